@@ -1,0 +1,24 @@
+// The document operations behind the File menu and behind everyone who opens or saves. UI thread only. Every
+// operation with a tab index returns 0 at once for an index out of range.
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+
+int FileNew();                     // 1, or 0 when no tab could be added
+int FileOpen(const wchar_t* path); // null: the dialog. 1 when the file is shown in a tab, new or existing
+int FileSave(int tab);
+int FileSaveAs(int tab);
+int FileSaveAll();                 // 1 when every modified document was saved
+int FileReload(int tab);
+int FileClose(int tab);            // 0 when the user cancelled or the save failed
+int FileCloseAll();                // stops at the first refusal: 0
+
+// The folder that the open dialog starts in. 1 when one was produced.
+int FileOpenResolveInitialDirectory(wchar_t* out, std::size_t capacity);
+
+void MruAddFile(const wchar_t* path);
+bool DirectoryExists(const wchar_t* path);
+
+void GotoLineDialogShow(HWND owner);

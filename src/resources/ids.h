@@ -1,0 +1,145 @@
+// Every resource, control, command, message and timer number of the program. Macros, because the resource
+// compiler reads this file too.
+#pragma once
+
+// --- Resources
+#define IDI_APP 100
+#define IDR_MENU 1001
+#define IDR_ACCELERATORS 2000
+#define IDD_SETTINGS 3000
+#define IDD_FIND 3100
+#define IDD_GOTO_LINE 3150
+#define IDD_CONDITION 3210
+
+// --- Commands: File
+#define IDM_FILE_NEW 1001
+#define IDM_FILE_OPEN 1002
+#define IDM_FILE_SAVE 1003
+#define IDM_FILE_SAVE_AS 1004
+#define IDM_FILE_SAVE_ALL 1005
+#define IDM_FILE_CLOSE 1006
+#define IDM_FILE_CLOSE_ALL 1007
+#define IDM_FILE_EXIT 1009
+// --- Edit
+#define IDM_EDIT_UNDO 1101
+#define IDM_EDIT_REDO 1102
+#define IDM_EDIT_CUT 1103
+#define IDM_EDIT_COPY 1104
+#define IDM_EDIT_PASTE 1105
+#define IDM_EDIT_SELECT_ALL 1106
+#define IDM_EDIT_FIND 1107
+#define IDM_EDIT_REPLACE 1108
+#define IDM_EDIT_GOTO 1109
+#define IDM_EDIT_FORMAT_DOCUMENT 1230
+#define IDM_EDIT_FORMAT_SELECTION 1231
+// --- View
+#define IDM_VIEW_TOOLBAR 1201
+#define IDM_VIEW_STATUS_BAR 1202
+#define IDM_VIEW_OUTPUT 1203
+#define IDM_VIEW_WHITESPACE 1204
+#define IDM_VIEW_ASM 1255
+#define IDM_VIEW_AI 1257
+#define IDM_VIEW_WORD_WRAP 1260
+#define IDM_VIEW_ZOOM_IN 1261
+#define IDM_VIEW_ZOOM_OUT 1262
+#define IDM_VIEW_ZOOM_RESET 1263
+#define IDM_VIEW_LIGHT_THEME 1277
+#define IDM_VIEW_DARK_THEME 1278
+#define IDM_STYLE_FIRST 1330
+#define IDM_STYLE_CODE 1330
+#define IDM_STYLE_STUDIO 1331
+#define IDM_STYLE_PLUS 1332
+#define IDM_STYLE_SUBLIME 1333
+#define IDM_STYLE_CLASSIC 1334
+#define IDM_STYLE_FONT 1335
+// --- Compiler
+#define IDM_BUILD 1301
+#define IDM_BUILD_RUN 1302
+#define IDM_BUILD_STOP 1303
+#define IDM_BUILD_CLEAN 1304
+#define IDM_BUILD_SYNTAX 1305
+#define IDM_USE_KVXA64 1250
+#define IDM_USE_KVXB64 1251
+#define IDM_USE_KVXA32 1253
+#define IDM_USE_KELDORBASIC 1254
+#define IDM_USE_KVXC64 1320
+// Not in the menu: reached from the error list, the output pane and the keyboard.
+#define IDM_ERROR_NEXT 1310
+#define IDM_ERROR_PREVIOUS 1311
+#define IDM_PROFILE_DEBUG 1312
+#define IDM_PROFILE_RELEASE 1313
+#define IDM_PROFILE_FAST 1314
+#define IDM_BUILD_ALL 1315
+// --- Project
+#define IDM_PROJECT_SETTINGS 1401
+#define IDM_WORKSPACE_NEW 1402
+#define IDM_WORKSPACE_OPEN 1403
+#define IDM_WORKSPACE_SAVE 1404
+// --- Debug
+#define IDM_DEBUG_START 1902
+#define IDM_DEBUG_STOP 1903
+#define IDM_DEBUG_STEP_OVER 1904
+#define IDM_DEBUG_STEP_INTO 1905
+#define IDM_DEBUG_STEP_OUT 1506
+#define IDM_DEBUG_BREAKPOINT 1507
+// --- Tools, Help
+#define IDM_AI_OPENAI 1701
+#define IDM_AI_LMSTUDIO 1702
+#define IDM_HELP_ABOUT 1601
+// --- Internal commands
+#define IDM_NEXT_TAB 1950
+#define IDM_PREVIOUS_TAB 1951
+
+// --- Child controls of the main window
+#define IDC_TABS 2001
+#define IDC_TOOLBAR 2011
+#define IDC_STATUS_BAR 2012
+#define IDC_OUTPUT 2101
+#define IDC_SPLIT_OUTPUT 2201
+#define IDC_SPLIT_ASM 2202
+#define IDC_ASM 2203
+#define IDC_SPLIT_TREE 2204
+#define IDC_AI_CHAT 2300
+#define IDC_AI_INPUT 2301
+#define IDC_AI_SEND 2302
+#define IDC_STICKY_HEADER 2303
+#define IDC_TERMINAL 2304
+#define IDC_ERROR_LIST 2305
+#define IDC_PROJECT_TREE 2306
+// Editors: IDC_EDITOR_FIRST and up, one number a tab ever opened.
+#define IDC_EDITOR_FIRST 5000
+
+// --- Controls of the go-to-line dialog
+#define IDC_GOTO_LINE 3151
+#define IDC_GOTO_LINE_COUNT 3152
+#define IDC_GOTO_COLUMN 3153
+#define IDC_GOTO_PROCEDURE 3155
+
+// --- Controls of the find dialog
+#define IDC_FIND_WHAT 3101
+#define IDC_FIND_WITH 3102
+#define IDC_FIND_CASE 3103
+#define IDC_FIND_WORD 3104
+#define IDC_FIND_REGEX 3105
+#define IDC_FIND_NEXT 3106
+#define IDC_FIND_PREVIOUS 3107
+#define IDC_FIND_REPLACE 3108
+#define IDC_FIND_REPLACE_ALL 3109
+#define IDC_FIND_STATUS 3110
+#define IDC_FIND_WITH_LABEL 3111
+#define IDC_FIND_SELECTION 3112
+
+// --- Messages of the main window (WM_USER = 0x0400, WM_APP = 0x8000). The receiver frees a heap block in wParam.
+#define MSG_BUILD_OUTPUT (0x0400 + 100)    // wParam: heap wide text, lParam: colour (0 = default)
+#define MSG_BUILD_FINISHED (0x0400 + 101)  // wParam: exit code of the compiler
+#define MSG_STARTUP (0x0400 + 200)         // start-up completion, posted once by the window's creation
+#define MSG_REINIT_EDITOR (0x0400 + 201)   // wParam: tab index
+#define MSG_FOCUS_EDITOR (0x8000 + 1)      // give the active editor the focus
+#define MSG_AI_REPLY (0x8000 + 3)          // wParam: heap UTF-8 reply or null, lParam: chat or replacement
+
+// --- Timers of the main window
+#define TIMER_AUTO_SAVE 1
+#define TIMER_SESSION 2
+#define TIMER_OUTPUT 3   // applies queued build output in batches
+#define TIMER_BUILD 4    // progress of a running build in the status bar
+#define TIMER_FOCUS 32770

@@ -1,0 +1,104 @@
+// Every persistent preference, as one record: what `Editor.ini` holds. The table in settings_schema.h gives each
+// field its section, key, type, default and limits; loading and saving walk that table. Owned by the UI thread.
+#pragma once
+
+#include "files/bounded_text.h"
+#include "settings/compiler_id.h"
+
+#include <cstdint>
+
+inline constexpr int kMruCapacity = 10;
+inline constexpr int kSearchHistoryCapacity = 20;
+inline constexpr int kColorOverrides = 7;
+
+struct CompilerSettings {
+    wchar_t path[kPathCapacity];         // the executable; absolute in memory, relative to our own folder on disk
+    wchar_t flags[1024];                 // extra switches of a normal build (512 on disk for all but KVXA32)
+    wchar_t includePath[kPathCapacity];  // include folder handed to this compiler
+    wchar_t asmFlag[64];                 // switch that asks for a listing; "{asm}" stands for its path
+    wchar_t syntaxFlags[512];            // switches of a syntax check; empty: the compiler table's own
+    wchar_t description[2048];           // free text for the settings dialog and the assistant
+    std::int32_t registerExtension;      // bool: offer the editor in the shell for this compiler's sources
+};
+
+struct Settings {
+    CompilerSettings compilers[kCompilerCount];
+
+    // Editor
+    wchar_t includePath[kPathCapacity];  // global include folder
+    wchar_t fontName[64];
+    std::int32_t fontSize;               // points, 6..72
+    std::int32_t showWhitespace;
+    std::int32_t wordWrap;
+    std::int32_t editorZoom;             // Scintilla zoom steps
+    std::int32_t editorStylePreset;      // 0..5: row of the style table
+    std::int32_t activeCompiler;         // CompilerId
+    std::int32_t theme;                  // 0 light, 1 dark
+    std::int32_t tabWidth;
+    std::int32_t useTabs;
+    std::int32_t showLineNumbers;
+    std::int32_t edgeColumn;
+    std::int32_t showToolbar;
+    std::int32_t showStatusbar;
+    wchar_t outputFont[64];
+    std::int32_t outputFontSize;         // points
+    std::int32_t restoreLastSession;     // load and save workspace.json
+    std::int32_t buildOnSave;
+    std::int32_t autoSaveInterval;       // minutes, 0 = off
+    std::int32_t enableAutoComplete;
+    std::int32_t autoCompleteTrigger;    // characters typed before completion opens
+    std::int32_t autoUpperKeywords;
+    std::int32_t showIndentGuides;
+    std::int32_t showTerminal;
+    std::int32_t showEdgeLine;
+    std::int32_t showChangeMargin;
+    std::int32_t enableVirtualSpace;
+    std::int32_t showErrorList;
+    std::int32_t errorListHeight;
+    std::int32_t colors[kColorOverrides];  // COLORREF overrides, 0 = none
+    std::int32_t searchHistoryCount;
+    wchar_t searchHistory[kSearchHistoryCapacity][256];
+    std::int32_t backupOnSave;
+    std::int32_t backupSettings;
+    std::int32_t autoSaveEnabled;        // session auto-save
+
+    // Build
+    std::int32_t profile;                // 0 Debug, 1 Release, 2 Fast
+    wchar_t preBuildCmd[1024];
+    wchar_t postBuildCmd[1024];
+
+    // Project
+    wchar_t projectRoot[kPathCapacity];
+    std::int32_t showProjectTree;
+    std::int32_t projectTreeWidth;       // pixels at 96 dpi
+
+    // Assistant. The keys are in clear text here and protected on disk.
+    std::int32_t showAiSidebar;
+    std::int32_t aiSidebarWidth;         // pixels at 96 dpi
+    std::int32_t aiEnabled;              // derived: either service is on
+    std::int32_t openAIEnabled;
+    std::int32_t lmStudioEnabled;
+    std::int32_t primaryAi;              // 0 OpenAI, 1 LM Studio
+    wchar_t openAIKey[256];
+    wchar_t openAIUrl[1024];
+    wchar_t openAITranscriptionModel[64];
+    wchar_t openAICodeModel[64];
+    wchar_t lmStudioUrl[1024];
+    wchar_t lmStudioKey[256];
+    wchar_t lmStudioModel[64];
+    wchar_t transcribeTestText[1024];
+    std::int32_t appendLastError;
+
+    // Recent files and sessions, newest first
+    std::int32_t mruCount;
+    wchar_t mruFiles[kMruCapacity][kPathCapacity];
+    std::int32_t sessionMruCount;
+    wchar_t sessionMruFiles[kMruCapacity][kPathCapacity];
+
+    // Window
+    std::int32_t splitter;               // top edge of the output pane, pixels from the top of the client area
+};
+
+// `overridePath` may be null: "Editor.ini" beside the executable. See settings_store.h for the path rules.
+void SettingsLoad(const wchar_t* overridePath);
+void SettingsSave(const wchar_t* overridePath);
