@@ -1,0 +1,110 @@
+# The four libraries, from the sources that scripts/setup fetched or from copies named by cache variables:
+#   third_party_scintilla    headers of Scintilla and Lexilla (the program loads the DLLs at run time)
+#   third_party_editing_dlls builds Scintilla.dll and Lexilla.dll, or copies installed ones, into KVX_DIST_DIR
+#   third_party_cjson        cJSON, static:  #include <cJSON.h>
+#   third_party_zydis        Zydis, static:  #include <Zydis/Zydis.h>
+# Nothing here is warned about: it is not ours to change.
+
+set(fetched "${CMAKE_SOURCE_DIR}/third_party")
+set(KVX_SCINTILLA_DIR "${fetched}/scite/scintilla" CACHE PATH
+    "Scintilla: its source tree, or a folder with include/Scintilla.h and Scintilla.dll (there or in bin/)")
+set(KVX_LEXILLA_DIR "${fetched}/scite/lexilla" CACHE PATH
+    "Lexilla: its source tree, or a folder with include/SciLexer.h and Lexilla.dll (there or in bin/)")
+set(KVX_CJSON_DIR "${fetched}/cjson" CACHE PATH
+    "cJSON: its source tree, or a prefix with include/cjson/cJSON.h and lib/libcjson.a")
+set(KVX_ZYDIS_DIR "${fetched}/zydis" CACHE PATH
+    "Zydis: its source tree, or a prefix with include/Zydis/Zydis.h and lib/libZydis.a")
+set(KVX_ZYCORE_INCLUDE_DIR "/usr/include" CACHE PATH "Folder that holds Zycore/Types.h")
+
+function(kvx_require file what)
+    if(NOT EXISTS "${file}")
+        message(FATAL_ERROR "${what} not found (${file}). Run scripts/setup, or set the cache variable that names it.")
+    endif()
+endfunction()
+
+# --- cJSON ---
+if(EXISTS "${KVX_CJSON_DIR}/cJSON.c")
+    add_library(third_party_cjson STATIC "${KVX_CJSON_DIR}/cJSON.c")
+    target_include_directories(third_party_cjson SYSTEM PUBLIC "${KVX_CJSON_DIR}")
+    target_compile_definitions(third_party_cjson PUBLIC CJSON_HIDE_SYMBOLS)
+    target_compile_options(third_party_cjson PRIVATE -w)
+else()
+    kvx_require("${KVX_CJSON_DIR}/include/cjson/cJSON.h" "cJSON")
+    add_library(third_party_cjson INTERFACE)
+    target_include_directories(third_party_cjson SYSTEM INTERFACE "${KVX_CJSON_DIR}/include/cjson")
+    target_link_libraries(third_party_cjson INTERFACE "${KVX_CJSON_DIR}/lib/libcjson.a")
+endif()
+
+# --- Zydis ---
+if(EXISTS "${KVX_ZYDIS_DIR}/src/Decoder.c")
+    kvx_require("${KVX_ZYCORE_INCLUDE_DIR}/Zycore/Types.h" "Zycore (package libzycore-dev)")
+    # The one folder of headers, not all of the host's: those must not reach a cross build.
+    set(zycore_include "${CMAKE_BINARY_DIR}/zycore_include")
+    file(COPY "${KVX_ZYCORE_INCLUDE_DIR}/Zycore" DESTINATION "${zycore_include}")
+    file(GLOB zydis_sources "${KVX_ZYDIS_DIR}/src/*.c")
+    add_library(third_party_zydis STATIC ${zydis_sources})
+    target_include_directories(third_party_zydis SYSTEM PUBLIC "${KVX_ZYDIS_DIR}/include" "${zycore_include}")
+    target_include_directories(third_party_zydis PRIVATE "${KVX_ZYDIS_DIR}/src")
+    target_compile_definitions(third_party_zydis PUBLIC ZYDIS_STATIC_BUILD ZYCORE_STATIC_BUILD)
+    target_compile_options(third_party_zydis PRIVATE -w)
+else()
+    kvx_require("${KVX_ZYDIS_DIR}/include/Zydis/Zydis.h" "Zydis")
+    add_library(third_party_zydis INTERFACE)
+    target_include_directories(third_party_zydis SYSTEM INTERFACE "${KVX_ZYDIS_DIR}/include")
+    target_compile_definitions(third_party_zydis INTERFACE ZYDIS_STATIC_BUILD ZYCORE_STATIC_BUILD)
+    target_link_libraries(third_party_zydis INTERFACE
+        "${KVX_ZYDIS_DIR}/lib/libZydis.a" "${KVX_ZYDIS_DIR}/lib/libZycore.a")
+endif()
+
+# --- Scintilla, Lexilla ---
+kvx_require("${KVX_SCINTILLA_DIR}/include/Scintilla.h" "Scintilla")
+kvx_require("${KVX_LEXILLA_DIR}/include/SciLexer.h" "Lexilla")
+add_library(third_party_scintilla INTERFACE)
+target_include_directories(third_party_scintilla SYSTEM INTERFACE
+    "${KVX_SCINTILLA_DIR}/include" "${KVX_LEXILLA_DIR}/include")
+
+if(WIN32)
+    add_custom_target(third_party_editing_dlls ALL)
+
+    # A DLL under the exact name that the program loads.
+    function(kvx_editing_dll name sources libraries)
+        add_library(${name} SHARED ${sources})
+        target_compile_features(${name} PRIVATE cxx_std_17)
+        target_compile_options(${name} PRIVATE -w $<$<COMPILE_LANGUAGE:CXX>:-O3 -g0>)
+        target_compile_definitions(${name} PRIVATE NDEBUG)
+        target_link_libraries(${name} PRIVATE ${libraries})
+        target_link_options(${name} PRIVATE -static -s -mwindows -Wl,--kill-at)
+        set_target_properties(${name} PROPERTIES PREFIX "" OUTPUT_NAME "${name}" CXX_STANDARD 17
+            RUNTIME_OUTPUT_DIRECTORY "${KVX_DIST_DIR}")
+        add_dependencies(third_party_editing_dlls ${name})
+    endfunction()
+
+    # An installed DLL beside the program.
+    function(kvx_copy_dll name folder)
+        find_file(KVX_${name}_FILE NAMES ${name}.dll PATHS "${folder}" "${folder}/bin" NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+        kvx_require("${KVX_${name}_FILE}" "${name}.dll in ${folder}")
+        add_custom_target(copy_${name} COMMAND ${CMAKE_COMMAND} -E copy_if_different
+            "${KVX_${name}_FILE}" "${KVX_DIST_DIR}/${name}.dll" VERBATIM)
+        add_dependencies(third_party_editing_dlls copy_${name})
+    endfunction()
+
+    if(EXISTS "${KVX_SCINTILLA_DIR}/win32/ScintillaWin.cxx")
+        file(GLOB scintilla_sources "${KVX_SCINTILLA_DIR}/src/*.cxx" "${KVX_SCINTILLA_DIR}/win32/*.cxx")
+        list(APPEND scintilla_sources
+            "${KVX_SCINTILLA_DIR}/win32/ScintRes.rc" "${KVX_SCINTILLA_DIR}/win32/Scintilla.def")
+        kvx_editing_dll(Scintilla "${scintilla_sources}" "gdi32;user32;imm32;ole32;uuid;oleaut32;msimg32")
+        target_include_directories(Scintilla PRIVATE
+            "${KVX_SCINTILLA_DIR}/include" "${KVX_SCINTILLA_DIR}/src" "${KVX_SCINTILLA_DIR}/win32")
+    else()
+        kvx_copy_dll(Scintilla "${KVX_SCINTILLA_DIR}")
+    endif()
+    if(EXISTS "${KVX_LEXILLA_DIR}/src/Lexilla.cxx")
+        file(GLOB lexilla_sources "${KVX_LEXILLA_DIR}/lexers/*.cxx" "${KVX_LEXILLA_DIR}/lexlib/*.cxx")
+        list(APPEND lexilla_sources "${KVX_LEXILLA_DIR}/src/Lexilla.cxx" "${KVX_LEXILLA_DIR}/src/LexillaVersion.rc")
+        kvx_editing_dll(Lexilla "${lexilla_sources}" "")
+        target_include_directories(Lexilla PRIVATE
+            "${KVX_LEXILLA_DIR}/include" "${KVX_LEXILLA_DIR}/lexlib" "${KVX_SCINTILLA_DIR}/include")
+    else()
+        kvx_copy_dll(Lexilla "${KVX_LEXILLA_DIR}")
+    endif()
+endif()
