@@ -3,7 +3,7 @@
 #   third_party_editing_dlls builds Scintilla.dll and Lexilla.dll, or copies installed ones, into KVX_DIST_DIR
 #   third_party_cjson        cJSON, static:  #include <cJSON.h>
 #   third_party_zydis        Zydis, static:  #include <Zydis/Zydis.h>
-# Nothing here is warned about: it is not ours to change.
+# Nothing here is warned about, nor checked for undefined behaviour: it is not ours to change.
 
 set(fetched "${CMAKE_SOURCE_DIR}/third_party")
 set(KVX_SCINTILLA_DIR "${fetched}/scite/scintilla" CACHE PATH
@@ -16,6 +16,11 @@ set(KVX_ZYDIS_DIR "${fetched}/zydis" CACHE PATH
     "Zydis: its source tree, or a prefix with include/Zydis/Zydis.h and lib/libZydis.a")
 set(KVX_ZYCORE_INCLUDE_DIR "/usr/include" CACHE PATH "Folder that holds Zycore/Types.h")
 
+set(third_party_options -w)
+if(KVX_SANITIZE)
+    list(APPEND third_party_options -fno-sanitize=undefined)
+endif()
+
 function(kvx_require file what)
     if(NOT EXISTS "${file}")
         message(FATAL_ERROR "${what} not found (${file}). Run scripts/setup, or set the cache variable that names it.")
@@ -27,7 +32,7 @@ if(EXISTS "${KVX_CJSON_DIR}/cJSON.c")
     add_library(third_party_cjson STATIC "${KVX_CJSON_DIR}/cJSON.c")
     target_include_directories(third_party_cjson SYSTEM PUBLIC "${KVX_CJSON_DIR}")
     target_compile_definitions(third_party_cjson PUBLIC CJSON_HIDE_SYMBOLS)
-    target_compile_options(third_party_cjson PRIVATE -w)
+    target_compile_options(third_party_cjson PRIVATE ${third_party_options})
 else()
     kvx_require("${KVX_CJSON_DIR}/include/cjson/cJSON.h" "cJSON")
     add_library(third_party_cjson INTERFACE)
@@ -46,7 +51,7 @@ if(EXISTS "${KVX_ZYDIS_DIR}/src/Decoder.c")
     target_include_directories(third_party_zydis SYSTEM PUBLIC "${KVX_ZYDIS_DIR}/include" "${zycore_include}")
     target_include_directories(third_party_zydis PRIVATE "${KVX_ZYDIS_DIR}/src")
     target_compile_definitions(third_party_zydis PUBLIC ZYDIS_STATIC_BUILD ZYCORE_STATIC_BUILD)
-    target_compile_options(third_party_zydis PRIVATE -w)
+    target_compile_options(third_party_zydis PRIVATE ${third_party_options})
 else()
     kvx_require("${KVX_ZYDIS_DIR}/include/Zydis/Zydis.h" "Zydis")
     add_library(third_party_zydis INTERFACE)
