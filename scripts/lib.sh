@@ -44,12 +44,136 @@ quietly() {
     return "$status"
 }
 
-state_get() { [ -f "$STATE" ] && sed -n "s/^$1=//p" "$STATE" | tail -n 1 || true; }
+state_get() {
+    if [ -f "$STATE" ]; then sed -n "s/^$1=//p" "$STATE" | tail -n 1; fi
+}
 
 state_set() {
     mkdir -p "$(dirname "$STATE")"
     local rest=""
-    [ -f "$STATE" ] && rest="$(grep -v "^$1=" "$STATE" || true)"
-    { [ -n "$rest" ] && printf '%s\n' "$rest"; printf '%s=%s\n' "$1" "$2"; } >"$STATE.new"
+    if [ -f "$STATE" ]; then rest="$(grep -v "^$1=" "$STATE" || true)"; fi
+    { [ -z "$rest" ] || printf '%s\n' "$rest"; printf '%s=%s\n' "$1" "$2"; } >"$STATE.new"
     mv "$STATE.new" "$STATE"
+}
+
+# --- Paths between the two worlds ---------------------------------------------------------------------------------
+
+# windows_path UNIXPATH: the same file as Wine names it (drive Z: is the root of this machine).
+windows_path() {
+    local path="$1"
+    case "$path" in
+        /*) ;;
+        *) path="$PWD/$path" ;;
+    esac
+    printf 'Z:%s' "${path//\//\\}"
+}
+
+# --- Cleaning up ---------------------------------------------------------------------------------------------------
+
+XVFB_PID=""
+WINE_STARTED=""
+
+# Ends what this script started: its own X server, and the Wine processes of its own prefix.
+cleanup() {
+    if [ -n "$WINE_STARTED" ]; then
+        wineserver -k >/dev/null 2>&1 || true
+        WINE_STARTED=""
+    fi
+    if [ -n "$XVFB_PID" ]; then
+        kill "$XVFB_PID" 2>/dev/null || true
+        wait "$XVFB_PID" 2>/dev/null || true
+        XVFB_PID=""
+    fi
+}
+trap cleanup EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM
+
+# --- X display ------------------------------------------------------------------------------------------------------
+
+# Starts a private X server on a free number and sets DISPLAY.
+start_xvfb() {
+    local number_file number=""
+    number_file="$(mktemp)"
+    Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$number_file" >/dev/null 2>&1 &
+    XVFB_PID=$!
+    for _ in $(seq 1 100); do
+        number="$(cat "$number_file")"
+        [ -n "$number" ] && break
+        kill -0 "$XVFB_PID" 2>/dev/null || break
+        sleep 0.1
+    done
+    rm -f "$number_file"
+    [ -n "$number" ] || die "the X server (Xvfb) did not start"
+    export DISPLAY=":$number"
+}
+
+# --- Wine -----------------------------------------------------------------------------------------------------------
+
+# use_wine FOLDER: makes it the Wine prefix of this script, creating it once. Another folder than the default keeps the
+# tests apart from a program that is in use: every prefix has its own processes, registry and desktop.
+use_wine() {
+    export WINEPREFIX="$1"
+    # Neither the .NET nor the HTML engine: Wine would ask to download them.
+    export WINEDLLOVERRIDES="mscoree,mshtml="
+    export WINEDEBUG="${WINEDEBUG:--all}"
+    # File names outside ASCII need a UTF-8 locale, and the regional settings should not differ between machines.
+    export LC_ALL=C.UTF-8
+    unset LANG LANGUAGE
+    have wine || die "Wine is not installed; run scripts/setup"
+    WINE_STARTED=yes
+    local made="$WINEPREFIX/kvx-prefix-4"
+    [ -f "$made" ] && return 0
+    say "making the Wine prefix $WINEPREFIX (once, up to a minute)"
+    rm -rf "$WINEPREFIX"
+    mkdir -p "$(dirname "$WINEPREFIX")"
+    quietly "$BUILD/logs/wineboot.log" timeout -k 10 240 wine wineboot -i || die "wineboot failed"
+    quietly "$BUILD/logs/winecfg.log" timeout -k 10 60 wine winecfg -v win10 || die "winecfg failed"
+    local settings="$WINEPREFIX/kvx.reg"
+    # One desktop of a known size inside the X screen: captions and focus without a window manager. Fonts that Windows
+    # has and Wine has not are replaced by ones that look alike; a crash is to end the program, not to open a dialog.
+    cat >"$settings" <<'REG'
+REGEDIT4
+
+[HKEY_CURRENT_USER\Software\Wine\Explorer]
+"Desktop"="kvx"
+
+[HKEY_CURRENT_USER\Software\Wine\Explorer\Desktops]
+"kvx"="1280x900"
+
+[HKEY_CURRENT_USER\Software\Wine\Fonts\Replacements]
+"Segoe UI"="Liberation Sans"
+"Consolas"="Liberation Mono"
+"Courier New"="Liberation Mono"
+"Lucida Console"="Liberation Mono"
+
+[HKEY_CURRENT_USER\Control Panel\Desktop]
+"FontSmoothing"="2"
+"FontSmoothingType"=dword:00000001
+"FontSmoothingGamma"=dword:00000578
+"FontSmoothingOrientation"=dword:00000001
+
+[HKEY_CURRENT_USER\Software\Wine\WineDbg]
+"ShowCrashDialog"=dword:00000000
+REG
+    quietly "$BUILD/logs/wine-settings.log" timeout -k 10 60 wine regedit /S "$(windows_path "$settings")" ||
+        die "could not write the settings of the Wine prefix"
+    timeout -k 10 60 wineserver -w || true
+    touch "$made"
+}
+
+# --- One at a time ----------------------------------------------------------------------------------------------------
+
+# locked NAME COMMAND...: two builds in one folder at once would spoil each other; the second waits.
+locked() {
+    local name="$1" status=0; shift
+    mkdir -p "$BUILD"
+    exec 9>"$BUILD/.$name.lock"
+    if ! flock -n 9; then
+        say "waiting for another '$name' in this folder to end"
+        flock -w 3600 9 || die "another '$name' has not ended within an hour"
+    fi
+    "$@" || status=$?
+    exec 9>&-
+    return "$status"
 }

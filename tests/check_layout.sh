@@ -1,0 +1,107 @@
+#!/usr/bin/env bash
+# Checks what no compiler does: which folder may include which, what a pure file must not touch, how long a file may
+# get, and that the text of the project can be understood from the project alone. One line a fault; the last line counts.
+# Needs nothing but a shell, awk, grep and find.
+set -euo pipefail
+
+root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+cd "${1:-$root}"
+
+# A folder may include itself and those before it.
+folders="files settings compilers scintilla language editor tabs documents build disasm debugger session search ai toolbar selftest app"
+# Open to every folder: the global record, the log, what may be asked of the shell, the numbers of commands and controls.
+open_headers="app/app_state.h app/log.h app/shell.h resources/ids.h"
+longest=600
+
+faults="$(mktemp)"
+trap 'rm -f "$faults"' EXIT
+
+# check NAME COMMAND...: what the command prints are faults.
+checks=0
+failed=0
+check() {
+    local name="$1"; shift
+    checks=$((checks + 1))
+    "$@" >"$faults"
+    if [ -s "$faults" ]; then
+        failed=$((failed + 1))
+        echo "layout: $name:"
+        sed 's/^/    /' "$faults"
+    fi
+}
+
+sources() { find src -type f \( -name '*.cpp' -o -name '*.h' \) | sort; }
+pure_sources() { find src -type f -name '*.cpp' ! -name '*_win.cpp' | sort; }
+
+# Every text file that is ours.
+texts() {
+    find . -name .git -prune -o -path ./build -prune -o -path ./third_party -prune -o \
+        -type f ! -name '*.ico' ! -name '*.png' ! -path './tests/fuzz/corpus/*' -print | sort
+}
+
+include_direction() {
+    sources | xargs -r awk -v folders="$folders" -v open_headers="$open_headers" '
+        BEGIN {
+            n = split(folders, name, " "); for (i = 1; i <= n; i++) rank[name[i]] = i
+            n = split(open_headers, name, " "); for (i = 1; i <= n; i++) open[name[i]] = 1
+        }
+        FNR == 1 {
+            split(FILENAME, part, "/"); own = part[2]
+            if (own != "resources" && !(own in rank)) print FILENAME ": the folder " own " has no place in the order"
+        }
+        /^[ \t]*#[ \t]*include[ \t]*"/ {
+            header = $0; sub(/^[^"]*"/, "", header); sub(/".*/, "", header)
+            if (header in open) next
+            if (index(header, "/") == 0) { print FILENAME ":" FNR ": name the folder: \"" header "\""; next }
+            split(header, part, "/")
+            if (!(part[1] in rank)) print FILENAME ":" FNR ": no such folder: \"" header "\""
+            else if (rank[part[1]] > rank[own]) print FILENAME ":" FNR ": " own "/ must not include \"" header "\""
+        }'
+}
+
+# What is system-specific, and the one global record, belong to the _win files.
+pure_files() {
+    pure_sources | xargs -r grep -nHiE \
+        '#[ \t]*include[ \t]*<(windows|windowsx|winuser|wingdi|winbase|commctrl|commdlg|richedit|shellapi|shlwapi|shlobj|shobjidl|winhttp|wincrypt|dpapi|uxtheme|dwmapi|tlhelp32|psapi|unistd|sys/[a-z]+)\.h>|(^|[^_[:alnum:]])g_app([^_[:alnum:]]|$)|"app/app_state\.h"' ||
+        true
+}
+
+file_length() {
+    texts | grep -E '\.(cpp|h|hpp|c|s|rc|sh|cmake)$|/scripts/|CMakeLists' |
+        xargs -r awk -v longest="$longest" '
+            FNR == 1 && file != "" && lines > longest { print file ": " lines " lines, " longest " are the limit" }
+            { file = FILENAME; lines = FNR }
+            END { if (lines > longest) print file ": " lines " lines, " longest " are the limit" }'
+}
+
+# A header that is included first somewhere is proved to stand alone there.
+own_header_first() {
+    local source base header first
+    while read -r source; do
+        base="${source%.cpp}"
+        header="$base.h"
+        [ -f "$header" ] || header="${base%_win}.h"
+        [ -f "$header" ] || continue
+        first="$(sed -n 's/^[ \t]*#[ \t]*include[ \t]*[<"]\([^">]*\)[">].*/\1/p' "$source" | head -n 1)"
+        [ "$first" = "${header#src/}" ] || echo "$source: include \"${header#src/}\" first, not \"$first\""
+    done < <(find src -type f -name '*.cpp' | sort)
+}
+
+pragma_once() {
+    find src -type f -name '*.h' | sort | xargs -r grep -L '^#pragma once' | sed 's/$/: no #pragma once/' || true
+}
+
+# A reader has this repository and nothing else: a pointer to a document that is not in it leads nowhere.
+outside_references() {
+    texts | xargs -r grep -nHIE '\b[Ss][p]ec(ification)?s?\b|\bPart [0-9]+\.[0-9]+|\.\./s[h]ared' || true
+}
+
+check "direction of includes" include_direction
+check "pure files" pure_files
+check "files too long" file_length
+check "own header first" own_header_first
+check "#pragma once" pragma_once
+check "references to documents outside the repository" outside_references
+
+echo "layout: $((checks - failed)) passed, $failed failed"
+[ "$failed" -eq 0 ]
