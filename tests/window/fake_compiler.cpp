@@ -1,0 +1,112 @@
+// A compiler that does as it is told: its own executable, copied over a compiler's by the window tests. What to do
+// stands in "fake.txt" beside it, one order a line:
+//   print TEXT       the text and a line break            args         command line and working folder
+//   raw TEXT         \xHH escapes, no line break          sleep MS
+//   flood N          N numbered lines (0: without end)    spawn        a copy of itself that lives for a minute
+//   errors N FILE    N diagnostics for FILE, line i       touch PATH   creates an empty file
+//   exit N           ends with that code
+#include <windows.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+namespace {
+
+void Put(std::string_view bytes) {
+    DWORD put = 0;
+    while (!bytes.empty()) {
+        if (!WriteFile(GetStdHandle(STD_OUTPUT_HANDLE), bytes.data(), static_cast<DWORD>(bytes.size()), &put, nullptr))
+            ExitProcess(98);  // the reader is gone
+        bytes.remove_prefix(put);
+    }
+}
+
+std::string Narrow(const wchar_t* text) {
+    char out[8192] = {};
+    WideCharToMultiByte(CP_UTF8, 0, text, -1, out, sizeof(out) - 1, nullptr, nullptr);
+    return out;
+}
+
+std::wstring OwnPath() {
+    wchar_t path[1024] = {};
+    GetModuleFileNameW(nullptr, path, 1024);
+    return path;
+}
+
+void Flood(long count) {
+    std::string block;
+    for (long i = 1; count == 0 || i <= count; ++i) {
+        char line[64];
+        std::snprintf(line, sizeof(line), "output line %07ld\r\n", i);
+        block += line;
+        if (block.size() > 16000 || i == count) Put(block), block.clear();
+    }
+}
+
+void Spawn() {
+    std::wstring line = L"\"" + OwnPath() + L"\" --linger";
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION child{};
+    CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &child);
+}
+
+void Raw(std::string_view text) {
+    std::string bytes;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text.substr(i, 2) != "\\x") {
+            bytes += text[i];
+            continue;
+        }
+        bytes += static_cast<char>(std::strtol(std::string(text.substr(i + 2, 2)).c_str(), nullptr, 16));
+        i += 3;
+    }
+    Put(bytes);
+}
+
+void Obey(const std::string& order, const std::string& text) {
+    if (order == "print") Put(text + "\r\n");
+    if (order == "raw") Raw(text);
+    if (order == "flood") Flood(std::atol(text.c_str()));
+    if (order == "sleep") Sleep(static_cast<DWORD>(std::atol(text.c_str())));
+    if (order == "spawn") Spawn();
+    if (order == "exit") ExitProcess(static_cast<UINT>(std::atol(text.c_str())));
+    if (order == "touch") std::fclose(std::fopen(text.c_str(), "wb"));
+    if (order == "args") {
+        wchar_t folder[1024] = {};
+        GetCurrentDirectoryW(1024, folder);
+        Put("args: " + Narrow(GetCommandLineW()) + "\r\ncwd: " + Narrow(folder) + "\r\n");
+    }
+    if (order == "errors") {
+        const std::size_t blank = text.find(' ');
+        for (long i = 1, count = std::atol(text.c_str()); i <= count; ++i) {
+            const std::string number = std::to_string(i);
+            Put(text.substr(blank + 1) + "(" + number + ",1): error: number " + number + "\r\n");
+        }
+    }
+}
+
+}  // namespace
+
+int main() {
+    if (std::wstring_view(GetCommandLineW()).find(L"--linger") != std::wstring_view::npos) {
+        Sleep(60000);
+        return 0;
+    }
+    const std::wstring own = OwnPath();
+    std::FILE* file = _wfopen((own.substr(0, own.rfind(L'\\') + 1) + L"fake.txt").c_str(), L"rb");
+    if (!file) return 97;
+    std::string script;
+    for (int c = std::fgetc(file); c != EOF; c = std::fgetc(file)) script += static_cast<char>(c);
+    std::fclose(file);
+    for (std::size_t at = 0; at < script.size();) {
+        const std::size_t end = std::min(script.find('\n', at), script.size());
+        const std::string line = script.substr(at, end - at);
+        const std::size_t blank = line.find(' ');
+        Obey(line.substr(0, blank), blank == std::string::npos ? "" : line.substr(blank + 1));
+        at = end + 1;
+    }
+    return 0;
+}

@@ -1,0 +1,209 @@
+// Files, folders and the life of the program's process.
+#include "harness.h"
+
+#include <tlhelp32.h>
+
+#include <algorithm>
+#include <filesystem>
+
+namespace fs = std::filesystem;
+
+bool WaitFor(const std::function<bool()>& condition, int milliseconds) {
+    const ULONGLONG end = GetTickCount64() + static_cast<ULONGLONG>(milliseconds);
+    for (;;) {
+        if (condition()) return true;
+        if (GetTickCount64() >= end) return false;
+        Sleep(15);
+    }
+}
+
+std::string Utf8(std::wstring_view text) {
+    const int size = static_cast<int>(text.size());
+    const int needed = WideCharToMultiByte(CP_UTF8, 0, text.data(), size, nullptr, 0, nullptr, nullptr);
+    std::string out(static_cast<std::size_t>(needed), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.data(), size, out.data(), needed, nullptr, nullptr);
+    return out;
+}
+
+std::wstring Wide(std::string_view utf8) {
+    const int size = static_cast<int>(utf8.size());
+    const int needed = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, nullptr, 0);
+    std::wstring out(static_cast<std::size_t>(needed), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, out.data(), needed);
+    return out;
+}
+
+bool Exists(const std::wstring& path) { return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
+
+std::optional<std::string> ReadBytes(const std::wstring& path) {
+    const DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return std::nullopt;
+    std::string out(GetFileSize(file, nullptr), '\0');
+    DWORD got = 0;
+    ReadFile(file, out.data(), static_cast<DWORD>(out.size()), &got, nullptr);
+    CloseHandle(file);
+    out.resize(got);
+    return out;
+}
+
+void WriteBytes(const std::wstring& path, std::string_view bytes) {
+    const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    ASSERT_NE(file, INVALID_HANDLE_VALUE) << "cannot write " << Utf8(path);
+    DWORD put = 0;
+    WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &put, nullptr);
+    CloseHandle(file);
+    ASSERT_EQ(put, bytes.size()) << "wrote too little to " << Utf8(path);
+}
+
+std::wstring Variable(const wchar_t* name) {
+    wchar_t text[1024];
+    const DWORD length = GetEnvironmentVariableW(name, text, 1024);
+    if (length == 0 || length >= 1024) return L"";
+    if (text[0] != L'/') return text;
+    std::wstring path = L"Z:" + std::wstring(text);
+    std::replace(path.begin(), path.end(), L'/', L'\\');
+    return path;
+}
+
+int CountProcesses(std::wstring_view fileName) {
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+    PROCESSENTRY32W entry{};
+    entry.dwSize = sizeof(entry);
+    int count = 0;
+    for (BOOL more = Process32FirstW(snapshot, &entry); more; more = Process32NextW(snapshot, &entry))
+        count += _wcsicmp(entry.szExeFile, std::wstring(fileName).c_str()) == 0;
+    CloseHandle(snapshot);
+    return count;
+}
+
+namespace {
+
+fs::path OwnFolder() {
+    wchar_t path[1024];
+    GetModuleFileNameW(nullptr, path, 1024);
+    return fs::path(path).parent_path();
+}
+
+// KVX_DIST, else a folder "dist" beside the test executable or above it.
+fs::path DistFolder() {
+    if (const std::wstring set = Variable(L"KVX_DIST"); !set.empty()) return set;
+    for (fs::path at = OwnFolder(); at.has_relative_path(); at = at.parent_path())
+        if (fs::exists(at / L"dist" / L"KVX-Editor.exe")) return at / L"dist";
+    return OwnFolder() / L"dist";
+}
+
+void Link(const fs::path& from, const fs::path& to) {
+    if (CreateHardLinkW(to.c_str(), from.c_str(), nullptr)) return;
+    EXPECT_TRUE(CopyFileW(from.c_str(), to.c_str(), FALSE)) << "cannot copy " << from.string();
+}
+
+bool IsCompilerFolder(const fs::path& folder) {
+    static constexpr const wchar_t* kNames[] = {L"KVXA64", L"KVXB64", L"KVXC64", L"KVXA32", L"KELDORRBASIC"};
+    return std::any_of(std::begin(kNames), std::end(kNames),
+                       [&](const wchar_t* name) { return _wcsicmp(name, folder.filename().c_str()) == 0; });
+}
+
+}  // namespace
+
+ProgramFolder::ProgramFolder(unsigned furnishing) {
+    static int number = 0;
+    const std::wstring root = Variable(L"KVX_TEST_ROOT");
+    const fs::path base = root.empty() ? OwnFolder() / L"window-run" : fs::path(root);
+    const fs::path own = base / (std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++number));
+    std::error_code ignored;
+    fs::remove_all(own, ignored);
+    fs::create_directories(own);
+    path = own.wstring() + L"\\";
+
+    const fs::path dist = DistFolder();
+    Link(dist / L"KVX-Editor.exe", own / L"KVX-Editor.exe");
+    if (!(furnishing & kNoScintilla)) Link(dist / L"Scintilla.dll", own / L"Scintilla.dll");
+    if (!(furnishing & kNoLexilla)) Link(dist / L"Lexilla.dll", own / L"Lexilla.dll");
+    if (!(furnishing & kCompilers)) return;
+    for (const auto& entry : fs::directory_iterator(dist)) {
+        if (!entry.is_directory() || !IsCompilerFolder(entry.path())) continue;
+        fs::create_directories(own / entry.path().filename());
+        for (const auto& file : fs::directory_iterator(entry.path()))
+            if (file.is_regular_file()) Link(file.path(), own / entry.path().filename() / file.path().filename());
+    }
+}
+
+ProgramFolder::~ProgramFolder() {
+    WritePrivateProfileStringW(nullptr, nullptr, nullptr, File(L"Editor.ini").c_str());
+    std::error_code ignored;
+    if (!::testing::Test::HasFailure()) fs::remove_all(path, ignored);
+}
+
+std::wstring ProgramFolder::Write(std::wstring_view name, std::string_view bytes) const {
+    const fs::path file = fs::path(path) / name;
+    fs::create_directories(file.parent_path());
+    WriteBytes(file.wstring(), bytes);
+    return file.wstring();
+}
+
+std::string ProgramFolder::Read(std::wstring_view name) const { return ReadBytes(File(name)).value_or(""); }
+
+std::wstring ProgramFolder::Ini(const wchar_t* section, const wchar_t* key, const wchar_t* fallback) const {
+    const std::wstring file = File(L"Editor.ini");
+    WritePrivateProfileStringW(nullptr, nullptr, nullptr, file.c_str());
+    wchar_t text[4096];
+    GetPrivateProfileStringW(section, key, fallback, text, 4096, file.c_str());
+    return text;
+}
+
+void ProgramFolder::SetIni(const wchar_t* section, const wchar_t* key, const std::wstring& value) const {
+    const std::wstring file = File(L"Editor.ini");
+    EXPECT_TRUE(WritePrivateProfileStringW(section, key, value.c_str(), file.c_str()));
+    WritePrivateProfileStringW(nullptr, nullptr, nullptr, file.c_str());
+}
+
+Editor::Editor(const ProgramFolder& programFolder, const std::wstring& arguments, Until until)
+    : folder(programFolder) {
+    DeleteFileW(folder.File(L"Editor_Detect.log").c_str());
+    job = CreateJobObjectW(nullptr, nullptr);
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+    SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof(limits));
+
+    std::wstring line = L"\"" + folder.File(L"KVX-Editor.exe") + L"\" " + arguments;
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION started{};
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED, nullptr, folder.path.c_str(),
+                        &startup, &started)) {
+        ADD_FAILURE() << "cannot start " << Utf8(line) << ", error " << GetLastError();
+        return;
+    }
+    process = started.hProcess;
+    pid = started.dwProcessId;
+    AssignProcessToJobObject(job, process);
+    ResumeThread(started.hThread);
+    CloseHandle(started.hThread);
+    if (until == Until::Ready) AwaitReady();
+}
+
+Editor::~Editor() {
+    if (::testing::Test::HasFailure() && process && WaitForSingleObject(process, 0) == WAIT_TIMEOUT)
+        std::printf("%s", Describe().c_str());
+    if (process && WaitForSingleObject(process, 0) == WAIT_TIMEOUT) TerminateProcess(process, 99);
+    if (process) WaitForSingleObject(process, 5000);
+    CloseHandle(job);
+    if (process) CloseHandle(process);
+}
+
+std::optional<DWORD> Editor::ExitCode(int milliseconds) {
+    DWORD code = 0;
+    if (WaitForSingleObject(process, static_cast<DWORD>(milliseconds)) != WAIT_OBJECT_0) return std::nullopt;
+    return GetExitCodeProcess(process, &code) ? std::optional(code) : std::nullopt;
+}
+
+std::optional<DWORD> Editor::Close() {
+    PostMessageW(main, WM_CLOSE, 0, 0);
+    return ExitCode();
+}
+
+std::wstring Editor::Log() const {
+    const std::string bytes = folder.Read(L"Editor_Detect.log");
+    return Wide(std::string_view(bytes).substr(bytes.starts_with("\xEF\xBB\xBF") ? 3 : 0));
+}

@@ -1,0 +1,131 @@
+// Drives the real KVX-Editor.exe from outside: its own fresh folder for each start, its windows found by process id,
+// everything awaited with a deadline. Nothing here hangs: each message to the program is sent with a time limit.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <functional>
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+inline constexpr int kDeadline = 15000;  // ms that anything may take on a loaded machine
+
+// Polls until the condition holds; false when the time is over.
+bool WaitFor(const std::function<bool()>& condition, int milliseconds = kDeadline);
+
+std::string Utf8(std::wstring_view text);
+std::wstring Wide(std::string_view utf8);
+bool Exists(const std::wstring& path);
+std::optional<std::string> ReadBytes(const std::wstring& path);  // nothing when it cannot be opened
+void WriteBytes(const std::wstring& path, std::string_view bytes);
+std::wstring Variable(const wchar_t* name);      // environment, empty when unset; a Unix path comes back as a Windows one
+int CountProcesses(std::wstring_view fileName);  // running executables of that name, without regard to case
+
+// What a program folder is furnished with.
+enum Furnishing : unsigned { kBare = 0, kCompilers = 1, kNoScintilla = 2, kNoLexilla = 4 };
+
+// A folder with its own copy of the program, removed at the end unless the test failed.
+struct ProgramFolder {
+    std::wstring path;  // with a backslash at the end
+
+    explicit ProgramFolder(unsigned furnishing = kBare);
+    ~ProgramFolder();
+    ProgramFolder(const ProgramFolder&) = delete;
+    ProgramFolder& operator=(const ProgramFolder&) = delete;
+
+    std::wstring File(std::wstring_view name) const { return path + std::wstring(name); }
+    std::wstring Write(std::wstring_view name, std::string_view bytes) const;  // creates folders; the full path
+    std::string Read(std::wstring_view name) const;                            // empty when it is not there
+
+    // Editor.ini through the private-profile functions.
+    std::wstring Ini(const wchar_t* section, const wchar_t* key, const wchar_t* fallback = L"(none)") const;
+    void SetIni(const wchar_t* section, const wchar_t* key, const std::wstring& value) const;
+};
+
+struct Dialog {
+    HWND window;
+    std::wstring caption;
+    std::wstring text;  // of its static controls
+};
+
+enum class Until { Ready, Started };  // Ready: start-up is complete; Started: the process runs
+
+// One run of the program. The destructor ends whatever is left of it and, in a failed test, notes what was on screen.
+struct Editor {
+    const ProgramFolder& folder;
+    HANDLE process = nullptr;
+    HANDLE job = nullptr;
+    DWORD pid = 0;
+    HWND main = nullptr;
+
+    Editor(const ProgramFolder& programFolder, const std::wstring& arguments = L"", Until until = Until::Ready);
+    ~Editor();
+    Editor(const Editor&) = delete;
+    Editor& operator=(const Editor&) = delete;
+
+    bool AwaitReady();                                       // finds the main window, waits for the end of start-up
+    std::optional<DWORD> ExitCode(int milliseconds = kDeadline);  // nothing while it runs
+    std::optional<DWORD> Close();                            // WM_CLOSE; the exit code
+
+    // Windows and messages. Do() returns when the command is done, Post() at once (for what opens a dialog).
+    HWND Child(int id) const { return GetDlgItem(main, id); }
+    LRESULT Send(HWND window, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
+    void Do(int command) const { Send(main, WM_COMMAND, static_cast<WPARAM>(command)); }
+    void Post(int command) const { PostMessageW(main, WM_COMMAND, static_cast<WPARAM>(command), 0); }
+    std::wstring TextOf(HWND window) const;
+    std::wstring Title() const { return TextOf(main); }
+    std::wstring Log() const;
+    std::wstring Status(int part) const;
+    HWND Focus() const;
+
+    // Dialogs
+    std::vector<Dialog> Dialogs() const;
+    Dialog AwaitDialog(std::wstring_view caption) const;     // a failure and an empty record when none comes
+    void Press(const Dialog& dialog, int button) const;      // and waits until it is gone
+    void Answer(std::wstring_view caption, std::wstring_view text, int button) const;  // text: all of it, or "" for any
+    void AnswerFileDialog(const std::wstring& path, int button = IDOK) const;
+
+    // Tabs and the active document
+    int Tabs() const;
+    int ActiveTab() const;
+    std::wstring TabLabel(int index) const;
+    POINT TabCentre(int index) const;                        // client coordinates of the tab control
+    HWND Sci() const;                                        // editor of the active tab
+    LRESULT Sci(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const { return Send(Sci(), message, wParam, lParam); }
+    std::string Text() const;
+    void Type(std::string_view utf8) const;                  // replaces the selection: a modification like any other
+    bool Modified() const { return Sci(2159) != 0; }
+    int Line() const;                                        // of the caret, from 1
+    int Column() const;                                      // bytes before the caret in its line, from 1
+
+    // Panes
+    std::wstring Output() const;
+    bool AwaitOutput(std::wstring_view part, int milliseconds = kDeadline) const;
+
+    // Real input
+    void Foreground() const;
+    void Keys(std::initializer_list<int> keys) const;        // pressed in order, released in reverse
+    void Drag(HWND window, POINT from, POINT to) const;      // client coordinates of the window
+    void Click(HWND window, POINT at, DWORD down = MOUSEEVENTF_LEFTDOWN, int times = 1) const;
+
+    std::string Describe() const;                            // windows, log and output, for a failed test
+};
+
+// Memory in the program, for messages that carry pointers.
+struct RemoteBlock {
+    HANDLE process;
+    void* address;
+    std::size_t size;
+
+    RemoteBlock(HANDLE owner, std::size_t bytes);
+    ~RemoteBlock();
+    RemoteBlock(const RemoteBlock&) = delete;
+    RemoteBlock& operator=(const RemoteBlock&) = delete;
+    void Put(const void* data, std::size_t bytes, std::size_t offset = 0) const;
+    void Get(void* data, std::size_t bytes, std::size_t offset = 0) const;
+    LPARAM At(std::size_t offset = 0) const { return reinterpret_cast<LPARAM>(address) + static_cast<LPARAM>(offset); }
+};

@@ -1,0 +1,314 @@
+// The program's windows: finding them, reading them, talking to them, and real mouse and keyboard input.
+#include "harness.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <cwchar>
+
+#include "resources/ids.h"
+
+namespace {
+
+// Messages of Scintilla, by its own numbering.
+constexpr UINT kSciGetLength = 2006, kSciGetCurrentPos = 2008, kSciGetText = 2182, kSciReplaceTarget = 2194,
+               kSciTargetFromSelection = 2287, kSciLineFromPosition = 2166, kSciPositionFromLine = 2167,
+               kSciGotoPos = 2025, kSciGetTargetEnd = 2193;
+
+std::wstring ClassOf(HWND window) {
+    wchar_t name[128] = {};
+    GetClassNameW(window, name, 128);
+    return name;
+}
+
+// Top-level windows of the process that are on the screen.
+std::vector<HWND> WindowsOf(DWORD pid) {
+    struct Search {
+        DWORD pid;
+        std::vector<HWND> found;
+    } search{pid, {}};
+    EnumWindows(
+        [](HWND window, LPARAM data) -> BOOL {
+            auto& wanted = *reinterpret_cast<Search*>(data);
+            DWORD owner = 0;
+            GetWindowThreadProcessId(window, &owner);
+            if (owner == wanted.pid && IsWindowVisible(window)) wanted.found.push_back(window);
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+std::vector<HWND> Descendants(HWND parent) {
+    std::vector<HWND> found;
+    EnumChildWindows(
+        parent,
+        [](HWND window, LPARAM data) -> BOOL {
+            reinterpret_cast<std::vector<HWND>*>(data)->push_back(window);
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&found));
+    return found;
+}
+
+void SendOne(INPUT input) {
+    SendInput(1, &input, sizeof(input));
+    Sleep(10);  // lets the program see each step of a drag as its own message
+}
+
+void Mouse(DWORD flags) {
+    INPUT input{};
+    input.type = INPUT_MOUSE;
+    input.mi.dwFlags = flags;
+    SendOne(input);
+}
+
+}  // namespace
+
+RemoteBlock::RemoteBlock(HANDLE owner, std::size_t bytes)
+    : process(owner),
+      address(VirtualAllocEx(owner, nullptr, bytes, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE)),
+      size(bytes) {
+    EXPECT_NE(address, nullptr) << "no memory in the program, error " << GetLastError();
+}
+RemoteBlock::~RemoteBlock() { VirtualFreeEx(process, address, 0, MEM_RELEASE); }
+void RemoteBlock::Put(const void* data, std::size_t bytes, std::size_t offset) const {
+    EXPECT_TRUE(WriteProcessMemory(process, static_cast<char*>(address) + offset, data, bytes, nullptr));
+}
+void RemoteBlock::Get(void* data, std::size_t bytes, std::size_t offset) const {
+    EXPECT_TRUE(ReadProcessMemory(process, static_cast<char*>(address) + offset, data, bytes, nullptr));
+}
+
+bool Editor::AwaitReady() {
+    const bool ready = WaitFor([&] {
+        if (!main)
+            for (HWND window : WindowsOf(pid))
+                if (ClassOf(window) == L"KVXEEditorWnd") main = window;
+        return (main && Log().find(L"DBG WM_USER+200 EXIT") != std::wstring::npos) ||
+               WaitForSingleObject(process, 0) == WAIT_OBJECT_0;
+    });
+    const bool running = WaitForSingleObject(process, 0) == WAIT_TIMEOUT;
+    EXPECT_TRUE(ready && running) << "start-up did not complete\n" << Describe();
+    return ready && running;
+}
+
+LRESULT Editor::Send(HWND window, UINT message, WPARAM wParam, LPARAM lParam) const {
+    DWORD_PTR result = 0;
+    SetLastError(0);
+    if (!SendMessageTimeoutW(window, message, wParam, lParam, SMTO_NORMAL, kDeadline, &result))
+        ADD_FAILURE() << "message " << message << "(" << wParam << ") to " << Utf8(ClassOf(window))
+                      << " was not answered, error " << GetLastError() << "\n" << Describe();
+    return static_cast<LRESULT>(result);
+}
+
+std::wstring Editor::TextOf(HWND window) const {
+    const auto length = static_cast<std::size_t>(Send(window, WM_GETTEXTLENGTH));
+    std::wstring text(length + 1, L'\0');
+    const auto got = static_cast<std::size_t>(
+        Send(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data())));
+    text.resize(std::min(got, length));
+    return text;
+}
+
+std::wstring Editor::Status(int part) const {
+    const RemoteBlock block(process, 2048);
+    wchar_t text[1024] = {};
+    Send(Child(IDC_STATUS_BAR), SB_GETTEXTW, static_cast<WPARAM>(part), block.At());
+    block.Get(text, sizeof(text));
+    text[1023] = 0;
+    return text;
+}
+
+HWND Editor::Focus() const {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof(info);
+    return GetGUIThreadInfo(GetWindowThreadProcessId(main, nullptr), &info) ? info.hwndFocus : nullptr;
+}
+
+std::vector<Dialog> Editor::Dialogs() const {
+    std::vector<Dialog> found;
+    for (HWND window : WindowsOf(pid)) {
+        if (ClassOf(window) != L"#32770") continue;
+        Dialog dialog{window, TextOf(window), L""};
+        for (HWND child : Descendants(window))
+            if (ClassOf(child) == L"Static") dialog.text += TextOf(child);
+        found.push_back(dialog);
+    }
+    return found;
+}
+
+Dialog Editor::AwaitDialog(std::wstring_view caption) const {
+    Dialog found{};
+    WaitFor([&] {
+        for (const Dialog& dialog : Dialogs())
+            if (dialog.caption == caption) found = dialog;
+        return found.window != nullptr || WaitForSingleObject(process, 0) == WAIT_OBJECT_0;
+    });
+    EXPECT_NE(found.window, nullptr) << "no dialog \"" << Utf8(caption) << "\"\n" << Describe();
+    return found;
+}
+
+void Editor::Press(const Dialog& dialog, int button) const {
+    if (!dialog.window) return;
+    PostMessageW(dialog.window, WM_COMMAND, static_cast<WPARAM>(button),
+                 reinterpret_cast<LPARAM>(GetDlgItem(dialog.window, button)));
+    EXPECT_TRUE(WaitFor([&] { return !IsWindow(dialog.window) || !IsWindowVisible(dialog.window); }))
+        << "\"" << Utf8(dialog.caption) << "\" stays open";
+}
+
+void Editor::Answer(std::wstring_view caption, std::wstring_view text, int button) const {
+    const Dialog dialog = AwaitDialog(caption);
+    if (!text.empty()) {
+        EXPECT_EQ(Utf8(dialog.text), Utf8(text));
+    }
+    Press(dialog, button);
+}
+
+// The common dialog's name field is an edit control, bare or inside a combo box, numbered 1148 or 1152.
+void Editor::AnswerFileDialog(const std::wstring& path, int button) const {
+    Dialog dialog{};
+    HWND field = nullptr;
+    WaitFor([&] {
+        for (const Dialog& candidate : Dialogs())
+            for (int id : {1148, 1152})
+                if (HWND found = GetDlgItem(candidate.window, id)) dialog = candidate, field = found;
+        return field != nullptr;
+    });
+    ASSERT_NE(field, nullptr) << "no file dialog\n" << Describe();
+    for (HWND inner : Descendants(field))
+        if (ClassOf(inner) == L"Edit") field = inner;
+    Send(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
+    EXPECT_EQ(TextOf(field), path);
+    Press(dialog, button);
+}
+
+int Editor::Tabs() const { return static_cast<int>(Send(Child(IDC_TABS), TCM_GETITEMCOUNT)); }
+int Editor::ActiveTab() const { return static_cast<int>(Send(Child(IDC_TABS), TCM_GETCURSEL)); }
+
+std::wstring Editor::TabLabel(int index) const {
+    constexpr std::size_t kOffset = 256;
+    const RemoteBlock block(process, kOffset + 1024);
+    TCITEMW item{};
+    item.mask = TCIF_TEXT;
+    item.pszText = reinterpret_cast<wchar_t*>(block.At(kOffset));
+    item.cchTextMax = 500;
+    block.Put(&item, sizeof(item));
+    wchar_t text[512] = {};
+    if (!Send(Child(IDC_TABS), TCM_GETITEMW, static_cast<WPARAM>(index), block.At())) return L"(no tab)";
+    block.Get(text, sizeof(text) - 2, kOffset);
+    return text;
+}
+
+POINT Editor::TabCentre(int index) const {
+    const RemoteBlock block(process, sizeof(RECT));
+    RECT rect{};
+    Send(Child(IDC_TABS), TCM_GETITEMRECT, static_cast<WPARAM>(index), block.At());
+    block.Get(&rect, sizeof(rect));
+    return {(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2};
+}
+
+HWND Editor::Sci() const {
+    for (HWND child = GetWindow(main, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
+        if (IsWindowVisible(child) && ClassOf(child) == L"Scintilla") return child;
+    return nullptr;
+}
+
+std::string Editor::Text() const {
+    const auto length = static_cast<std::size_t>(Sci(kSciGetLength));
+    const RemoteBlock block(process, length + 1);
+    std::string text(length, '\0');
+    Sci(kSciGetText, length, block.At());
+    if (length) block.Get(text.data(), length);
+    return text;
+}
+
+void Editor::Type(std::string_view utf8) const {
+    const RemoteBlock block(process, utf8.size() + 1);
+    block.Put(utf8.data(), utf8.size());
+    Sci(kSciTargetFromSelection);
+    Sci(kSciReplaceTarget, utf8.size(), block.At());
+    Sci(kSciGotoPos, static_cast<WPARAM>(Sci(kSciGetTargetEnd)));
+}
+
+int Editor::Line() const {
+    return static_cast<int>(Sci(kSciLineFromPosition, static_cast<WPARAM>(Sci(kSciGetCurrentPos)))) + 1;
+}
+int Editor::Column() const {
+    return static_cast<int>(Sci(kSciGetCurrentPos) - Sci(kSciPositionFromLine, static_cast<WPARAM>(Line() - 1))) + 1;
+}
+
+std::wstring Editor::Output() const {
+    std::wstring text = TextOf(Child(IDC_OUTPUT));
+    // Rich Edit hands out CR LF or bare CR, by its mood: compare with bare LF.
+    std::erase(text, L'\n');
+    std::replace(text.begin(), text.end(), L'\r', L'\n');
+    return text;
+}
+
+bool Editor::AwaitOutput(std::wstring_view part, int milliseconds) const {
+    const bool found = WaitFor([&] { return Output().find(part) != std::wstring::npos; }, milliseconds);
+    EXPECT_TRUE(found) << "the output never held \"" << Utf8(part) << "\"\n" << Describe();
+    return found;
+}
+
+void Editor::Foreground() const {
+    EXPECT_TRUE(WaitFor([&] {
+        SetForegroundWindow(main);
+        return GetForegroundWindow() == main;
+    })) << "the window does not come to the foreground";
+}
+
+void Editor::Keys(std::initializer_list<int> keys) const {
+    INPUT input{};
+    input.type = INPUT_KEYBOARD;
+    for (int key : keys) {
+        input.ki.wVk = static_cast<WORD>(key);
+        SendOne(input);
+    }
+    input.ki.dwFlags = KEYEVENTF_KEYUP;
+    for (auto key = std::rbegin(keys); key != std::rend(keys); ++key) {
+        input.ki.wVk = static_cast<WORD>(*key);
+        SendOne(input);
+    }
+}
+
+void Editor::Drag(HWND window, POINT from, POINT to) const {
+    constexpr int kSteps = 5;
+    // Both ends in screen coordinates first: the window may move under the mouse.
+    ClientToScreen(window, &from);
+    ClientToScreen(window, &to);
+    SetCursorPos(from.x, from.y);
+    Mouse(MOUSEEVENTF_LEFTDOWN);
+    for (int step = 1; step <= kSteps; ++step) {
+        SetCursorPos(from.x + (to.x - from.x) * step / kSteps, from.y + (to.y - from.y) * step / kSteps);
+        Mouse(MOUSEEVENTF_MOVE);
+    }
+    Mouse(MOUSEEVENTF_LEFTUP);
+}
+
+void Editor::Click(HWND window, POINT at, DWORD down, int times) const {
+    ClientToScreen(window, &at);
+    SetCursorPos(at.x, at.y);
+    for (int i = 0; i < times; ++i) {
+        Mouse(down);
+        Mouse(down << 1);  // each button's "up" is the bit above its "down"
+    }
+}
+
+std::string Editor::Describe() const {
+    std::string text = "--- windows of the program:\n";
+    for (HWND window : WindowsOf(pid)) {
+        wchar_t caption[256] = {};
+        InternalGetWindowText(window, caption, 256);
+        text += "  " + Utf8(ClassOf(window)) + " \"" + Utf8(caption) + "\"";
+        if (ClassOf(window) == L"#32770")
+            for (HWND child : Descendants(window)) {
+                InternalGetWindowText(child, caption, 256);
+                text += " [" + Utf8(caption) + "]";
+            }
+        text += "\n";
+    }
+    const std::wstring log = Log();
+    text += "--- end of the log:\n" + Utf8(log.substr(log.size() > 1500 ? log.size() - 1500 : 0));
+    return text + "--- of " + Utf8(folder.path) + "\n";
+}
