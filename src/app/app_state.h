@@ -46,6 +46,8 @@ struct AppState {
     // View state that lasts for one run
     bool showOutput = true;
     bool showAsmPane = false;
+    bool splitHorizontal = false;       // kept and restored by sessions
+    bool fullScreen = false;            // kept and restored by sessions
     int dpi = 96;                       // of the monitor the main window is on
 
     BuildState build;                   // shared with the build's reader thread under g_buildCs

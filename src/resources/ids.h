@@ -89,6 +89,14 @@
 // --- Internal commands
 #define IDM_NEXT_TAB 1950
 #define IDM_PREVIOUS_TAB 1951
+#define IDM_NAV_BACK 1952
+#define IDM_NAV_FORWARD 1953
+#define IDM_FIND_NEXT 1954
+#define IDM_FIND_PREVIOUS 1955
+#define IDM_COMPILER_MENU 1956
+#define IDM_TAB_CLOSE_OTHERS 1957
+#define IDM_TAB_COPY_PATH 1958
+#define IDM_FILE_RELOAD 1959
 
 // --- Child controls of the main window
 #define IDC_TABS 2001
@@ -136,6 +144,7 @@
 #define MSG_REINIT_EDITOR (0x0400 + 201)   // wParam: tab index
 #define MSG_FOCUS_EDITOR (0x8000 + 1)      // give the active editor the focus
 #define MSG_AI_REPLY (0x8000 + 3)          // wParam: heap UTF-8 reply or null, lParam: chat or replacement
+#define MSG_TREE_ITEMS (0x8000 + 10)       // to the project tree: wParam: TreeListing*, deleted by the receiver
 
 // --- Timers of the main window
 #define TIMER_AUTO_SAVE 1

@@ -1,15 +1,19 @@
-// Toolbar, status bar and the state of every command. UI thread only.
+// The toolbar. UI thread only.
 #pragma once
+
+#include "toolbar/command_table.h"
 
 #include <windows.h>
 
 HWND ToolbarCreate(HWND parent, int controlId);
-void ToolbarUpdateAi();
-void ToolbarApplyTheme();      // colours and icons of the current theme and DPI
-bool ToolbarHandleNotify(const NMHDR& header, LRESULT* result);
-int ToolbarHeight();           // pixels
+// Pictures, font and colours of the current theme and DPI; once after creation and after each change.
+void ToolbarApplyTheme();
+void ToolbarDestroyImages();   // at the window's end
 
-HWND StatusBarCreate(HWND parent, int controlId);
-void StatusBarLayout(int width);
-bool StatusBarHandleDrawItem(const DRAWITEMSTRUCT& item);
-void StatusBarSetProgress(const wchar_t* text);
+void ToolbarUpdateCompiler();  // the compiler button's text
+void ToolbarUpdateAi();        // the sidebar button's check mark
+void ToolbarApplyState(const CommandView& view);
+
+int ToolbarHeight();           // pixels at the current DPI
+// WM_NOTIFY of the bar and of its tooltips; true when handled, `result` then holds the answer.
+bool ToolbarHandleNotify(const NMHDR& header, LRESULT* result);

@@ -1,0 +1,276 @@
+// Commands, from menu, toolbar and keys, to whoever carries them out. UI thread only.
+#include "app/app_state.h"
+#include "app/main_window.h"
+#include "app/shell.h"
+#include "app/view_commands.h"
+#include "build/build.h"
+#include "build/output_pane.h"
+#include "documents/file_commands.h"
+#include "editor/editor_pane.h"
+#include "files/message.h"
+#include "language/format.h"
+#include "resources/ids.h"
+#include "scintilla/sci.h"
+#include "search/find.h"
+#include "session/session.h"
+#include "tabs/tab_bar.h"
+#include "toolbar/command_state.h"
+
+#include <commdlg.h>
+
+#include <algorithm>
+#include <string>
+
+namespace {
+
+void SaveActive() {
+    const int tab = g_app.activeTab;
+    if (FileSave(tab) == 0 || g_app.settings.buildOnSave == 0 || CompilerIsBuilding())
+        return;
+    const DocumentTab& document = g_app.tabs[static_cast<std::size_t>(tab)];
+    if (document.hasFile)
+        StartCompilerBuild(false, false);
+}
+
+void CloseOthers(int kept) {
+    for (int tab = TabCount() - 1; tab >= 0; --tab) {
+        if (tab != kept && FileClose(tab) == 0)
+            return;
+        if (tab < kept)
+            --kept;
+    }
+}
+
+void CopyToClipboard(const wchar_t* text) {
+    const std::size_t bytes = (wcslen(text) + 1) * sizeof(wchar_t);
+    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, bytes);
+    if (block == nullptr || !OpenClipboard(g_app.hMainWnd)) {
+        GlobalFree(block);
+        return;
+    }
+    memcpy(GlobalLock(block), text, bytes);
+    GlobalUnlock(block);
+    EmptyClipboard();
+    if (SetClipboardData(CF_UNICODETEXT, block) == nullptr)
+        GlobalFree(block);
+    CloseClipboard();
+}
+
+bool HandleFile(int command) {
+    switch (command) {
+    case IDM_FILE_NEW:
+        FileNew();
+        return true;
+    case IDM_FILE_OPEN:
+        FileOpen(nullptr);
+        return true;
+    case IDM_FILE_SAVE:
+        SaveActive();
+        return true;
+    case IDM_FILE_SAVE_AS:
+        FileSaveAs(g_app.activeTab);
+        return true;
+    case IDM_FILE_SAVE_ALL:
+        FileSaveAll();
+        return true;
+    case IDM_FILE_RELOAD:
+        FileReload(g_app.activeTab);
+        return true;
+    case IDM_FILE_CLOSE:
+        FileClose(g_app.activeTab);
+        return true;
+    case IDM_FILE_CLOSE_ALL:
+        FileCloseAll();
+        return true;
+    case IDM_FILE_EXIT:
+        PostMessageW(g_app.hMainWnd, WM_CLOSE, 0, 0);
+        return true;
+    case IDM_TAB_CLOSE_OTHERS:
+        CloseOthers(g_app.activeTab);
+        return true;
+    case IDM_TAB_COPY_PATH:
+        CopyToClipboard(g_app.tabs[static_cast<std::size_t>(g_app.activeTab)].path);
+        return true;
+    default:
+        return false;
+    }
+}
+
+// Edit commands go to the text field that has the keyboard when that is not the editor.
+HWND FocusedTextField() {
+    HWND focus = GetFocus();
+    for (HWND field : {g_app.hOutput, g_app.hAsmPane, g_app.hAiChat, g_app.hAiInput, g_app.hTerminal}) {
+        if (focus != nullptr && focus == field)
+            return field;
+    }
+    return nullptr;
+}
+
+bool HandleClipboard(int command) {
+    static constexpr struct {
+        int command;
+        UINT scintilla;
+        UINT field;
+        WPARAM wParam;
+        LPARAM lParam;
+    } kRows[] = {
+        {IDM_EDIT_UNDO, SCI_UNDO, WM_UNDO, 0, 0},  {IDM_EDIT_REDO, SCI_REDO, 0, 0, 0},
+        {IDM_EDIT_CUT, SCI_CUT, WM_CUT, 0, 0},     {IDM_EDIT_COPY, SCI_COPY, WM_COPY, 0, 0},
+        {IDM_EDIT_PASTE, SCI_PASTE, WM_PASTE, 0, 0}, {IDM_EDIT_SELECT_ALL, SCI_SELECTALL, EM_SETSEL, 0, -1},
+    };
+    for (const auto& row : kRows) {
+        if (row.command != command)
+            continue;
+        if (HWND field = FocusedTextField()) {
+            if (row.field != 0)
+                SendMessageW(field, row.field, row.wParam, row.lParam);
+        } else {
+            SciSend(g_app.hEditor, row.scintilla);
+        }
+        return true;
+    }
+    return false;
+}
+
+// Replaces whole lines [first, last] by their formatted text, as one step of undo.
+void FormatLines(HWND editor, int first, int last) {
+    const auto lineStart = [editor](int line) {
+        return SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line));
+    };
+    const LRESULT start = lineStart(first);
+    const bool toEnd = last + 1 >= static_cast<int>(SciSend(editor, SCI_GETLINECOUNT));
+    const LRESULT end = toEnd ? SciSend(editor, SCI_GETLENGTH) : lineStart(last + 1);
+    SciSend(editor, SCI_SETTARGETRANGE, static_cast<WPARAM>(start), end);
+    std::string text(static_cast<std::size_t>(end - start), '\0');
+    SciSend(editor, SCI_GETTARGETTEXT, 0, reinterpret_cast<LPARAM>(text.data()));
+
+    const Settings& settings = g_app.settings;
+    const int width = std::max(1, static_cast<int>(settings.tabWidth));
+    const int depth =
+        first > 0 ? static_cast<int>(SciSend(editor, SCI_GETLINEINDENTATION, static_cast<WPARAM>(first))) / width : 0;
+    const std::string formatted = FormatBasicSource(text,
+                                                    {.indentWidth = width,
+                                                     .useTabs = settings.useTabs != 0,
+                                                     .upperKeywords = settings.autoUpperKeywords != 0},
+                                                    depth);
+    if (formatted == text)
+        return;
+    const LRESULT caretLine = SciSend(editor, SCI_LINEFROMPOSITION,
+                                      static_cast<WPARAM>(SciSend(editor, SCI_GETCURRENTPOS)));
+    const LRESULT topLine = SciSend(editor, SCI_GETFIRSTVISIBLELINE);
+    SciSend(editor, SCI_BEGINUNDOACTION);
+    SciSend(editor, SCI_REPLACETARGET, formatted.size(), reinterpret_cast<LPARAM>(formatted.data()));
+    SciSend(editor, SCI_ENDUNDOACTION);
+    SciSend(editor, SCI_GOTOPOS,
+            static_cast<WPARAM>(SciSend(editor, SCI_GETLINEINDENTPOSITION, static_cast<WPARAM>(caretLine))));
+    SciSend(editor, SCI_SETFIRSTVISIBLELINE, static_cast<WPARAM>(topLine));
+}
+
+void FormatDocument(bool selectionOnly) {
+    HWND editor = g_app.hEditor;
+    if (editor == nullptr)
+        return;
+    int first = 0;
+    int last = static_cast<int>(SciSend(editor, SCI_GETLINECOUNT)) - 1;
+    if (selectionOnly) {
+        const LRESULT start = SciSend(editor, SCI_GETSELECTIONSTART);
+        const LRESULT end = SciSend(editor, SCI_GETSELECTIONEND);
+        first = static_cast<int>(SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(start)));
+        last = static_cast<int>(SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(end)));
+        const bool endsAtLineStart = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(last)) == end;
+        if (endsAtLineStart && last > first)
+            --last;
+    }
+    FormatLines(editor, first, last);
+}
+
+bool HandleEdit(int command) {
+    if (HandleClipboard(command))
+        return true;
+    switch (command) {
+    case IDM_EDIT_FIND:
+    case IDM_EDIT_REPLACE:
+        FindDialogShow(g_app.hMainWnd, command == IDM_EDIT_REPLACE);
+        return true;
+    case IDM_FIND_NEXT:
+    case IDM_FIND_PREVIOUS:
+        FindNext(command == IDM_FIND_NEXT);
+        return true;
+    case IDM_EDIT_GOTO:
+        GotoLineDialogShow(g_app.hMainWnd);
+        return true;
+    case IDM_EDIT_FORMAT_DOCUMENT:
+    case IDM_EDIT_FORMAT_SELECTION:
+        FormatDocument(command == IDM_EDIT_FORMAT_SELECTION);
+        return true;
+    case IDM_NAV_BACK:
+        NavHistoryBack();
+        return true;
+    case IDM_NAV_FORWARD:
+        NavHistoryForward();
+        return true;
+    case IDM_NEXT_TAB:
+    case IDM_PREVIOUS_TAB:
+        TabBarActivate((g_app.activeTab + (command == IDM_NEXT_TAB ? 1 : TabCount() - 1)) % TabCount());
+        return true;
+    default:
+        return false;
+    }
+}
+
+void OpenWorkspace() {
+    wchar_t path[kPathCapacity] = {};
+    OPENFILENAMEW dialog = {};
+    dialog.lStructSize = sizeof(dialog);
+    dialog.hwndOwner = g_app.hMainWnd;
+    dialog.lpstrFilter = L"Workspace (*.json)\0*.json\0All Files (*.*)\0*.*\0";
+    dialog.lpstrFile = path;
+    dialog.nMaxFile = static_cast<DWORD>(kPathCapacity);
+    dialog.Flags = OFN_HIDEREADONLY | OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST | OFN_NOCHANGEDIR;
+    if (GetOpenFileNameW(&dialog) && WorkspaceLoad(path) == 0)
+        ErrorMessage(L"Failed to open workspace: %s", path);
+}
+
+bool HandleOther(int command) {
+    switch (command) {
+    case IDM_WORKSPACE_NEW:
+        WorkspaceNew();
+        return true;
+    case IDM_WORKSPACE_OPEN:
+        OpenWorkspace();
+        return true;
+    case IDM_WORKSPACE_SAVE:
+        StatusBarSetText(WorkspaceSave(nullptr) != 0 ? L"Workspace saved" : L"Workspace could not be saved");
+        return true;
+    case IDM_ERROR_NEXT:
+        CompilerNextError();
+        return true;
+    case IDM_ERROR_PREVIOUS:
+        CompilerPrevError();
+        return true;
+    case IDM_HELP_ABOUT:
+        InfoMessage(L"KVX-Editor 0.2.0\n\nA source editor for BASIC, C and assembly: write, build, go to the error, run.");
+        return true;
+    default:
+        return false;
+    }
+}
+
+}  // namespace
+
+void MainWnd_OnCommand(int command, int notification, HWND control) {
+    const bool fromControl = control != nullptr && control != g_app.hToolbar;
+    if (fromControl)
+        return;  // notifications of edit fields; no control of ours but the toolbar sends commands
+    (void)notification;
+    // A key or a posted command may come when the command is not possible; the table decides, not the sender.
+    if (!CommandStateOf(command, CurrentCommandView()).enabled)
+        return;
+    if (HandleFile(command) || HandleEdit(command) || HandleView(command) || CmdHandle_Build(command) ||
+        HandleOther(command))
+        MainWnd_RequestStateRefresh();
+}
+
+void MainWnd_OnInitMenuPopup(HMENU menu) {
+    MenuApplyState(menu, CurrentCommandView());
+}

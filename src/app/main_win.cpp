@@ -1,0 +1,231 @@
+// The process: start-up order, command line, message loop, shut-down order. UI thread.
+#include "app/app_state.h"
+#include "app/command_line.h"
+#include "app/detect_report.h"
+#include "app/log.h"
+#include "app/main_window.h"
+#include "app/shell.h"
+#include "build/build.h"
+#include "compilers/compiler_table.h"
+#include "documents/file_commands.h"
+#include "files/file_io.h"
+#include "language/theme.h"
+#include "resources/ids.h"
+#include "search/find.h"
+#include "settings/settings_store.h"
+#include "toolbar/command_table.h"
+
+#include <commctrl.h>
+#include <shellapi.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr wchar_t kHelpText[] =
+    L"VQ Unified Editor v0.2.0\n\nUsage: KVX-Editor.exe [options]\n\nOptions:\n"
+    L"  --open <file>          Open file on startup\n"
+    L"  --compiler <name>      Set compiler (keldorbasic, kvxa32, kvxa64, kvxb64, kvxc64)\n"
+    L"  --font <name>          Set editor font\n"
+    L"  --fontsize <n>         Set font size (6-72)\n"
+    L"  --detect               Test compiler auto-detect, show results, exit\n"
+    L"  --selftest             Test Scintilla mouse-click processing, exit\n"
+    L"  --selftest-tabs        Test real tab switching and Scintilla mouse selection, exit\n"
+    L"  --selftest-editor-all  Test tab close, editing, KVXB64 build, and debug command guards, exit\n"
+    L"  --selftest-toolbar     Test debug toolbar icons and compiler button order, exit\n"
+    L"  --selftest-compilers   Test editor build path for all configured compilers, exit\n"
+    L"  --selftest-exit        Test File > Exit command closes the main window, exit\n"
+    L"  --selftest-kb-debug    Test KeldorBasic /D PBD single-step debugging, exit\n"
+    L"  --selftest-kvxb64-debug Test KVXB64 DOUBLE IF/ELSE single-step debugging, exit\n"
+    L"  --log                  Enable verbose logging to Editor_Detect.log\n"
+    L"  --help, -h             Show this help\n\nAll features are also accessible via GUI menu/toolbar.";
+
+constexpr int kExitNoSelfTest = 2;
+
+bool g_testMode = false;
+std::string g_testModule;
+
+// The words after the program's name; empty when the raw command line is.
+std::vector<std::wstring> Arguments(const char* raw) {
+    std::vector<std::wstring> words;
+    if (raw == nullptr || *raw == '\0')
+        return words;
+    int count = 0;
+    wchar_t** values = CommandLineToArgvW(GetCommandLineW(), &count);
+    if (values == nullptr)
+        return words;
+    for (int i = 1; i < count; ++i)
+        words.emplace_back(values[i]);
+    LocalFree(values);
+    return words;
+}
+
+void ParseCommandLineEarly(const char* raw) {
+    const EarlyOptions early = ParseEarlyOptions(Arguments(raw));
+    g_testMode = early.testMode || early.testList;
+    g_testModule = early.testList ? "list" : early.testModule;
+    g_selftestTabsMode = early.selftestTabs;
+}
+
+// The self-test runner is not part of this version: say so where the caller looks, and fail.
+int RunTestMode(const char* module) {
+    std::fprintf(stderr, "KVX-Editor: self-test '%s' is not available in this version\n", module);
+    return kExitNoSelfTest;
+}
+
+[[noreturn]] void EndProcess(int code) {
+    CloseLog();
+    ExitProcess(static_cast<UINT>(code));
+}
+
+void ReopenLog() {
+    wchar_t directory[kPathCapacity] = {};
+    AppExeDirectory(directory, kPathCapacity);
+    OpenLog(directory);
+    AppLogMsg(L"=== KVX-Editor Session Started (verbose log) ===");
+}
+
+void SelectCompiler(int id) {
+    if (id == g_app.settings.activeCompiler)
+        return;
+    g_app.settings.activeCompiler = id;
+    MainWindow_UpdateCompilerSelection();
+    SyntaxThemeApplyAll();
+}
+
+void RunStep(const CommandLineStep& step) {
+    switch (step.action) {
+    case CommandLineAction::Open:
+        FileOpen(step.text.c_str());
+        break;
+    case CommandLineAction::SetCompiler:
+        SelectCompiler(step.number);
+        break;
+    case CommandLineAction::SetFont:
+        SafeCopyW(g_app.settings.fontName, step.text);
+        SettingsApplyToEditor();
+        break;
+    case CommandLineAction::SetFontSize:
+        g_app.settings.fontSize = step.number;
+        SettingsApplyToEditor();
+        break;
+    case CommandLineAction::Detect:
+        ShowDetectReport();
+        EndProcess(0);
+    case CommandLineAction::Log:
+        ReopenLog();
+        break;
+    case CommandLineAction::Help:
+        MessageBoxW(g_app.hMainWnd, kHelpText, L"Editor Help", MB_OK);
+        break;
+    case CommandLineAction::SelfTest:
+        AppLogMsg(L"FAIL: self-test '%s' is not available in this version", step.text.c_str());
+        EndProcess(kExitNoSelfTest);
+    }
+}
+
+void ParseCommandLine(const char* raw) {
+    for (const CommandLineStep& step : ParseCommandLineSteps(Arguments(raw)))
+        RunStep(step);
+}
+
+void InitControls() {
+    INITCOMMONCONTROLSEX classes = {};
+    classes.dwSize = sizeof(classes);
+    classes.dwICC = ICC_TAB_CLASSES | ICC_STANDARD_CLASSES;
+    InitCommonControlsEx(&classes);
+}
+
+void LogCommandLineResult() {
+    AppLogMsg(L"After CLI: activeCompiler=%d", static_cast<int>(g_app.settings.activeCompiler));
+    constexpr struct {
+        const wchar_t* format;
+        std::uint32_t id;
+    } kLines[] = {{L"After CLI: KVXA64=%s", kCompilerKvxa64},
+                  {L"After CLI: KVXB64=%s", kCompilerKvxb64},
+                  {L"After CLI: KVXA32=%s", kCompilerKvxa32},
+                  {L"After CLI: KVXC64=%s", kCompilerKvxc64},
+                  {L"After CLI: KELDORBASIC=%s", kCompilerKeldorBasic}};
+    for (const auto& line : kLines)
+        AppLogMsg(line.format, g_app.settings.compilers[line.id].path);
+}
+
+bool IsDown(int key) {
+    return GetKeyState(key) < 0;
+}
+
+// Keys that neither the accelerator table nor the editor handles.
+bool TranslateExtraKey(const MSG& message) {
+    if (message.message != WM_KEYDOWN && message.message != WM_SYSKEYDOWN)
+        return false;
+    if (message.hwnd != g_app.hMainWnd && !IsChild(g_app.hMainWnd, message.hwnd))
+        return false;
+    const int command = CommandOfExtraKey(static_cast<std::uint32_t>(message.wParam), IsDown(VK_CONTROL),
+                                          IsDown(VK_SHIFT), IsDown(VK_MENU));
+    if (command == 0)
+        return false;
+    SendMessageW(g_app.hMainWnd, WM_COMMAND, MAKEWPARAM(command, 1), 0);
+    return true;
+}
+
+int RunMessageLoop() {
+    HACCEL accelerators = LoadAcceleratorsW(g_app.hInstance, MAKEINTRESOURCEW(IDR_ACCELERATORS));
+    MSG message = {};
+    for (;;) {
+        // One refresh for whatever happened since the queue was last empty.
+        if (!PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE))
+            MainWnd_RunPendingRefresh();
+        if (GetMessageW(&message, nullptr, 0, 0) <= 0)
+            return static_cast<int>(message.wParam);
+        if (accelerators != nullptr && TranslateAcceleratorW(g_app.hMainWnd, accelerators, &message) != 0)
+            continue;
+        if (TranslateExtraKey(message) || FindDialogIsMessage(&message))
+            continue;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
+}  // namespace
+
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR commandLine, int showCommand) {
+    g_app.hInstance = instance;
+    ParseCommandLineEarly(commandLine);
+    if (g_testMode)
+        return RunTestMode(g_testModule.c_str());
+    SettingsDefaults(g_app.settings);
+    InitControls();
+    HMODULE richEdit = LoadLibraryW(L"Msftedit.dll");
+    HMODULE unused = nullptr;
+    const auto unloadAndFail = [&] {
+        if (richEdit != nullptr)
+            FreeLibrary(richEdit);
+        CloseLog();
+        return 1;
+    };
+    if (ScintillaLoad(&g_app.scintilla.scintilla, &g_app.scintilla.lexilla, &unused) == 0) {
+        MessageBoxW(nullptr, L"Failed to load Scintilla.dll", L"Error", MB_OK | MB_ICONERROR);
+        return unloadAndFail();
+    }
+    wchar_t directory[kPathCapacity] = {};
+    AppExeDirectory(directory, kPathCapacity);
+    OpenLog(directory);
+    CompilerBridgeInit();
+    BuildInit();
+    if (MainWindow_Init(instance, showCommand) == nullptr) {
+        ScintillaUnload(g_app.scintilla.scintilla, g_app.scintilla.lexilla);
+        return unloadAndFail();
+    }
+    AppLogMsg(L"=== KVX-Editor Startup ===");
+    AppLogMsg(L"EXE dir: %s", directory);
+    ParseCommandLine(commandLine);
+    LogCommandLineResult();
+    const int code = RunMessageLoop();
+    ScintillaUnload(g_app.scintilla.scintilla, g_app.scintilla.lexilla);
+    if (richEdit != nullptr)
+        FreeLibrary(richEdit);
+    CloseLog();
+    return code;
+}

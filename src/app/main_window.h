@@ -1,0 +1,40 @@
+// The main window: the frame that holds every pane and the hub of the program's messages. UI thread only.
+#pragma once
+
+#include <windows.h>
+
+// Registers the window class and creates, shows and drop-enables the window. Null on failure.
+HWND MainWindow_Init(HINSTANCE instance, int showCommand);
+LRESULT CALLBACK MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+// --- The handlers that MainWndProc routes to, by file.
+// main_window_create_win.cpp
+bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create);
+void MainWnd_ApplyTheme();      // colours and fonts of the frame, after a change of theme or DPI
+void MainWnd_OnDpiChanged(HWND window, int dpi, const RECT& suggested);
+// startup_win.cpp
+void MainWnd_OnStartup();
+void MainWnd_OnReinitEditor(int tab);
+void MainWnd_OnAutoSaveTimer();
+void MainWnd_OnClose(HWND window);
+void MainWnd_OnDestroy(HWND window);
+void EnsureEditableStartupTab();
+// layout_win.cpp
+void MainWnd_OnSize(WPARAM kind, int width, int height);
+void MainWnd_OnMinMaxInfo(MINMAXINFO& info);
+void ApplyLayoutRatios(int width, int height);
+void CaptureSplitterRatio();
+// splitter_win.cpp
+HWND CreateSplitter(HWND parent, int id);
+LRESULT CALLBACK SplitterProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+// notify_win.cpp
+LRESULT MainWnd_OnNotify(const NMHDR& header);
+void MainWnd_OnDropFiles(HDROP drop);
+// commands_win.cpp
+void MainWnd_OnCommand(int command, int notification, HWND control);
+void MainWnd_OnInitMenuPopup(HMENU menu);
+// focus_win.cpp
+void MainWnd_OnFocusTimer(HWND window);
+// One refresh of menu and toolbar state once the queue is empty, whoever asked for it.
+void MainWnd_RequestStateRefresh();
+void MainWnd_RunPendingRefresh();

@@ -1,0 +1,158 @@
+// How the editor comes up once its window stands, and how it goes down. UI thread only.
+#include "app/app_state.h"
+#include "app/log.h"
+#include "app/main_window.h"
+#include "app/shell.h"
+#include "build/build.h"
+#include "documents/file_commands.h"
+#include "editor/editor_pane.h"
+#include "files/file_io.h"
+#include "files/path.h"
+#include "resources/ids.h"
+#include "session/session.h"
+#include "settings/settings_store.h"
+#include "tabs/tab_bar.h"
+#include "toolbar/toolbar.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int kRecentFilesAtStart = 5;
+
+bool OfferSessionRestore() {
+    wchar_t path[kPathCapacity] = {};
+    SessionAutoSavePath(path, kPathCapacity);
+    if (!FileExists(path) || SessionHasFiles(path) == 0)
+        return false;
+    const int answer =
+        MessageBoxW(g_app.hMainWnd, L"A previous session was auto-saved. Would you like to restore it?",
+                    L"Restore Session", MB_YESNO | MB_ICONQUESTION);
+    return answer == IDYES && SessionLoad(path, g_app.hMainWnd) != 0 && TabCount() > 0;
+}
+
+void OpenRecentFiles() {
+    // A copy: every open moves its file to the front of the list.
+    wchar_t files[kRecentFilesAtStart][kPathCapacity] = {};
+    const int count = std::min<int>(kRecentFilesAtStart, g_app.settings.mruCount);
+    for (int i = 0; i < count; ++i)
+        SafeCopyW(files[i], g_app.settings.mruFiles[i]);
+    for (int i = 0; i < count; ++i) {
+        if (FileExists(files[i]))
+            FileOpen(files[i]);
+    }
+}
+
+void OpenWorkspaceOrRecent() {
+    if (g_app.settings.restoreLastSession == 0) {
+        FileNew();
+        return;
+    }
+    wchar_t directory[kPathCapacity] = {};
+    wchar_t workspace[kPathCapacity] = {};
+    AppExeDirectory(directory, kPathCapacity);
+    PathJoin(directory, L"workspace.json", workspace, kPathCapacity);
+    if (FileExists(workspace))
+        WorkspaceLoad(workspace);
+    if (TabCount() == 0)
+        OpenRecentFiles();
+    if (TabCount() == 0)
+        FileNew();
+}
+
+}  // namespace
+
+void EnsureEditableStartupTab() {
+    if (TabCount() == 0 && FileNew() == 0)
+        return;
+    if (!IsTabIndex(g_app.activeTab))
+        TabBarSelect(0);
+}
+
+void MainWnd_OnStartup() {
+    AppLogMsg(L"DBG WM_USER+200 ENTER");
+    const bool hadTabs = TabCount() > 0;
+    const bool restored = OfferSessionRestore();
+    if (!((restored || hadTabs) && TabCount() > 0))
+        OpenWorkspaceOrRecent();
+    if (TabCount() == 0) {
+        AppLogMsg(L"DBG WM_USER+200: calling FileNew()");
+        FileNew();
+        AppLogMsg(L"DBG WM_USER+200: FileNew() returned tabCount=%d", TabCount());
+    }
+    EnsureEditableStartupTab();
+    MainWindow_Layout();
+    StatusBarUpdatePosition();
+    FocusCurrentEditor();
+    QueueFocusCurrentEditor();
+    MainWnd_RequestStateRefresh();
+    AppLogMsg(L"DBG WM_USER+200 EXIT tabCount=%d activeTab=%d hSci=%p", TabCount(), g_app.activeTab,
+              static_cast<void*>(g_app.hEditor));
+}
+
+void MainWnd_OnReinitEditor(int tab) {
+    if (!IsTabIndex(tab))
+        return;
+    const DocumentTab& document = g_app.tabs[static_cast<std::size_t>(tab)];
+    EditorPaneInit(document.editor, document.compilerId);
+    if (document.editor == g_app.hEditor) {
+        StatusBarUpdatePosition();
+        FocusCurrentEditor();
+    }
+}
+
+void MainWnd_OnAutoSaveTimer() {
+    for (int tab = 0; tab < TabCount(); ++tab) {
+        const DocumentTab& document = g_app.tabs[static_cast<std::size_t>(tab)];
+        if (document.hasFile && document.modified)
+            FileSave(tab);
+    }
+}
+
+// Asks about every modified document before anything is given up; one "Cancel" keeps the program running.
+static bool ConfirmUnsavedDocuments() {
+    for (int tab = 0; tab < TabCount(); ++tab) {
+        if (!g_app.tabs[static_cast<std::size_t>(tab)].modified)
+            continue;
+        TabBarSelect(tab);
+        if (FileConfirmClose(tab) == 0)
+            return false;
+    }
+    return true;
+}
+
+static void SaveOnClose() {
+    if (g_app.settings.autoSaveEnabled != 0) {
+        wchar_t path[kPathCapacity] = {};
+        SessionAutoSavePath(path, kPathCapacity);
+        SessionSave(path);
+    }
+    if (g_app.sessionPath[0] != L'\0')
+        SessionSave(g_app.sessionPath);
+    if (g_app.settings.restoreLastSession != 0)
+        WorkspaceSave(nullptr);
+    SettingsSave(L"Editor.ini");
+}
+
+void MainWnd_OnClose(HWND window) {
+    if (!g_selftestTabsMode) {
+        const int active = g_app.activeTab;
+        if (!ConfirmUnsavedDocuments())
+            return;
+        TabBarSelect(active);
+        BuildShutdown();
+        SaveOnClose();
+    } else {
+        AppLogMsg(L"DBG WM_CLOSE: skipped session/settings save during self-test");
+    }
+    for (int tab = TabCount() - 1; tab >= 0; --tab)
+        TabBarRemove(tab);
+    DestroyWindow(window);
+}
+
+void MainWnd_OnDestroy(HWND window) {
+    KillTimer(window, TIMER_FOCUS);
+    KillTimer(window, TIMER_SESSION);
+    ToolbarDestroyImages();
+    PostQuitMessage(0);
+}

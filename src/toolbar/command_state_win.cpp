@@ -1,0 +1,117 @@
+// Gathers what the command table asks about and applies its answers to menus and toolbar. UI thread only.
+#include "toolbar/command_state.h"
+
+#include "app/app_state.h"
+#include "app/shell.h"
+#include "build/build.h"
+#include "language/theme.h"
+#include "resources/ids.h"
+#include "scintilla/sci.h"
+#include "toolbar/toolbar.h"
+
+#include <algorithm>
+
+namespace {
+
+HFONT g_uiFont = nullptr;
+
+std::uint32_t EditorConditions() {
+    const DocumentTab& tab = g_app.tabs[static_cast<std::size_t>(g_app.activeTab)];
+    std::uint32_t conditions = kHasTab;
+    const auto add = [&](bool holds, CommandCondition condition) { conditions |= holds ? condition : 0; };
+    add(SciSend(tab.editor, SCI_CANUNDO) != 0, kCanUndo);
+    add(SciSend(tab.editor, SCI_CANREDO) != 0, kCanRedo);
+    add(SciSend(tab.editor, SCI_GETSELECTIONEMPTY) == 0, kHasSelection);
+    add(SciSend(tab.editor, SCI_CANPASTE) != 0, kCanPaste);
+    add(tab.hasFile, kHasFile);
+    add(tab.modified, kModified);
+    add(SyntaxIsBasic(tab.path), kBasicSource);
+    return conditions;
+}
+
+}  // namespace
+
+CommandView CurrentCommandView() {
+    CommandView view;
+    if (IsTabIndex(g_app.activeTab))
+        view.conditions |= EditorConditions();
+    if (std::ranges::any_of(g_app.tabs, &DocumentTab::modified))
+        view.conditions |= kAnyModified;
+    view.conditions |= CompilerIsBuilding() ? kBuilding : kIdle;
+    if (g_app.errors.count > 0)
+        view.conditions |= kHasErrors;
+    const Settings& settings = g_app.settings;
+    view.toolbar = settings.showToolbar != 0;
+    view.statusBar = settings.showStatusbar != 0;
+    view.output = g_app.showOutput;
+    view.asmPane = g_app.showAsmPane;
+    view.ai = settings.showAiSidebar != 0;
+    view.whitespace = settings.showWhitespace != 0;
+    view.wrap = settings.wordWrap != 0;
+    view.theme = ThemeIsDark() ? 1 : 0;
+    view.style = settings.editorStylePreset;
+    view.compiler = settings.activeCompiler;
+    view.profile = settings.profile;
+    return view;
+}
+
+void MenuApplyState(HMENU menu, const CommandView& view) {
+    const int count = GetMenuItemCount(menu);
+    for (int i = 0; i < count; ++i) {
+        const UINT id = GetMenuItemID(menu, i);
+        if (id == static_cast<UINT>(-1) || FindCommand(static_cast<int>(id)) == nullptr)
+            continue;  // a submenu or a separator
+        const CommandState state = CommandStateOf(static_cast<int>(id), view);
+        EnableMenuItem(menu, static_cast<UINT>(i), MF_BYPOSITION | (state.enabled ? MF_ENABLED : MF_GRAYED));
+        CheckMenuItem(menu, static_cast<UINT>(i), MF_BYPOSITION | (state.checked ? MF_CHECKED : MF_UNCHECKED));
+    }
+}
+
+static void ApplyToMenuTree(HMENU menu, const CommandView& view) {
+    MenuApplyState(menu, view);
+    for (int i = 0; i < GetMenuItemCount(menu); ++i) {
+        if (HMENU child = GetSubMenu(menu, i))
+            ApplyToMenuTree(child, view);
+    }
+}
+
+void MenuUpdateState() {
+    if (g_app.hMainWnd == nullptr)
+        return;
+    const CommandView view = CurrentCommandView();
+    if (HMENU menu = GetMenu(g_app.hMainWnd))
+        ApplyToMenuTree(menu, view);
+    ToolbarApplyState(view);
+}
+
+std::wstring CommandTipFromMenuText(std::wstring_view menuText) {
+    const std::size_t tab = menuText.find(L'\t');
+    std::wstring tip;
+    for (std::size_t i = 0; i < std::min(tab, menuText.size()); ++i) {
+        if (menuText[i] == L'&' && i + 1 < menuText.size())
+            ++i;  // the mnemonic's mark; "&&" keeps one
+        tip += menuText[i];
+    }
+    while (tip.ends_with(L'.'))
+        tip.pop_back();
+    if (tab != std::wstring_view::npos)
+        tip.append(L" (").append(menuText.substr(tab + 1)).append(L")");
+    return tip;
+}
+
+HFONT UiFont() {
+    if (g_uiFont == nullptr) {
+        NONCLIENTMETRICSW metrics = {};
+        metrics.cbSize = sizeof(metrics);
+        SystemParametersInfoForDpi(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0,
+                                   static_cast<UINT>(g_app.dpi));
+        g_uiFont = CreateFontIndirectW(&metrics.lfMessageFont);
+    }
+    return g_uiFont;
+}
+
+void UiFontReset() {
+    if (g_uiFont != nullptr)
+        DeleteObject(g_uiFont);
+    g_uiFont = nullptr;
+}

@@ -1,0 +1,60 @@
+// Every command of the program, one row each: what it needs to be possible, and when it carries a check mark. Menu,
+// toolbar and keys all ask this table. Pure.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+// What holds right now, as bits.
+enum CommandCondition : std::uint32_t {
+    kAlways = 0,
+    kHasTab = 1u << 0,
+    kCanUndo = 1u << 1,
+    kCanRedo = 1u << 2,
+    kHasSelection = 1u << 3,
+    kCanPaste = 1u << 4,
+    kHasFile = 1u << 5,
+    kModified = 1u << 6,
+    kAnyModified = 1u << 7,
+    kIdle = 1u << 8,            // no build runs
+    kBuilding = 1u << 9,
+    kHasErrors = 1u << 10,
+    kBasicSource = 1u << 11,
+    kNever = 1u << 31,          // not in this version: never set, so the command stays grey
+};
+
+// What the check marks show.
+struct CommandView {
+    std::uint32_t conditions = 0;   // CommandCondition bits
+    bool toolbar = false, statusBar = false, output = false, asmPane = false, ai = false;
+    bool whitespace = false, wrap = false;
+    int theme = 0;                  // 0 light, 1 dark
+    int style = 0;                  // style preset, 0 = none
+    int compiler = 0;               // CompilerId
+    int profile = 0;
+};
+
+struct CommandState {
+    bool enabled = false;
+    bool checked = false;
+};
+
+struct CommandRow {
+    int id;
+    std::uint32_t needs;                           // every bit must hold
+    bool (*checked)(const CommandView&) = nullptr; // null: never checked
+};
+
+std::span<const CommandRow> CommandTable();
+const CommandRow* FindCommand(int id);
+// An id that is not in the table is disabled.
+CommandState CommandStateOf(int id, const CommandView& view);
+
+// Keys beyond the accelerator table, which the editor's own key handling or the platform would otherwise take.
+struct ExtraKey {
+    std::uint16_t key;      // virtual key
+    bool control, shift, alt;
+    int command;
+};
+// The command of a key press, or 0.
+int CommandOfExtraKey(std::uint32_t key, bool control, bool shift, bool alt);
