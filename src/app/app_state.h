@@ -13,45 +13,44 @@
 
 #include <vector>
 
-
 struct AppState {
     HINSTANCE hInstance = nullptr;
-    ScintillaLibrary scintilla;         // the two editing libraries, loaded for the whole run
+    ScintillaLibrary scintilla;  // the two editing libraries, loaded for the whole run
 
     // Windows, empty until created; all children of hMainWnd.
     HWND hMainWnd = nullptr;
     HWND hTabCtrl = nullptr;
     HWND hToolbar = nullptr;
     HWND hStatusBar = nullptr;
-    HWND hOutput = nullptr;             // Rich Edit
-    HWND hAsmPane = nullptr;            // Rich Edit
-    HWND hAiChat = nullptr;             // Rich Edit
+    HWND hOutput = nullptr;   // Rich Edit
+    HWND hAsmPane = nullptr;  // Rich Edit
+    HWND hAiChat = nullptr;   // Rich Edit
     HWND hAiInput = nullptr;
     HWND hAiSend = nullptr;
     HWND hStickyHeader = nullptr;
     HWND hTerminal = nullptr;
     HWND hErrorList = nullptr;
     HWND hProjectTree = nullptr;
-    HWND hFindDialog = nullptr;         // modeless, empty while closed
+    HWND hFindDialog = nullptr;  // modeless, empty while closed
 
     // Documents
     std::vector<DocumentTab> tabs;
-    int activeTab = -1;                 // index into tabs, -1 with none
-    HWND hEditor = nullptr;             // editor of the active tab
+    int activeTab = -1;                         // index into tabs, -1 with none
+    HWND hEditor = nullptr;                     // editor of the active tab
     wchar_t lastDirectory[kPathCapacity] = {};  // folder of the file last opened or saved under a new name
     NavHistory navigation;
 
-    Settings settings;                  // what Editor.ini holds
+    Settings settings;  // what Editor.ini holds
 
     // View state that lasts for one run
     bool showOutput = true;
     bool showAsmPane = false;
-    bool splitHorizontal = false;       // kept and restored by sessions
-    bool fullScreen = false;            // kept and restored by sessions
-    int dpi = 96;                       // of the monitor the main window is on
+    bool splitHorizontal = false;  // kept and restored by sessions
+    bool fullScreen = false;       // kept and restored by sessions
+    int dpi = 96;                  // of the monitor the main window is on
 
-    BuildState build;                   // shared with the build's reader thread under g_buildCs
-    CompilerErrors errors;              // diagnostics of the last build; filled on the UI thread
+    BuildState build;       // shared with the build's reader thread under g_buildCs
+    CompilerErrors errors;  // diagnostics of the last build; filled on the UI thread
 
     // Session and workspace
     wchar_t sessionPath[kPathCapacity] = {};    // current named session, empty with none

@@ -14,12 +14,10 @@ struct CompilerNameRow {
     int id;
 };
 constexpr CompilerNameRow kCompilerNames[] = {
-    {L"kvxa64", kCompilerKvxa64},           {L"KVXA64", kCompilerKvxa64},
-    {L"kvxb64", kCompilerKvxb64},           {L"KVXB64", kCompilerKvxb64},
-    {L"kvxa32", kCompilerKvxa32},           {L"KVXA32", kCompilerKvxa32},
-    {L"keldorbasic", kCompilerKeldorBasic}, {L"KeldorBasic", kCompilerKeldorBasic},
-    {L"kb", kCompilerKeldorBasic},          {L"KB", kCompilerKeldorBasic},
-    {L"kvxc64", kCompilerKvxc64},           {L"KVXC64", kCompilerKvxc64},
+    {L"kvxa64", kCompilerKvxa64},           {L"KVXA64", kCompilerKvxa64},           {L"kvxb64", kCompilerKvxb64},
+    {L"KVXB64", kCompilerKvxb64},           {L"kvxa32", kCompilerKvxa32},           {L"KVXA32", kCompilerKvxa32},
+    {L"keldorbasic", kCompilerKeldorBasic}, {L"KeldorBasic", kCompilerKeldorBasic}, {L"kb", kCompilerKeldorBasic},
+    {L"KB", kCompilerKeldorBasic},          {L"kvxc64", kCompilerKvxc64},           {L"KVXC64", kCompilerKvxc64},
 };
 
 constexpr std::wstring_view kSelfTestOptions[] = {
@@ -33,14 +31,10 @@ struct OptionRow {
     bool takesArgument;
 };
 constexpr OptionRow kOptions[] = {
-    {L"--open", CommandLineAction::Open, true},
-    {L"--compiler", CommandLineAction::SetCompiler, true},
-    {L"--font", CommandLineAction::SetFont, true},
-    {L"--fontsize", CommandLineAction::SetFontSize, true},
-    {L"--detect", CommandLineAction::Detect, false},
-    {L"--log", CommandLineAction::Log, false},
-    {L"--help", CommandLineAction::Help, false},
-    {L"-h", CommandLineAction::Help, false},
+    {L"--open", CommandLineAction::Open, true},      {L"--compiler", CommandLineAction::SetCompiler, true},
+    {L"--font", CommandLineAction::SetFont, true},   {L"--fontsize", CommandLineAction::SetFontSize, true},
+    {L"--detect", CommandLineAction::Detect, false}, {L"--log", CommandLineAction::Log, false},
+    {L"--help", CommandLineAction::Help, false},     {L"-h", CommandLineAction::Help, false},
 };
 
 bool IsSelfTestOption(std::wstring_view word) {
@@ -50,15 +44,11 @@ bool IsSelfTestOption(std::wstring_view word) {
 // False: the step has no effect and is left out.
 bool TakeArgument(CommandLineStep& step, const std::wstring& argument) {
     switch (step.action) {
-    case CommandLineAction::SetCompiler:
-        step.number = CompilerIdFromName(argument);
-        return step.number >= 0;
-    case CommandLineAction::SetFontSize:
-        step.number = static_cast<int>(std::wcstol(argument.c_str(), nullptr, 10));
-        return step.number >= 6 && step.number <= 72;
-    default:
-        step.text = argument;
-        return true;
+        case CommandLineAction::SetCompiler: step.number = CompilerIdFromName(argument); return step.number >= 0;
+        case CommandLineAction::SetFontSize:
+            step.number = static_cast<int>(std::wcstol(argument.c_str(), nullptr, 10));
+            return step.number >= 6 && step.number <= 72;
+        default: step.text = argument; return true;
     }
 }
 
@@ -77,18 +67,14 @@ std::vector<CommandLineStep> ParseCommandLineSteps(std::span<const std::wstring>
             continue;
         }
         const auto* option = std::ranges::find(kOptions, std::wstring_view(arguments[i]), &OptionRow::name);
-        if (option == std::end(kOptions))
-            continue;
+        if (option == std::end(kOptions)) continue;
         CommandLineStep step{.action = option->action, .text = {}};
         if (option->takesArgument) {
-            if (i + 1 == arguments.size())
-                break;
-            if (!TakeArgument(step, arguments[++i]))
-                continue;
+            if (i + 1 == arguments.size()) break;
+            if (!TakeArgument(step, arguments[++i])) continue;
         }
         steps.push_back(step);
-        if (step.action == CommandLineAction::Detect)
-            break;
+        if (step.action == CommandLineAction::Detect) break;
     }
     return steps;
 }
@@ -100,8 +86,7 @@ EarlyOptions ParseEarlyOptions(std::span<const std::wstring> arguments) {
         if (word == L"--test" && i + 1 < arguments.size()) {
             early.testMode = true;
             for (const wchar_t c : arguments[++i]) {
-                if (early.testModule.size() < 63)
-                    early.testModule += c < 0x80 ? static_cast<char>(c) : '?';
+                if (early.testModule.size() < 63) early.testModule += c < 0x80 ? static_cast<char>(c) : '?';
             }
         } else if (word == L"--test-all") {
             early.testMode = true;

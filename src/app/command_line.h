@@ -16,7 +16,7 @@ enum class CommandLineAction : std::uint8_t {
     Detect,       // ends the scan
     Log,
     Help,
-    SelfTest,     // text: the option
+    SelfTest,  // text: the option
 };
 
 struct CommandLineStep {
@@ -31,10 +31,10 @@ std::vector<CommandLineStep> ParseCommandLineSteps(std::span<const std::wstring>
 
 // What has to be known before anything is created.
 struct EarlyOptions {
-    bool testMode = false;          // --test MODULE or --test-all
-    std::string testModule;         // UTF-8, at most 63 bytes
-    bool testList = false;          // --test-list
-    bool selftestTabs = false;      // any option that begins "--selftest-"
+    bool testMode = false;      // --test MODULE or --test-all
+    std::string testModule;     // UTF-8, at most 63 bytes
+    bool testList = false;      // --test-list
+    bool selftestTabs = false;  // any option that begins "--selftest-"
 };
 EarlyOptions ParseEarlyOptions(std::span<const std::wstring> arguments);
 

@@ -25,19 +25,15 @@ namespace {
 
 void SaveActive() {
     const int tab = g_app.activeTab;
-    if (FileSave(tab) == 0 || g_app.settings.buildOnSave == 0 || CompilerIsBuilding())
-        return;
+    if (FileSave(tab) == 0 || g_app.settings.buildOnSave == 0 || CompilerIsBuilding()) return;
     const DocumentTab& document = g_app.tabs[static_cast<std::size_t>(tab)];
-    if (document.hasFile)
-        StartCompilerBuild(false, false);
+    if (document.hasFile) StartCompilerBuild(false, false);
 }
 
 void CloseOthers(int kept) {
     for (int tab = TabCount() - 1; tab >= 0; --tab) {
-        if (tab != kept && FileClose(tab) == 0)
-            return;
-        if (tab < kept)
-            --kept;
+        if (tab != kept && FileClose(tab) == 0) return;
+        if (tab < kept) --kept;
     }
 }
 
@@ -51,48 +47,26 @@ void CopyToClipboard(const wchar_t* text) {
     memcpy(GlobalLock(block), text, bytes);
     GlobalUnlock(block);
     EmptyClipboard();
-    if (SetClipboardData(CF_UNICODETEXT, block) == nullptr)
-        GlobalFree(block);
+    if (SetClipboardData(CF_UNICODETEXT, block) == nullptr) GlobalFree(block);
     CloseClipboard();
 }
 
 bool HandleFile(int command) {
     switch (command) {
-    case IDM_FILE_NEW:
-        FileNew();
-        return true;
-    case IDM_FILE_OPEN:
-        FileOpen(nullptr);
-        return true;
-    case IDM_FILE_SAVE:
-        SaveActive();
-        return true;
-    case IDM_FILE_SAVE_AS:
-        FileSaveAs(g_app.activeTab);
-        return true;
-    case IDM_FILE_SAVE_ALL:
-        FileSaveAll();
-        return true;
-    case IDM_FILE_RELOAD:
-        FileReload(g_app.activeTab);
-        return true;
-    case IDM_FILE_CLOSE:
-        FileClose(g_app.activeTab);
-        return true;
-    case IDM_FILE_CLOSE_ALL:
-        FileCloseAll();
-        return true;
-    case IDM_FILE_EXIT:
-        PostMessageW(g_app.hMainWnd, WM_CLOSE, 0, 0);
-        return true;
-    case IDM_TAB_CLOSE_OTHERS:
-        CloseOthers(g_app.activeTab);
-        return true;
-    case IDM_TAB_COPY_PATH:
-        CopyToClipboard(g_app.tabs[static_cast<std::size_t>(g_app.activeTab)].path);
-        return true;
-    default:
-        return false;
+        case IDM_FILE_NEW: FileNew(); return true;
+        case IDM_FILE_OPEN: FileOpen(nullptr); return true;
+        case IDM_FILE_SAVE: SaveActive(); return true;
+        case IDM_FILE_SAVE_AS: FileSaveAs(g_app.activeTab); return true;
+        case IDM_FILE_SAVE_ALL: FileSaveAll(); return true;
+        case IDM_FILE_RELOAD: FileReload(g_app.activeTab); return true;
+        case IDM_FILE_CLOSE: FileClose(g_app.activeTab); return true;
+        case IDM_FILE_CLOSE_ALL: FileCloseAll(); return true;
+        case IDM_FILE_EXIT: PostMessageW(g_app.hMainWnd, WM_CLOSE, 0, 0); return true;
+        case IDM_TAB_CLOSE_OTHERS: CloseOthers(g_app.activeTab); return true;
+        case IDM_TAB_COPY_PATH:
+            CopyToClipboard(g_app.tabs[static_cast<std::size_t>(g_app.activeTab)].path);
+            return true;
+        default: return false;
     }
 }
 
@@ -100,8 +74,7 @@ bool HandleFile(int command) {
 HWND FocusedTextField() {
     HWND focus = GetFocus();
     for (HWND field : {g_app.hOutput, g_app.hAsmPane, g_app.hAiChat, g_app.hAiInput, g_app.hTerminal}) {
-        if (focus != nullptr && focus == field)
-            return field;
+        if (focus != nullptr && focus == field) return field;
     }
     return nullptr;
 }
@@ -114,16 +87,14 @@ bool HandleClipboard(int command) {
         WPARAM wParam;
         LPARAM lParam;
     } kRows[] = {
-        {IDM_EDIT_UNDO, SCI_UNDO, WM_UNDO, 0, 0},  {IDM_EDIT_REDO, SCI_REDO, 0, 0, 0},
-        {IDM_EDIT_CUT, SCI_CUT, WM_CUT, 0, 0},     {IDM_EDIT_COPY, SCI_COPY, WM_COPY, 0, 0},
+        {IDM_EDIT_UNDO, SCI_UNDO, WM_UNDO, 0, 0},    {IDM_EDIT_REDO, SCI_REDO, 0, 0, 0},
+        {IDM_EDIT_CUT, SCI_CUT, WM_CUT, 0, 0},       {IDM_EDIT_COPY, SCI_COPY, WM_COPY, 0, 0},
         {IDM_EDIT_PASTE, SCI_PASTE, WM_PASTE, 0, 0}, {IDM_EDIT_SELECT_ALL, SCI_SELECTALL, EM_SETSEL, 0, -1},
     };
     for (const auto& row : kRows) {
-        if (row.command != command)
-            continue;
+        if (row.command != command) continue;
         if (HWND field = FocusedTextField()) {
-            if (row.field != 0)
-                SendMessageW(field, row.field, row.wParam, row.lParam);
+            if (row.field != 0) SendMessageW(field, row.field, row.wParam, row.lParam);
         } else {
             SciSend(g_app.hEditor, row.scintilla);
         }
@@ -148,15 +119,13 @@ void FormatLines(HWND editor, int first, int last) {
     const int width = std::max(1, static_cast<int>(settings.tabWidth));
     const int depth =
         first > 0 ? static_cast<int>(SciSend(editor, SCI_GETLINEINDENTATION, static_cast<WPARAM>(first))) / width : 0;
-    const std::string formatted = FormatBasicSource(text,
-                                                    {.indentWidth = width,
-                                                     .useTabs = settings.useTabs != 0,
-                                                     .upperKeywords = settings.autoUpperKeywords != 0},
-                                                    depth);
-    if (formatted == text)
-        return;
-    const LRESULT caretLine = SciSend(editor, SCI_LINEFROMPOSITION,
-                                      static_cast<WPARAM>(SciSend(editor, SCI_GETCURRENTPOS)));
+    const std::string formatted = FormatBasicSource(
+        text,
+        {.indentWidth = width, .useTabs = settings.useTabs != 0, .upperKeywords = settings.autoUpperKeywords != 0},
+        depth);
+    if (formatted == text) return;
+    const LRESULT caretLine =
+        SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(SciSend(editor, SCI_GETCURRENTPOS)));
     const LRESULT topLine = SciSend(editor, SCI_GETFIRSTVISIBLELINE);
     SciSend(editor, SCI_BEGINUNDOACTION);
     SciSend(editor, SCI_REPLACETARGET, formatted.size(), reinterpret_cast<LPARAM>(formatted.data()));
@@ -168,8 +137,7 @@ void FormatLines(HWND editor, int first, int last) {
 
 void FormatDocument(bool selectionOnly) {
     HWND editor = g_app.hEditor;
-    if (editor == nullptr)
-        return;
+    if (editor == nullptr) return;
     int first = 0;
     int last = static_cast<int>(SciSend(editor, SCI_GETLINECOUNT)) - 1;
     if (selectionOnly) {
@@ -178,43 +146,28 @@ void FormatDocument(bool selectionOnly) {
         first = static_cast<int>(SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(start)));
         last = static_cast<int>(SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(end)));
         const bool endsAtLineStart = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(last)) == end;
-        if (endsAtLineStart && last > first)
-            --last;
+        if (endsAtLineStart && last > first) --last;
     }
     FormatLines(editor, first, last);
 }
 
 bool HandleEdit(int command) {
-    if (HandleClipboard(command))
-        return true;
+    if (HandleClipboard(command)) return true;
     switch (command) {
-    case IDM_EDIT_FIND:
-    case IDM_EDIT_REPLACE:
-        FindDialogShow(g_app.hMainWnd, command == IDM_EDIT_REPLACE);
-        return true;
-    case IDM_FIND_NEXT:
-    case IDM_FIND_PREVIOUS:
-        FindNext(command == IDM_FIND_NEXT);
-        return true;
-    case IDM_EDIT_GOTO:
-        GotoLineDialogShow(g_app.hMainWnd);
-        return true;
-    case IDM_EDIT_FORMAT_DOCUMENT:
-    case IDM_EDIT_FORMAT_SELECTION:
-        FormatDocument(command == IDM_EDIT_FORMAT_SELECTION);
-        return true;
-    case IDM_NAV_BACK:
-        NavHistoryBack();
-        return true;
-    case IDM_NAV_FORWARD:
-        NavHistoryForward();
-        return true;
-    case IDM_NEXT_TAB:
-    case IDM_PREVIOUS_TAB:
-        TabBarActivate((g_app.activeTab + (command == IDM_NEXT_TAB ? 1 : TabCount() - 1)) % TabCount());
-        return true;
-    default:
-        return false;
+        case IDM_EDIT_FIND:
+        case IDM_EDIT_REPLACE: FindDialogShow(g_app.hMainWnd, command == IDM_EDIT_REPLACE); return true;
+        case IDM_FIND_NEXT:
+        case IDM_FIND_PREVIOUS: FindNext(command == IDM_FIND_NEXT); return true;
+        case IDM_EDIT_GOTO: GotoLineDialogShow(g_app.hMainWnd); return true;
+        case IDM_EDIT_FORMAT_DOCUMENT:
+        case IDM_EDIT_FORMAT_SELECTION: FormatDocument(command == IDM_EDIT_FORMAT_SELECTION); return true;
+        case IDM_NAV_BACK: NavHistoryBack(); return true;
+        case IDM_NAV_FORWARD: NavHistoryForward(); return true;
+        case IDM_NEXT_TAB:
+        case IDM_PREVIOUS_TAB:
+            TabBarActivate((g_app.activeTab + (command == IDM_NEXT_TAB ? 1 : TabCount() - 1)) % TabCount());
+            return true;
+        default: return false;
     }
 }
 
@@ -227,32 +180,23 @@ void OpenWorkspace() {
     dialog.lpstrFile = path;
     dialog.nMaxFile = static_cast<DWORD>(kPathCapacity);
     dialog.Flags = OFN_HIDEREADONLY | OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST | OFN_NOCHANGEDIR;
-    if (GetOpenFileNameW(&dialog) && WorkspaceLoad(path) == 0)
-        ErrorMessage(L"Failed to open workspace: %s", path);
+    if (GetOpenFileNameW(&dialog) && WorkspaceLoad(path) == 0) ErrorMessage(L"Failed to open workspace: %s", path);
 }
 
 bool HandleOther(int command) {
     switch (command) {
-    case IDM_WORKSPACE_NEW:
-        WorkspaceNew();
-        return true;
-    case IDM_WORKSPACE_OPEN:
-        OpenWorkspace();
-        return true;
-    case IDM_WORKSPACE_SAVE:
-        StatusBarSetText(WorkspaceSave(nullptr) != 0 ? L"Workspace saved" : L"Workspace could not be saved");
-        return true;
-    case IDM_ERROR_NEXT:
-        CompilerNextError();
-        return true;
-    case IDM_ERROR_PREVIOUS:
-        CompilerPrevError();
-        return true;
-    case IDM_HELP_ABOUT:
-        InfoMessage(L"KVX-Editor 0.2.0\n\nA source editor for BASIC, C and assembly: write, build, go to the error, run.");
-        return true;
-    default:
-        return false;
+        case IDM_WORKSPACE_NEW: WorkspaceNew(); return true;
+        case IDM_WORKSPACE_OPEN: OpenWorkspace(); return true;
+        case IDM_WORKSPACE_SAVE:
+            StatusBarSetText(WorkspaceSave(nullptr) != 0 ? L"Workspace saved" : L"Workspace could not be saved");
+            return true;
+        case IDM_ERROR_NEXT: CompilerNextError(); return true;
+        case IDM_ERROR_PREVIOUS: CompilerPrevError(); return true;
+        case IDM_HELP_ABOUT:
+            InfoMessage(
+                L"KVX-Editor 0.2.0\n\nA source editor for BASIC, C and assembly: write, build, go to the error, run.");
+            return true;
+        default: return false;
     }
 }
 
@@ -260,17 +204,13 @@ bool HandleOther(int command) {
 
 void MainWnd_OnCommand(int command, int notification, HWND control) {
     const bool fromControl = control != nullptr && control != g_app.hToolbar;
-    if (fromControl)
-        return;  // notifications of edit fields; no control of ours but the toolbar sends commands
+    if (fromControl) return;  // notifications of edit fields; no control of ours but the toolbar sends commands
     (void)notification;
     // A key or a posted command may come when the command is not possible; the table decides, not the sender.
-    if (!CommandStateOf(command, CurrentCommandView()).enabled)
-        return;
+    if (!CommandStateOf(command, CurrentCommandView()).enabled) return;
     if (HandleFile(command) || HandleEdit(command) || HandleView(command) || CmdHandle_Build(command) ||
         HandleOther(command))
         MainWnd_RequestStateRefresh();
 }
 
-void MainWnd_OnInitMenuPopup(HMENU menu) {
-    MenuApplyState(menu, CurrentCommandView());
-}
+void MainWnd_OnInitMenuPopup(HMENU menu) { MenuApplyState(menu, CurrentCommandView()); }

@@ -26,8 +26,7 @@ int RunCompilerDetect() {
                                         kCompilerKvxc64};
     int found = 0;
     for (const std::uint32_t id : kOrder) {
-        if (IsCompilerPathValid(g_app.settings.compilers[id].path))
-            ++found;
+        if (IsCompilerPathValid(g_app.settings.compilers[id].path)) ++found;
     }
     AppLogMsg(L"=== Summary: %d/%d compilers found ===", found, static_cast<int>(kCompilerCount));
     return found;
@@ -41,10 +40,10 @@ static const wchar_t* PathOrNotFound(std::uint32_t id) {
 void ShowDetectReport() {
     const int found = RunCompilerDetect();
     CloseLog();
-    const std::wstring text =
-        FormatW(L"Compiler Auto-Detect Results\n================================\n\nKeldorBasic: %s\n\nKVXA32: "
-                L"%s\n\nKVXA64: %s\n\nKVXB64: %s\n\nKVXC64: %s\n\nFound: %d/5\n\nLog file: Editor_Detect.log",
-                PathOrNotFound(kCompilerKeldorBasic), PathOrNotFound(kCompilerKvxa32), PathOrNotFound(kCompilerKvxa64),
-                PathOrNotFound(kCompilerKvxb64), PathOrNotFound(kCompilerKvxc64), found);
+    const std::wstring text = FormatW(
+        L"Compiler Auto-Detect Results\n================================\n\nKeldorBasic: %s\n\nKVXA32: "
+        L"%s\n\nKVXA64: %s\n\nKVXB64: %s\n\nKVXC64: %s\n\nFound: %d/5\n\nLog file: Editor_Detect.log",
+        PathOrNotFound(kCompilerKeldorBasic), PathOrNotFound(kCompilerKvxa32), PathOrNotFound(kCompilerKvxa64),
+        PathOrNotFound(kCompilerKvxb64), PathOrNotFound(kCompilerKvxc64), found);
     MessageBoxW(g_app.hMainWnd, text.c_str(), L"KVX-Editor Detect", MB_OK | MB_ICONINFORMATION);
 }

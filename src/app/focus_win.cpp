@@ -29,17 +29,13 @@ void QueueFocusCurrentEditor() {
 
 void MainWnd_OnFocusTimer(HWND window) {
     FocusCurrentEditor();
-    if (++g_focusTicks >= kRetries || GetFocus() == g_app.hEditor)
-        KillTimer(window, TIMER_FOCUS);
+    if (++g_focusTicks >= kRetries || GetFocus() == g_app.hEditor) KillTimer(window, TIMER_FOCUS);
 }
 
-void MainWnd_RequestStateRefresh() {
-    g_refreshWanted = true;
-}
+void MainWnd_RequestStateRefresh() { g_refreshWanted = true; }
 
 void MainWnd_RunPendingRefresh() {
-    if (!g_refreshWanted || g_app.hToolbar == nullptr)
-        return;
+    if (!g_refreshWanted || g_app.hToolbar == nullptr) return;
     g_refreshWanted = false;
     ToolbarApplyState(CurrentCommandView());
 }

@@ -10,16 +10,12 @@ constexpr int kMinimumEditorWidth = 200;  // at 96 dpi
 constexpr int kMinimumSideWidth = 150;
 constexpr int kMaximumSideWidth = 600;
 constexpr int kMinimumTreeWidth = 100;
-constexpr int kLineHeight = 26;           // input line, terminal line
+constexpr int kLineHeight = 26;  // input line, terminal line
 constexpr int kSendWidth = 64;
 
-int Scale(int length, int dpi) {
-    return length * dpi / 96;
-}
+int Scale(int length, int dpi) { return length * dpi / 96; }
 
-int SidePaneCount(const LayoutInput& input) {
-    return (input.showAsm ? 1 : 0) + (input.showAi ? 1 : 0);
-}
+int SidePaneCount(const LayoutInput& input) { return (input.showAsm ? 1 : 0) + (input.showAi ? 1 : 0); }
 
 PaneRect Row(int left, int right, int top, int bottom) {
     PaneRect row{left, top, std::max(left, right), std::max(top, bottom)};
@@ -42,8 +38,7 @@ int PlaceSidePanes(const LayoutInput& input, int top, int bottom, PaneLayout& la
         layout.asmPane = Row(right - layout.sideWidth, right, top, bottom);
         right = layout.asmPane.left - kSplitterThickness;
     }
-    if (SidePaneCount(input) > 0)
-        layout.sideSplitter = Row(right, right + kSplitterThickness, top, bottom);
+    if (SidePaneCount(input) > 0) layout.sideSplitter = Row(right, right + kSplitterThickness, top, bottom);
     return right;
 }
 
@@ -53,10 +48,8 @@ void PlaceBottomPanes(const LayoutInput& input, int left, int right, int top, in
     const int terminal = input.showTerminal ? std::min(Scale(kLineHeight, input.dpi), free / 2) : 0;
     free -= terminal;
     const int errors = input.showErrorList ? std::min(input.errorListHeight, free / 2) : 0;
-    if (terminal > 0)
-        layout.terminal = Row(left, right, bottom - terminal, bottom);
-    if (errors > 0)
-        layout.errorList = Row(left, right, bottom - terminal - errors, bottom - terminal);
+    if (terminal > 0) layout.terminal = Row(left, right, bottom - terminal, bottom);
+    if (errors > 0) layout.errorList = Row(left, right, bottom - terminal - errors, bottom - terminal);
     layout.output = Row(left, right, top, bottom - terminal - errors);
 }
 
@@ -68,10 +61,8 @@ int SidePaneSplitBudget(bool showAsm, bool showAi) {
 
 int ClampSplitter(int total, int top, int split) {
     const int span = total - top;
-    if (span < 1)
-        return split;
-    if (span >= 103)
-        return std::clamp(split, top + 50, total - 53);
+    if (span < 1) return split;
+    if (span >= 103) return std::clamp(split, top + 50, total - 53);
     return top + span * 7 / 10;
 }
 
@@ -82,8 +73,7 @@ void ConstrainSidePaneWidths(const LayoutInput& input, int* sideWidth, int* tree
     int tree = input.showTree ? std::max(input.treeWidth, Scale(kMinimumTreeWidth, input.dpi)) : 0;
     int side = std::clamp(input.sideWidth, Scale(kMinimumSideWidth, input.dpi), Scale(kMaximumSideWidth, input.dpi));
     const int room = std::max(0, input.clientWidth - editor - bars);
-    if (sides > 0)
-        side = std::min(side, std::max(0, room - tree) / sides);
+    if (sides > 0) side = std::min(side, std::max(0, room - tree) / sides);
     tree = std::min(tree, std::max(0, room - side * sides));
     *sideWidth = side;
     *treeWidth = tree;
@@ -95,10 +85,8 @@ PaneLayout ComputePaneLayout(const LayoutInput& input) {
     const int height = std::max(0, input.clientHeight);
     const int top = std::min(input.toolbarHeight, height);
     const int bottom = std::max(top, height - input.statusHeight);
-    if (input.toolbarHeight > 0)
-        layout.toolbar = Row(0, width, 0, top);
-    if (input.statusHeight > 0)
-        layout.status = Row(0, width, bottom, height);
+    if (input.toolbarHeight > 0) layout.toolbar = Row(0, width, 0, top);
+    if (input.statusHeight > 0) layout.status = Row(0, width, bottom, height);
 
     ConstrainSidePaneWidths(input, &layout.sideWidth, &layout.treeWidth);
     int left = 0;
@@ -137,10 +125,8 @@ int PositionAt(double ratio, int start, int end) {
 }
 
 static int FitEdge(int edge, int extent, int workStart, int workEnd) {
-    if (edge < workStart)
-        return workStart;
-    if (edge > workEnd)
-        return std::max(workStart, workEnd - extent);
+    if (edge < workStart) return workStart;
+    if (edge > workEnd) return std::max(workStart, workEnd - extent);
     return edge;
 }
 

@@ -14,18 +14,18 @@ struct LayoutInput {
     int clientWidth = 0;
     int clientHeight = 0;
     int dpi = 96;
-    int toolbarHeight = 0;    // 0 = hidden
-    int statusHeight = 0;     // 0 = hidden
+    int toolbarHeight = 0;  // 0 = hidden
+    int statusHeight = 0;   // 0 = hidden
     int tabHeight = 0;
-    int stickyHeight = 0;     // 0 = no header line
+    int stickyHeight = 0;  // 0 = no header line
     bool showOutput = true;
     bool showErrorList = false;
     bool showTerminal = false;
     bool showAsm = false;
     bool showAi = false;
     bool showTree = false;
-    int outputSplit = 0;      // wanted top of the bar above the output pane
-    int sideWidth = 0;        // wanted width of one right-hand pane
+    int outputSplit = 0;  // wanted top of the bar above the output pane
+    int sideWidth = 0;    // wanted width of one right-hand pane
     int treeWidth = 0;
     int errorListHeight = 0;
 };
@@ -34,7 +34,7 @@ struct LayoutInput {
 struct PaneLayout {
     PaneRect toolbar, status, tree, treeSplitter, tabs, sticky, editor, outputSplitter, output, errorList, terminal,
         sideSplitter, asmPane, aiChat, aiInput, aiSend;
-    int outputSplit = 0;      // as it came out after the limits
+    int outputSplit = 0;  // as it came out after the limits
     int sideWidth = 0;
     int treeWidth = 0;
 };
@@ -55,8 +55,8 @@ PaneLayout ComputePaneLayout(const LayoutInput& input);
 
 // The splitters as parts of the area they divide, so that they keep their place when the window changes size.
 struct LayoutRatios {
-    double output = 0.0;   // (split - top) / (bottom - top); 0: nothing captured yet
-    double side = 0.0;     // side width / client width
+    double output = 0.0;  // (split - top) / (bottom - top); 0: nothing captured yet
+    double side = 0.0;    // side width / client width
 };
 double RatioOf(int position, int start, int end);
 int PositionAt(double ratio, int start, int end);

@@ -12,18 +12,15 @@
 
 #include <algorithm>
 
-
 namespace {
 
-constexpr int kStickyHeight = 22;      // at 96 dpi
-constexpr int kMinimumWidth = 480;     // of the whole window, at 96 dpi
+constexpr int kStickyHeight = 22;   // at 96 dpi
+constexpr int kMinimumWidth = 480;  // of the whole window, at 96 dpi
 constexpr int kMinimumHeight = 320;
 
 LayoutRatios g_ratios;
 
-int Scaled(int length) {
-    return MulDiv(length, g_app.dpi, 96);
-}
+int Scaled(int length) { return MulDiv(length, g_app.dpi, 96); }
 
 LayoutInput InputOf(int width, int height) {
     const Settings& settings = g_app.settings;
@@ -49,8 +46,7 @@ LayoutInput InputOf(int width, int height) {
 
 // Moves one child; an empty rectangle hides it. The deferral keeps a resize to one repaint.
 void Place(HDWP& moves, HWND child, const PaneRect& area) {
-    if (child == nullptr || moves == nullptr)
-        return;
+    if (child == nullptr || moves == nullptr) return;
     if (area.empty()) {
         moves = DeferWindowPos(moves, child, nullptr, 0, 0, 0, 0,
                                SWP_HIDEWINDOW | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
@@ -82,22 +78,18 @@ void PlaceAll(const PaneLayout& layout) {
         {g_app.hProjectTree, layout.tree},
         {g_app.hStatusBar, layout.status},
     };
-    for (const auto& place : places)
-        Place(moves, place.child, place.area);
+    for (const auto& place : places) Place(moves, place.child, place.area);
     // Only the active editor is on the screen; the others take their place when they are shown.
     Place(moves, g_app.hEditor, layout.editor);
-    if (moves != nullptr)
-        EndDeferWindowPos(moves);
-    if (!layout.status.empty())
-        StatusBarLayout(layout.status.width());
+    if (moves != nullptr) EndDeferWindowPos(moves);
+    if (!layout.status.empty()) StatusBarLayout(layout.status.width());
 }
 
 }  // namespace
 
 void MainWindow_Layout() {
     RECT client = {};
-    if (g_app.hMainWnd == nullptr || !GetClientRect(g_app.hMainWnd, &client) || IsIconic(g_app.hMainWnd))
-        return;
+    if (g_app.hMainWnd == nullptr || !GetClientRect(g_app.hMainWnd, &client) || IsIconic(g_app.hMainWnd)) return;
     const PaneLayout layout = ComputePaneLayout(InputOf(client.right, client.bottom));
     PlaceAll(layout);
 }
@@ -111,8 +103,7 @@ static void OutputSpan(int height, int* top, int* bottom) {
 
 void CaptureSplitterRatio() {
     RECT client = {};
-    if (!GetClientRect(g_app.hMainWnd, &client) || client.right <= 0)
-        return;
+    if (!GetClientRect(g_app.hMainWnd, &client) || client.right <= 0) return;
     int top = 0;
     int bottom = 0;
     OutputSpan(client.bottom, &top, &bottom);
@@ -122,23 +113,18 @@ void CaptureSplitterRatio() {
 }
 
 void ApplyLayoutRatios(int width, int height) {
-    if (g_ratios.output <= 0.0)
-        return;
+    if (g_ratios.output <= 0.0) return;
     int top = 0;
     int bottom = 0;
     OutputSpan(height, &top, &bottom);
-    if (bottom > top)
-        g_app.settings.splitter = ClampSplitter(bottom, top, PositionAt(g_ratios.output, top, bottom));
+    if (bottom > top) g_app.settings.splitter = ClampSplitter(bottom, top, PositionAt(g_ratios.output, top, bottom));
     const int side = MulDiv(PositionAt(g_ratios.side, 0, width), 96, g_app.dpi);
     g_app.settings.aiSidebarWidth = std::clamp(side, 150, 600);
 }
 
 void MainWnd_OnSize(WPARAM kind, int width, int height) {
-    if (kind != SIZE_MINIMIZED)
-        ApplyLayoutRatios(width, height);
+    if (kind != SIZE_MINIMIZED) ApplyLayoutRatios(width, height);
     MainWindow_Layout();
 }
 
-void MainWnd_OnMinMaxInfo(MINMAXINFO& info) {
-    info.ptMinTrackSize = {Scaled(kMinimumWidth), Scaled(kMinimumHeight)};
-}
+void MainWnd_OnMinMaxInfo(MINMAXINFO& info) { info.ptMinTrackSize = {Scaled(kMinimumWidth), Scaled(kMinimumHeight)}; }

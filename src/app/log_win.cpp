@@ -22,21 +22,17 @@ void OpenLog(const wchar_t* directory) {
     FILE* opened = OpenIn(directory);
     if (opened == nullptr) {
         wchar_t temporary[MAX_PATH + 1] = {};
-        if (GetTempPathW(MAX_PATH + 1, temporary) != 0)
-            opened = OpenIn(temporary);
+        if (GetTempPathW(MAX_PATH + 1, temporary) != 0) opened = OpenIn(temporary);
     }
     // An earlier stream is left to the process's end: whoever reopens the log ("--log") wants a fresh file, and
     // both streams point at the same one.
     g_logFile = opened;
 }
 
-bool LogIsOpen() {
-    return g_logFile != nullptr;
-}
+bool LogIsOpen() { return g_logFile != nullptr; }
 
 void AppLogMsg(const wchar_t* format, ...) {
-    if (g_logFile == nullptr)
-        return;
+    if (g_logFile == nullptr) return;
     SYSTEMTIME now = {};
     GetLocalTime(&now);
     // The C runtime's own wide formatting, for which `%s` is wide text; fwprintf of this toolchain means narrow.
@@ -46,8 +42,7 @@ void AppLogMsg(const wchar_t* format, ...) {
     const int written = _vsnwprintf(text, std::size(text) - 1, format, args);
     va_end(args);
     text[std::size(text) - 1] = L'\0';
-    if (written < 0 && text[0] == L'\0')
-        return;
+    if (written < 0 && text[0] == L'\0') return;
     wchar_t stamp[16];
     _snwprintf(stamp, std::size(stamp), L"[%02d:%02d:%02d] ", now.wHour, now.wMinute, now.wSecond);
     stamp[std::size(stamp) - 1] = L'\0';
@@ -58,8 +53,7 @@ void AppLogMsg(const wchar_t* format, ...) {
 }
 
 void CloseLog() {
-    if (g_logFile == nullptr)
-        return;
+    if (g_logFile == nullptr) return;
     std::fclose(g_logFile);
     g_logFile = nullptr;
 }

@@ -50,14 +50,11 @@ std::string g_testModule;
 // The words after the program's name; empty when the raw command line is.
 std::vector<std::wstring> Arguments(const char* raw) {
     std::vector<std::wstring> words;
-    if (raw == nullptr || *raw == '\0')
-        return words;
+    if (raw == nullptr || *raw == '\0') return words;
     int count = 0;
     wchar_t** values = CommandLineToArgvW(GetCommandLineW(), &count);
-    if (values == nullptr)
-        return words;
-    for (int i = 1; i < count; ++i)
-        words.emplace_back(values[i]);
+    if (values == nullptr) return words;
+    for (int i = 1; i < count; ++i) words.emplace_back(values[i]);
     LocalFree(values);
     return words;
 }
@@ -88,8 +85,7 @@ void ReopenLog() {
 }
 
 void SelectCompiler(int id) {
-    if (id == g_app.settings.activeCompiler)
-        return;
+    if (id == g_app.settings.activeCompiler) return;
     g_app.settings.activeCompiler = id;
     MainWindow_UpdateCompilerSelection();
     SyntaxThemeApplyAll();
@@ -97,38 +93,27 @@ void SelectCompiler(int id) {
 
 void RunStep(const CommandLineStep& step) {
     switch (step.action) {
-    case CommandLineAction::Open:
-        FileOpen(step.text.c_str());
-        break;
-    case CommandLineAction::SetCompiler:
-        SelectCompiler(step.number);
-        break;
-    case CommandLineAction::SetFont:
-        SafeCopyW(g_app.settings.fontName, step.text);
-        SettingsApplyToEditor();
-        break;
-    case CommandLineAction::SetFontSize:
-        g_app.settings.fontSize = step.number;
-        SettingsApplyToEditor();
-        break;
-    case CommandLineAction::Detect:
-        ShowDetectReport();
-        EndProcess(0);
-    case CommandLineAction::Log:
-        ReopenLog();
-        break;
-    case CommandLineAction::Help:
-        MessageBoxW(g_app.hMainWnd, kHelpText, L"Editor Help", MB_OK);
-        break;
-    case CommandLineAction::SelfTest:
-        AppLogMsg(L"FAIL: self-test '%s' is not available in this version", step.text.c_str());
-        EndProcess(kExitNoSelfTest);
+        case CommandLineAction::Open: FileOpen(step.text.c_str()); break;
+        case CommandLineAction::SetCompiler: SelectCompiler(step.number); break;
+        case CommandLineAction::SetFont:
+            SafeCopyW(g_app.settings.fontName, step.text);
+            SettingsApplyToEditor();
+            break;
+        case CommandLineAction::SetFontSize:
+            g_app.settings.fontSize = step.number;
+            SettingsApplyToEditor();
+            break;
+        case CommandLineAction::Detect: ShowDetectReport(); EndProcess(0);
+        case CommandLineAction::Log: ReopenLog(); break;
+        case CommandLineAction::Help: MessageBoxW(g_app.hMainWnd, kHelpText, L"Editor Help", MB_OK); break;
+        case CommandLineAction::SelfTest:
+            AppLogMsg(L"FAIL: self-test '%s' is not available in this version", step.text.c_str());
+            EndProcess(kExitNoSelfTest);
     }
 }
 
 void ParseCommandLine(const char* raw) {
-    for (const CommandLineStep& step : ParseCommandLineSteps(Arguments(raw)))
-        RunStep(step);
+    for (const CommandLineStep& step : ParseCommandLineSteps(Arguments(raw))) RunStep(step);
 }
 
 void InitControls() {
@@ -148,24 +133,18 @@ void LogCommandLineResult() {
                   {L"After CLI: KVXA32=%s", kCompilerKvxa32},
                   {L"After CLI: KVXC64=%s", kCompilerKvxc64},
                   {L"After CLI: KELDORBASIC=%s", kCompilerKeldorBasic}};
-    for (const auto& line : kLines)
-        AppLogMsg(line.format, g_app.settings.compilers[line.id].path);
+    for (const auto& line : kLines) AppLogMsg(line.format, g_app.settings.compilers[line.id].path);
 }
 
-bool IsDown(int key) {
-    return GetKeyState(key) < 0;
-}
+bool IsDown(int key) { return GetKeyState(key) < 0; }
 
 // Keys that neither the accelerator table nor the editor handles.
 bool TranslateExtraKey(const MSG& message) {
-    if (message.message != WM_KEYDOWN && message.message != WM_SYSKEYDOWN)
-        return false;
-    if (message.hwnd != g_app.hMainWnd && !IsChild(g_app.hMainWnd, message.hwnd))
-        return false;
+    if (message.message != WM_KEYDOWN && message.message != WM_SYSKEYDOWN) return false;
+    if (message.hwnd != g_app.hMainWnd && !IsChild(g_app.hMainWnd, message.hwnd)) return false;
     const int command = CommandOfExtraKey(static_cast<std::uint32_t>(message.wParam), IsDown(VK_CONTROL),
                                           IsDown(VK_SHIFT), IsDown(VK_MENU));
-    if (command == 0)
-        return false;
+    if (command == 0) return false;
     SendMessageW(g_app.hMainWnd, WM_COMMAND, MAKEWPARAM(command, 1), 0);
     return true;
 }
@@ -175,14 +154,10 @@ int RunMessageLoop() {
     MSG message = {};
     for (;;) {
         // One refresh for whatever happened since the queue was last empty.
-        if (!PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE))
-            MainWnd_RunPendingRefresh();
-        if (GetMessageW(&message, nullptr, 0, 0) <= 0)
-            return static_cast<int>(message.wParam);
-        if (accelerators != nullptr && TranslateAcceleratorW(g_app.hMainWnd, accelerators, &message) != 0)
-            continue;
-        if (TranslateExtraKey(message) || FindDialogIsMessage(&message))
-            continue;
+        if (!PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE)) MainWnd_RunPendingRefresh();
+        if (GetMessageW(&message, nullptr, 0, 0) <= 0) return static_cast<int>(message.wParam);
+        if (accelerators != nullptr && TranslateAcceleratorW(g_app.hMainWnd, accelerators, &message) != 0) continue;
+        if (TranslateExtraKey(message) || FindDialogIsMessage(&message)) continue;
         TranslateMessage(&message);
         DispatchMessageW(&message);
     }
@@ -193,15 +168,13 @@ int RunMessageLoop() {
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR commandLine, int showCommand) {
     g_app.hInstance = instance;
     ParseCommandLineEarly(commandLine);
-    if (g_testMode)
-        return RunTestMode(g_testModule.c_str());
+    if (g_testMode) return RunTestMode(g_testModule.c_str());
     SettingsDefaults(g_app.settings);
     InitControls();
     HMODULE richEdit = LoadLibraryW(L"Msftedit.dll");
     HMODULE unused = nullptr;
     const auto unloadAndFail = [&] {
-        if (richEdit != nullptr)
-            FreeLibrary(richEdit);
+        if (richEdit != nullptr) FreeLibrary(richEdit);
         CloseLog();
         return 1;
     };
@@ -224,8 +197,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR commandLine, int showCom
     LogCommandLineResult();
     const int code = RunMessageLoop();
     ScintillaUnload(g_app.scintilla.scintilla, g_app.scintilla.lexilla);
-    if (richEdit != nullptr)
-        FreeLibrary(richEdit);
+    if (richEdit != nullptr) FreeLibrary(richEdit);
     CloseLog();
     return code;
 }

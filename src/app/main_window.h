@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <shellapi.h>
+
 // Registers the window class and creates, shows and drop-enables the window. Null on failure.
 HWND MainWindow_Init(HINSTANCE instance, int showCommand);
 LRESULT CALLBACK MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
@@ -10,7 +12,7 @@ LRESULT CALLBACK MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
 // --- The handlers that MainWndProc routes to, by file.
 // main_window_create_win.cpp
 bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create);
-void MainWnd_ApplyTheme();      // colours and fonts of the frame, after a change of theme or DPI
+void MainWnd_ApplyTheme();  // colours and fonts of the frame, after a change of theme or DPI
 void MainWnd_OnDpiChanged(HWND window, int dpi, const RECT& suggested);
 // startup_win.cpp
 void MainWnd_OnStartup();

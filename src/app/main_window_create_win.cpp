@@ -2,13 +2,13 @@
 #include "app/main_window.h"
 
 #include "app/app_state.h"
+#include "app/layout.h"
 #include "app/shell.h"
 #include "build/output_pane.h"
 #include "compilers/compiler_table.h"
 #include "editor/editor_pane.h"
 #include "files/file_io.h"
 #include "files/file_types.h"
-#include "app/layout.h"
 #include "language/theme.h"
 #include "resources/ids.h"
 #include "session/project_tree.h"
@@ -31,9 +31,7 @@ constexpr wchar_t kAiGreeting[] =
     L"AI Chat\r\n========\r\nType a message below and click Send, or use Tools > OpenAI / LM-Studio.\r\n";
 constexpr UINT kSessionInterval = 300000;  // ms
 
-HMENU ChildId(int id) {
-    return reinterpret_cast<HMENU>(static_cast<INT_PTR>(id));
-}
+HMENU ChildId(int id) { return reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)); }
 
 HWND CreateChild(const wchar_t* className, const wchar_t* text, DWORD exStyle, DWORD style, int id) {
     return CreateWindowExW(exStyle, className, text, WS_CHILD | WS_CLIPSIBLINGS | style, 0, 0, 0, 0, g_app.hMainWnd,
@@ -41,15 +39,16 @@ HWND CreateChild(const wchar_t* className, const wchar_t* text, DWORD exStyle, D
 }
 
 HWND CreateReadOnlyPane(int id, const wchar_t* text) {
-    return CreateChild(MSFTEDIT_CLASS, text, 0, WS_VSCROLL | WS_HSCROLL | ES_MULTILINE | ES_READONLY | ES_NOHIDESEL |
-                       ES_AUTOVSCROLL | ES_AUTOHSCROLL, id);
+    return CreateChild(
+        MSFTEDIT_CLASS, text, 0,
+        WS_VSCROLL | WS_HSCROLL | ES_MULTILINE | ES_READONLY | ES_NOHIDESEL | ES_AUTOVSCROLL | ES_AUTOHSCROLL, id);
 }
 
 void CreatePanes(HWND window) {
     g_app.hToolbar = ToolbarCreate(window, IDC_TOOLBAR);
-    g_app.hTabCtrl = CreateChild(WC_TABCONTROLW, nullptr, 0,
-                                 WS_VISIBLE | TCS_OWNERDRAWFIXED | TCS_FIXEDWIDTH | TCS_FOCUSNEVER | TCS_TOOLTIPS,
-                                 IDC_TABS);
+    g_app.hTabCtrl =
+        CreateChild(WC_TABCONTROLW, nullptr, 0,
+                    WS_VISIBLE | TCS_OWNERDRAWFIXED | TCS_FIXEDWIDTH | TCS_FOCUSNEVER | TCS_TOOLTIPS, IDC_TABS);
     TabBarInit(g_app.hTabCtrl);
     CreateSplitter(window, IDC_SPLIT_OUTPUT);
     g_app.hOutput = CreateReadOnlyPane(IDC_OUTPUT, nullptr);
@@ -59,8 +58,8 @@ void CreatePanes(HWND window) {
     g_app.hAiChat = CreateReadOnlyPane(IDC_AI_CHAT, kAiGreeting);
     g_app.hAiInput = CreateChild(WC_EDITW, nullptr, WS_EX_CLIENTEDGE, WS_TABSTOP | ES_AUTOHSCROLL, IDC_AI_INPUT);
     g_app.hAiSend = CreateChild(WC_BUTTONW, L"Send", 0, WS_TABSTOP | BS_PUSHBUTTON | WS_DISABLED, IDC_AI_SEND);
-    g_app.hStickyHeader = CreateChild(WC_STATICW, nullptr, 0, WS_VISIBLE | SS_LEFTNOWORDWRAP | SS_NOPREFIX |
-                                      SS_CENTERIMAGE, IDC_STICKY_HEADER);
+    g_app.hStickyHeader = CreateChild(WC_STATICW, nullptr, 0,
+                                      WS_VISIBLE | SS_LEFTNOWORDWRAP | SS_NOPREFIX | SS_CENTERIMAGE, IDC_STICKY_HEADER);
     g_app.hTerminal = CreateChild(WC_EDITW, nullptr, WS_EX_CLIENTEDGE, ES_AUTOHSCROLL, IDC_TERMINAL);
     if (g_app.hTerminal != nullptr) {
         SetWindowSubclass(g_app.hTerminal, TerminalSubclassProc, 1, 0);
@@ -77,15 +76,12 @@ void LoadSettings() {
     const bool existed = FileExists(ini);
     SettingsLoad(nullptr);
     SettingsAutoDetectCompilers();
-    if (!existed)
-        SettingsSave(nullptr);
+    if (!existed) SettingsSave(nullptr);
     RegisterFileExtensions();
     MainWindow_UpdateCompilerSelection();
     // The list is there only when the settings ask for it, and they are known only now.
-    if (g_app.settings.showErrorList != 0)
-        g_app.hErrorList = ErrorListCreate(g_app.hMainWnd, IDC_ERROR_LIST);
-    if (g_app.settings.projectRoot[0] != L'\0')
-        ProjectTreePopulate();
+    if (g_app.settings.showErrorList != 0) g_app.hErrorList = ErrorListCreate(g_app.hMainWnd, IDC_ERROR_LIST);
+    if (g_app.settings.projectRoot[0] != L'\0') ProjectTreePopulate();
 }
 
 int WindowSetting(const wchar_t* key, int fallback) {
@@ -99,28 +95,24 @@ void RestoreGeometry(HWND window) {
     const int top = WindowSetting(L"Top", INT_MIN);
     const int width = WindowSetting(L"Width", 0);
     const int height = WindowSetting(L"Height", 0);
-    if (width < 1 || height < 1)
-        return;
+    if (width < 1 || height < 1) return;
     const RECT wanted = {left, top, left + width, top + height};
     MONITORINFO monitor = {};
     monitor.cbSize = sizeof(monitor);
-    if (!GetMonitorInfoW(MonitorFromRect(&wanted, MONITOR_DEFAULTTONEAREST), &monitor))
-        return;
+    if (!GetMonitorInfoW(MonitorFromRect(&wanted, MONITOR_DEFAULTTONEAREST), &monitor)) return;
     const RECT& work = monitor.rcWork;
     const PaneRect fitted = FitToWorkArea({left, top, left + width, top + height},
                                           {static_cast<int>(work.left), static_cast<int>(work.top),
                                            static_cast<int>(work.right), static_cast<int>(work.bottom)});
     SetWindowPos(window, nullptr, fitted.left, fitted.top, fitted.width(), fitted.height(),
                  SWP_NOZORDER | SWP_NOACTIVATE);
-    if (WindowSetting(L"Max", 0) != 0)
-        ShowWindow(window, SW_MAXIMIZE);
+    if (WindowSetting(L"Max", 0) != 0) ShowWindow(window, SW_MAXIMIZE);
 }
 
 void StartTimers(HWND window) {
     if (g_app.settings.autoSaveInterval > 0)
         SetTimer(window, TIMER_AUTO_SAVE, static_cast<UINT>(g_app.settings.autoSaveInterval) * 60000U, nullptr);
-    if (g_app.settings.autoSaveEnabled != 0)
-        SetTimer(window, TIMER_SESSION, kSessionInterval, nullptr);
+    if (g_app.settings.autoSaveEnabled != 0) SetTimer(window, TIMER_SESSION, kSessionInterval, nullptr);
 }
 
 }  // namespace
@@ -146,8 +138,7 @@ bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create) {
     CreatePanes(window);
     LoadSettings();
     RestoreGeometry(window);
-    for (const DocumentTab& tab : g_app.tabs)
-        EditorPaneApplySettings(tab.editor);
+    for (const DocumentTab& tab : g_app.tabs) EditorPaneApplySettings(tab.editor);
     MainWnd_ApplyTheme();  // output, ASM and chat pane get the output font here
     ToolbarUpdateAi();
     StartTimers(window);
@@ -176,6 +167,5 @@ void MainWindow_UpdateCompilerSelection() {
 
 void SettingsApplyToEditor() {
     SyntaxThemeApplyAll();
-    for (const DocumentTab& tab : g_app.tabs)
-        EditorPaneApplySettings(tab.editor);
+    for (const DocumentTab& tab : g_app.tabs) EditorPaneApplySettings(tab.editor);
 }

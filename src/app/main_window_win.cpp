@@ -19,41 +19,26 @@ constexpr COLORREF kBackground = RGB(235, 239, 250);
 // True when the message was one of the program's own.
 bool RouteOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
-    case MSG_BUILD_OUTPUT:
-        BuildOnOutput(reinterpret_cast<wchar_t*>(wParam), static_cast<COLORREF>(lParam));
-        return true;
-    case MSG_BUILD_FINISHED:
-        BuildOnFinished(static_cast<DWORD>(wParam));
-        MainWnd_RequestStateRefresh();
-        return true;
-    case MSG_STARTUP:
-        MainWnd_OnStartup();
-        return true;
-    case MSG_REINIT_EDITOR:
-        MainWnd_OnReinitEditor(static_cast<int>(wParam));
-        return true;
-    case MSG_FOCUS_EDITOR:
-        FocusCurrentEditor();
-        return true;
-    default:
-        return false;
+        case MSG_BUILD_OUTPUT:
+            BuildOnOutput(reinterpret_cast<wchar_t*>(wParam), static_cast<COLORREF>(lParam));
+            return true;
+        case MSG_BUILD_FINISHED:
+            BuildOnFinished(static_cast<DWORD>(wParam));
+            MainWnd_RequestStateRefresh();
+            return true;
+        case MSG_STARTUP: MainWnd_OnStartup(); return true;
+        case MSG_REINIT_EDITOR: MainWnd_OnReinitEditor(static_cast<int>(wParam)); return true;
+        case MSG_FOCUS_EDITOR: FocusCurrentEditor(); return true;
+        default: return false;
     }
 }
 
 void OnTimer(HWND window, UINT_PTR id) {
     switch (id) {
-    case TIMER_AUTO_SAVE:
-        MainWnd_OnAutoSaveTimer();
-        break;
-    case TIMER_SESSION:
-        SessionAutoSave(window);
-        break;
-    case TIMER_FOCUS:
-        MainWnd_OnFocusTimer(window);
-        break;
-    default:
-        BuildOnTimer(id);
-        break;
+        case TIMER_AUTO_SAVE: MainWnd_OnAutoSaveTimer(); break;
+        case TIMER_SESSION: SessionAutoSave(window); break;
+        case TIMER_FOCUS: MainWnd_OnFocusTimer(window); break;
+        default: BuildOnTimer(id); break;
     }
 }
 
@@ -78,53 +63,28 @@ LRESULT OnErase(HWND window, HDC dc) {
 
 LRESULT CALLBACK MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
-    case WM_CREATE:
-        return MainWnd_OnCreate(window, *reinterpret_cast<const CREATESTRUCTW*>(lParam)) ? 0 : -1;
-    case WM_SIZE:
-        MainWnd_OnSize(wParam, LOWORD(lParam), HIWORD(lParam));
-        return 0;
-    case WM_GETMINMAXINFO:
-        MainWnd_OnMinMaxInfo(*reinterpret_cast<MINMAXINFO*>(lParam));
-        return 0;
-    case WM_DPICHANGED:
-        MainWnd_OnDpiChanged(window, HIWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
-        return 0;
-    case WM_ACTIVATE:
-        if (LOWORD(wParam) != WA_INACTIVE)
-            FocusCurrentEditor();
-        return 0;
-    case WM_SETFOCUS:
-        FocusCurrentEditor();
-        return 0;
-    case WM_COMMAND:
-        MainWnd_OnCommand(LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam));
-        return 0;
-    case WM_NOTIFY:
-        return MainWnd_OnNotify(*reinterpret_cast<const NMHDR*>(lParam));
-    case WM_INITMENUPOPUP:
-        MainWnd_OnInitMenuPopup(reinterpret_cast<HMENU>(wParam));
-        return 0;
-    case WM_DRAWITEM:
-        return TabBarHandleDrawItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam)) ? TRUE : FALSE;
-    case WM_CTLCOLORSTATIC:
-    case WM_CTLCOLOREDIT:
-        return OnColour(reinterpret_cast<HDC>(wParam));
-    case WM_ERASEBKGND:
-        return OnErase(window, reinterpret_cast<HDC>(wParam));
-    case WM_DROPFILES:
-        MainWnd_OnDropFiles(reinterpret_cast<HDROP>(wParam));
-        return 0;
-    case WM_TIMER:
-        OnTimer(window, wParam);
-        return 0;
-    case WM_CLOSE:
-        MainWnd_OnClose(window);
-        return 0;
-    case WM_DESTROY:
-        MainWnd_OnDestroy(window);
-        return 0;
-    default:
-        return RouteOwnMessage(message, wParam, lParam) ? 0 : DefWindowProcW(window, message, wParam, lParam);
+        case WM_CREATE: return MainWnd_OnCreate(window, *reinterpret_cast<const CREATESTRUCTW*>(lParam)) ? 0 : -1;
+        case WM_SIZE: MainWnd_OnSize(wParam, LOWORD(lParam), HIWORD(lParam)); return 0;
+        case WM_GETMINMAXINFO: MainWnd_OnMinMaxInfo(*reinterpret_cast<MINMAXINFO*>(lParam)); return 0;
+        case WM_DPICHANGED:
+            MainWnd_OnDpiChanged(window, HIWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
+            return 0;
+        case WM_ACTIVATE:
+            if (LOWORD(wParam) != WA_INACTIVE) FocusCurrentEditor();
+            return 0;
+        case WM_SETFOCUS: FocusCurrentEditor(); return 0;
+        case WM_COMMAND: MainWnd_OnCommand(LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam)); return 0;
+        case WM_NOTIFY: return MainWnd_OnNotify(*reinterpret_cast<const NMHDR*>(lParam));
+        case WM_INITMENUPOPUP: MainWnd_OnInitMenuPopup(reinterpret_cast<HMENU>(wParam)); return 0;
+        case WM_DRAWITEM: return TabBarHandleDrawItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam)) ? TRUE : FALSE;
+        case WM_CTLCOLORSTATIC:
+        case WM_CTLCOLOREDIT: return OnColour(reinterpret_cast<HDC>(wParam));
+        case WM_ERASEBKGND: return OnErase(window, reinterpret_cast<HDC>(wParam));
+        case WM_DROPFILES: MainWnd_OnDropFiles(reinterpret_cast<HDROP>(wParam)); return 0;
+        case WM_TIMER: OnTimer(window, wParam); return 0;
+        case WM_CLOSE: MainWnd_OnClose(window); return 0;
+        case WM_DESTROY: MainWnd_OnDestroy(window); return 0;
+        default: return RouteOwnMessage(message, wParam, lParam) ? 0 : DefWindowProcW(window, message, wParam, lParam);
     }
 }
 
@@ -135,19 +95,17 @@ HWND MainWindow_Init(HINSTANCE instance, int showCommand) {
     description.lpfnWndProc = MainWndProc;
     description.hInstance = instance;
     description.hIcon = LoadIconW(instance, MAKEINTRESOURCEW(IDI_APP));
-    description.hIconSm = static_cast<HICON>(LoadImageW(instance, MAKEINTRESOURCEW(IDI_APP), IMAGE_ICON,
-                                                        GetSystemMetrics(SM_CXSMICON), GetSystemMetrics(SM_CYSMICON),
-                                                        LR_SHARED));
+    description.hIconSm =
+        static_cast<HICON>(LoadImageW(instance, MAKEINTRESOURCEW(IDI_APP), IMAGE_ICON, GetSystemMetrics(SM_CXSMICON),
+                                      GetSystemMetrics(SM_CYSMICON), LR_SHARED));
     description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     description.hbrBackground = CreateSolidBrush(kBackground);
     description.lpszMenuName = MAKEINTRESOURCEW(IDR_MENU);
     description.lpszClassName = kMainClass;
-    if (RegisterClassExW(&description) == 0)
-        return nullptr;
+    if (RegisterClassExW(&description) == 0) return nullptr;
     HWND window = CreateWindowExW(WS_EX_ACCEPTFILES, kMainClass, kCaption, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
                                   CW_USEDEFAULT, CW_USEDEFAULT, 1200, 800, nullptr, nullptr, instance, nullptr);
-    if (window == nullptr)
-        return nullptr;
+    if (window == nullptr) return nullptr;
     DragAcceptFiles(window, TRUE);
     // A stored maximised state was applied during creation; a plain show would undo it.
     ShowWindow(window, IsZoomed(window) && showCommand == SW_SHOWNORMAL ? SW_SHOWMAXIMIZED : showCommand);
@@ -161,6 +119,5 @@ void MainWindow_UpdateTitle() {
               : std::wstring(L"Untitled - KVXE Editor");
     wchar_t shown[kLabelCapacity + 32] = {};
     GetWindowTextW(g_app.hMainWnd, shown, static_cast<int>(std::size(shown)));
-    if (title != shown)
-        SetWindowTextW(g_app.hMainWnd, title.c_str());
+    if (title != shown) SetWindowTextW(g_app.hMainWnd, title.c_str());
 }

@@ -26,12 +26,10 @@ void OnSavePoint(int tab, bool modified) {
 
 void OnZoom(HWND editor) {
     const auto zoom = static_cast<int>(SciSend(editor, SCI_GETZOOM));
-    if (zoom == g_app.settings.editorZoom)
-        return;
+    if (zoom == g_app.settings.editorZoom) return;
     g_app.settings.editorZoom = zoom;
     for (const DocumentTab& tab : g_app.tabs) {
-        if (tab.editor != editor)
-            SciSend(tab.editor, SCI_SETZOOM, static_cast<WPARAM>(zoom));
+        if (tab.editor != editor) SciSend(tab.editor, SCI_SETZOOM, static_cast<WPARAM>(zoom));
     }
 }
 
@@ -45,33 +43,21 @@ void OnCaretOrSelection() {
 void OnEditorNotification(const SCNotification& notification) {
     HWND editor = static_cast<HWND>(notification.nmhdr.hwndFrom);
     const int tab = TabBarFindEditor(editor);
-    if (tab < 0)
-        return;
+    if (tab < 0) return;
     switch (notification.nmhdr.code) {
-    case SCN_MODIFIED:
-        EditorPaneOnModified(editor, notification);
-        break;
-    case SCN_SAVEPOINTLEFT:
-        OnSavePoint(tab, true);
-        break;
-    case SCN_SAVEPOINTREACHED:
-        OnSavePoint(tab, false);
-        break;
-    case SCN_UPDATEUI:
-        if (editor == g_app.hEditor && (notification.updated & (SC_UPDATE_CONTENT | SC_UPDATE_SELECTION)) != 0)
-            OnCaretOrSelection();
-        break;
-    case SCN_ZOOM:
-        OnZoom(editor);
-        break;
-    default:
-        break;
+        case SCN_MODIFIED: EditorPaneOnModified(editor, notification); break;
+        case SCN_SAVEPOINTLEFT: OnSavePoint(tab, true); break;
+        case SCN_SAVEPOINTREACHED: OnSavePoint(tab, false); break;
+        case SCN_UPDATEUI:
+            if (editor == g_app.hEditor && (notification.updated & (SC_UPDATE_CONTENT | SC_UPDATE_SELECTION)) != 0)
+                OnCaretOrSelection();
+            break;
+        case SCN_ZOOM: OnZoom(editor); break;
+        default: break;
     }
 }
 
-bool IsEditor(int controlId) {
-    return controlId >= IDC_EDITOR_FIRST;
-}
+bool IsEditor(int controlId) { return controlId >= IDC_EDITOR_FIRST; }
 
 }  // namespace
 
@@ -96,7 +82,6 @@ void MainWnd_OnDropFiles(HDROP drop) {
         paths.push_back(path);
     }
     DragFinish(drop);  // before opening: the source program waits for it, and a message box may come up
-    for (const std::wstring& path : paths)
-        FileOpen(path.c_str());
+    for (const std::wstring& path : paths) FileOpen(path.c_str());
     SetForegroundWindow(g_app.hMainWnd);
 }

@@ -15,15 +15,13 @@ constexpr wchar_t kSplitterClass[] = L"KxeSplitter";
 
 struct SplitterDrag {
     bool active = false;
-    POINT start = {};       // screen coordinates: the bar moves under the mouse
+    POINT start = {};  // screen coordinates: the bar moves under the mouse
     int startValue = 0;
 } g_drag;
 
 std::int32_t& ValueOf(int id) {
-    if (id == IDC_SPLIT_OUTPUT)
-        return g_app.settings.splitter;
-    if (id == IDC_SPLIT_TREE)
-        return g_app.settings.projectTreeWidth;
+    if (id == IDC_SPLIT_OUTPUT) return g_app.settings.splitter;
+    if (id == IDC_SPLIT_TREE) return g_app.settings.projectTreeWidth;
     return g_app.settings.aiSidebarWidth;
 }
 
@@ -55,8 +53,7 @@ void Drag(int id) {
 }
 
 void EndDrag() {
-    if (!g_drag.active)
-        return;
+    if (!g_drag.active) return;
     g_drag.active = false;
     CaptureSplitterRatio();
 }
@@ -74,8 +71,7 @@ HWND CreateSplitter(HWND parent, int id) {
         description.lpszClassName = kSplitterClass;
         return RegisterClassExW(&description);
     }();
-    if (registered == 0)
-        return nullptr;
+    if (registered == 0) return nullptr;
     return CreateWindowExW(0, kSplitterClass, nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, 0, 0, 0, 0, parent,
                            reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), g_app.hInstance, nullptr);
 }
@@ -83,23 +79,15 @@ HWND CreateSplitter(HWND parent, int id) {
 LRESULT CALLBACK SplitterProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     const int id = GetDlgCtrlID(window);
     switch (message) {
-    case WM_SETCURSOR:
-        SetCursor(LoadCursorW(nullptr, id == IDC_SPLIT_OUTPUT ? IDC_SIZENS : IDC_SIZEWE));
-        return TRUE;
-    case WM_LBUTTONDOWN:
-        BeginDrag(window, id);
-        return 0;
-    case WM_MOUSEMOVE:
-        if (g_drag.active)
-            Drag(id);
-        return 0;
-    case WM_LBUTTONUP:
-        ReleaseCapture();
-        return 0;
-    case WM_CAPTURECHANGED:
-        EndDrag();
-        return 0;
-    default:
-        return DefWindowProcW(window, message, wParam, lParam);
+        case WM_SETCURSOR:
+            SetCursor(LoadCursorW(nullptr, id == IDC_SPLIT_OUTPUT ? IDC_SIZENS : IDC_SIZEWE));
+            return TRUE;
+        case WM_LBUTTONDOWN: BeginDrag(window, id); return 0;
+        case WM_MOUSEMOVE:
+            if (g_drag.active) Drag(id);
+            return 0;
+        case WM_LBUTTONUP: ReleaseCapture(); return 0;
+        case WM_CAPTURECHANGED: EndDrag(); return 0;
+        default: return DefWindowProcW(window, message, wParam, lParam);
     }
 }

@@ -23,11 +23,9 @@ constexpr int kRecentFilesAtStart = 5;
 bool OfferSessionRestore() {
     wchar_t path[kPathCapacity] = {};
     SessionAutoSavePath(path, kPathCapacity);
-    if (!FileExists(path) || SessionHasFiles(path) == 0)
-        return false;
-    const int answer =
-        MessageBoxW(g_app.hMainWnd, L"A previous session was auto-saved. Would you like to restore it?",
-                    L"Restore Session", MB_YESNO | MB_ICONQUESTION);
+    if (!FileExists(path) || SessionHasFiles(path) == 0) return false;
+    const int answer = MessageBoxW(g_app.hMainWnd, L"A previous session was auto-saved. Would you like to restore it?",
+                                   L"Restore Session", MB_YESNO | MB_ICONQUESTION);
     return answer == IDYES && SessionLoad(path, g_app.hMainWnd) != 0 && TabCount() > 0;
 }
 
@@ -35,11 +33,9 @@ void OpenRecentFiles() {
     // A copy: every open moves its file to the front of the list.
     wchar_t files[kRecentFilesAtStart][kPathCapacity] = {};
     const int count = std::min<int>(kRecentFilesAtStart, g_app.settings.mruCount);
-    for (int i = 0; i < count; ++i)
-        SafeCopyW(files[i], g_app.settings.mruFiles[i]);
+    for (int i = 0; i < count; ++i) SafeCopyW(files[i], g_app.settings.mruFiles[i]);
     for (int i = 0; i < count; ++i) {
-        if (FileExists(files[i]))
-            FileOpen(files[i]);
+        if (FileExists(files[i])) FileOpen(files[i]);
     }
 }
 
@@ -52,29 +48,23 @@ void OpenWorkspaceOrRecent() {
     wchar_t workspace[kPathCapacity] = {};
     AppExeDirectory(directory, kPathCapacity);
     PathJoin(directory, L"workspace.json", workspace, kPathCapacity);
-    if (FileExists(workspace))
-        WorkspaceLoad(workspace);
-    if (TabCount() == 0)
-        OpenRecentFiles();
-    if (TabCount() == 0)
-        FileNew();
+    if (FileExists(workspace)) WorkspaceLoad(workspace);
+    if (TabCount() == 0) OpenRecentFiles();
+    if (TabCount() == 0) FileNew();
 }
 
 }  // namespace
 
 void EnsureEditableStartupTab() {
-    if (TabCount() == 0 && FileNew() == 0)
-        return;
-    if (!IsTabIndex(g_app.activeTab))
-        TabBarSelect(0);
+    if (TabCount() == 0 && FileNew() == 0) return;
+    if (!IsTabIndex(g_app.activeTab)) TabBarSelect(0);
 }
 
 void MainWnd_OnStartup() {
     AppLogMsg(L"DBG WM_USER+200 ENTER");
     const bool hadTabs = TabCount() > 0;
     const bool restored = OfferSessionRestore();
-    if (!((restored || hadTabs) && TabCount() > 0))
-        OpenWorkspaceOrRecent();
+    if (!((restored || hadTabs) && TabCount() > 0)) OpenWorkspaceOrRecent();
     if (TabCount() == 0) {
         AppLogMsg(L"DBG WM_USER+200: calling FileNew()");
         FileNew();
@@ -91,8 +81,7 @@ void MainWnd_OnStartup() {
 }
 
 void MainWnd_OnReinitEditor(int tab) {
-    if (!IsTabIndex(tab))
-        return;
+    if (!IsTabIndex(tab)) return;
     const DocumentTab& document = g_app.tabs[static_cast<std::size_t>(tab)];
     EditorPaneInit(document.editor, document.compilerId);
     if (document.editor == g_app.hEditor) {
@@ -104,19 +93,16 @@ void MainWnd_OnReinitEditor(int tab) {
 void MainWnd_OnAutoSaveTimer() {
     for (int tab = 0; tab < TabCount(); ++tab) {
         const DocumentTab& document = g_app.tabs[static_cast<std::size_t>(tab)];
-        if (document.hasFile && document.modified)
-            FileSave(tab);
+        if (document.hasFile && document.modified) FileSave(tab);
     }
 }
 
 // Asks about every modified document before anything is given up; one "Cancel" keeps the program running.
 static bool ConfirmUnsavedDocuments() {
     for (int tab = 0; tab < TabCount(); ++tab) {
-        if (!g_app.tabs[static_cast<std::size_t>(tab)].modified)
-            continue;
+        if (!g_app.tabs[static_cast<std::size_t>(tab)].modified) continue;
         TabBarSelect(tab);
-        if (FileConfirmClose(tab) == 0)
-            return false;
+        if (FileConfirmClose(tab) == 0) return false;
     }
     return true;
 }
@@ -127,26 +113,22 @@ static void SaveOnClose() {
         SessionAutoSavePath(path, kPathCapacity);
         SessionSave(path);
     }
-    if (g_app.sessionPath[0] != L'\0')
-        SessionSave(g_app.sessionPath);
-    if (g_app.settings.restoreLastSession != 0)
-        WorkspaceSave(nullptr);
+    if (g_app.sessionPath[0] != L'\0') SessionSave(g_app.sessionPath);
+    if (g_app.settings.restoreLastSession != 0) WorkspaceSave(nullptr);
     SettingsSave(L"Editor.ini");
 }
 
 void MainWnd_OnClose(HWND window) {
     if (!g_selftestTabsMode) {
         const int active = g_app.activeTab;
-        if (!ConfirmUnsavedDocuments())
-            return;
+        if (!ConfirmUnsavedDocuments()) return;
         TabBarSelect(active);
         BuildShutdown();
         SaveOnClose();
     } else {
         AppLogMsg(L"DBG WM_CLOSE: skipped session/settings save during self-test");
     }
-    for (int tab = TabCount() - 1; tab >= 0; --tab)
-        TabBarRemove(tab);
+    for (int tab = TabCount() - 1; tab >= 0; --tab) TabBarRemove(tab);
     DestroyWindow(window);
 }
 

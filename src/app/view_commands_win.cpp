@@ -15,27 +15,22 @@
 
 namespace {
 
-void Toggle(std::int32_t& setting) {
-    setting = setting != 0 ? 0 : 1;
-}
+void Toggle(std::int32_t& setting) { setting = setting != 0 ? 0 : 1; }
 
 // The pane holds what it showed last; when it opens after a build that wrote a listing, it shows that.
 void ShowAsmPane(bool show) {
     g_app.showAsmPane = show;
     MainWindow_Layout();
-    if (!show)
-        return;
+    if (!show) return;
     EnterCriticalSection(&g_buildCs);
     const std::wstring source = g_app.build.sourcePath;
     const std::wstring listing = g_app.build.listingPath;
     LeaveCriticalSection(&g_buildCs);
-    if (!source.empty() && FileExists(listing.c_str()))
-        AsmPaneLoad(source.c_str(), listing.c_str());
+    if (!source.empty() && FileExists(listing.c_str())) AsmPaneLoad(source.c_str(), listing.c_str());
 }
 
 void SetTheme(int theme) {
-    if (g_app.settings.theme == theme)
-        return;
+    if (g_app.settings.theme == theme) return;
     g_app.settings.theme = theme;
     SyntaxThemeApplyAll();
     MainWnd_ApplyTheme();
@@ -61,8 +56,7 @@ void ChooseEditorFont() {
     dialog.nSizeMin = 6;
     dialog.nSizeMax = 72;
     dialog.Flags = CF_SCREENFONTS | CF_INITTOLOGFONTSTRUCT | CF_LIMITSIZE | CF_FORCEFONTEXIST | CF_NOSCRIPTSEL;
-    if (!ChooseFontW(&dialog))
-        return;
+    if (!ChooseFontW(&dialog)) return;
     SafeCopyW(g_app.settings.fontName, font.lfFaceName);
     g_app.settings.fontSize = dialog.iPointSize / 10;
     SettingsApplyToEditor();
@@ -70,57 +64,40 @@ void ChooseEditorFont() {
 }
 
 void ApplyToAllEditors(UINT message, WPARAM wParam) {
-    for (const DocumentTab& tab : g_app.tabs)
-        SciSend(tab.editor, message, wParam);
+    for (const DocumentTab& tab : g_app.tabs) SciSend(tab.editor, message, wParam);
 }
 
 bool HandleText(int command) {
     Settings& settings = g_app.settings;
     switch (command) {
-    case IDM_VIEW_WHITESPACE:
-        Toggle(settings.showWhitespace);
-        ApplyToAllEditors(SCI_SETVIEWWS, settings.showWhitespace != 0 ? SCWS_VISIBLEALWAYS : SCWS_INVISIBLE);
-        return true;
-    case IDM_VIEW_WORD_WRAP:
-        Toggle(settings.wordWrap);
-        ApplyToAllEditors(SCI_SETWRAPMODE, settings.wordWrap != 0 ? SC_WRAP_WORD : SC_WRAP_NONE);
-        return true;
-    // One editor zooms; its notification brings the others and the setting along.
-    case IDM_VIEW_ZOOM_IN:
-        SciSend(g_app.hEditor, SCI_ZOOMIN);
-        return true;
-    case IDM_VIEW_ZOOM_OUT:
-        SciSend(g_app.hEditor, SCI_ZOOMOUT);
-        return true;
-    case IDM_VIEW_ZOOM_RESET:
-        SciSend(g_app.hEditor, SCI_SETZOOM, 0);
-        return true;
-    default:
-        return false;
+        case IDM_VIEW_WHITESPACE:
+            Toggle(settings.showWhitespace);
+            ApplyToAllEditors(SCI_SETVIEWWS, settings.showWhitespace != 0 ? SCWS_VISIBLEALWAYS : SCWS_INVISIBLE);
+            return true;
+        case IDM_VIEW_WORD_WRAP:
+            Toggle(settings.wordWrap);
+            ApplyToAllEditors(SCI_SETWRAPMODE, settings.wordWrap != 0 ? SC_WRAP_WORD : SC_WRAP_NONE);
+            return true;
+        // One editor zooms; its notification brings the others and the setting along.
+        case IDM_VIEW_ZOOM_IN: SciSend(g_app.hEditor, SCI_ZOOMIN); return true;
+        case IDM_VIEW_ZOOM_OUT: SciSend(g_app.hEditor, SCI_ZOOMOUT); return true;
+        case IDM_VIEW_ZOOM_RESET: SciSend(g_app.hEditor, SCI_SETZOOM, 0); return true;
+        default: return false;
     }
 }
 
 bool HandlePanes(int command) {
     Settings& settings = g_app.settings;
     switch (command) {
-    case IDM_VIEW_TOOLBAR:
-        Toggle(settings.showToolbar);
-        break;
-    case IDM_VIEW_STATUS_BAR:
-        Toggle(settings.showStatusbar);
-        break;
-    case IDM_VIEW_OUTPUT:
-        g_app.showOutput = !g_app.showOutput;
-        break;
-    case IDM_VIEW_ASM:
-        ShowAsmPane(!g_app.showAsmPane);
-        return true;
-    case IDM_VIEW_AI:
-        Toggle(settings.showAiSidebar);
-        ToolbarUpdateAi();
-        break;
-    default:
-        return false;
+        case IDM_VIEW_TOOLBAR: Toggle(settings.showToolbar); break;
+        case IDM_VIEW_STATUS_BAR: Toggle(settings.showStatusbar); break;
+        case IDM_VIEW_OUTPUT: g_app.showOutput = !g_app.showOutput; break;
+        case IDM_VIEW_ASM: ShowAsmPane(!g_app.showAsmPane); return true;
+        case IDM_VIEW_AI:
+            Toggle(settings.showAiSidebar);
+            ToolbarUpdateAi();
+            break;
+        default: return false;
     }
     MainWindow_Layout();
     return true;
@@ -129,8 +106,7 @@ bool HandlePanes(int command) {
 }  // namespace
 
 bool HandleView(int command) {
-    if (HandleText(command) || HandlePanes(command))
-        return true;
+    if (HandleText(command) || HandlePanes(command)) return true;
     if (command == IDM_VIEW_LIGHT_THEME || command == IDM_VIEW_DARK_THEME) {
         SetTheme(command == IDM_VIEW_DARK_THEME ? 1 : 0);
         return true;

@@ -18,7 +18,9 @@ HFONT g_uiFont = nullptr;
 std::uint32_t EditorConditions() {
     const DocumentTab& tab = g_app.tabs[static_cast<std::size_t>(g_app.activeTab)];
     std::uint32_t conditions = kHasTab;
-    const auto add = [&](bool holds, CommandCondition condition) { conditions |= holds ? condition : 0; };
+    const auto add = [&](bool holds, CommandCondition condition) {
+        conditions |= holds ? static_cast<std::uint32_t>(condition) : 0U;
+    };
     add(SciSend(tab.editor, SCI_CANUNDO) != 0, kCanUndo);
     add(SciSend(tab.editor, SCI_CANREDO) != 0, kCanRedo);
     add(SciSend(tab.editor, SCI_GETSELECTIONEMPTY) == 0, kHasSelection);
@@ -33,13 +35,10 @@ std::uint32_t EditorConditions() {
 
 CommandView CurrentCommandView() {
     CommandView view;
-    if (IsTabIndex(g_app.activeTab))
-        view.conditions |= EditorConditions();
-    if (std::ranges::any_of(g_app.tabs, &DocumentTab::modified))
-        view.conditions |= kAnyModified;
+    if (IsTabIndex(g_app.activeTab)) view.conditions |= EditorConditions();
+    if (std::ranges::any_of(g_app.tabs, &DocumentTab::modified)) view.conditions |= kAnyModified;
     view.conditions |= CompilerIsBuilding() ? kBuilding : kIdle;
-    if (g_app.errors.count > 0)
-        view.conditions |= kHasErrors;
+    if (g_app.errors.count > 0) view.conditions |= kHasErrors;
     const Settings& settings = g_app.settings;
     view.toolbar = settings.showToolbar != 0;
     view.statusBar = settings.showStatusbar != 0;
@@ -70,17 +69,14 @@ void MenuApplyState(HMENU menu, const CommandView& view) {
 static void ApplyToMenuTree(HMENU menu, const CommandView& view) {
     MenuApplyState(menu, view);
     for (int i = 0; i < GetMenuItemCount(menu); ++i) {
-        if (HMENU child = GetSubMenu(menu, i))
-            ApplyToMenuTree(child, view);
+        if (HMENU child = GetSubMenu(menu, i)) ApplyToMenuTree(child, view);
     }
 }
 
 void MenuUpdateState() {
-    if (g_app.hMainWnd == nullptr)
-        return;
+    if (g_app.hMainWnd == nullptr) return;
     const CommandView view = CurrentCommandView();
-    if (HMENU menu = GetMenu(g_app.hMainWnd))
-        ApplyToMenuTree(menu, view);
+    if (HMENU menu = GetMenu(g_app.hMainWnd)) ApplyToMenuTree(menu, view);
     ToolbarApplyState(view);
 }
 
@@ -88,14 +84,11 @@ std::wstring CommandTipFromMenuText(std::wstring_view menuText) {
     const std::size_t tab = menuText.find(L'\t');
     std::wstring tip;
     for (std::size_t i = 0; i < std::min(tab, menuText.size()); ++i) {
-        if (menuText[i] == L'&' && i + 1 < menuText.size())
-            ++i;  // the mnemonic's mark; "&&" keeps one
+        if (menuText[i] == L'&' && i + 1 < menuText.size()) ++i;  // the mnemonic's mark; "&&" keeps one
         tip += menuText[i];
     }
-    while (tip.ends_with(L'.'))
-        tip.pop_back();
-    if (tab != std::wstring_view::npos)
-        tip.append(L" (").append(menuText.substr(tab + 1)).append(L")");
+    while (tip.ends_with(L'.')) tip.pop_back();
+    if (tab != std::wstring_view::npos) tip.append(L" (").append(menuText.substr(tab + 1)).append(L")");
     return tip;
 }
 
@@ -103,15 +96,13 @@ HFONT UiFont() {
     if (g_uiFont == nullptr) {
         NONCLIENTMETRICSW metrics = {};
         metrics.cbSize = sizeof(metrics);
-        SystemParametersInfoForDpi(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0,
-                                   static_cast<UINT>(g_app.dpi));
+        SystemParametersInfoForDpi(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0, static_cast<UINT>(g_app.dpi));
         g_uiFont = CreateFontIndirectW(&metrics.lfMessageFont);
     }
     return g_uiFont;
 }
 
 void UiFontReset() {
-    if (g_uiFont != nullptr)
-        DeleteObject(g_uiFont);
+    if (g_uiFont != nullptr) DeleteObject(g_uiFont);
     g_uiFont = nullptr;
 }

@@ -90,36 +90,25 @@ constexpr CommandRow kCommands[] = {
 
 // Virtual key numbers; named here because this file knows no window headers.
 constexpr std::uint16_t kCancel = 0x03, kTab = 0x09, kLeft = 0x25, kRight = 0x27, kZero = 0x30, kNumpad0 = 0x60,
-                        kNumpadAdd = 0x6B, kNumpadSubtract = 0x6D, kF3 = 0x72, kF4 = 0x73, kF8 = 0x77,
-                        kOemPlus = 0xBB, kOemMinus = 0xBD;
+                        kNumpadAdd = 0x6B, kNumpadSubtract = 0x6D, kF3 = 0x72, kF4 = 0x73, kF8 = 0x77, kOemPlus = 0xBB,
+                        kOemMinus = 0xBD;
 
 constexpr ExtraKey kExtraKeys[] = {
-    {kCancel, true, false, false, IDM_BUILD_STOP},
-    {kTab, true, false, false, IDM_NEXT_TAB},
-    {kTab, true, true, false, IDM_PREVIOUS_TAB},
-    {kOemPlus, true, false, false, IDM_VIEW_ZOOM_IN},
-    {kOemPlus, true, true, false, IDM_VIEW_ZOOM_IN},
-    {kNumpadAdd, true, false, false, IDM_VIEW_ZOOM_IN},
-    {kOemMinus, true, false, false, IDM_VIEW_ZOOM_OUT},
-    {kNumpadSubtract, true, false, false, IDM_VIEW_ZOOM_OUT},
-    {kZero, true, false, false, IDM_VIEW_ZOOM_RESET},
-    {kNumpad0, true, false, false, IDM_VIEW_ZOOM_RESET},
-    {kF3, false, false, false, IDM_FIND_NEXT},
-    {kF3, false, true, false, IDM_FIND_PREVIOUS},
-    {kF4, false, false, false, IDM_ERROR_NEXT},
-    {kF4, false, true, false, IDM_ERROR_PREVIOUS},
-    {kF4, true, false, false, IDM_FILE_CLOSE},
-    {kF8, false, false, false, IDM_ERROR_NEXT},
-    {kF8, false, true, false, IDM_ERROR_PREVIOUS},
-    {kLeft, false, false, true, IDM_NAV_BACK},
+    {kCancel, true, false, false, IDM_BUILD_STOP},      {kTab, true, false, false, IDM_NEXT_TAB},
+    {kTab, true, true, false, IDM_PREVIOUS_TAB},        {kOemPlus, true, false, false, IDM_VIEW_ZOOM_IN},
+    {kOemPlus, true, true, false, IDM_VIEW_ZOOM_IN},    {kNumpadAdd, true, false, false, IDM_VIEW_ZOOM_IN},
+    {kOemMinus, true, false, false, IDM_VIEW_ZOOM_OUT}, {kNumpadSubtract, true, false, false, IDM_VIEW_ZOOM_OUT},
+    {kZero, true, false, false, IDM_VIEW_ZOOM_RESET},   {kNumpad0, true, false, false, IDM_VIEW_ZOOM_RESET},
+    {kF3, false, false, false, IDM_FIND_NEXT},          {kF3, false, true, false, IDM_FIND_PREVIOUS},
+    {kF4, false, false, false, IDM_ERROR_NEXT},         {kF4, false, true, false, IDM_ERROR_PREVIOUS},
+    {kF4, true, false, false, IDM_FILE_CLOSE},          {kF8, false, false, false, IDM_ERROR_NEXT},
+    {kF8, false, true, false, IDM_ERROR_PREVIOUS},      {kLeft, false, false, true, IDM_NAV_BACK},
     {kRight, false, false, true, IDM_NAV_FORWARD},
 };
 
 }  // namespace
 
-std::span<const CommandRow> CommandTable() {
-    return kCommands;
-}
+std::span<const CommandRow> CommandTable() { return kCommands; }
 
 const CommandRow* FindCommand(int id) {
     const auto* row = std::ranges::find(kCommands, id, &CommandRow::id);
@@ -128,8 +117,7 @@ const CommandRow* FindCommand(int id) {
 
 CommandState CommandStateOf(int id, const CommandView& view) {
     const CommandRow* row = FindCommand(id);
-    if (row == nullptr)
-        return {};
+    if (row == nullptr) return {};
     return {.enabled = (row->needs & view.conditions) == row->needs,
             .checked = row->checked != nullptr && row->checked(view)};
 }

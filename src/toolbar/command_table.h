@@ -16,21 +16,21 @@ enum CommandCondition : std::uint32_t {
     kHasFile = 1u << 5,
     kModified = 1u << 6,
     kAnyModified = 1u << 7,
-    kIdle = 1u << 8,            // no build runs
+    kIdle = 1u << 8,  // no build runs
     kBuilding = 1u << 9,
     kHasErrors = 1u << 10,
     kBasicSource = 1u << 11,
-    kNever = 1u << 31,          // not in this version: never set, so the command stays grey
+    kNever = 1u << 31,  // not in this version: never set, so the command stays grey
 };
 
 // What the check marks show.
 struct CommandView {
-    std::uint32_t conditions = 0;   // CommandCondition bits
+    std::uint32_t conditions = 0;  // CommandCondition bits
     bool toolbar = false, statusBar = false, output = false, asmPane = false, ai = false;
     bool whitespace = false, wrap = false;
-    int theme = 0;                  // 0 light, 1 dark
-    int style = 0;                  // style preset, 0 = none
-    int compiler = 0;               // CompilerId
+    int theme = 0;     // 0 light, 1 dark
+    int style = 0;     // style preset, 0 = none
+    int compiler = 0;  // CompilerId
     int profile = 0;
 };
 
@@ -41,8 +41,8 @@ struct CommandState {
 
 struct CommandRow {
     int id;
-    std::uint32_t needs;                           // every bit must hold
-    bool (*checked)(const CommandView&) = nullptr; // null: never checked
+    std::uint32_t needs;                            // every bit must hold
+    bool (*checked)(const CommandView&) = nullptr;  // null: never checked
 };
 
 std::span<const CommandRow> CommandTable();
@@ -52,7 +52,7 @@ CommandState CommandStateOf(int id, const CommandView& view);
 
 // Keys beyond the accelerator table, which the editor's own key handling or the platform would otherwise take.
 struct ExtraKey {
-    std::uint16_t key;      // virtual key
+    std::uint16_t key;  // virtual key
     bool control, shift, alt;
     int command;
 };

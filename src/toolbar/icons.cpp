@@ -20,40 +20,48 @@ struct Shape {
     Ink ink;
     int count;
     Point points[10];
-    float width = 1.3F;   // of a stroke or ring
+    float width = 1.3F;  // of a stroke or ring
 };
 
 constexpr Shape kNew[] = {
     {Kind::Area, Ink::Fill, 5, {{3.5F, 1.5F}, {9.5F, 1.5F}, {12.5F, 4.5F}, {12.5F, 14.5F}, {3.5F, 14.5F}}},
-    {Kind::Stroke, Ink::Line, 6,
+    {Kind::Stroke,
+     Ink::Line,
+     6,
      {{3.5F, 1.5F}, {9.5F, 1.5F}, {12.5F, 4.5F}, {12.5F, 14.5F}, {3.5F, 14.5F}, {3.5F, 1.5F}}},
     {Kind::Stroke, Ink::Accent, 3, {{9.2F, 1.8F}, {9.2F, 4.8F}, {12.2F, 4.8F}}},
 };
 constexpr Shape kOpen[] = {
-    {Kind::Stroke, Ink::Line, 7,
+    {Kind::Stroke,
+     Ink::Line,
+     7,
      {{13.F, 6.5F}, {13.F, 4.5F}, {7.5F, 4.5F}, {6.F, 2.8F}, {1.8F, 2.8F}, {1.8F, 13.F}, {3.F, 13.F}}},
     {Kind::Area, Ink::Accent, 4, {{4.5F, 7.F}, {15.2F, 7.F}, {12.6F, 13.5F}, {2.F, 13.5F}}},
 };
 constexpr Shape kSave[] = {
-    {Kind::Stroke, Ink::Line, 6,
-     {{2.F, 2.F}, {11.5F, 2.F}, {14.F, 4.5F}, {14.F, 14.F}, {2.F, 14.F}, {2.F, 2.F}}},
+    {Kind::Stroke, Ink::Line, 6, {{2.F, 2.F}, {11.5F, 2.F}, {14.F, 4.5F}, {14.F, 14.F}, {2.F, 14.F}, {2.F, 2.F}}},
     {Kind::Area, Ink::Accent, 4, {{4.5F, 9.F}, {11.5F, 9.F}, {11.5F, 14.F}, {4.5F, 14.F}}},
     {Kind::Stroke, Ink::Line, 4, {{5.F, 2.F}, {5.F, 5.5F}, {10.F, 5.5F}, {10.F, 2.F}}},
 };
 constexpr Shape kSaveAll[] = {
     {Kind::Stroke, Ink::Line, 4, {{4.F, 1.5F}, {12.5F, 1.5F}, {14.5F, 3.5F}, {14.5F, 12.F}}},
-    {Kind::Stroke, Ink::Line, 6,
-     {{1.5F, 4.F}, {9.8F, 4.F}, {11.8F, 6.F}, {11.8F, 14.5F}, {1.5F, 14.5F}, {1.5F, 4.F}}},
+    {Kind::Stroke, Ink::Line, 6, {{1.5F, 4.F}, {9.8F, 4.F}, {11.8F, 6.F}, {11.8F, 14.5F}, {1.5F, 14.5F}, {1.5F, 4.F}}},
     {Kind::Area, Ink::Accent, 4, {{4.F, 10.F}, {9.5F, 10.F}, {9.5F, 14.5F}, {4.F, 14.5F}}},
 };
 constexpr Shape kUndo[] = {
-    {Kind::Stroke, Ink::Accent, 7,
-     {{3.F, 6.F}, {9.5F, 6.F}, {12.F, 7.2F}, {13.F, 9.5F}, {12.F, 11.8F}, {9.5F, 13.F}, {6.F, 13.F}}, 1.5F},
+    {Kind::Stroke,
+     Ink::Accent,
+     7,
+     {{3.F, 6.F}, {9.5F, 6.F}, {12.F, 7.2F}, {13.F, 9.5F}, {12.F, 11.8F}, {9.5F, 13.F}, {6.F, 13.F}},
+     1.5F},
     {Kind::Stroke, Ink::Accent, 3, {{6.2F, 2.6F}, {2.8F, 6.F}, {6.2F, 9.4F}}, 1.5F},
 };
 constexpr Shape kRedo[] = {
-    {Kind::Stroke, Ink::Accent, 7,
-     {{13.F, 6.F}, {6.5F, 6.F}, {4.F, 7.2F}, {3.F, 9.5F}, {4.F, 11.8F}, {6.5F, 13.F}, {10.F, 13.F}}, 1.5F},
+    {Kind::Stroke,
+     Ink::Accent,
+     7,
+     {{13.F, 6.F}, {6.5F, 6.F}, {4.F, 7.2F}, {3.F, 9.5F}, {4.F, 11.8F}, {6.5F, 13.F}, {10.F, 13.F}},
+     1.5F},
     {Kind::Stroke, Ink::Accent, 3, {{9.8F, 2.6F}, {13.2F, 6.F}, {9.8F, 9.4F}}, 1.5F},
 };
 constexpr Shape kCut[] = {
@@ -68,8 +76,7 @@ constexpr Shape kCopy[] = {
     {Kind::Stroke, Ink::Accent, 5, {{5.5F, 4.5F}, {14.F, 4.5F}, {14.F, 14.5F}, {5.5F, 14.5F}, {5.5F, 4.5F}}},
 };
 constexpr Shape kPaste[] = {
-    {Kind::Stroke, Ink::Line, 6,
-     {{10.5F, 3.F}, {13.F, 3.F}, {13.F, 14.5F}, {2.5F, 14.5F}, {2.5F, 3.F}, {5.F, 3.F}}},
+    {Kind::Stroke, Ink::Line, 6, {{10.5F, 3.F}, {13.F, 3.F}, {13.F, 14.5F}, {2.5F, 14.5F}, {2.5F, 3.F}, {5.F, 3.F}}},
     {Kind::Area, Ink::Line, 4, {{5.F, 1.5F}, {10.5F, 1.5F}, {10.5F, 4.5F}, {5.F, 4.5F}}},
     {Kind::Stroke, Ink::Accent, 2, {{5.F, 7.5F}, {10.5F, 7.5F}}},
     {Kind::Stroke, Ink::Accent, 2, {{5.F, 10.F}, {10.5F, 10.F}}},
@@ -80,7 +87,9 @@ constexpr Shape kFind[] = {
     {Kind::Stroke, Ink::Accent, 2, {{9.9F, 9.9F}, {14.F, 14.F}}, 2.2F},
 };
 constexpr Shape kBuild[] = {
-    {Kind::Area, Ink::Accent, 7,
+    {Kind::Area,
+     Ink::Accent,
+     7,
      {{2.5F, 2.5F}, {9.F, 2.5F}, {11.5F, 4.F}, {12.5F, 6.5F}, {9.5F, 6.F}, {9.5F, 7.F}, {2.5F, 7.F}}},
     {Kind::Stroke, Ink::Line, 2, {{6.F, 7.F}, {6.F, 14.2F}}, 2.4F},
 };
@@ -109,16 +118,18 @@ constexpr Shape kOutput[] = {
     {Kind::Area, Ink::Accent, 4, {{2.F, 9.F}, {14.F, 9.F}, {14.F, 13.F}, {2.F, 13.F}}},
 };
 constexpr Shape kAi[] = {
-    {Kind::Stroke, Ink::Line, 8,
+    {Kind::Stroke,
+     Ink::Line,
+     8,
      {{2.F, 3.F}, {14.F, 3.F}, {14.F, 11.5F}, {8.5F, 11.5F}, {5.F, 14.5F}, {5.F, 11.5F}, {2.F, 11.5F}, {2.F, 3.F}}},
     {Kind::Disc, Ink::Accent, 2, {{5.4F, 7.2F}, {1.F, 0.F}}},
     {Kind::Disc, Ink::Accent, 2, {{8.F, 7.2F}, {1.F, 0.F}}},
     {Kind::Disc, Ink::Accent, 2, {{10.6F, 7.2F}, {1.F, 0.F}}},
 };
 
-constexpr std::span<const Shape> kIcons[] = {kNew,  kOpen, kSave, kSaveAll, kUndo,          kRedo,      kCut,
-                                             kCopy, kPaste, kFind, kBuild,  kRun,           kStop,      kSyntax,
-                                             kPreviousError, kNextError, kAsm, kOutput,     kAi};
+constexpr std::span<const Shape> kIcons[] = {kNew,           kOpen,      kSave, kSaveAll, kUndo, kRedo, kCut,
+                                             kCopy,          kPaste,     kFind, kBuild,   kRun,  kStop, kSyntax,
+                                             kPreviousError, kNextError, kAsm,  kOutput,  kAi};
 static_assert(std::size(kIcons) == static_cast<std::size_t>(Icon::Count));
 
 float DistanceToSegment(Point p, Point a, Point b) {
@@ -134,8 +145,7 @@ bool InsidePolygon(Point p, std::span<const Point> points) {
     for (std::size_t i = 0, j = points.size() - 1; i < points.size(); j = i++) {
         const Point& a = points[i];
         const Point& b = points[j];
-        if ((a.y > p.y) != (b.y > p.y) && p.x < (b.x - a.x) * (p.y - a.y) / (b.y - a.y) + a.x)
-            inside = !inside;
+        if ((a.y > p.y) != (b.y > p.y) && p.x < (b.x - a.x) * (p.y - a.y) / (b.y - a.y) + a.x) inside = !inside;
     }
     return inside;
 }
@@ -143,34 +153,26 @@ bool InsidePolygon(Point p, std::span<const Point> points) {
 bool Covers(const Shape& shape, Point p) {
     const std::span<const Point> points(shape.points, static_cast<std::size_t>(shape.count));
     switch (shape.kind) {
-    case Kind::Area:
-        return InsidePolygon(p, points);
-    case Kind::Disc:
-        return std::hypot(p.x - points[0].x, p.y - points[0].y) <= points[1].x;
-    case Kind::Ring:
-        return std::abs(std::hypot(p.x - points[0].x, p.y - points[0].y) - points[1].x) <= shape.width / 2;
-    case Kind::Stroke:
-        for (std::size_t i = 1; i < points.size(); ++i) {
-            if (DistanceToSegment(p, points[i - 1], points[i]) <= shape.width / 2)
-                return true;
-        }
-        return false;
+        case Kind::Area: return InsidePolygon(p, points);
+        case Kind::Disc: return std::hypot(p.x - points[0].x, p.y - points[0].y) <= points[1].x;
+        case Kind::Ring:
+            return std::abs(std::hypot(p.x - points[0].x, p.y - points[0].y) - points[1].x) <= shape.width / 2;
+        case Kind::Stroke:
+            for (std::size_t i = 1; i < points.size(); ++i) {
+                if (DistanceToSegment(p, points[i - 1], points[i]) <= shape.width / 2) return true;
+            }
+            return false;
     }
     return false;
 }
 
 std::uint32_t InkColour(Ink ink, const IconInks& inks) {
     switch (ink) {
-    case Ink::Accent:
-        return inks.accent;
-    case Ink::Go:
-        return inks.go;
-    case Ink::Stop:
-        return inks.stop;
-    case Ink::Fill:
-        return inks.fill;
-    case Ink::Line:
-        break;
+        case Ink::Accent: return inks.accent;
+        case Ink::Go: return inks.go;
+        case Ink::Stop: return inks.stop;
+        case Ink::Fill: return inks.fill;
+        case Ink::Line: break;
     }
     return inks.line;
 }
@@ -183,8 +185,7 @@ std::uint32_t RenderPixel(std::span<const Shape> shapes, float x, float y, float
         const Point p{x + (static_cast<float>(sample % kSamples) + 0.5F) * step / kSamples,
                       y + (static_cast<float>(sample / kSamples) + 0.5F) * step / kSamples};
         for (std::size_t i = shapes.size(); i-- > 0;) {
-            if (!Covers(shapes[i], p))
-                continue;
+            if (!Covers(shapes[i], p)) continue;
             const std::uint32_t colour = InkColour(shapes[i].ink, inks);
             sum[0] += 255;
             sum[1] += colour >> 16 & 0xFF;

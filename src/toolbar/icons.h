@@ -6,17 +6,35 @@
 #include <vector>
 
 enum class Icon : std::uint8_t {
-    New, Open, Save, SaveAll, Undo, Redo, Cut, Copy, Paste, Find, Build, Run, Stop, SyntaxCheck, PreviousError,
-    NextError, AsmPane, Output, Ai, Count
+    New,
+    Open,
+    Save,
+    SaveAll,
+    Undo,
+    Redo,
+    Cut,
+    Copy,
+    Paste,
+    Find,
+    Build,
+    Run,
+    Stop,
+    SyntaxCheck,
+    PreviousError,
+    NextError,
+    AsmPane,
+    Output,
+    Ai,
+    Count
 };
 
 // Inks of a theme, 0x00RRGGBB.
 struct IconInks {
-    std::uint32_t line;     // outlines
-    std::uint32_t accent;   // the part that tells the icon apart
-    std::uint32_t go;       // run, ok
-    std::uint32_t stop;     // stop, error
-    std::uint32_t fill;     // inside of paper shapes
+    std::uint32_t line;    // outlines
+    std::uint32_t accent;  // the part that tells the icon apart
+    std::uint32_t go;      // run, ok
+    std::uint32_t stop;    // stop, error
+    std::uint32_t fill;    // inside of paper shapes
 };
 
 // `size` x `size` pixels, top row first, premultiplied 0xAARRGGBB.

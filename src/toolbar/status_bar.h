@@ -5,8 +5,8 @@
 #include <windows.h>
 
 HWND StatusBarCreate(HWND parent, int controlId);
-int StatusBarHeight();               // pixels at the current DPI
-void StatusBarLayout(int width);     // distributes the parts
-void StatusBarApplyTheme();          // font and colours
+int StatusBarHeight();            // pixels at the current DPI
+void StatusBarLayout(int width);  // distributes the parts
+void StatusBarApplyTheme();       // font and colours
 void StatusBarSetProgress(const wchar_t* text);
 void StatusBarUpdateCompiler();

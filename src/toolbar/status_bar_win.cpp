@@ -25,13 +25,10 @@ constexpr std::array<int, kPartCount> kWidths = {0, 96, 130, 110, 64, 52, 168};
 constexpr int kMinimumMessage = 140;
 constexpr Part kGiveUpOrder[] = {kSelection, kProgress, kLineEnding, kEncoding};
 
-int Scaled(int length) {
-    return MulDiv(length, g_app.dpi, 96);
-}
+int Scaled(int length) { return MulDiv(length, g_app.dpi, 96); }
 
 void SetPart(int part, const std::wstring& text) {
-    if (g_app.hStatusBar == nullptr)
-        return;
+    if (g_app.hStatusBar == nullptr) return;
     wchar_t shown[512] = {};
     if (LOWORD(SendMessageW(g_app.hStatusBar, SB_GETTEXTLENGTHW, static_cast<WPARAM>(part), 0)) < std::size(shown))
         SendMessageW(g_app.hStatusBar, SB_GETTEXTW, static_cast<WPARAM>(part), reinterpret_cast<LPARAM>(shown));
@@ -41,8 +38,7 @@ void SetPart(int part, const std::wstring& text) {
 }
 
 void PaintPart(HDC dc, int part, const RECT& area, const ThemeChrome& chrome) {
-    if (area.right <= area.left)
-        return;
+    if (area.right <= area.left) return;
     wchar_t text[512] = {};
     if (LOWORD(SendMessageW(g_app.hStatusBar, SB_GETTEXTLENGTHW, static_cast<WPARAM>(part), 0)) < std::size(text))
         SendMessageW(g_app.hStatusBar, SB_GETTEXTW, static_cast<WPARAM>(part), reinterpret_cast<LPARAM>(text));
@@ -92,36 +88,29 @@ void Paint(HWND window, HDC target) {
 
 LRESULT CALLBACK StatusBarProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
     switch (message) {
-    case WM_ERASEBKGND:
-        return 1;
-    case WM_PAINT: {
-        PAINTSTRUCT paint = {};
-        HDC dc = BeginPaint(window, &paint);
-        Paint(window, dc);
-        EndPaint(window, &paint);
-        return 0;
-    }
-    case WM_NCDESTROY:
-        RemoveWindowSubclass(window, StatusBarProc, 1);
-        break;
-    default:
-        break;
+        case WM_ERASEBKGND: return 1;
+        case WM_PAINT: {
+            PAINTSTRUCT paint = {};
+            HDC dc = BeginPaint(window, &paint);
+            Paint(window, dc);
+            EndPaint(window, &paint);
+            return 0;
+        }
+        case WM_NCDESTROY: RemoveWindowSubclass(window, StatusBarProc, 1); break;
+        default: break;
     }
     return DefSubclassProc(window, message, wParam, lParam);
 }
 
 std::wstring SelectionText(HWND editor) {
     const LRESULT selections = SciSend(editor, SCI_GETSELECTIONS);
-    if (selections > 1)
-        return FormatW(L"%d selections", static_cast<int>(selections));
+    if (selections > 1) return FormatW(L"%d selections", static_cast<int>(selections));
     const LRESULT start = SciSend(editor, SCI_GETSELECTIONSTART);
     const LRESULT end = SciSend(editor, SCI_GETSELECTIONEND);
-    if (start == end)
-        return L"";
+    if (start == end) return L"";
     const LRESULT first = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(start));
     const LRESULT last = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(end));
-    if (first != last)
-        return FormatW(L"%d lines selected", static_cast<int>(last - first + 1));
+    if (first != last) return FormatW(L"%d lines selected", static_cast<int>(last - first + 1));
     return FormatW(L"%d selected",
                    static_cast<int>(SciSend(editor, SCI_COUNTCHARACTERS, static_cast<WPARAM>(start), end)));
 }
@@ -129,22 +118,17 @@ std::wstring SelectionText(HWND editor) {
 }  // namespace
 
 HWND StatusBarCreate(HWND parent, int controlId) {
-    HWND bar = CreateWindowExW(0, STATUSCLASSNAMEW, nullptr,
-                               WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | CCS_NORESIZE | CCS_NOPARENTALIGN, 0, 0, 0, 0,
-                               parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_app.hInstance,
-                               nullptr);
-    if (bar != nullptr)
-        SetWindowSubclass(bar, StatusBarProc, 1, 0);
+    HWND bar = CreateWindowExW(
+        0, STATUSCLASSNAMEW, nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | CCS_NORESIZE | CCS_NOPARENTALIGN, 0, 0,
+        0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_app.hInstance, nullptr);
+    if (bar != nullptr) SetWindowSubclass(bar, StatusBarProc, 1, 0);
     return bar;
 }
 
-int StatusBarHeight() {
-    return Scaled(24);
-}
+int StatusBarHeight() { return Scaled(24); }
 
 void StatusBarLayout(int width) {
-    if (g_app.hStatusBar == nullptr)
-        return;
+    if (g_app.hStatusBar == nullptr) return;
     std::array<int, kPartCount> widths = {};
     int fixed = 0;
     for (int part = kProgress; part < kPartCount; ++part) {
@@ -152,8 +136,7 @@ void StatusBarLayout(int width) {
         fixed += widths[static_cast<std::size_t>(part)];
     }
     for (const Part part : kGiveUpOrder) {
-        if (width - fixed >= Scaled(kMinimumMessage))
-            break;
+        if (width - fixed >= Scaled(kMinimumMessage)) break;
         fixed -= widths[part];
         widths[part] = 0;
     }
@@ -174,13 +157,9 @@ void StatusBarApplyTheme() {
     InvalidateRect(g_app.hStatusBar, nullptr, FALSE);
 }
 
-void StatusBarSetText(const wchar_t* text) {
-    SetPart(kMessage, text != nullptr ? text : L"");
-}
+void StatusBarSetText(const wchar_t* text) { SetPart(kMessage, text != nullptr ? text : L""); }
 
-void StatusBarSetProgress(const wchar_t* text) {
-    SetPart(kProgress, text != nullptr ? text : L"");
-}
+void StatusBarSetProgress(const wchar_t* text) { SetPart(kProgress, text != nullptr ? text : L""); }
 
 void StatusBarUpdateCompiler() {
     const auto id = static_cast<std::uint32_t>(g_app.settings.activeCompiler);
@@ -189,8 +168,7 @@ void StatusBarUpdateCompiler() {
 
 void StatusBarUpdatePosition() {
     if (!IsTabIndex(g_app.activeTab)) {
-        for (const Part part : {kPosition, kSelection, kEncoding, kLineEnding})
-            SetPart(part, L"");
+        for (const Part part : {kPosition, kSelection, kEncoding, kLineEnding}) SetPart(part, L"");
         return;
     }
     const DocumentTab& tab = g_app.tabs[static_cast<std::size_t>(g_app.activeTab)];

@@ -8,12 +8,12 @@
 HWND ToolbarCreate(HWND parent, int controlId);
 // Pictures, font and colours of the current theme and DPI; once after creation and after each change.
 void ToolbarApplyTheme();
-void ToolbarDestroyImages();   // at the window's end
+void ToolbarDestroyImages();  // at the window's end
 
 void ToolbarUpdateCompiler();  // the compiler button's text
 void ToolbarUpdateAi();        // the sidebar button's check mark
 void ToolbarApplyState(const CommandView& view);
 
-int ToolbarHeight();           // pixels at the current DPI
+int ToolbarHeight();  // pixels at the current DPI
 // WM_NOTIFY of the bar and of its tooltips; true when handled, `result` then holds the answer.
 bool ToolbarHandleNotify(const NMHDR& header, LRESULT* result);

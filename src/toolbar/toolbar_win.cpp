@@ -20,7 +20,7 @@
 namespace {
 
 struct ButtonRow {
-    int command;          // 0: a gap between groups
+    int command;  // 0: a gap between groups
     Icon icon = Icon::New;
     bool showsState = false;
     const wchar_t* tip = nullptr;  // for commands that no menu names
@@ -60,9 +60,7 @@ constexpr int kBarPadding = 3;
 HIMAGELIST g_images = nullptr;
 HIMAGELIST g_disabledImages = nullptr;
 
-int Scaled(int length) {
-    return MulDiv(length, g_app.dpi, 96);
-}
+int Scaled(int length) { return MulDiv(length, g_app.dpi, 96); }
 
 IconInks InksOfTheme(bool enabled) {
     if (!enabled) {
@@ -84,8 +82,7 @@ HBITMAP BitmapOf(const std::vector<std::uint32_t>& pixels, int size) {
     info.bmiHeader.biBitCount = 32;
     void* bits = nullptr;
     HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-    if (bitmap != nullptr)
-        std::memcpy(bits, pixels.data(), pixels.size() * sizeof(pixels[0]));
+    if (bitmap != nullptr) std::memcpy(bits, pixels.data(), pixels.size() * sizeof(pixels[0]));
     return bitmap;
 }
 
@@ -94,8 +91,7 @@ HIMAGELIST RenderImages(bool enabled) {
     HIMAGELIST images = ImageList_Create(size, size, ILC_COLOR32, static_cast<int>(std::size(kButtons)), 0);
     const IconInks inks = InksOfTheme(enabled);
     for (const ButtonRow& row : kButtons) {
-        if (row.command == 0)
-            continue;
+        if (row.command == 0) continue;
         HBITMAP bitmap = BitmapOf(RenderIcon(row.icon, size, inks), size);
         ImageList_Add(images, bitmap, nullptr);
         DeleteObject(bitmap);
@@ -156,32 +152,28 @@ void ShowCompilerMenu(const RECT& button) {
 LRESULT DrawBar(const NMTBCUSTOMDRAW& draw) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     switch (draw.nmcd.dwDrawStage) {
-    case CDDS_PREPAINT:
-        return CDRF_NOTIFYITEMDRAW;
-    case CDDS_ITEMPREPAINT: {
-        auto& item = const_cast<NMTBCUSTOMDRAW&>(draw);
-        item.clrText = chrome.statusText;
-        item.clrTextHighlight = chrome.statusText;
-        item.clrHighlightHotTrack = chrome.hover;
-        if ((draw.nmcd.uItemState & (CDIS_CHECKED | CDIS_HOT | CDIS_SELECTED)) != 0) {
-            HBRUSH brush = CreateSolidBrush(chrome.hover);
-            FillRect(draw.nmcd.hdc, &draw.nmcd.rc, brush);
-            DeleteObject(brush);
+        case CDDS_PREPAINT: return CDRF_NOTIFYITEMDRAW;
+        case CDDS_ITEMPREPAINT: {
+            auto& item = const_cast<NMTBCUSTOMDRAW&>(draw);
+            item.clrText = chrome.statusText;
+            item.clrTextHighlight = chrome.statusText;
+            item.clrHighlightHotTrack = chrome.hover;
+            if ((draw.nmcd.uItemState & (CDIS_CHECKED | CDIS_HOT | CDIS_SELECTED)) != 0) {
+                HBRUSH brush = CreateSolidBrush(chrome.hover);
+                FillRect(draw.nmcd.hdc, &draw.nmcd.rc, brush);
+                DeleteObject(brush);
+            }
+            return TBCDRF_NOBACKGROUND | TBCDRF_NOEDGES | TBCDRF_NOOFFSET | TBCDRF_USECDCOLORS;
         }
-        return TBCDRF_NOBACKGROUND | TBCDRF_NOEDGES | TBCDRF_NOOFFSET | TBCDRF_USECDCOLORS;
-    }
-    default:
-        return CDRF_DODEFAULT;
+        default: return CDRF_DODEFAULT;
     }
 }
 
 std::wstring TipOf(int command) {
     for (const ButtonRow& row : kButtons) {
-        if (row.command == command && row.tip != nullptr)
-            return row.tip;
+        if (row.command == command && row.tip != nullptr) return row.tip;
     }
-    if (command == IDM_COMPILER_MENU)
-        return L"Compiler and build profile";
+    if (command == IDM_COMPILER_MENU) return L"Compiler and build profile";
     wchar_t text[128] = {};
     GetMenuStringW(GetMenu(g_app.hMainWnd), static_cast<UINT>(command), text, static_cast<int>(std::size(text)),
                    MF_BYCOMMAND);
@@ -203,22 +195,19 @@ LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
         DeleteObject(line);
         return 1;
     }
-    if (message == WM_NCDESTROY)
-        RemoveWindowSubclass(window, ToolbarProc, 1);
+    if (message == WM_NCDESTROY) RemoveWindowSubclass(window, ToolbarProc, 1);
     return DefSubclassProc(window, message, wParam, lParam);
 }
 
 }  // namespace
 
 HWND ToolbarCreate(HWND parent, int controlId) {
-    HWND bar = CreateWindowExW(0, TOOLBARCLASSNAMEW, nullptr,
-                               WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | TBSTYLE_FLAT | TBSTYLE_LIST |
-                                   TBSTYLE_TOOLTIPS | TBSTYLE_TRANSPARENT | CCS_NORESIZE | CCS_NODIVIDER |
-                                   CCS_NOPARENTALIGN,
-                               0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)),
-                               g_app.hInstance, nullptr);
-    if (bar == nullptr)
-        return nullptr;
+    HWND bar = CreateWindowExW(
+        0, TOOLBARCLASSNAMEW, nullptr,
+        WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | TBSTYLE_FLAT | TBSTYLE_LIST | TBSTYLE_TOOLTIPS | TBSTYLE_TRANSPARENT |
+            CCS_NORESIZE | CCS_NODIVIDER | CCS_NOPARENTALIGN,
+        0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_app.hInstance, nullptr);
+    if (bar == nullptr) return nullptr;
     SendMessageW(bar, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
     SendMessageW(bar, TB_SETEXTENDEDSTYLE, 0, TBSTYLE_EX_MIXEDBUTTONS | TBSTYLE_EX_DOUBLEBUFFER);
     SetWindowSubclass(bar, ToolbarProc, 1, 0);
@@ -227,8 +216,7 @@ HWND ToolbarCreate(HWND parent, int controlId) {
 }
 
 void ToolbarApplyTheme() {
-    if (g_app.hToolbar == nullptr)
-        return;
+    if (g_app.hToolbar == nullptr) return;
     HIMAGELIST oldImages = g_images;
     HIMAGELIST oldDisabled = g_disabledImages;
     g_images = RenderImages(true);
@@ -238,18 +226,14 @@ void ToolbarApplyTheme() {
     SendMessageW(g_app.hToolbar, TB_SETBUTTONSIZE, 0, MAKELPARAM(Scaled(kButtonSize), Scaled(kButtonSize)));
     SendMessageW(g_app.hToolbar, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
     ToolbarUpdateCompiler();
-    if (oldImages != nullptr)
-        ImageList_Destroy(oldImages);
-    if (oldDisabled != nullptr)
-        ImageList_Destroy(oldDisabled);
+    if (oldImages != nullptr) ImageList_Destroy(oldImages);
+    if (oldDisabled != nullptr) ImageList_Destroy(oldDisabled);
     InvalidateRect(g_app.hToolbar, nullptr, TRUE);
 }
 
 void ToolbarDestroyImages() {
-    if (g_images != nullptr)
-        ImageList_Destroy(g_images);
-    if (g_disabledImages != nullptr)
-        ImageList_Destroy(g_disabledImages);
+    if (g_images != nullptr) ImageList_Destroy(g_images);
+    if (g_disabledImages != nullptr) ImageList_Destroy(g_disabledImages);
     g_images = g_disabledImages = nullptr;
 }
 
@@ -262,8 +246,7 @@ void ToolbarUpdateCompiler() {
     info.pszText = shown;
     info.cchText = static_cast<int>(std::size(shown));
     SendMessageW(g_app.hToolbar, TB_GETBUTTONINFOW, IDM_COMPILER_MENU, reinterpret_cast<LPARAM>(&info));
-    if (text == shown)
-        return;
+    if (text == shown) return;
     info.pszText = const_cast<wchar_t*>(text.c_str());
     SendMessageW(g_app.hToolbar, TB_SETBUTTONINFOW, IDM_COMPILER_MENU, reinterpret_cast<LPARAM>(&info));
     SendMessageW(g_app.hToolbar, TB_AUTOSIZE, 0, 0);
@@ -276,8 +259,7 @@ void ToolbarUpdateAi() {
 
 void ToolbarApplyState(const CommandView& view) {
     for (const ButtonRow& row : kButtons) {
-        if (row.command == 0)
-            continue;
+        if (row.command == 0) continue;
         const CommandState state = CommandStateOf(row.command, view);
         const LRESULT now = SendMessageW(g_app.hToolbar, TB_GETSTATE, static_cast<WPARAM>(row.command), 0);
         const LRESULT kept = now & ~static_cast<LRESULT>(TBSTATE_ENABLED | TBSTATE_CHECKED);
@@ -288,15 +270,12 @@ void ToolbarApplyState(const CommandView& view) {
     }
 }
 
-int ToolbarHeight() {
-    return Scaled(kButtonSize + 2 * kBarPadding);
-}
+int ToolbarHeight() { return Scaled(kButtonSize + 2 * kBarPadding); }
 
 bool ToolbarHandleNotify(const NMHDR& header, LRESULT* result) {
     if (header.code == TTN_GETDISPINFOW) {
         auto& tip = *reinterpret_cast<NMTTDISPINFOW*>(const_cast<NMHDR*>(&header));
-        if ((tip.uFlags & TTF_IDISHWND) != 0 || FindCommand(static_cast<int>(header.idFrom)) == nullptr)
-            return false;
+        if ((tip.uFlags & TTF_IDISHWND) != 0 || FindCommand(static_cast<int>(header.idFrom)) == nullptr) return false;
         const std::wstring text = TipOf(static_cast<int>(header.idFrom));
         const std::size_t length = std::min(text.size(), std::size(tip.szText) - 1);
         text.copy(tip.szText, length);
@@ -304,8 +283,7 @@ bool ToolbarHandleNotify(const NMHDR& header, LRESULT* result) {
         tip.lpszText = tip.szText;
         return true;
     }
-    if (header.hwndFrom != g_app.hToolbar || g_app.hToolbar == nullptr)
-        return false;
+    if (header.hwndFrom != g_app.hToolbar || g_app.hToolbar == nullptr) return false;
     if (header.code == NM_CUSTOMDRAW) {
         *result = DrawBar(reinterpret_cast<const NMTBCUSTOMDRAW&>(header));
         return true;

@@ -1,0 +1,153 @@
+// Command line, pane arithmetic and window placement.
+#include "app/command_line.h"
+#include "app/layout.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::vector<CommandLineStep> Steps(std::vector<std::wstring> words) { return ParseCommandLineSteps(words); }
+
+TEST(CommandLine, StepsComeInOrderAndBadOnesAreLeftOut) {
+    const auto steps = Steps({L"--bogus", L"--open", L"a.bas", L"--fontsize", L"5", L"--fontsize", L"72", L"--compiler",
+                              L"Kvxa64", L"--compiler", L"kb", L"--open", L"b.bas", L"-h", L"--font"});
+    ASSERT_EQ(steps.size(), 5U);
+    EXPECT_EQ(steps[0].text, L"a.bas");
+    EXPECT_EQ(steps[1].number, 72);
+    EXPECT_EQ(steps[2].number, 3);
+    EXPECT_EQ(steps[3].text, L"b.bas");
+    EXPECT_EQ(steps[4].action, CommandLineAction::Help);
+}
+
+TEST(CommandLine, FontSizeLimits) {
+    const struct {
+        const wchar_t* value;
+        bool taken;
+    } cases[] = {{L"5", false}, {L"6", true},    {L"72", true}, {L"73", false},
+                 {L"x", false}, {L"12pt", true}, {L"-8", false}};
+    for (const auto& c : cases)
+        EXPECT_EQ(Steps({L"--fontsize", c.value}).size(), c.taken ? 1U : 0U)
+            << std::string(c.value, c.value + wcslen(c.value));
+}
+
+TEST(CommandLine, DetectEndsTheScanAndAnOptionTakesTheNextWordWhateverItIs) {
+    EXPECT_EQ(Steps({L"--detect", L"--help"}).size(), 1U);
+    const auto steps = Steps({L"--open", L"--help"});
+    ASSERT_EQ(steps.size(), 1U);
+    EXPECT_EQ(steps[0].action, CommandLineAction::Open);
+}
+
+TEST(CommandLine, EarlyPassFindsTheSelfTests) {
+    const auto early = [](std::vector<std::wstring> words) { return ParseEarlyOptions(words); };
+    EXPECT_TRUE(early({L"--selftest-exit"}).selftestTabs);
+    EXPECT_FALSE(early({L"--selftest"}).selftestTabs);
+    EXPECT_EQ(early({L"--test", std::wstring(100, L'm')}).testModule.size(), 63U);
+    EXPECT_FALSE(early({L"--test"}).testMode);
+}
+
+LayoutInput InputOf(int width, int height, unsigned panes, int dpi) {
+    LayoutInput input;
+    input.clientWidth = width;
+    input.clientHeight = height;
+    input.dpi = dpi;
+    input.toolbarHeight = (panes & 1) != 0 ? 34 * dpi / 96 : 0;
+    input.statusHeight = (panes & 2) != 0 ? 24 * dpi / 96 : 0;
+    input.tabHeight = 28 * dpi / 96;
+    input.stickyHeight = 22 * dpi / 96;
+    input.showOutput = (panes & 4) != 0;
+    input.showErrorList = (panes & 8) != 0;
+    input.showTerminal = (panes & 16) != 0;
+    input.showAsm = (panes & 32) != 0;
+    input.showAi = (panes & 64) != 0;
+    input.showTree = (panes & 128) != 0;
+    input.outputSplit = 400;
+    input.sideWidth = 300 * dpi / 96;
+    input.treeWidth = 200 * dpi / 96;
+    input.errorListHeight = 150 * dpi / 96;
+    return input;
+}
+
+std::vector<PaneRect> Visible(const PaneLayout& l) {
+    std::vector<PaneRect> all = {l.toolbar, l.status,         l.tree,    l.treeSplitter, l.tabs,     l.sticky,
+                                 l.editor,  l.outputSplitter, l.output,  l.errorList,    l.terminal, l.sideSplitter,
+                                 l.asmPane, l.aiChat,         l.aiInput, l.aiSend};
+    std::erase_if(all, [](const PaneRect& r) { return r.empty(); });
+    return all;
+}
+
+// Every combination of panes at every size: nothing overlaps, nothing leaves the window, the editor stays usable.
+TEST(Layout, PanesNeverOverlapAndTheEditorKeepsItsPlace) {
+    const struct {
+        int width, height, dpi;
+    } sizes[] = {{640, 400, 96}, {1000, 700, 96}, {1920, 1040, 96}, {960, 600, 144},
+                 {200, 90, 96},  {0, 0, 96},      {480, 320, 192}};
+    for (const auto& size : sizes) {
+        for (unsigned panes = 0; panes < 256; ++panes) {
+            const std::string name = std::to_string(size.width) + "x" + std::to_string(size.height) + " dpi " +
+                                     std::to_string(size.dpi) + " panes " + std::to_string(panes);
+            const PaneLayout layout = ComputePaneLayout(InputOf(size.width, size.height, panes, size.dpi));
+            const std::vector<PaneRect> rects = Visible(layout);
+            for (std::size_t i = 0; i < rects.size(); ++i) {
+                const PaneRect& a = rects[i];
+                ASSERT_TRUE(a.left >= 0 && a.top >= 0 && a.right <= size.width && a.bottom <= size.height) << name;
+                for (std::size_t j = i + 1; j < rects.size(); ++j) {
+                    const PaneRect& b = rects[j];
+                    ASSERT_TRUE(a.right <= b.left || b.right <= a.left || a.bottom <= b.top || b.bottom <= a.top)
+                        << name << " rects " << i << " and " << j;
+                }
+            }
+            if (size.width >= 640 && size.height >= 400) {
+                ASSERT_GE(layout.editor.width(), 200 * size.dpi / 96 - 20) << name;
+                ASSERT_GE(layout.editor.height(), 25) << name;
+            }
+        }
+    }
+}
+
+TEST(Layout, SplitterLimits) {
+    const struct {
+        const char* name;
+        int total, top, split, expected;
+    } cases[] = {
+        {"no span", 50, 50, 77, 77},       {"inverted", 40, 50, 77, 77}, {"narrow", 102, 0, 5, 71},
+        {"above", 700, 60, 0, 110},        {"below", 700, 60, 900, 647}, {"inside", 700, 60, 400, 400},
+        {"smallest span", 103, 0, 80, 50},
+    };
+    for (const auto& c : cases) EXPECT_EQ(ClampSplitter(c.total, c.top, c.split), c.expected) << c.name;
+}
+
+TEST(Layout, RatiosKeepASplitterInPlaceThroughAResizeAndBack) {
+    const double ratio = RatioOf(400, 62, 776);
+    EXPECT_EQ(PositionAt(ratio, 62, 776), 400);
+    EXPECT_LT(PositionAt(ratio, 62, 376), 260);
+    EXPECT_EQ(PositionAt(RatioOf(PositionAt(ratio, 62, 1000), 62, 1000), 62, 776), 400);
+}
+
+TEST(WindowPlacement, IsMovedIntoTheWorkArea) {
+    const PaneRect work{0, 30, 1280, 900};
+    const struct {
+        const char* name;
+        PaneRect window;
+        int left, top;
+    } cases[] = {
+        {"inside", {100, 100, 900, 700}, 100, 100},
+        {"left of it", {-5000, 100, -4200, 700}, 0, 100},
+        {"right of it", {4000, 100, 4800, 700}, 480, 100},
+        {"wider than it", {4000, 100, 6000, 700}, 0, 100},
+        {"above", {100, -900, 900, -300}, 100, 30},
+        {"below", {100, 2000, 900, 2600}, 100, 300},
+        {"partly over the edge stays", {1000, 100, 1800, 700}, 1000, 100},
+    };
+    for (const auto& c : cases) {
+        const PaneRect fitted = FitToWorkArea(c.window, work);
+        EXPECT_EQ(fitted.left, c.left) << c.name;
+        EXPECT_EQ(fitted.top, c.top) << c.name;
+        EXPECT_EQ(fitted.width(), c.window.width()) << c.name;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,61 @@
+// Command states, keys and toolbar pictures.
+#include "resources/ids.h"
+#include "toolbar/command_table.h"
+#include "toolbar/icons.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace {
+
+TEST(CommandTable, StatesFollowTheConditions) {
+    CommandView view;
+    EXPECT_FALSE(CommandStateOf(IDM_FILE_SAVE, view).enabled) << "no document";
+    EXPECT_TRUE(CommandStateOf(IDM_FILE_NEW, view).enabled);
+    view.conditions = kHasTab | kBuilding;
+    EXPECT_FALSE(CommandStateOf(IDM_BUILD, view).enabled) << "a build runs";
+    EXPECT_TRUE(CommandStateOf(IDM_BUILD_STOP, view).enabled);
+    view.conditions = kHasTab | kIdle;
+    EXPECT_TRUE(CommandStateOf(IDM_BUILD, view).enabled);
+    EXPECT_FALSE(CommandStateOf(IDM_EDIT_FORMAT_DOCUMENT, view).enabled) << "not BASIC";
+    view.conditions = ~static_cast<std::uint32_t>(kNever);
+    EXPECT_FALSE(CommandStateOf(IDM_DEBUG_START, view).enabled) << "not in this version";
+    EXPECT_FALSE(CommandStateOf(4711, view).enabled) << "unknown";
+    view.compiler = 4;
+    EXPECT_TRUE(CommandStateOf(IDM_USE_KVXC64, view).checked);
+    EXPECT_FALSE(CommandStateOf(IDM_USE_KVXA64, view).checked);
+}
+
+TEST(CommandTable, EveryIdOnceAndEveryKeyLeadsToACommand) {
+    std::set<int> ids;
+    for (const CommandRow& row : CommandTable()) EXPECT_TRUE(ids.insert(row.id).second) << row.id;
+    for (std::uint32_t key = 0; key < 256; ++key) {
+        for (int modifiers = 0; modifiers < 8; ++modifiers) {
+            const int command =
+                CommandOfExtraKey(key, (modifiers & 1) != 0, (modifiers & 2) != 0, (modifiers & 4) != 0);
+            EXPECT_TRUE(command == 0 || FindCommand(command) != nullptr) << key;
+        }
+    }
+    EXPECT_EQ(CommandOfExtraKey(0x73, false, false, true), 0) << "Alt+F4 belongs to the system";
+}
+
+TEST(Icons, EachIsDrawnInsideItsFrameAtEverySize) {
+    const IconInks inks{.line = 0x112233, .accent = 0x445566, .go = 0x00FF00, .stop = 0xFF0000, .fill = 0xFFFFFF};
+    for (int icon = 0; icon < static_cast<int>(Icon::Count); ++icon) {
+        for (const int size : {16, 24, 32}) {
+            const auto pixels = RenderIcon(static_cast<Icon>(icon), size, inks);
+            int covered = 0;
+            for (std::size_t i = 0; i < pixels.size(); ++i) {
+                const std::uint32_t alpha = pixels[i] >> 24;
+                covered += alpha > 127 ? 1 : 0;
+                for (int shift : {0, 8, 16})
+                    EXPECT_LE(pixels[i] >> shift & 0xFF, alpha) << "not premultiplied: icon " << icon;
+            }
+            const int area = size * size;
+            EXPECT_TRUE(covered > area / 20 && covered < area * 4 / 5) << "icon " << icon << " size " << size;
+        }
+    }
+}
+
+}  // namespace
