@@ -1,6 +1,8 @@
 // One editing pane: a Scintilla window hosted for a tab. UI thread only.
 #pragma once
 
+#include "scintilla/sci.h"
+
 #include <windows.h>
 
 #include <cstddef>
@@ -23,6 +25,10 @@ char* EditorPaneGetText(HWND editor, std::size_t* length);
 // Replaces the document; nothing to undo and unmodified afterwards. NUL-terminated, or any bytes with a length.
 void EditorPaneSetText(HWND editor, const char* utf8);
 void EditorPaneSetBytes(HWND editor, std::string_view utf8);
+// The same in pieces, for texts too large to hold twice: begin, any number of appends, end.
+void EditorPaneBeginLoad(HWND editor, std::size_t expectedLength);
+void EditorPaneAppendLoad(HWND editor, std::string_view utf8);
+void EditorPaneEndLoad(HWND editor);
 
 void EditorPaneEnsureCaretVisible(HWND editor);
 
@@ -35,10 +41,11 @@ void EditorPaneClearChangeMarks(HWND editor);
 
 // The nearest enclosing procedure line above the caret into the label window.
 void UpdateStickyHeader(HWND editor, HWND label);
+// That line's text, cut to fit; empty without one. Returns its length.
+std::size_t EditorPaneProcedureLine(HWND editor, wchar_t* out, std::size_t capacity);
 
 // A notification of an editor that the pane itself answers (marks, recolouring, sticky-header cache). Called by the
 // main window for SCN_MODIFIED of every tab's editor.
-struct SCNotification;
 void EditorPaneOnModified(HWND editor, const SCNotification& change);
 
 // History across tabs; `activate` switches to a tab (the tab bar's job, right of this folder).

@@ -15,3 +15,16 @@ struct NavHistory {
     std::int32_t navLastLine = -1;           // last place recorded by NavHistoryMaybeAdd
     std::int32_t navLastTab = -1;
 };
+
+// Places closer than this many lines to the last recorded one, in the same tab, are not worth a step back.
+inline constexpr std::int32_t kNavMinimumJump = 6;
+
+// Records a place after the current one and drops what was ahead of it. A full history takes nothing more.
+void NavRecord(NavHistory& history, std::int32_t position, std::int32_t tab);
+
+// Whether the caret at `line` of `tab` is worth recording; remembers it as the last recorded place when it is.
+bool NavShouldRecord(NavHistory& history, std::int32_t line, std::int32_t tab);
+
+// Steps one place back or forward. False at the end of the history; else `navIndex` is the slot to go to.
+bool NavStepBack(NavHistory& history);
+bool NavStepForward(NavHistory& history);

@@ -5,9 +5,9 @@
 #include <string_view>
 
 struct FormatOptions {
-    int indentWidth = 4;           // columns
+    int indentWidth = 4;  // columns
     bool useTabs = false;
-    bool upperKeywords = true;     // keywords in capitals; strings and comments are never touched
+    bool upperKeywords = true;  // keywords in capitals; strings and comments are never touched
 };
 
 // `text` is whole lines; line ends are kept as they are. `startDepth`: indentation level of the first line.

@@ -8,20 +8,20 @@
 
 // Colours of the frame around the editor in the current theme, as COLORREF: tab bar, status bar, panes.
 struct ThemeChrome {
-    COLORREF windowBack;      // behind the panes
-    COLORREF paneBack;        // output, ASM and chat panes, tree, error list
+    COLORREF windowBack;  // behind the panes
+    COLORREF paneBack;    // output, ASM and chat panes, tree, error list
     COLORREF paneText;
-    COLORREF tabBack;         // tab strip and inactive tabs
+    COLORREF tabBack;  // tab strip and inactive tabs
     COLORREF tabActiveBack;
     COLORREF tabText;
     COLORREF tabActiveText;
-    COLORREF accent;          // active tab's edge, focus, progress
-    COLORREF line;            // hairlines between panes
+    COLORREF accent;  // active tab's edge, focus, progress
+    COLORREF line;    // hairlines between panes
     COLORREF statusBack;
     COLORREF statusText;
-    COLORREF hover;           // hovered button or tab
-    COLORREF error;           // error marks
-    COLORREF modified;        // modified marks
+    COLORREF hover;     // hovered button or tab
+    COLORREF error;     // error marks
+    COLORREF modified;  // modified marks
 };
 const ThemeChrome& ThemeCurrentChrome();
 bool ThemeIsDark();

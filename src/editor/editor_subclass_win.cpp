@@ -1,0 +1,143 @@
+// The subclass of every Scintilla pane: its cursor, focus, control characters, zoom wheel, mouse log, and colouring
+// just ahead of a paint. UI thread.
+#include "editor/pane_state.h"
+
+#include "app/app_state.h"
+#include "app/log.h"
+#include "editor/editor_pane.h"
+#include "resources/ids.h"
+#include "scintilla/sci.h"
+
+#include <commctrl.h>
+#include <windowsx.h>
+
+#include <memory>
+
+namespace {
+
+constexpr UINT_PTR kSubclassId = 1;
+constexpr wchar_t kStateProperty[] = L"KvxPaneState";
+constexpr int kClassNameLength = 48;
+
+struct MouseMessage {
+    UINT message;
+    const wchar_t* name;
+};
+constexpr MouseMessage kMouseMessages[] = {
+    {WM_LBUTTONDOWN, L"WM_LBUTTONDOWN"},     {WM_LBUTTONUP, L"WM_LBUTTONUP"},
+    {WM_LBUTTONDBLCLK, L"WM_LBUTTONDBLCLK"}, {WM_RBUTTONDOWN, L"WM_RBUTTONDOWN"},
+    {WM_RBUTTONUP, L"WM_RBUTTONUP"},         {WM_RBUTTONDBLCLK, L"WM_RBUTTONDBLCLK"},
+    {WM_MBUTTONDOWN, L"WM_MBUTTONDOWN"},     {WM_MBUTTONUP, L"WM_MBUTTONUP"},
+    {WM_MBUTTONDBLCLK, L"WM_MBUTTONDBLCLK"}, {WM_MOUSEMOVE, L"WM_MOUSEMOVE"},
+    {WM_MOUSEACTIVATE, L"WM_MOUSEACTIVATE"}, {WM_SETCURSOR, L"WM_SETCURSOR"},
+};
+
+const wchar_t* MouseMessageName(UINT message) {
+    for (const MouseMessage& row : kMouseMessages) {
+        if (row.message == message) return row.name;
+    }
+    return nullptr;
+}
+
+bool IsPlainMove(UINT message, LPARAM lParam) {
+    return message == WM_MOUSEMOVE || (message == WM_SETCURSOR && HIWORD(lParam) == WM_MOUSEMOVE);
+}
+
+void LogMouse(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (!LogIsOpen()) return;
+    const wchar_t* name = MouseMessageName(message);
+    if (!name) return;
+    if (IsPlainMove(message, lParam) && GetKeyState(VK_LBUTTON) >= 0) return;
+    POINT screen = {};
+    GetCursorPos(&screen);
+    const HWND under = WindowFromPoint(screen);
+    wchar_t paneClass[kClassNameLength] = {};
+    wchar_t underClass[kClassNameLength] = {};
+    GetClassNameW(pane, paneClass, kClassNameLength);
+    if (under) GetClassNameW(under, underClass, kClassNameLength);
+    AppLogMsg(
+        L"DBG SCIMOUSE: sci=%p cls=%s msg=%s wp=0x%04x lp=(%d,%d) screen=(%d,%d) WindowFromPoint=%p cls=%s "
+        L"focus=%p",
+        pane, paneClass, name, static_cast<unsigned>(wParam), GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam),
+        static_cast<int>(screen.x), static_cast<int>(screen.y), under, underClass, GetFocus());
+}
+
+// WM_SETFOCUS comes from SetFocus itself: giving the focus again to the window that has it ends the recursion.
+void TakeFocus(HWND pane) {
+    SetFocus(pane);
+    SciSend(pane, SCI_SETFOCUS, TRUE, 0);
+    EditorPaneEnsureCaretVisible(pane);
+}
+
+// Ctrl with a letter that no command takes would type a control character into the source.
+bool IsUnwantedCharacter(WPARAM character) {
+    return (character < 0x20 && character != L'\r' && character != L'\n' && character != L'\t') || character == 0x7F;
+}
+
+LRESULT OnPaint(HWND pane, WPARAM wParam, LPARAM lParam) {
+    const LRESULT resumeAt = EditorColourBeforePaint(pane);
+    const LRESULT result = DefSubclassProc(pane, WM_PAINT, wParam, lParam);
+    EditorColourAfterPaint(pane, resumeAt);
+    return result;
+}
+
+// The zoom is one setting for all editors, so the wheel asks for the command instead of zooming this pane alone.
+LRESULT OnZoomWheel(HWND, WPARAM wParam) {
+    const WORD command = GET_WHEEL_DELTA_WPARAM(wParam) > 0 ? IDM_VIEW_ZOOM_IN : IDM_VIEW_ZOOM_OUT;
+    PostMessageW(g_app.hMainWnd, WM_COMMAND, command, 0);
+    return 0;
+}
+
+LRESULT OnDestroy(HWND pane, UINT message, WPARAM wParam, LPARAM lParam);
+
+LRESULT CALLBACK PaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+    switch (message) {
+        case WM_PAINT: return OnPaint(pane, wParam, lParam);
+        case WM_CHAR:
+            if (IsUnwantedCharacter(wParam)) return 0;
+            break;
+        case WM_SETCURSOR:
+            LogMouse(pane, message, wParam, lParam);
+            if (LOWORD(lParam) != HTCLIENT) break;
+            SetCursor(LoadCursorW(nullptr, IDC_IBEAM));
+            if (LogIsOpen()) {
+                AppLogMsg(L"DBG SCIMOUSE: sci=%p msg=WM_SETCURSOR forced IDC_IBEAM focus=%p", pane, GetFocus());
+            }
+            return 1;
+        case WM_SETFOCUS: TakeFocus(pane); break;
+        case WM_LBUTTONDOWN:
+            LogMouse(pane, message, wParam, lParam);
+            TakeFocus(pane);
+            break;
+        case WM_MOUSEWHEEL:
+            if (GET_KEYSTATE_WPARAM(wParam) & MK_CONTROL) return OnZoomWheel(pane, wParam);
+            break;
+        case WM_DESTROY: return OnDestroy(pane, message, wParam, lParam);
+        default: LogMouse(pane, message, wParam, lParam); break;
+    }
+    return DefSubclassProc(pane, message, wParam, lParam);
+}
+
+LRESULT OnDestroy(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
+    EditorColourStop(pane);
+    const std::unique_ptr<PaneState> state(static_cast<PaneState*>(RemovePropW(pane, kStateProperty)));
+    RemoveWindowSubclass(pane, PaneProc, kSubclassId);
+    return DefSubclassProc(pane, message, wParam, lParam);
+}
+
+}  // namespace
+
+PaneState* PaneStateOf(HWND editor) {
+    return editor ? static_cast<PaneState*>(GetPropW(editor, kStateProperty)) : nullptr;
+}
+
+bool EditorPaneInstallSubclass(HWND editor) {
+    auto state = std::make_unique<PaneState>();
+    if (!SetPropW(editor, kStateProperty, state.get())) return false;
+    if (!SetWindowSubclass(editor, PaneProc, kSubclassId, 0)) {
+        RemovePropW(editor, kStateProperty);
+        return false;
+    }
+    state.release();  // the window owns it from here: freed on WM_DESTROY
+    return true;
+}

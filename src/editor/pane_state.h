@@ -1,0 +1,38 @@
+// What the editor area remembers of one Scintilla pane, and the seams between its files. Private to this folder.
+// UI thread.
+#pragma once
+
+#include "editor/sticky_header.h"
+
+#include <windows.h>
+
+#include <cstddef>
+
+struct PaneState {
+    StickyCache sticky;           // what is known about procedure lines above the caret
+    int marginDigits = 0;         // digits that the line-number margin has room for
+    std::size_t colourChunk = 0;  // bytes that one idle slice of colouring takes on
+};
+
+// Null for a window that is no Scintilla pane of ours (the Rich Edit fallback).
+PaneState* PaneStateOf(HWND editor);
+
+// Colours, margins and input rules that do not depend on any setting; once, at creation.
+void EditorPaneSetUp(HWND editor);
+
+// Subclass of every pane: cursor, focus, mouse log, colouring before a paint.
+bool EditorPaneInstallSubclass(HWND editor);
+
+// Whatever was coloured by an earlier text is no longer: the rest of the document is coloured in idle time.
+void EditorColourRestart(HWND editor);
+// Before and after a paint: what is about to be visible gets its colours now, whatever lies uncoloured above it.
+// Returns the position to hand back to EditorColourAfterPaint, or -1 when there was nothing to do.
+LRESULT EditorColourBeforePaint(HWND editor);
+void EditorColourAfterPaint(HWND editor, LRESULT resumeAt);
+void EditorColourStop(HWND editor);
+
+// Width of the line-number margin for the settings, the font and the number of lines.
+void EditorPaneUpdateLineMargin(HWND editor);
+
+// A change of text that begins on `line`: what the sticky header must look at again.
+void StickyHeaderForget(HWND editor, int line, int linesAdded);

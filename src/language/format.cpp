@@ -1,0 +1,471 @@
+// The formatter. It works on logical lines: physical lines joined by " _". Each statement opens and closes blocks on a
+// stack; a line is indented by what is open when its first statement has closed what it closes. It changes leading and
+// trailing blanks and the case of keywords, nothing else: strings, comments, DATA and inline assembly stay as they are,
+// and lines keep their ends. Pure.
+#include "language/format.h"
+
+#include "language/lexer_table.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <vector>
+
+namespace {
+
+enum class Block : std::uint8_t {
+    If,
+    Select,
+    Case,
+    For,
+    Do,
+    While,
+    Try,
+    With,
+    Type,
+    Union,
+    Enum,
+    Macro,
+    Class,
+    Interface,
+    Namespace,
+    Sub,
+    Function,
+    Method,
+    Property,
+    Fastproc,
+    Asm,
+};
+
+// A name after END, or the opening word, and the block it belongs to.
+struct BlockWord {
+    std::string_view word;
+    Block block;
+};
+constexpr BlockWord kBlockWords[] = {
+    {"IF", Block::If},
+    {"SELECT", Block::Select},
+    {"WHILE", Block::While},
+    {"TRY", Block::Try},
+    {"WITH", Block::With},
+    {"TYPE", Block::Type},
+    {"UNION", Block::Union},
+    {"ENUM", Block::Enum},
+    {"MACRO", Block::Macro},
+    {"CLASS", Block::Class},
+    {"INTERFACE", Block::Interface},
+    {"NAMESPACE", Block::Namespace},
+    {"SUB", Block::Sub},
+    {"FUNCTION", Block::Function},
+    {"METHOD", Block::Method},
+    {"PROPERTY", Block::Property},
+    {"FASTPROC", Block::Fastproc},
+    {"ASM", Block::Asm},
+};
+
+// Words that may stand before SUB, FUNCTION and the like.
+constexpr std::string_view kPrefixes[] = {"STATIC", "PRIVATE", "PUBLIC",   "CALLBACK",  "THREAD",
+                                          "EXPORT", "INLINE",  "OVERRIDE", "THREADSAFE"};
+
+bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c & 0x80) != 0; }
+bool IsWordCharacter(char c) { return IsLetter(c) || IsDigit(c) || c == '_'; }
+
+std::string Upper(std::string_view text) {
+    std::string upper(text);
+    for (char& c : upper) {
+        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
+    }
+    return upper;
+}
+
+const BlockWord* FindBlockWord(std::string_view word) {
+    const auto* row = std::find_if(std::begin(kBlockWords), std::end(kBlockWords),
+                                   [word](const BlockWord& entry) { return entry.word == word; });
+    return row == std::end(kBlockWords) ? nullptr : row;
+}
+
+bool IsProcedure(Block block) {
+    return block == Block::Sub || block == Block::Function || block == Block::Method || block == Block::Property ||
+           block == Block::Fastproc;
+}
+bool IsContainer(Block block) {
+    return block == Block::Class || block == Block::Interface || block == Block::Namespace;
+}
+
+// A statement as its tokens: words in capitals, every other character that counts as itself, strings as "\"".
+using Statement = std::vector<std::string>;
+
+// What one physical line holds.
+struct LineScan {
+    std::vector<Statement> statements;  // separated by colons; the first continues an earlier line's last
+    bool continues = false;             // ends with " _"
+    bool openString = false;            // a string without its end: trailing blanks belong to it
+    bool assembly = false;              // begins with "!"
+    bool labelOnly = false;             // "name:" and nothing else
+    std::string directive;              // "IF" of "#IF"
+    std::string text;                   // the line with its keywords in the wanted case
+};
+
+struct Scanner {
+    std::string_view line;
+    std::size_t at = 0;
+    bool upperKeywords;
+    bool first;  // at the start of a logical line
+    LineScan* out;
+};
+
+void AddToken(Scanner& scan, std::string token) { scan.out->statements.back().push_back(std::move(token)); }
+bool AtStatementStart(const Scanner& scan) { return scan.out->statements.back().empty(); }
+
+void CopyRest(Scanner& scan) {
+    scan.out->text.append(scan.line.substr(scan.at));
+    scan.at = scan.line.size();
+}
+
+void ScanString(Scanner& scan) {
+    const std::size_t end = scan.line.find('"', scan.at + 1);
+    scan.out->openString = end == std::string_view::npos;
+    const std::size_t stop = scan.out->openString ? scan.line.size() : end + 1;
+    scan.out->text.append(scan.line.substr(scan.at, stop - scan.at));
+    scan.at = stop;
+    AddToken(scan, "\"");
+}
+
+// Digits, or "&H" and the like with what follows; letters in them are no words.
+void ScanNumber(Scanner& scan) {
+    std::size_t end = scan.at + (scan.line[scan.at] == '&' ? 2 : 1);
+    while (end < scan.line.size() && (IsWordCharacter(scan.line[end]) || scan.line[end] == '.')) ++end;
+    const bool lineNumber = scan.first && AtStatementStart(scan) && scan.out->statements.size() == 1;
+    scan.out->text.append(scan.line.substr(scan.at, end - scan.at));
+    scan.at = end;
+    if (!lineNumber) AddToken(scan, "0");
+}
+
+void ScanWord(Scanner& scan) {
+    std::size_t end = scan.at;
+    while (end < scan.line.size() && IsWordCharacter(scan.line[end])) ++end;
+    const std::string_view word = scan.line.substr(scan.at, end - scan.at);
+    const char before = scan.at > 0 ? scan.line[scan.at - 1] : ' ';
+    const std::string upper = Upper(word);
+    if (upper == "REM" && AtStatementStart(scan)) {
+        scan.out->text.append(scan.upperKeywords ? upper : std::string(word));
+        scan.at = end;
+        CopyRest(scan);
+        return;
+    }
+    // A member, a constant or a directive's name is no keyword, whatever it is called.
+    const bool plain = before != '.' && before != '%' && before != '$' && before != '@';
+    const bool upperCase = scan.upperKeywords && plain && (before == '#' ? scan.first : IsBasicKeyword(word));
+    scan.out->text.append(upperCase ? upper : std::string(word));
+    scan.at = end;
+    const bool data = upper == "DATA" && AtStatementStart(scan);
+    if (before == '#' && scan.first && scan.out->directive.empty() && scan.out->statements.size() == 1 &&
+        scan.out->statements.front().size() == 1) {
+        scan.out->directive = upper;
+    }
+    AddToken(scan, plain ? upper : "." + upper);
+    if (data) CopyRest(scan);
+}
+
+// A whole line without its end and its leading blanks.
+LineScan ScanLine(std::string_view line, bool upperKeywords, bool first) {
+    LineScan out;
+    out.statements.emplace_back();
+    out.text.reserve(line.size());
+    if (first && !line.empty() && line.front() == '!') {
+        out.assembly = true;
+        out.text = line;
+        return out;
+    }
+    Scanner scan{line, 0, upperKeywords, first, &out};
+    while (scan.at < line.size()) {
+        const char c = line[scan.at];
+        const char next = scan.at + 1 < line.size() ? line[scan.at + 1] : '\0';
+        if (c == '\'') {
+            CopyRest(scan);
+        } else if (c == '"') {
+            ScanString(scan);
+        } else if (IsDigit(c) || (c == '&' && next != '\0' && Upper({&next, 1}).find_first_of("HOB") == 0)) {
+            ScanNumber(scan);
+        } else if (IsLetter(c) || (c == '_' && IsWordCharacter(next))) {
+            ScanWord(scan);
+        } else {
+            out.text.push_back(c);
+            ++scan.at;
+            out.continues = c == '_' || (out.continues && IsBlank(c));
+            if (c == ':') {
+                out.statements.emplace_back();
+            } else if (c != '_' && !IsBlank(c)) {
+                AddToken(scan, std::string(1, c));
+            }
+            continue;
+        }
+        // A comment may follow the underscore; anything else undoes it.
+        if (c != '\'') out.continues = false;
+    }
+    out.labelOnly = first && out.statements.size() == 2 && out.statements[0].size() == 1 && out.statements[1].empty() &&
+                    IsLetter(out.statements[0][0][0]) && !IsBasicKeyword(out.statements[0][0]);
+    return out;
+}
+
+// --- Blocks
+
+struct Nesting {
+    std::vector<Block> open;
+    int base = 0;  // levels that were open before the text began
+
+    int Depth() const { return base + static_cast<int>(open.size()); }
+};
+
+// Closes the innermost block of a kind and what was left open inside. A block from before the text closes one level.
+void CloseBlock(Nesting& nesting, Block block) {
+    const auto found = std::find(nesting.open.rbegin(), nesting.open.rend(), block);
+    if (found != nesting.open.rend()) {
+        nesting.open.erase(std::next(found).base(), nesting.open.end());
+    } else if (nesting.open.empty() && nesting.base > 0) {
+        --nesting.base;
+    }
+}
+
+// A procedure cannot stand inside another: whatever is open was left open by mistake, and must not shift the rest.
+void CloseProcedures(Nesting& nesting) {
+    const auto first =
+        std::find_if(nesting.open.begin(), nesting.open.end(), [](Block block) { return !IsContainer(block); });
+    nesting.open.erase(first, nesting.open.end());
+}
+
+std::string_view TokenAt(const Statement& statement, std::size_t index) {
+    return index < statement.size() ? std::string_view(statement[index]) : std::string_view();
+}
+
+// The block that a statement opens with SUB, TYPE and the like, or null. "FUNCTION = 1" and "TYPE SET" open none.
+const BlockWord* OpenedDefinition(const Statement& statement) {
+    std::size_t at = 0;
+    while (std::find(std::begin(kPrefixes), std::end(kPrefixes), TokenAt(statement, at)) != std::end(kPrefixes)) ++at;
+    if (TokenAt(statement, at) == "CLASS" && TokenAt(statement, at + 1) == "METHOD") ++at;
+    const BlockWord* word = FindBlockWord(TokenAt(statement, at));
+    if (!word) return nullptr;
+    const std::string_view name = TokenAt(statement, at + 1);
+    const bool named = !name.empty() && (IsLetter(name[0]) || name[0] == '_');
+    switch (word->block) {
+        case Block::Type: return named && name != "SET" ? word : nullptr;
+        case Block::Macro: {
+            // "MACRO name(args) = text" is whole on its line.
+            const auto from = statement.begin() + static_cast<std::ptrdiff_t>(at);
+            return named && std::find(from, statement.end(), "=") == statement.end() ? word : nullptr;
+        }
+        case Block::Sub:
+        case Block::Function:
+        case Block::Method:
+        case Block::Property:
+        case Block::Fastproc:
+        case Block::Union:
+        case Block::Class:
+        case Block::Interface:
+        case Block::Namespace: return named ? word : nullptr;
+        case Block::Enum: return word;
+        default: return nullptr;
+    }
+}
+
+// What a statement does to the blocks: closes first, then opens.
+struct Effect {
+    enum class Kind : std::uint8_t { None, Close, Middle, CaseLabel } kind = Kind::None;
+    Block block = Block::If;
+    int count = 1;
+    bool opens = false;
+    Block opened = Block::If;
+};
+
+Effect EndEffect(const Statement& statement) {
+    std::string_view name = TokenAt(statement, 1);
+    const std::string_view first = TokenAt(statement, 0);
+    if (first != "END") name = first.substr(3);  // ENDIF and the like
+    const BlockWord* word = FindBlockWord(name);
+    if (!word) return {};
+    return {.kind = Effect::Kind::Close, .block = word->block};
+}
+
+Effect StatementEffect(const Statement& statement) {
+    using Kind = Effect::Kind;
+    const std::string_view word = TokenAt(statement, 0);
+    if (word == "END" || (word.size() > 3 && word.starts_with("END") && FindBlockWord(word.substr(3)))) {
+        return EndEffect(statement);
+    }
+    if (word == "IF") return {.opens = statement.back() == "THEN", .opened = Block::If};
+    if (word == "ELSE" || word == "ELSEIF") return {.kind = Kind::Middle, .block = Block::If};
+    if (word == "SELECT") return {.opens = true, .opened = Block::Select};
+    if (word == "CASE") return {.kind = Kind::CaseLabel, .opens = true, .opened = Block::Case};
+    if (word == "FOR") return {.opens = true, .opened = Block::For};
+    if (word == "NEXT") {
+        const auto commas = std::count(statement.begin(), statement.end(), ",");
+        return {.kind = Kind::Close, .block = Block::For, .count = 1 + static_cast<int>(commas)};
+    }
+    if (word == "DO") return {.opens = true, .opened = Block::Do};
+    if (word == "LOOP") return {.kind = Kind::Close, .block = Block::Do};
+    if (word == "WHILE") return {.opens = true, .opened = Block::While};
+    if (word == "WEND") return {.kind = Kind::Close, .block = Block::While};
+    if (word == "TRY") return {.opens = true, .opened = Block::Try};
+    if (word == "CATCH" || word == "FINALLY") return {.kind = Kind::Middle, .block = Block::Try};
+    if (word == "WITH") return {.opens = true, .opened = Block::With};
+    if (word == "ASM" && statement.size() == 1) return {.opens = true, .opened = Block::Asm};
+    if (const BlockWord* definition = OpenedDefinition(statement)) {
+        return {.opens = true, .opened = definition->block};
+    }
+    return {};
+}
+
+// Applies the closing half and returns the depth that the statement's own line stands at.
+int ApplyClosing(Nesting& nesting, const Effect& effect) {
+    using Kind = Effect::Kind;
+    if (effect.opens && IsProcedure(effect.opened)) CloseProcedures(nesting);
+    switch (effect.kind) {
+        case Kind::None: return nesting.Depth();
+        case Kind::Close:
+            for (int i = 0; i < effect.count; ++i) CloseBlock(nesting, effect.block);
+            return nesting.Depth();
+        case Kind::Middle: {
+            const auto found = std::find(nesting.open.rbegin(), nesting.open.rend(), effect.block);
+            if (found != nesting.open.rend()) nesting.open.erase(found.base(), nesting.open.end());
+            return std::max(nesting.Depth() - 1, 0);
+        }
+        case Kind::CaseLabel: {
+            const auto found = std::find(nesting.open.rbegin(), nesting.open.rend(), Block::Select);
+            if (found != nesting.open.rend()) {
+                nesting.open.erase(found.base(), nesting.open.end());
+            } else if (nesting.open.empty() && nesting.base > 0) {
+                --nesting.base;
+            }
+            return nesting.Depth();
+        }
+    }
+    return nesting.Depth();
+}
+
+// Applies the statements of a logical line. Returns the depth of its first physical line.
+int ApplyStatements(Nesting& nesting, const std::vector<Statement>& statements) {
+    int depth = nesting.Depth();
+    bool firstStatement = true;
+    for (const Statement& statement : statements) {
+        if (statement.empty()) continue;
+        const Effect effect = StatementEffect(statement);
+        const int closed = ApplyClosing(nesting, effect);
+        if (firstStatement) depth = closed;
+        firstStatement = false;
+        if (effect.opens) nesting.open.push_back(effect.opened);
+        // What follows the THEN of a one-line IF is part of it and closes what it opens.
+        const bool oneLineIf = TokenAt(statement, 0) == "IF" && !effect.opens;
+        if (oneLineIf) break;
+    }
+    return depth;
+}
+
+// --- Lines
+
+struct Line {
+    std::string_view text;  // without its end
+    std::string_view end;   // "\r\n", "\n", "\r" or nothing
+};
+
+std::vector<Line> SplitLines(std::string_view text) {
+    std::vector<Line> lines;
+    while (!text.empty()) {
+        const std::size_t stop = std::min(text.find_first_of("\r\n"), text.size());
+        std::size_t next = std::min(stop + 1, text.size());
+        if (next < text.size() && text[stop] == '\r' && text[next] == '\n') ++next;
+        lines.push_back({text.substr(0, stop), text.substr(stop, next - stop)});
+        text.remove_prefix(next);
+    }
+    return lines;
+}
+
+std::string_view TrimLeft(std::string_view text) {
+    while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
+    return text;
+}
+std::string_view TrimRight(std::string_view text) {
+    while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
+    return text;
+}
+
+void AppendIndent(std::string& out, int depth, const FormatOptions& options) {
+    const int levels = std::max(depth, 0);
+    if (options.useTabs) {
+        out.append(static_cast<std::size_t>(levels), '\t');
+    } else {
+        out.append(static_cast<std::size_t>(levels * std::max(options.indentWidth, 0)), ' ');
+    }
+}
+
+// Both branches of a conditional compilation start from the same nesting.
+void ApplyDirective(const std::string& directive, Nesting& nesting, std::vector<Nesting>& saved) {
+    if (directive == "IF" || directive == "IFDEF" || directive == "IFNDEF") {
+        saved.push_back(nesting);
+    } else if ((directive == "ELSE" || directive == "ELSEIF") && !saved.empty()) {
+        nesting = saved.back();
+    } else if (directive == "ENDIF" && !saved.empty()) {
+        saved.pop_back();
+    }
+}
+
+bool EndsAssembly(std::string_view trimmed) {
+    const std::string upper = Upper(trimmed.substr(0, 7));
+    return upper == "END ASM" || upper.starts_with("ENDASM");
+}
+
+}  // namespace
+
+std::string FormatBasicSource(std::string_view text, const FormatOptions& options, int startDepth) {
+    std::string out;
+    out.reserve(text.size() + text.size() / 8);
+    Nesting nesting;
+    nesting.base = std::max(startDepth, 0);
+    std::vector<Nesting> saved;
+    const std::vector<Line> lines = SplitLines(text);
+
+    for (std::size_t i = 0; i < lines.size();) {
+        const std::string_view trimmed = TrimLeft(lines[i].text);
+        const bool inAssembly = !nesting.open.empty() && nesting.open.back() == Block::Asm;
+        if (trimmed.starts_with("!") || (inAssembly && !EndsAssembly(trimmed))) {
+            out.append(lines[i].text).append(lines[i].end);
+            ++i;
+            continue;
+        }
+
+        // The physical lines of one logical line.
+        std::vector<LineScan> scans;
+        std::vector<Statement> statements;
+        std::size_t last = i;
+        for (;; ++last) {
+            scans.push_back(ScanLine(TrimLeft(lines[last].text), options.upperKeywords, last == i));
+            std::vector<Statement>& found = scans.back().statements;
+            if (statements.empty()) {
+                statements = std::move(found);
+            } else {
+                Statement& open = statements.back();
+                open.insert(open.end(), found.front().begin(), found.front().end());
+                statements.insert(statements.end(), found.begin() + 1, found.end());
+            }
+            if (!scans.back().continues || last + 1 == lines.size()) break;
+        }
+
+        int depth = nesting.Depth();
+        if (!scans.front().directive.empty()) {
+            ApplyDirective(scans.front().directive, nesting, saved);
+            depth = nesting.Depth();
+        } else {
+            depth = ApplyStatements(nesting, statements);
+        }
+        if (scans.front().labelOnly) depth = std::max(depth - 1, 0);
+
+        for (std::size_t k = 0; k < scans.size(); ++k) {
+            const std::string_view line =
+                scans[k].openString ? std::string_view(scans[k].text) : TrimRight(scans[k].text);
+            if (!line.empty()) AppendIndent(out, k == 0 ? depth : depth + 1, options);
+            out.append(line).append(lines[i + k].end);
+        }
+        i = last + 1;
+    }
+    return out;
+}

@@ -1,0 +1,230 @@
+// File extensions to lexers, keyword sets, and style numbers to text roles. Pure.
+#include "language/lexer_table.h"
+
+#include "settings/compiler_id.h"
+
+#include <SciLexer.h>
+
+#include <algorithm>
+#include <array>
+#include <cwctype>
+
+namespace {
+
+struct ExtensionRow {
+    std::wstring_view extension;  // lower case, with the dot
+    Language language;
+};
+constexpr ExtensionRow kExtensions[] = {
+    {L".bas", Language::Basic},  {L".pb", Language::Basic},     {L".pbi", Language::Basic},
+    {L".pba", Language::Basic},  {L".inc", Language::Basic},    {L".kb", Language::Basic},
+    {L".ka32", Language::Basic}, {L".kxa", Language::Basic},    {L".kxb", Language::Basic},
+    {L".b64", Language::Basic},  {L".kxc", Language::Basic},    {L".c64", Language::Basic},
+    {L".bi", Language::Basic},   {L".c", Language::C},          {L".h", Language::C},
+    {L".cpp", Language::C},      {L".hpp", Language::C},        {L".cc", Language::C},
+    {L".cxx", Language::C},      {L".asm", Language::Assembly}, {L".s", Language::GnuAssembly},
+};
+
+constexpr StyleRole kBasicStyles[] = {
+    {SCE_B_COMMENT, TextRole::Comment},           {SCE_B_NUMBER, TextRole::Number},
+    {SCE_B_KEYWORD, TextRole::Keyword},           {SCE_B_STRING, TextRole::String},
+    {SCE_B_PREPROCESSOR, TextRole::Preprocessor}, {SCE_B_OPERATOR, TextRole::Operator},
+    {SCE_B_IDENTIFIER, TextRole::Identifier},     {SCE_B_DATE, TextRole::Number},
+    {SCE_B_STRINGEOL, TextRole::Error},           {SCE_B_KEYWORD2, TextRole::Type},
+    {SCE_B_KEYWORD3, TextRole::Function},         {SCE_B_KEYWORD4, TextRole::Keyword},
+};
+constexpr StyleRole kCStyles[] = {
+    {SCE_C_COMMENT, TextRole::Comment},
+    {SCE_C_COMMENTLINE, TextRole::Comment},
+    {SCE_C_COMMENTDOC, TextRole::Comment},
+    {SCE_C_COMMENTLINEDOC, TextRole::Comment},
+    {SCE_C_COMMENTDOCKEYWORD, TextRole::Comment},
+    {SCE_C_COMMENTDOCKEYWORDERROR, TextRole::Comment},
+    {SCE_C_NUMBER, TextRole::Number},
+    {SCE_C_USERLITERAL, TextRole::Number},
+    {SCE_C_WORD, TextRole::Keyword},
+    {SCE_C_WORD2, TextRole::Type},
+    {SCE_C_STRING, TextRole::String},
+    {SCE_C_STRINGRAW, TextRole::String},
+    {SCE_C_CHARACTER, TextRole::String},
+    {SCE_C_ESCAPESEQUENCE, TextRole::String},
+    {SCE_C_STRINGEOL, TextRole::Error},
+    {SCE_C_PREPROCESSOR, TextRole::Preprocessor},
+    {SCE_C_PREPROCESSORCOMMENT, TextRole::Comment},
+    {SCE_C_OPERATOR, TextRole::Operator},
+    {SCE_C_IDENTIFIER, TextRole::Identifier},
+};
+constexpr StyleRole kAssemblyStyles[] = {
+    {SCE_ASM_COMMENT, TextRole::Comment},
+    {SCE_ASM_COMMENTBLOCK, TextRole::Comment},
+    {SCE_ASM_COMMENTDIRECTIVE, TextRole::Comment},
+    {SCE_ASM_NUMBER, TextRole::Number},
+    {SCE_ASM_STRING, TextRole::String},
+    {SCE_ASM_CHARACTER, TextRole::String},
+    {SCE_ASM_STRINGEOL, TextRole::Error},
+    {SCE_ASM_OPERATOR, TextRole::Operator},
+    {SCE_ASM_IDENTIFIER, TextRole::Identifier},
+    {SCE_ASM_CPUINSTRUCTION, TextRole::Keyword},
+    {SCE_ASM_MATHINSTRUCTION, TextRole::Function},
+    {SCE_ASM_EXTINSTRUCTION, TextRole::Function},
+    {SCE_ASM_REGISTER, TextRole::Type},
+    {SCE_ASM_DIRECTIVE, TextRole::Preprocessor},
+    {SCE_ASM_DIRECTIVEOPERAND, TextRole::Preprocessor},
+};
+
+// Of Lexilla's BASIC lexers "vb" ends strings, comments and directives with their line, so that one missing quote never
+// recolours the rest of the file, and knows REM, type suffixes and several keyword sets.
+constexpr LanguageLexer kLexers[] = {
+    {"vb", kBasicStyles}, {"cpp", kCStyles}, {"asm", kAssemblyStyles}, {"as", kAssemblyStyles}, {nullptr, {}},
+};
+
+constexpr std::string_view kBasicStatements =
+    "alias and any as assert byref byval call callback case class const continue data declare decr default dim do "
+    "else elseif end eqv erase error event exit export fastproc for function get global gosub goto if imp implements "
+    "import in incr inherit inline instance interface is isfalse istrue iterate let lib local loop macro macrotemp "
+    "method mod my new next not nothing object off on opt optional option or override persist preserve private "
+    "property public randomize read redim register rem reset resume return select set shared static step stop sub "
+    "swap then thread threaded to try catch finally type union until using wend while with xor asm end "
+    "print input line open close put seek write append output random binary kill name mkdir rmdir chdir cls color "
+    "locate beep sleep delay shell";
+constexpr std::string_view kBasicTypes =
+    "asciiz asciz bit bool boolean byte byt cur currency cux currencyx cwstr decimal double dwd dword ext extended "
+    "field float guid int integer int8 int16 int32 int64 lng long longint nothing pointer ptr qud quad sng single "
+    "string stringz uint uint8 uint16 uint32 uint64 variant vrnt void word wrd wstring wstringz zstr";
+constexpr std::string_view kBasicFunctions =
+    "abs acos array asc asin atn bin build ceil chr cint clng cos cqud csng cdbl command codeptr cvl cvq cvs cvd date "
+    "dir environ eof erl err error exp extract fix format frac freefile hex hiword iif instr int join lbound lcase "
+    "left len lo lof log log10 log2 loword lset ltrim max mcase mid min mki mkl mks mkd oct parse parsecount peek "
+    "poke remain remove repeat replace retain right rnd round rset rtrim sgn sin sizeof space spc sqr str strdelete "
+    "strinsert strptr strreverse string switch tab tally tan time timer trim ubound ucase val varptr verify";
+
+// What a dialect adds to the common sets.
+struct DialectRow {
+    std::uint32_t compilerId;
+    std::string_view words;
+};
+constexpr DialectRow kDialects[] = {
+    {kCompilerKvxa64, "pbmain winmain unlock namespace endnamespace foreach"},
+    {kCompilerKvxb64, "pbmain winmain namespace endnamespace foreach defer"},
+    {kCompilerKvxa32, "pbmain winmain libmain prefix"},
+    {kCompilerKeldorBasic, "pbmain winmain libmain"},
+    {kCompilerKvxc64, "pbmain winmain namespace endnamespace foreach lambda"},
+};
+
+constexpr std::string_view kCKeywords =
+    "alignas alignof asm auto break case catch class const const_cast constexpr continue default delete do "
+    "dynamic_cast else enum explicit extern false final for friend goto if inline mutable namespace new noexcept "
+    "nullptr operator override private protected public register reinterpret_cast restrict return sizeof static "
+    "static_assert static_cast struct switch template this throw true try typedef typeid typename union using virtual "
+    "volatile while _Alignas _Alignof _Atomic _Generic _Noreturn _Static_assert _Thread_local";
+constexpr std::string_view kCTypes =
+    "bool char double float int long short signed unsigned void wchar_t char8_t char16_t char32_t size_t ssize_t "
+    "ptrdiff_t intptr_t uintptr_t int8_t int16_t int32_t int64_t uint8_t uint16_t uint32_t uint64_t FILE BOOL BYTE "
+    "WORD "
+    "DWORD LONG LPARAM WPARAM LRESULT HANDLE HWND HINSTANCE _Bool";
+
+constexpr std::string_view kAsmInstructions =
+    "adc add and bsf bsr bswap bt btc btr bts call cbw cdq cdqe clc cld cli cmc cmova cmovae cmovb cmovbe cmove cmovg "
+    "cmovge cmovl cmovle cmovne cmovs cmp cmps cmpsb cmpsd cmpsq cmpsw cmpxchg cpuid cqo cwd cwde dec div enter hlt "
+    "idiv imul in inc int int3 iret ja jae jb jbe jc jcxz je jecxz jg jge jl jle jmp jna jnae jnb jnbe jnc jne jng "
+    "jnge "
+    "jnl jnle jno jnp jns jnz jo jp jpe jpo jrcxz js jz lahf lea leave lock lods lodsb lodsd lodsq lodsw loop loope "
+    "loopne mov movabs movs movsb movsd movsq movsw movsx movsxd movzx mul neg nop not or out pause pop popa popad "
+    "popf "
+    "popfq push pusha pushad pushf pushfq rcl rcr rdtsc rep repe repne repnz repz ret retn rol ror sahf sal sar sbb "
+    "scas scasb scasd scasq scasw seta setae setb setbe sete setg setge setl setle setne setnz sets setz shl shld shr "
+    "shrd stc std sti stos stosb stosd stosq stosw sub syscall test ud2 xadd xchg xlat xor";
+constexpr std::string_view kAsmMath =
+    "f2xm1 fabs fadd faddp fchs fclex fcom fcomi fcomp fcos fdiv fdivp fild finit fist fistp fld fld1 fldcw fldpi fldz "
+    "fmul fmulp fnstcw fpatan fprem fptan frndint fscale fsin fsqrt fst fstp fstsw fsub fsubp ftst fwait fxch fyl2x";
+constexpr std::string_view kAsmRegisters =
+    "ah al ax bh bl bp bpl bx ch cl cr0 cr2 cr3 cr4 cs cx dh di dil dl ds dx eax ebp ebx ecx edi edx eip es esi esp fs "
+    "gs mm0 mm1 mm2 mm3 mm4 mm5 mm6 mm7 r10 r10b r10d r10w r11 r11b r11d r11w r12 r12b r12d r12w r13 r13b r13d r13w "
+    "r14 "
+    "r14b r14d r14w r15 r15b r15d r15w r8 r8b r8d r8w r9 r9b r9d r9w rax rbp rbx rcx rdi rdx rip rsi rsp si sil sp spl "
+    "ss st st0 st1 st2 st3 st4 st5 st6 st7 xmm0 xmm1 xmm2 xmm3 xmm4 xmm5 xmm6 xmm7 xmm8 xmm9 xmm10 xmm11 xmm12 xmm13 "
+    "xmm14 xmm15 ymm0 ymm1 ymm2 ymm3 ymm4 ymm5 ymm6 ymm7 ymm8 ymm9 ymm10 ymm11 ymm12 ymm13 ymm14 ymm15";
+constexpr std::string_view kAsmDirectives =
+    "align assume bits byte comm common db dd default dq dt dw dup else elseif end endif endm endp ends equ even "
+    "export "
+    "extern extrn global if ifdef ifndef include includelib incbin invoke label local macro model option org proc "
+    "proto "
+    "public rb rd resb resd resq resw rq rw section segment struct times title use32 use64 .align .ascii .asciz "
+    ".att_syntax "
+    ".balign .bss .byte .code .const .data .double .endm .equ .extern .fill .float .globl .global .if .else .endif "
+    ".include "
+    ".int .intel_syntax .long .macro .model .org .p2align .quad .rva .secrel32 .section .set .short .space .string "
+    ".text "
+    ".type .word .zero";
+constexpr std::string_view kAsmOperands =
+    "byte dword far flat fword near offset oword ptr qword short tbyte word xmmword ymmword noprefix";
+constexpr std::string_view kAsmExtended =
+    "addpd addps addsd addss andpd andps comisd comiss cvtdq2pd cvtsd2si cvtsd2ss cvtsi2sd cvtsi2ss cvtss2sd cvttsd2si "
+    "divpd divps divsd divss maxsd maxss minsd minss movapd movaps movd movdqa movdqu movhlps movlps movq movss movupd "
+    "movups mulpd mulps mulsd mulss orpd orps paddb paddd paddq paddw pand pcmpeqb pcmpeqd pmovmskb por pshufd pslld "
+    "psrld "
+    "psubd pxor shufps sqrtpd sqrtps sqrtsd sqrtss subpd subps subsd subss ucomisd ucomiss unpcklps xorpd xorps";
+
+bool ContainsWord(std::string_view words, std::string_view word) {
+    std::size_t at = 0;
+    while ((at = words.find(word, at)) != std::string_view::npos) {
+        const bool starts = at == 0 || words[at - 1] == ' ';
+        const std::size_t end = at + word.size();
+        if (starts && (end == words.size() || words[end] == ' ')) return true;
+        at = end;
+    }
+    return false;
+}
+
+std::string_view DialectWords(std::uint32_t compilerId) {
+    for (const DialectRow& row : kDialects) {
+        if (row.compilerId == compilerId) return row.words;
+    }
+    return {};
+}
+
+}  // namespace
+
+Language LexerFromExtension(std::wstring_view path) {
+    const std::size_t name = path.find_last_of(L"\\/");
+    const std::size_t dot = path.find_last_of(L'.');
+    if (dot == std::wstring_view::npos || (name != std::wstring_view::npos && dot < name)) {
+        return Language::Basic;
+    }
+    std::wstring extension(path.substr(dot));
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](wchar_t c) { return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c + 32) : c; });
+    for (const ExtensionRow& row : kExtensions) {
+        if (row.extension == extension) return row.language;
+    }
+    return Language::None;
+}
+
+const LanguageLexer& LexerOf(Language language) { return kLexers[static_cast<std::size_t>(language)]; }
+
+std::string LexerKeywords(Language language, std::uint32_t compilerId, int set) {
+    constexpr std::array<std::string_view, 2> kC = {kCKeywords, kCTypes};
+    constexpr std::array<std::string_view, 6> kAssembly = {kAsmInstructions, kAsmMath,     kAsmRegisters,
+                                                           kAsmDirectives,   kAsmOperands, kAsmExtended};
+    const std::array<std::string_view, 4> basic = {kBasicStatements, kBasicTypes, kBasicFunctions,
+                                                   DialectWords(compilerId)};
+    std::span<const std::string_view> sets;
+    if (language == Language::Basic) sets = basic;
+    if (language == Language::C) sets = kC;
+    if (language == Language::Assembly || language == Language::GnuAssembly) sets = kAssembly;
+    return set >= 0 && static_cast<std::size_t>(set) < sets.size() ? std::string(sets[static_cast<std::size_t>(set)])
+                                                                   : std::string();
+}
+
+bool IsBasicKeyword(std::string_view word) {
+    char lower[32];
+    if (word.empty() || word.size() > sizeof lower) return false;
+    std::transform(word.begin(), word.end(), lower,
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    const std::string_view key(lower, word.size());
+    if (ContainsWord(kBasicStatements, key) || ContainsWord(kBasicTypes, key) || ContainsWord(kBasicFunctions, key)) {
+        return true;
+    }
+    return std::any_of(std::begin(kDialects), std::end(kDialects),
+                       [key](const DialectRow& row) { return ContainsWord(row.words, key); });
+}

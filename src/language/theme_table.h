@@ -1,0 +1,80 @@
+// The colours of every theme: six editor styles, each in a light and a dark variant, and the frame around them. Colours
+// are 0xRRGGBB here, as people write them; ThemeColorRef turns them into what the system takes. Pure.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+using Rgb = std::uint32_t;  // 0xRRGGBB
+
+constexpr std::uint32_t ThemeColorRef(Rgb rgb) { return (rgb & 0xFF) << 16 | (rgb & 0xFF00) | (rgb >> 16 & 0xFF); }
+
+// What a piece of text is, whatever the language.
+enum class TextRole : std::uint8_t {
+    Text,
+    Keyword,
+    Type,
+    Function,
+    String,
+    Comment,
+    Number,
+    Operator,
+    Preprocessor,
+    Identifier,
+    Label,
+    Assembly,
+    Error,
+    Count
+};
+inline constexpr int kTextRoleCount = static_cast<int>(TextRole::Count);
+
+struct EditorPalette {
+    Rgb back;
+    Rgb text[kTextRoleCount];  // by TextRole
+    Rgb caretLine;
+    Rgb selection;
+    Rgb lineNumber;
+    Rgb margin;     // behind line numbers, symbols and folding marks
+    Rgb guide;      // indentation guides, visible whitespace, folding marks
+    Rgb braceBack;  // behind a matching pair
+    Rgb errorBack;  // line of the current error
+    bool boldKeywords;
+    bool italicComments;
+};
+
+struct ChromePalette {
+    Rgb windowBack;
+    Rgb paneBack;
+    Rgb paneText;
+    Rgb tabBack;
+    Rgb tabText;
+    Rgb tabActiveText;
+    Rgb accent;
+    Rgb line;
+    Rgb statusBack;
+    Rgb statusText;
+    Rgb hover;
+    Rgb error;
+    Rgb modified;
+};
+
+struct EditorStyle {
+    const wchar_t* name;
+    EditorPalette light;
+    EditorPalette dark;
+};
+
+// Row 0 is the program's own style, rows 1..5 the ones that the menu offers.
+std::span<const EditorStyle> EditorStyles();
+
+// Out of range: row 0.
+const EditorPalette& ThemePalette(int style, bool dark);
+const ChromePalette& ThemeChromePalette(bool dark);
+
+// The roles that the user may override, in the order of the settings.
+inline constexpr TextRole kOverriddenRoles[] = {TextRole::Keyword,   TextRole::String,   TextRole::Comment,
+                                                TextRole::Number,    TextRole::Operator, TextRole::Preprocessor,
+                                                TextRole::Identifier};
+
+// Contrast of two colours as WCAG 2 defines it, 1..21.
+double ThemeContrast(Rgb a, Rgb b);

@@ -1,0 +1,26 @@
+// The two ways to talk to a Scintilla window. Knows nothing of documents or settings. UI thread.
+#include "scintilla/sci.h"
+
+LRESULT SciSend(HWND editor, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (!editor) return 0;
+    return SendMessageW(editor, message, wParam, lParam);
+}
+
+void SciSendString(HWND editor, UINT message, WPARAM wParam, const wchar_t* text) {
+    if (!editor || !text) return;
+    constexpr int kCapacity = 512;
+    char utf8[kCapacity];
+    int length = WideCharToMultiByte(CP_UTF8, 0, text, -1, utf8, kCapacity, nullptr, nullptr);
+    if (length <= 0) {
+        // Too long for the buffer: as many whole characters as fit. No character needs more than three bytes a
+        // UTF-16 unit, so the loop ends; a surrogate pair is never split.
+        int units = lstrlenW(text) < kCapacity ? lstrlenW(text) : kCapacity - 1;
+        do {
+            if (IS_HIGH_SURROGATE(text[units - 1])) --units;
+            length = WideCharToMultiByte(CP_UTF8, 0, text, units, utf8, kCapacity - 1, nullptr, nullptr);
+            --units;
+        } while (length <= 0 && units > 0);
+        utf8[length > 0 ? length : 0] = '\0';
+    }
+    SendMessageA(editor, message, wParam, reinterpret_cast<LPARAM>(utf8));
+}

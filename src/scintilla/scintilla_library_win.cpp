@@ -1,0 +1,62 @@
+// Loading of the editing component and its lexers, which come as DLLs beside the executable. Knows nothing of
+// windows or documents. UI thread.
+#include "scintilla/scintilla_library.h"
+
+#include "app/app_state.h"
+#include "app/log.h"
+
+namespace {
+
+using RegisterClassesFunction = int(__stdcall*)(void* instance);
+
+template <typename Function>
+Function FindExport(HMODULE library, const char* name) {
+    // The detour through void* is how a FARPROC becomes another function type without a warning.
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
+}
+
+}  // namespace
+
+int ScintillaLoad(HMODULE* scintilla, HMODULE* lexilla, HMODULE* third) {
+    if (third) *third = nullptr;
+    if (lexilla) *lexilla = nullptr;
+    if (scintilla) *scintilla = nullptr;
+    ScintillaLibrary& libraries = g_app.scintilla;
+    libraries = {};
+
+    libraries.scintilla = LoadLibraryW(L"Scintilla.dll");
+    if (!libraries.scintilla) {
+        MessageBoxW(nullptr, L"Could not load Scintilla.dll", L"Error", MB_OK | MB_ICONERROR);
+        return 0;
+    }
+    // A build that registers its classes while loading may lack the export; then there is nothing to call.
+    if (const auto registerClasses =
+            FindExport<RegisterClassesFunction>(libraries.scintilla, "Scintilla_RegisterClasses")) {
+        registerClasses(g_app.hInstance);
+    }
+
+    libraries.lexilla = LoadLibraryW(L"Lexilla.dll");
+    if (libraries.lexilla) {
+        libraries.createLexer = FindExport<CreateLexerFunction>(libraries.lexilla, "CreateLexer");
+        if (!libraries.createLexer) {
+            FreeLibrary(libraries.lexilla);
+            libraries.lexilla = nullptr;
+        }
+    }
+
+    if (scintilla) *scintilla = libraries.scintilla;
+    if (lexilla) *lexilla = libraries.lexilla;
+    return 1;
+}
+
+Scintilla::ILexer5* ScintillaCreateLexer(const char* name) {
+    if (!g_app.scintilla.createLexer || !name) return nullptr;
+    return g_app.scintilla.createLexer(name);
+}
+
+void ScintillaUnload(HMODULE scintilla, HMODULE lexilla) {
+    g_app.scintilla.createLexer = nullptr;
+    if (lexilla) FreeLibrary(lexilla);
+    if (scintilla) FreeLibrary(scintilla);
+    g_app.scintilla = {};
+}
