@@ -19,6 +19,8 @@ void MainWnd_OnStartup();
 void MainWnd_OnReinitEditor(int tab);
 void MainWnd_OnAutoSaveTimer();
 void MainWnd_OnClose(HWND window);
+bool MainWnd_OnQueryEndSession();
+void MainWnd_OnEndSession(bool ending);
 void MainWnd_OnDestroy(HWND window);
 void EnsureEditableStartupTab();
 // layout_win.cpp

@@ -83,6 +83,8 @@ LRESULT CALLBACK MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
         case WM_DROPFILES: MainWnd_OnDropFiles(reinterpret_cast<HDROP>(wParam)); return 0;
         case WM_TIMER: OnTimer(window, wParam); return 0;
         case WM_CLOSE: MainWnd_OnClose(window); return 0;
+        case WM_QUERYENDSESSION: return MainWnd_OnQueryEndSession() ? TRUE : FALSE;
+        case WM_ENDSESSION: MainWnd_OnEndSession(wParam != 0); return 0;
         case WM_DESTROY: MainWnd_OnDestroy(window); return 0;
         default: return RouteOwnMessage(message, wParam, lParam) ? 0 : DefWindowProcW(window, message, wParam, lParam);
     }

@@ -132,6 +132,17 @@ void MainWnd_OnClose(HWND window) {
     DestroyWindow(window);
 }
 
+bool MainWnd_OnQueryEndSession() {
+    return g_selftestTabsMode || ConfirmUnsavedDocuments();
+}
+
+// The process may be gone once this returns, and the system waits five seconds at most.
+void MainWnd_OnEndSession(bool ending) {
+    if (!ending || g_selftestTabsMode) return;
+    CompilerKill();
+    SaveOnClose();
+}
+
 void MainWnd_OnDestroy(HWND window) {
     KillTimer(window, TIMER_FOCUS);
     KillTimer(window, TIMER_SESSION);
