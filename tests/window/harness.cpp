@@ -158,8 +158,7 @@ void ProgramFolder::SetIni(const wchar_t* section, const wchar_t* key, const std
     WritePrivateProfileStringW(nullptr, nullptr, nullptr, file.c_str());
 }
 
-Editor::Editor(const ProgramFolder& programFolder, const std::wstring& arguments, Until until)
-    : folder(programFolder) {
+Editor::Editor(const ProgramFolder& programFolder, const std::wstring& arguments, Until until) : folder(programFolder) {
     DeleteFileW(folder.File(L"Editor_Detect.log").c_str());
     job = CreateJobObjectW(nullptr, nullptr);
     JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};

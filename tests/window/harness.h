@@ -22,7 +22,7 @@ std::wstring Wide(std::string_view utf8);
 bool Exists(const std::wstring& path);
 std::optional<std::string> ReadBytes(const std::wstring& path);  // nothing when it cannot be opened
 void WriteBytes(const std::wstring& path, std::string_view bytes);
-std::wstring Variable(const wchar_t* name);      // environment, empty when unset; a Unix path comes back as a Windows one
+std::wstring Variable(const wchar_t* name);  // environment, empty when unset; a Unix path comes back as a Windows one
 int CountProcesses(std::wstring_view fileName);  // running executables of that name, without regard to case
 
 // What a program folder is furnished with.
@@ -67,9 +67,9 @@ struct Editor {
     Editor(const Editor&) = delete;
     Editor& operator=(const Editor&) = delete;
 
-    bool AwaitReady();                                       // finds the main window, waits for the end of start-up
+    bool AwaitReady();  // finds the main window, waits for the end of start-up
     std::optional<DWORD> ExitCode(int milliseconds = kDeadline);  // nothing while it runs
-    std::optional<DWORD> Close();                            // WM_CLOSE; the exit code
+    std::optional<DWORD> Close();                                 // WM_CLOSE; the exit code
 
     // Windows and messages. Do() returns when the command is done, Post() at once (for what opens a dialog).
     HWND Child(int id) const { return GetDlgItem(main, id); }
@@ -84,8 +84,8 @@ struct Editor {
 
     // Dialogs
     std::vector<Dialog> Dialogs() const;
-    Dialog AwaitDialog(std::wstring_view caption) const;     // a failure and an empty record when none comes
-    void Press(const Dialog& dialog, int button) const;      // and waits until it is gone
+    Dialog AwaitDialog(std::wstring_view caption) const;  // a failure and an empty record when none comes
+    void Press(const Dialog& dialog, int button) const;   // and waits until it is gone
     void Answer(std::wstring_view caption, std::wstring_view text, int button) const;  // text: all of it, or "" for any
     void AnswerFileDialog(const std::wstring& path, int button = IDOK) const;
 
@@ -93,14 +93,16 @@ struct Editor {
     int Tabs() const;
     int ActiveTab() const;
     std::wstring TabLabel(int index) const;
-    POINT TabCentre(int index) const;                        // client coordinates of the tab control
-    HWND Sci() const;                                        // editor of the active tab
-    LRESULT Sci(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const { return Send(Sci(), message, wParam, lParam); }
+    POINT TabCentre(int index) const;  // client coordinates of the tab control
+    HWND Sci() const;                  // editor of the active tab
+    LRESULT Sci(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
+        return Send(Sci(), message, wParam, lParam);
+    }
     std::string Text() const;
-    void Type(std::string_view utf8) const;                  // replaces the selection: a modification like any other
+    void Type(std::string_view utf8) const;  // replaces the selection: a modification like any other
     bool Modified() const { return Sci(2159) != 0; }
-    int Line() const;                                        // of the caret, from 1
-    int Column() const;                                      // bytes before the caret in its line, from 1
+    int Line() const;    // of the caret, from 1
+    int Column() const;  // bytes before the caret in its line, from 1
 
     // Panes
     std::wstring Output() const;
@@ -108,11 +110,11 @@ struct Editor {
 
     // Real input
     void Foreground() const;
-    void Keys(std::initializer_list<int> keys) const;        // pressed in order, released in reverse
-    void Drag(HWND window, POINT from, POINT to) const;      // client coordinates of the window
+    void Keys(std::initializer_list<int> keys) const;    // pressed in order, released in reverse
+    void Drag(HWND window, POINT from, POINT to) const;  // client coordinates of the window
     void Click(HWND window, POINT at, DWORD down = MOUSEEVENTF_LEFTDOWN, int times = 1) const;
 
-    std::string Describe() const;                            // windows, log and output, for a failed test
+    std::string Describe() const;  // windows, log and output, for a failed test
 };
 
 // Memory in the program, for messages that carry pointers.

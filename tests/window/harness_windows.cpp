@@ -63,6 +63,23 @@ void Mouse(DWORD flags) {
     SendOne(input);
 }
 
+// Through the input queue, in order with the buttons: SetCursorPos would move the pointer at some later time.
+void MouseTo(POINT screen) {
+    INPUT input{};
+    input.type = INPUT_MOUSE;
+    input.mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
+    input.mi.dx = (screen.x * 65536 + 32768) / GetSystemMetrics(SM_CXSCREEN);
+    input.mi.dy = (screen.y * 65536 + 32768) / GetSystemMetrics(SM_CYSCREEN);
+    SendOne(input);
+    EXPECT_TRUE(WaitFor(
+        [&] {
+            POINT now{};
+            return GetCursorPos(&now) && now.x == screen.x && now.y == screen.y;
+        },
+        2000))
+        << "the mouse does not go where it should";
+}
+
 }  // namespace
 
 RemoteBlock::RemoteBlock(HANDLE owner, std::size_t bytes)
@@ -97,15 +114,16 @@ LRESULT Editor::Send(HWND window, UINT message, WPARAM wParam, LPARAM lParam) co
     SetLastError(0);
     if (!SendMessageTimeoutW(window, message, wParam, lParam, SMTO_NORMAL, kDeadline, &result))
         ADD_FAILURE() << "message " << message << "(" << wParam << ") to " << Utf8(ClassOf(window))
-                      << " was not answered, error " << GetLastError() << "\n" << Describe();
+                      << " was not answered, error " << GetLastError() << "\n"
+                      << Describe();
     return static_cast<LRESULT>(result);
 }
 
 std::wstring Editor::TextOf(HWND window) const {
     const auto length = static_cast<std::size_t>(Send(window, WM_GETTEXTLENGTH));
     std::wstring text(length + 1, L'\0');
-    const auto got = static_cast<std::size_t>(
-        Send(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data())));
+    const auto got =
+        static_cast<std::size_t>(Send(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data())));
     text.resize(std::min(got, length));
     return text;
 }
@@ -277,18 +295,18 @@ void Editor::Drag(HWND window, POINT from, POINT to) const {
     // Both ends in screen coordinates first: the window may move under the mouse.
     ClientToScreen(window, &from);
     ClientToScreen(window, &to);
-    SetCursorPos(from.x, from.y);
+    MouseTo(from);
     Mouse(MOUSEEVENTF_LEFTDOWN);
-    for (int step = 1; step <= kSteps; ++step) {
-        SetCursorPos(from.x + (to.x - from.x) * step / kSteps, from.y + (to.y - from.y) * step / kSteps);
-        Mouse(MOUSEEVENTF_MOVE);
-    }
+    for (int step = 1; step <= kSteps; ++step)
+        MouseTo({from.x + (to.x - from.x) * step / kSteps, from.y + (to.y - from.y) * step / kSteps});
+    Sleep(50);  // the X server echoes earlier places; the last word is ours
+    MouseTo(to);
     Mouse(MOUSEEVENTF_LEFTUP);
 }
 
 void Editor::Click(HWND window, POINT at, DWORD down, int times) const {
     ClientToScreen(window, &at);
-    SetCursorPos(at.x, at.y);
+    MouseTo(at);
     for (int i = 0; i < times; ++i) {
         Mouse(down);
         Mouse(down << 1);  // each button's "up" is the bit above its "down"

@@ -1,0 +1,298 @@
+// Documents on disk: what a save writes, byte for byte; save as, reload, close, backups, recent files, failed saves.
+#include "harness.h"
+
+#include <array>
+#include <filesystem>
+
+#include "resources/ids.h"
+
+namespace {
+
+constexpr wchar_t kProgramTitle[] = L"KVXE - Unified Compiler Editor";
+constexpr UINT kGotoPos = 2025, kCanUndo = 2174;
+
+std::wstring Open(const std::wstring& path) { return L" --open \"" + path + L"\""; }
+
+std::string HighBytes() {
+    std::string bytes;
+    for (int c = 0x80; c <= 0xFF; ++c) bytes += static_cast<char>(c);
+    return bytes;
+}
+
+// Every file below `folder` whose content is `text`.
+int CountCopies(const std::wstring& folder, const std::string& text) {
+    int count = 0;
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder, ignored))
+        if (entry.is_regular_file() && entry.file_size() == text.size())
+            count += ReadBytes(entry.path().wstring()) == text;
+    return count;
+}
+
+}  // namespace
+
+TEST(Files, EditingUndoAndSavingKeepEveryByte) {
+    struct Case {
+        const char* name;
+        std::string bytes;
+        std::string saved;  // what a save makes of it; empty: the same bytes
+        const wchar_t *encoding, *lineEnding;
+    };
+    using namespace std::string_literals;
+    const Case cases[] = {
+        {"utf8", "PRINT \"\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80\"\r\nEND\r\n", "", L"UTF-8", L"CRLF"},
+        {"ansi", "' caf\xE9 \x80\x93\r\nEND\r\n", "", L"ANSI", L"CRLF"},
+        {"ansi_all_lf", HighBytes() + "\n", "", L"ANSI", L"LF"},
+        {"overlong", "a\xC0\x80\r\n", "", L"ANSI", L"CRLF"},
+        {"surrogate", "\xED\xA0\x80\r", "", L"ANSI", L"CR"},
+        {"lf", "a\nb\n\n", "", L"UTF-8", L"LF"},
+        {"cr", "a\rb\r\r", "", L"UTF-8", L"CR"},
+        {"no_final_break", "a\r\nb", "", L"UTF-8", L"CRLF"},
+        {"one_line", "a", "", L"UTF-8", L"CRLF"},
+        {"empty", "", "", L"UTF-8", L"CRLF"},
+        {"nul", "a\0\0b\r\n\0"s, "", L"UTF-8", L"CRLF"},
+        {"utf16_ascii", "a\0b\0"s, "", L"UTF-8", L"CRLF"},
+        {"bom", "\xEF\xBB\xBFPRINT\n", "", L"UTF-8", L"LF"},
+        {"mixed_cr_first", "a\rb\r\nc\n", "a\rb\rc\r", L"UTF-8", L"CR"},
+        {"mixed_lf_first", "a\nb\r\nc\r", "a\nb\nc\n", L"UTF-8", L"LF"},
+        {"mixed_crlf_first", "a\r\nb\nc\rd", "a\r\nb\r\nc\r\nd", L"UTF-8", L"CRLF"},
+    };
+    ProgramFolder folder;
+    std::wstring arguments;
+    for (const Case& c : cases) arguments += Open(folder.Write(Wide(c.name) + L".txt", c.bytes));
+    Editor editor(folder, arguments);
+    ASSERT_EQ(editor.Tabs(), static_cast<int>(std::size(cases)));
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const std::wstring file = Wide(c.name) + L".txt";
+        const std::string saved = c.saved.empty() ? c.bytes : c.saved;
+        while (editor.TabLabel(editor.ActiveTab()) != file) {
+            const int before = editor.ActiveTab();
+            editor.Do(IDM_NEXT_TAB);
+            ASSERT_NE(editor.ActiveTab(), before);
+        }
+        EXPECT_EQ(editor.Status(4), c.encoding);
+        EXPECT_EQ(editor.Status(5), c.lineEnding);
+        EXPECT_FALSE(editor.Modified());
+        editor.Sci(kGotoPos, 0);
+        editor.Type("x");
+        EXPECT_TRUE(editor.Modified());
+        editor.Do(IDM_FILE_SAVE);
+        EXPECT_FALSE(editor.Modified());
+        EXPECT_EQ(folder.Read(file), "x" + saved);
+        editor.Do(IDM_EDIT_UNDO);
+        EXPECT_TRUE(editor.Modified()) << "undoing past the save modifies";
+        editor.Do(IDM_FILE_SAVE);
+        EXPECT_EQ(folder.Read(file), saved);
+    }
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+TEST(Files, OpenSaveAsAndReload) {
+    ProgramFolder folder;
+    const std::wstring source = folder.Write(L"in.txt", "one\n");
+    Editor editor(folder);
+    editor.Post(IDM_FILE_OPEN);
+    editor.AnswerFileDialog(source);
+    ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == 2; })) << editor.Describe();
+    EXPECT_EQ(editor.Text(), "one\n");
+
+    // A new name always means ANSI and CRLF; the extension is added; the document goes by the new name.
+    editor.Sci(kGotoPos, 4);
+    editor.Type("caf\xC3\xA9\n");
+    editor.Post(IDM_FILE_SAVE_AS);
+    editor.AnswerFileDialog(folder.File(L"out"));
+    ASSERT_TRUE(WaitFor([&] { return folder.Read(L"out.bas") == "one\r\ncaf\xE9\r\n"; })) << folder.Read(L"out.bas");
+    EXPECT_EQ(folder.Read(L"in.txt"), "one\n");
+    EXPECT_EQ(editor.TabLabel(1), L"out.bas");
+    EXPECT_NE(editor.Title().find(L"out.bas"), std::wstring::npos);
+    EXPECT_EQ(editor.Status(4), L"ANSI");
+    EXPECT_FALSE(editor.Modified());
+
+    // Saving an untitled document asks for a name; refusing leaves it as it is.
+    editor.Do(IDM_PREVIOUS_TAB);
+    ASSERT_EQ(editor.ActiveTab(), 0);
+    editor.Type("'x");
+    editor.Post(IDM_FILE_SAVE);
+    editor.AnswerFileDialog(folder.File(L"never.bas"), IDCANCEL);
+    EXPECT_TRUE(editor.Modified());
+    EXPECT_FALSE(Exists(folder.File(L"never.bas")));
+    EXPECT_EQ(editor.TabLabel(0), L"Untitled");
+
+    // An empty document cannot be saved as ANSI, by design; it stays untitled.
+    editor.Do(IDM_EDIT_UNDO);
+    editor.Post(IDM_FILE_SAVE);
+    editor.AnswerFileDialog(folder.File(L"empty.bas"));
+    editor.Answer(kProgramTitle, L"Failed to save file: " + folder.File(L"empty.bas"), IDOK);
+
+    // Text that ANSI does not have is never replaced unasked.
+    editor.Type("\xE6\x97\xA5");
+    editor.Post(IDM_FILE_SAVE);
+    editor.AnswerFileDialog(folder.File(L"kanji.bas"));
+    editor.Answer(kProgramTitle, L"", IDYES);
+    EXPECT_TRUE(WaitFor([&] { return folder.Read(L"kanji.bas") == "\xE6\x97\xA5"; })) << folder.Read(L"kanji.bas");
+    EXPECT_TRUE(WaitFor([&] { return editor.Status(4) == L"UTF-8"; }));
+
+    folder.Write(L"kanji.bas", "new\n\xFF");
+    editor.Do(IDM_FILE_RELOAD);
+    EXPECT_EQ(editor.Text(), "new\n\xC3\xBF");
+    EXPECT_FALSE(editor.Modified());
+    EXPECT_EQ(editor.Sci(kCanUndo), 0) << "a reload cannot be undone";
+    EXPECT_TRUE(WaitFor([&] { return editor.Status(4) == L"ANSI" && editor.Status(5) == L"LF"; }));
+    DeleteFileW(folder.File(L"kanji.bas").c_str());
+    editor.Post(IDM_FILE_RELOAD);
+    editor.Answer(kProgramTitle, L"Failed to reload file: " + folder.File(L"kanji.bas"), IDOK);
+    EXPECT_EQ(editor.Text(), "new\n\xC3\xBF") << "the text stays";
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+TEST(Files, CloseAsksAndObeys) {
+    ProgramFolder folder;
+    struct Case {
+        int answer;
+        bool closed;
+        const char* onDisk;
+    };
+    for (const Case& c : {Case{IDYES, true, "xa\r\n"}, Case{IDNO, true, "a\r\n"}, Case{IDCANCEL, false, "a\r\n"}}) {
+        SCOPED_TRACE(c.answer);
+        Editor editor(folder, Open(folder.Write(L"a.bas", "a\r\n")), Until::Started);
+        if (Exists(folder.File(L"Editor.ini_autosave.kvxsess"))) editor.Answer(L"Restore Session", L"", IDNO);
+        ASSERT_TRUE(editor.AwaitReady());
+        editor.Type("x");
+        editor.Post(IDM_FILE_CLOSE);
+        editor.Answer(L"Unsaved Changes", L"Save changes to a.bas?", c.answer);
+        const std::wstring line =
+            L"DBG FileClose: prompt answered tab=0 result=" + std::to_wstring(c.answer) + L" count=1";
+        EXPECT_TRUE(WaitFor([&] { return editor.Log().find(line) != std::wstring::npos; })) << editor.Describe();
+        EXPECT_EQ(folder.Read(L"a.bas"), c.onDisk);
+        if (!c.closed) {
+            EXPECT_EQ(editor.TabLabel(0), L"a.bas");
+            EXPECT_TRUE(editor.Modified());
+            // A failed save keeps the tab as well.
+            SetFileAttributesW(folder.File(L"a.bas").c_str(), FILE_ATTRIBUTE_READONLY);
+            editor.Post(IDM_FILE_CLOSE);
+            editor.Answer(L"Unsaved Changes", L"", IDYES);
+            editor.Answer(kProgramTitle, L"Failed to save file: " + folder.File(L"a.bas"), IDOK);
+            EXPECT_EQ(editor.TabLabel(0), L"a.bas");
+            EXPECT_TRUE(editor.Modified());
+            SetFileAttributesW(folder.File(L"a.bas").c_str(), FILE_ATTRIBUTE_NORMAL);
+        } else {
+            EXPECT_TRUE(WaitFor([&] { return editor.Title() == L"Untitled - KVXE Editor"; })) << Utf8(editor.Title());
+        }
+    }
+}
+
+TEST(Files, LeavingWithChangesAsksAndCancelStays) {
+    ProgramFolder folder;
+    Editor editor(folder, Open(folder.Write(L"a.bas", "a\r\n")));
+    editor.Type("x");
+    editor.Post(IDM_FILE_EXIT);
+    editor.Answer(L"Unsaved Changes", L"Save changes to a.bas?", IDCANCEL);
+    EXPECT_FALSE(editor.ExitCode(500)) << "cancelled";
+    EXPECT_EQ(editor.Text(), "xa\r\n");
+    editor.Post(IDM_FILE_EXIT);
+    editor.Answer(L"Unsaved Changes", L"Save changes to a.bas?", IDYES);
+    EXPECT_EQ(editor.ExitCode(), 0u);
+    EXPECT_EQ(folder.Read(L"a.bas"), "xa\r\n");
+}
+
+TEST(Files, BackupsAndSaveAll) {
+    ProgramFolder folder;
+    folder.SetIni(L"Editor", L"BackupOnSave", L"1");
+    Editor editor(folder, Open(folder.Write(L"a.bas", "a\r\n")) + Open(folder.Write(L"b.bas", "b\r\n")));
+    editor.Type("2");
+    editor.Do(IDM_PREVIOUS_TAB);
+    editor.Type("1");
+    editor.Do(IDM_FILE_SAVE_ALL);
+    EXPECT_EQ(folder.Read(L"a.bas"), "1a\r\n");
+    EXPECT_EQ(folder.Read(L"b.bas"), "2b\r\n");
+    EXPECT_EQ(folder.Read(L"a.bas.bak"), "a\r\n");
+    editor.Type("1");
+    editor.Do(IDM_FILE_SAVE);
+    EXPECT_EQ(folder.Read(L"a.bas.bak"), "1a\r\n") << "the copy follows";
+    DeleteFileW(folder.File(L"b.bas").c_str());
+    DeleteFileW(folder.File(L"b.bas.bak").c_str());
+    editor.Do(IDM_NEXT_TAB);
+    editor.Do(IDM_FILE_SAVE);
+    EXPECT_EQ(folder.Read(L"b.bas"), "2b\r\n");
+    EXPECT_FALSE(Exists(folder.File(L"b.bas.bak"))) << "nothing to copy";
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+TEST(Files, RecentListKeepsTenNewestFirst) {
+    ProgramFolder folder;
+    std::wstring arguments;
+    for (int i = 1; i <= 12; ++i) arguments += Open(folder.Write(L"f" + std::to_wstring(i) + L".bas", ""));
+    {
+        Editor editor(folder, arguments + Open(folder.File(L"F12.BAS")));
+        EXPECT_EQ(editor.Tabs(), 12) << "the same file under another case is the same file";
+        EXPECT_EQ(editor.ActiveTab(), 11);
+        EXPECT_EQ(folder.Ini(L"MRU", L"Count"), L"10") << "written at once";
+        EXPECT_EQ(folder.Ini(L"MRU", L"File0"), folder.File(L"f12.bas"));
+        EXPECT_EQ(folder.Ini(L"MRU", L"File9"), folder.File(L"f3.bas"));
+        editor.Do(IDM_FILE_CLOSE_ALL);
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    DeleteFileW(folder.File(L"Editor.ini_autosave.kvxsess").c_str());
+    folder.SetIni(L"Editor", L"RestoreLastSession", L"0");
+    Editor editor(folder, Open(folder.File(L"f10.bas")));
+    EXPECT_EQ(folder.Ini(L"MRU", L"Count"), L"10");
+    EXPECT_EQ(folder.Ini(L"MRU", L"File0"), folder.File(L"f10.bas"));
+    EXPECT_EQ(folder.Ini(L"MRU", L"File1"), folder.File(L"f12.bas"));
+    EXPECT_EQ(folder.Ini(L"MRU", L"File3"), folder.File(L"f9.bas"));
+}
+
+// Each way of failing: the message, the tab still modified, the old file whole, the new text in a recovery copy.
+TEST(Files, FailedSaveLosesNothing) {
+    ProgramFolder folder;
+    const std::wstring path = folder.Write(L"a.bas", "old\r\n");
+    wchar_t local[1024];
+    GetEnvironmentVariableW(L"LOCALAPPDATA", local, 1024);
+    Editor editor(folder, Open(path));
+    const auto expectFailure = [&](const std::wstring& file, const std::string& text, const std::string& onDisk) {
+        editor.Post(IDM_FILE_SAVE);
+        editor.Answer(kProgramTitle, L"Failed to save file: " + file, IDOK);
+        EXPECT_TRUE(editor.Modified());
+        EXPECT_EQ(ReadBytes(file).value_or("(unreadable)"), onDisk);
+        EXPECT_GE(CountCopies(local, text), 1) << "no recovery copy holds the text";
+    };
+
+    editor.Type("read-only 1 ");
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
+    expectFailure(path, "read-only 1 old\r\n", "old\r\n");
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+
+    editor.Type("locked 2 ");
+    const HANDLE lock = CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(lock, INVALID_HANDLE_VALUE);
+    expectFailure(path, "read-only 1 locked 2 old\r\n", "(unreadable)");
+    CloseHandle(lock);
+    EXPECT_EQ(folder.Read(L"a.bas"), "old\r\n");
+
+    editor.Do(IDM_FILE_SAVE);
+    EXPECT_EQ(folder.Read(L"a.bas"), "read-only 1 locked 2 old\r\n");
+    EXPECT_FALSE(editor.Modified());
+    EXPECT_EQ(CountCopies(local, "read-only 1 locked 2 old\r\n"), 0) << "a verified save needs no copy any more";
+}
+
+// KVX_SMALL_DISK names a folder on a disk of a few hundred kilobytes that the tests may fill (scripts/test mounts one).
+TEST(Files, FullDiskLosesNothing) {
+    const std::wstring disk = Variable(L"KVX_SMALL_DISK");
+    if (disk.empty()) GTEST_SKIP() << "KVX_SMALL_DISK is not set";
+    ProgramFolder folder;
+    const std::wstring path = disk + L"\\full.bas";
+    WriteBytes(path, "old\r\n");
+    ULARGE_INTEGER room{};
+    ASSERT_TRUE(GetDiskFreeSpaceExW(disk.c_str(), &room, nullptr, nullptr));
+    ASSERT_LT(room.QuadPart, 4u << 20) << "not a small disk";
+    wchar_t local[1024];
+    GetEnvironmentVariableW(L"LOCALAPPDATA", local, 1024);
+    Editor editor(folder, Open(path));
+    const std::string text(static_cast<std::size_t>(room.QuadPart) + 65536, 'z');
+    editor.Type(text);
+    editor.Post(IDM_FILE_SAVE);
+    editor.Answer(kProgramTitle, L"Failed to save file: " + path, IDOK);
+    EXPECT_TRUE(editor.Modified());
+    EXPECT_GE(CountCopies(local, text + "old\r\n"), 1);
+    DeleteFileW(path.c_str());
+}

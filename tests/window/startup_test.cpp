@@ -1,0 +1,276 @@
+// Start-up: the command line, the log, the detection report, what happens with a library missing, the restore question.
+#include "harness.h"
+
+#include <array>
+
+#include "resources/ids.h"
+
+namespace {
+
+constexpr wchar_t kHelp[] =
+    L"VQ Unified Editor v0.2.0\n\nUsage: KVX-Editor.exe [options]\n\nOptions:\n  --open <file>          Open file on "
+    L"startup\n  --compiler <name>      Set compiler (keldorbasic, kvxa32, kvxa64, kvxb64, kvxc64)\n  --font <name>  "
+    L"        Set editor font\n  --fontsize <n>         Set font size (6-72)\n  --detect               Test compiler "
+    L"auto-detect, show results, exit\n  --selftest             Test Scintilla mouse-click processing, exit\n  "
+    L"--selftest-tabs        Test real tab switching and Scintilla mouse selection, exit\n  --selftest-editor-all  "
+    L"Test tab close, editing, KVXB64 build, and debug command guards, exit\n  --selftest-toolbar     Test debug "
+    L"toolbar icons and compiler button order, exit\n  --selftest-compilers   Test editor build path for all "
+    L"configured compilers, exit\n  --selftest-exit        Test File > Exit command closes the main window, exit\n  "
+    L"--selftest-kb-debug    Test KeldorBasic /D PBD single-step debugging, exit\n  --selftest-kvxb64-debug Test "
+    L"KVXB64 DOUBLE IF/ELSE single-step debugging, exit\n  --log                  Enable verbose logging to "
+    L"Editor_Detect.log\n  --help, -h             Show this help\n\nAll features are also accessible via GUI "
+    L"menu/toolbar.";
+
+constexpr UINT kStyleGetSize = 2485, kStyleGetFont = 2486, kGetStyleAt = 2010;
+constexpr WPARAM kDefaultStyle = 32;
+
+std::vector<std::wstring> Lines(const std::wstring& text) {
+    std::vector<std::wstring> lines;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find(L"\r\n", at), text.size());
+        lines.push_back(text.substr(at, end - at));
+        at = end + 2;
+    }
+    return lines;
+}
+
+// Every line carries the time, and the wanted texts come in this order, others between them.
+void ExpectLog(const std::wstring& log, const std::vector<std::wstring>& wanted) {
+    std::size_t next = 0;
+    for (const std::wstring& line : Lines(log)) {
+        const bool stamped =
+            line.size() >= 11 && line[0] == L'[' && line[3] == L':' && line[6] == L':' && line.substr(9, 2) == L"] ";
+        EXPECT_TRUE(stamped) << "no time in: " << Utf8(line);
+        if (next < wanted.size() && stamped && line.substr(11) == wanted[next]) ++next;
+    }
+    EXPECT_EQ(next, wanted.size()) << "missing in the log, or out of order: "
+                                   << (next < wanted.size() ? Utf8(wanted[next]) : "");
+}
+
+}  // namespace
+
+TEST(Startup, WithoutArgumentsOneEmptyTabAndACompleteSettingsFile) {
+    ProgramFolder folder;
+    Editor editor(folder);
+    EXPECT_EQ(editor.Tabs(), 1);
+    EXPECT_EQ(editor.TabLabel(0), L"Untitled");
+    EXPECT_EQ(editor.Title(), L"Untitled - KVXE Editor");
+    EXPECT_EQ(editor.Text(), "");
+    EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); })) << "the editor has no focus";
+    ExpectLog(editor.Log(), {L"=== KVX-Editor Startup ===", L"After CLI: activeCompiler=3", L"After CLI: KVXA64=",
+                             L"After CLI: KVXB64=", L"After CLI: KVXA32=", L"After CLI: KVXC64=",
+                             L"After CLI: KELDORBASIC=", L"DBG WM_USER+200 ENTER"});
+    EXPECT_NE(editor.Log().find(L"EXE dir: " + folder.path.substr(0, folder.path.size() - 1)), std::wstring::npos);
+
+    // The first run writes the whole file at once, before anyone closes anything.
+    struct Default {
+        const wchar_t *section, *key, *value;
+    };
+    static constexpr Default kDefaults[] = {
+        {L"KVXA64", L"Path", L""},
+        {L"KVXA64", L"AsmFlag", L""},
+        {L"KVXB64", L"AsmFlag", L"--asm:{asm}"},
+        {L"KVXC64", L"AsmFlag", L"--asm:{asm}"},
+        {L"KVXA32", L"AsmFlag", L"/ASMOUT: {asm}"},
+        {L"KELDORBASIC", L"AsmFlag", L"/ASMOUT:{asm}"},
+        {L"KELDORBASIC", L"Flags", L"/L /Q"},
+        {L"KELDORBASIC", L"SyntaxFlags", L"/Q"},
+        {L"KELDORBASIC", L"RegisterExtension", L"0"},
+        {L"Editor", L"Font", L"Segoe UI"},
+        {L"Editor", L"FontSize", L"12"},
+        {L"Editor", L"ActiveCompiler", L"3"},
+        {L"Editor", L"TabWidth", L"4"},
+        {L"Editor", L"UseTabs", L"0"},
+        {L"Editor", L"ShowLineNumbers", L"1"},
+        {L"Editor", L"EdgeColumn", L"100"},
+        {L"Editor", L"OutputFont", L"Consolas"},
+        {L"Editor", L"OutputFontSize", L"9"},
+        {L"Editor", L"AutoCompleteTrigger", L"2"},
+        {L"Editor", L"AutoSaveInterval", L"0"},
+        {L"Editor", L"AutoSaveEnabled", L"1"},
+        {L"Editor", L"RestoreLastSession", L"1"},
+        {L"AI", L"AISidebarWidth", L"300"},
+        {L"AI", L"Enabled", L"0"},
+        {L"AI", L"OpenAITranscriptionModel", L"whisper-1"},
+        {L"AI", L"OpenAICodeModel", L"gpt-4o-mini"},
+        {L"AI", L"LMStudioModel", L"local"},
+        {L"AI", L"AppendLastError", L"1"},
+        {L"Project", L"ProjectTreeWidth", L"200"},
+        {L"Build", L"Profile", L"0"},
+        {L"MRU", L"Count", L"0"},
+        {L"Window", L"Splitter", L"400"},
+        {L"Meta", L"Version", L"2"},
+    };
+    for (const Default& row : kDefaults)
+        EXPECT_EQ(folder.Ini(row.section, row.key), row.value) << Utf8(row.section) << " " << Utf8(row.key);
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+TEST(Startup, OptionsOfTheCommandLineFromLeftToRight) {
+    ProgramFolder folder(kCompilers);
+    const std::string source = "FUNCTION PBMAIN\n";
+    std::wstring forward = folder.Write(L"sub\\one.bas", source);
+    for (wchar_t& c : forward)
+        if (c == L'\\') c = L'/';
+    const std::wstring foreign = folder.Write(L"Gr\u00F6\u00DFe \u65E5\u672C.bas", "' two\r\n");
+    const std::wstring missing = folder.File(L"missing.bas");
+    Editor editor(folder,
+                  L"--bogus --open \"" + forward +
+                      L"\" --fontsize 6 --fontsize 5 --fontsize 73 --fontsize x --open \"" + foreign + L"\" --open \"" +
+                      missing + L"\" --open \"" + forward +
+                      L"\" --compiler kvxc64 --compiler Kvxa64 --font \"Courier New\" --help --fontsize",
+                  Until::Started);
+    editor.Answer(L"KVXE - Unified Compiler Editor", L"Failed to open file: " + missing, IDOK);
+    editor.Answer(L"Editor Help", kHelp, IDOK);
+    ASSERT_TRUE(editor.AwaitReady()) << "the help box must not end the program";
+
+    ASSERT_EQ(editor.Tabs(), 2) << "two files, one of them named twice, one missing, no untitled tab";
+    EXPECT_EQ(editor.TabLabel(0), L"one.bas");
+    EXPECT_EQ(editor.TabLabel(1), L"Gr\u00F6\u00DFe \u65E5\u672C.bas");
+    EXPECT_EQ(editor.ActiveTab(), 0) << "opening an open file selects its tab";
+    EXPECT_EQ(editor.Text(), source);
+    EXPECT_NE(editor.Title().find(L"one.bas"), std::wstring::npos) << Utf8(editor.Title());
+    EXPECT_EQ(editor.Sci(kStyleGetSize, kDefaultStyle), 6);
+    EXPECT_NE(editor.Sci(kGetStyleAt, 0), 0) << "a keyword has the style of keywords";
+    const RemoteBlock font(editor.process, 128);
+    char name[128] = {};
+    editor.Sci(kStyleGetFont, kDefaultStyle, font.At());
+    font.Get(name, sizeof(name) - 1);
+    EXPECT_STREQ(name, "Courier New");
+    EXPECT_NE(editor.Log().find(L"After CLI: activeCompiler=4"), std::wstring::npos);
+    EXPECT_EQ(editor.Status(6), L"KVXC64");
+    EXPECT_EQ(folder.Ini(L"MRU", L"Count"), L"2");
+    EXPECT_EQ(folder.Ini(L"MRU", L"File0"), foreign) << "newest first; the missing file is not remembered";
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+TEST(Startup, DetectReportsAndLeaves) {
+    struct Case {
+        const char* name;
+        unsigned furnishing;
+        std::array<const wchar_t*, 5> paths;  // KeldorBasic, KVXA32, KVXA64, KVXB64, KVXC64
+        const wchar_t* found;
+    };
+    const Case cases[] = {
+        {"five compilers",
+         kCompilers,
+         {L"KELDORRBASIC\\KeldorrBASIC.exe", L"KVXA32\\KVXA32.exe", L"KVXA64\\kvxa64.exe", L"KVXB64\\KVXB64.exe",
+          L"KVXC64\\KVXC64.exe"},
+         L"5"},
+        {"none", kBare, {nullptr, nullptr, nullptr, nullptr, nullptr}, L"0"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ProgramFolder folder(c.furnishing);
+        Editor editor(folder, L"--detect --open ignored.bas", Until::Started);
+        static constexpr const wchar_t* kNames[] = {L"KeldorBasic", L"KVXA32", L"KVXA64", L"KVXB64", L"KVXC64"};
+        std::wstring text = L"Compiler Auto-Detect Results\n================================\n\n";
+        for (std::size_t i = 0; i < c.paths.size(); ++i)
+            text += std::wstring(kNames[i]) + L": " + (c.paths[i] ? folder.File(c.paths[i]) : L"(not found)") + L"\n\n";
+        editor.Answer(L"KVX-Editor Detect", text + L"Found: " + c.found + L"/5\n\nLog file: Editor_Detect.log", IDOK);
+        EXPECT_EQ(editor.ExitCode(), 0u);
+        ExpectLog(editor.Log(), {L"=== KVX-Editor Compiler Auto-Detect ===",
+                                 L"EXE path:  " + folder.File(L"KVX-Editor.exe"), L"=== Auto-Detect Compilers ===",
+                                 L"=== Summary: " + std::wstring(c.found) + L"/5 compilers found ==="});
+        EXPECT_FALSE(Exists(folder.File(L"Editor.ini_autosave.kvxsess"))) << "nothing is saved on this way out";
+    }
+}
+
+TEST(Startup, WithoutScintillaTwoBoxesAndExitCodeOne) {
+    ProgramFolder folder(kNoScintilla);
+    Editor editor(folder, L"", Until::Started);
+    editor.Answer(L"Error", L"Could not load Scintilla.dll", IDOK);
+    EXPECT_TRUE(WaitFor([&] {
+        const auto boxes = editor.Dialogs();
+        return boxes.size() == 1 && boxes[0].text == L"Failed to load Scintilla.dll";
+    })) << editor.Describe();
+    editor.Answer(L"Error", L"Failed to load Scintilla.dll", IDOK);
+    EXPECT_EQ(editor.ExitCode(), 1u);
+}
+
+TEST(Startup, WithoutLexillaPlainTextThatCanBeEdited) {
+    ProgramFolder folder(kNoLexilla);
+    const std::wstring file = folder.Write(L"a.bas", "FUNCTION PBMAIN\r\n");
+    Editor editor(folder, L"--open \"" + file + L"\"");
+    EXPECT_EQ(editor.Sci(kGetStyleAt, 0), 0) << "no lexer, no colours";
+    editor.Type("' ");
+    EXPECT_EQ(editor.Text(), "' FUNCTION PBMAIN\r\n");
+    editor.Do(IDM_FILE_SAVE);
+    EXPECT_EQ(folder.Read(L"a.bas"), "' FUNCTION PBMAIN\r\n");
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+TEST(Startup, LogGoesToTheTemporaryFolderWhenItsOwnRefuses) {
+    ProgramFolder folder;
+    CreateDirectoryW(folder.File(L"Editor_Detect.log").c_str(), nullptr);  // no file can be opened under that name
+    wchar_t temp[1024];
+    GetTempPathW(1024, temp);
+    const std::wstring fallback = std::wstring(temp) + L"Editor_Detect.log";
+    DeleteFileW(fallback.c_str());
+    Editor editor(folder, L"", Until::Started);
+    EXPECT_TRUE(WaitFor([&] {
+        const std::string log = ReadBytes(fallback).value_or("");
+        return log.starts_with("\xEF\xBB\xBF[") && log.find("DBG WM_USER+200 EXIT") != std::string::npos;
+    })) << "no log in the temporary folder";
+    // "--log" starts the file again.
+    Editor verbose(folder, L"--log", Until::Started);
+    EXPECT_TRUE(WaitFor([&] {
+        const std::string log = ReadBytes(fallback).value_or("");
+        return log.find("=== KVX-Editor Session Started (verbose log) ===") != std::string::npos &&
+               log.find("After CLI: activeCompiler=3") != std::string::npos;
+    }));
+}
+
+TEST(Startup, AutoSavedSessionIsOfferedAndObeyed) {
+    ProgramFolder folder;
+    const std::wstring one = folder.Write(L"one.bas", "1\r\n2\r\n3\r\n4\r\n"),
+                       two = folder.Write(L"two.bas", "a\r\nb\r\n");
+    const std::wstring three = folder.Write(L"three.bas", "");
+    const wchar_t* question = L"A previous session was auto-saved. Would you like to restore it?";
+    {
+        Editor editor(folder, L"--open \"" + one + L"\" --open \"" + two + L"\"");
+        editor.Sci(2025, 3);  // SCI_GOTOPOS
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    ASSERT_TRUE(Exists(folder.File(L"Editor.ini_autosave.kvxsess")));
+    {
+        // Refused with tabs open already: they stay, and no workspace joins them.
+        Editor editor(folder, L"--open \"" + three + L"\"", Until::Started);
+        editor.Answer(L"Restore Session", question, IDNO);
+        ASSERT_TRUE(editor.AwaitReady());
+        EXPECT_EQ(editor.Tabs(), 1);
+        EXPECT_EQ(editor.TabLabel(0), L"three.bas");
+        TerminateProcess(editor.process, 9);  // leaves the session file as it was
+    }
+    {
+        Editor editor(folder, L"", Until::Started);
+        editor.Answer(L"Restore Session", question, IDYES);
+        ASSERT_TRUE(editor.AwaitReady());
+        ASSERT_EQ(editor.Tabs(), 2);
+        EXPECT_EQ(editor.TabLabel(0), L"one.bas");
+        EXPECT_EQ(editor.ActiveTab(), 1);
+        EXPECT_EQ(editor.Sci(2008), 3) << "caret of the second file";
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    ASSERT_TRUE(Exists(folder.File(L"workspace.json")));
+    {
+        Editor editor(folder, L"", Until::Started);
+        editor.Answer(L"Restore Session", question, IDNO);
+        ASSERT_TRUE(editor.AwaitReady());
+        ASSERT_EQ(editor.Tabs(), 2) << "the workspace comes back when the session is refused";
+        EXPECT_EQ(editor.TabLabel(1), L"two.bas");
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    DeleteFileW(folder.File(L"Editor.ini_autosave.kvxsess").c_str());
+    DeleteFileW(folder.File(L"workspace.json").c_str());
+    DeleteFileW(two.c_str());
+    {
+        Editor editor(folder);
+        EXPECT_EQ(editor.Tabs(), 2) << "without a workspace the recent files that still exist";
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    folder.SetIni(L"Editor", L"RestoreLastSession", L"0");
+    DeleteFileW(folder.File(L"Editor.ini_autosave.kvxsess").c_str());
+    Editor editor(folder);
+    EXPECT_EQ(editor.TabLabel(0), L"Untitled") << "with the workspace option off an empty tab";
+}

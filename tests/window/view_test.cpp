@@ -1,0 +1,335 @@
+// What is on the screen and how it answers: panes and their places, splitters, tabs, themes, header line, keys, mouse.
+#include "harness.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "resources/ids.h"
+
+namespace {
+
+constexpr UINT kGotoPos = 2025, kGetPos = 2008, kGotoLine = 2024, kGetZoom = 2374, kGetWrap = 2269,
+               kGetWhitespace = 2020, kStyleGetBack = 2482, kGetCaretFore = 2138, kGetSelectionEmpty = 2650;
+constexpr WPARAM kDefaultStyle = 32;
+
+RECT RectOf(const Editor& editor, HWND child) {
+    RECT rect{};
+    GetWindowRect(child, &rect);
+    MapWindowPoints(nullptr, editor.main, reinterpret_cast<POINT*>(&rect), 2);
+    return rect;
+}
+
+int Width(const Editor& editor, HWND child) {
+    const RECT rect = RectOf(editor, child);
+    return rect.right - rect.left;
+}
+int Height(const Editor& editor, HWND child) {
+    const RECT rect = RectOf(editor, child);
+    return rect.bottom - rect.top;
+}
+
+std::string Show(const RECT& r) {
+    return "(" + std::to_string(r.left) + "," + std::to_string(r.top) + ")-(" + std::to_string(r.right) + "," +
+           std::to_string(r.bottom) + ")";
+}
+
+// No visible child covers another or leaves the client area, and the editor stays usable.
+void ExpectTidy(const Editor& editor) {
+    RECT client{}, common{};
+    GetClientRect(editor.main, &client);
+    std::vector<std::pair<int, RECT>> seen;
+    for (HWND child = GetWindow(editor.main, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        if (!IsWindowVisible(child)) continue;
+        const RECT rect = RectOf(editor, child);
+        const int id = GetDlgCtrlID(child);
+        EXPECT_TRUE(rect.left >= 0 && rect.top >= 0 && rect.right <= client.right && rect.bottom <= client.bottom)
+            << "child " << id << " " << Show(rect) << " leaves " << Show(client);
+        for (const auto& [otherId, other] : seen)
+            EXPECT_FALSE(IntersectRect(&common, &rect, &other))
+                << "child " << id << " " << Show(rect) << " covers " << otherId << " " << Show(other);
+        seen.emplace_back(id, rect);
+    }
+    EXPECT_GE(Width(editor, editor.Sci()), 100) << "the editor is too narrow";
+    EXPECT_GE(Height(editor, editor.Sci()), 30) << "the editor is too low";
+}
+
+void Resize(const Editor& editor, int width, int height) {
+    ShowWindow(editor.main, SW_RESTORE);
+    SetWindowPos(editor.main, nullptr, 0, 0, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
+    EXPECT_TRUE(WaitFor([&] {
+        RECT rect{};
+        GetWindowRect(editor.main, &rect);
+        return rect.right - rect.left == width && rect.bottom - rect.top == height;
+    }));
+    editor.Send(editor.main, WM_NULL);
+}
+
+std::wstring Open(const std::wstring& path) { return L" --open \"" + path + L"\""; }
+
+}  // namespace
+
+TEST(View, PanesNeverOverlap) {
+    ProgramFolder folder;
+    for (const wchar_t* key : {L"ShowTerminal", L"ShowErrorList"}) folder.SetIni(L"Editor", key, L"1");
+    folder.SetIni(L"Project", L"ShowProjectTree", L"1");
+    folder.SetIni(L"Editor", L"AutoSaveEnabled", L"0");
+    Editor editor(folder);
+    struct Step {
+        const char* name;
+        std::initializer_list<int> commands;
+    };
+    // Each step adds to or takes from the one before.
+    const Step steps[] = {
+        {"tree, terminal, error list", {}},
+        {"ASM pane too", {IDM_VIEW_ASM}},
+        {"AI side bar too", {IDM_VIEW_AI}},
+        {"no tool bar, no status bar", {IDM_VIEW_TOOLBAR, IDM_VIEW_STATUS_BAR}},
+        {"AI without ASM, no output", {IDM_VIEW_ASM, IDM_VIEW_OUTPUT}},
+        {"bars only", {IDM_VIEW_AI, IDM_VIEW_TOOLBAR, IDM_VIEW_STATUS_BAR}},
+    };
+    for (const Step& step : steps) {
+        SCOPED_TRACE(step.name);
+        for (int command : step.commands) editor.Do(command);
+        for (const SIZE size : {SIZE{1000, 700}, SIZE{640, 400}}) {
+            SCOPED_TRACE(size.cx);
+            Resize(editor, size.cx, size.cy);
+            ExpectTidy(editor);
+        }
+        ShowWindow(editor.main, SW_MAXIMIZE);
+        ASSERT_TRUE(WaitFor([&] { return IsZoomed(editor.main) != 0; }));
+        editor.Send(editor.main, WM_NULL);
+        SCOPED_TRACE("maximised");
+        ExpectTidy(editor);
+    }
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+TEST(View, SplittersFollowTheMouseAndKeepTheirShare) {
+    ProgramFolder folder;
+    folder.SetIni(L"Project", L"ShowProjectTree", L"1");
+    Editor editor(folder);
+    editor.Do(IDM_VIEW_ASM);
+    Resize(editor, 1100, 760);
+    editor.Foreground();
+    const HWND output = editor.Child(IDC_OUTPUT), assembly = editor.Child(IDC_ASM),
+               tree = editor.Child(IDC_PROJECT_TREE);
+    struct Case {
+        const char* name;
+        int bar;
+        POINT by;
+        int outputHeight, asmWidth, treeWidth;  // expected change
+    };
+    const Case cases[] = {
+        {"output up", IDC_SPLIT_OUTPUT, {0, -60}, 60, 0, 0},
+        {"output down", IDC_SPLIT_OUTPUT, {0, 40}, -40, 0, 0},
+        {"assembly to the left", IDC_SPLIT_ASM, {-50, 0}, 0, 50, 0},
+        {"tree to the left", IDC_SPLIT_TREE, {-30, 0}, 0, 0, -30},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const int before[] = {Height(editor, output), Width(editor, assembly), Width(editor, tree)};
+        const HWND bar = editor.Child(c.bar);
+        const POINT from{Width(editor, bar) / 2, Height(editor, bar) / 2};
+        editor.Drag(bar, from, {from.x + c.by.x, from.y + c.by.y});
+        EXPECT_TRUE(WaitFor(
+            [&] {
+                return Height(editor, output) == before[0] + c.outputHeight &&
+                       Width(editor, assembly) == before[1] + c.asmWidth &&
+                       Width(editor, tree) == before[2] + c.treeWidth;
+            },
+            2000))
+            << "output " << before[0] << " to " << Height(editor, output) << ", assembly " << before[1] << " to "
+            << Width(editor, assembly) << ", tree " << before[2] << " to " << Width(editor, tree);
+        ExpectTidy(editor);
+    }
+    const int height = Height(editor, output), share = Height(editor, editor.Sci());
+    Resize(editor, 900, 500);
+    EXPECT_LT(Height(editor, output), height);
+    EXPECT_LT(Height(editor, editor.Sci()), share) << "both panes give";
+    Resize(editor, 1100, 760);
+    EXPECT_NEAR(Height(editor, output), height, 2) << "the share survives a resize";
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+TEST(View, CommandsChangeTheViewAndAreRemembered) {
+    ProgramFolder folder;
+    folder.SetIni(L"Editor", L"AutoSaveEnabled", L"0");
+    {
+        Editor editor(folder);
+        struct Pane {
+            const char* name;
+            int command, child;
+            bool shown;
+        };
+        for (const Pane& p : {Pane{"toolbar", IDM_VIEW_TOOLBAR, IDC_TOOLBAR, true},
+                              Pane{"status bar", IDM_VIEW_STATUS_BAR, IDC_STATUS_BAR, true},
+                              Pane{"output", IDM_VIEW_OUTPUT, IDC_OUTPUT, true},
+                              Pane{"ASM", IDM_VIEW_ASM, IDC_ASM, false}, Pane{"AI", IDM_VIEW_AI, IDC_AI_CHAT, false}}) {
+            for (const bool expected : {p.shown, !p.shown, p.shown}) {
+                EXPECT_EQ(IsWindowVisible(editor.Child(p.child)) != 0, expected) << p.name;
+                editor.Do(p.command);
+            }
+        }
+        EXPECT_TRUE(editor.TextOf(editor.Child(IDC_ASM)).starts_with(L"ASM output will appear here"));
+        EXPECT_TRUE(editor.TextOf(editor.Child(IDC_AI_CHAT)).starts_with(L"AI Chat"));
+
+        editor.Do(IDM_VIEW_ZOOM_IN);
+        editor.Do(IDM_VIEW_ZOOM_IN);
+        editor.Do(IDM_FILE_NEW);
+        EXPECT_EQ(editor.Sci(kGetZoom), 2) << "every editor zooms";
+        editor.Do(IDM_VIEW_ZOOM_OUT);
+        EXPECT_EQ(editor.Sci(kGetZoom), 1);
+        editor.Do(IDM_VIEW_ZOOM_RESET);
+        EXPECT_EQ(editor.Sci(kGetZoom), 0);
+        editor.Do(IDM_VIEW_ZOOM_IN);
+        editor.Do(IDM_VIEW_WORD_WRAP);
+        editor.Do(IDM_VIEW_WHITESPACE);
+        EXPECT_NE(editor.Sci(kGetWrap), 0);
+        EXPECT_NE(editor.Sci(kGetWhitespace), 0);
+
+        const auto back = [&] { return editor.Sci(kStyleGetBack, kDefaultStyle); };
+        const LRESULT light = back();
+        EXPECT_EQ(editor.Sci(kGetCaretFore), 0) << "a black caret on a light page";
+        editor.Do(IDM_VIEW_DARK_THEME);
+        EXPECT_NE(back(), light);
+        EXPECT_EQ(editor.Sci(kGetCaretFore), 0xFFFFFF);
+        std::vector<LRESULT> pages;
+        for (int style = IDM_STYLE_CODE; style <= IDM_STYLE_CLASSIC; ++style) {
+            editor.Do(style);
+            pages.push_back(back());
+            EXPECT_EQ(folder.Ini(L"Editor", L"EditorStylePreset"), std::to_wstring(style - IDM_STYLE_FIRST + 1));
+        }
+        EXPECT_NE(std::count(pages.begin(), pages.end(), pages[0]), 5) << "the five styles look the same";
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    Editor editor(folder);
+    EXPECT_EQ(editor.Sci(kGetZoom), 1);
+    EXPECT_NE(editor.Sci(kGetWrap), 0);
+    EXPECT_NE(editor.Sci(kGetWhitespace), 0);
+    EXPECT_EQ(folder.Ini(L"Editor", L"Theme"), L"1");
+    EXPECT_EQ(folder.Ini(L"Editor", L"EditorStylePreset"), L"5");
+}
+
+TEST(View, TabsByMouseAndKeyboard) {
+    ProgramFolder folder;
+    std::wstring arguments;
+    for (const wchar_t* name : {L"a.bas", L"b.bas", L"c.bas", L"d.bas"})
+        arguments += Open(folder.Write(name, Utf8(name)));
+    Editor editor(folder, arguments);
+    editor.Foreground();
+    const HWND tabs = editor.Child(IDC_TABS);
+    const auto order = [&] {
+        std::wstring labels;
+        for (int i = 0; i < editor.Tabs(); ++i) labels += editor.TabLabel(i).substr(0, 1);
+        return labels;
+    };
+    EXPECT_EQ(editor.ActiveTab(), 3);
+    editor.Click(tabs, editor.TabCentre(1));
+    EXPECT_TRUE(WaitFor([&] { return editor.ActiveTab() == 1 && editor.Text() == "b.bas"; }));
+    EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); })) << "a click brings the focus to the editor";
+    editor.Drag(tabs, editor.TabCentre(0), editor.TabCentre(2));
+    EXPECT_TRUE(WaitFor([&] { return order() == L"bcad"; })) << Utf8(order());
+    EXPECT_EQ(editor.Text(), "a.bas") << "the document goes with its tab";
+    editor.Click(tabs, editor.TabCentre(1), MOUSEEVENTF_MIDDLEDOWN);
+    EXPECT_TRUE(WaitFor([&] { return order() == L"bad"; })) << Utf8(order());
+    EXPECT_EQ(editor.Text(), "a.bas") << "closing another tab keeps the active one";
+    editor.Keys({VK_CONTROL, VK_TAB});
+    EXPECT_TRUE(WaitFor([&] { return editor.Text() == "d.bas"; }));
+    editor.Keys({VK_CONTROL, VK_SHIFT, VK_TAB});
+    EXPECT_TRUE(WaitFor([&] { return editor.Text() == "a.bas"; }));
+    editor.Type("x");
+    editor.Click(tabs, editor.TabCentre(1), MOUSEEVENTF_MIDDLEDOWN);
+    editor.Answer(L"Unsaved Changes", L"Save changes to a.bas?", IDCANCEL);
+    EXPECT_EQ(order(), L"bad");
+    editor.Keys({VK_CONTROL, 'W'});
+    editor.Answer(L"Unsaved Changes", L"", IDNO);
+    EXPECT_TRUE(WaitFor([&] { return order() == L"bd"; }));
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+TEST(View, KeysReachEditorAndCommands) {
+    ProgramFolder folder;
+    const std::wstring file = folder.Write(L"a.txt", "");
+    Editor editor(folder, Open(file));
+    editor.Foreground();
+    ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
+    editor.Keys({'H'});
+    editor.Keys({VK_SHIFT, 'I'});
+    editor.Keys({VK_RETURN});
+    EXPECT_TRUE(WaitFor([&] { return editor.Text().starts_with("hI"); })) << editor.Text();
+    editor.Keys({VK_CONTROL, 'S'});
+    EXPECT_TRUE(WaitFor([&] { return folder.Read(L"a.txt") == "hI\r\n"; })) << folder.Read(L"a.txt");
+    EXPECT_TRUE(WaitFor([&] { return editor.Status(2) == L"Ln 2, Col 1"; })) << Utf8(editor.Status(2));
+    editor.Keys({VK_CONTROL, 'N'});
+    EXPECT_TRUE(WaitFor([&] { return editor.Tabs() == 2; }));
+    editor.Type("one two one\n\n3\n");
+
+    // Ctrl+G: the line counts from 1, the column from 0; the caret stops at the line's end.
+    struct Jump {
+        const wchar_t *line, *column;
+        int expected;
+    };
+    for (const Jump& jump : {Jump{L"1", L"4", 4}, Jump{L"3", L"99", 14}, Jump{L"0", L"0", 14}}) {
+        editor.Keys({VK_CONTROL, 'G'});
+        Dialog dialog{};
+        ASSERT_TRUE(WaitFor([&] {
+            for (const Dialog& d : editor.Dialogs())
+                if (GetDlgItem(d.window, IDC_GOTO_LINE)) dialog = d;
+            return dialog.window != nullptr;
+        })) << editor.Describe();
+        EXPECT_EQ(editor.TextOf(GetDlgItem(dialog.window, IDC_GOTO_LINE)), std::to_wstring(editor.Line()));
+        EXPECT_EQ(editor.TextOf(GetDlgItem(dialog.window, IDC_GOTO_LINE_COUNT)), L"4");
+        editor.Send(GetDlgItem(dialog.window, IDC_GOTO_LINE), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(jump.line));
+        editor.Send(GetDlgItem(dialog.window, IDC_GOTO_COLUMN), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(jump.column));
+        editor.Press(dialog, IDOK);
+        EXPECT_EQ(editor.Sci(kGetPos), jump.expected) << Utf8(jump.line) << ":" << Utf8(jump.column);
+    }
+    editor.Keys({VK_CONTROL, 'F'});
+    HWND find = nullptr;
+    ASSERT_TRUE(WaitFor([&] {
+        for (const Dialog& d : editor.Dialogs())
+            if (GetDlgItem(d.window, IDC_FIND_WHAT)) find = d.window;
+        return find != nullptr;
+    })) << editor.Describe();
+    HWND what = GetDlgItem(find, IDC_FIND_WHAT);
+    editor.Send(what, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"one"));
+    editor.Sci(kGotoPos, 1);
+    PostMessageW(find, WM_COMMAND, IDC_FIND_NEXT, reinterpret_cast<LPARAM>(GetDlgItem(find, IDC_FIND_NEXT)));
+    EXPECT_TRUE(WaitFor([&] { return editor.Sci(kGetPos) == 11 && !editor.Sci(kGetSelectionEmpty); }));
+    PostMessageW(find, WM_COMMAND, IDCANCEL, 0);
+    EXPECT_TRUE(WaitFor([&] { return !IsWindowVisible(find); }));
+    editor.Keys({VK_CONTROL, VK_OEM_PLUS});
+    EXPECT_TRUE(WaitFor([&] { return editor.Sci(kGetZoom) == 1; }));
+    editor.Keys({VK_CONTROL, '0'});
+    EXPECT_TRUE(WaitFor([&] { return editor.Sci(kGetZoom) == 0; }));
+}
+
+TEST(View, StickyHeaderAndNavigationHistory) {
+    ProgramFolder folder;
+    std::string text = "TYPEOF x\n  SUB Indented\nSUB First(BYVAL a AS LONG)\n  a = 1\nEND SUB\nfunction lower\n";
+    for (int i = 0; i < 30; ++i) text += "' " + std::to_string(i) + "\n";
+    Editor editor(folder, Open(folder.Write(L"a.bas", text)) + Open(folder.Write(L"b.bas", "'\n")));
+    editor.Do(IDM_PREVIOUS_TAB);
+    const auto header = [&] { return editor.TextOf(editor.Child(IDC_STICKY_HEADER)); };
+    struct Case {
+        int line;
+        const wchar_t* header;
+    };
+    for (const Case& c : {Case{1, L"TYPEOF x"}, Case{2, L"TYPEOF x"}, Case{4, L"SUB First(BYVAL a AS LONG)"},
+                          Case{30, L"SUB First(BYVAL a AS LONG)"}}) {
+        editor.Sci(kGotoLine, static_cast<WPARAM>(c.line - 1));
+        EXPECT_TRUE(WaitFor([&] { return header() == c.header; }, 3000)) << "line " << c.line << ": " << Utf8(header());
+    }
+    editor.Do(IDM_NAV_BACK);
+    EXPECT_EQ(editor.Line(), 1) << "back over the jump of 26 lines; the short moves were not kept";
+    editor.Do(IDM_NAV_FORWARD);
+    EXPECT_EQ(editor.Line(), 30);
+    editor.Do(IDM_NEXT_TAB);
+    EXPECT_TRUE(WaitFor([&] { return header().empty(); }, 3000)) << Utf8(header());
+    // The switch of tabs is a place of its own once the editor has told of its caret.
+    editor.Sci(kGotoPos, 1);
+    EXPECT_TRUE(WaitFor([&] { return editor.Status(2) == L"Ln 1, Col 2"; }));
+    editor.Do(IDM_NAV_BACK);
+    EXPECT_TRUE(WaitFor([&] { return editor.ActiveTab() == 0; }));
+    EXPECT_EQ(editor.Line(), 30);
+}
