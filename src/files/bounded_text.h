@@ -13,5 +13,11 @@ bool SafeCatW(wchar_t* out, std::size_t capacity, std::wstring_view text);
 // Replaces the content of `out` by `text`; cut to fit, always terminated. True when everything fitted.
 bool SafeCopyW(wchar_t* out, std::size_t capacity, std::wstring_view text);
 
-template <std::size_t N> bool SafeCopyW(wchar_t (&out)[N], std::wstring_view text) { return SafeCopyW(out, N, text); }
-template <std::size_t N> bool SafeCatW(wchar_t (&out)[N], std::wstring_view text) { return SafeCatW(out, N, text); }
+template <std::size_t N>
+bool SafeCopyW(wchar_t (&out)[N], std::wstring_view text) {
+    return SafeCopyW(out, N, text);
+}
+template <std::size_t N>
+bool SafeCatW(wchar_t (&out)[N], std::wstring_view text) {
+    return SafeCatW(out, N, text);
+}

@@ -6,9 +6,18 @@
 #include <string_view>
 
 bool StrStartsWithW(const wchar_t* text, const wchar_t* prefix);
-void PathGetDir(const wchar_t* path, wchar_t* out, std::size_t capacity);   // with its trailing backslash
+void PathGetDir(const wchar_t* path, wchar_t* out, std::size_t capacity);  // with its trailing backslash
 void PathGetFile(const wchar_t* path, wchar_t* out, std::size_t capacity);
 void PathJoin(const wchar_t* directory, const wchar_t* name, wchar_t* out, std::size_t capacity);
 void StripTrailingSlash(wchar_t* path);
 
+// As the file system compares names: Latin, Greek, Cyrillic and Armenian letters by their simple case pairs, whatever
+// the locale. Any other character equals only itself.
 bool PathEqualsIgnoreCase(std::wstring_view a, std::wstring_view b);
+
+// "C:..." or "\\server...": everything else is relative to some folder.
+bool PathIsAbsolute(std::wstring_view path);
+
+// The form that the system accepts beyond its 260-character limit: an absolute, already normalised path of 248
+// characters or more gets the "\\?\" prefix (folders are limited to 248), every other one is returned as it is.
+std::wstring PathExtended(std::wstring_view path);

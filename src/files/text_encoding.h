@@ -7,3 +7,13 @@
 
 enum class TextEncoding : std::uint32_t { Utf8 = 0, Ansi = 1 };  // Ansi: the system's active code page
 enum class LineEnding : std::uint32_t { CrLf = 0, Lf = 1, Cr = 2 };
+
+// Well-formed UTF-8 without overlong forms, surrogates and code points beyond U+10FFFF; NUL bytes are text.
+bool IsValidUtf8Bytes(const char* bytes, std::size_t length);
+
+// The first line break decides; CRLF when there is none.
+LineEnding DetectLineEnding(const char* bytes, std::size_t length);
+
+// A new NUL-terminated block, freed by the caller with free(), in which every CRLF, lone CR and lone LF is the one
+// break asked for. Null when memory runs out. `outLength` (without the NUL) may be null.
+char* NormalizeLineEndings(const char* bytes, std::size_t length, LineEnding lineEnding, std::size_t* outLength);

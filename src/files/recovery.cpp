@@ -1,0 +1,46 @@
+// Names of recovery copies. Pure; any thread.
+#include "files/recovery.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::size_t kStemLimit = 120;  // leaves room for folder, tag and extension
+constexpr std::size_t kExtensionLimit = 20;
+
+// 32-bit FNV-1a over the path as the file system compares it, as far as ASCII goes: enough to tell the targets of a
+// folder of copies apart.
+std::uint32_t HashPath(std::wstring_view path) {
+    std::uint32_t hash = 2166136261U;
+    for (const wchar_t c : path) {
+        const auto code = static_cast<std::uint32_t>(c >= L'A' && c <= L'Z' ? c + (L'a' - L'A') : c);
+        for (unsigned shift = 0; shift < 16; shift += 8) {
+            hash = (hash ^ ((code >> shift) & 0xFFU)) * 16777619U;
+        }
+    }
+    return hash;
+}
+
+std::wstring Hex(std::uint32_t value) {
+    std::wstring text;
+    do {
+        text.insert(text.begin(), L"0123456789abcdef"[value % 16]);
+        value /= 16;
+    } while (value != 0);
+    return text;
+}
+
+}  // namespace
+
+std::wstring RecoveryCopyName(std::wstring_view targetPath, std::uint32_t processId, std::uint32_t number) {
+    const std::size_t slash = targetPath.find_last_of(L"\\/:");
+    const std::wstring_view name = slash == std::wstring_view::npos ? targetPath : targetPath.substr(slash + 1);
+    std::size_t dot = name.rfind(L'.');
+    if (dot == std::wstring_view::npos || dot == 0 || name.size() - dot > kExtensionLimit) {
+        dot = name.size();
+    }
+    std::wstring result{name.substr(0, std::min(dot, kStemLimit))};
+    result += L" [" + Hex(HashPath(targetPath)) + L'-' + Hex(processId) + L'-' + std::to_wstring(number) + L']';
+    result += name.substr(dot);
+    return result;
+}

@@ -1,0 +1,156 @@
+// Recovery copies on disk. The list of copies that failed saves left is the only state, under its own lock; any thread.
+#include "files/recovery.h"
+
+#include "files/file_io.h"
+#include "files/handles.h"
+#include "files/path.h"
+
+#include <shlobj.h>
+
+#include <atomic>
+#include <iterator>
+#include <mutex>
+#include <vector>
+
+namespace {
+
+struct KeptCopy {
+    std::wstring target;
+    RecoveryCopy copy;
+};
+
+std::mutex g_keptLock;
+std::vector<KeptCopy> g_kept;  // under g_keptLock
+std::wstring g_lastPath;       // under g_keptLock
+std::atomic<std::uint32_t> g_nextNumber{1};
+
+// The environment comes first: it is what a user can redirect, and asking the shell would load it into every save.
+std::wstring LocalAppData() {
+    wchar_t folder[1024];
+    const DWORD length = GetEnvironmentVariableW(L"LOCALAPPDATA", folder, static_cast<DWORD>(std::size(folder)));
+    if (length > 0 && length < std::size(folder)) {
+        return folder;
+    }
+    wchar_t known[MAX_PATH];
+    return SUCCEEDED(SHGetFolderPathW(nullptr, CSIDL_LOCAL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, known)) ? known : L"";
+}
+
+bool EnsureFolder(const std::wstring& folder) {
+    return CreateDirectoryW(PathForSystem(folder.c_str()).c_str(), nullptr) != FALSE ||
+           GetLastError() == ERROR_ALREADY_EXISTS;
+}
+
+bool WriteFlushed(const std::wstring& path, const char* bytes, std::size_t length, DWORD attributes) {
+    const std::wstring systemPath = PathForSystem(path.c_str());
+    bool standing = false;
+    bool created = false;
+    {
+        const UniqueHandle file{
+            CreateFileW(systemPath.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, attributes, nullptr)};
+        created = static_cast<bool>(file);
+        DWORD written = 0;
+        standing = created && WriteFile(file.Get(), bytes, static_cast<DWORD>(length), &written, nullptr) != FALSE &&
+                   written == length && FlushFileBuffers(file.Get()) != FALSE;
+    }
+    if (created && !standing) {
+        DeleteFileW(systemPath.c_str());  // half a copy would only mislead
+    }
+    return standing;
+}
+
+void Remove(const RecoveryCopy& copy) {
+    // What cannot be deleted is a leftover in the user's recovery folder, not a loss.
+    if (!copy.path.empty()) {
+        DeleteFileW(PathForSystem(copy.path.c_str()).c_str());
+    }
+    if (!copy.notePath.empty()) {
+        DeleteFileW(PathForSystem(copy.notePath.c_str()).c_str());
+    }
+}
+
+// A name that is free in the folder: an earlier process with the same number may have left a copy.
+std::wstring FreeName(const std::wstring& folder, const wchar_t* target) {
+    std::wstring path;
+    do {
+        path = folder + RecoveryCopyName(target, GetCurrentProcessId(), g_nextNumber++);
+    } while (GetFileAttributesW(PathForSystem(path.c_str()).c_str()) != INVALID_FILE_ATTRIBUTES);
+    return path;
+}
+
+bool WriteInUserFolder(const wchar_t* target, const char* bytes, std::size_t length, RecoveryCopy* copy) {
+    const std::wstring folder = RecoveryFolder();
+    const HeapBlock<char> note{WideToUtf8(target)};
+    if (folder.empty() || !note) {
+        return false;
+    }
+    const std::wstring path = FreeName(folder, target);
+    const RecoveryCopy wanted{.path = path, .notePath = path + L".path"};
+    // The note first: with the copy on disk, so is what it belongs to.
+    const bool written = WriteFileUtf8(wanted.notePath.c_str(), note.get(), std::string_view{note.get()}.size()) &&
+                         WriteFlushed(wanted.path, bytes, length, FILE_ATTRIBUTE_NORMAL);
+    if (!written) {
+        DeleteFileW(PathForSystem(wanted.notePath.c_str()).c_str());
+        return false;
+    }
+    *copy = wanted;
+    return true;
+}
+
+}  // namespace
+
+std::wstring RecoveryFolder() {
+    std::wstring folder = LocalAppData();
+    if (folder.empty()) {
+        return {};
+    }
+    for (const wchar_t* part : {L"\\KVX-Editor", L"\\Recovery"}) {
+        folder += part;
+        if (!EnsureFolder(folder)) {
+            return {};
+        }
+    }
+    return folder + L'\\';
+}
+
+bool RecoveryWrite(const wchar_t* target, const char* bytes, std::size_t length, RecoveryCopy* copy) {
+    *copy = {};
+    if (WriteInUserFolder(target, bytes, length, copy)) {
+        return true;
+    }
+    // The volume of the user's folder is full or gone; the target's own volume may have room.
+    std::wstring folder{target};
+    folder.resize(folder.rfind(L'\\') + 1);  // npos + 1 is 0: the current folder
+    const std::wstring beside = FreeName(folder, target);
+    if (!WriteFlushed(beside, bytes, length, FILE_ATTRIBUTE_NORMAL)) {
+        return false;
+    }
+    copy->path = beside;
+    return true;
+}
+
+void RecoveryDiscard(const wchar_t* target, const RecoveryCopy& copy) {
+    Remove(copy);
+    const std::lock_guard lock{g_keptLock};
+    g_lastPath.clear();
+    // Earlier failures of this target held older states of the same document.
+    std::erase_if(g_kept, [target](const KeptCopy& kept) {
+        const bool same = PathEqualsIgnoreCase(kept.target, target);
+        if (same) {
+            Remove(kept.copy);
+        }
+        return same;
+    });
+}
+
+void RecoveryKeep(const wchar_t* target, const RecoveryCopy& copy) {
+    const std::lock_guard lock{g_keptLock};
+    g_lastPath = copy.path;
+    if (!copy.path.empty()) {
+        g_kept.push_back({target, copy});
+    }
+}
+
+std::wstring RecoveryLastPath() {
+    const std::lock_guard lock{g_keptLock};
+    return g_lastPath;
+}

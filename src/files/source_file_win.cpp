@@ -1,0 +1,264 @@
+// Source files between disk and editor: encoding and line ending are found on the way in and restored on the way out,
+// and a save never leaves the user without either the old or the new content. Any thread.
+#include "files/file_io.h"
+#include "files/handles.h"
+#include "files/path.h"
+#include "files/recovery.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+
+namespace {
+
+constexpr std::size_t kVerifyChunk = 1 << 20;
+
+struct WideBlock {
+    HeapBlock<wchar_t> text;
+    int length = 0;  // without a terminator; 0: failed
+};
+
+WideBlock ToWide(UINT codePage, const char* bytes, std::size_t length) {
+    WideBlock wide;
+    if (length == 0 || length > INT_MAX) {
+        return wide;
+    }
+    const int size = static_cast<int>(length);
+    const int needed = MultiByteToWideChar(codePage, 0, bytes, size, nullptr, 0);
+    if (needed < 1) {
+        return wide;
+    }
+    wide.text.reset(static_cast<wchar_t*>(std::malloc((static_cast<std::size_t>(needed) + 1) * sizeof(wchar_t))));
+    if (wide.text && MultiByteToWideChar(codePage, 0, bytes, size, wide.text.get(), needed) == needed) {
+        wide.text.get()[needed] = L'\0';
+        wide.length = needed;
+    }
+    return wide;
+}
+
+struct ByteBlock {
+    HeapBlock<char> bytes;
+    std::size_t length = 0;
+};
+
+// NUL-terminated; no block on failure.
+ByteBlock FromWide(UINT codePage, const WideBlock& wide) {
+    ByteBlock result;
+    if (wide.length < 1) {
+        return result;
+    }
+    const int needed = WideCharToMultiByte(codePage, 0, wide.text.get(), wide.length, nullptr, 0, nullptr, nullptr);
+    if (needed < 1) {
+        return result;
+    }
+    HeapBlock<char> bytes{static_cast<char*>(std::malloc(static_cast<std::size_t>(needed) + 1))};
+    if (bytes && WideCharToMultiByte(codePage, 0, wide.text.get(), wide.length, bytes.get(), needed, nullptr,
+                                     nullptr) == needed) {
+        bytes.get()[needed] = '\0';
+        result.length = static_cast<std::size_t>(needed);
+        result.bytes = std::move(bytes);
+    }
+    return result;
+}
+
+// What the target's file is before it is overwritten.
+struct TargetState {
+    bool exists = false;
+    DWORD attributes = FILE_ATTRIBUTE_NORMAL;  // to create it with: the system refuses to overwrite a hidden or system
+                                               // file unless they match
+    std::uint64_t size = 0;
+};
+
+TargetState LookAtTarget(const std::wstring& systemPath) {
+    TargetState state;
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    if (GetFileAttributesExW(systemPath.c_str(), GetFileExInfoStandard, &data) != FALSE) {
+        state.exists = true;
+        state.size = (static_cast<std::uint64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow;
+        const DWORD kept = data.dwFileAttributes & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
+                                                    FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED);
+        state.attributes = kept != 0 ? kept : FILE_ATTRIBUTE_NORMAL;
+    }
+    return state;
+}
+
+// False only when the volume certainly has no room for the new content, the old one's counted as free. Truncating
+// first and running out afterwards would leave half a file.
+bool VolumeHasRoom(const wchar_t* path, const TargetState& target, std::size_t length) {
+    if (length <= target.size) {
+        return true;
+    }
+    wchar_t directory[4096];
+    PathGetDir(path, directory, 4096);
+    ULARGE_INTEGER available = {};
+    if (directory[0] == L'\0' ||
+        GetDiskFreeSpaceExW(PathForSystem(directory).c_str(), &available, nullptr, nullptr) == FALSE) {
+        return true;  // not known: the write will tell
+    }
+    return length - target.size <= available.QuadPart;
+}
+
+// The write itself: truncates, writes in one call, and has the bytes on the disk when it returns true.
+bool Overwrite(const std::wstring& systemPath, DWORD attributes, const char* bytes, std::size_t length) {
+    const UniqueHandle file{
+        CreateFileW(systemPath.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, attributes, nullptr)};
+    DWORD written = 0;
+    if (!file || WriteFile(file.Get(), bytes, static_cast<DWORD>(length), &written, nullptr) == FALSE ||
+        written != length) {
+        return false;
+    }
+    // Some redirectors and odd file systems know no flush; that is no failed write.
+    return FlushFileBuffers(file.Get()) != FALSE || GetLastError() == ERROR_INVALID_FUNCTION ||
+           GetLastError() == ERROR_NOT_SUPPORTED;
+}
+
+enum class Verdict { Same, Different, Unreadable };
+
+Verdict CompareWithFile(const std::wstring& systemPath, const char* bytes, std::size_t length) {
+    const UniqueHandle file{CreateFileW(systemPath.c_str(), GENERIC_READ,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                        FILE_FLAG_SEQUENTIAL_SCAN, nullptr)};
+    const HeapBlock<char> chunk{static_cast<char*>(std::malloc(kVerifyChunk))};
+    if (!file || !chunk) {
+        return Verdict::Unreadable;
+    }
+    for (std::size_t offset = 0;;) {
+        DWORD read = 0;
+        if (ReadFile(file.Get(), chunk.get(), static_cast<DWORD>(kVerifyChunk), &read, nullptr) == FALSE) {
+            return Verdict::Unreadable;
+        }
+        if (read == 0) {
+            return offset == length ? Verdict::Same : Verdict::Different;
+        }
+        if (read > length - offset || std::memcmp(chunk.get(), bytes + offset, read) != 0) {
+            return Verdict::Different;
+        }
+        offset += read;
+    }
+}
+
+// Order matters: the copy stands before the target is touched. When not even a copy beside the target can be written,
+// a target that holds something is left alone: its old content is then the only one on any disk.
+bool SaveSafely(const wchar_t* path, const char* bytes, std::size_t length) {
+    if (length >= MAXDWORD) {
+        return false;
+    }
+    const std::wstring systemPath = PathForSystem(path);
+    const TargetState target = LookAtTarget(systemPath);
+    RecoveryCopy copy;
+    const bool copied = RecoveryWrite(path, bytes, length, &copy);
+    bool saved = false;
+    Verdict verdict = Verdict::Unreadable;
+    if (copied || target.size == 0) {
+        // A copy beside the target has taken its room already, on purpose: it is what the user is left with.
+        saved = VolumeHasRoom(path, target, length) && Overwrite(systemPath, target.attributes, bytes, length);
+    }
+    if (saved) {
+        verdict = CompareWithFile(systemPath, bytes, length);
+        saved = verdict != Verdict::Different;
+    }
+    if (verdict == Verdict::Same) {
+        RecoveryDiscard(path, copy);
+        return true;
+    }
+    // A target that takes bytes but cannot be read back was saved as far as anyone can tell; the copy stays all the same.
+    RecoveryKeep(path, copy);
+    return saved;
+}
+
+}  // namespace
+
+char* ReadSourceFileForEditor(const wchar_t* path, std::size_t* length, TextEncoding* encoding,
+                              LineEnding* lineEnding) {
+    std::size_t rawLength = 0;
+    HeapBlock<char> raw{ReadFileUtf8(path, &rawLength)};
+    if (!raw) {
+        return nullptr;
+    }
+    if (lineEnding != nullptr) {
+        *lineEnding = DetectLineEnding(raw.get(), rawLength);
+    }
+    TextEncoding found = TextEncoding::Utf8;
+    ByteBlock text;
+    if (IsValidUtf8Bytes(raw.get(), rawLength)) {
+        text = {std::move(raw), rawLength};
+    } else {
+        found = TextEncoding::Ansi;
+        const WideBlock wide = ToWide(CP_ACP, raw.get(), rawLength);
+        raw.reset();
+        text = FromWide(CP_UTF8, wide);
+        if (!text.bytes) {
+            return nullptr;
+        }
+    }
+    if (encoding != nullptr) {
+        *encoding = found;
+    }
+    if (length != nullptr) {
+        *length = text.length;
+    }
+    return text.bytes.release();
+}
+
+bool WriteSourceFileFromEditor(const wchar_t* path, const char* utf8, std::size_t length, TextEncoding encoding,
+                               LineEnding lineEnding) {
+    if (path == nullptr || utf8 == nullptr) {
+        return false;
+    }
+    std::size_t normalLength = 0;
+    HeapBlock<char> normal{NormalizeLineEndings(utf8, length, lineEnding, &normalLength)};
+    if (!normal) {
+        return false;
+    }
+    if (encoding != TextEncoding::Ansi) {
+        return SaveSafely(path, normal.get(), normalLength);
+    }
+    const WideBlock wide = ToWide(CP_UTF8, normal.get(), normalLength);
+    normal.reset();
+    const ByteBlock ansi = FromWide(CP_ACP, wide);
+    return ansi.bytes && SaveSafely(path, ansi.bytes.get(), ansi.length);
+}
+
+bool AnsiCanHold(std::string_view utf8) { return AnsiFirstUnmappable(utf8) < 0; }
+
+std::ptrdiff_t AnsiFirstUnmappable(std::string_view utf8) {
+    // A system whose code page is UTF-8 holds everything, and takes no question about replacements.
+    if (GetACP() == CP_UTF8) {
+        return -1;
+    }
+    // Blocks of a fixed size keep the memory small and the common answer one pass; the block with the character in it is
+    // then walked one by one.
+    constexpr std::size_t kBlock = 1 << 16;
+    constexpr int kAnsiCapacity = 2 * (static_cast<int>(kBlock) + 4);
+    const HeapBlock<char> ansi{static_cast<char*>(std::malloc(kAnsiCapacity))};
+    const auto holds = [&ansi](std::string_view part) {
+        const WideBlock wide = ToWide(CP_UTF8, part.data(), part.size());
+        BOOL replaced = FALSE;
+        // With look-alikes forbidden, what would silently become another character counts too.
+        return wide.length > 0 && ansi &&
+               WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.text.get(), wide.length, ansi.get(),
+                                   kAnsiCapacity, nullptr, &replaced) > 0 &&
+               replaced == FALSE;
+    };
+    const auto isLead = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; };
+    for (std::size_t at = 0; at < utf8.size();) {
+        std::size_t end = std::min(utf8.size(), at + kBlock);
+        while (end < utf8.size() && !isLead(utf8[end])) {
+            ++end;
+        }
+        if (!holds(utf8.substr(at, end - at))) {
+            for (std::size_t first = at; first < end;) {
+                std::size_t next = first + 1;
+                while (next < end && !isLead(utf8[next])) {
+                    ++next;
+                }
+                if (static_cast<unsigned char>(utf8[first]) >= 0x80 && !holds(utf8.substr(first, next - first))) {
+                    return static_cast<std::ptrdiff_t>(first);
+                }
+                first = next;
+            }
+        }
+        at = end;
+    }
+    return -1;
+}
