@@ -1,0 +1,13 @@
+// Gives every name its meaning and every expression its type, inserts conversions, lowers FOR and SELECT CASE, and warns.
+#pragma once
+
+#include "ast.h"
+
+namespace standin {
+
+inline constexpr int64_t kMaxFrameBytes = 1 << 20;
+inline constexpr int64_t kMaxDataBytes = 128 << 20;
+
+void CheckProgram(Sources& sources, Program& program);
+
+}  // namespace standin

@@ -1,0 +1,14 @@
+// Machine code and data to a Windows console program. Knows nothing of BASIC.
+#pragma once
+
+#include "codegen.h"
+
+namespace standin {
+
+inline constexpr uint32_t kTextRva = 0x1000;
+inline constexpr uint32_t kImageBase32 = 0x400000;
+
+// The file's bytes. `image` gets its addresses filled in.
+std::string LinkImage(Image& image);
+
+}  // namespace standin

@@ -1,0 +1,155 @@
+// File access by std::filesystem (UTF-8 names in, wide calls on Windows) and the printing of diagnostics.
+#include "source.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <system_error>
+
+namespace standin {
+namespace {
+
+struct Rule {
+    Code code;
+    std::string_view id, title, help;
+};
+
+constexpr std::array<Rule, static_cast<size_t>(Code::Count)> kRules = {{
+    {Code::Text, "E001", "text not understood",
+     "sources are ASCII or UTF-8 text; other characters stand in strings only"},
+    {Code::Unsupported, "E002", "not part of this BASIC", "samples/toolchain/README.md lists what the stand-ins take"},
+    {Code::Syntax, "E003", "statement not understood", "check the spelling and the order of the words"},
+    {Code::Undeclared, "E004", "unknown name", "declare variables with LOCAL, STATIC or DIM before using them"},
+    {Code::Duplicate, "E005", "name used twice", "rename one of the two"},
+    {Code::Mismatch, "E006", "kinds do not match", "compare the use with the declaration"},
+    {Code::Block, "E007", "block not closed or not opened", "each opening line needs its closing line"},
+    {Code::File, "E008", "file problem", "check the name and the include directories"},
+    {Code::Limit, "E009", "beyond a limit", "split the code into smaller pieces"},
+    {Code::Constant, "E010", "not a constant", "use numbers and constants defined above"},
+    {Code::Unused, "W101", "", ""},
+    {Code::Narrowing, "W102", "", ""},
+    {Code::Unreachable, "W103", "", ""},
+    {Code::NoResult, "W104", "", ""},
+    {Code::Suspicious, "W105", "", ""},
+}};
+
+const Rule& RuleOf(Code code) { return kRules[static_cast<size_t>(code)]; }
+
+std::filesystem::path ToPath(const std::string& utf8) {
+    return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
+}
+
+bool IsSeparator(char c) { return c == '/' || c == '\\'; }
+
+}  // namespace
+
+bool IsWarning(Code code) { return code >= Code::Unused; }
+
+bool TooManyErrors(const Sources& sources) { return sources.errors >= kMaxErrors; }
+
+void Report(Sources& sources, Code code, Pos pos, std::string message, std::string fix) {
+    if (TooManyErrors(sources)) return;
+    if (!IsWarning(code) && !sources.errorPlaces.insert({pos.file, pos.line, pos.column}).second) return;
+    ++(IsWarning(code) ? sources.warnings : sources.errors);
+    sources.diagnostics.push_back({code, pos, std::move(message), std::move(fix)});
+}
+
+std::string FormatDiagnostics(const Sources& sources, const Profile& profile) {
+    std::vector<const Diagnostic*> order;
+    for (const Diagnostic& one : sources.diagnostics) order.push_back(&one);
+    std::stable_sort(order.begin(), order.end(), [](const Diagnostic* a, const Diagnostic* b) {
+        return std::tie(a->pos.file, a->pos.line, a->pos.column) < std::tie(b->pos.file, b->pos.line, b->pos.column);
+    });
+    std::ostringstream out;
+    for (const Diagnostic* one : order) {
+        const std::string& file = sources.files[static_cast<size_t>(one->pos.file)].name;
+        if (profile.shape == DiagnosticShape::Colon)
+            out << file << ':' << one->pos.line << ':' << one->pos.column << ':';
+        else
+            out << file << '(' << one->pos.line << ',' << one->pos.column << "):";
+        out << (IsWarning(one->code) ? " warning: " : " error: ") << one->message << '\n';
+        if (!profile.explains || IsWarning(one->code)) continue;
+        const Rule& rule = RuleOf(one->code);
+        out << "error[" << rule.id << "]: " << rule.title << "\nhelp: " << rule.help << '\n';
+        if (!one->fix.empty()) out << "fix: " << one->fix << '\n';
+    }
+    if (TooManyErrors(sources)) out << "Stopped after " << kMaxErrors << " errors.\n";
+    return out.str();
+}
+
+std::optional<std::string> ReadWholeFile(const std::string& path, std::string& why) {
+    std::error_code error;
+    const std::filesystem::path file = ToPath(path);
+    if (std::filesystem::is_directory(file, error)) {
+        why = "it is a folder";
+        return std::nullopt;
+    }
+    std::ifstream in(file, std::ios::binary);
+    if (!in) {
+        why = std::filesystem::exists(file, error) ? "it cannot be opened" : "it does not exist";
+        return std::nullopt;
+    }
+    std::string text;
+    std::array<char, 65536> block;
+    while (in.read(block.data(), block.size()) || in.gcount() > 0) {
+        text.append(block.data(), static_cast<size_t>(in.gcount()));
+        if (text.size() > kMaxSourceBytes) {
+            why = "it is larger than 16 MB";
+            return std::nullopt;
+        }
+    }
+    if (in.bad()) {
+        why = "it cannot be read";
+        return std::nullopt;
+    }
+    return text;
+}
+
+bool WriteWholeFile(const std::string& path, std::string_view bytes) {
+    const std::filesystem::path file = ToPath(path);
+    std::ofstream out(file, std::ios::binary | std::ios::trunc);
+    if (!out) return false;  // nothing was written: a file that is in use stays as it is
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    out.close();
+    if (out) return true;
+    std::error_code ignored;  // the write error is what the caller reports
+    std::filesystem::remove(file, ignored);
+    return false;
+}
+
+void RemoveFile(const std::string& path) {
+    std::error_code ignored;  // most often there is none
+    std::filesystem::remove(ToPath(path), ignored);
+}
+
+bool FileExists(const std::string& path) {
+    std::error_code error;
+    return std::filesystem::is_regular_file(ToPath(path), error);
+}
+
+std::string CanonicalName(const std::string& path) {
+    std::error_code error;
+    const std::filesystem::path full = std::filesystem::weakly_canonical(ToPath(path), error);
+    const std::u8string text = error ? ToPath(path).u8string() : full.u8string();
+    return {text.begin(), text.end()};
+}
+
+bool IsAbsolute(std::string_view path) {
+    return (path.size() > 1 && path[1] == ':') || (!path.empty() && IsSeparator(path[0]));
+}
+
+std::string FolderOf(const std::string& path) {
+    const size_t at = path.find_last_of("/\\");
+    if (at == std::string::npos) return {};
+    return path.substr(0, at == 0 || path[at - 1] == ':' ? at + 1 : at);
+}
+
+std::string JoinPath(const std::string& dir, const std::string& name) {
+    if (dir.empty()) return name;
+    if (IsSeparator(dir.back())) return dir + name;
+    return dir + (dir.find('\\') != std::string::npos || dir.back() == ':' ? '\\' : '/') + name;
+}
+
+}  // namespace standin
