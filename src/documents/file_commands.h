@@ -6,14 +6,16 @@
 
 #include <cstddef>
 
-int FileNew();                     // 1, or 0 when no tab could be added
-int FileOpen(const wchar_t* path); // null: the dialog. 1 when the file is shown in a tab, new or existing
+int FileNew();                      // 1, or 0 when no tab could be added
+int FileOpen(const wchar_t* path);  // null: the dialog. 1 when the file is shown in a tab, new or existing
 int FileSave(int tab);
 int FileSaveAs(int tab);
-int FileSaveAll();                 // 1 when every modified document was saved
+int FileSaveAll();  // 1 when every modified document was saved
 int FileReload(int tab);
-int FileClose(int tab);            // 0 when the user cancelled or the save failed
-int FileCloseAll();                // stops at the first refusal: 0
+int FileClose(int tab);  // 0 when the user cancelled or the save failed
+// The question of FileClose alone: 1 when the document may go (unmodified, saved, or given up), 0 otherwise.
+int FileConfirmClose(int tab);
+int FileCloseAll();  // stops at the first refusal: 0
 
 // The folder that the open dialog starts in. 1 when one was produced.
 int FileOpenResolveInitialDirectory(wchar_t* out, std::size_t capacity);

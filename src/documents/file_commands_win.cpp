@@ -1,0 +1,240 @@
+// New, open, reload and close of documents, and the recent-file list. Knows the tab bar and the files, not the menu that
+// calls it; saving is in file_save_win.cpp. UI thread.
+#include "documents/file_commands.h"
+
+#include "app/app_state.h"
+#include "app/log.h"
+#include "app/shell.h"
+#include "compilers/compiler_table.h"
+#include "documents/file_dialogs.h"
+#include "documents/open_directory.h"
+#include "documents/recent_files.h"
+#include "editor/editor_pane.h"
+#include "files/file_io.h"
+#include "files/handles.h"
+#include "files/message.h"
+#include "files/path.h"
+#include "files/wide_format.h"
+#include "language/theme.h"
+#include "scintilla/sci.h"
+#include "tabs/tab_bar.h"
+
+#include <algorithm>
+#include <string>
+
+namespace {
+
+constexpr int kTreeWidthSplitter = 401;  // a width from here on was never meant for the tree
+constexpr int kTreeWidthDefault = 200;
+
+// The path as the rest of the program uses it: absolute, backslashes. False, after telling the user, when it does not
+// fit.
+bool ResolveInputPath(const wchar_t* input, wchar_t* out, std::size_t capacity) {
+    if (PathNormalizeInput(input, out, capacity)) {
+        return true;
+    }
+    AppLogMsg(L"FAIL: FileOpen path does not fit: %s", input);
+    ErrorMessage(L"Failed to open file: %s\n\nThe path is not valid or longer than %d characters.", input,
+                 static_cast<int>(capacity - 1));
+    return false;
+}
+
+// The compiler that the file's name asks for becomes the active one.
+void SelectCompilerFor(const wchar_t* path) {
+    const auto compiler = static_cast<std::int32_t>(CompilerDefaultForFile(path));
+    if (compiler == g_app.settings.activeCompiler) {
+        return;
+    }
+    g_app.settings.activeCompiler = compiler;
+    MainWindow_UpdateCompilerSelection();
+    SyntaxThemeApplyAll();
+}
+
+// The first file opened gives the project tree its root.
+void OfferProjectRoot(const wchar_t* directory) {
+    Settings& settings = g_app.settings;
+    if (g_selftestTabsMode || settings.projectRoot[0] != L'\0' || g_app.hProjectTree == nullptr) {
+        return;
+    }
+    SafeCopyW(settings.projectRoot, directory);
+    if (settings.projectTreeWidth >= kTreeWidthSplitter) {
+        settings.projectTreeWidth = kTreeWidthDefault;
+    }
+    ProjectTreePopulate();
+}
+
+// Caret and scroll position of an editor, to be put back after its text was replaced.
+struct ViewPosition {
+    LRESULT caret;
+    LRESULT firstLine;
+};
+
+ViewPosition CaptureView(HWND editor) {
+    return {SciSend(editor, SCI_GETCURRENTPOS), SciSend(editor, SCI_GETFIRSTVISIBLELINE)};
+}
+
+void RestoreView(HWND editor, const ViewPosition& view) {
+    const LRESULT length = SciSend(editor, SCI_GETLENGTH);
+    SciSend(editor, SCI_GOTOPOS, static_cast<WPARAM>(std::min(view.caret, length)));
+    SciSend(editor, SCI_SETFIRSTVISIBLELINE, static_cast<WPARAM>(view.firstLine));
+}
+
+// IDYES, IDNO or IDCANCEL. A self-test run asks nothing and keeps nothing.
+int AskSaveChanges(int tab) {
+    if (g_selftestTabsMode) {
+        return IDNO;
+    }
+    wchar_t question[512];
+    FormatBufferW(question, L"Save changes to %s?", g_app.tabs[static_cast<std::size_t>(tab)].label);
+    return MessageBoxW(g_app.hMainWnd, question, L"Unsaved Changes", MB_YESNOCANCEL | MB_ICONQUESTION);
+}
+
+// Reloading cannot be undone, so edits are not given up without a word.
+bool MayDiscardChanges(const DocumentTab& document) {
+    if (!document.modified || g_selftestTabsMode) {
+        return true;
+    }
+    wchar_t question[512];
+    FormatBufferW(question, L"Reload %s and lose the changes made here?", document.label);
+    return MessageBoxW(g_app.hMainWnd, question, L"Unsaved Changes", MB_YESNO | MB_ICONQUESTION) == IDYES;
+}
+
+}  // namespace
+
+int FileNew() {
+    const int tab = TabBarAdd(L"", L"Untitled");
+    if (tab < 0) {
+        return 0;
+    }
+    TabBarSelect(tab);
+    return 1;
+}
+
+int FileOpen(const wchar_t* path) {
+    wchar_t chosen[kPathCapacity] = {};
+    if (path == nullptr) {
+        wchar_t directory[kPathCapacity] = {};
+        FileOpenResolveInitialDirectory(directory, kPathCapacity);
+        if (!AskOpenPath(chosen, kPathCapacity, directory)) {
+            return 0;
+        }
+        path = chosen;
+    }
+    wchar_t file[kPathCapacity] = {};
+    if (!ResolveInputPath(path, file, kPathCapacity)) {
+        return 0;
+    }
+    const int existing = TabBarFindPath(file);
+    if (existing >= 0) {
+        TabBarSelect(existing);
+        return 1;
+    }
+    wchar_t label[kLabelCapacity];
+    PathGetFile(file, label, kLabelCapacity);
+    const int tab = TabBarAdd(file, label);
+    if (tab < 0) {
+        ErrorMessage(L"Failed to open file: %s", file);
+        return 0;
+    }
+    SelectCompilerFor(file);
+    TabBarSelect(tab);
+    MruAddFile(file);
+    PathGetDir(file, g_app.lastDirectory, kPathCapacity);
+    OfferProjectRoot(g_app.lastDirectory);
+    return 1;
+}
+
+int FileOpenResolveInitialDirectory(wchar_t* out, std::size_t capacity) {
+    wchar_t exeDirectory[kPathCapacity] = {};
+    AppExeDirectory(exeDirectory, kPathCapacity);
+    const wchar_t* activeFile = L"";
+    if (IsTabIndex(g_app.activeTab)) {
+        const DocumentTab& tab = g_app.tabs[static_cast<std::size_t>(g_app.activeTab)];
+        activeFile = tab.hasFile ? tab.path : L"";
+    }
+    const OpenDirectoryInputs inputs{
+        .activeFile = activeFile, .lastDirectory = g_app.lastDirectory, .exeDirectory = exeDirectory};
+    return ResolveOpenDirectory(inputs, DirectoryExists, out, capacity) ? 1 : 0;
+}
+
+int FileReload(int tab) {
+    if (!IsTabIndex(tab) || !g_app.tabs[static_cast<std::size_t>(tab)].hasFile) {
+        return 0;
+    }
+    if (!MayDiscardChanges(g_app.tabs[static_cast<std::size_t>(tab)])) {
+        return 0;
+    }
+    DocumentTab& document = g_app.tabs[static_cast<std::size_t>(tab)];
+    std::size_t length = 0;
+    TextEncoding encoding = document.encoding;
+    LineEnding lineEnding = document.lineEnding;
+    const HeapBlock<char> text{ReadSourceFileForEditor(document.path, &length, &encoding, &lineEnding)};
+    if (!text) {
+        ErrorMessage(L"Failed to reload file: %s", document.path);
+        return 0;
+    }
+    document.encoding = encoding;
+    document.lineEnding = lineEnding;
+    const ViewPosition view = CaptureView(document.editor);
+    EditorPaneSetBytes(document.editor, {text.get(), length});
+    RestoreView(document.editor, view);
+    document.modified = false;
+    TabBarUpdateTitle(tab);
+    return 1;
+}
+
+int FileConfirmClose(int tab) {
+    if (!IsTabIndex(tab)) {
+        return 0;
+    }
+    if (!g_app.tabs[static_cast<std::size_t>(tab)].modified) {
+        return 1;
+    }
+    // Timers and posted messages run while the box is up, so the tab is found again by its editor.
+    const HWND editor = g_app.tabs[static_cast<std::size_t>(tab)].editor;
+    const int answer = AskSaveChanges(tab);
+    AppLogMsg(L"DBG FileClose: prompt answered tab=%d result=%d count=%d", tab, answer, TabCount());
+    tab = TabBarFindEditor(editor);
+    if (tab < 0 || answer == IDCANCEL) {
+        return 0;
+    }
+    return answer == IDYES ? FileSave(tab) : 1;
+}
+
+int FileClose(int tab) {
+    if (!IsTabIndex(tab)) {
+        return 0;
+    }
+    const HWND editor = g_app.tabs[static_cast<std::size_t>(tab)].editor;
+    if (FileConfirmClose(tab) == 0 || TabBarRemove(TabBarFindEditor(editor)) == 0) {
+        return 0;
+    }
+    MainWindow_UpdateTitle();
+    return 1;
+}
+
+int FileCloseAll() {
+    for (int tab = TabCount() - 1; tab >= 0; --tab) {
+        if (g_app.tabs[static_cast<std::size_t>(tab)].modified) {
+            TabBarSelect(tab);  // the user sees what the question is about
+        }
+        if (FileClose(tab) == 0) {
+            return 0;
+        }
+    }
+    return 1;
+}
+
+void MruAddFile(const wchar_t* path) {
+    if (path == nullptr || path[0] == L'\0') {
+        return;
+    }
+    Settings& settings = g_app.settings;
+    settings.mruCount = RecentListAdd(settings.mruFiles, settings.mruCount, path, RecentMatch::IgnoreCase);
+    SettingsSave(nullptr);
+}
+
+bool DirectoryExists(const wchar_t* path) {
+    const DWORD attributes = path != nullptr ? GetFileAttributesW(PathExtended(path).c_str()) : INVALID_FILE_ATTRIBUTES;
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}

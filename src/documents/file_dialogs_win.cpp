@@ -1,0 +1,68 @@
+// The system's open and save dialogs. Knows no document. UI thread.
+#include "documents/file_dialogs.h"
+
+#include "app/app_state.h"
+#include "app/log.h"
+#include "documents/file_filters.h"
+#include "files/message.h"
+
+#include <windows.h>
+
+#include <cderr.h>
+#include <commdlg.h>
+
+#include <string>
+
+namespace {
+
+// The dialogs' own form of the filter table: texts separated and ended by NULs.
+std::wstring FilterText() {
+    std::wstring text;
+    for (const FileTypeFilter& filter : kFileFilters) {
+        text.append(filter.description).push_back(L'\0');
+        text.append(filter.pattern).push_back(L'\0');
+    }
+    text.push_back(L'\0');
+    return text;
+}
+
+bool Ask(BOOL(WINAPI* dialog)(LPOPENFILENAMEW), OPENFILENAMEW request) {
+    const std::wstring filter = FilterText();
+    request.lStructSize = sizeof request;
+    request.hwndOwner = g_app.hMainWnd;
+    request.lpstrFilter = filter.c_str();
+    request.nFilterIndex = 1;
+    if (dialog(&request) != FALSE) {
+        return true;
+    }
+    const DWORD error = CommDlgExtendedError();  // 0: the user cancelled
+    if (error == FNERR_BUFFERTOOSMALL) {
+        ErrorMessage(L"The path is too long: the editor takes paths of up to %d characters.",
+                     static_cast<int>(request.nMaxFile - 1));
+    } else if (error != 0) {
+        AppLogMsg(L"FAIL: file dialog error=0x%04X name=%s", error, request.lpstrFile);
+        ErrorMessage(L"The file dialog could not be shown (error 0x%04X).", error);
+    }
+    return false;
+}
+
+}  // namespace
+
+bool AskOpenPath(wchar_t* path, std::size_t capacity, const wchar_t* directory) {
+    OPENFILENAMEW request = {};
+    request.lpstrFile = path;
+    request.nMaxFile = static_cast<DWORD>(capacity);
+    request.lpstrInitialDir = directory;
+    request.Flags = OFN_HIDEREADONLY | OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST | OFN_NOCHANGEDIR;
+    return Ask(GetOpenFileNameW, request);
+}
+
+bool AskSavePath(wchar_t* path, std::size_t capacity, const wchar_t* directory) {
+    OPENFILENAMEW request = {};
+    request.lpstrFile = path;
+    request.nMaxFile = static_cast<DWORD>(capacity);
+    request.lpstrInitialDir = directory;
+    request.lpstrDefExt = L"bas";
+    request.Flags = OFN_OVERWRITEPROMPT | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
+    return Ask(GetSaveFileNameW, request);
+}

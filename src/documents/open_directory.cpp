@@ -1,0 +1,49 @@
+// Rules behind the open dialog and the go-to-line dialog. Pure.
+#include "documents/open_directory.h"
+
+#include "files/bounded_text.h"
+#include "files/path.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr const wchar_t* kExampleFolders[] = {
+    L"TestUsage\\KVX-Editor\\KVXB64\\Examples",
+    L"KVX-Editor\\KVXB64\\Examples",
+};
+
+}  // namespace
+
+bool ResolveOpenDirectory(const OpenDirectoryInputs& inputs, DirectoryProbe exists, wchar_t* out,
+                          std::size_t capacity) {
+    if (out == nullptr || capacity == 0) {
+        return false;
+    }
+    out[0] = L'\0';
+    if (inputs.activeFile[0] != L'\0') {
+        PathGetDir(inputs.activeFile, out, capacity);
+        if (out[0] != L'\0') {
+            return true;
+        }
+    }
+    if (inputs.lastDirectory[0] != L'\0') {
+        SafeCopyW(out, capacity, inputs.lastDirectory);
+        return true;
+    }
+    for (const wchar_t* folder : kExampleFolders) {
+        wchar_t candidate[kPathCapacity];
+        PathJoin(inputs.exeDirectory, folder, candidate, kPathCapacity);
+        if (exists(candidate)) {
+            SafeCopyW(out, capacity, candidate);
+            return true;
+        }
+    }
+    SafeCopyW(out, capacity, inputs.exeDirectory);
+    return out[0] != L'\0';
+}
+
+std::ptrdiff_t GotoLinePosition(std::ptrdiff_t lineStart, std::ptrdiff_t lineEnd, std::ptrdiff_t column) {
+    const std::ptrdiff_t room = std::max<std::ptrdiff_t>(lineEnd - lineStart, 0);
+    return lineStart + std::clamp<std::ptrdiff_t>(column, 0, room);
+}

@@ -1,0 +1,94 @@
+// Rules of find and replace. Pure: knows no editor and no dialog.
+#include "search/find_rules.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::size_t kMaxSearchText = 255;  // characters that the search history holds
+
+char ControlCharacter(char letter) {
+    switch (letter) {
+        case 'n': return '\n';
+        case 'r': return '\r';
+        case 't': return '\t';
+        default: return letter;
+    }
+}
+
+}  // namespace
+
+bool SplitAlternatives(std::string_view pattern, std::vector<std::string>& alternatives) {
+    alternatives.clear();
+    std::string current;
+    int depth = 0;
+    const auto finish = [&] {
+        if (!current.empty()) {
+            alternatives.push_back(current);
+        }
+        current.clear();
+    };
+    for (std::size_t i = 0; i < pattern.size(); ++i) {
+        const char letter = pattern[i];
+        if (letter == '\\' && i + 1 < pattern.size()) {
+            current.append(pattern.substr(i++, 2));
+        } else if (letter == '[') {
+            // A bracket that comes first in the class, after an optional caret, is one of its characters.
+            const std::size_t first = i + (i + 1 < pattern.size() && pattern[i + 1] == '^' ? 2 : 1);
+            const std::size_t close = first < pattern.size() ? pattern.find(']', first + 1) : std::string_view::npos;
+            const std::size_t end = close == std::string_view::npos ? pattern.size() : close + 1;
+            current.append(pattern.substr(i, end - i));
+            i = end - 1;
+        } else if (letter == '|') {
+            if (depth > 0) {
+                return false;
+            }
+            finish();
+        } else {
+            depth = letter == '(' ? depth + 1 : letter == ')' ? std::max(depth - 1, 0) : depth;
+            current += letter;
+        }
+    }
+    finish();
+    return true;
+}
+
+std::string ExpandReplacement(std::string_view replacement, const std::function<std::string(int)>& group) {
+    std::string out;
+    for (std::size_t i = 0; i < replacement.size(); ++i) {
+        if (replacement[i] != '\\' || i + 1 == replacement.size()) {
+            out += replacement[i];
+            continue;
+        }
+        const char letter = replacement[++i];
+        if (letter >= '0' && letter <= '9') {
+            out += group(letter - '0');
+        } else {
+            out += ControlCharacter(letter);
+        }
+    }
+    return out;
+}
+
+FindPlan PlanFind(FindSpan selection, FindSpan scope, bool forward) {
+    // Outside of the scope, a search begins at the scope's own start or end.
+    if (forward) {
+        const bool inside = selection.end >= scope.start && selection.end <= scope.end;
+        return {.first = {inside ? selection.end : scope.start, scope.end}, .wrapped = {scope.start, scope.end}};
+    }
+    const bool inside = selection.start >= scope.start && selection.start <= scope.end;
+    return {.first = {inside ? selection.start : scope.end, scope.start}, .wrapped = {scope.end, scope.start}};
+}
+
+std::string_view SearchTextFromSelection(std::string_view selection) {
+    const bool usable = selection.size() <= kMaxSearchText && selection.find_first_of("\r\n") == selection.npos &&
+                        selection.find('\0') == selection.npos;
+    return usable ? selection : std::string_view{};
+}
+
+std::wstring ReplacementCountText(std::size_t count) {
+    if (count == 0) {
+        return L"Not found: nothing replaced";
+    }
+    return std::to_wstring(count) + (count == 1 ? L" replacement" : L" replacements");
+}

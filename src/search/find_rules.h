@@ -1,0 +1,45 @@
+// Rules of find and replace that need no editor: what a regular expression's alternatives are, what a replacement
+// becomes, where a search begins and goes on. Text is UTF-8, positions are bytes. Pure.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct FindOptions {
+    bool matchCase = false;
+    bool wholeWord = false;  // plain text only: a regular expression has \< and \>
+    bool regex = false;
+};
+
+struct FindSpan {
+    std::ptrdiff_t start = 0;
+    std::ptrdiff_t end = 0;
+
+    bool operator==(const FindSpan&) const = default;
+};
+
+// The editing component's expressions have no alternation, so its patterns are split at each bar that is neither
+// escaped nor in a class. Empty alternatives are left out. False when a bar stands inside parentheses, which cannot be
+// done this way.
+bool SplitAlternatives(std::string_view pattern, std::vector<std::string>& alternatives);
+
+// The text that replaces a match: \0 to \9 stand for the match and its groups, \n \r \t for control characters, and a
+// backslash takes the meaning off any other character after it. `group` is asked only for groups that occur.
+std::string ExpandReplacement(std::string_view replacement, const std::function<std::string(int)>& group);
+
+// Where to search from, and again from the other end when that found nothing. A backward search has `end` before
+// `start`.
+struct FindPlan {
+    FindSpan first;
+    FindSpan wrapped;
+};
+FindPlan PlanFind(FindSpan selection, FindSpan scope, bool forward);
+
+// Text of a selection that can be the search text: one line, short enough to remember. Empty otherwise.
+std::string_view SearchTextFromSelection(std::string_view selection);
+
+// The status line after Replace All.
+std::wstring ReplacementCountText(std::size_t count);

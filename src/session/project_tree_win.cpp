@@ -1,0 +1,372 @@
+// The project tree: a tree view whose folders are read, each when it is first opened, by a reader thread. Knows files
+// only by their names; opening one is a file command. UI thread.
+#include "session/project_tree.h"
+
+#include "app/app_state.h"
+#include "app/log.h"
+#include "app/shell.h"
+#include "documents/file_commands.h"
+#include "files/handles.h"
+#include "files/wide_format.h"
+#include "language/theme.h"
+#include "resources/ids.h"
+#include "session/tree_icons.h"
+#include "session/tree_reader.h"
+#include "session/tree_rules.h"
+
+#include <windows.h>
+#include <windowsx.h>
+
+#include <commctrl.h>
+
+#include <cstring>
+#include <iterator>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr UINT_PTR kSubclassId = 1;
+constexpr std::size_t kMaxPending = 16;    // readers at a time: each may hang on a share that is gone
+constexpr std::size_t kMaxReopened = 500;  // folders that a refresh opens again
+
+enum class NodeKind : LPARAM { File, FolderUnread, FolderReading, FolderRead, Note };
+
+enum MenuCommand : UINT { kMenuOpen = 1, kMenuCopyPath, kMenuRefresh };
+
+struct TreeState {
+    std::wstring root;  // without a trailing backslash, but for a drive's root
+    std::uint64_t lastRequest = 0;
+    std::map<std::uint64_t, HTREEITEM> pending;  // folders being read; a listing without an entry here is stale
+    std::set<std::wstring> reopen;               // paths that were open before a refresh
+    UniqueFont font;
+    HIMAGELIST icons = nullptr;
+};
+TreeState g_tree;
+
+HWND Tree() { return g_app.hProjectTree; }
+
+std::wstring ItemText(HTREEITEM item) {
+    wchar_t text[MAX_PATH + 1] = {};
+    TVITEMW get = {};
+    get.mask = TVIF_TEXT;
+    get.hItem = item;
+    get.pszText = text;
+    get.cchTextMax = static_cast<int>(std::size(text));
+    SendMessageW(Tree(), TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&get));
+    return get.pszText;
+}
+
+NodeKind ItemKind(HTREEITEM item) {
+    TVITEMW get = {};
+    get.mask = TVIF_PARAM;
+    get.hItem = item;
+    SendMessageW(Tree(), TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&get));
+    return static_cast<NodeKind>(get.lParam);
+}
+
+void SetItem(HTREEITEM item, NodeKind kind, int children) {
+    TVITEMW set = {};
+    set.mask = TVIF_PARAM | TVIF_CHILDREN;
+    set.hItem = item;
+    set.lParam = static_cast<LPARAM>(kind);
+    set.cChildren = children;
+    SendMessageW(Tree(), TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&set));
+}
+
+HTREEITEM Related(HTREEITEM item, UINT relation) { return TreeView_GetNextItem(Tree(), item, relation); }
+
+std::wstring ItemPath(HTREEITEM item) {
+    std::wstring below;
+    for (HTREEITEM parent = Related(item, TVGN_PARENT); parent != nullptr; parent = Related(item, TVGN_PARENT)) {
+        below.insert(0, (below.empty() ? L"" : L"\\")).insert(0, ItemText(item));
+        item = parent;
+    }
+    if (below.empty()) {
+        return g_tree.root;
+    }
+    return g_tree.root + (g_tree.root.ends_with(L'\\') ? L"" : L"\\") + below;
+}
+
+HTREEITEM Insert(HTREEITEM parent, HTREEITEM after, const std::wstring& text, NodeKind kind) {
+    const bool isFolder = kind == NodeKind::FolderUnread;
+    const int image = kind == NodeKind::Note ? kTreeIconNone : isFolder ? kTreeIconFolder : kTreeIconFile;
+    TVINSERTSTRUCTW insert = {};
+    insert.hParent = parent;
+    insert.hInsertAfter = after;
+    insert.item.mask = TVIF_TEXT | TVIF_PARAM | TVIF_CHILDREN | TVIF_IMAGE | TVIF_SELECTEDIMAGE;
+    insert.item.pszText = const_cast<wchar_t*>(text.c_str());  // read only, in spite of its type
+    insert.item.lParam = static_cast<LPARAM>(kind);
+    insert.item.cChildren = isFolder ? 1 : 0;
+    insert.item.iImage = image;
+    insert.item.iSelectedImage = image;
+    return reinterpret_cast<HTREEITEM>(SendMessageW(Tree(), TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&insert)));
+}
+
+void RemoveChildren(HTREEITEM folder) {
+    while (const HTREEITEM child = Related(folder, TVGN_CHILD)) {
+        TreeView_DeleteItem(Tree(), child);
+    }
+}
+
+// A folder opened for the first time shows a note until its listing arrives.
+void StartReading(HTREEITEM folder) {
+    const std::uint64_t request = ++g_tree.lastRequest;
+    const bool started =
+        g_tree.pending.size() < kMaxPending && TreeReaderStart(Tree(), MSG_TREE_ITEMS, request, ItemPath(folder));
+    if (!started) {
+        AppLogMsg(L"FAIL: ProjectTree could not start reading, pending=%d", static_cast<int>(g_tree.pending.size()));
+        return;  // still unread: opening it again tries again
+    }
+    SetItem(folder, NodeKind::FolderReading, 1);
+    Insert(folder, TVI_FIRST, L"Reading...", NodeKind::Note);
+    g_tree.pending[request] = folder;
+}
+
+void OpenFolder(HTREEITEM folder) {
+    if (ItemKind(folder) == NodeKind::FolderUnread) {
+        StartReading(folder);
+    }
+    TreeView_Expand(Tree(), folder, TVE_EXPAND);
+}
+
+void InsertListing(HTREEITEM folder, const TreeListing& listing) {
+    HTREEITEM last = TVI_FIRST;  // each item goes after the one before it, which needs no search for the end
+    std::vector<HTREEITEM> reopened;
+    const std::wstring prefix = g_tree.reopen.empty() ? std::wstring{} : ItemPath(folder);
+    for (const TreeEntry& entry : listing.entries) {
+        last = Insert(folder, last, entry.name, entry.isFolder ? NodeKind::FolderUnread : NodeKind::File);
+        if (entry.isFolder && g_tree.reopen.contains(prefix + (prefix.ends_with(L'\\') ? L"" : L"\\") + entry.name)) {
+            reopened.push_back(last);
+        }
+    }
+    if (listing.omitted > 0) {
+        Insert(folder, last, FormatW(L"(%d more not shown)", static_cast<int>(listing.omitted)), NodeKind::Note);
+    } else if (!listing.readable) {
+        Insert(folder, TVI_FIRST, L"(cannot be read)", NodeKind::Note);
+    }
+    for (const HTREEITEM item : reopened) {
+        OpenFolder(item);
+    }
+}
+
+void OnListing(const TreeListing& listing) {
+    const auto found = g_tree.pending.find(listing.request);
+    if (found == g_tree.pending.end()) {
+        return;  // asked for before the last refresh
+    }
+    const HTREEITEM folder = found->second;
+    g_tree.pending.erase(found);
+
+    SendMessageW(Tree(), WM_SETREDRAW, FALSE, 0);
+    RemoveChildren(folder);
+    SetItem(folder, NodeKind::FolderRead, listing.entries.empty() && listing.readable ? 0 : 1);
+    InsertListing(folder, listing);
+    TreeView_Expand(Tree(), folder, TVE_EXPAND);  // removing the note has closed it
+    SendMessageW(Tree(), WM_SETREDRAW, TRUE, 0);
+    InvalidateRect(Tree(), nullptr, TRUE);
+}
+
+void RememberOpenFolders(HTREEITEM item) {
+    for (; item != nullptr && g_tree.reopen.size() < kMaxReopened; item = Related(item, TVGN_NEXT)) {
+        const auto state =
+            static_cast<UINT>(SendMessageW(Tree(), TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), TVIS_EXPANDED));
+        if ((state & TVIS_EXPANDED) != 0) {
+            g_tree.reopen.insert(ItemPath(item));
+            RememberOpenFolders(Related(item, TVGN_CHILD));
+        }
+    }
+}
+
+std::wstring RootFromSettings() {
+    std::wstring root = g_app.settings.projectRoot;
+    while (root.size() > 1 && root.ends_with(L'\\')) {
+        root.pop_back();
+    }
+    return root.ends_with(L':') ? root + L"\\" : root;
+}
+
+void OpenItem(HTREEITEM item) {
+    if (item != nullptr && ItemKind(item) == NodeKind::File) {
+        FileOpen(ItemPath(item).c_str());
+        QueueFocusCurrentEditor();
+    }
+}
+
+void CopyText(const std::wstring& text) {
+    if (OpenClipboard(g_app.hMainWnd) == FALSE) {
+        AppLogMsg(L"FAIL: ProjectTree clipboard error=%lu", GetLastError());
+        return;
+    }
+    EmptyClipboard();
+    const std::size_t bytes = (text.size() + 1) * sizeof(wchar_t);
+    const HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, bytes);
+    void* target = block != nullptr ? GlobalLock(block) : nullptr;
+    if (target != nullptr) {
+        std::memcpy(target, text.c_str(), bytes);
+        GlobalUnlock(block);
+    }
+    if (target == nullptr || SetClipboardData(CF_UNICODETEXT, block) == nullptr) {
+        GlobalFree(block);
+    }
+    CloseClipboard();
+}
+
+void ShowMenu(POINT at) {
+    if (at.x == -1 && at.y == -1) {  // from the keyboard: below the selected item
+        RECT rect = {};
+        const HTREEITEM selected = TreeView_GetSelection(Tree());
+        if (selected != nullptr && TreeView_GetItemRect(Tree(), selected, &rect, TRUE) != FALSE) {
+            at = {rect.left, rect.bottom};
+        } else {
+            at = {0, 0};
+        }
+        ClientToScreen(Tree(), &at);
+    } else {
+        TVHITTESTINFO hit = {.pt = at, .flags = 0, .hItem = nullptr};
+        ScreenToClient(Tree(), &hit.pt);
+        TreeView_SelectItem(Tree(), TreeView_HitTest(Tree(), &hit));
+    }
+    const HTREEITEM item = TreeView_GetSelection(Tree());
+    const bool hasPath = item != nullptr && ItemKind(item) != NodeKind::Note;
+    const bool isFile = hasPath && ItemKind(item) == NodeKind::File;
+    const HMENU menu = CreatePopupMenu();
+    AppendMenuW(menu, isFile ? MF_STRING : MF_STRING | MF_GRAYED, kMenuOpen, L"&Open\tEnter");
+    AppendMenuW(menu, hasPath ? MF_STRING : MF_STRING | MF_GRAYED, kMenuCopyPath, L"&Copy Path");
+    AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+    AppendMenuW(menu, MF_STRING, kMenuRefresh, L"&Refresh\tCtrl+R");
+    const BOOL command = TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, at.x, at.y, 0, Tree(), nullptr);
+    DestroyMenu(menu);
+    if (command == kMenuOpen) {
+        OpenItem(item);
+    } else if (command == kMenuCopyPath) {
+        CopyText(ItemPath(item));
+    } else if (command == kMenuRefresh) {
+        ProjectTreePopulate();
+    }
+}
+
+void OnDestroy(HWND window) {
+    MSG message;
+    while (PeekMessageW(&message, window, MSG_TREE_ITEMS, MSG_TREE_ITEMS, PM_REMOVE) != FALSE) {
+        delete reinterpret_cast<TreeListing*>(message.wParam);
+    }
+    if (g_tree.icons != nullptr) {
+        ImageList_Destroy(g_tree.icons);
+    }
+    g_tree = {};
+}
+
+LRESULT CALLBACK ProjectTreeSubclassProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+    switch (message) {
+        case MSG_TREE_ITEMS: {
+            const std::unique_ptr<TreeListing> listing{reinterpret_cast<TreeListing*>(wParam)};
+            OnListing(*listing);
+            return 0;
+        }
+        case WM_CONTEXTMENU: ShowMenu({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;
+        case WM_CHAR:
+            if (wParam == 'R' - '@') {  // Ctrl+R
+                ProjectTreePopulate();
+                return 0;
+            }
+            break;
+        case WM_NCDESTROY:
+            OnDestroy(window);
+            RemoveWindowSubclass(window, ProjectTreeSubclassProc, kSubclassId);
+            break;
+        default: break;
+    }
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
+}  // namespace
+
+HWND ProjectTreeCreate(HWND parent, int controlId) {
+    const HWND window = CreateWindowExW(
+        0, WC_TREEVIEWW, L"", WS_CHILD | WS_TABSTOP | TVS_HASBUTTONS | TVS_LINESATROOT | TVS_SHOWSELALWAYS, 0, 0, 0, 0,
+        parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_app.hInstance, nullptr);
+    if (window == nullptr) {
+        AppLogMsg(L"FAIL: ProjectTreeCreate error=%lu", GetLastError());
+        return nullptr;
+    }
+    if (SetWindowSubclass(window, ProjectTreeSubclassProc, kSubclassId, 0) == FALSE) {
+        AppLogMsg(L"FAIL: ProjectTreeCreate could not subclass");
+    }
+    return window;
+}
+
+void ProjectTreePopulate() {
+    if (Tree() == nullptr) {
+        return;
+    }
+    const std::wstring root = RootFromSettings();
+    g_tree.reopen.clear();
+    if (root == g_tree.root) {
+        RememberOpenFolders(TreeView_GetRoot(Tree()));
+    }
+    g_tree.pending.clear();
+    g_tree.root = root;
+    TreeView_DeleteAllItems(Tree());
+    if (!root.empty()) {
+        OpenFolder(Insert(TVI_ROOT, TVI_FIRST, TreeRootLabel(root), NodeKind::FolderUnread));
+    }
+}
+
+bool ProjectTreeHandleNotify(const NMHDR& header, LRESULT* result) {
+    if (Tree() == nullptr || header.hwndFrom != Tree()) {
+        return false;
+    }
+    *result = 0;
+    const HTREEITEM selected = TreeView_GetSelection(Tree());
+    switch (header.code) {
+        case TVN_ITEMEXPANDINGW: {
+            const auto& expanding = reinterpret_cast<const NMTREEVIEWW&>(header);
+            if (expanding.action == TVE_EXPAND && ItemKind(expanding.itemNew.hItem) == NodeKind::FolderUnread) {
+                StartReading(expanding.itemNew.hItem);
+            }
+            return true;
+        }
+        case NM_DBLCLK: OpenItem(selected); return true;
+        case NM_RETURN:
+            if (selected != nullptr && ItemKind(selected) != NodeKind::File) {
+                TreeView_Expand(Tree(), selected, TVE_TOGGLE);
+            }
+            OpenItem(selected);
+            *result = 1;  // no beep
+            return true;
+        default: return false;
+    }
+}
+
+void ProjectTreeApplyTheme() {
+    if (Tree() == nullptr) {
+        return;
+    }
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    TreeView_SetBkColor(Tree(), chrome.paneBack);
+    TreeView_SetTextColor(Tree(), chrome.paneText);
+    TreeView_SetLineColor(Tree(), chrome.line);
+
+    UniqueFont font{CreateFontW(-MulDiv(9, g_app.dpi, 72), 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
+                                OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, DEFAULT_PITCH,
+                                L"Segoe UI")};
+    if (font) {
+        SendMessageW(Tree(), WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), TRUE);
+        g_tree.font = std::move(font);
+    }
+    const HIMAGELIST icons = TreeIconsCreate(g_app.dpi, chrome);
+    if (icons != nullptr) {
+        TreeView_SetImageList(Tree(), icons, TVSIL_NORMAL);
+        if (g_tree.icons != nullptr) {
+            ImageList_Destroy(g_tree.icons);
+        }
+        g_tree.icons = icons;
+    }
+    TreeView_SetItemHeight(Tree(), MulDiv(22, g_app.dpi, 96));
+    InvalidateRect(Tree(), nullptr, TRUE);
+}

@@ -1,0 +1,56 @@
+// Clearing the row of tabs before a session is loaded. UI thread.
+#include "session/session_close.h"
+
+#include "app/app_state.h"
+#include "app/log.h"
+#include "documents/file_commands.h"
+#include "editor/editor_pane.h"
+#include "files/handles.h"
+#include "files/message.h"
+#include "files/recovery.h"
+#include "tabs/tab_bar.h"
+
+#include <string>
+
+namespace {
+
+// The document's text into a recovery copy; `kept` gets a line that says where. False when it could not be written.
+bool KeepText(const DocumentTab& document, std::wstring& kept) {
+    std::size_t length = 0;
+    const HeapBlock<char> text{EditorPaneGetText(document.editor, &length)};
+    const wchar_t* target = document.hasFile ? document.path : document.label;
+    RecoveryCopy copy;
+    if (!text || !RecoveryWrite(target, text.get(), length, &copy)) {
+        return false;
+    }
+    RecoveryKeep(target, copy);
+    kept += std::wstring{L"\n\n"} + document.label + L":\n" + copy.path;
+    return true;
+}
+
+}  // namespace
+
+bool CloseEveryTab() {
+    std::wstring kept;
+    while (TabCount() > 0) {
+        const int before = TabCount();
+        if (FileClose(0) != 0 && TabCount() < before) {
+            continue;
+        }
+        const DocumentTab& document = g_app.tabs.front();
+        if (document.modified && !KeepText(document, kept)) {
+            AppLogMsg(L"FAIL: SessionLoad could not keep the text of %s", document.label);
+            ErrorMessage(L"The session was not loaded: the unsaved changes of %s could not be kept anywhere.",
+                         document.label);
+            return false;
+        }
+        if (TabBarRemove(0) == 0) {
+            return false;
+        }
+    }
+    if (!kept.empty()) {
+        InfoMessage(L"The session replaces all open documents. Changes that you did not save are kept here:%s",
+                    kept.c_str());
+    }
+    return true;
+}

@@ -1,0 +1,201 @@
+// The session file as text. Pure: knows no tab, no editor and no settings.
+#include "session/session_text.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+namespace {
+
+enum class ValueKind : std::uint8_t { Number, Flag, Text };
+
+struct KeyRow {
+    SessionKey key;
+    const char* name;
+    ValueKind kind;
+};
+
+constexpr KeyRow kHeaderRows[kSessionHeaderKeys] = {
+    {SessionKey::ActiveTab, "ActiveTab", ValueKind::Number},
+    {SessionKey::ActiveCompiler, "ActiveCompiler", ValueKind::Number},
+    {SessionKey::ProjectRoot, "ProjectRoot", ValueKind::Text},
+    {SessionKey::ShowProjectTree, "ShowProjectTree", ValueKind::Flag},
+    {SessionKey::ShowOutput, "ShowOutput", ValueKind::Flag},
+    {SessionKey::ShowAsmPane, "ShowAsmPane", ValueKind::Flag},
+    {SessionKey::ShowAiPane, "ShowAiPane", ValueKind::Flag},
+    {SessionKey::TreeWidth, "TreeWidth", ValueKind::Number},
+    {SessionKey::SplitHorizontal, "SplitHorizontal", ValueKind::Flag},
+    {SessionKey::SplitPos, "SplitPos", ValueKind::Number},
+    {SessionKey::EditorZoom, "EditorZoom", ValueKind::Number},
+    {SessionKey::WordWrap, "WordWrap", ValueKind::Flag},
+    {SessionKey::FullScreen, "FullScreen", ValueKind::Flag},
+    {SessionKey::ShowIndentGuides, "ShowIndentGuides", ValueKind::Flag},
+    {SessionKey::BuildProfile, "BuildProfile", ValueKind::Number},
+    {SessionKey::EnableAutoComplete, "EnableAutoComplete", ValueKind::Flag},
+    {SessionKey::AutoCompleteTrigger, "AutoCompleteTrigger", ValueKind::Number},
+    {SessionKey::AutoUpperKeywords, "AutoUpperKeywords", ValueKind::Flag},
+    {SessionKey::Theme, "Theme", ValueKind::Number},
+    {SessionKey::TabCount, "TabCount", ValueKind::Number},
+};
+
+constexpr KeyRow kFileRows[] = {
+    {SessionKey::Path, "Path", ValueKind::Text},
+    {SessionKey::Cursor, "Cursor", ValueKind::Number},
+    {SessionKey::Scroll, "Scroll", ValueKind::Number},
+    {SessionKey::SelectionStart, "SelectionStart", ValueKind::Number},
+    {SessionKey::SelectionEnd, "SelectionEnd", ValueKind::Number},
+    {SessionKey::Bookmarks, "Bookmarks", ValueKind::Text},
+    {SessionKey::Breakpoints, "Breakpoints", ValueKind::Text},
+};
+
+void WriteLine(std::string& out, const char* key, std::string_view value) {
+    out.append(key).append("=").append(value).append("\r\n");
+}
+
+void WriteMarkerLines(std::string& out, const char* key, std::span<const std::int32_t> lines) {
+    if (lines.empty()) {
+        return;
+    }
+    std::string list;
+    for (const std::int32_t line : lines) {
+        if (!list.empty()) {
+            list += ',';
+        }
+        list += std::to_string(line);
+    }
+    WriteLine(out, key, list);
+}
+
+void WriteFile(std::string& out, std::size_t number, const SessionFile& file) {
+    out.append("\r\n[File").append(std::to_string(number)).append("]\r\n");
+    WriteLine(out, "Path", file.path);
+    if (!file.hasEditor) {
+        return;
+    }
+    WriteLine(out, "Cursor", std::to_string(file.cursor));
+    WriteLine(out, "Scroll", std::to_string(file.scroll));
+    WriteLine(out, "SelectionStart", std::to_string(file.selectionStart));
+    WriteLine(out, "SelectionEnd", std::to_string(file.selectionEnd));
+    WriteMarkerLines(out, "Bookmarks", file.bookmarks);
+    WriteMarkerLines(out, "Breakpoints", file.breakpoints);
+}
+
+// Takes the next line off the front, without its line break.
+std::string_view NextLine(std::string_view& rest) {
+    const std::size_t end = rest.find('\n');
+    std::string_view line = rest.substr(0, end);
+    rest = end == std::string_view::npos ? std::string_view{} : rest.substr(end + 1);
+    if (!line.empty() && line.back() == '\r') {
+        line.remove_suffix(1);
+    }
+    return line;
+}
+
+const KeyRow* FindRow(std::span<const KeyRow> rows, const char* line, const char** value) {
+    for (const KeyRow& row : rows) {
+        *value = SessionParseLine(line, row.name);
+        if (*value != nullptr) {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+std::string SessionCompose(const SessionHeader& header, std::span<const SessionFile> files) {
+    std::string out = "[Session]\r\nVersion=1\r\n";
+    for (const KeyRow& row : kHeaderRows) {
+        const std::int32_t number = header.numbers[static_cast<std::size_t>(row.key)];
+        if (row.kind == ValueKind::Text) {
+            WriteLine(out, row.name, header.projectRoot);
+        } else if (row.key == SessionKey::TabCount) {
+            WriteLine(out, row.name, std::to_string(files.size()));
+        } else {
+            WriteLine(out, row.name, std::to_string(row.kind == ValueKind::Flag ? (number != 0 ? 1 : 0) : number));
+        }
+    }
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        WriteFile(out, i + 1, files[i]);
+    }
+    return out;
+}
+
+const char* SessionParseLine(const char* line, const char* key) {
+    if (line == nullptr || key == nullptr) {
+        return nullptr;
+    }
+    const std::size_t length = std::strlen(key);
+    return std::strncmp(line, key, length) == 0 && line[length] == '=' ? line + length + 1 : nullptr;
+}
+
+std::vector<SessionItem> SessionParse(std::string_view text) {
+    std::vector<SessionItem> items;
+    int file = -1;
+    while (!text.empty()) {
+        const std::string line{NextLine(text)};  // terminated; a NUL inside ends the value
+        if (line.starts_with("[File")) {
+            const std::int32_t number = SessionNumber(std::string_view{line}.substr(5));
+            file = std::max(number, 0) - 1;
+            continue;
+        }
+        if (line.starts_with("[Session]")) {
+            file = -1;
+            continue;
+        }
+        const char* value = nullptr;
+        const KeyRow* row = FindRow(file < 0 ? std::span<const KeyRow>{kHeaderRows} : kFileRows, line.c_str(), &value);
+        if (row == nullptr) {
+            continue;
+        }
+        const std::int32_t number = SessionNumber(value);
+        items.push_back({.file = file,
+                         .key = row->key,
+                         .number = row->kind == ValueKind::Flag ? (number != 0 ? 1 : 0) : number,
+                         .text = value});
+    }
+    return items;
+}
+
+bool SessionListsFiles(std::string_view text) {
+    while (!text.empty()) {
+        const std::string line{NextLine(text)};
+        const char* value = SessionParseLine(line.c_str(), "Path");
+        if (value != nullptr && value[0] != '\0') {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::int32_t SessionTreeWidth(std::int32_t stored) { return std::clamp(stored, 100, 200); }
+
+std::vector<std::int32_t> SessionParseLines(std::string_view list) {
+    std::vector<std::int32_t> lines;
+    while (!list.empty()) {
+        const std::size_t end = list.find(',');
+        lines.push_back(SessionNumber(list.substr(0, end)));
+        list = end == std::string_view::npos ? std::string_view{} : list.substr(end + 1);
+    }
+    return lines;
+}
+
+std::int32_t SessionNumber(std::string_view text) {
+    while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) {
+        text.remove_prefix(1);
+    }
+    bool negative = false;
+    if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
+        negative = text.front() == '-';
+        text.remove_prefix(1);
+    }
+    constexpr std::int64_t kBeyond = std::int64_t{std::numeric_limits<std::int32_t>::max()} + 1;
+    std::int64_t number = 0;
+    for (const char digit : text) {
+        if (digit < '0' || digit > '9') {
+            break;
+        }
+        number = std::min(number * 10 + (digit - '0'), kBeyond);
+    }
+    return static_cast<std::int32_t>(negative ? -number : std::min(number, kBeyond - 1));
+}

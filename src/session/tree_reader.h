@@ -1,0 +1,22 @@
+// Reads one folder for the project tree on a thread of its own: a share that went away may keep a read for a minute,
+// and the window must not wait with it.
+#pragma once
+
+#include "session/tree_rules.h"
+
+#include <windows.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct TreeListing {
+    std::uint64_t request = 0;  // the number given to TreeReaderStart
+    bool readable = false;
+    std::vector<TreeEntry> entries;  // what is shown, sorted, at most kTreeMaxShown
+    std::size_t omitted = 0;         // entries beyond those
+};
+
+// Starts reading. The listing comes to `window` as `message` with a TreeListing* in wParam, which the receiver deletes;
+// when the window is gone by then, the reader deletes it. False when no thread could be started.
+bool TreeReaderStart(HWND window, UINT message, std::uint64_t request, const std::wstring& folder);

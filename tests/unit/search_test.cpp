@@ -1,0 +1,88 @@
+// Rules of find and replace.
+#include "search/find_rules.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+TEST(FindRules, SplitsAlternatives) {
+    struct Case {
+        const char* pattern;
+        bool possible;
+        std::vector<std::string> expected;
+    };
+    const Case cases[] = {
+        {"abc", true, {"abc"}},
+        {"SUB|FUNCTION", true, {"SUB", "FUNCTION"}},
+        {"a\\|b", true, {"a\\|b"}},
+        {"a\\\\|b", true, {"a\\\\", "b"}},
+        {"[a|b]|c", true, {"[a|b]", "c"}},
+        {"[]|]|c", true, {"[]|]", "c"}},
+        {"[^]|]|c", true, {"[^]|]", "c"}},
+        {"[a|b", true, {"[a|b"}},
+        {"(a)|(b)", true, {"(a)", "(b)"}},
+        {"\\(a|b", true, {"\\(a", "b"}},
+        {"(a|b)", false, {}},
+        {"|a||", true, {"a"}},
+        {"|", true, {}},
+        {"a\\", true, {"a\\"}},
+        {"[", true, {"["}},
+        {"", true, {}},
+    };
+    for (const Case& test : cases) {
+        std::vector<std::string> found;
+        EXPECT_EQ(SplitAlternatives(test.pattern, found), test.possible) << test.pattern;
+        if (test.possible) {
+            EXPECT_EQ(found, test.expected) << test.pattern;
+        }
+    }
+}
+
+TEST(FindRules, ExpandsReplacements) {
+    const auto group = [](int number) { return "<" + std::to_string(number) + ">"; };
+    struct Case {
+        const char* replacement;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {"plain", "plain"}, {"\\1 = \\2", "<1> = <2>"},
+        {"\\0!", "<0>!"},   {"a\\nb\\tc\\r", "a\nb\tc\r"},
+        {"\\\\1", "\\1"},   {"\\.", "."},
+        {"end\\", "end\\"}, {"", ""},
+    };
+    for (const Case& test : cases) {
+        EXPECT_EQ(ExpandReplacement(test.replacement, group), test.expected) << test.replacement;
+    }
+}
+
+TEST(FindRules, PlansAroundSelectionAndScope) {
+    const FindSpan document{0, 100};
+    const FindPlan forward = PlanFind({20, 30}, document, true);
+    EXPECT_EQ(forward.first, (FindSpan{30, 100}));
+    EXPECT_EQ(forward.wrapped, (FindSpan{0, 100}));
+    const FindPlan backward = PlanFind({20, 30}, document, false);
+    EXPECT_EQ(backward.first, (FindSpan{20, 0}));
+    EXPECT_EQ(backward.wrapped, (FindSpan{100, 0}));
+
+    const FindSpan scope{40, 60};
+    EXPECT_EQ(PlanFind({20, 30}, scope, true).first, (FindSpan{40, 60}));  // from before the scope: all of it
+    EXPECT_EQ(PlanFind({70, 80}, scope, true).first, (FindSpan{40, 60}));
+    EXPECT_EQ(PlanFind({70, 80}, scope, false).first, (FindSpan{60, 40}));
+    EXPECT_EQ(PlanFind({45, 50}, scope, false).first, (FindSpan{45, 40}));
+}
+
+TEST(FindRules, TakesOneLineOfASelection) {
+    EXPECT_EQ(SearchTextFromSelection("PRINT a$"), "PRINT a$");
+    EXPECT_EQ(SearchTextFromSelection("a\r\nb"), "");
+    EXPECT_EQ(SearchTextFromSelection(std::string(255, 'x')).size(), 255U);
+    EXPECT_EQ(SearchTextFromSelection(std::string(256, 'x')), "");
+    EXPECT_EQ(SearchTextFromSelection(std::string("a\0b", 3)), "");
+    EXPECT_EQ(ReplacementCountText(0), L"Not found: nothing replaced");
+    EXPECT_EQ(ReplacementCountText(1), L"1 replacement");
+    EXPECT_EQ(ReplacementCountText(12), L"12 replacements");
+}
+
+}  // namespace
