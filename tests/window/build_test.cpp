@@ -1,0 +1,390 @@
+// Building for real: the five compilers that the program finds, and one that does as it is told in their place.
+#include "harness.h"
+
+#include <commctrl.h>
+#include <richedit.h>
+
+#include <algorithm>
+
+#include "resources/ids.h"
+
+namespace {
+
+std::wstring Open(const std::wstring& path) { return L" --open \"" + path + L"\""; }
+std::wstring Quoted(const std::wstring& path) { return L"\"" + path + L"\""; }
+
+// A folder in which compiler 0 is the obedient one.
+struct FakeFolder : ProgramFolder {
+    explicit FakeFolder(std::string_view script) {
+        wchar_t own[1024];
+        GetModuleFileNameW(nullptr, own, 1024);
+        const std::wstring fake = std::wstring(own, std::wcsrchr(own, L'\\') + 1) + L"fake_compiler.exe";
+        CreateDirectoryW(File(L"KVXA64").c_str(), nullptr);
+        EXPECT_TRUE(CopyFileW(fake.c_str(), File(L"KVXA64\\kvxa64.exe").c_str(), FALSE)) << Utf8(fake) << " is missing";
+        Script(script);
+        SetIni(L"Editor", L"AutoSaveEnabled", L"0");
+        SetIni(L"Editor", L"RestoreLastSession", L"0");
+    }
+    void Script(std::string_view text) const { Write(L"KVXA64\\fake.txt", text); }
+};
+
+bool Busy(const Editor& editor) { return editor.Status(0).ends_with(L"..."); }
+
+// Starts a build command and waits for its end; the pane's text.
+std::wstring Build(const Editor& editor, int command = IDM_BUILD) {
+    editor.Do(command);
+    EXPECT_TRUE(WaitFor([&] { return !Busy(editor); }, 60000)) << "the build does not end\n" << editor.Describe();
+    editor.Send(editor.main, WM_NULL);
+    return editor.Output();
+}
+
+int Count(const std::wstring& text, const std::wstring& part) {
+    int count = 0;
+    for (std::size_t at = text.find(part); at != std::wstring::npos; at = text.find(part, at + part.size())) ++count;
+    return count;
+}
+
+// Colour of the pane's text where `part` begins.
+COLORREF ColourOf(const Editor& editor, const std::wstring& part) {
+    const std::size_t at = editor.Output().find(part);
+    EXPECT_NE(at, std::wstring::npos) << Utf8(part) << " is not in the output";
+    const HWND pane = editor.Child(IDC_OUTPUT);
+    editor.Send(pane, EM_SETSEL, at, static_cast<LPARAM>(at + 1));
+    const RemoteBlock block(editor.process, sizeof(CHARFORMAT2W));
+    CHARFORMAT2W format{};
+    format.cbSize = sizeof(format);
+    block.Put(&format, sizeof(format));
+    editor.Send(pane, EM_GETCHARFORMAT, SCF_SELECTION, block.At());
+    block.Get(&format, sizeof(format));
+    return format.crTextColor;
+}
+
+void DoubleClickOn(const Editor& editor, const std::wstring& part) {
+    const std::size_t at = editor.Output().find(part);
+    ASSERT_NE(at, std::wstring::npos) << Utf8(part) << " is not in the output";
+    const HWND pane = editor.Child(IDC_OUTPUT);
+    editor.Send(pane, EM_SETSEL, at, static_cast<LPARAM>(at));
+    editor.Send(pane, EM_SCROLLCARET);
+    const RemoteBlock block(editor.process, sizeof(POINTL));
+    POINTL place{};
+    editor.Send(pane, EM_POSFROMCHAR, static_cast<WPARAM>(block.At()), static_cast<LPARAM>(at));
+    block.Get(&place, sizeof(place));
+    editor.Foreground();
+    editor.Click(pane, {place.x + 12, place.y + 6}, MOUSEEVENTF_LEFTDOWN, 2);
+}
+
+const std::string kHello = "FUNCTION PBMAIN() AS LONG\r\n  PRINT \"hello\"\r\nEND FUNCTION\r\n";
+
+}  // namespace
+
+TEST(Build, EachCompilerBuildsASample) {
+    ProgramFolder folder(kCompilers);
+    folder.SetIni(L"KVXC64", L"IncludePath", folder.File(L"in c"));
+    folder.Write(L"in c\\part.inc", "SUB Part()\r\n  PRINT \"part\"\r\nEND SUB\r\n");
+    struct Case {
+        const wchar_t *name, *source, *executable, *cwd;  // relative to the folder
+        int select;
+        const wchar_t *arguments, *syntax;  // {s} the source as compiled, {o} output, {a} listing, {i} include folder
+        const wchar_t* staged;              // the copy that must be gone afterwards
+        bool wine32;
+    };
+    const Case cases[] = {
+        {L"KVXA64", L"a.kxa", L"KVXA64\\kvxa64.exe", L"KVXA64", IDM_USE_KVXA64, L" -o {o} --debug {s}",
+         L" -o {o} -S {s}", L"a.pb", false},
+        {L"KVXB64", L"b.kxb", L"KVXB64\\KVXB64.exe", L"KVXB64", IDM_USE_KVXB64, L" -o {o} --debug --asm:{a} {s}",
+         L" -o {o} --syntax-only {s}", nullptr, false},
+        {L"KVXA32", L"c.ka32", L"KVXA32\\KVXA32.exe", L"KVXA32", IDM_USE_KVXA32, L" -o {o} --debug /ASMOUT: {a} {s}",
+         L" -o {o} -S {s}", L"c.bas", true},
+        {L"KeldorBasic", L"d.bas", L"KELDORRBASIC\\KeldorrBASIC.exe", L"", IDM_USE_KELDORBASIC,
+         L" {s} /L /Q /D /ASMOUT:{a}", L" {s} /Q", nullptr, true},
+        {L"KVXC64", L"e.bas", L"KVXC64\\KVXC64.exe", L"KVXC64", IDM_USE_KVXC64, L" -o {o} --debug -I{i} --asm:{a} {s}",
+         L" -o {o} --syntax-only -I{i} {s}", nullptr, false},
+    };
+    std::wstring arguments;
+    for (const Case& c : cases)
+        arguments += Open(
+            folder.Write(c.source, c.source == std::wstring(L"e.bas") ? "#INCLUDE \"part.inc\"\r\n" + kHello : kHello));
+    Editor editor(folder, arguments);
+    editor.Do(IDM_VIEW_ASM);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(Utf8(c.name));
+        editor.Do(IDM_NEXT_TAB);  // from the last tab to the first, and on
+        ASSERT_EQ(editor.TabLabel(editor.ActiveTab()), c.source);
+        if (c.wine32 && !Variable(L"KVX_NO_WINE32").empty()) continue;
+        editor.Do(c.select);
+        EXPECT_TRUE(WaitFor([&] { return editor.Status(6) == c.name; })) << Utf8(editor.Status(6));
+        const std::wstring source = folder.File(c.source), stem = source.substr(0, source.rfind(L'.'));
+        const auto command = [&](std::wstring text) {
+            const std::wstring compiled = c.staged ? folder.File(c.staged) : source;
+            for (const auto& [token, path] : {std::pair{L"{s}", compiled},
+                                              {L"{o}", stem + L".exe"},
+                                              {L"{a}", stem + L".asm"},
+                                              {L"{i}", folder.File(L"in c")}})
+                if (const std::size_t at = text.find(token); at != std::wstring::npos)
+                    text.replace(at, 3, Quoted(path));
+            return L"Command: " + Quoted(folder.File(c.executable)) + text + L"\n";
+        };
+        const std::wstring header = L"--- Build started: " + std::wstring(c.name) + L" ---\nSource: " + source +
+                                    L"\nOutput: " + stem + L".exe\nCWD: " + folder.File(c.cwd);
+        std::wstring text = Build(editor);
+        EXPECT_TRUE(text.starts_with(header)) << Utf8(text);
+        EXPECT_NE(text.find(command(c.arguments)), std::wstring::npos) << Utf8(text);
+        EXPECT_TRUE(folder.Read(std::wstring(c.source).substr(0, 1) + L".exe").starts_with("MZ")) << Utf8(text);
+        EXPECT_FALSE(c.staged && Exists(folder.File(c.staged))) << "the copy stays behind";
+        if (std::wstring(c.arguments).find(L"{a}") != std::wstring::npos) {
+            EXPECT_NE(folder.Read(std::wstring(c.source).substr(0, 1) + L".asm"), "");
+            const std::wstring assembly = editor.TextOf(editor.Child(IDC_ASM));
+            EXPECT_TRUE(assembly.starts_with(L"=== Assembly Output ===")) << Utf8(assembly.substr(0, 300));
+            EXPECT_NE(assembly.find(L"ASMOUT: " + stem + L".asm"), std::wstring::npos) << Utf8(assembly.substr(0, 300));
+        }
+        for (const wchar_t* extension : {L".log", L".lst", L".err"}) WriteBytes(stem + extension, "x");
+        editor.Do(IDM_BUILD_CLEAN);
+        EXPECT_TRUE(editor.AwaitOutput(L"Cleaned build outputs.\n"));
+        for (const wchar_t* extension : {L".exe", L".asm", L".log", L".lst", L".err"})
+            EXPECT_FALSE(Exists(stem + extension)) << Utf8(extension);
+        EXPECT_TRUE(Exists(source));
+
+        text = Build(editor, IDM_BUILD_SYNTAX);
+        EXPECT_NE(text.find(command(c.syntax)), std::wstring::npos) << Utf8(text);
+        EXPECT_FALSE(Exists(stem + L".exe")) << "a syntax check writes no program";
+    }
+    editor.Do(IDM_PROFILE_RELEASE);
+    EXPECT_EQ(editor.Status(0), L"Build profile: Release");
+    EXPECT_NE(Build(editor).find(L" -O2 -I"), std::wstring::npos) << Utf8(editor.Output());
+    EXPECT_EQ(editor.Output().find(L"--debug"), std::wstring::npos);
+    EXPECT_EQ(editor.Close(), 0u);
+    EXPECT_EQ(folder.Ini(L"Build", L"Profile"), L"1");
+}
+
+TEST(Build, RunStartsTheProgramAndOnlyAfterSuccess) {
+    ProgramFolder folder(kCompilers);
+    const std::wstring file =
+        folder.Write(L"kvxruns.bas", "FUNCTION PBMAIN() AS LONG\r\n  DO\r\n  LOOP\r\nEND FUNCTION\r\n");
+    Editor editor(folder, Open(file) + L" --compiler kvxa64");
+    editor.Foreground();
+    ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
+    editor.Keys({VK_F5});
+    EXPECT_TRUE(WaitFor([] { return CountProcesses(L"kvxruns.exe") == 1; }, 60000)) << Utf8(editor.Output());
+    TerminateJobObject(editor.job, 0);
+    EXPECT_TRUE(WaitFor([] { return CountProcesses(L"kvxruns.exe") == 0; }));
+
+    DeleteFileW(folder.File(L"Editor.ini_autosave.kvxsess").c_str());
+    folder.Write(L"kvxruns.bas",
+                 "FUNCTION PBMAIN() AS LONG\r\n  LOCAL a AS LONG\r\n  a = nonsense(1)\r\nEND FUNCTION\r\n");
+    Editor again(folder, Open(file) + L" --compiler kvxb64");
+    const std::wstring text = Build(again, IDM_BUILD_RUN);
+    EXPECT_NE(text.find(L"kvxruns.bas(3,"), std::wstring::npos) << "the error's line, from the real compiler\n"
+                                                                << Utf8(text);
+    EXPECT_EQ(text.find(L"Run failed"), std::wstring::npos) << "no attempt to run what was not built";
+    EXPECT_EQ(CountProcesses(L"kvxruns.exe"), 0);
+    DoubleClickOn(again, L"kvxruns.bas(3,");
+    EXPECT_TRUE(WaitFor([&] { return again.Line() == 3; })) << again.Line();
+    EXPECT_EQ(again.Focus(), again.Sci());
+}
+
+TEST(Build, RefusalsSayWhy) {
+    ProgramFolder folder;
+    const std::wstring gone = folder.Write(L"gone.exe", "MZ");
+    folder.SetIni(L"KVXA64", L"Path", L"gone.exe");
+    const std::wstring file = folder.Write(L"a.bas", kHello);
+    Editor editor(folder, Open(file) + L" --compiler kvxa64");
+    DeleteFileW(gone.c_str());
+    const std::wstring advice = L"\nOpen Project > Settings and run Auto-Detect or browse to the compiler.\n";
+    EXPECT_EQ(Utf8(Build(editor)), Utf8(L"Compiler not found: KVXA64\nConfigured path: " + gone + advice));
+    EXPECT_EQ(editor.Status(0), L"Compiler not found");
+    editor.Do(IDM_USE_KVXC64);
+    EXPECT_EQ(folder.Ini(L"Editor", L"ActiveCompiler"), L"4") << "saved at once";
+    EXPECT_EQ(editor.Status(6), L"KVXC64 (not found)");
+    EXPECT_EQ(Utf8(Build(editor)), Utf8(L"Compiler not found: KVXC64\nConfigured path: (empty)" + advice));
+
+    editor.Do(IDM_FILE_NEW);
+    for (const auto& [command, text, status] :
+         {std::tuple{IDM_BUILD, L"Build cancelled: save the active tab to a source file first.\n", L"Build cancelled"},
+          {IDM_BUILD_RUN, L"Run cancelled: save the active tab to a source file first.\n", L"Run cancelled"}}) {
+        editor.Post(command);
+        editor.AnswerFileDialog(folder.File(L"never.bas"), IDCANCEL);
+        EXPECT_TRUE(editor.AwaitOutput(text));
+        EXPECT_TRUE(WaitFor([&] { return editor.Status(0) == status; })) << Utf8(editor.Status(0));
+    }
+    // A program that is none: the system's own words.
+    folder.Write(L"gone.exe", "this is no program");
+    editor.Do(IDM_PREVIOUS_TAB);
+    editor.Do(IDM_USE_KVXA64);
+    EXPECT_NE(Build(editor).find(L"Build launch failed (Win32 error "), std::wstring::npos) << Utf8(editor.Output());
+    EXPECT_EQ(editor.Status(0), L"Build launch failed");
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+TEST(Build, EveryLineOfAFloodInOrder) {
+    FakeFolder folder("print first\nflood 20000\nprint last\nexit 0\n");
+    Editor editor(folder, Open(folder.Write(L"a.bas", kHello)) + L" --compiler kvxa64");
+    const std::wstring text = Build(editor);
+    std::size_t at = text.find(L"\nfirst\n");
+    ASSERT_NE(at, std::wstring::npos) << Utf8(text.substr(0, 500));
+    at += 7;
+    for (int i = 1; i <= 20000; ++i) {
+        wchar_t line[32];
+        swprintf(line, 32, L"output line %07d\n", i);
+        ASSERT_EQ(text.compare(at, 20, line), 0) << "at line " << i << ": " << Utf8(text.substr(at, 60));
+        at += 20;
+    }
+    EXPECT_EQ(text.compare(at, 5, L"last\n"), 0) << Utf8(text.substr(at, 60));
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+TEST(Build, OutputIsFilteredDecodedAndColoured) {
+    const std::string long_line(4095, 'a');
+    FakeFolder folder(
+        "args\nprint error[E1]: same\nprint error[E1]: same\nprint help: h\nprint error[E1]: same\n"
+        "print help: h\nprint fix: f\nprint fix: f\nprint error[E2]: other\nprint plain\nprint plain\n"
+        "print x.bas(1,2): error: red\nprint x.bas:3:4: warning: yellow\n"
+        "raw caf\\xC3\\xA9\\x0D\\x0A\nsleep 400\nraw ansi \\xE9\\x0D\\x0A\nsleep 400\nraw " +
+        long_line + "\\xC3\\xA9\\x0D\\x0A\nexit 3\n");
+    folder.SetIni(L"Build", L"PreBuildCmd", L"cmd /c echo pre>pre.txt");
+    folder.SetIni(L"Build", L"PostBuildCmd", L"cmd /c echo post>" + folder.File(L"post.txt"));
+    folder.SetIni(L"KVXA64", L"Flags", L"--mine --debug");
+    const std::wstring file = folder.Write(L"a.bas", kHello);
+    Editor editor(folder, Open(file) + L" --compiler kvxa64");
+    const std::wstring text = Build(editor);
+    EXPECT_NE(text.find(L"args: " + Quoted(folder.File(L"KVXA64\\kvxa64.exe")) + L" -o " +
+                        Quoted(folder.File(L"a.exe")) + L" --mine --debug " + Quoted(file) + L"\n"),
+              std::wstring::npos)
+        << "what the compiler itself saw; a flag is not given twice\n"
+        << Utf8(text);
+    EXPECT_NE(text.find(L"cwd: " + folder.File(L"KVXA64")), std::wstring::npos);
+    struct Times {
+        const wchar_t* line;
+        int count;
+    };
+    for (const Times& t : {Times{L"\nerror[E1]: same\n", 1}, Times{L"\nhelp: h\n", 1}, Times{L"\nfix: f\n", 1},
+                           Times{L"\nerror[E2]: other\n", 1}, Times{L"plain\n", 2}, Times{L"\ncaf\u00E9\n", 1},
+                           Times{L"\nansi \u00E9\n", 1}, Times{L"a\u00C3\u00A9\n", 1}})
+        EXPECT_EQ(Count(text, t.line), t.count) << Utf8(t.line);
+    EXPECT_TRUE(text.starts_with(L"[Pre-build] cmd /c echo pre>pre.txt\n")) << Utf8(text.substr(0, 200));
+    EXPECT_EQ(ColourOf(editor, L"x.bas(1,2)"), 0x0000FFu);
+    EXPECT_EQ(ColourOf(editor, L"x.bas:3:4"), 0x00B4B4u);
+    EXPECT_EQ(ColourOf(editor, L"[Pre-build]"), 0x808000u);
+    EXPECT_FALSE(Exists(folder.File(L"post.txt"))) << "the build failed";
+
+    folder.Script("print fine\ntouch " + Utf8(folder.File(L"a.exe")) + "\n");
+    EXPECT_EQ(Count(Build(editor), L"error[E1]"), 0) << "each build starts with an empty pane";
+    EXPECT_TRUE(WaitFor([&] { return Exists(folder.File(L"post.txt")) && !Busy(editor); })) << Utf8(editor.Output());
+    EXPECT_EQ(editor.Close(), 0u);
+    folder.SetIni(L"Build", L"PreBuildCmd", L"no-such-program.exe");
+    Editor other(folder, Open(file) + L" --compiler kvxa64");
+    EXPECT_NE(Build(other).find(L"[Pre-build] Failed to run.\n"), std::wstring::npos) << Utf8(other.Output());
+    EXPECT_EQ(ColourOf(other, L"[Pre-build] Failed"), 0x0000FFu);
+    EXPECT_NE(other.Output().find(L"\nfine\n"), std::wstring::npos) << "its result does not stop the build";
+}
+
+TEST(Build, ErrorsLeadToTheirPlaces) {
+    FakeFolder folder("");
+    const std::wstring main = folder.Write(L"main.bas", "1\r\n2\r\n3 three\r\n4\r\n5\r\n");
+    const std::wstring part = folder.Write(L"sub\\part.bas", "a\r\nb bb\r\nc\r\n");
+    folder.Script("print " + Utf8(main) + "(3,4): error: one\r\nprint nothing here\r\nprint " + Utf8(part) +
+                  ":2:3: warning: two\r\nprint " + Utf8(folder.File(L"gone.bas")) + "(9,9): error: three\r\nprint " +
+                  Utf8(main) + "(5,0): fatal error: four\r\nprint " + Utf8(main) + "(12): error: not one\nexit 1\n");
+    Editor editor(folder, Open(main) + L" --compiler kvxa64");
+    Build(editor);
+    const auto at = [&] {
+        return editor.TabLabel(editor.ActiveTab()) + L":" + std::to_wstring(editor.Line()) + L":" +
+               std::to_wstring(editor.Column());
+    };
+    const auto expectAt = [&](const wchar_t* place) {
+        EXPECT_TRUE(WaitFor([&] { return at() == place; }, 3000)) << Utf8(at()) << " instead of " << Utf8(place);
+    };
+    DoubleClickOn(editor, L"part.bas:2:3");
+    expectAt(L"part.bas:2:3");  // opened for it
+    EXPECT_EQ(editor.Tabs(), 2);
+    EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
+    editor.Do(IDM_ERROR_PREVIOUS);
+    expectAt(L"main.bas:3:4");
+    editor.Do(IDM_ERROR_PREVIOUS);
+    expectAt(L"main.bas:5:1");  // wrapped to the last; no column was given
+    editor.Do(IDM_ERROR_NEXT);
+    expectAt(L"main.bas:3:4");  // and back round
+    editor.Foreground();
+    editor.Keys({VK_F4});
+    expectAt(L"part.bas:2:3");
+    editor.Post(IDM_ERROR_NEXT);  // the file is gone: a message, and nothing else
+    editor.Answer(L"KVXE - Unified Compiler Editor", L"Failed to open file: " + folder.File(L"gone.bas"), IDOK);
+    expectAt(L"part.bas:2:3");
+    editor.Do(IDM_ERROR_NEXT);
+    expectAt(L"main.bas:5:1");
+    DoubleClickOn(editor, L"nothing here");
+    DoubleClickOn(editor, L"main.bas(12)");
+    expectAt(L"main.bas:5:1");
+
+    // The 65th diagnostic is shown, but the walk ends at the 64th.
+    std::string lines;
+    for (int i = 0; i < 80; ++i) lines += "line\r\n";
+    folder.Write(L"many.bas", lines);
+    folder.Script("errors 70 " + Utf8(folder.File(L"many.bas")) + "\nexit 1\n");
+    EXPECT_EQ(Count(Build(editor), L": error: number "), 70);
+    EXPECT_EQ(ColourOf(editor, folder.File(L"many.bas") + L"(65,1)"), 0x0000FFu);
+    editor.Do(IDM_ERROR_PREVIOUS);
+    expectAt(L"many.bas:64:1");
+    editor.Do(IDM_ERROR_NEXT);
+    expectAt(L"many.bas:1:1");
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+TEST(Build, StopLeavesNothingRunning) {
+    struct Case {
+        const char *name, *script;
+        bool preBuild;
+    };
+    for (const Case& c : {Case{"flooding with a child", "print begun\nspawn\nflood 0\n", false},
+                          Case{"hanging", "print begun\nspawn\nsleep 60000\n", false},
+                          Case{"during the pre-build command", "sleep 60000\n", true}}) {
+        SCOPED_TRACE(c.name);
+        FakeFolder folder(c.script);
+        if (c.preBuild) folder.SetIni(L"Build", L"PreBuildCmd", Quoted(folder.File(L"KVXA64\\kvxa64.exe")));
+        Editor editor(folder, Open(folder.Write(L"a.kxa", kHello)) + L" --compiler kvxa64");
+        editor.Do(IDM_BUILD);
+        ASSERT_TRUE(editor.AwaitOutput(c.preBuild ? L"[Pre-build]" : L"begun"));
+        ASSERT_TRUE(WaitFor([&] { return CountProcesses(L"kvxa64.exe") == (c.preBuild ? 1 : 2); }));
+        editor.Foreground();
+        if (c.preBuild) {
+            editor.Do(IDM_BUILD_STOP);
+        } else {
+            ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
+            editor.Keys({VK_CONTROL, VK_CANCEL});  // Ctrl+Break
+        }
+        EXPECT_TRUE(WaitFor([] { return CountProcesses(L"kvxa64.exe") == 0; }, 3000)) << "still running";
+        EXPECT_TRUE(WaitFor([&] { return editor.Status(0) == L"Build stopped"; })) << Utf8(editor.Status(0));
+        EXPECT_TRUE(WaitFor([&] { return !Exists(folder.File(L"a.pb")); })) << "the staged copy stays behind";
+        // The next build is none the worse for it.
+        folder.Script("print second\n");
+        EXPECT_NE(Build(editor).find(L"\nsecond\n"), std::wstring::npos) << Utf8(editor.Output());
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    // Leaving the program ends a build as well.
+    FakeFolder folder("spawn\nflood 0\n");
+    Editor editor(folder, Open(folder.Write(L"a.bas", kHello)) + L" --compiler kvxa64");
+    editor.Do(IDM_BUILD);
+    ASSERT_TRUE(WaitFor([] { return CountProcesses(L"kvxa64.exe") == 2; }));
+    EXPECT_EQ(editor.Close(), 0u);
+    EXPECT_TRUE(WaitFor([] { return CountProcesses(L"kvxa64.exe") == 0; }, 3000));
+}
+
+TEST(Build, AllOpenDocumentsUntilOneFails) {
+    FakeFolder folder("print ok\n");
+    const std::wstring files = Open(folder.Write(L"a.bas", kHello)) + Open(folder.Write(L"note.txt", "")) +
+                               Open(folder.Write(L"b.bas", kHello)) + Open(folder.Write(L"c.bas", kHello));
+    Editor editor(folder, files + L" --compiler kvxa64");
+    editor.Post(IDM_BUILD_ALL);
+    EXPECT_TRUE(editor.AwaitOutput(L"[3/3] Building ", 60000));
+    EXPECT_TRUE(WaitFor([&] {
+        return editor.Output().find(L"Batch build: 3 succeeded, 0 failed.") != std::wstring::npos ||
+               editor.Status(0) == L"Batch build: 3 succeeded, 0 failed.";
+    })) << editor.Describe();
+    folder.Script("print bad\nexit 1\n");
+    editor.Post(IDM_BUILD_ALL);
+    EXPECT_TRUE(editor.AwaitOutput(L"Build failed, stopping batch.\n", 60000));
+    EXPECT_TRUE(WaitFor([&] {
+        return editor.Output().find(L"0 succeeded, 1 failed.") != std::wstring::npos ||
+               editor.Status(0).find(L"0 succeeded, 1 failed.") != std::wstring::npos;
+    }));
+    EXPECT_EQ(editor.Close(), 0u);
+}
