@@ -83,6 +83,7 @@ void CALLBACK OnTimer(HWND editor, UINT, UINT_PTR timer, DWORD) {
         SetTimer(editor, timer, kSliceMs, OnTimer);
     } else {
         KillTimer(editor, timer);
+        if (state) state->colouring = false;
     }
 }
 
@@ -92,16 +93,19 @@ void EditorColourRestart(HWND editor) {
     PaneState* state = PaneStateOf(editor);
     if (!state || !HasLexer(editor)) return;
     if (state->colourChunk == 0) state->colourChunk = kFirstChunk;
-    SetTimer(editor, kTimer, kQuietMs, OnTimer);
+    state->colouring = SetTimer(editor, kTimer, kQuietMs, OnTimer) != 0;
 }
 
 void EditorColourStop(HWND editor) { KillTimer(editor, kTimer); }
 
 LRESULT EditorColourBeforePaint(HWND editor) {
     const LRESULT styled = SciSend(editor, SCI_GETENDSTYLED, 0, 0);
-    if (styled >= SciSend(editor, SCI_GETLENGTH, 0, 0)) return -1;
+    if (styled >= SciSend(editor, SCI_GETLENGTH, 0, 0) || !HasLexer(editor)) return -1;
+    // A new lexer or theme leaves text uncoloured without a change of text.
+    const PaneState* state = PaneStateOf(editor);
+    if (state && !state->colouring) EditorColourRestart(editor);
     const VisibleRange visible = VisibleText(editor);
-    if (visible.start - styled <= kNearEnough || !HasLexer(editor)) return -1;
+    if (visible.start - styled <= kNearEnough) return -1;
     // The paint region outlives this: SCI_COLOURISE only adds to it.
     SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(visible.start), visible.end);
     return styled;

@@ -11,12 +11,20 @@ void (*g_activateTab)(int tab) = nullptr;
 
 // Shows the place in the current slot. A tab that is gone leaves the history where it stepped to.
 void NavHistoryGoToCurrent() {
-    const NavHistory& history = g_app.navigation;
+    NavHistory& history = g_app.navigation;
     const int tab = history.navTab[history.navIndex];
     const int position = history.navPos[history.navIndex];
     if (!IsTabIndex(tab)) return;
+    const HWND editor = g_app.tabs[static_cast<std::size_t>(tab)].editor;
+    // The step is no visit of its own: recording it would cut off the way forward.
+    const WPARAM target = static_cast<WPARAM>(position);
+    history.navLastTab = tab;
+    history.navLastLine = static_cast<std::int32_t>(SciSend(editor, SCI_LINEFROMPOSITION, target, 0));
+    // Moved while still hidden, so that the switch shows the place at once; and again, now that there is a view to
+    // scroll to it.
+    SciSend(editor, SCI_GOTOPOS, target, 0);
     if (g_activateTab) g_activateTab(tab);
-    SciSend(g_app.tabs[static_cast<std::size_t>(tab)].editor, SCI_GOTOPOS, static_cast<WPARAM>(position), 0);
+    SciSend(editor, SCI_GOTOPOS, target, 0);
 }
 
 }  // namespace

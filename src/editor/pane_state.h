@@ -11,6 +11,7 @@
 struct PaneState {
     StickyCache sticky;           // what is known about procedure lines above the caret
     int marginDigits = 0;         // digits that the line-number margin has room for
+    bool colouring = false;       // the idle timer runs
     std::size_t colourChunk = 0;  // bytes that one idle slice of colouring takes on
 };
 

@@ -22,6 +22,7 @@ struct ThemeChrome {
     COLORREF hover;     // hovered button or tab
     COLORREF error;     // error marks
     COLORREF modified;  // modified marks
+    COLORREF success;   // build marks of what was built without errors
 };
 const ThemeChrome& ThemeCurrentChrome();
 bool ThemeIsDark();

@@ -173,7 +173,8 @@ constexpr ChromePalette kLightChrome = {.windowBack = 0xEBEFFA,
                                         .statusText = 0x333D4B,
                                         .hover = 0xD5DDEB,
                                         .error = 0xC8332B,
-                                        .modified = 0xB26A00};
+                                        .modified = 0xB26A00,
+                                        .success = 0x2E8B57};
 
 constexpr ChromePalette kDarkChrome = {.windowBack = 0x16191D,
                                        .paneBack = 0x1B1F24,
@@ -187,7 +188,8 @@ constexpr ChromePalette kDarkChrome = {.windowBack = 0x16191D,
                                        .statusText = 0xB9C2CE,
                                        .hover = 0x2B323A,
                                        .error = 0xF2665C,
-                                       .modified = 0xE3B25F};
+                                       .modified = 0xE3B25F,
+                                       .success = 0x6CC58A};
 
 double Linear(Rgb channel) {
     const double value = static_cast<double>(channel) / 255.0;

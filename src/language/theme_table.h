@@ -56,6 +56,7 @@ struct ChromePalette {
     Rgb hover;
     Rgb error;
     Rgb modified;
+    Rgb success;
 };
 
 struct EditorStyle {

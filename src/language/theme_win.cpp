@@ -167,7 +167,8 @@ const ThemeChrome& ThemeCurrentChrome() {
               .statusText = Ref(palette.statusText),
               .hover = Ref(palette.hover),
               .error = Ref(palette.error),
-              .modified = Ref(palette.modified)};
+              .modified = Ref(palette.modified),
+              .success = Ref(palette.success)};
     return chrome;
 }
 

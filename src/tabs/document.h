@@ -15,10 +15,10 @@ struct DocumentTab {
     HWND editor = nullptr;             // Scintilla child of the main window, owned by the tab
     wchar_t path[kPathCapacity] = {};  // empty while untitled
     wchar_t label[kLabelCapacity] = {};
-    std::uint32_t compilerId = 0;      // compiler whose dialect colours this document
+    std::uint32_t compilerId = 0;  // compiler whose dialect colours this document
     TextEncoding encoding = TextEncoding::Utf8;
     LineEnding lineEnding = LineEnding::CrLf;
     bool modified = false;
-    bool hasFile = false;              // bound to a file on disk
+    bool hasFile = false;  // bound to a file on disk
     BuildMark buildMark = BuildMark::None;
 };

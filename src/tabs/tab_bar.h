@@ -27,8 +27,8 @@ void TabBarUpdateTitle(int index);
 // Repaints the tabs: build marks, theme.
 void TabBarRefresh();
 
-int TabBarFindEditor(HWND editor);            // index of the tab that owns the editor, or -1
-int TabBarFindPath(const wchar_t* path);      // index of the tab bound to that file, case-insensitively, or -1
+int TabBarFindEditor(HWND editor);        // index of the tab that owns the editor, or -1
+int TabBarFindPath(const wchar_t* path);  // index of the tab bound to that file, case-insensitively, or -1
 
 // Height that the bar wants at the current DPI, pixels.
 int TabBarHeight();

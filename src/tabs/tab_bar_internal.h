@@ -1,0 +1,42 @@
+// The seams between the files of the tab bar. Private to this folder. UI thread.
+#pragma once
+
+#include "tabs/document.h"
+#include "tabs/tab_bar_layout.h"
+
+#include <windows.h>
+
+#include <vector>
+
+// What the pointer is doing on the strip.
+struct TabBarState {
+    int hoverTab = -1;        // under the pointer
+    bool hoverClose = false;  // on its close button
+    int pressedClose = -1;    // close button that was pressed and not yet released
+    int dragTab = -1;         // pressed, perhaps dragged
+    POINT dragFrom = {};
+    bool dragging = false;
+    bool tracking = false;  // WM_MOUSELEAVE was asked for
+    HWND tooltip = nullptr;
+    HWND returnTo = nullptr;  // editor to go back to after a tab was closed from the strip
+    HFONT font = nullptr;     // of the labels; lives as long as the strip
+};
+extern TabBarState g_tabBar;
+
+TabMetrics TabBarMetrics();
+// Rectangles of all tabs in the control's client coordinates, some of them scrolled out.
+std::vector<TabRect> TabBarRects();
+// Shares the strip's width among the tabs.
+void TabBarUpdateWidths();
+
+// Reads `tab.path` into its editor and sets encoding and line ending. False when the file cannot be read.
+bool TabLoadFile(DocumentTab& tab);
+
+// The whole strip, or one tab of it.
+void TabBarPaint(HWND tabControl, HDC dc, const RECT& client);
+void TabBarPaintTab(HDC dc, int index, const TabRect& rect);
+// The two arrows of an overflowing strip.
+void TabBarPaintScroller(HDC dc, const RECT& client, bool pressedLeft, bool pressedRight);
+
+// Pointer, painting and tooltip of the strip.
+bool TabBarInstallSubclass(HWND tabControl);

@@ -1,0 +1,76 @@
+// Geometry of the tab bar: where a tab keeps its parts, what a point hits, where a drag ends. Knows no window. Pure.
+#include "tabs/tab_bar_layout.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int Scale(int pixels, int dpi) { return (pixels * dpi + 48) / 96; }
+
+TabRect Centred(const TabRect& tab, int left, int size) {
+    const int top = tab.top + (tab.Height() - size) / 2;
+    return {left, top, left + size, top + size};
+}
+
+}  // namespace
+
+TabMetrics TabMetricsForDpi(int dpi) {
+    return {.height = Scale(32, dpi),
+            .minWidth = Scale(92, dpi),
+            .maxWidth = Scale(176, dpi),
+            .padding = Scale(10, dpi),
+            .closeSize = Scale(18, dpi),
+            .markSize = Scale(8, dpi),
+            .accent = std::max(Scale(2, dpi), 2),
+            .dragStart = Scale(6, dpi)};
+}
+
+int TabWidthFor(const TabMetrics& metrics, int stripWidth, int count) {
+    if (count <= 0) return metrics.maxWidth;
+    return std::clamp(stripWidth / count, metrics.minWidth, metrics.maxWidth);
+}
+
+TabRect TabCloseRect(const TabMetrics& metrics, const TabRect& tab) {
+    return Centred(tab, tab.right - metrics.padding / 2 - metrics.closeSize, metrics.closeSize);
+}
+
+TabRect TabMarkRect(const TabMetrics& metrics, const TabRect& tab) {
+    return Centred(tab, tab.left + metrics.padding, metrics.markSize);
+}
+
+TabRect TabTextRect(const TabMetrics& metrics, const TabRect& tab, bool hasMark) {
+    TabRect text = tab;
+    text.left += metrics.padding;
+    if (hasMark) text.left += metrics.markSize + metrics.padding / 2;
+    text.right = std::max(text.left, TabCloseRect(metrics, tab).left - metrics.padding / 4);
+    return text;
+}
+
+int TabHit(std::span<const TabRect> tabs, int x, int y) {
+    const auto hit = std::find_if(tabs.begin(), tabs.end(), [x, y](const TabRect& tab) { return tab.Contains(x, y); });
+    return hit == tabs.end() ? -1 : static_cast<int>(hit - tabs.begin());
+}
+
+int TabDropIndex(std::span<const TabRect> tabs, int from, int x) {
+    int index = 0;
+    for (int i = 0; i < static_cast<int>(tabs.size()); ++i) {
+        const TabRect& tab = tabs[static_cast<std::size_t>(i)];
+        if (i != from && tab.left + tab.Width() / 2 < x) ++index;
+    }
+    return index;
+}
+
+int TabIndexAfterMove(int index, int from, int to) {
+    if (index == from) return to;
+    if (from < index && index <= to) return index - 1;
+    if (to <= index && index < from) return index + 1;
+    return index;
+}
+
+int TabIndexAfterRemoval(int active, int removed, int count) {
+    const int left = count - 1;
+    if (left <= 0) return -1;
+    if (active < 0) return -1;
+    if (removed < active) return active - 1;
+    return std::min(active, left - 1);
+}

@@ -1,0 +1,292 @@
+// The pointer on the tab strip: hover, close buttons, drag, middle click, context menu, tooltip, and the painting that
+// replaces the control's own. What has to ask the user goes to the main window as a command. UI thread.
+#include "tabs/tab_bar.h"
+#include "tabs/tab_bar_internal.h"
+
+#include "app/app_state.h"
+#include "files/handles.h"
+#include "resources/ids.h"
+#include "scintilla/sci.h"
+
+#include <commctrl.h>
+#include <windowsx.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <cwchar>
+
+TabBarState g_tabBar;
+
+namespace {
+
+constexpr UINT_PTR kSubclassId = 1;
+enum MenuCommand : UINT { kMenuClose = 1, kMenuCloseOthers, kMenuCloseRight, kMenuCloseAll, kMenuCopyPath };
+
+void Repaint() { InvalidateRect(g_app.hTabCtrl, nullptr, FALSE); }
+
+// Closing asks about unsaved text, which is the documents area's business. The answer may be no.
+void CloseTab(int index) {
+    if (!IsTabIndex(index)) return;
+    g_tabBar.returnTo = index == g_app.activeTab ? nullptr : g_app.hEditor;
+    if (index != g_app.activeTab) TabBarSelect(index);
+    PostMessageW(g_app.hMainWnd, WM_COMMAND, IDM_FILE_CLOSE, 0);
+}
+
+// Closes tabs from the right down to `first`, sparing `keep`, until one refuses. Synchronous: each close may ask.
+void CloseTabsFrom(int first, HWND keep) {
+    for (int index = TabCount() - 1; index >= first; --index) {
+        if (!IsTabIndex(index) || g_app.tabs[static_cast<std::size_t>(index)].editor == keep) continue;
+        const int before = TabCount();
+        TabBarSelect(index);
+        SendMessageW(g_app.hMainWnd, WM_COMMAND, IDM_FILE_CLOSE, 0);
+        if (TabCount() >= before) return;
+    }
+    const int kept = TabBarFindEditor(keep);
+    if (kept >= 0) TabBarActivate(kept);
+}
+
+void CopyText(const wchar_t* text) {
+    const std::size_t bytes = (std::wcslen(text) + 1) * sizeof(wchar_t);
+    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, bytes);
+    if (!block) return;
+    void* memory = GlobalLock(block);
+    if (memory) std::memcpy(memory, text, bytes);
+    GlobalUnlock(block);
+    bool taken = false;
+    if (memory && OpenClipboard(g_app.hMainWnd)) {
+        EmptyClipboard();
+        taken = SetClipboardData(CF_UNICODETEXT, block) != nullptr;
+        CloseClipboard();
+    }
+    if (!taken) GlobalFree(block);
+}
+
+void ShowContextMenu(HWND strip, int index, POINT at) {
+    if (!IsTabIndex(index)) return;
+    TabBarActivate(index);
+    const DocumentTab& tab = g_app.tabs[static_cast<std::size_t>(index)];
+    const HWND editor = tab.editor;
+    HMENU menu = CreatePopupMenu();
+    if (!menu) return;
+    const UINT others = TabCount() > 1 ? MF_ENABLED : MF_GRAYED;
+    const UINT right = index + 1 < TabCount() ? MF_ENABLED : MF_GRAYED;
+    AppendMenuW(menu, MF_STRING, kMenuClose, L"&Close\tCtrl+W");
+    AppendMenuW(menu, MF_STRING | others, kMenuCloseOthers, L"Close &Others");
+    AppendMenuW(menu, MF_STRING | right, kMenuCloseRight, L"Close to the &Right");
+    AppendMenuW(menu, MF_STRING, kMenuCloseAll, L"Close &All");
+    AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+    AppendMenuW(menu, MF_STRING | (tab.hasFile ? MF_ENABLED : MF_GRAYED), kMenuCopyPath, L"Copy Full &Path");
+    ClientToScreen(strip, &at);
+    const UINT command = static_cast<UINT>(
+        TrackPopupMenu(menu, TPM_RETURNCMD | TPM_NONOTIFY | TPM_RIGHTBUTTON, at.x, at.y, 0, strip, nullptr));
+    DestroyMenu(menu);
+
+    const int now = TabBarFindEditor(editor);  // the menu ran its own message loop
+    if (now < 0) return;
+    switch (command) {
+        case kMenuClose: CloseTab(now); break;
+        case kMenuCloseOthers: CloseTabsFrom(0, editor); break;
+        case kMenuCloseRight: CloseTabsFrom(now + 1, editor); break;
+        case kMenuCloseAll: PostMessageW(g_app.hMainWnd, WM_COMMAND, IDM_FILE_CLOSE_ALL, 0); break;
+        case kMenuCopyPath: CopyText(g_app.tabs[static_cast<std::size_t>(now)].path); break;
+        default: break;
+    }
+}
+
+void UpdateHover(HWND strip, POINT at, bool inside) {
+    const std::vector<TabRect> rects = TabBarRects();
+    const int tab = inside ? TabHit(rects, at.x, at.y) : -1;
+    const bool close =
+        tab >= 0 && TabCloseRect(TabBarMetrics(), rects[static_cast<std::size_t>(tab)]).Contains(at.x, at.y);
+    if (tab == g_tabBar.hoverTab && close == g_tabBar.hoverClose) return;
+    if (tab != g_tabBar.hoverTab && g_tabBar.tooltip) SendMessageW(g_tabBar.tooltip, TTM_POP, 0, 0);
+    g_tabBar.hoverTab = tab;
+    g_tabBar.hoverClose = close;
+    Repaint();
+    if (g_tabBar.tracking || !inside) return;
+    TRACKMOUSEEVENT track = {};
+    track.cbSize = sizeof track;
+    track.dwFlags = TME_LEAVE;
+    track.hwndTrack = strip;
+    g_tabBar.tracking = TrackMouseEvent(&track) != FALSE;
+}
+
+void EndDrag() {
+    g_tabBar.dragTab = -1;
+    g_tabBar.dragging = false;
+    g_tabBar.pressedClose = -1;
+}
+
+// True when the press was on a close button and the control must not see it.
+bool OnButtonDown(HWND strip, POINT at) {
+    UpdateHover(strip, at, true);
+    const int tab = g_tabBar.hoverTab;
+    if (tab < 0) return false;
+    if (g_tabBar.hoverClose) {
+        g_tabBar.pressedClose = tab;
+        SetCapture(strip);
+        return true;
+    }
+    g_tabBar.dragTab = tab;
+    g_tabBar.dragFrom = at;
+    return false;
+}
+
+void OnMouseMove(HWND strip, POINT at) {
+    if (g_tabBar.dragTab >= 0 && !g_tabBar.dragging) {
+        g_tabBar.dragging = std::abs(at.x - g_tabBar.dragFrom.x) >= TabBarMetrics().dragStart;
+    }
+    if (g_tabBar.dragging) {
+        const int target = TabDropIndex(TabBarRects(), g_tabBar.dragTab, at.x);
+        if (target != g_tabBar.dragTab && TabBarMove(g_tabBar.dragTab, target)) g_tabBar.dragTab = target;
+    }
+    UpdateHover(strip, at, true);
+}
+
+void OnButtonUp(HWND strip, POINT at) {
+    const int pressed = g_tabBar.pressedClose;
+    const bool dragged = g_tabBar.dragging;
+    EndDrag();
+    if (GetCapture() == strip) ReleaseCapture();
+    UpdateHover(strip, at, true);
+    if (pressed >= 0 && pressed == g_tabBar.hoverTab && g_tabBar.hoverClose) CloseTab(pressed);
+    if (dragged) Repaint();
+}
+
+void OnWheel(WPARAM wParam) {
+    if (TabCount() < 2) return;
+    const int step = GET_WHEEL_DELTA_WPARAM(wParam) > 0 ? -1 : 1;
+    const int target = g_app.activeTab + step;
+    if (IsTabIndex(target)) TabBarActivate(target);
+}
+
+void OnPaint(HWND strip) {
+    PAINTSTRUCT paint = {};
+    HDC screen = BeginPaint(strip, &paint);
+    if (!screen) return;
+    RECT client = {};
+    GetClientRect(strip, &client);
+    const UniqueMemoryDc memory(CreateCompatibleDC(screen));
+    const UniqueBitmap bitmap(CreateCompatibleBitmap(screen, client.right, client.bottom));
+    if (memory && bitmap) {
+        const HGDIOBJ old = SelectObject(memory.Get(), bitmap.Get());
+        TabBarPaint(strip, memory.Get(), client);
+        BitBlt(screen, 0, 0, client.right, client.bottom, memory.Get(), 0, 0, SRCCOPY);
+        SelectObject(memory.Get(), old);
+    } else {
+        TabBarPaint(strip, screen, client);  // no memory: better a flicker than nothing
+    }
+    EndPaint(strip, &paint);
+}
+
+// The tooltip's text is asked for when it is about to show: the path of the tab under the pointer.
+bool OnTooltipText(NMHDR& header) {
+    if (header.hwndFrom != g_tabBar.tooltip || header.code != TTN_GETDISPINFOW) return false;
+    static wchar_t text[kPathCapacity];
+    text[0] = L'\0';
+    if (IsTabIndex(g_tabBar.hoverTab)) {
+        const DocumentTab& tab = g_app.tabs[static_cast<std::size_t>(g_tabBar.hoverTab)];
+        SafeCopyW(text, tab.hasFile ? tab.path : tab.label);
+    }
+    reinterpret_cast<NMTTDISPINFOW&>(header).lpszText = text;
+    return true;
+}
+
+LRESULT CALLBACK ScrollerProc(HWND scroller, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
+    switch (message) {
+        case WM_ERASEBKGND: return 1;
+        case WM_PAINT: {
+            PAINTSTRUCT paint = {};
+            HDC dc = BeginPaint(scroller, &paint);
+            RECT client = {};
+            GetClientRect(scroller, &client);
+            if (dc) TabBarPaintScroller(dc, client, false, false);
+            EndPaint(scroller, &paint);
+            return 0;
+        }
+        case WM_NCDESTROY: RemoveWindowSubclass(scroller, ScrollerProc, id); break;
+        default: break;
+    }
+    return DefSubclassProc(scroller, message, wParam, lParam);
+}
+
+// The control makes its arrows when it first overflows.
+void OnParentNotify(WPARAM wParam, LPARAM lParam) {
+    if (LOWORD(wParam) == WM_CREATE) {
+        SetWindowSubclass(reinterpret_cast<HWND>(lParam), ScrollerProc, kSubclassId, 0);
+    }
+}
+
+void OnDoubleClick(POINT at) {
+    if (TabHit(TabBarRects(), at.x, at.y) < 0) PostMessageW(g_app.hMainWnd, WM_COMMAND, IDM_FILE_NEW, 0);
+}
+
+void OnLeave(HWND strip) {
+    g_tabBar.tracking = false;
+    UpdateHover(strip, {}, false);
+}
+
+void OnDestroy(HWND strip);
+
+LRESULT CALLBACK StripProc(HWND strip, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+    const POINT at = {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
+    switch (message) {
+        case WM_ERASEBKGND: return 1;
+        case WM_PAINT: OnPaint(strip); return 0;
+        case WM_SIZE: {
+            const LRESULT result = DefSubclassProc(strip, message, wParam, lParam);
+            TabBarUpdateWidths();
+            return result;
+        }
+        case WM_LBUTTONDOWN:
+            if (OnButtonDown(strip, at)) return 0;
+            DefSubclassProc(strip, message, wParam, lParam);
+            // After the control has selected the tab, which may have moved the capture.
+            if (g_tabBar.dragTab >= 0) SetCapture(strip);
+            return 0;
+        case WM_LBUTTONDBLCLK: OnDoubleClick(at); break;
+        case WM_LBUTTONUP: OnButtonUp(strip, at); break;
+        case WM_MBUTTONUP: CloseTab(TabHit(TabBarRects(), at.x, at.y)); return 0;
+        case WM_RBUTTONUP: ShowContextMenu(strip, TabHit(TabBarRects(), at.x, at.y), at); return 0;
+        case WM_MOUSEMOVE: OnMouseMove(strip, at); break;
+        case WM_MOUSELEAVE: OnLeave(strip); break;
+        case WM_MOUSEWHEEL: OnWheel(wParam); return 0;
+        case WM_CAPTURECHANGED: EndDrag(); break;
+        case WM_PARENTNOTIFY: OnParentNotify(wParam, lParam); break;
+        case WM_NOTIFY:
+            if (OnTooltipText(*reinterpret_cast<NMHDR*>(lParam))) return 0;
+            break;
+        case WM_DESTROY: OnDestroy(strip); break;
+        default: break;
+    }
+    return DefSubclassProc(strip, message, wParam, lParam);
+}
+
+void OnDestroy(HWND strip) {
+    RemoveWindowSubclass(strip, StripProc, kSubclassId);
+    if (g_tabBar.tooltip) DestroyWindow(g_tabBar.tooltip);
+    if (g_tabBar.font) DeleteObject(g_tabBar.font);
+    g_tabBar = {};
+}
+
+void CreateTooltip(HWND strip) {
+    g_tabBar.tooltip =
+        CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, CW_USEDEFAULT,
+                        CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, strip, nullptr, g_app.hInstance, nullptr);
+    if (!g_tabBar.tooltip) return;
+    TTTOOLINFOW tool = {};
+    tool.cbSize = sizeof tool;
+    tool.uFlags = TTF_SUBCLASS | TTF_IDISHWND;
+    tool.hwnd = strip;  // asked for the text by WM_NOTIFY
+    tool.uId = reinterpret_cast<UINT_PTR>(strip);
+    tool.lpszText = LPSTR_TEXTCALLBACKW;
+    SendMessageW(g_tabBar.tooltip, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+}
+
+}  // namespace
+
+bool TabBarInstallSubclass(HWND tabControl) {
+    if (!SetWindowSubclass(tabControl, StripProc, kSubclassId, 0)) return false;
+    CreateTooltip(tabControl);
+    return true;
+}
