@@ -27,13 +27,13 @@ struct Settings {
     // Editor
     wchar_t includePath[kPathCapacity];  // global include folder
     wchar_t fontName[64];
-    std::int32_t fontSize;               // points, 6..72
+    std::int32_t fontSize;  // points, 6..72
     std::int32_t showWhitespace;
     std::int32_t wordWrap;
-    std::int32_t editorZoom;             // Scintilla zoom steps
-    std::int32_t editorStylePreset;      // 0..5: row of the style table
-    std::int32_t activeCompiler;         // CompilerId
-    std::int32_t theme;                  // 0 light, 1 dark
+    std::int32_t editorZoom;         // Scintilla zoom steps
+    std::int32_t editorStylePreset;  // 0..5: row of the style table
+    std::int32_t activeCompiler;     // CompilerId
+    std::int32_t theme;              // 0 light, 1 dark
     std::int32_t tabWidth;
     std::int32_t useTabs;
     std::int32_t showLineNumbers;
@@ -41,12 +41,12 @@ struct Settings {
     std::int32_t showToolbar;
     std::int32_t showStatusbar;
     wchar_t outputFont[64];
-    std::int32_t outputFontSize;         // points
-    std::int32_t restoreLastSession;     // load and save workspace.json
+    std::int32_t outputFontSize;      // points
+    std::int32_t restoreLastSession;  // load and save workspace.json
     std::int32_t buildOnSave;
-    std::int32_t autoSaveInterval;       // minutes, 0 = off
+    std::int32_t autoSaveInterval;  // minutes, 0 = off
     std::int32_t enableAutoComplete;
-    std::int32_t autoCompleteTrigger;    // characters typed before completion opens
+    std::int32_t autoCompleteTrigger;  // characters typed before completion opens
     std::int32_t autoUpperKeywords;
     std::int32_t showIndentGuides;
     std::int32_t showTerminal;
@@ -60,25 +60,25 @@ struct Settings {
     wchar_t searchHistory[kSearchHistoryCapacity][256];
     std::int32_t backupOnSave;
     std::int32_t backupSettings;
-    std::int32_t autoSaveEnabled;        // session auto-save
+    std::int32_t autoSaveEnabled;  // session auto-save
 
     // Build
-    std::int32_t profile;                // 0 Debug, 1 Release, 2 Fast
+    std::int32_t profile;  // 0 Debug, 1 Release, 2 Fast
     wchar_t preBuildCmd[1024];
     wchar_t postBuildCmd[1024];
 
     // Project
     wchar_t projectRoot[kPathCapacity];
     std::int32_t showProjectTree;
-    std::int32_t projectTreeWidth;       // pixels at 96 dpi
+    std::int32_t projectTreeWidth;  // pixels at 96 dpi
 
     // Assistant. The keys are in clear text here and protected on disk.
     std::int32_t showAiSidebar;
-    std::int32_t aiSidebarWidth;         // pixels at 96 dpi
-    std::int32_t aiEnabled;              // derived: either service is on
+    std::int32_t aiSidebarWidth;  // pixels at 96 dpi
+    std::int32_t aiEnabled;       // derived: either service is on
     std::int32_t openAIEnabled;
     std::int32_t lmStudioEnabled;
-    std::int32_t primaryAi;              // 0 OpenAI, 1 LM Studio
+    std::int32_t primaryAi;  // 0 OpenAI, 1 LM Studio
     wchar_t openAIKey[256];
     wchar_t openAIUrl[1024];
     wchar_t openAITranscriptionModel[64];
@@ -96,9 +96,14 @@ struct Settings {
     wchar_t sessionMruFiles[kMruCapacity][kPathCapacity];
 
     // Window
-    std::int32_t splitter;               // top edge of the output pane, pixels from the top of the client area
+    std::int32_t splitter;  // top edge of the output pane, pixels from the top of the client area
 };
 
-// `overridePath` may be null: "Editor.ini" beside the executable. See settings_store.h for the path rules.
+// `overridePath` may be null: "Editor.ini" beside the executable. See settings_store.h for the path rules. Both work on
+// `g_app.settings`. Loading cannot fail: what is not there has its default. A save that fails leaves the old file as it
+// was and a line in the log.
 void SettingsLoad(const wchar_t* overridePath);
 void SettingsSave(const wchar_t* overridePath);
+
+// What the program starts from before it reads the file: every default, with a fixed-pitch editor font.
+void SettingsDefaults(Settings& settings);

@@ -1,0 +1,91 @@
+// Values that survive the system's INI functions. Pure; any thread.
+#include "settings/settings_schema.h"
+
+namespace {
+
+constexpr std::wstring_view kEscaped = L"[ESC]";
+
+// What the INI functions may take for a blank, here and on other implementations of them.
+bool IsBlank(wchar_t c) {
+    const auto code = static_cast<unsigned>(c);
+    return code <= 0x20 || code == 0x85 || code == 0xA0 || code == 0x1680 || (code >= 0x2000 && code <= 0x200A) ||
+           code == 0x2028 || code == 0x2029 || code == 0x202F || code == 0x205F || code == 0x3000 || code == 0xFEFF;
+}
+
+bool IsQuote(wchar_t c) { return c == L'"' || c == L'\''; }
+
+bool NeedsEscape(std::wstring_view value) {
+    if (value.starts_with(kEscaped)) {
+        return true;
+    }
+    for (const wchar_t c : value) {
+        if (static_cast<unsigned>(c) < 0x20 && c != L'\t') {
+            return true;
+        }
+    }
+    return false;
+}
+
+int HexValue(wchar_t c) {
+    if (c >= L'0' && c <= L'9') {
+        return c - L'0';
+    }
+    return c >= L'A' && c <= L'F' ? c - L'A' + 10 : -1;
+}
+
+std::wstring Escape(std::wstring_view value) {
+    std::wstring stored{kEscaped};
+    for (const wchar_t c : value) {
+        if (c == L'\\') {
+            stored += L"\\\\";
+        } else if (c == L'\r') {
+            stored += L"\\r";
+        } else if (c == L'\n') {
+            stored += L"\\n";
+        } else if (static_cast<unsigned>(c) < 0x20) {
+            stored += L"\\x";
+            stored += L"0123456789ABCDEF"[static_cast<unsigned>(c) >> 4U];
+            stored += L"0123456789ABCDEF"[static_cast<unsigned>(c) & 15U];
+        } else {
+            stored += c;
+        }
+    }
+    return stored;
+}
+
+// Someone may have edited the file: what is no escape sequence stays as it stands.
+std::wstring Unescape(std::wstring_view text) {
+    std::wstring value;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const wchar_t next = text[i] == L'\\' && i + 1 < text.size() ? text[i + 1] : L'\0';
+        if (next == L'\\' || next == L'r' || next == L'n') {
+            value += next == L'r' ? L'\r' : next == L'n' ? L'\n' : L'\\';
+            ++i;
+        } else if (next == L'x' && i + 3 < text.size() && HexValue(text[i + 2]) >= 0 && HexValue(text[i + 3]) >= 0) {
+            value += static_cast<wchar_t>(HexValue(text[i + 2]) * 16 + HexValue(text[i + 3]));
+            i += 3;
+        } else {
+            value += text[i];
+        }
+    }
+    return value;
+}
+
+}  // namespace
+
+std::wstring EncodeIniValue(std::wstring_view value) {
+    std::wstring stored = NeedsEscape(value) ? Escape(value) : std::wstring{value};
+    if (stored.empty()) {
+        return stored;
+    }
+    const bool quoted = stored.size() > 1 && IsQuote(stored.front()) && stored.front() == stored.back();
+    if (quoted || IsBlank(stored.front()) || IsBlank(stored.back())) {
+        stored.insert(stored.begin(), L'"');
+        stored += L'"';
+    }
+    return stored;
+}
+
+std::wstring DecodeIniValue(std::wstring_view stored) {
+    return stored.starts_with(kEscaped) ? Unescape(stored.substr(kEscaped.size())) : std::wstring{stored};
+}

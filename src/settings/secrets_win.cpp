@@ -1,0 +1,107 @@
+// Protection of secrets with the system's data protection. Any thread.
+#include "settings/secrets.h"
+
+#include "files/bounded_text.h"
+#include "files/file_io.h"
+#include "files/handles.h"
+
+#include <dpapi.h>
+
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+constexpr std::wstring_view kPrefix = L"[DPAPI]";
+
+int HexDigit(wchar_t c) {
+    if (c >= L'0' && c <= L'9') {
+        return c - L'0';
+    }
+    if (c >= L'A' && c <= L'F') {
+        return c - L'A' + 10;
+    }
+    return c >= L'a' && c <= L'f' ? c - L'a' + 10 : -1;
+}
+
+// Empty for an odd number of digits and for anything that is no digit.
+std::vector<BYTE> BytesOfHex(std::wstring_view digits) {
+    std::vector<BYTE> bytes;
+    if (digits.size() % 2 != 0) {
+        return bytes;
+    }
+    for (std::size_t i = 0; i < digits.size(); i += 2) {
+        const int high = HexDigit(digits[i]);
+        const int low = HexDigit(digits[i + 1]);
+        if (high < 0 || low < 0) {
+            return {};
+        }
+        bytes.push_back(static_cast<BYTE>(high * 16 + low));
+    }
+    return bytes;
+}
+
+// Clear text leaves no copy in freed memory.
+void Wipe(void* bytes, std::size_t length) { SecureZeroMemory(bytes, length); }
+
+}  // namespace
+
+bool EncryptString(const wchar_t* clearText, wchar_t* out, std::size_t capacity) {
+    if (clearText == nullptr || out == nullptr || capacity == 0) {
+        return false;
+    }
+    if (clearText[0] == L'\0') {
+        out[0] = L'\0';
+        return true;
+    }
+    const HeapBlock<char> utf8{WideToUtf8(clearText)};
+    out[0] = L'\0';
+    if (!utf8) {
+        return false;
+    }
+    const std::size_t length = std::strlen(utf8.get());
+    DATA_BLOB clear = {.cbData = static_cast<DWORD>(length), .pbData = reinterpret_cast<BYTE*>(utf8.get())};
+    DATA_BLOB sealed = {};
+    const BOOL done = CryptProtectData(&clear, nullptr, nullptr, nullptr, nullptr, CRYPTPROTECT_UI_FORBIDDEN, &sealed);
+    Wipe(utf8.get(), length);
+    const LocalBlock<BYTE> owner{sealed.pbData};
+    if (done == FALSE || kPrefix.size() + 2 * static_cast<std::size_t>(sealed.cbData) + 1 > capacity) {
+        return false;
+    }
+    std::wstring text{kPrefix};
+    for (DWORD i = 0; i < sealed.cbData; ++i) {
+        text += L"0123456789ABCDEF"[sealed.pbData[i] >> 4U];
+        text += L"0123456789ABCDEF"[sealed.pbData[i] & 15U];
+    }
+    return SafeCopyW(out, capacity, text);
+}
+
+int DecryptString(const wchar_t* stored, wchar_t* out, std::size_t capacity) {
+    if (stored == nullptr || out == nullptr || capacity == 0 || !std::wstring_view{stored}.starts_with(kPrefix)) {
+        return 0;
+    }
+    std::vector<BYTE> bytes = BytesOfHex(std::wstring_view{stored}.substr(kPrefix.size()));
+    if (bytes.empty()) {
+        return 0;
+    }
+    DATA_BLOB sealed = {.cbData = static_cast<DWORD>(bytes.size()), .pbData = bytes.data()};
+    DATA_BLOB clear = {};
+    if (CryptUnprotectData(&sealed, nullptr, nullptr, nullptr, nullptr, CRYPTPROTECT_UI_FORBIDDEN, &clear) == FALSE) {
+        return 0;
+    }
+    const LocalBlock<BYTE> owner{clear.pbData};
+    out[0] = L'\0';
+    if (clear.cbData > 0) {
+        const auto* const text = reinterpret_cast<const char*>(clear.pbData);
+        const int size = static_cast<int>(clear.cbData);
+        const int length = MultiByteToWideChar(CP_UTF8, 0, text, size, nullptr, 0);
+        if (length > 0 && static_cast<std::size_t>(length) < capacity) {
+            MultiByteToWideChar(CP_UTF8, 0, text, size, out, length);
+            out[length] = L'\0';
+        }
+        Wipe(clear.pbData, clear.cbData);
+    }
+    return 1;
+}

@@ -1,0 +1,35 @@
+// The recent-session list in the settings file. UI thread only.
+#include "settings/settings_store.h"
+
+#include "app/app_state.h"
+#include "app/log.h"
+#include "files/file_io.h"
+#include "files/wide_format.h"
+
+#include <windows.h>
+
+#include <algorithm>
+
+void SessionMRULoad() {
+    Settings& settings = g_app.settings;
+    wchar_t ini[kPathCapacity] = {};
+    GetIniPath(nullptr, ini, kPathCapacity);
+    const int stored = static_cast<int>(GetPrivateProfileIntW(L"Session", L"MRUCount", 0, ini));
+    settings.sessionMruCount = std::clamp(stored, 0, kMruCapacity);
+    for (int i = 0; i < settings.sessionMruCount; ++i) {
+        ReadIniText(ini, L"Session", FormatW(L"MRU%d", i).c_str(), L"", settings.sessionMruFiles[i], kPathCapacity);
+    }
+}
+
+void SessionMRUSave() {
+    const Settings& settings = g_app.settings;
+    wchar_t ini[kPathCapacity] = {};
+    GetIniPath(nullptr, ini, kPathCapacity);
+    bool written = WriteIniText(ini, L"Session", L"MRUCount", FormatW(L"%d", settings.sessionMruCount).c_str());
+    for (int i = 0; i < settings.sessionMruCount && written; ++i) {
+        written = WriteIniText(ini, L"Session", FormatW(L"MRU%d", i).c_str(), settings.sessionMruFiles[i]);
+    }
+    if (!written) {
+        AppLogMsg(L"FAIL: SessionMRUSave error=%lu path=%s", GetLastError(), ini);
+    }
+}

@@ -1,0 +1,379 @@
+// Loading and saving of `Editor.ini`, in the order of the table in settings_schema.h. The file is always rewritten whole:
+// into a temporary file beside it, which replaces it only when it was written to its end. UI thread only.
+#include "settings/settings_store.h"
+
+#include "app/app_state.h"
+#include "app/log.h"
+#include "files/file_io.h"
+#include "files/handles.h"
+#include "files/path.h"
+#include "files/wide_format.h"
+#include "settings/secrets.h"
+#include "settings/settings_schema.h"
+
+#include <string>
+#include <string_view>
+
+namespace {
+
+constexpr std::size_t kLongestText = 2048;  // of all rows of the table
+constexpr std::size_t kSealedCapacity = 512;
+constexpr wchar_t kVersion[] = L"2";
+
+// Keys that another account protected: the record holds the stored text as far as it fits, and a save must not put that
+// cut text over the whole one. By row of the table.
+struct ForeignKey {
+    const SettingRow* row = nullptr;
+    std::wstring stored;
+};
+ForeignKey g_foreignKeys[2];
+
+bool KeyExists(const wchar_t* iniPath, const wchar_t* section, const wchar_t* key) {
+    wchar_t value[4];
+    return GetPrivateProfileStringW(section, key, L"", value, 4, iniPath) > 0;
+}
+
+// ------------------------------------------------------------------------------------------------------------ load
+
+std::wstring ReadStored(const wchar_t* iniPath, const wchar_t* section, const wchar_t* key,
+                        const wchar_t* defaultText) {
+    std::wstring stored(IniValueCapacity(kLongestText), L'\0');
+    stored.resize(
+        GetPrivateProfileStringW(section, key, defaultText, stored.data(), static_cast<DWORD>(stored.size()), iniPath));
+    return stored;
+}
+
+void ReadSecret(const wchar_t* iniPath, const SettingRow& row, Settings& settings) {
+    wchar_t* const field = SettingText(settings, row);
+    const std::wstring stored = DecodeIniValue(ReadStored(iniPath, row.section, row.key, row.text));
+    for (ForeignKey& foreign : g_foreignKeys) {
+        if (foreign.row == &row) {
+            foreign = {};
+        }
+    }
+    if (DecryptString(stored.c_str(), field, row.capacity) != 0) {
+        return;
+    }
+    if (!SafeCopyW(field, row.capacity, stored)) {
+        for (ForeignKey& foreign : g_foreignKeys) {
+            if (foreign.row == nullptr) {
+                foreign = {.row = &row, .stored = stored};
+                break;
+            }
+        }
+    }
+}
+
+void ReadRow(const wchar_t* iniPath, const SettingRow& row, Settings& settings) {
+    if ((row.flags & kSettingSaveOnly) != 0) {
+        return;
+    }
+    switch (row.type) {
+        case SettingType::Text:
+            if ((row.flags & kSettingSecret) != 0) {
+                ReadSecret(iniPath, row, settings);
+            } else {
+                ReadIniText(iniPath, row.section, row.key, row.text, SettingText(settings, row), row.capacity);
+            }
+            break;
+        case SettingType::Bool:
+            SettingNumber(settings, row.offset) =
+                GetPrivateProfileIntW(row.section, row.key, row.number, iniPath) != 0 ? 1 : 0;
+            break;
+        case SettingType::Int: {
+            const auto value =
+                static_cast<std::int32_t>(GetPrivateProfileIntW(row.section, row.key, row.number, iniPath));
+            SettingNumber(settings, row.offset) =
+                (row.flags & kSettingLateClamp) != 0 ? value : ApplyLimits(row.limits, value);
+            break;
+        }
+        case SettingType::List:
+            for (int i = 0; i < SettingNumber(settings, row.countOffset) && i < row.rows; ++i) {
+                ReadIniText(iniPath, row.section, FormatW(row.key, i).c_str(), L"", SettingText(settings, row, i),
+                            row.capacity);
+            }
+            break;
+    }
+}
+
+void ReadGroup(const wchar_t* iniPath, SettingGroup group, Settings& settings) {
+    for (const SettingRow& row : SettingRows()) {
+        if (row.group != group) {
+            continue;
+        }
+        ReadRow(iniPath, row, settings);
+        // Both services are known before their keys are read.
+        if (row.offset == offsetof(Settings, lmStudioEnabled)) {
+            UpdateAssistantEnabled(settings);
+        }
+        if (&row == &SettingRows().front()) {
+            AppLogMsg(L"SettingsLoad: KVXA64 Path = '%s'", settings.compilers[kCompilerKvxa64].path);
+        }
+    }
+}
+
+void ApplyLateLimits(Settings& settings) {
+    for (const SettingRow& row : SettingRows()) {
+        if ((row.flags & kSettingLateClamp) != 0) {
+            SettingNumber(settings, row.offset) = ApplyLimits(row.limits, SettingNumber(settings, row.offset));
+        }
+    }
+}
+
+// The power went while a save copied its finished temporary file over the old one: the whole file is still there.
+void FinishInterruptedSave(const wchar_t* iniPath) {
+    const std::wstring temporary = std::wstring{iniPath} + L".tmp";
+    if (FileExists(temporary.c_str()) && KeyExists(temporary.c_str(), L"Meta", L"Version") &&
+        !KeyExists(iniPath, L"Meta", L"Version")) {
+        const BOOL moved = MoveFileExW(temporary.c_str(), iniPath, MOVEFILE_REPLACE_EXISTING);
+        AppLogMsg(L"SettingsLoad: finished an interrupted save, moved=%d", moved);
+    }
+}
+
+// ------------------------------------------------------------------------------------------------------------ save
+
+// One save's temporary file, and whether every write into it succeeded so far.
+struct IniWriter {
+    const wchar_t* path;
+    bool good;
+
+    void Write(const wchar_t* section, const wchar_t* key, const wchar_t* value) {
+        good = good && WritePrivateProfileStringW(section, key, value, path) != FALSE;
+    }
+    void WriteText(const wchar_t* section, const wchar_t* key, const wchar_t* text) {
+        good = good && WriteIniText(path, section, key, text);
+    }
+    void WriteNumber(const wchar_t* section, const wchar_t* key, int number) {
+        wchar_t digits[16];
+        FormatBufferW(digits, L"%d", number);
+        Write(section, key, digits);
+    }
+};
+
+// Empty but for the mark that makes the INI functions keep every character instead of the code page's only.
+bool CreateTemporary(const wchar_t* path) {
+    constexpr char kUtf16Mark[] = {'\xFF', '\xFE'};
+    return WriteFileUtf8(path, kUtf16Mark, sizeof kUtf16Mark);
+}
+
+void WriteSecret(IniWriter& ini, const SettingRow& row, const wchar_t* key) {
+    for (const ForeignKey& foreign : g_foreignKeys) {
+        if (foreign.row == &row && std::wstring_view{foreign.stored}.starts_with(key) && key[0] != L'\0') {
+            ini.Write(row.section, row.key, foreign.stored.c_str());
+            return;
+        }
+    }
+    wchar_t sealed[kSealedCapacity];
+    if (EncryptString(key, sealed, kSealedCapacity)) {
+        ini.Write(row.section, row.key, sealed);
+        return;
+    }
+    AppLogMsg(L"FAIL: SettingsSave %s is stored unprotected", row.key);
+    ini.WriteText(row.section, row.key, key);
+}
+
+void WriteRow(IniWriter& ini, const SettingRow& row, const Settings& settings) {
+    switch (row.type) {
+        case SettingType::Text:
+            if ((row.flags & kSettingSecret) != 0) {
+                WriteSecret(ini, row, SettingText(settings, row));
+            } else if ((row.flags & kSettingExeRelative) != 0) {
+                wchar_t relative[kPathCapacity];
+                MakeExeRelativePath(SettingText(settings, row), relative, kPathCapacity);
+                ini.WriteText(row.section, row.key, relative);
+            } else {
+                ini.WriteText(row.section, row.key, SettingText(settings, row));
+            }
+            break;
+        case SettingType::Bool:
+            ini.WriteNumber(row.section, row.key, SettingNumber(settings, row.offset) != 0 ? 1 : 0);
+            break;
+        case SettingType::Int: ini.WriteNumber(row.section, row.key, SettingNumber(settings, row.offset)); break;
+        case SettingType::List:
+            // The file began empty, so that rows past the count need no deleting.
+            for (int i = 0; i < SettingNumber(settings, row.countOffset) && i < row.rows; ++i) {
+                ini.WriteText(row.section, FormatW(row.key, i).c_str(), SettingText(settings, row, i));
+            }
+            break;
+    }
+}
+
+void WriteGroup(IniWriter& ini, SettingGroup group, bool late, const Settings& settings) {
+    for (const SettingRow& row : SettingRows()) {
+        if (row.group == group && ((row.flags & kSettingLateSave) != 0) == late &&
+            (row.flags & kSettingLoadOnly) == 0) {
+            WriteRow(ini, row, settings);
+        }
+    }
+}
+
+void WriteWindowPlace(IniWriter& ini) {
+    WINDOWPLACEMENT place = {.length = sizeof place};
+    if (g_app.hMainWnd == nullptr || GetWindowPlacement(g_app.hMainWnd, &place) == FALSE) {
+        return;
+    }
+    const RECT& normal = place.rcNormalPosition;
+    ini.WriteNumber(L"Window", L"Left", normal.left);
+    ini.WriteNumber(L"Window", L"Top", normal.top);
+    ini.WriteNumber(L"Window", L"Width", normal.right - normal.left);
+    ini.WriteNumber(L"Window", L"Height", normal.bottom - normal.top);
+    ini.WriteNumber(L"Window", L"Max", place.showCmd == SW_SHOWMAXIMIZED ? 1 : 0);
+}
+
+// The last key of a save stands at the end of the file, as bytes and not in the cache of the INI functions.
+bool IsComplete(const wchar_t* path) {
+    std::size_t length = 0;
+    const HeapBlock<char> bytes{ReadFileUtf8(path, &length)};
+    constexpr std::wstring_view kTail = L"Version=2\r\n";
+    constexpr std::size_t kTailBytes = kTail.size() * sizeof(wchar_t);
+    const std::string_view tail{reinterpret_cast<const char*>(kTail.data()), kTailBytes};
+    return bytes && std::string_view{bytes.get(), length}.ends_with(tail);
+}
+
+bool WriteAll(const wchar_t* path, Settings& settings) {
+    UpdateAssistantEnabled(settings);
+    IniWriter ini{.path = path, .good = CreateTemporary(path)};
+    WriteGroup(ini, SettingGroup::Compilers, false, settings);
+    WriteGroup(ini, SettingGroup::Preferences, false, settings);
+    WriteGroup(ini, SettingGroup::Recent, false, settings);
+    WriteGroup(ini, SettingGroup::Compilers, true, settings);
+    WriteGroup(ini, SettingGroup::Assistant, false, settings);
+    WriteWindowPlace(ini);
+    WriteGroup(ini, SettingGroup::Window, false, settings);
+    ini.Write(L"Meta", L"Version", kVersion);
+    // Nothing but names: the cache of the file is written out. Its result tells nothing.
+    WritePrivateProfileStringW(nullptr, nullptr, nullptr, path);
+    return ini.good && IsComplete(path);
+}
+
+bool ReplaceBy(const wchar_t* temporary, const wchar_t* iniPath) {
+    return CopyFileW(temporary, iniPath, FALSE) != FALSE ||
+           MoveFileExW(temporary, iniPath, MOVEFILE_REPLACE_EXISTING) != FALSE;
+}
+
+}  // namespace
+
+void GetIniPath(const wchar_t* overridePath, wchar_t* out, std::size_t capacity) {
+    const bool given = overridePath != nullptr && overridePath[0] != L'\0';
+    if (given && PathIsAbsolute(overridePath)) {
+        SafeCopyW(out, capacity, overridePath);
+        return;
+    }
+    wchar_t directory[kPathCapacity] = {};
+    AppExeDirectory(directory, kPathCapacity);
+    PathJoin(directory, given ? overridePath : L"Editor.ini", out, capacity);
+}
+
+void GetIniDir(const wchar_t* overridePath, wchar_t* out, std::size_t capacity) {
+    wchar_t path[kPathCapacity] = {};
+    GetIniPath(overridePath, path, kPathCapacity);
+    PathGetDir(path, out, capacity);
+}
+
+void ResolveExeRelative(const wchar_t* in, wchar_t* out, std::size_t capacity) {
+    wchar_t directory[kPathCapacity] = {};
+    AppExeDirectory(directory, kPathCapacity);
+    ResolveAgainstFolder(directory, in, out, capacity);
+}
+
+void MakeExeRelativePath(const wchar_t* in, wchar_t* out, std::size_t capacity) {
+    wchar_t directory[kPathCapacity] = {};
+    AppExeDirectory(directory, kPathCapacity);
+    MakeFolderRelative(directory, in, out, capacity);
+}
+
+void ReadIniText(const wchar_t* iniPath, const wchar_t* section, const wchar_t* key, const wchar_t* defaultText,
+                 wchar_t* out, std::size_t capacity) {
+    SafeCopyW(out, capacity, DecodeIniValue(ReadStored(iniPath, section, key, defaultText)));
+}
+
+bool WriteIniText(const wchar_t* iniPath, const wchar_t* section, const wchar_t* key, const wchar_t* text) {
+    return WritePrivateProfileStringW(section, key, EncodeIniValue(text).c_str(), iniPath) != FALSE;
+}
+
+void SettingsLoad(const wchar_t* overridePath) {
+    Settings& settings = g_app.settings;
+    wchar_t ini[kPathCapacity] = {};
+    GetIniPath(overridePath, ini, kPathCapacity);
+    AppLogMsg(L"SettingsLoad: INI = %s", ini);
+    FinishInterruptedSave(ini);
+
+    ReadGroup(ini, SettingGroup::Compilers, settings);
+    for (CompilerSettings& compiler : settings.compilers) {
+        ResolveExeRelative(compiler.path, compiler.path, kPathCapacity);
+    }
+    ReadGroup(ini, SettingGroup::Preferences, settings);
+    FillEmptyDescriptions(settings);
+    // [Meta] "Version" tells nothing that the load would need: every key has a default.
+    for (CompilerSettings& compiler : settings.compilers) {
+        if (!FileExists(compiler.path)) {
+            compiler.path[0] = L'\0';  // a stale path never reaches a build
+        }
+    }
+    CheckAssistantKeys(settings);
+    ReadGroup(ini, SettingGroup::Assistant, settings);
+    ReadGroup(ini, SettingGroup::Recent, settings);
+    ReadGroup(ini, SettingGroup::Window, settings);
+    SessionMRULoad();
+    ApplyLateLimits(settings);
+}
+
+void SettingsSave(const wchar_t* overridePath) {
+    Settings& settings = g_app.settings;
+    wchar_t ini[kPathCapacity] = {};
+    GetIniPath(overridePath, ini, kPathCapacity);
+    const std::wstring temporary = std::wstring{ini} + L".tmp";
+
+    if (!WriteAll(temporary.c_str(), settings)) {
+        // A full disk, a folder that may not be written to: the old file is better than half a new one.
+        AppLogMsg(L"FAIL: SettingsSave cannot write %s, the settings file stays as it was", temporary.c_str());
+        DeleteFileW(temporary.c_str());
+        return;
+    }
+    if (settings.backupSettings != 0 && FileExists(ini)) {
+        const std::wstring backup = std::wstring{ini} + L".bak";
+        if (CopyFileW(ini, backup.c_str(), FALSE) == FALSE) {
+            AppLogMsg(L"FAIL: SettingsSave backup error=%lu", GetLastError());
+        }
+    }
+    const bool replaced = ReplaceBy(temporary.c_str(), ini);
+    if (!replaced) {
+        AppLogMsg(L"FAIL: SettingsSave replace error=%lu path=%s", GetLastError(), ini);
+    }
+    DeleteFileW(temporary.c_str());
+    if (replaced) {
+        SessionMRUSave();
+    }
+}
+
+bool SettingsExport(const wchar_t* target) {
+    wchar_t ini[kPathCapacity] = {};
+    GetIniPath(nullptr, ini, kPathCapacity);
+    return target != nullptr && CopyFileW(ini, target, FALSE) != FALSE;
+}
+
+bool SettingsImport(const wchar_t* source) {
+    wchar_t ini[kPathCapacity] = {};
+    GetIniPath(nullptr, ini, kPathCapacity);
+    // By way of a second file, so that a copy that breaks off leaves the settings as they were.
+    const std::wstring incoming = std::wstring{ini} + L".import";
+    if (source == nullptr || CopyFileW(source, incoming.c_str(), FALSE) == FALSE) {
+        DeleteFileW(incoming.c_str());
+        return false;
+    }
+    if (MoveFileExW(incoming.c_str(), ini, MOVEFILE_REPLACE_EXISTING) == FALSE) {
+        DeleteFileW(incoming.c_str());
+        return false;
+    }
+    SettingsLoad(nullptr);
+    return true;
+}
+
+void SettingsResetAll() {
+    wchar_t ini[kPathCapacity] = {};
+    GetIniPath(nullptr, ini, kPathCapacity);
+    if (DeleteFileW(ini) == FALSE && GetLastError() != ERROR_FILE_NOT_FOUND) {
+        AppLogMsg(L"FAIL: SettingsReset delete error=%lu path=%s", GetLastError(), ini);
+    }
+    SettingsReset(g_app.settings);
+}
