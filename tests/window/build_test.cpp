@@ -124,8 +124,10 @@ TEST(Build, EachCompilerBuildsASample) {
                     text.replace(at, 3, Quoted(path));
             return L"Command: " + Quoted(folder.File(c.executable)) + text + L"\n";
         };
+        std::wstring cwd = folder.File(c.cwd);
+        if (cwd.ends_with(L'\\')) cwd.pop_back();
         const std::wstring header = L"--- Build started: " + std::wstring(c.name) + L" ---\nSource: " + source +
-                                    L"\nOutput: " + stem + L".exe\nCWD: " + folder.File(c.cwd);
+                                    L"\nOutput: " + stem + L".exe\nCWD: " + cwd + L"\n";
         std::wstring text = Build(editor);
         EXPECT_TRUE(text.starts_with(header)) << Utf8(text);
         EXPECT_NE(text.find(command(c.arguments)), std::wstring::npos) << Utf8(text);
@@ -133,9 +135,9 @@ TEST(Build, EachCompilerBuildsASample) {
         EXPECT_FALSE(c.staged && Exists(folder.File(c.staged))) << "the copy stays behind";
         if (std::wstring(c.arguments).find(L"{a}") != std::wstring::npos) {
             EXPECT_NE(folder.Read(std::wstring(c.source).substr(0, 1) + L".asm"), "");
-            const std::wstring assembly = editor.TextOf(editor.Child(IDC_ASM));
-            EXPECT_TRUE(assembly.starts_with(L"=== Assembly Output ===")) << Utf8(assembly.substr(0, 300));
-            EXPECT_NE(assembly.find(L"ASMOUT: " + stem + L".asm"), std::wstring::npos) << Utf8(assembly.substr(0, 300));
+            const auto assembly = [&] { return editor.TextOf(editor.Child(IDC_ASM)); };
+            EXPECT_TRUE(WaitFor([&] { return assembly().find(L"ASMOUT: " + stem + L".asm") != std::wstring::npos; }));
+            EXPECT_TRUE(assembly().starts_with(L"=== Assembly Output ===")) << Utf8(assembly().substr(0, 300));
         }
         for (const wchar_t* extension : {L".log", L".lst", L".err"}) WriteBytes(stem + extension, "x");
         editor.Do(IDM_BUILD_CLEAN);
@@ -341,7 +343,12 @@ TEST(Build, StopLeavesNothingRunning) {
         FakeFolder folder(c.script);
         if (c.preBuild) folder.SetIni(L"Build", L"PreBuildCmd", Quoted(folder.File(L"KVXA64\\kvxa64.exe")));
         Editor editor(folder, Open(folder.Write(L"a.kxa", kHello)) + L" --compiler kvxa64");
+        const auto stopEnabled = [&] {
+            return editor.Send(editor.Child(IDC_TOOLBAR), TB_ISBUTTONENABLED, IDM_BUILD_STOP) != 0;
+        };
+        EXPECT_FALSE(stopEnabled());
         editor.Do(IDM_BUILD);
+        EXPECT_TRUE(WaitFor(stopEnabled, 2000));
         ASSERT_TRUE(editor.AwaitOutput(c.preBuild ? L"[Pre-build]" : L"begun"));
         ASSERT_TRUE(WaitFor([&] { return CountProcesses(L"kvxa64.exe") == (c.preBuild ? 1 : 2); }));
         editor.Foreground();

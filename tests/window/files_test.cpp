@@ -246,15 +246,13 @@ TEST(Files, RecentListKeepsTenNewestFirst) {
 TEST(Files, FailedSaveLosesNothing) {
     ProgramFolder folder;
     const std::wstring path = folder.Write(L"a.bas", "old\r\n");
-    wchar_t local[1024];
-    GetEnvironmentVariableW(L"LOCALAPPDATA", local, 1024);
     Editor editor(folder, Open(path));
     const auto expectFailure = [&](const std::wstring& file, const std::string& text, const std::string& onDisk) {
         editor.Post(IDM_FILE_SAVE);
         editor.Answer(kProgramTitle, L"Failed to save file: " + file, IDOK);
         EXPECT_TRUE(editor.Modified());
         EXPECT_EQ(ReadBytes(file).value_or("(unreadable)"), onDisk);
-        EXPECT_GE(CountCopies(local, text), 1) << "no recovery copy holds the text";
+        EXPECT_GE(CountCopies(folder.File(L"local"), text), 1) << "no recovery copy holds the text";
     };
 
     editor.Type("read-only 1 ");
@@ -272,7 +270,8 @@ TEST(Files, FailedSaveLosesNothing) {
     editor.Do(IDM_FILE_SAVE);
     EXPECT_EQ(folder.Read(L"a.bas"), "read-only 1 locked 2 old\r\n");
     EXPECT_FALSE(editor.Modified());
-    EXPECT_EQ(CountCopies(local, "read-only 1 locked 2 old\r\n"), 0) << "a verified save needs no copy any more";
+    EXPECT_EQ(CountCopies(folder.File(L"local"), "read-only 1 locked 2 old\r\n"), 0)
+        << "a verified save needs no copy any more";
 }
 
 // KVX_SMALL_DISK names a folder on a disk of a few hundred kilobytes that the tests may fill (scripts/test mounts one).
@@ -285,14 +284,13 @@ TEST(Files, FullDiskLosesNothing) {
     ULARGE_INTEGER room{};
     ASSERT_TRUE(GetDiskFreeSpaceExW(disk.c_str(), &room, nullptr, nullptr));
     ASSERT_LT(room.QuadPart, 4u << 20) << "not a small disk";
-    wchar_t local[1024];
-    GetEnvironmentVariableW(L"LOCALAPPDATA", local, 1024);
     Editor editor(folder, Open(path));
     const std::string text(static_cast<std::size_t>(room.QuadPart) + 65536, 'z');
     editor.Type(text);
     editor.Post(IDM_FILE_SAVE);
     editor.Answer(kProgramTitle, L"Failed to save file: " + path, IDOK);
     EXPECT_TRUE(editor.Modified());
-    EXPECT_GE(CountCopies(local, text + "old\r\n"), 1);
+    EXPECT_GE(CountCopies(folder.File(L"local"), text + "old\r\n"), 1);
+    EXPECT_EQ(ReadBytes(path), "old\r\n") << "not even cut short";
     DeleteFileW(path.c_str());
 }

@@ -160,6 +160,9 @@ void ProgramFolder::SetIni(const wchar_t* section, const wchar_t* key, const std
 
 Editor::Editor(const ProgramFolder& programFolder, const std::wstring& arguments, Until until) : folder(programFolder) {
     DeleteFileW(folder.File(L"Editor_Detect.log").c_str());
+    // What the program keeps for the user, recovery copies above all, goes into this folder as well.
+    CreateDirectoryW(folder.File(L"local").c_str(), nullptr);
+    SetEnvironmentVariableW(L"LOCALAPPDATA", folder.File(L"local").c_str());
     job = CreateJobObjectW(nullptr, nullptr);
     JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
     limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;

@@ -93,8 +93,12 @@ struct Editor {
     int Tabs() const;
     int ActiveTab() const;
     std::wstring TabLabel(int index) const;
-    POINT TabCentre(int index) const;  // client coordinates of the tab control
-    HWND Sci() const;                  // editor of the active tab
+    RECT TabRect(int index) const;  // client coordinates of the tab control
+    POINT TabCentre(int index) const {
+        const RECT rect = TabRect(index);
+        return {(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2};
+    }
+    HWND Sci() const;  // editor of the active tab
     LRESULT Sci(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
         return Send(Sci(), message, wParam, lParam);
     }

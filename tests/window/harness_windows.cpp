@@ -217,12 +217,12 @@ std::wstring Editor::TabLabel(int index) const {
     return text;
 }
 
-POINT Editor::TabCentre(int index) const {
+RECT Editor::TabRect(int index) const {
     const RemoteBlock block(process, sizeof(RECT));
     RECT rect{};
     Send(Child(IDC_TABS), TCM_GETITEMRECT, static_cast<WPARAM>(index), block.At());
     block.Get(&rect, sizeof(rect));
-    return {(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2};
+    return rect;
 }
 
 HWND Editor::Sci() const {

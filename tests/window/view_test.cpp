@@ -244,6 +244,9 @@ TEST(View, TabsByMouseAndKeyboard) {
     editor.Keys({VK_CONTROL, 'W'});
     editor.Answer(L"Unsaved Changes", L"", IDNO);
     EXPECT_TRUE(WaitFor([&] { return order() == L"bd"; }));
+    const RECT tab = editor.TabRect(0);
+    editor.Click(tabs, {tab.right - 14, (tab.top + tab.bottom) / 2});  // its close button
+    EXPECT_TRUE(WaitFor([&] { return order() == L"d"; })) << Utf8(order());
     EXPECT_EQ(editor.Close(), 0u);
 }
 
