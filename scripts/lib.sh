@@ -122,13 +122,21 @@ use_wine() {
     unset LANG LANGUAGE
     have wine || die "Wine is not installed; run scripts/setup"
     WINE_STARTED=yes
-    local made="$WINEPREFIX/kvx-prefix-4"
+    local made="$WINEPREFIX/kvx-prefix-5"
     [ -f "$made" ] && return 0
     say "making the Wine prefix $WINEPREFIX (once, up to a minute)"
     rm -rf "$WINEPREFIX"
     mkdir -p "$(dirname "$WINEPREFIX")"
     quietly "$BUILD/logs/wineboot.log" timeout -k 10 240 wine wineboot -i || die "wineboot failed"
     quietly "$BUILD/logs/winecfg.log" timeout -k 10 60 wine winecfg -v win10 || die "winecfg failed"
+    # The caption buttons and other signs are letters of these; Debian's Wine does not find them by itself.
+    local font
+    for font in marlett symbol webdings wingding; do
+        if [ -f "/usr/share/wine/fonts/$font.ttf" ]; then
+            mkdir -p "$WINEPREFIX/drive_c/windows/Fonts"
+            cp "/usr/share/wine/fonts/$font.ttf" "$WINEPREFIX/drive_c/windows/Fonts/"
+        fi
+    done
     local settings="$WINEPREFIX/kvx.reg"
     # One desktop of a known size inside the X screen: captions and focus without a window manager. Fonts that Windows
     # has and Wine has not are replaced by ones that look alike; a crash is to end the program, not to open a dialog.
