@@ -101,7 +101,6 @@ struct LineScan {
     std::vector<Statement> statements;  // separated by colons; the first continues an earlier line's last
     bool continues = false;             // ends with " _"
     bool openString = false;            // a string without its end: trailing blanks belong to it
-    bool assembly = false;              // begins with "!"
     bool labelOnly = false;             // "name:" and nothing else
     std::string directive;              // "IF" of "#IF"
     std::string text;                   // the line with its keywords in the wanted case
@@ -173,11 +172,6 @@ LineScan ScanLine(std::string_view line, bool upperKeywords, bool first) {
     LineScan out;
     out.statements.emplace_back();
     out.text.reserve(line.size());
-    if (first && !line.empty() && line.front() == '!') {
-        out.assembly = true;
-        out.text = line;
-        return out;
-    }
     Scanner scan{line, 0, upperKeywords, first, &out};
     while (scan.at < line.size()) {
         const char c = line[scan.at];
@@ -398,15 +392,27 @@ void AppendIndent(std::string& out, int depth, const FormatOptions& options) {
     }
 }
 
-// Both branches of a conditional compilation start from the same nesting.
-void ApplyDirective(const std::string& directive, Nesting& nesting, std::vector<Nesting>& saved) {
+// Both branches of a conditional compilation start from the same nesting. Returns the depth of the directive's line.
+int ApplyDirective(const std::string& directive, Nesting& nesting, std::vector<Nesting>& saved) {
+    int depth = nesting.Depth();
     if (directive == "IF" || directive == "IFDEF" || directive == "IFNDEF") {
         saved.push_back(nesting);
     } else if ((directive == "ELSE" || directive == "ELSEIF") && !saved.empty()) {
         nesting = saved.back();
+        depth = nesting.Depth();
     } else if (directive == "ENDIF" && !saved.empty()) {
+        depth = saved.back().Depth();
         saved.pop_back();
     }
+    return depth;
+}
+
+// "! mov eax, 1" and "ASM mov eax, 1".
+bool IsAssemblyLine(std::string_view trimmed) {
+    if (trimmed.starts_with("!")) return true;
+    const bool word = trimmed.size() > 4 && Upper(trimmed.substr(0, 3)) == "ASM" && IsBlank(trimmed[3]);
+    const std::string_view rest = word ? TrimLeft(trimmed.substr(3)) : std::string_view();
+    return !rest.empty() && rest.front() != '\'' && rest.front() != ':';
 }
 
 bool EndsAssembly(std::string_view trimmed) {
@@ -427,7 +433,7 @@ std::string FormatBasicSource(std::string_view text, const FormatOptions& option
     for (std::size_t i = 0; i < lines.size();) {
         const std::string_view trimmed = TrimLeft(lines[i].text);
         const bool inAssembly = !nesting.open.empty() && nesting.open.back() == Block::Asm;
-        if (trimmed.starts_with("!") || (inAssembly && !EndsAssembly(trimmed))) {
+        if (IsAssemblyLine(trimmed) || (inAssembly && !EndsAssembly(trimmed))) {
             out.append(lines[i].text).append(lines[i].end);
             ++i;
             continue;
@@ -450,13 +456,9 @@ std::string FormatBasicSource(std::string_view text, const FormatOptions& option
             if (!scans.back().continues || last + 1 == lines.size()) break;
         }
 
-        int depth = nesting.Depth();
-        if (!scans.front().directive.empty()) {
-            ApplyDirective(scans.front().directive, nesting, saved);
-            depth = nesting.Depth();
-        } else {
-            depth = ApplyStatements(nesting, statements);
-        }
+        const std::string& directive = scans.front().directive;
+        int depth =
+            directive.empty() ? ApplyStatements(nesting, statements) : ApplyDirective(directive, nesting, saved);
         if (scans.front().labelOnly) depth = std::max(depth - 1, 0);
 
         for (std::size_t k = 0; k < scans.size(); ++k) {

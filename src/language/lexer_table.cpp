@@ -89,14 +89,14 @@ constexpr std::string_view kBasicStatements =
     "locate beep sleep delay shell";
 constexpr std::string_view kBasicTypes =
     "asciiz asciz bit bool boolean byte byt cur currency cux currencyx cwstr decimal double dwd dword ext extended "
-    "field float guid int integer int8 int16 int32 int64 lng long longint nothing pointer ptr qud quad sng single "
+    "field float guid int integer int8 int16 int32 int64 lng long longint pointer ptr qud quad sng single "
     "string stringz uint uint8 uint16 uint32 uint64 variant vrnt void word wrd wstring wstringz zstr";
 constexpr std::string_view kBasicFunctions =
     "abs acos array asc asin atn bin build ceil chr cint clng cos cqud csng cdbl command codeptr cvl cvq cvs cvd date "
-    "dir environ eof erl err error exp extract fix format frac freefile hex hiword iif instr int join lbound lcase "
+    "dir environ eof erl err exp extract fix format frac freefile hex hiword iif instr join lbound lcase "
     "left len lo lof log log10 log2 loword lset ltrim max mcase mid min mki mkl mks mkd oct parse parsecount peek "
     "poke remain remove repeat replace retain right rnd round rset rtrim sgn sin sizeof space spc sqr str strdelete "
-    "strinsert strptr strreverse string switch tab tally tan time timer trim ubound ucase val varptr verify";
+    "strinsert strptr strreverse switch tab tally tan time timer trim ubound ucase val varptr verify";
 
 // What a dialect adds to the common sets.
 struct DialectRow {
@@ -145,7 +145,7 @@ constexpr std::string_view kAsmRegisters =
     "ss st st0 st1 st2 st3 st4 st5 st6 st7 xmm0 xmm1 xmm2 xmm3 xmm4 xmm5 xmm6 xmm7 xmm8 xmm9 xmm10 xmm11 xmm12 xmm13 "
     "xmm14 xmm15 ymm0 ymm1 ymm2 ymm3 ymm4 ymm5 ymm6 ymm7 ymm8 ymm9 ymm10 ymm11 ymm12 ymm13 ymm14 ymm15";
 constexpr std::string_view kAsmDirectives =
-    "align assume bits byte comm common db dd default dq dt dw dup else elseif end endif endm endp ends equ even "
+    "align assume bits comm common db dd default dq dt dw dup else elseif end endif endm endp ends equ even "
     "export "
     "extern extrn global if ifdef ifndef include includelib incbin invoke label local macro model option org proc "
     "proto "

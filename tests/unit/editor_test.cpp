@@ -1,0 +1,188 @@
+// Caret colour, navigation history, sticky header.
+#include "editor/nav_history.h"
+#include "editor/sticky_header.h"
+#include "language/caret_colour.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+TEST(CaretColour, FollowsTheLumaOfTheBackground) {
+    const struct {
+        const char* name;
+        std::uint32_t background;
+        std::uint32_t caret;
+    } cases[] = {
+        {"white", 0xFFFFFF, kCaretBlack},
+        {"black", 0x000000, kCaretWhite},
+        {"grey 127 is dark", 0x7F7F7F, kCaretWhite},
+        {"grey 128 is light", 0x808080, kCaretBlack},
+        {"red is dark: the low byte is red", 0x0000FF, kCaretWhite},
+        {"green is light", 0x00FF00, kCaretBlack},
+        {"blue is dark", 0xFF0000, kCaretWhite},
+    };
+    for (const auto& test : cases) EXPECT_EQ(CaretColourOn(test.background), test.caret) << test.name;
+}
+
+TEST(NavHistory, StepsThroughPlacesAndForgetsWhatWasAhead) {
+    NavHistory history;
+    EXPECT_FALSE(NavStepBack(history)) << "empty";
+    NavRecord(history, 100, 2);
+    NavRecord(history, 200, 1);
+    EXPECT_FALSE(NavStepForward(history)) << "at the newest";
+    ASSERT_TRUE(NavStepBack(history));
+    EXPECT_EQ(history.navPos[history.navIndex], 100);
+    ASSERT_TRUE(NavStepBack(history));
+    EXPECT_EQ(history.navPos[history.navIndex], 0) << "before the first place: start of the first tab";
+    EXPECT_EQ(history.navTab[history.navIndex], 0);
+    EXPECT_FALSE(NavStepBack(history));
+    ASSERT_TRUE(NavStepForward(history));
+    NavRecord(history, 300, 0);
+    EXPECT_FALSE(NavStepForward(history)) << "200 was ahead and is gone";
+    EXPECT_EQ(history.navPos[history.navIndex], 300);
+}
+
+TEST(NavHistory, HoldsSixtyThreePlacesAndNoMore) {
+    NavHistory history;
+    for (int i = 1; i <= 70; ++i) NavRecord(history, i, 0);
+    EXPECT_EQ(history.navIndex, 63);
+    EXPECT_EQ(history.navPos[63], 63);
+    history.navIndex = -5;
+    NavRecord(history, 9, 4);
+    EXPECT_EQ(history.navIndex, 1) << "a negative index counts as 0";
+    EXPECT_EQ(history.navCount, 2);
+}
+
+TEST(NavHistory, RecordsJumpsOfSixLinesAndEveryTab) {
+    NavHistory history;
+    EXPECT_TRUE(NavShouldRecord(history, 0, 0)) << "the first place";
+    EXPECT_FALSE(NavShouldRecord(history, 5, 0)) << "five lines";
+    EXPECT_FALSE(NavShouldRecord(history, 5, 0)) << "measured from the recorded place, not from the last look";
+    EXPECT_TRUE(NavShouldRecord(history, 6, 0)) << "six lines";
+    EXPECT_TRUE(NavShouldRecord(history, 6, 1)) << "another tab";
+    EXPECT_TRUE(NavShouldRecord(history, 0, 1)) << "six lines up";
+}
+
+TEST(StickyHeader, IsAPlainPrefixTest) {
+    const struct {
+        std::string line;
+        bool header;
+    } cases[] = {
+        {"SUB Foo", true},
+        {"FUNCTION PBMAIN() AS LONG", true},
+        {"TYPEOF x", true},
+        {"INTERFACE", true},
+        {"MACRO m", true},
+        {"CLASS c", true},
+        {" SUB Foo", false},
+        {"sub Foo", false},
+        {"END SUB", false},
+        {"", false},
+        {"SUB " + std::string(250, 'x'), true},
+        {"SUB " + std::string(251, 'x'), false},
+    };
+    for (const auto& test : cases) EXPECT_EQ(StickyIsHeader(test.line), test.header) << test.line;
+}
+
+// A document as lines, each with its end.
+std::vector<std::string> SplitKeepingEnds(const std::string& text) {
+    std::vector<std::string> lines(1);
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        lines.back().push_back(text[i]);
+        const bool crBeforeLf = text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n';
+        if ((text[i] == '\r' || text[i] == '\n') && !crBeforeLf) lines.emplace_back();
+    }
+    return lines;
+}
+
+std::string WithoutEnd(std::string line) {
+    while (!line.empty() && (line.back() == '\r' || line.back() == '\n')) line.pop_back();
+    return line;
+}
+
+std::int64_t NaiveHeader(const std::vector<std::string>& lines, std::int64_t line) {
+    for (; line >= 0; --line) {
+        if (StickyIsHeader(WithoutEnd(lines[static_cast<std::size_t>(line)]))) return line;
+    }
+    return kStickyNone;
+}
+
+// What the editor does with the cache, on a string; `budget` lines a look. Counts the lines looked at.
+std::int64_t CachedHeader(StickyCache& cache, const std::vector<std::string>& lines, std::int64_t line,
+                          std::int64_t budget, std::int64_t* looked) {
+    for (;;) {
+        const StickyRange wanted = StickyWanted(cache, line);
+        if (wanted.first > wanted.last) break;
+        const std::int64_t first = std::max(wanted.first, wanted.last - budget + 1);
+        std::string text;
+        for (std::int64_t i = first; i < wanted.last; ++i) text += lines[static_cast<std::size_t>(i)];
+        text += WithoutEnd(lines[static_cast<std::size_t>(wanted.last)]);
+        const StickyScan scan = StickyScanUp(text, wanted.last);
+        *looked += wanted.last - scan.reached + 1;
+        StickyLearn(cache, line, scan);
+    }
+    return cache.header != kStickyNone && cache.header <= line ? cache.header : kStickyNone;
+}
+
+TEST(StickyHeader, CacheAgreesWithAScanAfterRandomEditsAndMoves) {
+    const std::string pieces[] = {"SUB a", "FUNCTION b", "x = 1", "",   "  SUB c", "SU",
+                                  "B d",   "\r\n",       "\n",    "\r", "\r\n"};
+    std::mt19937 random(20240611);
+    const auto below = [&random](std::size_t limit) { return static_cast<std::size_t>(random() % limit); };
+    for (int round = 0; round < 60; ++round) {
+        std::string text;
+        for (int i = 0; i < 40; ++i) text += pieces[below(std::size(pieces))];
+        StickyCache cache;
+        std::int64_t looked = 0;
+        for (int step = 0; step < 150; ++step) {
+            const std::vector<std::string> lines = SplitKeepingEnds(text);
+            const auto line = static_cast<std::int64_t>(below(lines.size()));
+            ASSERT_EQ(CachedHeader(cache, lines, line, 1 + static_cast<std::int64_t>(below(12)), &looked),
+                      NaiveHeader(lines, line))
+                << "round " << round << " step " << step << " line " << line << "\n"
+                << text;
+            if (below(3) != 0) continue;
+
+            const std::size_t at = below(text.size() + 1);
+            if (below(2) == 0) {
+                text.insert(at, pieces[below(std::size(pieces))]);
+            } else {
+                text.erase(at, below(12));
+            }
+            // The change's line as the editor reports it: of its position, in the changed text.
+            const std::vector<std::string> after = SplitKeepingEnds(text);
+            std::size_t start = 0;
+            std::int64_t changed = 0;
+            while (changed + 1 < static_cast<std::int64_t>(after.size()) &&
+                   start + after[static_cast<std::size_t>(changed)].size() <= at) {
+                start += after[static_cast<std::size_t>(changed)].size();
+                ++changed;
+            }
+            StickyForget(cache, changed,
+                         static_cast<std::int64_t>(after.size()) - static_cast<std::int64_t>(lines.size()));
+        }
+    }
+}
+
+TEST(StickyHeader, TypingAndMovingInADocumentWithoutHeadersLooksAtFewLines) {
+    constexpr std::int64_t kLines = 20000;
+    const std::vector<std::string> lines(kLines, "x = 1\n");
+    StickyCache cache;
+    std::int64_t looked = 0;
+    EXPECT_EQ(CachedHeader(cache, lines, kLines - 1, 1000, &looked), kStickyNone);
+    EXPECT_EQ(looked, kLines) << "the first look is a whole one";
+
+    looked = 0;
+    for (std::int64_t line = kLines - 1; line > kLines - 200; --line) {
+        StickyForget(cache, line, 0);  // a key on the line
+        CachedHeader(cache, lines, line, 1000, &looked);
+        CachedHeader(cache, lines, 5, 1000, &looked);  // and a look at the top
+    }
+    EXPECT_LE(looked, 200) << "one line a key";
+}
+
+}  // namespace

@@ -1,0 +1,193 @@
+// Themes, lexer choice, the formatter.
+#include "language/format.h"
+#include "language/lexer_table.h"
+#include "language/theme_table.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <sstream>
+#include <string>
+
+namespace {
+
+TEST(Theme, EveryTextColourIsReadable) {
+    EXPECT_NEAR(ThemeContrast(0xFFFFFF, 0x000000), 21.0, 0.01);
+    EXPECT_NEAR(ThemeContrast(0x777777, 0xFFFFFF), 4.48, 0.01);
+    constexpr double kReadable = 4.5;
+    for (std::size_t style = 0; style < EditorStyles().size(); ++style) {
+        for (const bool dark : {false, true}) {
+            const EditorPalette& palette = ThemePalette(static_cast<int>(style), dark);
+            const std::string name = "style " + std::to_string(style) + (dark ? " dark" : " light");
+            for (int role = 0; role < kTextRoleCount; ++role) {
+                const Rgb text = palette.text[role];
+                EXPECT_GE(ThemeContrast(text, palette.back), kReadable) << name << " role " << role;
+                EXPECT_GE(ThemeContrast(text, palette.caretLine), kReadable) << name << " caret line, role " << role;
+            }
+            EXPECT_GE(ThemeContrast(palette.text[0], palette.selection), kReadable) << name << " selection";
+            EXPECT_GE(ThemeContrast(palette.text[0], palette.errorBack), kReadable) << name << " error line";
+            EXPECT_GE(ThemeContrast(palette.lineNumber, palette.margin), kReadable) << name << " line numbers";
+            EXPECT_EQ(ThemeContrast(palette.back, 0x000000) < ThemeContrast(palette.back, 0xFFFFFF), dark) << name;
+        }
+    }
+    for (const bool dark : {false, true}) {
+        const ChromePalette& chrome = ThemeChromePalette(dark);
+        EXPECT_GE(ThemeContrast(chrome.tabText, chrome.tabBack), kReadable) << dark;
+        EXPECT_GE(ThemeContrast(chrome.tabText, chrome.hover), kReadable) << dark;
+        EXPECT_GE(ThemeContrast(chrome.paneText, chrome.paneBack), kReadable) << dark;
+        EXPECT_GE(ThemeContrast(chrome.statusText, chrome.statusBack), kReadable) << dark;
+        for (const Rgb mark : {chrome.error, chrome.modified, chrome.success, chrome.accent}) {
+            EXPECT_GE(ThemeContrast(mark, chrome.tabBack), 3.0) << "a mark, not text: " << std::hex << mark;
+        }
+    }
+    EXPECT_EQ(&ThemePalette(99, true), &ThemePalette(0, true)) << "out of range: the program's own";
+    EXPECT_EQ(ThemeColorRef(0x112233), 0x332211u);
+}
+
+TEST(Lexer, IsChosenByTheExtension) {
+    const struct {
+        const wchar_t* path;
+        Language language;
+    } cases[] = {
+        {L"", Language::Basic},
+        {L"Untitled", Language::Basic},
+        {L"C:\\v1.c\\README", Language::Basic},
+        {L"C:\\src\\A.BAS", Language::Basic},
+        {L"x.kxc", Language::Basic},
+        {L"x.C", Language::C},
+        {L"x.bas.h", Language::C},
+        {L"boot.asm", Language::Assembly},
+        {L"boot.S", Language::GnuAssembly},
+        {L"notes.txt", Language::None},
+        {L"x.", Language::None},
+    };
+    for (const auto& test : cases) {
+        EXPECT_EQ(LexerFromExtension(test.path), test.language)
+            << std::string(test.path, test.path + wcslen(test.path));
+    }
+    EXPECT_EQ(LexerOf(Language::None).name, nullptr);
+}
+
+TEST(Lexer, KeywordSetsAreCleanAndDistinct) {
+    for (const Language language : {Language::Basic, Language::C, Language::Assembly}) {
+        std::set<std::string> known;
+        for (int set = 0; set < kKeywordSets; ++set) {
+            std::istringstream words(LexerKeywords(language, 0, set));
+            std::set<std::string> own;
+            for (std::string word; words >> word;) {
+                if (language == Language::Basic) {
+                    EXPECT_EQ(word.find_first_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ"), std::string::npos)
+                        << word << ": the lexer compares lower case";
+                }
+                own.insert(word);
+            }
+            for (const std::string& word : own) {
+                EXPECT_TRUE(known.insert(word).second) << word << " in two sets: only the first would count";
+            }
+        }
+    }
+    EXPECT_TRUE(IsBasicKeyword("ElseIf"));
+    EXPECT_TRUE(IsBasicKeyword("PBMain"));
+    EXPECT_FALSE(IsBasicKeyword("els"));
+    EXPECT_FALSE(IsBasicKeyword(""));
+}
+
+struct FormatCase {
+    const char* name;
+    const char* in;
+    const char* out;
+};
+
+const FormatCase kFormatCases[] = {
+    {"procedure and block if", "function pbmain() as long\nif a then\nb = 1\nelse\n  b = 2\nend if\nend function\n",
+     "FUNCTION PBMAIN() AS LONG\n    IF a THEN\n        b = 1\n    ELSE\n        b = 2\n    END IF\nEND FUNCTION\n"},
+    {"one-line if opens nothing", "if a then b = 1\nx = 2\nif a then for i = 1 to 2: next\nx = 3\n",
+     "IF a THEN b = 1\nx = 2\nIF a THEN FOR i = 1 TO 2: NEXT\nx = 3\n"},
+    {"select", "select case a\ncase 1\nb\ncase else\nc\nend select\nd\n",
+     "SELECT CASE a\n    CASE 1\n        b\n    CASE ELSE\n        c\nEND SELECT\nd\n"},
+    {"next closes two", "for i = 1 to 2\nfor j = 1 to 2\nx\nnext j, i\ny\n",
+     "FOR i = 1 TO 2\n    FOR j = 1 TO 2\n        x\nNEXT j, i\ny\n"},
+    {"loops", "do while a\nwhile b\nc\nwend\nloop until d\ne\n",
+     "DO WHILE a\n    WHILE b\n        c\n    WEND\nLOOP UNTIL d\ne\n"},
+    {"try", "try\na\ncatch\nb\nfinally\nc\nend try\n", "TRY\n    a\nCATCH\n    b\nFINALLY\n    c\nEND TRY\n"},
+    {"a block whole on its line", "for i = 1 to 3: x: next\ny\n", "FOR i = 1 TO 3: x: NEXT\ny\n"},
+    {"continuation", "x = 1 + _\n2 + _ ' more\n3\ny\n", "x = 1 + _\n    2 + _ ' more\n    3\ny\n"},
+    {"then on a continued line", "if a and _\nb then\nc\nend if\n", "IF a AND _\n    b THEN\n    c\nEND IF\n"},
+    {"strings and comments stay", "a = \"if then  for\" ' if then\nrem while  x\n",
+     "a = \"if then  for\" ' if then\nREM while  x\n"},
+    {"trailing blanks go, those of an open string stay", "x = 1  \ny = \"open  \n", "x = 1\ny = \"open  \n"},
+    {"members and constants are no keywords", "a.type = %for + $end + b.name\n", "a.type = %for + $end + b.name\n"},
+    {"result of the function", "function f() as long\nfunction = 1\nend function\n",
+     "FUNCTION f() AS LONG\n    FUNCTION = 1\nEND FUNCTION\n"},
+    {"declarations open nothing", "declare sub a()\nexit for\nx\n", "DECLARE SUB a()\nEXIT FOR\nx\n"},
+    {"types", "type pt\nx as long\nend type\nunion u\na as long\nend union\n",
+     "TYPE pt\n    x AS LONG\nEND TYPE\nUNION u\n    a AS LONG\nEND UNION\n"},
+    {"macros", "macro two = 2\nmacro m\nx\nend macro\ny\n", "MACRO two = 2\nMACRO m\n    x\nEND MACRO\ny\n"},
+    {"class with a method", "class c\ninterface i\nclass method m()\nx\nend method\nend interface\nend class\n",
+     "CLASS c\n    INTERFACE i\n        CLASS METHOD m()\n            x\n        END METHOD\n    END INTERFACE\n"
+     "END CLASS\n"},
+    {"a forgotten end does not shift the next procedure", "sub a\nif b then\nc\nsub d\ne\nend sub\n",
+     "SUB a\n    IF b THEN\n        c\nSUB d\n    e\nEND SUB\n"},
+    {"both branches of a condition", "#if a\nsub x(b)\n#else\nsub x(c)\n#endif\nd\nend sub\n",
+     "#IF a\nSUB x(b)\n#ELSE\nSUB x(c)\n#ENDIF\n    d\nEND SUB\n"},
+    {"inline assembly", "sub a\n  ! mov  eax, for\nasm\n   push next\nend asm\n asm  mov if, 1\nx\nend sub\n",
+     "SUB a\n  ! mov  eax, for\n    ASM\n   push next\n    END ASM\n asm  mov if, 1\n    x\nEND SUB\n"},
+    {"data", "sub a\ndata next, it's, for\nend sub\n", "SUB a\n    DATA next, it's, for\nEND SUB\n"},
+    {"labels stand out", "sub a\nagain:\ngoto again\nend sub\n", "SUB a\nagain:\n    GOTO again\nEND SUB\n"},
+    {"line ends stay", "do\r\nx\rloop\ny", "DO\r\n    x\rLOOP\ny"},
+    {"unmatched ends", "end if\nnext\nloop\nx\n", "END IF\nNEXT\nLOOP\nx\n"},
+    {"numbers and suffixes", "a& = &hFOR + 10if\nb$ = left$(c$, 1)\n", "a& = &hFOR + 10if\nb$ = LEFT$(c$, 1)\n"},
+    {"empty", "", ""},
+    {"blank lines", "sub a\n   \nend sub\n", "SUB a\n\nEND SUB\n"},
+};
+
+TEST(Format, FollowsTheBlocks) {
+    for (const FormatCase& test : kFormatCases) {
+        const std::string once = FormatBasicSource(test.in, {});
+        EXPECT_EQ(once, test.out) << test.name;
+        EXPECT_EQ(FormatBasicSource(once, {}), once) << test.name << ": a second time";
+    }
+}
+
+TEST(Format, HonoursItsOptions) {
+    const std::string source = "do\nfor i = 1 to 2\nx\nnext\nloop";
+    EXPECT_EQ(FormatBasicSource(source, {.useTabs = true, .upperKeywords = false}),
+              "do\n\tfor i = 1 to 2\n\t\tx\n\tnext\nloop");
+    EXPECT_EQ(FormatBasicSource(source, {.indentWidth = 2}), "DO\n  FOR i = 1 TO 2\n    x\n  NEXT\nLOOP");
+    // A selection inside a block: what it closes was opened before it.
+    EXPECT_EQ(FormatBasicSource("x\nend if\ny", {}, 2), "        x\n    END IF\n    y");
+    EXPECT_EQ(FormatBasicSource("x\nelse\ny", {}, 1), "    x\nELSE\n    y");
+}
+
+// All that formatting may not change: everything but blanks and the case of letters.
+std::string Essence(const std::string& text) {
+    std::string essence;
+    for (const char c : text) {
+        if (c == ' ' || c == '\t') continue;
+        essence.push_back(c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c);
+    }
+    return essence;
+}
+
+TEST(Format, NeverChangesMoreThanBlanksAndCase) {
+    // Pieces of programs put together without sense: whatever comes out, nothing may be lost or doubled.
+    const char* const pieces[] = {"if ", "then",  "\n",          "\r\n",  "\r",   " _\n",     "\"",  "'",
+                                  ":",   "for i", "next",        "sub a", "end ", "function", "asm", "! x",
+                                  "#if", "#else", "select case", "case ", "rem",  "\t",       " ",   "x=1",
+                                  "&h",  ".",     "label:",      "_",     "data", "\xC3\xA4", "10 ", "end asm"};
+    unsigned state = 12345;
+    const auto next = [&state] {
+        state = state * 1664525u + 1013904223u;
+        return state >> 8;
+    };
+    for (int round = 0; round < 3000; ++round) {
+        std::string text;
+        for (unsigned i = 0, n = next() % 40; i < n; ++i) text += pieces[next() % std::size(pieces)];
+        const std::string once = FormatBasicSource(text, {}, static_cast<int>(next() % 3));
+        ASSERT_EQ(Essence(once), Essence(text)) << "round " << round << ":\n" << text;
+        const std::string settled = FormatBasicSource(text, {});
+        ASSERT_EQ(FormatBasicSource(settled, {}), settled) << "round " << round << ": a second time\n" << text;
+    }
+}
+
+}  // namespace
