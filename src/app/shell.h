@@ -15,6 +15,8 @@ void SettingsApplyToEditor();
 void StatusBarUpdatePosition();
 // Status bar: the text of the first part ("Building...", "Build stopped"). Stays until the next one.
 void StatusBarSetText(const wchar_t* text);
+// Status bar: time and moving mark of what runs (BuildProgressText); empty: nothing runs.
+void StatusBarSetProgress(const wchar_t* text);
 // Enabled and checked state of every menu and toolbar command.
 void MenuUpdateState();
 

@@ -1,0 +1,31 @@
+// A build from the request to its report: pre-build command, compiler, post-build command, and what is to follow.
+// UI thread only.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+enum class AfterBuild : std::uint8_t { Nothing, RunProgram, NextOfBatch };
+
+struct BuildOrder {
+    bool syntaxOnly = false;
+    bool debug = false;
+    bool keepPane = false;  // behind what the output pane shows, instead of in its place
+    AfterBuild after = AfterBuild::Nothing;
+};
+
+// Builds the active document. 1 when its pre-build command or its compiler was started.
+int BuildStart(const BuildOrder& order);
+
+// Where the last build took place; empty texts before the first.
+struct BuildPlaces {
+    std::wstring source;
+    std::wstring output;
+    std::wstring staged;  // the copy that the compiler saw, empty when it saw the source itself
+    std::wstring workingDirectory;
+};
+const BuildPlaces& BuildLastPlaces();
+
+// What follows a build (build_commands_win.cpp).
+void RunBuiltProgram(const std::wstring& program);
+void BatchOnBuildEnd(bool success);

@@ -1,0 +1,118 @@
+// The output pane's window: font and colours, keys, context menu. What is shown in it comes from the feed.
+#include "build/output_pane.h"
+
+#include "app/app_state.h"
+#include "build/output_feed.h"
+#include "language/theme.h"
+
+#include <commctrl.h>
+#include <richedit.h>
+
+#include <iterator>
+
+namespace {
+
+enum MenuCommand : UINT { kCopy = 1, kSelectAll, kClear, kNextError, kPreviousError };
+
+void ShowContextMenu(HWND pane, POINT at) {
+    if (at.x == -1 && at.y == -1) {  // from the keyboard
+        at = {0, 0};
+        ClientToScreen(pane, &at);
+    }
+    HMENU menu = CreatePopupMenu();
+    if (menu == nullptr) return;
+    CHARRANGE selection = {};
+    SendMessageW(pane, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&selection));
+    const UINT errors = g_app.errors.count > 0 ? MF_ENABLED : MF_GRAYED;
+    AppendMenuW(menu, selection.cpMin != selection.cpMax ? MF_ENABLED : MF_GRAYED, kCopy, L"&Copy\tCtrl+C");
+    AppendMenuW(menu, MF_STRING, kSelectAll, L"Select &All\tCtrl+A");
+    AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+    AppendMenuW(menu, errors, kNextError, L"&Next Error");
+    AppendMenuW(menu, errors, kPreviousError, L"&Previous Error");
+    AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+    AppendMenuW(menu, MF_STRING, kClear, L"C&lear");
+    const auto command = TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, at.x, at.y, 0, pane, nullptr);
+    DestroyMenu(menu);
+    switch (command) {
+        case kCopy: SendMessageW(pane, WM_COPY, 0, 0); break;
+        case kSelectAll: SendMessageW(pane, EM_SETSEL, 0, -1); break;
+        case kNextError: CompilerNextError(); break;
+        case kPreviousError: CompilerPrevError(); break;
+        case kClear: OutputPaneClear(); break;
+        default: break;
+    }
+}
+
+LRESULT CALLBACK OutputPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
+    switch (message) {
+        case WM_LBUTTONDBLCLK: {
+            const LRESULT result = DefSubclassProc(pane, message, wParam, lParam);  // puts the caret on the line
+            OutputPaneNavigateError();
+            return result;
+        }
+        case WM_KEYDOWN:
+            if (wParam == VK_RETURN) {
+                OutputPaneNavigateError();
+                return 0;
+            }
+            break;
+        case WM_CONTEXTMENU:
+            ShowContextMenu(pane, {static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))});
+            return 0;
+        case WM_NCDESTROY: RemoveWindowSubclass(pane, OutputPaneProc, id); break;
+        default: break;
+    }
+    return DefSubclassProc(pane, message, wParam, lParam);
+}
+
+void SetFormat(HWND pane, WPARAM scope, bool colour) {
+    CHARFORMAT2W format = {};
+    format.cbSize = sizeof(format);
+    format.dwMask = CFM_FACE | CFM_SIZE | (colour ? CFM_COLOR : 0U);
+    format.yHeight = g_app.settings.outputFontSize * 20;  // twips
+    format.crTextColor = ThemeCurrentChrome().paneText;
+    lstrcpynW(format.szFaceName, g_app.settings.outputFont, static_cast<int>(std::size(format.szFaceName)));
+    SendMessageW(pane, EM_SETCHARFORMAT, scope, reinterpret_cast<LPARAM>(&format));
+}
+
+}  // namespace
+
+void OutputPaneInit(HWND pane) {
+    if (pane == nullptr) return;
+    SendMessageW(pane, EM_SETUNDOLIMIT, 0, 0);
+    SendMessageW(pane, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
+    SendMessageW(pane, EM_SETTARGETDEVICE, 0, 1);  // no wrapping: a line of output is a line of the pane
+    SetWindowSubclass(pane, OutputPaneProc, 1, 0);
+}
+
+void OutputPaneAppend(const wchar_t* text, COLORREF colour) {
+    if (text == nullptr) return;
+    const bool nothingWaits = OutputFeedIsEmpty();
+    OutputFeedMessage(text, colour);
+    // What waits goes first, and the timer is at it.
+    while (nothingWaits && !OutputFeedIsEmpty()) OutputFeedShowNext();
+}
+
+void OutputPaneClear() {
+    OutputFeedForget();
+    if (g_app.hOutput != nullptr) SetWindowTextW(g_app.hOutput, L"");
+}
+
+void OutputPaneScrollToEnd() {
+    if (g_app.hOutput != nullptr) SendMessageW(g_app.hOutput, WM_VSCROLL, SB_BOTTOM, 0);
+}
+
+void OutputPaneApplyFont() { PaneApplyFontAndTheme(g_app.hOutput); }
+
+void PaneApplyFontAndTheme(HWND richEdit) {
+    if (richEdit == nullptr) return;
+    SendMessageW(richEdit, EM_SETBKGNDCOLOR, 0, static_cast<LPARAM>(ThemeCurrentChrome().paneBack));
+    SetFormat(richEdit, SCF_DEFAULT, true);
+    if (richEdit != g_app.hOutput) {
+        SetFormat(richEdit, SCF_ALL, true);
+        return;
+    }
+    // The colours of the lines would be lost with a format for all, and setting it takes long on a long text.
+    SetWindowTextW(richEdit, L"");
+    OutputFeedShowAgain();
+}

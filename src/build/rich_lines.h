@@ -1,0 +1,21 @@
+// Coloured lines at the end of a Rich Edit pane, in blocks sized so that none holds up the user interface. UI thread.
+#pragma once
+
+#include "build/rtf_block.h"
+
+#include <windows.h>
+
+#include <cstddef>
+#include <span>
+
+// Adds the lines as one block: one insertion, one scroll, one repaint. A selection that the user made stays.
+void RichLinesAppend(HWND pane, std::span<const PaneLine> lines);
+
+// How many lines the next block should have, learnt from how long the last full ones took.
+struct BlockSize {
+    std::size_t lines = 400;
+};
+void BlockSizeLearn(BlockSize& size, std::size_t inserted, double milliseconds);
+
+// Milliseconds from an arbitrary start.
+double ClockMs();

@@ -1,0 +1,76 @@
+#include "build/rich_lines.h"
+
+#include "app/app_state.h"
+#include "language/theme.h"
+
+#include <richedit.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+namespace {
+
+// A block takes about this long, so that with its repaint the window answers well within 100 ms.
+constexpr double kBlockMs = 28.0;
+constexpr std::size_t kMinBlockLines = 50;
+constexpr std::size_t kMaxBlockLines = 2000;
+
+DWORD CALLBACK ReadFromView(DWORD_PTR cookie, LPBYTE buffer, LONG size, LONG* count) {
+    auto* rest = reinterpret_cast<std::string_view*>(cookie);
+    const std::size_t taken = std::min(rest->size(), static_cast<std::size_t>(size));
+    std::memcpy(buffer, rest->data(), taken);
+    rest->remove_prefix(taken);
+    *count = static_cast<LONG>(taken);
+    return 0;
+}
+
+CHARRANGE Selection(HWND pane) {
+    CHARRANGE range = {};
+    SendMessageW(pane, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
+    return range;
+}
+
+void Select(HWND pane, LONG from, LONG to) {
+    CHARRANGE range = {from, to};
+    SendMessageW(pane, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
+}
+
+}  // namespace
+
+void RichLinesAppend(HWND pane, std::span<const PaneLine> lines) {
+    if (pane == nullptr || lines.empty()) return;
+    const std::string rtf = RtfBlock(lines, {.face = g_app.settings.outputFont,
+                                             .points = g_app.settings.outputFontSize,
+                                             .textColour = ThemeCurrentChrome().paneText});
+    std::string_view rest = rtf;
+    EDITSTREAM stream = {.dwCookie = reinterpret_cast<DWORD_PTR>(&rest), .pfnCallback = ReadFromView};
+    const CHARRANGE before = Selection(pane);
+    SendMessageW(pane, WM_SETREDRAW, FALSE, 0);
+    Select(pane, LONG_MAX, LONG_MAX);
+    SendMessageW(pane, EM_STREAMIN, SF_RTF | SFF_SELECTION, reinterpret_cast<LPARAM>(&stream));
+    // Some versions of the control swallow the last line break of a block.
+    const LRESULT lineStart = SendMessageW(pane, EM_LINEINDEX, static_cast<WPARAM>(-1), 0);
+    if (lines.back().lineBreak && Selection(pane).cpMax != lineStart)
+        SendMessageW(pane, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L"\r\n"));
+    if (before.cpMin != before.cpMax) Select(pane, before.cpMin, before.cpMax);
+    SendMessageW(pane, WM_SETREDRAW, TRUE, 0);
+    SendMessageW(pane, WM_VSCROLL, SB_BOTTOM, 0);
+    InvalidateRect(pane, nullptr, TRUE);
+}
+
+void BlockSizeLearn(BlockSize& size, std::size_t inserted, double milliseconds) {
+    if (inserted < size.lines) return;
+    const double wanted = static_cast<double>(inserted) * kBlockMs / std::max(milliseconds, 1.0);
+    // Half way: one slow block, because the machine was busy, is no reason to make all that follow tiny.
+    const auto next = static_cast<std::size_t>((static_cast<double>(size.lines) + wanted) / 2.0);
+    size.lines = std::clamp(next, kMinBlockLines, kMaxBlockLines);
+}
+
+double ClockMs() {
+    LARGE_INTEGER frequency = {};
+    LARGE_INTEGER now = {};
+    QueryPerformanceFrequency(&frequency);
+    QueryPerformanceCounter(&now);
+    return 1000.0 * static_cast<double>(now.QuadPart) / static_cast<double>(frequency.QuadPart);
+}

@@ -1,0 +1,122 @@
+#include "build/staging.h"
+
+#include "build/build_paths.h"
+
+namespace {
+
+constexpr int kNames = 9;           // tried for a copy, and for a file moved aside
+constexpr DWORD kDeleteTries = 10;  // a compiler just ended may hold the copy open for a moment longer
+constexpr DWORD kDeletePauseMs = 20;
+
+struct FileMark {
+    FILETIME written = {};
+    ULARGE_INTEGER length = {};
+};
+
+bool ReadMark(const std::wstring& path, FileMark* mark) {
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    if (!GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data)) return false;
+    mark->written = data.ftLastWriteTime;
+    mark->length.LowPart = data.nFileSizeLow;
+    mark->length.HighPart = data.nFileSizeHigh;
+    return true;
+}
+
+bool Identity(const wchar_t* path, BY_HANDLE_FILE_INFORMATION* info) {
+    HANDLE file = CreateFileW(path, 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                              FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return false;
+    const bool ok = GetFileInformationByHandle(file, info) != FALSE;
+    CloseHandle(file);
+    return ok;
+}
+
+// Two names of one file: the texts agree, or the file system says so (links, short names).
+bool IsSameFile(const wchar_t* a, const wchar_t* b) {
+    if (SamePathText(a, b)) return true;
+    BY_HANDLE_FILE_INFORMATION first = {};
+    BY_HANDLE_FILE_INFORMATION second = {};
+    return Identity(a, &first) && Identity(b, &second) && first.dwVolumeSerialNumber == second.dwVolumeSerialNumber &&
+           first.nFileIndexHigh == second.nFileIndexHigh && first.nFileIndexLow == second.nFileIndexLow;
+}
+
+bool CopyNew(const wchar_t* source, const std::wstring& target, StagedSource* staged) {
+    if (!CopyFileW(source, target.c_str(), TRUE)) return false;
+    // A copy inherits the source's read-only mark, and could then not be deleted.
+    SetFileAttributesW(target.c_str(), FILE_ATTRIBUTE_NORMAL);
+    FileMark mark;
+    ReadMark(target, &mark);
+    staged->path = target;
+    staged->copied = true;
+    staged->written = mark.written;
+    staged->length = mark.length;
+    return true;
+}
+
+// Moves a user's file to a free name beside it. Empty: it could not be moved.
+std::wstring MoveAside(const std::wstring& path) {
+    for (int attempt = 1; attempt <= kNames; ++attempt) {
+        std::wstring aside = path + L".kvx-aside" + std::to_wstring(attempt);
+        if (MoveFileExW(path.c_str(), aside.c_str(), 0)) return aside;
+    }
+    return {};
+}
+
+bool StageForKeldor(const wchar_t* source, const std::wstring& target, StagedSource* staged, DWORD* error) {
+    if (IsSameFile(source, target.c_str())) return true;
+    if (CopyNew(source, target, staged)) return true;
+    *error = GetLastError();
+    if (*error != ERROR_FILE_EXISTS) return false;
+    staged->aside = MoveAside(target);
+    if (staged->aside.empty()) return false;
+    staged->path = target;
+    if (CopyNew(source, target, staged)) return true;
+    *error = GetLastError();
+    UnstageSource(staged);
+    staged->path = source;
+    return false;
+}
+
+bool DeleteWithPatience(const std::wstring& path) {
+    for (DWORD attempt = 0; attempt < kDeleteTries; ++attempt) {
+        if (DeleteFileW(path.c_str()) || GetLastError() == ERROR_FILE_NOT_FOUND) return true;
+        Sleep(kDeletePauseMs);
+    }
+    return false;
+}
+
+}  // namespace
+
+bool StageSource(const wchar_t* source, const wchar_t* output, CommandStyle style, StagedSource* staged, DWORD* error) {
+    *staged = {.path = source};
+    *error = ERROR_SUCCESS;
+    if (style == CommandStyle::Keldor)
+        return StageForKeldor(source, StagingTarget(source, output, style, 0), staged, error);
+    for (int attempt = 0; attempt <= kNames; ++attempt) {
+        const std::wstring target = StagingTarget(source, output, style, attempt);
+        if (target.empty() || CopyNew(source, target, staged) || GetLastError() != ERROR_FILE_EXISTS) break;
+    }
+    return true;
+}
+
+std::wstring UnstageSource(StagedSource* staged) {
+    std::wstring notice;
+    if (staged->copied) {
+        staged->copied = false;
+        FileMark mark;
+        const bool exists = ReadMark(staged->path, &mark);
+        const bool ours =
+            mark.length.QuadPart == staged->length.QuadPart && CompareFileTime(&mark.written, &staged->written) == 0;
+        if (exists && !ours)
+            notice = L"The temporary source was changed during the build and is kept: " + staged->path + L"\r\n";
+        else if (exists && !DeleteWithPatience(staged->path))
+            notice = L"The temporary source could not be deleted: " + staged->path + L"\r\n";
+    }
+    if (!staged->aside.empty()) {
+        if (!MoveFileExW(staged->aside.c_str(), staged->path.c_str(), 0))
+            notice += L"Your file " + staged->path + L" was moved aside for the build and is kept as " + staged->aside +
+                      L"\r\n";
+        staged->aside.clear();
+    }
+    return notice;
+}
