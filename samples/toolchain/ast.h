@@ -100,6 +100,7 @@ struct Expr {
     int depth = 1;  // of the tree below, bounded by the parser
     Pos pos;
     std::string name;  // upper case
+    std::string spelling;
     int64_t whole = 0;
     double real = 0;
     Symbol* symbol = nullptr;

@@ -125,7 +125,7 @@ void CheckBinary(Checker& c, Expr& expr) {
 }
 
 void Undeclared(Checker& c, Expr& expr, const std::string& message) {
-    Report(c.sources, Code::Undeclared, expr.pos, message, "LOCAL " + expr.name + " AS LONG");
+    Report(c.sources, Code::Undeclared, expr.pos, message, "LOCAL " + expr.spelling + " AS LONG");
     Symbol* const stand = NewTemporary(c, Type::Long);  // one message a name and procedure
     c.procedure->names[expr.name] = stand;
     expr.kind = ExprKind::Variable;
@@ -156,11 +156,11 @@ void CheckName(Checker& c, Expr& expr) {
     const auto procedure = c.program.procedureNames.find(expr.name);
     if (procedure != c.program.procedureNames.end()) return CheckCall(c, expr, *procedure->second);
     if (expr.name.front() == '%') {
-        Report(c.sources, Code::Undeclared, expr.pos, "constant '" + expr.name + "' is not defined",
-               expr.name + " = 0");
+        Report(c.sources, Code::Undeclared, expr.pos, "constant '" + expr.spelling + "' is not defined",
+               expr.spelling + " = 0");
         return BecomeZero(expr);
     }
-    Undeclared(c, expr, "variable '" + expr.name + "' is not declared");
+    Undeclared(c, expr, "variable '" + expr.spelling + "' is not declared");
 }
 
 // The array that an expression "name" or "name()" means, or null.
@@ -224,13 +224,19 @@ bool CheckBuiltIn(Checker& c, ExprPtr& expr) {
         return true;
     }
     const Op op = expr->name == "ABS" ? Op::Abs : expr->name == "INT" ? Op::Int : Op::Sqr;
-    if (op == Op::Sqr && expr->name != "SQR") return false;
+    const bool toLong = expr->name == "CLNG";
+    if (op == Op::Sqr && expr->name != "SQR" && !toLong) return false;
     if (expr->args.size() != 1) {
         Report(c.sources, Code::Mismatch, expr->pos, expr->name + " takes one argument");
         BecomeZero(*expr);
         return true;
     }
     CheckExpr(c, expr->args[0]);
+    if (toLong) {  // a conversion that was asked for: no warning
+        expr->kind = ExprKind::Convert;
+        expr->type = Type::Long;
+        return true;
+    }
     if (op == Op::Sqr) Convert(c, expr->args[0], Type::Double);
     expr->kind = ExprKind::Unary;
     expr->op = op;
@@ -257,7 +263,7 @@ void CheckApply(Checker& c, ExprPtr& expr) {
     }
     const auto procedure = c.program.procedureNames.find(expr->name);
     if (procedure != c.program.procedureNames.end()) return CheckCall(c, *expr, *procedure->second);
-    Report(c.sources, Code::Undeclared, expr->pos, "'" + expr->name + "' is neither an array nor a procedure");
+    Report(c.sources, Code::Undeclared, expr->pos, "'" + expr->spelling + "' is neither an array nor a procedure");
     BecomeZero(*expr);
 }
 
@@ -270,7 +276,7 @@ void CheckExpr(Checker& c, ExprPtr& expr) {
         default: return;
     }
     if (expr->type != Type::None) return;
-    Report(c.sources, Code::Mismatch, expr->pos, "SUB '" + expr->name + "' has no value");
+    Report(c.sources, Code::Mismatch, expr->pos, "SUB '" + expr->spelling + "' has no value");
     BecomeZero(*expr);
 }
 
@@ -383,7 +389,7 @@ void CheckCallStatement(Checker& c, Stmt& stmt) {
     if (variable) variable->used = true;
     Report(c.sources, Code::Undeclared, call.pos,
            variable ? "'" + variable->spelling + "' is a variable: an assignment needs '='"
-                    : "'" + call.name + "' is no procedure and no statement of this BASIC");
+                    : "'" + call.spelling + "' is no procedure and no statement of this BASIC");
 }
 
 void CheckStatement(Checker& c, Stmt& stmt) {

@@ -78,6 +78,7 @@ ExprPtr ParseNamed(Parser& p) {
     const bool call = IsMark(Current(p), "(") && token.kind == TokenKind::Word;
     auto expr = Make(call ? ExprKind::Apply : ExprKind::Name, token.pos);
     expr->name = token.text;
+    expr->spelling = token.spelling;
     if (!call) return expr;
     bool good = true;
     expr->args = ParseArguments(p, good);
@@ -94,7 +95,7 @@ ExprPtr ParsePrimary(Parser& p) {
         case TokenKind::ConstantName: return ParseNamed(p);
         case TokenKind::Word:
             if (!IsReserved(token.text)) return ParseNamed(p);
-            for (const std::string_view name : {"ABS", "INT", "SQR", "UBOUND"})
+            for (const std::string_view name : {"ABS", "CLNG", "INT", "SQR", "UBOUND"})
                 if (token.text == name) return ParseNamed(p);
             break;
         case TokenKind::String:

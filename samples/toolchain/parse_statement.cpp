@@ -50,6 +50,7 @@ bool CloseBlock(Parser& p, Stmt& stmt, std::string_view opening, std::string_vie
         p.at += closing.find(' ') == std::string_view::npos ? 1 : 2;
         return true;
     }
+    p.unclosed = true;  // what stands here belongs to an enclosing block
     Report(p.sources, Code::Block, stmt.pos, std::string(opening) + " without " + std::string(closing),
            std::string(closing));
     return false;
@@ -166,6 +167,7 @@ void ParseFor(Parser& p, Stmt& stmt) {
         stmt.target = std::make_unique<Expr>();
         stmt.target->kind = ExprKind::Name;
         stmt.target->name = name->text;
+        stmt.target->spelling = name->spelling;
         stmt.target->pos = name->pos;
         if (ExpectMark(p, "=")) stmt.value = ParseExpression(p);
         if (stmt.value && ExpectWord(p, "TO")) stmt.limit = ParseExpression(p);
@@ -272,6 +274,7 @@ void ParseNameStatement(Parser& p, Stmt& stmt) {
     auto expr = std::make_unique<Expr>();
     expr->kind = IsMark(Current(p), "(") ? ExprKind::Apply : ExprKind::Name;
     expr->name = name.text;
+    expr->spelling = name.spelling;
     expr->pos = name.pos;
     bool good = true;
     if (expr->kind == ExprKind::Apply) expr->args = ParseArguments(p, good);
@@ -339,7 +342,8 @@ bool ParseBlockStatement(Parser& p, Stmt& stmt) {
         ParseSelect(p, stmt);
     else
         return false;
-    ExpectStatementEnd(p);
+    if (!p.unclosed) ExpectStatementEnd(p);
+    p.unclosed = false;
     return true;
 }
 
@@ -470,7 +474,7 @@ void ParseVariables(Parser& p, bool keepsValue) {
             if (names.count(one.name))
                 Report(p.sources, Code::Duplicate, one.pos, "variable '" + one.spelling + "' is already declared");
             symbols.push_back(one);
-            names.insert({one.name, &symbols.back()});
+            symbols.back().used = !names.insert({one.name, &symbols.back()}).second;
         }
         named.clear();
     } while (TakeMark(p, ","));

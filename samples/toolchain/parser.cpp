@@ -11,7 +11,7 @@ constexpr std::array kReserved = {"AND",  "AS",     "BYREF", "BYVAL", "CALL",  "
                                   "ELSE", "ELSEIF", "END",   "EXIT",  "FOR",   "FUNCTION", "IF",     "IS",    "LOCAL",
                                   "LOOP", "MOD",    "NEXT",  "NOT",   "OR",    "PRINT",    "SELECT", "SLEEP", "STATIC",
                                   "STEP", "SUB",    "THEN",  "TO",    "UNTIL", "WEND",     "WHILE",  "XOR",   "LONG",
-                                  "QUAD", "DOUBLE", "ABS",   "INT",   "SQR",   "UBOUND"};
+                                  "QUAD", "DOUBLE", "ABS",   "INT",   "SQR",   "UBOUND",   "CLNG"};
 constexpr std::array kIgnoredMeta = {"COMPILE", "DIM", "REGISTER"};
 
 void ParseParameters(Parser& p, Procedure& procedure) {

@@ -29,6 +29,7 @@ struct Parser {
     std::vector<std::string> openBlocks{};  // closing words that enclosing blocks wait for
     int blockDepth = 0;
     int expressionDepth = 0;
+    bool unclosed = false;    // the last block ended without its closing line
     bool singleLine = false;  // inside a single-line IF
 };
 

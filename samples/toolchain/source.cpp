@@ -51,6 +51,9 @@ bool TooManyErrors(const Sources& sources) { return sources.errors >= kMaxErrors
 
 void Report(Sources& sources, Code code, Pos pos, std::string message, std::string fix) {
     if (TooManyErrors(sources)) return;
+    // What the lexer could not read, the parser cannot understand either: one message is enough for the line.
+    if (code == Code::Syntax && sources.errorPlaces.contains({pos.file, pos.line, 0})) return;
+    if (code == Code::Text) sources.errorPlaces.insert({pos.file, pos.line, 0});
     if (!IsWarning(code) && !sources.errorPlaces.insert({pos.file, pos.line, pos.column}).second) return;
     ++(IsWarning(code) ? sources.warnings : sources.errors);
     sources.diagnostics.push_back({code, pos, std::move(message), std::move(fix)});

@@ -59,7 +59,7 @@ struct Diagnostic {
 struct Sources {
     std::vector<SourceFile> files;
     std::vector<Diagnostic> diagnostics;
-    std::set<std::tuple<int, int, int>> errorPlaces;  // one error a place: followers add nothing
+    std::set<std::tuple<int, int, int>> errorPlaces;  // one error a place; column 0: a line with unreadable text
     int errors = 0;
     int warnings = 0;
 };
