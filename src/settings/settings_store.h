@@ -21,7 +21,7 @@ void ReadIniText(const wchar_t* iniPath, const wchar_t* section, const wchar_t* 
                  wchar_t* out, std::size_t capacity);
 bool WriteIniText(const wchar_t* iniPath, const wchar_t* section, const wchar_t* key, const wchar_t* text);
 
-// Recent sessions, in [Session] of the settings file; loaded and saved with the settings.
+// Recent sessions, in [Session] of the settings file; loaded and saved with the settings, too.
 void SessionMRULoad();
 void SessionMRUSave();
 

@@ -8,6 +8,7 @@
 #include "files/handles.h"
 #include "files/path.h"
 #include "files/wide_format.h"
+#include "settings/ini_text.h"
 #include "settings/secrets.h"
 #include "settings/settings_schema.h"
 
@@ -132,47 +133,23 @@ void FinishInterruptedSave(const wchar_t* iniPath) {
 
 // ------------------------------------------------------------------------------------------------------------ save
 
-// One save's temporary file, and whether every write into it succeeded so far.
-struct IniWriter {
-    const wchar_t* path;
-    bool good;
-
-    void Write(const wchar_t* section, const wchar_t* key, const wchar_t* value) {
-        good = good && WritePrivateProfileStringW(section, key, value, path) != FALSE;
-    }
-    void WriteText(const wchar_t* section, const wchar_t* key, const wchar_t* text) {
-        good = good && WriteIniText(path, section, key, text);
-    }
-    void WriteNumber(const wchar_t* section, const wchar_t* key, int number) {
-        wchar_t digits[16];
-        FormatBufferW(digits, L"%d", number);
-        Write(section, key, digits);
-    }
-};
-
-// Empty but for the mark that makes the INI functions keep every character instead of the code page's only.
-bool CreateTemporary(const wchar_t* path) {
-    constexpr char kUtf16Mark[] = {'\xFF', '\xFE'};
-    return WriteFileUtf8(path, kUtf16Mark, sizeof kUtf16Mark);
-}
-
-void WriteSecret(IniWriter& ini, const SettingRow& row, const wchar_t* key) {
+void WriteSecret(IniText& ini, const SettingRow& row, const wchar_t* key) {
     for (const ForeignKey& foreign : g_foreignKeys) {
         if (foreign.row == &row && std::wstring_view{foreign.stored}.starts_with(key) && key[0] != L'\0') {
-            ini.Write(row.section, row.key, foreign.stored.c_str());
+            ini.Add(row.section, row.key, foreign.stored.c_str());
             return;
         }
     }
     wchar_t sealed[kSealedCapacity];
     if (EncryptString(key, sealed, kSealedCapacity)) {
-        ini.Write(row.section, row.key, sealed);
+        ini.Add(row.section, row.key, sealed);
         return;
     }
     AppLogMsg(L"FAIL: SettingsSave %s is stored unprotected", row.key);
-    ini.WriteText(row.section, row.key, key);
+    ini.AddText(row.section, row.key, key);
 }
 
-void WriteRow(IniWriter& ini, const SettingRow& row, const Settings& settings) {
+void WriteRow(IniText& ini, const SettingRow& row, const Settings& settings) {
     switch (row.type) {
         case SettingType::Text:
             if ((row.flags & kSettingSecret) != 0) {
@@ -180,25 +157,25 @@ void WriteRow(IniWriter& ini, const SettingRow& row, const Settings& settings) {
             } else if ((row.flags & kSettingExeRelative) != 0) {
                 wchar_t relative[kPathCapacity];
                 MakeExeRelativePath(SettingText(settings, row), relative, kPathCapacity);
-                ini.WriteText(row.section, row.key, relative);
+                ini.AddText(row.section, row.key, relative);
             } else {
-                ini.WriteText(row.section, row.key, SettingText(settings, row));
+                ini.AddText(row.section, row.key, SettingText(settings, row));
             }
             break;
         case SettingType::Bool:
-            ini.WriteNumber(row.section, row.key, SettingNumber(settings, row.offset) != 0 ? 1 : 0);
+            ini.AddNumber(row.section, row.key, SettingNumber(settings, row.offset) != 0 ? 1 : 0);
             break;
-        case SettingType::Int: ini.WriteNumber(row.section, row.key, SettingNumber(settings, row.offset)); break;
+        case SettingType::Int: ini.AddNumber(row.section, row.key, SettingNumber(settings, row.offset)); break;
         case SettingType::List:
-            // The file began empty, so that rows past the count need no deleting.
+            // The file begins empty, so that rows past the count need no deleting.
             for (int i = 0; i < SettingNumber(settings, row.countOffset) && i < row.rows; ++i) {
-                ini.WriteText(row.section, FormatW(row.key, i).c_str(), SettingText(settings, row, i));
+                ini.AddText(row.section, FormatW(row.key, i).c_str(), SettingText(settings, row, i));
             }
             break;
     }
 }
 
-void WriteGroup(IniWriter& ini, SettingGroup group, bool late, const Settings& settings) {
+void WriteGroup(IniText& ini, SettingGroup group, bool late, const Settings& settings) {
     for (const SettingRow& row : SettingRows()) {
         if (row.group == group && ((row.flags & kSettingLateSave) != 0) == late &&
             (row.flags & kSettingLoadOnly) == 0) {
@@ -207,32 +184,23 @@ void WriteGroup(IniWriter& ini, SettingGroup group, bool late, const Settings& s
     }
 }
 
-void WriteWindowPlace(IniWriter& ini) {
+void WriteWindowPlace(IniText& ini) {
     WINDOWPLACEMENT place = {.length = sizeof place};
     if (g_app.hMainWnd == nullptr || GetWindowPlacement(g_app.hMainWnd, &place) == FALSE) {
         return;
     }
     const RECT& normal = place.rcNormalPosition;
-    ini.WriteNumber(L"Window", L"Left", normal.left);
-    ini.WriteNumber(L"Window", L"Top", normal.top);
-    ini.WriteNumber(L"Window", L"Width", normal.right - normal.left);
-    ini.WriteNumber(L"Window", L"Height", normal.bottom - normal.top);
-    ini.WriteNumber(L"Window", L"Max", place.showCmd == SW_SHOWMAXIMIZED ? 1 : 0);
+    ini.AddNumber(L"Window", L"Left", normal.left);
+    ini.AddNumber(L"Window", L"Top", normal.top);
+    ini.AddNumber(L"Window", L"Width", normal.right - normal.left);
+    ini.AddNumber(L"Window", L"Height", normal.bottom - normal.top);
+    ini.AddNumber(L"Window", L"Max", place.showCmd == SW_SHOWMAXIMIZED ? 1 : 0);
 }
 
-// The last key of a save stands at the end of the file, as bytes and not in the cache of the INI functions.
-bool IsComplete(const wchar_t* path) {
-    std::size_t length = 0;
-    const HeapBlock<char> bytes{ReadFileUtf8(path, &length)};
-    constexpr std::wstring_view kTail = L"Version=2\r\n";
-    constexpr std::size_t kTailBytes = kTail.size() * sizeof(wchar_t);
-    const std::string_view tail{reinterpret_cast<const char*>(kTail.data()), kTailBytes};
-    return bytes && std::string_view{bytes.get(), length}.ends_with(tail);
-}
-
-bool WriteAll(const wchar_t* path, Settings& settings) {
+// The whole file as it is to be, in the order of the table; [Session] closes it.
+std::string ComposeFile(Settings& settings) {
     UpdateAssistantEnabled(settings);
-    IniWriter ini{.path = path, .good = CreateTemporary(path)};
+    IniText ini;
     WriteGroup(ini, SettingGroup::Compilers, false, settings);
     WriteGroup(ini, SettingGroup::Preferences, false, settings);
     WriteGroup(ini, SettingGroup::Recent, false, settings);
@@ -240,10 +208,20 @@ bool WriteAll(const wchar_t* path, Settings& settings) {
     WriteGroup(ini, SettingGroup::Assistant, false, settings);
     WriteWindowPlace(ini);
     WriteGroup(ini, SettingGroup::Window, false, settings);
-    ini.Write(L"Meta", L"Version", kVersion);
-    // Nothing but names: the cache of the file is written out. Its result tells nothing.
-    WritePrivateProfileStringW(nullptr, nullptr, nullptr, path);
-    return ini.good && IsComplete(path);
+    ini.Add(L"Meta", L"Version", kVersion);
+    // With the rest instead of into the finished file: no instant has a settings file without its sessions, and there
+    // is no second write that could fail.
+    ini.AddNumber(L"Session", L"MRUCount", settings.sessionMruCount);
+    for (int i = 0; i < settings.sessionMruCount; ++i) {
+        ini.AddText(L"Session", FormatW(L"MRU%d", i), settings.sessionMruFiles[i]);
+    }
+    return ini.Bytes();
+}
+
+bool FileHolds(const wchar_t* path, std::string_view bytes) {
+    std::size_t length = 0;
+    const HeapBlock<char> found{ReadFileUtf8(path, &length)};
+    return found && std::string_view{found.get(), length} == bytes;
 }
 
 bool ReplaceBy(const wchar_t* temporary, const wchar_t* iniPath) {
@@ -324,7 +302,12 @@ void SettingsSave(const wchar_t* overridePath) {
     GetIniPath(overridePath, ini, kPathCapacity);
     const std::wstring temporary = std::wstring{ini} + L".tmp";
 
-    if (!WriteAll(temporary.c_str(), settings)) {
+    const std::string bytes = ComposeFile(settings);
+
+    if (settings.backupSettings == 0 && FileHolds(ini, bytes)) {
+        return;  // opening the newest recent file once more changes nothing
+    }
+    if (!WriteFileUtf8(temporary.c_str(), bytes.data(), bytes.size()) || !FileHolds(temporary.c_str(), bytes)) {
         // A full disk, a folder that may not be written to: the old file is better than half a new one.
         AppLogMsg(L"FAIL: SettingsSave cannot write %s, the settings file stays as it was", temporary.c_str());
         DeleteFileW(temporary.c_str());
@@ -336,14 +319,12 @@ void SettingsSave(const wchar_t* overridePath) {
             AppLogMsg(L"FAIL: SettingsSave backup error=%lu", GetLastError());
         }
     }
-    const bool replaced = ReplaceBy(temporary.c_str(), ini);
-    if (!replaced) {
+    if (!ReplaceBy(temporary.c_str(), ini)) {
         AppLogMsg(L"FAIL: SettingsSave replace error=%lu path=%s", GetLastError(), ini);
     }
     DeleteFileW(temporary.c_str());
-    if (replaced) {
-        SessionMRUSave();
-    }
+    // Nothing but the name: the INI functions forget what they cached of the old file.
+    WritePrivateProfileStringW(nullptr, nullptr, nullptr, ini);
 }
 
 bool SettingsExport(const wchar_t* target) {
