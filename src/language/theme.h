@@ -32,7 +32,5 @@ bool ThemeIsDark();
 void SyntaxThemeApply(HWND editor, std::uint32_t compilerId, const wchar_t* path);
 // The same for an editor that already belongs to a tab: its path is looked up in `g_app.tabs`.
 void SyntaxThemeApplyDefault(HWND editor, std::uint32_t compilerId);
-// True when the file is coloured as BASIC (also for null or empty: an untitled document).
-bool SyntaxIsBasic(const wchar_t* path);
 // All tabs. Called when the theme, the style preset, the font or the active compiler changes.
 void SyntaxThemeApplyAll();
