@@ -14,13 +14,10 @@ struct FindQuery {
     std::vector<std::string> patterns;  // one, or the alternatives of a regular expression; never empty once prepared
 };
 
-enum class FindError { None, EmptyText, NestedAlternative, BadExpression };
-
-// What to look for, from the text as typed.
-FindError PrepareQuery(std::string_view text, const FindOptions& options, FindQuery& query);
+// What to look for, from the text as typed. Null, or a sentence for the user that says why not.
+const wchar_t* PrepareQuery(std::string_view text, const FindOptions& options, FindQuery& query);
 
 struct FindResult {
-    FindError error = FindError::None;
     bool wrapped = false;  // found only past the end of the scope
     std::optional<FindSpan> match;
 };
@@ -34,7 +31,6 @@ bool ReplaceSelection(HWND editor, const FindQuery& query, std::string_view repl
 // Replaces every match in the scope as one step of undo. What is replaced is what matched before the first change: the
 // new text is not searched. `grown` gets the change of the scope's length in bytes.
 struct ReplaceAllResult {
-    FindError error = FindError::None;
     std::size_t count = 0;
     std::ptrdiff_t grown = 0;
 };

@@ -2,12 +2,11 @@
 #include "search/find_engine.h"
 
 #include "scintilla/sci.h"
+#include "search/regex_check.h"
 
 #include <algorithm>
 
 namespace {
-
-constexpr LRESULT kNotFound = -1;  // other negative results: the expression is not valid
 
 int SearchFlags(const FindOptions& options) {
     int flags = options.matchCase ? SCFIND_MATCHCASE : SCFIND_NONE;
@@ -21,24 +20,15 @@ int SearchFlags(const FindOptions& options) {
     return flags;
 }
 
-struct Attempt {
-    FindError error = FindError::None;
-    std::optional<FindSpan> match;
-};
-
 // One pattern in a range; a backward search has `end` before `start`.
-Attempt SearchOne(HWND editor, const FindQuery& query, const std::string& pattern, FindSpan range) {
+std::optional<FindSpan> SearchOne(HWND editor, const FindQuery& query, const std::string& pattern, FindSpan range) {
     SciSend(editor, SCI_SETSEARCHFLAGS, static_cast<WPARAM>(SearchFlags(query.options)));
     SciSend(editor, SCI_SETTARGETRANGE, static_cast<WPARAM>(range.start), range.end);
     const LRESULT found = SciSend(editor, SCI_SEARCHINTARGET, pattern.size(), reinterpret_cast<LPARAM>(pattern.data()));
-    if (found < kNotFound) {
-        SciSend(editor, SCI_SETSTATUS, SC_STATUS_OK);
-        return {.error = FindError::BadExpression, .match = {}};
-    }
-    if (found == kNotFound) {
+    if (found < 0) {
         return {};
     }
-    return {.error = FindError::None, .match = FindSpan{found, SciSend(editor, SCI_GETTARGETEND)}};
+    return FindSpan{found, SciSend(editor, SCI_GETTARGETEND)};
 }
 
 // The end of the line of a position: where a search that can only be beaten before that position may stop, because no
@@ -49,23 +39,19 @@ std::ptrdiff_t LineEndAt(HWND editor, std::ptrdiff_t position) {
 }
 
 // The nearest match of all alternatives; of two that begin at the same place, the first alternative's.
-Attempt Search(HWND editor, const FindQuery& query, FindSpan range) {
+std::optional<FindSpan> Search(HWND editor, const FindQuery& query, FindSpan range) {
     const bool forward = range.start <= range.end;
-    Attempt best;
+    std::optional<FindSpan> best;
     for (const std::string& pattern : query.patterns) {
         FindSpan part = range;
-        if (best.match && forward) {
-            part.end = std::min(range.end, LineEndAt(editor, best.match->start));
-        } else if (best.match) {
-            part.end = std::max(range.end, best.match->start);
+        if (best && forward) {
+            part.end = std::min(range.end, LineEndAt(editor, best->start));
+        } else if (best) {
+            part.end = std::max(range.end, best->start);
         }
-        const Attempt attempt = SearchOne(editor, query, pattern, part);
-        if (attempt.error != FindError::None) {
-            return attempt;
-        }
-        if (attempt.match && (!best.match || (forward ? attempt.match->start < best.match->start
-                                                      : attempt.match->start > best.match->start))) {
-            best = attempt;
+        const std::optional<FindSpan> match = SearchOne(editor, query, pattern, part);
+        if (match && (!best || (forward ? match->start < best->start : match->start > best->start))) {
+            best = match;
         }
     }
     return best;
@@ -85,14 +71,12 @@ public:
     MatchWalk(HWND editor, const FindQuery& query, FindSpan scope)
         : editor_(editor), query_(query), scope_(scope), at_(scope.start), next_(query.patterns.size()) {}
 
-    // The next match, or nothing at the end or on an error.
-    std::optional<FindSpan> Next(FindError& error, std::size_t& pattern) {
+    // The next match and the alternative that it is of, or nothing at the end.
+    std::optional<FindSpan> Next(std::size_t& pattern) {
         while (at_ <= scope_.end) {
             std::optional<FindSpan> best;
             for (std::size_t i = 0; i < next_.size(); ++i) {
-                if (!Refresh(i, error)) {
-                    return {};
-                }
+                Refresh(i);
                 if (next_[i].match && (!best || next_[i].match->start < best->start)) {
                     best = next_[i].match;
                     pattern = i;
@@ -124,15 +108,12 @@ private:
         return after > position ? after : scope_.end + 1;
     }
 
-    bool Refresh(std::size_t index, FindError& error) {
+    void Refresh(std::size_t index) {
         Candidate& candidate = next_[index];
         if (candidate.searched && (!candidate.match || candidate.match->start >= at_)) {
-            return true;
+            return;
         }
-        const Attempt attempt = SearchOne(editor_, query_, query_.patterns[index], {at_, scope_.end});
-        candidate = {.searched = true, .match = attempt.match};
-        error = attempt.error;
-        return attempt.error == FindError::None;
+        candidate = {.searched = true, .match = SearchOne(editor_, query_, query_.patterns[index], {at_, scope_.end})};
     }
 
     HWND editor_;
@@ -177,33 +158,39 @@ struct Edit {
 
 }  // namespace
 
-FindError PrepareQuery(std::string_view text, const FindOptions& options, FindQuery& query) {
+const wchar_t* PrepareQuery(std::string_view text, const FindOptions& options, FindQuery& query) {
     query.options = options;
     query.patterns.clear();
     if (!options.regex) {
         query.patterns.emplace_back(text);
-    } else if (!SplitAlternatives(text, query.patterns)) {
-        return FindError::NestedAlternative;
+        return text.empty() ? L"Nothing to find" : nullptr;
     }
-    return text.empty() || query.patterns.empty() ? FindError::EmptyText : FindError::None;
+    if (!SplitAlternatives(text, query.patterns)) {
+        return L"The | of alternatives cannot stand inside parentheses";
+    }
+    for (const std::string& pattern : query.patterns) {
+        const wchar_t* fault = RegexFault(pattern);
+        if (fault != nullptr) {
+            return fault;
+        }
+    }
+    return query.patterns.empty() ? L"Nothing to find" : nullptr;
 }
 
 FindResult FindInScope(HWND editor, const FindQuery& query, FindSpan scope, bool forward) {
     const FindSpan selection = Selection(editor);
-    FindPlan plan = PlanFind(selection, scope, forward);
-    Attempt attempt = Search(editor, query, plan.first);
-    const bool here =
-        attempt.match && *attempt.match == FindSpan{plan.first.start, plan.first.start} && selection == *attempt.match;
-    if (here) {
+    const FindPlan plan = PlanFind(selection, scope, forward);
+    std::optional<FindSpan> match = Search(editor, query, plan.first);
+    const bool isHere = match && match->start == match->end && *match == selection;
+    if (isHere) {
         const std::ptrdiff_t next = Beside(editor, plan.first.start, forward);
         const bool atEnd = next == plan.first.start || (forward ? next > scope.end : next < scope.start);
-        attempt = atEnd ? Attempt{} : Search(editor, query, {next, plan.first.end});
+        match = atEnd ? std::nullopt : Search(editor, query, {next, plan.first.end});
     }
-    if (attempt.error != FindError::None || attempt.match) {
-        return {.error = attempt.error, .wrapped = false, .match = attempt.match};
+    if (match) {
+        return {.wrapped = false, .match = match};
     }
-    attempt = Search(editor, query, plan.wrapped);
-    return {.error = attempt.error, .wrapped = true, .match = attempt.match};
+    return {.wrapped = true, .match = Search(editor, query, plan.wrapped)};
 }
 
 bool ReplaceSelection(HWND editor, const FindQuery& query, std::string_view replacement, FindSpan scope) {
@@ -211,13 +198,12 @@ bool ReplaceSelection(HWND editor, const FindQuery& query, std::string_view repl
     if (selection.start < scope.start || selection.end > scope.end) {
         return false;
     }
-    const Attempt attempt = Search(editor, query, {selection.start, scope.end});
-    if (!attempt.match || *attempt.match != selection) {
+    if (Search(editor, query, {selection.start, scope.end}) != selection) {
         return false;
     }
     // With several alternatives the last search was not the winner's: its groups are found again.
     const auto matches = [&](const std::string& pattern) {
-        return SearchOne(editor, query, pattern, {selection.start, scope.end}).match == selection;
+        return SearchOne(editor, query, pattern, {selection.start, scope.end}) == selection;
     };
     if (query.options.regex) {
         static_cast<void>(std::find_if(query.patterns.begin(), query.patterns.end(), matches));
@@ -235,7 +221,7 @@ ReplaceAllResult ReplaceAllInScope(HWND editor, const FindQuery& query, std::str
     const std::string plain{replacement};
     const bool needsGroups = query.options.regex && replacement.find('\\') != std::string_view::npos;
     std::size_t pattern = 0;
-    while (const std::optional<FindSpan> match = walk.Next(result.error, pattern)) {
+    while (const std::optional<FindSpan> match = walk.Next(pattern)) {
         Edit edit{*match, {}};
         if (needsGroups) {
             // Finds the groups again: the walk may have asked another alternative last.
@@ -244,7 +230,7 @@ ReplaceAllResult ReplaceAllInScope(HWND editor, const FindQuery& query, std::str
         }
         edits.push_back(std::move(edit));
     }
-    if (result.error != FindError::None || edits.empty()) {
+    if (edits.empty()) {
         return result;
     }
     // From the last to the first: no edit moves a match that is still to be replaced.

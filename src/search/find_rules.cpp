@@ -1,8 +1,6 @@
 // Rules of find and replace. Pure: knows no editor and no dialog.
 #include "search/find_rules.h"
 
-#include <algorithm>
-
 namespace {
 
 constexpr std::size_t kMaxSearchText = 255;  // characters that the search history holds
@@ -17,41 +15,6 @@ char ControlCharacter(char letter) {
 }
 
 }  // namespace
-
-bool SplitAlternatives(std::string_view pattern, std::vector<std::string>& alternatives) {
-    alternatives.clear();
-    std::string current;
-    int depth = 0;
-    const auto finish = [&] {
-        if (!current.empty()) {
-            alternatives.push_back(current);
-        }
-        current.clear();
-    };
-    for (std::size_t i = 0; i < pattern.size(); ++i) {
-        const char letter = pattern[i];
-        if (letter == '\\' && i + 1 < pattern.size()) {
-            current.append(pattern.substr(i++, 2));
-        } else if (letter == '[') {
-            // A bracket that comes first in the class, after an optional caret, is one of its characters.
-            const std::size_t first = i + (i + 1 < pattern.size() && pattern[i + 1] == '^' ? 2 : 1);
-            const std::size_t close = first < pattern.size() ? pattern.find(']', first + 1) : std::string_view::npos;
-            const std::size_t end = close == std::string_view::npos ? pattern.size() : close + 1;
-            current.append(pattern.substr(i, end - i));
-            i = end - 1;
-        } else if (letter == '|') {
-            if (depth > 0) {
-                return false;
-            }
-            finish();
-        } else {
-            depth = letter == '(' ? depth + 1 : letter == ')' ? std::max(depth - 1, 0) : depth;
-            current += letter;
-        }
-    }
-    finish();
-    return true;
-}
 
 std::string ExpandReplacement(std::string_view replacement, const std::function<std::string(int)>& group) {
     std::string out;

@@ -1,12 +1,10 @@
-// Rules of find and replace that need no editor: what a regular expression's alternatives are, what a replacement
-// becomes, where a search begins and goes on. Text is UTF-8, positions are bytes. Pure.
+// Rules of find and replace that need no editor: what a replacement becomes, where a search begins and goes on. Text is UTF-8, positions are bytes. Pure.
 #pragma once
 
 #include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 struct FindOptions {
     bool matchCase = false;
@@ -20,11 +18,6 @@ struct FindSpan {
 
     bool operator==(const FindSpan&) const = default;
 };
-
-// The editing component's expressions have no alternation, so its patterns are split at each bar that is neither
-// escaped nor in a class. Empty alternatives are left out. False when a bar stands inside parentheses, which cannot be
-// done this way.
-bool SplitAlternatives(std::string_view pattern, std::vector<std::string>& alternatives);
 
 // The text that replaces a match: \0 to \9 stand for the match and its groups, \n \r \t for control characters, and a
 // backslash takes the meaning off any other character after it. `group` is asked only for groups that occur.

@@ -90,13 +90,13 @@ void RememberSearch() {
 // False, with a note to the user, when there is nothing that could be searched for.
 bool Prepare(FindQuery& query) {
     ReadDialog();
-    switch (PrepareQuery(ToUtf8(g_find.what), g_find.options, query)) {
-        case FindError::None: RememberSearch(); return g_app.hEditor != nullptr;
-        case FindError::NestedAlternative:
-            ShowStatus(L"The | of alternatives cannot stand inside parentheses");
-            return false;
-        default: ShowStatus(L"Nothing to find"); return false;
+    const wchar_t* fault = PrepareQuery(ToUtf8(g_find.what), g_find.options, query);
+    if (fault != nullptr) {
+        ShowStatus(fault);
+        return false;
     }
+    RememberSearch();
+    return g_app.hEditor != nullptr;
 }
 
 FindSpan WholeDocument() { return {0, SciSend(g_app.hEditor, SCI_GETLENGTH)}; }
@@ -163,9 +163,7 @@ void ShowMatch(FindSpan match) {
 
 void FindAndShow(const FindQuery& query, bool forward) {
     const FindResult result = FindInScope(g_app.hEditor, query, CurrentScope(), forward);
-    if (result.error != FindError::None) {
-        ShowStatus(L"The regular expression is not valid");
-    } else if (!result.match) {
+    if (!result.match) {
         ShowStatus(L"Not found");
         MessageBeep(MB_OK);
     } else {
@@ -202,8 +200,7 @@ void ReplaceAll() {
     const ReplaceAllResult result = ReplaceAllInScope(g_app.hEditor, query, ToUtf8(g_find.with), CurrentScope());
     SetCursor(before);
     g_find.scope.end += result.grown;
-    ShowStatus(result.error == FindError::None ? ReplacementCountText(result.count).c_str()
-                                               : L"The regular expression is not valid");
+    ShowStatus(ReplacementCountText(result.count).c_str());
 }
 
 // Shows or hides the replacing half: what is below it moves, and the dialog gets as much taller or shorter.

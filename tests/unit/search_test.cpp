@@ -1,5 +1,6 @@
 // Rules of find and replace.
 #include "search/find_rules.h"
+#include "search/regex_check.h"
 
 #include <gtest/gtest.h>
 
@@ -23,6 +24,8 @@ TEST(FindRules, SplitsAlternatives) {
         {"[]|]|c", true, {"[]|]", "c"}},
         {"[^]|]|c", true, {"[^]|]", "c"}},
         {"[a|b", true, {"[a|b"}},
+        {"[-]|]|c", true, {"[-]|]", "c"}},
+        {"[\\]|]|c", true, {"[\\]|]", "c"}},
         {"(a)|(b)", true, {"(a)", "(b)"}},
         {"\\(a|b", true, {"\\(a", "b"}},
         {"(a|b)", false, {}},
@@ -38,6 +41,43 @@ TEST(FindRules, SplitsAlternatives) {
         if (test.possible) {
             EXPECT_EQ(found, test.expected) << test.pattern;
         }
+    }
+}
+
+TEST(FindRules, TellsFaultyExpressions) {
+    struct Case {
+        const char* pattern;
+        const wchar_t* part;  // of the sentence; empty: no fault
+    };
+    const Case cases[] = {
+        {"^SUB +([a-z]+)$", L""},
+        {"a\\(b\\*", L""},
+        {"[]*+(]x*", L""},
+        {"(a)(b\\1)", L""},
+        {"\xC3\xA4+"
+         "a",
+         L"repeated"},
+        {"\xC3\xA4"
+         "a*",
+         L""},
+        {"[\xC3\xA4]", L"ASCII characters can stand"},
+        {"[a", L"[ is not closed"},
+        {"(a", L"( is not closed"},
+        {"a)", L"has no ("},
+        {"()", L"empty"},
+        {"*a", L"nothing that"},
+        {"^*", L"nothing that"},
+        {"(a)*", L"nothing that"},
+        {"\\<*", L"nothing that"},
+        {"\\<\\>", L"between"},
+        {"(a\\1)", L"no group"},
+        {"\\2", L"no group"},
+        {"(a)(a)(a)(a)(a)(a)(a)(a)(a)(a)", L"more than 9"},
+    };
+    for (const Case& test : cases) {
+        const wchar_t* fault = RegexFault(test.pattern);
+        EXPECT_EQ(fault != nullptr, test.part[0] != L'\0') << test.pattern;
+        EXPECT_TRUE(fault == nullptr || std::wstring{fault}.find(test.part) != std::wstring::npos) << test.pattern;
     }
 }
 
