@@ -4,6 +4,7 @@
 #include "app/app_state.h"
 #include "app/shell.h"
 #include "build/build.h"
+#include "language/lexer_table.h"
 #include "language/theme.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
@@ -27,7 +28,7 @@ std::uint32_t EditorConditions() {
     add(SciSend(tab.editor, SCI_CANPASTE) != 0, kCanPaste);
     add(tab.hasFile, kHasFile);
     add(tab.modified, kModified);
-    add(SyntaxIsBasic(tab.path), kBasicSource);
+    add(LexerFromExtension(tab.path) == Language::Basic, kBasicSource);
     return conditions;
 }
 
