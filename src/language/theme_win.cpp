@@ -172,8 +172,6 @@ const ThemeChrome& ThemeCurrentChrome() {
     return chrome;
 }
 
-bool SyntaxIsBasic(const wchar_t* path) { return LexerFromExtension(path ? path : L"") == Language::Basic; }
-
 void SyntaxThemeApply(HWND editor, std::uint32_t compilerId, const wchar_t* path) {
     if (!editor) return;
     const Language language = LexerFromExtension(path ? path : L"");
