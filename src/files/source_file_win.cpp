@@ -63,7 +63,7 @@ ByteBlock FromWide(UINT codePage, const WideBlock& wide) {
 
 // What the target's file is before it is overwritten.
 struct TargetState {
-    bool exists = false;
+    bool readOnly = false;
     DWORD attributes = FILE_ATTRIBUTE_NORMAL;  // to create it with: the system refuses to overwrite a hidden or system
                                                // file unless they match
     std::uint64_t size = 0;
@@ -73,7 +73,7 @@ TargetState LookAtTarget(const std::wstring& systemPath) {
     TargetState state;
     WIN32_FILE_ATTRIBUTE_DATA data = {};
     if (GetFileAttributesExW(systemPath.c_str(), GetFileExInfoStandard, &data) != FALSE) {
-        state.exists = true;
+        state.readOnly = (data.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
         state.size = (static_cast<std::uint64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow;
         const DWORD kept = data.dwFileAttributes & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
                                                     FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED);
@@ -149,7 +149,8 @@ bool SaveSafely(const wchar_t* path, const char* bytes, std::size_t length) {
     const bool copied = RecoveryWrite(path, bytes, length, &copy);
     bool saved = false;
     Verdict verdict = Verdict::Unreadable;
-    if (copied || target.size == 0) {
+    // Some systems let an administrator write to a read-only file; the mark is respected everywhere.
+    if (!target.readOnly && (copied || target.size == 0)) {
         // A copy beside the target has taken its room already, on purpose: it is what the user is left with.
         saved = VolumeHasRoom(path, target, length) && Overwrite(systemPath, target.attributes, bytes, length);
     }

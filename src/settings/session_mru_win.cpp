@@ -10,10 +10,10 @@
 
 #include <algorithm>
 
-void SessionMRULoad() {
+void SessionMRULoad(const wchar_t* overridePath) {
     Settings& settings = g_app.settings;
     wchar_t ini[kPathCapacity] = {};
-    GetIniPath(nullptr, ini, kPathCapacity);
+    GetIniPath(overridePath, ini, kPathCapacity);
     const int stored = static_cast<int>(GetPrivateProfileIntW(L"Session", L"MRUCount", 0, ini));
     settings.sessionMruCount = std::clamp(stored, 0, kMruCapacity);
     for (int i = 0; i < settings.sessionMruCount; ++i) {
@@ -21,10 +21,10 @@ void SessionMRULoad() {
     }
 }
 
-void SessionMRUSave() {
+void SessionMRUSave(const wchar_t* overridePath) {
     const Settings& settings = g_app.settings;
     wchar_t ini[kPathCapacity] = {};
-    GetIniPath(nullptr, ini, kPathCapacity);
+    GetIniPath(overridePath, ini, kPathCapacity);
     bool written = WriteIniText(ini, L"Session", L"MRUCount", FormatW(L"%d", settings.sessionMruCount).c_str());
     for (int i = 0; i < settings.sessionMruCount && written; ++i) {
         written = WriteIniText(ini, L"Session", FormatW(L"MRU%d", i).c_str(), settings.sessionMruFiles[i]);

@@ -22,8 +22,8 @@ void ReadIniText(const wchar_t* iniPath, const wchar_t* section, const wchar_t* 
 bool WriteIniText(const wchar_t* iniPath, const wchar_t* section, const wchar_t* key, const wchar_t* text);
 
 // Recent sessions, in [Session] of the settings file; loaded and saved with the settings, too.
-void SessionMRULoad();
-void SessionMRUSave();
+void SessionMRULoad(const wchar_t* overridePath = nullptr);
+void SessionMRUSave(const wchar_t* overridePath = nullptr);
 
 // The settings dialog's operations. True on success; a failed import leaves file and record as they were.
 bool SettingsExport(const wchar_t* target);

@@ -292,7 +292,7 @@ void SettingsLoad(const wchar_t* overridePath) {
     ReadGroup(ini, SettingGroup::Assistant, settings);
     ReadGroup(ini, SettingGroup::Recent, settings);
     ReadGroup(ini, SettingGroup::Window, settings);
-    SessionMRULoad();
+    SessionMRULoad(overridePath);
     ApplyLateLimits(settings);
 }
 

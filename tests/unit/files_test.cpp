@@ -1,0 +1,223 @@
+// Encodings, line breaks, paths and the names of recovery copies.
+#include "files/bounded_text.h"
+#include "files/path.h"
+#include "files/recovery.h"
+#include "files/text_encoding.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace {
+
+using namespace std::string_view_literals;
+
+struct Utf8Case {
+    const char* name;
+    std::string_view bytes;
+    bool valid;
+};
+
+constexpr Utf8Case kUtf8Cases[] = {
+    {"ascii", "plain text"sv, true},
+    {"NUL", "a\0b"sv, true},
+    {"two bytes, lowest", "\xC2\x80"sv, true},
+    {"two bytes, highest", "\xDF\xBF"sv, true},
+    {"three bytes, lowest", "\xE0\xA0\x80"sv, true},
+    {"last before the surrogates", "\xED\x9F\xBF"sv, true},
+    {"first after the surrogates", "\xEE\x80\x80"sv, true},
+    {"four bytes, lowest", "\xF0\x90\x80\x80"sv, true},
+    {"four bytes, highest", "\xF4\x8F\xBF\xBF"sv, true},
+    {"byte-order mark", "\xEF\xBB\xBF"sv, true},
+    {"overlong NUL", "\xC0\x80"sv, false},
+    {"overlong C1", "\xC1\xBF"sv, false},
+    {"overlong three", "\xE0\x9F\xBF"sv, false},
+    {"surrogate", "\xED\xA0\x80"sv, false},
+    {"overlong four", "\xF0\x8F\xBF\xBF"sv, false},
+    {"beyond the end", "\xF4\x90\x80\x80"sv, false},
+    {"F5", "\xF5\x80\x80\x80"sv, false},
+    {"stray continuation", "\x80"sv, false},
+    {"lead without continuation", "\xC3("sv, false},
+    {"third byte wrong", "\xE2\x82("sv, false},
+    {"fourth byte wrong", "\xF0\x9F\x98("sv, false},
+    {"F8", "\xF8\x88\x80\x80\x80"sv, false},
+};
+
+std::string Normalized(std::string_view bytes, LineEnding ending) {
+    std::size_t length = 0;
+    char* const block = NormalizeLineEndings(bytes.data(), bytes.size(), ending, &length);
+    std::string result{block, length};
+    EXPECT_EQ(block[length], '\0');
+    std::free(block);
+    return result;
+}
+
+}  // namespace
+
+// Every case also in front of, behind and between stretches of every length that the fast strides treat differently.
+TEST(Files, Utf8IsToldAtEveryAlignment) {
+    EXPECT_TRUE(IsValidUtf8Bytes(nullptr, 0));
+    for (const Utf8Case& test : kUtf8Cases) {
+        for (std::size_t before = 0; before < 41; ++before) {
+            for (const std::size_t after : {0U, 1U, 9U, 40U}) {
+                const std::string text = std::string(before, 'x') + std::string{test.bytes} + std::string(after, 'y');
+                EXPECT_EQ(IsValidUtf8Bytes(text.data(), text.size()), test.valid)
+                    << test.name << " behind " << before << ", before " << after;
+            }
+            if (test.valid && static_cast<unsigned char>(test.bytes.back()) >= 0x80) {
+                const std::string cut =
+                    std::string(before, 'x') + std::string{test.bytes.substr(0, test.bytes.size() - 1)};
+                EXPECT_FALSE(IsValidUtf8Bytes(cut.data(), cut.size())) << test.name << " cut off, behind " << before;
+            }
+        }
+    }
+}
+
+TEST(Files, FirstLineBreakDecides) {
+    struct Case {
+        std::string_view bytes;
+        LineEnding ending;
+    };
+    constexpr Case kCases[] = {
+        {"", LineEnding::CrLf},       {"no break", LineEnding::CrLf}, {"a\r\nb\n", LineEnding::CrLf},
+        {"a\nb\r\n", LineEnding::Lf}, {"a\rb\r\n", LineEnding::Cr},   {"ends in CR\r", LineEnding::Cr},
+        {"\n\r", LineEnding::Lf},     {"\r\r\n", LineEnding::Cr},     {"\x0B\x0C\x0E\n", LineEnding::Lf},
+    };
+    for (const Case& test : kCases) {
+        for (std::size_t before = 0; before < 20; ++before) {
+            const std::string text = std::string(before, 'x') + std::string{test.bytes};
+            EXPECT_EQ(DetectLineEnding(text.data(), text.size()), test.ending) << test.bytes << " behind " << before;
+        }
+    }
+}
+
+TEST(Files, EveryBreakBecomesTheOneAskedFor) {
+    constexpr std::string_view kMixed = "a\r\nb\rc\nd\r\r\n\n\re"sv;
+    for (std::size_t before = 0; before < 20; ++before) {
+        const std::string head(before, 'x');
+        const std::string text = head + std::string{kMixed} + std::string{"\0\x0B tail"sv};
+        const std::string tail{"e\0\x0B tail"sv};
+        EXPECT_EQ(Normalized(text, LineEnding::Lf), head + "a\nb\nc\nd\n\n\n\n" + tail);
+        EXPECT_EQ(Normalized(text, LineEnding::Cr), head + "a\rb\rc\rd\r\r\r\r" + tail);
+        EXPECT_EQ(Normalized(text, LineEnding::CrLf), head + "a\r\nb\r\nc\r\nd\r\n\r\n\r\n\r\n" + tail);
+        EXPECT_EQ(Normalized(text, static_cast<LineEnding>(7)), Normalized(text, LineEnding::CrLf));
+    }
+    EXPECT_EQ(Normalized("", LineEnding::Lf), "");
+}
+
+TEST(Files, PathParts) {
+    struct Case {
+        const wchar_t *path, *directory, *file;
+    };
+    constexpr Case kCases[] = {
+        {L"name.bas", L"", L"name.bas"},
+        {L"C:\\x\\y.bas", L"C:\\x\\", L"y.bas"},
+        {L"C:\\x\\", L"C:\\x\\", L""},
+        {L"a/b.bas", L"", L"a/b.bas"},  // a forward slash separates nothing
+        {L"", L"", L""},
+    };
+    for (const Case& test : kCases) {
+        wchar_t part[64] = L"?";
+        PathGetDir(test.path, part, 64);
+        EXPECT_STREQ(part, test.directory);
+        PathGetFile(test.path, part, 64);
+        EXPECT_STREQ(part, test.file);
+    }
+    wchar_t small[4] = L"?";
+    PathGetDir(L"C:\\x\\y.bas", small, 4);
+    EXPECT_STREQ(small, L"C:\\");
+    PathGetFile(L"long.bas", small, 4);
+    EXPECT_STREQ(small, L"lon");
+    PathGetFile(nullptr, small, 4);
+    PathGetDir(L"x\\", nullptr, 4);
+    EXPECT_STREQ(small, L"lon");
+}
+
+TEST(Files, PathJoin) {
+    struct Case {
+        const wchar_t *directory, *name;
+        std::size_t capacity;
+        const wchar_t* joined;
+    };
+    constexpr Case kCases[] = {
+        {L"C:\\dir\\", L"f.bas", 64, L"C:\\dir\\f.bas"},
+        {L"C:\\dir", L"f.bas", 64, L"C:\\dir\\f.bas"},
+        {L"", L"f.bas", 64, L"\\f.bas"},
+        {L"C:\\dir", L"f.bas", 13, L"C:\\dir\\f.bas"},  // fits to the last character
+        {L"C:\\dir", L"f.bas", 12, L"C:\\dir"},         // the name is dropped, not cut
+        {L"C:\\dir", L"f.bas", 4, L"C:\\"},
+    };
+    for (const Case& test : kCases) {
+        wchar_t out[64] = L"?";
+        PathJoin(test.directory, test.name, out, test.capacity);
+        EXPECT_STREQ(out, test.joined) << "capacity " << test.capacity;
+    }
+    wchar_t same[64] = L"C:\\dir";
+    PathJoin(same, L"f", same, 64);
+    EXPECT_STREQ(same, L"C:\\dir\\f");
+}
+
+TEST(Files, PathComparison) {
+    struct Case {
+        const wchar_t *a, *b;
+        bool equal;
+    };
+    constexpr Case kCases[] = {
+        {L"C:\\A\\b.BAS", L"c:\\a\\B.bas", true},
+        {L"C:\\a", L"C:\\a\\", false},
+        {L"\u00C4\u00D6\u0178\u0141\u0416\u03A9\u040F", L"\u00E4\u00F6\u00FF\u0142\u0436\u03C9\u045F", true},
+        {L"\u00D7", L"\u00F7", false},  // the signs between the letters have no case
+        {L"[", L"{", false},
+        {L"\u0130", L"\u0131", false},
+        {L"\u4E00", L"\u4E01", false},
+    };
+    for (const Case& test : kCases) {
+        EXPECT_EQ(PathEqualsIgnoreCase(test.a, test.b), test.equal) << test.a << " and " << test.b;
+        EXPECT_EQ(PathEqualsIgnoreCase(test.b, test.a), test.equal) << test.b << " and " << test.a;
+    }
+    EXPECT_TRUE(StrStartsWithW(L"[File1]", L"[File") && StrStartsWithW(L"", L""));
+    EXPECT_FALSE(StrStartsWithW(L"[file1]", L"[File") || StrStartsWithW(nullptr, L"") || StrStartsWithW(L"", nullptr));
+}
+
+TEST(Files, TrailingSlashesAndLongPaths) {
+    wchar_t path[] = L"C:\\dir\\\\\\";
+    StripTrailingSlash(path);
+    EXPECT_STREQ(path, L"C:\\dir");
+    wchar_t only[] = L"\\\\";
+    StripTrailingSlash(only);
+    EXPECT_STREQ(only, L"");
+
+    const std::wstring tail(250, L'x');
+    EXPECT_EQ(PathExtended(L"C:\\short"), L"C:\\short");
+    EXPECT_EQ(PathExtended(L"C:\\" + tail), L"\\\\?\\C:\\" + tail);
+    EXPECT_EQ(PathExtended(L"\\\\server\\" + tail), L"\\\\?\\UNC\\server\\" + tail);
+    EXPECT_EQ(PathExtended(L"\\\\?\\C:\\" + tail), L"\\\\?\\C:\\" + tail);
+    EXPECT_EQ(PathExtended(tail), tail);  // relative: the prefix would change its meaning
+}
+
+TEST(Files, BoundedTextAlwaysEnds) {
+    wchar_t text[6] = L"ab";
+    EXPECT_TRUE(SafeCatW(text, L"cde"));
+    EXPECT_FALSE(SafeCatW(text, L"f"));
+    EXPECT_STREQ(text, L"abcde");
+    EXPECT_FALSE(SafeCopyW(text, L"123456"));
+    EXPECT_STREQ(text, L"12345");
+    text[5] = L'!';
+    EXPECT_FALSE(SafeCatW(text, L"x"));  // was not terminated
+    EXPECT_EQ(text[5], L'\0');
+    EXPECT_FALSE(SafeCopyW(nullptr, 3, L"x") || SafeCatW(text, 0, L"x"));
+}
+
+TEST(Files, RecoveryNamesTellTargetsApart) {
+    const std::wstring name = RecoveryCopyName(L"C:\\src\\demo.bas", 0x3A4, 2);
+    EXPECT_TRUE(name.starts_with(L"demo [") && name.ends_with(L"-3a4-2].bas")) << name;
+    EXPECT_EQ(name, RecoveryCopyName(L"c:\\SRC\\demo.bas", 0x3A4, 2));
+    EXPECT_NE(name, RecoveryCopyName(L"C:\\other\\demo.bas", 0x3A4, 2));
+    EXPECT_NE(name, RecoveryCopyName(L"C:\\src\\demo.bas", 0x3A4, 3));
+    EXPECT_TRUE(RecoveryCopyName(L"C:\\.config", 1, 1).starts_with(L".config ["));
+    EXPECT_LT(RecoveryCopyName(L"C:\\" + std::wstring(255, L'n'), 0xFFFFFFFF, 0xFFFFFFFF).size(), 200U);
+    EXPECT_LT(RecoveryCopyName(L"C:\\a." + std::wstring(250, L'e'), 1, 1).size(), 200U);
+}

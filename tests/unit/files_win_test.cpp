@@ -1,0 +1,316 @@
+// Files on disk: what is saved comes back byte for byte, and a failed save loses nothing. Shell registration in the
+// real registry.
+#include "app/app_state.h"
+#include "files/file_io.h"
+#include "files/file_types.h"
+#include "files/handles.h"
+#include "files/path.h"
+#include "files/recovery.h"
+#include "files/wide_format.h"
+
+#include <gtest/gtest.h>
+
+#include <shlwapi.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using namespace std::string_view_literals;
+
+std::string Bytes(const fs::path& path) {
+    std::size_t length = 0;
+    const HeapBlock<char> bytes{ReadFileUtf8(path.c_str(), &length)};
+    return bytes ? std::string{bytes.get(), length} : "(unreadable)";
+}
+
+void PutBytes(const fs::path& path, std::string_view bytes) {
+    ASSERT_TRUE(WriteFileUtf8(path.c_str(), bytes.data(), bytes.size())) << path;
+}
+
+// A folder of its own for each test, and the recovery copies in it as well.
+class FilesWin : public testing::Test {
+protected:
+    void SetUp() override {
+        GetEnvironmentVariableW(L"LOCALAPPDATA", before_, MAX_PATH);
+        root_ = fs::temp_directory_path() / FormatW(L"kvx-files-%lu-%lu", GetCurrentProcessId(), ++count_);
+        fs::create_directories(root_ / L"appdata");
+        SetEnvironmentVariableW(L"LOCALAPPDATA", (root_ / L"appdata").c_str());
+    }
+    void TearDown() override {
+        SetEnvironmentVariableW(L"LOCALAPPDATA", before_);
+        std::error_code ignored;  // the temporary folder is nobody's
+        fs::remove_all(root_, ignored);
+    }
+    std::vector<fs::path> Copies() const {
+        std::vector<fs::path> found;
+        std::error_code none;
+        for (const auto& entry : fs::directory_iterator{root_ / L"appdata" / L"KVX-Editor" / L"Recovery", none}) {
+            found.push_back(entry.path());
+        }
+        return found;
+    }
+    static bool Save(const fs::path& path, std::string_view text, TextEncoding encoding = TextEncoding::Utf8,
+                     LineEnding ending = LineEnding::Lf) {
+        return WriteSourceFileFromEditor(path.c_str(), text.data(), text.size(), encoding, ending);
+    }
+
+    fs::path root_;
+
+private:
+    wchar_t before_[MAX_PATH] = {};
+    static inline unsigned long count_ = 0;
+};
+
+LSTATUS ReadDefault(const std::wstring& key, std::wstring* text) {
+    wchar_t value[2048] = {};
+    DWORD size = sizeof value;
+    const LSTATUS status = RegGetValueW(HKEY_CURRENT_USER, (L"Software\\Classes\\" + key).c_str(), nullptr,
+                                        RRF_RT_REG_SZ, nullptr, value, &size);
+    *text = value;
+    return status;
+}
+
+bool HasKey(const std::wstring& key) {
+    UniqueRegistryKey opened;
+    const bool found = RegOpenKeyExW(HKEY_CURRENT_USER, (L"Software\\Classes\\" + key).c_str(), 0, KEY_READ,
+                                     opened.Put()) == ERROR_SUCCESS;
+    return found;
+}
+
+}  // namespace
+
+TEST_F(FilesWin, SourcesComeBackByteForByte) {
+    struct Case {
+        const char* name;
+        std::string_view bytes;
+        TextEncoding encoding;
+        LineEnding ending;
+    };
+    const Case cases[] = {
+        {"empty", ""sv, TextEncoding::Utf8, LineEnding::CrLf},
+        {"UTF-8, CRLF", "print \xC3\xA4\r\n"sv, TextEncoding::Utf8, LineEnding::CrLf},
+        {"UTF-8 with a mark, LF", "\xEF\xBB\xBFx\n\n"sv, TextEncoding::Utf8, LineEnding::Lf},
+        {"CR", "a\rb\r"sv, TextEncoding::Utf8, LineEnding::Cr},
+        {"NUL bytes, no final break", "a\0b\0\nc"sv, TextEncoding::Utf8, LineEnding::Lf},
+        {"ANSI", "caf\xE9 \x80\r\n\xFF"sv, TextEncoding::Ansi, LineEnding::CrLf},
+        {"surrogates are ANSI", "\xED\xA0\x80\n"sv, TextEncoding::Ansi, LineEnding::Lf},
+    };
+    for (const Case& test : cases) {
+        const fs::path path = root_ / L"source \u4E2D.bas";
+        PutBytes(path, test.bytes);
+        std::size_t length = 0;
+        TextEncoding encoding = {};
+        LineEnding ending = {};
+        const HeapBlock<char> text{ReadSourceFileForEditor(path.c_str(), &length, &encoding, &ending)};
+        ASSERT_TRUE(text) << test.name;
+        EXPECT_EQ(encoding, test.encoding) << test.name;
+        EXPECT_EQ(ending, test.ending) << test.name;
+        EXPECT_TRUE(IsValidUtf8Bytes(text.get(), length)) << test.name;
+        fs::remove(path);
+        ASSERT_TRUE(Save(path, {text.get(), length}, encoding, ending)) << test.name;
+        EXPECT_EQ(Bytes(path), test.bytes) << test.name;
+    }
+    EXPECT_TRUE(Copies().empty()) << "a verified save leaves no copy";
+    EXPECT_EQ(RecoveryLastPath(), L"");
+}
+
+TEST_F(FilesWin, EmptyAnsiIsRefusedAndTouchesNothing) {
+    const fs::path path = root_ / L"a.bas";
+    PutBytes(path, "old");
+    EXPECT_FALSE(Save(path, "", TextEncoding::Ansi));
+    EXPECT_EQ(Bytes(path), "old");
+}
+
+TEST_F(FilesWin, FailedSavesKeepOldAndNewContent) {
+    const fs::path readOnly = root_ / L"read only.bas";
+    const fs::path locked = root_ / L"locked.bas";
+    PutBytes(readOnly, "old");
+    PutBytes(locked, "old");
+    SetFileAttributesW(readOnly.c_str(), FILE_ATTRIBUTE_READONLY);
+    UniqueHandle lock{CreateFileW(locked.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr)};
+    for (const fs::path& path : {readOnly, locked}) {
+        EXPECT_FALSE(Save(path, "first")) << path;
+        EXPECT_FALSE(Save(path, "second\n")) << path;
+        EXPECT_EQ(Bytes(path), "old") << path;
+        const std::wstring copy = RecoveryLastPath();
+        EXPECT_EQ(fs::path{copy}.extension(), L".bas");
+        EXPECT_EQ(Bytes(copy), "second\n");
+        const HeapBlock<char> target{WideToUtf8(path.c_str())};
+        EXPECT_EQ(Bytes(copy + L".path"), target.get());
+    }
+    EXPECT_EQ(Copies().size(), 8U);  // two failures each, a note beside each
+
+    SetFileAttributesW(readOnly.c_str(), FILE_ATTRIBUTE_NORMAL);
+    lock.Reset();
+    EXPECT_TRUE(Save(readOnly, "third"));
+    EXPECT_EQ(RecoveryLastPath(), L"");
+    EXPECT_EQ(Copies().size(), 4U) << "a good save removes what failed saves of this target left, and nothing else";
+    EXPECT_TRUE(Save(locked, "third"));
+    EXPECT_TRUE(Copies().empty());
+}
+
+TEST_F(FilesWin, WithoutAUserFolderTheCopyStandsBesideTheTarget) {
+    PutBytes(root_ / L"file", "");
+    SetEnvironmentVariableW(L"LOCALAPPDATA", (root_ / L"file").c_str());  // no folder can be made in a file
+    const fs::path path = root_ / L"a.bas";
+    PutBytes(path, "old");
+    EXPECT_TRUE(Save(path, "new"));
+    EXPECT_EQ(Bytes(path), "new");
+    EXPECT_EQ(std::distance(fs::directory_iterator{root_}, {}), 3) << "appdata, file, a.bas";
+
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
+    EXPECT_FALSE(Save(path, "newer"));
+    EXPECT_EQ(Bytes(path), "new");
+    EXPECT_EQ(fs::path{RecoveryLastPath()}.parent_path(), root_);
+    EXPECT_EQ(Bytes(RecoveryLastPath()), "newer");
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+}
+
+TEST_F(FilesWin, SavingKeepsAttributes) {
+    const fs::path path = root_ / L"hidden.bas";
+    PutBytes(path, "old");
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_ARCHIVE);
+    EXPECT_TRUE(Save(path, "new"));
+    EXPECT_EQ(GetFileAttributesW(path.c_str()), DWORD{FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_ARCHIVE});
+}
+
+TEST_F(FilesWin, ReadingRefusesWhatIsNoFile) {
+    std::size_t length = 7;
+    EXPECT_EQ(ReadFileUtf8((root_ / L"missing").c_str(), &length), nullptr);
+    EXPECT_EQ(length, 0U);
+    EXPECT_EQ(ReadFileUtf8(root_.c_str(), &length), nullptr);
+    EXPECT_EQ(ReadFileUtf8(L"NUL", &length), nullptr);
+    EXPECT_EQ(ReadFileUtf8(nullptr, &length), nullptr);
+    EXPECT_FALSE(FileExists(root_.c_str()) || FileExists(nullptr));
+    PutBytes(root_ / L"open", "x");
+    const UniqueHandle writer{CreateFileW((root_ / L"open").c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                          nullptr, OPEN_EXISTING, 0, nullptr)};
+    EXPECT_EQ(ReadFileUtf8((root_ / L"open").c_str(), &length), nullptr) << "someone is writing it";
+}
+
+TEST_F(FilesWin, PathsBeyondTheOldLimit) {
+    std::wstring folder = root_.wstring();
+    while (folder.size() < 500) {
+        folder += L"\\" + std::wstring(60, L'd');
+        ASSERT_TRUE(CreateDirectoryW(PathForSystem(folder.c_str()).c_str(), nullptr)) << folder;
+    }
+    const std::wstring path = folder + L"\\\u00FCber.bas";
+    EXPECT_TRUE(Save(path, "deep\n"));
+    EXPECT_TRUE(FileExists(path.c_str()));
+    EXPECT_EQ(Bytes(path), "deep\n");
+    EXPECT_TRUE(FileExists((folder + L"/../" + std::wstring(60, L'd') + L"/\u00FCber.bas").c_str()));
+    EXPECT_TRUE(Copies().empty());
+    std::error_code failed;
+    fs::remove_all(PathForSystem(folder.substr(0, root_.wstring().size() + 61).c_str()), failed);
+}
+
+TEST_F(FilesWin, PathsAsUsersWriteThem) {
+    wchar_t current[MAX_PATH];
+    GetCurrentDirectoryW(MAX_PATH, current);
+    SetCurrentDirectoryW(root_.c_str());
+    struct Case {
+        std::wstring input, path;
+    };
+    const Case cases[] = {
+        {L"a.bas", root_.wstring() + L"\\a.bas"},
+        {L"sub/../b c.bas", root_.wstring() + L"\\b c.bas"},
+        {L"\"q.bas\"", root_.wstring() + L"\\q.bas"},
+        {L"C:/x/./y.bas", L"C:\\x\\y.bas"},
+        {L"\\\\server\\share/z.bas", L"\\\\server\\share\\z.bas"},
+        {L"", L""},
+        {L"\"\"", L""},
+        {L"C:\\" + std::wstring(2000, L'n'), L""},
+    };
+    for (const Case& test : cases) {
+        wchar_t out[kPathCapacity] = L"?";
+        EXPECT_EQ(PathNormalizeInput(test.input.c_str(), out, kPathCapacity), !test.path.empty()) << test.input;
+        EXPECT_STREQ(out, test.path.c_str()) << test.input;
+    }
+    SetCurrentDirectoryW(current);
+}
+
+TEST_F(FilesWin, CharactersWithoutAPlaceInTheCodePage) {
+    if (GetACP() != 1252) {
+        GTEST_SKIP() << "the cases are for code page 1252";
+    }
+    EXPECT_EQ(AnsiFirstUnmappable(""), -1);
+    EXPECT_EQ(AnsiFirstUnmappable("caf\xC3\xA9 \xE2\x82\xAC"), -1);  // e acute, euro
+    EXPECT_EQ(AnsiFirstUnmappable("ab\xE4\xB8\xADz"), 2);            // a Chinese character
+    EXPECT_EQ(AnsiFirstUnmappable("\xCE\xB1"), 0);                   // alpha looks like an a, and is none
+    // Around the ends of the blocks that the check works in.
+    for (std::size_t before = 65530; before < 65540; ++before) {
+        const std::string head(before, 'x');
+        EXPECT_EQ(AnsiFirstUnmappable(head + "\xF0\x9F\x98\x80" + head), static_cast<std::ptrdiff_t>(before));
+        EXPECT_TRUE(AnsiCanHold(head + "\xE2\x82\xAC" + head)) << before;
+    }
+}
+
+TEST(WideFormat, TextIsWideAndCutToFit) {
+    wchar_t out[8];
+    EXPECT_EQ(FormatBufferW(out, L"%s=%d", L"ab", 12), 5U);
+    EXPECT_STREQ(out, L"ab=12");
+    EXPECT_EQ(FormatBufferW(out, L"%s", L"1234567"), 7U);
+    EXPECT_STREQ(out, L"1234567");
+    EXPECT_EQ(FormatBufferW(out, L"%s", L"12345678"), 7U);
+    EXPECT_STREQ(out, L"1234567");
+    const std::wstring longText(5000, L'x');
+    EXPECT_EQ(FormatW(L"<%s>", longText.c_str()), L"<" + longText + L">");
+    EXPECT_EQ(FormatW(L"%s", L""), L"");
+}
+
+TEST(FileTypes, OpenWithListsAndDefaultPrograms) {
+    wchar_t executable[MAX_PATH];
+    GetModuleFileNameW(nullptr, executable, MAX_PATH);
+    const std::wstring command = FormatW(L"\"%s\" \"%%1\"", executable);
+    for (const wchar_t* key : {L".kxa", L".kxb", L".b64", L".c", L".h", L"KVXA64.Source", L"KVXB64.Source"}) {
+        SHDeleteKeyW(HKEY_CURRENT_USER, (std::wstring{L"Software\\Classes\\"} + key).c_str());
+    }
+    auto& compilers = g_app.settings.compilers;
+    compilers[kCompilerKvxa64].registerExtension = 0;
+    compilers[kCompilerKvxb64].registerExtension = 0;
+    RegisterFileExtensions();
+    EXPECT_FALSE(HasKey(L".kxa") || HasKey(L".kxb") || HasKey(L"KVXA64.Source"));
+
+    compilers[kCompilerKvxb64].registerExtension = 1;
+    std::wstring text;
+    for (int run = 0; run < 2; ++run) {
+        RegisterFileExtensions();
+        EXPECT_FALSE(HasKey(L".kxa"));
+        EXPECT_EQ(ReadDefault(L"KVXB64.Source\\shell\\open\\command", &text), ERROR_SUCCESS);
+        EXPECT_EQ(text, command);
+        for (const wchar_t* extension : {L".kxb", L".b64"}) {
+            DWORD type = REG_SZ;
+            DWORD size = 1;
+            EXPECT_EQ(RegGetValueW(HKEY_CURRENT_USER,
+                                   (std::wstring{L"Software\\Classes\\"} + extension + L"\\OpenWithProgids").c_str(),
+                                   L"KVXB64.Source", RRF_RT_ANY, &type, nullptr, &size),
+                      ERROR_SUCCESS);
+            EXPECT_EQ(type, DWORD{REG_NONE});
+            EXPECT_EQ(size, 0U);
+            EXPECT_NE(ReadDefault(extension, &text), ERROR_SUCCESS) << "the default program is left alone";
+        }
+        EXPECT_TRUE(HasKey(L".c") && HasKey(L".h"));
+        EXPECT_FALSE(HasKey(L".c\\OpenWithProgids") || HasKey(L".h\\OpenWithProgids"));
+    }
+    compilers[kCompilerKvxb64].registerExtension = 0;
+
+    EXPECT_EQ(FileExtRegisterCompiler(kCompilerKvxa32), 1);
+    EXPECT_EQ(ReadDefault(L".ka32", &text), ERROR_SUCCESS);
+    EXPECT_EQ(text, L"KVXE.ka32");
+    ReadDefault(L"KVXE.ka32", &text);
+    EXPECT_EQ(text, L"KVXA32 Source File");
+    ReadDefault(L"KVXE.ka32\\DefaultIcon", &text);
+    EXPECT_EQ(text, L"\"KA32.ico\",0");
+    ReadDefault(L"KVXE.ka32\\shell\\open\\command", &text);
+    EXPECT_EQ(text, command);
+    FileExtUnregisterCompiler(kCompilerKvxa32);
+    EXPECT_FALSE(HasKey(L".ka32") || HasKey(L"KVXE.ka32"));
+    EXPECT_EQ(FileExtRegisterCompiler(5), 0);
+}

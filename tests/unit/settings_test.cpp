@@ -1,0 +1,187 @@
+// Limits, defaults, stored values and paths of the settings.
+#include "settings/ini_text.h"
+#include "settings/settings_schema.h"
+
+#include <gtest/gtest.h>
+
+#include <cwchar>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace {
+
+const SettingRow& Row(std::wstring_view section, std::wstring_view key) {
+    for (const SettingRow& row : SettingRows()) {
+        if (section == row.section && key == row.key) {
+            return row;
+        }
+    }
+    ADD_FAILURE() << "no such setting";
+    return SettingRows().front();
+}
+
+// What the system's functions make of the text behind the "=".
+std::wstring AsRead(std::wstring text) {
+    while (!text.empty() && (text.back() == L' ' || text.back() == L'\t')) {
+        text.pop_back();
+    }
+    text.erase(0, text.find_first_not_of(L" \t"));
+    if (text.size() > 1 && (text.front() == L'"' || text.front() == L'\'') && text.front() == text.back()) {
+        text = text.substr(1, text.size() - 2);
+    }
+    return text;
+}
+
+}  // namespace
+
+TEST(Settings, Limits) {
+    struct Case {
+        const wchar_t *section, *key;
+        std::int32_t stored, used;
+    };
+    constexpr Case kCases[] = {
+        {L"Editor", L"FontSize", 5, 6},
+        {L"Editor", L"FontSize", 73, 72},
+        {L"Editor", L"AutoCompleteTrigger", 0, 2},
+        {L"Editor", L"AutoCompleteTrigger", 1, 1},
+        {L"Editor", L"AutoCompleteTrigger", 11, 10},
+        {L"Editor", L"EditorStylePreset", 6, 0},
+        {L"Editor", L"EditorStylePreset", 5, 5},
+        {L"Editor", L"ActiveCompiler", -1, 3},
+        {L"Editor", L"ActiveCompiler", 5, 3},
+        {L"Editor", L"SearchHistoryCount", 21, 20},
+        {L"Editor", L"SearchHistoryCount", -7, -7},
+        {L"Editor", L"EditorZoom", -2000000000, -2000000000},
+        {L"Project", L"ProjectTreeWidth", 250, 200},
+        {L"Project", L"ProjectTreeWidth", 99, 100},
+        {L"AI", L"AISidebarWidth", 149, 150},
+        {L"AI", L"AISidebarWidth", 601, 600},
+        {L"AI", L"PrimaryAi", 2, 0},
+        {L"Build", L"Profile", 3, 0},
+        {L"MRU", L"Count", 15, 10},
+        {L"MRU", L"Count", -1, 0},
+    };
+    for (const Case& test : kCases) {
+        EXPECT_EQ(ApplyLimits(Row(test.section, test.key).limits, test.stored), test.used)
+            << test.key << " " << test.stored;
+    }
+}
+
+// Every row's field holds what the row says it does: a wrong offset or capacity would run into a neighbour.
+TEST(Settings, RowsDoNotOverlap) {
+    std::string owners(sizeof(Settings), '\0');
+    for (const SettingRow& row : SettingRows()) {
+        const bool text = row.type == SettingType::Text;
+        const std::size_t size = text ? row.capacity * sizeof(wchar_t)
+                                 : row.type == SettingType::List
+                                     ? static_cast<std::size_t>(row.rows) * row.rowCapacity * sizeof(wchar_t)
+                                     : sizeof(std::int32_t);
+        ASSERT_LE(row.offset + size, sizeof(Settings)) << row.key;
+        for (std::size_t at = row.offset; at < row.offset + size; ++at) {
+            ASSERT_EQ(owners[at], '\0') << row.section << " " << row.key;
+            owners[at] = 'x';
+        }
+    }
+}
+
+TEST(Settings, StartAndFactoryStateDifferOnPurpose) {
+    const auto settings = std::make_unique<Settings>();
+    SettingsDefaults(*settings);
+    EXPECT_STREQ(settings->fontName, L"Consolas");
+    EXPECT_STREQ(Row(L"Editor", L"Font").text, L"Segoe UI");
+    EXPECT_EQ(settings->fontSize, 12);
+    EXPECT_EQ(settings->activeCompiler, 3);
+    EXPECT_EQ(settings->useTabs, 0);
+    EXPECT_STREQ(settings->compilers[kCompilerKeldorBasic].flags, L"/L /Q");
+    EXPECT_TRUE(std::wstring_view{settings->compilers[kCompilerKvxc64].description}.starts_with(
+        L"KVXC64 Compiler - PowerBASIC x64 compiler"));
+    EXPECT_STREQ(settings->compilers[kCompilerKvxa32].description, L"");
+
+    SettingsReset(*settings);
+    EXPECT_EQ(settings->fontSize, 11);
+    EXPECT_EQ(settings->useTabs, 1);
+    EXPECT_EQ(settings->outputFontSize, 10);
+    EXPECT_EQ(settings->activeCompiler, 0);
+    EXPECT_EQ(settings->splitter, 0);
+    EXPECT_STREQ(settings->compilers[kCompilerKeldorBasic].flags, L"");
+    EXPECT_STREQ(settings->openAICodeModel, L"gpt-4o-mini");
+}
+
+TEST(Settings, KeysTooShortToBeOneGoWithTheirService) {
+    const auto settings = std::make_unique<Settings>();
+    const auto check = [&settings](const wchar_t* openAi, const wchar_t* lmStudio) {
+        SafeCopyW(settings->openAIKey, openAi);
+        SafeCopyW(settings->lmStudioKey, lmStudio);
+        settings->openAIEnabled = settings->lmStudioEnabled = 1;
+        CheckAssistantKeys(*settings);
+        return settings->openAIEnabled * 100 + settings->lmStudioEnabled * 10 + settings->aiEnabled;
+    };
+    EXPECT_EQ(check(L"", L""), 111);
+    EXPECT_EQ(check(L"0123456789", L"123"), 111);
+    EXPECT_EQ(check(L"012345678", L"123"), 11);
+    EXPECT_STREQ(settings->openAIKey, L"");
+    EXPECT_EQ(check(L"012345678", L"12"), 0);
+}
+
+TEST(Settings, StoredValuesComeBackUnchanged) {
+    constexpr const wchar_t* kAsTheyAre[] = {L"",           L"plain",       L"-x \"a b\" -y", L"; comment?",
+                                             L"\"",         L"a=b",         L"[x]",           L"\"only the first",
+                                             L"C:\\a\\n.c", L"tab\tinside", L"\u4E2D\u6587"};
+    for (const wchar_t* value : kAsTheyAre) {
+        EXPECT_EQ(EncodeIniValue(value), value);
+        EXPECT_EQ(DecodeIniValue(AsRead(EncodeIniValue(value))), value);
+    }
+    const std::wstring changed[] = {
+        L" lead", L"trail ",    L"\ttab", L"\"quoted\"", L"'quoted'",      L"\"\"", L" ",       L"a\r\nb",
+        L"\n",    L"a\\r\nb\\", L"[ESC]", L"[ESC]a\\nb", L"\x1A\x01 end ", L"x\r",  L"\" \n\"", L"\u3000wide\u00A0"};
+    for (const std::wstring& value : changed) {
+        const std::wstring stored = EncodeIniValue(value);
+        EXPECT_NE(stored, value);
+        EXPECT_EQ(stored.find_first_of(L"\r\n"), std::wstring::npos);
+        EXPECT_LE(stored.size(), IniValueCapacity(value.size() + 1));
+        EXPECT_EQ(DecodeIniValue(AsRead(stored)), value) << stored;
+    }
+    // Written by hand: what is no escape sequence stands for itself.
+    EXPECT_EQ(DecodeIniValue(L"[ESC]a\\q\\x1\\xZZ\\"), L"a\\q\\x1\\xZZ\\");
+}
+
+TEST(Settings, FileTextKeepsSectionsTogether) {
+    IniText ini;
+    ini.Add(L"A", L"x", L"1");
+    ini.AddNumber(L"B", L"y", -5);
+    ini.AddText(L"A", L"z", L" \u00E9");
+    const std::string bytes = ini.Bytes();
+    std::wstring text;
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+        text += static_cast<wchar_t>(static_cast<unsigned char>(bytes[i]) |
+                                     (static_cast<unsigned>(static_cast<unsigned char>(bytes[i + 1])) << 8U));
+    }
+    EXPECT_EQ(text, L"\uFEFF[A]\r\nx=1\r\nz=\" \u00E9\"\r\n[B]\r\ny=-5\r\n");
+}
+
+TEST(Settings, PathsAgainstTheProgramsFolder) {
+    struct Case {
+        const wchar_t *absolute, *stored;
+    };
+    constexpr Case kBothWays[] = {
+        {L"C:\\kvx\\K\\k.exe", L"K\\k.exe"},
+        {L"D:\\k.exe", L"D:\\k.exe"},
+        {L"", L""},
+        {L"\\\\srv\\k.exe", L"\\\\srv\\k.exe"},
+        {L"C:\\kvxtra\\k.exe", L"C:\\kvxtra\\k.exe"},
+        {L"C:\\kv", L"C:\\kv"},
+    };
+    wchar_t path[64];
+    for (const Case& test : kBothWays) {
+        SafeCopyW(path, test.absolute);
+        MakeFolderRelative(L"C:\\kvx\\", path, path, 64);
+        EXPECT_STREQ(path, test.stored);
+        ResolveAgainstFolder(L"C:\\kvx\\", path, path, 64);
+        EXPECT_STREQ(path, test.absolute);
+    }
+    MakeFolderRelative(L"C:\\kvx\\", L"c:\\KVX\\k.exe", path, 64);
+    EXPECT_STREQ(path, L"k.exe");
+    ResolveAgainstFolder(L"C:\\kvx\\", L"\\k.exe", path, 64);
+    EXPECT_STREQ(path, L"C:\\kvx\\\\k.exe");
+}

@@ -1,0 +1,289 @@
+// The settings file through the system's own INI functions, and secrets through its data protection.
+#include "app/app_state.h"
+#include "compilers/compiler_table.h"
+#include "files/file_io.h"
+#include "files/handles.h"
+#include "files/path.h"
+#include "files/wide_format.h"
+#include "settings/secrets.h"
+#include "settings/settings_schema.h"
+#include "settings/settings_store.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class SettingsWin : public testing::Test {
+protected:
+    void SetUp() override {
+        root_ = fs::temp_directory_path() / FormatW(L"kvx-settings-%lu-%lu", GetCurrentProcessId(), ++count_);
+        fs::create_directories(root_);
+        ini_ = (root_ / L"Editor.ini").wstring();
+        SettingsDefaults(g_app.settings);
+    }
+    void TearDown() override {
+        SettingsDefaults(g_app.settings);
+        std::error_code ignored;
+        fs::remove_all(root_, ignored);
+    }
+    void Save() { SettingsSave(ini_.c_str()); }
+    void Load() {
+        // Nothing may come back that was only in memory.
+        SettingsReset(g_app.settings);
+        SettingsLoad(ini_.c_str());
+    }
+    std::wstring Stored(const wchar_t* section, const wchar_t* key) const {
+        wchar_t value[4096] = {};
+        GetPrivateProfileStringW(section, key, L"(none)", value, 4096, ini_.c_str());
+        return value;
+    }
+    std::string FileBytes(const std::wstring& path) const {
+        std::size_t length = 0;
+        const HeapBlock<char> bytes{ReadFileUtf8(path.c_str(), &length)};
+        return bytes ? std::string{bytes.get(), length} : "(unreadable)";
+    }
+
+    fs::path root_;
+    std::wstring ini_;
+
+private:
+    static inline unsigned long count_ = 0;
+};
+
+// Awkward text that fits into a field of `capacity` characters; another one for each number.
+std::wstring Awkward(std::size_t number, std::size_t capacity) {
+    constexpr const wchar_t* kTexts[] = {L" both ends ",  L"\"in quotes\"", L"\u4E2D\u6587 \u03B1\u00DF",
+                                         L"; no comment", L"a\r\nb\\n",     L"'x'",
+                                         L"[Editor]",     L"k=v\t",         L"\"-x\" \"y\""};
+    std::wstring text = kTexts[number % std::size(kTexts)];
+    text += L" #" + std::to_wstring(number);
+    if (number % 7 == 0) {
+        text.resize(capacity - 1, L'\u0416');  // filled to the last place
+    }
+    if (number % 3 == 0) {
+        text.back() = text.front();
+    }
+    return text;
+}
+
+}  // namespace
+
+TEST_F(SettingsWin, EverySettingComesBackAsItWas) {
+    Settings& settings = g_app.settings;
+    std::size_t number = 0;
+    const auto before = std::make_unique<Settings>();
+    for (const SettingRow& row : SettingRows()) {
+        ++number;
+        if ((row.flags & (kSettingLoadOnly | kSettingSaveOnly | kSettingExeRelative)) != 0) {
+            continue;
+        }
+        switch (row.type) {
+            case SettingType::Text:
+                SafeCopyW(SettingText(settings, row), row.capacity,
+                          Awkward(number, (row.flags & kSettingSecret) != 0 ? 50 : row.capacity));
+                break;
+            case SettingType::Bool: SettingNumber(settings, row.offset) = 1 - row.number; break;
+            case SettingType::Int:
+                SettingNumber(settings, row.offset) = ApplyLimits(row.limits, row.number != 0 ? row.number - 1 : 4);
+                break;
+            case SettingType::List:
+                for (int i = 0; i < SettingNumber(settings, row.countOffset); ++i) {
+                    SafeCopyW(SettingText(settings, row, i), row.rowCapacity,
+                              Awkward(number + static_cast<std::size_t>(i), row.rowCapacity));
+                }
+                break;
+        }
+    }
+    settings.sessionMruCount = 2;
+    SafeCopyW(settings.sessionMruFiles[0], L"C:\\\u00E9\u4E2D.kvxsess");
+    SafeCopyW(settings.sessionMruFiles[1], L" odd ");
+    Save();
+    *before = settings;
+    Load();
+    for (const SettingRow& row : SettingRows()) {
+        const std::wstring name = std::wstring{row.section} + L" " + row.key;
+        if ((row.flags & (kSettingLoadOnly | kSettingExeRelative)) != 0) {
+            continue;
+        }
+        switch (row.type) {
+            case SettingType::Text: EXPECT_STREQ(SettingText(settings, row), SettingText(*before, row)) << name; break;
+            case SettingType::Bool:
+            case SettingType::Int:
+                EXPECT_EQ(SettingNumber(settings, row.offset), SettingNumber(*before, row.offset)) << name;
+                break;
+            case SettingType::List:
+                for (int i = 0; i < SettingNumber(*before, row.countOffset); ++i) {
+                    EXPECT_STREQ(SettingText(settings, row, i), SettingText(*before, row, i)) << name << i;
+                }
+                break;
+        }
+    }
+    EXPECT_EQ(settings.sessionMruCount, 2);
+    EXPECT_STREQ(settings.sessionMruFiles[0], L"C:\\\u00E9\u4E2D.kvxsess");
+    EXPECT_STREQ(settings.sessionMruFiles[1], L" odd ");
+    EXPECT_FALSE(FileExists((ini_ + L".tmp").c_str()));
+}
+
+TEST_F(SettingsWin, ReadsWhatWasWrittenByHand) {
+    // In the code page, with other spacing, comments and keys nobody knows.
+    constexpr std::string_view kText =
+        "; mine\r\n[Editor]\r\nFont =  \"Caf\xE9 Mono\"  \r\nFontSize=5\r\nUnknown=1\r\nUseTabs=-3\r\n"
+        "ShowErrorList=1\r\n[Colors]\r\nKeyword=255\r\n[MRU]\r\nCount=15\r\nFile0=C:\\a.bas\r\n"
+        "[AI]\r\nOpenAIKey=sk-in-clear-text\r\nOpenAIEnabled=1\r\n"
+        "[KVXA64]\r\nPath=C:\\no such\\k.exe\r\n";
+    ASSERT_TRUE(WriteFileUtf8(ini_.c_str(), kText.data(), kText.size()));
+    Load();
+    const Settings& settings = g_app.settings;
+    EXPECT_STREQ(settings.fontName, GetACP() == 1252 ? L"Caf\u00E9 Mono" : settings.fontName);
+    EXPECT_EQ(settings.fontSize, 6);
+    EXPECT_EQ(settings.useTabs, 1);
+    EXPECT_EQ(settings.showErrorList, 1);
+    EXPECT_EQ(settings.colors[0], 255);
+    EXPECT_EQ(settings.mruCount, 10);
+    EXPECT_STREQ(settings.mruFiles[0], L"C:\\a.bas");
+    EXPECT_STREQ(settings.mruFiles[9], L"");
+    EXPECT_STREQ(settings.openAIKey, L"sk-in-clear-text");
+    EXPECT_EQ(settings.aiEnabled, 1);
+    EXPECT_STREQ(settings.compilers[kCompilerKvxa64].path, L"") << "a path to nothing";
+    EXPECT_STREQ(settings.compilers[kCompilerKeldorBasic].flags, L"/L /Q");
+
+    Save();
+    EXPECT_EQ(Stored(L"Colors", L"Keyword"), L"(none)");
+    EXPECT_EQ(Stored(L"Editor", L"ShowErrorList"), L"(none)");
+    EXPECT_EQ(Stored(L"Meta", L"Version"), L"2");
+    EXPECT_EQ(Stored(L"AI", L"Enabled"), L"1");
+    EXPECT_TRUE(Stored(L"AI", L"OpenAIKey").starts_with(L"[DPAPI]"));
+    Load();
+    EXPECT_STREQ(g_app.settings.openAIKey, L"sk-in-clear-text");
+}
+
+TEST_F(SettingsWin, CompilerPathsAreStoredRelativeToTheProgram) {
+    wchar_t executable[kPathCapacity];
+    GetModuleFileNameW(nullptr, executable, kPathCapacity);
+    wchar_t name[kPathCapacity];
+    PathGetFile(executable, name, kPathCapacity);
+    wchar_t outside[kPathCapacity];
+    GetSystemDirectoryW(outside, kPathCapacity);
+    SafeCatW(outside, L"\\cmd.exe");
+    SafeCopyW(g_app.settings.compilers[0].path, executable);
+    SafeCopyW(g_app.settings.compilers[4].path, outside);
+    Save();
+    EXPECT_EQ(Stored(L"KVXA64", L"Path"), name);
+    EXPECT_EQ(Stored(L"KVXC64", L"Path"), outside);
+    Load();
+    EXPECT_STREQ(g_app.settings.compilers[0].path, executable);
+    EXPECT_STREQ(g_app.settings.compilers[4].path, outside);
+    EXPECT_TRUE(CompilerExists(0) && CompilerExists(9) && !CompilerExists(1));
+}
+
+TEST_F(SettingsWin, AKeyOfAnotherAccountSurvivesASave) {
+    const std::wstring foreign = L"[DPAPI]" + std::wstring(600, L'A');
+    WritePrivateProfileStringW(L"AI", L"LMStudioKey", foreign.c_str(), ini_.c_str());
+    WritePrivateProfileStringW(nullptr, nullptr, nullptr, ini_.c_str());
+    Load();
+    EXPECT_EQ(g_app.settings.lmStudioKey, foreign.substr(0, 255)) << "kept as the key, as far as it fits";
+    Save();
+    EXPECT_EQ(Stored(L"AI", L"LMStudioKey"), foreign);
+    SafeCopyW(g_app.settings.lmStudioKey, L"my own key");
+    Save();
+    Load();
+    EXPECT_STREQ(g_app.settings.lmStudioKey, L"my own key");
+}
+
+TEST_F(SettingsWin, AFailedSaveLeavesTheOldFile) {
+    Save();
+    const std::string old = FileBytes(ini_);
+    g_app.settings.tabWidth = 7;
+    {
+        // Someone holds the temporary file: it cannot be written.
+        const UniqueHandle lock{CreateFileW((ini_ + L".tmp").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                            FILE_FLAG_DELETE_ON_CLOSE, nullptr)};
+        ASSERT_TRUE(lock);
+        Save();
+        EXPECT_EQ(FileBytes(ini_), old);
+    }
+    {
+        const UniqueHandle reader{
+            CreateFileW(ini_.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr)};
+        Save();
+        EXPECT_EQ(FileBytes(ini_), old);
+        EXPECT_FALSE(FileExists((ini_ + L".tmp").c_str()));
+    }
+    g_app.settings.backupSettings = 1;
+    Save();
+    EXPECT_EQ(FileBytes(ini_ + L".bak"), old);
+    EXPECT_EQ(Stored(L"Editor", L"TabWidth"), L"7");
+}
+
+TEST_F(SettingsWin, AnInterruptedSaveIsFinished) {
+    g_app.settings.tabWidth = 7;
+    Save();
+    fs::rename(ini_, ini_ + L".tmp");
+    ASSERT_TRUE(WriteFileUtf8(ini_.c_str(), "\xFF\xFE[\0", 4));  // the copy broke off here
+    Load();
+    EXPECT_EQ(g_app.settings.tabWidth, 7);
+    EXPECT_FALSE(FileExists((ini_ + L".tmp").c_str()));
+}
+
+TEST(Secrets, OnlyWhatIsProtectedIsUnprotected) {
+    wchar_t sealed[1024];
+    wchar_t clear[256];
+    const std::wstring key = L"sk-\u00E4\u4E2D 0123456789";
+    ASSERT_TRUE(EncryptString(key.c_str(), sealed, 1024));
+    EXPECT_TRUE(std::wstring_view{sealed}.starts_with(L"[DPAPI]"));
+    EXPECT_EQ(std::wstring_view{sealed}.find(L"sk-"), std::wstring_view::npos);
+    EXPECT_EQ(DecryptString(sealed, clear, 256), 1);
+    EXPECT_EQ(clear, key);
+    EXPECT_EQ(DecryptString(sealed, clear, key.size()), 1) << "one place too few";
+    EXPECT_STREQ(clear, L"");
+
+    SafeCopyW(clear, L"before");
+    std::wstring damaged = sealed;
+    damaged[40] = damaged[40] == L'0' ? L'1' : L'0';
+    for (const std::wstring& stored :
+         {std::wstring{L"plain"}, std::wstring{L""}, std::wstring{L"[DPAPI]"}, std::wstring{L"[DPAPI]ABC"},
+          std::wstring{L"[DPAPI]XY"}, std::wstring{L"[dpapi]00"}, damaged}) {
+        EXPECT_EQ(DecryptString(stored.c_str(), clear, 256), 0) << stored;
+        EXPECT_STREQ(clear, L"before");
+    }
+    EXPECT_TRUE(EncryptString(L"", sealed, 1));
+    EXPECT_STREQ(sealed, L"");
+    EXPECT_FALSE(EncryptString(key.c_str(), sealed, 64)) << "no room";
+}
+
+TEST(CompilerDetection, FindsCandidatesAndKeepsWhatIsValid) {
+    SettingsDefaults(g_app.settings);
+    wchar_t directory[kPathCapacity];
+    AppExeDirectory(directory, kPathCapacity);
+    const fs::path beside = directory;
+    const fs::path first = beside / L"KVXC64";
+    const fs::path keldor = beside / L"KELDORRBASIC";
+    const bool made = !fs::exists(first) && !fs::exists(keldor);
+    if (!made) {
+        GTEST_SKIP() << "compilers are installed beside the tests";
+    }
+    fs::create_directories(first);
+    fs::create_directories(keldor);
+    WriteFileUtf8((first / L"KVXC64.exe").c_str(), "x", 1);
+    WriteFileUtf8((keldor / L"KeldorrBASIC.exe").c_str(), "x", 1);
+    auto& compilers = g_app.settings.compilers;
+    wchar_t own[kPathCapacity];
+    GetModuleFileNameW(nullptr, own, kPathCapacity);
+    SafeCopyW(compilers[kCompilerKeldorBasic].path, own);
+    SafeCopyW(compilers[kCompilerKvxc64].path, L"C:\\gone\\KVXC64.exe");
+    SettingsAutoDetectCompilers();
+    EXPECT_STREQ(compilers[kCompilerKeldorBasic].path, own) << "a valid path is never replaced";
+    EXPECT_EQ(fs::path{compilers[kCompilerKvxc64].path}, first / L"KVXC64.exe");
+    EXPECT_STREQ(compilers[kCompilerKvxa64].path, L"");
+    fs::remove_all(first);
+    fs::remove_all(keldor);
+    SettingsDefaults(g_app.settings);
+}
