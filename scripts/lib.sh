@@ -122,7 +122,7 @@ use_wine() {
     unset LANG LANGUAGE
     have wine || die "Wine is not installed; run scripts/setup"
     WINE_STARTED=yes
-    local made="$WINEPREFIX/kvx-prefix-5"
+    local made="$WINEPREFIX/kvx-prefix-7"
     [ -f "$made" ] && return 0
     say "making the Wine prefix $WINEPREFIX (once, up to a minute)"
     rm -rf "$WINEPREFIX"
@@ -139,7 +139,8 @@ use_wine() {
     done
     local settings="$WINEPREFIX/kvx.reg"
     # One desktop of a known size inside the X screen: captions and focus without a window manager. Fonts that Windows
-    # has and Wine has not are replaced by ones that look alike; a crash is to end the program, not to open a dialog.
+    # has and Wine has not are replaced by ones that look alike and may be smoothed at small sizes (the Liberation fonts
+    # may not); a crash is to end the program, not to open a dialog.
     cat >"$settings" <<'REG'
 REGEDIT4
 
@@ -150,10 +151,10 @@ REGEDIT4
 "kvx"="1280x900"
 
 [HKEY_CURRENT_USER\Software\Wine\Fonts\Replacements]
-"Segoe UI"="Liberation Sans"
-"Consolas"="Liberation Mono"
-"Courier New"="Liberation Mono"
-"Lucida Console"="Liberation Mono"
+"Segoe UI"="Open Sans"
+"Consolas"="Hack"
+"Courier New"="Hack"
+"Lucida Console"="Hack"
 
 [HKEY_CURRENT_USER\Control Panel\Desktop]
 "FontSmoothing"="2"
