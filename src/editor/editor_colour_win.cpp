@@ -44,10 +44,14 @@ double Seconds() {
     return static_cast<double>(now.QuadPart) / static_cast<double>(frequency.QuadPart);
 }
 
-// Colours [from, to) without the repaint of the whole window that SCI_COLOURISE asks for.
+// Colours [from, to) without the repaint of the whole window that SCI_COLOURISE asks for. One pixel is painted all the
+// same: until a paint comes, Scintilla believes that the whole window is about to be painted and asks for nothing more,
+// so that with no paint at all the caret would move unseen.
 void ColouriseUnseen(HWND editor, LRESULT from, LRESULT to) {
     SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(from), to);
     ValidateRect(editor, nullptr);
+    const RECT pixel = {0, 0, 1, 1};
+    RedrawWindow(editor, &pixel, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_NOERASE);
 }
 
 // One slice. True when some of the document is still uncoloured.
