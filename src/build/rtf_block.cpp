@@ -68,9 +68,9 @@ std::string RtfBlock(std::span<const PaneLine> lines, const RtfFont& font) {
     for (const PaneLine& line : lines) {
         const auto index =
             static_cast<std::size_t>(std::find(colours.begin(), colours.end(), line.colour) - colours.begin());
-        if (index != current) rtf += "\\cf" + std::to_string(index + 1);
+        // The blank ends the control word; without one before it, it would be text.
+        if (index != current) rtf += "\\cf" + std::to_string(index + 1) + ' ';
         current = index;
-        rtf += ' ';
         RtfAppendEscaped(rtf, line.text);
         if (line.lineBreak) rtf += "\\par\n";
     }

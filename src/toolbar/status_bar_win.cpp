@@ -121,7 +121,11 @@ HWND StatusBarCreate(HWND parent, int controlId) {
     HWND bar = CreateWindowExW(
         0, STATUSCLASSNAMEW, nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | CCS_NORESIZE | CCS_NOPARENTALIGN, 0, 0,
         0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_app.hInstance, nullptr);
-    if (bar != nullptr) SetWindowSubclass(bar, StatusBarProc, 1, 0);
+    if (bar == nullptr) return nullptr;
+    SetWindowSubclass(bar, StatusBarProc, 1, 0);
+    // The parts exist before anyone writes into them; the layout gives them their real widths.
+    int ends[kPartCount] = {};
+    SendMessageW(bar, SB_SETPARTS, kPartCount, reinterpret_cast<LPARAM>(ends));
     return bar;
 }
 

@@ -40,6 +40,7 @@ constexpr ButtonRow kButtons[] = {
     {IDM_EDIT_PASTE, Icon::Paste},
     {IDM_EDIT_FIND, Icon::Find},
     {0},
+    {IDM_COMPILER_MENU},
     {IDM_BUILD, Icon::Build},
     {IDM_BUILD_RUN, Icon::Run},
     {IDM_BUILD_STOP, Icon::Stop},
@@ -50,12 +51,13 @@ constexpr ButtonRow kButtons[] = {
     {IDM_VIEW_OUTPUT, Icon::Output, true},
     {IDM_VIEW_ASM, Icon::AsmPane, true},
     {IDM_VIEW_AI, Icon::Ai, true},
-    {0},
 };
 
 constexpr int kIconSize = 16;
 constexpr int kButtonSize = 28;
 constexpr int kBarPadding = 3;
+constexpr int kGap = 9;
+constexpr int kArrowWidth = 30;  // the arrow of the compiler button and the air around its text
 
 HIMAGELIST g_images = nullptr;
 HIMAGELIST g_disabledImages = nullptr;
@@ -91,7 +93,7 @@ HIMAGELIST RenderImages(bool enabled) {
     HIMAGELIST images = ImageList_Create(size, size, ILC_COLOR32, static_cast<int>(std::size(kButtons)), 0);
     const IconInks inks = InksOfTheme(enabled);
     for (const ButtonRow& row : kButtons) {
-        if (row.command == 0) continue;
+        if (row.command == 0 || row.command == IDM_COMPILER_MENU) continue;
         HBITMAP bitmap = BitmapOf(RenderIcon(row.icon, size, inks), size);
         ImageList_Add(images, bitmap, nullptr);
         DeleteObject(bitmap);
@@ -106,22 +108,50 @@ std::wstring CompilerButtonText() {
 
 void AddButtons(HWND bar) {
     int image = 0;
+    const std::wstring compilerText = CompilerButtonText();
     for (const ButtonRow& row : kButtons) {
         TBBUTTON button = {};
         button.fsState = TBSTATE_ENABLED;
-        button.fsStyle = row.command == 0 ? BTNS_SEP : row.showsState ? BTNS_CHECK : BTNS_BUTTON;
         button.idCommand = row.command;
-        button.iBitmap = row.command == 0 ? 0 : image++;
+        if (row.command == 0) {
+            button.fsStyle = BTNS_SEP;
+            button.iBitmap = kGap;
+        } else if (row.command == IDM_COMPILER_MENU) {
+            button.fsStyle = BTNS_SHOWTEXT | BTNS_WHOLEDROPDOWN;
+            button.iBitmap = I_IMAGENONE;
+            button.iString = reinterpret_cast<INT_PTR>(compilerText.c_str());
+        } else {
+            button.fsStyle = row.showsState ? BTNS_CHECK : BTNS_BUTTON;
+            button.iBitmap = image++;
+        }
         SendMessageW(bar, TB_ADDBUTTONSW, 1, reinterpret_cast<LPARAM>(&button));
     }
-    const std::wstring text = CompilerButtonText();
-    TBBUTTON compiler = {};
-    compiler.iBitmap = I_IMAGENONE;
-    compiler.idCommand = IDM_COMPILER_MENU;
-    compiler.fsState = TBSTATE_ENABLED;
-    compiler.fsStyle = BTNS_AUTOSIZE | BTNS_SHOWTEXT | BTNS_WHOLEDROPDOWN;
-    compiler.iString = reinterpret_cast<INT_PTR>(text.c_str());
-    SendMessageW(bar, TB_ADDBUTTONSW, 1, reinterpret_cast<LPARAM>(&compiler));
+}
+
+int TextWidth(HWND window, const std::wstring& text) {
+    HDC dc = GetDC(window);
+    HGDIOBJ old = SelectObject(dc, UiFont());
+    SIZE size = {};
+    GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
+    SelectObject(dc, old);
+    ReleaseDC(window, dc);
+    return static_cast<int>(size.cx);
+}
+
+// Each button its own width: left to itself the control makes all of them as wide as the one with text.
+void SizeButtons() {
+    for (const ButtonRow& row : kButtons) {
+        if (row.command == 0) continue;
+        TBBUTTONINFOW info = {};
+        info.cbSize = sizeof(info);
+        info.dwMask = TBIF_SIZE;
+        const int width = row.command == IDM_COMPILER_MENU
+                              ? TextWidth(g_app.hToolbar, CompilerButtonText()) + Scaled(kArrowWidth)
+                              : Scaled(kButtonSize);
+        info.cx = static_cast<WORD>(width);
+        SendMessageW(g_app.hToolbar, TB_SETBUTTONINFOW, static_cast<WPARAM>(row.command),
+                     reinterpret_cast<LPARAM>(&info));
+    }
 }
 
 void ShowCompilerMenu(const RECT& button) {
@@ -226,6 +256,7 @@ void ToolbarApplyTheme() {
     SendMessageW(g_app.hToolbar, TB_SETBUTTONSIZE, 0, MAKELPARAM(Scaled(kButtonSize), Scaled(kButtonSize)));
     SendMessageW(g_app.hToolbar, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
     ToolbarUpdateCompiler();
+    SizeButtons();
     if (oldImages != nullptr) ImageList_Destroy(oldImages);
     if (oldDisabled != nullptr) ImageList_Destroy(oldDisabled);
     InvalidateRect(g_app.hToolbar, nullptr, TRUE);
@@ -249,7 +280,7 @@ void ToolbarUpdateCompiler() {
     if (text == shown) return;
     info.pszText = const_cast<wchar_t*>(text.c_str());
     SendMessageW(g_app.hToolbar, TB_SETBUTTONINFOW, IDM_COMPILER_MENU, reinterpret_cast<LPARAM>(&info));
-    SendMessageW(g_app.hToolbar, TB_AUTOSIZE, 0, 0);
+    SizeButtons();
     InvalidateRect(g_app.hToolbar, nullptr, TRUE);
 }
 
