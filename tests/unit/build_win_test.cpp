@@ -1,0 +1,127 @@
+// Decoding by the system's code pages, and staged copies beside files of the user.
+#include "build/decode.h"
+#include "build/staging.h"
+#include "files/handles.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+std::wstring Decoded(std::string_view bytes) {
+    const HeapBlock<wchar_t> text(DecodeCompilerText(bytes.data(), bytes.size()));
+    return text ? text.get() : L"(none)";
+}
+
+TEST(DecodeCompilerText, EachChunkByItself) {
+    EXPECT_EQ(Decoded("plain"), L"plain");
+    EXPECT_EQ(Decoded("\xC3\xA9"), L"\xE9") << "UTF-8 first";
+    EXPECT_EQ(Decoded(std::string_view("a\0b\0", 4)), L"ab") << "without NUL bytes";
+    EXPECT_EQ(Decoded(""), L"(none)");
+    if (GetACP() != CP_UTF8) {
+        // A character cut by the chunk's border: both halves are read in the next code page that has them.
+        EXPECT_EQ(Decoded("x\xC3").size(), 2U);
+        EXPECT_EQ(Decoded("\xA9y").size(), 2U);
+    }
+}
+
+class Staging : public testing::Test {
+protected:
+    void SetUp() override {
+        wchar_t temporary[MAX_PATH] = {};
+        ASSERT_NE(GetTempPathW(MAX_PATH, temporary), 0U);
+        folder_ = std::wstring(temporary) + L"kvx staging " + std::to_wstring(GetCurrentProcessId()) + L"\\";
+        CreateDirectoryW(folder_.c_str(), nullptr);
+        for (const wchar_t* name : kNames) DeleteFileW(Path(name).c_str());
+    }
+    void TearDown() override {
+        for (const wchar_t* name : kNames) DeleteFileW(Path(name).c_str());
+        RemoveDirectoryW(folder_.c_str());
+    }
+    std::wstring Path(const wchar_t* name) const { return folder_ + name; }
+    void Write(const wchar_t* name, std::string_view text) const { WriteAt(Path(name), text); }
+    static void WriteAt(const std::wstring& path, std::string_view text) {
+        const UniqueHandle file(
+            CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+        DWORD written = 0;
+        ASSERT_TRUE(file && WriteFile(file.Get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr));
+    }
+    // "(none)" for a file that is not there.
+    std::string Read(const wchar_t* name) const {
+        const UniqueHandle file(CreateFileW(Path(name).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                            FILE_ATTRIBUTE_NORMAL, nullptr));
+        char bytes[64] = {};
+        DWORD count = 0;
+        if (!file || !ReadFile(file.Get(), bytes, sizeof(bytes), &count, nullptr)) return "(none)";
+        return std::string(bytes, count);
+    }
+    StagedSource Stage(const wchar_t* source, CommandStyle style) const {
+        StagedSource staged;
+        DWORD error = 0;
+        EXPECT_TRUE(StageSource(Path(source).c_str(), Path(L"x.exe").c_str(), style, &staged, &error)) << error;
+        return staged;
+    }
+
+    static constexpr const wchar_t* kNames[] = {L"x.kxa", L"x.pb",  L"x.kvx1.pb",
+                                                L"x.kb",  L"x.bas", L"x.bas.kvx-aside1"};
+    std::wstring folder_;
+};
+
+TEST_F(Staging, TheCopyComesAndGoes) {
+    Write(L"x.kxa", "mine");
+    SetFileAttributesW(Path(L"x.kxa").c_str(), FILE_ATTRIBUTE_READONLY);
+    StagedSource staged = Stage(L"x.kxa", CommandStyle::Kvx);
+    SetFileAttributesW(Path(L"x.kxa").c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_EQ(staged.path, Path(L"x.pb"));
+    EXPECT_EQ(Read(L"x.pb"), "mine");
+    EXPECT_EQ(UnstageSource(&staged), L"");
+    EXPECT_EQ(Read(L"x.pb"), "(none)");
+    Write(L"x.pb", "later");
+    UnstageSource(&staged);
+    EXPECT_EQ(Read(L"x.pb"), "later") << "the second time there is nothing to delete";
+}
+
+TEST_F(Staging, AUsersFileOfThatNameIsLeftAlone) {
+    Write(L"x.kxa", "mine");
+    Write(L"x.pb", "the user's");
+    StagedSource staged = Stage(L"x.kxa", CommandStyle::Kvx);
+    EXPECT_EQ(staged.path, Path(L"x.kvx1.pb"));
+    EXPECT_EQ(Read(L"x.pb"), "the user's");
+    EXPECT_EQ(UnstageSource(&staged), L"");
+    EXPECT_EQ(Read(L"x.kvx1.pb"), "(none)");
+    EXPECT_EQ(Read(L"x.pb"), "the user's");
+}
+
+TEST_F(Staging, KeldorPutsTheUsersFileBack) {
+    Write(L"x.kb", "source");
+    Write(L"x.bas", "the user's");
+    StagedSource staged = Stage(L"x.kb", CommandStyle::Keldor);
+    EXPECT_EQ(Read(L"x.bas"), "source");
+    EXPECT_EQ(Read(L"x.bas.kvx-aside1"), "the user's");
+    EXPECT_EQ(UnstageSource(&staged), L"");
+    EXPECT_EQ(Read(L"x.bas"), "the user's");
+    EXPECT_EQ(Read(L"x.bas.kvx-aside1"), "(none)");
+}
+
+TEST_F(Staging, TheSourceItselfIsNeverTheCopy) {
+    Write(L"x.bas", "source");
+    StagedSource staged;
+    DWORD error = 0;
+    std::wstring otherSpelling = Path(L"X.BAS");
+    for (wchar_t& character : otherSpelling) character = character == L'\\' ? L'/' : character;
+    ASSERT_TRUE(StageSource(otherSpelling.c_str(), Path(L"x.exe").c_str(), CommandStyle::Keldor, &staged, &error));
+    EXPECT_FALSE(staged.copied);
+    UnstageSource(&staged);
+    EXPECT_EQ(Read(L"x.bas"), "source");
+}
+
+TEST_F(Staging, ACopyThatWasWrittenToIsKept) {
+    Write(L"x.kb", "source");
+    StagedSource staged = Stage(L"x.kb", CommandStyle::Keldor);
+    Write(L"x.bas", "saved by the user meanwhile");
+    EXPECT_NE(UnstageSource(&staged), L"");
+    EXPECT_EQ(Read(L"x.bas"), "saved by the user meanwhile");
+}
+
+}  // namespace
