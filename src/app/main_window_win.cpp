@@ -59,6 +59,10 @@ LRESULT OnErase(HWND window, HDC dc) {
     return 1;
 }
 
+LRESULT OnDrawItem(const DRAWITEMSTRUCT& item) {
+    return TabBarHandleDrawItem(item) || MainWnd_DrawStickyHeader(item) ? TRUE : FALSE;
+}
+
 }  // namespace
 
 LRESULT CALLBACK MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -76,7 +80,7 @@ LRESULT CALLBACK MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
         case WM_COMMAND: MainWnd_OnCommand(LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam)); return 0;
         case WM_NOTIFY: return MainWnd_OnNotify(*reinterpret_cast<const NMHDR*>(lParam));
         case WM_INITMENUPOPUP: MainWnd_OnInitMenuPopup(reinterpret_cast<HMENU>(wParam)); return 0;
-        case WM_DRAWITEM: return TabBarHandleDrawItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam)) ? TRUE : FALSE;
+        case WM_DRAWITEM: return OnDrawItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
         case WM_CTLCOLORSTATIC:
         case WM_CTLCOLOREDIT: return OnColour(reinterpret_cast<HDC>(wParam));
         case WM_ERASEBKGND: return OnErase(window, reinterpret_cast<HDC>(wParam));
@@ -115,7 +119,8 @@ HWND MainWindow_Init(HINSTANCE instance, int showCommand) {
     if (window == nullptr) return nullptr;
     DragAcceptFiles(window, TRUE);
     // A stored maximised state was applied during creation; a plain show would undo it.
-    ShowWindow(window, IsZoomed(window) && showCommand == SW_SHOWNORMAL ? SW_SHOWMAXIMIZED : showCommand);
+    const bool ordinary = showCommand == SW_SHOWNORMAL || showCommand == SW_SHOWDEFAULT;
+    ShowWindow(window, IsZoomed(window) && ordinary ? SW_SHOWMAXIMIZED : showCommand);
     return window;
 }
 
