@@ -277,6 +277,8 @@ void Editor::Foreground() const {
 }
 
 void Editor::Keys(std::initializer_list<int> keys) const {
+    // A dialog that has just gone leaves the keyboard nowhere for a moment.
+    EXPECT_TRUE(WaitFor([&] { return GetForegroundWindow() == main && Focus(); })) << "no window for the keys";
     INPUT input{};
     input.type = INPUT_KEYBOARD;
     for (int key : keys) {
@@ -296,6 +298,7 @@ void Editor::Drag(HWND window, POINT from, POINT to) const {
     ClientToScreen(window, &from);
     ClientToScreen(window, &to);
     MouseTo(from);
+    EXPECT_EQ(WindowFromPoint(from), window) << "something else lies there";
     Mouse(MOUSEEVENTF_LEFTDOWN);
     for (int step = 1; step <= kSteps; ++step)
         MouseTo({from.x + (to.x - from.x) * step / kSteps, from.y + (to.y - from.y) * step / kSteps});
@@ -327,6 +330,6 @@ std::string Editor::Describe() const {
         text += "\n";
     }
     const std::wstring log = Log();
-    text += "--- end of the log:\n" + Utf8(log.substr(log.size() > 1500 ? log.size() - 1500 : 0));
+    text += "--- end of the log:\n" + Utf8(log.substr(log.size() > 600 ? log.size() - 600 : 0));
     return text + "--- of " + Utf8(folder.path) + "\n";
 }

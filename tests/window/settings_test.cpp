@@ -239,6 +239,7 @@ TEST(SettingsFile, WindowGeometryIsReadFromTheSystemFolderAndWrittenBeside) {
         EXPECT_EQ(folder.Ini(L"Window", L"Max"), L"0");
     }
     WritePrivateProfileStringW(L"Window", L"Max", L"1", L"Editor.ini");
+    WritePrivateProfileStringW(nullptr, nullptr, nullptr, L"Editor.ini");
     ProgramFolder folder;
     {
         Editor editor(folder);

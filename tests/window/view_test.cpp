@@ -227,7 +227,7 @@ TEST(View, TabsByMouseAndKeyboard) {
     editor.Click(tabs, editor.TabCentre(1));
     EXPECT_TRUE(WaitFor([&] { return editor.ActiveTab() == 1 && editor.Text() == "b.bas"; }));
     EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); })) << "a click brings the focus to the editor";
-    editor.Drag(tabs, editor.TabCentre(0), editor.TabCentre(2));
+    editor.Drag(tabs, editor.TabCentre(0), {editor.TabCentre(2).x + 20, editor.TabCentre(2).y});
     EXPECT_TRUE(WaitFor([&] { return order() == L"bcad"; })) << Utf8(order());
     EXPECT_EQ(editor.Text(), "a.bas") << "the document goes with its tab";
     editor.Click(tabs, editor.TabCentre(1), MOUSEEVENTF_MIDDLEDOWN);
