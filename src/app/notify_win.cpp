@@ -36,6 +36,7 @@ void OnZoom(HWND editor) {
 void OnCaretOrSelection() {
     StatusBarUpdatePosition();
     UpdateStickyHeader(g_app.hEditor, g_app.hStickyHeader);
+    EditorPaneUpdateBraces(g_app.hEditor);
     NavHistoryMaybeAdd();
     MainWnd_RequestStateRefresh();
 }

@@ -44,6 +44,9 @@ void UpdateStickyHeader(HWND editor, HWND label);
 // That line's text, cut to fit; empty without one. Returns its length.
 std::size_t EditorPaneProcedureLine(HWND editor, wchar_t* out, std::size_t capacity);
 
+// Shows the bracket that belongs to the one at the caret; after every move of the caret.
+void EditorPaneUpdateBraces(HWND editor);
+
 // A notification of an editor that the pane itself answers (marks, recolouring, sticky-header cache). Called by the
 // main window for SCN_MODIFIED of every tab's editor.
 void EditorPaneOnModified(HWND editor, const SCNotification& change);

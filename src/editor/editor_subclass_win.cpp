@@ -76,6 +76,7 @@ bool IsUnwantedCharacter(WPARAM character) {
 
 LRESULT OnPaint(HWND pane, WPARAM wParam, LPARAM lParam) {
     const LRESULT resumeAt = EditorColourBeforePaint(pane);
+    EditorPaneMarkInlineRegions(pane);
     const LRESULT result = DefSubclassProc(pane, WM_PAINT, wParam, lParam);
     EditorColourAfterPaint(pane, resumeAt);
     return result;
@@ -88,13 +89,41 @@ LRESULT OnZoomWheel(HWND, WPARAM wParam) {
     return 0;
 }
 
+bool IsWordCharacter(WPARAM character) {
+    return character >= 0x80 || (character >= L'0' && character <= L'9') || (character >= L'A' && character <= L'Z') ||
+           (character >= L'a' && character <= L'z') || character == L'_';
+}
+
+LRESULT OnCharacter(HWND pane, WPARAM wParam, LPARAM lParam) {
+    if (IsUnwantedCharacter(wParam)) return 0;
+    const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
+    const LRESULT result = DefSubclassProc(pane, WM_CHAR, wParam, lParam);
+    const LRESULT after = SciSend(pane, SCI_GETCURRENTPOS);
+    if (!IsWordCharacter(wParam) && after == before + 1) EditorPaneUpperKeywordBefore(pane, before);
+    return result;
+}
+
+LRESULT OnReturnKey(HWND pane, WPARAM wParam, LPARAM lParam) {
+    const LRESULT lines = SciSend(pane, SCI_GETLINECOUNT);
+    const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
+    SciSend(pane, SCI_BEGINUNDOACTION);  // the break and the indentation are undone together
+    const LRESULT result = DefSubclassProc(pane, WM_KEYDOWN, wParam, lParam);
+    if (SciSend(pane, SCI_GETLINECOUNT) == lines + 1) {
+        EditorPaneUpperKeywordBefore(pane, before);
+        EditorPaneAfterNewLine(pane);
+    }
+    SciSend(pane, SCI_ENDUNDOACTION);
+    return result;
+}
+
 LRESULT OnDestroy(HWND pane, UINT message, WPARAM wParam, LPARAM lParam);
 
 LRESULT CALLBACK PaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
     switch (message) {
         case WM_PAINT: return OnPaint(pane, wParam, lParam);
-        case WM_CHAR:
-            if (IsUnwantedCharacter(wParam)) return 0;
+        case WM_CHAR: return OnCharacter(pane, wParam, lParam);
+        case WM_KEYDOWN:
+            if (wParam == VK_RETURN) return OnReturnKey(pane, wParam, lParam);
             break;
         case WM_SETCURSOR:
             LogMouse(pane, message, wParam, lParam);

@@ -9,6 +9,8 @@
 #include <cstddef>
 
 struct PaneState {
+    bool bracesShown = false;
+    bool inlineShown = false;     // some of the document is marked as inline assembly
     StickyCache sticky;           // what is known about procedure lines above the caret
     int marginDigits = 0;         // digits that the line-number margin has room for
     bool colouring = false;       // the idle timer runs
@@ -37,3 +39,10 @@ void EditorPaneUpdateLineMargin(HWND editor);
 
 // A change of text that begins on `line`: what the sticky header must look at again.
 void StickyHeaderForget(HWND editor, int line, int linesAdded);
+
+// A line was just broken at the caret: the new one starts below the text above.
+void EditorPaneAfterNewLine(HWND editor);
+// A BASIC keyword that ends at `position` goes to capitals, unless it stands in a string or a comment.
+void EditorPaneUpperKeywordBefore(HWND editor, LRESULT position);
+// Shows inline assembly in the visible text in its own colour.
+void EditorPaneMarkInlineRegions(HWND editor);

@@ -26,6 +26,8 @@ struct ThemeChrome {
 };
 const ThemeChrome& ThemeCurrentChrome();
 bool ThemeIsDark();
+// Of inline assembly in BASIC source.
+COLORREF ThemeAssemblyColour();
 
 // Lexer, keywords, colours, fonts and margins of one editor for a compiler's dialect, by the current theme, style
 // preset and font settings. The file name picks the lexer (BASIC, C, assembly, none); null or empty: BASIC.

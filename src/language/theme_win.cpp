@@ -8,6 +8,8 @@
 #include "language/theme_table.h"
 #include "scintilla/sci.h"
 
+#include <uxtheme.h>
+
 #include <algorithm>
 #include <cstring>
 #include <string>
@@ -172,6 +174,8 @@ const ThemeChrome& ThemeCurrentChrome() {
     return chrome;
 }
 
+COLORREF ThemeAssemblyColour() { return RoleColour(CurrentPalette(), TextRole::Assembly); }
+
 void SyntaxThemeApply(HWND editor, std::uint32_t compilerId, const wchar_t* path) {
     if (!editor) return;
     const Language language = LexerFromExtension(path ? path : L"");
@@ -185,6 +189,8 @@ void SyntaxThemeApply(HWND editor, std::uint32_t compilerId, const wchar_t* path
     if (lexed) ApplyTextStyles(editor, palette, LexerOf(language));
     ApplyFrameStyles(editor, palette);
     ApplyMargins(editor, palette, folding);
+    // The scroll bars; systems without a dark theme of that name keep their own.
+    SetWindowTheme(editor, ThemeIsDark() ? L"DarkMode_Explorer" : L"Explorer", nullptr);
 }
 
 void SyntaxThemeApplyDefault(HWND editor, std::uint32_t compilerId) {

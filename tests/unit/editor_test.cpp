@@ -1,4 +1,5 @@
-// Caret colour, navigation history, sticky header.
+// Caret colour, navigation history, sticky header, brackets.
+#include "editor/brace_match.h"
 #include "editor/nav_history.h"
 #include "editor/sticky_header.h"
 #include "language/caret_colour.h"
@@ -183,6 +184,32 @@ TEST(StickyHeader, TypingAndMovingInADocumentWithoutHeadersLooksAtFewLines) {
         CachedHeader(cache, lines, 5, 1000, &looked);  // and a look at the top
     }
     EXPECT_LE(looked, 200) << "one line a key";
+}
+
+TEST(BraceMatch, FindsThePartnerOfTheSameStyle) {
+    // The second row gives each byte's style.
+    const struct {
+        const char* name;
+        std::string text, styles;
+        std::size_t at;
+        std::ptrdiff_t partner;
+    } cases[] = {
+        {"forward", "f(a)", "....", 1, 3},
+        {"backward", "f(a)", "....", 3, 1},
+        {"nested", "((a)(b))", "........", 0, 7},
+        {"nested, from the end", "((a)(b))", "........", 7, 0},
+        {"a bracket in a string does not count", "(\")\")", ".sss.", 0, 4},
+        {"in a string its partner is there", "(\"()\")", ".ssss.", 2, 3},
+        {"other kinds do not count", "([)]", "....", 0, 2},
+        {"none", "(((", "...", 1, -1},
+        {"no bracket", "abc", "...", 1, -1},
+        {"beyond the end", "()", "..", 2, -1},
+    };
+    for (const auto& test : cases) {
+        std::vector<StyledByte> text;
+        for (std::size_t i = 0; i < test.text.size(); ++i) text.push_back({test.text[i], test.styles[i]});
+        EXPECT_EQ(MatchBrace(text, test.at), test.partner) << test.name;
+    }
 }
 
 }  // namespace

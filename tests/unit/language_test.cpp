@@ -1,5 +1,6 @@
-// Themes, lexer choice, the formatter.
+// Themes, lexer choice, inline assembly, the formatter.
 #include "language/format.h"
+#include "language/inline_regions.h"
 #include "language/lexer_table.h"
 #include "language/theme_table.h"
 
@@ -8,6 +9,7 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -90,6 +92,16 @@ TEST(Lexer, KeywordSetsAreCleanAndDistinct) {
     EXPECT_TRUE(IsBasicKeyword("PBMain"));
     EXPECT_FALSE(IsBasicKeyword("els"));
     EXPECT_FALSE(IsBasicKeyword(""));
+}
+
+TEST(InlineAssembly, IsFoundLineByLineAndInBlocks) {
+    const std::string text =
+        "x = 1\r\n  ! mov eax, 1\r\nasm push ebx\n\tASM ' from here\n  pop ebx\n\n end  asm\n"
+        "asmx = 2 ! 3\nAsm\nnop";
+    std::vector<std::string> found;
+    for (const TextRange& range : InlineAssemblyRanges(text)) found.push_back(text.substr(range.start, range.length));
+    EXPECT_EQ(found, (std::vector<std::string>{"! mov eax, 1", "push ebx", "pop ebx", "nop"}));
+    EXPECT_TRUE(InlineAssemblyRanges("").empty());
 }
 
 struct FormatCase {
