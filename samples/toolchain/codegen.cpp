@@ -25,12 +25,13 @@ void TrapsUpTo(Generator& g, int line) { TrapsBefore(g, line + 1); }
 
 // A statement's code starts here.
 void Mark(Generator& g, Pos pos) {
-    TrapsUpTo(g, pos.line);
+    TrapsBefore(g, pos.line);
     const uint32_t here = Offset(g.e);
     if (!g.records.empty() && g.records.back().offset == here)
         g.records.back().pos = pos;
     else
         g.records.push_back({here, pos});
+    TrapsUpTo(g, pos.line);
 }
 
 // ---- statements ------------------------------------------------------------------------------------------------

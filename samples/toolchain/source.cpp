@@ -37,8 +37,32 @@ constexpr std::array<Rule, static_cast<size_t>(Code::Count)> kRules = {{
 
 const Rule& RuleOf(Code code) { return kRules[static_cast<size_t>(code)]; }
 
-std::filesystem::path ToPath(const std::string& utf8) {
-    return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
+// Length of the UTF-8 sequence that starts here, 0 when it is none.
+size_t SequenceLength(std::string_view text) {
+    const auto lead = static_cast<uint8_t>(text[0]);
+    const size_t length = lead < 0x80 ? 1 : lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
+    if (length > text.size()) return 0;
+    for (size_t i = 1; i < length; ++i)
+        if ((static_cast<uint8_t>(text[i]) & 0xC0) != 0x80) return 0;
+    const auto second = static_cast<uint8_t>(length > 1 ? text[1] : 0);
+    const bool outside = (lead == 0xE0 && second < 0xA0) || (lead == 0xED && second > 0x9F) ||
+                         (lead == 0xF0 && second < 0x90) || (lead == 0xF4 && second > 0x8F);
+    return outside ? 0 : length;
+}
+
+// A name in an #INCLUDE may be any bytes, and std::filesystem throws at what is no UTF-8. With '?' in the place of such
+// bytes there simply is no such file.
+std::filesystem::path ToPath(std::string_view name) {
+    std::u8string utf8;
+    while (!name.empty()) {
+        const size_t length = SequenceLength(name);
+        if (length == 0)
+            utf8 += u8'?';
+        else
+            utf8.append(name.begin(), name.begin() + static_cast<std::ptrdiff_t>(length));
+        name.remove_prefix(std::max<size_t>(length, 1));
+    }
+    return {utf8};
 }
 
 bool IsSeparator(char c) { return c == '/' || c == '\\'; }
