@@ -84,6 +84,7 @@ void RememberSearch() {
     if (g_app.hFindDialog != nullptr) {
         FillHistory();  // empties the field too
         SetDlgItemTextW(g_app.hFindDialog, IDC_FIND_WHAT, g_find.what.c_str());
+        SendDlgItemMessageW(g_app.hFindDialog, IDC_FIND_WHAT, CB_SETEDITSEL, 0, MAKELPARAM(0, -1));
     }
 }
 

@@ -251,8 +251,13 @@ void ShowMenu(POINT at) {
 }
 
 void OnDestroy(HWND window) {
+    // A quit message is handed out whatever messages are asked for; it is for the message loop.
     MSG message;
     while (PeekMessageW(&message, window, MSG_TREE_ITEMS, MSG_TREE_ITEMS, PM_REMOVE) != FALSE) {
+        if (message.message == WM_QUIT) {
+            PostQuitMessage(static_cast<int>(message.wParam));
+            break;
+        }
         delete reinterpret_cast<TreeListing*>(message.wParam);
     }
     if (g_tree.icons != nullptr) {
