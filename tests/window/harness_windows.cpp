@@ -63,21 +63,23 @@ void Mouse(DWORD flags) {
     SendOne(input);
 }
 
-// Through the input queue, in order with the buttons: SetCursorPos would move the pointer at some later time.
+// Under Wine the X server echoes each move a moment later, older places after newer ones: the pointer has arrived only
+// when it stays where it was sent.
 void MouseTo(POINT screen) {
     INPUT input{};
     input.type = INPUT_MOUSE;
     input.mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
     input.mi.dx = (screen.x * 65536 + 32768) / GetSystemMetrics(SM_CXSCREEN);
     input.mi.dy = (screen.y * 65536 + 32768) / GetSystemMetrics(SM_CYSCREEN);
-    SendOne(input);
-    EXPECT_TRUE(WaitFor(
-        [&] {
+    EXPECT_TRUE(WaitFor([&] {
+        SendOne(input);
+        for (int i = 0; i < 4; ++i) {
+            Sleep(10);
             POINT now{};
-            return GetCursorPos(&now) && now.x == screen.x && now.y == screen.y;
-        },
-        2000))
-        << "the mouse does not go where it should";
+            if (!GetCursorPos(&now) || now.x != screen.x || now.y != screen.y) return false;
+        }
+        return true;
+    })) << "the mouse does not go where it should";
 }
 
 }  // namespace
@@ -293,7 +295,7 @@ void Editor::Keys(std::initializer_list<int> keys) const {
 }
 
 void Editor::Drag(HWND window, POINT from, POINT to) const {
-    constexpr int kSteps = 5;
+    constexpr int kSteps = 3;
     // Both ends in screen coordinates first: the window may move under the mouse.
     ClientToScreen(window, &from);
     ClientToScreen(window, &to);
@@ -302,8 +304,6 @@ void Editor::Drag(HWND window, POINT from, POINT to) const {
     Mouse(MOUSEEVENTF_LEFTDOWN);
     for (int step = 1; step <= kSteps; ++step)
         MouseTo({from.x + (to.x - from.x) * step / kSteps, from.y + (to.y - from.y) * step / kSteps});
-    Sleep(50);  // the X server echoes earlier places; the last word is ours
-    MouseTo(to);
     Mouse(MOUSEEVENTF_LEFTUP);
 }
 
