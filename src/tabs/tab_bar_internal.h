@@ -38,5 +38,8 @@ void TabBarPaintTab(HDC dc, int index, const TabRect& rect);
 // The two arrows of an overflowing strip.
 void TabBarPaintScroller(HDC dc, const RECT& client, bool pressedLeft, bool pressedRight);
 
+// The control's own arrows, made to fit the strip and its theme. Nothing while all tabs fit.
+void TabBarPlaceScroller(HWND tabControl);
+
 // Pointer, painting and tooltip of the strip.
 bool TabBarInstallSubclass(HWND tabControl);

@@ -16,11 +16,12 @@ TabRect Centred(const TabRect& tab, int left, int size) {
 
 TabMetrics TabMetricsForDpi(int dpi) {
     return {.height = Scale(32, dpi),
-            .minWidth = Scale(92, dpi),
+            .minWidth = Scale(112, dpi),
             .maxWidth = Scale(176, dpi),
             .padding = Scale(10, dpi),
             .closeSize = Scale(18, dpi),
             .markSize = Scale(8, dpi),
+            .scroller = Scale(44, dpi),
             .accent = std::max(Scale(2, dpi), 2),
             .dragStart = Scale(6, dpi)};
 }
@@ -38,12 +39,18 @@ TabRect TabMarkRect(const TabMetrics& metrics, const TabRect& tab) {
     return Centred(tab, tab.left + metrics.padding, metrics.markSize);
 }
 
-TabRect TabTextRect(const TabMetrics& metrics, const TabRect& tab, bool hasMark) {
+TabRect TabTextRect(const TabMetrics& metrics, const TabRect& tab, bool hasMark, bool hasButton) {
     TabRect text = tab;
     text.left += metrics.padding;
     if (hasMark) text.left += metrics.markSize + metrics.padding / 2;
-    text.right = std::max(text.left, TabCloseRect(metrics, tab).left - metrics.padding / 4);
+    const int right =
+        hasButton ? TabCloseRect(metrics, tab).left - metrics.padding / 4 : tab.right - metrics.padding / 2;
+    text.right = std::max(text.left, right);
     return text;
+}
+
+TabRect TabScrollerRect(const TabMetrics& metrics, int stripWidth) {
+    return {std::max(stripWidth - metrics.scroller, 0), 0, stripWidth, metrics.height - 1};
 }
 
 int TabHit(std::span<const TabRect> tabs, int x, int y) {

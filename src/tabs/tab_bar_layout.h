@@ -21,6 +21,7 @@ struct TabMetrics {
     int padding;    // between the tab's edges and what it holds
     int closeSize;  // the close button, a square
     int markSize;   // the build mark, a square
+    int scroller;   // width of the two arrows
     int accent;     // the active tab's edge
     int dragStart;  // the pointer moves this far before a press becomes a drag
 };
@@ -31,8 +32,10 @@ int TabWidthFor(const TabMetrics& metrics, int stripWidth, int count);
 
 TabRect TabCloseRect(const TabMetrics& metrics, const TabRect& tab);
 TabRect TabMarkRect(const TabMetrics& metrics, const TabRect& tab);
-// The label's place; narrower with a build mark before it.
-TabRect TabTextRect(const TabMetrics& metrics, const TabRect& tab, bool hasMark);
+// The label's place; narrower with a build mark before it and a button behind it.
+TabRect TabTextRect(const TabMetrics& metrics, const TabRect& tab, bool hasMark, bool hasButton);
+// The arrows at the right end of a strip that overflows.
+TabRect TabScrollerRect(const TabMetrics& metrics, int stripWidth);
 
 // Index of the tab at a point, or -1.
 int TabHit(std::span<const TabRect> tabs, int x, int y);

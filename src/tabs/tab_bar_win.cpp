@@ -111,6 +111,7 @@ void TabBarUpdateWidths() {
         lastHeight = metrics.height;
         SendMessageW(g_app.hTabCtrl, TCM_SETITEMSIZE, 0, MAKELPARAM(width, metrics.height));
     }
+    TabBarPlaceScroller(g_app.hTabCtrl);
     InvalidateRect(g_app.hTabCtrl, nullptr, FALSE);
 }
 

@@ -161,6 +161,7 @@ void OnWheel(WPARAM wParam) {
 }
 
 void OnPaint(HWND strip) {
+    TabBarPlaceScroller(strip);  // the control moves its arrows back whenever it lays out its tabs
     PAINTSTRUCT paint = {};
     HDC screen = BeginPaint(strip, &paint);
     if (!screen) return;
@@ -200,7 +201,12 @@ LRESULT CALLBACK ScrollerProc(HWND scroller, UINT message, WPARAM wParam, LPARAM
             HDC dc = BeginPaint(scroller, &paint);
             RECT client = {};
             GetClientRect(scroller, &client);
-            if (dc) TabBarPaintScroller(dc, client, false, false);
+            POINT at = {};
+            GetCursorPos(&at);
+            ScreenToClient(scroller, &at);
+            const bool pressed = GetCapture() == scroller && PtInRect(&client, at);
+            const bool left = at.x < (client.left + client.right) / 2;
+            if (dc) TabBarPaintScroller(dc, client, pressed && left, pressed && !left);
             EndPaint(scroller, &paint);
             return 0;
         }
@@ -208,13 +214,6 @@ LRESULT CALLBACK ScrollerProc(HWND scroller, UINT message, WPARAM wParam, LPARAM
         default: break;
     }
     return DefSubclassProc(scroller, message, wParam, lParam);
-}
-
-// The control makes its arrows when it first overflows.
-void OnParentNotify(WPARAM wParam, LPARAM lParam) {
-    if (LOWORD(wParam) == WM_CREATE) {
-        SetWindowSubclass(reinterpret_cast<HWND>(lParam), ScrollerProc, kSubclassId, 0);
-    }
 }
 
 void OnDoubleClick(POINT at) {
@@ -252,7 +251,6 @@ LRESULT CALLBACK StripProc(HWND strip, UINT message, WPARAM wParam, LPARAM lPara
         case WM_MOUSELEAVE: OnLeave(strip); break;
         case WM_MOUSEWHEEL: OnWheel(wParam); return 0;
         case WM_CAPTURECHANGED: EndDrag(); break;
-        case WM_PARENTNOTIFY: OnParentNotify(wParam, lParam); break;
         case WM_NOTIFY:
             if (OnTooltipText(*reinterpret_cast<NMHDR*>(lParam))) return 0;
             break;
@@ -284,6 +282,22 @@ void CreateTooltip(HWND strip) {
 }
 
 }  // namespace
+
+void TabBarPlaceScroller(HWND tabControl) {
+    HWND scroller = FindWindowExW(tabControl, nullptr, UPDOWN_CLASSW, nullptr);
+    if (!scroller) return;
+    SetWindowSubclass(scroller, ScrollerProc, kSubclassId, 0);  // again does no harm
+    RECT client = {};
+    GetClientRect(tabControl, &client);
+    const TabRect place = TabScrollerRect(TabBarMetrics(), static_cast<int>(client.right));
+    RECT now = {};
+    GetWindowRect(scroller, &now);
+    MapWindowPoints(nullptr, tabControl, reinterpret_cast<POINT*>(&now), 2);
+    const RECT wanted = {place.left, place.top, place.right, place.bottom};
+    if (EqualRect(&now, &wanted)) return;
+    SetWindowPos(scroller, nullptr, place.left, place.top, place.Width(), place.Height(),
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+}
 
 bool TabBarInstallSubclass(HWND tabControl) {
     if (!SetWindowSubclass(tabControl, StripProc, kSubclassId, 0)) return false;

@@ -54,6 +54,10 @@ TabRect Shrunk(const TabRect& box, int size) {
     return {left, top, left + size, top + size};
 }
 
+bool HasButton(const DocumentTab& tab, int index) {
+    return tab.modified || index == g_app.activeTab || (index == g_tabBar.hoverTab && !g_tabBar.dragging);
+}
+
 // The close button, or the modified dot in its place while the pointer is elsewhere.
 void PaintButton(HDC dc, const DocumentTab& tab, int index, const TabRect& rect, COLORREF textColour) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
@@ -65,7 +69,7 @@ void PaintButton(HDC dc, const DocumentTab& tab, int index, const TabRect& rect,
         Dot(dc, Shrunk(box, metrics.markSize), chrome.modified);
         return;
     }
-    if (!hovered && index != g_app.activeTab) return;
+    if (!HasButton(tab, index)) return;
     if (over) Fill(dc, ToRect(box), chrome.line);
     Cross(dc, box, over ? chrome.tabActiveText : textColour);
 }
@@ -96,7 +100,7 @@ void TabBarPaintTab(HDC dc, int index, const TabRect& rect) {
         Dot(dc, TabMarkRect(metrics, rect), tab.buildMark == BuildMark::Error ? chrome.error : chrome.success);
     }
     const COLORREF textColour = active ? chrome.tabActiveText : chrome.tabText;
-    RECT text = ToRect(TabTextRect(metrics, rect, hasMark));
+    RECT text = ToRect(TabTextRect(metrics, rect, hasMark, HasButton(tab, index)));
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, textColour);
     DrawTextW(dc, tab.label, static_cast<int>(std::wcslen(tab.label)), &text,

@@ -23,14 +23,15 @@ TEST(TabLayout, PartsStayInsideTheTabAndApart) {
             EXPECT_LE(width, metrics.maxWidth) << dpi;
             const TabRect tab = {100, 0, 100 + width, metrics.height};
             const TabRect close = TabCloseRect(metrics, tab);
-            const TabRect text = TabTextRect(metrics, tab, true);
+            const TabRect text = TabTextRect(metrics, tab, true, true);
             const TabRect mark = TabMarkRect(metrics, tab);
             EXPECT_TRUE(tab.left < mark.left && mark.right <= text.left && text.right <= close.left &&
                         close.right <= tab.right)
                 << dpi << ' ' << count;
             EXPECT_TRUE(close.top >= tab.top && close.bottom <= tab.bottom) << dpi;
             EXPECT_GT(text.Width(), width / 3) << dpi << ": a name to read";
-            EXPECT_GT(TabTextRect(metrics, tab, false).Width(), text.Width()) << dpi;
+            EXPECT_GT(TabTextRect(metrics, tab, false, true).Width(), text.Width()) << dpi << ": no mark";
+            EXPECT_GT(TabTextRect(metrics, tab, true, false).Width(), text.Width()) << dpi << ": no button";
         }
     }
     const TabMetrics metrics = TabMetricsForDpi(96);
