@@ -90,11 +90,6 @@ LRESULT CALLBACK MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
         case WM_QUERYENDSESSION: return MainWnd_OnQueryEndSession() ? TRUE : FALSE;
         case WM_ENDSESSION: MainWnd_OnEndSession(wParam != 0); return 0;
         case WM_DESTROY: MainWnd_OnDestroy(window); return 0;
-        case WM_NCDESTROY:
-            // Again: the children die between the two messages, and what their OLE apartments drain from the queue as
-            // they go takes the quit message with it (seen under Wine 8).
-            PostQuitMessage(0);
-            return DefWindowProcW(window, message, wParam, lParam);
         default: return RouteOwnMessage(message, wParam, lParam) ? 0 : DefWindowProcW(window, message, wParam, lParam);
     }
 }
