@@ -210,6 +210,11 @@ TEST(Files, BackupsAndSaveAll) {
     editor.Type("1");
     editor.Do(IDM_FILE_SAVE);
     EXPECT_EQ(folder.Read(L"a.bas.bak"), "1a\r\n") << "the copy follows";
+    editor.Type("1");
+    editor.Send(editor.main, WM_TIMER, TIMER_AUTO_SAVE);
+    EXPECT_EQ(folder.Read(L"a.bas"), "111a\r\n") << "the auto-save timer saves what has a file";
+    editor.Send(editor.main, WM_TIMER, TIMER_SESSION);
+    EXPECT_NE(folder.Read(L"Editor.ini_autosave.kvxsess").find("a.bas"), std::string::npos);
     DeleteFileW(folder.File(L"b.bas").c_str());
     DeleteFileW(folder.File(L"b.bas.bak").c_str());
     editor.Do(IDM_NEXT_TAB);
@@ -240,6 +245,33 @@ TEST(Files, RecentListKeepsTenNewestFirst) {
     EXPECT_EQ(folder.Ini(L"MRU", L"File0"), folder.File(L"f10.bas"));
     EXPECT_EQ(folder.Ini(L"MRU", L"File1"), folder.File(L"f12.bas"));
     EXPECT_EQ(folder.Ini(L"MRU", L"File3"), folder.File(L"f9.bas"));
+}
+
+TEST(Files, LongPathsWorkOrAreRefusedInWords) {
+    ProgramFolder folder;
+    std::wstring deep = folder.path.substr(0, folder.path.size() - 1);
+    while (deep.size() < 400) {
+        deep += L"\\a folder with a name of forty characters___";
+        ASSERT_TRUE(CreateDirectoryW((L"\\\\?\\" + deep).c_str(), nullptr)) << GetLastError();
+    }
+    const std::wstring file = deep + L"\\deep.bas", plain = L"\\\\?\\" + file;
+    WriteBytes(plain, "old\n");
+    const std::wstring endless = folder.path + std::wstring(1100, L'x') + L".bas";
+    Editor editor(folder, Open(file) + Open(endless), Until::Started);
+    const Dialog refusal = editor.AwaitDialog(kProgramTitle);
+    EXPECT_TRUE(refusal.text.starts_with(L"Failed to open file: ")) << Utf8(refusal.text);
+    editor.Press(refusal, IDOK);
+    ASSERT_TRUE(editor.AwaitReady());
+    ASSERT_EQ(editor.Tabs(), 1);
+    EXPECT_EQ(editor.Text(), "old\n");
+    editor.Type("new ");
+    editor.Do(IDM_FILE_SAVE);
+    EXPECT_EQ(ReadBytes(plain), "new old\n");
+    EXPECT_EQ(editor.Close(), 0u);
+    // Nothing but the system's own long form reaches these folders.
+    DeleteFileW(plain.c_str());
+    for (; deep.size() > folder.path.size(); deep.resize(deep.rfind(L'\\')))
+        RemoveDirectoryW((L"\\\\?\\" + deep).c_str());
 }
 
 // Each way of failing: the message, the tab still modified, the old file whole, the new text in a recovery copy.
