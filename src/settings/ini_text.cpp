@@ -1,7 +1,7 @@
 // Pure; see the header.
 #include "settings/ini_text.h"
 
-#include "settings/settings_schema.h"
+#include "settings/ini_value.h"
 
 #include <algorithm>
 

@@ -1,5 +1,7 @@
-// Values that survive the system's INI functions. Pure; any thread.
-#include "settings/settings_schema.h"
+// Values that survive the system's INI functions, and the lines those hand out. Pure; any thread.
+#include "settings/ini_value.h"
+
+#include "files/path.h"
 
 namespace {
 
@@ -71,6 +73,16 @@ std::wstring Unescape(std::wstring_view text) {
     return value;
 }
 
+std::wstring_view Trim(std::wstring_view text) {
+    while (!text.empty() && (text.front() == L' ' || text.front() == L'\t')) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && (text.back() == L' ' || text.back() == L'\t')) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
 }  // namespace
 
 std::wstring EncodeIniValue(std::wstring_view value) {
@@ -88,4 +100,36 @@ std::wstring EncodeIniValue(std::wstring_view value) {
 
 std::wstring DecodeIniValue(std::wstring_view stored) {
     return stored.starts_with(kEscaped) ? Unescape(stored.substr(kEscaped.size())) : std::wstring{stored};
+}
+
+IniLine FindIniLine(std::wstring_view lines, std::wstring_view key) {
+    while (!lines.empty()) {
+        const std::wstring_view line = lines.substr(0, lines.find(L'\0'));
+        lines.remove_prefix(line.size() < lines.size() ? line.size() + 1 : line.size());
+        const std::size_t equals = line.find(L'=');
+        if (equals == std::wstring_view::npos || !PathEqualsIgnoreCase(Trim(line.substr(0, equals)), key)) {
+            continue;
+        }
+        const std::wstring_view value = Trim(line.substr(equals + 1));
+        const bool quoted = !value.empty() && (IsQuote(value.front()) || IsQuote(value.back()));
+        return {.kind = quoted ? IniLineKind::Quoted : IniLineKind::Plain, .value = value};
+    }
+    return {};
+}
+
+bool ParsePlainNumber(std::wstring_view text, int* number) {
+    const bool negative = text.starts_with(L'-');
+    const std::wstring_view digits = text.substr(negative ? 1 : 0);
+    if (digits.empty() || digits.size() > 9 || (digits.size() > 1 && digits.front() == L'0')) {
+        return false;  // a leading zero may mean another base
+    }
+    int value = 0;
+    for (const wchar_t c : digits) {
+        if (c < L'0' || c > L'9') {
+            return false;
+        }
+        value = value * 10 + (c - L'0');
+    }
+    *number = negative ? -value : value;
+    return true;
 }

@@ -93,12 +93,3 @@ void UpdateAssistantEnabled(Settings& settings);
 // Paths against a folder given with its trailing backslash. `in` and `out` may be the same buffer.
 void ResolveAgainstFolder(const wchar_t* folder, const wchar_t* in, wchar_t* out, std::size_t capacity);
 void MakeFolderRelative(const wchar_t* folder, const wchar_t* in, wchar_t* out, std::size_t capacity);
-
-// A value as it is written behind the "=", such that the system's INI functions, which drop blanks and quotes around a
-// value and end it at a line break, give it back unchanged. Values without any of these are written as they are; blanks
-// or a pair of quotes at the ends cost a pair of quotes around; line breaks and control characters turn the whole value
-// into an escaped one, told by its prefix "[ESC]" (\\, \r, \n, \xHH).
-std::wstring EncodeIniValue(std::wstring_view value);
-std::wstring DecodeIniValue(std::wstring_view stored);
-// Characters that the stored form of a text of `capacity` characters can take, terminator included.
-constexpr std::size_t IniValueCapacity(std::size_t capacity) { return 4 * capacity + 8; }

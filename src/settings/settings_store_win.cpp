@@ -8,7 +8,9 @@
 #include "files/handles.h"
 #include "files/path.h"
 #include "files/wide_format.h"
+#include "settings/ini_reader.h"
 #include "settings/ini_text.h"
+#include "settings/ini_value.h"
 #include "settings/secrets.h"
 #include "settings/settings_schema.h"
 
@@ -17,7 +19,6 @@
 
 namespace {
 
-constexpr std::size_t kLongestText = 2048;  // of all rows of the table
 constexpr std::size_t kSealedCapacity = 512;
 constexpr wchar_t kVersion[] = L"2";
 
@@ -36,17 +37,9 @@ bool KeyExists(const wchar_t* iniPath, const wchar_t* section, const wchar_t* ke
 
 // ------------------------------------------------------------------------------------------------------------ load
 
-std::wstring ReadStored(const wchar_t* iniPath, const wchar_t* section, const wchar_t* key,
-                        const wchar_t* defaultText) {
-    std::wstring stored(IniValueCapacity(kLongestText), L'\0');
-    stored.resize(
-        GetPrivateProfileStringW(section, key, defaultText, stored.data(), static_cast<DWORD>(stored.size()), iniPath));
-    return stored;
-}
-
-void ReadSecret(const wchar_t* iniPath, const SettingRow& row, Settings& settings) {
+void ReadSecret(IniReader& ini, const SettingRow& row, Settings& settings) {
     wchar_t* const field = SettingText(settings, row);
-    const std::wstring stored = DecodeIniValue(ReadStored(iniPath, row.section, row.key, row.text));
+    const std::wstring stored = DecodeIniValue(ini.Text(row.section, row.key, row.text));
     for (ForeignKey& foreign : g_foreignKeys) {
         if (foreign.row == &row) {
             foreign = {};
@@ -65,44 +58,45 @@ void ReadSecret(const wchar_t* iniPath, const SettingRow& row, Settings& setting
     }
 }
 
-void ReadRow(const wchar_t* iniPath, const SettingRow& row, Settings& settings) {
+void ReadText(IniReader& ini, const SettingRow& row, const wchar_t* key, wchar_t* out) {
+    SafeCopyW(out, row.capacity, DecodeIniValue(ini.Text(row.section, key, row.text)));
+}
+
+void ReadRow(IniReader& ini, const SettingRow& row, Settings& settings) {
     if ((row.flags & kSettingSaveOnly) != 0) {
         return;
     }
     switch (row.type) {
         case SettingType::Text:
             if ((row.flags & kSettingSecret) != 0) {
-                ReadSecret(iniPath, row, settings);
+                ReadSecret(ini, row, settings);
             } else {
-                ReadIniText(iniPath, row.section, row.key, row.text, SettingText(settings, row), row.capacity);
+                ReadText(ini, row, row.key, SettingText(settings, row));
             }
             break;
         case SettingType::Bool:
-            SettingNumber(settings, row.offset) =
-                GetPrivateProfileIntW(row.section, row.key, row.number, iniPath) != 0 ? 1 : 0;
+            SettingNumber(settings, row.offset) = ini.Number(row.section, row.key, row.number) != 0 ? 1 : 0;
             break;
         case SettingType::Int: {
-            const auto value =
-                static_cast<std::int32_t>(GetPrivateProfileIntW(row.section, row.key, row.number, iniPath));
+            const auto value = static_cast<std::int32_t>(ini.Number(row.section, row.key, row.number));
             SettingNumber(settings, row.offset) =
                 (row.flags & kSettingLateClamp) != 0 ? value : ApplyLimits(row.limits, value);
             break;
         }
         case SettingType::List:
             for (int i = 0; i < SettingNumber(settings, row.countOffset) && i < row.rows; ++i) {
-                ReadIniText(iniPath, row.section, FormatW(row.key, i).c_str(), L"", SettingText(settings, row, i),
-                            row.capacity);
+                ReadText(ini, row, FormatW(row.key, i).c_str(), SettingText(settings, row, i));
             }
             break;
     }
 }
 
-void ReadGroup(const wchar_t* iniPath, SettingGroup group, Settings& settings) {
+void ReadGroup(IniReader& ini, SettingGroup group, Settings& settings) {
     for (const SettingRow& row : SettingRows()) {
         if (row.group != group) {
             continue;
         }
-        ReadRow(iniPath, row, settings);
+        ReadRow(ini, row, settings);
         // Both services are known before their keys are read.
         if (row.offset == offsetof(Settings, lmStudioEnabled)) {
             UpdateAssistantEnabled(settings);
@@ -262,7 +256,7 @@ void MakeExeRelativePath(const wchar_t* in, wchar_t* out, std::size_t capacity) 
 
 void ReadIniText(const wchar_t* iniPath, const wchar_t* section, const wchar_t* key, const wchar_t* defaultText,
                  wchar_t* out, std::size_t capacity) {
-    SafeCopyW(out, capacity, DecodeIniValue(ReadStored(iniPath, section, key, defaultText)));
+    SafeCopyW(out, capacity, DecodeIniValue(IniReader{iniPath}.Text(section, key, defaultText)));
 }
 
 bool WriteIniText(const wchar_t* iniPath, const wchar_t* section, const wchar_t* key, const wchar_t* text) {
@@ -275,12 +269,13 @@ void SettingsLoad(const wchar_t* overridePath) {
     GetIniPath(overridePath, ini, kPathCapacity);
     AppLogMsg(L"SettingsLoad: INI = %s", ini);
     FinishInterruptedSave(ini);
+    IniReader reader{ini};
 
-    ReadGroup(ini, SettingGroup::Compilers, settings);
+    ReadGroup(reader, SettingGroup::Compilers, settings);
     for (CompilerSettings& compiler : settings.compilers) {
         ResolveExeRelative(compiler.path, compiler.path, kPathCapacity);
     }
-    ReadGroup(ini, SettingGroup::Preferences, settings);
+    ReadGroup(reader, SettingGroup::Preferences, settings);
     FillEmptyDescriptions(settings);
     // [Meta] "Version" tells nothing that the load would need: every key has a default.
     for (CompilerSettings& compiler : settings.compilers) {
@@ -289,9 +284,9 @@ void SettingsLoad(const wchar_t* overridePath) {
         }
     }
     CheckAssistantKeys(settings);
-    ReadGroup(ini, SettingGroup::Assistant, settings);
-    ReadGroup(ini, SettingGroup::Recent, settings);
-    ReadGroup(ini, SettingGroup::Window, settings);
+    ReadGroup(reader, SettingGroup::Assistant, settings);
+    ReadGroup(reader, SettingGroup::Recent, settings);
+    ReadGroup(reader, SettingGroup::Window, settings);
     SessionMRULoad(overridePath);
     ApplyLateLimits(settings);
 }

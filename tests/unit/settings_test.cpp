@@ -1,5 +1,6 @@
 // Limits, defaults, stored values and paths of the settings.
 #include "settings/ini_text.h"
+#include "settings/ini_value.h"
 #include "settings/settings_schema.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +11,8 @@
 #include <string_view>
 
 namespace {
+
+using namespace std::string_view_literals;
 
 const SettingRow& Row(std::wstring_view section, std::wstring_view key) {
     for (const SettingRow& row : SettingRows()) {
@@ -144,6 +147,34 @@ TEST(Settings, StoredValuesComeBackUnchanged) {
     }
     // Written by hand: what is no escape sequence stands for itself.
     EXPECT_EQ(DecodeIniValue(L"[ESC]a\\q\\x1\\xZZ\\"), L"a\\q\\x1\\xZZ\\");
+}
+
+TEST(Settings, LinesOfASection) {
+    constexpr std::wstring_view kLines =
+        L"; FontSize=1\0FontSize=2\0fontsize=3\0 Wide =  a = b \t\0Font=\"x\"\0Half=y'\0Empty=\0Word\0\u00C9t\u00E9=4\0Last=-5"sv;
+    struct Case {
+        const wchar_t* key;
+        IniLineKind kind;
+        const wchar_t* value;
+    };
+    constexpr Case kCases[] = {
+        {L"FONTSIZE", IniLineKind::Plain, L"2"},      {L"Wide", IniLineKind::Plain, L"a = b"},
+        {L"Font", IniLineKind::Quoted, L"\"x\""},     {L"Half", IniLineKind::Quoted, L"y'"},
+        {L"Empty", IniLineKind::Plain, L""},          {L"Word", IniLineKind::Missing, L""},
+        {L"\u00E9T\u00C9", IniLineKind::Plain, L"4"}, {L"Last", IniLineKind::Plain, L"-5"},
+        {L"None", IniLineKind::Missing, L""},
+    };
+    for (const Case& test : kCases) {
+        const IniLine line = FindIniLine(kLines, test.key);
+        EXPECT_EQ(line.kind, test.kind) << test.key;
+        EXPECT_EQ(line.value, test.value) << test.key;
+    }
+    int number = 0;
+    EXPECT_TRUE(ParsePlainNumber(L"-999999999", &number) && number == -999999999);
+    EXPECT_TRUE(ParsePlainNumber(L"0", &number) && number == 0);
+    for (const wchar_t* text : {L"", L"-", L"010", L"0x10", L"1 2", L"+1", L"4294967295"}) {
+        EXPECT_FALSE(ParsePlainNumber(text, &number)) << text;
+    }
 }
 
 TEST(Settings, FileTextKeepsSectionsTogether) {
