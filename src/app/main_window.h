@@ -31,6 +31,8 @@ void CaptureSplitterRatio();
 // splitter_win.cpp
 HWND CreateSplitter(HWND parent, int id);
 LRESULT CALLBACK SplitterProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+// sticky_label_win.cpp
+bool MainWnd_DrawStickyHeader(const DRAWITEMSTRUCT& item);
 // notify_win.cpp
 LRESULT MainWnd_OnNotify(const NMHDR& header);
 void MainWnd_OnDropFiles(HDROP drop);

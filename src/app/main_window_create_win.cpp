@@ -58,8 +58,7 @@ void CreatePanes(HWND window) {
     g_app.hAiChat = CreateReadOnlyPane(IDC_AI_CHAT, kAiGreeting);
     g_app.hAiInput = CreateChild(WC_EDITW, nullptr, WS_EX_CLIENTEDGE, WS_TABSTOP | ES_AUTOHSCROLL, IDC_AI_INPUT);
     g_app.hAiSend = CreateChild(WC_BUTTONW, L"Send", 0, WS_TABSTOP | BS_PUSHBUTTON | WS_DISABLED, IDC_AI_SEND);
-    g_app.hStickyHeader = CreateChild(WC_STATICW, nullptr, 0,
-                                      WS_VISIBLE | SS_LEFTNOWORDWRAP | SS_NOPREFIX | SS_CENTERIMAGE, IDC_STICKY_HEADER);
+    g_app.hStickyHeader = CreateChild(WC_STATICW, nullptr, 0, WS_VISIBLE | SS_OWNERDRAW, IDC_STICKY_HEADER);
     g_app.hTerminal = CreateChild(WC_EDITW, nullptr, WS_EX_CLIENTEDGE, ES_AUTOHSCROLL, IDC_TERMINAL);
     if (g_app.hTerminal != nullptr) {
         SetWindowSubclass(g_app.hTerminal, TerminalSubclassProc, 1, 0);
@@ -125,9 +124,9 @@ void MainWnd_ApplyTheme() {
     PaneApplyFontAndTheme(g_app.hAsmPane);
     PaneApplyFontAndTheme(g_app.hAiChat);
     ProjectTreeApplyTheme();
-    for (HWND child : {g_app.hStickyHeader, g_app.hAiInput, g_app.hAiSend})
+    for (HWND child : {g_app.hAiInput, g_app.hAiSend})
         SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), TRUE);
-    InvalidateRect(g_app.hMainWnd, nullptr, TRUE);
+    RedrawWindow(g_app.hMainWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
 bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create) {

@@ -132,9 +132,7 @@ void MainWnd_OnClose(HWND window) {
     DestroyWindow(window);
 }
 
-bool MainWnd_OnQueryEndSession() {
-    return g_selftestTabsMode || ConfirmUnsavedDocuments();
-}
+bool MainWnd_OnQueryEndSession() { return g_selftestTabsMode || ConfirmUnsavedDocuments(); }
 
 // The process may be gone once this returns, and the system waits five seconds at most.
 void MainWnd_OnEndSession(bool ending) {
