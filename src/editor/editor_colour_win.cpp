@@ -1,6 +1,6 @@
-// When a document gets its colours. Scintilla colours from the top down to what it paints, which after a jump to the
-// end of a large document means all of it. So the visible part is coloured by itself just before a paint, and the
-// rest in short slices while nothing else happens. UI thread.
+// When a document gets its colours. Left alone, Scintilla colours from the top down to what it shows, which after a jump
+// to the end of a 100 MB document takes seconds. So it is told that everything is coloured, and the pane keeps the true
+// mark: the visible part is coloured just before a paint, the rest in short slices while nothing else happens. UI thread.
 #include "editor/pane_state.h"
 
 #include "scintilla/sci.h"
@@ -44,20 +44,21 @@ double Seconds() {
     return static_cast<double>(now.QuadPart) / static_cast<double>(frequency.QuadPart);
 }
 
-// Colours [from, to) without the repaint of the whole window that SCI_COLOURISE asks for. One pixel is painted all the
-// same: until a paint comes, Scintilla believes that the whole window is about to be painted and asks for nothing more,
-// so that with no paint at all the caret would move unseen.
-void ColouriseUnseen(HWND editor, LRESULT from, LRESULT to) {
-    SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(from), to);
-    ValidateRect(editor, nullptr);
-    const RECT pixel = {0, 0, 1, 1};
-    RedrawWindow(editor, &pixel, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_NOERASE);
+void ClaimColoured(HWND editor) {
+    SciSend(editor, SCI_STARTSTYLING, static_cast<WPARAM>(SciSend(editor, SCI_GETLENGTH)), 0);
+}
+
+// A new lexer, other keywords, another property: Scintilla then wants it all coloured again.
+void NoticeReset(HWND editor, PaneState& state, LRESULT length) {
+    const LRESULT styled = SciSend(editor, SCI_GETENDSTYLED);
+    if (styled < length) state.coloured = std::min(state.coloured, styled);
 }
 
 // One slice. True when some of the document is still uncoloured.
 bool ColourSlice(HWND editor, PaneState& state) {
-    const LRESULT length = SciSend(editor, SCI_GETLENGTH, 0, 0);
-    const LRESULT from = SciSend(editor, SCI_GETENDSTYLED, 0, 0);
+    const LRESULT length = SciSend(editor, SCI_GETLENGTH);
+    NoticeReset(editor, state, length);
+    const LRESULT from = state.coloured;
     if (from >= length) return false;
     // A paint that waits colours what it shows, and must not be lost to the validation below.
     if (GetUpdateRect(editor, nullptr, FALSE)) return true;
@@ -69,11 +70,11 @@ bool ColourSlice(HWND editor, PaneState& state) {
 
     const double began = Seconds();
     const VisibleRange visible = VisibleText(editor);
-    if (from < visible.end && to > visible.start) {
-        SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(from), to);
-    } else {
-        ColouriseUnseen(editor, from, to);
-    }
+    SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(from), to);
+    // SCI_COLOURISE asks for a repaint of everything, even of what cannot be seen.
+    if (from >= visible.end || to <= visible.start) ValidateRect(editor, nullptr);
+    ClaimColoured(editor);
+    state.coloured = to;
     const double took = Seconds() - began;
     const double scale = took > 0 ? std::clamp(kSliceSeconds / took, 0.5, 2.0) : 2.0;
     state.colourChunk = std::clamp(static_cast<std::size_t>(static_cast<double>(state.colourChunk) * scale),
@@ -91,31 +92,48 @@ void CALLBACK OnTimer(HWND editor, UINT, UINT_PTR timer, DWORD) {
     }
 }
 
+void StartTimer(HWND editor, PaneState& state) {
+    if (state.colourChunk == 0) state.colourChunk = kFirstChunk;
+    state.colouring = SetTimer(editor, kTimer, kQuietMs, OnTimer) != 0;
+}
+
 }  // namespace
 
-void EditorColourRestart(HWND editor) {
+void EditorColourRestart(HWND editor, LRESULT position) {
     PaneState* state = PaneStateOf(editor);
     if (!state || !HasLexer(editor)) return;
-    if (state->colourChunk == 0) state->colourChunk = kFirstChunk;
-    state->colouring = SetTimer(editor, kTimer, kQuietMs, OnTimer) != 0;
+    const LRESULT line = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(position), 0);
+    const LRESULT start = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line), 0);
+    state->coloured = std::min(state->coloured, start);
+    ClaimColoured(editor);
+    StartTimer(editor, *state);
 }
 
 void EditorColourStop(HWND editor) { KillTimer(editor, kTimer); }
 
-LRESULT EditorColourBeforePaint(HWND editor) {
-    const LRESULT styled = SciSend(editor, SCI_GETENDSTYLED, 0, 0);
-    if (styled >= SciSend(editor, SCI_GETLENGTH, 0, 0) || !HasLexer(editor)) return -1;
-    // A new lexer or theme leaves text uncoloured without a change of text.
-    const PaneState* state = PaneStateOf(editor);
-    if (state && !state->colouring) EditorColourRestart(editor);
+bool EditorColourBeforePaint(HWND editor) {
+    PaneState* state = PaneStateOf(editor);
+    if (!state || !HasLexer(editor)) return false;
+    const LRESULT length = SciSend(editor, SCI_GETLENGTH);
+    NoticeReset(editor, *state, length);
+    if (state->coloured >= length) return false;
+    if (!state->colouring) StartTimer(editor, *state);
+
     const VisibleRange visible = VisibleText(editor);
-    if (visible.start - styled <= kNearEnough) return -1;
-    // The paint region outlives this: SCI_COLOURISE only adds to it.
+    if (state->coloured >= visible.end) return false;
+    if (visible.start - state->coloured <= kNearEnough) {
+        // The paint itself colours from the mark on, and repaints no more than what changed.
+        SciSend(editor, SCI_STARTSTYLING, static_cast<WPARAM>(state->coloured), 0);
+        return true;
+    }
     SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(visible.start), visible.end);
-    return styled;
+    ClaimColoured(editor);
+    return false;
 }
 
-void EditorColourAfterPaint(HWND editor, LRESULT resumeAt) {
-    // Scintilla now believes that everything above the view is coloured; tell it where that is true.
-    if (resumeAt >= 0) SciSend(editor, SCI_STARTSTYLING, static_cast<WPARAM>(resumeAt), 0);
+void EditorColourAfterPaint(HWND editor) {
+    PaneState* state = PaneStateOf(editor);
+    if (!state) return;
+    state->coloured = std::max(state->coloured, SciSend(editor, SCI_GETENDSTYLED));
+    ClaimColoured(editor);
 }

@@ -85,6 +85,7 @@ HWND EditorPaneCreate(HINSTANCE instance, HWND parent, int controlId) {
 void EditorPaneInit(HWND editor, std::uint32_t compilerId) {
     if (!editor) return;
     SyntaxThemeApplyDefault(editor, compilerId);
+    EditorColourRestart(editor, 0);
     EditorPaneEnsureCaretVisible(editor);
 }
 
@@ -190,8 +191,7 @@ void EditorPaneOnModified(HWND editor, const SCNotification& change) {
         MarkModifiedLine(editor, line);
     }
     StickyHeaderForget(editor, line, static_cast<int>(change.linesAdded));
-    // Scintilla itself takes back the colours behind the change; the visible ones come with the next paint.
-    EditorColourRestart(editor);
+    EditorColourRestart(editor, change.position);
     if (change.linesAdded == 0) return;
     const PaneState* state = PaneStateOf(editor);
     if (state && DigitsOf(SciSend(editor, SCI_GETLINECOUNT, 0, 0)) != state->marginDigits) {

@@ -75,10 +75,10 @@ bool IsUnwantedCharacter(WPARAM character) {
 }
 
 LRESULT OnPaint(HWND pane, WPARAM wParam, LPARAM lParam) {
-    const LRESULT resumeAt = EditorColourBeforePaint(pane);
+    const bool colours = EditorColourBeforePaint(pane);
     EditorPaneMarkInlineRegions(pane);
     const LRESULT result = DefSubclassProc(pane, WM_PAINT, wParam, lParam);
-    EditorColourAfterPaint(pane, resumeAt);
+    if (colours) EditorColourAfterPaint(pane);
     return result;
 }
 

@@ -62,6 +62,6 @@ void EditorPaneEndLoad(HWND editor) {
     if (PaneState* state = PaneStateOf(editor)) {
         state->sticky = {};
         EditorPaneUpdateLineMargin(editor);
-        EditorColourRestart(editor);
+        EditorColourRestart(editor, 0);
     }
 }

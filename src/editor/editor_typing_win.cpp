@@ -30,9 +30,8 @@ bool IsKeywordStyle(LRESULT style) {
 LRESULT FreshStyleAt(HWND editor, LRESULT position, LRESULT upTo) {
     const LRESULT line = Send(editor, SCI_LINEFROMPOSITION, position);
     const LRESULT start = Send(editor, SCI_POSITIONFROMLINE, line);
-    const LRESULT styled = Send(editor, SCI_GETENDSTYLED);
     Send(editor, SCI_COLOURISE, start, upTo);
-    if (styled < start) Send(editor, SCI_STARTSTYLING, styled);  // text above is still to be coloured
+    Send(editor, SCI_STARTSTYLING, Send(editor, SCI_GETLENGTH));  // as editor_colour_win.cpp wants it
     return Send(editor, SCI_GETSTYLEAT, position);
 }
 

@@ -13,6 +13,7 @@ struct PaneState {
     bool inlineShown = false;     // some of the document is marked as inline assembly
     StickyCache sticky;           // what is known about procedure lines above the caret
     int marginDigits = 0;         // digits that the line-number margin has room for
+    LRESULT coloured = 0;         // everything before this position has its colours
     bool colouring = false;       // the idle timer runs
     std::size_t colourChunk = 0;  // bytes that one idle slice of colouring takes on
 };
@@ -26,12 +27,12 @@ void EditorPaneSetUp(HWND editor);
 // Subclass of every pane: cursor, focus, mouse log, colouring before a paint.
 bool EditorPaneInstallSubclass(HWND editor);
 
-// Whatever was coloured by an earlier text is no longer: the rest of the document is coloured in idle time.
-void EditorColourRestart(HWND editor);
-// Before and after a paint: what is about to be visible gets its colours now, whatever lies uncoloured above it.
-// Returns the position to hand back to EditorColourAfterPaint, or -1 when there was nothing to do.
-LRESULT EditorColourBeforePaint(HWND editor);
-void EditorColourAfterPaint(HWND editor, LRESULT resumeAt);
+// The text from `position` on has changed: it is coloured again, in idle time what cannot be seen.
+void EditorColourRestart(HWND editor, LRESULT position);
+// Around a paint: what is about to be visible gets its colours now, whatever lies uncoloured above it. When the first
+// returns true the paint does the colouring, and the second must follow it.
+bool EditorColourBeforePaint(HWND editor);
+void EditorColourAfterPaint(HWND editor);
 void EditorColourStop(HWND editor);
 
 // Width of the line-number margin for the settings, the font and the number of lines.
