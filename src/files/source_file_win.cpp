@@ -247,7 +247,11 @@ std::ptrdiff_t AnsiFirstUnmappable(std::string_view utf8) {
         while (end < utf8.size() && !isLead(utf8[end])) {
             ++end;
         }
-        if (!holds(utf8.substr(at, end - at))) {
+        unsigned char bits = 0;  // every code page begins with ASCII
+        for (const char c : utf8.substr(at, end - at)) {
+            bits |= static_cast<unsigned char>(c);
+        }
+        if (bits >= 0x80 && !holds(utf8.substr(at, end - at))) {
             for (std::size_t first = at; first < end;) {
                 std::size_t next = first + 1;
                 while (next < end && !isLead(utf8[next])) {
