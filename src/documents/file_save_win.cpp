@@ -9,6 +9,7 @@
 #include "files/handles.h"
 #include "files/message.h"
 #include "files/path.h"
+#include "files/recovery.h"
 #include "files/wide_format.h"
 #include "language/theme.h"
 #include "scintilla/sci.h"
@@ -93,6 +94,11 @@ int SaveTab(int tab) {
     DocumentTab& document = g_app.tabs[static_cast<std::size_t>(tab)];
     if (!WriteSourceFileFromEditor(document.path, text.get(), length, static_cast<TextEncoding>(encoding),
                                    document.lineEnding)) {
+        const std::wstring copy = RecoveryLastPath();
+        if (!copy.empty()) {
+            AppLogMsg(L"FAIL: FileSave, the new text is kept in %s", copy.c_str());
+            StatusBarSetText(FormatW(L"Not saved. The text is kept in %s", copy.c_str()).c_str());
+        }
         ErrorMessage(L"Failed to save file: %s", document.path);
         return 0;
     }

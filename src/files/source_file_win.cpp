@@ -206,6 +206,7 @@ bool WriteSourceFileFromEditor(const wchar_t* path, const char* utf8, std::size_
     if (path == nullptr || utf8 == nullptr) {
         return false;
     }
+    RecoveryKeep(path, {});  // the copy of an earlier failure is not this one's
     std::size_t normalLength = 0;
     HeapBlock<char> normal{NormalizeLineEndings(utf8, length, lineEnding, &normalLength)};
     if (!normal) {
