@@ -174,8 +174,8 @@ void ApplyChangeMargin(HWND editor, bool on) {
 void MarkModifiedLine(HWND editor, int line) {
     if (!g_app.settings.showChangeMargin) return;
     // Marking a marked line would stack a second marker on it.
-    if (SciSend(editor, SCI_MARKERGET, static_cast<WPARAM>(line), 0) & (1 << kChangeMarker)) return;
-    SciSend(editor, SCI_MARKERADD, static_cast<WPARAM>(line), kChangeMarker);
+    if (PaneCall(editor, SCI_MARKERGET, static_cast<WPARAM>(line), 0) & (1 << kChangeMarker)) return;
+    PaneCall(editor, SCI_MARKERADD, static_cast<WPARAM>(line), kChangeMarker);
 }
 
 void EditorPaneClearChangeMarks(HWND editor) { SciSend(editor, SCI_MARKERDELETEALL, kChangeMarker, 0); }
@@ -186,7 +186,7 @@ void ApplyVirtualSpace(HWND editor, bool on) {
 
 void EditorPaneOnModified(HWND editor, const SCNotification& change) {
     if (!editor || !(change.modificationType & (SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT))) return;
-    const int line = static_cast<int>(SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(change.position), 0));
+    const int line = static_cast<int>(PaneCall(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(change.position), 0));
     if (change.linesAdded != 0 || (change.modificationType & (SC_MOD_INSERTTEXT | SC_PERFORMED_USER))) {
         MarkModifiedLine(editor, line);
     }
@@ -194,7 +194,7 @@ void EditorPaneOnModified(HWND editor, const SCNotification& change) {
     EditorColourRestart(editor, change.position);
     if (change.linesAdded == 0) return;
     const PaneState* state = PaneStateOf(editor);
-    if (state && DigitsOf(SciSend(editor, SCI_GETLINECOUNT, 0, 0)) != state->marginDigits) {
+    if (state && DigitsOf(PaneCall(editor, SCI_GETLINECOUNT, 0, 0)) != state->marginDigits) {
         EditorPaneUpdateLineMargin(editor);
     }
 }

@@ -12,12 +12,20 @@
 #include <windowsx.h>
 
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace {
 
 constexpr UINT_PTR kSubclassId = 1;
-constexpr wchar_t kStateProperty[] = L"KvxPaneState";
 constexpr int kClassNameLength = 48;
+
+// The panes that there are: few, looked up at every key, so a plain row beats a window property.
+struct PaneEntry {
+    HWND editor;
+    std::unique_ptr<PaneState> state;
+};
+std::vector<PaneEntry> g_panes;
 
 struct MouseMessage {
     UINT message;
@@ -96,19 +104,19 @@ bool IsWordCharacter(WPARAM character) {
 
 LRESULT OnCharacter(HWND pane, WPARAM wParam, LPARAM lParam) {
     if (IsUnwantedCharacter(wParam)) return 0;
-    const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
+    const LRESULT before = PaneCall(pane, SCI_GETCURRENTPOS);
     const LRESULT result = DefSubclassProc(pane, WM_CHAR, wParam, lParam);
-    const LRESULT after = SciSend(pane, SCI_GETCURRENTPOS);
+    const LRESULT after = PaneCall(pane, SCI_GETCURRENTPOS);
     if (!IsWordCharacter(wParam) && after == before + 1) EditorPaneUpperKeywordBefore(pane, before);
     return result;
 }
 
 LRESULT OnReturnKey(HWND pane, WPARAM wParam, LPARAM lParam) {
-    const LRESULT lines = SciSend(pane, SCI_GETLINECOUNT);
-    const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
+    const LRESULT lines = PaneCall(pane, SCI_GETLINECOUNT);
+    const LRESULT before = PaneCall(pane, SCI_GETCURRENTPOS);
     SciSend(pane, SCI_BEGINUNDOACTION);  // the break and the indentation are undone together
     const LRESULT result = DefSubclassProc(pane, WM_KEYDOWN, wParam, lParam);
-    if (SciSend(pane, SCI_GETLINECOUNT) == lines + 1) {
+    if (PaneCall(pane, SCI_GETLINECOUNT) == lines + 1) {
         EditorPaneUpperKeywordBefore(pane, before);
         EditorPaneAfterNewLine(pane);
     }
@@ -149,7 +157,7 @@ LRESULT CALLBACK PaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam,
 
 LRESULT OnDestroy(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
     EditorColourStop(pane);
-    const std::unique_ptr<PaneState> state(static_cast<PaneState*>(RemovePropW(pane, kStateProperty)));
+    std::erase_if(g_panes, [pane](const PaneEntry& entry) { return entry.editor == pane; });
     RemoveWindowSubclass(pane, PaneProc, kSubclassId);
     return DefSubclassProc(pane, message, wParam, lParam);
 }
@@ -157,16 +165,23 @@ LRESULT OnDestroy(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
 }  // namespace
 
 PaneState* PaneStateOf(HWND editor) {
-    return editor ? static_cast<PaneState*>(GetPropW(editor, kStateProperty)) : nullptr;
+    for (const PaneEntry& entry : g_panes) {
+        if (entry.editor == editor) return entry.state.get();
+    }
+    return nullptr;
+}
+
+LRESULT PaneCall(HWND editor, UINT message, WPARAM wParam, LPARAM lParam) {
+    const PaneState* state = PaneStateOf(editor);
+    if (!state || !state->call) return SciSend(editor, message, wParam, lParam);
+    return state->call(state->callPointer, message, wParam, lParam);
 }
 
 bool EditorPaneInstallSubclass(HWND editor) {
     auto state = std::make_unique<PaneState>();
-    if (!SetPropW(editor, kStateProperty, state.get())) return false;
-    if (!SetWindowSubclass(editor, PaneProc, kSubclassId, 0)) {
-        RemovePropW(editor, kStateProperty);
-        return false;
-    }
-    state.release();  // the window owns it from here: freed on WM_DESTROY
+    state->call = reinterpret_cast<SciFnDirect>(SciSend(editor, SCI_GETDIRECTFUNCTION));
+    state->callPointer = SciSend(editor, SCI_GETDIRECTPOINTER);
+    if (!SetWindowSubclass(editor, PaneProc, kSubclassId, 0)) return false;
+    g_panes.push_back({editor, std::move(state)});
     return true;
 }

@@ -3,12 +3,15 @@
 #pragma once
 
 #include "editor/sticky_header.h"
+#include "scintilla/sci.h"
 
 #include <windows.h>
 
 #include <cstddef>
 
 struct PaneState {
+    SciFnDirect call = nullptr;  // Scintilla's own entry, past the message queue, and its first argument
+    sptr_t callPointer = 0;
     bool bracesShown = false;
     bool inlineShown = false;     // some of the document is marked as inline assembly
     StickyCache sticky;           // what is known about procedure lines above the caret
@@ -20,6 +23,9 @@ struct PaneState {
 
 // Null for a window that is no Scintilla pane of ours (the Rich Edit fallback).
 PaneState* PaneStateOf(HWND editor);
+
+// SciSend without the way through the window: for what happens at every key and every paint.
+LRESULT PaneCall(HWND editor, UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
 
 // Colours, margins and input rules that do not depend on any setting; once, at creation.
 void EditorPaneSetUp(HWND editor);
