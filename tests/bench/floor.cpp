@@ -15,10 +15,13 @@
 #include <memory>
 #include <string>
 
+#include "flood_lines.h"
+
 namespace {
 
 constexpr int kBlockLines = 1000;
-constexpr int kErrorEvery = 10;
+constexpr int kWindowHeight = 800;  // pixels, like the program's
+constexpr int kPaneHeight = 230;    // like its output pane, with a caption
 
 int Fail(const char* what) {
     std::fprintf(stderr, "floor: %s (error %lu)\n", what, GetLastError());
@@ -34,7 +37,7 @@ LRESULT CALLBACK FrameProc(HWND window, UINT message, WPARAM wParam, LPARAM lPar
 }
 
 // A frame filled by one child of the given class; null when either cannot be made. The child is in `child`.
-HWND CreateFrame(const wchar_t* childClass, DWORD childStyle, HWND* child) {
+HWND CreateFrame(const wchar_t* childClass, DWORD childStyle, int height, HWND* child) {
     const HINSTANCE instance = GetModuleHandleW(nullptr);
     WNDCLASSW frameClass = {};
     frameClass.lpfnWndProc = FrameProc;
@@ -42,8 +45,8 @@ HWND CreateFrame(const wchar_t* childClass, DWORD childStyle, HWND* child) {
     frameClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     frameClass.lpszClassName = L"KvxFloor";
     RegisterClassW(&frameClass);
-    const HWND frame = CreateWindowExW(0, L"KvxFloor", L"floor", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0, 0, 1200, 800,
-                                       nullptr, nullptr, instance, nullptr);
+    const HWND frame = CreateWindowExW(0, L"KvxFloor", L"floor", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0, 0, 1200,
+                                       height, nullptr, nullptr, instance, nullptr);
     if (!frame) return nullptr;
     *child = CreateWindowExW(0, childClass, L"", WS_CHILD | WS_VISIBLE | WS_VSCROLL | childStyle, 0, 0, 10, 10, frame,
                              nullptr, instance, nullptr);
@@ -79,7 +82,7 @@ bool LoadScintilla() {
 int ShowFile(const wchar_t* path) {
     if (!LoadScintilla()) return Fail("cannot load Scintilla.dll");
     HWND pane = nullptr;
-    const HWND frame = CreateFrame(L"Scintilla", 0, &pane);
+    const HWND frame = CreateFrame(L"Scintilla", 0, kWindowHeight, &pane);
     if (!frame) return Fail("cannot make the window");
     {
         const FileBytes file = ReadWhole(path);
@@ -117,18 +120,11 @@ DWORD CALLBACK FeedRtf(DWORD_PTR cookie, LPBYTE buffer, LONG capacity, LONG* wri
     return 0;
 }
 
-// `count` lines from line number `first` on, every tenth a red diagnostic.
+// `count` lines from line number `first` on, the diagnostics red.
 std::string RtfBlock(int first, int count) {
     std::string rtf = "{\\rtf1\\ansi{\\colortbl;\\red0\\green0\\blue0;\\red200\\green0\\blue0;}";
-    char line[128];
-    for (int i = first; i < first + count; ++i) {
-        const bool error = i % kErrorEvery == 0;
-        std::snprintf(line, sizeof line,
-                      error ? "\\cf2 main.bas(%d,5): error: undefined name\\par\n"
-                            : "\\cf1 compiling line %d of the program\\par\n",
-                      i);
-        rtf += line;
-    }
+    for (int i = first; i < first + count; ++i)
+        rtf += (IsFloodError(i) ? "\\cf2 " : "\\cf1 ") + FloodLine(i) + "\\par\n";
     return rtf + "}";
 }
 
@@ -140,7 +136,7 @@ void DrainMessages() {
 int FeedOutput(int lines) {
     if (!LoadLibraryW(L"msftedit.dll")) return Fail("cannot load msftedit.dll");
     HWND pane = nullptr;
-    const HWND frame = CreateFrame(L"RICHEDIT50W", ES_MULTILINE | ES_AUTOVSCROLL | ES_READONLY, &pane);
+    const HWND frame = CreateFrame(L"RICHEDIT50W", ES_MULTILINE | ES_AUTOVSCROLL | ES_READONLY, kPaneHeight, &pane);
     if (!frame) return Fail("cannot make the window");
     SendMessageW(pane, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
     ShowWindow(frame, SW_SHOW);

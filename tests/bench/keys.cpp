@@ -1,0 +1,95 @@
+// One keystroke, from the posted character to the painted result. Posted, not sent: the program gets it through its
+// message loop like a real one, and what it does when its queue is empty delays the next key.
+#include "bench.h"
+
+#include <Scintilla.h>
+
+#include <cstdio>
+#include <string>
+
+namespace {
+
+constexpr int kKeys = 400;
+constexpr int kNewLineEvery = 40;
+constexpr double kKeyLimitMs = 20000;
+constexpr DWORD kQuietMs = 20;
+constexpr std::string_view kTyped = "total = total + 12 ' sum ";
+
+bool NeedsPaint(HWND window) {
+    RECT rect = {};
+    return GetUpdateRect(window, &rect, FALSE) != FALSE;
+}
+
+void AwaitPainted(HWND window, double limit) {
+    while (NeedsPaint(window))
+        if (NowMs() > limit) Die("a window is not painted");
+}
+
+// Until nothing is left to paint for a while: after a jump the program may have more to do.
+void AwaitQuiet(HWND window) {
+    for (int quiet = 0; quiet < 10; ++quiet) {
+        AwaitPainted(window, NowMs() + kKeyLimitMs);
+        Sleep(kQuietMs);
+        Ask(window, WM_NULL);
+    }
+}
+
+double TypeOne(HWND pane, int number) {
+    const LRESULT before = Ask(pane, SCI_GETLENGTH);
+    const double start = NowMs();
+    // Enter is a key that the control binds to a command, not a character.
+    const BOOL posted =
+        number % kNewLineEvery == kNewLineEvery - 1
+            ? PostMessageW(pane, SCI_NEWLINE, 0, 0)
+            : PostMessageW(pane, WM_CHAR, static_cast<WPARAM>(kTyped[static_cast<std::size_t>(number) % kTyped.size()]),
+                           1);
+    if (!posted) Die("a key cannot be posted");
+    // Answered between two messages, so once the text is longer the key is done and what it changed awaits its paint.
+    while (Ask(pane, SCI_GETLENGTH) == before)
+        if (NowMs() - start > kKeyLimitMs) Die("a key was not taken");
+    AwaitPainted(pane, start + kKeyLimitMs);
+    return NowMs() - start;
+}
+
+struct Place {
+    const char* name;
+    double share;  // of the document
+};
+constexpr Place kPlaces[] = {{"start", 0.0}, {"middle", 0.5}, {"end", 1.0}};
+
+std::vector<double> TypeAt(HWND pane, const Place& place) {
+    const auto length = static_cast<double>(Ask(pane, SCI_GETLENGTH));
+    const LRESULT line = Ask(pane, SCI_LINEFROMPOSITION, static_cast<WPARAM>(place.share * length));
+    Ask(pane, SCI_GOTOLINE, static_cast<WPARAM>(line));
+    Ask(pane, SCI_LINEEND);
+    AwaitQuiet(pane);
+    std::vector<double> times;
+    for (int i = 0; i < kKeys; ++i) times.push_back(TypeOne(pane, i));
+    return times;
+}
+
+}  // namespace
+
+void MeasureKeys() {
+    for (const auto& [name, about] : {std::pair{"50 kB", std::size_t{50'000}}, {"10 MB", std::size_t{10'000'000}}}) {
+        std::size_t size = 0;
+        const std::wstring file = SourceOfSize(about, &size);
+        const Folder folder;
+        Program floor(Kind::Floor, folder, file);
+        floor.AwaitReady(size);
+        Program editor(Kind::Editor, folder, file);
+        editor.AwaitReady(size);
+        for (const Place& place : kPlaces) {
+            const std::vector<double> bare = TypeAt(floor.Sci(), place);
+            const std::vector<double> keys = TypeAt(editor.Sci(), place);
+            char note[128];
+            std::snprintf(note, sizeof(note), "of %d keys: median %.2f, max %.2f; floor's %.2f, %.2f", kKeys,
+                          Median(keys), Quantile(keys, 1), Median(bare), Quantile(bare, 1));
+            Report({.work = std::string("key at the ") + place.name + " of " + name + ", 95 of 100 within",
+                    .floor = Quantile(bare, 0.95),
+                    .program = Quantile(keys, 0.95),
+                    .maxValue = 5.0,
+                    .note = note});
+        }
+    }
+}

@@ -1,0 +1,199 @@
+// A compiler that floods: how long its lines take to be shown, whether the program answers meanwhile, and how fast Stop
+// is.
+#include "bench.h"
+
+#include <commctrl.h>
+#include <richedit.h>
+#include <tlhelp32.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+
+#include "build/kept_lines.h"
+#include "resources/ids.h"
+
+namespace {
+
+constexpr double kBuildLimitMs = 600000;
+constexpr double kStopLimitMs = 20000;
+constexpr DWORD kPauseMs = 5;     // between questions to a program that works
+constexpr int kStatusEvery = 10;  // questions
+
+// Text of the status bar's first part.
+class StatusReader {
+public:
+    explicit StatusReader(const Program& program) : process_(program.Process()) {
+        bar_ = GetDlgItem(program.Main(), IDC_STATUS_BAR);
+        remote_ = VirtualAllocEx(process_, nullptr, kBytes, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
+        if (bar_ == nullptr || remote_ == nullptr) Die("the status bar cannot be read");
+    }
+    ~StatusReader() { VirtualFreeEx(process_, remote_, 0, MEM_RELEASE); }
+    StatusReader(const StatusReader&) = delete;
+    StatusReader& operator=(const StatusReader&) = delete;
+
+    std::wstring Text() const {
+        wchar_t text[kBytes / sizeof(wchar_t)] = {};
+        Ask(bar_, SB_GETTEXTW, 0, reinterpret_cast<LPARAM>(remote_));
+        if (!ReadProcessMemory(process_, remote_, text, kBytes - sizeof(wchar_t), nullptr)) Die("no status text");
+        return text;
+    }
+
+private:
+    static constexpr std::size_t kBytes = 2048;
+    HANDLE process_;
+    HWND bar_ = nullptr;
+    void* remote_ = nullptr;
+};
+
+struct FloodRun {
+    double time = 0;
+    double slowestAnswer = 0;
+    double residentMb = 0;
+};
+
+double AnswerTime(HWND window) {
+    const double start = NowMs();
+    Ask(window, WM_NULL);
+    return NowMs() - start;
+}
+
+struct Opened {
+    Folder folder;
+    std::wstring file;
+    Program program;
+    explicit Opened(int floodLines)
+        : folder({.compilers = false, .settings = false, .floodLines = floodLines}),
+          file(MakeSource(folder)),
+          program(Kind::Editor, folder, file) {
+        program.AwaitReady(kSource.size());
+        program.SettledMemory();
+    }
+
+private:
+    static constexpr std::string_view kSource = "PRINT 1\r\n";
+    static std::wstring MakeSource(const Folder& folder) {
+        WriteText(folder.Path() + L"main.bas", kSource);
+        WriteText(folder.Path() + L"Editor.ini", "[Editor]\r\nActiveCompiler=0\r\n");
+        return folder.Path() + L"main.bas";
+    }
+};
+
+FloodRun Flood(int lines) {
+    Opened opened(lines);
+    const HWND window = opened.program.Main();
+    const StatusReader status(opened.program);
+    FloodRun run;
+    const double start = NowMs();
+    PostMessageW(window, WM_COMMAND, IDM_BUILD, 0);
+    for (int looks = 1;; ++looks) {
+        run.slowestAnswer = std::max(run.slowestAnswer, AnswerTime(window));
+        if (looks % kStatusEvery == 0 && status.Text().starts_with(L"Build failed (exit code 1)")) break;
+        if (NowMs() - start > kBuildLimitMs) Die("the build does not end: " + Narrow(status.Text()));
+        Sleep(kPauseMs);
+    }
+    run.time = NowMs() - start;
+    const auto kept = static_cast<LRESULT>(kFirstLinesKept + kLastLinesKept);
+    const LRESULT shown = Ask(GetDlgItem(window, IDC_OUTPUT), EM_GETLINECOUNT);
+    if (shown < std::min<LRESULT>(lines, kept)) Die("only " + std::to_string(shown) + " lines are shown");
+    run.residentMb = opened.program.SettledMemory().residentMb;
+    return run;
+}
+
+// The running processes of that executable name; the caller closes the handles.
+std::vector<HANDLE> OpenProcesses(const wchar_t* name) {
+    std::vector<HANDLE> found;
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+    PROCESSENTRY32W entry = {};
+    entry.dwSize = sizeof(entry);
+    for (BOOL more = Process32FirstW(snapshot, &entry); more; more = Process32NextW(snapshot, &entry)) {
+        if (_wcsicmp(entry.szExeFile, name) != 0) continue;
+        const HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, entry.th32ProcessID);
+        if (process != nullptr) found.push_back(process);
+    }
+    CloseHandle(snapshot);
+    return found;
+}
+
+void CloseAll(const std::vector<HANDLE>& handles) {
+    for (const HANDLE handle : handles) CloseHandle(handle);
+}
+
+// From the command to the end of the compiler and of the process that it started.
+double StopOnce(double* answer) {
+    Opened opened(0);
+    const HWND window = opened.program.Main();
+    const HWND pane = GetDlgItem(window, IDC_OUTPUT);
+    PostMessageW(window, WM_COMMAND, IDM_BUILD, 0);
+    const double limit = NowMs() + kStopLimitMs;
+    while (Ask(pane, EM_GETLINECOUNT) < 3000) {
+        if (NowMs() > limit) Die("the flood does not start");
+        Sleep(kPauseMs);
+    }
+    std::vector<HANDLE> running = OpenProcesses(L"kvxa64.exe");
+    if (running.size() != 2) Die("expected a compiler and its child, found " + std::to_string(running.size()));
+    const double start = NowMs();
+    PostMessageW(window, WM_COMMAND, IDM_BUILD_STOP, 0);
+    const DWORD waited = WaitForMultipleObjects(2, running.data(), TRUE, static_cast<DWORD>(kStopLimitMs));
+    const double gone = NowMs() - start;
+    if (waited == WAIT_TIMEOUT) Die("Stop leaves a process running");
+    *answer = AnswerTime(window);
+    CloseAll(running);
+    running = OpenProcesses(L"kvxa64.exe");
+    if (!running.empty()) Die("Stop leaves a process behind");
+    return gone;
+}
+
+}  // namespace
+
+void MeasureOutput() {
+    constexpr int kLines = 100'000;
+    constexpr int kRuns = 3;
+    std::vector<double> bare;
+    std::vector<double> once;
+    std::vector<double> twice;
+    std::vector<double> memory;
+    double slowest = 0;
+    for (int i = 0; i < kRuns; ++i) {
+        bare.push_back(RunFloor(L"--output " + std::to_wstring(kLines)));
+        const FloodRun small = Flood(kLines);
+        const FloodRun large = Flood(2 * kLines);
+        once.push_back(small.time);
+        twice.push_back(large.time);
+        memory.push_back(large.residentMb);
+        slowest = std::max({slowest, small.slowestAnswer, large.slowestAnswer});
+        std::printf("  output run %d: floor %.0f, editor %.0f, twice as much %.0f, slowest answers %.0f and %.0f ms\n",
+                    i + 1, bare.back(), small.time, large.time, small.slowestAnswer, large.slowestAnswer);
+        std::fflush(stdout);
+    }
+    const std::string runs = "median of " + std::to_string(kRuns);
+    Report({.work = "100,000 output lines",
+            .floor = Median(bare),
+            .program = Median(once),
+            .maxRatio = 1.5,
+            .note = runs + "; floor: Rich Edit alone, no process"});
+    Report({.work = "200,000 output lines, beside 100,000",
+            .floor = Median(once),
+            .program = Median(twice),
+            .maxRatio = 2.2,
+            .note = runs + "; shown: the first " + std::to_string(kFirstLinesKept) + " and the last " +
+                    std::to_string(kLastLinesKept)});
+    Report({.work = "slowest answer while lines come", .program = slowest, .maxValue = 100, .note = "of all runs"});
+    Report({.work = "resident after 200,000 lines", .program = Median(memory), .unit = "MB", .note = runs});
+}
+
+void MeasureStop() {
+    constexpr int kRuns = 5;
+    std::vector<double> times;
+    double answer = 0;
+    for (int i = 0; i < kRuns; ++i) {
+        double one = 0;
+        times.push_back(StopOnce(&one));
+        answer = std::max(answer, one);
+    }
+    Report({.work = "Stop, to the end of compiler and child",
+            .program = Quantile(times, 1),
+            .maxValue = 200,
+            .note = "slowest of " + std::to_string(kRuns) + "; slowest answer after it " +
+                    std::to_string(static_cast<int>(answer)) + " ms"});
+}
