@@ -32,7 +32,7 @@ struct LineRecord {
     Pos pos;          // line 0: from here on no line is known
 };
 
-enum class Import : uint8_t { GetStdHandle, WriteFile, ExitProcess, Sleep, Sprintf, Pow, Floor, Count };
+enum class Import : uint8_t { GetStdHandle, WriteFile, ExitProcess, Sleep, AddHandler, Sprintf, Pow, Floor, Count };
 
 // Cells of the data section that the runtime routines use.
 struct RuntimeCells {

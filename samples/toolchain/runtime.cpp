@@ -6,9 +6,9 @@
 namespace standin {
 namespace {
 
-constexpr std::array<std::string_view, 7> kImportNames = {"GetStdHandle", "WriteFile", "ExitProcess", "Sleep",
-                                                          "sprintf",      "pow",       "floor"};
-constexpr size_t kKernelImports = 4;  // the first ones; the others are msvcrt's
+constexpr std::array<std::string_view, 8> kImportNames = {
+    "GetStdHandle", "WriteFile", "ExitProcess", "Sleep", "AddVectoredExceptionHandler", "sprintf", "pow", "floor"};
+constexpr size_t kKernelImports = 5;  // the first ones; the others are msvcrt's
 constexpr int kZoneWidth = 14;
 constexpr int kRuntimeErrorExit = 3;
 constexpr std::array<std::string_view, 3> kErrorTexts = {"Run-time error: division by zero in line ",
@@ -298,6 +298,38 @@ void PlaceImports(Generator& g) {
     }
 }
 
+// A trap is a debugger's business; without one the program steps over it, so that a build for debugging also just runs.
+// A debugger sees each trap before this handler does. The call leaves the handler's address on the stack. x86 only.
+void EmitTrapHandler(Generator& g) {
+    Encoder& e = g.e;
+    constexpr int32_t kBreakpoint = INT32_MIN + 3;        // EXCEPTION_BREAKPOINT
+    constexpr Mem kRecord = {AX, 0}, kContext = {AX, 4};  // EXCEPTION_POINTERS
+    constexpr Mem kCode = {CX, 0}, kAddress = {CX, 12}, kEip = {AX, 0xB8};
+    const int install = NewLabel(e, "rt_install_trap_handler"), pass = NewLabel(e);
+    Call(e, install);
+    Put(e, op::Load, false, AX, Mem{SP, 4});
+    Put(e, op::Load, false, CX, kRecord);
+    MoveNumber(e, DX, kBreakpoint);
+    Put(e, op::Cmp, false, DX, kCode);
+    JumpIf(e, Cond::NE, pass);
+    Put(e, op::Load, false, CX, kAddress);
+    Put(e, op::LoadByte, false, DX, Mem{CX, 0});
+    PutBytes(e, "cmp dl, CCh", {0x80, 0xFA, 0xCC});
+    JumpIf(e, Cond::NE, pass);
+    Put(e, op::Lea, false, CX, Mem{CX, 1});
+    Put(e, op::Load, false, AX, kContext);
+    Put(e, op::Store, false, CX, kEip);
+    MoveNumber(e, AX, -1);  // go on there
+    PutBytes(e, "ret 4", {0xC2, 0x04, 0x00});
+    Bind(e, pass);
+    Put(e, op::Xor, false, AX, AX);  // not ours
+    PutBytes(e, "ret 4", {0xC2, 0x04, 0x00});
+    Bind(e, install);
+    PopReg(e, AX);
+    Put(e, op::Store, false, AX, Cell(g.cells.left));
+    CallImport(g, Import::AddHandler, {{Arg::Kind::Number, 1}, {Arg::Kind::Value, g.cells.left}});
+}
+
 }  // namespace
 
 uint32_t PlaceData(Generator& g, std::string_view bytes) {
@@ -356,6 +388,7 @@ void EmitStart(Generator& g) {
     };
     setCounts(g.program.moduleSymbols);
     for (const Procedure& procedure : g.program.procedures) setCounts(procedure.symbols);
+    if (g.debug && g.profile.debugMap == DebugMap::PbdTraps) EmitTrapHandler(g);
     Call(e, g.program.main->label);
     Put(e, op::Store, false, AX, Cell(g.cells.exitCode));
     g.run.flush = NewLabel(e, "rt_flush");

@@ -70,6 +70,18 @@ TEST(RunSamples, EveryCompilerMakesProgramsWithTheExpectedOutput) {
     if (skipped > 0) GTEST_SKIP() << skipped << " builds for 32 bits not run: no 32-bit Wine";
 }
 
+// The editor's default profile builds for debugging, and "run" is not "debug".
+TEST(RunSamples, DebugBuildsAlsoJustRun) {
+    for (const Compiler& compiler : kCompilers) {
+        if (!CanRun(compiler)) continue;
+        const FreshFolder folder;
+        const auto source = folder.path / "steps.bas";
+        std::filesystem::copy_file(kFolder / "steps.bas", source);
+        ASSERT_EQ(Compile(compiler, source, {std::string(compiler.debugSwitch)}).exit, 0u);
+        EXPECT_EQ(OutputAndExit(RunProgram(Program(source), {})), Expected("steps")) << compiler.name;
+    }
+}
+
 TEST(RunSamples, NamesBeyondTheCodePageAndBlanksWork) {
     const FreshFolder folder;
     const auto place = folder.path / L"мой проект é";
