@@ -1,0 +1,149 @@
+// Find, replace and go to line in their dialogs.
+#include "harness.h"
+
+#include <Scintilla.h>
+
+#include "resources/ids.h"
+
+namespace {
+
+struct FindDialog {
+    const Editor& editor;
+    HWND window;
+
+    FindDialog(const Editor& program, int command, const wchar_t* caption) : editor(program), window(nullptr) {
+        editor.Post(command);
+        window = editor.AwaitDialog(caption).window;
+    }
+    void Set(int control, const std::wstring& text) const {
+        editor.Send(GetDlgItem(window, control), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+    }
+    void Press(int control) const {
+        editor.Send(window, WM_COMMAND, static_cast<WPARAM>(control),
+                    reinterpret_cast<LPARAM>(GetDlgItem(window, control)));
+    }
+    void Tick(int control) const { editor.Send(GetDlgItem(window, control), BM_CLICK); }
+    std::wstring Text(int control) const { return editor.TextOf(GetDlgItem(window, control)); }
+    std::wstring Status() const { return Text(IDC_FIND_STATUS); }
+};
+
+std::string Selection(const Editor& editor) {
+    return std::to_string(editor.Sci(SCI_GETSELECTIONSTART)) + "-" + std::to_string(editor.Sci(SCI_GETSELECTIONEND));
+}
+
+TEST(Find, WalksReplacesAndRemembers) {
+    ProgramFolder folder;
+    const std::wstring path = folder.Write(L"a.bas", "one two one\r\nOne two\r\none\r\n");
+    {
+        Editor editor(folder, L" --open \"" + path + L"\"");
+        editor.Sci(SCI_SETSEL, 0, 3);
+        const FindDialog find(editor, IDM_EDIT_FIND, L"Find");
+        EXPECT_EQ(find.Text(IDC_FIND_WHAT), L"one") << "the selection is taken over";
+        EXPECT_FALSE(IsWindowVisible(GetDlgItem(find.window, IDC_FIND_REPLACE)));
+        find.Tick(IDC_FIND_CASE);
+        find.Press(IDC_FIND_NEXT);
+        EXPECT_EQ(Selection(editor), "8-11");
+        find.Press(IDC_FIND_NEXT);
+        EXPECT_EQ(Selection(editor), "22-25") << "not the capital one";
+        EXPECT_EQ(find.Status(), L"");
+        find.Press(IDC_FIND_NEXT);
+        EXPECT_EQ(Selection(editor), "0-3");
+        EXPECT_EQ(find.Status(), L"Continued from the start");
+        find.Press(IDC_FIND_PREVIOUS);
+        EXPECT_EQ(Selection(editor), "22-25");
+        EXPECT_EQ(find.Status(), L"Continued from the end");
+        find.Set(IDC_FIND_WHAT, L"nowhere");
+        find.Press(IDC_FIND_NEXT);
+        EXPECT_EQ(Selection(editor), "22-25");
+        EXPECT_EQ(find.Status(), L"Not found");
+        find.Press(IDCANCEL);
+        EXPECT_TRUE(WaitFor([&] { return !IsWindow(find.window) && editor.Focus() == editor.Sci(); }));
+
+        const FindDialog replace(editor, IDM_EDIT_REPLACE, L"Find and Replace");
+        replace.Set(IDC_FIND_WHAT, L"one");
+        replace.Set(IDC_FIND_WITH, L"three");
+        editor.Sci(SCI_GOTOPOS, 0);
+        replace.Press(IDC_FIND_REPLACE);  // nothing is selected yet: only finds
+        EXPECT_EQ(Selection(editor), "0-3");
+        replace.Press(IDC_FIND_REPLACE);
+        EXPECT_EQ(Selection(editor), "10-13");
+        EXPECT_EQ(editor.Text(), "three two one\r\nOne two\r\none\r\n");
+        replace.Press(IDC_FIND_REPLACE_ALL);
+        EXPECT_EQ(replace.Status(), L"2 replacements");
+        EXPECT_EQ(editor.Text(), "three two three\r\nOne two\r\nthree\r\n");
+        editor.Do(IDM_EDIT_UNDO);
+        EXPECT_EQ(editor.Text(), "three two one\r\nOne two\r\none\r\n") << "one step";
+        replace.Press(IDCANCEL);
+
+        // Without the dialog the search goes on with what it last looked for.
+        editor.Sci(SCI_GOTOPOS, 0);
+        editor.Do(IDM_FIND_NEXT);
+        EXPECT_EQ(Selection(editor), "10-13");
+        editor.Do(IDM_FILE_SAVE);
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    EXPECT_EQ(folder.Ini(L"Editor", L"SearchHistoryCount"), L"2");
+    EXPECT_EQ(folder.Ini(L"Editor", L"SearchHistory0"), L"one") << "the latest first";
+    EXPECT_EQ(folder.Ini(L"Editor", L"SearchHistory1"), L"nowhere");
+}
+
+TEST(Find, ExpressionsInASelection) {
+    ProgramFolder folder;
+    const std::wstring path = folder.Write(L"a.bas", "a=1\r\nb=2\r\nc=3\r\nd=4\r\n");
+    Editor editor(folder, L" --open \"" + path + L"\"");
+    editor.Sci(SCI_SETSEL, 5, 15);  // the second and third line
+    const FindDialog replace(editor, IDM_EDIT_REPLACE, L"Find and Replace");
+    EXPECT_NE(editor.Send(GetDlgItem(replace.window, IDC_FIND_SELECTION), BM_GETCHECK), 0) << "more than one line";
+    replace.Tick(IDC_FIND_REGEX);
+    EXPECT_FALSE(IsWindowEnabled(GetDlgItem(replace.window, IDC_FIND_WORD)));
+    replace.Set(IDC_FIND_WHAT, L"(b|c");
+    replace.Press(IDC_FIND_REPLACE_ALL);
+    EXPECT_EQ(replace.Status(), L"The | of alternatives cannot stand inside parentheses");
+    replace.Set(IDC_FIND_WHAT, L"^([a-z])=([0-9])");
+    replace.Set(IDC_FIND_WITH, L"\\2 <- \\1");
+    replace.Press(IDC_FIND_REPLACE_ALL);
+    EXPECT_EQ(replace.Status(), L"2 replacements");
+    EXPECT_EQ(editor.Text(), "a=1\r\n2 <- b\r\n3 <- c\r\nd=4\r\n");
+    replace.Set(IDC_FIND_WHAT, L"$");
+    replace.Set(IDC_FIND_WITH, L";");
+    replace.Press(IDC_FIND_REPLACE_ALL);
+    EXPECT_EQ(editor.Text(), "a=1\r\n2 <- b;\r\n3 <- c;\r\nd=4\r\n") << "the range has grown with its text";
+    replace.Press(IDCANCEL);
+}
+
+TEST(GotoLine, ShowsThePlaceAndGoes) {
+    ProgramFolder folder;
+    const std::wstring path = folder.Write(L"a.bas", "SUB Main\r\n\tPRINT 1\r\nEND SUB\r\n");
+    Editor editor(folder, L" --open \"" + path + L"\"");
+    const auto show = [&] {
+        editor.Post(IDM_EDIT_GOTO);
+        return editor.AwaitDialog(L"Go To Line");
+    };
+    const auto field = [&](const Dialog& dialog, int id) { return editor.TextOf(GetDlgItem(dialog.window, id)); };
+    const auto go = [&](const wchar_t* line, const wchar_t* column) {
+        const Dialog dialog = show();
+        editor.Send(GetDlgItem(dialog.window, IDC_GOTO_LINE), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(line));
+        editor.Send(GetDlgItem(dialog.window, IDC_GOTO_COLUMN), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(column));
+        editor.Press(dialog, IDOK);
+        return editor.Sci(SCI_GETCURRENTPOS);
+    };
+
+    editor.Sci(SCI_GOTOPOS, 12);
+    const Dialog dialog = show();
+    EXPECT_EQ(field(dialog, IDC_GOTO_LINE), L"2");
+    EXPECT_EQ(field(dialog, IDC_GOTO_LINE_COUNT), L"4");
+    EXPECT_EQ(field(dialog, IDC_GOTO_COLUMN), L"5") << "behind a tab of four columns and a letter, from 0";
+    EXPECT_EQ(field(dialog, IDC_GOTO_PROCEDURE), L"SUB Main");
+    editor.Press(dialog, IDCANCEL);
+    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 12);
+
+    EXPECT_EQ(go(L"3", L"4"), 24);
+    EXPECT_EQ(editor.Focus(), editor.Sci());
+    EXPECT_EQ(go(L"0", L"1"), 24) << "no such line: nothing happens";
+    EXPECT_EQ(go(L"1", L"500"), 8) << "the end of the line";
+    EXPECT_EQ(go(L"2", L"-3"), 10) << "its start";
+    EXPECT_EQ(go(L"900", L"0"), 29) << "the last line";
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+}  // namespace

@@ -1,0 +1,209 @@
+// Sessions, workspaces and the project tree: what is written when the program closes, and what comes back.
+#include "harness.h"
+
+#include <Scintilla.h>
+#include <commctrl.h>
+
+#include "resources/ids.h"
+
+namespace {
+
+constexpr wchar_t kSession[] = L"Editor.ini_autosave.kvxsess";
+constexpr wchar_t kProgramTitle[] = L"KVXE - Unified Compiler Editor";
+
+std::wstring Open(const std::wstring& path) { return L" --open \"" + path + L"\""; }
+
+// The lines of a session file from the first file section on.
+std::string FileSections(const std::string& session) {
+    const std::size_t start = session.find("\r\n[File");
+    return start == std::string::npos ? "" : session.substr(start);
+}
+
+std::string Lines(int count) {
+    std::string text;
+    for (int i = 0; i < count; ++i) text += "line " + std::to_string(i) + "\r\n";
+    return text;
+}
+
+std::string Escaped(const std::wstring& path) {
+    std::string out;
+    for (const char c : Utf8(path)) out += c == '\\' ? "\\\\" : std::string(1, c);
+    return out;
+}
+
+TEST(Session, KeepsPlacesAndMarks) {
+    ProgramFolder folder;
+    const std::wstring a = folder.Write(L"\xE9\x65E5.bas", Lines(3000)), b = folder.Write(L"b.bas", Lines(10));
+    {
+        Editor editor(folder, Open(a) + Open(b));
+        editor.Do(IDM_PREVIOUS_TAB);
+        ASSERT_EQ(editor.ActiveTab(), 0);
+        for (const WPARAM line : {0, 7, 2999}) editor.Sci(SCI_MARKERADD, line, 1);
+        for (WPARAM line = 100; line < 1500; ++line) editor.Sci(SCI_MARKERADD, line, 2);  // more than 4 kB of numbers
+        editor.Sci(SCI_SETSEL, 100, 125);
+        editor.Sci(SCI_SETFIRSTVISIBLELINE, 12);
+        editor.Do(IDM_FILE_NEW);  // has no path: not written
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    const std::string session = folder.Read(kSession);
+    EXPECT_TRUE(session.starts_with("[Session]\r\nVersion=1\r\nActiveTab=2\r\nActiveCompiler=3\r\nProjectRoot="))
+        << session;
+    EXPECT_NE(session.find("\r\nTabCount=2\r\n"), std::string::npos);
+    const std::string sections = FileSections(session);
+    EXPECT_TRUE(sections.starts_with("\r\n[File1]\r\nPath=" + Utf8(a) +
+                                     "\r\nCursor=125\r\nScroll=12\r\nSelectionStart=100\r\nSelectionEnd=125\r\n"
+                                     "Bookmarks=0,7,2999\r\nBreakpoints=100,101,"))
+        << sections.substr(0, 300);
+    EXPECT_NE(sections.find(",1499\r\n\r\n[File2]\r\nPath=" + Utf8(b) + "\r\n"), std::string::npos);
+    EXPECT_EQ(sections.find("[File3]"), std::string::npos);
+
+    Editor editor(folder, L"", Until::Started);
+    editor.Answer(L"Restore Session", L"", IDYES);
+    ASSERT_TRUE(editor.AwaitReady());
+    ASSERT_EQ(editor.Tabs(), 2);
+    editor.Do(IDM_PREVIOUS_TAB);
+    ASSERT_EQ(editor.ActiveTab(), 0);
+    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONSTART), 100);
+    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONEND), 125);
+    EXPECT_EQ(editor.Sci(SCI_GETFIRSTVISIBLELINE), 12);
+    for (const WPARAM line : {0, 7, 2999}) EXPECT_NE(editor.Sci(SCI_MARKERGET, line) & 2, 0) << line;
+    for (const WPARAM line : {100, 1499}) EXPECT_NE(editor.Sci(SCI_MARKERGET, line) & 4, 0) << line;
+    EXPECT_EQ(editor.Sci(SCI_MARKERGET, 1500) & 6, 0);
+}
+
+TEST(Session, AMissingFileShiftsLaterPlaces) {
+    ProgramFolder folder;
+    const std::wstring a = folder.Write(L"a.bas", Lines(20)), c = folder.Write(L"c.bas", Lines(20));
+    folder.Write(kSession,
+                 "[Session]\nVersion=1\nActiveTab=0\nTreeWidth=500\nEditorZoom=3\nWordWrap=1\n"
+                 "[File1]\nPath=" +
+                     Utf8(a) +
+                     "\nCursor =9\nCursor=7\n"
+                     "[File2]\nPath=" +
+                     Utf8(folder.File(L"gone.bas")) +
+                     "\nCursor=11\n"
+                     "[File3]\nPath=" +
+                     Utf8(c) + "\nCursor=13\nBookmarks=2\n");
+    Editor editor(folder, L"", Until::Started);
+    editor.Answer(L"Restore Session", L"", IDYES);
+    editor.Answer(kProgramTitle, L"Failed to open file: " + folder.File(L"gone.bas"), IDOK);
+    ASSERT_TRUE(editor.AwaitReady());
+    ASSERT_EQ(editor.Tabs(), 2);
+    EXPECT_EQ(editor.ActiveTab(), 0);
+    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 7);
+    EXPECT_EQ(editor.Sci(SCI_GETZOOM), 3);
+    EXPECT_EQ(editor.Sci(SCI_GETWRAPMODE), 1);
+    EXPECT_EQ(folder.Ini(L"Project", L"ProjectTreeWidth"), L"200") << "limited, and the settings are saved";
+    editor.Do(IDM_NEXT_TAB);
+    EXPECT_EQ(editor.TabLabel(1), L"c.bas");
+    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 0) << "the third section belongs to a third tab, which is not there";
+    EXPECT_EQ(editor.Sci(SCI_MARKERGET, 2) & 2, 0);
+}
+
+TEST(Session, NotOfferedWithoutFiles) {
+    ProgramFolder folder;
+    folder.Write(kSession, "[Session]\r\nVersion=1\r\nTabCount=0\r\n[File1]\r\nPath=\r\n");
+    Editor editor(folder);
+    EXPECT_EQ(editor.Tabs(), 1);
+    EXPECT_EQ(editor.Close(), 0u);
+    EXPECT_EQ(FileSections(folder.Read(kSession)), "") << "untitled documents only";
+    EXPECT_FALSE(Exists(folder.File(L"workspace.json"))) << "an empty workspace is no file";
+}
+
+TEST(Workspace, WritesItsLayoutAndReadsItBack) {
+    ProgramFolder folder;
+    const std::wstring a = folder.Write(L"a.bas", Lines(5)), b = folder.Write(L"b.bas", Lines(5)),
+                       c = folder.Write(L"c.bas", Lines(5));
+    const std::wstring flags = L"-D \"x y\" C:\\i";
+    folder.SetIni(L"KeldorBasic", L"Flags", flags);
+    {
+        Editor editor(folder, Open(a) + Open(b) + Open(c));
+        editor.Sci(SCI_GOTOPOS, 5);
+        editor.Do(IDM_FILE_NEW);
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    const auto entry = [](const std::wstring& path, const char* rest) {
+        return "    {\"path\": \"" + Escaped(path) + rest;
+    };
+    EXPECT_EQ(folder.Read(L"workspace.json"),
+              "{\r\n  \"version\": \"1.0\",\r\n  \"files\": [\r\n" + entry(a, "\", \"cursorPos\": 0},\r\n") +
+                  entry(b, "\", \"cursorPos\": 0},\r\n") + entry(c, "\", \"cursorPos\": 5},\r\n") +
+                  "  ],\r\n  \"activeFile\": 3,\r\n  \"compiler\": \"KeldorBasic\",\r\n  \"compilerFlags\": \"-D \"x "
+                  "y\" C:\\i\"\r\n}\r\n");
+
+    {
+        Editor editor(folder, L"", Until::Started);
+        editor.Answer(L"Restore Session", L"", IDNO);
+        ASSERT_TRUE(editor.AwaitReady());
+        EXPECT_EQ(editor.Tabs(), 3);
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    EXPECT_EQ(folder.Ini(L"KeldorBasic", L"Flags"), flags) << "not cut at the quote by its own trip through the file";
+
+    // A missing file is skipped in silence, and the carets of those behind it go to the tabs before.
+    DeleteFileW(folder.File(kSession).c_str());
+    folder.Write(L"workspace.json", "{\"files\": [" + entry(a, "\", \"cursorPos\": 3},") +
+                                        entry(folder.File(L"gone.bas"), "\", \"cursorPos\": 4},") +
+                                        entry(c, "\", \"cursorPos\": 5}") +
+                                        "], \"activeFile\": 1, \"compiler\": \"none\"}");
+    Editor editor(folder);
+    ASSERT_EQ(editor.Tabs(), 2);
+    EXPECT_EQ(editor.ActiveTab(), 1);
+    EXPECT_EQ(editor.TabLabel(1), L"c.bas");
+    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 4);
+
+    // A new workspace needs every document closed; a refusal leaves everything as it is.
+    editor.Type("x");
+    editor.Post(IDM_WORKSPACE_NEW);
+    editor.Answer(L"Unsaved Changes", L"Save changes to c.bas?", IDCANCEL);
+    EXPECT_EQ(editor.Tabs(), 2);
+    EXPECT_TRUE(editor.Modified());
+    editor.Post(IDM_WORKSPACE_NEW);
+    editor.Answer(L"Unsaved Changes", L"Save changes to c.bas?", IDNO);
+    ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == 1 && editor.TabLabel(0) == L"Untitled"; })) << editor.Describe();
+}
+
+HTREEITEM Next(const Editor& editor, UINT relation, HTREEITEM item) {
+    return reinterpret_cast<HTREEITEM>(
+        editor.Send(editor.Child(IDC_PROJECT_TREE), TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
+}
+
+TEST(ProjectTree, FillsFoldersWhenOpenedAndOnlyInPart) {
+    ProgramFolder folder;
+    folder.SetIni(L"Project", L"ShowProjectTree", L"1");
+    const std::wstring a = folder.Write(L"demo\\a.bas", "a");
+    folder.Write(L"demo\\readme.txt", "not a source");
+    folder.Write(L"demo\\sub\\inner.bas", "inner text");
+    folder.Write(L"demo\\big\\f.bas", "");
+    for (int i = 1; i < 5100; ++i) {
+        const std::wstring path = folder.File(L"demo\\big\\f" + std::to_wstring(i) + L".bas");
+        CloseHandle(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+    }
+    Editor editor(folder, Open(a));
+    const HWND tree = editor.Child(IDC_PROJECT_TREE);
+    const auto count = [&] { return editor.Send(tree, TVM_GETCOUNT); };
+    // The root and what lies in it: two folders, one source.
+    ASSERT_TRUE(WaitFor([&] { return count() == 4; })) << count();
+
+    const HTREEITEM root = Next(editor, TVGN_ROOT, nullptr);
+    const HTREEITEM big = Next(editor, TVGN_CHILD, root);
+    const HTREEITEM sub = Next(editor, TVGN_NEXT, big);
+    editor.Send(tree, TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(big));
+    EXPECT_TRUE(WaitFor([&] { return count() == 4 + 5000 + 1; })) << count() << ": the rest is one note";
+    editor.Send(tree, TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(sub));
+    ASSERT_TRUE(WaitFor([&] { return count() == 4 + 5000 + 1 + 1; })) << count();
+
+    const HTREEITEM inner = Next(editor, TVGN_CHILD, sub);
+    editor.Send(tree, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(inner));
+    PostMessageW(tree, WM_KEYDOWN, VK_RETURN, 0);
+    ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == 2; })) << editor.Describe();
+    EXPECT_EQ(editor.Text(), "inner text");
+
+    // A refresh finds what is new and keeps open what was open.
+    folder.Write(L"demo\\sub\\later.bas", "");
+    PostMessageW(tree, WM_CHAR, 'R' - '@', 0);
+    EXPECT_TRUE(WaitFor([&] { return count() == 4 + 5000 + 1 + 2; })) << count();
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+}  // namespace
