@@ -76,8 +76,9 @@ void AsmPaneShowNext() {
     const double started = ClockMs();
     RichLinesAppend(g_app.hAsmPane, block);
     BlockSizeLearn(g_asm.block, block.size(), ClockMs() - started);
-    if (AsmPaneIsEmpty())  // a listing is read from its top
-        SendMessageW(g_app.hAsmPane, WM_VSCROLL, SB_TOP, 0);
+    if (!AsmPaneIsEmpty()) return;
+    SendMessageW(g_app.hAsmPane, WM_VSCROLL, SB_TOP, 0);  // a listing is read from its top
+    InvalidateRect(g_app.hAsmPane, nullptr, TRUE);
 }
 
 bool AsmPaneIsEmpty() { return g_asm.queue.chunks.empty(); }

@@ -14,9 +14,8 @@
 namespace {
 
 constexpr DWORD kChunkBytes = 4096;
-constexpr DWORD kPollMs = 5;                     // between looks at a pipe that is empty
-constexpr ULONGLONG kQuietMs = 500;              // a pipe held open by others is given up when silent for so long
-constexpr std::size_t kLateBytes = 1024 * 1024;  // and when so much came after the process's own end
+constexpr ULONGLONG kLateMs = 500;  // how long a pipe that others hold open is read after the process's end
+constexpr std::size_t kLateBytes = 1024 * 1024;  // and how much; far more than a pipe holds
 constexpr int kPostTries = 100;
 constexpr DWORD kPostPauseMs = 20;
 
@@ -38,9 +37,10 @@ struct Reader {
     HANDLE process = nullptr;
     HANDLE job = nullptr;
     ULONGLONG deadline = 0;     // tick count
-    ULONGLONG quietSince = 0;   // tick count of the last output, or of the process's end
+    ULONGLONG endedAt = 0;      // tick count at the process's end
     std::size_t lateBytes = 0;  // read since that end
     bool processEnded = false;
+    UniqueHandle readDone;  // event
     BuildLog log;
 };
 
@@ -68,48 +68,54 @@ Step WaitForCredit(const Reader& reader) {
     }
 }
 
-Step ReadChunk(Reader& reader, DWORD available) {
-    const Step credit = WaitForCredit(reader);
-    if (credit != Step::Go) return credit;
+// Waits for the read that is under way. A process that was started by ours and lives on may hold the pipe open for
+// ever: once ours has ended, the others get only a moment more, long enough for all that ours left in the pipe.
+Step WaitForRead(Reader& reader, HANDLE readDone) {
+    const HANDLE any[] = {g_stop.Get(), readDone, reader.process};
+    for (;;) {
+        const ULONGLONG late = reader.processEnded ? GetTickCount64() - reader.endedAt : 0;
+        const DWORD patience = reader.processEnded ? static_cast<DWORD>(kLateMs - std::min(late, kLateMs)) : INFINITE;
+        const DWORD result =
+            WaitForMultipleObjects(reader.processEnded ? 2 : 3, any, FALSE, std::min(patience, MsLeft(reader)));
+        if (result == WAIT_OBJECT_0) return Step::Stopped;
+        if (result == WAIT_OBJECT_0 + 1) return Step::Go;
+        if (result != WAIT_OBJECT_0 + 2) return MsLeft(reader) == 0 ? Step::TimedOut : Step::PipeEnd;
+        reader.processEnded = true;
+        reader.endedAt = GetTickCount64();
+    }
+}
+
+// Reads once and posts what came; a credit has been taken for it.
+Step ReadChunk(Reader& reader) {
     char bytes[kChunkBytes];
     DWORD count = 0;
-    const bool ok = ReadFile(reader.pipe, bytes, std::min(available, kChunkBytes), &count, nullptr) != FALSE;
-    wchar_t* text = ok ? DecodeCompilerText(bytes, count) : nullptr;
+    OVERLAPPED read = {};
+    read.hEvent = reader.readDone.Get();
+    Step step = Step::PipeEnd;
+    if (ReadFile(reader.pipe, bytes, kChunkBytes, nullptr, &read) || GetLastError() == ERROR_IO_PENDING) {
+        step = WaitForRead(reader, read.hEvent);
+        if (step != Step::Go) CancelIo(reader.pipe);
+        // The buffer is the system's until this returns; a cancelled read may have got something all the same.
+        if (!GetOverlappedResult(reader.pipe, &read, &count, TRUE) && step == Step::Go) step = Step::PipeEnd;
+    }
+    wchar_t* text = DecodeCompilerText(bytes, count);
     if (text != nullptr) {
         BuildLogWrite(reader.log, text);
         PostText(reader, text, 0);
     } else {
         ReleaseSemaphore(g_credits.Get(), 1, nullptr);
     }
-    reader.quietSince = GetTickCount64();
     reader.lateBytes += reader.processEnded ? count : 0;
-    return ok ? Step::Go : Step::PipeEnd;
-}
-
-// The pipe is empty but open. A process that was started by ours and lives on may hold it for ever: once ours has
-// ended, silence is taken for the end.
-Step WaitForOutput(Reader& reader) {
-    const HANDLE either[] = {g_stop.Get(), reader.process};
-    const DWORD result = WaitForMultipleObjects(reader.processEnded ? 1 : 2, either, FALSE, kPollMs);
-    if (result == WAIT_OBJECT_0) return Step::Stopped;
-    if (result == WAIT_OBJECT_0 + 1 && !reader.processEnded) {
-        reader.processEnded = true;
-        reader.quietSince = GetTickCount64();
-        return Step::Go;
-    }
-    if (reader.processEnded && GetTickCount64() - reader.quietSince >= kQuietMs) return Step::PipeEnd;
-    return MsLeft(reader) == 0 ? Step::TimedOut : Step::Go;
+    return step;
 }
 
 Step ReadToEnd(Reader& reader) {
     for (;;) {
-        DWORD available = 0;
-        if (WaitForSingleObject(g_stop.Get(), 0) == WAIT_OBJECT_0) return Step::Stopped;
-        if (!PeekNamedPipe(reader.pipe, nullptr, 0, nullptr, &available, nullptr) || reader.lateBytes > kLateBytes)
-            return Step::PipeEnd;
-        const Step step = available > 0 ? ReadChunk(reader, available) : WaitForOutput(reader);
+        Step step = WaitForCredit(reader);
+        if (step == Step::Go) step = ReadChunk(reader);
         if (step != Step::Go) return step;
         if (MsLeft(reader) == 0) return Step::TimedOut;
+        if (reader.lateBytes > kLateBytes) return Step::PipeEnd;
     }
 }
 
@@ -128,13 +134,14 @@ BuildEnd ReadAndWait(Reader& reader) {
 // pipe. It stays in its job, so that stopping a build or leaving the program ends it.
 DWORD WINAPI DrainThread(LPVOID parameter) {
     std::unique_ptr<ChildProcess> child(static_cast<ChildProcess*>(parameter));
-    DWORD available = 0;
+    const UniqueHandle readDone(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     char bytes[kChunkBytes];
-    while (PeekNamedPipe(child->pipeRead, nullptr, 0, nullptr, &available, nullptr)) {
+    for (bool open = true; open;) {
         DWORD count = 0;
-        if (available > 0 && !ReadFile(child->pipeRead, bytes, std::min(available, kChunkBytes), &count, nullptr))
-            break;
-        if (available == 0 && WaitForSingleObject(child->process, 50) == WAIT_OBJECT_0) break;
+        OVERLAPPED read = {};
+        read.hEvent = readDone.Get();
+        open = (ReadFile(child->pipeRead, bytes, kChunkBytes, nullptr, &read) || GetLastError() == ERROR_IO_PENDING) &&
+               GetOverlappedResult(child->pipeRead, &read, &count, TRUE);
     }
     WaitForSingleObject(child->process, INFINITE);
     const BuildLock lock;
@@ -226,7 +233,7 @@ DWORD WINAPI CompilerThread(LPVOID parameter) {
         reader.job = g_app.build.job;
     }
     reader.deadline = request->limitMs == INFINITE ? ~0ULL : GetTickCount64() + request->limitMs;
-    reader.quietSince = GetTickCount64();
+    reader.readDone.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     reader.log = BuildLogOpen(request->logPath);
     BuildLogWrite(reader.log, request->logHeader);
 

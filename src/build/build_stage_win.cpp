@@ -19,7 +19,7 @@ CRITICAL_SECTION g_buildCs;
 
 namespace {
 
-constexpr UINT kShowIntervalMs = 10;
+constexpr UINT kShowIntervalMs = 40;
 constexpr UINT kProgressIntervalMs = 250;
 constexpr DWORD kStopWaitMs = 150;  // Stop is answered at once; what is slower than this ends behind it
 constexpr DWORD kEndWaitMs = 2000;  // from a reader's report to its clearing up
@@ -178,7 +178,7 @@ void BuildOnTimer(UINT_PTR id) {
     OutputFeedShowNext();
     AsmPaneShowNext();
     DeliverEnd();
-    if (OutputFeedIsEmpty() && AsmPaneIsEmpty()) {
+    if (OutputFeedIsEmpty() && OutputFeedIsRevealed() && AsmPaneIsEmpty()) {
         KillTimer(g_app.hMainWnd, TIMER_OUTPUT);
         g_showTimer = false;
     }

@@ -8,9 +8,9 @@
 
 struct ChildProcess {
     HANDLE process = nullptr;
-    HANDLE thread = nullptr;  // its first thread
-    HANDLE pipeRead = nullptr;
-    HANDLE job = nullptr;  // null when the system refused one: then only the process itself can be ended
+    HANDLE thread = nullptr;    // its first thread
+    HANDLE pipeRead = nullptr;  // for overlapped reading only
+    HANDLE job = nullptr;       // null when the system refused one: then only the process itself can be ended
 };
 
 // Starts `commandLine` in `directory` (empty: ours). False with the Win32 error; nothing is then left behind.

@@ -1,7 +1,9 @@
 #include "build/child_process.h"
 
 #include "files/handles.h"
+#include "files/wide_format.h"
 
+#include <atomic>
 #include <memory>
 #include <utility>
 
@@ -22,6 +24,20 @@ HANDLE CreateEndingJob() {
     limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
     if (!SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof(limits))) CloseAndClear(&job);
     return job;
+}
+
+// A pipe whose read end can be waited for together with other things, which CreatePipe's cannot.
+bool CreateOutputPipe(UniqueHandle* read, UniqueHandle* write) {
+    static std::atomic<unsigned> serial = 0;
+    const std::wstring name = FormatW(L"\\\\.\\pipe\\kvx-editor-%lu-%u", GetCurrentProcessId(), serial.fetch_add(1));
+    read->Reset(
+        CreateNamedPipeW(name.c_str(), PIPE_ACCESS_INBOUND | FILE_FLAG_OVERLAPPED | FILE_FLAG_FIRST_PIPE_INSTANCE,
+                         PIPE_TYPE_BYTE | PIPE_WAIT | PIPE_REJECT_REMOTE_CLIENTS, 1, 0, kPipeBytes, 0, nullptr));
+    if (!*read) return false;
+    SECURITY_ATTRIBUTES inheritable = {.nLength = sizeof(SECURITY_ATTRIBUTES), .bInheritHandle = TRUE};
+    write->Reset(
+        CreateFileW(name.c_str(), GENERIC_WRITE, 0, &inheritable, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    return static_cast<bool>(*write);
 }
 
 // Our own standard input in a form that a child can inherit, or null: a program with a window usually has none.
@@ -91,14 +107,13 @@ bool Release(ChildProcess* child) {
 }  // namespace
 
 bool ChildStart(std::wstring commandLine, const std::wstring& directory, ChildProcess* child, DWORD* error) {
-    SECURITY_ATTRIBUTES inheritable = {.nLength = sizeof(SECURITY_ATTRIBUTES), .bInheritHandle = TRUE};
+    UniqueHandle read;
     UniqueHandle write;
-    ChildProcess started;
-    if (!CreatePipe(&started.pipeRead, write.Put(), &inheritable, kPipeBytes)) {
+    if (!CreateOutputPipe(&read, &write)) {
         *error = GetLastError();
         return false;
     }
-    SetHandleInformation(started.pipeRead, HANDLE_FLAG_INHERIT, 0);
+    ChildProcess started = {.pipeRead = read.Release()};
     UniqueHandle input = InheritableInput();
     PROCESS_INFORMATION process = {};
     bool ok = CreateSuspended(commandLine, directory, write.Get(), input.Get(), &process);

@@ -21,9 +21,11 @@ void OutputFeedStreamEnd();
 // A text of our own, behind everything that waits.
 void OutputFeedMessage(std::wstring text, COLORREF colour);
 
-// The next block. Called on TIMER_OUTPUT, which runs while something waits.
+// The next blocks. Called on TIMER_OUTPUT, which runs while something waits. Repaints, but not every time.
 void OutputFeedShowNext();
-bool OutputFeedIsEmpty();  // everything given so far is shown
+bool OutputFeedIsEmpty();     // everything given so far is in the pane
+void OutputFeedReveal();      // scrolls to the end and repaints now
+bool OutputFeedIsRevealed();  // and nothing of it waits for a repaint
 
 // Before a build: filter, counts and the compiler that diagnostics are put down to.
 void OutputFeedReset(std::uint32_t compilerId);

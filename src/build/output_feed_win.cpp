@@ -21,6 +21,8 @@ constexpr COLORREF kErrorColour = 0x0000FF;    // red
 constexpr COLORREF kWarningColour = 0x00B4B4;  // dark yellow
 constexpr double kSortMs = 20.0;               // spent at most on lines that are not shown at once
 constexpr int kClockEvery = 256;               // lines between looks at the clock
+constexpr double kShowMs = 50.0;               // no new block is begun after so long
+constexpr double kRevealMs = 100.0;            // between repaints
 
 struct Feed {
     OutputQueue queue;
@@ -31,6 +33,8 @@ struct Feed {
     std::deque<PaneLine> ready;   // to be shown before anything of the queue
     std::vector<PaneLine> shown;  // in the pane, for showing again in other colours
     BlockSize block;
+    bool hidden = false;    // lines were added since the last repaint
+    double revealed = 0.0;  // ClockMs of that repaint
 };
 Feed g_feed;
 
@@ -88,6 +92,20 @@ bool NextShown(PaneLine* shown, double started) {
     return found;
 }
 
+// The next lines as one block. False: nothing is left for another.
+bool ShowBlock() {
+    const double started = ClockMs();
+    std::vector<PaneLine> block;
+    PaneLine line;
+    while (block.size() < g_feed.block.lines && NextShown(&line, started)) block.push_back(std::move(line));
+    const double sorted = ClockMs();
+    RichLinesAppend(g_app.hOutput, block);
+    g_feed.hidden = g_feed.hidden || !block.empty();
+    BlockSizeLearn(g_feed.block, block.size(), ClockMs() - sorted);
+    std::move(block.begin(), block.end(), std::back_inserter(g_feed.shown));
+    return !OutputFeedIsEmpty();
+}
+
 }  // namespace
 
 void OutputFeedStream(wchar_t* heapText, COLORREF colour) {
@@ -111,15 +129,23 @@ void OutputFeedMessage(std::wstring text, COLORREF colour) {
 void OutputFeedShowNext() {
     const double started = ClockMs();
     const int errors = g_app.errors.count;
-    std::vector<PaneLine> block;
-    PaneLine line;
-    while (block.size() < g_feed.block.lines && NextShown(&line, started)) block.push_back(std::move(line));
-    const double sorted = ClockMs();
-    RichLinesAppend(g_app.hOutput, block);
-    BlockSizeLearn(g_feed.block, block.size(), ClockMs() - sorted);
-    std::move(block.begin(), block.end(), std::back_inserter(g_feed.shown));
+    bool more = true;
+    while (more && ClockMs() - started < kShowMs) {
+        more = ShowBlock();
+        // Someone types, or another thread waits for an answer.
+        if (HIWORD(GetQueueStatus(QS_INPUT | QS_SENDMESSAGE)) != 0) break;
+    }
+    if (ClockMs() - g_feed.revealed >= kRevealMs) OutputFeedReveal();
     if (g_app.errors.count != errors) ErrorListRefresh();
 }
+
+void OutputFeedReveal() {
+    if (g_feed.hidden) RichLinesReveal(g_app.hOutput);
+    g_feed.hidden = false;
+    g_feed.revealed = ClockMs();
+}
+
+bool OutputFeedIsRevealed() { return !g_feed.hidden; }
 
 bool OutputFeedIsEmpty() { return g_feed.queue.chunks.empty() && g_feed.ready.empty(); }
 

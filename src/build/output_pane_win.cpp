@@ -68,7 +68,8 @@ LRESULT CALLBACK OutputPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
 void SetFormat(HWND pane, WPARAM scope, bool colour) {
     CHARFORMAT2W format = {};
     format.cbSize = sizeof(format);
-    format.dwMask = CFM_FACE | CFM_SIZE | (colour ? CFM_COLOR : 0U);
+    // A Rich Edit starts out with the system font, which is bold.
+    format.dwMask = CFM_FACE | CFM_SIZE | CFM_BOLD | (colour ? CFM_COLOR : 0U);
     format.yHeight = g_app.settings.outputFontSize * 20;  // twips
     format.crTextColor = ThemeCurrentChrome().paneText;
     lstrcpynW(format.szFaceName, g_app.settings.outputFont, static_cast<int>(std::size(format.szFaceName)));
@@ -90,7 +91,9 @@ void OutputPaneAppend(const wchar_t* text, COLORREF colour) {
     const bool nothingWaits = OutputFeedIsEmpty();
     OutputFeedMessage(text, colour);
     // What waits goes first, and the timer is at it.
-    while (nothingWaits && !OutputFeedIsEmpty()) OutputFeedShowNext();
+    if (!nothingWaits) return;
+    while (!OutputFeedIsEmpty()) OutputFeedShowNext();
+    OutputFeedReveal();
 }
 
 void OutputPaneClear() {
@@ -99,7 +102,9 @@ void OutputPaneClear() {
 }
 
 void OutputPaneScrollToEnd() {
-    if (g_app.hOutput != nullptr) SendMessageW(g_app.hOutput, WM_VSCROLL, SB_BOTTOM, 0);
+    if (g_app.hOutput == nullptr) return;
+    SendMessageW(g_app.hOutput, WM_VSCROLL, SB_BOTTOM, 0);
+    SendMessageW(g_app.hOutput, WM_HSCROLL, SB_LEFT, 0);  // inserting behind a long line scrolls to its end
 }
 
 void OutputPaneApplyFont() { PaneApplyFontAndTheme(g_app.hOutput); }

@@ -8,8 +8,10 @@
 #include <cstddef>
 #include <span>
 
-// Adds the lines as one block: one insertion, one scroll, one repaint. A selection that the user made stays.
+// Adds the lines as one block: one insertion, nothing painted. A selection that the user made stays.
 void RichLinesAppend(HWND pane, std::span<const PaneLine> lines);
+// Scrolls to the end and repaints. Painting takes longer the more lines a pane holds, so after several blocks once.
+void RichLinesReveal(HWND pane);
 
 // How many lines the next block should have, learnt from how long the last full ones took.
 struct BlockSize {
