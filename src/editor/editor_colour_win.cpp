@@ -113,7 +113,11 @@ void EditorColourStop(HWND editor) { KillTimer(editor, kTimer); }
 
 bool EditorColourBeforePaint(HWND editor) {
     PaneState* state = PaneStateOf(editor);
-    if (!state || !HasLexer(editor)) return false;
+    if (!state) return false;
+    if (!HasLexer(editor)) {
+        ClaimColoured(editor);  // or every paint would ask
+        return false;
+    }
     const LRESULT length = PaneCall(editor, SCI_GETLENGTH);
     NoticeReset(editor, *state, length);
     if (state->coloured >= length) return false;
