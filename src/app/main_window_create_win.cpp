@@ -29,6 +29,7 @@ constexpr wchar_t kAsmGreeting[] =
     L"ASM output will appear here after compilation.\r\nToggle via View > ASM Pane or the toolbar button.";
 constexpr wchar_t kAiGreeting[] =
     L"AI Chat\r\n========\r\nType a message below and click Send, or use Tools > OpenAI / LM-Studio.\r\n";
+constexpr int kPaneMargin = 6;             // left and right of a pane's text, at 96 dpi
 constexpr UINT kSessionInterval = 300000;  // ms
 
 HMENU ChildId(int id) { return reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)); }
@@ -38,10 +39,12 @@ HWND CreateChild(const wchar_t* className, const wchar_t* text, DWORD exStyle, D
                            ChildId(id), g_app.hInstance, nullptr);
 }
 
-HWND CreateReadOnlyPane(int id, const wchar_t* text) {
-    return CreateChild(
-        MSFTEDIT_CLASS, text, 0,
-        WS_VSCROLL | WS_HSCROLL | ES_MULTILINE | ES_READONLY | ES_NOHIDESEL | ES_AUTOVSCROLL | ES_AUTOHSCROLL, id);
+// `wrap` folds long lines at the pane's width instead of scrolling sideways.
+HWND CreateReadOnlyPane(int id, const wchar_t* text, bool wrap) {
+    return CreateChild(MSFTEDIT_CLASS, text, 0,
+                       WS_VSCROLL | ES_MULTILINE | ES_READONLY | ES_NOHIDESEL | ES_AUTOVSCROLL |
+                           (wrap ? 0U : static_cast<DWORD>(WS_HSCROLL | ES_AUTOHSCROLL)),
+                       id);
 }
 
 void CreatePanes(HWND window) {
@@ -51,11 +54,11 @@ void CreatePanes(HWND window) {
                     WS_VISIBLE | TCS_OWNERDRAWFIXED | TCS_FIXEDWIDTH | TCS_FOCUSNEVER | TCS_TOOLTIPS, IDC_TABS);
     TabBarInit(g_app.hTabCtrl);
     CreateSplitter(window, IDC_SPLIT_OUTPUT);
-    g_app.hOutput = CreateReadOnlyPane(IDC_OUTPUT, nullptr);
+    g_app.hOutput = CreateReadOnlyPane(IDC_OUTPUT, nullptr, false);
     OutputPaneInit(g_app.hOutput);
     CreateSplitter(window, IDC_SPLIT_ASM);
-    g_app.hAsmPane = CreateReadOnlyPane(IDC_ASM, kAsmGreeting);
-    g_app.hAiChat = CreateReadOnlyPane(IDC_AI_CHAT, kAiGreeting);
+    g_app.hAsmPane = CreateReadOnlyPane(IDC_ASM, kAsmGreeting, false);
+    g_app.hAiChat = CreateReadOnlyPane(IDC_AI_CHAT, kAiGreeting, true);
     g_app.hAiInput = CreateChild(WC_EDITW, nullptr, WS_EX_CLIENTEDGE, WS_TABSTOP | ES_AUTOHSCROLL, IDC_AI_INPUT);
     g_app.hAiSend = CreateChild(WC_BUTTONW, L"Send", 0, WS_TABSTOP | BS_PUSHBUTTON | WS_DISABLED, IDC_AI_SEND);
     g_app.hStickyHeader = CreateChild(WC_STATICW, nullptr, 0, WS_VISIBLE | SS_OWNERDRAW, IDC_STICKY_HEADER);
@@ -124,6 +127,9 @@ void MainWnd_ApplyTheme() {
     PaneApplyFontAndTheme(g_app.hAsmPane);
     PaneApplyFontAndTheme(g_app.hAiChat);
     ProjectTreeApplyTheme();
+    const int margin = MulDiv(kPaneMargin, g_app.dpi, 96);
+    for (HWND pane : {g_app.hOutput, g_app.hAsmPane, g_app.hAiChat})
+        SendMessageW(pane, EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, MAKELPARAM(margin, margin));
     for (HWND child : {g_app.hAiInput, g_app.hAiSend})
         SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), TRUE);
     RedrawWindow(g_app.hMainWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);

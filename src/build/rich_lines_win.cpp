@@ -59,8 +59,8 @@ void RichLinesAppend(HWND pane, std::span<const PaneLine> lines) {
 
 void RichLinesReveal(HWND pane) {
     if (pane == nullptr) return;
-    SendMessageW(pane, WM_VSCROLL, SB_BOTTOM, 0);
     SendMessageW(pane, WM_HSCROLL, SB_LEFT, 0);  // inserting behind a long line scrolls to its end
+    SendMessageW(pane, WM_VSCROLL, SB_BOTTOM, 0);
     InvalidateRect(pane, nullptr, TRUE);
 }
 
