@@ -32,6 +32,7 @@ struct CommandView {
     int style = 0;     // style preset, 0 = none
     int compiler = 0;  // CompilerId
     int profile = 0;
+    bool operator==(const CommandView&) const = default;
 };
 
 struct CommandState {

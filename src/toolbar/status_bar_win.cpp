@@ -25,28 +25,28 @@ constexpr std::array<int, kPartCount> kWidths = {0, 96, 130, 110, 64, 52, 168};
 constexpr int kMinimumMessage = 140;
 constexpr Part kGiveUpOrder[] = {kSelection, kProgress, kLineEnding, kEncoding};
 
+// What the control shows. Kept here as well, because every key compares and every paint draws them: a message to a
+// subclassed window is not for free.
+std::array<std::wstring, kPartCount> g_texts;
+
 int Scaled(int length) { return MulDiv(length, g_app.dpi, 96); }
 
 void SetPart(int part, const std::wstring& text) {
-    if (g_app.hStatusBar == nullptr) return;
-    wchar_t shown[512] = {};
-    if (LOWORD(SendMessageW(g_app.hStatusBar, SB_GETTEXTLENGTHW, static_cast<WPARAM>(part), 0)) < std::size(shown))
-        SendMessageW(g_app.hStatusBar, SB_GETTEXTW, static_cast<WPARAM>(part), reinterpret_cast<LPARAM>(shown));
-    if (text != shown)
-        SendMessageW(g_app.hStatusBar, SB_SETTEXTW, static_cast<WPARAM>(part | SBT_NOBORDERS),
-                     reinterpret_cast<LPARAM>(text.c_str()));
+    std::wstring& shown = g_texts[static_cast<std::size_t>(part)];
+    if (g_app.hStatusBar == nullptr || text == shown) return;
+    shown = text;
+    SendMessageW(g_app.hStatusBar, SB_SETTEXTW, static_cast<WPARAM>(part | SBT_NOBORDERS),
+                 reinterpret_cast<LPARAM>(text.c_str()));
 }
 
 void PaintPart(HDC dc, int part, const RECT& area, const ThemeChrome& chrome) {
     if (area.right <= area.left) return;
-    wchar_t text[512] = {};
-    if (LOWORD(SendMessageW(g_app.hStatusBar, SB_GETTEXTLENGTHW, static_cast<WPARAM>(part), 0)) < std::size(text))
-        SendMessageW(g_app.hStatusBar, SB_GETTEXTW, static_cast<WPARAM>(part), reinterpret_cast<LPARAM>(text));
+    const std::wstring& text = g_texts[static_cast<std::size_t>(part)];
     RECT inner = area;
     inner.left += Scaled(8);
     inner.right -= Scaled(4);
     SetTextColor(dc, part == kProgress ? chrome.accent : chrome.statusText);
-    DrawTextW(dc, text, -1, &inner, DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | DT_NOPREFIX);
+    DrawTextW(dc, text.c_str(), -1, &inner, DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | DT_NOPREFIX);
     if (part != kMessage && part != kProgress) {
         RECT line = {area.left, area.top + Scaled(5), area.left + 1, area.bottom - Scaled(5)};
         HBRUSH brush = CreateSolidBrush(chrome.line);

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
+#include <optional>
 #include <string>
 
 namespace {
@@ -253,7 +254,9 @@ void ToolbarApplyTheme() {
     g_disabledImages = RenderImages(false);
     SendMessageW(g_app.hToolbar, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(g_images));
     SendMessageW(g_app.hToolbar, TB_SETDISABLEDIMAGELIST, 0, reinterpret_cast<LPARAM>(g_disabledImages));
-    SendMessageW(g_app.hToolbar, TB_SETBUTTONSIZE, 0, MAKELPARAM(Scaled(kButtonSize), Scaled(kButtonSize)));
+    // As high as the bar, above its hairline: the pictures then stand in its middle.
+    SendMessageW(g_app.hToolbar, TB_SETINDENT, static_cast<WPARAM>(Scaled(kBarPadding)), 0);
+    SendMessageW(g_app.hToolbar, TB_SETBUTTONSIZE, 0, MAKELPARAM(Scaled(kButtonSize), ToolbarHeight() - 1));
     SendMessageW(g_app.hToolbar, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
     ToolbarUpdateCompiler();
     SizeButtons();
@@ -289,6 +292,10 @@ void ToolbarUpdateAi() {
 }
 
 void ToolbarApplyState(const CommandView& view) {
+    // Asked at every key, and asking each button costs more than the key itself.
+    static std::optional<CommandView> applied;
+    if (applied == view) return;
+    applied = view;
     for (const ButtonRow& row : kButtons) {
         if (row.command == 0) continue;
         const CommandState state = CommandStateOf(row.command, view);
