@@ -12,7 +12,7 @@ struct TreeEntry {
 };
 
 // A folder of more entries than this is shown in part: filling a tree view takes time that grows with the items.
-inline constexpr std::size_t kTreeMaxShown = 5000;
+inline constexpr std::size_t kTreeMaxShown = 2000;
 // Reading a folder stops here, so that no folder can take the memory.
 inline constexpr std::size_t kTreeMaxRead = 200000;
 
