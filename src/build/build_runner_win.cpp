@@ -296,7 +296,7 @@ int CompilerBuild(std::uint32_t id, const wchar_t* source, const wchar_t* output
 
 int BuildStart(const BuildOrder& order) {
     if (g_starting || CompilerIsBuilding()) return 0;
-    StageSettle();
+    StageSettle(!order.keepPane);
     if (CompilerIsBuilding()) return 0;
     if (!IsTabIndex(g_app.activeTab)) {
         OutputPaneClear();

@@ -30,8 +30,9 @@ struct StageResult {
 // False with the Win32 error: nothing was started, nothing is left behind, the staged copy is gone.
 bool StageStart(StageLaunch launch, DWORD* error);
 
-// Takes what the last stage has posted and shows it, so that its end is reported now. A no-op while one runs.
-void StageSettle();
+// Takes what the last stage has posted and shows it, so that its end is reported now. With `dropOutput` it is not shown:
+// for a caller that clears the pane next, where showing the rest of a flood would take seconds. A no-op while one runs.
+void StageSettle(bool dropOutput);
 
 // Something waits to be shown in a pane: TIMER_OUTPUT runs until nothing does.
 void ShowTimerStart();

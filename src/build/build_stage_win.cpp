@@ -133,11 +133,12 @@ bool CompilerIsBuilding() {
     return g_app.build.building || g_app.build.preparing;
 }
 
-void StageSettle() {
+void StageSettle(bool dropOutput) {
     if (CompilerIsBuilding()) return;
     MSG message = {};
     while (PeekMessageW(&message, g_app.hMainWnd, MSG_BUILD_OUTPUT, MSG_BUILD_FINISHED, PM_REMOVE))
         DispatchMessageW(&message);
+    if (dropOutput) OutputFeedForget();
     while (!OutputFeedIsEmpty()) OutputFeedShowNext();
     DeliverEnd();
 }

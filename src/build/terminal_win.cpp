@@ -70,7 +70,7 @@ void Run(HWND window) {
         StatusBarSetText(L"Something still runs: stop it first (Ctrl+Break).");
         return;
     }
-    StageSettle();
+    StageSettle(false);
     if (CompilerIsBuilding()) return;
     Remember(command);
     SetWindowTextW(window, L"");
