@@ -114,7 +114,7 @@ struct Editor {
 
     // Real input
     void Foreground() const;
-    void Keys(std::initializer_list<int> keys) const;    // pressed in order, released in reverse
+    void Keys(std::initializer_list<int> keys) const;    // the last one while the others are held
     void Drag(HWND window, POINT from, POINT to) const;  // client coordinates of the window
     void Click(HWND window, POINT at, DWORD down = MOUSEEVENTF_LEFTDOWN, int times = 1) const;
 

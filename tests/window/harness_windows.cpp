@@ -278,20 +278,32 @@ void Editor::Foreground() const {
     })) << "the window does not come to the foreground";
 }
 
+// The last one with the others held. Wine lets go of held keys when the X focus moves, as it does a moment after a dialog
+// has gone: only keys that stayed down for a while count, and until then nothing is typed.
 void Editor::Keys(std::initializer_list<int> keys) const {
-    // A dialog that has just gone leaves the keyboard nowhere for a moment.
-    EXPECT_TRUE(WaitFor([&] { return GetForegroundWindow() == main && Focus(); })) << "no window for the keys";
-    INPUT input{};
-    input.type = INPUT_KEYBOARD;
-    for (int key : keys) {
+    const std::vector<int> held(keys.begin(), keys.end() - 1);
+    const auto send = [](int key, DWORD flags) {
+        INPUT input{};
+        input.type = INPUT_KEYBOARD;
         input.ki.wVk = static_cast<WORD>(key);
+        input.ki.dwFlags = flags;
         SendOne(input);
-    }
-    input.ki.dwFlags = KEYEVENTF_KEYUP;
-    for (auto key = std::rbegin(keys); key != std::rend(keys); ++key) {
-        input.ki.wVk = static_cast<WORD>(*key);
-        SendOne(input);
-    }
+    };
+    const auto release = [&] {
+        for (auto key = held.rbegin(); key != held.rend(); ++key) send(*key, KEYEVENTF_KEYUP);
+    };
+    EXPECT_TRUE(WaitFor([&] {
+        if (GetForegroundWindow() != main || !Focus()) return false;
+        for (int key : held) send(key, 0);
+        Sleep(held.empty() ? 0 : 70);  // the system looks at most every 50 ms at what other processes press
+        if (std::all_of(held.begin(), held.end(), [](int key) { return GetAsyncKeyState(key) < 0; })) return true;
+        release();
+        return false;
+    })) << "the keys do not stay pressed\n"
+        << Describe();
+    send(keys.end()[-1], 0);
+    send(keys.end()[-1], KEYEVENTF_KEYUP);
+    release();
 }
 
 void Editor::Drag(HWND window, POINT from, POINT to) const {
