@@ -30,6 +30,9 @@ FUNCTION PBMAIN () AS LONG
         CASE ELSE
             PRINT "high"
     END SELECT
+    WHILE total > 13
+        total = total - 1
+    WEND
     DO
         total = total - 5
         IF total < 5 THEN EXIT DO

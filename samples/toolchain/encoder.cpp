@@ -75,10 +75,10 @@ uint8_t RegField(const Instr& instr, Reg reg) {
 }
 
 // A value to XOR with so that neither part holds the trap byte; 0 when the value is free of it.
-uint64_t SplitKey(uint64_t value, int bytes) {
-    uint64_t key = 0;
-    for (int i = 0; i < bytes; ++i)
-        if (static_cast<uint8_t>(value >> (8 * i)) == kTrap) key |= uint64_t{1} << (8 * i);
+uint32_t SplitKey(uint32_t value) {
+    uint32_t key = 0;
+    for (int i = 0; i < 4; ++i)
+        if (static_cast<uint8_t>(value >> (8 * i)) == kTrap) key |= 1u << (8 * i);
     return key;
 }
 
@@ -102,7 +102,7 @@ void Branch(Encoder& e, std::initializer_list<uint8_t> opcode, std::string_view 
 
 }  // namespace
 
-bool HasTrapByte(uint32_t value) { return SplitKey(value, 4) != 0; }
+bool HasTrapByte(uint32_t value) { return SplitKey(value) != 0; }
 
 uint32_t Offset(const Encoder& e) { return static_cast<uint32_t>(e.code.size()); }
 
@@ -145,7 +145,7 @@ void PutBytes(Encoder& e, std::string_view text, std::initializer_list<uint8_t> 
 
 void MoveNumber(Encoder& e, Reg reg, int32_t value) {
     const uint32_t bits = static_cast<uint32_t>(value);
-    const uint32_t key = e.traps ? static_cast<uint32_t>(SplitKey(bits, 4)) : 0;
+    const uint32_t key = e.traps ? SplitKey(bits) : 0;
     const std::string name = RegName(e, reg, false);
     Note(e, "mov " + name + ", " + std::to_string(static_cast<int32_t>(bits ^ key)));
     if (reg >= R8) Byte(e, 0x41);
@@ -159,18 +159,10 @@ void MoveNumber(Encoder& e, Reg reg, int32_t value) {
 }
 
 void MoveNumber64(Encoder& e, int64_t value) {
-    const uint64_t bits = static_cast<uint64_t>(value);
-    const uint64_t key = e.traps ? SplitKey(bits, 8) : 0;
-    const auto move = [&e](Reg reg, uint64_t part) {
-        Note(e, "mov " + RegName(e, reg, true) + ", " + std::to_string(static_cast<int64_t>(part)));
-        Byte(e, 0x48);
-        Byte(e, static_cast<uint8_t>(0xB8 + reg));
-        for (int i = 0; i < 8; ++i) Byte(e, static_cast<uint8_t>(part >> (8 * i)));
-    };
-    move(AX, bits ^ key);
-    if (key == 0) return;
-    move(CX, key);
-    Put(e, op::Xor, true, AX, CX);
+    Note(e, "mov rax, " + std::to_string(value));
+    Byte(e, 0x48);
+    Byte(e, 0xB8);
+    for (int i = 0; i < 8; ++i) Byte(e, static_cast<uint8_t>(value >> (8 * i)));
 }
 
 void CompareByte(Encoder& e, bool wide, Reg reg, int8_t value) {

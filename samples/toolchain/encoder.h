@@ -110,7 +110,7 @@ void PutOne(Encoder& e, const Instr& instr, Mem mem);            // push, call, 
 void PutBytes(Encoder& e, std::string_view text, std::initializer_list<uint8_t> bytes);
 
 void MoveNumber(Encoder& e, Reg reg, int32_t value);  // upper half of a 64-bit register becomes 0
-void MoveNumber64(Encoder& e, int64_t value);         // rax, x64 only; may change rcx
+void MoveNumber64(Encoder& e, int64_t value);         // rax, x64 only, where there are no traps
 void CompareByte(Encoder& e, bool wide, Reg reg, int8_t value);
 void AddStack(Encoder& e, int32_t bytes);  // positive frees
 void ShiftRightSigned(Encoder& e, Reg reg, uint8_t bits);

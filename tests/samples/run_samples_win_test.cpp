@@ -239,8 +239,8 @@ TEST(RunSamples, TrapsAreMetInTheOrderOfExecution) {
         const auto at = std::find(traps.begin(), traps.end(), rva);
         met.push_back(at == traps.end() ? 0 : lines[static_cast<size_t>(at - traps.begin())]);
     }
-    const std::vector<int> wanted = {10, 12, 13, 14, 15, 16, 13, 14, 15, 16, 13, 14, 15, 16, 18, 20,
-                                     21, 22, 26, 27, 28, 29, 32, 33, 34, 35, 36, 34, 35, 37, 38, 39};
+    const std::vector<int> wanted = {10, 12, 13, 14, 15, 16, 13, 14, 15, 16, 13, 14, 15, 16, 18, 20, 21, 22,
+                                     26, 27, 28, 29, 32, 33, 34, 35, 33, 36, 37, 38, 39, 37, 38, 40, 41, 42};
     EXPECT_EQ(met, wanted);
 }
 
@@ -257,8 +257,8 @@ TEST(RunSamples, MappedAddressesAreMetInTheOrderOfExecution) {
         met.push_back(
             Number(sdbg, 12 + 12 * static_cast<size_t>(std::find(rvas.begin(), rvas.end(), rva) - rvas.begin())));
     // First visits only, since each breakpoint goes when met; the called function's lines come in between.
-    const std::vector<uint32_t> wanted = {9,  12, 13, 3,  5,  6,  7,  14, 15, 16, 18, 20,
-                                          22, 26, 27, 28, 29, 34, 35, 36, 35, 37, 38, 39};
+    const std::vector<uint32_t> wanted = {9,  12, 13, 3,  5,  6,  7,  14, 15, 16, 18, 20, 22, 26,
+                                          27, 28, 29, 33, 34, 35, 37, 38, 39, 38, 40, 41, 42};
     EXPECT_EQ(met, wanted);
 }
 

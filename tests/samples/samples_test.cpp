@@ -188,7 +188,10 @@ TEST(LineMaps, SdbgCoversEveryStatementInOrder) {
 
 // A PBMAIN whose operands, frame offsets, strings, jumps and line numbers would hold CC bytes by themselves.
 std::string TrapTorture() {
-    std::string body = "LOCAL q AS QUAD, d AS DOUBLE, i, j AS LONG\nSTATIC far(203) AS LONG\nLOCAL near(204) AS QUAD\n";
+    std::string body =
+        "LOCAL q AS QUAD, d AS DOUBLE, i, j AS LONG\nSTATIC far(203) AS LONG\nLOCAL near(204) AS QUAD\n"
+        "LOCAL wide(1399) AS QUAD\n";
+    for (int i = 0; i < 60; ++i) body += "STATIC s" + std::to_string(i) + " AS QUAD\ns" + std::to_string(i) + " = 1\n";
     for (int i = 0; i < 60; ++i) body += "LOCAL v" + std::to_string(i) + " AS LONG\n";
     for (int i = 0; i < 60; ++i) body += "v" + std::to_string(i) + " = &HCC + " + std::to_string(i) + "\n";
     body += "i = &HCCCCCCCC\nq = &HCCCCCCCCCCCCCCCC\nd = 1.75E-60 + 204\nnear(204) = q\nfar(204 - 1) = i\nREM:\n";
@@ -201,13 +204,14 @@ std::string TrapTorture() {
                 "\ni = i - 1\nWEND\nNEXT j\nSELECT CASE i\nCASE 204\nPRINT near(i)\nCASE ELSE\n" +
                 "q = q * i\nEND SELECT\nDO\nq = q \\ 2\nLOOP UNTIL q < 204\n";
     }
-    return "' comment\n\nDIM early(50) AS LONG\nSUB PBMAIN\n" + body + "Wide(" + Repeat("1, ", 25) +
-           "1)\nEND SUB\nSUB Wide(" +
-           [] {
-               std::string list;
-               for (int i = 0; i < 26; ++i) list += (i ? ", BYVAL p" : "BYVAL p") + std::to_string(i) + " AS QUAD";
-               return list;
-           }() +
+    // Forward jumps over bodies of many lengths, and strings beyond offset CC00 of the data.
+    for (int length = 0; length < 256; ++length)
+        body += "IF i THEN\n" + Repeat("i = 1\n", length % 16) + "ELSE\n" + Repeat("q = 1\n", length / 16) + "END IF\n";
+    body += Repeat("PRINT \"" + std::string(220, 'y') + "\"\n", 240);
+    body += "Wide(" + Repeat("1, ", 25) + "1)\n";  // 204 bytes of arguments
+    std::string parameters = "BYVAL last AS LONG";
+    for (int i = 0; i < 25; ++i) parameters = "BYVAL p" + std::to_string(i) + " AS QUAD, " + parameters;
+    return "' comment\n\nDIM early(50) AS LONG\nSUB PBMAIN\n" + body + "END SUB\nSUB Wide(" + parameters +
            ")\n  PRINT 204\nEND SUB\n";
 }
 
