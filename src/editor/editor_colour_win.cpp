@@ -54,6 +54,15 @@ void NoticeReset(HWND editor, PaneState& state, LRESULT length) {
     if (styled < length) state.coloured = std::min(state.coloured, styled);
 }
 
+// SCI_COLOURISE asks for a repaint of everything, even when nothing that can be seen has changed. Taking the request
+// back is half of it: Scintilla remembers that it asked, and asks for no more until it has painted - here, nothing.
+void CancelRepaint(HWND editor, PaneState& state) {
+    ValidateRect(editor, nullptr);
+    state.emptyPaint = true;
+    SendMessageW(editor, WM_PAINT, 0, 0);
+    state.emptyPaint = false;
+}
+
 // One slice. True when some of the document is still uncoloured.
 bool ColourSlice(HWND editor, PaneState& state) {
     const LRESULT length = PaneCall(editor, SCI_GETLENGTH);
@@ -71,10 +80,9 @@ bool ColourSlice(HWND editor, PaneState& state) {
     const double began = Seconds();
     const VisibleRange visible = VisibleText(editor);
     PaneCall(editor, SCI_COLOURISE, static_cast<WPARAM>(from), to);
-    // SCI_COLOURISE asks for a repaint of everything, even of what cannot be seen.
-    if (from >= visible.end || to <= visible.start) ValidateRect(editor, nullptr);
     ClaimColoured(editor);
     state.coloured = to;
+    if (from >= visible.end || to <= visible.start) CancelRepaint(editor, state);
     const double took = Seconds() - began;
     const double scale = took > 0 ? std::clamp(kSliceSeconds / took, 0.5, 2.0) : 2.0;
     state.colourChunk = std::clamp(static_cast<std::size_t>(static_cast<double>(state.colourChunk) * scale),

@@ -10,6 +10,8 @@
 #include "scintilla/sci.h"
 
 #include <algorithm>
+#include <functional>
+#include <string_view>
 
 namespace {
 
@@ -94,7 +96,6 @@ void EditorPaneUpdateLineMargin(HWND editor) {
     if (g_app.settings.showLineNumbers) {
         width = Scaled(kLineMarginWidth);
         const int digits = DigitsOf(SciSend(editor, SCI_GETLINECOUNT, 0, 0));
-        if (PaneState* state = PaneStateOf(editor)) state->marginDigits = digits;
         // Wider only for what would not fit: more digits, a large font, a zoomed view.
         char sample[32] = {};
         std::fill_n(sample, digits, '9');
@@ -102,6 +103,18 @@ void EditorPaneUpdateLineMargin(HWND editor) {
         width = std::max(width, static_cast<int>(needed) + Scaled(kLineMarginPadding));
     }
     if (SciSend(editor, SCI_GETMARGINWIDTHN, 0, 0) != width) SciSend(editor, SCI_SETMARGINWIDTHN, 0, width);
+}
+
+void EditorPaneCheckLineMargin(HWND editor) {
+    PaneState* state = PaneStateOf(editor);
+    if (!state || !g_app.settings.showLineNumbers) return;
+    const LineMarginBasis basis = {.digits = DigitsOf(PaneCall(editor, SCI_GETLINECOUNT)),
+                                   .zoom = static_cast<int>(PaneCall(editor, SCI_GETZOOM)),
+                                   .fontSize = g_app.settings.fontSize,
+                                   .font = std::hash<std::wstring_view>()(g_app.settings.fontName)};
+    if (basis == state->lineMargin) return;
+    state->lineMargin = basis;
+    EditorPaneUpdateLineMargin(editor);
 }
 
 void EditorPaneApplySettings(HWND editor) {
@@ -192,9 +205,4 @@ void EditorPaneOnModified(HWND editor, const SCNotification& change) {
     }
     StickyHeaderForget(editor, line, static_cast<int>(change.linesAdded));
     EditorColourRestart(editor, change.position);
-    if (change.linesAdded == 0) return;
-    const PaneState* state = PaneStateOf(editor);
-    if (state && DigitsOf(PaneCall(editor, SCI_GETLINECOUNT, 0, 0)) != state->marginDigits) {
-        EditorPaneUpdateLineMargin(editor);
-    }
 }

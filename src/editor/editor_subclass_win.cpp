@@ -83,6 +83,9 @@ bool IsUnwantedCharacter(WPARAM character) {
 }
 
 LRESULT OnPaint(HWND pane, WPARAM wParam, LPARAM lParam) {
+    const PaneState* state = PaneStateOf(pane);
+    if (state && state->emptyPaint) return DefSubclassProc(pane, WM_PAINT, wParam, lParam);
+    EditorPaneCheckLineMargin(pane);
     const bool colours = EditorColourBeforePaint(pane);
     EditorPaneMarkInlineRegions(pane);
     const LRESULT result = DefSubclassProc(pane, WM_PAINT, wParam, lParam);

@@ -9,13 +9,23 @@
 
 #include <cstddef>
 
+// What the width of the line-number margin depends on.
+struct LineMarginBasis {
+    int digits = 0;
+    int zoom = 0;
+    int fontSize = 0;
+    std::size_t font = 0;  // hash of its name
+    bool operator==(const LineMarginBasis&) const = default;
+};
+
 struct PaneState {
     SciFnDirect call = nullptr;  // Scintilla's own entry, past the message queue, and its first argument
     sptr_t callPointer = 0;
+    bool emptyPaint = false;  // a paint of nothing is under way: no preparations
     bool bracesShown = false;
     bool inlineShown = false;     // some of the document is marked as inline assembly
     StickyCache sticky;           // what is known about procedure lines above the caret
-    int marginDigits = 0;         // digits that the line-number margin has room for
+    LineMarginBasis lineMargin;   // what the line-number margin was last measured for
     LRESULT coloured = 0;         // everything before this position has its colours
     bool colouring = false;       // the idle timer runs
     std::size_t colourChunk = 0;  // bytes that one idle slice of colouring takes on
@@ -43,6 +53,8 @@ void EditorColourStop(HWND editor);
 
 // Width of the line-number margin for the settings, the font and the number of lines.
 void EditorPaneUpdateLineMargin(HWND editor);
+// The same when any of that has changed since; before every paint.
+void EditorPaneCheckLineMargin(HWND editor);
 
 // A change of text that begins on `line`: what the sticky header must look at again.
 void StickyHeaderForget(HWND editor, int line, int linesAdded);
