@@ -162,11 +162,13 @@ void ApplyViewToEditors() {
     }
 }
 
-// A change of theme concerns every window of the frame: the command that the user would give does all of it.
+// A change of theme concerns every window of the frame. The command that the user would give does all of it, but only
+// when it finds the old theme still set; a number that is no theme counts as the light one.
 void ApplyThemeChange(std::int32_t before) {
-    const std::int32_t now = g_app.settings.theme;
-    if (now != before && (now == 0 || now == 1)) {
-        PostMessageW(g_app.hMainWnd, WM_COMMAND, now == 1 ? IDM_VIEW_DARK_THEME : IDM_VIEW_LIGHT_THEME, 0);
+    const bool isDark = g_app.settings.theme == 1;
+    if (isDark != (before == 1)) {
+        g_app.settings.theme = before;
+        SendMessageW(g_app.hMainWnd, WM_COMMAND, isDark ? IDM_VIEW_DARK_THEME : IDM_VIEW_LIGHT_THEME, 0);
     }
 }
 

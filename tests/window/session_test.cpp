@@ -75,7 +75,7 @@ TEST(Session, AMissingFileShiftsLaterPlaces) {
     ProgramFolder folder;
     const std::wstring a = folder.Write(L"a.bas", Lines(20)), c = folder.Write(L"c.bas", Lines(20));
     folder.Write(kSession,
-                 "[Session]\nVersion=1\nActiveTab=0\nTreeWidth=500\nEditorZoom=3\nWordWrap=1\n"
+                 "[Session]\nVersion=1\nActiveTab=0\nTheme=1\nTreeWidth=500\nEditorZoom=3\nWordWrap=1\n"
                  "[File1]\nPath=" +
                      Utf8(a) +
                      "\nCursor =9\nCursor=7\n"
@@ -93,6 +93,7 @@ TEST(Session, AMissingFileShiftsLaterPlaces) {
     EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 7);
     EXPECT_EQ(editor.Sci(SCI_GETZOOM), 3);
     EXPECT_EQ(editor.Sci(SCI_GETWRAPMODE), 1);
+    EXPECT_EQ(folder.Ini(L"Editor", L"Theme"), L"1");
     EXPECT_EQ(folder.Ini(L"Project", L"ProjectTreeWidth"), L"200") << "limited, and the settings are saved";
     editor.Do(IDM_NEXT_TAB);
     EXPECT_EQ(editor.TabLabel(1), L"c.bas");
