@@ -25,9 +25,7 @@ std::uint32_t EditorConditions() {
     add(SciSend(tab.editor, SCI_CANUNDO) != 0, kCanUndo);
     add(SciSend(tab.editor, SCI_CANREDO) != 0, kCanRedo);
     add(SciSend(tab.editor, SCI_GETSELECTIONEMPTY) == 0, kHasSelection);
-    add(SciSend(tab.editor, SCI_CANPASTE) != 0, kCanPaste);
     add(tab.hasFile, kHasFile);
-    add(tab.modified, kModified);
     add(LexerFromExtension(tab.path) == Language::Basic, kBasicSource);
     return conditions;
 }

@@ -23,7 +23,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_EDIT_REDO, kCanRedo},
     {IDM_EDIT_CUT, kHasSelection},
     {IDM_EDIT_COPY, kHasSelection},
-    {IDM_EDIT_PASTE, kCanPaste},
+    {IDM_EDIT_PASTE, kHasTab},
     {IDM_EDIT_SELECT_ALL, kEdits},
     {IDM_EDIT_FIND, kEdits},
     {IDM_EDIT_REPLACE, kEdits},

@@ -12,9 +12,7 @@ enum CommandCondition : std::uint32_t {
     kCanUndo = 1u << 1,
     kCanRedo = 1u << 2,
     kHasSelection = 1u << 3,
-    kCanPaste = 1u << 4,
     kHasFile = 1u << 5,
-    kModified = 1u << 6,
     kAnyModified = 1u << 7,
     kIdle = 1u << 8,  // no build runs
     kBuilding = 1u << 9,
