@@ -1,3 +1,4 @@
+// One pass over each procedure, top down; expressions are rewritten in place, so that the generator sees only resolved kinds.
 #include "checker.h"
 
 #include <algorithm>

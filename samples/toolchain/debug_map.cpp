@@ -1,3 +1,4 @@
+// Line maps as bytes. What counts as a statement line is the reader's rule, so it looks at the text, not at the tree.
 #include "debug_map.h"
 
 #include "lexer.h"

@@ -1,3 +1,4 @@
+// The command lines of the five and the order of a run: read, parse, check, generate, link, write, report.
 #include "driver.h"
 
 #include "checker.h"

@@ -1,3 +1,4 @@
+// The bytes of each instruction and, when a listing is wanted, its text beside them.
 #include "encoder.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Joins three lists that ascend by offset: source lines, instruction texts, code bytes.
 #include "listing.h"
 
 #include <array>
