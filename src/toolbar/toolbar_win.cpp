@@ -62,6 +62,7 @@ constexpr int kArrowWidth = 30;  // the arrow of the compiler button and the air
 
 HIMAGELIST g_images = nullptr;
 HIMAGELIST g_disabledImages = nullptr;
+std::optional<CommandView> g_applied;  // what the buttons show; nothing: not known
 
 int Scaled(int length) { return MulDiv(length, g_app.dpi, 96); }
 
@@ -226,6 +227,7 @@ LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
         DeleteObject(line);
         return 1;
     }
+    if (message == WM_LBUTTONUP) g_applied.reset();  // a click turns a check button over by itself
     if (message == WM_NCDESTROY) RemoveWindowSubclass(window, ToolbarProc, 1);
     return DefSubclassProc(window, message, wParam, lParam);
 }
@@ -292,10 +294,9 @@ void ToolbarUpdateAi() {
 }
 
 void ToolbarApplyState(const CommandView& view) {
-    // Asked at every key, and asking each button costs more than the key itself.
-    static std::optional<CommandView> applied;
-    if (applied == view) return;
-    applied = view;
+    // Called at every key, and asking each button costs more than the key itself.
+    if (g_applied == view) return;
+    g_applied = view;
     for (const ButtonRow& row : kButtons) {
         if (row.command == 0) continue;
         const CommandState state = CommandStateOf(row.command, view);
