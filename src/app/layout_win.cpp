@@ -57,12 +57,14 @@ void Place(HDWP& moves, HWND child, const PaneRect& area) {
 }
 
 void PlaceAll(const PaneLayout& layout) {
+    PaneRect toolbar = layout.toolbar;
+    if (!toolbar.empty()) toolbar.top += ToolbarInset();  // the window paints the strip above it
     HDWP moves = BeginDeferWindowPos(18);
     const struct {
         HWND child;
         const PaneRect& area;
     } places[] = {
-        {g_app.hToolbar, layout.toolbar},
+        {g_app.hToolbar, toolbar},
         {g_app.hTabCtrl, layout.tabs},
         {g_app.hStickyHeader, layout.sticky},
         {GetDlgItem(g_app.hMainWnd, IDC_SPLIT_OUTPUT), layout.outputSplitter},

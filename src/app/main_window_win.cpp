@@ -9,6 +9,7 @@
 #include "resources/ids.h"
 #include "session/session.h"
 #include "tabs/tab_bar.h"
+#include "toolbar/toolbar.h"
 
 namespace {
 
@@ -50,12 +51,20 @@ LRESULT OnColour(HDC dc) {
     return reinterpret_cast<LRESULT>(GetStockObject(DC_BRUSH));
 }
 
+void FillArea(HDC dc, const RECT& area, COLORREF colour) {
+    HBRUSH brush = CreateSolidBrush(colour);
+    FillRect(dc, &area, brush);
+    DeleteObject(brush);
+}
+
 LRESULT OnErase(HWND window, HDC dc) {
     RECT area = {};
     GetClientRect(window, &area);
-    HBRUSH brush = CreateSolidBrush(ThemeIsDark() ? ThemeCurrentChrome().windowBack : kBackground);
-    FillRect(dc, &area, brush);
-    DeleteObject(brush);
+    FillArea(dc, area, ThemeIsDark() ? ThemeCurrentChrome().windowBack : kBackground);
+    if (g_app.settings.showToolbar != 0) {
+        area.bottom = area.top + ToolbarInset();
+        FillArea(dc, area, ThemeCurrentChrome().statusBack);
+    }
     return 1;
 }
 

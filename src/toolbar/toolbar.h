@@ -14,6 +14,9 @@ void ToolbarUpdateCompiler();  // the compiler button's text
 void ToolbarUpdateAi();        // the sidebar button's check mark
 void ToolbarApplyState(const CommandView& view);
 
+// Pixels above the buttons that put them in the middle of the bar: versions of the control differ in how high they make
+// a button, whatever they are told.
+int ToolbarInset();
 int ToolbarHeight();  // pixels at the current DPI
 // WM_NOTIFY of the bar and of its tooltips; true when handled, `result` then holds the answer.
 bool ToolbarHandleNotify(const NMHDR& header, LRESULT* result);

@@ -58,7 +58,7 @@ constexpr int kIconSize = 16;
 constexpr int kButtonSize = 28;
 constexpr int kBarPadding = 3;
 constexpr int kGap = 9;
-constexpr int kArrowWidth = 30;  // the arrow of the compiler button and the air around its text
+constexpr int kArrowWidth = 48;  // the arrow of the compiler button and the air around its text
 
 HIMAGELIST g_images = nullptr;
 HIMAGELIST g_disabledImages = nullptr;
@@ -256,9 +256,8 @@ void ToolbarApplyTheme() {
     g_disabledImages = RenderImages(false);
     SendMessageW(g_app.hToolbar, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(g_images));
     SendMessageW(g_app.hToolbar, TB_SETDISABLEDIMAGELIST, 0, reinterpret_cast<LPARAM>(g_disabledImages));
-    // As high as the bar, above its hairline: the pictures then stand in its middle.
     SendMessageW(g_app.hToolbar, TB_SETINDENT, static_cast<WPARAM>(Scaled(kBarPadding)), 0);
-    SendMessageW(g_app.hToolbar, TB_SETBUTTONSIZE, 0, MAKELPARAM(Scaled(kButtonSize), ToolbarHeight() - 1));
+    SendMessageW(g_app.hToolbar, TB_SETBUTTONSIZE, 0, MAKELPARAM(Scaled(kButtonSize), Scaled(kButtonSize)));
     SendMessageW(g_app.hToolbar, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
     ToolbarUpdateCompiler();
     SizeButtons();
@@ -307,6 +306,11 @@ void ToolbarApplyState(const CommandView& view) {
         if (wanted != now)
             SendMessageW(g_app.hToolbar, TB_SETSTATE, static_cast<WPARAM>(row.command), MAKELPARAM(wanted, 0));
     }
+}
+
+int ToolbarInset() {
+    const int buttons = HIWORD(SendMessageW(g_app.hToolbar, TB_GETBUTTONSIZE, 0, 0));
+    return std::max(0, (ToolbarHeight() - 1 - buttons) / 2);
 }
 
 int ToolbarHeight() { return Scaled(kButtonSize + 2 * kBarPadding); }
