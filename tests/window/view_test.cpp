@@ -336,3 +336,23 @@ TEST(View, StickyHeaderAndNavigationHistory) {
     EXPECT_TRUE(WaitFor([&] { return editor.ActiveTab() == 0; }));
     EXPECT_EQ(editor.Line(), 30);
 }
+
+TEST(View, WithoutATabNothingBreaks) {
+    ProgramFolder folder;
+    Editor editor(folder);
+    editor.Do(IDM_FILE_CLOSE_ALL);
+    ASSERT_EQ(editor.Tabs(), 0);
+    EXPECT_EQ(editor.Title(), L"Untitled - KVXE Editor");
+    for (int command = 1003; command < 1960; ++command) {
+        // All but those that open a dialog or a tab of their own, or end the program.
+        if (command != IDM_FILE_EXIT && command != IDM_STYLE_FONT && command != IDM_WORKSPACE_OPEN &&
+            command != IDM_WORKSPACE_NEW && command != IDM_HELP_ABOUT && command != IDM_COMPILER_MENU)
+            editor.Do(command);
+    }
+    for (int tab : {-1, 0, 99}) editor.Send(editor.main, MSG_REINIT_EDITOR, static_cast<WPARAM>(tab));
+    EXPECT_EQ(editor.Tabs(), 0);
+    editor.Do(IDM_FILE_NEW);
+    EXPECT_EQ(editor.Tabs(), 1);
+    ExpectTidy(editor);
+    EXPECT_EQ(editor.Close(), 0u);
+}
