@@ -19,7 +19,7 @@ constexpr std::size_t kLargestChunk = 1 << 20;
 constexpr LRESULT kNearEnough = 32 << 10;  // an uncoloured stretch above the view that a paint can just colour
 
 // Without a lexer Scintilla asks the parent window for colours; there are none to give.
-bool HasLexer(HWND editor) { return PaneCall(editor, SCI_GETLEXER, 0, 0) != 0; }
+bool HasLexer(HWND editor) { return SciSend(editor, SCI_GETLEXER, 0, 0) != 0; }
 
 struct VisibleRange {
     LRESULT start;
@@ -27,13 +27,13 @@ struct VisibleRange {
 };
 
 VisibleRange VisibleText(HWND editor) {
-    const LRESULT first = PaneCall(editor, SCI_GETFIRSTVISIBLELINE, 0, 0);
-    const LRESULT lines = PaneCall(editor, SCI_LINESONSCREEN, 0, 0) + 1;
-    const LRESULT firstLine = PaneCall(editor, SCI_DOCLINEFROMVISIBLE, static_cast<WPARAM>(first), 0);
-    const LRESULT lastLine = PaneCall(editor, SCI_DOCLINEFROMVISIBLE, static_cast<WPARAM>(first + lines), 0);
-    const LRESULT start = PaneCall(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(firstLine), 0);
-    const LRESULT end = PaneCall(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(lastLine + 1), 0);
-    return {start, end < 0 ? PaneCall(editor, SCI_GETLENGTH, 0, 0) : end};
+    const LRESULT first = SciSend(editor, SCI_GETFIRSTVISIBLELINE, 0, 0);
+    const LRESULT lines = SciSend(editor, SCI_LINESONSCREEN, 0, 0) + 1;
+    const LRESULT firstLine = SciSend(editor, SCI_DOCLINEFROMVISIBLE, static_cast<WPARAM>(first), 0);
+    const LRESULT lastLine = SciSend(editor, SCI_DOCLINEFROMVISIBLE, static_cast<WPARAM>(first + lines), 0);
+    const LRESULT start = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(firstLine), 0);
+    const LRESULT end = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(lastLine + 1), 0);
+    return {start, end < 0 ? SciSend(editor, SCI_GETLENGTH, 0, 0) : end};
 }
 
 double Seconds() {
@@ -45,12 +45,12 @@ double Seconds() {
 }
 
 void ClaimColoured(HWND editor) {
-    PaneCall(editor, SCI_STARTSTYLING, static_cast<WPARAM>(PaneCall(editor, SCI_GETLENGTH)), 0);
+    SciSend(editor, SCI_STARTSTYLING, static_cast<WPARAM>(SciSend(editor, SCI_GETLENGTH)), 0);
 }
 
 // A new lexer, other keywords, another property: Scintilla then wants it all coloured again.
 void NoticeReset(HWND editor, PaneState& state, LRESULT length) {
-    const LRESULT styled = PaneCall(editor, SCI_GETENDSTYLED);
+    const LRESULT styled = SciSend(editor, SCI_GETENDSTYLED);
     if (styled < length) state.coloured = std::min(state.coloured, styled);
 }
 
@@ -65,7 +65,7 @@ void CancelRepaint(HWND editor, PaneState& state) {
 
 // One slice. True when some of the document is still uncoloured.
 bool ColourSlice(HWND editor, PaneState& state) {
-    const LRESULT length = PaneCall(editor, SCI_GETLENGTH);
+    const LRESULT length = SciSend(editor, SCI_GETLENGTH);
     NoticeReset(editor, state, length);
     const LRESULT from = state.coloured;
     if (from >= length) return false;
@@ -73,13 +73,13 @@ bool ColourSlice(HWND editor, PaneState& state) {
     if (GetUpdateRect(editor, nullptr, FALSE)) return true;
 
     const LRESULT wanted = std::min(from + static_cast<LRESULT>(state.colourChunk), length);
-    const LRESULT lastLine = PaneCall(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(wanted), 0);
-    const LRESULT lineStart = PaneCall(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(lastLine), 0);
+    const LRESULT lastLine = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(wanted), 0);
+    const LRESULT lineStart = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(lastLine), 0);
     const LRESULT to = lineStart > from && wanted < length ? lineStart : wanted;
 
     const double began = Seconds();
     const VisibleRange visible = VisibleText(editor);
-    PaneCall(editor, SCI_COLOURISE, static_cast<WPARAM>(from), to);
+    SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(from), to);
     ClaimColoured(editor);
     state.coloured = to;
     if (from >= visible.end || to <= visible.start) CancelRepaint(editor, state);
@@ -110,8 +110,8 @@ void StartTimer(HWND editor, PaneState& state) {
 void EditorColourRestart(HWND editor, LRESULT position) {
     PaneState* state = PaneStateOf(editor);
     if (!state || !HasLexer(editor)) return;
-    const LRESULT line = PaneCall(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(position), 0);
-    const LRESULT start = PaneCall(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line), 0);
+    const LRESULT line = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(position), 0);
+    const LRESULT start = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line), 0);
     state->coloured = std::min(state->coloured, start);
     ClaimColoured(editor);
     StartTimer(editor, *state);
@@ -126,7 +126,7 @@ bool EditorColourBeforePaint(HWND editor) {
         ClaimColoured(editor);  // or every paint would ask
         return false;
     }
-    const LRESULT length = PaneCall(editor, SCI_GETLENGTH);
+    const LRESULT length = SciSend(editor, SCI_GETLENGTH);
     NoticeReset(editor, *state, length);
     if (state->coloured >= length) return false;
     if (!state->colouring) StartTimer(editor, *state);
@@ -135,10 +135,10 @@ bool EditorColourBeforePaint(HWND editor) {
     if (state->coloured >= visible.end) return false;
     if (visible.start - state->coloured <= kNearEnough) {
         // The paint itself colours from the mark on, and repaints no more than what changed.
-        PaneCall(editor, SCI_STARTSTYLING, static_cast<WPARAM>(state->coloured), 0);
+        SciSend(editor, SCI_STARTSTYLING, static_cast<WPARAM>(state->coloured), 0);
         return true;
     }
-    PaneCall(editor, SCI_COLOURISE, static_cast<WPARAM>(visible.start), visible.end);
+    SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(visible.start), visible.end);
     ClaimColoured(editor);
     return false;
 }
@@ -146,6 +146,6 @@ bool EditorColourBeforePaint(HWND editor) {
 void EditorColourAfterPaint(HWND editor) {
     PaneState* state = PaneStateOf(editor);
     if (!state) return;
-    state->coloured = std::max(state->coloured, PaneCall(editor, SCI_GETENDSTYLED));
+    state->coloured = std::max(state->coloured, SciSend(editor, SCI_GETENDSTYLED));
     ClaimColoured(editor);
 }

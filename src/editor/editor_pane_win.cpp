@@ -108,8 +108,8 @@ void EditorPaneUpdateLineMargin(HWND editor) {
 void EditorPaneCheckLineMargin(HWND editor) {
     PaneState* state = PaneStateOf(editor);
     if (!state || !g_app.settings.showLineNumbers) return;
-    const LineMarginBasis basis = {.digits = DigitsOf(PaneCall(editor, SCI_GETLINECOUNT)),
-                                   .zoom = static_cast<int>(PaneCall(editor, SCI_GETZOOM)),
+    const LineMarginBasis basis = {.digits = DigitsOf(SciSend(editor, SCI_GETLINECOUNT)),
+                                   .zoom = static_cast<int>(SciSend(editor, SCI_GETZOOM)),
                                    .fontSize = g_app.settings.fontSize,
                                    .font = std::hash<std::wstring_view>()(g_app.settings.fontName)};
     if (basis == state->lineMargin) return;
@@ -187,8 +187,8 @@ void ApplyChangeMargin(HWND editor, bool on) {
 void MarkModifiedLine(HWND editor, int line) {
     if (!g_app.settings.showChangeMargin) return;
     // Marking a marked line would stack a second marker on it.
-    if (PaneCall(editor, SCI_MARKERGET, static_cast<WPARAM>(line), 0) & (1 << kChangeMarker)) return;
-    PaneCall(editor, SCI_MARKERADD, static_cast<WPARAM>(line), kChangeMarker);
+    if (SciSend(editor, SCI_MARKERGET, static_cast<WPARAM>(line), 0) & (1 << kChangeMarker)) return;
+    SciSend(editor, SCI_MARKERADD, static_cast<WPARAM>(line), kChangeMarker);
 }
 
 void EditorPaneClearChangeMarks(HWND editor) { SciSend(editor, SCI_MARKERDELETEALL, kChangeMarker, 0); }
@@ -199,7 +199,7 @@ void ApplyVirtualSpace(HWND editor, bool on) {
 
 void EditorPaneOnModified(HWND editor, const SCNotification& change) {
     if (!editor || !(change.modificationType & (SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT))) return;
-    const int line = static_cast<int>(PaneCall(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(change.position), 0));
+    const int line = static_cast<int>(SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(change.position), 0));
     if (change.linesAdded != 0 || (change.modificationType & (SC_MOD_INSERTTEXT | SC_PERFORMED_USER))) {
         MarkModifiedLine(editor, line);
     }

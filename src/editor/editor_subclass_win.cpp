@@ -107,19 +107,19 @@ bool IsWordCharacter(WPARAM character) {
 
 LRESULT OnCharacter(HWND pane, WPARAM wParam, LPARAM lParam) {
     if (IsUnwantedCharacter(wParam)) return 0;
-    const LRESULT before = PaneCall(pane, SCI_GETCURRENTPOS);
+    const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
     const LRESULT result = DefSubclassProc(pane, WM_CHAR, wParam, lParam);
-    const LRESULT after = PaneCall(pane, SCI_GETCURRENTPOS);
+    const LRESULT after = SciSend(pane, SCI_GETCURRENTPOS);
     if (!IsWordCharacter(wParam) && after == before + 1) EditorPaneUpperKeywordBefore(pane, before);
     return result;
 }
 
 LRESULT OnReturnKey(HWND pane, WPARAM wParam, LPARAM lParam) {
-    const LRESULT lines = PaneCall(pane, SCI_GETLINECOUNT);
-    const LRESULT before = PaneCall(pane, SCI_GETCURRENTPOS);
+    const LRESULT lines = SciSend(pane, SCI_GETLINECOUNT);
+    const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
     SciSend(pane, SCI_BEGINUNDOACTION);  // the break and the indentation are undone together
     const LRESULT result = DefSubclassProc(pane, WM_KEYDOWN, wParam, lParam);
-    if (PaneCall(pane, SCI_GETLINECOUNT) == lines + 1) {
+    if (SciSend(pane, SCI_GETLINECOUNT) == lines + 1) {
         EditorPaneUpperKeywordBefore(pane, before);
         EditorPaneAfterNewLine(pane);
     }
@@ -160,6 +160,7 @@ LRESULT CALLBACK PaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam,
 
 LRESULT OnDestroy(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
     EditorColourStop(pane);
+    SciDetach(pane);
     std::erase_if(g_panes, [pane](const PaneEntry& entry) { return entry.editor == pane; });
     RemoveWindowSubclass(pane, PaneProc, kSubclassId);
     return DefSubclassProc(pane, message, wParam, lParam);
@@ -174,17 +175,10 @@ PaneState* PaneStateOf(HWND editor) {
     return nullptr;
 }
 
-LRESULT PaneCall(HWND editor, UINT message, WPARAM wParam, LPARAM lParam) {
-    const PaneState* state = PaneStateOf(editor);
-    if (!state || !state->call) return SciSend(editor, message, wParam, lParam);
-    return state->call(state->callPointer, message, wParam, lParam);
-}
-
 bool EditorPaneInstallSubclass(HWND editor) {
     auto state = std::make_unique<PaneState>();
-    state->call = reinterpret_cast<SciFnDirect>(SciSend(editor, SCI_GETDIRECTFUNCTION));
-    state->callPointer = SciSend(editor, SCI_GETDIRECTPOINTER);
     if (!SetWindowSubclass(editor, PaneProc, kSubclassId, 0)) return false;
     g_panes.push_back({editor, std::move(state)});
+    SciAttach(editor);
     return true;
 }

@@ -19,7 +19,7 @@ constexpr LRESULT kBraceReach = 16 << 10;  // bytes each way: further than anyon
 constexpr LRESULT kLongestKeyword = 16;
 
 LRESULT Send(HWND editor, UINT message, LRESULT wParam = 0, LRESULT lParam = 0) {
-    return PaneCall(editor, message, static_cast<WPARAM>(wParam), lParam);
+    return SciSend(editor, message, static_cast<WPARAM>(wParam), lParam);
 }
 
 bool IsKeywordStyle(LRESULT style) {
@@ -59,7 +59,7 @@ void EditorPaneUpdateBraces(HWND editor) {
     const LRESULT end = std::min<LRESULT>(brace + kBraceReach, Send(editor, SCI_GETLENGTH));
     std::vector<StyledByte> text(static_cast<std::size_t>(end - start) + 1);  // Scintilla adds two NUL bytes
     Sci_TextRangeFull range = {{start, end}, reinterpret_cast<char*>(text.data())};
-    PaneCall(editor, SCI_GETSTYLEDTEXTFULL, 0, reinterpret_cast<LPARAM>(&range));
+    SciSend(editor, SCI_GETSTYLEDTEXTFULL, 0, reinterpret_cast<LPARAM>(&range));
     text.pop_back();
     const std::ptrdiff_t partner = MatchBrace(text, static_cast<std::size_t>(brace - start));
     state->bracesShown = partner >= 0;
@@ -83,7 +83,7 @@ void EditorPaneUpperKeywordBefore(HWND editor, LRESULT position) {
     if (length < 2 || length > kLongestKeyword) return;
     char word[kLongestKeyword + 1] = {};
     Sci_TextRangeFull range = {{start, position}, word};
-    PaneCall(editor, SCI_GETTEXTRANGEFULL, 0, reinterpret_cast<LPARAM>(&range));
+    SciSend(editor, SCI_GETTEXTRANGEFULL, 0, reinterpret_cast<LPARAM>(&range));
     if (!IsBasicKeyword({word, static_cast<std::size_t>(length)})) return;
     const LRESULT lineEnd = Send(editor, SCI_GETLINEENDPOSITION, Send(editor, SCI_LINEFROMPOSITION, position));
     if (!IsKeywordStyle(FreshStyleAt(editor, start, std::max(lineEnd, position)))) return;
@@ -93,5 +93,5 @@ void EditorPaneUpperKeywordBefore(HWND editor, LRESULT position) {
                    [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
     if (std::equal(word, word + length, upper)) return;
     Send(editor, SCI_SETTARGETRANGE, start, position);
-    PaneCall(editor, SCI_REPLACETARGET, static_cast<WPARAM>(length), reinterpret_cast<LPARAM>(upper));
+    SciSend(editor, SCI_REPLACETARGET, static_cast<WPARAM>(length), reinterpret_cast<LPARAM>(upper));
 }

@@ -20,7 +20,7 @@ constexpr LRESULT kLookBack = 200;           // lines above the view in which a 
 constexpr LRESULT kLongestText = 256 << 10;  // a view of longer lines than these is no assembly
 
 LRESULT Send(HWND editor, UINT message, LRESULT wParam = 0, LRESULT lParam = 0) {
-    return PaneCall(editor, message, static_cast<WPARAM>(wParam), lParam);
+    return SciSend(editor, message, static_cast<WPARAM>(wParam), lParam);
 }
 
 void Mark(HWND editor, LRESULT start, LRESULT length, bool on) {
@@ -42,7 +42,7 @@ void EditorPaneMarkInlineRegions(HWND editor) {
 
     std::string text(static_cast<std::size_t>(end - start) + 1, '\0');
     Sci_TextRangeFull range = {{start, end}, text.data()};
-    PaneCall(editor, SCI_GETTEXTRANGEFULL, 0, reinterpret_cast<LPARAM>(&range));
+    SciSend(editor, SCI_GETTEXTRANGEFULL, 0, reinterpret_cast<LPARAM>(&range));
     text.pop_back();
     const std::vector<TextRange> ranges = InlineAssemblyRanges(text);
 

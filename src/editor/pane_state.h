@@ -19,8 +19,6 @@ struct LineMarginBasis {
 };
 
 struct PaneState {
-    SciFnDirect call = nullptr;  // Scintilla's own entry, past the message queue, and its first argument
-    sptr_t callPointer = 0;
     bool emptyPaint = false;  // a paint of nothing is under way: no preparations
     bool bracesShown = false;
     bool inlineShown = false;     // some of the document is marked as inline assembly
@@ -33,9 +31,6 @@ struct PaneState {
 
 // Null for a window that is no Scintilla pane of ours (the Rich Edit fallback).
 PaneState* PaneStateOf(HWND editor);
-
-// SciSend without the way through the window: for what happens at every key and every paint.
-LRESULT PaneCall(HWND editor, UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
 
 // Colours, margins and input rules that do not depend on any setting; once, at creation.
 void EditorPaneSetUp(HWND editor);

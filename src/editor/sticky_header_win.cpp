@@ -23,24 +23,24 @@ void CALLBACK OnTimer(HWND editor, UINT, UINT_PTR timer, DWORD) {
 }
 
 LRESULT LineStart(HWND editor, std::int64_t line) {
-    return PaneCall(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line), 0);
+    return SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line), 0);
 }
 
 // Looks at what is missing for `line`, a bounded stretch of it. True when the cache then has the answer.
 bool LookUp(HWND editor, StickyCache& cache, std::int64_t line, LRESULT budget) {
     const StickyRange wanted = StickyWanted(cache, line);
     if (wanted.first > wanted.last) return true;
-    const LRESULT end = PaneCall(editor, SCI_GETLINEENDPOSITION, static_cast<WPARAM>(wanted.last), 0);
+    const LRESULT end = SciSend(editor, SCI_GETLINEENDPOSITION, static_cast<WPARAM>(wanted.last), 0);
     LRESULT start = LineStart(editor, wanted.first);
     if (end - start > budget) {
-        const LRESULT cut = PaneCall(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(end - budget), 0);
+        const LRESULT cut = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(end - budget), 0);
         start = LineStart(editor, std::clamp<std::int64_t>(cut + 1, wanted.first, wanted.last));
     }
     // Straight into Scintilla's buffer. What lies before the caret is in one piece after typing, so that no text moves.
     const LRESULT length = end - start;
     const char* text =
         length > 0
-            ? reinterpret_cast<const char*>(PaneCall(editor, SCI_GETRANGEPOINTER, static_cast<WPARAM>(start), length))
+            ? reinterpret_cast<const char*>(SciSend(editor, SCI_GETRANGEPOINTER, static_cast<WPARAM>(start), length))
             : "";
     if (!text) return true;
     StickyLearn(cache, line, StickyScanUp({text, static_cast<std::size_t>(length)}, wanted.last));
@@ -54,8 +54,8 @@ std::int64_t HeaderLine(HWND editor, bool whole, bool* finished) {
     StickyCache local;
     PaneState* state = PaneStateOf(editor);
     StickyCache& cache = state ? state->sticky : local;
-    const LRESULT caret = PaneCall(editor, SCI_GETCURRENTPOS, 0, 0);
-    const LRESULT line = PaneCall(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(caret), 0);
+    const LRESULT caret = SciSend(editor, SCI_GETCURRENTPOS, 0, 0);
+    const LRESULT line = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(caret), 0);
     *finished = LookUp(editor, cache, line, kBudget);
     while (whole && !*finished) *finished = LookUp(editor, cache, line, kBudget);
     return *finished && cache.header != kStickyNone && cache.header <= line ? cache.header : kStickyNone;
@@ -64,12 +64,12 @@ std::int64_t HeaderLine(HWND editor, bool whole, bool* finished) {
 std::wstring LineText(HWND editor, std::int64_t line) {
     char utf8[kStickyMaximumLine + 1];
     const LRESULT start = LineStart(editor, line);
-    const LRESULT end = PaneCall(editor, SCI_GETLINEENDPOSITION, static_cast<WPARAM>(line), 0);
+    const LRESULT end = SciSend(editor, SCI_GETLINEENDPOSITION, static_cast<WPARAM>(line), 0);
     const LRESULT length = std::min<LRESULT>(end - start, kStickyMaximumLine);
     Sci_TextRangeFull range = {};
     range.chrg = {start, start + length};
     range.lpstrText = utf8;
-    PaneCall(editor, SCI_GETTEXTRANGEFULL, 0, reinterpret_cast<LPARAM>(&range));
+    SciSend(editor, SCI_GETTEXTRANGEFULL, 0, reinterpret_cast<LPARAM>(&range));
     wchar_t wide[kStickyMaximumLine + 1];
     const int count = MultiByteToWideChar(CP_UTF8, 0, utf8, static_cast<int>(length), wide, kStickyMaximumLine);
     return {wide, static_cast<std::size_t>(std::max(count, 0))};

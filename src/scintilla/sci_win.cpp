@@ -1,8 +1,36 @@
 // The two ways to talk to a Scintilla window. Knows nothing of documents or settings. UI thread.
 #include "scintilla/sci.h"
 
+#include <vector>
+
+namespace {
+
+struct Attached {
+    HWND editor;
+    SciFnDirect call;
+    sptr_t pointer;
+};
+std::vector<Attached> g_attached;  // one an open document: few, and looked through at every message
+
+}  // namespace
+
+void SciAttach(HWND editor) {
+    const auto call = reinterpret_cast<SciFnDirect>(SciSend(editor, SCI_GETDIRECTFUNCTION));
+    const sptr_t pointer = SciSend(editor, SCI_GETDIRECTPOINTER);
+    if (call && pointer) g_attached.push_back({editor, call, pointer});
+}
+
+void SciDetach(HWND editor) {
+    std::erase_if(g_attached, [editor](const Attached& row) { return row.editor == editor; });
+}
+
 LRESULT SciSend(HWND editor, UINT message, WPARAM wParam, LPARAM lParam) {
     if (!editor) return 0;
+    if (message >= SCI_START) {  // the system's messages are for the window and its subclass
+        for (const Attached& row : g_attached) {
+            if (row.editor == editor) return row.call(row.pointer, message, wParam, lParam);
+        }
+    }
     return SendMessageW(editor, message, wParam, lParam);
 }
 

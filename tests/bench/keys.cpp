@@ -12,6 +12,7 @@ namespace {
 constexpr int kKeys = 400;
 constexpr int kNewLineEvery = 40;
 constexpr double kKeyLimitMs = 20000;
+constexpr double kLookEveryMs = 0.1;
 constexpr DWORD kQuietMs = 20;
 constexpr std::string_view kTyped = "total = total + 12 ' sum ";
 
@@ -20,9 +21,13 @@ bool NeedsPaint(HWND window) {
     return GetUpdateRect(window, &rect, FALSE) != FALSE;
 }
 
+// Between two looks it leaves the system alone: under Wine each look is work for the server that the painting needs too.
 void AwaitPainted(HWND window, double limit) {
-    while (NeedsPaint(window))
-        if (NowMs() > limit) Die("a window is not painted");
+    while (NeedsPaint(window)) {
+        const double next = NowMs() + kLookEveryMs;
+        if (next > limit) Die("a window is not painted");
+        while (NowMs() < next) YieldProcessor();
+    }
 }
 
 // Until nothing is left to paint for a while: after a jump the program may have more to do.
