@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr std::size_t kLinesKept = 100000;
+constexpr std::size_t kLinesKept = 20000;  // for the reasons given in kept_lines.h
 
 struct AsmFeed {
     OutputQueue queue;
@@ -47,8 +47,12 @@ void AddListing(const wchar_t* listing) {
 void AsmPaneSetRenderer(AsmRenderer renderer) { g_renderer = renderer; }
 
 void AsmPaneClear() {
+    HWND pane = RichPaneEmptied(g_app.hAsmPane, g_asm.lines);
+    if (pane != g_app.hAsmPane) {
+        g_app.hAsmPane = pane;
+        PaneApplyFontAndTheme(pane);
+    }
     g_asm = {};
-    if (g_app.hAsmPane != nullptr) SetWindowTextW(g_app.hAsmPane, L"");
 }
 
 void AsmPaneLoad(const wchar_t* source, const wchar_t* listing) {

@@ -138,7 +138,7 @@ void StageSettle(bool dropOutput) {
     MSG message = {};
     while (PeekMessageW(&message, g_app.hMainWnd, MSG_BUILD_OUTPUT, MSG_BUILD_FINISHED, PM_REMOVE))
         DispatchMessageW(&message);
-    if (dropOutput) OutputFeedForget();
+    if (dropOutput) OutputFeedDropWaiting();
     while (!OutputFeedIsEmpty()) OutputFeedShowNext();
     DeliverEnd();
 }

@@ -1,6 +1,8 @@
-// Which lines of an endless output are kept: the first ones, shown as they come, and the last ones, held back until
-// the output ends. A Rich Edit control needs up to 7.5 KB for a line of 70 characters (measured under Wine 8), so this
-// is what bounds the memory. Pure.
+// Which lines of a very long output are kept: the first ones, shown as they come, and the last ones, held back until
+// the output ends. Nearly everything a Rich Edit control does grows with the lines it holds: measured under Wine 8, each
+// takes 7.5 KB, adds 0.1 us to every later insertion and 0.3 us to every repaint, and 4 us to the end of the control.
+// With these limits memory stays below 200 MB there and nothing takes as long as 100 ms. The build log has all lines.
+// Pure.
 #pragma once
 
 #include "build/rtf_block.h"
@@ -9,8 +11,8 @@
 #include <cstdint>
 #include <deque>
 
-inline constexpr std::size_t kFirstLinesKept = 100000;
-inline constexpr std::size_t kLastLinesKept = 20000;
+inline constexpr std::size_t kFirstLinesKept = 10000;
+inline constexpr std::size_t kLastLinesKept = 10000;
 inline constexpr std::size_t kFirstCharactersKept = 24 * 1024 * 1024;  // for very long lines
 inline constexpr std::size_t kLastCharactersKept = 4 * 1024 * 1024;
 

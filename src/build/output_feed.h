@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -30,9 +31,12 @@ bool OutputFeedIsRevealed();  // and nothing of it waits for a repaint
 // Before a build: filter, counts and the compiler that diagnostics are put down to.
 void OutputFeedReset(std::uint32_t compilerId);
 const OutputCounts& OutputFeedCounts();
+std::size_t OutputFeedLinesShown();  // in the pane
 // More lines shown than a pane should collect over several commands.
 bool OutputFeedIsLong();
 
+// Forgets what waits to be shown.
+void OutputFeedDropWaiting();
 // Forgets everything that waits or is shown, without touching the pane; and shows again what was shown.
 void OutputFeedForget();
 void OutputFeedShowAgain();

@@ -18,6 +18,7 @@
 namespace {
 
 constexpr COLORREF kErrorColour = 0x0000FF;    // red
+constexpr COLORREF kNoticeColour = 0x808000;   // teal
 constexpr COLORREF kWarningColour = 0x00B4B4;  // dark yellow
 constexpr double kSortMs = 20.0;               // spent at most on lines that are not shown at once
 constexpr int kClockEvery = 256;               // lines between looks at the clock
@@ -65,6 +66,12 @@ void ReleaseHeld() {
     std::move(held.begin(), held.end(), std::back_inserter(g_feed.ready));
 }
 
+// Stands where the pane stops to follow the output.
+PaneLine HoldingNotice() {
+    return {.text = L"... more follows; its last " + std::to_wstring(kLastLinesKept) + L" lines come at the end ...",
+            .colour = kNoticeColour};
+}
+
 // The next line for the pane. False: none for now, or the time for looking is up.
 bool NextShown(PaneLine* shown, double started) {
     int chunksDone = 0;
@@ -87,6 +94,10 @@ bool NextShown(PaneLine* shown, double started) {
         if (!Classify(line)) continue;
         *shown = {.text = std::move(line.text), .colour = line.colour, .lineBreak = line.lineBreak};
         found = KeepLine(g_feed.kept, *shown, line.stream);
+        if (!found && g_feed.kept.held.size() == 1 && g_feed.kept.leftOut == 0) {
+            *shown = HoldingNotice();
+            found = true;
+        }
     }
     ReaderReturnCredits(chunksDone);
     return found;
@@ -157,16 +168,22 @@ void OutputFeedReset(std::uint32_t compilerId) {
 
 const OutputCounts& OutputFeedCounts() { return g_feed.counts; }
 
+std::size_t OutputFeedLinesShown() { return g_feed.shown.size(); }
+
 bool OutputFeedIsLong() { return g_feed.shown.size() >= kFirstLinesKept; }
 
-void OutputFeedForget() {
+void OutputFeedDropWaiting() {
     const auto chunks = std::count_if(g_feed.queue.chunks.begin(), g_feed.queue.chunks.end(),
                                       [](const OutputChunk& chunk) { return chunk.kind == ChunkKind::Stream; });
     g_feed.queue = {};
     g_feed.kept = {};
     g_feed.ready.clear();
-    g_feed.shown.clear();
     ReaderReturnCredits(static_cast<int>(chunks));
+}
+
+void OutputFeedForget() {
+    OutputFeedDropWaiting();
+    g_feed.shown.clear();
 }
 
 void OutputFeedShowAgain() {

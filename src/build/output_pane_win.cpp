@@ -3,6 +3,7 @@
 
 #include "app/app_state.h"
 #include "build/output_feed.h"
+#include "build/rich_lines.h"
 #include "language/theme.h"
 
 #include <commctrl.h>
@@ -65,15 +66,29 @@ LRESULT CALLBACK OutputPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
     return DefSubclassProc(pane, message, wParam, lParam);
 }
 
-void SetFormat(HWND pane, WPARAM scope, bool colour) {
+void SetFormat(HWND pane, WPARAM scope) {
     CHARFORMAT2W format = {};
     format.cbSize = sizeof(format);
     // A Rich Edit starts out with the system font, which is bold.
-    format.dwMask = CFM_FACE | CFM_SIZE | CFM_BOLD | (colour ? CFM_COLOR : 0U);
+    format.dwMask = CFM_FACE | CFM_SIZE | CFM_BOLD | CFM_COLOR;
     format.yHeight = g_app.settings.outputFontSize * 20;  // twips
     format.crTextColor = ThemeCurrentChrome().paneText;
     lstrcpynW(format.szFaceName, g_app.settings.outputFont, static_cast<int>(std::size(format.szFaceName)));
     SendMessageW(pane, EM_SETCHARFORMAT, scope, reinterpret_cast<LPARAM>(&format));
+}
+
+void FormatPane(HWND pane) {
+    SendMessageW(pane, EM_SETBKGNDCOLOR, 0, static_cast<LPARAM>(ThemeCurrentChrome().paneBack));
+    SetFormat(pane, SCF_DEFAULT);
+}
+
+// The window may be another one afterwards.
+void EmptyPane() {
+    HWND pane = RichPaneEmptied(g_app.hOutput, OutputFeedLinesShown());
+    if (pane == g_app.hOutput) return;
+    g_app.hOutput = pane;
+    OutputPaneInit(pane);
+    FormatPane(pane);
 }
 
 }  // namespace
@@ -97,8 +112,8 @@ void OutputPaneAppend(const wchar_t* text, COLORREF colour) {
 }
 
 void OutputPaneClear() {
+    EmptyPane();
     OutputFeedForget();
-    if (g_app.hOutput != nullptr) SetWindowTextW(g_app.hOutput, L"");
 }
 
 void OutputPaneScrollToEnd() {
@@ -111,13 +126,13 @@ void OutputPaneApplyFont() { PaneApplyFontAndTheme(g_app.hOutput); }
 
 void PaneApplyFontAndTheme(HWND richEdit) {
     if (richEdit == nullptr) return;
-    SendMessageW(richEdit, EM_SETBKGNDCOLOR, 0, static_cast<LPARAM>(ThemeCurrentChrome().paneBack));
-    SetFormat(richEdit, SCF_DEFAULT, true);
     if (richEdit != g_app.hOutput) {
-        SetFormat(richEdit, SCF_ALL, true);
+        FormatPane(richEdit);
+        SetFormat(richEdit, SCF_ALL);
         return;
     }
-    // The colours of the lines would be lost with a format for all, and setting it takes long on a long text.
-    SetWindowTextW(richEdit, L"");
+    // A format for all would take the lines' own colours away, and takes long on a long text.
+    EmptyPane();
+    FormatPane(g_app.hOutput);
     OutputFeedShowAgain();
 }

@@ -13,6 +13,11 @@ void RichLinesAppend(HWND pane, std::span<const PaneLine> lines);
 // Scrolls to the end and repaints. Painting takes longer the more lines a pane holds, so after several blocks once.
 void RichLinesReveal(HWND pane);
 
+// Empties a pane that holds about `lines` lines. Returns the pane to use from now on: deleting many lines takes time
+// that grows with their square (4,000: 1 s under Wine 8, 20,000: minutes), so a long pane is replaced by a new window,
+// which has everything of the old one but its text, format and subclass.
+HWND RichPaneEmptied(HWND pane, std::size_t lines);
+
 // How many lines the next block should have, learnt from how long the last full ones took.
 struct BlockSize {
     std::size_t lines = 400;

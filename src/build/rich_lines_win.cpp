@@ -13,6 +13,7 @@ namespace {
 
 // A block takes about this long, so that with a repaint behind it the window answers well within 100 ms.
 constexpr double kBlockMs = 25.0;
+constexpr std::size_t kLinesDeleted = 800;  // up to so many a pane is emptied by deleting its text
 constexpr std::size_t kMinBlockLines = 50;
 constexpr std::size_t kMaxBlockLines = 2000;
 
@@ -62,6 +63,28 @@ void RichLinesReveal(HWND pane) {
     SendMessageW(pane, WM_HSCROLL, SB_LEFT, 0);  // inserting behind a long line scrolls to its end
     SendMessageW(pane, WM_VSCROLL, SB_BOTTOM, 0);
     InvalidateRect(pane, nullptr, TRUE);
+}
+
+HWND RichPaneEmptied(HWND pane, std::size_t lines) {
+    if (pane == nullptr) return nullptr;
+    HWND parent = GetParent(pane);
+    RECT place = {};
+    GetWindowRect(pane, &place);
+    MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&place), 2);
+    HWND next = nullptr;
+    if (lines > kLinesDeleted)
+        next = CreateWindowExW(static_cast<DWORD>(GetWindowLongPtrW(pane, GWL_EXSTYLE)), MSFTEDIT_CLASS, L"",
+                               static_cast<DWORD>(GetWindowLongPtrW(pane, GWL_STYLE)), place.left, place.top,
+                               place.right - place.left, place.bottom - place.top, parent,
+                               reinterpret_cast<HMENU>(GetWindowLongPtrW(pane, GWLP_ID)), g_app.hInstance, nullptr);
+    if (next == nullptr) {
+        SetWindowTextW(pane, L"");
+        return pane;
+    }
+    SetWindowPos(next, pane, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    if (GetFocus() == pane) SetFocus(next);
+    DestroyWindow(pane);
+    return next;
 }
 
 void BlockSizeLearn(BlockSize& size, std::size_t inserted, double milliseconds) {
