@@ -118,8 +118,7 @@ void OutputPaneClear() {
 
 void OutputPaneScrollToEnd() {
     if (g_app.hOutput == nullptr) return;
-    SendMessageW(g_app.hOutput, WM_HSCROLL, SB_LEFT, 0);  // inserting behind a long line scrolls to its end
-    SendMessageW(g_app.hOutput, WM_VSCROLL, SB_BOTTOM, 0);
+    RichScrollToEnd(g_app.hOutput);
 }
 
 void OutputPaneApplyFont() { PaneApplyFontAndTheme(g_app.hOutput); }

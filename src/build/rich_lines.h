@@ -10,6 +10,8 @@
 
 // Adds the lines as one block: one insertion, nothing painted. A selection that the user made stays.
 void RichLinesAppend(HWND pane, std::span<const PaneLine> lines);
+// Down to the last line, at its start.
+void RichScrollToEnd(HWND pane);
 // Scrolls to the end and repaints. Painting takes longer the more lines a pane holds, so after several blocks once.
 void RichLinesReveal(HWND pane);
 

@@ -58,10 +58,18 @@ void RichLinesAppend(HWND pane, std::span<const PaneLine> lines) {
     SendMessageW(pane, WM_SETREDRAW, TRUE, 0);
 }
 
+void RichScrollToEnd(HWND pane) {
+    // Inserting behind a long line scrolls to its end, and so does SB_BOTTOM under Wine; lines are read from their start.
+    SendMessageW(pane, WM_VSCROLL, SB_BOTTOM, 0);
+    POINT place = {};
+    SendMessageW(pane, EM_GETSCROLLPOS, 0, reinterpret_cast<LPARAM>(&place));
+    place.x = 0;
+    SendMessageW(pane, EM_SETSCROLLPOS, 0, reinterpret_cast<LPARAM>(&place));
+}
+
 void RichLinesReveal(HWND pane) {
     if (pane == nullptr) return;
-    SendMessageW(pane, WM_HSCROLL, SB_LEFT, 0);  // inserting behind a long line scrolls to its end
-    SendMessageW(pane, WM_VSCROLL, SB_BOTTOM, 0);
+    RichScrollToEnd(pane);
     InvalidateRect(pane, nullptr, TRUE);
 }
 
