@@ -128,8 +128,13 @@ void MainWnd_ApplyTheme() {
     PaneApplyFontAndTheme(g_app.hAiChat);
     ProjectTreeApplyTheme();
     const int margin = MulDiv(kPaneMargin, g_app.dpi, 96);
-    for (HWND pane : {g_app.hOutput, g_app.hAsmPane, g_app.hAiChat})
+    for (HWND pane : {g_app.hOutput, g_app.hAsmPane, g_app.hAiChat}) {
         SendMessageW(pane, EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, MAKELPARAM(margin, margin));
+        POINT place = {};
+        SendMessageW(pane, EM_GETSCROLLPOS, 0, reinterpret_cast<LPARAM>(&place));
+        place.x = 0;  // a pane without a size yet scrolls its caret into a view of no width
+        SendMessageW(pane, EM_SETSCROLLPOS, 0, reinterpret_cast<LPARAM>(&place));
+    }
     for (HWND child : {g_app.hAiInput, g_app.hAiSend})
         SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), TRUE);
     RedrawWindow(g_app.hMainWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
