@@ -59,6 +59,15 @@ COLORREF ColourOf(const Editor& editor, const std::wstring& part) {
     return format.crTextColor;
 }
 
+// How far a pane is scrolled to the right, pixels.
+LONG ScrolledRight(const Editor& editor, int pane) {
+    const RemoteBlock block(editor.process, sizeof(POINT));
+    POINT place{};
+    editor.Send(editor.Child(pane), EM_GETSCROLLPOS, 0, block.At());
+    block.Get(&place, sizeof(place));
+    return place.x;
+}
+
 void DoubleClickOn(const Editor& editor, const std::wstring& part) {
     const std::size_t at = editor.Output().find(part);
     ASSERT_NE(at, std::wstring::npos) << Utf8(part) << " is not in the output";
@@ -174,6 +183,8 @@ TEST(Build, RunStartsTheProgramAndOnlyAfterSuccess) {
     folder.Write(L"kvxruns.bas",
                  "FUNCTION PBMAIN() AS LONG\r\n  LOCAL a AS LONG\r\n  a = nonsense(1)\r\nEND FUNCTION\r\n");
     Editor again(folder, Open(file) + L" --compiler kvxb64");
+    again.Do(IDM_VIEW_ASM);  // leaves less width than the longest line takes
+    SetWindowPos(again.main, nullptr, 0, 0, 700, 420, SWP_NOZORDER);
     const std::wstring text = Build(again, IDM_BUILD_RUN);
     EXPECT_NE(text.find(L"kvxruns.bas(3,"), std::wstring::npos) << "the error's line, from the real compiler\n"
                                                                 << Utf8(text);
@@ -182,6 +193,7 @@ TEST(Build, RunStartsTheProgramAndOnlyAfterSuccess) {
     DoubleClickOn(again, L"kvxruns.bas(3,");
     EXPECT_TRUE(WaitFor([&] { return again.Line() == 3; })) << again.Line();
     EXPECT_EQ(again.Focus(), again.Sci());
+    for (int pane : {IDC_OUTPUT, IDC_ASM, IDC_AI_CHAT}) EXPECT_EQ(ScrolledRight(again, pane), 0) << "pane " << pane;
 }
 
 TEST(Build, RefusalsSayWhy) {
@@ -323,6 +335,7 @@ TEST(Build, ErrorsLeadToTheirPlaces) {
     folder.Write(L"many.bas", lines);
     folder.Script("errors 70 " + Utf8(folder.File(L"many.bas")) + "\nexit 1\n");
     EXPECT_EQ(Count(Build(editor), L": error: number "), 70);
+    EXPECT_EQ(ScrolledRight(editor, IDC_OUTPUT), 0) << "the file names are out of sight";
     EXPECT_EQ(ColourOf(editor, folder.File(L"many.bas") + L"(65,1)"), 0x0000FFu);
     editor.Do(IDM_ERROR_PREVIOUS);
     expectAt(L"many.bas:64:1");
