@@ -99,7 +99,8 @@ Step ReadChunk(Reader& reader) {
         // The buffer is the system's until this returns; a cancelled read may have got something all the same.
         if (!GetOverlappedResult(reader.pipe, &read, &count, TRUE) && step == Step::Go) step = Step::PipeEnd;
     }
-    wchar_t* text = DecodeCompilerText(bytes, count);
+    wchar_t* text = reader.request.stage == BuildStage::Terminal ? DecodeConsoleText(bytes, count)
+                                                                 : DecodeCompilerText(bytes, count);
     if (text != nullptr) {
         BuildLogWrite(reader.log, text);
         PostText(reader, text, 0);

@@ -7,3 +7,6 @@
 // the ANSI and the OEM code page are tried in this order and the first that takes every byte wins; if none does, the
 // ANSI code page with replacements. NUL bytes are left out, so that what follows them is seen.
 wchar_t* DecodeCompilerText(const char* bytes, std::size_t count);
+
+// The same for what is typed at a console: the OEM code page, which console commands print in, before the ANSI one.
+wchar_t* DecodeConsoleText(const char* bytes, std::size_t count);

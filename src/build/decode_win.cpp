@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <span>
 
 namespace {
 
@@ -20,13 +21,24 @@ wchar_t* Convert(UINT codePage, DWORD flags, const char* bytes, int count) {
     return text;
 }
 
-}  // namespace
-
-wchar_t* DecodeCompilerText(const char* bytes, std::size_t count) {
+// The first of the code pages that takes every byte, else the ANSI code page with replacements.
+wchar_t* Decode(const char* bytes, std::size_t count, std::span<const UINT> codePages) {
     if (bytes == nullptr || count == 0 || count > 0x7FFFFFFF) return nullptr;
     const int length = static_cast<int>(count);
-    for (const UINT codePage : {static_cast<UINT>(CP_UTF8), static_cast<UINT>(CP_ACP), static_cast<UINT>(CP_OEMCP)}) {
+    for (const UINT codePage : codePages) {
         if (wchar_t* text = Convert(codePage, MB_ERR_INVALID_CHARS, bytes, length)) return text;
     }
     return Convert(CP_ACP, 0, bytes, length);
+}
+
+}  // namespace
+
+wchar_t* DecodeCompilerText(const char* bytes, std::size_t count) {
+    constexpr UINT codePages[] = {CP_UTF8, CP_ACP, CP_OEMCP};
+    return Decode(bytes, count, codePages);
+}
+
+wchar_t* DecodeConsoleText(const char* bytes, std::size_t count) {
+    constexpr UINT codePages[] = {CP_UTF8, CP_OEMCP};
+    return Decode(bytes, count, codePages);
 }
