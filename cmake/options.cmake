@@ -32,6 +32,32 @@ if(KVX_SANITIZE)
     endif()
 endif()
 
+# Libraries that few runs need - file dialogs, protected settings - are loaded at the first call, not at every start: with
+# what they pull in they made up a sixth of the resident memory of an editor with a small file under Wine. The functions
+# that are called stand in cmake/delay/NAME.def; any other is a plain import, which loads the library at the start again.
+function(kvx_delay_load target)
+    if(NOT MINGW)
+        return()
+    endif()
+    find_program(KVX_DLLTOOL NAMES "${CMAKE_DLLTOOL}" x86_64-w64-mingw32-dlltool dlltool REQUIRED)
+    foreach(name ${ARGN})
+        set(definition "${CMAKE_SOURCE_DIR}/cmake/delay/${name}.def")
+        set(library "${CMAKE_BINARY_DIR}/lib${name}_delay.a")
+        add_custom_command(OUTPUT "${library}"
+            COMMAND "${KVX_DLLTOOL}" --input-def "${definition}" --output-delaylib "${library}"
+            DEPENDS "${definition}" VERBATIM)
+        add_custom_target(${name}_delay DEPENDS "${library}")
+        add_dependencies(${target} ${name}_delay)
+        target_link_libraries(${target} PRIVATE "${library}")  # ahead of the import library: the first definition counts
+    endforeach()
+endfunction()
+
+# File pages as large as memory pages, so that the loader can map sections and only what is touched becomes resident.
+# Wine reads sections that are not aligned so into memory whole: 3.3 MB for Lexilla.dll, most of it lexers of other languages.
+function(kvx_page_aligned target)
+    target_link_options(${target} PRIVATE -Wl,--file-alignment=4096)
+endfunction()
+
 # Keeps the executable small: its symbols go to NAME.debug in the build folder, where gdb finds them.
 function(kvx_split_debug_symbols target)
     if(CMAKE_OBJCOPY AND CMAKE_STRIP)

@@ -79,6 +79,7 @@ if(WIN32)
         target_compile_definitions(${name} PRIVATE NDEBUG)
         target_link_libraries(${name} PRIVATE ${libraries})
         target_link_options(${name} PRIVATE -static -s -mwindows -Wl,--kill-at)
+        kvx_page_aligned(${name})
         set_target_properties(${name} PROPERTIES PREFIX "" OUTPUT_NAME "${name}" CXX_STANDARD 17
             RUNTIME_OUTPUT_DIRECTORY "${KVX_DIST_DIR}")
         add_dependencies(third_party_editing_dlls ${name})

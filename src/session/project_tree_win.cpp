@@ -45,6 +45,7 @@ struct TreeState {
     std::set<std::wstring> reopen;               // paths that were open before a refresh
     UniqueFont font;
     HIMAGELIST icons = nullptr;
+    bool stale = false;  // to be populated when it is shown
 };
 TreeState g_tree;
 
@@ -280,6 +281,14 @@ LRESULT CALLBACK ProjectTreeSubclassProc(HWND window, UINT message, WPARAM wPara
                 return 0;
             }
             break;
+        case WM_WINDOWPOSCHANGED: {
+            const LRESULT moved = DefSubclassProc(window, message, wParam, lParam);
+            const bool shown = (reinterpret_cast<const WINDOWPOS*>(lParam)->flags & SWP_SHOWWINDOW) != 0;
+            if (shown && g_tree.stale) {
+                ProjectTreePopulate();
+            }
+            return moved;
+        }
         case WM_NCDESTROY:
             OnDestroy(window);
             RemoveWindowSubclass(window, ProjectTreeSubclassProc, kSubclassId);
@@ -307,6 +316,11 @@ HWND ProjectTreeCreate(HWND parent, int controlId) {
 
 void ProjectTreePopulate() {
     if (Tree() == nullptr) {
+        return;
+    }
+    // Nothing is read for a tree that is not shown: most people never open it, and every start would pay for it.
+    g_tree.stale = (GetWindowLongW(Tree(), GWL_STYLE) & WS_VISIBLE) == 0;
+    if (g_tree.stale) {
         return;
     }
     const std::wstring root = RootFromSettings();
