@@ -19,7 +19,7 @@ CRITICAL_SECTION g_buildCs;
 
 namespace {
 
-constexpr UINT kShowIntervalMs = 40;
+constexpr UINT kShowIntervalMs = 20;
 constexpr UINT kProgressIntervalMs = 250;
 constexpr DWORD kStopWaitMs = 150;  // Stop is answered at once; what is slower than this ends behind it
 constexpr DWORD kEndWaitMs = 2000;  // from a reader's report to its clearing up

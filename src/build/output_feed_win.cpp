@@ -22,8 +22,9 @@ constexpr COLORREF kNoticeColour = 0x808000;   // teal
 constexpr COLORREF kWarningColour = 0x00B4B4;  // dark yellow
 constexpr double kSortMs = 20.0;               // spent at most on lines that are not shown at once
 constexpr int kClockEvery = 256;               // lines between looks at the clock
-constexpr double kShowMs = 50.0;               // no new block is begun after so long
-constexpr double kRevealMs = 100.0;            // between repaints
+constexpr double kShowMs = 15.0;               // no new block is begun after so long
+constexpr double kRevealMs = 100.0;            // between repaints of a short pane
+constexpr double kRevealMsPerLine = 0.003;     // more for each line shown: a repaint grows with them (kept_lines.h)
 
 struct Feed {
     OutputQueue queue;
@@ -146,7 +147,8 @@ void OutputFeedShowNext() {
         // Someone types, or another thread waits for an answer.
         if (HIWORD(GetQueueStatus(QS_INPUT | QS_SENDMESSAGE)) != 0) break;
     }
-    if (ClockMs() - g_feed.revealed >= kRevealMs) OutputFeedReveal();
+    const double pause = kRevealMs + kRevealMsPerLine * static_cast<double>(g_feed.kept.shown);
+    if (ClockMs() - g_feed.revealed >= pause) OutputFeedReveal();
     if (g_app.errors.count != errors) ErrorListRefresh();
 }
 
