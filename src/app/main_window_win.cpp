@@ -9,6 +9,7 @@
 #include "resources/ids.h"
 #include "session/session.h"
 #include "tabs/tab_bar.h"
+#include "toolbar/command_state.h"
 #include "toolbar/toolbar.h"
 
 namespace {
@@ -49,12 +50,6 @@ LRESULT OnColour(HDC dc) {
     SetBkColor(dc, chrome.paneBack);
     SetDCBrushColor(dc, chrome.paneBack);
     return reinterpret_cast<LRESULT>(GetStockObject(DC_BRUSH));
-}
-
-void FillArea(HDC dc, const RECT& area, COLORREF colour) {
-    HBRUSH brush = CreateSolidBrush(colour);
-    FillRect(dc, &area, brush);
-    DeleteObject(brush);
 }
 
 LRESULT OnErase(HWND window, HDC dc) {

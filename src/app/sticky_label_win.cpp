@@ -19,12 +19,6 @@ int TextStart() {
     return static_cast<int>(start);
 }
 
-void FillArea(HDC dc, const RECT& area, COLORREF colour) {
-    HBRUSH brush = CreateSolidBrush(colour);
-    FillRect(dc, &area, brush);
-    DeleteObject(brush);
-}
-
 }  // namespace
 
 bool MainWnd_DrawStickyHeader(const DRAWITEMSTRUCT& item) {

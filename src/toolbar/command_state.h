@@ -18,3 +18,6 @@ std::wstring CommandTipFromMenuText(std::wstring_view menuText);
 // The system's message font at the current DPI; owned here, valid until the next change of DPI.
 HFONT UiFont();
 void UiFontReset();
+
+// Fills an area with one colour.
+void FillArea(HDC dc, const RECT& area, COLORREF colour);

@@ -105,3 +105,8 @@ void UiFontReset() {
     if (g_uiFont != nullptr) DeleteObject(g_uiFont);
     g_uiFont = nullptr;
 }
+
+void FillArea(HDC dc, const RECT& area, COLORREF colour) {
+    SetDCBrushColor(dc, colour);
+    FillRect(dc, &area, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
+}

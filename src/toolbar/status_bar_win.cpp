@@ -49,9 +49,7 @@ void PaintPart(HDC dc, int part, const RECT& area, const ThemeChrome& chrome) {
     DrawTextW(dc, text.c_str(), -1, &inner, DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | DT_NOPREFIX);
     if (part != kMessage && part != kProgress) {
         RECT line = {area.left, area.top + Scaled(5), area.left + 1, area.bottom - Scaled(5)};
-        HBRUSH brush = CreateSolidBrush(chrome.line);
-        FillRect(dc, &line, brush);
-        DeleteObject(brush);
+        FillArea(dc, line, chrome.line);
     }
 }
 
@@ -62,13 +60,9 @@ void Paint(HWND window, HDC target) {
     HDC dc = CreateCompatibleDC(target);
     HBITMAP bitmap = CreateCompatibleBitmap(target, std::max<int>(1, client.right), std::max<int>(1, client.bottom));
     HGDIOBJ oldBitmap = SelectObject(dc, bitmap);
-    HBRUSH back = CreateSolidBrush(chrome.statusBack);
-    FillRect(dc, &client, back);
-    DeleteObject(back);
+    FillArea(dc, client, chrome.statusBack);
     RECT edge = {0, 0, client.right, 1};
-    HBRUSH line = CreateSolidBrush(chrome.line);
-    FillRect(dc, &edge, line);
-    DeleteObject(line);
+    FillArea(dc, edge, chrome.line);
     SetBkMode(dc, TRANSPARENT);
     HGDIOBJ oldFont = SelectObject(dc, UiFont());
     int ends[kPartCount] = {};

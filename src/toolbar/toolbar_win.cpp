@@ -191,9 +191,7 @@ LRESULT DrawBar(const NMTBCUSTOMDRAW& draw) {
             item.clrTextHighlight = chrome.statusText;
             item.clrHighlightHotTrack = chrome.hover;
             if ((draw.nmcd.uItemState & (CDIS_CHECKED | CDIS_HOT | CDIS_SELECTED)) != 0) {
-                HBRUSH brush = CreateSolidBrush(chrome.hover);
-                FillRect(draw.nmcd.hdc, &draw.nmcd.rc, brush);
-                DeleteObject(brush);
+                FillArea(draw.nmcd.hdc, draw.nmcd.rc, chrome.hover);
             }
             return TBCDRF_NOBACKGROUND | TBCDRF_NOEDGES | TBCDRF_NOOFFSET | TBCDRF_USECDCOLORS;
         }
@@ -218,13 +216,9 @@ LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
         const ThemeChrome& chrome = ThemeCurrentChrome();
         RECT area = {};
         GetClientRect(window, &area);
-        HBRUSH back = CreateSolidBrush(chrome.statusBack);
-        HBRUSH line = CreateSolidBrush(chrome.line);
-        FillRect(reinterpret_cast<HDC>(wParam), &area, back);
+        FillArea(reinterpret_cast<HDC>(wParam), area, chrome.statusBack);
         area.top = area.bottom - 1;
-        FillRect(reinterpret_cast<HDC>(wParam), &area, line);
-        DeleteObject(back);
-        DeleteObject(line);
+        FillArea(reinterpret_cast<HDC>(wParam), area, chrome.line);
         return 1;
     }
     if (message == WM_LBUTTONUP) g_applied.reset();  // a click turns a check button over by itself
