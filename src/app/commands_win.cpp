@@ -200,14 +200,20 @@ bool HandleOther(int command) {
     }
 }
 
+bool StartsBuild(int command) {
+    return command == IDM_BUILD || command == IDM_BUILD_RUN || command == IDM_BUILD_SYNTAX || command == IDM_BUILD_ALL;
+}
+
 }  // namespace
 
 void MainWnd_OnCommand(int command, int notification, HWND control) {
     const bool fromControl = control != nullptr && control != g_app.hToolbar;
     if (fromControl) return;  // notifications of edit fields; no control of ours but the toolbar sends commands
     (void)notification;
-    // A key or a posted command may come when the command is not possible; the table decides, not the sender.
-    if (!CommandStateOf(command, CurrentCommandView()).enabled) return;
+    // A key or a posted command may come when the command is not possible; the table decides, not the sender. A second
+    // build is let through to be told that one is running.
+    if (!CommandStateOf(command, CurrentCommandView()).enabled && !(StartsBuild(command) && CompilerIsBuilding()))
+        return;
     if (HandleFile(command) || HandleEdit(command) || HandleView(command) || CmdHandle_Build(command) ||
         HandleOther(command))
         MainWnd_RequestStateRefresh();

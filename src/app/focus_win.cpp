@@ -37,5 +37,6 @@ void MainWnd_RequestStateRefresh() { g_refreshWanted = true; }
 void MainWnd_RunPendingRefresh() {
     if (!g_refreshWanted || g_app.hToolbar == nullptr) return;
     g_refreshWanted = false;
+    StatusBarUpdatePosition();
     ToolbarApplyState(CurrentCommandView());
 }

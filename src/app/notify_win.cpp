@@ -33,8 +33,8 @@ void OnZoom(HWND editor) {
     }
 }
 
+// The status bar follows with the pending refresh: shown here, it would be painted ahead of the typed character.
 void OnCaretOrSelection() {
-    StatusBarUpdatePosition();
     UpdateStickyHeader(g_app.hEditor, g_app.hStickyHeader);
     EditorPaneUpdateBraces(g_app.hEditor);
     NavHistoryMaybeAdd();

@@ -175,6 +175,9 @@ void ShowCompilerMenu(const RECT& button) {
         AppendMenuW(menu, MF_STRING | (checked ? MF_CHECKED : MF_UNCHECKED), static_cast<UINT_PTR>(profile.command),
                     profile.text);
     }
+    AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+    const bool canBuild = CommandStateOf(IDM_BUILD_ALL, CurrentCommandView()).enabled;
+    AppendMenuW(menu, MF_STRING | (canBuild ? MF_ENABLED : MF_GRAYED), IDM_BUILD_ALL, L"Build All Open Sources");
     POINT at = {button.left, button.bottom};
     ClientToScreen(g_app.hToolbar, &at);
     TrackPopupMenu(menu, TPM_LEFTALIGN | TPM_TOPALIGN, at.x, at.y, 0, g_app.hMainWnd, nullptr);
