@@ -195,6 +195,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR commandLine, int showCom
     AppLogMsg(L"EXE dir: %s", directory);
     ParseCommandLine(commandLine);
     LogCommandLineResult();
+    MainWnd_CommandLineDone();
     const int code = RunMessageLoop();
     ScintillaUnload(g_app.scintilla.scintilla, g_app.scintilla.lexilla);
     if (richEdit != nullptr) FreeLibrary(richEdit);

@@ -16,6 +16,7 @@ void MainWnd_ApplyTheme();  // colours and fonts of the frame, after a change of
 void MainWnd_OnDpiChanged(HWND window, int dpi, const RECT& suggested);
 // startup_win.cpp
 void MainWnd_OnStartup();
+void MainWnd_CommandLineDone();  // start-up completion waits for this
 void MainWnd_OnReinitEditor(int tab);
 void MainWnd_OnAutoSaveTimer();
 void MainWnd_OnClose(HWND window);

@@ -20,6 +20,9 @@ namespace {
 
 constexpr int kRecentFilesAtStart = 5;
 
+bool g_commandLineDone = false;
+bool g_startupWaits = false;
+
 bool OfferSessionRestore() {
     wchar_t path[kPathCapacity] = {};
     SessionAutoSavePath(path, kPathCapacity);
@@ -61,6 +64,12 @@ void EnsureEditableStartupTab() {
 }
 
 void MainWnd_OnStartup() {
+    // A box of the command line ("--help", a file that is not there) lets messages through before the rest of the line
+    // was read: its files come first, and "--detect" leaves without opening or saving anything.
+    if (!g_commandLineDone) {
+        g_startupWaits = true;
+        return;
+    }
     AppLogMsg(L"DBG WM_USER+200 ENTER");
     const bool hadTabs = TabCount() > 0;
     const bool restored = OfferSessionRestore();
@@ -78,6 +87,11 @@ void MainWnd_OnStartup() {
     MainWnd_RequestStateRefresh();
     AppLogMsg(L"DBG WM_USER+200 EXIT tabCount=%d activeTab=%d hSci=%p", TabCount(), g_app.activeTab,
               static_cast<void*>(g_app.hEditor));
+}
+
+void MainWnd_CommandLineDone() {
+    g_commandLineDone = true;
+    if (g_startupWaits) PostMessageW(g_app.hMainWnd, MSG_STARTUP, 0, 0);
 }
 
 void MainWnd_OnReinitEditor(int tab) {
