@@ -21,6 +21,7 @@
 #include <commctrl.h>
 #include <richedit.h>
 
+#include <algorithm>
 #include <climits>
 
 namespace {
@@ -113,7 +114,11 @@ void RestoreGeometry(HWND window) {
 
 void StartTimers(HWND window) {
     if (g_app.settings.autoSaveInterval > 0)
-        SetTimer(window, TIMER_AUTO_SAVE, static_cast<UINT>(g_app.settings.autoSaveInterval) * 60000U, nullptr);
+        // More minutes than a timer can count would come round as a few seconds.
+        SetTimer(
+            window, TIMER_AUTO_SAVE,
+            std::min<UINT>(static_cast<UINT>(g_app.settings.autoSaveInterval), USER_TIMER_MAXIMUM / 60000U) * 60000U,
+            nullptr);
     if (g_app.settings.autoSaveEnabled != 0) SetTimer(window, TIMER_SESSION, kSessionInterval, nullptr);
 }
 
