@@ -21,6 +21,7 @@ struct GotoTarget {
 };
 
 constexpr int kNumberCapacity = 32;  // characters read from a field
+constexpr std::size_t kProcedureCapacity = 257;
 
 void SetNumber(HWND dialog, int control, LRESULT number) {
     wchar_t text[kNumberCapacity];
@@ -40,7 +41,9 @@ void Fill(HWND dialog) {
     SetNumber(dialog, IDC_GOTO_LINE, SciSend(g_app.hEditor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(caret)) + 1);
     SetNumber(dialog, IDC_GOTO_LINE_COUNT, SciSend(g_app.hEditor, SCI_GETLINECOUNT));
     SetNumber(dialog, IDC_GOTO_COLUMN, SciSend(g_app.hEditor, SCI_GETCOLUMN, static_cast<WPARAM>(caret)));
-    UpdateStickyHeader(g_app.hEditor, GetDlgItem(dialog, IDC_GOTO_PROCEDURE));
+    wchar_t procedure[kProcedureCapacity];
+    EditorPaneProcedureLine(g_app.hEditor, procedure, kProcedureCapacity);
+    SetDlgItemTextW(dialog, IDC_GOTO_PROCEDURE, procedure);
     const HWND line = GetDlgItem(dialog, IDC_GOTO_LINE);
     SendMessageW(line, EM_SETSEL, 0, -1);
     SetFocus(line);
