@@ -161,7 +161,10 @@ int FileReload(int tab) {
     if (!IsTabIndex(tab) || !g_app.tabs[static_cast<std::size_t>(tab)].hasFile) {
         return 0;
     }
-    if (!MayDiscardChanges(g_app.tabs[static_cast<std::size_t>(tab)])) {
+    const HWND editor = g_app.tabs[static_cast<std::size_t>(tab)].editor;
+    const bool mayDiscard = MayDiscardChanges(g_app.tabs[static_cast<std::size_t>(tab)]);
+    tab = TabBarFindEditor(editor);  // the box may have let other work run
+    if (!mayDiscard || tab < 0) {
         return 0;
     }
     DocumentTab& document = g_app.tabs[static_cast<std::size_t>(tab)];
@@ -214,7 +217,8 @@ int FileClose(int tab) {
 }
 
 int FileCloseAll() {
-    for (int tab = TabCount() - 1; tab >= 0; --tab) {
+    while (TabCount() > 0) {
+        const int tab = TabCount() - 1;
         if (g_app.tabs[static_cast<std::size_t>(tab)].modified) {
             TabBarSelect(tab);  // the user sees what the question is about
         }
