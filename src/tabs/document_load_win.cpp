@@ -63,9 +63,15 @@ void LookForBreak(BreakSearch& search, const char* bytes, std::size_t length) {
     }
 }
 
+// A document that Scintilla found no memory for is cut short; saving it would cut the file.
+bool HoldsAll(HWND editor, std::size_t length) {
+    return static_cast<std::size_t>(SciSend(editor, SCI_GETLENGTH)) == length;
+}
+
 Streamed StreamFile(DocumentTab& tab, HANDLE file, std::size_t size) {
     const auto piece = std::make_unique<char[]>(kPiece + 4);
     std::size_t kept = 0;  // bytes of an unfinished character, at the start of the piece
+    std::size_t total = 0;
     BreakSearch breaks;
     EditorPaneBeginLoad(tab.editor, size);
     for (;;) {
@@ -77,11 +83,13 @@ Streamed StreamFile(DocumentTab& tab, HANDLE file, std::size_t size) {
         if (!IsValidUtf8Bytes(piece.get(), whole)) return Streamed::NotUtf8;
         LookForBreak(breaks, piece.get(), whole);
         EditorPaneAppendLoad(tab.editor, {piece.get(), whole});
+        total += whole;
         if (read == 0) break;
         kept = length - whole;
         std::copy(piece.get() + whole, piece.get() + length, piece.get());
     }
     EditorPaneEndLoad(tab.editor);
+    if (!HoldsAll(tab.editor, total)) return Streamed::Failed;
     tab.encoding = TextEncoding::Utf8;
     tab.lineEnding = breaks.ending;
     return Streamed::Done;
@@ -105,5 +113,5 @@ bool TabLoadFile(DocumentTab& tab) {
     const HeapBlock<char> text(ReadSourceFileForEditor(tab.path, &length, &tab.encoding, &tab.lineEnding));
     if (!text) return false;
     EditorPaneSetBytes(tab.editor, {text.get(), length});
-    return true;
+    return HoldsAll(tab.editor, length);
 }
