@@ -25,7 +25,7 @@ namespace {
 
 void SaveActive() {
     const int tab = g_app.activeTab;
-    if (FileSave(tab) == 0 || g_app.settings.buildOnSave == 0 || CompilerIsBuilding()) return;
+    if (FileSave(tab) == 0 || !IsTabIndex(tab) || g_app.settings.buildOnSave == 0 || CompilerIsBuilding()) return;
     const DocumentTab& document = g_app.tabs[static_cast<std::size_t>(tab)];
     if (document.hasFile) StartCompilerBuild(false, false);
 }
