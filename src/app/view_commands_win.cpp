@@ -17,10 +17,17 @@ namespace {
 
 void Toggle(std::int32_t& setting) { setting = setting != 0 ? 0 : 1; }
 
+// A pane that goes away while it has the keyboard would keep it.
+void LeaveHiddenPane() {
+    HWND focus = GetFocus();
+    if (focus != nullptr && !IsWindowVisible(focus) && IsChild(g_app.hMainWnd, focus)) FocusCurrentEditor();
+}
+
 // The pane holds what it showed last; when it opens after a build that wrote a listing, it shows that.
 void ShowAsmPane(bool show) {
     g_app.showAsmPane = show;
     MainWindow_Layout();
+    LeaveHiddenPane();
     if (!show) return;
     EnterCriticalSection(&g_buildCs);
     const std::wstring source = g_app.build.sourcePath;
@@ -100,6 +107,7 @@ bool HandlePanes(int command) {
         default: return false;
     }
     MainWindow_Layout();
+    LeaveHiddenPane();
     return true;
 }
 
