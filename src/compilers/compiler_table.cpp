@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr CompilerProfile kProfiles[kCompilerCount] = {
+constexpr CompilerProfile g_profiles[kCompilerCount] = {
     {kCompilerKvxa64, L"KVXA64", L"-S", L"-I", L"", CommandStyle::Kvx, L"--debug"},
     {kCompilerKvxb64, L"KVXB64", L"--syntax-only", L"-I", L"--asm:{asm}", CommandStyle::Kvx, L"--debug"},
     {kCompilerKvxa32, L"KVXA32", L"-S", L"-I", L"/ASMOUT: {asm}", CommandStyle::Kvx, L"--debug"},
@@ -18,7 +18,7 @@ constexpr CompilerProfile kProfiles[kCompilerCount] = {
     {kCompilerKvxc64, L"KVXC64", L"--syntax-only", L"-I", L"--asm:{asm}", CommandStyle::Kvx, L"--debug"},
 };
 
-constexpr CompilerMenuEntry kEntries[kCompilerCount] = {
+constexpr CompilerMenuEntry g_compilers[kCompilerCount] = {
     {kCompilerKvxa64, L"KVXA64", 1250}, {kCompilerKvxb64, L"KVXB64", 1251},
     {kCompilerKvxa32, L"KVXA32", 1253}, {kCompilerKeldorBasic, L"KeldorBasic", 1254},
     {kCompilerKvxc64, L"KVXC64", 1320},
@@ -69,7 +69,7 @@ constexpr std::span<const CompilerCandidate> kCandidates[kCompilerCount] = {
 
 constexpr bool TablesAreInIdOrder() {
     for (std::uint32_t id = 0; id < kCompilerCount; ++id) {
-        if (kProfiles[id].id != id || kEntries[id].id != id) {
+        if (g_profiles[id].id != id || g_compilers[id].id != id) {
             return false;
         }
     }
@@ -99,12 +99,12 @@ constexpr std::wstring_view kGenericBasic[] = {L".bas", L".pb", L".pbi", L".pba"
 
 }  // namespace
 
-const CompilerProfile& Profile(std::uint32_t id) { return kProfiles[id < kCompilerCount ? id : 0]; }
+const CompilerProfile& Profile(std::uint32_t id) { return g_profiles[id < kCompilerCount ? id : 0]; }
 
-const CompilerMenuEntry& CompilerEntry(std::uint32_t id) { return kEntries[id < kCompilerCount ? id : 0]; }
+const CompilerMenuEntry& CompilerEntry(std::uint32_t id) { return g_compilers[id < kCompilerCount ? id : 0]; }
 
 const CompilerMenuEntry* CompilerEntryByCommand(int command) {
-    for (const CompilerMenuEntry& entry : kEntries) {
+    for (const CompilerMenuEntry& entry : g_compilers) {
         if (entry.command == command) {
             return &entry;
         }
