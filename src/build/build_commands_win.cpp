@@ -119,7 +119,8 @@ void Clean() {
     CompilerMakeOutputPath(source.c_str(), product, kPathCapacity);
     DeleteProduct(product, source);
     CompilerMakeAsmPath(source.c_str(), product, kPathCapacity);
-    DeleteProduct(product, source);
+    // A source without an extension in a folder with a dot has its listing's name outside that folder.
+    if (SamePathText(FolderOf(product), FolderOf(source))) DeleteProduct(product, source);
     for (const wchar_t* extension : {L".log", L".lst", L".err", L".buildlog"})
         DeleteProduct(ReplaceExtension(source, extension), source);
     OutputPaneAppend(L"Cleaned build outputs.\r\n", 0);
@@ -141,6 +142,7 @@ void UseCompiler(std::uint32_t id) {
 void UseProfile(int profile) {
     constexpr const wchar_t* names[] = {L"Debug", L"Release", L"Fast"};
     g_app.settings.profile = profile;
+    SettingsSave(nullptr);
     StatusBarSetText(FormatW(L"Build profile: %s", names[profile]).c_str());
     MenuUpdateState();
 }
