@@ -19,6 +19,7 @@ CRITICAL_SECTION g_buildCs;
 
 namespace {
 
+constexpr COLORREF kRed = 0x0000FF;
 constexpr UINT kShowIntervalMs = 20;
 constexpr UINT kProgressIntervalMs = 250;
 constexpr DWORD kStopWaitMs = 150;  // Stop is answered at once; what is slower than this ends behind it
@@ -100,7 +101,7 @@ bool StageStart(StageLaunch launch, DWORD* error) {
     GetSystemTimeAsFileTime(&startTime);
     ChildProcess child;
     if (!ChildStart(launch.commandLine, launch.directory, &child, error)) {
-        UnstageSource(&launch.staged);
+        OutputFeedMessage(UnstageSource(&launch.staged), kRed);
         return false;
     }
     StoreState(launch, child, startTime);
@@ -117,7 +118,7 @@ bool StageStart(StageLaunch launch, DWORD* error) {
         ForgetState();
         ChildTerminate(child.job, child.process);
         ChildClose(&child);
-        UnstageSource(&launch.staged);
+        OutputFeedMessage(UnstageSource(&launch.staged), kRed);
         return false;
     }
     g_stage.stage = launch.stage;
@@ -190,7 +191,8 @@ void BuildShutdown() {
     ReaderStopAll();
     if (g_stage.reader) WaitForSingleObject(g_stage.reader.Get(), kShutdownWaitMs);
     MSG message = {};
-    while (PeekMessageW(&message, nullptr, MSG_BUILD_OUTPUT, MSG_BUILD_OUTPUT, PM_REMOVE))
+    while (PeekMessageW(&message, g_app.hMainWnd, MSG_BUILD_OUTPUT, MSG_BUILD_OUTPUT, PM_REMOVE) &&
+           message.message == MSG_BUILD_OUTPUT)
         std::free(reinterpret_cast<void*>(message.wParam));
     OutputFeedForget();
     g_stage = {};
