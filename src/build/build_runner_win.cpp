@@ -247,8 +247,8 @@ bool Prepare(std::uint32_t id, const wchar_t* source, const wchar_t* output, con
                              .output = output},
                             &out->commandLine);
     if (problem == CommandProblem::None) return true;
-    UnstageSource(&out->staged);
     OutputPaneAppend(CommandProblemText(problem), kRed);
+    OutputPaneAppend(UnstageSource(&out->staged).c_str(), kRed);
     return false;
 }
 
