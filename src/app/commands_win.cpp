@@ -210,10 +210,9 @@ void MainWnd_OnCommand(int command, int notification, HWND control) {
     const bool fromControl = control != nullptr && control != g_app.hToolbar;
     if (fromControl) return;  // notifications of edit fields; no control of ours but the toolbar sends commands
     (void)notification;
-    // A key or a posted command may come when the command is not possible; the table decides, not the sender. A second
-    // build is let through to be told that one is running.
-    if (!CommandStateOf(command, CurrentCommandView()).enabled && !(StartsBuild(command) && CompilerIsBuilding()))
-        return;
+    // A key or a posted command may come when the command is not possible; the table decides, not the sender. A build is
+    // let through to say itself why it does not start: one is running, or there is no document.
+    if (!StartsBuild(command) && !CommandStateOf(command, CurrentCommandView()).enabled) return;
     if (HandleFile(command) || HandleEdit(command) || HandleView(command) || CmdHandle_Build(command) ||
         HandleOther(command))
         MainWnd_RequestStateRefresh();
