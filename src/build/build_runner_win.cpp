@@ -123,6 +123,7 @@ void BuildFlags(wchar_t* flags) {
 
 bool LaunchCompiler() {
     const BuildOrder& order = g_build.order;
+    OutputFeedReset(g_build.id);  // what a pre-build command printed is not the compiler's
     wchar_t flags[kFlagsCapacity] = {};
     BuildFlags(flags);
     StatusBarSetText(order.syntaxOnly ? L"Syntax check..." : order.debug ? L"Debug build..." : L"Building...");
