@@ -6,6 +6,7 @@
 #include "build/build_state.h"
 #include "editor/nav_history.h"
 #include "scintilla/scintilla_library.h"
+#include "settings/run_overrides.h"
 #include "settings/settings.h"
 #include "tabs/document.h"
 
@@ -41,6 +42,7 @@ struct AppState {
     NavHistory navigation;
 
     Settings settings;  // what Editor.ini holds
+    RunOverrides overrides;  // of them, what the command line set for this run only
 
     // View state that lasts for one run
     bool showOutput = true;

@@ -86,7 +86,7 @@ void ReopenLog() {
 
 void SelectCompiler(int id) {
     if (id == g_app.settings.activeCompiler) return;
-    g_app.settings.activeCompiler = id;
+    OverrideCompiler(g_app.overrides, g_app.settings, id);
     MainWindow_UpdateCompilerSelection();
     SyntaxThemeApplyAll();
 }
@@ -96,11 +96,11 @@ void RunStep(const CommandLineStep& step) {
         case CommandLineAction::Open: FileOpen(step.text.c_str()); break;
         case CommandLineAction::SetCompiler: SelectCompiler(step.number); break;
         case CommandLineAction::SetFont:
-            SafeCopyW(g_app.settings.fontName, step.text);
+            OverrideFont(g_app.overrides, g_app.settings, step.text);
             SettingsApplyToEditor();
             break;
         case CommandLineAction::SetFontSize:
-            g_app.settings.fontSize = step.number;
+            OverrideFontSize(g_app.overrides, g_app.settings, step.number);
             SettingsApplyToEditor();
             break;
         case CommandLineAction::Detect: ShowDetectReport(); EndProcess(0);

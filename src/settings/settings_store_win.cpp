@@ -14,6 +14,7 @@
 #include "settings/secrets.h"
 #include "settings/settings_schema.h"
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -297,7 +298,9 @@ void SettingsSave(const wchar_t* overridePath) {
     GetIniPath(overridePath, ini, kPathCapacity);
     const std::wstring temporary = std::wstring{ini} + L".tmp";
 
-    const std::string bytes = ComposeFile(settings);
+    const auto stored = std::make_unique<Settings>(settings);  // too large for the stack
+    RestoreStored(g_app.overrides, *stored);
+    const std::string bytes = ComposeFile(*stored);
 
     if (settings.backupSettings == 0 && FileHolds(ini, bytes)) {
         return;  // opening the newest recent file once more changes nothing

@@ -115,13 +115,13 @@ TEST(Startup, OptionsOfTheCommandLineFromLeftToRight) {
     const std::wstring foreign = folder.Write(L"Gr\u00F6\u00DFe \u65E5\u672C.bas", "' two\r\n");
     const std::wstring missing = folder.File(L"missing.bas");
     Editor editor(folder,
-                  L"--bogus --open \"" + forward +
+                  L"--bogus --help --open \"" + forward +
                       L"\" --fontsize 6 --fontsize 5 --fontsize 73 --fontsize x --open \"" + foreign + L"\" --open \"" +
                       missing + L"\" --open \"" + forward +
-                      L"\" --compiler kvxc64 --compiler Kvxa64 --font \"Courier New\" --help --fontsize",
+                      L"\" --compiler kvxc64 --compiler Kvxa64 --font \"Courier New\" --fontsize",
                   Until::Started);
-    editor.Answer(L"KVXE - Unified Compiler Editor", L"Failed to open file: " + missing, IDOK);
     editor.Answer(L"Editor Help", kHelp, IDOK);
+    editor.Answer(L"KVXE - Unified Compiler Editor", L"Failed to open file: " + missing, IDOK);
     ASSERT_TRUE(editor.AwaitReady()) << "the help box must not end the program";
 
     ASSERT_EQ(editor.Tabs(), 2) << "two files, one of them named twice, one missing, no untitled tab";
@@ -142,6 +142,8 @@ TEST(Startup, OptionsOfTheCommandLineFromLeftToRight) {
     EXPECT_EQ(folder.Ini(L"MRU", L"Count"), L"2");
     EXPECT_EQ(folder.Ini(L"MRU", L"File0"), foreign) << "newest first; the missing file is not remembered";
     EXPECT_EQ(editor.Close(), 0u);
+    EXPECT_EQ(folder.Ini(L"Editor", L"FontSize") + L" " + folder.Ini(L"Editor", L"ActiveCompiler"), L"12 3")
+        << "options are for one run";
 }
 
 TEST(Startup, DetectReportsAndLeaves) {
