@@ -71,14 +71,6 @@ bool HandleFile(int command) {
 }
 
 // Edit commands go to the text field that has the keyboard when that is not the editor.
-HWND FocusedTextField() {
-    HWND focus = GetFocus();
-    for (HWND field : {g_app.hOutput, g_app.hAsmPane, g_app.hAiChat, g_app.hAiInput, g_app.hTerminal}) {
-        if (focus != nullptr && focus == field) return field;
-    }
-    return nullptr;
-}
-
 bool HandleClipboard(int command) {
     static constexpr struct {
         int command;
@@ -200,19 +192,14 @@ bool HandleOther(int command) {
     }
 }
 
-bool StartsBuild(int command) {
-    return command == IDM_BUILD || command == IDM_BUILD_RUN || command == IDM_BUILD_SYNTAX || command == IDM_BUILD_ALL;
-}
-
 }  // namespace
 
 void MainWnd_OnCommand(int command, int notification, HWND control) {
     const bool fromControl = control != nullptr && control != g_app.hToolbar;
     if (fromControl) return;  // notifications of edit fields; no control of ours but the toolbar sends commands
     (void)notification;
-    // A key or a posted command may come when the command is not possible; the table decides, not the sender. A build is
-    // let through to say itself why it does not start: one is running, or there is no document.
-    if (!StartsBuild(command) && !CommandStateOf(command, CurrentCommandView()).enabled) return;
+    // A key or a posted command may come when the command is not possible; the table decides, not the sender.
+    if (!CommandStateOf(command, CurrentCommandView()).enabled) return;
     if (HandleFile(command) || HandleEdit(command) || HandleView(command) || CmdHandle_Build(command) ||
         HandleOther(command))
         MainWnd_RequestStateRefresh();

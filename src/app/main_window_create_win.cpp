@@ -31,6 +31,7 @@ constexpr wchar_t kAsmGreeting[] =
 constexpr wchar_t kAiGreeting[] =
     L"AI Chat\r\n========\r\nType a message below and click Send, or use Tools > OpenAI / LM-Studio.\r\n";
 constexpr int kPaneMargin = 6;             // left and right of a pane's text, at 96 dpi
+constexpr int kFarAway = 1000000;          // pixels, beyond any desktop
 constexpr UINT kSessionInterval = 300000;  // ms
 
 HMENU ChildId(int id) { return reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)); }
@@ -94,10 +95,11 @@ int WindowSetting(const wchar_t* key, int fallback) {
 }
 
 void RestoreGeometry(HWND window) {
-    const int left = WindowSetting(L"Left", INT_MIN);
-    const int top = WindowSetting(L"Top", INT_MIN);
-    const int width = WindowSetting(L"Width", 0);
-    const int height = WindowSetting(L"Height", 0);
+    // Any number may stand there; none of these sums may overflow.
+    const int left = std::clamp(WindowSetting(L"Left", INT_MIN), -kFarAway, kFarAway);
+    const int top = std::clamp(WindowSetting(L"Top", INT_MIN), -kFarAway, kFarAway);
+    const int width = std::min(WindowSetting(L"Width", 0), kFarAway);
+    const int height = std::min(WindowSetting(L"Height", 0), kFarAway);
     if (width < 1 || height < 1) return;
     const RECT wanted = {left, top, left + width, top + height};
     MONITORINFO monitor = {};

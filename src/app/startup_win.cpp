@@ -40,6 +40,11 @@ void OpenRecentFiles() {
     for (int i = 0; i < count; ++i) {
         if (FileExists(files[i])) FileOpen(files[i]);
     }
+    // Opening put each in front of the one before; the list keeps its order, and the newest file is the active one.
+    for (int i = count - 1; i >= 0; --i) {
+        if (TabBarFindPath(files[i]) >= 0) MruAddFile(files[i]);
+    }
+    TabBarSelect(0);
 }
 
 void OpenWorkspaceOrRecent() {

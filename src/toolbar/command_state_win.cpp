@@ -32,8 +32,18 @@ std::uint32_t EditorConditions() {
 
 }  // namespace
 
+HWND FocusedTextField() {
+    HWND focus = GetFocus();
+    for (HWND field : {g_app.hOutput, g_app.hAsmPane, g_app.hAiChat, g_app.hAiInput, g_app.hTerminal}) {
+        if (focus != nullptr && focus == field) return field;
+    }
+    return nullptr;
+}
+
 CommandView CurrentCommandView() {
     CommandView view;
+    // What such a field could undo or copy is its own business; asking it would cost every key.
+    if (FocusedTextField() != nullptr) view.conditions |= kCanUndo | kCanRedo | kHasSelection;
     if (IsTabIndex(g_app.activeTab)) view.conditions |= EditorConditions();
     if (std::ranges::any_of(g_app.tabs, &DocumentTab::modified)) view.conditions |= kAnyModified;
     view.conditions |= CompilerIsBuilding() ? kBuilding : kIdle;

@@ -14,10 +14,12 @@ TEST(CommandTable, StatesFollowTheConditions) {
     EXPECT_FALSE(CommandStateOf(IDM_FILE_SAVE, view).enabled) << "no document";
     EXPECT_TRUE(CommandStateOf(IDM_FILE_NEW, view).enabled);
     view.conditions = kHasTab | kBuilding;
-    EXPECT_FALSE(CommandStateOf(IDM_BUILD, view).enabled) << "a build runs";
+    EXPECT_FALSE(CommandStateOf(IDM_BUILD_CLEAN, view).enabled) << "a build runs";
     EXPECT_TRUE(CommandStateOf(IDM_BUILD_STOP, view).enabled);
-    view.conditions = kHasTab | kIdle;
-    EXPECT_TRUE(CommandStateOf(IDM_BUILD, view).enabled);
+    EXPECT_TRUE(CommandStateOf(IDM_BUILD, view).enabled) << "says itself that one runs";
+    view.conditions = kHasTab | kHasFile | kIdle;
+    EXPECT_FALSE(CommandStateOf(IDM_BUILD_STOP, view).enabled);
+    EXPECT_TRUE(CommandStateOf(IDM_BUILD_CLEAN, view).enabled);
     EXPECT_FALSE(CommandStateOf(IDM_EDIT_FORMAT_DOCUMENT, view).enabled) << "not BASIC";
     view.conditions = ~static_cast<std::uint32_t>(kNever);
     EXPECT_FALSE(CommandStateOf(IDM_DEBUG_START, view).enabled) << "not in this version";
