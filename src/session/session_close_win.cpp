@@ -34,8 +34,9 @@ bool CloseEveryTab() {
     std::wstring kept;
     while (TabCount() > 0) {
         const int before = TabCount();
-        if (FileClose(0) != 0 && TabCount() < before) {
-            continue;
+        FileClose(0);
+        if (TabCount() < before) {
+            continue;  // also when something else closed a tab while the question was up
         }
         const DocumentTab& document = g_app.tabs.front();
         if (document.modified && !KeepText(document, kept)) {
