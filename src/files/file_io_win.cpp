@@ -90,6 +90,11 @@ bool WriteFileUtf8(const wchar_t* path, const char* bytes, std::size_t length) {
            written == length;
 }
 
+bool FlushWritten(void* file) {
+    return FlushFileBuffers(file) != FALSE || GetLastError() == ERROR_INVALID_FUNCTION ||
+           GetLastError() == ERROR_NOT_SUPPORTED;
+}
+
 std::wstring PathForSystem(const wchar_t* path) {
     std::wstring extended = PathExtended(path);
     if (extended.size() == std::wstring_view{path}.size()) {

@@ -50,7 +50,7 @@ bool WriteFlushed(const std::wstring& path, const char* bytes, std::size_t lengt
         created = static_cast<bool>(file);
         DWORD written = 0;
         standing = created && WriteFile(file.Get(), bytes, static_cast<DWORD>(length), &written, nullptr) != FALSE &&
-                   written == length && FlushFileBuffers(file.Get()) != FALSE;
+                   written == length && FlushWritten(file.Get());
     }
     if (created && !standing) {
         DeleteFileW(systemPath.c_str());  // half a copy would only mislead

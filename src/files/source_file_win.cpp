@@ -103,13 +103,8 @@ bool Overwrite(const std::wstring& systemPath, DWORD attributes, const char* byt
     const UniqueHandle file{
         CreateFileW(systemPath.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, attributes, nullptr)};
     DWORD written = 0;
-    if (!file || WriteFile(file.Get(), bytes, static_cast<DWORD>(length), &written, nullptr) == FALSE ||
-        written != length) {
-        return false;
-    }
-    // Some redirectors and odd file systems know no flush; that is no failed write.
-    return FlushFileBuffers(file.Get()) != FALSE || GetLastError() == ERROR_INVALID_FUNCTION ||
-           GetLastError() == ERROR_NOT_SUPPORTED;
+    return file && WriteFile(file.Get(), bytes, static_cast<DWORD>(length), &written, nullptr) != FALSE &&
+           written == length && FlushWritten(file.Get());
 }
 
 enum class Verdict { Same, Different, Unreadable };

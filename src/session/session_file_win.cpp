@@ -13,7 +13,7 @@ bool WriteFlushed(const std::wstring& path, std::string_view bytes) {
                                         FILE_ATTRIBUTE_NORMAL, nullptr)};
     DWORD written = 0;
     return file && WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) != FALSE &&
-           written == bytes.size() && FlushFileBuffers(file.Get()) != FALSE;
+           written == bytes.size() && FlushWritten(file.Get());
 }
 
 }  // namespace
