@@ -20,9 +20,10 @@ constexpr std::size_t kLateBytes = 1024 * 1024;  // and how much; far more than 
 constexpr int kPostTries = 100;
 constexpr DWORD kPostPauseMs = 20;
 
-UniqueHandle g_stop;             // set: the reader is to end
-UniqueHandle g_credits;          // semaphore: chunks that may still be posted
-std::vector<HANDLE> g_leftJobs;  // of commands that outlived their stage; under g_buildCs
+UniqueHandle g_stop;     // set: the reader is to end
+UniqueHandle g_credits;  // semaphore: chunks that may still be posted
+// Of commands that outlived their stage; under g_buildCs. Never destroyed: their threads may outlive the program's end.
+std::vector<HANDLE>& g_leftJobs = *new std::vector<HANDLE>;
 
 class BuildLock {
 public:
