@@ -24,7 +24,8 @@ struct RecoveryCopy {
 bool RecoveryWrite(const wchar_t* target, const char* bytes, std::size_t length, RecoveryCopy* copy);
 // The save succeeded: removes this copy and those that failed saves of the same target left in this process.
 void RecoveryDiscard(const wchar_t* target, const RecoveryCopy& copy);
-// The save failed: the copy stays.
+// The save failed: the copy stays, in place of those that failed saves of the same target left before. An empty copy
+// replaces none.
 void RecoveryKeep(const wchar_t* target, const RecoveryCopy& copy);
 
 // The copy that the latest failed save left, empty when the latest save succeeded or nothing could be kept.

@@ -68,6 +68,17 @@ void Remove(const RecoveryCopy& copy) {
     }
 }
 
+// Removes the copies that earlier failures of this target left: older states of the same document. Under g_keptLock.
+void RemoveKept(const wchar_t* target) {
+    std::erase_if(g_kept, [target](const KeptCopy& kept) {
+        const bool same = PathEqualsIgnoreCase(kept.target, target);
+        if (same) {
+            Remove(kept.copy);
+        }
+        return same;
+    });
+}
+
 // A name that is free in the folder: an earlier process with the same number may have left a copy.
 std::wstring FreeName(const std::wstring& folder, const wchar_t* target) {
     std::wstring path;
@@ -132,20 +143,14 @@ void RecoveryDiscard(const wchar_t* target, const RecoveryCopy& copy) {
     Remove(copy);
     const std::lock_guard lock{g_keptLock};
     g_lastPath.clear();
-    // Earlier failures of this target held older states of the same document.
-    std::erase_if(g_kept, [target](const KeptCopy& kept) {
-        const bool same = PathEqualsIgnoreCase(kept.target, target);
-        if (same) {
-            Remove(kept.copy);
-        }
-        return same;
-    });
+    RemoveKept(target);
 }
 
 void RecoveryKeep(const wchar_t* target, const RecoveryCopy& copy) {
     const std::lock_guard lock{g_keptLock};
     g_lastPath = copy.path;
     if (!copy.path.empty()) {
+        RemoveKept(target);
         g_kept.push_back({target, copy});
     }
 }

@@ -23,7 +23,8 @@ bool KeepText(const DocumentTab& document, std::wstring& kept) {
     if (!text || !RecoveryWrite(target, text.get(), length, &copy)) {
         return false;
     }
-    RecoveryKeep(target, copy);
+    // Not handed to RecoveryKeep: several untitled documents share one label, and a later save of the same file must
+    // not take away what the user is told to find here.
     kept += std::wstring{L"\n\n"} + document.label + L":\n" + copy.path;
     return true;
 }
