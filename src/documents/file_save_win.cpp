@@ -41,7 +41,8 @@ private:
 };
 
 void BackUp(const wchar_t* path) {
-    if (g_app.settings.backupOnSave == 0 || !FileExists(path)) {
+    // After a failed save the file may be cut short; the backup made before that save is the good one.
+    if (g_app.settings.backupOnSave == 0 || !FileExists(path) || RecoveryHasKept(path)) {
         return;
     }
     const std::wstring backup = std::wstring{path} + L".bak";

@@ -28,6 +28,9 @@ void RecoveryDiscard(const wchar_t* target, const RecoveryCopy& copy);
 // replaces none.
 void RecoveryKeep(const wchar_t* target, const RecoveryCopy& copy);
 
+// A failed save of this target left a copy in this process and none has succeeded since: the target may be damaged.
+bool RecoveryHasKept(const wchar_t* target);
+
 // The copy that the latest failed save left, empty when the latest save succeeded or nothing could be kept.
 std::wstring RecoveryLastPath();
 

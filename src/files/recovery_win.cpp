@@ -7,6 +7,7 @@
 
 #include <shlobj.h>
 
+#include <algorithm>
 #include <atomic>
 #include <iterator>
 #include <mutex>
@@ -153,6 +154,12 @@ void RecoveryKeep(const wchar_t* target, const RecoveryCopy& copy) {
         RemoveKept(target);
         g_kept.push_back({target, copy});
     }
+}
+
+bool RecoveryHasKept(const wchar_t* target) {
+    const std::lock_guard lock{g_keptLock};
+    return std::ranges::any_of(g_kept,
+                               [target](const KeptCopy& kept) { return PathEqualsIgnoreCase(kept.target, target); });
 }
 
 std::wstring RecoveryLastPath() {

@@ -145,6 +145,7 @@ TEST_F(FilesWin, FailedSavesKeepOldAndNewContent) {
         EXPECT_EQ(Bytes(copy), "second\n");
         const HeapBlock<char> target{WideToUtf8(path.c_str())};
         EXPECT_EQ(Bytes(copy + L".path"), target.get());
+        EXPECT_TRUE(RecoveryHasKept(path.c_str())) << path;
     }
     EXPECT_EQ(Copies().size(), 4U) << "of each target the newest failure's copy and its note";
 
@@ -152,6 +153,8 @@ TEST_F(FilesWin, FailedSavesKeepOldAndNewContent) {
     lock.Reset();
     EXPECT_TRUE(Save(readOnly, "third"));
     EXPECT_EQ(RecoveryLastPath(), L"");
+    EXPECT_FALSE(RecoveryHasKept(readOnly.c_str()));
+    EXPECT_TRUE(RecoveryHasKept(locked.c_str()));
     EXPECT_EQ(Copies().size(), 2U) << "a good save removes what failed saves of this target left, and nothing else";
     EXPECT_TRUE(Save(locked, "third"));
     EXPECT_TRUE(Copies().empty());
