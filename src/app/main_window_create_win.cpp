@@ -30,7 +30,6 @@ constexpr wchar_t kAsmGreeting[] =
     L"ASM output will appear here after compilation.\r\nToggle via View > ASM Pane or the toolbar button.";
 constexpr wchar_t kAiGreeting[] =
     L"AI Chat\r\n========\r\nType a message below and click Send, or use Tools > OpenAI / LM-Studio.\r\n";
-constexpr int kPaneMargin = 6;             // left and right of a pane's text, at 96 dpi
 constexpr int kFarAway = 1000000;          // pixels, beyond any desktop
 constexpr UINT kSessionInterval = 300000;  // ms
 
@@ -134,9 +133,7 @@ void MainWnd_ApplyTheme() {
     PaneApplyFontAndTheme(g_app.hAsmPane);
     PaneApplyFontAndTheme(g_app.hAiChat);
     ProjectTreeApplyTheme();
-    const int margin = MulDiv(kPaneMargin, g_app.dpi, 96);
     for (HWND pane : {g_app.hOutput, g_app.hAsmPane, g_app.hAiChat}) {
-        SendMessageW(pane, EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, MAKELPARAM(margin, margin));
         POINT place = {};
         SendMessageW(pane, EM_GETSCROLLPOS, 0, reinterpret_cast<LPARAM>(&place));
         place.x = 0;  // a pane without a size yet scrolls its caret into a view of no width

@@ -12,7 +12,7 @@ void OutputPaneAppend(const wchar_t* text, COLORREF colour);
 void OutputPaneClear();
 void OutputPaneScrollToEnd();
 void OutputPaneApplyFont();
-// Font and colours of any of the Rich Edit panes (output, ASM, chat) from the settings and theme.
+// Font, colours and margins of any of the Rich Edit panes (output, ASM, chat) from the settings and theme.
 void PaneApplyFontAndTheme(HWND richEdit);
 // The diagnostic on the pane's current line, if it is one (double-click, Enter).
 void OutputPaneNavigateError();

@@ -13,6 +13,8 @@
 
 namespace {
 
+constexpr int kMargin = 6;  // left and right of a pane's text, at 96 dpi
+
 enum MenuCommand : UINT { kCopy = 1, kSelectAll, kClear, kNextError, kPreviousError };
 
 void ShowContextMenu(HWND pane, POINT at) {
@@ -78,6 +80,8 @@ void SetFormat(HWND pane, WPARAM scope) {
 }
 
 void FormatPane(HWND pane) {
+    const int margin = MulDiv(kMargin, g_app.dpi, 96);
+    SendMessageW(pane, EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, MAKELPARAM(margin, margin));
     SendMessageW(pane, EM_SETBKGNDCOLOR, 0, static_cast<LPARAM>(ThemeCurrentChrome().paneBack));
     SetFormat(pane, SCF_DEFAULT);
 }
