@@ -178,6 +178,7 @@ int FileReload(int tab) {
     }
     document.encoding = encoding;
     document.lineEnding = lineEnding;
+    TabBarUpdateLineEnding(tab);
     const ViewPosition view = CaptureView(document.editor);
     EditorPaneSetBytes(document.editor, {text.get(), length});
     RestoreView(document.editor, view);

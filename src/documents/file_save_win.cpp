@@ -164,6 +164,7 @@ int SaveTabAs(int tab) {
         document.lineEnding = before.lineEnding;
         TabBarUpdateTitle(tab);
     } else {
+        TabBarUpdateLineEnding(tab);
         SyntaxThemeApply(editor, document.compilerId, document.path);  // the extension may mean another language
     }
     MainWindow_UpdateTitle();

@@ -22,6 +22,9 @@ int TabBarRemove(int index);
 // Moves a document to another place in the row.
 int TabBarMove(int from, int to);
 
+// Breaks typed from now on are those of the record's `lineEnding`.
+void TabBarUpdateLineEnding(int index);
+
 // Label, modified mark and tooltip from the record.
 void TabBarUpdateTitle(int index);
 // Repaints the tabs: build marks, theme.

@@ -141,10 +141,10 @@ int TabBarAdd(const wchar_t* path, const wchar_t* label) {
         DestroyWindow(tab.editor);
         return -1;
     }
-    SciSend(tab.editor, SCI_SETEOLMODE, static_cast<WPARAM>(ScintillaEol(tab.lineEnding)));
 
     g_app.tabs.push_back(tab);
     const int index = TabCount() - 1;
+    TabBarUpdateLineEnding(index);
     EditorPaneInit(tab.editor, tab.compilerId);
     EditorPaneApplySettings(tab.editor);
     InsertItem(index);
@@ -231,6 +231,12 @@ int TabBarMove(int from, int to) {
     SendMessageW(g_app.hTabCtrl, TCM_SETCURSEL, static_cast<WPARAM>(g_app.activeTab), 0);
     TabBarRefresh();
     return 1;
+}
+
+void TabBarUpdateLineEnding(int index) {
+    if (!IsTabIndex(index)) return;
+    const DocumentTab& tab = TabAt(index);
+    SciSend(tab.editor, SCI_SETEOLMODE, static_cast<WPARAM>(ScintillaEol(tab.lineEnding)));
 }
 
 void TabBarUpdateTitle(int index) {
