@@ -4,7 +4,9 @@
 #include "app/app_state.h"
 #include "app/log.h"
 #include "documents/file_filters.h"
+#include "files/bounded_text.h"
 #include "files/message.h"
+#include "files/path.h"
 
 #include <windows.h>
 
@@ -12,6 +14,7 @@
 #include <commdlg.h>
 
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -32,10 +35,22 @@ bool Ask(BOOL(WINAPI* dialog)(LPOPENFILENAMEW), OPENFILENAMEW request) {
     request.hwndOwner = g_app.hMainWnd;
     request.lpstrFilter = filter.c_str();
     request.nFilterIndex = 1;
-    if (dialog(&request) != FALSE) {
-        return true;
+    // A pre-filled name that the dialog refuses, odd or too long for it, is tried without its folder, then left out.
+    const std::wstring path{request.lpstrFile};
+    wchar_t file[kPathCapacity];
+    PathGetFile(path.c_str(), file, kPathCapacity);
+    DWORD error = 0;  // stays 0 when the user cancelled
+    for (const std::wstring_view name : {std::wstring_view{path}, std::wstring_view{file}, std::wstring_view{}}) {
+        SafeCopyW(request.lpstrFile, request.nMaxFile, name);
+        OPENFILENAMEW attempt = request;
+        if (dialog(&attempt) != FALSE) {
+            return true;
+        }
+        error = CommDlgExtendedError();
+        if (error != FNERR_INVALIDFILENAME) {
+            break;
+        }
     }
-    const DWORD error = CommDlgExtendedError();  // 0: the user cancelled
     if (error == FNERR_BUFFERTOOSMALL) {
         ErrorMessage(L"The path is too long: the editor takes paths of up to %d characters.",
                      static_cast<int>(request.nMaxFile - 1));
