@@ -211,6 +211,7 @@ int FileClose(int tab) {
     }
     const HWND editor = g_app.tabs[static_cast<std::size_t>(tab)].editor;
     if (FileConfirmClose(tab) == 0 || TabBarRemove(TabBarFindEditor(editor)) == 0) {
+        TabBarCloseRefused();
         return 0;
     }
     MainWindow_UpdateTitle();

@@ -19,6 +19,8 @@ void TabBarSyncActiveEditor();
 
 // Destroys the tab's editor and forgets the document, without asking. Returns 1, or 0 for an index out of range.
 int TabBarRemove(int index);
+// The user would rather keep the tab that was to be closed: it was not selected only to go back from it.
+void TabBarCloseRefused();
 // Moves a document to another place in the row.
 int TabBarMove(int from, int to);
 

@@ -217,6 +217,8 @@ int TabBarRemove(int index) {
     return 1;
 }
 
+void TabBarCloseRefused() { g_tabBar.returnTo = nullptr; }
+
 int TabBarMove(int from, int to) {
     if (!IsTabIndex(from) || !IsTabIndex(to)) return 0;
     if (from == to) return 1;
