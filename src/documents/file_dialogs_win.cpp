@@ -55,7 +55,7 @@ bool Ask(BOOL(WINAPI* dialog)(LPOPENFILENAMEW), OPENFILENAMEW request) {
         ErrorMessage(L"The path is too long: the editor takes paths of up to %d characters.",
                      static_cast<int>(request.nMaxFile - 1));
     } else if (error != 0) {
-        AppLogMsg(L"FAIL: file dialog error=0x%04X name=%s", error, request.lpstrFile);
+        AppLogMsg(L"FAIL: file dialog error=0x%04X name=%s", error, path.c_str());
         ErrorMessage(L"The file dialog could not be shown (error 0x%04X).", error);
     }
     return false;
