@@ -99,6 +99,18 @@ bool MayDiscardChanges(const DocumentTab& document) {
     return MessageBoxW(g_app.hMainWnd, question, L"Unsaved Changes", MB_YESNO | MB_ICONQUESTION) == IDYES;
 }
 
+// The editor found no memory for the whole text. What it holds is no longer the file's, so that no save, least of all
+// the timer's, cuts the file as well.
+void KeepFileFromCutText(int tab) {
+    DocumentTab& document = g_app.tabs[static_cast<std::size_t>(tab)];
+    const std::wstring path{document.path};
+    document.path[0] = L'\0';
+    document.hasFile = false;
+    document.modified = true;
+    TabBarUpdateTitle(tab);
+    ErrorMessage(L"Failed to reload file: %s", path.c_str());
+}
+
 }  // namespace
 
 int FileNew() {
@@ -181,6 +193,10 @@ int FileReload(int tab) {
     TabBarUpdateLineEnding(tab);
     const ViewPosition view = CaptureView(document.editor);
     EditorPaneSetBytes(document.editor, {text.get(), length});
+    if (static_cast<std::size_t>(SciSend(document.editor, SCI_GETLENGTH)) != length) {
+        KeepFileFromCutText(tab);
+        return 0;
+    }
     RestoreView(document.editor, view);
     document.modified = false;
     TabBarUpdateTitle(tab);
