@@ -49,6 +49,7 @@ void AsmPaneSetRenderer(AsmRenderer renderer) { g_renderer = renderer; }
 void AsmPaneClear() {
     HWND pane = RichPaneEmptied(g_app.hAsmPane, g_asm.lines);
     if (pane != g_app.hAsmPane) {
+        ShowTimerStart();
         g_app.hAsmPane = pane;
         PaneApplyFontAndTheme(pane);
     }

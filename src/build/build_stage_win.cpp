@@ -8,6 +8,7 @@
 #include "build/build_reader.h"
 #include "build/child_process.h"
 #include "build/output_feed.h"
+#include "build/rich_lines.h"
 #include "files/handles.h"
 #include "files/wide_format.h"
 #include "resources/ids.h"
@@ -22,6 +23,7 @@ namespace {
 constexpr COLORREF kRed = 0x0000FF;
 constexpr UINT kShowIntervalMs = 20;
 constexpr UINT kProgressIntervalMs = 250;
+constexpr std::size_t kLinesBesideReplaced = 10000;  // in the new pane while a replaced one still exists
 constexpr DWORD kStopWaitMs = 150;  // Stop is answered at once; what is slower than this ends behind it
 constexpr DWORD kEndWaitMs = 2000;  // from a reader's report to its clearing up
 constexpr DWORD kShutdownWaitMs = 3000;
@@ -87,6 +89,13 @@ void DeliverEnd() {
     else
         BuildOnStageEnd(result);
     MenuUpdateState();
+}
+
+// When nothing else is to be done; but a long pane holds hundreds of megabytes, which must not come on top of a flood.
+void DestroyReplacedPane(bool allShown) {
+    if (!RichPaneIsReplaced()) return;
+    const bool idle = allShown && g_stage.stage == BuildStage::Idle && HIWORD(GetQueueStatus(QS_INPUT)) == 0;
+    if (idle || OutputFeedLinesShown() > kLinesBesideReplaced) RichPaneDestroyReplaced();
 }
 
 }  // namespace
@@ -180,7 +189,9 @@ void BuildOnTimer(UINT_PTR id) {
     OutputFeedShowNext();
     AsmPaneShowNext();
     DeliverEnd();
-    if (OutputFeedIsEmpty() && OutputFeedIsRevealed() && AsmPaneIsEmpty()) {
+    const bool shown = OutputFeedIsEmpty() && OutputFeedIsRevealed() && AsmPaneIsEmpty();
+    DestroyReplacedPane(shown);
+    if (shown && !RichPaneIsReplaced()) {
         KillTimer(g_app.hMainWnd, TIMER_OUTPUT);
         g_showTimer = false;
     }

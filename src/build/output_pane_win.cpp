@@ -2,6 +2,7 @@
 #include "build/output_pane.h"
 
 #include "app/app_state.h"
+#include "build/build_stage.h"
 #include "build/output_feed.h"
 #include "build/rich_lines.h"
 #include "language/theme.h"
@@ -90,6 +91,7 @@ void FormatPane(HWND pane) {
 void EmptyPane() {
     HWND pane = RichPaneEmptied(g_app.hOutput, OutputFeedLinesShown());
     if (pane == g_app.hOutput) return;
+    ShowTimerStart();
     g_app.hOutput = pane;
     OutputPaneInit(pane);
     FormatPane(pane);

@@ -17,8 +17,11 @@ void RichLinesReveal(HWND pane);
 
 // Empties a pane that holds about `lines` lines. Returns the pane to use from now on: deleting many lines takes time
 // that grows with their square (4,000: 1 s under Wine 8, 20,000: minutes), so a long pane is replaced by a new window,
-// which has everything of the old one but its text, format and subclass.
+// which has everything of the old one but its text, format and subclass. The old one is only hidden: it may be answering
+// a message now, and its end takes long (100,000 lines: half a second). The caller sees to it that TIMER_OUTPUT runs.
 HWND RichPaneEmptied(HWND pane, std::size_t lines);
+bool RichPaneIsReplaced();  // one waits to be destroyed
+void RichPaneDestroyReplaced();
 
 // How many lines the next block should have, learnt from how long the last full ones took.
 struct BlockSize {

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -16,6 +17,8 @@ constexpr double kBlockMs = 35.0;
 constexpr std::size_t kLinesDeleted = 800;  // up to so many a pane is emptied by deleting its text
 constexpr std::size_t kMinBlockLines = 50;
 constexpr std::size_t kMaxBlockLines = 2000;
+
+HWND g_replaced = nullptr;  // hidden, to be destroyed
 
 DWORD CALLBACK ReadFromView(DWORD_PTR cookie, LPBYTE buffer, LONG size, LONG* count) {
     auto* rest = reinterpret_cast<std::string_view*>(cookie);
@@ -91,8 +94,17 @@ HWND RichPaneEmptied(HWND pane, std::size_t lines) {
     }
     SetWindowPos(next, pane, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     if (GetFocus() == pane) SetFocus(next);
-    DestroyWindow(pane);
+    ShowWindow(pane, SW_HIDE);
+    SetWindowLongPtrW(pane, GWLP_ID, 0);  // the new one alone is found by it
+    RichPaneDestroyReplaced();            // an earlier one: they hold hundreds of megabytes and must not add up
+    g_replaced = pane;
     return next;
+}
+
+bool RichPaneIsReplaced() { return g_replaced != nullptr; }
+
+void RichPaneDestroyReplaced() {
+    if (HWND pane = std::exchange(g_replaced, nullptr)) DestroyWindow(pane);
 }
 
 void BlockSizeLearn(BlockSize& size, std::size_t inserted, double milliseconds) {
