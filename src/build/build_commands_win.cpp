@@ -6,6 +6,7 @@
 #include "app/shell.h"
 #include "build/build_paths.h"
 #include "build/build_runner.h"
+#include "build/build_stage.h"
 #include "build/output_pane.h"
 #include "compilers/compiler_table.h"
 #include "documents/file_commands.h"
@@ -22,7 +23,6 @@
 namespace {
 
 constexpr COLORREF kRed = 0x0000FF;
-constexpr const wchar_t* kBusy = L"Build already in progress.";
 
 // A build of all documents: they are taken by their editors, because tabs may move or be closed meanwhile.
 struct Batch {
@@ -72,6 +72,11 @@ void BuildNextOfBatch() {
 }
 
 void BuildAll() {
+    StageSettle(true);  // the end of an earlier build that is not shown yet is not the batch's
+    if (CompilerIsBuilding()) {
+        StatusBarSetText(kBuildBusy);
+        return;
+    }
     std::vector<HWND> editors;
     for (const DocumentTab& tab : g_app.tabs) {
         if (tab.hasFile && IsBatchBuildSource(tab.path)) editors.push_back(tab.editor);
@@ -186,7 +191,7 @@ void BatchOnBuildEnd(bool success) {
 bool CmdHandle_Build(int command) {
     if (const Starter start = StarterOf(command)) {
         if (CompilerIsBuilding() || g_batch.running)
-            StatusBarSetText(kBusy);
+            StatusBarSetText(kBuildBusy);
         else
             start();
         return true;

@@ -14,6 +14,8 @@ struct BuildOrder {
     AfterBuild after = AfterBuild::Nothing;
 };
 
+inline constexpr const wchar_t* kBuildBusy = L"Build already in progress.";  // status bar
+
 // Builds the active document. 1 when its pre-build command or its compiler was started.
 int BuildStart(const BuildOrder& order);
 

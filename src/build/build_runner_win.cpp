@@ -298,7 +298,10 @@ int CompilerBuild(std::uint32_t id, const wchar_t* source, const wchar_t* output
 int BuildStart(const BuildOrder& order) {
     if (g_starting || CompilerIsBuilding()) return 0;
     StageSettle(!order.keepPane);
-    if (CompilerIsBuilding()) return 0;
+    if (CompilerIsBuilding()) {  // the post-build command of the build that ended just now
+        StatusBarSetText(kBuildBusy);
+        return 0;
+    }
     if (!IsTabIndex(g_app.activeTab)) {
         OutputPaneClear();
         Cancel(L"Build cancelled: no active source tab is selected.\r\n");
