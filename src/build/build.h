@@ -11,8 +11,8 @@ void BuildInit();
 int StartCompilerBuild(bool syntaxOnly, bool debug);  // 1 when a compiler process was started (or its pre-build runs)
 int CompilerBuild(std::uint32_t id, const wchar_t* source, const wchar_t* output, const wchar_t* flags,
                   bool wantListing);
-void CompilerKill();  // ends the compiler and every process it started, also during start
-bool CompilerIsBuilding();
+void CompilerKill();        // ends the compiler and every process it started, also during start
+bool CompilerIsBuilding();  // also between two documents of a batch build
 
 // Commands 1301..1305, 1250, 1251, 1253, 1254, 1320, the profiles and the batch build. False: not one of them.
 bool CmdHandle_Build(int command);

@@ -31,7 +31,6 @@ struct Batch {
     int succeeded = 0;
     int failed = 0;
     bool running = false;
-    bool first = true;  // no document has been built yet
 };
 Batch g_batch;
 
@@ -132,7 +131,8 @@ void Clean() {
 }
 
 void Stop() {
-    if (!CompilerIsBuilding() && !g_batch.running) return;
+    if (!CompilerIsBuilding()) return;
+    g_batch.editors.resize(g_batch.next);  // no further document
     CompilerKill();
     StatusBarSetText(L"Build stopped");
 }
@@ -188,9 +188,11 @@ void BatchOnBuildEnd(bool success) {
     BuildNextOfBatch();
 }
 
+bool CompilerIsBuilding() { return StageRuns() || g_batch.running; }
+
 bool CmdHandle_Build(int command) {
     if (const Starter start = StarterOf(command)) {
-        if (CompilerIsBuilding() || g_batch.running)
+        if (CompilerIsBuilding())
             StatusBarSetText(kBuildBusy);
         else
             start();

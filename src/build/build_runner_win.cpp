@@ -253,6 +253,11 @@ bool Prepare(std::uint32_t id, const wchar_t* source, const wchar_t* output, con
     return false;
 }
 
+// A batch is busy for all but its own builds.
+bool IsBusyFor(const BuildOrder& order) {
+    return order.after == AfterBuild::NextOfBatch ? StageRuns() : CompilerIsBuilding();
+}
+
 }  // namespace
 
 int CompilerBuild(std::uint32_t id, const wchar_t* source, const wchar_t* output, const wchar_t* flags,
@@ -296,9 +301,9 @@ int CompilerBuild(std::uint32_t id, const wchar_t* source, const wchar_t* output
 }
 
 int BuildStart(const BuildOrder& order) {
-    if (g_starting || CompilerIsBuilding()) return 0;
+    if (g_starting || IsBusyFor(order)) return 0;
     StageSettle(!order.keepPane);
-    if (CompilerIsBuilding()) {  // the post-build command of the build that ended just now
+    if (IsBusyFor(order)) {  // the post-build command of the build that ended just now
         StatusBarSetText(kBuildBusy);
         return 0;
     }

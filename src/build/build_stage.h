@@ -30,6 +30,8 @@ struct StageResult {
 // False with the Win32 error: nothing was started, nothing is left behind, the staged copy is gone.
 bool StageStart(StageLaunch launch, DWORD* error);
 
+bool StageRuns();  // from the process's start until its reader has cleared up
+
 // Takes what the last stage has posted and shows it, so that its end is reported now. With `dropOutput` it is not shown:
 // for a caller that clears the pane next, where showing the rest of a flood would take seconds. A no-op while one runs.
 void StageSettle(bool dropOutput);

@@ -138,13 +138,13 @@ bool StageStart(StageLaunch launch, DWORD* error) {
     return true;
 }
 
-bool CompilerIsBuilding() {
+bool StageRuns() {
     const BuildLock lock;
     return g_app.build.building || g_app.build.preparing;
 }
 
 void StageSettle(bool dropOutput) {
-    if (CompilerIsBuilding()) return;
+    if (StageRuns()) return;
     MSG message = {};
     while (PeekMessageW(&message, g_app.hMainWnd, MSG_BUILD_OUTPUT, MSG_BUILD_FINISHED, PM_REMOVE))
         DispatchMessageW(&message);
