@@ -106,7 +106,7 @@ void BuildAndRun() {
 void DeleteProduct(const std::wstring& path, const std::wstring& source) {
     if (SamePathText(path, source) || !FileExists(path.c_str())) return;
     const bool open = TabBarFindPath(path.c_str()) >= 0;
-    if (open || !DeleteFileW(path.c_str()))
+    if (open || !DeleteFileW(PathForSystem(path.c_str()).c_str()))
         OutputPaneAppend(FormatW(L"Not deleted: %s%s\r\n", path.c_str(), open ? L" (open in the editor)" : L"").c_str(),
                          kRed);
 }

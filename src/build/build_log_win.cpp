@@ -1,5 +1,7 @@
 #include "build/build_log.h"
 
+#include "files/file_io.h"
+
 namespace {
 
 void WriteBytes(BuildLog& log, std::string_view bytes) {
@@ -13,8 +15,8 @@ void WriteBytes(BuildLog& log, std::string_view bytes) {
 BuildLog BuildLogOpen(const std::wstring& path) {
     BuildLog log;
     if (!path.empty())
-        log.file.Reset(CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS,
-                                   FILE_ATTRIBUTE_NORMAL, nullptr));
+        log.file.Reset(CreateFileW(PathForSystem(path.c_str()).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                   CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     return log;
 }
 

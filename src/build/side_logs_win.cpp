@@ -16,7 +16,7 @@ constexpr DWORD kLargestLog = 16 * 1024 * 1024;  // bytes read at most to show t
 
 bool IsFresh(const std::wstring& path, const FILETIME& startTime) {
     WIN32_FILE_ATTRIBUTE_DATA data = {};
-    return GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data) &&
+    return GetFileAttributesExW(PathForSystem(path.c_str()).c_str(), GetFileExInfoStandard, &data) &&
            (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 && data.nFileSizeHigh == 0 &&
            data.nFileSizeLow > 0 && data.nFileSizeLow <= kLargestLog &&
            CompareFileTime(&data.ftLastWriteTime, &startTime) >= 0;

@@ -1,6 +1,8 @@
 #include "build/staging.h"
 
 #include "build/build_paths.h"
+#include "files/file_io.h"
+#include "files/handles.h"
 
 namespace {
 
@@ -15,7 +17,7 @@ struct FileMark {
 
 bool ReadMark(const std::wstring& path, FileMark* mark) {
     WIN32_FILE_ATTRIBUTE_DATA data = {};
-    if (!GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data)) return false;
+    if (!GetFileAttributesExW(PathForSystem(path.c_str()).c_str(), GetFileExInfoStandard, &data)) return false;
     mark->written = data.ftLastWriteTime;
     mark->length.LowPart = data.nFileSizeLow;
     mark->length.HighPart = data.nFileSizeHigh;
@@ -23,12 +25,10 @@ bool ReadMark(const std::wstring& path, FileMark* mark) {
 }
 
 bool Identity(const wchar_t* path, BY_HANDLE_FILE_INFORMATION* info) {
-    HANDLE file = CreateFileW(path, 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
-                              FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return false;
-    const bool ok = GetFileInformationByHandle(file, info) != FALSE;
-    CloseHandle(file);
-    return ok;
+    const UniqueHandle file(CreateFileW(PathForSystem(path).c_str(), 0,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                        FILE_ATTRIBUTE_NORMAL, nullptr));
+    return file && GetFileInformationByHandle(file.Get(), info);
 }
 
 // Two names of one file: the texts agree, or the file system says so (links, short names).
@@ -41,9 +41,10 @@ bool IsSameFile(const wchar_t* a, const wchar_t* b) {
 }
 
 bool CopyNew(const wchar_t* source, const std::wstring& target, StagedSource* staged) {
-    if (!CopyFileW(source, target.c_str(), TRUE)) return false;
+    const std::wstring copy = PathForSystem(target.c_str());
+    if (!CopyFileW(PathForSystem(source).c_str(), copy.c_str(), TRUE)) return false;
     // A copy inherits the source's read-only mark, and could then not be deleted.
-    SetFileAttributesW(target.c_str(), FILE_ATTRIBUTE_NORMAL);
+    SetFileAttributesW(copy.c_str(), FILE_ATTRIBUTE_NORMAL);
     FileMark mark;
     ReadMark(target, &mark);
     staged->path = target;
@@ -53,11 +54,15 @@ bool CopyNew(const wchar_t* source, const std::wstring& target, StagedSource* st
     return true;
 }
 
+bool Rename(const std::wstring& from, const std::wstring& to) {
+    return MoveFileExW(PathForSystem(from.c_str()).c_str(), PathForSystem(to.c_str()).c_str(), 0) != FALSE;
+}
+
 // Moves a user's file to a free name beside it. Empty: it could not be moved.
 std::wstring MoveAside(const std::wstring& path) {
     for (int attempt = 1; attempt <= kNames; ++attempt) {
         std::wstring aside = path + L".kvx-aside" + std::to_wstring(attempt);
-        if (MoveFileExW(path.c_str(), aside.c_str(), 0)) return aside;
+        if (Rename(path, aside)) return aside;
     }
     return {};
 }
@@ -78,8 +83,9 @@ bool StageForKeldor(const wchar_t* source, const std::wstring& target, StagedSou
 }
 
 bool DeleteWithPatience(const std::wstring& path) {
+    const std::wstring file = PathForSystem(path.c_str());
     for (DWORD attempt = 0; attempt < kDeleteTries; ++attempt) {
-        if (DeleteFileW(path.c_str()) || GetLastError() == ERROR_FILE_NOT_FOUND) return true;
+        if (DeleteFileW(file.c_str()) || GetLastError() == ERROR_FILE_NOT_FOUND) return true;
         Sleep(kDeletePauseMs);
     }
     return false;
@@ -113,7 +119,7 @@ std::wstring UnstageSource(StagedSource* staged) {
             notice = L"The temporary source could not be deleted: " + staged->path + L"\r\n";
     }
     if (!staged->aside.empty()) {
-        if (!MoveFileExW(staged->aside.c_str(), staged->path.c_str(), 0))
+        if (!Rename(staged->aside, staged->path))
             notice += L"Your file " + staged->path + L" was moved aside for the build and is kept as " + staged->aside +
                       L"\r\n";
         staged->aside.clear();
