@@ -220,7 +220,14 @@ bool Prepare(std::uint32_t id, const wchar_t* source, const wchar_t* output, con
     }
     const CompilerProfile& profile = Profile(id);
     DWORD error = 0;
-    if (!StageSource(source, output, profile.commandStyle, &out->staged, &error)) {
+    const bool staged = StageSource(source, output, profile.commandStyle, &out->staged, &error);
+    if (!out->staged.leftover.empty())
+        OutputPaneAppend(
+            FormatW(L"An earlier build was cut off: your own text of %s is in %s\r\n",
+                    StagingTarget(source, output, profile.commandStyle, 0).c_str(), out->staged.leftover.c_str())
+                .c_str(),
+            kTeal);
+    if (!staged) {
         OutputPaneAppend(FormatW(L"Build launch failed: %s cannot be written.\r\n",
                                  StagingTarget(source, output, profile.commandStyle, 0).c_str())
                              .c_str(),

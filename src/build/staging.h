@@ -13,6 +13,7 @@ struct StagedSource {
     std::wstring path;      // what the compiler is to read; the source itself when nothing had to be copied
     bool copied = false;    // `path` is a copy of ours, to be deleted
     std::wstring aside;     // where a file that stood in the way waits, empty: none did
+    std::wstring leftover;  // where an earlier build left such a file when it was cut off, empty: it did not
     FILETIME written = {};  // of the copy, to notice that someone else has written there since
     ULARGE_INTEGER length = {};
 };

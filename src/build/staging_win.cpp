@@ -58,16 +58,22 @@ bool Rename(const std::wstring& from, const std::wstring& to) {
     return MoveFileExW(PathForSystem(from.c_str()).c_str(), PathForSystem(to.c_str()).c_str(), 0) != FALSE;
 }
 
+std::wstring AsideName(const std::wstring& path, int attempt) {
+    return path + L".kvx-aside" + std::to_wstring(attempt);
+}
+
 // Moves a user's file to a free name beside it. Empty: it could not be moved.
 std::wstring MoveAside(const std::wstring& path) {
     for (int attempt = 1; attempt <= kNames; ++attempt) {
-        std::wstring aside = path + L".kvx-aside" + std::to_wstring(attempt);
+        std::wstring aside = AsideName(path, attempt);
         if (Rename(path, aside)) return aside;
     }
     return {};
 }
 
 bool StageForKeldor(const wchar_t* source, const std::wstring& target, StagedSource* staged, DWORD* error) {
+    // The program ended in the middle of a build: what bears the user's name now may be a copy of ours.
+    if (const std::wstring first = AsideName(target, 1); FileExists(first.c_str())) staged->leftover = first;
     if (IsSameFile(source, target.c_str())) return true;
     if (CopyNew(source, target, staged)) return true;
     *error = GetLastError();

@@ -1,6 +1,7 @@
 // Decoding by the system's code pages, and staged copies beside files of the user.
 #include "build/decode.h"
 #include "build/staging.h"
+#include "files/file_io.h"
 #include "files/handles.h"
 
 #include <gtest/gtest.h>
@@ -63,8 +64,8 @@ protected:
         return staged;
     }
 
-    static constexpr const wchar_t* kNames[] = {L"x.kxa", L"x.pb",  L"x.kvx1.pb",
-                                                L"x.kb",  L"x.bas", L"x.bas.kvx-aside1"};
+    static constexpr const wchar_t* kNames[] = {
+        L"x.kxa", L"x.pb", L"x.kvx1.pb", L"x.kb", L"x.bas", L"x.bas.kvx-aside1", L"x.bas.kvx-aside2"};
     std::wstring folder_;
 };
 
@@ -102,6 +103,36 @@ TEST_F(Staging, KeldorPutsTheUsersFileBack) {
     EXPECT_EQ(UnstageSource(&staged), L"");
     EXPECT_EQ(Read(L"x.bas"), "the user's");
     EXPECT_EQ(Read(L"x.bas.kvx-aside1"), "(none)");
+}
+
+TEST_F(Staging, WhatABrokenOffBuildMovedAsideIsFoundAndLeftAlone) {
+    Write(L"x.kb", "source");
+    EXPECT_EQ(Stage(L"x.kb", CommandStyle::Keldor).leftover, L"");  // and ends without taking its copy back
+    Write(L"x.bas.kvx-aside1", "the user's");
+    StagedSource staged = Stage(L"x.kb", CommandStyle::Keldor);
+    EXPECT_EQ(staged.leftover, Path(L"x.bas.kvx-aside1"));
+    EXPECT_EQ(UnstageSource(&staged), L"");
+    EXPECT_EQ(Read(L"x.bas.kvx-aside1"), "the user's");
+}
+
+TEST_F(Staging, PathsBeyondTheOldLimit) {
+    std::wstring deep = folder_;
+    while (deep.size() < 400) {
+        deep += std::wstring(60, L'd') + L"\\";
+        ASSERT_TRUE(CreateDirectoryW(PathForSystem(deep.c_str()).c_str(), nullptr));
+    }
+    const std::wstring source = deep + L"x.kb", target = deep + L"x.bas";
+    WriteAt(PathForSystem(source.c_str()), "source");
+    WriteAt(PathForSystem(target.c_str()), "the user's");
+    StagedSource staged;
+    DWORD error = 0;
+    EXPECT_TRUE(StageSource(source.c_str(), Path(L"x.exe").c_str(), CommandStyle::Keldor, &staged, &error)) << error;
+    EXPECT_TRUE(staged.copied);
+    EXPECT_EQ(UnstageSource(&staged), L"");
+    EXPECT_TRUE(DeleteFileW(PathForSystem(source.c_str()).c_str()));
+    EXPECT_TRUE(DeleteFileW(PathForSystem(target.c_str()).c_str()));
+    for (; deep.size() > folder_.size(); deep.resize(deep.size() - 61))
+        EXPECT_TRUE(RemoveDirectoryW(PathForSystem(deep.c_str()).c_str()));
 }
 
 TEST_F(Staging, TheSourceItselfIsNeverTheCopy) {
