@@ -116,11 +116,32 @@ void ApplyLateLimits(Settings& settings) {
     }
 }
 
-// The power went while a save copied its finished temporary file over the old one: the whole file is still there.
+// True when `iniPath` is missing, empty, or a copy of `wholePath` that broke off. The system may have given the copy its
+// full length at once: zeros stand then for what is missing.
+bool IsCutCopy(const wchar_t* iniPath, const wchar_t* wholePath) {
+    std::size_t wholeLength = 0;
+    const HeapBlock<char> whole{ReadFileUtf8(wholePath, &wholeLength)};
+    if (!whole || !FileExists(iniPath)) {
+        return whole != nullptr;
+    }
+    std::size_t length = 0;
+    const HeapBlock<char> ini{ReadFileUtf8(iniPath, &length)};
+    if (!ini || length > wholeLength) {
+        return false;
+    }
+    std::string_view found{ini.get(), length};
+    while (found.ends_with('\0')) {
+        found.remove_suffix(1);
+    }
+    return std::string_view{whole.get(), wholeLength}.starts_with(found);
+}
+
+// The power went while a save copied its finished temporary file over the old one: the whole file is still there. A
+// settings file with other text, as one written by hand, is whole itself and stays.
 void FinishInterruptedSave(const wchar_t* iniPath) {
     const std::wstring temporary = std::wstring{iniPath} + L".tmp";
     if (FileExists(temporary.c_str()) && KeyExists(temporary.c_str(), L"Meta", L"Version") &&
-        !KeyExists(iniPath, L"Meta", L"Version")) {
+        IsCutCopy(iniPath, temporary.c_str())) {
         const BOOL moved = MoveFileExW(temporary.c_str(), iniPath, MOVEFILE_REPLACE_EXISTING);
         AppLogMsg(L"SettingsLoad: finished an interrupted save, moved=%d", moved);
     }

@@ -233,6 +233,17 @@ TEST_F(SettingsWin, AnInterruptedSaveIsFinished) {
     EXPECT_FALSE(FileExists((ini_ + L".tmp").c_str()));
 }
 
+TEST_F(SettingsWin, AFileWrittenByHandIsNotAnInterruptedSave) {
+    g_app.settings.tabWidth = 7;
+    Save();
+    fs::rename(ini_, ini_ + L".tmp");
+    const std::string_view byHand = "[Editor]\r\nTabWidth=5\r\n";
+    ASSERT_TRUE(WriteFileUtf8(ini_.c_str(), byHand.data(), byHand.size()));
+    Load();
+    EXPECT_EQ(g_app.settings.tabWidth, 5);
+    EXPECT_TRUE(fs::remove(ini_ + L".tmp"));
+}
+
 TEST(Secrets, OnlyWhatIsProtectedIsUnprotected) {
     wchar_t sealed[1024];
     wchar_t clear[256];
