@@ -12,7 +12,6 @@
 #include "documents/file_commands.h"
 #include "files/file_io.h"
 #include "files/wide_format.h"
-#include "language/theme.h"
 #include "resources/ids.h"
 #include "tabs/tab_bar.h"
 
@@ -141,7 +140,6 @@ void UseCompiler(std::uint32_t id) {
     g_app.settings.activeCompiler = static_cast<std::int32_t>(id);
     SettingsSave(nullptr);
     MainWindow_UpdateCompilerSelection();
-    SyntaxThemeApplyAll();
 }
 
 void UseProfile(int profile) {
