@@ -126,7 +126,7 @@ TEST_F(Staging, PathsBeyondTheOldLimit) {
     WriteAt(PathForSystem(target.c_str()), "the user's");
     StagedSource staged;
     DWORD error = 0;
-    EXPECT_TRUE(StageSource(source.c_str(), Path(L"x.exe").c_str(), CommandStyle::Keldor, &staged, &error)) << error;
+    EXPECT_TRUE(StageSource(source.c_str(), (deep + L"x.exe").c_str(), CommandStyle::Keldor, &staged, &error)) << error;
     EXPECT_TRUE(staged.copied);
     EXPECT_EQ(UnstageSource(&staged), L"");
     EXPECT_TRUE(DeleteFileW(PathForSystem(source.c_str()).c_str()));
