@@ -319,6 +319,7 @@ void SettingsSave(const wchar_t* overridePath) {
     GetIniPath(overridePath, ini, kPathCapacity);
     const std::wstring temporary = std::wstring{ini} + L".tmp";
 
+    UpdateAssistantEnabled(settings);
     const auto stored = std::make_unique<Settings>(settings);  // too large for the stack
     RestoreStored(g_app.overrides, *stored);
     const std::string bytes = ComposeFile(*stored);
