@@ -277,6 +277,7 @@ TEST(Files, LongPathsWorkOrAreRefusedInWords) {
 // Each way of failing: the message, the tab still modified, the old file whole, the new text in a recovery copy.
 TEST(Files, FailedSaveLosesNothing) {
     ProgramFolder folder;
+    folder.SetIni(L"Editor", L"BackupOnSave", L"1");
     const std::wstring path = folder.Write(L"a.bas", "old\r\n");
     Editor editor(folder, Open(path));
     const auto expectFailure = [&](const std::wstring& file, const std::string& text, const std::string& onDisk) {
@@ -299,8 +300,11 @@ TEST(Files, FailedSaveLosesNothing) {
     CloseHandle(lock);
     EXPECT_EQ(folder.Read(L"a.bas"), "old\r\n");
 
+    SetFileAttributesW(folder.File(L"a.bas.bak").c_str(), FILE_ATTRIBUTE_NORMAL);  // copied from a read-only file
+    folder.Write(L"a.bas", "o");  // as a save that broke off in the middle leaves it
     editor.Do(IDM_FILE_SAVE);
     EXPECT_EQ(folder.Read(L"a.bas"), "read-only 1 locked 2 old\r\n");
+    EXPECT_EQ(folder.Read(L"a.bas.bak"), "old\r\n") << "the good backup gave way to the damaged file";
     EXPECT_FALSE(editor.Modified());
     EXPECT_EQ(CountCopies(folder.File(L"local"), "read-only 1 locked 2 old\r\n"), 0)
         << "a verified save needs no copy any more";
