@@ -243,6 +243,14 @@ TEST(Build, EveryLineOfAFloodInOrder) {
         at += 20;
     }
     EXPECT_EQ(text.compare(at, 5, L"last\n"), 0) << Utf8(text.substr(at, 60));
+    // The next build has a pane of its own, and the long one goes when there is time.
+    const HWND longPane = editor.Child(IDC_OUTPUT);
+    folder.Script("print again\nexit 0\n");
+    const std::wstring next = Build(editor);
+    EXPECT_NE(next.find(L"\nagain\n"), std::wstring::npos) << Utf8(next);
+    EXPECT_EQ(next.find(L"output line"), std::wstring::npos);
+    EXPECT_NE(editor.Child(IDC_OUTPUT), longPane);
+    EXPECT_TRUE(WaitFor([&] { return !IsWindow(longPane); }));
     EXPECT_EQ(editor.Close(), 0u);
 }
 
