@@ -156,11 +156,11 @@ TEST(SettingsFile, ForeignCharactersSurviveRestarts) {
     ProgramFolder folder;
     const std::wstring file = folder.Write(L"\u65E5\u672C \u0416.bas", "");
     {
-        Editor editor(folder, L"--open \"" + file + L"\" --font \"\u0416\u65E5\"");
+        Editor editor(folder, L"--open \"" + file + L"\"");
         EXPECT_EQ(editor.Close(), 0u);
     }
     EXPECT_EQ(folder.Ini(L"MRU", L"File0"), file);
-    EXPECT_EQ(folder.Ini(L"Editor", L"Font"), L"\u0416\u65E5");
+    folder.SetIni(L"Editor", L"Font", L"\u0416\u65E5");
     folder.SetIni(L"KVXA32", L"Description", L"\u03A9 \u4E2D");
     folder.SetIni(L"Editor", L"AutoSaveEnabled", L"0");
     DeleteFileW(folder.File(L"Editor.ini_autosave.kvxsess").c_str());
@@ -170,6 +170,7 @@ TEST(SettingsFile, ForeignCharactersSurviveRestarts) {
         EXPECT_EQ(editor.Tabs(), 1);
         EXPECT_EQ(editor.TabLabel(0), L"\u65E5\u672C \u0416.bas") << "reopened by the name in the file";
         EXPECT_EQ(editor.Close(), 0u);
+        EXPECT_EQ(folder.Ini(L"Editor", L"Font"), L"\u0416\u65E5");
         EXPECT_EQ(folder.Ini(L"KVXA32", L"Description"), L"\u03A9 \u4E2D");
         EXPECT_EQ(folder.Ini(L"MRU", L"File0"), file);
     }
