@@ -13,7 +13,7 @@
 namespace {
 
 // A block takes about this long, so that with a repaint behind it the window answers well within 100 ms.
-constexpr double kBlockMs = 35.0;
+constexpr double kBlockMs = 30.0;
 constexpr std::size_t kLinesDeleted = 800;  // up to so many a pane is emptied by deleting its text
 constexpr std::size_t kMinBlockLines = 50;
 constexpr std::size_t kMaxBlockLines = 2000;
