@@ -3,6 +3,7 @@
 #include "app/main_window.h"
 #include "language/theme.h"
 #include "resources/ids.h"
+#include "scintilla/margins.h"
 #include "scintilla/sci.h"
 #include "toolbar/command_state.h"
 
@@ -10,12 +11,11 @@
 
 namespace {
 
-constexpr int kMargins = 4;  // line numbers, symbols, folding, changes
-
 // Where the text of the editor below begins, so that the header stands in line with it.
 int TextStart() {
     LRESULT start = SciSend(g_app.hEditor, SCI_GETMARGINLEFT);
-    for (WPARAM margin = 0; margin < kMargins; ++margin) start += SciSend(g_app.hEditor, SCI_GETMARGINWIDTHN, margin);
+    for (WPARAM margin = 0; margin < kMarginCount; ++margin)
+        start += SciSend(g_app.hEditor, SCI_GETMARGINWIDTHN, margin);
     return static_cast<int>(start);
 }
 

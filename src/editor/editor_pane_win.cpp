@@ -7,6 +7,7 @@
 #include "editor/pane_state.h"
 #include "language/caret_colour.h"
 #include "language/theme.h"
+#include "scintilla/margins.h"
 #include "scintilla/sci.h"
 
 #include <algorithm>
@@ -22,8 +23,6 @@ static_assert(kPaneStyle == 0x46010000);
 constexpr int kInitialSize = 100;
 constexpr int kEdgeColumn = 80;
 constexpr COLORREF kEdgeColour = 0x808080;
-constexpr int kChangeMargin = 3;
-constexpr int kChangeMarker = 5;
 constexpr COLORREF kChangeColour = 0x00C8FF;
 constexpr int kVirtualSpace = 7;      // rectangular selection, user accessible, no wrap at the line start
 constexpr int kLineMarginWidth = 50;  // pixels at 96 dpi
@@ -172,26 +171,26 @@ void ApplyEdgeLine(HWND editor, bool on) {
 }
 
 void ApplyChangeMargin(HWND editor, bool on) {
-    if (SciSend(editor, SCI_GETMARGINTYPEN, kChangeMargin, 0) != SC_MARGIN_BACK) {
-        SciSend(editor, SCI_SETMARGINTYPEN, kChangeMargin, SC_MARGIN_BACK);
+    if (SciSend(editor, SCI_GETMARGINTYPEN, kMarginChanges, 0) != SC_MARGIN_BACK) {
+        SciSend(editor, SCI_SETMARGINTYPEN, kMarginChanges, SC_MARGIN_BACK);
     }
     const int width = on ? Scaled(4) : 0;
-    if (SciSend(editor, SCI_GETMARGINWIDTHN, kChangeMargin, 0) != width) {
-        SciSend(editor, SCI_SETMARGINWIDTHN, kChangeMargin, width);
+    if (SciSend(editor, SCI_GETMARGINWIDTHN, kMarginChanges, 0) != width) {
+        SciSend(editor, SCI_SETMARGINWIDTHN, kMarginChanges, width);
     }
     if (!on) return;
-    SciSend(editor, SCI_MARKERDEFINE, kChangeMarker, SC_MARK_FULLRECT);
-    SciSend(editor, SCI_MARKERSETBACK, kChangeMarker, kChangeColour);
+    SciSend(editor, SCI_MARKERDEFINE, kMarkChange, SC_MARK_FULLRECT);
+    SciSend(editor, SCI_MARKERSETBACK, kMarkChange, kChangeColour);
 }
 
 void MarkModifiedLine(HWND editor, int line) {
     if (!g_app.settings.showChangeMargin) return;
     // Marking a marked line would stack a second marker on it.
-    if (SciSend(editor, SCI_MARKERGET, static_cast<WPARAM>(line), 0) & (1 << kChangeMarker)) return;
-    SciSend(editor, SCI_MARKERADD, static_cast<WPARAM>(line), kChangeMarker);
+    if (SciSend(editor, SCI_MARKERGET, static_cast<WPARAM>(line), 0) & (1 << kMarkChange)) return;
+    SciSend(editor, SCI_MARKERADD, static_cast<WPARAM>(line), kMarkChange);
 }
 
-void EditorPaneClearChangeMarks(HWND editor) { SciSend(editor, SCI_MARKERDELETEALL, kChangeMarker, 0); }
+void EditorPaneClearChangeMarks(HWND editor) { SciSend(editor, SCI_MARKERDELETEALL, kMarkChange, 0); }
 
 void ApplyVirtualSpace(HWND editor, bool on) {
     SetIfDifferent(editor, SCI_GETVIRTUALSPACEOPTIONS, SCI_SETVIRTUALSPACEOPTIONS, on ? kVirtualSpace : 0);

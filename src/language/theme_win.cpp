@@ -6,6 +6,7 @@
 #include "language/caret_colour.h"
 #include "language/lexer_table.h"
 #include "language/theme_table.h"
+#include "scintilla/margins.h"
 #include "scintilla/sci.h"
 
 #include <uxtheme.h>
@@ -19,16 +20,6 @@ namespace {
 constexpr int kThemeDark = 1;
 // Folding costs a pass of its own over the text; a document this large scrolls and types faster without.
 constexpr LRESULT kLargestFolded = 4 << 20;
-
-constexpr int kMarginNumbers = 0;
-constexpr int kMarginSymbols = 1;
-constexpr int kMarginFolding = 2;
-constexpr int kMarginChanges = 3;
-constexpr int kMarkBookmark = 1;
-constexpr int kMarkBreakpoint = 2;
-constexpr int kMarkError = 3;
-constexpr int kMarkCurrent = 4;
-constexpr int kMarkChange = 5;
 
 COLORREF Ref(Rgb rgb) { return ThemeColorRef(rgb); }
 // Scintilla's elements take the colour with an opacity in the high byte.

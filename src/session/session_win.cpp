@@ -11,6 +11,7 @@
 #include "files/handles.h"
 #include "language/theme.h"
 #include "resources/ids.h"
+#include "scintilla/margins.h"
 #include "scintilla/sci.h"
 #include "session/project_tree.h"
 #include "session/session_close.h"
@@ -23,9 +24,6 @@
 #include <vector>
 
 namespace {
-
-constexpr int kBookmarkMarker = 1;
-constexpr int kBreakpointMarker = 2;
 
 struct NumberField {
     SessionKey key;
@@ -76,8 +74,8 @@ SessionFile CaptureFile(const DocumentTab& tab) {
         file.scroll = Position(tab.editor, SCI_GETFIRSTVISIBLELINE);
         file.selectionStart = Position(tab.editor, SCI_GETSELECTIONSTART);
         file.selectionEnd = Position(tab.editor, SCI_GETSELECTIONEND);
-        file.bookmarks = MarkedLines(tab.editor, kBookmarkMarker);
-        file.breakpoints = MarkedLines(tab.editor, kBreakpointMarker);
+        file.bookmarks = MarkedLines(tab.editor, kMarkBookmark);
+        file.breakpoints = MarkedLines(tab.editor, kMarkBreakpoint);
     }
     return file;
 }
@@ -146,8 +144,8 @@ void ApplyFileItem(const SessionItem& item) {
         case SessionKey::Scroll: SciSend(editor, SCI_SETFIRSTVISIBLELINE, position); break;
         case SessionKey::SelectionStart: SciSend(editor, SCI_SETSELECTIONSTART, position); break;
         case SessionKey::SelectionEnd: SciSend(editor, SCI_SETSELECTIONEND, position); break;
-        case SessionKey::Bookmarks: AddMarkers(editor, item.text, kBookmarkMarker); break;
-        case SessionKey::Breakpoints: AddMarkers(editor, item.text, kBreakpointMarker); break;
+        case SessionKey::Bookmarks: AddMarkers(editor, item.text, kMarkBookmark); break;
+        case SessionKey::Breakpoints: AddMarkers(editor, item.text, kMarkBreakpoint); break;
         default: break;
     }
 }

@@ -1,0 +1,14 @@
+// The margins and markers of every editor by number: drawn by the theme, set by the pane, kept by sessions. Pure.
+#pragma once
+
+inline constexpr int kMarginNumbers = 0;
+inline constexpr int kMarginSymbols = 1;
+inline constexpr int kMarginFolding = 2;
+inline constexpr int kMarginChanges = 3;
+inline constexpr int kMarginCount = 4;
+
+inline constexpr int kMarkBookmark = 1;
+inline constexpr int kMarkBreakpoint = 2;
+inline constexpr int kMarkError = 3;
+inline constexpr int kMarkCurrent = 4;
+inline constexpr int kMarkChange = 5;
