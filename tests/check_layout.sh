@@ -8,7 +8,7 @@ root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "${1:-$root}"
 
 # A folder may include itself and those before it.
-folders="files settings compilers scintilla language editor tabs documents build disasm debugger session search ai toolbar selftest app"
+folders="files settings compilers scintilla language editor tabs documents build disasm debugger debugui session search ai toolbar selftest app"
 # Open to every folder: the global record, the log, what may be asked of the shell, the numbers of commands and controls.
 open_headers="app/app_state.h app/log.h app/shell.h resources/ids.h"
 longest=600

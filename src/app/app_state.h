@@ -4,6 +4,7 @@
 #pragma once
 
 #include "build/build_state.h"
+#include "debugger/debug_state.h"
 #include "editor/nav_history.h"
 #include "scintilla/scintilla_library.h"
 #include "settings/run_overrides.h"
@@ -32,6 +33,7 @@ struct AppState {
     HWND hTerminal = nullptr;
     HWND hErrorList = nullptr;
     HWND hProjectTree = nullptr;
+    HWND hDebugPane = nullptr;
     HWND hFindDialog = nullptr;  // modeless, empty while closed
 
     // Documents
@@ -47,12 +49,17 @@ struct AppState {
     // View state that lasts for one run
     bool showOutput = true;
     bool showAsmPane = false;
+    bool showDebugPane = false;
+    int debugPaneWidth = 0;  // pixels wanted of the area below the editor, 0: half of it
     bool splitHorizontal = false;  // kept and restored by sessions
     bool fullScreen = false;       // kept and restored by sessions
     int dpi = 96;                  // of the monitor the main window is on
 
     BuildState build;       // shared with the build's reader thread under g_buildCs
     CompilerErrors errors;  // diagnostics of the last build; filled on the UI thread
+
+    DebuggerState debugger;
+    DebugFlags debug;
 
     // Session and workspace
     wchar_t sessionPath[kPathCapacity] = {};    // current named session, empty with none

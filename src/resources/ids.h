@@ -9,7 +9,8 @@
 #define IDD_SETTINGS 3000
 #define IDD_FIND 3100
 #define IDD_GOTO_LINE 3150
-#define IDD_CONDITION 3210
+#define IDD_CONDITION 3140
+#define IDD_INPUT 3210  // one line of text: a watch, a value, an address
 
 // --- Commands: File
 #define IDM_FILE_NEW 1001
@@ -82,6 +83,24 @@
 #define IDM_DEBUG_STEP_INTO 1905
 #define IDM_DEBUG_STEP_OUT 1506
 #define IDM_DEBUG_BREAKPOINT 1507
+// Toolbar: the first five go on to 1901, 1903, 1905, 1904 and 1506.
+#define IDM_DEBUG_BUTTON_START 1501
+#define IDM_DEBUG_BUTTON_STOP 1502
+#define IDM_DEBUG_BUTTON_STEP_INTO 1503
+#define IDM_DEBUG_BUTTON_STEP_OVER 1504
+#define IDM_DEBUG_BUTTON_STEP_OUT 1505
+#define IDM_DEBUG_REGISTERS 1508
+#define IDM_DEBUG_CALL_STACK 1509
+#define IDM_DEBUG_DISASSEMBLY 1510
+#define IDM_DEBUG_MEMORY 1511
+#define IDM_DEBUG_CONDITIONAL 1512
+#define IDM_DEBUG_BUILD_START 1901
+#define IDM_DEBUG_RUN_TO_CURSOR 1906
+#define IDM_DEBUG_CONTINUE 1907
+#define IDM_DEBUG_PAUSE 1908
+#define IDM_DEBUG_ENABLE_BREAKPOINT 1909  // on the caret's line: off, and on again
+#define IDM_DEBUG_REMOVE_BREAKPOINTS 1910
+#define IDM_VIEW_DEBUG_PANE 1911
 // --- Tools, Help
 #define IDM_AI_OPENAI 1701
 #define IDM_AI_LMSTUDIO 1702
@@ -107,6 +126,7 @@
 #define IDC_SPLIT_ASM 2202
 #define IDC_ASM 2203
 #define IDC_SPLIT_TREE 2204
+#define IDC_SPLIT_DEBUG 2205
 #define IDC_AI_CHAT 2300
 #define IDC_AI_INPUT 2301
 #define IDC_AI_SEND 2302
@@ -114,6 +134,12 @@
 #define IDC_TERMINAL 2304
 #define IDC_ERROR_LIST 2305
 #define IDC_PROJECT_TREE 2306
+#define IDC_DEBUG_PANE 2307
+// Children of the debug pane.
+#define IDC_DEBUG_TABS 2401
+#define IDC_DEBUG_LIST 2402     // list view of breakpoints, stack, registers, watches, threads
+#define IDC_DEBUG_TEXT 2403     // memory and disassembly (Scintilla)
+#define IDC_DEBUG_ADDRESS 2404  // address line of memory and disassembly
 // Editors: IDC_EDITOR_FIRST and up, one number a tab ever opened.
 #define IDC_EDITOR_FIRST 5000
 
@@ -137,6 +163,15 @@
 #define IDC_FIND_WITH_LABEL 3111
 #define IDC_FIND_SELECTION 3112
 
+// --- Controls of the conditional-breakpoint dialog and of the input dialog
+#define IDC_CONDITION_TEXT 3141
+#define IDC_CONDITION_PLACE 3142
+#define IDC_CONDITION_PROBLEM 3143
+#define IDC_INPUT_LABEL 3211
+#define IDC_INPUT_TEXT 3212
+#define IDC_INPUT_KIND 3213
+#define IDC_INPUT_KIND_LABEL 3214
+
 // --- Messages of the main window (WM_USER = 0x0400, WM_APP = 0x8000). The receiver frees a heap block in wParam.
 #define MSG_BUILD_OUTPUT (0x0400 + 100)    // wParam: heap wide text, lParam: colour (0 = default)
 #define MSG_BUILD_FINISHED (0x0400 + 101)  // wParam: exit code of the compiler
@@ -144,6 +179,7 @@
 #define MSG_REINIT_EDITOR (0x0400 + 201)   // wParam: tab index
 #define MSG_FOCUS_EDITOR (0x8000 + 1)      // give the active editor the focus
 #define MSG_AI_REPLY (0x8000 + 3)          // wParam: heap UTF-8 reply or null, lParam: chat or replacement
+#define MSG_DEBUG_LAUNCH (0x8000 + 11)      // the debug build is done: start its program under the debugger
 #define MSG_TREE_ITEMS (0x8000 + 10)       // to the project tree: wParam: TreeListing*, deleted by the receiver
 
 // --- Timers of the main window
@@ -151,4 +187,5 @@
 #define TIMER_SESSION 2
 #define TIMER_OUTPUT 3   // applies queued build output in batches
 #define TIMER_BUILD 4    // progress of a running build in the status bar
+#define TIMER_DEBUG 5    // asks a running debuggee for its next event
 #define TIMER_FOCUS 32770

@@ -1,0 +1,32 @@
+// Views of a stopped program. Texts are new heap blocks that the caller frees; null without a session. UI thread only.
+#pragma once
+
+#include "debugger/debug_state.h"
+#include "debugger/registers.h"
+
+#include <string>
+#include <vector>
+
+// The full context of the main thread (flags 0x10001F).
+bool DebugGetContext(const DebuggerState* state, CONTEXT* context);
+// Registers of a thread of the program, of either kind; 0: the thread of the last stop, else the main one.
+bool DebugGetRegisters(const DebuggerState* state, std::uint32_t threadId, RegisterSet* registers);
+
+wchar_t* DebugFormatRegisters(const DebuggerState* state);
+wchar_t* DebugWalkStack(const DebuggerState* state);
+wchar_t* DebugHexDump(const DebuggerState* state, std::uint64_t address, int count);  // 1..4096
+wchar_t* DebugDisassembleAt(const DebuggerState* state, std::uint64_t address);
+std::uint64_t DebugEvaluate(const DebuggerState* state, const char* expression);
+// Kind 0: LONG, 1: QUAD, 2: text, 3: DOUBLE; any other: "<unknown kind>".
+wchar_t* DebugWatchValue(const DebuggerState* state, std::uint64_t address, int kind);
+
+// For views: frames of a thread by its frame pointers, of either kind of program; at most 32.
+struct DebugFrame {
+    std::uint64_t address = 0;       // of the frame's instruction
+    std::uint64_t framePointer = 0;
+    std::uint32_t line = 0;          // 0: no source
+    std::uint32_t fileId = 0;
+};
+std::vector<DebugFrame> DebugFrames(const DebuggerState* state, std::uint32_t threadId);
+// File id and line of an address in the executable's image by its map; false for any other address.
+bool DebugLineAt(const DebuggerState* state, std::uint64_t address, std::uint32_t* fileId, std::uint32_t* line);

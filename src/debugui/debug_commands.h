@@ -1,0 +1,21 @@
+// The Debug menu, the toolbar's debug buttons and the life of a session as the user sees it. UI thread only.
+#pragma once
+
+#include <windows.h>
+
+// Commands 1901..1906, 1501..1512 and the further ones of the debugger. False: not one of them.
+bool CmdHandle_Debug(int command);
+
+// Hooks of the engine, once at start-up, after the main window exists.
+void DebugUiInit();
+// MSG_DEBUG_LAUNCH: the debug build that the start command asked for has succeeded.
+void DebugOnBuilt();
+// TIMER_DEBUG: a running program is asked for its next event.
+void DebugOnTimer();
+// Ends a session without questions; before the main window goes.
+void DebugShutdown();
+// A wait is going on inside a command: no command but Stop may start.
+bool DebugIsWaiting();
+
+// "Running", "Stopped at steps.bas:12", "Exited with code 3"; empty without anything to say.
+const wchar_t* DebugStatusText();

@@ -1,0 +1,21 @@
+// The debug pane: a row of tabs over one view - breakpoints, call stack, registers, watches, memory, threads,
+// disassembly. A window of its own; the frame places it. UI thread only.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+
+enum class DebugTab : std::uint8_t { Breakpoints, CallStack, Registers, Watches, Memory, Threads, Disassembly };
+inline constexpr int kDebugTabCount = 7;
+
+HWND DebugPaneCreate(HWND parent, int controlId);  // null when it cannot be made
+void DebugPaneSelect(DebugTab tab);
+DebugTab DebugPaneSelected();
+// What the pane shows may be out of date (a stop, a resume, an end, a breakpoint changed). Only the visible view reads
+// the program, once the message queue is empty, however often this is called.
+void DebugPaneInvalidate();
+void DebugPaneApplyTheme();  // colours and fonts, after a change of theme or DPI
+// A register's value for the tooltip over its name in an editor: "RAX = 000000000000002A (42)"; false: none of that name,
+// or no stopped program.
+bool DebugRegisterTip(const wchar_t* word, wchar_t* out, int capacity);

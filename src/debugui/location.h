@@ -1,0 +1,21 @@
+// Showing places of the program in the editor. UI thread only.
+#pragma once
+
+#include "debugger/debug_state.h"
+
+#include <cstdint>
+#include <string>
+
+// Opens or activates the file of the current stop, puts marker 4 and the line's background there, scrolls it into view
+// and writes "[Debug] steps.bas:12 (step into)". A stop without source shows its address alone. The suffix may be null.
+void DebugShowCurrentLocation(DebuggerState* state, const wchar_t* suffix);
+// Takes the mark of the current line out of every editor.
+void DebugClearLocation();
+
+// Path of a file id of the session's map: of the source for id 1 of a single file or a staged copy, else as the map says,
+// relative names beside the source. Empty when there is none.
+std::wstring DebugFilePath(const DebuggerState* state, std::uint32_t fileId);
+// File id of a path in the session's map, or 0 when the file is not part of the program.
+std::uint32_t DebugFileIdOfPath(const DebuggerState* state, const wchar_t* path);
+// Opens the file and puts the caret on the line (from 1), without moving the mark. False when it cannot be shown.
+bool DebugGoTo(const DebuggerState* state, std::uint32_t fileId, int line);
