@@ -1,0 +1,91 @@
+#include "disasm/decoder.h"
+
+#include <Zydis/Internal/String.h>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+struct FormatContext {
+    const Decoder* decoder;
+    const DisasmSymbols* symbols;
+};
+
+ZyanStringView ViewOf(std::string_view text) {
+    ZyanStringView view = {};
+    view.string.vector.size = text.size() + 1;  // Zydis counts the terminator
+    view.string.vector.capacity = text.size() + 1;
+    view.string.vector.element_size = 1;
+    view.string.vector.data = const_cast<char*>(text.data());  // only read
+    return view;
+}
+
+// Replaces the formatter's own procedure for absolute addresses: branch targets, [rip+n], [n].
+ZyanStatus PrintAddress(const ZydisFormatter* formatter, ZydisFormatterBuffer* buffer, ZydisFormatterContext* context) {
+    const auto* own = static_cast<const FormatContext*>(context->user_data);
+    ZyanU64 address = 0;
+    if (*own->symbols && ZYAN_SUCCESS(ZydisCalcAbsoluteAddress(context->instruction, context->operand,
+                                                               context->runtime_address, &address))) {
+        std::string name = (*own->symbols)(address);
+        if (!name.empty()) {
+            name.resize(std::min(name.size(), kLongestName));
+            ZyanString* text = nullptr;
+            ZYAN_CHECK(ZydisFormatterBufferAppend(buffer, ZYDIS_TOKEN_SYMBOL));
+            ZYAN_CHECK(ZydisFormatterBufferGetString(buffer, &text));
+            const ZyanStringView view = ViewOf(name);
+            return ZydisStringAppend(text, &view);
+        }
+    }
+    return own->decoder->printAddress(formatter, buffer, context);
+}
+
+}  // namespace
+
+void DecoderInit(Decoder& decoder, bool x64) {
+    decoder.x64 = x64;
+    ZydisDecoderInit(&decoder.decoder, x64 ? ZYDIS_MACHINE_MODE_LONG_64 : ZYDIS_MACHINE_MODE_LEGACY_32,
+                     x64 ? ZYDIS_STACK_WIDTH_64 : ZYDIS_STACK_WIDTH_32);
+    ZydisFormatterInit(&decoder.formatter, ZYDIS_FORMATTER_STYLE_INTEL);
+    for (const ZydisFormatterProperty padding : {ZYDIS_FORMATTER_PROP_ADDR_PADDING_ABSOLUTE,
+                                                 ZYDIS_FORMATTER_PROP_DISP_PADDING, ZYDIS_FORMATTER_PROP_IMM_PADDING})
+        ZydisFormatterSetProperty(&decoder.formatter, padding, ZYDIS_PADDING_DISABLED);
+    const void* callback = reinterpret_cast<const void*>(&PrintAddress);
+    ZydisFormatterSetHook(&decoder.formatter, ZYDIS_FORMATTER_FUNC_PRINT_ADDRESS_ABS, &callback);
+    decoder.printAddress = reinterpret_cast<ZydisFormatterFunc>(const_cast<void*>(callback));
+}
+
+bool DecodeOne(const Decoder& decoder, std::span<const std::uint8_t> bytes, Decoded* decoded) {
+    ZydisDecoderContext context;
+    return ZYAN_SUCCESS(ZydisDecoderDecodeInstruction(&decoder.decoder, &context, bytes.data(), bytes.size(),
+                                                      &decoded->instruction)) &&
+           ZYAN_SUCCESS(ZydisDecoderDecodeOperands(&decoder.decoder, &context, &decoded->instruction, decoded->operands,
+                                                   decoded->instruction.operand_count_visible));
+}
+
+bool DirectTarget(const Decoded& decoded, std::uint64_t address, std::uint64_t* target) {
+    const ZydisDecodedInstruction& instruction = decoded.instruction;
+    for (std::size_t i = 0; i < instruction.operand_count_visible; ++i) {
+        const ZydisDecodedOperand& operand = decoded.operands[i];
+        if (operand.type == ZYDIS_OPERAND_TYPE_IMMEDIATE && operand.imm.is_relative)
+            return ZYAN_SUCCESS(ZydisCalcAbsoluteAddress(&instruction, &operand, address, target));
+    }
+    return false;
+}
+
+std::string_view FormatDecoded(const Decoder& decoder, const Decoded& decoded, std::uint64_t address,
+                               const DisasmSymbols& symbols, InstructionText& buffer) {
+    FormatContext context = {.decoder = &decoder, .symbols = &symbols};
+    buffer[0] = '\0';
+    if (!ZYAN_SUCCESS(ZydisFormatterFormatInstruction(&decoder.formatter, &decoded.instruction, decoded.operands,
+                                                      decoded.instruction.operand_count_visible, buffer.data(),
+                                                      buffer.size(), address, &context)))
+        return "?";
+    return buffer.data();
+}
+
+std::string_view FormatByte(std::uint8_t byte, InstructionText& buffer) {
+    // A number must not begin with a letter.
+    std::snprintf(buffer.data(), buffer.size(), byte >= 0xA0 ? "db 0%02Xh" : "db %02Xh", byte);
+    return buffer.data();
+}
