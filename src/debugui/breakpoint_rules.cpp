@@ -1,0 +1,76 @@
+// Matching, drawing and scrolling rules. Must not know an editor.
+#include "debugui/breakpoint_rules.h"
+
+#include "files/path.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::size_t kLongestCondition = 63;  // bytes, what the engine keeps of one
+
+}  // namespace
+
+std::wstring ConditionProblem(std::string_view condition) {
+    if (condition.size() <= kLongestCondition) return L"";
+    return L"Too long: " + std::to_wstring(condition.size()) + L" bytes as UTF-8, at most " +
+           std::to_wstring(kLongestCondition) + L" are possible.";
+}
+
+MarkerMatch MatchMarkers(std::span<const KnownBreakpoint> known, std::span<const MarkerPlace> markers) {
+    MarkerMatch match;
+    match.lines.resize(known.size(), 0);
+    match.handles.resize(known.size(), -1);
+    std::vector<int> taken;  // lines that have their breakpoint
+    const auto take = [&](std::size_t index, const MarkerPlace& marker) {
+        match.lines[index] = marker.line;
+        match.handles[index] = marker.handle;
+        taken.push_back(marker.line);
+    };
+    const auto isTaken = [&](int line) { return std::ranges::find(taken, line) != taken.end(); };
+    std::vector<MarkerPlace> strangers;
+    for (const MarkerPlace& marker : markers) {
+        const auto it = std::ranges::find(known, marker.handle, &KnownBreakpoint::handle);
+        if (it == known.end())
+            strangers.push_back(marker);
+        else if (isTaken(marker.line))
+            match.surplus.push_back(marker.handle);
+        else
+            take(static_cast<std::size_t>(it - known.begin()), marker);
+    }
+    for (const MarkerPlace& marker : strangers) {
+        if (isTaken(marker.line)) {
+            match.surplus.push_back(marker.handle);
+            continue;
+        }
+        std::size_t index = 0;
+        while (index < known.size() && (known[index].handle >= 0 || known[index].line != marker.line)) ++index;
+        if (index < known.size()) {
+            take(index, marker);
+        } else {
+            match.news.push_back(marker);
+            taken.push_back(marker.line);
+        }
+    }
+    return match;
+}
+
+BreakpointLook LookOf(bool enabled, bool refused, bool conditional) {
+    if (!enabled) return BreakpointLook::Disabled;
+    if (refused) return BreakpointLook::Hollow;
+    return conditional ? BreakpointLook::Conditional : BreakpointLook::Plain;
+}
+
+int ScrollForStop(int firstVisible, int count, int stop, int context) {
+    const int around = std::min(context, std::max(0, (count - 1) / 2));
+    if (stop >= firstVisible + around && stop < firstVisible + count - around) return firstVisible;
+    return std::max(0, stop - count / 3);
+}
+
+std::wstring MapPath(std::wstring_view path, std::wstring_view sourceFolder) {
+    std::wstring result(path);
+    std::ranges::replace(result, L'/', L'\\');
+    if (result.empty() || PathIsAbsolute(result)) return result;
+    while (result.starts_with(L".\\")) result.erase(0, 2);
+    return std::wstring(sourceFolder) + result;
+}

@@ -1,0 +1,79 @@
+// The condition of a breakpoint. Modal, UI thread.
+#include "debugui/input_dialog.h"
+
+#include "app/app_state.h"
+#include "app/log.h"
+#include "debugger/debug_state.h"
+#include "debugui/breakpoint_rules.h"
+#include "files/file_io.h"
+#include "files/handles.h"
+#include "resources/ids.h"
+
+namespace {
+
+constexpr int kLongestCondition = 128;  // characters; the bytes are counted afterwards
+
+struct Question {
+    const wchar_t* place;
+    std::string* condition;
+};
+
+std::string ReadCondition(HWND dialog) {
+    wchar_t text[kLongestCondition + 1] = {};
+    GetDlgItemTextW(dialog, IDC_CONDITION_TEXT, text, static_cast<int>(std::size(text)));
+    const HeapBlock<char> utf8(WideToUtf8(text));
+    return utf8 ? utf8.get() : "";
+}
+
+void Fill(HWND dialog, const Question& question) {
+    SetDlgItemTextW(dialog, IDC_CONDITION_PLACE, question.place);
+    const HWND line = GetDlgItem(dialog, IDC_CONDITION_TEXT);
+    SendMessageW(line, EM_SETLIMITTEXT, kLongestCondition, 0);
+    const HeapBlock<wchar_t> text(Utf8ToWide(question.condition->c_str()));
+    SetWindowTextW(line, text ? text.get() : L"");
+    SendMessageW(line, EM_SETSEL, 0, -1);
+    SetFocus(line);
+}
+
+// Also while typing, so that what will be refused is seen before.
+bool ShowProblem(HWND dialog) {
+    const std::wstring problem = ConditionProblem(ReadCondition(dialog));
+    SetDlgItemTextW(dialog, IDC_CONDITION_PROBLEM, problem.c_str());
+    return !problem.empty();
+}
+
+INT_PTR CALLBACK CondBpDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_INITDIALOG:
+            SetWindowLongPtrW(dialog, DWLP_USER, lParam);
+            Fill(dialog, *reinterpret_cast<const Question*>(lParam));
+            return FALSE;  // the focus is set already
+        case WM_CTLCOLORSTATIC:
+            if (GetDlgCtrlID(reinterpret_cast<HWND>(lParam)) != IDC_CONDITION_PROBLEM) return FALSE;
+            SetTextColor(reinterpret_cast<HDC>(wParam), RGB(176, 0, 0));
+            SetBkMode(reinterpret_cast<HDC>(wParam), TRANSPARENT);
+            return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_BTNFACE));
+        case WM_COMMAND:
+            if (LOWORD(wParam) == IDC_CONDITION_TEXT && HIWORD(wParam) == EN_CHANGE) {
+                ShowProblem(dialog);
+            } else if (LOWORD(wParam) == IDOK && !ShowProblem(dialog)) {
+                *reinterpret_cast<const Question*>(GetWindowLongPtrW(dialog, DWLP_USER))->condition =
+                    ReadCondition(dialog);
+                EndDialog(dialog, IDOK);
+            } else if (LOWORD(wParam) == IDCANCEL) {
+                EndDialog(dialog, IDCANCEL);
+            }
+            return TRUE;
+        default: return FALSE;
+    }
+}
+
+}  // namespace
+
+bool AskCondition(HWND owner, const wchar_t* place, std::string* condition) {
+    Question question{.place = place, .condition = condition};
+    const INT_PTR answer = DialogBoxParamW(g_app.hInstance, MAKEINTRESOURCEW(IDD_CONDITION), owner, CondBpDlgProc,
+                                           reinterpret_cast<LPARAM>(&question));
+    if (answer == -1) AppLogMsg(L"FAIL: AskCondition error=%lu", GetLastError());
+    return answer == IDOK;
+}
