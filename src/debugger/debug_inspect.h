@@ -22,9 +22,9 @@ wchar_t* DebugWatchValue(const DebuggerState* state, std::uint64_t address, int 
 
 // For views: frames of a thread by its frame pointers, of either kind of program; at most 32.
 struct DebugFrame {
-    std::uint64_t address = 0;       // of the frame's instruction
+    std::uint64_t address = 0;  // of the frame's instruction
     std::uint64_t framePointer = 0;
-    std::uint32_t line = 0;          // 0: no source
+    std::uint32_t line = 0;  // 0: no source
     std::uint32_t fileId = 0;
 };
 std::vector<DebugFrame> DebugFrames(const DebuggerState* state, std::uint32_t threadId);

@@ -41,7 +41,7 @@ int DebugFindBp(const DebuggerState* state, std::uint64_t address);  // index or
 bool DebugRestoreBp(DebuggerState* state, std::uint64_t address);    // original byte back, entry kept
 void DebugRearmBreakpoints(DebuggerState* state);
 void DebugClearBreakpoints(DebuggerState* state);
-bool DebugRemoveBreakpoint(DebuggerState* state, std::uint64_t address);  // byte back, entry gone
+bool DebugRemoveBreakpoint(DebuggerState* state, std::uint64_t address);                     // byte back, entry gone
 bool DebugSetCondition(DebuggerState* state, std::uint64_t address, const char* condition);  // of a planted one
 bool DebugCheckCondition(DebuggerState* state, const char* condition);
 

@@ -17,11 +17,11 @@ struct DebugBreakpoint {
     std::uint64_t address = 0;  // absolute
     std::uint8_t originalByte = 0;
     std::uint32_t line = 0;
-    std::uint32_t temporary = 0;               // removed when hit
-    char condition[kConditionCapacity] = {};   // UTF-8, empty: none
+    std::uint32_t temporary = 0;              // removed when hit
+    char condition[kConditionCapacity] = {};  // UTF-8, empty: none
     std::uint32_t fileId = 0;
-    std::uint32_t armed = 0;                   // the byte CC stands in the program
-    std::uint32_t hits = 0;                    // that were reported
+    std::uint32_t armed = 0;  // the byte CC stands in the program
+    std::uint32_t hits = 0;   // that were reported
 };
 
 struct DebugThread {
@@ -30,18 +30,13 @@ struct DebugThread {
     std::uint64_t start = 0;  // start address, 0 for the main thread
 };
 
-struct DebugModule {
-    std::uint64_t base = 0;
-    std::uint32_t size = 0;  // bytes, 0 when unknown
-};
-
 // What the program is doing.
 enum class DebugRun : std::uint8_t { None, Stopped, Running };
 
 struct DebuggerState {
     SdbgMap map;  // `imageBase` is the real load address from process creation on
     HANDLE process = nullptr;
-    HANDLE thread = nullptr;  // main thread
+    HANDLE thread = nullptr;      // main thread
     std::uint32_t processId = 0;  // of the last event; every continue uses them
     std::uint32_t threadId = 0;
     std::uint32_t active = 0;
@@ -56,15 +51,15 @@ struct DebuggerState {
     std::uint32_t mainThreadId = 0;
     std::uint32_t stopThreadId = 0;   // thread of the last stop, 0 with none
     std::uint32_t imageSize = 0;      // of the executable in memory
+    std::uint32_t exceptionCode = 0;  // of the last stop
     std::uint32_t eventPending = 0;   // an event was delivered and is not continued yet
     std::uint32_t exitCode = 0;       // valid after a wait returned 2
     std::uint64_t stopSerial = 0;     // counts stops, so that views know when they are out of date
     std::uint64_t faultAddress = 0;   // of the exception that was reported last, and how often in a row
     std::uint32_t faultCount = 0;
     std::uint32_t runsToUserBreakpoint = 0;  // resumed by Continue: forgotten temporary breakpoints do not stop it
-    HANDLE eventProcess = nullptr;    // the creation event's handle, given back at the end
+    HANDLE eventProcess = nullptr;           // the creation event's handle, given back at the end
     std::vector<DebugThread> threads;
-    std::vector<DebugModule> modules;
 };
 
 // What the debugger keeps in the application's record beside it.

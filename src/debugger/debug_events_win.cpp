@@ -1,0 +1,203 @@
+// Waiting for the program's events and deciding which of them is a stop. UI thread only: the thread that started the
+// program is the only one that the system lets wait for it.
+#include "debugger/debug_process.h"
+#include "debugger/stop_rules.h"
+
+#include "app/log.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+// A fault that is continued as handled fails again at once, for ever; after so many in a row the program is held there.
+constexpr std::uint32_t kFaultsInARow = 16;
+constexpr int kGoOn = 0;  // beside DebugWait: the event was no stop and is continued
+
+DebugWaitHook g_waitHook = nullptr;
+
+DebugBreakpoint& Entry(DebuggerState* state, int index) { return state->breakpoints[static_cast<std::size_t>(index)]; }
+
+void SetPlace(DebuggerState* state, std::uint64_t address, SourcePlace place) {
+    state->currentAddress = address;
+    state->currentLine = static_cast<std::int32_t>(place.line);
+    state->currentFileId = place.fileId;
+}
+
+int Stopped(DebuggerState* state, const DEBUG_EVENT& event) {
+    state->run = DebugRun::Stopped;
+    state->stopThreadId = event.dwThreadId;
+    state->exceptionCode = event.u.Exception.ExceptionRecord.ExceptionCode;
+    state->runsToUserBreakpoint = 0;
+    ++state->stopSerial;
+    return kDebugStopped;
+}
+
+int GoOn(DebuggerState* state) {
+    DebugResume(state);
+    return kGoOn;
+}
+
+std::wstring TextOfProgram(std::vector<char>& bytes) {
+    bytes.push_back('\0');
+    const char* text = bytes.data();
+    for (const UINT codePage : {static_cast<UINT>(CP_UTF8), static_cast<UINT>(CP_ACP)}) {
+        const DWORD flags = codePage == CP_UTF8 ? MB_ERR_INVALID_CHARS : 0;
+        const int length = MultiByteToWideChar(codePage, flags, text, -1, nullptr, 0);
+        if (length <= 0) continue;
+        std::wstring wide(static_cast<std::size_t>(length), L'\0');
+        MultiByteToWideChar(codePage, flags, text, -1, wide.data(), length);
+        wide.pop_back();
+        return wide;
+    }
+    return {};
+}
+
+void OnDebugString(const DebuggerState& state, const OUTPUT_DEBUG_STRING_INFO& info) {
+    std::vector<char> bytes(info.nDebugStringLength);
+    const auto address = reinterpret_cast<std::uint64_t>(info.lpDebugStringData);
+    if (!bytes.empty() && !DebugReadRaw(state, address, bytes.data(), bytes.size())) return;
+    std::wstring text = TextOfProgram(bytes);
+    if (text.empty() || text.back() != L'\n') text += L'\n';  // the next message begins a line of its own
+    DebugSay(kDebugTeal, L"[Debug] %s", text.c_str());
+}
+
+// The entry that a breakpoint exception at `address` belongs to: systems report the trap's own address or the next one.
+int EntryOfTrap(const DebuggerState* state, std::uint64_t address) {
+    const int index = DebugFindBp(state, address);
+    return index >= 0 ? index : DebugFindBp(state, address - 1);
+}
+
+int OnPlantedBreakpoint(DebuggerState* state, const DEBUG_EVENT& event, int index) {
+    const std::uint64_t address = Entry(state, index).address;
+    // Over a trap of the program's own there is nothing to go back to: run again, it would only stop here again.
+    const bool ownTrap = Entry(state, index).originalByte == kTrapByte;
+    DebugRestoreBp(state, address);
+    const DebugBreakpoint hit = Entry(state, index);
+    if (hit.temporary != 0) DebugForgetBreakpoint(state, index);
+    DebugSetIp(*state, event.dwThreadId, ownTrap ? address + 1 : address, false);
+    state->stopThreadId = event.dwThreadId;  // whose registers a condition is about
+    const SourcePlace lastPlace = {static_cast<std::uint32_t>(state->currentLine), state->currentFileId};
+    const std::uint64_t lastAddress = state->currentAddress;
+    SetPlace(state, address, PlaceOf(state->map, address));
+    if (hit.condition[0] != '\0' && !DebugCheckCondition(state, hit.condition)) {
+        DebugStepOffAndResume(state);
+        SetPlace(state, lastAddress, lastPlace);
+        return kGoOn;
+    }
+    if (hit.temporary == 0) ++Entry(state, index).hits;
+    return Stopped(state, event);
+}
+
+// Two threads may run onto one breakpoint at the same time: the second one's event comes when the byte is back already.
+bool IsLateHit(const DebuggerState& state, std::uint64_t address) {
+    if (address < state.map.imageBase || address - state.map.imageBase >= state.imageSize) return false;
+    std::uint8_t bytes[2] = {};
+    return DebugReadRaw(state, address - 1, bytes, sizeof(bytes)) && bytes[1] != kTrapByte && bytes[0] != kTrapByte &&
+           !(bytes[0] == 0xCD && bytes[1] == 0x03);
+}
+
+int OnOwnTrap(DebuggerState* state, const DEBUG_EVENT& event, std::uint64_t address) {
+    if (IsLateHit(*state, address)) {
+        DebugSetIp(*state, event.dwThreadId, address, false);
+        return GoOn(state);
+    }
+    const SourcePlace place = PlaceOfTrap(state->map, address);
+    if (IsRepeatedTrap(state->map, place, address, state->currentLine, state->currentAddress)) return GoOn(state);
+    if (state->map.nativeTrapMap != 0 && place.line != 0 && state->runsToUserBreakpoint != 0) return GoOn(state);
+    SetPlace(state, address, place);
+    return Stopped(state, event);
+}
+
+int OnBreakpoint(DebuggerState* state, const DEBUG_EVENT& event) {
+    const auto address = reinterpret_cast<std::uint64_t>(event.u.Exception.ExceptionRecord.ExceptionAddress);
+    const int index = EntryOfTrap(state, address);
+    return index >= 0 ? OnPlantedBreakpoint(state, event, index) : OnOwnTrap(state, event, address);
+}
+
+int OnOtherException(DebuggerState* state, const DEBUG_EVENT& event, bool fault) {
+    const EXCEPTION_RECORD& record = event.u.Exception.ExceptionRecord;
+    const auto address = reinterpret_cast<std::uint64_t>(record.ExceptionAddress);
+    DebugSay(kDebugRed, L"[Debug] Exception 0x%08lX at 0x%p\n", record.ExceptionCode, record.ExceptionAddress);
+    state->faultCount = fault && address == state->faultAddress ? state->faultCount + 1 : 1;
+    state->faultAddress = address;
+    if (!fault || state->faultCount < kFaultsInARow) return GoOn(state);
+    state->faultCount = 0;
+    DebugSay(kDebugRed, L"[Debug] The instruction has failed %lu times in a row; the program is held there.\n",
+             static_cast<unsigned long>(kFaultsInARow));
+    SetPlace(state, address, PlaceOf(state->map, address));
+    return Stopped(state, event);
+}
+
+int OnException(DebuggerState* state, const DEBUG_EVENT& event) {
+    const ExceptionKind kind = ExceptionKindOf(event.u.Exception.ExceptionRecord.ExceptionCode);
+    if (kind != ExceptionKind::Fault) state->faultCount = 0;
+    switch (kind) {
+        case ExceptionKind::Breakpoint: return OnBreakpoint(state, event);
+        case ExceptionKind::SingleStep: DebugRearmBreakpoints(state); return GoOn(state);
+        default: return OnOtherException(state, event, kind == ExceptionKind::Fault);
+    }
+}
+
+int OnExitProcess(DebuggerState* state, const DEBUG_EVENT& event) {
+    const DWORD exitCode = event.u.ExitProcess.dwExitCode;
+    DebugResume(state);
+    DebugEndSession(state);
+    state->exitCode = exitCode;
+    return kDebugExited;
+}
+
+int OnEvent(DebuggerState* state, const DEBUG_EVENT& event) {
+    if (event.dwProcessId != state->processId) {  // what an earlier session has left behind
+        DebugDropEvent(state, event);
+        return kGoOn;
+    }
+    state->threadId = event.dwThreadId;
+    state->eventPending = 1;
+    DebugNoteEvent(state, event);
+    switch (event.dwDebugEventCode) {
+        case OUTPUT_DEBUG_STRING_EVENT: OnDebugString(*state, event.u.DebugString); return GoOn(state);
+        case EXIT_PROCESS_DEBUG_EVENT: return OnExitProcess(state, event);
+        case EXCEPTION_DEBUG_EVENT: return OnException(state, event);
+        case EXIT_THREAD_DEBUG_EVENT: {
+            const int result = GoOn(state);
+            DebugCloseThread(state, event.dwThreadId);
+            return result;
+        }
+        default: return GoOn(state);
+    }
+}
+
+}  // namespace
+
+DebugWaitHook DebugSetWaitHook(DebugWaitHook hook) { return std::exchange(g_waitHook, hook); }
+
+int DebugWaitEvent(DebuggerState* state, DWORD timeoutMs) {
+    if (state == nullptr || state->active == 0) return kDebugNoSession;
+    ULONGLONG started = GetTickCount64();
+    ULONGLONG asked = started;  // the hook
+    for (;;) {
+        DEBUG_EVENT event = {};
+        const ULONGLONG elapsed = GetTickCount64() - started;
+        const DWORD left =
+            timeoutMs == INFINITE ? INFINITE : timeoutMs - static_cast<DWORD>(std::min<ULONGLONG>(elapsed, timeoutMs));
+        const bool came = WaitForDebugEvent(&event, std::min(left, kDebugSliceMs)) != 0;
+        if (came) {
+            if (const int result = OnEvent(state, event); result != kGoOn) return result;
+            started = GetTickCount64();
+        } else if (left == 0) {
+            return kDebugTimeout;
+        } else if (GetLastError() != ERROR_SEM_TIMEOUT) {
+            AppLogMsg(L"FAIL: DebugWaitEvent error=%lu", GetLastError());
+            if (left != INFINITE && left <= kDebugSliceMs) return kDebugTimeout;
+            Sleep(std::min(left, kDebugSliceMs));
+        }
+        const ULONGLONG now = GetTickCount64();
+        if (g_waitHook == nullptr || (came && now - asked < kDebugSliceMs)) continue;
+        asked = now;
+        if (g_waitHook()) return state->active != 0 ? kDebugTimeout : kDebugNoSession;
+        if (state->active == 0) return kDebugNoSession;
+    }
+}

@@ -1,0 +1,94 @@
+// Memory of the program, and what goes to the output pane. UI thread only.
+#include "debugger/debug_process.h"
+
+#include "build/output_feed.h"
+#include "files/wide_format.h"
+
+#include <algorithm>
+#include <cstdarg>
+
+namespace {
+
+DebugSink g_sink = nullptr;
+
+// The part of `count` bytes at `address` that lies in the page of `address`.
+std::size_t WithinPage(std::uint64_t address, std::size_t count) {
+    constexpr std::uint64_t kPage = 4096;
+    return static_cast<std::size_t>(std::min<std::uint64_t>(count, kPage - address % kPage));
+}
+
+template <typename Byte>
+Byte* PlaceIn(Byte* bytes, std::uint64_t address, std::size_t count, std::uint64_t wanted) {
+    return wanted >= address && wanted - address < count ? bytes + (wanted - address) : nullptr;
+}
+
+}  // namespace
+
+void DebugSetSink(DebugSink sink) { g_sink = sink; }
+
+void DebugSay(COLORREF colour, const wchar_t* format, ...) {
+    std::va_list args;
+    va_start(args, format);
+    std::wstring text = FormatArgsW(format, args);
+    va_end(args);
+    if (g_sink != nullptr)
+        g_sink(text, colour);
+    else
+        OutputFeedMessage(std::move(text), colour);
+}
+
+bool DebugReadRaw(const DebuggerState& state, std::uint64_t address, void* out, std::size_t count) {
+    SIZE_T done = 0;
+    return ReadProcessMemory(state.process, reinterpret_cast<const void*>(address), out, count, &done) && done == count;
+}
+
+bool DebugWriteRaw(const DebuggerState& state, std::uint64_t address, const void* bytes, std::size_t count) {
+    SIZE_T done = 0;
+    void* place = reinterpret_cast<void*>(address);
+    if (!WriteProcessMemory(state.process, place, bytes, count, &done) || done != count) return false;
+    FlushInstructionCache(state.process, place, count);
+    return true;
+}
+
+bool DebugReadMem(const DebuggerState* state, std::uint64_t address, void* out, std::size_t count) {
+    if (state == nullptr || state->active == 0 || !DebugReadRaw(*state, address, out, count)) return false;
+    for (int i = 0; i < state->breakpointCount; ++i) {
+        const DebugBreakpoint& bp = state->breakpoints[static_cast<std::size_t>(i)];
+        if (bp.armed == 0) continue;
+        if (auto* place = PlaceIn(static_cast<std::uint8_t*>(out), address, count, bp.address))
+            *place = bp.originalByte;
+    }
+    return true;
+}
+
+// A page at a time: a read that touches an unreadable page moves nothing at all.
+std::size_t DebugReadSome(const DebuggerState* state, std::uint64_t address, void* out, std::size_t count) {
+    std::size_t done = 0;
+    while (done < count) {
+        const std::size_t part = WithinPage(address + done, count - done);
+        if (!DebugReadMem(state, address + done, static_cast<std::uint8_t*>(out) + done, part)) break;
+        done += part;
+    }
+    return done;
+}
+
+// Breakpoints in the range stay in place; what they cover is what changes.
+bool DebugWriteMem(DebuggerState* state, std::uint64_t address, const void* bytes, std::size_t count) {
+    if (state == nullptr || state->active == 0 || !DebugWriteRaw(*state, address, bytes, count)) return false;
+    for (int i = 0; i < state->breakpointCount; ++i) {
+        DebugBreakpoint& bp = state->breakpoints[static_cast<std::size_t>(i)];
+        const auto* place = PlaceIn(static_cast<const std::uint8_t*>(bytes), address, count, bp.address);
+        if (place == nullptr) continue;
+        bp.originalByte = *place;
+        if (bp.armed != 0) DebugWriteRaw(*state, bp.address, &kTrapByte, 1);
+    }
+    return true;
+}
+
+bool DebugIsExecutable(const DebuggerState* state, std::uint64_t address) {
+    MEMORY_BASIC_INFORMATION info = {};
+    constexpr DWORD kExecutable = PAGE_EXECUTE | PAGE_EXECUTE_READ | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
+    return state != nullptr && state->active != 0 &&
+           VirtualQueryEx(state->process, reinterpret_cast<const void*>(address), &info, sizeof(info)) != 0 &&
+           info.State == MEM_COMMIT && (info.Protect & kExecutable) != 0;
+}

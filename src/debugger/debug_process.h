@@ -1,0 +1,43 @@
+// What the parts of the session share and nobody else needs: raw memory, threads, events. UI thread only.
+#pragma once
+
+#include "debugger/debug_session.h"
+
+inline constexpr std::uint8_t kTrapByte = 0xCC;
+inline constexpr DWORD kContinueStatus = 0x00010002;  // "continue", for every event and every exception
+inline constexpr COLORREF kDebugRed = 200;
+inline constexpr COLORREF kDebugTeal = 0x808000;
+inline constexpr COLORREF kDebugOrange = 0x0064C8;
+
+// Bytes as they stand in the program, breakpoints included; the whole count or false.
+bool DebugReadRaw(const DebuggerState& state, std::uint64_t address, void* out, std::size_t count);
+bool DebugWriteRaw(const DebuggerState& state, std::uint64_t address, const void* bytes, std::size_t count);
+
+// Handle of a thread of the program, owned by the state, or null.
+HANDLE DebugThreadHandle(const DebuggerState& state, std::uint32_t threadId);
+// Sets the instruction pointer, and with `trapOnce` the trap flag: a single-step event follows the next instruction.
+bool DebugSetIp(const DebuggerState& state, std::uint32_t threadId, std::uint64_t address, bool trapOnce);
+bool DebugGetIp(const DebuggerState& state, std::uint32_t threadId, std::uint64_t* address);
+
+// Writes the trap byte of an entry that is not armed.
+bool DebugArm(DebuggerState* state, DebugBreakpoint* breakpoint);
+// Removes an entry, later ones move down.
+void DebugForgetBreakpoint(DebuggerState* state, int index);
+void DebugForgetTemporaries(DebuggerState* state);
+
+// Continues the event that the state stands on.
+bool DebugResume(DebuggerState* state);
+// Steps off the breakpoint that the stopped thread stands on, so that the event after it arms all again, and resumes.
+bool DebugStepOffAndResume(DebuggerState* state);
+
+// Takes over or gives back the handles that an event carries; the state learns of image and threads.
+void DebugNoteEvent(DebuggerState* state, const DEBUG_EVENT& event);
+// A thread has ended and its event is continued.
+void DebugCloseThread(DebuggerState* state, std::uint32_t threadId);
+// Continues an event without looking at it, its handles closed. True: it was the end of the process.
+bool DebugDropEvent(DebuggerState* state, const DEBUG_EVENT& event);
+// Closes every handle and frees the map; the session is over and the state inactive.
+void DebugEndSession(DebuggerState* state);
+
+// Overwrites the program's own trap bytes where the map asks for it.
+void DebugNeutralizeNativeTraps(DebuggerState* state);

@@ -1,0 +1,179 @@
+// A session's beginning and end. UI thread only.
+#include "debugger/debug_process.h"
+#include "debugger/line_map.h"
+#include "debugger/pe_headers.h"
+
+#include "app/log.h"
+#include "files/handles.h"
+
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr std::uint32_t kPbdCompiler = 3;
+constexpr DWORD kFirstLineMs = 30000;
+constexpr DWORD kFirstTrapMs = 10000;
+constexpr int kFirstTrapTries = 64;
+constexpr int kStopTries = 20;
+constexpr DWORD kStopWaitMs = 100;
+constexpr DWORD kDrainMs = 10;
+constexpr wchar_t kNoPbdMap[] = L"[Debug] PowerBASIC debug database contains no usable line map\n";
+
+DebugPlantHook g_plantHook = nullptr;
+
+// Enough of the file for the headers: a stub before them is rarely longer than a few hundred bytes.
+bool IsPe64(const wchar_t* executable) {
+    constexpr DWORD kHeaderBytes = 65536;
+    UniqueHandle file(
+        CreateFileW(executable, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    std::vector<std::uint8_t> bytes(kHeaderBytes);
+    DWORD read = 0;
+    if (!file || !ReadFile(file.Get(), bytes.data(), kHeaderBytes, &read, nullptr)) return false;
+    constexpr std::uint16_t kPe32Plus = 0x20B;
+    return GetPeMagic(bytes.data(), read) == kPe32Plus;
+}
+
+bool Launch(const wchar_t* executable, DebuggerState* state) {
+    std::wstring commandLine = L"\"" + std::wstring(executable) + L"\"";
+    const std::wstring path = executable;
+    const std::size_t slash = path.find_last_of(L"\\/");
+    const std::wstring directory = slash == std::wstring::npos ? std::wstring() : path.substr(0, slash + 1);
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process = {};
+    // A console of its own: ours has none, and what the program reads and prints is its user's business.
+    const DWORD flags = DEBUG_PROCESS | DEBUG_ONLY_THIS_PROCESS | CREATE_NEW_CONSOLE;
+    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, flags, nullptr,
+                        directory.empty() ? nullptr : directory.c_str(), &startup, &process)) {
+        AppLogMsg(L"FAIL: DebugStart CreateProcess error=%lu", GetLastError());
+        return false;
+    }
+    state->process = process.hProcess;
+    state->thread = process.hThread;
+    state->processId = process.dwProcessId;
+    state->threadId = process.dwThreadId;
+    state->mainThreadId = process.dwThreadId;
+    return true;
+}
+
+void SayFirstStop(const DebuggerState& state, int event) {
+    if (event == kDebugStopped && state.currentLine > 0)
+        DebugSay(0, L"[Debug] Reached line %d.\n", state.currentLine);
+    else if (event != kDebugNoSession)
+        DebugSay(0, L"[Debug] Did not reach first source breakpoint (event %d).\n", event);
+}
+
+// A 32-bit program's own loader may report a second initial breakpoint, outside the program's image.
+bool IsLoaderStop(const DebuggerState& state, int event) {
+    return event == kDebugStopped && state.isX64 == 0 && state.currentLine == 0 && state.imageSize != 0 &&
+           state.currentAddress - state.map.imageBase >= state.imageSize;
+}
+
+void RunToFirstLine(DebuggerState* state) {
+    const int line = static_cast<int>(state->map.lines[0].line);
+    DebugSetBreakpoint(state, line);
+    if (g_plantHook != nullptr) g_plantHook(state);
+    DebugSay(0, L"[Debug] Started. Breakpoint at line %d.\n", line);
+    DebugResume(state);
+    int event = DebugWaitEvent(state, kFirstLineMs);
+    if (IsLoaderStop(*state, event)) {
+        DebugResume(state);
+        event = DebugWaitEvent(state, kFirstLineMs);
+    }
+    SayFirstStop(*state, event);
+}
+
+void RunToFirstTrap(DebuggerState* state) {
+    if (g_plantHook != nullptr) g_plantHook(state);
+    int event = kDebugStopped;
+    for (int i = 0; i < kFirstTrapTries && event == kDebugStopped; ++i) {
+        DebugResume(state);
+        event = DebugWaitEvent(state, kFirstTrapMs);
+        if (event == kDebugStopped && state->currentLine > 0) {
+            DebugSay(0, L"[Debug] Reached line %d.\n", state->currentLine);
+            return;
+        }
+    }
+    if (event != kDebugNoSession) DebugSay(0, kNoPbdMap);
+}
+
+// The table's bytes go back while the program still runs on with them: a patched byte must not kill it before we do.
+void RestoreProgram(DebuggerState* state) {
+    DebugClearBreakpoints(state);
+    if (state->eventPending != 0) DebugResume(state);
+}
+
+// Waits for the end of a program that was told to end, its events continued.
+void AwaitEnd(DebuggerState* state) {
+    bool ended = false;
+    for (int i = 0; i < kStopTries && !ended; ++i) {
+        DEBUG_EVENT event = {};
+        while (!ended && WaitForDebugEvent(&event, kDrainMs)) ended = DebugDropEvent(state, event);
+        if (!ended) WaitForSingleObject(state->process, kStopWaitMs);
+    }
+    if (ended) WaitForSingleObject(state->process, kStopWaitMs);
+    if (!ended) AppLogMsg(L"FAIL: DebugStop process %lu has not ended", state->processId);
+}
+
+}  // namespace
+
+void DebugSetPlantHook(DebugPlantHook hook) { g_plantHook = hook; }
+
+bool DebugStart(const wchar_t* executable, DebuggerState* state) { return DebugStartForCompiler(executable, 1, state); }
+
+bool DebugStartForCompiler(const wchar_t* executable, std::uint32_t compilerId, DebuggerState* state) {
+    if (executable == nullptr || state == nullptr || state->active != 0) return false;
+    DebugEndSession(state);
+    return DebugLoadMap(executable, compilerId, &state->map) && DebugStartLoaded(executable, state);
+}
+
+bool DebugStartLoaded(const wchar_t* executable, DebuggerState* state) {
+    if (!Launch(executable, state)) {
+        DebugSay(kDebugRed, L"[Debug] Failed to launch process.\n");
+        DebugEndSession(state);
+        return false;
+    }
+    state->isX64 = IsPe64(executable) ? 1 : 0;
+    state->active = 1;
+    state->run = DebugRun::Running;
+    if (const int event = DebugWaitEvent(state, INFINITE); event != kDebugStopped) {
+        SayFirstStop(*state, event);
+        DebugStop(state);
+        return false;
+    }
+    DebugNeutralizeNativeTraps(state);
+    if (state->map.nativeTrapMap != 0)
+        RunToFirstTrap(state);
+    else if (state->map.lineCount > 0)
+        RunToFirstLine(state);
+    else
+        DebugSay(0, L"[Debug] Started (no source line info).\n");
+    return state->active != 0;
+}
+
+void DebugStop(DebuggerState* state) {
+    if (state == nullptr || state->active == 0) return;
+    RestoreProgram(state);
+    if (!TerminateProcess(state->process, 0)) AppLogMsg(L"FAIL: DebugStop error=%lu", GetLastError());
+    AwaitEnd(state);
+    DebugEndSession(state);
+    DebugSay(kDebugRed, L"[Debug] Stopped.\n");
+}
+
+void DebugNeutralizeNativeTraps(DebuggerState* state) {
+    if (state == nullptr || state->active == 0 || state->map.neutralizeTraps == 0) return;
+    constexpr std::uint8_t kNop = 0x90;
+    constexpr std::uint64_t kBytesBefore = 4;
+    int changed = 0;
+    for (std::int32_t i = 0; i < state->map.lineCount; ++i) {
+        const std::uint64_t address = state->map.imageBase + state->map.lines[i].rva;
+        for (std::uint64_t before = 1; before <= kBytesBefore; ++before) {
+            std::uint8_t byte = 0;
+            if (!DebugReadRaw(*state, address - before, &byte, 1) || byte != kTrapByte) continue;
+            if (DebugWriteRaw(*state, address - before, &kNop, 1)) ++changed;
+        }
+    }
+    FlushInstructionCache(state->process, nullptr, 0);
+    AppLogMsg(L"DBG DebugStart: neutralized %d native trap bytes", changed);
+}

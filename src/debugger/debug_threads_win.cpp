@@ -1,0 +1,176 @@
+// Threads and handles of the program, and continuing it. UI thread only.
+//
+// The handles of threads and of the process that events carry belong to the system: it closes them when the end event
+// is continued, and closing them earlier would make it close whatever has got the number since. A system that does not
+// close them leaves them valid; then we do.
+#include "debugger/debug_process.h"
+
+#include "app/log.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr DWORD kControl64 = 0x100001;  // CONTEXT_CONTROL of the two kinds of program
+constexpr DWORD kControl32 = 0x10001;
+constexpr DWORD kTrapFlag = 0x100;
+
+void CloseIfOpen(HANDLE handle) {
+    if (handle != nullptr) CloseHandle(handle);
+}
+
+void CloseThreadHandle(const DebugThread& thread) {
+    if (thread.handle != nullptr && GetThreadId(thread.handle) == thread.id) CloseHandle(thread.handle);
+}
+
+std::uint32_t ImageSizeOf(const DebuggerState& state) {
+    std::uint32_t header = 0;
+    std::uint32_t size = 0;
+    const std::uint64_t base = state.map.imageBase;
+    constexpr std::uint64_t kHeaderField = 60, kSizeOfImage = 80;  // the same offset for both kinds of image
+    if (!DebugReadRaw(state, base + kHeaderField, &header, sizeof(header))) return 0;
+    return DebugReadRaw(state, base + header + kSizeOfImage, &size, sizeof(size)) ? size : 0;
+}
+
+void OnCreateProcess(DebuggerState* state, const CREATE_PROCESS_DEBUG_INFO& info, DWORD threadId) {
+    CloseIfOpen(info.hFile);
+    state->eventProcess = info.hProcess;
+    state->mainThreadId = threadId;
+    state->threads.push_back({.id = threadId, .handle = info.hThread});
+    if (info.lpBaseOfImage != nullptr) state->map.imageBase = reinterpret_cast<std::uint64_t>(info.lpBaseOfImage);
+    state->imageSize = ImageSizeOf(*state);
+}
+
+template <typename Context, typename Get, typename Set>
+bool ChangeIp(Context* context, Get get, Set set, std::uint64_t address, bool trapOnce) {
+    if (!get(context)) return false;
+    if constexpr (sizeof(Context) == sizeof(CONTEXT))
+        context->Rip = address;
+    else
+        context->Eip = static_cast<DWORD>(address);
+    if (trapOnce) context->EFlags |= kTrapFlag;
+    return set(context);
+}
+
+}  // namespace
+
+HANDLE DebugThreadHandle(const DebuggerState& state, std::uint32_t threadId) {
+    const auto thread = std::ranges::find(state.threads, threadId, &DebugThread::id);
+    if (thread != state.threads.end()) return thread->handle;
+    return threadId == state.mainThreadId ? state.thread : nullptr;
+}
+
+bool DebugGetIp(const DebuggerState& state, std::uint32_t threadId, std::uint64_t* address) {
+    HANDLE thread = DebugThreadHandle(state, threadId);
+    if (state.isX64 != 0) {
+        CONTEXT context = {};
+        context.ContextFlags = kControl64;
+        if (!GetThreadContext(thread, &context)) return false;
+        *address = context.Rip;
+        return true;
+    }
+    WOW64_CONTEXT context = {};
+    context.ContextFlags = kControl32;
+    if (!Wow64GetThreadContext(thread, &context)) return false;
+    *address = context.Eip;
+    return true;
+}
+
+bool DebugSetIp(const DebuggerState& state, std::uint32_t threadId, std::uint64_t address, bool trapOnce) {
+    HANDLE thread = DebugThreadHandle(state, threadId);
+    bool done = false;
+    if (state.isX64 != 0) {
+        CONTEXT context = {};
+        context.ContextFlags = kControl64;
+        done = ChangeIp(
+            &context, [thread](CONTEXT* c) { return GetThreadContext(thread, c) != 0; },
+            [thread](CONTEXT* c) { return SetThreadContext(thread, c) != 0; }, address, trapOnce);
+    } else {
+        WOW64_CONTEXT context = {};
+        context.ContextFlags = kControl32;
+        done = ChangeIp(
+            &context, [thread](WOW64_CONTEXT* c) { return Wow64GetThreadContext(thread, c) != 0; },
+            [thread](WOW64_CONTEXT* c) { return Wow64SetThreadContext(thread, c) != 0; }, address, trapOnce);
+    }
+    if (!done) AppLogMsg(L"FAIL: DebugSetIp thread=%lu error=%lu", threadId, GetLastError());
+    return done;
+}
+
+bool DebugResume(DebuggerState* state) {
+    if (!ContinueDebugEvent(state->processId, state->threadId, kContinueStatus)) {
+        AppLogMsg(L"FAIL: ContinueDebugEvent error=%lu", GetLastError());
+        return false;
+    }
+    state->eventPending = 0;
+    state->run = DebugRun::Running;
+    return true;
+}
+
+bool DebugStepOffAndResume(DebuggerState* state) {
+    std::uint64_t ip = 0;
+    const bool known = DebugGetIp(*state, state->stopThreadId, &ip);
+    const int index = known ? DebugFindBp(state, ip) : -1;
+    if (index >= 0) DebugRestoreBp(state, ip);
+    for (int i = 0; i < state->breakpointCount; ++i) {
+        DebugBreakpoint& bp = state->breakpoints[static_cast<std::size_t>(i)];
+        if (i != index && bp.temporary == 0) DebugArm(state, &bp);
+    }
+    if (index >= 0) DebugSetIp(*state, state->stopThreadId, ip, true);
+    return DebugResume(state);
+}
+
+void DebugNoteEvent(DebuggerState* state, const DEBUG_EVENT& event) {
+    switch (event.dwDebugEventCode) {
+        case CREATE_PROCESS_DEBUG_EVENT: OnCreateProcess(state, event.u.CreateProcessInfo, event.dwThreadId); break;
+        case CREATE_THREAD_DEBUG_EVENT: {
+            const CREATE_THREAD_DEBUG_INFO& info = event.u.CreateThread;
+            state->threads.push_back({.id = event.dwThreadId,
+                                      .handle = info.hThread,
+                                      .start = reinterpret_cast<std::uint64_t>(info.lpStartAddress)});
+            break;
+        }
+        case LOAD_DLL_DEBUG_EVENT: CloseIfOpen(event.u.LoadDll.hFile); break;
+        default: break;
+    }
+}
+
+void DebugCloseThread(DebuggerState* state, std::uint32_t threadId) {
+    const auto thread = std::ranges::find(state->threads, threadId, &DebugThread::id);
+    if (thread == state->threads.end()) return;
+    CloseThreadHandle(*thread);
+    state->threads.erase(thread);
+}
+
+bool DebugDropEvent(DebuggerState* state, const DEBUG_EVENT& event) {
+    DebugThread thread = {.id = event.dwThreadId};
+    HANDLE process = nullptr;
+    switch (event.dwDebugEventCode) {
+        case CREATE_PROCESS_DEBUG_EVENT:
+            CloseIfOpen(event.u.CreateProcessInfo.hFile);
+            process = event.u.CreateProcessInfo.hProcess;
+            thread.handle = event.u.CreateProcessInfo.hThread;
+            break;
+        case CREATE_THREAD_DEBUG_EVENT: thread.handle = event.u.CreateThread.hThread; break;
+        case LOAD_DLL_DEBUG_EVENT: CloseIfOpen(event.u.LoadDll.hFile); break;
+        default: break;
+    }
+    ContinueDebugEvent(event.dwProcessId, event.dwThreadId, kContinueStatus);
+    if (event.dwProcessId == state->processId) {
+        if (process != nullptr) state->eventProcess = process;
+        if (thread.handle != nullptr) state->threads.push_back(thread);
+        if (event.dwDebugEventCode == EXIT_THREAD_DEBUG_EVENT) DebugCloseThread(state, event.dwThreadId);
+    }
+    return event.dwDebugEventCode == EXIT_PROCESS_DEBUG_EVENT;
+}
+
+void DebugEndSession(DebuggerState* state) {
+    for (const DebugThread& thread : state->threads) CloseThreadHandle(thread);
+    if (state->eventProcess != nullptr && GetProcessId(state->eventProcess) == state->processId)
+        CloseHandle(state->eventProcess);
+    CloseIfOpen(state->process);
+    CloseIfOpen(state->thread);
+    SdbgFree(&state->map);
+    const std::uint64_t serial = state->stopSerial + 1;
+    *state = {};
+    state->stopSerial = serial;
+}
