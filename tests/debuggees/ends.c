@@ -1,0 +1,10 @@
+// Ends at once, before its only statement.
+#include "debuggee.h"
+
+MAP_BEGIN
+void start(void) {
+    ExitProcess(3);
+    AT(2);
+    ExitProcess(4);
+}
+MAP_END

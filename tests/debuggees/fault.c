@@ -1,0 +1,27 @@
+// Reads memory that is not there. With HEALS a second thread brings the memory after a while, so that the same
+// instruction at last succeeds; without, it never does.
+#include "debuggee.h"
+
+#define PLACE ((char*)0x20000000)
+
+DWORD WINAPI Bring(void* nothing);
+
+MAP_BEGIN
+void start(void) {
+    AT(2);
+    volatile char* place = PLACE;
+#ifdef HEALS
+    CreateThread(NULL, 0, Bring, NULL, 0, NULL);
+#endif
+    AT(3);
+    UINT read = (UINT)*place;
+    AT(4);
+    ExitProcess(read + 7);
+}
+DWORD WINAPI Bring(void* nothing) {
+    (void)nothing;
+    Sleep(150);
+    VirtualAlloc(PLACE, 4096, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+    return 0;
+}
+MAP_END

@@ -1,0 +1,14 @@
+// Loads a library and lets it go; the exit code says whether it was there.
+#include "debuggee.h"
+
+MAP_BEGIN
+void start(void) {
+    AT(2);
+    HMODULE library = LoadLibraryA("version.dll");
+    AT(3);
+    UINT found = library ? 1 : 0;
+    FreeLibrary(library);
+    AT(4);
+    ExitProcess(found);
+}
+MAP_END

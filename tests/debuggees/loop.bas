@@ -1,0 +1,6 @@
+FUNCTION PBMAIN () AS LONG
+    FOR i = 1 TO 10
+        sum = sum + i
+    NEXT i
+    FUNCTION = sum
+END FUNCTION

@@ -1,0 +1,4 @@
+// No line map at all.
+#include "debuggee.h"
+
+void start(void) { ExitProcess(5); }

@@ -1,0 +1,8 @@
+FUNCTION PBMAIN () AS LONG
+    THREAD CREATE Work() TO thread
+    THREAD WAIT thread
+    FUNCTION = value
+END FUNCTION
+FUNCTION Work () AS LONG
+    value = 5
+END FUNCTION

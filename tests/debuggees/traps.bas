@@ -1,0 +1,4 @@
+FUNCTION PBMAIN () AS LONG
+    a = 1
+    a = a + 5
+END FUNCTION

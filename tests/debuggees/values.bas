@@ -1,0 +1,5 @@
+FUNCTION PBMAIN () AS LONG
+    a = 1
+    b = 2
+    FUNCTION = 0
+END FUNCTION
