@@ -72,5 +72,7 @@ std::wstring MapPath(std::wstring_view path, std::wstring_view sourceFolder) {
     std::ranges::replace(result, L'/', L'\\');
     if (result.empty() || PathIsAbsolute(result)) return result;
     while (result.starts_with(L".\\")) result.erase(0, 2);
-    return std::wstring(sourceFolder) + result;
+    std::wstring folder(sourceFolder);
+    if (!folder.empty() && !folder.ends_with(L'\\')) folder += L'\\';
+    return folder + result;
 }

@@ -174,7 +174,8 @@ constexpr ChromePalette kLightChrome = {.windowBack = 0xEBEFFA,
                                         .hover = 0xD5DDEB,
                                         .error = 0xC8332B,
                                         .modified = 0xB26A00,
-                                        .success = 0x2E8B57};
+                                        .success = 0x2E8B57,
+                                        .stopLine = 0xFFD54A};
 
 constexpr ChromePalette kDarkChrome = {.windowBack = 0x16191D,
                                        .paneBack = 0x1B1F24,
@@ -189,7 +190,8 @@ constexpr ChromePalette kDarkChrome = {.windowBack = 0x16191D,
                                        .hover = 0x2B323A,
                                        .error = 0xF2665C,
                                        .modified = 0xE3B25F,
-                                       .success = 0x6CC58A};
+                                       .success = 0x6CC58A,
+                                       .stopLine = 0xE3B25F};
 
 double Linear(Rgb channel) {
     const double value = static_cast<double>(channel) / 255.0;
@@ -211,6 +213,16 @@ const EditorPalette& ThemePalette(int style, bool dark) {
 }
 
 const ChromePalette& ThemeChromePalette(bool dark) { return dark ? kDarkChrome : kLightChrome; }
+
+Rgb ThemeBlend(Rgb over, Rgb under, int alpha) {
+    Rgb mixed = 0;
+    for (const int shift : {0, 8, 16}) {
+        const int a = static_cast<int>(over >> shift & 0xFF);
+        const int b = static_cast<int>(under >> shift & 0xFF);
+        mixed |= static_cast<Rgb>((a * alpha + b * (255 - alpha)) / 255) << shift;
+    }
+    return mixed;
+}
 
 double ThemeContrast(Rgb a, Rgb b) {
     const double first = Luminance(a);

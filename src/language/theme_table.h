@@ -57,6 +57,7 @@ struct ChromePalette {
     Rgb error;
     Rgb modified;
     Rgb success;
+    Rgb stopLine;  // laid thinly over the line where a program stands
 };
 
 struct EditorStyle {
@@ -76,6 +77,11 @@ const ChromePalette& ThemeChromePalette(bool dark);
 inline constexpr TextRole kOverriddenRoles[] = {TextRole::Keyword,   TextRole::String,   TextRole::Comment,
                                                 TextRole::Number,    TextRole::Operator, TextRole::Preprocessor,
                                                 TextRole::Identifier};
+
+// Opacity of `stopLine` on the line where a program stands, 0..255.
+constexpr int ThemeStopLineAlpha(bool dark) { return dark ? 0x2C : 0x60; }
+// `over` with that opacity on `under`.
+Rgb ThemeBlend(Rgb over, Rgb under, int alpha);
 
 // Contrast of two colours as WCAG 2 defines it, 1..21.
 double ThemeContrast(Rgb a, Rgb b);

@@ -72,6 +72,9 @@ void ApplyFrameStyles(HWND editor, const EditorPalette& palette) {
         SciSend(editor, SCI_SETELEMENTCOLOUR, static_cast<WPARAM>(element), Opaque(palette.selection));
     }
     SciSend(editor, SCI_SETELEMENTCOLOUR, SC_ELEMENT_WHITE_SPACE, Opaque(palette.guide));
+    const ChromePalette& chrome = ThemeChromePalette(ThemeIsDark());
+    SciSend(editor, SCI_CALLTIPSETBACK, Ref(chrome.paneBack), 0);
+    SciSend(editor, SCI_CALLTIPSETFORE, Ref(chrome.paneText), 0);
     SciSend(editor, SCI_SETFOLDMARGINCOLOUR, TRUE, static_cast<LPARAM>(Ref(palette.margin)));
     SciSend(editor, SCI_SETFOLDMARGINHICOLOUR, TRUE, static_cast<LPARAM>(Ref(palette.margin)));
 }
@@ -88,8 +91,18 @@ void ApplyMargins(HWND editor, const EditorPalette& palette, bool folding) {
     DefineMarker(editor, kMarkBreakpoint, SC_MARK_CIRCLE, chrome.error, chrome.error);
     DefineMarker(editor, kMarkError, SC_MARK_SHORTARROW, chrome.error, chrome.error);
     DefineMarker(editor, kMarkCurrent, SC_MARK_ARROW, chrome.modified, chrome.modified);
+    DefineMarker(editor, kMarkHollow, SC_MARK_CIRCLE, chrome.error, palette.margin);
+    DefineMarker(editor, kMarkDisabled, SC_MARK_CIRCLE, palette.lineNumber, palette.lineNumber);
+    DefineMarker(editor, kMarkConditional, SC_MARK_PLUS, palette.margin, palette.margin);
+    DefineMarker(editor, kMarkCurrentLine, SC_MARK_BACKGROUND, chrome.stopLine, chrome.stopLine);
+    // Under the text, not as the line's background: the line of the caret has one already, and that would win.
+    SciSend(editor, SCI_MARKERSETLAYER, kMarkCurrentLine, SC_LAYER_UNDER_TEXT);
+    SciSend(editor, SCI_MARKERSETBACKTRANSLUCENT, kMarkCurrentLine,
+            static_cast<LPARAM>(static_cast<std::uint32_t>(ThemeStopLineAlpha(ThemeIsDark())) << 24 |
+                                ThemeColorRef(chrome.stopLine)));
 
-    constexpr int kSymbolMask = 1 << kMarkBookmark | 1 << kMarkBreakpoint | 1 << kMarkError | 1 << kMarkCurrent;
+    constexpr int kSymbolMask = 1 << kMarkBookmark | 1 << kMarkBreakpoint | 1 << kMarkError | 1 << kMarkCurrent |
+                                1 << kMarkHollow | 1 << kMarkDisabled | 1 << kMarkConditional;
     SciSend(editor, SCI_SETMARGINTYPEN, kMarginNumbers, SC_MARGIN_NUMBER);
     SciSend(editor, SCI_SETMARGINTYPEN, kMarginSymbols, SC_MARGIN_SYMBOL);
     SciSend(editor, SCI_SETMARGINMASKN, kMarginSymbols, kSymbolMask);

@@ -12,3 +12,8 @@ inline constexpr int kMarkBreakpoint = 2;
 inline constexpr int kMarkError = 3;
 inline constexpr int kMarkCurrent = 4;
 inline constexpr int kMarkChange = 5;
+// Drawn over the disc of a breakpoint, which stays below them.
+inline constexpr int kMarkHollow = 6;       // its line has no code
+inline constexpr int kMarkDisabled = 7;     // switched off
+inline constexpr int kMarkConditional = 8;  // stops only if
+inline constexpr int kMarkCurrentLine = 9;  // background of the line where the program stands

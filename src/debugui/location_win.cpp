@@ -1,0 +1,183 @@
+// Files and lines of a debugged program in the editors. Runs at every step, so it asks the editor for little: a marker,
+// the caret, and a scroll only when the line is not well in view. UI thread only.
+#include "debugui/location.h"
+
+#include "app/app_state.h"
+#include "app/shell.h"
+#include "build/build_paths.h"
+#include "build/build_runner.h"
+#include "debugger/debug_session.h"
+#include "debugger/line_map.h"
+#include "debugui/breakpoint_rules.h"
+#include "documents/file_commands.h"
+#include "files/file_io.h"
+#include "files/handles.h"
+#include "files/path.h"
+#include "files/wide_format.h"
+#include "scintilla/margins.h"
+#include "scintilla/sci.h"
+#include "tabs/tab_bar.h"
+
+#include <vector>
+
+namespace {
+
+constexpr int kContext = 3;  // lines above and below a stop that stay in view
+
+// The mark of the line where the program stands.
+struct Mark {
+    HWND editor = nullptr;
+    int arrow = -1;  // handles of its two markers
+    int background = -1;
+};
+Mark g_mark;
+
+struct KnownFile {
+    std::uint32_t id;
+    std::wstring path;
+};
+std::vector<KnownFile> g_files;  // of the map in use: a path costs several calls to work out
+
+// As the producer of the map wrote it: UTF-8, or else the system's code page.
+std::wstring TextOfProducer(const char* text) {
+    for (const UINT codePage : {static_cast<UINT>(CP_UTF8), static_cast<UINT>(CP_ACP)}) {
+        const DWORD flags = codePage == CP_UTF8 ? MB_ERR_INVALID_CHARS : 0;
+        const int length = MultiByteToWideChar(codePage, flags, text, -1, nullptr, 0);
+        if (length <= 0) continue;
+        std::wstring wide(static_cast<std::size_t>(length), L'\0');
+        MultiByteToWideChar(codePage, flags, text, -1, wide.data(), length);
+        wide.pop_back();
+        return wide;
+    }
+    return {};
+}
+
+std::wstring WorkOutPath(const SdbgMap& map, std::uint32_t fileId) {
+    const std::wstring source = DebugSourcePath();
+    const char* name = SdbgFileIdToPath(&map, fileId);
+    if (name == nullptr || name[0] == '\0') return map.fileCount == 0 && fileId == 1 ? source : std::wstring();
+    std::wstring path = MapPath(TextOfProducer(name), FolderOf(source));
+    wchar_t whole[kPathCapacity] = {};
+    if (PathNormalizeInput(path.c_str(), whole, kPathCapacity)) path = whole;
+    // The compiler saw a copy: the user knows the original.
+    const std::wstring& staged = BuildLastPlaces().staged;
+    if (!staged.empty() && PathEqualsIgnoreCase(path, staged)) return source;
+    // The file of the first line is what was compiled, under whatever name it is gone now.
+    const bool first = map.lineCount > 0 && map.lines[0].fileId == fileId;
+    return first && !FileExists(path.c_str()) ? source : path;
+}
+
+std::wstring FileName(const std::wstring& path) {
+    wchar_t name[kPathCapacity] = {};
+    PathGetFile(path.c_str(), name, kPathCapacity);
+    return name;
+}
+
+bool IsOpen(HWND editor) { return editor != nullptr && TabBarFindEditor(editor) >= 0; }
+
+void PutMark(HWND editor, int line) {
+    const auto index = static_cast<WPARAM>(line - 1);
+    g_mark = {.editor = editor,
+              .arrow = static_cast<int>(SciSend(editor, SCI_MARKERADD, index, kMarkCurrent)),
+              .background = static_cast<int>(SciSend(editor, SCI_MARKERADD, index, kMarkCurrentLine))};
+}
+
+}  // namespace
+
+void DebugForgetFiles() { g_files.clear(); }
+
+std::wstring DebugFilePath(const DebuggerState* state, std::uint32_t fileId) {
+    if (state->active == 0 || fileId == 0) return {};
+    for (const KnownFile& file : g_files) {
+        if (file.id == fileId) return file.path;
+    }
+    g_files.push_back({fileId, WorkOutPath(state->map, fileId)});
+    return g_files.back().path;
+}
+
+std::uint32_t DebugFileIdOfPath(const DebuggerState* state, const wchar_t* path) {
+    if (state->active == 0 || path == nullptr || path[0] == L'\0') return 0;
+    if (state->map.fileCount == 0) return PathEqualsIgnoreCase(DebugFilePath(state, 1), path) ? 1 : 0;
+    for (std::int32_t i = 0; i < state->map.fileCount; ++i) {
+        const std::uint32_t id = state->map.files[i].fileId;
+        if (PathEqualsIgnoreCase(DebugFilePath(state, id), path)) return id;
+    }
+    return 0;
+}
+
+HWND DebugShowFile(const std::wstring& path) {
+    if (path.empty()) return nullptr;
+    const int tab = TabBarFindPath(path.c_str());
+    if (tab >= 0) {
+        if (tab != g_app.activeTab) TabBarSelect(tab);
+        return g_app.hEditor;
+    }
+    if (!FileExists(path.c_str())) return nullptr;
+    // Opening a file chooses its compiler; the user is in the middle of working with another.
+    const std::int32_t compiler = g_app.settings.activeCompiler;
+    const bool opened = FileOpen(path.c_str()) != 0;
+    if (g_app.settings.activeCompiler != compiler) {
+        g_app.settings.activeCompiler = compiler;
+        MainWindow_UpdateCompilerSelection();
+    }
+    return opened ? g_app.hEditor : nullptr;
+}
+
+void DebugScrollToLine(HWND editor, int line) {
+    const auto index = static_cast<WPARAM>(line - 1);
+    if (SciSend(editor, SCI_GETLINEVISIBLE, index) == 0) SciSend(editor, SCI_ENSUREVISIBLE, index);
+    const auto shown = [&](UINT message, WPARAM argument = 0) {
+        return static_cast<int>(SciSend(editor, message, argument));
+    };
+    const int first = shown(SCI_GETFIRSTVISIBLELINE);
+    const int wanted = ScrollForStop(first, shown(SCI_LINESONSCREEN), shown(SCI_VISIBLEFROMDOCLINE, index), kContext);
+    const LRESULT start = SciSend(editor, SCI_POSITIONFROMLINE, index);
+    SciSend(editor, SCI_SETEMPTYSELECTION, static_cast<WPARAM>(start));
+    if (wanted != first) SciSend(editor, SCI_SETFIRSTVISIBLELINE, static_cast<WPARAM>(wanted));
+}
+
+std::wstring DebugPlaceText(const DebuggerState* state) {
+    const std::wstring path = state->currentLine > 0 ? DebugFilePath(state, state->currentFileId) : std::wstring();
+    if (path.empty())
+        return FormatW(state->isX64 != 0 ? L"0x%016I64X, no source" : L"0x%08I64X, no source", state->currentAddress);
+    return FormatW(L"%s:%d", FileName(path).c_str(), state->currentLine);
+}
+
+void DebugShowCurrentLocation(DebuggerState* state, const wchar_t* suffix) {
+    DebugClearLocation();
+    if (state->active == 0) return;
+    const std::wstring place = DebugPlaceText(state);
+    const std::wstring path = state->currentLine > 0 ? DebugFilePath(state, state->currentFileId) : std::wstring();
+    HWND editor = DebugShowFile(path);
+    DebugSay(0, L"[Debug] Stopped at %s%s%s\n", place.c_str(), suffix != nullptr ? suffix : L"",
+             editor == nullptr && !path.empty() ? L" - the file is not there" : L"");
+    if (editor == nullptr) return;
+    PutMark(editor, state->currentLine);
+    DebugScrollToLine(editor, state->currentLine);
+}
+
+void DebugClearLocation() {
+    if (IsOpen(g_mark.editor)) {
+        SciSend(g_mark.editor, SCI_MARKERDELETEHANDLE, static_cast<WPARAM>(g_mark.arrow));
+        SciSend(g_mark.editor, SCI_MARKERDELETEHANDLE, static_cast<WPARAM>(g_mark.background));
+    }
+    g_mark = {};
+}
+
+void DebugRestoreLocation(HWND editor) {
+    const DebuggerState& state = g_app.debugger;
+    const int tab = TabBarFindEditor(editor);
+    if (state.active == 0 || state.run != DebugRun::Stopped || state.currentLine <= 0 || tab < 0) return;
+    const std::wstring path = DebugFilePath(&state, state.currentFileId);
+    if (!PathEqualsIgnoreCase(path, g_app.tabs[static_cast<std::size_t>(tab)].path)) return;
+    DebugClearLocation();
+    PutMark(editor, state.currentLine);
+}
+
+bool DebugGoTo(const DebuggerState* state, std::uint32_t fileId, int line) {
+    HWND editor = DebugShowFile(DebugFilePath(state, fileId));
+    if (editor == nullptr || line < 1) return false;
+    DebugScrollToLine(editor, line);
+    FocusCurrentEditor();
+    return true;
+}
