@@ -2,6 +2,8 @@
 // marker 2 says where one is and moves with the text; this list adds what a marker cannot hold. UI thread only.
 #pragma once
 
+#include "debugger/debug_state.h"
+
 #include <windows.h>
 
 #include <cstdint>
@@ -44,6 +46,7 @@ void BreakpointJump(std::size_t index);  // opens the file and goes to the line
 int BreakpointAt(HWND editor, int line, bool make);
 
 // A session has been created: plants every enabled one that belongs to it (DebugSetPlantHook).
+void BreakpointsPlantAll(DebuggerState* state);
 // A session has ended: all are idle again.
 void BreakpointsOnSessionEnd();
 // Tooltip of the breakpoint on a line ("No code on this line..."), empty: none.
