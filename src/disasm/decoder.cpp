@@ -40,19 +40,39 @@ ZyanStatus PrintAddress(const ZydisFormatter* formatter, ZydisFormatterBuffer* b
     return own->decoder->printAddress(formatter, buffer, context);
 }
 
+void FormatterInit(ZydisFormatter& formatter, ZydisFormatterFunc* replaced) {
+    ZydisFormatterInit(&formatter, ZYDIS_FORMATTER_STYLE_INTEL);
+    for (const ZydisFormatterProperty padding : {ZYDIS_FORMATTER_PROP_ADDR_PADDING_ABSOLUTE,
+                                                 ZYDIS_FORMATTER_PROP_DISP_PADDING, ZYDIS_FORMATTER_PROP_IMM_PADDING})
+        ZydisFormatterSetProperty(&formatter, padding, ZYDIS_PADDING_DISABLED);
+    const void* callback = reinterpret_cast<const void*>(&PrintAddress);
+    ZydisFormatterSetHook(&formatter, ZYDIS_FORMATTER_FUNC_PRINT_ADDRESS_ABS, &callback);
+    *replaced = reinterpret_cast<ZydisFormatterFunc>(const_cast<void*>(callback));
+}
+
+// A register of the same size tells the size of the memory beside it, and a call's or jump's is always an address. The
+// formatter's own rule leaves it out of "inc [rbx]".
+bool NeedsSize(const Decoded& decoded) {
+    if (decoded.instruction.meta.branch_type != ZYDIS_BRANCH_TYPE_NONE) return false;
+    const std::span operands(decoded.operands, decoded.instruction.operand_count_visible);
+    const auto memory = std::find_if(operands.begin(), operands.end(), [](const ZydisDecodedOperand& operand) {
+        return operand.type == ZYDIS_OPERAND_TYPE_MEMORY;
+    });
+    return memory != operands.end() &&
+           std::none_of(operands.begin(), operands.end(), [memory](const ZydisDecodedOperand& operand) {
+               return operand.type == ZYDIS_OPERAND_TYPE_REGISTER && operand.size == memory->size;
+           });
+}
+
 }  // namespace
 
 void DecoderInit(Decoder& decoder, bool x64) {
     decoder.x64 = x64;
     ZydisDecoderInit(&decoder.decoder, x64 ? ZYDIS_MACHINE_MODE_LONG_64 : ZYDIS_MACHINE_MODE_LEGACY_32,
                      x64 ? ZYDIS_STACK_WIDTH_64 : ZYDIS_STACK_WIDTH_32);
-    ZydisFormatterInit(&decoder.formatter, ZYDIS_FORMATTER_STYLE_INTEL);
-    for (const ZydisFormatterProperty padding : {ZYDIS_FORMATTER_PROP_ADDR_PADDING_ABSOLUTE,
-                                                 ZYDIS_FORMATTER_PROP_DISP_PADDING, ZYDIS_FORMATTER_PROP_IMM_PADDING})
-        ZydisFormatterSetProperty(&decoder.formatter, padding, ZYDIS_PADDING_DISABLED);
-    const void* callback = reinterpret_cast<const void*>(&PrintAddress);
-    ZydisFormatterSetHook(&decoder.formatter, ZYDIS_FORMATTER_FUNC_PRINT_ADDRESS_ABS, &callback);
-    decoder.printAddress = reinterpret_cast<ZydisFormatterFunc>(const_cast<void*>(callback));
+    FormatterInit(decoder.formatter, &decoder.printAddress);
+    FormatterInit(decoder.sizing, &decoder.printAddress);
+    ZydisFormatterSetProperty(&decoder.sizing, ZYDIS_FORMATTER_PROP_FORCE_SIZE, ZYAN_TRUE);
 }
 
 bool DecodeOne(const Decoder& decoder, std::span<const std::uint8_t> bytes, Decoded* decoded) {
@@ -76,8 +96,9 @@ bool DirectTarget(const Decoded& decoded, std::uint64_t address, std::uint64_t* 
 std::string_view FormatDecoded(const Decoder& decoder, const Decoded& decoded, std::uint64_t address,
                                const DisasmSymbols& symbols, InstructionText& buffer) {
     FormatContext context = {.decoder = &decoder, .symbols = &symbols};
+    const ZydisFormatter& formatter = NeedsSize(decoded) ? decoder.sizing : decoder.formatter;
     buffer[0] = '\0';
-    if (!ZYAN_SUCCESS(ZydisFormatterFormatInstruction(&decoder.formatter, &decoded.instruction, decoded.operands,
+    if (!ZYAN_SUCCESS(ZydisFormatterFormatInstruction(&formatter, &decoded.instruction, decoded.operands,
                                                       decoded.instruction.operand_count_visible, buffer.data(),
                                                       buffer.size(), address, &context)))
         return "?";

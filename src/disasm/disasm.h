@@ -15,11 +15,11 @@
 struct DisasmInstruction {
     std::uint64_t address = 0;
     std::uint8_t length = 1;
-    bool decoded = false;       // false: shown as "db 0FFh", skipped by one
+    bool decoded = false;  // false: shown as "db 0FFh", skipped by one
     bool isCall = false;
-    bool isBranch = false;      // jump or call with a target that is known: `target`
+    bool isBranch = false;  // jump or call with a target that is known: `target`
     std::uint64_t target = 0;
-    std::string text;           // "mov rax, [rbp-0x10]"; names of symbols in place of addresses where known
+    std::string text;  // "mov rax, [rbp-0x10]"; names of symbols in place of addresses where known
 };
 
 // Name of an address, or empty. Asked for branch targets and for memory operands relative to the instruction pointer.
