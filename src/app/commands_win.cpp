@@ -5,6 +5,7 @@
 #include "app/view_commands.h"
 #include "build/build.h"
 #include "build/output_pane.h"
+#include "debugui/debug_commands.h"
 #include "documents/file_commands.h"
 #include "editor/editor_pane.h"
 #include "files/message.h"
@@ -20,6 +21,8 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace {
 
@@ -95,6 +98,39 @@ bool HandleClipboard(int command) {
     return false;
 }
 
+// Lines with their breaks.
+std::vector<std::string_view> SplitLines(std::string_view text) {
+    std::vector<std::string_view> lines;
+    while (!text.empty()) {
+        std::size_t end = text.find_first_of("\r\n");
+        if (end == std::string_view::npos)
+            end = text.size();
+        else
+            end += text.substr(end).starts_with("\r\n") ? 2 : 1;
+        lines.push_back(text.substr(0, end));
+        text.remove_prefix(end);
+    }
+    return lines;
+}
+
+// Line by line, and only those that differ: what is marked on a line stays on it, also when this is undone.
+void ReplaceLines(HWND editor, LRESULT start, std::string_view before, std::string_view after) {
+    std::vector<std::string_view> old = SplitLines(before);
+    std::vector<std::string_view> wanted = SplitLines(after);
+    if (old.size() != wanted.size()) {
+        old.assign(1, before);
+        wanted.assign(1, after);
+    }
+    for (std::size_t i = 0; i < old.size(); ++i) {
+        if (old[i] != wanted[i]) {
+            SciSend(editor, SCI_SETTARGETRANGE, static_cast<WPARAM>(start),
+                    start + static_cast<LRESULT>(old[i].size()));
+            SciSend(editor, SCI_REPLACETARGET, wanted[i].size(), reinterpret_cast<LPARAM>(wanted[i].data()));
+        }
+        start += static_cast<LRESULT>(wanted[i].size());
+    }
+}
+
 // Replaces whole lines [first, last] by their formatted text, as one step of undo.
 void FormatLines(HWND editor, int first, int last) {
     const auto lineStart = [editor](int line) {
@@ -120,7 +156,7 @@ void FormatLines(HWND editor, int first, int last) {
         SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(SciSend(editor, SCI_GETCURRENTPOS)));
     const LRESULT topLine = SciSend(editor, SCI_GETFIRSTVISIBLELINE);
     SciSend(editor, SCI_BEGINUNDOACTION);
-    SciSend(editor, SCI_REPLACETARGET, formatted.size(), reinterpret_cast<LPARAM>(formatted.data()));
+    ReplaceLines(editor, start, text, formatted);
     SciSend(editor, SCI_ENDUNDOACTION);
     SciSend(editor, SCI_GOTOPOS,
             static_cast<WPARAM>(SciSend(editor, SCI_GETLINEINDENTPOSITION, static_cast<WPARAM>(caretLine))));
@@ -198,11 +234,15 @@ void MainWnd_OnCommand(int command, int notification, HWND control) {
     const bool fromControl = control != nullptr && control != g_app.hToolbar;
     if (fromControl) return;  // notifications of edit fields; no control of ours but the toolbar sends commands
     (void)notification;
+    if (DebugIsWaiting()) {  // nothing may lead back into a session that is inside a wait
+        if (command == IDM_DEBUG_STOP || command == IDM_DEBUG_BUTTON_STOP) DebugStopWaiting(false);
+        return;
+    }
     // A key or a posted command may come when the command is not possible; the table decides, not the sender.
     if (!CommandStateOf(command, CurrentCommandView()).enabled) return;
     if (HandleFile(command) || HandleEdit(command) || HandleView(command) || CmdHandle_Build(command) ||
-        HandleOther(command))
-        MainWnd_RequestStateRefresh();
+        CmdHandle_Debug(command) || HandleOther(command))
+        MainWindow_RequestStateRefresh();
 }
 
 void MainWnd_OnInitMenuPopup(HMENU menu) { MenuApplyState(menu, CurrentCommandView()); }

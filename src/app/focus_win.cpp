@@ -32,7 +32,7 @@ void MainWnd_OnFocusTimer(HWND window) {
     if (++g_focusTicks >= kRetries || GetFocus() == g_app.hEditor) KillTimer(window, TIMER_FOCUS);
 }
 
-void MainWnd_RequestStateRefresh() { g_refreshWanted = true; }
+void MainWindow_RequestStateRefresh() { g_refreshWanted = true; }
 
 void MainWnd_RunPendingRefresh() {
     if (!g_refreshWanted || g_app.hToolbar == nullptr) return;

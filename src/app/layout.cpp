@@ -10,7 +10,8 @@ constexpr int kMinimumEditorWidth = 200;  // at 96 dpi
 constexpr int kMinimumSideWidth = 150;
 constexpr int kMaximumSideWidth = 600;
 constexpr int kMinimumTreeWidth = 100;
-constexpr int kLineHeight = 26;  // input line, terminal line
+constexpr int kMinimumBottomWidth = 160;  // of the output pane and of the debug pane beside it
+constexpr int kLineHeight = 26;           // input line, terminal line
 constexpr int kSendWidth = 64;
 
 int Scale(int length, int dpi) { return length * dpi / 96; }
@@ -42,6 +43,19 @@ int PlaceSidePanes(const LayoutInput& input, int top, int bottom, PaneLayout& la
     return right;
 }
 
+// The debug pane, right of the output or alone. Returns the x where the output ends.
+int PlaceDebugPane(const LayoutInput& input, int left, int right, int top, int bottom, PaneLayout& layout) {
+    if (!input.showDebug) return right;
+    if (!input.showOutput) {
+        layout.debugPane = Row(left, right, top, bottom);
+        return left;
+    }
+    const int start = right - ClampDebugWidth(right - left, input.debugWidth, input.dpi);
+    layout.debugPane = Row(start, right, top, bottom);
+    layout.debugSplitter = Row(start - kSplitterThickness, start, top, bottom);
+    return layout.debugSplitter.left;
+}
+
 // Output pane, error list and terminal line, from the bar down.
 void PlaceBottomPanes(const LayoutInput& input, int left, int right, int top, int bottom, PaneLayout& layout) {
     int free = bottom - top;
@@ -64,6 +78,12 @@ int ClampSplitter(int total, int top, int split) {
     if (span < 1) return split;
     if (span >= 103) return std::clamp(split, top + 50, total - 53);
     return top + span * 7 / 10;
+}
+
+int ClampDebugWidth(int total, int wanted, int dpi) {
+    const int room = std::max(0, total - kSplitterThickness);
+    const int least = std::min(Scale(kMinimumBottomWidth, dpi), room / 2);
+    return std::clamp(wanted > 0 ? wanted : room / 2, least, room - least);
 }
 
 void ConstrainSidePaneWidths(const LayoutInput& input, int* sideWidth, int* treeWidth) {
@@ -101,11 +121,13 @@ PaneLayout ComputePaneLayout(const LayoutInput& input) {
     const int documentTop = layout.tabs.bottom;
     int editorBottom = bottom;
     layout.outputSplit = input.outputSplit;
-    if (input.showOutput) {
+    if (input.showOutput || input.showDebug) {
         layout.outputSplit = ClampSplitter(bottom, documentTop, input.outputSplit);
         editorBottom = std::clamp(layout.outputSplit, documentTop, bottom);
         layout.outputSplitter = Row(left, right, editorBottom, std::min(bottom, editorBottom + kSplitterThickness));
-        PlaceBottomPanes(input, left, right, layout.outputSplitter.bottom, bottom, layout);
+        const int paneTop = layout.outputSplitter.bottom;
+        const int outputRight = PlaceDebugPane(input, left, right, paneTop, bottom, layout);
+        if (input.showOutput) PlaceBottomPanes(input, left, outputRight, paneTop, bottom, layout);
     }
     int editorTop = documentTop;
     if (input.stickyHeight > 0 && editorBottom - documentTop > 2 * input.stickyHeight) {

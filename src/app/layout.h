@@ -24,16 +24,18 @@ struct LayoutInput {
     bool showAsm = false;
     bool showAi = false;
     bool showTree = false;
+    bool showDebug = false;
     int outputSplit = 0;  // wanted top of the bar above the output pane
     int sideWidth = 0;    // wanted width of one right-hand pane
     int treeWidth = 0;
     int errorListHeight = 0;
+    int debugWidth = 0;  // wanted width of the debug pane, 0: half of the area below the editor
 };
 
 // Every rectangle of a hidden pane is empty. No two visible ones overlap, and all lie in the client area.
 struct PaneLayout {
     PaneRect toolbar, status, tree, treeSplitter, tabs, sticky, editor, outputSplitter, output, errorList, terminal,
-        sideSplitter, asmPane, aiChat, aiInput, aiSend;
+        sideSplitter, asmPane, aiChat, aiInput, aiSend, debugSplitter, debugPane;
     int outputSplit = 0;  // as it came out after the limits
     int sideWidth = 0;
     int treeWidth = 0;
@@ -47,6 +49,10 @@ int SidePaneSplitBudget(bool showAsm, bool showAi);
 // The output split within its limits for an area from `top` to `total`: [top + 50, total - 53] from a span of 103
 // up, seven tenths of the way down below that; unchanged when there is no span at all.
 int ClampSplitter(int total, int top, int split);
+
+// Width of the debug pane in an area of `total` pixels that it shares with the output: both keep 160 (at 96 dpi), and half
+// of the area each where that is not to be had.
+int ClampDebugWidth(int total, int wanted, int dpi);
 
 // Side and tree widths that leave the editor a usable width; the side panes give way first.
 void ConstrainSidePaneWidths(const LayoutInput& input, int* sideWidth, int* treeWidth);

@@ -38,10 +38,12 @@ LayoutInput InputOf(int width, int height) {
             .showAsm = g_app.showAsmPane,
             .showAi = settings.showAiSidebar != 0,
             .showTree = settings.showProjectTree != 0,
+            .showDebug = g_app.showDebugPane && g_app.hDebugPane != nullptr,
             .outputSplit = settings.splitter,
             .sideWidth = Scaled(settings.aiSidebarWidth),
             .treeWidth = Scaled(settings.projectTreeWidth),
-            .errorListHeight = Scaled(settings.errorListHeight)};
+            .errorListHeight = Scaled(settings.errorListHeight),
+            .debugWidth = g_app.debugPaneWidth};
 }
 
 // Moves one child; an empty rectangle hides it. The deferral keeps a resize to one repaint.
@@ -59,7 +61,7 @@ void Place(HDWP& moves, HWND child, const PaneRect& area) {
 void PlaceAll(const PaneLayout& layout) {
     PaneRect toolbar = layout.toolbar;
     if (!toolbar.empty()) toolbar.top += ToolbarInset();  // the window paints the strip above it
-    HDWP moves = BeginDeferWindowPos(18);
+    HDWP moves = BeginDeferWindowPos(20);
     const struct {
         HWND child;
         const PaneRect& area;
@@ -71,6 +73,8 @@ void PlaceAll(const PaneLayout& layout) {
         {g_app.hOutput, layout.output},
         {g_app.hErrorList, layout.errorList},
         {g_app.hTerminal, layout.terminal},
+        {GetDlgItem(g_app.hMainWnd, IDC_SPLIT_DEBUG), layout.debugSplitter},
+        {g_app.hDebugPane, layout.debugPane},
         {GetDlgItem(g_app.hMainWnd, IDC_SPLIT_ASM), layout.sideSplitter},
         {g_app.hAsmPane, layout.asmPane},
         {g_app.hAiChat, layout.aiChat},

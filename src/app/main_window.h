@@ -42,6 +42,4 @@ void MainWnd_OnCommand(int command, int notification, HWND control);
 void MainWnd_OnInitMenuPopup(HMENU menu);
 // focus_win.cpp
 void MainWnd_OnFocusTimer(HWND window);
-// One refresh of menu and toolbar state once the queue is empty, whoever asked for it.
-void MainWnd_RequestStateRefresh();
-void MainWnd_RunPendingRefresh();
+void MainWnd_RunPendingRefresh();  // what MainWindow_RequestStateRefresh asked for; the queue is empty

@@ -6,6 +6,10 @@
 #include "app/shell.h"
 #include "build/output_pane.h"
 #include "compilers/compiler_table.h"
+#include "debugui/breakpoint_list.h"
+#include "debugui/debug_commands.h"
+#include "debugui/debug_pane.h"
+#include "debugui/location.h"
 #include "editor/editor_pane.h"
 #include "files/file_io.h"
 #include "files/file_types.h"
@@ -68,6 +72,8 @@ void CreatePanes(HWND window) {
         SetWindowSubclass(g_app.hTerminal, TerminalSubclassProc, 1, 0);
         SendMessageW(g_app.hTerminal, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
     }
+    CreateSplitter(window, IDC_SPLIT_DEBUG);
+    g_app.hDebugPane = DebugPaneCreate(window, IDC_DEBUG_PANE);
     CreateSplitter(window, IDC_SPLIT_TREE);
     g_app.hProjectTree = ProjectTreeCreate(window, IDC_PROJECT_TREE);
     g_app.hStatusBar = StatusBarCreate(window, IDC_STATUS_BAR);
@@ -133,6 +139,7 @@ void MainWnd_ApplyTheme() {
     PaneApplyFontAndTheme(g_app.hAsmPane);
     PaneApplyFontAndTheme(g_app.hAiChat);
     ProjectTreeApplyTheme();
+    DebugPaneApplyTheme();
     for (HWND pane : {g_app.hOutput, g_app.hAsmPane, g_app.hAiChat}) {
         POINT place = {};
         SendMessageW(pane, EM_GETSCROLLPOS, 0, reinterpret_cast<LPARAM>(&place));
@@ -156,6 +163,7 @@ bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create) {
     MainWnd_ApplyTheme();  // output, ASM and chat pane get the output font here
     ToolbarUpdateAi();
     StartTimers(window);
+    DebugUiInit();
     PostMessageW(window, MSG_STARTUP, 0, 0);
     CaptureSplitterRatio();
     MainWindow_Layout();  // hides what the settings switch off
@@ -176,7 +184,14 @@ void MainWnd_OnDpiChanged(HWND window, int dpi, const RECT& suggested) {
 void MainWindow_UpdateCompilerSelection() {
     ToolbarUpdateCompiler();
     StatusBarUpdateCompiler();
-    MainWnd_RequestStateRefresh();
+    MainWindow_RequestStateRefresh();
+}
+
+void MainWindow_OnTextLeaving(HWND editor) { BreakpointsKeepLines(editor); }
+
+void MainWindow_OnTextArrived(HWND editor) {
+    BreakpointsRestoreMarkers(editor);
+    DebugRestoreLocation(editor);
 }
 
 void SettingsApplyToEditor() {

@@ -4,6 +4,7 @@
 #include "app/app_state.h"
 #include "app/shell.h"
 #include "build/build.h"
+#include "debugui/debug_commands.h"
 #include "files/wide_format.h"
 #include "language/theme.h"
 #include "resources/ids.h"
@@ -26,8 +27,9 @@ bool RouteOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return true;
         case MSG_BUILD_FINISHED:
             BuildOnFinished(static_cast<DWORD>(wParam));
-            MainWnd_RequestStateRefresh();
+            MainWindow_RequestStateRefresh();
             return true;
+        case MSG_DEBUG_LAUNCH: DebugOnBuilt(); return true;
         case MSG_STARTUP: MainWnd_OnStartup(); return true;
         case MSG_REINIT_EDITOR: MainWnd_OnReinitEditor(static_cast<int>(wParam)); return true;
         case MSG_FOCUS_EDITOR: FocusCurrentEditor(); return true;
@@ -39,6 +41,7 @@ void OnTimer(HWND window, UINT_PTR id) {
     switch (id) {
         case TIMER_AUTO_SAVE: MainWnd_OnAutoSaveTimer(); break;
         case TIMER_SESSION: SessionAutoSave(window); break;
+        case TIMER_DEBUG: DebugOnTimer(); break;
         case TIMER_FOCUS: MainWnd_OnFocusTimer(window); break;
         default: BuildOnTimer(id); break;
     }

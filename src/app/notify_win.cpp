@@ -3,10 +3,16 @@
 #include "app/main_window.h"
 #include "app/shell.h"
 #include "build/output_pane.h"
+#include "debugui/breakpoint_list.h"
+#include "debugui/debug_commands.h"
+#include "debugui/debug_pane.h"
 #include "documents/file_commands.h"
 #include "editor/editor_pane.h"
 #include "files/bounded_text.h"
+#include "files/file_io.h"
+#include "files/handles.h"
 #include "resources/ids.h"
+#include "scintilla/margins.h"
 #include "scintilla/sci.h"
 #include "session/project_tree.h"
 #include "tabs/tab_bar.h"
@@ -14,6 +20,7 @@
 
 #include <shellapi.h>
 
+#include <string>
 #include <vector>
 
 namespace {
@@ -21,7 +28,7 @@ namespace {
 void OnSavePoint(int tab, bool modified) {
     g_app.tabs[static_cast<std::size_t>(tab)].modified = modified;
     TabBarUpdateTitle(tab);
-    MainWnd_RequestStateRefresh();
+    MainWindow_RequestStateRefresh();
 }
 
 void OnZoom(HWND editor) {
@@ -38,7 +45,52 @@ void OnCaretOrSelection() {
     UpdateStickyHeader(g_app.hEditor, g_app.hStickyHeader);
     EditorPaneUpdateBraces(g_app.hEditor);
     NavHistoryMaybeAdd();
-    MainWnd_RequestStateRefresh();
+    MainWindow_RequestStateRefresh();
+}
+
+// Line of a notification that says where the mouse is, from 1.
+int LineOf(HWND editor, Sci_Position position) {
+    return static_cast<int>(SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(position))) + 1;
+}
+
+void OnMarginClick(HWND editor, const SCNotification& click) {
+    if (click.margin != kMarginSymbols || DebugIsWaiting()) return;
+    BreakpointToggle(editor, LineOf(editor, click.position));
+    MainWindow_RequestStateRefresh();
+}
+
+// The word under the mouse, when it is one that could name a register.
+std::wstring ShortWordAt(HWND editor, Sci_Position position) {
+    constexpr LRESULT kLongestName = 8;
+    const LRESULT start = SciSend(editor, SCI_WORDSTARTPOSITION, static_cast<WPARAM>(position), TRUE);
+    const LRESULT end = SciSend(editor, SCI_WORDENDPOSITION, static_cast<WPARAM>(position), TRUE);
+    std::wstring word;
+    if (end - start > kLongestName) return word;
+    for (LRESULT at = start; at < end; ++at)
+        word += static_cast<wchar_t>(SciSend(editor, SCI_GETCHARAT, static_cast<WPARAM>(at)) & 0xFF);
+    return word;
+}
+
+bool IsInSymbolMargin(HWND editor, int x) {
+    const auto left = static_cast<int>(SciSend(editor, SCI_GETMARGINWIDTHN, kMarginNumbers));
+    return x >= left && x < left + static_cast<int>(SciSend(editor, SCI_GETMARGINWIDTHN, kMarginSymbols));
+}
+
+// Over the margin: what is to be said of a breakpoint; over the text: the value of a register, while a program stands.
+void OnDwell(HWND editor, const SCNotification& dwell) {
+    if (DebugIsWaiting()) return;
+    const LRESULT place = SciSend(editor, SCI_POSITIONFROMPOINT, static_cast<WPARAM>(dwell.x), dwell.y);
+    std::wstring tip;
+    if (IsInSymbolMargin(editor, dwell.x)) {
+        tip = BreakpointTip(editor, LineOf(editor, place));
+    } else if (dwell.position >= 0) {
+        wchar_t text[128] = {};
+        const std::wstring word = ShortWordAt(editor, dwell.position);
+        if (!word.empty() && DebugRegisterTip(word.c_str(), text, static_cast<int>(std::size(text)))) tip = text;
+    }
+    if (tip.empty()) return;
+    const HeapBlock<char> utf8(WideToUtf8(tip.c_str()));
+    if (utf8) SciSend(editor, SCI_CALLTIPSHOW, static_cast<WPARAM>(place), reinterpret_cast<LPARAM>(utf8.get()));
 }
 
 void OnEditorNotification(const SCNotification& notification) {
@@ -54,6 +106,9 @@ void OnEditorNotification(const SCNotification& notification) {
                 OnCaretOrSelection();
             break;
         case SCN_ZOOM: OnZoom(editor); break;
+        case SCN_MARGINCLICK: OnMarginClick(editor, notification); break;
+        case SCN_DWELLSTART: OnDwell(editor, notification); break;
+        case SCN_DWELLEND: SciSend(editor, SCI_CALLTIPCANCEL); break;
         default: break;
     }
 }

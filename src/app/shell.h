@@ -2,6 +2,8 @@
 // what the frame around them shows; these are the only calls that go upward. UI thread only.
 #pragma once
 
+#include <windows.h>
+
 // Caption from the active document.
 void MainWindow_UpdateTitle();
 // Recomputes every pane's rectangle from the settings and splitter positions, and applies it.
@@ -10,6 +12,12 @@ void MainWindow_Layout();
 void MainWindow_UpdateCompilerSelection();
 // Applies every editor setting (font, zoom, margins, wrap, theme) to every open tab.
 void SettingsApplyToEditor();
+
+// Menu, toolbar and position shown anew once the message queue is empty, however often this is asked.
+void MainWindow_RequestStateRefresh();
+// A document's text is about to go, with its editor or in a reload; and an editor has its text (again).
+void MainWindow_OnTextLeaving(HWND editor);
+void MainWindow_OnTextArrived(HWND editor);
 
 // Status bar: line, column, selection, encoding, line ending of the active editor.
 void StatusBarUpdatePosition();

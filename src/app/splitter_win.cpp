@@ -22,6 +22,7 @@ struct SplitterDrag {
 std::int32_t& ValueOf(int id) {
     if (id == IDC_SPLIT_OUTPUT) return g_app.settings.splitter;
     if (id == IDC_SPLIT_TREE) return g_app.settings.projectTreeWidth;
+    if (id == IDC_SPLIT_DEBUG) return g_app.debugPaneWidth;
     return g_app.settings.aiSidebarWidth;
 }
 
@@ -33,6 +34,11 @@ void BeginDrag(HWND window, int id) {
     MapWindowPoints(nullptr, g_app.hMainWnd, reinterpret_cast<POINT*>(&bar), 2);
     // From where the bar stands now: the stored value may lie outside what the window has room for.
     g_drag.startValue = id == IDC_SPLIT_OUTPUT ? static_cast<int>(bar.top) : ValueOf(id);
+    if (id == IDC_SPLIT_DEBUG) {
+        RECT pane = {};
+        GetWindowRect(g_app.hDebugPane, &pane);
+        g_drag.startValue = static_cast<int>(pane.right - pane.left);
+    }
     SetCapture(window);
 }
 
@@ -44,6 +50,8 @@ void Drag(int id) {
         value += now.y - g_drag.start.y;
     } else if (id == IDC_SPLIT_TREE) {
         value = std::clamp(value + MulDiv(now.x - g_drag.start.x, 96, g_app.dpi), 100, 200);
+    } else if (id == IDC_SPLIT_DEBUG) {
+        value = std::max(1, value + static_cast<int>(g_drag.start.x - now.x));  // the layout knows the other limits
     } else {
         value = std::clamp(value + MulDiv(g_drag.start.x - now.x, 96, g_app.dpi), 150, 600);
     }

@@ -4,6 +4,7 @@
 #include "app/main_window.h"
 #include "app/shell.h"
 #include "build/build.h"
+#include "debugui/debug_commands.h"
 #include "documents/file_commands.h"
 #include "editor/editor_pane.h"
 #include "files/file_io.h"
@@ -89,7 +90,7 @@ void MainWnd_OnStartup() {
     StatusBarUpdatePosition();
     FocusCurrentEditor();
     QueueFocusCurrentEditor();
-    MainWnd_RequestStateRefresh();
+    MainWindow_RequestStateRefresh();
     AppLogMsg(L"DBG WM_USER+200 EXIT tabCount=%d activeTab=%d hSci=%p", TabCount(), g_app.activeTab,
               static_cast<void*>(g_app.hEditor));
 }
@@ -138,6 +139,10 @@ static void SaveOnClose() {
 }
 
 void MainWnd_OnClose(HWND window) {
+    if (DebugIsWaiting()) {
+        DebugStopWaiting(true);
+        return;
+    }
     if (!g_selftestTabsMode) {
         const int active = g_app.activeTab;
         if (!ConfirmUnsavedDocuments()) return;
@@ -147,6 +152,7 @@ void MainWnd_OnClose(HWND window) {
     } else {
         AppLogMsg(L"DBG WM_CLOSE: skipped session/settings save during self-test");
     }
+    DebugShutdown();
     for (int tab = TabCount() - 1; tab >= 0; --tab) TabBarRemove(tab);
     DestroyWindow(window);
 }
@@ -155,7 +161,9 @@ bool MainWnd_OnQueryEndSession() { return g_selftestTabsMode || ConfirmUnsavedDo
 
 // The process may be gone once this returns, and the system waits five seconds at most.
 void MainWnd_OnEndSession(bool ending) {
-    if (!ending || g_selftestTabsMode) return;
+    if (!ending) return;
+    DebugShutdown();
+    if (g_selftestTabsMode) return;
     CompilerKill();
     SaveOnClose();
 }

@@ -192,7 +192,7 @@ bool CmdHandle_Build(int command) {
     if (const Starter start = StarterOf(command)) {
         if (CompilerIsBuilding())
             StatusBarSetText(kBuildBusy);
-        else
+        else if (!BuildRefusedByDebugger())
             start();
         return true;
     }

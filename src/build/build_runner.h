@@ -16,6 +16,9 @@ struct BuildOrder {
 
 inline constexpr const wchar_t* kBuildBusy = L"Build already in progress.";  // status bar
 
+// A debugged program's file is in use and cannot be written: says so. True: no build may start.
+bool BuildRefusedByDebugger();
+
 // Builds the active document. 1 when its pre-build command or its compiler was started.
 int BuildStart(const BuildOrder& order);
 

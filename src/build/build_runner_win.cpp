@@ -14,6 +14,7 @@
 #include "documents/file_commands.h"
 #include "files/file_io.h"
 #include "files/wide_format.h"
+#include "resources/ids.h"
 #include "tabs/tab_bar.h"
 
 namespace {
@@ -133,10 +134,20 @@ bool LaunchCompiler() {
     return false;
 }
 
+// The start command waits for this build; whatever its end, it waits no longer.
+void StartDebuggerAfter(const CurrentBuild& build) {
+    if (!g_app.debug.debugAfterBuild) return;
+    if (build.success && build.order.debug)
+        PostMessageW(g_app.hMainWnd, MSG_DEBUG_LAUNCH, 0, 0);
+    else
+        g_app.debug.debugAfterBuild = false;
+}
+
 // The end of everything that belongs to the build.
 void EndBuild() {
     const CurrentBuild build = g_build;
     if (!build.status.empty()) StatusBarSetText(build.status.c_str());
+    StartDebuggerAfter(build);
     if (build.order.after == AfterBuild::NextOfBatch)
         BatchOnBuildEnd(build.success);
     else if (build.order.after == AfterBuild::RunProgram && build.success)
@@ -307,8 +318,15 @@ int CompilerBuild(std::uint32_t id, const wchar_t* source, const wchar_t* output
     return started ? 1 : 0;
 }
 
+bool BuildRefusedByDebugger() {
+    if (!g_app.debug.debugging) return false;
+    OutputPaneAppend(L"Not built: the program is being debugged. End the debug session first (Shift+F5).\r\n", kRed);
+    StatusBarSetText(L"End the debug session first (Shift+F5)");
+    return true;
+}
+
 int BuildStart(const BuildOrder& order) {
-    if (g_starting || IsBusyFor(order)) return 0;
+    if (g_starting || IsBusyFor(order) || BuildRefusedByDebugger()) return 0;
     StageSettle(!order.keepPane);
     if (IsBusyFor(order)) {  // the post-build command of the build that ended just now
         StatusBarSetText(kBuildBusy);

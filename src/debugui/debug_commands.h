@@ -16,6 +16,8 @@ void DebugOnTimer();
 void DebugShutdown();
 // A wait is going on inside a command: no command but Stop may start.
 bool DebugIsWaiting();
+// Stop, or the window's close, was asked for during such a wait.
+void DebugStopWaiting(bool thenClose);
 
 // "Running", "Stopped at steps.bas:12", "Exited with code 3"; empty without anything to say.
 const wchar_t* DebugStatusText();

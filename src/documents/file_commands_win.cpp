@@ -192,7 +192,9 @@ int FileReload(int tab) {
     document.lineEnding = lineEnding;
     TabBarUpdateLineEnding(tab);
     const ViewPosition view = CaptureView(document.editor);
+    MainWindow_OnTextLeaving(document.editor);
     EditorPaneSetBytes(document.editor, {text.get(), length});
+    MainWindow_OnTextArrived(document.editor);
     if (static_cast<std::size_t>(SciSend(document.editor, SCI_GETLENGTH)) != length) {
         KeepFileFromCutText(tab);
         return 0;

@@ -16,6 +16,7 @@
 
 namespace {
 
+constexpr int kDwellTime = 500;  // ms that the mouse rests before a tip comes
 constexpr DWORD kPaneStyle = WS_CHILD | WS_CLIPSIBLINGS | WS_CLIPCHILDREN | WS_TABSTOP;
 constexpr DWORD kFallbackStyle = 0x44300144;  // child, clip siblings, scroll bars, multi-line, ES_NOHIDESEL
 static_assert(kPaneStyle == 0x46010000);
@@ -63,6 +64,7 @@ void EditorPaneSetUp(HWND editor) {
     SciSend(editor, SCI_SETMULTIPASTE, SC_MULTIPASTE_EACH, 0);
     SciSend(editor, SCI_SETTABINDENTS, TRUE, 0);
     SciSend(editor, SCI_USEPOPUP, SC_POPUP_TEXT, 0);
+    SciSend(editor, SCI_SETMOUSEDWELLTIME, kDwellTime, 0);
 }
 
 HWND EditorPaneCreate(HINSTANCE instance, HWND parent, int controlId) {

@@ -149,6 +149,7 @@ int TabBarAdd(const wchar_t* path, const wchar_t* label) {
     EditorPaneApplySettings(tab.editor);
     InsertItem(index);
     TabBarUpdateWidths();
+    MainWindow_OnTextArrived(tab.editor);
     return index;
 }
 
@@ -200,6 +201,7 @@ int TabBarRemove(int index) {
     const HWND editor = TabAt(index).editor;
     const HWND returnTo = std::exchange(g_tabBar.returnTo, nullptr);
     const bool hadFocus = GetFocus() == editor;
+    MainWindow_OnTextLeaving(editor);
     g_app.activeTab = TabIndexAfterRemoval(g_app.activeTab, index, TabCount());
     g_app.tabs.erase(g_app.tabs.begin() + index);
     SendMessageW(g_app.hTabCtrl, TCM_DELETEITEM, static_cast<WPARAM>(index), 0);

@@ -4,6 +4,7 @@
 #include "app/app_state.h"
 #include "app/shell.h"
 #include "build/build.h"
+#include "debugui/debug_commands.h"
 #include "language/lexer_table.h"
 #include "language/theme.h"
 #include "resources/ids.h"
@@ -30,6 +31,17 @@ std::uint32_t EditorConditions() {
     return conditions;
 }
 
+std::uint32_t DebugConditions() {
+    if (!g_app.debug.debugging) return kNoSession;
+    if (DebugIsWaiting()) return kSession;  // the program starts: only Stop
+    switch (g_app.debugger.run) {
+        case DebugRun::Stopped: return kSession | kProgramStopped;
+        case DebugRun::Running: return kSession | kProgramRunning;
+        case DebugRun::None: break;
+    }
+    return kSession;
+}
+
 }  // namespace
 
 HWND FocusedTextField() {
@@ -47,12 +59,14 @@ CommandView CurrentCommandView() {
     if (IsTabIndex(g_app.activeTab)) view.conditions |= EditorConditions();
     if (std::ranges::any_of(g_app.tabs, &DocumentTab::modified)) view.conditions |= kAnyModified;
     view.conditions |= CompilerIsBuilding() ? kBuilding : kIdle;
+    view.conditions |= DebugConditions();
     if (g_app.errors.count > 0) view.conditions |= kHasErrors;
     const Settings& settings = g_app.settings;
     view.toolbar = settings.showToolbar != 0;
     view.statusBar = settings.showStatusbar != 0;
     view.output = g_app.showOutput;
     view.asmPane = g_app.showAsmPane;
+    view.debugPane = g_app.showDebugPane;
     view.ai = settings.showAiSidebar != 0;
     view.whitespace = settings.showWhitespace != 0;
     view.wrap = settings.wordWrap != 0;

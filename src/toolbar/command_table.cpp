@@ -72,12 +72,29 @@ constexpr CommandRow kCommands[] = {
     {IDM_WORKSPACE_NEW, kAlways},
     {IDM_WORKSPACE_OPEN, kAlways},
     {IDM_WORKSPACE_SAVE, kAlways},
-    {IDM_DEBUG_START, kNever},
-    {IDM_DEBUG_STOP, kNever},
-    {IDM_DEBUG_STEP_INTO, kNever},
-    {IDM_DEBUG_STEP_OVER, kNever},
-    {IDM_DEBUG_STEP_OUT, kNever},
-    {IDM_DEBUG_BREAKPOINT, kNever},
+    {IDM_DEBUG_START, kAlways},  // during a session it ends it
+    {IDM_DEBUG_BUILD_START, kNoSession},
+    {IDM_DEBUG_STOP, kSession},
+    {IDM_DEBUG_STEP_INTO, kProgramStopped},
+    {IDM_DEBUG_STEP_OVER, kProgramStopped},
+    {IDM_DEBUG_STEP_OUT, kProgramStopped},
+    {IDM_DEBUG_RUN_TO_CURSOR, kProgramStopped | kHasTab},
+    {IDM_DEBUG_CONTINUE, kProgramStopped},
+    {IDM_DEBUG_PAUSE, kProgramRunning},
+    {IDM_DEBUG_BREAKPOINT, kHasTab},
+    {IDM_DEBUG_CONDITIONAL, kHasTab},
+    {IDM_DEBUG_ENABLE_BREAKPOINT, kHasTab},
+    {IDM_DEBUG_REMOVE_BREAKPOINTS, kAlways},
+    {IDM_DEBUG_REGISTERS, kProgramStopped},
+    {IDM_DEBUG_CALL_STACK, kProgramStopped},
+    {IDM_DEBUG_DISASSEMBLY, kProgramStopped},
+    {IDM_DEBUG_MEMORY, kProgramStopped},
+    {IDM_DEBUG_BUTTON_START, kNoSession},
+    {IDM_DEBUG_BUTTON_STOP, kSession},
+    {IDM_DEBUG_BUTTON_STEP_INTO, kProgramStopped},
+    {IDM_DEBUG_BUTTON_STEP_OVER, kProgramStopped},
+    {IDM_DEBUG_BUTTON_STEP_OUT, kProgramStopped},
+    {IDM_VIEW_DEBUG_PANE, kAlways, [](const CommandView& v) { return v.debugPane; }},
     {IDM_AI_OPENAI, kNever},
     {IDM_AI_LMSTUDIO, kNever},
     {IDM_HELP_ABOUT, kAlways},
@@ -91,8 +108,8 @@ constexpr CommandRow kCommands[] = {
 
 // Virtual key numbers; named here because this file knows no window headers.
 constexpr std::uint16_t kCancel = 0x03, kTab = 0x09, kLeft = 0x25, kRight = 0x27, kZero = 0x30, kNumpad0 = 0x60,
-                        kNumpadAdd = 0x6B, kNumpadSubtract = 0x6D, kF3 = 0x72, kF4 = 0x73, kF8 = 0x77, kOemPlus = 0xBB,
-                        kOemMinus = 0xBD;
+                        kNumpadAdd = 0x6B, kNumpadSubtract = 0x6D, kF3 = 0x72, kF4 = 0x73, kF5 = 0x74, kF8 = 0x77,
+                        kF9 = 0x78, kF10 = 0x79, kOemPlus = 0xBB, kOemMinus = 0xBD;
 
 constexpr ExtraKey kExtraKeys[] = {
     {kCancel, true, false, false, IDM_BUILD_STOP},      {kTab, true, false, false, IDM_NEXT_TAB},
@@ -104,7 +121,9 @@ constexpr ExtraKey kExtraKeys[] = {
     {kF4, false, false, false, IDM_ERROR_NEXT},         {kF4, false, true, false, IDM_ERROR_PREVIOUS},
     {kF4, true, false, false, IDM_FILE_CLOSE},          {kF8, false, false, false, IDM_ERROR_NEXT},
     {kF8, false, true, false, IDM_ERROR_PREVIOUS},      {kLeft, false, false, true, IDM_NAV_BACK},
-    {kRight, false, false, true, IDM_NAV_FORWARD},
+    {kRight, false, false, true, IDM_NAV_FORWARD},      {kF5, true, false, false, IDM_DEBUG_CONTINUE},
+    {kF5, false, true, false, IDM_DEBUG_STOP},          {kF10, true, false, false, IDM_DEBUG_RUN_TO_CURSOR},
+    {kF9, true, false, false, IDM_DEBUG_CONDITIONAL},   {kCancel, true, false, true, IDM_DEBUG_PAUSE},
 };
 
 }  // namespace

@@ -18,13 +18,17 @@ enum CommandCondition : std::uint32_t {
     kBuilding = 1u << 9,
     kHasErrors = 1u << 10,
     kBasicSource = 1u << 11,
+    kNoSession = 1u << 12,
+    kSession = 1u << 13,         // a program is debugged, or is about to be
+    kProgramStopped = 1u << 14,  // and stands
+    kProgramRunning = 1u << 15,
     kNever = 1u << 31,  // not in this version: never set, so the command stays grey
 };
 
 // What the check marks show.
 struct CommandView {
     std::uint32_t conditions = 0;  // CommandCondition bits
-    bool toolbar = false, statusBar = false, output = false, asmPane = false, ai = false;
+    bool toolbar = false, statusBar = false, output = false, asmPane = false, ai = false, debugPane = false;
     bool whitespace = false, wrap = false;
     int theme = 0;     // 0 light, 1 dark
     int style = 0;     // style preset, 0 = none

@@ -127,9 +127,55 @@ constexpr Shape kAi[] = {
     {Kind::Disc, Ink::Accent, 2, {{10.6F, 7.2F}, {1.F, 0.F}}},
 };
 
-constexpr std::span<const Shape> kIcons[] = {kNew,           kOpen,      kSave, kSaveAll, kUndo, kRedo, kCut,
-                                             kCopy,          kPaste,     kFind, kBuild,   kRun,  kStop, kSyntax,
-                                             kPreviousError, kNextError, kAsm,  kOutput,  kAi};
+constexpr Shape kDebugStart[] = {
+    {Kind::Area, Ink::Go, 3, {{6.5F, 2.F}, {14.8F, 7.5F}, {6.5F, 13.F}}},
+    {Kind::Disc, Ink::Stop, 2, {{4.F, 11.8F}, {3.F, 0.F}}},
+};
+constexpr Shape kBreakpoint[] = {{Kind::Disc, Ink::Stop, 2, {{8.F, 8.F}, {5.F, 0.F}}}};
+constexpr Shape kDebugStop[] = {
+    {Kind::Ring, Ink::Stop, 2, {{8.F, 8.F}, {6.2F, 0.F}}, 1.5F},
+    {Kind::Area, Ink::Stop, 4, {{5.2F, 5.2F}, {10.8F, 5.2F}, {10.8F, 10.8F}, {5.2F, 10.8F}}},
+};
+constexpr Shape kContinue[] = {
+    {Kind::Area, Ink::Go, 4, {{2.F, 2.5F}, {4.2F, 2.5F}, {4.2F, 13.5F}, {2.F, 13.5F}}},
+    {Kind::Area, Ink::Go, 3, {{6.F, 2.5F}, {14.5F, 8.F}, {6.F, 13.5F}}},
+};
+constexpr Shape kPause[] = {
+    {Kind::Area, Ink::Accent, 4, {{3.5F, 2.5F}, {6.7F, 2.5F}, {6.7F, 13.5F}, {3.5F, 13.5F}}},
+    {Kind::Area, Ink::Accent, 4, {{9.3F, 2.5F}, {12.5F, 2.5F}, {12.5F, 13.5F}, {9.3F, 13.5F}}},
+};
+constexpr Shape kStepOver[] = {
+    {Kind::Stroke,
+     Ink::Accent,
+     7,
+     {{1.8F, 9.F}, {2.6F, 6.F}, {5.F, 3.8F}, {8.F, 3.2F}, {11.F, 4.F}, {13.F, 6.2F}, {13.4F, 8.6F}},
+     1.5F},
+    {Kind::Stroke, Ink::Accent, 3, {{10.4F, 6.6F}, {13.4F, 9.2F}, {15.2F, 5.8F}}, 1.5F},
+    {Kind::Disc, Ink::Line, 2, {{7.8F, 12.4F}, {2.F, 0.F}}},
+};
+constexpr Shape kStepInto[] = {
+    {Kind::Stroke, Ink::Accent, 2, {{8.F, 1.2F}, {8.F, 8.F}}, 1.5F},
+    {Kind::Stroke, Ink::Accent, 3, {{4.6F, 5.2F}, {8.F, 8.6F}, {11.4F, 5.2F}}, 1.5F},
+    {Kind::Disc, Ink::Line, 2, {{8.F, 12.8F}, {2.F, 0.F}}},
+};
+constexpr Shape kStepOut[] = {
+    {Kind::Stroke, Ink::Accent, 2, {{8.F, 2.4F}, {8.F, 9.2F}}, 1.5F},
+    {Kind::Stroke, Ink::Accent, 3, {{4.6F, 5.2F}, {8.F, 1.8F}, {11.4F, 5.2F}}, 1.5F},
+    {Kind::Disc, Ink::Line, 2, {{8.F, 12.8F}, {2.F, 0.F}}},
+};
+constexpr Shape kRunToCursor[] = {
+    {Kind::Stroke, Ink::Accent, 2, {{1.5F, 8.F}, {8.4F, 8.F}}, 1.5F},
+    {Kind::Stroke, Ink::Accent, 3, {{5.4F, 4.8F}, {8.8F, 8.F}, {5.4F, 11.2F}}, 1.5F},
+    {Kind::Stroke, Ink::Line, 2, {{12.F, 2.8F}, {12.F, 13.2F}}, 1.4F},
+    {Kind::Stroke, Ink::Line, 2, {{10.2F, 2.5F}, {13.8F, 2.5F}}, 1.4F},
+    {Kind::Stroke, Ink::Line, 2, {{10.2F, 13.5F}, {13.8F, 13.5F}}, 1.4F},
+};
+
+constexpr std::span<const Shape> kIcons[] = {kNew,      kOpen,       kSave,          kSaveAll,    kUndo,     kRedo,
+                                             kCut,      kCopy,       kPaste,         kFind,       kBuild,    kRun,
+                                             kStop,     kSyntax,     kPreviousError, kNextError,  kAsm,      kOutput,
+                                             kAi,       kDebugStart, kBreakpoint,    kDebugStop,  kContinue, kPause,
+                                             kStepOver, kStepInto,   kStepOut,       kRunToCursor};
 static_assert(std::size(kIcons) == static_cast<std::size_t>(Icon::Count));
 
 float DistanceToSegment(Point p, Point a, Point b) {

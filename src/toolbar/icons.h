@@ -25,6 +25,15 @@ enum class Icon : std::uint8_t {
     AsmPane,
     Output,
     Ai,
+    DebugStart,
+    Breakpoint,
+    DebugStop,
+    Continue,
+    Pause,
+    StepOver,
+    StepInto,
+    StepOut,
+    RunToCursor,
     Count
 };
 

@@ -20,11 +20,16 @@
 
 namespace {
 
+// A button that is not always there: shown while one of these conditions holds.
+constexpr std::uint32_t kShownAlways = 0;
+
 struct ButtonRow {
     int command;  // 0: a gap between groups
     Icon icon = Icon::New;
     bool showsState = false;
     const wchar_t* tip = nullptr;  // for commands that no menu names
+    std::uint32_t shownWhen = kShownAlways;
+    std::uint32_t hiddenWhen = 0;  // and none of these
 };
 
 constexpr ButtonRow kButtons[] = {
@@ -48,6 +53,18 @@ constexpr ButtonRow kButtons[] = {
     {IDM_BUILD_SYNTAX, Icon::SyntaxCheck},
     {IDM_ERROR_PREVIOUS, Icon::PreviousError, false, L"Previous Error (Shift+F4)"},
     {IDM_ERROR_NEXT, Icon::NextError, false, L"Next Error (F4)"},
+    {0},
+    // Of the debugger only what fits the moment. Steps stay while the program runs: a row of buttons that came and went
+    // with every step would flicker.
+    {IDM_DEBUG_BUTTON_START, Icon::DebugStart, false, L"Build and Debug", kNoSession},
+    {IDM_DEBUG_BREAKPOINT, Icon::Breakpoint, false, nullptr, kNoSession},
+    {IDM_DEBUG_BUTTON_STOP, Icon::DebugStop, false, L"Stop Debugging (Shift+F5)", kSession},
+    {IDM_DEBUG_CONTINUE, Icon::Continue, false, nullptr, kSession, kProgramRunning},
+    {IDM_DEBUG_PAUSE, Icon::Pause, false, nullptr, kProgramRunning},
+    {IDM_DEBUG_BUTTON_STEP_OVER, Icon::StepOver, false, L"Step Over (F10)", kSession},
+    {IDM_DEBUG_BUTTON_STEP_INTO, Icon::StepInto, false, L"Step Into (F11)", kSession},
+    {IDM_DEBUG_BUTTON_STEP_OUT, Icon::StepOut, false, L"Step Out (Shift+F11)", kSession},
+    {IDM_DEBUG_RUN_TO_CURSOR, Icon::RunToCursor, false, nullptr, kSession},
     {0},
     {IDM_VIEW_OUTPUT, Icon::Output, true},
     {IDM_VIEW_ASM, Icon::AsmPane, true},
@@ -289,10 +306,21 @@ void ToolbarUpdateAi() {
     SendMessageW(g_app.hToolbar, TB_CHECKBUTTON, IDM_VIEW_AI, MAKELPARAM(g_app.settings.showAiSidebar, 0));
 }
 
+static void ApplyVisibility(const CommandView& view) {
+    for (const ButtonRow& row : kButtons) {
+        if (row.command == 0 || row.shownWhen == kShownAlways) continue;
+        const bool shown = (view.conditions & row.shownWhen) != 0 && (view.conditions & row.hiddenWhen) == 0;
+        const auto id = static_cast<WPARAM>(row.command);
+        const bool now = SendMessageW(g_app.hToolbar, TB_ISBUTTONHIDDEN, id, 0) == 0;
+        if (shown != now) SendMessageW(g_app.hToolbar, TB_HIDEBUTTON, id, MAKELPARAM(shown ? FALSE : TRUE, 0));
+    }
+}
+
 void ToolbarApplyState(const CommandView& view) {
     // Called at every key, and asking each button costs more than the key itself.
     if (g_applied == view) return;
     g_applied = view;
+    ApplyVisibility(view);
     for (const ButtonRow& row : kButtons) {
         if (row.command == 0) continue;
         const CommandState state = CommandStateOf(row.command, view);

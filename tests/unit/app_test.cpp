@@ -64,6 +64,7 @@ LayoutInput InputOf(int width, int height, unsigned panes, int dpi) {
     input.showAsm = (panes & 32) != 0;
     input.showAi = (panes & 64) != 0;
     input.showTree = (panes & 128) != 0;
+    input.showDebug = (panes & 256) != 0;
     input.outputSplit = 400;
     input.sideWidth = 300 * dpi / 96;
     input.treeWidth = 200 * dpi / 96;
@@ -72,9 +73,10 @@ LayoutInput InputOf(int width, int height, unsigned panes, int dpi) {
 }
 
 std::vector<PaneRect> Visible(const PaneLayout& l) {
-    std::vector<PaneRect> all = {l.toolbar, l.status,         l.tree,    l.treeSplitter, l.tabs,     l.sticky,
-                                 l.editor,  l.outputSplitter, l.output,  l.errorList,    l.terminal, l.sideSplitter,
-                                 l.asmPane, l.aiChat,         l.aiInput, l.aiSend};
+    std::vector<PaneRect> all = {l.toolbar,  l.status,        l.tree,           l.treeSplitter, l.tabs,
+                                 l.sticky,   l.editor,        l.outputSplitter, l.output,       l.errorList,
+                                 l.terminal, l.sideSplitter,  l.asmPane,        l.aiChat,       l.aiInput,
+                                 l.aiSend,   l.debugSplitter, l.debugPane};
     std::erase_if(all, [](const PaneRect& r) { return r.empty(); });
     return all;
 }
@@ -86,7 +88,7 @@ TEST(Layout, PanesNeverOverlapAndTheEditorKeepsItsPlace) {
     } sizes[] = {{640, 400, 96}, {1000, 700, 96}, {1920, 1040, 96}, {960, 600, 144},
                  {200, 90, 96},  {0, 0, 96},      {480, 320, 192}};
     for (const auto& size : sizes) {
-        for (unsigned panes = 0; panes < 256; ++panes) {
+        for (unsigned panes = 0; panes < 512; ++panes) {
             const std::string name = std::to_string(size.width) + "x" + std::to_string(size.height) + " dpi " +
                                      std::to_string(size.dpi) + " panes " + std::to_string(panes);
             const PaneLayout layout = ComputePaneLayout(InputOf(size.width, size.height, panes, size.dpi));
@@ -105,6 +107,29 @@ TEST(Layout, PanesNeverOverlapAndTheEditorKeepsItsPlace) {
                 ASSERT_GE(layout.editor.height(), 25) << name;
             }
         }
+    }
+}
+
+TEST(Layout, TheDebugPaneSharesTheBottomOrHasItAlone) {
+    const struct {
+        const char* name;
+        bool output;
+        int wanted, left, width;
+    } cases[] = {{"half", true, 0, 502, 498},
+                 {"as wide as asked", true, 300, 700, 300},
+                 {"output keeps 160", true, 900, 163, 837},
+                 {"keeps 160 itself", true, 10, 840, 160},
+                 {"alone", false, 300, 0, 1000}};
+    for (const auto& c : cases) {
+        LayoutInput input = InputOf(1000, 700, 256 | (c.output ? 4u : 0u), 96);
+        input.debugWidth = c.wanted;
+        const PaneLayout layout = ComputePaneLayout(input);
+        EXPECT_EQ(layout.debugPane.left, c.left) << c.name;
+        EXPECT_EQ(layout.debugPane.width(), c.width) << c.name;
+        EXPECT_EQ(layout.output.empty(), !c.output) << c.name;
+        EXPECT_EQ(layout.debugSplitter.empty(), !c.output) << c.name;
+        EXPECT_EQ(layout.debugPane.top, layout.outputSplitter.bottom) << c.name;
+        if (c.output) EXPECT_EQ(layout.output.right, layout.debugSplitter.left) << c.name;
     }
 }
 

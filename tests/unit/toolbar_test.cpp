@@ -22,7 +22,27 @@ TEST(CommandTable, StatesFollowTheConditions) {
     EXPECT_TRUE(CommandStateOf(IDM_BUILD_CLEAN, view).enabled);
     EXPECT_FALSE(CommandStateOf(IDM_EDIT_FORMAT_DOCUMENT, view).enabled) << "not BASIC";
     view.conditions = ~static_cast<std::uint32_t>(kNever);
-    EXPECT_FALSE(CommandStateOf(IDM_DEBUG_START, view).enabled) << "not in this version";
+    EXPECT_FALSE(CommandStateOf(IDM_AI_OPENAI, view).enabled) << "not in this version";
+    const struct {
+        const char* name;
+        std::uint32_t conditions;
+        bool start, stop, step, pause;
+    } moments[] = {{"no session", kHasTab | kNoSession, true, false, false, false},
+                   {"starting", kHasTab | kSession, false, true, false, false},
+                   {"stopped", kHasTab | kSession | kProgramStopped, false, true, true, false},
+                   {"running", kHasTab | kSession | kProgramRunning, false, true, false, true}};
+    for (const auto& moment : moments) {
+        view.conditions = moment.conditions;
+        for (const int id : {IDM_DEBUG_BUILD_START, IDM_DEBUG_BUTTON_START})
+            EXPECT_EQ(CommandStateOf(id, view).enabled, moment.start) << moment.name << id;
+        for (const int id : {IDM_DEBUG_STOP, IDM_DEBUG_BUTTON_STOP})
+            EXPECT_EQ(CommandStateOf(id, view).enabled, moment.stop) << moment.name << id;
+        for (const int id : {IDM_DEBUG_STEP_OVER, IDM_DEBUG_BUTTON_STEP_INTO, IDM_DEBUG_STEP_OUT, IDM_DEBUG_CONTINUE,
+                             IDM_DEBUG_RUN_TO_CURSOR, IDM_DEBUG_MEMORY})
+            EXPECT_EQ(CommandStateOf(id, view).enabled, moment.step) << moment.name << id;
+        EXPECT_EQ(CommandStateOf(IDM_DEBUG_PAUSE, view).enabled, moment.pause) << moment.name;
+        EXPECT_TRUE(CommandStateOf(IDM_DEBUG_START, view).enabled) << "starts or ends: " << moment.name;
+    }
     EXPECT_FALSE(CommandStateOf(4711, view).enabled) << "unknown";
     view.compiler = 4;
     EXPECT_TRUE(CommandStateOf(IDM_USE_KVXC64, view).checked);

@@ -1,0 +1,181 @@
+// The commands of the Debug menu. Whether one is possible now is the command table's affair. UI thread only.
+#include "debugui/debug_commands.h"
+
+#include "app/app_state.h"
+#include "app/shell.h"
+#include "build/build.h"
+#include "build/build_runner.h"
+#include "debugger/debug_inspect.h"
+#include "debugger/debug_session.h"
+#include "debugui/breakpoint_list.h"
+#include "debugui/debug_run.h"
+#include "debugui/input_dialog.h"
+#include "debugui/location.h"
+#include "files/handles.h"
+#include "files/wide_format.h"
+#include "resources/ids.h"
+#include "scintilla/sci.h"
+
+namespace {
+
+constexpr COLORREF kOrange = 0x0064C8;
+constexpr int kDumpBytes = 64;
+
+DebuggerState* Session() { return &g_app.debugger; }
+
+const DocumentTab* ActiveDocument() {
+    return IsTabIndex(g_app.activeTab) ? &g_app.tabs[static_cast<std::size_t>(g_app.activeTab)] : nullptr;
+}
+
+int CaretLine() {
+    const LRESULT caret = SciSend(g_app.hEditor, SCI_GETCURRENTPOS);
+    return static_cast<int>(SciSend(g_app.hEditor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(caret))) + 1;
+}
+
+void Start() {
+    if (g_app.debug.debugging) return;
+    if (CompilerIsBuilding()) {
+        StatusBarSetText(kBuildBusy);
+        return;
+    }
+    g_app.debug.debugAfterBuild = true;
+    // Not left to what it was: the start may have settled an earlier build, whose end clears it.
+    g_app.debug.debugAfterBuild = StartCompilerBuild(false, true) != 0;
+}
+
+void Go(bool resumed, const wchar_t* suffix) {
+    if (resumed) DebugRunFollow(suffix);
+}
+
+void RunToCursor() {
+    const DocumentTab* document = ActiveDocument();
+    if (document == nullptr) return;
+    const std::uint32_t fileId = DebugFileIdOfPath(Session(), document->path);
+    if (fileId == 0) {
+        DebugSay(kOrange, L"[Debug] %s is not part of the program.\n", document->label);
+        return;
+    }
+    const int line = CaretLine();
+    const bool resumed = DebugRunToLineIn(Session(), fileId, line);
+    if (!resumed) DebugSay(kOrange, L"[Debug] No code on line %d.\n", line);
+    Go(resumed, L" (run to cursor)");
+}
+
+void Pause() {
+    if (DebugBreakIn(Session()))
+        DebugRunPaused();
+    else
+        DebugSay(kOrange, L"[Debug] The program cannot be paused.\n");
+}
+
+// A heap text of the inspection under its heading.
+void SayText(const wchar_t* heading, wchar_t* heapText) {
+    const HeapBlock<wchar_t> text(heapText);
+    if (!text) return;
+    std::wstring shown = heading;
+    shown += text.get();
+    if (!shown.ends_with(L'\n')) shown += L'\n';
+    DebugSay(0, L"%s", shown.c_str());
+}
+
+void SayInstruction() {
+    const HeapBlock<wchar_t> text(DebugDisassembleAt(Session(), Session()->currentAddress));
+    if (!text) return;
+    DebugSay(0, L"=== Disassembly ===\n");
+    DebugSay(0, L"0x%I64X: %s\n", Session()->currentAddress, text.get());
+}
+
+void AskForCondition() {
+    const DocumentTab* document = ActiveDocument();
+    if (document == nullptr) return;
+    HWND editor = document->editor;
+    const int line = CaretLine();
+    const std::wstring place = FormatW(L"%s:%d", document->label, line);
+    const int existing = BreakpointAt(editor, line, false);
+    std::string condition =
+        existing >= 0 ? BreakpointList()[static_cast<std::size_t>(existing)].condition : std::string();
+    if (!AskCondition(g_app.hMainWnd, place.c_str(), &condition)) return;
+    const int index = BreakpointAt(editor, line, true);
+    if (index >= 0) BreakpointSetCondition(static_cast<std::size_t>(index), condition);
+}
+
+void SwitchBreakpoint() {
+    const int index = BreakpointAt(g_app.hEditor, CaretLine(), false);
+    if (index < 0) {
+        StatusBarSetText(L"No breakpoint on this line (F9 sets one)");
+        return;
+    }
+    BreakpointEnable(static_cast<std::size_t>(index), !BreakpointList()[static_cast<std::size_t>(index)].enabled);
+}
+
+void TogglePane() {
+    g_app.showDebugPane = !g_app.showDebugPane;
+    MainWindow_Layout();
+    const HWND focus = GetFocus();
+    if (focus != nullptr && !IsWindowVisible(focus)) FocusCurrentEditor();
+}
+
+// Buttons that stand for commands of the menu.
+int CommandOfButton(int command) {
+    switch (command) {
+        case IDM_DEBUG_BUTTON_START: return IDM_DEBUG_BUILD_START;
+        case IDM_DEBUG_BUTTON_STOP: return IDM_DEBUG_STOP;
+        case IDM_DEBUG_BUTTON_STEP_INTO: return IDM_DEBUG_STEP_INTO;
+        case IDM_DEBUG_BUTTON_STEP_OVER: return IDM_DEBUG_STEP_OVER;
+        case IDM_DEBUG_BUTTON_STEP_OUT: return IDM_DEBUG_STEP_OUT;
+        default: return command;
+    }
+}
+
+bool HandleRun(int command) {
+    switch (command) {
+        case IDM_DEBUG_BUILD_START: Start(); return true;
+        case IDM_DEBUG_START: g_app.debug.debugging ? DebugRunStop() : Start(); return true;
+        case IDM_DEBUG_STOP: DebugRunStop(); return true;
+        case IDM_DEBUG_STEP_OVER: Go(DebugStepOver(Session()), L""); return true;
+        case IDM_DEBUG_STEP_INTO: Go(DebugStepInto(Session()), L" (step into)"); return true;
+        case IDM_DEBUG_STEP_OUT: Go(DebugStepOut(Session()), L" (step out)"); return true;
+        case IDM_DEBUG_RUN_TO_CURSOR: RunToCursor(); return true;
+        case IDM_DEBUG_CONTINUE: Go(DebugContinue(Session()), L""); return true;
+        case IDM_DEBUG_PAUSE: Pause(); return true;
+        default: return false;
+    }
+}
+
+bool HandleBreakpoints(int command) {
+    switch (command) {
+        case IDM_DEBUG_BREAKPOINT: BreakpointToggle(g_app.hEditor, CaretLine()); return true;
+        case IDM_DEBUG_CONDITIONAL: AskForCondition(); return true;
+        case IDM_DEBUG_ENABLE_BREAKPOINT: SwitchBreakpoint(); return true;
+        case IDM_DEBUG_REMOVE_BREAKPOINTS: BreakpointRemoveAll(); return true;
+        default: return false;
+    }
+}
+
+bool HandleViews(int command) {
+    switch (command) {
+        case IDM_DEBUG_REGISTERS: SayText(L"=== Registers ===\n", DebugFormatRegisters(Session())); return true;
+        case IDM_DEBUG_CALL_STACK: SayText(L"", DebugWalkStack(Session())); return true;
+        case IDM_DEBUG_DISASSEMBLY: SayInstruction(); return true;
+        case IDM_DEBUG_MEMORY:
+            SayText(L"=== Memory Dump ===\n", DebugHexDump(Session(), Session()->currentAddress, kDumpBytes));
+            return true;
+        case IDM_VIEW_DEBUG_PANE: TogglePane(); return true;
+        default: return false;
+    }
+}
+
+}  // namespace
+
+bool CmdHandle_Debug(int command) {
+    command = CommandOfButton(command);
+    return HandleRun(command) || HandleBreakpoints(command) || HandleViews(command);
+}
+
+void DebugUiInit() { DebugSetPlantHook(BreakpointsPlantAll); }
+
+void DebugOnBuilt() {
+    if (CompilerIsBuilding()) return;  // asked for again meanwhile
+    g_app.debug.debugAfterBuild = false;
+    DebugRunStart();
+}

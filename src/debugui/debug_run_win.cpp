@@ -1,0 +1,326 @@
+// Starting a program, waiting for its stops and following it while it runs. The system lets only the thread that started
+// a program wait for its events, so the window's own thread does: in place for a moment, because most steps end at once,
+// and from then on in short looks from a timer. UI thread only.
+#include "debugui/debug_run.h"
+
+#include "app/app_state.h"
+#include "app/shell.h"
+#include "build/build_state.h"
+#include "debugger/debug_session.h"
+#include "debugger/line_map.h"
+#include "debugui/breakpoint_list.h"
+#include "debugui/debug_commands.h"
+#include "debugui/debug_pane.h"
+#include "debugui/location.h"
+#include "files/file_io.h"
+#include "files/handles.h"
+#include "files/path.h"
+#include "files/wide_format.h"
+#include "resources/ids.h"
+
+#include <commctrl.h>
+
+#include <string>
+
+namespace {
+
+constexpr COLORREF kRed = 200;
+constexpr COLORREF kOrange = 0x0064C8;
+constexpr DWORD kWaitInPlace = 200;    // ms that a command waits for its stop
+constexpr UINT kTimerInterval = 15;    // ms between two looks at a running program
+constexpr ULONGLONG kLookLimit = 10;   // ms that one look may take, however much happens
+constexpr ULONGLONG kLongRun = 30000;  // ms without a stop after which a line says so
+constexpr ULONGLONG kPumpInterval = 20;
+
+struct Follow {
+    bool running = false;  // the timer asks for the next event
+    bool told = false;     // that it takes long
+    ULONGLONG since = 0;   // of the resume
+    std::wstring suffix;
+};
+Follow g_follow;
+
+// A wait inside a command.
+bool g_waiting = false;
+ULONGLONG g_waitEnd = 0;
+bool g_stopWanted = false;
+bool g_closeWanted = false;
+ULONGLONG g_lastPump = 0;
+
+bool g_paneWasHidden = false;
+std::wstring g_status;
+
+void SetStatus(const std::wstring& text) {
+    g_status = text;
+    StatusBarSetText(g_status.c_str());
+}
+
+// --- Waiting
+
+class WaitScope {
+public:
+    explicit WaitScope(DebugWaitHook hook) : previous_(DebugSetWaitHook(hook)) { g_waiting = true; }
+    ~WaitScope() {
+        g_waiting = false;
+        DebugSetWaitHook(previous_);
+    }
+    WaitScope(const WaitScope&) = delete;
+    WaitScope& operator=(const WaitScope&) = delete;
+
+private:
+    DebugWaitHook previous_;
+};
+
+// Each event that is no stop starts the wait anew, so the whole of it is limited here.
+bool IsWaitOver() { return GetTickCount64() >= g_waitEnd; }
+
+int WaitFor(DWORD milliseconds, ULONGLONG limit) {
+    g_waitEnd = GetTickCount64() + limit;
+    const WaitScope scope(IsWaitOver);
+    return DebugWaitEvent(&g_app.debugger, milliseconds);
+}
+
+bool IsStopKey(const MSG& message) {
+    if (message.message != WM_KEYDOWN) return false;
+    return message.wParam == VK_ESCAPE || message.wParam == VK_CANCEL ||
+           (message.wParam == VK_F5 && GetKeyState(VK_SHIFT) < 0);
+}
+
+bool IsStopClick(const MSG& message) {
+    POINT at = {static_cast<short>(LOWORD(message.lParam)), static_cast<short>(HIWORD(message.lParam))};
+    const LRESULT index = SendMessageW(g_app.hToolbar, TB_HITTEST, 0, reinterpret_cast<LPARAM>(&at));
+    TBBUTTON button = {};
+    if (index < 0 ||
+        !SendMessageW(g_app.hToolbar, TB_GETBUTTON, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&button)))
+        return false;
+    return button.idCommand == IDM_DEBUG_BUTTON_STOP || button.idCommand == IDM_DEBUG_STOP;
+}
+
+// While a program starts, the window paints itself and listens to Stop, and to nothing else: any other message could
+// lead back into the session that is being set up. Keys of that time are dropped, as they were meant for no one.
+bool PumpWhileStarting() {
+    const ULONGLONG now = GetTickCount64();
+    if (now - g_lastPump < kPumpInterval) return g_stopWanted;
+    g_lastPump = now;
+    MSG message = {};
+    while (PeekMessageW(&message, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE)) {
+        if (IsStopKey(message)) g_stopWanted = true;
+    }
+    while (PeekMessageW(&message, g_app.hToolbar, WM_LBUTTONDOWN, WM_LBUTTONDBLCLK, PM_REMOVE)) {
+        if (message.message != WM_LBUTTONUP && IsStopClick(message)) g_stopWanted = true;
+    }
+    while (PeekMessageW(&message, g_app.hMainWnd, WM_NCLBUTTONDOWN, WM_NCLBUTTONDBLCLK, PM_REMOVE)) {
+        if (message.message == WM_NCLBUTTONDOWN && message.wParam == HTCLOSE) DebugStopWaiting(true);
+    }
+    while (PeekMessageW(&message, g_app.hMainWnd, WM_CLOSE, WM_CLOSE, PM_REMOVE)) DebugStopWaiting(true);
+    for (int paints = 0; paints < 32 && PeekMessageW(&message, nullptr, WM_PAINT, WM_PAINT, PM_REMOVE); ++paints)
+        DispatchMessageW(&message);
+    return g_stopWanted;
+}
+
+// --- What comes of a wait
+
+// The debug pane is opened for a session and goes again with it, unless the user had it open.
+void ShowPaneForSession() {
+    g_paneWasHidden = !g_app.showDebugPane;
+    if (!g_paneWasHidden) return;
+    g_app.showDebugPane = true;
+    MainWindow_Layout();
+}
+
+void HidePaneAfterSession() {
+    if (!g_paneWasHidden || !g_app.showDebugPane) return;
+    g_paneWasHidden = false;
+    g_app.showDebugPane = false;
+    const HWND focus = GetFocus();
+    const bool hadFocus = focus != nullptr && (focus == g_app.hDebugPane || IsChild(g_app.hDebugPane, focus));
+    MainWindow_Layout();
+    if (hadFocus) FocusCurrentEditor();
+}
+
+void StopFollowing() {
+    if (g_follow.running) KillTimer(g_app.hMainWnd, TIMER_DEBUG);
+    g_follow.running = false;
+}
+
+void EndSession(const std::wstring& status) {
+    StopFollowing();
+    g_app.debug.debugging = false;
+    g_app.debug.debuggerActive = false;
+    DebugClearLocation();
+    DebugForgetFiles();
+    BreakpointsOnSessionEnd();
+    HidePaneAfterSession();
+    SetStatus(status);
+    g_status.clear();  // the next text of the status bar is someone else's
+    MenuUpdateState();
+    for (const int button : {IDM_DEBUG_STEP_OVER, IDM_DEBUG_RUN_TO_CURSOR})
+        SendMessageW(g_app.hToolbar, TB_ENABLEBUTTON, static_cast<WPARAM>(button), MAKELPARAM(FALSE, 0));
+    DebugPaneInvalidate();
+}
+
+void OnStopped() {
+    StopFollowing();
+    SetStatus(L"Stopped at " + DebugPlaceText(&g_app.debugger));
+    DebugShowCurrentLocation(&g_app.debugger, g_follow.suffix.c_str());
+    DebugPaneInvalidate();
+    MainWindow_RequestStateRefresh();
+}
+
+void OnExited() {
+    DebugSay(kRed, L"[Debug] Process exited.\n");
+    EndSession(FormatW(L"Exited with code %ld", static_cast<long>(g_app.debugger.exitCode)));
+}
+
+// True when the wait had a result; false: the program runs on.
+bool HandleWait(int result) {
+    switch (result) {
+        case kDebugStopped: OnStopped(); return true;
+        case kDebugExited: OnExited(); return true;
+        case kDebugNoSession: EndSession(L"Debugging has ended"); return true;
+        default: return false;
+    }
+}
+
+void BeginFollowing() {
+    g_follow.running = true;
+    DebugClearLocation();
+    SetStatus(L"Running");
+    SetTimer(g_app.hMainWnd, TIMER_DEBUG, kTimerInterval, nullptr);
+    DebugPaneInvalidate();
+    MainWindow_RequestStateRefresh();
+}
+
+// --- Start
+
+struct BuiltProgram {
+    std::wstring executable;
+    std::wstring source;
+    std::uint32_t compilerId = 0;
+};
+
+BuiltProgram LastBuild() {
+    EnterCriticalSection(&g_buildCs);
+    BuiltProgram program{g_app.build.outputPath, g_app.build.sourcePath, g_app.build.compilerId};
+    LeaveCriticalSection(&g_buildCs);
+    return program;
+}
+
+bool WriteTime(const std::wstring& path, FILETIME* time) {
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    if (!GetFileAttributesExW(PathForSystem(path.c_str()).c_str(), GetFileExInfoStandard, &data)) return false;
+    *time = data.ftLastWriteTime;
+    return true;
+}
+
+// Lines that the program does not have would be shown as if it had.
+void WarnOfStaleFiles(const BuiltProgram& program) {
+    const DebuggerState& state = g_app.debugger;
+    FILETIME built = {};
+    if (!WriteTime(program.executable, &built)) return;
+    const auto warn = [&](const std::wstring& path) {
+        wchar_t name[kPathCapacity] = {};
+        PathGetFile(path.c_str(), name, kPathCapacity);
+        FILETIME written = {};
+        if (WriteTime(path, &written) && CompareFileTime(&written, &built) > 0)
+            DebugSay(kOrange, L"[Debug] %s is newer than the program: its lines may not be those that run.\n", name);
+        for (const DocumentTab& tab : g_app.tabs) {
+            if (tab.modified && tab.hasFile && PathEqualsIgnoreCase(tab.path, path))
+                DebugSay(kOrange, L"[Debug] %s has changes that are not saved: the program runs without them.\n", name);
+        }
+    };
+    if (state.map.fileCount == 0) warn(program.source);
+    for (std::int32_t i = 0; i < state.map.fileCount; ++i) warn(DebugFilePath(&state, state.map.files[i].fileId));
+}
+
+bool StartProgram(const BuiltProgram& program) {
+    g_stopWanted = g_closeWanted = false;
+    g_lastPump = 0;
+    const WaitScope scope(PumpWhileStarting);
+    return DebugStartForCompiler(program.executable.c_str(), program.compilerId, &g_app.debugger);
+}
+
+// A stop or a close that was asked for while the session came up.
+bool StoppedDuringStart() {
+    if (!g_stopWanted) return false;
+    DebugRunStop();
+    if (g_closeWanted) PostMessageW(g_app.hMainWnd, WM_CLOSE, 0, 0);
+    return true;
+}
+
+}  // namespace
+
+void DebugRunStart() {
+    if (g_waiting || g_app.debug.debugging) return;
+    const BuiltProgram program = LastBuild();
+    if (program.executable.empty()) return;
+    DebugSetSourcePath(program.source.c_str());
+    DebugForgetFiles();
+    g_follow = {};
+    g_app.debug.debugging = g_app.debug.debuggerActive = true;
+    SetStatus(L"Starting the program...");
+    MenuUpdateState();
+    UpdateWindow(g_app.hMainWnd);
+    const bool started = StartProgram(program);
+    if (StoppedDuringStart()) return;
+    if (g_app.debugger.active == 0) {
+        EndSession(started ? FormatW(L"Exited with code %ld", static_cast<long>(g_app.debugger.exitCode))
+                           : L"The debugger could not be started");
+        return;
+    }
+    ShowPaneForSession();
+    WarnOfStaleFiles(program);
+    g_follow.since = GetTickCount64();
+    if (g_app.debugger.run == DebugRun::Stopped)
+        OnStopped();
+    else
+        BeginFollowing();
+    MenuUpdateState();
+}
+
+void DebugRunFollow(const wchar_t* suffix) {
+    StopFollowing();
+    g_follow = {.running = false, .told = false, .since = GetTickCount64(), .suffix = suffix};
+    if (!HandleWait(WaitFor(kWaitInPlace, kWaitInPlace))) BeginFollowing();
+}
+
+void DebugRunPaused() { g_follow.suffix = L" (paused)"; }
+
+void DebugRunStop() {
+    StopFollowing();
+    if (g_app.debugger.active != 0) {
+        const WaitScope scope(nullptr);
+        DebugStop(&g_app.debugger);
+    }
+    EndSession(L"Debugging stopped");
+}
+
+void DebugOnTimer() {
+    if (g_waiting || !g_follow.running) return;
+    if (HandleWait(WaitFor(0, kLookLimit))) {
+        // The stop came by itself: the program may have the screen.
+        if (g_app.debugger.active != 0 && GetForegroundWindow() != g_app.hMainWnd) SetForegroundWindow(g_app.hMainWnd);
+        return;
+    }
+    if (g_follow.told || GetTickCount64() - g_follow.since < kLongRun) return;
+    g_follow.told = true;
+    DebugSay(0, L"[Debug] No stop within 30 seconds; the program is still running.\n");
+}
+
+bool DebugIsWaiting() { return g_waiting; }
+
+void DebugStopWaiting(bool thenClose) {
+    g_stopWanted = true;
+    g_closeWanted = g_closeWanted || thenClose;
+}
+
+void DebugShutdown() {
+    if (g_waiting) {
+        // Inside a wait nothing of the session may be touched; the program must not outlive the window all the same.
+        if (g_app.debugger.process != nullptr) TerminateProcess(g_app.debugger.process, 0);
+        return;
+    }
+    if (g_app.debug.debugging || g_app.debugger.active != 0) DebugRunStop();
+}
+
+const wchar_t* DebugStatusText() { return g_status.c_str(); }
