@@ -11,6 +11,9 @@
 bool DebugGetContext(const DebuggerState* state, CONTEXT* context);
 // Registers of a thread of the program, of either kind; 0: the thread of the last stop, else the main one.
 bool DebugGetRegisters(const DebuggerState* state, std::uint32_t threadId, RegisterSet* registers);
+// Writes a whole general register (RAX, EAX; any letter case) of a stopped thread. False: none of that name in that kind of
+// program, or more than 32 bits for a 32-bit one.
+bool DebugSetRegister(const DebuggerState* state, std::uint32_t threadId, const wchar_t* name, std::uint64_t value);
 
 wchar_t* DebugFormatRegisters(const DebuggerState* state);
 wchar_t* DebugWalkStack(const DebuggerState* state);

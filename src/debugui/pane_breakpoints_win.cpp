@@ -1,0 +1,134 @@
+// The breakpoints view: the user's list, whether a program runs or not. UI thread only.
+#include "debugui/breakpoint_list.h"
+#include "debugui/pane_internal.h"
+
+#include "debugger/debug_state.h"
+#include "files/path.h"
+#include "settings/settings.h"
+
+#include <array>
+
+namespace {
+
+enum Column : int { kPlace, kCondition, kHits, kState };
+constexpr std::array<PaneColumn, 4> kColumns = {
+    {{L"Line", 22, false}, {L"Condition", 18, true}, {L"Hits", 6, true}, {L"State", 20, false}}};
+
+enum MenuCommand : UINT { kGo = 1, kToggle, kEditCondition, kRemove, kRemoveAll };
+
+const UserBreakpoint* At(int row) {
+    const std::vector<UserBreakpoint>& list = BreakpointList();
+    return row >= 0 && row < static_cast<int>(list.size()) ? &list[static_cast<std::size_t>(row)] : nullptr;
+}
+
+std::wstring PlaceOf(const UserBreakpoint& breakpoint) {
+    wchar_t name[kPathCapacity] = {};
+    PathGetFile(breakpoint.path.c_str(), name, kPathCapacity);
+    return (*name != L'\0' ? std::wstring(name) : L"Untitled") + L":" + std::to_wstring(breakpoint.line);
+}
+
+std::wstring StateOf(const UserBreakpoint& breakpoint) {
+    switch (breakpoint.status) {
+        case BreakpointStatus::Planted: return L"Active";
+        case BreakpointStatus::NoCode: return breakpoint.reason.empty() ? L"No code on this line" : breakpoint.reason;
+        case BreakpointStatus::Refused: return breakpoint.reason.empty() ? L"Refused" : breakpoint.reason;
+        case BreakpointStatus::Disabled: return L"Disabled";
+        case BreakpointStatus::Idle: break;
+    }
+    return breakpoint.enabled ? L"Waits for a program" : L"Disabled";
+}
+
+std::wstring WideCondition(const std::string& utf8) {
+    std::wstring text(utf8.size(), L'\0');
+    const int length = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), text.data(),
+                                           static_cast<int>(text.size()));
+    text.resize(static_cast<std::size_t>(length > 0 ? length : 0));
+    return text;
+}
+
+void Fill(PaneContent& content) {
+    for (const UserBreakpoint& breakpoint : BreakpointList()) {
+        PaneRow row;
+        row.cells = {PlaceOf(breakpoint), WideCondition(breakpoint.condition),
+                     breakpoint.hits != 0 ? std::to_wstring(breakpoint.hits) : std::wstring{}, StateOf(breakpoint)};
+        row.mark = breakpoint.enabled ? PaneMark::Checked : PaneMark::Unchecked;
+        const bool refused =
+            breakpoint.status == BreakpointStatus::NoCode || breakpoint.status == BreakpointStatus::Refused;
+        row.tone = !breakpoint.enabled ? PaneTone::Quiet : refused ? PaneTone::Problem : PaneTone::Normal;
+        content.rows.push_back(std::move(row));
+    }
+    content.hint = content.rows.empty() ? L"No breakpoints. F9 sets one on the caret's line." : L"";
+}
+
+std::wstring CommitCondition(int row, const std::wstring& text) {
+    const std::string condition = PaneUtf8(text);
+    if (condition.size() >= kConditionCapacity) return L"A condition has at most 63 bytes";
+    if (At(row) == nullptr) return {};
+    BreakpointSetCondition(static_cast<std::size_t>(row), condition);
+    DebugPaneInvalidate();
+    return {};
+}
+
+void Edit(int row, int column) {
+    const UserBreakpoint* breakpoint = At(row);
+    if (breakpoint == nullptr || (column != -1 && column != kCondition)) return;
+    PaneEditBegin(row, kCondition, WideCondition(breakpoint->condition), false,
+                  [row](const std::wstring& text) { return CommitCondition(row, text); });
+}
+
+void Activate(int row, int column) {
+    if (At(row) != nullptr && column != kCondition) BreakpointJump(static_cast<std::size_t>(row));
+}
+
+void Check(int row) {
+    const UserBreakpoint* breakpoint = At(row);
+    if (breakpoint != nullptr) BreakpointEnable(static_cast<std::size_t>(row), !breakpoint->enabled);
+    DebugPaneInvalidate();
+}
+
+void Remove(int row) {
+    if (At(row) != nullptr) BreakpointRemove(static_cast<std::size_t>(row));
+    DebugPaneInvalidate();
+}
+
+bool Key(int row, int key) {
+    if (key != VK_DELETE) return false;
+    Remove(row);
+    return true;
+}
+
+void Menu(int row, POINT screen) {
+    const UserBreakpoint* breakpoint = At(row);
+    if (breakpoint == nullptr) return;
+    const std::array<PaneMenuItem, 6> items = {{{kGo, L"&Go to Source\tEnter"},
+                                                {kToggle, breakpoint->enabled ? L"&Disable\tSpace" : L"&Enable\tSpace"},
+                                                {kEditCondition, L"&Condition...\tF2"},
+                                                {0, nullptr},
+                                                {kRemove, L"&Remove\tDel"},
+                                                {kRemoveAll, L"Remove &All"}}};
+    switch (PaneShowMenu(items, screen)) {
+        case kGo: Activate(row, -1); break;
+        case kToggle: Check(row); break;
+        case kEditCondition: Edit(row, -1); break;
+        case kRemove: Remove(row); break;
+        case kRemoveAll:
+            BreakpointRemoveAll();
+            DebugPaneInvalidate();
+            break;
+        default: break;
+    }
+}
+
+}  // namespace
+
+const PaneView kBreakpointsView = {.title = L"Breakpoints",
+                                   .columns = kColumns,
+                                   .ofStop = false,
+                                   .hasAddress = false,
+                                   .hasMarks = true,
+                                   .fill = Fill,
+                                   .activate = Activate,
+                                   .edit = Edit,
+                                   .key = Key,
+                                   .check = Check,
+                                   .menu = Menu};

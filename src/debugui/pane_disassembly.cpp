@@ -1,0 +1,66 @@
+// Instructions around an address. Pure.
+#include "debugui/pane_disassembly.h"
+
+#include "debugui/pane_rows.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::size_t kShownBytes = 8;
+
+// The instructions from `start` up to the target; none when they step over it.
+std::vector<DisasmInstruction> LeadingTo(std::span<const std::uint8_t> bytes, std::uint64_t address,
+                                         std::uint64_t start, std::uint64_t target, bool x64) {
+    const auto from = static_cast<std::size_t>(start - address);
+    const auto length = static_cast<std::size_t>(target - start);
+    // Seen no further than the target, an instruction across it would be cut: it is decoded with what follows it.
+    const std::size_t available = std::min(length + kLongestInstruction, bytes.size() - from);
+    std::vector<DisasmInstruction> found = DisasmRange(bytes.subspan(from, available), start, x64, {}, length);
+    const auto end = std::ranges::find_if(found, [&](const auto& each) { return each.address >= target; });
+    const bool lands = end != found.end() && end->address == target;
+    found.erase(lands ? end : found.begin(), found.end());
+    return found;
+}
+
+bool AllDecoded(const std::vector<DisasmInstruction>& list) {
+    return std::ranges::all_of(list, &DisasmInstruction::decoded);
+}
+
+std::vector<DisasmInstruction> Before(std::span<const std::uint8_t> bytes, std::uint64_t address, std::uint64_t target,
+                                      bool x64, std::span<const std::uint64_t> lineStarts) {
+    for (const std::uint64_t start : lineStarts) {
+        if (start < address || start >= target) continue;
+        auto found = LeadingTo(bytes, address, start, target, x64);
+        if (!found.empty()) return found;
+    }
+    // From anywhere decoding falls into step within a few instructions; a start that needed no "db" is likely a true one.
+    const std::uint64_t last = std::min(target, address + 2 * kLongestInstruction);
+    for (std::uint64_t start = address; start < last; ++start) {
+        auto found = LeadingTo(bytes, address, start, target, x64);
+        if (!found.empty() && AllDecoded(found)) return found;
+    }
+    return {};
+}
+
+}  // namespace
+
+std::vector<DisasmInstruction> DisasmAround(std::span<const std::uint8_t> bytes, std::uint64_t address,
+                                            std::uint64_t target, bool x64, std::span<const std::uint64_t> lineStarts) {
+    if (target < address || target - address >= bytes.size()) return {};
+    std::vector<DisasmInstruction> list = Before(bytes, address, target, x64, lineStarts);
+    if (list.size() > kInstructionsBefore) list.erase(list.begin(), list.end() - kInstructionsBefore);
+    const auto rest = bytes.subspan(static_cast<std::size_t>(target - address));
+    const auto after = DisasmRange(rest, target, x64, {}, kInstructionsShown - list.size());
+    list.insert(list.end(), after.begin(), after.end());
+    return list;
+}
+
+std::wstring CodeBytesText(std::span<const std::uint8_t> bytes) {
+    std::wstring text;
+    for (std::size_t i = 0; i < std::min(bytes.size(), kShownBytes); ++i) {
+        if (i > 0) text += L' ';
+        text += HexText(bytes[i], 2);
+    }
+    return bytes.size() > kShownBytes ? text + L" .." : text;
+}

@@ -1,0 +1,142 @@
+// The disassembly view: instructions around where the thread stands, or around an address, between the lines of source
+// that they come from. UI thread only.
+#include "debugui/pane_disassembly.h"
+
+#include "app/app_state.h"
+#include "debugger/debug_inspect.h"
+#include "debugger/debug_session.h"
+#include "debugui/pane_internal.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr std::array<PaneColumn, 3> kColumns = {
+    {{L"Address", 16, true}, {L"Bytes", 25, true}, {L"Instruction", 40, true}}};
+constexpr std::uint64_t kBytesBefore = 400;
+constexpr std::size_t kBytesRead = kBytesBefore + kInstructionsShown * kLongestInstruction;
+
+struct Place {
+    std::uint32_t fileId = 0, line = 0;
+    bool operator==(const Place&) const = default;
+};
+std::vector<Place> g_places;  // by row
+
+struct Code {
+    std::uint64_t address = 0;
+    std::vector<std::uint8_t> bytes;
+};
+
+// What can be read around an address: nothing before it in an unreadable page is missed.
+Code ReadAround(std::uint64_t target) {
+    const std::uint64_t wanted = target - std::min(target, kBytesBefore);
+    const std::uint64_t page = target & ~std::uint64_t{0xFFF};
+    for (const std::uint64_t start : {wanted, std::max(wanted, page), target}) {
+        Code code{start, std::vector<std::uint8_t>(kBytesRead)};
+        code.bytes.resize(DebugReadSome(&g_app.debugger, start, code.bytes.data(), code.bytes.size()));
+        if (code.bytes.size() > target - start) return code;
+    }
+    return {};
+}
+
+std::vector<std::uint64_t> LineStarts(std::uint64_t from, std::uint64_t to) {
+    const SdbgMap& map = g_app.debugger.map;
+    std::vector<std::uint64_t> starts;
+    for (std::int32_t i = 0; i < map.lineCount; ++i) {
+        const std::uint64_t address = map.imageBase + map.lines[i].rva;
+        if (address >= from && address < to) starts.push_back(address);
+    }
+    std::ranges::sort(starts);
+    return starts;
+}
+
+Place PlaceAt(std::uint64_t address) {
+    Place place;
+    if (!DebugLineAt(&g_app.debugger, address, &place.fileId, &place.line)) return {};
+    return place;
+}
+
+void AddSourceRow(PaneContent& content, const Place& place) {
+    PaneRow row;
+    row.tone = PaneTone::Source;
+    row.cells = {std::to_wstring(place.line) + L": " + PaneSourceLine(place.fileId, place.line), L"", L""};
+    content.rows.push_back(std::move(row));
+    g_places.push_back(place);
+}
+
+std::wstring InstructionText(const DisasmInstruction& instruction) {
+    std::wstring text(instruction.text.begin(), instruction.text.end());
+    if (!instruction.isBranch) return text;
+    const std::wstring target = PanePlaceText(instruction.target);
+    return target.empty() ? text : text + L"  ; " + target;
+}
+
+void AddRows(PaneContent& content, const Code& code, const std::vector<DisasmInstruction>& list, std::uint64_t target) {
+    const bool x64 = g_app.debugger.isX64 != 0;
+    const std::uint64_t current = PaneProgramNow().registers ? PaneProgramNow().registers->ip : 0;
+    Place last;
+    for (const DisasmInstruction& instruction : list) {
+        const Place place = PlaceAt(instruction.address);
+        if (place.line != 0 && place != last) AddSourceRow(content, place);
+        last = place;
+        const auto offset = static_cast<std::size_t>(instruction.address - code.address);
+        const auto bytes = std::span(code.bytes).subspan(offset);
+        PaneRow row;
+        row.cells = {HexText(instruction.address, AddressDigits(x64)),
+                     CodeBytesText(bytes.first(std::min<std::size_t>(instruction.length, bytes.size()))),
+                     InstructionText(instruction)};
+        if (instruction.address == current) row.mark = PaneMark::Current;
+        if (instruction.address == target) content.reveal = static_cast<int>(content.rows.size());
+        content.rows.push_back(std::move(row));
+        g_places.push_back(place);
+    }
+}
+
+struct Shown {
+    std::uint64_t serial = 0, target = 0;
+    std::uint32_t thread = 0;
+    bool operator==(const Shown&) const = default;
+};
+Shown g_shown;
+
+void Fill(PaneContent& content) {
+    const PaneProgram& program = PaneProgramNow();
+    g_places.clear();
+    if (!program.registers) {
+        content.hint = L"The registers of this thread cannot be read.";
+        return;
+    }
+    std::uint64_t target = program.registers->ip;
+    const std::wstring expression = PaneAddressText();
+    if (!expression.empty()) {
+        const Evaluation address = PaneEvaluate(expression);
+        content.problem = address.problem;
+        target = address.value.value_or(target);
+    }
+    const Code code = ReadAround(target);
+    const auto list =
+        DisasmAround(code.bytes, code.address, target, g_app.debugger.isX64 != 0, LineStarts(code.address, target));
+    AddRows(content, code, list, target);
+    if (content.rows.empty()) content.hint = L"No memory can be read at " + HexText(target, 1);
+    // A refresh without anything new leaves the list where the user has scrolled it.
+    const Shown shown = {program.serial, target, program.thread};
+    if (shown == g_shown) content.reveal = -1;
+    g_shown = shown;
+}
+
+void Activate(int row, int) {
+    if (row < 0 || row >= static_cast<int>(g_places.size())) return;
+    const Place& place = g_places[static_cast<std::size_t>(row)];
+    PaneGoTo(place.fileId, place.line);
+}
+
+}  // namespace
+
+const PaneView kDisassemblyView = {.title = L"Disassembly",
+                                   .columns = kColumns,
+                                   .ofStop = true,
+                                   .hasAddress = true,
+                                   .hasMarks = true,
+                                   .fill = Fill,
+                                   .activate = Activate};

@@ -1,0 +1,136 @@
+// What the memory view shows: reading and writing the program, the place of the caret. Knows no window. UI thread only.
+#include "debugui/pane_memory_view.h"
+
+#include "app/app_state.h"
+#include "debugger/debug_session.h"
+#include "debugui/pane_internal.h"
+
+#include <algorithm>
+
+MemoryView g_memory;
+
+namespace {
+
+constexpr std::uint64_t kPage = 4096;
+
+std::uint64_t HighestRow() { return g_memory.digits == 16 ? ~std::uint64_t{15} : 0xFFFFFFF0U; }
+
+// Pages that cannot be read do not hide those behind them.
+std::vector<MemoryByte> ReadBytes(std::uint64_t address, std::size_t count) {
+    std::vector<MemoryByte> bytes(count);
+    std::vector<std::uint8_t> part(kPage);
+    for (std::size_t done = 0; done < count;) {
+        const std::uint64_t at = address + done;
+        const auto want = static_cast<std::size_t>(std::min<std::uint64_t>(count - done, kPage - at % kPage));
+        const std::size_t got = DebugReadSome(&g_app.debugger, at, part.data(), want);
+        std::copy_n(part.begin(), got, bytes.begin() + static_cast<std::ptrdiff_t>(done));
+        done += want;
+    }
+    return bytes;
+}
+
+std::size_t VisibleBytes() { return static_cast<std::size_t>(g_memory.rows) * kMemoryRow; }
+
+std::wstring RowText(std::size_t row) {
+    const std::size_t first = row * kMemoryRow;
+    if (first + kMemoryRow > g_memory.bytes.size()) return {};
+    return MemoryRowText(g_memory.top + first, g_memory.digits, std::span(g_memory.bytes).subspan(first, kMemoryRow));
+}
+
+void Fill(PaneContent& content) {
+    const PaneProgram& program = PaneProgramNow();
+    if (!program.registers) {
+        content.hint = L"The registers of this thread cannot be read.";
+        return;
+    }
+    if (program.processId != g_memory.processId) {
+        g_memory.filled = false;
+        g_memory.bytes.clear();
+    }
+    g_memory.processId = program.processId;
+    const bool x64 = g_app.debugger.isX64 != 0;
+    g_memory.digits = AddressDigits(x64);
+    const std::wstring expression = PaneAddressText();
+    const Evaluation address = PaneEvaluate(!expression.empty() ? expression : x64 ? L"RSP" : L"ESP");
+    content.problem = address.problem;
+    const std::uint64_t base = address.value.value_or(g_memory.base);
+    if (program.serial != g_memory.serial) {
+        g_memory.before = std::move(g_memory.bytes);
+        g_memory.beforeTop = g_memory.top;
+    }
+    if (!g_memory.filled || base != g_memory.base) {
+        g_memory.top = base;
+        g_memory.caretRow = base;
+        g_memory.caret = {};
+    }
+    g_memory.base = base;
+    g_memory.serial = program.serial;
+    g_memory.filled = true;
+    MemoryRead();
+}
+
+}  // namespace
+
+void MemoryRead() { g_memory.bytes = ReadBytes(g_memory.top, VisibleBytes()); }
+
+bool MemoryChanged(std::uint64_t address, const MemoryByte& now) {
+    const std::uint64_t offset = address - g_memory.beforeTop;
+    return offset < g_memory.before.size() && g_memory.before[static_cast<std::size_t>(offset)] != now;
+}
+
+bool MemoryWrite(wchar_t typed) {
+    const std::uint64_t address = g_memory.caretRow + static_cast<std::uint64_t>(g_memory.caret.index);
+    const std::vector<MemoryByte> old = ReadBytes(address, 1);
+    if (!PaneProgramNow().stopped || !old[0]) return false;
+    const auto byte = MemoryTyped(*old[0], g_memory.caret, typed);
+    if (!byte || !DebugWriteMem(&g_app.debugger, address, &*byte, 1)) return false;
+    MemoryRead();
+    return true;
+}
+
+void MemoryScroll(std::int64_t rows) {
+    if (!PaneProgramNow().stopped) return;
+    const std::uint64_t distance = static_cast<std::uint64_t>(rows < 0 ? -rows : rows) * kMemoryRow;
+    g_memory.top = rows < 0 ? g_memory.top - std::min(g_memory.top, distance)
+                            : g_memory.top + std::min(distance, HighestRow() - std::min(g_memory.top, HighestRow()));
+    MemoryRead();
+}
+
+void MemoryMoveCaret(std::int64_t bytes) {
+    const std::int64_t index = g_memory.caret.index + bytes;
+    std::int64_t rows = index / kMemoryRow;
+    if (index % kMemoryRow < 0) --rows;
+    const std::uint64_t distance = static_cast<std::uint64_t>(rows < 0 ? -rows : rows) * kMemoryRow;
+    if (rows < 0 ? g_memory.caretRow < distance : HighestRow() - g_memory.caretRow < distance) return;
+    g_memory.caretRow = rows < 0 ? g_memory.caretRow - distance : g_memory.caretRow + distance;
+    g_memory.caret.index = static_cast<int>(index - rows * kMemoryRow);
+    const auto whole = static_cast<std::uint64_t>(std::max(g_memory.rows - 1, 1)) * kMemoryRow;
+    if (g_memory.caretRow < g_memory.top) {
+        MemoryScroll(-static_cast<std::int64_t>((g_memory.top - g_memory.caretRow + kMemoryRow - 1) / kMemoryRow));
+    } else if (g_memory.caretRow - g_memory.top >= whole) {
+        MemoryScroll(static_cast<std::int64_t>((g_memory.caretRow - g_memory.top - whole) / kMemoryRow + 1));
+    }
+}
+
+void MemoryStepCaret(int step) {
+    MemoryCaret& caret = g_memory.caret;
+    if (caret.text) return MemoryMoveCaret(step);
+    if (caret.low == (step > 0)) MemoryMoveCaret(step);
+    caret.low = !caret.low;
+}
+
+std::wstring MemoryText() {
+    std::wstring text;
+    for (std::size_t row = 0; row < static_cast<std::size_t>(g_memory.rows); ++row) {
+        const std::wstring line = RowText(row);
+        if (!line.empty()) text += (text.empty() ? L"" : L"\r\n") + line;
+    }
+    return text;
+}
+
+std::wstring MemoryCaretRowText() {
+    return MemoryRowText(g_memory.caretRow, g_memory.digits, ReadBytes(g_memory.caretRow, kMemoryRow));
+}
+
+const PaneView kMemoryView = {
+    .title = L"Memory", .columns = {}, .ofStop = true, .hasAddress = true, .hasMarks = false, .fill = Fill};

@@ -1,0 +1,291 @@
+// The window of the memory view: rows of bytes that scroll without end and are typed over. Its text is what it shows, for
+// other programs. UI thread only.
+#include "debugui/pane_memory_view.h"
+
+#include "app/app_state.h"
+#include "app/shell.h"
+#include "debugger/debug_session.h"
+#include "debugui/pane_internal.h"
+#include "files/handles.h"
+#include "language/theme.h"
+#include "resources/ids.h"
+
+#include <uxtheme.h>
+#include <windowsx.h>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr wchar_t kClass[] = L"KVXEDebugMemory";
+constexpr int kPadding = 6;  // at 96 dpi
+// The scroll bar stands for a part of the address space around what is shown: after each move it goes back to the middle.
+constexpr int kScrollSteps = 2000, kScrollMiddle = kScrollSteps / 2;
+
+enum MenuCommand : UINT { kCopy = 1, kFollow, kBack };
+
+std::uint64_t g_dragTop = 0;  // first row when the thumb was taken
+bool g_dragging = false;
+
+int RowHeight() { return std::max(PaneFontsNow().fixedHeight, 1); }
+int CharacterWidth() { return PaneFontsNow().fixedWidth; }
+bool IsStale() { return !PaneProgramNow().stopped; }
+void Repaint() { InvalidateRect(g_memory.window, nullptr, FALSE); }
+
+void CentreThumb() {
+    SCROLLINFO info = {};
+    info.cbSize = sizeof(info);
+    info.fMask = SIF_RANGE | SIF_PAGE | SIF_POS;
+    info.nMax = kScrollSteps;
+    info.nPage = kScrollSteps / 20;
+    info.nPos = kScrollMiddle;
+    SetScrollInfo(g_memory.window, SB_VERT, &info, TRUE);
+}
+
+// --- Drawing
+
+void DrawCharacters(HDC dc, int x, int y, const std::wstring& row, int column, int count, COLORREF colour) {
+    SetTextColor(dc, colour);
+    ExtTextOutW(dc, x + column * CharacterWidth(), y, 0, nullptr, row.c_str() + column, static_cast<UINT>(count),
+                nullptr);
+}
+
+void DrawCaret(HDC dc, int x, int y) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    const MemoryCaret& caret = g_memory.caret;
+    const bool focused = GetFocus() == g_memory.window;
+    const int hex = MemoryHexColumn(g_memory.digits, caret.index);
+    const int text = MemoryTextColumn(g_memory.digits, caret.index);
+    const auto box = [&](int column, int count) {
+        return RECT{x + column * CharacterWidth(), y, x + (column + count) * CharacterWidth(), y + RowHeight()};
+    };
+    PaneFillRect(dc, box(hex, 2), chrome.hover);
+    PaneFillRect(dc, box(text, 1), chrome.hover);
+    if (!focused) return;
+    const RECT active = caret.text ? box(text, 1) : box(hex + (caret.low ? 1 : 0), 1);
+    PaneFillRect(dc, active, PaneMix(chrome.paneBack, chrome.accent, 55));
+}
+
+void DrawRow(HDC dc, int index, int x, int y) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    const std::size_t first = static_cast<std::size_t>(index) * kMemoryRow;
+    if (first + kMemoryRow > g_memory.bytes.size()) return;
+    const auto bytes = std::span(g_memory.bytes).subspan(first, kMemoryRow);
+    const std::uint64_t address = g_memory.top + first;
+    const std::wstring row = MemoryRowText(address, g_memory.digits, bytes);
+    if (address == g_memory.caretRow) DrawCaret(dc, x, y);
+    const COLORREF plain = IsStale() ? PaneQuietColour() : chrome.paneText;
+    DrawCharacters(dc, x, y, row, 0, g_memory.digits, IsStale() ? PaneQuietColour() : chrome.tabText);
+    for (int i = 0; i < kMemoryRow; ++i) {
+        const MemoryByte& byte = bytes[static_cast<std::size_t>(i)];
+        const bool changed = !IsStale() && MemoryChanged(address + static_cast<std::uint64_t>(i), byte);
+        const COLORREF colour = changed ? chrome.error : byte ? plain : PaneQuietColour();
+        DrawCharacters(dc, x, y, row, MemoryHexColumn(g_memory.digits, i), 2, colour);
+        DrawCharacters(dc, x, y, row, MemoryTextColumn(g_memory.digits, i), 1, colour);
+    }
+}
+
+void OnPaint(HWND window) {
+    PAINTSTRUCT paint = {};
+    const HDC dc = BeginPaint(window, &paint);
+    RECT client = {};
+    GetClientRect(window, &client);
+    const UniqueMemoryDc memory(CreateCompatibleDC(dc));
+    const UniqueBitmap bitmap(
+        CreateCompatibleBitmap(dc, std::max<int>(client.right, 1), std::max<int>(client.bottom, 1)));
+    const HGDIOBJ oldBitmap = SelectObject(memory.Get(), bitmap.Get());
+    const HGDIOBJ oldFont = SelectObject(memory.Get(), PaneFontsNow().fixed);
+    PaneFillRect(memory.Get(), client, ThemeCurrentChrome().paneBack);
+    SetBkMode(memory.Get(), TRANSPARENT);
+    for (int row = 0; row < g_memory.rows; ++row)
+        DrawRow(memory.Get(), row, PaneScaled(kPadding), PaneScaled(3) + row * RowHeight());
+    BitBlt(dc, 0, 0, client.right, client.bottom, memory.Get(), 0, 0, SRCCOPY);
+    SelectObject(memory.Get(), oldFont);
+    SelectObject(memory.Get(), oldBitmap);
+    EndPaint(window, &paint);
+}
+
+// --- Input
+
+void OnSize(int height) {
+    const int rows = std::max(1, (height - PaneScaled(3) + RowHeight() - 1) / RowHeight());
+    if (rows == g_memory.rows) return;
+    g_memory.rows = rows;
+    if (g_memory.filled && PaneProgramNow().stopped) MemoryRead();
+    Repaint();
+}
+
+void OnScroll(WPARAM wParam) {
+    SCROLLINFO info = {};
+    info.cbSize = sizeof(info);
+    info.fMask = SIF_TRACKPOS;
+    switch (LOWORD(wParam)) {
+        case SB_LINEUP: MemoryScroll(-1); break;
+        case SB_LINEDOWN: MemoryScroll(1); break;
+        case SB_PAGEUP: MemoryScroll(1 - g_memory.rows); break;
+        case SB_PAGEDOWN: MemoryScroll(g_memory.rows - 1); break;
+        case SB_THUMBTRACK:
+            if (!g_dragging) g_dragTop = g_memory.top;
+            g_dragging = true;
+            GetScrollInfo(g_memory.window, SB_VERT, &info);
+            g_memory.top = g_dragTop;
+            MemoryScroll(info.nTrackPos - kScrollMiddle);
+            break;
+        case SB_ENDSCROLL:
+            g_dragging = false;
+            CentreThumb();
+            break;
+        default: return;
+    }
+    Repaint();
+}
+
+void OnClick(POINT at) {
+    SetFocus(g_memory.window);
+    const int row = std::max<int>(0, (at.y - PaneScaled(3)) / RowHeight());
+    if (!g_memory.filled || row >= g_memory.rows) return;
+    g_memory.caretRow = g_memory.top + static_cast<std::uint64_t>(row) * kMemoryRow;
+    g_memory.caret = MemoryCaretAt(g_memory.digits, (at.x - PaneScaled(kPadding)) / std::max(CharacterWidth(), 1));
+    Repaint();
+}
+
+void OnWheel(int delta) {
+    MemoryScroll(-3 * delta / WHEEL_DELTA);
+    Repaint();
+}
+
+void ShowBase() {
+    g_memory.top = g_memory.caretRow = g_memory.base;
+    g_memory.caret = {};
+    MemoryScroll(0);
+}
+
+bool OnKey(WPARAM key) {
+    const bool control = GetKeyState(VK_CONTROL) < 0;
+    switch (key) {
+        case VK_LEFT:
+        case VK_RIGHT:
+            if (control)
+                g_memory.caret = {g_memory.caret.index, key == VK_RIGHT, false};
+            else
+                MemoryStepCaret(key == VK_RIGHT ? 1 : -1);
+            break;
+        case VK_UP: MemoryMoveCaret(-kMemoryRow); break;
+        case VK_DOWN: MemoryMoveCaret(kMemoryRow); break;
+        case VK_PRIOR: MemoryMoveCaret(-kMemoryRow * std::max(g_memory.rows - 1, 1)); break;
+        case VK_NEXT: MemoryMoveCaret(kMemoryRow * std::max(g_memory.rows - 1, 1)); break;
+        case VK_HOME:
+            if (control)
+                ShowBase();
+            else
+                g_memory.caret = {0, g_memory.caret.text, false};
+            break;
+        case VK_END: g_memory.caret = {kMemoryRow - 1, g_memory.caret.text, false}; break;
+        case 'C':
+            if (!control) return false;
+            PaneCopyText(MemoryCaretRowText());
+            break;
+        default: return false;
+    }
+    Repaint();
+    return true;
+}
+
+void OnCharacter(wchar_t typed) {
+    if (typed < L' ' || !g_memory.filled) return;
+    if (MemoryWrite(typed)) {
+        MemoryStepCaret(1);
+    } else {
+        StatusBarSetText(IsStale() ? L"The program is not stopped" : L"This byte cannot be written");
+        MessageBeep(MB_ICONWARNING);
+    }
+    Repaint();
+}
+
+// The number that stands at the caret, as an address to show.
+void FollowPointer() {
+    std::uint64_t address = 0;
+    const std::uint64_t at = g_memory.caretRow + static_cast<std::uint64_t>(g_memory.caret.index);
+    const std::size_t size = g_memory.digits == 16 ? 8 : 4;
+    if (!DebugReadMem(&g_app.debugger, at, &address, size)) return;
+    SetWindowTextW(GetDlgItem(g_app.hDebugPane, IDC_DEBUG_ADDRESS), (L"0x" + HexText(address, 1)).c_str());
+    DebugPaneInvalidate();
+}
+
+void OnContextMenu(POINT at) {
+    if (!g_memory.filled) return;
+    if (at.x == -1 && at.y == -1) {  // from the keyboard
+        const auto row = static_cast<int>((g_memory.caretRow - g_memory.top) / kMemoryRow) + 1;
+        at = {PaneScaled(kPadding) + MemoryHexColumn(g_memory.digits, g_memory.caret.index) * CharacterWidth(),
+              std::clamp(row, 0, g_memory.rows) * RowHeight()};
+        ClientToScreen(g_memory.window, &at);
+    }
+    const bool stopped = PaneProgramNow().stopped;
+    const std::array<PaneMenuItem, 3> items = {{{kCopy, L"&Copy Row\tCtrl+C"},
+                                                {kFollow, L"&Follow Address at Caret", stopped},
+                                                {kBack, L"&Back to Start\tCtrl+Home", stopped}}};
+    switch (PaneShowMenu(items, at)) {
+        case kCopy: PaneCopyText(MemoryCaretRowText()); break;
+        case kFollow: FollowPointer(); break;
+        case kBack: ShowBase(); break;
+        default: break;
+    }
+    Repaint();
+}
+
+LRESULT OnGetText(int capacity, wchar_t* out) {
+    if (capacity < 1) return 0;
+    lstrcpynW(out, MemoryText().c_str(), capacity);
+    return lstrlenW(out);
+}
+
+LRESULT CALLBACK MemoryProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_PAINT: OnPaint(window); return 0;
+        case WM_ERASEBKGND: return 1;
+        case WM_SIZE: OnSize(HIWORD(lParam)); return 0;
+        case WM_VSCROLL: OnScroll(wParam); return 0;
+        case WM_MOUSEWHEEL: OnWheel(GET_WHEEL_DELTA_WPARAM(wParam)); return 0;
+        case WM_LBUTTONDOWN: OnClick({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;
+        case WM_RBUTTONDOWN: OnClick({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); break;
+        case WM_CONTEXTMENU: OnContextMenu({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;
+        case WM_GETDLGCODE: return DLGC_WANTALLKEYS;
+        case WM_KEYDOWN:
+            if (PaneHandleFocusKey(window, wParam) || OnKey(wParam)) return 0;
+            break;
+        case WM_CHAR: OnCharacter(static_cast<wchar_t>(wParam)); return 0;
+        case WM_SETFOCUS:
+        case WM_KILLFOCUS: Repaint(); break;
+        case WM_GETTEXTLENGTH: return static_cast<LRESULT>(MemoryText().size());
+        case WM_GETTEXT: return OnGetText(static_cast<int>(wParam), reinterpret_cast<wchar_t*>(lParam));
+        case WM_NCDESTROY: g_memory = {}; break;
+        default: break;
+    }
+    return DefWindowProcW(window, message, wParam, lParam);
+}
+
+}  // namespace
+
+HWND PaneMemoryCreate(HWND parent) {
+    WNDCLASSEXW description = {};
+    description.cbSize = sizeof(description);
+    description.lpfnWndProc = MemoryProc;
+    description.hInstance = g_app.hInstance;
+    description.hCursor = LoadCursorW(nullptr, IDC_IBEAM);
+    description.lpszClassName = kClass;
+    if (RegisterClassExW(&description) == 0 && GetLastError() != ERROR_CLASS_ALREADY_EXISTS) return nullptr;
+    g_memory.window =
+        CreateWindowExW(0, kClass, nullptr, WS_CHILD | WS_CLIPSIBLINGS | WS_TABSTOP | WS_VSCROLL, 0, 0, 0, 0, parent,
+                        reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_DEBUG_TEXT)), g_app.hInstance, nullptr);
+    if (g_memory.window != nullptr) CentreThumb();
+    return g_memory.window;
+}
+
+void PaneMemoryApplyTheme() {
+    SetWindowTheme(g_memory.window, ThemeIsDark() ? L"DarkMode_Explorer" : L"Explorer", nullptr);
+    RECT client = {};
+    GetClientRect(g_memory.window, &client);
+    OnSize(client.bottom);
+    Repaint();
+}

@@ -1,0 +1,178 @@
+// What the views know of the program: the registers of the thread they show, names of places, lines of source. Read once
+// a refresh, and only from a program that is stopped. UI thread only.
+#include "debugui/pane_internal.h"
+
+#include "app/app_state.h"
+#include "debugger/debug_inspect.h"
+#include "debugui/location.h"
+#include "files/file_io.h"
+#include "files/handles.h"
+#include "files/path.h"
+#include "scintilla/sci.h"
+
+#include <psapi.h>
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <string_view>
+
+namespace {
+
+PaneProgram g_program;
+std::map<std::uint64_t, std::wstring> g_modules;              // by base, of the process that is debugged
+std::map<std::wstring, std::vector<std::wstring>> g_sources;  // by path, read once a session
+
+DebuggerState* State() { return &g_app.debugger; }
+
+void ForgetSession() {
+    g_modules.clear();
+    g_sources.clear();
+    g_program.registers.reset();
+    g_program.before.reset();
+    g_program.serial = 0;
+    g_program.chosenThread = 0;
+}
+
+void ReadRegisters() {
+    const std::uint64_t serial = State()->stopSerial;
+    const bool newStop = serial != g_program.serial;
+    if (newStop) g_program.chosenThread = 0;
+    const std::uint32_t thread = g_program.chosenThread != 0  ? g_program.chosenThread
+                                 : State()->stopThreadId != 0 ? State()->stopThreadId
+                                                              : State()->mainThreadId;
+    if (thread != g_program.thread) {
+        g_program.before.reset();  // another thread's registers say nothing about a change
+    } else if (newStop) {
+        g_program.before = g_program.registers;
+    }
+    g_program.thread = thread;
+    g_program.serial = serial;
+    RegisterSet registers;
+    g_program.registers.reset();
+    if (DebugGetRegisters(State(), thread, &registers)) g_program.registers = registers;
+}
+
+const std::wstring& ModuleName(std::uint64_t base) {
+    const auto known = g_modules.find(base);
+    if (known != g_modules.end()) return known->second;
+    wchar_t path[kPathCapacity] = {};
+    wchar_t name[kPathCapacity] = {};
+    GetModuleFileNameExW(State()->process, reinterpret_cast<HMODULE>(base), path, kPathCapacity);
+    PathGetFile(path, name, kPathCapacity);
+    return g_modules.emplace(base, name).first->second;
+}
+
+std::wstring ModulePlace(std::uint64_t address) {
+    MEMORY_BASIC_INFORMATION info = {};
+    if (VirtualQueryEx(State()->process, reinterpret_cast<const void*>(address), &info, sizeof(info)) == 0 ||
+        info.Type != MEM_IMAGE)
+        return {};
+    const auto base = reinterpret_cast<std::uint64_t>(info.AllocationBase);
+    const std::wstring& name = ModuleName(base);
+    return name.empty() ? std::wstring{} : name + L"+0x" + HexText(address - base, 1);
+}
+
+std::wstring Wide(std::string_view utf8) {
+    std::wstring text(utf8.size(), L'\0');
+    text.resize(
+        static_cast<std::size_t>(std::max(MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()),
+                                                              text.data(), static_cast<int>(text.size())),
+                                          0)));
+    return text;
+}
+
+std::wstring Trimmed(std::wstring text) {
+    const std::size_t first = text.find_first_not_of(L" \t\r\n");
+    if (first == std::wstring::npos) return {};
+    text = text.substr(first, text.find_last_not_of(L" \t\r\n") - first + 1);
+    std::ranges::replace(text, L'\t', L' ');
+    return text;
+}
+
+const std::vector<std::wstring>& FileOf(const std::wstring& path) {
+    const auto known = g_sources.find(path);
+    if (known != g_sources.end()) return known->second;
+    std::vector<std::wstring> file;
+    std::size_t length = 0;
+    const HeapBlock<char> bytes(ReadSourceFileForEditor(path.c_str(), &length, nullptr, nullptr));
+    std::string_view rest(bytes ? bytes.get() : "", bytes ? length : 0);
+    while (!rest.empty()) {
+        const std::size_t end = std::min(rest.find('\n'), rest.size());
+        file.push_back(Trimmed(Wide(rest.substr(0, end))));
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return g_sources.emplace(path, std::move(file)).first->second;
+}
+
+std::wstring EditorLine(HWND editor, std::uint32_t line) {
+    const auto index = static_cast<WPARAM>(line - 1);
+    if (static_cast<LRESULT>(line) > SciSend(editor, SCI_GETLINECOUNT)) return {};
+    std::string bytes(static_cast<std::size_t>(SciSend(editor, SCI_LINELENGTH, index)), '\0');
+    SciSend(editor, SCI_GETLINE, index, reinterpret_cast<LPARAM>(bytes.data()));
+    return Trimmed(Wide(bytes));
+}
+
+}  // namespace
+
+const PaneProgram& PaneProgramNow() { return g_program; }
+
+void PaneProgramRead() {
+    const DebuggerState& state = g_app.debugger;
+    if (state.active == 0 || state.processId != g_program.processId) ForgetSession();
+    g_program.session = state.active != 0;
+    g_program.stopped = g_program.session && state.run == DebugRun::Stopped;
+    g_program.processId = state.processId;
+    if (g_program.stopped) ReadRegisters();
+}
+
+void PaneChooseThread(std::uint32_t id) {
+    g_program.chosenThread = id;
+    DebugPaneInvalidate();
+}
+
+std::wstring PanePlaceText(std::uint64_t address) {
+    std::uint32_t file = 0;
+    std::uint32_t line = 0;
+    if (!DebugLineAt(State(), address, &file, &line)) return ModulePlace(address);
+    wchar_t name[kPathCapacity] = {};
+    PathGetFile(DebugFilePath(State(), file).c_str(), name, kPathCapacity);
+    return (*name != L'\0' ? std::wstring(name) + L":" : L"line ") + std::to_wstring(line);
+}
+
+std::wstring PaneSourceLine(std::uint32_t fileId, std::uint32_t line) {
+    const std::wstring path = DebugFilePath(State(), fileId);
+    if (path.empty() || line == 0) return {};
+    for (const DocumentTab& tab : g_app.tabs) {
+        if (tab.path[0] != L'\0' && PathEqualsIgnoreCase(tab.path, path)) return EditorLine(tab.editor, line);
+    }
+    const std::vector<std::wstring>& file = FileOf(path);
+    return line <= file.size() ? file[line - 1] : std::wstring{};
+}
+
+void PaneGoTo(std::uint32_t fileId, std::uint32_t line) {
+    if (line != 0) DebugGoTo(State(), fileId, static_cast<int>(line));
+}
+
+std::string PaneUtf8(const std::wstring& text) {
+    const HeapBlock<char> utf8(WideToUtf8(text.c_str()));
+    return utf8 ? utf8.get() : "";
+}
+
+Evaluation PaneEvaluate(const std::wstring& expression) {
+    if (!g_program.registers) return {.value = {}, .problem = L"No stopped program"};
+    return EvaluatePaneExpression(*g_program.registers, PaneUtf8(expression));
+}
+
+bool DebugRegisterTip(const wchar_t* word, wchar_t* out, int capacity) {
+    const DebuggerState& state = g_app.debugger;
+    if (word == nullptr || out == nullptr || capacity < 1 || state.active == 0 || state.run != DebugRun::Stopped)
+        return false;
+    // The pane may be hidden: it reads nothing then.
+    PaneProgramRead();
+    if (!g_program.registers) return false;
+    const std::wstring text = RegisterTipText(*g_program.registers, word);
+    if (text.empty()) return false;
+    lstrcpynW(out, text.c_str(), capacity);
+    return true;
+}

@@ -1,0 +1,69 @@
+// The registers of the thread that is shown; a general one takes another value. UI thread only.
+#include "debugui/pane_internal.h"
+
+#include "app/app_state.h"
+#include "debugger/debug_inspect.h"
+
+#include <array>
+
+namespace {
+
+enum Column : int { kName, kValue, kMeaning };
+constexpr std::array<PaneColumn, 3> kColumns = {{{L"Register", 10, true}, {L"Value", 33, true}, {L"As", 24, true}}};
+
+std::vector<PaneRow> g_rows;
+
+void Fill(PaneContent& content) {
+    const PaneProgram& program = PaneProgramNow();
+    if (!program.registers) {
+        content.hint = L"The registers of this thread cannot be read.";
+        return;
+    }
+    g_rows = RegisterPaneRows(*program.registers, program.before ? &*program.before : nullptr);
+    for (PaneRow& row : g_rows) {
+        if (row.cells[kName] == L"RIP" || row.cells[kName] == L"EIP")
+            row.cells[kMeaning] = PanePlaceText(program.registers->ip);
+    }
+    content.rows = g_rows;
+}
+
+std::wstring Commit(const std::wstring& name, const std::wstring& text) {
+    const PaneProgram& program = PaneProgramNow();
+    if (!program.stopped || !program.registers) return L"The program is not stopped";
+    const Evaluation typed = RegisterInput(*program.registers, PaneUtf8(text));
+    if (!typed.value) return typed.problem;
+    if (!DebugSetRegister(&g_app.debugger, program.thread, name.c_str(), *typed.value))
+        return L"The register cannot be written";
+    DebugPaneInvalidate();
+    return {};
+}
+
+void Begin(int row) {
+    const PaneProgram& program = PaneProgramNow();
+    if (row < 0 || row >= static_cast<int>(g_rows.size()) || !program.stopped) return;
+    const PaneRow& shown = g_rows[static_cast<std::size_t>(row)];
+    const std::wstring name = shown.cells[kName];
+    if (!IsGeneralRegister(g_app.debugger.isX64 != 0, name)) return;
+    const std::wstring& value = shown.cells[kValue];
+    const std::size_t first = std::min(value.find_first_not_of(L'0'), value.size() - 1);
+    PaneEditBegin(row, kValue, L"0x" + value.substr(first), false,
+                  [name](const std::wstring& text) { return Commit(name, text); });
+}
+
+// One click on a value selects its row; F2 edits it.
+void Edit(int row, int column) {
+    if (column == -1) Begin(row);
+}
+
+void Activate(int row, int) { Begin(row); }
+
+}  // namespace
+
+const PaneView kRegistersView = {.title = L"Registers",
+                                 .columns = kColumns,
+                                 .ofStop = true,
+                                 .hasAddress = false,
+                                 .hasMarks = false,
+                                 .fill = Fill,
+                                 .activate = Activate,
+                                 .edit = Edit};

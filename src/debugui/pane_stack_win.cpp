@@ -1,0 +1,46 @@
+// The call stack of the thread that is shown. UI thread only.
+#include "debugui/pane_internal.h"
+
+#include "app/app_state.h"
+#include "debugger/debug_inspect.h"
+
+#include <array>
+
+namespace {
+
+constexpr std::array<PaneColumn, 3> kColumns = {{{L"#", 3, true}, {L"Address", 16, true}, {L"Place", 30, true}}};
+
+std::vector<DebugFrame> g_frames;
+
+void Fill(PaneContent& content) {
+    const PaneProgram& program = PaneProgramNow();
+    g_frames = DebugFrames(&g_app.debugger, program.thread);
+    const int digits = AddressDigits(g_app.debugger.isX64 != 0);
+    for (std::size_t i = 0; i < g_frames.size(); ++i) {
+        const DebugFrame& frame = g_frames[i];
+        PaneRow row;
+        row.mark = i == 0 ? PaneMark::Current : PaneMark::None;
+        const std::wstring place = PanePlaceText(frame.address);
+        const std::wstring source = PaneSourceLine(frame.fileId, frame.line);
+        row.cells = {std::to_wstring(i), HexText(frame.address, digits),
+                     source.empty() ? place : place + L"  " + source};
+        content.rows.push_back(std::move(row));
+    }
+    if (content.rows.empty()) content.hint = L"The stack of this thread cannot be read.";
+}
+
+void Activate(int row, int) {
+    if (row < 0 || row >= static_cast<int>(g_frames.size())) return;
+    const DebugFrame& frame = g_frames[static_cast<std::size_t>(row)];
+    PaneGoTo(frame.fileId, frame.line);
+}
+
+}  // namespace
+
+const PaneView kStackView = {.title = L"Call Stack",
+                             .columns = kColumns,
+                             .ofStop = true,
+                             .hasAddress = false,
+                             .hasMarks = true,
+                             .fill = Fill,
+                             .activate = Activate};

@@ -1,0 +1,50 @@
+// The threads of the program; the chosen one is what stack, registers and disassembly show. UI thread only.
+#include "debugui/pane_internal.h"
+
+#include "app/app_state.h"
+#include "debugger/debug_inspect.h"
+
+#include <array>
+
+namespace {
+
+constexpr std::array<PaneColumn, 4> kColumns = {
+    {{L"Thread", 7, true}, {L"Kind", 14, false}, {L"Address", 16, true}, {L"Place", 26, true}}};
+
+std::vector<std::uint32_t> g_ids;
+
+void Fill(PaneContent& content) {
+    const DebuggerState& state = g_app.debugger;
+    const PaneProgram& program = PaneProgramNow();
+    g_ids.clear();
+    for (const DebugThread& thread : state.threads) {
+        RegisterSet registers;
+        const bool readable = DebugGetRegisters(&state, thread.id, &registers);
+        PaneRow row;
+        row.cells = {std::to_wstring(thread.id), thread.id == state.mainThreadId ? L"Main" : L"Worker",
+                     readable ? HexText(registers.ip, AddressDigits(state.isX64 != 0)) : L"",
+                     readable ? PanePlaceText(registers.ip) : L"<unreadable>"};
+        if (thread.id == state.stopThreadId) row.mark = PaneMark::Current;
+        if (thread.id == program.thread) {
+            if (row.mark == PaneMark::None) row.mark = PaneMark::Chosen;
+            row.cells[1] += L", shown";
+        }
+        g_ids.push_back(thread.id);
+        content.rows.push_back(std::move(row));
+    }
+    if (content.rows.empty()) content.hint = L"No threads.";
+}
+
+void Activate(int row, int) {
+    if (row >= 0 && row < static_cast<int>(g_ids.size())) PaneChooseThread(g_ids[static_cast<std::size_t>(row)]);
+}
+
+}  // namespace
+
+const PaneView kThreadsView = {.title = L"Threads",
+                               .columns = kColumns,
+                               .ofStop = true,
+                               .hasAddress = false,
+                               .hasMarks = true,
+                               .fill = Fill,
+                               .activate = Activate};

@@ -1,0 +1,117 @@
+// Rules of the watch list. Pure.
+#include "debugui/pane_watches.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <optional>
+
+namespace {
+
+template <typename View>
+View Trimmed(View text) {
+    while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
+    return text;
+}
+
+int DigitOf(char c) {
+    if (c >= '0' && c <= '9') return c - '0';
+    const char lower = static_cast<char>(c | 0x20);
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : 99;
+}
+
+// Digits of one base and nothing else; nothing beyond 64 bits.
+std::optional<std::uint64_t> Digits(std::string_view text, std::uint64_t base) {
+    if (text.empty()) return {};
+    std::uint64_t value = 0;
+    for (const char c : text) {
+        const auto digit = static_cast<std::uint64_t>(DigitOf(c));
+        if (digit >= base || value > (std::numeric_limits<std::uint64_t>::max() - digit) / base) return {};
+        value = value * base + digit;
+    }
+    return value;
+}
+
+bool StartsHex(std::string_view text) {
+    return text.size() > 2 &&
+           ((text[0] == '0' && (text[1] | 0x20) == 'x') || (text[0] == '&' && (text[1] | 0x20) == 'h'));
+}
+
+// A whole number of `bits` bits, signed or not.
+std::optional<std::uint64_t> Integer(std::string_view text, int bits) {
+    const bool negative = !text.empty() && text.front() == '-';
+    if (negative || (!text.empty() && text.front() == '+')) text.remove_prefix(1);
+    const auto value = StartsHex(text) ? Digits(text.substr(2), 16) : Digits(text, 10);
+    if (!value) return {};
+    const std::uint64_t highest = std::numeric_limits<std::uint64_t>::max() >> (64 - bits);
+    if (*value > (negative ? highest / 2 + 1 : highest)) return {};
+    return negative ? 0 - *value : *value;
+}
+
+template <typename Value>
+std::vector<std::uint8_t> BytesOf(Value value) {
+    std::vector<std::uint8_t> bytes(sizeof(value));
+    std::memcpy(bytes.data(), &value, sizeof(value));
+    return bytes;
+}
+
+WatchBytes TextBytes(std::string_view text, std::size_t room) {
+    if (text.size() >= 2 && text.front() == '"' && text.back() == '"') text = text.substr(1, text.size() - 2);
+    if (text.size() > room)
+        return {{}, L"Longer than the " + std::to_wstring(room) + L" bytes of the text that is there"};
+    WatchBytes result{{text.begin(), text.end()}, {}};
+    if (text.size() < room) result.bytes.push_back(0);
+    return result;
+}
+
+}  // namespace
+
+const wchar_t* WatchKindName(WatchKind kind) {
+    switch (kind) {
+        case WatchKind::Long: return L"LONG";
+        case WatchKind::Quad: return L"QUAD";
+        case WatchKind::Text: return L"Text";
+        case WatchKind::Double: return L"DOUBLE";
+    }
+    return L"";
+}
+
+bool WatchSetExpression(std::vector<Watch>& watches, std::size_t row, std::wstring_view expression) {
+    expression = Trimmed(expression);
+    if (row >= watches.size()) {
+        if (expression.empty()) return false;
+        watches.push_back({std::wstring(expression), WatchKind::Long, {}, {}});
+        return true;
+    }
+    if (watches[row].expression == expression) return false;
+    if (expression.empty())
+        watches.erase(watches.begin() + static_cast<std::ptrdiff_t>(row));
+    else
+        watches[row] = {std::wstring(expression), watches[row].kind, {}, {}};
+    return true;
+}
+
+std::wstring WatchEditText(WatchKind kind, std::wstring_view shown) {
+    if (kind == WatchKind::Text) {
+        if (shown.size() >= 2 && shown.front() == L'"' && shown.back() == L'"')
+            shown = shown.substr(1, shown.size() - 2);
+        return std::wstring(shown);
+    }
+    return std::wstring(shown.substr(0, shown.find(L" (")));
+}
+
+WatchBytes WatchBytesOf(WatchKind kind, std::string_view utf8, std::size_t room) {
+    if (kind == WatchKind::Text) return TextBytes(utf8, room);
+    const std::string text(Trimmed(utf8));
+    if (kind == WatchKind::Double) {
+        char* end = nullptr;
+        const double value = std::strtod(text.c_str(), &end);
+        if (text.empty() || *end != '\0') return {{}, L"Not a number"};
+        return {BytesOf(value), {}};
+    }
+    const bool isLong = kind == WatchKind::Long;
+    const auto value = Integer(text, isLong ? 32 : 64);
+    if (!value) return {{}, isLong ? L"Not a whole number of 32 bits" : L"Not a whole number of 64 bits"};
+    return {isLong ? BytesOf(static_cast<std::uint32_t>(*value)) : BytesOf(*value), {}};
+}
