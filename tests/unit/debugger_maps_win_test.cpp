@@ -1,0 +1,407 @@
+// Line maps from files: programs of the stand-in compilers, and files that are none.
+#include "app/log.h"
+#include "debugger/debug_session.h"
+#include "debugger/line_map.h"
+#include "debugger/pe_headers.h"
+#include "files/handles.h"
+#include "files/wide_format.h"
+#include "settings/compiler_id.h"
+
+#include "pe_bytes.h"
+
+#include <gtest/gtest.h>
+
+#include <winioctl.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using namespace std::string_literals;
+
+std::wstring g_said;
+
+class DebuggerMapsWin : public testing::Test {
+protected:
+    void SetUp() override {
+        static int count = 0;
+        root_ = fs::temp_directory_path() / FormatW(L"kvx-maps-%lu-%d", GetCurrentProcessId(), ++count);
+        fs::create_directories(root_);
+        g_said.clear();
+        DebugSetSink([](const std::wstring& text, COLORREF) { g_said += text; });
+        DebugSetSourcePath(L"");
+    }
+    void TearDown() override {
+        CloseLog();
+        SdbgFree(&map_);
+        DebugSetSourcePath(nullptr);
+        DebugSetSink(nullptr);
+        std::error_code failed;
+        fs::remove_all(root_, failed);
+        EXPECT_FALSE(failed) << failed.message();
+    }
+
+    fs::path Put(const fs::path& name, std::string_view bytes) const {
+        std::ofstream(root_ / name, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        return root_ / name;
+    }
+    static std::string Read(const fs::path& path) {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    void StartLog() const { OpenLog((root_.wstring() + L"\\").c_str()); }
+    // What stands in the log, without byte order mark and times.
+    std::vector<std::string> Logged() const {
+        CloseLog();
+        std::ifstream file(root_ / L"Editor_Detect.log");
+        std::vector<std::string> lines;
+        for (std::string line; std::getline(file, line);) {
+            if (!line.empty() && line.back() == '\r') line.pop_back();
+            lines.push_back(line.substr(line.find("] ") + 2));
+        }
+        return lines;
+    }
+    // Loads anew; whether a map came, what was said instead.
+    std::wstring Load(const fs::path& program, std::uint32_t compiler) {
+        SdbgFree(&map_);
+        g_said.clear();
+        const bool loaded = DebugLoadMap(program.c_str(), compiler, &map_);
+        EXPECT_EQ(loaded, map_.lines != nullptr && map_.lineCount > 0);
+        EXPECT_EQ(loaded, g_said.empty()) << "a failure, and only that, is told";
+        return loaded ? L"loaded" : g_said;
+    }
+
+    fs::path root_;
+    SdbgMap map_ = {};
+};
+
+const std::wstring kNoSection = L"[Debug] No .sdbg section found in EXE.\n";
+const std::wstring kNoUse = L"[Debug] PowerBASIC debug database contains no usable line map\n";
+
+std::string Program(const std::vector<pe_bytes::Record>& records) {
+    return pe_bytes::Image(true, 0x140000000, {{".text", 0x1000, "code"}, {".sdbg", 0x2000, pe_bytes::Sdbg2(records)}});
+}
+
+// --- What the compilers write
+
+bool RunToEnd(const std::wstring& commandLine) {
+    std::wstring line = commandLine;
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process = {};
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr, nullptr, &startup,
+                        &process))
+        return false;
+    const UniqueHandle thread(process.hThread);
+    const UniqueHandle handle(process.hProcess);
+    DWORD code = 1;
+    return WaitForSingleObject(process.hProcess, 60000) == WAIT_OBJECT_0 &&
+           GetExitCodeProcess(process.hProcess, &code) != FALSE && code == 0;
+}
+
+struct Compiler {
+    std::uint32_t id;
+    const wchar_t* file;
+    const wchar_t* arguments;  // program, source
+    std::uint64_t base;
+    bool files;
+};
+
+constexpr Compiler kCompilers[] = {
+    {kCompilerKvxa64, L"KVXA64\\kvxa64.exe", L"--debug -o \"%s\" \"%s\"", 0x140000000, true},
+    {kCompilerKvxb64, L"KVXB64\\KVXB64.exe", L"--debug -o \"%s\" \"%s\"", 0x140000000, true},
+    {kCompilerKvxc64, L"KVXC64\\KVXC64.exe", L"--debug -o \"%s\" \"%s\"", 0x140000000, true},
+    {kCompilerKvxa32, L"KVXA32\\KVXA32.exe", L"--debug -o \"%s\" \"%s\"", 0x400000, false},
+};
+
+constexpr std::string_view kSource =
+    "#COMPILE EXE\r\n"  // 1
+    "FUNCTION Twice(BYVAL n AS LONG) AS LONG\r\n"
+    "    FUNCTION = n + n\r\n"  // 3
+    "END FUNCTION\r\n"
+    "FUNCTION PBMAIN () AS LONG\r\n"  // 5
+    "    LOCAL i AS LONG\r\n"
+    "    ' a comment\r\n"  // 7
+    "    i = Twice(4)\r\n"
+    "    IF i > 7 THEN\r\n"  // 9
+    "        PRINT i\r\n"
+    "    ELSE\r\n"  // 11
+    "        PRINT 0\r\n"
+    "    END IF\r\n"  // 13
+    "END FUNCTION\r\n";
+
+std::wstring Dist() {
+    std::wstring path = L"" KVX_DIST_DIR "/";
+    for (wchar_t& c : path)
+        if (c == L'/') c = L'\\';
+    return path;
+}
+
+TEST_F(DebuggerMapsWin, OfEachCompiler) {
+    const fs::path source = Put(L"two parts.bas", kSource);
+    const fs::path program = root_ / L"two parts.exe";
+    for (const Compiler& compiler : kCompilers) {
+        SCOPED_TRACE(compiler.id);
+        ASSERT_TRUE(RunToEnd(L"\"" + Dist() + compiler.file + L"\" " +
+                             FormatW(compiler.arguments, program.c_str(), source.c_str())));
+        ASSERT_EQ(Load(program, compiler.id), L"loaded");
+        EXPECT_EQ(map_.imageBase, compiler.base);
+        EXPECT_EQ(map_.textRva, 0x1000U);
+        EXPECT_EQ(map_.textSize, 0U);
+        EXPECT_EQ(map_.nativeTrapMap + map_.neutralizeTraps, 0U);
+        EXPECT_NE(map_.byLine, nullptr);
+        EXPECT_EQ(map_.ascending, 1U);
+        for (const int line : {2, 3, 4, 5, 8, 9, 10, 12, 14}) {
+            const std::uint32_t rva = SdbgLineToRva(&map_, line);
+            EXPECT_GE(rva, map_.textRva) << line;
+            EXPECT_EQ(SdbgRvaToLine(&map_, rva), static_cast<std::uint32_t>(line));
+        }
+        for (const int line : {1, 7, 11, 15}) EXPECT_EQ(SdbgLineToRva(&map_, line), 0U) << line;
+        const char* const path = SdbgFileIdToPath(&map_, SdbgRvaToFileId(&map_, SdbgLineToRva(&map_, 8)));
+        EXPECT_EQ(path != nullptr && std::string_view(path).ends_with("two parts.bas"), compiler.files);
+    }
+}
+
+TEST_F(DebuggerMapsWin, OfTheCompilerWithTraps) {
+    const fs::path source = Put(L"traps.bas", kSource);
+    ASSERT_TRUE(RunToEnd(L"\"" + Dist() + L"KELDORRBASIC\\KeldorrBASIC.exe\" \"" + source.wstring() + L"\" /L /Q /D"));
+    const fs::path program = root_ / L"traps.exe";
+    ASSERT_EQ(Load(program, kCompilerKeldorBasic), L"loaded") << "the source beside the program";
+    EXPECT_EQ(map_.nativeTrapMap, 1U);
+    EXPECT_EQ(map_.neutralizeTraps, 0U);
+    EXPECT_EQ(map_.imageBase, 0x400000U);
+    EXPECT_EQ(map_.files, nullptr);
+
+    const std::string bytes = Read(program);
+    TextSectionInfo text;
+    ASSERT_TRUE(GetTextSectionInfo(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size(), &text));
+    EXPECT_EQ(map_.textSize, text.virtualSize);
+    std::vector<std::uint32_t> lines;
+    for (int i = 0; i < map_.lineCount; ++i) {
+        lines.push_back(map_.lines[i].line);
+        EXPECT_EQ(bytes.at(map_.lines[i].rva - text.virtualAddress + text.rawOffset), '\xCC') << lines.back();
+    }
+    EXPECT_EQ(lines, (std::vector<std::uint32_t>{6, 8, 9, 10, 12, 14}));
+    EXPECT_EQ(SdbgRvaToLine(&map_, map_.textRva + map_.textSize), 0U);
+
+    // Without its side file there is no map, whatever sections it has.
+    fs::remove(program.wstring() + L".pbd");
+    EXPECT_EQ(Load(program, kCompilerKeldorBasic),
+              L"[Debug] No PowerBASIC debug database found: " + program.wstring() + L".pbd\n");
+    EXPECT_EQ(Load(program, kCompilerKvxa32), kNoSection);
+}
+
+// --- Files that are none
+
+TEST_F(DebuggerMapsWin, ProgramsWithoutAMap) {
+    const std::string good = Program({{1, 5, 0x1000}});
+    ASSERT_EQ(Load(Put(L"good.exe", good), kCompilerKvxa64), L"loaded");
+    EXPECT_EQ(Load(root_ / L"missing.exe", kCompilerKvxa64), kNoSection);
+    EXPECT_EQ(Load(root_, kCompilerKvxa64), kNoSection) << "a folder";
+    EXPECT_EQ(Load(L"", kCompilerKvxa64), kNoSection);
+    EXPECT_EQ(Load(L"NUL", kCompilerKvxa64), kNoSection);
+    EXPECT_EQ(Load(Put(L"empty.exe", ""), kCompilerKvxa64), kNoSection);
+    EXPECT_EQ(Load(Put(L"text.exe", std::string(5000, 'x')), kCompilerKvxa64), kNoSection);
+    for (const std::size_t size :
+         {std::size_t{1}, std::size_t{70}, std::size_t{300}, std::size_t{1024}, good.size() - 1})
+        EXPECT_EQ(Load(Put(L"cut.exe", good.substr(0, size)), kCompilerKvxa64), kNoSection) << size;
+    EXPECT_EQ(Load(Put(L"none.exe", Program({})), kCompilerKvxa64), kNoSection) << "no records";
+
+    const fs::path held = Put(L"held.exe", good);
+    const struct {
+        DWORD access, share;
+        const wchar_t* expected;
+    } holders[] = {{GENERIC_READ, FILE_SHARE_READ, L"loaded"},
+                   {GENERIC_READ, 0, kNoSection.c_str()},
+                   {GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, kNoSection.c_str()}};
+    for (const auto& holder : holders) {
+        const UniqueHandle other(
+            CreateFileW(held.c_str(), holder.access, holder.share, nullptr, OPEN_EXISTING, 0, nullptr));
+        ASSERT_TRUE(other);
+        EXPECT_EQ(Load(held, kCompilerKvxa64), holder.expected) << holder.access << " " << holder.share;
+    }
+    Load(held, kCompilerKvxa64);
+    EXPECT_NE(DeleteFileW(held.c_str()), FALSE) << "the file is closed, the map still there";
+}
+
+TEST_F(DebuggerMapsWin, ProgramsAroundFourGigabytes) {
+    const std::uint64_t sizes[] = {0xFFFFFFFE, 0xFFFFFFFF, 0x100000000, 0x100010000};
+    const fs::path huge = Put(L"huge.exe", Program({{1, 5, 0x1000}}));
+    for (const std::uint64_t size : sizes) {
+        {
+            const UniqueHandle file(CreateFileW(huge.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+            DWORD ignored = 0;
+            DeviceIoControl(file.Get(), FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &ignored, nullptr);
+            LARGE_INTEGER end;
+            end.QuadPart = static_cast<LONGLONG>(size);
+            if (!SetFilePointerEx(file.Get(), end, nullptr, FILE_BEGIN) || !SetEndOfFile(file.Get()))
+                GTEST_SKIP() << "this disk holds no file of " << size << " bytes";
+        }
+        EXPECT_EQ(Load(huge, kCompilerKvxa64), size < 0xFFFFFFFF ? L"loaded" : kNoSection) << size;
+    }
+}
+
+TEST_F(DebuggerMapsWin, ALongPath) {
+    fs::path folder = L"\\\\?\\" + root_.wstring();
+    std::wstring path = root_.wstring();
+    for (int i = 0; i < 3; ++i) {
+        const std::wstring name(100, static_cast<wchar_t>(L'a' + i));
+        folder /= name;
+        path += L"\\" + name;
+        ASSERT_NE(CreateDirectoryW(folder.c_str(), nullptr), FALSE);
+    }
+    const std::string bytes = Program({{1, 5, 0x1000}});
+    {
+        const UniqueHandle file(
+            CreateFileW((folder / L"x.exe").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+        DWORD written = 0;
+        ASSERT_TRUE(WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr));
+    }
+    EXPECT_EQ(Load(path + L"\\x.exe", kCompilerKvxa64), L"loaded");
+    EXPECT_NE(DeleteFileW((folder / L"x.exe").c_str()), FALSE);
+    for (; folder.filename().wstring().size() == 100; folder = folder.parent_path()) RemoveDirectoryW(folder.c_str());
+}
+
+TEST_F(DebuggerMapsWin, WholeFiles) {
+    std::size_t size = 7;
+    const std::string bytes("a\0\n\xFF", 4);
+    const HeapBlock<std::uint8_t> block(ReadWholeFileW(Put(L"some", bytes).c_str(), &size));
+    ASSERT_TRUE(block);
+    EXPECT_EQ(std::string(block.get(), block.get() + size), bytes);
+    for (const fs::path& none : {Put(L"empty", ""), root_ / L"missing", root_, fs::path()}) {
+        size = 7;
+        EXPECT_EQ(ReadWholeFileW(none.c_str(), &size), nullptr) << none;
+        EXPECT_EQ(size, 0U) << none;
+    }
+    EXPECT_EQ(ReadWholeFileW(nullptr, &size), nullptr);
+}
+
+// --- Structural lines
+
+TEST_F(DebuggerMapsWin, StructuralLinesAreShownOnTheStatementBefore) {
+    const std::string basic =
+        "ELSE\nSUB PBMAIN\n  IF a THEN\n    b = 1\n  else\n    c = 1\n  End If ' so\nEND SUB\nELSE\n";
+    const fs::path source = Put(L"part.bas", basic);
+    const fs::path program = Put(L"part.exe", Program({{1, 1, 0x1000},  // nothing before it
+                                                       {1, 3, 0x1004},
+                                                       {1, 5, 0x1008},
+                                                       {2, 7, 0x100C},  // the file of a record is not asked
+                                                       {1, 9, 0x1010},
+                                                       {1, 0, 0x1014},
+                                                       {1, 0xFFFFFFFF, 0x1018}}));
+    const auto lines = [this] {
+        std::vector<std::uint32_t> found;
+        for (int i = 0; i < map_.lineCount; ++i) found.push_back(map_.lines[i].line);
+        return found;
+    };
+    using Lines = std::vector<std::uint32_t>;
+    const Lines untouched = {1, 3, 5, 7, 9, 0, 0xFFFFFFFF};
+    for (const fs::path& other :
+         {fs::path(), root_, root_ / L"missing.bas", Put(L"empty.bas", ""), Put(L"binary.bas", Read(program)),
+          Put(L"wide.bas", "\xFF\xFE" + std::string("E\0L\0S\0E\0\n\0", 10))}) {
+        DebugSetSourcePath(other.c_str());
+        ASSERT_EQ(Load(program, kCompilerKvxb64), L"loaded") << other;
+        EXPECT_EQ(lines(), untouched) << other;
+    }
+
+    DebugSetSourcePath(source.c_str());
+    StartLog();
+    ASSERT_EQ(Load(program, kCompilerKvxb64), L"loaded");
+    EXPECT_EQ(lines(), (Lines{1, 3, 4, 6, 8, 0, 0xFFFFFFFF}));
+    EXPECT_EQ(SdbgLineToRva(&map_, 6), 0x100CU) << "the index is that of the changed lines";
+    EXPECT_EQ(SdbgLineToRva(&map_, 7), 0U);
+    const std::string file = "DBG SdbgNormalize: file=" + source.string();
+    EXPECT_EQ(Logged(), (std::vector<std::string>{file + " rva=0x00001008 structuralLine=5 mappedLine=4",
+                                                  file + " rva=0x0000100C structuralLine=7 mappedLine=6",
+                                                  file + " rva=0x00001010 structuralLine=9 mappedLine=8"}));
+
+    std::uint32_t statements[4] = {};
+    EXPECT_EQ(CollectPbmainSourceLines(source.c_str(), statements, 4), 4);
+    EXPECT_EQ(statements[3], 8U);
+    EXPECT_EQ(CollectPbmainSourceLines(L"", statements, 4), 0);
+    EXPECT_TRUE(IsBasicControlOnlySourceLine(source.c_str(), 7));
+    EXPECT_FALSE(IsBasicControlOnlySourceLine(source.c_str(), 8));
+    EXPECT_FALSE(IsBasicControlOnlySourceLine(source.c_str(), -1));
+    EXPECT_FALSE(IsBasicControlOnlySourceLine(nullptr, 1));
+    EXPECT_EQ(PreviousPbmainExecutableLine(source.c_str(), 8), 6U);
+    EXPECT_EQ(PreviousPbmainExecutableLine(source.c_str(), 3), 0U);
+}
+
+// --- Side files
+
+TEST_F(DebuggerMapsWin, SideFiles) {
+    std::string side = "......PBMAIN..";
+    pe_bytes::Append(&side, 0x401050U);
+    pe_bytes::Append(&side, 0U);
+    const std::string code = std::string(0x50, '\x90') + "\xCC\x90\xCC\x90\xCC\x90\xCC";
+    const std::string good = pe_bytes::Image(false, 0x400000, {{".text", 0x1000, code}});
+    const std::string basic = "SUB PBMAIN\n\n  x = 1\n   ' note\nELSE\nEND SUB";
+    const fs::path program = Put(L"p.v2.exe", good);
+    const fs::path sideFile = Put(L"p.v2.exe.pbd", side);
+    const fs::path beside = Put(L"p.v2.bas", basic);
+
+    StartLog();
+    ASSERT_EQ(Load(program, kCompilerKeldorBasic), L"loaded");
+    EXPECT_EQ(map_.lineCount, 2);
+    EXPECT_EQ(map_.lines[1].line, 6U);
+    EXPECT_EQ(map_.lines[1].rva, 0x1052U);
+    EXPECT_EQ(SdbgLineToRva(&map_, 6), 0x1052U);
+    const fs::path other = Put(L"other.txt", "FUNCTION PBMAIN\r\nEND FUNCTION\r\n");
+    DebugSetSourcePath(other.c_str());
+    ASSERT_EQ(Load(program, kCompilerKeldorBasic), L"loaded");
+    EXPECT_EQ(map_.lineCount, 1) << "the source that is debugged, not the one beside";
+
+    DebugSetSourcePath((root_ / L"gone.bas").c_str());
+    EXPECT_EQ(Load(program, kCompilerKeldorBasic), kNoUse);
+    DebugSetSourcePath(L"");
+    const struct {
+        const char* name;
+        std::string program, side, source;
+    } cases[] = {
+        {"an empty program", "", side, basic},
+        {"a program without code", pe_bytes::Image(false, 0x400000, {}), side, basic},
+        {"no traps", pe_bytes::Image(false, 0x400000, {{".text", 0x1000, "\x90"}}), side, basic},
+        {"an empty side file", good, "", basic},
+        {"a side file without the name", good, "......pbmain........", basic},
+        {"an empty source", good, side, ""},
+        {"no statements", good, side, "SUB MAIN\nx = 1\nEND SUB\n"},
+        {"a source in UTF-16", good, side, std::string("S\0U\0B\0 \0P\0B\0M\0A\0I\0N\0\n\0x\0", 24)},
+    };
+    for (const auto& c : cases) {
+        Put(L"p.v2.exe", c.program);
+        Put(L"p.v2.exe.pbd", c.side);
+        Put(L"p.v2.bas", c.source);
+        EXPECT_EQ(Load(program, kCompilerKeldorBasic), kNoUse) << c.name;
+    }
+    Put(L"p.v2.exe", good);
+    Put(L"p.v2.exe.pbd", side);
+    Put(L"p.v2.bas", basic);
+    EXPECT_EQ(Load(program, kCompilerKeldorBasic), L"loaded") << "all is as it was";
+    {
+        const UniqueHandle held(CreateFileW(sideFile.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+        EXPECT_EQ(Load(program, kCompilerKeldorBasic), kNoUse);
+    }
+    fs::remove(sideFile);
+    fs::create_directory(sideFile);
+    EXPECT_EQ(Load(program, kCompilerKeldorBasic),
+              L"[Debug] No PowerBASIC debug database found: " + sideFile.wstring() + L"\n")
+        << "a folder is no side file";
+
+    const std::vector<std::string> log = Logged();
+    ASSERT_GE(log.size(), 3U);
+    const std::string names = "pbd=" + sideFile.string() + " source=";
+    EXPECT_EQ(log[0], "DBG PbdLoad: " + names + beside.string() +
+                          " lines=2 traps=4 map=2 imageBase=0x400000 startRva=0x00001050 firstLine=3 "
+                          "firstRva=0x00001050");
+    EXPECT_EQ(log[2], "FAIL: PbdLoad unusable " + names + (root_ / L"gone.bas").string() + " lineCount=0 trapCount=0");
+    EXPECT_EQ(log[5], "FAIL: PbdLoad unusable " + names + beside.string() + " lineCount=2 trapCount=0");
+}
+
+}  // namespace
