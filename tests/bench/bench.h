@@ -98,3 +98,4 @@ void MeasureStart();
 void MeasureKeys();
 void MeasureOutput();
 void MeasureStop();
+void MeasureDebugger();

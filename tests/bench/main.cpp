@@ -1,4 +1,4 @@
-// Measures KVX-Editor beside the floor program:  bench [start] [keys] [output] [stop]   (nothing named: all)
+// Measures KVX-Editor beside the floor program:  bench [start] [keys] [output] [stop] [debugger]   (nothing named: all)
 #include "bench.h"
 
 #include <cstdio>
@@ -11,8 +11,11 @@ struct Measurement {
     const char* name;
     void (*run)();
 };
-constexpr Measurement kMeasurements[] = {
-    {"start", MeasureStart}, {"keys", MeasureKeys}, {"output", MeasureOutput}, {"stop", MeasureStop}};
+constexpr Measurement kMeasurements[] = {{"start", MeasureStart},
+                                         {"keys", MeasureKeys},
+                                         {"output", MeasureOutput},
+                                         {"stop", MeasureStop},
+                                         {"debugger", MeasureDebugger}};
 
 bool Wanted(int argc, char** argv, const std::string& name) {
     for (int i = 1; i < argc; ++i)
@@ -27,7 +30,8 @@ int main(int argc, char** argv) {
         bool known = false;
         for (const Measurement& m : kMeasurements) known = known || std::string(m.name) == argv[i];
         if (!known) {
-            std::fprintf(stderr, "bench: there is no measurement \"%s\"; there are start, keys, output, stop\n",
+            std::fprintf(stderr,
+                         "bench: there is no measurement \"%s\"; there are start, keys, output, stop, debugger\n",
                          argv[i]);
             return 2;
         }
