@@ -1,0 +1,219 @@
+// Debugging a sample for real: breakpoints, the stops and what the window shows of them, the end.
+#include "harness.h"
+
+#include <Scintilla.h>
+#include <commctrl.h>
+
+#include "resources/ids.h"
+#include "scintilla/margins.h"
+
+namespace {
+
+constexpr int kBuildDeadline = 60000;
+
+std::string Sample() {
+    const std::optional<std::string> text = ReadBytes(Wide(KVX_ROOT_DIR "/samples/steps.bas"));
+    EXPECT_TRUE(text) << "samples/steps.bas is missing";
+    return text.value_or("");
+}
+
+struct DebugFolder : ProgramFolder {
+    std::wstring source;
+    explicit DebugFolder(std::string_view text = "") : ProgramFolder(kCompilers) {
+        SetIni(L"Editor", L"AutoSaveEnabled", L"0");
+        SetIni(L"Editor", L"RestoreLastSession", L"0");
+        source = Write(L"steps.bas", text.empty() ? Sample() : text);
+    }
+    std::wstring Arguments() const { return L" --open \"" + source + L"\" --compiler kvxa64"; }
+};
+
+// Marker bits of a line (from 1) of the active editor.
+int Markers(const Editor& editor, int line) {
+    return static_cast<int>(editor.Sci(SCI_MARKERGET, static_cast<WPARAM>(line - 1)));
+}
+bool Marked(const Editor& editor, int line, int marker) { return (Markers(editor, line) >> marker & 1) != 0; }
+int LineMarked(const Editor& editor, int marker) {
+    return static_cast<int>(editor.Sci(SCI_MARKERNEXT, 0, LPARAM{1} << marker)) + 1;
+}
+
+void GoTo(const Editor& editor, int line) { editor.Sci(SCI_GOTOLINE, static_cast<WPARAM>(line - 1)); }
+void ToggleBreakpoint(const Editor& editor, int line) {
+    GoTo(editor, line);
+    editor.Do(IDM_DEBUG_BREAKPOINT);
+}
+
+bool AwaitStatus(const Editor& editor, const std::wstring& text, int milliseconds = kDeadline) {
+    const bool came = WaitFor([&] { return editor.Status(0) == text; }, milliseconds);
+    EXPECT_TRUE(came) << "status: " << Utf8(editor.Status(0)) << "\n" << editor.Describe();
+    return came;
+}
+
+// The program stands at the line, and the window says so everywhere.
+void ExpectStopAt(const Editor& editor, int line) {
+    SCOPED_TRACE("line " + std::to_string(line));
+    ASSERT_TRUE(AwaitStatus(editor, L"Stopped at steps.bas:" + std::to_wstring(line), kBuildDeadline));
+    EXPECT_EQ(LineMarked(editor, kMarkCurrent), line);
+    EXPECT_EQ(LineMarked(editor, kMarkCurrentLine), line);
+    EXPECT_EQ(editor.Line(), line);
+}
+
+bool ButtonShown(const Editor& editor, int command) {
+    return editor.Send(editor.Child(IDC_TOOLBAR), TB_ISBUTTONHIDDEN, static_cast<WPARAM>(command)) == 0;
+}
+bool ButtonWorks(const Editor& editor, int command) {
+    return editor.Send(editor.Child(IDC_TOOLBAR), TB_ISBUTTONENABLED, static_cast<WPARAM>(command)) != 0;
+}
+
+const std::string kEndless =
+    "FUNCTION PBMAIN () AS LONG\r\n    LOCAL i AS LONG\r\n    DO\r\n        i = i + 1\r\n        SLEEP 5\r\n"
+    "    LOOP\r\n    FUNCTION = i\r\nEND FUNCTION\r\n";
+
+}  // namespace
+
+TEST(Debug, StepsThroughASample) {
+    const DebugFolder folder;
+    Editor editor(folder, folder.Arguments());
+    EXPECT_TRUE(ButtonShown(editor, IDM_DEBUG_BUTTON_START) && !ButtonShown(editor, IDM_DEBUG_BUTTON_STOP));
+    ToggleBreakpoint(editor, 13);
+    ToggleBreakpoint(editor, 11);  // a comment
+    ToggleBreakpoint(editor, 33);
+    ToggleBreakpoint(editor, 33);
+    EXPECT_TRUE(Marked(editor, 13, kMarkBreakpoint) && !Marked(editor, 33, kMarkBreakpoint));
+
+    editor.Do(IDM_DEBUG_START);
+    ASSERT_TRUE(editor.AwaitOutput(L"[Debug] Started. Breakpoint at line 9.\n", kBuildDeadline)) << editor.Describe();
+    ExpectStopAt(editor, 9);
+    EXPECT_TRUE(editor.AwaitOutput(L"[Debug] Reached line 9.\n[Debug] Stopped at steps.bas:9\n"));
+    EXPECT_EQ(CountProcesses(L"steps.exe"), 1);
+    EXPECT_TRUE(Marked(editor, 11, kMarkHollow)) << "a comment has no code";
+    EXPECT_FALSE(Marked(editor, 13, kMarkHollow));
+    EXPECT_TRUE(IsWindowVisible(editor.Child(IDC_DEBUG_PANE)));
+    EXPECT_TRUE(WaitFor([&] { return !ButtonShown(editor, IDM_DEBUG_BUTTON_START); }));
+    EXPECT_TRUE(ButtonShown(editor, IDM_DEBUG_BUTTON_STOP) && ButtonWorks(editor, IDM_DEBUG_BUTTON_STEP_OVER));
+
+    editor.Do(IDM_BUILD);
+    EXPECT_TRUE(AwaitStatus(editor, L"End the debug session first (Shift+F5)"));
+    EXPECT_TRUE(editor.AwaitOutput(L"Not built: "));
+
+    editor.Do(IDM_DEBUG_CONTINUE);
+    ExpectStopAt(editor, 13);
+    editor.Do(IDM_DEBUG_STEP_OVER);
+    ExpectStopAt(editor, 14);
+    GoTo(editor, 15);
+    editor.Do(IDM_DEBUG_RUN_TO_CURSOR);
+    ExpectStopAt(editor, 15);
+    EXPECT_TRUE(editor.AwaitOutput(L"[Debug] Stopped at steps.bas:15 (run to cursor)\n"));
+
+    ToggleBreakpoint(editor, 5);  // at once, in a running session
+    editor.Do(IDM_DEBUG_CONTINUE);
+    ExpectStopAt(editor, 13);
+    editor.Do(IDM_DEBUG_CONTINUE);
+    ExpectStopAt(editor, 5);
+    editor.Do(IDM_DEBUG_STEP_OUT);
+    EXPECT_TRUE(editor.AwaitOutput(L" (step out)\n"));
+    editor.Do(IDM_DEBUG_REGISTERS);
+    EXPECT_TRUE(editor.AwaitOutput(L"=== Registers ===\n"));
+    editor.Do(IDM_DEBUG_REMOVE_BREAKPOINTS);
+    EXPECT_EQ(LineMarked(editor, kMarkBreakpoint), 0);
+
+    editor.Do(IDM_DEBUG_CONTINUE);
+    EXPECT_TRUE(AwaitStatus(editor, L"Exited with code 3"));
+    EXPECT_TRUE(editor.AwaitOutput(L"[Debug] Process exited.\n"));
+    EXPECT_EQ(LineMarked(editor, kMarkCurrent), 0);
+    EXPECT_EQ(LineMarked(editor, kMarkCurrentLine), 0);
+    EXPECT_FALSE(IsWindowVisible(editor.Child(IDC_DEBUG_PANE))) << "it was hidden before the session";
+    EXPECT_TRUE(WaitFor([&] { return ButtonShown(editor, IDM_DEBUG_BUTTON_START); }));
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+TEST(Debug, FollowsARunningProgramAndEndsIt) {
+    const DebugFolder folder(kEndless);
+    Editor editor(folder, folder.Arguments());
+    editor.Do(IDM_DEBUG_BUILD_START);
+    ExpectStopAt(editor, 1);
+    editor.Do(IDM_DEBUG_CONTINUE);
+    ASSERT_TRUE(AwaitStatus(editor, L"Running"));
+    EXPECT_EQ(LineMarked(editor, kMarkCurrent), 0) << "it stands nowhere";
+    EXPECT_TRUE(WaitFor([&] { return ButtonShown(editor, IDM_DEBUG_PAUSE); }));
+    EXPECT_FALSE(ButtonShown(editor, IDM_DEBUG_CONTINUE));
+    const std::wstring before = editor.Output();
+    editor.Do(IDM_DEBUG_STEP_OVER);  // refused
+    EXPECT_EQ(editor.Status(0), L"Running");
+    EXPECT_EQ(editor.Output(), before);
+
+    ToggleBreakpoint(editor, 4);  // planted while it runs; the stop comes by itself
+    ExpectStopAt(editor, 4);
+    ToggleBreakpoint(editor, 4);
+    editor.Do(IDM_DEBUG_CONTINUE);
+    ASSERT_TRUE(AwaitStatus(editor, L"Running"));
+    editor.Do(IDM_DEBUG_PAUSE);
+    EXPECT_TRUE(editor.AwaitOutput(L" (paused)\n")) << editor.Describe();
+    editor.Do(IDM_DEBUG_START);  // ends a session
+    EXPECT_TRUE(AwaitStatus(editor, L"Debugging stopped"));
+    EXPECT_TRUE(editor.AwaitOutput(L"[Debug] Stopped.\n"));
+    EXPECT_TRUE(WaitFor([] { return CountProcesses(L"steps.exe") == 0; }));
+
+    // Closing the window ends it as well.
+    editor.Do(IDM_DEBUG_BUILD_START);
+    ExpectStopAt(editor, 1);
+    editor.Do(IDM_DEBUG_CONTINUE);
+    ASSERT_TRUE(AwaitStatus(editor, L"Running"));
+    EXPECT_EQ(editor.Close(), 0u);
+    EXPECT_TRUE(WaitFor([] { return CountProcesses(L"steps.exe") == 0; }));
+}
+
+// A breakpoint belongs to its line's text, through whatever happens to the file.
+TEST(Debug, BreakpointsStayWithTheirLines) {
+    const DebugFolder folder;
+    const std::wstring other = folder.Write(L"other.bas", "PRINT 1\r\n");
+    Editor editor(folder, folder.Arguments() + L" --open \"" + other + L"\"");
+    editor.Do(IDM_NEXT_TAB);
+    ASSERT_EQ(editor.TabLabel(editor.ActiveTab()), L"steps.bas");
+    ToggleBreakpoint(editor, 13);
+    editor.Sci(SCI_GOTOPOS, 0);
+    editor.Type("' one more line\r\n");
+    EXPECT_EQ(LineMarked(editor, kMarkBreakpoint), 14);
+    editor.Do(IDM_EDIT_FORMAT_DOCUMENT);
+    EXPECT_EQ(LineMarked(editor, kMarkBreakpoint), 14) << "after formatting";
+    editor.Do(IDM_FILE_SAVE);
+    editor.Do(IDM_FILE_RELOAD);
+    EXPECT_EQ(LineMarked(editor, kMarkBreakpoint), 14) << "after reloading";
+    editor.Do(IDM_FILE_CLOSE);
+    ASSERT_EQ(editor.Tabs(), 1);
+    editor.Post(IDM_FILE_OPEN);
+    editor.AnswerFileDialog(folder.source);
+    ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == 2; }));
+    EXPECT_EQ(LineMarked(editor, kMarkBreakpoint), 14) << "after closing and opening";
+
+    // Clicks into the margin do as F9 does.
+    const LRESULT y = editor.Sci(SCI_POINTYFROMPOSITION, 0, editor.Sci(SCI_POSITIONFROMLINE, 15));
+    const LRESULT x = editor.Sci(SCI_GETMARGINWIDTHN, kMarginNumbers) + 8;
+    editor.Foreground();
+    editor.Click(editor.Sci(), {static_cast<LONG>(x), static_cast<LONG>(y) + 6});
+    EXPECT_TRUE(WaitFor([&] { return Marked(editor, 16, kMarkBreakpoint); }));
+
+    // A condition: too long a one is refused in the dialog; a good one shows.
+    GoTo(editor, 16);
+    editor.Post(IDM_DEBUG_CONDITIONAL);
+    Dialog dialog = editor.AwaitDialog(L"Conditional Breakpoint");
+    SetDlgItemTextW(dialog.window, IDC_CONDITION_TEXT, std::wstring(40, L'\u00E4').c_str());
+    SendMessageW(dialog.window, WM_COMMAND, IDOK, 0);
+    EXPECT_TRUE(IsWindow(dialog.window));
+    EXPECT_NE(editor.TextOf(GetDlgItem(dialog.window, IDC_CONDITION_PROBLEM)).find(L"80 bytes"), std::wstring::npos);
+    SetDlgItemTextW(dialog.window, IDC_CONDITION_TEXT, L"2 > 3");
+    editor.Press(dialog, IDOK);
+    EXPECT_TRUE(WaitFor([&] { return Marked(editor, 16, kMarkConditional); }));
+
+    // It never holds, so only the other one stops.
+    editor.Do(IDM_USE_KVXA64);
+    editor.Do(IDM_DEBUG_BUILD_START);
+    ExpectStopAt(editor, 10);
+    editor.Do(IDM_DEBUG_CONTINUE);
+    ExpectStopAt(editor, 14);
+    editor.Do(IDM_DEBUG_CONTINUE);
+    EXPECT_TRUE(editor.AwaitOutput(L"[Debug] Stopped at steps.bas:14\n"));
+    ExpectStopAt(editor, 14);
+    EXPECT_EQ(editor.Output().find(L"steps.bas:16"), std::wstring::npos);
+    EXPECT_EQ(editor.Close(), 0u);
+    EXPECT_TRUE(WaitFor([] { return CountProcesses(L"steps.exe") == 0; }));
+}
