@@ -2,6 +2,7 @@
 #include "app/main_window.h"
 
 #include "app/app_state.h"
+#include "app/asm_renderer.h"
 #include "app/layout.h"
 #include "app/shell.h"
 #include "build/output_pane.h"
@@ -164,6 +165,7 @@ bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create) {
     ToolbarUpdateAi();
     StartTimers(window);
     DebugUiInit();
+    AsmRendererInstall();
     PostMessageW(window, MSG_STARTUP, 0, 0);
     CaptureSplitterRatio();
     MainWindow_Layout();  // hides what the settings switch off

@@ -23,7 +23,7 @@ void LeaveHiddenPane() {
     if (focus != nullptr && !IsWindowVisible(focus) && IsChild(g_app.hMainWnd, focus)) FocusCurrentEditor();
 }
 
-// The pane holds what it showed last; when it opens after a build that wrote a listing, it shows that.
+// The pane holds what it showed last; when it opens after a build that wrote a listing or a program, it shows that.
 void ShowAsmPane(bool show) {
     g_app.showAsmPane = show;
     MainWindow_Layout();
@@ -32,8 +32,10 @@ void ShowAsmPane(bool show) {
     EnterCriticalSection(&g_buildCs);
     const std::wstring source = g_app.build.sourcePath;
     const std::wstring listing = g_app.build.listingPath;
+    const std::wstring program = g_app.build.outputPath;
     LeaveCriticalSection(&g_buildCs);
-    if (!source.empty() && FileExists(listing.c_str())) AsmPaneLoad(source.c_str(), listing.c_str());
+    if (!source.empty() && (FileExists(listing.c_str()) || FileExists(program.c_str())))
+        AsmPaneLoad(source.c_str(), listing.c_str());
 }
 
 void SetTheme(int theme) {

@@ -1,13 +1,13 @@
 #include "build/asm_pane.h"
 
 #include "app/app_state.h"
+#include "build/build_paths.h"
 #include "build/build_stage.h"
 #include "build/output_pane.h"
 #include "build/output_queue.h"
 #include "build/rich_lines.h"
-#include "files/file_io.h"
-#include "files/handles.h"
 #include "files/wide_format.h"
+#include "scintilla/sci.h"
 
 #include <richedit.h>
 
@@ -15,38 +15,61 @@
 
 namespace {
 
-constexpr std::size_t kLinesKept = 20000;  // for the reasons given in kept_lines.h
+constexpr unsigned kShutdownWaitMs = 1000;
 
-struct AsmFeed {
+struct AsmPane {
     OutputQueue queue;
+    AsmFeedPtr feed;        // null: nothing is being made
     std::size_t lines = 0;  // shown
     BlockSize block;
 };
-AsmFeed g_asm;
+AsmPane g_asm;
 AsmRenderer g_renderer = nullptr;
 
 void Add(std::wstring text) {
     if (!text.empty()) g_asm.queue.chunks.push_back({.text = std::move(text)});
 }
 
-void AddListing(const wchar_t* listing) {
-    std::size_t length = 0;
-    const HeapBlock<char> bytes(ReadFileUtf8(listing, &length));
-    if (bytes == nullptr) {
-        Add(L"(No compiler ASMOUT file was found. Enable ASM output and use /ASMOUT:{asm} for "
-            L"KeldorBasic/KVXA32.)\r\n");
-        return;
-    }
-    if (const HeapBlock<wchar_t> text{Utf8ToWide(bytes.get())}) Add(text.get());
-    if (g_renderer == nullptr) return;
-    if (const HeapBlock<wchar_t> rendered{g_renderer(listing)}) Add(std::wstring(L"\r\n") + rendered.get());
+void TakeFromFeed() {
+    if (g_asm.feed == nullptr) return;
+    std::deque<std::wstring> pieces;
+    if (!AsmFeedTake(*g_asm.feed, &pieces)) g_asm.feed = nullptr;
+    for (std::wstring& piece : pieces) Add(std::move(piece));
+}
+
+// The program of the last build when that was of this source.
+std::wstring ProgramOf(const wchar_t* source) {
+    EnterCriticalSection(&g_buildCs);
+    std::wstring program = SamePathText(g_app.build.sourcePath, source) ? g_app.build.outputPath : L"";
+    LeaveCriticalSection(&g_buildCs);
+    return program;
+}
+
+AsmRequest RequestFor(const wchar_t* source, const wchar_t* listing) {
+    AsmRequest request = {.source = source, .listing = listing, .program = ProgramOf(source), .caretFile = L""};
+    if (!IsTabIndex(g_app.activeTab)) return request;
+    request.caretFile = g_app.tabs[static_cast<std::size_t>(g_app.activeTab)].path;
+    const LRESULT caret = SciSend(g_app.hEditor, SCI_GETCURRENTPOS);
+    request.caretLine = static_cast<int>(SciSend(g_app.hEditor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(caret))) + 1;
+    return request;
+}
+
+// Inserting scrolls to the insertion; the reader stays where they are.
+void AppendInPlace(const std::vector<PaneLine>& block) {
+    HWND pane = g_app.hAsmPane;
+    const LRESULT before = SendMessageW(pane, EM_GETFIRSTVISIBLELINE, 0, 0);
+    RichLinesAppend(pane, block);
+    const LRESULT after = SendMessageW(pane, EM_GETFIRSTVISIBLELINE, 0, 0);
+    if (after != before) SendMessageW(pane, EM_LINESCROLL, 0, before - after);
 }
 
 }  // namespace
 
 void AsmPaneSetRenderer(AsmRenderer renderer) { g_renderer = renderer; }
+AsmRenderer AsmPaneRenderer() { return g_renderer; }
 
 void AsmPaneClear() {
+    if (g_asm.feed != nullptr) AsmFeedCancel(*g_asm.feed);
     HWND pane = RichPaneEmptied(g_app.hAsmPane, g_asm.lines);
     if (pane != g_app.hAsmPane) {
         ShowTimerStart();
@@ -62,28 +85,32 @@ void AsmPaneLoad(const wchar_t* source, const wchar_t* listing) {
     SendMessageW(g_app.hAsmPane, EM_SETUNDOLIMIT, 0, 0);
     SendMessageW(g_app.hAsmPane, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
     Add(FormatW(L"=== Assembly Output ===\r\nSource: %s\r\nASMOUT: %s\r\n\r\n", source, listing));
-    AddListing(listing);
+    g_asm.feed = AsmFeedStart(RequestFor(source, listing));
+    if (g_asm.feed == nullptr) Add(L"(The listing cannot be read now: no thread could be started.)\r\n");
     ShowTimerStart();
 }
 
 void AsmPaneShowNext() {
     if (AsmPaneIsEmpty()) return;
+    TakeFromFeed();
     std::vector<PaneLine> block;
     QueuedLine line;
     int chunksDone = 0;
     while (block.size() < g_asm.block.lines && OutputQueueNext(g_asm.queue, &line, &chunksDone))
         block.push_back({.text = std::move(line.text), .lineBreak = line.lineBreak});
+    if (block.empty()) return;
+    const bool first = g_asm.lines == 0;
     g_asm.lines += block.size();
-    if (g_asm.lines >= kLinesKept && !AsmPaneIsEmpty()) {
-        block.push_back({.text = L"... the rest of the listing is left out; the file has it all ..."});
-        g_asm.queue = {};
-    }
     const double started = ClockMs();
-    RichLinesAppend(g_app.hAsmPane, block);
+    AppendInPlace(block);
     BlockSizeLearn(g_asm.block, block.size(), ClockMs() - started);
-    if (!AsmPaneIsEmpty()) return;
-    SendMessageW(g_app.hAsmPane, WM_VSCROLL, SB_TOP, 0);  // a listing is read from its top
+    if (first) SendMessageW(g_app.hAsmPane, WM_VSCROLL, SB_TOP, 0);  // a listing is read from its top
     InvalidateRect(g_app.hAsmPane, nullptr, TRUE);
 }
 
-bool AsmPaneIsEmpty() { return g_asm.queue.chunks.empty(); }
+bool AsmPaneIsEmpty() { return g_asm.queue.chunks.empty() && g_asm.feed == nullptr; }
+
+void AsmPaneShutdown() {
+    if (g_asm.feed != nullptr) AsmFeedEnd(*g_asm.feed, kShutdownWaitMs);
+    g_asm = {};
+}

@@ -206,6 +206,7 @@ void BuildShutdown() {
            message.message == MSG_BUILD_OUTPUT)
         std::free(reinterpret_cast<void*>(message.wParam));
     OutputFeedForget();
+    AsmPaneShutdown();
     g_stage = {};
 }
 

@@ -18,7 +18,7 @@ struct Decoded {
 struct Decoder {
     ZydisDecoder decoder;
     ZydisFormatter formatter;
-    ZydisFormatter sizing;  // writes the size of memory operands: "inc dword ptr [rbx]"
+    ZydisFormatter sizing;            // writes the size of memory operands: "inc dword ptr [rbx]"
     ZydisFormatterFunc printAddress;  // how the formatter itself writes an absolute address
     bool x64 = true;
 };

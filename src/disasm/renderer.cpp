@@ -283,7 +283,9 @@ void NameThunk(DisasmRenderer& r, const Decoded& decoded, std::uint64_t rva) {
         return;
     const auto import = r.image.imports.find(static_cast<std::uint32_t>(slot - r.image.base));
     if (import == r.image.imports.end() || r.names.size() >= kMaxThunks) return;
-    r.names.try_emplace(static_cast<std::uint32_t>(rva), import->second.substr(import->second.find('!') + 1));
+    const std::string& name = import->second;
+    const std::size_t function = name.find('!') + 1;
+    r.names.try_emplace(static_cast<std::uint32_t>(rva), name.substr(name[function] == '#' ? 0 : function));
 }
 
 void MarkNext(DisasmRenderer& r, std::size_t budget) {

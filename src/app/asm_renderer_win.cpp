@@ -1,0 +1,163 @@
+// Runs on the ASM pane's own thread, on copies; touches no window and no global record. Line maps come from the pure
+// readers: a program without one is an ordinary program here, and nothing is to be reported.
+#include "app/asm_renderer.h"
+
+#include "build/asm_pane.h"
+#include "build/build_paths.h"
+#include "debugger/pbd_map.h"
+#include "debugger/pe_headers.h"
+#include "debugger/sdbg_map.h"
+#include "disasm/listing_text.h"
+#include "disasm/renderer.h"
+#include "files/file_io.h"
+#include "files/handles.h"
+#include "files/path.h"
+#include "files/text_encoding.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <span>
+
+namespace {
+
+constexpr std::size_t kMostProgram = std::size_t{256} << 20;
+constexpr std::size_t kMostSource = std::size_t{32} << 20;
+constexpr std::int32_t kMostSources = 256;
+constexpr std::size_t kLinesAtOnce = 500;
+constexpr std::size_t kInstructionsAtOnce = 2000;  // some milliseconds at most
+
+struct MapOwner {
+    SdbgMap map = {};
+    MapOwner() = default;
+    ~MapOwner() { SdbgFree(&map); }
+    MapOwner(const MapOwner&) = delete;
+    MapOwner& operator=(const MapOwner&) = delete;
+};
+
+std::string Utf8Text(std::wstring_view wide) {
+    const HeapBlock<char> text(WideToUtf8(std::wstring(wide).c_str()));
+    return text != nullptr ? text.get() : "";
+}
+
+std::wstring WideText(const char* utf8) {
+    const HeapBlock<wchar_t> text(Utf8ToWide(utf8));
+    return text != nullptr ? text.get() : L"";
+}
+
+std::span<const std::uint8_t> BytesOf(const std::string& text) {
+    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+std::string SourceText(const std::wstring& path) {
+    std::string bytes;
+    if (!ReadSharedFile(path, kMostSource, &bytes) || IsValidUtf8Bytes(bytes.data(), bytes.size())) return bytes;
+    const int size = static_cast<int>(bytes.size());
+    std::wstring wide(static_cast<std::size_t>(MultiByteToWideChar(CP_ACP, 0, bytes.data(), size, nullptr, 0)), L'\0');
+    MultiByteToWideChar(CP_ACP, 0, bytes.data(), size, wide.data(), static_cast<int>(wide.size()));
+    return Utf8Text(wide);
+}
+
+// The name a file goes by without folder and extension.
+std::wstring Stem(std::wstring_view path) {
+    const std::size_t slash = path.find_last_of(L"\\/");
+    return ReplaceExtension(slash == std::wstring_view::npos ? path : path.substr(slash + 1), L"");
+}
+
+// The source that a name in the map means. A compiler may have been given a copy of the source under another extension.
+std::wstring PathOfMapFile(const AsmRequest& request, const char* name) {
+    std::wstring path = WideText(name);
+    std::replace(path.begin(), path.end(), L'/', L'\\');
+    if (const std::wstring folder = FolderOf(request.source); !PathIsAbsolute(path) && !folder.empty())
+        path = folder + (folder.ends_with(L'\\') ? L"" : L"\\") + path;
+    return PathEqualsIgnoreCase(Stem(path), Stem(request.source)) && !FileExists(path.c_str()) ? request.source : path;
+}
+
+bool ReadMap(const AsmRequest& request, const std::string& program, SdbgMap* map) {
+    std::uint32_t size = 0;
+    std::uint32_t rva = 0;
+    std::uint32_t offset = 0;
+    const std::uint8_t* section = FindSdbgSection(BytesOf(program).data(), program.size(), &size, &rva, &offset);
+    if (section != nullptr && SdbgParseSection({section, size}, map)) return true;
+    std::string side;
+    std::string source;
+    PbdParts parts;
+    return ReadSharedFile(request.program + L".pbd", kMostProgram, &side) &&
+           ReadSharedFile(request.source, kMostSource, &source) &&
+           PbdBuildMap(BytesOf(program), BytesOf(side), source, map, &parts);
+}
+
+void AddSource(const AsmRequest& request, std::uint32_t fileId, const std::wstring& path, DisasmProgram& program) {
+    const bool main = SamePathText(path, request.source);
+    const std::size_t slash = path.find_last_of(L'\\');
+    program.sources.push_back({.fileId = fileId,
+                               .name = main ? "" : Utf8Text(path.substr(slash == std::wstring::npos ? 0 : slash + 1)),
+                               .text = SourceText(path)});
+    if (request.caretLine <= 0 || !SamePathText(path, request.caretFile)) return;
+    program.focusFile = fileId;
+    program.focusLine = static_cast<std::uint32_t>(request.caretLine);
+}
+
+// What the map says of lines, and the sources' texts.
+void AddLines(const AsmRequest& request, const SdbgMap& map, DisasmProgram& program) {
+    for (const SdbgLine& line : std::span(map.lines, static_cast<std::size_t>(map.lineCount)))
+        program.lines.push_back({.rva = line.rva, .fileId = line.fileId, .line = line.line});
+    for (std::int32_t i = 0; i < std::min(map.fileCount, kMostSources); ++i) {
+        if (map.files[i].path != nullptr)
+            AddSource(request, map.files[i].fileId, PathOfMapFile(request, map.files[i].path), program);
+    }
+    if (program.sources.empty()) AddSource(request, 1, request.source, program);
+}
+
+bool IsOlder(const std::wstring& a, const std::wstring& b) {
+    WIN32_FILE_ATTRIBUTE_DATA first = {};
+    WIN32_FILE_ATTRIBUTE_DATA second = {};
+    return GetFileAttributesExW(PathForSystem(a.c_str()).c_str(), GetFileExInfoStandard, &first) != FALSE &&
+           GetFileAttributesExW(PathForSystem(b.c_str()).c_str(), GetFileExInfoStandard, &second) != FALSE &&
+           CompareFileTime(&first.ftLastWriteTime, &second.ftLastWriteTime) < 0;
+}
+
+void PutListing(AsmFeed& feed, const std::string& text) {
+    AsmFeedBeginPart(feed, "\r\n=== Listing in columns ===\r\n");
+    DisasmListing listing = {.rest = text};
+    std::string piece;
+    for (bool more = true; more;) {
+        piece.clear();
+        more = DisasmListingNext(listing, kLinesAtOnce, &piece);
+        if (!AsmFeedPut(feed, piece)) return;
+    }
+}
+
+void PutProgram(AsmFeed& feed, const AsmRequest& request) {
+    std::string bytes;
+    if (request.program.empty() || !FileExists(request.program.c_str())) return;
+    AsmFeedBeginPart(feed, "\r\n=== Code of " + Utf8Text(request.program) + " ===\r\n");
+    if (!ReadSharedFile(request.program, kMostProgram, &bytes)) {
+        AsmFeedPut(feed, "(The program cannot be read.)\r\n");
+        return;
+    }
+    if (IsOlder(request.program, request.source))
+        AsmFeedPut(feed, "(The source was changed after the program was built: its lines may be others.)\r\n");
+    DisasmProgram program;
+    program.file.assign(bytes.begin(), bytes.end());
+    {
+        MapOwner owner;
+        if (ReadMap(request, bytes, &owner.map)) AddLines(request, owner.map, program);
+    }
+    const DisasmRendererPtr renderer = DisasmRendererNew(std::move(program));
+    std::string piece;
+    for (bool more = true; more && !AsmFeedIsCancelled(feed);) {
+        piece.clear();
+        more = DisasmRenderNext(*renderer, kInstructionsAtOnce, &piece);
+        if (!AsmFeedPut(feed, piece)) return;
+    }
+}
+
+void Render(AsmFeed& feed, const AsmRequest& request, const std::string* listing) {
+    if (listing != nullptr) PutListing(feed, *listing);
+    PutProgram(feed, request);
+}
+
+}  // namespace
+
+void AsmRendererInstall() { AsmPaneSetRenderer(Render); }

@@ -1,0 +1,42 @@
+// What the ASM pane shows, made on a thread of its own: reading a listing and rendering code take time that grows with
+// the files. The thread works on copies and a record that it shares with the pane; nobody waits for it.
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+
+// What was built, and where the user stands.
+struct AsmRequest {
+    std::wstring source;
+    std::wstring listing;
+    std::wstring program;    // empty: unknown
+    std::wstring caretFile;  // of the active editor
+    int caretLine = 0;       // from 1; 0: none
+};
+
+struct AsmFeed;
+using AsmFeedPtr = std::shared_ptr<AsmFeed>;
+
+// --- UI thread
+// The feed of a new thread, or null when none could be started.
+AsmFeedPtr AsmFeedStart(AsmRequest request);
+// What came since the last call, in its order. False: nothing, and nothing more will.
+bool AsmFeedTake(AsmFeed& feed, std::deque<std::wstring>* pieces);
+void AsmFeedCancel(AsmFeed& feed);  // its thread ends soon, and nothing comes any more
+// Cancels, and waits for the thread, at most so many milliseconds.
+void AsmFeedEnd(AsmFeed& feed, unsigned milliseconds);
+
+// --- The feed's own thread
+// A part has room for so many lines. What it has no room for is left out, and a line of the part's text says so.
+inline constexpr std::size_t kAsmPartLines = 8000;
+inline constexpr std::size_t kAsmPartBytes = std::size_t{4} << 20;
+void AsmFeedBeginPart(AsmFeed& feed, std::string_view heading);
+// Adds UTF-8 text: whole lines, or the end of the part. False: no more is wanted.
+bool AsmFeedPut(AsmFeed& feed, std::string_view text);
+bool AsmFeedIsCancelled(const AsmFeed& feed);
+
+// The file's bytes, whoever else has it open for what: a build that follows must not find its files locked. False: it
+// cannot be read, or has more than `most` bytes, or is no file on a disk.
+bool ReadSharedFile(const std::wstring& path, std::size_t most, std::string* bytes);

@@ -1,0 +1,168 @@
+#include "build/asm_feed.h"
+
+#include "build/asm_pane.h"
+#include "build/output_queue.h"
+#include "files/file_io.h"
+#include "files/handles.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+
+struct AsmFeed {
+    AsmRequest request;
+    AsmRenderer renderer = nullptr;
+    UniqueHandle thread;
+    std::atomic<bool> cancelled = false;
+
+    std::mutex mutex;  // over the two that both sides touch
+    std::deque<std::wstring> pieces;
+    bool done = false;
+
+    // Of the thread alone: what the current part has got so far.
+    std::size_t lines = 0;
+    std::size_t bytes = 0;
+    bool full = false;
+};
+
+namespace {
+
+constexpr std::size_t kMostListing = std::size_t{256} << 20;
+constexpr std::size_t kPieceBytes = 64 * 1024;
+
+std::wstring WideText(std::string_view utf8) {
+    const int size = static_cast<int>(utf8.size());
+    std::wstring wide(static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, nullptr, 0)), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, wide.data(), static_cast<int>(wide.size()));
+    return wide;
+}
+
+void Deliver(AsmFeed& feed, std::string_view text) {
+    if (text.empty()) return;
+    std::wstring wide = WideText(text);
+    const std::lock_guard lock(feed.mutex);
+    feed.pieces.push_back(std::move(wide));
+}
+
+// Bytes of the first line of `text`, its line end included; a line too long for the pane is cut between characters.
+std::size_t FirstLine(std::string_view text) {
+    std::size_t end = text.find_first_of("\r\n");
+    if (end == std::string_view::npos) end = text.size();
+    if (end > kMaxOutputLine) {
+        end = kMaxOutputLine;
+        while ((static_cast<unsigned char>(text[end]) & 0xC0) == 0x80 && end > kMaxOutputLine - 4) --end;
+        return end;
+    }
+    return std::min(text.size(), end + (text.substr(end).starts_with("\r\n") ? 2 : 1));
+}
+
+void PutListing(AsmFeed& feed, std::string_view listing) {
+    AsmFeedBeginPart(feed, "");
+    while (!listing.empty()) {
+        std::size_t size = std::min(listing.size(), kPieceBytes);
+        if (size < listing.size()) {
+            const std::size_t end = listing.find_last_of('\n', size);
+            size = end == std::string_view::npos ? listing.size() : end + 1;
+        }
+        if (!AsmFeedPut(feed, listing.substr(0, size))) return;
+        listing.remove_prefix(size);
+    }
+}
+
+void Fill(AsmFeed& feed) {
+    std::string listing;
+    const bool found = ReadSharedFile(feed.request.listing, kMostListing, &listing);
+    if (found)
+        PutListing(feed, listing);
+    else
+        Deliver(feed,
+                "(No compiler ASMOUT file was found. Enable ASM output and use /ASMOUT:{asm} for "
+                "KeldorBasic/KVXA32.)\r\n");
+    if (feed.renderer != nullptr) feed.renderer(feed, feed.request, found ? &listing : nullptr);
+}
+
+DWORD WINAPI FeedThread(void* parameter) {
+    const std::unique_ptr<AsmFeedPtr> owned(static_cast<AsmFeedPtr*>(parameter));
+    AsmFeed& feed = **owned;
+    Fill(feed);
+    const std::lock_guard lock(feed.mutex);
+    feed.done = true;
+    return 0;
+}
+
+}  // namespace
+
+AsmFeedPtr AsmFeedStart(AsmRequest request) {
+    auto feed = std::make_shared<AsmFeed>();
+    feed->request = std::move(request);
+    feed->renderer = AsmPaneRenderer();
+    auto parameter = std::make_unique<AsmFeedPtr>(feed);
+    feed->thread.Reset(CreateThread(nullptr, 0, FeedThread, parameter.get(), 0, nullptr));
+    if (!feed->thread) return nullptr;
+    static_cast<void>(parameter.release());  // now the thread's
+    SetThreadPriority(feed->thread.Get(), THREAD_PRIORITY_BELOW_NORMAL);
+    return feed;
+}
+
+bool AsmFeedTake(AsmFeed& feed, std::deque<std::wstring>* pieces) {
+    const std::lock_guard lock(feed.mutex);
+    pieces->clear();
+    pieces->swap(feed.pieces);
+    return !pieces->empty() || !feed.done;
+}
+
+void AsmFeedCancel(AsmFeed& feed) { feed.cancelled = true; }
+
+void AsmFeedEnd(AsmFeed& feed, unsigned milliseconds) {
+    AsmFeedCancel(feed);
+    WaitForSingleObject(feed.thread.Get(), milliseconds);
+}
+
+bool AsmFeedIsCancelled(const AsmFeed& feed) { return feed.cancelled; }
+
+void AsmFeedBeginPart(AsmFeed& feed, std::string_view heading) {
+    feed.lines = 0;
+    feed.bytes = 0;
+    feed.full = false;
+    Deliver(feed, heading);
+}
+
+bool AsmFeedPut(AsmFeed& feed, std::string_view text) {
+    if (feed.full || feed.cancelled) return false;
+    std::string fitting;
+    while (!text.empty() && !feed.full) {
+        const std::size_t size = FirstLine(text);
+        const bool cut = text[size - 1] != '\n' && text[size - 1] != '\r' && size < text.size();
+        feed.full = feed.lines >= kAsmPartLines || feed.bytes + size > kAsmPartBytes;
+        if (feed.full) {
+            fitting += "... the rest is left out here ...\r\n";
+            break;
+        }
+        fitting.append(text.substr(0, size)).append(cut ? "\r\n" : "");
+        ++feed.lines;
+        feed.bytes += size;
+        text.remove_prefix(size);
+    }
+    Deliver(feed, fitting);
+    return !feed.full;
+}
+
+bool ReadSharedFile(const std::wstring& path, std::size_t most, std::string* bytes) {
+    bytes->clear();
+    if (path.empty()) return false;
+    const UniqueHandle file(CreateFileW(PathForSystem(path.c_str()).c_str(), GENERIC_READ,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                        FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    LARGE_INTEGER size = {};
+    if (!file || GetFileType(file.Get()) != FILE_TYPE_DISK || GetFileSizeEx(file.Get(), &size) == FALSE) return false;
+    if (static_cast<std::uint64_t>(size.QuadPart) > std::min<std::uint64_t>(most, 0x7FFFFFFF)) return false;
+    bytes->resize(static_cast<std::size_t>(size.QuadPart));
+    DWORD read = 0;
+    if (!bytes->empty() &&
+        ReadFile(file.Get(), bytes->data(), static_cast<DWORD>(bytes->size()), &read, nullptr) == FALSE)
+        return false;
+    bytes->resize(read);
+    return true;
+}

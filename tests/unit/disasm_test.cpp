@@ -1,0 +1,349 @@
+// Code and listings as text: single instructions, whole programs, files that are none, compilers' listings.
+#include "disasm/disasm.h"
+#include "disasm/listing_text.h"
+#include "disasm/renderer.h"
+#include "disasm/visible_text.h"
+#include "unit/pe_builder.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <string>
+
+namespace {
+
+using pe::Bytes;
+
+std::string ReadText(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Expected texts are files with LF; the rendered one is left beside a file that differs, to be looked at and taken over.
+void ExpectGolden(const std::string& name, std::string text) {
+    std::erase(text, '\r');
+    const std::string path = std::string(KVX_TESTS_DIR) + "/golden/" + name;
+    std::string expected = ReadText(path);
+    std::erase(expected, '\r');
+    if (text == expected) return;
+    std::ofstream(path + ".new", std::ios::binary) << text;
+    ADD_FAILURE() << name << " is not as expected; see " << path << ".new";
+}
+
+std::string Rendered(DisasmProgram program, std::size_t budget = 1000) {
+    const DisasmRendererPtr renderer = DisasmRendererNew(std::move(program));
+    std::string text;
+    while (DisasmRenderNext(*renderer, budget, &text)) {}
+    return text;
+}
+
+std::string RenderedListing(const std::string& text, std::size_t budget = 1000) {
+    DisasmListing listing = {.rest = text};
+    std::string out;
+    while (DisasmListingNext(listing, budget, &out)) {}
+    return out;
+}
+
+// Imports of two functions and one export, as both kinds of program have them at 2000h.
+pe::Section Names(bool x64) {
+    const int width = x64 ? 8 : 4;
+    pe::Section section = {.name = ".data", .rva = 0x2000, .flags = pe::kData, .data = Bytes(0x200), .rawSize = 0};
+    Bytes& data = section.data;
+    for (const std::size_t table : {std::size_t{0x00}, std::size_t{0x20}}) {
+        pe::Put(data, table, 0x2080, width);
+        pe::Put(data, table + static_cast<std::size_t>(width), x64 ? 0x8000000000000011 : 0x80000011, width);
+    }
+    pe::Put(data, 0x40, 0x2020, 4);
+    pe::Put(data, 0x4C, 0x20C0, 4);
+    pe::Put(data, 0x50, 0x2000, 4);
+    pe::PutText(data, 0x82, "ExitProcess");
+    pe::PutText(data, 0xC0, "KERNEL32.dll");
+    pe::Put(data, 0x114, 1, 4);
+    pe::Put(data, 0x118, 1, 4);
+    pe::Put(data, 0x11C, 0x2130, 4);
+    pe::Put(data, 0x120, 0x2138, 4);
+    pe::Put(data, 0x124, 0x2140, 4);
+    pe::Put(data, 0x130, 0x1050, 4);
+    pe::Put(data, 0x138, 0x2150, 4);
+    pe::PutText(data, 0x150, "Exported");
+    return section;
+}
+
+const Bytes kCode64 = {
+    0x48, 0x83, 0xEC, 0x28,              // 1000 sub rsp, 28h
+    0xE8, 0x27, 0x00, 0x00, 0x00,        // 1004 call 1030
+    0xFF, 0x15, 0xF1, 0x0F, 0x00, 0x00,  // 1009 call [2000]
+    0x75, 0xF3,                          // 100F jnz 1004
+    0xE8, 0x23, 0x00, 0x00, 0x00,        // 1011 call 1039, a jump through a slot
+    0xEB, 0x01,                          // 1016 jmp 1019, the middle of what follows
+    0xB8, 0x01, 0x00, 0x00, 0x00,        // 1018 mov eax, 1
+    0x06,                                // 101D not an instruction here
+    0xFF, 0x05, 0xDC, 0x10, 0x00, 0x00,  // 101E inc dword [2100]
+    0xF3, 0xAB, 0xC3,                    // 1024 rep stosd, ret
+    0xCC, 0xCC, 0xCC, 0xCC, 0xCC, 0xCC, 0xCC, 0xCC, 0xCC, 0x55, 0x48, 0x89, 0xE5, 0x0F, 0xAF, 0xC9, 0x5D, 0xC3,  // 1030
+    0xFF, 0x25, 0xC9, 0x0F, 0x00, 0x00,  // 1039 jmp [2008]
+    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,  // 103F
+    0x33, 0xC0, 0x48, 0xB8, 1,    2,    3,    4,    5,    6,    7,    8,    0xC3,                       // 1050 exported
+    0xF0, 0x48, 0x81, 0x84, 0x88, 1,    2,    3,    4,    5,    6,    7,    8,    0xC3, 0xE8};  // 105D twelve bytes, and one cut off
+
+const Bytes kCode32 = {
+    0x55, 0x8B, 0xEC,                    // 1000
+    0xFF, 0x15, 0x00, 0x20, 0x40, 0x00,  // 1003 call [402000]
+    0x68, 0x00, 0x21, 0x40, 0x00,        // 1009 push
+    0xE8, 0x0D, 0x00, 0x00, 0x00,        // 100E call 1020
+    0xDD, 0x45, 0xF8, 0xC9, 0xC3,        // 1013 fld qword [ebp-8], leave, ret
+    0x90, 0x90, 0x90, 0x90, 0x90, 0x90, 0x90,
+    0x90, 0x40, 0xE2, 0xFD, 0xC2, 0x08, 0x00,  // 1020 inc eax, loop 1020, ret 8
+};
+
+const char kSource[] =
+    "' a program\r\n#COMPILE EXE\r\nFUNCTION Square (BYVAL n AS LONG) AS LONG\r\n  FUNCTION = n * n\r\nEND FUNCTION\r\n"
+    "\r\nFUNCTION PBMAIN () AS LONG\r\n\tPRINT Square(3)\r\n  PRINT \"\x1B\"\r\nEND FUNCTION\r\n";
+
+DisasmProgram Program64(bool withLines) {
+    DisasmProgram program;
+    program.file = pe::Build({.x64 = true,
+                              .sections = {{".text", 0x1000, pe::kCode, kCode64}, Names(true)},
+                              .directories = {{0, 0x2100, 0x80}, {1, 0x2040, 40}}});
+    if (!withLines) return program;
+    program.lines = {{0x1030, 1, 3}, {0x1034, 1, 4},  {0x1000, 1, 7}, {0x1004, 1, 8},
+                     {0x1009, 1, 9}, {0x1011, 2, 77}, {0x1024, 1, 0}, {0x9000, 1, 5}};
+    program.sources = {{1, "", kSource}, {2, "more.inc", ""}};
+    return program;
+}
+
+DisasmProgram Program32() {
+    DisasmProgram program;
+    program.file = pe::Build({.x64 = false,
+                              .sections = {{".text", 0x1000, pe::kCode, kCode32}, Names(false)},
+                              .directories = {{1, 0x2040, 40}}});
+    return program;
+}
+
+TEST(Disasm, RangeTellsCallsBranchesAndWhatIsNoCode) {
+    const Bytes bytes = {0xE8, 0x1B, 0,    0,    0,    0xFF, 0x15, 0x10, 0, 0, 0, 0xC2,
+                         0x08, 0,    0x75, 0xFE, 0x06, 0xFF, 0x05, 0,    0, 0, 0, 0xE8};
+    const auto names = [](std::uint64_t address) -> std::string {
+        return address == 0x140001020 ? "Main" : address == 0x14000101B ? "kernel32!ExitProcess" : "";
+    };
+    const auto code = DisasmRange(bytes, 0x140001000, true, names, 100);
+    const std::vector<std::string> texts = {"call Main", "call [kernel32!ExitProcess]", "ret 0x8", "jnz 0x14000100E",
+                                            "db 06h",    "inc dword ptr [0x140001017]", "db 0E8h"};
+    ASSERT_EQ(code.size(), texts.size());
+    std::uint64_t address = 0x140001000;
+    for (std::size_t i = 0; i < code.size(); ++i) {
+        EXPECT_EQ(code[i].text, texts[i]);
+        EXPECT_EQ(code[i].address, address) << texts[i];
+        EXPECT_EQ(code[i].decoded, i != 4 && i != 6) << texts[i];
+        EXPECT_EQ(code[i].isCall, i < 2) << texts[i];
+        EXPECT_EQ(code[i].isBranch, i == 0 || i == 3) << texts[i];
+        address += code[i].length;
+    }
+    EXPECT_EQ(code[0].target, 0x140001020U);
+    EXPECT_EQ(code[3].target, 0x14000100EU);
+    EXPECT_EQ(DisasmRange(bytes, 0x140001000, true, {}, 2).size(), 2U);
+    EXPECT_EQ(DisasmRange(bytes, 0x140001000, true, {}, 2)[0].text, "call 0x140001020");
+    EXPECT_TRUE(DisasmRange({}, 0, true, {}, 2).empty());
+    EXPECT_EQ(DisasmRange(
+                  bytes, 0, true, [](auto) { return std::string(5000, 'n'); }, 1)[0]
+                  .text,
+              "call " + std::string(200, 'n'));
+}
+
+TEST(Disasm, StepIntoGoesWhereADirectCallGoes) {
+    struct Case {
+        const char* name;
+        Bytes bytes;
+        bool x64;
+        std::uint64_t target;
+    };
+    const Case cases[] = {
+        {"ahead", {0xE8, 0x10, 0, 0, 0}, true, 0x401015},
+        {"back", {0xE8, 0xF0, 0xFF, 0xFF, 0xFF}, true, 0x400FF5},
+        {"32 bits", {0xE8, 0x10, 0, 0, 0, 0x90}, false, 0x401015},
+        {"32 bits wrap round", {0xE8, 0xFB, 0xEF, 0xBF, 0xFF}, false, 0},
+        {"through a register", {0xFF, 0xD0}, true, 0},
+        {"through memory", {0xFF, 0x15, 0x10, 0, 0, 0}, true, 0},
+        {"far", {0x9A, 1, 2, 3, 4, 5, 6}, false, 0},
+        {"a jump", {0xE9, 0x10, 0, 0, 0}, true, 0},
+        {"a return with a number", {0xC2, 0x10, 0}, true, 0},
+        {"cut off", {0xE8, 0x10, 0}, true, 0},
+        {"nothing", {}, true, 0},
+    };
+    for (const Case& c : cases) EXPECT_EQ(DisasmCallTarget(c.bytes, 0x401000, c.x64), c.target) << c.name;
+}
+
+TEST(Disasm, ProgramsLookAsExpected) {
+    ExpectGolden("program64.txt", Rendered(Program64(false)));
+    ExpectGolden("program64_lines.txt", Rendered(Program64(true)));
+    ExpectGolden("program32.txt", Rendered(Program32()));
+}
+
+TEST(Disasm, TheTextIsTheSameInSlicesOfAnySize) {
+    DisasmProgram program = Program64(true);
+    program.focusFile = 1;
+    program.focusLine = 8;
+    const std::string whole = Rendered(program, 1000000);
+    for (const std::size_t budget : {1U, 2U, 3U, 7U, 50U}) EXPECT_EQ(Rendered(program, budget), whole) << budget;
+}
+
+TEST(Disasm, ThePartAroundTheCaretComesFirst) {
+    const std::string plain = Rendered(Program64(true));
+    struct Case {
+        const char* name;
+        std::uint32_t file;
+        std::uint32_t line;
+        const char* heading;  // null: no such part
+        const char* holds;
+    };
+    const Case cases[] = {
+        {"a line with code", 1, 8, "; --- Around line 8\r\n", "call    Square"},
+        {"the line above has code", 1, 5, "; --- Around line 4\r\n", "mov     rbp, rsp"},
+        {"only lines below have code", 1, 1, "; --- Around line 3\r\n", "push    rbp"},
+        {"another file", 2, 77, "; --- Around line 77\r\n", "call    kernel32!#17"},
+        {"a file that is not part of it", 3, 8, nullptr, ""},
+        {"no line", 1, 0, nullptr, ""},
+    };
+    for (const Case& c : cases) {
+        DisasmProgram program = Program64(true);
+        program.focusFile = c.file;
+        program.focusLine = c.line;
+        const std::string text = Rendered(program);
+        ASSERT_TRUE(text.ends_with(plain)) << c.name << "\n" << text;
+        const std::string part = text.substr(0, text.size() - plain.size());
+        EXPECT_EQ(part.empty(), c.heading == nullptr) << c.name << "\n" << part;
+        if (c.heading == nullptr) continue;
+        EXPECT_TRUE(part.starts_with(c.heading)) << c.name << "\n" << part;
+        EXPECT_NE(part.find(c.holds), std::string::npos) << c.name << "\n" << part;
+    }
+}
+
+TEST(Disasm, ARangeAndKnownStartsDecideWhereInstructionsBegin) {
+    DisasmProgram range = Program64(false);
+    range.firstRva = 0x1005;  // within a call: the next one is the first
+    range.endRva = 0x1010;
+    const std::string part = Rendered(range);
+    EXPECT_EQ(part.find("000140001004"), std::string::npos) << part;
+    EXPECT_NE(part.find("000140001009"), std::string::npos) << part;
+    EXPECT_EQ(part.find("000140001011"), std::string::npos) << part;
+
+    // A line's code begins within what looks like one instruction: data before it are bytes.
+    DisasmProgram mixed = Program64(false);
+    mixed.lines = {{0x101A, 1, 1}};
+    const std::string text = Rendered(mixed);
+    EXPECT_NE(text.find("B8                              db      0B8h\r\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("00014000101A"), std::string::npos) << text;
+}
+
+TEST(Disasm, FilesWithoutCodeToShowSayWhy) {
+    std::mt19937 random(1);
+    Bytes noise(8192);
+    for (std::uint8_t& byte : noise) byte = static_cast<std::uint8_t>(random());
+    const auto text = [](Bytes data) { return pe::Section{".text", 0x1000, pe::kCode, std::move(data)}; };
+    Bytes cut = pe::Build({.sections = {text(kCode64)}});
+    cut.resize(cut.size() - 8);
+    Bytes noHeader = pe::Build({.sections = {text(kCode64)}});
+    noHeader.resize(0x90);
+    struct Case {
+        const char* name;
+        Bytes file;
+        const char* message;
+    };
+    const Case cases[] = {
+        {"empty", {}, "(The file is empty.)\r\n"},
+        {"text", {'P', 'R', 'I', 'N', 'T'}, "(The file is no program.)\r\n"},
+        {"cut after the header", noHeader, "(The file is no Windows program, or its header is damaged.)\r\n"},
+        {"cut in the code", cut, "(The file is damaged or cut off: its code lies outside the file.)\r\n"},
+        {"data elsewhere", pe::Build({.sections = {{".text", 0x1000, pe::kCode, kCode64, 0x100000}}}),
+         "(The file is damaged or cut off: its code lies outside the file.)\r\n"},
+        {"no code", pe::Build({.sections = {{".data", 0x1000, pe::kData, kCode64}}}),
+         "(The program has no section with code.)\r\n"},
+        {"no section", pe::Build({}), "(The program has no section with code.)\r\n"},
+        {"code without data", pe::Build({.sections = {{".text", 0x1000, pe::kCode, {}}}}),
+         "(The program's code is not in the file: it is made when the program runs.)\r\n"},
+        {"entry outside", pe::Build({.entry = 0x5000, .sections = {text(kCode64)}}),
+         "(The file is damaged: the program's entry point lies outside its sections.)\r\n"},
+        {"packer", pe::Build({.sections = {{"UPX0", 0x1000, pe::kCode, {}}, {"UPX1", 0x2000, pe::kCode, kCode64}}}),
+         "(The program is packed (section \"UPX0\"): its code is not in the file as it runs.)\r\n"},
+        {"noise", pe::Build({.sections = {text(noise)}}),
+         "(The program is packed or encrypted (section \".text\" looks like random data): its code is not in the file "
+         "as "
+         "it runs.)\r\n"},
+        {".NET", pe::Build({.sections = {text(kCode64)}, .directories = {{14, 0x1000, 72}}}),
+         "(The program is made for .NET: it holds no machine code.)\r\n"},
+        {"ARM", pe::Build({.machine = 0xAA64, .sections = {text(kCode64)}}),
+         "(The program is for ARM64, and only x86 and x64 code can be shown.)\r\n"},
+        {"32-bit header, 64-bit machine", pe::Build({.x64 = false, .machine = 0x8664, .sections = {text(kCode64)}}),
+         "(The file is damaged: its header contradicts itself.)\r\n"},
+    };
+    for (const Case& c : cases) EXPECT_EQ(Rendered({.file = c.file}), c.message) << c.name;
+    // Names alone do not make a packed program, nor does a library's missing entry point.
+    EXPECT_TRUE(Rendered({.file = pe::Build({.entry = 0, .sections = {text(kCode64)}})}).starts_with("; --- Section"));
+}
+
+TEST(Disasm, ProceduresAreKnownByTheirHeading) {
+    struct Case {
+        const char* line;
+        const char* name;
+    };
+    const Case cases[] = {{"FUNCTION PBMAIN () AS LONG", "PBMAIN"},
+                          {"  sub Draw_2", "Draw_2"},
+                          {"\tCALLBACK FUNCTION Proc()", "Proc"},
+                          {"STATIC SUB a$", "a"},
+                          {"FUNCTION = 3", ""},
+                          {"END FUNCTION", ""},
+                          {"SUBSTR x", ""},
+                          {"", ""}};
+    for (const Case& c : cases) EXPECT_EQ(DisasmProcedureName(c.line), c.name) << c.line;
+}
+
+TEST(Listing, LinesAreAlignedOrLeftAlone) {
+    struct Case {
+        const char* line;
+        const char* rendered;
+    };
+    const Case cases[] = {
+        {"  00401000  55                              push ebp",
+         "  00401000  55                              push    ebp"},
+        {"401000:\t48 89 e5 \tmov    rbp,rsp", "  401000:  48 89 e5                        mov     rbp,rsp"},
+        {"   3 0004 4889E5   \tmov rbp, rsp ; frame",
+         "     3  0004  48 89 E5                        mov     rbp, rsp ; frame"},
+        {" 00000004 F3 AB rep stosd", "  00000004  F3 AB                           rep stosd"},
+        {" 00000004 48 8D DD     lea ebx, [x]", "  00000004  48 8D DD                        lea     ebx, [x]"},
+        {" 00000004 10 20     db 10h, 20h", "  00000004  10 20                           db      10h, 20h"},
+        {" 00401000 E8 01 02", "  00401000  E8 01 02"},
+        {"  rt_flush:  ", "rt_flush:"},
+        {"; 12:   PRINT \"a  b\"", "; 12:   PRINT \"a  b\""},
+        {"\tmov\teax, 'a  b'", "        mov     eax, 'a  b'"},
+        {" lock inc [rax]", "        lock inc [rax]"},
+        {"\tcall puts", "        call    puts"},
+        {"  ret", "        ret"},
+        {"and so it goes", "and so it goes"},
+        {"Test passed", "Test passed"},
+        {"2024 was a good year", "2024 was a good year"},
+        {"name\tvalue\tx", "name    value   x"},
+        {"   \t ", ""},
+        {"a\x1B[1mb\x7F\xC2\x85\xFF\xE2\x80\xAE.", "a\\x1B[1mb\\x7F\\xC2\\x85\\xFF\\xE2\\x80\\xAE."},
+        {"\xC3\xA4\t\xE6\xBC\xA2|", "\xC3\xA4       \xE6\xBC\xA2|"},
+    };
+    for (const Case& c : cases) EXPECT_EQ(DisasmListingLine(c.line), c.rendered) << c.line;
+}
+
+TEST(Listing, NoLineIsLost) {
+    EXPECT_EQ(RenderedListing(""), "");
+    EXPECT_EQ(RenderedListing("a\n\r\nb\rc"), "a\r\n\r\nb\r\nc\r\n");
+    EXPECT_EQ(RenderedListing("a\n\n", 1), "a\r\n\r\n");
+    EXPECT_EQ(RenderedListing(std::string("a\0b\n", 4)), "a\\x00b\r\n");
+    EXPECT_EQ(RenderedListing(std::string(200000, 'x')), std::string(200000, 'x') + "\r\n");
+}
+
+TEST(Listing, ACompilersListingLooksAsExpected) {
+    const std::string listing = ReadText(std::string(KVX_TESTS_DIR) + "/golden/listing.asm");
+    ASSERT_FALSE(listing.empty());
+    ExpectGolden("listing.txt", RenderedListing(listing));
+    EXPECT_EQ(RenderedListing(listing, 1), RenderedListing(listing));
+}
+
+}  // namespace
