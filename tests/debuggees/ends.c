@@ -3,7 +3,8 @@
 
 MAP_BEGIN
 void start(void) {
-    ExitProcess(3);
+    volatile int early = 1;
+    if (early) ExitProcess(3);
     AT(2);
     ExitProcess(4);
 }

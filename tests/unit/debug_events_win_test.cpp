@@ -1,0 +1,109 @@
+// What the engine makes of a program's events: its debug strings, faults, its own traps, and how a wait ends.
+#include "debug_fixture.h"
+
+namespace {
+
+using namespace debugtest;
+
+class DebugEvents : public DebugBothTest {};
+FOR_BOTH_KINDS(DebugEvents);
+
+TEST_P(DebugEvents, DebugStringsGoToThePane) {
+    ASSERT_TRUE(Start("strings"));
+    g_said.clear();
+    ASSERT_TRUE(DebugContinue(&state));
+    EXPECT_EQ(Wait(), kDebugExited);
+
+    std::wstring longText;
+    for (int i = 0; i < 5000; ++i) longText += static_cast<wchar_t>(L'a' + i % 26);
+    ASSERT_EQ(g_said.size(), 5u);
+    EXPECT_EQ(g_said[0].text, L"[Debug] Gr\u00FC\u00DFe \u4E2D\u6587 100%s\n");
+    EXPECT_EQ(g_said[1].text, L"[Debug] \n");
+    EXPECT_EQ(g_said[2].text, L"[Debug] " + longText + L"\n");
+    EXPECT_EQ(g_said[3].text.find(L"[Debug] "), 0u) << "bytes that are no UTF-8";
+    EXPECT_NE(g_said[3].text.find(L"odd"), std::wstring::npos);
+    EXPECT_EQ(g_said[4].text, L"[Debug] one\ntwo\n");
+    for (const Said& one : g_said) EXPECT_EQ(one.colour, kTeal) << one.text;
+}
+
+TEST_P(DebugEvents, AFaultIsReportedAndTheInstructionRunsAgain) {
+    ASSERT_TRUE(Start("fault"));
+    ASSERT_EQ(Step(), 3);
+    g_said.clear();
+    ASSERT_TRUE(DebugContinue(&state));
+    EXPECT_EQ(Wait(), kDebugStopped) << "held after a while, so that it can be looked at";
+    EXPECT_EQ(state.currentLine, 3);
+    const std::wstring report = FormatW(L"[Debug] Exception 0xC0000005 at 0x%p\n", Registers().ip);
+    EXPECT_GE(TimesSaid(report), 2) << SaidText();
+    g_said.clear();
+    ASSERT_TRUE(DebugContinue(&state));
+    EXPECT_EQ(Wait(), kDebugStopped);
+    EXPECT_GE(TimesSaid(report), 2);
+}
+
+TEST_P(DebugEvents, AFaultThatHealsGoesOn) {
+    ASSERT_TRUE(Start("heals"));
+    int event = kDebugStopped;
+    while (event == kDebugStopped && DebugContinue(&state)) event = Wait();
+    EXPECT_EQ(event, kDebugExited);
+    EXPECT_EQ(state.exitCode, 7u);
+    EXPECT_GE(TimesSaid(L"[Debug] Exception 0xC0000005 at 0x"), 2);
+}
+
+TEST_P(DebugEvents, AProgramsOwnTrapStopsWithoutALine) {
+    ASSERT_TRUE(Start("own_trap"));
+    const std::uint64_t trap = AddressOf(3);
+    const std::uint64_t serial = state.stopSerial;
+    ASSERT_TRUE(DebugContinue(&state));
+    ASSERT_EQ(Wait(), kDebugStopped);
+    EXPECT_EQ(state.currentAddress, trap);
+    EXPECT_EQ(state.currentLine, 0);
+    EXPECT_EQ(state.currentFileId, 0u);
+    EXPECT_EQ(state.stopSerial, serial + 1);
+    ASSERT_TRUE(DebugContinue(&state));
+    EXPECT_EQ(Wait(), kDebugExited);
+    EXPECT_EQ(state.exitCode, 2u);
+}
+
+TEST_P(DebugEvents, AStepOntoAProgramsOwnTrapStopsOnce) {
+    ASSERT_TRUE(Start("own_trap"));
+    ASSERT_EQ(Step(), 3);
+    EXPECT_EQ(Step(), 4);
+    ASSERT_TRUE(DebugContinue(&state));
+    EXPECT_EQ(Wait(), kDebugExited);
+}
+
+// A time-out begins anew with each event; the hook is what ends a wait in a flood.
+TEST_P(DebugEvents, TheHookEndsAWait) {
+    static int asked;
+    for (const char* program : {"flood", "busy"}) {
+        SCOPED_TRACE(program);
+        ASSERT_TRUE(Start(program));
+        ASSERT_TRUE(DebugContinue(&state));
+        asked = 0;
+        const DebugWaitHook previous = DebugSetWaitHook([] { return ++asked == 5; });
+        EXPECT_NE(previous, nullptr);
+        EXPECT_EQ(Wait(INFINITE), kDebugTimeout);
+        EXPECT_EQ(asked, 5);
+        DebugSetWaitHook(previous);
+        End();
+    }
+}
+
+TEST_P(DebugEvents, ATimeoutLeavesTheProgramRunning) {
+    ASSERT_TRUE(Start("sleeps"));
+    ASSERT_TRUE(DebugSetConditionalBreakpoint(&state, 5, "1==2"));
+    ASSERT_TRUE(DebugContinue(&state));
+    DebugSetCondition(&state, AddressOf(5), "1==1");
+    EXPECT_EQ(Arrive(), 5);
+    ASSERT_TRUE(DebugRemoveBreakpoint(&state, AddressOf(5)));
+    ASSERT_TRUE(DebugContinue(&state));
+    const ULONGLONG begun = GetTickCount64();
+    EXPECT_EQ(Wait(200), kDebugTimeout);
+    EXPECT_GE(GetTickCount64() - begun, 190u);
+    EXPECT_LT(GetTickCount64() - begun, 3000u);
+    EXPECT_EQ(state.run, DebugRun::Running);
+    EXPECT_EQ(state.active, 1u);
+}
+
+}  // namespace

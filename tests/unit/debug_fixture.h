@@ -1,0 +1,155 @@
+// What the tests of the debugger's engine share: a session that ends with its test, what the engine said, time limits.
+#pragma once
+
+#include "debugger/debug_inspect.h"
+#include "debugger/debug_session.h"
+#include "debugger/line_map.h"
+#include "files/handles.h"
+#include "files/wide_format.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace debugtest {
+
+inline constexpr DWORD kWaitMs = 10000;
+inline constexpr ULONGLONG kTestMs = 15000;  // what a test may spend in waits altogether
+inline constexpr COLORREF kRed = 200, kTeal = 0x808000, kOrange = 0x0064C8;
+
+struct Said {
+    std::wstring text;
+    COLORREF colour = 0;
+};
+inline std::vector<Said> g_said;
+inline ULONGLONG g_deadline = 0;
+
+// Files of a test, gone with it.
+struct Folder {
+    std::filesystem::path path;
+    Folder() {
+        static int count = 0;
+        path = std::filesystem::temp_directory_path() / FormatW(L"kvx-debug-%lu-%d", GetCurrentProcessId(), ++count);
+        std::filesystem::create_directories(path);
+    }
+    ~Folder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path, ignored);
+    }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+};
+
+inline std::string ReadBytes(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+inline void WriteBytes(const std::filesystem::path& path, std::string_view bytes) {
+    std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+// Text of a function of the inspection; "(null)" for none.
+inline std::wstring Take(wchar_t* text) { return text ? std::wstring(HeapBlock<wchar_t>(text).get()) : L"(null)"; }
+
+// A test of one kind of program, or of both: Bits() says which.
+class DebugTest : public testing::Test {
+protected:
+    virtual int Bits() const { return 64; }
+
+    void SetUp() override {
+        g_said.clear();
+        g_deadline = GetTickCount64() + kTestMs;
+        DebugSetSink([](const std::wstring& text, COLORREF colour) { g_said.push_back({text, colour}); });
+        DebugSetWaitHook([] { return GetTickCount64() > g_deadline; });
+        DebugSetSourcePath(L"");
+        if (Bits() == 32 && (std::getenv("KVX_NO_WINE32") != nullptr || !std::filesystem::exists(Program("straight"))))
+            GTEST_SKIP() << "no 32-bit programs here";
+    }
+    void TearDown() override {
+        DebugSetPlantHook(nullptr);
+        End();
+        DebugSetWaitHook(nullptr);
+        DebugSetSink(nullptr);
+        DebugSetSourcePath(L"");
+    }
+
+    std::filesystem::path Program(const std::string& name) const {
+        return std::filesystem::path(KVX_DEBUGGEES_DIR) / (name + std::to_string(Bits()) + ".exe");
+    }
+    bool StartFile(const std::filesystem::path& program, std::uint32_t compilerId = 1) {
+        const bool started = DebugStartForCompiler(program.c_str(), compilerId, &state);
+        Watch();
+        return started;
+    }
+    bool Start(const std::string& name) { return StartFile(Program(name)); }
+    // Keeps an eye on the program that runs, to see later that it is gone.
+    void Watch() { watched_.Reset(state.active ? OpenProcess(SYNCHRONIZE, FALSE, state.processId) : nullptr); }
+    bool Gone() const { return !watched_ || WaitForSingleObject(watched_.Get(), 3000) == WAIT_OBJECT_0; }
+    void End() {
+        DebugStop(&state);
+        EXPECT_EQ(state.active, 0u);
+        EXPECT_TRUE(Gone()) << "the program still runs";
+        watched_.Reset();
+    }
+
+    int Wait(DWORD ms = kWaitMs) { return DebugWaitEvent(&state, ms); }
+    // The line after a step; 0 unknown, -1 not resumed, -2 ended, -3 no stop in time.
+    int Step(bool (*step)(DebuggerState*) = DebugStepOver) { return step(&state) ? Arrive() : -1; }
+    int RunTo(int line) { return DebugRunToLine(&state, line) ? Arrive() : -1; }
+    int Arrive() {
+        switch (Wait()) {
+            case kDebugStopped: return state.currentLine;
+            case kDebugExited: return -2;
+            default: return -3;
+        }
+    }
+    std::uint64_t AddressOf(int line) const { return state.map.imageBase + SdbgLineToRva(&state.map, line); }
+    std::uint64_t Count() const { return Registers().general[2]; }  // RCX or ECX
+    RegisterSet Registers() const {
+        RegisterSet registers;
+        EXPECT_TRUE(DebugGetRegisters(&state, 0, &registers));
+        return registers;
+    }
+    // The byte as it stands in the program, breakpoint or not; -1 when it cannot be read.
+    int RawByte(std::uint64_t address) const {
+        std::uint8_t byte = 0;
+        SIZE_T done = 0;
+        return ReadProcessMemory(state.process, reinterpret_cast<const void*>(address), &byte, 1, &done) ? byte : -1;
+    }
+
+    // Everything said, one text after the other.
+    static std::wstring SaidText() {
+        std::wstring all;
+        for (const Said& one : g_said) all += one.text;
+        return all;
+    }
+    static int TimesSaid(std::wstring_view text) {
+        int times = 0;
+        for (const Said& one : g_said) times += one.text.find(text) != std::wstring::npos;
+        return times;
+    }
+
+    DebuggerState state;
+
+private:
+    UniqueHandle watched_;
+};
+
+class DebugBothTest : public DebugTest, public testing::WithParamInterface<int> {
+protected:
+    int Bits() const override { return GetParam(); }
+};
+
+inline std::string BitsName(const testing::TestParamInfo<int>& info) { return "Bits" + std::to_string(info.param); }
+
+}  // namespace debugtest
+
+// The tests of `suite` for both kinds of program.
+#define FOR_BOTH_KINDS(suite) INSTANTIATE_TEST_SUITE_P(Programs, suite, testing::Values(64, 32), debugtest::BitsName)

@@ -1,0 +1,256 @@
+// A session's beginning and end with real programs: what it says, what it leaves, how it stops from every state.
+#include "debugger/debug_session.h"
+
+#include "debug_fixture.h"
+
+#include <functional>
+
+namespace {
+
+using namespace debugtest;
+
+class DebugSession : public DebugBothTest {};
+FOR_BOTH_KINDS(DebugSession);
+
+TEST_P(DebugSession, StartsAtTheFirstLineAndRunsToTheEnd) {
+    ASSERT_TRUE(Start("straight"));
+    EXPECT_EQ(SaidText(), L"[Debug] Started. Breakpoint at line 2.\n[Debug] Reached line 2.\n");
+    EXPECT_EQ(state.active, 1u);
+    EXPECT_EQ(state.isX64, Bits() == 64 ? 1u : 0u);
+    EXPECT_EQ(state.currentLine, 2);
+    EXPECT_EQ(state.currentFileId, 1u);
+    EXPECT_EQ(state.currentAddress, AddressOf(2));
+    EXPECT_EQ(Registers().ip, AddressOf(2)) << "the statement is still to run";
+    EXPECT_EQ(state.breakpointCount, 1);
+
+    EXPECT_EQ(Step(), 3);
+    EXPECT_EQ(Step(), 5);
+    EXPECT_EQ(Step(), 6);
+    g_said.clear();
+    EXPECT_EQ(Step(), -1) << "the last statement";
+    ASSERT_EQ(SaidText(), L"[Debug] No further source lines.\n");
+    EXPECT_EQ(g_said[0].colour, kOrange);
+    EXPECT_EQ(Wait(50), kDebugTimeout) << "it was not resumed";
+    EXPECT_EQ(Registers().ip, AddressOf(6));
+
+    ASSERT_TRUE(DebugContinue(&state));
+    EXPECT_EQ(Wait(), kDebugExited);
+    EXPECT_EQ(state.exitCode, 42u);
+    const DebuggerState& s = state;
+    EXPECT_EQ(s.active, 0u);
+    EXPECT_EQ(s.currentLine, 0);
+    EXPECT_EQ(s.currentAddress, 0u);
+    EXPECT_EQ(s.processId, 0u);
+    EXPECT_EQ(s.threadId, 0u);
+    EXPECT_EQ(s.breakpointCount, 0);
+    EXPECT_EQ(s.process, nullptr);
+    EXPECT_EQ(s.thread, nullptr);
+    EXPECT_EQ(s.map.lines, nullptr);
+    EXPECT_EQ(s.map.lineCount, 0);
+    EXPECT_EQ(Wait(50), kDebugNoSession);
+}
+
+TEST_P(DebugSession, WithoutRecordsItStandsAtTheSystemsFirstStop) {
+    ASSERT_TRUE(DebugStartLoaded(Program("plain").c_str(), &state));
+    Watch();
+    EXPECT_EQ(SaidText(), L"[Debug] Started (no source line info).\n");
+    EXPECT_EQ(state.currentLine, 0);
+    EXPECT_NE(state.currentAddress, 0u);
+    int event = kDebugStopped;
+    // The loader of a 32-bit program may stop once more.
+    for (int i = 0; i < 2 && event == kDebugStopped; ++i) {
+        ASSERT_TRUE(DebugContinue(&state));
+        event = Wait();
+    }
+    EXPECT_EQ(event, kDebugExited);
+    EXPECT_EQ(state.exitCode, 5u);
+}
+
+TEST_P(DebugSession, SaysWhenTheProgramEndsBeforeItsFirstLine) {
+    EXPECT_FALSE(Start("ends"));
+    EXPECT_EQ(SaidText(),
+              L"[Debug] Started. Breakpoint at line 2.\n[Debug] Did not reach first source breakpoint (event 2).\n");
+    EXPECT_EQ(state.active, 0u);
+    EXPECT_EQ(state.exitCode, 3u);
+}
+
+TEST_P(DebugSession, TakesTheAddressWhereTheProgramWasLoaded) {
+    ASSERT_TRUE(SdbgLoad(Program("anywhere").c_str(), &state.map));
+    state.map.imageBase = 0x1234;
+    ASSERT_TRUE(DebugStartLoaded(Program("anywhere").c_str(), &state));
+    Watch();
+    EXPECT_EQ(state.currentLine, 2);
+    EXPECT_EQ(RawByte(state.map.imageBase), 'M');
+    EXPECT_EQ(RawByte(state.map.imageBase + 1), 'Z');
+}
+
+// Programs that cannot be debugged, made from a good one.
+TEST_P(DebugSession, SaysWhyItDoesNotStart) {
+    constexpr const wchar_t* kNoSection = L"[Debug] No .sdbg section found in EXE.\n";
+    const std::string good = ReadBytes(Program("straight"));
+    const std::size_t section = good.find(Bits() == 64 ? "SDB2" : "SDBG");
+    ASSERT_NE(section, std::string::npos);
+    struct Case {
+        const char* what;
+        std::function<void(std::string*)> damage;
+        const wchar_t* said;
+    };
+    const Case cases[] = {
+        {"empty", [](std::string* b) { b->clear(); }, kNoSection},
+        {"cut in the headers", [](std::string* b) { b->resize(300); }, kNoSection},
+        {"cut in the section", [&](std::string* b) { b->resize(section + 9); }, kNoSection},
+        {"another magic", [&](std::string* b) { (*b)[section] = 's'; }, kNoSection},
+        {"no records", [&](std::string* b) { (*b)[section + 4] = 0; }, kNoSection},
+        {"more records than bytes", [&](std::string* b) { (*b)[section + 6] = 1; }, kNoSection},
+        {"for a machine that does not exist",
+         [](std::string* b) { (*b)[static_cast<std::size_t>(static_cast<unsigned char>((*b)[60])) + 4] = 0x11; },
+         L"[Debug] Failed to launch process.\n"},
+    };
+    const Folder folder;
+    const auto place = folder.path / "damaged.exe";
+    for (const Case& one : cases) {
+        SCOPED_TRACE(one.what);
+        std::string bytes = good;
+        one.damage(&bytes);
+        WriteBytes(place, bytes);
+        g_said.clear();
+        EXPECT_FALSE(StartFile(place));
+        EXPECT_EQ(SaidText(), one.said);
+        EXPECT_EQ(state.active, 0u);
+        EXPECT_EQ(state.map.lines, nullptr);
+    }
+    g_said.clear();
+    EXPECT_FALSE(StartFile(folder.path / "nothing.exe"));
+    EXPECT_FALSE(Start("plain"));
+    EXPECT_EQ(SaidText(), std::wstring(kNoSection) + kNoSection);
+}
+
+TEST_P(DebugSession, GivesTheExitCodeOfWhateverThreadEndsTheProgram) {
+    struct Case {
+        const char* name;
+        DWORD code;
+    };
+    for (const Case& one : {Case{"thread_ends", 9}, Case{"threads", 5}, Case{"library", 1}}) {
+        SCOPED_TRACE(one.name);
+        ASSERT_TRUE(Start(one.name));
+        ASSERT_TRUE(DebugContinue(&state));
+        EXPECT_EQ(Wait(), kDebugExited);
+        EXPECT_EQ(state.exitCode, one.code);
+    }
+}
+
+TEST_P(DebugSession, StopsInTheThreadThatRunsOntoTheBreakpoint) {
+    ASSERT_TRUE(Start("threads"));
+    const std::uint32_t mainThread = state.mainThreadId;
+    EXPECT_EQ(state.stopThreadId, mainThread);
+    ASSERT_TRUE(DebugSetBreakpoint(&state, 7));
+    ASSERT_TRUE(DebugContinue(&state));
+    ASSERT_EQ(Arrive(), 7);
+    EXPECT_NE(state.stopThreadId, mainThread);
+    EXPECT_EQ(Count(), 77u) << "registers of the thread that stopped";
+    EXPECT_EQ(Registers().ip, AddressOf(7));
+    EXPECT_EQ(Step(), 8);
+    EXPECT_NE(state.stopThreadId, mainThread);
+    ASSERT_TRUE(DebugContinue(&state));
+    EXPECT_EQ(Wait(), kDebugExited);
+    EXPECT_EQ(state.exitCode, 5u);
+}
+
+// ---- the end ---------------------------------------------------------------------------------------------------------
+
+TEST_P(DebugSession, StopEndsItFromEveryState) {
+    struct Case {
+        const char* program;
+        int breakpoint;  // 0: runs freely
+    };
+    const Case cases[] = {{"straight", 3}, {"threads", 7}, {"sleeps", 0}, {"busy", 0},
+                          {"input", 0},    {"flood", 0},   {"fault", 0}};
+    for (const Case& one : cases) {
+        SCOPED_TRACE(one.program);
+        g_deadline = GetTickCount64() + kTestMs;
+        ASSERT_TRUE(Start(one.program));
+        EXPECT_FALSE(StartFile(Program("straight"))) << "one session at a time";
+        if (one.breakpoint) {
+            ASSERT_TRUE(DebugSetBreakpoint(&state, one.breakpoint));
+        }
+        ASSERT_TRUE(DebugContinue(&state));
+        g_deadline = GetTickCount64() + 150;  // a flood's wait would have no end
+        const int event = Wait(100);
+        const bool held = one.breakpoint != 0 || std::string_view(one.program) == "fault";
+        EXPECT_EQ(event, held ? kDebugStopped : kDebugTimeout);
+        Watch();
+        g_said.clear();
+        DebugStop(&state);
+        EXPECT_EQ(SaidText(), L"[Debug] Stopped.\n");
+        EXPECT_EQ(g_said.back().colour, kRed);
+        EXPECT_TRUE(Gone());
+        EXPECT_EQ(state.active, 0u);
+        EXPECT_EQ(state.process, nullptr);
+        EXPECT_EQ(state.breakpointCount, 0);
+        EXPECT_EQ(state.map.lines, nullptr);
+        g_said.clear();
+        DebugStop(&state);
+        EXPECT_TRUE(g_said.empty()) << "there is nothing to stop any more";
+    }
+}
+
+TEST_P(DebugSession, BreakInStopsARunningProgram) {
+    for (const char* program : {"sleeps", "busy"}) {
+        SCOPED_TRACE(program);
+        ASSERT_TRUE(Start(program));
+        EXPECT_FALSE(DebugBreakIn(&state)) << "it stands already";
+        ASSERT_TRUE(DebugContinue(&state));
+        EXPECT_EQ(Wait(50), kDebugTimeout);
+        EXPECT_EQ(state.run, DebugRun::Running);
+        ASSERT_TRUE(DebugBreakIn(&state));
+        EXPECT_EQ(Wait(), kDebugStopped);
+        EXPECT_EQ(state.run, DebugRun::Stopped);
+        ASSERT_TRUE(DebugContinue(&state));
+        EXPECT_EQ(Wait(50), kDebugTimeout) << "and goes on";
+        End();
+    }
+}
+
+TEST_P(DebugSession, NothingHappensWithoutASession) {
+    EXPECT_EQ(Wait(1000), kDebugNoSession);
+    EXPECT_FALSE(DebugSetBreakpoint(&state, 2));
+    EXPECT_FALSE(DebugSetConditionalBreakpoint(&state, 2, "1==1"));
+    EXPECT_FALSE(DebugSetTempBp(&state, 0x401000, 2));
+    EXPECT_EQ(DebugFindBp(&state, 0x401000), -1);
+    EXPECT_FALSE(DebugStepOver(&state) || DebugStepInto(&state) || DebugStepOut(&state) || DebugContinue(&state));
+    EXPECT_FALSE(DebugRunToLine(&state, 2) || DebugBreakIn(&state));
+    std::uint8_t byte = 0;
+    EXPECT_FALSE(DebugReadMem(&state, 0x401000, &byte, 1) || DebugWriteMem(&state, 0x401000, &byte, 1));
+    DebugStop(&state);
+    EXPECT_TRUE(g_said.empty());
+}
+
+// Asked one by one: the system's own count is always 0 under Wine 8.
+int OpenHandles() {
+    int open = 0;
+    for (std::uintptr_t value = 4; value < 0x10000; value += 4) {
+        DWORD flags = 0;
+        open += GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags) ? 1 : 0;
+    }
+    return open;
+}
+
+TEST_P(DebugSession, AHundredSessionsLeaveNoHandle) {
+    const auto session = [this](int number) {
+        g_deadline = GetTickCount64() + kTestMs;
+        const bool threads = number % 2 == 1;
+        ASSERT_TRUE(Start(threads ? "threads" : "straight"));
+        if (number % 4 >= 2) {
+            ASSERT_TRUE(DebugContinue(&state));
+            ASSERT_EQ(Wait(), kDebugExited);
+        }
+        End();
+    };
+    for (int i = 0; i < 4; ++i) session(i);  // what the system opens once
+    const int before = OpenHandles();
+    ASSERT_GT(before, 0);
+    for (int i = 0; i < 100 && !HasFailure(); ++i) session(i);
+    EXPECT_EQ(OpenHandles(), before);
+}
+
+}  // namespace

@@ -1,0 +1,204 @@
+// Steps through real programs: they follow the order of addresses, not the flow of control.
+#include "debug_fixture.h"
+#include "debugger/pe_headers.h"
+#include "settings/compiler_id.h"
+
+namespace {
+
+using namespace debugtest;
+
+class DebugSteps : public DebugBothTest {};
+FOR_BOTH_KINDS(DebugSteps);
+
+TEST_P(DebugSteps, OverGoesToTheNextAddressWhateverTheLoopDoes) {
+    ASSERT_TRUE(Start("loop"));
+    EXPECT_EQ(Step(), 3);
+    EXPECT_EQ(Count(), 1u);
+    EXPECT_EQ(Step(), 4);
+    EXPECT_EQ(Step(), 5) << "nine more turns are over";
+    ASSERT_TRUE(DebugContinue(&state));
+    EXPECT_EQ(Wait(), kDebugExited);
+    EXPECT_EQ(state.exitCode, 55u);
+}
+
+TEST_P(DebugSteps, IntoFollowsACallAndOutComesBack) {
+    ASSERT_TRUE(Start("calls"));
+    ASSERT_EQ(state.currentLine, 3);
+    EXPECT_EQ(Step(DebugStepInto), 4) << "no CALL, so as step over";
+    EXPECT_EQ(state.currentFileId, 1u);
+    EXPECT_EQ(Step(DebugStepInto), 2);
+    EXPECT_EQ(state.currentFileId, 2u);
+    EXPECT_EQ(Registers().ip, state.map.imageBase + SdbgFileLineToRva(&state.map, 2, 2));
+    if (Bits() == 64) {
+        EXPECT_EQ(Step(DebugStepOut), 5) << "the return address lies on the stack";
+        EXPECT_EQ(state.currentFileId, 1u);
+    } else {
+        EXPECT_EQ(Step(DebugStepOut), 3) << "as step over in a 32-bit program";
+        EXPECT_EQ(state.currentFileId, 2u);
+    }
+}
+
+TEST_P(DebugSteps, OutIsAStepOverWhereNoReturnAddressLies) {
+    ASSERT_TRUE(Start("calls"));
+    ASSERT_TRUE(DebugRunToLineIn(&state, 2, 3));
+    ASSERT_EQ(Arrive(), 3);
+    EXPECT_EQ(state.currentFileId, 2u);
+    EXPECT_EQ(Step(DebugStepOut), 4) << "the saved frame pointer is no code";
+    EXPECT_EQ(state.currentFileId, 2u);
+    EXPECT_EQ(Step(DebugStepOut), -1) << "nothing further";
+}
+
+TEST_P(DebugSteps, OverACallStaysInTheProcedure) {
+    ASSERT_TRUE(Start("calls"));
+    EXPECT_EQ(RunTo(4), 4);
+    EXPECT_EQ(Step(), 5);
+    EXPECT_EQ(Step(), 6);
+    ASSERT_TRUE(DebugContinue(&state));
+    EXPECT_EQ(Wait(), kDebugExited);
+    EXPECT_EQ(state.exitCode, 9u);
+}
+
+// The record of line 0 behind it is no target.
+TEST_P(DebugSteps, TheLastStatementIsNotLeft) {
+    ASSERT_TRUE(Start("calls"));
+    ASSERT_TRUE(DebugRunToLineIn(&state, 2, 4));
+    ASSERT_EQ(Arrive(), 4);
+    g_said.clear();
+    EXPECT_EQ(Step(), -1);
+    EXPECT_EQ(SaidText(), L"[Debug] No further source lines.\n");
+    EXPECT_EQ(state.run, DebugRun::Stopped);
+    EXPECT_EQ(Wait(50), kDebugTimeout);
+}
+
+TEST_P(DebugSteps, RunToALine) {
+    ASSERT_TRUE(Start("calls"));
+    EXPECT_EQ(RunTo(99), -1);
+    EXPECT_EQ(RunTo(0), -1);
+    EXPECT_EQ(Wait(50), kDebugTimeout) << "it was not resumed";
+    EXPECT_EQ(RunTo(6), 6);
+    EXPECT_EQ(state.currentFileId, 1u);
+    EXPECT_EQ(state.breakpointCount, 1) << "the temporary one is gone";
+    EXPECT_EQ(RunTo(5), -2) << "it does not come by there again";
+}
+
+TEST_P(DebugSteps, ARunningProgramCannotBeStepped) {
+    ASSERT_TRUE(Start("sleeps"));
+    ASSERT_TRUE(DebugContinue(&state));
+    EXPECT_EQ(Wait(50), kDebugTimeout);
+    EXPECT_FALSE(DebugStepOver(&state) || DebugStepInto(&state) || DebugStepOut(&state) || DebugContinue(&state));
+    EXPECT_FALSE(DebugRunToLine(&state, 4));
+}
+
+TEST_P(DebugSteps, TwoHundredStatements) {
+    ASSERT_TRUE(Start("many"));
+    ASSERT_EQ(state.currentLine, 2);
+    for (int line = 3; line <= 202; ++line) ASSERT_EQ(Step(), line);
+    EXPECT_EQ(state.breakpointCount, 1);
+    EXPECT_EQ(Step(), -1);
+}
+
+// ---- programs with trap bytes of their own ---------------------------------------------------------------------------
+
+class DebugTraps : public DebugBothTest {
+protected:
+    Folder folder_;
+    std::uint64_t run_ = 0;  // address of the run of three before the first statement
+
+    // The side file says that PBMAIN begins at the trap of that number in the run.
+    bool StartTraps(std::uint32_t first) {
+        const auto program = folder_.path / "traps.exe";
+        const std::string bytes = ReadBytes(Program("traps"));
+        WriteBytes(program, bytes);
+        const auto* file = reinterpret_cast<const std::uint8_t*>(bytes.data());
+        constexpr std::uint64_t kBase = 0x400000;
+        run_ = kBase + GetTextBaseRva(file, bytes.size()) + bytes.find("\xCC\xCC\xCC") - 0x400;
+        std::string side = "PBMAIN";
+        side.push_back('\0');
+        for (int shift = 0; shift < 32; shift += 8) side.push_back(static_cast<char>((run_ + first) >> shift));
+        WriteBytes(folder_.path / "traps.exe.pbd", side);
+        DebugSetSourcePath((std::filesystem::path(KVX_TESTS_DIR) / "debuggees" / "traps.bas").c_str());
+        return StartFile(program, kCompilerKeldorBasic);
+    }
+};
+FOR_BOTH_KINDS(DebugTraps);
+
+TEST_P(DebugTraps, EachStatementsTrapIsAStop) {
+    ASSERT_TRUE(StartTraps(0));
+    EXPECT_EQ(SaidText(), L"[Debug] Reached line 2.\n");
+    EXPECT_EQ(state.currentAddress, run_);
+    EXPECT_EQ(state.currentFileId, 1u);
+    EXPECT_EQ(state.map.nativeTrapMap, 1u);
+    EXPECT_EQ(state.breakpointCount, 0) << "nothing is planted";
+    const std::wstring top = Bits() == 64
+                                 ? FormatW(L"Call Stack:\r\n  #0  0x%llX  line 2\r\n", Registers().ip)
+                                 : L"Call Stack:\r\n  #0  0x0  (no source info)\r\n  #1  0x0  (no source info)\r\n";
+    EXPECT_EQ(Take(DebugWalkStack(&state)).substr(0, top.size()), top);
+
+    EXPECT_EQ(Step(), 0) << "two more traps on that line are skipped, then one outside the code";
+    EXPECT_EQ(state.currentFileId, 0u);
+    EXPECT_EQ(Step(), 3);
+    EXPECT_EQ(state.currentAddress, state.map.imageBase + SdbgLineToRva(&state.map, 3));
+    EXPECT_EQ(Step(), 4);
+    EXPECT_EQ(Step(), -2) << "steps have no end of lines here";
+    EXPECT_EQ(state.exitCode, 6u);
+}
+
+// The first trap lies before the map's first record; the line is that of the record right behind it.
+TEST_P(DebugTraps, ALineIsLookedForAroundTheTrap) {
+    for (const std::uint32_t first : {1u, 2u}) {
+        SCOPED_TRACE(first);
+        ASSERT_TRUE(StartTraps(first));
+        EXPECT_EQ(state.map.lines[0].rva, run_ + first - state.map.imageBase);
+        EXPECT_EQ(state.currentLine, 2);
+        EXPECT_EQ(state.currentAddress, run_);
+        EXPECT_EQ(Step(), 0);
+        EXPECT_EQ(Step(), 3);
+        End();
+    }
+}
+
+TEST_P(DebugTraps, ContinueRunsPastTheTrapsToTheUsersBreakpoint) {
+    ASSERT_TRUE(StartTraps(0));
+    ASSERT_TRUE(DebugSetBreakpoint(&state, 4));
+    EXPECT_EQ(state.breakpoints[0].originalByte, 0xCC);
+    int line = 0;
+    for (int i = 0; i < 2 && line == 0; ++i) {  // the trap outside the code is the program's own business
+        ASSERT_TRUE(DebugContinue(&state));
+        line = Arrive();
+    }
+    EXPECT_EQ(line, 4);
+    ASSERT_TRUE(DebugContinue(&state));
+    EXPECT_EQ(Wait(), kDebugExited);
+    EXPECT_EQ(state.exitCode, 6u);
+}
+
+TEST_P(DebugTraps, SaysWhatIsMissing) {
+    const auto program = folder_.path / "traps.exe";
+    WriteBytes(program, ReadBytes(Program("traps")));
+    EXPECT_FALSE(StartFile(program, kCompilerKeldorBasic));
+    EXPECT_EQ(SaidText(), L"[Debug] No PowerBASIC debug database found: " + program.wstring() + L".pbd\n");
+    WriteBytes(folder_.path / "traps.exe.pbd", "nothing of use in it");
+    DebugSetSourcePath((std::filesystem::path(KVX_TESTS_DIR) / "debuggees" / "traps.bas").c_str());
+    g_said.clear();
+    EXPECT_FALSE(StartFile(program, kCompilerKeldorBasic));
+    EXPECT_EQ(SaidText(), L"[Debug] PowerBASIC debug database contains no usable line map\n");
+    EXPECT_EQ(state.active, 0u);
+}
+
+// The start's last resort: no trap of the map is met at all.
+TEST_P(DebugTraps, SaysWhenNoStatementIsReached) {
+    StartTraps(0);
+    End();
+    const auto program = folder_.path / "traps.exe";
+    std::string bytes = ReadBytes(program);
+    for (char& byte : bytes)
+        if (byte == '\xCC') byte = '\x90';
+    ASSERT_TRUE(PbdLoad(program.c_str(), &state.map));
+    WriteBytes(program, bytes);
+    g_said.clear();
+    EXPECT_FALSE(DebugStartLoaded(program.c_str(), &state));
+    Watch();
+    EXPECT_EQ(SaidText(), L"[Debug] PowerBASIC debug database contains no usable line map\n");
+}
+
+}  // namespace
