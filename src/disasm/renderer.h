@@ -24,8 +24,8 @@ struct DisasmSource {
 
 struct DisasmProgram {
     std::vector<std::uint8_t> file;
-    std::vector<DisasmLine> lines;  // in any order, may be empty
-    std::vector<DisasmSource> sources;
+    std::vector<DisasmLine> lines = {};  // in any order, may be empty
+    std::vector<DisasmSource> sources = {};
     std::uint32_t focusFile = 0;  // the part around this line comes first, if it has code
     std::uint32_t focusLine = 0;  // 0: none
     std::uint32_t firstRva = 0;   // only code of this range is shown

@@ -21,7 +21,7 @@ std::string ReadText(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// Expected texts are files with LF; the rendered one is left beside a file that differs, to be looked at and taken over.
+// Expected texts are files with LF; the rendered one is left beside a file that differs, to be looked at and taken.
 void ExpectGolden(const std::string& name, std::string text) {
     std::erase(text, '\r');
     const std::string path = std::string(KVX_TESTS_DIR) + "/golden/" + name;
@@ -86,7 +86,7 @@ const Bytes kCode64 = {
     0xFF, 0x25, 0xC9, 0x0F, 0x00, 0x00,  // 1039 jmp [2008]
     0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,  // 103F
     0x33, 0xC0, 0x48, 0xB8, 1,    2,    3,    4,    5,    6,    7,    8,    0xC3,                       // 1050 exported
-    0xF0, 0x48, 0x81, 0x84, 0x88, 1,    2,    3,    4,    5,    6,    7,    8,    0xC3, 0xE8};  // 105D twelve bytes, and one cut off
+    0xF0, 0x48, 0x81, 0x84, 0x88, 1,    2,    3,    4,    5,    6,    7,    8,    0xC3, 0xE8};  // 105D, and one cut off
 
 const Bytes kCode32 = {
     0x55, 0x8B, 0xEC,                    // 1000

@@ -25,7 +25,7 @@ struct Section {
     std::string name;
     std::uint32_t rva = 0;
     std::uint32_t flags = 0;
-    Bytes data;
+    Bytes data = {};
     std::uint32_t rawSize = 0;  // claimed; 0: what there is
 };
 
@@ -39,8 +39,8 @@ struct Program {
     bool x64 = true;
     std::uint32_t machine = 0;  // 0: by x64
     std::uint32_t entry = 0x1000;
-    std::vector<Section> sections;
-    std::vector<Directory> directories;
+    std::vector<Section> sections = {};
+    std::vector<Directory> directories = {};
 };
 
 inline constexpr std::uint32_t kCode = 0x60000020;
