@@ -159,8 +159,16 @@ void EndSession(const std::wstring& status) {
     DebugPaneInvalidate();
 }
 
+// A program that ran may have the screen, its console at the least.
+void ComeToFront() {
+    DWORD owner = 0;
+    GetWindowThreadProcessId(GetForegroundWindow(), &owner);
+    if (owner != GetCurrentProcessId()) SetForegroundWindow(g_app.hMainWnd);
+}
+
 void OnStopped() {
     StopFollowing();
+    ComeToFront();
     SetStatus(L"Stopped at " + DebugPlaceText(&g_app.debugger));
     DebugShowCurrentLocation(&g_app.debugger, g_follow.suffix.c_str());
     DebugPaneInvalidate();
@@ -297,11 +305,7 @@ void DebugRunStop() {
 
 void DebugOnTimer() {
     if (g_waiting || !g_follow.running) return;
-    if (HandleWait(WaitFor(0, kLookLimit))) {
-        // The stop came by itself: the program may have the screen.
-        if (g_app.debugger.active != 0 && GetForegroundWindow() != g_app.hMainWnd) SetForegroundWindow(g_app.hMainWnd);
-        return;
-    }
+    if (HandleWait(WaitFor(0, kLookLimit))) return;
     if (g_follow.told || GetTickCount64() - g_follow.since < kLongRun) return;
     g_follow.told = true;
     DebugSay(0, L"[Debug] No stop within 30 seconds; the program is still running.\n");

@@ -90,7 +90,9 @@ void ApplyMargins(HWND editor, const EditorPalette& palette, bool folding) {
     DefineMarker(editor, kMarkBookmark, SC_MARK_BOOKMARK, chrome.accent, chrome.accent);
     DefineMarker(editor, kMarkBreakpoint, SC_MARK_CIRCLE, chrome.error, chrome.error);
     DefineMarker(editor, kMarkError, SC_MARK_SHORTARROW, chrome.error, chrome.error);
-    DefineMarker(editor, kMarkCurrent, SC_MARK_ARROW, chrome.modified, chrome.modified);
+    // Dark edge, bright inside: it may lie on a red disc.
+    DefineMarker(editor, kMarkCurrent, SC_MARK_ARROW, ThemeIsDark() ? chrome.paneBack : chrome.paneText,
+                 chrome.stopLine);
     DefineMarker(editor, kMarkHollow, SC_MARK_CIRCLE, chrome.error, palette.margin);
     DefineMarker(editor, kMarkDisabled, SC_MARK_CIRCLE, palette.lineNumber, palette.lineNumber);
     DefineMarker(editor, kMarkConditional, SC_MARK_PLUS, palette.margin, palette.margin);
@@ -101,8 +103,9 @@ void ApplyMargins(HWND editor, const EditorPalette& palette, bool folding) {
             static_cast<LPARAM>(static_cast<std::uint32_t>(ThemeStopLineAlpha(ThemeIsDark())) << 24 |
                                 ThemeColorRef(chrome.stopLine)));
 
+    // The line's background shows only as long as its marker belongs to a margin; in the margin it draws nothing.
     constexpr int kSymbolMask = 1 << kMarkBookmark | 1 << kMarkBreakpoint | 1 << kMarkError | 1 << kMarkCurrent |
-                                1 << kMarkHollow | 1 << kMarkDisabled | 1 << kMarkConditional;
+                                1 << kMarkHollow | 1 << kMarkDisabled | 1 << kMarkConditional | 1 << kMarkCurrentLine;
     SciSend(editor, SCI_SETMARGINTYPEN, kMarginNumbers, SC_MARGIN_NUMBER);
     SciSend(editor, SCI_SETMARGINTYPEN, kMarginSymbols, SC_MARGIN_SYMBOL);
     SciSend(editor, SCI_SETMARGINMASKN, kMarginSymbols, kSymbolMask);
