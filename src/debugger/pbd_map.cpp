@@ -74,7 +74,7 @@ bool PbdContainsPbmain(std::span<const std::uint8_t> sideFile) {
 
 std::uint32_t PbdFindPbmainStartRva(std::span<const std::uint8_t> sideFile, const TextSectionInfo& text) {
     // Above 4 GB no 32-bit value is an address, and the sums below cannot overflow.
-    if (sideFile.size() < 4 || text.imageBase > std::numeric_limits<std::uint32_t>::max()) return text.virtualAddress;
+    if (text.imageBase > std::numeric_limits<std::uint32_t>::max()) return text.virtualAddress;
     const std::uint64_t low = text.imageBase + text.virtualAddress;
     const CodeRange code = {low, low + SizeInMemory(text)};
     std::uint64_t start = CandidateNearName(sideFile, code);

@@ -44,13 +44,14 @@ std::string TwoByText(bool is64) {
 }
 
 // What all header readers say: image base, ".text" address, its info (rva/offset/raw/virtual), ".sdbg" offset/length.
-std::string Headers(const std::string& file) {
+std::string Headers(const std::string& bytes) {
+    const std::vector<std::uint8_t> file(bytes.begin(), bytes.end());  // nothing behind the last byte
     std::ostringstream text;
     std::uint64_t base = 0;
-    if (GetPeImageBase(Data(file), file.size(), &base)) text << std::hex << base;
-    text << "|" << std::hex << GetTextBaseRva(Data(file), file.size()) << "|";
+    if (GetPeImageBase(file.data(), file.size(), &base)) text << std::hex << base;
+    text << "|" << std::hex << GetTextBaseRva(file.data(), file.size()) << "|";
     TextSectionInfo info{1, 2, 3, 4, 5};
-    if (GetTextSectionInfo(Data(file), file.size(), &info))
+    if (GetTextSectionInfo(file.data(), file.size(), &info))
         text << info.imageBase << "/" << info.virtualAddress << "/" << info.rawOffset << "/" << info.rawSize << "/"
              << info.virtualSize;
     else
@@ -58,10 +59,10 @@ std::string Headers(const std::string& file) {
     std::uint32_t length = 0;
     std::uint32_t rva = 0;
     std::uint32_t offset = 0;
-    const std::uint8_t* const section = FindSdbgSection(Data(file), file.size(), &length, &rva, &offset);
+    const std::uint8_t* const section = FindSdbgSection(file.data(), file.size(), &length, &rva, &offset);
     text << "|";
     if (section != nullptr) {
-        EXPECT_EQ(section, Data(file) + offset);
+        EXPECT_EQ(section, file.data() + offset);
         text << offset << "/" << length << "/" << rva;
     }
     return text.str();
@@ -99,6 +100,7 @@ TEST(PeHeaders, EveryReaderOnOneFile) {
          },
          "400000|1000||"},
         {"cut within .sdbg's header", [=](auto& f, bool is64) { f.resize(section(is64, 3) - 1); }, "400000|3000||"},
+        {"cut within .text's header", [=](auto& f, bool is64) { f.resize(section(is64, 2) - 1); }, "400000|1000||"},
         {"five letters are enough for .text", [=](auto& f, bool is64) { f.replace(section(is64, 1), 8, ".textual"); },
          kWhole},
         {"case matters", [=](auto& f, bool is64) { f.replace(section(is64, 1), 8, ".TEXT\0\0\0"s); },
@@ -185,8 +187,9 @@ TEST(SdbgParse, SectionBytes) {
          good + " 4=(none) 5=b"},
         {"entries that are not there", pe_bytes::Sdbg2(two, table(3, entry(4, 1, "a"))),
          good + " 4=a 0=(none) 0=(none)"},
-        {"a path past the end ends the table", pe_bytes::Sdbg2(two, table(2, entry(4, 1, "a") + entry(5, 2, "b"))),
-         good + " 4=a 0=(none)"},
+        {"a path past the end ends the table",
+         pe_bytes::Sdbg2(two, table(3, entry(4, 1, "a") + entry(5, 10, "") + entry(6, 1, "b"))),
+         good + " 4=a 0=(none) 0=(none)"},
         {"a path of 32767 bytes", pe_bytes::Sdbg2(two, table(1, entry(4, 32767, longest))), good + " 4=" + longest},
         {"a path of 32768 bytes", pe_bytes::Sdbg2(two, table(2, entry(4, 32768, longest + "p") + entry(5, 1, "b"))),
          good + " 0=(none) 0=(none)"},
@@ -195,7 +198,8 @@ TEST(SdbgParse, SectionBytes) {
         Map map;
         EXPECT_EQ(SdbgParseSection(Bytes(c.bytes), &map), !c.expected.empty()) << c.name;
         EXPECT_EQ(Described(map), c.expected.empty() ? "|" : c.expected) << c.name;
-        EXPECT_TRUE(!c.expected.empty() || (map.lines == nullptr && map.files == nullptr)) << c.name;
+        EXPECT_EQ(map.lines != nullptr, map.lineCount > 0) << c.name;
+        EXPECT_EQ(map.files != nullptr, map.fileCount > 0) << c.name;
     }
 }
 
@@ -437,7 +441,10 @@ TEST(PbdMap, WhereTheRoutineStarts) {
         {"one more is", With(name, 10010, 0x401041), 0x1041},
         {"the end is none", With(name, 10010, 0x402800), 0x1000},
         {"the byte before it is", With(name, 10010, 0x4027FF), 0x27FF},
-        {"the second name, when the first has none", With(At(20000, 100, "PBMAIN") + name, 30300, 0x401234), 0x1234},
+        {"the second name, when the first has none",
+         With(With(At(20000, 100, "PBMAIN") + name, 30300, 0x401234), 39000, 0x401100), 0x1234},
+        {"two names with a common reach",
+         With(With(At(20000, 9000, "PBMAIN").replace(10000, 6, "PBMAIN"), 14090, 0x401234), 19000, 0x401100), 0x1234},
         {"no name near: the whole file", With(At(20000, 10, "PBMAIN"), 19000, 0x401234), 0x1234},
         {"the file's last four bytes", With(At(20000, 10, "PBMAIN"), 19996, 0x401234), 0x1234},
         {"a short file: the last four bytes are not near", With(With(At(24, 8, "PBMAIN"), 20, 0x401100), 16, 0x401234),
