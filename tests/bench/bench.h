@@ -98,4 +98,5 @@ void MeasureStart();
 void MeasureKeys();
 void MeasureOutput();
 void MeasureStop();
+void MeasureMaps();
 void MeasureDebugger();

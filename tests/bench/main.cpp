@@ -1,4 +1,5 @@
-// Measures KVX-Editor beside the floor program:  bench [start] [keys] [output] [stop] [debugger]   (nothing named: all)
+// Measures KVX-Editor beside the floor program:  bench [start] [keys] [output] [stop] [debugger] [maps]
+// (nothing named: all)
 #include "bench.h"
 
 #include <cstdio>
@@ -11,11 +12,9 @@ struct Measurement {
     const char* name;
     void (*run)();
 };
-constexpr Measurement kMeasurements[] = {{"start", MeasureStart},
-                                         {"keys", MeasureKeys},
-                                         {"output", MeasureOutput},
-                                         {"stop", MeasureStop},
-                                         {"debugger", MeasureDebugger}};
+constexpr Measurement kMeasurements[] = {{"start", MeasureStart},       {"keys", MeasureKeys},
+                                         {"output", MeasureOutput},     {"stop", MeasureStop},
+                                         {"debugger", MeasureDebugger}, {"maps", MeasureMaps}};
 
 bool Wanted(int argc, char** argv, const std::string& name) {
     for (int i = 1; i < argc; ++i)
@@ -31,7 +30,7 @@ int main(int argc, char** argv) {
         for (const Measurement& m : kMeasurements) known = known || std::string(m.name) == argv[i];
         if (!known) {
             std::fprintf(stderr,
-                         "bench: there is no measurement \"%s\"; there are start, keys, output, stop, debugger\n",
+                         "bench: there is no measurement \"%s\"; there are start, keys, output, stop, debugger, maps\n",
                          argv[i]);
             return 2;
         }

@@ -105,9 +105,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view rest{reinterpret_cast<const char*>(data) + 8, size - 8};
     const std::size_t sideLength = std::min<std::size_t>(rest.size(), data[4] + 256U * (data[5] & 63U));
     std::string side{rest.substr(0, sideLength)};
-    if ((data[7] & 1) != 0) side.insert(0, data[6] * 40U, 'x');  // beyond the reach of a name
+    if ((data[7] & 1) != 0) side.insert(0, data[6] * 20U, 'x');  // beyond the reach of a name
     if ((data[7] & 2) != 0) side += "PBMAIN";
-    if ((data[7] & 4) != 0) side.append(data[6] * 40U, '\0');
+    if ((data[7] & 4) != 0) side.append(data[6] * 20U, '\0');
     const std::string_view code = rest.substr(sideLength, data[6] * 8U);
     const std::string_view source = rest.substr(sideLength + code.size());
 
