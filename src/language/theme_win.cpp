@@ -98,10 +98,8 @@ void ApplyMargins(HWND editor, const EditorPalette& palette, bool folding) {
     DefineMarker(editor, kMarkConditional, SC_MARK_PLUS, palette.margin, palette.margin);
     DefineMarker(editor, kMarkCurrentLine, SC_MARK_BACKGROUND, chrome.stopLine, chrome.stopLine);
     // Under the text, not as the line's background: the line of the caret has one already, and that would win.
+    SciSend(editor, SCI_MARKERSETALPHA, kMarkCurrentLine, ThemeStopLineAlpha(ThemeIsDark()));
     SciSend(editor, SCI_MARKERSETLAYER, kMarkCurrentLine, SC_LAYER_UNDER_TEXT);
-    SciSend(editor, SCI_MARKERSETBACKTRANSLUCENT, kMarkCurrentLine,
-            static_cast<LPARAM>(static_cast<std::uint32_t>(ThemeStopLineAlpha(ThemeIsDark())) << 24 |
-                                ThemeColorRef(chrome.stopLine)));
 
     // The line's background shows only as long as its marker belongs to a margin; in the margin it draws nothing.
     constexpr int kSymbolMask = 1 << kMarkBookmark | 1 << kMarkBreakpoint | 1 << kMarkError | 1 << kMarkCurrent |
