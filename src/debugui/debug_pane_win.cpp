@@ -18,7 +18,7 @@
 namespace {
 
 constexpr wchar_t kClass[] = L"KVXEDebugPane";
-constexpr wchar_t kNoSession[] = L"Start debugging to see the program here: Debug > Start Debugging";
+constexpr wchar_t kNoSession[] = L"Start debugging with Debug > Start Debugging to see the program here.";
 constexpr wchar_t kRunning[] = L"Running...";
 constexpr UINT_PTR kRefreshTimer = 1;
 constexpr int kTabsHeight = 26;  // at 96 dpi
@@ -54,16 +54,17 @@ RECT AddressArea() {
     RECT area = {};
     GetClientRect(g_frame.pane, &area);
     area.top = PaneScaled(kTabsHeight);
-    area.bottom = area.top + (PaneCurrentView().hasAddress ? PaneScaled(kAddressHeight) : 0);
+    area.bottom = area.top + (PaneCurrentView().addressCue != nullptr ? PaneScaled(kAddressHeight) : 0);
     return area;
 }
 
+// As high as a line of text: the field shows its text at the top.
 RECT AddressBox() {
     const RECT area = AddressArea();
-    const int margin = PaneScaled(4);
+    const int height = g_frame.fonts.fixedHeight + PaneScaled(6);
+    const int top = (area.top + area.bottom - height) / 2;
     const int left = PaneScaled(8) + 9 * g_frame.fonts.textWidth;
-    return {left, area.top + margin, std::min<LONG>(area.right - margin, left + 26 * g_frame.fonts.fixedWidth),
-            area.bottom - margin};
+    return {left, top, std::min<LONG>(area.right - PaneScaled(4), left + 26 * g_frame.fonts.fixedWidth), top + height};
 }
 
 void Layout() {
@@ -72,7 +73,7 @@ void Layout() {
     const int tabs = PaneScaled(kTabsHeight);
     PaneTabsFit(g_frame.tabs, client.right);
     Place(g_frame.tabs, {0, 0, client.right, tabs}, true);
-    Place(g_frame.address, AddressBox(), PaneCurrentView().hasAddress);
+    Place(g_frame.address, AddressBox(), PaneCurrentView().addressCue != nullptr);
     const RECT view = {0, AddressArea().bottom, client.right, client.bottom};
     // Without rows there is nothing to see of a list but its header; the hint takes its place.
     const bool hasRows = !Content().rows.empty() || !IsList();
@@ -128,7 +129,7 @@ void Paint(HDC dc) {
     const HGDIOBJ oldFont = SelectObject(dc, g_frame.fonts.text);
     SetBkMode(dc, TRANSPARENT);
     const RECT row = AddressArea();
-    if (PaneCurrentView().hasAddress) {
+    if (PaneCurrentView().addressCue != nullptr) {
         PaneFillRect(dc, {row.left, row.bottom - 1, row.right, row.bottom}, chrome.line);
         RECT label = {PaneScaled(8), row.top, AddressBox().left, row.bottom};
         SetTextColor(dc, chrome.tabText);
@@ -163,10 +164,12 @@ LRESULT OnColour(HDC dc) {
 void Select(DebugTab tab) {
     if (static_cast<int>(tab) >= kDebugTabCount) return;
     PaneEditCancel();
-    if (PaneCurrentView().hasAddress) g_frame.addresses[static_cast<std::size_t>(g_frame.selected)] = PaneAddressText();
+    if (PaneCurrentView().addressCue != nullptr)
+        g_frame.addresses[static_cast<std::size_t>(g_frame.selected)] = PaneAddressText();
     g_frame.selected = tab;
     SendMessageW(g_frame.tabs, TCM_SETCURSEL, static_cast<WPARAM>(tab), 0);
     SetWindowTextW(g_frame.address, g_frame.addresses[static_cast<std::size_t>(tab)].c_str());
+    SendMessageW(g_frame.address, EM_SETCUEBANNER, FALSE, reinterpret_cast<LPARAM>(PaneCurrentView().addressCue));
     PaneListShowView(tab);
     ShowContent();
     DebugPaneInvalidate();

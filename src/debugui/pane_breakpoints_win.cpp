@@ -2,7 +2,7 @@
 #include "debugui/breakpoint_list.h"
 #include "debugui/pane_internal.h"
 
-#include "debugger/debug_state.h"
+#include "debugui/breakpoint_rules.h"
 #include "files/path.h"
 #include "settings/settings.h"
 
@@ -12,7 +12,7 @@ namespace {
 
 enum Column : int { kPlace, kCondition, kHits, kState };
 constexpr std::array<PaneColumn, 4> kColumns = {
-    {{L"Line", 22, false}, {L"Condition", 18, true}, {L"Hits", 6, true}, {L"State", 20, false}}};
+    {{L"Line", 18, false}, {L"Condition", 14, true}, {L"Hits", 5, true}, {L"State", 20, false}}};
 
 enum MenuCommand : UINT { kGo = 1, kToggle, kEditCondition, kRemove, kRemoveAll };
 
@@ -62,7 +62,8 @@ void Fill(PaneContent& content) {
 
 std::wstring CommitCondition(int row, const std::wstring& text) {
     const std::string condition = PaneUtf8(text);
-    if (condition.size() >= kConditionCapacity) return L"A condition has at most 63 bytes";
+    std::wstring problem = ConditionProblem(condition);
+    if (!problem.empty()) return problem;
     if (At(row) == nullptr) return {};
     BreakpointSetCondition(static_cast<std::size_t>(row), condition);
     DebugPaneInvalidate();
@@ -124,7 +125,6 @@ void Menu(int row, POINT screen) {
 const PaneView kBreakpointsView = {.title = L"Breakpoints",
                                    .columns = kColumns,
                                    .ofStop = false,
-                                   .hasAddress = false,
                                    .hasMarks = true,
                                    .fill = Fill,
                                    .activate = Activate,

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr std::size_t kShownBytes = 8;
+constexpr std::size_t kShownBytes = 6;
 
 // The instructions from `start` up to the target; none when they step over it.
 std::vector<DisasmInstruction> LeadingTo(std::span<const std::uint8_t> bytes, std::uint64_t address,
@@ -16,7 +16,7 @@ std::vector<DisasmInstruction> LeadingTo(std::span<const std::uint8_t> bytes, st
     const auto length = static_cast<std::size_t>(target - start);
     // Seen no further than the target, an instruction across it would be cut: it is decoded with what follows it.
     const std::size_t available = std::min(length + kLongestInstruction, bytes.size() - from);
-    std::vector<DisasmInstruction> found = DisasmRange(bytes.subspan(from, available), start, x64, {}, length);
+    std::vector<DisasmInstruction> found = DisasmRange(bytes.subspan(from, available), start, x64, {}, length + 1);
     const auto end = std::ranges::find_if(found, [&](const auto& each) { return each.address >= target; });
     const bool lands = end != found.end() && end->address == target;
     found.erase(lands ? end : found.begin(), found.end());

@@ -16,5 +16,5 @@ inline constexpr std::size_t kLongestInstruction = 15;  // bytes
 // starts of lines (`lineStarts`, ascending) are tried first, and other places after them, until one leads to the target.
 std::vector<DisasmInstruction> DisasmAround(std::span<const std::uint8_t> bytes, std::uint64_t address,
                                             std::uint64_t target, bool x64, std::span<const std::uint64_t> lineStarts);
-// "48 89 E5", at most eight bytes, then "..".
+// "48 89 E5", at most six bytes, then "..".
 std::wstring CodeBytesText(std::span<const std::uint8_t> bytes);

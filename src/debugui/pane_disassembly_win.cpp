@@ -13,7 +13,7 @@
 namespace {
 
 constexpr std::array<PaneColumn, 3> kColumns = {
-    {{L"Address", 16, true}, {L"Bytes", 25, true}, {L"Instruction", 40, true}}};
+    {{L"Address", 13, true}, {L"Bytes", 20, true}, {L"Instruction", 30, true}}};
 constexpr std::uint64_t kBytesBefore = 400;
 constexpr std::size_t kBytesRead = kBytesBefore + kInstructionsShown * kLongestInstruction;
 
@@ -83,7 +83,7 @@ void AddRows(PaneContent& content, const Code& code, const std::vector<DisasmIns
         const auto offset = static_cast<std::size_t>(instruction.address - code.address);
         const auto bytes = std::span(code.bytes).subspan(offset);
         PaneRow row;
-        row.cells = {HexText(instruction.address, AddressDigits(x64)),
+        row.cells = {HexText(instruction.address, AddressDigits(x64, instruction.address)),
                      CodeBytesText(bytes.first(std::min<std::size_t>(instruction.length, bytes.size()))),
                      InstructionText(instruction)};
         if (instruction.address == current) row.mark = PaneMark::Current;
@@ -136,7 +136,7 @@ void Activate(int row, int) {
 const PaneView kDisassemblyView = {.title = L"Disassembly",
                                    .columns = kColumns,
                                    .ofStop = true,
-                                   .hasAddress = true,
                                    .hasMarks = true,
                                    .fill = Fill,
-                                   .activate = Activate};
+                                   .activate = Activate,
+                                   .addressCue = L"The current instruction"};

@@ -33,7 +33,6 @@ struct PaneView {
     const wchar_t* title;
     std::span<const PaneColumn> columns;  // none: the memory window
     bool ofStop;                          // shows a stopped program and nothing else
-    bool hasAddress;
     bool hasMarks;
     void (*fill)(PaneContent& content);
     void (*activate)(int row, int column) = nullptr;  // Enter (column -1), double-click
@@ -42,6 +41,7 @@ struct PaneView {
     void (*typed)(int row, wchar_t character) = nullptr;
     void (*check)(int row) = nullptr;
     void (*menu)(int row, POINT screen) = nullptr;
+    const wchar_t* addressCue = nullptr;  // has an address box; what it shows while that is empty
 };
 extern const PaneView kBreakpointsView, kStackView, kRegistersView, kWatchesView, kMemoryView, kThreadsView,
     kDisassemblyView;

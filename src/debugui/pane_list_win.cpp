@@ -228,6 +228,13 @@ std::wstring RowText(int row) {
     return text;
 }
 
+// The last cell whole: it is the one that is cut when the pane is narrow.
+void FillTip(const NMLVGETINFOTIPW& tip) {
+    const PaneRow* row = RowAt(tip.iItem);
+    if (row != nullptr && !row->cells.empty() && tip.cchTextMax > 0)
+        lstrcpynW(tip.pszText, row->cells.back().c_str(), tip.cchTextMax);
+}
+
 bool IsOnMark(const NMITEMACTIVATE& click) {
     const RECT cell = PaneListCell(click.iItem, 0);  // begins right of the mark
     return PaneCurrentView().hasMarks && click.ptAction.x < cell.left;
@@ -335,7 +342,7 @@ HWND PaneListCreate(HWND parent) {
             LVS_SHOWSELALWAYS | LVS_NOSORTHEADER | LVS_SHAREIMAGELISTS,
         0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_DEBUG_LIST)), g_app.hInstance, nullptr);
     if (g_list.window == nullptr) return nullptr;
-    Send(LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
+    Send(LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_INFOTIP);
     Send(LVM_SETCALLBACKMASK, LVIS_STATEIMAGEMASK);
     SetWindowSubclass(g_list.window, ListProc, kSubclassId, 0);
     return g_list.window;
@@ -415,6 +422,7 @@ bool PaneListHandleNotify(const NMHDR& header, LRESULT* result) {
         case NM_CUSTOMDRAW: *result = OnListDraw(reinterpret_cast<const NMLVCUSTOMDRAW&>(header)); return true;
         case NM_CLICK: OnClick(reinterpret_cast<const NMITEMACTIVATE&>(header)); return true;
         case NM_DBLCLK: OnDoubleClick(reinterpret_cast<const NMITEMACTIVATE&>(header)); return true;
+        case LVN_GETINFOTIPW: FillTip(reinterpret_cast<NMLVGETINFOTIPW&>(const_cast<NMHDR&>(header))); return true;
         case LVN_BEGINSCROLL: PaneEditCancel(); return true;
         default: return false;
     }

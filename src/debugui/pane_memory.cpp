@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr int kGap = 2;  // blanks after the address and before the characters
+constexpr int kGap = 1;  // blanks after the address and before the characters
 
 int HexDigit(wchar_t c) {
     if (c >= L'0' && c <= L'9') return c - L'0';

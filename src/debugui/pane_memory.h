@@ -12,7 +12,7 @@ inline constexpr int kMemoryRow = 16;  // bytes a row
 // A byte as read, or nothing where memory cannot be read.
 using MemoryByte = std::optional<std::uint8_t>;
 
-// "0000000140001000  48 89 E5 ??  ... text": address, two halves of hexadecimal bytes, characters.
+// "000140001000 48 89 E5 ?? ... text": address, two halves of hexadecimal bytes, characters.
 std::wstring MemoryRowText(std::uint64_t address, int digits, std::span<const MemoryByte> bytes);
 // Column, in characters, of a byte's first hexadecimal digit, of its character, and the width of a row.
 int MemoryHexColumn(int digits, int index);

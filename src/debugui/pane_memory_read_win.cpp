@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::uint64_t kPage = 4096;
 
-std::uint64_t HighestRow() { return g_memory.digits == 16 ? ~std::uint64_t{15} : 0xFFFFFFF0U; }
+std::uint64_t HighestRow() { return g_memory.x64 ? ~std::uint64_t{15} : 0xFFFFFFF0U; }
 
 // Pages that cannot be read do not hide those behind them.
 std::vector<MemoryByte> ReadBytes(std::uint64_t address, std::size_t count) {
@@ -49,7 +49,7 @@ void Fill(PaneContent& content) {
     }
     g_memory.processId = program.processId;
     const bool x64 = g_app.debugger.isX64 != 0;
-    g_memory.digits = AddressDigits(x64);
+    g_memory.x64 = x64;
     const std::wstring expression = PaneAddressText();
     const Evaluation address = PaneEvaluate(!expression.empty() ? expression : x64 ? L"RSP" : L"ESP");
     content.problem = address.problem;
@@ -71,7 +71,10 @@ void Fill(PaneContent& content) {
 
 }  // namespace
 
-void MemoryRead() { g_memory.bytes = ReadBytes(g_memory.top, VisibleBytes()); }
+void MemoryRead() {
+    g_memory.digits = AddressDigits(g_memory.x64, g_memory.top + VisibleBytes());
+    g_memory.bytes = ReadBytes(g_memory.top, VisibleBytes());
+}
 
 bool MemoryChanged(std::uint64_t address, const MemoryByte& now) {
     const std::uint64_t offset = address - g_memory.beforeTop;
@@ -132,5 +135,9 @@ std::wstring MemoryCaretRowText() {
     return MemoryRowText(g_memory.caretRow, g_memory.digits, ReadBytes(g_memory.caretRow, kMemoryRow));
 }
 
-const PaneView kMemoryView = {
-    .title = L"Memory", .columns = {}, .ofStop = true, .hasAddress = true, .hasMarks = false, .fill = Fill};
+const PaneView kMemoryView = {.title = L"Memory",
+                              .columns = {},
+                              .ofStop = true,
+                              .hasMarks = false,
+                              .fill = Fill,
+                              .addressCue = L"The stack pointer"};

@@ -18,6 +18,7 @@ struct MemoryView {
     std::uint64_t caretRow = 0;  // address of the caret's row
     MemoryCaret caret;
     int rows = 1;                   // that fit, a cut one at the end included
+    bool x64 = true;                // kind of the program
     int digits = 16;                // of an address
     std::uint32_t processId = 0;    // of the program that is shown
     std::uint64_t serial = 0;       // of the stop that is shown

@@ -207,7 +207,7 @@ void OnCharacter(wchar_t typed) {
 void FollowPointer() {
     std::uint64_t address = 0;
     const std::uint64_t at = g_memory.caretRow + static_cast<std::uint64_t>(g_memory.caret.index);
-    const std::size_t size = g_memory.digits == 16 ? 8 : 4;
+    const std::size_t size = g_memory.x64 ? 8 : 4;
     if (!DebugReadMem(&g_app.debugger, at, &address, size)) return;
     SetWindowTextW(GetDlgItem(g_app.hDebugPane, IDC_DEBUG_ADDRESS), (L"0x" + HexText(address, 1)).c_str());
     DebugPaneInvalidate();

@@ -9,7 +9,8 @@
 namespace {
 
 enum Column : int { kName, kValue, kMeaning };
-constexpr std::array<PaneColumn, 3> kColumns = {{{L"Register", 10, true}, {L"Value", 33, true}, {L"As", 24, true}}};
+constexpr std::array<PaneColumn, 3> kColumns = {
+    {{L"Register", 10, true}, {L"Value", 33, true}, {L"Meaning", 24, true}}};
 
 std::vector<PaneRow> g_rows;
 
@@ -62,7 +63,6 @@ void Activate(int row, int) { Begin(row); }
 const PaneView kRegistersView = {.title = L"Registers",
                                  .columns = kColumns,
                                  .ofStop = true,
-                                 .hasAddress = false,
                                  .hasMarks = false,
                                  .fill = Fill,
                                  .activate = Activate,

@@ -97,7 +97,7 @@ bool IsGeneralRegister(bool x64, std::wstring_view name) {
     const std::string upper = Upper(Narrow(name));
     const auto value = RegisterByName(numbered, upper);
     return value && *value >= 1 && *value <= static_cast<std::uint64_t>(GeneralCount(x64)) &&
-           RegisterDigits(x64, upper) == AddressDigits(x64) && upper != "EIP" && upper != "RIP";
+           RegisterDigits(x64, upper) == (x64 ? 16 : 8) && upper != "EIP" && upper != "RIP";
 }
 
 Evaluation RegisterInput(const RegisterSet& registers, std::string_view text) {

@@ -31,8 +31,8 @@ struct PaneRow {
     bool operator==(const PaneRow&) const = default;
 };
 
-// Digits of an address in a program of that kind.
-constexpr int AddressDigits(bool x64) { return x64 ? 16 : 8; }
+// Digits of an address in a program of that kind: of 64 bits programs use 47, and the zeros before them cost room.
+constexpr int AddressDigits(bool x64, std::uint64_t address) { return !x64 ? 8 : address >> 48 == 0 ? 12 : 16; }
 
 // Names of the flags that are set, in a fixed order: "CF ZF IF"; "-" with none.
 std::wstring FlagsText(std::uint32_t flags);

@@ -8,21 +8,21 @@
 
 namespace {
 
-constexpr std::array<PaneColumn, 3> kColumns = {{{L"#", 3, true}, {L"Address", 16, true}, {L"Place", 30, true}}};
+constexpr std::array<PaneColumn, 3> kColumns = {{{L"#", 3, true}, {L"Address", 13, true}, {L"Place", 30, true}}};
 
 std::vector<DebugFrame> g_frames;
 
 void Fill(PaneContent& content) {
     const PaneProgram& program = PaneProgramNow();
     g_frames = DebugFrames(&g_app.debugger, program.thread);
-    const int digits = AddressDigits(g_app.debugger.isX64 != 0);
+    const bool x64 = g_app.debugger.isX64 != 0;
     for (std::size_t i = 0; i < g_frames.size(); ++i) {
         const DebugFrame& frame = g_frames[i];
         PaneRow row;
         row.mark = i == 0 ? PaneMark::Current : PaneMark::None;
         const std::wstring place = PanePlaceText(frame.address);
         const std::wstring source = PaneSourceLine(frame.fileId, frame.line);
-        row.cells = {std::to_wstring(i), HexText(frame.address, digits),
+        row.cells = {std::to_wstring(i), HexText(frame.address, AddressDigits(x64, frame.address)),
                      source.empty() ? place : place + L"  " + source};
         content.rows.push_back(std::move(row));
     }
@@ -37,10 +37,5 @@ void Activate(int row, int) {
 
 }  // namespace
 
-const PaneView kStackView = {.title = L"Call Stack",
-                             .columns = kColumns,
-                             .ofStop = true,
-                             .hasAddress = false,
-                             .hasMarks = true,
-                             .fill = Fill,
-                             .activate = Activate};
+const PaneView kStackView = {
+    .title = L"Call Stack", .columns = kColumns, .ofStop = true, .hasMarks = true, .fill = Fill, .activate = Activate};

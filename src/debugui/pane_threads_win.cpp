@@ -9,7 +9,7 @@
 namespace {
 
 constexpr std::array<PaneColumn, 4> kColumns = {
-    {{L"Thread", 7, true}, {L"Kind", 14, false}, {L"Address", 16, true}, {L"Place", 26, true}}};
+    {{L"Thread", 7, true}, {L"Kind", 14, false}, {L"Address", 13, true}, {L"Place", 26, true}}};
 
 std::vector<std::uint32_t> g_ids;
 
@@ -22,7 +22,7 @@ void Fill(PaneContent& content) {
         const bool readable = DebugGetRegisters(&state, thread.id, &registers);
         PaneRow row;
         row.cells = {std::to_wstring(thread.id), thread.id == state.mainThreadId ? L"Main" : L"Worker",
-                     readable ? HexText(registers.ip, AddressDigits(state.isX64 != 0)) : L"",
+                     readable ? HexText(registers.ip, AddressDigits(state.isX64 != 0, registers.ip)) : L"",
                      readable ? PanePlaceText(registers.ip) : L"<unreadable>"};
         if (thread.id == state.stopThreadId) row.mark = PaneMark::Current;
         if (thread.id == program.thread) {
@@ -41,10 +41,5 @@ void Activate(int row, int) {
 
 }  // namespace
 
-const PaneView kThreadsView = {.title = L"Threads",
-                               .columns = kColumns,
-                               .ofStop = true,
-                               .hasAddress = false,
-                               .hasMarks = true,
-                               .fill = Fill,
-                               .activate = Activate};
+const PaneView kThreadsView = {
+    .title = L"Threads", .columns = kColumns, .ofStop = true, .hasMarks = true, .fill = Fill, .activate = Activate};

@@ -192,7 +192,6 @@ void Menu(int row, POINT screen) {
 const PaneView kWatchesView = {.title = L"Watches",
                                .columns = kColumns,
                                .ofStop = false,
-                               .hasAddress = false,
                                .hasMarks = false,
                                .fill = Fill,
                                .activate = Activate,

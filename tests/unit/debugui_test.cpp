@@ -1,0 +1,217 @@
+// Rules of the debug pane: registers, flags, watches, rows of memory, instructions around an address.
+#include "debugui/pane_disassembly.h"
+#include "debugui/pane_memory.h"
+#include "debugui/pane_rows.h"
+#include "debugui/pane_watches.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace {
+
+std::string Narrow(std::wstring_view text) { return {text.begin(), text.end()}; }
+
+RegisterSet Registers(bool x64) {
+    RegisterSet registers;
+    registers.x64 = x64;
+    for (std::size_t i = 0; i < (x64 ? 16U : 8U); ++i) registers.general[i] = 0x10 + i;
+    registers.ip = 0x401000;
+    return registers;
+}
+
+const PaneRow* Row(const std::vector<PaneRow>& rows, std::wstring_view name) {
+    const auto row = std::ranges::find_if(rows, [&](const PaneRow& each) { return each.cells[0] == name; });
+    return row == rows.end() ? nullptr : &*row;
+}
+
+TEST(PaneRows, FlagsByName) {
+    const struct {
+        std::uint32_t flags;
+        const wchar_t* text;
+    } cases[] = {{0, L"-"},     {0x2, L"-"}, {0x246, L"PF ZF IF"}, {0x1, L"CF"}, {0xED7, L"CF PF AF ZF SF IF DF OF"},
+                 {0x100, L"TF"}};
+    for (const auto& each : cases) EXPECT_EQ(FlagsText(each.flags), each.text) << std::hex << each.flags;
+}
+
+TEST(PaneRows, RegistersSayWhatTheyMeanAndWhatChanged) {
+    RegisterSet before = Registers(true);
+    RegisterSet now = before;
+    now.general[0] = ~std::uint64_t{0};
+    now.flags = 0x40;
+    now.xmmLow[3] = std::bit_cast<std::uint64_t>(1.5);
+    const auto rows = RegisterPaneRows(now, &before);
+    ASSERT_NE(Row(rows, L"RAX"), nullptr);
+    EXPECT_EQ(Row(rows, L"RAX")->cells[2], L"-1");
+    EXPECT_NE(Row(rows, L"RAX")->changed, 0U);
+    EXPECT_EQ(Row(rows, L"RBX")->changed, 0U);
+    EXPECT_EQ(Row(rows, L"EFL")->cells[2], L"ZF");
+    EXPECT_EQ(Row(rows, L"XMM3")->cells[2], L"1.5");
+    EXPECT_NE(Row(rows, L"XMM3")->changed, 0U);
+    for (const PaneRow& row : RegisterPaneRows(now, nullptr)) EXPECT_EQ(row.changed, 0U) << Narrow(row.cells[0]);
+    const RegisterSet other = Registers(false);
+    for (const PaneRow& row : RegisterPaneRows(now, &other)) EXPECT_EQ(row.changed, 0U) << Narrow(row.cells[0]);
+
+    RegisterSet narrow = Registers(false);
+    narrow.general[0] = 0xFFFFFFFE;
+    EXPECT_EQ(Row(RegisterPaneRows(narrow, nullptr), L"EAX")->cells[2], L"-2");
+}
+
+TEST(PaneRows, OnlyWholeGeneralRegistersAreWritten) {
+    for (const wchar_t* name : {L"RAX", L"rsp", L"R8", L"R15"})
+        EXPECT_TRUE(IsGeneralRegister(true, name)) << Narrow(name);
+    for (const wchar_t* name : {L"EAX", L"ESP"}) EXPECT_TRUE(IsGeneralRegister(false, name)) << Narrow(name);
+    for (const wchar_t* name : {L"RIP", L"EFL", L"XMM0", L"EAX", L"AL", L"R8D", L"CS", L""})
+        EXPECT_FALSE(IsGeneralRegister(true, name)) << Narrow(name);
+    for (const wchar_t* name : {L"EIP", L"AX", L"R8", L"BH"})
+        EXPECT_FALSE(IsGeneralRegister(false, name)) << Narrow(name);
+}
+
+TEST(PaneRows, TypedRegisterValues) {
+    const RegisterSet registers = Registers(true);
+    EXPECT_EQ(RegisterInput(registers, " -1").value, ~std::uint64_t{0});
+    EXPECT_EQ(RegisterInput(registers, "rbx+0x10").value, 0x21U);
+    EXPECT_FALSE(RegisterInput(registers, "-").value);
+    EXPECT_FALSE(RegisterInput(registers, "zzz").problem.empty());
+}
+
+TEST(PaneRows, TipsHaveTheWidthOfTheNamedPart) {
+    RegisterSet wide = Registers(true);
+    wide.general[0] = 0xFFFFFFFFFFFFFF85;
+    wide.general[8] = 0x1234;
+    const struct {
+        const wchar_t *word, *tip;
+    } cases[] = {{L"rax", L"RAX = FFFFFFFFFFFFFF85 (-123)"},
+                 {L"EAX", L"EAX = FFFFFF85 (-123)"},
+                 {L"ax", L"AX = FF85 (-123)"},
+                 {L"al", L"AL = 85 (-123)"},
+                 {L"AH", L"AH = FF (-1)"},
+                 {L"r8", L"R8 = 0000000000001234 (4660)"},
+                 {L"r8w", L"R8W = 1234 (4660)"},
+                 {L"r8b", L"R8B = 34 (52)"},
+                 {L"rip", L"RIP = 0000000000401000 (4198400)"},
+                 {L"total", L""},
+                 {L"", L""}};
+    for (const auto& each : cases) EXPECT_EQ(RegisterTipText(wide, each.word), each.tip) << Narrow(each.word);
+    EXPECT_EQ(RegisterTipText(Registers(false), L"eip"), L"EIP = 00401000 (4198400)");
+}
+
+TEST(Watches, ExpressionsAddChangeAndRemove) {
+    std::vector<Watch> list;
+    EXPECT_FALSE(WatchSetExpression(list, 0, L"  "));
+    EXPECT_TRUE(WatchSetExpression(list, 0, L" RSP+8 "));
+    EXPECT_TRUE(WatchSetExpression(list, 1, L"0x10"));
+    ASSERT_EQ(list.size(), 2U);
+    EXPECT_EQ(list[0].expression, L"RSP+8");
+    list[0].kind = WatchKind::Double;
+    list[0].value = L"1";
+    EXPECT_FALSE(WatchSetExpression(list, 0, L"RSP+8"));
+    EXPECT_EQ(list[0].value, L"1");
+    EXPECT_TRUE(WatchSetExpression(list, 0, L"RSP"));
+    EXPECT_EQ(list[0].kind, WatchKind::Double);
+    EXPECT_EQ(list[0].value, L"");  // of another place
+    EXPECT_TRUE(WatchSetExpression(list, 0, L""));
+    ASSERT_EQ(list.size(), 1U);
+    EXPECT_EQ(list[0].expression, L"0x10");
+}
+
+TEST(Watches, WhatIsEditedOfAShownValue) {
+    EXPECT_EQ(WatchEditText(WatchKind::Long, L"-42 (0xFFFFFFD6)"), L"-42");
+    EXPECT_EQ(WatchEditText(WatchKind::Double, L"1.5"), L"1.5");
+    EXPECT_EQ(WatchEditText(WatchKind::Text, L"\"a (b)\""), L"a (b)");
+}
+
+TEST(Watches, BytesOfTypedValues) {
+    const struct {
+        WatchKind kind;
+        const char* text;
+        std::size_t room;
+        std::vector<int> bytes;  // none: refused
+    } cases[] = {
+        {WatchKind::Long, "42", 0, {42, 0, 0, 0}},
+        {WatchKind::Long, " -1 ", 0, {255, 255, 255, 255}},
+        {WatchKind::Long, "0xFFFFFFFF", 0, {255, 255, 255, 255}},
+        {WatchKind::Long, "&h1F", 0, {31, 0, 0, 0}},
+        {WatchKind::Long, "-2147483648", 0, {0, 0, 0, 128}},
+        {WatchKind::Long, "-2147483649", 0, {}},
+        {WatchKind::Long, "4294967296", 0, {}},
+        {WatchKind::Long, "1x", 0, {}},
+        {WatchKind::Long, "", 0, {}},
+        {WatchKind::Quad, "-2", 0, {254, 255, 255, 255, 255, 255, 255, 255}},
+        {WatchKind::Quad, "18446744073709551615", 0, {255, 255, 255, 255, 255, 255, 255, 255}},
+        {WatchKind::Quad, "18446744073709551616", 0, {}},
+        {WatchKind::Double, "1.5", 0, {0, 0, 0, 0, 0, 0, 0xF8, 0x3F}},
+        {WatchKind::Double, "1.5.", 0, {}},
+        {WatchKind::Double, "", 0, {}},
+        {WatchKind::Text, "abc", 3, {'a', 'b', 'c'}},  // exactly over the old one: its end stays
+        {WatchKind::Text, "\"ab\"", 3, {'a', 'b', 0}},
+        {WatchKind::Text, "", 3, {0}},
+        {WatchKind::Text, "abcd", 3, {}},
+    };
+    for (const auto& each : cases) {
+        const WatchBytes got = WatchBytesOf(each.kind, each.text, each.room);
+        EXPECT_EQ(std::vector<int>(got.bytes.begin(), got.bytes.end()), each.bytes) << each.text;
+        EXPECT_EQ(got.problem.empty(), !each.bytes.empty()) << each.text;
+    }
+}
+
+TEST(Memory, RowsShowBytesTextAndGaps) {
+    std::vector<MemoryByte> bytes(16);
+    const char text[] = "Hello\x01~\x7F";
+    for (std::size_t i = 0; i < 8; ++i) bytes[i] = static_cast<std::uint8_t>(text[i]);
+    EXPECT_EQ(MemoryRowText(0x140001000, 12, bytes),
+              L"000140001000 48 65 6C 6C 6F 01 7E 7F  ?? ?? ?? ?? ?? ?? ?? ?? Hello.~.        ");
+}
+
+TEST(Memory, ClicksFindTheirByte) {
+    constexpr int kDigits = 12;
+    for (int i = 0; i < kMemoryRow; ++i) {
+        const int hex = MemoryHexColumn(kDigits, i);
+        EXPECT_EQ(MemoryCaretAt(kDigits, hex), (MemoryCaret{i, false, false})) << i;
+        EXPECT_EQ(MemoryCaretAt(kDigits, hex + 1), (MemoryCaret{i, false, true})) << i;
+        EXPECT_EQ(MemoryCaretAt(kDigits, MemoryTextColumn(kDigits, i)), (MemoryCaret{i, true, false})) << i;
+    }
+    EXPECT_EQ(MemoryCaretAt(kDigits, -5), (MemoryCaret{0, false, false}));
+    EXPECT_EQ(MemoryCaretAt(kDigits, 500), (MemoryCaret{15, true, false}));
+}
+
+TEST(Memory, TypingOverABytesHalves) {
+    EXPECT_EQ(MemoryTyped(0x12, {0, false, false}, L'a'), 0xA2);
+    EXPECT_EQ(MemoryTyped(0x12, {0, false, true}, L'F'), 0x1F);
+    EXPECT_EQ(MemoryTyped(0x12, {0, true, false}, L'z'), 'z');
+    EXPECT_FALSE(MemoryTyped(0x12, {0, false, false}, L'g'));
+    EXPECT_FALSE(MemoryTyped(0x12, {0, true, false}, 0x20AC));
+}
+
+// push rbp; mov rbp,rsp; sub rsp,20h; mov eax,[rbp-8]; leave; ret
+constexpr std::uint8_t kCode[] = {0x55, 0x48, 0x89, 0xE5, 0x48, 0x83, 0xEC, 0x20, 0x8B, 0x45, 0xF8, 0xC9, 0xC3};
+
+TEST(Disassembly, BeginsWhereDecodingLeadsToTheTarget) {
+    const std::uint64_t base = 0x1000;
+    const std::uint64_t starts[] = {base};
+    const auto list = DisasmAround(kCode, base, base + 8, true, starts);
+    std::vector<std::uint64_t> places;
+    for (const auto& each : list) places.push_back(each.address - base);
+    EXPECT_EQ(places, (std::vector<std::uint64_t>{0, 1, 4, 8, 11, 12}));
+
+    // A start inside an instruction leads past the target: another one is found.
+    const std::uint64_t wrong[] = {base + 6};
+    const auto other = DisasmAround(kCode, base, base + 8, true, wrong);
+    EXPECT_TRUE(std::ranges::any_of(other, [&](const auto& each) { return each.address == base + 8; }));
+    EXPECT_TRUE(std::ranges::all_of(other, &DisasmInstruction::decoded));
+    EXPECT_TRUE(DisasmAround(kCode, base, base + 100, true, {}).empty());
+    EXPECT_EQ(DisasmAround(kCode, base, base, true, {}).front().address, base);
+}
+
+TEST(Disassembly, ShowsALimitedNumber) {
+    const std::vector<std::uint8_t> nops(1000, 0x90);
+    const auto list = DisasmAround(nops, 0x1000, 0x1000 + 500, true, {});
+    EXPECT_EQ(list.size(), kInstructionsShown);
+    EXPECT_EQ(list[kInstructionsBefore].address, 0x1000U + 500);
+    EXPECT_EQ(CodeBytesText(kCode), L"55 48 89 E5 48 83 ..");
+    EXPECT_EQ(CodeBytesText(std::span(kCode).first(2)), L"55 48");
+}
+
+}  // namespace
