@@ -65,9 +65,12 @@ void OnDebugString(const DebuggerState& state, const OUTPUT_DEBUG_STRING_INFO& i
 }
 
 // The entry that a breakpoint exception at `address` belongs to: systems report the trap's own address or the next one.
+// A trap byte that stands at the address is the program's own, and not the entry's before it.
 int EntryOfTrap(const DebuggerState* state, std::uint64_t address) {
     const int index = DebugFindBp(state, address);
-    return index >= 0 ? index : DebugFindBp(state, address - 1);
+    std::uint8_t byte = 0;
+    if (index >= 0 || (DebugReadRaw(*state, address, &byte, 1) && byte == kTrapByte)) return index;
+    return DebugFindBp(state, address - 1);
 }
 
 int OnPlantedBreakpoint(DebuggerState* state, const DEBUG_EVENT& event, int index) {

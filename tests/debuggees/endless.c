@@ -1,11 +1,15 @@
-// Never ends. BUSY: without ever waiting; FLOOD: with debug strings as fast as it can; WAITS: for input that does
-// not come.
+// Never ends. EARLY: nor does it get to its first line. BUSY: without ever waiting; FLOOD: with debug strings as fast as
+// it can; WAITS: for input that does not come.
 #include "debuggee.h"
 
 volatile int turns = 0;
 
 MAP_BEGIN
 void start(void) {
+#ifdef EARLY
+    volatile int early = 1;
+    while (early) Sleep(5);
+#endif
     AT(2);
     turns = 0;
 #ifdef WAITS

@@ -1,5 +1,5 @@
 FUNCTION PBMAIN () AS LONG
     a = 1
-    ! int 3
+    ! nop : int 3
     FUNCTION = a + 1
 END FUNCTION

@@ -1,4 +1,4 @@
-// Stops itself between two statements.
+// Stops itself, right behind an instruction of one byte.
 #include "debuggee.h"
 
 MAP_BEGIN
@@ -7,7 +7,7 @@ void start(void) {
     AT(2);
     a = 1;
     AT(3);
-    __asm__ volatile("int3\n");
+    __asm__ volatile("nop\nint3\n");
     AT(4);
     ExitProcess((UINT)a + 1);
 }

@@ -52,7 +52,7 @@ TEST_P(DebugEvents, AFaultThatHealsGoesOn) {
 
 TEST_P(DebugEvents, AProgramsOwnTrapStopsWithoutALine) {
     ASSERT_TRUE(Start("own_trap"));
-    const std::uint64_t trap = AddressOf(3);
+    const std::uint64_t trap = AddressOf(3) + 1;
     const std::uint64_t serial = state.stopSerial;
     ASSERT_TRUE(DebugContinue(&state));
     ASSERT_EQ(Wait(), kDebugStopped);
@@ -65,12 +65,51 @@ TEST_P(DebugEvents, AProgramsOwnTrapStopsWithoutALine) {
     EXPECT_EQ(state.exitCode, 2u);
 }
 
-TEST_P(DebugEvents, AStepOntoAProgramsOwnTrapStopsOnce) {
+// The trap's neighbour is no reason to run it again.
+TEST_P(DebugEvents, AProgramsOwnTrapBehindABreakpointIsNotTakenForIt) {
     ASSERT_TRUE(Start("own_trap"));
-    ASSERT_EQ(Step(), 3);
+    ASSERT_TRUE(DebugSetBreakpoint(&state, 3));
+    ASSERT_TRUE(DebugContinue(&state));
+    ASSERT_EQ(Arrive(), 3);
+    ASSERT_TRUE(DebugContinue(&state));
+    ASSERT_EQ(Wait(), kDebugStopped);
+    EXPECT_EQ(state.currentAddress, AddressOf(3) + 1);
+    EXPECT_EQ(state.currentLine, 0);
+    ASSERT_TRUE(DebugContinue(&state));
+    EXPECT_EQ(Wait(), kDebugExited);
+    EXPECT_EQ(state.exitCode, 2u);
+}
+
+// A breakpoint on the trap itself: one stop, and the byte is not run a second time.
+TEST_P(DebugEvents, ABreakpointOnAProgramsOwnTrapStopsOnce) {
+    ASSERT_TRUE(Start("own_trap"));
+    ASSERT_TRUE(DebugSetTempBp(&state, AddressOf(3) + 1, 3));
+    ASSERT_TRUE(DebugSetBreakpoint(&state, 4));
+    EXPECT_EQ(Step(), 3);
+    EXPECT_EQ(Step(), 3) << "the trap";
     EXPECT_EQ(Step(), 4);
     ASSERT_TRUE(DebugContinue(&state));
     EXPECT_EQ(Wait(), kDebugExited);
+}
+
+// Nothing is passed by, run twice or lost when threads run onto a breakpoint together.
+TEST_P(DebugEvents, ManyThreadsMayMeetAtOneBreakpoint) {
+    for (const char* condition : {"1==1", "1==2"}) {
+        SCOPED_TRACE(condition);
+        ASSERT_TRUE(Start("race"));
+        ASSERT_TRUE(DebugSetConditionalBreakpoint(&state, 9, condition));
+        int event = kDebugStopped, stops = 0;
+        while (DebugContinue(&state) && (event = Wait()) == kDebugStopped) {
+            EXPECT_EQ(state.currentLine, 9);
+            ++stops;
+        }
+        EXPECT_EQ(event, kDebugExited);
+        EXPECT_EQ(state.exitCode, 400u);
+        EXPECT_EQ(stops > 0, condition[3] == '1');
+        EXPECT_LE(stops, 400);
+        EXPECT_EQ(TimesSaid(L"Exception"), 0) << SaidText();
+        End();
+    }
 }
 
 // A time-out begins anew with each event; the hook is what ends a wait in a flood.

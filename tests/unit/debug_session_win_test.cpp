@@ -74,6 +74,24 @@ TEST_P(DebugSession, SaysWhenTheProgramEndsBeforeItsFirstLine) {
     EXPECT_EQ(state.exitCode, 3u);
 }
 
+TEST_P(DebugSession, AStartCanBeGivenUp) {
+    g_deadline = GetTickCount64() + 200;
+    Start("early");
+    EXPECT_EQ(SaidText(),
+              L"[Debug] Started. Breakpoint at line 2.\n[Debug] Did not reach first source breakpoint (event 3).\n");
+    EXPECT_EQ(state.active, 1u) << "it runs, and may still be stopped";
+}
+
+TEST_P(DebugSession, TheFolderMayHaveAnyName) {
+    const Folder folder;
+    const auto place = folder.path / L"\u043F\u0440\u043E\u0435\u043A\u0442 \u00E9 100%s" / L"\u7A0B\u5E8F 1.exe";
+    std::filesystem::create_directories(place.parent_path());
+    std::filesystem::copy_file(Program("straight"), place);
+    ASSERT_TRUE(StartFile(place)) << SaidText();
+    EXPECT_EQ(state.currentLine, 2);
+    End();
+}
+
 TEST_P(DebugSession, TakesTheAddressWhereTheProgramWasLoaded) {
     ASSERT_TRUE(SdbgLoad(Program("anywhere").c_str(), &state.map));
     state.map.imageBase = 0x1234;
@@ -207,6 +225,16 @@ TEST_P(DebugSession, BreakInStopsARunningProgram) {
         EXPECT_EQ(state.run, DebugRun::Stopped);
         ASSERT_TRUE(DebugContinue(&state));
         EXPECT_EQ(Wait(50), kDebugTimeout) << "and goes on";
+        ASSERT_TRUE(DebugSetBreakpoint(&state, 4)) << "while it runs";
+        EXPECT_EQ(Arrive(), 4);
+        EXPECT_EQ(state.stopThreadId, state.mainThreadId);
+        ASSERT_TRUE(DebugRemoveBreakpoint(&state, AddressOf(4)));
+        ASSERT_TRUE(DebugContinue(&state));
+        // Wine 8 now and then ends a program that is broken into just as it goes on.
+        EXPECT_EQ(Wait(50), kDebugTimeout);
+        ASSERT_TRUE(DebugBreakIn(&state));
+        ASSERT_EQ(Wait(), kDebugStopped);
+        EXPECT_EQ(RunTo(5), 5);
         End();
     }
 }

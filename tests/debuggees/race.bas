@@ -1,0 +1,11 @@
+FUNCTION PBMAIN () AS LONG
+    FOR i = 0 TO 3 : THREAD CREATE Work() TO threads(i) : NEXT i
+    FOR i = 0 TO 3 : THREAD WAIT threads(i) : NEXT i
+    FUNCTION = passed
+END FUNCTION
+
+FUNCTION Work () AS LONG
+    FOR i = 0 TO 99
+        INCR passed
+    NEXT i
+END FUNCTION
