@@ -47,6 +47,7 @@ bool g_stopWanted = false;
 bool g_closeWanted = false;
 ULONGLONG g_lastPump = 0;
 
+int g_consoleLooks = 0;  // left, by the timer
 bool g_paneWasHidden = false;
 std::wstring g_status;
 
@@ -139,8 +140,9 @@ void HidePaneAfterSession() {
 }
 
 void StopFollowing() {
-    if (g_follow.running) KillTimer(g_app.hMainWnd, TIMER_DEBUG);
+    if (g_follow.running || g_consoleLooks > 0) KillTimer(g_app.hMainWnd, TIMER_DEBUG);
     g_follow.running = false;
+    g_consoleLooks = 0;
 }
 
 void EndSession(const std::wstring& status) {
@@ -159,11 +161,32 @@ void EndSession(const std::wstring& status) {
     DebugPaneInvalidate();
 }
 
-// A program that ran may have the screen, its console at the least.
+// A program that ran may have the screen.
 void ComeToFront() {
     DWORD owner = 0;
     GetWindowThreadProcessId(GetForegroundWindow(), &owner);
     if (owner != GetCurrentProcessId()) SetForegroundWindow(g_app.hMainWnd);
+}
+
+bool IsConsole(HWND window) {
+    wchar_t name[64] = {};
+    GetClassNameW(window, name, static_cast<int>(std::size(name)));
+    return wcscmp(name, L"ConsoleWindowClass") == 0 || wcscmp(name, L"WineConsoleClass") == 0;
+}
+
+// The console of a program comes a moment after it has started, when its first line is reached and shown already.
+void WatchForConsole(bool begin) {
+    constexpr UINT kInterval = 50;
+    constexpr int kLooks = 40;
+    if (begin) g_consoleLooks = kLooks;
+    const bool came = g_consoleLooks > 0 && IsConsole(GetForegroundWindow());
+    if (came) SetForegroundWindow(g_app.hMainWnd);
+    if (came || --g_consoleLooks <= 0) {
+        g_consoleLooks = 0;
+        KillTimer(g_app.hMainWnd, TIMER_DEBUG);
+    } else if (begin) {
+        SetTimer(g_app.hMainWnd, TIMER_DEBUG, kInterval, nullptr);
+    }
 }
 
 void OnStopped() {
@@ -279,10 +302,12 @@ void DebugRunStart() {
     ShowPaneForSession();
     WarnOfStaleFiles(program);
     g_follow.since = GetTickCount64();
-    if (g_app.debugger.run == DebugRun::Stopped)
+    if (g_app.debugger.run == DebugRun::Stopped) {
         OnStopped();
-    else
+        WatchForConsole(true);
+    } else {
         BeginFollowing();
+    }
     MenuUpdateState();
 }
 
@@ -304,7 +329,11 @@ void DebugRunStop() {
 }
 
 void DebugOnTimer() {
-    if (g_waiting || !g_follow.running) return;
+    if (g_waiting) return;
+    if (!g_follow.running) {
+        WatchForConsole(false);
+        return;
+    }
     if (HandleWait(WaitFor(0, kLookLimit))) return;
     if (g_follow.told || GetTickCount64() - g_follow.since < kLongRun) return;
     g_follow.told = true;
