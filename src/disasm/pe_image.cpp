@@ -42,7 +42,9 @@ std::string TextAt(const PeImage& image, std::uint32_t rva) {
     const auto end = std::find(bytes.begin(), bytes.end(), std::uint8_t{0});
     if (end == bytes.end()) return {};
     const auto length = static_cast<std::size_t>(end - bytes.begin());
-    return VisibleText({reinterpret_cast<const char*>(bytes.data()), std::min(length, kNameBytesKept)});
+    std::string text = VisibleText({reinterpret_cast<const char*>(bytes.data()), std::min(length, kNameBytesKept)});
+    std::replace(text.begin(), text.end(), ' ', '_');  // a name is one word
+    return text;
 }
 
 struct Directory {

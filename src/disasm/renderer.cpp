@@ -16,6 +16,7 @@ namespace {
 constexpr std::size_t kMostCode = std::size_t{64} << 20;
 constexpr std::size_t kShortestRun = 16;  // equal filling bytes shown as one line
 constexpr std::size_t kMaxThunks = 65536;
+constexpr std::size_t kSourceBytes = 512;  // of a source line or a file's name: a map may name it again and again
 
 // The part around the focus: so many lines of the map before and after, and not more bytes than that.
 constexpr std::size_t kFocusLinesBefore = 3;
@@ -58,6 +59,13 @@ struct SourceText {
     std::string name;
     std::vector<std::string_view> lines;
 };
+
+// `text`, cut between characters.
+std::string_view Shortened(std::string_view text) {
+    std::size_t end = std::min(text.size(), kSourceBytes);
+    while (end < text.size() && end > kSourceBytes - 4 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+    return text.substr(0, end);
+}
 
 std::vector<std::string_view> SplitLines(std::string_view text) {
     std::vector<std::string_view> lines;
@@ -136,13 +144,13 @@ std::string NameOf(DisasmRenderer& r, std::uint64_t address) {
 
 void TakeSources(DisasmRenderer& r) {
     for (const DisasmSource& source : r.program.sources)
-        r.sources.try_emplace(source.fileId, SourceText{VisibleText(source.name), SplitLines(source.text)});
+        r.sources.try_emplace(source.fileId, SourceText{VisibleText(Shortened(source.name)), SplitLines(source.text)});
 }
 
 std::string_view SourceLine(const DisasmRenderer& r, const DisasmLine& record) {
     const auto source = r.sources.find(record.fileId);
     const bool known = source != r.sources.end() && record.line > 0 && record.line <= source->second.lines.size();
-    return known ? source->second.lines[record.line - 1] : std::string_view();
+    return known ? Shortened(source->second.lines[record.line - 1]) : std::string_view();
 }
 
 void TakeLines(DisasmRenderer& r) {

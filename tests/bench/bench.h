@@ -98,5 +98,6 @@ void MeasureStart();
 void MeasureKeys();
 void MeasureOutput();
 void MeasureStop();
+void MeasureCode();
 void MeasureMaps();
 void MeasureDebugger();

@@ -1,4 +1,4 @@
-// Measures KVX-Editor beside the floor program:  bench [start] [keys] [output] [stop] [debugger] [maps]
+// Measures KVX-Editor beside the floor program:  bench [start] [keys] [output] [stop] [debugger] [maps] [code]
 // (nothing named: all)
 #include "bench.h"
 
@@ -12,9 +12,9 @@ struct Measurement {
     const char* name;
     void (*run)();
 };
-constexpr Measurement kMeasurements[] = {{"start", MeasureStart},       {"keys", MeasureKeys},
-                                         {"output", MeasureOutput},     {"stop", MeasureStop},
-                                         {"debugger", MeasureDebugger}, {"maps", MeasureMaps}};
+constexpr Measurement kMeasurements[] = {
+    {"start", MeasureStart},       {"keys", MeasureKeys}, {"output", MeasureOutput}, {"stop", MeasureStop},
+    {"debugger", MeasureDebugger}, {"maps", MeasureMaps}, {"code", MeasureCode}};
 
 bool Wanted(int argc, char** argv, const std::string& name) {
     for (int i = 1; i < argc; ++i)
@@ -29,9 +29,10 @@ int main(int argc, char** argv) {
         bool known = false;
         for (const Measurement& m : kMeasurements) known = known || std::string(m.name) == argv[i];
         if (!known) {
-            std::fprintf(stderr,
-                         "bench: there is no measurement \"%s\"; there are start, keys, output, stop, debugger, maps\n",
-                         argv[i]);
+            std::fprintf(
+                stderr,
+                "bench: there is no measurement \"%s\"; there are start, keys, output, stop, debugger, maps, code\n",
+                argv[i]);
             return 2;
         }
     }

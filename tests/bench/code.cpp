@@ -1,0 +1,125 @@
+// Machine code as text: how fast five megabytes are rendered, and whether the window answers while the ASM pane takes as
+// much as it can hold.
+#include "bench.h"
+
+#include <richedit.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "../unit/pe_builder.h"
+#include "disasm/pe_image.h"
+#include "disasm/renderer.h"
+#include "resources/ids.h"
+
+namespace {
+
+constexpr std::size_t kCodeBytes = std::size_t{5} << 20;
+constexpr std::size_t kBudget = 20000;
+constexpr std::string_view kSource = "FUNCTION PBMAIN () AS LONG\r\n  PRINT 1\r\nEND FUNCTION\r\n";
+constexpr int kListingLines = 20000;
+constexpr int kLinesShown = 24000;  // three parts of 8,000
+constexpr double kLimitMs = 120000;
+constexpr DWORD kPauseMs = 5;  // between questions to a program that works
+
+// The editor's own code, over and over.
+pe::Bytes ProgramOfCode() {
+    std::ifstream stream(Narrow(DistFolder()) + "KVX-Editor.exe", std::ios::binary);
+    const pe::Bytes file((std::istreambuf_iterator<char>(stream)), {});
+    const PeImage image = PeImageRead(file);
+    const auto text = std::find_if(image.sections.begin(), image.sections.end(),
+                                   [](const PeSection& section) { return section.isCode && !section.data.empty(); });
+    if (text == image.sections.end()) Die("KVX-Editor.exe has no code");
+    pe::Bytes code;
+    while (code.size() < kCodeBytes) code.insert(code.end(), text->data.begin(), text->data.end());
+    code.resize(kCodeBytes);
+    return pe::Build({.sections = {{".text", 0x1000, pe::kCode, code}}});
+}
+
+struct Rendering {
+    double time = 0;
+    double longestSlice = 0;
+    std::size_t bytes = 0;
+};
+
+Rendering RenderOnce(const pe::Bytes& file) {
+    Rendering result;
+    const double start = NowMs();
+    const DisasmRendererPtr renderer = DisasmRendererNew({.file = file});
+    std::string text;
+    for (bool more = true; more;) {
+        text.clear();
+        const double slice = NowMs();
+        more = DisasmRenderNext(*renderer, kBudget, &text);
+        result.longestSlice = std::max(result.longestSlice, NowMs() - slice);
+        result.bytes += text.size();
+    }
+    result.time = NowMs() - start;
+    if (result.bytes < kCodeBytes * 10) Die("the code was not rendered: " + text.substr(0, 200));
+    return result;
+}
+
+std::string LongListing() {
+    std::string text;
+    for (int i = 0; i < kListingLines; ++i) text += "  0000000140001000  48 8B 45 F0\tmov rax, [rbp-16]\r\n";
+    return text;
+}
+
+// Asks again and again until the pane has that many lines; the slowest answer of the window.
+double FillPane(HWND window, int lines) {
+    double slowest = 0;
+    const double start = NowMs();
+    while (Ask(GetDlgItem(window, IDC_ASM), EM_GETLINECOUNT) < lines) {
+        const double question = NowMs();
+        Ask(window, WM_NULL);
+        slowest = std::max(slowest, NowMs() - question);
+        if (question - start > kLimitMs) Die("the ASM pane does not fill");
+        Sleep(kPauseMs);
+    }
+    return slowest;
+}
+
+void MeasurePane(const pe::Bytes& program) {
+    const Folder folder;
+    const std::wstring file = folder.Path() + L"main.bas";
+    WriteText(file, kSource);
+    Program editor(Kind::Editor, folder, file);
+    editor.AwaitReady(kSource.size());
+    editor.SettledMemory();
+    const HWND window = editor.Main();
+    Ask(window, WM_COMMAND, IDM_USE_KVXB64);
+    Ask(window, WM_COMMAND, IDM_VIEW_ASM);
+    Ask(window, WM_COMMAND, IDM_BUILD);
+    FillPane(window, 300);
+    editor.SettledMemory();
+    WriteText(folder.Path() + L"main.exe", {reinterpret_cast<const char*>(program.data()), program.size()});
+    WriteText(folder.Path() + L"main.asm", LongListing());
+    Ask(window, WM_COMMAND, IDM_VIEW_ASM);
+    const double start = NowMs();
+    Ask(window, WM_COMMAND, IDM_VIEW_ASM);
+    const double command = NowMs() - start;
+    const double slowest = std::max(command, FillPane(window, kLinesShown));
+    Report({.work = "ASM pane filled with 24,000 lines", .program = NowMs() - start, .note = "once"});
+    Report({.work = "slowest answer while it fills", .program = slowest, .maxValue = 100, .note = "once"});
+}
+
+}  // namespace
+
+void MeasureCode() {
+    constexpr int kRuns = 3;
+    const pe::Bytes file = ProgramOfCode();
+    std::vector<double> times;
+    double longest = 0;
+    for (int i = 0; i < kRuns; ++i) {
+        const Rendering rendering = RenderOnce(file);
+        times.push_back(rendering.time);
+        longest = std::max(longest, rendering.longestSlice);
+    }
+    char note[100];
+    std::snprintf(note, sizeof(note), "median of %d; longest slice of 20,000 instructions: %.0f ms", kRuns, longest);
+    Report({.work = "5 MB of code rendered", .program = Median(times), .maxValue = 2000, .note = note});
+    MeasurePane(file);
+}
