@@ -73,7 +73,8 @@ void RichScrollToEnd(HWND pane) {
 void RichLinesReveal(HWND pane) {
     if (pane == nullptr) return;
     RichScrollToEnd(pane);
-    InvalidateRect(pane, nullptr, TRUE);
+    // With its frame: a scroll bar that came while the pane was not drawn is not there to be seen.
+    RedrawWindow(pane, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME);
 }
 
 HWND RichPaneEmptied(HWND pane, std::size_t lines) {
