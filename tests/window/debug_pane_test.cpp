@@ -1,0 +1,362 @@
+// The debug pane in the real program, over real programs under the debugger: what each view shows at a stop, what can be
+// changed in it, how it is worked by keys.
+#include "harness.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+
+#include "resources/ids.h"
+
+namespace {
+
+enum Tab { kBreakpoints, kStack, kRegisters, kWatches, kMemory, kThreads, kDisassembly };
+
+constexpr char kSource[] =
+    "FUNCTION Twice(BYVAL n AS LONG) AS LONG\r\n"  // 1
+    "    LOCAL result AS LONG\r\n"                 // 2
+    "    result = n + n\r\n"                       // 3
+    "    FUNCTION = result\r\n"                    // 4
+    "END FUNCTION\r\n"                             // 5
+    "FUNCTION PBMAIN () AS LONG\r\n"               // 6
+    "    LOCAL i AS LONG, total AS LONG\r\n"       // 7
+    "    FOR i = 1 TO 300\r\n"                     // 8
+    "        total = total + Twice(i)\r\n"         // 9
+    "    NEXT i\r\n"                               // 10
+    "    FUNCTION = total\r\n"                     // 11
+    "END FUNCTION\r\n";
+
+// A session over kSource, stopped at its first line, with the pane open.
+struct Session {
+    ProgramFolder folder{kCompilers};
+    Editor editor;
+    HWND pane;
+
+    explicit Session(const std::wstring& compiler = L"kvxa64")
+        : editor(Prepared(folder), L" --open \"" + folder.File(L"twice.bas") + L"\" --compiler " + compiler) {
+        pane = editor.Child(IDC_DEBUG_PANE);
+        if (!IsWindowVisible(pane)) editor.Do(IDM_VIEW_DEBUG_PANE);
+    }
+    static const ProgramFolder& Prepared(const ProgramFolder& folder) {
+        folder.Write(L"twice.bas", kSource);
+        folder.SetIni(L"Editor", L"AutoSaveEnabled", L"0");
+        folder.SetIni(L"Editor", L"RestoreLastSession", L"0");
+        return folder;
+    }
+    bool Start() const {
+        editor.Do(IDM_DEBUG_BUILD_START);
+        return WaitFor([&] { return editor.Status(0).starts_with(L"Stopped at twice.bas:"); }, 60000);
+    }
+    HWND List() const { return GetDlgItem(pane, IDC_DEBUG_LIST); }
+    HWND Tabs() const { return GetDlgItem(pane, IDC_DEBUG_TABS); }
+    HWND Address() const { return GetDlgItem(pane, IDC_DEBUG_ADDRESS); }
+    HWND Memory() const { return GetDlgItem(pane, IDC_DEBUG_TEXT); }
+    // As another program would do it: the control tells its owner.
+    void Select(Tab tab) const { editor.Send(Tabs(), TCM_SETCURFOCUS, static_cast<WPARAM>(tab)); }
+    int Rows() const { return IsWindowVisible(List()) ? static_cast<int>(editor.Send(List(), LVM_GETITEMCOUNT)) : 0; }
+    std::wstring Cell(int row, int column) const {
+        const RemoteBlock block(editor.process, sizeof(LVITEMW) + 1024);
+        LVITEMW item = {};
+        item.iSubItem = column;
+        item.cchTextMax = 500;
+        item.pszText = reinterpret_cast<wchar_t*>(block.At(sizeof(item)));
+        block.Put(&item, sizeof(item));
+        const auto length =
+            static_cast<std::size_t>(editor.Send(List(), LVM_GETITEMTEXTW, static_cast<WPARAM>(row), block.At()));
+        wchar_t text[512] = {};
+        block.Get(text, 1000, sizeof(item));
+        return {text, std::min<std::size_t>(length, 500)};
+    }
+    std::wstring All() const {
+        std::wstring text;
+        for (int row = 0; row < Rows(); ++row)
+            for (int column = 0; column < 4; ++column) text += Cell(row, column) + (column < 3 ? L"|" : L"\n");
+        return text;
+    }
+    bool Await(const std::wstring& part) const {
+        return WaitFor([&] { return All().find(part) != std::wstring::npos; });
+    }
+    int RowOf(int column, const std::wstring& text) const {
+        for (int row = 0; row < Rows(); ++row)
+            if (Cell(row, column) == text) return row;
+        return -1;
+    }
+    std::wstring Register(const std::wstring& name) const { return Cell(RowOf(0, name), 1); }
+    void SelectRow(int row) const {
+        const RemoteBlock block(editor.process, sizeof(LVITEMW));
+        LVITEMW state = {};
+        state.state = state.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+        block.Put(&state, sizeof(state));
+        editor.Send(List(), LVM_SETITEMSTATE, static_cast<WPARAM>(row), block.At());
+    }
+    int PaneListRow() const {
+        return static_cast<int>(editor.Send(List(), LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+    }
+    int Checked(int row) const {  // 1: no, 2: yes
+        return static_cast<int>(editor.Send(List(), LVM_GETITEMSTATE, static_cast<WPARAM>(row), LVIS_STATEIMAGEMASK) >>
+                                12);
+    }
+    void Key(HWND window, int key) const { editor.Send(window, WM_KEYDOWN, static_cast<WPARAM>(key), 1); }
+    HWND Field() const { return FindWindowExW(List(), nullptr, L"Edit", nullptr); }
+    // Text into the field that is open over a cell; Enter takes it.
+    void Enter(const std::wstring& text) const {
+        EXPECT_TRUE(WaitFor([&] { return Field() != nullptr; })) << "no field is open";
+        editor.Send(Field(), EM_SETSEL, 0, -1);
+        for (const wchar_t c : text) editor.Send(Field(), WM_CHAR, c, 1);
+        Key(Field(), VK_RETURN);
+    }
+    void GoTo(const std::wstring& address) const {
+        editor.Send(Address(), EM_SETSEL, 0, -1);
+        if (address.empty()) editor.Send(Address(), WM_CLEAR);
+        for (const wchar_t c : address) editor.Send(Address(), WM_CHAR, c, 1);
+        Key(Address(), VK_RETURN);
+    }
+    void AddWatch(const std::wstring& expression) const {
+        SelectRow(Rows() - 1);
+        editor.Send(List(), WM_CHAR, static_cast<WPARAM>(expression.front()), 1);
+        EXPECT_TRUE(WaitFor([&] { return Field() != nullptr; })) << "typing opens no field";
+        for (const wchar_t c : expression.substr(1)) editor.Send(Field(), WM_CHAR, c, 1);
+        Key(Field(), VK_RETURN);
+    }
+    void RunToLine(int line) const {
+        editor.Sci(2024, static_cast<WPARAM>(line - 1));  // SCI_GOTOLINE
+        editor.Do(IDM_DEBUG_RUN_TO_CURSOR);
+        EXPECT_TRUE(WaitFor([&] { return editor.Status(0) == L"Stopped at twice.bas:" + std::to_wstring(line); }))
+            << Utf8(editor.Status(0));
+    }
+};
+
+bool HasLine(const std::wstring& text, const std::wstring& part) { return text.find(part) != std::wstring::npos; }
+
+// Row of the disassembly that the instruction of a line's start stands in, or -1.
+int FirstInstructionOf(const Session& session, const std::wstring& source) {
+    const int row = session.RowOf(0, source);
+    return row < 0 ? -1 : row + 1;
+}
+
+TEST(DebugPane, WithoutASessionItSaysHowToBegin) {
+    const Session session;
+    for (const Tab tab : {kStack, kRegisters, kMemory, kThreads, kDisassembly}) {
+        session.Select(tab);
+        EXPECT_TRUE(WaitFor([&] { return HasLine(session.editor.TextOf(session.pane), L"Start debugging with"); }))
+            << tab;
+        EXPECT_FALSE(IsWindowVisible(session.List())) << tab;
+        EXPECT_FALSE(IsWindowVisible(session.Memory())) << tab;
+    }
+    session.Select(kBreakpoints);
+    EXPECT_TRUE(WaitFor([&] { return HasLine(session.editor.TextOf(session.pane), L"No breakpoints"); }));
+}
+
+TEST(DebugPane, ViewsFollowTheStop) {
+    const struct {
+        const wchar_t *compiler, *pointer;
+        int digits;
+    } cases[] = {{L"kvxa64", L"RIP", 12}, {L"kvxa32", L"EIP", 8}};
+    for (const auto& each : cases) {
+        SCOPED_TRACE(Utf8(each.compiler));
+        const Session session(each.compiler);
+        ASSERT_TRUE(session.Start()) << session.editor.Describe();
+        session.RunToLine(3);
+        session.Select(kStack);
+        ASSERT_TRUE(session.Await(L"|twice.bas:3  result = n + n|")) << Utf8(session.All());
+        EXPECT_TRUE(HasLine(session.All(), L"1|")) << "the caller";
+        EXPECT_TRUE(HasLine(session.All(), L"twice.bas:9  total = total + Twice(i)|")) << Utf8(session.All());
+
+        session.Select(kRegisters);
+        ASSERT_TRUE(session.Await(std::wstring(each.pointer) + L"|"));
+        EXPECT_EQ(session.Cell(session.RowOf(0, each.pointer), 2), L"twice.bas:3");
+        const std::wstring address = session.Register(each.pointer);
+
+        session.Select(kDisassembly);
+        ASSERT_TRUE(session.Await(L"3: result = n + n"));
+        const int row = FirstInstructionOf(session, L"3: result = n + n");
+        EXPECT_EQ(session.Cell(row, 0), address.substr(address.size() - static_cast<std::size_t>(each.digits)));
+        EXPECT_FALSE(session.Cell(row, 1).starts_with(L"CC")) << "a breakpoint's byte is not the program's";
+        EXPECT_EQ(session.PaneListRow(), row);
+
+        session.Select(kThreads);
+        ASSERT_TRUE(session.Await(L"|Main, shown|")) << Utf8(session.All());
+        EXPECT_TRUE(HasLine(session.All(), L"|twice.bas:3\n"));
+
+        // The next stop, with the view left as it is.
+        session.editor.Do(IDM_DEBUG_STEP_OVER);
+        EXPECT_TRUE(session.Await(L"|twice.bas:4\n")) << Utf8(session.All());
+        session.Select(kDisassembly);
+        EXPECT_TRUE(WaitFor([&] {
+            return session.PaneListRow() == FirstInstructionOf(session, L"4: FUNCTION = result");
+        })) << Utf8(session.All());
+
+        session.editor.Do(IDM_DEBUG_STOP);
+        EXPECT_TRUE(WaitFor([&] { return session.Rows() == 0; })) << "an ended program has no code to show";
+    }
+}
+
+TEST(DebugPane, RegistersTakeValues) {
+    const Session session;
+    ASSERT_TRUE(session.Start()) << session.editor.Describe();
+    session.editor.Foreground();
+    session.Select(kRegisters);
+    ASSERT_TRUE(session.Await(L"R12|"));
+    const int row = session.RowOf(0, L"R12");
+    session.SelectRow(row);
+    session.Key(session.List(), VK_F2);
+    session.Enter(L"nonsense");
+    EXPECT_TRUE(WaitFor([&] { return HasLine(session.editor.Status(0), L"nonsense"); }))
+        << Utf8(session.editor.Status(0));
+    session.Enter(L"0xAB0+12");
+    EXPECT_TRUE(WaitFor([&] { return session.Register(L"R12") == L"0000000000000ABC"; }))
+        << Utf8(session.Register(L"R12"));
+    EXPECT_EQ(session.Cell(row, 2), L"2748");
+    EXPECT_EQ(session.Field(), nullptr);
+    session.editor.Do(IDM_DEBUG_STEP_OVER);
+    session.editor.Do(IDM_DEBUG_REGISTERS);  // as the engine reads them, after the program went on with it
+    EXPECT_TRUE(session.editor.AwaitOutput(L"R12=0000000000000ABC"));
+
+    session.SelectRow(session.RowOf(0, L"RIP"));
+    session.Key(session.List(), VK_F2);
+    session.Key(session.List(), VK_RETURN);
+    EXPECT_EQ(session.Field(), nullptr) << "the instruction pointer is not for editing";
+    session.SelectRow(row);
+    session.Key(session.List(), VK_RETURN);
+    session.editor.Send(session.Field(), WM_CHAR, L'7', 1);
+    session.Key(session.Field(), VK_ESCAPE);
+    EXPECT_EQ(session.Register(L"R12"), L"0000000000000ABC") << "Escape drops what was typed";
+}
+
+TEST(DebugPane, WatchesShowAndWriteMemory) {
+    const Session session;
+    session.editor.Foreground();
+    session.Select(kWatches);
+    ASSERT_TRUE(session.Await(L"Type an address here"));
+    for (const wchar_t* expression : {L"RBP-4", L"RBP-8", L"RBP-12", L"RBP-16", L"RBP-24", L"16", L"RBP-"}) {
+        const int before = session.Rows();
+        session.AddWatch(expression);
+        ASSERT_TRUE(WaitFor([&] { return session.Rows() == before + 1; })) << Utf8(session.All());
+    }
+    EXPECT_EQ(session.Cell(0, 2), L"") << "there is no program";
+    ASSERT_TRUE(session.Start()) << session.editor.Describe();
+    session.RunToLine(11);  // the loop is over: total is 300 * 301
+    ASSERT_TRUE(session.Await(L"|90300 (0x000160BC)|")) << Utf8(session.All());
+    EXPECT_TRUE(HasLine(session.All(), L"16|LONG|<unreadable>|"));
+    EXPECT_FALSE(session.Cell(6, 2).empty()) << "an expression that is none says why";
+    EXPECT_EQ(session.Cell(6, 2).find(L"0x"), std::wstring::npos);
+
+    const int total = session.RowOf(2, L"90300 (0x000160BC)");
+    session.SelectRow(total);
+    session.Key(session.List(), VK_RETURN);
+    session.Enter(L"99999999999");
+    EXPECT_TRUE(WaitFor([&] { return HasLine(session.editor.Status(0), L"32 bits"); }))
+        << Utf8(session.editor.Status(0));
+    session.Enter(L"-7");
+    EXPECT_TRUE(WaitFor([&] { return session.Cell(total, 2) == L"-7 (0xFFFFFFF9)"; })) << Utf8(session.All());
+    session.SelectRow(6);
+    session.Key(session.List(), VK_DELETE);
+    EXPECT_TRUE(WaitFor([&] { return session.Rows() == 7; }));
+    session.editor.Do(IDM_DEBUG_CONTINUE);
+    EXPECT_TRUE(WaitFor([&] { return session.editor.Status(0) == L"Exited with code -7"; }))
+        << Utf8(session.editor.Status(0));
+
+    // The list outlives its program; an address alone is no value.
+    if (!IsWindowVisible(session.pane)) session.editor.Do(IDM_VIEW_DEBUG_PANE);
+    EXPECT_TRUE(WaitFor([&] { return session.Rows() == 7 && session.Cell(total, 2).empty(); })) << Utf8(session.All());
+    EXPECT_EQ(session.Cell(5, 0), L"16");
+}
+
+TEST(DebugPane, MemoryIsTypedOver) {
+    const Session session;
+    ASSERT_TRUE(session.Start()) << session.editor.Describe();
+    session.RunToLine(4);  // the first turn: result is 2
+    session.editor.Foreground();
+    session.Select(kMemory);
+    const auto text = [&] { return session.editor.TextOf(session.Memory()); };
+    ASSERT_TRUE(WaitFor([&] { return !text().empty(); })) << "the stack is shown without asking";
+    session.GoTo(L"RBP-8");
+    ASSERT_TRUE(WaitFor([&] { return text().substr(12).starts_with(L" 02 00 00 00 "); })) << Utf8(text());
+    const std::wstring first = text().substr(0, 12);
+
+    session.editor.Send(session.Memory(), WM_VSCROLL, SB_LINEDOWN);
+    EXPECT_EQ(std::stoull(text().substr(0, 12), nullptr, 16), std::stoull(first, nullptr, 16) + 16);
+    session.editor.Send(session.Memory(), WM_VSCROLL, SB_LINEUP);
+    session.editor.Send(session.Memory(), WM_MOUSEWHEEL, static_cast<WPARAM>(WHEEL_DELTA << 16));
+    EXPECT_EQ(std::stoull(text().substr(0, 12), nullptr, 16), std::stoull(first, nullptr, 16) - 48);
+
+    session.GoTo(L"16");
+    EXPECT_TRUE(WaitFor([&] { return HasLine(text(), L"000000000010 ?? ??"); })) << Utf8(text());
+    session.editor.Send(session.Memory(), WM_CHAR, L'1', 1);
+    EXPECT_TRUE(HasLine(session.editor.Status(0), L"cannot be written")) << Utf8(session.editor.Status(0));
+    session.GoTo(L"no such");
+    session.GoTo(L"RBP-8");
+    ASSERT_TRUE(WaitFor([&] { return text().starts_with(first); })) << Utf8(text());
+    for (const wchar_t digit : {L'0', L'5', L'g'}) session.editor.Send(session.Memory(), WM_CHAR, digit, 1);
+    EXPECT_TRUE(text().starts_with(first + L" 05 00 00 00 ")) << Utf8(text());
+    session.editor.Do(IDM_DEBUG_CONTINUE);
+    EXPECT_TRUE(WaitFor([&] { return session.editor.Status(0) == L"Exited with code 90303"; }))
+        << Utf8(session.editor.Status(0));
+}
+
+TEST(DebugPane, BreakpointsAreWorkedFromTheirList) {
+    const Session session;
+    for (const int line : {2, 4, 9}) {
+        session.editor.Sci(2024, static_cast<WPARAM>(line - 1));
+        session.editor.Do(IDM_DEBUG_BREAKPOINT);
+    }
+    session.Select(kBreakpoints);
+    ASSERT_TRUE(WaitFor([&] { return session.Rows() == 3; })) << Utf8(session.All());
+    EXPECT_EQ(session.Cell(1, 0), L"twice.bas:4");
+    EXPECT_EQ(session.Checked(1), 2);
+    ASSERT_TRUE(session.Start()) << session.editor.Describe();
+    EXPECT_TRUE(WaitFor([&] { return session.Cell(1, 3) == L"Active"; })) << Utf8(session.All());
+    EXPECT_TRUE(session.Cell(0, 3).starts_with(L"No code on this line")) << Utf8(session.All());
+
+    session.editor.Foreground();
+    session.SelectRow(1);
+    session.Key(session.List(), VK_F2);
+    session.Enter(L"1==1" + std::wstring(60, L' '));
+    EXPECT_NE(session.Field(), nullptr) << "64 bytes are too many";
+    session.Enter(L"1==1");
+    EXPECT_TRUE(WaitFor([&] { return session.Cell(1, 1) == L"1==1"; })) << Utf8(session.All());
+    session.SelectRow(2);
+    session.Key(session.List(), VK_SPACE);
+    EXPECT_TRUE(WaitFor([&] { return session.Cell(2, 3) == L"Disabled" && session.Checked(2) == 1; }))
+        << Utf8(session.All());
+    session.editor.Do(IDM_DEBUG_CONTINUE);
+    EXPECT_TRUE(WaitFor([&] { return session.editor.Status(0) == L"Stopped at twice.bas:4"; }))
+        << "line 9 comes first and is off: " << Utf8(session.editor.Status(0));
+    EXPECT_TRUE(WaitFor([&] { return session.Cell(1, 2) == L"1"; })) << Utf8(session.All());
+
+    session.SelectRow(2);
+    session.Key(session.List(), VK_RETURN);
+    EXPECT_TRUE(WaitFor([&] { return session.editor.Line() == 9; }));
+    session.SelectRow(0);
+    session.Key(session.List(), VK_DELETE);
+    EXPECT_TRUE(WaitFor([&] { return session.Rows() == 2 && session.Cell(0, 0) == L"twice.bas:4"; }))
+        << Utf8(session.All());
+    EXPECT_EQ(session.editor.Sci(2046, 1) & (1 << 2), 0) << "its marker is gone";  // SCI_MARKERGET of line 2
+}
+
+TEST(DebugPane, KeysAloneWorkIt) {
+    const Session session;
+    ASSERT_TRUE(session.Start()) << session.editor.Describe();
+    session.Select(kStack);
+    ASSERT_TRUE(session.Await(L"twice.bas"));
+    session.editor.Foreground();
+    session.editor.Click(session.Tabs(), {10, 10});  // the first tab, and the focus into its view
+    const auto selected = [&] { return static_cast<int>(session.editor.Send(session.Tabs(), TCM_GETCURSEL)); };
+    const auto focus = [&](HWND window) { return WaitFor([&] { return session.editor.Focus() == window; }, 3000); };
+    EXPECT_TRUE(WaitFor([&] { return selected() == kBreakpoints; }));
+    EXPECT_TRUE(focus(session.Tabs())) << "there are no breakpoints: the row of tabs is all that can have it";
+    for (int i = 0; i < kMemory; ++i) session.editor.Keys({VK_RIGHT});
+    EXPECT_TRUE(WaitFor([&] { return selected() == kMemory; })) << selected();
+    session.editor.Keys({VK_TAB});
+    EXPECT_TRUE(focus(session.Address()));
+    session.editor.Keys({VK_TAB});
+    EXPECT_TRUE(focus(session.Memory()));
+    session.editor.Keys({VK_TAB});
+    EXPECT_TRUE(focus(session.Tabs()));
+    session.editor.Keys({VK_SHIFT, VK_TAB});
+    EXPECT_TRUE(focus(session.Memory()));
+    session.editor.Keys({VK_ESCAPE});
+    EXPECT_TRUE(focus(session.editor.Sci()));
+}
+
+}  // namespace
