@@ -68,6 +68,23 @@ std::vector<std::uint32_t> WantedTraps(std::string_view program, const TextSecti
     return traps;
 }
 
+// Names, and addresses at the edges of their reach: three bytes say what and where.
+std::string Placed(std::string_view orders, std::uint32_t address) {
+    std::string side(16384, '\0');
+    std::size_t name = 0;
+    for (; orders.size() >= 3; orders.remove_prefix(3)) {
+        const auto what = static_cast<std::uint8_t>(orders[0]);
+        const std::size_t where =
+            static_cast<std::uint8_t>(orders[1]) * 48U + static_cast<std::uint8_t>(orders[2]) % 48U;
+        const std::size_t edge = (what & 2) != 0 ? name + 4096 : name - std::min<std::size_t>(name, 4096);
+        if ((what & 1) != 0)
+            side.replace(name = where, 6, "PBMAIN");
+        else
+            pe_bytes::Put(&side, std::max<std::size_t>(edge + what / 4 % 16, 8) - 8, address + what);
+    }
+    return side;
+}
+
 void CheckParts(std::string_view program, std::string_view side, const TextSectionInfo& text) {
     const std::uint32_t start = PbdFindPbmainStartRva(Bytes(side), text);
     Require(start == WantedStart(side, text));
@@ -116,6 +133,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const TextSectionInfo text = {kBases[data[0] & 7], data[1] * 0x1000U + data[2], data[3] / 4U,
                                   data[0] * 4096U | 0xFF, (data[3] & 1) != 0 ? 0 : data[2] * 65536U};
     CheckParts(code, side, text);
+    CheckParts(code, Placed(rest, 0x401100), {0x400000, 0x1000, 0, 0x1000, 0});
     CheckParts(code, side, {text.imageBase, 0xFFFFFF80U, text.rawOffset, 0xFFFFFFFFU, 0xFFFFFFFFU});
 
     const std::string program =

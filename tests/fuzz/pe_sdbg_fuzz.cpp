@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -17,8 +18,6 @@ namespace {
 void Require(bool condition) {
     if (!condition) std::abort();
 }
-
-const std::uint8_t* Data(const std::string& bytes) { return reinterpret_cast<const std::uint8_t*>(bytes.data()); }
 
 std::uint32_t Number(std::span<const std::uint8_t> bytes, std::size_t at, int size) {
     std::uint32_t value = 0;
@@ -176,8 +175,9 @@ void CheckSection(std::span<const std::uint8_t> section, std::uint32_t textRva, 
     Require(map.lines == nullptr && map.lineCount == 0 && map.files == nullptr && map.byLine == nullptr);
 }
 
-void CheckImage(const std::string& file) {
-    const std::uint8_t* const bytes = Data(file);
+void CheckImage(const std::string& image) {
+    const std::vector<std::uint8_t> file(image.begin(), image.end());  // reads behind the last byte are seen
+    const std::uint8_t* const bytes = file.data();
     std::uint64_t base = 0;
     const bool hasBase = GetPeImageBase(bytes, file.size(), &base);
     const std::uint16_t magic = GetPeMagic(bytes, file.size());
@@ -193,6 +193,22 @@ void CheckImage(const std::string& file) {
     Require(magic != 0 && length >= 8 && section == bytes + offset);
     Require(std::uint64_t{offset} + length <= file.size());
     CheckSection({section, length}, textRva, 0);
+}
+
+// Three bytes: where in the headers (of either kind), with what kind of value, which one.
+void Change(std::string* file, const char* order) {
+    const auto where = static_cast<std::uint8_t>(order[0]);
+    const auto which = static_cast<std::uint8_t>(order[2]);
+    const auto size = static_cast<std::uint32_t>(file->size());
+    const std::uint32_t values[] = {0,    1,        7,         8,          0x10B,      0x20B,
+                                    size, size - 1, size - 40, 0x7FFFFFFF, 0xFFFFFFFF, 0xFFFFFFF0};
+    const std::size_t at = where < 8 ? 60 : pe_bytes::kHeader + 2U * where;
+    if (order[1] == 'c') file->resize(std::min<std::size_t>(size, 60 + 2U * which));
+    if (at + 4 > file->size()) return;
+    if ((order[1] & 1) != 0)
+        pe_bytes::Put(file, at, values[which % std::size(values)]);
+    else
+        (*file)[at + (static_cast<std::uint8_t>(order[1]) >> 1) % 4] = order[2];
 }
 
 }  // namespace
@@ -212,13 +228,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             std::string file = pe_bytes::Image(
                 is64, 0x400000,
                 {{".text", 0x1000, "code"}, {".sdbg", 0x2000, pe_bytes::Sdbg2({{1, 1, 0x1000}, {1, 2, 0x1004}})}});
-            for (std::size_t i = 0; i + 3 <= rest.size(); i += 3) {
-                const std::size_t at = pe_bytes::kHeader - 8 + static_cast<std::uint8_t>(rest[i]) * 2 +
-                                       (static_cast<std::uint8_t>(rest[i + 1]) & 1U);
-                file[at] = rest[i + 2];
-                if (rest[i + 1] == '\x7F') file.resize(std::max(at, file.size() / 2));
-                if (file.size() < pe_bytes::kData + 200) break;
-            }
+            for (std::size_t i = 0; i + 3 <= rest.size(); i += 3) Change(&file, &rest[i]);
             CheckImage(file);
         }
     }
