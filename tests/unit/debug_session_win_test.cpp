@@ -166,6 +166,12 @@ TEST_P(DebugSession, StopsInTheThreadThatRunsOntoTheBreakpoint) {
     ASSERT_EQ(Arrive(), 7);
     EXPECT_NE(state.stopThreadId, mainThread);
     EXPECT_EQ(Count(), 77u) << "registers of the thread that stopped";
+    ASSERT_EQ(state.threads.size(), 2u);
+    EXPECT_EQ(state.threads[0].id, mainThread);
+    EXPECT_EQ(state.threads[1].id, state.stopThreadId);
+    RegisterSet waiting;
+    EXPECT_TRUE(DebugGetRegisters(&state, mainThread, &waiting));
+    EXPECT_NE(waiting.ip, Registers().ip);
     EXPECT_EQ(Registers().ip, AddressOf(7));
     EXPECT_EQ(Step(), 8);
     EXPECT_NE(state.stopThreadId, mainThread);
