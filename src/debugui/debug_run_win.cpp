@@ -264,11 +264,12 @@ void WarnOfStaleFiles(const BuiltProgram& program) {
     for (std::int32_t i = 0; i < state.map.fileCount; ++i) warn(DebugFilePath(&state, state.map.files[i].fileId));
 }
 
-bool StartProgram(const BuiltProgram& program) {
+// Whether it succeeded, the state tells; why not, the output pane.
+void StartProgram(const BuiltProgram& program) {
     g_stopWanted = g_closeWanted = false;
     g_lastPump = 0;
     const WaitScope scope(PumpWhileStarting);
-    return DebugStartForCompiler(program.executable.c_str(), program.compilerId, &g_app.debugger);
+    DebugStartForCompiler(program.executable.c_str(), program.compilerId, &g_app.debugger);
 }
 
 // A stop or a close that was asked for while the session came up.
@@ -292,11 +293,10 @@ void DebugRunStart() {
     SetStatus(L"Starting the program...");
     MenuUpdateState();
     UpdateWindow(g_app.hMainWnd);
-    const bool started = StartProgram(program);
+    StartProgram(program);
     if (StoppedDuringStart()) return;
     if (g_app.debugger.active == 0) {
-        EndSession(started ? FormatW(L"Exited with code %ld", static_cast<long>(g_app.debugger.exitCode))
-                           : L"The debugger could not be started");
+        EndSession(L"Debugging did not start");
         return;
     }
     ShowPaneForSession();

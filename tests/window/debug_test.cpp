@@ -64,6 +64,25 @@ bool ButtonWorks(const Editor& editor, int command) {
     return editor.Send(editor.Child(IDC_TOOLBAR), TB_ISBUTTONENABLED, static_cast<WPARAM>(command)) != 0;
 }
 
+// A folder in which a build does nothing, so that the program that is debugged is the one put there.
+struct ReadyFolder : ProgramFolder {
+    std::wstring source;
+    explicit ReadyFolder(const wchar_t* debuggee) {
+        wchar_t own[1024];
+        GetModuleFileNameW(nullptr, own, 1024);
+        const std::wstring fake = std::wstring(own, std::wcsrchr(own, L'\\') + 1) + L"fake_compiler.exe";
+        CreateDirectoryW(File(L"KVXA64").c_str(), nullptr);
+        EXPECT_TRUE(CopyFileW(fake.c_str(), File(L"KVXA64\\kvxa64.exe").c_str(), FALSE));
+        Write(L"KVXA64\\fake.txt", "print ok\n");
+        SetIni(L"Editor", L"AutoSaveEnabled", L"0");
+        SetIni(L"Editor", L"RestoreLastSession", L"0");
+        source = Write(L"steps.bas", Sample());
+        const std::wstring program = Wide(KVX_DEBUGGEES_DIR) + L"\\" + debuggee;
+        EXPECT_TRUE(CopyFileW(program.c_str(), File(L"steps.exe").c_str(), FALSE)) << Utf8(program);
+    }
+    std::wstring Arguments() const { return L" --open \"" + source + L"\" --compiler kvxa64"; }
+};
+
 const std::string kEndless =
     "FUNCTION PBMAIN () AS LONG\r\n    LOCAL i AS LONG\r\n    DO\r\n        i = i + 1\r\n        SLEEP 5\r\n"
     "    LOOP\r\n    FUNCTION = i\r\nEND FUNCTION\r\n";
@@ -216,4 +235,62 @@ TEST(Debug, BreakpointsStayWithTheirLines) {
     EXPECT_EQ(editor.Output().find(L"steps.bas:16"), std::wstring::npos);
     EXPECT_EQ(editor.Close(), 0u);
     EXPECT_TRUE(WaitFor([] { return CountProcesses(L"steps.exe") == 0; }));
+}
+
+TEST(Debug, StopIsHeardWhileAProgramStarts) {
+    const ReadyFolder folder(L"early64.exe");  // never gets to its first line
+    Editor editor(folder, folder.Arguments());
+    const auto startUp = [&] {
+        editor.Do(IDM_DEBUG_BUILD_START);
+        ASSERT_TRUE(AwaitStatus(editor, L"Starting the program..."));
+        ASSERT_TRUE(WaitFor([] { return CountProcesses(L"steps.exe") == 1; }));
+    };
+    const auto stopped = [&] {
+        EXPECT_TRUE(AwaitStatus(editor, L"Debugging stopped"));
+        EXPECT_TRUE(WaitFor([] { return CountProcesses(L"steps.exe") == 0; }));
+        EXPECT_TRUE(WaitFor([&] { return ButtonWorks(editor, IDM_DEBUG_BUTTON_START); }));
+    };
+    startUp();
+    editor.Do(IDM_FILE_NEW);
+    EXPECT_EQ(editor.Tabs(), 1) << "no other command gets in";
+    editor.Do(IDM_DEBUG_STOP);
+    stopped();
+
+    startUp();
+    editor.Foreground();
+    editor.Keys({VK_SHIFT, VK_F5});
+    stopped();
+
+    startUp();
+    RECT button{};
+    const RemoteBlock block(editor.process, sizeof(button));
+    editor.Send(editor.Child(IDC_TOOLBAR), TB_GETRECT, IDM_DEBUG_BUTTON_STOP, block.At());
+    block.Get(&button, sizeof(button));
+    editor.Foreground();
+    editor.Click(editor.Child(IDC_TOOLBAR), {(button.left + button.right) / 2, (button.top + button.bottom) / 2});
+    stopped();
+
+    startUp();
+    PostMessageW(editor.main, WM_CLOSE, 0, 0);
+    EXPECT_EQ(editor.ExitCode(), 0u);
+    EXPECT_TRUE(WaitFor([] { return CountProcesses(L"steps.exe") == 0; }));
+}
+
+TEST(Debug, AFloodOfEventsLeavesTheWindowFree) {
+    const ReadyFolder folder(L"flood64.exe");
+    Editor editor(folder, folder.Arguments());
+    editor.Do(IDM_DEBUG_BUILD_START);
+    ASSERT_TRUE(editor.AwaitOutput(L"[Debug] Reached line 2.\n", kBuildDeadline)) << editor.Describe();
+    editor.Do(IDM_DEBUG_CONTINUE);
+    ASSERT_TRUE(AwaitStatus(editor, L"Running"));
+    EXPECT_TRUE(WaitFor([&] { return editor.Output().find(L"again and again") != std::wstring::npos; }));
+    editor.Do(IDM_FILE_NEW);
+    EXPECT_EQ(editor.Tabs(), 2);
+    editor.Type("still here");
+    EXPECT_EQ(editor.Text(), "still here");
+    editor.Do(IDM_DEBUG_STOP);
+    EXPECT_TRUE(AwaitStatus(editor, L"Debugging stopped"));
+    EXPECT_TRUE(WaitFor([] { return CountProcesses(L"steps.exe") == 0; }));
+    editor.Do(IDM_EDIT_UNDO);  // so that closing asks nothing
+    EXPECT_EQ(editor.Close(), 0u);
 }
