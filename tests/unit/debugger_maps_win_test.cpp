@@ -287,13 +287,14 @@ TEST_F(DebuggerMapsWin, WholeFiles) {
 
 TEST_F(DebuggerMapsWin, StructuralLinesAreShownOnTheStatementBefore) {
     const std::string basic =
-        "ELSE\nSUB PBMAIN\n  IF a THEN\n    b = 1\n  else\n    c = 1\n  End If ' so\nEND SUB\nELSE\n";
+        "ELSE\nSUB PBMAIN\n  IF a THEN\n    b = 1\n  else\n    c = 1\n  End If ' so\nEND SUB\n'\nELSE\n";
     const fs::path source = Put(L"part.bas", basic);
     const fs::path program = Put(L"part.exe", Program({{1, 1, 0x1000},  // nothing before it
                                                        {1, 3, 0x1004},
                                                        {1, 5, 0x1008},
                                                        {2, 7, 0x100C},  // the file of a record is not asked
-                                                       {1, 9, 0x1010},
+                                                       {1, 9, 0x100E},  // stays, and lies above the next one's new line
+                                                       {1, 10, 0x1010},
                                                        {1, 0, 0x1014},
                                                        {1, 0xFFFFFFFF, 0x1018}}));
     const auto lines = [this] {
@@ -302,7 +303,7 @@ TEST_F(DebuggerMapsWin, StructuralLinesAreShownOnTheStatementBefore) {
         return found;
     };
     using Lines = std::vector<std::uint32_t>;
-    const Lines untouched = {1, 3, 5, 7, 9, 0, 0xFFFFFFFF};
+    const Lines untouched = {1, 3, 5, 7, 9, 10, 0, 0xFFFFFFFF};
     for (const fs::path& other :
          {fs::path(), root_, root_ / L"missing.bas", Put(L"empty.bas", ""), Put(L"binary.bas", Read(program)),
           Put(L"wide.bas", "\xFF\xFE" + std::string("E\0L\0S\0E\0\n\0", 10))}) {
@@ -314,13 +315,15 @@ TEST_F(DebuggerMapsWin, StructuralLinesAreShownOnTheStatementBefore) {
     DebugSetSourcePath(source.c_str());
     StartLog();
     ASSERT_EQ(Load(program, kCompilerKvxb64), L"loaded");
-    EXPECT_EQ(lines(), (Lines{1, 3, 4, 6, 8, 0, 0xFFFFFFFF}));
-    EXPECT_EQ(SdbgLineToRva(&map_, 6), 0x100CU) << "the index is that of the changed lines";
+    EXPECT_EQ(lines(), (Lines{1, 3, 4, 6, 9, 8, 0, 0xFFFFFFFF}));
+    EXPECT_EQ(SdbgLineToRva(&map_, 6), 0x100CU);
+    EXPECT_EQ(SdbgLineToRva(&map_, 8), 0x1010U) << "the index is that of the changed lines";
+    EXPECT_EQ(SdbgLineToRva(&map_, 9), 0x100EU);
     EXPECT_EQ(SdbgLineToRva(&map_, 7), 0U);
     const std::string file = "DBG SdbgNormalize: file=" + source.string();
     EXPECT_EQ(Logged(), (std::vector<std::string>{file + " rva=0x00001008 structuralLine=5 mappedLine=4",
                                                   file + " rva=0x0000100C structuralLine=7 mappedLine=6",
-                                                  file + " rva=0x00001010 structuralLine=9 mappedLine=8"}));
+                                                  file + " rva=0x00001010 structuralLine=10 mappedLine=8"}));
 
     std::uint32_t statements[4] = {};
     EXPECT_EQ(CollectPbmainSourceLines(source.c_str(), statements, 4), 4);
