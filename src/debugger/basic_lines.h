@@ -19,9 +19,9 @@ int CollectPbmainLines(std::string_view source, std::uint32_t* out, int capacity
 
 // A source read once for any number of questions.
 struct BasicLineIndex {
-    std::vector<bool> controlOnly;        // [line - 1]
-    std::vector<std::uint32_t> pbmain;    // statements of PBMAIN, ascending, at most kMaxPbmainLines
+    std::vector<bool> controlOnly;      // [line - 1]
+    std::vector<std::uint32_t> pbmain;  // statements of PBMAIN, ascending, at most kMaxPbmainLines
 };
 BasicLineIndex BuildBasicLineIndex(std::string_view source);
-bool IsControlOnly(const BasicLineIndex& index, std::int64_t line);               // false outside the source
+bool IsControlOnly(const BasicLineIndex& index, std::int64_t line);                // false outside the source
 std::uint32_t PreviousPbmainLine(const BasicLineIndex& index, std::int64_t line);  // last one below `line`, or 0

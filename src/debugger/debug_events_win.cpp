@@ -1,5 +1,6 @@
 // Waiting for the program's events and deciding which of them is a stop. UI thread only: the thread that started the
 // program is the only one that the system lets wait for it.
+#include "debugger/debug_inspect.h"
 #include "debugger/debug_process.h"
 #include "debugger/stop_rules.h"
 
@@ -31,6 +32,7 @@ int Stopped(DebuggerState* state, const DEBUG_EVENT& event) {
     state->stopThreadId = event.dwThreadId;
     state->exceptionCode = event.u.Exception.ExceptionRecord.ExceptionCode;
     state->runsToUserBreakpoint = 0;
+    if (state->pause == DebugPause::Wanted) state->pause = DebugPause::Overtaken;
     ++state->stopSerial;
     return kDebugStopped;
 }
@@ -102,7 +104,24 @@ bool IsLateHit(const DebuggerState& state, std::uint64_t address) {
            !(bytes[0] == 0xCD && bytes[1] == 0x03);
 }
 
+// The system pauses a program by a thread of its own that runs onto a trap; what the user asks about is the main thread.
+int OnPause(DebuggerState* state, const DEBUG_EVENT& event) {
+    const bool overtaken = state->pause == DebugPause::Overtaken;
+    state->pause = DebugPause::None;
+    if (overtaken) return GoOn(state);
+    const int result = Stopped(state, event);
+    state->stopThreadId = state->mainThreadId;
+    std::uint64_t address = 0;
+    if (!DebugPlaceInProgram(state, state->mainThreadId, &address)) DebugGetIp(*state, state->mainThreadId, &address);
+    SourcePlace place;
+    DebugLineAt(state, address, &place.fileId, &place.line);
+    SetPlace(state, address, place);
+    return result;
+}
+
 int OnOwnTrap(DebuggerState* state, const DEBUG_EVENT& event, std::uint64_t address) {
+    const bool inImage = address - state->map.imageBase < state->imageSize;
+    if (state->pause != DebugPause::None && !inImage) return OnPause(state, event);
     if (IsLateHit(*state, address)) {
         DebugSetIp(*state, event.dwThreadId, address, false);
         return GoOn(state);

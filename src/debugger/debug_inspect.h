@@ -33,3 +33,6 @@ struct DebugFrame {
 std::vector<DebugFrame> DebugFrames(const DebuggerState* state, std::uint32_t threadId);
 // File id and line of an address in the executable's image by its map; false for any other address.
 bool DebugLineAt(const DebuggerState* state, std::uint64_t address, std::uint32_t* fileId, std::uint32_t* line);
+// Where a thread is in the program's own code: at its instruction pointer, or, inside a call of the system, at the
+// nearest return address on its stack that belongs to a line. False: nowhere.
+bool DebugPlaceInProgram(const DebuggerState* state, std::uint32_t threadId, std::uint64_t* address);

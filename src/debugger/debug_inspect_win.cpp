@@ -96,6 +96,20 @@ bool ReadFrame(const DebuggerState* state, std::uint64_t at, std::size_t width, 
     return DebugReadMem(state, at, next, width) && DebugReadMem(state, at + width, address, width) && *address != 0;
 }
 
+// A call ends right before `address`: direct, or through a register or memory.
+bool IsBehindCall(const DebuggerState* state, std::uint64_t address) {
+    constexpr std::size_t kLongestCall = 7;
+    std::array<std::uint8_t, kLongestCall> bytes = {};
+    if (!DebugReadMem(state, address - kLongestCall, bytes.data(), bytes.size())) return false;
+    constexpr std::uint8_t kCallDirect = 0xE8, kCallIndirect = 0xFF, kOperation = 0x38, kCallOperation = 0x10;
+    if (bytes[kLongestCall - 5] == kCallDirect) return true;
+    for (const std::size_t length : {2, 3, 4, 6, 7}) {
+        const std::size_t at = kLongestCall - length;
+        if (bytes[at] == kCallIndirect && (bytes[at + 1] & kOperation) == kCallOperation) return true;
+    }
+    return false;
+}
+
 }  // namespace
 
 bool DebugGetContext(const DebuggerState* state, CONTEXT* context) {
@@ -215,4 +229,25 @@ std::vector<DebugFrame> DebugFrames(const DebuggerState* state, std::uint32_t th
         frame = caller;
     }
     return frames;
+}
+
+bool DebugPlaceInProgram(const DebuggerState* state, std::uint32_t threadId, std::uint64_t* address) {
+    constexpr std::size_t kStackBytes = 8192;
+    RegisterSet registers;
+    std::uint32_t fileId = 0;
+    std::uint32_t line = 0;
+    if (!DebugGetRegisters(state, threadId, &registers)) return false;
+    *address = registers.ip;
+    if (DebugLineAt(state, registers.ip, &fileId, &line)) return true;
+    std::vector<std::uint8_t> stack(kStackBytes);
+    stack.resize(DebugReadSome(state, registers.general[kSp], stack.data(), stack.size()));
+    const std::size_t width = registers.x64 ? sizeof(std::uint64_t) : sizeof(std::uint32_t);
+    for (std::size_t at = 0; at + width <= stack.size(); at += width) {
+        std::uint64_t value = 0;
+        std::memcpy(&value, stack.data() + at, width);
+        if (!DebugLineAt(state, value - 1, &fileId, &line) || !IsBehindCall(state, value)) continue;
+        *address = value;
+        return true;
+    }
+    return false;
 }

@@ -33,6 +33,10 @@ struct DebugThread {
 // What the program is doing.
 enum class DebugRun : std::uint8_t { None, Stopped, Running };
 
+// A pause that was asked for comes as a trap that is not the program's. When the program stops for another reason
+// first, the trap is still to come and means nothing any more.
+enum class DebugPause : std::uint8_t { None, Wanted, Overtaken };
+
 struct DebuggerState {
     SdbgMap map;  // `imageBase` is the real load address from process creation on
     HANDLE process = nullptr;
@@ -57,6 +61,7 @@ struct DebuggerState {
     std::uint64_t stopSerial = 0;     // counts stops, so that views know when they are out of date
     std::uint64_t faultAddress = 0;   // of the exception that was reported last, and how often in a row
     std::uint32_t faultCount = 0;
+    DebugPause pause = DebugPause::None;
     std::uint32_t runsToUserBreakpoint = 0;  // resumed by Continue: forgotten temporary breakpoints do not stop it
     HANDLE eventProcess = nullptr;           // the creation event's handle, given back at the end
     std::vector<DebugThread> threads;

@@ -86,6 +86,9 @@ bool DebugContinue(DebuggerState* state) {
 }
 
 bool DebugBreakIn(DebuggerState* state) {
-    return state != nullptr && state->active != 0 && state->run == DebugRun::Running &&
-           DebugBreakProcess(state->process) != 0;
+    if (state == nullptr || state->active == 0 || state->run != DebugRun::Running) return false;
+    state->pause = DebugPause::Wanted;
+    if (DebugBreakProcess(state->process)) return true;
+    state->pause = DebugPause::None;
+    return false;
 }

@@ -24,9 +24,9 @@ struct SdbgMap {
     std::int32_t lineCount = 0;
     SdbgFile* files = nullptr;  // empty for version-1 sections and ".pbd" maps
     std::int32_t fileCount = 0;
-    std::uint64_t imageBase = 0;  // preferred; the session puts the real load address here
-    std::uint32_t textRva = 0;    // of ".text"; 0x1000 when there is none
-    std::uint32_t textSize = 0;   // 0: lookups are not limited to a range
+    std::uint64_t imageBase = 0;        // preferred; the session puts the real load address here
+    std::uint32_t textRva = 0;          // of ".text"; 0x1000 when there is none
+    std::uint32_t textSize = 0;         // 0: lookups are not limited to a range
     std::uint32_t nativeTrapMap = 0;    // from a ".pbd": the program carries its own trap bytes
     std::uint32_t neutralizeTraps = 0;  // asks the session to overwrite those; every loader leaves it 0
     // Made by SdbgIndex; null: lookups by line scan.
