@@ -19,9 +19,9 @@ constexpr unsigned kShutdownWaitMs = 1000;
 
 struct AsmPane {
     OutputQueue queue;
-    AsmFeedPtr feed;        // null: nothing is being made
-    std::size_t lines = 0;  // shown
-    BlockSize block;
+    AsmFeedPtr feed;                   // null: nothing is being made
+    std::size_t lines = 0;             // shown
+    BlockSize block = {.lines = 100};  // the first block is painted with the whole pane
 };
 AsmPane g_asm;
 AsmRenderer g_renderer = nullptr;
