@@ -38,6 +38,7 @@ TEST(Breakpoints, MeetTheirMarkersAgain) {
         {"someone else's marker", {{7, 3}}, {{7, 3}, {9, 12}}, "3@7 | | 12@9"},
         {"lines joined: one stays", {{7, 3}, {8, 4}}, {{7, 3}, {8, 3}}, "3@7 0@-1 | 8 |"},
         {"a stranger first on a known line", {{7, 3}}, {{9, 3}, {7, 3}}, "3@7 | 9 |"},
+        {"a stranger where a known one stood", {{7, 3}}, {{9, 3}, {7, 5}}, "5@7 | | 3@9"},
         {"two strangers on one line", {}, {{4, 2}, {5, 2}}, "| 5 | 2@4"},
         {"of a closed file, by its line", {{-1, 3}, {-1, 9}}, {{4, 3}}, "3@4 0@-1 | |"},
     };
