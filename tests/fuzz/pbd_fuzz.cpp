@@ -70,7 +70,7 @@ std::vector<std::uint32_t> WantedTraps(std::string_view program, const TextSecti
 
 // Names, and addresses at the edges of their reach: three bytes say what and where.
 std::string Placed(std::string_view orders, std::uint32_t address) {
-    std::string side(16384, '\0');
+    std::string side(16400, '\0');
     std::size_t name = 0;
     for (; orders.size() >= 3; orders.remove_prefix(3)) {
         const auto what = static_cast<std::uint8_t>(orders[0]);
