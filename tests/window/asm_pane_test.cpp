@@ -56,6 +56,8 @@ TEST(AsmPane, ShowsTheListingThenItsColumnsThenTheProgramsCode) {
                    L"; --- Around line 8", L"; 8:     PRINT Twice(i)", L"call    Twice", L"; --- Section .text",
                    L"start:", L"call    PBMAIN", L"PBMAIN:"});
 
+    EXPECT_EQ(Assembly(editor).find(L"(The source was changed"), std::wstring::npos);
+
     // Without a listing its place is taken by the message, and the code is still there.
     BuildWith(editor, IDM_USE_KVXA64);
     DeleteFileW(folder.File(L"turns.asm").c_str());
@@ -70,6 +72,20 @@ TEST(AsmPane, ShowsTheListingThenItsColumnsThenTheProgramsCode) {
     EXPECT_EQ(editor.Close(), std::optional<DWORD>(0));
 }
 
+// A program whose lines are told by a side file and trap bytes.
+TEST(AsmPane, KnowsTheLinesOfAProgramWithTraps) {
+    if (!Variable(L"KVX_NO_WINE32").empty()) GTEST_SKIP() << "no 32-bit programs here";
+    const ProgramFolder folder(kCompilers);
+    const std::wstring source = folder.Write(L"turns.bas", kTurns);
+    Editor editor(folder, L" --open \"" + source + L"\"");
+    editor.Do(IDM_VIEW_ASM);
+    editor.Sci(2024, 6);  // SCI_GOTOLINE: line 7
+    BuildWith(editor, IDM_USE_KELDORBASIC);
+    ASSERT_TRUE(AwaitAssembly(editor, L"--- Section .text")) << Utf8(Assembly(editor));
+    ExpectInOrder(Assembly(editor), {L"=== Code of ", L"; --- Around line 7", L"; 7:   FOR i = 1 TO 3", L"int3",
+                                     L"; 8:     PRINT Twice(i)", L"int3"});
+}
+
 TEST(AsmPane, TakesWhateverTheProgramsFileHolds) {
     const ProgramFolder folder(kCompilers);
     const std::wstring source = folder.Write(L"turns.bas", kTurns);
@@ -81,6 +97,11 @@ TEST(AsmPane, TakesWhateverTheProgramsFileHolds) {
         editor.Do(IDM_VIEW_ASM);
         editor.Do(IDM_VIEW_ASM);
     };
+    WriteBytes(source, kTurns);
+    editor.Do(IDM_VIEW_ASM);
+    editor.Do(IDM_VIEW_ASM);
+    EXPECT_TRUE(
+        AwaitAssembly(editor, L"(The source was changed after the program was built: its lines may be others.)"));
     showAgain("rubbish");
     EXPECT_TRUE(AwaitAssembly(editor, L"(The file is no program.)")) << Utf8(Assembly(editor));
     showAgain("");
