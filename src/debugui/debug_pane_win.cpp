@@ -105,10 +105,13 @@ void Refresh() {
     content.reveal = -1;
     content.stale = view.ofStop && program.session && !program.stopped;
     if (view.ofStop && !program.session) {
-        content = {.rows = {}, .hint = kNoSession, .problem = {}, .reveal = -1, .stale = false};
-    } else if (content.stale) {
-        content.hint = content.rows.empty() && IsList() ? kRunning : L"";
-    } else {
+        content = {};
+        content.hint = kNoSession;
+    } else if (content.stale && content.processId != program.processId) {
+        content = {};
+        content.hint = kRunning;
+    } else if (!content.stale) {
+        content.processId = program.processId;
         content.rows.clear();
         content.hint.clear();
         content.problem.clear();
@@ -171,8 +174,10 @@ void Select(DebugTab tab) {
     SetWindowTextW(g_frame.address, g_frame.addresses[static_cast<std::size_t>(tab)].c_str());
     SendMessageW(g_frame.address, EM_SETCUEBANNER, FALSE, reinterpret_cast<LPARAM>(PaneCurrentView().addressCue));
     PaneListShowView(tab);
-    ShowContent();
-    DebugPaneInvalidate();
+    if (IsShown())
+        Refresh();  // not a moment with the rows of an earlier stop
+    else
+        ShowContent();
 }
 
 LRESULT OnNotify(const NMHDR& header) {
@@ -303,7 +308,14 @@ bool PaneHandleFocusKey(HWND from, WPARAM key) {
         FocusCurrentEditor();
         return true;
     }
-    if (key != VK_TAB || GetKeyState(VK_CONTROL) < 0) return false;
+    const bool control = GetKeyState(VK_CONTROL) < 0;
+    if (control && (key == VK_NEXT || key == VK_PRIOR)) {
+        const int step = key == VK_NEXT ? 1 : kDebugTabCount - 1;
+        Select(static_cast<DebugTab>((static_cast<int>(g_frame.selected) + step) % kDebugTabCount));
+        if (from != g_frame.tabs) PaneFocusView();
+        return true;
+    }
+    if (key != VK_TAB || control) return false;
     const std::array<HWND, 3> order = {g_frame.tabs, g_frame.address, ViewWindow()};
     const auto at = static_cast<std::size_t>(std::ranges::find(order, from) - order.begin());
     const std::size_t step = GetKeyState(VK_SHIFT) < 0 ? order.size() - 1 : 1;

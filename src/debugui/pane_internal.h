@@ -23,10 +23,11 @@ struct PaneColumn {
 
 struct PaneContent {
     std::vector<PaneRow> rows;
-    std::wstring hint;     // instead of rows, while there are none
-    std::wstring problem;  // beside the address box
-    int reveal = -1;       // row to select and bring into view, -1: selection and place stay
-    bool stale = false;    // the program runs: this is how it stood at the last stop
+    std::wstring hint;            // instead of rows, while there are none
+    std::wstring problem;         // beside the address box
+    int reveal = -1;              // row to select and bring into view, -1: selection and place stay
+    bool stale = false;           // the program runs: this is how it stood at the last stop
+    std::uint32_t processId = 0;  // of the program that it was read from
 };
 
 struct PaneView {
@@ -61,7 +62,8 @@ void PaneFillRect(HDC dc, const RECT& area, COLORREF colour);
 COLORREF PaneQuietColour();  // text of what is known but not in force
 const PaneView& PaneCurrentView();
 void PaneFocusView();
-// Tab and Shift+Tab inside the pane, Escape to the editor; true when the key was one of them.
+// Tab and Shift+Tab inside the pane, Ctrl+PageDown and Ctrl+PageUp to the next view, Escape to the editor; true when the
+// key was one of them.
 bool PaneHandleFocusKey(HWND from, WPARAM key);
 std::wstring PaneAddressText();  // what stands in the address box of the view that is shown, without blanks around it
 unsigned PaneRefreshCount();     // refreshes since the start, for tests
