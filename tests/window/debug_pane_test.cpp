@@ -45,7 +45,17 @@ struct Session {
     }
     bool Start() const {
         editor.Do(IDM_DEBUG_BUILD_START);
-        return WaitFor([&] { return editor.Status(0).starts_with(L"Stopped at twice.bas:"); }, 60000);
+        return WaitFor([&] { return editor.Status(0).starts_with(L"Stopped at twice.bas:"); }, 60000) && AwaitConsole();
+    }
+    // The program's own window comes up when it likes and takes the focus: what is typed comes after that.
+    bool AwaitConsole() const {
+        const auto shown = [] {
+            const HWND console = FindWindowW(L"WineConsoleClass", nullptr);
+            return console != nullptr && IsWindowVisible(console);
+        };
+        EXPECT_TRUE(WaitFor(shown)) << "no console";
+        editor.Foreground();
+        return true;
     }
     HWND List() const { return GetDlgItem(pane, IDC_DEBUG_LIST); }
     HWND Tabs() const { return GetDlgItem(pane, IDC_DEBUG_TABS); }
@@ -357,6 +367,32 @@ TEST(DebugPane, KeysAloneWorkIt) {
     EXPECT_TRUE(focus(session.Memory()));
     session.editor.Keys({VK_ESCAPE});
     EXPECT_TRUE(focus(session.editor.Sci()));
+}
+
+TEST(DebugPane, WhileTheProgramRunsTheLastStopStays) {
+    const Session session;
+    session.folder.Write(L"endless.bas",
+                         "FUNCTION PBMAIN () AS LONG\r\n    LOCAL i AS LONG\r\n    DO\r\n        SLEEP 1\r\n"
+                         "        i = i + 1\r\n    LOOP UNTIL i < 0\r\nEND FUNCTION\r\n");
+    session.editor.Post(IDM_FILE_OPEN);
+    session.editor.AnswerFileDialog(session.folder.File(L"endless.bas"));
+    ASSERT_TRUE(WaitFor([&] { return session.editor.Tabs() == 2; }));
+    session.editor.Do(IDM_USE_KVXA64);
+    session.editor.Do(IDM_DEBUG_BUILD_START);
+    ASSERT_TRUE(WaitFor([&] { return session.editor.Status(0).starts_with(L"Stopped at endless.bas:"); }, 60000));
+    session.Select(kRegisters);
+    ASSERT_TRUE(session.Await(L"|endless.bas:1|"));
+    const std::wstring stopped = session.All();
+    session.editor.Do(IDM_DEBUG_CONTINUE);
+    ASSERT_TRUE(WaitFor([&] { return session.editor.Status(0) == L"Running"; })) << Utf8(session.editor.Status(0));
+    EXPECT_EQ(session.All(), stopped);
+    session.Key(session.List(), VK_F2);
+    EXPECT_EQ(session.Field(), nullptr) << "a running program's registers are not for editing";
+    session.Select(kThreads);
+    EXPECT_TRUE(WaitFor([&] { return session.editor.TextOf(session.pane) == L"Running..."; }))
+        << Utf8(session.editor.TextOf(session.pane)) << Utf8(session.All());
+    session.editor.Do(IDM_DEBUG_PAUSE);
+    EXPECT_TRUE(session.Await(L"|Main")) << "the view that is shown reads at the stop";
 }
 
 }  // namespace
