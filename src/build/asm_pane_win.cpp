@@ -59,6 +59,11 @@ void AppendInPlace(const std::vector<PaneLine>& block) {
     HWND pane = g_app.hAsmPane;
     const LRESULT before = SendMessageW(pane, EM_GETFIRSTVISIBLELINE, 0, 0);
     RichLinesAppend(pane, block);
+    if (before == 0) {
+        POINT top = {};  // by pixels: by lines it would come to rest within the first one
+        SendMessageW(pane, EM_SETSCROLLPOS, 0, reinterpret_cast<LPARAM>(&top));
+        return;
+    }
     const LRESULT after = SendMessageW(pane, EM_GETFIRSTVISIBLELINE, 0, 0);
     if (after != before) SendMessageW(pane, EM_LINESCROLL, 0, before - after);
 }
@@ -99,13 +104,12 @@ void AsmPaneShowNext() {
     while (block.size() < g_asm.block.lines && OutputQueueNext(g_asm.queue, &line, &chunksDone))
         block.push_back({.text = std::move(line.text), .lineBreak = line.lineBreak});
     if (block.empty()) return;
-    const bool first = g_asm.lines == 0;
     g_asm.lines += block.size();
     const double started = ClockMs();
     AppendInPlace(block);
     BlockSizeLearn(g_asm.block, block.size(), ClockMs() - started);
-    if (first) SendMessageW(g_app.hAsmPane, WM_VSCROLL, SB_TOP, 0);  // a listing is read from its top
-    InvalidateRect(g_app.hAsmPane, nullptr, TRUE);
+    // With its frame: a scroll bar that came up while nothing was painted is not there yet.
+    RedrawWindow(g_app.hAsmPane, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME);
 }
 
 bool AsmPaneIsEmpty() { return g_asm.queue.chunks.empty() && g_asm.feed == nullptr; }
