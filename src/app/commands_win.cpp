@@ -113,20 +113,23 @@ std::vector<std::string_view> SplitLines(std::string_view text) {
     return lines;
 }
 
-// Line by line, and only those that differ: what is marked on a line stays on it, also when this is undone.
+std::string_view WithoutBreak(std::string_view line) { return line.substr(0, line.find_last_not_of("\r\n") + 1); }
+
+// Line by line, only those that differ, and not their breaks: what is marked on a line stays on it, also when this is
+// undone. A line that loses its break for a moment gives its marks to the next one.
 void ReplaceLines(HWND editor, LRESULT start, std::string_view before, std::string_view after) {
-    std::vector<std::string_view> old = SplitLines(before);
-    std::vector<std::string_view> wanted = SplitLines(after);
+    const auto replace = [&](std::string_view old, std::string_view wanted) {
+        SciSend(editor, SCI_SETTARGETRANGE, static_cast<WPARAM>(start), start + static_cast<LRESULT>(old.size()));
+        SciSend(editor, SCI_REPLACETARGET, wanted.size(), reinterpret_cast<LPARAM>(wanted.data()));
+    };
+    const std::vector<std::string_view> old = SplitLines(before);
+    const std::vector<std::string_view> wanted = SplitLines(after);
     if (old.size() != wanted.size()) {
-        old.assign(1, before);
-        wanted.assign(1, after);
+        replace(before, after);
+        return;
     }
     for (std::size_t i = 0; i < old.size(); ++i) {
-        if (old[i] != wanted[i]) {
-            SciSend(editor, SCI_SETTARGETRANGE, static_cast<WPARAM>(start),
-                    start + static_cast<LRESULT>(old[i].size()));
-            SciSend(editor, SCI_REPLACETARGET, wanted[i].size(), reinterpret_cast<LPARAM>(wanted[i].data()));
-        }
+        if (old[i] != wanted[i]) replace(WithoutBreak(old[i]), WithoutBreak(wanted[i]));
         start += static_cast<LRESULT>(wanted[i].size());
     }
 }

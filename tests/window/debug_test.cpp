@@ -49,9 +49,10 @@ bool AwaitStatus(const Editor& editor, const std::wstring& text, int millisecond
 }
 
 // The program stands at the line, and the window says so everywhere.
-void ExpectStopAt(const Editor& editor, int line) {
+void ExpectStopAt(const Editor& editor, int line, const std::wstring& file = L"steps.bas") {
     SCOPED_TRACE("line " + std::to_string(line));
-    ASSERT_TRUE(AwaitStatus(editor, L"Stopped at steps.bas:" + std::to_wstring(line), kBuildDeadline));
+    ASSERT_TRUE(AwaitStatus(editor, L"Stopped at " + file + L":" + std::to_wstring(line), kBuildDeadline));
+    EXPECT_EQ(editor.TabLabel(editor.ActiveTab()), file);
     EXPECT_EQ(LineMarked(editor, kMarkCurrent), line);
     EXPECT_EQ(LineMarked(editor, kMarkCurrentLine), line);
     EXPECT_EQ(editor.Line(), line);
@@ -145,6 +146,43 @@ TEST(Debug, StepsThroughASample) {
     EXPECT_EQ(editor.Close(), 0u);
 }
 
+// The stop is shown in the user's file, also where the compiler saw a copy of it.
+TEST(Debug, EachCompilersProgramStopsInItsSource) {
+    const DebugFolder folder;
+    struct Case {
+        const wchar_t* file;
+        int compiler, firstLine;
+        bool wine32;
+    };
+    const Case cases[] = {{L"a.kxa", IDM_USE_KVXA64, 9, false},
+                          {L"b.kxb", IDM_USE_KVXB64, 9, false},
+                          {L"c.ka32", IDM_USE_KVXA32, 9, true},
+                          {L"d.bas", IDM_USE_KELDORBASIC, 10, true},
+                          {L"e.bas", IDM_USE_KVXC64, 9, false}};
+    std::wstring arguments;
+    for (const Case& c : cases) arguments += L" --open \"" + folder.Write(c.file, Sample()) + L"\"";
+    Editor editor(folder, arguments);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(Utf8(c.file));
+        editor.Do(IDM_NEXT_TAB);  // from the last tab to the first, and on
+        if (c.wine32 && !Variable(L"KVX_NO_WINE32").empty()) continue;
+        editor.Do(c.compiler);
+        ToggleBreakpoint(editor, 13);
+        editor.Do(IDM_DEBUG_START);
+        ExpectStopAt(editor, c.firstLine, c.file);
+        editor.Do(IDM_DEBUG_CONTINUE);
+        ExpectStopAt(editor, 13, c.file);
+        EXPECT_FALSE(Marked(editor, 13, kMarkHollow));
+        editor.Do(IDM_DEBUG_STEP_OVER);
+        ExpectStopAt(editor, 14, c.file);
+        editor.Do(IDM_DEBUG_REMOVE_BREAKPOINTS);
+        editor.Do(IDM_DEBUG_CONTINUE);
+        EXPECT_TRUE(AwaitStatus(editor, L"Exited with code 3"));
+    }
+    EXPECT_EQ(editor.Tabs(), 5) << "no copy was opened";
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
 TEST(Debug, FollowsARunningProgramAndEndsIt) {
     const DebugFolder folder(kEndless);
     Editor editor(folder, folder.Arguments());
@@ -163,7 +201,8 @@ TEST(Debug, FollowsARunningProgramAndEndsIt) {
     ToggleBreakpoint(editor, 4);  // planted while it runs; the stop comes by itself
     ExpectStopAt(editor, 4);
     ToggleBreakpoint(editor, 4);
-    editor.Do(IDM_DEBUG_CONTINUE);
+    editor.Foreground();
+    editor.Keys({VK_CONTROL, VK_F5});
     ASSERT_TRUE(AwaitStatus(editor, L"Running"));
     editor.Do(IDM_DEBUG_PAUSE);
     EXPECT_TRUE(editor.AwaitOutput(L" (paused)\n")) << editor.Describe();
@@ -192,8 +231,13 @@ TEST(Debug, BreakpointsStayWithTheirLines) {
     editor.Sci(SCI_GOTOPOS, 0);
     editor.Type("' one more line\r\n");
     EXPECT_EQ(LineMarked(editor, kMarkBreakpoint), 14);
+    editor.Sci(SCI_SETLINEINDENTATION, 13, 1);
     editor.Do(IDM_EDIT_FORMAT_DOCUMENT);
+    EXPECT_EQ(editor.Sci(SCI_GETLINEINDENTATION, 13), 8);
     EXPECT_EQ(LineMarked(editor, kMarkBreakpoint), 14) << "after formatting";
+    editor.Do(IDM_EDIT_UNDO);
+    EXPECT_EQ(editor.Sci(SCI_GETLINEINDENTATION, 13), 1);
+    EXPECT_EQ(LineMarked(editor, kMarkBreakpoint), 14) << "after undoing that";
     editor.Do(IDM_FILE_SAVE);
     editor.Do(IDM_FILE_RELOAD);
     EXPECT_EQ(LineMarked(editor, kMarkBreakpoint), 14) << "after reloading";
