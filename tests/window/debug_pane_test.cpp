@@ -102,6 +102,17 @@ struct Session {
     int PaneListRow() const {
         return static_cast<int>(editor.Send(List(), LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
     }
+    POINT Place(int row, int column) const {  // a little right of a cell's left edge
+        const RemoteBlock block(editor.process, sizeof(RECT));
+        RECT bounds = {LVIR_BOUNDS, 0, 0, 0};
+        block.Put(&bounds, sizeof(bounds));
+        editor.Send(List(), LVM_GETITEMRECT, static_cast<WPARAM>(row), block.At());
+        block.Get(&bounds, sizeof(bounds));
+        LONG left = bounds.left + 12;
+        for (int i = 0; i < column; ++i)
+            left += static_cast<LONG>(editor.Send(List(), LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(i)));
+        return {left, (bounds.top + bounds.bottom) / 2};
+    }
     int Checked(int row) const {  // 1: no, 2: yes
         return static_cast<int>(editor.Send(List(), LVM_GETITEMSTATE, static_cast<WPARAM>(row), LVIS_STATEIMAGEMASK) >>
                                 12);
@@ -342,6 +353,27 @@ TEST(DebugPane, BreakpointsAreWorkedFromTheirList) {
     EXPECT_TRUE(WaitFor([&] { return session.Rows() == 2 && session.Cell(0, 0) == L"twice.bas:4"; }))
         << Utf8(session.All());
     EXPECT_EQ(session.editor.Sci(2046, 1) & (1 << 2), 0) << "its marker is gone";  // SCI_MARKERGET of line 2
+}
+
+TEST(DebugPane, TheMouseWorksABreakpoint) {
+    const Session session;
+    for (const int line : {4, 9}) {
+        session.editor.Sci(2024, static_cast<WPARAM>(line - 1));
+        session.editor.Do(IDM_DEBUG_BREAKPOINT);
+    }
+    session.Select(kBreakpoints);
+    ASSERT_TRUE(WaitFor([&] { return session.Rows() == 2; })) << Utf8(session.All());
+    session.editor.Foreground();
+    session.editor.Click(session.List(), session.Place(1, 0));
+    EXPECT_TRUE(WaitFor([&] { return session.Checked(1) == 1; })) << "a click on its box switches it off";
+    EXPECT_EQ(session.Checked(0), 2);
+    session.editor.Click(session.List(), session.Place(1, 1));
+    session.Enter(L"2>1");
+    EXPECT_TRUE(WaitFor([&] { return session.Cell(1, 1) == L"2>1"; })) << Utf8(session.All());
+    const POINT place = session.Place(0, 0);
+    session.editor.Click(session.List(), {place.x + 30, place.y}, MOUSEEVENTF_LEFTDOWN, 2);
+    EXPECT_TRUE(WaitFor([&] { return session.editor.Line() == 4; })) << session.editor.Line();
+    EXPECT_EQ(session.Checked(0), 2) << "a double-click on its name is no click on its box";
 }
 
 TEST(DebugPane, KeysAloneWorkIt) {
