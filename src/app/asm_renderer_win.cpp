@@ -117,8 +117,11 @@ bool IsOlder(const std::wstring& a, const std::wstring& b) {
            CompareFileTime(&first.ftLastWriteTime, &second.ftLastWriteTime) < 0;
 }
 
-void PutListing(AsmFeed& feed, const std::string& text) {
+void PutListing(AsmFeed& feed, const AsmRequest& request, const std::string& text) {
     AsmFeedBeginPart(feed, "\r\n=== Listing in columns ===\r\n");
+    // Not every compiler writes one: it may be left from another.
+    if (IsOlder(request.listing, request.source))
+        AsmFeedPut(feed, "(The source was changed after this listing was written.)\r\n");
     DisasmListing listing = {.rest = text};
     std::string piece;
     for (bool more = true; more;) {
@@ -154,7 +157,7 @@ void PutProgram(AsmFeed& feed, const AsmRequest& request) {
 }
 
 void Render(AsmFeed& feed, const AsmRequest& request, const std::string* listing) {
-    if (listing != nullptr) PutListing(feed, *listing);
+    if (listing != nullptr) PutListing(feed, request, *listing);
     PutProgram(feed, request);
 }
 

@@ -86,7 +86,7 @@ void ReadImportsOf(PeImage& image, const std::string& library, std::uint32_t nam
         std::string name =
             byNumber ? "#" + std::to_string(entry & 0xFFFF) : TextAt(image, static_cast<std::uint32_t>(entry) + 2);
         if (name.empty()) name = "?";
-        image.imports.try_emplace(slots + i * width, library + "!" + name);
+        image.imports.try_emplace(slots + i * width, name.insert(0, library + "!"));
     }
 }
 
