@@ -19,7 +19,7 @@ int Plant(DebuggerState* state, std::uint64_t address, int line, bool temporary)
     if (!Active(state)) return -1;
     if (const int index = DebugFindBp(state, address); index >= 0) {
         DebugBreakpoint& found = Entry(state, index);
-        if (address != state->currentAddress) DebugArm(state, &found);
+        if (!DebugStandsOn(*state, address)) DebugArm(state, &found);
         if (!temporary) found.temporary = 0;
         return index;
     }

@@ -113,8 +113,13 @@ int OnPause(DebuggerState* state, const DEBUG_EVENT& event) {
     state->stopThreadId = state->mainThreadId;
     std::uint64_t address = 0;
     if (!DebugPlaceInProgram(state, state->mainThreadId, &address)) DebugGetIp(*state, state->mainThreadId, &address);
+    // Behind a call the next line may begin already; it is the call that still runs, and the statement that holds it is
+    // where steps begin.
+    std::uint32_t rva = 0;
+    const bool inCall = !DebugStandsOn(*state, address) && RvaOf(address - 1, state->map.imageBase, &rva);
     SourcePlace place;
-    DebugLineAt(state, address, &place.fileId, &place.line);
+    if (DebugLineAt(state, inCall ? address - 1 : address, &place.fileId, &place.line) && inCall)
+        address = state->map.imageBase + state->map.lines[SdbgFindRecord(&state->map, rva)].rva;
     SetPlace(state, address, place);
     return result;
 }

@@ -18,6 +18,9 @@ HANDLE DebugThreadHandle(const DebuggerState& state, std::uint32_t threadId);
 // Sets the instruction pointer, and with `trapOnce` the trap flag: a single-step event follows the next instruction.
 bool DebugSetIp(const DebuggerState& state, std::uint32_t threadId, std::uint64_t address, bool trapOnce);
 bool DebugGetIp(const DebuggerState& state, std::uint32_t threadId, std::uint64_t* address);
+// The stopped thread's next instruction is the one at `address`. After a pause in a call of the system it is not the one
+// at `currentAddress`.
+bool DebugStandsOn(const DebuggerState& state, std::uint64_t address);
 
 // Writes the trap byte of an entry that is not armed.
 bool DebugArm(DebuggerState* state, DebugBreakpoint* breakpoint);

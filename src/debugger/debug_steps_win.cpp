@@ -17,7 +17,7 @@ bool Ready(const DebuggerState* state) {
 
 // The instruction under a breakpoint must run as it was.
 bool GoOn(DebuggerState* state) {
-    DebugRestoreBp(state, state->currentAddress);
+    if (DebugStandsOn(*state, state->currentAddress)) DebugRestoreBp(state, state->currentAddress);
     return DebugResume(state);
 }
 

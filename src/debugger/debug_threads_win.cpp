@@ -76,6 +76,11 @@ bool DebugGetIp(const DebuggerState& state, std::uint32_t threadId, std::uint64_
     return true;
 }
 
+bool DebugStandsOn(const DebuggerState& state, std::uint64_t address) {
+    std::uint64_t ip = 0;
+    return state.run == DebugRun::Stopped && DebugGetIp(state, state.stopThreadId, &ip) && ip == address;
+}
+
 bool DebugSetIp(const DebuggerState& state, std::uint32_t threadId, std::uint64_t address, bool trapOnce) {
     HANDLE thread = DebugThreadHandle(state, threadId);
     bool done = false;

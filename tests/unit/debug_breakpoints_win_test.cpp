@@ -97,6 +97,7 @@ TEST_P(DebugBreakpoints, The65thIsRefused) {
     EXPECT_EQ(state.breakpointCount, 64);
     const int byte = RawByte(AddressOf(66));
     EXPECT_FALSE(DebugSetBreakpoint(&state, 66));
+    EXPECT_FALSE(DebugSetBreakpointIn(&state, 1, 66));
     EXPECT_FALSE(DebugSetTempBp(&state, AddressOf(66), 66));
     EXPECT_FALSE(DebugSetBreakpoint(&state, 2)) << "what the start does, after it";
     EXPECT_FALSE(DebugSetConditionalBreakpoint(&state, 66, "1==1"));

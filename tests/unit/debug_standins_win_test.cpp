@@ -43,7 +43,7 @@ protected:
         PROCESS_INFORMATION info = {};
         ASSERT_TRUE(CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr,
                                    folder_.path.c_str(), &startup, &info))
-            << compiler;
+            << compiler << " error " << GetLastError();
         const UniqueHandle process{info.hProcess}, thread{info.hThread};
         ASSERT_EQ(WaitForSingleObject(process.Get(), 30000), WAIT_OBJECT_0);
         DWORD code = 1;
