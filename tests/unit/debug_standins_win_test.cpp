@@ -28,6 +28,7 @@ void PrintTo(const Compiler& compiler, std::ostream* out) { *out << compiler.nam
 class DebugStandins : public DebugTest, public testing::WithParamInterface<Compiler> {
 protected:
     int Bits() const override { return GetParam().bits; }
+    bool Built() const override { return true; }
 
     // samples/steps.bas, compiled in this test's folder.
     void SetUp() override {
