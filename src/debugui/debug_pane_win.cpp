@@ -61,7 +61,7 @@ RECT AddressArea() {
 // As high as a line of text: the field shows its text at the top.
 RECT AddressBox() {
     const RECT area = AddressArea();
-    const int height = g_frame.fonts.fixedHeight + PaneScaled(6);
+    const int height = g_frame.fonts.fixedHeight + PaneScaled(3);
     const int top = (area.top + area.bottom - height) / 2;
     const int left = PaneScaled(8) + 9 * g_frame.fonts.textWidth;
     return {left, top, std::min<LONG>(area.right - PaneScaled(4), left + 26 * g_frame.fonts.fixedWidth), top + height};
