@@ -76,10 +76,12 @@ PeSection ReadSection(Bytes file, std::uint64_t header) {
     return section;
 }
 
-void ReadImportsOf(PeImage& image, const std::string& library, std::uint32_t names, std::uint32_t slots) {
+// `room` counts down over all libraries: their tables may be one and the same.
+void ReadImportsOf(PeImage& image, const std::string& library, std::uint32_t names, std::uint32_t slots,
+                   std::size_t& room) {
     const std::uint32_t width = image.x64 ? 8 : 4;
     const Bytes table = PeBytesAt(image, names);
-    for (std::uint32_t i = 0; image.imports.size() < kMaxNames; ++i) {
+    for (std::uint32_t i = 0; room > 0; ++i, --room) {
         const std::uint64_t entry = Number(table, std::uint64_t{i} * width, width);
         if (entry == 0) return;
         const bool byNumber = (entry >> (width * 8 - 1)) != 0;
@@ -93,6 +95,7 @@ void ReadImportsOf(PeImage& image, const std::string& library, std::uint32_t nam
 void ReadImports(PeImage& image) {
     const Directory directory = DirectoryOf(image, kDirectoryImports);
     const Bytes table = directory.rva == 0 ? Bytes{} : PeBytesAt(image, directory.rva);
+    std::size_t room = kMaxNames;
     for (std::size_t i = 0; i < kMaxLibraries; ++i) {
         const std::uint64_t at = i * 20;
         const std::uint32_t nameRva = U32(table, at + 12);
@@ -103,7 +106,7 @@ void ReadImports(PeImage& image) {
                        [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; });
         if (library.ends_with(".dll")) library.resize(library.size() - 4);
         const std::uint32_t names = U32(table, at);
-        ReadImportsOf(image, library, names != 0 ? names : slots, slots);
+        ReadImportsOf(image, library, names != 0 ? names : slots, slots, room);
     }
 }
 
