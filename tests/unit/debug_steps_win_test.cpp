@@ -87,6 +87,22 @@ TEST_P(DebugSteps, ARunningProgramCannotBeStepped) {
     EXPECT_EQ(Wait(50), kDebugTimeout);
     EXPECT_FALSE(DebugStepOver(&state) || DebugStepInto(&state) || DebugStepOut(&state) || DebugContinue(&state));
     EXPECT_FALSE(DebugRunToLine(&state, 4));
+    EXPECT_EQ(state.breakpointCount, 1) << "and nothing is left in it";
+}
+
+// Whoever armed it: a step does not stop where it begins.
+TEST_P(DebugSteps, TheStatementUnderABreakpointRuns) {
+    ASSERT_TRUE(Start("straight"));
+    DebugRearmBreakpoints(&state);
+    EXPECT_EQ(RawByte(AddressOf(2)), 0xCC);
+    EXPECT_EQ(Step(), 3);
+    ASSERT_TRUE(DebugSetBreakpoint(&state, 3));
+    DebugRearmBreakpoints(&state);
+    EXPECT_EQ(RunTo(6), 6);
+    DebugRearmBreakpoints(&state);
+    ASSERT_TRUE(DebugContinue(&state));
+    EXPECT_EQ(Wait(), kDebugExited);
+    EXPECT_EQ(state.exitCode, 42u);
 }
 
 TEST_P(DebugSteps, TwoHundredStatements) {
