@@ -109,8 +109,12 @@ private:
     void AwaitBreakpoint() {
         for (;; Continue()) {
             if (!WaitForDebugEvent(&event_, kEventLimitMs)) Die("no event");
-            if (event_.dwDebugEventCode == CREATE_PROCESS_DEBUG_EVENT)
+            if (event_.dwDebugEventCode == CREATE_PROCESS_DEBUG_EVENT) {
                 base_ = reinterpret_cast<std::uint64_t>(event_.u.CreateProcessInfo.lpBaseOfImage);
+                CloseHandle(
+                    event_.u.CreateProcessInfo.hFile);  // held, it would keep the program from being built again
+            }
+            if (event_.dwDebugEventCode == LOAD_DLL_DEBUG_EVENT) CloseHandle(event_.u.LoadDll.hFile);
             if (event_.dwDebugEventCode == EXIT_PROCESS_DEBUG_EVENT) Die("the debuggee has ended");
             if (event_.dwDebugEventCode == EXCEPTION_DEBUG_EVENT) return;
         }
