@@ -20,6 +20,7 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
 #include <string>
 
 namespace {
@@ -174,19 +175,24 @@ bool IsConsole(HWND window) {
     return wcscmp(name, L"ConsoleWindowClass") == 0 || wcscmp(name, L"WineConsoleClass") == 0;
 }
 
-// The console of a program comes a moment after it has started, when its first line is reached and shown already.
+// The console of a program comes a moment after it has started, when its first line is reached and shown already. It
+// takes the foreground first and the place above all windows a little later.
 void WatchForConsole(bool begin) {
     constexpr UINT kInterval = 50;
     constexpr int kLooks = 40;
-    if (begin) g_consoleLooks = kLooks;
-    const bool came = g_consoleLooks > 0 && IsConsole(GetForegroundWindow());
-    if (came) SetForegroundWindow(g_app.hMainWnd);
-    if (came || --g_consoleLooks <= 0) {
-        g_consoleLooks = 0;
-        KillTimer(g_app.hMainWnd, TIMER_DEBUG);
-    } else if (begin) {
+    constexpr int kLooksAfter = 6;
+    if (begin) {
+        g_consoleLooks = kLooks;
         SetTimer(g_app.hMainWnd, TIMER_DEBUG, kInterval, nullptr);
     }
+    const bool came = IsConsole(GetForegroundWindow());
+    if (came) g_consoleLooks = std::min(g_consoleLooks, kLooksAfter);
+    if (came) SetForegroundWindow(g_app.hMainWnd);
+    if (g_consoleLooks <= kLooksAfter && GetForegroundWindow() == g_app.hMainWnd)
+        SetWindowPos(g_app.hMainWnd, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+    if (--g_consoleLooks > 0) return;
+    g_consoleLooks = 0;
+    KillTimer(g_app.hMainWnd, TIMER_DEBUG);
 }
 
 void OnStopped() {
