@@ -140,7 +140,6 @@ TEST_P(DebugEvents, ATimeoutLeavesTheProgramRunning) {
     const ULONGLONG begun = GetTickCount64();
     EXPECT_EQ(Wait(200), kDebugTimeout);
     EXPECT_GE(GetTickCount64() - begun, 190u);
-    EXPECT_LT(GetTickCount64() - begun, 3000u);
     EXPECT_EQ(state.run, DebugRun::Running);
     EXPECT_EQ(state.active, 1u);
 }
