@@ -338,3 +338,23 @@ TEST(Debug, AFloodOfEventsLeavesTheWindowFree) {
     editor.Do(IDM_EDIT_UNDO);  // so that closing asks nothing
     EXPECT_EQ(editor.Close(), 0u);
 }
+
+TEST(Debug, ThePaneIsAsWideAsItsBarSays) {
+    const DebugFolder folder;
+    Editor editor(folder, folder.Arguments());
+    editor.Do(IDM_VIEW_DEBUG_PANE);
+    const HWND pane = editor.Child(IDC_DEBUG_PANE);
+    ASSERT_TRUE(IsWindowVisible(pane));
+    const auto width = [&] {
+        RECT rect{};
+        GetWindowRect(pane, &rect);
+        return static_cast<int>(rect.right - rect.left);
+    };
+    const int before = width();
+    editor.Foreground();
+    editor.Drag(editor.Child(IDC_SPLIT_DEBUG), {1, 40}, {-99, 40});
+    EXPECT_TRUE(WaitFor([&] { return width() == before + 100; })) << before << " -> " << width();
+    editor.Do(IDM_VIEW_OUTPUT);  // hidden: the pane has the place alone
+    EXPECT_FALSE(IsWindowVisible(editor.Child(IDC_SPLIT_DEBUG)));
+    EXPECT_EQ(editor.Close(), 0u);
+}
