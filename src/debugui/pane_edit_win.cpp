@@ -20,6 +20,7 @@ constexpr UINT_PTR kSubclassId = 1;
 struct EditState {
     HWND edit = nullptr;
     PaneCommit commit;
+    std::wstring shown;    // what it began with; unchanged it is not taken: a rounded number would be written back
     bool refused = false;  // what stands in it cannot be taken
 };
 EditState g_edit;
@@ -32,9 +33,14 @@ std::wstring TextOf(HWND window) {
     return text;
 }
 
+std::wstring Offer() {
+    const std::wstring text = TextOf(g_edit.edit);
+    return text == g_edit.shown ? std::wstring{} : g_edit.commit(text);
+}
+
 // Takes the text when it is good. What is not stays in the field with its reason in the status bar.
 bool Commit() {
-    const std::wstring problem = g_edit.commit(TextOf(g_edit.edit));
+    const std::wstring problem = Offer();
     if (g_edit.edit == nullptr) return true;  // the commit has closed it
     if (problem.empty()) {
         PaneEditCancel();
@@ -63,7 +69,7 @@ bool OnKey(WPARAM key) {
 // Another window was chosen: a good text is taken, a refused one dropped.
 void OnFocusLost() {
     if (g_edit.edit == nullptr) return;
-    if (!g_edit.refused) g_edit.commit(TextOf(g_edit.edit));
+    if (!g_edit.refused) Offer();
     PaneEditCancel();
 }
 
@@ -106,7 +112,7 @@ void PaneEditBegin(int row, int column, const std::wstring& text, bool append, P
         AppLogMsg(L"FAIL: PaneEditBegin error=%lu", GetLastError());
         return;
     }
-    g_edit = {edit, std::move(commit), false};
+    g_edit = {edit, std::move(commit), append ? std::wstring{} : text, false};
     SendMessageW(edit, WM_SETFONT, reinterpret_cast<WPARAM>(PaneFontsNow().fixed), FALSE);
     SetWindowSubclass(edit, EditProc, kSubclassId, 0);
     SendMessageW(edit, EM_SETSEL, append ? text.size() : 0, append ? static_cast<LPARAM>(text.size()) : -1);

@@ -86,7 +86,8 @@ RECT PaneListCell(int row, int column);  // client coordinates
 // --- Editing in place (pane_edit_win.cpp)
 // Returns why the text cannot be taken, or an empty text when it has been.
 using PaneCommit = std::function<std::wstring(const std::wstring& text)>;
-// An edit field over a cell; Enter takes its text, Escape drops it. `append`: caret at the end instead of all selected.
+// An edit field over a cell; Enter takes its text unless it is the one that was there, Escape drops it. `append`: the text
+// is the user's first character, and the caret goes behind it.
 void PaneEditBegin(int row, int column, const std::wstring& text, bool append, PaneCommit commit);
 void PaneEditCancel();
 bool PaneEditColours(HDC dc);  // for WM_CTLCOLOREDIT of its parent

@@ -72,7 +72,7 @@ void Fill(PaneContent& content) {
 }  // namespace
 
 void MemoryRead() {
-    g_memory.digits = AddressDigits(g_memory.x64, g_memory.top + VisibleBytes());
+    g_memory.digits = AddressDigits(g_memory.x64, std::max(g_memory.top, g_memory.top + VisibleBytes()));
     g_memory.bytes = ReadBytes(g_memory.top, VisibleBytes());
 }
 

@@ -113,6 +113,15 @@ struct Session {
             left += static_cast<LONG>(editor.Send(List(), LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(i)));
         return {left, (bounds.top + bounds.bottom) / 2};
     }
+    // From the menu of a watch's kind: by its place in there, from 0.
+    void ChooseKind(int row, int kind) const {
+        editor.Foreground();
+        editor.Click(List(), Place(row, 1), MOUSEEVENTF_LEFTDOWN, 2);
+        EXPECT_TRUE(WaitFor([] { return FindWindowW(L"#32768", nullptr) != nullptr; })) << "no menu";
+        for (int i = 0; i <= kind; ++i) editor.Keys({VK_DOWN});
+        editor.Keys({VK_RETURN});
+        EXPECT_TRUE(WaitFor([] { return FindWindowW(L"#32768", nullptr) == nullptr; })) << "the menu stays";
+    }
     int Checked(int row) const {  // 1: no, 2: yes
         return static_cast<int>(editor.Send(List(), LVM_GETITEMSTATE, static_cast<WPARAM>(row), LVIS_STATEIMAGEMASK) >>
                                 12);
@@ -273,6 +282,19 @@ TEST(DebugPane, WatchesShowAndWriteMemory) {
         << Utf8(session.editor.Status(0));
     session.Enter(L"-7");
     EXPECT_TRUE(WaitFor([&] { return session.Cell(total, 2) == L"-7 (0xFFFFFFF9)"; })) << Utf8(session.All());
+    // A number that is shown rounded stays what it is when its field is left as it was.
+    session.SelectRow(4);
+    session.ChooseKind(4, 1);
+    EXPECT_TRUE(WaitFor([&] { return session.Cell(4, 1) == L"QUAD"; })) << Utf8(session.All());
+    session.Key(session.List(), VK_RETURN);
+    session.Enter(L"0x3FF0000000000001");
+    session.ChooseKind(4, 3);
+    EXPECT_TRUE(WaitFor([&] { return session.Cell(4, 2) == L"1"; })) << Utf8(session.All());
+    session.Key(session.List(), VK_RETURN);
+    session.Enter(L"1");
+    session.ChooseKind(4, 1);
+    EXPECT_TRUE(WaitFor([&] { return session.Cell(4, 2).ends_with(L"(0x3FF0000000000001)"); })) << Utf8(session.All());
+
     session.SelectRow(6);
     session.Key(session.List(), VK_DELETE);
     EXPECT_TRUE(WaitFor([&] { return session.Rows() == 7; }));
