@@ -185,8 +185,8 @@ TEST(Memory, TypingOverABytesHalves) {
     EXPECT_FALSE(MemoryTyped(0x12, {0, true, false}, 0x20AC));
 }
 
-// push rbp; mov rbp,rsp; sub rsp,20h; mov eax,[rbp-8]; leave; ret
-constexpr std::uint8_t kCode[] = {0x55, 0x48, 0x89, 0xE5, 0x48, 0x83, 0xEC, 0x20, 0x8B, 0x45, 0xF8, 0xC9, 0xC3};
+// push rbp; mov rbp,rsp; sub rsp,20h; mov eax,[rbp-8]; leave; ret; nop
+constexpr std::uint8_t kCode[] = {0x55, 0x48, 0x89, 0xE5, 0x48, 0x83, 0xEC, 0x20, 0x8B, 0x45, 0xF8, 0xC9, 0xC3, 0x90};
 
 TEST(Disassembly, BeginsWhereDecodingLeadsToTheTarget) {
     const std::uint64_t base = 0x1000;
@@ -194,7 +194,7 @@ TEST(Disassembly, BeginsWhereDecodingLeadsToTheTarget) {
     const auto list = DisasmAround(kCode, base, base + 8, true, starts);
     std::vector<std::uint64_t> places;
     for (const auto& each : list) places.push_back(each.address - base);
-    EXPECT_EQ(places, (std::vector<std::uint64_t>{0, 1, 4, 8, 11, 12}));
+    EXPECT_EQ(places, (std::vector<std::uint64_t>{0, 1, 4, 8, 11, 12, 13}));
 
     // A start inside an instruction leads past the target: another one is found.
     const std::uint64_t wrong[] = {base + 6};
