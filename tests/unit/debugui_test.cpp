@@ -201,6 +201,8 @@ TEST(Disassembly, BeginsWhereDecodingLeadsToTheTarget) {
     const auto other = DisasmAround(kCode, base, base + 8, true, wrong);
     EXPECT_TRUE(std::ranges::any_of(other, [&](const auto& each) { return each.address == base + 8; }));
     EXPECT_TRUE(std::ranges::all_of(other, &DisasmInstruction::decoded));
+    for (std::size_t i = 1; i < other.size(); ++i)
+        EXPECT_EQ(other[i - 1].address + other[i - 1].length, other[i].address) << "one runs over the next";
     EXPECT_TRUE(DisasmAround(kCode, base, base + 100, true, {}).empty());
     EXPECT_EQ(DisasmAround(kCode, base, base, true, {}).front().address, base);
 }
