@@ -44,7 +44,12 @@ void Start() {
 }
 
 void Go(bool resumed, const wchar_t* suffix) {
-    if (resumed) DebugRunFollow(suffix);
+    if (resumed) {
+        DebugRunFollow(suffix);
+        return;
+    }
+    DebugRunShowUnseen();
+    StatusBarSetText(L"No step from here: continue (Ctrl+F5) or run to the cursor (Ctrl+F10)");
 }
 
 void RunToCursor() {

@@ -11,3 +11,5 @@ void DebugRunFollow(const wchar_t* suffix);
 void DebugRunStop();
 // A stop of a running program was asked for; the next stop says so.
 void DebugRunPaused();
+// Shows the stop after all, when the step that was to follow it did not come about.
+void DebugRunShowUnseen();

@@ -36,6 +36,7 @@ constexpr ULONGLONG kPumpInterval = 20;
 struct Follow {
     bool running = false;  // the timer asks for the next event
     bool told = false;     // that it takes long
+    bool unseen = false;   // the stop is not shown, as another step was to follow at once
     ULONGLONG since = 0;   // of the resume
     std::wstring suffix;
 };
@@ -195,13 +196,47 @@ void WatchForConsole(bool begin) {
     KillTimer(g_app.hMainWnd, TIMER_DEBUG);
 }
 
-void OnStopped() {
-    StopFollowing();
+// A step that waits in the queue already, as a command or as a held key.
+bool AnotherStepWaits() {
+    MSG message = {};
+    if (PeekMessageW(&message, g_app.hMainWnd, WM_COMMAND, WM_COMMAND, PM_NOREMOVE)) {
+        const int command = LOWORD(message.wParam);
+        return command == IDM_DEBUG_STEP_OVER || command == IDM_DEBUG_STEP_INTO;
+    }
+    return PeekMessageW(&message, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_NOREMOVE) &&
+           (message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN) &&
+           (message.wParam == VK_F10 || message.wParam == VK_F11);
+}
+
+// Drawing a place costs more than reaching it; between steps that follow each other at once every twentieth of a second
+// is enough to see it move.
+bool MayPassUnseen() {
+    constexpr ULONGLONG kSeenEvery = 50;
+    static ULONGLONG lastSeen = 0;
+    const ULONGLONG now = GetTickCount64();
+    if (now - lastSeen < kSeenEvery && AnotherStepWaits()) return true;
+    lastSeen = now;
+    return false;
+}
+
+// What shows a stop beside the mark in its source.
+void ShowStopAround() {
+    g_follow.unseen = false;
     ComeToFront();
     SetStatus(L"Stopped at " + DebugPlaceText(&g_app.debugger));
-    DebugShowCurrentLocation(&g_app.debugger, g_follow.suffix.c_str());
     DebugPaneInvalidate();
     MainWindow_RequestStateRefresh();
+}
+
+void OnStopped() {
+    StopFollowing();
+    if (MayPassUnseen()) {
+        g_follow.unseen = true;
+        DebugSayLocation(&g_app.debugger, g_follow.suffix.c_str());
+        return;
+    }
+    DebugShowCurrentLocation(&g_app.debugger, g_follow.suffix.c_str());
+    ShowStopAround();
 }
 
 void OnExited() {
@@ -321,6 +356,12 @@ void DebugRunFollow(const wchar_t* suffix) {
     StopFollowing();
     g_follow = {.running = false, .told = false, .since = GetTickCount64(), .suffix = suffix};
     if (!HandleWait(WaitFor(kWaitInPlace, kWaitInPlace))) BeginFollowing();
+}
+
+void DebugRunShowUnseen() {
+    if (!g_follow.unseen) return;
+    DebugMarkLocation(&g_app.debugger);
+    ShowStopAround();
 }
 
 void DebugRunPaused() { g_follow.suffix = L" (paused)"; }

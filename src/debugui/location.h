@@ -11,9 +11,12 @@
 // Opens or activates the file of the current stop, puts marker 4 and the line's background there, scrolls it into view
 // and writes "[Debug] Stopped at steps.bas:12 (step into)". A stop without source shows its address alone. The suffix
 // may be null.
-void DebugShowCurrentLocation(DebuggerState* state, const wchar_t* suffix);
+void DebugShowCurrentLocation(const DebuggerState* state, const wchar_t* suffix);
 // The text behind "Stopped at": "steps.bas:12", or an address.
 std::wstring DebugPlaceText(const DebuggerState* state);
+// The two halves of it: the line of text, and the place in the editor.
+void DebugSayLocation(const DebuggerState* state, const wchar_t* suffix);
+void DebugMarkLocation(const DebuggerState* state);
 // Takes the mark of the current line out of its editor.
 void DebugClearLocation();
 // An editor has its text (again): the mark returns to where the program stands, when that is there.

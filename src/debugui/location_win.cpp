@@ -6,6 +6,7 @@
 #include "app/shell.h"
 #include "build/build_paths.h"
 #include "build/build_runner.h"
+#include "debugger/debug_inspect.h"
 #include "debugger/debug_session.h"
 #include "debugger/line_map.h"
 #include "debugui/breakpoint_rules.h"
@@ -75,6 +76,19 @@ std::wstring FileName(const std::wstring& path) {
 
 bool IsOpen(HWND editor) { return editor != nullptr && TabBarFindEditor(editor) >= 0; }
 
+struct Place {
+    std::wstring path;  // empty: no source
+    int line = 0;
+};
+
+// A trap of the program's own leaves the session without a line, though its address may well have one.
+Place PlaceOfStop(const DebuggerState& state) {
+    std::uint32_t fileId = state.currentFileId;
+    auto line = static_cast<std::uint32_t>(state.currentLine);
+    if (state.currentLine <= 0 && !DebugLineAt(&state, state.currentAddress, &fileId, &line)) return {};
+    return {.path = DebugFilePath(&state, fileId), .line = static_cast<int>(line)};
+}
+
 void PutMark(HWND editor, int line) {
     const auto index = static_cast<WPARAM>(line - 1);
     g_mark = {.editor = editor,
@@ -137,23 +151,32 @@ void DebugScrollToLine(HWND editor, int line) {
 }
 
 std::wstring DebugPlaceText(const DebuggerState* state) {
-    const std::wstring path = state->currentLine > 0 ? DebugFilePath(state, state->currentFileId) : std::wstring();
-    if (path.empty())
+    const Place place = PlaceOfStop(*state);
+    if (place.path.empty())
         return FormatW(state->isX64 != 0 ? L"0x%016I64X, no source" : L"0x%08I64X, no source", state->currentAddress);
-    return FormatW(L"%s:%d", FileName(path).c_str(), state->currentLine);
+    return FormatW(L"%s:%d", FileName(place.path).c_str(), place.line);
 }
 
-void DebugShowCurrentLocation(DebuggerState* state, const wchar_t* suffix) {
+void DebugSayLocation(const DebuggerState* state, const wchar_t* suffix) {
+    DebugSay(0, L"[Debug] Stopped at %s%s\n", DebugPlaceText(state).c_str(), suffix != nullptr ? suffix : L"");
+}
+
+void DebugMarkLocation(const DebuggerState* state) {
     DebugClearLocation();
     if (state->active == 0) return;
-    const std::wstring place = DebugPlaceText(state);
-    const std::wstring path = state->currentLine > 0 ? DebugFilePath(state, state->currentFileId) : std::wstring();
-    HWND editor = DebugShowFile(path);
-    DebugSay(0, L"[Debug] Stopped at %s%s%s\n", place.c_str(), suffix != nullptr ? suffix : L"",
-             editor == nullptr && !path.empty() ? L" - the file is not there" : L"");
-    if (editor == nullptr) return;
-    PutMark(editor, state->currentLine);
-    DebugScrollToLine(editor, state->currentLine);
+    const Place place = PlaceOfStop(*state);
+    HWND editor = DebugShowFile(place.path);
+    if (editor == nullptr) {
+        if (!place.path.empty()) DebugSay(0, L"[Debug] The file is not there: %s\n", place.path.c_str());
+        return;
+    }
+    PutMark(editor, place.line);
+    DebugScrollToLine(editor, place.line);
+}
+
+void DebugShowCurrentLocation(const DebuggerState* state, const wchar_t* suffix) {
+    DebugSayLocation(state, suffix);
+    DebugMarkLocation(state);
 }
 
 void DebugClearLocation() {
@@ -167,11 +190,11 @@ void DebugClearLocation() {
 void DebugRestoreLocation(HWND editor) {
     const DebuggerState& state = g_app.debugger;
     const int tab = TabBarFindEditor(editor);
-    if (state.active == 0 || state.run != DebugRun::Stopped || state.currentLine <= 0 || tab < 0) return;
-    const std::wstring path = DebugFilePath(&state, state.currentFileId);
-    if (!PathEqualsIgnoreCase(path, g_app.tabs[static_cast<std::size_t>(tab)].path)) return;
+    if (state.active == 0 || state.run != DebugRun::Stopped || tab < 0) return;
+    const Place place = PlaceOfStop(state);
+    if (place.path.empty() || !PathEqualsIgnoreCase(place.path, g_app.tabs[static_cast<std::size_t>(tab)].path)) return;
     DebugClearLocation();
-    PutMark(editor, state.currentLine);
+    PutMark(editor, place.line);
 }
 
 bool DebugGoTo(const DebuggerState* state, std::uint32_t fileId, int line) {
