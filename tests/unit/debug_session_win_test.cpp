@@ -243,6 +243,11 @@ TEST_P(DebugSession, BreakInStopsARunningProgram) {
         if (std::string_view(program) == "sleeps") {
             EXPECT_EQ(state.currentLine, 4) << "it waits in that line";
             EXPECT_EQ(Step(), 5) << "where the call returns to";
+            ASSERT_TRUE(DebugContinue(&state));
+            EXPECT_EQ(Wait(50), kDebugTimeout);
+            ASSERT_TRUE(DebugBreakIn(&state));
+            ASSERT_EQ(Wait(), kDebugStopped);
+            EXPECT_EQ(RunTo(4), 4) << "in the next turn";
         } else {
             const int other = Registers().ip == AddressOf(5) ? 4 : 5;
             EXPECT_EQ(RunTo(other), other);
