@@ -1,6 +1,8 @@
 // Matching, drawing and scrolling rules. Must not know an editor.
 #include "debugui/breakpoint_rules.h"
 
+#include "debugger/registers.h"
+
 #include "files/path.h"
 
 #include <algorithm>
@@ -15,6 +17,25 @@ std::wstring ConditionProblem(std::string_view condition) {
     if (condition.size() <= kLongestCondition) return L"";
     return L"Too long: " + std::to_wstring(condition.size()) + L" bytes as UTF-8, at most " +
            std::to_wstring(kLongestCondition) + L" are possible.";
+}
+
+std::wstring ConditionNotice(std::string_view condition) {
+    if (condition.empty()) return L"";
+    const Condition parsed = ParseCondition(condition);
+    if (parsed.op == Condition::Operator::None) return L"There is no comparison in it: it always stops.";
+    // Every 64-bit register is 1 here: a side that is not a number and still 0 is none of them as it is written.
+    RegisterSet ones;
+    ones.general.fill(1);
+    ones.ip = 1;
+    for (const std::string_view side : {parsed.left, parsed.right}) {
+        if (!side.empty() && side.front() >= '0' && side.front() <= '9') continue;
+        if (EvaluateExpression(ones, side) != 0) continue;
+        const std::string_view bare = side.substr(0, side.find_last_not_of(" \t") + 1);
+        if (bare.size() != side.size() && EvaluateExpression(ones, bare) != 0)
+            return L"A register must stand directly before the comparison; with a blank between it counts as 0.";
+        return L"One side is neither a number nor a 64-bit register: it counts as 0.";
+    }
+    return L"";
 }
 
 MarkerMatch MatchMarkers(std::span<const KnownBreakpoint> known, std::span<const MarkerPlace> markers) {

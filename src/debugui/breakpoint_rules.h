@@ -9,6 +9,8 @@
 
 // Why a condition (UTF-8) cannot be taken, for the dialog; empty when it can.
 std::wstring ConditionProblem(std::string_view condition);
+// What the user should know of a condition that can be taken but will not do what it looks like; empty: nothing.
+std::wstring ConditionNotice(std::string_view condition);
 
 // A marker of an open file, as the editor has it.
 struct MarkerPlace {

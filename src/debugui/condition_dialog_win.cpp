@@ -1,5 +1,5 @@
 // The condition of a breakpoint. Modal, UI thread.
-#include "debugui/input_dialog.h"
+#include "debugui/condition_dialog.h"
 
 #include "app/app_state.h"
 #include "app/log.h"
@@ -37,8 +37,10 @@ void Fill(HWND dialog, const Question& question) {
 
 // Also while typing, so that what will be refused is seen before.
 bool ShowProblem(HWND dialog) {
-    const std::wstring problem = ConditionProblem(ReadCondition(dialog));
-    SetDlgItemTextW(dialog, IDC_CONDITION_PROBLEM, problem.c_str());
+    const std::string condition = ReadCondition(dialog);
+    const std::wstring problem = ConditionProblem(condition);
+    SetDlgItemTextW(dialog, IDC_CONDITION_PROBLEM,
+                    problem.empty() ? ConditionNotice(condition).c_str() : problem.c_str());
     return !problem.empty();
 }
 

@@ -10,7 +10,6 @@
 #define IDD_FIND 3100
 #define IDD_GOTO_LINE 3150
 #define IDD_CONDITION 3140
-#define IDD_INPUT 3210  // one line of text: a watch, a value, an address
 
 // --- Commands: File
 #define IDM_FILE_NEW 1001
@@ -163,14 +162,10 @@
 #define IDC_FIND_WITH_LABEL 3111
 #define IDC_FIND_SELECTION 3112
 
-// --- Controls of the conditional-breakpoint dialog and of the input dialog
+// --- Controls of the conditional-breakpoint dialog
 #define IDC_CONDITION_TEXT 3141
 #define IDC_CONDITION_PLACE 3142
 #define IDC_CONDITION_PROBLEM 3143
-#define IDC_INPUT_LABEL 3211
-#define IDC_INPUT_TEXT 3212
-#define IDC_INPUT_KIND 3213
-#define IDC_INPUT_KIND_LABEL 3214
 
 // --- Messages of the main window (WM_USER = 0x0400, WM_APP = 0x8000). The receiver frees a heap block in wParam.
 #define MSG_BUILD_OUTPUT (0x0400 + 100)    // wParam: heap wide text, lParam: colour (0 = default)

@@ -14,6 +14,22 @@ TEST(Condition, IsCountedInBytes) {
     EXPECT_NE(ConditionProblem(std::string(64, 'x')).find(L"64 bytes"), std::wstring::npos);
 }
 
+TEST(Condition, SaysWhatItWillNotDo) {
+    const struct {
+        const char* condition;
+        const wchar_t* part;  // of the notice; empty: none
+    } cases[] = {
+        {"", L""},           {"RAX==3", L""},         {"0x10 >= rip", L""},    {"7 > 3", L""},
+        {"RAX", L"always"},  {"RAX == 3", L"blank"},  {"3 == RAX ", L"blank"}, {"EAX==3", L"neither"},
+        {"==3", L"neither"}, {"total>5", L"neither"},
+    };
+    for (const auto& c : cases) {
+        const std::wstring notice = ConditionNotice(c.condition);
+        EXPECT_EQ(notice.empty(), c.part[0] == L'\0') << c.condition;
+        EXPECT_NE(notice.find(c.part), std::wstring::npos) << c.condition;
+    }
+}
+
 std::string Describe(const MarkerMatch& match) {
     std::string text;
     for (std::size_t i = 0; i < match.lines.size(); ++i)
