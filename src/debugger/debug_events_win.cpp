@@ -16,6 +16,9 @@ namespace {
 // A fault that is continued as handled fails again at once, for ever; after so many in a row the program is held there.
 constexpr std::uint32_t kFaultsInARow = 16;
 constexpr int kGoOn = 0;  // beside DebugWait: the event was no stop and is continued
+// The next event of a program that was just continued comes in a moment. A look that does not wait for it would see one
+// event at a time: a condition that does not hold would cost two ticks of the timer.
+constexpr DWORD kNextEventMs = 2;
 
 DebugWaitHook g_waitHook = nullptr;
 
@@ -205,15 +208,17 @@ int DebugWaitEvent(DebuggerState* state, DWORD timeoutMs) {
     if (state == nullptr || state->active == 0) return kDebugNoSession;
     ULONGLONG started = GetTickCount64();
     ULONGLONG asked = started;  // the hook
+    DWORD least = 0;            // ms to wait, whatever the time-out
     for (;;) {
         DEBUG_EVENT event = {};
         const ULONGLONG elapsed = GetTickCount64() - started;
         const DWORD left =
             timeoutMs == INFINITE ? INFINITE : timeoutMs - static_cast<DWORD>(std::min<ULONGLONG>(elapsed, timeoutMs));
-        const bool came = WaitForDebugEvent(&event, std::min(left, kDebugSliceMs)) != 0;
+        const bool came = WaitForDebugEvent(&event, std::min(std::max(left, least), kDebugSliceMs)) != 0;
         if (came) {
             if (const int result = OnEvent(state, event); result != kGoOn) return result;
             started = GetTickCount64();
+            least = kNextEventMs;
         } else if (left == 0) {
             return kDebugTimeout;
         } else if (GetLastError() != ERROR_SEM_TIMEOUT) {

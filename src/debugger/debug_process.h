@@ -37,7 +37,7 @@ bool DebugStepOffAndResume(DebuggerState* state);
 void DebugNoteEvent(DebuggerState* state, const DEBUG_EVENT& event);
 // A thread has ended and its event is continued.
 void DebugCloseThread(DebuggerState* state, std::uint32_t threadId);
-// Continues an event without looking at it, its handles closed. True: it was the end of the process.
+// Continues an event without looking at it, its handles closed. True: it was the end of the state's process.
 bool DebugDropEvent(DebuggerState* state, const DEBUG_EVENT& event);
 // Closes every handle and frees the map; the session is over and the state inactive.
 void DebugEndSession(DebuggerState* state);

@@ -62,7 +62,7 @@ struct DebuggerState {
     std::uint64_t faultAddress = 0;   // of the exception that was reported last, and how often in a row
     std::uint32_t faultCount = 0;
     DebugPause pause = DebugPause::None;
-    std::uint32_t runsToUserBreakpoint = 0;  // resumed by Continue: forgotten temporary breakpoints do not stop it
+    std::uint32_t runsToUserBreakpoint = 0;  // traps of the program's own are no stops until one is reached
     HANDLE eventProcess = nullptr;           // the creation event's handle, given back at the end
     std::vector<DebugThread> threads;
 };

@@ -25,8 +25,11 @@ bool RunTo(DebuggerState* state, std::uint64_t address, std::uint32_t line) {
     return DebugSetTempBp(state, address, static_cast<int>(line)) && GoOn(state);
 }
 
+// To a line that the user names: traps of the program's own on the way there are no stops.
 bool RunToRva(DebuggerState* state, std::uint32_t rva, int line) {
-    return rva != 0 && RunTo(state, state->map.imageBase + rva, static_cast<std::uint32_t>(line));
+    if (rva == 0 || !RunTo(state, state->map.imageBase + rva, static_cast<std::uint32_t>(line))) return false;
+    state->runsToUserBreakpoint = 1;
+    return true;
 }
 
 }  // namespace

@@ -113,7 +113,8 @@ bool DebugResume(DebuggerState* state) {
 
 bool DebugStepOffAndResume(DebuggerState* state) {
     std::uint64_t ip = 0;
-    const bool known = DebugGetIp(*state, state->stopThreadId, &ip);
+    // Behind a trap of the program's own it may stand before a breakpoint that was not met yet.
+    const bool known = DebugGetIp(*state, state->stopThreadId, &ip) && ip == state->currentAddress;
     const int index = known ? DebugFindBp(state, ip) : -1;
     if (index >= 0) DebugRestoreBp(state, ip);
     for (int i = 0; i < state->breakpointCount; ++i) {
@@ -165,7 +166,7 @@ bool DebugDropEvent(DebuggerState* state, const DEBUG_EVENT& event) {
         if (thread.handle != nullptr) state->threads.push_back(thread);
         if (event.dwDebugEventCode == EXIT_THREAD_DEBUG_EVENT) DebugCloseThread(state, event.dwThreadId);
     }
-    return event.dwDebugEventCode == EXIT_PROCESS_DEBUG_EVENT;
+    return event.dwDebugEventCode == EXIT_PROCESS_DEBUG_EVENT && event.dwProcessId == state->processId;
 }
 
 void DebugEndSession(DebuggerState* state) {

@@ -10,10 +10,19 @@ constexpr std::uint32_t kFaults[] = {
     0xC0000006,  // page that cannot be read in
     0xC000001D,  // illegal instruction
     0xC000008C,  // array bounds
+    0xC000008D,  // floating point: denormal operand,
+    0xC000008E,  // divided by zero,
+    0xC000008F,  // inexact,
+    0xC0000090,  // invalid operation,
+    0xC0000091,  // overflow,
+    0xC0000092,  // stack of the unit,
+    0xC0000093,  // underflow
     0xC0000094,  // whole number divided by zero
     0xC0000095,  // whole number overflow
     0xC0000096,  // privileged instruction
     0xC00000FD,  // stack overflow
+    0xC00002B4,  // floating point in vector instructions of a 32-bit program: faults
+    0xC00002B5,  // and traps
     0x80000002,  // misaligned data
 };
 

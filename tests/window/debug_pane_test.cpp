@@ -1,16 +1,10 @@
 // The debug pane in the real program, over real programs under the debugger: what each view shows at a stop, what can be
 // changed in it, how it is worked by keys.
-#include "harness.h"
-
-#include <commctrl.h>
-
-#include <algorithm>
-
-#include "resources/ids.h"
+#include "debug_driver.h"
 
 namespace {
 
-enum Tab { kBreakpoints, kStack, kRegisters, kWatches, kMemory, kThreads, kDisassembly };
+using namespace debug_driver;
 
 constexpr char kSource[] =
     "FUNCTION Twice(BYVAL n AS LONG) AS LONG\r\n"  // 1
@@ -26,134 +20,9 @@ constexpr char kSource[] =
     "    FUNCTION = total\r\n"                     // 11
     "END FUNCTION\r\n";
 
-// A session over kSource, stopped at its first line, with the pane open.
-struct Session {
-    ProgramFolder folder{kCompilers};
-    Editor editor;
-    HWND pane;
-
-    explicit Session(const std::wstring& compiler = L"kvxa64")
-        : editor(Prepared(folder), L" --open \"" + folder.File(L"twice.bas") + L"\" --compiler " + compiler) {
-        pane = editor.Child(IDC_DEBUG_PANE);
-        if (!IsWindowVisible(pane)) editor.Do(IDM_VIEW_DEBUG_PANE);
-    }
-    static const ProgramFolder& Prepared(const ProgramFolder& folder) {
-        folder.Write(L"twice.bas", kSource);
-        folder.SetIni(L"Editor", L"AutoSaveEnabled", L"0");
-        folder.SetIni(L"Editor", L"RestoreLastSession", L"0");
-        return folder;
-    }
-    bool Start() const {
-        editor.Do(IDM_DEBUG_BUILD_START);
-        return WaitFor([&] { return editor.Status(0).starts_with(L"Stopped at twice.bas:"); }, 60000) && AwaitConsole();
-    }
-    // The program's own window comes up when it likes and takes the focus: what is typed comes after that.
-    bool AwaitConsole() const {
-        const auto shown = [] {
-            const HWND console = FindWindowW(L"WineConsoleClass", nullptr);
-            return console != nullptr && IsWindowVisible(console);
-        };
-        EXPECT_TRUE(WaitFor(shown)) << "no console";
-        editor.Foreground();
-        return true;
-    }
-    HWND List() const { return GetDlgItem(pane, IDC_DEBUG_LIST); }
-    HWND Tabs() const { return GetDlgItem(pane, IDC_DEBUG_TABS); }
-    HWND Address() const { return GetDlgItem(pane, IDC_DEBUG_ADDRESS); }
-    HWND Memory() const { return GetDlgItem(pane, IDC_DEBUG_TEXT); }
-    // As another program would do it: the control tells its owner.
-    void Select(Tab tab) const { editor.Send(Tabs(), TCM_SETCURFOCUS, static_cast<WPARAM>(tab)); }
-    int Rows() const { return IsWindowVisible(List()) ? static_cast<int>(editor.Send(List(), LVM_GETITEMCOUNT)) : 0; }
-    std::wstring Cell(int row, int column) const {
-        const RemoteBlock block(editor.process, sizeof(LVITEMW) + 1024);
-        LVITEMW item = {};
-        item.iSubItem = column;
-        item.cchTextMax = 500;
-        item.pszText = reinterpret_cast<wchar_t*>(block.At(sizeof(item)));
-        block.Put(&item, sizeof(item));
-        const auto length =
-            static_cast<std::size_t>(editor.Send(List(), LVM_GETITEMTEXTW, static_cast<WPARAM>(row), block.At()));
-        wchar_t text[512] = {};
-        block.Get(text, 1000, sizeof(item));
-        return {text, std::min<std::size_t>(length, 500)};
-    }
-    std::wstring All() const {
-        std::wstring text;
-        for (int row = 0; row < Rows(); ++row)
-            for (int column = 0; column < 4; ++column) text += Cell(row, column) + (column < 3 ? L"|" : L"\n");
-        return text;
-    }
-    bool Await(const std::wstring& part) const {
-        return WaitFor([&] { return All().find(part) != std::wstring::npos; });
-    }
-    int RowOf(int column, const std::wstring& text) const {
-        for (int row = 0; row < Rows(); ++row)
-            if (Cell(row, column) == text) return row;
-        return -1;
-    }
-    std::wstring Register(const std::wstring& name) const { return Cell(RowOf(0, name), 1); }
-    void SelectRow(int row) const {
-        const RemoteBlock block(editor.process, sizeof(LVITEMW));
-        LVITEMW state = {};
-        state.state = state.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
-        block.Put(&state, sizeof(state));
-        editor.Send(List(), LVM_SETITEMSTATE, static_cast<WPARAM>(row), block.At());
-    }
-    int PaneListRow() const {
-        return static_cast<int>(editor.Send(List(), LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
-    }
-    POINT Place(int row, int column) const {  // a little right of a cell's left edge
-        const RemoteBlock block(editor.process, sizeof(RECT));
-        RECT bounds = {LVIR_BOUNDS, 0, 0, 0};
-        block.Put(&bounds, sizeof(bounds));
-        editor.Send(List(), LVM_GETITEMRECT, static_cast<WPARAM>(row), block.At());
-        block.Get(&bounds, sizeof(bounds));
-        LONG left = bounds.left + 12;
-        for (int i = 0; i < column; ++i)
-            left += static_cast<LONG>(editor.Send(List(), LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(i)));
-        return {left, (bounds.top + bounds.bottom) / 2};
-    }
-    // From the menu of a watch's kind: by its place in there, from 0.
-    void ChooseKind(int row, int kind) const {
-        editor.Foreground();
-        editor.Click(List(), Place(row, 1), MOUSEEVENTF_LEFTDOWN, 2);
-        EXPECT_TRUE(WaitFor([] { return FindWindowW(L"#32768", nullptr) != nullptr; })) << "no menu";
-        for (int i = 0; i <= kind; ++i) editor.Keys({VK_DOWN});
-        editor.Keys({VK_RETURN});
-        EXPECT_TRUE(WaitFor([] { return FindWindowW(L"#32768", nullptr) == nullptr; })) << "the menu stays";
-    }
-    int Checked(int row) const {  // 1: no, 2: yes
-        return static_cast<int>(editor.Send(List(), LVM_GETITEMSTATE, static_cast<WPARAM>(row), LVIS_STATEIMAGEMASK) >>
-                                12);
-    }
-    void Key(HWND window, int key) const { editor.Send(window, WM_KEYDOWN, static_cast<WPARAM>(key), 1); }
-    HWND Field() const { return FindWindowExW(List(), nullptr, L"Edit", nullptr); }
-    // Text into the field that is open over a cell; Enter takes it.
-    void Enter(const std::wstring& text) const {
-        EXPECT_TRUE(WaitFor([&] { return Field() != nullptr; })) << "no field is open";
-        editor.Send(Field(), EM_SETSEL, 0, -1);
-        for (const wchar_t c : text) editor.Send(Field(), WM_CHAR, c, 1);
-        Key(Field(), VK_RETURN);
-    }
-    void GoTo(const std::wstring& address) const {
-        editor.Send(Address(), EM_SETSEL, 0, -1);
-        if (address.empty()) editor.Send(Address(), WM_CLEAR);
-        for (const wchar_t c : address) editor.Send(Address(), WM_CHAR, c, 1);
-        Key(Address(), VK_RETURN);
-    }
-    void AddWatch(const std::wstring& expression) const {
-        SelectRow(Rows() - 1);
-        editor.Send(List(), WM_CHAR, static_cast<WPARAM>(expression.front()), 1);
-        EXPECT_TRUE(WaitFor([&] { return Field() != nullptr; })) << "typing opens no field";
-        for (const wchar_t c : expression.substr(1)) editor.Send(Field(), WM_CHAR, c, 1);
-        Key(Field(), VK_RETURN);
-    }
-    void RunToLine(int line) const {
-        editor.Sci(2024, static_cast<WPARAM>(line - 1));  // SCI_GOTOLINE
-        editor.Do(IDM_DEBUG_RUN_TO_CURSOR);
-        EXPECT_TRUE(WaitFor([&] { return editor.Status(0) == L"Stopped at twice.bas:" + std::to_wstring(line); }))
-            << Utf8(editor.Status(0));
-    }
+// The session of these tests: over kSource.
+struct Session : debug_driver::Session {
+    explicit Session(const std::wstring& compiler = L"kvxa64") : debug_driver::Session(L"twice.bas", kSource, compiler) {}
 };
 
 bool HasLine(const std::wstring& text, const std::wstring& part) { return text.find(part) != std::wstring::npos; }
