@@ -69,12 +69,15 @@ TEST_P(DebugEvents, AProgramsOwnTrapStopsWithoutALine) {
 TEST_P(DebugEvents, AProgramsOwnTrapBehindABreakpointIsNotTakenForIt) {
     ASSERT_TRUE(Start("own_trap"));
     ASSERT_TRUE(DebugSetBreakpoint(&state, 3));
+    ASSERT_TRUE(DebugSetBreakpoint(&state, 4));
     ASSERT_TRUE(DebugContinue(&state));
     ASSERT_EQ(Arrive(), 3);
     ASSERT_TRUE(DebugContinue(&state));
     ASSERT_EQ(Wait(), kDebugStopped);
     EXPECT_EQ(state.currentAddress, AddressOf(3) + 1);
     EXPECT_EQ(state.currentLine, 0);
+    ASSERT_TRUE(DebugContinue(&state));
+    EXPECT_EQ(Arrive(), 4) << "nor does it hide the one behind it";
     ASSERT_TRUE(DebugContinue(&state));
     EXPECT_EQ(Wait(), kDebugExited);
     EXPECT_EQ(state.exitCode, 2u);

@@ -27,6 +27,8 @@ TEST(DebugRules, BreakpointsAndSingleStepsOf32BitProgramsMayHaveCodesOfTheirOwn)
         {0x80000004, ExceptionKind::SingleStep}, {0x4000001E, ExceptionKind::SingleStep},
         {0xC0000005, ExceptionKind::Fault},      {0xC0000094, ExceptionKind::Fault},
         {0xC000001D, ExceptionKind::Fault},      {0x80000002, ExceptionKind::Fault},
+        {0xC000008D, ExceptionKind::Fault},      {0xC000008E, ExceptionKind::Fault},
+        {0xC0000093, ExceptionKind::Fault},      {0xC00002B4, ExceptionKind::Fault},
         {0xE06D7363, ExceptionKind::Other},      {0x406D1388, ExceptionKind::Other},
         {0x40000020, ExceptionKind::Other},      {0, ExceptionKind::Other},
     };
