@@ -170,10 +170,14 @@ void ComeToFront() {
     if (owner != GetCurrentProcessId()) SetForegroundWindow(g_app.hMainWnd);
 }
 
+// The last one is Windows Terminal, where consoles open by default since Windows 11.
+constexpr const wchar_t* kConsoleClasses[] = {L"ConsoleWindowClass", L"WineConsoleClass",
+                                              L"CASCADIA_HOSTING_WINDOW_CLASS"};
+
 bool IsConsole(HWND window) {
     wchar_t name[64] = {};
     GetClassNameW(window, name, static_cast<int>(std::size(name)));
-    return wcscmp(name, L"ConsoleWindowClass") == 0 || wcscmp(name, L"WineConsoleClass") == 0;
+    return std::ranges::any_of(kConsoleClasses, [&](const wchar_t* one) { return wcscmp(name, one) == 0; });
 }
 
 // The console of a program comes a moment after it has started, when its first line is reached and shown already. It

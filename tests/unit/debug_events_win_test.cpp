@@ -83,6 +83,18 @@ TEST_P(DebugEvents, AProgramsOwnTrapBehindABreakpointIsNotTakenForIt) {
     EXPECT_EQ(state.exitCode, 2u);
 }
 
+// No loader asks for it yet: the trap stands right before a record.
+TEST_P(DebugEvents, TrapsBeforeRecordsAreOverwrittenWhereTheMapAsksForIt) {
+    ASSERT_TRUE(SdbgLoad(Program("own_trap").c_str(), &state.map));
+    state.map.neutralizeTraps = 1;
+    ASSERT_TRUE(DebugStartLoaded(Program("own_trap").c_str(), &state));
+    Watch();
+    EXPECT_EQ(RawByte(AddressOf(4) - 1), 0x90);
+    ASSERT_TRUE(DebugContinue(&state));
+    EXPECT_EQ(Wait(), kDebugExited);
+    EXPECT_EQ(state.exitCode, 2u);
+}
+
 // A breakpoint on the trap itself: one stop, and the byte is not run a second time.
 TEST_P(DebugEvents, ABreakpointOnAProgramsOwnTrapStopsOnce) {
     ASSERT_TRUE(Start("own_trap"));

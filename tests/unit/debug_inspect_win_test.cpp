@@ -123,6 +123,9 @@ TEST_P(DebugInspect, WatchValues) {
     EXPECT_EQ(Watch(place_ + 4, 2), L"\"\"");
     EXPECT_EQ(Watch(place_ + 32, 2), L"\"<encoding error>\"");
     for (const int kind : {0, 1, 2}) EXPECT_EQ(Watch(0x10, kind), L"<unreadable>") << kind;
+    const std::uint64_t stack = Registers().general[kSp];
+    ASSERT_TRUE(DebugWriteMem(&state, stack, std::string(160, 'a').data(), 160));
+    EXPECT_EQ(Watch(stack, 2), L"\"" + std::wstring(127, L'a') + L"\"");
 }
 
 // ---- stacks ----------------------------------------------------------------------------------------------------------
