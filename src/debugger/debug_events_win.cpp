@@ -70,11 +70,11 @@ void OnDebugString(const DebuggerState& state, const OUTPUT_DEBUG_STRING_INFO& i
 }
 
 // The entry that a breakpoint exception at `address` belongs to: systems report the trap's own address or the next one.
-// A trap byte that stands at the address is the program's own, and not the entry's before it.
-int EntryOfTrap(const DebuggerState* state, std::uint64_t address) {
+// Only where they report the next one does the thread stand on it; else it is the address of another trap.
+int EntryOfTrap(const DebuggerState* state, const DEBUG_EVENT& event, std::uint64_t address) {
     const int index = DebugFindBp(state, address);
-    std::uint8_t byte = 0;
-    if (index >= 0 || (DebugReadRaw(*state, address, &byte, 1) && byte == kTrapByte)) return index;
+    std::uint64_t ip = 0;
+    if (index >= 0 || !DebugGetIp(*state, event.dwThreadId, &ip) || ip != address) return index;
     return DebugFindBp(state, address - 1);
 }
 
@@ -143,7 +143,7 @@ int OnOwnTrap(DebuggerState* state, const DEBUG_EVENT& event, std::uint64_t addr
 
 int OnBreakpoint(DebuggerState* state, const DEBUG_EVENT& event) {
     const auto address = reinterpret_cast<std::uint64_t>(event.u.Exception.ExceptionRecord.ExceptionAddress);
-    const int index = EntryOfTrap(state, address);
+    const int index = EntryOfTrap(state, event, address);
     return index >= 0 ? OnPlantedBreakpoint(state, event, index) : OnOwnTrap(state, event, address);
 }
 

@@ -4,8 +4,11 @@
 #include "debugger/pe_headers.h"
 
 #include "app/log.h"
+#include "files/file_io.h"
 #include "files/handles.h"
 
+#include <cwchar>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -22,16 +25,33 @@ constexpr wchar_t kNoPbdMap[] = L"[Debug] PowerBASIC debug database contains no 
 
 DebugPlantHook g_plantHook = nullptr;
 
+struct ImageKind {
+    bool x64 = false;
+    bool console = false;
+};
+
 // Enough of the file for the headers: a stub before them is rarely longer than a few hundred bytes.
-bool IsPe64(const wchar_t* executable) {
+ImageKind KindOf(const wchar_t* executable) {
     constexpr DWORD kHeaderBytes = 65536;
-    UniqueHandle file(
-        CreateFileW(executable, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    constexpr std::uint16_t kPe32Plus = 0x20B, kConsole = 3;
+    UniqueHandle file(CreateFileW(PathForSystem(executable).c_str(), GENERIC_READ,
+                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr));
     std::vector<std::uint8_t> bytes(kHeaderBytes);
     DWORD read = 0;
-    if (!file || !ReadFile(file.Get(), bytes.data(), kHeaderBytes, &read, nullptr)) return false;
-    constexpr std::uint16_t kPe32Plus = 0x20B;
-    return GetPeMagic(bytes.data(), read) == kPe32Plus;
+    if (!file || !ReadFile(file.Get(), bytes.data(), kHeaderBytes, &read, nullptr)) return {};
+    return {.x64 = GetPeMagic(bytes.data(), read) == kPe32Plus,
+            .console = GetPeSubsystem(bytes.data(), read) == kConsole};
+}
+
+void SayLaunchFailed(DWORD error) {
+    AppLogMsg(L"FAIL: DebugStart CreateProcess error=%lu", error);
+    DebugSay(kDebugRed, L"[Debug] Failed to launch process.\n");
+    wchar_t text[512] = {};
+    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0, text,
+                   static_cast<DWORD>(std::size(text)), nullptr);
+    text[wcscspn(text, L"\r\n")] = L'\0';
+    DebugSay(kDebugRed, L"[Debug] Win32 error %lu: %s\n", error, text);
 }
 
 bool Launch(const wchar_t* executable, DebuggerState* state) {
@@ -39,16 +59,22 @@ bool Launch(const wchar_t* executable, DebuggerState* state) {
     const std::wstring path = executable;
     const std::size_t slash = path.find_last_of(L"\\/");
     const std::wstring directory = slash == std::wstring::npos ? std::wstring() : path.substr(0, slash + 1);
+    const ImageKind kind = KindOf(executable);
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
+    if (kind.console) {  // its console comes up beside the editor, which is where the next key belongs
+        startup.dwFlags = STARTF_USESHOWWINDOW;
+        startup.wShowWindow = SW_SHOWNOACTIVATE;
+    }
     PROCESS_INFORMATION process = {};
     // A console of its own: ours has none, and what the program reads and prints is its user's business.
     const DWORD flags = DEBUG_PROCESS | DEBUG_ONLY_THIS_PROCESS | CREATE_NEW_CONSOLE;
     if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, flags, nullptr,
                         directory.empty() ? nullptr : directory.c_str(), &startup, &process)) {
-        AppLogMsg(L"FAIL: DebugStart CreateProcess error=%lu", GetLastError());
+        SayLaunchFailed(GetLastError());
         return false;
     }
+    state->isX64 = kind.x64 ? 1 : 0;
     state->process = process.hProcess;
     state->thread = process.hThread;
     state->processId = process.dwProcessId;
@@ -107,9 +133,11 @@ void RestoreProgram(DebuggerState* state) {
 // Waits for the end of a program that was told to end, its events continued.
 void AwaitEnd(DebuggerState* state) {
     bool ended = false;
-    for (int i = 0; i < kStopTries && !ended; ++i) {
+    const ULONGLONG limit = GetTickCount64() + kStopTries * (kStopWaitMs + kDrainMs);
+    const auto timeIsLeft = [limit] { return GetTickCount64() < limit; };
+    for (int i = 0; i < kStopTries && !ended && timeIsLeft(); ++i) {
         DEBUG_EVENT event = {};
-        while (!ended && WaitForDebugEvent(&event, kDrainMs)) ended = DebugDropEvent(state, event);
+        while (!ended && timeIsLeft() && WaitForDebugEvent(&event, kDrainMs)) ended = DebugDropEvent(state, event);
         if (!ended) WaitForSingleObject(state->process, kStopWaitMs);
     }
     if (ended) WaitForSingleObject(state->process, kStopWaitMs);
@@ -130,11 +158,9 @@ bool DebugStartForCompiler(const wchar_t* executable, std::uint32_t compilerId, 
 
 bool DebugStartLoaded(const wchar_t* executable, DebuggerState* state) {
     if (!Launch(executable, state)) {
-        DebugSay(kDebugRed, L"[Debug] Failed to launch process.\n");
         DebugEndSession(state);
         return false;
     }
-    state->isX64 = IsPe64(executable) ? 1 : 0;
     state->active = 1;
     state->run = DebugRun::Running;
     if (const int event = DebugWaitEvent(state, INFINITE); event != kDebugStopped) {

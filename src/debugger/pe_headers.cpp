@@ -109,3 +109,10 @@ std::uint16_t GetPeMagic(const std::uint8_t* file, std::size_t size) {
     PeImage image;
     return LocateSignedHeader(file, size, &image) ? image.magic : std::uint16_t{0};
 }
+
+std::uint16_t GetPeSubsystem(const std::uint8_t* file, std::size_t size) {
+    constexpr std::size_t kSubsystemAt = 92;  // for both kinds of image
+    PeImage image;
+    if (!LocateSignedHeader(file, size, &image) || image.header + kSubsystemAt + 2 > size) return 0;
+    return ReadLe16(file + image.header + kSubsystemAt);
+}

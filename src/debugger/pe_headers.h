@@ -25,3 +25,5 @@ std::uint32_t GetTextBaseRva(const std::uint8_t* file, std::size_t size);
 bool GetTextSectionInfo(const std::uint8_t* file, std::size_t size, TextSectionInfo* out);
 // The optional header's magic: 0x10B, 0x20B, or 0 for anything else.
 std::uint16_t GetPeMagic(const std::uint8_t* file, std::size_t size);
+// The optional header's subsystem (2: windows, 3: console), or 0.
+std::uint16_t GetPeSubsystem(const std::uint8_t* file, std::size_t size);

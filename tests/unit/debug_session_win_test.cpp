@@ -133,7 +133,7 @@ TEST_P(DebugSession, SaysWhyItDoesNotStart) {
         WriteBytes(place, bytes);
         g_said.clear();
         EXPECT_FALSE(StartFile(place));
-        EXPECT_EQ(SaidText(), one.said);
+        EXPECT_TRUE(SaidText().starts_with(one.said)) << SaidText();  // the system's reason follows
         EXPECT_EQ(state.active, 0u);
         EXPECT_EQ(state.map.lines, nullptr);
     }

@@ -4,6 +4,8 @@
 
 #include <Scintilla.h>
 
+#include <regex>
+
 #include "scintilla/margins.h"
 
 namespace {
@@ -74,6 +76,11 @@ void ExpectTexts(const Session& session, const Case& c) {
         session.editor.Do(row.command);
         EXPECT_TRUE(session.editor.AwaitOutput(row.text)) << Utf8(row.text) << "\n" << Utf8(session.editor.Output());
     }
+    const std::string shown = Utf8(session.editor.Output());
+    EXPECT_TRUE(std::regex_search(
+        shown, std::regex("=== Disassembly ===\n0x[0-9A-F]+: bytes( [0-9A-F]{2}){8}\n=== Memory Dump ===\n"
+                          "([0-9A-F]{8,}  ([0-9A-F]{2} ){16} \\|.{16}\\|\n){4}$")))
+        << shown;
 }
 
 void ExpectViews(const Session& session, const Case& c) {

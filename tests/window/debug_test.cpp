@@ -359,3 +359,33 @@ TEST(Debug, ThePaneIsAsWideAsItsBarSays) {
     EXPECT_FALSE(IsWindowVisible(editor.Child(IDC_SPLIT_DEBUG)));
     EXPECT_EQ(editor.Close(), 0u);
 }
+
+TEST(Debug, OnlyABuildThatSucceedsIsDebugged) {
+    const DebugFolder folder("FUNCTION PBMAIN () AS LONG\r\n    nothing = 1\r\nEND FUNCTION\r\n");
+    Editor editor(folder, folder.Arguments());
+    editor.Do(IDM_PROFILE_RELEASE);  // its own flags ask for no line map
+    editor.Do(IDM_DEBUG_BUTTON_START);
+    ASSERT_TRUE(editor.AwaitOutput(L"--- Build failed", kBuildDeadline)) << editor.Describe();
+    EXPECT_TRUE(WaitFor([&] { return editor.Status(0).starts_with(L"Build failed"); }));
+    EXPECT_TRUE(ButtonShown(editor, IDM_DEBUG_BUTTON_START));
+
+    editor.Sci(SCI_SETSEL, 0, -1);
+    editor.Type("FUNCTION PBMAIN () AS LONG\r\n    PRINT 1\r\n    PRINT 2\r\nEND FUNCTION\r\n");
+    editor.Do(IDM_BUILD);  // the start that failed is over: nothing is debugged behind this
+    ASSERT_TRUE(editor.AwaitOutput(L"--- Build succeeded", kBuildDeadline)) << editor.Describe();
+    EXPECT_EQ(editor.Output().find(L"[Debug]"), std::wstring::npos);
+
+    editor.Do(IDM_DEBUG_BUTTON_START);
+    ExpectStopAt(editor, 1);
+    EXPECT_NE(editor.Output().find(L"--debug"), std::wstring::npos);
+    EXPECT_NE(editor.Output().find(L"-O2"), std::wstring::npos) << "the profile's flag stays";
+    for (const auto& [button, line] : {std::pair{IDM_DEBUG_BUTTON_STEP_OVER, 2}, {IDM_DEBUG_BUTTON_STEP_INTO, 3}}) {
+        editor.Do(button);
+        ExpectStopAt(editor, line);
+    }
+    editor.Do(IDM_DEBUG_BUTTON_STEP_OUT);
+    EXPECT_TRUE(editor.AwaitOutput(L" (step out)\n"));
+    editor.Do(IDM_DEBUG_BUTTON_STOP);
+    EXPECT_TRUE(AwaitStatus(editor, L"Debugging stopped"));
+    EXPECT_EQ(editor.Close(), 0u);
+}
