@@ -1,6 +1,7 @@
 // The table of breakpoints and the bytes behind it. UI thread only.
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_process.h"
+#include "debugger/expressions.h"
 #include "debugger/registers.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 // Registers, stack, memory and values of the stopped program as text. UI thread only.
 #include "debugger/debug_inspect.h"
+#include "debugger/expressions.h"
 
 #include "debugger/debug_process.h"
 #include "debugger/inspect_text.h"

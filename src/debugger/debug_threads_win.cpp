@@ -111,20 +111,6 @@ bool DebugResume(DebuggerState* state) {
     return true;
 }
 
-bool DebugStepOffAndResume(DebuggerState* state) {
-    std::uint64_t ip = 0;
-    // Behind a trap of the program's own it may stand before a breakpoint that was not met yet.
-    const bool known = DebugGetIp(*state, state->stopThreadId, &ip) && ip == state->currentAddress;
-    const int index = known ? DebugFindBp(state, ip) : -1;
-    if (index >= 0) DebugRestoreBp(state, ip);
-    for (int i = 0; i < state->breakpointCount; ++i) {
-        DebugBreakpoint& bp = state->breakpoints[static_cast<std::size_t>(i)];
-        if (i != index && bp.temporary == 0) DebugArm(state, &bp);
-    }
-    if (index >= 0) DebugSetIp(*state, state->stopThreadId, ip, true);
-    return DebugResume(state);
-}
-
 void DebugNoteEvent(DebuggerState* state, const DEBUG_EVENT& event) {
     switch (event.dwDebugEventCode) {
         case CREATE_PROCESS_DEBUG_EVENT: OnCreateProcess(state, event.u.CreateProcessInfo, event.dwThreadId); break;

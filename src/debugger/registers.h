@@ -1,4 +1,4 @@
-// A thread's registers as values, for 64-bit and 32-bit programs, and the small expressions over them. Pure.
+// A thread's registers as values, for 64-bit and 32-bit programs. Pure.
 #pragma once
 
 #include <array>
@@ -31,25 +31,8 @@ std::vector<RegisterRow> RegisterRows(const RegisterSet& registers);
 // A general register, instruction pointer or part of one (AL, AX, EAX, R8D, R8W, R8B ...) by name, any letter case.
 std::optional<std::uint64_t> RegisterByName(const RegisterSet& registers, std::string_view name);
 
+// A 64-bit general register or RIP by its whole name, any letter case.
+std::optional<std::uint64_t> FullRegisterByName(const RegisterSet& registers, std::string_view name);
+
 // "RAX=... " in five lines; for 32-bit programs the text that says so.
 std::wstring FormatRegisters(const RegisterSet& registers);
-
-// A condition's side: hexadecimal with 0x, decimal up to the first other character, or for a 64-bit program a 64-bit
-// register's name that is the whole rest of the text. Everything else is 0; a blank after a register's name, too.
-std::uint64_t EvaluateExpression(const RegisterSet& registers, std::string_view text);
-
-// "left OP right", split at the first of >=, <=, !=, ==, >, < (tried in this order) that occurs anywhere.
-struct Condition {
-    enum class Operator { None, GreaterEqual, LessEqual, NotEqual, Equal, Greater, Less } op = Operator::None;
-    std::string_view left, right;  // without leading blanks and tabs
-};
-Condition ParseCondition(std::string_view text);
-bool Compare(Condition::Operator op, std::uint64_t left, std::uint64_t right);  // None: true
-
-// What the debug pane accepts as an address or a value: numbers (0x1F, &H1F, 31), registers of both kinds of program and
-// their parts, + - * and brackets. Nothing, with the reason, for anything else.
-struct Evaluation {
-    std::optional<std::uint64_t> value;
-    std::wstring problem;
-};
-Evaluation EvaluatePaneExpression(const RegisterSet& registers, std::string_view text);

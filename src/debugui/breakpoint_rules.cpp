@@ -1,6 +1,7 @@
 // Matching, drawing and scrolling rules. Must not know an editor.
 #include "debugui/breakpoint_rules.h"
 
+#include "debugger/expressions.h"
 #include "debugger/registers.h"
 
 #include "files/path.h"

@@ -4,6 +4,7 @@
 
 #include "app/app_state.h"
 #include "debugger/debug_inspect.h"
+#include "debugger/expressions.h"
 #include "debugui/location.h"
 #include "files/file_io.h"
 #include "files/handles.h"

@@ -3,6 +3,7 @@
 
 #include "app/app_state.h"
 #include "debugger/debug_inspect.h"
+#include "debugger/expressions.h"
 
 #include <array>
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "debugger/hex_text.h"
+#include "debugger/expressions.h"
 #include "debugger/registers.h"
 
 #include <cstdint>

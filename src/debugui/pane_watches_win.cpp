@@ -4,6 +4,7 @@
 
 #include "app/app_state.h"
 #include "debugger/debug_inspect.h"
+#include "debugger/expressions.h"
 #include "debugger/debug_session.h"
 #include "debugui/pane_internal.h"
 #include "files/handles.h"

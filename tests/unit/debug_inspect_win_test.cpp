@@ -1,5 +1,6 @@
 // Views of a stopped program as text, from real programs with known registers, memory and stacks.
 #include "debugger/debug_inspect.h"
+#include "debugger/expressions.h"
 
 #include "debug_fixture.h"
 

@@ -1,0 +1,144 @@
+// The two readers of expressions: the plain one of conditions, and the pane's with sums and brackets. Must not know a
+// thread.
+#include "debugger/expressions.h"
+
+#include "debugger/scan_text.h"
+
+namespace {
+
+// Sums, products and brackets, read from left to right.
+class PaneParser {
+public:
+    PaneParser(const RegisterSet& registers, std::string_view text) : registers_(registers), rest_(text) {}
+
+    Evaluation Run() {
+        const std::uint64_t value = Sum();
+        Skip();
+        if (problem_.empty() && !rest_.empty()) Fail(L"not understood from here: " + Shown(rest_));
+        if (!problem_.empty()) return {.value = std::nullopt, .problem = problem_};
+        return {.value = registers_.x64 ? value : value & 0xFFFFFFFF, .problem = {}};
+    }
+
+private:
+    static constexpr int kDeepest = 32;
+
+    static std::wstring Shown(std::string_view text) {
+        std::wstring wide;
+        for (const char c : text.substr(0, 40)) wide += c >= ' ' && c < 127 ? static_cast<wchar_t>(c) : L'?';
+        return wide;
+    }
+    void Fail(std::wstring text) {
+        if (problem_.empty()) problem_ = std::move(text);
+    }
+    void Skip() { rest_ = WithoutLeadingBlanks(rest_); }
+    bool Take(char c) {
+        Skip();
+        if (rest_.empty() || rest_.front() != c) return false;
+        rest_.remove_prefix(1);
+        return true;
+    }
+    std::uint64_t Sum() {
+        std::uint64_t value = Product();
+        for (;;) {
+            if (Take('+'))
+                value += Product();
+            else if (Take('-'))
+                value -= Product();
+            else
+                return value;
+        }
+    }
+    std::uint64_t Product() {
+        std::uint64_t value = Operand();
+        while (Take('*')) value *= Operand();
+        return value;
+    }
+    std::uint64_t Operand() {
+        if (!problem_.empty()) return 0;
+        if (++depth_ > kDeepest) {
+            Fail(L"too many brackets");
+            return 0;
+        }
+        const std::uint64_t value = OperandInside();
+        --depth_;
+        return value;
+    }
+    std::uint64_t OperandInside() {
+        if (Take('-')) return 0 - Operand();
+        if (Take('(')) {
+            const std::uint64_t value = Sum();
+            if (!Take(')')) Fail(L"a bracket is not closed");
+            return value;
+        }
+        Skip();
+        if (rest_.empty()) {
+            Fail(L"a value is missing");
+            return 0;
+        }
+        return IsDigit(rest_.front()) || rest_.front() == '&' ? Number() : Name();
+    }
+    std::uint64_t Number() {
+        const bool hexadecimal = TakePrefix(&rest_, "0X") || TakePrefix(&rest_, "&H");
+        const auto value = TakeNumber(&rest_, hexadecimal ? 16 : 10);
+        if (!value) Fail(L"a number is missing");
+        return value.value_or(0);
+    }
+    std::uint64_t Name() {
+        std::size_t length = 0;
+        const auto inName = [](char c) { return IsDigit(c) || (UpperAscii(c) >= 'A' && UpperAscii(c) <= 'Z'); };
+        while (length < rest_.size() && inName(rest_[length])) ++length;
+        const std::string_view name = rest_.substr(0, length);
+        rest_.remove_prefix(length);
+        const auto value = RegisterByName(registers_, name);
+        if (!value) Fail(name.empty() ? L"not understood from here: " + Shown(rest_) : L"no register: " + Shown(name));
+        return value.value_or(0);
+    }
+
+    const RegisterSet& registers_;
+    std::string_view rest_;
+    std::wstring problem_;
+    int depth_ = 0;
+};
+
+}  // namespace
+
+std::uint64_t EvaluateExpression(const RegisterSet& registers, std::string_view text) {
+    text = WithoutLeadingBlanks(text);
+    std::string_view digits = text;
+    if (TakePrefix(&digits, "0X")) return TakeNumber(&digits, 16).value_or(0);
+    if (!text.empty() && IsDigit(text.front())) return TakeNumber(&text, 10).value_or(0);
+    return registers.x64 ? FullRegisterByName(registers, text).value_or(0) : 0;
+}
+
+Condition ParseCondition(std::string_view text) {
+    using Operator = Condition::Operator;
+    constexpr struct {
+        std::string_view sign;
+        Operator op;
+    } kSigns[] = {{">=", Operator::GreaterEqual}, {"<=", Operator::LessEqual}, {"!=", Operator::NotEqual},
+                  {"==", Operator::Equal},        {">", Operator::Greater},    {"<", Operator::Less}};
+    for (const auto& row : kSigns) {
+        const std::size_t at = text.find(row.sign);
+        if (at == std::string_view::npos) continue;
+        return {.op = row.op,
+                .left = WithoutLeadingBlanks(text.substr(0, at)),
+                .right = WithoutLeadingBlanks(text.substr(at + row.sign.size()))};
+    }
+    return {};
+}
+
+bool Compare(Condition::Operator op, std::uint64_t left, std::uint64_t right) {
+    switch (op) {
+        case Condition::Operator::GreaterEqual: return left >= right;
+        case Condition::Operator::LessEqual: return left <= right;
+        case Condition::Operator::NotEqual: return left != right;
+        case Condition::Operator::Equal: return left == right;
+        case Condition::Operator::Greater: return left > right;
+        case Condition::Operator::Less: return left < right;
+        default: return true;
+    }
+}
+
+Evaluation EvaluatePaneExpression(const RegisterSet& registers, std::string_view text) {
+    return PaneParser(registers, text).Run();
+}
