@@ -33,8 +33,8 @@ std::wstring ConditionNotice(std::string_view condition) {
         if (EvaluateExpression(ones, side) != 0) continue;
         const std::string_view bare = side.substr(0, side.find_last_not_of(" \t") + 1);
         if (bare.size() != side.size() && EvaluateExpression(ones, bare) != 0)
-            return L"A register must stand directly before the comparison; with a blank between it counts as 0.";
-        return L"One side is neither a number nor a 64-bit register: it counts as 0.";
+            return L"A blank before the comparison makes the register count as 0.";
+        return L"A side that is no number and no 64-bit register counts as 0.";
     }
     return L"";
 }

@@ -19,9 +19,16 @@ TEST(Condition, SaysWhatItWillNotDo) {
         const char* condition;
         const wchar_t* part;  // of the notice; empty: none
     } cases[] = {
-        {"", L""},           {"RAX==3", L""},         {"0x10 >= rip", L""},    {"7 > 3", L""},
-        {"RAX", L"always"},  {"RAX == 3", L"blank"},  {"3 == RAX ", L"blank"}, {"EAX==3", L"neither"},
-        {"==3", L"neither"}, {"total>5", L"neither"},
+        {"", L""},
+        {"RAX==3", L""},
+        {"0x10 >= rip", L""},
+        {"7 > 3", L""},
+        {"RAX", L"always"},
+        {"RAX == 3", L"blank"},
+        {"3 == RAX ", L"blank"},
+        {"EAX==3", L"no number"},
+        {"==3", L"no number"},
+        {"total>5", L"no number"},
     };
     for (const auto& c : cases) {
         const std::wstring notice = ConditionNotice(c.condition);
