@@ -3,6 +3,7 @@
 
 #include "debug_fixture.h"
 
+#include <algorithm>
 #include <functional>
 
 namespace {
@@ -166,9 +167,9 @@ TEST_P(DebugSession, StopsInTheThreadThatRunsOntoTheBreakpoint) {
     ASSERT_EQ(Arrive(), 7);
     EXPECT_NE(state.stopThreadId, mainThread);
     EXPECT_EQ(Count(), 77u) << "registers of the thread that stopped";
-    ASSERT_EQ(state.threads.size(), 2u);
+    ASSERT_GE(state.threads.size(), 2u);  // some systems load libraries with threads of their own
     EXPECT_EQ(state.threads[0].id, mainThread);
-    EXPECT_EQ(state.threads[1].id, state.stopThreadId);
+    EXPECT_NE(std::ranges::find(state.threads, state.stopThreadId, &DebugThread::id), state.threads.end());
     RegisterSet waiting;
     EXPECT_TRUE(DebugGetRegisters(&state, mainThread, &waiting));
     EXPECT_NE(waiting.ip, Registers().ip);
