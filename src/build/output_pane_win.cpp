@@ -73,9 +73,12 @@ void SetFormat(HWND pane, WPARAM scope) {
     CHARFORMAT2W format = {};
     format.cbSize = sizeof(format);
     // A Rich Edit starts out with the system font, which is bold.
-    format.dwMask = CFM_FACE | CFM_SIZE | CFM_BOLD | CFM_COLOR;
+    // The family says what to take where the font is missing: columns need a fixed pitch.
+    format.dwMask = CFM_FACE | CFM_CHARSET | CFM_SIZE | CFM_BOLD | CFM_COLOR;
     format.yHeight = g_app.settings.outputFontSize * 20;  // twips
     format.crTextColor = ThemeCurrentChrome().paneText;
+    format.bPitchAndFamily = FIXED_PITCH | FF_MODERN;
+    format.bCharSet = DEFAULT_CHARSET;
     lstrcpynW(format.szFaceName, g_app.settings.outputFont, static_cast<int>(std::size(format.szFaceName)));
     SendMessageW(pane, EM_SETCHARFORMAT, scope, reinterpret_cast<LPARAM>(&format));
 }
