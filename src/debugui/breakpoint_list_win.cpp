@@ -52,9 +52,9 @@ void Plant(UserBreakpoint& breakpoint) {
     const std::uint32_t fileId = DebugFileIdOfPath(&state, breakpoint.path.c_str());
     const std::uint32_t rva = fileId != 0 ? SdbgFileLineToRva(&state.map, fileId, breakpoint.line) : 0;
     if (fileId == 0) {
-        Refuse(breakpoint, BreakpointStatus::NoCode, L"This file is not part of the program that is debugged.");
+        Refuse(breakpoint, BreakpointStatus::NoCode, L"This file is not part of the program.");
     } else if (rva == 0) {
-        Refuse(breakpoint, BreakpointStatus::NoCode, L"No code on this line: the program never stops here.");
+        Refuse(breakpoint, BreakpointStatus::NoCode, L"No code on this line: never stops here.");
     } else if (!DebugSetBreakpointIn(&state, fileId, breakpoint.line)) {
         Refuse(breakpoint, BreakpointStatus::Refused,
                state.breakpointCount >= kMaxBreakpoints ? L"Not set: the program has 64 breakpoints already."

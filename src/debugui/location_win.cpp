@@ -89,7 +89,17 @@ Place PlaceOfStop(const DebuggerState& state) {
     return {.path = DebugFilePath(&state, fileId), .line = static_cast<int>(line)};
 }
 
+void RemoveMark() {
+    if (IsOpen(g_mark.editor)) {
+        SciSend(g_mark.editor, SCI_MARKERDELETEHANDLE, static_cast<WPARAM>(g_mark.arrow));
+        SciSend(g_mark.editor, SCI_MARKERDELETEHANDLE, static_cast<WPARAM>(g_mark.background));
+    }
+    g_mark = {};
+}
+
+// There is one mark: a file that was opened to show the stop has it already.
 void PutMark(HWND editor, int line) {
+    RemoveMark();
     const auto index = static_cast<WPARAM>(line - 1);
     g_mark = {.editor = editor,
               .arrow = static_cast<int>(SciSend(editor, SCI_MARKERADD, index, kMarkCurrent)),
@@ -179,13 +189,7 @@ void DebugShowCurrentLocation(const DebuggerState* state, const wchar_t* suffix)
     DebugMarkLocation(state);
 }
 
-void DebugClearLocation() {
-    if (IsOpen(g_mark.editor)) {
-        SciSend(g_mark.editor, SCI_MARKERDELETEHANDLE, static_cast<WPARAM>(g_mark.arrow));
-        SciSend(g_mark.editor, SCI_MARKERDELETEHANDLE, static_cast<WPARAM>(g_mark.background));
-    }
-    g_mark = {};
-}
+void DebugClearLocation() { RemoveMark(); }
 
 void DebugRestoreLocation(HWND editor) {
     const DebuggerState& state = g_app.debugger;
@@ -193,7 +197,6 @@ void DebugRestoreLocation(HWND editor) {
     if (state.active == 0 || state.run != DebugRun::Stopped || tab < 0) return;
     const Place place = PlaceOfStop(state);
     if (place.path.empty() || !PathEqualsIgnoreCase(place.path, g_app.tabs[static_cast<std::size_t>(tab)].path)) return;
-    DebugClearLocation();
     PutMark(editor, place.line);
 }
 

@@ -13,7 +13,15 @@
 namespace {
 
 constexpr UINT_PTR kSubclassId = 1;
-constexpr int kWidestTab = 104;  // at 96 dpi
+constexpr int kWidestBlank = 14;  // beside a title, at 96 dpi
+
+// What the row was last fitted to: each refresh of the pane asks again.
+struct Fit {
+    HWND tabs = nullptr;
+    int width = 0, titles = 0;
+    bool operator==(const Fit&) const = default;
+};
+Fit g_fit;
 
 void DrawTab(HDC dc, const RECT& body, const wchar_t* title, bool active, bool focused) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
@@ -35,6 +43,31 @@ void DrawTab(HDC dc, const RECT& body, const wchar_t* title, bool active, bool f
     FrameRect(dc, &ring, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
 }
 
+std::wstring TitleOf(HWND tabs, int index) {
+    wchar_t title[32] = {};
+    TCITEMW item = {};
+    item.mask = TCIF_TEXT;
+    item.pszText = title;
+    item.cchTextMax = static_cast<int>(std::size(title));
+    SendMessageW(tabs, TCM_GETITEMW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
+    return title;
+}
+
+int TitlesWidth(HWND tabs) {
+    int width = 0;
+    const HDC dc = GetDC(tabs);
+    const HGDIOBJ oldFont = SelectObject(dc, PaneFontsNow().text);
+    for (int i = 0; i < kDebugTabCount; ++i) {
+        const std::wstring title = TitleOf(tabs, i);
+        SIZE size = {};
+        GetTextExtentPoint32W(dc, title.c_str(), static_cast<int>(title.size()), &size);
+        width += size.cx;
+    }
+    SelectObject(dc, oldFont);
+    ReleaseDC(tabs, dc);
+    return width;
+}
+
 void DrawRow(HWND tabs, HDC dc, const RECT& client) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     PaneFillRect(dc, client, chrome.tabBack);
@@ -42,18 +75,12 @@ void DrawRow(HWND tabs, HDC dc, const RECT& client) {
     const HGDIOBJ oldFont = SelectObject(dc, PaneFontsNow().text);
     SetBkMode(dc, TRANSPARENT);
     const LRESULT active = SendMessageW(tabs, TCM_GETCURSEL, 0, 0);
-    for (LRESULT i = 0; i < kDebugTabCount; ++i) {
+    for (int i = 0; i < kDebugTabCount; ++i) {
         RECT body = {};
-        wchar_t title[32] = {};
-        TCITEMW item = {};
-        item.mask = TCIF_TEXT;
-        item.pszText = title;
-        item.cchTextMax = static_cast<int>(std::size(title));
         SendMessageW(tabs, TCM_GETITEMRECT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&body));
-        SendMessageW(tabs, TCM_GETITEMW, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
         body.top = client.top;
         body.bottom = client.bottom;
-        DrawTab(dc, body, title, i == active, GetFocus() == tabs);
+        DrawTab(dc, body, TitleOf(tabs, i).c_str(), i == active, GetFocus() == tabs);
     }
     SelectObject(dc, oldFont);
 }
@@ -121,19 +148,28 @@ LRESULT CALLBACK AddressProc(HWND box, UINT message, WPARAM wParam, LPARAM lPara
 
 HWND PaneTabsCreate(HWND parent) {
     const HWND tabs = CreateWindowExW(
-        0, WC_TABCONTROLW, nullptr,
-        WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_TABSTOP | TCS_OWNERDRAWFIXED | TCS_FIXEDWIDTH, 0, 0, 0, 0, parent,
-        reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_DEBUG_TABS)), g_app.hInstance, nullptr);
+        0, WC_TABCONTROLW, nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_TABSTOP | TCS_OWNERDRAWFIXED, 0, 0, 0,
+        0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_DEBUG_TABS)), g_app.hInstance, nullptr);
     if (tabs != nullptr) SetWindowSubclass(tabs, TabsProc, kSubclassId, 0);
     return tabs;
 }
 
 void PaneTabsFit(HWND tabs, int width) {
+    const Fit fit = {tabs, width, TitlesWidth(tabs)};
+    if (fit == g_fit) return;
+    g_fit = fit;
     // The control wants a few pixels beside its tabs; without them it shows arrows.
-    const int each = std::clamp((width - PaneScaled(6)) / kDebugTabCount, 1, PaneScaled(kWidestTab));
-    const auto size = MAKELPARAM(each, PaneScaled(22));
-    const auto old = static_cast<LPARAM>(SendMessageW(tabs, TCM_SETITEMSIZE, 0, size));
-    if (old != size) InvalidateRect(tabs, nullptr, FALSE);
+    const int room = width - PaneScaled(6);
+    const int blank = (room - fit.titles) / (2 * kDebugTabCount);
+    // With room for all titles each tab is as wide as its own; without, all share alike and the longest are shortened.
+    const bool alike = blank < PaneScaled(3);
+    const LONG_PTR style = GetWindowLongPtrW(tabs, GWL_STYLE);
+    const LONG_PTR wanted = alike ? style | TCS_FIXEDWIDTH : style & ~LONG_PTR{TCS_FIXEDWIDTH};
+    if (style != wanted) SetWindowLongPtrW(tabs, GWL_STYLE, wanted);
+    const int each = std::max(room / kDebugTabCount, 1);
+    SendMessageW(tabs, TCM_SETPADDING, 0, MAKELPARAM(std::clamp(blank, 0, PaneScaled(kWidestBlank)), 0));
+    SendMessageW(tabs, TCM_SETITEMSIZE, 0, MAKELPARAM(each, PaneScaled(22)));
+    InvalidateRect(tabs, nullptr, FALSE);
 }
 
 HWND PaneAddressCreate(HWND parent) {

@@ -278,6 +278,15 @@ TEST(Debug, BreakpointsStayWithTheirLines) {
     EXPECT_TRUE(editor.AwaitOutput(L"[Debug] Stopped at steps.bas:14\n"));
     ExpectStopAt(editor, 14);
     EXPECT_EQ(editor.Output().find(L"steps.bas:16"), std::wstring::npos);
+
+    // A stop opens its file again, and the mark put there goes with the next one.
+    editor.Do(IDM_FILE_CLOSE);
+    ASSERT_EQ(editor.Tabs(), 1);
+    editor.Do(IDM_DEBUG_CONTINUE);
+    ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == 2; }));
+    ExpectStopAt(editor, 14);
+    editor.Do(IDM_DEBUG_STEP_OVER);
+    ExpectStopAt(editor, 15);
     EXPECT_EQ(editor.Close(), 0u);
     EXPECT_TRUE(WaitFor([] { return CountProcesses(L"steps.exe") == 0; }));
 }
