@@ -173,6 +173,7 @@ void Select(DebugTab tab) {
     SendMessageW(g_frame.tabs, TCM_SETCURSEL, static_cast<WPARAM>(tab), 0);
     SetWindowTextW(g_frame.address, g_frame.addresses[static_cast<std::size_t>(tab)].c_str());
     SendMessageW(g_frame.address, EM_SETCUEBANNER, FALSE, reinterpret_cast<LPARAM>(PaneCurrentView().addressCue));
+    InvalidateRect(g_frame.address, nullptr, TRUE);  // Wine leaves the old cue standing
     PaneListShowView(tab);
     if (IsShown())
         Refresh();  // not a moment with the rows of an earlier stop

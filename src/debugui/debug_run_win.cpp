@@ -22,6 +22,7 @@
 
 #include <algorithm>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -119,6 +120,66 @@ bool PumpWhileStarting() {
     for (int paints = 0; paints < 32 && PeekMessageW(&message, nullptr, WM_PAINT, WM_PAINT, PM_REMOVE); ++paints)
         DispatchMessageW(&message);
     return g_stopWanted;
+}
+
+// --- The program and its sources
+
+struct BuiltProgram {
+    std::wstring executable;
+    std::wstring source;
+    std::uint32_t compilerId = 0;
+};
+
+BuiltProgram LastBuild() {
+    EnterCriticalSection(&g_buildCs);
+    BuiltProgram program{g_app.build.outputPath, g_app.build.sourcePath, g_app.build.compilerId};
+    LeaveCriticalSection(&g_buildCs);
+    return program;
+}
+
+bool WriteTime(const std::wstring& path, FILETIME* time) {
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    if (!GetFileAttributesExW(PathForSystem(path.c_str()).c_str(), GetFileExInfoStandard, &data)) return false;
+    *time = data.ftLastWriteTime;
+    return true;
+}
+
+std::vector<std::wstring> g_saidOfFiles;  // in this session: each warning comes once
+
+void WarnOnce(const wchar_t* format, const std::wstring& path) {
+    wchar_t name[kPathCapacity] = {};
+    PathGetFile(path.c_str(), name, kPathCapacity);
+    const std::wstring text = FormatW(format, name);
+    if (std::ranges::find(g_saidOfFiles, text) != g_saidOfFiles.end()) return;
+    g_saidOfFiles.push_back(text);
+    DebugSay(kOrange, L"%s", text.c_str());
+}
+
+// Lines that the program does not have would be shown as if it had.
+void WarnOfStaleFile(const std::wstring& path, const FILETIME& built) {
+    FILETIME written = {};
+    if (WriteTime(path, &written) && CompareFileTime(&written, &built) > 0)
+        WarnOnce(L"[Debug] %s is newer than the program: its lines may not be those that run.\n", path);
+    for (const DocumentTab& tab : g_app.tabs) {
+        if (tab.modified && tab.hasFile && PathEqualsIgnoreCase(tab.path, path))
+            WarnOnce(L"[Debug] %s has changes that are not saved: the program runs without them.\n", path);
+    }
+}
+
+void WarnOfStaleFiles(const BuiltProgram& program) {
+    const DebuggerState& state = g_app.debugger;
+    FILETIME built = {};
+    if (!WriteTime(program.executable, &built)) return;
+    if (state.map.fileCount == 0) WarnOfStaleFile(program.source, built);
+    for (std::int32_t i = 0; i < state.map.fileCount; ++i)
+        WarnOfStaleFile(DebugFilePath(&state, state.map.files[i].fileId), built);
+}
+
+// The source may have been edited since the program was started.
+void WarnOfStaleStop() {
+    const std::wstring path = DebugFilePath(&g_app.debugger, g_app.debugger.currentFileId);
+    FILETIME built = {};
+    if (!path.empty() && WriteTime(LastBuild().executable, &built)) WarnOfStaleFile(path, built);
 }
 
 // --- What comes of a wait
@@ -228,6 +289,7 @@ void ShowStopAround() {
     g_follow.unseen = false;
     ComeToFront();
     SetStatus(L"Stopped at " + DebugPlaceText(&g_app.debugger));
+    WarnOfStaleStop();
     DebugPaneInvalidate();
     MainWindow_RequestStateRefresh();
 }
@@ -269,46 +331,6 @@ void BeginFollowing() {
 
 // --- Start
 
-struct BuiltProgram {
-    std::wstring executable;
-    std::wstring source;
-    std::uint32_t compilerId = 0;
-};
-
-BuiltProgram LastBuild() {
-    EnterCriticalSection(&g_buildCs);
-    BuiltProgram program{g_app.build.outputPath, g_app.build.sourcePath, g_app.build.compilerId};
-    LeaveCriticalSection(&g_buildCs);
-    return program;
-}
-
-bool WriteTime(const std::wstring& path, FILETIME* time) {
-    WIN32_FILE_ATTRIBUTE_DATA data = {};
-    if (!GetFileAttributesExW(PathForSystem(path.c_str()).c_str(), GetFileExInfoStandard, &data)) return false;
-    *time = data.ftLastWriteTime;
-    return true;
-}
-
-// Lines that the program does not have would be shown as if it had.
-void WarnOfStaleFiles(const BuiltProgram& program) {
-    const DebuggerState& state = g_app.debugger;
-    FILETIME built = {};
-    if (!WriteTime(program.executable, &built)) return;
-    const auto warn = [&](const std::wstring& path) {
-        wchar_t name[kPathCapacity] = {};
-        PathGetFile(path.c_str(), name, kPathCapacity);
-        FILETIME written = {};
-        if (WriteTime(path, &written) && CompareFileTime(&written, &built) > 0)
-            DebugSay(kOrange, L"[Debug] %s is newer than the program: its lines may not be those that run.\n", name);
-        for (const DocumentTab& tab : g_app.tabs) {
-            if (tab.modified && tab.hasFile && PathEqualsIgnoreCase(tab.path, path))
-                DebugSay(kOrange, L"[Debug] %s has changes that are not saved: the program runs without them.\n", name);
-        }
-    };
-    if (state.map.fileCount == 0) warn(program.source);
-    for (std::int32_t i = 0; i < state.map.fileCount; ++i) warn(DebugFilePath(&state, state.map.files[i].fileId));
-}
-
 // Whether it succeeded, the state tells; why not, the output pane.
 void StartProgram(const BuiltProgram& program) {
     g_stopWanted = g_closeWanted = false;
@@ -333,6 +355,7 @@ void DebugRunStart() {
     if (program.executable.empty()) return;
     DebugSetSourcePath(program.source.c_str());
     DebugForgetFiles();
+    g_saidOfFiles.clear();
     g_follow = {};
     g_app.debug.debugging = g_app.debug.debuggerActive = true;
     SetStatus(L"Starting the program...");

@@ -285,8 +285,11 @@ TEST(Debug, BreakpointsStayWithTheirLines) {
     editor.Do(IDM_DEBUG_CONTINUE);
     ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == 2; }));
     ExpectStopAt(editor, 14);
+    editor.Type("'");
     editor.Do(IDM_DEBUG_STEP_OVER);
     ExpectStopAt(editor, 15);
+    EXPECT_TRUE(editor.AwaitOutput(L"[Debug] steps.bas has changes that are not saved"));
+    editor.Do(IDM_EDIT_UNDO);
     EXPECT_EQ(editor.Close(), 0u);
     EXPECT_TRUE(WaitFor([] { return CountProcesses(L"steps.exe") == 0; }));
 }
