@@ -111,7 +111,8 @@ bool PumpWhileStarting() {
         if (IsStopKey(message)) g_stopWanted = true;
     }
     while (PeekMessageW(&message, g_app.hToolbar, WM_LBUTTONDOWN, WM_LBUTTONDBLCLK, PM_REMOVE)) {
-        if (message.message != WM_LBUTTONUP && IsStopClick(message)) g_stopWanted = true;
+        // The second half of a double-click was meant for Start, which stood in the same place.
+        if (message.message == WM_LBUTTONDOWN && IsStopClick(message)) g_stopWanted = true;
     }
     while (PeekMessageW(&message, g_app.hMainWnd, WM_NCLBUTTONDOWN, WM_NCLBUTTONDBLCLK, PM_REMOVE)) {
         if (message.message == WM_NCLBUTTONDOWN && message.wParam == HTCLOSE) DebugStopWaiting(true);
