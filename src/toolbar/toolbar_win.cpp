@@ -231,6 +231,15 @@ std::wstring TipOf(int command) {
 }
 
 // The bar's own background follows the theme; the control has no colour of its own for it.
+// Stop takes the place of Start: the second half of a double-click on that was not meant for it.
+bool IsSecondClickOnStop(HWND bar, UINT message, LPARAM lParam) {
+    if (message != WM_LBUTTONDBLCLK) return false;
+    POINT at = {static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
+    RECT stop = {};
+    return SendMessageW(bar, TB_GETRECT, IDM_DEBUG_BUTTON_STOP, reinterpret_cast<LPARAM>(&stop)) != 0 &&
+           PtInRect(&stop, at) != FALSE;
+}
+
 LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
     if (message == WM_ERASEBKGND) {
         const ThemeChrome& chrome = ThemeCurrentChrome();
@@ -241,6 +250,7 @@ LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
         FillArea(reinterpret_cast<HDC>(wParam), area, chrome.line);
         return 1;
     }
+    if (IsSecondClickOnStop(window, message, lParam)) return 0;
     if (message == WM_LBUTTONUP) g_applied.reset();  // a click turns a check button over by itself
     if (message == WM_NCDESTROY) RemoveWindowSubclass(window, ToolbarProc, 1);
     return DefSubclassProc(window, message, wParam, lParam);
