@@ -4,6 +4,7 @@
 #include "app/app_state.h"
 #include "app/main_window.h"
 #include "app/shell.h"
+#include "debugui/debug_pane.h"
 #include "language/theme.h"
 #include "resources/ids.h"
 #include "tabs/tab_bar.h"
@@ -96,6 +97,9 @@ void PlaceAll(const PaneLayout& layout) {
 void MainWindow_Layout() {
     RECT client = {};
     if (g_app.hMainWnd == nullptr || !GetClientRect(g_app.hMainWnd, &client) || IsIconic(g_app.hMainWnd)) return;
+    // Made when it is first shown: a start should not pay for windows that it does not show.
+    if (g_app.showDebugPane && g_app.hDebugPane == nullptr)
+        g_app.hDebugPane = DebugPaneCreate(g_app.hMainWnd, IDC_DEBUG_PANE);
     const PaneLayout layout = ComputePaneLayout(InputOf(client.right, client.bottom));
     PlaceAll(layout);
 }

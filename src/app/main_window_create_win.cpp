@@ -74,7 +74,6 @@ void CreatePanes(HWND window) {
         SendMessageW(g_app.hTerminal, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
     }
     CreateSplitter(window, IDC_SPLIT_DEBUG);
-    g_app.hDebugPane = DebugPaneCreate(window, IDC_DEBUG_PANE);
     CreateSplitter(window, IDC_SPLIT_TREE);
     g_app.hProjectTree = ProjectTreeCreate(window, IDC_PROJECT_TREE);
     g_app.hStatusBar = StatusBarCreate(window, IDC_STATUS_BAR);

@@ -26,8 +26,8 @@ struct Session {
         : sourceName(fileName),
           editor(Prepared(folder, sourceName, source),
                  L" --open \"" + folder.File(sourceName) + L"\" --compiler " + compiler) {
+        editor.Do(IDM_VIEW_DEBUG_PANE);
         pane = editor.Child(IDC_DEBUG_PANE);
-        if (!IsWindowVisible(pane)) editor.Do(IDM_VIEW_DEBUG_PANE);
     }
     static const ProgramFolder& Prepared(const ProgramFolder& folder, const std::wstring& fileName,
                                          std::string_view source) {
