@@ -5,8 +5,11 @@
 #include "debugger/stop_rules.h"
 
 #include "app/log.h"
+#include "build/decode.h"
+#include "files/handles.h"
 
 #include <algorithm>
+#include <cstring>
 #include <string>
 #include <utility>
 #include <vector>
@@ -45,26 +48,13 @@ int GoOn(DebuggerState* state) {
     return kGoOn;
 }
 
-std::wstring TextOfProgram(std::vector<char>& bytes) {
-    bytes.push_back('\0');
-    const char* text = bytes.data();
-    for (const UINT codePage : {static_cast<UINT>(CP_UTF8), static_cast<UINT>(CP_ACP)}) {
-        const DWORD flags = codePage == CP_UTF8 ? MB_ERR_INVALID_CHARS : 0;
-        const int length = MultiByteToWideChar(codePage, flags, text, -1, nullptr, 0);
-        if (length <= 0) continue;
-        std::wstring wide(static_cast<std::size_t>(length), L'\0');
-        MultiByteToWideChar(codePage, flags, text, -1, wide.data(), length);
-        wide.pop_back();
-        return wide;
-    }
-    return {};
-}
-
 void OnDebugString(const DebuggerState& state, const OUTPUT_DEBUG_STRING_INFO& info) {
     std::vector<char> bytes(info.nDebugStringLength);
     const auto address = reinterpret_cast<std::uint64_t>(info.lpDebugStringData);
     if (!bytes.empty() && !DebugReadRaw(state, address, bytes.data(), bytes.size())) return;
-    std::wstring text = TextOfProgram(bytes);
+    bytes.push_back('\0');
+    const HeapBlock<wchar_t> decoded(DecodeCompilerText(bytes.data(), std::strlen(bytes.data())));
+    std::wstring text = decoded ? decoded.get() : L"";
     if (text.empty() || text.back() != L'\n') text += L'\n';  // the next message begins a line of its own
     DebugSay(kDebugTeal, L"[Debug] %s", text.c_str());
 }

@@ -6,6 +6,7 @@
 #include "app/shell.h"
 #include "build/build_paths.h"
 #include "build/build_runner.h"
+#include "build/decode.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_session.h"
 #include "debugger/line_map.h"
@@ -19,6 +20,7 @@
 #include "scintilla/sci.h"
 #include "tabs/tab_bar.h"
 
+#include <cstring>
 #include <vector>
 
 namespace {
@@ -39,25 +41,12 @@ struct KnownFile {
 };
 std::vector<KnownFile> g_files;  // of the map in use: a path costs several calls to work out
 
-// As the producer of the map wrote it: UTF-8, or else the system's code page.
-std::wstring TextOfProducer(const char* text) {
-    for (const UINT codePage : {static_cast<UINT>(CP_UTF8), static_cast<UINT>(CP_ACP)}) {
-        const DWORD flags = codePage == CP_UTF8 ? MB_ERR_INVALID_CHARS : 0;
-        const int length = MultiByteToWideChar(codePage, flags, text, -1, nullptr, 0);
-        if (length <= 0) continue;
-        std::wstring wide(static_cast<std::size_t>(length), L'\0');
-        MultiByteToWideChar(codePage, flags, text, -1, wide.data(), length);
-        wide.pop_back();
-        return wide;
-    }
-    return {};
-}
-
 std::wstring WorkOutPath(const SdbgMap& map, std::uint32_t fileId) {
     const std::wstring source = DebugSourcePath();
     const char* name = SdbgFileIdToPath(&map, fileId);
     if (name == nullptr || name[0] == '\0') return map.fileCount == 0 && fileId == 1 ? source : std::wstring();
-    std::wstring path = MapPath(TextOfProducer(name), FolderOf(source));
+    const HeapBlock<wchar_t> decoded(DecodeCompilerText(name, std::strlen(name)));
+    std::wstring path = MapPath(decoded ? decoded.get() : L"", FolderOf(source));
     wchar_t whole[kPathCapacity] = {};
     if (PathNormalizeInput(path.c_str(), whole, kPathCapacity)) path = whole;
     // The compiler saw a copy: the user knows the original.
