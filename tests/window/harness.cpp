@@ -48,7 +48,11 @@ std::optional<std::string> ReadBytes(const std::wstring& path) {
 }
 
 void WriteBytes(const std::wstring& path, std::string_view bytes) {
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    HANDLE file = INVALID_HANDLE_VALUE;
+    WaitFor([&] {  // the program may be reading it for a moment
+        file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+        return file != INVALID_HANDLE_VALUE;
+    });
     ASSERT_NE(file, INVALID_HANDLE_VALUE) << "cannot write " << Utf8(path);
     DWORD put = 0;
     WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &put, nullptr);
