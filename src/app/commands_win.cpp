@@ -8,6 +8,7 @@
 #include "debugui/debug_commands.h"
 #include "documents/file_commands.h"
 #include "editor/editor_pane.h"
+#include "files/clipboard.h"
 #include "files/message.h"
 #include "language/format.h"
 #include "resources/ids.h"
@@ -40,20 +41,6 @@ void CloseOthers(int kept) {
     }
 }
 
-void CopyToClipboard(const wchar_t* text) {
-    const std::size_t bytes = (wcslen(text) + 1) * sizeof(wchar_t);
-    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, bytes);
-    if (block == nullptr || !OpenClipboard(g_app.hMainWnd)) {
-        GlobalFree(block);
-        return;
-    }
-    memcpy(GlobalLock(block), text, bytes);
-    GlobalUnlock(block);
-    EmptyClipboard();
-    if (SetClipboardData(CF_UNICODETEXT, block) == nullptr) GlobalFree(block);
-    CloseClipboard();
-}
-
 bool HandleFile(int command) {
     switch (command) {
         case IDM_FILE_NEW: FileNew(); return true;
@@ -67,7 +54,7 @@ bool HandleFile(int command) {
         case IDM_FILE_EXIT: PostMessageW(g_app.hMainWnd, WM_CLOSE, 0, 0); return true;
         case IDM_TAB_CLOSE_OTHERS: CloseOthers(g_app.activeTab); return true;
         case IDM_TAB_COPY_PATH:
-            CopyToClipboard(g_app.tabs[static_cast<std::size_t>(g_app.activeTab)].path);
+            ClipboardPutText(g_app.hMainWnd, g_app.tabs[static_cast<std::size_t>(g_app.activeTab)].path);
             return true;
         default: return false;
     }

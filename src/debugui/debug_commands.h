@@ -18,6 +18,3 @@ void DebugShutdown();
 bool DebugIsWaiting();
 // Stop, or the window's close, was asked for during such a wait.
 void DebugStopWaiting(bool thenClose);
-
-// "Running", "Stopped at steps.bas:12", "Exited with code 3"; empty without anything to say.
-const wchar_t* DebugStatusText();

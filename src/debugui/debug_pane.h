@@ -11,7 +11,6 @@ inline constexpr int kDebugTabCount = 7;
 
 HWND DebugPaneCreate(HWND parent, int controlId);  // null when it cannot be made
 void DebugPaneSelect(DebugTab tab);
-DebugTab DebugPaneSelected();
 // What the pane shows may be out of date (a stop, a resume, an end, a breakpoint changed). Only the visible view reads
 // the program, once the message queue is empty, however often this is called.
 void DebugPaneInvalidate();

@@ -363,8 +363,6 @@ void DebugPaneSelect(DebugTab tab) {
     if (g_frame.pane != nullptr) Select(tab);
 }
 
-DebugTab DebugPaneSelected() { return g_frame.selected; }
-
 void DebugPaneInvalidate() {
     if (g_frame.waiting || !IsShown()) return;  // showing the pane asks again
     // A timer's message is made only when nothing else waits in the queue: a row of posted steps comes first.

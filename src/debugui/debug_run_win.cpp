@@ -52,12 +52,8 @@ ULONGLONG g_lastPump = 0;
 
 int g_consoleLooks = 0;  // left, by the timer
 bool g_paneWasHidden = false;
-std::wstring g_status;
 
-void SetStatus(const std::wstring& text) {
-    g_status = text;
-    StatusBarSetText(g_status.c_str());
-}
+void SetStatus(const std::wstring& text) { StatusBarSetText(text.c_str()); }
 
 // --- Waiting
 
@@ -218,7 +214,6 @@ void EndSession(const std::wstring& status) {
     BreakpointsOnSessionEnd();
     HidePaneAfterSession();
     SetStatus(status);
-    g_status.clear();  // the next text of the status bar is someone else's
     MenuUpdateState();
     for (const int button : {IDM_DEBUG_STEP_OVER, IDM_DEBUG_RUN_TO_CURSOR})
         SendMessageW(g_app.hToolbar, TB_ENABLEBUTTON, static_cast<WPARAM>(button), MAKELPARAM(FALSE, 0));
@@ -430,5 +425,3 @@ void DebugShutdown() {
     }
     if (g_app.debug.debugging || g_app.debugger.active != 0) DebugRunStop();
 }
-
-const wchar_t* DebugStatusText() { return g_status.c_str(); }

@@ -4,6 +4,7 @@
 #include "app/app_state.h"
 #include "app/log.h"
 #include "app/shell.h"
+#include "files/clipboard.h"
 #include "files/handles.h"
 #include "language/theme.h"
 #include "resources/ids.h"
@@ -152,19 +153,4 @@ UINT PaneShowMenu(std::span<const PaneMenuItem> items, POINT screen) {
     return static_cast<UINT>(chosen);
 }
 
-void PaneCopyText(const std::wstring& text) {
-    if (OpenClipboard(g_app.hMainWnd) == FALSE) {
-        AppLogMsg(L"FAIL: PaneCopyText clipboard error=%lu", GetLastError());
-        return;
-    }
-    EmptyClipboard();
-    const std::size_t bytes = (text.size() + 1) * sizeof(wchar_t);
-    const HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, bytes);
-    void* target = block != nullptr ? GlobalLock(block) : nullptr;
-    if (target != nullptr) {
-        std::memcpy(target, text.c_str(), bytes);
-        GlobalUnlock(block);
-    }
-    if (target == nullptr || SetClipboardData(CF_UNICODETEXT, block) == nullptr) GlobalFree(block);
-    CloseClipboard();
-}
+void PaneCopyText(const std::wstring& text) { ClipboardPutText(g_app.hMainWnd, text); }

@@ -6,6 +6,7 @@
 #include "app/log.h"
 #include "app/shell.h"
 #include "documents/file_commands.h"
+#include "files/clipboard.h"
 #include "files/handles.h"
 #include "files/wide_format.h"
 #include "language/theme.h"
@@ -198,24 +199,7 @@ void OpenItem(HTREEITEM item) {
     }
 }
 
-void CopyText(const std::wstring& text) {
-    if (OpenClipboard(g_app.hMainWnd) == FALSE) {
-        AppLogMsg(L"FAIL: ProjectTree clipboard error=%lu", GetLastError());
-        return;
-    }
-    EmptyClipboard();
-    const std::size_t bytes = (text.size() + 1) * sizeof(wchar_t);
-    const HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, bytes);
-    void* target = block != nullptr ? GlobalLock(block) : nullptr;
-    if (target != nullptr) {
-        std::memcpy(target, text.c_str(), bytes);
-        GlobalUnlock(block);
-    }
-    if (target == nullptr || SetClipboardData(CF_UNICODETEXT, block) == nullptr) {
-        GlobalFree(block);
-    }
-    CloseClipboard();
-}
+void CopyText(const std::wstring& text) { ClipboardPutText(g_app.hMainWnd, text); }
 
 void ShowMenu(POINT at) {
     if (at.x == -1 && at.y == -1) {  // from the keyboard: below the selected item
