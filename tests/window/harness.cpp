@@ -162,6 +162,26 @@ void ProgramFolder::SetIni(const wchar_t* section, const wchar_t* key, const std
     WritePrivateProfileStringW(nullptr, nullptr, nullptr, file.c_str());
 }
 
+namespace {
+
+// Once in thousands of starts Wine loses the new process before its first instruction and says ERROR_INTERNAL_ERROR.
+// No code of the program has run by then, so another try hides nothing of it.
+bool StartSuspended(std::wstring line, const ProgramFolder& folder, PROCESS_INFORMATION& started) {
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    for (int tries = 3;; --tries) {
+        if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED, nullptr,
+                           folder.path.c_str(), &startup, &started))
+            return true;
+        const DWORD error = GetLastError();
+        std::printf("[harness] %s did not start, error %lu\n", Utf8(line).c_str(), error);
+        SetLastError(error);
+        if (error != ERROR_INTERNAL_ERROR || tries == 1) return false;
+    }
+}
+
+}  // namespace
+
 Editor::Editor(const ProgramFolder& programFolder, const std::wstring& arguments, Until until) : folder(programFolder) {
     DeleteFileW(folder.File(L"Editor_Detect.log").c_str());
     // What the program keeps for the user, recovery copies above all, goes into this folder as well.
@@ -172,12 +192,9 @@ Editor::Editor(const ProgramFolder& programFolder, const std::wstring& arguments
     limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
     SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof(limits));
 
-    std::wstring line = L"\"" + folder.File(L"KVX-Editor.exe") + L"\" " + arguments;
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
+    const std::wstring line = L"\"" + folder.File(L"KVX-Editor.exe") + L"\" " + arguments;
     PROCESS_INFORMATION started{};
-    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED, nullptr, folder.path.c_str(),
-                        &startup, &started)) {
+    if (!StartSuspended(line, folder, started)) {
         ADD_FAILURE() << "cannot start " << Utf8(line) << ", error " << GetLastError();
         return;
     }
