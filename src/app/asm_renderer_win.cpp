@@ -149,9 +149,12 @@ void PutProgram(AsmFeed& feed, const AsmRequest& request) {
     }
     const DisasmRendererPtr renderer = DisasmRendererNew(std::move(program));
     std::string piece;
+    bool placed = false;
     for (bool more = true; more && !AsmFeedIsCancelled(feed);) {
         piece.clear();
         more = DisasmRenderNext(*renderer, kInstructionsAtOnce, &piece);
+        if (!placed && !piece.empty() && DisasmBeganAtFocus(*renderer)) AsmFeedMarkPlace(feed);
+        placed = placed || !piece.empty();
         if (!AsmFeedPut(feed, piece)) return;
     }
 }

@@ -24,6 +24,8 @@ using AsmFeedPtr = std::shared_ptr<AsmFeed>;
 AsmFeedPtr AsmFeedStart(AsmRequest request);
 // What came since the last call, in its order. False: nothing, and nothing more will.
 bool AsmFeedTake(AsmFeed& feed, std::deque<std::wstring>* pieces);
+// The line of all pieces together, from 0, that AsmFeedMarkPlace marked, or -1.
+int AsmFeedPlace(const AsmFeed& feed);
 void AsmFeedCancel(AsmFeed& feed);  // its thread ends soon, and nothing comes any more
 // Cancels, and waits for the thread, at most so many milliseconds.
 void AsmFeedEnd(AsmFeed& feed, unsigned milliseconds);
@@ -36,6 +38,8 @@ void AsmFeedBeginPart(AsmFeed& feed, std::string_view heading);
 // Adds UTF-8 text: whole lines, or the end of the part. False: no more is wanted.
 bool AsmFeedPut(AsmFeed& feed, std::string_view text);
 bool AsmFeedIsCancelled(const AsmFeed& feed);
+// What is put next belongs to the line where the user stands.
+void AsmFeedMarkPlace(AsmFeed& feed);
 
 // The file's bytes, whoever else has it open for what: a build that follows must not find its files locked. False: it
 // cannot be read, or has more than `most` bytes, or is no file on a disk.

@@ -16,12 +16,14 @@ struct AsmFeed {
     AsmRenderer renderer = nullptr;
     UniqueHandle thread;
     std::atomic<bool> cancelled = false;
+    std::atomic<int> place = -1;
 
     std::mutex mutex;  // over the two that both sides touch
     std::deque<std::wstring> pieces;
     bool done = false;
 
-    // Of the thread alone: what the current part has got so far.
+    // Of the thread alone: lines delivered, and what the current part has got so far.
+    int delivered = 0;
     std::size_t lines = 0;
     std::size_t bytes = 0;
     bool full = false;
@@ -39,13 +41,6 @@ std::wstring WideText(std::string_view utf8) {
     return wide;
 }
 
-void Deliver(AsmFeed& feed, std::string_view text) {
-    if (text.empty()) return;
-    std::wstring wide = WideText(text);
-    const std::lock_guard lock(feed.mutex);
-    feed.pieces.push_back(std::move(wide));
-}
-
 // Bytes of the first line of `text`, its line end included; a line too long for the pane is cut between characters.
 std::size_t FirstLine(std::string_view text) {
     std::size_t end = text.find_first_of("\r\n");
@@ -56,6 +51,14 @@ std::size_t FirstLine(std::string_view text) {
         return end;
     }
     return std::min(text.size(), end + (text.substr(end).starts_with("\r\n") ? 2 : 1));
+}
+
+void Deliver(AsmFeed& feed, std::string_view text) {
+    if (text.empty()) return;
+    std::wstring wide = WideText(text);
+    for (; !text.empty(); text.remove_prefix(FirstLine(text))) ++feed.delivered;
+    const std::lock_guard lock(feed.mutex);
+    feed.pieces.push_back(std::move(wide));
 }
 
 void PutListing(AsmFeed& feed, std::string_view listing) {
@@ -119,6 +122,9 @@ void AsmFeedEnd(AsmFeed& feed, unsigned milliseconds) {
     AsmFeedCancel(feed);
     WaitForSingleObject(feed.thread.Get(), milliseconds);
 }
+
+int AsmFeedPlace(const AsmFeed& feed) { return feed.place; }
+void AsmFeedMarkPlace(AsmFeed& feed) { feed.place = feed.delivered; }
 
 bool AsmFeedIsCancelled(const AsmFeed& feed) { return feed.cancelled; }
 

@@ -16,11 +16,14 @@
 namespace {
 
 constexpr unsigned kShutdownWaitMs = 1000;
+constexpr int kHeadLines = 4;  // before what the feed brings
 
 struct AsmPane {
     OutputQueue queue;
     AsmFeedPtr feed;                   // null: nothing is being made
     std::size_t lines = 0;             // shown
+    int place = -1;                    // line of the code where the user stands, from 0; -1: not known
+    LRESULT top = 0;                   // first visible line, where the pane itself left it
     BlockSize block = {.lines = 100};  // the first block is painted with the whole pane
 };
 AsmPane g_asm;
@@ -33,7 +36,9 @@ void Add(std::wstring text) {
 void TakeFromFeed() {
     if (g_asm.feed == nullptr) return;
     std::deque<std::wstring> pieces;
-    if (!AsmFeedTake(*g_asm.feed, &pieces)) g_asm.feed = nullptr;
+    const bool more = AsmFeedTake(*g_asm.feed, &pieces);
+    if (const int place = AsmFeedPlace(*g_asm.feed); place >= 0) g_asm.place = place + kHeadLines;
+    if (!more) g_asm.feed = nullptr;
     for (std::wstring& piece : pieces) Add(std::move(piece));
 }
 
@@ -54,18 +59,24 @@ AsmRequest RequestFor(const wchar_t* source, const wchar_t* listing) {
     return request;
 }
 
-// Inserting scrolls to the insertion; the reader stays where they are.
+// Inserting scrolls to the insertion; the reader stays where they are, or is taken to the place once it is there. It may
+// first lie too near the end to become the top line.
 void AppendInPlace(const std::vector<PaneLine>& block) {
     HWND pane = g_app.hAsmPane;
     const LRESULT before = SendMessageW(pane, EM_GETFIRSTVISIBLELINE, 0, 0);
     RichLinesAppend(pane, block);
-    if (before == 0) {
+    g_asm.lines += block.size();
+    const bool untouched = before == g_asm.top;
+    const bool placed = g_asm.place >= 0 && static_cast<std::size_t>(g_asm.place) < g_asm.lines;
+    const LRESULT wanted = untouched && placed ? g_asm.place : before;
+    if (wanted == 0) {
         POINT top = {};  // by pixels: by lines it would come to rest within the first one
         SendMessageW(pane, EM_SETSCROLLPOS, 0, reinterpret_cast<LPARAM>(&top));
         return;
     }
     const LRESULT after = SendMessageW(pane, EM_GETFIRSTVISIBLELINE, 0, 0);
-    if (after != before) SendMessageW(pane, EM_LINESCROLL, 0, before - after);
+    if (after != wanted) SendMessageW(pane, EM_LINESCROLL, 0, wanted - after);
+    if (untouched) g_asm.top = SendMessageW(pane, EM_GETFIRSTVISIBLELINE, 0, 0);
 }
 
 }  // namespace
@@ -104,7 +115,6 @@ void AsmPaneShowNext() {
     while (block.size() < g_asm.block.lines && OutputQueueNext(g_asm.queue, &line, &chunksDone))
         block.push_back({.text = std::move(line.text), .lineBreak = line.lineBreak});
     if (block.empty()) return;
-    g_asm.lines += block.size();
     const double started = ClockMs();
     AppendInPlace(block);
     BlockSizeLearn(g_asm.block, block.size(), ClockMs() - started);

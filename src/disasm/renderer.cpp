@@ -89,6 +89,7 @@ struct DisasmRenderer {
     std::unordered_map<std::uint32_t, std::string> names;  // of code and data, by RVA
     std::unordered_map<std::uint32_t, SourceText> sources;
     std::vector<Part> parts;
+    bool focused = false;  // the first part is that around the focus
     int digits = 12;
 
     Phase phase = Phase::Head;
@@ -226,6 +227,7 @@ void PlanFocus(DisasmRenderer& r) {
                        .from = lines[first].rva - code->rva,
                        .to = std::min<std::size_t>(to - code->rva, code->bytes.size()),
                        .heading = "; --- Around line " + std::to_string(lines[focus].line)});
+    r.focused = true;
 }
 
 void PlanSections(DisasmRenderer& r) {
@@ -425,6 +427,8 @@ bool DisasmRenderNext(DisasmRenderer& renderer, std::size_t budget, std::string*
     }
     return renderer.phase != Phase::Done;
 }
+
+bool DisasmBeganAtFocus(const DisasmRenderer& renderer) { return renderer.focused; }
 
 std::string DisasmProcedureName(std::string_view line) {
     const auto word = [&line] {

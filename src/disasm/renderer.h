@@ -44,5 +44,8 @@ DisasmRendererPtr DisasmRendererNew(DisasmProgram program);
 // shown gives one line in parentheses that says why. False: that was the last.
 bool DisasmRenderNext(DisasmRenderer& renderer, std::size_t budget, std::string* out);
 
+// The text began with the part around the focus. Known from the first text on.
+bool DisasmBeganAtFocus(const DisasmRenderer& renderer);
+
 // Name of the procedure that a line of BASIC begins ("FUNCTION Square (BYVAL x AS LONG)": Square), or empty.
 std::string DisasmProcedureName(std::string_view line);

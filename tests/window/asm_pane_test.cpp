@@ -27,6 +27,13 @@ void ExpectInOrder(const std::wstring& text, const std::vector<std::wstring>& pa
     }
 }
 
+std::wstring LineOf(const std::wstring& text, LRESULT line) {
+    std::size_t at = 0;
+    for (; line > 0 && at != std::wstring::npos; --line) at = text.find(L'\n', at + (at != 0 ? 1 : 0));
+    const std::size_t from = at == std::wstring::npos ? text.size() : at + (at != 0 ? 1 : 0);
+    return text.substr(from, text.find_first_of(L"\r\n", from) - from);
+}
+
 void BuildWith(const Editor& editor, int compiler) {
     editor.Do(compiler);
     editor.Do(IDM_BUILD);
@@ -55,6 +62,11 @@ TEST(AsmPane, ShowsTheListingThenItsColumnsThenTheProgramsCode) {
                    L"push    rbp", L"; 8:     PRINT Twice(i)", L"call    Twice", L"=== Code of " + program + L" ===",
                    L"; --- Around line 8", L"; 8:     PRINT Twice(i)", L"call    Twice", L"; --- Section .text",
                    L"start:", L"call    PBMAIN", L"PBMAIN:"});
+
+    // The reader is taken to the code of the caret's line.
+    const HWND pane = editor.Child(IDC_ASM);
+    const auto top = [&] { return LineOf(Assembly(editor), editor.Send(pane, EM_GETFIRSTVISIBLELINE)); };
+    EXPECT_TRUE(WaitFor([&] { return top() == L"; --- Around line 8"; })) << Utf8(top());
 
     EXPECT_EQ(Assembly(editor).find(L"(The source was changed"), std::wstring::npos);
 
