@@ -46,6 +46,7 @@ constexpr KeyRow kFileRows[] = {
     {SessionKey::SelectionEnd, "SelectionEnd", ValueKind::Number},
     {SessionKey::Bookmarks, "Bookmarks", ValueKind::Text},
     {SessionKey::Breakpoints, "Breakpoints", ValueKind::Text},
+    {SessionKey::BreakpointRule, "BreakpointRule", ValueKind::Text},
 };
 
 void WriteLine(std::string& out, const char* key, std::string_view value) {
@@ -78,6 +79,9 @@ void WriteFile(std::string& out, std::size_t number, const SessionFile& file) {
     WriteLine(out, "SelectionEnd", std::to_string(file.selectionEnd));
     WriteMarkerLines(out, "Bookmarks", file.bookmarks);
     WriteMarkerLines(out, "Breakpoints", file.breakpoints);
+    for (const SessionBreakpoint& rule : file.rules) {
+        WriteLine(out, "BreakpointRule", std::to_string(rule.line) + (rule.enabled ? ",1," : ",0,") + rule.condition);
+    }
 }
 
 // Takes the next line off the front, without its line break.
@@ -178,6 +182,20 @@ std::vector<std::int32_t> SessionParseLines(std::string_view list) {
         list = end == std::string_view::npos ? std::string_view{} : list.substr(end + 1);
     }
     return lines;
+}
+
+SessionBreakpoint SessionParseRule(std::string_view value) {
+    const auto next = [&value] {
+        const std::size_t end = value.find(',');
+        const std::string_view field = value.substr(0, end);
+        value = end == std::string_view::npos ? std::string_view{} : value.substr(end + 1);
+        return field;
+    };
+    SessionBreakpoint rule;
+    rule.line = SessionNumber(next());
+    rule.enabled = next() != "0";
+    rule.condition = value;
+    return rule;
 }
 
 std::int32_t SessionNumber(std::string_view text) {

@@ -38,6 +38,7 @@ enum class SessionKey : std::uint8_t {
     SelectionEnd,
     Bookmarks,
     Breakpoints,
+    BreakpointRule,  // once for each breakpoint that is more than a line
 };
 inline constexpr std::size_t kSessionHeaderKeys = static_cast<std::size_t>(SessionKey::Path);
 
@@ -49,6 +50,13 @@ struct SessionHeader {
     std::int32_t& operator[](SessionKey key) { return numbers[static_cast<std::size_t>(key)]; }
 };
 
+// What a breakpoint is beyond its line.
+struct SessionBreakpoint {
+    std::int32_t line = 0;  // 0-based
+    bool enabled = true;
+    std::string condition;  // UTF-8, without line breaks
+};
+
 struct SessionFile {
     std::string path;        // UTF-8
     bool hasEditor = false;  // without one, only the path is written
@@ -56,8 +64,9 @@ struct SessionFile {
     std::uint64_t scroll = 0;  // first visible line
     std::uint64_t selectionStart = 0;
     std::uint64_t selectionEnd = 0;
-    std::vector<std::int32_t> bookmarks;    // 0-based lines
-    std::vector<std::int32_t> breakpoints;  // 0-based lines
+    std::vector<std::int32_t> bookmarks = {};    // 0-based lines
+    std::vector<std::int32_t> breakpoints = {};  // 0-based lines
+    std::vector<SessionBreakpoint> rules = {};   // of those that are disabled or have a condition
 };
 
 // The whole file, lines ending in CR LF. "TabCount" is the number of `files`, whatever the header says.
@@ -86,6 +95,9 @@ std::int32_t SessionTreeWidth(std::int32_t stored);
 
 // Numbers of a comma-separated list of lines.
 std::vector<std::int32_t> SessionParseLines(std::string_view list);
+
+// The value of a BreakpointRule, "line,enabled,condition".
+SessionBreakpoint SessionParseRule(std::string_view value);
 
 // Leading blanks, a sign, decimal digits; 0 when there are none; what 32 bits cannot hold is the nearest that they can.
 std::int32_t SessionNumber(std::string_view text);

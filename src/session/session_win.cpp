@@ -5,6 +5,8 @@
 #include "app/app_state.h"
 #include "app/log.h"
 #include "app/shell.h"
+#include "debugui/breakpoint_list.h"
+#include "debugui/breakpoint_rules.h"
 #include "documents/file_commands.h"
 #include "documents/recent_files.h"
 #include "files/file_io.h"
@@ -20,6 +22,8 @@
 #include "settings/settings_store.h"
 #include "tabs/tab_bar.h"
 
+#include <algorithm>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -65,6 +69,29 @@ std::string ToUtf8(const wchar_t* text) {
 
 std::uint64_t Position(HWND editor, UINT message) { return static_cast<std::uint64_t>(SciSend(editor, message)); }
 
+std::vector<SessionBreakpoint> BreakpointRulesOf(HWND editor) {
+    std::vector<SessionBreakpoint> rules;
+    for (const UserBreakpoint& breakpoint : BreakpointList()) {
+        if (breakpoint.editor == editor && (!breakpoint.enabled || !breakpoint.condition.empty())) {
+            rules.push_back({breakpoint.line - 1, breakpoint.enabled, breakpoint.condition});
+        }
+    }
+    return rules;
+}
+
+// Of a breakpoint that is there: a line without one gets none. A condition that could not have been entered is none.
+void ApplyBreakpointRule(HWND editor, const SessionBreakpoint& rule) {
+    const int line = std::clamp(rule.line, -1, std::numeric_limits<std::int32_t>::max() - 1) + 1;
+    const int index = BreakpointAt(editor, line, false);
+    if (index < 0) {
+        return;
+    }
+    if (ConditionProblem(rule.condition).empty()) {
+        BreakpointSetCondition(static_cast<std::size_t>(index), rule.condition);
+    }
+    BreakpointEnable(static_cast<std::size_t>(index), rule.enabled);
+}
+
 SessionFile CaptureFile(const DocumentTab& tab) {
     SessionFile file;
     file.path = ToUtf8(tab.path);
@@ -76,6 +103,7 @@ SessionFile CaptureFile(const DocumentTab& tab) {
         file.selectionEnd = Position(tab.editor, SCI_GETSELECTIONEND);
         file.bookmarks = MarkedLines(tab.editor, kMarkBookmark);
         file.breakpoints = MarkedLines(tab.editor, kMarkBreakpoint);
+        file.rules = BreakpointRulesOf(tab.editor);
     }
     return file;
 }
@@ -146,6 +174,7 @@ void ApplyFileItem(const SessionItem& item) {
         case SessionKey::SelectionEnd: SciSend(editor, SCI_SETSELECTIONEND, position); break;
         case SessionKey::Bookmarks: AddMarkers(editor, item.text, kMarkBookmark); break;
         case SessionKey::Breakpoints: AddMarkers(editor, item.text, kMarkBreakpoint); break;
+        case SessionKey::BreakpointRule: ApplyBreakpointRule(editor, SessionParseRule(item.text)); break;
         default: break;
     }
 }

@@ -27,7 +27,8 @@ TEST(SessionText, ComposesInOrder) {
          .selectionStart = 3,
          .selectionEnd = 4,
          .bookmarks = {0, 7},
-         .breakpoints = {}},
+         .breakpoints = {4, 9},
+         .rules = {{4, false, ""}, {9, true, "RCX > 5, 6"}}},
         {.path = "C:\\b.bas", .hasEditor = false},
     };
     EXPECT_EQ(SessionCompose(header, files),
@@ -36,7 +37,7 @@ TEST(SessionText, ComposesInOrder) {
               "EditorZoom=-2\r\nWordWrap=0\r\nFullScreen=0\r\nShowIndentGuides=0\r\nBuildProfile=0\r\n"
               "EnableAutoComplete=0\r\nAutoCompleteTrigger=0\r\nAutoUpperKeywords=0\r\nTheme=0\r\nTabCount=2\r\n"
               "\r\n[File1]\r\nPath=C:\\a.bas\r\nCursor=5000000000\r\nScroll=2\r\nSelectionStart=3\r\nSelectionEnd=4\r\n"
-              "Bookmarks=0,7\r\n"
+              "Bookmarks=0,7\r\nBreakpoints=4,9\r\nBreakpointRule=4,0,\r\nBreakpointRule=9,1,RCX > 5, 6\r\n"
               "\r\n[File2]\r\nPath=C:\\b.bas\r\n");
 }
 
@@ -103,6 +104,25 @@ TEST(SessionText, KeepsMarkerListsOfAnyLength) {
         }
     }
     EXPECT_EQ(found, file.breakpoints);
+}
+
+TEST(SessionText, ReadsTheRulesOfBreakpoints) {
+    struct Case {
+        const char* value;
+        int line;
+        bool enabled;
+        const char* condition;
+    };
+    for (const Case& c : {Case{"9,1,RCX > 5, 6", 9, true, "RCX > 5, 6"},
+                          {"4,0,", 4, false, ""},
+                          {"", 0, true, ""},
+                          {"7", 7, true, ""},
+                          {"-3,1", -3, true, ""}}) {
+        const SessionBreakpoint rule = SessionParseRule(c.value);
+        EXPECT_EQ(rule.line, c.line) << c.value;
+        EXPECT_EQ(rule.enabled, c.enabled) << c.value;
+        EXPECT_EQ(rule.condition, c.condition) << c.value;
+    }
 }
 
 TEST(SessionText, Numbers) {

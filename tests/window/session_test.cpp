@@ -5,6 +5,7 @@
 #include <commctrl.h>
 
 #include "resources/ids.h"
+#include "scintilla/margins.h"
 
 namespace {
 
@@ -69,6 +70,47 @@ TEST(Session, KeepsPlacesAndMarks) {
     for (const WPARAM line : {0, 7, 2999}) EXPECT_NE(editor.Sci(SCI_MARKERGET, line) & 2, 0) << line;
     for (const WPARAM line : {100, 1499}) EXPECT_NE(editor.Sci(SCI_MARKERGET, line) & 4, 0) << line;
     EXPECT_EQ(editor.Sci(SCI_MARKERGET, 1500) & 6, 0);
+}
+
+TEST(Session, KeepsWhatBreakpointsAre) {
+    ProgramFolder folder;
+    const std::wstring a = folder.Write(L"a.bas", Lines(20));
+    const auto marks = [](const Editor& editor, WPARAM line) {
+        return editor.Sci(SCI_MARKERGET, line) & (1 << kMarkBreakpoint | 1 << kMarkDisabled | 1 << kMarkConditional);
+    };
+    {
+        Editor editor(folder, Open(a));
+        for (const WPARAM line : {3, 5, 8}) {
+            editor.Sci(SCI_GOTOLINE, line);
+            editor.Do(IDM_DEBUG_BREAKPOINT);
+        }
+        editor.Do(IDM_DEBUG_ENABLE_BREAKPOINT);
+        editor.Sci(SCI_GOTOLINE, 5);
+        editor.Post(IDM_DEBUG_CONDITIONAL);
+        Dialog dialog = editor.AwaitDialog(L"Conditional Breakpoint");
+        SetDlgItemTextW(dialog.window, IDC_CONDITION_TEXT, L"RCX > 5");
+        editor.Press(dialog, IDOK);
+        EXPECT_TRUE(WaitFor([&] { return (marks(editor, 5) & 1 << kMarkConditional) != 0; }));
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    const std::string session = folder.Read(kSession);
+    EXPECT_NE(session.find("\r\nBreakpoints=3,5,8\r\nBreakpointRule=5,1,RCX > 5\r\nBreakpointRule=8,0,\r\n"),
+              std::string::npos)
+        << session;
+    // Lines that have no breakpoint, and a condition that nobody could have entered.
+    folder.Write(kSession, session + "BreakpointRule=2147483647,1,1 > 0\r\nBreakpointRule=4,0,\r\nBreakpointRule=3,1," +
+                               std::string(200, 'x') + "\r\n");
+
+    Editor editor(folder, L"", Until::Started);
+    editor.Answer(L"Restore Session", L"", IDYES);
+    ASSERT_TRUE(editor.AwaitReady());
+    EXPECT_EQ(marks(editor, 3), 1 << kMarkBreakpoint);
+    EXPECT_EQ(marks(editor, 4), 0);
+    EXPECT_EQ(marks(editor, 5), 1 << kMarkBreakpoint | 1 << kMarkConditional);
+    EXPECT_EQ(marks(editor, 8), 1 << kMarkBreakpoint | 1 << kMarkDisabled);
+    EXPECT_EQ(editor.Close(), 0u);
+    EXPECT_NE(folder.Read(kSession).find("\r\nBreakpointRule=5,1,RCX > 5\r\nBreakpointRule=8,0,\r\n"),
+              std::string::npos);
 }
 
 TEST(Session, AMissingFileShiftsLaterPlaces) {
