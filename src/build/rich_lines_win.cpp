@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -44,9 +45,12 @@ void Select(HWND pane, LONG from, LONG to) {
 
 void RichLinesAppend(HWND pane, std::span<const PaneLine> lines) {
     if (pane == nullptr || lines.empty()) return;
-    const std::string rtf = RtfBlock(lines, {.face = g_app.settings.outputFont,
-                                             .points = g_app.settings.outputFontSize,
-                                             .textColour = ThemeCurrentChrome().paneText});
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    const std::string rtf =
+        RtfBlock(lines, {.face = g_app.settings.outputFont,
+                         .points = g_app.settings.outputFontSize,
+                         .textColour = chrome.paneText,
+                         .darkBack = ThemeIsDark() ? std::optional(chrome.paneBack) : std::nullopt});
     std::string_view rest = rtf;
     EDITSTREAM stream = {.dwCookie = reinterpret_cast<DWORD_PTR>(&rest), .pfnCallback = ReadFromView};
     const CHARRANGE before = Selection(pane);

@@ -1,5 +1,7 @@
 #include "build/rtf_block.h"
 
+#include "language/theme_table.h"
+
 #include <algorithm>
 #include <vector>
 
@@ -26,6 +28,12 @@ void AppendUnicode(std::string& rtf, std::uint32_t code) {
 void AppendColour(std::string& rtf, std::uint32_t colour) {
     rtf += "\\red" + std::to_string(colour & 0xFF) + "\\green" + std::to_string(colour >> 8 & 0xFF) + "\\blue" +
            std::to_string(colour >> 16 & 0xFF) + ";";
+}
+
+std::uint32_t Shown(std::uint32_t colour, const RtfFont& font) {
+    if (colour == 0) return font.textColour;
+    if (!font.darkBack) return colour;
+    return ThemeColorRef(ThemeReadableOn(ThemeColorRef(colour), ThemeColorRef(*font.darkBack)));
 }
 
 // The distinct colours of the block, the pane's own first.
@@ -62,7 +70,7 @@ std::string RtfBlock(std::span<const PaneLine> lines, const RtfFont& font) {
     rtf += "{\\rtf1\\ansi\\deff0\\uc1{\\fonttbl{\\f0\\fmodern ";
     RtfAppendEscaped(rtf, font.face);
     rtf += ";}}{\\colortbl;";
-    for (const std::uint32_t colour : colours) AppendColour(rtf, colour == 0 ? font.textColour : colour);
+    for (const std::uint32_t colour : colours) AppendColour(rtf, Shown(colour, font));
     rtf += "}\\f0\\fs" + std::to_string(font.points * 2);
     std::size_t current = colours.size();
     for (const PaneLine& line : lines) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -17,6 +18,8 @@ struct RtfFont {
     std::wstring_view face;
     int points = 9;
     std::uint32_t textColour = 0;  // what colour 0 stands for, 0x00BBGGRR
+    // A dark background, 0x00BBGGRR: colours that cannot be read on it are shown lighter. None: every colour as it is.
+    std::optional<std::uint32_t> darkBack = {};
 };
 
 // Plain text as RTF: `\`, `{` and `}` escaped, everything beyond ASCII as \uN, control characters other than the tab

@@ -202,6 +202,22 @@ double Luminance(Rgb rgb) {
     return 0.2126 * Linear(rgb >> 16 & 0xFF) + 0.7152 * Linear(rgb >> 8 & 0xFF) + 0.0722 * Linear(rgb & 0xFF);
 }
 
+constexpr int kFullSteps = 255;  // of a colour to the brightest of its kind
+constexpr int kLightSteps = 2 * kFullSteps;
+
+// First all channels grow in proportion until the greatest is full, then all approach white: neither changes the hue.
+Rgb Lighter(Rgb colour, int step) {
+    const int greatest = static_cast<int>(std::max({colour >> 16 & 0xFF, colour >> 8 & 0xFF, colour & 0xFF, Rgb{1}}));
+    const int full = greatest + (255 - greatest) * std::min(step, kFullSteps) / kFullSteps;
+    const int white = std::max(step - kFullSteps, 0);
+    Rgb result = 0;
+    for (const int shift : {0, 8, 16}) {
+        const int channel = static_cast<int>(colour >> shift & 0xFF) * full / greatest;
+        result |= static_cast<Rgb>(channel + (255 - channel) * white / kFullSteps) << shift;
+    }
+    return result;
+}
+
 }  // namespace
 
 std::span<const EditorStyle> EditorStyles() { return kStyles; }
@@ -228,4 +244,18 @@ double ThemeContrast(Rgb a, Rgb b) {
     const double first = Luminance(a);
     const double second = Luminance(b);
     return (std::max(first, second) + 0.05) / (std::min(first, second) + 0.05);
+}
+
+Rgb ThemeReadableOn(Rgb colour, Rgb back) {
+    if (ThemeContrast(colour, back) >= kReadableContrast) return colour;
+    // Steps to white: contrast falls at first where the colour is darker than its background, and grows from there on.
+    int low = 0;
+    int high = kLightSteps;
+    while (high - low > 1) {
+        const int middle = (low + high) / 2;
+        const Rgb lighter = Lighter(colour, middle);
+        const bool enough = Luminance(lighter) > Luminance(back) && ThemeContrast(lighter, back) >= kReadableContrast;
+        (enough ? high : low) = middle;
+    }
+    return Lighter(colour, high);
 }

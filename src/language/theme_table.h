@@ -85,3 +85,8 @@ Rgb ThemeBlend(Rgb over, Rgb under, int alpha);
 
 // Contrast of two colours as WCAG 2 defines it, 1..21.
 double ThemeContrast(Rgb a, Rgb b);
+// What text needs on its background.
+inline constexpr double kReadableContrast = 4.5;
+// A colour for text on a dark background: the same where it can be read there, else the least lighter one of its hue that
+// can be.
+Rgb ThemeReadableOn(Rgb colour, Rgb back);

@@ -174,6 +174,11 @@ TEST(RtfBlock, TextIsEscapedAndColoursAreIndexed) {
               "{\\rtf1\\ansi\\deff0\\uc1{\\fonttbl{\\f0\\fmodern A\\{b;}}"
               "{\\colortbl;\\red17\\green34\\blue51;\\red255\\green0\\blue0;}\\f0\\fs18"
               "\\cf1 one\\par\n\\cf2 two\\par\nthree\\par\n\\cf1 four}");
+    const std::vector<PaneLine> coloured = {{.text = L"a", .colour = 0x0000C8}, {.text = L"b", .colour = 0x00FF00}};
+    for (const auto& [font, colours] :
+         {std::pair{RtfFont{}, "\\red200\\green0\\blue0;\\red0\\green255\\blue0;}"},
+          std::pair{RtfFont{.darkBack = 0}, "\\red235\\green0\\blue0;\\red0\\green255\\blue0;}"}})
+        EXPECT_NE(RtfBlock(coloured, font).find(colours), std::string::npos) << RtfBlock(coloured, font);
 }
 
 TEST(KeptLines, FirstAndLastLinesStayInOrder) {

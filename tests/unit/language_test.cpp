@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <set>
 #include <sstream>
 #include <string>
@@ -51,6 +53,40 @@ TEST(Theme, EveryTextColourIsReadable) {
     }
     EXPECT_EQ(&ThemePalette(99, true), &ThemePalette(0, true)) << "out of range: the program's own";
     EXPECT_EQ(ThemeColorRef(0x112233), 0x332211u);
+}
+
+// Of a colour that is not grey, 0..6.
+double Hue(Rgb rgb) {
+    const double r = static_cast<double>(rgb >> 16 & 0xFF), g = static_cast<double>(rgb >> 8 & 0xFF),
+                 b = static_cast<double>(rgb & 0xFF);
+    const double most = std::max({r, g, b}), range = most - std::min({r, g, b});
+    if (most == r) return std::fmod((g - b) / range + 6, 6);
+    return most == g ? (b - r) / range + 2 : (r - g) / range + 4;
+}
+
+TEST(Theme, AColourIsLiftedUntilItCanBeReadAndKeepsItsHue) {
+    const Rgb back = ThemeChromePalette(true).paneBack;
+    int lifted = 0;
+    for (Rgb r = 0; r < 256; r += 15) {
+        for (Rgb g = 0; g < 256; g += 15) {
+            for (Rgb b = 0; b < 256; b += 15) {
+                const Rgb colour = r << 16 | g << 8 | b;
+                const Rgb shown = ThemeReadableOn(colour, back);
+                ASSERT_GE(ThemeContrast(shown, back), kReadableContrast) << std::hex << colour << " as " << shown;
+                if (ThemeContrast(colour, back) >= kReadableContrast) {
+                    ASSERT_EQ(shown, colour) << "can be read as it is";
+                    continue;
+                }
+                ++lifted;
+                ASSERT_LT(ThemeContrast(shown, back), 4.8)
+                    << std::hex << colour << ": no more than is needed, " << shown;
+                if (std::max({r, g, b}) - std::min({r, g, b}) < 30) continue;  // nearly grey
+                const double apart = std::abs(Hue(colour) - Hue(shown));
+                ASSERT_LT(std::min(apart, 6 - apart), 0.15) << std::hex << colour << " as " << shown;
+            }
+        }
+    }
+    EXPECT_GT(lifted, 500);
 }
 
 TEST(Lexer, IsChosenByTheExtension) {
