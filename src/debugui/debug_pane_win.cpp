@@ -28,7 +28,7 @@ constexpr std::array<const PaneView*, kDebugTabCount> kViews = {
     &kBreakpointsView, &kStackView, &kRegistersView, &kWatchesView, &kMemoryView, &kThreadsView, &kDisassemblyView};
 
 struct Frame {
-    HWND pane = nullptr, tabs = nullptr, address = nullptr, list = nullptr, memory = nullptr;
+    HWND pane = nullptr, tabs = nullptr, more = nullptr, address = nullptr, list = nullptr, memory = nullptr;
     DebugTab selected = DebugTab::Breakpoints;
     std::array<PaneContent, kDebugTabCount> contents;
     std::array<std::wstring, kDebugTabCount> addresses;  // text of the address box, by view
@@ -70,9 +70,7 @@ RECT AddressBox() {
 void Layout() {
     RECT client = {};
     GetClientRect(g_frame.pane, &client);
-    const int tabs = PaneScaled(kTabsHeight);
-    PaneTabsFit(g_frame.tabs, client.right);
-    Place(g_frame.tabs, {0, 0, client.right, tabs}, true);
+    PaneTabsPlace(g_frame.tabs, g_frame.more, client.right, PaneScaled(kTabsHeight));
     Place(g_frame.address, AddressBox(), PaneCurrentView().addressCue != nullptr);
     const RECT view = {0, AddressArea().bottom, client.right, client.bottom};
     // Without rows there is nothing to see of a list but its header; the hint takes its place.
@@ -243,6 +241,10 @@ LRESULT CALLBACK PaneProc(HWND window, UINT message, WPARAM wParam, LPARAM lPara
         case WM_WINDOWPOSCHANGED: OnShown(*reinterpret_cast<const WINDOWPOS*>(lParam)); break;
         case WM_SETFOCUS: PaneFocusView(); return 0;
         case WM_NOTIFY: return OnNotify(*reinterpret_cast<const NMHDR*>(lParam));
+        case WM_COMMAND:
+            if (wParam == MAKEWPARAM(IDC_DEBUG_MORE, BN_CLICKED)) PaneMoreShowMenu(g_frame.tabs, g_frame.more);
+            return 0;
+        case WM_DRAWITEM: PaneMoreDraw(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam)); return TRUE;
         case WM_CTLCOLOREDIT: return OnColour(reinterpret_cast<HDC>(wParam));
         case WM_TIMER:
             if (wParam == kRefreshTimer) Refresh();
@@ -262,8 +264,10 @@ bool CreateChildren() {
     g_frame.list = PaneListCreate(g_frame.pane);
     g_frame.memory = PaneMemoryCreate(g_frame.pane);
     g_frame.address = PaneAddressCreate(g_frame.pane);
+    g_frame.more = PaneMoreCreate(g_frame.pane);
     g_frame.tabs = PaneTabsCreate(g_frame.pane);
-    if (g_frame.tabs == nullptr || g_frame.address == nullptr || g_frame.list == nullptr || g_frame.memory == nullptr)
+    if (g_frame.tabs == nullptr || g_frame.more == nullptr || g_frame.address == nullptr || g_frame.list == nullptr ||
+        g_frame.memory == nullptr)
         return false;
     for (int i = 0; i < kDebugTabCount; ++i) {
         TCITEMW item = {};
@@ -282,6 +286,7 @@ bool CreateChildren() {
 const PaneFonts& PaneFontsNow() { return g_frame.fonts; }
 int PaneScaled(int pixels) { return MulDiv(pixels, g_app.dpi, USER_DEFAULT_SCREEN_DPI); }
 const PaneView& PaneCurrentView() { return *kViews[static_cast<std::size_t>(g_frame.selected)]; }
+const wchar_t* PaneTitle(DebugTab tab) { return kViews[static_cast<std::size_t>(tab)]->title; }
 unsigned PaneRefreshCount() { return g_frame.refreshes; }
 
 COLORREF PaneMix(COLORREF a, COLORREF b, int percentOfB) {

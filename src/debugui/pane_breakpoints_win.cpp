@@ -12,7 +12,7 @@ namespace {
 
 enum Column : int { kPlace, kCondition, kHits, kState };
 constexpr std::array<PaneColumn, 4> kColumns = {
-    {{L"Line", 16, false}, {L"Condition", 12, true}, {L"Hits", 5, true}, {L"State", 20, false}}};
+    {{L"Line", 16, 13, false}, {L"Condition", 12, 7, true}, {L"Hits", 5, 4, true}, {L"State", 34, 8, false}}};
 
 enum MenuCommand : UINT { kGo = 1, kToggle, kEditCondition, kRemove, kRemoveAll };
 

@@ -4,8 +4,8 @@
 
 #include "app/app_state.h"
 #include "debugger/debug_inspect.h"
-#include "debugger/expressions.h"
 #include "debugger/debug_session.h"
+#include "debugger/expressions.h"
 #include "debugui/pane_internal.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@
 namespace {
 
 constexpr std::array<PaneColumn, 3> kColumns = {
-    {{L"Address", 13, true}, {L"Bytes", 20, true}, {L"Instruction", 30, true}}};
+    {{L"Address", 13, 12, true}, {L"Bytes", 20, 12, true}, {L"Instruction", 30, 18, true}}};
 constexpr std::uint64_t kBytesBefore = 400;
 constexpr std::size_t kBytesRead = kBytesBefore + kInstructionsShown * kLongestInstruction;
 

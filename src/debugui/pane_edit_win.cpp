@@ -140,7 +140,7 @@ bool PaneEditColours(HDC dc) {
     return true;
 }
 
-UINT PaneShowMenu(std::span<const PaneMenuItem> items, POINT screen) {
+UINT PaneShowMenu(std::span<const PaneMenuItem> items, POINT screen, UINT side) {
     const HMENU menu = CreatePopupMenu();
     if (menu == nullptr) return 0;
     for (const PaneMenuItem& item : items) {
@@ -148,7 +148,7 @@ UINT PaneShowMenu(std::span<const PaneMenuItem> items, POINT screen) {
         AppendMenuW(menu, item.id == 0 ? MF_SEPARATOR : MF_STRING | state, item.id, item.text);
     }
     const BOOL chosen =
-        TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, screen.x, screen.y, 0, g_app.hDebugPane, nullptr);
+        TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON | side, screen.x, screen.y, 0, g_app.hDebugPane, nullptr);
     DestroyMenu(menu);
     return static_cast<UINT>(chosen);
 }

@@ -18,6 +18,7 @@
 struct PaneColumn {
     const wchar_t* title;
     int characters;   // width; the last column takes what is left
+    int least;        // characters that it keeps where there is not room for all columns
     bool fixedPitch;  // in the font of the output pane
 };
 
@@ -48,6 +49,7 @@ extern const PaneView kBreakpointsView, kStackView, kRegistersView, kWatchesView
     kDisassemblyView;
 
 // --- Frame (debug_pane_win.cpp)
+const wchar_t* PaneTitle(DebugTab tab);
 struct PaneFonts {
     HFONT text = nullptr;               // of the frame
     HFONT fixed = nullptr;              // of the output pane
@@ -71,7 +73,12 @@ unsigned PaneRefreshCount();     // refreshes since the start, for tests
 // --- Row of tabs and address box (pane_tabs_win.cpp)
 HWND PaneTabsCreate(HWND parent);
 HWND PaneAddressCreate(HWND parent);
-void PaneTabsFit(HWND tabs, int width);  // all tabs fit into a row of that width
+// Puts the tabs into a row of that size. Where they do not all fit, those around the selected one are shown, and the
+// button behind them has the others in its menu.
+void PaneTabsPlace(HWND tabs, HWND more, int width, int height);
+HWND PaneMoreCreate(HWND parent);
+void PaneMoreDraw(const DRAWITEMSTRUCT& draw);
+void PaneMoreShowMenu(HWND tabs, HWND more);
 
 // --- List (pane_list_win.cpp), columns and rows of the view that is shown
 HWND PaneListCreate(HWND parent);
@@ -98,7 +105,8 @@ struct PaneMenuItem {
     bool enabled = true;
     bool checked = false;
 };
-UINT PaneShowMenu(std::span<const PaneMenuItem> items, POINT screen);  // 0: none chosen
+// Its corner at a place, the left one or with TPM_RIGHTALIGN the right one. 0: none chosen.
+UINT PaneShowMenu(std::span<const PaneMenuItem> items, POINT screen, UINT side = TPM_LEFTALIGN);
 void PaneCopyText(const std::wstring& text);
 
 // --- Memory window (pane_memory_win.cpp)

@@ -20,7 +20,8 @@ constexpr int kCellPadding = 6;  // at 96 dpi, left of a cell's text
 constexpr int kMarkWidth = 18;
 
 struct ViewPlace {
-    std::vector<int> widths;  // as the user left them, pixels
+    std::vector<int> widths;  // as the user left them, pixels; empty: as they fit
+    bool byUser = false;      // the columns that are shown were drawn to other widths
     int selected = 0;
     int top = 0;
 };
@@ -44,22 +45,31 @@ const PaneRow* RowAt(int row) {
 }
 int ColumnCount() { return static_cast<int>(PaneCurrentView().columns.size()); }
 
-int WidthOf(const PaneColumn& column) {
-    const PaneFonts& fonts = PaneFontsNow();
-    return column.characters * (column.fixedPitch ? fonts.fixedWidth : fonts.textWidth) + PaneScaled(2 * kCellPadding);
-}
-
 int ColumnWidth(int column) { return static_cast<int>(Send(LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(column))); }
 
-void StretchLastColumn() {
-    const int last = ColumnCount() - 1;
-    if (last < 0) return;
+ColumnRoom RoomOf(int column) {
+    const PaneColumn& wanted = PaneCurrentView().columns[static_cast<std::size_t>(column)];
+    const PaneFonts& fonts = PaneFontsNow();
+    const int each = wanted.fixedPitch ? fonts.fixedWidth : fonts.textWidth;
+    const int rest = PaneScaled(2 * kCellPadding + (column == 0 && PaneCurrentView().hasMarks ? kMarkWidth : 0));
+    return {wanted.characters * each + rest, wanted.least * each + rest};
+}
+
+// What the user drew stays; only the last column follows the pane then.
+void FitToPane() {
+    std::vector<ColumnRoom> columns;
+    for (int i = 0; i < ColumnCount(); ++i) columns.push_back(RoomOf(i));
+    if (PlaceOf(g_list.shown).byUser) {
+        for (int i = 0; i + 1 < ColumnCount(); ++i)
+            columns[static_cast<std::size_t>(i)] = {ColumnWidth(i), ColumnWidth(i)};
+    }
     RECT client = {};
     GetClientRect(g_list.window, &client);
-    int left = client.right;
-    for (int i = 0; i < last; ++i) left -= ColumnWidth(i);
-    const int wanted = std::max(left, WidthOf(PaneCurrentView().columns[static_cast<std::size_t>(last)]));
-    if (wanted != ColumnWidth(last)) Send(LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(last), MAKELPARAM(wanted, 0));
+    const std::vector<int> widths = FitColumns(columns, client.right);
+    for (int i = 0; i < ColumnCount(); ++i) {
+        const int width = widths[static_cast<std::size_t>(i)];
+        if (width != ColumnWidth(i)) Send(LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(i), MAKELPARAM(width, 0));
+    }
 }
 
 void KeepPlace() {
@@ -68,7 +78,7 @@ void KeepPlace() {
     const auto columns = static_cast<int>(SendMessageW(header, HDM_GETITEMCOUNT, 0, 0));
     if (columns < 1) return;
     place.widths.clear();
-    for (int i = 0; i < columns; ++i) place.widths.push_back(ColumnWidth(i));
+    for (int i = 0; place.byUser && i < columns; ++i) place.widths.push_back(ColumnWidth(i));
     place.selected = std::max(PaneListSelected(), 0);
     place.top = static_cast<int>(Send(LVM_GETTOPINDEX));
 }
@@ -137,6 +147,13 @@ COLORREF CellColour(const PaneRow& row, int column) {
     return (row.changed >> column & 1) != 0 ? chrome.error : chrome.paneText;
 }
 
+// Its text runs on over the empty cells behind it.
+int LastFilled(const PaneRow& row) {
+    int last = static_cast<int>(row.cells.size()) - 1;
+    while (last > 0 && row.cells[static_cast<std::size_t>(last)].empty()) --last;
+    return last;
+}
+
 void DrawRow(HDC dc, int index) {
     const PaneRow* row = RowAt(index);
     RECT bounds = {};
@@ -160,18 +177,17 @@ void DrawRow(HDC dc, int index) {
         DrawMark(dc, row->mark, bounds, quiet ? PaneQuietColour() : arrow ? chrome.modified : chrome.paneText);
     }
     const HGDIOBJ oldFont = GetCurrentObject(dc, OBJ_FONT);
-    const bool wide = row->tone == PaneTone::Source;
-    for (int i = 0; i < ColumnCount() && i < static_cast<int>(row->cells.size()); ++i) {
+    const int last = LastFilled(*row);
+    for (int i = 0; i <= last && i < ColumnCount(); ++i) {
         const std::wstring& text = row->cells[static_cast<std::size_t>(i)];
         RECT cell = PaneListCell(index, i);
         cell.left += PaneScaled(kCellPadding);
-        cell.right = wide ? line.right : cell.right - PaneScaled(2);
+        cell.right = (i == last ? line.right : cell.right) - PaneScaled(2);
         SelectObject(dc, PaneCurrentView().columns[static_cast<std::size_t>(i)].fixedPitch ? PaneFontsNow().fixed
                                                                                            : PaneFontsNow().text);
         SetTextColor(dc, CellColour(*row, i));
         DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &cell,
                   DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
-        if (wide) break;
     }
     SelectObject(dc, oldFont);
 }
@@ -228,11 +244,13 @@ std::wstring RowText(int row) {
     return text;
 }
 
-// The last cell whole: it is the one that is cut when the pane is narrow.
+// The row whole: some of it may be cut.
 void FillTip(const NMLVGETINFOTIPW& tip) {
-    const PaneRow* row = RowAt(tip.iItem);
-    if (row != nullptr && !row->cells.empty() && tip.cchTextMax > 0)
-        lstrcpynW(tip.pszText, row->cells.back().c_str(), tip.cchTextMax);
+    if (RowAt(tip.iItem) == nullptr || tip.cchTextMax < 1) return;
+    std::wstring text;
+    for (const std::wstring& cell : RowAt(tip.iItem)->cells)
+        if (!cell.empty()) text += text.empty() ? cell : L"   " + cell;
+    lstrcpynW(tip.pszText, text.c_str(), tip.cchTextMax);
 }
 
 bool IsOnMark(const NMITEMACTIVATE& click) {
@@ -298,12 +316,19 @@ void OnCharacter(wchar_t character) {
     if (character > L' ' && view.typed != nullptr && RowAt(row) != nullptr) view.typed(row, character);
 }
 
+// The user begins to draw a column to another width. The control asks its header in either alphabet.
+bool IsWidening(UINT code) {
+    return code == HDN_BEGINTRACKW || code == HDN_BEGINTRACKA || code == HDN_DIVIDERDBLCLICKW ||
+           code == HDN_DIVIDERDBLCLICKA;
+}
+
 LRESULT CALLBACK ListProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
     switch (message) {
         case WM_NOTIFY: {
             const auto& header = *reinterpret_cast<const NMHDR*>(lParam);
-            if (header.code == NM_CUSTOMDRAW && header.hwndFrom == reinterpret_cast<HWND>(Send(LVM_GETHEADER)))
-                return OnHeaderDraw(*reinterpret_cast<const NMCUSTOMDRAW*>(lParam));
+            if (header.hwndFrom != reinterpret_cast<HWND>(Send(LVM_GETHEADER))) break;
+            if (header.code == NM_CUSTOMDRAW) return OnHeaderDraw(*reinterpret_cast<const NMCUSTOMDRAW*>(lParam));
+            if (IsWidening(header.code)) PlaceOf(g_list.shown).byUser = true;
             break;
         }
         case WM_CTLCOLOREDIT:
@@ -320,7 +345,7 @@ LRESULT CALLBACK ListProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam,
         case WM_KILLFOCUS: InvalidateRect(list, nullptr, FALSE); break;
         case WM_SIZE: {
             const LRESULT result = DefSubclassProc(list, message, wParam, lParam);
-            StretchLastColumn();
+            FitToPane();
             return result;
         }
         case WM_NCDESTROY:
@@ -362,11 +387,10 @@ void PaneListShowView(DebugTab tab) {
         LVCOLUMNW add = {};
         add.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
         add.pszText = const_cast<wchar_t*>(column.title);  // read only, in spite of its type
-        add.cx = kept ? place.widths[static_cast<std::size_t>(index)] : WidthOf(column);
-        if (!kept && index == 0 && PaneCurrentView().hasMarks) add.cx += PaneScaled(kMarkWidth);
+        add.cx = kept ? place.widths[static_cast<std::size_t>(index)] : RoomOf(index).wanted;
         Send(LVM_INSERTCOLUMNW, static_cast<WPARAM>(index++), reinterpret_cast<LPARAM>(&add));
     }
-    StretchLastColumn();
+    FitToPane();
     Send(WM_SETREDRAW, TRUE);
 }
 
@@ -377,7 +401,7 @@ void PaneListUpdate(const PaneContent& content) {
     if (!sameCount) {
         PaneEditCancel();
         Send(LVM_SETITEMCOUNT, content.rows.size(), LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL);
-        StretchLastColumn();
+        FitToPane();
     }
     const int count = RowCount();
     if (first && count > 0) {
@@ -398,7 +422,10 @@ void PaneListUpdate(const PaneContent& content) {
 void PaneListApplyTheme() {
     // The fonts may be others now: every view's columns get the widths that fit them.
     KeepPlace();
-    for (ViewPlace& place : g_list.places) place.widths.clear();
+    for (ViewPlace& place : g_list.places) {
+        place.widths.clear();
+        place.byUser = false;
+    }
     DeleteColumns();
     const ThemeChrome& chrome = ThemeCurrentChrome();
     Send(LVM_SETBKCOLOR, 0, static_cast<LPARAM>(chrome.paneBack));

@@ -20,38 +20,47 @@ bool IsPlain(std::uint8_t byte) { return byte >= 32 && byte <= 126; }
 
 }  // namespace
 
-int MemoryHexColumn(int digits, int index) {
-    return digits + kGap + index * 3 + (index >= kMemoryRow / 2 ? 1 : 0);  // a wider gap in the middle
+MemoryShape MemoryShapeThatFits(int digits, int characters) {
+    for (const int bytes : {16, 8}) {
+        if (MemoryRowWidth({digits, bytes}) <= characters) return {digits, bytes};
+    }
+    return {digits, 4};
 }
 
-int MemoryTextColumn(int digits, int index) { return MemoryHexColumn(digits, kMemoryRow - 1) + 2 + kGap + index; }
+int MemoryHexColumn(const MemoryShape& shape, int index) {
+    return shape.digits + kGap + index * 3 + (index >= shape.bytes / 2 ? 1 : 0);  // a wider gap in the middle
+}
 
-int MemoryRowWidth(int digits) { return MemoryTextColumn(digits, kMemoryRow); }
+int MemoryTextColumn(const MemoryShape& shape, int index) {
+    return MemoryHexColumn(shape, shape.bytes - 1) + 2 + kGap + index;
+}
 
-std::wstring MemoryRowText(std::uint64_t address, int digits, std::span<const MemoryByte> bytes) {
-    std::wstring row(static_cast<std::size_t>(MemoryRowWidth(digits)), L' ');
-    const std::wstring number = HexText(address, digits);
-    std::copy_n(number.begin(), std::min(number.size(), static_cast<std::size_t>(digits)), row.begin());
-    const int count = std::min(kMemoryRow, static_cast<int>(bytes.size()));
+int MemoryRowWidth(const MemoryShape& shape) { return MemoryTextColumn(shape, shape.bytes); }
+
+std::wstring MemoryRowText(std::uint64_t address, const MemoryShape& shape, std::span<const MemoryByte> bytes) {
+    std::wstring row(static_cast<std::size_t>(MemoryRowWidth(shape)), L' ');
+    const std::wstring number = HexText(address, shape.digits);
+    std::copy_n(number.begin(), std::min(number.size(), static_cast<std::size_t>(shape.digits)), row.begin());
+    const int count = std::min(shape.bytes, static_cast<int>(bytes.size()));
     for (int i = 0; i < count; ++i) {
         const MemoryByte& byte = bytes[static_cast<std::size_t>(i)];
         const std::wstring hex = byte ? HexText(*byte, 2) : L"??";
-        std::copy(hex.begin(), hex.end(), row.begin() + MemoryHexColumn(digits, i));
-        row[static_cast<std::size_t>(MemoryTextColumn(digits, i))] = !byte            ? L' '
-                                                                     : IsPlain(*byte) ? static_cast<wchar_t>(*byte)
-                                                                                      : L'.';
+        std::copy(hex.begin(), hex.end(), row.begin() + MemoryHexColumn(shape, i));
+        row[static_cast<std::size_t>(MemoryTextColumn(shape, i))] = !byte            ? L' '
+                                                                    : IsPlain(*byte) ? static_cast<wchar_t>(*byte)
+                                                                                     : L'.';
     }
     return row;
 }
 
-MemoryCaret MemoryCaretAt(int digits, int column) {
-    const int text = column - MemoryTextColumn(digits, 0);
-    if (text >= 0) return {std::min(text, kMemoryRow - 1), true, false};
-    for (int i = kMemoryRow - 1; i > 0; --i) {
-        const int start = MemoryHexColumn(digits, i);
+MemoryCaret MemoryCaretAt(const MemoryShape& shape, int column) {
+    const int text = column - MemoryTextColumn(shape, 0);
+    if (text >= 0) return {std::min(text, shape.bytes - 1), true, false};
+    for (int i = shape.bytes - 1; i > 0; --i) {
+        const int start = MemoryHexColumn(shape, i);
         if (column >= start) return {i, false, column > start};
     }
-    return {0, false, column > MemoryHexColumn(digits, 0)};
+    return {0, false, column > MemoryHexColumn(shape, 0)};
 }
 
 std::optional<std::uint8_t> MemoryTyped(std::uint8_t old, const MemoryCaret& caret, wchar_t typed) {

@@ -13,7 +13,10 @@ namespace {
 
 constexpr std::uint64_t kPage = 4096;
 
-std::uint64_t HighestRow() { return g_memory.x64 ? ~std::uint64_t{15} : 0xFFFFFFF0U; }
+// Bytes of a row, as a distance between addresses.
+std::uint64_t RowBytes() { return static_cast<std::uint64_t>(g_memory.shape.bytes); }
+
+std::uint64_t HighestRow() { return (g_memory.x64 ? ~std::uint64_t{0} : 0xFFFFFFFFU) - (RowBytes() - 1); }
 
 // Pages that cannot be read do not hide those behind them.
 std::vector<MemoryByte> ReadBytes(std::uint64_t address, std::size_t count) {
@@ -29,12 +32,22 @@ std::vector<MemoryByte> ReadBytes(std::uint64_t address, std::size_t count) {
     return bytes;
 }
 
-std::size_t VisibleBytes() { return static_cast<std::size_t>(g_memory.rows) * kMemoryRow; }
+std::size_t VisibleBytes() { return static_cast<std::size_t>(g_memory.rows) * RowBytes(); }
+
+// Rows of another length: the caret stays on its byte, which is elsewhere in its row now.
+void Reshape(const MemoryShape& shape) {
+    const std::uint64_t caret = g_memory.caretRow + static_cast<std::uint64_t>(g_memory.caret.index);
+    g_memory.shape = shape;
+    // Rows count from the first one that is shown, upwards too: the length divides what the difference wraps around at.
+    const std::uint64_t rest = std::min((caret - g_memory.top) % RowBytes(), caret);
+    g_memory.caretRow = caret - rest;
+    g_memory.caret.index = static_cast<int>(rest);
+}
 
 std::wstring RowText(std::size_t row) {
-    const std::size_t first = row * kMemoryRow;
-    if (first + kMemoryRow > g_memory.bytes.size()) return {};
-    return MemoryRowText(g_memory.top + first, g_memory.digits, std::span(g_memory.bytes).subspan(first, kMemoryRow));
+    const std::size_t first = row * RowBytes();
+    if (first + RowBytes() > g_memory.bytes.size()) return {};
+    return MemoryRowText(g_memory.top + first, g_memory.shape, std::span(g_memory.bytes).subspan(first, RowBytes()));
 }
 
 void Fill(PaneContent& content) {
@@ -72,7 +85,9 @@ void Fill(PaneContent& content) {
 }  // namespace
 
 void MemoryRead() {
-    g_memory.digits = AddressDigits(g_memory.x64, std::max(g_memory.top, g_memory.top + VisibleBytes()));
+    const int digits = AddressDigits(g_memory.x64, std::max(g_memory.top, g_memory.top + VisibleBytes()));
+    const MemoryShape shape = MemoryShapeThatFits(digits, g_memory.characters);
+    if (shape != g_memory.shape) Reshape(shape);
     g_memory.bytes = ReadBytes(g_memory.top, VisibleBytes());
 }
 
@@ -93,7 +108,7 @@ bool MemoryWrite(wchar_t typed) {
 
 void MemoryScroll(std::int64_t rows) {
     if (!PaneProgramNow().stopped) return;
-    const std::uint64_t distance = static_cast<std::uint64_t>(rows < 0 ? -rows : rows) * kMemoryRow;
+    const std::uint64_t distance = static_cast<std::uint64_t>(rows < 0 ? -rows : rows) * RowBytes();
     g_memory.top = rows < 0 ? g_memory.top - std::min(g_memory.top, distance)
                             : g_memory.top + std::min(distance, HighestRow() - std::min(g_memory.top, HighestRow()));
     MemoryRead();
@@ -101,17 +116,17 @@ void MemoryScroll(std::int64_t rows) {
 
 void MemoryMoveCaret(std::int64_t bytes) {
     const std::int64_t index = g_memory.caret.index + bytes;
-    std::int64_t rows = index / kMemoryRow;
-    if (index % kMemoryRow < 0) --rows;
-    const std::uint64_t distance = static_cast<std::uint64_t>(rows < 0 ? -rows : rows) * kMemoryRow;
+    std::int64_t rows = index / g_memory.shape.bytes;
+    if (index % g_memory.shape.bytes < 0) --rows;
+    const std::uint64_t distance = static_cast<std::uint64_t>(rows < 0 ? -rows : rows) * RowBytes();
     if (rows < 0 ? g_memory.caretRow < distance : HighestRow() - g_memory.caretRow < distance) return;
     g_memory.caretRow = rows < 0 ? g_memory.caretRow - distance : g_memory.caretRow + distance;
-    g_memory.caret.index = static_cast<int>(index - rows * kMemoryRow);
-    const auto whole = static_cast<std::uint64_t>(std::max(g_memory.rows - 1, 1)) * kMemoryRow;
+    g_memory.caret.index = static_cast<int>(index - rows * g_memory.shape.bytes);
+    const auto whole = static_cast<std::uint64_t>(std::max(g_memory.rows - 1, 1)) * RowBytes();
     if (g_memory.caretRow < g_memory.top) {
-        MemoryScroll(-static_cast<std::int64_t>((g_memory.top - g_memory.caretRow + kMemoryRow - 1) / kMemoryRow));
+        MemoryScroll(-static_cast<std::int64_t>((g_memory.top - g_memory.caretRow + RowBytes() - 1) / RowBytes()));
     } else if (g_memory.caretRow - g_memory.top >= whole) {
-        MemoryScroll(static_cast<std::int64_t>((g_memory.caretRow - g_memory.top - whole) / kMemoryRow + 1));
+        MemoryScroll(static_cast<std::int64_t>((g_memory.caretRow - g_memory.top - whole) / RowBytes() + 1));
     }
 }
 
@@ -132,7 +147,7 @@ std::wstring MemoryText() {
 }
 
 std::wstring MemoryCaretRowText() {
-    return MemoryRowText(g_memory.caretRow, g_memory.digits, ReadBytes(g_memory.caretRow, kMemoryRow));
+    return MemoryRowText(g_memory.caretRow, g_memory.shape, ReadBytes(g_memory.caretRow, RowBytes()));
 }
 
 const PaneView kMemoryView = {.title = L"Memory",

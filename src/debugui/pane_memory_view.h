@@ -18,8 +18,9 @@ struct MemoryView {
     std::uint64_t caretRow = 0;  // address of the caret's row
     MemoryCaret caret;
     int rows = 1;                   // that fit, a cut one at the end included
+    int characters = 80;            // that a row has room for
     bool x64 = true;                // kind of the program
-    int digits = 16;                // of an address
+    MemoryShape shape;              // of every row
     std::uint32_t processId = 0;    // of the program that is shown
     std::uint64_t serial = 0;       // of the stop that is shown
     std::vector<MemoryByte> bytes;  // from `top` on
@@ -28,7 +29,7 @@ struct MemoryView {
 };
 extern MemoryView g_memory;
 
-void MemoryRead();  // what is visible
+void MemoryRead();  // what is visible, in rows as long as there is room for
 bool MemoryChanged(std::uint64_t address, const MemoryByte& now);
 // Types one character over the byte at the caret; false when that is refused.
 bool MemoryWrite(wchar_t typed);

@@ -55,8 +55,8 @@ void DrawCaret(HDC dc, int x, int y) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     const MemoryCaret& caret = g_memory.caret;
     const bool focused = GetFocus() == g_memory.window;
-    const int hex = MemoryHexColumn(g_memory.digits, caret.index);
-    const int text = MemoryTextColumn(g_memory.digits, caret.index);
+    const int hex = MemoryHexColumn(g_memory.shape, caret.index);
+    const int text = MemoryTextColumn(g_memory.shape, caret.index);
     const auto box = [&](int column, int count) {
         return RECT{x + column * CharacterWidth(), y, x + (column + count) * CharacterWidth(), y + RowHeight()};
     };
@@ -69,20 +69,21 @@ void DrawCaret(HDC dc, int x, int y) {
 
 void DrawRow(HDC dc, int index, int x, int y) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
-    const std::size_t first = static_cast<std::size_t>(index) * kMemoryRow;
-    if (first + kMemoryRow > g_memory.bytes.size()) return;
-    const auto bytes = std::span(g_memory.bytes).subspan(first, kMemoryRow);
+    const auto length = static_cast<std::size_t>(g_memory.shape.bytes);
+    const std::size_t first = static_cast<std::size_t>(index) * length;
+    if (first + length > g_memory.bytes.size()) return;
+    const auto bytes = std::span(g_memory.bytes).subspan(first, length);
     const std::uint64_t address = g_memory.top + first;
-    const std::wstring row = MemoryRowText(address, g_memory.digits, bytes);
+    const std::wstring row = MemoryRowText(address, g_memory.shape, bytes);
     if (address == g_memory.caretRow) DrawCaret(dc, x, y);
     const COLORREF plain = IsStale() ? PaneQuietColour() : chrome.paneText;
-    DrawCharacters(dc, x, y, row, 0, g_memory.digits, IsStale() ? PaneQuietColour() : chrome.tabText);
-    for (int i = 0; i < kMemoryRow; ++i) {
+    DrawCharacters(dc, x, y, row, 0, g_memory.shape.digits, IsStale() ? PaneQuietColour() : chrome.tabText);
+    for (int i = 0; i < g_memory.shape.bytes; ++i) {
         const MemoryByte& byte = bytes[static_cast<std::size_t>(i)];
         const bool changed = !IsStale() && MemoryChanged(address + static_cast<std::uint64_t>(i), byte);
         const COLORREF colour = changed ? chrome.error : byte ? plain : PaneQuietColour();
-        DrawCharacters(dc, x, y, row, MemoryHexColumn(g_memory.digits, i), 2, colour);
-        DrawCharacters(dc, x, y, row, MemoryTextColumn(g_memory.digits, i), 1, colour);
+        DrawCharacters(dc, x, y, row, MemoryHexColumn(g_memory.shape, i), 2, colour);
+        DrawCharacters(dc, x, y, row, MemoryTextColumn(g_memory.shape, i), 1, colour);
     }
 }
 
@@ -108,10 +109,12 @@ void OnPaint(HWND window) {
 
 // --- Input
 
-void OnSize(int height) {
+void OnSize(int width, int height) {
     const int rows = std::max(1, (height - PaneScaled(3) + RowHeight() - 1) / RowHeight());
-    if (rows == g_memory.rows) return;
+    const int characters = (width - PaneScaled(kPadding)) / std::max(CharacterWidth(), 1);
+    if (rows == g_memory.rows && characters == g_memory.characters) return;
     g_memory.rows = rows;
+    g_memory.characters = characters;
     if (g_memory.filled && PaneProgramNow().stopped) MemoryRead();
     Repaint();
 }
@@ -145,8 +148,8 @@ void OnClick(POINT at) {
     SetFocus(g_memory.window);
     const int row = std::max<int>(0, (at.y - PaneScaled(3)) / RowHeight());
     if (!g_memory.filled || row >= g_memory.rows) return;
-    g_memory.caretRow = g_memory.top + static_cast<std::uint64_t>(row) * kMemoryRow;
-    g_memory.caret = MemoryCaretAt(g_memory.digits, (at.x - PaneScaled(kPadding)) / std::max(CharacterWidth(), 1));
+    g_memory.caretRow = g_memory.top + static_cast<std::uint64_t>(row * g_memory.shape.bytes);
+    g_memory.caret = MemoryCaretAt(g_memory.shape, (at.x - PaneScaled(kPadding)) / std::max(CharacterWidth(), 1));
     Repaint();
 }
 
@@ -163,6 +166,8 @@ void ShowBase() {
 
 bool OnKey(WPARAM key) {
     const bool control = GetKeyState(VK_CONTROL) < 0;
+    const int length = g_memory.shape.bytes;
+    const int page = length * std::max(g_memory.rows - 1, 1);
     switch (key) {
         case VK_LEFT:
         case VK_RIGHT:
@@ -171,17 +176,17 @@ bool OnKey(WPARAM key) {
             else
                 MemoryStepCaret(key == VK_RIGHT ? 1 : -1);
             break;
-        case VK_UP: MemoryMoveCaret(-kMemoryRow); break;
-        case VK_DOWN: MemoryMoveCaret(kMemoryRow); break;
-        case VK_PRIOR: MemoryMoveCaret(-kMemoryRow * std::max(g_memory.rows - 1, 1)); break;
-        case VK_NEXT: MemoryMoveCaret(kMemoryRow * std::max(g_memory.rows - 1, 1)); break;
+        case VK_UP: MemoryMoveCaret(-length); break;
+        case VK_DOWN: MemoryMoveCaret(length); break;
+        case VK_PRIOR: MemoryMoveCaret(-page); break;
+        case VK_NEXT: MemoryMoveCaret(page); break;
         case VK_HOME:
             if (control)
                 ShowBase();
             else
                 g_memory.caret = {0, g_memory.caret.text, false};
             break;
-        case VK_END: g_memory.caret = {kMemoryRow - 1, g_memory.caret.text, false}; break;
+        case VK_END: g_memory.caret = {length - 1, g_memory.caret.text, false}; break;
         case 'C':
             if (!control) return false;
             PaneCopyText(MemoryCaretRowText());
@@ -216,8 +221,9 @@ void FollowPointer() {
 void OnContextMenu(POINT at) {
     if (!g_memory.filled) return;
     if (at.x == -1 && at.y == -1) {  // from the keyboard
-        const auto row = static_cast<int>((g_memory.caretRow - g_memory.top) / kMemoryRow) + 1;
-        at = {PaneScaled(kPadding) + MemoryHexColumn(g_memory.digits, g_memory.caret.index) * CharacterWidth(),
+        const auto row =
+            static_cast<int>((g_memory.caretRow - g_memory.top) / static_cast<std::uint64_t>(g_memory.shape.bytes)) + 1;
+        at = {PaneScaled(kPadding) + MemoryHexColumn(g_memory.shape, g_memory.caret.index) * CharacterWidth(),
               std::clamp(row, 0, g_memory.rows) * RowHeight()};
         ClientToScreen(g_memory.window, &at);
     }
@@ -244,7 +250,7 @@ LRESULT CALLBACK MemoryProc(HWND window, UINT message, WPARAM wParam, LPARAM lPa
     switch (message) {
         case WM_PAINT: OnPaint(window); return 0;
         case WM_ERASEBKGND: return 1;
-        case WM_SIZE: OnSize(HIWORD(lParam)); return 0;
+        case WM_SIZE: OnSize(LOWORD(lParam), HIWORD(lParam)); return 0;
         case WM_VSCROLL: OnScroll(wParam); return 0;
         case WM_MOUSEWHEEL: OnWheel(GET_WHEEL_DELTA_WPARAM(wParam)); return 0;
         case WM_LBUTTONDOWN: OnClick({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;
@@ -286,6 +292,6 @@ void PaneMemoryApplyTheme() {
     SetWindowTheme(g_memory.window, ThemeIsDark() ? L"DarkMode_Explorer" : L"Explorer", nullptr);
     RECT client = {};
     GetClientRect(g_memory.window, &client);
-    OnSize(client.bottom);
+    OnSize(client.right, client.bottom);
     Repaint();
 }

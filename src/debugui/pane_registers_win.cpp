@@ -11,7 +11,7 @@ namespace {
 
 enum Column : int { kName, kValue, kMeaning };
 constexpr std::array<PaneColumn, 3> kColumns = {
-    {{L"Register", 10, true}, {L"Value", 33, true}, {L"Meaning", 24, true}}};
+    {{L"Register", 7, 7, true}, {L"Value", 33, 22, true}, {L"Meaning", 21, 10, true}}};
 
 std::vector<PaneRow> g_rows;
 

@@ -1,11 +1,12 @@
 // What the views of the debug pane say about registers, flags and values, as rows of text. Pure.
 #pragma once
 
-#include "debugger/hex_text.h"
 #include "debugger/expressions.h"
+#include "debugger/hex_text.h"
 #include "debugger/registers.h"
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,6 +32,23 @@ struct PaneRow {
     PaneMark mark = PaneMark::None;
     bool operator==(const PaneRow&) const = default;
 };
+
+struct ColumnRoom {
+    int wanted = 0;  // pixels
+    int least = 0;   // not more than that
+};
+// Widths of columns beside each other. With room to spare the last one takes it; with too little each gives up the same
+// part of what it can.
+std::vector<int> FitColumns(std::span<const ColumnRoom> columns, int room);
+
+// Tabs from `first` to before `end` are to be seen whole in a row.
+struct TabSpan {
+    int first = 0;
+    int end = 0;
+    bool operator==(const TabSpan&) const = default;
+};
+// As many as there is room for, the selected one among them, from `first` on if that is possible.
+TabSpan FitTabs(std::span<const int> widths, int room, int selected, int first);
 
 // Digits of an address in a program of that kind: of 64 bits programs use 47, and the zeros before them cost room.
 constexpr int AddressDigits(bool x64, std::uint64_t address) { return !x64 ? 8 : address >> 48 == 0 ? 12 : 16; }

@@ -8,7 +8,8 @@
 
 namespace {
 
-constexpr std::array<PaneColumn, 3> kColumns = {{{L"#", 3, true}, {L"Address", 13, true}, {L"Place", 30, true}}};
+constexpr std::array<PaneColumn, 3> kColumns = {
+    {{L"#", 3, 3, true}, {L"Address", 13, 12, true}, {L"Place", 30, 12, true}}};
 
 std::vector<DebugFrame> g_frames;
 

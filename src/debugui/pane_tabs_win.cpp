@@ -9,19 +9,23 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <array>
+#include <vector>
 
 namespace {
 
 constexpr UINT_PTR kSubclassId = 1;
-constexpr int kWidestBlank = 14;  // beside a title, at 96 dpi
+constexpr int kLeastBlank = 6, kWidestBlank = 14;  // beside a title, at 96 dpi
+constexpr int kMoreWidth = 26;
 
 // What the row was last fitted to: each refresh of the pane asks again.
 struct Fit {
     HWND tabs = nullptr;
-    int width = 0, titles = 0;
+    int width = 0, titles = 0, selected = 0;
     bool operator==(const Fit&) const = default;
 };
 Fit g_fit;
+TabSpan g_shown;
 
 void DrawTab(HDC dc, const RECT& body, const wchar_t* title, bool active, bool focused) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
@@ -43,29 +47,27 @@ void DrawTab(HDC dc, const RECT& body, const wchar_t* title, bool active, bool f
     FrameRect(dc, &ring, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
 }
 
-std::wstring TitleOf(HWND tabs, int index) {
-    wchar_t title[32] = {};
-    TCITEMW item = {};
-    item.mask = TCIF_TEXT;
-    item.pszText = title;
-    item.cchTextMax = static_cast<int>(std::size(title));
-    SendMessageW(tabs, TCM_GETITEMW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
-    return title;
-}
-
 int TitlesWidth(HWND tabs) {
     int width = 0;
     const HDC dc = GetDC(tabs);
     const HGDIOBJ oldFont = SelectObject(dc, PaneFontsNow().text);
     for (int i = 0; i < kDebugTabCount; ++i) {
-        const std::wstring title = TitleOf(tabs, i);
+        const wchar_t* title = PaneTitle(static_cast<DebugTab>(i));
         SIZE size = {};
-        GetTextExtentPoint32W(dc, title.c_str(), static_cast<int>(title.size()), &size);
+        GetTextExtentPoint32W(dc, title, lstrlenW(title), &size);
         width += size.cx;
     }
     SelectObject(dc, oldFont);
     ReleaseDC(tabs, dc);
     return width;
+}
+
+int Selected(HWND tabs) { return static_cast<int>(SendMessageW(tabs, TCM_GETCURSEL, 0, 0)); }
+
+RECT TabRect(HWND tabs, int index) {
+    RECT body = {};
+    SendMessageW(tabs, TCM_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&body));
+    return body;
 }
 
 void DrawRow(HWND tabs, HDC dc, const RECT& client) {
@@ -74,13 +76,12 @@ void DrawRow(HWND tabs, HDC dc, const RECT& client) {
     PaneFillRect(dc, {client.left, client.bottom - 1, client.right, client.bottom}, chrome.line);
     const HGDIOBJ oldFont = SelectObject(dc, PaneFontsNow().text);
     SetBkMode(dc, TRANSPARENT);
-    const LRESULT active = SendMessageW(tabs, TCM_GETCURSEL, 0, 0);
+    const int active = Selected(tabs);
     for (int i = 0; i < kDebugTabCount; ++i) {
-        RECT body = {};
-        SendMessageW(tabs, TCM_GETITEMRECT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&body));
+        RECT body = TabRect(tabs, i);
         body.top = client.top;
         body.bottom = client.bottom;
-        DrawTab(dc, body, TitleOf(tabs, i).c_str(), i == active, GetFocus() == tabs);
+        DrawTab(dc, body, PaneTitle(static_cast<DebugTab>(i)), i == active, GetFocus() == tabs);
     }
     SelectObject(dc, oldFont);
 }
@@ -154,22 +155,71 @@ HWND PaneTabsCreate(HWND parent) {
     return tabs;
 }
 
-void PaneTabsFit(HWND tabs, int width) {
-    const Fit fit = {tabs, width, TitlesWidth(tabs)};
+void PaneTabsPlace(HWND tabs, HWND more, int width, int height) {
+    const Fit fit = {tabs, width, TitlesWidth(tabs), Selected(tabs)};
     if (fit == g_fit) return;
     g_fit = fit;
-    // The control wants a few pixels beside its tabs; without them it shows arrows.
-    const int room = width - PaneScaled(6);
-    const int blank = (room - fit.titles) / (2 * kDebugTabCount);
-    // With room for all titles each tab is as wide as its own; without, all share alike and the longest are shortened.
-    const bool alike = blank < PaneScaled(3);
-    const LONG_PTR style = GetWindowLongPtrW(tabs, GWL_STYLE);
-    const LONG_PTR wanted = alike ? style | TCS_FIXEDWIDTH : style & ~LONG_PTR{TCS_FIXEDWIDTH};
-    if (style != wanted) SetWindowLongPtrW(tabs, GWL_STYLE, wanted);
-    const int each = std::max(room / kDebugTabCount, 1);
-    SendMessageW(tabs, TCM_SETPADDING, 0, MAKELPARAM(std::clamp(blank, 0, PaneScaled(kWidestBlank)), 0));
-    SendMessageW(tabs, TCM_SETITEMSIZE, 0, MAKELPARAM(each, PaneScaled(22)));
+    // The control wants a few pixels beside its tabs; without them it shows arrows of its own.
+    const int blank = (width - PaneScaled(6) - fit.titles) / (2 * kDebugTabCount);
+    const bool all = blank >= PaneScaled(kLeastBlank);
+    SendMessageW(tabs, TCM_SETPADDING, 0,
+                 MAKELPARAM(std::clamp(blank, PaneScaled(kLeastBlank), PaneScaled(kWidestBlank)), 0));
+    SendMessageW(tabs, TCM_SETITEMSIZE, 0, MAKELPARAM(0, PaneScaled(22)));
+    // It is always as wide as all its tabs: what there is no room for lies beyond the edges of the pane.
+    const int whole = all ? width : 2 * (fit.titles + 2 * kDebugTabCount * PaneScaled(kLeastBlank));
+    SetWindowPos(tabs, nullptr, 0, 0, whole, height, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    std::array<int, kDebugTabCount> widths = {};
+    for (int i = 0; i < kDebugTabCount; ++i) {
+        const RECT tab = TabRect(tabs, i);
+        widths[static_cast<std::size_t>(i)] = static_cast<int>(tab.right - tab.left);
+    }
+    const int room = all ? whole : width - PaneScaled(kMoreWidth);
+    g_shown = FitTabs(widths, room, std::max(fit.selected, 0), g_shown.first);
+    const int left = g_shown.first > 0 ? static_cast<int>(TabRect(tabs, g_shown.first).left) : 0;
+    SetWindowPos(tabs, nullptr, -left, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_SHOWWINDOW);
+    // Over the rest of the row, and with it over the tab that would be cut.
+    const int end = std::min(static_cast<int>(TabRect(tabs, g_shown.end - 1).right) - left, room);
+    SetWindowPos(more, HWND_TOP, end, 0, std::max(width - end, 0), height,
+                 SWP_NOACTIVATE | (all ? SWP_HIDEWINDOW : SWP_SHOWWINDOW));
     InvalidateRect(tabs, nullptr, FALSE);
+    InvalidateRect(more, nullptr, FALSE);
+}
+
+HWND PaneMoreCreate(HWND parent) {
+    return CreateWindowExW(0, WC_BUTTONW, L"More Views", WS_CHILD | WS_CLIPSIBLINGS | BS_OWNERDRAW, 0, 0, 0, 0, parent,
+                           reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_DEBUG_MORE)), g_app.hInstance, nullptr);
+}
+
+void PaneMoreDraw(const DRAWITEMSTRUCT& draw) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    const RECT& area = draw.rcItem;
+    const bool pressed = (draw.itemState & ODS_SELECTED) != 0;
+    PaneFillRect(draw.hDC, area, pressed ? chrome.hover : chrome.tabBack);
+    PaneFillRect(draw.hDC, {area.left, area.bottom - 1, area.right, area.bottom}, chrome.line);
+    const int arm = PaneScaled(4);
+    const int middle = area.right - PaneScaled(kMoreWidth) / 2;
+    const int top = (area.top + area.bottom - arm) / 2 + PaneScaled(1);
+    const std::array<POINT, 3> arrow = {{{middle - arm, top}, {middle + arm, top}, {middle, top + arm}}};
+    SetDCBrushColor(draw.hDC, chrome.tabText);
+    SetDCPenColor(draw.hDC, chrome.tabText);
+    const HGDIOBJ oldBrush = SelectObject(draw.hDC, GetStockObject(DC_BRUSH));
+    const HGDIOBJ oldPen = SelectObject(draw.hDC, GetStockObject(DC_PEN));
+    Polygon(draw.hDC, arrow.data(), static_cast<int>(arrow.size()));
+    SelectObject(draw.hDC, oldPen);
+    SelectObject(draw.hDC, oldBrush);
+}
+
+void PaneMoreShowMenu(HWND tabs, HWND more) {
+    std::vector<PaneMenuItem> items;
+    for (int i = 0; i < kDebugTabCount; ++i) {
+        if (i < g_shown.first || i >= g_shown.end)
+            items.push_back({static_cast<UINT>(i + 1), PaneTitle(static_cast<DebugTab>(i))});
+    }
+    RECT area = {};
+    GetWindowRect(more, &area);
+    const UINT chosen = PaneShowMenu(items, {area.right, area.bottom}, TPM_RIGHTALIGN);
+    if (chosen != 0) SendMessageW(tabs, TCM_SETCURFOCUS, chosen - 1, 0);
+    PaneFocusView();
 }
 
 HWND PaneAddressCreate(HWND parent) {

@@ -9,7 +9,7 @@
 namespace {
 
 constexpr std::array<PaneColumn, 4> kColumns = {
-    {{L"Thread", 7, true}, {L"Kind", 14, false}, {L"Address", 13, true}, {L"Place", 26, true}}};
+    {{L"Thread", 7, 5, true}, {L"Kind", 14, 9, false}, {L"Address", 13, 12, true}, {L"Place", 26, 16, true}}};
 
 std::vector<std::uint32_t> g_ids;
 

@@ -4,8 +4,8 @@
 
 #include "app/app_state.h"
 #include "debugger/debug_inspect.h"
-#include "debugger/expressions.h"
 #include "debugger/debug_session.h"
+#include "debugger/expressions.h"
 #include "debugui/pane_internal.h"
 #include "files/handles.h"
 #include "resources/ids.h"
@@ -17,7 +17,8 @@
 namespace {
 
 enum Column : int { kExpression, kKind, kValue };
-constexpr std::array<PaneColumn, 3> kColumns = {{{L"Address", 22, true}, {L"Kind", 9, false}, {L"Value", 30, true}}};
+constexpr std::array<PaneColumn, 3> kColumns = {
+    {{L"Address", 22, 10, true}, {L"Kind", 9, 7, false}, {L"Value", 30, 14, true}}};
 
 enum MenuCommand : UINT { kEditExpression = 1, kEditValue, kRemove, kFirstKind };
 
@@ -69,7 +70,7 @@ void Fill(PaneContent& content) {
     content.stale = program.session && !program.stopped;
     PaneRow empty;
     empty.tone = PaneTone::Quiet;
-    empty.cells = {L"", L"", L"Type an address here: RSP+8, 0x140002000"};
+    empty.cells = {L"Type an address here: RSP+8, 0x140002000", L"", L""};
     content.rows.push_back(std::move(empty));
 }
 

@@ -115,6 +115,7 @@
 #define IDM_TAB_CLOSE_OTHERS 1957
 #define IDM_TAB_COPY_PATH 1958
 #define IDM_FILE_RELOAD 1959
+#define IDM_TOOLBAR_MORE 1960
 
 // --- Child controls of the main window
 #define IDC_TABS 2001
@@ -139,6 +140,7 @@
 #define IDC_DEBUG_LIST 2402     // list view of breakpoints, stack, registers, watches, threads
 #define IDC_DEBUG_TEXT 2403     // memory and disassembly (Scintilla)
 #define IDC_DEBUG_ADDRESS 2404  // address line of memory and disassembly
+#define IDC_DEBUG_MORE 2405     // the views whose tabs there is no room for
 // Editors: IDC_EDITOR_FIRST and up, one number a tab ever opened.
 #define IDC_EDITOR_FIRST 5000
 

@@ -157,24 +157,60 @@ TEST(Watches, BytesOfTypedValues) {
     }
 }
 
+TEST(Columns, GiveWayInTheSameMeasure) {
+    const std::vector<ColumnRoom> columns = {{100, 60}, {50, 50}, {200, 80}};
+    const struct {
+        int room;
+        std::vector<int> widths;
+    } cases[] = {
+        {350, {100, 50, 200}}, {500, {100, 50, 350}}, {270, {80, 50, 140}}, {190, {60, 50, 80}}, {20, {60, 50, 80}}};
+    for (const auto& each : cases) EXPECT_EQ(FitColumns(columns, each.room), each.widths) << each.room;
+    EXPECT_TRUE(FitColumns({}, 100).empty());
+}
+
+TEST(Tabs, TheSelectedOneIsAmongThoseThatFit) {
+    const std::vector<int> widths = {40, 30, 20, 30, 40};
+    const struct {
+        int room, selected, first;
+        TabSpan shown;
+    } cases[] = {{160, 0, 0, {0, 5}}, {100, 0, 0, {0, 3}}, {100, 3, 0, {1, 4}}, {100, 4, 1, {2, 5}},
+                 {100, 3, 2, {2, 5}}, {100, 1, 2, {1, 4}}, {160, 4, 3, {0, 5}}, {10, 2, 0, {2, 3}}};
+    for (const auto& each : cases) {
+        const TabSpan got = FitTabs(widths, each.room, each.selected, each.first);
+        EXPECT_EQ(got, each.shown) << each.room << " " << each.selected << ": " << got.first << " to " << got.end;
+    }
+}
+
 TEST(Memory, RowsShowBytesTextAndGaps) {
     std::vector<MemoryByte> bytes(16);
     const char text[] = "Hello\x01~\x7F";
     for (std::size_t i = 0; i < 8; ++i) bytes[i] = static_cast<std::uint8_t>(text[i]);
-    EXPECT_EQ(MemoryRowText(0x140001000, 12, bytes),
+    EXPECT_EQ(MemoryRowText(0x140001000, {12, 16}, bytes),
               L"000140001000 48 65 6C 6C 6F 01 7E 7F  ?? ?? ?? ?? ?? ?? ?? ?? Hello.~.        ");
+    EXPECT_EQ(MemoryRowText(0x401000, {8, 8}, bytes), L"00401000 48 65 6C 6C  6F 01 7E 7F Hello.~.");
+}
+
+TEST(Memory, RowsAreAsLongAsThereIsRoomFor) {
+    for (const int digits : {8, 12, 16}) {
+        for (const auto& [bytes, fewer] : {std::pair{16, 8}, std::pair{8, 4}, std::pair{4, 4}}) {
+            const int width = MemoryRowWidth({digits, bytes});
+            EXPECT_EQ(MemoryShapeThatFits(digits, width), (MemoryShape{digits, bytes}));
+            EXPECT_EQ(MemoryShapeThatFits(digits, width - 1), (MemoryShape{digits, fewer}));
+        }
+    }
 }
 
 TEST(Memory, ClicksFindTheirByte) {
-    constexpr int kDigits = 12;
-    for (int i = 0; i < kMemoryRow; ++i) {
-        const int hex = MemoryHexColumn(kDigits, i);
-        EXPECT_EQ(MemoryCaretAt(kDigits, hex), (MemoryCaret{i, false, false})) << i;
-        EXPECT_EQ(MemoryCaretAt(kDigits, hex + 1), (MemoryCaret{i, false, true})) << i;
-        EXPECT_EQ(MemoryCaretAt(kDigits, MemoryTextColumn(kDigits, i)), (MemoryCaret{i, true, false})) << i;
+    for (const MemoryShape shape : {MemoryShape{12, 16}, MemoryShape{8, 8}, MemoryShape{16, 4}}) {
+        for (int i = 0; i < shape.bytes; ++i) {
+            const int hex = MemoryHexColumn(shape, i);
+            EXPECT_EQ(MemoryCaretAt(shape, hex), (MemoryCaret{i, false, false})) << i;
+            EXPECT_EQ(MemoryCaretAt(shape, hex + 1), (MemoryCaret{i, false, true})) << i;
+            EXPECT_EQ(MemoryCaretAt(shape, MemoryTextColumn(shape, i)), (MemoryCaret{i, true, false})) << i;
+        }
+        EXPECT_EQ(MemoryCaretAt(shape, -5), (MemoryCaret{0, false, false}));
+        EXPECT_EQ(MemoryCaretAt(shape, 500), (MemoryCaret{shape.bytes - 1, true, false}));
     }
-    EXPECT_EQ(MemoryCaretAt(kDigits, -5), (MemoryCaret{0, false, false}));
-    EXPECT_EQ(MemoryCaretAt(kDigits, 500), (MemoryCaret{15, true, false}));
 }
 
 TEST(Memory, TypingOverABytesHalves) {
