@@ -125,6 +125,10 @@ bool HandleView(int command) {
         SetStyle(command - IDM_STYLE_FIRST + 1);
         return true;
     }
+    if (command == IDM_TOOLBAR_MORE) {
+        ToolbarShowMore();
+        return true;
+    }
     if (command == IDM_STYLE_FONT) {
         ChooseEditorFont();
         return true;

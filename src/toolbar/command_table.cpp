@@ -63,6 +63,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_USE_KELDORBASIC, kAlways, [](const CommandView& v) { return v.compiler == 3; }},
     {IDM_USE_KVXC64, kAlways, [](const CommandView& v) { return v.compiler == 4; }},
     {IDM_COMPILER_MENU, kAlways},
+    {IDM_TOOLBAR_MORE, kAlways},
     {IDM_PROFILE_DEBUG, kAlways, [](const CommandView& v) { return v.profile == 0; }},
     {IDM_PROFILE_RELEASE, kAlways, [](const CommandView& v) { return v.profile == 1; }},
     {IDM_PROFILE_FAST, kAlways, [](const CommandView& v) { return v.profile == 2; }},
@@ -108,8 +109,8 @@ constexpr CommandRow kCommands[] = {
 
 // Virtual key numbers; named here because this file knows no window headers.
 constexpr std::uint16_t kCancel = 0x03, kTab = 0x09, kLeft = 0x25, kRight = 0x27, kZero = 0x30, kNumpad0 = 0x60,
-                        kNumpadAdd = 0x6B, kNumpadSubtract = 0x6D, kF3 = 0x72, kF4 = 0x73, kF5 = 0x74, kF8 = 0x77,
-                        kF9 = 0x78, kF10 = 0x79, kOemPlus = 0xBB, kOemMinus = 0xBD;
+                        kNumpadAdd = 0x6B, kNumpadSubtract = 0x6D, kF2 = 0x71, kF3 = 0x72, kF4 = 0x73, kF5 = 0x74,
+                        kF8 = 0x77, kF9 = 0x78, kF10 = 0x79, kOemPlus = 0xBB, kOemMinus = 0xBD;
 
 constexpr ExtraKey kExtraKeys[] = {
     {kCancel, true, false, false, IDM_BUILD_STOP},      {kTab, true, false, false, IDM_NEXT_TAB},
@@ -124,6 +125,7 @@ constexpr ExtraKey kExtraKeys[] = {
     {kRight, false, false, true, IDM_NAV_FORWARD},      {kF5, true, false, false, IDM_DEBUG_CONTINUE},
     {kF5, false, true, false, IDM_DEBUG_STOP},          {kF10, true, false, false, IDM_DEBUG_RUN_TO_CURSOR},
     {kF9, true, false, false, IDM_DEBUG_CONDITIONAL},   {kCancel, true, false, true, IDM_DEBUG_PAUSE},
+    {kF2, true, false, false, IDM_TOOLBAR_MORE},
 };
 
 }  // namespace

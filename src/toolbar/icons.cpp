@@ -171,11 +171,16 @@ constexpr Shape kRunToCursor[] = {
     {Kind::Stroke, Ink::Line, 2, {{10.2F, 13.5F}, {13.8F, 13.5F}}, 1.4F},
 };
 
-constexpr std::span<const Shape> kIcons[] = {kNew,      kOpen,       kSave,          kSaveAll,    kUndo,     kRedo,
-                                             kCut,      kCopy,       kPaste,         kFind,       kBuild,    kRun,
-                                             kStop,     kSyntax,     kPreviousError, kNextError,  kAsm,      kOutput,
-                                             kAi,       kDebugStart, kBreakpoint,    kDebugStop,  kContinue, kPause,
-                                             kStepOver, kStepInto,   kStepOut,       kRunToCursor};
+constexpr Shape kMore[] = {
+    {Kind::Stroke, Ink::Line, 3, {{4.F, 4.5F}, {7.5F, 8.F}, {4.F, 11.5F}}, 1.5F},
+    {Kind::Stroke, Ink::Line, 3, {{8.5F, 4.5F}, {12.F, 8.F}, {8.5F, 11.5F}}, 1.5F},
+};
+
+constexpr std::span<const Shape> kIcons[] = {kNew,      kOpen,       kSave,          kSaveAll,     kUndo,     kRedo,
+                                             kCut,      kCopy,       kPaste,         kFind,        kBuild,    kRun,
+                                             kStop,     kSyntax,     kPreviousError, kNextError,   kAsm,      kOutput,
+                                             kAi,       kDebugStart, kBreakpoint,    kDebugStop,   kContinue, kPause,
+                                             kStepOver, kStepInto,   kStepOut,       kRunToCursor, kMore};
 static_assert(std::size(kIcons) == static_cast<std::size_t>(Icon::Count));
 
 float DistanceToSegment(Point p, Point a, Point b) {

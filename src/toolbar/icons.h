@@ -34,6 +34,7 @@ enum class Icon : std::uint8_t {
     StepInto,
     StepOut,
     RunToCursor,
+    More,
     Count
 };
 

@@ -12,6 +12,7 @@ void ToolbarDestroyImages();  // at the window's end
 
 void ToolbarUpdateCompiler();  // the compiler button's text
 void ToolbarUpdateAi();        // the sidebar button's check mark
+void ToolbarShowMore();        // the menu of the buttons without room; nothing when all are shown
 void ToolbarApplyState(const CommandView& view);
 
 // Pixels above the buttons that put them in the middle of the bar: versions of the control differ in how high they make

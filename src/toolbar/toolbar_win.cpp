@@ -3,29 +3,34 @@
 
 #include "app/app_state.h"
 #include "app/shell.h"
-#include "compilers/compiler_table.h"
-#include "files/wide_format.h"
 #include "language/theme.h"
 #include "resources/ids.h"
 #include "toolbar/command_state.h"
-#include "toolbar/icons.h"
+#include "toolbar/toolbar_fit.h"
+#include "toolbar/toolbar_internal.h"
 
 #include <commctrl.h>
 
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
 // A button that is not always there: shown while one of these conditions holds.
 constexpr std::uint32_t kShownAlways = 0;
 
+// What goes where there is not room for all buttons, first to last: what shows panes, what every program has on keys, the
+// files, the errors, and what builds, runs and debugs.
+enum Rank { kPanes, kEditing, kFiles, kErrors, kRunning };
+
 struct ButtonRow {
     int command;  // 0: a gap between groups
     Icon icon = Icon::New;
+    int rank = kStays;
     bool showsState = false;
     const wchar_t* tip = nullptr;  // for commands that no menu names
     std::uint32_t shownWhen = kShownAlways;
@@ -33,114 +38,103 @@ struct ButtonRow {
 };
 
 constexpr ButtonRow kButtons[] = {
-    {IDM_FILE_NEW, Icon::New},
-    {IDM_FILE_OPEN, Icon::Open},
-    {IDM_FILE_SAVE, Icon::Save},
-    {IDM_FILE_SAVE_ALL, Icon::SaveAll},
+    {IDM_FILE_NEW, Icon::New, kFiles},
+    {IDM_FILE_OPEN, Icon::Open, kFiles},
+    {IDM_FILE_SAVE, Icon::Save, kFiles},
+    {IDM_FILE_SAVE_ALL, Icon::SaveAll, kFiles},
     {0},
-    {IDM_EDIT_UNDO, Icon::Undo},
-    {IDM_EDIT_REDO, Icon::Redo},
+    {IDM_EDIT_UNDO, Icon::Undo, kEditing},
+    {IDM_EDIT_REDO, Icon::Redo, kEditing},
     {0},
-    {IDM_EDIT_CUT, Icon::Cut},
-    {IDM_EDIT_COPY, Icon::Copy},
-    {IDM_EDIT_PASTE, Icon::Paste},
-    {IDM_EDIT_FIND, Icon::Find},
+    {IDM_EDIT_CUT, Icon::Cut, kEditing},
+    {IDM_EDIT_COPY, Icon::Copy, kEditing},
+    {IDM_EDIT_PASTE, Icon::Paste, kEditing},
+    {IDM_EDIT_FIND, Icon::Find, kFiles},
     {0},
-    {IDM_COMPILER_MENU},
-    {IDM_BUILD, Icon::Build},
-    {IDM_BUILD_RUN, Icon::Run},
-    {IDM_BUILD_STOP, Icon::Stop},
-    {IDM_BUILD_SYNTAX, Icon::SyntaxCheck},
-    {IDM_ERROR_PREVIOUS, Icon::PreviousError, false, L"Previous Error (Shift+F4)"},
-    {IDM_ERROR_NEXT, Icon::NextError, false, L"Next Error (F4)"},
+    {IDM_COMPILER_MENU, Icon::New, kStays, false, L"Compiler and build profile"},
+    {IDM_BUILD, Icon::Build, kRunning},
+    {IDM_BUILD_RUN, Icon::Run, kRunning},
+    {IDM_BUILD_STOP, Icon::Stop, kRunning},
+    {IDM_BUILD_SYNTAX, Icon::SyntaxCheck, kErrors},
+    {IDM_ERROR_PREVIOUS, Icon::PreviousError, kErrors, false, L"Previous Error (Shift+F4)"},
+    {IDM_ERROR_NEXT, Icon::NextError, kErrors, false, L"Next Error (F4)"},
     {0},
     // Of the debugger only what fits the moment. Steps stay while the program runs: a row of buttons that came and went
     // with every step would flicker.
-    {IDM_DEBUG_BUTTON_START, Icon::DebugStart, false, L"Build and Debug", kNoSession},
-    {IDM_DEBUG_BREAKPOINT, Icon::Breakpoint, false, nullptr, kNoSession},
-    {IDM_DEBUG_BUTTON_STOP, Icon::DebugStop, false, L"Stop Debugging (Shift+F5)", kSession},
-    {IDM_DEBUG_CONTINUE, Icon::Continue, false, nullptr, kSession, kProgramRunning},
-    {IDM_DEBUG_PAUSE, Icon::Pause, false, nullptr, kProgramRunning},
-    {IDM_DEBUG_BUTTON_STEP_OVER, Icon::StepOver, false, L"Step Over (F10)", kSession},
-    {IDM_DEBUG_BUTTON_STEP_INTO, Icon::StepInto, false, L"Step Into (F11)", kSession},
-    {IDM_DEBUG_BUTTON_STEP_OUT, Icon::StepOut, false, L"Step Out (Shift+F11)", kSession},
-    {IDM_DEBUG_RUN_TO_CURSOR, Icon::RunToCursor, false, nullptr, kSession},
+    {IDM_DEBUG_BUTTON_START, Icon::DebugStart, kRunning, false, L"Build and Debug", kNoSession},
+    {IDM_DEBUG_BREAKPOINT, Icon::Breakpoint, kRunning, false, nullptr, kNoSession},
+    {IDM_DEBUG_BUTTON_STOP, Icon::DebugStop, kRunning, false, L"Stop Debugging (Shift+F5)", kSession},
+    {IDM_DEBUG_CONTINUE, Icon::Continue, kRunning, false, nullptr, kSession, kProgramRunning},
+    {IDM_DEBUG_PAUSE, Icon::Pause, kRunning, false, nullptr, kProgramRunning},
+    {IDM_DEBUG_BUTTON_STEP_OVER, Icon::StepOver, kRunning, false, L"Step Over (F10)", kSession},
+    {IDM_DEBUG_BUTTON_STEP_INTO, Icon::StepInto, kRunning, false, L"Step Into (F11)", kSession},
+    {IDM_DEBUG_BUTTON_STEP_OUT, Icon::StepOut, kRunning, false, L"Step Out (Shift+F11)", kSession},
+    {IDM_DEBUG_RUN_TO_CURSOR, Icon::RunToCursor, kRunning, false, nullptr, kSession},
     {0},
-    {IDM_VIEW_OUTPUT, Icon::Output, true},
-    {IDM_VIEW_ASM, Icon::AsmPane, true},
-    {IDM_VIEW_AI, Icon::Ai, true},
+    {IDM_VIEW_OUTPUT, Icon::Output, kPanes, true},
+    {IDM_VIEW_ASM, Icon::AsmPane, kPanes, true},
+    {IDM_VIEW_AI, Icon::Ai, kPanes, true},
+    {IDM_TOOLBAR_MORE, Icon::More, kStays, false, L"More Buttons (Ctrl+F2)"},
 };
+
+// The conditions that show and hide buttons; all others change with keys and must not cost a look at the bar.
+constexpr std::uint32_t ShowingConditions() {
+    std::uint32_t conditions = 0;
+    for (const ButtonRow& row : kButtons) conditions |= row.shownWhen | row.hiddenWhen;
+    return conditions;
+}
 
 constexpr int kIconSize = 16;
 constexpr int kButtonSize = 28;
 constexpr int kBarPadding = 3;
 constexpr int kGap = 9;
-constexpr int kArrowWidth = 48;  // the arrow of the compiler button and the air around its text
+constexpr int kMoreSize = 20;    // width of the button for those that have no room
+constexpr int kTextInset = 8;    // of the compiler button
+constexpr int kArrowWidth = 30;  // room for its arrow
+constexpr int kFirstGap = 1;     // ids of the gaps; commands are far above
 
 HIMAGELIST g_images = nullptr;
 HIMAGELIST g_disabledImages = nullptr;
-std::optional<CommandView> g_applied;  // what the buttons show; nothing: not known
+std::optional<CommandView> g_applied;     // what the buttons show; nothing: not known
+std::uint32_t g_conditions = kNoSession;  // by which they are shown
+std::vector<HiddenButton> g_hidden;       // those without room
 
 int Scaled(int length) { return MulDiv(length, g_app.dpi, 96); }
-
-IconInks InksOfTheme(bool enabled) {
-    if (!enabled) {
-        const std::uint32_t grey = ThemeIsDark() ? 0x5C6068 : 0xB4BAC6;
-        const std::uint32_t fill = ThemeIsDark() ? 0x2A2D33 : 0xF1F3F9;
-        return {.line = grey, .accent = grey, .go = grey, .stop = grey, .fill = fill};
-    }
-    if (ThemeIsDark())
-        return {.line = 0xC8CCD4, .accent = 0x6CB2F5, .go = 0x6CC77A, .stop = 0xF07470, .fill = 0x33373E};
-    return {.line = 0x4A5468, .accent = 0x1F6FD0, .go = 0x238A3A, .stop = 0xCC3A33, .fill = 0xFFFFFF};
-}
-
-HBITMAP BitmapOf(const std::vector<std::uint32_t>& pixels, int size) {
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof(info.bmiHeader);
-    info.bmiHeader.biWidth = size;
-    info.bmiHeader.biHeight = -size;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
-    void* bits = nullptr;
-    HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-    if (bitmap != nullptr) std::memcpy(bits, pixels.data(), pixels.size() * sizeof(pixels[0]));
-    return bitmap;
-}
 
 HIMAGELIST RenderImages(bool enabled) {
     const int size = Scaled(kIconSize);
     HIMAGELIST images = ImageList_Create(size, size, ILC_COLOR32, static_cast<int>(std::size(kButtons)), 0);
-    const IconInks inks = InksOfTheme(enabled);
+    const IconInks inks = ToolbarInks(ThemeIsDark(), enabled);
     for (const ButtonRow& row : kButtons) {
         if (row.command == 0 || row.command == IDM_COMPILER_MENU) continue;
-        HBITMAP bitmap = BitmapOf(RenderIcon(row.icon, size, inks), size);
+        HBITMAP bitmap = ToolbarPicture(row.icon, size, inks);
         ImageList_Add(images, bitmap, nullptr);
         DeleteObject(bitmap);
     }
     return images;
 }
 
-std::wstring CompilerButtonText() {
-    const auto id = static_cast<std::uint32_t>(g_app.settings.activeCompiler);
-    return FormatW(CompilerExists(id) ? L"%s" : L"%s (not found)", CompilerName(id));
+int IdOf(const ButtonRow& row) {
+    return row.command != 0 ? row.command : kFirstGap + static_cast<int>(&row - kButtons);
 }
 
 void AddButtons(HWND bar) {
     int image = 0;
-    const std::wstring compilerText = CompilerButtonText();
+    const std::wstring compilerText = ToolbarCompilerText();
     for (const ButtonRow& row : kButtons) {
         TBBUTTON button = {};
         button.fsState = TBSTATE_ENABLED;
-        button.idCommand = row.command;
+        button.idCommand = IdOf(row);
         if (row.command == 0) {
             button.fsStyle = BTNS_SEP;
             button.iBitmap = kGap;
         } else if (row.command == IDM_COMPILER_MENU) {
-            button.fsStyle = BTNS_SHOWTEXT | BTNS_WHOLEDROPDOWN;
+            button.fsStyle = BTNS_SHOWTEXT | BTNS_DROPDOWN;
             button.iBitmap = I_IMAGENONE;
             button.iString = reinterpret_cast<INT_PTR>(compilerText.c_str());
         } else {
-            button.fsStyle = row.showsState ? BTNS_CHECK : BTNS_BUTTON;
+            const bool opens = row.command == IDM_TOOLBAR_MORE;  // on the press, as a menu does
+            button.fsStyle = opens ? BTNS_DROPDOWN : row.showsState ? BTNS_CHECK : BTNS_BUTTON;
             button.iBitmap = image++;
         }
         SendMessageW(bar, TB_ADDBUTTONSW, 1, reinterpret_cast<LPARAM>(&button));
@@ -157,48 +151,99 @@ int TextWidth(HWND window, const std::wstring& text) {
     return static_cast<int>(size.cx);
 }
 
+int WidthOf(const ButtonRow& row) {
+    switch (row.command) {
+        case 0: return Scaled(kGap);
+        case IDM_COMPILER_MENU:
+            return TextWidth(g_app.hToolbar, ToolbarCompilerText()) + Scaled(kTextInset + kArrowWidth);
+        case IDM_TOOLBAR_MORE: return Scaled(kMoreSize);
+        default: return Scaled(kButtonSize);
+    }
+}
+
 // Each button its own width: left to itself the control makes all of them as wide as the one with text.
 void SizeButtons() {
     for (const ButtonRow& row : kButtons) {
-        if (row.command == 0) continue;
         TBBUTTONINFOW info = {};
         info.cbSize = sizeof(info);
         info.dwMask = TBIF_SIZE;
-        const int width = row.command == IDM_COMPILER_MENU
-                              ? TextWidth(g_app.hToolbar, CompilerButtonText()) + Scaled(kArrowWidth)
-                              : Scaled(kButtonSize);
-        info.cx = static_cast<WORD>(width);
-        SendMessageW(g_app.hToolbar, TB_SETBUTTONINFOW, static_cast<WPARAM>(row.command),
+        info.cx = static_cast<WORD>(WidthOf(row));
+        SendMessageW(g_app.hToolbar, TB_SETBUTTONINFOW, static_cast<WPARAM>(IdOf(row)),
                      reinterpret_cast<LPARAM>(&info));
     }
 }
 
-void ShowCompilerMenu(const RECT& button) {
-    HMENU menu = CreatePopupMenu();
-    for (std::uint32_t id = 0; id < kCompilerCount; ++id) {
-        const std::wstring text = FormatW(CompilerExists(id) ? L"%s" : L"%s (not found)", CompilerName(id));
-        const UINT checked = static_cast<int>(id) == g_app.settings.activeCompiler ? MF_CHECKED : MF_UNCHECKED;
-        AppendMenuW(menu, MF_STRING | checked, static_cast<UINT_PTR>(CompilerEntry(id).command), text.c_str());
+bool IsWanted(const ButtonRow& row) {
+    return row.shownWhen == kShownAlways ||
+           ((g_conditions & row.shownWhen) != 0 && (g_conditions & row.hiddenWhen) == 0);
+}
+
+void Show(const ButtonRow& row, bool shown) {
+    const auto id = static_cast<WPARAM>(IdOf(row));
+    const bool now = SendMessageW(g_app.hToolbar, TB_ISBUTTONHIDDEN, id, 0) == 0;
+    if (shown != now) SendMessageW(g_app.hToolbar, TB_HIDEBUTTON, id, MAKELPARAM(shown ? FALSE : TRUE, 0));
+}
+
+std::wstring TipOf(const ButtonRow& row) {
+    if (row.tip != nullptr) return row.tip;
+    wchar_t text[128] = {};
+    GetMenuStringW(GetMenu(g_app.hMainWnd), static_cast<UINT>(row.command), text, static_cast<int>(std::size(text)),
+                   MF_BYCOMMAND);
+    return CommandTipFromMenuText(text);
+}
+
+// Shows what the moment wants and the bar has room for, and remembers what it has none for.
+void FitButtons() {
+    RECT client = {};
+    GetClientRect(g_app.hToolbar, &client);
+    if (client.right <= 0) return;  // not placed yet
+    std::vector<BarItem> items;
+    for (const ButtonRow& row : kButtons) {
+        if (row.command != IDM_TOOLBAR_MORE) items.push_back({WidthOf(row), row.rank, IsWanted(row), row.command == 0});
     }
-    AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
-    constexpr struct {
-        int command;
-        const wchar_t* text;
-    } kProfiles[] = {{IDM_PROFILE_DEBUG, L"Profile: Debug"},
-                     {IDM_PROFILE_RELEASE, L"Profile: Release"},
-                     {IDM_PROFILE_FAST, L"Profile: Fast"}};
-    for (const auto& profile : kProfiles) {
-        const bool checked = profile.command - IDM_PROFILE_DEBUG == g_app.settings.profile;
-        AppendMenuW(menu, MF_STRING | (checked ? MF_CHECKED : MF_UNCHECKED), static_cast<UINT_PTR>(profile.command),
-                    profile.text);
+    const BarFit fit = FitToolbar(items, client.right - 2 * Scaled(kBarPadding), Scaled(kMoreSize));
+    g_hidden.clear();
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const ButtonRow& row = kButtons[i];
+        Show(row, fit.shown[i]);
+        if (row.command == 0 && !g_hidden.empty() && g_hidden.back().command != 0) g_hidden.emplace_back();
+        if (items[i].wanted && !items[i].gap && !fit.shown[i])
+            g_hidden.push_back({row.command, row.icon, row.showsState, TipOf(row)});
     }
-    AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
-    const bool canBuild = CommandStateOf(IDM_BUILD_ALL, CurrentCommandView()).enabled;
-    AppendMenuW(menu, MF_STRING | (canBuild ? MF_ENABLED : MF_GRAYED), IDM_BUILD_ALL, L"Build All Open Sources");
-    POINT at = {button.left, button.bottom};
-    ClientToScreen(g_app.hToolbar, &at);
-    TrackPopupMenu(menu, TPM_LEFTALIGN | TPM_TOPALIGN, at.x, at.y, 0, g_app.hMainWnd, nullptr);
-    DestroyMenu(menu);
+    if (!g_hidden.empty() && g_hidden.back().command == 0) g_hidden.pop_back();
+    Show(std::end(kButtons)[-1], fit.more);
+}
+
+void ShowMenuOf(int command) {
+    RECT button = {};
+    SendMessageW(g_app.hToolbar, TB_GETRECT, static_cast<WPARAM>(command), reinterpret_cast<LPARAM>(&button));
+    if (command == IDM_COMPILER_MENU) ToolbarShowCompilerMenu(g_app.hToolbar, button);
+    // What is hidden may change while the menu is open.
+    const std::vector<HiddenButton> hidden = g_hidden;
+    if (command == IDM_TOOLBAR_MORE && !hidden.empty()) ToolbarShowHiddenMenu(g_app.hToolbar, button, hidden);
+}
+
+// Its text and arrow: the control would draw the arrow black on any background.
+void DrawCompilerButton(const NMTBCUSTOMDRAW& draw, COLORREF colour) {
+    const HDC dc = draw.nmcd.hdc;
+    RECT area = draw.nmcd.rc;
+    area.left += Scaled(kTextInset);
+    const HGDIOBJ oldFont = SelectObject(dc, UiFont());
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, colour);
+    DrawTextW(dc, ToolbarCompilerText().c_str(), -1, &area, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
+    SelectObject(dc, oldFont);
+    const int arm = Scaled(4);
+    const int middle = area.right - Scaled(kArrowWidth) / 2;
+    const int top = (area.top + area.bottom - arm) / 2 + Scaled(1);
+    const POINT arrow[] = {{middle - arm, top}, {middle + arm, top}, {middle, top + arm}};
+    SetDCBrushColor(dc, colour);
+    SetDCPenColor(dc, colour);
+    const HGDIOBJ oldBrush = SelectObject(dc, GetStockObject(DC_BRUSH));
+    const HGDIOBJ oldPen = SelectObject(dc, GetStockObject(DC_PEN));
+    Polygon(dc, arrow, static_cast<int>(std::size(arrow)));
+    SelectObject(dc, oldPen);
+    SelectObject(dc, oldBrush);
 }
 
 LRESULT DrawBar(const NMTBCUSTOMDRAW& draw) {
@@ -213,24 +258,16 @@ LRESULT DrawBar(const NMTBCUSTOMDRAW& draw) {
             if ((draw.nmcd.uItemState & (CDIS_CHECKED | CDIS_HOT | CDIS_SELECTED)) != 0) {
                 FillArea(draw.nmcd.hdc, draw.nmcd.rc, chrome.hover);
             }
+            if (draw.nmcd.dwItemSpec == IDM_COMPILER_MENU) {
+                DrawCompilerButton(draw, chrome.statusText);
+                return CDRF_SKIPDEFAULT;
+            }
             return TBCDRF_NOBACKGROUND | TBCDRF_NOEDGES | TBCDRF_NOOFFSET | TBCDRF_USECDCOLORS;
         }
         default: return CDRF_DODEFAULT;
     }
 }
 
-std::wstring TipOf(int command) {
-    for (const ButtonRow& row : kButtons) {
-        if (row.command == command && row.tip != nullptr) return row.tip;
-    }
-    if (command == IDM_COMPILER_MENU) return L"Compiler and build profile";
-    wchar_t text[128] = {};
-    GetMenuStringW(GetMenu(g_app.hMainWnd), static_cast<UINT>(command), text, static_cast<int>(std::size(text)),
-                   MF_BYCOMMAND);
-    return CommandTipFromMenuText(text);
-}
-
-// The bar's own background follows the theme; the control has no colour of its own for it.
 // Stop takes the place of Start: the second half of a double-click on that was not meant for it.
 bool IsSecondClickOnStop(HWND bar, UINT message, LPARAM lParam) {
     if (message != WM_LBUTTONDBLCLK) return false;
@@ -241,6 +278,7 @@ bool IsSecondClickOnStop(HWND bar, UINT message, LPARAM lParam) {
 }
 
 LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+    // The bar's own background follows the theme; the control has no colour of its own for it.
     if (message == WM_ERASEBKGND) {
         const ThemeChrome& chrome = ThemeCurrentChrome();
         RECT area = {};
@@ -253,6 +291,7 @@ LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
     if (IsSecondClickOnStop(window, message, lParam)) return 0;
     if (message == WM_LBUTTONUP) g_applied.reset();  // a click turns a check button over by itself
     if (message == WM_NCDESTROY) RemoveWindowSubclass(window, ToolbarProc, 1);
+    if (message == WM_SIZE) FitButtons();
     return DefSubclassProc(window, message, wParam, lParam);
 }
 
@@ -285,6 +324,7 @@ void ToolbarApplyTheme() {
     SendMessageW(g_app.hToolbar, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
     ToolbarUpdateCompiler();
     SizeButtons();
+    FitButtons();
     if (oldImages != nullptr) ImageList_Destroy(oldImages);
     if (oldDisabled != nullptr) ImageList_Destroy(oldDisabled);
     InvalidateRect(g_app.hToolbar, nullptr, TRUE);
@@ -297,7 +337,7 @@ void ToolbarDestroyImages() {
 }
 
 void ToolbarUpdateCompiler() {
-    const std::wstring text = CompilerButtonText();
+    const std::wstring text = ToolbarCompilerText();
     wchar_t shown[128] = {};
     TBBUTTONINFOW info = {};
     info.cbSize = sizeof(info);
@@ -309,28 +349,24 @@ void ToolbarUpdateCompiler() {
     info.pszText = const_cast<wchar_t*>(text.c_str());
     SendMessageW(g_app.hToolbar, TB_SETBUTTONINFOW, IDM_COMPILER_MENU, reinterpret_cast<LPARAM>(&info));
     SizeButtons();
+    FitButtons();
     InvalidateRect(g_app.hToolbar, nullptr, TRUE);
+}
+
+void ToolbarShowMore() {
+    if (!g_hidden.empty() && IsWindowVisible(g_app.hToolbar) != FALSE) ShowMenuOf(IDM_TOOLBAR_MORE);
 }
 
 void ToolbarUpdateAi() {
     SendMessageW(g_app.hToolbar, TB_CHECKBUTTON, IDM_VIEW_AI, MAKELPARAM(g_app.settings.showAiSidebar, 0));
 }
 
-static void ApplyVisibility(const CommandView& view) {
-    for (const ButtonRow& row : kButtons) {
-        if (row.command == 0 || row.shownWhen == kShownAlways) continue;
-        const bool shown = (view.conditions & row.shownWhen) != 0 && (view.conditions & row.hiddenWhen) == 0;
-        const auto id = static_cast<WPARAM>(row.command);
-        const bool now = SendMessageW(g_app.hToolbar, TB_ISBUTTONHIDDEN, id, 0) == 0;
-        if (shown != now) SendMessageW(g_app.hToolbar, TB_HIDEBUTTON, id, MAKELPARAM(shown ? FALSE : TRUE, 0));
-    }
-}
-
 void ToolbarApplyState(const CommandView& view) {
     // Called at every key, and asking each button costs more than the key itself.
     if (g_applied == view) return;
     g_applied = view;
-    ApplyVisibility(view);
+    const std::uint32_t conditions = view.conditions & ShowingConditions();
+    if (std::exchange(g_conditions, conditions) != conditions) FitButtons();
     for (const ButtonRow& row : kButtons) {
         if (row.command == 0) continue;
         const CommandState state = CommandStateOf(row.command, view);
@@ -353,8 +389,10 @@ int ToolbarHeight() { return Scaled(kButtonSize + 2 * kBarPadding); }
 bool ToolbarHandleNotify(const NMHDR& header, LRESULT* result) {
     if (header.code == TTN_GETDISPINFOW) {
         auto& tip = *reinterpret_cast<NMTTDISPINFOW*>(const_cast<NMHDR*>(&header));
-        if ((tip.uFlags & TTF_IDISHWND) != 0 || FindCommand(static_cast<int>(header.idFrom)) == nullptr) return false;
-        const std::wstring text = TipOf(static_cast<int>(header.idFrom));
+        if ((tip.uFlags & TTF_IDISHWND) != 0 || header.idFrom < IDM_FILE_NEW) return false;
+        const auto* row = std::ranges::find(kButtons, static_cast<int>(header.idFrom), &ButtonRow::command);
+        if (row == std::end(kButtons)) return false;
+        const std::wstring text = TipOf(*row);
         const std::size_t length = std::min(text.size(), std::size(tip.szText) - 1);
         text.copy(tip.szText, length);
         tip.szText[length] = L'\0';
@@ -367,9 +405,7 @@ bool ToolbarHandleNotify(const NMHDR& header, LRESULT* result) {
         return true;
     }
     if (header.code == TBN_DROPDOWN) {
-        RECT button = {};
-        SendMessageW(g_app.hToolbar, TB_GETRECT, IDM_COMPILER_MENU, reinterpret_cast<LPARAM>(&button));
-        ShowCompilerMenu(button);
+        ShowMenuOf(reinterpret_cast<const NMTOOLBARW&>(header).iItem);
         *result = TBDDRET_DEFAULT;
         return true;
     }

@@ -2,6 +2,7 @@
 #include "resources/ids.h"
 #include "toolbar/command_table.h"
 #include "toolbar/icons.h"
+#include "toolbar/toolbar_fit.h"
 
 #include <gtest/gtest.h>
 
@@ -77,6 +78,27 @@ TEST(Icons, EachIsDrawnInsideItsFrameAtEverySize) {
             const int area = size * size;
             EXPECT_TRUE(covered > area / 20 && covered < area * 4 / 5) << "icon " << icon << " size " << size;
         }
+    }
+}
+
+TEST(ToolbarFit, TheLowestRankGoesFirstAndGapsFollow) {
+    // Files | editing | one that stays, running | panes, and one that the moment does not want.
+    const std::vector<BarItem> items = {{10, 2, true, false},      {10, 2, true, false}, {3, 0, false, true},
+                                        {10, 1, true, false},      {10, 1, true, false}, {3, 0, false, true},
+                                        {30, kStays, true, false}, {10, 4, true, false}, {10, 4, false, false},
+                                        {3, 0, false, true},       {10, 0, true, false}};
+    const struct {
+        int room;
+        const char* shown;
+        bool more;
+    } cases[] = {{200, "11g11g11.g1", false}, {99, "11g11g11.g1", false}, {98, "11g11g11...", true},
+                 {93, "11g1.g11...", true},   {61, "1....g11...", true},  {5, "......1....", true}};
+    for (const auto& each : cases) {
+        const BarFit fit = FitToolbar(items, each.room, 8);
+        std::string shown;
+        for (std::size_t i = 0; i < items.size(); ++i) shown += !fit.shown[i] ? '.' : items[i].gap ? 'g' : '1';
+        EXPECT_EQ(shown, each.shown) << each.room;
+        EXPECT_EQ(fit.more, each.more) << each.room;
     }
 }
 
