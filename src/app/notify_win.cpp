@@ -53,6 +53,15 @@ int LineOf(HWND editor, Sci_Position position) {
     return static_cast<int>(SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(position))) + 1;
 }
 
+// The line in which something was inserted moves itself when that was at its start.
+void OnLinesMoved(HWND editor, const SCNotification& change) {
+    if (change.linesAdded == 0) return;
+    const int line = LineOf(editor, change.position);
+    const bool whole = change.linesAdded > 0 &&
+                       SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line - 1)) == change.position;
+    BreakpointsOnLinesMoved(editor, whole ? line - 1 : line, static_cast<int>(change.linesAdded));
+}
+
 void OnMarginClick(HWND editor, const SCNotification& click) {
     if (click.margin != kMarginSymbols || DebugIsWaiting()) return;
     BreakpointToggle(editor, LineOf(editor, click.position));
@@ -98,7 +107,11 @@ void OnEditorNotification(const SCNotification& notification) {
     const int tab = TabBarFindEditor(editor);
     if (tab < 0) return;
     switch (notification.nmhdr.code) {
-        case SCN_MODIFIED: EditorPaneOnModified(editor, notification); break;
+        case SCN_MODIFIED:
+            EditorPaneOnModified(editor, notification);
+            OnLinesMoved(editor, notification);
+            break;
+        case SCN_PAINTED: BreakpointsOnPainted(editor); break;
         case SCN_SAVEPOINTLEFT: OnSavePoint(tab, true); break;
         case SCN_SAVEPOINTREACHED: OnSavePoint(tab, false); break;
         case SCN_UPDATEUI:

@@ -51,6 +51,10 @@ void BreakpointsPlantAll(DebuggerState* state);
 void BreakpointsOnSessionEnd();
 // Tooltip of the breakpoint on a line ("No code on this line..."), empty: none.
 std::wstring BreakpointTip(HWND editor, int line);
+// The editor has drawn itself: whatever folded or unfolded since shows in the signs of folded breakpoints now.
+void BreakpointsOnPainted(HWND editor);
+// Lines of an open document moved: `line` from 0 is the first that did, by `added`.
+void BreakpointsOnLinesMoved(HWND editor, int line, int added);
 // A document is about to lose its editor, or its text is about to be replaced; and has it (again).
 void BreakpointsKeepLines(HWND editor);
 void BreakpointsRestoreMarkers(HWND editor);

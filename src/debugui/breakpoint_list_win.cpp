@@ -7,6 +7,7 @@
 #include "debugger/debug_session.h"
 #include "debugui/breakpoint_rules.h"
 #include "debugui/debug_pane.h"
+#include "debugui/fold_signs.h"
 #include "debugui/location.h"
 #include "files/file_io.h"
 #include "files/handles.h"
@@ -82,6 +83,21 @@ int AddMarker(HWND editor, int line, int marker) {
     return static_cast<int>(SciSend(editor, SCI_MARKERADD, static_cast<WPARAM>(line - 1), marker));
 }
 
+// Lines from 0. A list that is behind the markers by an edit is put right, without taking over anything else of them.
+std::vector<int> LinesOf(HWND editor) {
+    std::vector<int> lines;
+    for (UserBreakpoint& breakpoint : g_list) {
+        if (breakpoint.editor != editor) continue;
+        LRESULT line = breakpoint.line - 1;
+        if ((SciSend(editor, SCI_MARKERGET, static_cast<WPARAM>(line)) >> kMarkBreakpoint & 1) == 0)
+            line = SciSend(editor, SCI_MARKERLINEFROMHANDLE, static_cast<WPARAM>(breakpoint.handle));
+        if (line < 0) continue;
+        breakpoint.line = static_cast<int>(line) + 1;
+        lines.push_back(static_cast<int>(line));
+    }
+    return lines;
+}
+
 void RefreshLooks(HWND editor) {
     if (editor == nullptr) return;
     for (const int marker : kOverlays) SciSend(editor, SCI_MARKERDELETEALL, static_cast<WPARAM>(marker));
@@ -94,6 +110,7 @@ void RefreshLooks(HWND editor) {
             case BreakpointLook::Plain: break;
         }
     }
+    FoldSignsUpdate(editor, LinesOf(editor));
 }
 
 void RefreshAllLooks() {
@@ -292,11 +309,7 @@ void BreakpointsOnSessionEnd() {
     DebugPaneInvalidate();
 }
 
-std::wstring BreakpointTip(HWND editor, int line) {
-    const int index = BreakpointAt(editor, line, false);
-    if (index < 0) return L"";
-    CountHits();
-    const UserBreakpoint& breakpoint = g_list[static_cast<std::size_t>(index)];
+static std::wstring TipOf(const UserBreakpoint& breakpoint) {
     if (!breakpoint.enabled) return L"Switched off (Debug > Enable or Disable Breakpoint).";
     if (!breakpoint.reason.empty()) return breakpoint.reason;
     std::wstring tip;
@@ -309,6 +322,36 @@ std::wstring BreakpointTip(HWND editor, int line) {
         tip += FormatW(breakpoint.hits == 1 ? L"Hit once." : L"Hit %u times.", breakpoint.hits);
     }
     return tip;
+}
+
+// The breakpoints that a folded block hides.
+static std::wstring FoldedTip(HWND editor, int header) {
+    std::wstring lines;
+    for (const int line : LinesOf(editor)) {
+        if (FoldHeaderOf(editor, line) == header) lines += FormatW(lines.empty() ? L"%d" : L", %d", line + 1);
+    }
+    if (lines.empty()) return L"";
+    const bool several = lines.find(L',') != std::wstring::npos;
+    return FormatW(several ? L"Breakpoints on the folded lines %s." : L"Breakpoint on the folded line %s.",
+                   lines.c_str());
+}
+
+std::wstring BreakpointTip(HWND editor, int line) {
+    const int index = BreakpointAt(editor, line, false);
+    CountHits();
+    std::wstring tip = index >= 0 ? TipOf(g_list[static_cast<std::size_t>(index)]) : L"";
+    const std::wstring folded = FoldedTip(editor, line - 1);
+    if (!tip.empty() && !folded.empty()) tip += L" ";
+    return tip + folded;
+}
+
+void BreakpointsOnPainted(HWND editor) { FoldSignsUpdate(editor, LinesOf(editor)); }
+
+void BreakpointsOnLinesMoved(HWND editor, int line, int added) {
+    for (UserBreakpoint& breakpoint : g_list) {
+        if (breakpoint.editor == editor) breakpoint.line = MovedLine(breakpoint.line, line + 1, added);
+    }
+    FoldSignsOnLinesMoved(editor, line, added);
 }
 
 void BreakpointsKeepLines(HWND editor) {

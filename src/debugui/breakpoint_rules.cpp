@@ -77,6 +77,8 @@ MarkerMatch MatchMarkers(std::span<const KnownBreakpoint> known, std::span<const
     return match;
 }
 
+int MovedLine(int line, int first, int added) { return line < first ? line : std::max(line + added, first - 1); }
+
 BreakpointLook LookOf(bool enabled, bool refused, bool conditional) {
     if (!enabled) return BreakpointLook::Disabled;
     if (refused) return BreakpointLook::Hollow;

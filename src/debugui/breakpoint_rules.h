@@ -31,6 +31,10 @@ struct MarkerMatch {
 };
 MarkerMatch MatchMarkers(std::span<const KnownBreakpoint> known, std::span<const MarkerPlace> markers);
 
+// Where a line is after an edit: from `first` on lines moved by `added`, or up to the line before `first` when what stood
+// between was deleted.
+int MovedLine(int line, int first, int added);
+
 // How a breakpoint is drawn over its red disc.
 enum class BreakpointLook : std::uint8_t { Plain, Hollow, Disabled, Conditional };
 BreakpointLook LookOf(bool enabled, bool refused, bool conditional);

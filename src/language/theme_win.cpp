@@ -12,8 +12,10 @@
 #include <uxtheme.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -85,6 +87,23 @@ void DefineMarker(HWND editor, int marker, int symbol, Rgb fore, Rgb back) {
     SciSend(editor, SCI_MARKERSETBACK, static_cast<WPARAM>(marker), static_cast<LPARAM>(Ref(back)));
 }
 
+// A small disc with a ring around it, so that it is seen on the large one of a breakpoint too.
+void DefineDot(HWND editor, int marker, Rgb colour, Rgb ring) {
+    const int size = Scaled(12) | 1;  // odd: it has a middle
+    const double radius = Scaled(30) / 10.0, middle = size / 2;
+    std::vector<std::uint8_t> pixels;
+    for (int i = 0; i < size * size; ++i) {
+        const double away = std::hypot(i % size - middle, i / size - middle);
+        const Rgb shown = away < radius + 0.5 ? colour : ring;
+        const double cover = std::clamp(radius + 1.0 + Scaled(10) / 10.0 - away, 0.0, 1.0);
+        for (const int shift : {16, 8, 0}) pixels.push_back(static_cast<std::uint8_t>(shown >> shift & 0xFF));
+        pixels.push_back(static_cast<std::uint8_t>(cover * 255));
+    }
+    SciSend(editor, SCI_RGBAIMAGESETWIDTH, static_cast<WPARAM>(size));
+    SciSend(editor, SCI_RGBAIMAGESETHEIGHT, static_cast<WPARAM>(size));
+    SciSend(editor, SCI_MARKERDEFINERGBAIMAGE, static_cast<WPARAM>(marker), reinterpret_cast<LPARAM>(pixels.data()));
+}
+
 void ApplyMargins(HWND editor, const EditorPalette& palette, bool folding) {
     const ChromePalette& chrome = ThemeChromePalette(ThemeIsDark());
     DefineMarker(editor, kMarkBookmark, SC_MARK_BOOKMARK, chrome.accent, chrome.accent);
@@ -96,6 +115,7 @@ void ApplyMargins(HWND editor, const EditorPalette& palette, bool folding) {
     DefineMarker(editor, kMarkHollow, SC_MARK_CIRCLE, chrome.error, palette.margin);
     DefineMarker(editor, kMarkDisabled, SC_MARK_CIRCLE, palette.lineNumber, palette.lineNumber);
     DefineMarker(editor, kMarkConditional, SC_MARK_PLUS, palette.margin, palette.margin);
+    DefineDot(editor, kMarkFolded, chrome.error, palette.margin);
     DefineMarker(editor, kMarkCurrentLine, SC_MARK_BACKGROUND, chrome.stopLine, chrome.stopLine);
     // Under the text, not as the line's background: the line of the caret has one already, and that would win.
     SciSend(editor, SCI_MARKERSETALPHA, kMarkCurrentLine, ThemeStopLineAlpha(ThemeIsDark()));
@@ -103,7 +123,8 @@ void ApplyMargins(HWND editor, const EditorPalette& palette, bool folding) {
 
     // The line's background shows only as long as its marker belongs to a margin; in the margin it draws nothing.
     constexpr int kSymbolMask = 1 << kMarkBookmark | 1 << kMarkBreakpoint | 1 << kMarkError | 1 << kMarkCurrent |
-                                1 << kMarkHollow | 1 << kMarkDisabled | 1 << kMarkConditional | 1 << kMarkCurrentLine;
+                                1 << kMarkHollow | 1 << kMarkDisabled | 1 << kMarkConditional | 1 << kMarkCurrentLine |
+                                1 << kMarkFolded;
     SciSend(editor, SCI_SETMARGINTYPEN, kMarginNumbers, SC_MARGIN_NUMBER);
     SciSend(editor, SCI_SETMARGINTYPEN, kMarginSymbols, SC_MARGIN_SYMBOL);
     SciSend(editor, SCI_SETMARGINMASKN, kMarginSymbols, kSymbolMask);

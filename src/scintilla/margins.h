@@ -17,3 +17,4 @@ inline constexpr int kMarkHollow = 6;       // its line has no code
 inline constexpr int kMarkDisabled = 7;     // switched off
 inline constexpr int kMarkConditional = 8;  // stops only if
 inline constexpr int kMarkCurrentLine = 9;  // background of the line where the program stands
+inline constexpr int kMarkFolded = 10;      // header of a folded block that has breakpoints in it
