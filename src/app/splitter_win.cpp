@@ -3,7 +3,9 @@
 #include "app/layout.h"
 #include "app/main_window.h"
 #include "app/shell.h"
+#include "language/theme.h"
 #include "resources/ids.h"
+#include "toolbar/command_state.h"
 
 #include <windowsx.h>
 
@@ -75,7 +77,6 @@ HWND CreateSplitter(HWND parent, int id) {
         description.lpfnWndProc = SplitterProc;
         description.hInstance = g_app.hInstance;
         description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-        description.hbrBackground = reinterpret_cast<HBRUSH>(static_cast<INT_PTR>(COLOR_BTNSHADOW + 1));
         description.lpszClassName = kSplitterClass;
         return RegisterClassExW(&description);
     }();
@@ -90,6 +91,16 @@ LRESULT CALLBACK SplitterProc(HWND window, UINT message, WPARAM wParam, LPARAM l
         case WM_SETCURSOR:
             SetCursor(LoadCursorW(nullptr, id == IDC_SPLIT_OUTPUT ? IDC_SIZENS : IDC_SIZEWE));
             return TRUE;
+        case WM_WINDOWPOSCHANGING:
+            // Moved together with its neighbours it would bring along what these left at its old place (Wine).
+            reinterpret_cast<WINDOWPOS*>(lParam)->flags |= SWP_NOCOPYBITS;
+            return 0;
+        case WM_ERASEBKGND: {
+            RECT area = {};
+            GetClientRect(window, &area);
+            FillArea(reinterpret_cast<HDC>(wParam), area, ThemeCurrentChrome().line);
+            return 1;
+        }
         case WM_LBUTTONDOWN: BeginDrag(window, id); return 0;
         case WM_MOUSEMOVE:
             if (g_drag.active) Drag(id);
