@@ -103,4 +103,12 @@ TEST(MapPaths, AreFoundBesideTheSource) {
     }
 }
 
+TEST(Breakpoints, LinesMoveWithEdits) {
+    const struct {
+        int line, first, added, now;
+    } cases[] = {{4, 5, 3, 4}, {5, 5, 3, 8}, {9, 5, -2, 7}, {6, 5, -2, 4}, {5, 5, -2, 4}, {4, 5, -2, 4}};
+    for (const auto& each : cases)
+        EXPECT_EQ(MovedLine(each.line, each.first, each.added), each.now) << each.line << " " << each.added;
+}
+
 }  // namespace
