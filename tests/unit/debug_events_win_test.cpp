@@ -83,6 +83,22 @@ TEST_P(DebugEvents, AProgramsOwnTrapBehindABreakpointIsNotTakenForIt) {
     EXPECT_EQ(state.exitCode, 2u);
 }
 
+// Some systems report a breakpoint with the address behind it.
+TEST_P(DebugEvents, ABreakpointReportedBehindItsTrapIsFound) {
+    ASSERT_TRUE(Start("reported_trap"));
+    ASSERT_TRUE(DebugSetBreakpoint(&state, 3));
+    const std::uint64_t address = AddressOf(3);
+    ASSERT_TRUE(DebugContinue(&state));
+    ASSERT_EQ(Arrive(), 3);
+    EXPECT_EQ(state.currentAddress, address);
+    EXPECT_EQ(Registers().ip, address) << "its instruction is still to come";
+    EXPECT_EQ(state.breakpoints[static_cast<std::size_t>(DebugFindBp(&state, address))].hits, 1u);
+    EXPECT_EQ(Step(), 4);
+    ASSERT_TRUE(DebugContinue(&state));
+    EXPECT_EQ(Wait(), kDebugExited);
+    EXPECT_EQ(state.exitCode, 5u);
+}
+
 // No loader asks for it yet: the trap stands right before a record.
 TEST_P(DebugEvents, TrapsBeforeRecordsAreOverwrittenWhereTheMapAsksForIt) {
     ASSERT_TRUE(SdbgLoad(Program("own_trap").c_str(), &state.map));

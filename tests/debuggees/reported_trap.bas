@@ -1,0 +1,5 @@
+FUNCTION PBMAIN () AS LONG
+    ! call raise
+    ! nop
+    FUNCTION = 5
+END FUNCTION
