@@ -1,5 +1,5 @@
-// Never ends. EARLY: nor does it get to its first line. BUSY: without ever waiting; FLOOD: with debug strings as fast as
-// it can; WAITS: for input that does not come.
+// Never ends. EARLY: nor does it get to its first line before a file go.txt stands in its folder. BUSY: without ever
+// waiting; FLOOD: with debug strings as fast as it can; WAITS: for input that does not come.
 #include "debuggee.h"
 
 volatile int turns = 0;
@@ -7,8 +7,7 @@ volatile int turns = 0;
 MAP_BEGIN
 void start(void) {
 #ifdef EARLY
-    volatile int early = 1;
-    while (early) Sleep(5);
+    while (GetFileAttributesA("go.txt") == INVALID_FILE_ATTRIBUTES) Sleep(5);
 #endif
     AT(2);
     turns = 0;

@@ -38,12 +38,6 @@ std::wstring Build(const Editor& editor, int command = IDM_BUILD) {
     return editor.Output();
 }
 
-int Count(const std::wstring& text, const std::wstring& part) {
-    int count = 0;
-    for (std::size_t at = text.find(part); at != std::wstring::npos; at = text.find(part, at + part.size())) ++count;
-    return count;
-}
-
 // Colour of the pane's text where `part` begins.
 COLORREF ColourOf(const Editor& editor, const std::wstring& part) {
     const std::size_t at = editor.Output().find(part);

@@ -114,14 +114,32 @@ struct Session {
             left += static_cast<LONG>(editor.Send(List(), LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(i)));
         return {left, (bounds.top + bounds.bottom) / 2};
     }
+    bool MenuOpen() const { return FindWindowW(L"#32768", nullptr) != nullptr; }
+    void AwaitMenu(bool open) const {
+        EXPECT_TRUE(WaitFor([&] { return MenuOpen() == open; })) << (open ? "no menu" : "the menu stays");
+    }
     // From the menu of a watch's kind: by its place in there, from 0.
     void ChooseKind(int row, int kind) const {
         editor.Foreground();
         editor.Click(List(), Place(row, 1), MOUSEEVENTF_LEFTDOWN, 2);
-        EXPECT_TRUE(WaitFor([] { return FindWindowW(L"#32768", nullptr) != nullptr; })) << "no menu";
+        AwaitMenu(true);
         for (int i = 0; i <= kind; ++i) editor.Keys({VK_DOWN});
         editor.Keys({VK_RETURN});
-        EXPECT_TRUE(WaitFor([] { return FindWindowW(L"#32768", nullptr) == nullptr; })) << "the menu stays";
+        AwaitMenu(false);
+    }
+    // From the menu of a right click: by the item's letter, or by arrows.
+    void ChooseByMouse(HWND window, POINT at, std::initializer_list<int> keys) const {
+        editor.Click(window, at, MOUSEEVENTF_RIGHTDOWN);
+        AwaitMenu(true);
+        for (const int key : keys) editor.Keys({key});
+        AwaitMenu(false);
+    }
+    // From the menu of the window that has the keyboard.
+    void ChooseByKeys(int key) const {
+        editor.Keys({VK_APPS});
+        AwaitMenu(true);
+        editor.Keys({key});
+        AwaitMenu(false);
     }
     int Checked(int row) const {  // 1: no, 2: yes
         return static_cast<int>(editor.Send(List(), LVM_GETITEMSTATE, static_cast<WPARAM>(row), LVIS_STATEIMAGEMASK) >>

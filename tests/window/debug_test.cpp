@@ -84,6 +84,34 @@ struct ReadyFolder : ProgramFolder {
     std::wstring Arguments() const { return L" --open \"" + source + L"\" --compiler kvxa64"; }
 };
 
+void SetWriteTime(const std::wstring& path, FILETIME time) {
+    const HANDLE file = CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                    OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(file, INVALID_HANDLE_VALUE) << Utf8(path);
+    EXPECT_TRUE(SetFileTime(file, nullptr, nullptr, &time));
+    CloseHandle(file);
+}
+// A minute later, or earlier.
+FILETIME Moved(FILETIME time, int minutes) {
+    constexpr LONGLONG kMinute = 60 * 10000000LL;
+    ULARGE_INTEGER whole = {{time.dwLowDateTime, time.dwHighDateTime}};
+    whole.QuadPart += static_cast<ULONGLONG>(minutes * kMinute);
+    return {whole.LowPart, whole.HighPart};
+}
+
+// Middle of a toolbar button, client coordinates of the bar.
+POINT ButtonPlace(const Editor& editor, int command) {
+    RECT button{};
+    const RemoteBlock block(editor.process, sizeof(button));
+    editor.Send(editor.Child(IDC_TOOLBAR), TB_GETRECT, static_cast<WPARAM>(command), block.At());
+    block.Get(&button, sizeof(button));
+    return {(button.left + button.right) / 2, (button.top + button.bottom) / 2};
+}
+
+bool AwaitProcesses(int count) {
+    return WaitFor([count] { return CountProcesses(L"steps.exe") == count; });
+}
+
 const std::string kEndless =
     "FUNCTION PBMAIN () AS LONG\r\n    LOCAL i AS LONG\r\n    DO\r\n        i = i + 1\r\n        SLEEP 5\r\n"
     "    LOOP\r\n    FUNCTION = i\r\nEND FUNCTION\r\n";
@@ -295,7 +323,7 @@ TEST(Debug, BreakpointsStayWithTheirLines) {
 }
 
 TEST(Debug, StopIsHeardWhileAProgramStarts) {
-    const ReadyFolder folder(L"early64.exe");  // never gets to its first line
+    const ReadyFolder folder(L"early64.exe");  // does not get to its first line
     Editor editor(folder, folder.Arguments());
     const auto startUp = [&] {
         editor.Do(IDM_DEBUG_BUILD_START);
@@ -319,12 +347,8 @@ TEST(Debug, StopIsHeardWhileAProgramStarts) {
     stopped();
 
     startUp();
-    RECT button{};
-    const RemoteBlock block(editor.process, sizeof(button));
-    editor.Send(editor.Child(IDC_TOOLBAR), TB_GETRECT, IDM_DEBUG_BUTTON_STOP, block.At());
-    block.Get(&button, sizeof(button));
     editor.Foreground();
-    editor.Click(editor.Child(IDC_TOOLBAR), {(button.left + button.right) / 2, (button.top + button.bottom) / 2});
+    editor.Click(editor.Child(IDC_TOOLBAR), ButtonPlace(editor, IDM_DEBUG_BUTTON_STOP));
     stopped();
 
     startUp();
@@ -400,4 +424,116 @@ TEST(Debug, OnlyABuildThatSucceedsIsDebugged) {
     editor.Do(IDM_DEBUG_BUTTON_STOP);
     EXPECT_TRUE(AwaitStatus(editor, L"Debugging stopped"));
     EXPECT_EQ(editor.Close(), 0u);
+}
+
+TEST(Debug, SourcesNewerThanTheProgramAreToldOf) {
+    const ReadyFolder folder(L"calls64.exe");  // of two files; the first is not there by its name: the source it is
+    const std::wstring part = folder.Write(L"calls_part.inc", "SUB Twice\r\n");
+    WIN32_FILE_ATTRIBUTE_DATA program{};
+    ASSERT_TRUE(GetFileAttributesExW(folder.File(L"steps.exe").c_str(), GetFileExInfoStandard, &program));
+    Editor editor(folder, folder.Arguments());
+    const struct {
+        int source, part;  // minutes by which they are newer
+    } cases[] = {{1, -1}, {0, 1}, {-1, 0}, {1, 1}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::to_string(c.source) + ", " + std::to_string(c.part));
+        SetWriteTime(folder.source, Moved(program.ftLastWriteTime, c.source));
+        SetWriteTime(part, Moved(program.ftLastWriteTime, c.part));
+        editor.Do(IDM_DEBUG_BUILD_START);
+        ASSERT_TRUE(AwaitStatus(editor, L"Stopped at steps.bas:3", kBuildDeadline));
+        ASSERT_TRUE(editor.AwaitOutput(L"[Debug] Stopped at steps.bas:3\n"));
+        const std::wstring atStart = editor.Output();
+        editor.Do(IDM_DEBUG_STEP_OVER);
+        ASSERT_TRUE(editor.AwaitOutput(L"[Debug] Stopped at steps.bas:4\n"));
+        const std::wstring later = editor.Output();
+        for (const auto& [file, minutes] : {std::pair{L"steps.bas", c.source}, {L"calls_part.inc", c.part}}) {
+            const std::wstring warning = L"[Debug] " + std::wstring(file) +
+                                         L" is newer than the program: its lines may not be those that run.\n";
+            EXPECT_EQ(Count(atStart, warning), minutes > 0) << Utf8(warning + atStart);
+            EXPECT_EQ(Count(later, warning), minutes > 0) << "once is enough";
+        }
+        editor.Do(IDM_DEBUG_STOP);
+        ASSERT_TRUE(AwaitStatus(editor, L"Debugging stopped"));
+    }
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+// The system asks all programs whether it may end. Then it may end each at any moment, and does not close its window.
+TEST(Debug, TheEndOfTheSystemIsTheEndOfTheProgram) {
+    for (const std::wstring state : {L"Stopped at steps.bas:2", L"Running", L"Starting the program..."}) {
+        SCOPED_TRACE(Utf8(state));
+        const ReadyFolder folder(state.starts_with(L"Starting") ? L"early64.exe" : L"sleeps64.exe");
+        Editor editor(folder, folder.Arguments());
+        editor.Do(IDM_VIEW_WORD_WRAP);
+        ASSERT_NE(folder.Ini(L"Editor", L"WordWrap"), L"1") << "it is saved at the end";
+        editor.Do(IDM_DEBUG_BUILD_START);
+        if (state == L"Running") {
+            ASSERT_TRUE(AwaitStatus(editor, L"Stopped at steps.bas:2", kBuildDeadline));
+            editor.Do(IDM_DEBUG_CONTINUE);
+        }
+        ASSERT_TRUE(AwaitStatus(editor, state, kBuildDeadline));
+        ASSERT_TRUE(AwaitProcesses(1));
+
+        EXPECT_EQ(editor.Send(editor.main, WM_QUERYENDSESSION), TRUE);
+        editor.Send(editor.main, WM_ENDSESSION, FALSE);  // another program has refused
+        editor.Send(editor.main, WM_NULL);
+        EXPECT_EQ(editor.Status(0), state);
+        EXPECT_EQ(CountProcesses(L"steps.exe"), 1);
+
+        EXPECT_EQ(editor.Send(editor.main, WM_QUERYENDSESSION), TRUE);
+        editor.Send(editor.main, WM_ENDSESSION, TRUE);
+        EXPECT_EQ(folder.Ini(L"Editor", L"WordWrap"), L"1");
+        EXPECT_TRUE(AwaitProcesses(0));
+        EXPECT_EQ(editor.Close(), 0u) << "where the system leaves the time for it";
+    }
+}
+
+TEST(Debug, ADoubleClickOnStartIsOneStart) {
+    const ReadyFolder folder(L"early64.exe");
+    folder.Write(L"KVXA64\\fake.txt", "tally builds.txt\nsleep 300\n");
+    folder.Write(L"go.txt", "");
+    Editor editor(folder, folder.Arguments());
+    const HWND bar = editor.Child(IDC_TOOLBAR);
+    const auto startedOnce = [&] {
+        ASSERT_TRUE(AwaitStatus(editor, L"Stopped at steps.bas:2", kBuildDeadline));
+        ASSERT_TRUE(editor.AwaitOutput(L"[Debug] Stopped at steps.bas:2\n"));
+        EXPECT_EQ(Count(editor.Output(), L"[Debug] Started."), 1) << Utf8(editor.Output());
+        EXPECT_EQ(CountProcesses(L"steps.exe"), 1);
+    };
+    const auto stop = [&] {
+        editor.Do(IDM_DEBUG_BUTTON_STOP);
+        ASSERT_TRUE(AwaitStatus(editor, L"Debugging stopped"));
+        ASSERT_TRUE(AwaitProcesses(0));
+    };
+    // What the second click of a slow double-click is when Stop has come in the place of Start.
+    const auto secondClick = [&](const auto& give) {
+        const POINT at = ButtonPlace(editor, IDM_DEBUG_BUTTON_STOP);
+        give(bar, WM_LBUTTONDBLCLK, WPARAM{MK_LBUTTON}, MAKELPARAM(at.x, at.y));
+        give(bar, WM_LBUTTONUP, WPARAM{0}, MAKELPARAM(at.x, at.y));
+    };
+    editor.Post(IDM_DEBUG_BUTTON_START);
+    editor.Post(IDM_DEBUG_BUTTON_START);
+    startedOnce();
+    secondClick([&](auto... message) { editor.Send(message...); });
+    EXPECT_EQ(editor.Status(0), L"Stopped at steps.bas:2");
+    stop();
+
+    editor.Foreground();
+    editor.Click(bar, ButtonPlace(editor, IDM_DEBUG_BUTTON_START), MOUSEEVENTF_LEFTDOWN, 2);
+    startedOnce();
+    stop();
+
+    DeleteFileW(folder.File(L"go.txt").c_str());
+    editor.Do(IDM_DEBUG_BUTTON_START);
+    ASSERT_TRUE(AwaitStatus(editor, L"Starting the program..."));
+    ASSERT_TRUE(AwaitProcesses(1));
+    secondClick([&](auto... message) { PostMessageW(message...); });
+    for (int i = 0; i < 2; ++i) {  // it paints behind the clicks; the first time it may have been painting already
+        InvalidateRect(bar, nullptr, FALSE);
+        EXPECT_TRUE(WaitFor([&] { return !GetUpdateRect(bar, nullptr, FALSE); }));
+    }
+    folder.Write(L"go.txt", "");
+    startedOnce();
+    EXPECT_EQ(editor.Close(), 0u);
+    EXPECT_EQ(folder.Read(L"KVXA64\\builds.txt").size(), 3u) << "one build for each";
 }

@@ -4,7 +4,7 @@
 //   raw TEXT         \xHH escapes, no line break          sleep MS
 //   flood N          N numbered lines (0: without end)    spawn        a copy of itself that lives for a minute
 //   errors N FILE    N diagnostics for FILE, line i       touch PATH   creates an empty file
-//   exit N           ends with that code
+//   exit N           ends with that code                  tally PATH   one byte more in a file
 #include <windows.h>
 
 #include <cstdio>
@@ -74,6 +74,11 @@ void Obey(const std::string& order, const std::string& text) {
     if (order == "spawn") Spawn();
     if (order == "exit") ExitProcess(static_cast<UINT>(std::atol(text.c_str())));
     if (order == "touch") std::fclose(std::fopen(text.c_str(), "wb"));
+    if (order == "tally") {
+        std::FILE* file = std::fopen(text.c_str(), "ab");
+        std::fputc('1', file);
+        std::fclose(file);
+    }
     if (order == "args") {
         wchar_t folder[1024] = {};
         GetCurrentDirectoryW(1024, folder);

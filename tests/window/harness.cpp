@@ -17,6 +17,12 @@ bool WaitFor(const std::function<bool()>& condition, int milliseconds) {
     }
 }
 
+int Count(std::wstring_view text, std::wstring_view part) {
+    int count = 0;
+    for (std::size_t at = text.find(part); at != std::wstring::npos; at = text.find(part, at + part.size())) ++count;
+    return count;
+}
+
 std::string Utf8(std::wstring_view text) {
     const int size = static_cast<int>(text.size());
     const int needed = WideCharToMultiByte(CP_UTF8, 0, text.data(), size, nullptr, 0, nullptr, nullptr);
@@ -79,6 +85,33 @@ int CountProcesses(std::wstring_view fileName) {
         count += _wcsicmp(entry.szExeFile, std::wstring(fileName).c_str()) == 0;
     CloseHandle(snapshot);
     return count;
+}
+
+namespace {
+
+// Another program may have it open for a moment.
+bool ClipboardOpen() {
+    return WaitFor([] { return OpenClipboard(nullptr) != FALSE; });
+}
+
+}  // namespace
+
+void ClipboardEmpty() {
+    ASSERT_TRUE(ClipboardOpen());
+    EXPECT_TRUE(EmptyClipboard());
+    CloseClipboard();
+}
+
+std::wstring ClipboardText() {
+    if (!ClipboardOpen()) return L"(the clipboard cannot be opened)";
+    std::wstring text;
+    const HANDLE data = GetClipboardData(CF_UNICODETEXT);
+    if (const void* characters = data ? GlobalLock(data) : nullptr) {
+        text = static_cast<const wchar_t*>(characters);
+        GlobalUnlock(data);
+    }
+    CloseClipboard();
+    return text;
 }
 
 namespace {

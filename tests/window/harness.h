@@ -17,6 +17,7 @@ inline constexpr int kDeadline = 15000;  // ms that anything may take on a loade
 // Polls until the condition holds; false when the time is over.
 bool WaitFor(const std::function<bool()>& condition, int milliseconds = kDeadline);
 
+int Count(std::wstring_view text, std::wstring_view part);
 std::string Utf8(std::wstring_view text);
 std::wstring Wide(std::string_view utf8);
 bool Exists(const std::wstring& path);
@@ -24,6 +25,8 @@ std::optional<std::string> ReadBytes(const std::wstring& path);  // nothing when
 void WriteBytes(const std::wstring& path, std::string_view bytes);
 std::wstring Variable(const wchar_t* name);  // environment, empty when unset; a Unix path comes back as a Windows one
 int CountProcesses(std::wstring_view fileName);  // running executables of that name, without regard to case
+void ClipboardEmpty();
+std::wstring ClipboardText();  // empty when there is none
 
 // What a program folder is furnished with.
 enum Furnishing : unsigned { kBare = 0, kCompilers = 1, kNoScintilla = 2, kNoLexilla = 4 };
