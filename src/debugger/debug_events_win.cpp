@@ -33,6 +33,12 @@ void SetPlace(DebuggerState* state, std::uint64_t address, SourcePlace place) {
     state->currentFileId = place.fileId;
 }
 
+// Code of a library has no line, however far it lies behind the last one of the map.
+SourcePlace PlaceInImage(const DebuggerState& state, std::uint64_t address) {
+    SourcePlace place;
+    return DebugLineAt(&state, address, &place.fileId, &place.line) ? place : SourcePlace{};
+}
+
 int Stopped(DebuggerState* state, const DEBUG_EVENT& event) {
     state->run = DebugRun::Stopped;
     state->stopThreadId = event.dwThreadId;
@@ -40,6 +46,7 @@ int Stopped(DebuggerState* state, const DEBUG_EVENT& event) {
     state->runsToUserBreakpoint = 0;
     if (state->pause == DebugPause::Wanted) state->pause = DebugPause::Overtaken;
     ++state->stopSerial;
+    DebugSayLeftOut(state);
     return kDebugStopped;
 }
 
@@ -48,10 +55,26 @@ int GoOn(DebuggerState* state) {
     return kGoOn;
 }
 
-void OnDebugString(const DebuggerState& state, const OUTPUT_DEBUG_STRING_INFO& info) {
+// False: the program reports too much, and this one is left out.
+bool MayReport(DebuggerState* state, std::size_t characters) {
+    constexpr std::uint32_t kMostReports = 10000;
+    constexpr std::size_t kMostCharacters = std::size_t{4} << 20;
+    DebugReports& reports = state->reports;
+    if (reports.shown < kMostReports && reports.characters < kMostCharacters) {
+        ++reports.shown;
+        reports.characters += characters;
+        return true;
+    }
+    if (reports.leftOut++ == 0)
+        DebugSay(kDebugOrange, L"[Debug] The program writes too much; the rest is left out until it stops.\n");
+    return false;
+}
+
+void OnDebugString(DebuggerState* state, const OUTPUT_DEBUG_STRING_INFO& info) {
+    if (!MayReport(state, info.nDebugStringLength)) return;
     std::vector<char> bytes(info.nDebugStringLength);
     const auto address = reinterpret_cast<std::uint64_t>(info.lpDebugStringData);
-    if (!bytes.empty() && !DebugReadRaw(state, address, bytes.data(), bytes.size())) return;
+    if (!bytes.empty() && !DebugReadRaw(*state, address, bytes.data(), bytes.size())) return;
     bytes.push_back('\0');
     const HeapBlock<wchar_t> decoded(DecodeCompilerText(bytes.data(), std::strlen(bytes.data())));
     std::wstring text = decoded ? decoded.get() : L"";
@@ -79,8 +102,10 @@ int OnPlantedBreakpoint(DebuggerState* state, const DEBUG_EVENT& event, int inde
     state->stopThreadId = event.dwThreadId;  // whose registers a condition is about
     const SourcePlace lastPlace = {static_cast<std::uint32_t>(state->currentLine), state->currentFileId};
     const std::uint64_t lastAddress = state->currentAddress;
-    SetPlace(state, address, PlaceOf(state->map, address));
-    if (hit.condition[0] != '\0' && !DebugCheckCondition(state, hit.condition)) {
+    SetPlace(state, address, PlaceInImage(*state, address));
+    // The start stops at its line in any case.
+    const bool ofStart = state->awaits != DebugAwaits::Nothing && address == state->startAddress;
+    if (!ofStart && hit.condition[0] != '\0' && !DebugCheckCondition(state, hit.condition)) {
         DebugStepOffAndResume(state);
         SetPlace(state, lastAddress, lastPlace);
         return kGoOn;
@@ -140,14 +165,16 @@ int OnBreakpoint(DebuggerState* state, const DEBUG_EVENT& event) {
 int OnOtherException(DebuggerState* state, const DEBUG_EVENT& event, bool fault) {
     const EXCEPTION_RECORD& record = event.u.Exception.ExceptionRecord;
     const auto address = reinterpret_cast<std::uint64_t>(record.ExceptionAddress);
-    DebugSay(kDebugRed, L"[Debug] Exception 0x%08lX at 0x%p\n", record.ExceptionCode, record.ExceptionAddress);
+    constexpr std::size_t kLine = 60;
+    if (MayReport(state, kLine))
+        DebugSay(kDebugRed, L"[Debug] Exception 0x%08lX at 0x%p\n", record.ExceptionCode, record.ExceptionAddress);
     state->faultCount = fault && address == state->faultAddress ? state->faultCount + 1 : 1;
     state->faultAddress = address;
     if (!fault || state->faultCount < kFaultsInARow) return GoOn(state);
     state->faultCount = 0;
     DebugSay(kDebugRed, L"[Debug] The instruction has failed %lu times in a row; the program is held there.\n",
              static_cast<unsigned long>(kFaultsInARow));
-    SetPlace(state, address, PlaceOf(state->map, address));
+    SetPlace(state, address, PlaceInImage(*state, address));
     return Stopped(state, event);
 }
 
@@ -163,8 +190,10 @@ int OnException(DebuggerState* state, const DEBUG_EVENT& event) {
 
 int OnExitProcess(DebuggerState* state, const DEBUG_EVENT& event) {
     const DWORD exitCode = event.u.ExitProcess.dwExitCode;
+    DebugSayLeftOut(state);
     DebugResume(state);
     DebugEndSession(state);
+    state->exited = 1;
     state->exitCode = exitCode;
     return kDebugExited;
 }
@@ -178,7 +207,7 @@ int OnEvent(DebuggerState* state, const DEBUG_EVENT& event) {
     state->eventPending = 1;
     DebugNoteEvent(state, event);
     switch (event.dwDebugEventCode) {
-        case OUTPUT_DEBUG_STRING_EVENT: OnDebugString(*state, event.u.DebugString); return GoOn(state);
+        case OUTPUT_DEBUG_STRING_EVENT: OnDebugString(state, event.u.DebugString); return GoOn(state);
         case EXIT_PROCESS_DEBUG_EVENT: return OnExitProcess(state, event);
         case EXCEPTION_DEBUG_EVENT: return OnException(state, event);
         case EXIT_THREAD_DEBUG_EVENT: {
@@ -191,6 +220,13 @@ int OnEvent(DebuggerState* state, const DEBUG_EVENT& event) {
 }
 
 }  // namespace
+
+void DebugSayLeftOut(DebuggerState* state) {
+    if (state->reports.leftOut > 0)
+        DebugSay(kDebugTeal, L"[Debug] ... %lu reports left out ...\n",
+                 static_cast<unsigned long>(state->reports.leftOut));
+    state->reports = {};
+}
 
 DebugWaitHook DebugSetWaitHook(DebugWaitHook hook) { return std::exchange(g_waitHook, hook); }
 

@@ -5,9 +5,6 @@
 
 inline constexpr std::uint8_t kTrapByte = 0xCC;
 inline constexpr DWORD kContinueStatus = 0x00010002;  // "continue", for every event and every exception
-inline constexpr COLORREF kDebugRed = 200;
-inline constexpr COLORREF kDebugTeal = 0x808000;
-inline constexpr COLORREF kDebugOrange = 0x0064C8;
 
 // Bytes as they stand in the program, breakpoints included; the whole count or false.
 bool DebugReadRaw(const DebuggerState& state, std::uint64_t address, void* out, std::size_t count);
@@ -39,6 +36,8 @@ void DebugNoteEvent(DebuggerState* state, const DEBUG_EVENT& event);
 void DebugCloseThread(DebuggerState* state, std::uint32_t threadId);
 // Continues an event without looking at it, its handles closed. True: it was the end of the state's process.
 bool DebugDropEvent(DebuggerState* state, const DEBUG_EVENT& event);
+// The program has stopped or ends: says how many of its reports were left out; from now on they are shown again.
+void DebugSayLeftOut(DebuggerState* state);
 // Closes every handle and frees the map; the session is over and the state inactive.
 void DebugEndSession(DebuggerState* state);
 

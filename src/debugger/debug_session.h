@@ -26,6 +26,9 @@ DebugWaitHook DebugSetWaitHook(DebugWaitHook hook);  // returns the previous one
 bool DebugStart(const wchar_t* executable, DebuggerState* state);
 bool DebugStartForCompiler(const wchar_t* executable, std::uint32_t compilerId, DebuggerState* state);
 bool DebugStartLoaded(const wchar_t* executable, DebuggerState* state);  // the map is loaded
+// A session whose first stop did not come while its start waited (`awaits`) is active and runs: this goes on with that
+// wait. DebugWait; after 1 and 2 the start is over, after 3 it may be.
+int DebugWaitStart(DebuggerState* state, DWORD timeoutMs);
 // Called once the program is created and its first line's breakpoint is planted, before it runs.
 using DebugPlantHook = void (*)(DebuggerState* state);
 void DebugSetPlantHook(DebugPlantHook hook);
@@ -64,6 +67,9 @@ std::size_t DebugReadSome(const DebuggerState* state, std::uint64_t address, voi
 bool DebugIsExecutable(const DebuggerState* state, std::uint64_t address);
 
 // --- Texts
+inline constexpr COLORREF kDebugRed = 200;
+inline constexpr COLORREF kDebugTeal = 0x808000;
+inline constexpr COLORREF kDebugOrange = 0x0064C8;
 // To the output pane, behind what waits there.
 void DebugSay(COLORREF colour, const wchar_t* format, ...);
 using DebugSink = void (*)(const std::wstring& text, COLORREF colour);

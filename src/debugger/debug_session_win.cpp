@@ -17,7 +17,7 @@ namespace {
 constexpr std::uint32_t kPbdCompiler = 3;
 constexpr DWORD kFirstLineMs = 30000;
 constexpr DWORD kFirstTrapMs = 10000;
-constexpr int kFirstTrapTries = 64;
+constexpr std::uint32_t kFirstTrapTries = 64;
 constexpr int kStopTries = 20;
 constexpr DWORD kStopWaitMs = 100;
 constexpr DWORD kDrainMs = 10;
@@ -83,45 +83,54 @@ bool Launch(const wchar_t* executable, DebuggerState* state) {
     return true;
 }
 
-void SayFirstStop(const DebuggerState& state, int event) {
+// How the start ended.
+void SayStart(const DebuggerState& state, DebugAwaits awaits, int event) {
+    if (event == kDebugNoSession) return;
     if (event == kDebugStopped && state.currentLine > 0)
         DebugSay(0, L"[Debug] Reached line %d.\n", state.currentLine);
-    else if (event != kDebugNoSession)
+    else if (awaits == DebugAwaits::FirstTrap)
+        DebugSay(0, kNoPbdMap);
+    else
         DebugSay(0, L"[Debug] Did not reach first source breakpoint (event %d).\n", event);
 }
 
 // A 32-bit program's own loader may report a second initial breakpoint, outside the program's image.
-bool IsLoaderStop(const DebuggerState& state, int event) {
-    return event == kDebugStopped && state.isX64 == 0 && state.currentLine == 0 && state.imageSize != 0 &&
+bool IsLoaderStop(const DebuggerState& state) {
+    return state.isX64 == 0 && state.currentLine == 0 && state.imageSize != 0 &&
            state.currentAddress - state.map.imageBase >= state.imageSize;
+}
+
+// A stop that the start runs on from.
+bool IsFalseStart(const DebuggerState& state) {
+    if (state.awaits == DebugAwaits::FirstLine) return state.startTries == 1 && IsLoaderStop(state);
+    return state.currentLine <= 0 && state.startTries < kFirstTrapTries;
+}
+
+DWORD StartWait(const DebuggerState& state) {
+    return state.awaits == DebugAwaits::FirstTrap ? kFirstTrapMs : kFirstLineMs;
+}
+
+void ResumeStart(DebuggerState* state) {
+    ++state->startTries;
+    state->startDeadline = GetTickCount64() + StartWait(*state);
+    DebugResume(state);
 }
 
 void RunToFirstLine(DebuggerState* state) {
     const int line = static_cast<int>(state->map.lines[0].line);
-    DebugSetBreakpoint(state, line);
+    if (DebugSetBreakpoint(state, line)) state->startAddress = state->map.imageBase + SdbgLineToRva(&state->map, line);
     if (g_plantHook != nullptr) g_plantHook(state);
     DebugSay(0, L"[Debug] Started. Breakpoint at line %d.\n", line);
-    DebugResume(state);
-    int event = DebugWaitEvent(state, kFirstLineMs);
-    if (IsLoaderStop(*state, event)) {
-        DebugResume(state);
-        event = DebugWaitEvent(state, kFirstLineMs);
-    }
-    SayFirstStop(*state, event);
 }
 
-void RunToFirstTrap(DebuggerState* state) {
-    if (g_plantHook != nullptr) g_plantHook(state);
-    int event = kDebugStopped;
-    for (int i = 0; i < kFirstTrapTries && event == kDebugStopped; ++i) {
-        DebugResume(state);
-        event = DebugWaitEvent(state, kFirstTrapMs);
-        if (event == kDebugStopped && state->currentLine > 0) {
-            DebugSay(0, L"[Debug] Reached line %d.\n", state->currentLine);
-            return;
-        }
-    }
-    if (event != kDebugNoSession) DebugSay(0, kNoPbdMap);
+void RunToFirst(DebuggerState* state) {
+    state->awaits = state->map.nativeTrapMap != 0 ? DebugAwaits::FirstTrap : DebugAwaits::FirstLine;
+    if (state->awaits == DebugAwaits::FirstLine)
+        RunToFirstLine(state);
+    else if (g_plantHook != nullptr)
+        g_plantHook(state);
+    ResumeStart(state);
+    DebugWaitStart(state, StartWait(*state));
 }
 
 // The table's bytes go back while the program still runs on with them: a patched byte must not kill it before we do.
@@ -164,22 +173,37 @@ bool DebugStartLoaded(const wchar_t* executable, DebuggerState* state) {
     state->active = 1;
     state->run = DebugRun::Running;
     if (const int event = DebugWaitEvent(state, INFINITE); event != kDebugStopped) {
-        SayFirstStop(*state, event);
+        SayStart(*state, DebugAwaits::FirstLine, event);
         DebugStop(state);
         return false;
     }
     DebugNeutralizeNativeTraps(state);
-    if (state->map.nativeTrapMap != 0)
-        RunToFirstTrap(state);
-    else if (state->map.lineCount > 0)
-        RunToFirstLine(state);
+    if (state->map.nativeTrapMap != 0 || state->map.lineCount > 0)
+        RunToFirst(state);
     else
         DebugSay(0, L"[Debug] Started (no source line info).\n");
     return state->active != 0;
 }
 
+int DebugWaitStart(DebuggerState* state, DWORD timeoutMs) {
+    for (;;) {
+        const DebugAwaits awaits = state->awaits;
+        const bool paused = state->pause == DebugPause::Wanted;
+        const int event = DebugWaitEvent(state, timeoutMs);
+        if (event == kDebugTimeout && GetTickCount64() < state->startDeadline) return event;
+        if (event == kDebugStopped && !paused && IsFalseStart(*state)) {
+            ResumeStart(state);
+            continue;
+        }
+        state->awaits = DebugAwaits::Nothing;
+        SayStart(*state, awaits, event);
+        return event;
+    }
+}
+
 void DebugStop(DebuggerState* state) {
     if (state == nullptr || state->active == 0) return;
+    DebugSayLeftOut(state);
     RestoreProgram(state);
     if (!TerminateProcess(state->process, 0)) AppLogMsg(L"FAIL: DebugStop error=%lu", GetLastError());
     AwaitEnd(state);

@@ -37,6 +37,16 @@ enum class DebugRun : std::uint8_t { None, Stopped, Running };
 // first, the trap is still to come and means nothing any more.
 enum class DebugPause : std::uint8_t { None, Wanted, Overtaken };
 
+// What a start still waits for: the stop at the first line, or the first trap of the program's own that has a line.
+enum class DebugAwaits : std::uint8_t { Nothing, FirstLine, FirstTrap };
+
+// What the program reported between two stops: debug strings and exceptions. A flood of them must not fill the memory.
+struct DebugReports {
+    std::uint32_t shown = 0;
+    std::size_t characters = 0;
+    std::uint32_t leftOut = 0;
+};
+
 struct DebuggerState {
     SdbgMap map;  // `imageBase` is the real load address from process creation on
     HANDLE process = nullptr;
@@ -57,13 +67,19 @@ struct DebuggerState {
     std::uint32_t imageSize = 0;      // of the executable in memory
     std::uint32_t exceptionCode = 0;  // of the last stop
     std::uint32_t eventPending = 0;   // an event was delivered and is not continued yet
-    std::uint32_t exitCode = 0;       // valid after a wait returned 2
-    std::uint64_t stopSerial = 0;     // counts stops, so that views know when they are out of date
-    std::uint64_t faultAddress = 0;   // of the exception that was reported last, and how often in a row
+    std::uint32_t exited = 0;         // a wait returned 2: `exitCode` is the program's
+    std::uint32_t exitCode = 0;
+    std::uint64_t stopSerial = 0;    // counts stops, so that views know when they are out of date
+    std::uint64_t faultAddress = 0;  // of the exception that was reported last, and how often in a row
     std::uint32_t faultCount = 0;
     DebugPause pause = DebugPause::None;
     std::uint32_t runsToUserBreakpoint = 0;  // traps of the program's own are no stops until one is reached
-    HANDLE eventProcess = nullptr;           // the creation event's handle, given back at the end
+    DebugAwaits awaits = DebugAwaits::Nothing;
+    std::uint32_t startTries = 0;     // resumes of the start
+    std::uint64_t startDeadline = 0;  // GetTickCount64 value at which it is given up
+    std::uint64_t startAddress = 0;   // of the start's own breakpoint, 0: none
+    DebugReports reports;
+    HANDLE eventProcess = nullptr;  // the creation event's handle, given back at the end
     std::vector<DebugThread> threads;
 };
 

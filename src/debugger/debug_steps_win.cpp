@@ -21,13 +21,17 @@ bool GoOn(DebuggerState* state) {
     return DebugResume(state);
 }
 
+// Targets of steps that ended elsewhere must not fill the table for ever.
 bool RunTo(DebuggerState* state, std::uint64_t address, std::uint32_t line) {
+    if (state->breakpointCount >= kMaxBreakpoints) DebugForgetTemporaries(state);
     return DebugSetTempBp(state, address, static_cast<int>(line)) && GoOn(state);
 }
 
 // To a line that the user names: traps of the program's own on the way there are no stops.
 bool RunToRva(DebuggerState* state, std::uint32_t rva, int line) {
-    if (rva == 0 || !RunTo(state, state->map.imageBase + rva, static_cast<std::uint32_t>(line))) return false;
+    if (rva == 0) return false;
+    DebugForgetTemporaries(state);  // the way leads past the targets of earlier steps
+    if (!RunTo(state, state->map.imageBase + rva, static_cast<std::uint32_t>(line))) return false;
     state->runsToUserBreakpoint = 1;
     return true;
 }
@@ -104,8 +108,10 @@ bool DebugContinue(DebuggerState* state) {
 
 bool DebugBreakIn(DebuggerState* state) {
     if (state == nullptr || state->active == 0 || state->run != DebugRun::Running) return false;
+    // The trap of an earlier one is still to come, and is the only one that will.
+    const bool underWay = state->pause != DebugPause::None;
     state->pause = DebugPause::Wanted;
-    if (DebugBreakProcess(state->process)) return true;
+    if (underWay || DebugBreakProcess(state->process)) return true;
     state->pause = DebugPause::None;
     return false;
 }

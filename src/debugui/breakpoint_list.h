@@ -26,6 +26,7 @@ struct UserBreakpoint {
     BreakpointStatus status = BreakpointStatus::Idle;
     std::wstring reason;        // for the tooltip
     std::uint64_t address = 0;  // while planted
+    std::uint64_t shares = 0;   // refused, as another line's breakpoint stands at this address
     std::uint32_t hits = 0;     // in this session
     HWND editor = nullptr;      // while the file is open
     int handle = -1;            // of its marker
@@ -47,6 +48,8 @@ int BreakpointAt(HWND editor, int line, bool make);
 
 // A session has been created: plants every enabled one that belongs to it (DebugSetPlantHook).
 void BreakpointsPlantAll(DebuggerState* state);
+// The program has stopped: where its start made it stop, no breakpoint is left that the list does not know.
+void BreakpointsDropStart(DebuggerState* state);
 // A session has ended: all are idle again.
 void BreakpointsOnSessionEnd();
 // Tooltip of the breakpoint on a line ("No code on this line..."), empty: none.

@@ -18,7 +18,6 @@
 
 namespace {
 
-constexpr COLORREF kOrange = 0x0064C8;
 constexpr int kDumpBytes = 64;
 
 DebuggerState* Session() { return &g_app.debugger; }
@@ -43,13 +42,18 @@ void Start() {
     g_app.debug.debugAfterBuild = StartCompilerBuild(false, true) != 0;
 }
 
+constexpr wchar_t kTableFull[] = L"All 64 breakpoints are in use: remove one, or continue (Ctrl+F5)";
+
+bool IsTableFull() { return Session()->breakpointCount >= kMaxBreakpoints; }
+
 void Go(bool resumed, const wchar_t* suffix) {
     if (resumed) {
         DebugRunFollow(suffix);
         return;
     }
     DebugRunShowUnseen();
-    StatusBarSetText(L"No step from here: continue (Ctrl+F5) or run to the cursor (Ctrl+F10)");
+    StatusBarSetText(IsTableFull() ? kTableFull
+                                   : L"No step from here: continue (Ctrl+F5) or run to the cursor (Ctrl+F10)");
 }
 
 void RunToCursor() {
@@ -57,12 +61,16 @@ void RunToCursor() {
     if (document == nullptr) return;
     const std::uint32_t fileId = DebugFileIdOfPath(Session(), document->path);
     if (fileId == 0) {
-        DebugSay(kOrange, L"[Debug] %s is not part of the program.\n", document->label);
+        DebugSay(kDebugOrange, L"[Debug] %s is not part of the program.\n", document->label);
+        DebugRunShowUnseen();
         return;
     }
     const int line = CaretLine();
     const bool resumed = DebugRunToLineIn(Session(), fileId, line);
-    if (!resumed) DebugSay(kOrange, L"[Debug] No code on line %d.\n", line);
+    if (!resumed && IsTableFull())
+        DebugSay(kDebugOrange, L"[Debug] All 64 breakpoints are in use: the way to line %d needs one more.\n", line);
+    else if (!resumed)
+        DebugSay(kDebugOrange, L"[Debug] No code on line %d.\n", line);
     Go(resumed, L" (run to cursor)");
 }
 
@@ -70,7 +78,7 @@ void Pause() {
     if (DebugBreakIn(Session()))
         DebugRunPaused();
     else
-        DebugSay(kOrange, L"[Debug] The program cannot be paused.\n");
+        DebugSay(kDebugOrange, L"[Debug] The program cannot be paused.\n");
 }
 
 // A heap text of the inspection under its heading.

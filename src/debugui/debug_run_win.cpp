@@ -22,16 +22,16 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
 
-constexpr COLORREF kRed = 200;
-constexpr COLORREF kOrange = 0x0064C8;
-constexpr DWORD kWaitInPlace = 200;    // ms that a command waits for its stop
-constexpr UINT kTimerInterval = 15;    // ms between two looks at a running program
-constexpr ULONGLONG kLookLimit = 10;   // ms that one look may take, however much happens
-constexpr ULONGLONG kLongRun = 30000;  // ms without a stop after which a line says so
+constexpr DWORD kWaitInPlace = 200;        // ms that a command waits for its stop
+constexpr ULONGLONG kStartInPlace = 1000;  // ms that a start waits for the first line
+constexpr UINT kTimerInterval = 15;        // ms between two looks at a running program
+constexpr ULONGLONG kLookLimit = 10;       // ms that one look may take, however much happens
+constexpr ULONGLONG kLongRun = 30000;      // ms without a stop after which a line says so
 constexpr ULONGLONG kPumpInterval = 20;
 
 struct Follow {
@@ -49,6 +49,7 @@ ULONGLONG g_waitEnd = 0;
 bool g_stopWanted = false;
 bool g_closeWanted = false;
 ULONGLONG g_lastPump = 0;
+ULONGLONG g_startedAt = 0;
 
 int g_consoleLooks = 0;  // left, by the timer
 bool g_paneWasHidden = false;
@@ -77,7 +78,8 @@ bool IsWaitOver() { return GetTickCount64() >= g_waitEnd; }
 int WaitFor(DWORD milliseconds, ULONGLONG limit) {
     g_waitEnd = GetTickCount64() + limit;
     const WaitScope scope(IsWaitOver);
-    return DebugWaitEvent(&g_app.debugger, milliseconds);
+    return g_app.debugger.awaits != DebugAwaits::Nothing ? DebugWaitStart(&g_app.debugger, milliseconds)
+                                                         : DebugWaitEvent(&g_app.debugger, milliseconds);
 }
 
 bool IsStopKey(const MSG& message) {
@@ -97,10 +99,12 @@ bool IsStopClick(const MSG& message) {
 }
 
 // While a program starts, the window paints itself and listens to Stop, and to nothing else: any other message could
-// lead back into the session that is being set up. Keys of that time are dropped, as they were meant for no one.
+// lead back into the session that is being set up. Keys of that time are dropped; so it is short, and a program that
+// takes longer to reach its first line is followed from the timer.
 bool PumpWhileStarting() {
     const ULONGLONG now = GetTickCount64();
-    if (now - g_lastPump < kPumpInterval) return g_stopWanted;
+    const bool takesLong = g_app.debugger.awaits != DebugAwaits::Nothing && now - g_startedAt >= kStartInPlace;
+    if (now - g_lastPump < kPumpInterval) return g_stopWanted || takesLong;
     g_lastPump = now;
     MSG message = {};
     while (PeekMessageW(&message, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE)) {
@@ -116,7 +120,7 @@ bool PumpWhileStarting() {
     while (PeekMessageW(&message, g_app.hMainWnd, WM_CLOSE, WM_CLOSE, PM_REMOVE)) DebugStopWaiting(true);
     for (int paints = 0; paints < 32 && PeekMessageW(&message, nullptr, WM_PAINT, WM_PAINT, PM_REMOVE); ++paints)
         DispatchMessageW(&message);
-    return g_stopWanted;
+    return g_stopWanted || takesLong;
 }
 
 // --- The program and its sources
@@ -149,7 +153,7 @@ void WarnOnce(const wchar_t* format, const std::wstring& path) {
     const std::wstring text = FormatW(format, name);
     if (std::ranges::find(g_saidOfFiles, text) != g_saidOfFiles.end()) return;
     g_saidOfFiles.push_back(text);
-    DebugSay(kOrange, L"%s", text.c_str());
+    DebugSay(kDebugOrange, L"%s", text.c_str());
 }
 
 // Lines that the program does not have would be shown as if it had.
@@ -190,8 +194,7 @@ void ShowPaneForSession() {
 }
 
 void HidePaneAfterSession() {
-    if (!g_paneWasHidden || !g_app.showDebugPane) return;
-    g_paneWasHidden = false;
+    if (!std::exchange(g_paneWasHidden, false) || !g_app.showDebugPane) return;
     g_app.showDebugPane = false;
     const HWND focus = GetFocus();
     const bool hadFocus = focus != nullptr && (focus == g_app.hDebugPane || IsChild(g_app.hDebugPane, focus));
@@ -292,7 +295,10 @@ void ShowStopAround() {
 
 void OnStopped() {
     StopFollowing();
-    if (MayPassUnseen()) {
+    BreakpointsDropStart(&g_app.debugger);
+    const bool unseen = MayPassUnseen();
+    if (g_app.debugger.run != DebugRun::Stopped) return;  // a command that another program sent came in between
+    if (unseen) {
         g_follow.unseen = true;
         DebugSayLocation(&g_app.debugger, g_follow.suffix.c_str());
         return;
@@ -301,9 +307,11 @@ void OnStopped() {
     ShowStopAround();
 }
 
+std::wstring ExitStatus() { return FormatW(L"Exited with code %ld", static_cast<long>(g_app.debugger.exitCode)); }
+
 void OnExited() {
-    DebugSay(kRed, L"[Debug] Process exited.\n");
-    EndSession(FormatW(L"Exited with code %ld", static_cast<long>(g_app.debugger.exitCode)));
+    DebugSay(kDebugRed, L"[Debug] Process exited.\n");
+    EndSession(ExitStatus());
 }
 
 // True when the wait had a result; false: the program runs on.
@@ -331,6 +339,7 @@ void BeginFollowing() {
 void StartProgram(const BuiltProgram& program) {
     g_stopWanted = g_closeWanted = false;
     g_lastPump = 0;
+    g_startedAt = GetTickCount64();
     const WaitScope scope(PumpWhileStarting);
     DebugStartForCompiler(program.executable.c_str(), program.compilerId, &g_app.debugger);
 }
@@ -360,7 +369,7 @@ void DebugRunStart() {
     StartProgram(program);
     if (StoppedDuringStart()) return;
     if (g_app.debugger.active == 0) {
-        EndSession(L"Debugging did not start");
+        EndSession(g_app.debugger.exited != 0 ? ExitStatus() : L"Debugging did not start");
         return;
     }
     ShowPaneForSession();
@@ -404,7 +413,9 @@ void DebugOnTimer() {
         WatchForConsole(false);
         return;
     }
+    const bool starting = g_app.debugger.awaits != DebugAwaits::Nothing;
     if (HandleWait(WaitFor(0, kLookLimit))) return;
+    g_follow.told = g_follow.told || starting;  // the start has a line of its own for that
     if (g_follow.told || GetTickCount64() - g_follow.since < kLongRun) return;
     g_follow.told = true;
     DebugSay(0, L"[Debug] No stop within 30 seconds; the program is still running.\n");

@@ -78,9 +78,25 @@ TEST_P(DebugSession, SaysWhenTheProgramEndsBeforeItsFirstLine) {
 TEST_P(DebugSession, AStartCanBeGivenUp) {
     DebugSetWaitHook([] { return !g_said.empty(); });
     Start("early");
+    EXPECT_EQ(state.active, 1u) << "it runs, and may still be stopped";
+    // The start is not over by that: another wait goes on with it, and ends it when its time is over.
+    DebugSetWaitHook(nullptr);
+    EXPECT_EQ(DebugWaitStart(&state, 1), kDebugTimeout);
+    EXPECT_EQ(SaidText(), L"[Debug] Started. Breakpoint at line 2.\n");
+    state.startDeadline = GetTickCount64();
+    EXPECT_EQ(DebugWaitStart(&state, 1), kDebugTimeout);
     EXPECT_EQ(SaidText(),
               L"[Debug] Started. Breakpoint at line 2.\n[Debug] Did not reach first source breakpoint (event 3).\n");
-    EXPECT_EQ(state.active, 1u) << "it runs, and may still be stopped";
+    EXPECT_EQ(state.awaits, DebugAwaits::Nothing);
+}
+
+TEST_P(DebugSession, AConditionDoesNotKeepTheStartFromItsLine) {
+    DebugSetPlantHook([](DebuggerState* session) {
+        DebugSetCondition(session, session->startAddress, "1 > 2");
+    });
+    ASSERT_TRUE(Start("loop"));
+    EXPECT_EQ(TimesSaid(L"[Debug] Reached line "), 1) << SaidText();
+    EXPECT_STREQ(state.breakpoints[0].condition, "1 > 2");
 }
 
 TEST_P(DebugSession, TheFolderMayHaveAnyName) {
