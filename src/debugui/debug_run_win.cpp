@@ -33,6 +33,7 @@ constexpr UINT kTimerInterval = 15;        // ms between two looks at a running 
 constexpr ULONGLONG kLookLimit = 10;       // ms that one look may take, however much happens
 constexpr ULONGLONG kLongRun = 30000;      // ms without a stop after which a line says so
 constexpr ULONGLONG kPumpInterval = 20;
+constexpr wchar_t kStarting[] = L"Starting the program...";
 
 struct Follow {
     bool running = false;  // the timer asks for the next event
@@ -327,7 +328,7 @@ bool HandleWait(int result) {
 void BeginFollowing() {
     g_follow.running = true;
     DebugClearLocation();
-    SetStatus(L"Running");
+    SetStatus(g_app.debugger.awaits != DebugAwaits::Nothing ? kStarting : L"Running");
     SetTimer(g_app.hMainWnd, TIMER_DEBUG, kTimerInterval, nullptr);
     DebugPaneInvalidate();
     MainWindow_RequestStateRefresh();
@@ -363,7 +364,7 @@ void DebugRunStart() {
     g_saidOfFiles.clear();
     g_follow = {};
     g_app.debug.debugging = g_app.debug.debuggerActive = true;
-    SetStatus(L"Starting the program...");
+    SetStatus(kStarting);
     MenuUpdateState();
     UpdateWindow(g_app.hMainWnd);
     StartProgram(program);

@@ -1,5 +1,5 @@
 // Reads memory that is not there. With HEALS a second thread brings the memory after a while, so that the same
-// instruction at last succeeds; without, it never does.
+// instruction at last succeeds; without, it never does. OUTSIDE: a library is made to do it.
 #include "debuggee.h"
 
 #define PLACE ((char*)0x20000000)
@@ -14,6 +14,9 @@ void start(void) {
     CreateThread(NULL, 0, Bring, NULL, 0, NULL);
 #endif
     AT(3);
+#ifdef OUTSIDE
+    GetSystemTime((SYSTEMTIME*)place);
+#endif
     UINT read = (UINT)*place;
     AT(4);
     ExitProcess(read + 7);

@@ -143,6 +143,36 @@ TEST_P(DebugEvents, ManyThreadsMayMeetAtOneBreakpoint) {
     }
 }
 
+// Libraries lie behind the program in memory, so behind the last line of its map.
+TEST_P(DebugEvents, CodeOfALibraryHasNoLine) {
+    ASSERT_TRUE(Start("outside"));
+    ASSERT_TRUE(DebugContinue(&state));
+    ASSERT_EQ(Wait(), kDebugStopped);
+    EXPECT_EQ(TimesSaid(L"[Debug] The instruction has failed 16 times in a row"), 1) << SaidText();
+    EXPECT_EQ(state.currentLine, 0);
+    EXPECT_GE(state.currentAddress - state.map.imageBase, state.imageSize);
+}
+
+TEST_P(DebugEvents, WhatAProgramReportsIsLimitedBetweenStops) {
+    ASSERT_TRUE(Start("flood"));
+    ASSERT_TRUE(DebugContinue(&state));
+    static const DebuggerState* watched;
+    watched = &state;
+    const DebugWaitHook previous =
+        DebugSetWaitHook([] { return watched->reports.leftOut > 0 || GetTickCount64() > g_deadline; });
+    EXPECT_EQ(Wait(INFINITE), kDebugTimeout);
+    DebugSetWaitHook(previous);
+    EXPECT_EQ(TimesSaid(L"again and again"), 10000);
+    EXPECT_EQ(TimesSaid(L"[Debug] The program writes too much; the rest is left out until it stops.\n"), 1);
+    g_said.clear();
+    ASSERT_TRUE(DebugSetBreakpoint(&state, 5));
+    ASSERT_EQ(Arrive(), 5);
+    EXPECT_EQ(TimesSaid(L" reports left out ...\n"), 1) << SaidText();
+    ASSERT_TRUE(DebugContinue(&state));
+    ASSERT_EQ(Arrive(), 5);
+    EXPECT_EQ(TimesSaid(L"again and again"), 1) << "shown again";
+}
+
 // A time-out begins anew with each event; the hook is what ends a wait in a flood.
 TEST_P(DebugEvents, TheHookEndsAWait) {
     static int asked;

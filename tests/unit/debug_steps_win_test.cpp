@@ -81,6 +81,20 @@ TEST_P(DebugSteps, RunToALine) {
     EXPECT_EQ(RunTo(5), -2) << "it does not come by there again";
 }
 
+// A step that ended at another breakpoint leaves its target behind.
+TEST_P(DebugSteps, TargetsOfEarlierStepsAreInNobodysWay) {
+    ASSERT_TRUE(Start("loop"));
+    ASSERT_TRUE(DebugSetTempBp(&state, AddressOf(3), 3));
+    EXPECT_EQ(RunTo(5), 5) << "not at 3";
+    End();
+    ASSERT_TRUE(Start("many"));
+    for (int line = 100; state.breakpointCount < kMaxBreakpoints; ++line)
+        ASSERT_TRUE(DebugSetTempBp(&state, AddressOf(line), line));
+    EXPECT_EQ(Step(), 3) << "nor do they fill the table";
+    for (int line = 100; state.breakpointCount < kMaxBreakpoints; ++line) ASSERT_TRUE(DebugSetBreakpoint(&state, line));
+    EXPECT_EQ(Step(), -1) << "the user's do";
+}
+
 TEST_P(DebugSteps, ARunningProgramCannotBeStepped) {
     ASSERT_TRUE(Start("sleeps"));
     ASSERT_TRUE(DebugContinue(&state));

@@ -335,11 +335,32 @@ TEST(Debug, StopIsHeardWhileAProgramStarts) {
         EXPECT_TRUE(WaitFor([] { return CountProcesses(L"steps.exe") == 0; }));
         EXPECT_TRUE(WaitFor([&] { return ButtonWorks(editor, IDM_DEBUG_BUTTON_START); }));
     };
+    const ULONGLONG before = GetTickCount64();
     startUp();
     editor.Do(IDM_FILE_NEW);
-    EXPECT_EQ(editor.Tabs(), 1) << "no other command gets in";
+    const int tabs = editor.Tabs();
+    // For a second; a machine that is slower than that has nothing to see here.
+    EXPECT_TRUE(tabs == 1 || GetTickCount64() - before > 900) << "no other command gets in";
     editor.Do(IDM_DEBUG_STOP);
     stopped();
+    if (tabs == 2) editor.Do(IDM_FILE_CLOSE);
+
+    // A program that takes longer leaves the window free, and arrives all the same.
+    startUp();
+    EXPECT_TRUE(WaitFor([&] { return ButtonShown(editor, IDM_DEBUG_PAUSE) && ButtonWorks(editor, IDM_DEBUG_PAUSE); }));
+    editor.Do(IDM_FILE_NEW);
+    EXPECT_EQ(editor.Tabs(), 2);
+    editor.Type("typed");
+    EXPECT_EQ(editor.Text(), "typed");
+    EXPECT_EQ(editor.Status(0), L"Starting the program...");
+    editor.Do(IDM_EDIT_UNDO);
+    editor.Do(IDM_FILE_CLOSE);
+    folder.Write(L"go.txt", "");
+    ExpectStopAt(editor, 2);
+    EXPECT_TRUE(editor.AwaitOutput(L"[Debug] Reached line 2.\n"));
+    editor.Do(IDM_DEBUG_STOP);
+    stopped();
+    DeleteFileW(folder.File(L"go.txt").c_str());
 
     startUp();
     editor.Foreground();
@@ -373,6 +394,37 @@ TEST(Debug, AFloodOfEventsLeavesTheWindowFree) {
     EXPECT_TRUE(AwaitStatus(editor, L"Debugging stopped"));
     EXPECT_TRUE(WaitFor([] { return CountProcesses(L"steps.exe") == 0; }));
     editor.Do(IDM_EDIT_UNDO);  // so that closing asks nothing
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+// Lines 3 and 4 of this program are one address, and it comes by its first line three times.
+TEST(Debug, LinesOfOneAddressShareItsBreakpoint) {
+    const ReadyFolder folder(L"again64.exe");
+    Editor editor(folder, folder.Arguments());
+    ToggleBreakpoint(editor, 3);
+    ToggleBreakpoint(editor, 4);
+    editor.Do(IDM_DEBUG_BUILD_START);
+    ExpectStopAt(editor, 2);
+    EXPECT_FALSE(Marked(editor, 3, kMarkHollow));
+    EXPECT_TRUE(Marked(editor, 4, kMarkHollow)) << "the program stops for the other one";
+    editor.Do(IDM_DEBUG_CONTINUE);
+    const auto stoppedThere = [&] {
+        return WaitFor([&] {
+            return editor.Status(0) == L"Stopped at steps.bas:3" || editor.Status(0) == L"Stopped at steps.bas:4";
+        });
+    };
+    ASSERT_TRUE(stoppedThere()) << editor.Describe();
+
+    ToggleBreakpoint(editor, 3);  // off
+    EXPECT_FALSE(Marked(editor, 3, kMarkBreakpoint));
+    EXPECT_FALSE(Marked(editor, 4, kMarkHollow)) << "takes its place";
+    editor.Do(IDM_DEBUG_CONTINUE);
+    EXPECT_TRUE(WaitFor([&] { return Count(editor.Output(), L"[Debug] Stopped at ") == 3; })) << Utf8(editor.Output());
+    ASSERT_TRUE(stoppedThere()) << "and not at the first line, which has no breakpoint";
+
+    editor.Do(IDM_DEBUG_REMOVE_BREAKPOINTS);
+    editor.Do(IDM_DEBUG_CONTINUE);
+    EXPECT_TRUE(AwaitStatus(editor, L"Exited with code 3"));
     EXPECT_EQ(editor.Close(), 0u);
 }
 
