@@ -256,6 +256,7 @@ LRESULT CALLBACK MemoryProc(HWND window, UINT message, WPARAM wParam, LPARAM lPa
         case WM_LBUTTONDOWN: OnClick({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;
         case WM_RBUTTONDOWN: OnClick({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); break;
         case WM_CONTEXTMENU: OnContextMenu({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;
+        case WM_COPY: PaneCopyText(MemoryCaretRowText()); return 0;
         case WM_GETDLGCODE: return DLGC_WANTALLKEYS;
         case WM_KEYDOWN:
             if (PaneHandleFocusKey(window, wParam) || OnKey(wParam)) return 0;

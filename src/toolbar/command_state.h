@@ -9,7 +9,7 @@
 #include <string_view>
 
 CommandView CurrentCommandView();
-// The pane or line other than an editor that has the keyboard and takes the Edit commands, or null.
+// The pane, line or view other than an editor that has the keyboard and takes the Edit commands, or null.
 HWND FocusedTextField();
 // Enabled and checked of every item of a menu that is about to open.
 void MenuApplyState(HMENU menu, const CommandView& view);

@@ -49,7 +49,7 @@ HWND FocusedTextField() {
     for (HWND field : {g_app.hOutput, g_app.hAsmPane, g_app.hAiChat, g_app.hAiInput, g_app.hTerminal}) {
         if (focus != nullptr && focus == field) return field;
     }
-    return nullptr;
+    return focus != nullptr && IsChild(g_app.hDebugPane, focus) ? focus : nullptr;
 }
 
 CommandView CurrentCommandView() {

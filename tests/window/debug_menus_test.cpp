@@ -76,6 +76,7 @@ TEST(DebugMenus, TheSelectedRowIsCopied) {
         const std::wstring text = Copied([&] { session.editor.Keys({VK_CONTROL, 'C'}); });
         EXPECT_EQ(Utf8(text), Utf8(expected));
         EXPECT_EQ(Count(text, L"\t"), c.columns - 1);
+        EXPECT_EQ(Copied([&] { session.editor.Do(IDM_EDIT_COPY); }), text) << "by the Edit menu";
     }
     session.Select(kMemory);
     session.GoTo(L"RBP-8");
@@ -84,6 +85,7 @@ TEST(DebugMenus, TheSelectedRowIsCopied) {
     session.editor.Keys({VK_DOWN});
     const std::wstring text = Copied([&] { session.editor.Keys({VK_CONTROL, 'C'}); });
     EXPECT_EQ(Utf8(text), Utf8(session.MemoryRow(1)));
+    EXPECT_EQ(Copied([&] { session.editor.Do(IDM_EDIT_COPY); }), text) << "by the Edit menu";
 }
 
 TEST(DebugMenus, TheOutputIsCopied) {
