@@ -1,6 +1,8 @@
 // Reading numbers and words off a text of one line. ASCII only. Pure.
 #pragma once
 
+#include "files/hex_digit.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -9,12 +11,6 @@
 constexpr char UpperAscii(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 constexpr bool IsBlank(char c) { return c == ' ' || c == '\t'; }
-
-inline int HexValue(char c) {
-    if (IsDigit(c)) return c - '0';
-    const char upper = UpperAscii(c);
-    return upper >= 'A' && upper <= 'F' ? upper - 'A' + 10 : -1;
-}
 
 inline std::string_view WithoutLeadingBlanks(std::string_view text) {
     while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);

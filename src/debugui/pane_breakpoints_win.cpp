@@ -3,6 +3,7 @@
 #include "debugui/pane_internal.h"
 
 #include "debugui/breakpoint_rules.h"
+#include "files/file_io.h"
 #include "files/path.h"
 #include "settings/settings.h"
 
@@ -38,18 +39,10 @@ std::wstring StateOf(const UserBreakpoint& breakpoint) {
     return breakpoint.enabled ? L"Waits for a program" : L"Disabled";
 }
 
-std::wstring WideCondition(const std::string& utf8) {
-    std::wstring text(utf8.size(), L'\0');
-    const int length = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), text.data(),
-                                           static_cast<int>(text.size()));
-    text.resize(static_cast<std::size_t>(length > 0 ? length : 0));
-    return text;
-}
-
 void Fill(PaneContent& content) {
     for (const UserBreakpoint& breakpoint : BreakpointList()) {
         PaneRow row;
-        row.cells = {PlaceOf(breakpoint), WideCondition(breakpoint.condition),
+        row.cells = {PlaceOf(breakpoint), Utf8ToWideText(breakpoint.condition),
                      breakpoint.hits != 0 ? std::to_wstring(breakpoint.hits) : std::wstring{}, StateOf(breakpoint)};
         row.mark = breakpoint.enabled ? PaneMark::Checked : PaneMark::Unchecked;
         const bool refused =
@@ -73,7 +66,7 @@ std::wstring CommitCondition(int row, const std::wstring& text) {
 void Edit(int row, int column) {
     const UserBreakpoint* breakpoint = At(row);
     if (breakpoint == nullptr || (column != -1 && column != kCondition)) return;
-    PaneEditBegin(row, kCondition, WideCondition(breakpoint->condition), false,
+    PaneEditBegin(row, kCondition, Utf8ToWideText(breakpoint->condition), false,
                   [row](const std::wstring& text) { return CommitCondition(row, text); });
 }
 

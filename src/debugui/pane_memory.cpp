@@ -2,19 +2,13 @@
 #include "debugui/pane_memory.h"
 
 #include "debugui/pane_rows.h"
+#include "files/hex_digit.h"
 
 #include <algorithm>
 
 namespace {
 
 constexpr int kGap = 1;  // blanks after the address and before the characters
-
-int HexDigit(wchar_t c) {
-    if (c >= L'0' && c <= L'9') return c - L'0';
-    if (c >= L'a' && c <= L'f') return c - L'a' + 10;
-    if (c >= L'A' && c <= L'F') return c - L'A' + 10;
-    return -1;
-}
 
 bool IsPlain(std::uint8_t byte) { return byte >= 32 && byte <= 126; }
 
@@ -68,7 +62,7 @@ std::optional<std::uint8_t> MemoryTyped(std::uint8_t old, const MemoryCaret& car
         if (typed < 32 || typed > 126) return {};
         return static_cast<std::uint8_t>(typed);
     }
-    const int digit = HexDigit(typed);
+    const int digit = HexValue(typed);
     if (digit < 0) return {};
     return static_cast<std::uint8_t>(caret.low ? (old & 0xF0) | digit : (old & 0x0F) | digit << 4);
 }

@@ -1,6 +1,8 @@
 // Rules of the watch list. Pure.
 #include "debugui/pane_watches.h"
 
+#include "files/hex_digit.h"
+
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -15,18 +17,12 @@ View Trimmed(View text) {
     return text;
 }
 
-int DigitOf(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    const char lower = static_cast<char>(c | 0x20);
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : 99;
-}
-
 // Digits of one base and nothing else; nothing beyond 64 bits.
 std::optional<std::uint64_t> Digits(std::string_view text, std::uint64_t base) {
     if (text.empty()) return {};
     std::uint64_t value = 0;
     for (const char c : text) {
-        const auto digit = static_cast<std::uint64_t>(DigitOf(c));
+        const auto digit = static_cast<std::uint64_t>(HexValue(c));  // no digit: far above any base
         if (digit >= base || value > (std::numeric_limits<std::uint64_t>::max() - digit) / base) return {};
         value = value * base + digit;
     }

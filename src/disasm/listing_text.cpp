@@ -2,6 +2,7 @@
 
 #include "disasm/code_text.h"
 #include "disasm/visible_text.h"
+#include "files/hex_digit.h"
 
 #include <Zydis/Zydis.h>
 
@@ -16,7 +17,6 @@ constexpr std::size_t kIndent = 8;  // of instructions without address
 constexpr std::size_t kNumberColumn = 6;
 constexpr std::size_t kLongestLine = 65536;  // longer ones are made visible and not looked into
 
-bool IsHexDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f'); }
 bool IsWordCharacter(char c) {
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == '.' ||
            c == '$' || c == '@' || c == '?';
@@ -43,11 +43,12 @@ std::string_view TakeWord(std::string_view& text) {
     return word;
 }
 
-bool IsHex(std::string_view text) { return !text.empty() && std::all_of(text.begin(), text.end(), IsHexDigit); }
+bool IsHex(std::string_view text) {
+    return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return HexValue(c) >= 0; });
+}
 
 bool IsMnemonic(std::string_view word) {
     static const std::unordered_set<std::string_view> known = [] {
-        // Names that listings use beside those of the decoder.
         // What compilers write beside the decoder's own names.
         std::unordered_set<std::string_view> names = {
             "je",    "jne",   "jc",     "jnc",   "ja",     "jae",   "jna",    "jnae",   "jg",    "jge",

@@ -11,6 +11,8 @@
 // New blocks below are freed by the caller with free().
 wchar_t* Utf8ToWide(const char* utf8);
 char* WideToUtf8(const wchar_t* wide);
+// The same for text of known length: malformed bytes become replacement characters, 2 GiB and more become empty text.
+std::wstring Utf8ToWideText(std::string_view utf8);
 
 bool FileExists(const wchar_t* path);
 

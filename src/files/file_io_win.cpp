@@ -29,6 +29,16 @@ wchar_t* Utf8ToWide(const char* utf8) {
     return wide;
 }
 
+std::wstring Utf8ToWideText(std::string_view utf8) {
+    if (utf8.empty() || utf8.size() > 0x7FFFFFFFU) {
+        return {};
+    }
+    const int size = static_cast<int>(utf8.size());
+    std::wstring wide(static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, nullptr, 0)), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, wide.data(), static_cast<int>(wide.size()));
+    return wide;
+}
+
 char* WideToUtf8(const wchar_t* wide) {
     if (wide == nullptr) {
         return nullptr;

@@ -110,6 +110,14 @@ bool PathEqualsIgnoreCase(std::wstring_view a, std::wstring_view b) {
     return true;
 }
 
+std::wstring PathKey(std::wstring_view path) {
+    std::wstring key{path};
+    for (wchar_t& character : key) {
+        character = static_cast<wchar_t>(FoldCase(character));
+    }
+    return key;
+}
+
 bool PathIsAbsolute(std::wstring_view path) {
     return (path.size() > 1 && path[1] == L':') || path.starts_with(L"\\\\");
 }

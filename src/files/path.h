@@ -14,6 +14,8 @@ void StripTrailingSlash(wchar_t* path);
 // As the file system compares names: Latin, Greek, Cyrillic and Armenian letters by their simple case pairs, whatever
 // the locale. Any other character equals only itself.
 bool PathEqualsIgnoreCase(std::wstring_view a, std::wstring_view b);
+// The same text for all paths that are equal by that rule: a key to look paths up by.
+std::wstring PathKey(std::wstring_view path);
 
 // "C:..." or "\\server...": everything else is relative to some folder.
 bool PathIsAbsolute(std::wstring_view path);

@@ -137,8 +137,8 @@
 #define IDC_DEBUG_PANE 2307
 // Children of the debug pane.
 #define IDC_DEBUG_TABS 2401
-#define IDC_DEBUG_LIST 2402     // list view of breakpoints, stack, registers, watches, threads
-#define IDC_DEBUG_TEXT 2403     // memory and disassembly (Scintilla)
+#define IDC_DEBUG_LIST 2402     // list view of all but the memory
+#define IDC_DEBUG_TEXT 2403     // memory (Scintilla)
 #define IDC_DEBUG_ADDRESS 2404  // address line of memory and disassembly
 #define IDC_DEBUG_MORE 2405     // the views whose tabs there is no room for
 // Editors: IDC_EDITOR_FIRST and up, one number a tab ever opened.

@@ -4,6 +4,7 @@
 #include "files/bounded_text.h"
 #include "files/file_io.h"
 #include "files/handles.h"
+#include "files/hex_digit.h"
 
 #include <dpapi.h>
 
@@ -16,16 +17,6 @@ namespace {
 
 constexpr std::wstring_view kPrefix = L"[DPAPI]";
 
-int HexDigit(wchar_t c) {
-    if (c >= L'0' && c <= L'9') {
-        return c - L'0';
-    }
-    if (c >= L'A' && c <= L'F') {
-        return c - L'A' + 10;
-    }
-    return c >= L'a' && c <= L'f' ? c - L'a' + 10 : -1;
-}
-
 // Empty for an odd number of digits and for anything that is no digit.
 std::vector<BYTE> BytesOfHex(std::wstring_view digits) {
     std::vector<BYTE> bytes;
@@ -33,8 +24,8 @@ std::vector<BYTE> BytesOfHex(std::wstring_view digits) {
         return bytes;
     }
     for (std::size_t i = 0; i < digits.size(); i += 2) {
-        const int high = HexDigit(digits[i]);
-        const int low = HexDigit(digits[i + 1]);
+        const int high = HexValue(digits[i]);
+        const int low = HexValue(digits[i + 1]);
         if (high < 0 || low < 0) {
             return {};
         }
