@@ -9,13 +9,14 @@
 #include <limits>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace {
 
 // Code beyond this is left out, and the text says so: each byte takes another one while it is rendered.
 constexpr std::size_t kMostCode = std::size_t{64} << 20;
-constexpr std::size_t kShortestRun = 16;  // equal filling bytes shown as one line
-constexpr std::size_t kMaxThunks = 65536;
+constexpr std::size_t kShortestRun = 16;   // equal filling bytes shown as one line
+constexpr std::size_t kMaxNames = 65536;   // of procedures and of jumps through imports
 constexpr std::size_t kSourceBytes = 512;  // of a source line or a file's name: a map may name it again and again
 
 // The part around the focus: so many lines of the map before and after, and not more bytes than that.
@@ -53,7 +54,7 @@ struct Step {
     std::size_t length = 1;
 };
 
-enum class Phase : std::uint8_t { Head, Marks, Parts, Done };
+enum class Phase : std::uint8_t { Head, Names, Marks, Parts, Done };
 
 struct SourceText {
     std::string name;
@@ -87,6 +88,7 @@ struct DisasmRenderer {
     DisasmSymbols symbols;  // asks this renderer
     std::vector<Code> code;
     std::unordered_map<std::uint32_t, std::string> names;  // of code and data, by RVA
+    std::unordered_set<std::uint64_t> headings;            // file and line of procedures that have their name
     std::unordered_map<std::uint32_t, SourceText> sources;
     std::vector<Part> parts;
     bool focused = false;  // the first part is that around the focus
@@ -95,7 +97,7 @@ struct DisasmRenderer {
     Phase phase = Phase::Head;
     std::size_t current = 0;     // section while marking, part while showing
     std::size_t at = 0;          // offset in the section
-    std::size_t nextRecord = 0;  // of program.lines
+    std::size_t nextRecord = 0;  // of program.lines, while naming and while showing
     bool opened = false;         // the part's heading is written
     bool blank = true;           // the last line written is empty
 };
@@ -162,18 +164,30 @@ void TakeLines(DisasmRenderer& r) {
     for (const DisasmLine& line : lines) MarkAt(r, line.rva, kKnown);
 }
 
-void TakeNames(DisasmRenderer& r) {
+void TakeExports(DisasmRenderer& r) {
     for (const auto& [rva, name] : r.image.exports) {
         r.names.try_emplace(rva, name);
         MarkAt(r, rva, kKnown | kCalled);
     }
-    for (const DisasmLine& line : r.program.lines) {
-        std::string name = DisasmProcedureName(SourceLine(r, line));
-        if (!name.empty()) r.names.try_emplace(line.rva, std::move(name));
-    }
-    if (r.image.entryRva == 0) return;
-    r.names.try_emplace(r.image.entryRva, "start");
-    MarkAt(r, r.image.entryRva, kKnown | kCalled);
+    if (r.image.entryRva != 0) MarkAt(r, r.image.entryRva, kKnown | kCalled);
+}
+
+// A heading may have several records. The procedure begins at the first.
+void NameProcedure(DisasmRenderer& r, const DisasmLine& line) {
+    const std::uint64_t place = std::uint64_t{line.fileId} << 32 | line.line;
+    if (r.headings.size() >= kMaxNames || r.headings.contains(place)) return;
+    std::string name = DisasmProcedureName(SourceLine(r, line));
+    if (name.empty()) return;
+    r.headings.insert(place);
+    r.names.try_emplace(line.rva, std::move(name));
+}
+
+void NameNext(DisasmRenderer& r, std::size_t budget) {
+    const auto& lines = r.program.lines;
+    for (; budget > 0 && r.nextRecord < lines.size(); --budget) NameProcedure(r, lines[r.nextRecord++]);
+    if (r.nextRecord < lines.size()) return;
+    if (r.image.entryRva != 0) r.names.try_emplace(r.image.entryRva, "start");
+    r.phase = Phase::Marks;
 }
 
 void TakeCode(DisasmRenderer& r) {
@@ -258,7 +272,7 @@ bool Prepare(DisasmRenderer& r, std::string* out) {
     TakeCode(r);
     TakeSources(r);
     TakeLines(r);
-    TakeNames(r);
+    TakeExports(r);
     PlanFocus(r);
     PlanSections(r);
     return true;
@@ -292,7 +306,7 @@ void NameThunk(DisasmRenderer& r, const Decoded& decoded, std::uint64_t rva) {
     if (!ZYAN_SUCCESS(ZydisCalcAbsoluteAddress(&decoded.instruction, &decoded.operands[0], r.image.base + rva, &slot)))
         return;
     const auto import = r.image.imports.find(static_cast<std::uint32_t>(slot - r.image.base));
-    if (import == r.image.imports.end() || r.names.size() >= kMaxThunks) return;
+    if (import == r.image.imports.end() || r.names.size() >= kMaxNames) return;
     const std::string& name = import->second;
     const std::size_t function = name.find('!') + 1;
     r.names.try_emplace(static_cast<std::uint32_t>(rva), name.substr(name[function] == '#' ? 0 : function));
@@ -420,7 +434,8 @@ DisasmRendererPtr DisasmRendererNew(DisasmProgram program) {
 
 bool DisasmRenderNext(DisasmRenderer& renderer, std::size_t budget, std::string* out) {
     switch (renderer.phase) {
-        case Phase::Head: renderer.phase = Prepare(renderer, out) ? Phase::Marks : Phase::Done; break;
+        case Phase::Head: renderer.phase = Prepare(renderer, out) ? Phase::Names : Phase::Done; break;
+        case Phase::Names: NameNext(renderer, budget); break;
         case Phase::Marks: MarkNext(renderer, budget); break;
         case Phase::Parts: WriteNext(renderer, budget, *out); break;
         case Phase::Done: break;

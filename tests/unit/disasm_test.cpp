@@ -237,6 +237,41 @@ TEST(Disasm, ARangeAndKnownStartsDecideWhereInstructionsBegin) {
     EXPECT_NE(text.find("00014000101A"), std::string::npos) << text;
 }
 
+// The lines of a text that are one label.
+int CountLabels(const std::string& text, const std::string& name) {
+    int count = 0;
+    for (std::size_t at = text.find(name); at != std::string::npos; at = text.find(name, at + 1))
+        count += at >= 2 && text.compare(at - 2, 2, "\r\n") == 0 && text.compare(at + name.size(), 3, ":\r\n") == 0;
+    return count;
+}
+
+TEST(Disasm, AHeadingWithSeveralRecordsNamesTheFirst) {
+    DisasmProgram program = Program64(true);
+    program.lines.push_back({0x1037, 1, 3});
+    program.lines.push_back({0x101E, 2, 3});  // the same line of another file
+    program.sources[1].text = "\n\nSUB Other\n";
+    const std::string text = Rendered(std::move(program));
+    EXPECT_EQ(CountLabels(text, "Square"), 1) << text;
+    EXPECT_LT(text.find("\r\nSquare:"), text.find("000140001034")) << text;
+    EXPECT_EQ(CountLabels(text, "Other"), 1) << text;
+}
+
+// A map may claim any number of procedures.
+TEST(Disasm, NamesHaveALimit) {
+    constexpr std::uint32_t kLimit = 65536;
+    DisasmProgram program;
+    program.file = pe::Build({.sections = {{".text", 0x1000, pe::kCode, Bytes(kLimit + 2, 0x90)}}});
+    program.sources = {{1, "", ""}};
+    for (std::uint32_t i = 0; i < kLimit + 2; ++i) {
+        program.lines.push_back({0x1000 + i, 1, i + 1});
+        program.sources[0].text += "SUB P" + std::to_string(i) + "\n";
+    }
+    program.firstRva = 0x1000 + kLimit - 1;
+    const std::string text = Rendered(std::move(program));
+    EXPECT_EQ(CountLabels(text, "P65535"), 1) << text;
+    EXPECT_EQ(CountLabels(text, "P65536"), 0) << text;
+}
+
 TEST(Disasm, FilesWithoutCodeToShowSayWhy) {
     std::mt19937 random(1);
     Bytes noise(8192);
