@@ -4,6 +4,7 @@
 
 #include "build/asm_pane.h"
 #include "build/build_paths.h"
+#include "debugger/map_paths.h"
 #include "debugger/pbd_map.h"
 #include "debugger/pe_headers.h"
 #include "debugger/sdbg_map.h"
@@ -11,7 +12,6 @@
 #include "disasm/renderer.h"
 #include "files/file_io.h"
 #include "files/handles.h"
-#include "files/path.h"
 #include "files/text_encoding.h"
 
 #include <windows.h>
@@ -40,11 +40,6 @@ std::string Utf8Text(std::wstring_view wide) {
     return text != nullptr ? text.get() : "";
 }
 
-std::wstring WideText(const char* utf8) {
-    const HeapBlock<wchar_t> text(Utf8ToWide(utf8));
-    return text != nullptr ? text.get() : L"";
-}
-
 std::span<const std::uint8_t> BytesOf(const std::string& text) {
     return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
@@ -56,21 +51,6 @@ std::string SourceText(const std::wstring& path) {
     std::wstring wide(static_cast<std::size_t>(MultiByteToWideChar(CP_ACP, 0, bytes.data(), size, nullptr, 0)), L'\0');
     MultiByteToWideChar(CP_ACP, 0, bytes.data(), size, wide.data(), static_cast<int>(wide.size()));
     return Utf8Text(wide);
-}
-
-// The name a file goes by without folder and extension.
-std::wstring Stem(std::wstring_view path) {
-    const std::size_t slash = path.find_last_of(L"\\/");
-    return ReplaceExtension(slash == std::wstring_view::npos ? path : path.substr(slash + 1), L"");
-}
-
-// The source that a name in the map means. A compiler may have been given a copy of the source under another extension.
-std::wstring PathOfMapFile(const AsmRequest& request, const char* name) {
-    std::wstring path = WideText(name);
-    std::replace(path.begin(), path.end(), L'/', L'\\');
-    if (const std::wstring folder = FolderOf(request.source); !PathIsAbsolute(path) && !folder.empty())
-        path = folder + (folder.ends_with(L'\\') ? L"" : L"\\") + path;
-    return PathEqualsIgnoreCase(Stem(path), Stem(request.source)) && !FileExists(path.c_str()) ? request.source : path;
 }
 
 bool ReadMap(const AsmRequest& request, const std::string& program, SdbgMap* map) {
@@ -102,9 +82,11 @@ void AddSource(const AsmRequest& request, std::uint32_t fileId, const std::wstri
 void AddLines(const AsmRequest& request, const SdbgMap& map, DisasmProgram& program) {
     for (const SdbgLine& line : std::span(map.lines, static_cast<std::size_t>(map.lineCount)))
         program.lines.push_back({.rva = line.rva, .fileId = line.fileId, .line = line.line});
+    const MapSource compiled = {.source = request.source, .staged = request.staged};
     for (std::int32_t i = 0; i < std::min(map.fileCount, kMostSources); ++i) {
-        if (map.files[i].path != nullptr)
-            AddSource(request, map.files[i].fileId, PathOfMapFile(request, map.files[i].path), program);
+        const std::uint32_t id = map.files[i].fileId;
+        const std::wstring path = PathOfMapFile(map.files[i].path, map.lines[0].fileId == id, compiled);
+        if (!path.empty()) AddSource(request, id, path, program);
     }
     if (program.sources.empty()) AddSource(request, 1, request.source, program);
 }

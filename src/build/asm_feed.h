@@ -10,6 +10,7 @@
 // What was built, and where the user stands.
 struct AsmRequest {
     std::wstring source;
+    std::wstring staged;  // the copy of it that the compiler saw, empty when that is unknown
     std::wstring listing;
     std::wstring program;    // empty: unknown
     std::wstring caretFile;  // of the active editor

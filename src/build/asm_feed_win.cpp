@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <atomic>
 #include <mutex>
+#include <new>
 
 struct AsmFeed {
     AsmRequest request;
@@ -34,13 +35,6 @@ namespace {
 constexpr std::size_t kMostListing = std::size_t{256} << 20;
 constexpr std::size_t kPieceBytes = 64 * 1024;
 
-std::wstring WideText(std::string_view utf8) {
-    const int size = static_cast<int>(utf8.size());
-    std::wstring wide(static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, nullptr, 0)), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, wide.data(), static_cast<int>(wide.size()));
-    return wide;
-}
-
 // Bytes of the first line of `text`, its line end included; a line too long for the pane is cut between characters.
 std::size_t FirstLine(std::string_view text) {
     std::size_t end = text.find_first_of("\r\n");
@@ -55,7 +49,7 @@ std::size_t FirstLine(std::string_view text) {
 
 void Deliver(AsmFeed& feed, std::string_view text) {
     if (text.empty()) return;
-    std::wstring wide = WideText(text);
+    std::wstring wide = Utf8ToWideText(text);
     for (; !text.empty(); text.remove_prefix(FirstLine(text))) ++feed.delivered;
     const std::lock_guard lock(feed.mutex);
     feed.pieces.push_back(std::move(wide));
@@ -89,7 +83,11 @@ void Fill(AsmFeed& feed) {
 DWORD WINAPI FeedThread(void* parameter) {
     const std::unique_ptr<AsmFeedPtr> owned(static_cast<AsmFeedPtr*>(parameter));
     AsmFeed& feed = **owned;
-    Fill(feed);
+    try {
+        Fill(feed);
+    } catch (const std::bad_alloc&) {
+        Deliver(feed, "(Not enough memory.)\r\n");  // what was there is free again
+    }
     const std::lock_guard lock(feed.mutex);
     feed.done = true;
     return 0;

@@ -2,6 +2,7 @@
 
 #include "app/app_state.h"
 #include "build/build_paths.h"
+#include "build/build_runner.h"
 #include "build/build_stage.h"
 #include "build/output_pane.h"
 #include "build/output_queue.h"
@@ -51,7 +52,12 @@ std::wstring ProgramOf(const wchar_t* source) {
 }
 
 AsmRequest RequestFor(const wchar_t* source, const wchar_t* listing) {
-    AsmRequest request = {.source = source, .listing = listing, .program = ProgramOf(source), .caretFile = L""};
+    const BuildPlaces& last = BuildLastPlaces();
+    AsmRequest request = {.source = source,
+                          .staged = SamePathText(last.source, source) ? last.staged : L"",
+                          .listing = listing,
+                          .program = ProgramOf(source),
+                          .caretFile = L""};
     if (!IsTabIndex(g_app.activeTab)) return request;
     request.caretFile = g_app.tabs[static_cast<std::size_t>(g_app.activeTab)].path;
     const LRESULT caret = SciSend(g_app.hEditor, SCI_GETCURRENTPOS);

@@ -4,8 +4,6 @@
 #include "debugger/expressions.h"
 #include "debugger/registers.h"
 
-#include "files/path.h"
-
 #include <algorithm>
 
 namespace {
@@ -89,14 +87,4 @@ int ScrollForStop(int firstVisible, int count, int stop, int context) {
     const int around = std::min(context, std::max(0, (count - 1) / 2));
     if (stop >= firstVisible + around && stop < firstVisible + count - around) return firstVisible;
     return std::max(0, stop - count / 3);
-}
-
-std::wstring MapPath(std::wstring_view path, std::wstring_view sourceFolder) {
-    std::wstring result(path);
-    std::ranges::replace(result, L'/', L'\\');
-    if (result.empty() || PathIsAbsolute(result)) return result;
-    while (result.starts_with(L".\\")) result.erase(0, 2);
-    std::wstring folder(sourceFolder);
-    if (!folder.empty() && !folder.ends_with(L'\\')) folder += L'\\';
-    return folder + result;
 }

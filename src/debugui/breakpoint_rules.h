@@ -42,6 +42,3 @@ BreakpointLook LookOf(bool enabled, bool refused, bool conditional);
 // First visible line after a stop: unchanged while the stop has `context` lines around it, else the stop at a third
 // of the height. All lines are display lines from 0; `count` on the screen.
 int ScrollForStop(int firstVisible, int count, int stop, int context);
-
-// A path of the program's line map: as it stands when absolute, else beside the source. Slashes become backslashes.
-std::wstring MapPath(std::wstring_view path, std::wstring_view sourceFolder);

@@ -168,13 +168,13 @@ void WarnOfStaleFile(const std::wstring& path, const FILETIME& built) {
     }
 }
 
+// Of those that the user has before their eyes: a program may have thousands. The others' turn comes with their stops.
 void WarnOfStaleFiles(const BuiltProgram& program) {
-    const DebuggerState& state = g_app.debugger;
     FILETIME built = {};
     if (!WriteTime(program.executable, &built)) return;
-    if (state.map.fileCount == 0) WarnOfStaleFile(program.source, built);
-    for (std::int32_t i = 0; i < state.map.fileCount; ++i)
-        WarnOfStaleFile(DebugFilePath(&state, state.map.files[i].fileId), built);
+    for (const DocumentTab& tab : g_app.tabs) {
+        if (tab.hasFile && DebugFileIdOfPath(&g_app.debugger, tab.path) != 0) WarnOfStaleFile(tab.path, built);
+    }
 }
 
 // The source may have been edited since the program was started.

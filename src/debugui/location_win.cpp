@@ -4,24 +4,18 @@
 
 #include "app/app_state.h"
 #include "app/shell.h"
-#include "build/build_paths.h"
-#include "build/build_runner.h"
-#include "build/decode.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_session.h"
-#include "debugger/line_map.h"
 #include "debugui/breakpoint_rules.h"
 #include "documents/file_commands.h"
 #include "files/file_io.h"
-#include "files/handles.h"
 #include "files/path.h"
 #include "files/wide_format.h"
 #include "scintilla/margins.h"
 #include "scintilla/sci.h"
 #include "tabs/tab_bar.h"
 
-#include <cstring>
-#include <vector>
+#include <algorithm>
 
 namespace {
 
@@ -34,28 +28,6 @@ struct Mark {
     int background = -1;
 };
 Mark g_mark;
-
-struct KnownFile {
-    std::uint32_t id;
-    std::wstring path;
-};
-std::vector<KnownFile> g_files;  // of the map in use: a path costs several calls to work out
-
-std::wstring WorkOutPath(const SdbgMap& map, std::uint32_t fileId) {
-    const std::wstring source = DebugSourcePath();
-    const char* name = SdbgFileIdToPath(&map, fileId);
-    if (name == nullptr || name[0] == '\0') return map.fileCount == 0 && fileId == 1 ? source : std::wstring();
-    const HeapBlock<wchar_t> decoded(DecodeCompilerText(name, std::strlen(name)));
-    std::wstring path = MapPath(decoded ? decoded.get() : L"", FolderOf(source));
-    wchar_t whole[kPathCapacity] = {};
-    if (PathNormalizeInput(path.c_str(), whole, kPathCapacity)) path = whole;
-    // The compiler saw a copy: the user knows the original.
-    const std::wstring& staged = BuildLastPlaces().staged;
-    if (!staged.empty() && PathEqualsIgnoreCase(path, staged)) return source;
-    // The file of the first line is what was compiled, under whatever name it is gone now.
-    const bool first = map.lineCount > 0 && map.lines[0].fileId == fileId;
-    return first && !FileExists(path.c_str()) ? source : path;
-}
 
 std::wstring FileName(const std::wstring& path) {
     wchar_t name[kPathCapacity] = {};
@@ -75,6 +47,7 @@ Place PlaceOfStop(const DebuggerState& state) {
     std::uint32_t fileId = state.currentFileId;
     auto line = static_cast<std::uint32_t>(state.currentLine);
     if (state.currentLine <= 0 && !DebugLineAt(&state, state.currentAddress, &fileId, &line)) return {};
+    if (line > kLastMapLine) return {};
     return {.path = DebugFilePath(&state, fileId), .line = static_cast<int>(line)};
 }
 
@@ -86,58 +59,49 @@ void RemoveMark() {
     g_mark = {};
 }
 
-// There is one mark: a file that was opened to show the stop has it already.
+int LineCount(HWND editor) { return static_cast<int>(SciSend(editor, SCI_GETLINECOUNT)); }
+
+// There is one mark: a file that was opened to show the stop has it already. A line that the text does not have (any
+// more) gets none: no other line is where the program stands.
 void PutMark(HWND editor, int line) {
     RemoveMark();
+    if (line > LineCount(editor)) return;
     const auto index = static_cast<WPARAM>(line - 1);
     g_mark = {.editor = editor,
               .arrow = static_cast<int>(SciSend(editor, SCI_MARKERADD, index, kMarkCurrent)),
               .background = static_cast<int>(SciSend(editor, SCI_MARKERADD, index, kMarkCurrentLine))};
 }
 
-}  // namespace
-
-void DebugForgetFiles() { g_files.clear(); }
-
-std::wstring DebugFilePath(const DebuggerState* state, std::uint32_t fileId) {
-    if (state->active == 0 || fileId == 0) return {};
-    for (const KnownFile& file : g_files) {
-        if (file.id == fileId) return file.path;
-    }
-    g_files.push_back({fileId, WorkOutPath(state->map, fileId)});
-    return g_files.back().path;
-}
-
-std::uint32_t DebugFileIdOfPath(const DebuggerState* state, const wchar_t* path) {
-    if (state->active == 0 || path == nullptr || path[0] == L'\0') return 0;
-    if (state->map.fileCount == 0) return PathEqualsIgnoreCase(DebugFilePath(state, 1), path) ? 1 : 0;
-    for (std::int32_t i = 0; i < state->map.fileCount; ++i) {
-        const std::uint32_t id = state->map.files[i].fileId;
-        if (PathEqualsIgnoreCase(DebugFilePath(state, id), path)) return id;
-    }
-    return 0;
-}
-
-HWND DebugShowFile(const std::wstring& path) {
+// The next step would say it again: for stops once is enough.
+HWND ShowFile(const std::wstring& path, bool sayOnce) {
     if (path.empty()) return nullptr;
     const int tab = TabBarFindPath(path.c_str());
     if (tab >= 0) {
         if (tab != g_app.activeTab) TabBarSelect(tab);
         return g_app.hEditor;
     }
-    if (!FileExists(path.c_str())) return nullptr;
+    const auto refuse = [&](const wchar_t* format) -> HWND {
+        const bool first = DebugIsFirstTold(path);
+        if (first || !sayOnce) DebugSay(0, format, path.c_str());
+        return nullptr;
+    };
+    if (!FileExists(path.c_str())) return refuse(L"[Debug] The file is not there: %s\n");
     // Opening a file chooses its compiler; the user is in the middle of working with another.
     const std::int32_t compiler = g_app.settings.activeCompiler;
-    const bool opened = FileOpen(path.c_str()) != 0;
+    const bool opened = FileOpenQuietly(path.c_str()) != 0;
     if (g_app.settings.activeCompiler != compiler) {
         g_app.settings.activeCompiler = compiler;
         MainWindow_UpdateCompilerSelection();
     }
-    return opened ? g_app.hEditor : nullptr;
+    return opened ? g_app.hEditor : refuse(L"[Debug] The file cannot be opened: %s\n");
 }
 
+}  // namespace
+
+HWND DebugShowFile(const std::wstring& path) { return ShowFile(path, false); }
+
 void DebugScrollToLine(HWND editor, int line) {
-    const auto index = static_cast<WPARAM>(line - 1);
+    const auto index = static_cast<WPARAM>(std::min(line, LineCount(editor)) - 1);
     if (SciSend(editor, SCI_GETLINEVISIBLE, index) == 0) SciSend(editor, SCI_ENSUREVISIBLE, index);
     const auto shown = [&](UINT message, WPARAM argument = 0) {
         return static_cast<int>(SciSend(editor, message, argument));
@@ -164,11 +128,8 @@ void DebugMarkLocation(const DebuggerState* state) {
     DebugClearLocation();
     if (state->active == 0) return;
     const Place place = PlaceOfStop(*state);
-    HWND editor = DebugShowFile(place.path);
-    if (editor == nullptr) {
-        if (!place.path.empty()) DebugSay(0, L"[Debug] The file is not there: %s\n", place.path.c_str());
-        return;
-    }
+    HWND editor = ShowFile(place.path, true);
+    if (editor == nullptr) return;
     PutMark(editor, place.line);
     DebugScrollToLine(editor, place.line);
 }
@@ -190,8 +151,8 @@ void DebugRestoreLocation(HWND editor) {
 }
 
 bool DebugGoTo(const DebuggerState* state, std::uint32_t fileId, int line) {
-    HWND editor = DebugShowFile(DebugFilePath(state, fileId));
-    if (editor == nullptr || line < 1) return false;
+    HWND editor = line < 1 ? nullptr : DebugShowFile(DebugFilePath(state, fileId));
+    if (editor == nullptr) return false;
     DebugScrollToLine(editor, line);
     FocusCurrentEditor();
     return true;

@@ -21,8 +21,15 @@
 namespace {
 
 PaneProgram g_program;
-std::map<std::uint64_t, std::wstring> g_modules;              // by base, of the process that is debugged
-std::map<std::wstring, std::vector<std::wstring>> g_sources;  // by path, read once a session
+std::map<std::uint64_t, std::wstring> g_modules;  // by base, of the process that is debugged
+
+// A file that no editor has, read once a session: its text in UTF-8 and where its lines begin.
+struct SourceFile {
+    std::string text;
+    std::vector<std::uint32_t> starts;
+};
+constexpr DWORD kMostSource = 16 << 20;  // reading more would be felt; lines of such a file are shown once it is open
+std::map<std::wstring, SourceFile> g_sources;  // by path
 
 DebuggerState* State() { return &g_app.debugger; }
 
@@ -74,15 +81,6 @@ std::wstring ModulePlace(std::uint64_t address) {
     return name.empty() ? std::wstring{} : name + L"+0x" + HexText(address - base, 1);
 }
 
-std::wstring Wide(std::string_view utf8) {
-    std::wstring text(utf8.size(), L'\0');
-    text.resize(
-        static_cast<std::size_t>(std::max(MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()),
-                                                              text.data(), static_cast<int>(text.size())),
-                                          0)));
-    return text;
-}
-
 std::wstring Trimmed(std::wstring text) {
     const std::size_t first = text.find_first_not_of(L" \t\r\n");
     if (first == std::wstring::npos) return {};
@@ -91,19 +89,30 @@ std::wstring Trimmed(std::wstring text) {
     return text;
 }
 
-const std::vector<std::wstring>& FileOf(const std::wstring& path) {
-    const auto known = g_sources.find(path);
-    if (known != g_sources.end()) return known->second;
-    std::vector<std::wstring> file;
+bool IsLarge(const std::wstring& path) {
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    return GetFileAttributesExW(PathForSystem(path.c_str()).c_str(), GetFileExInfoStandard, &data) != FALSE &&
+           (data.nFileSizeHigh != 0 || data.nFileSizeLow > kMostSource);
+}
+
+const SourceFile& FileOf(const std::wstring& path) {
+    const auto [place, isNew] = g_sources.try_emplace(path);
+    SourceFile& file = place->second;
+    if (!isNew || IsLarge(path)) return file;
     std::size_t length = 0;
     const HeapBlock<char> bytes(ReadSourceFileForEditor(path.c_str(), &length, nullptr, nullptr));
-    std::string_view rest(bytes ? bytes.get() : "", bytes ? length : 0);
-    while (!rest.empty()) {
-        const std::size_t end = std::min(rest.find('\n'), rest.size());
-        file.push_back(Trimmed(Wide(rest.substr(0, end))));
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-    }
-    return g_sources.emplace(path, std::move(file)).first->second;
+    if (!bytes) return file;
+    file.text.assign(bytes.get(), length);
+    for (std::size_t at = 0; at < length; at = std::min(file.text.find('\n', at), length - 1) + 1)
+        file.starts.push_back(static_cast<std::uint32_t>(at));
+    return file;
+}
+
+std::wstring FileLine(const SourceFile& file, std::uint32_t line) {
+    if (line > file.starts.size()) return {};
+    const std::size_t from = file.starts[line - 1];
+    const std::size_t to = line < file.starts.size() ? file.starts[line] : file.text.size();
+    return Trimmed(Utf8ToWideText(std::string_view(file.text).substr(from, to - from)));
 }
 
 std::wstring EditorLine(HWND editor, std::uint32_t line) {
@@ -111,7 +120,7 @@ std::wstring EditorLine(HWND editor, std::uint32_t line) {
     if (static_cast<LRESULT>(line) > SciSend(editor, SCI_GETLINECOUNT)) return {};
     std::string bytes(static_cast<std::size_t>(SciSend(editor, SCI_LINELENGTH, index)), '\0');
     SciSend(editor, SCI_GETLINE, index, reinterpret_cast<LPARAM>(bytes.data()));
-    return Trimmed(Wide(bytes));
+    return Trimmed(Utf8ToWideText(bytes));
 }
 
 }  // namespace
@@ -135,7 +144,7 @@ void PaneChooseThread(std::uint32_t id) {
 std::wstring PanePlaceText(std::uint64_t address) {
     std::uint32_t file = 0;
     std::uint32_t line = 0;
-    if (!DebugLineAt(State(), address, &file, &line)) return ModulePlace(address);
+    if (!DebugLineAt(State(), address, &file, &line) || line > kLastMapLine) return ModulePlace(address);
     wchar_t name[kPathCapacity] = {};
     PathGetFile(DebugFilePath(State(), file).c_str(), name, kPathCapacity);
     return (*name != L'\0' ? std::wstring(name) + L":" : L"line ") + std::to_wstring(line);
@@ -147,8 +156,7 @@ std::wstring PaneSourceLine(std::uint32_t fileId, std::uint32_t line) {
     for (const DocumentTab& tab : g_app.tabs) {
         if (tab.path[0] != L'\0' && PathEqualsIgnoreCase(tab.path, path)) return EditorLine(tab.editor, line);
     }
-    const std::vector<std::wstring>& file = FileOf(path);
-    return line <= file.size() ? file[line - 1] : std::wstring{};
+    return FileLine(FileOf(path), line);
 }
 
 void PaneGoTo(std::uint32_t fileId, std::uint32_t line) {

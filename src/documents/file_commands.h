@@ -6,8 +6,9 @@
 
 #include <cstddef>
 
-int FileNew();                      // 1, or 0 when no tab could be added
-int FileOpen(const wchar_t* path);  // null: the dialog. 1 when the file is shown in a tab, new or existing
+int FileNew();                             // 1, or 0 when no tab could be added
+int FileOpen(const wchar_t* path);         // null: the dialog. 1 when the file is shown in a tab, new or existing
+int FileOpenQuietly(const wchar_t* path);  // the same for a path, without a box when it fails
 int FileSave(int tab);
 int FileSaveAs(int tab);
 int FileSaveAll();  // 1 when every modified document was saved

@@ -27,13 +27,16 @@ namespace {
 constexpr int kTreeWidthSplitter = 401;  // a width from here on was never meant for the tree
 constexpr int kTreeWidthDefault = 200;
 
-// The path as the rest of the program uses it: absolute, backslashes. False, after telling the user, when it does not
-// fit.
-bool ResolveInputPath(const wchar_t* input, wchar_t* out, std::size_t capacity) {
+// The path as the rest of the program uses it: absolute, backslashes. False, after telling the user if that is wanted,
+// when it does not fit.
+bool ResolveInputPath(const wchar_t* input, wchar_t* out, std::size_t capacity, bool quiet) {
     if (PathNormalizeInput(input, out, capacity)) {
         return true;
     }
     AppLogMsg(L"FAIL: FileOpen path does not fit: %s", input);
+    if (quiet) {
+        return false;
+    }
     ErrorMessage(L"Failed to open file: %s\n\nThe path is not valid or longer than %d characters.", input,
                  static_cast<int>(capacity - 1));
     return false;
@@ -111,6 +114,33 @@ void KeepFileFromCutText(int tab) {
     ErrorMessage(L"Failed to reload file: %s", path.c_str());
 }
 
+int OpenPath(const wchar_t* path, bool quiet) {
+    wchar_t file[kPathCapacity] = {};
+    if (!ResolveInputPath(path, file, kPathCapacity, quiet)) {
+        return 0;
+    }
+    const int existing = TabBarFindPath(file);
+    if (existing >= 0) {
+        TabBarSelect(existing);
+        return 1;
+    }
+    wchar_t label[kLabelCapacity];
+    PathGetFile(file, label, kLabelCapacity);
+    const int tab = TabBarAdd(file, label);
+    if (tab < 0) {
+        if (!quiet) {
+            ErrorMessage(L"Failed to open file: %s", file);
+        }
+        return 0;
+    }
+    SelectCompilerFor(file);
+    TabBarSelect(tab);
+    MruAddFile(file);
+    PathGetDir(file, g_app.lastDirectory, kPathCapacity);
+    OfferProjectRoot(g_app.lastDirectory);
+    return 1;
+}
+
 }  // namespace
 
 int FileNew() {
@@ -132,29 +162,10 @@ int FileOpen(const wchar_t* path) {
         }
         path = chosen;
     }
-    wchar_t file[kPathCapacity] = {};
-    if (!ResolveInputPath(path, file, kPathCapacity)) {
-        return 0;
-    }
-    const int existing = TabBarFindPath(file);
-    if (existing >= 0) {
-        TabBarSelect(existing);
-        return 1;
-    }
-    wchar_t label[kLabelCapacity];
-    PathGetFile(file, label, kLabelCapacity);
-    const int tab = TabBarAdd(file, label);
-    if (tab < 0) {
-        ErrorMessage(L"Failed to open file: %s", file);
-        return 0;
-    }
-    SelectCompilerFor(file);
-    TabBarSelect(tab);
-    MruAddFile(file);
-    PathGetDir(file, g_app.lastDirectory, kPathCapacity);
-    OfferProjectRoot(g_app.lastDirectory);
-    return 1;
+    return OpenPath(path, false);
 }
+
+int FileOpenQuietly(const wchar_t* path) { return OpenPath(path, true); }
 
 int FileOpenResolveInitialDirectory(wchar_t* out, std::size_t capacity) {
     wchar_t exeDirectory[kPathCapacity] = {};

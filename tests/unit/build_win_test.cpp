@@ -1,4 +1,6 @@
 // Decoding by the system's code pages, and staged copies beside files of the user.
+#include "build/asm_feed.h"
+#include "build/asm_pane.h"
 #include "build/decode.h"
 #include "build/staging.h"
 #include "files/file_io.h"
@@ -6,7 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include <deque>
+#include <limits>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -25,6 +30,27 @@ TEST(DecodeCompilerText, EachChunkByItself) {
         EXPECT_EQ(Decoded("x\xC3").size(), 2U);
         EXPECT_EQ(Decoded("\xA9y").size(), 2U);
     }
+}
+
+// Code that takes more memory than there is ends the text and nothing else.
+TEST(AsmFeed, SaysThatMemoryRanOut) {
+    const AsmRenderer before = AsmPaneRenderer();
+    AsmPaneSetRenderer([](AsmFeed& feed, const AsmRequest&, const std::string*) {
+        AsmFeedPut(feed, "before\r\n");
+        std::vector<char> all(std::numeric_limits<std::ptrdiff_t>::max() / 2);
+        AsmFeedPut(feed, std::string(all.begin(), all.end()));
+    });
+    const AsmFeedPtr feed = AsmFeedStart({.source = L"none", .listing = L"none"});
+    AsmPaneSetRenderer(before);
+    ASSERT_NE(feed, nullptr);
+    std::wstring text;
+    std::deque<std::wstring> pieces;
+    const ULONGLONG end = GetTickCount64() + 15000;
+    while (AsmFeedTake(*feed, &pieces) && GetTickCount64() < end) {
+        for (const std::wstring& piece : pieces) text += piece;
+        Sleep(1);
+    }
+    EXPECT_TRUE(text.ends_with(L"before\r\n(Not enough memory.)\r\n")) << text.size();
 }
 
 class Staging : public testing::Test {

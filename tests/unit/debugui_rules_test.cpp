@@ -89,20 +89,6 @@ TEST(Stop, ScrollsOnlyWhenLinesAroundItAreMissing) {
     for (const auto& c : cases) EXPECT_EQ(ScrollForStop(c.first, c.count, c.stop, 3), c.expected) << c.name;
 }
 
-TEST(MapPaths, AreFoundBesideTheSource) {
-    const struct {
-        const wchar_t *path, *expected;
-    } cases[] = {
-        {L"steps.bas", L"C:\\src\\steps.bas"},   {L"./lib/part.inc", L"C:\\src\\lib\\part.inc"},
-        {L"D:/x/a.bas", L"D:\\x\\a.bas"},        {L"\\\\server\\share\\a.bas", L"\\\\server\\share\\a.bas"},
-        {L"..\\up.inc", L"C:\\src\\..\\up.inc"}, {L"", L""},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(MapPath(c.path, L"C:\\src"), c.expected);
-        EXPECT_EQ(MapPath(c.path, L"C:\\src\\"), c.expected);
-    }
-}
-
 TEST(Breakpoints, LinesMoveWithEdits) {
     const struct {
         int line, first, added, now;

@@ -483,7 +483,7 @@ TEST(Debug, SourcesNewerThanTheProgramAreToldOf) {
     const std::wstring part = folder.Write(L"calls_part.inc", "SUB Twice\r\n");
     WIN32_FILE_ATTRIBUTE_DATA program{};
     ASSERT_TRUE(GetFileAttributesExW(folder.File(L"steps.exe").c_str(), GetFileExInfoStandard, &program));
-    Editor editor(folder, folder.Arguments());
+    Editor editor(folder, L" --open \"" + part + L"\"" + folder.Arguments());
     const struct {
         int source, part;  // minutes by which they are newer
     } cases[] = {{1, -1}, {0, 1}, {-1, 0}, {1, 1}};

@@ -1,0 +1,88 @@
+// Files of line maps on a disk: copies that are gone, and maps that name files twice or by no name.
+#include "debugger/map_paths.h"
+#include "debugger/line_map.h"
+#include "debugui/location.h"
+#include "files/file_io.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+// A folder with main.kxa and part.inc.
+class MapFiles : public testing::Test {
+protected:
+    void SetUp() override {
+        wchar_t temporary[MAX_PATH] = {};
+        ASSERT_NE(GetTempPathW(MAX_PATH, temporary), 0U);
+        folder = std::wstring(temporary) + L"kvx map files " + std::to_wstring(GetCurrentProcessId()) + L"\\";
+        CreateDirectoryW(folder.c_str(), nullptr);
+        for (const wchar_t* name : kNames) ASSERT_TRUE(WriteFileUtf8((folder + name).c_str(), "'", 1));
+    }
+    void TearDown() override {
+        for (const wchar_t* name : kNames) DeleteFileW((folder + name).c_str());
+        RemoveDirectoryW(folder.c_str());
+        DebugForgetFiles();
+        DebugSetSourcePath(L"");
+    }
+    static constexpr const wchar_t* kNames[] = {L"main.kxa", L"part.inc"};
+    std::wstring folder;
+};
+
+TEST_F(MapFiles, CopiesOfTheSourceAreTheSource) {
+    const MapSource compiled = {.source = folder + L"main.kxa", .staged = folder + L"part.inc"};
+    const struct {
+        const char* name;
+        bool first;
+        const wchar_t* expected;  // beside the source
+    } cases[] = {
+        {"main.kxa", true, L"main.kxa"},  {"part.inc", false, L"main.kxa"},  // the staged copy, there or not
+        {"main.pb", false, L"main.kxa"},  {"x/../main.bas", false, L"main.kxa"}, {"gone.inc", true, L"main.kxa"},
+        {"gone.inc", false, L"gone.inc"}, {"main.inc", false, L"main.inc"},      {"./x/y.inc", false, L"x\\y.inc"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(PathOfMapFile(c.name, c.first, compiled), folder + c.expected) << c.name;
+    for (const char* name : {static_cast<const char*>(nullptr), "", "C:\\", "folder\\", "folder/"})
+        EXPECT_EQ(PathOfMapFile(name, false, compiled), L"");
+    EXPECT_EQ(PathOfMapFile("main.pb", false, {.source = folder + L"part.inc", .staged = L""}), folder + L"main.pb");
+}
+
+TEST_F(MapFiles, TheFirstOfANumberAndTheFirstOfAPathWin) {
+    char names[][12] = {"part.inc", "other.inc", "PART.INC", "C:\\", "main.kxa", "zero.inc"};
+    std::vector<SdbgFile> files = {{7, names[0]}, {7, names[1]}, {8, names[2]}, {9, names[3]},
+                                   {4, names[4]}, {5, nullptr},  {0, names[5]}};
+    SdbgLine line = {4, 1, 0x1000};
+    DebuggerState state;
+    state.map.lines = &line;
+    state.map.lineCount = 1;
+    state.map.files = files.data();
+    state.map.fileCount = static_cast<std::int32_t>(files.size());
+    DebugSetSourcePath((folder + L"main.kxa").c_str());
+    DebugForgetFiles();
+    EXPECT_EQ(DebugFilePath(&state, 7), L"") << "there is no session";
+    EXPECT_EQ(DebugFileIdOfPath(&state, (folder + L"part.inc").c_str()), 0U);
+    state.active = 1;
+    const struct {
+        std::uint32_t id;
+        const wchar_t* path;
+    } paths[] = {{7, L"part.inc"}, {8, L"PART.INC"}, {4, L"main.kxa"}};
+    for (const auto& c : paths) EXPECT_EQ(DebugFilePath(&state, c.id), folder + c.path) << c.id;
+    for (const std::uint32_t id : {0U, 5U, 9U, 77U}) EXPECT_EQ(DebugFilePath(&state, id), L"") << id;
+    const struct {
+        const wchar_t* path;
+        std::uint32_t id;
+    } ids[] = {{L"Part.inc", 7}, {L"MAIN.kxa", 4}, {L"other.inc", 0}, {L"zero.inc", 0}, {L"main.pb", 0}};
+    for (const auto& c : ids) EXPECT_EQ(DebugFileIdOfPath(&state, (folder + c.path).c_str()), c.id) << c.id;
+
+    // A map without files has the source alone.
+    state.map.fileCount = 0;
+    DebugForgetFiles();
+    EXPECT_EQ(DebugFilePath(&state, 1), folder + L"main.kxa");
+    EXPECT_EQ(DebugFilePath(&state, 2), L"");
+    EXPECT_EQ(DebugFileIdOfPath(&state, (folder + L"MAIN.KXA").c_str()), 1U);
+    EXPECT_EQ(DebugFileIdOfPath(&state, (folder + L"part.inc").c_str()), 0U);
+    state.map = {};
+}
+
+}  // namespace
