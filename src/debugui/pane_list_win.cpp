@@ -274,18 +274,13 @@ void OnDoubleClick(const NMITEMACTIVATE& click) {
     if (view.activate != nullptr) view.activate(click.iItem, click.iSubItem);
 }
 
-void CopyRow() {
-    const int row = PaneListSelected();
-    if (RowAt(row) != nullptr) PaneCopyText(RowText(row));
-}
-
 bool OnKey(WPARAM key) {
     if (PaneHandleFocusKey(g_list.window, key)) return true;
     const PaneView& view = PaneCurrentView();
     const int row = PaneListSelected();
     if (RowAt(row) == nullptr) return false;
     if (key == 'C' && GetKeyState(VK_CONTROL) < 0) {
-        CopyRow();
+        PaneCopyText(RowText(row));
         return true;
     }
     if (key == VK_RETURN && view.activate != nullptr) {
@@ -345,7 +340,6 @@ LRESULT CALLBACK ListProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam,
             if (OnKey(wParam)) return 0;
             break;
         case WM_CHAR: OnCharacter(static_cast<wchar_t>(wParam)); return 0;  // no search by typing
-        case WM_COPY: CopyRow(); return 0;
         case WM_CONTEXTMENU: OnContextMenu({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;
         case WM_SETFOCUS:
         case WM_KILLFOCUS: InvalidateRect(list, nullptr, FALSE); break;
@@ -418,8 +412,10 @@ void PaneListUpdate(const PaneContent& content) {
     }
     if (content.reveal >= 0 && content.reveal < count) {
         PaneListSelect(content.reveal);
-        // A few rows of what follows are worth more than the row itself at the lower edge.
+        // A few rows of what follows are worth more than the row itself at the lower edge, and of what goes before, such as
+        // its line of source, more than the row at the upper one.
         Send(LVM_ENSUREVISIBLE, static_cast<WPARAM>(std::min(content.reveal + 4, count - 1)), FALSE);
+        Send(LVM_ENSUREVISIBLE, static_cast<WPARAM>(std::max(content.reveal - 2, 0)), FALSE);
         Send(LVM_ENSUREVISIBLE, static_cast<WPARAM>(content.reveal), FALSE);
     }
     InvalidateRect(g_list.window, nullptr, FALSE);
