@@ -38,8 +38,14 @@ bool IsRefused(const UserBreakpoint& breakpoint) {
 void Unplant(UserBreakpoint& breakpoint) {
     if (breakpoint.address != 0 && InSession()) DebugRemoveBreakpoint(&Session(), breakpoint.address);
     breakpoint.address = 0;
+    breakpoint.shares = 0;
     breakpoint.reason.clear();
     breakpoint.status = breakpoint.enabled ? BreakpointStatus::Idle : BreakpointStatus::Disabled;
+}
+
+UserBreakpoint* OwnerOf(std::uint64_t address) {
+    const auto owner = std::ranges::find(g_list, address, &UserBreakpoint::address);
+    return address != 0 && owner != g_list.end() ? &*owner : nullptr;
 }
 
 void Refuse(UserBreakpoint& breakpoint, BreakpointStatus status, const wchar_t* reason) {
@@ -57,6 +63,10 @@ void Plant(UserBreakpoint& breakpoint) {
         Refuse(breakpoint, BreakpointStatus::NoCode, L"This file is not part of the program.");
     } else if (rva == 0) {
         Refuse(breakpoint, BreakpointStatus::NoCode, L"No code on this line: never stops here.");
+    } else if (const UserBreakpoint* owner = OwnerOf(state.map.imageBase + rva); owner != nullptr) {
+        breakpoint.status = BreakpointStatus::Refused;
+        breakpoint.reason = FormatW(L"Has the same code as line %d, which stops there.", owner->line);
+        breakpoint.shares = owner->address;
     } else if (!DebugSetBreakpointIn(&state, fileId, breakpoint.line)) {
         Refuse(breakpoint, BreakpointStatus::Refused,
                state.breakpointCount >= kMaxBreakpoints ? L"Not set: the program has 64 breakpoints already."
@@ -114,11 +124,21 @@ void RefreshLooks(HWND editor) {
     FoldSignsUpdate(editor, LinesOf(editor));
 }
 
+// After a change of one: lines that shared the code of one that went take its place.
+void PlantSharers() {
+    for (UserBreakpoint& breakpoint : g_list) {
+        if (breakpoint.shares == 0 || OwnerOf(breakpoint.shares) != nullptr) continue;
+        Plant(breakpoint);
+        RefreshLooks(breakpoint.editor);
+    }
+}
+
 void RefreshAllLooks() {
     for (const DocumentTab& tab : g_app.tabs) RefreshLooks(tab.editor);
 }
 
 void Changed(HWND editor) {
+    PlantSharers();
     RefreshLooks(editor);
     DebugPaneInvalidate();
 }
@@ -197,7 +217,10 @@ void Synchronise() {
             RefreshLooks(tab.editor);
         }
     }
-    if (changed) DebugPaneInvalidate();
+    if (changed) {
+        PlantSharers();
+        DebugPaneInvalidate();
+    }
     std::ranges::stable_sort(g_list, [](const UserBreakpoint& a, const UserBreakpoint& b) {
         const int order = _wcsicmp(a.path.c_str(), b.path.c_str());
         return order != 0 ? order < 0 : a.line < b.line;
@@ -299,6 +322,13 @@ void BreakpointsPlantAll(DebuggerState*) {
     }
     RefreshAllLooks();
     DebugPaneInvalidate();
+}
+
+void BreakpointsDropStart(DebuggerState* state) {
+    if (state->startAddress == 0 || state->currentAddress != state->startAddress) return;
+    Synchronise();
+    if (OwnerOf(state->startAddress) == nullptr) DebugRemoveBreakpoint(state, state->startAddress);
+    state->startAddress = 0;
 }
 
 void BreakpointsOnSessionEnd() {

@@ -274,13 +274,18 @@ void OnDoubleClick(const NMITEMACTIVATE& click) {
     if (view.activate != nullptr) view.activate(click.iItem, click.iSubItem);
 }
 
+void CopyRow() {
+    const int row = PaneListSelected();
+    if (RowAt(row) != nullptr) PaneCopyText(RowText(row));
+}
+
 bool OnKey(WPARAM key) {
     if (PaneHandleFocusKey(g_list.window, key)) return true;
     const PaneView& view = PaneCurrentView();
     const int row = PaneListSelected();
     if (RowAt(row) == nullptr) return false;
     if (key == 'C' && GetKeyState(VK_CONTROL) < 0) {
-        PaneCopyText(RowText(row));
+        CopyRow();
         return true;
     }
     if (key == VK_RETURN && view.activate != nullptr) {
@@ -340,6 +345,7 @@ LRESULT CALLBACK ListProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam,
             if (OnKey(wParam)) return 0;
             break;
         case WM_CHAR: OnCharacter(static_cast<wchar_t>(wParam)); return 0;  // no search by typing
+        case WM_COPY: CopyRow(); return 0;
         case WM_CONTEXTMENU: OnContextMenu({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;
         case WM_SETFOCUS:
         case WM_KILLFOCUS: InvalidateRect(list, nullptr, FALSE); break;
