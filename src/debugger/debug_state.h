@@ -86,6 +86,6 @@ struct DebuggerState {
 // What the debugger keeps in the application's record beside it.
 struct DebugFlags {
     bool debugging = false;        // a session exists
-    bool debuggerActive = false;   // the same for the frame: menus, toolbar, panes
+    bool debuggerActive = false;   // set and cleared with it
     bool debugAfterBuild = false;  // the build that runs was asked for by the start command
 };
