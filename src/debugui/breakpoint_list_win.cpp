@@ -340,7 +340,9 @@ void BreakpointsOnSessionEnd() {
     DebugPaneInvalidate();
 }
 
-static std::wstring TipOf(const UserBreakpoint& breakpoint) {
+namespace {
+
+std::wstring TipOf(const UserBreakpoint& breakpoint) {
     if (!breakpoint.enabled) return L"Switched off (Debug > Enable or Disable Breakpoint).";
     if (!breakpoint.reason.empty()) return breakpoint.reason;
     std::wstring tip;
@@ -356,7 +358,7 @@ static std::wstring TipOf(const UserBreakpoint& breakpoint) {
 }
 
 // The breakpoints that a folded block hides.
-static std::wstring FoldedTip(HWND editor, int header) {
+std::wstring FoldedTip(HWND editor, int header) {
     std::wstring lines;
     for (const int line : LinesOf(editor)) {
         if (FoldHeaderOf(editor, line) == header) lines += FormatW(lines.empty() ? L"%d" : L", %d", line + 1);
@@ -366,6 +368,8 @@ static std::wstring FoldedTip(HWND editor, int header) {
     return FormatW(several ? L"Breakpoints on the folded lines %s." : L"Breakpoint on the folded line %s.",
                    lines.c_str());
 }
+
+}  // namespace
 
 std::wstring BreakpointTip(HWND editor, int line) {
     const int index = BreakpointAt(editor, line, false);
