@@ -85,9 +85,8 @@ EarlyOptions ParseEarlyOptions(std::span<const std::wstring> arguments) {
         const std::wstring& word = arguments[i];
         if (word == L"--test" && i + 1 < arguments.size()) {
             early.testMode = true;
-            for (const wchar_t c : arguments[++i]) {
+            for (const wchar_t c : arguments[++i])
                 if (early.testModule.size() < 63) early.testModule += c < 0x80 ? static_cast<char>(c) : '?';
-            }
         } else if (word == L"--test-all") {
             early.testMode = true;
             early.testModule = "all";

@@ -1,22 +1,22 @@
 // Commands, from menu, toolbar and keys, to whoever carries them out. UI thread only.
 #include "app/app_state.h"
 #include "app/main_window.h"
-#include "app/shell.h"
-#include "app/view_commands.h"
-#include "build/build.h"
-#include "build/output_pane.h"
+#include "commands/command_state.h"
+#include "commands/status_bar.h"
+#include "commands/view_commands.h"
+#include "compile/build.h"
 #include "debugui/debug_commands.h"
+#include "documents/document_row.h"
+#include "documents/editor_pane.h"
 #include "documents/file_commands.h"
-#include "editor/editor_pane.h"
-#include "files/clipboard.h"
-#include "files/message.h"
 #include "language/format.h"
+#include "output/output_pane.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "search/find.h"
 #include "session/session.h"
-#include "tabs/tab_bar.h"
-#include "toolbar/command_state.h"
+#include "ui/clipboard.h"
+#include "ui/message.h"
 
 #include <commdlg.h>
 
@@ -30,7 +30,7 @@ namespace {
 void SaveActive() {
     const int tab = g_app.activeTab;
     if (FileSave(tab) == 0 || !IsTabIndex(tab) || g_app.settings.buildOnSave == 0 || CompilerIsBuilding()) return;
-    const DocumentTab& document = g_app.tabs[static_cast<std::size_t>(tab)];
+    const DocumentTab& document = TabAt(tab);
     if (document.hasFile) StartCompilerBuild(false, false);
 }
 
@@ -53,9 +53,7 @@ bool HandleFile(int command) {
         case IDM_FILE_CLOSE_ALL: FileCloseAll(); return true;
         case IDM_FILE_EXIT: PostMessageW(g_app.hMainWnd, WM_CLOSE, 0, 0); return true;
         case IDM_TAB_CLOSE_OTHERS: CloseOthers(g_app.activeTab); return true;
-        case IDM_TAB_COPY_PATH:
-            ClipboardPutText(g_app.hMainWnd, g_app.tabs[static_cast<std::size_t>(g_app.activeTab)].path);
-            return true;
+        case IDM_TAB_COPY_PATH: ClipboardPutText(g_app.hMainWnd, TabAt(g_app.activeTab).path); return true;
         default: return false;
     }
 }

@@ -2,10 +2,10 @@
 #include "app/detect_report.h"
 
 #include "app/app_state.h"
-#include "app/log.h"
-#include "compilers/compiler_table.h"
+#include "base/log.h"
+#include "base/wide_format.h"
 #include "files/file_io.h"
-#include "files/wide_format.h"
+#include "settings/compiler_table.h"
 
 #include <iterator>
 
@@ -25,9 +25,8 @@ int RunCompilerDetect() {
     constexpr std::uint32_t kOrder[] = {kCompilerKeldorBasic, kCompilerKvxa32, kCompilerKvxa64, kCompilerKvxb64,
                                         kCompilerKvxc64};
     int found = 0;
-    for (const std::uint32_t id : kOrder) {
+    for (const std::uint32_t id : kOrder)
         if (IsCompilerPathValid(g_app.settings.compilers[id].path)) ++found;
-    }
     AppLogMsg(L"=== Summary: %d/%d compilers found ===", found, static_cast<int>(kCompilerCount));
     return found;
 }

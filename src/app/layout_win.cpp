@@ -3,13 +3,11 @@
 
 #include "app/app_state.h"
 #include "app/main_window.h"
-#include "app/shell.h"
+#include "commands/status_bar.h"
+#include "commands/toolbar.h"
 #include "debugui/debug_pane.h"
-#include "language/theme.h"
 #include "resources/ids.h"
 #include "tabs/tab_bar.h"
-#include "toolbar/status_bar.h"
-#include "toolbar/toolbar.h"
 
 #include <algorithm>
 
@@ -132,8 +130,22 @@ void ApplyLayoutRatios(int width, int height) {
     g_app.settings.aiSidebarWidth = std::clamp(side, 150, 600);
 }
 
+void MainWnd_NotePlace(HWND window) {
+    WINDOWPLACEMENT place = {};
+    place.length = sizeof place;
+    if (GetWindowPlacement(window, &place) == FALSE) return;
+    const RECT& normal = place.rcNormalPosition;
+    g_app.windowPlace = {.known = true,
+                         .left = static_cast<int>(normal.left),
+                         .top = static_cast<int>(normal.top),
+                         .width = static_cast<int>(normal.right - normal.left),
+                         .height = static_cast<int>(normal.bottom - normal.top),
+                         .maximised = place.showCmd == SW_SHOWMAXIMIZED};
+}
+
 void MainWnd_OnSize(WPARAM kind, int width, int height) {
     if (kind != SIZE_MINIMIZED) ApplyLayoutRatios(width, height);
+    MainWnd_NotePlace(g_app.hMainWnd);
     MainWindow_Layout();
 }
 

@@ -2,18 +2,18 @@
 #include "app/app_state.h"
 #include "app/command_line.h"
 #include "app/detect_report.h"
-#include "app/log.h"
 #include "app/main_window.h"
-#include "app/shell.h"
-#include "build/build.h"
-#include "compilers/compiler_table.h"
+#include "base/log.h"
+#include "commands/command_table.h"
+#include "compile/build.h"
 #include "documents/file_commands.h"
 #include "files/file_io.h"
-#include "language/theme.h"
 #include "resources/ids.h"
 #include "search/find.h"
+#include "settings/compiler_table.h"
+#include "settings/settings_state.h"
 #include "settings/settings_store.h"
-#include "toolbar/command_table.h"
+#include "ui/message.h"
 
 #include <commctrl.h>
 #include <shellapi.h>
@@ -86,9 +86,7 @@ void ReopenLog() {
 
 void SelectCompiler(int id) {
     if (id == g_app.settings.activeCompiler) return;
-    OverrideCompiler(g_app.overrides, g_app.settings, id);
-    MainWindow_UpdateCompilerSelection();
-    SyntaxThemeApplyAll();
+    SettingsChange([id](Settings& settings) { OverrideCompiler(g_app.overrides, settings, id); });
 }
 
 void RunStep(const CommandLineStep& step) {
@@ -96,12 +94,10 @@ void RunStep(const CommandLineStep& step) {
         case CommandLineAction::Open: FileOpen(step.text.c_str()); break;
         case CommandLineAction::SetCompiler: SelectCompiler(step.number); break;
         case CommandLineAction::SetFont:
-            OverrideFont(g_app.overrides, g_app.settings, step.text);
-            SettingsApplyToEditor();
+            SettingsChange([&](Settings& settings) { OverrideFont(g_app.overrides, settings, step.text); });
             break;
         case CommandLineAction::SetFontSize:
-            OverrideFontSize(g_app.overrides, g_app.settings, step.number);
-            SettingsApplyToEditor();
+            SettingsChange([&](Settings& settings) { OverrideFontSize(g_app.overrides, settings, step.number); });
             break;
         case CommandLineAction::Detect: ShowDetectReport(); EndProcess(0);
         case CommandLineAction::Log: ReopenLog(); break;

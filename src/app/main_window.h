@@ -32,14 +32,19 @@ void CaptureSplitterRatio();
 // splitter_win.cpp
 HWND CreateSplitter(HWND parent, int id);
 LRESULT CALLBACK SplitterProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-// sticky_label_win.cpp
-bool MainWnd_DrawStickyHeader(const DRAWITEMSTRUCT& item);
 // notify_win.cpp
 LRESULT MainWnd_OnNotify(const NMHDR& header);
 void MainWnd_OnDropFiles(HDROP drop);
 // commands_win.cpp
 void MainWnd_OnCommand(int command, int notification, HWND control);
 void MainWnd_OnInitMenuPopup(HMENU menu);
-// focus_win.cpp
-void MainWnd_OnFocusTimer(HWND window);
+// events_win.cpp
+void MainWnd_ConnectEvents();   // what the areas tell reaches whoever shows it (base/events.h)
+void MainWnd_OnOutputTimer();   // TIMER_OUTPUT
+void MainWindow_UpdateTitle();  // caption from the active document
+void MainWindow_Layout();       // every pane's rectangle from the settings and splitter positions (layout_win.cpp)
+void MainWindow_UpdateCompilerSelection();  // the compiler's name in toolbar, status bar and menu
+void MainWindow_RequestStateRefresh();      // menu, toolbar and position once the message queue is empty
+void MainWnd_NotePlace(HWND window);        // where the window is, for the settings
+// refresh_win.cpp
 void MainWnd_RunPendingRefresh();  // what MainWindow_RequestStateRefresh asked for; the queue is empty

@@ -2,26 +2,28 @@
 #include "app/main_window.h"
 
 #include "app/app_state.h"
-#include "app/asm_renderer.h"
 #include "app/layout.h"
-#include "app/shell.h"
-#include "build/output_pane.h"
-#include "compilers/compiler_table.h"
+#include "commands/command_state.h"
+#include "commands/status_bar.h"
+#include "commands/toolbar.h"
+#include "compile/terminal.h"
 #include "debugui/breakpoint_list.h"
 #include "debugui/debug_commands.h"
 #include "debugui/debug_pane.h"
 #include "debugui/location.h"
-#include "editor/editor_pane.h"
+#include "disasm/asm_renderer.h"
+#include "documents/document_row.h"
+#include "documents/editor_pane.h"
+#include "documents/theme.h"
 #include "files/file_io.h"
-#include "files/file_types.h"
-#include "language/theme.h"
+#include "output/output_pane.h"
 #include "resources/ids.h"
 #include "session/project_tree.h"
+#include "settings/compiler_table.h"
+#include "settings/file_types.h"
 #include "settings/settings_store.h"
 #include "tabs/tab_bar.h"
-#include "toolbar/command_state.h"
-#include "toolbar/status_bar.h"
-#include "toolbar/toolbar.h"
+#include "ui/fonts.h"
 
 #include <commctrl.h>
 #include <richedit.h>
@@ -155,6 +157,7 @@ bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create) {
     g_app.hInstance = create.hInstance;
     g_app.hMainWnd = window;
     g_app.dpi = static_cast<int>(GetDpiForWindow(window));
+    MainWnd_ConnectEvents();
     InitCommonControls();
     CreatePanes(window);
     LoadSettings();
@@ -164,7 +167,6 @@ bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create) {
     ToolbarUpdateAi();
     StartTimers(window);
     DebugUiInit();
-    AsmRendererInstall();
     PostMessageW(window, MSG_STARTUP, 0, 0);
     CaptureSplitterRatio();
     MainWindow_Layout();  // hides what the settings switch off
@@ -186,16 +188,4 @@ void MainWindow_UpdateCompilerSelection() {
     ToolbarUpdateCompiler();
     StatusBarUpdateCompiler();
     MainWindow_RequestStateRefresh();
-}
-
-void MainWindow_OnTextLeaving(HWND editor) { BreakpointsKeepLines(editor); }
-
-void MainWindow_OnTextArrived(HWND editor) {
-    BreakpointsRestoreMarkers(editor);
-    DebugRestoreLocation(editor);
-}
-
-void SettingsApplyToEditor() {
-    SyntaxThemeApplyAll();
-    for (const DocumentTab& tab : g_app.tabs) EditorPaneApplySettings(tab.editor);
 }

@@ -2,16 +2,18 @@
 #include "app/main_window.h"
 
 #include "app/app_state.h"
-#include "app/shell.h"
-#include "build/build.h"
+#include "base/wide_format.h"
+#include "commands/command_state.h"
+#include "commands/toolbar.h"
+#include "compile/build.h"
 #include "debugui/debug_commands.h"
-#include "files/wide_format.h"
-#include "language/theme.h"
+#include "documents/document_row.h"
+#include "documents/editor_pane.h"
 #include "resources/ids.h"
 #include "session/session.h"
 #include "tabs/tab_bar.h"
-#include "toolbar/command_state.h"
-#include "toolbar/toolbar.h"
+#include "ui/chrome.h"
+#include "ui/fonts.h"
 
 namespace {
 
@@ -42,8 +44,10 @@ void OnTimer(HWND window, UINT_PTR id) {
         case TIMER_AUTO_SAVE: MainWnd_OnAutoSaveTimer(); break;
         case TIMER_SESSION: SessionAutoSave(window); break;
         case TIMER_DEBUG: DebugOnTimer(); break;
-        case TIMER_FOCUS: MainWnd_OnFocusTimer(window); break;
-        default: BuildOnTimer(id); break;
+        case TIMER_FOCUS: FocusOnTimer(); break;
+        case TIMER_OUTPUT: MainWnd_OnOutputTimer(); break;
+        case TIMER_BUILD: BuildOnTimer(); break;
+        default: break;
     }
 }
 
@@ -67,7 +71,7 @@ LRESULT OnErase(HWND window, HDC dc) {
 }
 
 LRESULT OnDrawItem(const DRAWITEMSTRUCT& item) {
-    return TabBarHandleDrawItem(item) || MainWnd_DrawStickyHeader(item) ? TRUE : FALSE;
+    return TabBarHandleDrawItem(item) || StickyHeaderDraw(item) ? TRUE : FALSE;
 }
 
 }  // namespace
@@ -76,6 +80,7 @@ LRESULT CALLBACK MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
     switch (message) {
         case WM_CREATE: return MainWnd_OnCreate(window, *reinterpret_cast<const CREATESTRUCTW*>(lParam)) ? 0 : -1;
         case WM_SIZE: MainWnd_OnSize(wParam, LOWORD(lParam), HIWORD(lParam)); return 0;
+        case WM_MOVE: MainWnd_NotePlace(window); return 0;
         case WM_GETMINMAXINFO: MainWnd_OnMinMaxInfo(*reinterpret_cast<MINMAXINFO*>(lParam)); return 0;
         case WM_DPICHANGED:
             MainWnd_OnDpiChanged(window, HIWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
@@ -127,10 +132,9 @@ HWND MainWindow_Init(HINSTANCE instance, int showCommand) {
 }
 
 void MainWindow_UpdateTitle() {
-    const bool named = IsTabIndex(g_app.activeTab) && g_app.tabs[static_cast<std::size_t>(g_app.activeTab)].hasFile;
+    const bool named = IsTabIndex(g_app.activeTab) && TabAt(g_app.activeTab).hasFile;
     const std::wstring title =
-        named ? FormatW(L"%s - KVXE Editor", g_app.tabs[static_cast<std::size_t>(g_app.activeTab)].label)
-              : std::wstring(L"Untitled - KVXE Editor");
+        named ? FormatW(L"%s - KVXE Editor", TabAt(g_app.activeTab).label) : std::wstring(L"Untitled - KVXE Editor");
     wchar_t shown[kLabelCapacity + 32] = {};
     GetWindowTextW(g_app.hMainWnd, shown, static_cast<int>(std::size(shown)));
     if (title != shown) SetWindowTextW(g_app.hMainWnd, title.c_str());

@@ -1,22 +1,23 @@
 // Notifications of the child controls, sorted to their areas. UI thread only.
 #include "app/app_state.h"
 #include "app/main_window.h"
-#include "app/shell.h"
-#include "build/output_pane.h"
+#include "base/bounded_text.h"
+#include "base/handles.h"
+#include "commands/toolbar.h"
 #include "debugui/breakpoint_list.h"
 #include "debugui/debug_commands.h"
 #include "debugui/debug_pane.h"
+#include "documents/document_row.h"
+#include "documents/editor_pane.h"
 #include "documents/file_commands.h"
-#include "editor/editor_pane.h"
-#include "files/bounded_text.h"
+#include "documents/margins.h"
 #include "files/file_io.h"
-#include "files/handles.h"
+#include "output/output_pane.h"
 #include "resources/ids.h"
-#include "scintilla/margins.h"
 #include "scintilla/sci.h"
 #include "session/project_tree.h"
+#include "settings/settings_state.h"
 #include "tabs/tab_bar.h"
-#include "toolbar/toolbar.h"
 
 #include <shellapi.h>
 
@@ -26,18 +27,14 @@
 namespace {
 
 void OnSavePoint(int tab, bool modified) {
-    g_app.tabs[static_cast<std::size_t>(tab)].modified = modified;
+    TabAt(tab).modified = modified;
     TabBarUpdateTitle(tab);
     MainWindow_RequestStateRefresh();
 }
 
 void OnZoom(HWND editor) {
     const auto zoom = static_cast<int>(SciSend(editor, SCI_GETZOOM));
-    if (zoom == g_app.settings.editorZoom) return;
-    g_app.settings.editorZoom = zoom;
-    for (const DocumentTab& tab : g_app.tabs) {
-        if (tab.editor != editor) SciSend(tab.editor, SCI_SETZOOM, static_cast<WPARAM>(zoom));
-    }
+    if (zoom != g_app.settings.editorZoom) SettingsChange([zoom](Settings& settings) { settings.editorZoom = zoom; });
 }
 
 // The status bar follows with the pending refresh: shown here, it would be painted ahead of the typed character.

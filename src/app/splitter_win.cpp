@@ -2,10 +2,10 @@
 #include "app/app_state.h"
 #include "app/layout.h"
 #include "app/main_window.h"
-#include "app/shell.h"
-#include "language/theme.h"
+#include "commands/command_state.h"
 #include "resources/ids.h"
-#include "toolbar/command_state.h"
+#include "ui/chrome.h"
+#include "ui/fonts.h"
 
 #include <windowsx.h>
 
@@ -48,15 +48,14 @@ void Drag(int id) {
     POINT now = {};
     GetCursorPos(&now);
     int value = g_drag.startValue;
-    if (id == IDC_SPLIT_OUTPUT) {
+    if (id == IDC_SPLIT_OUTPUT)
         value += now.y - g_drag.start.y;
-    } else if (id == IDC_SPLIT_TREE) {
+    else if (id == IDC_SPLIT_TREE)
         value = std::clamp(value + MulDiv(now.x - g_drag.start.x, 96, g_app.dpi), 100, 200);
-    } else if (id == IDC_SPLIT_DEBUG) {
+    else if (id == IDC_SPLIT_DEBUG)
         value = std::max(1, value + static_cast<int>(g_drag.start.x - now.x));  // the layout knows the other limits
-    } else {
+    else
         value = std::clamp(value + MulDiv(g_drag.start.x - now.x, 96, g_app.dpi), 150, 600);
-    }
     ValueOf(id) = value;
     MainWindow_Layout();
     UpdateWindow(g_app.hMainWnd);

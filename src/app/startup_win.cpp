@@ -1,19 +1,21 @@
 // How the editor comes up once its window stands, and how it goes down. UI thread only.
 #include "app/app_state.h"
-#include "app/log.h"
 #include "app/main_window.h"
-#include "app/shell.h"
-#include "build/build.h"
+#include "base/log.h"
+#include "base/path.h"
+#include "commands/status_bar.h"
+#include "commands/toolbar.h"
+#include "compile/build.h"
 #include "debugui/debug_commands.h"
+#include "disasm/asm_pane.h"
+#include "documents/document_row.h"
+#include "documents/editor_pane.h"
 #include "documents/file_commands.h"
-#include "editor/editor_pane.h"
 #include "files/file_io.h"
-#include "files/path.h"
 #include "resources/ids.h"
 #include "session/session.h"
 #include "settings/settings_store.h"
-#include "tabs/tab_bar.h"
-#include "toolbar/toolbar.h"
+#include "ui/message.h"
 
 #include <algorithm>
 
@@ -34,17 +36,9 @@ bool OfferSessionRestore() {
 }
 
 void OpenRecentFiles() {
-    // A copy: every open moves its file to the front of the list.
-    wchar_t files[kRecentFilesAtStart][kPathCapacity] = {};
     const int count = std::min<int>(kRecentFilesAtStart, g_app.settings.mruCount);
-    for (int i = 0; i < count; ++i) SafeCopyW(files[i], g_app.settings.mruFiles[i]);
-    for (int i = 0; i < count; ++i) {
-        if (FileExists(files[i])) FileOpen(files[i]);
-    }
-    // Opening put each in front of the one before; the list keeps its order, and the newest file is the active one.
-    for (int i = count - 1; i >= 0; --i) {
-        if (TabBarFindPath(files[i]) >= 0) MruAddFile(files[i]);
-    }
+    for (int i = 0; i < count; ++i)
+        if (FileExists(g_app.settings.mruFiles[i])) FileShow(g_app.settings.mruFiles[i], false);
     TabBarSelect(0);
 }
 
@@ -102,7 +96,7 @@ void MainWnd_CommandLineDone() {
 
 void MainWnd_OnReinitEditor(int tab) {
     if (!IsTabIndex(tab)) return;
-    const DocumentTab& document = g_app.tabs[static_cast<std::size_t>(tab)];
+    const DocumentTab& document = TabAt(tab);
     EditorPaneInit(document.editor, document.compilerId);
     if (document.editor == g_app.hEditor) {
         StatusBarUpdatePosition();
@@ -112,7 +106,7 @@ void MainWnd_OnReinitEditor(int tab) {
 
 void MainWnd_OnAutoSaveTimer() {
     for (int tab = 0; tab < TabCount(); ++tab) {
-        const DocumentTab& document = g_app.tabs[static_cast<std::size_t>(tab)];
+        const DocumentTab& document = TabAt(tab);
         if (document.hasFile && document.modified) FileSave(tab);
     }
 }
@@ -120,7 +114,7 @@ void MainWnd_OnAutoSaveTimer() {
 // Asks about every modified document before anything is given up; one "Cancel" keeps the program running.
 static bool ConfirmUnsavedDocuments() {
     for (int tab = 0; tab < TabCount(); ++tab) {
-        if (!g_app.tabs[static_cast<std::size_t>(tab)].modified) continue;
+        if (!TabAt(tab).modified) continue;
         TabBarSelect(tab);
         if (FileConfirmClose(tab) == 0) return false;
     }
@@ -148,6 +142,7 @@ void MainWnd_OnClose(HWND window) {
         if (!ConfirmUnsavedDocuments()) return;
         TabBarSelect(active);
         BuildShutdown();
+        AsmPaneShutdown();
         SaveOnClose();
     } else {
         AppLogMsg(L"DBG WM_CLOSE: skipped session/settings save during self-test");

@@ -55,9 +55,8 @@ bool DebugArm(DebuggerState* state, DebugBreakpoint* breakpoint) {
 
 int DebugFindBp(const DebuggerState* state, std::uint64_t address) {
     if (!Active(state)) return -1;
-    for (int i = 0; i < state->breakpointCount; ++i) {
+    for (int i = 0; i < state->breakpointCount; ++i)
         if (state->breakpoints[static_cast<std::size_t>(i)].address == address) return i;
-    }
     return -1;
 }
 
@@ -118,9 +117,8 @@ bool DebugRemoveBreakpoint(DebuggerState* state, std::uint64_t address) {
 
 void DebugRearmBreakpoints(DebuggerState* state) {
     if (!Active(state)) return;
-    for (int i = 0; i < state->breakpointCount; ++i) {
+    for (int i = 0; i < state->breakpointCount; ++i)
         if (Entry(state, i).temporary == 0) DebugArm(state, &Entry(state, i));
-    }
 }
 
 void DebugClearBreakpoints(DebuggerState* state) {

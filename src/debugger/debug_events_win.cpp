@@ -4,9 +4,9 @@
 #include "debugger/debug_process.h"
 #include "debugger/stop_rules.h"
 
-#include "app/log.h"
-#include "build/decode.h"
-#include "files/handles.h"
+#include "base/decode.h"
+#include "base/handles.h"
+#include "base/log.h"
 
 #include <algorithm>
 #include <cstring>

@@ -6,7 +6,7 @@
 #include "debugger/inspect_text.h"
 #include "debugger/stop_rules.h"
 
-#include "files/wide_format.h"
+#include "base/wide_format.h"
 
 #include <algorithm>
 #include <array>

@@ -1,15 +1,13 @@
 // Memory of the program, and what goes to the output pane. UI thread only.
 #include "debugger/debug_process.h"
 
-#include "build/output_feed.h"
-#include "files/wide_format.h"
+#include "base/wide_format.h"
+#include "output/output_feed.h"
 
 #include <algorithm>
 #include <cstdarg>
 
 namespace {
-
-DebugSink g_sink = nullptr;
 
 // The part of `count` bytes at `address` that lies in the page of `address`.
 std::size_t WithinPage(std::uint64_t address, std::size_t count) {
@@ -23,19 +21,6 @@ Byte* PlaceIn(Byte* bytes, std::uint64_t address, std::size_t count, std::uint64
 }
 
 }  // namespace
-
-void DebugSetSink(DebugSink sink) { g_sink = sink; }
-
-void DebugSay(COLORREF colour, const wchar_t* format, ...) {
-    std::va_list args;
-    va_start(args, format);
-    std::wstring text = FormatArgsW(format, args);
-    va_end(args);
-    if (g_sink != nullptr)
-        g_sink(text, colour);
-    else
-        OutputFeedMessage(std::move(text), colour);
-}
 
 bool DebugReadRaw(const DebuggerState& state, std::uint64_t address, void* out, std::size_t count) {
     SIZE_T done = 0;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "debugger/debug_state.h"
+#include "program/debug_say.h"
 
 #include <windows.h>
 
@@ -65,12 +66,3 @@ bool DebugWriteMem(DebuggerState* state, std::uint64_t address, const void* byte
 // As many of the bytes as can be read from the start; with breakpoints' bytes shown as the program has them.
 std::size_t DebugReadSome(const DebuggerState* state, std::uint64_t address, void* out, std::size_t count);
 bool DebugIsExecutable(const DebuggerState* state, std::uint64_t address);
-
-// --- Texts
-inline constexpr COLORREF kDebugRed = 200;
-inline constexpr COLORREF kDebugTeal = 0x808000;
-inline constexpr COLORREF kDebugOrange = 0x0064C8;
-// To the output pane, behind what waits there.
-void DebugSay(COLORREF colour, const wchar_t* format, ...);
-using DebugSink = void (*)(const std::wstring& text, COLORREF colour);
-void DebugSetSink(DebugSink sink);  // instead of the output pane; null: the pane again

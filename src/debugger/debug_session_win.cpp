@@ -1,11 +1,11 @@
 // A session's beginning and end. UI thread only.
 #include "debugger/debug_process.h"
-#include "debugger/line_map.h"
-#include "debugger/pe_headers.h"
+#include "program/line_map.h"
+#include "program/pe_headers.h"
 
-#include "app/log.h"
+#include "base/handles.h"
+#include "base/log.h"
 #include "files/file_io.h"
-#include "files/handles.h"
 
 #include <cwchar>
 #include <iterator>

@@ -2,7 +2,7 @@
 // the thread that starts a program under the debugger is the one that must wait for its events.
 #pragma once
 
-#include "debugger/sdbg_map.h"
+#include "program/sdbg_map.h"
 
 #include <windows.h>
 
@@ -89,3 +89,11 @@ struct DebugFlags {
     bool debuggerActive = false;   // set and cleared with it
     bool debugAfterBuild = false;  // the build that runs was asked for by the start command
 };
+
+struct DebuggerArea {
+    DebuggerState debugger;
+    DebugFlags debug;
+};
+// Parts of `g_app` (app/app_state.h).
+extern DebuggerState& g_debugger;
+extern DebugFlags& g_debug;

@@ -5,7 +5,7 @@
 // close them leaves them valid; then we do.
 #include "debugger/debug_process.h"
 
-#include "app/log.h"
+#include "base/log.h"
 
 #include <algorithm>
 

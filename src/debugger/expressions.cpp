@@ -2,7 +2,7 @@
 // thread.
 #include "debugger/expressions.h"
 
-#include "debugger/scan_text.h"
+#include "base/scan_text.h"
 
 namespace {
 
@@ -39,14 +39,13 @@ private:
     }
     std::uint64_t Sum() {
         std::uint64_t value = Product();
-        for (;;) {
+        for (;;)
             if (Take('+'))
                 value += Product();
             else if (Take('-'))
                 value -= Product();
             else
                 return value;
-        }
     }
     std::uint64_t Product() {
         std::uint64_t value = Operand();

@@ -1,7 +1,7 @@
 // Texts of memory. Must not know a process.
 #include "debugger/inspect_text.h"
 
-#include "debugger/hex_text.h"
+#include "base/hex_text.h"
 
 #include <algorithm>
 

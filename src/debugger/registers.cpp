@@ -1,8 +1,8 @@
 // Registers by name and as text. Must not know a thread.
 #include "debugger/registers.h"
 
-#include "debugger/hex_text.h"
-#include "debugger/scan_text.h"
+#include "base/hex_text.h"
+#include "base/scan_text.h"
 
 #include <iterator>
 
@@ -44,10 +44,9 @@ constexpr PartRow kParts64[] = {
 
 template <std::size_t N>
 std::optional<std::uint64_t> PartByName(const RegisterSet& registers, std::string_view name, const PartRow (&rows)[N]) {
-    for (const PartRow& row : rows) {
+    for (const PartRow& row : rows)
         if (SameName(name, row.name))
             return registers.general[static_cast<std::size_t>(row.index)] >> row.shift & row.mask;
-    }
     return std::nullopt;
 }
 
@@ -80,9 +79,8 @@ std::vector<RegisterRow> RegisterRows(const RegisterSet& registers) {
 }
 
 std::optional<std::uint64_t> FullRegisterByName(const RegisterSet& registers, std::string_view name) {
-    for (std::size_t i = 0; i < std::size(kNames64); ++i) {
+    for (std::size_t i = 0; i < std::size(kNames64); ++i)
         if (SameName(name, kNames64[i])) return registers.general[i];
-    }
     return SameName(name, L"RIP") ? std::optional(registers.ip) : std::nullopt;
 }
 

@@ -36,9 +36,8 @@ ExceptionKind ExceptionKindOf(std::uint32_t code) {
         case kWow64SingleStep: return ExceptionKind::SingleStep;
         default: break;
     }
-    for (const std::uint32_t fault : kFaults) {
+    for (const std::uint32_t fault : kFaults)
         if (fault == code) return ExceptionKind::Fault;
-    }
     return ExceptionKind::Other;
 }
 
@@ -58,9 +57,8 @@ SourcePlace PlaceOfTrap(const SdbgMap& map, std::uint64_t address) {
     std::uint32_t rva = 0;
     if (map.textSize == 0 || !RvaOf(address, map.imageBase, &rva)) return {};
     if (rva < map.textRva || rva - map.textRva >= map.textSize) return {};
-    for (const std::uint32_t tried : {rva, rva - 1, rva + 1, rva + 2}) {
+    for (const std::uint32_t tried : {rva, rva - 1, rva + 1, rva + 2})
         if (const std::uint32_t line = SdbgRvaToLine(&map, tried)) return {line, SdbgRvaToFileId(&map, tried)};
-    }
     return {};
 }
 

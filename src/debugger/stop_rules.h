@@ -1,7 +1,7 @@
 // What an exception of the program means to the session, and which line a trap of the program's own belongs to. Pure.
 #pragma once
 
-#include "debugger/sdbg_map.h"
+#include "program/sdbg_map.h"
 
 #include <cstdint>
 

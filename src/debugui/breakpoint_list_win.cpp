@@ -2,20 +2,19 @@
 // of open files lead; every question to the list first takes over what edits did to them. UI thread only.
 #include "debugui/breakpoint_list.h"
 
-#include "app/app_state.h"
-#include "app/shell.h"
+#include "base/handles.h"
+#include "base/path.h"
+#include "base/wide_format.h"
 #include "debugger/debug_session.h"
+#include "debugger/debug_state.h"
 #include "debugui/breakpoint_rules.h"
 #include "debugui/debug_pane.h"
 #include "debugui/fold_signs.h"
 #include "debugui/location.h"
+#include "documents/document_row.h"
+#include "documents/margins.h"
 #include "files/file_io.h"
-#include "files/handles.h"
-#include "files/path.h"
-#include "files/wide_format.h"
-#include "scintilla/margins.h"
 #include "scintilla/sci.h"
-#include "tabs/tab_bar.h"
 
 #include <algorithm>
 #include <utility>
@@ -26,8 +25,8 @@ std::vector<UserBreakpoint> g_list;
 
 constexpr int kOverlays[] = {kMarkHollow, kMarkDisabled, kMarkConditional};
 
-DebuggerState& Session() { return g_app.debugger; }
-bool InSession() { return g_app.debugger.active != 0; }
+DebuggerState& Session() { return g_debugger; }
+bool InSession() { return g_debugger.active != 0; }
 
 bool IsRefused(const UserBreakpoint& breakpoint) {
     return breakpoint.status == BreakpointStatus::NoCode || breakpoint.status == BreakpointStatus::Refused;
@@ -134,7 +133,7 @@ void PlantSharers() {
 }
 
 void RefreshAllLooks() {
-    for (const DocumentTab& tab : g_app.tabs) RefreshLooks(tab.editor);
+    for (const DocumentTab& tab : g_documents.tabs) RefreshLooks(tab.editor);
 }
 
 void Changed(HWND editor) {
@@ -211,7 +210,7 @@ void Synchronise() {
         breakpoint.handle = -1;
     }
     bool changed = false;
-    for (const DocumentTab& tab : g_app.tabs) {
+    for (const DocumentTab& tab : g_documents.tabs) {
         if (tab.editor != nullptr && TakeOver(tab)) {
             changed = true;
             RefreshLooks(tab.editor);
@@ -228,9 +227,8 @@ void Synchronise() {
 }
 
 int Find(HWND editor, int line) {
-    for (std::size_t i = 0; i < g_list.size(); ++i) {
+    for (std::size_t i = 0; i < g_list.size(); ++i)
         if (g_list[i].editor == editor && g_list[i].line == line) return static_cast<int>(i);
-    }
     return -1;
 }
 
@@ -360,9 +358,8 @@ std::wstring TipOf(const UserBreakpoint& breakpoint) {
 // The breakpoints that a folded block hides.
 std::wstring FoldedTip(HWND editor, int header) {
     std::wstring lines;
-    for (const int line : LinesOf(editor)) {
+    for (const int line : LinesOf(editor))
         if (FoldHeaderOf(editor, line) == header) lines += FormatW(lines.empty() ? L"%d" : L", %d", line + 1);
-    }
     if (lines.empty()) return L"";
     const bool several = lines.find(L',') != std::wstring::npos;
     return FormatW(several ? L"Breakpoints on the folded lines %s." : L"Breakpoint on the folded line %s.",
@@ -401,9 +398,8 @@ void BreakpointsKeepLines(HWND editor) {
         breakpoint.handle = -1;
     }
     // Nobody could find those of a document without a file again.
-    for (std::size_t i = g_list.size(); i-- > 0;) {
+    for (std::size_t i = g_list.size(); i-- > 0;)
         if (g_list[i].editor == nullptr && g_list[i].path.empty()) Forget(i);
-    }
 }
 
 void BreakpointsRestoreMarkers(HWND editor) {
@@ -412,7 +408,7 @@ void BreakpointsRestoreMarkers(HWND editor) {
     SciSend(editor, SCI_MARKERDELETEALL, kMarkBreakpoint);  // replaced text leaves them all on its first line
     const int lines = static_cast<int>(SciSend(editor, SCI_GETLINECOUNT));
     for (UserBreakpoint& breakpoint : g_list) {
-        if (breakpoint.editor != nullptr || !BelongsTo(breakpoint, g_app.tabs[static_cast<std::size_t>(tab)])) continue;
+        if (breakpoint.editor != nullptr || !BelongsTo(breakpoint, TabAt(tab))) continue;
         breakpoint.line = std::min(breakpoint.line, lines);
         breakpoint.editor = editor;
         breakpoint.handle = AddMarker(editor, breakpoint.line, kMarkBreakpoint);

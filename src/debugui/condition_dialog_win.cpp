@@ -1,13 +1,13 @@
 // The condition of a breakpoint. Modal, UI thread.
 #include "debugui/condition_dialog.h"
 
-#include "app/app_state.h"
-#include "app/log.h"
+#include "base/handles.h"
+#include "base/log.h"
 #include "debugger/debug_state.h"
 #include "debugui/breakpoint_rules.h"
 #include "files/file_io.h"
-#include "files/handles.h"
 #include "resources/ids.h"
+#include "ui/ui_state.h"
 
 namespace {
 
@@ -74,7 +74,7 @@ INT_PTR CALLBACK CondBpDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM 
 
 bool AskCondition(HWND owner, const wchar_t* place, std::string* condition) {
     Question question{.place = place, .condition = condition};
-    const INT_PTR answer = DialogBoxParamW(g_app.hInstance, MAKEINTRESOURCEW(IDD_CONDITION), owner, CondBpDlgProc,
+    const INT_PTR answer = DialogBoxParamW(g_ui.hInstance, MAKEINTRESOURCEW(IDD_CONDITION), owner, CondBpDlgProc,
                                            reinterpret_cast<LPARAM>(&question));
     if (answer == -1) AppLogMsg(L"FAIL: AskCondition error=%lu", GetLastError());
     return answer == IDOK;

@@ -10,6 +10,8 @@ bool CmdHandle_Debug(int command);
 void DebugUiInit();
 // MSG_DEBUG_LAUNCH: the debug build that the start command asked for has succeeded.
 void DebugOnBuilt();
+// A build has ended that the start command may wait for.
+void DebugOnBuildEnd(bool success, bool debug);
 // TIMER_DEBUG: a running program is asked for its next event.
 void DebugOnTimer();
 // Ends a session without questions; before the main window goes.

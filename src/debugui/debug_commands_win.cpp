@@ -1,45 +1,47 @@
 // The commands of the Debug menu. Whether one is possible now is the command table's affair. UI thread only.
 #include "debugui/debug_commands.h"
 
-#include "app/app_state.h"
-#include "app/shell.h"
-#include "build/build.h"
-#include "build/build_runner.h"
+#include "base/events.h"
+#include "base/handles.h"
+#include "base/wide_format.h"
+#include "compile/build.h"
+#include "compile/build_runner.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_session.h"
+#include "debugger/debug_state.h"
 #include "debugui/breakpoint_list.h"
 #include "debugui/condition_dialog.h"
 #include "debugui/debug_run.h"
 #include "debugui/location.h"
-#include "files/handles.h"
-#include "files/wide_format.h"
+#include "documents/document_row.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
+#include "ui/ui_state.h"
 
 namespace {
 
 constexpr int kDumpBytes = 64;
 
-DebuggerState* Session() { return &g_app.debugger; }
+DebuggerState* Session() { return &g_debugger; }
 
 const DocumentTab* ActiveDocument() {
-    return IsTabIndex(g_app.activeTab) ? &g_app.tabs[static_cast<std::size_t>(g_app.activeTab)] : nullptr;
+    return IsTabIndex(g_documents.activeTab) ? &TabAt(g_documents.activeTab) : nullptr;
 }
 
 int CaretLine() {
-    const LRESULT caret = SciSend(g_app.hEditor, SCI_GETCURRENTPOS);
-    return static_cast<int>(SciSend(g_app.hEditor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(caret))) + 1;
+    const LRESULT caret = SciSend(g_documents.hEditor, SCI_GETCURRENTPOS);
+    return static_cast<int>(SciSend(g_documents.hEditor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(caret))) + 1;
 }
 
 void Start() {
-    if (g_app.debug.debugging) return;
+    if (g_debug.debugging) return;
     if (CompilerIsBuilding()) {
-        StatusBarSetText(kBuildBusy);
+        g_events.statusText(kBuildBusy);
         return;
     }
-    g_app.debug.debugAfterBuild = true;
+    g_debug.debugAfterBuild = true;
     // Not left to what it was: the start may have settled an earlier build, whose end clears it.
-    g_app.debug.debugAfterBuild = StartCompilerBuild(false, true) != 0;
+    g_debug.debugAfterBuild = StartCompilerBuild(false, true) != 0;
 }
 
 constexpr wchar_t kTableFull[] = L"All 64 breakpoints are in use: remove one, or continue (Ctrl+F5)";
@@ -52,8 +54,8 @@ void Go(bool resumed, const wchar_t* suffix) {
         return;
     }
     DebugRunShowUnseen();
-    StatusBarSetText(IsTableFull() ? kTableFull
-                                   : L"No step from here: continue (Ctrl+F5) or run to the cursor (Ctrl+F10)");
+    g_events.statusText(IsTableFull() ? kTableFull
+                                      : L"No step from here: continue (Ctrl+F5) or run to the cursor (Ctrl+F10)");
 }
 
 void RunToCursor() {
@@ -107,23 +109,23 @@ void AskForCondition() {
     const int existing = BreakpointAt(editor, line, false);
     std::string condition =
         existing >= 0 ? BreakpointList()[static_cast<std::size_t>(existing)].condition : std::string();
-    if (!AskCondition(g_app.hMainWnd, place.c_str(), &condition)) return;
+    if (!AskCondition(g_ui.hMainWnd, place.c_str(), &condition)) return;
     const int index = BreakpointAt(editor, line, true);
     if (index >= 0) BreakpointSetCondition(static_cast<std::size_t>(index), condition);
 }
 
 void SwitchBreakpoint() {
-    const int index = BreakpointAt(g_app.hEditor, CaretLine(), false);
+    const int index = BreakpointAt(g_documents.hEditor, CaretLine(), false);
     if (index < 0) {
-        StatusBarSetText(L"No breakpoint on this line (F9 sets one)");
+        g_events.statusText(L"No breakpoint on this line (F9 sets one)");
         return;
     }
     BreakpointEnable(static_cast<std::size_t>(index), !BreakpointList()[static_cast<std::size_t>(index)].enabled);
 }
 
 void TogglePane() {
-    g_app.showDebugPane = !g_app.showDebugPane;
-    MainWindow_Layout();
+    g_ui.showDebugPane = !g_ui.showDebugPane;
+    g_events.layoutWanted();
     const HWND focus = GetFocus();
     if (focus != nullptr && !IsWindowVisible(focus)) FocusCurrentEditor();
 }
@@ -143,7 +145,7 @@ int CommandOfButton(int command) {
 bool HandleRun(int command) {
     switch (command) {
         case IDM_DEBUG_BUILD_START: Start(); return true;
-        case IDM_DEBUG_START: g_app.debug.debugging ? DebugRunStop() : Start(); return true;
+        case IDM_DEBUG_START: g_debug.debugging ? DebugRunStop() : Start(); return true;
         case IDM_DEBUG_STOP: DebugRunStop(); return true;
         case IDM_DEBUG_STEP_OVER: Go(DebugStepOver(Session()), L""); return true;
         case IDM_DEBUG_STEP_INTO: Go(DebugStepInto(Session()), L" (step into)"); return true;
@@ -157,7 +159,7 @@ bool HandleRun(int command) {
 
 bool HandleBreakpoints(int command) {
     switch (command) {
-        case IDM_DEBUG_BREAKPOINT: BreakpointToggle(g_app.hEditor, CaretLine()); return true;
+        case IDM_DEBUG_BREAKPOINT: BreakpointToggle(g_documents.hEditor, CaretLine()); return true;
         case IDM_DEBUG_CONDITIONAL: AskForCondition(); return true;
         case IDM_DEBUG_ENABLE_BREAKPOINT: SwitchBreakpoint(); return true;
         case IDM_DEBUG_REMOVE_BREAKPOINTS: BreakpointRemoveAll(); return true;
@@ -189,6 +191,14 @@ void DebugUiInit() { DebugSetPlantHook(BreakpointsPlantAll); }
 
 void DebugOnBuilt() {
     if (CompilerIsBuilding()) return;  // asked for again meanwhile
-    g_app.debug.debugAfterBuild = false;
+    g_debug.debugAfterBuild = false;
     DebugRunStart();
+}
+
+void DebugOnBuildEnd(bool success, bool debug) {
+    if (!g_debug.debugAfterBuild) return;
+    if (success && debug)
+        PostMessageW(g_ui.hMainWnd, MSG_DEBUG_LAUNCH, 0, 0);
+    else
+        g_debug.debugAfterBuild = false;
 }

@@ -1,13 +1,14 @@
 // The frame of the debug pane: its window, which view is shown, and when that reads the program. UI thread only.
 #include "debugui/debug_pane.h"
 
-#include "app/app_state.h"
-#include "app/log.h"
-#include "app/shell.h"
+#include "base/handles.h"
+#include "base/log.h"
 #include "debugui/pane_internal.h"
-#include "files/handles.h"
-#include "language/theme.h"
+#include "documents/document_row.h"
 #include "resources/ids.h"
+#include "settings/settings_state.h"
+#include "ui/chrome.h"
+#include "ui/ui_state.h"
 
 #include <commctrl.h>
 #include <uxtheme.h>
@@ -204,13 +205,13 @@ int AverageWidth(HDC dc, HFONT font, int* height) {
 }
 
 HFONT MakeFont(int points, const wchar_t* face, BYTE pitch) {
-    return CreateFontW(-MulDiv(points, g_app.dpi, 72), 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
+    return CreateFontW(-MulDiv(points, g_ui.dpi, 72), 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
                        OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, pitch, face);
 }
 
 void MakeFonts() {
     UniqueFont text(MakeFont(9, L"Segoe UI", DEFAULT_PITCH));
-    UniqueFont fixed(MakeFont(g_app.settings.outputFontSize, g_app.settings.outputFont, FIXED_PITCH | FF_MODERN));
+    UniqueFont fixed(MakeFont(g_settings.outputFontSize, g_settings.outputFont, FIXED_PITCH | FF_MODERN));
     if (!text || !fixed) return;
     PaneFonts& fonts = g_frame.fonts;
     fonts.text = text.Get();
@@ -284,7 +285,7 @@ bool CreateChildren() {
 // --- For the views
 
 const PaneFonts& PaneFontsNow() { return g_frame.fonts; }
-int PaneScaled(int pixels) { return MulDiv(pixels, g_app.dpi, USER_DEFAULT_SCREEN_DPI); }
+int PaneScaled(int pixels) { return MulDiv(pixels, g_ui.dpi, USER_DEFAULT_SCREEN_DPI); }
 const PaneView& PaneCurrentView() { return *kViews[static_cast<std::size_t>(g_frame.selected)]; }
 const wchar_t* PaneTitle(DebugTab tab) { return kViews[static_cast<std::size_t>(tab)]->title; }
 unsigned PaneRefreshCount() { return g_frame.refreshes; }
@@ -348,13 +349,13 @@ HWND DebugPaneCreate(HWND parent, int controlId) {
     WNDCLASSEXW description = {};
     description.cbSize = sizeof(description);
     description.lpfnWndProc = PaneProc;
-    description.hInstance = g_app.hInstance;
+    description.hInstance = g_ui.hInstance;
     description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     description.lpszClassName = kClass;
     if (RegisterClassExW(&description) == 0 && GetLastError() != ERROR_CLASS_ALREADY_EXISTS) return nullptr;
     g_frame.pane =
         CreateWindowExW(WS_EX_CONTROLPARENT, kClass, L"", WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0, 0, 0,
-                        parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_app.hInstance, nullptr);
+                        parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_ui.hInstance, nullptr);
     if (g_frame.pane == nullptr || !CreateChildren()) {
         AppLogMsg(L"FAIL: DebugPaneCreate error=%lu", GetLastError());
         if (g_frame.pane != nullptr) DestroyWindow(g_frame.pane);

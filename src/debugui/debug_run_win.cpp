@@ -3,20 +3,25 @@
 // and from then on in short looks from a timer. UI thread only.
 #include "debugui/debug_run.h"
 
-#include "app/app_state.h"
-#include "app/shell.h"
-#include "build/build_state.h"
+#include "base/events.h"
+#include "base/handles.h"
+#include "base/path.h"
+#include "base/wide_format.h"
+#include "commands/commands_state.h"
+#include "compile/build_state.h"
+#include "compile/compile_state.h"
 #include "debugger/debug_session.h"
-#include "debugger/line_map.h"
+#include "debugger/debug_state.h"
 #include "debugui/breakpoint_list.h"
 #include "debugui/debug_commands.h"
 #include "debugui/debug_pane.h"
+#include "debugui/debugui_state.h"
 #include "debugui/location.h"
+#include "documents/document_row.h"
 #include "files/file_io.h"
-#include "files/handles.h"
-#include "files/path.h"
-#include "files/wide_format.h"
+#include "program/line_map.h"
 #include "resources/ids.h"
+#include "ui/ui_state.h"
 
 #include <commctrl.h>
 
@@ -55,7 +60,7 @@ ULONGLONG g_startedAt = 0;
 int g_consoleLooks = 0;  // left, by the timer
 bool g_paneWasHidden = false;
 
-void SetStatus(const std::wstring& text) { StatusBarSetText(text.c_str()); }
+void SetStatus(const std::wstring& text) { g_events.statusText(text.c_str()); }
 
 // --- Waiting
 
@@ -79,8 +84,8 @@ bool IsWaitOver() { return GetTickCount64() >= g_waitEnd; }
 int WaitFor(DWORD milliseconds, ULONGLONG limit) {
     g_waitEnd = GetTickCount64() + limit;
     const WaitScope scope(IsWaitOver);
-    return g_app.debugger.awaits != DebugAwaits::Nothing ? DebugWaitStart(&g_app.debugger, milliseconds)
-                                                         : DebugWaitEvent(&g_app.debugger, milliseconds);
+    return g_debugger.awaits != DebugAwaits::Nothing ? DebugWaitStart(&g_debugger, milliseconds)
+                                                     : DebugWaitEvent(&g_debugger, milliseconds);
 }
 
 bool IsStopKey(const MSG& message) {
@@ -91,10 +96,10 @@ bool IsStopKey(const MSG& message) {
 
 bool IsStopClick(const MSG& message) {
     POINT at = {static_cast<short>(LOWORD(message.lParam)), static_cast<short>(HIWORD(message.lParam))};
-    const LRESULT index = SendMessageW(g_app.hToolbar, TB_HITTEST, 0, reinterpret_cast<LPARAM>(&at));
+    const LRESULT index = SendMessageW(g_commands.hToolbar, TB_HITTEST, 0, reinterpret_cast<LPARAM>(&at));
     TBBUTTON button = {};
     if (index < 0 ||
-        !SendMessageW(g_app.hToolbar, TB_GETBUTTON, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&button)))
+        !SendMessageW(g_commands.hToolbar, TB_GETBUTTON, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&button)))
         return false;
     return button.idCommand == IDM_DEBUG_BUTTON_STOP || button.idCommand == IDM_DEBUG_STOP;
 }
@@ -104,21 +109,19 @@ bool IsStopClick(const MSG& message) {
 // takes longer to reach its first line is followed from the timer.
 bool PumpWhileStarting() {
     const ULONGLONG now = GetTickCount64();
-    const bool takesLong = g_app.debugger.awaits != DebugAwaits::Nothing && now - g_startedAt >= kStartInPlace;
+    const bool takesLong = g_debugger.awaits != DebugAwaits::Nothing && now - g_startedAt >= kStartInPlace;
     if (now - g_lastPump < kPumpInterval) return g_stopWanted || takesLong;
     g_lastPump = now;
     MSG message = {};
-    while (PeekMessageW(&message, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE)) {
+    while (PeekMessageW(&message, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE))
         if (IsStopKey(message)) g_stopWanted = true;
-    }
-    while (PeekMessageW(&message, g_app.hToolbar, WM_LBUTTONDOWN, WM_LBUTTONDBLCLK, PM_REMOVE)) {
+    while (PeekMessageW(&message, g_commands.hToolbar, WM_LBUTTONDOWN, WM_LBUTTONDBLCLK, PM_REMOVE)) {
         // The second half of a double-click was meant for Start, which stood in the same place.
         if (message.message == WM_LBUTTONDOWN && IsStopClick(message)) g_stopWanted = true;
     }
-    while (PeekMessageW(&message, g_app.hMainWnd, WM_NCLBUTTONDOWN, WM_NCLBUTTONDBLCLK, PM_REMOVE)) {
+    while (PeekMessageW(&message, g_ui.hMainWnd, WM_NCLBUTTONDOWN, WM_NCLBUTTONDBLCLK, PM_REMOVE))
         if (message.message == WM_NCLBUTTONDOWN && message.wParam == HTCLOSE) DebugStopWaiting(true);
-    }
-    while (PeekMessageW(&message, g_app.hMainWnd, WM_CLOSE, WM_CLOSE, PM_REMOVE)) DebugStopWaiting(true);
+    while (PeekMessageW(&message, g_ui.hMainWnd, WM_CLOSE, WM_CLOSE, PM_REMOVE)) DebugStopWaiting(true);
     for (int paints = 0; paints < 32 && PeekMessageW(&message, nullptr, WM_PAINT, WM_PAINT, PM_REMOVE); ++paints)
         DispatchMessageW(&message);
     return g_stopWanted || takesLong;
@@ -134,7 +137,7 @@ struct BuiltProgram {
 
 BuiltProgram LastBuild() {
     EnterCriticalSection(&g_buildCs);
-    BuiltProgram program{g_app.build.outputPath, g_app.build.sourcePath, g_app.build.compilerId};
+    BuiltProgram program{g_buildState.outputPath, g_buildState.sourcePath, g_buildState.compilerId};
     LeaveCriticalSection(&g_buildCs);
     return program;
 }
@@ -162,24 +165,22 @@ void WarnOfStaleFile(const std::wstring& path, const FILETIME& built) {
     FILETIME written = {};
     if (WriteTime(path, &written) && CompareFileTime(&written, &built) > 0)
         WarnOnce(L"[Debug] %s is newer than the program: its lines may not be those that run.\n", path);
-    for (const DocumentTab& tab : g_app.tabs) {
+    for (const DocumentTab& tab : g_documents.tabs)
         if (tab.modified && tab.hasFile && PathEqualsIgnoreCase(tab.path, path))
             WarnOnce(L"[Debug] %s has changes that are not saved: the program runs without them.\n", path);
-    }
 }
 
 // Of those that the user has before their eyes: a program may have thousands. The others' turn comes with their stops.
 void WarnOfStaleFiles(const BuiltProgram& program) {
     FILETIME built = {};
     if (!WriteTime(program.executable, &built)) return;
-    for (const DocumentTab& tab : g_app.tabs) {
-        if (tab.hasFile && DebugFileIdOfPath(&g_app.debugger, tab.path) != 0) WarnOfStaleFile(tab.path, built);
-    }
+    for (const DocumentTab& tab : g_documents.tabs)
+        if (tab.hasFile && DebugFileIdOfPath(&g_debugger, tab.path) != 0) WarnOfStaleFile(tab.path, built);
 }
 
 // The source may have been edited since the program was started.
 void WarnOfStaleStop() {
-    const std::wstring path = DebugFilePath(&g_app.debugger, g_app.debugger.currentFileId);
+    const std::wstring path = DebugFilePath(&g_debugger, g_debugger.currentFileId);
     FILETIME built = {};
     if (!path.empty() && WriteTime(LastBuild().executable, &built)) WarnOfStaleFile(path, built);
 }
@@ -188,39 +189,40 @@ void WarnOfStaleStop() {
 
 // The debug pane is opened for a session and goes again with it, unless the user had it open.
 void ShowPaneForSession() {
-    g_paneWasHidden = !g_app.showDebugPane;
+    g_paneWasHidden = !g_ui.showDebugPane;
     if (!g_paneWasHidden) return;
-    g_app.showDebugPane = true;
-    MainWindow_Layout();
+    g_ui.showDebugPane = true;
+    g_events.layoutWanted();
 }
 
 void HidePaneAfterSession() {
-    if (!std::exchange(g_paneWasHidden, false) || !g_app.showDebugPane) return;
-    g_app.showDebugPane = false;
+    if (!std::exchange(g_paneWasHidden, false) || !g_ui.showDebugPane) return;
+    g_ui.showDebugPane = false;
     const HWND focus = GetFocus();
-    const bool hadFocus = focus != nullptr && (focus == g_app.hDebugPane || IsChild(g_app.hDebugPane, focus));
-    MainWindow_Layout();
+    const bool hadFocus = focus != nullptr && (focus == g_debugUi.hDebugPane || IsChild(g_debugUi.hDebugPane, focus));
+    g_events.layoutWanted();
     if (hadFocus) FocusCurrentEditor();
 }
 
 void StopFollowing() {
-    if (g_follow.running || g_consoleLooks > 0) KillTimer(g_app.hMainWnd, TIMER_DEBUG);
+    if (g_follow.running || g_consoleLooks > 0) KillTimer(g_ui.hMainWnd, TIMER_DEBUG);
     g_follow.running = false;
     g_consoleLooks = 0;
 }
 
 void EndSession(const std::wstring& status) {
     StopFollowing();
-    g_app.debug.debugging = false;
-    g_app.debug.debuggerActive = false;
+    g_debug.debugging = false;
+    g_compile.programInUse = false;
+    g_debug.debuggerActive = false;
     DebugClearLocation();
     DebugForgetFiles();
     BreakpointsOnSessionEnd();
     HidePaneAfterSession();
     SetStatus(status);
-    MenuUpdateState();
+    g_events.refreshWanted();
     for (const int button : {IDM_DEBUG_STEP_OVER, IDM_DEBUG_RUN_TO_CURSOR})
-        SendMessageW(g_app.hToolbar, TB_ENABLEBUTTON, static_cast<WPARAM>(button), MAKELPARAM(FALSE, 0));
+        SendMessageW(g_commands.hToolbar, TB_ENABLEBUTTON, static_cast<WPARAM>(button), MAKELPARAM(FALSE, 0));
     DebugPaneInvalidate();
 }
 
@@ -228,7 +230,7 @@ void EndSession(const std::wstring& status) {
 void ComeToFront() {
     DWORD owner = 0;
     GetWindowThreadProcessId(GetForegroundWindow(), &owner);
-    if (owner != GetCurrentProcessId()) SetForegroundWindow(g_app.hMainWnd);
+    if (owner != GetCurrentProcessId()) SetForegroundWindow(g_ui.hMainWnd);
 }
 
 // The last one is Windows Terminal, where consoles open by default since Windows 11.
@@ -249,22 +251,22 @@ void WatchForConsole(bool begin) {
     constexpr int kLooksAfter = 6;
     if (begin) {
         g_consoleLooks = kLooks;
-        SetTimer(g_app.hMainWnd, TIMER_DEBUG, kInterval, nullptr);
+        SetTimer(g_ui.hMainWnd, TIMER_DEBUG, kInterval, nullptr);
     }
     const bool came = IsConsole(GetForegroundWindow());
     if (came) g_consoleLooks = std::min(g_consoleLooks, kLooksAfter);
-    if (came) SetForegroundWindow(g_app.hMainWnd);
-    if (g_consoleLooks <= kLooksAfter && GetForegroundWindow() == g_app.hMainWnd)
-        SetWindowPos(g_app.hMainWnd, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+    if (came) SetForegroundWindow(g_ui.hMainWnd);
+    if (g_consoleLooks <= kLooksAfter && GetForegroundWindow() == g_ui.hMainWnd)
+        SetWindowPos(g_ui.hMainWnd, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
     if (--g_consoleLooks > 0) return;
     g_consoleLooks = 0;
-    KillTimer(g_app.hMainWnd, TIMER_DEBUG);
+    KillTimer(g_ui.hMainWnd, TIMER_DEBUG);
 }
 
 // A step that waits in the queue already, as a command or as a held key.
 bool AnotherStepWaits() {
     MSG message = {};
-    if (PeekMessageW(&message, g_app.hMainWnd, WM_COMMAND, WM_COMMAND, PM_NOREMOVE)) {
+    if (PeekMessageW(&message, g_ui.hMainWnd, WM_COMMAND, WM_COMMAND, PM_NOREMOVE)) {
         const int command = LOWORD(message.wParam);
         return command == IDM_DEBUG_STEP_OVER || command == IDM_DEBUG_STEP_INTO;
     }
@@ -288,27 +290,27 @@ bool MayPassUnseen() {
 void ShowStopAround() {
     g_follow.unseen = false;
     ComeToFront();
-    SetStatus(L"Stopped at " + DebugPlaceText(&g_app.debugger));
+    SetStatus(L"Stopped at " + DebugPlaceText(&g_debugger));
     WarnOfStaleStop();
     DebugPaneInvalidate();
-    MainWindow_RequestStateRefresh();
+    g_events.refreshWanted();
 }
 
 void OnStopped() {
     StopFollowing();
-    BreakpointsDropStart(&g_app.debugger);
+    BreakpointsDropStart(&g_debugger);
     const bool unseen = MayPassUnseen();
-    if (g_app.debugger.run != DebugRun::Stopped) return;  // a command that another program sent came in between
+    if (g_debugger.run != DebugRun::Stopped) return;  // a command that another program sent came in between
     if (unseen) {
         g_follow.unseen = true;
-        DebugSayLocation(&g_app.debugger, g_follow.suffix.c_str());
+        DebugSayLocation(&g_debugger, g_follow.suffix.c_str());
         return;
     }
-    DebugShowCurrentLocation(&g_app.debugger, g_follow.suffix.c_str());
+    DebugShowCurrentLocation(&g_debugger, g_follow.suffix.c_str());
     ShowStopAround();
 }
 
-std::wstring ExitStatus() { return FormatW(L"Exited with code %ld", static_cast<long>(g_app.debugger.exitCode)); }
+std::wstring ExitStatus() { return FormatW(L"Exited with code %ld", static_cast<long>(g_debugger.exitCode)); }
 
 void OnExited() {
     DebugSay(kDebugRed, L"[Debug] Process exited.\n");
@@ -328,10 +330,10 @@ bool HandleWait(int result) {
 void BeginFollowing() {
     g_follow.running = true;
     DebugClearLocation();
-    SetStatus(g_app.debugger.awaits != DebugAwaits::Nothing ? kStarting : L"Running");
-    SetTimer(g_app.hMainWnd, TIMER_DEBUG, kTimerInterval, nullptr);
+    SetStatus(g_debugger.awaits != DebugAwaits::Nothing ? kStarting : L"Running");
+    SetTimer(g_ui.hMainWnd, TIMER_DEBUG, kTimerInterval, nullptr);
     DebugPaneInvalidate();
-    MainWindow_RequestStateRefresh();
+    g_events.refreshWanted();
 }
 
 // --- Start
@@ -342,47 +344,48 @@ void StartProgram(const BuiltProgram& program) {
     g_lastPump = 0;
     g_startedAt = GetTickCount64();
     const WaitScope scope(PumpWhileStarting);
-    DebugStartForCompiler(program.executable.c_str(), program.compilerId, &g_app.debugger);
+    DebugStartForCompiler(program.executable.c_str(), program.compilerId, &g_debugger);
 }
 
 // A stop or a close that was asked for while the session came up.
 bool StoppedDuringStart() {
     if (!g_stopWanted) return false;
     DebugRunStop();
-    if (g_closeWanted) PostMessageW(g_app.hMainWnd, WM_CLOSE, 0, 0);
+    if (g_closeWanted) PostMessageW(g_ui.hMainWnd, WM_CLOSE, 0, 0);
     return true;
 }
 
 }  // namespace
 
 void DebugRunStart() {
-    if (g_waiting || g_app.debug.debugging) return;
+    if (g_waiting || g_debug.debugging) return;
     const BuiltProgram program = LastBuild();
     if (program.executable.empty()) return;
     DebugSetSourcePath(program.source.c_str());
     DebugForgetFiles();
     g_saidOfFiles.clear();
     g_follow = {};
-    g_app.debug.debugging = g_app.debug.debuggerActive = true;
+    g_debug.debugging = g_debug.debuggerActive = true;
+    g_compile.programInUse = true;
     SetStatus(kStarting);
-    MenuUpdateState();
-    UpdateWindow(g_app.hMainWnd);
+    g_events.refreshWanted();
+    UpdateWindow(g_ui.hMainWnd);
     StartProgram(program);
     if (StoppedDuringStart()) return;
-    if (g_app.debugger.active == 0) {
-        EndSession(g_app.debugger.exited != 0 ? ExitStatus() : L"Debugging did not start");
+    if (g_debugger.active == 0) {
+        EndSession(g_debugger.exited != 0 ? ExitStatus() : L"Debugging did not start");
         return;
     }
     ShowPaneForSession();
     WarnOfStaleFiles(program);
     g_follow.since = GetTickCount64();
-    if (g_app.debugger.run == DebugRun::Stopped) {
+    if (g_debugger.run == DebugRun::Stopped) {
         OnStopped();
         WatchForConsole(true);
     } else {
         BeginFollowing();
     }
-    MenuUpdateState();
+    g_events.refreshWanted();
 }
 
 void DebugRunFollow(const wchar_t* suffix) {
@@ -393,7 +396,7 @@ void DebugRunFollow(const wchar_t* suffix) {
 
 void DebugRunShowUnseen() {
     if (!g_follow.unseen) return;
-    DebugMarkLocation(&g_app.debugger);
+    DebugMarkLocation(&g_debugger);
     ShowStopAround();
 }
 
@@ -401,9 +404,9 @@ void DebugRunPaused() { g_follow.suffix = L" (paused)"; }
 
 void DebugRunStop() {
     StopFollowing();
-    if (g_app.debugger.active != 0) {
+    if (g_debugger.active != 0) {
         const WaitScope scope(nullptr);
-        DebugStop(&g_app.debugger);
+        DebugStop(&g_debugger);
     }
     EndSession(L"Debugging stopped");
 }
@@ -414,7 +417,7 @@ void DebugOnTimer() {
         WatchForConsole(false);
         return;
     }
-    const bool starting = g_app.debugger.awaits != DebugAwaits::Nothing;
+    const bool starting = g_debugger.awaits != DebugAwaits::Nothing;
     if (HandleWait(WaitFor(0, kLookLimit))) return;
     g_follow.told = g_follow.told || starting;  // the start has a line of its own for that
     if (g_follow.told || GetTickCount64() - g_follow.since < kLongRun) return;
@@ -432,8 +435,8 @@ void DebugStopWaiting(bool thenClose) {
 void DebugShutdown() {
     if (g_waiting) {
         // Inside a wait nothing of the session may be touched; the program must not outlive the window all the same.
-        if (g_app.debugger.process != nullptr) TerminateProcess(g_app.debugger.process, 0);
+        if (g_debugger.process != nullptr) TerminateProcess(g_debugger.process, 0);
         return;
     }
-    if (g_app.debug.debugging || g_app.debugger.active != 0) DebugRunStop();
+    if (g_debug.debugging || g_debugger.active != 0) DebugRunStop();
 }

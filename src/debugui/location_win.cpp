@@ -2,18 +2,18 @@
 // the caret, and a scroll only when the line is not well in view. UI thread only.
 #include "debugui/location.h"
 
-#include "app/app_state.h"
-#include "app/shell.h"
+#include "base/path.h"
+#include "base/wide_format.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_session.h"
+#include "debugger/debug_state.h"
 #include "debugui/breakpoint_rules.h"
+#include "documents/document_row.h"
 #include "documents/file_commands.h"
+#include "documents/margins.h"
 #include "files/file_io.h"
-#include "files/path.h"
-#include "files/wide_format.h"
-#include "scintilla/margins.h"
 #include "scintilla/sci.h"
-#include "tabs/tab_bar.h"
+#include "settings/settings_state.h"
 
 #include <algorithm>
 
@@ -77,8 +77,8 @@ HWND ShowFile(const std::wstring& path, bool sayOnce) {
     if (path.empty()) return nullptr;
     const int tab = TabBarFindPath(path.c_str());
     if (tab >= 0) {
-        if (tab != g_app.activeTab) TabBarSelect(tab);
-        return g_app.hEditor;
+        if (tab != g_documents.activeTab) TabBarSelect(tab);
+        return g_documents.hEditor;
     }
     const auto refuse = [&](const wchar_t* format) -> HWND {
         const bool first = DebugIsFirstTold(path);
@@ -86,14 +86,7 @@ HWND ShowFile(const std::wstring& path, bool sayOnce) {
         return nullptr;
     };
     if (!FileExists(path.c_str())) return refuse(L"[Debug] The file is not there: %s\n");
-    // Opening a file chooses its compiler; the user is in the middle of working with another.
-    const std::int32_t compiler = g_app.settings.activeCompiler;
-    const bool opened = FileOpenQuietly(path.c_str()) != 0;
-    if (g_app.settings.activeCompiler != compiler) {
-        g_app.settings.activeCompiler = compiler;
-        MainWindow_UpdateCompilerSelection();
-    }
-    return opened ? g_app.hEditor : refuse(L"[Debug] The file cannot be opened: %s\n");
+    return FileShow(path.c_str(), true) != 0 ? g_documents.hEditor : refuse(L"[Debug] The file cannot be opened: %s\n");
 }
 
 }  // namespace
@@ -142,11 +135,11 @@ void DebugShowCurrentLocation(const DebuggerState* state, const wchar_t* suffix)
 void DebugClearLocation() { RemoveMark(); }
 
 void DebugRestoreLocation(HWND editor) {
-    const DebuggerState& state = g_app.debugger;
+    const DebuggerState& state = g_debugger;
     const int tab = TabBarFindEditor(editor);
     if (state.active == 0 || state.run != DebugRun::Stopped || tab < 0) return;
     const Place place = PlaceOfStop(state);
-    if (place.path.empty() || !PathEqualsIgnoreCase(place.path, g_app.tabs[static_cast<std::size_t>(tab)].path)) return;
+    if (place.path.empty() || !PathEqualsIgnoreCase(place.path, TabAt(tab).path)) return;
     PutMark(editor, place.line);
 }
 

@@ -2,10 +2,11 @@
 // calls to work out: each table is made once, when it is first asked for. UI thread only.
 #include "debugui/location.h"
 
-#include "build/build_runner.h"
-#include "debugger/line_map.h"
-#include "debugger/map_paths.h"
-#include "files/path.h"
+#include "base/path.h"
+#include "compile/build_runner.h"
+#include "output/last_build.h"
+#include "program/line_map.h"
+#include "program/map_paths.h"
 
 #include <unordered_map>
 #include <unordered_set>

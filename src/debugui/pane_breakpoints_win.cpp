@@ -2,9 +2,9 @@
 #include "debugui/breakpoint_list.h"
 #include "debugui/pane_internal.h"
 
+#include "base/path.h"
 #include "debugui/breakpoint_rules.h"
 #include "files/file_io.h"
-#include "files/path.h"
 #include "settings/settings.h"
 
 #include <array>

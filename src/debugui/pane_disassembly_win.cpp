@@ -2,9 +2,9 @@
 // that they come from. UI thread only.
 #include "debugui/pane_disassembly.h"
 
-#include "app/app_state.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_session.h"
+#include "debugger/debug_state.h"
 #include "debugger/expressions.h"
 #include "debugui/pane_internal.h"
 
@@ -35,14 +35,14 @@ Code ReadAround(std::uint64_t target) {
     const std::uint64_t page = target & ~std::uint64_t{0xFFF};
     for (const std::uint64_t start : {wanted, std::max(wanted, page), target}) {
         Code code{start, std::vector<std::uint8_t>(kBytesRead)};
-        code.bytes.resize(DebugReadSome(&g_app.debugger, start, code.bytes.data(), code.bytes.size()));
+        code.bytes.resize(DebugReadSome(&g_debugger, start, code.bytes.data(), code.bytes.size()));
         if (code.bytes.size() > target - start) return code;
     }
     return {};
 }
 
 std::vector<std::uint64_t> LineStarts(std::uint64_t from, std::uint64_t to) {
-    const SdbgMap& map = g_app.debugger.map;
+    const SdbgMap& map = g_debugger.map;
     std::vector<std::uint64_t> starts;
     for (std::int32_t i = 0; i < map.lineCount; ++i) {
         const std::uint64_t address = map.imageBase + map.lines[i].rva;
@@ -54,7 +54,7 @@ std::vector<std::uint64_t> LineStarts(std::uint64_t from, std::uint64_t to) {
 
 Place PlaceAt(std::uint64_t address) {
     Place place;
-    if (!DebugLineAt(&g_app.debugger, address, &place.fileId, &place.line)) return {};
+    if (!DebugLineAt(&g_debugger, address, &place.fileId, &place.line)) return {};
     return place;
 }
 
@@ -74,7 +74,7 @@ std::wstring InstructionText(const DisasmInstruction& instruction) {
 }
 
 void AddRows(PaneContent& content, const Code& code, const std::vector<DisasmInstruction>& list, std::uint64_t target) {
-    const bool x64 = g_app.debugger.isX64 != 0;
+    const bool x64 = g_debugger.isX64 != 0;
     const std::uint64_t current = PaneProgramNow().registers ? PaneProgramNow().registers->ip : 0;
     Place last;
     for (const DisasmInstruction& instruction : list) {
@@ -84,7 +84,7 @@ void AddRows(PaneContent& content, const Code& code, const std::vector<DisasmIns
         const auto offset = static_cast<std::size_t>(instruction.address - code.address);
         const auto bytes = std::span(code.bytes).subspan(offset);
         PaneRow row;
-        row.cells = {HexText(instruction.address, AddressDigits(x64, instruction.address)),
+        row.cells = {HexText(instruction.address, PaneAddressDigits(x64, instruction.address)),
                      CodeBytesText(bytes.first(std::min<std::size_t>(instruction.length, bytes.size()))),
                      InstructionText(instruction)};
         if (instruction.address == current) row.mark = PaneMark::Current;
@@ -117,7 +117,7 @@ void Fill(PaneContent& content) {
     }
     const Code code = ReadAround(target);
     const auto list =
-        DisasmAround(code.bytes, code.address, target, g_app.debugger.isX64 != 0, LineStarts(code.address, target));
+        DisasmAround(code.bytes, code.address, target, g_debugger.isX64 != 0, LineStarts(code.address, target));
     AddRows(content, code, list, target);
     if (content.rows.empty()) content.hint = L"No memory can be read at " + HexText(target, 1);
     // A refresh without anything new leaves the list where the user has scrolled it.

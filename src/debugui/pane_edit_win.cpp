@@ -1,13 +1,14 @@
 // The edit field over a cell of the list, and the pane's menus and clipboard. Knows not what is edited. UI thread only.
 #include "debugui/pane_internal.h"
 
-#include "app/app_state.h"
-#include "app/log.h"
-#include "app/shell.h"
-#include "files/clipboard.h"
-#include "files/handles.h"
-#include "language/theme.h"
+#include "base/events.h"
+#include "base/handles.h"
+#include "base/log.h"
+#include "debugui/debugui_state.h"
 #include "resources/ids.h"
+#include "ui/chrome.h"
+#include "ui/clipboard.h"
+#include "ui/ui_state.h"
 
 #include <commctrl.h>
 
@@ -26,7 +27,7 @@ struct EditState {
 };
 EditState g_edit;
 
-HWND List() { return GetDlgItem(g_app.hDebugPane, IDC_DEBUG_LIST); }
+HWND List() { return GetDlgItem(g_debugUi.hDebugPane, IDC_DEBUG_LIST); }
 
 std::wstring TextOf(HWND window) {
     std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
@@ -47,7 +48,7 @@ bool Commit() {
         PaneEditCancel();
         return true;
     }
-    StatusBarSetText(problem.c_str());
+    g_events.statusText(problem.c_str());
     g_edit.refused = true;
     InvalidateRect(g_edit.edit, nullptr, TRUE);
     MessageBeep(MB_ICONWARNING);
@@ -108,7 +109,7 @@ void PaneEditBegin(int row, int column, const std::wstring& text, bool append, P
     cell.right = cell.right > client.right ? client.right : cell.right;
     const HWND edit = CreateWindowExW(
         0, WC_EDITW, text.c_str(), WS_CHILD | WS_VISIBLE | WS_BORDER | WS_CLIPSIBLINGS | ES_AUTOHSCROLL, cell.left,
-        cell.top, cell.right - cell.left, cell.bottom - cell.top, list, nullptr, g_app.hInstance, nullptr);
+        cell.top, cell.right - cell.left, cell.bottom - cell.top, list, nullptr, g_ui.hInstance, nullptr);
     if (edit == nullptr) {
         AppLogMsg(L"FAIL: PaneEditBegin error=%lu", GetLastError());
         return;
@@ -128,7 +129,7 @@ void PaneEditCancel() {
     const bool hadFocus = GetFocus() == edit;
     DestroyWindow(edit);
     if (hadFocus) SetFocus(list);
-    if (g_edit.refused) StatusBarSetText(L"");
+    if (g_edit.refused) g_events.statusText(L"");
     g_edit.refused = false;
 }
 
@@ -147,10 +148,10 @@ UINT PaneShowMenu(std::span<const PaneMenuItem> items, POINT screen, UINT side) 
         const UINT state = (item.enabled ? MF_ENABLED : MF_GRAYED) | (item.checked ? MF_CHECKED : MF_UNCHECKED);
         AppendMenuW(menu, item.id == 0 ? MF_SEPARATOR : MF_STRING | state, item.id, item.text);
     }
-    const BOOL chosen =
-        TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON | side, screen.x, screen.y, 0, g_app.hDebugPane, nullptr);
+    const BOOL chosen = TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON | side, screen.x, screen.y, 0,
+                                       g_debugUi.hDebugPane, nullptr);
     DestroyMenu(menu);
     return static_cast<UINT>(chosen);
 }
 
-void PaneCopyText(const std::wstring& text) { ClipboardPutText(g_app.hMainWnd, text); }
+void PaneCopyText(const std::wstring& text) { ClipboardPutText(g_ui.hMainWnd, text); }

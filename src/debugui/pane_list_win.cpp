@@ -2,9 +2,9 @@
 // and cells, not what they mean. UI thread only.
 #include "debugui/pane_internal.h"
 
-#include "app/app_state.h"
-#include "language/theme.h"
 #include "resources/ids.h"
+#include "ui/chrome.h"
+#include "ui/ui_state.h"
 
 #include <commctrl.h>
 #include <uxtheme.h>
@@ -59,10 +59,9 @@ ColumnRoom RoomOf(int column) {
 void FitToPane() {
     std::vector<ColumnRoom> columns;
     for (int i = 0; i < ColumnCount(); ++i) columns.push_back(RoomOf(i));
-    if (PlaceOf(g_list.shown).byUser) {
+    if (PlaceOf(g_list.shown).byUser)
         for (int i = 0; i + 1 < ColumnCount(); ++i)
             columns[static_cast<std::size_t>(i)] = {ColumnWidth(i), ColumnWidth(i)};
-    }
     RECT client = {};
     GetClientRect(g_list.window, &client);
     const std::vector<int> widths = FitColumns(columns, client.right);
@@ -261,11 +260,10 @@ bool IsOnMark(const NMITEMACTIVATE& click) {
 void OnClick(const NMITEMACTIVATE& click) {
     const PaneView& view = PaneCurrentView();
     if (RowAt(click.iItem) == nullptr) return;
-    if (view.check != nullptr && IsOnMark(click)) {
+    if (view.check != nullptr && IsOnMark(click))
         view.check(click.iItem);
-    } else if (view.edit != nullptr && click.iSubItem > 0) {
+    else if (view.edit != nullptr && click.iSubItem > 0)
         view.edit(click.iItem, click.iSubItem);
-    }
 }
 
 void OnDoubleClick(const NMITEMACTIVATE& click) {
@@ -371,7 +369,7 @@ HWND PaneListCreate(HWND parent) {
         0, WC_LISTVIEWW, L"",
         WS_CHILD | WS_CLIPSIBLINGS | WS_CLIPCHILDREN | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA | LVS_SINGLESEL |
             LVS_SHOWSELALWAYS | LVS_NOSORTHEADER | LVS_SHAREIMAGELISTS,
-        0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_DEBUG_LIST)), g_app.hInstance, nullptr);
+        0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_DEBUG_LIST)), g_ui.hInstance, nullptr);
     if (g_list.window == nullptr) return nullptr;
     Send(LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_INFOTIP);
     Send(LVM_SETCALLBACKMASK, LVIS_STATEIMAGEMASK);

@@ -1,8 +1,8 @@
 // Rows of the memory view. Pure.
 #include "debugui/pane_memory.h"
 
+#include "base/hex_digit.h"
 #include "debugui/pane_rows.h"
-#include "files/hex_digit.h"
 
 #include <algorithm>
 
@@ -15,9 +15,8 @@ bool IsPlain(std::uint8_t byte) { return byte >= 32 && byte <= 126; }
 }  // namespace
 
 MemoryShape MemoryShapeThatFits(int digits, int characters) {
-    for (const int bytes : {16, 8}) {
+    for (const int bytes : {16, 8})
         if (MemoryRowWidth({digits, bytes}) <= characters) return {digits, bytes};
-    }
     return {digits, 4};
 }
 

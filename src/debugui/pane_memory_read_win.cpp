@@ -1,8 +1,8 @@
 // What the memory view shows: reading and writing the program, the place of the caret. Knows no window. UI thread only.
 #include "debugui/pane_memory_view.h"
 
-#include "app/app_state.h"
 #include "debugger/debug_session.h"
+#include "debugger/debug_state.h"
 #include "debugui/pane_internal.h"
 
 #include <algorithm>
@@ -25,7 +25,7 @@ std::vector<MemoryByte> ReadBytes(std::uint64_t address, std::size_t count) {
     for (std::size_t done = 0; done < count;) {
         const std::uint64_t at = address + done;
         const auto want = static_cast<std::size_t>(std::min<std::uint64_t>(count - done, kPage - at % kPage));
-        const std::size_t got = DebugReadSome(&g_app.debugger, at, part.data(), want);
+        const std::size_t got = DebugReadSome(&g_debugger, at, part.data(), want);
         std::copy_n(part.begin(), got, bytes.begin() + static_cast<std::ptrdiff_t>(done));
         done += want;
     }
@@ -61,7 +61,7 @@ void Fill(PaneContent& content) {
         g_memory.bytes.clear();
     }
     g_memory.processId = program.processId;
-    const bool x64 = g_app.debugger.isX64 != 0;
+    const bool x64 = g_debugger.isX64 != 0;
     g_memory.x64 = x64;
     const std::wstring expression = PaneAddressText();
     const Evaluation address = PaneEvaluate(!expression.empty() ? expression : x64 ? L"RSP" : L"ESP");
@@ -85,7 +85,7 @@ void Fill(PaneContent& content) {
 }  // namespace
 
 void MemoryRead() {
-    const int digits = AddressDigits(g_memory.x64, std::max(g_memory.top, g_memory.top + VisibleBytes()));
+    const int digits = PaneAddressDigits(g_memory.x64, std::max(g_memory.top, g_memory.top + VisibleBytes()));
     const MemoryShape shape = MemoryShapeThatFits(digits, g_memory.characters);
     if (shape != g_memory.shape) Reshape(shape);
     g_memory.bytes = ReadBytes(g_memory.top, VisibleBytes());
@@ -101,7 +101,7 @@ bool MemoryWrite(wchar_t typed) {
     const std::vector<MemoryByte> old = ReadBytes(address, 1);
     if (!PaneProgramNow().stopped || !old[0]) return false;
     const auto byte = MemoryTyped(*old[0], g_memory.caret, typed);
-    if (!byte || !DebugWriteMem(&g_app.debugger, address, &*byte, 1)) return false;
+    if (!byte || !DebugWriteMem(&g_debugger, address, &*byte, 1)) return false;
     MemoryRead();
     return true;
 }
@@ -123,11 +123,10 @@ void MemoryMoveCaret(std::int64_t bytes) {
     g_memory.caretRow = rows < 0 ? g_memory.caretRow - distance : g_memory.caretRow + distance;
     g_memory.caret.index = static_cast<int>(index - rows * g_memory.shape.bytes);
     const auto whole = static_cast<std::uint64_t>(std::max(g_memory.rows - 1, 1)) * RowBytes();
-    if (g_memory.caretRow < g_memory.top) {
+    if (g_memory.caretRow < g_memory.top)
         MemoryScroll(-static_cast<std::int64_t>((g_memory.top - g_memory.caretRow + RowBytes() - 1) / RowBytes()));
-    } else if (g_memory.caretRow - g_memory.top >= whole) {
+    else if (g_memory.caretRow - g_memory.top >= whole)
         MemoryScroll(static_cast<std::int64_t>((g_memory.caretRow - g_memory.top - whole) / RowBytes() + 1));
-    }
 }
 
 void MemoryStepCaret(int step) {

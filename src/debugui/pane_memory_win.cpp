@@ -2,13 +2,15 @@
 // other programs. UI thread only.
 #include "debugui/pane_memory_view.h"
 
-#include "app/app_state.h"
-#include "app/shell.h"
+#include "base/events.h"
+#include "base/handles.h"
 #include "debugger/debug_session.h"
+#include "debugger/debug_state.h"
+#include "debugui/debugui_state.h"
 #include "debugui/pane_internal.h"
-#include "files/handles.h"
-#include "language/theme.h"
 #include "resources/ids.h"
+#include "ui/chrome.h"
+#include "ui/ui_state.h"
 
 #include <uxtheme.h>
 #include <windowsx.h>
@@ -202,7 +204,7 @@ void OnCharacter(wchar_t typed) {
     if (MemoryWrite(typed)) {
         MemoryStepCaret(1);
     } else {
-        StatusBarSetText(IsStale() ? L"The program is not stopped" : L"This byte cannot be written");
+        g_events.statusText(IsStale() ? L"The program is not stopped" : L"This byte cannot be written");
         MessageBeep(MB_ICONWARNING);
     }
     Repaint();
@@ -213,8 +215,8 @@ void FollowPointer() {
     std::uint64_t address = 0;
     const std::uint64_t at = g_memory.caretRow + static_cast<std::uint64_t>(g_memory.caret.index);
     const std::size_t size = g_memory.x64 ? 8 : 4;
-    if (!DebugReadMem(&g_app.debugger, at, &address, size)) return;
-    SetWindowTextW(GetDlgItem(g_app.hDebugPane, IDC_DEBUG_ADDRESS), (L"0x" + HexText(address, 1)).c_str());
+    if (!DebugReadMem(&g_debugger, at, &address, size)) return;
+    SetWindowTextW(GetDlgItem(g_debugUi.hDebugPane, IDC_DEBUG_ADDRESS), (L"0x" + HexText(address, 1)).c_str());
     DebugPaneInvalidate();
 }
 
@@ -278,13 +280,13 @@ HWND PaneMemoryCreate(HWND parent) {
     WNDCLASSEXW description = {};
     description.cbSize = sizeof(description);
     description.lpfnWndProc = MemoryProc;
-    description.hInstance = g_app.hInstance;
+    description.hInstance = g_ui.hInstance;
     description.hCursor = LoadCursorW(nullptr, IDC_IBEAM);
     description.lpszClassName = kClass;
     if (RegisterClassExW(&description) == 0 && GetLastError() != ERROR_CLASS_ALREADY_EXISTS) return nullptr;
     g_memory.window =
         CreateWindowExW(0, kClass, nullptr, WS_CHILD | WS_CLIPSIBLINGS | WS_TABSTOP | WS_VSCROLL, 0, 0, 0, 0, parent,
-                        reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_DEBUG_TEXT)), g_app.hInstance, nullptr);
+                        reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_DEBUG_TEXT)), g_ui.hInstance, nullptr);
     if (g_memory.window != nullptr) CentreThumb();
     return g_memory.window;
 }

@@ -2,13 +2,14 @@
 // a refresh, and only from a program that is stopped. UI thread only.
 #include "debugui/pane_internal.h"
 
-#include "app/app_state.h"
+#include "base/handles.h"
+#include "base/path.h"
 #include "debugger/debug_inspect.h"
+#include "debugger/debug_state.h"
 #include "debugger/expressions.h"
 #include "debugui/location.h"
+#include "documents/documents_state.h"
 #include "files/file_io.h"
-#include "files/handles.h"
-#include "files/path.h"
 #include "scintilla/sci.h"
 
 #include <psapi.h>
@@ -31,7 +32,7 @@ struct SourceFile {
 constexpr DWORD kMostSource = 16 << 20;  // reading more would be felt; lines of such a file are shown once it is open
 std::map<std::wstring, SourceFile> g_sources;  // by path
 
-DebuggerState* State() { return &g_app.debugger; }
+DebuggerState* State() { return &g_debugger; }
 
 void ForgetSession() {
     g_modules.clear();
@@ -49,11 +50,10 @@ void ReadRegisters() {
     const std::uint32_t thread = g_program.chosenThread != 0  ? g_program.chosenThread
                                  : State()->stopThreadId != 0 ? State()->stopThreadId
                                                               : State()->mainThreadId;
-    if (thread != g_program.thread) {
+    if (thread != g_program.thread)
         g_program.before.reset();  // another thread's registers say nothing about a change
-    } else if (newStop) {
+    else if (newStop)
         g_program.before = g_program.registers;
-    }
     g_program.thread = thread;
     g_program.serial = serial;
     RegisterSet registers;
@@ -128,7 +128,7 @@ std::wstring EditorLine(HWND editor, std::uint32_t line) {
 const PaneProgram& PaneProgramNow() { return g_program; }
 
 void PaneProgramRead() {
-    const DebuggerState& state = g_app.debugger;
+    const DebuggerState& state = g_debugger;
     if (state.active == 0 || state.processId != g_program.processId) ForgetSession();
     g_program.session = state.active != 0;
     g_program.stopped = g_program.session && state.run == DebugRun::Stopped;
@@ -153,9 +153,8 @@ std::wstring PanePlaceText(std::uint64_t address) {
 std::wstring PaneSourceLine(std::uint32_t fileId, std::uint32_t line) {
     const std::wstring path = DebugFilePath(State(), fileId);
     if (path.empty() || line == 0) return {};
-    for (const DocumentTab& tab : g_app.tabs) {
+    for (const DocumentTab& tab : g_documents.tabs)
         if (tab.path[0] != L'\0' && PathEqualsIgnoreCase(tab.path, path)) return EditorLine(tab.editor, line);
-    }
     return FileLine(FileOf(path), line);
 }
 
@@ -174,7 +173,7 @@ Evaluation PaneEvaluate(const std::wstring& expression) {
 }
 
 bool DebugRegisterTip(const wchar_t* word, wchar_t* out, int capacity) {
-    const DebuggerState& state = g_app.debugger;
+    const DebuggerState& state = g_debugger;
     if (word == nullptr || out == nullptr || capacity < 1 || state.active == 0 || state.run != DebugRun::Stopped)
         return false;
     // The pane may be hidden: it reads nothing then.

@@ -1,8 +1,8 @@
 // The registers of the thread that is shown; a general one takes another value. UI thread only.
 #include "debugui/pane_internal.h"
 
-#include "app/app_state.h"
 #include "debugger/debug_inspect.h"
+#include "debugger/debug_state.h"
 #include "debugger/expressions.h"
 
 #include <array>
@@ -22,10 +22,9 @@ void Fill(PaneContent& content) {
         return;
     }
     g_rows = RegisterPaneRows(*program.registers, program.before ? &*program.before : nullptr);
-    for (PaneRow& row : g_rows) {
+    for (PaneRow& row : g_rows)
         if (row.cells[kName] == L"RIP" || row.cells[kName] == L"EIP")
             row.cells[kMeaning] = PanePlaceText(program.registers->ip);
-    }
     content.rows = g_rows;
 }
 
@@ -34,7 +33,7 @@ std::wstring Commit(const std::wstring& name, const std::wstring& text) {
     if (!program.stopped || !program.registers) return L"The program is not stopped";
     const Evaluation typed = RegisterInput(*program.registers, PaneUtf8(text));
     if (!typed.value) return typed.problem;
-    if (!DebugSetRegister(&g_app.debugger, program.thread, name.c_str(), *typed.value))
+    if (!DebugSetRegister(&g_debugger, program.thread, name.c_str(), *typed.value))
         return L"The register cannot be written";
     DebugPaneInvalidate();
     return {};
@@ -45,7 +44,7 @@ void Begin(int row) {
     if (row < 0 || row >= static_cast<int>(g_rows.size()) || !program.stopped) return;
     const PaneRow& shown = g_rows[static_cast<std::size_t>(row)];
     const std::wstring name = shown.cells[kName];
-    if (!IsGeneralRegister(g_app.debugger.isX64 != 0, name)) return;
+    if (!IsGeneralRegister(g_debugger.isX64 != 0, name)) return;
     const std::wstring& value = shown.cells[kValue];
     const std::size_t first = std::min(value.find_first_not_of(L'0'), value.size() - 1);
     PaneEditBegin(row, kValue, L"0x" + value.substr(first), false,

@@ -1,8 +1,8 @@
 // What the views of the debug pane say about registers, flags and values, as rows of text. Pure.
 #pragma once
 
+#include "base/hex_text.h"
 #include "debugger/expressions.h"
-#include "debugger/hex_text.h"
 #include "debugger/registers.h"
 
 #include <cstdint>
@@ -51,7 +51,7 @@ struct TabSpan {
 TabSpan FitTabs(std::span<const int> widths, int room, int selected, int first);
 
 // Digits of an address in a program of that kind: of 64 bits programs use 47, and the zeros before them cost room.
-constexpr int AddressDigits(bool x64, std::uint64_t address) { return !x64 ? 8 : address >> 48 == 0 ? 12 : 16; }
+constexpr int PaneAddressDigits(bool x64, std::uint64_t address) { return !x64 ? 8 : address >> 48 == 0 ? 12 : 16; }
 
 // Names of the flags that are set, in a fixed order: "CF ZF IF"; "-" with none.
 std::wstring FlagsText(std::uint32_t flags);

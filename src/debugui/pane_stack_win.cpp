@@ -1,8 +1,8 @@
 // The call stack of the thread that is shown. UI thread only.
 #include "debugui/pane_internal.h"
 
-#include "app/app_state.h"
 #include "debugger/debug_inspect.h"
+#include "debugger/debug_state.h"
 
 #include <array>
 
@@ -15,15 +15,15 @@ std::vector<DebugFrame> g_frames;
 
 void Fill(PaneContent& content) {
     const PaneProgram& program = PaneProgramNow();
-    g_frames = DebugFrames(&g_app.debugger, program.thread);
-    const bool x64 = g_app.debugger.isX64 != 0;
+    g_frames = DebugFrames(&g_debugger, program.thread);
+    const bool x64 = g_debugger.isX64 != 0;
     for (std::size_t i = 0; i < g_frames.size(); ++i) {
         const DebugFrame& frame = g_frames[i];
         PaneRow row;
         row.mark = i == 0 ? PaneMark::Current : PaneMark::None;
         const std::wstring place = PanePlaceText(frame.address);
         const std::wstring source = PaneSourceLine(frame.fileId, frame.line);
-        row.cells = {std::to_wstring(i), HexText(frame.address, AddressDigits(x64, frame.address)),
+        row.cells = {std::to_wstring(i), HexText(frame.address, PaneAddressDigits(x64, frame.address)),
                      source.empty() ? place : place + L"  " + source};
         content.rows.push_back(std::move(row));
     }

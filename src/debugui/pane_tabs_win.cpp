@@ -1,10 +1,10 @@
 // The row of tabs over the views and the address box: drawn by the theme, worked by keys. UI thread only.
 #include "debugui/pane_internal.h"
 
-#include "app/app_state.h"
-#include "files/handles.h"
-#include "language/theme.h"
+#include "base/handles.h"
 #include "resources/ids.h"
+#include "ui/chrome.h"
+#include "ui/ui_state.h"
 
 #include <commctrl.h>
 
@@ -30,11 +30,10 @@ TabSpan g_shown;
 void DrawTab(HDC dc, const RECT& body, const wchar_t* title, bool active, bool focused) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     PaneFillRect(dc, body, active ? chrome.paneBack : chrome.tabBack);
-    if (active) {
+    if (active)
         PaneFillRect(dc, {body.left, body.top, body.right, body.top + PaneScaled(2)}, chrome.accent);
-    } else {
+    else
         PaneFillRect(dc, {body.left, body.bottom - 1, body.right, body.bottom}, chrome.line);
-    }
     const int inset = active ? 0 : PaneScaled(6);
     PaneFillRect(dc, {body.right - 1, body.top + inset, body.right, body.bottom - inset}, chrome.line);
     RECT text = {body.left + PaneScaled(3), body.top + PaneScaled(2), body.right - PaneScaled(3), body.bottom};
@@ -150,7 +149,7 @@ LRESULT CALLBACK AddressProc(HWND box, UINT message, WPARAM wParam, LPARAM lPara
 HWND PaneTabsCreate(HWND parent) {
     const HWND tabs = CreateWindowExW(
         0, WC_TABCONTROLW, nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_TABSTOP | TCS_OWNERDRAWFIXED, 0, 0, 0,
-        0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_DEBUG_TABS)), g_app.hInstance, nullptr);
+        0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_DEBUG_TABS)), g_ui.hInstance, nullptr);
     if (tabs != nullptr) SetWindowSubclass(tabs, TabsProc, kSubclassId, 0);
     return tabs;
 }
@@ -187,7 +186,7 @@ void PaneTabsPlace(HWND tabs, HWND more, int width, int height) {
 
 HWND PaneMoreCreate(HWND parent) {
     return CreateWindowExW(0, WC_BUTTONW, L"More Views", WS_CHILD | WS_CLIPSIBLINGS | BS_OWNERDRAW, 0, 0, 0, 0, parent,
-                           reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_DEBUG_MORE)), g_app.hInstance, nullptr);
+                           reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_DEBUG_MORE)), g_ui.hInstance, nullptr);
 }
 
 void PaneMoreDraw(const DRAWITEMSTRUCT& draw) {
@@ -211,10 +210,9 @@ void PaneMoreDraw(const DRAWITEMSTRUCT& draw) {
 
 void PaneMoreShowMenu(HWND tabs, HWND more) {
     std::vector<PaneMenuItem> items;
-    for (int i = 0; i < kDebugTabCount; ++i) {
+    for (int i = 0; i < kDebugTabCount; ++i)
         if (i < g_shown.first || i >= g_shown.end)
             items.push_back({static_cast<UINT>(i + 1), PaneTitle(static_cast<DebugTab>(i))});
-    }
     RECT area = {};
     GetWindowRect(more, &area);
     const UINT chosen = PaneShowMenu(items, {area.right, area.bottom}, TPM_RIGHTALIGN);
@@ -225,7 +223,7 @@ void PaneMoreShowMenu(HWND tabs, HWND more) {
 HWND PaneAddressCreate(HWND parent) {
     const HWND box = CreateWindowExW(
         0, WC_EDITW, nullptr, WS_CHILD | WS_CLIPSIBLINGS | WS_TABSTOP | WS_BORDER | ES_AUTOHSCROLL, 0, 0, 0, 0, parent,
-        reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_DEBUG_ADDRESS)), g_app.hInstance, nullptr);
+        reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_DEBUG_ADDRESS)), g_ui.hInstance, nullptr);
     if (box != nullptr) SetWindowSubclass(box, AddressProc, kSubclassId, 0);
     return box;
 }

@@ -1,8 +1,8 @@
 // The threads of the program; the chosen one is what stack, registers and disassembly show. UI thread only.
 #include "debugui/pane_internal.h"
 
-#include "app/app_state.h"
 #include "debugger/debug_inspect.h"
+#include "debugger/debug_state.h"
 
 #include <array>
 
@@ -14,7 +14,7 @@ constexpr std::array<PaneColumn, 4> kColumns = {
 std::vector<std::uint32_t> g_ids;
 
 void Fill(PaneContent& content) {
-    const DebuggerState& state = g_app.debugger;
+    const DebuggerState& state = g_debugger;
     const PaneProgram& program = PaneProgramNow();
     g_ids.clear();
     for (const DebugThread& thread : state.threads) {
@@ -22,7 +22,7 @@ void Fill(PaneContent& content) {
         const bool readable = DebugGetRegisters(&state, thread.id, &registers);
         PaneRow row;
         row.cells = {std::to_wstring(thread.id), thread.id == state.mainThreadId ? L"Main" : L"Worker",
-                     readable ? HexText(registers.ip, AddressDigits(state.isX64 != 0, registers.ip)) : L"",
+                     readable ? HexText(registers.ip, PaneAddressDigits(state.isX64 != 0, registers.ip)) : L"",
                      readable ? PanePlaceText(registers.ip) : L"<unreadable>"};
         if (thread.id == state.stopThreadId) row.mark = PaneMark::Current;
         if (thread.id == program.thread) {

@@ -1,7 +1,7 @@
 // Rules of the watch list. Pure.
 #include "debugui/pane_watches.h"
 
-#include "files/hex_digit.h"
+#include "base/hex_digit.h"
 
 #include <cstdlib>
 #include <cstring>

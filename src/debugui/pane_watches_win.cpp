@@ -2,12 +2,13 @@
 // the run. UI thread only.
 #include "debugui/pane_watches.h"
 
-#include "app/app_state.h"
+#include "base/handles.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_session.h"
+#include "debugger/debug_state.h"
 #include "debugger/expressions.h"
+#include "debugui/debugui_state.h"
 #include "debugui/pane_internal.h"
-#include "files/handles.h"
 #include "resources/ids.h"
 
 #include <algorithm>
@@ -37,7 +38,7 @@ Watch* At(int row) {
 }
 
 std::wstring ReadValue(const Watch& watch, std::uint64_t address) {
-    const HeapBlock<wchar_t> text(DebugWatchValue(&g_app.debugger, address, static_cast<int>(watch.kind)));
+    const HeapBlock<wchar_t> text(DebugWatchValue(&g_debugger, address, static_cast<int>(watch.kind)));
     return text ? text.get() : L"";
 }
 
@@ -77,10 +78,12 @@ void Fill(PaneContent& content) {
 void Changed() { DebugPaneInvalidate(); }
 
 void EditExpression(int row, const std::wstring& text, bool append) {
-    PaneEditBegin(row, kExpression, text, append, [row](const std::wstring& typed) {
-        if (WatchSetExpression(g_list.watches, static_cast<std::size_t>(row), typed)) Changed();
-        return std::wstring{};
-    });
+    PaneEditBegin(
+        row, kExpression, text, append,
+        [row](const std::wstring& typed) {
+            if (WatchSetExpression(g_list.watches, static_cast<std::size_t>(row), typed)) Changed();
+            return std::wstring{};
+        });
 }
 
 std::wstring CommitValue(int row, const std::wstring& text) {
@@ -89,11 +92,11 @@ std::wstring CommitValue(int row, const std::wstring& text) {
     const Evaluation address = PaneEvaluate(watch->expression);
     if (!address.value) return address.problem;
     std::array<char, kLongestText> old = {};
-    const std::size_t readable = DebugReadSome(&g_app.debugger, *address.value, old.data(), old.size());
+    const std::size_t readable = DebugReadSome(&g_debugger, *address.value, old.data(), old.size());
     const auto length = static_cast<std::size_t>(std::find(old.begin(), old.begin() + readable, '\0') - old.begin());
     const WatchBytes typed = WatchBytesOf(watch->kind, PaneUtf8(text), length);
     if (!typed.problem.empty()) return typed.problem;
-    if (!typed.bytes.empty() && !DebugWriteMem(&g_app.debugger, *address.value, typed.bytes.data(), typed.bytes.size()))
+    if (!typed.bytes.empty() && !DebugWriteMem(&g_debugger, *address.value, typed.bytes.data(), typed.bytes.size()))
         return L"The memory cannot be written";
     Changed();
     return {};
@@ -131,7 +134,7 @@ void ShowKindMenu(int row) {
     }
     RECT cell = PaneListCell(row, kKind);
     POINT at = {cell.left, cell.bottom};
-    ClientToScreen(GetDlgItem(g_app.hDebugPane, IDC_DEBUG_LIST), &at);
+    ClientToScreen(GetDlgItem(g_debugUi.hDebugPane, IDC_DEBUG_LIST), &at);
     const UINT chosen = PaneShowMenu(items, at);
     if (chosen >= kFirstKind) SetKind(row, static_cast<WatchKind>(chosen - kFirstKind));
 }

@@ -55,9 +55,9 @@ void FormatterInit(ZydisFormatter& formatter, ZydisFormatterFunc* replaced) {
 bool NeedsSize(const Decoded& decoded) {
     if (decoded.instruction.meta.branch_type != ZYDIS_BRANCH_TYPE_NONE) return false;
     const std::span operands(decoded.operands, decoded.instruction.operand_count_visible);
-    const auto memory = std::find_if(operands.begin(), operands.end(), [](const ZydisDecodedOperand& operand) {
-        return operand.type == ZYDIS_OPERAND_TYPE_MEMORY;
-    });
+    const auto memory = std::find_if(
+        operands.begin(), operands.end(),
+        [](const ZydisDecodedOperand& operand) { return operand.type == ZYDIS_OPERAND_TYPE_MEMORY; });
     return memory != operands.end() &&
            std::none_of(operands.begin(), operands.end(), [memory](const ZydisDecodedOperand& operand) {
                return operand.type == ZYDIS_OPERAND_TYPE_REGISTER && operand.size == memory->size;

@@ -1,8 +1,8 @@
 #include "disasm/listing_text.h"
 
+#include "base/hex_digit.h"
 #include "disasm/code_text.h"
 #include "disasm/visible_text.h"
-#include "files/hex_digit.h"
 
 #include <Zydis/Zydis.h>
 
@@ -44,7 +44,8 @@ std::string_view TakeWord(std::string_view& text) {
 }
 
 bool IsHex(std::string_view text) {
-    return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return HexValue(c) >= 0; });
+    return !text.empty() && std::all_of(
+                                text.begin(), text.end(), [](char c) { return HexValue(c) >= 0; });
 }
 
 bool IsMnemonic(std::string_view word) {
@@ -56,9 +57,8 @@ bool IsMnemonic(std::string_view word) {
             "setge", "cmova", "cmovae", "cmovc", "cmove",  "cmovg", "cmovge", "cmovne", "loope", "loopne",
             "sal",   "retn",  "movabs", "iretd", "pushfd", "popfd", "db",     "dw",     "dd",    "dq",
             "dt",    "resb",  "resw",   "resd",  "resq",   "align", "equ"};
-        for (int i = 1; i <= ZYDIS_MNEMONIC_MAX_VALUE; ++i) {
+        for (int i = 1; i <= ZYDIS_MNEMONIC_MAX_VALUE; ++i)
             if (const char* name = ZydisMnemonicGetString(static_cast<ZydisMnemonic>(i))) names.insert(name);
-        }
         return names;
     }();
     return known.contains(Lowered(word));
@@ -67,9 +67,8 @@ bool IsMnemonic(std::string_view word) {
 bool IsRegister(std::string_view word) {
     static const std::unordered_set<std::string_view> known = [] {
         std::unordered_set<std::string_view> names;
-        for (int i = 1; i <= ZYDIS_REGISTER_MAX_VALUE; ++i) {
+        for (int i = 1; i <= ZYDIS_REGISTER_MAX_VALUE; ++i)
             if (const char* name = ZydisRegisterGetString(static_cast<ZydisRegister>(i))) names.insert(name);
-        }
         return names;
     }();
     return known.contains(Lowered(word));

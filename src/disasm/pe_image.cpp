@@ -151,9 +151,8 @@ std::string PackerSection(const PeImage& image) {
         "UPX0",    "UPX1",     "UPX2",     ".aspack",  ".adata", ".ASPack", "MPRESS1", "MPRESS2",
         ".petite", ".MPRESS1", ".nsp0",    ".nsp1",    "PEC2",   "pec1",    "FSG!",    ".vmp0",
         ".vmp1",   ".themida", ".winlice", ".enigma1", ".yP",    "kkrunchy"};
-    for (const PeSection& section : image.sections) {
+    for (const PeSection& section : image.sections)
         if (std::find(names.begin(), names.end(), section.name) != names.end()) return section.name;
-    }
     return {};
 }
 
@@ -260,10 +259,9 @@ std::string PeProblem(const PeImage& image) {
 }
 
 const PeSection* PeSectionAt(const PeImage& image, std::uint32_t rva) {
-    for (const PeSection& section : image.sections) {
+    for (const PeSection& section : image.sections)
         if (rva >= section.rva && rva - section.rva < std::max<std::size_t>(section.size, section.data.size()))
             return &section;
-    }
     return nullptr;
 }
 

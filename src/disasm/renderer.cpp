@@ -105,9 +105,8 @@ struct DisasmRenderer {
 namespace {
 
 Code* CodeAt(DisasmRenderer& r, std::uint64_t rva) {
-    for (Code& code : r.code) {
+    for (Code& code : r.code)
         if (rva >= code.rva && rva - code.rva < code.bytes.size()) return &code;
-    }
     return nullptr;
 }
 
@@ -158,7 +157,8 @@ std::string_view SourceLine(const DisasmRenderer& r, const DisasmLine& record) {
 
 void TakeLines(DisasmRenderer& r) {
     std::vector<DisasmLine>& lines = r.program.lines;
-    std::erase_if(lines, [&r](const DisasmLine& line) { return line.line == 0 || CodeAt(r, line.rva) == nullptr; });
+    std::erase_if(
+        lines, [&r](const DisasmLine& line) { return line.line == 0 || CodeAt(r, line.rva) == nullptr; });
     std::stable_sort(lines.begin(), lines.end(),
                      [](const DisasmLine& a, const DisasmLine& b) { return a.rva < b.rva; });
     for (const DisasmLine& line : lines) MarkAt(r, line.rva, kKnown);
@@ -292,9 +292,8 @@ Step StepAt(const DisasmRenderer& r, const Code& code, std::size_t at, Decoded* 
     if (const std::size_t run = RunLength(code, at); run > 0) return {.kind = StepKind::Run, .length = run};
     if (!DecodeOne(r.decoder, code.bytes.subspan(at), decoded)) return {};
     const std::size_t length = decoded->instruction.length;
-    for (std::size_t i = 1; i < length; ++i) {
+    for (std::size_t i = 1; i < length; ++i)
         if ((code.marks[at + i] & kKnown) != 0) return {};
-    }
     return {.kind = StepKind::Instruction, .length = length};
 }
 

@@ -11,9 +11,8 @@ constexpr char kHexDigits[] = "0123456789ABCDEF";
 
 // Bytes of the character that `text` begins with; 0: it begins with none.
 std::size_t CharacterLength(std::string_view text) {
-    for (std::size_t length = 1; length <= std::min<std::size_t>(4, text.size()); ++length) {
+    for (std::size_t length = 1; length <= std::min<std::size_t>(4, text.size()); ++length)
         if (IsValidUtf8Bytes(text.data(), length)) return length;
-    }
     return 0;
 }
 

@@ -6,9 +6,11 @@
 
 #include <cstddef>
 
-int FileNew();                             // 1, or 0 when no tab could be added
-int FileOpen(const wchar_t* path);         // null: the dialog. 1 when the file is shown in a tab, new or existing
-int FileOpenQuietly(const wchar_t* path);  // the same for a path, without a box when it fails
+int FileNew();                      // 1, or 0 when no tab could be added
+int FileOpen(const wchar_t* path);  // null: the dialog. 1 when the file is shown in a tab, new or existing
+// Shows a file for a purpose - a stop, an error, a session - and opens it when it is not open. The active compiler, the
+// recent files and the last folder stay as the user left them. `quiet`: no box when it fails. 1 when it is shown.
+int FileShow(const wchar_t* path, bool quiet);
 int FileSave(int tab);
 int FileSaveAs(int tab);
 int FileSaveAll();  // 1 when every modified document was saved

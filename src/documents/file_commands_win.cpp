@@ -2,41 +2,34 @@
 // calls it; saving is in file_save_win.cpp. UI thread.
 #include "documents/file_commands.h"
 
-#include "app/app_state.h"
-#include "app/log.h"
-#include "app/shell.h"
-#include "compilers/compiler_table.h"
+#include "base/events.h"
+#include "base/handles.h"
+#include "base/log.h"
+#include "base/path.h"
+#include "base/wide_format.h"
+#include "documents/document_row.h"
+#include "documents/editor_pane.h"
 #include "documents/file_dialogs.h"
 #include "documents/open_directory.h"
 #include "documents/recent_files.h"
-#include "editor/editor_pane.h"
 #include "files/file_io.h"
-#include "files/handles.h"
-#include "files/message.h"
-#include "files/path.h"
-#include "files/wide_format.h"
-#include "language/theme.h"
 #include "scintilla/sci.h"
-#include "tabs/tab_bar.h"
+#include "settings/compiler_table.h"
+#include "settings/settings_state.h"
+#include "ui/message.h"
+#include "ui/ui_state.h"
 
 #include <algorithm>
 #include <string>
 
 namespace {
 
-constexpr int kTreeWidthSplitter = 401;  // a width from here on was never meant for the tree
-constexpr int kTreeWidthDefault = 200;
-
 // The path as the rest of the program uses it: absolute, backslashes. False, after telling the user if that is wanted,
 // when it does not fit.
 bool ResolveInputPath(const wchar_t* input, wchar_t* out, std::size_t capacity, bool quiet) {
-    if (PathNormalizeInput(input, out, capacity)) {
-        return true;
-    }
+    if (PathNormalizeInput(input, out, capacity)) return true;
     AppLogMsg(L"FAIL: FileOpen path does not fit: %s", input);
-    if (quiet) {
-        return false;
-    }
+    if (quiet) return false;
     ErrorMessage(L"Failed to open file: %s\n\nThe path is not valid or longer than %d characters.", input,
                  static_cast<int>(capacity - 1));
     return false;
@@ -45,25 +38,7 @@ bool ResolveInputPath(const wchar_t* input, wchar_t* out, std::size_t capacity, 
 // The compiler that the file's name asks for becomes the active one.
 void SelectCompilerFor(const wchar_t* path) {
     const auto compiler = static_cast<std::int32_t>(CompilerDefaultForFile(path));
-    if (compiler == g_app.settings.activeCompiler) {
-        return;
-    }
-    g_app.settings.activeCompiler = compiler;
-    MainWindow_UpdateCompilerSelection();
-    SyntaxThemeApplyAll();
-}
-
-// The first file opened gives the project tree its root.
-void OfferProjectRoot(const wchar_t* directory) {
-    Settings& settings = g_app.settings;
-    if (g_selftestTabsMode || settings.projectRoot[0] != L'\0' || g_app.hProjectTree == nullptr) {
-        return;
-    }
-    SafeCopyW(settings.projectRoot, directory);
-    if (settings.projectTreeWidth >= kTreeWidthSplitter) {
-        settings.projectTreeWidth = kTreeWidthDefault;
-    }
-    ProjectTreePopulate();
+    SettingsChange([compiler](Settings& settings) { settings.activeCompiler = compiler; });
 }
 
 // Caret and scroll position of an editor, to be put back after its text was replaced.
@@ -84,28 +59,24 @@ void RestoreView(HWND editor, const ViewPosition& view) {
 
 // IDYES, IDNO or IDCANCEL. A self-test run asks nothing and keeps nothing.
 int AskSaveChanges(int tab) {
-    if (g_selftestTabsMode) {
-        return IDNO;
-    }
+    if (g_selftestTabsMode) return IDNO;
     wchar_t question[512];
-    FormatBufferW(question, L"Save changes to %s?", g_app.tabs[static_cast<std::size_t>(tab)].label);
-    return MessageBoxW(g_app.hMainWnd, question, L"Unsaved Changes", MB_YESNOCANCEL | MB_ICONQUESTION);
+    FormatBufferW(question, L"Save changes to %s?", TabAt(tab).label);
+    return MessageBoxW(g_ui.hMainWnd, question, L"Unsaved Changes", MB_YESNOCANCEL | MB_ICONQUESTION);
 }
 
 // Reloading cannot be undone, so edits are not given up without a word.
 bool MayDiscardChanges(const DocumentTab& document) {
-    if (!document.modified || g_selftestTabsMode) {
-        return true;
-    }
+    if (!document.modified || g_selftestTabsMode) return true;
     wchar_t question[512];
     FormatBufferW(question, L"Reload %s and lose the changes made here?", document.label);
-    return MessageBoxW(g_app.hMainWnd, question, L"Unsaved Changes", MB_YESNO | MB_ICONQUESTION) == IDYES;
+    return MessageBoxW(g_ui.hMainWnd, question, L"Unsaved Changes", MB_YESNO | MB_ICONQUESTION) == IDYES;
 }
 
 // The editor found no memory for the whole text. What it holds is no longer the file's, so that no save, least of all
 // the timer's, cuts the file as well.
 void KeepFileFromCutText(int tab) {
-    DocumentTab& document = g_app.tabs[static_cast<std::size_t>(tab)];
+    DocumentTab& document = TabAt(tab);
     const std::wstring path{document.path};
     document.path[0] = L'\0';
     document.hasFile = false;
@@ -114,40 +85,31 @@ void KeepFileFromCutText(int tab) {
     ErrorMessage(L"Failed to reload file: %s", path.c_str());
 }
 
-int OpenPath(const wchar_t* path, bool quiet) {
-    wchar_t file[kPathCapacity] = {};
-    if (!ResolveInputPath(path, file, kPathCapacity, quiet)) {
-        return 0;
-    }
+enum class Opened { Failed, WasOpen, New };
+
+// Shows the document of an absolute path, which is opened when it is not.
+Opened ShowDocument(const wchar_t* file, bool quiet) {
     const int existing = TabBarFindPath(file);
     if (existing >= 0) {
         TabBarSelect(existing);
-        return 1;
+        return Opened::WasOpen;
     }
     wchar_t label[kLabelCapacity];
     PathGetFile(file, label, kLabelCapacity);
     const int tab = TabBarAdd(file, label);
     if (tab < 0) {
-        if (!quiet) {
-            ErrorMessage(L"Failed to open file: %s", file);
-        }
-        return 0;
+        if (!quiet) ErrorMessage(L"Failed to open file: %s", file);
+        return Opened::Failed;
     }
-    SelectCompilerFor(file);
     TabBarSelect(tab);
-    MruAddFile(file);
-    PathGetDir(file, g_app.lastDirectory, kPathCapacity);
-    OfferProjectRoot(g_app.lastDirectory);
-    return 1;
+    return Opened::New;
 }
 
 }  // namespace
 
 int FileNew() {
     const int tab = TabBarAdd(L"", L"Untitled");
-    if (tab < 0) {
-        return 0;
-    }
+    if (tab < 0) return 0;
     TabBarSelect(tab);
     return 1;
 }
@@ -157,40 +119,46 @@ int FileOpen(const wchar_t* path) {
     if (path == nullptr) {
         wchar_t directory[kPathCapacity] = {};
         FileOpenResolveInitialDirectory(directory, kPathCapacity);
-        if (!AskOpenPath(chosen, kPathCapacity, directory)) {
-            return 0;
-        }
+        if (!AskOpenPath(chosen, kPathCapacity, directory)) return 0;
         path = chosen;
     }
-    return OpenPath(path, false);
+    wchar_t file[kPathCapacity] = {};
+    if (!ResolveInputPath(path, file, kPathCapacity, false)) return 0;
+    const Opened opened = ShowDocument(file, false);
+    if (opened == Opened::New) {
+        SelectCompilerFor(file);
+        MruAddFile(file);
+        PathGetDir(file, g_documents.lastDirectory, kPathCapacity);
+        g_events.folderChosen(g_documents.lastDirectory);
+    }
+    return opened == Opened::Failed ? 0 : 1;
 }
 
-int FileOpenQuietly(const wchar_t* path) { return OpenPath(path, true); }
+int FileShow(const wchar_t* path, bool quiet) {
+    wchar_t file[kPathCapacity] = {};
+    return ResolveInputPath(path, file, kPathCapacity, quiet) && ShowDocument(file, quiet) != Opened::Failed ? 1 : 0;
+}
 
 int FileOpenResolveInitialDirectory(wchar_t* out, std::size_t capacity) {
     wchar_t exeDirectory[kPathCapacity] = {};
     AppExeDirectory(exeDirectory, kPathCapacity);
     const wchar_t* activeFile = L"";
-    if (IsTabIndex(g_app.activeTab)) {
-        const DocumentTab& tab = g_app.tabs[static_cast<std::size_t>(g_app.activeTab)];
+    if (IsTabIndex(g_documents.activeTab)) {
+        const DocumentTab& tab = TabAt(g_documents.activeTab);
         activeFile = tab.hasFile ? tab.path : L"";
     }
     const OpenDirectoryInputs inputs{
-        .activeFile = activeFile, .lastDirectory = g_app.lastDirectory, .exeDirectory = exeDirectory};
+        .activeFile = activeFile, .lastDirectory = g_documents.lastDirectory, .exeDirectory = exeDirectory};
     return ResolveOpenDirectory(inputs, DirectoryExists, out, capacity) ? 1 : 0;
 }
 
 int FileReload(int tab) {
-    if (!IsTabIndex(tab) || !g_app.tabs[static_cast<std::size_t>(tab)].hasFile) {
-        return 0;
-    }
-    const HWND editor = g_app.tabs[static_cast<std::size_t>(tab)].editor;
-    const bool mayDiscard = MayDiscardChanges(g_app.tabs[static_cast<std::size_t>(tab)]);
+    if (!IsTabIndex(tab) || !TabAt(tab).hasFile) return 0;
+    const HWND editor = TabAt(tab).editor;
+    const bool mayDiscard = MayDiscardChanges(TabAt(tab));
     tab = TabBarFindEditor(editor);  // the box may have let other work run
-    if (!mayDiscard || tab < 0) {
-        return 0;
-    }
-    DocumentTab& document = g_app.tabs[static_cast<std::size_t>(tab)];
+    if (!mayDiscard || tab < 0) return 0;
+    DocumentTab& document = TabAt(tab);
     std::size_t length = 0;
     TextEncoding encoding = document.encoding;
     LineEnding lineEnding = document.lineEnding;
@@ -203,9 +171,9 @@ int FileReload(int tab) {
     document.lineEnding = lineEnding;
     TabBarUpdateLineEnding(tab);
     const ViewPosition view = CaptureView(document.editor);
-    MainWindow_OnTextLeaving(document.editor);
+    g_events.textLeaving(document.id);
     EditorPaneSetBytes(document.editor, {text.get(), length});
-    MainWindow_OnTextArrived(document.editor);
+    g_events.textArrived(document.id);
     if (static_cast<std::size_t>(SciSend(document.editor, SCI_GETLENGTH)) != length) {
         KeepFileFromCutText(tab);
         return 0;
@@ -217,54 +185,39 @@ int FileReload(int tab) {
 }
 
 int FileConfirmClose(int tab) {
-    if (!IsTabIndex(tab)) {
-        return 0;
-    }
-    if (!g_app.tabs[static_cast<std::size_t>(tab)].modified) {
-        return 1;
-    }
+    if (!IsTabIndex(tab)) return 0;
+    if (!TabAt(tab).modified) return 1;
     // Timers and posted messages run while the box is up, so the tab is found again by its editor.
-    const HWND editor = g_app.tabs[static_cast<std::size_t>(tab)].editor;
+    const HWND editor = TabAt(tab).editor;
     const int answer = AskSaveChanges(tab);
     AppLogMsg(L"DBG FileClose: prompt answered tab=%d result=%d count=%d", tab, answer, TabCount());
     tab = TabBarFindEditor(editor);
-    if (tab < 0 || answer == IDCANCEL) {
-        return 0;
-    }
+    if (tab < 0 || answer == IDCANCEL) return 0;
     return answer == IDYES ? FileSave(tab) : 1;
 }
 
 int FileClose(int tab) {
-    if (!IsTabIndex(tab)) {
-        return 0;
-    }
-    const HWND editor = g_app.tabs[static_cast<std::size_t>(tab)].editor;
+    if (!IsTabIndex(tab)) return 0;
+    const HWND editor = TabAt(tab).editor;
     if (FileConfirmClose(tab) == 0 || TabBarRemove(TabBarFindEditor(editor)) == 0) {
-        TabBarCloseRefused();
+        g_documents.returnTo = 0;  // the user would rather keep it: it was not selected only to go back from it
         return 0;
     }
-    MainWindow_UpdateTitle();
     return 1;
 }
 
 int FileCloseAll() {
     while (TabCount() > 0) {
         const int tab = TabCount() - 1;
-        if (g_app.tabs[static_cast<std::size_t>(tab)].modified) {
-            TabBarSelect(tab);  // the user sees what the question is about
-        }
-        if (FileClose(tab) == 0) {
-            return 0;
-        }
+        if (TabAt(tab).modified) TabBarSelect(tab);  // the user sees what the question is about
+        if (FileClose(tab) == 0) return 0;
     }
     return 1;
 }
 
 void MruAddFile(const wchar_t* path) {
-    if (path == nullptr || path[0] == L'\0') {
-        return;
-    }
-    Settings& settings = g_app.settings;
+    if (path == nullptr || path[0] == L'\0') return;
+    Settings& settings = g_settings;
     settings.mruCount = RecentListAdd(settings.mruFiles, settings.mruCount, path, RecentMatch::IgnoreCase);
     SettingsSave(nullptr);
 }

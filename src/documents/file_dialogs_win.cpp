@@ -1,12 +1,12 @@
 // The system's open and save dialogs. Knows no document. UI thread.
 #include "documents/file_dialogs.h"
 
-#include "app/app_state.h"
-#include "app/log.h"
+#include "base/bounded_text.h"
+#include "base/log.h"
+#include "base/path.h"
 #include "documents/file_filters.h"
-#include "files/bounded_text.h"
-#include "files/message.h"
-#include "files/path.h"
+#include "ui/message.h"
+#include "ui/ui_state.h"
 
 #include <windows.h>
 
@@ -32,7 +32,7 @@ std::wstring FilterText() {
 bool Ask(BOOL(WINAPI* dialog)(LPOPENFILENAMEW), OPENFILENAMEW request) {
     const std::wstring filter = FilterText();
     request.lStructSize = sizeof request;
-    request.hwndOwner = g_app.hMainWnd;
+    request.hwndOwner = g_ui.hMainWnd;
     request.lpstrFilter = filter.c_str();
     request.nFilterIndex = 1;
     // A pre-filled name that the dialog refuses, odd or too long for it, is tried without its folder, then left out.
@@ -43,13 +43,9 @@ bool Ask(BOOL(WINAPI* dialog)(LPOPENFILENAMEW), OPENFILENAMEW request) {
     for (const std::wstring_view name : {std::wstring_view{path}, std::wstring_view{file}, std::wstring_view{}}) {
         SafeCopyW(request.lpstrFile, request.nMaxFile, name);
         OPENFILENAMEW attempt = request;
-        if (dialog(&attempt) != FALSE) {
-            return true;
-        }
+        if (dialog(&attempt) != FALSE) return true;
         error = CommDlgExtendedError();
-        if (error != FNERR_INVALIDFILENAME) {
-            break;
-        }
+        if (error != FNERR_INVALIDFILENAME) break;
     }
     if (error == FNERR_BUFFERTOOSMALL) {
         ErrorMessage(L"The path is too long: the editor takes paths of up to %d characters.",

@@ -1,21 +1,18 @@
 // Which names are source files. Pure.
 #include "documents/file_filters.h"
 
-#include "files/path.h"
+#include "base/path.h"
 
 bool IsSourceFileName(std::wstring_view name) {
     const std::size_t dot = name.rfind(L'.');
-    if (dot == std::wstring_view::npos) {
-        return false;
-    }
+    if (dot == std::wstring_view::npos) return false;
     const std::wstring_view extension = name.substr(dot);
     std::wstring_view patterns = kFileFilters[0].pattern;
     while (!patterns.empty()) {
         const std::size_t end = patterns.find(L';');
         const std::wstring_view pattern = patterns.substr(0, end);
-        if (PathEqualsIgnoreCase(pattern.substr(1), extension)) {  // past the asterisk
+        if (PathEqualsIgnoreCase(pattern.substr(1), extension))  // past the asterisk
             return true;
-        }
         patterns = end == std::wstring_view::npos ? std::wstring_view{} : patterns.substr(end + 1);
     }
     return false;

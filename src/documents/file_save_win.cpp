@@ -1,19 +1,20 @@
 // Saving of documents: under their own name, under a new one, all of them. UI thread.
-#include "app/app_state.h"
-#include "app/log.h"
-#include "app/shell.h"
+#include "base/events.h"
+#include "base/handles.h"
+#include "base/log.h"
+#include "base/path.h"
+#include "base/wide_format.h"
+#include "documents/document_row.h"
+#include "documents/editor_pane.h"
 #include "documents/file_commands.h"
 #include "documents/file_dialogs.h"
-#include "editor/editor_pane.h"
+#include "documents/theme.h"
 #include "files/file_io.h"
-#include "files/handles.h"
-#include "files/message.h"
-#include "files/path.h"
 #include "files/recovery.h"
-#include "files/wide_format.h"
-#include "language/theme.h"
 #include "scintilla/sci.h"
-#include "tabs/tab_bar.h"
+#include "settings/settings_state.h"
+#include "ui/message.h"
+#include "ui/ui_state.h"
 
 #include <string>
 #include <string_view>
@@ -28,9 +29,7 @@ class SaveGuard {
 public:
     SaveGuard() : entered_(!g_saving) { g_saving = true; }
     ~SaveGuard() {
-        if (entered_) {
-            g_saving = false;
-        }
+        if (entered_) g_saving = false;
     }
     SaveGuard(const SaveGuard&) = delete;
     SaveGuard& operator=(const SaveGuard&) = delete;
@@ -42,9 +41,7 @@ private:
 
 void BackUp(const wchar_t* path) {
     // After a failed save the file may be cut short; the backup made before that save is the good one.
-    if (g_app.settings.backupOnSave == 0 || !FileExists(path) || RecoveryHasKept(path)) {
-        return;
-    }
+    if (g_settings.backupOnSave == 0 || !FileExists(path) || RecoveryHasKept(path)) return;
     const std::wstring backup = std::wstring{path} + L".bak";
     if (CopyFileW(PathExtended(path).c_str(), PathExtended(backup).c_str(), FALSE) == FALSE) {
         // The save goes on: the user's text matters more than the copy of the old one.
@@ -56,19 +53,15 @@ void BackUp(const wchar_t* path) {
 // to save with, or -1 when the user would rather not save.
 int ChooseEncoding(const DocumentTab& document, std::string_view text) {
     const int asIs = static_cast<int>(document.encoding);
-    if (document.encoding != TextEncoding::Ansi || AnsiCanHold(text)) {
-        return asIs;
-    }
-    if (g_selftestTabsMode) {
-        return static_cast<int>(TextEncoding::Utf8);
-    }
+    if (document.encoding != TextEncoding::Ansi || AnsiCanHold(text)) return asIs;
+    if (g_selftestTabsMode) return static_cast<int>(TextEncoding::Utf8);
     const std::wstring question = FormatW(
         L"%s contains characters that the system's code page (ANSI) does not have. Saved as ANSI, each of them would "
         L"be "
         L"replaced.\n\nSave as UTF-8 instead?\n\nYes: save as UTF-8, nothing is lost\nNo: save as ANSI, these "
         L"characters are replaced\nCancel: do not save",
         document.label);
-    switch (MessageBoxW(g_app.hMainWnd, question.c_str(), L"KVXE - Unified Compiler Editor",
+    switch (MessageBoxW(g_ui.hMainWnd, question.c_str(), L"KVXE - Unified Compiler Editor",
                         MB_YESNOCANCEL | MB_ICONWARNING)) {
         case IDYES: return static_cast<int>(TextEncoding::Utf8);
         case IDNO: return asIs;
@@ -78,8 +71,8 @@ int ChooseEncoding(const DocumentTab& document, std::string_view text) {
 
 // Writes the document to its own path.
 int SaveTab(int tab) {
-    const HWND editor = g_app.tabs[static_cast<std::size_t>(tab)].editor;
-    BackUp(g_app.tabs[static_cast<std::size_t>(tab)].path);
+    const HWND editor = TabAt(tab).editor;
+    BackUp(TabAt(tab).path);
 
     std::size_t length = 0;
     const HeapBlock<char> text{EditorPaneGetText(editor, &length)};
@@ -87,18 +80,16 @@ int SaveTab(int tab) {
         AppLogMsg(L"FAIL: FileSave no memory for the text");
         return 0;
     }
-    const int encoding = ChooseEncoding(g_app.tabs[static_cast<std::size_t>(tab)], {text.get(), length});
+    const int encoding = ChooseEncoding(TabAt(tab), {text.get(), length});
     tab = TabBarFindEditor(editor);  // the box may have let other work run
-    if (encoding < 0 || tab < 0) {
-        return 0;
-    }
-    DocumentTab& document = g_app.tabs[static_cast<std::size_t>(tab)];
+    if (encoding < 0 || tab < 0) return 0;
+    DocumentTab& document = TabAt(tab);
     if (!WriteSourceFileFromEditor(document.path, text.get(), length, static_cast<TextEncoding>(encoding),
                                    document.lineEnding)) {
         const std::wstring copy = RecoveryLastPath();
         if (!copy.empty()) {
             AppLogMsg(L"FAIL: FileSave, the new text is kept in %s", copy.c_str());
-            StatusBarSetText(FormatW(L"Not saved. The text is kept in %s", copy.c_str()).c_str());
+            g_events.statusText(FormatW(L"Not saved. The text is kept in %s", copy.c_str()).c_str());
         }
         ErrorMessage(L"Failed to save file: %s", document.path);
         return 0;
@@ -108,18 +99,17 @@ int SaveTab(int tab) {
     SciSend(editor, SCI_SETSAVEPOINT);
     EditorPaneClearChangeMarks(editor);
     TabBarUpdateTitle(tab);
+    g_events.documentSaved(document.id);
     return 1;
 }
 
 // Asks for the new name. False when the user cancelled or the file is open in another tab.
 bool AskNewPath(int tab, wchar_t* out, std::size_t capacity) {
     wchar_t chosen[kPathCapacity];
-    SafeCopyW(chosen, g_app.tabs[static_cast<std::size_t>(tab)].path);
+    SafeCopyW(chosen, TabAt(tab).path);
     wchar_t directory[kPathCapacity] = {};
     FileOpenResolveInitialDirectory(directory, kPathCapacity);
-    if (!AskSavePath(chosen, kPathCapacity, directory) || !PathNormalizeInput(chosen, out, capacity)) {
-        return false;
-    }
+    if (!AskSavePath(chosen, kPathCapacity, directory) || !PathNormalizeInput(chosen, out, capacity)) return false;
     const int other = TabBarFindPath(out);
     if (other >= 0 && other != tab) {
         ErrorMessage(L"%s is open in another tab. Close it there first, or choose another name.", out);
@@ -134,26 +124,22 @@ void BindToPath(DocumentTab& document, const wchar_t* path) {
     document.hasFile = true;
     document.encoding = TextEncoding::Ansi;
     document.lineEnding = LineEnding::CrLf;
-    PathGetDir(path, g_app.lastDirectory, kPathCapacity);
+    PathGetDir(path, g_documents.lastDirectory, kPathCapacity);
     PathGetFile(path, document.label, kLabelCapacity);
 }
 
 int SaveTabAs(int tab) {
-    const HWND editor = g_app.tabs[static_cast<std::size_t>(tab)].editor;
+    const HWND editor = TabAt(tab).editor;
     wchar_t path[kPathCapacity] = {};
     const bool chosen = AskNewPath(tab, path, kPathCapacity);
     tab = TabBarFindEditor(editor);
-    if (!chosen || tab < 0) {
-        return 0;
-    }
-    const DocumentTab before = g_app.tabs[static_cast<std::size_t>(tab)];
-    BindToPath(g_app.tabs[static_cast<std::size_t>(tab)], path);
+    if (!chosen || tab < 0) return 0;
+    const DocumentTab before = TabAt(tab);
+    BindToPath(TabAt(tab), path);
     const int saved = SaveTab(tab);
     tab = TabBarFindEditor(editor);
-    if (tab < 0) {
-        return saved;
-    }
-    DocumentTab& document = g_app.tabs[static_cast<std::size_t>(tab)];
+    if (tab < 0) return saved;
+    DocumentTab& document = TabAt(tab);
     if (saved == 0) {
         // Nothing was written under the new name, so the document does not go by it: the next save must not take the
         // unfinished file for its own, nor the old file be forgotten.
@@ -167,8 +153,7 @@ int SaveTabAs(int tab) {
         TabBarUpdateLineEnding(tab);
         SyntaxThemeApply(editor, document.compilerId, document.path);  // the extension may mean another language
     }
-    MainWindow_UpdateTitle();
-    StatusBarUpdatePosition();
+    g_events.documentChanged(document.id);
     return saved;
 }
 
@@ -176,13 +161,9 @@ int SaveTabAs(int tab) {
 bool SaveModified(bool withFile) {
     bool allSaved = true;
     for (int tab = 0; tab < TabCount() && (allSaved || withFile); ++tab) {
-        const DocumentTab& document = g_app.tabs[static_cast<std::size_t>(tab)];
-        if (!document.modified || document.hasFile != withFile) {
-            continue;
-        }
-        if (!withFile) {
-            TabBarSelect(tab);  // the user sees which document wants a name
-        }
+        const DocumentTab& document = TabAt(tab);
+        if (!document.modified || document.hasFile != withFile) continue;
+        if (!withFile) TabBarSelect(tab);  // the user sees which document wants a name
         allSaved = FileSave(tab) != 0 && allSaved;
     }
     return allSaved;
@@ -192,10 +173,8 @@ bool SaveModified(bool withFile) {
 
 int FileSave(int tab) {
     const SaveGuard guard;
-    if (!guard.Entered() || !IsTabIndex(tab)) {
-        return 0;
-    }
-    const DocumentTab& document = g_app.tabs[static_cast<std::size_t>(tab)];
+    if (!guard.Entered() || !IsTabIndex(tab)) return 0;
+    const DocumentTab& document = TabAt(tab);
     return document.hasFile && document.path[0] != L'\0' ? SaveTab(tab) : SaveTabAs(tab);
 }
 

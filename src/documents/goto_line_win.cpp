@@ -1,12 +1,13 @@
 // The "go to line" dialog. Modal, UI thread.
-#include "app/app_state.h"
-#include "app/log.h"
+#include "base/log.h"
+#include "base/wide_format.h"
+#include "documents/documents_state.h"
+#include "documents/editor_pane.h"
 #include "documents/file_commands.h"
 #include "documents/open_directory.h"
-#include "editor/editor_pane.h"
-#include "files/wide_format.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
+#include "ui/ui_state.h"
 
 #include <windows.h>
 
@@ -37,12 +38,13 @@ int GetNumber(HWND dialog, int control) {
 
 // The line counts from 1 and the column from 0, as the fields are read back.
 void Fill(HWND dialog) {
-    const LRESULT caret = SciSend(g_app.hEditor, SCI_GETCURRENTPOS);
-    SetNumber(dialog, IDC_GOTO_LINE, SciSend(g_app.hEditor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(caret)) + 1);
-    SetNumber(dialog, IDC_GOTO_LINE_COUNT, SciSend(g_app.hEditor, SCI_GETLINECOUNT));
-    SetNumber(dialog, IDC_GOTO_COLUMN, SciSend(g_app.hEditor, SCI_GETCOLUMN, static_cast<WPARAM>(caret)));
+    const LRESULT caret = SciSend(g_documents.hEditor, SCI_GETCURRENTPOS);
+    SetNumber(dialog, IDC_GOTO_LINE,
+              SciSend(g_documents.hEditor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(caret)) + 1);
+    SetNumber(dialog, IDC_GOTO_LINE_COUNT, SciSend(g_documents.hEditor, SCI_GETLINECOUNT));
+    SetNumber(dialog, IDC_GOTO_COLUMN, SciSend(g_documents.hEditor, SCI_GETCOLUMN, static_cast<WPARAM>(caret)));
     wchar_t procedure[kProcedureCapacity];
-    EditorPaneProcedureLine(g_app.hEditor, procedure, kProcedureCapacity);
+    EditorPaneProcedureLine(g_documents.hEditor, procedure, kProcedureCapacity);
     SetDlgItemTextW(dialog, IDC_GOTO_PROCEDURE, procedure);
     const HWND line = GetDlgItem(dialog, IDC_GOTO_LINE);
     SendMessageW(line, EM_SETSEL, 0, -1);
@@ -50,10 +52,8 @@ void Fill(HWND dialog) {
 }
 
 void GoTo(const GotoTarget& target) {
-    const HWND editor = g_app.hEditor;
-    if (target.line < 1 || editor == nullptr) {
-        return;
-    }
+    const HWND editor = g_documents.hEditor;
+    if (target.line < 1 || editor == nullptr) return;
     const LRESULT lines = SciSend(editor, SCI_GETLINECOUNT);
     const auto index = static_cast<WPARAM>(std::min<LRESULT>(target.line, lines) - 1);
     const LRESULT start = SciSend(editor, SCI_POSITIONFROMLINE, index);
@@ -78,11 +78,10 @@ INT_PTR CALLBACK GotoLineDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARA
             Fill(dialog);
             return FALSE;  // the focus is set already
         case WM_COMMAND:
-            if (LOWORD(wParam) == IDOK) {
+            if (LOWORD(wParam) == IDOK)
                 Accept(dialog);
-            } else if (LOWORD(wParam) == IDCANCEL) {
+            else if (LOWORD(wParam) == IDCANCEL)
                 EndDialog(dialog, IDCANCEL);
-            }
             return TRUE;
         default: return FALSE;
     }
@@ -92,11 +91,10 @@ INT_PTR CALLBACK GotoLineDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARA
 
 void GotoLineDialogShow(HWND owner) {
     GotoTarget target;
-    const INT_PTR answer = DialogBoxParamW(g_app.hInstance, MAKEINTRESOURCEW(IDD_GOTO_LINE), owner, GotoLineDlgProc,
+    const INT_PTR answer = DialogBoxParamW(g_ui.hInstance, MAKEINTRESOURCEW(IDD_GOTO_LINE), owner, GotoLineDlgProc,
                                            reinterpret_cast<LPARAM>(&target));
-    if (answer == -1) {
+    if (answer == -1)
         AppLogMsg(L"FAIL: GotoLineDialogShow error=%lu", GetLastError());
-    } else if (answer == IDOK) {
+    else if (answer == IDOK)
         GoTo(target);
-    }
 }

@@ -1,8 +1,8 @@
 // Rules behind the open dialog and the go-to-line dialog. Pure.
 #include "documents/open_directory.h"
 
-#include "files/bounded_text.h"
-#include "files/path.h"
+#include "base/bounded_text.h"
+#include "base/path.h"
 
 #include <algorithm>
 
@@ -17,15 +17,11 @@ constexpr const wchar_t* kExampleFolders[] = {
 
 bool ResolveOpenDirectory(const OpenDirectoryInputs& inputs, DirectoryProbe exists, wchar_t* out,
                           std::size_t capacity) {
-    if (out == nullptr || capacity == 0) {
-        return false;
-    }
+    if (out == nullptr || capacity == 0) return false;
     out[0] = L'\0';
     if (inputs.activeFile[0] != L'\0') {
         PathGetDir(inputs.activeFile, out, capacity);
-        if (out[0] != L'\0') {
-            return true;
-        }
+        if (out[0] != L'\0') return true;
     }
     if (inputs.lastDirectory[0] != L'\0') {
         SafeCopyW(out, capacity, inputs.lastDirectory);

@@ -14,9 +14,7 @@ std::uint32_t HashPath(std::wstring_view path) {
     std::uint32_t hash = 2166136261U;
     for (const wchar_t c : path) {
         const auto code = static_cast<std::uint32_t>(c >= L'A' && c <= L'Z' ? c + (L'a' - L'A') : c);
-        for (unsigned shift = 0; shift < 16; shift += 8) {
-            hash = (hash ^ ((code >> shift) & 0xFFU)) * 16777619U;
-        }
+        for (unsigned shift = 0; shift < 16; shift += 8) hash = (hash ^ ((code >> shift) & 0xFFU)) * 16777619U;
     }
     return hash;
 }
@@ -36,9 +34,7 @@ std::wstring RecoveryCopyName(std::wstring_view targetPath, std::uint32_t proces
     const std::size_t slash = targetPath.find_last_of(L"\\/:");
     const std::wstring_view name = slash == std::wstring_view::npos ? targetPath : targetPath.substr(slash + 1);
     std::size_t dot = name.rfind(L'.');
-    if (dot == std::wstring_view::npos || dot == 0 || name.size() - dot > kExtensionLimit) {
-        dot = name.size();
-    }
+    if (dot == std::wstring_view::npos || dot == 0 || name.size() - dot > kExtensionLimit) dot = name.size();
     std::wstring result{name.substr(0, std::min(dot, kStemLimit))};
     result += L" [" + Hex(HashPath(targetPath)) + L'-' + Hex(processId) + L'-' + std::to_wstring(number) + L']';
     result += name.substr(dot);

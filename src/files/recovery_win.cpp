@@ -1,9 +1,9 @@
 // Recovery copies on disk. The list of copies that failed saves left is the only state, under its own lock; any thread.
 #include "files/recovery.h"
 
+#include "base/handles.h"
+#include "base/path.h"
 #include "files/file_io.h"
-#include "files/handles.h"
-#include "files/path.h"
 
 #include <shlobj.h>
 
@@ -29,9 +29,7 @@ std::atomic<std::uint32_t> g_nextNumber{1};
 std::wstring LocalAppData() {
     wchar_t folder[1024];
     const DWORD length = GetEnvironmentVariableW(L"LOCALAPPDATA", folder, static_cast<DWORD>(std::size(folder)));
-    if (length > 0 && length < std::size(folder)) {
-        return folder;
-    }
+    if (length > 0 && length < std::size(folder)) return folder;
     wchar_t known[MAX_PATH];
     return SUCCEEDED(SHGetFolderPathW(nullptr, CSIDL_LOCAL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, known)) ? known : L"";
 }
@@ -53,31 +51,25 @@ bool WriteFlushed(const std::wstring& path, const char* bytes, std::size_t lengt
         standing = created && WriteFile(file.Get(), bytes, static_cast<DWORD>(length), &written, nullptr) != FALSE &&
                    written == length && FlushWritten(file.Get());
     }
-    if (created && !standing) {
-        DeleteFileW(systemPath.c_str());  // half a copy would only mislead
-    }
+    if (created && !standing) DeleteFileW(systemPath.c_str());  // half a copy would only mislead
     return standing;
 }
 
 void Remove(const RecoveryCopy& copy) {
     // What cannot be deleted is a leftover in the user's recovery folder, not a loss.
-    if (!copy.path.empty()) {
-        DeleteFileW(PathForSystem(copy.path.c_str()).c_str());
-    }
-    if (!copy.notePath.empty()) {
-        DeleteFileW(PathForSystem(copy.notePath.c_str()).c_str());
-    }
+    if (!copy.path.empty()) DeleteFileW(PathForSystem(copy.path.c_str()).c_str());
+    if (!copy.notePath.empty()) DeleteFileW(PathForSystem(copy.notePath.c_str()).c_str());
 }
 
 // Removes the copies that earlier failures of this target left: older states of the same document. Under g_keptLock.
 void RemoveKept(const wchar_t* target) {
-    std::erase_if(g_kept, [target](const KeptCopy& kept) {
-        const bool same = PathEqualsIgnoreCase(kept.target, target);
-        if (same) {
-            Remove(kept.copy);
-        }
-        return same;
-    });
+    std::erase_if(
+        g_kept,
+        [target](const KeptCopy& kept) {
+            const bool same = PathEqualsIgnoreCase(kept.target, target);
+            if (same) Remove(kept.copy);
+            return same;
+        });
 }
 
 // A name that is free in the folder: an earlier process with the same number may have left a copy.
@@ -92,9 +84,7 @@ std::wstring FreeName(const std::wstring& folder, const wchar_t* target) {
 bool WriteInUserFolder(const wchar_t* target, const char* bytes, std::size_t length, RecoveryCopy* copy) {
     const std::wstring folder = RecoveryFolder();
     const HeapBlock<char> note{WideToUtf8(target)};
-    if (folder.empty() || !note) {
-        return false;
-    }
+    if (folder.empty() || !note) return false;
     const std::wstring path = FreeName(folder, target);
     const RecoveryCopy wanted{.path = path, .notePath = path + L".path"};
     // The note first: with the copy on disk, so is what it belongs to.
@@ -112,30 +102,22 @@ bool WriteInUserFolder(const wchar_t* target, const char* bytes, std::size_t len
 
 std::wstring RecoveryFolder() {
     std::wstring folder = LocalAppData();
-    if (folder.empty()) {
-        return {};
-    }
+    if (folder.empty()) return {};
     for (const wchar_t* part : {L"\\KVX-Editor", L"\\Recovery"}) {
         folder += part;
-        if (!EnsureFolder(folder)) {
-            return {};
-        }
+        if (!EnsureFolder(folder)) return {};
     }
     return folder + L'\\';
 }
 
 bool RecoveryWrite(const wchar_t* target, const char* bytes, std::size_t length, RecoveryCopy* copy) {
     *copy = {};
-    if (WriteInUserFolder(target, bytes, length, copy)) {
-        return true;
-    }
+    if (WriteInUserFolder(target, bytes, length, copy)) return true;
     // The volume of the user's folder is full or gone; the target's own volume may have room.
     std::wstring folder{target};
     folder.resize(folder.rfind(L'\\') + 1);  // npos + 1 is 0: the current folder
     const std::wstring beside = FreeName(folder, target);
-    if (!WriteFlushed(beside, bytes, length, FILE_ATTRIBUTE_NORMAL)) {
-        return false;
-    }
+    if (!WriteFlushed(beside, bytes, length, FILE_ATTRIBUTE_NORMAL)) return false;
     copy->path = beside;
     return true;
 }

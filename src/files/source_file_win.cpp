@@ -1,8 +1,8 @@
 // Source files between disk and editor: encoding and line ending are found on the way in and restored on the way out,
 // and a save never leaves the user without either the old or the new content. Any thread.
+#include "base/handles.h"
+#include "base/path.h"
 #include "files/file_io.h"
-#include "files/handles.h"
-#include "files/path.h"
 #include "files/recovery.h"
 
 #include <algorithm>
@@ -20,14 +20,10 @@ struct WideBlock {
 
 WideBlock ToWide(UINT codePage, const char* bytes, std::size_t length) {
     WideBlock wide;
-    if (length == 0 || length > INT_MAX) {
-        return wide;
-    }
+    if (length == 0 || length > INT_MAX) return wide;
     const int size = static_cast<int>(length);
     const int needed = MultiByteToWideChar(codePage, 0, bytes, size, nullptr, 0);
-    if (needed < 1) {
-        return wide;
-    }
+    if (needed < 1) return wide;
     wide.text.reset(static_cast<wchar_t*>(std::malloc((static_cast<std::size_t>(needed) + 1) * sizeof(wchar_t))));
     if (wide.text && MultiByteToWideChar(codePage, 0, bytes, size, wide.text.get(), needed) == needed) {
         wide.text.get()[needed] = L'\0';
@@ -44,13 +40,9 @@ struct ByteBlock {
 // NUL-terminated; no block on failure.
 ByteBlock FromWide(UINT codePage, const WideBlock& wide) {
     ByteBlock result;
-    if (wide.length < 1) {
-        return result;
-    }
+    if (wide.length < 1) return result;
     const int needed = WideCharToMultiByte(codePage, 0, wide.text.get(), wide.length, nullptr, 0, nullptr, nullptr);
-    if (needed < 1) {
-        return result;
-    }
+    if (needed < 1) return result;
     HeapBlock<char> bytes{static_cast<char*>(std::malloc(static_cast<std::size_t>(needed) + 1))};
     if (bytes && WideCharToMultiByte(codePage, 0, wide.text.get(), wide.length, bytes.get(), needed, nullptr,
                                      nullptr) == needed) {
@@ -85,16 +77,13 @@ TargetState LookAtTarget(const std::wstring& systemPath) {
 // False only when the volume certainly has no room for the new content, the old one's counted as free. Truncating
 // first and running out afterwards would leave half a file.
 bool VolumeHasRoom(const wchar_t* path, const TargetState& target, std::size_t length) {
-    if (length <= target.size) {
-        return true;
-    }
+    if (length <= target.size) return true;
     wchar_t directory[4096];
     PathGetDir(path, directory, 4096);
     ULARGE_INTEGER available = {};
     if (directory[0] == L'\0' ||
-        GetDiskFreeSpaceExW(PathForSystem(directory).c_str(), &available, nullptr, nullptr) == FALSE) {
+        GetDiskFreeSpaceExW(PathForSystem(directory).c_str(), &available, nullptr, nullptr) == FALSE)
         return true;  // not known: the write will tell
-    }
     return length - target.size <= available.QuadPart;
 }
 
@@ -114,20 +103,13 @@ Verdict CompareWithFile(const std::wstring& systemPath, const char* bytes, std::
                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
                                         FILE_FLAG_SEQUENTIAL_SCAN, nullptr)};
     const HeapBlock<char> chunk{static_cast<char*>(std::malloc(kVerifyChunk))};
-    if (!file || !chunk) {
-        return Verdict::Unreadable;
-    }
+    if (!file || !chunk) return Verdict::Unreadable;
     for (std::size_t offset = 0;;) {
         DWORD read = 0;
-        if (ReadFile(file.Get(), chunk.get(), static_cast<DWORD>(kVerifyChunk), &read, nullptr) == FALSE) {
+        if (ReadFile(file.Get(), chunk.get(), static_cast<DWORD>(kVerifyChunk), &read, nullptr) == FALSE)
             return Verdict::Unreadable;
-        }
-        if (read == 0) {
-            return offset == length ? Verdict::Same : Verdict::Different;
-        }
-        if (read > length - offset || std::memcmp(chunk.get(), bytes + offset, read) != 0) {
-            return Verdict::Different;
-        }
+        if (read == 0) return offset == length ? Verdict::Same : Verdict::Different;
+        if (read > length - offset || std::memcmp(chunk.get(), bytes + offset, read) != 0) return Verdict::Different;
         offset += read;
     }
 }
@@ -135,9 +117,7 @@ Verdict CompareWithFile(const std::wstring& systemPath, const char* bytes, std::
 // Order matters: the copy stands before the target is touched. When not even a copy beside the target can be written,
 // a target that holds something is left alone: its old content is then the only one on any disk.
 bool SaveSafely(const wchar_t* path, const char* bytes, std::size_t length) {
-    if (length >= MAXDWORD) {
-        return false;
-    }
+    if (length >= MAXDWORD) return false;
     const std::wstring systemPath = PathForSystem(path);
     const TargetState target = LookAtTarget(systemPath);
     RecoveryCopy copy;
@@ -168,12 +148,8 @@ char* ReadSourceFileForEditor(const wchar_t* path, std::size_t* length, TextEnco
                               LineEnding* lineEnding) {
     std::size_t rawLength = 0;
     HeapBlock<char> raw{ReadFileUtf8(path, &rawLength)};
-    if (!raw) {
-        return nullptr;
-    }
-    if (lineEnding != nullptr) {
-        *lineEnding = DetectLineEnding(raw.get(), rawLength);
-    }
+    if (!raw) return nullptr;
+    if (lineEnding != nullptr) *lineEnding = DetectLineEnding(raw.get(), rawLength);
     TextEncoding found = TextEncoding::Utf8;
     ByteBlock text;
     if (IsValidUtf8Bytes(raw.get(), rawLength)) {
@@ -183,33 +159,21 @@ char* ReadSourceFileForEditor(const wchar_t* path, std::size_t* length, TextEnco
         const WideBlock wide = ToWide(CP_ACP, raw.get(), rawLength);
         raw.reset();
         text = FromWide(CP_UTF8, wide);
-        if (!text.bytes) {
-            return nullptr;
-        }
+        if (!text.bytes) return nullptr;
     }
-    if (encoding != nullptr) {
-        *encoding = found;
-    }
-    if (length != nullptr) {
-        *length = text.length;
-    }
+    if (encoding != nullptr) *encoding = found;
+    if (length != nullptr) *length = text.length;
     return text.bytes.release();
 }
 
 bool WriteSourceFileFromEditor(const wchar_t* path, const char* utf8, std::size_t length, TextEncoding encoding,
                                LineEnding lineEnding) {
-    if (path == nullptr || utf8 == nullptr) {
-        return false;
-    }
+    if (path == nullptr || utf8 == nullptr) return false;
     RecoveryKeep(path, {});  // the copy of an earlier failure is not this one's
     std::size_t normalLength = 0;
     HeapBlock<char> normal{NormalizeLineEndings(utf8, length, lineEnding, &normalLength)};
-    if (!normal) {
-        return false;
-    }
-    if (encoding != TextEncoding::Ansi) {
-        return SaveSafely(path, normal.get(), normalLength);
-    }
+    if (!normal) return false;
+    if (encoding != TextEncoding::Ansi) return SaveSafely(path, normal.get(), normalLength);
     const WideBlock wide = ToWide(CP_UTF8, normal.get(), normalLength);
     normal.reset();
     const ByteBlock ansi = FromWide(CP_ACP, wide);
@@ -220,9 +184,7 @@ bool AnsiCanHold(std::string_view utf8) { return AnsiFirstUnmappable(utf8) < 0; 
 
 std::ptrdiff_t AnsiFirstUnmappable(std::string_view utf8) {
     // A system whose code page is UTF-8 holds everything, and takes no question about replacements.
-    if (GetACP() == CP_UTF8) {
-        return -1;
-    }
+    if (GetACP() == CP_UTF8) return -1;
     // Blocks of a fixed size keep the memory small and the common answer one pass; the block with the character in it is
     // then walked one by one.
     constexpr std::size_t kBlock = 1 << 16;
@@ -240,22 +202,15 @@ std::ptrdiff_t AnsiFirstUnmappable(std::string_view utf8) {
     const auto isLead = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; };
     for (std::size_t at = 0; at < utf8.size();) {
         std::size_t end = std::min(utf8.size(), at + kBlock);
-        while (end < utf8.size() && !isLead(utf8[end])) {
-            ++end;
-        }
+        while (end < utf8.size() && !isLead(utf8[end])) ++end;
         unsigned char bits = 0;  // every code page begins with ASCII
-        for (const char c : utf8.substr(at, end - at)) {
-            bits |= static_cast<unsigned char>(c);
-        }
+        for (const char c : utf8.substr(at, end - at)) bits |= static_cast<unsigned char>(c);
         if (bits >= 0x80 && !holds(utf8.substr(at, end - at))) {
             for (std::size_t first = at; first < end;) {
                 std::size_t next = first + 1;
-                while (next < end && !isLead(utf8[next])) {
-                    ++next;
-                }
-                if (static_cast<unsigned char>(utf8[first]) >= 0x80 && !holds(utf8.substr(first, next - first))) {
+                while (next < end && !isLead(utf8[next])) ++next;
+                if (static_cast<unsigned char>(utf8[first]) >= 0x80 && !holds(utf8.substr(first, next - first)))
                     return static_cast<std::ptrdiff_t>(first);
-                }
                 first = next;
             }
         }

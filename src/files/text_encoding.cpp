@@ -23,31 +23,21 @@ constexpr std::uint64_t ZeroBytes(std::uint64_t word) { return (word - kLowBits)
 
 const char* SkipAscii(const char* at, const char* end) {
     while (end - at >= 32) {
-        if (((Load8(at) | Load8(at + 8) | Load8(at + 16) | Load8(at + 24)) & kHighBits) != 0) {
-            break;
-        }
+        if (((Load8(at) | Load8(at + 8) | Load8(at + 16) | Load8(at + 24)) & kHighBits) != 0) break;
         at += 32;
     }
-    while (end - at >= 8 && (Load8(at) & kHighBits) == 0) {
-        at += 8;
-    }
-    while (at != end && static_cast<unsigned char>(*at) < 0x80) {
-        ++at;
-    }
+    while (end - at >= 8 && (Load8(at) & kHighBits) == 0) at += 8;
+    while (at != end && static_cast<unsigned char>(*at) < 0x80) ++at;
     return at;
 }
 
 const char* FindLineBreak(const char* at, const char* end) {
     while (end - at >= 8) {
         const std::uint64_t word = Load8(at);
-        if ((ZeroBytes(word ^ (kLowBits * '\n')) | ZeroBytes(word ^ (kLowBits * '\r'))) != 0) {
-            break;
-        }
+        if ((ZeroBytes(word ^ (kLowBits * '\n')) | ZeroBytes(word ^ (kLowBits * '\r'))) != 0) break;
         at += 8;
     }
-    while (at != end && *at != '\n' && *at != '\r') {
-        ++at;
-    }
+    while (at != end && *at != '\n' && *at != '\r') ++at;
     return at;
 }
 
@@ -74,50 +64,33 @@ std::size_t SequenceLength(const char* at, const char* end) {
         low = lead == 0xF0 ? 0x90 : low;
         high = lead == 0xF4 ? 0x8F : high;
     }
-    if (length == 0 || length > left || byte(1) < low || byte(1) > high) {
-        return 0;
-    }
-    for (std::size_t i = 2; i < length; ++i) {
-        if ((byte(i) & 0xC0U) != 0x80U) {
-            return 0;
-        }
-    }
+    if (length == 0 || length > left || byte(1) < low || byte(1) > high) return 0;
+    for (std::size_t i = 2; i < length; ++i)
+        if ((byte(i) & 0xC0U) != 0x80U) return 0;
     return length;
 }
 
 }  // namespace
 
 bool IsValidUtf8Bytes(const char* bytes, std::size_t length) {
-    if (length == 0) {
-        return true;
-    }
+    if (length == 0) return true;
     const char* const end = bytes + length;
     for (const char* at = SkipAscii(bytes, end); at != end;) {
         const std::size_t taken = SequenceLength(at, end);
-        if (taken == 0) {
-            return false;
-        }
+        if (taken == 0) return false;
         at += taken;
         // In text of another script the next byte is most often no ASCII; the long stride pays only when it is.
-        if (at != end && static_cast<unsigned char>(*at) < 0x80) {
-            at = SkipAscii(at, end);
-        }
+        if (at != end && static_cast<unsigned char>(*at) < 0x80) at = SkipAscii(at, end);
     }
     return true;
 }
 
 LineEnding DetectLineEnding(const char* bytes, std::size_t length) {
-    if (length == 0) {
-        return LineEnding::CrLf;
-    }
+    if (length == 0) return LineEnding::CrLf;
     const char* const end = bytes + length;
     const char* const at = FindLineBreak(bytes, end);
-    if (at == end) {
-        return LineEnding::CrLf;
-    }
-    if (*at == '\n') {
-        return LineEnding::Lf;
-    }
+    if (at == end) return LineEnding::CrLf;
+    if (*at == '\n') return LineEnding::Lf;
     return AfterLineBreak(at, end) - at == 2 ? LineEnding::CrLf : LineEnding::Cr;
 }
 
@@ -135,25 +108,19 @@ char* NormalizeLineEndings(const char* bytes, std::size_t length, LineEnding lin
     }
 
     char* const result = static_cast<char*>(std::malloc(total + 1));
-    if (result == nullptr) {
-        return nullptr;
-    }
+    if (result == nullptr) return nullptr;
     char* out = result;
     for (const char* at = begin;;) {
         const char* const lineEnd = FindLineBreak(at, end);
         const auto run = static_cast<std::size_t>(lineEnd - at);
         std::memcpy(out, at, run);
         out += run;
-        if (lineEnd == end) {
-            break;
-        }
+        if (lineEnd == end) break;
         std::memcpy(out, target, targetLength);
         out += targetLength;
         at = AfterLineBreak(lineEnd, end);
     }
     *out = '\0';
-    if (outLength != nullptr) {
-        *outLength = total;
-    }
+    if (outLength != nullptr) *outLength = total;
     return result;
 }

@@ -73,9 +73,8 @@ bool IsWordCharacter(char c) { return IsLetter(c) || IsDigit(c) || c == '_'; }
 
 std::string Upper(std::string_view text) {
     std::string upper(text);
-    for (char& c : upper) {
+    for (char& c : upper)
         if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
-    }
     return upper;
 }
 
@@ -160,9 +159,8 @@ void ScanWord(Scanner& scan) {
     scan.at = end;
     const bool data = upper == "DATA" && AtStatementStart(scan);
     if (before == '#' && scan.first && scan.out->directive.empty() && scan.out->statements.size() == 1 &&
-        scan.out->statements.front().size() == 1) {
+        scan.out->statements.front().size() == 1)
         scan.out->directive = upper;
-    }
     AddToken(scan, plain ? upper : "." + upper);
     if (data) CopyRest(scan);
 }
@@ -188,11 +186,10 @@ LineScan ScanLine(std::string_view line, bool upperKeywords, bool first) {
             out.text.push_back(c);
             ++scan.at;
             out.continues = c == '_' || (out.continues && IsBlank(c));
-            if (c == ':') {
+            if (c == ':')
                 out.statements.emplace_back();
-            } else if (c != '_' && !IsBlank(c)) {
+            else if (c != '_' && !IsBlank(c))
                 AddToken(scan, std::string(1, c));
-            }
             continue;
         }
         // A comment may follow the underscore; anything else undoes it.
@@ -215,11 +212,10 @@ struct Nesting {
 // Closes the innermost block of a kind and what was left open inside. A block from before the text closes one level.
 void CloseBlock(Nesting& nesting, Block block) {
     const auto found = std::find(nesting.open.rbegin(), nesting.open.rend(), block);
-    if (found != nesting.open.rend()) {
+    if (found != nesting.open.rend())
         nesting.open.erase(std::next(found).base(), nesting.open.end());
-    } else if (nesting.open.empty() && nesting.base > 0) {
+    else if (nesting.open.empty() && nesting.base > 0)
         --nesting.base;
-    }
 }
 
 // A procedure cannot stand inside another: whatever is open was left open by mistake, and must not shift the rest.
@@ -284,9 +280,8 @@ Effect EndEffect(const Statement& statement) {
 Effect StatementEffect(const Statement& statement) {
     using Kind = Effect::Kind;
     const std::string_view word = TokenAt(statement, 0);
-    if (word == "END" || (word.size() > 3 && word.starts_with("END") && FindBlockWord(word.substr(3)))) {
+    if (word == "END" || (word.size() > 3 && word.starts_with("END") && FindBlockWord(word.substr(3))))
         return EndEffect(statement);
-    }
     if (word == "IF") return {.opens = statement.back() == "THEN", .opened = Block::If};
     if (word == "ELSE" || word == "ELSEIF") return {.kind = Kind::Middle, .block = Block::If};
     if (word == "SELECT") return {.opens = true, .opened = Block::Select};
@@ -304,9 +299,7 @@ Effect StatementEffect(const Statement& statement) {
     if (word == "CATCH" || word == "FINALLY") return {.kind = Kind::Middle, .block = Block::Try};
     if (word == "WITH") return {.opens = true, .opened = Block::With};
     if (word == "ASM" && statement.size() == 1) return {.opens = true, .opened = Block::Asm};
-    if (const BlockWord* definition = OpenedDefinition(statement)) {
-        return {.opens = true, .opened = definition->block};
-    }
+    if (const BlockWord* definition = OpenedDefinition(statement)) return {.opens = true, .opened = definition->block};
     return {};
 }
 
@@ -326,11 +319,10 @@ int ApplyClosing(Nesting& nesting, const Effect& effect) {
         }
         case Kind::CaseLabel: {
             const auto found = std::find(nesting.open.rbegin(), nesting.open.rend(), Block::Select);
-            if (found != nesting.open.rend()) {
+            if (found != nesting.open.rend())
                 nesting.open.erase(found.base(), nesting.open.end());
-            } else if (nesting.open.empty() && nesting.base > 0) {
+            else if (nesting.open.empty() && nesting.base > 0)
                 --nesting.base;
-            }
             return nesting.Depth();
         }
     }
@@ -385,11 +377,10 @@ std::string_view TrimRight(std::string_view text) {
 
 void AppendIndent(std::string& out, int depth, const FormatOptions& options) {
     const int levels = std::max(depth, 0);
-    if (options.useTabs) {
+    if (options.useTabs)
         out.append(static_cast<std::size_t>(levels), '\t');
-    } else {
+    else
         out.append(static_cast<std::size_t>(levels * std::max(options.indentWidth, 0)), ' ');
-    }
 }
 
 // Both branches of a conditional compilation start from the same nesting. Returns the depth of the directive's line.

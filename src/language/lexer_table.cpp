@@ -177,9 +177,8 @@ bool ContainsWord(std::string_view words, std::string_view word) {
 }
 
 std::string_view DialectWords(std::uint32_t compilerId) {
-    for (const DialectRow& row : kDialects) {
+    for (const DialectRow& row : kDialects)
         if (row.compilerId == compilerId) return row.words;
-    }
     return {};
 }
 
@@ -188,15 +187,12 @@ std::string_view DialectWords(std::uint32_t compilerId) {
 Language LexerFromExtension(std::wstring_view path) {
     const std::size_t name = path.find_last_of(L"\\/");
     const std::size_t dot = path.find_last_of(L'.');
-    if (dot == std::wstring_view::npos || (name != std::wstring_view::npos && dot < name)) {
-        return Language::Basic;
-    }
+    if (dot == std::wstring_view::npos || (name != std::wstring_view::npos && dot < name)) return Language::Basic;
     std::wstring extension(path.substr(dot));
     std::transform(extension.begin(), extension.end(), extension.begin(),
                    [](wchar_t c) { return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c + 32) : c; });
-    for (const ExtensionRow& row : kExtensions) {
+    for (const ExtensionRow& row : kExtensions)
         if (row.extension == extension) return row.language;
-    }
     return Language::None;
 }
 
@@ -222,9 +218,8 @@ bool IsBasicKeyword(std::string_view word) {
     std::transform(word.begin(), word.end(), lower,
                    [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
     const std::string_view key(lower, word.size());
-    if (ContainsWord(kBasicStatements, key) || ContainsWord(kBasicTypes, key) || ContainsWord(kBasicFunctions, key)) {
+    if (ContainsWord(kBasicStatements, key) || ContainsWord(kBasicTypes, key) || ContainsWord(kBasicFunctions, key))
         return true;
-    }
     return std::any_of(std::begin(kDialects), std::end(kDialects),
                        [key](const DialectRow& row) { return ContainsWord(row.words, key); });
 }

@@ -2,7 +2,7 @@
 // what the program knows about them. Pure.
 #pragma once
 
-#include "language/theme_table.h"
+#include "ui/theme_table.h"
 
 #include <cstdint>
 #include <span>

@@ -176,13 +176,13 @@
 #define MSG_REINIT_EDITOR (0x0400 + 201)   // wParam: tab index
 #define MSG_FOCUS_EDITOR (0x8000 + 1)      // give the active editor the focus
 #define MSG_AI_REPLY (0x8000 + 3)          // wParam: heap UTF-8 reply or null, lParam: chat or replacement
-#define MSG_DEBUG_LAUNCH (0x8000 + 11)      // the debug build is done: start its program under the debugger
+#define MSG_DEBUG_LAUNCH (0x8000 + 11)     // the debug build is done: start its program under the debugger
 #define MSG_TREE_ITEMS (0x8000 + 10)       // to the project tree: wParam: TreeListing*, deleted by the receiver
 
 // --- Timers of the main window
 #define TIMER_AUTO_SAVE 1
 #define TIMER_SESSION 2
-#define TIMER_OUTPUT 3   // applies queued build output in batches
-#define TIMER_BUILD 4    // progress of a running build in the status bar
-#define TIMER_DEBUG 5    // asks a running debuggee for its next event
+#define TIMER_OUTPUT 3  // applies queued build output in batches
+#define TIMER_BUILD 4   // progress of a running build in the status bar
+#define TIMER_DEBUG 5   // asks a running debuggee for its next event
 #define TIMER_FOCUS 32770

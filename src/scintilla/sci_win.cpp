@@ -21,15 +21,15 @@ void SciAttach(HWND editor) {
 }
 
 void SciDetach(HWND editor) {
-    std::erase_if(g_attached, [editor](const Attached& row) { return row.editor == editor; });
+    std::erase_if(
+        g_attached, [editor](const Attached& row) { return row.editor == editor; });
 }
 
 LRESULT SciSend(HWND editor, UINT message, WPARAM wParam, LPARAM lParam) {
     if (!editor) return 0;
     if (message >= SCI_START) {  // the system's messages are for the window and its subclass
-        for (const Attached& row : g_attached) {
+        for (const Attached& row : g_attached)
             if (row.editor == editor) return row.call(row.pointer, message, wParam, lParam);
-        }
     }
     return SendMessageW(editor, message, wParam, lParam);
 }

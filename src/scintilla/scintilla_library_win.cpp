@@ -2,8 +2,8 @@
 // windows or documents. UI thread.
 #include "scintilla/scintilla_library.h"
 
-#include "app/app_state.h"
-#include "app/log.h"
+#include "base/log.h"
+#include "ui/ui_state.h"
 
 namespace {
 
@@ -21,7 +21,7 @@ int ScintillaLoad(HMODULE* scintilla, HMODULE* lexilla, HMODULE* third) {
     if (third) *third = nullptr;
     if (lexilla) *lexilla = nullptr;
     if (scintilla) *scintilla = nullptr;
-    ScintillaLibrary& libraries = g_app.scintilla;
+    ScintillaLibrary& libraries = g_scintilla;
     libraries = {};
 
     libraries.scintilla = LoadLibraryW(L"Scintilla.dll");
@@ -31,9 +31,8 @@ int ScintillaLoad(HMODULE* scintilla, HMODULE* lexilla, HMODULE* third) {
     }
     // A build that registers its classes while loading may lack the export; then there is nothing to call.
     if (const auto registerClasses =
-            FindExport<RegisterClassesFunction>(libraries.scintilla, "Scintilla_RegisterClasses")) {
-        registerClasses(g_app.hInstance);
-    }
+            FindExport<RegisterClassesFunction>(libraries.scintilla, "Scintilla_RegisterClasses"))
+        registerClasses(g_ui.hInstance);
 
     libraries.lexilla = LoadLibraryW(L"Lexilla.dll");
     if (libraries.lexilla) {
@@ -50,13 +49,13 @@ int ScintillaLoad(HMODULE* scintilla, HMODULE* lexilla, HMODULE* third) {
 }
 
 Scintilla::ILexer5* ScintillaCreateLexer(const char* name) {
-    if (!g_app.scintilla.createLexer || !name) return nullptr;
-    return g_app.scintilla.createLexer(name);
+    if (!g_scintilla.createLexer || !name) return nullptr;
+    return g_scintilla.createLexer(name);
 }
 
 void ScintillaUnload(HMODULE scintilla, HMODULE lexilla) {
-    g_app.scintilla.createLexer = nullptr;
+    g_scintilla.createLexer = nullptr;
     if (lexilla) FreeLibrary(lexilla);
     if (scintilla) FreeLibrary(scintilla);
-    g_app.scintilla = {};
+    g_scintilla = {};
 }

@@ -25,9 +25,7 @@ std::optional<FindSpan> SearchOne(HWND editor, const FindQuery& query, const std
     SciSend(editor, SCI_SETSEARCHFLAGS, static_cast<WPARAM>(SearchFlags(query.options)));
     SciSend(editor, SCI_SETTARGETRANGE, static_cast<WPARAM>(range.start), range.end);
     const LRESULT found = SciSend(editor, SCI_SEARCHINTARGET, pattern.size(), reinterpret_cast<LPARAM>(pattern.data()));
-    if (found < 0) {
-        return {};
-    }
+    if (found < 0) return {};
     return FindSpan{found, SciSend(editor, SCI_GETTARGETEND)};
 }
 
@@ -44,15 +42,12 @@ std::optional<FindSpan> Search(HWND editor, const FindQuery& query, FindSpan ran
     std::optional<FindSpan> best;
     for (const std::string& pattern : query.patterns) {
         FindSpan part = range;
-        if (best && forward) {
+        if (best && forward)
             part.end = std::min(range.end, LineEndAt(editor, best->start));
-        } else if (best) {
+        else if (best)
             part.end = std::max(range.end, best->start);
-        }
         const std::optional<FindSpan> match = SearchOne(editor, query, pattern, part);
-        if (match && (!best || (forward ? match->start < best->start : match->start > best->start))) {
-            best = match;
-        }
+        if (match && (!best || (forward ? match->start < best->start : match->start > best->start))) best = match;
     }
     return best;
 }
@@ -82,16 +77,12 @@ public:
                     pattern = i;
                 }
             }
-            if (!best) {
-                return {};
-            }
+            if (!best) return {};
             const bool isEmpty = best->start == best->end;
             const bool touchesLast = isEmpty && best->start == lastEnd_;  // right behind a match: not one of its own
             lastEnd_ = best->end;
             at_ = isEmpty ? Beyond(best->end) : best->end;
-            if (!touchesLast) {
-                return best;
-            }
+            if (!touchesLast) return best;
         }
         return {};
     }
@@ -110,9 +101,7 @@ private:
 
     void Refresh(std::size_t index) {
         Candidate& candidate = next_[index];
-        if (candidate.searched && (!candidate.match || candidate.match->start >= at_)) {
-            return;
-        }
+        if (candidate.searched && (!candidate.match || candidate.match->start >= at_)) return;
         candidate = {.searched = true, .match = SearchOne(editor_, query_, query_.patterns[index], {at_, scope_.end})};
     }
 
@@ -140,9 +129,7 @@ std::string MatchedGroup(HWND editor, FindSpan match, int group) {
 }
 
 std::string ReplacementFor(HWND editor, const FindQuery& query, std::string_view replacement, FindSpan match) {
-    if (!query.options.regex) {
-        return std::string{replacement};
-    }
+    if (!query.options.regex) return std::string{replacement};
     return ExpandReplacement(replacement, [&](int group) { return MatchedGroup(editor, match, group); });
 }
 
@@ -165,14 +152,10 @@ const wchar_t* PrepareQuery(std::string_view text, const FindOptions& options, F
         query.patterns.emplace_back(text);
         return text.empty() ? L"Nothing to find" : nullptr;
     }
-    if (!SplitAlternatives(text, query.patterns)) {
-        return L"The | of alternatives cannot stand inside parentheses";
-    }
+    if (!SplitAlternatives(text, query.patterns)) return L"The | of alternatives cannot stand inside parentheses";
     for (const std::string& pattern : query.patterns) {
         const wchar_t* fault = RegexFault(pattern);
-        if (fault != nullptr) {
-            return fault;
-        }
+        if (fault != nullptr) return fault;
     }
     return query.patterns.empty() ? L"Nothing to find" : nullptr;
 }
@@ -187,27 +170,19 @@ FindResult FindInScope(HWND editor, const FindQuery& query, FindSpan scope, bool
         const bool atEnd = next == plan.first.start || (forward ? next > scope.end : next < scope.start);
         match = atEnd ? std::nullopt : Search(editor, query, {next, plan.first.end});
     }
-    if (match) {
-        return {.wrapped = false, .match = match};
-    }
+    if (match) return {.wrapped = false, .match = match};
     return {.wrapped = true, .match = Search(editor, query, plan.wrapped)};
 }
 
 bool ReplaceSelection(HWND editor, const FindQuery& query, std::string_view replacement, FindSpan scope) {
     const FindSpan selection = Selection(editor);
-    if (selection.start < scope.start || selection.end > scope.end) {
-        return false;
-    }
-    if (Search(editor, query, {selection.start, scope.end}) != selection) {
-        return false;
-    }
+    if (selection.start < scope.start || selection.end > scope.end) return false;
+    if (Search(editor, query, {selection.start, scope.end}) != selection) return false;
     // With several alternatives the last search was not the winner's: its groups are found again.
     const auto matches = [&](const std::string& pattern) {
         return SearchOne(editor, query, pattern, {selection.start, scope.end}) == selection;
     };
-    if (query.options.regex) {
-        static_cast<void>(std::find_if(query.patterns.begin(), query.patterns.end(), matches));
-    }
+    if (query.options.regex) static_cast<void>(std::find_if(query.patterns.begin(), query.patterns.end(), matches));
     const std::string text = ReplacementFor(editor, query, replacement, selection);
     ReplaceSpan(editor, selection, text);
     SciSend(editor, SCI_GOTOPOS, static_cast<WPARAM>(selection.start) + text.size());
@@ -230,9 +205,7 @@ ReplaceAllResult ReplaceAllInScope(HWND editor, const FindQuery& query, std::str
         }
         edits.push_back(std::move(edit));
     }
-    if (edits.empty()) {
-        return result;
-    }
+    if (edits.empty()) return result;
     // From the last to the first: no edit moves a match that is still to be replaced.
     SciSend(editor, SCI_BEGINUNDOACTION);
     for (auto edit = edits.rbegin(); edit != edits.rend(); ++edit) {

@@ -24,11 +24,10 @@ std::string ExpandReplacement(std::string_view replacement, const std::function<
             continue;
         }
         const char letter = replacement[++i];
-        if (letter >= '0' && letter <= '9') {
+        if (letter >= '0' && letter <= '9')
             out += group(letter - '0');
-        } else {
+        else
             out += ControlCharacter(letter);
-        }
     }
     return out;
 }
@@ -50,8 +49,6 @@ std::string_view SearchTextFromSelection(std::string_view selection) {
 }
 
 std::wstring ReplacementCountText(std::size_t count) {
-    if (count == 0) {
-        return L"Not found: nothing replaced";
-    }
+    if (count == 0) return L"Not found: nothing replaced";
     return std::to_wstring(count) + (count == 1 ? L" replacement" : L" replacements");
 }

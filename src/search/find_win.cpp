@@ -1,15 +1,18 @@
 // The find and replace dialog, and "find next" without it. The searching itself is find_engine. UI thread.
 #include "search/find.h"
 
-#include "app/app_state.h"
-#include "app/log.h"
-#include "app/shell.h"
+#include "base/events.h"
+#include "base/handles.h"
+#include "base/log.h"
+#include "documents/document_row.h"
 #include "documents/recent_files.h"
 #include "files/file_io.h"
-#include "files/handles.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "search/find_engine.h"
+#include "search/search_state.h"
+#include "settings/settings_state.h"
+#include "ui/ui_state.h"
 
 #include <windows.h>
 
@@ -38,27 +41,24 @@ std::string ToUtf8(const std::wstring& text) {
     return utf8 ? std::string{utf8.get()} : std::string{};
 }
 
-bool IsTicked(int control) { return IsDlgButtonChecked(g_app.hFindDialog, control) == BST_CHECKED; }
+bool IsTicked(int control) { return IsDlgButtonChecked(g_search.hFindDialog, control) == BST_CHECKED; }
 
 void ShowStatus(const wchar_t* text) {
-    if (g_app.hFindDialog != nullptr) {
-        SetDlgItemTextW(g_app.hFindDialog, IDC_FIND_STATUS, text);
-    } else {
-        StatusBarSetText(text);
-    }
+    if (g_search.hFindDialog != nullptr)
+        SetDlgItemTextW(g_search.hFindDialog, IDC_FIND_STATUS, text);
+    else
+        g_events.statusText(text);
 }
 
 std::wstring FieldText(int control) {
     wchar_t text[kFieldLimit + 1] = {};
-    GetDlgItemTextW(g_app.hFindDialog, control, text, static_cast<int>(std::size(text)));
+    GetDlgItemTextW(g_search.hFindDialog, control, text, static_cast<int>(std::size(text)));
     return text;
 }
 
 // The dialog's fields into g_find; without the dialog what was there stays.
 void ReadDialog() {
-    if (g_app.hFindDialog == nullptr) {
-        return;
-    }
+    if (g_search.hFindDialog == nullptr) return;
     g_find.what = FieldText(IDC_FIND_WHAT);
     g_find.with = FieldText(IDC_FIND_WITH);
     g_find.options = {
@@ -66,25 +66,22 @@ void ReadDialog() {
 }
 
 void FillHistory() {
-    const HWND combo = GetDlgItem(g_app.hFindDialog, IDC_FIND_WHAT);
+    const HWND combo = GetDlgItem(g_search.hFindDialog, IDC_FIND_WHAT);
     SendMessageW(combo, CB_RESETCONTENT, 0, 0);
-    const Settings& settings = g_app.settings;
-    for (int i = 0; i < std::min<int>(settings.searchHistoryCount, kSearchHistoryCapacity); ++i) {
+    const Settings& settings = g_settings;
+    for (int i = 0; i < std::min<int>(settings.searchHistoryCount, kSearchHistoryCapacity); ++i)
         SendMessageW(combo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(settings.searchHistory[i]));
-    }
 }
 
 void RememberSearch() {
-    Settings& settings = g_app.settings;
-    if (settings.searchHistoryCount > 0 && g_find.what == settings.searchHistory[0]) {
-        return;
-    }
+    Settings& settings = g_settings;
+    if (settings.searchHistoryCount > 0 && g_find.what == settings.searchHistory[0]) return;
     settings.searchHistoryCount =
         RecentListAdd(settings.searchHistory, settings.searchHistoryCount, g_find.what, RecentMatch::Exact);
-    if (g_app.hFindDialog != nullptr) {
+    if (g_search.hFindDialog != nullptr) {
         FillHistory();  // empties the field too
-        SetDlgItemTextW(g_app.hFindDialog, IDC_FIND_WHAT, g_find.what.c_str());
-        SendDlgItemMessageW(g_app.hFindDialog, IDC_FIND_WHAT, CB_SETEDITSEL, 0, MAKELPARAM(0, -1));
+        SetDlgItemTextW(g_search.hFindDialog, IDC_FIND_WHAT, g_find.what.c_str());
+        SendDlgItemMessageW(g_search.hFindDialog, IDC_FIND_WHAT, CB_SETEDITSEL, 0, MAKELPARAM(0, -1));
     }
 }
 
@@ -97,62 +94,58 @@ bool Prepare(FindQuery& query) {
         return false;
     }
     RememberSearch();
-    return g_app.hEditor != nullptr;
+    return g_documents.hEditor != nullptr;
 }
 
-FindSpan WholeDocument() { return {0, SciSend(g_app.hEditor, SCI_GETLENGTH)}; }
+FindSpan WholeDocument() { return {0, SciSend(g_documents.hEditor, SCI_GETLENGTH)}; }
 
 // The range to search: the one taken for "in selection", as far as it is still there, else the document.
 FindSpan CurrentScope() {
     const FindSpan all = WholeDocument();
-    if (g_app.hFindDialog == nullptr || !IsTicked(IDC_FIND_SELECTION) || g_find.scopeEditor != g_app.hEditor) {
+    if (g_search.hFindDialog == nullptr || !IsTicked(IDC_FIND_SELECTION) || g_find.scopeEditor != g_documents.hEditor)
         return all;
-    }
     const std::ptrdiff_t end = std::min(g_find.scope.end, all.end);
     return {std::min(g_find.scope.start, end), end};
 }
 
 // Takes the selection as the range; with nothing selected there is none to search in.
 void TakeScope() {
-    g_find.scopeEditor = g_app.hEditor;
-    g_find.scope = {SciSend(g_app.hEditor, SCI_GETSELECTIONSTART), SciSend(g_app.hEditor, SCI_GETSELECTIONEND)};
+    g_find.scopeEditor = g_documents.hEditor;
+    g_find.scope = {SciSend(g_documents.hEditor, SCI_GETSELECTIONSTART),
+                    SciSend(g_documents.hEditor, SCI_GETSELECTIONEND)};
     if (g_find.scope.start == g_find.scope.end) {
         g_find.scopeEditor = nullptr;
-        CheckDlgButton(g_app.hFindDialog, IDC_FIND_SELECTION, BST_UNCHECKED);
+        CheckDlgButton(g_search.hFindDialog, IDC_FIND_SELECTION, BST_UNCHECKED);
         ShowStatus(L"Select the text to search in first");
     }
 }
 
 // A dialog that would lie over the match goes below it, or above where there is no room.
 void UncoverMatch(FindSpan match) {
-    if (g_app.hFindDialog == nullptr) {
-        return;
-    }
+    if (g_search.hFindDialog == nullptr) return;
     const auto coordinate = [](UINT message, std::ptrdiff_t position) {
-        return static_cast<LONG>(SciSend(g_app.hEditor, message, 0, position));
+        return static_cast<LONG>(SciSend(g_documents.hEditor, message, 0, position));
     };
     RECT text = {coordinate(SCI_POINTXFROMPOSITION, match.start), coordinate(SCI_POINTYFROMPOSITION, match.start),
                  coordinate(SCI_POINTXFROMPOSITION, match.end), coordinate(SCI_POINTYFROMPOSITION, match.end)};
-    text.bottom += static_cast<LONG>(SciSend(g_app.hEditor, SCI_TEXTHEIGHT));
+    text.bottom += static_cast<LONG>(SciSend(g_documents.hEditor, SCI_TEXTHEIGHT));
     text.right = std::max(text.right, text.left + 1);
-    MapWindowPoints(g_app.hEditor, nullptr, reinterpret_cast<POINT*>(&text), 2);
+    MapWindowPoints(g_documents.hEditor, nullptr, reinterpret_cast<POINT*>(&text), 2);
     RECT dialog = {};
     RECT overlap = {};
-    GetWindowRect(g_app.hFindDialog, &dialog);
-    if (IntersectRect(&overlap, &dialog, &text) == FALSE) {
-        return;
-    }
+    GetWindowRect(g_search.hFindDialog, &dialog);
+    if (IntersectRect(&overlap, &dialog, &text) == FALSE) return;
     MONITORINFO monitor = {};
     monitor.cbSize = sizeof monitor;
-    GetMonitorInfoW(MonitorFromWindow(g_app.hFindDialog, MONITOR_DEFAULTTONEAREST), &monitor);
+    GetMonitorInfoW(MonitorFromWindow(g_search.hFindDialog, MONITOR_DEFAULTTONEAREST), &monitor);
     const LONG height = dialog.bottom - dialog.top;
     const bool fitsBelow = text.bottom + height <= monitor.rcWork.bottom;
     const LONG top = fitsBelow ? text.bottom : std::max(text.top - height, monitor.rcWork.top);
-    SetWindowPos(g_app.hFindDialog, nullptr, dialog.left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    SetWindowPos(g_search.hFindDialog, nullptr, dialog.left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void ShowMatch(FindSpan match) {
-    const HWND editor = g_app.hEditor;
+    const HWND editor = g_documents.hEditor;
     for (const std::ptrdiff_t position : {match.end, match.start}) {
         const LRESULT line = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(position));
         SciSend(editor, SCI_ENSUREVISIBLEENFORCEPOLICY, static_cast<WPARAM>(line));  // opens folds
@@ -163,7 +156,7 @@ void ShowMatch(FindSpan match) {
 }
 
 void FindAndShow(const FindQuery& query, bool forward) {
-    const FindResult result = FindInScope(g_app.hEditor, query, CurrentScope(), forward);
+    const FindResult result = FindInScope(g_documents.hEditor, query, CurrentScope(), forward);
     if (!result.match) {
         ShowStatus(L"Not found");
         MessageBeep(MB_OK);
@@ -175,30 +168,26 @@ void FindAndShow(const FindQuery& query, bool forward) {
 
 void Replace() {
     FindQuery query;
-    if (!Prepare(query)) {
-        return;
-    }
-    if (SciSend(g_app.hEditor, SCI_GETREADONLY) != 0) {
+    if (!Prepare(query)) return;
+    if (SciSend(g_documents.hEditor, SCI_GETREADONLY) != 0) {
         ShowStatus(L"The document is read-only");
         return;
     }
     const std::ptrdiff_t before = WholeDocument().end;
-    ReplaceSelection(g_app.hEditor, query, ToUtf8(g_find.with), CurrentScope());
+    ReplaceSelection(g_documents.hEditor, query, ToUtf8(g_find.with), CurrentScope());
     g_find.scope.end += WholeDocument().end - before;
     FindAndShow(query, true);
 }
 
 void ReplaceAll() {
     FindQuery query;
-    if (!Prepare(query)) {
-        return;
-    }
-    if (SciSend(g_app.hEditor, SCI_GETREADONLY) != 0) {
+    if (!Prepare(query)) return;
+    if (SciSend(g_documents.hEditor, SCI_GETREADONLY) != 0) {
         ShowStatus(L"The document is read-only");
         return;
     }
     const HCURSOR before = SetCursor(LoadCursorW(nullptr, MAKEINTRESOURCEW(32514)));  // IDC_WAIT
-    const ReplaceAllResult result = ReplaceAllInScope(g_app.hEditor, query, ToUtf8(g_find.with), CurrentScope());
+    const ReplaceAllResult result = ReplaceAllInScope(g_documents.hEditor, query, ToUtf8(g_find.with), CurrentScope());
     SetCursor(before);
     g_find.scope.end += result.grown;
     ShowStatus(ReplacementCountText(result.count).c_str());
@@ -207,12 +196,9 @@ void ReplaceAll() {
 // Shows or hides the replacing half: what is below it moves, and the dialog gets as much taller or shorter.
 void SetReplacing(HWND dialog, bool replacing) {
     SetWindowTextW(dialog, replacing ? L"Find and Replace" : L"Find");
-    for (const int control : {IDC_FIND_WITH_LABEL, IDC_FIND_WITH, IDC_FIND_REPLACE, IDC_FIND_REPLACE_ALL}) {
+    for (const int control : {IDC_FIND_WITH_LABEL, IDC_FIND_WITH, IDC_FIND_REPLACE, IDC_FIND_REPLACE_ALL})
         ShowWindow(GetDlgItem(dialog, control), replacing ? SW_SHOW : SW_HIDE);
-    }
-    if (replacing == g_find.replacing) {
-        return;
-    }
+    if (replacing == g_find.replacing) return;
     g_find.replacing = replacing;
     RECT row = {0, 0, 0, kReplaceRowHeight};
     MapDialogRect(dialog, &row);
@@ -233,21 +219,20 @@ void SetReplacing(HWND dialog, bool replacing) {
 
 // The selection of the active editor, as far as it can be a search text.
 std::wstring SelectedSearchText() {
-    const LRESULT start = SciSend(g_app.hEditor, SCI_GETSELECTIONSTART);
-    const LRESULT end = SciSend(g_app.hEditor, SCI_GETSELECTIONEND);
-    if (end - start < 1 || end - start > kFieldLimit) {
-        return {};
-    }
+    const LRESULT start = SciSend(g_documents.hEditor, SCI_GETSELECTIONSTART);
+    const LRESULT end = SciSend(g_documents.hEditor, SCI_GETSELECTIONEND);
+    if (end - start < 1 || end - start > kFieldLimit) return {};
     std::string text(static_cast<std::size_t>(end - start), '\0');
-    SciSend(g_app.hEditor, SCI_SETTARGETRANGE, static_cast<WPARAM>(start), end);
-    SciSend(g_app.hEditor, SCI_GETTARGETTEXT, 0, reinterpret_cast<LPARAM>(text.data()));
+    SciSend(g_documents.hEditor, SCI_SETTARGETRANGE, static_cast<WPARAM>(start), end);
+    SciSend(g_documents.hEditor, SCI_GETTARGETTEXT, 0, reinterpret_cast<LPARAM>(text.data()));
     const HeapBlock<wchar_t> wide{Utf8ToWide(std::string{SearchTextFromSelection(text)}.c_str())};
     return wide ? std::wstring{wide.get()} : std::wstring{};
 }
 
 bool SelectionSpansLines() {
     const auto line = [](UINT message) {
-        return SciSend(g_app.hEditor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(SciSend(g_app.hEditor, message)));
+        return SciSend(g_documents.hEditor, SCI_LINEFROMPOSITION,
+                       static_cast<WPARAM>(SciSend(g_documents.hEditor, message)));
     };
     return line(SCI_GETSELECTIONSTART) != line(SCI_GETSELECTIONEND);
 }
@@ -255,14 +240,10 @@ bool SelectionSpansLines() {
 // What the fields begin with each time the dialog is asked for.
 void FillFields(HWND dialog) {
     const std::wstring selected = SelectedSearchText();
-    if (!selected.empty()) {
-        SetDlgItemTextW(dialog, IDC_FIND_WHAT, selected.c_str());
-    }
+    if (!selected.empty()) SetDlgItemTextW(dialog, IDC_FIND_WHAT, selected.c_str());
     const bool spansLines = SelectionSpansLines();
     CheckDlgButton(dialog, IDC_FIND_SELECTION, spansLines ? BST_CHECKED : BST_UNCHECKED);
-    if (spansLines) {
-        TakeScope();
-    }
+    if (spansLines) TakeScope();
     SetDlgItemTextW(dialog, IDC_FIND_STATUS, L"");
     const HWND what = GetDlgItem(dialog, IDC_FIND_WHAT);
     SendMessageW(what, CB_SETEDITSEL, 0, MAKELPARAM(0, -1));
@@ -270,13 +251,12 @@ void FillFields(HWND dialog) {
 }
 
 void OnInit(HWND dialog) {
-    g_app.hFindDialog = dialog;
+    g_search.hFindDialog = dialog;
     g_find.replacing = true;  // as the template has it
-    for (const int control : {IDC_FIND_WHAT, IDC_FIND_WITH}) {
+    for (const int control : {IDC_FIND_WHAT, IDC_FIND_WITH})
         SendDlgItemMessageW(dialog, control, CB_LIMITTEXT, kFieldLimit, 0);
-    }
     FillHistory();
-    const Settings& settings = g_app.settings;
+    const Settings& settings = g_settings;
     const std::wstring last =
         !g_find.what.empty() || settings.searchHistoryCount < 1 ? g_find.what : settings.searchHistory[0];
     SetDlgItemTextW(dialog, IDC_FIND_WHAT, last.c_str());
@@ -292,7 +272,7 @@ void PlaceDialog(HWND dialog, HWND owner) {
     RECT size = {};
     GetWindowRect(owner, &frame);
     GetWindowRect(dialog, &size);
-    const int margin = MulDiv(24, g_app.dpi, 96);
+    const int margin = MulDiv(24, g_ui.dpi, 96);
     const LONG left = std::max(frame.left, frame.right - (size.right - size.left) - margin);
     SetWindowPos(dialog, nullptr, left, frame.top + 4 * margin, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
@@ -306,9 +286,7 @@ void OnCommand(HWND dialog, int command) {
         case IDC_FIND_REPLACE_ALL: ReplaceAll(); break;
         case IDC_FIND_REGEX: EnableWindow(GetDlgItem(dialog, IDC_FIND_WORD), !IsTicked(IDC_FIND_REGEX)); break;
         case IDC_FIND_SELECTION:
-            if (IsTicked(IDC_FIND_SELECTION)) {
-                TakeScope();
-            }
+            if (IsTicked(IDC_FIND_SELECTION)) TakeScope();
             break;
         case IDCANCEL: DestroyWindow(dialog); break;
         default: break;
@@ -321,7 +299,7 @@ INT_PTR CALLBACK FindDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
         case WM_COMMAND: OnCommand(dialog, LOWORD(wParam)); return TRUE;
         case WM_DESTROY:
             ReadDialog();
-            g_app.hFindDialog = nullptr;
+            g_search.hFindDialog = nullptr;
             FocusCurrentEditor();
             return TRUE;
         default: return FALSE;
@@ -331,25 +309,23 @@ INT_PTR CALLBACK FindDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
 }  // namespace
 
 void FindDialogShow(HWND owner, bool replace) {
-    if (g_app.hFindDialog == nullptr) {
-        const HWND dialog = CreateDialogParamW(g_app.hInstance, MAKEINTRESOURCEW(IDD_FIND), owner, FindDlgProc, 0);
+    if (g_search.hFindDialog == nullptr) {
+        const HWND dialog = CreateDialogParamW(g_ui.hInstance, MAKEINTRESOURCEW(IDD_FIND), owner, FindDlgProc, 0);
         if (dialog == nullptr) {
             AppLogMsg(L"FAIL: FindDialogShow error=%lu", GetLastError());
             return;
         }
         PlaceDialog(dialog, owner);
     }
-    SetReplacing(g_app.hFindDialog, replace);
-    ShowWindow(g_app.hFindDialog, SW_SHOW);
-    SetActiveWindow(g_app.hFindDialog);
-    FillFields(g_app.hFindDialog);
+    SetReplacing(g_search.hFindDialog, replace);
+    ShowWindow(g_search.hFindDialog, SW_SHOW);
+    SetActiveWindow(g_search.hFindDialog);
+    FillFields(g_search.hFindDialog);
 }
 
 bool FindDialogIsMessage(MSG* message) {
-    const HWND dialog = g_app.hFindDialog;
-    if (dialog == nullptr || (message->hwnd != dialog && IsChild(dialog, message->hwnd) == FALSE)) {
-        return false;
-    }
+    const HWND dialog = g_search.hFindDialog;
+    if (dialog == nullptr || (message->hwnd != dialog && IsChild(dialog, message->hwnd) == FALSE)) return false;
     if (message->message == WM_KEYDOWN) {
         const bool shift = GetKeyState(VK_SHIFT) < 0;
         if (message->wParam == VK_F3 || (message->wParam == VK_RETURN && shift)) {
@@ -361,18 +337,14 @@ bool FindDialogIsMessage(MSG* message) {
 }
 
 void FindNext(bool forward) {
-    if (g_app.hFindDialog == nullptr && g_find.what.empty()) {
+    if (g_search.hFindDialog == nullptr && g_find.what.empty()) {
         g_find.what = SelectedSearchText();
-        if (g_find.what.empty() && g_app.settings.searchHistoryCount > 0) {
-            g_find.what = g_app.settings.searchHistory[0];
-        }
+        if (g_find.what.empty() && g_settings.searchHistoryCount > 0) g_find.what = g_settings.searchHistory[0];
         if (g_find.what.empty()) {
-            FindDialogShow(g_app.hMainWnd, false);
+            FindDialogShow(g_ui.hMainWnd, false);
             return;
         }
     }
     FindQuery query;
-    if (Prepare(query)) {
-        FindAndShow(query, forward);
-    }
+    if (Prepare(query)) FindAndShow(query, forward);
 }

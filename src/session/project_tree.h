@@ -5,6 +5,9 @@
 #include <windows.h>
 
 HWND ProjectTreeCreate(HWND parent, int controlId);
-// ProjectTreePopulate is declared in app/shell.h: file commands call it too.
+// Fills the tree from `g_settings.projectRoot`.
+void ProjectTreePopulate();
+// The first folder that the user opened a file in becomes the root. `folder` has its trailing backslash.
+void ProjectTreeOfferRoot(const wchar_t* folder);
 bool ProjectTreeHandleNotify(const NMHDR& header, LRESULT* result);
 void ProjectTreeApplyTheme();

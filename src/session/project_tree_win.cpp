@@ -2,18 +2,21 @@
 // only by their names; opening one is a file command. UI thread.
 #include "session/project_tree.h"
 
-#include "app/app_state.h"
-#include "app/log.h"
-#include "app/shell.h"
+#include "base/handles.h"
+#include "base/log.h"
+#include "base/wide_format.h"
+#include "documents/document_row.h"
 #include "documents/file_commands.h"
-#include "files/clipboard.h"
-#include "files/handles.h"
-#include "files/wide_format.h"
-#include "language/theme.h"
 #include "resources/ids.h"
+#include "session/session_state.h"
 #include "session/tree_icons.h"
 #include "session/tree_reader.h"
 #include "session/tree_rules.h"
+#include "settings/settings_state.h"
+#include "ui/chrome.h"
+#include "ui/clipboard.h"
+#include "ui/message.h"
+#include "ui/ui_state.h"
 
 #include <windows.h>
 #include <windowsx.h>
@@ -50,7 +53,7 @@ struct TreeState {
 };
 TreeState g_tree;
 
-HWND Tree() { return g_app.hProjectTree; }
+HWND Tree() { return g_session.hProjectTree; }
 
 std::wstring ItemText(HTREEITEM item) {
     wchar_t text[MAX_PATH + 1] = {};
@@ -88,9 +91,7 @@ std::wstring ItemPath(HTREEITEM item) {
         below.insert(0, (below.empty() ? L"" : L"\\")).insert(0, ItemText(item));
         item = parent;
     }
-    if (below.empty()) {
-        return g_tree.root;
-    }
+    if (below.empty()) return g_tree.root;
     return g_tree.root + (g_tree.root.ends_with(L'\\') ? L"" : L"\\") + below;
 }
 
@@ -110,9 +111,7 @@ HTREEITEM Insert(HTREEITEM parent, HTREEITEM after, const std::wstring& text, No
 }
 
 void RemoveChildren(HTREEITEM folder) {
-    while (const HTREEITEM child = Related(folder, TVGN_CHILD)) {
-        TreeView_DeleteItem(Tree(), child);
-    }
+    while (const HTREEITEM child = Related(folder, TVGN_CHILD)) TreeView_DeleteItem(Tree(), child);
 }
 
 // A folder opened for the first time shows a note until its listing arrives.
@@ -130,9 +129,7 @@ void StartReading(HTREEITEM folder) {
 }
 
 void OpenFolder(HTREEITEM folder) {
-    if (ItemKind(folder) == NodeKind::FolderUnread) {
-        StartReading(folder);
-    }
+    if (ItemKind(folder) == NodeKind::FolderUnread) StartReading(folder);
     TreeView_Expand(Tree(), folder, TVE_EXPAND);
 }
 
@@ -142,25 +139,19 @@ void InsertListing(HTREEITEM folder, const TreeListing& listing) {
     const std::wstring prefix = g_tree.reopen.empty() ? std::wstring{} : ItemPath(folder);
     for (const TreeEntry& entry : listing.entries) {
         last = Insert(folder, last, entry.name, entry.isFolder ? NodeKind::FolderUnread : NodeKind::File);
-        if (entry.isFolder && g_tree.reopen.contains(prefix + (prefix.ends_with(L'\\') ? L"" : L"\\") + entry.name)) {
+        if (entry.isFolder && g_tree.reopen.contains(prefix + (prefix.ends_with(L'\\') ? L"" : L"\\") + entry.name))
             reopened.push_back(last);
-        }
     }
-    if (listing.omitted > 0) {
+    if (listing.omitted > 0)
         Insert(folder, last, FormatW(L"(%d more not shown)", static_cast<int>(listing.omitted)), NodeKind::Note);
-    } else if (!listing.readable) {
+    else if (!listing.readable)
         Insert(folder, TVI_FIRST, L"(cannot be read)", NodeKind::Note);
-    }
-    for (const HTREEITEM item : reopened) {
-        OpenFolder(item);
-    }
+    for (const HTREEITEM item : reopened) OpenFolder(item);
 }
 
 void OnListing(const TreeListing& listing) {
     const auto found = g_tree.pending.find(listing.request);
-    if (found == g_tree.pending.end()) {
-        return;  // asked for before the last refresh
-    }
+    if (found == g_tree.pending.end()) return;  // asked for before the last refresh
     const HTREEITEM folder = found->second;
     g_tree.pending.erase(found);
 
@@ -185,10 +176,8 @@ void RememberOpenFolders(HTREEITEM item) {
 }
 
 std::wstring RootFromSettings() {
-    std::wstring root = g_app.settings.projectRoot;
-    while (root.size() > 1 && root.ends_with(L'\\')) {
-        root.pop_back();
-    }
+    std::wstring root = g_settings.projectRoot;
+    while (root.size() > 1 && root.ends_with(L'\\')) root.pop_back();
     return root.ends_with(L':') ? root + L"\\" : root;
 }
 
@@ -199,17 +188,16 @@ void OpenItem(HTREEITEM item) {
     }
 }
 
-void CopyText(const std::wstring& text) { ClipboardPutText(g_app.hMainWnd, text); }
+void CopyText(const std::wstring& text) { ClipboardPutText(g_ui.hMainWnd, text); }
 
 void ShowMenu(POINT at) {
     if (at.x == -1 && at.y == -1) {  // from the keyboard: below the selected item
         RECT rect = {};
         const HTREEITEM selected = TreeView_GetSelection(Tree());
-        if (selected != nullptr && TreeView_GetItemRect(Tree(), selected, &rect, TRUE) != FALSE) {
+        if (selected != nullptr && TreeView_GetItemRect(Tree(), selected, &rect, TRUE) != FALSE)
             at = {rect.left, rect.bottom};
-        } else {
+        else
             at = {0, 0};
-        }
         ClientToScreen(Tree(), &at);
     } else {
         TVHITTESTINFO hit = {.pt = at, .flags = 0, .hItem = nullptr};
@@ -226,13 +214,12 @@ void ShowMenu(POINT at) {
     AppendMenuW(menu, MF_STRING, kMenuRefresh, L"&Refresh\tCtrl+R");
     const BOOL command = TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, at.x, at.y, 0, Tree(), nullptr);
     DestroyMenu(menu);
-    if (command == kMenuOpen) {
+    if (command == kMenuOpen)
         OpenItem(item);
-    } else if (command == kMenuCopyPath) {
+    else if (command == kMenuCopyPath)
         CopyText(ItemPath(item));
-    } else if (command == kMenuRefresh) {
+    else if (command == kMenuRefresh)
         ProjectTreePopulate();
-    }
 }
 
 void OnDestroy(HWND window) {
@@ -245,9 +232,7 @@ void OnDestroy(HWND window) {
         }
         delete reinterpret_cast<TreeListing*>(message.wParam);
     }
-    if (g_tree.icons != nullptr) {
-        ImageList_Destroy(g_tree.icons);
-    }
+    if (g_tree.icons != nullptr) ImageList_Destroy(g_tree.icons);
     g_tree = {};
 }
 
@@ -268,9 +253,7 @@ LRESULT CALLBACK ProjectTreeSubclassProc(HWND window, UINT message, WPARAM wPara
         case WM_WINDOWPOSCHANGED: {
             const LRESULT moved = DefSubclassProc(window, message, wParam, lParam);
             const bool shown = (reinterpret_cast<const WINDOWPOS*>(lParam)->flags & SWP_SHOWWINDOW) != 0;
-            if (shown && g_tree.stale) {
-                ProjectTreePopulate();
-            }
+            if (shown && g_tree.stale) ProjectTreePopulate();
             return moved;
         }
         case WM_NCDESTROY:
@@ -287,58 +270,45 @@ LRESULT CALLBACK ProjectTreeSubclassProc(HWND window, UINT message, WPARAM wPara
 HWND ProjectTreeCreate(HWND parent, int controlId) {
     const HWND window = CreateWindowExW(
         0, WC_TREEVIEWW, L"", WS_CHILD | WS_TABSTOP | TVS_HASBUTTONS | TVS_LINESATROOT | TVS_SHOWSELALWAYS, 0, 0, 0, 0,
-        parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_app.hInstance, nullptr);
+        parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_ui.hInstance, nullptr);
     if (window == nullptr) {
         AppLogMsg(L"FAIL: ProjectTreeCreate error=%lu", GetLastError());
         return nullptr;
     }
-    if (SetWindowSubclass(window, ProjectTreeSubclassProc, kSubclassId, 0) == FALSE) {
+    if (SetWindowSubclass(window, ProjectTreeSubclassProc, kSubclassId, 0) == FALSE)
         AppLogMsg(L"FAIL: ProjectTreeCreate could not subclass");
-    }
     return window;
 }
 
 void ProjectTreePopulate() {
-    if (Tree() == nullptr) {
-        return;
-    }
+    if (Tree() == nullptr) return;
     // Nothing is read for a tree that is not shown: most people never open it, and every start would pay for it.
     g_tree.stale = (GetWindowLongW(Tree(), GWL_STYLE) & WS_VISIBLE) == 0;
-    if (g_tree.stale) {
-        return;
-    }
+    if (g_tree.stale) return;
     const std::wstring root = RootFromSettings();
     g_tree.reopen.clear();
-    if (root == g_tree.root) {
-        RememberOpenFolders(TreeView_GetRoot(Tree()));
-    }
+    if (root == g_tree.root) RememberOpenFolders(TreeView_GetRoot(Tree()));
     g_tree.pending.clear();
     g_tree.root = root;
     TreeView_DeleteAllItems(Tree());
-    if (!root.empty()) {
-        OpenFolder(Insert(TVI_ROOT, TVI_FIRST, TreeRootLabel(root), NodeKind::FolderUnread));
-    }
+    if (!root.empty()) OpenFolder(Insert(TVI_ROOT, TVI_FIRST, TreeRootLabel(root), NodeKind::FolderUnread));
 }
 
 bool ProjectTreeHandleNotify(const NMHDR& header, LRESULT* result) {
-    if (Tree() == nullptr || header.hwndFrom != Tree()) {
-        return false;
-    }
+    if (Tree() == nullptr || header.hwndFrom != Tree()) return false;
     *result = 0;
     const HTREEITEM selected = TreeView_GetSelection(Tree());
     switch (header.code) {
         case TVN_ITEMEXPANDINGW: {
             const auto& expanding = reinterpret_cast<const NMTREEVIEWW&>(header);
-            if (expanding.action == TVE_EXPAND && ItemKind(expanding.itemNew.hItem) == NodeKind::FolderUnread) {
+            if (expanding.action == TVE_EXPAND && ItemKind(expanding.itemNew.hItem) == NodeKind::FolderUnread)
                 StartReading(expanding.itemNew.hItem);
-            }
             return true;
         }
         case NM_DBLCLK: OpenItem(selected); return true;
         case NM_RETURN:
-            if (selected != nullptr && ItemKind(selected) != NodeKind::File) {
+            if (selected != nullptr && ItemKind(selected) != NodeKind::File)
                 TreeView_Expand(Tree(), selected, TVE_TOGGLE);
-            }
             OpenItem(selected);
             *result = 1;  // no beep
             return true;
@@ -347,29 +317,36 @@ bool ProjectTreeHandleNotify(const NMHDR& header, LRESULT* result) {
 }
 
 void ProjectTreeApplyTheme() {
-    if (Tree() == nullptr) {
-        return;
-    }
+    if (Tree() == nullptr) return;
     const ThemeChrome& chrome = ThemeCurrentChrome();
     TreeView_SetBkColor(Tree(), chrome.paneBack);
     TreeView_SetTextColor(Tree(), chrome.paneText);
     TreeView_SetLineColor(Tree(), chrome.line);
 
-    UniqueFont font{CreateFontW(-MulDiv(9, g_app.dpi, 72), 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
+    UniqueFont font{CreateFontW(-MulDiv(9, g_ui.dpi, 72), 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
                                 OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, DEFAULT_PITCH,
                                 L"Segoe UI")};
     if (font) {
         SendMessageW(Tree(), WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), TRUE);
         g_tree.font = std::move(font);
     }
-    const HIMAGELIST icons = TreeIconsCreate(g_app.dpi, chrome);
+    const HIMAGELIST icons = TreeIconsCreate(g_ui.dpi, chrome);
     if (icons != nullptr) {
         TreeView_SetImageList(Tree(), icons, TVSIL_NORMAL);
-        if (g_tree.icons != nullptr) {
-            ImageList_Destroy(g_tree.icons);
-        }
+        if (g_tree.icons != nullptr) ImageList_Destroy(g_tree.icons);
         g_tree.icons = icons;
     }
-    TreeView_SetItemHeight(Tree(), MulDiv(22, g_app.dpi, 96));
+    TreeView_SetItemHeight(Tree(), MulDiv(22, g_ui.dpi, 96));
     InvalidateRect(Tree(), nullptr, TRUE);
+}
+
+void ProjectTreeOfferRoot(const wchar_t* folder) {
+    constexpr int kWidestTree = 400;  // pixels; a greater width was never meant for the tree
+    constexpr int kDefaultWidth = 200;
+    if (g_selftestTabsMode || g_settings.projectRoot[0] != L'\0' || g_session.hProjectTree == nullptr) return;
+    SettingsChange([folder](Settings& settings) {
+        SafeCopyW(settings.projectRoot, folder);
+        if (settings.projectTreeWidth > kWidestTree) settings.projectTreeWidth = kDefaultWidth;
+    });
+    ProjectTreePopulate();
 }

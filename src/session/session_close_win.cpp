@@ -1,14 +1,13 @@
 // Clearing the row of tabs before a session is loaded. UI thread.
 #include "session/session_close.h"
 
-#include "app/app_state.h"
-#include "app/log.h"
+#include "base/handles.h"
+#include "base/log.h"
+#include "documents/document_row.h"
+#include "documents/editor_pane.h"
 #include "documents/file_commands.h"
-#include "editor/editor_pane.h"
-#include "files/handles.h"
-#include "files/message.h"
 #include "files/recovery.h"
-#include "tabs/tab_bar.h"
+#include "ui/message.h"
 
 #include <string>
 
@@ -20,9 +19,7 @@ bool KeepText(const DocumentTab& document, std::wstring& kept) {
     const HeapBlock<char> text{EditorPaneGetText(document.editor, &length)};
     const wchar_t* target = document.hasFile ? document.path : document.label;
     RecoveryCopy copy;
-    if (!text || !RecoveryWrite(target, text.get(), length, &copy)) {
-        return false;
-    }
+    if (!text || !RecoveryWrite(target, text.get(), length, &copy)) return false;
     // Not handed to RecoveryKeep: several untitled documents share one label, and a later save of the same file must
     // not take away what the user is told to find here.
     kept += std::wstring{L"\n\n"} + document.label + L":\n" + copy.path;
@@ -36,19 +33,15 @@ bool CloseEveryTab() {
     while (TabCount() > 0) {
         const int before = TabCount();
         FileClose(0);
-        if (TabCount() < before) {
-            continue;  // also when something else closed a tab while the question was up
-        }
-        const DocumentTab& document = g_app.tabs.front();
+        if (TabCount() < before) continue;  // also when something else closed a tab while the question was up
+        const DocumentTab& document = g_documents.tabs.front();
         if (document.modified && !KeepText(document, kept)) {
             AppLogMsg(L"FAIL: SessionLoad could not keep the text of %s", document.label);
             ErrorMessage(L"The session was not loaded: the unsaved changes of %s could not be kept anywhere.",
                          document.label);
             return false;
         }
-        if (TabBarRemove(0) == 0) {
-            return false;
-        }
+        if (TabBarRemove(0) == 0) return false;
     }
     if (!kept.empty()) {
         InfoMessage(L"The session replaces all open documents. Changes that you did not save are kept here:%s",

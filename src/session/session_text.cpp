@@ -54,14 +54,10 @@ void WriteLine(std::string& out, const char* key, std::string_view value) {
 }
 
 void WriteMarkerLines(std::string& out, const char* key, std::span<const std::int32_t> lines) {
-    if (lines.empty()) {
-        return;
-    }
+    if (lines.empty()) return;
     std::string list;
     for (const std::int32_t line : lines) {
-        if (!list.empty()) {
-            list += ',';
-        }
+        if (!list.empty()) list += ',';
         list += std::to_string(line);
     }
     WriteLine(out, key, list);
@@ -70,18 +66,15 @@ void WriteMarkerLines(std::string& out, const char* key, std::span<const std::in
 void WriteFile(std::string& out, std::size_t number, const SessionFile& file) {
     out.append("\r\n[File").append(std::to_string(number)).append("]\r\n");
     WriteLine(out, "Path", file.path);
-    if (!file.hasEditor) {
-        return;
-    }
+    if (!file.hasEditor) return;
     WriteLine(out, "Cursor", std::to_string(file.cursor));
     WriteLine(out, "Scroll", std::to_string(file.scroll));
     WriteLine(out, "SelectionStart", std::to_string(file.selectionStart));
     WriteLine(out, "SelectionEnd", std::to_string(file.selectionEnd));
     WriteMarkerLines(out, "Bookmarks", file.bookmarks);
     WriteMarkerLines(out, "Breakpoints", file.breakpoints);
-    for (const SessionBreakpoint& rule : file.rules) {
+    for (const SessionBreakpoint& rule : file.rules)
         WriteLine(out, "BreakpointRule", std::to_string(rule.line) + (rule.enabled ? ",1," : ",0,") + rule.condition);
-    }
 }
 
 // Takes the next line off the front, without its line break.
@@ -89,18 +82,14 @@ std::string_view NextLine(std::string_view& rest) {
     const std::size_t end = rest.find('\n');
     std::string_view line = rest.substr(0, end);
     rest = end == std::string_view::npos ? std::string_view{} : rest.substr(end + 1);
-    if (!line.empty() && line.back() == '\r') {
-        line.remove_suffix(1);
-    }
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
     return line;
 }
 
 const KeyRow* FindRow(std::span<const KeyRow> rows, const char* line, const char** value) {
     for (const KeyRow& row : rows) {
         *value = SessionParseLine(line, row.name);
-        if (*value != nullptr) {
-            return &row;
-        }
+        if (*value != nullptr) return &row;
     }
     return nullptr;
 }
@@ -111,24 +100,19 @@ std::string SessionCompose(const SessionHeader& header, std::span<const SessionF
     std::string out = "[Session]\r\nVersion=1\r\n";
     for (const KeyRow& row : kHeaderRows) {
         const std::int32_t number = header.numbers[static_cast<std::size_t>(row.key)];
-        if (row.kind == ValueKind::Text) {
+        if (row.kind == ValueKind::Text)
             WriteLine(out, row.name, header.projectRoot);
-        } else if (row.key == SessionKey::TabCount) {
+        else if (row.key == SessionKey::TabCount)
             WriteLine(out, row.name, std::to_string(files.size()));
-        } else {
+        else
             WriteLine(out, row.name, std::to_string(row.kind == ValueKind::Flag ? (number != 0 ? 1 : 0) : number));
-        }
     }
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        WriteFile(out, i + 1, files[i]);
-    }
+    for (std::size_t i = 0; i < files.size(); ++i) WriteFile(out, i + 1, files[i]);
     return out;
 }
 
 const char* SessionParseLine(const char* line, const char* key) {
-    if (line == nullptr || key == nullptr) {
-        return nullptr;
-    }
+    if (line == nullptr || key == nullptr) return nullptr;
     const std::size_t length = std::strlen(key);
     return std::strncmp(line, key, length) == 0 && line[length] == '=' ? line + length + 1 : nullptr;
 }
@@ -149,9 +133,7 @@ std::vector<SessionItem> SessionParse(std::string_view text) {
         }
         const char* value = nullptr;
         const KeyRow* row = FindRow(file < 0 ? std::span<const KeyRow>{kHeaderRows} : kFileRows, line.c_str(), &value);
-        if (row == nullptr) {
-            continue;
-        }
+        if (row == nullptr) continue;
         const std::int32_t number = SessionNumber(value);
         items.push_back({.file = file,
                          .key = row->key,
@@ -165,9 +147,7 @@ bool SessionListsFiles(std::string_view text) {
     while (!text.empty()) {
         const std::string line{NextLine(text)};
         const char* value = SessionParseLine(line.c_str(), "Path");
-        if (value != nullptr && value[0] != '\0') {
-            return true;
-        }
+        if (value != nullptr && value[0] != '\0') return true;
     }
     return false;
 }
@@ -199,9 +179,7 @@ SessionBreakpoint SessionParseRule(std::string_view value) {
 }
 
 std::int32_t SessionNumber(std::string_view text) {
-    while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) {
-        text.remove_prefix(1);
-    }
+    while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
     bool negative = false;
     if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
         negative = text.front() == '-';
@@ -210,9 +188,7 @@ std::int32_t SessionNumber(std::string_view text) {
     constexpr std::int64_t kBeyond = std::int64_t{std::numeric_limits<std::int32_t>::max()} + 1;
     std::int64_t number = 0;
     for (const char digit : text) {
-        if (digit < '0' || digit > '9') {
-            break;
-        }
+        if (digit < '0' || digit > '9') break;
         number = std::min(number * 10 + (digit - '0'), kBeyond);
     }
     return static_cast<std::int32_t>(negative ? -number : std::min(number, kBeyond - 1));

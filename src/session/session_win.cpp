@@ -2,25 +2,27 @@
 // session_text. UI thread.
 #include "session/session.h"
 
-#include "app/app_state.h"
-#include "app/log.h"
-#include "app/shell.h"
+#include "base/events.h"
+#include "base/handles.h"
+#include "base/log.h"
 #include "debugui/breakpoint_list.h"
 #include "debugui/breakpoint_rules.h"
+#include "documents/document_row.h"
 #include "documents/file_commands.h"
+#include "documents/margins.h"
 #include "documents/recent_files.h"
 #include "files/file_io.h"
-#include "files/handles.h"
-#include "language/theme.h"
+#include "files/session_file.h"
 #include "resources/ids.h"
-#include "scintilla/margins.h"
 #include "scintilla/sci.h"
 #include "session/project_tree.h"
 #include "session/session_close.h"
-#include "session/session_file.h"
+#include "session/session_state.h"
 #include "session/session_text.h"
+#include "settings/settings_state.h"
 #include "settings/settings_store.h"
-#include "tabs/tab_bar.h"
+#include "ui/message.h"
+#include "ui/ui_state.h"
 
 #include <algorithm>
 #include <limits>
@@ -71,11 +73,9 @@ std::uint64_t Position(HWND editor, UINT message) { return static_cast<std::uint
 
 std::vector<SessionBreakpoint> BreakpointRulesOf(HWND editor) {
     std::vector<SessionBreakpoint> rules;
-    for (const UserBreakpoint& breakpoint : BreakpointList()) {
-        if (breakpoint.editor == editor && (!breakpoint.enabled || !breakpoint.condition.empty())) {
+    for (const UserBreakpoint& breakpoint : BreakpointList())
+        if (breakpoint.editor == editor && (!breakpoint.enabled || !breakpoint.condition.empty()))
             rules.push_back({breakpoint.line - 1, breakpoint.enabled, breakpoint.condition});
-        }
-    }
     return rules;
 }
 
@@ -83,12 +83,9 @@ std::vector<SessionBreakpoint> BreakpointRulesOf(HWND editor) {
 void ApplyBreakpointRule(HWND editor, const SessionBreakpoint& rule) {
     const int line = std::clamp(rule.line, -1, std::numeric_limits<std::int32_t>::max() - 1) + 1;
     const int index = BreakpointAt(editor, line, false);
-    if (index < 0) {
-        return;
-    }
-    if (ConditionProblem(rule.condition).empty()) {
+    if (index < 0) return;
+    if (ConditionProblem(rule.condition).empty())
         BreakpointSetCondition(static_cast<std::size_t>(index), rule.condition);
-    }
     BreakpointEnable(static_cast<std::size_t>(index), rule.enabled);
 }
 
@@ -110,15 +107,13 @@ SessionFile CaptureFile(const DocumentTab& tab) {
 
 SessionHeader CaptureHeader() {
     SessionHeader header;
-    for (const NumberField& field : kSettingFields) {
-        header[field.key] = g_app.settings.*field.field;
-    }
-    header[SessionKey::ActiveTab] = g_app.activeTab;
-    header[SessionKey::ShowOutput] = g_app.showOutput ? 1 : 0;
-    header[SessionKey::ShowAsmPane] = g_app.showAsmPane ? 1 : 0;
-    header[SessionKey::SplitHorizontal] = g_app.splitHorizontal ? 1 : 0;
-    header[SessionKey::FullScreen] = g_app.fullScreen ? 1 : 0;
-    header.projectRoot = ToUtf8(g_app.settings.projectRoot);
+    for (const NumberField& field : kSettingFields) header[field.key] = g_settings.*field.field;
+    header[SessionKey::ActiveTab] = g_documents.activeTab;
+    header[SessionKey::ShowOutput] = g_ui.showOutput ? 1 : 0;
+    header[SessionKey::ShowAsmPane] = g_ui.showAsmPane ? 1 : 0;
+    header[SessionKey::SplitHorizontal] = g_session.splitHorizontal ? 1 : 0;
+    header[SessionKey::FullScreen] = g_session.fullScreen ? 1 : 0;
+    header.projectRoot = ToUtf8(g_settings.projectRoot);
     return header;
 }
 
@@ -127,29 +122,23 @@ void ApplyHeader(const SessionItem& item, int* activeTab) {
         case SessionKey::ActiveTab: *activeTab = item.number; return;
         case SessionKey::ProjectRoot: {
             const HeapBlock<wchar_t> root{Utf8ToWide(item.text.c_str())};
-            SafeCopyW(g_app.settings.projectRoot, root ? root.get() : L"");
+            SafeCopyW(g_settings.projectRoot, root ? root.get() : L"");
             return;
         }
-        case SessionKey::ShowOutput: g_app.showOutput = item.number != 0; return;
-        case SessionKey::ShowAsmPane: g_app.showAsmPane = item.number != 0; return;
-        case SessionKey::SplitHorizontal: g_app.splitHorizontal = item.number != 0; return;
-        case SessionKey::FullScreen: g_app.fullScreen = item.number != 0; return;
-        case SessionKey::TreeWidth: g_app.settings.projectTreeWidth = SessionTreeWidth(item.number); return;
+        case SessionKey::ShowOutput: g_ui.showOutput = item.number != 0; return;
+        case SessionKey::ShowAsmPane: g_ui.showAsmPane = item.number != 0; return;
+        case SessionKey::SplitHorizontal: g_session.splitHorizontal = item.number != 0; return;
+        case SessionKey::FullScreen: g_session.fullScreen = item.number != 0; return;
+        case SessionKey::TreeWidth: g_settings.projectTreeWidth = SessionTreeWidth(item.number); return;
         default: break;
     }
-    for (const NumberField& field : kSettingFields) {
-        if (field.key == item.key) {
-            g_app.settings.*field.field = item.number;
-        }
-    }
+    for (const NumberField& field : kSettingFields)
+        if (field.key == item.key) g_settings.*field.field = item.number;
 }
 
 void AddMarkers(HWND editor, const std::string& list, int marker) {
-    for (const std::int32_t line : SessionParseLines(list)) {
-        if (line >= 0) {
-            SciSend(editor, SCI_MARKERADD, static_cast<WPARAM>(line), marker);
-        }
-    }
+    for (const std::int32_t line : SessionParseLines(list))
+        if (line >= 0) SciSend(editor, SCI_MARKERADD, static_cast<WPARAM>(line), marker);
 }
 
 // The tab is chosen by the section's number, not by what its "Path" opened: a file that is gone shifts the positions of
@@ -157,15 +146,11 @@ void AddMarkers(HWND editor, const std::string& list, int marker) {
 void ApplyFileItem(const SessionItem& item) {
     if (item.key == SessionKey::Path) {
         const HeapBlock<wchar_t> path{Utf8ToWide(item.text.c_str())};
-        if (path && path.get()[0] != L'\0') {
-            FileOpen(path.get());
-        }
+        if (path && path.get()[0] != L'\0') FileShow(path.get(), false);
         return;
     }
-    if (!IsTabIndex(item.file)) {
-        return;
-    }
-    const HWND editor = g_app.tabs[static_cast<std::size_t>(item.file)].editor;
+    if (!IsTabIndex(item.file)) return;
+    const HWND editor = TabAt(item.file).editor;
     const auto position = static_cast<WPARAM>(item.number);
     switch (item.key) {
         case SessionKey::Cursor: SciSend(editor, SCI_GOTOPOS, position); break;
@@ -179,70 +164,36 @@ void ApplyFileItem(const SessionItem& item) {
     }
 }
 
-// View options reach the editors that the session opened.
-void ApplyViewToEditors() {
-    const Settings& settings = g_app.settings;
-    for (const DocumentTab& tab : g_app.tabs) {
-        SciSend(tab.editor, SCI_SETZOOM, static_cast<WPARAM>(settings.editorZoom));
-        SciSend(tab.editor, SCI_SETWRAPMODE, settings.wordWrap != 0 ? 1 : 0);
-        SciSend(tab.editor, SCI_SETINDENTATIONGUIDES, settings.showIndentGuides != 0 ? 1 : 0);
-    }
-}
-
-// A change of theme concerns every window of the frame. The command that the user would give does all of it, but only
-// when it finds the old theme still set; a number that is no theme counts as the light one.
-void ApplyThemeChange(std::int32_t before) {
-    const bool isDark = g_app.settings.theme == 1;
-    if (isDark != (before == 1)) {
-        g_app.settings.theme = before;
-        SendMessageW(g_app.hMainWnd, WM_COMMAND, isDark ? IDM_VIEW_DARK_THEME : IDM_VIEW_LIGHT_THEME, 0);
-    }
+void ApplySession(const std::vector<SessionItem>& items) {
+    const SettingsEdit edit;
+    int activeTab = 0;
+    for (const SessionItem& item : items)
+        if (item.file < 0)
+            ApplyHeader(item, &activeTab);
+        else
+            ApplyFileItem(item);
+    if (IsTabIndex(activeTab)) TabBarActivate(activeTab);
+    if (g_settings.projectRoot[0] != L'\0' && g_session.hProjectTree != nullptr) ProjectTreePopulate();
 }
 
 }  // namespace
 
 int SessionSave(const wchar_t* path) {
-    if (path == nullptr || path[0] == L'\0') {
-        return 0;
-    }
+    if (path == nullptr || path[0] == L'\0') return 0;
     std::vector<SessionFile> files;
-    for (const DocumentTab& tab : g_app.tabs) {
-        if (tab.path[0] != L'\0') {
-            files.push_back(CaptureFile(tab));
-        }
-    }
+    for (const DocumentTab& tab : g_documents.tabs)
+        if (tab.path[0] != L'\0') files.push_back(CaptureFile(tab));
     return ReplaceFileWithText(path, SessionCompose(CaptureHeader(), files)) ? 1 : 0;
 }
 
 int SessionLoad(const wchar_t* path, HWND) {
-    if (path == nullptr || path[0] == L'\0') {
-        return 0;
-    }
+    if (path == nullptr || path[0] == L'\0') return 0;
     std::size_t length = 0;
     const HeapBlock<char> text{ReadFileUtf8(path, &length)};
-    if (!text || !CloseEveryTab()) {
-        return 0;
-    }
-    const std::int32_t themeBefore = g_app.settings.theme;
-    int activeTab = 0;
-    for (const SessionItem& item : SessionParse({text.get(), length})) {
-        if (item.file < 0) {
-            ApplyHeader(item, &activeTab);
-        } else {
-            ApplyFileItem(item);
-        }
-    }
-    if (IsTabIndex(activeTab)) {
-        TabBarActivate(activeTab);
-    }
-    if (g_app.settings.projectRoot[0] != L'\0' && g_app.hProjectTree != nullptr) {
-        ProjectTreePopulate();
-    }
-    ApplyViewToEditors();
-    ApplyThemeChange(themeBefore);
-    MainWindow_UpdateCompilerSelection();
-    MainWindow_Layout();
-    MenuUpdateState();
+    if (!text || !CloseEveryTab()) return 0;
+    ApplySession(SessionParse({text.get(), length}));
+    g_events.layoutWanted();
+    g_events.refreshWanted();
     SettingsSave(nullptr);
     SessionMRUAdd(path);
     return 1;
@@ -260,21 +211,15 @@ void SessionAutoSavePath(wchar_t* out, std::size_t capacity) {
 }
 
 void SessionAutoSave(HWND) {
-    if (g_selftestTabsMode || g_app.settings.autoSaveEnabled == 0) {
-        return;
-    }
+    if (g_selftestTabsMode || g_settings.autoSaveEnabled == 0) return;
     wchar_t path[kPathCapacity] = {};
     SessionAutoSavePath(path, kPathCapacity);
-    if (SessionSave(path) == 0) {
-        AppLogMsg(L"FAIL: SessionAutoSave could not write path=%s", path);
-    }
+    if (SessionSave(path) == 0) AppLogMsg(L"FAIL: SessionAutoSave could not write path=%s", path);
 }
 
 void SessionMRUAdd(const wchar_t* path) {
-    if (path == nullptr) {
-        return;
-    }
-    Settings& settings = g_app.settings;
+    if (path == nullptr) return;
+    Settings& settings = g_settings;
     settings.sessionMruCount =
         RecentListAdd(settings.sessionMruFiles, settings.sessionMruCount, path, RecentMatch::Exact);
 }

@@ -2,7 +2,7 @@
 // file is slow, on a network share very slow. UI thread.
 #pragma once
 
-#include "language/theme.h"
+#include "ui/chrome.h"
 
 #include <windows.h>
 

@@ -1,7 +1,8 @@
 // The small pictures of the project tree. UI thread.
 #include "session/tree_icons.h"
 
-#include "files/handles.h"
+#include "base/handles.h"
+#include "ui/chrome.h"
 
 #include <iterator>
 
@@ -19,9 +20,8 @@ struct Pictures {
 
 void FillShape(const Pictures& pictures, int picture, const POINT* grid, int count, COLORREF fill, COLORREF edge) {
     POINT points[8];
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < count; ++i)
         points[i] = {picture * pictures.side + pictures.At(grid[i].x), pictures.At(grid[i].y)};
-    }
     SetDCBrushColor(pictures.dc, fill);
     SetDCPenColor(pictures.dc, edge);
     Polygon(pictures.dc, points, count);

@@ -11,9 +11,7 @@ constexpr const wchar_t* kCompilerNames[] = {L"KVXA64", L"KVXB64", L"KVXA32", L"
 constexpr std::size_t kEscapedCapacity = 2048;  // wide characters: a full path of backslashes fits
 
 const wchar_t* SkipBlanks(const wchar_t* text) {
-    while (*text == L' ' || *text == L'\t' || *text == L'\r' || *text == L'\n') {
-        ++text;
-    }
+    while (*text == L' ' || *text == L'\t' || *text == L'\r' || *text == L'\n') ++text;
     return text;
 }
 
@@ -25,9 +23,7 @@ const wchar_t* FindQuoted(const wchar_t* text, const wchar_t* key) {
 // Where the value of the first such key begins, or null.
 const wchar_t* FindValue(const wchar_t* text, const wchar_t* key) {
     const wchar_t* found = FindQuoted(text, key);
-    if (found == nullptr) {
-        return nullptr;
-    }
+    if (found == nullptr) return nullptr;
     found = SkipBlanks(found + std::wcslen(key) + 2);
     return *found == L':' ? SkipBlanks(found + 1) : nullptr;
 }
@@ -43,13 +39,10 @@ wchar_t Unescape(wchar_t letter) {
 
 int ReadInt(const wchar_t* text) {
     const bool negative = *text == L'-';
-    if (negative) {
-        ++text;
-    }
+    if (negative) ++text;
     std::int64_t number = 0;
-    for (; *text >= L'0' && *text <= L'9'; ++text) {
+    for (; *text >= L'0' && *text <= L'9'; ++text)
         number = std::min<std::int64_t>(number * 10 + (*text - L'0'), std::numeric_limits<std::int32_t>::max());
-    }
     return static_cast<int>(negative ? -number : number);
 }
 
@@ -59,9 +52,7 @@ std::wstring WorkspaceCompose(std::span<const WorkspaceTab> tabs, std::int32_t a
                               const wchar_t* flags) {
     std::wstring out = L"{\r\n  \"version\": \"1.0\",\r\n  \"files\": [\r\n";
     for (std::size_t i = 0; i < tabs.size(); ++i) {
-        if (tabs[i].path.empty()) {
-            continue;
-        }
+        if (tabs[i].path.empty()) continue;
         wchar_t escaped[kEscapedCapacity];
         JsonEscape(tabs[i].path.c_str(), escaped, kEscapedCapacity);
         out.append(L"    {\"path\": \"").append(escaped).append(L"\", \"cursorPos\": ");
@@ -83,35 +74,25 @@ int WorkspaceCompilerId(std::wstring_view name) {
 }
 
 void JsonEscape(const wchar_t* source, wchar_t* out, std::size_t capacity) {
-    if (out == nullptr || capacity == 0) {
-        return;
-    }
+    if (out == nullptr || capacity == 0) return;
     std::size_t used = 0;
     while (source != nullptr && *source != L'\0' && capacity - used >= 3) {
-        if (*source == L'\\' || *source == L'"') {
-            out[used++] = L'\\';
-        }
+        if (*source == L'\\' || *source == L'"') out[used++] = L'\\';
         out[used++] = *source++;
     }
     out[used] = L'\0';
 }
 
 int JsonExtractString(const wchar_t* text, const wchar_t* key, wchar_t* out, std::size_t capacity) {
-    if (text == nullptr || key == nullptr || out == nullptr || capacity == 0) {
-        return 0;
-    }
+    if (text == nullptr || key == nullptr || out == nullptr || capacity == 0) return 0;
     const wchar_t* from = FindValue(text, key);
-    if (from == nullptr || *from != L'"') {
-        return 0;
-    }
+    if (from == nullptr || *from != L'"') return 0;
     std::size_t used = 0;
     for (++from; *from != L'\0' && *from != L'"' && used + 1 < capacity; ++from) {
         wchar_t letter = *from;
         if (letter == L'\\') {
             ++from;
-            if (*from == L'\0') {
-                break;
-            }
+            if (*from == L'\0') break;
             letter = Unescape(*from);
         }
         out[used++] = letter;
@@ -129,15 +110,11 @@ int JsonParseFiles(const wchar_t* text, wchar_t (*paths)[kPathCapacity], int* cu
     const wchar_t* list = text != nullptr ? FindQuoted(text, L"files") : nullptr;
     list = list != nullptr ? std::wcschr(list, L'[') : nullptr;
     const wchar_t* bound = list != nullptr ? std::wcschr(list, L']') : nullptr;
-    if (bound == nullptr) {
-        return 0;
-    }
+    if (bound == nullptr) return 0;
     int count = 0;
     while (count < maximum) {
         const wchar_t* entry = FindQuoted(list, L"path");
-        if (entry == nullptr || entry > bound) {
-            break;
-        }
+        if (entry == nullptr || entry > bound) break;
         paths[count][0] = L'\0';
         JsonExtractString(entry, L"path", paths[count], kPathCapacity);
         list = entry + std::wcslen(L"\"path\"");

@@ -2,7 +2,7 @@
 // layout that the writer produces, not JSON at large. Pure.
 #pragma once
 
-#include "files/bounded_text.h"
+#include "base/bounded_text.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,17 +1,16 @@
 // Saving and restoring the workspace: the open files, the active one, the compiler and its flags. UI thread.
-#include "app/app_state.h"
-#include "app/log.h"
-#include "app/shell.h"
+#include "base/handles.h"
+#include "base/log.h"
+#include "base/path.h"
+#include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "files/file_io.h"
-#include "files/handles.h"
-#include "files/path.h"
-#include "language/theme.h"
+#include "files/session_file.h"
 #include "scintilla/sci.h"
 #include "session/session.h"
-#include "session/session_file.h"
+#include "session/session_state.h"
 #include "session/workspace_text.h"
-#include "tabs/tab_bar.h"
+#include "settings/settings_state.h"
 
 #include <memory>
 #include <string>
@@ -25,9 +24,8 @@ struct FileList {
 };
 
 void WorkspacePathFor(const wchar_t* path, wchar_t* out, std::size_t capacity) {
-    if (path == nullptr || path[0] == L'\0') {
-        path = g_app.workspacePath[0] != L'\0' ? g_app.workspacePath : L"workspace.json";
-    }
+    if (path == nullptr || path[0] == L'\0')
+        path = g_session.workspacePath[0] != L'\0' ? g_session.workspacePath : L"workspace.json";
     if (path[0] == L'\\' || PathIsAbsolute(path)) {
         SafeCopyW(out, capacity, path);
         return;
@@ -39,66 +37,47 @@ void WorkspacePathFor(const wchar_t* path, wchar_t* out, std::size_t capacity) {
 
 std::vector<WorkspaceTab> CaptureTabs() {
     std::vector<WorkspaceTab> tabs;
-    for (const DocumentTab& tab : g_app.tabs) {
+    for (const DocumentTab& tab : g_documents.tabs)
         tabs.push_back({.path = tab.path, .cursor = static_cast<std::int32_t>(SciSend(tab.editor, SCI_GETCURRENTPOS))});
-    }
     return tabs;
 }
 
 // The file holds the flags without escaping, so that a quote or a backslash in them does not survive the trip. Flags
 // that are in the settings whole are therefore not replaced by their own mutilated copy.
 void ApplyFlags(wchar_t (&flags)[1024], const wchar_t* read) {
-    if (WorkspaceFlagsAsRead(flags) != read) {
-        SafeCopyW(flags, read);
-    }
+    if (WorkspaceFlagsAsRead(flags) != read) SafeCopyW(flags, read);
 }
 
 void ApplyCompiler(const wchar_t* text) {
     wchar_t name[32] = {};
-    if (JsonExtractString(text, L"compiler", name, std::size(name)) == 0) {
-        return;
-    }
+    if (JsonExtractString(text, L"compiler", name, std::size(name)) == 0) return;
     const int compiler = WorkspaceCompilerId(name);
-    if (compiler < 0) {
-        return;
-    }
-    if (compiler != g_app.settings.activeCompiler) {
-        g_app.settings.activeCompiler = compiler;
-        MainWindow_UpdateCompilerSelection();
-        SyntaxThemeApplyAll();
-    }
+    if (compiler < 0) return;
+    SettingsChange([compiler](Settings& settings) { settings.activeCompiler = compiler; });
     wchar_t flags[kWorkspaceFlagsCapacity] = {};
-    if (JsonExtractString(text, L"compilerFlags", flags, kWorkspaceFlagsCapacity) != 0) {
-        ApplyFlags(g_app.settings.compilers[compiler].flags, flags);
-    }
+    if (JsonExtractString(text, L"compilerFlags", flags, kWorkspaceFlagsCapacity) != 0)
+        ApplyFlags(g_settings.compilers[compiler].flags, flags);
 }
 
 // From the last tab to the first. Returns -1, or the index of a tab that the user kept.
 int CloseAllTabs() {
     while (TabCount() > 0) {
         const int before = TabCount();
-        if (FileClose(before - 1) == 0 || TabCount() >= before) {
-            return before - 1;
-        }
+        if (FileClose(before - 1) == 0 || TabCount() >= before) return before - 1;
     }
     return -1;
 }
 
 void OpenFiles(const FileList& files, int count) {
-    for (int i = 0; i < count; ++i) {
-        if (FileExists(files.paths[i]) && FileOpen(files.paths[i]) == 0) {
+    for (int i = 0; i < count; ++i)
+        if (FileExists(files.paths[i]) && FileShow(files.paths[i], false) == 0)
             AppLogMsg(L"FAIL: WorkspaceLoad FileOpen failed for file[%d]=%s", i, files.paths[i]);
-        }
-    }
 }
 
 // Entries belong to tabs by position: a file that is gone shifts the later carets.
 void PlaceCarets(const FileList& files, int count) {
-    for (int i = 0; i < count && i < TabCount(); ++i) {
-        if (files.cursors[i] > 0) {
-            SciSend(g_app.tabs[static_cast<std::size_t>(i)].editor, SCI_GOTOPOS, static_cast<WPARAM>(files.cursors[i]));
-        }
-    }
+    for (int i = 0; i < count && i < TabCount(); ++i)
+        if (files.cursors[i] > 0) SciSend(TabAt(i).editor, SCI_GOTOPOS, static_cast<WPARAM>(files.cursors[i]));
 }
 
 }  // namespace
@@ -108,35 +87,28 @@ int WorkspaceSave(const wchar_t* path) {
     WorkspacePathFor(path, target, kPathCapacity);
     const std::vector<WorkspaceTab> tabs = CaptureTabs();
     bool anyFile = false;
-    for (const WorkspaceTab& tab : tabs) {
-        anyFile = anyFile || !tab.path.empty();
-    }
+    for (const WorkspaceTab& tab : tabs) anyFile = anyFile || !tab.path.empty();
     if (!anyFile) {
         // An empty workspace is the absence of its file.
-        if (FileExists(target) && DeleteFileW(PathExtended(target).c_str()) == FALSE) {
+        if (FileExists(target) && DeleteFileW(PathExtended(target).c_str()) == FALSE)
             AppLogMsg(L"FAIL: WorkspaceSave could not delete error=%lu path=%s", GetLastError(), target);
-        }
         return 1;
     }
-    const auto compiler = static_cast<std::uint32_t>(g_app.settings.activeCompiler);
+    const auto compiler = static_cast<std::uint32_t>(g_settings.activeCompiler);
     const std::size_t row = compiler < kCompilerCount ? compiler : 0;
-    const std::wstring text = WorkspaceCompose(tabs, g_app.activeTab, compiler, g_app.settings.compilers[row].flags);
+    const std::wstring text = WorkspaceCompose(tabs, g_documents.activeTab, compiler, g_settings.compilers[row].flags);
     const HeapBlock<char> utf8{WideToUtf8(text.c_str())};
-    if (!utf8) {
-        return 0;
-    }
+    if (!utf8) return 0;
     if (!ReplaceFileWithText(target, utf8.get())) {
         AppLogMsg(L"FAIL: WorkspaceSave could not write path=%s", target);
         return 0;
     }
-    SafeCopyW(g_app.workspacePath, target);
+    SafeCopyW(g_session.workspacePath, target);
     return 1;
 }
 
 int WorkspaceLoad(const wchar_t* path) {
-    if (path == nullptr || path[0] == L'\0') {
-        return 0;
-    }
+    if (path == nullptr || path[0] == L'\0') return 0;
     std::size_t length = 0;
     const HeapBlock<char> utf8{ReadFileUtf8(path, &length)};
     if (!utf8) {
@@ -161,21 +133,16 @@ int WorkspaceLoad(const wchar_t* path) {
         return 0;
     }
     OpenFiles(*files, count);
-    if (IsTabIndex(activeFile)) {
-        TabBarSelect(activeFile);
-    }
+    if (IsTabIndex(activeFile)) TabBarSelect(activeFile);
     PlaceCarets(*files, count);
-    SafeCopyW(g_app.workspacePath, source);
-    MainWindow_UpdateTitle();
+    SafeCopyW(g_session.workspacePath, source);
     return 1;
 }
 
 void WorkspaceNew() {
     // A document that the user would not close stays, and with it the workspace as it was: nothing is thrown away by a
     // question answered with "cancel".
-    if (CloseAllTabs() >= 0) {
-        return;
-    }
-    g_app.workspacePath[0] = L'\0';
+    if (CloseAllTabs() >= 0) return;
+    g_session.workspacePath[0] = L'\0';
     FileNew();
 }

@@ -19,9 +19,7 @@ void AppendUtf16(std::string& bytes, std::wstring_view text) {
 
 void IniText::Add(std::wstring_view section, std::wstring_view key, std::wstring_view stored) {
     auto found = std::ranges::find(sections_, section, &Section::name);
-    if (found == sections_.end()) {
-        found = sections_.insert(found, Section{.name = std::wstring{section}, .lines = {}});
-    }
+    if (found == sections_.end()) found = sections_.insert(found, Section{.name = std::wstring{section}, .lines = {}});
     found->lines.append(key).append(L"=").append(stored).append(L"\r\n");
 }
 

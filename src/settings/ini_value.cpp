@@ -1,7 +1,7 @@
 // Values that survive the system's INI functions, and the lines those hand out. Pure; any thread.
 #include "settings/ini_value.h"
 
-#include "files/path.h"
+#include "base/path.h"
 
 namespace {
 
@@ -17,21 +17,14 @@ bool IsBlank(wchar_t c) {
 bool IsQuote(wchar_t c) { return c == L'"' || c == L'\''; }
 
 bool NeedsEscape(std::wstring_view value) {
-    if (value.starts_with(kEscaped)) {
-        return true;
-    }
-    for (const wchar_t c : value) {
-        if (static_cast<unsigned>(c) < 0x20 && c != L'\t') {
-            return true;
-        }
-    }
+    if (value.starts_with(kEscaped)) return true;
+    for (const wchar_t c : value)
+        if (static_cast<unsigned>(c) < 0x20 && c != L'\t') return true;
     return false;
 }
 
 int HexValue(wchar_t c) {
-    if (c >= L'0' && c <= L'9') {
-        return c - L'0';
-    }
+    if (c >= L'0' && c <= L'9') return c - L'0';
     return c >= L'A' && c <= L'F' ? c - L'A' + 10 : -1;
 }
 
@@ -74,12 +67,8 @@ std::wstring Unescape(std::wstring_view text) {
 }
 
 std::wstring_view Trim(std::wstring_view text) {
-    while (!text.empty() && (text.front() == L' ' || text.front() == L'\t')) {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && (text.back() == L' ' || text.back() == L'\t')) {
-        text.remove_suffix(1);
-    }
+    while (!text.empty() && (text.front() == L' ' || text.front() == L'\t')) text.remove_prefix(1);
+    while (!text.empty() && (text.back() == L' ' || text.back() == L'\t')) text.remove_suffix(1);
     return text;
 }
 
@@ -87,9 +76,7 @@ std::wstring_view Trim(std::wstring_view text) {
 
 std::wstring EncodeIniValue(std::wstring_view value) {
     std::wstring stored = NeedsEscape(value) ? Escape(value) : std::wstring{value};
-    if (stored.empty()) {
-        return stored;
-    }
+    if (stored.empty()) return stored;
     const bool quoted = stored.size() > 1 && IsQuote(stored.front()) && stored.front() == stored.back();
     if (quoted || IsBlank(stored.front()) || IsBlank(stored.back())) {
         stored.insert(stored.begin(), L'"');
@@ -107,9 +94,7 @@ IniLine FindIniLine(std::wstring_view lines, std::wstring_view key) {
         const std::wstring_view line = lines.substr(0, lines.find(L'\0'));
         lines.remove_prefix(line.size() < lines.size() ? line.size() + 1 : line.size());
         const std::size_t equals = line.find(L'=');
-        if (equals == std::wstring_view::npos || !PathEqualsIgnoreCase(Trim(line.substr(0, equals)), key)) {
-            continue;
-        }
+        if (equals == std::wstring_view::npos || !PathEqualsIgnoreCase(Trim(line.substr(0, equals)), key)) continue;
         const std::wstring_view value = Trim(line.substr(equals + 1));
         const bool quoted = !value.empty() && (IsQuote(value.front()) || IsQuote(value.back()));
         return {.kind = quoted ? IniLineKind::Quoted : IniLineKind::Plain, .value = value};
@@ -120,14 +105,11 @@ IniLine FindIniLine(std::wstring_view lines, std::wstring_view key) {
 bool ParsePlainNumber(std::wstring_view text, int* number) {
     const bool negative = text.starts_with(L'-');
     const std::wstring_view digits = text.substr(negative ? 1 : 0);
-    if (digits.empty() || digits.size() > 9 || (digits.size() > 1 && digits.front() == L'0')) {
+    if (digits.empty() || digits.size() > 9 || (digits.size() > 1 && digits.front() == L'0'))
         return false;  // a leading zero may mean another base
-    }
     int value = 0;
     for (const wchar_t c : digits) {
-        if (c < L'0' || c > L'9') {
-            return false;
-        }
+        if (c < L'0' || c > L'9') return false;
         value = value * 10 + (c - L'0');
     }
     *number = negative ? -value : value;

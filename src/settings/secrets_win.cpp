@@ -1,10 +1,10 @@
 // Protection of secrets with the system's data protection. Any thread.
 #include "settings/secrets.h"
 
-#include "files/bounded_text.h"
+#include "base/bounded_text.h"
+#include "base/handles.h"
+#include "base/hex_digit.h"
 #include "files/file_io.h"
-#include "files/handles.h"
-#include "files/hex_digit.h"
 
 #include <dpapi.h>
 
@@ -20,15 +20,11 @@ constexpr std::wstring_view kPrefix = L"[DPAPI]";
 // Empty for an odd number of digits and for anything that is no digit.
 std::vector<BYTE> BytesOfHex(std::wstring_view digits) {
     std::vector<BYTE> bytes;
-    if (digits.size() % 2 != 0) {
-        return bytes;
-    }
+    if (digits.size() % 2 != 0) return bytes;
     for (std::size_t i = 0; i < digits.size(); i += 2) {
         const int high = HexValue(digits[i]);
         const int low = HexValue(digits[i + 1]);
-        if (high < 0 || low < 0) {
-            return {};
-        }
+        if (high < 0 || low < 0) return {};
         bytes.push_back(static_cast<BYTE>(high * 16 + low));
     }
     return bytes;
@@ -40,27 +36,21 @@ void Wipe(void* bytes, std::size_t length) { SecureZeroMemory(bytes, length); }
 }  // namespace
 
 bool EncryptString(const wchar_t* clearText, wchar_t* out, std::size_t capacity) {
-    if (clearText == nullptr || out == nullptr || capacity == 0) {
-        return false;
-    }
+    if (clearText == nullptr || out == nullptr || capacity == 0) return false;
     if (clearText[0] == L'\0') {
         out[0] = L'\0';
         return true;
     }
     const HeapBlock<char> utf8{WideToUtf8(clearText)};
     out[0] = L'\0';
-    if (!utf8) {
-        return false;
-    }
+    if (!utf8) return false;
     const std::size_t length = std::strlen(utf8.get());
     DATA_BLOB clear = {.cbData = static_cast<DWORD>(length), .pbData = reinterpret_cast<BYTE*>(utf8.get())};
     DATA_BLOB sealed = {};
     const BOOL done = CryptProtectData(&clear, nullptr, nullptr, nullptr, nullptr, CRYPTPROTECT_UI_FORBIDDEN, &sealed);
     Wipe(utf8.get(), length);
     const LocalBlock<BYTE> owner{sealed.pbData};
-    if (done == FALSE || kPrefix.size() + 2 * static_cast<std::size_t>(sealed.cbData) + 1 > capacity) {
-        return false;
-    }
+    if (done == FALSE || kPrefix.size() + 2 * static_cast<std::size_t>(sealed.cbData) + 1 > capacity) return false;
     std::wstring text{kPrefix};
     for (DWORD i = 0; i < sealed.cbData; ++i) {
         text += L"0123456789ABCDEF"[sealed.pbData[i] >> 4U];
@@ -70,18 +60,14 @@ bool EncryptString(const wchar_t* clearText, wchar_t* out, std::size_t capacity)
 }
 
 int DecryptString(const wchar_t* stored, wchar_t* out, std::size_t capacity) {
-    if (stored == nullptr || out == nullptr || capacity == 0 || !std::wstring_view{stored}.starts_with(kPrefix)) {
+    if (stored == nullptr || out == nullptr || capacity == 0 || !std::wstring_view{stored}.starts_with(kPrefix))
         return 0;
-    }
     std::vector<BYTE> bytes = BytesOfHex(std::wstring_view{stored}.substr(kPrefix.size()));
-    if (bytes.empty()) {
-        return 0;
-    }
+    if (bytes.empty()) return 0;
     DATA_BLOB sealed = {.cbData = static_cast<DWORD>(bytes.size()), .pbData = bytes.data()};
     DATA_BLOB clear = {};
-    if (CryptUnprotectData(&sealed, nullptr, nullptr, nullptr, nullptr, CRYPTPROTECT_UI_FORBIDDEN, &clear) == FALSE) {
+    if (CryptUnprotectData(&sealed, nullptr, nullptr, nullptr, nullptr, CRYPTPROTECT_UI_FORBIDDEN, &clear) == FALSE)
         return 0;
-    }
     const LocalBlock<BYTE> owner{clear.pbData};
     out[0] = L'\0';
     if (clear.cbData > 0) {

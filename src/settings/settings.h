@@ -2,7 +2,7 @@
 // field its section, key, type, default and limits; loading and saving walk that table. Owned by the UI thread.
 #pragma once
 
-#include "files/bounded_text.h"
+#include "base/bounded_text.h"
 #include "settings/compiler_id.h"
 
 #include <cstdint>
@@ -100,7 +100,7 @@ struct Settings {
 };
 
 // `overridePath` may be null: "Editor.ini" beside the executable. See settings_store.h for the path rules. Both work on
-// `g_app.settings`. Loading cannot fail: what is not there has its default. A save that fails leaves the old file as it
+// `g_settings`. Loading cannot fail: what is not there has its default. A save that fails leaves the old file as it
 // was and a line in the log.
 void SettingsLoad(const wchar_t* overridePath);
 void SettingsSave(const wchar_t* overridePath);

@@ -1,7 +1,7 @@
 // The settings table and the rules over it. Pure; works on the record it is given.
 #include "settings/settings_schema.h"
 
-#include "files/path.h"
+#include "base/path.h"
 
 #include <array>
 #include <cwchar>
@@ -218,14 +218,9 @@ constexpr std::size_t kRowCount = kCompilerCount * kCompilerRows + std::size(kOt
 constexpr std::array<SettingRow, kRowCount> AllRows() {
     std::array<SettingRow, kRowCount> rows = {};
     std::size_t next = 0;
-    for (const std::uint32_t id : kCompilerSectionOrder) {
-        for (const SettingRow& row : CompilerSection(id)) {
-            rows[next++] = row;
-        }
-    }
-    for (const SettingRow& row : kOtherRows) {
-        rows[next++] = row;
-    }
+    for (const std::uint32_t id : kCompilerSectionOrder)
+        for (const SettingRow& row : CompilerSection(id)) rows[next++] = row;
+    for (const SettingRow& row : kOtherRows) rows[next++] = row;
     return rows;
 }
 
@@ -245,9 +240,7 @@ void ApplyDefault(Settings& settings, const SettingRow& row) {
 std::span<const SettingRow> SettingRows() { return kRows; }
 
 std::int32_t ApplyLimits(const SettingLimits& limits, std::int32_t value) {
-    if (value < limits.low) {
-        return limits.below;
-    }
+    if (value < limits.low) return limits.below;
     return value > limits.high ? limits.above : value;
 }
 
@@ -270,9 +263,7 @@ const wchar_t* SettingText(const Settings& settings, const SettingRow& row, int 
 }
 
 void SettingsApplyDefaults(Settings& settings) {
-    for (const SettingRow& row : kRows) {
-        ApplyDefault(settings, row);
-    }
+    for (const SettingRow& row : kRows) ApplyDefault(settings, row);
     FillEmptyDescriptions(settings);
 }
 
@@ -298,19 +289,14 @@ void SettingsReset(Settings& settings) {
     SafeCopyW(settings.outputFont, L"Consolas");
     settings.outputFontSize = 10;
     // The assistant's texts that have a default are its endpoints and models.
-    for (const SettingRow& row : kRows) {
-        if (row.group == Assistant && row.type == Text) {
-            ApplyDefault(settings, row);
-        }
-    }
+    for (const SettingRow& row : kRows)
+        if (row.group == Assistant && row.type == Text) ApplyDefault(settings, row);
 }
 
 void FillEmptyDescriptions(Settings& settings) {
-    for (std::uint32_t id = 0; id < kCompilerCount; ++id) {
-        if (settings.compilers[id].description[0] == L'\0') {
+    for (std::uint32_t id = 0; id < kCompilerCount; ++id)
+        if (settings.compilers[id].description[0] == L'\0')
             SafeCopyW(settings.compilers[id].description, DefaultCompilerDescription(id));
-        }
-    }
 }
 
 void UpdateAssistantEnabled(Settings& settings) {
@@ -331,18 +317,15 @@ void CheckAssistantKeys(Settings& settings) {
 }
 
 void ResolveAgainstFolder(const wchar_t* folder, const wchar_t* in, wchar_t* out, std::size_t capacity) {
-    if (in[0] == L'\0' || PathIsAbsolute(in)) {
+    if (in[0] == L'\0' || PathIsAbsolute(in))
         SafeCopyW(out, capacity, in);
-    } else {
+    else
         PathJoin(folder, in, out, capacity);
-    }
 }
 
 void MakeFolderRelative(const wchar_t* folder, const wchar_t* in, wchar_t* out, std::size_t capacity) {
     std::wstring_view prefix = folder;
-    while (prefix.ends_with(L'\\')) {
-        prefix.remove_suffix(1);
-    }
+    while (prefix.ends_with(L'\\')) prefix.remove_suffix(1);
     const std::wstring_view path = in;
     if (prefix.empty() || path.size() < prefix.size() || !PathEqualsIgnoreCase(path.substr(0, prefix.size()), prefix) ||
         (path.size() > prefix.size() && path[prefix.size()] != L'\\')) {

@@ -2,17 +2,17 @@
 // into a temporary file beside it, which replaces it only when it was written to its end. UI thread only.
 #include "settings/settings_store.h"
 
-#include "app/app_state.h"
-#include "app/log.h"
+#include "base/handles.h"
+#include "base/log.h"
+#include "base/path.h"
+#include "base/wide_format.h"
 #include "files/file_io.h"
-#include "files/handles.h"
-#include "files/path.h"
-#include "files/wide_format.h"
 #include "settings/ini_reader.h"
 #include "settings/ini_text.h"
 #include "settings/ini_value.h"
 #include "settings/secrets.h"
 #include "settings/settings_schema.h"
+#include "settings/settings_state.h"
 
 #include <memory>
 #include <string>
@@ -41,14 +41,9 @@ bool KeyExists(const wchar_t* iniPath, const wchar_t* section, const wchar_t* ke
 void ReadSecret(IniReader& ini, const SettingRow& row, Settings& settings) {
     wchar_t* const field = SettingText(settings, row);
     const std::wstring stored = DecodeIniValue(ini.Text(row.section, row.key, row.text));
-    for (ForeignKey& foreign : g_foreignKeys) {
-        if (foreign.row == &row) {
-            foreign = {};
-        }
-    }
-    if (DecryptString(stored.c_str(), field, row.capacity) != 0) {
-        return;
-    }
+    for (ForeignKey& foreign : g_foreignKeys)
+        if (foreign.row == &row) foreign = {};
+    if (DecryptString(stored.c_str(), field, row.capacity) != 0) return;
     if (!SafeCopyW(field, row.capacity, stored)) {
         for (ForeignKey& foreign : g_foreignKeys) {
             if (foreign.row == nullptr) {
@@ -64,16 +59,13 @@ void ReadText(IniReader& ini, const SettingRow& row, const wchar_t* key, wchar_t
 }
 
 void ReadRow(IniReader& ini, const SettingRow& row, Settings& settings) {
-    if ((row.flags & kSettingSaveOnly) != 0) {
-        return;
-    }
+    if ((row.flags & kSettingSaveOnly) != 0) return;
     switch (row.type) {
         case SettingType::Text:
-            if ((row.flags & kSettingSecret) != 0) {
+            if ((row.flags & kSettingSecret) != 0)
                 ReadSecret(ini, row, settings);
-            } else {
+            else
                 ReadText(ini, row, row.key, SettingText(settings, row));
-            }
             break;
         case SettingType::Bool:
             SettingNumber(settings, row.offset) = ini.Number(row.section, row.key, row.number) != 0 ? 1 : 0;
@@ -85,35 +77,27 @@ void ReadRow(IniReader& ini, const SettingRow& row, Settings& settings) {
             break;
         }
         case SettingType::List:
-            for (int i = 0; i < SettingNumber(settings, row.countOffset) && i < row.rows; ++i) {
+            for (int i = 0; i < SettingNumber(settings, row.countOffset) && i < row.rows; ++i)
                 ReadText(ini, row, FormatW(row.key, i).c_str(), SettingText(settings, row, i));
-            }
             break;
     }
 }
 
 void ReadGroup(IniReader& ini, SettingGroup group, Settings& settings) {
     for (const SettingRow& row : SettingRows()) {
-        if (row.group != group) {
-            continue;
-        }
+        if (row.group != group) continue;
         ReadRow(ini, row, settings);
         // Both services are known before their keys are read.
-        if (row.offset == offsetof(Settings, lmStudioEnabled)) {
-            UpdateAssistantEnabled(settings);
-        }
-        if (&row == &SettingRows().front()) {
+        if (row.offset == offsetof(Settings, lmStudioEnabled)) UpdateAssistantEnabled(settings);
+        if (&row == &SettingRows().front())
             AppLogMsg(L"SettingsLoad: KVXA64 Path = '%s'", settings.compilers[kCompilerKvxa64].path);
-        }
     }
 }
 
 void ApplyLateLimits(Settings& settings) {
-    for (const SettingRow& row : SettingRows()) {
-        if ((row.flags & kSettingLateClamp) != 0) {
+    for (const SettingRow& row : SettingRows())
+        if ((row.flags & kSettingLateClamp) != 0)
             SettingNumber(settings, row.offset) = ApplyLimits(row.limits, SettingNumber(settings, row.offset));
-        }
-    }
 }
 
 // True when `iniPath` is missing, empty, or a copy of `wholePath` that broke off. The system may have given the copy its
@@ -121,18 +105,12 @@ void ApplyLateLimits(Settings& settings) {
 bool IsCutCopy(const wchar_t* iniPath, const wchar_t* wholePath) {
     std::size_t wholeLength = 0;
     const HeapBlock<char> whole{ReadFileUtf8(wholePath, &wholeLength)};
-    if (!whole || !FileExists(iniPath)) {
-        return whole != nullptr;
-    }
+    if (!whole || !FileExists(iniPath)) return whole != nullptr;
     std::size_t length = 0;
     const HeapBlock<char> ini{ReadFileUtf8(iniPath, &length)};
-    if (!ini || length > wholeLength) {
-        return false;
-    }
+    if (!ini || length > wholeLength) return false;
     std::string_view found{ini.get(), length};
-    while (found.ends_with('\0')) {
-        found.remove_suffix(1);
-    }
+    while (found.ends_with('\0')) found.remove_suffix(1);
     return std::string_view{whole.get(), wholeLength}.starts_with(found);
 }
 
@@ -184,33 +162,26 @@ void WriteRow(IniText& ini, const SettingRow& row, const Settings& settings) {
         case SettingType::Int: ini.AddNumber(row.section, row.key, SettingNumber(settings, row.offset)); break;
         case SettingType::List:
             // The file begins empty, so that rows past the count need no deleting.
-            for (int i = 0; i < SettingNumber(settings, row.countOffset) && i < row.rows; ++i) {
+            for (int i = 0; i < SettingNumber(settings, row.countOffset) && i < row.rows; ++i)
                 ini.AddText(row.section, FormatW(row.key, i).c_str(), SettingText(settings, row, i));
-            }
             break;
     }
 }
 
 void WriteGroup(IniText& ini, SettingGroup group, bool late, const Settings& settings) {
-    for (const SettingRow& row : SettingRows()) {
-        if (row.group == group && ((row.flags & kSettingLateSave) != 0) == late &&
-            (row.flags & kSettingLoadOnly) == 0) {
+    for (const SettingRow& row : SettingRows())
+        if (row.group == group && ((row.flags & kSettingLateSave) != 0) == late && (row.flags & kSettingLoadOnly) == 0)
             WriteRow(ini, row, settings);
-        }
-    }
 }
 
 void WriteWindowPlace(IniText& ini) {
-    WINDOWPLACEMENT place = {.length = sizeof place};
-    if (g_app.hMainWnd == nullptr || GetWindowPlacement(g_app.hMainWnd, &place) == FALSE) {
-        return;
-    }
-    const RECT& normal = place.rcNormalPosition;
-    ini.AddNumber(L"Window", L"Left", normal.left);
-    ini.AddNumber(L"Window", L"Top", normal.top);
-    ini.AddNumber(L"Window", L"Width", normal.right - normal.left);
-    ini.AddNumber(L"Window", L"Height", normal.bottom - normal.top);
-    ini.AddNumber(L"Window", L"Max", place.showCmd == SW_SHOWMAXIMIZED ? 1 : 0);
+    const WindowPlace& place = g_windowPlace;
+    if (!place.known) return;
+    ini.AddNumber(L"Window", L"Left", place.left);
+    ini.AddNumber(L"Window", L"Top", place.top);
+    ini.AddNumber(L"Window", L"Width", place.width);
+    ini.AddNumber(L"Window", L"Height", place.height);
+    ini.AddNumber(L"Window", L"Max", place.maximised ? 1 : 0);
 }
 
 // The whole file as it is to be, in the order of the table; [Session] closes it.
@@ -228,9 +199,8 @@ std::string ComposeFile(Settings& settings) {
     // With the rest instead of into the finished file: no instant has a settings file without its sessions, and there
     // is no second write that could fail.
     ini.AddNumber(L"Session", L"MRUCount", settings.sessionMruCount);
-    for (int i = 0; i < settings.sessionMruCount; ++i) {
+    for (int i = 0; i < settings.sessionMruCount; ++i)
         ini.AddText(L"Session", FormatW(L"MRU%d", i), settings.sessionMruFiles[i]);
-    }
     return ini.Bytes();
 }
 
@@ -286,7 +256,7 @@ bool WriteIniText(const wchar_t* iniPath, const wchar_t* section, const wchar_t*
 }
 
 void SettingsLoad(const wchar_t* overridePath) {
-    Settings& settings = g_app.settings;
+    Settings& settings = g_settings;
     wchar_t ini[kPathCapacity] = {};
     GetIniPath(overridePath, ini, kPathCapacity);
     AppLogMsg(L"SettingsLoad: INI = %s", ini);
@@ -294,17 +264,13 @@ void SettingsLoad(const wchar_t* overridePath) {
     IniReader reader{ini};
 
     ReadGroup(reader, SettingGroup::Compilers, settings);
-    for (CompilerSettings& compiler : settings.compilers) {
+    for (CompilerSettings& compiler : settings.compilers)
         ResolveExeRelative(compiler.path, compiler.path, kPathCapacity);
-    }
     ReadGroup(reader, SettingGroup::Preferences, settings);
     FillEmptyDescriptions(settings);
     // [Meta] "Version" tells nothing that the load would need: every key has a default.
-    for (CompilerSettings& compiler : settings.compilers) {
-        if (!FileExists(compiler.path)) {
-            compiler.path[0] = L'\0';  // a stale path never reaches a build
-        }
-    }
+    for (CompilerSettings& compiler : settings.compilers)
+        if (!FileExists(compiler.path)) compiler.path[0] = L'\0';  // a stale path never reaches a build
     CheckAssistantKeys(settings);
     ReadGroup(reader, SettingGroup::Assistant, settings);
     ReadGroup(reader, SettingGroup::Recent, settings);
@@ -314,19 +280,18 @@ void SettingsLoad(const wchar_t* overridePath) {
 }
 
 void SettingsSave(const wchar_t* overridePath) {
-    Settings& settings = g_app.settings;
+    Settings& settings = g_settings;
     wchar_t ini[kPathCapacity] = {};
     GetIniPath(overridePath, ini, kPathCapacity);
     const std::wstring temporary = std::wstring{ini} + L".tmp";
 
     UpdateAssistantEnabled(settings);
     const auto stored = std::make_unique<Settings>(settings);  // too large for the stack
-    RestoreStored(g_app.overrides, *stored);
+    RestoreStored(g_overrides, *stored);
     const std::string bytes = ComposeFile(*stored);
 
-    if (settings.backupSettings == 0 && FileHolds(ini, bytes)) {
+    if (settings.backupSettings == 0 && FileHolds(ini, bytes))
         return;  // opening the newest recent file once more changes nothing
-    }
     if (!WriteFileUtf8(temporary.c_str(), bytes.data(), bytes.size()) || !FileHolds(temporary.c_str(), bytes)) {
         // A full disk, a folder that may not be written to: the old file is better than half a new one.
         AppLogMsg(L"FAIL: SettingsSave cannot write %s, the settings file stays as it was", temporary.c_str());
@@ -335,13 +300,11 @@ void SettingsSave(const wchar_t* overridePath) {
     }
     if (settings.backupSettings != 0 && FileExists(ini)) {
         const std::wstring backup = std::wstring{ini} + L".bak";
-        if (CopyFileW(ini, backup.c_str(), FALSE) == FALSE) {
+        if (CopyFileW(ini, backup.c_str(), FALSE) == FALSE)
             AppLogMsg(L"FAIL: SettingsSave backup error=%lu", GetLastError());
-        }
     }
-    if (!ReplaceBy(temporary.c_str(), ini)) {
+    if (!ReplaceBy(temporary.c_str(), ini))
         AppLogMsg(L"FAIL: SettingsSave replace error=%lu path=%s", GetLastError(), ini);
-    }
     DeleteFileW(temporary.c_str());
     // Nothing but the name: the INI functions forget what they cached of the old file.
     WritePrivateProfileStringW(nullptr, nullptr, nullptr, ini);
@@ -373,8 +336,7 @@ bool SettingsImport(const wchar_t* source) {
 void SettingsResetAll() {
     wchar_t ini[kPathCapacity] = {};
     GetIniPath(nullptr, ini, kPathCapacity);
-    if (DeleteFileW(ini) == FALSE && GetLastError() != ERROR_FILE_NOT_FOUND) {
+    if (DeleteFileW(ini) == FALSE && GetLastError() != ERROR_FILE_NOT_FOUND)
         AppLogMsg(L"FAIL: SettingsReset delete error=%lu path=%s", GetLastError(), ini);
-    }
-    SettingsReset(g_app.settings);
+    SettingsReset(g_settings);
 }

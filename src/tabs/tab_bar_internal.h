@@ -1,7 +1,6 @@
 // The seams between the files of the tab bar. Private to this folder. UI thread.
 #pragma once
 
-#include "tabs/document.h"
 #include "tabs/tab_bar_layout.h"
 
 #include <windows.h>
@@ -18,8 +17,7 @@ struct TabBarState {
     bool dragging = false;
     bool tracking = false;  // WM_MOUSELEAVE was asked for
     HWND tooltip = nullptr;
-    HWND returnTo = nullptr;  // editor to go back to after a tab was closed from the strip
-    HFONT font = nullptr;     // of the labels; lives as long as the strip
+    HFONT font = nullptr;  // of the labels; lives as long as the strip
 };
 extern TabBarState g_tabBar;
 
@@ -28,9 +26,6 @@ TabMetrics TabBarMetrics();
 std::vector<TabRect> TabBarRects();
 // Shares the strip's width among the tabs.
 void TabBarUpdateWidths();
-
-// Reads `tab.path` into its editor and sets encoding and line ending. False when the file cannot be read.
-bool TabLoadFile(DocumentTab& tab);
 
 // The whole strip, or one tab of it.
 void TabBarPaint(HWND tabControl, HDC dc, const RECT& client);

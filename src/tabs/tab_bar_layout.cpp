@@ -66,18 +66,3 @@ int TabDropIndex(std::span<const TabRect> tabs, int from, int x) {
     }
     return index;
 }
-
-int TabIndexAfterMove(int index, int from, int to) {
-    if (index == from) return to;
-    if (from < index && index <= to) return index - 1;
-    if (to <= index && index < from) return index + 1;
-    return index;
-}
-
-int TabIndexAfterRemoval(int active, int removed, int count) {
-    const int left = count - 1;
-    if (left <= 0) return -1;
-    if (active < 0) return -1;
-    if (removed < active) return active - 1;
-    return std::min(active, left - 1);
-}

@@ -42,9 +42,3 @@ int TabHit(std::span<const TabRect> tabs, int x, int y);
 
 // Where the tab `from`, dragged to `x`, belongs: it changes places once the pointer passes a neighbour's middle.
 int TabDropIndex(std::span<const TabRect> tabs, int from, int x);
-
-// Where index `index` is after the tab `from` moved to `to`.
-int TabIndexAfterMove(int index, int from, int to);
-
-// The tab to select once `removed` of `count` tabs is gone: the same one, or the neighbour that takes its place, or -1.
-int TabIndexAfterRemoval(int active, int removed, int count);

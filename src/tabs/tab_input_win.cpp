@@ -1,12 +1,13 @@
 // The pointer on the tab strip: hover, close buttons, drag, middle click, context menu, tooltip, and the painting that
 // replaces the control's own. What has to ask the user goes to the main window as a command. UI thread.
-#include "tabs/tab_bar.h"
 #include "tabs/tab_bar_internal.h"
 
-#include "app/app_state.h"
-#include "files/handles.h"
+#include "base/handles.h"
+#include "documents/document_row.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
+#include "tabs/tabs_state.h"
+#include "ui/ui_state.h"
 
 #include <commctrl.h>
 #include <windowsx.h>
@@ -22,26 +23,26 @@ namespace {
 constexpr UINT_PTR kSubclassId = 1;
 enum MenuCommand : UINT { kMenuClose = 1, kMenuCloseOthers, kMenuCloseRight, kMenuCloseAll, kMenuCopyPath };
 
-void Repaint() { InvalidateRect(g_app.hTabCtrl, nullptr, FALSE); }
+void Repaint() { InvalidateRect(g_tabs.hTabCtrl, nullptr, FALSE); }
 
 // Closing asks about unsaved text, which is the documents area's business. The answer may be no.
 void CloseTab(int index) {
     if (!IsTabIndex(index)) return;
-    g_tabBar.returnTo = index == g_app.activeTab ? nullptr : g_app.hEditor;
-    if (index != g_app.activeTab) TabBarSelect(index);
-    PostMessageW(g_app.hMainWnd, WM_COMMAND, IDM_FILE_CLOSE, 0);
+    g_documents.returnTo = index == g_documents.activeTab ? 0 : ActiveDocumentId();
+    if (index != g_documents.activeTab) TabBarSelect(index);
+    PostMessageW(g_ui.hMainWnd, WM_COMMAND, IDM_FILE_CLOSE, 0);
 }
 
 // Closes tabs from the right down to `first`, sparing `keep`, until one refuses. Synchronous: each close may ask.
-void CloseTabsFrom(int first, HWND keep) {
+void CloseTabsFrom(int first, DocumentId keep) {
     for (int index = TabCount() - 1; index >= first; --index) {
-        if (!IsTabIndex(index) || g_app.tabs[static_cast<std::size_t>(index)].editor == keep) continue;
+        if (!IsTabIndex(index) || TabAt(index).id == keep) continue;
         const int before = TabCount();
         TabBarSelect(index);
-        SendMessageW(g_app.hMainWnd, WM_COMMAND, IDM_FILE_CLOSE, 0);
+        SendMessageW(g_ui.hMainWnd, WM_COMMAND, IDM_FILE_CLOSE, 0);
         if (TabCount() >= before) return;
     }
-    const int kept = TabBarFindEditor(keep);
+    const int kept = TabBarFindDocument(keep);
     if (kept >= 0) TabBarActivate(kept);
 }
 
@@ -53,7 +54,7 @@ void CopyText(const wchar_t* text) {
     if (memory) std::memcpy(memory, text, bytes);
     GlobalUnlock(block);
     bool taken = false;
-    if (memory && OpenClipboard(g_app.hMainWnd)) {
+    if (memory && OpenClipboard(g_ui.hMainWnd)) {
         EmptyClipboard();
         taken = SetClipboardData(CF_UNICODETEXT, block) != nullptr;
         CloseClipboard();
@@ -64,8 +65,8 @@ void CopyText(const wchar_t* text) {
 void ShowContextMenu(HWND strip, int index, POINT at) {
     if (!IsTabIndex(index)) return;
     TabBarActivate(index);
-    const DocumentTab& tab = g_app.tabs[static_cast<std::size_t>(index)];
-    const HWND editor = tab.editor;
+    const DocumentTab& tab = TabAt(index);
+    const DocumentId document = tab.id;
     HMENU menu = CreatePopupMenu();
     if (!menu) return;
     const UINT others = TabCount() > 1 ? MF_ENABLED : MF_GRAYED;
@@ -81,14 +82,14 @@ void ShowContextMenu(HWND strip, int index, POINT at) {
         TrackPopupMenu(menu, TPM_RETURNCMD | TPM_NONOTIFY | TPM_RIGHTBUTTON, at.x, at.y, 0, strip, nullptr));
     DestroyMenu(menu);
 
-    const int now = TabBarFindEditor(editor);  // the menu ran its own message loop
+    const int now = TabBarFindDocument(document);  // the menu ran its own message loop
     if (now < 0) return;
     switch (command) {
         case kMenuClose: CloseTab(now); break;
-        case kMenuCloseOthers: CloseTabsFrom(0, editor); break;
-        case kMenuCloseRight: CloseTabsFrom(now + 1, editor); break;
-        case kMenuCloseAll: PostMessageW(g_app.hMainWnd, WM_COMMAND, IDM_FILE_CLOSE_ALL, 0); break;
-        case kMenuCopyPath: CopyText(g_app.tabs[static_cast<std::size_t>(now)].path); break;
+        case kMenuCloseOthers: CloseTabsFrom(0, document); break;
+        case kMenuCloseRight: CloseTabsFrom(now + 1, document); break;
+        case kMenuCloseAll: PostMessageW(g_ui.hMainWnd, WM_COMMAND, IDM_FILE_CLOSE_ALL, 0); break;
+        case kMenuCopyPath: CopyText(TabAt(now).path); break;
         default: break;
     }
 }
@@ -133,9 +134,8 @@ bool OnButtonDown(HWND strip, POINT at) {
 }
 
 void OnMouseMove(HWND strip, POINT at) {
-    if (g_tabBar.dragTab >= 0 && !g_tabBar.dragging) {
+    if (g_tabBar.dragTab >= 0 && !g_tabBar.dragging)
         g_tabBar.dragging = std::abs(at.x - g_tabBar.dragFrom.x) >= TabBarMetrics().dragStart;
-    }
     if (g_tabBar.dragging) {
         const int target = TabDropIndex(TabBarRects(), g_tabBar.dragTab, at.x);
         if (target != g_tabBar.dragTab && TabBarMove(g_tabBar.dragTab, target)) g_tabBar.dragTab = target;
@@ -156,7 +156,7 @@ void OnButtonUp(HWND strip, POINT at) {
 void OnWheel(WPARAM wParam) {
     if (TabCount() < 2) return;
     const int step = GET_WHEEL_DELTA_WPARAM(wParam) > 0 ? -1 : 1;
-    const int target = g_app.activeTab + step;
+    const int target = g_documents.activeTab + step;
     if (IsTabIndex(target)) TabBarActivate(target);
 }
 
@@ -186,7 +186,7 @@ bool OnTooltipText(NMHDR& header) {
     static wchar_t text[kPathCapacity];
     text[0] = L'\0';
     if (IsTabIndex(g_tabBar.hoverTab)) {
-        const DocumentTab& tab = g_app.tabs[static_cast<std::size_t>(g_tabBar.hoverTab)];
+        const DocumentTab& tab = TabAt(g_tabBar.hoverTab);
         SafeCopyW(text, tab.hasFile ? tab.path : tab.label);
     }
     reinterpret_cast<NMTTDISPINFOW&>(header).lpszText = text;
@@ -217,7 +217,7 @@ LRESULT CALLBACK ScrollerProc(HWND scroller, UINT message, WPARAM wParam, LPARAM
 }
 
 void OnDoubleClick(POINT at) {
-    if (TabHit(TabBarRects(), at.x, at.y) < 0) PostMessageW(g_app.hMainWnd, WM_COMMAND, IDM_FILE_NEW, 0);
+    if (TabHit(TabBarRects(), at.x, at.y) < 0) PostMessageW(g_ui.hMainWnd, WM_COMMAND, IDM_FILE_NEW, 0);
 }
 
 void OnLeave(HWND strip) {
@@ -270,7 +270,7 @@ void OnDestroy(HWND strip) {
 void CreateTooltip(HWND strip) {
     g_tabBar.tooltip =
         CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, CW_USEDEFAULT,
-                        CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, strip, nullptr, g_app.hInstance, nullptr);
+                        CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, strip, nullptr, g_ui.hInstance, nullptr);
     if (!g_tabBar.tooltip) return;
     TTTOOLINFOW tool = {};
     tool.cbSize = sizeof tool;

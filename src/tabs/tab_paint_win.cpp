@@ -1,9 +1,10 @@
 // Paints the tab strip: by theme, from the records, in one go to a memory bitmap. Changes nothing. UI thread.
 #include "tabs/tab_bar_internal.h"
 
-#include "app/app_state.h"
-#include "files/handles.h"
-#include "language/theme.h"
+#include "base/handles.h"
+#include "documents/document_row.h"
+#include "ui/chrome.h"
+#include "ui/ui_state.h"
 
 #include <algorithm>
 #include <cwchar>
@@ -11,7 +12,7 @@
 namespace {
 
 RECT ToRect(const TabRect& rect) { return {rect.left, rect.top, rect.right, rect.bottom}; }
-int Scaled(int pixels) { return MulDiv(pixels, g_app.dpi, USER_DEFAULT_SCREEN_DPI); }
+int Scaled(int pixels) { return MulDiv(pixels, g_ui.dpi, USER_DEFAULT_SCREEN_DPI); }
 
 void Fill(HDC dc, const RECT& rect, COLORREF colour) {
     // The stock brush takes the colour of the device context: nothing to create or free.
@@ -55,7 +56,7 @@ TabRect Shrunk(const TabRect& box, int size) {
 }
 
 bool HasButton(const DocumentTab& tab, int index) {
-    return tab.modified || index == g_app.activeTab || (index == g_tabBar.hoverTab && !g_tabBar.dragging);
+    return tab.modified || index == g_documents.activeTab || (index == g_tabBar.hoverTab && !g_tabBar.dragging);
 }
 
 // The close button, or the modified dot in its place while the pointer is elsewhere.
@@ -78,27 +79,24 @@ void PaintButton(HDC dc, const DocumentTab& tab, int index, const TabRect& rect,
 
 void TabBarPaintTab(HDC dc, int index, const TabRect& rect) {
     if (!IsTabIndex(index)) return;
-    const DocumentTab& tab = g_app.tabs[static_cast<std::size_t>(index)];
+    const DocumentTab& tab = TabAt(index);
     const ThemeChrome& chrome = ThemeCurrentChrome();
     const TabMetrics metrics = TabBarMetrics();
-    const bool active = index == g_app.activeTab;
+    const bool active = index == g_documents.activeTab;
     const bool hovered = index == g_tabBar.hoverTab;
 
     RECT body = ToRect(rect);
     Fill(dc, body, active ? chrome.tabActiveBack : hovered ? chrome.hover : chrome.tabBack);
-    if (active) {
+    if (active)
         Fill(dc, {rect.left, rect.top, rect.right, rect.top + metrics.accent}, chrome.accent);
-    } else {
+    else
         Fill(dc, {rect.left, rect.bottom - 1, rect.right, rect.bottom}, chrome.line);
-    }
     // A hairline between tabs; around the active one its own edges do.
     const int inset = active ? 0 : metrics.padding * 4 / 5;
     Fill(dc, {rect.right - 1, rect.top + inset, rect.right, rect.bottom - (active ? 0 : inset)}, chrome.line);
 
     const bool hasMark = tab.buildMark != BuildMark::None;
-    if (hasMark) {
-        Dot(dc, TabMarkRect(metrics, rect), tab.buildMark == BuildMark::Error ? chrome.error : chrome.success);
-    }
+    if (hasMark) Dot(dc, TabMarkRect(metrics, rect), tab.buildMark == BuildMark::Error ? chrome.error : chrome.success);
     const COLORREF textColour = active ? chrome.tabActiveText : chrome.tabText;
     RECT text = ToRect(TabTextRect(metrics, rect, hasMark, HasButton(tab, index)));
     SetBkMode(dc, TRANSPARENT);
@@ -115,11 +113,9 @@ void TabBarPaint(HWND tabControl, HDC dc, const RECT& client) {
     Fill(dc, {client.left, client.bottom - 1, client.right, client.bottom}, chrome.line);
     const HGDIOBJ oldFont = g_tabBar.font ? SelectObject(dc, g_tabBar.font) : nullptr;
     const std::vector<TabRect> rects = TabBarRects();
-    for (std::size_t i = 0; i < rects.size(); ++i) {
-        if (rects[i].right > client.left && rects[i].left < client.right) {
+    for (std::size_t i = 0; i < rects.size(); ++i)
+        if (rects[i].right > client.left && rects[i].left < client.right)
             TabBarPaintTab(dc, static_cast<int>(i), rects[i]);
-        }
-    }
     if (oldFont) SelectObject(dc, oldFont);
 }
 

@@ -3,9 +3,10 @@
 #include "bench.h"
 
 #include "debugger/debug_session.h"
-#include "debugger/line_map.h"
+#include "program/line_map.h"
 #include "resources/ids.h"
-#include "scintilla/margins.h"
+#include "documents/margins.h"
+#include "program/debug_say.h"
 
 #include <Scintilla.h>
 

@@ -1,8 +1,8 @@
 // The debugger's line map of a large program: loading it with its structural lines moved, and the questions that a
 // margin full of breakpoints asks.
-#include "app/log.h"
+#include "base/log.h"
 #include "bench.h"
-#include "debugger/line_map.h"
+#include "program/line_map.h"
 
 #include "../pe_bytes.h"
 

@@ -10,7 +10,7 @@
 #include <cstdio>
 #include <string>
 
-#include "build/kept_lines.h"
+#include "output/kept_lines.h"
 #include "resources/ids.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // Any bytes as a BASIC source: the classifiers and the walk over PBMAIN are compared with patterns, and the index made
 // once with the questions asked one by one.
-#include "debugger/basic_lines.h"
+#include "program/basic_lines.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,9 +1,9 @@
 // Any bytes as a compiler's output: split into lines, filtered, parsed, turned into RTF. What is checked beside the
 // absence of faults: lines hold no line break, records keep within their bounds, RTF is plain ASCII with balanced braces.
-#include "build/diagnostics.h"
-#include "build/output_filter.h"
-#include "build/output_queue.h"
-#include "build/rtf_block.h"
+#include "output/diagnostics.h"
+#include "output/output_filter.h"
+#include "output/output_queue.h"
+#include "ui/rtf_block.h"
 
 #include <algorithm>
 #include <cstddef>

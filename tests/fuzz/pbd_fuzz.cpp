@@ -1,7 +1,7 @@
 // Any bytes as side file, code and source of a program with trap bytes. Start, traps and the paired map are compared
 // with searches that do it the long way.
-#include "debugger/basic_lines.h"
-#include "debugger/pbd_map.h"
+#include "program/basic_lines.h"
+#include "program/pbd_map.h"
 
 #include "../pe_bytes.h"
 

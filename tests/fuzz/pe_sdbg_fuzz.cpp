@@ -1,7 +1,7 @@
 // Any bytes as an executable with a ".sdbg" section: headers, records, file table. Every answer of the map is compared
 // with that of the plainest search that could give it.
-#include "debugger/pe_headers.h"
-#include "debugger/sdbg_map.h"
+#include "program/pe_headers.h"
+#include "program/sdbg_map.h"
 
 #include "../pe_bytes.h"
 

@@ -1,11 +1,12 @@
 // The rules of building: diagnostics, command line, output on its way to the pane.
-#include "build/build_paths.h"
-#include "build/command_line.h"
-#include "build/diagnostics.h"
-#include "build/kept_lines.h"
-#include "build/output_filter.h"
-#include "build/output_queue.h"
-#include "build/rtf_block.h"
+#include "compile/build_paths.h"
+#include "compile/command_line.h"
+#include "output/diagnostics.h"
+#include "output/kept_lines.h"
+#include "output/output_filter.h"
+#include "output/output_queue.h"
+#include "ui/rtf_block.h"
+#include "base/path.h"
 
 #include <gtest/gtest.h>
 

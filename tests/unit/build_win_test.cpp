@@ -1,10 +1,10 @@
 // Decoding by the system's code pages, and staged copies beside files of the user.
-#include "build/asm_feed.h"
-#include "build/asm_pane.h"
-#include "build/decode.h"
-#include "build/staging.h"
+#include "disasm/asm_feed.h"
+#include "disasm/asm_pane.h"
+#include "base/decode.h"
+#include "compile/staging.h"
 #include "files/file_io.h"
-#include "files/handles.h"
+#include "base/handles.h"
 
 #include <gtest/gtest.h>
 
@@ -34,14 +34,12 @@ TEST(DecodeCompilerText, EachChunkByItself) {
 
 // Code that takes more memory than there is ends the text and nothing else.
 TEST(AsmFeed, SaysThatMemoryRanOut) {
-    const AsmRenderer before = AsmPaneRenderer();
-    AsmPaneSetRenderer([](AsmFeed& feed, const AsmRequest&, const std::string*) {
+    const AsmRenderer renderer = [](AsmFeed& feed, const AsmRequest&, const std::string*) {
         AsmFeedPut(feed, "before\r\n");
         std::vector<char> all(std::numeric_limits<std::ptrdiff_t>::max() / 2);
         AsmFeedPut(feed, std::string(all.begin(), all.end()));
-    });
-    const AsmFeedPtr feed = AsmFeedStart({.source = L"none", .listing = L"none"});
-    AsmPaneSetRenderer(before);
+    };
+    const AsmFeedPtr feed = AsmFeedStart({.source = L"none", .listing = L"none"}, renderer);
     ASSERT_NE(feed, nullptr);
     std::wstring text;
     std::deque<std::wstring> pieces;

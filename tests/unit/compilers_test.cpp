@@ -1,5 +1,5 @@
 // Which compiler a file belongs to, and where its results go.
-#include "compilers/compiler_table.h"
+#include "settings/compiler_table.h"
 
 #include <gtest/gtest.h>
 

@@ -3,9 +3,10 @@
 
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_session.h"
-#include "debugger/line_map.h"
-#include "files/handles.h"
-#include "files/wide_format.h"
+#include "program/line_map.h"
+#include "base/handles.h"
+#include "base/wide_format.h"
+#include "program/debug_say.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // Steps through real programs: they follow the order of addresses, not the flow of control.
 #include "debug_fixture.h"
-#include "debugger/pe_headers.h"
+#include "program/pe_headers.h"
 #include "settings/compiler_id.h"
 
 namespace {

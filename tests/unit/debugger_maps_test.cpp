@@ -1,8 +1,8 @@
 // Line maps from bytes: headers, the ".sdbg" section, queries, BASIC lines, side files with trap bytes.
-#include "debugger/basic_lines.h"
-#include "debugger/pbd_map.h"
-#include "debugger/pe_headers.h"
-#include "debugger/sdbg_map.h"
+#include "program/basic_lines.h"
+#include "program/pbd_map.h"
+#include "program/pe_headers.h"
+#include "program/sdbg_map.h"
 
 #include "pe_bytes.h"
 

@@ -1,13 +1,14 @@
 // Line maps from files: programs of the stand-in compilers, and files that are none.
-#include "app/log.h"
+#include "base/log.h"
 #include "debugger/debug_session.h"
-#include "debugger/line_map.h"
-#include "debugger/pe_headers.h"
-#include "files/handles.h"
-#include "files/wide_format.h"
+#include "program/line_map.h"
+#include "program/pe_headers.h"
+#include "base/handles.h"
+#include "base/wide_format.h"
 #include "settings/compiler_id.h"
 
 #include "pe_bytes.h"
+#include "program/debug_say.h"
 
 #include <gtest/gtest.h>
 

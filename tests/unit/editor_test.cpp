@@ -1,7 +1,7 @@
 // Caret colour, navigation history, sticky header, brackets.
-#include "editor/brace_match.h"
-#include "editor/nav_history.h"
-#include "editor/sticky_header.h"
+#include "documents/brace_match.h"
+#include "documents/nav_history.h"
+#include "documents/sticky_header.h"
 #include "language/caret_colour.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // Encodings, line breaks, paths and the names of recovery copies.
-#include "files/bounded_text.h"
-#include "files/path.h"
+#include "base/bounded_text.h"
+#include "base/path.h"
 #include "files/recovery.h"
 #include "files/text_encoding.h"
 

@@ -2,11 +2,11 @@
 // real registry.
 #include "app/app_state.h"
 #include "files/file_io.h"
-#include "files/file_types.h"
-#include "files/handles.h"
-#include "files/path.h"
+#include "settings/file_types.h"
+#include "base/handles.h"
+#include "base/path.h"
 #include "files/recovery.h"
-#include "files/wide_format.h"
+#include "base/wide_format.h"
 
 #include <gtest/gtest.h>
 

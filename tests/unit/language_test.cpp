@@ -2,7 +2,7 @@
 #include "language/format.h"
 #include "language/inline_regions.h"
 #include "language/lexer_table.h"
-#include "language/theme_table.h"
+#include "ui/theme_table.h"
 
 #include <gtest/gtest.h>
 

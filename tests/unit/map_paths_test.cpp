@@ -1,5 +1,5 @@
 // Names of files in line maps, as far as text goes.
-#include "debugger/map_paths.h"
+#include "program/map_paths.h"
 
 #include <gtest/gtest.h>
 

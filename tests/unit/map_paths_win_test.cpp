@@ -1,6 +1,6 @@
 // Files of line maps on a disk: copies that are gone, and maps that name files twice or by no name.
-#include "debugger/map_paths.h"
-#include "debugger/line_map.h"
+#include "program/map_paths.h"
+#include "program/line_map.h"
 #include "debugui/location.h"
 #include "files/file_io.h"
 

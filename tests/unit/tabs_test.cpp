@@ -1,4 +1,5 @@
 // Geometry and index arithmetic of the tab bar.
+#include "documents/row_rules.h"
 #include "tabs/tab_bar_layout.h"
 
 #include <gtest/gtest.h>

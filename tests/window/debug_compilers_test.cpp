@@ -6,7 +6,7 @@
 
 #include <regex>
 
-#include "scintilla/margins.h"
+#include "documents/margins.h"
 
 namespace {
 

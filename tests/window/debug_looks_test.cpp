@@ -9,9 +9,9 @@
 #include <array>
 #include <utility>
 
-#include "language/theme_table.h"
+#include "ui/theme_table.h"
 #include "resources/ids.h"
-#include "scintilla/margins.h"
+#include "documents/margins.h"
 #include "scintilla/sci.h"
 
 namespace {

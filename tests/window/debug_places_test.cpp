@@ -3,7 +3,7 @@
 
 #include <Scintilla.h>
 
-#include "scintilla/margins.h"
+#include "documents/margins.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <commctrl.h>
 
 #include "resources/ids.h"
-#include "scintilla/margins.h"
+#include "documents/margins.h"
 
 namespace {
 

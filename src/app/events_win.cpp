@@ -1,0 +1,97 @@
+// Who hears of what: connects the events of the areas with those who show them. UI thread only.
+#include "app/main_window.h"
+
+#include "app/app_state.h"
+#include "base/events.h"
+#include "commands/command_state.h"
+#include "commands/status_bar.h"
+#include "commands/toolbar.h"
+#include "compile/build.h"
+#include "debugui/breakpoint_list.h"
+#include "debugui/debug_commands.h"
+#include "debugui/debug_pane.h"
+#include "debugui/location.h"
+#include "disasm/asm_pane.h"
+#include "documents/document_row.h"
+#include "documents/editor_pane.h"
+#include "output/output_feed.h"
+#include "output/output_pane.h"
+#include "output/show_timer.h"
+#include "session/project_tree.h"
+#include "settings/settings_effects.h"
+#include "tabs/tab_bar.h"
+
+namespace {
+
+HWND EditorOf(DocumentId document) {
+    const int index = TabBarFindDocument(document);
+    return index < 0 ? nullptr : TabAt(index).editor;
+}
+
+void OnDocumentActivated(DocumentId) {
+    TabBarOnActivated();
+    MainWindow_UpdateTitle();
+    StatusBarUpdatePosition();
+    MenuUpdateState();
+}
+
+void OnDocumentChanged(DocumentId document) {
+    TabBarOnChanged(document);
+    if (document != ActiveDocumentId()) return;
+    MainWindow_UpdateTitle();
+    MainWindow_RequestStateRefresh();
+}
+
+void OnDocumentClosed(DocumentId, int index) { TabBarOnClosed(index); }
+
+void OnTextLeaving(DocumentId document) { BreakpointsKeepLines(EditorOf(document)); }
+
+void OnTextArrived(DocumentId document) {
+    BreakpointsRestoreMarkers(EditorOf(document));
+    DebugRestoreLocation(EditorOf(document));
+}
+
+void OnSettingsChanged(const Settings& before) {
+    const SettingsEffects effects = SettingsEffectsOf(before, g_app.settings);
+    if (effects.editors) SettingsApplyToEditor();
+    if (effects.frame) MainWnd_ApplyTheme();
+    if (effects.compiler) MainWindow_UpdateCompilerSelection();
+    if (effects.layout) {
+        ToolbarUpdateAi();
+        MainWindow_Layout();
+    }
+    MainWindow_RequestStateRefresh();
+}
+
+void OnProgramBuilt(const wchar_t* source, const wchar_t* listing) {
+    if (g_app.showAsmPane) AsmPaneLoad(source, listing);
+}
+
+}  // namespace
+
+void MainWnd_ConnectEvents() {
+    g_events.documentOpened = TabBarOnOpened;
+    g_events.documentActivated = OnDocumentActivated;
+    g_events.documentChanged = OnDocumentChanged;
+    g_events.documentMoved = TabBarOnMoved;
+    g_events.documentClosed = OnDocumentClosed;
+    g_events.textLeaving = OnTextLeaving;
+    g_events.textArrived = OnTextArrived;
+    g_events.folderChosen = ProjectTreeOfferRoot;
+    g_events.settingsChanged = OnSettingsChanged;
+    g_events.programBuilt = OnProgramBuilt;
+    g_events.buildEnded = DebugOnBuildEnd;
+    g_events.debuggerChanged = DebugPaneInvalidate;
+    g_events.statusText = StatusBarSetText;
+    g_events.statusProgress = StatusBarSetProgress;
+    g_events.layoutWanted = MainWindow_Layout;
+    g_events.refreshWanted = MainWindow_RequestStateRefresh;
+}
+
+void MainWnd_OnOutputTimer() {
+    OutputFeedShowNext();
+    AsmPaneShowNext();
+    const bool allShown = OutputFeedIsEmpty() && OutputFeedIsRevealed() && AsmPaneIsEmpty();
+    const bool more = BuildOnShown(allShown);
+    if (!more && OutputFeedIsEmpty() && OutputFeedIsRevealed() && AsmPaneIsEmpty()) ShowTimerStop();
+}

@@ -1,0 +1,3 @@
+#include "base/events.h"
+
+Events g_events;

@@ -1,0 +1,119 @@
+// Gathers what the command table asks about and applies its answers to menus and toolbar. UI thread only.
+#include "commands/command_state.h"
+
+#include "ai/ai_state.h"
+#include "commands/toolbar.h"
+#include "compile/build.h"
+#include "compile/compile_state.h"
+#include "debugger/debug_state.h"
+#include "debugui/debug_commands.h"
+#include "debugui/debugui_state.h"
+#include "disasm/disasm_state.h"
+#include "documents/document_row.h"
+#include "language/lexer_table.h"
+#include "output/output_state.h"
+#include "resources/ids.h"
+#include "scintilla/sci.h"
+#include "settings/settings_state.h"
+#include "ui/chrome.h"
+#include "ui/ui_state.h"
+
+#include <algorithm>
+
+namespace {
+
+std::uint32_t EditorConditions() {
+    const DocumentTab& tab = TabAt(g_documents.activeTab);
+    std::uint32_t conditions = kHasTab;
+    const auto add = [&](bool holds, CommandCondition condition) {
+        conditions |= holds ? static_cast<std::uint32_t>(condition) : 0U;
+    };
+    add(SciSend(tab.editor, SCI_CANUNDO) != 0, kCanUndo);
+    add(SciSend(tab.editor, SCI_CANREDO) != 0, kCanRedo);
+    add(SciSend(tab.editor, SCI_GETSELECTIONEMPTY) == 0, kHasSelection);
+    add(tab.hasFile, kHasFile);
+    add(LexerFromExtension(tab.path) == Language::Basic, kBasicSource);
+    return conditions;
+}
+
+std::uint32_t DebugConditions() {
+    if (!g_debug.debugging) return kNoSession;
+    if (DebugIsWaiting()) return kSession;  // the program starts: only Stop
+    switch (g_debugger.run) {
+        case DebugRun::Stopped: return kSession | kProgramStopped;
+        case DebugRun::Running: return kSession | kProgramRunning;
+        case DebugRun::None: break;
+    }
+    return kSession;
+}
+
+}  // namespace
+
+HWND FocusedTextField() {
+    HWND focus = GetFocus();
+    for (HWND field : {g_output.hOutput, g_disasm.hAsmPane, g_ai.hAiChat, g_ai.hAiInput, g_compile.hTerminal})
+        if (focus != nullptr && focus == field) return field;
+    return focus != nullptr && IsChild(g_debugUi.hDebugPane, focus) ? focus : nullptr;
+}
+
+CommandView CurrentCommandView() {
+    CommandView view;
+    // What such a field could undo or copy is its own business; asking it would cost every key.
+    if (FocusedTextField() != nullptr) view.conditions |= kCanUndo | kCanRedo | kHasSelection;
+    if (IsTabIndex(g_documents.activeTab)) view.conditions |= EditorConditions();
+    if (std::ranges::any_of(g_documents.tabs, &DocumentTab::modified)) view.conditions |= kAnyModified;
+    view.conditions |= CompilerIsBuilding() ? kBuilding : kIdle;
+    view.conditions |= DebugConditions();
+    if (g_output.errors.count > 0) view.conditions |= kHasErrors;
+    const Settings& settings = g_settings;
+    view.toolbar = settings.showToolbar != 0;
+    view.statusBar = settings.showStatusbar != 0;
+    view.output = g_ui.showOutput;
+    view.asmPane = g_ui.showAsmPane;
+    view.debugPane = g_ui.showDebugPane;
+    view.ai = settings.showAiSidebar != 0;
+    view.whitespace = settings.showWhitespace != 0;
+    view.wrap = settings.wordWrap != 0;
+    view.theme = ThemeIsDark() ? 1 : 0;
+    view.style = settings.editorStylePreset;
+    view.compiler = settings.activeCompiler;
+    view.profile = settings.profile;
+    return view;
+}
+
+void MenuApplyState(HMENU menu, const CommandView& view) {
+    const int count = GetMenuItemCount(menu);
+    for (int i = 0; i < count; ++i) {
+        const UINT id = GetMenuItemID(menu, i);
+        if (id == static_cast<UINT>(-1) || FindCommand(static_cast<int>(id)) == nullptr)
+            continue;  // a submenu or a separator
+        const CommandState state = CommandStateOf(static_cast<int>(id), view);
+        EnableMenuItem(menu, static_cast<UINT>(i), MF_BYPOSITION | (state.enabled ? MF_ENABLED : MF_GRAYED));
+        CheckMenuItem(menu, static_cast<UINT>(i), MF_BYPOSITION | (state.checked ? MF_CHECKED : MF_UNCHECKED));
+    }
+}
+
+static void ApplyToMenuTree(HMENU menu, const CommandView& view) {
+    MenuApplyState(menu, view);
+    for (int i = 0; i < GetMenuItemCount(menu); ++i)
+        if (HMENU child = GetSubMenu(menu, i)) ApplyToMenuTree(child, view);
+}
+
+void MenuUpdateState() {
+    if (g_ui.hMainWnd == nullptr) return;
+    const CommandView view = CurrentCommandView();
+    if (HMENU menu = GetMenu(g_ui.hMainWnd)) ApplyToMenuTree(menu, view);
+    ToolbarApplyState(view);
+}
+
+std::wstring CommandTipFromMenuText(std::wstring_view menuText) {
+    const std::size_t tab = menuText.find(L'\t');
+    std::wstring tip;
+    for (std::size_t i = 0; i < std::min(tab, menuText.size()); ++i) {
+        if (menuText[i] == L'&' && i + 1 < menuText.size()) ++i;  // the mnemonic's mark; "&&" keeps one
+        tip += menuText[i];
+    }
+    while (tip.ends_with(L'.')) tip.pop_back();
+    if (tab != std::wstring_view::npos) tip.append(L" (").append(menuText.substr(tab + 1)).append(L")");
+    return tip;
+}

@@ -1,0 +1,152 @@
+// The table of commands and the one rule for enabled and checked. Must not know a window.
+#include "commands/command_table.h"
+
+#include "resources/ids.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::uint32_t kEdits = kHasTab;
+
+constexpr CommandRow kCommands[] = {
+    {IDM_FILE_NEW, kAlways},
+    {IDM_FILE_OPEN, kAlways},
+    {IDM_FILE_SAVE, kHasTab},
+    {IDM_FILE_SAVE_AS, kHasTab},
+    {IDM_FILE_SAVE_ALL, kAnyModified},
+    {IDM_FILE_RELOAD, kHasFile},
+    {IDM_FILE_CLOSE, kHasTab},
+    {IDM_FILE_CLOSE_ALL, kHasTab},
+    {IDM_FILE_EXIT, kAlways},
+    {IDM_EDIT_UNDO, kCanUndo},
+    {IDM_EDIT_REDO, kCanRedo},
+    {IDM_EDIT_CUT, kHasSelection},
+    {IDM_EDIT_COPY, kHasSelection},
+    {IDM_EDIT_PASTE, kHasTab},
+    {IDM_EDIT_SELECT_ALL, kEdits},
+    {IDM_EDIT_FIND, kEdits},
+    {IDM_EDIT_REPLACE, kEdits},
+    {IDM_EDIT_GOTO, kEdits},
+    {IDM_FIND_NEXT, kEdits},
+    {IDM_FIND_PREVIOUS, kEdits},
+    {IDM_EDIT_FORMAT_DOCUMENT, kHasTab | kBasicSource},
+    {IDM_EDIT_FORMAT_SELECTION, kHasTab | kBasicSource | kHasSelection},
+    {IDM_VIEW_TOOLBAR, kAlways, [](const CommandView& v) { return v.toolbar; }},
+    {IDM_VIEW_STATUS_BAR, kAlways, [](const CommandView& v) { return v.statusBar; }},
+    {IDM_VIEW_OUTPUT, kAlways, [](const CommandView& v) { return v.output; }},
+    {IDM_VIEW_ASM, kAlways, [](const CommandView& v) { return v.asmPane; }},
+    {IDM_VIEW_AI, kAlways, [](const CommandView& v) { return v.ai; }},
+    {IDM_VIEW_WHITESPACE, kAlways, [](const CommandView& v) { return v.whitespace; }},
+    {IDM_VIEW_WORD_WRAP, kAlways, [](const CommandView& v) { return v.wrap; }},
+    {IDM_VIEW_ZOOM_IN, kAlways},
+    {IDM_VIEW_ZOOM_OUT, kAlways},
+    {IDM_VIEW_ZOOM_RESET, kAlways},
+    {IDM_STYLE_CODE, kAlways, [](const CommandView& v) { return v.style == 1; }},
+    {IDM_STYLE_STUDIO, kAlways, [](const CommandView& v) { return v.style == 2; }},
+    {IDM_STYLE_PLUS, kAlways, [](const CommandView& v) { return v.style == 3; }},
+    {IDM_STYLE_SUBLIME, kAlways, [](const CommandView& v) { return v.style == 4; }},
+    {IDM_STYLE_CLASSIC, kAlways, [](const CommandView& v) { return v.style == 5; }},
+    {IDM_STYLE_FONT, kAlways},
+    {IDM_VIEW_LIGHT_THEME, kAlways, [](const CommandView& v) { return v.theme == 0; }},
+    {IDM_VIEW_DARK_THEME, kAlways, [](const CommandView& v) { return v.theme != 0; }},
+    // Always possible: a build that cannot start says why.
+    {IDM_BUILD, kAlways},
+    {IDM_BUILD_RUN, kAlways},
+    {IDM_BUILD_STOP, kBuilding},
+    {IDM_BUILD_CLEAN, kHasFile | kIdle},
+    {IDM_BUILD_SYNTAX, kAlways},
+    {IDM_BUILD_ALL, kAlways},
+    {IDM_USE_KVXA64, kAlways, [](const CommandView& v) { return v.compiler == 0; }},
+    {IDM_USE_KVXB64, kAlways, [](const CommandView& v) { return v.compiler == 1; }},
+    {IDM_USE_KVXA32, kAlways, [](const CommandView& v) { return v.compiler == 2; }},
+    {IDM_USE_KELDORBASIC, kAlways, [](const CommandView& v) { return v.compiler == 3; }},
+    {IDM_USE_KVXC64, kAlways, [](const CommandView& v) { return v.compiler == 4; }},
+    {IDM_COMPILER_MENU, kAlways},
+    {IDM_TOOLBAR_MORE, kAlways},
+    {IDM_PROFILE_DEBUG, kAlways, [](const CommandView& v) { return v.profile == 0; }},
+    {IDM_PROFILE_RELEASE, kAlways, [](const CommandView& v) { return v.profile == 1; }},
+    {IDM_PROFILE_FAST, kAlways, [](const CommandView& v) { return v.profile == 2; }},
+    {IDM_ERROR_NEXT, kHasErrors},
+    {IDM_ERROR_PREVIOUS, kHasErrors},
+    {IDM_PROJECT_SETTINGS, kNever},
+    {IDM_WORKSPACE_NEW, kAlways},
+    {IDM_WORKSPACE_OPEN, kAlways},
+    {IDM_WORKSPACE_SAVE, kAlways},
+    {IDM_DEBUG_START, kAlways},  // during a session it ends it
+    {IDM_DEBUG_BUILD_START, kNoSession},
+    {IDM_DEBUG_STOP, kSession},
+    {IDM_DEBUG_STEP_INTO, kProgramStopped},
+    {IDM_DEBUG_STEP_OVER, kProgramStopped},
+    {IDM_DEBUG_STEP_OUT, kProgramStopped},
+    {IDM_DEBUG_RUN_TO_CURSOR, kProgramStopped | kHasTab},
+    {IDM_DEBUG_CONTINUE, kProgramStopped},
+    {IDM_DEBUG_PAUSE, kProgramRunning},
+    {IDM_DEBUG_BREAKPOINT, kHasTab},
+    {IDM_DEBUG_CONDITIONAL, kHasTab},
+    {IDM_DEBUG_ENABLE_BREAKPOINT, kHasTab},
+    {IDM_DEBUG_REMOVE_BREAKPOINTS, kAlways},
+    {IDM_DEBUG_REGISTERS, kProgramStopped},
+    {IDM_DEBUG_CALL_STACK, kProgramStopped},
+    {IDM_DEBUG_DISASSEMBLY, kProgramStopped},
+    {IDM_DEBUG_MEMORY, kProgramStopped},
+    {IDM_DEBUG_BUTTON_START, kNoSession},
+    {IDM_DEBUG_BUTTON_STOP, kSession},
+    {IDM_DEBUG_BUTTON_STEP_INTO, kProgramStopped},
+    {IDM_DEBUG_BUTTON_STEP_OVER, kProgramStopped},
+    {IDM_DEBUG_BUTTON_STEP_OUT, kProgramStopped},
+    {IDM_VIEW_DEBUG_PANE, kAlways, [](const CommandView& v) { return v.debugPane; }},
+    {IDM_AI_OPENAI, kNever},
+    {IDM_AI_LMSTUDIO, kNever},
+    {IDM_HELP_ABOUT, kAlways},
+    {IDM_NEXT_TAB, kHasTab},
+    {IDM_PREVIOUS_TAB, kHasTab},
+    {IDM_NAV_BACK, kHasTab},
+    {IDM_NAV_FORWARD, kHasTab},
+    {IDM_TAB_CLOSE_OTHERS, kHasTab},
+    {IDM_TAB_COPY_PATH, kHasFile},
+};
+
+// Virtual key numbers; named here because this file knows no window headers.
+constexpr std::uint16_t kCancel = 0x03, kTab = 0x09, kLeft = 0x25, kRight = 0x27, kZero = 0x30, kNumpad0 = 0x60,
+                        kNumpadAdd = 0x6B, kNumpadSubtract = 0x6D, kF2 = 0x71, kF3 = 0x72, kF4 = 0x73, kF5 = 0x74,
+                        kF8 = 0x77, kF9 = 0x78, kF10 = 0x79, kOemPlus = 0xBB, kOemMinus = 0xBD;
+
+constexpr ExtraKey kExtraKeys[] = {
+    {kCancel, true, false, false, IDM_BUILD_STOP},      {kTab, true, false, false, IDM_NEXT_TAB},
+    {kTab, true, true, false, IDM_PREVIOUS_TAB},        {kOemPlus, true, false, false, IDM_VIEW_ZOOM_IN},
+    {kOemPlus, true, true, false, IDM_VIEW_ZOOM_IN},    {kNumpadAdd, true, false, false, IDM_VIEW_ZOOM_IN},
+    {kOemMinus, true, false, false, IDM_VIEW_ZOOM_OUT}, {kNumpadSubtract, true, false, false, IDM_VIEW_ZOOM_OUT},
+    {kZero, true, false, false, IDM_VIEW_ZOOM_RESET},   {kNumpad0, true, false, false, IDM_VIEW_ZOOM_RESET},
+    {kF3, false, false, false, IDM_FIND_NEXT},          {kF3, false, true, false, IDM_FIND_PREVIOUS},
+    {kF4, false, false, false, IDM_ERROR_NEXT},         {kF4, false, true, false, IDM_ERROR_PREVIOUS},
+    {kF4, true, false, false, IDM_FILE_CLOSE},          {kF8, false, false, false, IDM_ERROR_NEXT},
+    {kF8, false, true, false, IDM_ERROR_PREVIOUS},      {kLeft, false, false, true, IDM_NAV_BACK},
+    {kRight, false, false, true, IDM_NAV_FORWARD},      {kF5, true, false, false, IDM_DEBUG_CONTINUE},
+    {kF5, false, true, false, IDM_DEBUG_STOP},          {kF10, true, false, false, IDM_DEBUG_RUN_TO_CURSOR},
+    {kF9, true, false, false, IDM_DEBUG_CONDITIONAL},   {kCancel, true, false, true, IDM_DEBUG_PAUSE},
+    {kF2, true, false, false, IDM_TOOLBAR_MORE},
+};
+
+}  // namespace
+
+std::span<const CommandRow> CommandTable() { return kCommands; }
+
+const CommandRow* FindCommand(int id) {
+    const auto* row = std::ranges::find(kCommands, id, &CommandRow::id);
+    return row == std::end(kCommands) ? nullptr : row;
+}
+
+CommandState CommandStateOf(int id, const CommandView& view) {
+    const CommandRow* row = FindCommand(id);
+    if (row == nullptr) return {};
+    return {.enabled = (row->needs & view.conditions) == row->needs,
+            .checked = row->checked != nullptr && row->checked(view)};
+}
+
+int CommandOfExtraKey(std::uint32_t key, bool control, bool shift, bool alt) {
+    for (const ExtraKey& extra : kExtraKeys)
+        if (extra.key == key && extra.control == control && extra.shift == shift && extra.alt == alt)
+            return extra.command;
+    return 0;
+}

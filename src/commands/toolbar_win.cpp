@@ -1,0 +1,413 @@
+// The toolbar: buttons from one table, pictures drawn for the current theme and DPI. UI thread only.
+#include "commands/toolbar.h"
+
+#include "commands/command_state.h"
+#include "commands/commands_state.h"
+#include "commands/toolbar_fit.h"
+#include "commands/toolbar_internal.h"
+#include "resources/ids.h"
+#include "settings/settings_state.h"
+#include "ui/chrome.h"
+#include "ui/fonts.h"
+#include "ui/ui_state.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+// A button that is not always there: shown while one of these conditions holds.
+constexpr std::uint32_t kShownAlways = 0;
+
+// What goes where there is not room for all buttons, first to last: what shows panes, what every program has on keys, the
+// files, the errors, and what builds, runs and debugs.
+enum Rank { kPanes, kEditing, kFiles, kErrors, kRunning };
+
+struct ButtonRow {
+    int command;  // 0: a gap between groups
+    Icon icon = Icon::New;
+    int rank = kStays;
+    bool showsState = false;
+    const wchar_t* tip = nullptr;  // for commands that no menu names
+    std::uint32_t shownWhen = kShownAlways;
+    std::uint32_t hiddenWhen = 0;  // and none of these
+};
+
+constexpr ButtonRow kButtons[] = {
+    {IDM_FILE_NEW, Icon::New, kFiles},
+    {IDM_FILE_OPEN, Icon::Open, kFiles},
+    {IDM_FILE_SAVE, Icon::Save, kFiles},
+    {IDM_FILE_SAVE_ALL, Icon::SaveAll, kFiles},
+    {0},
+    {IDM_EDIT_UNDO, Icon::Undo, kEditing},
+    {IDM_EDIT_REDO, Icon::Redo, kEditing},
+    {0},
+    {IDM_EDIT_CUT, Icon::Cut, kEditing},
+    {IDM_EDIT_COPY, Icon::Copy, kEditing},
+    {IDM_EDIT_PASTE, Icon::Paste, kEditing},
+    {IDM_EDIT_FIND, Icon::Find, kFiles},
+    {0},
+    {IDM_COMPILER_MENU, Icon::New, kStays, false, L"Compiler and build profile"},
+    {IDM_BUILD, Icon::Build, kRunning},
+    {IDM_BUILD_RUN, Icon::Run, kRunning},
+    {IDM_BUILD_STOP, Icon::Stop, kRunning},
+    {IDM_BUILD_SYNTAX, Icon::SyntaxCheck, kErrors},
+    {IDM_ERROR_PREVIOUS, Icon::PreviousError, kErrors, false, L"Previous Error (Shift+F4)"},
+    {IDM_ERROR_NEXT, Icon::NextError, kErrors, false, L"Next Error (F4)"},
+    {0},
+    // Of the debugger only what fits the moment. Steps stay while the program runs: a row of buttons that came and went
+    // with every step would flicker.
+    {IDM_DEBUG_BUTTON_START, Icon::DebugStart, kRunning, false, L"Build and Debug", kNoSession},
+    {IDM_DEBUG_BREAKPOINT, Icon::Breakpoint, kRunning, false, nullptr, kNoSession},
+    {IDM_DEBUG_BUTTON_STOP, Icon::DebugStop, kRunning, false, L"Stop Debugging (Shift+F5)", kSession},
+    {IDM_DEBUG_CONTINUE, Icon::Continue, kRunning, false, nullptr, kSession, kProgramRunning},
+    {IDM_DEBUG_PAUSE, Icon::Pause, kRunning, false, nullptr, kProgramRunning},
+    {IDM_DEBUG_BUTTON_STEP_OVER, Icon::StepOver, kRunning, false, L"Step Over (F10)", kSession},
+    {IDM_DEBUG_BUTTON_STEP_INTO, Icon::StepInto, kRunning, false, L"Step Into (F11)", kSession},
+    {IDM_DEBUG_BUTTON_STEP_OUT, Icon::StepOut, kRunning, false, L"Step Out (Shift+F11)", kSession},
+    {IDM_DEBUG_RUN_TO_CURSOR, Icon::RunToCursor, kRunning, false, nullptr, kSession},
+    {0},
+    {IDM_VIEW_OUTPUT, Icon::Output, kPanes, true},
+    {IDM_VIEW_ASM, Icon::AsmPane, kPanes, true},
+    {IDM_VIEW_AI, Icon::Ai, kPanes, true},
+    {IDM_TOOLBAR_MORE, Icon::More, kStays, false, L"More Buttons (Ctrl+F2)"},
+};
+
+// The conditions that show and hide buttons; all others change with keys and must not cost a look at the bar.
+constexpr std::uint32_t ShowingConditions() {
+    std::uint32_t conditions = 0;
+    for (const ButtonRow& row : kButtons) conditions |= row.shownWhen | row.hiddenWhen;
+    return conditions;
+}
+
+constexpr int kIconSize = 16;
+constexpr int kButtonSize = 28;
+constexpr int kBarPadding = 3;
+constexpr int kGap = 9;
+constexpr int kMoreSize = 20;    // width of the button for those that have no room
+constexpr int kTextInset = 8;    // of the compiler button
+constexpr int kArrowWidth = 30;  // room for its arrow
+constexpr int kFirstGap = 1;     // ids of the gaps; commands are far above
+
+HIMAGELIST g_images = nullptr;
+HIMAGELIST g_disabledImages = nullptr;
+std::optional<CommandView> g_applied;     // what the buttons show; nothing: not known
+std::uint32_t g_conditions = kNoSession;  // by which they are shown
+std::vector<HiddenButton> g_hidden;       // those without room
+
+int Scaled(int length) { return MulDiv(length, g_ui.dpi, 96); }
+
+HIMAGELIST RenderImages(bool enabled) {
+    const int size = Scaled(kIconSize);
+    HIMAGELIST images = ImageList_Create(size, size, ILC_COLOR32, static_cast<int>(std::size(kButtons)), 0);
+    const IconInks inks = ToolbarInks(ThemeIsDark(), enabled);
+    for (const ButtonRow& row : kButtons) {
+        if (row.command == 0 || row.command == IDM_COMPILER_MENU) continue;
+        HBITMAP bitmap = ToolbarPicture(row.icon, size, inks);
+        ImageList_Add(images, bitmap, nullptr);
+        DeleteObject(bitmap);
+    }
+    return images;
+}
+
+int IdOf(const ButtonRow& row) {
+    return row.command != 0 ? row.command : kFirstGap + static_cast<int>(&row - kButtons);
+}
+
+void AddButtons(HWND bar) {
+    int image = 0;
+    const std::wstring compilerText = ToolbarCompilerText();
+    for (const ButtonRow& row : kButtons) {
+        TBBUTTON button = {};
+        button.fsState = TBSTATE_ENABLED;
+        button.idCommand = IdOf(row);
+        if (row.command == 0) {
+            button.fsStyle = BTNS_SEP;
+            button.iBitmap = kGap;
+        } else if (row.command == IDM_COMPILER_MENU) {
+            button.fsStyle = BTNS_SHOWTEXT | BTNS_DROPDOWN;
+            button.iBitmap = I_IMAGENONE;
+            button.iString = reinterpret_cast<INT_PTR>(compilerText.c_str());
+        } else {
+            const bool opens = row.command == IDM_TOOLBAR_MORE;  // on the press, as a menu does
+            button.fsStyle = opens ? BTNS_DROPDOWN : row.showsState ? BTNS_CHECK : BTNS_BUTTON;
+            button.iBitmap = image++;
+        }
+        SendMessageW(bar, TB_ADDBUTTONSW, 1, reinterpret_cast<LPARAM>(&button));
+    }
+}
+
+int TextWidth(HWND window, const std::wstring& text) {
+    HDC dc = GetDC(window);
+    HGDIOBJ old = SelectObject(dc, UiFont());
+    SIZE size = {};
+    GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
+    SelectObject(dc, old);
+    ReleaseDC(window, dc);
+    return static_cast<int>(size.cx);
+}
+
+int WidthOf(const ButtonRow& row) {
+    switch (row.command) {
+        case 0: return Scaled(kGap);
+        case IDM_COMPILER_MENU:
+            return TextWidth(g_commands.hToolbar, ToolbarCompilerText()) + Scaled(kTextInset + kArrowWidth);
+        case IDM_TOOLBAR_MORE: return Scaled(kMoreSize);
+        default: return Scaled(kButtonSize);
+    }
+}
+
+// Each button its own width: left to itself the control makes all of them as wide as the one with text.
+void SizeButtons() {
+    for (const ButtonRow& row : kButtons) {
+        TBBUTTONINFOW info = {};
+        info.cbSize = sizeof(info);
+        info.dwMask = TBIF_SIZE;
+        info.cx = static_cast<WORD>(WidthOf(row));
+        SendMessageW(g_commands.hToolbar, TB_SETBUTTONINFOW, static_cast<WPARAM>(IdOf(row)),
+                     reinterpret_cast<LPARAM>(&info));
+    }
+}
+
+bool IsWanted(const ButtonRow& row) {
+    return row.shownWhen == kShownAlways ||
+           ((g_conditions & row.shownWhen) != 0 && (g_conditions & row.hiddenWhen) == 0);
+}
+
+void Show(const ButtonRow& row, bool shown) {
+    const auto id = static_cast<WPARAM>(IdOf(row));
+    const bool now = SendMessageW(g_commands.hToolbar, TB_ISBUTTONHIDDEN, id, 0) == 0;
+    if (shown != now) SendMessageW(g_commands.hToolbar, TB_HIDEBUTTON, id, MAKELPARAM(shown ? FALSE : TRUE, 0));
+}
+
+std::wstring TipOf(const ButtonRow& row) {
+    if (row.tip != nullptr) return row.tip;
+    wchar_t text[128] = {};
+    GetMenuStringW(GetMenu(g_ui.hMainWnd), static_cast<UINT>(row.command), text, static_cast<int>(std::size(text)),
+                   MF_BYCOMMAND);
+    return CommandTipFromMenuText(text);
+}
+
+// Shows what the moment wants and the bar has room for, and remembers what it has none for.
+void FitButtons() {
+    RECT client = {};
+    GetClientRect(g_commands.hToolbar, &client);
+    if (client.right <= 0) return;  // not placed yet
+    std::vector<BarItem> items;
+    for (const ButtonRow& row : kButtons)
+        if (row.command != IDM_TOOLBAR_MORE) items.push_back({WidthOf(row), row.rank, IsWanted(row), row.command == 0});
+    const BarFit fit = FitToolbar(items, client.right - 2 * Scaled(kBarPadding), Scaled(kMoreSize));
+    g_hidden.clear();
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const ButtonRow& row = kButtons[i];
+        Show(row, fit.shown[i]);
+        if (row.command == 0 && !g_hidden.empty() && g_hidden.back().command != 0) g_hidden.emplace_back();
+        if (items[i].wanted && !items[i].gap && !fit.shown[i])
+            g_hidden.push_back({row.command, row.icon, row.showsState, TipOf(row)});
+    }
+    if (!g_hidden.empty() && g_hidden.back().command == 0) g_hidden.pop_back();
+    Show(std::end(kButtons)[-1], fit.more);
+}
+
+void ShowMenuOf(int command) {
+    RECT button = {};
+    SendMessageW(g_commands.hToolbar, TB_GETRECT, static_cast<WPARAM>(command), reinterpret_cast<LPARAM>(&button));
+    if (command == IDM_COMPILER_MENU) ToolbarShowCompilerMenu(g_commands.hToolbar, button);
+    // What is hidden may change while the menu is open.
+    const std::vector<HiddenButton> hidden = g_hidden;
+    if (command == IDM_TOOLBAR_MORE && !hidden.empty()) ToolbarShowHiddenMenu(g_commands.hToolbar, button, hidden);
+}
+
+// Its text and arrow: the control would draw the arrow black on any background.
+void DrawCompilerButton(const NMTBCUSTOMDRAW& draw, COLORREF colour) {
+    const HDC dc = draw.nmcd.hdc;
+    RECT area = draw.nmcd.rc;
+    area.left += Scaled(kTextInset);
+    const HGDIOBJ oldFont = SelectObject(dc, UiFont());
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, colour);
+    DrawTextW(dc, ToolbarCompilerText().c_str(), -1, &area, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
+    SelectObject(dc, oldFont);
+    const int arm = Scaled(4);
+    const int middle = area.right - Scaled(kArrowWidth) / 2;
+    const int top = (area.top + area.bottom - arm) / 2 + Scaled(1);
+    const POINT arrow[] = {{middle - arm, top}, {middle + arm, top}, {middle, top + arm}};
+    SetDCBrushColor(dc, colour);
+    SetDCPenColor(dc, colour);
+    const HGDIOBJ oldBrush = SelectObject(dc, GetStockObject(DC_BRUSH));
+    const HGDIOBJ oldPen = SelectObject(dc, GetStockObject(DC_PEN));
+    Polygon(dc, arrow, static_cast<int>(std::size(arrow)));
+    SelectObject(dc, oldPen);
+    SelectObject(dc, oldBrush);
+}
+
+LRESULT DrawBar(const NMTBCUSTOMDRAW& draw) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    switch (draw.nmcd.dwDrawStage) {
+        case CDDS_PREPAINT: return CDRF_NOTIFYITEMDRAW;
+        case CDDS_ITEMPREPAINT: {
+            auto& item = const_cast<NMTBCUSTOMDRAW&>(draw);
+            item.clrText = chrome.statusText;
+            item.clrTextHighlight = chrome.statusText;
+            item.clrHighlightHotTrack = chrome.hover;
+            if ((draw.nmcd.uItemState & (CDIS_CHECKED | CDIS_HOT | CDIS_SELECTED)) != 0)
+                FillArea(draw.nmcd.hdc, draw.nmcd.rc, chrome.hover);
+            if (draw.nmcd.dwItemSpec == IDM_COMPILER_MENU) {
+                DrawCompilerButton(draw, chrome.statusText);
+                return CDRF_SKIPDEFAULT;
+            }
+            return TBCDRF_NOBACKGROUND | TBCDRF_NOEDGES | TBCDRF_NOOFFSET | TBCDRF_USECDCOLORS;
+        }
+        default: return CDRF_DODEFAULT;
+    }
+}
+
+// Stop takes the place of Start: the second half of a double-click on that was not meant for it.
+bool IsSecondClickOnStop(HWND bar, UINT message, LPARAM lParam) {
+    if (message != WM_LBUTTONDBLCLK) return false;
+    POINT at = {static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
+    RECT stop = {};
+    return SendMessageW(bar, TB_GETRECT, IDM_DEBUG_BUTTON_STOP, reinterpret_cast<LPARAM>(&stop)) != 0 &&
+           PtInRect(&stop, at) != FALSE;
+}
+
+LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+    // The bar's own background follows the theme; the control has no colour of its own for it.
+    if (message == WM_ERASEBKGND) {
+        const ThemeChrome& chrome = ThemeCurrentChrome();
+        RECT area = {};
+        GetClientRect(window, &area);
+        FillArea(reinterpret_cast<HDC>(wParam), area, chrome.statusBack);
+        area.top = area.bottom - 1;
+        FillArea(reinterpret_cast<HDC>(wParam), area, chrome.line);
+        return 1;
+    }
+    if (IsSecondClickOnStop(window, message, lParam)) return 0;
+    if (message == WM_LBUTTONUP) g_applied.reset();  // a click turns a check button over by itself
+    if (message == WM_NCDESTROY) RemoveWindowSubclass(window, ToolbarProc, 1);
+    if (message == WM_SIZE) FitButtons();
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
+}  // namespace
+
+HWND ToolbarCreate(HWND parent, int controlId) {
+    HWND bar = CreateWindowExW(
+        0, TOOLBARCLASSNAMEW, nullptr,
+        WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | TBSTYLE_FLAT | TBSTYLE_LIST | TBSTYLE_TOOLTIPS | TBSTYLE_TRANSPARENT |
+            CCS_NORESIZE | CCS_NODIVIDER | CCS_NOPARENTALIGN,
+        0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_ui.hInstance, nullptr);
+    if (bar == nullptr) return nullptr;
+    SendMessageW(bar, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
+    SendMessageW(bar, TB_SETEXTENDEDSTYLE, 0, TBSTYLE_EX_MIXEDBUTTONS | TBSTYLE_EX_DOUBLEBUFFER);
+    SetWindowSubclass(bar, ToolbarProc, 1, 0);
+    AddButtons(bar);
+    return bar;
+}
+
+void ToolbarApplyTheme() {
+    if (g_commands.hToolbar == nullptr) return;
+    HIMAGELIST oldImages = g_images;
+    HIMAGELIST oldDisabled = g_disabledImages;
+    g_images = RenderImages(true);
+    g_disabledImages = RenderImages(false);
+    SendMessageW(g_commands.hToolbar, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(g_images));
+    SendMessageW(g_commands.hToolbar, TB_SETDISABLEDIMAGELIST, 0, reinterpret_cast<LPARAM>(g_disabledImages));
+    SendMessageW(g_commands.hToolbar, TB_SETINDENT, static_cast<WPARAM>(Scaled(kBarPadding)), 0);
+    SendMessageW(g_commands.hToolbar, TB_SETBUTTONSIZE, 0, MAKELPARAM(Scaled(kButtonSize), Scaled(kButtonSize)));
+    SendMessageW(g_commands.hToolbar, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
+    ToolbarUpdateCompiler();
+    SizeButtons();
+    FitButtons();
+    if (oldImages != nullptr) ImageList_Destroy(oldImages);
+    if (oldDisabled != nullptr) ImageList_Destroy(oldDisabled);
+    InvalidateRect(g_commands.hToolbar, nullptr, TRUE);
+}
+
+void ToolbarDestroyImages() {
+    if (g_images != nullptr) ImageList_Destroy(g_images);
+    if (g_disabledImages != nullptr) ImageList_Destroy(g_disabledImages);
+    g_images = g_disabledImages = nullptr;
+}
+
+void ToolbarUpdateCompiler() {
+    const std::wstring text = ToolbarCompilerText();
+    wchar_t shown[128] = {};
+    TBBUTTONINFOW info = {};
+    info.cbSize = sizeof(info);
+    info.dwMask = TBIF_TEXT;
+    info.pszText = shown;
+    info.cchText = static_cast<int>(std::size(shown));
+    SendMessageW(g_commands.hToolbar, TB_GETBUTTONINFOW, IDM_COMPILER_MENU, reinterpret_cast<LPARAM>(&info));
+    if (text == shown) return;
+    info.pszText = const_cast<wchar_t*>(text.c_str());
+    SendMessageW(g_commands.hToolbar, TB_SETBUTTONINFOW, IDM_COMPILER_MENU, reinterpret_cast<LPARAM>(&info));
+    SizeButtons();
+    FitButtons();
+    InvalidateRect(g_commands.hToolbar, nullptr, TRUE);
+}
+
+void ToolbarShowMore() {
+    if (!g_hidden.empty() && IsWindowVisible(g_commands.hToolbar) != FALSE) ShowMenuOf(IDM_TOOLBAR_MORE);
+}
+
+void ToolbarUpdateAi() {
+    SendMessageW(g_commands.hToolbar, TB_CHECKBUTTON, IDM_VIEW_AI, MAKELPARAM(g_settings.showAiSidebar, 0));
+}
+
+void ToolbarApplyState(const CommandView& view) {
+    // Called at every key, and asking each button costs more than the key itself.
+    if (g_applied == view) return;
+    g_applied = view;
+    const std::uint32_t conditions = view.conditions & ShowingConditions();
+    if (std::exchange(g_conditions, conditions) != conditions) FitButtons();
+    for (const ButtonRow& row : kButtons) {
+        if (row.command == 0) continue;
+        const CommandState state = CommandStateOf(row.command, view);
+        const LRESULT now = SendMessageW(g_commands.hToolbar, TB_GETSTATE, static_cast<WPARAM>(row.command), 0);
+        const LRESULT kept = now & ~static_cast<LRESULT>(TBSTATE_ENABLED | TBSTATE_CHECKED);
+        const LRESULT wanted =
+            kept | (state.enabled ? TBSTATE_ENABLED : 0) | (row.showsState && state.checked ? TBSTATE_CHECKED : 0);
+        if (wanted != now)
+            SendMessageW(g_commands.hToolbar, TB_SETSTATE, static_cast<WPARAM>(row.command), MAKELPARAM(wanted, 0));
+    }
+}
+
+int ToolbarInset() {
+    const int buttons = HIWORD(SendMessageW(g_commands.hToolbar, TB_GETBUTTONSIZE, 0, 0));
+    return std::max(0, (ToolbarHeight() - 1 - buttons) / 2);
+}
+
+int ToolbarHeight() { return Scaled(kButtonSize + 2 * kBarPadding); }
+
+bool ToolbarHandleNotify(const NMHDR& header, LRESULT* result) {
+    if (header.code == TTN_GETDISPINFOW) {
+        auto& tip = *reinterpret_cast<NMTTDISPINFOW*>(const_cast<NMHDR*>(&header));
+        if ((tip.uFlags & TTF_IDISHWND) != 0 || header.idFrom < IDM_FILE_NEW) return false;
+        const auto* row = std::ranges::find(kButtons, static_cast<int>(header.idFrom), &ButtonRow::command);
+        if (row == std::end(kButtons)) return false;
+        const std::wstring text = TipOf(*row);
+        const std::size_t length = std::min(text.size(), std::size(tip.szText) - 1);
+        text.copy(tip.szText, length);
+        tip.szText[length] = L'\0';
+        tip.lpszText = tip.szText;
+        return true;
+    }
+    if (header.hwndFrom != g_commands.hToolbar || g_commands.hToolbar == nullptr) return false;
+    if (header.code == NM_CUSTOMDRAW) {
+        *result = DrawBar(reinterpret_cast<const NMTBCUSTOMDRAW&>(header));
+        return true;
+    }
+    if (header.code == TBN_DROPDOWN) {
+        ShowMenuOf(reinterpret_cast<const NMTOOLBARW&>(header).iItem);
+        *result = TBDDRET_DEFAULT;
+        return true;
+    }
+    return false;
+}

@@ -1,0 +1,32 @@
+// Building the active document: starting and stopping the compiler, and the Compiler menu. UI thread only.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+
+// Prepares the build lock; once, before the main window.
+void BuildInit();
+
+int StartCompilerBuild(bool syntaxOnly, bool debug);  // 1 when a compiler process was started (or its pre-build runs)
+int CompilerBuild(std::uint32_t id, const wchar_t* source, const wchar_t* output, const wchar_t* flags,
+                  bool wantListing);
+void CompilerKill();        // ends the compiler and every process it started, also during start
+bool CompilerIsBuilding();  // also between two documents of a batch build
+
+// Commands 1301..1305, 1250, 1251, 1253, 1254, 1320, the profiles and the batch build. False: not one of them.
+bool CmdHandle_Build(int command);
+
+// The main window's part: MSG_BUILD_OUTPUT, MSG_BUILD_FINISHED, TIMER_BUILD.
+void BuildOnOutput(wchar_t* heapText, COLORREF colour);
+void BuildOnFinished(DWORD exitCode);
+void BuildOnTimer();
+// After a look at what waits to be shown (TIMER_OUTPUT): a stage that has ended is reported once all it printed is in the pane.
+// True: a pane that was replaced is still to be destroyed, so the timer must go on.
+bool BuildOnShown(bool allShown);
+
+// Ends a running build and waits (bounded) for its reader; at shut-down.
+void BuildShutdown();
+
+// "0:07" and a moving mark for the status bar while a build runs; empty text otherwise.
+const wchar_t* BuildProgressText();

@@ -1,0 +1,37 @@
+#include "compile/build_log.h"
+
+#include "files/file_io.h"
+
+namespace {
+
+void WriteBytes(BuildLog& log, std::string_view bytes) {
+    DWORD written = 0;
+    // A full disk must not stop the build: the log simply ends here.
+    if (!WriteFile(log.file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr)) log.file.Reset();
+}
+
+}  // namespace
+
+BuildLog BuildLogOpen(const std::wstring& path) {
+    BuildLog log;
+    if (!path.empty())
+        log.file.Reset(CreateFileW(PathForSystem(path.c_str()).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                   CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    return log;
+}
+
+void BuildLogWrite(BuildLog& log, std::wstring_view text) {
+    if (!log.file || text.empty()) return;
+    const int length = static_cast<int>(text.size());
+    const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
+    if (size <= 0) return;
+    std::string bytes(static_cast<std::size_t>(size), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.data(), length, bytes.data(), size, nullptr, nullptr);
+    if (bytes.size() > log.left) {
+        WriteBytes(log, "\r\n(log cut here)\r\n");
+        log.file.Reset();
+        return;
+    }
+    log.left -= bytes.size();
+    WriteBytes(log, bytes);
+}

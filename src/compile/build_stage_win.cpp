@@ -1,0 +1,206 @@
+#include "compile/build_stage.h"
+
+#include "base/events.h"
+#include "base/handles.h"
+#include "base/log.h"
+#include "base/wide_format.h"
+#include "compile/build.h"
+#include "compile/build_reader.h"
+#include "compile/child_process.h"
+#include "compile/compile_state.h"
+#include "output/output_feed.h"
+#include "resources/ids.h"
+#include "ui/rich_lines.h"
+#include "ui/ui_state.h"
+
+#include <iterator>
+#include <memory>
+
+CRITICAL_SECTION g_buildCs;
+
+namespace {
+
+constexpr COLORREF kRed = 0x0000FF;
+constexpr UINT kProgressIntervalMs = 250;
+constexpr std::size_t kLinesBesideReplaced = 10000;  // in the new pane while a replaced one still exists
+constexpr DWORD kStopWaitMs = 150;  // Stop is answered at once; what is slower than this ends behind it
+constexpr DWORD kEndWaitMs = 2000;  // from a reader's report to its clearing up
+constexpr DWORD kShutdownWaitMs = 3000;
+
+// The stage as the UI thread knows it.
+struct CurrentStage {
+    BuildStage stage = BuildStage::Idle;
+    UniqueHandle reader;
+    bool stopped = false;  // Stop was asked for
+    bool ended = false;    // the reader has reported
+    DWORD exitCode = 0;
+    BuildEnd end = BuildEnd::Ended;
+    ULONGLONG started = 0;  // tick count
+};
+CurrentStage g_stage;
+
+class BuildLock {
+public:
+    BuildLock() { EnterCriticalSection(&g_buildCs); }
+    ~BuildLock() { LeaveCriticalSection(&g_buildCs); }
+    BuildLock(const BuildLock&) = delete;
+    BuildLock& operator=(const BuildLock&) = delete;
+};
+
+void StoreState(const StageLaunch& launch, const ChildProcess& child, const FILETIME& startTime) {
+    const BuildLock lock;
+    BuildState& build = g_buildState;
+    build.process = child.process;
+    build.thread = child.thread;
+    build.pipeRead = child.pipeRead;
+    build.job = child.job;
+    build.stage = launch.stage;
+    build.building = launch.stage == BuildStage::Compile;
+    build.preparing = !build.building;
+    if (build.building) build.startTime = startTime;
+    build.staged = launch.staged.copied;
+    SafeCopyW(build.stagedPath, launch.staged.copied ? std::wstring_view(launch.staged.path) : std::wstring_view());
+}
+
+void ForgetState() {
+    const BuildLock lock;
+    BuildState& build = g_buildState;
+    build.process = build.thread = build.pipeRead = build.job = nullptr;
+    build.building = build.preparing = build.staged = false;
+    build.stage = BuildStage::Idle;
+}
+
+void ShowProgress() { g_events.statusProgress(BuildProgressText()); }
+
+// Hands the end of the stage on when all its output is shown.
+void DeliverEnd() {
+    if (!g_stage.ended || !OutputFeedIsEmpty()) return;
+    const StageResult result = {.stage = g_stage.stage,
+                                .end = g_stage.stopped ? BuildEnd::Stopped : g_stage.end,
+                                .exitCode = g_stage.exitCode,
+                                .seconds = static_cast<double>(GetTickCount64() - g_stage.started) / 1000.0};
+    g_stage = {};
+    KillTimer(g_ui.hMainWnd, TIMER_BUILD);
+    ShowProgress();
+    if (result.stage == BuildStage::Terminal)
+        TerminalOnStageEnd(result);
+    else
+        BuildOnStageEnd(result);
+    g_events.refreshWanted();
+}
+
+// When nothing else is to be done; but a long pane holds hundreds of megabytes, which must not come on top of a flood.
+void DestroyReplacedPane(bool allShown) {
+    if (!RichPaneIsReplaced()) return;
+    const bool idle = allShown && g_stage.stage == BuildStage::Idle && HIWORD(GetQueueStatus(QS_INPUT)) == 0;
+    if (idle || OutputFeedLinesShown() > kLinesBesideReplaced) RichPaneDestroyReplaced();
+}
+
+}  // namespace
+
+void BuildInit() {
+    InitializeCriticalSection(&g_buildCs);
+    if (!ReaderInit()) AppLogMsg(L"FAIL: BuildInit error=%lu", GetLastError());
+}
+
+bool StageStart(StageLaunch launch, DWORD* error) {
+    FILETIME startTime = {};
+    GetSystemTimeAsFileTime(&startTime);
+    ChildProcess child;
+    if (!ChildStart(launch.commandLine, launch.directory, &child, error)) {
+        OutputFeedMessage(UnstageSource(&launch.staged), kRed);
+        return false;
+    }
+    StoreState(launch, child, startTime);
+    auto request = std::make_unique<ReaderRequest>(ReaderRequest{.stage = launch.stage,
+                                                                 .target = g_ui.hMainWnd,
+                                                                 .limitMs = launch.limitMs,
+                                                                 .staged = launch.staged,
+                                                                 .logPath = launch.logPath,
+                                                                 .logHeader = launch.logHeader});
+    g_stage = {};
+    g_stage.reader.Reset(ReaderStart(&request));
+    if (!g_stage.reader) {
+        *error = GetLastError();
+        ForgetState();
+        ChildTerminate(child.job, child.process);
+        ChildClose(&child);
+        OutputFeedMessage(UnstageSource(&launch.staged), kRed);
+        return false;
+    }
+    g_stage.stage = launch.stage;
+    g_stage.started = GetTickCount64();
+    SetTimer(g_ui.hMainWnd, TIMER_BUILD, kProgressIntervalMs, nullptr);
+    ShowProgress();
+    g_events.refreshWanted();
+    return true;
+}
+
+bool StageRuns() {
+    const BuildLock lock;
+    return g_buildState.building || g_buildState.preparing;
+}
+
+void StageSettle(bool dropOutput) {
+    if (StageRuns()) return;
+    MSG message = {};
+    while (PeekMessageW(&message, g_ui.hMainWnd, MSG_BUILD_OUTPUT, MSG_BUILD_FINISHED, PM_REMOVE))
+        DispatchMessageW(&message);
+    if (dropOutput) OutputFeedDropWaiting();
+    while (!OutputFeedIsEmpty()) OutputFeedShowNext();
+    DeliverEnd();
+}
+
+void CompilerKill() {
+    if (g_stage.stage == BuildStage::Idle) return;
+    g_stage.stopped = true;
+    ReaderStopAll();
+    WaitForSingleObject(g_stage.reader.Get(), kStopWaitMs);
+}
+
+void BuildOnOutput(wchar_t* heapText, COLORREF colour) { OutputFeedStream(heapText, colour); }
+
+void BuildOnFinished(DWORD exitCode) {
+    if (g_stage.stage == BuildStage::Idle || g_stage.ended) return;
+    if (WaitForSingleObject(g_stage.reader.Get(), kEndWaitMs) != WAIT_OBJECT_0)
+        AppLogMsg(L"FAIL: BuildOnFinished reader still runs");
+    {
+        const BuildLock lock;
+        g_stage.end = g_buildState.end;
+    }
+    g_stage.exitCode = exitCode;
+    g_stage.ended = true;
+    OutputFeedStreamEnd();
+}
+
+void BuildOnTimer() { ShowProgress(); }
+
+bool BuildOnShown(bool allShown) {
+    DeliverEnd();
+    DestroyReplacedPane(allShown);
+    return RichPaneIsReplaced();
+}
+
+void BuildShutdown() {
+    g_stage.stopped = true;
+    ReaderStopAll();
+    if (g_stage.reader) WaitForSingleObject(g_stage.reader.Get(), kShutdownWaitMs);
+    MSG message = {};
+    while (PeekMessageW(&message, g_ui.hMainWnd, MSG_BUILD_OUTPUT, MSG_BUILD_OUTPUT, PM_REMOVE) &&
+           message.message == MSG_BUILD_OUTPUT)
+        std::free(reinterpret_cast<void*>(message.wParam));
+    OutputFeedForget();
+    g_stage = {};
+}
+
+const wchar_t* BuildProgressText() {
+    static wchar_t text[32];
+    text[0] = L'\0';
+    if (g_stage.stage == BuildStage::Idle) return text;
+    constexpr wchar_t marks[] = {L'|', L'/', L'-', L'\\'};
+    const ULONGLONG elapsed = GetTickCount64() - g_stage.started;
+    const auto seconds = static_cast<unsigned>(elapsed / 1000);
+    FormatBufferW(text, L"%c %u:%02u", marks[elapsed / kProgressIntervalMs % std::size(marks)], seconds / 60,
+                  seconds % 60);
+    return text;
+}

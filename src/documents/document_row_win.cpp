@@ -1,0 +1,191 @@
+// The records and their editors. What is drawn of them is told by events. UI thread.
+#include "documents/document_row.h"
+
+#include "base/events.h"
+#include "base/path.h"
+#include "documents/document_load.h"
+#include "documents/editor_pane.h"
+#include "documents/row_rules.h"
+#include "language/lexer_table.h"
+#include "resources/ids.h"
+#include "scintilla/sci.h"
+#include "scintilla/scintilla_library.h"
+#include "settings/compiler_table.h"
+#include "settings/settings_state.h"
+#include "ui/ui_state.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace {
+
+int g_nextEditorId = IDC_EDITOR_FIRST;
+DocumentId g_nextDocument = 1;
+
+constexpr int ScintillaEol(LineEnding ending) {
+    switch (ending) {
+        case LineEnding::Lf: return SC_EOL_LF;
+        case LineEnding::Cr: return SC_EOL_CR;
+        case LineEnding::CrLf: break;
+    }
+    return SC_EOL_CRLF;
+}
+
+// A renamed document may be of another language: the frame is asked to set its editor up again.
+void CheckLanguage(int index) {
+    const DocumentTab& tab = TabAt(index);
+    if (!tab.hasFile || g_scintilla.createLexer == nullptr) return;
+    const LanguageLexer& wanted = LexerOf(LexerFromExtension(tab.path));
+    char current[64] = "";
+    if (SciSend(tab.editor, SCI_GETLEXER) != 0 && SciSend(tab.editor, SCI_GETLEXERLANGUAGE) < 64)
+        SciSend(tab.editor, SCI_GETLEXERLANGUAGE, 0, reinterpret_cast<LPARAM>(current));
+    if (std::strcmp(current, wanted.name != nullptr ? wanted.name : "") == 0) return;
+    PostMessageW(g_ui.hMainWnd, MSG_REINIT_EDITOR, static_cast<WPARAM>(index), 0);
+}
+
+template <typename Matches>
+int FindTab(Matches matches) {
+    const auto found = std::ranges::find_if(g_documents.tabs, matches);
+    return found == g_documents.tabs.end() ? -1 : static_cast<int>(found - g_documents.tabs.begin());
+}
+
+void HideOtherEditors() {
+    for (const DocumentTab& tab : g_documents.tabs)
+        if (tab.editor != g_documents.hEditor && (GetWindowLongPtrW(tab.editor, GWL_STYLE) & WS_VISIBLE) != 0)
+            ShowWindow(tab.editor, SW_HIDE);
+}
+
+}  // namespace
+
+int TabBarFindDocument(DocumentId document) {
+    if (document == 0) return -1;
+    return FindTab([document](const DocumentTab& tab) { return tab.id == document; });
+}
+
+int TabBarFindEditor(HWND editor) {
+    if (editor == nullptr) return -1;
+    return FindTab([editor](const DocumentTab& tab) { return tab.editor == editor; });
+}
+
+int TabBarFindPath(const wchar_t* path) {
+    if (path == nullptr || path[0] == L'\0') return -1;
+    return FindTab([path](const DocumentTab& tab) { return tab.hasFile && PathEqualsIgnoreCase(tab.path, path); });
+}
+
+DocumentId DocumentOfEditor(HWND editor) {
+    const int index = TabBarFindEditor(editor);
+    return index < 0 ? 0 : TabAt(index).id;
+}
+
+DocumentId ActiveDocumentId() { return IsTabIndex(g_documents.activeTab) ? TabAt(g_documents.activeTab).id : 0; }
+
+int TabBarAdd(const wchar_t* path, const wchar_t* label) {
+    DocumentTab tab;
+    tab.hasFile = path != nullptr && path[0] != L'\0';
+    if (tab.hasFile) SafeCopyW(tab.path, path);
+    SafeCopyW(tab.label, label != nullptr ? label : L"");
+    tab.compilerId =
+        tab.hasFile ? CompilerDefaultForFile(tab.path) : static_cast<std::uint32_t>(g_settings.activeCompiler);
+    tab.editor = EditorPaneCreate(g_ui.hInstance, g_ui.hMainWnd, g_nextEditorId);
+    if (tab.editor == nullptr) return -1;
+    ++g_nextEditorId;
+    if (tab.hasFile && !TabLoadFile(tab)) {
+        DestroyWindow(tab.editor);
+        return -1;
+    }
+    tab.id = g_nextDocument++;
+
+    g_documents.tabs.push_back(tab);
+    const int index = TabCount() - 1;
+    TabBarUpdateLineEnding(index);
+    EditorPaneInit(tab.editor, tab.compilerId);
+    EditorPaneApplySettings(tab.editor);
+    g_events.documentOpened(tab.id);
+    g_events.textArrived(tab.id);
+    return index;
+}
+
+void TabBarSyncActiveEditor() {
+    const HWND previous = g_documents.hEditor;
+    g_documents.hEditor = IsTabIndex(g_documents.activeTab) ? TabAt(g_documents.activeTab).editor : nullptr;
+    // The new editor covers the old one before that goes, so that nothing shows through in between.
+    if (g_documents.hEditor != nullptr) {
+        SetWindowPos(g_documents.hEditor, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+        g_events.layoutWanted();
+        ShowWindow(g_documents.hEditor, SW_SHOWNA);
+    }
+    const bool hadFocus = previous != nullptr && previous != g_documents.hEditor && GetFocus() == previous;
+    if (hadFocus) SetFocus(g_documents.hEditor != nullptr ? g_documents.hEditor : g_ui.hMainWnd);
+    HideOtherEditors();
+    if (g_documents.hEditor != nullptr) {
+        UpdateStickyHeader(g_documents.hEditor, g_documents.hStickyHeader);
+        NavHistoryMaybeAdd();
+    } else if (g_documents.hStickyHeader != nullptr) {
+        SetWindowTextW(g_documents.hStickyHeader, L"");
+    }
+    g_events.documentActivated(ActiveDocumentId());
+}
+
+int TabBarSelect(int index) {
+    if (!IsTabIndex(index)) return 0;
+    g_documents.activeTab = index;
+    TabBarSyncActiveEditor();
+    return 1;
+}
+
+int TabBarActivate(int index) {
+    if (TabBarSelect(index) == 0) return 0;
+    FocusCurrentEditor();
+    return 1;
+}
+
+int TabBarRemove(int index) {
+    if (!IsTabIndex(index)) return 0;
+    const bool wasActive = index == g_documents.activeTab;
+    const DocumentId document = TabAt(index).id;
+    const HWND editor = TabAt(index).editor;
+    const DocumentId returnTo = std::exchange(g_documents.returnTo, 0);
+    const bool hadFocus = GetFocus() == editor;
+    g_events.textLeaving(document);
+    g_documents.activeTab = TabIndexAfterRemoval(g_documents.activeTab, index, TabCount());
+    g_documents.tabs.erase(g_documents.tabs.begin() + index);
+    NavTabRemoved(g_documents.navigation, index);
+    g_events.documentClosed(document, index);
+
+    if (wasActive) {
+        const int back = TabBarFindDocument(returnTo);
+        if (back >= 0) g_documents.activeTab = back;
+        g_documents.hEditor = nullptr;  // about to be destroyed: nobody may send to it any more
+    }
+    TabBarSyncActiveEditor();
+    if (hadFocus) SetFocus(g_documents.hEditor != nullptr ? g_documents.hEditor : g_ui.hMainWnd);
+    DestroyWindow(editor);
+    return 1;
+}
+
+int TabBarMove(int from, int to) {
+    if (!IsTabIndex(from) || !IsTabIndex(to)) return 0;
+    if (from == to) return 1;
+    const auto first = g_documents.tabs.begin();
+    if (from < to)
+        std::rotate(first + from, first + from + 1, first + to + 1);
+    else
+        std::rotate(first + to, first + from, first + from + 1);
+    g_documents.activeTab = TabIndexAfterMove(g_documents.activeTab, from, to);
+    NavTabMoved(g_documents.navigation, from, to);
+    g_events.documentMoved(from, to);
+    return 1;
+}
+
+void TabBarUpdateLineEnding(int index) {
+    if (!IsTabIndex(index)) return;
+    const DocumentTab& tab = TabAt(index);
+    SciSend(tab.editor, SCI_SETEOLMODE, static_cast<WPARAM>(ScintillaEol(tab.lineEnding)));
+}
+
+void TabBarUpdateTitle(int index) {
+    if (!IsTabIndex(index)) return;
+    CheckLanguage(index);
+    g_events.documentChanged(TabAt(index).id);
+}

@@ -1,0 +1,25 @@
+// The open documents, in the order of their tabs. UI thread only.
+#pragma once
+
+#include "base/bounded_text.h"
+#include "documents/document.h"
+#include "documents/nav_history.h"
+
+#include <windows.h>
+
+#include <vector>
+
+struct DocumentsState {
+    std::vector<DocumentTab> tabs;
+    int activeTab = -1;                         // index into tabs, -1 with none
+    DocumentId returnTo = 0;                    // shown again when the active one is closed, 0: its neighbour is
+    HWND hEditor = nullptr;                     // editor of the active tab
+    HWND hStickyHeader = nullptr;               // label above the editor
+    wchar_t lastDirectory[kPathCapacity] = {};  // folder of the file last opened or saved under a new name
+    NavHistory navigation;
+};
+// A part of `g_app` (app/app_state.h).
+extern DocumentsState& g_documents;
+
+inline int TabCount() { return static_cast<int>(g_documents.tabs.size()); }
+inline bool IsTabIndex(int index) { return index >= 0 && index < TabCount(); }

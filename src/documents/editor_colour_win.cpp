@@ -1,0 +1,151 @@
+// When a document gets its colours. Left alone, Scintilla colours from the top down to what it shows, which after a jump
+// to the end of a 100 MB document takes seconds. So it is told that everything is coloured, and the pane keeps the true
+// mark: the visible part is coloured just before a paint, the rest in short slices while nothing else happens. UI thread.
+#include "documents/pane_state.h"
+
+#include "scintilla/sci.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr UINT_PTR kTimer = 0x4B43;
+constexpr UINT kQuietMs = 150;           // nobody types for this long: idle
+constexpr UINT kSliceMs = 10;            // the shortest timer there is
+constexpr double kSliceSeconds = 0.003;  // a key that arrives during a slice waits no longer than this
+constexpr std::size_t kFirstChunk = 32 << 10;
+constexpr std::size_t kSmallestChunk = 4 << 10;
+constexpr std::size_t kLargestChunk = 1 << 20;
+constexpr LRESULT kNearEnough = 32 << 10;  // an uncoloured stretch above the view that a paint can just colour
+
+// Without a lexer Scintilla asks the parent window for colours; there are none to give.
+bool HasLexer(HWND editor) { return SciSend(editor, SCI_GETLEXER, 0, 0) != 0; }
+
+struct VisibleRange {
+    LRESULT start;
+    LRESULT end;
+};
+
+VisibleRange VisibleText(HWND editor) {
+    const LRESULT first = SciSend(editor, SCI_GETFIRSTVISIBLELINE, 0, 0);
+    const LRESULT lines = SciSend(editor, SCI_LINESONSCREEN, 0, 0) + 1;
+    const LRESULT firstLine = SciSend(editor, SCI_DOCLINEFROMVISIBLE, static_cast<WPARAM>(first), 0);
+    const LRESULT lastLine = SciSend(editor, SCI_DOCLINEFROMVISIBLE, static_cast<WPARAM>(first + lines), 0);
+    const LRESULT start = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(firstLine), 0);
+    const LRESULT end = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(lastLine + 1), 0);
+    return {start, end < 0 ? SciSend(editor, SCI_GETLENGTH, 0, 0) : end};
+}
+
+double Seconds() {
+    LARGE_INTEGER now = {};
+    LARGE_INTEGER frequency = {};
+    QueryPerformanceCounter(&now);
+    QueryPerformanceFrequency(&frequency);
+    return static_cast<double>(now.QuadPart) / static_cast<double>(frequency.QuadPart);
+}
+
+void ClaimColoured(HWND editor) {
+    SciSend(editor, SCI_STARTSTYLING, static_cast<WPARAM>(SciSend(editor, SCI_GETLENGTH)), 0);
+}
+
+// A new lexer, other keywords, another property: Scintilla then wants it all coloured again.
+void NoticeReset(HWND editor, PaneState& state, LRESULT length) {
+    const LRESULT styled = SciSend(editor, SCI_GETENDSTYLED);
+    if (styled < length) state.coloured = std::min(state.coloured, styled);
+}
+
+// SCI_COLOURISE asks for a repaint of everything, even when nothing that can be seen has changed. Taking the request
+// back is half of it: Scintilla remembers that it asked, and asks for no more until it has painted - here, nothing.
+void CancelRepaint(HWND editor, PaneState& state) {
+    ValidateRect(editor, nullptr);
+    state.emptyPaint = true;
+    SendMessageW(editor, WM_PAINT, 0, 0);
+    state.emptyPaint = false;
+}
+
+// One slice. True when some of the document is still uncoloured.
+bool ColourSlice(HWND editor, PaneState& state) {
+    const LRESULT length = SciSend(editor, SCI_GETLENGTH);
+    NoticeReset(editor, state, length);
+    const LRESULT from = state.coloured;
+    if (from >= length) return false;
+    // A paint that waits colours what it shows, and must not be lost to the validation below.
+    if (GetUpdateRect(editor, nullptr, FALSE)) return true;
+
+    const LRESULT wanted = std::min(from + static_cast<LRESULT>(state.colourChunk), length);
+    const LRESULT lastLine = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(wanted), 0);
+    const LRESULT lineStart = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(lastLine), 0);
+    const LRESULT to = lineStart > from && wanted < length ? lineStart : wanted;
+
+    const double began = Seconds();
+    const VisibleRange visible = VisibleText(editor);
+    SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(from), to);
+    ClaimColoured(editor);
+    state.coloured = to;
+    if (from >= visible.end || to <= visible.start) CancelRepaint(editor, state);
+    const double took = Seconds() - began;
+    const double scale = took > 0 ? std::clamp(kSliceSeconds / took, 0.5, 2.0) : 2.0;
+    state.colourChunk = std::clamp(static_cast<std::size_t>(static_cast<double>(state.colourChunk) * scale),
+                                   kSmallestChunk, kLargestChunk);
+    return to < length;
+}
+
+void CALLBACK OnTimer(HWND editor, UINT, UINT_PTR timer, DWORD) {
+    PaneState* state = PaneStateOf(editor);
+    if (state && ColourSlice(editor, *state)) {
+        SetTimer(editor, timer, kSliceMs, OnTimer);
+    } else {
+        KillTimer(editor, timer);
+        if (state) state->colouring = false;
+    }
+}
+
+void StartTimer(HWND editor, PaneState& state) {
+    if (state.colourChunk == 0) state.colourChunk = kFirstChunk;
+    state.colouring = SetTimer(editor, kTimer, kQuietMs, OnTimer) != 0;
+}
+
+}  // namespace
+
+void EditorColourRestart(HWND editor, LRESULT position) {
+    PaneState* state = PaneStateOf(editor);
+    if (!state || !HasLexer(editor)) return;
+    const LRESULT line = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(position), 0);
+    const LRESULT start = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line), 0);
+    state->coloured = std::min(state->coloured, start);
+    ClaimColoured(editor);
+    StartTimer(editor, *state);
+}
+
+void EditorColourStop(HWND editor) { KillTimer(editor, kTimer); }
+
+bool EditorColourBeforePaint(HWND editor) {
+    PaneState* state = PaneStateOf(editor);
+    if (!state) return false;
+    if (!HasLexer(editor)) {
+        ClaimColoured(editor);  // or every paint would ask
+        return false;
+    }
+    const LRESULT length = SciSend(editor, SCI_GETLENGTH);
+    NoticeReset(editor, *state, length);
+    if (state->coloured >= length) return false;
+    if (!state->colouring) StartTimer(editor, *state);
+
+    const VisibleRange visible = VisibleText(editor);
+    if (state->coloured >= visible.end) return false;
+    if (visible.start - state->coloured <= kNearEnough) {
+        // The paint itself colours from the mark on, and repaints no more than what changed.
+        SciSend(editor, SCI_STARTSTYLING, static_cast<WPARAM>(state->coloured), 0);
+        return true;
+    }
+    SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(visible.start), visible.end);
+    ClaimColoured(editor);
+    return false;
+}
+
+void EditorColourAfterPaint(HWND editor) {
+    PaneState* state = PaneStateOf(editor);
+    if (!state) return;
+    state->coloured = std::max(state->coloured, SciSend(editor, SCI_GETENDSTYLED));
+    ClaimColoured(editor);
+}

@@ -1,0 +1,30 @@
+// Bringing the keyboard to the active editor. UI thread only.
+#include "documents/document_row.h"
+
+#include "resources/ids.h"
+#include "ui/ui_state.h"
+
+namespace {
+
+constexpr UINT kRetryInterval = 80;  // ms
+constexpr int kRetries = 24;
+
+int g_focusTicks = 0;
+
+}  // namespace
+
+void FocusCurrentEditor() {
+    const HWND editor = g_documents.hEditor;
+    if (editor != nullptr && IsWindowVisible(editor) && GetFocus() != editor) SetFocus(editor);
+}
+
+void QueueFocusCurrentEditor() {
+    g_focusTicks = 0;
+    PostMessageW(g_ui.hMainWnd, MSG_FOCUS_EDITOR, 0, 0);
+    SetTimer(g_ui.hMainWnd, TIMER_FOCUS, kRetryInterval, nullptr);
+}
+
+void FocusOnTimer() {
+    FocusCurrentEditor();
+    if (++g_focusTicks >= kRetries || GetFocus() == g_documents.hEditor) KillTimer(g_ui.hMainWnd, TIMER_FOCUS);
+}

@@ -1,0 +1,181 @@
+// The subclass of every Scintilla pane: its cursor, focus, control characters, zoom wheel, mouse log, and colouring
+// just ahead of a paint. UI thread.
+#include "documents/pane_state.h"
+
+#include "base/log.h"
+#include "documents/editor_pane.h"
+#include "resources/ids.h"
+#include "scintilla/sci.h"
+#include "ui/ui_state.h"
+
+#include <commctrl.h>
+#include <windowsx.h>
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr UINT_PTR kSubclassId = 1;
+constexpr int kClassNameLength = 48;
+
+// The panes that there are: few, looked up at every key, so a plain row beats a window property.
+struct PaneEntry {
+    HWND editor;
+    std::unique_ptr<PaneState> state;
+};
+std::vector<PaneEntry> g_panes;
+
+struct MouseMessage {
+    UINT message;
+    const wchar_t* name;
+};
+constexpr MouseMessage kMouseMessages[] = {
+    {WM_LBUTTONDOWN, L"WM_LBUTTONDOWN"},     {WM_LBUTTONUP, L"WM_LBUTTONUP"},
+    {WM_LBUTTONDBLCLK, L"WM_LBUTTONDBLCLK"}, {WM_RBUTTONDOWN, L"WM_RBUTTONDOWN"},
+    {WM_RBUTTONUP, L"WM_RBUTTONUP"},         {WM_RBUTTONDBLCLK, L"WM_RBUTTONDBLCLK"},
+    {WM_MBUTTONDOWN, L"WM_MBUTTONDOWN"},     {WM_MBUTTONUP, L"WM_MBUTTONUP"},
+    {WM_MBUTTONDBLCLK, L"WM_MBUTTONDBLCLK"}, {WM_MOUSEMOVE, L"WM_MOUSEMOVE"},
+    {WM_MOUSEACTIVATE, L"WM_MOUSEACTIVATE"}, {WM_SETCURSOR, L"WM_SETCURSOR"},
+};
+
+const wchar_t* MouseMessageName(UINT message) {
+    for (const MouseMessage& row : kMouseMessages)
+        if (row.message == message) return row.name;
+    return nullptr;
+}
+
+bool IsPlainMove(UINT message, LPARAM lParam) {
+    return message == WM_MOUSEMOVE || (message == WM_SETCURSOR && HIWORD(lParam) == WM_MOUSEMOVE);
+}
+
+void LogMouse(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (!LogIsOpen()) return;
+    const wchar_t* name = MouseMessageName(message);
+    if (!name) return;
+    if (IsPlainMove(message, lParam) && GetKeyState(VK_LBUTTON) >= 0) return;
+    POINT screen = {};
+    GetCursorPos(&screen);
+    const HWND under = WindowFromPoint(screen);
+    wchar_t paneClass[kClassNameLength] = {};
+    wchar_t underClass[kClassNameLength] = {};
+    GetClassNameW(pane, paneClass, kClassNameLength);
+    if (under) GetClassNameW(under, underClass, kClassNameLength);
+    AppLogMsg(
+        L"DBG SCIMOUSE: sci=%p cls=%s msg=%s wp=0x%04x lp=(%d,%d) screen=(%d,%d) WindowFromPoint=%p cls=%s "
+        L"focus=%p",
+        pane, paneClass, name, static_cast<unsigned>(wParam), GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam),
+        static_cast<int>(screen.x), static_cast<int>(screen.y), under, underClass, GetFocus());
+}
+
+// WM_SETFOCUS comes from SetFocus itself: giving the focus again to the window that has it ends the recursion.
+void TakeFocus(HWND pane) {
+    SetFocus(pane);
+    SciSend(pane, SCI_SETFOCUS, TRUE, 0);
+    EditorPaneEnsureCaretVisible(pane);
+}
+
+// Ctrl with a letter that no command takes would type a control character into the source.
+bool IsUnwantedCharacter(WPARAM character) {
+    return (character < 0x20 && character != L'\r' && character != L'\n' && character != L'\t') || character == 0x7F;
+}
+
+LRESULT OnPaint(HWND pane, WPARAM wParam, LPARAM lParam) {
+    const PaneState* state = PaneStateOf(pane);
+    if (state && state->emptyPaint) return DefSubclassProc(pane, WM_PAINT, wParam, lParam);
+    EditorPaneCheckLineMargin(pane);
+    const bool colours = EditorColourBeforePaint(pane);
+    EditorPaneMarkInlineRegions(pane);
+    const LRESULT result = DefSubclassProc(pane, WM_PAINT, wParam, lParam);
+    if (colours) EditorColourAfterPaint(pane);
+    return result;
+}
+
+// The zoom is one setting for all editors, so the wheel asks for the command instead of zooming this pane alone.
+LRESULT OnZoomWheel(HWND, WPARAM wParam) {
+    const WORD command = GET_WHEEL_DELTA_WPARAM(wParam) > 0 ? IDM_VIEW_ZOOM_IN : IDM_VIEW_ZOOM_OUT;
+    PostMessageW(g_ui.hMainWnd, WM_COMMAND, command, 0);
+    return 0;
+}
+
+bool IsWordCharacter(WPARAM character) {
+    return character >= 0x80 || (character >= L'0' && character <= L'9') || (character >= L'A' && character <= L'Z') ||
+           (character >= L'a' && character <= L'z') || character == L'_';
+}
+
+LRESULT OnCharacter(HWND pane, WPARAM wParam, LPARAM lParam) {
+    if (IsUnwantedCharacter(wParam)) return 0;
+    const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
+    const LRESULT result = DefSubclassProc(pane, WM_CHAR, wParam, lParam);
+    const LRESULT after = SciSend(pane, SCI_GETCURRENTPOS);
+    if (!IsWordCharacter(wParam) && after == before + 1) EditorPaneUpperKeywordBefore(pane, before);
+    return result;
+}
+
+LRESULT OnReturnKey(HWND pane, WPARAM wParam, LPARAM lParam) {
+    const LRESULT lines = SciSend(pane, SCI_GETLINECOUNT);
+    const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
+    SciSend(pane, SCI_BEGINUNDOACTION);  // the break and the indentation are undone together
+    const LRESULT result = DefSubclassProc(pane, WM_KEYDOWN, wParam, lParam);
+    if (SciSend(pane, SCI_GETLINECOUNT) == lines + 1) {
+        EditorPaneUpperKeywordBefore(pane, before);
+        EditorPaneAfterNewLine(pane);
+    }
+    SciSend(pane, SCI_ENDUNDOACTION);
+    return result;
+}
+
+LRESULT OnDestroy(HWND pane, UINT message, WPARAM wParam, LPARAM lParam);
+
+LRESULT CALLBACK PaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+    switch (message) {
+        case WM_PAINT: return OnPaint(pane, wParam, lParam);
+        case WM_CHAR: return OnCharacter(pane, wParam, lParam);
+        case WM_KEYDOWN:
+            if (wParam == VK_RETURN) return OnReturnKey(pane, wParam, lParam);
+            break;
+        case WM_SETCURSOR:
+            LogMouse(pane, message, wParam, lParam);
+            if (LOWORD(lParam) != HTCLIENT) break;
+            SetCursor(LoadCursorW(nullptr, IDC_IBEAM));
+            if (LogIsOpen())
+                AppLogMsg(L"DBG SCIMOUSE: sci=%p msg=WM_SETCURSOR forced IDC_IBEAM focus=%p", pane, GetFocus());
+            return 1;
+        case WM_SETFOCUS: TakeFocus(pane); break;
+        case WM_LBUTTONDOWN:
+            LogMouse(pane, message, wParam, lParam);
+            TakeFocus(pane);
+            break;
+        case WM_MOUSEWHEEL:
+            if (GET_KEYSTATE_WPARAM(wParam) & MK_CONTROL) return OnZoomWheel(pane, wParam);
+            break;
+        case WM_DESTROY: return OnDestroy(pane, message, wParam, lParam);
+        default: LogMouse(pane, message, wParam, lParam); break;
+    }
+    return DefSubclassProc(pane, message, wParam, lParam);
+}
+
+LRESULT OnDestroy(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
+    EditorColourStop(pane);
+    SciDetach(pane);
+    std::erase_if(g_panes, [pane](const PaneEntry& entry) { return entry.editor == pane; });
+    RemoveWindowSubclass(pane, PaneProc, kSubclassId);
+    return DefSubclassProc(pane, message, wParam, lParam);
+}
+
+}  // namespace
+
+PaneState* PaneStateOf(HWND editor) {
+    for (const PaneEntry& entry : g_panes)
+        if (entry.editor == editor) return entry.state.get();
+    return nullptr;
+}
+
+bool EditorPaneInstallSubclass(HWND editor) {
+    auto state = std::make_unique<PaneState>();
+    if (!SetWindowSubclass(editor, PaneProc, kSubclassId, 0)) return false;
+    g_panes.push_back({editor, std::move(state)});
+    SciAttach(editor);
+    return true;
+}

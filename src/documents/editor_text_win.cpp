@@ -1,0 +1,67 @@
+// The whole text of a pane, out and in. Knows nothing of files and encodings: UTF-8 bytes, NULs included. UI thread.
+#include "documents/editor_pane.h"
+
+#include "documents/pane_state.h"
+#include "scintilla/sci.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+// Room beyond the text, so that the first typed characters do not make Scintilla move all of it to a larger block.
+std::size_t SlackFor(std::size_t length) {
+    return std::clamp<std::size_t>(length / 64, std::size_t{4} << 10, std::size_t{1} << 20);
+}
+
+}  // namespace
+
+char* EditorPaneGetText(HWND editor, std::size_t* length) {
+    if (length) *length = 0;
+    const LRESULT bytes = SciSend(editor, SCI_GETLENGTH, 0, 0);
+    if (bytes < 1) return static_cast<char*>(std::calloc(1, 1));
+    const std::size_t size = static_cast<std::size_t>(bytes);
+    char* text = static_cast<char*>(std::malloc(size + 1));
+    if (!text) return nullptr;
+    SciSend(editor, SCI_GETTEXT, size + 1, reinterpret_cast<LPARAM>(text));
+    text[size] = '\0';
+    if (length) *length = size;
+    return text;
+}
+
+void EditorPaneSetText(HWND editor, const char* utf8) {
+    if (!utf8) return;
+    EditorPaneSetBytes(editor, {utf8, std::strlen(utf8)});
+}
+
+void EditorPaneSetBytes(HWND editor, std::string_view utf8) {
+    EditorPaneBeginLoad(editor, utf8.size());
+    EditorPaneAppendLoad(editor, utf8);
+    EditorPaneEndLoad(editor);
+}
+
+void EditorPaneBeginLoad(HWND editor, std::size_t expectedLength) {
+    // Neither the old text nor the new one goes through undo, which would hold a second copy of each.
+    SciSend(editor, SCI_SETMODEVENTMASK, SC_MOD_NONE, 0);
+    SciSend(editor, SCI_SETUNDOCOLLECTION, FALSE, 0);
+    SciSend(editor, SCI_CLEARALL, 0, 0);
+    SciSend(editor, SCI_ALLOCATE, expectedLength + SlackFor(expectedLength), 0);
+}
+
+void EditorPaneAppendLoad(HWND editor, std::string_view utf8) {
+    if (!utf8.empty()) SciSend(editor, SCI_APPENDTEXT, utf8.size(), reinterpret_cast<LPARAM>(utf8.data()));
+}
+
+void EditorPaneEndLoad(HWND editor) {
+    SciSend(editor, SCI_EMPTYUNDOBUFFER, 0, 0);
+    SciSend(editor, SCI_SETUNDOCOLLECTION, TRUE, 0);
+    SciSend(editor, SCI_SETMODEVENTMASK, SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT, 0);
+    SciSend(editor, SCI_SETSAVEPOINT, 0, 0);
+    EditorPaneClearChangeMarks(editor);
+    if (PaneState* state = PaneStateOf(editor)) {
+        state->sticky = {};
+        EditorPaneUpdateLineMargin(editor);
+        EditorColourRestart(editor, 0);
+    }
+}

@@ -1,0 +1,104 @@
+// Shows the sticky header of an editor: hands the lines that the cache does not know to the rule, and the answer to
+// the label. UI thread.
+#include "documents/editor_pane.h"
+
+#include "documents/documents_state.h"
+#include "documents/pane_state.h"
+#include "documents/sticky_header.h"
+#include "scintilla/sci.h"
+
+#include <algorithm>
+#include <cwchar>
+#include <string>
+
+namespace {
+
+constexpr UINT_PTR kTimer = 0x4B53;
+constexpr UINT kTimerMs = 10;
+constexpr LRESULT kBudget = 4 << 20;  // bytes looked at in one go: a few milliseconds
+
+void CALLBACK OnTimer(HWND editor, UINT, UINT_PTR timer, DWORD) {
+    KillTimer(editor, timer);
+    if (editor == g_documents.hEditor) UpdateStickyHeader(editor, g_documents.hStickyHeader);
+}
+
+LRESULT LineStart(HWND editor, std::int64_t line) {
+    return SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line), 0);
+}
+
+// Looks at what is missing for `line`, a bounded stretch of it. True when the cache then has the answer.
+bool LookUp(HWND editor, StickyCache& cache, std::int64_t line, LRESULT budget) {
+    const StickyRange wanted = StickyWanted(cache, line);
+    if (wanted.first > wanted.last) return true;
+    const LRESULT end = SciSend(editor, SCI_GETLINEENDPOSITION, static_cast<WPARAM>(wanted.last), 0);
+    LRESULT start = LineStart(editor, wanted.first);
+    if (end - start > budget) {
+        const LRESULT cut = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(end - budget), 0);
+        start = LineStart(editor, std::clamp<std::int64_t>(cut + 1, wanted.first, wanted.last));
+    }
+    // Straight into Scintilla's buffer. What lies before the caret is in one piece after typing, so that no text moves.
+    const LRESULT length = end - start;
+    const char* text =
+        length > 0
+            ? reinterpret_cast<const char*>(SciSend(editor, SCI_GETRANGEPOINTER, static_cast<WPARAM>(start), length))
+            : "";
+    if (!text) return true;
+    StickyLearn(cache, line, StickyScanUp({text, static_cast<std::size_t>(length)}, wanted.last));
+    const StickyRange left = StickyWanted(cache, line);
+    return left.first > left.last;
+}
+
+// Line of the header above the caret, or kStickyNone. With `whole` the search goes on to the top at once; otherwise
+// it stops after the budget, leaving `*finished` false.
+std::int64_t HeaderLine(HWND editor, bool whole, bool* finished) {
+    StickyCache local;
+    PaneState* state = PaneStateOf(editor);
+    StickyCache& cache = state ? state->sticky : local;
+    const LRESULT caret = SciSend(editor, SCI_GETCURRENTPOS, 0, 0);
+    const LRESULT line = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(caret), 0);
+    *finished = LookUp(editor, cache, line, kBudget);
+    while (whole && !*finished) *finished = LookUp(editor, cache, line, kBudget);
+    return *finished && cache.header != kStickyNone && cache.header <= line ? cache.header : kStickyNone;
+}
+
+std::wstring LineText(HWND editor, std::int64_t line) {
+    char utf8[kStickyMaximumLine + 1];
+    const LRESULT start = LineStart(editor, line);
+    const LRESULT end = SciSend(editor, SCI_GETLINEENDPOSITION, static_cast<WPARAM>(line), 0);
+    const LRESULT length = std::min<LRESULT>(end - start, kStickyMaximumLine);
+    Sci_TextRangeFull range = {};
+    range.chrg = {start, start + length};
+    range.lpstrText = utf8;
+    SciSend(editor, SCI_GETTEXTRANGEFULL, 0, reinterpret_cast<LPARAM>(&range));
+    wchar_t wide[kStickyMaximumLine + 1];
+    const int count = MultiByteToWideChar(CP_UTF8, 0, utf8, static_cast<int>(length), wide, kStickyMaximumLine);
+    return {wide, static_cast<std::size_t>(std::max(count, 0))};
+}
+
+}  // namespace
+
+void UpdateStickyHeader(HWND editor, HWND label) {
+    if (!editor || !label) return;
+    bool finished = true;
+    const std::int64_t header = HeaderLine(editor, false, &finished);
+    if (!finished) SetTimer(editor, kTimer, kTimerMs, OnTimer);
+    const std::wstring text = header != kStickyNone ? LineText(editor, header) : std::wstring();
+    // The label repaints whenever it is told, so it is told only news.
+    wchar_t shown[kStickyMaximumLine + 2] = {};
+    GetWindowTextW(label, shown, kStickyMaximumLine + 2);
+    if (text != shown) SetWindowTextW(label, text.c_str());
+}
+
+std::size_t EditorPaneProcedureLine(HWND editor, wchar_t* out, std::size_t capacity) {
+    if (!out || capacity == 0) return 0;
+    out[0] = L'\0';
+    if (!editor) return 0;
+    bool finished = true;
+    const std::int64_t header = HeaderLine(editor, true, &finished);
+    if (header != kStickyNone) SafeCopyW(out, capacity, LineText(editor, header));
+    return std::wcslen(out);
+}
+
+void StickyHeaderForget(HWND editor, int line, int linesAdded) {
+    if (PaneState* state = PaneStateOf(editor)) StickyForget(state->sticky, line, linesAdded);
+}

@@ -1,0 +1,148 @@
+// The output pane's window: font and colours, keys, context menu. What is shown in it comes from the feed.
+#include "output/output_pane.h"
+
+#include "output/output_feed.h"
+#include "output/output_state.h"
+#include "output/show_timer.h"
+#include "settings/settings_state.h"
+#include "ui/chrome.h"
+#include "ui/rich_lines.h"
+#include "ui/ui_state.h"
+
+#include <commctrl.h>
+#include <richedit.h>
+
+#include <iterator>
+
+namespace {
+
+constexpr int kMargin = 6;  // left and right of a pane's text, at 96 dpi
+
+enum MenuCommand : UINT { kCopy = 1, kSelectAll, kClear, kNextError, kPreviousError };
+
+void ShowContextMenu(HWND pane, POINT at) {
+    if (at.x == -1 && at.y == -1) {  // from the keyboard
+        at = {0, 0};
+        ClientToScreen(pane, &at);
+    }
+    HMENU menu = CreatePopupMenu();
+    if (menu == nullptr) return;
+    CHARRANGE selection = {};
+    SendMessageW(pane, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&selection));
+    const UINT errors = g_output.errors.count > 0 ? MF_ENABLED : MF_GRAYED;
+    AppendMenuW(menu, selection.cpMin != selection.cpMax ? MF_ENABLED : MF_GRAYED, kCopy, L"&Copy\tCtrl+C");
+    AppendMenuW(menu, MF_STRING, kSelectAll, L"Select &All\tCtrl+A");
+    AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+    AppendMenuW(menu, errors, kNextError, L"&Next Error");
+    AppendMenuW(menu, errors, kPreviousError, L"&Previous Error");
+    AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+    AppendMenuW(menu, MF_STRING, kClear, L"C&lear");
+    const auto command = TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, at.x, at.y, 0, pane, nullptr);
+    DestroyMenu(menu);
+    switch (command) {
+        case kCopy: SendMessageW(pane, WM_COPY, 0, 0); break;
+        case kSelectAll: SendMessageW(pane, EM_SETSEL, 0, -1); break;
+        case kNextError: CompilerNextError(); break;
+        case kPreviousError: CompilerPrevError(); break;
+        case kClear: OutputPaneClear(); break;
+        default: break;
+    }
+}
+
+LRESULT CALLBACK OutputPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
+    switch (message) {
+        case WM_LBUTTONDBLCLK: {
+            const LRESULT result = DefSubclassProc(pane, message, wParam, lParam);  // puts the caret on the line
+            OutputPaneNavigateError();
+            return result;
+        }
+        case WM_KEYDOWN:
+            if (wParam == VK_RETURN) {
+                OutputPaneNavigateError();
+                return 0;
+            }
+            break;
+        case WM_CONTEXTMENU:
+            ShowContextMenu(pane, {static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))});
+            return 0;
+        case WM_NCDESTROY: RemoveWindowSubclass(pane, OutputPaneProc, id); break;
+        default: break;
+    }
+    return DefSubclassProc(pane, message, wParam, lParam);
+}
+
+void SetFormat(HWND pane, WPARAM scope) {
+    CHARFORMAT2W format = {};
+    format.cbSize = sizeof(format);
+    // A Rich Edit starts out with the system font, which is bold.
+    // The family says what to take where the font is missing: columns need a fixed pitch.
+    format.dwMask = CFM_FACE | CFM_CHARSET | CFM_SIZE | CFM_BOLD | CFM_COLOR;
+    format.yHeight = g_settings.outputFontSize * 20;  // twips
+    format.crTextColor = ThemeCurrentChrome().paneText;
+    format.bPitchAndFamily = FIXED_PITCH | FF_MODERN;
+    format.bCharSet = DEFAULT_CHARSET;
+    lstrcpynW(format.szFaceName, g_settings.outputFont, static_cast<int>(std::size(format.szFaceName)));
+    SendMessageW(pane, EM_SETCHARFORMAT, scope, reinterpret_cast<LPARAM>(&format));
+}
+
+void FormatPane(HWND pane) {
+    const int margin = MulDiv(kMargin, g_ui.dpi, 96);
+    SendMessageW(pane, EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, MAKELPARAM(margin, margin));
+    SendMessageW(pane, EM_SETBKGNDCOLOR, 0, static_cast<LPARAM>(ThemeCurrentChrome().paneBack));
+    SetFormat(pane, SCF_DEFAULT);
+}
+
+// The window may be another one afterwards.
+void EmptyPane() {
+    HWND pane = RichPaneEmptied(g_output.hOutput, OutputFeedLinesShown());
+    if (pane == g_output.hOutput) return;
+    ShowTimerStart();
+    g_output.hOutput = pane;
+    OutputPaneInit(pane);
+    FormatPane(pane);
+}
+
+}  // namespace
+
+void OutputPaneInit(HWND pane) {
+    if (pane == nullptr) return;
+    SendMessageW(pane, EM_SETUNDOLIMIT, 0, 0);
+    SendMessageW(pane, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
+    SendMessageW(pane, EM_SETTARGETDEVICE, 0, 1);  // no wrapping: a line of output is a line of the pane
+    SetWindowSubclass(pane, OutputPaneProc, 1, 0);
+}
+
+void OutputPaneAppend(const wchar_t* text, COLORREF colour) {
+    if (text == nullptr) return;
+    const bool nothingWaits = OutputFeedIsEmpty();
+    OutputFeedMessage(text, colour);
+    // What waits goes first, and the timer is at it.
+    if (!nothingWaits) return;
+    while (!OutputFeedIsEmpty()) OutputFeedShowNext();
+    OutputFeedReveal();
+}
+
+void OutputPaneClear() {
+    EmptyPane();
+    OutputFeedForget();
+}
+
+void OutputPaneScrollToEnd() {
+    if (g_output.hOutput == nullptr) return;
+    RichScrollToEnd(g_output.hOutput);
+}
+
+void OutputPaneApplyFont() { PaneApplyFontAndTheme(g_output.hOutput); }
+
+void PaneApplyFontAndTheme(HWND richEdit) {
+    if (richEdit == nullptr) return;
+    if (richEdit != g_output.hOutput) {
+        FormatPane(richEdit);
+        SetFormat(richEdit, SCF_ALL);
+        return;
+    }
+    // A format for all would take the lines' own colours away, and takes long on a long text.
+    EmptyPane();
+    FormatPane(g_output.hOutput);
+    OutputFeedShowAgain();
+}

@@ -1,0 +1,5 @@
+// TIMER_OUTPUT of the main window: runs while text waits to be shown in a pane. UI thread only.
+#pragma once
+
+void ShowTimerStart();
+void ShowTimerStop();

@@ -1,0 +1,122 @@
+#include "ui/rich_lines.h"
+
+#include "settings/settings_state.h"
+#include "ui/chrome.h"
+#include "ui/ui_state.h"
+
+#include <richedit.h>
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace {
+
+// A block takes about this long, so that with a repaint behind it the window answers well within 100 ms.
+constexpr double kBlockMs = 30.0;
+constexpr std::size_t kLinesDeleted = 800;  // up to so many a pane is emptied by deleting its text
+constexpr std::size_t kMinBlockLines = 50;
+constexpr std::size_t kMaxBlockLines = 2000;
+
+HWND g_replaced = nullptr;  // hidden, to be destroyed
+
+DWORD CALLBACK ReadFromView(DWORD_PTR cookie, LPBYTE buffer, LONG size, LONG* count) {
+    auto* rest = reinterpret_cast<std::string_view*>(cookie);
+    const std::size_t taken = std::min(rest->size(), static_cast<std::size_t>(size));
+    std::memcpy(buffer, rest->data(), taken);
+    rest->remove_prefix(taken);
+    *count = static_cast<LONG>(taken);
+    return 0;
+}
+
+CHARRANGE Selection(HWND pane) {
+    CHARRANGE range = {};
+    SendMessageW(pane, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
+    return range;
+}
+
+void Select(HWND pane, LONG from, LONG to) {
+    CHARRANGE range = {from, to};
+    SendMessageW(pane, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
+}
+
+}  // namespace
+
+void RichLinesAppend(HWND pane, std::span<const PaneLine> lines) {
+    if (pane == nullptr || lines.empty()) return;
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    const std::string rtf =
+        RtfBlock(lines, {.face = g_settings.outputFont,
+                         .points = g_settings.outputFontSize,
+                         .textColour = chrome.paneText,
+                         .darkBack = ThemeIsDark() ? std::optional(chrome.paneBack) : std::nullopt});
+    std::string_view rest = rtf;
+    EDITSTREAM stream = {.dwCookie = reinterpret_cast<DWORD_PTR>(&rest), .pfnCallback = ReadFromView};
+    const CHARRANGE before = Selection(pane);
+    SendMessageW(pane, WM_SETREDRAW, FALSE, 0);
+    Select(pane, LONG_MAX, LONG_MAX);
+    SendMessageW(pane, EM_STREAMIN, SF_RTF | SFF_SELECTION, reinterpret_cast<LPARAM>(&stream));
+    // Some versions of the control swallow the last line break of a block.
+    const LRESULT lineStart = SendMessageW(pane, EM_LINEINDEX, static_cast<WPARAM>(-1), 0);
+    if (lines.back().lineBreak && Selection(pane).cpMax != lineStart)
+        SendMessageW(pane, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L"\r\n"));
+    if (before.cpMin != before.cpMax) Select(pane, before.cpMin, before.cpMax);
+    SendMessageW(pane, WM_SETREDRAW, TRUE, 0);
+}
+
+void RichScrollToEnd(HWND pane) {
+    // Inserting behind a long line scrolls to its end, and so does SB_BOTTOM under Wine; lines are read from their start.
+    SendMessageW(pane, WM_VSCROLL, SB_BOTTOM, 0);
+    POINT place = {};
+    SendMessageW(pane, EM_GETSCROLLPOS, 0, reinterpret_cast<LPARAM>(&place));
+    place.x = 0;
+    SendMessageW(pane, EM_SETSCROLLPOS, 0, reinterpret_cast<LPARAM>(&place));
+}
+
+void RichLinesReveal(HWND pane) {
+    if (pane == nullptr) return;
+    RichScrollToEnd(pane);
+    // With its frame: a scroll bar that came while the pane was not drawn is not there to be seen.
+    RedrawWindow(pane, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME);
+}
+
+HWND RichPaneEmptied(HWND pane, std::size_t lines) {
+    if (pane == nullptr) return nullptr;
+    HWND parent = GetParent(pane);
+    RECT place = {};
+    GetWindowRect(pane, &place);
+    MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&place), 2);
+    HWND next = nullptr;
+    if (lines > kLinesDeleted)
+        next = CreateWindowExW(static_cast<DWORD>(GetWindowLongPtrW(pane, GWL_EXSTYLE)), MSFTEDIT_CLASS, L"",
+                               static_cast<DWORD>(GetWindowLongPtrW(pane, GWL_STYLE)), place.left, place.top,
+                               place.right - place.left, place.bottom - place.top, parent,
+                               reinterpret_cast<HMENU>(GetWindowLongPtrW(pane, GWLP_ID)), g_ui.hInstance, nullptr);
+    if (next == nullptr) {
+        SetWindowTextW(pane, L"");
+        return pane;
+    }
+    SetWindowPos(next, pane, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    if (GetFocus() == pane) SetFocus(next);
+    ShowWindow(pane, SW_HIDE);
+    SetWindowLongPtrW(pane, GWLP_ID, 0);  // the new one alone is found by it
+    RichPaneDestroyReplaced();            // an earlier one: they hold hundreds of megabytes and must not add up
+    g_replaced = pane;
+    return next;
+}
+
+bool RichPaneIsReplaced() { return g_replaced != nullptr; }
+
+void RichPaneDestroyReplaced() {
+    if (HWND pane = std::exchange(g_replaced, nullptr)) DestroyWindow(pane);
+}
+
+void BlockSizeLearn(BlockSize& size, std::size_t inserted, double milliseconds) {
+    if (inserted < size.lines) return;
+    const double wanted = static_cast<double>(inserted) * kBlockMs / std::max(milliseconds, 1.0);
+    // Half way: one slow block, because the machine was busy, is no reason to make all that follow tiny.
+    const auto next = static_cast<std::size_t>((static_cast<double>(size.lines) + wanted) / 2.0);
+    size.lines = std::clamp(next, kMinBlockLines, kMaxBlockLines);
+}

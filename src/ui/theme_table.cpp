@@ -1,0 +1,261 @@
+// The palettes. Every text colour reaches a contrast of 4.5 against its background, which the tests check. Pure.
+#include "ui/theme_table.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+// Order of the text colours: text, keyword, type, function, string, comment, number, operator, preprocessor,
+// identifier, label, assembly, error.
+constexpr EditorStyle kStyles[] = {
+    {.name = L"KVX-Editor",
+     .light = {.back = 0xFFFFFF,
+               .text = {0x24292F, 0x0B4FB3, 0x0A6B74, 0x6A3FA0, 0x8A3B12, 0x5B6B5B, 0x9A5B00, 0x45505C, 0x8B2A7E,
+                        0x24292F, 0x7A4A00, 0x0A6B74, 0xB3261E},
+               .caretLine = 0xF1F5FB,
+               .selection = 0xCFE0FA,
+               .lineNumber = 0x626D7C,
+               .margin = 0xF6F8FA,
+               .guide = 0xB9C2CC,
+               .braceBack = 0xD5E8D8,
+               .errorBack = 0xFBE3E1,
+               .boldKeywords = false,
+               .italicComments = false},
+     .dark = {.back = 0x1E2227,
+              .text = {0xD7DCE2, 0x6FB1FF, 0x5CC8C2, 0xC3A6F5, 0xE7A97C, 0x8FA08F, 0xE3C07B, 0xB4BECA, 0xDC94D2,
+                       0xD7DCE2, 0xE6B86A, 0x5CC8C2, 0xFF8A80},
+              .caretLine = 0x272C33,
+              .selection = 0x2F4A6D,
+              .lineNumber = 0x8A94A1,
+              .margin = 0x1B1F24,
+              .guide = 0x48515C,
+              .braceBack = 0x2F5140,
+              .errorBack = 0x4A2427,
+              .boldKeywords = false,
+              .italicComments = false}},
+    {.name = L"Visual Studio Code",
+     .light = {.back = 0xFFFFFF,
+               .text = {0x1F1F1F, 0x8A1FB5, 0x1F6F80, 0x725B10, 0x9C2418, 0x2F7A2F, 0x1B7350, 0x303030, 0x6F3FA8,
+                        0x0A3A7A, 0x3A3A3A, 0x1F6F80, 0xC01C1C},
+               .caretLine = 0xF3F3F3,
+               .selection = 0xB9D9FB,
+               .lineNumber = 0x5F7580,
+               .margin = 0xFFFFFF,
+               .guide = 0xBDBDBD,
+               .braceBack = 0xD9E3D9,
+               .errorBack = 0xFCE4E4,
+               .boldKeywords = false,
+               .italicComments = false},
+     .dark = {.back = 0x202124,
+              .text = {0xD2D4D6, 0xCB8FC9, 0x52C4B0, 0xD9D8A6, 0xD19A7C, 0x77A365, 0xB2CCA2, 0xD2D4D6, 0xB69CE6,
+                       0x9CD3F5, 0xCBCBCB, 0x52C4B0, 0xF48771},
+              .caretLine = 0x2A2B2E,
+              .selection = 0x2A4F78,
+              .lineNumber = 0x8C8F93,
+              .margin = 0x202124,
+              .guide = 0x4A4B4F,
+              .braceBack = 0x3B4A3E,
+              .errorBack = 0x4C2525,
+              .boldKeywords = false,
+              .italicComments = false}},
+    {.name = L"Visual Studio",
+     .light = {.back = 0xFFFFFF,
+               .text = {0x101010, 0x0A18E0, 0x23758B, 0x6B4A18, 0xA01818, 0x107010, 0x202020, 0x202020, 0x686868,
+                        0x101010, 0x3C3C3C, 0x23758B, 0xC80000},
+               .caretLine = 0xEEF1FA,
+               .selection = 0xAFD4FA,
+               .lineNumber = 0x23758B,
+               .margin = 0xF0F0F3,
+               .guide = 0xBFC3CB,
+               .braceBack = 0xDDE5CF,
+               .errorBack = 0xFBE0E0,
+               .boldKeywords = false,
+               .italicComments = false},
+     .dark = {.back = 0x1C1C1E,
+              .text = {0xDADADA, 0x5FA3DE, 0x4FC6AE, 0xDCDBAE, 0xD7A085, 0x62A35A, 0xB7CFAA, 0xB8B8B8, 0x9C9C9C,
+                       0xDADADA, 0xC8C8C8, 0x4FC6AE, 0xF77F72},
+              .caretLine = 0x262629,
+              .selection = 0x28486B,
+              .lineNumber = 0x4D98B5,
+              .margin = 0x242427,
+              .guide = 0x4B4B50,
+              .braceBack = 0x254A5C,
+              .errorBack = 0x4A2424,
+              .boldKeywords = false,
+              .italicComments = false}},
+    {.name = L"Notepad++",
+     .light = {.back = 0xFFFFFF,
+               .text = {0x000000, 0x0000E6, 0x7A00D6, 0x00606A, 0x5F5F5F, 0x007000, 0xB34700, 0x000080, 0x76480B,
+                        0x000000, 0xA00050, 0x00606A, 0xD00000},
+               .caretLine = 0xEBEBFC,
+               .selection = 0xCBCBCB,
+               .lineNumber = 0x6A6A6A,
+               .margin = 0xEDEDED,
+               .guide = 0xBDBDBD,
+               .braceBack = 0xFBDCDC,
+               .errorBack = 0xFFDFDF,
+               .boldKeywords = true,
+               .italicComments = false},
+     .dark = {.back = 0x38393B,
+              .text = {0xE4E2D8, 0xE6CBA0, 0xD2CDB2, 0xA5D3DD, 0xDCA9A0, 0xA0C09A, 0xA4D8D4, 0xECE8CC, 0xEDC39F,
+                       0xE4E2D8, 0xE0C48A, 0xA5D3DD, 0xFFA69A},
+              .caretLine = 0x2E2F31,
+              .selection = 0x565B63,
+              .lineNumber = 0xA8B3AC,
+              .margin = 0x303133,
+              .guide = 0x686A6E,
+              .braceBack = 0x4C6152,
+              .errorBack = 0x5C3434,
+              .boldKeywords = true,
+              .italicComments = false}},
+    {.name = L"Sublime Text",
+     .light = {.back = 0xFAFAF7,
+               .text = {0x33332F, 0xB01255, 0x1B6F84, 0x3F6B0B, 0x7D600F, 0x6C6A5E, 0x6B3FB8, 0xA8184E, 0xA34C0A,
+                        0x33332F, 0x85570A, 0x1B6F84, 0xC21F1F},
+               .caretLine = 0xF0F0EA,
+               .selection = 0xDCDCD0,
+               .lineNumber = 0x72726A,
+               .margin = 0xFAFAF7,
+               .guide = 0xC6C6BC,
+               .braceBack = 0xE2EAC9,
+               .errorBack = 0xFBE2E2,
+               .boldKeywords = false,
+               .italicComments = true},
+     .dark = {.back = 0x2A2B26,
+              .text = {0xF4F4EC, 0xFF7DAA, 0x74D5EA, 0xAEDD4B, 0xE8DC82, 0xAAA58B, 0xB795FF, 0xFF7DAA, 0xF5A45D,
+                       0xF4F4EC, 0xEFC66B, 0x74D5EA, 0xFF8A80},
+              .caretLine = 0x35362F,
+              .selection = 0x4D4E43,
+              .lineNumber = 0x9C9D90,
+              .margin = 0x2A2B26,
+              .guide = 0x57584D,
+              .braceBack = 0x4D5A33,
+              .errorBack = 0x542B2F,
+              .boldKeywords = false,
+              .italicComments = true}},
+    {.name = L"PowerBASIC Classic",
+     .light = {.back = 0xFFFFFF,
+               .text = {0x000000, 0x0000C0, 0x00007A, 0x0000C0, 0xB000B0, 0x007800, 0xB00000, 0x800000, 0x7A4A00,
+                        0x000000, 0x7A4A00, 0x006A6A, 0xC00000},
+               .caretLine = 0xF6F6E4,
+               .selection = 0xC3D5F7,
+               .lineNumber = 0x5F5F78,
+               .margin = 0xECECEC,
+               .guide = 0xBBBBC6,
+               .braceBack = 0xE6E6B4,
+               .errorBack = 0xFFDCDC,
+               .boldKeywords = false,
+               .italicComments = false},
+     .dark = {.back = 0x0B1B52,
+              .text = {0xF2F2E6, 0xFFE45C, 0x8FE8FF, 0xFFE45C, 0xFFA6F2, 0x8FD69A, 0xFFB38A, 0xE0E0E0, 0x7FE0DC,
+                       0xF2F2E6, 0xFFD08A, 0x7FE0DC, 0xFF9C94},
+              .caretLine = 0x14276A,
+              .selection = 0x35519E,
+              .lineNumber = 0xA3B1E0,
+              .margin = 0x091644,
+              .guide = 0x4A5FA8,
+              .braceBack = 0x2C5A7E,
+              .errorBack = 0x5A1F48,
+              .boldKeywords = false,
+              .italicComments = false}},
+};
+
+constexpr ChromePalette kLightChrome = {.windowBack = 0xEBEFFA,
+                                        .paneBack = 0xFBFCFE,
+                                        .paneText = 0x24292F,
+                                        .tabBack = 0xE4E9F3,
+                                        .tabText = 0x475263,
+                                        .tabActiveText = 0x1B2430,
+                                        .accent = 0x1F6FD6,
+                                        .line = 0xC9D1DE,
+                                        .statusBack = 0xE4E9F3,
+                                        .statusText = 0x333D4B,
+                                        .hover = 0xD5DDEB,
+                                        .error = 0xC8332B,
+                                        .modified = 0xB26A00,
+                                        .success = 0x2E8B57,
+                                        .stopLine = 0xFFD54A};
+
+constexpr ChromePalette kDarkChrome = {.windowBack = 0x16191D,
+                                       .paneBack = 0x1B1F24,
+                                       .paneText = 0xD7DCE2,
+                                       .tabBack = 0x16191D,
+                                       .tabText = 0xA3ADBA,
+                                       .tabActiveText = 0xF0F3F7,
+                                       .accent = 0x4C9BF0,
+                                       .line = 0x343B44,
+                                       .statusBack = 0x16191D,
+                                       .statusText = 0xB9C2CE,
+                                       .hover = 0x2B323A,
+                                       .error = 0xF2665C,
+                                       .modified = 0xE3B25F,
+                                       .success = 0x6CC58A,
+                                       .stopLine = 0xE3B25F};
+
+double Linear(Rgb channel) {
+    const double value = static_cast<double>(channel) / 255.0;
+    return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+}
+
+double Luminance(Rgb rgb) {
+    return 0.2126 * Linear(rgb >> 16 & 0xFF) + 0.7152 * Linear(rgb >> 8 & 0xFF) + 0.0722 * Linear(rgb & 0xFF);
+}
+
+constexpr int kFullSteps = 255;  // of a colour to the brightest of its kind
+constexpr int kLightSteps = 2 * kFullSteps;
+
+// First all channels grow in proportion until the greatest is full, then all approach white: neither changes the hue.
+Rgb Lighter(Rgb colour, int step) {
+    const int greatest = static_cast<int>(std::max({colour >> 16 & 0xFF, colour >> 8 & 0xFF, colour & 0xFF, Rgb{1}}));
+    const int full = greatest + (255 - greatest) * std::min(step, kFullSteps) / kFullSteps;
+    const int white = std::max(step - kFullSteps, 0);
+    Rgb result = 0;
+    for (const int shift : {0, 8, 16}) {
+        const int channel = static_cast<int>(colour >> shift & 0xFF) * full / greatest;
+        result |= static_cast<Rgb>(channel + (255 - channel) * white / kFullSteps) << shift;
+    }
+    return result;
+}
+
+}  // namespace
+
+std::span<const EditorStyle> EditorStyles() { return kStyles; }
+
+const EditorPalette& ThemePalette(int style, bool dark) {
+    const int count = static_cast<int>(std::size(kStyles));
+    const EditorStyle& row = kStyles[style >= 0 && style < count ? style : 0];
+    return dark ? row.dark : row.light;
+}
+
+const ChromePalette& ThemeChromePalette(bool dark) { return dark ? kDarkChrome : kLightChrome; }
+
+Rgb ThemeBlend(Rgb over, Rgb under, int alpha) {
+    Rgb mixed = 0;
+    for (const int shift : {0, 8, 16}) {
+        const int a = static_cast<int>(over >> shift & 0xFF);
+        const int b = static_cast<int>(under >> shift & 0xFF);
+        mixed |= static_cast<Rgb>((a * alpha + b * (255 - alpha)) / 255) << shift;
+    }
+    return mixed;
+}
+
+double ThemeContrast(Rgb a, Rgb b) {
+    const double first = Luminance(a);
+    const double second = Luminance(b);
+    return (std::max(first, second) + 0.05) / (std::min(first, second) + 0.05);
+}
+
+Rgb ThemeReadableOn(Rgb colour, Rgb back) {
+    if (ThemeContrast(colour, back) >= kReadableContrast) return colour;
+    // Steps to white: contrast falls at first where the colour is darker than its background, and grows from there on.
+    int low = 0;
+    int high = kLightSteps;
+    while (high - low > 1) {
+        const int middle = (low + high) / 2;
+        const Rgb lighter = Lighter(colour, middle);
+        const bool enough = Luminance(lighter) > Luminance(back) && ThemeContrast(lighter, back) >= kReadableContrast;
+        (enough ? high : low) = middle;
+    }
+    return Lighter(colour, high);
+}
