@@ -85,6 +85,7 @@ void MainWnd_ConnectEvents() {
     g_events.statusText = StatusBarSetText;
     g_events.statusProgress = StatusBarSetProgress;
     g_events.layoutWanted = MainWindow_Layout;
+    g_events.refreshNow = MenuUpdateState;
     g_events.refreshWanted = MainWindow_RequestStateRefresh;
 }
 

@@ -42,6 +42,7 @@ struct Events {
     void (*statusProgress)(const wchar_t* text) = [](const wchar_t*) {
     };                                // time and moving mark of what runs; empty: nothing
     void (*layoutWanted)() = [] {};   // panes were shown, hidden or resized: places them now
+    void (*refreshNow)() = [] {};     // menu and toolbar, before work that keeps the message queue from emptying
     void (*refreshWanted)() = [] {};  // menu, toolbar and position: shown anew once the message queue is empty
 };
 extern Events g_events;

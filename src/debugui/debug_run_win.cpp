@@ -368,7 +368,7 @@ void DebugRunStart() {
     g_debug.debugging = g_debug.debuggerActive = true;
     g_compile.programInUse = true;
     SetStatus(kStarting);
-    g_events.refreshWanted();
+    g_events.refreshNow();
     UpdateWindow(g_ui.hMainWnd);
     StartProgram(program);
     if (StoppedDuringStart()) return;
