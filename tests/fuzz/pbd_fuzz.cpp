@@ -3,7 +3,7 @@
 #include "debugger/basic_lines.h"
 #include "debugger/pbd_map.h"
 
-#include "../pe_bytes.h"
+#include "support/pe_bytes.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -3,7 +3,7 @@
 #include "debugger/pe_headers.h"
 #include "debugger/sdbg_map.h"
 
-#include "../pe_bytes.h"
+#include "support/pe_bytes.h"
 
 #include <algorithm>
 #include <cstdint>

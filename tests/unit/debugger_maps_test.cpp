@@ -4,7 +4,7 @@
 #include "debugger/pe_headers.h"
 #include "debugger/sdbg_map.h"
 
-#include "pe_bytes.h"
+#include "support/pe_bytes.h"
 
 #include <gtest/gtest.h>
 

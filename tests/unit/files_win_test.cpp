@@ -8,6 +8,9 @@
 #include "files/recovery.h"
 #include "files/wide_format.h"
 
+#include "support/deep_folder.h"
+#include "support/temp_files.h"
+
 #include <gtest/gtest.h>
 
 #include <shlwapi.h>
@@ -39,13 +42,12 @@ class FilesWin : public testing::Test {
 protected:
     void SetUp() override {
         GetEnvironmentVariableW(L"LOCALAPPDATA", before_, MAX_PATH);
-        root_ = fs::temp_directory_path() / FormatW(L"kvx-files-%lu-%lu", GetCurrentProcessId(), ++count_);
         fs::create_directories(root_ / L"appdata");
         SetEnvironmentVariableW(L"LOCALAPPDATA", (root_ / L"appdata").c_str());
     }
     void TearDown() override {
         SetEnvironmentVariableW(L"LOCALAPPDATA", before_);
-        std::error_code failed;
+        std::error_code failed;  // a handle that was left open
         fs::remove_all(root_, failed);
         EXPECT_FALSE(failed) << failed.message();
     }
@@ -62,11 +64,11 @@ protected:
         return WriteSourceFileFromEditor(path.c_str(), text.data(), text.size(), encoding, ending);
     }
 
-    fs::path root_;
+    TempFolder folder_;
+    const fs::path root_ = folder_.path;
 
 private:
     wchar_t before_[MAX_PATH] = {};
-    static inline unsigned long count_ = 0;
 };
 
 LSTATUS ReadDefault(const std::wstring& key, std::wstring* text) {
@@ -201,22 +203,15 @@ TEST_F(FilesWin, ReadingRefusesWhatIsNoFile) {
 }
 
 TEST_F(FilesWin, PathsBeyondTheOldLimit) {
-    std::wstring folder = root_.wstring();
-    while (folder.size() < 500) {
-        folder += L"\\" + std::wstring(60, L'd');
-        ASSERT_TRUE(CreateDirectoryW(PathForSystem(folder.c_str()).c_str(), nullptr)) << folder;
-    }
-    const std::wstring path = folder + L"\\\u00FCber.bas";
+    const DeepFolder deep(root_.wstring(), 500);
+    const std::wstring path = deep.File(L"\u00FCber.bas");
     EXPECT_TRUE(Save(path, "deep\n"));
     EXPECT_TRUE(FileExists(path.c_str()));
     EXPECT_EQ(Bytes(path), "deep\n");
-    EXPECT_TRUE(FileExists((folder + L"/../" + std::wstring(60, L'd') + L"/\u00FCber.bas").c_str()));
+    EXPECT_TRUE(
+        FileExists((deep.path + L"/../" + fs::path(deep.path).filename().wstring() + L"/\u00FCber.bas").c_str()));
     EXPECT_TRUE(Copies().empty());
-    // The library's own removal does not reach down here.
     EXPECT_TRUE(DeleteFileW(PathForSystem(path.c_str()).c_str()));
-    for (; folder.size() > root_.wstring().size(); folder.resize(folder.rfind(L'\\'))) {
-        EXPECT_TRUE(RemoveDirectoryW(PathForSystem(folder.c_str()).c_str())) << folder;
-    }
 }
 
 TEST_F(FilesWin, PathsAsUsersWriteThem) {

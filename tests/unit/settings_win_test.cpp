@@ -9,6 +9,8 @@
 #include "settings/settings_schema.h"
 #include "settings/settings_store.h"
 
+#include "support/temp_files.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -24,16 +26,10 @@ namespace {
 class SettingsWin : public testing::Test {
 protected:
     void SetUp() override {
-        root_ = fs::temp_directory_path() / FormatW(L"kvx-settings-%lu-%lu", GetCurrentProcessId(), ++count_);
-        fs::create_directories(root_);
         ini_ = (root_ / L"Editor.ini").wstring();
         SettingsDefaults(g_app.settings);
     }
-    void TearDown() override {
-        SettingsDefaults(g_app.settings);
-        std::error_code ignored;
-        fs::remove_all(root_, ignored);
-    }
+    void TearDown() override { SettingsDefaults(g_app.settings); }
     void Save() { SettingsSave(ini_.c_str()); }
     void Load() {
         // Nothing may come back that was only in memory.
@@ -51,11 +47,9 @@ protected:
         return bytes ? std::string{bytes.get(), length} : "(unreadable)";
     }
 
-    fs::path root_;
+    TempFolder folder_;
+    const fs::path root_ = folder_.path;
     std::wstring ini_;
-
-private:
-    static inline unsigned long count_ = 0;
 };
 
 // Awkward text that fits into a field of `capacity` characters; another one for each number.

@@ -63,10 +63,6 @@ struct Size {
 };
 constexpr Size kSizes[] = {{96, 1000, 700}, {144, 1200, 860}, {96, 640, 480}};
 
-bool AwaitMenu(bool open) {
-    return WaitFor([open] { return (FindWindowW(L"#32768", nullptr) != nullptr) == open; });
-}
-
 TEST(DebugLooks, TheSelectedTabIsSeenWholeAndTheOthersAreInAMenu) {
     const Looks session;
     for (const Size& size : kSizes) {

@@ -48,10 +48,6 @@ constexpr int kInSession[] = {IDM_FILE_NEW,
                               IDM_VIEW_AI,
                               IDM_TOOLBAR_MORE};
 
-bool AwaitMenu(bool open) {
-    return WaitFor([open] { return (FindWindowW(L"#32768", nullptr) != nullptr) == open; });
-}
-
 TEST(Toolbar, NoButtonIsCutAndWhatRunsStaysLongest) {
     const Session session(L"bar.bas", kSource, L"kvxa64");
     ASSERT_TRUE(session.Start()) << session.editor.Describe();

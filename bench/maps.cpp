@@ -3,8 +3,7 @@
 #include "app/log.h"
 #include "bench.h"
 #include "debugger/line_map.h"
-
-#include "../pe_bytes.h"
+#include "support/pe_bytes.h"
 
 #include <string>
 #include <vector>
