@@ -62,8 +62,9 @@ protected:
         return std::filesystem::path(KVX_DEBUGGEES_DIR) / (name + std::to_string(Bits()) + ".exe");
     }
     bool StartFile(const std::filesystem::path& program, std::uint32_t compilerId = 1) {
-        const auto start = [&] {
-            g_said.clear();
+        const auto start = [&, again = false]() mutable {
+            if (again) g_said.clear();
+            again = true;
             return DebugStartForCompiler(program.c_str(), compilerId, &state);
         };
         const bool started = StartAgainIfLost(start, [] { return TimesSaid(kLostText) > 0; });
