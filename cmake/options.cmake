@@ -69,3 +69,19 @@ function(kvx_split_debug_symbols target)
             VERBATIM)
     endif()
 endfunction()
+
+# Headers that nearly every file of a target includes, read once: that halves the time of a build from nothing. A target's
+# files still include what they use; the native build, which precompiles nothing, proves it for the pure ones.
+set(KVX_PCH_STANDARD <algorithm> <cstdint> <memory> <optional> <string> <string_view> <vector>)
+function(kvx_precompile target)
+    if(NOT KVX_PCH)
+        return()
+    endif()
+    target_precompile_headers(${target} PRIVATE ${ARGN})
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # The first is for ccache. Once MinGW's <wchar.h> is precompiled, GCC 12 takes its wmemcpy for our own code and
+        # warns of the library's use of it in std::wstring.
+        target_compile_options(${target} PRIVATE -fpch-preprocess
+            -Wno-array-bounds -Wno-stringop-overflow -Wno-stringop-overread)
+    endif()
+endfunction()

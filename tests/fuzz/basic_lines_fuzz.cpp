@@ -40,12 +40,11 @@ bool WantedControl(const std::string& line) {
 
 std::vector<std::string> Split(std::string_view source) {
     std::vector<std::string> lines(1);
-    for (const char c : source) {
+    for (const char c : source)
         if (c == '\n')
             lines.emplace_back();
         else
             lines.back() += c;
-    }
     return lines;
 }
 
@@ -75,12 +74,11 @@ std::string Expanded(std::string_view bytes) {
                                            "END",          "\r\n",
                                            "else'\n",      "REM\t"};
     std::string text;
-    for (const char c : bytes) {
+    for (const char c : bytes)
         if (static_cast<std::uint8_t>(c) < 0x80)
             text += c;
         else
             text += kWords[static_cast<std::uint8_t>(c) % 16];
-    }
     return text;
 }
 

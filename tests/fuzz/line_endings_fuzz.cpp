@@ -14,9 +14,7 @@ struct Free {
 };
 
 void Require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
+    if (!holds) std::abort();
 }
 
 std::string Normalize(const std::string& text, LineEnding ending) {
@@ -55,11 +53,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Require(once == ByteByByte(text, target.bytes));
         Require(Normalize(once, target.ending) == once);
         Require(Normalize(once, LineEnding::Lf) == lf);  // the same lines, whatever ends them
-        if (lf.find('\n') != std::string::npos) {
+        if (lf.find('\n') != std::string::npos)
             Require(DetectLineEnding(once.data(), once.size()) == target.ending);
-        } else {
+        else
             Require(once == text && DetectLineEnding(text.data(), text.size()) == LineEnding::CrLf);
-        }
     }
     return 0;
 }

@@ -3,7 +3,7 @@
 #include "program/basic_lines.h"
 #include "program/pbd_map.h"
 
-#include "../pe_bytes.h"
+#include "support/pe_bytes.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -3,7 +3,7 @@
 #include "program/pe_headers.h"
 #include "program/sdbg_map.h"
 
-#include "../pe_bytes.h"
+#include "support/pe_bytes.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -158,12 +158,11 @@ void CheckSection(std::span<const std::uint8_t> section, std::uint32_t textRva, 
         return;
     }
     Oracle oracle = {{}, textRva, textSize};
-    for (std::size_t at = 8; oracle.lines.size() < count; at += recordSize) {
+    for (std::size_t at = 8; oracle.lines.size() < count; at += recordSize)
         if (recordSize == 6)
             oracle.lines.push_back({1, Number(section, at, 2), Number(section, at + 2, 4)});
         else
             oracle.lines.push_back({Number(section, at, 4), Number(section, at + 4, 4), Number(section, at + 8, 4)});
-    }
     Require(static_cast<std::uint64_t>(map.lineCount) == count);
     Require(std::memcmp(map.lines, oracle.lines.data(), count * sizeof(SdbgLine)) == 0);
     CheckFiles(map, recordSize == 6 ? std::vector<WantedFile>{}

@@ -17,9 +17,7 @@ struct FileList {
 };
 
 void Require(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
+    if (!condition) std::abort();
 }
 
 void ReadSession(std::string_view text) {

@@ -4,6 +4,8 @@
 
 #include <map>
 
+#include "support/start_process.h"
+
 namespace samples {
 namespace {
 
@@ -61,26 +63,20 @@ Ended RunProgram(const std::filesystem::path& program, const std::vector<std::st
     HANDLE readEnd = nullptr, writeEnd = nullptr;
     if (!CreatePipe(&readEnd, &writeEnd, &inherit, 0)) return ended;
     SetHandleInformation(readEnd, HANDLE_FLAG_INHERIT, 0);
-    STARTUPINFOW start{};
-    start.cb = sizeof start;
-    start.dwFlags = STARTF_USESTDHANDLES;
-    start.hStdOutput = start.hStdError = writeEnd;
     PROCESS_INFORMATION info{};
-    std::wstring line = CommandLine(program, args);
-    ended.started =
-        CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr, nullptr, &start, &info);
+    ended.started = StartProcess(CommandLine(program, args), &info,
+                                 {.flags = CREATE_NO_WINDOW, .output = writeEnd, .errors = writeEnd});
     CloseHandle(writeEnd);
     if (ended.started) {
         const ULONGLONG end = GetTickCount64() + kLimitMs;
         char block[4096];
-        for (DWORD got = 0, waiting = 0; PeekNamedPipe(readEnd, nullptr, 0, nullptr, &waiting, nullptr);) {
+        for (DWORD got = 0, waiting = 0; PeekNamedPipe(readEnd, nullptr, 0, nullptr, &waiting, nullptr);)
             if (waiting > 0 && ReadFile(readEnd, block, sizeof block, &got, nullptr))
                 ended.output.append(block, got);
             else if (GetTickCount64() > end)
                 break;
             else
                 Sleep(1);
-        }
         if (WaitForSingleObject(info.hProcess, 1000) != WAIT_OBJECT_0) TerminateProcess(info.hProcess, kKilled);
         WaitForSingleObject(info.hProcess, kLimitMs);
         DWORD code = kKilled;
@@ -96,11 +92,7 @@ Ended RunProgram(const std::filesystem::path& program, const std::vector<std::st
 std::vector<uint32_t> DebugRun(const std::filesystem::path& program, const std::vector<uint32_t>& plant) {
     std::vector<uint32_t> met;
     Debuggee d;
-    STARTUPINFOW start{};
-    start.cb = sizeof start;
-    std::wstring line = CommandLine(program, {});
-    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, DEBUG_ONLY_THIS_PROCESS | CREATE_NO_WINDOW,
-                        nullptr, nullptr, &start, &d.info))
+    if (!StartProcess(CommandLine(program, {}), &d.info, {.flags = DEBUG_ONLY_THIS_PROCESS | CREATE_NO_WINDOW}))
         return met;
     DEBUG_EVENT event{};
     while (WaitForDebugEvent(&event, kLimitMs)) {

@@ -28,11 +28,6 @@ constexpr Compiler kCompilers[] = {
 
 bool CanRun(const Compiler& compiler) { return compiler.x64 || std::getenv("KVX_NO_WINE32") == nullptr; }
 
-std::string Utf8(const std::filesystem::path& path) {
-    const std::u8string text = path.u8string();
-    return {text.begin(), text.end()};
-}
-
 // Compiles to a program of the same name in the same folder.
 Ended Compile(const Compiler& compiler, const std::filesystem::path& source, std::vector<std::string> args = {}) {
     if (compiler.keldor)
@@ -59,7 +54,7 @@ TEST(RunSamples, EveryCompilerMakesProgramsWithTheExpectedOutput) {
                 ++skipped;
                 continue;
             }
-            const FreshFolder folder;
+            const TempFolder folder;
             std::filesystem::copy((kFolder / sample.source).parent_path(), folder.path);
             const auto source = folder.path / std::filesystem::path(sample.source).filename();
             const Ended build = Compile(compiler, source);
@@ -74,7 +69,7 @@ TEST(RunSamples, EveryCompilerMakesProgramsWithTheExpectedOutput) {
 TEST(RunSamples, DebugBuildsAlsoJustRun) {
     for (const Compiler& compiler : kCompilers) {
         if (!CanRun(compiler)) continue;
-        const FreshFolder folder;
+        const TempFolder folder;
         const auto source = folder.path / "steps.bas";
         std::filesystem::copy_file(kFolder / "steps.bas", source);
         ASSERT_EQ(Compile(compiler, source, {std::string(compiler.debugSwitch)}).exit, 0u);
@@ -83,17 +78,17 @@ TEST(RunSamples, DebugBuildsAlsoJustRun) {
 }
 
 TEST(RunSamples, NamesBeyondTheCodePageAndBlanksWork) {
-    const FreshFolder folder;
+    const TempFolder folder;
     const auto place = folder.path / L"мой проект é";
     std::filesystem::create_directories(place);
     const auto source = place / L"程序 1.bas";
-    Write(source, "FUNCTION PBMAIN () AS LONG\nPRINT \"\xC3\xA9\"\nFUNCTION = 7\nEND FUNCTION\n");
+    WriteBytes(source, "FUNCTION PBMAIN () AS LONG\nPRINT \"\xC3\xA9\"\nFUNCTION = 7\nEND FUNCTION\n");
     for (const Compiler& compiler : kCompilers) {
         if (!CanRun(compiler)) continue;
         const Ended build = Compile(compiler, source);
         ASSERT_EQ(build.exit, 0u) << build.output;
         EXPECT_EQ(OutputAndExit(RunProgram(Program(source), {})), "\xC3\xA9\n[exit code 7]\n") << compiler.name;
-        Write(source.parent_path() / "bad.bas", "x\n");
+        WriteBytes(source.parent_path() / "bad.bas", "x\n");
         const Ended bad = Compile(compiler, source.parent_path() / "bad.bas");
         EXPECT_NE(bad.output.find(Utf8(source.parent_path() / "bad.bas")), std::string::npos) << bad.output;
     }
@@ -116,10 +111,10 @@ TEST(RunSamples, RunTimeErrorsSayTheLineAndKeepTheOutput) {
     for (const Case& one : cases)
         for (const Compiler& compiler : {kCompilers[0], kCompilers[3]}) {
             if (!CanRun(compiler)) continue;
-            const FreshFolder folder;
+            const TempFolder folder;
             const auto source = folder.path / "a.bas";
-            Write(source,
-                  "FUNCTION PBMAIN () AS LONG\nPRINT \"before\";\n" + std::string(one.body) + "\nEND FUNCTION\n");
+            WriteBytes(source,
+                       "FUNCTION PBMAIN () AS LONG\nPRINT \"before\";\n" + std::string(one.body) + "\nEND FUNCTION\n");
             const Ended build = Compile(compiler, source);
             ASSERT_EQ(build.exit, 0u) << build.output;
             EXPECT_EQ(OutputAndExit(RunProgram(Program(source), {})),
@@ -210,10 +205,10 @@ TEST(RunSamples, WholeNumbersComputeLikeCpp) {
     }
     for (const Compiler& compiler : {kCompilers[1], kCompilers[3], kCompilers[4]}) {
         if (!CanRun(compiler)) continue;
-        const FreshFolder folder;
+        const TempFolder folder;
         const auto source = folder.path / "a.bas";
-        Write(source, "FUNCTION PBMAIN () AS LONG\nLOCAL a, b AS LONG, p, q AS QUAD, x, y AS DOUBLE\n" + body +
-                          "END FUNCTION\n");
+        WriteBytes(source, "FUNCTION PBMAIN () AS LONG\nLOCAL a, b AS LONG, p, q AS QUAD, x, y AS DOUBLE\n" + body +
+                               "END FUNCTION\n");
         const Ended build = Compile(compiler, source);
         ASSERT_EQ(build.exit, 0u) << build.output;
         const auto got = Lines(RunProgram(Program(source), {}).output), wanted = Lines(expected), text = Lines(body);
@@ -227,12 +222,12 @@ TEST(RunSamples, WholeNumbersComputeLikeCpp) {
 TEST(RunSamples, TrapsAreMetInTheOrderOfExecution) {
     const Compiler& compiler = kCompilers[4];
     if (!CanRun(compiler)) GTEST_SKIP() << "no 32-bit Wine";
-    const FreshFolder folder;
+    const TempFolder folder;
     const auto source = folder.path / "steps.bas";
     std::filesystem::copy_file(kFolder / "steps.bas", source);
     ASSERT_EQ(Compile(compiler, source, {"/D"}).exit, 0u);
-    const std::vector<uint32_t> traps = TrapsOf(Read(Program(source)), Read(folder.path / "steps.exe.pbd"));
-    const std::vector<int> lines = StatementLines(Read(source));
+    const std::vector<uint32_t> traps = TrapsOf(ReadBytes(Program(source)), ReadBytes(folder.path / "steps.exe.pbd"));
+    const std::vector<int> lines = StatementLines(ReadBytes(source));
     ASSERT_EQ(traps.size(), lines.size());
     std::vector<int> met;
     for (const uint32_t rva : DebugRun(Program(source), {})) {
@@ -245,11 +240,11 @@ TEST(RunSamples, TrapsAreMetInTheOrderOfExecution) {
 }
 
 TEST(RunSamples, MappedAddressesAreMetInTheOrderOfExecution) {
-    const FreshFolder folder;
+    const TempFolder folder;
     const auto source = folder.path / "steps.bas";
     std::filesystem::copy_file(kFolder / "steps.bas", source);
     ASSERT_EQ(Compile(kCompilers[0], source, {"--debug"}).exit, 0u);
-    const std::string sdbg = ReadSections(Read(Program(source)))[".sdbg"].raw;
+    const std::string sdbg = ReadSections(ReadBytes(Program(source)))[".sdbg"].raw;
     std::vector<uint32_t> rvas;
     for (size_t i = 0; i < Number(sdbg, 4); ++i) rvas.push_back(Number(sdbg, 16 + 12 * i));
     std::vector<uint32_t> met;

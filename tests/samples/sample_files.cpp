@@ -1,10 +1,6 @@
 #include "sample_files.h"
 
 #include <algorithm>
-#include <atomic>
-#include <fstream>
-#include <iterator>
-#include <random>
 #include <sstream>
 
 namespace samples {
@@ -18,25 +14,9 @@ std::string Upper(std::string text) {
 
 }  // namespace
 
-FreshFolder::FreshFolder() {
-    static std::atomic<int> count = 0;
-    const auto root = std::filesystem::temp_directory_path();
-    path = root / ("kvx-samples-" + std::to_string(std::random_device{}()) + "-" + std::to_string(++count));
-    std::filesystem::create_directories(path);
-}
-
-FreshFolder::~FreshFolder() {
-    std::error_code ignored;  // a program that still runs keeps its file; nothing depends on the removal
-    std::filesystem::remove_all(path, ignored);
-}
-
-std::string Read(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-void Write(const std::filesystem::path& path, std::string_view bytes) {
-    std::ofstream(path, std::ios::binary) << bytes;
+std::string Utf8(const std::filesystem::path& path) {
+    const std::u8string text = path.u8string();
+    return {text.begin(), text.end()};
 }
 
 std::string Unix(std::string text) {
@@ -51,7 +31,9 @@ std::vector<std::string> Lines(const std::string& text) {
     return lines;
 }
 
-std::string Expected(std::string_view name) { return Unix(Read(kFolder / "expected" / (std::string(name) + ".txt"))); }
+std::string Expected(std::string_view name) {
+    return Unix(ReadBytes(kFolder / "expected" / (std::string(name) + ".txt")));
+}
 
 uint32_t Number(std::string_view bytes, size_t at, size_t size) {
     uint32_t value = 0;

@@ -1,4 +1,4 @@
-// What both kinds of sample tests need: files, fresh folders, and the fields of an executable.
+// What both kinds of sample tests need: the samples, their lines, and the fields of an executable.
 #pragma once
 
 #include <cstdint>
@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "support/temp_files.h"
 
 namespace samples {
 
@@ -22,17 +24,7 @@ inline constexpr Sample kSamples[] = {
     {"steps.bas", "steps"},   {"maze.bas", "maze"},       {"multifile/main.bas", "multifile"},
 };
 
-// A new empty folder, removed with everything in it at the end.
-struct FreshFolder {
-    std::filesystem::path path;
-    FreshFolder();
-    ~FreshFolder();
-    FreshFolder(const FreshFolder&) = delete;
-    FreshFolder& operator=(const FreshFolder&) = delete;
-};
-
-std::string Read(const std::filesystem::path& path);  // "" when there is none
-void Write(const std::filesystem::path& path, std::string_view bytes);
+std::string Utf8(const std::filesystem::path& path);
 std::string Unix(std::string text);  // CR LF to LF
 std::vector<std::string> Lines(const std::string& text);
 std::string Expected(std::string_view name);

@@ -21,11 +21,6 @@ struct Result {
     std::string text;
 };
 
-std::string Utf8(const std::filesystem::path& path) {
-    const std::u8string text = path.u8string();
-    return {text.begin(), text.end()};
-}
-
 Result Compile(const Profile& profile, const std::vector<std::string>& args) {
     Result result;
     result.exit = standin::RunCompiler(profile, args, result.text);
@@ -46,8 +41,8 @@ Result CompileFile(const Profile& profile, const std::filesystem::path& source, 
 }
 
 Result CompileText(const Profile& profile, const std::string& text) {
-    const FreshFolder folder;
-    Write(folder.path / "test.bas", text);
+    const TempFolder folder;
+    WriteBytes(folder.path / "test.bas", text);
     return CompileFile(profile, folder.path / "test.bas");
 }
 
@@ -74,7 +69,7 @@ std::string PlainMessages(const std::string& text) {
 TEST(Samples, ErrorsSampleGivesItsMessagesInEachShape) {
     for (const Profile& profile : kProfiles) {
         SCOPED_TRACE(profile.name);
-        const FreshFolder folder;
+        const TempFolder folder;
         std::filesystem::copy_file(kFolder / "errors.bas", folder.path / "errors.bas");
         const Result result = CompileFile(profile, folder.path / "errors.bas");
         EXPECT_EQ(result.exit, 1);
@@ -96,15 +91,15 @@ TEST(Samples, ErrorsSampleGivesItsMessagesInEachShape) {
 }
 
 TEST(Samples, MessagesNameTheIncludedFileAndStopAtTheLimit) {
-    const FreshFolder folder;
+    const TempFolder folder;
     std::filesystem::create_directories(folder.path / "inc");
-    Write(folder.path / "inc" / "part.inc", "SUB Part\r\n  x = 1\r\nEND SUB\r\n");
-    Write(folder.path / "main.bas", "#INCLUDE \"part.inc\"\n" + Main("Part"));
+    WriteBytes(folder.path / "inc" / "part.inc", "SUB Part\r\n  x = 1\r\nEND SUB\r\n");
+    WriteBytes(folder.path / "main.bas", "#INCLUDE \"part.inc\"\n" + Main("Part"));
     const Profile& profile = kProfiles[0];
     Result result = CompileFile(profile, folder.path / "main.bas", {"-I" + Utf8(folder.path / "inc")});
     EXPECT_NE(result.text.find("part.inc:2:3: error: variable 'x' is not declared"), std::string::npos) << result.text;
     EXPECT_EQ(result.text.find("main.bas:"), std::string::npos) << result.text;
-    Write(folder.path / "main.bas", Main(Repeat("PRINT )\n", 500)));
+    WriteBytes(folder.path / "main.bas", Main(Repeat("PRINT )\n", 500)));
     result = CompileFile(profile, folder.path / "main.bas");
     EXPECT_NE(result.text.find("\n100 errors, 0 warnings\n"), std::string::npos) << result.text;
     EXPECT_EQ(std::count(result.text.begin(), result.text.end(), '\n'), 103);
@@ -149,10 +144,10 @@ TEST(LineMaps, SdbgCoversEveryStatementInOrder) {
             if (IsKeldor(profile)) continue;
             SCOPED_TRACE(std::string(sample.name) + " by " + std::string(profile.name));
             const bool v1 = !profile.x64;
-            const FreshFolder folder;
+            const TempFolder folder;
             const std::string program = Utf8(folder.path / "a.exe");
             ASSERT_EQ(Compile(profile, {"-o", program, "--debug", Utf8(kFolder / sample.source)}).exit, 0);
-            auto sections = ReadSections(Read(folder.path / "a.exe"));
+            auto sections = ReadSections(ReadBytes(folder.path / "a.exe"));
             const std::string sdbg = sections[".sdbg"].raw.substr(0, sections[".sdbg"].virtualSize);
             ASSERT_EQ(sdbg.substr(0, 4), v1 ? "SDBG" : "SDB2");
             const std::vector<Record> records = ReadRecords(sdbg, v1);
@@ -168,7 +163,7 @@ TEST(LineMaps, SdbgCoversEveryStatementInOrder) {
             size_t at = 8 + records.size() * (v1 ? 6 : 12);
             if (v1) {
                 mapped[1].erase(0);
-                EXPECT_EQ(mapped[1], ExecutableLines(Read(kFolder / sample.source)));
+                EXPECT_EQ(mapped[1], ExecutableLines(ReadBytes(kFolder / sample.source)));
                 EXPECT_EQ(at, sdbg.size());
                 continue;
             }
@@ -178,10 +173,10 @@ TEST(LineMaps, SdbgCoversEveryStatementInOrder) {
                 EXPECT_EQ(Number(sdbg, at), i);
                 const std::string name = sdbg.substr(at + 8, Number(sdbg, at + 4));
                 at += 8 + name.size();
-                EXPECT_EQ(mapped[i], ExecutableLines(Read(name))) << name;
+                EXPECT_EQ(mapped[i], ExecutableLines(ReadBytes(name))) << name;
             }
             EXPECT_EQ(at, sdbg.size());
-            const std::string first = Lines(Read(kFolder / sample.source))[records.front().line - 1];
+            const std::string first = Lines(ReadBytes(kFolder / sample.source))[records.front().line - 1];
             EXPECT_TRUE(first.starts_with("FUNCTION PBMAIN")) << first;
         }
 }
@@ -219,21 +214,22 @@ TEST(LineMaps, EveryStatementLineOfPbmainHasOneTrapBeforeItsCode) {
     const Profile& profile = kProfiles[standin::FindProfile("KeldorBASIC")];
     std::map<std::string, std::string> sources = {{"torture", TrapTorture()}};
     for (const Sample& sample : kSamples)
-        if (sample.name != "multifile") sources[std::string(sample.name)] = Read(kFolder / sample.source);
+        if (sample.name != "multifile") sources[std::string(sample.name)] = ReadBytes(kFolder / sample.source);
     for (const auto& [name, source] : sources) {
         SCOPED_TRACE(name);
-        const FreshFolder folder;
-        Write(folder.path / "a.bas", source);
+        const TempFolder folder;
+        WriteBytes(folder.path / "a.bas", source);
         const Result result =
             CompileFile(profile, folder.path / "a.bas", {"/Q", "/D", "/ASMOUT:" + Utf8(folder.path / "a.asm")});
         ASSERT_EQ(result.exit, 0) << result.text;
-        const std::vector<uint32_t> traps = TrapsOf(Read(folder.path / "a.exe"), Read(folder.path / "a.exe.pbd"));
+        const std::vector<uint32_t> traps =
+            TrapsOf(ReadBytes(folder.path / "a.exe"), ReadBytes(folder.path / "a.exe.pbd"));
         const std::vector<int> lines = StatementLines(source);
         ASSERT_EQ(traps.size(), lines.size());
         // In the listing each trap stands below the comment with its own line or, for lines without code, a later one.
         std::map<std::string, int> lineAt;
         int current = 0;
-        for (const std::string& line : Lines(Read(folder.path / "a.asm"))) {
+        for (const std::string& line : Lines(ReadBytes(folder.path / "a.asm"))) {
             if (line.starts_with("; ")) current = std::atoi(line.c_str() + 2);
             if (line.size() > 10) lineAt[line.substr(2, 8)] = current;
         }
@@ -287,8 +283,8 @@ TEST(CommandLine, EachCompilerTakesItsOwnSwitches) {
     };
     for (const Case& one : cases) {
         SCOPED_TRACE(std::string(one.name) + ", " + std::string(one.compiler));
-        const FreshFolder folder;
-        Write(folder.path / "s.bas", Main("PRINT 1"));
+        const TempFolder folder;
+        WriteBytes(folder.path / "s.bas", Main("PRINT 1"));
         std::vector<std::string> args;
         for (std::string arg : one.args) {
             for (const auto& [word, file] : {std::pair{"SRC", "s.bas"}, {"PRG", "p.exe"}, {"DIR", ""}})
@@ -355,12 +351,12 @@ TEST(Hostile, CutAndGarbledSourcesNeverCrash) {
     std::mt19937 random(7);
     std::vector<std::string> seeds;
     for (const std::string_view name : {"steps.bas", "errors.bas", "maze.bas", "arrays.bas"})
-        seeds.push_back(Read(kFolder / name));
+        seeds.push_back(ReadBytes(kFolder / name));
     int built = 0, refused = 0;
-    const FreshFolder folder;
+    const TempFolder folder;
     const auto attempt = [&](const std::string& text) {
         const Profile& profile = kProfiles[random() % kProfiles.size()];
-        Write(folder.path / "test.bas", text);
+        WriteBytes(folder.path / "test.bas", text);
         const Result result = CompileFile(profile, folder.path / "test.bas", {std::string(profile.debugSwitch)});
         ++(result.exit == 0 ? built : refused);
         EXPECT_TRUE(result.exit == 0 || result.exit == 1) << result.text;

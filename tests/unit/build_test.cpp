@@ -1,4 +1,5 @@
 // The rules of building: diagnostics, command line, output on its way to the pane.
+#include "base/path.h"
 #include "compile/build_paths.h"
 #include "compile/command_line.h"
 #include "output/diagnostics.h"
@@ -6,7 +7,6 @@
 #include "output/output_filter.h"
 #include "output/output_queue.h"
 #include "ui/rtf_block.h"
-#include "base/path.h"
 
 #include <gtest/gtest.h>
 

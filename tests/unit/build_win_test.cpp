@@ -1,10 +1,13 @@
 // Decoding by the system's code pages, and staged copies beside files of the user.
+#include "base/decode.h"
+#include "base/handles.h"
+#include "compile/staging.h"
 #include "disasm/asm_feed.h"
 #include "disasm/asm_pane.h"
-#include "base/decode.h"
-#include "compile/staging.h"
 #include "files/file_io.h"
-#include "base/handles.h"
+
+#include "support/deep_folder.h"
+#include "support/temp_files.h"
 
 #include <gtest/gtest.h>
 
@@ -53,33 +56,11 @@ TEST(AsmFeed, SaysThatMemoryRanOut) {
 
 class Staging : public testing::Test {
 protected:
-    void SetUp() override {
-        wchar_t temporary[MAX_PATH] = {};
-        ASSERT_NE(GetTempPathW(MAX_PATH, temporary), 0U);
-        folder_ = std::wstring(temporary) + L"kvx staging " + std::to_wstring(GetCurrentProcessId()) + L"\\";
-        CreateDirectoryW(folder_.c_str(), nullptr);
-        for (const wchar_t* name : kNames) DeleteFileW(Path(name).c_str());
-    }
-    void TearDown() override {
-        for (const wchar_t* name : kNames) DeleteFileW(Path(name).c_str());
-        RemoveDirectoryW(folder_.c_str());
-    }
-    std::wstring Path(const wchar_t* name) const { return folder_ + name; }
-    void Write(const wchar_t* name, std::string_view text) const { WriteAt(Path(name), text); }
-    static void WriteAt(const std::wstring& path, std::string_view text) {
-        const UniqueHandle file(
-            CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-        DWORD written = 0;
-        ASSERT_TRUE(file && WriteFile(file.Get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr));
-    }
+    std::wstring Path(const wchar_t* name) const { return (folder_.path / name).wstring(); }
+    void Write(const wchar_t* name, std::string_view text) const { WriteBytes(folder_.path / name, text); }
     // "(none)" for a file that is not there.
     std::string Read(const wchar_t* name) const {
-        const UniqueHandle file(CreateFileW(Path(name).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                            FILE_ATTRIBUTE_NORMAL, nullptr));
-        char bytes[64] = {};
-        DWORD count = 0;
-        if (!file || !ReadFile(file.Get(), bytes, sizeof(bytes), &count, nullptr)) return "(none)";
-        return std::string(bytes, count);
+        return std::filesystem::exists(folder_.path / name) ? ReadBytes(folder_.path / name) : "(none)";
     }
     StagedSource Stage(const wchar_t* source, CommandStyle style) const {
         StagedSource staged;
@@ -88,9 +69,7 @@ protected:
         return staged;
     }
 
-    static constexpr const wchar_t* kNames[] = {
-        L"x.kxa", L"x.pb", L"x.kvx1.pb", L"x.kb", L"x.bas", L"x.bas.kvx-aside1", L"x.bas.kvx-aside2"};
-    std::wstring folder_;
+    TempFolder folder_;
 };
 
 TEST_F(Staging, TheCopyComesAndGoes) {
@@ -140,23 +119,18 @@ TEST_F(Staging, WhatABrokenOffBuildMovedAsideIsFoundAndLeftAlone) {
 }
 
 TEST_F(Staging, PathsBeyondTheOldLimit) {
-    std::wstring deep = folder_;
-    while (deep.size() < 400) {
-        deep += std::wstring(60, L'd') + L"\\";
-        ASSERT_TRUE(CreateDirectoryW(PathForSystem(deep.c_str()).c_str(), nullptr));
-    }
-    const std::wstring source = deep + L"x.kb", target = deep + L"x.bas";
-    WriteAt(PathForSystem(source.c_str()), "source");
-    WriteAt(PathForSystem(target.c_str()), "the user's");
+    const DeepFolder deep(folder_.path.wstring());
+    const std::wstring source = deep.File(L"x.kb"), target = deep.File(L"x.bas");
+    WriteBytes(DeepFolder::LongForm(source), "source");
+    WriteBytes(DeepFolder::LongForm(target), "the user's");
     StagedSource staged;
     DWORD error = 0;
-    EXPECT_TRUE(StageSource(source.c_str(), (deep + L"x.exe").c_str(), CommandStyle::Keldor, &staged, &error)) << error;
+    EXPECT_TRUE(StageSource(source.c_str(), deep.File(L"x.exe").c_str(), CommandStyle::Keldor, &staged, &error))
+        << error;
     EXPECT_TRUE(staged.copied);
     EXPECT_EQ(UnstageSource(&staged), L"");
-    EXPECT_TRUE(DeleteFileW(PathForSystem(source.c_str()).c_str()));
-    EXPECT_TRUE(DeleteFileW(PathForSystem(target.c_str()).c_str()));
-    for (; deep.size() > folder_.size(); deep.resize(deep.size() - 61))
-        EXPECT_TRUE(RemoveDirectoryW(PathForSystem(deep.c_str()).c_str()));
+    EXPECT_TRUE(DeleteFileW(DeepFolder::LongForm(source).c_str()));
+    EXPECT_TRUE(DeleteFileW(DeepFolder::LongForm(target).c_str()));
 }
 
 TEST_F(Staging, TheSourceItselfIsNeverTheCopy) {

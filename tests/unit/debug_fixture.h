@@ -1,20 +1,20 @@
 // What the tests of the debugger's engine share: a session that ends with its test, what the engine said, time limits.
 #pragma once
 
-#include "debugger/debug_inspect.h"
-#include "debugger/debug_session.h"
-#include "program/line_map.h"
 #include "base/handles.h"
 #include "base/wide_format.h"
+#include "debugger/debug_inspect.h"
+#include "debugger/debug_session.h"
 #include "program/debug_say.h"
+#include "program/line_map.h"
+#include "support/start_process.h"
+#include "support/temp_files.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,31 +31,6 @@ struct Said {
 };
 inline std::vector<Said> g_said;
 inline ULONGLONG g_deadline = 0;
-
-// Files of a test, gone with it.
-struct Folder {
-    std::filesystem::path path;
-    Folder() {
-        static int count = 0;
-        path = std::filesystem::temp_directory_path() / FormatW(L"kvx-debug-%lu-%d", GetCurrentProcessId(), ++count);
-        std::filesystem::create_directories(path);
-    }
-    ~Folder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path, ignored);
-    }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-};
-
-inline std::string ReadBytes(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-inline void WriteBytes(const std::filesystem::path& path, std::string_view bytes) {
-    std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
 
 // Text of a function of the inspection; "(null)" for none.
 inline std::wstring Take(wchar_t* text) { return text ? std::wstring(HeapBlock<wchar_t>(text).get()) : L"(null)"; }
@@ -88,13 +63,12 @@ protected:
         return std::filesystem::path(KVX_DEBUGGEES_DIR) / (name + std::to_string(Bits()) + ".exe");
     }
     bool StartFile(const std::filesystem::path& program, std::uint32_t compilerId = 1) {
-        bool started = DebugStartForCompiler(program.c_str(), compilerId, &state);
-        // Once in thousands of starts Wine loses the new process before its first instruction (ERROR_INTERNAL_ERROR).
-        for (int tries = 2; tries > 0 && !started && TimesSaid(L"Win32 error 1359") > 0; --tries) {
-            std::printf("[harness] Wine lost the program at its start\n");
-            g_said.clear();
-            started = DebugStartForCompiler(program.c_str(), compilerId, &state);
-        }
+        const auto start = [&, again = false]() mutable {
+            if (again) g_said.clear();
+            again = true;
+            return DebugStartForCompiler(program.c_str(), compilerId, &state);
+        };
+        const bool started = StartAgainIfLost(start, [] { return TimesSaid(kLostText) > 0; });
         if (!started)
             for (const Said& one : g_said) std::printf("not started: %ls", one.text.c_str());
         Watch();

@@ -98,7 +98,7 @@ TEST_P(DebugSession, AConditionDoesNotKeepTheStartFromItsLine) {
 }
 
 TEST_P(DebugSession, TheFolderMayHaveAnyName) {
-    const Folder folder;
+    const TempFolder folder;
     const auto place = folder.path / L"\u043F\u0440\u043E\u0435\u043A\u0442 \u00E9 100%s" / L"\u7A0B\u5E8F 1.exe";
     std::filesystem::create_directories(place.parent_path());
     std::filesystem::copy_file(Program("straight"), place);
@@ -139,7 +139,7 @@ TEST_P(DebugSession, SaysWhyItDoesNotStart) {
          [](std::string* b) { (*b)[static_cast<std::size_t>(static_cast<unsigned char>((*b)[60])) + 4] = 0x11; },
          L"[Debug] Failed to launch process.\n"},
     };
-    const Folder folder;
+    const TempFolder folder;
     const auto place = folder.path / "damaged.exe";
     for (const Case& one : cases) {
         SCOPED_TRACE(one.what);
@@ -209,9 +209,7 @@ TEST_P(DebugSession, StopEndsItFromEveryState) {
         g_deadline = GetTickCount64() + kTestMs;
         ASSERT_TRUE(Start(one.program));
         EXPECT_FALSE(StartFile(Program("straight"))) << "one session at a time";
-        if (one.breakpoint) {
-            ASSERT_TRUE(DebugSetBreakpoint(&state, one.breakpoint));
-        }
+        if (one.breakpoint) ASSERT_TRUE(DebugSetBreakpoint(&state, one.breakpoint));
         ASSERT_TRUE(DebugContinue(&state));
         const bool held = one.breakpoint != 0 || std::string_view(one.program) == "fault";
         if (!held) g_deadline = GetTickCount64() + 150;  // a flood's wait would have no end

@@ -37,24 +37,14 @@ protected:
         const auto source = folder_.path / "steps.bas";
         std::filesystem::copy_file(std::filesystem::path(KVX_ROOT_DIR) / "samples" / "steps.bas", source);
         const auto compiler = std::filesystem::path(KVX_DIST_DIR) / GetParam().file;
-        std::wstring line =
+        const std::wstring line =
             L"\"" + compiler.wstring() + L"\" " + std::filesystem::path(GetParam().arguments).wstring() + L" steps.bas";
-        STARTUPINFOW startup = {};
-        startup.cb = sizeof startup;
-        PROCESS_INFORMATION info = {};
-        ASSERT_TRUE(CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr,
-                                   folder_.path.c_str(), &startup, &info))
-            << compiler << " error " << GetLastError();
-        const UniqueHandle process{info.hProcess}, thread{info.hThread};
-        ASSERT_EQ(WaitForSingleObject(process.Get(), 30000), WAIT_OBJECT_0);
-        DWORD code = 1;
-        GetExitCodeProcess(process.Get(), &code);
-        ASSERT_EQ(code, 0u);
+        ASSERT_EQ(RunToEnd(line, folder_.path.c_str()), 0u) << compiler << " error " << GetLastError();
         DebugSetSourcePath(source.c_str());
         ASSERT_TRUE(StartFile(folder_.path / "steps.exe", GetParam().id)) << SaidText();
     }
 
-    Folder folder_;
+    TempFolder folder_;
 };
 INSTANTIATE_TEST_SUITE_P(Compilers, DebugStandins, testing::ValuesIn(kCompilers),
                          [](const testing::TestParamInfo<Compiler>& one) { return one.param.name; });

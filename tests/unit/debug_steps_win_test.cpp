@@ -131,7 +131,7 @@ TEST_P(DebugSteps, TwoHundredStatements) {
 
 class DebugTraps : public DebugBothTest {
 protected:
-    Folder folder_;
+    TempFolder folder_;
     std::uint64_t run_ = 0;  // address of the run of three before the first statement
 
     // The side file says that PBMAIN begins at the trap of that number in the run.

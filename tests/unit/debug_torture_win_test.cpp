@@ -56,9 +56,8 @@ protected:
         g_deadline = GetTickCount64() + kTestMs;
         ASSERT_TRUE(Start(victim.name));
         int event = kDebugStopped;
-        for (int i = 0; i < 80 && event == kDebugStopped; ++i) {
+        for (int i = 0; i < 80 && event == kDebugStopped; ++i)
             if (Act(random, victim.lastLine)) event = Wait(5000);
-        }
         if (event == kDebugStopped) DebugClearBreakpoints(&state);
         while (event == kDebugStopped && DebugContinue(&state)) event = Wait(5000);
         ASSERT_EQ(event, kDebugExited);

@@ -4,7 +4,7 @@
 #include "program/pe_headers.h"
 #include "program/sdbg_map.h"
 
-#include "pe_bytes.h"
+#include "support/pe_bytes.h"
 
 #include <gtest/gtest.h>
 

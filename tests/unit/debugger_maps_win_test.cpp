@@ -1,14 +1,17 @@
 // Line maps from files: programs of the stand-in compilers, and files that are none.
+#include "base/handles.h"
 #include "base/log.h"
+#include "base/wide_format.h"
 #include "debugger/debug_session.h"
 #include "program/line_map.h"
 #include "program/pe_headers.h"
-#include "base/handles.h"
-#include "base/wide_format.h"
 #include "settings/compiler_id.h"
 
-#include "pe_bytes.h"
 #include "program/debug_say.h"
+#include "support/deep_folder.h"
+#include "support/pe_bytes.h"
+#include "support/start_process.h"
+#include "support/temp_files.h"
 
 #include <gtest/gtest.h>
 
@@ -32,9 +35,6 @@ std::wstring g_said;
 class DebuggerMapsWin : public testing::Test {
 protected:
     void SetUp() override {
-        static int count = 0;
-        root_ = fs::temp_directory_path() / FormatW(L"kvx-maps-%lu-%d", GetCurrentProcessId(), ++count);
-        fs::create_directories(root_);
         g_said.clear();
         DebugSetSink([](const std::wstring& text, COLORREF) { g_said += text; });
         DebugSetSourcePath(L"");
@@ -44,18 +44,14 @@ protected:
         SdbgFree(&map_);
         DebugSetSourcePath(nullptr);
         DebugSetSink(nullptr);
-        std::error_code failed;
+        std::error_code failed;  // a handle that was left open
         fs::remove_all(root_, failed);
         EXPECT_FALSE(failed) << failed.message();
     }
 
     fs::path Put(const fs::path& name, std::string_view bytes) const {
-        std::ofstream(root_ / name, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        WriteBytes(root_ / name, bytes);
         return root_ / name;
-    }
-    static std::string Read(const fs::path& path) {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
     }
     void StartLog() const { OpenLog((root_.wstring() + L"\\").c_str()); }
     // What stands in the log, without byte order mark and times.
@@ -79,7 +75,8 @@ protected:
         return loaded ? L"loaded" : g_said;
     }
 
-    fs::path root_;
+    TempFolder folder_;
+    const fs::path root_ = folder_.path;
     SdbgMap map_ = {};
 };
 
@@ -91,21 +88,6 @@ std::string Program(const std::vector<pe_bytes::Record>& records) {
 }
 
 // --- What the compilers write
-
-bool RunToEnd(const std::wstring& commandLine) {
-    std::wstring line = commandLine;
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process = {};
-    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr, nullptr, &startup,
-                        &process))
-        return false;
-    const UniqueHandle thread(process.hThread);
-    const UniqueHandle handle(process.hProcess);
-    DWORD code = 1;
-    return WaitForSingleObject(process.hProcess, 60000) == WAIT_OBJECT_0 &&
-           GetExitCodeProcess(process.hProcess, &code) != FALSE && code == 0;
-}
 
 struct Compiler {
     std::uint32_t id;
@@ -150,8 +132,9 @@ TEST_F(DebuggerMapsWin, OfEachCompiler) {
     const fs::path program = root_ / L"two parts.exe";
     for (const Compiler& compiler : kCompilers) {
         SCOPED_TRACE(compiler.id);
-        ASSERT_TRUE(RunToEnd(L"\"" + Dist() + compiler.file + L"\" " +
-                             FormatW(compiler.arguments, program.c_str(), source.c_str())));
+        ASSERT_EQ(RunToEnd(L"\"" + Dist() + compiler.file + L"\" " +
+                           FormatW(compiler.arguments, program.c_str(), source.c_str())),
+                  0u);
         ASSERT_EQ(Load(program, compiler.id), L"loaded");
         EXPECT_EQ(map_.imageBase, compiler.base);
         EXPECT_EQ(map_.textRva, 0x1000U);
@@ -172,7 +155,8 @@ TEST_F(DebuggerMapsWin, OfEachCompiler) {
 
 TEST_F(DebuggerMapsWin, OfTheCompilerWithTraps) {
     const fs::path source = Put(L"traps.bas", kSource);
-    ASSERT_TRUE(RunToEnd(L"\"" + Dist() + L"KELDORRBASIC\\KeldorrBASIC.exe\" \"" + source.wstring() + L"\" /L /Q /D"));
+    ASSERT_EQ(RunToEnd(L"\"" + Dist() + L"KELDORRBASIC\\KeldorrBASIC.exe\" \"" + source.wstring() + L"\" /L /Q /D"),
+              0u);
     const fs::path program = root_ / L"traps.exe";
     ASSERT_EQ(Load(program, kCompilerKeldorBasic), L"loaded") << "the source beside the program";
     EXPECT_EQ(map_.nativeTrapMap, 1U);
@@ -180,7 +164,7 @@ TEST_F(DebuggerMapsWin, OfTheCompilerWithTraps) {
     EXPECT_EQ(map_.imageBase, 0x400000U);
     EXPECT_EQ(map_.files, nullptr);
 
-    const std::string bytes = Read(program);
+    const std::string bytes = ReadBytes(program);
     TextSectionInfo text;
     ASSERT_TRUE(GetTextSectionInfo(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size(), &text));
     EXPECT_EQ(map_.textSize, text.virtualSize);
@@ -250,24 +234,11 @@ TEST_F(DebuggerMapsWin, ProgramsAroundFourGigabytes) {
 }
 
 TEST_F(DebuggerMapsWin, ALongPath) {
-    fs::path folder = L"\\\\?\\" + root_.wstring();
-    std::wstring path = root_.wstring();
-    for (int i = 0; i < 3; ++i) {
-        const std::wstring name(100, static_cast<wchar_t>(L'a' + i));
-        folder /= name;
-        path += L"\\" + name;
-        ASSERT_NE(CreateDirectoryW(folder.c_str(), nullptr), FALSE);
-    }
-    const std::string bytes = Program({{1, 5, 0x1000}});
-    {
-        const UniqueHandle file(
-            CreateFileW((folder / L"x.exe").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
-        DWORD written = 0;
-        ASSERT_TRUE(WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr));
-    }
-    EXPECT_EQ(Load(path + L"\\x.exe", kCompilerKvxa64), L"loaded");
-    EXPECT_NE(DeleteFileW((folder / L"x.exe").c_str()), FALSE);
-    for (; folder.filename().wstring().size() == 100; folder = folder.parent_path()) RemoveDirectoryW(folder.c_str());
+    const DeepFolder deep(root_.wstring());
+    const std::wstring program = deep.File(L"x.exe"), extended = DeepFolder::LongForm(program);
+    WriteBytes(extended, Program({{1, 5, 0x1000}}));
+    EXPECT_EQ(Load(program, kCompilerKvxa64), L"loaded");
+    EXPECT_NE(DeleteFileW(extended.c_str()), FALSE);
 }
 
 TEST_F(DebuggerMapsWin, WholeFiles) {
@@ -306,7 +277,7 @@ TEST_F(DebuggerMapsWin, StructuralLinesAreShownOnTheStatementBefore) {
     using Lines = std::vector<std::uint32_t>;
     const Lines untouched = {1, 3, 5, 7, 9, 10, 0, 0xFFFFFFFF};
     for (const fs::path& other :
-         {fs::path(), root_, root_ / L"missing.bas", Put(L"empty.bas", ""), Put(L"binary.bas", Read(program)),
+         {fs::path(), root_, root_ / L"missing.bas", Put(L"empty.bas", ""), Put(L"binary.bas", ReadBytes(program)),
           Put(L"wide.bas", "\xFF\xFE" + std::string("E\0L\0S\0E\0\n\0", 10))}) {
         DebugSetSourcePath(other.c_str());
         ASSERT_EQ(Load(program, kCompilerKvxb64), L"loaded") << other;

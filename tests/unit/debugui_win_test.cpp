@@ -154,9 +154,7 @@ TEST_P(DebugPane, WritesGeneralRegistersAndNothingElse) {
     for (const wchar_t* bad : {L"RIP", L"EIP", L"EFL", L"AL", L"", wide ? L"EDI" : L"RDI"})
         EXPECT_FALSE(DebugSetRegister(&state, state.stopThreadId, bad, 1));
     EXPECT_FALSE(DebugSetRegister(&state, 1, name, 1)) << "no such thread";
-    if (!wide) {
-        EXPECT_FALSE(DebugSetRegister(&state, state.stopThreadId, name, std::uint64_t{1} << 32));
-    }
+    if (!wide) EXPECT_FALSE(DebugSetRegister(&state, state.stopThreadId, name, std::uint64_t{1} << 32));
     EXPECT_TRUE(Registers() == expected);
     ASSERT_GT(Step(), 0);
     EXPECT_EQ(Registers().general[wide ? 12 : 5], value) << "the program runs with it";

@@ -3,32 +3,29 @@
 #include "disasm/listing_text.h"
 #include "disasm/renderer.h"
 #include "disasm/visible_text.h"
-#include "unit/pe_builder.h"
+#include "support/pe_bytes.h"
+#include "support/temp_files.h"
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <random>
 #include <string>
 
 namespace {
 
-using pe::Bytes;
-
-std::string ReadText(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
+using pe_bytes::Build;
+using pe_bytes::Bytes;
+using pe_bytes::PutNumber;
+using pe_bytes::PutText;
 
 // Expected texts are files with LF; the rendered one is left beside a file that differs, to be looked at and taken.
 void ExpectGolden(const std::string& name, std::string text) {
     std::erase(text, '\r');
     const std::string path = std::string(KVX_TESTS_DIR) + "/golden/" + name;
-    std::string expected = ReadText(path);
+    std::string expected = ReadBytes(path);
     std::erase(expected, '\r');
     if (text == expected) return;
-    std::ofstream(path + ".new", std::ios::binary) << text;
+    WriteBytes(path + ".new", text);
     ADD_FAILURE() << name << " is not as expected; see " << path << ".new";
 }
 
@@ -47,27 +44,27 @@ std::string RenderedListing(const std::string& text, std::size_t budget = 1000) 
 }
 
 // Imports of two functions and one export, as both kinds of program have them at 2000h.
-pe::Section Names(bool x64) {
-    const int width = x64 ? 8 : 4;
-    pe::Section section = {.name = ".data", .rva = 0x2000, .flags = pe::kData, .data = Bytes(0x200), .rawSize = 0};
-    Bytes& data = section.data;
+pe_bytes::Section Names(bool x64) {
+    const std::size_t width = x64 ? 8 : 4;
+    pe_bytes::Section section = {.name = ".data", .rva = 0x2000, .data = Bytes(0x200), .flags = pe_bytes::kData};
+    Bytes* const data = &section.data.bytes;
     for (const std::size_t table : {std::size_t{0x00}, std::size_t{0x20}}) {
-        pe::Put(data, table, 0x2080, width);
-        pe::Put(data, table + static_cast<std::size_t>(width), x64 ? 0x8000000000000011 : 0x80000011, width);
+        PutNumber(data, table, 0x2080, width);
+        PutNumber(data, table + width, x64 ? 0x8000000000000011 : 0x80000011, width);
     }
-    pe::Put(data, 0x40, 0x2020, 4);
-    pe::Put(data, 0x4C, 0x20C0, 4);
-    pe::Put(data, 0x50, 0x2000, 4);
-    pe::PutText(data, 0x82, "ExitProcess");
-    pe::PutText(data, 0xC0, "KERNEL32.dll");
-    pe::Put(data, 0x114, 1, 4);
-    pe::Put(data, 0x118, 1, 4);
-    pe::Put(data, 0x11C, 0x2130, 4);
-    pe::Put(data, 0x120, 0x2138, 4);
-    pe::Put(data, 0x124, 0x2140, 4);
-    pe::Put(data, 0x130, 0x1050, 4);
-    pe::Put(data, 0x138, 0x2150, 4);
-    pe::PutText(data, 0x150, "Exported");
+    PutNumber(data, 0x40, 0x2020, 4);
+    PutNumber(data, 0x4C, 0x20C0, 4);
+    PutNumber(data, 0x50, 0x2000, 4);
+    PutText(data, 0x82, "ExitProcess");
+    PutText(data, 0xC0, "KERNEL32.dll");
+    PutNumber(data, 0x114, 1, 4);
+    PutNumber(data, 0x118, 1, 4);
+    PutNumber(data, 0x11C, 0x2130, 4);
+    PutNumber(data, 0x120, 0x2138, 4);
+    PutNumber(data, 0x124, 0x2140, 4);
+    PutNumber(data, 0x130, 0x1050, 4);
+    PutNumber(data, 0x138, 0x2150, 4);
+    PutText(data, 0x150, "Exported");
     return section;
 }
 
@@ -104,9 +101,9 @@ const char kSource[] =
 
 DisasmProgram Program64(bool withLines) {
     DisasmProgram program;
-    program.file = pe::Build({.x64 = true,
-                              .sections = {{".text", 0x1000, pe::kCode, kCode64}, Names(true)},
-                              .directories = {{0, 0x2100, 0x80}, {1, 0x2040, 40}}});
+    program.file = Build({.x64 = true,
+                          .sections = {{".text", 0x1000, kCode64}, Names(true)},
+                          .directories = {{0, 0x2100, 0x80}, {1, 0x2040, 40}}});
     if (!withLines) return program;
     program.lines = {{0x1030, 1, 3}, {0x1034, 1, 4},  {0x1000, 1, 7}, {0x1004, 1, 8},
                      {0x1009, 1, 9}, {0x1011, 2, 77}, {0x1024, 1, 0}, {0x9000, 1, 5}};
@@ -116,9 +113,8 @@ DisasmProgram Program64(bool withLines) {
 
 DisasmProgram Program32() {
     DisasmProgram program;
-    program.file = pe::Build({.x64 = false,
-                              .sections = {{".text", 0x1000, pe::kCode, kCode32}, Names(false)},
-                              .directories = {{1, 0x2040, 40}}});
+    program.file =
+        Build({.x64 = false, .sections = {{".text", 0x1000, kCode32}, Names(false)}, .directories = {{1, 0x2040, 40}}});
     return program;
 }
 
@@ -260,7 +256,7 @@ TEST(Disasm, AHeadingWithSeveralRecordsNamesTheFirst) {
 TEST(Disasm, NamesHaveALimit) {
     constexpr std::uint32_t kLimit = 65536;
     DisasmProgram program;
-    program.file = pe::Build({.sections = {{".text", 0x1000, pe::kCode, Bytes(kLimit + 2, 0x90)}}});
+    program.file = Build({.sections = {{".text", 0x1000, Bytes(kLimit + 2, 0x90)}}});
     program.sources = {{1, "", ""}};
     for (std::uint32_t i = 0; i < kLimit + 2; ++i) {
         program.lines.push_back({0x1000 + i, 1, i + 1});
@@ -276,11 +272,11 @@ TEST(Disasm, FilesWithoutCodeToShowSayWhy) {
     std::mt19937 random(1);
     Bytes noise(8192);
     for (std::uint8_t& byte : noise) byte = static_cast<std::uint8_t>(random());
-    const auto text = [](Bytes data) { return pe::Section{".text", 0x1000, pe::kCode, std::move(data)}; };
-    Bytes cut = pe::Build({.sections = {text(kCode64)}});
+    const auto text = [](Bytes data) { return pe_bytes::Section{".text", 0x1000, std::move(data)}; };
+    Bytes cut = Build({.sections = {text(kCode64)}});
     cut.resize(cut.size() - 8);
-    Bytes noHeader = pe::Build({.sections = {text(kCode64)}});
-    noHeader.resize(0x90);
+    Bytes noHeader = Build({.sections = {text(kCode64)}});
+    noHeader.resize(pe_bytes::kHeader + 16);
     struct Case {
         const char* name;
         Bytes file;
@@ -291,31 +287,31 @@ TEST(Disasm, FilesWithoutCodeToShowSayWhy) {
         {"text", {'P', 'R', 'I', 'N', 'T'}, "(The file is no program.)\r\n"},
         {"cut after the header", noHeader, "(The file is no Windows program, or its header is damaged.)\r\n"},
         {"cut in the code", cut, "(The file is damaged or cut off: its code lies outside the file.)\r\n"},
-        {"data elsewhere", pe::Build({.sections = {{".text", 0x1000, pe::kCode, kCode64, 0x100000}}}),
+        {"data elsewhere", Build({.sections = {{".text", 0x1000, kCode64, 0x100000}}}),
          "(The file is damaged or cut off: its code lies outside the file.)\r\n"},
-        {"no code", pe::Build({.sections = {{".data", 0x1000, pe::kData, kCode64}}}),
+        {"no code", Build({.sections = {{".data", 0x1000, kCode64, 0, pe_bytes::kData}}}),
          "(The program has no section with code.)\r\n"},
-        {"no section", pe::Build({}), "(The program has no section with code.)\r\n"},
-        {"code without data", pe::Build({.sections = {{".text", 0x1000, pe::kCode, {}}}}),
+        {"no section", Build({}), "(The program has no section with code.)\r\n"},
+        {"code without data", Build({.sections = {{".text", 0x1000, {}}}}),
          "(The program's code is not in the file: it is made when the program runs.)\r\n"},
-        {"entry outside", pe::Build({.entry = 0x5000, .sections = {text(kCode64)}}),
+        {"entry outside", Build({.entry = 0x5000, .sections = {text(kCode64)}}),
          "(The file is damaged: the program's entry point lies outside its sections.)\r\n"},
-        {"packer", pe::Build({.sections = {{"UPX0", 0x1000, pe::kCode, {}}, {"UPX1", 0x2000, pe::kCode, kCode64}}}),
+        {"packer", Build({.sections = {{"UPX0", 0x1000, {}}, {"UPX1", 0x2000, kCode64}}}),
          "(The program is packed (section \"UPX0\"): its code is not in the file as it runs.)\r\n"},
-        {"noise", pe::Build({.sections = {text(noise)}}),
+        {"noise", Build({.sections = {text(noise)}}),
          "(The program is packed or encrypted (section \".text\" looks like random data): its code is not in the file "
          "as "
          "it runs.)\r\n"},
-        {".NET", pe::Build({.sections = {text(kCode64)}, .directories = {{14, 0x1000, 72}}}),
+        {".NET", Build({.sections = {text(kCode64)}, .directories = {{14, 0x1000, 72}}}),
          "(The program is made for .NET: it holds no machine code.)\r\n"},
-        {"ARM", pe::Build({.machine = 0xAA64, .sections = {text(kCode64)}}),
+        {"ARM", Build({.machine = 0xAA64, .sections = {text(kCode64)}}),
          "(The program is for ARM64, and only x86 and x64 code can be shown.)\r\n"},
-        {"32-bit header, 64-bit machine", pe::Build({.x64 = false, .machine = 0x8664, .sections = {text(kCode64)}}),
+        {"32-bit header, 64-bit machine", Build({.x64 = false, .machine = 0x8664, .sections = {text(kCode64)}}),
          "(The file is damaged: its header contradicts itself.)\r\n"},
     };
     for (const Case& c : cases) EXPECT_EQ(Rendered({.file = c.file}), c.message) << c.name;
     // Names alone do not make a packed program, nor does a library's missing entry point.
-    EXPECT_TRUE(Rendered({.file = pe::Build({.entry = 0, .sections = {text(kCode64)}})}).starts_with("; --- Section"));
+    EXPECT_TRUE(Rendered({.file = Build({.entry = 0, .sections = {text(kCode64)}})}).starts_with("; --- Section"));
 }
 
 TEST(Disasm, ProceduresAreKnownByTheirHeading) {
@@ -375,7 +371,7 @@ TEST(Listing, NoLineIsLost) {
 }
 
 TEST(Listing, ACompilersListingLooksAsExpected) {
-    const std::string listing = ReadText(std::string(KVX_TESTS_DIR) + "/golden/listing.asm");
+    const std::string listing = ReadBytes(std::string(KVX_TESTS_DIR) + "/golden/listing.asm");
     ASSERT_FALSE(listing.empty());
     ExpectGolden("listing.txt", RenderedListing(listing));
     EXPECT_EQ(RenderedListing(listing, 1), RenderedListing(listing));

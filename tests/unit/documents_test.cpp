@@ -45,14 +45,10 @@ const RecentCase kRecentCases[] = {
 TEST(RecentList, PutsTheLatestFirst) {
     for (const RecentCase& test : kRecentCases) {
         wchar_t rows[3][16] = {};
-        for (std::size_t i = 0; i < test.list.size(); ++i) {
-            test.list[i].copy(rows[i], 15);
-        }
+        for (std::size_t i = 0; i < test.list.size(); ++i) test.list[i].copy(rows[i], 15);
         const int count = RecentListAdd(rows, static_cast<int>(test.list.size()), test.added, test.match);
         std::vector<std::wstring> found;
-        for (int i = 0; i < count; ++i) {
-            found.emplace_back(rows[i]);
-        }
+        for (int i = 0; i < count; ++i) found.emplace_back(rows[i]);
         EXPECT_EQ(found, test.expected) << test.name;
     }
 }
@@ -106,12 +102,10 @@ TEST(GotoLine, ColumnStaysOnTheLine) {
 }
 
 TEST(FileFilters, KnowsSourceNames) {
-    for (const wchar_t* name : {L"a.bas", L"A.BAS", L"x.y.pbi", L"f.s", L"x.b64"}) {
+    for (const wchar_t* name : {L"a.bas", L"A.BAS", L"x.y.pbi", L"f.s", L"x.b64"})
         EXPECT_TRUE(IsSourceFileName(name)) << name;
-    }
-    for (const wchar_t* name : {L"bas", L"a.ba", L"a.bas.bak", L"a.", L"", L"a.sx", L"a.txt"}) {
+    for (const wchar_t* name : {L"bas", L"a.ba", L"a.bas.bak", L"a.", L"", L"a.sx", L"a.txt"})
         EXPECT_FALSE(IsSourceFileName(name)) << name;
-    }
 }
 
 }  // namespace

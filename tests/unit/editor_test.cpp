@@ -106,9 +106,8 @@ std::string WithoutEnd(std::string line) {
 }
 
 std::int64_t NaiveHeader(const std::vector<std::string>& lines, std::int64_t line) {
-    for (; line >= 0; --line) {
+    for (; line >= 0; --line)
         if (StickyIsHeader(WithoutEnd(lines[static_cast<std::size_t>(line)]))) return line;
-    }
     return kStickyNone;
 }
 
@@ -149,11 +148,10 @@ TEST(StickyHeader, CacheAgreesWithAScanAfterRandomEditsAndMoves) {
             if (below(3) != 0) continue;
 
             const std::size_t at = below(text.size() + 1);
-            if (below(2) == 0) {
+            if (below(2) == 0)
                 text.insert(at, pieces[below(std::size(pieces))]);
-            } else {
+            else
                 text.erase(at, below(12));
-            }
             // The change's line as the editor reports it: of its position, in the changed text.
             const std::vector<std::string> after = SplitKeepingEnds(text);
             std::size_t start = 0;

@@ -1,12 +1,15 @@
 // Files on disk: what is saved comes back byte for byte, and a failed save loses nothing. Shell registration in the
 // real registry.
 #include "app/app_state.h"
-#include "files/file_io.h"
-#include "settings/file_types.h"
 #include "base/handles.h"
 #include "base/path.h"
-#include "files/recovery.h"
 #include "base/wide_format.h"
+#include "files/file_io.h"
+#include "files/recovery.h"
+#include "settings/file_types.h"
+
+#include "support/deep_folder.h"
+#include "support/temp_files.h"
 
 #include <gtest/gtest.h>
 
@@ -39,22 +42,20 @@ class FilesWin : public testing::Test {
 protected:
     void SetUp() override {
         GetEnvironmentVariableW(L"LOCALAPPDATA", before_, MAX_PATH);
-        root_ = fs::temp_directory_path() / FormatW(L"kvx-files-%lu-%lu", GetCurrentProcessId(), ++count_);
         fs::create_directories(root_ / L"appdata");
         SetEnvironmentVariableW(L"LOCALAPPDATA", (root_ / L"appdata").c_str());
     }
     void TearDown() override {
         SetEnvironmentVariableW(L"LOCALAPPDATA", before_);
-        std::error_code failed;
+        std::error_code failed;  // a handle that was left open
         fs::remove_all(root_, failed);
         EXPECT_FALSE(failed) << failed.message();
     }
     std::vector<fs::path> Copies() const {
         std::vector<fs::path> found;
         std::error_code none;
-        for (const auto& entry : fs::directory_iterator{root_ / L"appdata" / L"KVX-Editor" / L"Recovery", none}) {
+        for (const auto& entry : fs::directory_iterator{root_ / L"appdata" / L"KVX-Editor" / L"Recovery", none})
             found.push_back(entry.path());
-        }
         return found;
     }
     static bool Save(const fs::path& path, std::string_view text, TextEncoding encoding = TextEncoding::Utf8,
@@ -62,11 +63,11 @@ protected:
         return WriteSourceFileFromEditor(path.c_str(), text.data(), text.size(), encoding, ending);
     }
 
-    fs::path root_;
+    TempFolder folder_;
+    const fs::path root_ = folder_.path;
 
 private:
     wchar_t before_[MAX_PATH] = {};
-    static inline unsigned long count_ = 0;
 };
 
 LSTATUS ReadDefault(const std::wstring& key, std::wstring* text) {
@@ -201,22 +202,15 @@ TEST_F(FilesWin, ReadingRefusesWhatIsNoFile) {
 }
 
 TEST_F(FilesWin, PathsBeyondTheOldLimit) {
-    std::wstring folder = root_.wstring();
-    while (folder.size() < 500) {
-        folder += L"\\" + std::wstring(60, L'd');
-        ASSERT_TRUE(CreateDirectoryW(PathForSystem(folder.c_str()).c_str(), nullptr)) << folder;
-    }
-    const std::wstring path = folder + L"\\\u00FCber.bas";
+    const DeepFolder deep(root_.wstring(), 500);
+    const std::wstring path = deep.File(L"\u00FCber.bas");
     EXPECT_TRUE(Save(path, "deep\n"));
     EXPECT_TRUE(FileExists(path.c_str()));
     EXPECT_EQ(Bytes(path), "deep\n");
-    EXPECT_TRUE(FileExists((folder + L"/../" + std::wstring(60, L'd') + L"/\u00FCber.bas").c_str()));
+    EXPECT_TRUE(
+        FileExists((deep.path + L"/../" + fs::path(deep.path).filename().wstring() + L"/\u00FCber.bas").c_str()));
     EXPECT_TRUE(Copies().empty());
-    // The library's own removal does not reach down here.
     EXPECT_TRUE(DeleteFileW(PathForSystem(path.c_str()).c_str()));
-    for (; folder.size() > root_.wstring().size(); folder.resize(folder.rfind(L'\\'))) {
-        EXPECT_TRUE(RemoveDirectoryW(PathForSystem(folder.c_str()).c_str())) << folder;
-    }
 }
 
 TEST_F(FilesWin, PathsAsUsersWriteThem) {
@@ -245,9 +239,7 @@ TEST_F(FilesWin, PathsAsUsersWriteThem) {
 }
 
 TEST_F(FilesWin, CharactersWithoutAPlaceInTheCodePage) {
-    if (GetACP() != 1252) {
-        GTEST_SKIP() << "the cases are for code page 1252";
-    }
+    if (GetACP() != 1252) GTEST_SKIP() << "the cases are for code page 1252";
     EXPECT_EQ(AnsiFirstUnmappable(""), -1);
     EXPECT_EQ(AnsiFirstUnmappable("caf\xC3\xA9 \xE2\x82\xAC"), -1);  // e acute, euro
     EXPECT_EQ(AnsiFirstUnmappable("ab\xE4\xB8\xADz"), 2);            // a Chinese character
@@ -277,9 +269,8 @@ TEST(FileTypes, OpenWithListsAndDefaultPrograms) {
     wchar_t executable[MAX_PATH];
     GetModuleFileNameW(nullptr, executable, MAX_PATH);
     const std::wstring command = FormatW(L"\"%s\" \"%%1\"", executable);
-    for (const wchar_t* key : {L".kxa", L".kxb", L".b64", L".c", L".h", L"KVXA64.Source", L"KVXB64.Source"}) {
+    for (const wchar_t* key : {L".kxa", L".kxb", L".b64", L".c", L".h", L"KVXA64.Source", L"KVXB64.Source"})
         SHDeleteKeyW(HKEY_CURRENT_USER, (std::wstring{L"Software\\Classes\\"} + key).c_str());
-    }
     auto& compilers = g_app.settings.compilers;
     compilers[kCompilerKvxa64].registerExtension = 0;
     compilers[kCompilerKvxb64].registerExtension = 0;

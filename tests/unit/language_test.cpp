@@ -47,9 +47,8 @@ TEST(Theme, EveryTextColourIsReadable) {
         EXPECT_GE(ThemeContrast(chrome.tabText, chrome.hover), kReadable) << dark;
         EXPECT_GE(ThemeContrast(chrome.paneText, chrome.paneBack), kReadable) << dark;
         EXPECT_GE(ThemeContrast(chrome.statusText, chrome.statusBack), kReadable) << dark;
-        for (const Rgb mark : {chrome.error, chrome.modified, chrome.success, chrome.accent}) {
+        for (const Rgb mark : {chrome.error, chrome.modified, chrome.success, chrome.accent})
             EXPECT_GE(ThemeContrast(mark, chrome.tabBack), 3.0) << "a mark, not text: " << std::hex << mark;
-        }
     }
     EXPECT_EQ(&ThemePalette(99, true), &ThemePalette(0, true)) << "out of range: the program's own";
     EXPECT_EQ(ThemeColorRef(0x112233), 0x332211u);
@@ -126,9 +125,8 @@ TEST(Lexer, KeywordSetsAreCleanAndDistinct) {
                 }
                 own.insert(word);
             }
-            for (const std::string& word : own) {
+            for (const std::string& word : own)
                 EXPECT_TRUE(known.insert(word).second) << word << " in two sets: only the first would count";
-            }
         }
     }
     EXPECT_TRUE(IsBasicKeyword("ElseIf"));

@@ -1,8 +1,10 @@
 // Files of line maps on a disk: copies that are gone, and maps that name files twice or by no name.
 #include "program/map_paths.h"
-#include "program/line_map.h"
 #include "debugui/location.h"
 #include "files/file_io.h"
+#include "program/line_map.h"
+
+#include "support/temp_files.h"
 
 #include <gtest/gtest.h>
 
@@ -15,20 +17,14 @@ namespace {
 class MapFiles : public testing::Test {
 protected:
     void SetUp() override {
-        wchar_t temporary[MAX_PATH] = {};
-        ASSERT_NE(GetTempPathW(MAX_PATH, temporary), 0U);
-        folder = std::wstring(temporary) + L"kvx map files " + std::to_wstring(GetCurrentProcessId()) + L"\\";
-        CreateDirectoryW(folder.c_str(), nullptr);
-        for (const wchar_t* name : kNames) ASSERT_TRUE(WriteFileUtf8((folder + name).c_str(), "'", 1));
+        for (const wchar_t* name : {L"main.kxa", L"part.inc"}) WriteBytes(folder + name, "'");
     }
     void TearDown() override {
-        for (const wchar_t* name : kNames) DeleteFileW((folder + name).c_str());
-        RemoveDirectoryW(folder.c_str());
         DebugForgetFiles();
         DebugSetSourcePath(L"");
     }
-    static constexpr const wchar_t* kNames[] = {L"main.kxa", L"part.inc"};
-    std::wstring folder;
+    TempFolder temporary;
+    const std::wstring folder = temporary.path.wstring() + L"\\";
 };
 
 TEST_F(MapFiles, CopiesOfTheSourceAreTheSource) {

@@ -38,9 +38,7 @@ TEST(FindRules, SplitsAlternatives) {
     for (const Case& test : cases) {
         std::vector<std::string> found;
         EXPECT_EQ(SplitAlternatives(test.pattern, found), test.possible) << test.pattern;
-        if (test.possible) {
-            EXPECT_EQ(found, test.expected) << test.pattern;
-        }
+        if (test.possible) EXPECT_EQ(found, test.expected) << test.pattern;
     }
 }
 
@@ -93,9 +91,8 @@ TEST(FindRules, ExpandsReplacements) {
         {"\\\\1", "\\1"},   {"\\.", "."},
         {"end\\", "end\\"}, {"", ""},
     };
-    for (const Case& test : cases) {
+    for (const Case& test : cases)
         EXPECT_EQ(ExpandReplacement(test.replacement, group), test.expected) << test.replacement;
-    }
 }
 
 TEST(FindRules, PlansAroundSelectionAndScope) {

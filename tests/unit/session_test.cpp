@@ -87,22 +87,15 @@ TEST(SessionText, ParsesLineByLine) {
          "[File1]\nCursor=99999999999999999999\n",
          {Item(0, SessionKey::Cursor, 2147483647, "99999999999999999999")}},
     };
-    for (const Case& test : cases) {
-        EXPECT_EQ(Items(test.text), test.expected) << test.name;
-    }
+    for (const Case& test : cases) EXPECT_EQ(Items(test.text), test.expected) << test.name;
 }
 
 TEST(SessionText, KeepsMarkerListsOfAnyLength) {
     SessionFile file{.path = "x", .hasEditor = true};
-    for (int line = 0; line < 5000; ++line) {
-        file.breakpoints.push_back(line * 3);
-    }
+    for (int line = 0; line < 5000; ++line) file.breakpoints.push_back(line * 3);
     std::vector<std::int32_t> found;
-    for (const SessionItem& item : SessionParse(SessionCompose({}, {&file, 1}))) {
-        if (item.key == SessionKey::Breakpoints) {
-            found = SessionParseLines(item.text);
-        }
-    }
+    for (const SessionItem& item : SessionParse(SessionCompose({}, {&file, 1})))
+        if (item.key == SessionKey::Breakpoints) found = SessionParseLines(item.text);
     EXPECT_EQ(found, file.breakpoints);
 }
 
@@ -161,9 +154,8 @@ struct FileList {
 
 TEST(WorkspaceText, ReadsWhatItWrites) {
     std::vector<WorkspaceTab> tabs;
-    for (int i = 0; i < 70; ++i) {
+    for (int i = 0; i < 70; ++i)
         tabs.push_back({.path = L"C:\\dir \"q\"\\f" + std::to_wstring(i) + L".bas", .cursor = i * 10 - 10});
-    }
     tabs.push_back({.path = std::wstring(kPathCapacity - 1, L'\\'), .cursor = 1});
     const std::wstring text = WorkspaceCompose(tabs, 5, 4, L"-O2");
     const auto files = std::make_unique<FileList>();
@@ -242,9 +234,7 @@ TEST(TreeRules, ShowsAndSorts) {
     std::vector<TreeEntry> entries = {{L"b.bas", false}, {L"Z", true}, {L"A.bas", false}, {L"y", true}};
     TreeSort(entries);
     std::wstring order;
-    for (const TreeEntry& entry : entries) {
-        order += entry.name + L" ";
-    }
+    for (const TreeEntry& entry : entries) order += entry.name + L" ";
     EXPECT_EQ(order, L"y Z A.bas b.bas ");
     EXPECT_EQ(TreeRootLabel(L"C:\\work\\demo\\"), L"demo");
     EXPECT_EQ(TreeRootLabel(L"C:\\"), L"C:");

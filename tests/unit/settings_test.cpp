@@ -15,24 +15,18 @@ namespace {
 using namespace std::string_view_literals;
 
 const SettingRow& Row(std::wstring_view section, std::wstring_view key) {
-    for (const SettingRow& row : SettingRows()) {
-        if (section == row.section && key == row.key) {
-            return row;
-        }
-    }
+    for (const SettingRow& row : SettingRows())
+        if (section == row.section && key == row.key) return row;
     ADD_FAILURE() << "no such setting";
     return SettingRows().front();
 }
 
 // What the system's functions make of the text behind the "=".
 std::wstring AsRead(std::wstring text) {
-    while (!text.empty() && (text.back() == L' ' || text.back() == L'\t')) {
-        text.pop_back();
-    }
+    while (!text.empty() && (text.back() == L' ' || text.back() == L'\t')) text.pop_back();
     text.erase(0, text.find_first_not_of(L" \t"));
-    if (text.size() > 1 && (text.front() == L'"' || text.front() == L'\'') && text.front() == text.back()) {
+    if (text.size() > 1 && (text.front() == L'"' || text.front() == L'\'') && text.front() == text.back())
         text = text.substr(1, text.size() - 2);
-    }
     return text;
 }
 
@@ -172,9 +166,8 @@ TEST(Settings, LinesOfASection) {
     int number = 0;
     EXPECT_TRUE(ParsePlainNumber(L"-999999999", &number) && number == -999999999);
     EXPECT_TRUE(ParsePlainNumber(L"0", &number) && number == 0);
-    for (const wchar_t* text : {L"", L"-", L"010", L"0x10", L"1 2", L"+1", L"4294967295"}) {
+    for (const wchar_t* text : {L"", L"-", L"010", L"0x10", L"1 2", L"+1", L"4294967295"})
         EXPECT_FALSE(ParsePlainNumber(text, &number)) << text;
-    }
 }
 
 TEST(Settings, FileTextKeepsSectionsTogether) {

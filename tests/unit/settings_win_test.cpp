@@ -1,13 +1,15 @@
 // The settings file through the system's own INI functions, and secrets through its data protection.
 #include "app/app_state.h"
-#include "settings/compiler_table.h"
-#include "files/file_io.h"
 #include "base/handles.h"
 #include "base/path.h"
 #include "base/wide_format.h"
+#include "files/file_io.h"
+#include "settings/compiler_table.h"
 #include "settings/secrets.h"
 #include "settings/settings_schema.h"
 #include "settings/settings_store.h"
+
+#include "support/temp_files.h"
 
 #include <gtest/gtest.h>
 
@@ -24,16 +26,10 @@ namespace {
 class SettingsWin : public testing::Test {
 protected:
     void SetUp() override {
-        root_ = fs::temp_directory_path() / FormatW(L"kvx-settings-%lu-%lu", GetCurrentProcessId(), ++count_);
-        fs::create_directories(root_);
         ini_ = (root_ / L"Editor.ini").wstring();
         SettingsDefaults(g_app.settings);
     }
-    void TearDown() override {
-        SettingsDefaults(g_app.settings);
-        std::error_code ignored;
-        fs::remove_all(root_, ignored);
-    }
+    void TearDown() override { SettingsDefaults(g_app.settings); }
     void Save() { SettingsSave(ini_.c_str()); }
     void Load() {
         // Nothing may come back that was only in memory.
@@ -51,11 +47,9 @@ protected:
         return bytes ? std::string{bytes.get(), length} : "(unreadable)";
     }
 
-    fs::path root_;
+    TempFolder folder_;
+    const fs::path root_ = folder_.path;
     std::wstring ini_;
-
-private:
-    static inline unsigned long count_ = 0;
 };
 
 // Awkward text that fits into a field of `capacity` characters; another one for each number.
@@ -65,12 +59,8 @@ std::wstring Awkward(std::size_t number, std::size_t capacity) {
                                          L"[Editor]",     L"k=v\t",         L"\"-x\" \"y\""};
     std::wstring text = kTexts[number % std::size(kTexts)];
     text += L" #" + std::to_wstring(number);
-    if (number % 7 == 0) {
-        text.resize(capacity - 1, L'\u0416');  // filled to the last place
-    }
-    if (number % 3 == 0) {
-        text.back() = text.front();
-    }
+    if (number % 7 == 0) text.resize(capacity - 1, L'\u0416');  // filled to the last place
+    if (number % 3 == 0) text.back() = text.front();
     return text;
 }
 
@@ -82,9 +72,7 @@ TEST_F(SettingsWin, EverySettingComesBackAsItWas) {
     const auto before = std::make_unique<Settings>();
     for (const SettingRow& row : SettingRows()) {
         ++number;
-        if ((row.flags & (kSettingLoadOnly | kSettingSaveOnly | kSettingExeRelative)) != 0) {
-            continue;
-        }
+        if ((row.flags & (kSettingLoadOnly | kSettingSaveOnly | kSettingExeRelative)) != 0) continue;
         switch (row.type) {
             case SettingType::Text:
                 SafeCopyW(SettingText(settings, row), row.capacity,
@@ -110,9 +98,7 @@ TEST_F(SettingsWin, EverySettingComesBackAsItWas) {
     Load();
     for (const SettingRow& row : SettingRows()) {
         const std::wstring name = std::wstring{row.section} + L" " + row.key;
-        if ((row.flags & (kSettingLoadOnly | kSettingExeRelative)) != 0) {
-            continue;
-        }
+        if ((row.flags & (kSettingLoadOnly | kSettingExeRelative)) != 0) continue;
         switch (row.type) {
             case SettingType::Text: EXPECT_STREQ(SettingText(settings, row), SettingText(*before, row)) << name; break;
             case SettingType::Bool:
@@ -120,9 +106,8 @@ TEST_F(SettingsWin, EverySettingComesBackAsItWas) {
                 EXPECT_EQ(SettingNumber(settings, row.offset), SettingNumber(*before, row.offset)) << name;
                 break;
             case SettingType::List:
-                for (int i = 0; i < SettingNumber(*before, row.countOffset); ++i) {
+                for (int i = 0; i < SettingNumber(*before, row.countOffset); ++i)
                     EXPECT_STREQ(SettingText(settings, row, i), SettingText(*before, row, i)) << name << i;
-                }
                 break;
         }
     }
@@ -278,9 +263,7 @@ TEST(CompilerDetection, FindsCandidatesAndKeepsWhatIsValid) {
     const fs::path first = beside / L"KVXC64";
     const fs::path keldor = beside / L"KELDORRBASIC";
     const bool made = !fs::exists(first) && !fs::exists(keldor);
-    if (!made) {
-        GTEST_SKIP() << "compilers are installed beside the tests";
-    }
+    if (!made) GTEST_SKIP() << "compilers are installed beside the tests";
     fs::create_directories(first);
     fs::create_directories(keldor);
     WriteFileUtf8((first / L"KVXC64.exe").c_str(), "x", 1);

@@ -70,9 +70,8 @@ TEST(TabLayout, IndicesFollowMovesAndRemovals) {
             std::iota(row.begin(), row.end(), 0);
             row.erase(row.begin() + from);
             row.insert(row.begin() + to, from);
-            for (int i = 0; i < 5; ++i) {
+            for (int i = 0; i < 5; ++i)
                 EXPECT_EQ(row[static_cast<std::size_t>(TabIndexAfterMove(i, from, to))], i) << from << " to " << to;
-            }
         }
     }
     const struct {
@@ -83,9 +82,8 @@ TEST(TabLayout, IndicesFollowMovesAndRemovals) {
         {"right of the active", 1, 3, 4, 1}, {"the active: its right neighbour", 1, 1, 4, 1},
         {"the active and last", 3, 3, 4, 2}, {"none active", -1, 0, 3, -1},
     };
-    for (const auto& test : cases) {
+    for (const auto& test : cases)
         EXPECT_EQ(TabIndexAfterRemoval(test.active, test.removed, test.count), test.after) << test.name;
-    }
 }
 
 }  // namespace

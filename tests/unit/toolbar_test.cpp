@@ -1,8 +1,8 @@
 // Command states, keys and toolbar pictures.
-#include "resources/ids.h"
 #include "commands/command_table.h"
 #include "commands/icons.h"
 #include "commands/toolbar_fit.h"
+#include "resources/ids.h"
 
 #include <gtest/gtest.h>
 

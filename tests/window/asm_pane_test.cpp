@@ -2,7 +2,7 @@
 #include "harness.h"
 
 #include "resources/ids.h"
-#include "unit/pe_builder.h"
+#include "support/pe_bytes.h"
 
 namespace {
 
@@ -126,10 +126,9 @@ TEST(AsmPane, TakesWhateverTheProgramsFileHolds) {
     EXPECT_TRUE(AwaitAssembly(editor, L"(The file is empty.)")) << Utf8(Assembly(editor));
 
     // More than the pane takes: it says so, and the next one, or the end of the program, need not wait for it.
-    pe::Bytes code(8 << 20);
+    pe_bytes::Bytes code(8 << 20);
     for (std::size_t i = 0; i < code.size(); ++i) code[i] = static_cast<std::uint8_t>(i % 5 == 0 ? 0xE8 : i % 3);
-    const pe::Bytes big = pe::Build({.sections = {{".text", 0x1000, pe::kCode, code}}});
-    const std::string_view bytes(reinterpret_cast<const char*>(big.data()), big.size());
+    const std::string bytes = pe_bytes::Image(true, 0x140000000, {{".text", 0x1000, code}});
     showAgain(bytes);
     EXPECT_TRUE(WaitFor(
         [&] { return Assembly(editor).find(L"... the rest is left out here ...") != std::wstring::npos; }, 60000))

@@ -10,18 +10,12 @@
 
 namespace {
 
-std::wstring Open(const std::wstring& path) { return L" --open \"" + path + L"\""; }
 std::wstring Quoted(const std::wstring& path) { return L"\"" + path + L"\""; }
 
 // A folder in which compiler 0 is the obedient one.
 struct FakeFolder : ProgramFolder {
     explicit FakeFolder(std::string_view script) {
-        wchar_t own[1024];
-        GetModuleFileNameW(nullptr, own, 1024);
-        const std::wstring fake = std::wstring(own, std::wcsrchr(own, L'\\') + 1) + L"fake_compiler.exe";
-        CreateDirectoryW(File(L"KVXA64").c_str(), nullptr);
-        EXPECT_TRUE(CopyFileW(fake.c_str(), File(L"KVXA64\\kvxa64.exe").c_str(), FALSE)) << Utf8(fake) << " is missing";
-        Script(script);
+        FakeCompiler(script);
         SetIni(L"Editor", L"AutoSaveEnabled", L"0");
         SetIni(L"Editor", L"RestoreLastSession", L"0");
     }
@@ -105,7 +99,7 @@ TEST(Build, EachCompilerBuildsASample) {
     };
     std::wstring arguments;
     for (const Case& c : cases)
-        arguments += Open(
+        arguments += OpenArgument(
             folder.Write(c.source, c.source == std::wstring(L"e.bas") ? "#INCLUDE \"part.inc\"\r\n" + kHello : kHello));
     Editor editor(folder, arguments);
     editor.Do(IDM_VIEW_ASM);
@@ -165,7 +159,7 @@ TEST(Build, RunStartsTheProgramAndOnlyAfterSuccess) {
     ProgramFolder folder(kCompilers);
     const std::wstring file =
         folder.Write(L"kvxruns.bas", "FUNCTION PBMAIN() AS LONG\r\n  DO\r\n  LOOP\r\nEND FUNCTION\r\n");
-    Editor editor(folder, Open(file) + L" --compiler kvxa64");
+    Editor editor(folder, OpenArgument(file) + L" --compiler kvxa64");
     editor.Foreground();
     ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
     editor.Keys({VK_F5});
@@ -176,7 +170,7 @@ TEST(Build, RunStartsTheProgramAndOnlyAfterSuccess) {
     DeleteFileW(folder.File(L"Editor.ini_autosave.kvxsess").c_str());
     folder.Write(L"kvxruns.bas",
                  "FUNCTION PBMAIN() AS LONG\r\n  LOCAL a AS LONG\r\n  a = nonsense(1)\r\nEND FUNCTION\r\n");
-    Editor again(folder, Open(file) + L" --compiler kvxb64");
+    Editor again(folder, OpenArgument(file) + L" --compiler kvxb64");
     again.Do(IDM_VIEW_ASM);  // leaves less width than the longest line takes
     SetWindowPos(again.main, nullptr, 0, 0, 700, 420, SWP_NOZORDER);
     const std::wstring text = Build(again, IDM_BUILD_RUN);
@@ -195,7 +189,7 @@ TEST(Build, RefusalsSayWhy) {
     const std::wstring gone = folder.Write(L"gone.exe", "MZ");
     folder.SetIni(L"KVXA64", L"Path", L"gone.exe");
     const std::wstring file = folder.Write(L"a.bas", kHello);
-    Editor editor(folder, Open(file) + L" --compiler kvxa64");
+    Editor editor(folder, OpenArgument(file) + L" --compiler kvxa64");
     DeleteFileW(gone.c_str());
     const std::wstring advice = L"\nOpen Project > Settings and run Auto-Detect or browse to the compiler.\n";
     EXPECT_EQ(Utf8(Build(editor)), Utf8(L"Compiler not found: KVXA64\nConfigured path: " + gone + advice));
@@ -225,7 +219,7 @@ TEST(Build, RefusalsSayWhy) {
 
 TEST(Build, EveryLineOfAFloodInOrder) {
     FakeFolder folder("print first\nflood 20000\nprint last\nexit 0\n");
-    Editor editor(folder, Open(folder.Write(L"a.bas", kHello)) + L" --compiler kvxa64");
+    Editor editor(folder, OpenArgument(folder.Write(L"a.bas", kHello)) + L" --compiler kvxa64");
     const std::wstring text = Build(editor);
     std::size_t at = text.find(L"\nfirst\n");
     ASSERT_NE(at, std::wstring::npos) << Utf8(text.substr(0, 500));
@@ -260,7 +254,7 @@ TEST(Build, OutputIsFilteredDecodedAndColoured) {
     folder.SetIni(L"Build", L"PostBuildCmd", L"cmd /c echo post>" + folder.File(L"post.txt"));
     folder.SetIni(L"KVXA64", L"Flags", L"--mine --debug");
     const std::wstring file = folder.Write(L"a.bas", kHello);
-    Editor editor(folder, Open(file) + L" --compiler kvxa64");
+    Editor editor(folder, OpenArgument(file) + L" --compiler kvxa64");
     const std::wstring text = Build(editor);
     EXPECT_NE(text.find(L"args: " + Quoted(folder.File(L"KVXA64\\kvxa64.exe")) + L" -o " +
                         Quoted(folder.File(L"a.exe")) + L" --mine --debug " + Quoted(file) + L"\n"),
@@ -287,7 +281,7 @@ TEST(Build, OutputIsFilteredDecodedAndColoured) {
     EXPECT_TRUE(WaitFor([&] { return Exists(folder.File(L"post.txt")) && !Busy(editor); })) << Utf8(editor.Output());
     EXPECT_EQ(editor.Close(), 0u);
     folder.SetIni(L"Build", L"PreBuildCmd", L"no-such-program.exe");
-    Editor other(folder, Open(file) + L" --compiler kvxa64");
+    Editor other(folder, OpenArgument(file) + L" --compiler kvxa64");
     EXPECT_NE(Build(other).find(L"[Pre-build] Failed to run.\n"), std::wstring::npos) << Utf8(other.Output());
     EXPECT_EQ(ColourOf(other, L"[Pre-build] Failed"), 0x0000FFu);
     EXPECT_NE(other.Output().find(L"\nfine\n"), std::wstring::npos) << "its result does not stop the build";
@@ -300,7 +294,7 @@ TEST(Build, ErrorsLeadToTheirPlaces) {
     folder.Script("print " + Utf8(main) + "(3,4): error: one\r\nprint nothing here\r\nprint " + Utf8(part) +
                   ":2:3: warning: two\r\nprint " + Utf8(folder.File(L"gone.bas")) + "(9,9): error: three\r\nprint " +
                   Utf8(main) + "(5,0): fatal error: four\r\nprint " + Utf8(main) + "(12): error: not one\nexit 1\n");
-    Editor editor(folder, Open(main) + L" --compiler kvxa64");
+    Editor editor(folder, OpenArgument(main) + L" --compiler kvxa64");
     Build(editor);
     const auto at = [&] {
         return editor.TabLabel(editor.ActiveTab()) + L":" + std::to_wstring(editor.Line()) + L":" +
@@ -357,7 +351,7 @@ TEST(Build, StopLeavesNothingRunning) {
         SCOPED_TRACE(c.name);
         FakeFolder folder(c.script);
         if (c.preBuild) folder.SetIni(L"Build", L"PreBuildCmd", Quoted(folder.File(L"KVXA64\\kvxa64.exe")));
-        Editor editor(folder, Open(folder.Write(L"a.kxa", kHello)) + L" --compiler kvxa64");
+        Editor editor(folder, OpenArgument(folder.Write(L"a.kxa", kHello)) + L" --compiler kvxa64");
         const auto stopEnabled = [&] {
             return editor.Send(editor.Child(IDC_TOOLBAR), TB_ISBUTTONENABLED, IDM_BUILD_STOP) != 0;
         };
@@ -383,7 +377,7 @@ TEST(Build, StopLeavesNothingRunning) {
     }
     // Leaving the program ends a build as well.
     FakeFolder folder("spawn\nflood 0\n");
-    Editor editor(folder, Open(folder.Write(L"a.bas", kHello)) + L" --compiler kvxa64");
+    Editor editor(folder, OpenArgument(folder.Write(L"a.bas", kHello)) + L" --compiler kvxa64");
     editor.Do(IDM_BUILD);
     ASSERT_TRUE(WaitFor([] { return CountProcesses(L"kvxa64.exe") == 2; }));
     EXPECT_EQ(editor.Close(), 0u);
@@ -392,8 +386,9 @@ TEST(Build, StopLeavesNothingRunning) {
 
 TEST(Build, AllOpenDocumentsUntilOneFails) {
     FakeFolder folder("print ok\n");
-    const std::wstring files = Open(folder.Write(L"a.bas", kHello)) + Open(folder.Write(L"note.txt", "")) +
-                               Open(folder.Write(L"b.bas", kHello)) + Open(folder.Write(L"c.bas", kHello));
+    const std::wstring files =
+        OpenArgument(folder.Write(L"a.bas", kHello)) + OpenArgument(folder.Write(L"note.txt", "")) +
+        OpenArgument(folder.Write(L"b.bas", kHello)) + OpenArgument(folder.Write(L"c.bas", kHello));
     Editor editor(folder, files + L" --compiler kvxa64");
     editor.Post(IDM_BUILD_ALL);
     EXPECT_TRUE(editor.AwaitOutput(L"[3/3] Building ", 60000));

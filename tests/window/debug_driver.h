@@ -15,6 +15,14 @@ namespace debug_driver {
 
 enum Tab { kBreakpoints, kStack, kRegisters, kWatches, kMemory, kThreads, kDisassembly };
 
+// Lines 1 to 5 of a source; a PBMAIN that calls it follows.
+inline constexpr char kTwice[] =
+    "FUNCTION Twice(BYVAL n AS LONG) AS LONG\r\n"  // 1
+    "    LOCAL result AS LONG\r\n"                 // 2
+    "    result = n + n\r\n"                       // 3
+    "    FUNCTION = result\r\n"                    // 4
+    "END FUNCTION\r\n";                            // 5
+
 // The program with one source open, its own folder, and the debug pane shown.
 struct Session {
     std::wstring sourceName;
@@ -114,10 +122,7 @@ struct Session {
             left += static_cast<LONG>(editor.Send(List(), LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(i)));
         return {left, (bounds.top + bounds.bottom) / 2};
     }
-    bool MenuOpen() const { return FindWindowW(L"#32768", nullptr) != nullptr; }
-    void AwaitMenu(bool open) const {
-        EXPECT_TRUE(WaitFor([&] { return MenuOpen() == open; })) << (open ? "no menu" : "the menu stays");
-    }
+    void AwaitMenu(bool open) const { EXPECT_TRUE(::AwaitMenu(open)) << (open ? "no menu" : "the menu stays"); }
     // From the menu of a watch's kind: by its place in there, from 0.
     void ChooseKind(int row, int kind) const {
         editor.Foreground();

@@ -9,10 +9,10 @@
 #include <array>
 #include <utility>
 
-#include "ui/theme_table.h"
-#include "resources/ids.h"
 #include "documents/margins.h"
+#include "resources/ids.h"
 #include "scintilla/sci.h"
+#include "ui/theme_table.h"
 
 namespace {
 
@@ -62,10 +62,6 @@ struct Size {
     int dpi, width, height;
 };
 constexpr Size kSizes[] = {{96, 1000, 700}, {144, 1200, 860}, {96, 640, 480}};
-
-bool AwaitMenu(bool open) {
-    return WaitFor([open] { return (FindWindowW(L"#32768", nullptr) != nullptr) == open; });
-}
 
 TEST(DebugLooks, TheSelectedTabIsSeenWholeAndTheOthersAreInAMenu) {
     const Looks session;

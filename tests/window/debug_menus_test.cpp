@@ -5,17 +5,12 @@ namespace {
 
 using namespace debug_driver;
 
-constexpr char kSource[] =
-    "FUNCTION Twice(BYVAL n AS LONG) AS LONG\r\n"  // 1
-    "    LOCAL result AS LONG\r\n"                 // 2
-    "    result = n + n\r\n"                       // 3
-    "    FUNCTION = result\r\n"                    // 4
-    "END FUNCTION\r\n"                             // 5
-    "FUNCTION PBMAIN () AS LONG\r\n"               // 6
-    "    LOCAL total AS LONG\r\n"                  // 7
-    "    total = Twice(21)\r\n"                    // 8
-    "    FUNCTION = total\r\n"                     // 9
-    "END FUNCTION\r\n";
+const std::string kSource = std::string(kTwice) +
+                            "FUNCTION PBMAIN () AS LONG\r\n"  // 6
+                            "    LOCAL total AS LONG\r\n"     // 7
+                            "    total = Twice(21)\r\n"       // 8
+                            "    FUNCTION = total\r\n"        // 9
+                            "END FUNCTION\r\n";
 
 struct MenuSession : Session {
     MenuSession() : Session(L"twice.bas", kSource, L"kvxa64") {}

@@ -6,23 +6,19 @@ namespace {
 
 using namespace debug_driver;
 
-constexpr char kSource[] =
-    "FUNCTION Twice(BYVAL n AS LONG) AS LONG\r\n"  // 1
-    "    LOCAL result AS LONG\r\n"                 // 2
-    "    result = n + n\r\n"                       // 3
-    "    FUNCTION = result\r\n"                    // 4
-    "END FUNCTION\r\n"                             // 5
-    "FUNCTION PBMAIN () AS LONG\r\n"               // 6
-    "    LOCAL i AS LONG, total AS LONG\r\n"       // 7
-    "    FOR i = 1 TO 300\r\n"                     // 8
-    "        total = total + Twice(i)\r\n"         // 9
-    "    NEXT i\r\n"                               // 10
-    "    FUNCTION = total\r\n"                     // 11
-    "END FUNCTION\r\n";
+const std::string kSource = std::string(kTwice) +
+                            "FUNCTION PBMAIN () AS LONG\r\n"          // 6
+                            "    LOCAL i AS LONG, total AS LONG\r\n"  // 7
+                            "    FOR i = 1 TO 300\r\n"                // 8
+                            "        total = total + Twice(i)\r\n"    // 9
+                            "    NEXT i\r\n"                          // 10
+                            "    FUNCTION = total\r\n"                // 11
+                            "END FUNCTION\r\n";
 
 // The session of these tests: over kSource.
 struct Session : debug_driver::Session {
-    explicit Session(const std::wstring& compiler = L"kvxa64") : debug_driver::Session(L"twice.bas", kSource, compiler) {}
+    explicit Session(const std::wstring& compiler = L"kvxa64")
+        : debug_driver::Session(L"twice.bas", kSource, compiler) {}
 };
 
 bool HasLine(const std::wstring& text, const std::wstring& part) { return text.find(part) != std::wstring::npos; }

@@ -20,9 +20,8 @@ std::string Numbered(int lines) {
 
 std::string Record(std::uint32_t file, std::uint32_t line) {
     std::string bytes;
-    for (const std::uint32_t value : {file, line}) {
+    for (const std::uint32_t value : {file, line})
         for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>(value >> shift & 0xFF);
-    }
     return bytes;
 }
 
@@ -31,13 +30,7 @@ std::string Record(std::uint32_t file, std::uint32_t line) {
 struct Calls : Session {
     explicit Calls(const std::string& source = Numbered(9), const std::string& from = "", const std::string& to = "")
         : Session(L"steps.bas", source, L"kvxa64") {
-        wchar_t own[1024];
-        GetModuleFileNameW(nullptr, own, 1024);
-        const std::wstring fake = std::wstring(own, std::wcsrchr(own, L'\\') + 1) + L"fake_compiler.exe";
-        const std::wstring compiler = folder.File(L"KVXA64\\kvxa64.exe");
-        EXPECT_TRUE(DeleteFileW(compiler.c_str()));  // a link to the one that all folders share
-        EXPECT_TRUE(CopyFileW(fake.c_str(), compiler.c_str(), FALSE));
-        folder.Write(L"KVXA64\\fake.txt", "print ok\n");
+        folder.FakeCompiler("print ok\n");
         std::string program = ReadBytes(Wide(KVX_DEBUGGEES_DIR) + L"\\calls64.exe").value_or("");
         EXPECT_EQ(from.size(), to.size());
         const std::size_t at = program.find(from);
@@ -66,12 +59,6 @@ struct Calls : Session {
     int LineMarked() const { return static_cast<int>(editor.Sci(SCI_MARKERNEXT, 0, LPARAM{1} << kMarkCurrent)) + 1; }
     std::wstring Tab() const { return editor.TabLabel(editor.ActiveTab()); }
 };
-
-int Count(const std::wstring& text, const std::wstring& part) {
-    int count = 0;
-    for (std::size_t at = text.find(part); at != std::wstring::npos; at = text.find(part, at + 1)) ++count;
-    return count;
-}
 
 }  // namespace
 

@@ -4,8 +4,8 @@
 #include <Scintilla.h>
 #include <commctrl.h>
 
-#include "resources/ids.h"
 #include "documents/margins.h"
+#include "resources/ids.h"
 
 namespace {
 
@@ -69,12 +69,7 @@ bool ButtonWorks(const Editor& editor, int command) {
 struct ReadyFolder : ProgramFolder {
     std::wstring source;
     explicit ReadyFolder(const wchar_t* debuggee) {
-        wchar_t own[1024];
-        GetModuleFileNameW(nullptr, own, 1024);
-        const std::wstring fake = std::wstring(own, std::wcsrchr(own, L'\\') + 1) + L"fake_compiler.exe";
-        CreateDirectoryW(File(L"KVXA64").c_str(), nullptr);
-        EXPECT_TRUE(CopyFileW(fake.c_str(), File(L"KVXA64\\kvxa64.exe").c_str(), FALSE));
-        Write(L"KVXA64\\fake.txt", "print ok\n");
+        FakeCompiler("print ok\n");
         SetIni(L"Editor", L"AutoSaveEnabled", L"0");
         SetIni(L"Editor", L"RestoreLastSession", L"0");
         source = Write(L"steps.bas", Sample());

@@ -1,6 +1,8 @@
 // Documents on disk: what a save writes, byte for byte; save as, reload, close, backups, recent files, failed saves.
 #include "harness.h"
 
+#include "support/deep_folder.h"
+
 #include <array>
 #include <filesystem>
 
@@ -10,8 +12,6 @@ namespace {
 
 constexpr wchar_t kProgramTitle[] = L"KVXE - Unified Compiler Editor";
 constexpr UINT kGotoPos = 2025, kCanUndo = 2174;
-
-std::wstring Open(const std::wstring& path) { return L" --open \"" + path + L"\""; }
 
 std::string HighBytes() {
     std::string bytes;
@@ -59,7 +59,7 @@ TEST(Files, EditingUndoAndSavingKeepEveryByte) {
     };
     ProgramFolder folder;
     std::wstring arguments;
-    for (const Case& c : cases) arguments += Open(folder.Write(Wide(c.name) + L".txt", c.bytes));
+    for (const Case& c : cases) arguments += OpenArgument(folder.Write(Wide(c.name) + L".txt", c.bytes));
     Editor editor(folder, arguments);
     ASSERT_EQ(editor.Tabs(), static_cast<int>(std::size(cases)));
     for (const Case& c : cases) {
@@ -155,7 +155,7 @@ TEST(Files, CloseAsksAndObeys) {
     };
     for (const Case& c : {Case{IDYES, true, "xa\r\n"}, Case{IDNO, true, "a\r\n"}, Case{IDCANCEL, false, "a\r\n"}}) {
         SCOPED_TRACE(c.answer);
-        Editor editor(folder, Open(folder.Write(L"a.bas", "a\r\n")), Until::Started);
+        Editor editor(folder, OpenArgument(folder.Write(L"a.bas", "a\r\n")), Until::Started);
         if (Exists(folder.File(L"Editor.ini_autosave.kvxsess"))) editor.Answer(L"Restore Session", L"", IDNO);
         ASSERT_TRUE(editor.AwaitReady());
         editor.Type("x");
@@ -184,7 +184,7 @@ TEST(Files, CloseAsksAndObeys) {
 
 TEST(Files, LeavingWithChangesAsksAndCancelStays) {
     ProgramFolder folder;
-    Editor editor(folder, Open(folder.Write(L"a.bas", "a\r\n")));
+    Editor editor(folder, OpenArgument(folder.Write(L"a.bas", "a\r\n")));
     editor.Type("x");
     editor.Post(IDM_FILE_EXIT);
     editor.Answer(L"Unsaved Changes", L"Save changes to a.bas?", IDCANCEL);
@@ -199,7 +199,8 @@ TEST(Files, LeavingWithChangesAsksAndCancelStays) {
 TEST(Files, BackupsAndSaveAll) {
     ProgramFolder folder;
     folder.SetIni(L"Editor", L"BackupOnSave", L"1");
-    Editor editor(folder, Open(folder.Write(L"a.bas", "a\r\n")) + Open(folder.Write(L"b.bas", "b\r\n")));
+    Editor editor(folder,
+                  OpenArgument(folder.Write(L"a.bas", "a\r\n")) + OpenArgument(folder.Write(L"b.bas", "b\r\n")));
     editor.Type("2");
     editor.Do(IDM_PREVIOUS_TAB);
     editor.Type("1");
@@ -227,9 +228,9 @@ TEST(Files, BackupsAndSaveAll) {
 TEST(Files, RecentListKeepsTenNewestFirst) {
     ProgramFolder folder;
     std::wstring arguments;
-    for (int i = 1; i <= 12; ++i) arguments += Open(folder.Write(L"f" + std::to_wstring(i) + L".bas", ""));
+    for (int i = 1; i <= 12; ++i) arguments += OpenArgument(folder.Write(L"f" + std::to_wstring(i) + L".bas", ""));
     {
-        Editor editor(folder, arguments + Open(folder.File(L"F12.BAS")));
+        Editor editor(folder, arguments + OpenArgument(folder.File(L"F12.BAS")));
         EXPECT_EQ(editor.Tabs(), 12) << "the same file under another case is the same file";
         EXPECT_EQ(editor.ActiveTab(), 11);
         EXPECT_EQ(folder.Ini(L"MRU", L"Count"), L"10") << "written at once";
@@ -240,7 +241,7 @@ TEST(Files, RecentListKeepsTenNewestFirst) {
     }
     DeleteFileW(folder.File(L"Editor.ini_autosave.kvxsess").c_str());
     folder.SetIni(L"Editor", L"RestoreLastSession", L"0");
-    Editor editor(folder, Open(folder.File(L"f10.bas")));
+    Editor editor(folder, OpenArgument(folder.File(L"f10.bas")));
     EXPECT_EQ(folder.Ini(L"MRU", L"Count"), L"10");
     EXPECT_EQ(folder.Ini(L"MRU", L"File0"), folder.File(L"f10.bas"));
     EXPECT_EQ(folder.Ini(L"MRU", L"File1"), folder.File(L"f12.bas"));
@@ -249,15 +250,11 @@ TEST(Files, RecentListKeepsTenNewestFirst) {
 
 TEST(Files, LongPathsWorkOrAreRefusedInWords) {
     ProgramFolder folder;
-    std::wstring deep = folder.path.substr(0, folder.path.size() - 1);
-    while (deep.size() < 400) {
-        deep += L"\\a folder with a name of forty characters___";
-        ASSERT_TRUE(CreateDirectoryW((L"\\\\?\\" + deep).c_str(), nullptr)) << GetLastError();
-    }
-    const std::wstring file = deep + L"\\deep.bas", plain = L"\\\\?\\" + file;
+    const DeepFolder deep(folder.path);
+    const std::wstring file = deep.File(L"deep.bas"), plain = DeepFolder::LongForm(file);
     WriteBytes(plain, "old\n");
     const std::wstring endless = folder.path + std::wstring(1100, L'x') + L".bas";
-    Editor editor(folder, Open(file) + Open(endless), Until::Started);
+    Editor editor(folder, OpenArgument(file) + OpenArgument(endless), Until::Started);
     const Dialog refusal = editor.AwaitDialog(kProgramTitle);
     EXPECT_TRUE(refusal.text.starts_with(L"Failed to open file: ")) << Utf8(refusal.text);
     editor.Press(refusal, IDOK);
@@ -268,10 +265,7 @@ TEST(Files, LongPathsWorkOrAreRefusedInWords) {
     editor.Do(IDM_FILE_SAVE);
     EXPECT_EQ(ReadBytes(plain), "new old\n");
     EXPECT_EQ(editor.Close(), 0u);
-    // Nothing but the system's own long form reaches these folders.
     DeleteFileW(plain.c_str());
-    for (; deep.size() > folder.path.size(); deep.resize(deep.rfind(L'\\')))
-        RemoveDirectoryW((L"\\\\?\\" + deep).c_str());
 }
 
 // Each way of failing: the message, the tab still modified, the old file whole, the new text in a recovery copy.
@@ -279,7 +273,7 @@ TEST(Files, FailedSaveLosesNothing) {
     ProgramFolder folder;
     folder.SetIni(L"Editor", L"BackupOnSave", L"1");
     const std::wstring path = folder.Write(L"a.bas", "old\r\n");
-    Editor editor(folder, Open(path));
+    Editor editor(folder, OpenArgument(path));
     const auto expectFailure = [&](const std::wstring& file, const std::string& text, const std::string& onDisk) {
         editor.Post(IDM_FILE_SAVE);
         editor.Answer(kProgramTitle, L"Failed to save file: " + file, IDOK);
@@ -320,7 +314,7 @@ TEST(Files, FullDiskLosesNothing) {
     ULARGE_INTEGER room{};
     ASSERT_TRUE(GetDiskFreeSpaceExW(disk.c_str(), &room, nullptr, nullptr));
     ASSERT_LT(room.QuadPart, 4u << 20) << "not a small disk";
-    Editor editor(folder, Open(path));
+    Editor editor(folder, OpenArgument(path));
     const std::string text(static_cast<std::size_t>(room.QuadPart) + 65536, 'z');
     editor.Type(text);
     editor.Post(IDM_FILE_SAVE);

@@ -1,6 +1,8 @@
 // Files, folders and the life of the program's process.
 #include "harness.h"
 
+#include "support/start_process.h"
+
 #include <tlhelp32.h>
 
 #include <algorithm>
@@ -86,6 +88,12 @@ int CountProcesses(std::wstring_view fileName) {
     CloseHandle(snapshot);
     return count;
 }
+
+bool AwaitMenu(bool open) {
+    return WaitFor([open] { return (FindWindowW(L"#32768", nullptr) != nullptr) == open; });
+}
+
+std::wstring OpenArgument(const std::wstring& path) { return L" --open \"" + path + L"\""; }
 
 namespace {
 
@@ -179,6 +187,15 @@ std::wstring ProgramFolder::Write(std::wstring_view name, std::string_view bytes
     return file.wstring();
 }
 
+void ProgramFolder::FakeCompiler(std::string_view script) const {
+    // The one that stands there may be a link, and the file that it leads to is not to be written.
+    const std::wstring compiler = File(L"KVXA64\\kvxa64.exe");
+    CreateDirectoryW(File(L"KVXA64").c_str(), nullptr);
+    DeleteFileW(compiler.c_str());
+    EXPECT_TRUE(CopyFileW(L"" KVX_FAKE_COMPILER, compiler.c_str(), FALSE)) << KVX_FAKE_COMPILER << " is missing";
+    Write(L"KVXA64\\fake.txt", script);
+}
+
 std::string ProgramFolder::Read(std::wstring_view name) const { return ReadBytes(File(name)).value_or(""); }
 
 std::wstring ProgramFolder::Ini(const wchar_t* section, const wchar_t* key, const wchar_t* fallback) const {
@@ -195,26 +212,6 @@ void ProgramFolder::SetIni(const wchar_t* section, const wchar_t* key, const std
     WritePrivateProfileStringW(nullptr, nullptr, nullptr, file.c_str());
 }
 
-namespace {
-
-// Once in thousands of starts Wine loses the new process before its first instruction and says ERROR_INTERNAL_ERROR.
-// No code of the program has run by then, so another try hides nothing of it.
-bool StartSuspended(std::wstring line, const ProgramFolder& folder, PROCESS_INFORMATION& started) {
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    for (int tries = 3;; --tries) {
-        if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED, nullptr,
-                           folder.path.c_str(), &startup, &started))
-            return true;
-        const DWORD error = GetLastError();
-        std::printf("[harness] %s did not start, error %lu\n", Utf8(line).c_str(), error);
-        SetLastError(error);
-        if (error != ERROR_INTERNAL_ERROR || tries == 1) return false;
-    }
-}
-
-}  // namespace
-
 Editor::Editor(const ProgramFolder& programFolder, const std::wstring& arguments, Until until) : folder(programFolder) {
     DeleteFileW(folder.File(L"Editor_Detect.log").c_str());
     // What the program keeps for the user, recovery copies above all, goes into this folder as well.
@@ -227,7 +224,7 @@ Editor::Editor(const ProgramFolder& programFolder, const std::wstring& arguments
 
     const std::wstring line = L"\"" + folder.File(L"KVX-Editor.exe") + L"\" " + arguments;
     PROCESS_INFORMATION started{};
-    if (!StartSuspended(line, folder, started)) {
+    if (!StartProcess(line, &started, {.flags = CREATE_SUSPENDED, .folder = folder.path.c_str()})) {
         ADD_FAILURE() << "cannot start " << Utf8(line) << ", error " << GetLastError();
         return;
     }

@@ -25,6 +25,8 @@ std::optional<std::string> ReadBytes(const std::wstring& path);  // nothing when
 void WriteBytes(const std::wstring& path, std::string_view bytes);
 std::wstring Variable(const wchar_t* name);  // environment, empty when unset; a Unix path comes back as a Windows one
 int CountProcesses(std::wstring_view fileName);  // running executables of that name, without regard to case
+bool AwaitMenu(bool open);  // a pop-up menu, of whichever program; false when it does not come or go
+std::wstring OpenArgument(const std::wstring& path);  // for the program's command line, after others or none
 void ClipboardEmpty();
 std::wstring ClipboardText();  // empty when there is none
 
@@ -43,6 +45,7 @@ struct ProgramFolder {
     std::wstring File(std::wstring_view name) const { return path + std::wstring(name); }
     std::wstring Write(std::wstring_view name, std::string_view bytes) const;  // creates folders; the full path
     std::string Read(std::wstring_view name) const;                            // empty when it is not there
+    void FakeCompiler(std::string_view script) const;  // in the place of KVXA64; does what the script says
 
     // Editor.ini through the private-profile functions.
     std::wstring Ini(const wchar_t* section, const wchar_t* key, const wchar_t* fallback = L"(none)") const;

@@ -4,15 +4,13 @@
 #include <Scintilla.h>
 #include <commctrl.h>
 
-#include "resources/ids.h"
 #include "documents/margins.h"
+#include "resources/ids.h"
 
 namespace {
 
 constexpr wchar_t kSession[] = L"Editor.ini_autosave.kvxsess";
 constexpr wchar_t kProgramTitle[] = L"KVXE - Unified Compiler Editor";
-
-std::wstring Open(const std::wstring& path) { return L" --open \"" + path + L"\""; }
 
 // The lines of a session file from the first file section on.
 std::string FileSections(const std::string& session) {
@@ -36,7 +34,7 @@ TEST(Session, KeepsPlacesAndMarks) {
     ProgramFolder folder;
     const std::wstring a = folder.Write(L"\xE9\x65E5.bas", Lines(3000)), b = folder.Write(L"b.bas", Lines(10));
     {
-        Editor editor(folder, Open(a) + Open(b));
+        Editor editor(folder, OpenArgument(a) + OpenArgument(b));
         editor.Do(IDM_PREVIOUS_TAB);
         ASSERT_EQ(editor.ActiveTab(), 0);
         for (const WPARAM line : {0, 7, 2999}) editor.Sci(SCI_MARKERADD, line, 1);
@@ -79,7 +77,7 @@ TEST(Session, KeepsWhatBreakpointsAre) {
         return editor.Sci(SCI_MARKERGET, line) & (1 << kMarkBreakpoint | 1 << kMarkDisabled | 1 << kMarkConditional);
     };
     {
-        Editor editor(folder, Open(a));
+        Editor editor(folder, OpenArgument(a));
         for (const WPARAM line : {3, 5, 8}) {
             editor.Sci(SCI_GOTOLINE, line);
             editor.Do(IDM_DEBUG_BREAKPOINT);
@@ -160,7 +158,7 @@ TEST(Workspace, WritesItsLayoutAndReadsItBack) {
     const std::wstring flags = L"-D \"x y\" C:\\i";
     folder.SetIni(L"KeldorBasic", L"Flags", flags);
     {
-        Editor editor(folder, Open(a) + Open(b) + Open(c));
+        Editor editor(folder, OpenArgument(a) + OpenArgument(b) + OpenArgument(c));
         editor.Sci(SCI_GOTOPOS, 5);
         editor.Do(IDM_FILE_NEW);
         EXPECT_EQ(editor.Close(), 0u);
@@ -222,7 +220,7 @@ TEST(ProjectTree, FillsFoldersWhenOpenedAndOnlyInPart) {
         const std::wstring path = folder.File(L"demo\\big\\f" + std::to_wstring(i) + L".bas");
         CloseHandle(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
     }
-    Editor editor(folder, Open(a));
+    Editor editor(folder, OpenArgument(a));
     const HWND tree = editor.Child(IDC_PROJECT_TREE);
     const auto count = [&] { return editor.Send(tree, TVM_GETCOUNT); };
     // The root and what lies in it: two folders, one source.

@@ -48,10 +48,6 @@ constexpr int kInSession[] = {IDM_FILE_NEW,
                               IDM_VIEW_AI,
                               IDM_TOOLBAR_MORE};
 
-bool AwaitMenu(bool open) {
-    return WaitFor([open] { return (FindWindowW(L"#32768", nullptr) != nullptr) == open; });
-}
-
 TEST(Toolbar, NoButtonIsCutAndWhatRunsStaysLongest) {
     const Session session(L"bar.bas", kSource, L"kvxa64");
     ASSERT_TRUE(session.Start()) << session.editor.Describe();
@@ -65,11 +61,9 @@ TEST(Toolbar, NoButtonIsCutAndWhatRunsStaysLongest) {
         Show(session.editor, size.dpi, size.width);
         RECT bar = {};
         GetClientRect(session.editor.Child(IDC_TOOLBAR), &bar);
-        for (const int command : kInSession) {
-            if (IsShown(session.editor, command)) {
+        for (const int command : kInSession)
+            if (IsShown(session.editor, command))
                 EXPECT_LE(RectOf(session.editor, command).right, bar.right) << command;
-            }
-        }
         EXPECT_EQ(IsShown(session.editor, IDM_TOOLBAR_MORE), !size.all);
         EXPECT_EQ(IsShown(session.editor, IDM_VIEW_AI), size.all);
         EXPECT_EQ(IsShown(session.editor, IDM_EDIT_UNDO), size.edits);

@@ -64,8 +64,6 @@ void Resize(const Editor& editor, int width, int height) {
     editor.Send(editor.main, WM_NULL);
 }
 
-std::wstring Open(const std::wstring& path) { return L" --open \"" + path + L"\""; }
-
 }  // namespace
 
 TEST(View, PanesNeverOverlap) {
@@ -214,7 +212,7 @@ TEST(View, TabsByMouseAndKeyboard) {
     ProgramFolder folder;
     std::wstring arguments;
     for (const wchar_t* name : {L"a.bas", L"b.bas", L"c.bas", L"d.bas"})
-        arguments += Open(folder.Write(name, Utf8(name)));
+        arguments += OpenArgument(folder.Write(name, Utf8(name)));
     Editor editor(folder, arguments);
     editor.Foreground();
     const HWND tabs = editor.Child(IDC_TABS);
@@ -253,7 +251,7 @@ TEST(View, TabsByMouseAndKeyboard) {
 TEST(View, KeysReachEditorAndCommands) {
     ProgramFolder folder;
     const std::wstring file = folder.Write(L"a.txt", "");
-    Editor editor(folder, Open(file));
+    Editor editor(folder, OpenArgument(file));
     editor.Foreground();
     ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
     editor.Keys({'H'});
@@ -311,7 +309,7 @@ TEST(View, StickyHeaderAndNavigationHistory) {
     ProgramFolder folder;
     std::string text = "TYPEOF x\n  SUB Indented\nSUB First(BYVAL a AS LONG)\n  a = 1\nEND SUB\nfunction lower\n";
     for (int i = 0; i < 30; ++i) text += "' " + std::to_string(i) + "\n";
-    Editor editor(folder, Open(folder.Write(L"a.bas", text)) + Open(folder.Write(L"b.bas", "'\n")));
+    Editor editor(folder, OpenArgument(folder.Write(L"a.bas", text)) + OpenArgument(folder.Write(L"b.bas", "'\n")));
     editor.Do(IDM_PREVIOUS_TAB);
     const auto header = [&] { return editor.TextOf(editor.Child(IDC_STICKY_HEADER)); };
     struct Case {

@@ -15,7 +15,7 @@
 #include <memory>
 #include <string>
 
-#include "flood_lines.h"
+#include "support/flood_lines.h"
 
 namespace {
 

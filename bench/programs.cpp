@@ -10,6 +10,8 @@
 #include <cwchar>
 #include <filesystem>
 
+#include "support/start_process.h"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -144,8 +146,10 @@ Folder::Folder(const Furnishing& furnishing) {
         if (furnishing.compilers && fs::exists(dist / name))
             fs::copy(dist / name, own / name, fs::copy_options::recursive | fs::copy_options::overwrite_existing);
     if (furnishing.floodLines >= 0) {
-        Copy(OwnFolder() / L"flood_compiler.exe", own / L"KVXA64" / L"kvxa64.exe");
-        WriteText(path_ + L"KVXA64\\flood.txt", std::to_string(furnishing.floodLines));
+        Copy(KVX_FAKE_COMPILER, own / L"KVXA64" / L"kvxa64.exe");
+        const std::string lines = std::to_string(furnishing.floodLines);
+        WriteText(path_ + L"KVXA64\\fake.txt",
+                  furnishing.floodLines == 0 ? "spawn\ntalk 0\n" : "talk " + lines + "\nexit 1\n");
     }
     fs::create_directories(own / L"local");
     if (furnishing.settings) {
@@ -165,14 +169,12 @@ Folder::~Folder() {
 Program::Program(Kind kind, const Folder& folder, const std::wstring& file) {
     // What the program keeps for the user goes into the folder as well.
     SetEnvironmentVariableW(L"LOCALAPPDATA", (folder.Path() + L"local").c_str());
-    std::wstring line = L"\"" + folder.Path() +
-                        (kind == Kind::Floor ? L"bench\\floor.exe\" \"" : L"KVX-Editor.exe\" --open \"") + file + L"\"";
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof(startup);
+    const std::wstring line = L"\"" + folder.Path() +
+                              (kind == Kind::Floor ? L"bench\\floor.exe\" \"" : L"KVX-Editor.exe\" --open \"") + file +
+                              L"\"";
     PROCESS_INFORMATION process = {};
-    started_ = NowMs();
-    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, folder.Path().c_str(), &startup,
-                        &process))
+    if (!StartProcess(line, &process,
+                      {.folder = folder.Path().c_str(), .beforeEachTry = [this] { started_ = NowMs(); }}))
         Die("cannot start " + Narrow(line));
     CloseHandle(process.hThread);
     process_ = process.hProcess;
@@ -232,14 +234,9 @@ double RunFloor(const std::wstring& arguments) {
     HANDLE read = nullptr;
     HANDLE write = nullptr;
     if (!CreatePipe(&read, &write, &inheritable, 0)) Die("no pipe");
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof(startup);
-    startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdOutput = write;
-    startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
     PROCESS_INFORMATION process = {};
-    std::wstring line = L"\"" + DistFolder() + L"bench\\floor.exe\" " + arguments;
-    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process))
+    if (!StartProcess(L"\"" + DistFolder() + L"bench\\floor.exe\" " + arguments, &process,
+                      {.output = write, .errors = GetStdHandle(STD_ERROR_HANDLE)}))
         Die("cannot start the floor program");
     CloseHandle(write);
     char text[64] = {};

@@ -10,10 +10,10 @@
 #include <iterator>
 #include <string>
 
-#include "../unit/pe_builder.h"
 #include "disasm/pe_image.h"
 #include "disasm/renderer.h"
 #include "resources/ids.h"
+#include "support/pe_bytes.h"
 
 namespace {
 
@@ -26,17 +26,17 @@ constexpr double kLimitMs = 120000;
 constexpr DWORD kPauseMs = 5;  // between questions to a program that works
 
 // The editor's own code, over and over.
-pe::Bytes ProgramOfCode() {
+pe_bytes::Bytes ProgramOfCode() {
     std::ifstream stream(Narrow(DistFolder()) + "KVX-Editor.exe", std::ios::binary);
-    const pe::Bytes file((std::istreambuf_iterator<char>(stream)), {});
+    const pe_bytes::Bytes file((std::istreambuf_iterator<char>(stream)), {});
     const PeImage image = PeImageRead(file);
     const auto text = std::find_if(image.sections.begin(), image.sections.end(),
                                    [](const PeSection& section) { return section.isCode && !section.data.empty(); });
     if (text == image.sections.end()) Die("KVX-Editor.exe has no code");
-    pe::Bytes code;
+    pe_bytes::Bytes code;
     while (code.size() < kCodeBytes) code.insert(code.end(), text->data.begin(), text->data.end());
     code.resize(kCodeBytes);
-    return pe::Build({.sections = {{".text", 0x1000, pe::kCode, code}}});
+    return pe_bytes::Build({.sections = {{".text", 0x1000, code}}});
 }
 
 struct Rendering {
@@ -45,7 +45,7 @@ struct Rendering {
     std::size_t bytes = 0;
 };
 
-Rendering RenderOnce(const pe::Bytes& file) {
+Rendering RenderOnce(const pe_bytes::Bytes& file) {
     Rendering result;
     const double start = NowMs();
     const DisasmRendererPtr renderer = DisasmRendererNew({.file = file});
@@ -82,7 +82,7 @@ double FillPane(HWND window, int lines) {
     return slowest;
 }
 
-void MeasurePane(const pe::Bytes& program) {
+void MeasurePane(const pe_bytes::Bytes& program) {
     const Folder folder;
     const std::wstring file = folder.Path() + L"main.bas";
     WriteText(file, kSource);
@@ -110,7 +110,7 @@ void MeasurePane(const pe::Bytes& program) {
 
 void MeasureCode() {
     constexpr int kRuns = 3;
-    const pe::Bytes file = ProgramOfCode();
+    const pe_bytes::Bytes file = ProgramOfCode();
     std::vector<double> times;
     double longest = 0;
     for (int i = 0; i < kRuns; ++i) {

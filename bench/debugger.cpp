@@ -3,10 +3,11 @@
 #include "bench.h"
 
 #include "debugger/debug_session.h"
-#include "program/line_map.h"
-#include "resources/ids.h"
 #include "documents/margins.h"
 #include "program/debug_say.h"
+#include "program/line_map.h"
+#include "resources/ids.h"
+#include "support/start_process.h"
 
 #include <Scintilla.h>
 
@@ -33,17 +34,9 @@ struct Debuggee {
 };
 
 void Compile(const Folder& folder, const Debuggee& debuggee) {
-    std::wstring line = L"\"" + folder.Path() + L"KVXA64\\kvxa64.exe\" -o \"" + debuggee.program + L"\" --debug \"" +
-                        debuggee.source + L"\"";
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process = {};
-    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr, nullptr, &startup,
-                        &process))
-        Die("the stand-in compiler does not start");
-    WaitForSingleObject(process.hProcess, INFINITE);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
+    if (RunToEnd(L"\"" + folder.Path() + L"KVXA64\\kvxa64.exe\" -o \"" + debuggee.program + L"\" --debug \"" +
+                 debuggee.source + L"\"") != 0u)
+        Die("the stand-in compiler does not do its work");
 }
 
 Debuggee MakeDebuggee(const Folder& folder) {
@@ -64,12 +57,9 @@ Debuggee MakeDebuggee(const Folder& folder) {
 class BareLoop {
 public:
     explicit BareLoop(const Debuggee& debuggee) {
-        std::wstring line = L"\"" + debuggee.program + L"\"";
-        STARTUPINFOW startup = {};
-        startup.cb = sizeof(startup);
         const DWORD flags = DEBUG_PROCESS | DEBUG_ONLY_THIS_PROCESS | CREATE_NEW_CONSOLE;
-        if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, flags, nullptr, nullptr, &startup,
-                            &process_))
+        if (!StartProcess(L"\"" + debuggee.program + L"\"", &process_,
+                          {.flags = flags, .beforeEachTry = [this] { begun_ = NowMs(); }}))
             Die("the debuggee does not start");
         AwaitBreakpoint();
     }
@@ -85,6 +75,8 @@ public:
     }
     BareLoop(const BareLoop&) = delete;
     BareLoop& operator=(const BareLoop&) = delete;
+
+    double Begun() const { return begun_; }  // NowMs() at the start
 
     void RunTo(std::uint32_t rva) {
         std::uint8_t original = 0;
@@ -124,6 +116,7 @@ private:
     PROCESS_INFORMATION process_ = {};
     DEBUG_EVENT event_ = {};
     std::uint64_t base_ = 0;
+    double begun_ = 0;
 };
 
 struct Times {
@@ -131,22 +124,27 @@ struct Times {
 };
 
 void MeasureBare(const Debuggee& debuggee, Times* times) {
-    const double begun = NowMs();
     BareLoop loop(debuggee);
     loop.RunTo(debuggee.rvas[0]);
     const double stopped = NowMs();
     for (int i = 1; i <= kSteps; ++i) loop.RunTo(debuggee.rvas[static_cast<std::size_t>(i)]);
-    times->start.push_back(stopped - begun);
+    times->start.push_back(stopped - loop.Begun());
     times->steps.push_back(NowMs() - stopped);
 }
 
 // --- The program's session, without its windows
 void MeasureSession(const Debuggee& debuggee, Times* times) {
     DebuggerState state;
-    DebugSetSink([](const std::wstring&, COLORREF) {});
+    static bool lost;
+    DebugSetSink([](const std::wstring& text, COLORREF) { lost |= text.find(kLostText) != std::wstring::npos; });
     DebugSetSourcePath(debuggee.source.c_str());
-    const double begun = NowMs();
-    if (!DebugStartForCompiler(debuggee.program.c_str(), 0, &state)) Die("no session");
+    double begun = 0;
+    const auto start = [&] {
+        lost = false;
+        begun = NowMs();
+        return DebugStartForCompiler(debuggee.program.c_str(), 0, &state);
+    };
+    if (!StartAgainIfLost(start, [] { return lost; })) Die("no session");
     const double stopped = NowMs();
     for (int i = 0; i < kSteps; ++i)
         if (!DebugStepOver(&state) || DebugWaitEvent(&state, kEventLimitMs) != kDebugStopped) Die("a step failed");

@@ -4,7 +4,7 @@
 #include "bench.h"
 #include "program/line_map.h"
 
-#include "../pe_bytes.h"
+#include "support/pe_bytes.h"
 
 #include <string>
 #include <vector>

@@ -1,8 +1,9 @@
-// A compiler that does as it is told: its own executable, copied over a compiler's by the window tests. What to do
+// A compiler that does as it is told: its own executable, copied over a compiler's by tests and measurements. What to do
 // stands in "fake.txt" beside it, one order a line:
 //   print TEXT       the text and a line break            args         command line and working folder
 //   raw TEXT         \xHH escapes, no line break          sleep MS
 //   flood N          N numbered lines (0: without end)    spawn        a copy of itself that lives for a minute
+//   talk N           the same, a tenth of them diagnostics
 //   errors N FILE    N diagnostics for FILE, line i       touch PATH   creates an empty file
 //   exit N           ends with that code                  tally PATH   one byte more in a file
 #include <windows.h>
@@ -12,7 +13,13 @@
 #include <string>
 #include <string_view>
 
+#include "support/flood_lines.h"
+#include "support/start_process.h"
+
 namespace {
+
+// What is written at once: what a C runtime buffers of a pipe, about, and much more.
+constexpr std::size_t kSmallBlock = 4000, kLargeBlock = 16000;
 
 void Put(std::string_view bytes) {
     DWORD put = 0;
@@ -35,22 +42,25 @@ std::wstring OwnPath() {
     return path;
 }
 
-void Flood(long count) {
+std::string NumberedLine(int number) {
+    char line[64];
+    std::snprintf(line, sizeof(line), "output line %07d", number);
+    return line;
+}
+
+void Flood(int count, std::string (*line)(int number), std::size_t blockBytes) {
     std::string block;
-    for (long i = 1; count == 0 || i <= count; ++i) {
-        char line[64];
-        std::snprintf(line, sizeof(line), "output line %07ld\r\n", i);
-        block += line;
-        if (block.size() > 16000 || i == count) Put(block), block.clear();
+    for (int i = 1; count == 0 || i <= count; ++i) {
+        block += line(i) + "\r\n";
+        if (block.size() > blockBytes || i == count) Put(block), block.clear();
     }
 }
 
 void Spawn() {
-    std::wstring line = L"\"" + OwnPath() + L"\" --linger";
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
     PROCESS_INFORMATION child{};
-    CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &child);
+    const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE), errors = GetStdHandle(STD_ERROR_HANDLE);
+    if (!StartProcess(L"\"" + OwnPath() + L"\" --linger", &child, {.output = output, .errors = errors}))
+        ExitProcess(96);
 }
 
 void Raw(std::string_view text) {
@@ -69,7 +79,8 @@ void Raw(std::string_view text) {
 void Obey(const std::string& order, const std::string& text) {
     if (order == "print") Put(text + "\r\n");
     if (order == "raw") Raw(text);
-    if (order == "flood") Flood(std::atol(text.c_str()));
+    if (order == "flood") Flood(std::atoi(text.c_str()), NumberedLine, kLargeBlock);
+    if (order == "talk") Flood(std::atoi(text.c_str()), FloodLine, kSmallBlock);
     if (order == "sleep") Sleep(static_cast<DWORD>(std::atol(text.c_str())));
     if (order == "spawn") Spawn();
     if (order == "exit") ExitProcess(static_cast<UINT>(std::atol(text.c_str())));

@@ -1,0 +1,80 @@
+#!/usr/bin/env bash
+# Checks that no function is defined twice: the same name and parameters, visible outside its file, in two files of one
+# program. The linker notices two ordinary functions, but of an inline or constexpr one it silently keeps any, or the
+# compiler expands one of them here and the other one there.
+#
+# The compiler's own records are asked, not the symbols: the debug information (-g1 is enough, at any level of
+# optimisation) names the file and line of each definition, also of one that is expanded at every call and so leaves no
+# symbol. What no source calls is in no object file, and is not seen.
+#
+#   check_definitions.sh BUILD-FOLDER     one line a fault; the last line counts
+set -euo pipefail
+
+build="${1:?the folder of a build}"
+
+work="$(mktemp -d)"
+trap 'rm -rf "$work"' EXIT
+
+# Our own object files; their path names the target that they are part of.
+find "$build" \( -name '*.cpp.o' -o -name '*.cpp.obj' \) -path '*.dir/*' ! -path '*/third_party/*' ! -path '*/gtest/*' |
+    sort >"$work/objects"
+[ -s "$work/objects" ] || { echo "definitions: no object files in $build" >&2; exit 1; }
+
+# Prints "target symbol place name" for each definition that is visible outside its file and stands in our own sources.
+# Their folder may be named in several ways, by a compiler cache also as that of another clone, and is left out.
+definitions() {
+    llvm-dwarfdump --debug-info "$@" | awk '
+        function put() {
+            inside = 0
+            if (!external || declared || symbol == "" || file ~ /^\/usr\/(include|lib|share|src\/googletest)\//) return
+            while (sub(/[^\/]+\/\.\.\//, "", file)) {}
+            if (!match(file, /\/(src|tests|bench|samples\/toolchain)\//)) return
+            print target, symbol, substr(file, RSTART + 1) ":" line, name
+        }
+        # "PATH.dir/src/area/file.cpp.obj:  file format ..."
+        /:[ \t]+file format / {
+            if (inside) put()
+            target = $0
+            sub(/\.dir\/.*/, "", target); sub(/.*\//, "", target)
+            next
+        }
+        /^0x[0-9a-f]+: / {
+            if (inside) put()
+            if ($2 == "DW_TAG_subprogram") { inside = 1; external = declared = 0; symbol = file = line = name = "" }
+            next
+        }
+        !inside { next }
+        $1 == "DW_AT_external" { external = 1 }
+        $1 == "DW_AT_declaration" { declared = 1 }
+        $1 == "DW_AT_linkage_name" { symbol = $2; gsub(/[("")]/, "", symbol) }
+        $1 == "DW_AT_name" { name = $2; gsub(/[("")]/, "", name) }
+        $1 == "DW_AT_decl_line" { line = $2; gsub(/[()]/, "", line) }
+        $1 == "DW_AT_decl_file" { file = $0; sub(/.*\("/, "", file); sub(/"\).*/, "", file) }
+        END { if (inside) put() }'
+}
+export -f definitions
+
+xargs -P "$(nproc)" -n 40 bash -c 'definitions "$@" >"'"$work"'/found.$$"' definitions <"$work/objects"
+sort -u "$work"/found.* >"$work/all"
+[ -s "$work/all" ] || { echo "definitions: the object files have no debug information" >&2; exit 1; }
+
+# A library (kvx_*) may be part of any program, so its definitions meet all others; those of two programs never meet.
+awk '
+    { target[NR] = $1; symbol[NR] = $2; place[NR] = $3; name[NR] = $4; of[$2] = of[$2] " " NR }
+    END {
+        for (s in of) {
+            n = split(of[s], row, " ")
+            for (i = 1; i <= n; i++)
+                for (j = i + 1; j <= n; j++) {
+                    a = row[i]; b = row[j]
+                    if (place[a] == place[b] || seen[place[a], place[b]]++) continue
+                    if (target[a] != target[b] && target[a] !~ /^kvx_/ && target[b] !~ /^kvx_/) continue
+                    print name[a] ": " place[a] " and " place[b]
+                }
+        }
+    }' "$work/all" | sort -u >"$work/faults"
+
+sed 's/^/    /' "$work/faults"
+faults="$(wc -l <"$work/faults")"
+echo "definitions: $((faults == 0)) passed, $faults failed"
+[ "$faults" -eq 0 ]
