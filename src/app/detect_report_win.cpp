@@ -6,6 +6,7 @@
 #include "base/wide_format.h"
 #include "files/file_io.h"
 #include "settings/compiler_table.h"
+#include "ui/message.h"
 
 #include <iterator>
 
@@ -44,5 +45,5 @@ void ShowDetectReport() {
         L"%s\n\nKVXA64: %s\n\nKVXB64: %s\n\nKVXC64: %s\n\nFound: %d/5\n\nLog file: Editor_Detect.log",
         PathOrNotFound(kCompilerKeldorBasic), PathOrNotFound(kCompilerKvxa32), PathOrNotFound(kCompilerKvxa64),
         PathOrNotFound(kCompilerKvxb64), PathOrNotFound(kCompilerKvxc64), found);
-    MessageBoxW(g_app.hMainWnd, text.c_str(), L"KVX-Editor Detect", MB_OK | MB_ICONINFORMATION);
+    TellUser(L"KVX-Editor Detect", text.c_str(), AskIcon::Information);
 }

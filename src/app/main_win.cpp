@@ -101,7 +101,7 @@ void RunStep(const CommandLineStep& step) {
             break;
         case CommandLineAction::Detect: ShowDetectReport(); EndProcess(0);
         case CommandLineAction::Log: ReopenLog(); break;
-        case CommandLineAction::Help: MessageBoxW(g_app.hMainWnd, kHelpText, L"Editor Help", MB_OK); break;
+        case CommandLineAction::Help: TellUser(L"Editor Help", kHelpText, AskIcon::None); break;
         case CommandLineAction::SelfTest:
             AppLogMsg(L"FAIL: self-test '%s' is not available in this version", step.text.c_str());
             EndProcess(kExitNoSelfTest);
@@ -175,7 +175,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR commandLine, int showCom
         return 1;
     };
     if (ScintillaLoad(&g_app.scintilla.scintilla, &g_app.scintilla.lexilla, &unused) == 0) {
-        MessageBoxW(nullptr, L"Failed to load Scintilla.dll", L"Error", MB_OK | MB_ICONERROR);
+        TellUser(L"Error", L"Failed to load Scintilla.dll", AskIcon::Error);
         return unloadAndFail();
     }
     wchar_t directory[kPathCapacity] = {};

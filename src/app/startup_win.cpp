@@ -30,9 +30,12 @@ bool OfferSessionRestore() {
     wchar_t path[kPathCapacity] = {};
     SessionAutoSavePath(path, kPathCapacity);
     if (!FileExists(path) || SessionHasFiles(path) == 0) return false;
-    const int answer = MessageBoxW(g_app.hMainWnd, L"A previous session was auto-saved. Would you like to restore it?",
-                                   L"Restore Session", MB_YESNO | MB_ICONQUESTION);
-    return answer == IDYES && SessionLoad(path, g_app.hMainWnd) != 0 && TabCount() > 0;
+    const Answer answer = AskUser({.caption = L"Restore Session",
+                                   .text = L"A previous session was auto-saved. Would you like to restore it?",
+                                   .buttons = AskButtons::YesNo,
+                                   .icon = AskIcon::Question,
+                                   .inSelftest = Answer::No});
+    return answer == Answer::Yes && SessionLoad(path, g_app.hMainWnd) != 0 && TabCount() > 0;
 }
 
 void OpenRecentFiles() {
@@ -152,7 +155,7 @@ void MainWnd_OnClose(HWND window) {
     DestroyWindow(window);
 }
 
-bool MainWnd_OnQueryEndSession() { return g_selftestTabsMode || ConfirmUnsavedDocuments(); }
+bool MainWnd_OnQueryEndSession() { return ConfirmUnsavedDocuments(); }
 
 // The process may be gone once this returns, and the system waits five seconds at most.
 void MainWnd_OnEndSession(bool ending) {

@@ -57,20 +57,27 @@ void RestoreView(HWND editor, const ViewPosition& view) {
     SciSend(editor, SCI_SETFIRSTVISIBLELINE, static_cast<WPARAM>(view.firstLine));
 }
 
-// IDYES, IDNO or IDCANCEL. A self-test run asks nothing and keeps nothing.
-int AskSaveChanges(int tab) {
-    if (g_selftestTabsMode) return IDNO;
+// A self-test run keeps nothing.
+Answer AskSaveChanges(int tab) {
     wchar_t question[512];
     FormatBufferW(question, L"Save changes to %s?", TabAt(tab).label);
-    return MessageBoxW(g_ui.hMainWnd, question, L"Unsaved Changes", MB_YESNOCANCEL | MB_ICONQUESTION);
+    return AskUser({.caption = L"Unsaved Changes",
+                    .text = question,
+                    .buttons = AskButtons::YesNoCancel,
+                    .icon = AskIcon::Question,
+                    .inSelftest = Answer::No});
 }
 
 // Reloading cannot be undone, so edits are not given up without a word.
 bool MayDiscardChanges(const DocumentTab& document) {
-    if (!document.modified || g_selftestTabsMode) return true;
+    if (!document.modified) return true;
     wchar_t question[512];
     FormatBufferW(question, L"Reload %s and lose the changes made here?", document.label);
-    return MessageBoxW(g_ui.hMainWnd, question, L"Unsaved Changes", MB_YESNO | MB_ICONQUESTION) == IDYES;
+    return AskUser({.caption = L"Unsaved Changes",
+                    .text = question,
+                    .buttons = AskButtons::YesNo,
+                    .icon = AskIcon::Question,
+                    .inSelftest = Answer::Yes}) == Answer::Yes;
 }
 
 // The editor found no memory for the whole text. What it holds is no longer the file's, so that no save, least of all
@@ -189,11 +196,11 @@ int FileConfirmClose(int tab) {
     if (!TabAt(tab).modified) return 1;
     // Timers and posted messages run while the box is up, so the tab is found again by its editor.
     const HWND editor = TabAt(tab).editor;
-    const int answer = AskSaveChanges(tab);
-    AppLogMsg(L"DBG FileClose: prompt answered tab=%d result=%d count=%d", tab, answer, TabCount());
+    const Answer answer = AskSaveChanges(tab);
+    AppLogMsg(L"DBG FileClose: prompt answered tab=%d result=%d count=%d", tab, static_cast<int>(answer), TabCount());
     tab = TabBarFindEditor(editor);
-    if (tab < 0 || answer == IDCANCEL) return 0;
-    return answer == IDYES ? FileSave(tab) : 1;
+    if (tab < 0 || answer == Answer::Cancel) return 0;
+    return answer == Answer::Yes ? FileSave(tab) : 1;
 }
 
 int FileClose(int tab) {

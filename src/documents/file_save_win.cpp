@@ -54,19 +54,22 @@ void BackUp(const wchar_t* path) {
 int ChooseEncoding(const DocumentTab& document, std::string_view text) {
     const int asIs = static_cast<int>(document.encoding);
     if (document.encoding != TextEncoding::Ansi || AnsiCanHold(text)) return asIs;
-    if (g_selftestTabsMode) return static_cast<int>(TextEncoding::Utf8);
     const std::wstring question = FormatW(
         L"%s contains characters that the system's code page (ANSI) does not have. Saved as ANSI, each of them would "
         L"be "
         L"replaced.\n\nSave as UTF-8 instead?\n\nYes: save as UTF-8, nothing is lost\nNo: save as ANSI, these "
         L"characters are replaced\nCancel: do not save",
         document.label);
-    switch (MessageBoxW(g_ui.hMainWnd, question.c_str(), L"KVXE - Unified Compiler Editor",
-                        MB_YESNOCANCEL | MB_ICONWARNING)) {
-        case IDYES: return static_cast<int>(TextEncoding::Utf8);
-        case IDNO: return asIs;
-        default: return -1;
+    switch (AskUser({.caption = kProgramCaption,
+                     .text = question.c_str(),
+                     .buttons = AskButtons::YesNoCancel,
+                     .icon = AskIcon::Warning,
+                     .inSelftest = Answer::Yes})) {
+        case Answer::Yes: return static_cast<int>(TextEncoding::Utf8);
+        case Answer::No: return asIs;
+        case Answer::Cancel: break;
     }
+    return -1;
 }
 
 // Writes the document to its own path.

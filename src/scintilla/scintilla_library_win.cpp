@@ -3,6 +3,7 @@
 #include "scintilla/scintilla_library.h"
 
 #include "base/log.h"
+#include "ui/message.h"
 #include "ui/ui_state.h"
 
 namespace {
@@ -26,7 +27,7 @@ int ScintillaLoad(HMODULE* scintilla, HMODULE* lexilla, HMODULE* third) {
 
     libraries.scintilla = LoadLibraryW(L"Scintilla.dll");
     if (!libraries.scintilla) {
-        MessageBoxW(nullptr, L"Could not load Scintilla.dll", L"Error", MB_OK | MB_ICONERROR);
+        TellUser(L"Error", L"Could not load Scintilla.dll", AskIcon::Error);
         return 0;
     }
     // A build that registers its classes while loading may lack the export; then there is nothing to call.

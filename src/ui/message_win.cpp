@@ -1,4 +1,3 @@
-// Message boxes of the program. UI thread only.
 #include "ui/message.h"
 
 #include "base/log.h"
@@ -8,34 +7,56 @@
 #include <windows.h>
 
 bool g_selftestTabsMode = false;
+Answer (*g_answerInstead)(const UserQuestion& question) = nullptr;
+const wchar_t kProgramCaption[] = L"KVXE - Unified Compiler Editor";
 
 namespace {
 
-constexpr wchar_t kTitle[] = L"KVXE - Unified Compiler Editor";
 constexpr std::size_t kMessageCapacity = 2048;
+constexpr UINT kButtonFlags[] = {MB_OK, MB_YESNO, MB_YESNOCANCEL};                                     // by AskButtons
+constexpr UINT kIconFlags[] = {0, MB_ICONINFORMATION, MB_ICONQUESTION, MB_ICONWARNING, MB_ICONERROR};  // by AskIcon
 
-void Show(const wchar_t* logFormat, UINT icon, const wchar_t* format, std::va_list args) {
+Answer ShowMessageBox(const UserQuestion& question) {
+    const UINT flags =
+        kButtonFlags[static_cast<std::size_t>(question.buttons)] | kIconFlags[static_cast<std::size_t>(question.icon)];
+    switch (MessageBoxW(g_ui.hMainWnd, question.text, question.caption, flags)) {
+        case IDOK:
+        case IDYES: return Answer::Yes;
+        case IDNO: return Answer::No;
+        default: return Answer::Cancel;  // also when no box could be shown: nothing is given up unasked
+    }
+}
+
+void TellFormatted(AskIcon icon, const wchar_t* format, std::va_list args) {
     wchar_t text[kMessageCapacity];
     FormatBufferArgsW(text, format, args);
-    if (g_selftestTabsMode) {
-        AppLogMsg(logFormat, text);  // no one is there to answer a box; without a log the text is dropped
-        return;
-    }
-    MessageBoxW(g_ui.hMainWnd, text, kTitle, MB_OK | icon);
+    TellUser(kProgramCaption, text, icon);
 }
 
 }  // namespace
 
+Answer AskUser(const UserQuestion& question) {
+    if (g_answerInstead != nullptr) return g_answerInstead(question);
+    if (!g_selftestTabsMode) return ShowMessageBox(question);
+    // Without a log the text is dropped.
+    AppLogMsg(question.icon == AskIcon::Error ? L"ERROR: %s" : L"INFO: %s", question.text);
+    return question.inSelftest;
+}
+
+void TellUser(const wchar_t* caption, const wchar_t* text, AskIcon icon) {
+    AskUser({.caption = caption, .text = text, .buttons = AskButtons::Ok, .icon = icon, .inSelftest = Answer::Yes});
+}
+
 void ErrorMessage(const wchar_t* format, ...) {
     std::va_list args;
     va_start(args, format);
-    Show(L"ERROR: %s", MB_ICONERROR, format, args);
+    TellFormatted(AskIcon::Error, format, args);
     va_end(args);
 }
 
 void InfoMessage(const wchar_t* format, ...) {
     std::va_list args;
     va_start(args, format);
-    Show(L"INFO: %s", MB_ICONINFORMATION, format, args);
+    TellFormatted(AskIcon::Information, format, args);
     va_end(args);
 }
