@@ -134,6 +134,7 @@ void StartTimers(HWND window) {
 }  // namespace
 
 void MainWnd_ApplyTheme() {
+    UiFontsRenew();
     ToolbarApplyTheme();
     TabBarApplyTheme();
     StatusBarApplyTheme();
@@ -176,7 +177,6 @@ bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create) {
 
 void MainWnd_OnDpiChanged(HWND window, int dpi, const RECT& suggested) {
     g_app.dpi = dpi;
-    UiFontReset();
     SetWindowPos(window, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
                  suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
     SyntaxThemeApplyAll();

@@ -13,7 +13,7 @@
 #include "session/session.h"
 #include "tabs/tab_bar.h"
 #include "ui/chrome.h"
-#include "ui/fonts.h"
+#include "ui/paint.h"
 
 namespace {
 
@@ -39,7 +39,7 @@ bool RouteOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     }
 }
 
-void OnTimer(HWND window, UINT_PTR id) {
+void RouteTimer(HWND window, UINT_PTR id) {
     switch (id) {
         case TIMER_AUTO_SAVE: MainWnd_OnAutoSaveTimer(); break;
         case TIMER_SESSION: SessionAutoSave(window); break;
@@ -51,15 +51,11 @@ void OnTimer(HWND window, UINT_PTR id) {
     }
 }
 
-LRESULT OnColour(HDC dc) {
-    const ThemeChrome& chrome = ThemeCurrentChrome();
-    SetTextColor(dc, chrome.paneText);
-    SetBkColor(dc, chrome.paneBack);
-    SetDCBrushColor(dc, chrome.paneBack);
-    return reinterpret_cast<LRESULT>(GetStockObject(DC_BRUSH));
+LRESULT ChildColours(HDC dc) {
+    return ControlColours(dc, ThemeCurrentChrome().paneText, ThemeCurrentChrome().paneBack);
 }
 
-LRESULT OnErase(HWND window, HDC dc) {
+LRESULT EraseFrame(HWND window, HDC dc) {
     RECT area = {};
     GetClientRect(window, &area);
     FillArea(dc, area, ThemeIsDark() ? ThemeCurrentChrome().windowBack : kBackground);
@@ -70,7 +66,7 @@ LRESULT OnErase(HWND window, HDC dc) {
     return 1;
 }
 
-LRESULT OnDrawItem(const DRAWITEMSTRUCT& item) {
+LRESULT DrawChild(const DRAWITEMSTRUCT& item) {
     return TabBarHandleDrawItem(item) || StickyHeaderDraw(item) ? TRUE : FALSE;
 }
 
@@ -92,12 +88,12 @@ LRESULT CALLBACK MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
         case WM_COMMAND: MainWnd_OnCommand(LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam)); return 0;
         case WM_NOTIFY: return MainWnd_OnNotify(*reinterpret_cast<const NMHDR*>(lParam));
         case WM_INITMENUPOPUP: MainWnd_OnInitMenuPopup(reinterpret_cast<HMENU>(wParam)); return 0;
-        case WM_DRAWITEM: return OnDrawItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+        case WM_DRAWITEM: return DrawChild(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
         case WM_CTLCOLORSTATIC:
-        case WM_CTLCOLOREDIT: return OnColour(reinterpret_cast<HDC>(wParam));
-        case WM_ERASEBKGND: return OnErase(window, reinterpret_cast<HDC>(wParam));
+        case WM_CTLCOLOREDIT: return ChildColours(reinterpret_cast<HDC>(wParam));
+        case WM_ERASEBKGND: return EraseFrame(window, reinterpret_cast<HDC>(wParam));
         case WM_DROPFILES: MainWnd_OnDropFiles(reinterpret_cast<HDROP>(wParam)); return 0;
-        case WM_TIMER: OnTimer(window, wParam); return 0;
+        case WM_TIMER: RouteTimer(window, wParam); return 0;
         case WM_CLOSE: MainWnd_OnClose(window); return 0;
         case WM_QUERYENDSESSION: return MainWnd_OnQueryEndSession() ? TRUE : FALSE;
         case WM_ENDSESSION: MainWnd_OnEndSession(wParam != 0); return 0;

@@ -5,7 +5,7 @@
 #include "commands/command_state.h"
 #include "resources/ids.h"
 #include "ui/chrome.h"
-#include "ui/fonts.h"
+#include "ui/paint.h"
 
 #include <windowsx.h>
 

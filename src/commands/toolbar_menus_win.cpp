@@ -7,18 +7,21 @@
 #include "resources/ids.h"
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
+#include "ui/menu.h"
 #include "ui/ui_state.h"
 
+#include <array>
 #include <cstring>
 #include <vector>
 
 namespace {
 
-void ShowBelow(HWND bar, const RECT& button, HMENU menu, UINT side) {
+// The main window hears when the menu opens and sets the states of its commands.
+void ShowMenuBelow(HWND bar, const RECT& button, std::span<const MenuItem> items, UINT side) {
     POINT at = {side == TPM_RIGHTALIGN ? button.right : button.left, button.bottom};
     ClientToScreen(bar, &at);
-    TrackPopupMenu(menu, side | TPM_TOPALIGN, at.x, at.y, 0, g_ui.hMainWnd, nullptr);
-    DestroyMenu(menu);
+    const UINT chosen = ShowPopupMenu(g_ui.hMainWnd, items, at, side | TPM_TOPALIGN);
+    if (chosen != 0) PostMessageW(g_ui.hMainWnd, WM_COMMAND, chosen, 0);
 }
 
 // "Save (Ctrl+S)" -> "Save\tCtrl+S".
@@ -27,18 +30,6 @@ std::wstring MenuTextOfTip(std::wstring tip) {
     if (key == std::wstring::npos || !tip.ends_with(L')')) return tip;
     tip.pop_back();
     return tip.replace(key, 2, L"\t");
-}
-
-void AppendButton(HMENU menu, const HiddenButton& button, HBITMAP picture) {
-    const std::wstring text = MenuTextOfTip(button.tip);
-    const UINT id = static_cast<UINT>(button.command);
-    AppendMenuW(menu, MF_STRING, id, text.c_str());
-    if (button.showsState || picture == nullptr) return;  // its check mark stands where a picture would
-    MENUITEMINFOW item = {};
-    item.cbSize = sizeof(item);
-    item.fMask = MIIM_BITMAP;
-    item.hbmpItem = picture;
-    SetMenuItemInfoW(menu, id, FALSE, &item);
 }
 
 }  // namespace
@@ -73,43 +64,47 @@ std::wstring ToolbarCompilerText() {
 }
 
 void ToolbarShowCompilerMenu(HWND bar, const RECT& button) {
-    HMENU menu = CreatePopupMenu();
+    std::array<std::wstring, kCompilerCount> names;
+    std::vector<MenuItem> items;
     for (std::uint32_t id = 0; id < kCompilerCount; ++id) {
-        const std::wstring text = FormatW(CompilerExists(id) ? L"%s" : L"%s (not found)", CompilerName(id));
-        const UINT checked = static_cast<int>(id) == g_settings.activeCompiler ? MF_CHECKED : MF_UNCHECKED;
-        AppendMenuW(menu, MF_STRING | checked, static_cast<UINT_PTR>(CompilerEntry(id).command), text.c_str());
+        names[id] = FormatW(CompilerExists(id) ? L"%s" : L"%s (not found)", CompilerName(id));
+        items.push_back({.id = static_cast<UINT>(CompilerEntry(id).command),
+                         .text = names[id].c_str(),
+                         .checked = static_cast<int>(id) == g_settings.activeCompiler});
     }
-    AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+    items.emplace_back();
     constexpr struct {
         int command;
         const wchar_t* text;
     } kProfiles[] = {{IDM_PROFILE_DEBUG, L"Profile: Debug"},
                      {IDM_PROFILE_RELEASE, L"Profile: Release"},
                      {IDM_PROFILE_FAST, L"Profile: Fast"}};
-    for (const auto& profile : kProfiles) {
-        const bool checked = profile.command - IDM_PROFILE_DEBUG == g_settings.profile;
-        AppendMenuW(menu, MF_STRING | (checked ? MF_CHECKED : MF_UNCHECKED), static_cast<UINT_PTR>(profile.command),
-                    profile.text);
-    }
-    AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
-    const bool canBuild = CommandStateOf(IDM_BUILD_ALL, CurrentCommandView()).enabled;
-    AppendMenuW(menu, MF_STRING | (canBuild ? MF_ENABLED : MF_GRAYED), IDM_BUILD_ALL, L"Build All Open Sources");
-    ShowBelow(bar, button, menu, TPM_LEFTALIGN);
+    for (const auto& profile : kProfiles)
+        items.push_back({.id = static_cast<UINT>(profile.command),
+                         .text = profile.text,
+                         .checked = profile.command - IDM_PROFILE_DEBUG == g_settings.profile});
+    items.emplace_back();
+    items.push_back({.id = IDM_BUILD_ALL,
+                     .text = L"Build All Open Sources",
+                     .enabled = CommandStateOf(IDM_BUILD_ALL, CurrentCommandView()).enabled});
+    ShowMenuBelow(bar, button, items, TPM_LEFTALIGN);
 }
 
 void ToolbarShowHiddenMenu(HWND bar, const RECT& button, std::span<const HiddenButton> buttons) {
-    HMENU menu = CreatePopupMenu();
-    if (menu == nullptr) return;
     // A menu is light in either theme. Its states come when it opens, as those of every other menu.
     const IconInks inks = ToolbarInks(false, true);
     std::vector<UniqueBitmap> pictures;
+    std::vector<std::wstring> texts;
     for (const HiddenButton& hidden : buttons) {
-        if (hidden.command == 0) {
-            AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
-            continue;
-        }
-        pictures.emplace_back(ToolbarPicture(hidden.icon, GetSystemMetrics(SM_CXMENUCHECK), inks));
-        AppendButton(menu, hidden, pictures.back().Get());
+        texts.push_back(MenuTextOfTip(hidden.tip));
+        pictures.emplace_back();
+        // The check mark of those with a state stands where a picture would.
+        if (hidden.command != 0 && !hidden.showsState)
+            pictures.back().Reset(ToolbarPicture(hidden.icon, GetSystemMetrics(SM_CXMENUCHECK), inks));
     }
-    ShowBelow(bar, button, menu, TPM_RIGHTALIGN);
+    std::vector<MenuItem> items;
+    for (std::size_t i = 0; i < buttons.size(); ++i)
+        items.push_back(
+            {.id = static_cast<UINT>(buttons[i].command), .text = texts[i].c_str(), .picture = pictures[i].Get()});
+    ShowMenuBelow(bar, button, items, TPM_RIGHTALIGN);
 }

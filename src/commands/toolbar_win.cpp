@@ -8,8 +8,9 @@
 #include "resources/ids.h"
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
+#include "ui/dpi.h"
 #include "ui/fonts.h"
-#include "ui/ui_state.h"
+#include "ui/paint.h"
 
 #include <commctrl.h>
 
@@ -101,10 +102,8 @@ std::optional<CommandView> g_applied;     // what the buttons show; nothing: not
 std::uint32_t g_conditions = kNoSession;  // by which they are shown
 std::vector<HiddenButton> g_hidden;       // those without room
 
-int Scaled(int length) { return MulDiv(length, g_ui.dpi, 96); }
-
 HIMAGELIST RenderImages(bool enabled) {
-    const int size = Scaled(kIconSize);
+    const int size = UiScaled(kIconSize);
     HIMAGELIST images = ImageList_Create(size, size, ILC_COLOR32, static_cast<int>(std::size(kButtons)), 0);
     const IconInks inks = ToolbarInks(ThemeIsDark(), enabled);
     for (const ButtonRow& row : kButtons) {
@@ -116,7 +115,7 @@ HIMAGELIST RenderImages(bool enabled) {
     return images;
 }
 
-int IdOf(const ButtonRow& row) {
+int ButtonId(const ButtonRow& row) {
     return row.command != 0 ? row.command : kFirstGap + static_cast<int>(&row - kButtons);
 }
 
@@ -126,7 +125,7 @@ void AddButtons(HWND bar) {
     for (const ButtonRow& row : kButtons) {
         TBBUTTON button = {};
         button.fsState = TBSTATE_ENABLED;
-        button.idCommand = IdOf(row);
+        button.idCommand = ButtonId(row);
         if (row.command == 0) {
             button.fsStyle = BTNS_SEP;
             button.iBitmap = kGap;
@@ -143,23 +142,17 @@ void AddButtons(HWND bar) {
     }
 }
 
-int TextWidth(HWND window, const std::wstring& text) {
-    HDC dc = GetDC(window);
-    HGDIOBJ old = SelectObject(dc, UiFont());
-    SIZE size = {};
-    GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
-    SelectObject(dc, old);
-    ReleaseDC(window, dc);
-    return static_cast<int>(size.cx);
+int CompilerTextWidth() {
+    const std::wstring text = ToolbarCompilerText();
+    return UiTextWidth(text.c_str(), static_cast<int>(text.size()));
 }
 
-int WidthOf(const ButtonRow& row) {
+int ButtonWidth(const ButtonRow& row) {
     switch (row.command) {
-        case 0: return Scaled(kGap);
-        case IDM_COMPILER_MENU:
-            return TextWidth(g_commands.hToolbar, ToolbarCompilerText()) + Scaled(kTextInset + kArrowWidth);
-        case IDM_TOOLBAR_MORE: return Scaled(kMoreSize);
-        default: return Scaled(kButtonSize);
+        case 0: return UiScaled(kGap);
+        case IDM_COMPILER_MENU: return CompilerTextWidth() + UiScaled(kTextInset + kArrowWidth);
+        case IDM_TOOLBAR_MORE: return UiScaled(kMoreSize);
+        default: return UiScaled(kButtonSize);
     }
 }
 
@@ -169,24 +162,24 @@ void SizeButtons() {
         TBBUTTONINFOW info = {};
         info.cbSize = sizeof(info);
         info.dwMask = TBIF_SIZE;
-        info.cx = static_cast<WORD>(WidthOf(row));
-        SendMessageW(g_commands.hToolbar, TB_SETBUTTONINFOW, static_cast<WPARAM>(IdOf(row)),
+        info.cx = static_cast<WORD>(ButtonWidth(row));
+        SendMessageW(g_commands.hToolbar, TB_SETBUTTONINFOW, static_cast<WPARAM>(ButtonId(row)),
                      reinterpret_cast<LPARAM>(&info));
     }
 }
 
-bool IsWanted(const ButtonRow& row) {
+bool IsButtonWanted(const ButtonRow& row) {
     return row.shownWhen == kShownAlways ||
            ((g_conditions & row.shownWhen) != 0 && (g_conditions & row.hiddenWhen) == 0);
 }
 
-void Show(const ButtonRow& row, bool shown) {
-    const auto id = static_cast<WPARAM>(IdOf(row));
+void ShowButton(const ButtonRow& row, bool shown) {
+    const auto id = static_cast<WPARAM>(ButtonId(row));
     const bool now = SendMessageW(g_commands.hToolbar, TB_ISBUTTONHIDDEN, id, 0) == 0;
     if (shown != now) SendMessageW(g_commands.hToolbar, TB_HIDEBUTTON, id, MAKELPARAM(shown ? FALSE : TRUE, 0));
 }
 
-std::wstring TipOf(const ButtonRow& row) {
+std::wstring ButtonTip(const ButtonRow& row) {
     if (row.tip != nullptr) return row.tip;
     wchar_t text[128] = {};
     GetMenuStringW(GetMenu(g_ui.hMainWnd), static_cast<UINT>(row.command), text, static_cast<int>(std::size(text)),
@@ -201,18 +194,19 @@ void FitButtons() {
     if (client.right <= 0) return;  // not placed yet
     std::vector<BarItem> items;
     for (const ButtonRow& row : kButtons)
-        if (row.command != IDM_TOOLBAR_MORE) items.push_back({WidthOf(row), row.rank, IsWanted(row), row.command == 0});
-    const BarFit fit = FitToolbar(items, client.right - 2 * Scaled(kBarPadding), Scaled(kMoreSize));
+        if (row.command != IDM_TOOLBAR_MORE)
+            items.push_back({ButtonWidth(row), row.rank, IsButtonWanted(row), row.command == 0});
+    const BarFit fit = FitToolbar(items, client.right - 2 * UiScaled(kBarPadding), UiScaled(kMoreSize));
     g_hidden.clear();
     for (std::size_t i = 0; i < items.size(); ++i) {
         const ButtonRow& row = kButtons[i];
-        Show(row, fit.shown[i]);
+        ShowButton(row, fit.shown[i]);
         if (row.command == 0 && !g_hidden.empty() && g_hidden.back().command != 0) g_hidden.emplace_back();
         if (items[i].wanted && !items[i].gap && !fit.shown[i])
-            g_hidden.push_back({row.command, row.icon, row.showsState, TipOf(row)});
+            g_hidden.push_back({row.command, row.icon, row.showsState, ButtonTip(row)});
     }
     if (!g_hidden.empty() && g_hidden.back().command == 0) g_hidden.pop_back();
-    Show(std::end(kButtons)[-1], fit.more);
+    ShowButton(std::end(kButtons)[-1], fit.more);
 }
 
 void ShowMenuOf(int command) {
@@ -228,70 +222,67 @@ void ShowMenuOf(int command) {
 void DrawCompilerButton(const NMTBCUSTOMDRAW& draw, COLORREF colour) {
     const HDC dc = draw.nmcd.hdc;
     RECT area = draw.nmcd.rc;
-    area.left += Scaled(kTextInset);
+    area.left += UiScaled(kTextInset);
     const HGDIOBJ oldFont = SelectObject(dc, UiFont());
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, colour);
     DrawTextW(dc, ToolbarCompilerText().c_str(), -1, &area, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
     SelectObject(dc, oldFont);
-    const int arm = Scaled(4);
-    const int middle = area.right - Scaled(kArrowWidth) / 2;
-    const int top = (area.top + area.bottom - arm) / 2 + Scaled(1);
-    const POINT arrow[] = {{middle - arm, top}, {middle + arm, top}, {middle, top + arm}};
-    SetDCBrushColor(dc, colour);
-    SetDCPenColor(dc, colour);
-    const HGDIOBJ oldBrush = SelectObject(dc, GetStockObject(DC_BRUSH));
-    const HGDIOBJ oldPen = SelectObject(dc, GetStockObject(DC_PEN));
-    Polygon(dc, arrow, static_cast<int>(std::size(arrow)));
-    SelectObject(dc, oldPen);
-    SelectObject(dc, oldBrush);
+    DrawDropArrow(dc, area, UiScaled(kArrowWidth), colour);
+}
+
+LRESULT DrawButton(NMTBCUSTOMDRAW& draw) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    draw.clrText = chrome.statusText;
+    draw.clrTextHighlight = chrome.statusText;
+    draw.clrHighlightHotTrack = chrome.hover;
+    if ((draw.nmcd.uItemState & (CDIS_CHECKED | CDIS_HOT | CDIS_SELECTED)) != 0)
+        FillArea(draw.nmcd.hdc, draw.nmcd.rc, chrome.hover);
+    if (draw.nmcd.dwItemSpec != IDM_COMPILER_MENU)
+        return TBCDRF_NOBACKGROUND | TBCDRF_NOEDGES | TBCDRF_NOOFFSET | TBCDRF_USECDCOLORS;
+    DrawCompilerButton(draw, chrome.statusText);
+    return CDRF_SKIPDEFAULT;
 }
 
 LRESULT DrawBar(const NMTBCUSTOMDRAW& draw) {
-    const ThemeChrome& chrome = ThemeCurrentChrome();
     switch (draw.nmcd.dwDrawStage) {
         case CDDS_PREPAINT: return CDRF_NOTIFYITEMDRAW;
-        case CDDS_ITEMPREPAINT: {
-            auto& item = const_cast<NMTBCUSTOMDRAW&>(draw);
-            item.clrText = chrome.statusText;
-            item.clrTextHighlight = chrome.statusText;
-            item.clrHighlightHotTrack = chrome.hover;
-            if ((draw.nmcd.uItemState & (CDIS_CHECKED | CDIS_HOT | CDIS_SELECTED)) != 0)
-                FillArea(draw.nmcd.hdc, draw.nmcd.rc, chrome.hover);
-            if (draw.nmcd.dwItemSpec == IDM_COMPILER_MENU) {
-                DrawCompilerButton(draw, chrome.statusText);
-                return CDRF_SKIPDEFAULT;
-            }
-            return TBCDRF_NOBACKGROUND | TBCDRF_NOEDGES | TBCDRF_NOOFFSET | TBCDRF_USECDCOLORS;
-        }
+        case CDDS_ITEMPREPAINT:
+            return DrawButton(const_cast<NMTBCUSTOMDRAW&>(draw));  // the control reads the colours in it
         default: return CDRF_DODEFAULT;
     }
 }
 
 // Stop takes the place of Start: the second half of a double-click on that was not meant for it.
-bool IsSecondClickOnStop(HWND bar, UINT message, LPARAM lParam) {
-    if (message != WM_LBUTTONDBLCLK) return false;
+bool IsSecondClickOnStop(HWND bar, LPARAM lParam) {
     POINT at = {static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
     RECT stop = {};
     return SendMessageW(bar, TB_GETRECT, IDM_DEBUG_BUTTON_STOP, reinterpret_cast<LPARAM>(&stop)) != 0 &&
            PtInRect(&stop, at) != FALSE;
 }
 
+// The control has no colour of its own for its background.
+LRESULT EraseBar(HWND bar, HDC dc) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    RECT area = {};
+    GetClientRect(bar, &area);
+    FillArea(dc, area, chrome.statusBack);
+    area.top = area.bottom - 1;
+    FillArea(dc, area, chrome.line);
+    return 1;
+}
+
 LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
-    // The bar's own background follows the theme; the control has no colour of its own for it.
-    if (message == WM_ERASEBKGND) {
-        const ThemeChrome& chrome = ThemeCurrentChrome();
-        RECT area = {};
-        GetClientRect(window, &area);
-        FillArea(reinterpret_cast<HDC>(wParam), area, chrome.statusBack);
-        area.top = area.bottom - 1;
-        FillArea(reinterpret_cast<HDC>(wParam), area, chrome.line);
-        return 1;
+    switch (message) {
+        case WM_ERASEBKGND: return EraseBar(window, reinterpret_cast<HDC>(wParam));
+        case WM_LBUTTONDBLCLK:
+            if (IsSecondClickOnStop(window, lParam)) return 0;
+            break;
+        case WM_LBUTTONUP: g_applied.reset(); break;  // a click turns a check button over by itself
+        case WM_SIZE: FitButtons(); break;
+        case WM_NCDESTROY: RemoveWindowSubclass(window, ToolbarProc, 1); break;
+        default: break;
     }
-    if (IsSecondClickOnStop(window, message, lParam)) return 0;
-    if (message == WM_LBUTTONUP) g_applied.reset();  // a click turns a check button over by itself
-    if (message == WM_NCDESTROY) RemoveWindowSubclass(window, ToolbarProc, 1);
-    if (message == WM_SIZE) FitButtons();
     return DefSubclassProc(window, message, wParam, lParam);
 }
 
@@ -319,8 +310,8 @@ void ToolbarApplyTheme() {
     g_disabledImages = RenderImages(false);
     SendMessageW(g_commands.hToolbar, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(g_images));
     SendMessageW(g_commands.hToolbar, TB_SETDISABLEDIMAGELIST, 0, reinterpret_cast<LPARAM>(g_disabledImages));
-    SendMessageW(g_commands.hToolbar, TB_SETINDENT, static_cast<WPARAM>(Scaled(kBarPadding)), 0);
-    SendMessageW(g_commands.hToolbar, TB_SETBUTTONSIZE, 0, MAKELPARAM(Scaled(kButtonSize), Scaled(kButtonSize)));
+    SendMessageW(g_commands.hToolbar, TB_SETINDENT, static_cast<WPARAM>(UiScaled(kBarPadding)), 0);
+    SendMessageW(g_commands.hToolbar, TB_SETBUTTONSIZE, 0, MAKELPARAM(UiScaled(kButtonSize), UiScaled(kButtonSize)));
     SendMessageW(g_commands.hToolbar, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
     ToolbarUpdateCompiler();
     SizeButtons();
@@ -384,21 +375,21 @@ int ToolbarInset() {
     return std::max(0, (ToolbarHeight() - 1 - buttons) / 2);
 }
 
-int ToolbarHeight() { return Scaled(kButtonSize + 2 * kBarPadding); }
+int ToolbarHeight() { return UiScaled(kButtonSize + 2 * kBarPadding); }
+
+static bool FillToolbarTip(NMTTDISPINFOW& tip) {
+    if ((tip.uFlags & TTF_IDISHWND) != 0 || tip.hdr.idFrom < IDM_FILE_NEW) return false;
+    const auto* row = std::ranges::find(kButtons, static_cast<int>(tip.hdr.idFrom), &ButtonRow::command);
+    if (row == std::end(kButtons)) return false;
+    lstrcpynW(tip.szText, ButtonTip(*row).c_str(), static_cast<int>(std::size(tip.szText)));
+    tip.lpszText = tip.szText;
+    return true;
+}
 
 bool ToolbarHandleNotify(const NMHDR& header, LRESULT* result) {
-    if (header.code == TTN_GETDISPINFOW) {
-        auto& tip = *reinterpret_cast<NMTTDISPINFOW*>(const_cast<NMHDR*>(&header));
-        if ((tip.uFlags & TTF_IDISHWND) != 0 || header.idFrom < IDM_FILE_NEW) return false;
-        const auto* row = std::ranges::find(kButtons, static_cast<int>(header.idFrom), &ButtonRow::command);
-        if (row == std::end(kButtons)) return false;
-        const std::wstring text = TipOf(*row);
-        const std::size_t length = std::min(text.size(), std::size(tip.szText) - 1);
-        text.copy(tip.szText, length);
-        tip.szText[length] = L'\0';
-        tip.lpszText = tip.szText;
-        return true;
-    }
+    // The tooltip wants its answer in the very record it sends.
+    if (header.code == TTN_GETDISPINFOW)
+        return FillToolbarTip(*reinterpret_cast<NMTTDISPINFOW*>(const_cast<NMHDR*>(&header)));
     if (header.hwndFrom != g_commands.hToolbar || g_commands.hToolbar == nullptr) return false;
     if (header.code == NM_CUSTOMDRAW) {
         *result = DrawBar(reinterpret_cast<const NMTBCUSTOMDRAW&>(header));

@@ -12,23 +12,23 @@
 namespace {
 
 enum Column : int { kPlace, kCondition, kHits, kState };
-constexpr std::array<PaneColumn, 4> kColumns = {
+constexpr std::array<ListColumn, 4> kColumns = {
     {{L"Line", 16, 13, false}, {L"Condition", 12, 7, true}, {L"Hits", 5, 4, true}, {L"State", 34, 8, false}}};
 
 enum MenuCommand : UINT { kGo = 1, kToggle, kEditCondition, kRemove, kRemoveAll };
 
-const UserBreakpoint* At(int row) {
+const UserBreakpoint* BreakpointAtRow(int row) {
     const std::vector<UserBreakpoint>& list = BreakpointList();
     return row >= 0 && row < static_cast<int>(list.size()) ? &list[static_cast<std::size_t>(row)] : nullptr;
 }
 
-std::wstring PlaceOf(const UserBreakpoint& breakpoint) {
+std::wstring BreakpointPlaceText(const UserBreakpoint& breakpoint) {
     wchar_t name[kPathCapacity] = {};
     PathGetFile(breakpoint.path.c_str(), name, kPathCapacity);
     return (*name != L'\0' ? std::wstring(name) : L"Untitled") + L":" + std::to_wstring(breakpoint.line);
 }
 
-std::wstring StateOf(const UserBreakpoint& breakpoint) {
+std::wstring BreakpointStateText(const UserBreakpoint& breakpoint) {
     switch (breakpoint.status) {
         case BreakpointStatus::Planted: return L"Active";
         case BreakpointStatus::NoCode: return breakpoint.reason.empty() ? L"No code on this line" : breakpoint.reason;
@@ -39,72 +39,73 @@ std::wstring StateOf(const UserBreakpoint& breakpoint) {
     return breakpoint.enabled ? L"Waits for a program" : L"Disabled";
 }
 
-void Fill(PaneContent& content) {
+void FillBreakpoints(PaneContent& content) {
     for (const UserBreakpoint& breakpoint : BreakpointList()) {
-        PaneRow row;
-        row.cells = {PlaceOf(breakpoint), Utf8ToWideText(breakpoint.condition),
-                     breakpoint.hits != 0 ? std::to_wstring(breakpoint.hits) : std::wstring{}, StateOf(breakpoint)};
-        row.mark = breakpoint.enabled ? PaneMark::Checked : PaneMark::Unchecked;
+        ListRow row;
+        row.cells = {BreakpointPlaceText(breakpoint), Utf8ToWideText(breakpoint.condition),
+                     breakpoint.hits != 0 ? std::to_wstring(breakpoint.hits) : std::wstring{},
+                     BreakpointStateText(breakpoint)};
+        row.mark = breakpoint.enabled ? ListMark::Checked : ListMark::Unchecked;
         const bool refused =
             breakpoint.status == BreakpointStatus::NoCode || breakpoint.status == BreakpointStatus::Refused;
-        row.tone = !breakpoint.enabled ? PaneTone::Quiet : refused ? PaneTone::Problem : PaneTone::Normal;
+        row.tone = !breakpoint.enabled ? ListTone::Quiet : refused ? ListTone::Problem : ListTone::Normal;
         content.rows.push_back(std::move(row));
     }
     content.hint = content.rows.empty() ? L"No breakpoints. F9 sets one on the caret's line." : L"";
 }
 
-std::wstring CommitCondition(int row, const std::wstring& text) {
+std::wstring CommitBreakpointCondition(int row, const std::wstring& text) {
     const std::string condition = PaneUtf8(text);
     std::wstring problem = ConditionProblem(condition);
     if (!problem.empty()) return problem;
-    if (At(row) == nullptr) return {};
+    if (BreakpointAtRow(row) == nullptr) return {};
     BreakpointSetCondition(static_cast<std::size_t>(row), condition);
     DebugPaneInvalidate();
     return {};
 }
 
-void Edit(int row, int column) {
-    const UserBreakpoint* breakpoint = At(row);
+void EditBreakpoint(int row, int column) {
+    const UserBreakpoint* breakpoint = BreakpointAtRow(row);
     if (breakpoint == nullptr || (column != -1 && column != kCondition)) return;
-    PaneEditBegin(row, kCondition, Utf8ToWideText(breakpoint->condition), false,
-                  [row](const std::wstring& text) { return CommitCondition(row, text); });
+    ListViewEditCell(PaneList(), row, kCondition, Utf8ToWideText(breakpoint->condition), false,
+                     [row](const std::wstring& text) { return CommitBreakpointCondition(row, text); });
 }
 
-void Activate(int row, int column) {
-    if (At(row) != nullptr && column != kCondition) BreakpointJump(static_cast<std::size_t>(row));
+void GoToBreakpoint(int row, int column) {
+    if (BreakpointAtRow(row) != nullptr && column != kCondition) BreakpointJump(static_cast<std::size_t>(row));
 }
 
-void Check(int row) {
-    const UserBreakpoint* breakpoint = At(row);
+void SwitchBreakpointOfRow(int row) {
+    const UserBreakpoint* breakpoint = BreakpointAtRow(row);
     if (breakpoint != nullptr) BreakpointEnable(static_cast<std::size_t>(row), !breakpoint->enabled);
     DebugPaneInvalidate();
 }
 
-void Remove(int row) {
-    if (At(row) != nullptr) BreakpointRemove(static_cast<std::size_t>(row));
+void RemoveBreakpointOfRow(int row) {
+    if (BreakpointAtRow(row) != nullptr) BreakpointRemove(static_cast<std::size_t>(row));
     DebugPaneInvalidate();
 }
 
-bool Key(int row, int key) {
+bool OnBreakpointKey(int row, int key) {
     if (key != VK_DELETE) return false;
-    Remove(row);
+    RemoveBreakpointOfRow(row);
     return true;
 }
 
-void Menu(int row, POINT screen) {
-    const UserBreakpoint* breakpoint = At(row);
+void ShowBreakpointMenu(int row, POINT screen) {
+    const UserBreakpoint* breakpoint = BreakpointAtRow(row);
     if (breakpoint == nullptr) return;
-    const std::array<PaneMenuItem, 6> items = {{{kGo, L"&Go to Source\tEnter"},
-                                                {kToggle, breakpoint->enabled ? L"&Disable\tSpace" : L"&Enable\tSpace"},
-                                                {kEditCondition, L"&Condition...\tF2"},
-                                                {0, nullptr},
-                                                {kRemove, L"&Remove\tDel"},
-                                                {kRemoveAll, L"Remove &All"}}};
+    const std::array<MenuItem, 6> items = {{{kGo, L"&Go to Source\tEnter"},
+                                            {kToggle, breakpoint->enabled ? L"&Disable\tSpace" : L"&Enable\tSpace"},
+                                            {kEditCondition, L"&Condition...\tF2"},
+                                            {0, nullptr},
+                                            {kRemove, L"&Remove\tDel"},
+                                            {kRemoveAll, L"Remove &All"}}};
     switch (PaneShowMenu(items, screen)) {
-        case kGo: Activate(row, -1); break;
-        case kToggle: Check(row); break;
-        case kEditCondition: Edit(row, -1); break;
-        case kRemove: Remove(row); break;
+        case kGo: GoToBreakpoint(row, -1); break;
+        case kToggle: SwitchBreakpointOfRow(row); break;
+        case kEditCondition: EditBreakpoint(row, -1); break;
+        case kRemove: RemoveBreakpointOfRow(row); break;
         case kRemoveAll:
             BreakpointRemoveAll();
             DebugPaneInvalidate();
@@ -113,15 +114,14 @@ void Menu(int row, POINT screen) {
     }
 }
 
+constexpr ListKind kList = {.columns = kColumns,
+                            .hasMarks = true,
+                            .activate = GoToBreakpoint,
+                            .edit = EditBreakpoint,
+                            .key = OnBreakpointKey,
+                            .check = SwitchBreakpointOfRow,
+                            .menu = ShowBreakpointMenu};
+
 }  // namespace
 
-const PaneView kBreakpointsView = {.title = L"Breakpoints",
-                                   .columns = kColumns,
-                                   .ofStop = false,
-                                   .hasMarks = true,
-                                   .fill = Fill,
-                                   .activate = Activate,
-                                   .edit = Edit,
-                                   .key = Key,
-                                   .check = Check,
-                                   .menu = Menu};
+const PaneView kBreakpointsView = {.title = L"Breakpoints", .list = &kList, .ofStop = false, .fill = FillBreakpoints};

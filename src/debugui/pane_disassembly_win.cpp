@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr std::array<PaneColumn, 3> kColumns = {
+constexpr std::array<ListColumn, 3> kColumns = {
     {{L"Address", 13, 12, true}, {L"Bytes", 20, 12, true}, {L"Instruction", 30, 18, true}}};
 constexpr std::uint64_t kBytesBefore = 400;
 constexpr std::size_t kBytesRead = kBytesBefore + kInstructionsShown * kLongestInstruction;
@@ -59,8 +59,8 @@ Place PlaceAt(std::uint64_t address) {
 }
 
 void AddSourceRow(PaneContent& content, const Place& place) {
-    PaneRow row;
-    row.tone = PaneTone::Source;
+    ListRow row;
+    row.tone = ListTone::Source;
     row.cells = {std::to_wstring(place.line) + L": " + PaneSourceLine(place.fileId, place.line), L"", L""};
     content.rows.push_back(std::move(row));
     g_places.push_back(place);
@@ -83,11 +83,11 @@ void AddRows(PaneContent& content, const Code& code, const std::vector<DisasmIns
         last = place;
         const auto offset = static_cast<std::size_t>(instruction.address - code.address);
         const auto bytes = std::span(code.bytes).subspan(offset);
-        PaneRow row;
+        ListRow row;
         row.cells = {HexText(instruction.address, PaneAddressDigits(x64, instruction.address)),
                      CodeBytesText(bytes.first(std::min<std::size_t>(instruction.length, bytes.size()))),
                      InstructionText(instruction)};
-        if (instruction.address == current) row.mark = PaneMark::Current;
+        if (instruction.address == current) row.mark = ListMark::Current;
         if (instruction.address == target) content.reveal = static_cast<int>(content.rows.size());
         content.rows.push_back(std::move(row));
         g_places.push_back(place);
@@ -101,7 +101,7 @@ struct Shown {
 };
 Shown g_shown;
 
-void Fill(PaneContent& content) {
+void FillDisassembly(PaneContent& content) {
     const PaneProgram& program = PaneProgramNow();
     g_places.clear();
     if (!program.registers) {
@@ -126,18 +126,18 @@ void Fill(PaneContent& content) {
     g_shown = shown;
 }
 
-void Activate(int row, int) {
+void GoToInstruction(int row, int) {
     if (row < 0 || row >= static_cast<int>(g_places.size())) return;
     const Place& place = g_places[static_cast<std::size_t>(row)];
     PaneGoTo(place.fileId, place.line);
 }
 
+constexpr ListKind kList = {.columns = kColumns, .hasMarks = true, .activate = GoToInstruction};
+
 }  // namespace
 
 const PaneView kDisassemblyView = {.title = L"Disassembly",
-                                   .columns = kColumns,
+                                   .list = &kList,
                                    .ofStop = true,
-                                   .hasMarks = true,
-                                   .fill = Fill,
-                                   .activate = Activate,
+                                   .fill = FillDisassembly,
                                    .addressCue = L"The current instruction"};

@@ -12,6 +12,25 @@ constexpr int kGap = 1;  // blanks after the address and before the characters
 
 bool IsPlain(std::uint8_t byte) { return byte >= 32 && byte <= 126; }
 
+// Bytes of a row, as a distance between addresses.
+std::uint64_t RowBytes(const MemoryPlace& place) { return static_cast<std::uint64_t>(place.shape.bytes); }
+
+std::uint64_t HighestRow(const MemoryPlace& place) {
+    return (place.x64 ? ~std::uint64_t{0} : 0xFFFFFFFFU) - (RowBytes(place) - 1);
+}
+
+std::uint64_t Distance(const MemoryPlace& place, std::int64_t rows) {
+    return static_cast<std::uint64_t>(rows < 0 ? -rows : rows) * RowBytes(place);
+}
+
+std::int64_t RowsToCaret(const MemoryPlace& place) {
+    const std::uint64_t row = RowBytes(place);
+    const auto whole = static_cast<std::uint64_t>(std::max(place.rows - 1, 1)) * row;
+    if (place.caretRow < place.top) return -static_cast<std::int64_t>((place.top - place.caretRow + row - 1) / row);
+    if (place.caretRow - place.top < whole) return 0;
+    return static_cast<std::int64_t>((place.caretRow - place.top - whole) / row + 1);
+}
+
 }  // namespace
 
 MemoryShape MemoryShapeThatFits(int digits, int characters) {
@@ -64,4 +83,37 @@ std::optional<std::uint8_t> MemoryTyped(std::uint8_t old, const MemoryCaret& car
     const int digit = HexValue(typed);
     if (digit < 0) return {};
     return static_cast<std::uint8_t>(caret.low ? (old & 0xF0) | digit : (old & 0x0F) | digit << 4);
+}
+
+std::uint64_t MemoryScrolledTop(const MemoryPlace& place, std::int64_t rows) {
+    const std::uint64_t distance = Distance(place, rows);
+    if (rows < 0) return place.top - std::min(place.top, distance);
+    return place.top + std::min(distance, HighestRow(place) - std::min(place.top, HighestRow(place)));
+}
+
+std::int64_t MemoryMoveCaretBy(MemoryPlace& place, std::int64_t bytes) {
+    const std::int64_t index = place.caret.index + bytes;
+    std::int64_t rows = index / place.shape.bytes;
+    if (index % place.shape.bytes < 0) --rows;
+    const std::uint64_t distance = Distance(place, rows);
+    if (rows < 0 ? place.caretRow < distance : HighestRow(place) - place.caretRow < distance) return 0;
+    place.caretRow = rows < 0 ? place.caretRow - distance : place.caretRow + distance;
+    place.caret.index = static_cast<int>(index - rows * place.shape.bytes);
+    return RowsToCaret(place);
+}
+
+std::int64_t MemoryStepCaretBy(MemoryPlace& place, int step) {
+    if (place.caret.text) return MemoryMoveCaretBy(place, step);
+    const std::int64_t rows = place.caret.low == (step > 0) ? MemoryMoveCaretBy(place, step) : 0;
+    place.caret.low = !place.caret.low;
+    return rows;
+}
+
+void MemoryReshape(MemoryPlace& place, const MemoryShape& shape) {
+    const std::uint64_t caret = place.caretRow + static_cast<std::uint64_t>(place.caret.index);
+    place.shape = shape;
+    // Rows count from the first one that is shown, upwards too: the length divides what the difference wraps around at.
+    const std::uint64_t rest = std::min((caret - place.top) % RowBytes(place), caret);
+    place.caretRow = caret - rest;
+    place.caret.index = static_cast<int>(rest);
 }

@@ -38,3 +38,21 @@ MemoryCaret MemoryCaretAt(const MemoryShape& shape, int column);
 
 // The byte after `typed` at the caret; nothing for a character that does not belong there.
 std::optional<std::uint8_t> MemoryTyped(std::uint8_t old, const MemoryCaret& caret, wchar_t typed);
+
+// What is shown of the address space, in rows.
+struct MemoryPlace {
+    std::uint64_t top = 0;       // address of the first row
+    std::uint64_t caretRow = 0;  // address of the caret's row
+    MemoryCaret caret;
+    int rows = 1;       // that fit, a cut one at the end included
+    bool x64 = true;    // kind of the program
+    MemoryShape shape;  // of every row
+};
+// The first row after scrolling by rows, within the address space.
+std::uint64_t MemoryScrolledTop(const MemoryPlace& place, std::int64_t rows);
+// Both move the caret, the first by bytes, the second by what its part of the row has: digits or characters. They stop at
+// either end of the address space. The result: by how many rows to scroll so that it is seen.
+std::int64_t MemoryMoveCaretBy(MemoryPlace& place, std::int64_t bytes);
+std::int64_t MemoryStepCaretBy(MemoryPlace& place, int step);
+// Rows of another length: the caret stays on its byte, which is elsewhere in its row now.
+void MemoryReshape(MemoryPlace& place, const MemoryShape& shape);

@@ -13,13 +13,10 @@ namespace {
 
 constexpr std::uint64_t kPage = 4096;
 
-// Bytes of a row, as a distance between addresses.
-std::uint64_t RowBytes() { return static_cast<std::uint64_t>(g_memory.shape.bytes); }
+std::uint64_t RowLength() { return static_cast<std::uint64_t>(g_memory.shape.bytes); }
 
-std::uint64_t HighestRow() { return (g_memory.x64 ? ~std::uint64_t{0} : 0xFFFFFFFFU) - (RowBytes() - 1); }
-
-// Pages that cannot be read do not hide those behind them.
-std::vector<MemoryByte> ReadBytes(std::uint64_t address, std::size_t count) {
+// Pages that cannot be read do not hide those after them.
+std::vector<MemoryByte> ReadMemoryBytes(std::uint64_t address, std::size_t count) {
     std::vector<MemoryByte> bytes(count);
     std::vector<std::uint8_t> part(kPage);
     for (std::size_t done = 0; done < count;) {
@@ -32,25 +29,15 @@ std::vector<MemoryByte> ReadBytes(std::uint64_t address, std::size_t count) {
     return bytes;
 }
 
-std::size_t VisibleBytes() { return static_cast<std::size_t>(g_memory.rows) * RowBytes(); }
+std::size_t VisibleBytes() { return static_cast<std::size_t>(g_memory.rows) * RowLength(); }
 
-// Rows of another length: the caret stays on its byte, which is elsewhere in its row now.
-void Reshape(const MemoryShape& shape) {
-    const std::uint64_t caret = g_memory.caretRow + static_cast<std::uint64_t>(g_memory.caret.index);
-    g_memory.shape = shape;
-    // Rows count from the first one that is shown, upwards too: the length divides what the difference wraps around at.
-    const std::uint64_t rest = std::min((caret - g_memory.top) % RowBytes(), caret);
-    g_memory.caretRow = caret - rest;
-    g_memory.caret.index = static_cast<int>(rest);
+std::wstring VisibleRowText(std::size_t row) {
+    const std::size_t first = row * RowLength();
+    if (first + RowLength() > g_memory.bytes.size()) return {};
+    return MemoryRowText(g_memory.top + first, g_memory.shape, std::span(g_memory.bytes).subspan(first, RowLength()));
 }
 
-std::wstring RowText(std::size_t row) {
-    const std::size_t first = row * RowBytes();
-    if (first + RowBytes() > g_memory.bytes.size()) return {};
-    return MemoryRowText(g_memory.top + first, g_memory.shape, std::span(g_memory.bytes).subspan(first, RowBytes()));
-}
-
-void Fill(PaneContent& content) {
+void FillMemoryView(PaneContent& content) {
     const PaneProgram& program = PaneProgramNow();
     if (!program.registers) {
         content.hint = L"The registers of this thread cannot be read.";
@@ -87,8 +74,8 @@ void Fill(PaneContent& content) {
 void MemoryRead() {
     const int digits = PaneAddressDigits(g_memory.x64, std::max(g_memory.top, g_memory.top + VisibleBytes()));
     const MemoryShape shape = MemoryShapeThatFits(digits, g_memory.characters);
-    if (shape != g_memory.shape) Reshape(shape);
-    g_memory.bytes = ReadBytes(g_memory.top, VisibleBytes());
+    if (shape != g_memory.shape) MemoryReshape(g_memory, shape);
+    g_memory.bytes = ReadMemoryBytes(g_memory.top, VisibleBytes());
 }
 
 bool MemoryChanged(std::uint64_t address, const MemoryByte& now) {
@@ -98,7 +85,7 @@ bool MemoryChanged(std::uint64_t address, const MemoryByte& now) {
 
 bool MemoryWrite(wchar_t typed) {
     const std::uint64_t address = g_memory.caretRow + static_cast<std::uint64_t>(g_memory.caret.index);
-    const std::vector<MemoryByte> old = ReadBytes(address, 1);
+    const std::vector<MemoryByte> old = ReadMemoryBytes(address, 1);
     if (!PaneProgramNow().stopped || !old[0]) return false;
     const auto byte = MemoryTyped(*old[0], g_memory.caret, typed);
     if (!byte || !DebugWriteMem(&g_debugger, address, &*byte, 1)) return false;
@@ -108,50 +95,30 @@ bool MemoryWrite(wchar_t typed) {
 
 void MemoryScroll(std::int64_t rows) {
     if (!PaneProgramNow().stopped) return;
-    const std::uint64_t distance = static_cast<std::uint64_t>(rows < 0 ? -rows : rows) * RowBytes();
-    g_memory.top = rows < 0 ? g_memory.top - std::min(g_memory.top, distance)
-                            : g_memory.top + std::min(distance, HighestRow() - std::min(g_memory.top, HighestRow()));
+    g_memory.top = MemoryScrolledTop(g_memory, rows);
     MemoryRead();
 }
 
 void MemoryMoveCaret(std::int64_t bytes) {
-    const std::int64_t index = g_memory.caret.index + bytes;
-    std::int64_t rows = index / g_memory.shape.bytes;
-    if (index % g_memory.shape.bytes < 0) --rows;
-    const std::uint64_t distance = static_cast<std::uint64_t>(rows < 0 ? -rows : rows) * RowBytes();
-    if (rows < 0 ? g_memory.caretRow < distance : HighestRow() - g_memory.caretRow < distance) return;
-    g_memory.caretRow = rows < 0 ? g_memory.caretRow - distance : g_memory.caretRow + distance;
-    g_memory.caret.index = static_cast<int>(index - rows * g_memory.shape.bytes);
-    const auto whole = static_cast<std::uint64_t>(std::max(g_memory.rows - 1, 1)) * RowBytes();
-    if (g_memory.caretRow < g_memory.top)
-        MemoryScroll(-static_cast<std::int64_t>((g_memory.top - g_memory.caretRow + RowBytes() - 1) / RowBytes()));
-    else if (g_memory.caretRow - g_memory.top >= whole)
-        MemoryScroll(static_cast<std::int64_t>((g_memory.caretRow - g_memory.top - whole) / RowBytes() + 1));
+    if (const std::int64_t rows = MemoryMoveCaretBy(g_memory, bytes); rows != 0) MemoryScroll(rows);
 }
 
 void MemoryStepCaret(int step) {
-    MemoryCaret& caret = g_memory.caret;
-    if (caret.text) return MemoryMoveCaret(step);
-    if (caret.low == (step > 0)) MemoryMoveCaret(step);
-    caret.low = !caret.low;
+    if (const std::int64_t rows = MemoryStepCaretBy(g_memory, step); rows != 0) MemoryScroll(rows);
 }
 
 std::wstring MemoryText() {
     std::wstring text;
     for (std::size_t row = 0; row < static_cast<std::size_t>(g_memory.rows); ++row) {
-        const std::wstring line = RowText(row);
+        const std::wstring line = VisibleRowText(row);
         if (!line.empty()) text += (text.empty() ? L"" : L"\r\n") + line;
     }
     return text;
 }
 
 std::wstring MemoryCaretRowText() {
-    return MemoryRowText(g_memory.caretRow, g_memory.shape, ReadBytes(g_memory.caretRow, RowBytes()));
+    return MemoryRowText(g_memory.caretRow, g_memory.shape, ReadMemoryBytes(g_memory.caretRow, RowLength()));
 }
 
-const PaneView kMemoryView = {.title = L"Memory",
-                              .columns = {},
-                              .ofStop = true,
-                              .hasMarks = false,
-                              .fill = Fill,
-                              .addressCue = L"The stack pointer"};
+const PaneView kMemoryView = {
+    .title = L"Memory", .list = nullptr, .ofStop = true, .fill = FillMemoryView, .addressCue = L"The stack pointer"};

@@ -10,17 +10,11 @@
 #include <string>
 #include <vector>
 
-struct MemoryView {
+struct MemoryView : MemoryPlace {
     HWND window = nullptr;
-    bool filled = false;         // something has been read in this session
-    std::uint64_t base = 0;      // what the address box says
-    std::uint64_t top = 0;       // of the first row
-    std::uint64_t caretRow = 0;  // address of the caret's row
-    MemoryCaret caret;
-    int rows = 1;                   // that fit, a cut one at the end included
+    bool filled = false;            // something has been read in this session
+    std::uint64_t base = 0;         // what the address box says
     int characters = 80;            // that a row has room for
-    bool x64 = true;                // kind of the program
-    MemoryShape shape;              // of every row
     std::uint32_t processId = 0;    // of the program that is shown
     std::uint64_t serial = 0;       // of the stop that is shown
     std::vector<MemoryByte> bytes;  // from `top` on

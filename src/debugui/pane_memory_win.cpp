@@ -3,14 +3,16 @@
 #include "debugui/pane_memory_view.h"
 
 #include "base/events.h"
-#include "base/handles.h"
 #include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
 #include "debugui/debugui_state.h"
 #include "debugui/pane_internal.h"
 #include "resources/ids.h"
 #include "ui/chrome.h"
-#include "ui/ui_state.h"
+#include "ui/clipboard.h"
+#include "ui/dpi.h"
+#include "ui/fonts.h"
+#include "ui/paint.h"
 
 #include <uxtheme.h>
 #include <windowsx.h>
@@ -21,7 +23,9 @@
 namespace {
 
 constexpr wchar_t kClass[] = L"KVXEDebugMemory";
-constexpr int kPadding = 6;  // at 96 dpi
+constexpr int kPadding = 6;  // left of the rows, at 96 dpi
+constexpr int kTopPadding = 3;
+constexpr int kRowBlank = 2;  // of a row beside its line of text
 // The scroll bar stands for a part of the address space around what is shown: after each move it goes back to the middle.
 constexpr int kScrollSteps = 2000, kScrollMiddle = kScrollSteps / 2;
 
@@ -30,10 +34,11 @@ enum MenuCommand : UINT { kCopy = 1, kFollow, kBack };
 std::uint64_t g_dragTop = 0;  // first row when the thumb was taken
 bool g_dragging = false;
 
-int RowHeight() { return std::max(PaneFontsNow().fixedHeight, 1); }
-int CharacterWidth() { return PaneFontsNow().fixedWidth; }
+int CharacterWidth() { return UiSizes().fixedWidth; }
 bool IsStale() { return !PaneProgramNow().stopped; }
-void Repaint() { InvalidateRect(g_memory.window, nullptr, FALSE); }
+void RepaintMemory() { InvalidateRect(g_memory.window, nullptr, FALSE); }
+
+void CopyCaretRow() { ClipboardPutText(g_ui.hMainWnd, MemoryCaretRowText()); }
 
 void CentreThumb() {
     SCROLLINFO info = {};
@@ -53,23 +58,24 @@ void DrawCharacters(HDC dc, int x, int y, const std::wstring& row, int column, i
                 nullptr);
 }
 
-void DrawCaret(HDC dc, int x, int y) {
+void DrawMemoryCaret(HDC dc, int x, int y) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     const MemoryCaret& caret = g_memory.caret;
     const bool focused = GetFocus() == g_memory.window;
     const int hex = MemoryHexColumn(g_memory.shape, caret.index);
     const int text = MemoryTextColumn(g_memory.shape, caret.index);
     const auto box = [&](int column, int count) {
-        return RECT{x + column * CharacterWidth(), y, x + (column + count) * CharacterWidth(), y + RowHeight()};
+        return RECT{x + column * CharacterWidth(), y, x + (column + count) * CharacterWidth(),
+                    y + PaneMemoryLineHeight()};
     };
-    PaneFillRect(dc, box(hex, 2), chrome.hover);
-    PaneFillRect(dc, box(text, 1), chrome.hover);
+    FillArea(dc, box(hex, 2), chrome.hover);
+    FillArea(dc, box(text, 1), chrome.hover);
     if (!focused) return;
     const RECT active = caret.text ? box(text, 1) : box(hex + (caret.low ? 1 : 0), 1);
-    PaneFillRect(dc, active, PaneMix(chrome.paneBack, chrome.accent, 55));
+    FillArea(dc, active, MixColours(chrome.paneBack, chrome.accent, 55));
 }
 
-void DrawRow(HDC dc, int index, int x, int y) {
+void DrawMemoryRow(HDC dc, int index, int x, int y) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     const auto length = static_cast<std::size_t>(g_memory.shape.bytes);
     const std::size_t first = static_cast<std::size_t>(index) * length;
@@ -77,51 +83,42 @@ void DrawRow(HDC dc, int index, int x, int y) {
     const auto bytes = std::span(g_memory.bytes).subspan(first, length);
     const std::uint64_t address = g_memory.top + first;
     const std::wstring row = MemoryRowText(address, g_memory.shape, bytes);
-    if (address == g_memory.caretRow) DrawCaret(dc, x, y);
-    const COLORREF plain = IsStale() ? PaneQuietColour() : chrome.paneText;
-    DrawCharacters(dc, x, y, row, 0, g_memory.shape.digits, IsStale() ? PaneQuietColour() : chrome.tabText);
+    if (address == g_memory.caretRow) DrawMemoryCaret(dc, x, y);
+    const COLORREF plain = IsStale() ? ThemeQuietText() : chrome.paneText;
+    DrawCharacters(dc, x, y, row, 0, g_memory.shape.digits, IsStale() ? ThemeQuietText() : chrome.tabText);
     for (int i = 0; i < g_memory.shape.bytes; ++i) {
         const MemoryByte& byte = bytes[static_cast<std::size_t>(i)];
         const bool changed = !IsStale() && MemoryChanged(address + static_cast<std::uint64_t>(i), byte);
-        const COLORREF colour = changed ? chrome.error : byte ? plain : PaneQuietColour();
+        const COLORREF colour = changed ? chrome.error : byte ? plain : ThemeQuietText();
         DrawCharacters(dc, x, y, row, MemoryHexColumn(g_memory.shape, i), 2, colour);
         DrawCharacters(dc, x, y, row, MemoryTextColumn(g_memory.shape, i), 1, colour);
     }
 }
 
-void OnPaint(HWND window) {
-    PAINTSTRUCT paint = {};
-    const HDC dc = BeginPaint(window, &paint);
-    RECT client = {};
-    GetClientRect(window, &client);
-    const UniqueMemoryDc memory(CreateCompatibleDC(dc));
-    const UniqueBitmap bitmap(
-        CreateCompatibleBitmap(dc, std::max<int>(client.right, 1), std::max<int>(client.bottom, 1)));
-    const HGDIOBJ oldBitmap = SelectObject(memory.Get(), bitmap.Get());
-    const HGDIOBJ oldFont = SelectObject(memory.Get(), PaneFontsNow().fixed);
-    PaneFillRect(memory.Get(), client, ThemeCurrentChrome().paneBack);
-    SetBkMode(memory.Get(), TRANSPARENT);
+void PaintMemory(HWND window) {
+    const BufferedPaint paint(window);
+    const HGDIOBJ oldFont = SelectObject(paint.Dc(), UiFixedFont());
+    FillArea(paint.Dc(), paint.Client(), ThemeCurrentChrome().paneBack);
+    SetBkMode(paint.Dc(), TRANSPARENT);
     for (int row = 0; row < g_memory.rows; ++row)
-        DrawRow(memory.Get(), row, PaneScaled(kPadding), PaneScaled(3) + row * RowHeight());
-    BitBlt(dc, 0, 0, client.right, client.bottom, memory.Get(), 0, 0, SRCCOPY);
-    SelectObject(memory.Get(), oldFont);
-    SelectObject(memory.Get(), oldBitmap);
-    EndPaint(window, &paint);
+        DrawMemoryRow(paint.Dc(), row, UiScaled(kPadding), UiScaled(kTopPadding) + row * PaneMemoryLineHeight());
+    SelectObject(paint.Dc(), oldFont);
 }
 
 // --- Input
 
-void OnSize(int width, int height) {
-    const int rows = std::max(1, (height - PaneScaled(3) + RowHeight() - 1) / RowHeight());
-    const int characters = (width - PaneScaled(kPadding)) / std::max(CharacterWidth(), 1);
+void OnMemorySize(int width, int height) {
+    const int rows =
+        std::max(1, (height - UiScaled(kTopPadding) + PaneMemoryLineHeight() - 1) / PaneMemoryLineHeight());
+    const int characters = (width - UiScaled(kPadding)) / std::max(CharacterWidth(), 1);
     if (rows == g_memory.rows && characters == g_memory.characters) return;
     g_memory.rows = rows;
     g_memory.characters = characters;
     if (g_memory.filled && PaneProgramNow().stopped) MemoryRead();
-    Repaint();
+    RepaintMemory();
 }
 
-void OnScroll(WPARAM wParam) {
+void OnMemoryScroll(WPARAM wParam) {
     SCROLLINFO info = {};
     info.cbSize = sizeof(info);
     info.fMask = SIF_TRACKPOS;
@@ -143,21 +140,21 @@ void OnScroll(WPARAM wParam) {
             break;
         default: return;
     }
-    Repaint();
+    RepaintMemory();
 }
 
-void OnClick(POINT at) {
+void OnMemoryClick(POINT at) {
     SetFocus(g_memory.window);
-    const int row = std::max<int>(0, (at.y - PaneScaled(3)) / RowHeight());
+    const int row = std::max<int>(0, (at.y - UiScaled(kTopPadding)) / PaneMemoryLineHeight());
     if (!g_memory.filled || row >= g_memory.rows) return;
     g_memory.caretRow = g_memory.top + static_cast<std::uint64_t>(row * g_memory.shape.bytes);
-    g_memory.caret = MemoryCaretAt(g_memory.shape, (at.x - PaneScaled(kPadding)) / std::max(CharacterWidth(), 1));
-    Repaint();
+    g_memory.caret = MemoryCaretAt(g_memory.shape, (at.x - UiScaled(kPadding)) / std::max(CharacterWidth(), 1));
+    RepaintMemory();
 }
 
-void OnWheel(int delta) {
+void OnMemoryWheel(int delta) {
     MemoryScroll(-3 * delta / WHEEL_DELTA);
-    Repaint();
+    RepaintMemory();
 }
 
 void ShowBase() {
@@ -166,7 +163,7 @@ void ShowBase() {
     MemoryScroll(0);
 }
 
-bool OnKey(WPARAM key) {
+bool OnMemoryKey(WPARAM key) {
     const bool control = GetKeyState(VK_CONTROL) < 0;
     const int length = g_memory.shape.bytes;
     const int page = length * std::max(g_memory.rows - 1, 1);
@@ -191,15 +188,15 @@ bool OnKey(WPARAM key) {
         case VK_END: g_memory.caret = {length - 1, g_memory.caret.text, false}; break;
         case 'C':
             if (!control) return false;
-            PaneCopyText(MemoryCaretRowText());
+            CopyCaretRow();
             break;
         default: return false;
     }
-    Repaint();
+    RepaintMemory();
     return true;
 }
 
-void OnCharacter(wchar_t typed) {
+void OnMemoryCharacter(wchar_t typed) {
     if (typed < L' ' || !g_memory.filled) return;
     if (MemoryWrite(typed)) {
         MemoryStepCaret(1);
@@ -207,7 +204,7 @@ void OnCharacter(wchar_t typed) {
         g_events.statusText(IsStale() ? L"The program is not stopped" : L"This byte cannot be written");
         MessageBeep(MB_ICONWARNING);
     }
-    Repaint();
+    RepaintMemory();
 }
 
 // The number that stands at the caret, as an address to show.
@@ -220,29 +217,29 @@ void FollowPointer() {
     DebugPaneInvalidate();
 }
 
-void OnContextMenu(POINT at) {
+void ShowMemoryMenu(POINT at) {
     if (!g_memory.filled) return;
     if (at.x == -1 && at.y == -1) {  // from the keyboard
         const auto row =
             static_cast<int>((g_memory.caretRow - g_memory.top) / static_cast<std::uint64_t>(g_memory.shape.bytes)) + 1;
-        at = {PaneScaled(kPadding) + MemoryHexColumn(g_memory.shape, g_memory.caret.index) * CharacterWidth(),
-              std::clamp(row, 0, g_memory.rows) * RowHeight()};
+        at = {UiScaled(kPadding) + MemoryHexColumn(g_memory.shape, g_memory.caret.index) * CharacterWidth(),
+              std::clamp(row, 0, g_memory.rows) * PaneMemoryLineHeight()};
         ClientToScreen(g_memory.window, &at);
     }
     const bool stopped = PaneProgramNow().stopped;
-    const std::array<PaneMenuItem, 3> items = {{{kCopy, L"&Copy Row\tCtrl+C"},
-                                                {kFollow, L"&Follow Address at Caret", stopped},
-                                                {kBack, L"&Back to Start\tCtrl+Home", stopped}}};
+    const std::array<MenuItem, 3> items = {{{kCopy, L"&Copy Row\tCtrl+C"},
+                                            {kFollow, L"&Follow Address at Caret", stopped},
+                                            {kBack, L"&Back to Start\tCtrl+Home", stopped}}};
     switch (PaneShowMenu(items, at)) {
-        case kCopy: PaneCopyText(MemoryCaretRowText()); break;
+        case kCopy: CopyCaretRow(); break;
         case kFollow: FollowPointer(); break;
         case kBack: ShowBase(); break;
         default: break;
     }
-    Repaint();
+    RepaintMemory();
 }
 
-LRESULT OnGetText(int capacity, wchar_t* out) {
+LRESULT CopyMemoryText(int capacity, wchar_t* out) {
     if (capacity < 1) return 0;
     lstrcpynW(out, MemoryText().c_str(), capacity);
     return lstrlenW(out);
@@ -250,24 +247,24 @@ LRESULT OnGetText(int capacity, wchar_t* out) {
 
 LRESULT CALLBACK MemoryProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
-        case WM_PAINT: OnPaint(window); return 0;
+        case WM_PAINT: PaintMemory(window); return 0;
         case WM_ERASEBKGND: return 1;
-        case WM_SIZE: OnSize(LOWORD(lParam), HIWORD(lParam)); return 0;
-        case WM_VSCROLL: OnScroll(wParam); return 0;
-        case WM_MOUSEWHEEL: OnWheel(GET_WHEEL_DELTA_WPARAM(wParam)); return 0;
-        case WM_LBUTTONDOWN: OnClick({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;
-        case WM_RBUTTONDOWN: OnClick({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); break;
-        case WM_CONTEXTMENU: OnContextMenu({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;
-        case WM_COPY: PaneCopyText(MemoryCaretRowText()); return 0;
+        case WM_SIZE: OnMemorySize(LOWORD(lParam), HIWORD(lParam)); return 0;
+        case WM_VSCROLL: OnMemoryScroll(wParam); return 0;
+        case WM_MOUSEWHEEL: OnMemoryWheel(GET_WHEEL_DELTA_WPARAM(wParam)); return 0;
+        case WM_LBUTTONDOWN: OnMemoryClick({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;
+        case WM_RBUTTONDOWN: OnMemoryClick({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); break;
+        case WM_CONTEXTMENU: ShowMemoryMenu({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;
+        case WM_COPY: CopyCaretRow(); return 0;
         case WM_GETDLGCODE: return DLGC_WANTALLKEYS;
         case WM_KEYDOWN:
-            if (PaneHandleFocusKey(window, wParam) || OnKey(wParam)) return 0;
+            if (PaneHandleFocusKey(window, wParam) || OnMemoryKey(wParam)) return 0;
             break;
-        case WM_CHAR: OnCharacter(static_cast<wchar_t>(wParam)); return 0;
+        case WM_CHAR: OnMemoryCharacter(static_cast<wchar_t>(wParam)); return 0;
         case WM_SETFOCUS:
-        case WM_KILLFOCUS: Repaint(); break;
+        case WM_KILLFOCUS: RepaintMemory(); break;
         case WM_GETTEXTLENGTH: return static_cast<LRESULT>(MemoryText().size());
-        case WM_GETTEXT: return OnGetText(static_cast<int>(wParam), reinterpret_cast<wchar_t*>(lParam));
+        case WM_GETTEXT: return CopyMemoryText(static_cast<int>(wParam), reinterpret_cast<wchar_t*>(lParam));
         case WM_NCDESTROY: g_memory = {}; break;
         default: break;
     }
@@ -291,10 +288,12 @@ HWND PaneMemoryCreate(HWND parent) {
     return g_memory.window;
 }
 
+int PaneMemoryLineHeight() { return UiSizes().fixedHeight + UiScaled(kRowBlank); }
+
 void PaneMemoryApplyTheme() {
     SetWindowTheme(g_memory.window, ThemeIsDark() ? L"DarkMode_Explorer" : L"Explorer", nullptr);
     RECT client = {};
     GetClientRect(g_memory.window, &client);
-    OnSize(client.right, client.bottom);
-    Repaint();
+    OnMemorySize(client.right, client.bottom);
+    RepaintMemory();
 }

@@ -81,7 +81,7 @@ std::wstring ModulePlace(std::uint64_t address) {
     return name.empty() ? std::wstring{} : name + L"+0x" + HexText(address - base, 1);
 }
 
-std::wstring Trimmed(std::wstring text) {
+std::wstring TrimmedSource(std::wstring text) {
     const std::size_t first = text.find_first_not_of(L" \t\r\n");
     if (first == std::wstring::npos) return {};
     text = text.substr(first, text.find_last_not_of(L" \t\r\n") - first + 1);
@@ -112,7 +112,7 @@ std::wstring FileLine(const SourceFile& file, std::uint32_t line) {
     if (line > file.starts.size()) return {};
     const std::size_t from = file.starts[line - 1];
     const std::size_t to = line < file.starts.size() ? file.starts[line] : file.text.size();
-    return Trimmed(Utf8ToWideText(std::string_view(file.text).substr(from, to - from)));
+    return TrimmedSource(Utf8ToWideText(std::string_view(file.text).substr(from, to - from)));
 }
 
 std::wstring EditorLine(HWND editor, std::uint32_t line) {
@@ -120,7 +120,7 @@ std::wstring EditorLine(HWND editor, std::uint32_t line) {
     if (static_cast<LRESULT>(line) > SciSend(editor, SCI_GETLINECOUNT)) return {};
     std::string bytes(static_cast<std::size_t>(SciSend(editor, SCI_LINELENGTH, index)), '\0');
     SciSend(editor, SCI_GETLINE, index, reinterpret_cast<LPARAM>(bytes.data()));
-    return Trimmed(Utf8ToWideText(bytes));
+    return TrimmedSource(Utf8ToWideText(bytes));
 }
 
 }  // namespace

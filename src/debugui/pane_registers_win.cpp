@@ -10,25 +10,25 @@
 namespace {
 
 enum Column : int { kName, kValue, kMeaning };
-constexpr std::array<PaneColumn, 3> kColumns = {
+constexpr std::array<ListColumn, 3> kColumns = {
     {{L"Register", 7, 7, true}, {L"Value", 33, 22, true}, {L"Meaning", 21, 10, true}}};
 
-std::vector<PaneRow> g_rows;
+std::vector<ListRow> g_rows;
 
-void Fill(PaneContent& content) {
+void FillRegisters(PaneContent& content) {
     const PaneProgram& program = PaneProgramNow();
     if (!program.registers) {
         content.hint = L"The registers of this thread cannot be read.";
         return;
     }
     g_rows = RegisterPaneRows(*program.registers, program.before ? &*program.before : nullptr);
-    for (PaneRow& row : g_rows)
+    for (ListRow& row : g_rows)
         if (row.cells[kName] == L"RIP" || row.cells[kName] == L"EIP")
             row.cells[kMeaning] = PanePlaceText(program.registers->ip);
     content.rows = g_rows;
 }
 
-std::wstring Commit(const std::wstring& name, const std::wstring& text) {
+std::wstring CommitRegister(const std::wstring& name, const std::wstring& text) {
     const PaneProgram& program = PaneProgramNow();
     if (!program.stopped || !program.registers) return L"The program is not stopped";
     const Evaluation typed = RegisterInput(*program.registers, PaneUtf8(text));
@@ -39,31 +39,27 @@ std::wstring Commit(const std::wstring& name, const std::wstring& text) {
     return {};
 }
 
-void Begin(int row) {
+void EditRegister(int row) {
     const PaneProgram& program = PaneProgramNow();
     if (row < 0 || row >= static_cast<int>(g_rows.size()) || !program.stopped) return;
-    const PaneRow& shown = g_rows[static_cast<std::size_t>(row)];
+    const ListRow& shown = g_rows[static_cast<std::size_t>(row)];
     const std::wstring name = shown.cells[kName];
     if (!IsGeneralRegister(g_debugger.isX64 != 0, name)) return;
     const std::wstring& value = shown.cells[kValue];
     const std::size_t first = std::min(value.find_first_not_of(L'0'), value.size() - 1);
-    PaneEditBegin(row, kValue, L"0x" + value.substr(first), false,
-                  [name](const std::wstring& text) { return Commit(name, text); });
+    ListViewEditCell(PaneList(), row, kValue, L"0x" + value.substr(first), false,
+                     [name](const std::wstring& text) { return CommitRegister(name, text); });
 }
 
 // One click on a value selects its row; F2 edits it.
-void Edit(int row, int column) {
-    if (column == -1) Begin(row);
+void OnRegisterEdit(int row, int column) {
+    if (column == -1) EditRegister(row);
 }
 
-void Activate(int row, int) { Begin(row); }
+void OnRegisterActivated(int row, int) { EditRegister(row); }
+
+constexpr ListKind kList = {.columns = kColumns, .activate = OnRegisterActivated, .edit = OnRegisterEdit};
 
 }  // namespace
 
-const PaneView kRegistersView = {.title = L"Registers",
-                                 .columns = kColumns,
-                                 .ofStop = true,
-                                 .hasMarks = false,
-                                 .fill = Fill,
-                                 .activate = Activate,
-                                 .edit = Edit};
+const PaneView kRegistersView = {.title = L"Registers", .list = &kList, .ofStop = true, .fill = FillRegisters};

@@ -16,13 +16,13 @@ constexpr std::array<Flag, 9> kFlags = {
     {{0, L"CF"}, {2, L"PF"}, {4, L"AF"}, {6, L"ZF"}, {7, L"SF"}, {8, L"TF"}, {9, L"IF"}, {10, L"DF"}, {11, L"OF"}}};
 
 // Register names are ASCII; anything else becomes a character that no name holds.
-std::string Narrow(std::wstring_view text) {
+std::string NarrowName(std::wstring_view text) {
     std::string narrow;
     for (const wchar_t c : text) narrow += c > 0 && c < 0x80 ? static_cast<char>(c) : '?';
     return narrow;
 }
 
-std::string Upper(std::string text) {
+std::string UpperName(std::string text) {
     for (char& c : text) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
     return text;
 }
@@ -56,44 +56,12 @@ std::wstring InOtherWords(const RegisterSet& registers, std::wstring_view name, 
     if (name == L"EFL") return FlagsText(registers.flags);
     if (name.starts_with(L"XMM")) return xmm < registers.xmmLow.size() ? DoubleText(registers.xmmLow[xmm]) : L"";
     if (!IsGeneralRegister(registers.x64, name)) return {};
-    const std::uint64_t value = RegisterByName(registers, Narrow(name)).value_or(0);
+    const std::uint64_t value = RegisterByName(registers, NarrowName(name)).value_or(0);
     return registers.x64 ? std::to_wstring(static_cast<std::int64_t>(value))
                          : std::to_wstring(static_cast<std::int32_t>(static_cast<std::uint32_t>(value)));
 }
 
 }  // namespace
-
-std::vector<int> FitColumns(std::span<const ColumnRoom> columns, int room) {
-    int wanted = 0, spare = 0;
-    for (const ColumnRoom& column : columns) {
-        wanted += column.wanted;
-        spare += column.wanted - column.least;
-    }
-    const int lack = std::clamp(wanted - room, 0, spare);
-    std::vector<int> widths;
-    int left = room;
-    for (const ColumnRoom& column : columns) {
-        const int given = spare > 0 ? (column.wanted - column.least) * lack / spare : 0;
-        widths.push_back(column.wanted - given);
-        left -= widths.back();
-    }
-    if (!widths.empty()) widths.back() = std::max(widths.back() + left, columns.back().least);
-    return widths;
-}
-
-TabSpan FitTabs(std::span<const int> widths, int room, int selected, int first) {
-    const int count = static_cast<int>(widths.size());
-    const auto endFrom = [&](int start) {
-        int left = room, end = start;
-        while (end < count && widths[static_cast<std::size_t>(end)] <= left)
-            left -= widths[static_cast<std::size_t>(end++)];
-        return end;
-    };
-    first = std::clamp(first, 0, std::max(selected, 0));
-    while (first < selected && endFrom(first) <= selected) ++first;
-    while (first > 0 && endFrom(first - 1) == count) --first;  // no room is left over behind the last one
-    return {first, std::max(endFrom(first), std::min(first + 1, count))};
-}
 
 std::wstring FlagsText(std::uint32_t flags) {
     std::wstring text;
@@ -105,14 +73,14 @@ std::wstring FlagsText(std::uint32_t flags) {
     return text.empty() ? L"-" : text;
 }
 
-std::vector<PaneRow> RegisterPaneRows(const RegisterSet& now, const RegisterSet* before) {
+std::vector<ListRow> RegisterPaneRows(const RegisterSet& now, const RegisterSet* before) {
     const std::vector<RegisterRow> values = RegisterRows(now);
     const std::vector<RegisterRow> old =
         before != nullptr && before->x64 == now.x64 ? RegisterRows(*before) : std::vector<RegisterRow>{};
-    std::vector<PaneRow> rows;
+    std::vector<ListRow> rows;
     std::size_t xmm = 0;
     for (std::size_t i = 0; i < values.size(); ++i) {
-        PaneRow row;
+        ListRow row;
         row.cells = {values[i].name, values[i].value, InOtherWords(now, values[i].name, xmm)};
         if (std::wstring_view(values[i].name).starts_with(L"XMM")) ++xmm;
         if (i < old.size() && old[i].value != values[i].value) row.changed = 0b110;
@@ -126,7 +94,7 @@ bool IsGeneralRegister(bool x64, std::wstring_view name) {
     numbered.x64 = x64;
     for (std::size_t i = 0; i < numbered.general.size(); ++i) numbered.general[i] = i + 1;
     // Only a whole register holds its number and is not a part of one: AL would hold it as well.
-    const std::string upper = Upper(Narrow(name));
+    const std::string upper = UpperName(NarrowName(name));
     const auto value = RegisterByName(numbered, upper);
     return value && *value >= 1 && *value <= static_cast<std::uint64_t>(GeneralCount(x64)) &&
            RegisterDigits(x64, upper) == (x64 ? 16 : 8) && upper != "EIP" && upper != "RIP";
@@ -139,7 +107,7 @@ Evaluation RegisterInput(const RegisterSet& registers, std::string_view text) {
 }
 
 std::wstring RegisterTipText(const RegisterSet& registers, std::wstring_view word) {
-    const std::string name = Upper(Narrow(word));
+    const std::string name = UpperName(NarrowName(word));
     const auto value = RegisterByName(registers, name);
     if (!value) return {};
     const int digits = RegisterDigits(registers.x64, name);

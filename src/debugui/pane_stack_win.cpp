@@ -8,19 +8,19 @@
 
 namespace {
 
-constexpr std::array<PaneColumn, 3> kColumns = {
+constexpr std::array<ListColumn, 3> kColumns = {
     {{L"#", 3, 3, true}, {L"Address", 13, 12, true}, {L"Place", 30, 12, true}}};
 
 std::vector<DebugFrame> g_frames;
 
-void Fill(PaneContent& content) {
+void FillCallStack(PaneContent& content) {
     const PaneProgram& program = PaneProgramNow();
     g_frames = DebugFrames(&g_debugger, program.thread);
     const bool x64 = g_debugger.isX64 != 0;
     for (std::size_t i = 0; i < g_frames.size(); ++i) {
         const DebugFrame& frame = g_frames[i];
-        PaneRow row;
-        row.mark = i == 0 ? PaneMark::Current : PaneMark::None;
+        ListRow row;
+        row.mark = i == 0 ? ListMark::Current : ListMark::None;
         const std::wstring place = PanePlaceText(frame.address);
         const std::wstring source = PaneSourceLine(frame.fileId, frame.line);
         row.cells = {std::to_wstring(i), HexText(frame.address, PaneAddressDigits(x64, frame.address)),
@@ -30,13 +30,14 @@ void Fill(PaneContent& content) {
     if (content.rows.empty()) content.hint = L"The stack of this thread cannot be read.";
 }
 
-void Activate(int row, int) {
+void GoToFrame(int row, int) {
     if (row < 0 || row >= static_cast<int>(g_frames.size())) return;
     const DebugFrame& frame = g_frames[static_cast<std::size_t>(row)];
     PaneGoTo(frame.fileId, frame.line);
 }
 
+constexpr ListKind kList = {.columns = kColumns, .hasMarks = true, .activate = GoToFrame};
+
 }  // namespace
 
-const PaneView kStackView = {
-    .title = L"Call Stack", .columns = kColumns, .ofStop = true, .hasMarks = true, .fill = Fill, .activate = Activate};
+const PaneView kStackView = {.title = L"Call Stack", .list = &kList, .ofStop = true, .fill = FillCallStack};

@@ -8,25 +8,25 @@
 
 namespace {
 
-constexpr std::array<PaneColumn, 4> kColumns = {
+constexpr std::array<ListColumn, 4> kColumns = {
     {{L"Thread", 7, 5, true}, {L"Kind", 14, 9, false}, {L"Address", 13, 12, true}, {L"Place", 26, 16, true}}};
 
 std::vector<std::uint32_t> g_ids;
 
-void Fill(PaneContent& content) {
+void FillThreads(PaneContent& content) {
     const DebuggerState& state = g_debugger;
     const PaneProgram& program = PaneProgramNow();
     g_ids.clear();
     for (const DebugThread& thread : state.threads) {
         RegisterSet registers;
         const bool readable = DebugGetRegisters(&state, thread.id, &registers);
-        PaneRow row;
+        ListRow row;
         row.cells = {std::to_wstring(thread.id), thread.id == state.mainThreadId ? L"Main" : L"Worker",
                      readable ? HexText(registers.ip, PaneAddressDigits(state.isX64 != 0, registers.ip)) : L"",
                      readable ? PanePlaceText(registers.ip) : L"<unreadable>"};
-        if (thread.id == state.stopThreadId) row.mark = PaneMark::Current;
+        if (thread.id == state.stopThreadId) row.mark = ListMark::Current;
         if (thread.id == program.thread) {
-            if (row.mark == PaneMark::None) row.mark = PaneMark::Chosen;
+            if (row.mark == ListMark::None) row.mark = ListMark::Chosen;
             row.cells[1] += L", shown";
         }
         g_ids.push_back(thread.id);
@@ -35,11 +35,12 @@ void Fill(PaneContent& content) {
     if (content.rows.empty()) content.hint = L"No threads.";
 }
 
-void Activate(int row, int) {
+void ChooseThreadOfRow(int row, int) {
     if (row >= 0 && row < static_cast<int>(g_ids.size())) PaneChooseThread(g_ids[static_cast<std::size_t>(row)]);
 }
 
+constexpr ListKind kList = {.columns = kColumns, .hasMarks = true, .activate = ChooseThreadOfRow};
+
 }  // namespace
 
-const PaneView kThreadsView = {
-    .title = L"Threads", .columns = kColumns, .ofStop = true, .hasMarks = true, .fill = Fill, .activate = Activate};
+const PaneView kThreadsView = {.title = L"Threads", .list = &kList, .ofStop = true, .fill = FillThreads};

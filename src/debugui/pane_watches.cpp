@@ -11,7 +11,7 @@
 namespace {
 
 template <typename View>
-View Trimmed(View text) {
+View TrimmedExpression(View text) {
     while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
     while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
     return text;
@@ -46,7 +46,7 @@ std::optional<std::uint64_t> Integer(std::string_view text, int bits) {
 }
 
 template <typename Value>
-std::vector<std::uint8_t> BytesOf(Value value) {
+std::vector<std::uint8_t> WatchNumberBytes(Value value) {
     std::vector<std::uint8_t> bytes(sizeof(value));
     std::memcpy(bytes.data(), &value, sizeof(value));
     return bytes;
@@ -74,7 +74,7 @@ const wchar_t* WatchKindName(WatchKind kind) {
 }
 
 bool WatchSetExpression(std::vector<Watch>& watches, std::size_t row, std::wstring_view expression) {
-    expression = Trimmed(expression);
+    expression = TrimmedExpression(expression);
     if (row >= watches.size()) {
         if (expression.empty()) return false;
         watches.push_back({std::wstring(expression), WatchKind::Long, {}, {}});
@@ -99,15 +99,15 @@ std::wstring WatchEditText(WatchKind kind, std::wstring_view shown) {
 
 WatchBytes WatchBytesOf(WatchKind kind, std::string_view utf8, std::size_t room) {
     if (kind == WatchKind::Text) return TextBytes(utf8, room);
-    const std::string text(Trimmed(utf8));
+    const std::string text(TrimmedExpression(utf8));
     if (kind == WatchKind::Double) {
         char* end = nullptr;
         const double value = std::strtod(text.c_str(), &end);
         if (text.empty() || *end != '\0') return {{}, L"Not a number"};
-        return {BytesOf(value), {}};
+        return {WatchNumberBytes(value), {}};
     }
     const bool isLong = kind == WatchKind::Long;
     const auto value = Integer(text, isLong ? 32 : 64);
     if (!value) return {{}, isLong ? L"Not a whole number of 32 bits" : L"Not a whole number of 64 bits"};
-    return {isLong ? BytesOf(static_cast<std::uint32_t>(*value)) : BytesOf(*value), {}};
+    return {isLong ? WatchNumberBytes(static_cast<std::uint32_t>(*value)) : WatchNumberBytes(*value), {}};
 }

@@ -9,6 +9,7 @@
 #include "language/caret_colour.h"
 #include "scintilla/sci.h"
 #include "settings/settings_state.h"
+#include "ui/dpi.h"
 #include "ui/ui_state.h"
 
 #include <algorithm>
@@ -32,8 +33,6 @@ constexpr int kLineMarginPadding = 8;
 
 // Sent by number: what it does is up to the version of Scintilla, which calls it SCI_MOVECARETINSIDEVIEW.
 constexpr UINT kMoveCaretMessage = 2401;
-
-int Scaled(int pixels) { return MulDiv(pixels, g_ui.dpi, USER_DEFAULT_SCREEN_DPI); }
 
 int DigitsOf(LRESULT number) {
     int digits = 1;
@@ -95,13 +94,13 @@ void EditorPaneInit(HWND editor, std::uint32_t compilerId) {
 void EditorPaneUpdateLineMargin(HWND editor) {
     int width = 0;
     if (g_settings.showLineNumbers) {
-        width = Scaled(kLineMarginWidth);
+        width = UiScaled(kLineMarginWidth);
         const int digits = DigitsOf(SciSend(editor, SCI_GETLINECOUNT, 0, 0));
         // Wider only for what would not fit: more digits, a large font, a zoomed view.
         char sample[32] = {};
         std::fill_n(sample, digits, '9');
         const LRESULT needed = SciSend(editor, SCI_TEXTWIDTH, STYLE_LINENUMBER, reinterpret_cast<LPARAM>(sample));
-        width = std::max(width, static_cast<int>(needed) + Scaled(kLineMarginPadding));
+        width = std::max(width, static_cast<int>(needed) + UiScaled(kLineMarginPadding));
     }
     if (SciSend(editor, SCI_GETMARGINWIDTHN, 0, 0) != width) SciSend(editor, SCI_SETMARGINWIDTHN, 0, width);
 }
@@ -175,7 +174,7 @@ void ApplyEdgeLine(HWND editor, bool on) {
 void ApplyChangeMargin(HWND editor, bool on) {
     if (SciSend(editor, SCI_GETMARGINTYPEN, kMarginChanges, 0) != SC_MARGIN_BACK)
         SciSend(editor, SCI_SETMARGINTYPEN, kMarginChanges, SC_MARGIN_BACK);
-    const int width = on ? Scaled(4) : 0;
+    const int width = on ? UiScaled(4) : 0;
     if (SciSend(editor, SCI_GETMARGINWIDTHN, kMarginChanges, 0) != width)
         SciSend(editor, SCI_SETMARGINWIDTHN, kMarginChanges, width);
     if (!on) return;

@@ -6,6 +6,7 @@
 #include "scintilla/sci.h"
 #include "ui/chrome.h"
 #include "ui/fonts.h"
+#include "ui/paint.h"
 
 #include <iterator>
 

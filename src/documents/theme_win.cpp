@@ -11,6 +11,7 @@
 #include "scintilla/scintilla_library.h"
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
+#include "ui/dpi.h"
 #include "ui/theme_table.h"
 #include "ui/ui_state.h"
 
@@ -30,7 +31,6 @@ constexpr LRESULT kLargestFolded = 4 << 20;
 COLORREF Ref(Rgb rgb) { return ThemeColorRef(rgb); }
 // Scintilla's elements take the colour with an opacity in the high byte.
 LPARAM Opaque(Rgb rgb) { return static_cast<LPARAM>(0xFF000000u | ThemeColorRef(rgb)); }
-int Scaled(int pixels) { return MulDiv(pixels, g_ui.dpi, USER_DEFAULT_SCREEN_DPI); }
 
 const EditorPalette& CurrentPalette() { return ThemePalette(g_settings.editorStylePreset, ThemeIsDark()); }
 
@@ -89,13 +89,13 @@ void DefineMarker(HWND editor, int marker, int symbol, Rgb fore, Rgb back) {
 
 // A small disc with a ring around it, so that it is seen on the large one of a breakpoint too.
 void DefineDot(HWND editor, int marker, Rgb colour, Rgb ring) {
-    const int size = Scaled(12) | 1;  // odd: it has a middle
-    const double radius = Scaled(30) / 10.0, middle = size / 2;
+    const int size = UiScaled(12) | 1;  // odd: it has a middle
+    const double radius = UiScaled(30) / 10.0, middle = size / 2;
     std::vector<std::uint8_t> pixels;
     for (int i = 0; i < size * size; ++i) {
         const double away = std::hypot(i % size - middle, i / size - middle);
         const Rgb shown = away < radius + 0.5 ? colour : ring;
-        const double cover = std::clamp(radius + 1.0 + Scaled(10) / 10.0 - away, 0.0, 1.0);
+        const double cover = std::clamp(radius + 1.0 + UiScaled(10) / 10.0 - away, 0.0, 1.0);
         for (const int shift : {16, 8, 0}) pixels.push_back(static_cast<std::uint8_t>(shown >> shift & 0xFF));
         pixels.push_back(static_cast<std::uint8_t>(cover * 255));
     }
@@ -129,14 +129,14 @@ void ApplyMargins(HWND editor, const EditorPalette& palette, bool folding) {
     SciSend(editor, SCI_SETMARGINTYPEN, kMarginSymbols, SC_MARGIN_SYMBOL);
     SciSend(editor, SCI_SETMARGINMASKN, kMarginSymbols, kSymbolMask);
     SciSend(editor, SCI_SETMARGINSENSITIVEN, kMarginSymbols, TRUE);
-    SciSend(editor, SCI_SETMARGINWIDTHN, kMarginSymbols, Scaled(16));
+    SciSend(editor, SCI_SETMARGINWIDTHN, kMarginSymbols, UiScaled(16));
     SciSend(editor, SCI_SETMARGINTYPEN, kMarginFolding, SC_MARGIN_SYMBOL);
     SciSend(editor, SCI_SETMARGINMASKN, kMarginFolding, static_cast<LPARAM>(SC_MASK_FOLDERS));
     SciSend(editor, SCI_SETMARGINSENSITIVEN, kMarginFolding, TRUE);
-    SciSend(editor, SCI_SETMARGINWIDTHN, kMarginFolding, folding ? Scaled(14) : 0);
+    SciSend(editor, SCI_SETMARGINWIDTHN, kMarginFolding, folding ? UiScaled(14) : 0);
     SciSend(editor, SCI_SETMARGINMASKN, kMarginChanges, 1 << kMarkChange);
     // A little air between the margins and the text.
-    SciSend(editor, SCI_SETMARGINLEFT, 0, Scaled(6));
+    SciSend(editor, SCI_SETMARGINLEFT, 0, UiScaled(6));
 
     if (!folding) return;
     constexpr struct {

@@ -5,7 +5,7 @@
 #include "output/output_state.h"
 #include "resources/ids.h"
 #include "ui/chrome.h"
-#include "ui/ui_state.h"
+#include "ui/dpi.h"
 
 #include <commctrl.h>
 
@@ -72,7 +72,7 @@ HWND ErrorListCreate(HWND parent, int controlId) {
         LVCOLUMNW column = {};
         column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
         column.fmt = kColumns[i].format;
-        column.cx = MulDiv(kColumns[i].width, g_ui.dpi, 96);
+        column.cx = UiScaled(kColumns[i].width);
         column.pszText = title.data();
         SendMessageW(list, LVM_INSERTCOLUMNW, i, reinterpret_cast<LPARAM>(&column));
     }

@@ -6,8 +6,9 @@
 #include "output/show_timer.h"
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
+#include "ui/dpi.h"
+#include "ui/menu.h"
 #include "ui/rich_lines.h"
-#include "ui/ui_state.h"
 
 #include <commctrl.h>
 #include <richedit.h>
@@ -25,20 +26,17 @@ void ShowContextMenu(HWND pane, POINT at) {
         at = {0, 0};
         ClientToScreen(pane, &at);
     }
-    HMENU menu = CreatePopupMenu();
-    if (menu == nullptr) return;
     CHARRANGE selection = {};
     SendMessageW(pane, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&selection));
-    const UINT errors = g_output.errors.count > 0 ? MF_ENABLED : MF_GRAYED;
-    AppendMenuW(menu, selection.cpMin != selection.cpMax ? MF_ENABLED : MF_GRAYED, kCopy, L"&Copy\tCtrl+C");
-    AppendMenuW(menu, MF_STRING, kSelectAll, L"Select &All\tCtrl+A");
-    AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
-    AppendMenuW(menu, errors, kNextError, L"&Next Error");
-    AppendMenuW(menu, errors, kPreviousError, L"&Previous Error");
-    AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
-    AppendMenuW(menu, MF_STRING, kClear, L"C&lear");
-    const auto command = TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, at.x, at.y, 0, pane, nullptr);
-    DestroyMenu(menu);
+    const bool errors = g_output.errors.count > 0;
+    const MenuItem items[] = {{.id = kCopy, .text = L"&Copy\tCtrl+C", .enabled = selection.cpMin != selection.cpMax},
+                              {.id = kSelectAll, .text = L"Select &All\tCtrl+A"},
+                              {},
+                              {.id = kNextError, .text = L"&Next Error", .enabled = errors},
+                              {.id = kPreviousError, .text = L"&Previous Error", .enabled = errors},
+                              {},
+                              {.id = kClear, .text = L"C&lear"}};
+    const UINT command = ShowPopupMenu(pane, items, at);
     switch (command) {
         case kCopy: SendMessageW(pane, WM_COPY, 0, 0); break;
         case kSelectAll: SendMessageW(pane, EM_SETSEL, 0, -1); break;
@@ -86,7 +84,7 @@ void SetFormat(HWND pane, WPARAM scope) {
 }
 
 void FormatPane(HWND pane) {
-    const int margin = MulDiv(kMargin, g_ui.dpi, 96);
+    const int margin = UiScaled(kMargin);
     SendMessageW(pane, EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, MAKELPARAM(margin, margin));
     SendMessageW(pane, EM_SETBKGNDCOLOR, 0, static_cast<LPARAM>(ThemeCurrentChrome().paneBack));
     SetFormat(pane, SCF_DEFAULT);

@@ -12,6 +12,7 @@
 #include "search/find_engine.h"
 #include "search/search_state.h"
 #include "settings/settings_state.h"
+#include "ui/dpi.h"
 #include "ui/ui_state.h"
 
 #include <windows.h>
@@ -272,7 +273,7 @@ void PlaceDialog(HWND dialog, HWND owner) {
     RECT size = {};
     GetWindowRect(owner, &frame);
     GetWindowRect(dialog, &size);
-    const int margin = MulDiv(24, g_ui.dpi, 96);
+    const int margin = UiScaled(24);
     const LONG left = std::max(frame.left, frame.right - (size.right - size.left) - margin);
     SetWindowPos(dialog, nullptr, left, frame.top + 4 * margin, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }

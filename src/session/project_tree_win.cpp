@@ -2,7 +2,6 @@
 // only by their names; opening one is a file command. UI thread.
 #include "session/project_tree.h"
 
-#include "base/handles.h"
 #include "base/log.h"
 #include "base/wide_format.h"
 #include "documents/document_row.h"
@@ -15,6 +14,9 @@
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
 #include "ui/clipboard.h"
+#include "ui/dpi.h"
+#include "ui/fonts.h"
+#include "ui/menu.h"
 #include "ui/message.h"
 #include "ui/ui_state.h"
 
@@ -47,7 +49,6 @@ struct TreeState {
     std::uint64_t lastRequest = 0;
     std::map<std::uint64_t, HTREEITEM> pending;  // folders being read; a listing without an entry here is stale
     std::set<std::wstring> reopen;               // paths that were open before a refresh
-    UniqueFont font;
     HIMAGELIST icons = nullptr;
     bool stale = false;  // to be populated when it is shown
 };
@@ -207,13 +208,11 @@ void ShowMenu(POINT at) {
     const HTREEITEM item = TreeView_GetSelection(Tree());
     const bool hasPath = item != nullptr && ItemKind(item) != NodeKind::Note;
     const bool isFile = hasPath && ItemKind(item) == NodeKind::File;
-    const HMENU menu = CreatePopupMenu();
-    AppendMenuW(menu, isFile ? MF_STRING : MF_STRING | MF_GRAYED, kMenuOpen, L"&Open\tEnter");
-    AppendMenuW(menu, hasPath ? MF_STRING : MF_STRING | MF_GRAYED, kMenuCopyPath, L"&Copy Path");
-    AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
-    AppendMenuW(menu, MF_STRING, kMenuRefresh, L"&Refresh\tCtrl+R");
-    const BOOL command = TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON, at.x, at.y, 0, Tree(), nullptr);
-    DestroyMenu(menu);
+    const MenuItem items[] = {{.id = kMenuOpen, .text = L"&Open\tEnter", .enabled = isFile},
+                              {.id = kMenuCopyPath, .text = L"&Copy Path", .enabled = hasPath},
+                              {},
+                              {.id = kMenuRefresh, .text = L"&Refresh\tCtrl+R"}};
+    const UINT command = ShowPopupMenu(Tree(), items, at);
     if (command == kMenuOpen)
         OpenItem(item);
     else if (command == kMenuCopyPath)
@@ -323,20 +322,14 @@ void ProjectTreeApplyTheme() {
     TreeView_SetTextColor(Tree(), chrome.paneText);
     TreeView_SetLineColor(Tree(), chrome.line);
 
-    UniqueFont font{CreateFontW(-MulDiv(9, g_ui.dpi, 72), 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
-                                OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, DEFAULT_PITCH,
-                                L"Segoe UI")};
-    if (font) {
-        SendMessageW(Tree(), WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), TRUE);
-        g_tree.font = std::move(font);
-    }
+    SendMessageW(Tree(), WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), TRUE);
     const HIMAGELIST icons = TreeIconsCreate(g_ui.dpi, chrome);
     if (icons != nullptr) {
         TreeView_SetImageList(Tree(), icons, TVSIL_NORMAL);
         if (g_tree.icons != nullptr) ImageList_Destroy(g_tree.icons);
         g_tree.icons = icons;
     }
-    TreeView_SetItemHeight(Tree(), MulDiv(22, g_ui.dpi, 96));
+    TreeView_SetItemHeight(Tree(), UiScaled(22));
     InvalidateRect(Tree(), nullptr, TRUE);
 }
 

@@ -17,7 +17,6 @@ struct TabBarState {
     bool dragging = false;
     bool tracking = false;  // WM_MOUSELEAVE was asked for
     HWND tooltip = nullptr;
-    HFONT font = nullptr;  // of the labels; lives as long as the strip
 };
 extern TabBarState g_tabBar;
 
@@ -28,7 +27,7 @@ std::vector<TabRect> TabBarRects();
 void TabBarUpdateWidths();
 
 // The whole strip, or one tab of it.
-void TabBarPaint(HWND tabControl, HDC dc, const RECT& client);
+void TabBarPaint(HDC dc, const RECT& client);
 void TabBarPaintTab(HDC dc, int index, const TabRect& rect);
 // The two arrows of an overflowing strip.
 void TabBarPaintScroller(HDC dc, const RECT& client, bool pressedLeft, bool pressedRight);

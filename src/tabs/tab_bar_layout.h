@@ -32,7 +32,7 @@ int TabWidthFor(const TabMetrics& metrics, int stripWidth, int count);
 
 TabRect TabCloseRect(const TabMetrics& metrics, const TabRect& tab);
 TabRect TabMarkRect(const TabMetrics& metrics, const TabRect& tab);
-// The label's place; narrower with a build mark before it and a button behind it.
+// The label's place; narrower with a build mark before it and a button after it.
 TabRect TabTextRect(const TabMetrics& metrics, const TabRect& tab, bool hasMark, bool hasButton);
 // The arrows at the right end of a strip that overflows.
 TabRect TabScrollerRect(const TabMetrics& metrics, int stripWidth);

@@ -6,6 +6,7 @@
 #include "documents/document_row.h"
 #include "tabs/tab_bar_internal.h"
 #include "tabs/tabs_state.h"
+#include "ui/fonts.h"
 #include "ui/ui_state.h"
 
 #include <commctrl.h>
@@ -14,7 +15,7 @@
 
 namespace {
 
-void InsertItem(int index) {
+void InsertTabItem(int index) {
     TCITEMW item = {};
     item.mask = TCIF_TEXT;
     item.pszText = TabAt(index).label;
@@ -22,27 +23,14 @@ void InsertItem(int index) {
         AppLogMsg(L"FAIL: TabBarAdd: no tab for %s", TabAt(index).label);
 }
 
-void SetItemText(int index) {
+void SetTabItemText(int index) {
     TCITEMW item = {};
     item.mask = TCIF_TEXT;
     item.pszText = TabAt(index).label;
     SendMessageW(g_tabs.hTabCtrl, TCM_SETITEMW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
 }
 
-void ApplyFont() {
-    NONCLIENTMETRICSW metrics = {};
-    metrics.cbSize = sizeof metrics;
-    if (!SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0)) return;
-    const int systemDpi = static_cast<int>(GetDpiForSystem());
-    LOGFONTW font = metrics.lfMessageFont;
-    font.lfHeight = MulDiv(font.lfHeight, g_ui.dpi, systemDpi > 0 ? systemDpi : USER_DEFAULT_SCREEN_DPI);
-    const HFONT made = CreateFontIndirectW(&font);
-    if (!made) return;
-    const HFONT old = g_tabBar.font;
-    g_tabBar.font = made;
-    SendMessageW(g_tabs.hTabCtrl, WM_SETFONT, reinterpret_cast<WPARAM>(made), FALSE);
-    if (old) DeleteObject(old);
-}
+void ApplyTabFont() { SendMessageW(g_tabs.hTabCtrl, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE); }
 
 }  // namespace
 
@@ -65,7 +53,7 @@ std::vector<TabRect> TabBarRects() {
 
 void TabBarUpdateWidths() {
     RECT client = {};
-    if (!g_tabs.hTabCtrl || !GetClientRect(g_tabs.hTabCtrl, &client)) return;
+    if (g_tabs.hTabCtrl == nullptr || !GetClientRect(g_tabs.hTabCtrl, &client)) return;
     const TabMetrics metrics = TabBarMetrics();
     const int width = TabWidthFor(metrics, client.right - metrics.padding / 2, TabCount());
     static int lastWidth = 0;
@@ -80,18 +68,18 @@ void TabBarUpdateWidths() {
 }
 
 void TabBarInit(HWND tabControl) {
-    if (!tabControl) return;
+    if (tabControl == nullptr) return;
     g_tabs.hTabCtrl = tabControl;
     const LONG_PTR style = GetWindowLongPtrW(tabControl, GWL_STYLE);
     SetWindowLongPtrW(tabControl, GWL_STYLE,
                       style | TCS_OWNERDRAWFIXED | TCS_FIXEDWIDTH | TCS_FOCUSNEVER | WS_CLIPCHILDREN);
     if (!TabBarInstallSubclass(tabControl)) AppLogMsg(L"FAIL: TabBarInit: no subclass");
-    ApplyFont();
+    ApplyTabFont();
     TabBarUpdateWidths();
 }
 
 void TabBarOnOpened(DocumentId document) {
-    InsertItem(TabBarFindDocument(document));
+    InsertTabItem(TabBarFindDocument(document));
     TabBarUpdateWidths();
 }
 
@@ -102,12 +90,12 @@ void TabBarOnActivated() {
 
 void TabBarOnChanged(DocumentId document) {
     const int index = TabBarFindDocument(document);
-    if (index >= 0) SetItemText(index);
+    if (index >= 0) SetTabItemText(index);
     TabBarRefresh();
 }
 
 void TabBarOnMoved(int from, int to) {
-    for (int i = std::min(from, to); i <= std::max(from, to); ++i) SetItemText(i);
+    for (int i = std::min(from, to); i <= std::max(from, to); ++i) SetTabItemText(i);
     TabBarOnActivated();
 }
 
@@ -118,28 +106,28 @@ void TabBarOnClosed(int index) {
 }
 
 void TabBarRefresh() {
-    if (g_tabs.hTabCtrl) InvalidateRect(g_tabs.hTabCtrl, nullptr, FALSE);
+    if (g_tabs.hTabCtrl != nullptr) InvalidateRect(g_tabs.hTabCtrl, nullptr, FALSE);
 }
 
 bool TabBarHandleDrawItem(const DRAWITEMSTRUCT& item) {
-    if (!g_tabs.hTabCtrl || item.hwndItem != g_tabs.hTabCtrl) return false;
+    if (g_tabs.hTabCtrl == nullptr || item.hwndItem != g_tabs.hTabCtrl) return false;
     const int index = static_cast<int>(item.itemID);
     const std::vector<TabRect> rects = TabBarRects();
     if (index < 0 || index >= static_cast<int>(rects.size())) return true;
-    const HGDIOBJ old = g_tabBar.font ? SelectObject(item.hDC, g_tabBar.font) : nullptr;
+    const HGDIOBJ old = SelectObject(item.hDC, UiFont());
     TabBarPaintTab(item.hDC, index, rects[static_cast<std::size_t>(index)]);
-    if (old) SelectObject(item.hDC, old);
+    SelectObject(item.hDC, old);
     return true;
 }
 
 bool TabBarHandleNotify(const NMHDR& header) {
-    if (!g_tabs.hTabCtrl || header.hwndFrom != g_tabs.hTabCtrl) return false;
+    if (g_tabs.hTabCtrl == nullptr || header.hwndFrom != g_tabs.hTabCtrl) return false;
     if (header.code == TCN_SELCHANGE)
         TabBarActivate(static_cast<int>(SendMessageW(g_tabs.hTabCtrl, TCM_GETCURSEL, 0, 0)));
     return true;
 }
 
 void TabBarApplyTheme() {
-    ApplyFont();
+    ApplyTabFont();
     TabBarUpdateWidths();
 }

@@ -2,19 +2,19 @@
 // replaces the control's own. What has to ask the user goes to the main window as a command. UI thread.
 #include "tabs/tab_bar_internal.h"
 
-#include "base/handles.h"
 #include "documents/document_row.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "tabs/tabs_state.h"
+#include "ui/clipboard.h"
+#include "ui/menu.h"
+#include "ui/paint.h"
 #include "ui/ui_state.h"
 
 #include <commctrl.h>
 #include <windowsx.h>
 
 #include <cstdlib>
-#include <cstring>
-#include <cwchar>
 
 TabBarState g_tabBar;
 
@@ -23,10 +23,10 @@ namespace {
 constexpr UINT_PTR kSubclassId = 1;
 enum MenuCommand : UINT { kMenuClose = 1, kMenuCloseOthers, kMenuCloseRight, kMenuCloseAll, kMenuCopyPath };
 
-void Repaint() { InvalidateRect(g_tabs.hTabCtrl, nullptr, FALSE); }
+void RepaintStrip() { InvalidateRect(g_tabs.hTabCtrl, nullptr, FALSE); }
 
 // Closing asks about unsaved text, which is the documents area's business. The answer may be no.
-void CloseTab(int index) {
+void CloseTabAt(int index) {
     if (!IsTabIndex(index)) return;
     g_documents.returnTo = index == g_documents.activeTab ? 0 : ActiveDocumentId();
     if (index != g_documents.activeTab) TabBarSelect(index);
@@ -46,55 +46,34 @@ void CloseTabsFrom(int first, DocumentId keep) {
     if (kept >= 0) TabBarActivate(kept);
 }
 
-void CopyText(const wchar_t* text) {
-    const std::size_t bytes = (std::wcslen(text) + 1) * sizeof(wchar_t);
-    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, bytes);
-    if (!block) return;
-    void* memory = GlobalLock(block);
-    if (memory) std::memcpy(memory, text, bytes);
-    GlobalUnlock(block);
-    bool taken = false;
-    if (memory && OpenClipboard(g_ui.hMainWnd)) {
-        EmptyClipboard();
-        taken = SetClipboardData(CF_UNICODETEXT, block) != nullptr;
-        CloseClipboard();
-    }
-    if (!taken) GlobalFree(block);
-}
-
-void ShowContextMenu(HWND strip, int index, POINT at) {
+void ShowTabMenu(HWND strip, int index, POINT at) {
     if (!IsTabIndex(index)) return;
     TabBarActivate(index);
     const DocumentTab& tab = TabAt(index);
     const DocumentId document = tab.id;
-    HMENU menu = CreatePopupMenu();
-    if (!menu) return;
-    const UINT others = TabCount() > 1 ? MF_ENABLED : MF_GRAYED;
-    const UINT right = index + 1 < TabCount() ? MF_ENABLED : MF_GRAYED;
-    AppendMenuW(menu, MF_STRING, kMenuClose, L"&Close\tCtrl+W");
-    AppendMenuW(menu, MF_STRING | others, kMenuCloseOthers, L"Close &Others");
-    AppendMenuW(menu, MF_STRING | right, kMenuCloseRight, L"Close to the &Right");
-    AppendMenuW(menu, MF_STRING, kMenuCloseAll, L"Close &All");
-    AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
-    AppendMenuW(menu, MF_STRING | (tab.hasFile ? MF_ENABLED : MF_GRAYED), kMenuCopyPath, L"Copy Full &Path");
+    const MenuItem items[] = {
+        {.id = kMenuClose, .text = L"&Close\tCtrl+W"},
+        {.id = kMenuCloseOthers, .text = L"Close &Others", .enabled = TabCount() > 1},
+        {.id = kMenuCloseRight, .text = L"Close to the &Right", .enabled = index + 1 < TabCount()},
+        {.id = kMenuCloseAll, .text = L"Close &All"},
+        {},
+        {.id = kMenuCopyPath, .text = L"Copy Full &Path", .enabled = tab.hasFile}};
     ClientToScreen(strip, &at);
-    const UINT command = static_cast<UINT>(
-        TrackPopupMenu(menu, TPM_RETURNCMD | TPM_NONOTIFY | TPM_RIGHTBUTTON, at.x, at.y, 0, strip, nullptr));
-    DestroyMenu(menu);
+    const UINT command = ShowPopupMenu(strip, items, at, TPM_NONOTIFY);
 
     const int now = TabBarFindDocument(document);  // the menu ran its own message loop
     if (now < 0) return;
     switch (command) {
-        case kMenuClose: CloseTab(now); break;
+        case kMenuClose: CloseTabAt(now); break;
         case kMenuCloseOthers: CloseTabsFrom(0, document); break;
         case kMenuCloseRight: CloseTabsFrom(now + 1, document); break;
         case kMenuCloseAll: PostMessageW(g_ui.hMainWnd, WM_COMMAND, IDM_FILE_CLOSE_ALL, 0); break;
-        case kMenuCopyPath: CopyText(TabAt(now).path); break;
+        case kMenuCopyPath: ClipboardPutText(g_ui.hMainWnd, TabAt(now).path); break;
         default: break;
     }
 }
 
-void UpdateHover(HWND strip, POINT at, bool inside) {
+void UpdateTabHover(HWND strip, POINT at, bool inside) {
     const std::vector<TabRect> rects = TabBarRects();
     const int tab = inside ? TabHit(rects, at.x, at.y) : -1;
     const bool close =
@@ -103,7 +82,7 @@ void UpdateHover(HWND strip, POINT at, bool inside) {
     if (tab != g_tabBar.hoverTab && g_tabBar.tooltip) SendMessageW(g_tabBar.tooltip, TTM_POP, 0, 0);
     g_tabBar.hoverTab = tab;
     g_tabBar.hoverClose = close;
-    Repaint();
+    RepaintStrip();
     if (g_tabBar.tracking || !inside) return;
     TRACKMOUSEEVENT track = {};
     track.cbSize = sizeof track;
@@ -112,15 +91,15 @@ void UpdateHover(HWND strip, POINT at, bool inside) {
     g_tabBar.tracking = TrackMouseEvent(&track) != FALSE;
 }
 
-void EndDrag() {
+void EndTabDrag() {
     g_tabBar.dragTab = -1;
     g_tabBar.dragging = false;
     g_tabBar.pressedClose = -1;
 }
 
 // True when the press was on a close button and the control must not see it.
-bool OnButtonDown(HWND strip, POINT at) {
-    UpdateHover(strip, at, true);
+bool OnTabPressed(HWND strip, POINT at) {
+    UpdateTabHover(strip, at, true);
     const int tab = g_tabBar.hoverTab;
     if (tab < 0) return false;
     if (g_tabBar.hoverClose) {
@@ -133,55 +112,46 @@ bool OnButtonDown(HWND strip, POINT at) {
     return false;
 }
 
-void OnMouseMove(HWND strip, POINT at) {
+// After the control has selected the tab, which may have moved the capture.
+void CaptureForDrag(HWND strip) {
+    if (g_tabBar.dragTab >= 0) SetCapture(strip);
+}
+
+void OnTabPointer(HWND strip, POINT at) {
     if (g_tabBar.dragTab >= 0 && !g_tabBar.dragging)
         g_tabBar.dragging = std::abs(at.x - g_tabBar.dragFrom.x) >= TabBarMetrics().dragStart;
     if (g_tabBar.dragging) {
         const int target = TabDropIndex(TabBarRects(), g_tabBar.dragTab, at.x);
         if (target != g_tabBar.dragTab && TabBarMove(g_tabBar.dragTab, target)) g_tabBar.dragTab = target;
     }
-    UpdateHover(strip, at, true);
+    UpdateTabHover(strip, at, true);
 }
 
-void OnButtonUp(HWND strip, POINT at) {
+void OnTabReleased(HWND strip, POINT at) {
     const int pressed = g_tabBar.pressedClose;
     const bool dragged = g_tabBar.dragging;
-    EndDrag();
+    EndTabDrag();
     if (GetCapture() == strip) ReleaseCapture();
-    UpdateHover(strip, at, true);
-    if (pressed >= 0 && pressed == g_tabBar.hoverTab && g_tabBar.hoverClose) CloseTab(pressed);
-    if (dragged) Repaint();
+    UpdateTabHover(strip, at, true);
+    if (pressed >= 0 && pressed == g_tabBar.hoverTab && g_tabBar.hoverClose) CloseTabAt(pressed);
+    if (dragged) RepaintStrip();
 }
 
-void OnWheel(WPARAM wParam) {
+void OnTabWheel(WPARAM wParam) {
     if (TabCount() < 2) return;
     const int step = GET_WHEEL_DELTA_WPARAM(wParam) > 0 ? -1 : 1;
     const int target = g_documents.activeTab + step;
     if (IsTabIndex(target)) TabBarActivate(target);
 }
 
-void OnPaint(HWND strip) {
+void PaintStrip(HWND strip) {
     TabBarPlaceScroller(strip);  // the control moves its arrows back whenever it lays out its tabs
-    PAINTSTRUCT paint = {};
-    HDC screen = BeginPaint(strip, &paint);
-    if (!screen) return;
-    RECT client = {};
-    GetClientRect(strip, &client);
-    const UniqueMemoryDc memory(CreateCompatibleDC(screen));
-    const UniqueBitmap bitmap(CreateCompatibleBitmap(screen, client.right, client.bottom));
-    if (memory && bitmap) {
-        const HGDIOBJ old = SelectObject(memory.Get(), bitmap.Get());
-        TabBarPaint(strip, memory.Get(), client);
-        BitBlt(screen, 0, 0, client.right, client.bottom, memory.Get(), 0, 0, SRCCOPY);
-        SelectObject(memory.Get(), old);
-    } else {
-        TabBarPaint(strip, screen, client);  // no memory: better a flicker than nothing
-    }
-    EndPaint(strip, &paint);
+    const BufferedPaint paint(strip);
+    TabBarPaint(paint.Dc(), paint.Client());
 }
 
 // The tooltip's text is asked for when it is about to show: the path of the tab under the pointer.
-bool OnTooltipText(NMHDR& header) {
+bool FillTabTip(NMHDR& header) {
     if (header.hwndFrom != g_tabBar.tooltip || header.code != TTN_GETDISPINFOW) return false;
     static wchar_t text[kPathCapacity];
     text[0] = L'\0';
@@ -193,85 +163,80 @@ bool OnTooltipText(NMHDR& header) {
     return true;
 }
 
+void PaintScroller(HWND scroller) {
+    const BufferedPaint paint(scroller);
+    const RECT& client = paint.Client();
+    POINT at = {};
+    GetCursorPos(&at);
+    ScreenToClient(scroller, &at);
+    const bool pressed = GetCapture() == scroller && PtInRect(&client, at) != FALSE;
+    const bool left = at.x < (client.left + client.right) / 2;
+    TabBarPaintScroller(paint.Dc(), client, pressed && left, pressed && !left);
+}
+
 LRESULT CALLBACK ScrollerProc(HWND scroller, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
     switch (message) {
         case WM_ERASEBKGND: return 1;
-        case WM_PAINT: {
-            PAINTSTRUCT paint = {};
-            HDC dc = BeginPaint(scroller, &paint);
-            RECT client = {};
-            GetClientRect(scroller, &client);
-            POINT at = {};
-            GetCursorPos(&at);
-            ScreenToClient(scroller, &at);
-            const bool pressed = GetCapture() == scroller && PtInRect(&client, at);
-            const bool left = at.x < (client.left + client.right) / 2;
-            if (dc) TabBarPaintScroller(dc, client, pressed && left, pressed && !left);
-            EndPaint(scroller, &paint);
-            return 0;
-        }
+        case WM_PAINT: PaintScroller(scroller); return 0;
         case WM_NCDESTROY: RemoveWindowSubclass(scroller, ScrollerProc, id); break;
         default: break;
     }
     return DefSubclassProc(scroller, message, wParam, lParam);
 }
 
-void OnDoubleClick(POINT at) {
+void OnStripDoubleClick(POINT at) {
     if (TabHit(TabBarRects(), at.x, at.y) < 0) PostMessageW(g_ui.hMainWnd, WM_COMMAND, IDM_FILE_NEW, 0);
 }
 
-void OnLeave(HWND strip) {
+void OnStripLeft(HWND strip) {
     g_tabBar.tracking = false;
-    UpdateHover(strip, {}, false);
+    UpdateTabHover(strip, {}, false);
 }
 
-void OnDestroy(HWND strip);
+void OnStripDestroyed(HWND strip);
 
 LRESULT CALLBACK StripProc(HWND strip, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
     const POINT at = {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
     switch (message) {
         case WM_ERASEBKGND: return 1;
-        case WM_PAINT: OnPaint(strip); return 0;
-        case WM_SIZE: {
-            const LRESULT result = DefSubclassProc(strip, message, wParam, lParam);
-            TabBarUpdateWidths();
-            return result;
-        }
-        case WM_LBUTTONDOWN:
-            if (OnButtonDown(strip, at)) return 0;
+        case WM_PAINT: PaintStrip(strip); return 0;
+        case WM_SIZE:
             DefSubclassProc(strip, message, wParam, lParam);
-            // After the control has selected the tab, which may have moved the capture.
-            if (g_tabBar.dragTab >= 0) SetCapture(strip);
+            TabBarUpdateWidths();
             return 0;
-        case WM_LBUTTONDBLCLK: OnDoubleClick(at); break;
-        case WM_LBUTTONUP: OnButtonUp(strip, at); break;
-        case WM_MBUTTONUP: CloseTab(TabHit(TabBarRects(), at.x, at.y)); return 0;
-        case WM_RBUTTONUP: ShowContextMenu(strip, TabHit(TabBarRects(), at.x, at.y), at); return 0;
-        case WM_MOUSEMOVE: OnMouseMove(strip, at); break;
-        case WM_MOUSELEAVE: OnLeave(strip); break;
-        case WM_MOUSEWHEEL: OnWheel(wParam); return 0;
-        case WM_CAPTURECHANGED: EndDrag(); break;
+        case WM_LBUTTONDOWN:
+            if (OnTabPressed(strip, at)) return 0;
+            DefSubclassProc(strip, message, wParam, lParam);
+            CaptureForDrag(strip);
+            return 0;
+        case WM_LBUTTONDBLCLK: OnStripDoubleClick(at); break;
+        case WM_LBUTTONUP: OnTabReleased(strip, at); break;
+        case WM_MBUTTONUP: CloseTabAt(TabHit(TabBarRects(), at.x, at.y)); return 0;
+        case WM_RBUTTONUP: ShowTabMenu(strip, TabHit(TabBarRects(), at.x, at.y), at); return 0;
+        case WM_MOUSEMOVE: OnTabPointer(strip, at); break;
+        case WM_MOUSELEAVE: OnStripLeft(strip); break;
+        case WM_MOUSEWHEEL: OnTabWheel(wParam); return 0;
+        case WM_CAPTURECHANGED: EndTabDrag(); break;
         case WM_NOTIFY:
-            if (OnTooltipText(*reinterpret_cast<NMHDR*>(lParam))) return 0;
+            if (FillTabTip(*reinterpret_cast<NMHDR*>(lParam))) return 0;
             break;
-        case WM_DESTROY: OnDestroy(strip); break;
+        case WM_DESTROY: OnStripDestroyed(strip); break;
         default: break;
     }
     return DefSubclassProc(strip, message, wParam, lParam);
 }
 
-void OnDestroy(HWND strip) {
+void OnStripDestroyed(HWND strip) {
     RemoveWindowSubclass(strip, StripProc, kSubclassId);
-    if (g_tabBar.tooltip) DestroyWindow(g_tabBar.tooltip);
-    if (g_tabBar.font) DeleteObject(g_tabBar.font);
+    if (g_tabBar.tooltip != nullptr) DestroyWindow(g_tabBar.tooltip);
     g_tabBar = {};
 }
 
-void CreateTooltip(HWND strip) {
+void CreateTabTip(HWND strip) {
     g_tabBar.tooltip =
         CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, CW_USEDEFAULT,
                         CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, strip, nullptr, g_ui.hInstance, nullptr);
-    if (!g_tabBar.tooltip) return;
+    if (g_tabBar.tooltip == nullptr) return;
     TTTOOLINFOW tool = {};
     tool.cbSize = sizeof tool;
     tool.uFlags = TTF_SUBCLASS | TTF_IDISHWND;
@@ -285,7 +250,7 @@ void CreateTooltip(HWND strip) {
 
 void TabBarPlaceScroller(HWND tabControl) {
     HWND scroller = FindWindowExW(tabControl, nullptr, UPDOWN_CLASSW, nullptr);
-    if (!scroller) return;
+    if (scroller == nullptr) return;
     SetWindowSubclass(scroller, ScrollerProc, kSubclassId, 0);  // again does no harm
     RECT client = {};
     GetClientRect(tabControl, &client);
@@ -301,6 +266,6 @@ void TabBarPlaceScroller(HWND tabControl) {
 
 bool TabBarInstallSubclass(HWND tabControl) {
     if (!SetWindowSubclass(tabControl, StripProc, kSubclassId, 0)) return false;
-    CreateTooltip(tabControl);
+    CreateTabTip(tabControl);
     return true;
 }

@@ -23,3 +23,5 @@ struct ThemeChrome {
 };
 const ThemeChrome& ThemeCurrentChrome();
 bool ThemeIsDark();
+// Text of what is known but not in force: a hint, what is disabled, what is no longer true.
+COLORREF ThemeQuietText();

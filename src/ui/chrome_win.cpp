@@ -2,13 +2,12 @@
 #include "ui/chrome.h"
 
 #include "settings/settings_state.h"
+#include "ui/paint.h"
 #include "ui/theme_table.h"
 
 namespace {
 
 constexpr int kThemeDark = 1;
-
-COLORREF Ref(Rgb rgb) { return ThemeColorRef(rgb); }
 
 }  // namespace
 
@@ -17,21 +16,26 @@ bool ThemeIsDark() { return g_settings.theme == kThemeDark; }
 const ThemeChrome& ThemeCurrentChrome() {
     static ThemeChrome chrome;
     const ChromePalette& palette = ThemeChromePalette(ThemeIsDark());
-    chrome = {.windowBack = Ref(palette.windowBack),
-              .paneBack = Ref(palette.paneBack),
-              .paneText = Ref(palette.paneText),
-              .tabBack = Ref(palette.tabBack),
-              .tabActiveBack = Ref(ThemePalette(g_settings.editorStylePreset, ThemeIsDark())
-                                       .back),  // the active tab and its editor are one surface
-              .tabText = Ref(palette.tabText),
-              .tabActiveText = Ref(palette.tabActiveText),
-              .accent = Ref(palette.accent),
-              .line = Ref(palette.line),
-              .statusBack = Ref(palette.statusBack),
-              .statusText = Ref(palette.statusText),
-              .hover = Ref(palette.hover),
-              .error = Ref(palette.error),
-              .modified = Ref(palette.modified),
-              .success = Ref(palette.success)};
+    chrome = {.windowBack = ThemeColorRef(palette.windowBack),
+              .paneBack = ThemeColorRef(palette.paneBack),
+              .paneText = ThemeColorRef(palette.paneText),
+              .tabBack = ThemeColorRef(palette.tabBack),
+              .tabActiveBack = ThemeColorRef(ThemePalette(g_settings.editorStylePreset, ThemeIsDark())
+                                                 .back),  // the active tab and its editor are one surface
+              .tabText = ThemeColorRef(palette.tabText),
+              .tabActiveText = ThemeColorRef(palette.tabActiveText),
+              .accent = ThemeColorRef(palette.accent),
+              .line = ThemeColorRef(palette.line),
+              .statusBack = ThemeColorRef(palette.statusBack),
+              .statusText = ThemeColorRef(palette.statusText),
+              .hover = ThemeColorRef(palette.hover),
+              .error = ThemeColorRef(palette.error),
+              .modified = ThemeColorRef(palette.modified),
+              .success = ThemeColorRef(palette.success)};
     return chrome;
+}
+
+COLORREF ThemeQuietText() {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    return MixColours(chrome.paneText, chrome.paneBack, 38);
 }

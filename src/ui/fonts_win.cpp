@@ -1,25 +1,77 @@
 #include "ui/fonts.h"
 
-#include "ui/ui_state.h"
+#include "base/handles.h"
+#include "settings/settings_state.h"
+#include "ui/dpi.h"
 
-static HFONT g_uiFont = nullptr;
+#include <algorithm>
+#include <utility>
 
-HFONT UiFont() {
-    if (g_uiFont == nullptr) {
-        NONCLIENTMETRICSW metrics = {};
-        metrics.cbSize = sizeof(metrics);
-        SystemParametersInfoForDpi(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0, static_cast<UINT>(g_ui.dpi));
-        g_uiFont = CreateFontIndirectW(&metrics.lfMessageFont);
-    }
-    return g_uiFont;
+namespace {
+
+struct UiFonts {
+    UniqueFont text, fixed;
+    UiFontSizes sizes;
+};
+UiFonts g_fonts;
+UiFonts g_oldFonts;  // windows may still hold them
+
+HFONT MakeTextFont() {
+    NONCLIENTMETRICSW metrics = {};
+    metrics.cbSize = sizeof(metrics);
+    SystemParametersInfoForDpi(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0, static_cast<UINT>(g_ui.dpi));
+    return CreateFontIndirectW(&metrics.lfMessageFont);
 }
 
-void UiFontReset() {
-    if (g_uiFont != nullptr) DeleteObject(g_uiFont);
-    g_uiFont = nullptr;
+HFONT MakeFixedFont() {
+    return CreateFontW(UiFontHeight(g_settings.outputFontSize), 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE,
+                       DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY,
+                       FIXED_PITCH | FF_MODERN, g_settings.outputFont);
 }
 
-void FillArea(HDC dc, const RECT& area, COLORREF colour) {
-    SetDCBrushColor(dc, colour);
-    FillRect(dc, &area, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
+void MeasureFont(HDC dc, HFONT font, int* width, int* height) {
+    constexpr wchar_t kSample[] = L"0123456789ABCDEF";
+    constexpr int kSampleLength = 16;
+    const HGDIOBJ old = SelectObject(dc, font);
+    SIZE size = {};
+    TEXTMETRICW metrics = {};
+    GetTextExtentPoint32W(dc, kSample, kSampleLength, &size);
+    GetTextMetricsW(dc, &metrics);
+    SelectObject(dc, old);
+    *width = std::max<int>((size.cx + kSampleLength - 1) / kSampleLength, 1);
+    *height = std::max<int>(metrics.tmHeight, 1);
+}
+
+const UiFonts& Fonts() {
+    if (g_fonts.text && g_fonts.fixed) return g_fonts;
+    g_fonts.text.Reset(MakeTextFont());
+    g_fonts.fixed.Reset(MakeFixedFont());
+    UiFontSizes& sizes = g_fonts.sizes;
+    const HDC dc = GetDC(nullptr);
+    MeasureFont(dc, g_fonts.text.Get(), &sizes.textWidth, &sizes.textHeight);
+    MeasureFont(dc, g_fonts.fixed.Get(), &sizes.fixedWidth, &sizes.fixedHeight);
+    ReleaseDC(nullptr, dc);
+    return g_fonts;
+}
+
+}  // namespace
+
+HFONT UiFont() { return Fonts().text.Get(); }
+
+HFONT UiFixedFont() { return Fonts().fixed.Get(); }
+
+const UiFontSizes& UiSizes() { return Fonts().sizes; }
+
+void UiFontsRenew() {
+    if (g_fonts.text) g_oldFonts = std::exchange(g_fonts, {});
+}
+
+int UiTextWidth(const wchar_t* text, int length) {
+    const HDC dc = GetDC(nullptr);
+    const HGDIOBJ old = SelectObject(dc, UiFont());
+    SIZE size = {};
+    GetTextExtentPoint32W(dc, text, length, &size);
+    SelectObject(dc, old);
+    ReleaseDC(nullptr, dc);
+    return static_cast<int>(size.cx);
 }

@@ -22,8 +22,8 @@ RegisterSet Registers(bool x64) {
     return registers;
 }
 
-const PaneRow* Row(const std::vector<PaneRow>& rows, std::wstring_view name) {
-    const auto row = std::ranges::find_if(rows, [&](const PaneRow& each) { return each.cells[0] == name; });
+const ListRow* Row(const std::vector<ListRow>& rows, std::wstring_view name) {
+    const auto row = std::ranges::find_if(rows, [&](const ListRow& each) { return each.cells[0] == name; });
     return row == rows.end() ? nullptr : &*row;
 }
 
@@ -50,9 +50,9 @@ TEST(PaneRows, RegistersSayWhatTheyMeanAndWhatChanged) {
     EXPECT_EQ(Row(rows, L"EFL")->cells[2], L"ZF");
     EXPECT_EQ(Row(rows, L"XMM3")->cells[2], L"1.5");
     EXPECT_NE(Row(rows, L"XMM3")->changed, 0U);
-    for (const PaneRow& row : RegisterPaneRows(now, nullptr)) EXPECT_EQ(row.changed, 0U) << Narrow(row.cells[0]);
+    for (const ListRow& row : RegisterPaneRows(now, nullptr)) EXPECT_EQ(row.changed, 0U) << Narrow(row.cells[0]);
     const RegisterSet other = Registers(false);
-    for (const PaneRow& row : RegisterPaneRows(now, &other)) EXPECT_EQ(row.changed, 0U) << Narrow(row.cells[0]);
+    for (const ListRow& row : RegisterPaneRows(now, &other)) EXPECT_EQ(row.changed, 0U) << Narrow(row.cells[0]);
 
     RegisterSet narrow = Registers(false);
     narrow.general[0] = 0xFFFFFFFE;
@@ -157,30 +157,6 @@ TEST(Watches, BytesOfTypedValues) {
     }
 }
 
-TEST(Columns, GiveWayInTheSameMeasure) {
-    const std::vector<ColumnRoom> columns = {{100, 60}, {50, 50}, {200, 80}};
-    const struct {
-        int room;
-        std::vector<int> widths;
-    } cases[] = {
-        {350, {100, 50, 200}}, {500, {100, 50, 350}}, {270, {80, 50, 140}}, {190, {60, 50, 80}}, {20, {60, 50, 80}}};
-    for (const auto& each : cases) EXPECT_EQ(FitColumns(columns, each.room), each.widths) << each.room;
-    EXPECT_TRUE(FitColumns({}, 100).empty());
-}
-
-TEST(Tabs, TheSelectedOneIsAmongThoseThatFit) {
-    const std::vector<int> widths = {40, 30, 20, 30, 40};
-    const struct {
-        int room, selected, first;
-        TabSpan shown;
-    } cases[] = {{160, 0, 0, {0, 5}}, {100, 0, 0, {0, 3}}, {100, 3, 0, {1, 4}}, {100, 4, 1, {2, 5}},
-                 {100, 3, 2, {2, 5}}, {100, 1, 2, {1, 4}}, {160, 4, 3, {0, 5}}, {10, 2, 0, {2, 3}}};
-    for (const auto& each : cases) {
-        const TabSpan got = FitTabs(widths, each.room, each.selected, each.first);
-        EXPECT_EQ(got, each.shown) << each.room << " " << each.selected << ": " << got.first << " to " << got.end;
-    }
-}
-
 TEST(Memory, RowsShowBytesTextAndGaps) {
     std::vector<MemoryByte> bytes(16);
     const char text[] = "Hello\x01~\x7F";
@@ -223,6 +199,51 @@ TEST(Memory, TypingOverABytesHalves) {
 
 // push rbp; mov rbp,rsp; sub rsp,20h; mov eax,[rbp-8]; leave; ret; nop
 constexpr std::uint8_t kCode[] = {0x55, 0x48, 0x89, 0xE5, 0x48, 0x83, 0xEC, 0x20, 0x8B, 0x45, 0xF8, 0xC9, 0xC3, 0x90};
+
+TEST(Memory, TheCaretMovesByBytesAndStopsAtTheEnds) {
+    const struct {
+        const char* name;
+        MemoryPlace place;
+        std::int64_t bytes, scroll;
+        std::uint64_t row;
+        int index;
+    } cases[] = {
+        {"within its row", {.top = 0x100, .caretRow = 0x110, .caret = {3}, .rows = 4}, 5, 0, 0x110, 8},
+        {"back over its start", {.top = 0x100, .caretRow = 0x110, .caret = {3}, .rows = 4}, -4, 0, 0x100, 15},
+        {"above the first row", {.top = 0x100, .caretRow = 0x100, .caret = {0}, .rows = 4}, -16, -1, 0xF0, 0},
+        {"below the last whole row", {.top = 0x100, .caretRow = 0x120, .caret = {1}, .rows = 4}, 32, 2, 0x140, 1},
+        {"not below zero", {.caret = {2}, .rows = 4}, -3, 0, 0, 2},
+        {"not beyond 32 bits",
+         {.top = 0xFFFFFFF0, .caretRow = 0xFFFFFFF0, .caret = {2}, .x64 = false},
+         16,
+         0,
+         0xFFFFFFF0,
+         2},
+    };
+    for (const auto& each : cases) {
+        MemoryPlace place = each.place;
+        EXPECT_EQ(MemoryMoveCaretBy(place, each.bytes), each.scroll) << each.name;
+        EXPECT_EQ(place.caretRow, each.row) << each.name;
+        EXPECT_EQ(place.caret.index, each.index) << each.name;
+    }
+    MemoryPlace digits = {.top = 0x100, .caretRow = 0x100, .caret = {7, false, true}};
+    MemoryStepCaretBy(digits, 1);
+    EXPECT_EQ(digits.caret, (MemoryCaret{8, false, false}));
+    MemoryStepCaretBy(digits, -1);
+    EXPECT_EQ(digits.caret, (MemoryCaret{7, false, true}));
+}
+
+TEST(Memory, ScrollingAndOtherRowsStayInTheAddressSpace) {
+    const MemoryPlace low = {.top = 0x20, .rows = 4};
+    EXPECT_EQ(MemoryScrolledTop(low, -9), 0U);
+    EXPECT_EQ(MemoryScrolledTop(low, 2), 0x40U);
+    const MemoryPlace high = {.top = 0xFFFFFFE0, .rows = 4, .x64 = false};
+    EXPECT_EQ(MemoryScrolledTop(high, 9), 0xFFFFFFF0U);
+    MemoryPlace place = {.top = 0x108, .caretRow = 0x118, .caret = {13}};
+    MemoryReshape(place, {16, 8});
+    EXPECT_EQ(place.caretRow, 0x120U);
+    EXPECT_EQ(place.caret.index, 5);
+}
 
 TEST(Disassembly, BeginsWhereDecodingLeadsToTheTarget) {
     const std::uint64_t base = 0x1000;

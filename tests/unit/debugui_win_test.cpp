@@ -125,7 +125,7 @@ TEST_P(DebugPane, TheChosenThreadIsWhatTheViewsShow) {
     const std::wstring pointer = Bits() == 64 ? L"RSP" : L"ESP";
     const std::wstring ofWorker = Cell(RowOf(0, pointer), 1);
     Show(DebugTab::Threads);
-    PaneListSelect(main);
+    ListViewSelect(PaneList(), main);
     SendMessageW(List(), WM_KEYDOWN, VK_RETURN, 1);
     Refresh();
     EXPECT_EQ(Cell(main, 1), L"Main, shown");

@@ -1,0 +1,121 @@
+#include "ui/inline_edit.h"
+
+#include "base/events.h"
+#include "base/log.h"
+#include "ui/chrome.h"
+#include "ui/fonts.h"
+#include "ui/paint.h"
+#include "ui/ui_state.h"
+#include "ui/window_text.h"
+
+#include <commctrl.h>
+
+#include <utility>
+
+namespace {
+
+constexpr UINT_PTR kSubclassId = 1;
+
+struct InlineEditState {
+    HWND edit = nullptr;
+    InlineCommit commit;
+    std::wstring shown;    // what it began with
+    bool refused = false;  // what stands in it cannot be taken
+};
+InlineEditState g_edit;
+
+std::wstring OfferEditText() {
+    const std::wstring text = WindowText(g_edit.edit);
+    return text == g_edit.shown ? std::wstring{} : g_edit.commit(text);
+}
+
+bool CommitInlineEdit() {
+    const std::wstring problem = OfferEditText();
+    if (g_edit.edit == nullptr) return true;  // the commit has closed it
+    if (problem.empty()) {
+        InlineEditCancel();
+        return true;
+    }
+    g_events.statusText(problem.c_str());
+    g_edit.refused = true;
+    InvalidateRect(g_edit.edit, nullptr, TRUE);
+    MessageBeep(MB_ICONWARNING);
+    return false;
+}
+
+bool IsEndingKey(WPARAM key) { return key == VK_RETURN || key == VK_TAB || key == VK_ESCAPE; }
+
+// True when the key was one that ends editing.
+bool OnInlineEditKey(WPARAM key) {
+    if (!IsEndingKey(key)) {
+        g_edit.refused = false;
+        InvalidateRect(g_edit.edit, nullptr, FALSE);
+        return false;
+    }
+    const HWND list = GetParent(g_edit.edit);
+    const bool ended = key == VK_ESCAPE || CommitInlineEdit();
+    if (key == VK_ESCAPE) InlineEditCancel();
+    if (ended) SetFocus(list);
+    return true;
+}
+
+// Another window was chosen: a good text is taken, a refused one dropped.
+void OnInlineEditLeft() {
+    if (g_edit.edit == nullptr) return;
+    if (!g_edit.refused) OfferEditText();
+    InlineEditCancel();
+}
+
+LRESULT CALLBACK InlineEditProc(HWND edit, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
+    switch (message) {
+        case WM_KEYDOWN:
+            if (OnInlineEditKey(wParam)) return 0;
+            break;
+        case WM_CHAR:
+            if (IsEndingKey(wParam)) return 0;  // no beep
+            break;
+        case WM_GETDLGCODE: return DLGC_WANTALLKEYS;
+        case WM_KILLFOCUS:
+            DefSubclassProc(edit, message, wParam, lParam);
+            OnInlineEditLeft();
+            return 0;
+        case WM_NCDESTROY: RemoveWindowSubclass(edit, InlineEditProc, id); break;
+        default: break;
+    }
+    return DefSubclassProc(edit, message, wParam, lParam);
+}
+
+}  // namespace
+
+void InlineEditBegin(HWND list, const RECT& cell, const std::wstring& text, bool append, InlineCommit commit) {
+    InlineEditCancel();
+    const HWND edit = CreateWindowExW(
+        0, WC_EDITW, text.c_str(), WS_CHILD | WS_VISIBLE | WS_BORDER | WS_CLIPSIBLINGS | ES_AUTOHSCROLL, cell.left,
+        cell.top, cell.right - cell.left, cell.bottom - cell.top, list, nullptr, g_ui.hInstance, nullptr);
+    if (edit == nullptr) {
+        AppLogMsg(L"FAIL: InlineEditBegin error=%lu", GetLastError());
+        return;
+    }
+    g_edit = {edit, std::move(commit), append ? std::wstring{} : text, false};
+    SendMessageW(edit, WM_SETFONT, reinterpret_cast<WPARAM>(UiFixedFont()), FALSE);
+    SetWindowSubclass(edit, InlineEditProc, kSubclassId, 0);
+    SendMessageW(edit, EM_SETSEL, append ? text.size() : 0, append ? static_cast<LPARAM>(text.size()) : -1);
+    SetFocus(edit);
+}
+
+void InlineEditCancel() {
+    // Forgotten first, because destroying it takes the focus away from it.
+    const HWND edit = std::exchange(g_edit.edit, nullptr);
+    if (edit == nullptr) return;
+    const HWND list = GetParent(edit);
+    const bool hadFocus = GetFocus() == edit;
+    DestroyWindow(edit);
+    if (hadFocus) SetFocus(list);
+    if (g_edit.refused) g_events.statusText(L"");
+    g_edit.refused = false;
+}
+
+LRESULT InlineEditColours(HDC dc) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    return ControlColours(dc, g_edit.refused ? chrome.error : chrome.paneText, chrome.tabActiveBack);
+}

@@ -1,0 +1,146 @@
+// Draws the rows and the header of a list. Changes nothing. UI thread only.
+#include "ui/list_internal.h"
+
+#include "ui/chrome.h"
+#include "ui/dpi.h"
+#include "ui/fonts.h"
+#include "ui/paint.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int kCellPadding = 6;  // at 96 dpi, left of a cell's text
+constexpr int kMarkWidth = 18;
+constexpr UINT kCellText = DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS;
+
+bool IsArrow(ListMark mark) { return mark == ListMark::Current || mark == ListMark::Chosen; }
+
+void DrawBox(HDC dc, int left, int middle, bool ticked, COLORREF colour) {
+    const int half = UiScaled(6);
+    const RECT box = {left, middle - half, left + 2 * half + 1, middle + half + 1};
+    FrameArea(dc, box, colour);
+    if (!ticked) return;
+    const POINT tick[] = {{box.left + UiScaled(3), middle},
+                          {box.left + UiScaled(5), middle + UiScaled(3)},
+                          {box.right - UiScaled(3), middle - UiScaled(3)}};
+    DrawPolyline(dc, tick, colour, std::max(UiScaled(2), 1));
+}
+
+void DrawListMark(HDC dc, ListMark mark, const RECT& cell, COLORREF colour) {
+    const int middle = (cell.top + cell.bottom) / 2;
+    const int left = cell.left + UiScaled(5);
+    const int arm = UiScaled(4);
+    if (IsArrow(mark))
+        DrawTriangle(dc, {{left, middle - arm}, {left, middle + arm}, {left + arm + UiScaled(1), middle}}, colour,
+                     mark == ListMark::Current);
+    else if (mark != ListMark::None)
+        DrawBox(dc, left, middle, mark == ListMark::Checked, colour);
+}
+
+COLORREF RowBack(const ListRow& row, bool stale, bool selected) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    if (selected) return chrome.hover;
+    if (row.mark == ListMark::Current && !stale) return MixColours(chrome.paneBack, chrome.modified, 18);
+    return chrome.paneBack;
+}
+
+COLORREF MarkColour(const ListRow& row, bool stale) {
+    if (stale || row.tone == ListTone::Quiet) return ThemeQuietText();
+    return IsArrow(row.mark) ? ThemeCurrentChrome().modified : ThemeCurrentChrome().paneText;
+}
+
+COLORREF CellColour(const ListRow& row, bool stale, int column, bool lastColumn) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    if (stale || row.tone == ListTone::Quiet) return ThemeQuietText();
+    if (row.tone == ListTone::Source) return chrome.accent;
+    if (row.tone == ListTone::Problem && lastColumn) return chrome.error;
+    return (row.changed >> column & 1) != 0 ? chrome.error : chrome.paneText;
+}
+
+// Its text runs on over the empty cells after it.
+int LastFilledCell(const ListRow& row) {
+    int last = static_cast<int>(row.cells.size()) - 1;
+    while (last > 0 && row.cells[static_cast<std::size_t>(last)].empty()) --last;
+    return last;
+}
+
+void DrawCells(const ListView& list, HDC dc, int index, const ListRow& row, int right) {
+    const HGDIOBJ oldFont = GetCurrentObject(dc, OBJ_FONT);
+    const std::span<const ListColumn> columns = list.kind->columns;
+    const int count = static_cast<int>(columns.size());
+    const int last = LastFilledCell(row);
+    for (int i = 0; i <= last && i < count; ++i) {
+        const std::wstring& text = row.cells[static_cast<std::size_t>(i)];
+        RECT cell = ListViewCell(list, index, i);
+        cell.left += ListViewCellPadding();
+        cell.right = (i == last ? right : static_cast<int>(cell.right)) - UiScaled(2);
+        SelectObject(dc, columns[static_cast<std::size_t>(i)].fixedPitch ? UiFixedFont() : UiFont());
+        SetTextColor(dc, CellColour(row, list.content->stale, i, i == count - 1));
+        DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &cell, kCellText);
+    }
+    SelectObject(dc, oldFont);
+}
+
+void DrawListRow(const ListView& list, HDC dc, int index) {
+    if (list.content == nullptr || index < 0 || index >= static_cast<int>(list.content->rows.size())) return;
+    RECT bounds = {};
+    bounds.left = LVIR_BOUNDS;
+    if (SendMessageW(list.window, LVM_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&bounds)) ==
+        FALSE)
+        return;
+    const ListRow& row = list.content->rows[static_cast<std::size_t>(index)];
+    const bool selected = ListViewSelected(list) == index;
+    RECT line = {};
+    GetClientRect(list.window, &line);
+    line.top = bounds.top;
+    line.bottom = bounds.bottom;
+    FillArea(dc, line, RowBack(row, list.content->stale, selected));
+    if (selected && GetFocus() == list.window)
+        FillArea(dc, {line.left, line.top, line.left + UiScaled(2), line.bottom}, ThemeCurrentChrome().accent);
+    SetBkMode(dc, TRANSPARENT);
+    if (list.kind->hasMarks) DrawListMark(dc, row.mark, bounds, MarkColour(row, list.content->stale));
+    DrawCells(list, dc, index, row, line.right);
+}
+
+void DrawHeaderCell(const ListKind& kind, const NMCUSTOMDRAW& draw, int column) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    RECT cell = draw.rc;
+    FillArea(draw.hdc, cell, chrome.tabBack);
+    FillArea(draw.hdc, {cell.left, cell.bottom - 1, cell.right, cell.bottom}, chrome.line);
+    FillArea(draw.hdc, {cell.right - 1, cell.top + UiScaled(4), cell.right, cell.bottom - UiScaled(4)}, chrome.line);
+    cell.left += ListViewCellPadding() + ListViewMarkWidth(kind, column);
+    const HGDIOBJ oldFont = SelectObject(draw.hdc, UiFont());
+    SetBkMode(draw.hdc, TRANSPARENT);
+    SetTextColor(draw.hdc, chrome.tabText);
+    DrawTextW(draw.hdc, kind.columns[static_cast<std::size_t>(column)].title, -1, &cell, kCellText);
+    SelectObject(draw.hdc, oldFont);
+}
+
+}  // namespace
+
+int ListViewCellPadding() { return UiScaled(kCellPadding); }
+
+int ListViewMarkWidth(const ListKind& kind, int column) {
+    return column == 0 && kind.hasMarks ? UiScaled(kMarkWidth) : 0;
+}
+
+LRESULT ListViewDrawItem(const ListView& list, const NMLVCUSTOMDRAW& draw) {
+    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
+    if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT || list.kind == nullptr) return CDRF_DODEFAULT;
+    DrawListRow(list, draw.nmcd.hdc, static_cast<int>(draw.nmcd.dwItemSpec));
+    return CDRF_SKIPDEFAULT;
+}
+
+LRESULT ListViewDrawHeader(const ListView& list, const NMCUSTOMDRAW& draw) {
+    if (draw.dwDrawStage == CDDS_PREPAINT) {
+        RECT client = {};
+        GetClientRect(draw.hdr.hwndFrom, &client);
+        FillArea(draw.hdc, client, ThemeCurrentChrome().tabBack);
+        return CDRF_NOTIFYITEMDRAW;
+    }
+    if (draw.dwDrawStage != CDDS_ITEMPREPAINT || list.kind == nullptr || draw.dwItemSpec >= list.kind->columns.size())
+        return CDRF_DODEFAULT;
+    DrawHeaderCell(*list.kind, draw, static_cast<int>(draw.dwItemSpec));
+    return CDRF_SKIPDEFAULT;
+}

@@ -1,0 +1,8 @@
+// Lengths are written for 96 dpi and scaled where they are used. Pure.
+#pragma once
+
+// A length at 96 dpi as pixels at `dpi`, rounded to the nearest.
+constexpr int ScaledTo(int length, int dpi) {
+    const int product = length * dpi;
+    return (product + (product < 0 ? -48 : 48)) / 96;
+}
