@@ -20,6 +20,7 @@
 #include "session/project_tree.h"
 #include "settings/settings_effects.h"
 #include "tabs/tab_bar.h"
+#include "ui/panes.h"
 
 namespace {
 
@@ -64,7 +65,7 @@ void OnSettingsChanged(const Settings& before) {
 }
 
 void OnProgramBuilt(const wchar_t* source, const wchar_t* listing) {
-    if (g_app.showAsmPane) AsmPaneLoad(source, listing);
+    if (PaneIsShown(PaneId::Asm)) AsmPaneLoad(source, listing);
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // The pane arithmetic. Must not know a window.
 #include "app/layout.h"
 
+#include "ui/scale.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -10,67 +12,87 @@ constexpr int kMinimumEditorWidth = 200;  // at 96 dpi
 constexpr int kMinimumSideWidth = 150;
 constexpr int kMaximumSideWidth = 600;
 constexpr int kMinimumTreeWidth = 100;
-constexpr int kMinimumBottomWidth = 160;  // of the output pane and of the debug pane beside it
-constexpr int kLineHeight = 26;           // input line, terminal line
-constexpr int kSendWidth = 64;
+constexpr int kMaximumTreeWidth = 200;    // that a drag can reach
+constexpr int kMinimumBottomWidth = 160;  // of the bottom and of the bottom right beside it
 
-int Scale(int length, int dpi) { return length * dpi / 96; }
-
-int SidePaneCount(const LayoutInput& input) { return (input.showAsm ? 1 : 0) + (input.showAi ? 1 : 0); }
-
-PaneRect Row(int left, int right, int top, int bottom) {
-    PaneRect row{left, top, std::max(left, right), std::max(top, bottom)};
-    return row;
+PaneRect AreaOf(int left, int right, int top, int bottom) {
+    return {left, top, std::max(left, right), std::max(top, bottom)};
 }
 
-// The right-hand panes, from the right edge inwards: chat, then ASM. Returns the x that is left for the rest.
-int PlaceSidePanes(const LayoutInput& input, int top, int bottom, PaneLayout& layout) {
+bool IsIn(const PaneWish& pane, PaneArea area) { return pane.shown && pane.area == area; }
+
+// The panes of one area, evenly: the last ones take what does not divide.
+void ShareArea(const LayoutInput& input, PaneArea area, const PaneRect& whole, bool beside, PaneLayout& layout) {
+    const int count = PanesIn(input, area);
+    int at = 0;
+    for (std::size_t i = 0; i < input.panes.size(); ++i) {
+        if (!IsIn(input.panes[i], area)) continue;
+        PaneRect part = whole;
+        int& start = beside ? part.left : part.top;
+        int& end = beside ? part.right : part.bottom;
+        const int first = start, length = end - start;
+        start = first + length * at / count;
+        end = first + length * ++at / count;
+        layout.panes[i] = part;
+    }
+}
+
+// From the right edge inwards, the last of the table first. Returns the x that is left for the rest.
+int PlaceRight(const LayoutInput& input, int top, int bottom, PaneLayout& layout) {
     int right = input.clientWidth;
-    if (input.showAi) {
-        const int left = right - layout.sideWidth;
-        const int line = std::min(Scale(kLineHeight, input.dpi), (bottom - top) / 2);
-        const int send = std::min(Scale(kSendWidth, input.dpi), layout.sideWidth / 2);
-        layout.aiChat = Row(left, right, top, bottom - line);
-        layout.aiInput = Row(left, right - send, bottom - line, bottom);
-        layout.aiSend = Row(right - send, right, bottom - line, bottom);
-        right = left - kSplitterThickness;
+    for (std::size_t i = input.panes.size(); i-- > 0;) {
+        if (!IsIn(input.panes[i], PaneArea::Right)) continue;
+        layout.panes[i] = AreaOf(right - layout.sideWidth, right, top, bottom);
+        right = layout.panes[i].left - kSplitterThickness;
     }
-    if (input.showAsm) {
-        layout.asmPane = Row(right - layout.sideWidth, right, top, bottom);
-        right = layout.asmPane.left - kSplitterThickness;
-    }
-    if (SidePaneCount(input) > 0) layout.sideSplitter = Row(right, right + kSplitterThickness, top, bottom);
+    if (PanesIn(input, PaneArea::Right) > 0)
+        layout.sideSplitter = AreaOf(right, right + kSplitterThickness, top, bottom);
     return right;
 }
 
-// The debug pane, right of the output or alone. Returns the x where the output ends.
-int PlaceDebugPane(const LayoutInput& input, int left, int right, int top, int bottom, PaneLayout& layout) {
-    if (!input.showDebug) return right;
-    if (!input.showOutput) {
-        layout.debugPane = Row(left, right, top, bottom);
-        return left;
+// Right of the bottom, or alone. Returns the x where the bottom ends.
+int PlaceBottomRight(const LayoutInput& input, const PaneRect& below, PaneLayout& layout) {
+    if (PanesIn(input, PaneArea::BottomRight) == 0) return below.right;
+    int start = below.left;
+    if (PanesIn(input, PaneArea::Bottom) > 0) {
+        start = below.right - ClampDebugWidth(below.width(), input.debugWidth, input.dpi);
+        layout.debugSplitter = AreaOf(start - kSplitterThickness, start, below.top, below.bottom);
     }
-    const int start = right - ClampDebugWidth(right - left, input.debugWidth, input.dpi);
-    layout.debugPane = Row(start, right, top, bottom);
-    layout.debugSplitter = Row(start - kSplitterThickness, start, top, bottom);
-    return layout.debugSplitter.left;
+    ShareArea(input, PaneArea::BottomRight, AreaOf(start, below.right, below.top, below.bottom), true, layout);
+    return layout.debugSplitter.empty() ? below.left : layout.debugSplitter.left;
 }
 
-// Output pane, error list and terminal line, from the bar down.
-void PlaceBottomPanes(const LayoutInput& input, int left, int right, int top, int bottom, PaneLayout& layout) {
-    int free = bottom - top;
-    const int terminal = input.showTerminal ? std::min(Scale(kLineHeight, input.dpi), free / 2) : 0;
-    free -= terminal;
-    const int errors = input.showErrorList ? std::min(input.errorListHeight, free / 2) : 0;
-    if (terminal > 0) layout.terminal = Row(left, right, bottom - terminal, bottom);
-    if (errors > 0) layout.errorList = Row(left, right, bottom - terminal - errors, bottom - terminal);
-    layout.output = Row(left, right, top, bottom - terminal - errors);
+// What is at the bottom, and the rows below it: the last of the table lowest. Each takes at most half of what is there.
+void PlaceBottom(const LayoutInput& input, PaneRect area, PaneLayout& layout) {
+    for (std::size_t i = input.panes.size(); i-- > 0;) {
+        if (!IsIn(input.panes[i], PaneArea::BelowBottom)) continue;
+        const int height = std::min(input.panes[i].height, area.height() / 2);
+        if (height > 0) layout.panes[i] = AreaOf(area.left, area.right, area.bottom - height, area.bottom);
+        area.bottom -= std::max(height, 0);
+    }
+    ShareArea(input, PaneArea::Bottom, area, true, layout);
+}
+
+// All panes below the editor, with their bars. Returns where the editor ends.
+int PlaceBelowEditor(const LayoutInput& input, const PaneRect& document, PaneLayout& layout) {
+    const bool bottom = PanesIn(input, PaneArea::Bottom) > 0;
+    if (!bottom && PanesIn(input, PaneArea::BottomRight) == 0) return document.bottom;
+    layout.outputSplit = ClampSplitter(document.bottom, document.top, input.outputSplit);
+    const int end = std::clamp(layout.outputSplit, document.top, document.bottom);
+    layout.outputSplitter =
+        AreaOf(document.left, document.right, end, std::min(document.bottom, end + kSplitterThickness));
+    PaneRect below = AreaOf(document.left, document.right, layout.outputSplitter.bottom, document.bottom);
+    below.right = PlaceBottomRight(input, below, layout);
+    if (bottom) PlaceBottom(input, below, layout);
+    return end;
 }
 
 }  // namespace
 
-int SidePaneSplitBudget(bool showAsm, bool showAi) {
-    return (showAsm ? kSplitterThickness : 0) + (showAi ? kSplitterThickness : 0);
+int PanesIn(const LayoutInput& input, PaneArea area) {
+    if (area == PaneArea::BelowBottom && PanesIn(input, PaneArea::Bottom) == 0) return 0;
+    return static_cast<int>(
+        std::ranges::count_if(input.panes, [area](const PaneWish& pane) { return IsIn(pane, area); }));
 }
 
 int ClampSplitter(int total, int top, int split) {
@@ -82,16 +104,18 @@ int ClampSplitter(int total, int top, int split) {
 
 int ClampDebugWidth(int total, int wanted, int dpi) {
     const int room = std::max(0, total - kSplitterThickness);
-    const int least = std::min(Scale(kMinimumBottomWidth, dpi), room / 2);
+    const int least = std::min(ScaledTo(kMinimumBottomWidth, dpi), room / 2);
     return std::clamp(wanted > 0 ? wanted : room / 2, least, room - least);
 }
 
 void ConstrainSidePaneWidths(const LayoutInput& input, int* sideWidth, int* treeWidth) {
-    const int sides = SidePaneCount(input);
-    const int bars = SidePaneSplitBudget(input.showAsm, input.showAi) + (input.showTree ? kSplitterThickness : 0);
-    const int editor = Scale(kMinimumEditorWidth, input.dpi);
-    int tree = input.showTree ? std::max(input.treeWidth, Scale(kMinimumTreeWidth, input.dpi)) : 0;
-    int side = std::clamp(input.sideWidth, Scale(kMinimumSideWidth, input.dpi), Scale(kMaximumSideWidth, input.dpi));
+    const int sides = PanesIn(input, PaneArea::Right);
+    const bool left = PanesIn(input, PaneArea::Left) > 0;
+    const int bars = (sides + (left ? 1 : 0)) * kSplitterThickness;
+    const int editor = ScaledTo(kMinimumEditorWidth, input.dpi);
+    int tree = left ? std::max(input.treeWidth, ScaledTo(kMinimumTreeWidth, input.dpi)) : 0;
+    int side =
+        std::clamp(input.sideWidth, ScaledTo(kMinimumSideWidth, input.dpi), ScaledTo(kMaximumSideWidth, input.dpi));
     const int room = std::max(0, input.clientWidth - editor - bars);
     if (sides > 0) side = std::min(side, std::max(0, room - tree) / sides);
     tree = std::min(tree, std::max(0, room - side * sides));
@@ -105,37 +129,41 @@ PaneLayout ComputePaneLayout(const LayoutInput& input) {
     const int height = std::max(0, input.clientHeight);
     const int top = std::min(input.toolbarHeight, height);
     const int bottom = std::max(top, height - input.statusHeight);
-    if (input.toolbarHeight > 0) layout.toolbar = Row(0, width, 0, top);
-    if (input.statusHeight > 0) layout.status = Row(0, width, bottom, height);
+    if (input.toolbarHeight > 0) layout.toolbar = AreaOf(0, width, 0, top);
+    if (input.statusHeight > 0) layout.status = AreaOf(0, width, bottom, height);
 
     ConstrainSidePaneWidths(input, &layout.sideWidth, &layout.treeWidth);
     int left = 0;
-    if (input.showTree) {
-        layout.tree = Row(0, layout.treeWidth, top, bottom);
-        layout.treeSplitter = Row(layout.treeWidth, layout.treeWidth + kSplitterThickness, top, bottom);
+    if (PanesIn(input, PaneArea::Left) > 0) {
+        ShareArea(input, PaneArea::Left, AreaOf(0, layout.treeWidth, top, bottom), false, layout);
+        layout.treeSplitter = AreaOf(layout.treeWidth, layout.treeWidth + kSplitterThickness, top, bottom);
         left = layout.treeSplitter.right;
     }
-    const int right = std::max(left, PlaceSidePanes(input, top, bottom, layout));
+    const int right = std::max(left, PlaceRight(input, top, bottom, layout));
 
-    layout.tabs = Row(left, right, top, std::min(bottom, top + input.tabHeight));
-    const int documentTop = layout.tabs.bottom;
-    int editorBottom = bottom;
+    layout.tabs = AreaOf(left, right, top, std::min(bottom, top + input.tabHeight));
     layout.outputSplit = input.outputSplit;
-    if (input.showOutput || input.showDebug) {
-        layout.outputSplit = ClampSplitter(bottom, documentTop, input.outputSplit);
-        editorBottom = std::clamp(layout.outputSplit, documentTop, bottom);
-        layout.outputSplitter = Row(left, right, editorBottom, std::min(bottom, editorBottom + kSplitterThickness));
-        const int paneTop = layout.outputSplitter.bottom;
-        const int outputRight = PlaceDebugPane(input, left, right, paneTop, bottom, layout);
-        if (input.showOutput) PlaceBottomPanes(input, left, outputRight, paneTop, bottom, layout);
+    PaneRect document = AreaOf(left, right, layout.tabs.bottom, bottom);
+    document.bottom = PlaceBelowEditor(input, document, layout);
+    if (input.stickyHeight > 0 && document.height() > 2 * input.stickyHeight) {
+        layout.sticky = AreaOf(left, right, document.top, document.top + input.stickyHeight);
+        document.top = layout.sticky.bottom;
     }
-    int editorTop = documentTop;
-    if (input.stickyHeight > 0 && editorBottom - documentTop > 2 * input.stickyHeight) {
-        layout.sticky = Row(left, right, documentTop, documentTop + input.stickyHeight);
-        editorTop = layout.sticky.bottom;
-    }
-    layout.editor = Row(left, right, editorTop, editorBottom);
+    layout.editor = document;
     return layout;
+}
+
+int ClampSideWidth(int width) { return std::clamp(width, kMinimumSideWidth, kMaximumSideWidth); }
+
+int DraggedSplitter(Splitter bar, int start, int movedX, int movedY, int dpi) {
+    const auto unscaled = [dpi](int pixels) { return static_cast<int>(std::lround(pixels * 96.0 / dpi)); };
+    switch (bar) {
+        case Splitter::Output: return start + movedY;
+        case Splitter::Debug: return std::max(1, start - movedX);  // the layout knows the other limits
+        case Splitter::Tree: return std::clamp(start + unscaled(movedX), kMinimumTreeWidth, kMaximumTreeWidth);
+        case Splitter::Side: break;
+    }
+    return ClampSideWidth(start - unscaled(movedX));
 }
 
 double RatioOf(int position, int start, int end) {

@@ -3,13 +3,17 @@
 
 #include "app/app_state.h"
 #include "app/main_window.h"
+#include "app/panes.h"
 #include "commands/status_bar.h"
 #include "commands/toolbar.h"
-#include "debugui/debug_pane.h"
+#include "documents/document_row.h"
 #include "resources/ids.h"
 #include "tabs/tab_bar.h"
+#include "ui/dpi.h"
+#include "ui/panes.h"
 
-#include <algorithm>
+#include <iterator>
+#include <vector>
 
 namespace {
 
@@ -19,9 +23,7 @@ constexpr int kMinimumHeight = 320;
 
 LayoutRatios g_ratios;
 
-int Scaled(int length) { return MulDiv(length, g_app.dpi, 96); }
-
-LayoutInput InputOf(int width, int height) {
+LayoutInput LayoutInputOf(int width, int height) {
     const Settings& settings = g_app.settings;
     return {.clientWidth = width,
             .clientHeight = height,
@@ -30,62 +32,41 @@ LayoutInput InputOf(int width, int height) {
             .statusHeight = settings.showStatusbar != 0 ? StatusBarHeight() : 0,
             .tabHeight = TabBarHeight(),
             // Always there: a line that came and went with its text would make the editor jump.
-            .stickyHeight = Scaled(kStickyHeight),
-            .showOutput = g_app.showOutput,
-            .showErrorList = settings.showErrorList != 0,
-            .showTerminal = settings.showTerminal != 0,
-            .showAsm = g_app.showAsmPane,
-            .showAi = settings.showAiSidebar != 0,
-            .showTree = settings.showProjectTree != 0,
-            .showDebug = g_app.showDebugPane && g_app.hDebugPane != nullptr,
+            .stickyHeight = UiScaled(kStickyHeight),
+            .panes = PaneWishes(),
             .outputSplit = settings.splitter,
-            .sideWidth = Scaled(settings.aiSidebarWidth),
-            .treeWidth = Scaled(settings.projectTreeWidth),
-            .errorListHeight = Scaled(settings.errorListHeight),
+            .sideWidth = UiScaled(settings.aiSidebarWidth),
+            .treeWidth = UiScaled(settings.projectTreeWidth),
             .debugWidth = g_app.debugPaneWidth};
 }
 
 // Moves one child; an empty rectangle hides it. The deferral keeps a resize to one repaint.
-void Place(HDWP& moves, HWND child, const PaneRect& area) {
+void PlaceChild(HDWP& moves, HWND child, const PaneRect& area) {
     if (child == nullptr || moves == nullptr) return;
-    if (area.empty()) {
-        moves = DeferWindowPos(moves, child, nullptr, 0, 0, 0, 0,
-                               SWP_HIDEWINDOW | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-        return;
-    }
+    const UINT flags = area.empty() ? SWP_HIDEWINDOW | SWP_NOMOVE | SWP_NOSIZE : SWP_SHOWWINDOW;
     moves = DeferWindowPos(moves, child, nullptr, area.left, area.top, area.width(), area.height(),
-                           SWP_SHOWWINDOW | SWP_NOZORDER | SWP_NOACTIVATE);
+                           flags | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-void PlaceAll(const PaneLayout& layout) {
+void PlaceChildren(const PaneLayout& layout) {
     PaneRect toolbar = layout.toolbar;
     if (!toolbar.empty()) toolbar.top += ToolbarInset();  // the window paints the strip above it
-    HDWP moves = BeginDeferWindowPos(20);
-    const struct {
-        HWND child;
-        const PaneRect& area;
-    } places[] = {
+    const PanePart frame[] = {
         {g_app.hToolbar, toolbar},
         {g_app.hTabCtrl, layout.tabs},
         {g_app.hStickyHeader, layout.sticky},
         {GetDlgItem(g_app.hMainWnd, IDC_SPLIT_OUTPUT), layout.outputSplitter},
-        {g_app.hOutput, layout.output},
-        {g_app.hErrorList, layout.errorList},
-        {g_app.hTerminal, layout.terminal},
         {GetDlgItem(g_app.hMainWnd, IDC_SPLIT_DEBUG), layout.debugSplitter},
-        {g_app.hDebugPane, layout.debugPane},
         {GetDlgItem(g_app.hMainWnd, IDC_SPLIT_ASM), layout.sideSplitter},
-        {g_app.hAsmPane, layout.asmPane},
-        {g_app.hAiChat, layout.aiChat},
-        {g_app.hAiInput, layout.aiInput},
-        {g_app.hAiSend, layout.aiSend},
         {GetDlgItem(g_app.hMainWnd, IDC_SPLIT_TREE), layout.treeSplitter},
-        {g_app.hProjectTree, layout.tree},
         {g_app.hStatusBar, layout.status},
+        // Only the active editor is on the screen; the others take their place when they are shown.
+        {g_app.hEditor, layout.editor},
     };
-    for (const auto& place : places) Place(moves, place.child, place.area);
-    // Only the active editor is on the screen; the others take their place when they are shown.
-    Place(moves, g_app.hEditor, layout.editor);
+    const std::vector<PanePart> panes = PaneParts(layout);
+    HDWP moves = BeginDeferWindowPos(static_cast<int>(std::size(frame) + panes.size()));
+    for (const PanePart& part : frame) PlaceChild(moves, part.window, part.area);
+    for (const PanePart& part : panes) PlaceChild(moves, part.window, part.area);
     if (moves != nullptr) EndDeferWindowPos(moves);
     if (!layout.status.empty()) StatusBarLayout(layout.status.width());
 }
@@ -95,11 +76,11 @@ void PlaceAll(const PaneLayout& layout) {
 void MainWindow_Layout() {
     RECT client = {};
     if (g_app.hMainWnd == nullptr || !GetClientRect(g_app.hMainWnd, &client) || IsIconic(g_app.hMainWnd)) return;
-    // Made when it is first shown: a start should not pay for windows that it does not show.
-    if (g_app.showDebugPane && g_app.hDebugPane == nullptr)
-        g_app.hDebugPane = DebugPaneCreate(g_app.hMainWnd, IDC_DEBUG_PANE);
-    const PaneLayout layout = ComputePaneLayout(InputOf(client.right, client.bottom));
-    PlaceAll(layout);
+    CreateWantedPanes();
+    const PaneSpec* focused = PaneOfWindow(GetFocus());
+    PlaceChildren(ComputePaneLayout(LayoutInputOf(client.right, client.bottom)));
+    // A pane that goes away while it has the keyboard would keep it.
+    if (focused != nullptr && IsWindowVisible(*focused->window) == FALSE) FocusCurrentEditor();
 }
 
 // The part of the client area that the output bar divides.
@@ -117,7 +98,7 @@ void CaptureSplitterRatio() {
     OutputSpan(client.bottom, &top, &bottom);
     g_app.settings.splitter = ClampSplitter(bottom, top, g_app.settings.splitter);
     g_ratios.output = RatioOf(g_app.settings.splitter, top, bottom);
-    g_ratios.side = RatioOf(Scaled(g_app.settings.aiSidebarWidth), 0, client.right);
+    g_ratios.side = RatioOf(UiScaled(g_app.settings.aiSidebarWidth), 0, client.right);
 }
 
 void ApplyLayoutRatios(int width, int height) {
@@ -126,8 +107,7 @@ void ApplyLayoutRatios(int width, int height) {
     int bottom = 0;
     OutputSpan(height, &top, &bottom);
     if (bottom > top) g_app.settings.splitter = ClampSplitter(bottom, top, PositionAt(g_ratios.output, top, bottom));
-    const int side = MulDiv(PositionAt(g_ratios.side, 0, width), 96, g_app.dpi);
-    g_app.settings.aiSidebarWidth = std::clamp(side, 150, 600);
+    g_app.settings.aiSidebarWidth = ClampSideWidth(UiUnscaled(PositionAt(g_ratios.side, 0, width)));
 }
 
 void MainWnd_NotePlace(HWND window) {
@@ -149,4 +129,6 @@ void MainWnd_OnSize(WPARAM kind, int width, int height) {
     MainWindow_Layout();
 }
 
-void MainWnd_OnMinMaxInfo(MINMAXINFO& info) { info.ptMinTrackSize = {Scaled(kMinimumWidth), Scaled(kMinimumHeight)}; }
+void MainWnd_OnMinMaxInfo(MINMAXINFO& info) {
+    info.ptMinTrackSize = {UiScaled(kMinimumWidth), UiScaled(kMinimumHeight)};
+}

@@ -3,20 +3,18 @@
 
 #include "app/app_state.h"
 #include "app/layout.h"
+#include "app/panes.h"
 #include "commands/command_state.h"
 #include "commands/status_bar.h"
 #include "commands/toolbar.h"
-#include "compile/terminal.h"
 #include "debugui/breakpoint_list.h"
 #include "debugui/debug_commands.h"
-#include "debugui/debug_pane.h"
 #include "debugui/location.h"
 #include "disasm/asm_renderer.h"
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
 #include "documents/theme.h"
 #include "files/file_io.h"
-#include "output/output_pane.h"
 #include "resources/ids.h"
 #include "session/project_tree.h"
 #include "settings/compiler_table.h"
@@ -26,17 +24,12 @@
 #include "ui/fonts.h"
 
 #include <commctrl.h>
-#include <richedit.h>
 
 #include <algorithm>
 #include <climits>
 
 namespace {
 
-constexpr wchar_t kAsmGreeting[] =
-    L"ASM output will appear here after compilation.\r\nToggle via View > ASM Pane or the toolbar button.";
-constexpr wchar_t kAiGreeting[] =
-    L"AI Chat\r\n========\r\nType a message below and click Send, or use Tools > OpenAI / LM-Studio.\r\n";
 constexpr int kFarAway = 1000000;          // pixels, beyond any desktop
 constexpr UINT kSessionInterval = 300000;  // ms
 
@@ -47,37 +40,16 @@ HWND CreateChild(const wchar_t* className, const wchar_t* text, DWORD exStyle, D
                            ChildId(id), g_app.hInstance, nullptr);
 }
 
-// `wrap` folds long lines at the pane's width instead of scrolling sideways.
-HWND CreateReadOnlyPane(int id, const wchar_t* text, bool wrap) {
-    return CreateChild(MSFTEDIT_CLASS, text, 0,
-                       WS_VSCROLL | ES_MULTILINE | ES_READONLY | ES_NOHIDESEL | ES_AUTOVSCROLL |
-                           (wrap ? 0U : static_cast<DWORD>(WS_HSCROLL | ES_AUTOHSCROLL)),
-                       id);
-}
-
-void CreatePanes(HWND window) {
+void CreateChildren(HWND window) {
     g_app.hToolbar = ToolbarCreate(window, IDC_TOOLBAR);
     g_app.hTabCtrl =
         CreateChild(WC_TABCONTROLW, nullptr, 0,
                     WS_VISIBLE | TCS_OWNERDRAWFIXED | TCS_FIXEDWIDTH | TCS_FOCUSNEVER | TCS_TOOLTIPS, IDC_TABS);
     TabBarInit(g_app.hTabCtrl);
-    CreateSplitter(window, IDC_SPLIT_OUTPUT);
-    g_app.hOutput = CreateReadOnlyPane(IDC_OUTPUT, nullptr, false);
-    OutputPaneInit(g_app.hOutput);
-    CreateSplitter(window, IDC_SPLIT_ASM);
-    g_app.hAsmPane = CreateReadOnlyPane(IDC_ASM, kAsmGreeting, false);
-    g_app.hAiChat = CreateReadOnlyPane(IDC_AI_CHAT, kAiGreeting, true);
-    g_app.hAiInput = CreateChild(WC_EDITW, nullptr, WS_EX_CLIENTEDGE, WS_TABSTOP | ES_AUTOHSCROLL, IDC_AI_INPUT);
-    g_app.hAiSend = CreateChild(WC_BUTTONW, L"Send", 0, WS_TABSTOP | BS_PUSHBUTTON | WS_DISABLED, IDC_AI_SEND);
     g_app.hStickyHeader = CreateChild(WC_STATICW, nullptr, 0, WS_VISIBLE | SS_OWNERDRAW, IDC_STICKY_HEADER);
-    g_app.hTerminal = CreateChild(WC_EDITW, nullptr, WS_EX_CLIENTEDGE, ES_AUTOHSCROLL, IDC_TERMINAL);
-    if (g_app.hTerminal != nullptr) {
-        SetWindowSubclass(g_app.hTerminal, TerminalSubclassProc, 1, 0);
-        SendMessageW(g_app.hTerminal, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
-    }
-    CreateSplitter(window, IDC_SPLIT_DEBUG);
-    CreateSplitter(window, IDC_SPLIT_TREE);
-    g_app.hProjectTree = ProjectTreeCreate(window, IDC_PROJECT_TREE);
+    for (const int splitter : {IDC_SPLIT_OUTPUT, IDC_SPLIT_ASM, IDC_SPLIT_DEBUG, IDC_SPLIT_TREE})
+        CreateSplitter(window, splitter);
+    CreatePanes();
     g_app.hStatusBar = StatusBarCreate(window, IDC_STATUS_BAR);
 }
 
@@ -90,8 +62,6 @@ void LoadSettings() {
     if (!existed) SettingsSave(nullptr);
     RegisterFileExtensions();
     MainWindow_UpdateCompilerSelection();
-    // The list is there only when the settings ask for it, and they are known only now.
-    if (g_app.settings.showErrorList != 0) g_app.hErrorList = ErrorListCreate(g_app.hMainWnd, IDC_ERROR_LIST);
     if (g_app.settings.projectRoot[0] != L'\0') ProjectTreePopulate();
 }
 
@@ -138,19 +108,7 @@ void MainWnd_ApplyTheme() {
     ToolbarApplyTheme();
     TabBarApplyTheme();
     StatusBarApplyTheme();
-    OutputPaneApplyFont();
-    PaneApplyFontAndTheme(g_app.hAsmPane);
-    PaneApplyFontAndTheme(g_app.hAiChat);
-    ProjectTreeApplyTheme();
-    DebugPaneApplyTheme();
-    for (HWND pane : {g_app.hOutput, g_app.hAsmPane, g_app.hAiChat}) {
-        POINT place = {};
-        SendMessageW(pane, EM_GETSCROLLPOS, 0, reinterpret_cast<LPARAM>(&place));
-        place.x = 0;  // a pane without a size yet scrolls its caret into a view of no width
-        SendMessageW(pane, EM_SETSCROLLPOS, 0, reinterpret_cast<LPARAM>(&place));
-    }
-    for (HWND child : {g_app.hAiInput, g_app.hAiSend})
-        SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), TRUE);
+    ThemePanes();
     RedrawWindow(g_app.hMainWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
@@ -160,11 +118,11 @@ bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create) {
     g_app.dpi = static_cast<int>(GetDpiForWindow(window));
     MainWnd_ConnectEvents();
     InitCommonControls();
-    CreatePanes(window);
+    CreateChildren(window);
     LoadSettings();
     RestoreGeometry(window);
     for (const DocumentTab& tab : g_app.tabs) EditorPaneApplySettings(tab.editor);
-    MainWnd_ApplyTheme();  // output, ASM and chat pane get the output font here
+    MainWnd_ApplyTheme();  // the panes get their fonts here
     ToolbarUpdateAi();
     StartTimers(window);
     DebugUiInit();

@@ -1,6 +1,7 @@
 // Notifications of the child controls, sorted to their areas. UI thread only.
 #include "app/app_state.h"
 #include "app/main_window.h"
+#include "app/panes.h"
 #include "base/bounded_text.h"
 #include "base/handles.h"
 #include "commands/toolbar.h"
@@ -12,10 +13,8 @@
 #include "documents/file_commands.h"
 #include "documents/margins.h"
 #include "files/file_io.h"
-#include "output/output_pane.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
-#include "session/project_tree.h"
 #include "settings/settings_state.h"
 #include "tabs/tab_bar.h"
 
@@ -133,8 +132,7 @@ LRESULT MainWnd_OnNotify(const NMHDR& header) {
         return 0;
     }
     LRESULT result = 0;
-    if (TabBarHandleNotify(header) || ToolbarHandleNotify(header, &result) || ErrorListHandleNotify(header) ||
-        ProjectTreeHandleNotify(header, &result))
+    if (TabBarHandleNotify(header) || ToolbarHandleNotify(header, &result) || NotifyPanes(header, &result))
         return result;
     return 0;
 }

@@ -2,14 +2,9 @@
 #include "app/app_state.h"
 #include "app/layout.h"
 #include "app/main_window.h"
-#include "commands/command_state.h"
 #include "resources/ids.h"
 #include "ui/chrome.h"
 #include "ui/paint.h"
-
-#include <windowsx.h>
-
-#include <algorithm>
 
 namespace {
 
@@ -21,50 +16,66 @@ struct SplitterDrag {
     int startValue = 0;
 } g_drag;
 
-std::int32_t& ValueOf(int id) {
-    if (id == IDC_SPLIT_OUTPUT) return g_app.settings.splitter;
-    if (id == IDC_SPLIT_TREE) return g_app.settings.projectTreeWidth;
-    if (id == IDC_SPLIT_DEBUG) return g_app.debugPaneWidth;
+Splitter KindOfSplitter(int id) {
+    switch (id) {
+        case IDC_SPLIT_OUTPUT: return Splitter::Output;
+        case IDC_SPLIT_TREE: return Splitter::Tree;
+        case IDC_SPLIT_DEBUG: return Splitter::Debug;
+        default: return Splitter::Side;
+    }
+}
+
+std::int32_t& SplitterValue(Splitter kind) {
+    switch (kind) {
+        case Splitter::Output: return g_app.settings.splitter;
+        case Splitter::Tree: return g_app.settings.projectTreeWidth;
+        case Splitter::Debug: return g_app.debugPaneWidth;
+        case Splitter::Side: break;
+    }
     return g_app.settings.aiSidebarWidth;
 }
 
-void BeginDrag(HWND window, int id) {
+RECT PlaceInFrame(HWND child) {
+    RECT place = {};
+    GetWindowRect(child, &place);
+    MapWindowPoints(nullptr, g_app.hMainWnd, reinterpret_cast<POINT*>(&place), 2);
+    return place;
+}
+
+void BeginSplitterDrag(HWND window, Splitter kind) {
     g_drag.active = true;
     GetCursorPos(&g_drag.start);
-    RECT bar = {};
-    GetWindowRect(window, &bar);
-    MapWindowPoints(nullptr, g_app.hMainWnd, reinterpret_cast<POINT*>(&bar), 2);
+    g_drag.startValue = SplitterValue(kind);
     // From where the bar stands now: the stored value may lie outside what the window has room for.
-    g_drag.startValue = id == IDC_SPLIT_OUTPUT ? static_cast<int>(bar.top) : ValueOf(id);
-    if (id == IDC_SPLIT_DEBUG) {
-        RECT pane = {};
-        GetWindowRect(g_app.hDebugPane, &pane);
+    if (kind == Splitter::Output) g_drag.startValue = static_cast<int>(PlaceInFrame(window).top);
+    if (kind == Splitter::Debug) {
+        const RECT pane = PlaceInFrame(g_app.hDebugPane);
         g_drag.startValue = static_cast<int>(pane.right - pane.left);
     }
     SetCapture(window);
 }
 
-void Drag(int id) {
+void DragSplitter(Splitter kind) {
+    if (!g_drag.active) return;
     POINT now = {};
     GetCursorPos(&now);
-    int value = g_drag.startValue;
-    if (id == IDC_SPLIT_OUTPUT)
-        value += now.y - g_drag.start.y;
-    else if (id == IDC_SPLIT_TREE)
-        value = std::clamp(value + MulDiv(now.x - g_drag.start.x, 96, g_app.dpi), 100, 200);
-    else if (id == IDC_SPLIT_DEBUG)
-        value = std::max(1, value + static_cast<int>(g_drag.start.x - now.x));  // the layout knows the other limits
-    else
-        value = std::clamp(value + MulDiv(g_drag.start.x - now.x, 96, g_app.dpi), 150, 600);
-    ValueOf(id) = value;
+    SplitterValue(kind) = DraggedSplitter(kind, g_drag.startValue, static_cast<int>(now.x - g_drag.start.x),
+                                          static_cast<int>(now.y - g_drag.start.y), g_app.dpi);
     MainWindow_Layout();
     UpdateWindow(g_app.hMainWnd);
 }
 
-void EndDrag() {
+void EndSplitterDrag() {
     if (!g_drag.active) return;
     g_drag.active = false;
     CaptureSplitterRatio();
+}
+
+LRESULT EraseSplitter(HWND window, HDC dc) {
+    RECT area = {};
+    GetClientRect(window, &area);
+    FillArea(dc, area, ThemeCurrentChrome().line);
+    return 1;
 }
 
 }  // namespace
@@ -85,27 +96,20 @@ HWND CreateSplitter(HWND parent, int id) {
 }
 
 LRESULT CALLBACK SplitterProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    const int id = GetDlgCtrlID(window);
+    const Splitter kind = KindOfSplitter(GetDlgCtrlID(window));
     switch (message) {
         case WM_SETCURSOR:
-            SetCursor(LoadCursorW(nullptr, id == IDC_SPLIT_OUTPUT ? IDC_SIZENS : IDC_SIZEWE));
+            SetCursor(LoadCursorW(nullptr, kind == Splitter::Output ? IDC_SIZENS : IDC_SIZEWE));
             return TRUE;
         case WM_WINDOWPOSCHANGING:
             // Moved together with its neighbours it would bring along what these left at its old place (Wine).
             reinterpret_cast<WINDOWPOS*>(lParam)->flags |= SWP_NOCOPYBITS;
             return 0;
-        case WM_ERASEBKGND: {
-            RECT area = {};
-            GetClientRect(window, &area);
-            FillArea(reinterpret_cast<HDC>(wParam), area, ThemeCurrentChrome().line);
-            return 1;
-        }
-        case WM_LBUTTONDOWN: BeginDrag(window, id); return 0;
-        case WM_MOUSEMOVE:
-            if (g_drag.active) Drag(id);
-            return 0;
+        case WM_ERASEBKGND: return EraseSplitter(window, reinterpret_cast<HDC>(wParam));
+        case WM_LBUTTONDOWN: BeginSplitterDrag(window, kind); return 0;
+        case WM_MOUSEMOVE: DragSplitter(kind); return 0;
         case WM_LBUTTONUP: ReleaseCapture(); return 0;
-        case WM_CAPTURECHANGED: EndDrag(); return 0;
+        case WM_CAPTURECHANGED: EndSplitterDrag(); return 0;
         default: return DefWindowProcW(window, message, wParam, lParam);
     }
 }

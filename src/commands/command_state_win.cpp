@@ -16,6 +16,7 @@
 #include "scintilla/sci.h"
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
+#include "ui/panes.h"
 #include "ui/ui_state.h"
 
 #include <algorithm>
@@ -68,10 +69,7 @@ CommandView CurrentCommandView() {
     const Settings& settings = g_settings;
     view.toolbar = settings.showToolbar != 0;
     view.statusBar = settings.showStatusbar != 0;
-    view.output = g_ui.showOutput;
-    view.asmPane = g_ui.showAsmPane;
-    view.debugPane = g_ui.showDebugPane;
-    view.ai = settings.showAiSidebar != 0;
+    view.panes = PanesShown();
     view.whitespace = settings.showWhitespace != 0;
     view.wrap = settings.wordWrap != 0;
     view.theme = ThemeIsDark() ? 1 : 0;

@@ -2,10 +2,16 @@
 #include "commands/command_table.h"
 
 #include "resources/ids.h"
+#include "ui/pane_id.h"
 
 #include <algorithm>
 
 namespace {
+
+template <PaneId id>
+bool ShowsPane(const CommandView& view) {
+    return (view.panes & PaneBit(id)) != 0;
+}
 
 constexpr std::uint32_t kEdits = kHasTab;
 
@@ -34,9 +40,9 @@ constexpr CommandRow kCommands[] = {
     {IDM_EDIT_FORMAT_SELECTION, kHasTab | kBasicSource | kHasSelection},
     {IDM_VIEW_TOOLBAR, kAlways, [](const CommandView& v) { return v.toolbar; }},
     {IDM_VIEW_STATUS_BAR, kAlways, [](const CommandView& v) { return v.statusBar; }},
-    {IDM_VIEW_OUTPUT, kAlways, [](const CommandView& v) { return v.output; }},
-    {IDM_VIEW_ASM, kAlways, [](const CommandView& v) { return v.asmPane; }},
-    {IDM_VIEW_AI, kAlways, [](const CommandView& v) { return v.ai; }},
+    {IDM_VIEW_OUTPUT, kAlways, ShowsPane<PaneId::Output>},
+    {IDM_VIEW_ASM, kAlways, ShowsPane<PaneId::Asm>},
+    {IDM_VIEW_AI, kAlways, ShowsPane<PaneId::Ai>},
     {IDM_VIEW_WHITESPACE, kAlways, [](const CommandView& v) { return v.whitespace; }},
     {IDM_VIEW_WORD_WRAP, kAlways, [](const CommandView& v) { return v.wrap; }},
     {IDM_VIEW_ZOOM_IN, kAlways},
@@ -95,7 +101,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_DEBUG_BUTTON_STEP_INTO, kProgramStopped},
     {IDM_DEBUG_BUTTON_STEP_OVER, kProgramStopped},
     {IDM_DEBUG_BUTTON_STEP_OUT, kProgramStopped},
-    {IDM_VIEW_DEBUG_PANE, kAlways, [](const CommandView& v) { return v.debugPane; }},
+    {IDM_VIEW_DEBUG_PANE, kAlways, ShowsPane<PaneId::Debug>},
     {IDM_AI_OPENAI, kNever},
     {IDM_AI_LMSTUDIO, kNever},
     {IDM_HELP_ABOUT, kAlways},

@@ -28,7 +28,8 @@ enum CommandCondition : std::uint32_t {
 // What the check marks show.
 struct CommandView {
     std::uint32_t conditions = 0;  // CommandCondition bits
-    bool toolbar = false, statusBar = false, output = false, asmPane = false, ai = false, debugPane = false;
+    bool toolbar = false, statusBar = false;
+    std::uint32_t panes = 0;  // PaneBit of those that are shown (ui/pane_id.h)
     bool whitespace = false, wrap = false;
     int theme = 0;     // 0 light, 1 dark
     int style = 0;     // style preset, 0 = none

@@ -20,6 +20,7 @@
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
 #include "tabs/tab_bar.h"
+#include "ui/panes.h"
 #include "ui/ui_state.h"
 
 namespace {
@@ -134,7 +135,7 @@ bool LaunchCompiler() {
     wchar_t flags[kFlagsCapacity] = {};
     BuildFlags(flags);
     g_events.statusText(order.syntaxOnly ? L"Syntax check..." : order.debug ? L"Debug build..." : L"Building...");
-    const bool wantListing = !order.syntaxOnly && g_ui.showAsmPane;
+    const bool wantListing = !order.syntaxOnly && PaneIsShown(PaneId::Asm);
     if (CompilerBuild(g_build.id, g_build.source.c_str(), g_build.output.c_str(), flags, wantListing)) return true;
     g_events.statusText(L"Build launch failed");
     return false;

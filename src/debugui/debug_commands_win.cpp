@@ -123,13 +123,6 @@ void SwitchBreakpoint() {
     BreakpointEnable(static_cast<std::size_t>(index), !BreakpointList()[static_cast<std::size_t>(index)].enabled);
 }
 
-void TogglePane() {
-    g_ui.showDebugPane = !g_ui.showDebugPane;
-    g_events.layoutWanted();
-    const HWND focus = GetFocus();
-    if (focus != nullptr && !IsWindowVisible(focus)) FocusCurrentEditor();
-}
-
 // Buttons that stand for commands of the menu.
 int CommandOfButton(int command) {
     switch (command) {
@@ -175,7 +168,6 @@ bool HandleViews(int command) {
         case IDM_DEBUG_MEMORY:
             SayText(L"=== Memory Dump ===\n", DebugHexDump(Session(), Session()->currentAddress, kDumpBytes));
             return true;
-        case IDM_VIEW_DEBUG_PANE: TogglePane(); return true;
         default: return false;
     }
 }

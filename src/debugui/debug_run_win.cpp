@@ -21,6 +21,7 @@
 #include "files/file_io.h"
 #include "program/line_map.h"
 #include "resources/ids.h"
+#include "ui/panes.h"
 #include "ui/ui_state.h"
 
 #include <commctrl.h>
@@ -189,19 +190,12 @@ void WarnOfStaleStop() {
 
 // The debug pane is opened for a session and goes again with it, unless the user had it open.
 void ShowPaneForSession() {
-    g_paneWasHidden = !g_ui.showDebugPane;
-    if (!g_paneWasHidden) return;
-    g_ui.showDebugPane = true;
-    g_events.layoutWanted();
+    g_paneWasHidden = !PaneIsShown(PaneId::Debug);
+    if (g_paneWasHidden) PaneShow(PaneId::Debug, true);
 }
 
 void HidePaneAfterSession() {
-    if (!std::exchange(g_paneWasHidden, false) || !g_ui.showDebugPane) return;
-    g_ui.showDebugPane = false;
-    const HWND focus = GetFocus();
-    const bool hadFocus = focus != nullptr && (focus == g_debugUi.hDebugPane || IsChild(g_debugUi.hDebugPane, focus));
-    g_events.layoutWanted();
-    if (hadFocus) FocusCurrentEditor();
+    if (std::exchange(g_paneWasHidden, false)) PaneShow(PaneId::Debug, false);
 }
 
 void StopFollowing() {

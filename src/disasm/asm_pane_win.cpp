@@ -12,8 +12,8 @@
 #include "output/output_queue.h"
 #include "output/show_timer.h"
 #include "scintilla/sci.h"
+#include "ui/panes.h"
 #include "ui/rich_lines.h"
-#include "ui/ui_state.h"
 
 #include <richedit.h>
 
@@ -104,7 +104,7 @@ void AsmPaneClear() {
 }
 
 void AsmPaneLoad(const wchar_t* source, const wchar_t* listing) {
-    if (g_disasm.hAsmPane == nullptr || !g_ui.showAsmPane || source == nullptr || listing == nullptr) return;
+    if (g_disasm.hAsmPane == nullptr || !PaneIsShown(PaneId::Asm) || source == nullptr || listing == nullptr) return;
     AsmPaneClear();
     SendMessageW(g_disasm.hAsmPane, EM_SETUNDOLIMIT, 0, 0);
     SendMessageW(g_disasm.hAsmPane, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);

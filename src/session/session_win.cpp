@@ -22,6 +22,7 @@
 #include "settings/settings_state.h"
 #include "settings/settings_store.h"
 #include "ui/message.h"
+#include "ui/panes.h"
 #include "ui/ui_state.h"
 
 #include <algorithm>
@@ -109,8 +110,8 @@ SessionHeader CaptureHeader() {
     SessionHeader header;
     for (const NumberField& field : kSettingFields) header[field.key] = g_settings.*field.field;
     header[SessionKey::ActiveTab] = g_documents.activeTab;
-    header[SessionKey::ShowOutput] = g_ui.showOutput ? 1 : 0;
-    header[SessionKey::ShowAsmPane] = g_ui.showAsmPane ? 1 : 0;
+    header[SessionKey::ShowOutput] = PaneIsShown(PaneId::Output) ? 1 : 0;
+    header[SessionKey::ShowAsmPane] = PaneIsShown(PaneId::Asm) ? 1 : 0;
     header[SessionKey::SplitHorizontal] = g_session.splitHorizontal ? 1 : 0;
     header[SessionKey::FullScreen] = g_session.fullScreen ? 1 : 0;
     header.projectRoot = ToUtf8(g_settings.projectRoot);
@@ -125,8 +126,8 @@ void ApplyHeader(const SessionItem& item, int* activeTab) {
             SafeCopyW(g_settings.projectRoot, root ? root.get() : L"");
             return;
         }
-        case SessionKey::ShowOutput: g_ui.showOutput = item.number != 0; return;
-        case SessionKey::ShowAsmPane: g_ui.showAsmPane = item.number != 0; return;
+        case SessionKey::ShowOutput: PaneSetShown(PaneId::Output, item.number != 0); return;
+        case SessionKey::ShowAsmPane: PaneSetShown(PaneId::Asm, item.number != 0); return;
         case SessionKey::SplitHorizontal: g_session.splitHorizontal = item.number != 0; return;
         case SessionKey::FullScreen: g_session.fullScreen = item.number != 0; return;
         case SessionKey::TreeWidth: g_settings.projectTreeWidth = SessionTreeWidth(item.number); return;

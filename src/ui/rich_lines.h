@@ -8,10 +8,16 @@
 #include <cstddef>
 #include <span>
 
+// A read-only pane without a size, hidden; null when it cannot be made. `wrap` folds long lines at the pane's width instead
+// of scrolling sideways.
+HWND RichPaneCreate(HWND parent, int controlId, const wchar_t* text, bool wrap);
+
 // Adds the lines as one block: one insertion, nothing painted. A selection that the user made stays.
 void RichLinesAppend(HWND pane, std::span<const PaneLine> lines);
 // Down to the last line, at its start.
 void RichScrollToEnd(HWND pane);
+// Back to the start of the lines: a pane that has no size yet scrolls its caret into a view of no width.
+void RichScrollToLeft(HWND pane);
 // Scrolls to the end and repaints. Painting takes longer the more lines a pane holds, so after several blocks once.
 void RichLinesReveal(HWND pane);
 

@@ -14,7 +14,7 @@
 
 namespace {
 
-// A block takes about this long, so that with a repaint behind it the window answers well within 100 ms.
+// A block takes about this long, so that with a repaint after it the window answers well within 100 ms.
 constexpr double kBlockMs = 30.0;
 constexpr std::size_t kLinesDeleted = 800;  // up to so many a pane is emptied by deleting its text
 constexpr std::size_t kMinBlockLines = 50;
@@ -31,18 +31,26 @@ DWORD CALLBACK ReadFromView(DWORD_PTR cookie, LPBYTE buffer, LONG size, LONG* co
     return 0;
 }
 
-CHARRANGE Selection(HWND pane) {
+CHARRANGE RichSelection(HWND pane) {
     CHARRANGE range = {};
     SendMessageW(pane, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
     return range;
 }
 
-void Select(HWND pane, LONG from, LONG to) {
+void SelectInRich(HWND pane, LONG from, LONG to) {
     CHARRANGE range = {from, to};
     SendMessageW(pane, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
 }
 
 }  // namespace
+
+HWND RichPaneCreate(HWND parent, int controlId, const wchar_t* text, bool wrap) {
+    const DWORD sideways = wrap ? 0U : static_cast<DWORD>(WS_HSCROLL | ES_AUTOHSCROLL);
+    return CreateWindowExW(
+        0, MSFTEDIT_CLASS, text,
+        WS_CHILD | WS_CLIPSIBLINGS | WS_VSCROLL | ES_MULTILINE | ES_READONLY | ES_NOHIDESEL | ES_AUTOVSCROLL | sideways,
+        0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_ui.hInstance, nullptr);
+}
 
 void RichLinesAppend(HWND pane, std::span<const PaneLine> lines) {
     if (pane == nullptr || lines.empty()) return;
@@ -54,21 +62,25 @@ void RichLinesAppend(HWND pane, std::span<const PaneLine> lines) {
                          .darkBack = ThemeIsDark() ? std::optional(chrome.paneBack) : std::nullopt});
     std::string_view rest = rtf;
     EDITSTREAM stream = {.dwCookie = reinterpret_cast<DWORD_PTR>(&rest), .pfnCallback = ReadFromView};
-    const CHARRANGE before = Selection(pane);
+    const CHARRANGE before = RichSelection(pane);
     SendMessageW(pane, WM_SETREDRAW, FALSE, 0);
-    Select(pane, LONG_MAX, LONG_MAX);
+    SelectInRich(pane, LONG_MAX, LONG_MAX);
     SendMessageW(pane, EM_STREAMIN, SF_RTF | SFF_SELECTION, reinterpret_cast<LPARAM>(&stream));
     // Some versions of the control swallow the last line break of a block.
     const LRESULT lineStart = SendMessageW(pane, EM_LINEINDEX, static_cast<WPARAM>(-1), 0);
-    if (lines.back().lineBreak && Selection(pane).cpMax != lineStart)
+    if (lines.back().lineBreak && RichSelection(pane).cpMax != lineStart)
         SendMessageW(pane, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L"\r\n"));
-    if (before.cpMin != before.cpMax) Select(pane, before.cpMin, before.cpMax);
+    if (before.cpMin != before.cpMax) SelectInRich(pane, before.cpMin, before.cpMax);
     SendMessageW(pane, WM_SETREDRAW, TRUE, 0);
 }
 
 void RichScrollToEnd(HWND pane) {
-    // Inserting behind a long line scrolls to its end, and so does SB_BOTTOM under Wine; lines are read from their start.
+    // Inserting after a long line scrolls to its end, and so does SB_BOTTOM under Wine; lines are read from their start.
     SendMessageW(pane, WM_VSCROLL, SB_BOTTOM, 0);
+    RichScrollToLeft(pane);
+}
+
+void RichScrollToLeft(HWND pane) {
     POINT place = {};
     SendMessageW(pane, EM_GETSCROLLPOS, 0, reinterpret_cast<LPARAM>(&place));
     place.x = 0;

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -58,25 +60,30 @@ LayoutInput InputOf(int width, int height, unsigned panes, int dpi) {
     input.statusHeight = (panes & 2) != 0 ? 24 * dpi / 96 : 0;
     input.tabHeight = 28 * dpi / 96;
     input.stickyHeight = 22 * dpi / 96;
-    input.showOutput = (panes & 4) != 0;
-    input.showErrorList = (panes & 8) != 0;
-    input.showTerminal = (panes & 16) != 0;
-    input.showAsm = (panes & 32) != 0;
-    input.showAi = (panes & 64) != 0;
-    input.showTree = (panes & 128) != 0;
-    input.showDebug = (panes & 256) != 0;
+    constexpr struct {
+        PaneId id;
+        PaneArea area;
+        unsigned bit;
+        int height;
+    } kPanes[] = {{PaneId::Output, PaneArea::Bottom, 4, 0},
+                  {PaneId::ErrorList, PaneArea::BelowBottom, 8, 150},
+                  {PaneId::Terminal, PaneArea::BelowBottom, 16, kLineHeight},
+                  {PaneId::Asm, PaneArea::Right, 32, 0},
+                  {PaneId::Ai, PaneArea::Right, 64, 0},
+                  {PaneId::Tree, PaneArea::Left, 128, 0},
+                  {PaneId::Debug, PaneArea::BottomRight, 256, 0}};
+    for (const auto& pane : kPanes)
+        input.panes[PaneIndex(pane.id)] = {pane.area, (panes & pane.bit) != 0, pane.height * dpi / 96};
     input.outputSplit = 400;
     input.sideWidth = 300 * dpi / 96;
     input.treeWidth = 200 * dpi / 96;
-    input.errorListHeight = 150 * dpi / 96;
     return input;
 }
 
 std::vector<PaneRect> Visible(const PaneLayout& l) {
-    std::vector<PaneRect> all = {l.toolbar,  l.status,        l.tree,           l.treeSplitter, l.tabs,
-                                 l.sticky,   l.editor,        l.outputSplitter, l.output,       l.errorList,
-                                 l.terminal, l.sideSplitter,  l.asmPane,        l.aiChat,       l.aiInput,
-                                 l.aiSend,   l.debugSplitter, l.debugPane};
+    std::vector<PaneRect> all = {l.toolbar,      l.status,       l.tabs,           l.sticky,       l.editor,
+                                 l.treeSplitter, l.sideSplitter, l.outputSplitter, l.debugSplitter};
+    all.insert(all.end(), l.panes.begin(), l.panes.end());
     std::erase_if(all, [](const PaneRect& r) { return r.empty(); });
     return all;
 }
@@ -124,13 +131,60 @@ TEST(Layout, TheDebugPaneSharesTheBottomOrHasItAlone) {
         LayoutInput input = InputOf(1000, 700, 256 | (c.output ? 4u : 0u), 96);
         input.debugWidth = c.wanted;
         const PaneLayout layout = ComputePaneLayout(input);
-        EXPECT_EQ(layout.debugPane.left, c.left) << c.name;
-        EXPECT_EQ(layout.debugPane.width(), c.width) << c.name;
-        EXPECT_EQ(layout.output.empty(), !c.output) << c.name;
+        EXPECT_EQ(layout.pane(PaneId::Debug).left, c.left) << c.name;
+        EXPECT_EQ(layout.pane(PaneId::Debug).width(), c.width) << c.name;
+        EXPECT_EQ(layout.pane(PaneId::Output).empty(), !c.output) << c.name;
         EXPECT_EQ(layout.debugSplitter.empty(), !c.output) << c.name;
-        EXPECT_EQ(layout.debugPane.top, layout.outputSplitter.bottom) << c.name;
-        EXPECT_TRUE(!c.output || layout.output.right == layout.debugSplitter.left) << c.name;
+        EXPECT_EQ(layout.pane(PaneId::Debug).top, layout.outputSplitter.bottom) << c.name;
+        EXPECT_TRUE(!c.output || layout.pane(PaneId::Output).right == layout.debugSplitter.left) << c.name;
     }
+}
+
+// Panes to come: two of one area share it, and nothing else changes its place.
+TEST(Layout, PanesOfOneAreaShareIt) {
+    LayoutInput input = InputOf(1000, 700, 4 | 128, 96);
+    const PaneLayout alone = ComputePaneLayout(input);
+    const struct {
+        PaneArea area;
+        PaneId first;
+        bool beside;
+    } cases[] = {{PaneArea::Bottom, PaneId::Output, true}, {PaneArea::Left, PaneId::Tree, false}};
+    for (const auto& c : cases) {
+        LayoutInput shared = input;
+        shared.panes[PaneIndex(PaneId::Asm)] = {c.area, true, 0};
+        const PaneLayout layout = ComputePaneLayout(shared);
+        const PaneRect& whole = alone.pane(c.first);
+        const PaneRect& first = layout.pane(c.first);
+        const PaneRect& second = layout.pane(PaneId::Asm);
+        const bool asmComesFirst = PaneId::Asm < c.first;
+        const PaneRect& before = asmComesFirst ? second : first;
+        const PaneRect& after = asmComesFirst ? first : second;
+        EXPECT_EQ(layout.editor, alone.editor);
+        EXPECT_EQ(before.left, whole.left);
+        EXPECT_EQ(after.right, whole.right);
+        EXPECT_EQ(after.bottom, whole.bottom);
+        EXPECT_EQ(c.beside ? before.right : before.bottom, c.beside ? after.left : after.top);
+        EXPECT_LE(std::abs(c.beside ? first.width() - second.width() : first.height() - second.height()), 1);
+    }
+    EXPECT_EQ(PanesIn(InputOf(1000, 700, 8 | 16, 96), PaneArea::BelowBottom), 0) << "only with the bottom";
+}
+
+TEST(Layout, DraggedSplittersKeepTheirLimits) {
+    const struct {
+        const char* name;
+        Splitter bar;
+        int start, x, y, dpi, value;
+    } cases[] = {
+        {"output follows up and down", Splitter::Output, 400, 50, -30, 96, 370},
+        {"debug grows to the left", Splitter::Debug, 300, -40, 9, 96, 340},
+        {"debug keeps something", Splitter::Debug, 300, 900, 0, 96, 1},
+        {"tree grows to the right", Splitter::Tree, 120, 40, 0, 96, 160},
+        {"tree by the length at 96 dpi", Splitter::Tree, 120, 60, 0, 144, 160},
+        {"tree at its widest", Splitter::Tree, 120, 500, 0, 96, 200},
+        {"side grows to the left", Splitter::Side, 300, -100, 0, 96, 400},
+        {"side at its least", Splitter::Side, 300, 900, 0, 96, 150},
+    };
+    for (const auto& c : cases) EXPECT_EQ(DraggedSplitter(c.bar, c.start, c.x, c.y, c.dpi), c.value) << c.name;
 }
 
 TEST(Layout, SplitterLimits) {

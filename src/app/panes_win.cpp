@@ -1,0 +1,180 @@
+// The rows of the table of panes, and the windows that no area makes for itself. UI thread only.
+#include "app/panes.h"
+
+#include "ai/ai_pane.h"
+#include "app/app_state.h"
+#include "base/log.h"
+#include "compile/terminal.h"
+#include "debugui/debug_pane.h"
+#include "disasm/asm_pane.h"
+#include "files/file_io.h"
+#include "output/output_pane.h"
+#include "resources/ids.h"
+#include "session/project_tree.h"
+#include "ui/dpi.h"
+#include "ui/rich_lines.h"
+
+#include <commctrl.h>
+
+namespace {
+
+constexpr wchar_t kAsmGreeting[] =
+    L"ASM output will appear here after compilation.\r\nToggle via View > ASM Pane or the toolbar button.";
+
+HWND CreateOutput(HWND parent, int controlId) {
+    const HWND pane = RichPaneCreate(parent, controlId, nullptr, false);
+    OutputPaneInit(pane);
+    return pane;
+}
+
+void ApplyOutputTheme() {
+    OutputPaneApplyFont();
+    RichScrollToLeft(g_app.hOutput);
+}
+
+HWND CreateTerminal(HWND parent, int controlId) {
+    const HWND line =
+        CreateWindowExW(WS_EX_CLIENTEDGE, WC_EDITW, nullptr, WS_CHILD | WS_CLIPSIBLINGS | ES_AUTOHSCROLL, 0, 0, 0, 0,
+                        parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_app.hInstance, nullptr);
+    if (line == nullptr) return nullptr;
+    SetWindowSubclass(line, TerminalSubclassProc, 1, 0);
+    SendMessageW(line, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
+    return line;
+}
+
+HWND CreateAsmPane(HWND parent, int controlId) { return RichPaneCreate(parent, controlId, kAsmGreeting, false); }
+
+void ApplyAsmTheme() {
+    PaneApplyFontAndTheme(g_app.hAsmPane);
+    RichScrollToLeft(g_app.hAsmPane);
+}
+
+// The pane holds what it showed last; when it opens after a build that wrote a listing or a program, it shows that.
+void LoadAsmPane() {
+    EnterCriticalSection(&g_buildCs);
+    const std::wstring source = g_app.build.sourcePath;
+    const std::wstring listing = g_app.build.listingPath;
+    const std::wstring program = g_app.build.outputPath;
+    LeaveCriticalSection(&g_buildCs);
+    if (!source.empty() && (FileExists(listing.c_str()) || FileExists(program.c_str())))
+        AsmPaneLoad(source.c_str(), listing.c_str());
+}
+
+bool NotifyErrorList(const NMHDR& header, LRESULT*) { return ErrorListHandleNotify(header); }
+
+const PaneSpec kPanes[kPaneCount] = {
+    {.id = PaneId::Output,
+     .title = L"Output",
+     .area = PaneArea::Bottom,
+     .controlId = IDC_OUTPUT,
+     .window = &g_app.hOutput,
+     .create = CreateOutput,
+     .applyTheme = ApplyOutputTheme,
+     .shownAtStart = true,
+     .command = IDM_VIEW_OUTPUT},
+    {.id = PaneId::ErrorList,
+     .title = L"Error List",
+     .area = PaneArea::BelowBottom,
+     .controlId = IDC_ERROR_LIST,
+     .window = &g_app.hErrorList,
+     .create = ErrorListCreate,
+     .lazy = true,
+     .applyTheme = ErrorListRefresh,
+     .setting = &Settings::showErrorList,
+     .height = &Settings::errorListHeight,
+     .handleNotify = NotifyErrorList},
+    {.id = PaneId::Terminal,
+     .title = L"Terminal",
+     .area = PaneArea::BelowBottom,
+     .controlId = IDC_TERMINAL,
+     .window = &g_app.hTerminal,
+     .create = CreateTerminal,
+     .setting = &Settings::showTerminal},
+    {.id = PaneId::Debug,
+     .title = L"Debug",
+     .area = PaneArea::BottomRight,
+     .controlId = IDC_DEBUG_PANE,
+     .window = &g_app.hDebugPane,
+     .create = DebugPaneCreate,
+     .lazy = true,
+     .applyTheme = DebugPaneApplyTheme,
+     .command = IDM_VIEW_DEBUG_PANE},
+    {.id = PaneId::Asm,
+     .title = L"ASM",
+     .area = PaneArea::Right,
+     .controlId = IDC_ASM,
+     .window = &g_app.hAsmPane,
+     .create = CreateAsmPane,
+     .applyTheme = ApplyAsmTheme,
+     .command = IDM_VIEW_ASM,
+     .onShown = LoadAsmPane},
+    {.id = PaneId::Ai,
+     .title = L"AI Chat",
+     .area = PaneArea::Right,
+     .controlId = IDC_AI_CHAT,
+     .window = &g_app.hAiChat,
+     .create = AiPaneCreate,
+     .applyTheme = AiPaneApplyTheme,
+     .setting = &Settings::showAiSidebar,
+     .command = IDM_VIEW_AI,
+     .parts = AiPaneParts},
+    {.id = PaneId::Tree,
+     .title = L"Project",
+     .area = PaneArea::Left,
+     .controlId = IDC_PROJECT_TREE,
+     .window = &g_app.hProjectTree,
+     .create = ProjectTreeCreate,
+     .applyTheme = ProjectTreeApplyTheme,
+     .setting = &Settings::showProjectTree,
+     .handleNotify = ProjectTreeHandleNotify},
+};
+
+void CreatePane(const PaneSpec& pane) {
+    *pane.window = pane.create(g_app.hMainWnd, pane.controlId);
+    if (*pane.window == nullptr) AppLogMsg(L"FAIL: pane %s error=%lu", pane.title, GetLastError());
+}
+
+}  // namespace
+
+void CreatePanes() {
+    PanesConnect(kPanes);
+    for (const PaneSpec& pane : Panes())
+        if (!pane.lazy) CreatePane(pane);
+}
+
+void CreateWantedPanes() {
+    for (const PaneSpec& pane : Panes())
+        if (*pane.window == nullptr && pane.lazy && PaneIsShown(pane.id)) CreatePane(pane);
+}
+
+void ThemePanes() {
+    for (const PaneSpec& pane : Panes())
+        if (*pane.window != nullptr && pane.applyTheme != nullptr) pane.applyTheme();
+}
+
+std::array<PaneWish, kPaneCount> PaneWishes() {
+    std::array<PaneWish, kPaneCount> wishes;
+    for (const PaneSpec& pane : Panes())
+        wishes[PaneIndex(pane.id)] = {
+            .area = pane.area,
+            .shown = *pane.window != nullptr && PaneIsShown(pane.id),
+            .height = UiScaled(pane.height != nullptr ? g_app.settings.*pane.height : kLineHeight)};
+    return wishes;
+}
+
+std::vector<PanePart> PaneParts(const PaneLayout& layout) {
+    std::vector<PanePart> parts;
+    for (const PaneSpec& pane : Panes()) {
+        const PaneRect& area = layout.pane(pane.id);
+        const std::vector<PanePart> own =
+            pane.parts != nullptr ? pane.parts(area) : std::vector<PanePart>{{*pane.window, area}};
+        parts.insert(parts.end(), own.begin(), own.end());
+    }
+    return parts;
+}
+
+bool NotifyPanes(const NMHDR& header, LRESULT* result) {
+    for (const PaneSpec& pane : Panes())
+        if (pane.handleNotify != nullptr && pane.handleNotify(header, result)) return true;
+    return false;
+}

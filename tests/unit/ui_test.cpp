@@ -1,0 +1,80 @@
+// What every window shares: columns and tabs in too little room, lengths by DPI, the parts of bars and panes.
+#include "ai/ai_pane_layout.h"
+#include "commands/status_bar_fit.h"
+#include "ui/fit.h"
+#include "ui/scale.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(Columns, GiveWayInTheSameMeasure) {
+    const std::vector<ColumnRoom> columns = {{100, 60}, {50, 50}, {200, 80}};
+    const struct {
+        int room;
+        std::vector<int> widths;
+    } cases[] = {
+        {350, {100, 50, 200}}, {500, {100, 50, 350}}, {270, {80, 50, 140}}, {190, {60, 50, 80}}, {20, {60, 50, 80}}};
+    for (const auto& each : cases) EXPECT_EQ(FitColumns(columns, each.room), each.widths) << each.room;
+    EXPECT_TRUE(FitColumns({}, 100).empty());
+}
+
+TEST(Tabs, TheSelectedOneIsAmongThoseThatFit) {
+    const std::vector<int> widths = {40, 30, 20, 30, 40};
+    const struct {
+        int room, selected, first;
+        TabSpan shown;
+    } cases[] = {{160, 0, 0, {0, 5}}, {100, 0, 0, {0, 3}}, {100, 3, 0, {1, 4}}, {100, 4, 1, {2, 5}},
+                 {100, 3, 2, {2, 5}}, {100, 1, 2, {1, 4}}, {160, 4, 3, {0, 5}}, {10, 2, 0, {2, 3}}};
+    for (const auto& each : cases) {
+        const TabSpan got = FitTabs(widths, each.room, each.selected, each.first);
+        EXPECT_EQ(got, each.shown) << each.room << " " << each.selected << ": " << got.first << " to " << got.end;
+    }
+}
+
+TEST(Tabs, BlanksShrinkBeforeTabsGo) {
+    const struct {
+        int room, pixels;
+        bool all;
+    } cases[] = {{400, 14, true}, {280, 10, true}, {240, 6, true}, {238, 6, true}, {220, 6, false}, {0, 6, false}};
+    for (const auto& each : cases) {
+        const TabBlank blank = FitTabBlank(each.room, 180, 5, 6, 14);
+        EXPECT_EQ(blank.pixels, each.pixels) << each.room;
+        EXPECT_EQ(blank.all, each.all) << each.room;
+    }
+}
+
+TEST(Scale, RoundsToTheNearestPixelOnBothSidesOfZero) {
+    EXPECT_EQ(ScaledTo(5, 96), 5);
+    EXPECT_EQ(ScaledTo(5, 144), 8);
+    EXPECT_EQ(ScaledTo(-5, 144), -8);
+    EXPECT_EQ(ScaledTo(3, 120), 4);
+}
+
+TEST(StatusBar, TheMessageKeepsItsRoomAndTheLeastNeededPartsGo) {
+    const auto width = [](int bar, StatusPart part, int dpi = 96) {
+        const auto ends = FitStatusParts(bar, dpi);
+        return ends[part] - (part == kMessage ? 0 : ends[static_cast<std::size_t>(part) - 1]);
+    };
+    EXPECT_EQ(FitStatusParts(1000, 96).back(), 1000);
+    EXPECT_EQ(width(1000, kMessage), 380);
+    EXPECT_EQ(width(1000, kSelection), 110);
+    EXPECT_EQ(width(700, kSelection), 0) << "goes first";
+    EXPECT_EQ(width(700, kProgress), 96);
+    EXPECT_EQ(width(480, kProgress), 0);
+    EXPECT_EQ(width(480, kPosition), 130) << "stays";
+    EXPECT_EQ(width(480, kCompiler), 168) << "stays";
+    EXPECT_EQ(width(1000, kProgress, 192), 0) << "by pixels, not by length";
+    EXPECT_EQ(width(100, kMessage), 0);
+}
+
+TEST(AiPane, ItsPartsShareTheAreaAndVanishWithIt) {
+    const AiPaneLayout layout = LayOutAiPane({700, 60, 1000, 660}, 96);
+    EXPECT_EQ(layout.chat, (PaneRect{700, 60, 1000, 630}));
+    EXPECT_EQ(layout.input, (PaneRect{700, 630, 936, 660}));
+    EXPECT_EQ(layout.send, (PaneRect{936, 630, 1000, 660}));
+    EXPECT_EQ(LayOutAiPane({0, 0, 40, 20}, 96).chat.height(), 10) << "half of what there is";
+    EXPECT_TRUE(LayOutAiPane({}, 96).send.empty());
+}
+
+}  // namespace
