@@ -5,6 +5,7 @@
 #include "commands/commands_state.h"
 #include "commands/toolbar_fit.h"
 #include "commands/toolbar_internal.h"
+#include "commands/toolbar_table.h"
 #include "resources/ids.h"
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
@@ -23,70 +24,6 @@
 
 namespace {
 
-// A button that is not always there: shown while one of these conditions holds.
-constexpr std::uint32_t kShownAlways = 0;
-
-// What goes where there is not room for all buttons, first to last: what shows panes, what every program has on keys, the
-// files, the errors, and what builds, runs and debugs.
-enum Rank { kPanes, kEditing, kFiles, kErrors, kRunning };
-
-struct ButtonRow {
-    int command;  // 0: a gap between groups
-    Icon icon = Icon::New;
-    int rank = kStays;
-    bool showsState = false;
-    const wchar_t* tip = nullptr;  // for commands that no menu names
-    std::uint32_t shownWhen = kShownAlways;
-    std::uint32_t hiddenWhen = 0;  // and none of these
-};
-
-constexpr ButtonRow kButtons[] = {
-    {IDM_FILE_NEW, Icon::New, kFiles},
-    {IDM_FILE_OPEN, Icon::Open, kFiles},
-    {IDM_FILE_SAVE, Icon::Save, kFiles},
-    {IDM_FILE_SAVE_ALL, Icon::SaveAll, kFiles},
-    {0},
-    {IDM_EDIT_UNDO, Icon::Undo, kEditing},
-    {IDM_EDIT_REDO, Icon::Redo, kEditing},
-    {0},
-    {IDM_EDIT_CUT, Icon::Cut, kEditing},
-    {IDM_EDIT_COPY, Icon::Copy, kEditing},
-    {IDM_EDIT_PASTE, Icon::Paste, kEditing},
-    {IDM_EDIT_FIND, Icon::Find, kFiles},
-    {0},
-    {IDM_COMPILER_MENU, Icon::New, kStays, false, L"Compiler and build profile"},
-    {IDM_BUILD, Icon::Build, kRunning},
-    {IDM_BUILD_RUN, Icon::Run, kRunning},
-    {IDM_BUILD_STOP, Icon::Stop, kRunning},
-    {IDM_BUILD_SYNTAX, Icon::SyntaxCheck, kErrors},
-    {IDM_ERROR_PREVIOUS, Icon::PreviousError, kErrors, false, L"Previous Error (Shift+F4)"},
-    {IDM_ERROR_NEXT, Icon::NextError, kErrors, false, L"Next Error (F4)"},
-    {0},
-    // Of the debugger only what fits the moment. Steps stay while the program runs: a row of buttons that came and went
-    // with every step would flicker.
-    {IDM_DEBUG_BUTTON_START, Icon::DebugStart, kRunning, false, L"Build and Debug", kNoSession},
-    {IDM_DEBUG_BREAKPOINT, Icon::Breakpoint, kRunning, false, nullptr, kNoSession},
-    {IDM_DEBUG_BUTTON_STOP, Icon::DebugStop, kRunning, false, L"Stop Debugging (Shift+F5)", kSession},
-    {IDM_DEBUG_CONTINUE, Icon::Continue, kRunning, false, nullptr, kSession, kProgramRunning},
-    {IDM_DEBUG_PAUSE, Icon::Pause, kRunning, false, nullptr, kProgramRunning},
-    {IDM_DEBUG_BUTTON_STEP_OVER, Icon::StepOver, kRunning, false, L"Step Over (F10)", kSession},
-    {IDM_DEBUG_BUTTON_STEP_INTO, Icon::StepInto, kRunning, false, L"Step Into (F11)", kSession},
-    {IDM_DEBUG_BUTTON_STEP_OUT, Icon::StepOut, kRunning, false, L"Step Out (Shift+F11)", kSession},
-    {IDM_DEBUG_RUN_TO_CURSOR, Icon::RunToCursor, kRunning, false, nullptr, kSession},
-    {0},
-    {IDM_VIEW_OUTPUT, Icon::Output, kPanes, true},
-    {IDM_VIEW_ASM, Icon::AsmPane, kPanes, true},
-    {IDM_VIEW_AI, Icon::Ai, kPanes, true},
-    {IDM_TOOLBAR_MORE, Icon::More, kStays, false, L"More Buttons (Ctrl+F2)"},
-};
-
-// The conditions that show and hide buttons; all others change with keys and must not cost a look at the bar.
-constexpr std::uint32_t ShowingConditions() {
-    std::uint32_t conditions = 0;
-    for (const ButtonRow& row : kButtons) conditions |= row.shownWhen | row.hiddenWhen;
-    return conditions;
-}
-
 constexpr int kIconSize = 16;
 constexpr int kButtonSize = 28;
 constexpr int kBarPadding = 3;
@@ -104,9 +41,9 @@ std::vector<HiddenButton> g_hidden;       // those without room
 
 HIMAGELIST RenderImages(bool enabled) {
     const int size = UiScaled(kIconSize);
-    HIMAGELIST images = ImageList_Create(size, size, ILC_COLOR32, static_cast<int>(std::size(kButtons)), 0);
+    HIMAGELIST images = ImageList_Create(size, size, ILC_COLOR32, static_cast<int>(std::size(kToolbarButtons)), 0);
     const IconInks inks = ToolbarInks(ThemeIsDark(), enabled);
-    for (const ButtonRow& row : kButtons) {
+    for (const ButtonRow& row : kToolbarButtons) {
         if (row.command == 0 || row.command == IDM_COMPILER_MENU) continue;
         HBITMAP bitmap = ToolbarPicture(row.icon, size, inks);
         ImageList_Add(images, bitmap, nullptr);
@@ -116,13 +53,13 @@ HIMAGELIST RenderImages(bool enabled) {
 }
 
 int ButtonId(const ButtonRow& row) {
-    return row.command != 0 ? row.command : kFirstGap + static_cast<int>(&row - kButtons);
+    return row.command != 0 ? row.command : kFirstGap + static_cast<int>(&row - kToolbarButtons);
 }
 
 void AddButtons(HWND bar) {
     int image = 0;
     const std::wstring compilerText = ToolbarCompilerText();
-    for (const ButtonRow& row : kButtons) {
+    for (const ButtonRow& row : kToolbarButtons) {
         TBBUTTON button = {};
         button.fsState = TBSTATE_ENABLED;
         button.idCommand = ButtonId(row);
@@ -158,7 +95,7 @@ int ButtonWidth(const ButtonRow& row) {
 
 // Each button its own width: left to itself the control makes all of them as wide as the one with text.
 void SizeButtons() {
-    for (const ButtonRow& row : kButtons) {
+    for (const ButtonRow& row : kToolbarButtons) {
         TBBUTTONINFOW info = {};
         info.cbSize = sizeof(info);
         info.dwMask = TBIF_SIZE;
@@ -193,20 +130,20 @@ void FitButtons() {
     GetClientRect(g_commands.hToolbar, &client);
     if (client.right <= 0) return;  // not placed yet
     std::vector<BarItem> items;
-    for (const ButtonRow& row : kButtons)
+    for (const ButtonRow& row : kToolbarButtons)
         if (row.command != IDM_TOOLBAR_MORE)
             items.push_back({ButtonWidth(row), row.rank, IsButtonWanted(row), row.command == 0});
     const BarFit fit = FitToolbar(items, client.right - 2 * UiScaled(kBarPadding), UiScaled(kMoreSize));
     g_hidden.clear();
     for (std::size_t i = 0; i < items.size(); ++i) {
-        const ButtonRow& row = kButtons[i];
+        const ButtonRow& row = kToolbarButtons[i];
         ShowButton(row, fit.shown[i]);
         if (row.command == 0 && !g_hidden.empty() && g_hidden.back().command != 0) g_hidden.emplace_back();
         if (items[i].wanted && !items[i].gap && !fit.shown[i])
             g_hidden.push_back({row.command, row.icon, row.showsState, ButtonTip(row)});
     }
     if (!g_hidden.empty() && g_hidden.back().command == 0) g_hidden.pop_back();
-    ShowButton(std::end(kButtons)[-1], fit.more);
+    ShowButton(std::end(kToolbarButtons)[-1], fit.more);
 }
 
 void ShowMenuOf(int command) {
@@ -356,9 +293,9 @@ void ToolbarApplyState(const CommandView& view) {
     // Called at every key, and asking each button costs more than the key itself.
     if (g_applied == view) return;
     g_applied = view;
-    const std::uint32_t conditions = view.conditions & ShowingConditions();
+    const std::uint32_t conditions = view.conditions & kShowingConditions;
     if (std::exchange(g_conditions, conditions) != conditions) FitButtons();
-    for (const ButtonRow& row : kButtons) {
+    for (const ButtonRow& row : kToolbarButtons) {
         if (row.command == 0) continue;
         const CommandState state = CommandStateOf(row.command, view);
         const LRESULT now = SendMessageW(g_commands.hToolbar, TB_GETSTATE, static_cast<WPARAM>(row.command), 0);
@@ -379,8 +316,8 @@ int ToolbarHeight() { return UiScaled(kButtonSize + 2 * kBarPadding); }
 
 static bool FillToolbarTip(NMTTDISPINFOW& tip) {
     if ((tip.uFlags & TTF_IDISHWND) != 0 || tip.hdr.idFrom < IDM_FILE_NEW) return false;
-    const auto* row = std::ranges::find(kButtons, static_cast<int>(tip.hdr.idFrom), &ButtonRow::command);
-    if (row == std::end(kButtons)) return false;
+    const auto* row = std::ranges::find(kToolbarButtons, static_cast<int>(tip.hdr.idFrom), &ButtonRow::command);
+    if (row == std::end(kToolbarButtons)) return false;
     lstrcpynW(tip.szText, ButtonTip(*row).c_str(), static_cast<int>(std::size(tip.szText)));
     tip.lpszText = tip.szText;
     return true;

@@ -1,0 +1,73 @@
+// The buttons of the toolbar, in their order: what each does, when it is there, and what leaves a narrow bar first. Pure.
+#pragma once
+
+#include "commands/command_table.h"
+#include "commands/icons.h"
+#include "commands/toolbar_fit.h"
+#include "resources/ids.h"
+
+#include <cstdint>
+
+// A button that is not always there: shown while one of these conditions holds.
+inline constexpr std::uint32_t kShownAlways = 0;
+
+// What goes where there is not room for all buttons, first to last: what shows panes, what every program has on keys, the
+// files, the errors, and what builds, runs and debugs.
+enum ToolbarRank { kPanes, kEditing, kFiles, kErrors, kRunning };
+
+struct ButtonRow {
+    int command;  // 0: a gap between groups
+    Icon icon = Icon::New;
+    int rank = kStays;
+    bool showsState = false;
+    const wchar_t* tip = nullptr;  // for commands that no menu names
+    std::uint32_t shownWhen = kShownAlways;
+    std::uint32_t hiddenWhen = 0;  // and none of these
+};
+
+inline constexpr ButtonRow kToolbarButtons[] = {
+    {IDM_FILE_NEW, Icon::New, kFiles},
+    {IDM_FILE_OPEN, Icon::Open, kFiles},
+    {IDM_FILE_SAVE, Icon::Save, kFiles},
+    {IDM_FILE_SAVE_ALL, Icon::SaveAll, kFiles},
+    {0},
+    {IDM_EDIT_UNDO, Icon::Undo, kEditing},
+    {IDM_EDIT_REDO, Icon::Redo, kEditing},
+    {0},
+    {IDM_EDIT_CUT, Icon::Cut, kEditing},
+    {IDM_EDIT_COPY, Icon::Copy, kEditing},
+    {IDM_EDIT_PASTE, Icon::Paste, kEditing},
+    {IDM_EDIT_FIND, Icon::Find, kFiles},
+    {0},
+    {IDM_COMPILER_MENU, Icon::New, kStays, false, L"Compiler and build profile"},
+    {IDM_BUILD, Icon::Build, kRunning},
+    {IDM_BUILD_RUN, Icon::Run, kRunning},
+    {IDM_BUILD_STOP, Icon::Stop, kRunning},
+    {IDM_BUILD_SYNTAX, Icon::SyntaxCheck, kErrors},
+    {IDM_ERROR_PREVIOUS, Icon::PreviousError, kErrors, false, L"Previous Error (Shift+F4)"},
+    {IDM_ERROR_NEXT, Icon::NextError, kErrors, false, L"Next Error (F4)"},
+    {0},
+    // Of the debugger only what fits the moment. Steps stay while the program runs: a row of buttons that came and went
+    // with every step would flicker.
+    {IDM_DEBUG_BUTTON_START, Icon::DebugStart, kRunning, false, L"Build and Debug", kNoSession},
+    {IDM_DEBUG_BREAKPOINT, Icon::Breakpoint, kRunning, false, nullptr, kNoSession},
+    {IDM_DEBUG_BUTTON_STOP, Icon::DebugStop, kRunning, false, L"Stop Debugging (Shift+F5)", kSession},
+    {IDM_DEBUG_CONTINUE, Icon::Continue, kRunning, false, nullptr, kSession, kProgramRunning},
+    {IDM_DEBUG_PAUSE, Icon::Pause, kRunning, false, nullptr, kProgramRunning},
+    {IDM_DEBUG_BUTTON_STEP_OVER, Icon::StepOver, kRunning, false, L"Step Over (F10)", kSession},
+    {IDM_DEBUG_BUTTON_STEP_INTO, Icon::StepInto, kRunning, false, L"Step Into (F11)", kSession},
+    {IDM_DEBUG_BUTTON_STEP_OUT, Icon::StepOut, kRunning, false, L"Step Out (Shift+F11)", kSession},
+    {IDM_DEBUG_RUN_TO_CURSOR, Icon::RunToCursor, kRunning, false, nullptr, kSession},
+    {0},
+    {IDM_VIEW_OUTPUT, Icon::Output, kPanes, true},
+    {IDM_VIEW_ASM, Icon::AsmPane, kPanes, true},
+    {IDM_VIEW_AI, Icon::Ai, kPanes, true},
+    {IDM_TOOLBAR_MORE, Icon::More, kStays, false, L"More Buttons (Ctrl+F2)"},
+};
+
+// The conditions that show and hide buttons; all others change with keys and must not cost a look at the bar.
+inline constexpr std::uint32_t kShowingConditions = [] {
+    std::uint32_t conditions = 0;
+    for (const ButtonRow& row : kToolbarButtons) conditions |= row.shownWhen | row.hiddenWhen;
+    return conditions;
+}();
