@@ -36,7 +36,7 @@ TEST(Tabs, BlanksShrinkBeforeTabsGo) {
     const struct {
         int room, pixels;
         bool all;
-    } cases[] = {{400, 14, true}, {280, 10, true}, {240, 6, true}, {238, 6, true}, {220, 6, false}, {0, 6, false}};
+    } cases[] = {{400, 14, true}, {280, 10, true}, {240, 6, true}, {239, 6, false}, {220, 6, false}, {0, 6, false}};
     for (const auto& each : cases) {
         const TabBlank blank = FitTabBlank(each.room, 180, 5, 6, 14);
         EXPECT_EQ(blank.pixels, each.pixels) << each.room;
