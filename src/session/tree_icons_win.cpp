@@ -3,6 +3,7 @@
 
 #include "base/handles.h"
 #include "ui/chrome.h"
+#include "ui/scale.h"
 
 #include <iterator>
 
@@ -45,7 +46,7 @@ void DrawPictures(const Pictures& pictures, const ThemeChrome& chrome) {
 }  // namespace
 
 HIMAGELIST TreeIconsCreate(int dpi, const ThemeChrome& chrome) {
-    const int side = MulDiv(16, dpi, 96);
+    const int side = ScaledTo(16, dpi);
     const HIMAGELIST list = ImageList_Create(side, side, ILC_COLOR24 | ILC_MASK, 3, 0);
     const HDC screen = GetDC(nullptr);
     const UniqueBitmap bitmap{CreateCompatibleBitmap(screen, side * 3, side)};
