@@ -79,7 +79,10 @@ LRESULT CALLBACK InlineEditProc(HWND edit, UINT message, WPARAM wParam, LPARAM l
             DefSubclassProc(edit, message, wParam, lParam);
             OnInlineEditLeft();
             return 0;
-        case WM_NCDESTROY: RemoveWindowSubclass(edit, InlineEditProc, id); break;
+        case WM_NCDESTROY:
+            RemoveWindowSubclass(edit, InlineEditProc, id);
+            if (g_edit.edit == edit) g_edit.edit = nullptr;  // it went with its list
+            break;
         default: break;
     }
     return DefSubclassProc(edit, message, wParam, lParam);
