@@ -16,6 +16,8 @@
 
 #include <commctrl.h>
 
+#include <iterator>
+
 namespace {
 
 constexpr wchar_t kAsmGreeting[] =
@@ -62,7 +64,7 @@ void LoadAsmPane() {
 
 bool NotifyErrorList(const NMHDR& header, LRESULT*) { return ErrorListHandleNotify(header); }
 
-const PaneSpec kPanes[kPaneCount] = {
+constexpr PaneSpec kPanes[] = {
     {.id = PaneId::Output,
      .title = L"Output",
      .area = PaneArea::Bottom,
@@ -128,6 +130,13 @@ const PaneSpec kPanes[kPaneCount] = {
      .setting = &Settings::showProjectTree,
      .handleNotify = ProjectTreeHandleNotify},
 };
+
+constexpr bool PanesAreInOrder() {
+    for (std::size_t i = 0; i < std::size(kPanes); ++i)
+        if (PaneIndex(kPanes[i].id) != i) return false;
+    return std::size(kPanes) == kPaneCount;
+}
+static_assert(PanesAreInOrder(), "one row for each PaneId, in its order");
 
 void CreatePane(const PaneSpec& pane) {
     *pane.window = pane.create(g_app.hMainWnd, pane.controlId);

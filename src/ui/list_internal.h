@@ -1,8 +1,21 @@
-// The seam between a list and its drawing. Private to list_view_win.cpp and list_draw_win.cpp. UI thread only.
+// The seams between the files of a list. Private to list_*_win.cpp. UI thread only.
 #pragma once
 
 #include "ui/list_view.h"
 
+// --- list_view_win.cpp: columns and rows
+inline LRESULT ListViewSend(const ListView& list, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
+    return SendMessageW(list.window, message, wParam, lParam);
+}
+inline HWND ListViewHeader(const ListView& list) { return reinterpret_cast<HWND>(ListViewSend(list, LVM_GETHEADER)); }
+int ListViewRowCount(const ListView& list);
+const ListRow* ListViewRow(const ListView& list, int row);  // null: there is none
+void ListViewFitColumns(ListView& list);                    // to the width of its window
+
+// --- list_input_win.cpp: the window's messages
+LRESULT CALLBACK ListViewProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR data);
+
+// --- list_draw_win.cpp
 LRESULT ListViewDrawItem(const ListView& list, const NMLVCUSTOMDRAW& draw);
 LRESULT ListViewDrawHeader(const ListView& list, const NMCUSTOMDRAW& draw);
 int ListViewMarkWidth(const ListKind& kind, int column);  // pixels before the text of the column

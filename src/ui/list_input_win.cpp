@@ -1,0 +1,164 @@
+// What the control asks of a list, and what the user does with its rows. UI thread only.
+#include "ui/list_internal.h"
+
+#include "ui/clipboard.h"
+#include "ui/ui_state.h"
+
+#include <windowsx.h>
+
+namespace {
+
+void FillItem(const ListView& list, LVITEMW& item) {
+    const ListRow* row = ListViewRow(list, item.iItem);
+    if (row == nullptr) return;
+    const auto column = static_cast<std::size_t>(item.iSubItem);
+    if ((item.mask & LVIF_TEXT) != 0 && item.cchTextMax > 0)
+        lstrcpynW(item.pszText, column < row->cells.size() ? row->cells[column].c_str() : L"", item.cchTextMax);
+    if ((item.mask & LVIF_STATE) != 0 && column == 0) {
+        const UINT box = row->mark == ListMark::Checked ? 2U : row->mark == ListMark::Unchecked ? 1U : 0U;
+        item.state |= INDEXTOSTATEIMAGEMASK(box);
+    }
+}
+
+// The row whole, because some of it may be cut.
+void FillTip(const ListView& list, const NMLVGETINFOTIPW& tip) {
+    const ListRow* row = ListViewRow(list, tip.iItem);
+    if (row == nullptr || tip.cchTextMax < 1) return;
+    std::wstring text;
+    for (const std::wstring& cell : row->cells)
+        if (!cell.empty()) text += text.empty() ? cell : L"   " + cell;
+    lstrcpynW(tip.pszText, text.c_str(), tip.cchTextMax);
+}
+
+void CopySelectedRow(const ListView& list) {
+    const ListRow* row = ListViewRow(list, ListViewSelected(list));
+    if (row == nullptr) return;
+    std::wstring text;
+    for (const std::wstring& cell : row->cells) text += text.empty() ? cell : L"\t" + cell;
+    ClipboardPutText(g_ui.hMainWnd, text);
+}
+
+// --- What the user does
+
+bool IsOnMark(const ListView& list, const NMITEMACTIVATE& click) {
+    const RECT cell = ListViewCell(list, click.iItem, 0);  // begins right of the mark
+    return list.kind->hasMarks && click.ptAction.x < cell.left;
+}
+
+void OnListClick(const ListView& list, const NMITEMACTIVATE& click) {
+    if (ListViewRow(list, click.iItem) == nullptr) return;
+    if (list.kind->check != nullptr && IsOnMark(list, click))
+        list.kind->check(click.iItem);
+    else if (list.kind->edit != nullptr && click.iSubItem > 0)
+        list.kind->edit(click.iItem, click.iSubItem);
+}
+
+void OnListDoubleClick(const ListView& list, const NMITEMACTIVATE& click) {
+    if (ListViewRow(list, click.iItem) == nullptr || (list.kind->check != nullptr && IsOnMark(list, click))) return;
+    if (list.kind->activate != nullptr) list.kind->activate(click.iItem, click.iSubItem);
+}
+
+bool OnListKey(const ListView& list, WPARAM key) {
+    if (list.handleKey != nullptr && list.handleKey(list.window, key)) return true;
+    const int row = ListViewSelected(list);
+    if (ListViewRow(list, row) == nullptr) return false;
+    const ListKind& kind = *list.kind;
+    if (key == 'C' && GetKeyState(VK_CONTROL) < 0)
+        CopySelectedRow(list);
+    else if (key == VK_RETURN && kind.activate != nullptr)
+        kind.activate(row, -1);
+    else if (key == VK_F2 && kind.edit != nullptr)
+        kind.edit(row, -1);
+    else if (key == VK_SPACE && kind.check != nullptr)
+        kind.check(row);
+    else
+        return kind.key != nullptr && kind.key(row, static_cast<int>(key));
+    return true;
+}
+
+void OnListMenu(const ListView& list, POINT at) {
+    const int row = ListViewSelected(list);
+    if (ListViewRow(list, row) == nullptr || list.kind->menu == nullptr) return;
+    if (at.x == -1 && at.y == -1) {  // from the keyboard: below the selected row
+        const RECT cell = ListViewCell(list, row, 0);
+        at = {cell.left, cell.bottom};
+        ClientToScreen(list.window, &at);
+    }
+    list.kind->menu(row, at);
+}
+
+void OnListCharacter(const ListView& list, wchar_t character) {
+    const int row = ListViewSelected(list);
+    if (character > L' ' && ListViewRow(list, row) != nullptr && list.kind->typed != nullptr)
+        list.kind->typed(row, character);
+}
+
+// The user begins to draw a column to another width. The control asks its header in either alphabet.
+bool IsWidening(UINT code) {
+    return code == HDN_BEGINTRACKW || code == HDN_BEGINTRACKA || code == HDN_DIVIDERDBLCLICKW ||
+           code == HDN_DIVIDERDBLCLICKA;
+}
+
+// True when the notification was one of the header that is drawn here.
+bool OnHeaderNotify(ListView& list, const NMHDR& header, LRESULT* result) {
+    if (header.hwndFrom != ListViewHeader(list)) return false;
+    if (IsWidening(header.code) && list.kind != nullptr) list.places[list.kind].byUser = true;
+    if (header.code != NM_CUSTOMDRAW) return false;
+    *result = ListViewDrawHeader(list, reinterpret_cast<const NMCUSTOMDRAW&>(header));
+    return true;
+}
+
+void OnListDestroyed(ListView& list) {
+    if (list.heightOnly != nullptr) ImageList_Destroy(list.heightOnly);
+    list = {};
+}
+
+}  // namespace
+
+LRESULT CALLBACK ListViewProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR data) {
+    ListView& list = *reinterpret_cast<ListView*>(data);
+    LRESULT result = 0;
+    switch (message) {
+        case WM_NOTIFY:
+            if (OnHeaderNotify(list, *reinterpret_cast<const NMHDR*>(lParam), &result)) return result;
+            break;
+        case WM_CTLCOLOREDIT: return InlineEditColours(reinterpret_cast<HDC>(wParam));
+        case WM_GETDLGCODE: return DLGC_WANTALLKEYS;
+        case WM_KEYDOWN:
+            if (OnListKey(list, wParam)) return 0;
+            break;
+        case WM_CHAR: OnListCharacter(list, static_cast<wchar_t>(wParam)); return 0;  // no search by typing
+        case WM_COPY: CopySelectedRow(list); return 0;
+        case WM_CONTEXTMENU: OnListMenu(list, {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;
+        case WM_SETFOCUS:
+        case WM_KILLFOCUS: InvalidateRect(window, nullptr, FALSE); break;
+        case WM_SIZE:
+            result = DefSubclassProc(window, message, wParam, lParam);
+            ListViewFitColumns(list);
+            return result;
+        case WM_NCDESTROY:
+            RemoveWindowSubclass(window, ListViewProc, id);
+            OnListDestroyed(list);
+            break;
+        default: break;
+    }
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
+bool ListViewHandleNotify(ListView& list, const NMHDR& header, LRESULT* result) {
+    if (list.window == nullptr || header.hwndFrom != list.window) return false;
+    switch (header.code) {
+        case LVN_GETDISPINFOW:
+            // The control wants its answer in the very record it sends.
+            FillItem(list, reinterpret_cast<NMLVDISPINFOW*>(const_cast<NMHDR*>(&header))->item);
+            return true;
+        case NM_CUSTOMDRAW:
+            *result = ListViewDrawItem(list, reinterpret_cast<const NMLVCUSTOMDRAW&>(header));
+            return true;
+        case NM_CLICK: OnListClick(list, reinterpret_cast<const NMITEMACTIVATE&>(header)); return true;
+        case NM_DBLCLK: OnListDoubleClick(list, reinterpret_cast<const NMITEMACTIVATE&>(header)); return true;
+        case LVN_GETINFOTIPW: FillTip(list, reinterpret_cast<const NMLVGETINFOTIPW&>(header)); return true;
+        case LVN_BEGINSCROLL: InlineEditCancel(); return true;
+        default: return false;
+    }
+}
