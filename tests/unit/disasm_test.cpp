@@ -2,7 +2,7 @@
 #include "disasm/disasm.h"
 #include "disasm/listing_text.h"
 #include "disasm/renderer.h"
-#include "disasm/visible_text.h"
+#include "program/visible_text.h"
 #include "support/pe_bytes.h"
 #include "support/temp_files.h"
 
@@ -216,15 +216,7 @@ TEST(Disasm, ThePartAroundTheCaretComesFirst) {
     }
 }
 
-TEST(Disasm, ARangeAndKnownStartsDecideWhereInstructionsBegin) {
-    DisasmProgram range = Program64(false);
-    range.firstRva = 0x1005;  // within a call: the next one is the first
-    range.endRva = 0x1010;
-    const std::string part = Rendered(range);
-    EXPECT_EQ(part.find("000140001004"), std::string::npos) << part;
-    EXPECT_NE(part.find("000140001009"), std::string::npos) << part;
-    EXPECT_EQ(part.find("000140001011"), std::string::npos) << part;
-
+TEST(Disasm, KnownStartsDecideWhereInstructionsBegin) {
     // A line's code begins within what looks like one instruction: data before it are bytes.
     DisasmProgram mixed = Program64(false);
     mixed.lines = {{0x101A, 1, 1}};
@@ -262,7 +254,6 @@ TEST(Disasm, NamesHaveALimit) {
         program.lines.push_back({0x1000 + i, 1, i + 1});
         program.sources[0].text += "SUB P" + std::to_string(i) + "\n";
     }
-    program.firstRva = 0x1000 + kLimit - 1;
     const std::string text = Rendered(std::move(program));
     EXPECT_EQ(CountLabels(text, "P65535"), 1) << text;
     EXPECT_EQ(CountLabels(text, "P65536"), 0) << text;
