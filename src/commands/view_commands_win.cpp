@@ -3,10 +3,10 @@
 
 #include "base/events.h"
 #include "commands/toolbar.h"
-#include "compile/compile_state.h"
 #include "disasm/asm_pane.h"
 #include "documents/document_row.h"
 #include "files/file_io.h"
+#include "output/last_build.h"
 #include "output/output_pane.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
@@ -33,13 +33,9 @@ void ShowAsmPane(bool show) {
     g_events.layoutWanted();
     LeaveHiddenPane();
     if (!show) return;
-    EnterCriticalSection(&g_buildCs);
-    const std::wstring source = g_buildState.sourcePath;
-    const std::wstring listing = g_buildState.listingPath;
-    const std::wstring program = g_buildState.outputPath;
-    LeaveCriticalSection(&g_buildCs);
-    if (!source.empty() && (FileExists(listing.c_str()) || FileExists(program.c_str())))
-        AsmPaneLoad(source.c_str(), listing.c_str());
+    const BuildRecord& last = LastBuild();
+    if (!last.source.empty() && (FileExists(last.listing.c_str()) || FileExists(last.output.c_str())))
+        AsmPaneLoad(last.source.c_str(), last.listing.c_str());
 }
 
 void SetTheme(int theme) {

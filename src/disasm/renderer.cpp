@@ -388,7 +388,7 @@ void OpenPart(DisasmRenderer& r, const Part& part, std::string& out) {
     r.blank = false;
     r.opened = true;
     r.at = part.from;
-    // A range may begin within an instruction.
+    // A part may begin within an instruction.
     while (r.at < part.to && (code.marks[r.at] & kStart) == 0) ++r.at;
     const auto& lines = r.program.lines;
     const auto first = std::lower_bound(lines.begin(), lines.end(), code.rva + r.at,

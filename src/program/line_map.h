@@ -19,7 +19,7 @@ void NormalizeSdbgControlLines(SdbgMap* map, const wchar_t* source);
 // The loader that fits the compiler, normalised. False: the output pane says why.
 bool DebugLoadMap(const wchar_t* executable, std::uint32_t compilerId, SdbgMap* map);
 
-// The file's bytes as a new block that the caller frees; null for an empty, unreadable or shortened one.
+// The file's bytes as a new block that the caller frees; null for an empty or unreadable one.
 std::uint8_t* ReadWholeFileW(const wchar_t* path, std::size_t* size);
 int CollectPbmainSourceLines(const wchar_t* source, std::uint32_t* out, int capacity);
 bool IsBasicControlOnlySourceLine(const wchar_t* source, int line);
