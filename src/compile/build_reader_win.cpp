@@ -5,11 +5,11 @@
 #include "compile/build_log.h"
 #include "compile/child_process.h"
 #include "compile/compile_state.h"
+#include "compile/read_course.h"
 #include "output/line_colours.h"
 #include "output/output_credits.h"
 #include "resources/ids.h"
 
-#include <algorithm>
 #include <cwchar>
 #include <utility>
 #include <vector>
@@ -18,8 +18,6 @@ namespace {
 
 constexpr DWORD kChunkBytes = 4096;
 constexpr DWORD kShortChunk = 1024;
-constexpr ULONGLONG kLateMs = 500;  // how long a pipe that others hold open is read after the process's end
-constexpr std::size_t kLateBytes = 1024 * 1024;  // and how much; far more than a pipe holds
 constexpr int kPostTries = 100;
 constexpr DWORD kPostPauseMs = 20;
 
@@ -32,20 +30,12 @@ struct Reader {
     HANDLE pipe = nullptr;
     HANDLE process = nullptr;
     HANDLE job = nullptr;
-    ULONGLONG deadline = 0;     // tick count
-    ULONGLONG endedAt = 0;      // tick count at the process's end
-    std::size_t lateBytes = 0;  // read since that end
-    bool processEnded = false;
+    ReadCourse course;
     UniqueHandle readDone;  // event
     BuildLog log;
 };
 
-enum class ReadStep { Go, PipeEnd, Stopped, TimedOut };
-
-DWORD MsLeft(const Reader& reader) {
-    const ULONGLONG now = GetTickCount64();
-    return now >= reader.deadline ? 0 : static_cast<DWORD>(std::min<ULONGLONG>(reader.deadline - now, INFINITE - 1));
-}
+DWORD MsLeft(const Reader& reader) { return ReadMsLeft(reader.course, GetTickCount64()); }
 
 // Posts a text for which a credit was taken. What cannot be delivered gives its credit back.
 void PostText(const Reader& reader, HeapBlock<wchar_t> text, LPARAM colour) {
@@ -62,20 +52,20 @@ ReadStep WaitForCredit(const Reader& reader) {
     }
 }
 
-// Waits for the read that is under way. A process that ours has started may live on and hold the pipe open for ever. So
-// the pipe is read for only a moment more after the end of ours, long enough for all that ours has left in it.
+// Waits for the read that is under way.
 ReadStep WaitForRead(Reader& reader, HANDLE readDone) {
     const HANDLE any[] = {reader.cancel.Event(), readDone, reader.process};
     for (;;) {
-        const ULONGLONG late = reader.processEnded ? GetTickCount64() - reader.endedAt : 0;
-        const DWORD patience = reader.processEnded ? static_cast<DWORD>(kLateMs - std::min(late, kLateMs)) : INFINITE;
-        const DWORD result =
-            WaitForMultipleObjects(reader.processEnded ? 2 : 3, any, FALSE, std::min(patience, MsLeft(reader)));
-        if (result == WAIT_OBJECT_0) return ReadStep::Stopped;
-        if (result == WAIT_OBJECT_0 + 1) return ReadStep::Go;
-        if (result != WAIT_OBJECT_0 + 2) return MsLeft(reader) == 0 ? ReadStep::TimedOut : ReadStep::PipeEnd;
-        reader.processEnded = true;
-        reader.endedAt = GetTickCount64();
+        const DWORD count = reader.course.processEnded ? 2 : 3;
+        switch (WaitForMultipleObjects(count, any, FALSE, ReadPatience(reader.course, GetTickCount64()))) {
+            case WAIT_OBJECT_0: return ReadStep::Stopped;
+            case WAIT_OBJECT_0 + 1: return ReadStep::Go;
+            case WAIT_OBJECT_0 + 2:
+                reader.course.processEnded = true;
+                reader.course.endedAt = GetTickCount64();
+                break;
+            default: return ReadNothingCame(reader.course, GetTickCount64());
+        }
     }
 }
 
@@ -100,13 +90,12 @@ ReadStep ReadChunk(Reader& reader) {
     } else {
         OutputCreditsReturn(1);
     }
-    reader.lateBytes += reader.processEnded ? count : 0;
     // Some runtimes write a line, or a part of one, at a time, and each tiny write would cost a message and two switches of
     // the processor. After a moment's wait the next chunk is a large one.
-    if (step == ReadStep::Go && count < kShortChunk && !reader.processEnded &&
+    if (step == ReadStep::Go && count < kShortChunk && !reader.course.processEnded &&
         WaitForSingleObject(reader.cancel.Event(), 1) == 0)
         return ReadStep::Stopped;
-    return step;
+    return ReadPieceCame(reader.course, count, step, GetTickCount64());
 }
 
 ReadStep ReadToEnd(Reader& reader) {
@@ -114,8 +103,6 @@ ReadStep ReadToEnd(Reader& reader) {
         ReadStep step = WaitForCredit(reader);
         if (step == ReadStep::Go) step = ReadChunk(reader);
         if (step != ReadStep::Go) return step;
-        if (MsLeft(reader) == 0) return ReadStep::TimedOut;
-        if (reader.lateBytes > kLateBytes) return ReadStep::PipeEnd;
     }
 }
 
@@ -128,8 +115,7 @@ BuildEnd ReadAndWait(Reader& reader) {
                : result == WAIT_OBJECT_0 + 1 ? ReadStep::PipeEnd
                                              : ReadStep::TimedOut;
     }
-    if (step == ReadStep::Stopped) return BuildEnd::Stopped;
-    return step == ReadStep::TimedOut ? BuildEnd::TimedOut : BuildEnd::Ended;
+    return ReadEndOf(step);
 }
 
 // A command that outlived its time goes on without us; reading what it prints keeps it from being stuck on a full
@@ -206,14 +192,13 @@ void CompilerThread(ReaderRequest& request, const WorkerCancel& cancel) {
         reader.process = g_buildState.process;
         reader.job = g_buildState.job;
     }
-    reader.deadline = request.limitMs == INFINITE ? ~0ULL : GetTickCount64() + request.limitMs;
+    if (request.limitMs != INFINITE) reader.course.deadline = GetTickCount64() + request.limitMs;
     reader.readDone.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     reader.log = BuildLogOpen(request.logPath);
     BuildLogWrite(reader.log, request.logHeader);
 
     const BuildEnd end = ReadAndWait(reader);
-    const bool command = request.stage == BuildStage::PreBuild || request.stage == BuildStage::PostBuild;
-    const bool leave = end == BuildEnd::TimedOut && command;
+    const bool leave = ReadLeavesRunning(request.stage, end);
     if (end != BuildEnd::Ended && !leave) {
         ChildTerminate(reader.job, reader.process);
         WaitForSingleObject(reader.process, 1000);

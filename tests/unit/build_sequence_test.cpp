@@ -2,6 +2,7 @@
 #include "compile/build_sequence.h"
 #include "compile/build_batch.h"
 #include "compile/build_plan.h"
+#include "compile/read_course.h"
 #include "compile/side_logs.h"
 #include "compile/staging.h"
 #include "compile/terminal_text.h"
@@ -306,6 +307,28 @@ TEST(Terminal, HistoryGoesBackAndForth) {
     EXPECT_EQ(history.commands.size(), kTerminalHistory);
     EXPECT_EQ(Narrow(TerminalCommandLine(L"C:\\Windows\\system32", L"echo \"x\"")),
               "\"C:\\Windows\\system32\\cmd.exe\" /d /s /c \"echo \"x\"\"");
+}
+
+TEST(ReadCourse, APipeThatOthersHoldOpenIsLeft) {
+    ReadCourse course = {.deadline = 10000};
+    EXPECT_EQ(ReadPatience(course, 4000), 6000U) << "while the process runs, until the limit";
+    EXPECT_EQ(ReadPieceCame(course, 4096, ReadStep::Go, 4000), ReadStep::Go);
+    course.processEnded = true;
+    course.endedAt = 5000;
+    EXPECT_EQ(ReadPatience(course, 5100), 400U);
+    EXPECT_EQ(ReadPatience(course, 9000), 0U);
+    course.endedAt = 9900;
+    EXPECT_EQ(ReadPatience(course, 9900), 100U) << "the limit comes first";
+    EXPECT_EQ(ReadNothingCame(course, 9950), ReadStep::PipeEnd);
+    EXPECT_EQ(ReadNothingCame(course, 10000), ReadStep::TimedOut);
+    EXPECT_EQ(course.lateBytes, 0U) << "what came before the end is the process's own";
+    EXPECT_EQ(ReadPieceCame(course, kReadLateBytes, ReadStep::Go, 9950), ReadStep::Go);
+    EXPECT_EQ(ReadPieceCame(course, 1, ReadStep::Stopped, 9950), ReadStep::Stopped);
+    EXPECT_EQ(ReadPieceCame(course, 1, ReadStep::Go, 9950), ReadStep::PipeEnd) << "enough for one pipe";
+    EXPECT_EQ(ReadMsLeft({}, 1), 0xFFFFFFFEU) << "no limit is no endless wait";
+    EXPECT_TRUE(ReadLeavesRunning(BuildStage::PostBuild, ReadEndOf(ReadStep::TimedOut)));
+    EXPECT_FALSE(ReadLeavesRunning(BuildStage::Compile, ReadEndOf(ReadStep::TimedOut)));
+    EXPECT_FALSE(ReadLeavesRunning(BuildStage::PreBuild, ReadEndOf(ReadStep::Stopped)));
 }
 
 // A disk of names and contents; the stamp of a file is the length of its content.
