@@ -414,10 +414,6 @@ TEST(CommandLine, BuildFlagsComeOnceAndOnlyWhole) {
     EXPECT_EQ(Narrow(flags), "-Wall --debug");
     AppendBuildFlag(flags, Repeat(1023 - 14));
     EXPECT_EQ(std::wstring_view(flags).size(), 1023U);
-    EXPECT_EQ(Narrow(ProfileFlags(0, L"/D")), "/D");
-    EXPECT_EQ(Narrow(ProfileFlags(1, L"/D")), "-O2");
-    EXPECT_EQ(Narrow(ProfileFlags(2, L"/D")), "-O0");
-    EXPECT_EQ(Narrow(ProfileFlags(3, L"/D")), "");
 }
 
 TEST(BuildPaths, NamesOfCopiesAndSideFiles) {
