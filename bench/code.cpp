@@ -10,7 +10,7 @@
 #include <iterator>
 #include <string>
 
-#include "disasm/pe_image.h"
+#include "program/pe_image.h"
 #include "disasm/renderer.h"
 #include "resources/ids.h"
 #include "support/pe_bytes.h"

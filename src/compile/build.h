@@ -21,8 +21,8 @@ bool CmdHandle_Build(int command);
 void BuildOnOutput(wchar_t* heapText, COLORREF colour);
 void BuildOnFinished(DWORD exitCode);
 void BuildOnTimer();
-// After a look at what waits to be shown (TIMER_OUTPUT): a stage that has ended is reported once all it printed is in the pane.
-// True: a pane that was replaced is still to be destroyed, so the timer must go on.
+// On TIMER_OUTPUT, after the pane has got its next lines: reports the end of a stage when all it printed is in the pane. True: a
+// pane that was replaced is still to be destroyed, so the timer must go on.
 bool BuildOnShown(bool allShown);
 
 // Ends a running build and waits (bounded) for its reader; at shut-down.

@@ -5,12 +5,14 @@
 #include "base/events.h"
 #include "base/path.h"
 #include "base/wide_format.h"
-#include "compile/build_paths.h"
+#include "compile/build_batch.h"
+#include "compile/build_plan.h"
 #include "compile/build_runner.h"
 #include "compile/build_stage.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "files/file_io.h"
+#include "output/line_colours.h"
 #include "output/output_pane.h"
 #include "resources/ids.h"
 #include "settings/compiler_table.h"
@@ -19,49 +21,39 @@
 
 #include <shellapi.h>
 
+#include <utility>
 #include <vector>
 
 namespace {
 
-constexpr COLORREF kRed = 0x0000FF;
+BuildBatch g_batch;
 
-// A build of all documents: they are taken by their editors, because tabs may move or be closed meanwhile.
-struct Batch {
-    std::vector<HWND> editors;
-    std::size_t next = 0;
-    int succeeded = 0;
-    int failed = 0;
-    bool running = false;
-};
-Batch g_batch;
-
-const DocumentTab* ActiveDocument() {
+const DocumentTab* DocumentToBuild() {
     return IsTabIndex(g_documents.activeTab) ? &TabAt(g_documents.activeTab) : nullptr;
 }
 
 void EndBatch() {
-    const std::wstring report = FormatW(L"Batch build: %d succeeded, %d failed.", g_batch.succeeded, g_batch.failed);
+    const std::wstring report = BatchReportText(g_batch);
     g_batch = {};
     OutputPaneAppend((report + L"\r\n").c_str(), 0);
     g_events.statusText(report.c_str());
 }
 
 void FailBatch() {
-    ++g_batch.failed;
-    OutputPaneAppend(L"Build failed, stopping batch.\r\n", kRed);
+    BatchCount(g_batch, false);
+    OutputPaneAppend(L"Build failed, stopping batch.\r\n", kLineRed);
     EndBatch();
 }
 
 void BuildNextOfBatch() {
-    while (g_batch.next < g_batch.editors.size()) {
-        const int tab = TabBarFindEditor(g_batch.editors[g_batch.next++]);
+    while (const DocumentId document = BatchTakeNext(g_batch)) {
+        const int tab = TabBarFindDocument(document);
         if (!IsTabIndex(tab)) continue;  // closed meanwhile
         TabBarSelect(tab);
-        const std::wstring progress = FormatW(L"[%d/%d] Building %s...", static_cast<int>(g_batch.next),
-                                              static_cast<int>(g_batch.editors.size()), TabAt(tab).label);
+        const std::wstring progress = BatchProgressText(g_batch, TabAt(tab).label);
         OutputPaneAppend((progress + L"\r\n").c_str(), 0);
         const int started = BuildStart({.keepPane = true, .after = AfterBuild::NextOfBatch});
-        if (started)
+        if (started != 0)
             g_events.statusText(progress.c_str());
         else if (g_batch.running)
             FailBatch();
@@ -70,31 +62,31 @@ void BuildNextOfBatch() {
     EndBatch();
 }
 
-void BuildAll() {
+void BuildAllDocuments() {
     StageSettle(true);  // the end of an earlier build that is not shown yet is not the batch's
     if (CompilerIsBuilding()) {
-        g_events.statusText(kBuildBusy);
+        BuildApplyStep(BuildRefused(BuildRefusal::StillRunning));
         return;
     }
-    std::vector<HWND> editors;
+    std::vector<DocumentId> documents;
     for (const DocumentTab& tab : g_documents.tabs)
-        if (tab.hasFile && IsBatchBuildSource(tab.path)) editors.push_back(tab.editor);
+        if (tab.hasFile && IsBatchBuildSource(tab.path)) documents.push_back(tab.id);
     OutputPaneClear();
     CompilerClearErrors();
     OutputPaneAppend(L"=== Batch Build All ===\r\n", 0);
-    g_batch = {.editors = std::move(editors), .running = true};
+    g_batch = BatchOf(std::move(documents));
     BuildNextOfBatch();
 }
 
-void BuildAndRun() {
-    const DocumentTab* tab = ActiveDocument();
+void BuildAndRunDocument() {
+    const DocumentTab* tab = DocumentToBuild();
     if (tab != nullptr && !tab->hasFile) {
         FileSave(g_documents.activeTab);  // asks for a name
-        tab = ActiveDocument();
+        tab = DocumentToBuild();
     }
     if (tab == nullptr || !tab->hasFile) {
         OutputPaneClear();
-        OutputPaneAppend(L"Run cancelled: save the active tab to a source file first.\r\n", kRed);
+        OutputPaneAppend(L"Run cancelled: save the active tab to a source file first.\r\n", kLineRed);
         g_events.statusText(L"Run cancelled");
         return;
     }
@@ -102,46 +94,42 @@ void BuildAndRun() {
 }
 
 // A file that is open in a tab is somebody's work, whatever its name.
-void DeleteProduct(const std::wstring& path, const std::wstring& source) {
-    if (SamePathText(path, source) || !FileExists(path.c_str())) return;
+void DeleteProduct(const std::wstring& path) {
+    if (!FileExists(path.c_str())) return;
     const bool open = TabBarFindPath(path.c_str()) >= 0;
     if (open || !DeleteFileW(PathForSystem(path.c_str()).c_str()))
         OutputPaneAppend(FormatW(L"Not deleted: %s%s\r\n", path.c_str(), open ? L" (open in the editor)" : L"").c_str(),
-                         kRed);
+                         kLineRed);
 }
 
-void Clean() {
-    const DocumentTab* tab = ActiveDocument();
+void CleanProducts() {
+    const DocumentTab* tab = DocumentToBuild();
     if (tab == nullptr || !tab->hasFile) {
-        OutputPaneAppend(L"Clean cancelled: save the active tab to a source file first.\r\n", kRed);
+        OutputPaneAppend(L"Clean cancelled: save the active tab to a source file first.\r\n", kLineRed);
         g_events.statusText(L"Clean cancelled");
         return;
     }
-    const std::wstring source = tab->path;
-    wchar_t product[kPathCapacity] = {};
-    CompilerMakeOutputPath(source.c_str(), product, kPathCapacity);
-    DeleteProduct(product, source);
-    CompilerMakeAsmPath(source.c_str(), product, kPathCapacity);
-    // A source without an extension in a folder with a dot has its listing's name outside that folder.
-    if (SamePathText(FolderOf(product), FolderOf(source))) DeleteProduct(product, source);
-    for (const wchar_t* extension : {L".log", L".lst", L".err", L".buildlog"})
-        DeleteProduct(ReplaceExtension(source, extension), source);
+    wchar_t output[kPathCapacity] = {};
+    wchar_t listing[kPathCapacity] = {};
+    CompilerMakeOutputPath(tab->path, output, kPathCapacity);
+    CompilerMakeAsmPath(tab->path, listing, kPathCapacity);
+    for (const std::wstring& target : CleanTargets(tab->path, output, listing)) DeleteProduct(target);
     OutputPaneAppend(L"Cleaned build outputs.\r\n", 0);
 }
 
-void Stop() {
+void StopBuild() {
     if (!CompilerIsBuilding()) return;
-    g_batch.editors.resize(g_batch.next);  // no further document
+    BatchDropRest(g_batch);
     CompilerKill();
     g_events.statusText(L"Build stopped");
 }
 
-void UseCompiler(std::uint32_t id) {
+void UseCompilerOfMenu(std::uint32_t id) {
     SettingsChange([id](Settings& settings) { settings.activeCompiler = static_cast<std::int32_t>(id); });
     SettingsSave(nullptr);
 }
 
-void UseProfile(int profile) {
+void UseBuildProfile(int profile) {
     constexpr const wchar_t* names[] = {L"Debug", L"Release", L"Fast"};
     SettingsChange([profile](Settings& settings) { settings.profile = profile; });
     SettingsSave(nullptr);
@@ -149,15 +137,15 @@ void UseProfile(int profile) {
     g_events.refreshWanted();
 }
 
-using Starter = void (*)();
+using BuildStarter = void (*)();
 
 // What a command starts; null for one that starts nothing.
-Starter StarterOf(int command) {
+BuildStarter BuildStarterOf(int command) {
     switch (command) {
         case IDM_BUILD: return [] { StartCompilerBuild(false, false); };
-        case IDM_BUILD_RUN: return BuildAndRun;
+        case IDM_BUILD_RUN: return BuildAndRunDocument;
         case IDM_BUILD_SYNTAX: return [] { StartCompilerBuild(true, false); };
-        case IDM_BUILD_ALL: return BuildAll;
+        case IDM_BUILD_ALL: return BuildAllDocuments;
         default: return nullptr;
     }
 }
@@ -168,10 +156,7 @@ void RunBuiltProgram(const std::wstring& program) {
     const auto result = reinterpret_cast<INT_PTR>(
         ShellExecuteW(g_ui.hMainWnd, L"open", program.c_str(), nullptr, FolderOf(program).c_str(), SW_SHOWNORMAL));
     if (result > 32) return;
-    OutputPaneAppend(
-        FormatW(L"Run failed for: %s\r\nShellExecute error: %ld\r\n", program.c_str(), static_cast<long>(result))
-            .c_str(),
-        kRed);
+    OutputPaneAppend(RunErrorLine(program, static_cast<long>(result)).c_str(), kLineRed);
     g_events.statusText(L"Run failed");
 }
 
@@ -181,30 +166,33 @@ void BatchOnBuildEnd(bool success) {
         FailBatch();
         return;
     }
-    ++g_batch.succeeded;
+    BatchCount(g_batch, true);
     BuildNextOfBatch();
 }
+
+bool BatchIsRunning() { return g_batch.running; }
 
 bool CompilerIsBuilding() { return StageRuns() || g_batch.running; }
 
 bool CmdHandle_Build(int command) {
-    if (const Starter start = StarterOf(command)) {
-        if (CompilerIsBuilding())
-            g_events.statusText(kBuildBusy);
-        else if (!BuildRefusedByDebugger())
+    if (const BuildStarter start = BuildStarterOf(command)) {
+        const BuildRefusal refusal = BuildRefusalOfCommand(BuildSituationNow());
+        if (refusal == BuildRefusal::None)
             start();
+        else
+            BuildApplyStep(BuildRefused(refusal));
         return true;
     }
     if (const CompilerMenuEntry* entry = CompilerEntryByCommand(command)) {
-        UseCompiler(entry->id);
+        UseCompilerOfMenu(entry->id);
         return true;
     }
     switch (command) {
-        case IDM_BUILD_STOP: Stop(); return true;
-        case IDM_BUILD_CLEAN: Clean(); return true;
+        case IDM_BUILD_STOP: StopBuild(); return true;
+        case IDM_BUILD_CLEAN: CleanProducts(); return true;
         case IDM_PROFILE_DEBUG:
         case IDM_PROFILE_RELEASE:
-        case IDM_PROFILE_FAST: UseProfile(command - IDM_PROFILE_DEBUG); return true;
+        case IDM_PROFILE_FAST: UseBuildProfile(command - IDM_PROFILE_DEBUG); return true;
         case IDM_ERROR_NEXT: CompilerNextError(); return true;
         case IDM_ERROR_PREVIOUS: CompilerPrevError(); return true;
         default: return false;

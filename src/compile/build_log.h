@@ -1,5 +1,5 @@
-// The ".buildlog" file beside the source: what the last build was and printed, as UTF-8. Written by the reader thread
-// as the output comes, so that it is whole even if the editor is not there at the end.
+// The ".buildlog" file beside the source: the header of the last build and what it printed, as UTF-8. The reader thread writes
+// it as the output comes, so that it has everything even when the editor ends before the build does.
 #pragma once
 
 #include "base/handles.h"

@@ -2,67 +2,46 @@
 
 #include "base/events.h"
 #include "base/path.h"
-#include "base/wide_format.h"
 #include "compile/build.h"
-#include "compile/build_paths.h"
-#include "compile/build_reader.h"
+#include "compile/build_plan.h"
 #include "compile/build_stage.h"
-#include "compile/command_line.h"
 #include "compile/compile_state.h"
 #include "compile/side_logs.h"
+#include "compile/staging.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "files/file_io.h"
 #include "output/last_build.h"
+#include "output/line_colours.h"
 #include "output/output_feed.h"
 #include "output/output_pane.h"
-#include "resources/ids.h"
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
-#include "tabs/tab_bar.h"
 #include "ui/panes.h"
 #include "ui/ui_state.h"
 
+#include <iterator>
+
 namespace {
 
-constexpr COLORREF kTeal = 0x808000;
-constexpr COLORREF kRed = 0x0000FF;
-
-struct CurrentBuild {
-    BuildOrder order;
-    std::uint32_t id = 0;
+struct BuildRunner {
+    BuildRun run;
+    std::uint32_t compilerId = 0;
     std::wstring source;
     std::wstring output;
-    std::wstring listing;
-    bool success = false;
-    std::wstring status;  // the status bar's text at the end
+    bool saving = false;  // the save of the source is asking the user something
 };
-CurrentBuild g_build;
-bool g_starting = false;  // a save of this build's source is asking the user something
+BuildRunner g_runner;
 
-class BuildLock {
-public:
-    BuildLock() { EnterCriticalSection(&g_buildCs); }
-    ~BuildLock() { LeaveCriticalSection(&g_buildCs); }
-    BuildLock(const BuildLock&) = delete;
-    BuildLock& operator=(const BuildLock&) = delete;
-};
-
-void Cancel(const wchar_t* line) {
-    OutputPaneAppend(line, kRed);
-    g_events.statusText(L"Build cancelled");
-}
-
-// Saves the active document where that is needed, and gives its path. A document that nothing has changed is not
-// written: that would undo what another program did to the file meanwhile.
-bool SaveActive(std::wstring* source) {
+// Saves the active document where that is needed, and gives its path.
+bool SaveSourceToBuild(std::wstring* source) {
     const int index = g_documents.activeTab;
     {
         const DocumentTab& tab = TabAt(index);
-        const bool current = !tab.modified && tab.hasFile && FileExists(tab.path);
-        g_starting = true;
-        const bool saved = current || FileSave(index) != 0;
-        g_starting = false;
+        const bool needed = BuildNeedsSave(tab.modified, tab.hasFile, FileExists(tab.path));
+        g_runner.saving = true;
+        const bool saved = !needed || FileSave(index) != 0;
+        g_runner.saving = false;
         if (!saved || !IsTabIndex(index)) return false;
     }
     const DocumentTab& tab = TabAt(index);  // again: the save may have moved records
@@ -78,309 +57,249 @@ void ClearErrorMarks() {
     }
 }
 
-void MarkDocument(const std::wstring& source, BuildMark mark) {
-    const int tab = TabBarFindPath(source.c_str());
-    if (!IsTabIndex(tab)) return;
-    TabAt(tab).buildMark = mark;
+void MarkBuiltDocument(DocumentVerdict verdict) {
+    const int tab = TabBarFindPath(g_runner.source.c_str());
+    if (verdict == DocumentVerdict::None || !IsTabIndex(tab)) return;
+    TabAt(tab).buildMark = verdict == DocumentVerdict::Succeeded ? BuildMark::Ok : BuildMark::Error;
     g_events.documentChanged(TabAt(tab).id);
 }
 
-bool CompilerIsThere(std::uint32_t id) {
-    if (CompilerExists(id)) return true;
-    wchar_t path[kPathCapacity] = {};
-    CompilerPathResolved(id, path, kPathCapacity);
-    OutputPaneAppend(FormatW(L"Compiler not found: %s\r\nConfigured path: %s\r\nOpen Project > Settings and run "
-                             L"Auto-Detect or browse to the compiler.\r\n",
-                             CompilerName(id), path[0] != L'\0' ? path : L"(empty)")
-                         .c_str(),
-                     kRed);
-    g_events.statusText(L"Compiler not found");
-    return false;
+int RefuseBuild(BuildRefusal refusal) {
+    BuildApplyStep(BuildRefused(refusal));
+    return 0;
 }
 
-// A pre- or post-build command. False: it could not be started.
-bool StartCommand(BuildStage stage, const wchar_t* label, const wchar_t* command) {
-    OutputPaneAppend(FormatW(L"[%s] %s\r\n", label, command).c_str(), kTeal);
+BuildPrinted PrintedByCompiler() {
+    const OutputCounts& counts = OutputFeedCounts();
+    return {.lines = counts.lines, .errors = counts.errors, .warnings = counts.warnings};
+}
+
+std::wstring FlagsOfRun() {
+    const BuildOrder& order = g_runner.run.order;
+    return BuildFlagsOf({.syntaxOnly = order.syntaxOnly,
+                         .debug = order.debug,
+                         .profile = g_settings.profile,
+                         .buildFlags = CompilerFlags(g_runner.compilerId),
+                         .syntaxFlags = CompilerSyntaxFlags(g_runner.compilerId),
+                         .debugFlags = CompilerDebugFlags(g_runner.compilerId)});
+}
+
+bool StartCommandStage(BuildStage stage, const wchar_t* command) {
     DWORD error = 0;
-    if (StageStart(
-            {.stage = stage, .commandLine = command, .directory = FolderOf(g_build.source), .limitMs = kCommandLimitMs},
-            &error))
-        return true;
-    OutputPaneAppend(FormatW(L"[%s] Failed to run.\r\n", label).c_str(), kRed);
-    return false;
+    return StageStart(
+        {.stage = stage, .commandLine = command, .directory = FolderOf(g_runner.source), .limitMs = kCommandLimitMs},
+        &error);
 }
 
-void ReportCommand(const wchar_t* label, const StageResult& result) {
-    if (result.end == BuildEnd::TimedOut)
-        OutputPaneAppend(FormatW(L"[%s] Still running after %lu seconds; going on without its output.\r\n", label,
-                                 kCommandLimitMs / 1000)
-                             .c_str(),
-                         kTeal);
-    else if (result.end == BuildEnd::Ended && result.exitCode != 0)
-        OutputPaneAppend(FormatW(L"[%s] Exit code %lu.\r\n", label, result.exitCode).c_str(), kTeal);
+bool StartCompilerStage() {
+    OutputFeedReset(g_runner.compilerId);  // what a pre-build command printed is not the compiler's
+    const bool wantListing = !g_runner.run.order.syntaxOnly && PaneIsShown(PaneId::Asm);
+    return CompilerBuild(g_runner.compilerId, g_runner.source.c_str(), g_runner.output.c_str(), FlagsOfRun().c_str(),
+                         wantListing) != 0;
 }
 
-// The flags of this build, in a buffer of kFlagsCapacity.
-void BuildFlags(wchar_t* flags) {
-    const BuildOrder& order = g_build.order;
-    SafeCopyW(flags, kFlagsCapacity, order.syntaxOnly ? CompilerSyntaxFlags(g_build.id) : CompilerFlags(g_build.id));
-    const wchar_t* debugFlags = CompilerDebugFlags(g_build.id);
-    if (order.debug) AppendBuildFlag(flags, debugFlags);
-    if (!order.syntaxOnly) AppendBuildFlag(flags, ProfileFlags(g_settings.profile, debugFlags));
-}
-
-bool LaunchCompiler() {
-    const BuildOrder& order = g_build.order;
-    OutputFeedReset(g_build.id);  // what a pre-build command printed is not the compiler's
-    wchar_t flags[kFlagsCapacity] = {};
-    BuildFlags(flags);
-    g_events.statusText(order.syntaxOnly ? L"Syntax check..." : order.debug ? L"Debug build..." : L"Building...");
-    const bool wantListing = !order.syntaxOnly && PaneIsShown(PaneId::Asm);
-    if (CompilerBuild(g_build.id, g_build.source.c_str(), g_build.output.c_str(), flags, wantListing)) return true;
-    g_events.statusText(L"Build launch failed");
-    return false;
+// Starts what the step names, and gives the step that follows.
+BuildStep StartStageOf(BuildNext next) {
+    const BuildStage stage = next == BuildNext::PreBuild  ? BuildStage::PreBuild
+                             : next == BuildNext::Compile ? BuildStage::Compile
+                                                          : BuildStage::PostBuild;
+    const bool started = stage == BuildStage::Compile
+                             ? StartCompilerStage()
+                             : StartCommandStage(stage, stage == BuildStage::PreBuild ? g_settings.preBuildCmd
+                                                                                      : g_settings.postBuildCmd);
+    return started ? BuildStarted(g_runner.run, stage) : BuildNotStarted(g_runner.run, stage);
 }
 
 // The end of everything that belongs to the build.
 void EndBuild() {
-    const CurrentBuild build = g_build;
-    if (!build.status.empty()) g_events.statusText(build.status.c_str());
-    g_events.buildEnded(build.success, build.order.debug);
-    if (build.order.after == AfterBuild::NextOfBatch)
-        BatchOnBuildEnd(build.success);
-    else if (build.order.after == AfterBuild::RunProgram && build.success)
-        RunBuiltProgram(build.output);
+    const BuildRun run = g_runner.run;  // copies: what hears of the end may start the next one
+    const std::wstring program = g_runner.output;
+    if (!run.finalStatus.empty()) g_events.statusText(run.finalStatus.c_str());
+    g_events.buildEnded(run.success, run.order.debug);
+    switch (BuildFollowUp(run)) {
+        case AfterBuild::NextOfBatch: BatchOnBuildEnd(run.success); break;
+        case AfterBuild::RunProgram: RunBuiltProgram(program); break;
+        case AfterBuild::Nothing: break;
+    }
 }
 
-void EndStopped() {
-    OutputPaneAppend(L"--- Build stopped ---\r\n", kRed);
-    g_build.success = false;
-    g_build.status = L"Build stopped";
-    EndBuild();
-}
-
-std::wstring Plural(int count, const wchar_t* noun) { return FormatW(count == 1 ? L"%d %s" : L"%d %ss", count, noun); }
-
-void ReportCompiler(const StageResult& result) {
-    if (result.end == BuildEnd::TimedOut)
-        OutputPaneAppend(
-            FormatW(L"The compiler had not ended after %lu minutes and was ended.\r\n", kCompilerLimitMs / 60000)
-                .c_str(),
-            kRed);
-    const OutputCounts& counts = OutputFeedCounts();
-    const wchar_t* what = g_build.order.syntaxOnly ? L"Syntax check" : L"Build";
-    std::wstring verdict =
-        g_build.success ? FormatW(L"%s succeeded", what) : FormatW(L"%s failed (exit code %lu)", what, result.exitCode);
-    verdict += L": " + Plural(counts.errors, L"error") + L", " + Plural(counts.warnings, L"warning");
-    g_build.status = verdict + FormatW(L", %.1f s", result.seconds);
-    OutputPaneAppend((L"--- " + g_build.status + L" ---\r\n").c_str(), g_build.success ? 0 : kRed);
-}
-
-void OnCompilerEnd(const StageResult& result) {
-    FILETIME startTime = {};
-    {
-        const BuildLock lock;
-        startTime = g_buildState.startTime;
+// Does what the steps say until a stage runs or nothing is left. True: the build has begun.
+bool FollowSteps(BuildStep step) {
+    for (;;) {
+        BuildApplyStep(step);
+        MarkBuiltDocument(step.verdict);
+        if (step.programBuilt) g_events.programBuilt(LastBuild().source.c_str(), LastBuild().listing.c_str());
+        switch (step.next) {
+            case BuildNext::Refused: return false;
+            case BuildNext::Wait: return true;
+            case BuildNext::PreBuild:
+            case BuildNext::Compile:
+            case BuildNext::PostBuild: step = StartStageOf(step.next); break;
+            case BuildNext::SideLogs:
+                SideLogsShow(g_runner.source, LastBuild().startTime);
+                step = BuildReport(g_runner.run, PrintedByCompiler(), g_settings.postBuildCmd);
+                break;
+            case BuildNext::Report:
+                step = BuildReport(g_runner.run, PrintedByCompiler(), g_settings.postBuildCmd);
+                break;
+            case BuildNext::End: EndBuild(); return true;
+        }
     }
-    g_build.success = result.end == BuildEnd::Ended && result.exitCode == 0;
-    MarkDocument(g_build.source, g_build.success ? BuildMark::Ok : BuildMark::Error);
-    if (result.end == BuildEnd::Stopped) {
-        EndStopped();
-        return;
-    }
-    if (OutputFeedCounts().lines == 0) SideLogsShow(g_build.source, startTime);
-    ReportCompiler(result);
-    if (g_build.success && !g_build.order.syntaxOnly) {
-        g_events.programBuilt(g_build.source.c_str(), g_build.listing.c_str());
-        const wchar_t* postBuild = g_settings.postBuildCmd;
-        if (postBuild[0] != L'\0' && StartCommand(BuildStage::PostBuild, L"Post-build", postBuild)) return;
-    }
-    EndBuild();
 }
 
 void AppendLaunchError(DWORD error) {
     wchar_t text[512] = {};
     FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0, text,
                    static_cast<DWORD>(std::size(text)), nullptr);
-    std::wstring message = text;
-    while (!message.empty() && (message.back() == L'\r' || message.back() == L'\n')) message.pop_back();
-    OutputPaneAppend(FormatW(L"Build launch failed (Win32 error %lu): %s\r\n", error, message.c_str()).c_str(), kRed);
+    OutputPaneAppend(LaunchErrorLine(error, text).c_str(), kLineRed);
 }
 
-// What the compiler is started with; the source is staged and the command line fits.
-struct Preparation {
-    StagedSource staged;
-    std::wstring listing;
-    std::wstring workingDirectory;
-    std::wstring commandLine;
-};
-
-bool Prepare(std::uint32_t id, const wchar_t* source, const wchar_t* output, const wchar_t* flags, bool wantListing,
-             Preparation* out) {
-    wchar_t compiler[kPathCapacity] = {};
-    CompilerPathResolved(id, compiler, kPathCapacity);
-    if (compiler[0] == L'\0' || source == nullptr || source[0] == L'\0' || output == nullptr || output[0] == L'\0') {
-        OutputPaneAppend(L"Build launch failed: missing compiler, source, or output path.\r\n", kRed);
-        return false;
-    }
-    if (SamePathText(source, output)) {
-        OutputPaneAppend(L"Build launch failed: the program would take the place of its source.\r\n", kRed);
-        return false;
-    }
-    const CompilerProfile& profile = Profile(id);
-    DWORD error = 0;
-    const bool staged = StageSource(source, output, profile.commandStyle, &out->staged, &error);
-    if (!out->staged.leftover.empty())
-        OutputPaneAppend(
-            FormatW(L"An earlier build was cut off: your own text of %s is in %s\r\n",
-                    StagingTarget(source, output, profile.commandStyle, 0).c_str(), out->staged.leftover.c_str())
-                .c_str(),
-            kTeal);
-    if (!staged) {
-        OutputPaneAppend(FormatW(L"Build launch failed: %s cannot be written.\r\n",
-                                 StagingTarget(source, output, profile.commandStyle, 0).c_str())
-                             .c_str(),
-                         kRed);
-        AppendLaunchError(error);
-        return false;
-    }
-    wchar_t listing[kPathCapacity] = {};
-    CompilerMakeAsmPath(source, listing, kPathCapacity);
-    out->listing = listing;
-    // The listing of an assembly source, or of a file without an extension, would be the source itself.
-    const bool listable = wantListing && !SamePathText(listing, source);
-    out->workingDirectory = FolderOf(profile.commandStyle == CommandStyle::Keldor ? output : compiler);
-    const wchar_t* asmFlag = g_settings.compilers[profile.id].asmFlag;
-    const CommandProblem problem =
-        AssembleCommandLine({.style = profile.commandStyle,
-                             .compilerId = profile.id,
-                             .compiler = compiler,
-                             .flags = flags,
-                             .includeSwitch = profile.includeSwitch,
-                             .includePath = CompilerIncludePath(id),
-                             .listingTemplate = asmFlag[0] != L'\0' ? asmFlag : profile.asmFlag,
-                             .listing = listable ? listing : L"",
-                             .source = out->staged.path,
-                             .output = output},
-                            &out->commandLine);
-    if (problem == CommandProblem::None) return true;
-    OutputPaneAppend(CommandProblemText(problem), kRed);
-    OutputPaneAppend(UnstageSource(&out->staged).c_str(), kRed);
+// Brings the source under the name that the compiler needs. False: said why.
+bool StageForLaunch(const LaunchRequest& request, StagedSource* staged) {
+    const std::wstring source(request.source);
+    const std::wstring output(request.output);
+    std::uint32_t error = 0;
+    const bool done = StageSource(source.c_str(), output.c_str(), request.style, staged, &error);
+    const std::wstring target = StagingTarget(source, output, request.style, 0);
+    if (!staged->leftover.empty()) OutputPaneAppend(LeftoverLine(target, staged->leftover).c_str(), kLineTeal);
+    if (done) return true;
+    OutputPaneAppend(NotStagedLine(target).c_str(), kLineRed);
+    AppendLaunchError(error);
     return false;
 }
 
-// A batch is busy for all but its own builds.
-bool IsBusyFor(const BuildOrder& order) {
-    return order.after == AfterBuild::NextOfBatch ? StageRuns() : CompilerIsBuilding();
+// The source is staged and the command line fits. False: said why, and nothing is left behind.
+bool PrepareLaunch(const LaunchRequest& request, StagedSource* staged, LaunchPlan* plan) {
+    if (const std::wstring obstacle = LaunchObstacle(request); !obstacle.empty()) {
+        OutputPaneAppend(obstacle.c_str(), kLineRed);
+        return false;
+    }
+    if (!StageForLaunch(request, staged)) return false;
+    const CommandProblem problem = PlanLaunch(request, staged->path, plan);
+    if (problem == CommandProblem::None) return true;
+    OutputPaneAppend(CommandProblemText(problem), kLineRed);
+    OutputPaneAppend(UnstageSource(staged).c_str(), kLineRed);
+    return false;
+}
+
+// In both records: the one under the lock, and the one that the UI thread asks.
+void RecordLaunch(const LaunchRequest& request, const StagedSource& staged, const LaunchPlan& plan,
+                  const FILETIME& startTime) {
+    LastBuildBegin({.source = std::wstring(request.source),
+                    .output = std::wstring(request.output),
+                    .staged = staged.copied ? staged.path : std::wstring(),
+                    .listing = std::wstring(request.listing),
+                    .workingDirectory = plan.workingDirectory,
+                    .compilerId = request.compilerId,
+                    .startTime = std::uint64_t{startTime.dwHighDateTime} << 32 | startTime.dwLowDateTime});
+    const BuildLock lock;
+    SafeCopyW(g_buildState.sourcePath, request.source);
+    SafeCopyW(g_buildState.outputPath, request.output);
+    SafeCopyW(g_buildState.listingPath, request.listing);
+    g_buildState.startTime = startTime;
+    g_buildState.compilerId = request.compilerId;
+}
+
+// "ActiveCompiler", or the one that the file belongs to when that is set to none.
+std::uint32_t CompilerToUse(const std::wstring& source) {
+    const std::int32_t active = g_settings.activeCompiler;
+    return active >= 0 && active < static_cast<std::int32_t>(kCompilerCount) ? static_cast<std::uint32_t>(active)
+                                                                             : CompilerDefaultForFile(source.c_str());
+}
+
+int RefuseWithoutCompiler(std::uint32_t id) {
+    wchar_t path[kPathCapacity] = {};
+    CompilerPathResolved(id, path, kPathCapacity);
+    BuildApplyStep(BuildRefused(BuildRefusal::NoCompiler, CompilerName(id), path));
+    return 0;
 }
 
 }  // namespace
 
-int CompilerBuild(std::uint32_t id, const wchar_t* source, const wchar_t* output, const wchar_t* flags,
-                  bool wantListing) {
-    Preparation build;
-    if (!Prepare(id, source, output, flags, wantListing, &build)) return 0;
-    const std::wstring header =
-        FormatW(L"--- Build started: %s ---\r\nSource: %s\r\nOutput: %s\r\nCWD: %s\r\nCommand: %s\r\n\r\n",
-                CompilerName(id), source, output, build.workingDirectory.c_str(), build.commandLine.c_str());
-    OutputPaneAppend(header.c_str(), 0);
-    g_build.listing = build.listing;
-    BuildSetLastPlaces({.source = source,
-                        .output = output,
-                        .staged = build.staged.copied ? build.staged.path : std::wstring(),
-                        .workingDirectory = build.workingDirectory});
-    {
-        const BuildLock lock;
-        SafeCopyW(g_buildState.sourcePath, source);
-        SafeCopyW(g_buildState.outputPath, output);
-        SafeCopyW(g_buildState.listingPath, build.listing);
-        g_buildState.compilerId = id;
-    }
-    const std::wstring log = ReplaceExtension(source, L".buildlog");
-    DWORD error = 0;
-    const bool started = StageStart({.stage = BuildStage::Compile,
-                                     .commandLine = build.commandLine,
-                                     .directory = build.workingDirectory,
-                                     .limitMs = kCompilerLimitMs,
-                                     .staged = build.staged,
-                                     .logPath = SamePathText(log, source) ? std::wstring() : log,
-                                     .logHeader = header},
-                                    &error);
-    if (!started) {
-        {
-            const BuildLock lock;
-            g_buildState.lastLaunchError = error;
-        }
-        AppendLaunchError(error);
-    }
-    return started ? 1 : 0;
+void BuildApplyStep(const BuildStep& step) {
+    if (step.clearsPane) OutputPaneClear();
+    for (const BuildLine& line : step.lines) OutputPaneAppend(line.text.c_str(), line.colour);
+    if (!step.status.empty()) g_events.statusText(step.status.c_str());
 }
 
-bool BuildRefusedByDebugger() {
-    if (!g_compile.programInUse) return false;
-    OutputPaneAppend(L"Not built: the program is being debugged. End the debug session first (Shift+F5).\r\n", kRed);
-    g_events.statusText(L"End the debug session first (Shift+F5)");
-    return true;
+int CompilerBuild(std::uint32_t id, const wchar_t* source, const wchar_t* output, const wchar_t* flags,
+                  bool wantListing) {
+    const CompilerProfile& profile = Profile(id);
+    wchar_t compiler[kPathCapacity] = {};
+    CompilerPathResolved(id, compiler, kPathCapacity);
+    wchar_t listing[kPathCapacity] = {};
+    if (source != nullptr) CompilerMakeAsmPath(source, listing, kPathCapacity);
+    const wchar_t* asmFlag = g_settings.compilers[profile.id].asmFlag;
+    const LaunchRequest request = {.compilerId = profile.id,
+                                   .style = profile.commandStyle,
+                                   .compilerName = CompilerName(id),
+                                   .compiler = compiler,
+                                   .source = source != nullptr ? source : L"",
+                                   .output = output != nullptr ? output : L"",
+                                   .flags = flags,
+                                   .includeSwitch = profile.includeSwitch,
+                                   .includePath = CompilerIncludePath(id),
+                                   .listingTemplate = asmFlag[0] != L'\0' ? asmFlag : profile.asmFlag,
+                                   .listing = listing,
+                                   .wantListing = wantListing};
+    StagedSource staged;
+    LaunchPlan plan;
+    if (!PrepareLaunch(request, &staged, &plan)) return 0;
+    OutputPaneAppend(plan.header.c_str(), 0);
+    FILETIME startTime = {};
+    GetSystemTimeAsFileTime(&startTime);
+    RecordLaunch(request, staged, plan, startTime);
+    DWORD error = 0;
+    if (StageStart({.stage = BuildStage::Compile,
+                    .commandLine = plan.commandLine,
+                    .directory = plan.workingDirectory,
+                    .limitMs = kCompilerLimitMs,
+                    .staged = staged,
+                    .logPath = plan.logPath,
+                    .logHeader = plan.header},
+                   &error))
+        return 1;
+    {
+        const BuildLock lock;
+        g_buildState.lastLaunchError = error;
+    }
+    AppendLaunchError(error);
+    return 0;
+}
+
+BuildSituation BuildSituationNow() {
+    return {.saving = g_runner.saving,
+            .stageRuns = StageRuns(),
+            .batchRuns = BatchIsRunning(),
+            .programDebugged = g_compile.programInUse};
 }
 
 int BuildStart(const BuildOrder& order) {
-    if (g_starting || IsBusyFor(order) || BuildRefusedByDebugger()) return 0;
+    const BuildRefusal refusal = BuildRefusalOf(order, BuildSituationNow());
+    if (refusal != BuildRefusal::None) return RefuseBuild(refusal);
     StageSettle(!order.keepPane);
-    if (IsBusyFor(order)) {  // the post-build command of the build that ended just now
-        g_events.statusText(kBuildBusy);
-        return 0;
-    }
-    if (!IsTabIndex(g_documents.activeTab)) {
-        OutputPaneClear();
-        Cancel(L"Build cancelled: no active source tab is selected.\r\n");
-        return 0;
-    }
+    if (BuildRefusalOf(order, BuildSituationNow()) == BuildRefusal::Running)
+        return RefuseBuild(BuildRefusal::StillRunning);
+    if (!IsTabIndex(g_documents.activeTab)) return RefuseBuild(BuildRefusal::NoDocument);
     std::wstring source;
-    if (!SaveActive(&source)) {
-        Cancel(L"Build cancelled: save the active tab to a source file first.\r\n");
-        return 0;
-    }
+    if (!SaveSourceToBuild(&source)) return RefuseBuild(BuildRefusal::NotSaved);
     ClearErrorMarks();
-    const std::int32_t active = g_settings.activeCompiler;
-    const std::uint32_t id = active >= 0 && active < static_cast<std::int32_t>(kCompilerCount)
-                                 ? static_cast<std::uint32_t>(active)
-                                 : CompilerDefaultForFile(source.c_str());
     if (!order.keepPane) {
         OutputPaneClear();
         CompilerClearErrors();
     }
+    const std::uint32_t id = CompilerToUse(source);
     OutputFeedReset(id);
-    if (!CompilerIsThere(id)) return 0;
+    if (!CompilerExists(id)) return RefuseWithoutCompiler(id);
     wchar_t output[kPathCapacity] = {};
     CompilerMakeOutputPath(source.c_str(), output, kPathCapacity);
-    g_build = {.order = order, .id = id, .source = source, .output = output};
-    const wchar_t* preBuild = g_settings.preBuildCmd;
-    if (preBuild[0] != L'\0' && StartCommand(BuildStage::PreBuild, L"Pre-build", preBuild)) {
-        g_events.statusText(L"Pre-build...");
-        return 1;
-    }
-    return LaunchCompiler() ? 1 : 0;
+    g_runner = {.run = {.order = order}, .compilerId = id, .source = source, .output = output};
+    return FollowSteps(BuildFirst(g_runner.run, g_settings.preBuildCmd)) ? 1 : 0;
 }
 
 int StartCompilerBuild(bool syntaxOnly, bool debug) { return BuildStart({.syntaxOnly = syntaxOnly, .debug = debug}); }
 
 void BuildOnStageEnd(const StageResult& result) {
-    switch (result.stage) {
-        case BuildStage::PreBuild:
-            ReportCommand(L"Pre-build", result);
-            if (result.end == BuildEnd::Stopped)
-                EndStopped();
-            else if (!LaunchCompiler())
-                EndBuild();
-            break;
-        case BuildStage::Compile: OnCompilerEnd(result); break;
-        case BuildStage::PostBuild:
-            ReportCommand(L"Post-build", result);
-            if (result.end == BuildEnd::Stopped)
-                EndStopped();
-            else
-                EndBuild();
-            break;
-        default: break;
-    }
+    if (result.stage == BuildStage::Compile) LastBuildEnd(result.end == BuildEnd::Ended && result.exitCode == 0);
+    FollowSteps(BuildAfterStage(g_runner.run, result, PrintedByCompiler()));
 }

@@ -1,9 +1,9 @@
 // One process at a time that runs for the user: a build's pre-build command, compiler or post-build command, or a
-// command of the terminal line. Starts it, follows it, stops it, and reports its end once everything it printed is
+// command of the terminal line. Starts it, follows it, stops it, and reports its end after everything it printed is
 // shown. UI thread only.
 #pragma once
 
-#include "compile/build_state.h"
+#include "compile/build_values.h"
 #include "compile/staging.h"
 
 #include <windows.h>
@@ -18,13 +18,6 @@ struct StageLaunch {
     StagedSource staged;
     std::wstring logPath;  // empty: no log
     std::wstring logHeader;
-};
-
-struct StageResult {
-    BuildStage stage = BuildStage::Idle;
-    BuildEnd end = BuildEnd::Ended;
-    DWORD exitCode = 0;
-    double seconds = 0.0;
 };
 
 // False with the Win32 error: nothing was started, nothing is left behind, the staged copy is gone.

@@ -4,33 +4,34 @@
 #include "base/handles.h"
 #include "base/log.h"
 #include "base/wide_format.h"
+#include "base/worker.h"
 #include "compile/build.h"
 #include "compile/build_reader.h"
 #include "compile/child_process.h"
 #include "compile/compile_state.h"
+#include "output/line_colours.h"
+#include "output/output_credits.h"
 #include "output/output_feed.h"
 #include "resources/ids.h"
 #include "ui/rich_lines.h"
 #include "ui/ui_state.h"
 
 #include <iterator>
-#include <memory>
 
 CRITICAL_SECTION g_buildCs;
 
 namespace {
 
-constexpr COLORREF kRed = 0x0000FF;
 constexpr UINT kProgressIntervalMs = 250;
 constexpr std::size_t kLinesBesideReplaced = 10000;  // in the new pane while a replaced one still exists
-constexpr DWORD kStopWaitMs = 150;  // Stop is answered at once; what is slower than this ends behind it
-constexpr DWORD kEndWaitMs = 2000;  // from a reader's report to its clearing up
+constexpr DWORD kStopWaitMs = 150;                   // Stop is answered at once; a reader slower than this ends later
+constexpr DWORD kEndWaitMs = 2000;                   // from a reader's report to its clearing up
 constexpr DWORD kShutdownWaitMs = 3000;
 
 // The stage as the UI thread knows it.
 struct CurrentStage {
     BuildStage stage = BuildStage::Idle;
-    UniqueHandle reader;
+    Worker reader;
     bool stopped = false;  // Stop was asked for
     bool ended = false;    // the reader has reported
     DWORD exitCode = 0;
@@ -39,15 +40,7 @@ struct CurrentStage {
 };
 CurrentStage g_stage;
 
-class BuildLock {
-public:
-    BuildLock() { EnterCriticalSection(&g_buildCs); }
-    ~BuildLock() { LeaveCriticalSection(&g_buildCs); }
-    BuildLock(const BuildLock&) = delete;
-    BuildLock& operator=(const BuildLock&) = delete;
-};
-
-void StoreState(const StageLaunch& launch, const ChildProcess& child, const FILETIME& startTime) {
+void StoreStageState(const StageLaunch& launch, const ChildProcess& child) {
     const BuildLock lock;
     BuildState& build = g_buildState;
     build.process = child.process;
@@ -57,12 +50,11 @@ void StoreState(const StageLaunch& launch, const ChildProcess& child, const FILE
     build.stage = launch.stage;
     build.building = launch.stage == BuildStage::Compile;
     build.preparing = !build.building;
-    if (build.building) build.startTime = startTime;
     build.staged = launch.staged.copied;
     SafeCopyW(build.stagedPath, launch.staged.copied ? std::wstring_view(launch.staged.path) : std::wstring_view());
 }
 
-void ForgetState() {
+void ForgetStageState() {
     const BuildLock lock;
     BuildState& build = g_buildState;
     build.process = build.thread = build.pipeRead = build.job = nullptr;
@@ -70,10 +62,16 @@ void ForgetState() {
     build.stage = BuildStage::Idle;
 }
 
-void ShowProgress() { g_events.statusProgress(BuildProgressText()); }
+// First the wish, then the ends of the processes, so that the reader takes those for what they are.
+void StopReading() {
+    WorkerAskToEnd(g_stage.reader);
+    ReaderEndProcesses();
+}
+
+void ShowBuildProgress() { g_events.statusProgress(BuildProgressText()); }
 
 // Hands the end of the stage on when all its output is shown.
-void DeliverEnd() {
+void DeliverStageEnd() {
     if (!g_stage.ended || !OutputFeedIsEmpty()) return;
     const StageResult result = {.stage = g_stage.stage,
                                 .end = g_stage.stopped ? BuildEnd::Stopped : g_stage.end,
@@ -81,7 +79,7 @@ void DeliverEnd() {
                                 .seconds = static_cast<double>(GetTickCount64() - g_stage.started) / 1000.0};
     g_stage = {};
     KillTimer(g_ui.hMainWnd, TIMER_BUILD);
-    ShowProgress();
+    ShowBuildProgress();
     if (result.stage == BuildStage::Terminal)
         TerminalOnStageEnd(result);
     else
@@ -100,38 +98,35 @@ void DestroyReplacedPane(bool allShown) {
 
 void BuildInit() {
     InitializeCriticalSection(&g_buildCs);
-    if (!ReaderInit()) AppLogMsg(L"FAIL: BuildInit error=%lu", GetLastError());
+    if (!OutputCreditsInit()) AppLogMsg(L"FAIL: BuildInit error=%lu", GetLastError());
 }
 
 bool StageStart(StageLaunch launch, DWORD* error) {
-    FILETIME startTime = {};
-    GetSystemTimeAsFileTime(&startTime);
     ChildProcess child;
     if (!ChildStart(launch.commandLine, launch.directory, &child, error)) {
-        OutputFeedMessage(UnstageSource(&launch.staged), kRed);
+        OutputFeedMessage(UnstageSource(&launch.staged), kLineRed);
         return false;
     }
-    StoreState(launch, child, startTime);
-    auto request = std::make_unique<ReaderRequest>(ReaderRequest{.stage = launch.stage,
-                                                                 .target = g_ui.hMainWnd,
-                                                                 .limitMs = launch.limitMs,
-                                                                 .staged = launch.staged,
-                                                                 .logPath = launch.logPath,
-                                                                 .logHeader = launch.logHeader});
+    StoreStageState(launch, child);
     g_stage = {};
-    g_stage.reader.Reset(ReaderStart(&request));
+    g_stage.reader = WorkerStart<CompilerThread>(ReaderRequest{.stage = launch.stage,
+                                                               .target = g_ui.hMainWnd,
+                                                               .limitMs = launch.limitMs,
+                                                               .staged = launch.staged,
+                                                               .logPath = launch.logPath,
+                                                               .logHeader = launch.logHeader});
     if (!g_stage.reader) {
         *error = GetLastError();
-        ForgetState();
+        ForgetStageState();
         ChildTerminate(child.job, child.process);
         ChildClose(&child);
-        OutputFeedMessage(UnstageSource(&launch.staged), kRed);
+        OutputFeedMessage(UnstageSource(&launch.staged), kLineRed);
         return false;
     }
     g_stage.stage = launch.stage;
     g_stage.started = GetTickCount64();
     SetTimer(g_ui.hMainWnd, TIMER_BUILD, kProgressIntervalMs, nullptr);
-    ShowProgress();
+    ShowBuildProgress();
     g_events.refreshWanted();
     return true;
 }
@@ -148,22 +143,21 @@ void StageSettle(bool dropOutput) {
         DispatchMessageW(&message);
     if (dropOutput) OutputFeedDropWaiting();
     while (!OutputFeedIsEmpty()) OutputFeedShowNext();
-    DeliverEnd();
+    DeliverStageEnd();
 }
 
 void CompilerKill() {
     if (g_stage.stage == BuildStage::Idle) return;
     g_stage.stopped = true;
-    ReaderStopAll();
-    WaitForSingleObject(g_stage.reader.Get(), kStopWaitMs);
+    StopReading();
+    WorkerWait(g_stage.reader, kStopWaitMs);
 }
 
 void BuildOnOutput(wchar_t* heapText, COLORREF colour) { OutputFeedStream(heapText, colour); }
 
 void BuildOnFinished(DWORD exitCode) {
     if (g_stage.stage == BuildStage::Idle || g_stage.ended) return;
-    if (WaitForSingleObject(g_stage.reader.Get(), kEndWaitMs) != WAIT_OBJECT_0)
-        AppLogMsg(L"FAIL: BuildOnFinished reader still runs");
+    if (!WorkerWait(g_stage.reader, kEndWaitMs)) AppLogMsg(L"FAIL: BuildOnFinished reader still runs");
     {
         const BuildLock lock;
         g_stage.end = g_buildState.end;
@@ -173,22 +167,19 @@ void BuildOnFinished(DWORD exitCode) {
     OutputFeedStreamEnd();
 }
 
-void BuildOnTimer() { ShowProgress(); }
+void BuildOnTimer() { ShowBuildProgress(); }
 
 bool BuildOnShown(bool allShown) {
-    DeliverEnd();
+    DeliverStageEnd();
     DestroyReplacedPane(allShown);
     return RichPaneIsReplaced();
 }
 
 void BuildShutdown() {
     g_stage.stopped = true;
-    ReaderStopAll();
-    if (g_stage.reader) WaitForSingleObject(g_stage.reader.Get(), kShutdownWaitMs);
-    MSG message = {};
-    while (PeekMessageW(&message, g_ui.hMainWnd, MSG_BUILD_OUTPUT, MSG_BUILD_OUTPUT, PM_REMOVE) &&
-           message.message == MSG_BUILD_OUTPUT)
-        std::free(reinterpret_cast<void*>(message.wParam));
+    StopReading();
+    WorkerWait(g_stage.reader, kShutdownWaitMs);
+    WorkerDropPosts<HeapBlock<wchar_t>>(g_ui.hMainWnd, MSG_BUILD_OUTPUT);
     OutputFeedForget();
     g_stage = {};
 }

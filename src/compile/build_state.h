@@ -1,18 +1,13 @@
-// The records of a build: what runs now, and what the last one reported. `BuildState` is shared between the UI
-// thread and the build's reader thread and is read and written under `g_buildCs` only, handles included.
+// What runs now. Shared between the UI thread and the build's reader thread: read and written under `g_buildCs` only, handles
+// included. What the UI thread knows of the last build is in output/last_build.h.
 #pragma once
 
 #include "base/bounded_text.h"
-#include "output/diagnostics.h"
+#include "compile/build_values.h"
 
 #include <windows.h>
 
 #include <cstdint>
-
-// What runs for the user: a build goes through up to three stages, a command of the terminal line has one.
-enum class BuildStage : std::uint8_t { Idle, PreBuild, Compile, PostBuild, Terminal };
-
-enum class BuildEnd : std::uint8_t { Ended, Stopped, TimedOut };  // how a stage came to its end
 
 struct BuildState {
     bool building = false;   // the compiler runs: from process start until the reader thread has cleaned up
@@ -35,3 +30,12 @@ struct BuildState {
 };
 
 extern CRITICAL_SECTION g_buildCs;
+
+// Holds the build lock for its scope. Short: the reader thread waits for it.
+class BuildLock {
+public:
+    BuildLock() { EnterCriticalSection(&g_buildCs); }
+    ~BuildLock() { LeaveCriticalSection(&g_buildCs); }
+    BuildLock(const BuildLock&) = delete;
+    BuildLock& operator=(const BuildLock&) = delete;
+};

@@ -96,8 +96,9 @@ bool CreateSuspended(std::wstring& commandLine, const std::wstring& directory, H
                           directory.empty() ? nullptr : directory.c_str(), &start.StartupInfo, process) != FALSE;
 }
 
-// Into the job before its first instruction, so that nothing it starts can be outside. False: it could not be started.
-bool Release(ChildProcess* child) {
+// Puts the process into the job before its first instruction, so that nothing it starts is outside, and lets it run. False:
+// it could not be started.
+bool ReleaseIntoJob(ChildProcess* child) {
     if (child->job != nullptr && !AssignProcessToJobObject(child->job, child->process)) CloseAndClear(&child->job);
     if (ResumeThread(child->thread) != static_cast<DWORD>(-1)) return true;
     TerminateProcess(child->process, 1);
@@ -123,7 +124,7 @@ bool ChildStart(std::wstring commandLine, const std::wstring& directory, ChildPr
         started.process = process.hProcess;
         started.thread = process.hThread;
         started.job = CreateEndingJob();
-        ok = Release(&started);
+        ok = ReleaseIntoJob(&started);
         if (!ok) *error = GetLastError();
     }
     if (!ok) {

@@ -31,7 +31,7 @@ int AppendIfFits(wchar_t* buffer, std::size_t capacity, std::wstring_view text) 
 }
 
 // A folder in double quotes. Programs read \" as a quote that belongs to the argument, so a path must not end in a
-// backslash there; the root of a drive, which needs one, gets a dot behind it.
+// backslash there; the root of a drive, which needs one, gets a dot after it.
 std::wstring QuotedFolder(std::wstring_view path) {
     std::wstring bare;
     std::copy_if(path.begin(), path.end(), std::back_inserter(bare), [](wchar_t c) { return c != L'"'; });

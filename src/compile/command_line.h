@@ -20,7 +20,7 @@ int AppendSwitchPathSafe(wchar_t* buffer, std::size_t capacity, std::wstring_vie
 // A listing argument; for KVXA32 "/ASMOUT:" and its path are parted by the blank that this compiler wants.
 int AppendAsmOutputArgSafe(wchar_t* buffer, std::size_t capacity, std::uint32_t id, std::wstring_view argument);
 
-// The path in double quotes in place of "{asm}"; without that token behind a final ':' or '=', or behind a blank. Empty
+// The path in double quotes in place of "{asm}"; without that token right after a final ':' or '=', else after a blank. Empty
 // for an empty template or path. 0 when it does not fit.
 int FormatTemplateArg(std::wstring_view pattern, std::wstring_view path, wchar_t* out, std::size_t capacity);
 

@@ -2,8 +2,6 @@
 
 #include "base/decode.h"
 #include "base/handles.h"
-#include "base/path.h"
-#include "compile/build_paths.h"
 #include "files/file_io.h"
 #include "output/output_feed.h"
 #include "output/output_pane.h"
@@ -12,23 +10,23 @@
 
 namespace {
 
-constexpr std::size_t kShownBytes = 256 * 1024;
-constexpr DWORD kLargestLog = 16 * 1024 * 1024;  // bytes read at most to show those
+constexpr std::size_t kShownBytes = 256 * 1024;  // of one file
 
-bool IsFresh(const std::wstring& path, const FILETIME& startTime) {
+bool IsLogOfThisBuild(const std::wstring& path, std::uint64_t startTime) {
     WIN32_FILE_ATTRIBUTE_DATA data = {};
-    return GetFileAttributesExW(PathForSystem(path.c_str()).c_str(), GetFileExInfoStandard, &data) &&
-           (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 && data.nFileSizeHigh == 0 &&
-           data.nFileSizeLow > 0 && data.nFileSizeLow <= kLargestLog &&
-           CompareFileTime(&data.ftLastWriteTime, &startTime) >= 0;
+    if (!GetFileAttributesExW(PathForSystem(path.c_str()).c_str(), GetFileExInfoStandard, &data)) return false;
+    const FILETIME& written = data.ftLastWriteTime;
+    return SideLogIsFresh({.isFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0,
+                           .bytes = std::uint64_t{data.nFileSizeHigh} << 32 | data.nFileSizeLow,
+                           .written = std::uint64_t{written.dwHighDateTime} << 32 | written.dwLowDateTime},
+                          startTime);
 }
 
 }  // namespace
 
-void SideLogsShow(const std::wstring& source, const FILETIME& startTime) {
-    for (const wchar_t* extension : {L".log", L".err"}) {
-        const std::wstring path = ReplaceExtension(source, extension);
-        if (SamePathText(path, source) || !IsFresh(path, startTime)) continue;
+void SideLogsShow(const std::wstring& source, std::uint64_t startTime) {
+    for (const std::wstring& path : SideLogPaths(source)) {
+        if (!IsLogOfThisBuild(path, startTime)) continue;
         std::size_t length = 0;
         const HeapBlock<char> bytes(ReadFileUtf8(path.c_str(), &length));
         wchar_t* text = bytes ? DecodeCompilerText(bytes.get(), std::min(length, kShownBytes)) : nullptr;

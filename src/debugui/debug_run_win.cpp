@@ -8,7 +8,6 @@
 #include "base/path.h"
 #include "base/wide_format.h"
 #include "commands/commands_state.h"
-#include "compile/build_state.h"
 #include "compile/compile_state.h"
 #include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
@@ -19,6 +18,7 @@
 #include "debugui/location.h"
 #include "documents/document_row.h"
 #include "files/file_io.h"
+#include "output/last_build.h"
 #include "program/line_map.h"
 #include "resources/ids.h"
 #include "ui/panes.h"
@@ -130,19 +130,6 @@ bool PumpWhileStarting() {
 
 // --- The program and its sources
 
-struct BuiltProgram {
-    std::wstring executable;
-    std::wstring source;
-    std::uint32_t compilerId = 0;
-};
-
-BuiltProgram LastBuild() {
-    EnterCriticalSection(&g_buildCs);
-    BuiltProgram program{g_buildState.outputPath, g_buildState.sourcePath, g_buildState.compilerId};
-    LeaveCriticalSection(&g_buildCs);
-    return program;
-}
-
 bool WriteTime(const std::wstring& path, FILETIME* time) {
     WIN32_FILE_ATTRIBUTE_DATA data = {};
     if (!GetFileAttributesExW(PathForSystem(path.c_str()).c_str(), GetFileExInfoStandard, &data)) return false;
@@ -172,9 +159,9 @@ void WarnOfStaleFile(const std::wstring& path, const FILETIME& built) {
 }
 
 // Of those that the user has before their eyes: a program may have thousands. The others' turn comes with their stops.
-void WarnOfStaleFiles(const BuiltProgram& program) {
+void WarnOfStaleFiles(const BuildRecord& program) {
     FILETIME built = {};
-    if (!WriteTime(program.executable, &built)) return;
+    if (!WriteTime(program.output, &built)) return;
     for (const DocumentTab& tab : g_documents.tabs)
         if (tab.hasFile && DebugFileIdOfPath(&g_debugger, tab.path) != 0) WarnOfStaleFile(tab.path, built);
 }
@@ -183,7 +170,7 @@ void WarnOfStaleFiles(const BuiltProgram& program) {
 void WarnOfStaleStop() {
     const std::wstring path = DebugFilePath(&g_debugger, g_debugger.currentFileId);
     FILETIME built = {};
-    if (!path.empty() && WriteTime(LastBuild().executable, &built)) WarnOfStaleFile(path, built);
+    if (!path.empty() && WriteTime(LastBuild().output, &built)) WarnOfStaleFile(path, built);
 }
 
 // --- What comes of a wait
@@ -333,12 +320,12 @@ void BeginFollowing() {
 // --- Start
 
 // Whether it succeeded, the state tells; why not, the output pane.
-void StartProgram(const BuiltProgram& program) {
+void StartProgram(const BuildRecord& program) {
     g_stopWanted = g_closeWanted = false;
     g_lastPump = 0;
     g_startedAt = GetTickCount64();
     const WaitScope scope(PumpWhileStarting);
-    DebugStartForCompiler(program.executable.c_str(), program.compilerId, &g_debugger);
+    DebugStartForCompiler(program.output.c_str(), program.compilerId, &g_debugger);
 }
 
 // A stop or a close that was asked for while the session came up.
@@ -353,8 +340,8 @@ bool StoppedDuringStart() {
 
 void DebugRunStart() {
     if (g_waiting || g_debug.debugging) return;
-    const BuiltProgram program = LastBuild();
-    if (program.executable.empty()) return;
+    const BuildRecord program = LastBuild();  // a copy: a build may begin while this waits
+    if (program.output.empty()) return;
     DebugSetSourcePath(program.source.c_str());
     DebugForgetFiles();
     g_saidOfFiles.clear();

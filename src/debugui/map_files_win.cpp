@@ -3,7 +3,6 @@
 #include "debugui/location.h"
 
 #include "base/path.h"
-#include "compile/build_runner.h"
 #include "output/last_build.h"
 #include "program/line_map.h"
 #include "program/map_paths.h"
@@ -39,7 +38,7 @@ std::wstring WorkOutPath(const SdbgMap& map, std::uint32_t fileId, const MapSour
     return PathOfMapFile(map.files[index].path, map.lineCount > 0 && map.lines[0].fileId == fileId, compiled);
 }
 
-MapSource Compiled() { return {.source = DebugSourcePath(), .staged = BuildLastPlaces().staged}; }
+MapSource Compiled() { return {.source = DebugSourcePath(), .staged = LastBuild().staged}; }
 
 void MakeIds(const SdbgMap& map) {
     g_files.hasIds = true;

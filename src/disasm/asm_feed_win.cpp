@@ -1,33 +1,26 @@
 #include "disasm/asm_feed.h"
 
-#include "base/handles.h"
+#include "base/worker.h"
+#include "base/worker_queue.h"
+#include "disasm/asm_text.h"
 #include "files/file_io.h"
 #include "files/shared_read.h"
-#include "output/output_queue.h"
 
-#include <windows.h>
-
-#include <algorithm>
 #include <atomic>
-#include <mutex>
 #include <new>
+#include <utility>
 
 struct AsmFeed {
     AsmRequest request;
     AsmRenderer renderer = nullptr;
-    UniqueHandle thread;
-    std::atomic<bool> cancelled = false;
+    Worker worker;
+    WorkerQueue<std::wstring> pieces;
     std::atomic<int> place = -1;
 
-    std::mutex mutex;  // over the two that both sides touch
-    std::deque<std::wstring> pieces;
-    bool done = false;
-
-    // Of the thread alone: lines delivered, and what the current part has got so far.
+    // Of the worker's thread alone: its wish to end, lines delivered, and the current part.
+    const WorkerCancel* cancel = nullptr;
     int delivered = 0;
-    std::size_t lines = 0;
-    std::size_t bytes = 0;
-    bool full = false;
+    AsmPart part;
 };
 
 namespace {
@@ -35,62 +28,39 @@ namespace {
 constexpr std::size_t kMostListing = std::size_t{256} << 20;
 constexpr std::size_t kPieceBytes = 64 * 1024;
 
-// Bytes of the first line of `text`, its line end included; a line too long for the pane is cut between characters.
-std::size_t FirstLine(std::string_view text) {
-    std::size_t end = text.find_first_of("\r\n");
-    if (end == std::string_view::npos) end = text.size();
-    if (end > kMaxOutputLine) {
-        end = kMaxOutputLine;
-        while ((static_cast<unsigned char>(text[end]) & 0xC0) == 0x80 && end > kMaxOutputLine - 4) --end;
-        return end;
-    }
-    return std::min(text.size(), end + (text.substr(end).starts_with("\r\n") ? 2 : 1));
-}
-
-void Deliver(AsmFeed& feed, std::string_view text) {
+void DeliverText(AsmFeed& feed, std::string_view text) {
     if (text.empty()) return;
-    std::wstring wide = Utf8ToWideText(text);
-    for (; !text.empty(); text.remove_prefix(FirstLine(text))) ++feed.delivered;
-    const std::lock_guard lock(feed.mutex);
-    feed.pieces.push_back(std::move(wide));
+    feed.delivered += AsmLinesIn(text);
+    feed.pieces.Put(Utf8ToWideText(text));
 }
 
-void PutListing(AsmFeed& feed, std::string_view listing) {
+void PutListingText(AsmFeed& feed, std::string_view listing) {
     AsmFeedBeginPart(feed, "");
-    while (!listing.empty()) {
-        std::size_t size = std::min(listing.size(), kPieceBytes);
-        if (size < listing.size()) {
-            const std::size_t end = listing.find_last_of('\n', size);
-            size = end == std::string_view::npos ? listing.size() : end + 1;
-        }
-        if (!AsmFeedPut(feed, listing.substr(0, size))) return;
-        listing.remove_prefix(size);
-    }
+    while (!listing.empty())
+        if (!AsmFeedPut(feed, AsmTakePiece(&listing, kPieceBytes))) return;
 }
 
-void Fill(AsmFeed& feed) {
+void PutAllParts(AsmFeed& feed) {
     std::string listing;
     const bool found = ReadSharedFile(feed.request.listing, kMostListing, &listing);
     if (found)
-        PutListing(feed, listing);
+        PutListingText(feed, listing);
     else
-        Deliver(feed,
-                "(No compiler ASMOUT file was found. Enable ASM output and use /ASMOUT:{asm} for "
-                "KeldorBasic/KVXA32.)\r\n");
+        DeliverText(feed,
+                    "(No compiler ASMOUT file was found. Enable ASM output and use /ASMOUT:{asm} for "
+                    "KeldorBasic/KVXA32.)\r\n");
     feed.renderer(feed, feed.request, found ? &listing : nullptr);
 }
 
-DWORD WINAPI FeedThread(void* parameter) {
-    const std::unique_ptr<AsmFeedPtr> owned(static_cast<AsmFeedPtr*>(parameter));
-    AsmFeed& feed = **owned;
+void MakeAsmText(AsmFeedPtr& shared, const WorkerCancel& cancel) {
+    AsmFeed& feed = *shared;
+    feed.cancel = &cancel;
     try {
-        Fill(feed);
+        PutAllParts(feed);
     } catch (const std::bad_alloc&) {
-        Deliver(feed, "(Not enough memory.)\r\n");  // what was there is free again
+        DeliverText(feed, "(Not enough memory.)\r\n");  // what was there is free again
     }
-    const std::lock_guard lock(feed.mutex);
-    feed.done = true;
-    return 0;
+    feed.pieces.Finish();
 }
 
 }  // namespace
@@ -99,56 +69,36 @@ AsmFeedPtr AsmFeedStart(AsmRequest request, AsmRenderer renderer) {
     auto feed = std::make_shared<AsmFeed>();
     feed->request = std::move(request);
     feed->renderer = renderer;
-    auto parameter = std::make_unique<AsmFeedPtr>(feed);
-    feed->thread.Reset(CreateThread(nullptr, 0, FeedThread, parameter.get(), 0, nullptr));
-    if (!feed->thread) return nullptr;
-    static_cast<void>(parameter.release());  // now the thread's
-    SetThreadPriority(feed->thread.Get(), THREAD_PRIORITY_BELOW_NORMAL);
+    feed->worker = WorkerStart<MakeAsmText>(feed);
+    if (!feed->worker) return nullptr;
+    WorkerLowerPriority(feed->worker);
     return feed;
 }
 
-bool AsmFeedTake(AsmFeed& feed, std::deque<std::wstring>* pieces) {
-    const std::lock_guard lock(feed.mutex);
-    pieces->clear();
-    pieces->swap(feed.pieces);
-    return !pieces->empty() || !feed.done;
-}
+bool AsmFeedTake(AsmFeed& feed, std::deque<std::wstring>* pieces) { return feed.pieces.TakeAll(pieces); }
 
-void AsmFeedCancel(AsmFeed& feed) { feed.cancelled = true; }
+void AsmFeedCancel(AsmFeed& feed) {
+    WorkerAskToEnd(feed.worker);
+    feed.pieces.Close();
+}
 
 void AsmFeedEnd(AsmFeed& feed, unsigned milliseconds) {
     AsmFeedCancel(feed);
-    WaitForSingleObject(feed.thread.Get(), milliseconds);
+    WorkerWait(feed.worker, milliseconds);
 }
 
 int AsmFeedPlace(const AsmFeed& feed) { return feed.place; }
 void AsmFeedMarkPlace(AsmFeed& feed) { feed.place = feed.delivered; }
 
-bool AsmFeedIsCancelled(const AsmFeed& feed) { return feed.cancelled; }
+bool AsmFeedIsCancelled(const AsmFeed& feed) { return feed.cancel->Asked(); }
 
 void AsmFeedBeginPart(AsmFeed& feed, std::string_view heading) {
-    feed.lines = 0;
-    feed.bytes = 0;
-    feed.full = false;
-    Deliver(feed, heading);
+    feed.part = {};
+    DeliverText(feed, heading);
 }
 
 bool AsmFeedPut(AsmFeed& feed, std::string_view text) {
-    if (feed.full || feed.cancelled) return false;
-    std::string fitting;
-    while (!text.empty() && !feed.full) {
-        const std::size_t size = FirstLine(text);
-        const bool cut = text[size - 1] != '\n' && text[size - 1] != '\r' && size < text.size();
-        feed.full = feed.lines >= kAsmPartLines || feed.bytes + size > kAsmPartBytes;
-        if (feed.full) {
-            fitting += "... the rest is left out here ...\r\n";
-            break;
-        }
-        fitting.append(text.substr(0, size)).append(cut ? "\r\n" : "");
-        ++feed.lines;
-        feed.bytes += size;
-        text.remove_prefix(size);
-    }
-    Deliver(feed, fitting);
-    return !feed.full;
+    if (feed.part.full || AsmFeedIsCancelled(feed)) return false;
+    DeliverText(feed, AsmPartTake(feed.part, text));
+    return !feed.part.full;
 }

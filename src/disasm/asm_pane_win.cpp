@@ -1,9 +1,7 @@
 #include "disasm/asm_pane.h"
 
 #include "base/clock.h"
-#include "base/path.h"
 #include "base/wide_format.h"
-#include "compile/compile_state.h"
 #include "disasm/asm_renderer.h"
 #include "disasm/disasm_state.h"
 #include "documents/document_row.h"
@@ -26,15 +24,13 @@ constexpr int kHeadLines = 4;  // before what the feed brings
 
 struct AsmPane {
     OutputQueue queue;
-    AsmFeedPtr feed;                   // null: nothing is being made
-    std::size_t lines = 0;             // shown
-    int place = -1;                    // line of the code where the user stands, from 0; -1: not known
-    LRESULT top = 0;                   // first visible line, where the pane itself left it
+    AsmFeedPtr feed;  // null: nothing is being made
+    AsmScroll scroll;
     BlockSize block = {.lines = 100};  // the first block is painted with the whole pane
 };
 AsmPane g_asm;
 
-void Add(std::wstring text) {
+void QueueAsmText(std::wstring text) {
     if (!text.empty()) g_asm.queue.chunks.push_back({.text = std::move(text)});
 }
 
@@ -42,26 +38,13 @@ void TakeFromFeed() {
     if (g_asm.feed == nullptr) return;
     std::deque<std::wstring> pieces;
     const bool more = AsmFeedTake(*g_asm.feed, &pieces);
-    if (const int place = AsmFeedPlace(*g_asm.feed); place >= 0) g_asm.place = place + kHeadLines;
+    if (const int place = AsmFeedPlace(*g_asm.feed); place >= 0) g_asm.scroll.place = place + kHeadLines;
     if (!more) g_asm.feed = nullptr;
-    for (std::wstring& piece : pieces) Add(std::move(piece));
+    for (std::wstring& piece : pieces) QueueAsmText(std::move(piece));
 }
 
-// The program of the last build when that was of this source.
-std::wstring ProgramOf(const wchar_t* source) {
-    EnterCriticalSection(&g_buildCs);
-    std::wstring program = SamePathText(g_buildState.sourcePath, source) ? g_buildState.outputPath : L"";
-    LeaveCriticalSection(&g_buildCs);
-    return program;
-}
-
-AsmRequest RequestFor(const wchar_t* source, const wchar_t* listing) {
-    const BuildPlaces& last = BuildLastPlaces();
-    AsmRequest request = {.source = source,
-                          .staged = SamePathText(last.source, source) ? last.staged : L"",
-                          .listing = listing,
-                          .program = ProgramOf(source),
-                          .caretFile = L""};
+AsmRequest RequestWithCaret(const wchar_t* source, const wchar_t* listing) {
+    AsmRequest request = AsmRequestOf(LastBuild(), source, listing);
     if (!IsTabIndex(g_documents.activeTab)) return request;
     request.caretFile = TabAt(g_documents.activeTab).path;
     const LRESULT caret = SciSend(g_documents.hEditor, SCI_GETCURRENTPOS);
@@ -70,16 +53,14 @@ AsmRequest RequestFor(const wchar_t* source, const wchar_t* listing) {
     return request;
 }
 
-// Inserting scrolls to the insertion; the reader stays where they are, or is taken to the place once it is there. It may
-// first lie too near the end to become the top line.
+// Inserting scrolls to the insertion; the pane goes back to where it belongs. The place of the user may first lie too near
+// the end to become the top line.
 void AppendInPlace(const std::vector<PaneLine>& block) {
     HWND pane = g_disasm.hAsmPane;
     const LRESULT before = SendMessageW(pane, EM_GETFIRSTVISIBLELINE, 0, 0);
     RichLinesAppend(pane, block);
-    g_asm.lines += block.size();
-    const bool untouched = before == g_asm.top;
-    const bool placed = g_asm.place >= 0 && static_cast<std::size_t>(g_asm.place) < g_asm.lines;
-    const LRESULT wanted = untouched && placed ? g_asm.place : before;
+    g_asm.scroll.lines += block.size();
+    const LRESULT wanted = AsmTopLine(g_asm.scroll, before);
     if (wanted == 0) {
         POINT top = {};  // by pixels: by lines it would come to rest within the first one
         SendMessageW(pane, EM_SETSCROLLPOS, 0, reinterpret_cast<LPARAM>(&top));
@@ -87,14 +68,14 @@ void AppendInPlace(const std::vector<PaneLine>& block) {
     }
     const LRESULT after = SendMessageW(pane, EM_GETFIRSTVISIBLELINE, 0, 0);
     if (after != wanted) SendMessageW(pane, EM_LINESCROLL, 0, wanted - after);
-    if (untouched) g_asm.top = SendMessageW(pane, EM_GETFIRSTVISIBLELINE, 0, 0);
+    if (before == g_asm.scroll.top) g_asm.scroll.top = SendMessageW(pane, EM_GETFIRSTVISIBLELINE, 0, 0);
 }
 
 }  // namespace
 
 void AsmPaneClear() {
     if (g_asm.feed != nullptr) AsmFeedCancel(*g_asm.feed);
-    HWND pane = RichPaneEmptied(g_disasm.hAsmPane, g_asm.lines);
+    HWND pane = RichPaneEmptied(g_disasm.hAsmPane, g_asm.scroll.lines);
     if (pane != g_disasm.hAsmPane) {
         ShowTimerStart();
         g_disasm.hAsmPane = pane;
@@ -108,9 +89,9 @@ void AsmPaneLoad(const wchar_t* source, const wchar_t* listing) {
     AsmPaneClear();
     SendMessageW(g_disasm.hAsmPane, EM_SETUNDOLIMIT, 0, 0);
     SendMessageW(g_disasm.hAsmPane, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
-    Add(FormatW(L"=== Assembly Output ===\r\nSource: %s\r\nASMOUT: %s\r\n\r\n", source, listing));
-    g_asm.feed = AsmFeedStart(RequestFor(source, listing), AsmRender);
-    if (g_asm.feed == nullptr) Add(L"(The listing cannot be read now: no thread could be started.)\r\n");
+    QueueAsmText(FormatW(L"=== Assembly Output ===\r\nSource: %s\r\nASMOUT: %s\r\n\r\n", source, listing));
+    g_asm.feed = AsmFeedStart(RequestWithCaret(source, listing), AsmRender);
+    if (g_asm.feed == nullptr) QueueAsmText(L"(The listing cannot be read now: no thread could be started.)\r\n");
     ShowTimerStart();
 }
 

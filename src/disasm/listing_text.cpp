@@ -2,7 +2,7 @@
 
 #include "base/hex_digit.h"
 #include "disasm/code_text.h"
-#include "disasm/visible_text.h"
+#include "program/visible_text.h"
 
 #include <Zydis/Zydis.h>
 
@@ -17,7 +17,7 @@ constexpr std::size_t kIndent = 8;  // of instructions without address
 constexpr std::size_t kNumberColumn = 6;
 constexpr std::size_t kLongestLine = 65536;  // longer ones are made visible and not looked into
 
-bool IsWordCharacter(char c) {
+bool IsListingWordCharacter(char c) {
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == '.' ||
            c == '$' || c == '@' || c == '?';
 }
@@ -29,13 +29,13 @@ std::string Lowered(std::string_view text) {
     return lower;
 }
 
-std::string_view Trimmed(std::string_view text) {
+std::string_view WithoutOuterBlanks(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
     const std::size_t last = text.find_last_not_of(' ');
     return text.substr(0, last == std::string_view::npos ? 0 : last + 1);
 }
 
-// The word at the start of `text` is taken from it, with the blanks behind.
+// The word at the start of `text` is taken from it, with the blanks after it.
 std::string_view TakeWord(std::string_view& text) {
     const std::size_t end = std::min(text.find(' '), text.size());
     const std::string_view word = text.substr(0, end);
@@ -75,12 +75,12 @@ bool IsRegister(std::string_view word) {
 }
 
 // A prefix ("rep movsb") may come before the mnemonic. Prose may begin with one ("and so on", "Test passed"), but has
-// no operand behind it.
+// no operand after it.
 bool IsInstruction(std::string_view text) {
     std::string_view rest = text.substr(PrefixLength(Lowered(text.substr(0, 32))));
     const std::string_view mnemonic = TakeWord(rest);
     if (!IsMnemonic(mnemonic)) return false;
-    const std::string_view operands = Trimmed(rest.substr(0, rest.find(';')));
+    const std::string_view operands = WithoutOuterBlanks(rest.substr(0, rest.find(';')));
     const bool goesSomewhere = Lower(mnemonic[0]) == 'j' || Lowered(mnemonic) == "call";
     return operands.empty() || IsRegister(operands) ||
            operands.find_first_of("0123456789[,'\"") != std::string_view::npos ||
@@ -89,13 +89,13 @@ bool IsInstruction(std::string_view text) {
 
 // "NAME:" alone.
 bool IsLabel(std::string_view text) {
-    return text.size() > 1 && text.back() == ':' && std::all_of(text.begin(), text.end() - 1, IsWordCharacter);
+    return text.size() > 1 && text.back() == ':' && std::all_of(text.begin(), text.end() - 1, IsListingWordCharacter);
 }
 
 struct CodeLine {
     std::string_view lineNumber;  // before the address, in some listings
     std::string_view address;     // as it stands there, a colon included
-    std::string bytes;            // pairs of digits, as they stand there, a blank behind each
+    std::string bytes;            // pairs of digits, as they stand there, a blank after each
     std::string_view instruction;
 };
 
@@ -158,7 +158,7 @@ std::string DisasmListingLine(std::string_view line) {
     std::string visible = VisibleText(line, kTab);
     visible.resize(visible.find_last_not_of(' ') + 1);  // npos + 1 is 0
     if (visible.size() > kLongestLine) return visible;
-    const std::string_view text = Trimmed(visible);
+    const std::string_view text = WithoutOuterBlanks(visible);
     CodeLine code;
     if (ParseCodeLine(text, &code)) return RenderCode(code);
     if (IsLabel(text)) return std::string(text);

@@ -2,8 +2,8 @@
 
 #include "disasm/code_text.h"
 #include "disasm/decoder.h"
-#include "disasm/pe_image.h"
-#include "disasm/visible_text.h"
+#include "disasm/pe_problem.h"
+#include "program/visible_text.h"
 
 #include <algorithm>
 #include <limits>
@@ -68,7 +68,7 @@ std::string_view Shortened(std::string_view text) {
     return text.substr(0, end);
 }
 
-std::vector<std::string_view> SplitLines(std::string_view text) {
+std::vector<std::string_view> SplitSourceLines(std::string_view text) {
     std::vector<std::string_view> lines;
     while (!text.empty()) {
         const std::size_t end = std::min(text.find_first_of("\r\n"), text.size());
@@ -146,7 +146,8 @@ std::string NameOf(DisasmRenderer& r, std::uint64_t address) {
 
 void TakeSources(DisasmRenderer& r) {
     for (const DisasmSource& source : r.program.sources)
-        r.sources.try_emplace(source.fileId, SourceText{VisibleText(Shortened(source.name)), SplitLines(source.text)});
+        r.sources.try_emplace(source.fileId,
+                              SourceText{VisibleText(Shortened(source.name)), SplitSourceLines(source.text)});
 }
 
 std::string_view SourceLine(const DisasmRenderer& r, const DisasmLine& record) {
@@ -247,22 +248,16 @@ void PlanFocus(DisasmRenderer& r) {
 void PlanSections(DisasmRenderer& r) {
     for (std::size_t i = 0; i < r.code.size(); ++i) {
         const Code& code = r.code[i];
-        const std::uint64_t from = std::max(r.program.firstRva, code.rva);
-        const std::uint64_t to = std::min<std::uint64_t>(r.program.endRva, code.rva + code.bytes.size());
-        if (from >= to) continue;
         std::string heading = "; --- Section " + code.name + ", ";
         AppendHex(heading, r.image.base + code.rva, r.digits);
         heading += ", " + std::to_string(code.bytes.size()) + " bytes";
         if (code.cut) heading += ", cut off here: the program has more code than is shown";
-        r.parts.push_back({.code = i,
-                           .from = static_cast<std::size_t>(from - code.rva),
-                           .to = static_cast<std::size_t>(to - code.rva),
-                           .heading = std::move(heading)});
+        r.parts.push_back({.code = i, .from = 0, .to = code.bytes.size(), .heading = std::move(heading)});
     }
 }
 
 // False: nothing can be shown, `out` says why.
-bool Prepare(DisasmRenderer& r, std::string* out) {
+bool PrepareRendering(DisasmRenderer& r, std::string* out) {
     r.image = PeImageRead(r.program.file);
     if (const std::string problem = PeProblem(r.image); !problem.empty()) {
         *out += "(" + problem + ")\r\n";
@@ -393,7 +388,7 @@ void OpenPart(DisasmRenderer& r, const Part& part, std::string& out) {
     r.blank = false;
     r.opened = true;
     r.at = part.from;
-    // A range may begin within an instruction.
+    // A part may begin within an instruction.
     while (r.at < part.to && (code.marks[r.at] & kStart) == 0) ++r.at;
     const auto& lines = r.program.lines;
     const auto first = std::lower_bound(lines.begin(), lines.end(), code.rva + r.at,
@@ -433,7 +428,7 @@ DisasmRendererPtr DisasmRendererNew(DisasmProgram program) {
 
 bool DisasmRenderNext(DisasmRenderer& renderer, std::size_t budget, std::string* out) {
     switch (renderer.phase) {
-        case Phase::Head: renderer.phase = Prepare(renderer, out) ? Phase::Names : Phase::Done; break;
+        case Phase::Head: renderer.phase = PrepareRendering(renderer, out) ? Phase::Names : Phase::Done; break;
         case Phase::Names: NameNext(renderer, budget); break;
         case Phase::Marks: MarkNext(renderer, budget); break;
         case Phase::Parts: WriteNext(renderer, budget, *out); break;

@@ -28,8 +28,6 @@ struct DisasmProgram {
     std::vector<DisasmSource> sources = {};
     std::uint32_t focusFile = 0;  // the part around this line comes first, if it has code
     std::uint32_t focusLine = 0;  // 0: none
-    std::uint32_t firstRva = 0;   // only code of this range is shown
-    std::uint32_t endRva = 0xFFFFFFFF;
 };
 
 struct DisasmRenderer;

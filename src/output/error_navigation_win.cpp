@@ -1,11 +1,11 @@
 // From a diagnostic to its place in the source. UI thread only.
 #include "output/output_pane.h"
 
-#include "base/path.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "files/file_io.h"
 #include "output/diagnostics.h"
+#include "output/error_places.h"
 #include "output/last_build.h"
 #include "output/output_state.h"
 #include "scintilla/sci.h"
@@ -13,45 +13,20 @@
 #include <commctrl.h>
 #include <richedit.h>
 
-#include <array>
-#include <cwchar>
 #include <string>
 #include <vector>
 
 namespace {
 
-std::wstring FullPath(const std::wstring& path) {
+std::wstring WholePath(const std::wstring& path) {
     wchar_t full[kPathCapacity] = {};
     const DWORD length = GetFullPathNameW(path.c_str(), kPathCapacity, full, nullptr);
     return length == 0 || length >= kPathCapacity ? path : std::wstring(full);
 }
 
-bool IsRelative(const std::wstring& path) {
-    const bool drive = path.size() > 1 && path[1] == L':';
-    return !drive && !path.starts_with(L'\\') && !path.starts_with(L'/');
-}
-
-// The places that a printed name may mean, likeliest first. A compiler prints names relative to where it ran or to the
-// source, and knows the source under the name of its staged copy, which is gone by now.
-std::vector<std::wstring> Candidates(const wchar_t* printed) {
-    const BuildPlaces& places = BuildLastPlaces();
-    std::vector<std::wstring> names;
-    if (IsRelative(printed)) {
-        for (const std::wstring& folder : {places.workingDirectory, FolderOf(places.source), FolderOf(places.output)})
-            if (!folder.empty()) names.push_back(FullPath(folder + L"\\" + printed));
-    } else {
-        names.push_back(FullPath(printed));
-    }
-    if (!places.staged.empty()) {
-        for (std::wstring& name : names)
-            if (SamePathText(name, places.staged)) name = places.source;
-    }
-    return names;
-}
-
 // Selects or opens the document that a diagnostic names. False: it could not be opened.
-bool ShowFile(const wchar_t* printed) {
-    const std::vector<std::wstring> names = Candidates(printed);
+bool ShowFileOfError(const wchar_t* printed) {
+    const std::vector<std::wstring> names = ErrorPlaces(printed, LastBuild(), WholePath);
     int tab = TabBarFindPath(printed);
     for (std::size_t i = 0; tab < 0 && i < names.size(); ++i) tab = TabBarFindPath(names[i].c_str());
     if (tab >= 0) return TabBarSelect(tab) != 0;
@@ -60,8 +35,8 @@ bool ShowFile(const wchar_t* printed) {
     return FileShow(printed, false) != 0;
 }
 
-void GoTo(const CompilerError& error) {
-    if (!ShowFile(error.file)) return;
+void GoToDiagnostic(const CompilerError& error) {
+    if (!ShowFileOfError(error.file)) return;
     HWND editor = g_documents.hEditor;
     const int line = error.line > 0 ? error.line - 1 : 0;
     SciSend(editor, SCI_GOTOLINE, static_cast<WPARAM>(line));
@@ -72,13 +47,8 @@ void GoTo(const CompilerError& error) {
     FocusCurrentEditor();
 }
 
-bool SameDiagnostic(const CompilerError& a, const CompilerError& b) {
-    return a.line == b.line && a.column == b.column && a.severity == b.severity && wcscmp(a.file, b.file) == 0 &&
-           wcscmp(a.message, b.message) == 0;
-}
-
 // The pane's line that the caret or the selection's start is on.
-std::wstring CurrentLine(HWND pane) {
+std::wstring LineAtPaneCaret(HWND pane) {
     CHARRANGE selection = {};
     SendMessageW(pane, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&selection));
     const auto line = static_cast<WPARAM>(SendMessageW(pane, EM_EXLINEFROMCHAR, 0, selection.cpMin));
@@ -107,27 +77,19 @@ void CompilerNavigateToError(int index) {
     ErrorListShowCurrent();
     // A copy: opening a file may start something that clears the list.
     const CompilerError error = g_output.errors.items[index];
-    GoTo(error);
+    GoToDiagnostic(error);
 }
 
-void CompilerNextError() {
-    if (g_output.errors.count > 0) CompilerNavigateToError((g_output.errors.current + 1) % g_output.errors.count);
-}
+void CompilerNextError() { CompilerNavigateToError(NextErrorIndex(g_output.errors)); }
 
-void CompilerPrevError() {
-    const int count = g_output.errors.count;
-    if (count > 0) CompilerNavigateToError((g_output.errors.current + count - 1) % count);
-}
+void CompilerPrevError() { CompilerNavigateToError(PreviousErrorIndex(g_output.errors)); }
 
 void OutputPaneNavigateError() {
     if (g_output.hOutput == nullptr) return;
     CompilerError error = {};
-    if (ParseErrorLine(CurrentLine(g_output.hOutput), &error) == 0) return;
-    for (int i = 0; i < g_output.errors.count; ++i) {
-        if (SameDiagnostic(g_output.errors.items[i], error)) {
-            CompilerNavigateToError(i);
-            return;
-        }
-    }
-    GoTo(error);  // one that came after the list was full
+    if (ParseErrorLine(LineAtPaneCaret(g_output.hOutput), &error) == 0) return;
+    if (const int index = FindDiagnostic(g_output.errors, error); index >= 0)
+        CompilerNavigateToError(index);
+    else
+        GoToDiagnostic(error);  // one that came after the list was full
 }

@@ -25,7 +25,7 @@ struct KeptLines {
 };
 
 // True: show `line` now, it is left in place. False: it was taken and is held back or will be left out. Only a
-// process's lines are held back for want of room, and whatever comes behind them, so that the order stays.
+// process's lines are held back for want of room, and whatever comes after them, so that the order stays.
 bool KeepLine(KeptLines& kept, PaneLine& line, bool stream);
 
 // At the end of the output: what was held back, led by a line that says how many were left out, if any were.

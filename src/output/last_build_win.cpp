@@ -2,8 +2,10 @@
 
 #include <utility>
 
-static BuildPlaces g_places;
+static BuildRecord g_lastBuild;
 
-const BuildPlaces& BuildLastPlaces() { return g_places; }
+const BuildRecord& LastBuild() { return g_lastBuild; }
 
-void BuildSetLastPlaces(BuildPlaces places) { g_places = std::move(places); }
+void LastBuildBegin(BuildRecord build) { g_lastBuild = std::move(build); }
+
+void LastBuildEnd(bool success) { g_lastBuild.success = success; }

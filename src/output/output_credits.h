@@ -1,6 +1,6 @@
 // How much of a process's output may be on its way to the output pane: whoever posts a chunk takes a credit, the feed
-// returns it once the chunk is shown or dropped. So a process that prints faster than the pane can show is slowed down,
-// instead of filling the memory and the window's message queue. Any thread.
+// returns it when the chunk was shown or dropped. So a process that prints faster than the pane can show is slowed down, and
+// neither memory nor the message queue grows. Any thread.
 #pragma once
 
 #include <windows.h>

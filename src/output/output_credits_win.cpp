@@ -12,7 +12,7 @@ bool OutputCreditsInit() {
 HANDLE OutputCreditsHandle() { return g_credits.Get(); }
 
 void OutputCreditsReturn(int count) {
-    // One by one: a release beyond the maximum is refused whole, and a text that was posted without a credit (a notice
-    // after Stop) is returned here like any other.
+    // One by one, because a release beyond the maximum is refused as a whole, and a text that was posted without a credit
+    // (a notice after Stop) is returned here like any other.
     for (int i = 0; i < count; ++i) ReleaseSemaphore(g_credits.Get(), 1, nullptr);
 }

@@ -54,7 +54,7 @@ bool NextOfStream(OutputQueue& queue, QueuedLine* line, int* chunksDone) {
     const bool whole = piece.found && queue.partial.size() <= kMaxOutputLine;
     if (whole)
         TakePartial(queue, line);
-    else if (piece.found)  // too long: the break is met again when the line has been cut to size
+    else if (piece.found)  // too long: the break is read again after the line was cut to size
         queue.offset -= piece.taken - piece.text.size();
     if (queue.offset >= chunk.text.size()) DropFront(queue, chunksDone);
     return whole;

@@ -37,7 +37,7 @@ struct OutputQueue {
     std::size_t offset = 0;  // characters of the front chunk already taken
     std::wstring partial;    // stream text whose line break has not come yet
     std::uint32_t partialColour = 0;
-    bool skipLineFeed = false;  // the stream's last piece ended in a CR that may have an LF behind it
+    bool skipLineFeed = false;  // the stream's last piece ended in a CR that may be followed by an LF
 };
 
 // Takes the next line. False: nothing to show until more arrives. `chunksDone` counts up by each stream chunk used up.

@@ -2,25 +2,15 @@
 // which the compilers place their code, "ELSE IF" and the column of a "#" included. Pure.
 #include "program/basic_lines.h"
 
+#include "base/scan_text.h"
+
 #include <algorithm>
 #include <cstddef>
 
 namespace {
 
-constexpr bool IsBlank(char c) { return c == ' ' || c == '\t'; }
-constexpr char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-
-std::string_view SkipBlanks(std::string_view line) {
-    const std::size_t first = line.find_first_not_of(" \t");
-    return first == std::string_view::npos ? std::string_view{} : line.substr(first);
-}
-
 // `prefix` is upper case. Only ASCII letters have a case here, whatever the locale.
-bool BeginsWith(std::string_view text, std::string_view prefix) {
-    return text.size() >= prefix.size() &&
-           std::equal(
-               prefix.begin(), prefix.end(), text.begin(), [](char p, char c) { return p == Upper(c); });
-}
+bool BeginsWith(std::string_view text, std::string_view prefix) { return TakePrefix(&text, prefix); }
 
 bool IsLineEnd(std::string_view rest) { return rest.empty() || rest[0] == '\r' || rest[0] == '\n'; }
 
@@ -45,7 +35,7 @@ struct PbmainWalk {
     bool inside = false;
 
     bool Records(std::string_view line, bool controlOnly) {
-        const std::string_view text = SkipBlanks(line);
+        const std::string_view text = WithoutLeadingBlanks(line);
         if (!inside) {
             inside = BeginsWith(text, "FUNCTION PBMAIN") || BeginsWith(text, "SUB PBMAIN");
             return false;
@@ -60,7 +50,7 @@ struct PbmainWalk {
 }  // namespace
 
 bool IsBasicCommentOrBlank(std::string_view line) {
-    const std::string_view text = SkipBlanks(line);
+    const std::string_view text = WithoutLeadingBlanks(line);
     if (IsLineEnd(text) || text[0] == '\'') return true;
     if (!BeginsWith(text, "REM")) return false;
     const std::string_view rest = text.substr(3);
@@ -68,7 +58,7 @@ bool IsBasicCommentOrBlank(std::string_view line) {
 }
 
 bool IsBasicControlOnlyLine(std::string_view line) {
-    const std::string_view text = SkipBlanks(line);
+    const std::string_view text = WithoutLeadingBlanks(line);
     return IsKeywordAlone(text, "ELSE") || IsKeywordAlone(text, "END IF");
 }
 

@@ -8,7 +8,7 @@
 inline constexpr COLORREF kDebugRed = 200;
 inline constexpr COLORREF kDebugTeal = 0x808000;
 inline constexpr COLORREF kDebugOrange = 0x0064C8;
-// To the output pane, behind what waits there.
+// A line for the output pane, shown after what waits there.
 void DebugSay(COLORREF colour, const wchar_t* format, ...);
 using DebugSink = void (*)(const std::wstring& text, COLORREF colour);
 void DebugSetSink(DebugSink sink);  // instead of the output pane; null: the pane again

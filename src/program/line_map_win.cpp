@@ -1,24 +1,25 @@
-// Line maps from files: opens, maps or reads them, hands the bytes to the pure parts, and says what failed. UI thread.
+// Line maps from files: maps or reads them, hands the bytes to the pure parts, and says what failed. UI thread.
 #include "program/line_map.h"
 
-#include "base/bounded_text.h"
 #include "base/handles.h"
 #include "base/log.h"
 #include "files/file_io.h"
+#include "files/shared_read.h"
 #include "program/basic_lines.h"
 #include "program/debug_say.h"
 #include "program/pbd_map.h"
-#include "program/pe_headers.h"
 #include "settings/compiler_id.h"
 
-#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 
 constexpr std::uint64_t kSizeLimit = 0xFFFFFFFFU;  // this size and more is a failure
-constexpr std::size_t kSidePathCapacity = 1032;
 
 std::wstring g_sourcePath;  // of the program that is debugged
 
@@ -28,22 +29,18 @@ struct ViewTraits {
     static void Close(void* view) { UnmapViewOfFile(view); }
 };
 
-struct FileBytes {
-    HeapBlock<std::uint8_t> block;
-    std::size_t size = 0;
-
-    explicit operator bool() const { return block != nullptr; }
-    std::span<const std::uint8_t> Bytes() const { return {block.get(), size}; }
-    std::string_view Text() const { return {reinterpret_cast<const char*>(block.get()), size}; }
-};
-
-FileBytes ReadBytes(const wchar_t* path) {
-    FileBytes file;
-    file.block.reset(ReadWholeFileW(path, &file.size));
-    return file;
+// The file's bytes; none of an empty or unreadable one.
+std::string BytesOfFile(const wchar_t* path) {
+    std::string bytes;
+    if (path == nullptr || path[0] == L'\0' || !ReadSharedFile(path, kSizeLimit - 1, &bytes)) bytes.clear();
+    return bytes;
 }
 
-UniqueHandle OpenToRead(const wchar_t* path, std::size_t* size) {
+std::span<const std::uint8_t> AsBytes(const std::string& text) {
+    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+UniqueHandle OpenProgramFile(const wchar_t* path, std::size_t* size) {
     if (path == nullptr || path[0] == L'\0') return {};
     UniqueHandle file{CreateFileW(PathForSystem(path).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                                   FILE_ATTRIBUTE_NORMAL, nullptr)};
@@ -56,30 +53,12 @@ UniqueHandle OpenToRead(const wchar_t* path, std::size_t* size) {
     return file;
 }
 
-bool MapFromExecutable(const std::uint8_t* file, std::size_t size, SdbgMap* map) {
-    std::uint32_t length = 0;
-    std::uint32_t rva = 0;
-    std::uint32_t rawOffset = 0;
-    const std::uint8_t* const section = FindSdbgSection(file, size, &length, &rva, &rawOffset);
-    if (section == nullptr || !SdbgParseSection({section, length}, map)) return false;
-    GetPeImageBase(file, size, &map->imageBase);
-    map->textRva = GetTextBaseRva(file, size);
-    return true;
-}
-
-// The executable's name with everything from its last '.' replaced.
-std::wstring SourceBeside(const wchar_t* executable) {
-    const std::wstring path = executable;
-    return path.substr(0, path.rfind(L'.')) + L".bas";
-}
-
-bool BuildPbd(const wchar_t* executable, const wchar_t* sideFile, const std::wstring& source, SdbgMap* map,
-              PbdParts* parts) {
-    const FileBytes program = ReadBytes(executable);
-    const FileBytes side = ReadBytes(sideFile);
-    if (!program || !side || !FileExists(source.c_str())) return false;
-    const FileBytes text = ReadBytes(source.c_str());
-    return PbdBuildMap(program.Bytes(), side.Bytes(), text.Text(), map, parts);
+bool BuildPbdOfFiles(const wchar_t* executable, const wchar_t* sideFile, const std::wstring& source, SdbgMap* map,
+                     PbdParts* parts) {
+    const std::string program = BytesOfFile(executable);
+    const std::string side = BytesOfFile(sideFile);
+    if (program.empty() || side.empty() || !FileExists(source.c_str())) return false;
+    return PbdBuildMap(AsBytes(program), AsBytes(side), BytesOfFile(source.c_str()), map, parts);
 }
 
 }  // namespace
@@ -89,43 +68,39 @@ void DebugSetSourcePath(const wchar_t* path) { g_sourcePath = path == nullptr ? 
 
 std::uint8_t* ReadWholeFileW(const wchar_t* path, std::size_t* size) {
     *size = 0;
-    std::size_t length = 0;
-    const UniqueHandle file = OpenToRead(path, &length);
-    if (!file || length == 0) return nullptr;
-    HeapBlock<std::uint8_t> bytes{static_cast<std::uint8_t*>(std::malloc(length))};
-    DWORD read = 0;
-    if (!bytes || ReadFile(file.Get(), bytes.get(), static_cast<DWORD>(length), &read, nullptr) == FALSE ||
-        read != length)
-        return nullptr;
-    *size = length;
-    return bytes.release();
+    const std::string bytes = BytesOfFile(path);
+    if (bytes.empty()) return nullptr;
+    HeapBlock<std::uint8_t> block{static_cast<std::uint8_t*>(std::malloc(bytes.size()))};
+    if (!block) return nullptr;
+    std::memcpy(block.get(), bytes.data(), bytes.size());
+    *size = bytes.size();
+    return block.release();
 }
 
 bool SdbgLoad(const wchar_t* executable, SdbgMap* map) {
     *map = {};
     std::size_t size = 0;
-    const UniqueHandle file = OpenToRead(executable, &size);
+    const UniqueHandle file = OpenProgramFile(executable, &size);
     if (!file) return false;
     const UniqueHandle mapping{CreateFileMappingW(file.Get(), nullptr, PAGE_READONLY, 0, 0, nullptr)};
     if (!mapping) return false;
     const UniqueResource<ViewTraits> view{MapViewOfFile(mapping.Get(), FILE_MAP_READ, 0, 0, 0)};
-    if (!view || !MapFromExecutable(static_cast<const std::uint8_t*>(view.Get()), size, map)) return false;
+    if (!view || !SdbgMapOfProgram({static_cast<const std::uint8_t*>(view.Get()), size}, map)) return false;
     SdbgIndex(map);
     return true;
 }
 
 bool PbdLoad(const wchar_t* executable, SdbgMap* map) {
     *map = {};
-    wchar_t sideFile[kSidePathCapacity] = {};
-    SafeCopyW(sideFile, std::wstring_view{executable}.substr(0, kPathCapacity));
-    SafeCatW(sideFile, L".pbd");
+    const std::wstring side = PbdSidePath(executable);
+    const wchar_t* const sideFile = side.c_str();
     if (!FileExists(sideFile)) {
         DebugSay(kDebugRed, L"[Debug] No PowerBASIC debug database found: %s\n", sideFile);
         return false;
     }
-    const std::wstring source = g_sourcePath.empty() ? SourceBeside(executable) : g_sourcePath;
+    const std::wstring source = g_sourcePath.empty() ? SourceBesideProgram(executable) : g_sourcePath;
     PbdParts parts;
-    if (!BuildPbd(executable, sideFile, source, map, &parts)) {
+    if (!BuildPbdOfFiles(executable, sideFile, source, map, &parts)) {
         SdbgFree(map);
         AppLogMsg(L"FAIL: PbdLoad unusable pbd=%s source=%s lineCount=%d trapCount=%d", sideFile, source.c_str(),
                   parts.lineCount, parts.trapCount);
@@ -144,20 +119,12 @@ bool PbdLoad(const wchar_t* executable, SdbgMap* map) {
 
 void NormalizeSdbgControlLines(SdbgMap* map, const wchar_t* source) {
     if (map->lines == nullptr || map->lineCount <= 0 || source == nullptr || source[0] == L'\0') return;
-    const FileBytes file = ReadBytes(source);
-    if (!file) return;
-    const BasicLineIndex index = BuildBasicLineIndex(file.Text());
-    bool changed = false;
-    for (SdbgLine& record : std::span{map->lines, static_cast<std::size_t>(map->lineCount)}) {
-        if (!IsControlOnly(index, record.line)) continue;
-        const std::uint32_t statement = PreviousPbmainLine(index, record.line);
-        if (statement == 0) continue;
+    const std::string text = BytesOfFile(source);
+    const std::vector<ControlLineChange> changes = MoveControlLines(map, text);
+    for (const ControlLineChange& change : changes)
         AppLogMsg(L"DBG SdbgNormalize: file=%s rva=0x%08lX structuralLine=%d mappedLine=%d", source,
-                  static_cast<unsigned long>(record.rva), static_cast<int>(record.line), static_cast<int>(statement));
-        record.line = statement;
-        changed = true;
-    }
-    if (changed) SdbgIndex(map);
+                  static_cast<unsigned long>(change.rva), static_cast<int>(change.from), static_cast<int>(change.to));
+    if (!changes.empty()) SdbgIndex(map);
 }
 
 bool DebugLoadMap(const wchar_t* executable, std::uint32_t compilerId, SdbgMap* map) {
@@ -171,13 +138,13 @@ bool DebugLoadMap(const wchar_t* executable, std::uint32_t compilerId, SdbgMap* 
 }
 
 int CollectPbmainSourceLines(const wchar_t* source, std::uint32_t* out, int capacity) {
-    return CollectPbmainLines(ReadBytes(source).Text(), out, capacity);
+    return CollectPbmainLines(BytesOfFile(source), out, capacity);
 }
 
 bool IsBasicControlOnlySourceLine(const wchar_t* source, int line) {
-    return IsControlOnly(BuildBasicLineIndex(ReadBytes(source).Text()), line);
+    return IsControlOnly(BuildBasicLineIndex(BytesOfFile(source)), line);
 }
 
 std::uint32_t PreviousPbmainExecutableLine(const wchar_t* source, int line) {
-    return PreviousPbmainLine(BuildBasicLineIndex(ReadBytes(source).Text()), line);
+    return PreviousPbmainLine(BuildBasicLineIndex(BytesOfFile(source)), line);
 }

@@ -2,7 +2,6 @@
 #include "program/map_paths.h"
 
 #include "base/path.h"
-#include "compile/build_paths.h"
 
 #include <algorithm>
 

@@ -5,7 +5,6 @@
 #include "base/decode.h"
 #include "base/handles.h"
 #include "base/path.h"
-#include "compile/build_paths.h"
 #include "files/file_io.h"
 
 #include <cstring>

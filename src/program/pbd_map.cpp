@@ -14,7 +14,7 @@
 namespace {
 
 constexpr std::string_view kRoutine = "PBMAIN";
-constexpr std::size_t kReach = 4096;     // bytes before and behind the name in which its address is looked for
+constexpr std::size_t kReach = 4096;     // bytes before and after the name in which its address is looked for
 constexpr std::uint64_t kPrologue = 64;  // no routine of the program's own begins in the section's first bytes
 constexpr std::uint8_t kTrap = 0xCC;
 

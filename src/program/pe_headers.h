@@ -1,10 +1,39 @@
-// The few PE header fields that line maps need, read from a file's bytes. Pure; any bytes are legal input. The section
-// table is taken to stand at its usual place for the image kind, whatever the header says of its own size.
+// The headers of an executable, read from a file's bytes: where they are, and the few fields that line maps need. For line
+// maps the section table is taken to stand at its usual place for the image kind, whatever the header says of its own size.
+// Pure; any bytes are legal input.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
+
+// --- Where things are
+
+inline constexpr std::uint16_t kMagicPe32 = 0x10B;
+inline constexpr std::uint16_t kMagicPe64 = 0x20B;
+inline constexpr std::size_t kSectionHeaderSize = 40;
+
+struct PeHeader {
+    std::size_t at = 0;       // offset of the signature; at least 26 bytes follow from there
+    std::uint16_t magic = 0;  // of the optional header: kMagicPe32 or kMagicPe64
+    bool isSigned = false;    // the signature is that of an executable
+};
+// False: too short, or another magic.
+bool PeFindHeader(std::span<const std::uint8_t> file, PeHeader* header);
+
+struct PeSectionHeader {
+    std::string_view name;  // 8 bytes, in the file's memory
+    std::uint32_t virtualSize = 0;
+    std::uint32_t virtualAddress = 0;
+    std::uint32_t rawSize = 0;    // SizeOfRawData
+    std::uint32_t rawOffset = 0;  // PointerToRawData
+    std::uint32_t flags = 0;
+};
+// `at` has kSectionHeaderSize bytes.
+PeSectionHeader PeReadSectionHeader(const std::uint8_t* at);
+
+// --- For line maps and the debugger
 
 struct TextSectionInfo {
     std::uint64_t imageBase = 0;

@@ -4,6 +4,7 @@
 
 #include "base/log.h"
 #include "base/wide_format.h"
+#include "base/worker.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "resources/ids.h"
@@ -222,15 +223,7 @@ void ShowMenu(POINT at) {
 }
 
 void OnDestroy(HWND window) {
-    // A quit message is handed out whatever messages are asked for; it is for the message loop.
-    MSG message;
-    while (PeekMessageW(&message, window, MSG_TREE_ITEMS, MSG_TREE_ITEMS, PM_REMOVE) != FALSE) {
-        if (message.message == WM_QUIT) {
-            PostQuitMessage(static_cast<int>(message.wParam));
-            break;
-        }
-        delete reinterpret_cast<TreeListing*>(message.wParam);
-    }
+    WorkerDropPosts<TreeListingPtr>(window, MSG_TREE_ITEMS);
     if (g_tree.icons != nullptr) ImageList_Destroy(g_tree.icons);
     g_tree = {};
 }
@@ -238,8 +231,7 @@ void OnDestroy(HWND window) {
 LRESULT CALLBACK ProjectTreeSubclassProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
     switch (message) {
         case MSG_TREE_ITEMS: {
-            const std::unique_ptr<TreeListing> listing{reinterpret_cast<TreeListing*>(wParam)};
-            OnListing(*listing);
+            OnListing(*WorkerTake<TreeListingPtr>(wParam));
             return 0;
         }
         case WM_CONTEXTMENU: ShowMenu({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;

@@ -1,5 +1,5 @@
-// Reads one folder for the project tree on a thread of its own: a share that went away may keep a read for a minute,
-// and the window must not wait with it.
+// Reads one folder for the project tree in a worker: a share that went away may keep a read for a minute, and the window
+// must not wait with it.
 #pragma once
 
 #include "session/tree_rules.h"
@@ -7,6 +7,7 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,8 @@ struct TreeListing {
     std::size_t omitted = 0;         // entries beyond those
 };
 
-// Starts reading. The listing comes to `window` as `message` with a TreeListing* in wParam, which the receiver deletes;
-// when the window is gone by then, the reader deletes it. False when no thread could be started.
+using TreeListingPtr = std::unique_ptr<TreeListing>;
+
+// Starts reading. The listing comes to `window` as `message`, to be taken by WorkerTake<TreeListingPtr>. False: no thread
+// could be started.
 bool TreeReaderStart(HWND window, UINT message, std::uint64_t request, const std::wstring& folder);

@@ -1,21 +1,22 @@
-// Reads one folder for the project tree. Runs on its own thread: touches no window and no global record.
 #include "session/tree_reader.h"
 
 #include "base/handles.h"
 #include "base/path.h"
+#include "base/worker.h"
 
 #include <memory>
+#include <utility>
 
 namespace {
 
-struct Job {
+struct TreeReadRequest {
     HWND window;
     UINT message;
-    std::uint64_t request;
+    std::uint64_t number;
     std::wstring folder;
 };
 
-void ReadFolder(const std::wstring& folder, TreeListing& listing) {
+void ReadTreeFolder(const std::wstring& folder, TreeListing& listing) {
     const std::wstring pattern = folder + (folder.ends_with(L'\\') ? L"*" : L"\\*");
     WIN32_FIND_DATAW found;
     const UniqueFind find{FindFirstFileExW(PathExtended(pattern).c_str(), FindExInfoBasic, &found,
@@ -35,22 +36,15 @@ void ReadFolder(const std::wstring& folder, TreeListing& listing) {
     }
 }
 
-DWORD WINAPI ReaderThread(void* parameter) {
-    const std::unique_ptr<Job> job{static_cast<Job*>(parameter)};
+void ReadForTree(TreeReadRequest& request, const WorkerCancel&) {
     auto listing = std::make_unique<TreeListing>();
-    listing->request = job->request;
-    ReadFolder(job->folder, *listing);
-    if (PostMessageW(job->window, job->message, reinterpret_cast<WPARAM>(listing.get()), 0) != FALSE)
-        static_cast<void>(listing.release());  // now the window's
-    return 0;
+    listing->request = request.number;
+    ReadTreeFolder(request.folder, *listing);
+    WorkerPost(request.window, request.message, std::move(listing));
 }
 
 }  // namespace
 
 bool TreeReaderStart(HWND window, UINT message, std::uint64_t request, const std::wstring& folder) {
-    auto job = std::make_unique<Job>(Job{window, message, request, folder});
-    const UniqueHandle thread{CreateThread(nullptr, 0, ReaderThread, job.get(), 0, nullptr)};
-    if (!thread) return false;
-    static_cast<void>(job.release());  // now the thread's
-    return true;
+    return static_cast<bool>(WorkerStart<ReadForTree>(TreeReadRequest{window, message, request, folder}));
 }

@@ -4,7 +4,7 @@
 #include "disasm/disasm.h"
 #include "disasm/listing_text.h"
 #include "disasm/renderer.h"
-#include "disasm/visible_text.h"
+#include "program/visible_text.h"
 #include "files/text_encoding.h"
 
 #include <algorithm>
@@ -90,7 +90,6 @@ void FuzzProgram(std::uint8_t seed, const Bytes& bytes) {
     program.sources = {{1, "", {bytes.begin(), bytes.end()}}, {2, {bytes.begin(), bytes.end()}, "SUB a\nb"}};
     program.focusFile = seed % 3U;
     program.focusLine = seed % 9U;
-    if (seed > 200) program.firstRva = 0x1000U + seed;
     const std::string text = Rendered(program, 1000);
     CheckText(text);
     CheckCode(text);

@@ -5,6 +5,7 @@
 //   flood N          N numbered lines (0: without end)    spawn        a copy of itself that lives for a minute
 //   talk N           the same, a tenth of them diagnostics
 //   errors N FILE    N diagnostics for FILE, line i       touch PATH   creates an empty file
+//   settle           until what it printed was read
 //   exit N           ends with that code                  tally PATH   one byte more in a file
 #include <windows.h>
 
@@ -81,6 +82,7 @@ void Obey(const std::string& order, const std::string& text) {
     if (order == "raw") Raw(text);
     if (order == "flood") Flood(std::atoi(text.c_str()), NumberedLine, kLargeBlock);
     if (order == "talk") Flood(std::atoi(text.c_str()), FloodLine, kSmallBlock);
+    if (order == "settle") FlushFileBuffers(GetStdHandle(STD_OUTPUT_HANDLE));
     if (order == "sleep") Sleep(static_cast<DWORD>(std::atol(text.c_str())));
     if (order == "spawn") Spawn();
     if (order == "exit") ExitProcess(static_cast<UINT>(std::atol(text.c_str())));

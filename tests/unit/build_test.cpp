@@ -1,10 +1,13 @@
 // The rules of building: diagnostics, command line, output on its way to the pane.
 #include "base/path.h"
-#include "compile/build_paths.h"
 #include "compile/command_line.h"
+#include "compile/staging.h"
 #include "output/diagnostics.h"
+#include "output/error_places.h"
 #include "output/kept_lines.h"
+#include "output/line_colours.h"
 #include "output/output_filter.h"
+#include "output/output_lines.h"
 #include "output/output_queue.h"
 #include "ui/rtf_block.h"
 
@@ -158,6 +161,123 @@ TEST(OutputQueue, EndlessLinesAreCut) {
     }
 }
 
+// What comes of a text: lines with a mark of their colour, and the records.
+TEST(OutputLines, AreFilteredColouredCountedAndRecorded) {
+    OutputLines lines = {.compilerId = 4};
+    const auto put = [&](const wchar_t* text, ChunkKind kind) {
+        lines.queue.chunks.push_back({.text = text, .colour = kLineTeal, .kind = kind});
+    };
+    put(L"a(1,2): error: one\nfix: f\nfix: f\n\nb:3:4: warning: two\nrest", ChunkKind::Stream);
+    put(L"own\r\nfix: f\r\nc(5,6): error: ours", ChunkKind::Message);
+    put(L"", ChunkKind::StreamEnd);
+    CompilerErrors errors;
+    PaneLine line;
+    int chunks = 0;
+    std::string text;
+    while (OutputLinesNext(
+        lines, errors, [] { return false; }, &line, &chunks))
+        text += (line.colour == kLineRed ? "R" : line.colour == kLineYellow ? "Y" : "") + Narrow(line.text) + "|";
+    EXPECT_EQ(text, "Ra(1,2): error: one|fix: f||Yb:3:4: warning: two|rest|own|fix: f|Rc(5,6): error: ours|")
+        << "repetitions are a process's";
+    EXPECT_EQ(chunks, 1);
+    EXPECT_EQ(lines.counts.lines, 4) << "of the process, not blank, not repeated";
+    EXPECT_EQ(lines.counts.errors, 2);
+    EXPECT_EQ(lines.counts.warnings, 1);
+    ASSERT_EQ(errors.count, 3);
+    EXPECT_EQ(errors.items[1].severity, 1);
+    EXPECT_EQ(errors.items[1].compilerId, 4U);
+    EXPECT_FALSE(OutputLinesWait(lines));
+
+    // The list is full with the 64th; the rest is shown all the same.
+    for (int i = 0; i < 70; ++i) put(L"d(1,1): error: more\n", ChunkKind::Stream);
+    while (OutputLinesNext(
+        lines, errors, [] { return false; }, &line, &chunks))
+        EXPECT_EQ(line.colour, kLineRed);
+    EXPECT_EQ(errors.count, kMaxCompilerErrors);
+    EXPECT_EQ(lines.counts.errors, 72);
+
+    // Shown again, before what still waits.
+    put(L"last\n", ChunkKind::Stream);
+    OutputLinesAgain(lines, {{.text = L"shown"}});
+    for (const wchar_t* expected : {L"shown", L"last"}) {
+        ASSERT_TRUE(OutputLinesNext(
+            lines, errors, [] { return false; }, &line, &chunks));
+        EXPECT_EQ(Narrow(line.text), Narrow(expected));
+    }
+    put(L"x", ChunkKind::Stream);
+    put(L"y", ChunkKind::Message);
+    EXPECT_EQ(OutputLinesDrop(lines), 1) << "the chunks of processes are given back";
+    EXPECT_FALSE(OutputLinesWait(lines));
+}
+
+TEST(OutputLines, OfAFloodLookingHasALimit) {
+    OutputLines lines;
+    lines.kept.shown = kFirstLinesKept;  // full: what comes is held back
+    std::wstring flood;
+    for (int i = 0; i < 2000; ++i) flood += L"line\n";
+    lines.queue.chunks.push_back({.text = flood, .kind = ChunkKind::Stream});
+    lines.queue.chunks.push_back({.kind = ChunkKind::StreamEnd});
+    CompilerErrors errors;
+    PaneLine line;
+    int chunks = 0;
+    ASSERT_TRUE(OutputLinesNext(
+        lines, errors, [] { return true; }, &line, &chunks));
+    EXPECT_TRUE(line.text.starts_with(L"... more follows")) << Narrow(line.text);
+    EXPECT_FALSE(OutputLinesNext(
+        lines, errors, [] { return true; }, &line, &chunks))
+        << "the time is up";
+    EXPECT_LT(lines.kept.held.size(), 1000U);
+    int shown = 0;
+    while (OutputLinesNext(
+        lines, errors, [] { return false; }, &line, &chunks))
+        ++shown;
+    EXPECT_EQ(shown, 2000) << "and at the end all of them come";
+}
+
+TEST(ErrorPlaces, WhatAPrintedNameMayMean) {
+    const PathWhole whole = [](const std::wstring& path) {
+        const std::size_t up = path.find(L"\\sub\\..");
+        return up == std::wstring::npos ? path : path.substr(0, up) + path.substr(up + 7);
+    };
+    const BuildRecord build = {.source = L"C:\\src\\x.kxa",
+                               .output = L"D:\\out\\x.exe",
+                               .staged = L"C:\\src\\x.pb",
+                               .workingDirectory = L"C:\\tools"};
+    struct Case {
+        const wchar_t* printed;
+        const char* places;
+    };
+    const Case cases[] = {
+        {L"part.inc", "C:\\tools\\part.inc C:\\src\\part.inc D:\\out\\part.inc "},
+        {L"X.pb", "C:\\tools\\X.pb C:\\src\\x.kxa D:\\out\\X.pb "},  // the copy is the source
+        {L"c:/src/x.PB", "C:\\src\\x.kxa "},
+        {L"C:\\src\\sub\\..\\y.bas", "C:\\src\\y.bas "},
+        {L"\\\\server\\x.bas", "\\\\server\\x.bas "},
+    };
+    for (const Case& test : cases) {
+        std::string places;
+        for (const std::wstring& place : ErrorPlaces(test.printed, build, whole)) places += Narrow(place) + " ";
+        EXPECT_EQ(places, test.places);
+    }
+    EXPECT_TRUE(ErrorPlaces(L"x.bas", {}, whole).empty()) << "before the first build";
+}
+
+TEST(ErrorPlaces, TheWalkGoesRound) {
+    CompilerErrors errors;
+    EXPECT_EQ(NextErrorIndex(errors), -1);
+    EXPECT_EQ(PreviousErrorIndex(errors), -1);
+    for (const wchar_t* line : {L"a(1,2): error: x", L"a(1,2): warning: x", L"b(1,2): error: x"})
+        ASSERT_EQ(ParseErrorLine(line, &errors.items[errors.count++]), 1);
+    EXPECT_EQ(PreviousErrorIndex(errors), 2);
+    errors.current = 2;
+    EXPECT_EQ(NextErrorIndex(errors), 0);
+    CompilerError wanted = errors.items[1];
+    wanted.compilerId = 9;
+    EXPECT_EQ(FindDiagnostic(errors, wanted), 1) << "the one of its severity";
+    wanted.column = 3;
+    EXPECT_EQ(FindDiagnostic(errors, wanted), -1);
+}
+
 TEST(RtfBlock, TextIsEscapedAndColoursAreIndexed) {
     std::string escaped;
     RtfAppendEscaped(escaped, L"a\\b{c}\td\x01\xE9\x20AC");
@@ -294,10 +414,6 @@ TEST(CommandLine, BuildFlagsComeOnceAndOnlyWhole) {
     EXPECT_EQ(Narrow(flags), "-Wall --debug");
     AppendBuildFlag(flags, Repeat(1023 - 14));
     EXPECT_EQ(std::wstring_view(flags).size(), 1023U);
-    EXPECT_EQ(Narrow(ProfileFlags(0, L"/D")), "/D");
-    EXPECT_EQ(Narrow(ProfileFlags(1, L"/D")), "-O2");
-    EXPECT_EQ(Narrow(ProfileFlags(2, L"/D")), "-O0");
-    EXPECT_EQ(Narrow(ProfileFlags(3, L"/D")), "");
 }
 
 TEST(BuildPaths, NamesOfCopiesAndSideFiles) {
@@ -326,8 +442,6 @@ TEST(BuildPaths, NamesOfCopiesAndSideFiles) {
     EXPECT_EQ(Narrow(FolderOf(L"C:\\x.exe")), "C:\\");
     EXPECT_EQ(Narrow(FolderOf(L"C:\\dir\\x.exe")), "C:\\dir");
     EXPECT_EQ(Narrow(FolderOf(L"x.exe")), "");
-    EXPECT_TRUE(IsBatchBuildSource(L"C:\\x.B64"));
-    EXPECT_FALSE(IsBatchBuildSource(L"C:\\x.bas\\y.inc"));
 }
 
 }  // namespace

@@ -1,10 +1,13 @@
-// Decoding by the system's code pages, and staged copies beside files of the user.
+// Where compilers are looked for, decoding by the system's code pages, and staged copies on a real disk beside files of
+// the user.
 #include "base/decode.h"
 #include "base/handles.h"
+#include "base/path.h"
 #include "compile/staging.h"
 #include "disasm/asm_feed.h"
-#include "disasm/asm_pane.h"
 #include "files/file_io.h"
+#include "settings/compiler_table.h"
+#include "settings/settings_state.h"
 
 #include "support/deep_folder.h"
 #include "support/temp_files.h"
@@ -54,6 +57,26 @@ TEST(AsmFeed, SaysThatMemoryRanOut) {
     EXPECT_TRUE(text.ends_with(L"before\r\n(Not enough memory.)\r\n")) << text.size();
 }
 
+TEST(CompilerPaths, RelativeOnesBelongToTheProgramsFolder) {
+    wchar_t own[MAX_PATH] = {}, before[MAX_PATH] = {}, elsewhere[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, own, MAX_PATH);
+    GetCurrentDirectoryW(MAX_PATH, before);
+    GetTempPathW(MAX_PATH, elsewhere);
+    const CompilerSettings kept = g_settings.compilers[1];
+    ASSERT_TRUE(SetCurrentDirectoryW(elsewhere));
+    for (const auto& [path, resolved] : {std::pair{L"sub\\c.exe", FolderOf(own) + L"\\sub\\c.exe"},
+                                         {L"D:\\sub\\c.exe", std::wstring(L"D:\\sub\\c.exe")}}) {
+        SafeCopyW(g_settings.compilers[1].path, path);
+        wchar_t out[kPathCapacity] = {};
+        CompilerPathResolved(1, out, kPathCapacity);
+        EXPECT_EQ(std::wstring(out), resolved);
+    }
+    SafeCopyW(g_settings.compilers[1].path, std::wstring_view(own).substr(FolderOf(own).size() + 1));
+    EXPECT_TRUE(CompilerExists(1)) << "this very program, by its name alone";
+    g_settings.compilers[1] = kept;
+    SetCurrentDirectoryW(before);
+}
+
 class Staging : public testing::Test {
 protected:
     std::wstring Path(const wchar_t* name) const { return (folder_.path / name).wstring(); }
@@ -64,7 +87,7 @@ protected:
     }
     StagedSource Stage(const wchar_t* source, CommandStyle style) const {
         StagedSource staged;
-        DWORD error = 0;
+        std::uint32_t error = 0;
         EXPECT_TRUE(StageSource(Path(source).c_str(), Path(L"x.exe").c_str(), style, &staged, &error)) << error;
         return staged;
     }
@@ -86,17 +109,6 @@ TEST_F(Staging, TheCopyComesAndGoes) {
     EXPECT_EQ(Read(L"x.pb"), "later") << "the second time there is nothing to delete";
 }
 
-TEST_F(Staging, AUsersFileOfThatNameIsLeftAlone) {
-    Write(L"x.kxa", "mine");
-    Write(L"x.pb", "the user's");
-    StagedSource staged = Stage(L"x.kxa", CommandStyle::Kvx);
-    EXPECT_EQ(staged.path, Path(L"x.kvx1.pb"));
-    EXPECT_EQ(Read(L"x.pb"), "the user's");
-    EXPECT_EQ(UnstageSource(&staged), L"");
-    EXPECT_EQ(Read(L"x.kvx1.pb"), "(none)");
-    EXPECT_EQ(Read(L"x.pb"), "the user's");
-}
-
 TEST_F(Staging, KeldorPutsTheUsersFileBack) {
     Write(L"x.kb", "source");
     Write(L"x.bas", "the user's");
@@ -108,23 +120,13 @@ TEST_F(Staging, KeldorPutsTheUsersFileBack) {
     EXPECT_EQ(Read(L"x.bas.kvx-aside1"), "(none)");
 }
 
-TEST_F(Staging, WhatABrokenOffBuildMovedAsideIsFoundAndLeftAlone) {
-    Write(L"x.kb", "source");
-    EXPECT_EQ(Stage(L"x.kb", CommandStyle::Keldor).leftover, L"");  // and ends without taking its copy back
-    Write(L"x.bas.kvx-aside1", "the user's");
-    StagedSource staged = Stage(L"x.kb", CommandStyle::Keldor);
-    EXPECT_EQ(staged.leftover, Path(L"x.bas.kvx-aside1"));
-    EXPECT_EQ(UnstageSource(&staged), L"");
-    EXPECT_EQ(Read(L"x.bas.kvx-aside1"), "the user's");
-}
-
 TEST_F(Staging, PathsBeyondTheOldLimit) {
     const DeepFolder deep(folder_.path.wstring());
     const std::wstring source = deep.File(L"x.kb"), target = deep.File(L"x.bas");
     WriteBytes(DeepFolder::LongForm(source), "source");
     WriteBytes(DeepFolder::LongForm(target), "the user's");
     StagedSource staged;
-    DWORD error = 0;
+    std::uint32_t error = 0;
     EXPECT_TRUE(StageSource(source.c_str(), deep.File(L"x.exe").c_str(), CommandStyle::Keldor, &staged, &error))
         << error;
     EXPECT_TRUE(staged.copied);
@@ -136,7 +138,7 @@ TEST_F(Staging, PathsBeyondTheOldLimit) {
 TEST_F(Staging, TheSourceItselfIsNeverTheCopy) {
     Write(L"x.bas", "source");
     StagedSource staged;
-    DWORD error = 0;
+    std::uint32_t error = 0;
     std::wstring otherSpelling = Path(L"X.BAS");
     for (wchar_t& character : otherSpelling) character = character == L'\\' ? L'/' : character;
     ASSERT_TRUE(StageSource(otherSpelling.c_str(), Path(L"x.exe").c_str(), CommandStyle::Keldor, &staged, &error));

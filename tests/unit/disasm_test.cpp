@@ -1,13 +1,17 @@
 // Code and listings as text: single instructions, whole programs, files that are none, compilers' listings.
 #include "disasm/disasm.h"
+#include "disasm/asm_renderer.h"
+#include "disasm/asm_text.h"
 #include "disasm/listing_text.h"
 #include "disasm/renderer.h"
-#include "disasm/visible_text.h"
+#include "program/visible_text.h"
 #include "support/pe_bytes.h"
 #include "support/temp_files.h"
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <map>
 #include <random>
 #include <string>
 
@@ -216,15 +220,7 @@ TEST(Disasm, ThePartAroundTheCaretComesFirst) {
     }
 }
 
-TEST(Disasm, ARangeAndKnownStartsDecideWhereInstructionsBegin) {
-    DisasmProgram range = Program64(false);
-    range.firstRva = 0x1005;  // within a call: the next one is the first
-    range.endRva = 0x1010;
-    const std::string part = Rendered(range);
-    EXPECT_EQ(part.find("000140001004"), std::string::npos) << part;
-    EXPECT_NE(part.find("000140001009"), std::string::npos) << part;
-    EXPECT_EQ(part.find("000140001011"), std::string::npos) << part;
-
+TEST(Disasm, KnownStartsDecideWhereInstructionsBegin) {
     // A line's code begins within what looks like one instruction: data before it are bytes.
     DisasmProgram mixed = Program64(false);
     mixed.lines = {{0x101A, 1, 1}};
@@ -262,7 +258,6 @@ TEST(Disasm, NamesHaveALimit) {
         program.lines.push_back({0x1000 + i, 1, i + 1});
         program.sources[0].text += "SUB P" + std::to_string(i) + "\n";
     }
-    program.firstRva = 0x1000 + kLimit - 1;
     const std::string text = Rendered(std::move(program));
     EXPECT_EQ(CountLabels(text, "P65535"), 1) << text;
     EXPECT_EQ(CountLabels(text, "P65536"), 0) << text;
@@ -375,6 +370,96 @@ TEST(Listing, ACompilersListingLooksAsExpected) {
     ASSERT_FALSE(listing.empty());
     ExpectGolden("listing.txt", RenderedListing(listing));
     EXPECT_EQ(RenderedListing(listing, 1), RenderedListing(listing));
+}
+
+// --- The pane
+
+TEST(AsmText, APartHasRoomForSoMuch) {
+    AsmPart part;
+    std::string lines;
+    for (std::size_t i = 0; i < kAsmPartLines + 5; ++i) lines += "x\r\n";
+    const std::string taken = AsmPartTake(part, lines);
+    EXPECT_EQ(taken.size(), kAsmPartLines * 3 + std::string_view("... the rest is left out here ...\r\n").size());
+    EXPECT_TRUE(part.full);
+    EXPECT_EQ(AsmPartTake(part, "more\r\n"), "") << "said once";
+    // A long line is cut between its characters, of two bytes here.
+    part = {};
+    std::string wide;
+    for (int i = 0; i < 6000; ++i) wide += "\xC3\xA9";
+    const std::string cut = AsmPartTake(part, "a" + wide + "\n");
+    EXPECT_EQ(cut.find("\r\n") % 2, 1U) << "an odd byte, then whole characters";
+    EXPECT_EQ(AsmLinesIn(cut), 2);
+    EXPECT_EQ(AsmLinesIn("a\r\n\nb"), 3);
+    std::string_view rest = "12\n34\n5678";
+    EXPECT_EQ(AsmTakePiece(&rest, 4), "12\n");
+    EXPECT_EQ(AsmTakePiece(&rest, 1), "34\n") << "at least a line";
+    EXPECT_EQ(AsmTakePiece(&rest, 2), "5678") << "one without an end too";
+}
+
+// What the pane gets of files in memory; "@" marks the place of the user. Files in the order of their times.
+std::string Pane(const AsmRequest& request, const std::map<std::wstring, std::string>& files,
+                 const std::string* listing = nullptr) {
+    std::string text;
+    AsmRenderIn({.exists = [&](const std::wstring& path) { return files.contains(path); },
+                 .read =
+                     [&](const std::wstring& path, std::size_t, std::string* bytes) {
+                         if (files.contains(path)) *bytes = files.at(path);
+                         return files.contains(path) && *bytes != "locked";
+                     },
+                 .sourceText = [&](const std::wstring& path) { return files.contains(path) ? files.at(path) : ""; },
+                 .isOlder = [](const std::wstring& a, const std::wstring& b) { return a < b; },
+                 .mapFile = [](const char* name, bool,
+                               const MapSource&) { return std::wstring(name, name + std::strlen(name)); },
+                 .utf8 = [](std::wstring_view wide) { return std::string(wide.begin(), wide.end()); },
+                 .beginPart = [&](std::string_view heading) { text += heading; },
+                 .put =
+                     [&](std::string_view piece) {
+                         text += piece;
+                         return true;
+                     },
+                 .markPlace = [&] { text += "@"; },
+                 .cancelled = [] { return false; }},
+                request, listing);
+    std::erase(text, '\r');
+    return text;
+}
+
+TEST(AsmRender, ListingThenProgramWithItsLines) {
+    const std::string map = pe_bytes::Sdbg1({{1, 3, 0x1030}, {1, 8, 0x1004}});
+    const Bytes program = Build({.sections = {{".text", 0x1000, kCode64}, {".sdbg", 0x3000, map, 0, pe_bytes::kData}}});
+    std::map<std::wstring, std::string> files = {{L"m.exe", std::string(program.begin(), program.end())},
+                                                 {L"k.bas", kSource}};
+    AsmRequest request = {
+        .source = L"k.bas", .listing = L"a.asm", .program = L"m.exe", .caretFile = L"K.BAS", .caretLine = 8};
+    const std::string listing = "  mov eax, 1\n";
+    std::string text = Pane(request, files, &listing);
+    EXPECT_TRUE(
+        text.starts_with("\n=== Listing in columns ===\n(The source was changed after this listing was written.)\n"))
+        << text;
+    const std::size_t code = text.find("\n=== Code of m.exe ===\n@; --- Around line 8");
+    EXPECT_NE(code, std::string::npos) << text;
+    EXPECT_NE(text.find("; 3: FUNCTION Square", code), std::string::npos) << text;
+
+    // A map's side file stands beside the program; the caret is elsewhere.
+    request.caretFile = L"other.bas";
+    EXPECT_EQ(Pane(request, files).find('@'), std::string::npos);
+    request.program = L"b.exe";
+    EXPECT_EQ(Pane(request, files), "") << "no program, no part";
+    files[L"b.exe"] = "locked";
+    EXPECT_EQ(Pane(request, files), "\n=== Code of b.exe ===\n(The program cannot be read.)\n");
+    files[L"b.exe"] = "MZ";
+    EXPECT_NE(Pane(request, files).find("(The source was changed after the program was built"), std::string::npos);
+}
+
+TEST(AsmRequests, BelongToTheLastBuildOrKnowLess) {
+    const BuildRecord last = {.source = L"C:\\x.kxa", .output = L"C:\\x.exe", .staged = L"C:\\x.pb"};
+    EXPECT_EQ(AsmRequestOf(last, L"c:/X.kxa", L"l").program, L"C:\\x.exe");
+    EXPECT_EQ(AsmRequestOf(last, L"c:/X.kxa", L"l").staged, L"C:\\x.pb");
+    EXPECT_EQ(AsmRequestOf(last, L"C:\\y.kxa", L"l").program, L"");
+    EXPECT_EQ(AsmTopLine({.place = 40, .lines = 50}, 0), 40);
+    EXPECT_EQ(AsmTopLine({.place = 40, .lines = 40}, 0), 0) << "not there yet";
+    EXPECT_EQ(AsmTopLine({.place = 40, .lines = 50}, 7), 7) << "the reader has scrolled";
+    EXPECT_EQ(AsmTopLine({.place = 40, .lines = 50, .top = 7}, 7), 40) << "the pane itself had left it there";
 }
 
 }  // namespace

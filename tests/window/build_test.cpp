@@ -248,7 +248,7 @@ TEST(Build, OutputIsFilteredDecodedAndColoured) {
         "args\nprint error[E1]: same\nprint error[E1]: same\nprint help: h\nprint error[E1]: same\n"
         "print help: h\nprint fix: f\nprint fix: f\nprint error[E2]: other\nprint plain\nprint plain\n"
         "print x.bas(1,2): error: red\nprint x.bas:3:4: warning: yellow\n"
-        "raw caf\\xC3\\xA9\\x0D\\x0A\nsleep 400\nraw ansi \\xE9\\x0D\\x0A\nsleep 400\nraw " +
+        "raw caf\\xC3\\xA9\\x0D\\x0A\nsettle\nraw ansi \\xE9\\x0D\\x0A\nsettle\nraw " +
         long_line + "\\xC3\\xA9\\x0D\\x0A\nexit 3\n");
     folder.SetIni(L"Build", L"PreBuildCmd", L"cmd /c echo pre>pre.txt");
     folder.SetIni(L"Build", L"PostBuildCmd", L"cmd /c echo post>" + folder.File(L"post.txt"));
@@ -285,6 +285,24 @@ TEST(Build, OutputIsFilteredDecodedAndColoured) {
     EXPECT_NE(Build(other).find(L"[Pre-build] Failed to run.\n"), std::wstring::npos) << Utf8(other.Output());
     EXPECT_EQ(ColourOf(other, L"[Pre-build] Failed"), 0x0000FFu);
     EXPECT_NE(other.Output().find(L"\nfine\n"), std::wstring::npos) << "its result does not stop the build";
+}
+
+TEST(Build, ASilentCompilersLogIsShown) {
+    FakeFolder folder("");
+    folder.Script("tally " + Utf8(folder.File(L"a.log")) + "\n");
+    folder.SetIni(L"Build", L"PreBuildCmd", L"cmd /c echo x.bas(1,2): error: of the command");
+    folder.Write(L"a.err", "of an earlier build");
+    Editor editor(folder, OpenArgument(folder.Write(L"a.bas", kHello)) + L" --compiler kvxa64");
+    const std::wstring text = Build(editor);
+    EXPECT_NE(text.find(L"x.bas(1,2): error: of the command\n"), std::wstring::npos) << Utf8(text);
+    EXPECT_NE(text.find(L"--- " + folder.File(L"a.log") + L" ---\n1\n--- Build succeeded: 0 errors, 0 warnings, "),
+              std::wstring::npos)
+        << "what a command printed is not the compiler's\n"
+        << Utf8(text);
+    EXPECT_EQ(text.find(L"earlier"), std::wstring::npos);
+    folder.Script("tally " + Utf8(folder.File(L"a.log")) + "\nprint said\n");
+    EXPECT_EQ(Build(editor).find(L"a.log"), std::wstring::npos) << "a compiler that speaks needs no log";
+    EXPECT_EQ(editor.Close(), 0u);
 }
 
 TEST(Build, ErrorsLeadToTheirPlaces) {
@@ -337,6 +355,29 @@ TEST(Build, ErrorsLeadToTheirPlaces) {
     expectAt(L"many.bas:64:1");
     editor.Do(IDM_ERROR_NEXT);
     expectAt(L"many.bas:1:1");
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+// A compiler names the copy that it saw, which is gone by then.
+TEST(Build, ErrorsOfACopyLeadToItsSource) {
+    FakeFolder folder("");
+    const std::string text = "1\r\n2\r\n3\r\n";
+    Editor editor(folder, OpenArgument(folder.Write(L"one.kxa", text)) + OpenArgument(folder.Write(L"two.ka32", text)) +
+                              L" --compiler kvxa64");
+    for (const auto& [source, copy] : {std::pair{L"two.ka32", "two.bas"}, {L"one.kxa", "one.pb"}}) {
+        SCOPED_TRACE(copy);
+        ASSERT_EQ(editor.TabLabel(editor.ActiveTab()), source);
+        folder.Script(std::string("print ") + copy + "(2,1): error: by name\nprint " + Utf8(folder.File(Wide(copy))) +
+                      "(3,1): error: by path\nexit 1\n");
+        Build(editor);
+        for (const int line : {3, 2}) {
+            editor.Do(IDM_ERROR_NEXT);
+            EXPECT_TRUE(WaitFor([&] { return editor.Line() == line; }, 3000)) << editor.Line();
+            EXPECT_EQ(editor.TabLabel(editor.ActiveTab()), source);
+        }
+        editor.Do(IDM_NEXT_TAB);
+    }
+    EXPECT_EQ(editor.Tabs(), 2) << "nothing was opened for them";
     EXPECT_EQ(editor.Close(), 0u);
 }
 

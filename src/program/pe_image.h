@@ -1,5 +1,6 @@
-// The parts of an executable that its disassembly needs: sections, entry point, names from exports and imports. Pure;
-// any bytes are legal input, and what cannot be true is left out. The records borrow the file's bytes.
+// An executable as its disassembly needs it: sections, entry point, names from exports and imports. Here the section table
+// stands where the header says, unlike for line maps (program/pe_headers.h). Pure; any bytes are legal input, and what cannot
+// be true is left out. The records borrow the file's bytes.
 #pragma once
 
 #include <cstddef>
@@ -32,12 +33,11 @@ struct PeImage {
     std::unordered_map<std::uint32_t, std::string> exports;  // by RVA: the first name in the table
 };
 
-// Reads the headers and names. What is there before a fault stays readable; whether any of it can be shown is told by
-// PeProblem.
-PeImage PeImageRead(std::span<const std::uint8_t> file);
+inline constexpr std::uint16_t kMachineX86 = 0x14C;
+inline constexpr std::uint16_t kMachineX64 = 0x8664;
 
-// Why the code of this file is not shown, as a sentence for the user; empty: it can be.
-std::string PeProblem(const PeImage& image);
+// Reads the headers and names. What is there before a fault stays readable.
+PeImage PeImageRead(std::span<const std::uint8_t> file);
 
 // The section that holds an address, or null.
 const PeSection* PeSectionAt(const PeImage& image, std::uint32_t rva);

@@ -1,10 +1,9 @@
-#include "disasm/pe_image.h"
+#include "program/pe_image.h"
 
-#include "disasm/visible_text.h"
+#include "program/pe_headers.h"
+#include "program/visible_text.h"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <string_view>
 
 namespace {
@@ -16,8 +15,6 @@ constexpr std::size_t kMaxNames = 65536;
 constexpr std::size_t kMaxNameBytes = 4096;
 constexpr std::size_t kNameBytesKept = 200;
 
-constexpr std::uint16_t kMachineX86 = 0x14C;
-constexpr std::uint16_t kMachineX64 = 0x8664;
 constexpr std::uint32_t kDirectoryExports = 0;
 constexpr std::uint32_t kDirectoryImports = 1;
 constexpr std::uint32_t kDirectoryDotNet = 14;
@@ -58,21 +55,19 @@ Directory DirectoryOf(const PeImage& image, std::uint32_t index) {
     return {.rva = U32(image.file, at), .size = U32(image.file, at + 4)};
 }
 
-PeSection ReadSection(Bytes file, std::uint64_t header) {
+PeSection ReadSection(Bytes file, std::size_t at) {
+    const PeSectionHeader header = PeReadSectionHeader(file.data() + at);
     PeSection section;
-    std::string_view name(reinterpret_cast<const char*>(file.data() + header), 8);
-    section.name = VisibleText(name.substr(0, name.find('\0')));
-    const std::uint32_t virtualSize = U32(file, header + 8);
-    section.rva = U32(file, header + 12);
-    const std::uint32_t rawSize = U32(file, header + 16);
-    const std::uint32_t rawOffset = U32(file, header + 20);
-    section.isCode = (U32(file, header + 36) & kSectionIsCode) != 0;
-    section.size = virtualSize != 0 ? virtualSize : rawSize;
+    section.name = VisibleText(header.name.substr(0, header.name.find('\0')));
+    section.rva = header.virtualAddress;
+    section.isCode = (header.flags & kSectionIsCode) != 0;
+    section.size = header.virtualSize != 0 ? header.virtualSize : header.rawSize;
     // What the file has beyond the size in memory is padding.
-    const std::uint64_t wanted = rawOffset == 0 ? 0 : std::min(section.size, rawSize);
-    const std::uint64_t there = rawOffset < file.size() ? std::min<std::uint64_t>(wanted, file.size() - rawOffset) : 0;
+    const std::uint64_t wanted = header.rawOffset == 0 ? 0 : std::min(section.size, header.rawSize);
+    const std::uint64_t there =
+        header.rawOffset < file.size() ? std::min<std::uint64_t>(wanted, file.size() - header.rawOffset) : 0;
     section.outsideFile = there < wanted;
-    if (there > 0) section.data = file.subspan(rawOffset, static_cast<std::size_t>(there));
+    if (there > 0) section.data = file.subspan(header.rawOffset, static_cast<std::size_t>(there));
     return section;
 }
 
@@ -128,107 +123,21 @@ void ReadExports(PeImage& image) {
     }
 }
 
-// Of all sections of code together.
-struct CodeFacts {
-    bool any = false;      // a section of code, with or without data
-    bool data = false;     // one with data
-    bool outside = false;  // one whose data lie outside the file
-};
-
-CodeFacts FactsOf(const PeImage& image) {
-    CodeFacts facts;
-    for (const PeSection& section : image.sections) {
-        if (!section.isCode) continue;
-        facts.any = true;
-        facts.data = facts.data || !section.data.empty();
-        facts.outside = facts.outside || section.outsideFile;
-    }
-    return facts;
-}
-
-std::string PackerSection(const PeImage& image) {
-    constexpr std::array<std::string_view, 22> names = {
-        "UPX0",    "UPX1",     "UPX2",     ".aspack",  ".adata", ".ASPack", "MPRESS1", "MPRESS2",
-        ".petite", ".MPRESS1", ".nsp0",    ".nsp1",    "PEC2",   "pec1",    "FSG!",    ".vmp0",
-        ".vmp1",   ".themida", ".winlice", ".enigma1", ".yP",    "kkrunchy"};
-    for (const PeSection& section : image.sections)
-        if (std::find(names.begin(), names.end(), section.name) != names.end()) return section.name;
-    return {};
-}
-
-// Bits a byte, 0 to 8. Code of compilers has 5 to 6.7, compressed and encrypted data more than 7.8.
-double Entropy(Bytes bytes) {
-    std::array<std::size_t, 256> counts = {};
-    for (const std::uint8_t byte : bytes) ++counts[byte];
-    double sum = 0;
-    for (const std::size_t count : counts) {
-        if (count == 0) continue;
-        const double share = static_cast<double>(count) / static_cast<double>(bytes.size());
-        sum -= share * std::log2(share);
-    }
-    return sum;
-}
-
-constexpr double kPackedEntropy = 7.3;
-constexpr std::size_t kEntropyBytes = 4096;  // fewer bytes say nothing
-
-std::string Quoted(const std::string& name) { return '"' + name + '"'; }
-
-std::string PackedProblem(const PeImage& image) {
-    if (const std::string packer = PackerSection(image); !packer.empty())
-        return "The program is packed (section " + Quoted(packer) + "): its code is not in the file as it runs.";
-    const PeSection* entry = PeSectionAt(image, image.entryRva);
-    for (const PeSection& section : image.sections) {
-        const bool decides = image.entryRva != 0 ? &section == entry : section.isCode;
-        if (decides && section.data.size() >= kEntropyBytes && Entropy(section.data) > kPackedEntropy)
-            return "The program is packed or encrypted (section " + Quoted(section.name) +
-                   " looks like random data): its code is not in the file as it runs.";
-    }
-    return {};
-}
-
-std::string MachineName(std::uint16_t machine) {
-    switch (machine) {
-        case 0x1C0:
-        case 0x1C2:
-        case 0x1C4: return "ARM";
-        case 0xAA64: return "ARM64";
-        case 0xA641: return "ARM64EC";
-        case 0x200: return "Itanium";
-        case 0xEBC: return "EFI byte code";
-        default: return "an unknown machine";
-    }
-}
-
-std::string HeaderProblem(const PeImage& image) {
-    if (image.file.empty()) return "The file is empty.";
-    if (image.machine == 0) {
-        const bool dos = image.file.size() >= 2 && image.file[0] == 'M' && image.file[1] == 'Z';
-        return dos ? "The file is no Windows program, or its header is damaged." : "The file is no program.";
-    }
-    if (image.machine != kMachineX86 && image.machine != kMachineX64)
-        return "The program is for " + MachineName(image.machine) + ", and only x86 and x64 code can be shown.";
-    if ((image.machine == kMachineX64) != image.x64) return "The file is damaged: its header contradicts itself.";
-    if (image.isDotNet) return "The program is made for .NET: it holds no machine code.";
-    return {};
-}
-
 }  // namespace
 
 PeImage PeImageRead(Bytes file) {
     PeImage image;
     image.file = file;
-    if (file.size() < 64 || file[0] != 'M' || file[1] != 'Z') return image;
-    const std::uint64_t header = U32(file, 0x3C);
-    if (U32(file, header) != 0x00004550) return image;
+    PeHeader found;
+    if (!PeFindHeader(file, &found) || !found.isSigned || file[0] != 'M' || file[1] != 'Z') return image;
+    const std::uint64_t header = found.at;
     const std::uint32_t optionalSize = U16(file, header + 20);
     const std::uint64_t optional = header + 24;
-    const std::uint32_t magic = U16(file, optional);
-    if (optionalSize < 2 || (magic != 0x10B && magic != 0x20B)) return image;
+    if (optionalSize < sizeof(found.magic)) return image;
     image.machine = static_cast<std::uint16_t>(U16(file, header + 4));
-    image.x64 = magic == 0x20B;
+    image.x64 = found.magic == kMagicPe64;
     image.entryRva = U32(file, optional + 16);
-    image.base = image.x64 ? Number(file, optional + 24, 8) : Number(file, optional + 28, 4);
+    GetPeImageBase(file.data(), file.size(), &image.base);
     const std::uint64_t directories = optional + (image.x64 ? 112 : 96);
     image.directories = static_cast<std::uint32_t>(directories);
     const std::uint64_t room = optional + optionalSize > directories ? (optional + optionalSize - directories) / 8 : 0;
@@ -236,26 +145,14 @@ PeImage PeImageRead(Bytes file) {
 
     const std::size_t count = std::min<std::size_t>(U16(file, header + 6), kMaxSections);
     for (std::size_t i = 0; i < count; ++i) {
-        const std::uint64_t at = optional + optionalSize + i * 40;
-        if (at + 40 > file.size()) break;
-        image.sections.push_back(ReadSection(file, at));
+        const std::uint64_t at = optional + optionalSize + i * kSectionHeaderSize;
+        if (at + kSectionHeaderSize > file.size()) break;
+        image.sections.push_back(ReadSection(file, static_cast<std::size_t>(at)));
     }
     image.isDotNet = DirectoryOf(image, kDirectoryDotNet).rva != 0;
     ReadImports(image);
     ReadExports(image);
     return image;
-}
-
-std::string PeProblem(const PeImage& image) {
-    if (std::string header = HeaderProblem(image); !header.empty()) return header;
-    const CodeFacts facts = FactsOf(image);
-    if (!facts.any) return "The program has no section with code.";
-    if (facts.outside) return "The file is damaged or cut off: its code lies outside the file.";
-    if (std::string packed = PackedProblem(image); !packed.empty()) return packed;
-    if (!facts.data) return "The program's code is not in the file: it is made when the program runs.";
-    if (image.entryRva != 0 && PeSectionAt(image, image.entryRva) == nullptr)
-        return "The file is damaged: the program's entry point lies outside its sections.";
-    return {};
 }
 
 const PeSection* PeSectionAt(const PeImage& image, std::uint32_t rva) {

@@ -1,4 +1,4 @@
-#include "disasm/visible_text.h"
+#include "program/visible_text.h"
 
 #include "files/text_encoding.h"
 

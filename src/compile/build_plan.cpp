@@ -1,0 +1,73 @@
+#include "compile/build_plan.h"
+
+#include "base/bounded_text.h"
+#include "base/path.h"
+
+std::wstring BuildFlagsOf(const FlagChoice& choice) {
+    wchar_t flags[kFlagsCapacity] = {};
+    SafeCopyW(flags, choice.syntaxOnly ? choice.syntaxFlags : choice.buildFlags);
+    if (choice.debug) AppendBuildFlag(flags, choice.debugFlags);
+    if (!choice.syntaxOnly) AppendBuildFlag(flags, ProfileFlags(choice.profile, choice.debugFlags));
+    return flags;
+}
+
+std::wstring LaunchObstacle(const LaunchRequest& request) {
+    if (request.compiler.empty() || request.source.empty() || request.output.empty())
+        return L"Build launch failed: missing compiler, source, or output path.\r\n";
+    if (SamePathText(request.source, request.output))
+        return L"Build launch failed: the program would take the place of its source.\r\n";
+    return {};
+}
+
+CommandProblem PlanLaunch(const LaunchRequest& request, std::wstring_view compiled, LaunchPlan* plan) {
+    // The listing of an assembly source, or of a file without an extension, would be the source itself.
+    const bool listable = request.wantListing && !SamePathText(request.listing, request.source);
+    const CommandProblem problem = AssembleCommandLine({.style = request.style,
+                                                        .compilerId = request.compilerId,
+                                                        .compiler = request.compiler,
+                                                        .flags = request.flags,
+                                                        .includeSwitch = request.includeSwitch,
+                                                        .includePath = request.includePath,
+                                                        .listingTemplate = request.listingTemplate,
+                                                        .listing = listable ? request.listing : std::wstring_view(),
+                                                        .source = compiled,
+                                                        .output = request.output},
+                                                       &plan->commandLine);
+    if (problem != CommandProblem::None) return problem;
+    plan->workingDirectory = FolderOf(request.style == CommandStyle::Keldor ? request.output : request.compiler);
+    plan->header = L"--- Build started: " + std::wstring(request.compilerName) + L" ---\r\nSource: " +
+                   std::wstring(request.source) + L"\r\nOutput: " + std::wstring(request.output) + L"\r\nCWD: " +
+                   plan->workingDirectory + L"\r\nCommand: " + plan->commandLine + L"\r\n\r\n";
+    const std::wstring log = ReplaceExtension(request.source, L".buildlog");
+    plan->logPath = SamePathText(log, request.source) ? std::wstring() : log;
+    return CommandProblem::None;
+}
+
+std::wstring LaunchErrorLine(std::uint32_t error, std::wstring_view systemMessage) {
+    while (systemMessage.ends_with(L'\r') || systemMessage.ends_with(L'\n')) systemMessage.remove_suffix(1);
+    return L"Build launch failed (Win32 error " + std::to_wstring(error) + L"): " + std::wstring(systemMessage) +
+           L"\r\n";
+}
+
+std::wstring NotStagedLine(std::wstring_view target) {
+    return L"Build launch failed: " + std::wstring(target) + L" cannot be written.\r\n";
+}
+
+std::wstring LeftoverLine(std::wstring_view target, std::wstring_view aside) {
+    return L"An earlier build was cut off: your own text of " + std::wstring(target) + L" is in " +
+           std::wstring(aside) + L"\r\n";
+}
+
+std::wstring RunErrorLine(std::wstring_view program, long error) {
+    return L"Run failed for: " + std::wstring(program) + L"\r\nShellExecute error: " + std::to_wstring(error) + L"\r\n";
+}
+
+std::vector<std::wstring> CleanTargets(std::wstring_view source, std::wstring_view output, std::wstring_view listing) {
+    std::vector<std::wstring> targets = {std::wstring(output)};
+    // A source without an extension in a folder with a dot has its listing's name outside that folder.
+    if (SamePathText(FolderOf(listing), FolderOf(source))) targets.emplace_back(listing);
+    for (const wchar_t* extension : {L".log", L".lst", L".err", L".buildlog"})
+        targets.push_back(ReplaceExtension(source, extension));
+    std::erase_if(targets, [source](const std::wstring& target) { return SamePathText(target, source); });
+    return targets;
+}

@@ -1,0 +1,160 @@
+#include "compile/build_sequence.h"
+
+#include "output/line_colours.h"
+
+#include <cmath>
+
+namespace {
+
+const wchar_t* CommandLabel(BuildStage stage) { return stage == BuildStage::PreBuild ? L"Pre-build" : L"Post-build"; }
+
+std::wstring Labelled(BuildStage stage, std::wstring_view text) {
+    return L"[" + std::wstring(CommandLabel(stage)) + L"] " + std::wstring(text) + L"\r\n";
+}
+
+std::wstring CountOf(int count, const wchar_t* noun) {
+    return std::to_wstring(count) + L" " + noun + (count == 1 ? L"" : L"s");
+}
+
+// With one decimal.
+std::wstring SecondsText(double seconds) {
+    const long long tenths = std::llround(seconds * 10);
+    return std::to_wstring(tenths / 10) + L"." + std::to_wstring(tenths % 10) + L" s";
+}
+
+BuildStep StepToCommand(BuildStage stage, std::wstring_view command) {
+    return {.next = stage == BuildStage::PreBuild ? BuildNext::PreBuild : BuildNext::PostBuild,
+            .lines = {{Labelled(stage, command), kLineTeal}}};
+}
+
+BuildStep StepToCompiler(const BuildOrder& order) {
+    return {.next = BuildNext::Compile,
+            .status = order.syntaxOnly ? L"Syntax check..."
+                      : order.debug    ? L"Debug build..."
+                                       : L"Building..."};
+}
+
+// A command's end is told only where there is something to tell.
+std::vector<BuildLine> CommandEndLines(const StageResult& result) {
+    if (result.end == BuildEnd::TimedOut)
+        return {{Labelled(result.stage, L"Still running after " + std::to_wstring(kCommandLimitMs / 1000) +
+                                            L" seconds; going on without its output."),
+                 kLineTeal}};
+    if (result.end == BuildEnd::Ended && result.exitCode != 0)
+        return {{Labelled(result.stage, L"Exit code " + std::to_wstring(result.exitCode) + L"."), kLineTeal}};
+    return {};
+}
+
+BuildStep StepOfStop(BuildRun& run) {
+    run.success = false;
+    run.finalStatus = L"Build stopped";
+    return {.next = BuildNext::End, .lines = {{L"--- Build stopped ---\r\n", kLineRed}}};
+}
+
+BuildStep AfterCommand(BuildRun& run, const StageResult& result) {
+    if (result.end == BuildEnd::Stopped) return StepOfStop(run);
+    BuildStep step =
+        result.stage == BuildStage::PreBuild ? StepToCompiler(run.order) : BuildStep{.next = BuildNext::End};
+    step.lines = CommandEndLines(result);
+    return step;
+}
+
+BuildStep AfterCompiler(BuildRun& run, const StageResult& result, int printedLines) {
+    run.compiler = result;
+    run.success = result.end == BuildEnd::Ended && result.exitCode == 0;
+    BuildStep step = result.end == BuildEnd::Stopped
+                         ? StepOfStop(run)
+                         : BuildStep{.next = printedLines == 0 ? BuildNext::SideLogs : BuildNext::Report};
+    step.verdict = run.success ? DocumentVerdict::Succeeded : DocumentVerdict::Failed;
+    return step;
+}
+
+std::wstring VerdictText(const BuildRun& run, const BuildPrinted& printed) {
+    std::wstring text = run.order.syntaxOnly ? L"Syntax check " : L"Build ";
+    text += run.success ? L"succeeded" : L"failed (exit code " + std::to_wstring(run.compiler.exitCode) + L")";
+    text += L": " + CountOf(printed.errors, L"error") + L", " + CountOf(printed.warnings, L"warning");
+    return text + L", " + SecondsText(run.compiler.seconds);
+}
+
+}  // namespace
+
+BuildRefusal BuildRefusalOf(const BuildOrder& order, const BuildSituation& situation) {
+    const bool ownBatch = order.after == AfterBuild::NextOfBatch;
+    if (situation.saving) return BuildRefusal::Saving;
+    if (situation.stageRuns || (situation.batchRuns && !ownBatch)) return BuildRefusal::Running;
+    return situation.programDebugged ? BuildRefusal::ProgramDebugged : BuildRefusal::None;
+}
+
+BuildRefusal BuildRefusalOfCommand(const BuildSituation& situation) {
+    if (situation.stageRuns || situation.batchRuns) return BuildRefusal::StillRunning;
+    return situation.programDebugged ? BuildRefusal::ProgramDebugged : BuildRefusal::None;
+}
+
+bool BuildNeedsSave(bool modified, bool hasFile, bool fileExists) { return modified || !hasFile || !fileExists; }
+
+BuildStep BuildRefused(BuildRefusal refusal, std::wstring_view compiler, std::wstring_view path) {
+    switch (refusal) {
+        case BuildRefusal::None:
+        case BuildRefusal::Saving:
+        case BuildRefusal::Running: break;
+        case BuildRefusal::ProgramDebugged:
+            return {.lines = {{L"Not built: the program is being debugged. End the debug session first (Shift+F5).\r\n",
+                               kLineRed}},
+                    .status = L"End the debug session first (Shift+F5)"};
+        case BuildRefusal::StillRunning: return {.status = kBuildBusy};
+        case BuildRefusal::NoDocument:
+            return {.lines = {{L"Build cancelled: no active source tab is selected.\r\n", kLineRed}},
+                    .status = L"Build cancelled",
+                    .clearsPane = true};
+        case BuildRefusal::NotSaved:
+            return {.lines = {{L"Build cancelled: save the active tab to a source file first.\r\n", kLineRed}},
+                    .status = L"Build cancelled"};
+        case BuildRefusal::NoCompiler:
+            return {.lines = {{L"Compiler not found: " + std::wstring(compiler) + L"\r\nConfigured path: " +
+                                   (path.empty() ? L"(empty)" : std::wstring(path)) +
+                                   L"\r\nOpen Project > Settings and run Auto-Detect or browse to the compiler.\r\n",
+                               kLineRed}},
+                    .status = L"Compiler not found"};
+    }
+    return {};
+}
+
+BuildStep BuildFirst(const BuildRun& run, std::wstring_view preBuildCommand) {
+    return preBuildCommand.empty() ? StepToCompiler(run.order) : StepToCommand(BuildStage::PreBuild, preBuildCommand);
+}
+
+BuildStep BuildStarted(BuildRun& run, BuildStage stage) {
+    run.begun = true;
+    return {.next = BuildNext::Wait, .status = stage == BuildStage::PreBuild ? L"Pre-build..." : L""};
+}
+
+BuildStep BuildNotStarted(const BuildRun& run, BuildStage stage) {
+    if (stage == BuildStage::Compile)
+        return {.next = run.begun ? BuildNext::End : BuildNext::Refused, .status = L"Build launch failed"};
+    BuildStep step = stage == BuildStage::PreBuild ? StepToCompiler(run.order) : BuildStep{.next = BuildNext::End};
+    step.lines = {{Labelled(stage, L"Failed to run."), kLineRed}};
+    return step;
+}
+
+BuildStep BuildAfterStage(BuildRun& run, const StageResult& result, const BuildPrinted& printed) {
+    return result.stage == BuildStage::Compile ? AfterCompiler(run, result, printed.lines) : AfterCommand(run, result);
+}
+
+BuildStep BuildReport(BuildRun& run, const BuildPrinted& printed, std::wstring_view postBuildCommand) {
+    const bool built = run.success && !run.order.syntaxOnly;
+    run.finalStatus = VerdictText(run, printed);
+    BuildStep step = {.next = BuildNext::End, .programBuilt = built};
+    if (run.compiler.end == BuildEnd::TimedOut)
+        step.lines.push_back({L"The compiler had not ended after " + std::to_wstring(kCompilerLimitMs / 60000) +
+                                  L" minutes and was ended.\r\n",
+                              kLineRed});
+    step.lines.push_back({L"--- " + run.finalStatus + L" ---\r\n", run.success ? 0 : kLineRed});
+    if (!built || postBuildCommand.empty()) return step;
+    step.next = BuildNext::PostBuild;
+    step.lines.push_back(StepToCommand(BuildStage::PostBuild, postBuildCommand).lines.front());
+    return step;
+}
+
+AfterBuild BuildFollowUp(const BuildRun& run) {
+    return run.order.after == AfterBuild::RunProgram && !run.success ? AfterBuild::Nothing : run.order.after;
+}

@@ -1,0 +1,98 @@
+#include "compile/staging.h"
+
+#include "base/path.h"
+
+namespace {
+
+constexpr int kStageNames = 9;  // tried for a copy, and for a file moved aside
+
+std::wstring AsideName(const std::wstring& path, int attempt) {
+    return path + L".kvx-aside" + std::to_wstring(attempt);
+}
+
+std::uint32_t CopyToStage(const StageDisk& disk, const std::wstring& source, const std::wstring& target,
+                          StagedSource* staged) {
+    const std::uint32_t error = disk.copyNew(source, target);
+    if (error != 0) return error;
+    staged->path = target;
+    staged->copied = true;
+    disk.stamp(target, &staged->stamp);
+    return 0;
+}
+
+// Moves a user's file to a free name beside it. Empty: it could not be moved.
+std::wstring MoveAside(const StageDisk& disk, const std::wstring& path) {
+    for (int attempt = 1; attempt <= kStageNames; ++attempt) {
+        std::wstring aside = AsideName(path, attempt);
+        if (disk.move(path, aside)) return aside;
+    }
+    return {};
+}
+
+bool StageForKeldor(const StageDisk& disk, const std::wstring& source, const std::wstring& target, StagedSource* staged,
+                    std::uint32_t* error) {
+    // The program ended in the middle of a build: what bears the user's name now may be a copy of ours.
+    if (const std::wstring first = AsideName(target, 1); disk.exists(first)) staged->leftover = first;
+    if (disk.sameFile(source, target)) return true;
+    *error = CopyToStage(disk, source, target, staged);
+    if (*error == 0) return true;
+    if (*error != kErrorFileThere) return false;
+    staged->aside = MoveAside(disk, target);
+    if (staged->aside.empty()) return false;
+    staged->path = target;
+    *error = CopyToStage(disk, source, target, staged);
+    if (*error == 0) return true;
+    UnstageOnDisk(disk, staged);
+    staged->path = source;
+    return false;
+}
+
+// A line for the user when the copy is kept.
+std::wstring RemoveCopy(const StageDisk& disk, const StagedSource& staged) {
+    FileStamp now;
+    if (!disk.stamp(staged.path, &now)) return {};
+    if (now != staged.stamp)
+        return L"The temporary source was changed during the build and is kept: " + staged.path + L"\r\n";
+    if (!disk.remove(staged.path)) return L"The temporary source could not be deleted: " + staged.path + L"\r\n";
+    return {};
+}
+
+}  // namespace
+
+std::wstring StagingTarget(std::wstring_view source, std::wstring_view output, CommandStyle style, int attempt) {
+    if (style == CommandStyle::Keldor) return attempt == 0 ? ReplaceExtension(output, L".bas") : std::wstring();
+    std::wstring_view staged;
+    if (PathEqualsIgnoreCase(FileExtension(source), L".kxa"))
+        staged = L".pb";
+    else if (PathEqualsIgnoreCase(FileExtension(source), L".ka32"))
+        staged = L".bas";
+    else
+        return {};
+    const std::wstring mark = attempt == 0 ? std::wstring() : L".kvx" + std::to_wstring(attempt);
+    return ReplaceExtension(source, mark + std::wstring(staged));
+}
+
+bool StageOnDisk(const StageDisk& disk, const std::wstring& source, const std::wstring& output, CommandStyle style,
+                 StagedSource* staged, std::uint32_t* error) {
+    *staged = {.path = source};
+    *error = 0;
+    if (style == CommandStyle::Keldor)
+        return StageForKeldor(disk, source, StagingTarget(source, output, style, 0), staged, error);
+    for (int attempt = 0; attempt <= kStageNames; ++attempt) {
+        const std::wstring target = StagingTarget(source, output, style, attempt);
+        if (target.empty() || CopyToStage(disk, source, target, staged) != kErrorFileThere) break;
+    }
+    return true;
+}
+
+std::wstring UnstageOnDisk(const StageDisk& disk, StagedSource* staged) {
+    std::wstring notice;
+    if (staged->copied) notice = RemoveCopy(disk, *staged);
+    staged->copied = false;
+    if (staged->aside.empty()) return notice;
+    if (!disk.move(staged->aside, staged->path))
+        notice +=
+            L"Your file " + staged->path + L" was moved aside for the build and is kept as " + staged->aside + L"\r\n";
+    staged->aside.clear();
+    return notice;
+}

@@ -1,0 +1,88 @@
+#include "output/output_lines.h"
+
+#include "output/line_colours.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string>
+#include <utility>
+
+namespace {
+
+constexpr int kClockEvery = 256;  // lines between looks at the clock
+
+void RecordDiagnostic(CompilerErrors& errors, const std::wstring& line, std::uint32_t compilerId) {
+    if (errors.count >= kMaxCompilerErrors) return;
+    CompilerError& next = errors.items[errors.count];
+    if (ParseErrorLine(line, &next) == 0) return;
+    next.compilerId = compilerId;
+    ++errors.count;
+}
+
+// Stands where the pane stops to follow the output.
+PaneLine HoldingNotice() {
+    return {.text = L"... more follows; its last " + std::to_wstring(kLastLinesKept) + L" lines come at the end ...",
+            .colour = kLineTeal};
+}
+
+void ReleaseHeldLines(OutputLines& lines) {
+    std::deque<PaneLine> held = TakeHeldLines(lines.kept);
+    std::move(held.begin(), held.end(), std::back_inserter(lines.ready));
+}
+
+// A line of the queue. False: it is not shown, or not yet.
+bool LetThrough(OutputLines& lines, CompilerErrors& errors, QueuedLine& line, PaneLine* shown) {
+    if (line.streamEnd) {
+        ReleaseHeldLines(lines);
+        return false;
+    }
+    if (!OutputLineSort(lines, errors, line)) return false;
+    *shown = {.text = std::move(line.text), .colour = line.colour, .lineBreak = line.lineBreak};
+    if (KeepLine(lines.kept, *shown, line.stream)) return true;
+    if (lines.kept.held.size() != 1 || lines.kept.leftOut != 0) return false;
+    *shown = HoldingNotice();
+    return true;
+}
+
+}  // namespace
+
+bool OutputLineSort(OutputLines& lines, CompilerErrors& errors, QueuedLine& line) {
+    if (line.stream && !OutputFilterPasses(lines.filter, line.text)) return false;
+    const bool error = IsErrorLine(line.text);
+    const bool warning = !error && IsWarningLine(line.text);
+    if (error || warning) {
+        line.colour = error ? kLineRed : kLineYellow;
+        ++(error ? lines.counts.errors : lines.counts.warnings);
+        RecordDiagnostic(errors, line.text, lines.compilerId);
+    }
+    lines.counts.lines += line.stream && !line.text.empty();
+    return true;
+}
+
+bool OutputLinesNext(OutputLines& lines, CompilerErrors& errors, const std::function<bool()>& timeIsUp, PaneLine* shown,
+                     int* chunksDone) {
+    QueuedLine line;
+    for (int seen = 1; lines.ready.empty(); ++seen) {
+        if ((seen % kClockEvery == 0 && timeIsUp()) || !OutputQueueNext(lines.queue, &line, chunksDone)) return false;
+        if (LetThrough(lines, errors, line, shown)) return true;
+    }
+    *shown = std::move(lines.ready.front());
+    lines.ready.pop_front();
+    return true;
+}
+
+bool OutputLinesWait(const OutputLines& lines) { return !lines.queue.chunks.empty() || !lines.ready.empty(); }
+
+int OutputLinesDrop(OutputLines& lines) {
+    const auto chunks = std::count_if(lines.queue.chunks.begin(), lines.queue.chunks.end(),
+                                      [](const OutputChunk& chunk) { return chunk.kind == ChunkKind::Stream; });
+    lines.queue = {};
+    lines.kept = {};
+    lines.ready.clear();
+    return static_cast<int>(chunks);
+}
+
+void OutputLinesAgain(OutputLines& lines, std::deque<PaneLine> shown) {
+    std::move(lines.ready.begin(), lines.ready.end(), std::back_inserter(shown));
+    lines.ready = std::move(shown);
+}

@@ -1,0 +1,443 @@
+// The course of a build, of a batch and of a staged copy, without a process or a disk.
+#include "compile/build_sequence.h"
+#include "compile/build_batch.h"
+#include "compile/build_plan.h"
+#include "compile/read_course.h"
+#include "compile/side_logs.h"
+#include "compile/staging.h"
+#include "compile/terminal_text.h"
+#include "output/line_colours.h"
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::string Narrow(std::wstring_view text) {
+    std::string narrow;
+    for (const wchar_t character : text)
+        if (character != L'\r') narrow += character < 0x80 ? static_cast<char>(character) : '?';
+    return narrow;
+}
+
+// What happens to each stage, in its order: it cannot be started, or ends so.
+struct Happening {
+    bool starts = true;
+    BuildEnd end = BuildEnd::Ended;
+    std::uint32_t exitCode = 0;
+    int lines = 1;  // printed by the compiler
+};
+
+std::string Said(const BuildStep& step) {
+    std::string text = step.clearsPane ? "clear\n" : "";
+    for (const BuildLine& line : step.lines)
+        text += (line.colour == kLineRed ? "red: " : line.colour == kLineTeal ? "teal: " : "") + Narrow(line.text);
+    if (!step.status.empty()) text += "status: " + Narrow(step.status) + "\n";
+    if (step.verdict != DocumentVerdict::None)
+        text += step.verdict == DocumentVerdict::Succeeded ? "mark ok\n" : "mark error\n";
+    return text + (step.programBuilt ? "built\n" : "");
+}
+
+// The whole course as one text.
+std::string Course(const BuildOrder& order, const wchar_t* preBuild, const wchar_t* postBuild,
+                   std::deque<Happening> happenings) {
+    BuildRun run = {.order = order};
+    BuildStep step = BuildFirst(run, preBuild);
+    BuildStage stage = BuildStage::Idle;
+    BuildPrinted printed = {.lines = 0, .errors = 1, .warnings = 2};
+    Happening now;
+    std::string text;
+    for (;;) {
+        text += Said(step);
+        switch (step.next) {
+            case BuildNext::Refused: return text + "refused";
+            case BuildNext::PreBuild:
+            case BuildNext::Compile:
+            case BuildNext::PostBuild:
+                stage = step.next == BuildNext::PreBuild  ? BuildStage::PreBuild
+                        : step.next == BuildNext::Compile ? BuildStage::Compile
+                                                          : BuildStage::PostBuild;
+                if (happenings.empty()) return text + "one stage too many";
+                now = happenings.front();
+                happenings.pop_front();
+                text += "start " + std::to_string(static_cast<int>(stage)) + "\n";
+                step = now.starts ? BuildStarted(run, stage) : BuildNotStarted(run, stage);
+                break;
+            case BuildNext::Wait:
+                printed.lines = now.lines;
+                step = BuildAfterStage(run, {.stage = stage, .end = now.end, .exitCode = now.exitCode, .seconds = 2.04},
+                                       printed);
+                break;
+            case BuildNext::SideLogs: text += "side logs\n"; [[fallthrough]];
+            case BuildNext::Report: step = BuildReport(run, printed, postBuild); break;
+            case BuildNext::End:
+                return text + "end: " + Narrow(run.finalStatus) + (run.success ? " +" : " -") +
+                       std::to_string(static_cast<int>(BuildFollowUp(run)));
+        }
+    }
+}
+
+TEST(BuildSequence, EveryCourse) {
+    const BuildOrder run = {.after = AfterBuild::RunProgram};
+    const Happening fails = {.exitCode = 3};
+    const Happening stopped = {.end = BuildEnd::Stopped};
+    const Happening late = {.end = BuildEnd::TimedOut, .exitCode = 1};
+    const Happening never = {.starts = false};
+    struct Case {
+        const char* name;
+        BuildOrder order;
+        const wchar_t *preBuild, *postBuild;
+        std::deque<Happening> happenings;
+        const char* course;
+    };
+    const Case cases[] = {
+        {"all goes well, and the program is run",
+         run,
+         L"pre",
+         L"post",
+         {{}, {}, {}},
+         "teal: [Pre-build] pre\nstart 1\nstatus: Pre-build...\nstatus: Building...\nstart 2\nmark ok\n"
+         "--- Build succeeded: 1 error, 2 warnings, 2.0 s ---\nteal: [Post-build] post\nbuilt\nstart 3\n"
+         "end: Build succeeded: 1 error, 2 warnings, 2.0 s +1"},
+        {"a silent compiler that fails",
+         run,
+         L"",
+         L"post",
+         {{.exitCode = 3, .lines = 0}},
+         "status: Building...\nstart 2\nmark error\nside logs\n"
+         "red: --- Build failed (exit code 3): 1 error, 2 warnings, 2.0 s ---\n"
+         "end: Build failed (exit code 3): 1 error, 2 warnings, 2.0 s -0"},
+        {"a syntax check builds no program",
+         {.syntaxOnly = true, .debug = true},
+         L"",
+         L"post",
+         {{}},
+         "status: Syntax check...\nstart 2\nmark ok\n--- Syntax check succeeded: 1 error, 2 warnings, 2.0 s ---\n"
+         "end: Syntax check succeeded: 1 error, 2 warnings, 2.0 s +0"},
+        {"the compiler takes too long",
+         {.debug = true},
+         L"",
+         L"post",
+         {late},
+         "status: Debug build...\nstart 2\nmark error\nred: The compiler had not ended after 5 minutes and was ended.\n"
+         "red: --- Build failed (exit code 1): 1 error, 2 warnings, 2.0 s ---\n"
+         "end: Build failed (exit code 1): 1 error, 2 warnings, 2.0 s -0"},
+        {"stopped in the compiler",
+         run,
+         L"",
+         L"post",
+         {stopped},
+         "status: Building...\nstart 2\nred: --- Build stopped ---\nmark error\nend: Build stopped -0"},
+        {"stopped in the pre-build command",
+         {.after = AfterBuild::NextOfBatch},
+         L"pre",
+         L"",
+         {stopped},
+         "teal: [Pre-build] pre\nstart 1\nstatus: Pre-build...\nred: --- Build stopped ---\nend: Build stopped -2"},
+        {"stopped in the post-build command",
+         run,
+         L"",
+         L"post",
+         {{}, stopped},
+         "status: Building...\nstart 2\nmark ok\n--- Build succeeded: 1 error, 2 warnings, 2.0 s ---\n"
+         "teal: [Post-build] post\nbuilt\nstart 3\nred: --- Build stopped ---\nend: Build stopped -0"},
+        {"commands that fail or take too long stop nothing",
+         {},
+         L"pre",
+         L"post",
+         {late, {}, fails},
+         "teal: [Pre-build] pre\nstart 1\nstatus: Pre-build...\n"
+         "teal: [Pre-build] Still running after 30 seconds; going on without its output.\nstatus: Building...\n"
+         "start 2\nmark ok\n--- Build succeeded: 1 error, 2 warnings, 2.0 s ---\nteal: [Post-build] post\nbuilt\n"
+         "start 3\nteal: [Post-build] Exit code 3.\nend: Build succeeded: 1 error, 2 warnings, 2.0 s +0"},
+        {"commands that cannot be started stop nothing",
+         {},
+         L"pre",
+         L"post",
+         {never, {}, never},
+         "teal: [Pre-build] pre\nstart 1\nred: [Pre-build] Failed to run.\nstatus: Building...\nstart 2\nmark ok\n"
+         "--- Build succeeded: 1 error, 2 warnings, 2.0 s ---\nteal: [Post-build] post\nbuilt\nstart 3\n"
+         "red: [Post-build] Failed to run.\nend: Build succeeded: 1 error, 2 warnings, 2.0 s +0"},
+        {"no compiler: no build",
+         {},
+         L"",
+         L"",
+         {never},
+         "status: Building...\nstart 2\nstatus: Build launch failed\nrefused"},
+        {"no compiler after a pre-build command: the build ends",
+         {},
+         L"pre",
+         L"",
+         {{}, never},
+         "teal: [Pre-build] pre\nstart 1\nstatus: Pre-build...\nstatus: Building...\nstart 2\n"
+         "status: Build launch failed\nend:  -0"},
+    };
+    for (const Case& test : cases)
+        EXPECT_EQ(Course(test.order, test.preBuild, test.postBuild, test.happenings), test.course) << test.name;
+}
+
+TEST(BuildSequence, WhatStandsInTheWay) {
+    const BuildOrder batch = {.after = AfterBuild::NextOfBatch};
+    struct Case {
+        BuildSituation situation;
+        BuildRefusal build, ofBatch, command;
+    };
+    using enum BuildRefusal;
+    const Case cases[] = {
+        {{}, None, None, None},
+        {{.saving = true, .stageRuns = true}, Saving, Saving, StillRunning},
+        {{.stageRuns = true, .programDebugged = true}, Running, Running, StillRunning},
+        {{.batchRuns = true}, Running, None, StillRunning},
+        {{.programDebugged = true}, ProgramDebugged, ProgramDebugged, ProgramDebugged},
+    };
+    for (const Case& test : cases) {
+        EXPECT_EQ(BuildRefusalOf({}, test.situation), test.build);
+        EXPECT_EQ(BuildRefusalOf(batch, test.situation), test.ofBatch);
+        EXPECT_EQ(BuildRefusalOfCommand(test.situation), test.command);
+    }
+    EXPECT_EQ(Said(BuildRefused(Saving)) + Said(BuildRefused(Running)), "") << "nothing is said over a running build";
+    EXPECT_EQ(Said(BuildRefused(NoDocument)),
+              "clear\nred: Build cancelled: no active source tab is selected.\nstatus: Build cancelled\n");
+    EXPECT_EQ(
+        Said(BuildRefused(NoCompiler, L"KVXA64", L"")),
+        "red: Compiler not found: KVXA64\nConfigured path: (empty)\nOpen Project > Settings and run Auto-Detect or "
+        "browse to the compiler.\nstatus: Compiler not found\n");
+    EXPECT_FALSE(BuildNeedsSave(false, true, true)) << "another program may have changed the file";
+    EXPECT_TRUE(BuildNeedsSave(false, true, false)) << "the file is gone";
+}
+
+TEST(BuildBatch, TakesEachDocumentOnce) {
+    BuildBatch batch = BatchOf({7, 3, 9});
+    EXPECT_EQ(BatchTakeNext(batch), 7);
+    BatchCount(batch, true);
+    EXPECT_EQ(BatchTakeNext(batch), 3);
+    EXPECT_EQ(Narrow(BatchProgressText(batch, L"b.bas")), "[2/3] Building b.bas...");
+    BatchCount(batch, false);
+    BatchDropRest(batch);
+    EXPECT_EQ(BatchTakeNext(batch), 0) << "stopped";
+    EXPECT_EQ(Narrow(BatchReportText(batch)), "Batch build: 1 succeeded, 1 failed.");
+    EXPECT_TRUE(IsBatchBuildSource(L"C:\\x.B64"));
+    EXPECT_FALSE(IsBatchBuildSource(L"C:\\x.bas\\y.inc"));
+}
+
+TEST(BuildPlan, FlagsOfEachKindOfBuild) {
+    const auto flags = [](bool syntaxOnly, bool debug, int profile) {
+        return Narrow(BuildFlagsOf({.syntaxOnly = syntaxOnly,
+                                    .debug = debug,
+                                    .profile = profile,
+                                    .buildFlags = L"-q",
+                                    .syntaxFlags = L"-S",
+                                    .debugFlags = L"--debug"}));
+    };
+    EXPECT_EQ(flags(false, true, 0), "-q --debug") << "once";
+    EXPECT_EQ(flags(false, true, 1), "-q --debug -O2");
+    EXPECT_EQ(flags(false, false, 2), "-q -O0");
+    EXPECT_EQ(flags(true, false, 1), "-S") << "a profile is none of a syntax check's";
+}
+
+TEST(BuildPlan, WhatTheCompilerIsStartedWith) {
+    LaunchRequest request = {.compilerName = L"KVXA64",
+                             .compiler = L"C:\\tools\\c.exe",
+                             .source = L"C:\\src\\x.asm",
+                             .output = L"D:\\out\\x.exe",
+                             .listingTemplate = L"--asm:{asm}",
+                             .listing = L"c:/src/X.ASM",
+                             .wantListing = true};
+    LaunchPlan plan;
+    EXPECT_EQ(PlanLaunch(request, L"C:\\src\\x.pb", &plan), CommandProblem::None);
+    EXPECT_EQ(Narrow(plan.commandLine), R"("C:\tools\c.exe" -o "D:\out\x.exe" "C:\src\x.pb")")
+        << "the listing would replace the source";
+    EXPECT_EQ(Narrow(plan.header),
+              "--- Build started: KVXA64 ---\nSource: C:\\src\\x.asm\nOutput: D:\\out\\x.exe\n"
+              "CWD: C:\\tools\nCommand: " +
+                  Narrow(plan.commandLine) + "\n\n");
+    EXPECT_EQ(Narrow(plan.logPath), "C:\\src\\x.buildlog");
+    request.style = CommandStyle::Keldor;
+    request.source = L"C:\\src\\x.buildlog";
+    EXPECT_EQ(PlanLaunch(request, request.source, &plan), CommandProblem::None);
+    EXPECT_EQ(Narrow(plan.workingDirectory), "D:\\out");
+    EXPECT_EQ(Narrow(plan.logPath), "") << "the log would replace the source";
+    EXPECT_EQ(Narrow(LaunchObstacle(request)), "");
+    request.output = L"c:/SRC/x.buildlog";
+    EXPECT_NE(Narrow(LaunchObstacle(request)).find("would take the place of its source"), std::string::npos);
+    request.compiler = L"";
+    EXPECT_NE(Narrow(LaunchObstacle(request)).find("missing compiler"), std::string::npos);
+    EXPECT_EQ(Narrow(LaunchErrorLine(2, L"Gone.\r\n")), "Build launch failed (Win32 error 2): Gone.\n");
+}
+
+TEST(BuildPlan, CleanLeavesTheSourceAndOtherFolders) {
+    const auto targets = [](const wchar_t* source, const wchar_t* listing) {
+        std::string text;
+        for (const std::wstring& path : CleanTargets(source, L"C:\\a.b\\x.exe", listing)) text += Narrow(path) + " ";
+        return text;
+    };
+    EXPECT_EQ(targets(L"C:\\a.b\\x.bas", L"C:\\a.b\\x.asm"),
+              "C:\\a.b\\x.exe C:\\a.b\\x.asm C:\\a.b\\x.log C:\\a.b\\x.lst C:\\a.b\\x.err C:\\a.b\\x.buildlog ");
+    EXPECT_EQ(targets(L"C:\\a.b\\x.LOG", L"C:\\a.asm"),
+              "C:\\a.b\\x.exe C:\\a.b\\x.lst C:\\a.b\\x.err C:\\a.b\\x.buildlog ");
+}
+
+TEST(SideLogs, OnlyThoseOfThisBuild) {
+    const std::vector<std::wstring> paths = SideLogPaths(L"C:\\a.b\\x.ERR");
+    ASSERT_EQ(paths.size(), 1U) << "the source is no log";
+    EXPECT_EQ(Narrow(paths[0]), "C:\\a.b\\x.log");
+    EXPECT_TRUE(SideLogIsFresh({.bytes = 1, .written = 100}, 100));
+    EXPECT_FALSE(SideLogIsFresh({.bytes = 1, .written = 99}, 100)) << "of an earlier build";
+    EXPECT_FALSE(SideLogIsFresh({.bytes = 0, .written = 100}, 100));
+    EXPECT_FALSE(SideLogIsFresh({.bytes = 16 * 1024 * 1024 + 1, .written = 100}, 100));
+    EXPECT_FALSE(SideLogIsFresh({.isFolder = true, .bytes = 1, .written = 100}, 100));
+}
+
+TEST(Terminal, HistoryGoesBackAndForth) {
+    TerminalHistory history;
+    std::wstring shown = L"typed";
+    EXPECT_FALSE(TerminalRecall(history, true, &shown));
+    for (const wchar_t* command : {L"a", L"b", L"a"}) TerminalRemember(history, command);
+    std::string walk;
+    for (const bool older : {true, true, true, false, false, false}) {
+        shown = L"-";
+        walk += TerminalRecall(history, older, &shown) ? Narrow(shown) + "," : "none,";
+    }
+    EXPECT_EQ(walk, "a,b,none,a,,none,");
+    for (std::size_t i = 0; i < kTerminalHistory; ++i) TerminalRemember(history, L"n" + std::to_wstring(i));
+    EXPECT_EQ(history.commands.size(), kTerminalHistory);
+    EXPECT_EQ(Narrow(TerminalCommandLine(L"C:\\Windows\\system32", L"echo \"x\"")),
+              "\"C:\\Windows\\system32\\cmd.exe\" /d /s /c \"echo \"x\"\"");
+}
+
+TEST(ReadCourse, APipeThatOthersHoldOpenIsLeft) {
+    ReadCourse course = {.deadline = 10000};
+    EXPECT_EQ(ReadPatience(course, 4000), 6000U) << "while the process runs, until the limit";
+    EXPECT_EQ(ReadPieceCame(course, 4096, ReadStep::Go, 4000), ReadStep::Go);
+    course.processEnded = true;
+    course.endedAt = 5000;
+    EXPECT_EQ(ReadPatience(course, 5100), 400U);
+    EXPECT_EQ(ReadPatience(course, 9000), 0U);
+    course.endedAt = 9900;
+    EXPECT_EQ(ReadPatience(course, 9900), 100U) << "the limit comes first";
+    EXPECT_EQ(ReadNothingCame(course, 9950), ReadStep::PipeEnd);
+    EXPECT_EQ(ReadNothingCame(course, 10000), ReadStep::TimedOut);
+    EXPECT_EQ(course.lateBytes, 0U) << "what came before the end is the process's own";
+    EXPECT_EQ(ReadPieceCame(course, kReadLateBytes, ReadStep::Go, 9950), ReadStep::Go);
+    EXPECT_EQ(ReadPieceCame(course, 1, ReadStep::Stopped, 9950), ReadStep::Stopped);
+    EXPECT_EQ(ReadPieceCame(course, 1, ReadStep::Go, 9950), ReadStep::PipeEnd) << "enough for one pipe";
+    EXPECT_EQ(ReadMsLeft({}, 1), 0xFFFFFFFEU) << "no limit is no endless wait";
+    EXPECT_TRUE(ReadLeavesRunning(BuildStage::PostBuild, ReadEndOf(ReadStep::TimedOut)));
+    EXPECT_FALSE(ReadLeavesRunning(BuildStage::Compile, ReadEndOf(ReadStep::TimedOut)));
+    EXPECT_FALSE(ReadLeavesRunning(BuildStage::PreBuild, ReadEndOf(ReadStep::Stopped)));
+}
+
+// A disk of names and contents; the stamp of a file is the length of its content.
+struct MemoryDisk {
+    std::map<std::wstring, std::string> files;
+    bool readOnly = false;  // no copy can be made
+
+    StageDisk Disk() {
+        return {.exists = [this](const std::wstring& path) { return files.contains(path); },
+                .sameFile = [](const std::wstring& a, const std::wstring& b) { return a == b; },
+                .copyNew = [this](const std::wstring& from, const std::wstring& to) -> std::uint32_t {
+                    if (readOnly) return 5;
+                    return files.try_emplace(to, files.at(from)).second ? 0 : kErrorFileThere;
+                },
+                .move =
+                    [this](const std::wstring& from, const std::wstring& to) {
+                        if (!files.contains(from) || !files.try_emplace(to, files.at(from)).second) return false;
+                        files.erase(from);
+                        return true;
+                    },
+                .stamp =
+                    [this](const std::wstring& path, FileStamp* stamp) {
+                        if (!files.contains(path)) return false;
+                        stamp->length = files.at(path).size();
+                        return true;
+                    },
+                .remove = [this](const std::wstring& path) { return files.erase(path) > 0; }};
+    }
+    std::string All() const {
+        std::string text;
+        for (const auto& [path, content] : files) text += Narrow(path) + "=" + content + " ";
+        return text;
+    }
+};
+
+TEST(StagingRules, NothingOfTheUsersIsLost) {
+    struct Case {
+        const char* name;
+        std::map<std::wstring, std::string> files;
+        const wchar_t* source;
+        CommandStyle style;
+        const char *compiled, *during, *after;
+    };
+    const Case cases[] = {
+        {"a copy of its own", {{L"x.kxa", "s"}}, L"x.kxa", CommandStyle::Kvx, "x.pb", "x.kxa=s x.pb=s ", "x.kxa=s "},
+        {"the name is taken",
+         {{L"x.ka32", "s"}, {L"x.bas", "mine"}},
+         L"x.ka32",
+         CommandStyle::Kvx,
+         "x.kvx1.bas",
+         "x.bas=mine x.ka32=s x.kvx1.bas=s ",
+         "x.bas=mine x.ka32=s "},
+        {"in place", {{L"x.c64", "s"}}, L"x.c64", CommandStyle::Kvx, "x.c64", "x.c64=s ", "x.c64=s "},
+        {"moved aside",
+         {{L"x.kb", "s"}, {L"x.bas", "mine"}},
+         L"x.kb",
+         CommandStyle::Keldor,
+         "x.bas",
+         "x.bas=s x.bas.kvx-aside1=mine x.kb=s ",
+         "x.bas=mine x.kb=s "},
+        {"the source has that name",
+         {{L"x.bas", "s"}},
+         L"x.bas",
+         CommandStyle::Keldor,
+         "x.bas",
+         "x.bas=s ",
+         "x.bas=s "},
+        {"an aside name is taken",
+         {{L"x.kb", "s"}, {L"x.bas", "mine"}, {L"x.bas.kvx-aside1", "old"}},
+         L"x.kb",
+         CommandStyle::Keldor,
+         "x.bas",
+         "x.bas=s x.bas.kvx-aside1=old x.bas.kvx-aside2=mine x.kb=s ",
+         "x.bas=mine x.bas.kvx-aside1=old x.kb=s "},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.name);
+        MemoryDisk disk = {.files = test.files};
+        StagedSource staged;
+        std::uint32_t error = 1;
+        EXPECT_TRUE(StageOnDisk(disk.Disk(), test.source, L"x.exe", test.style, &staged, &error));
+        EXPECT_EQ(Narrow(staged.path), test.compiled);
+        EXPECT_EQ(disk.All(), test.during);
+        EXPECT_EQ(Narrow(UnstageOnDisk(disk.Disk(), &staged)), "");
+        EXPECT_EQ(disk.All(), test.after);
+        UnstageOnDisk(disk.Disk(), &staged);
+        EXPECT_EQ(disk.All(), test.after) << "the second time there is nothing to do";
+    }
+}
+
+TEST(StagingRules, WhereNoCopyCanBeMade) {
+    MemoryDisk disk = {.files = {{L"x.kxa", "s"}, {L"x.bas", "mine"}}, .readOnly = true};
+    StagedSource staged;
+    std::uint32_t error = 0;
+    EXPECT_TRUE(StageOnDisk(disk.Disk(), L"x.kxa", L"x.exe", CommandStyle::Kvx, &staged, &error));
+    EXPECT_EQ(Narrow(staged.path), "x.kxa") << "the compiler gets the source itself";
+    EXPECT_FALSE(StageOnDisk(disk.Disk(), L"x.kxa", L"x.exe", CommandStyle::Keldor, &staged, &error));
+    EXPECT_EQ(error, 5U);
+    EXPECT_EQ(disk.All(), "x.bas=mine x.kxa=s ");
+    // What the user wrote into the copy meanwhile stays, and what was moved aside says where it is.
+    disk.readOnly = false;
+    ASSERT_TRUE(StageOnDisk(disk.Disk(), L"x.kxa", L"x.exe", CommandStyle::Keldor, &staged, &error));
+    disk.files[L"x.bas"] = "changed";
+    const std::string notice = Narrow(UnstageOnDisk(disk.Disk(), &staged));
+    EXPECT_NE(notice.find("is kept: x.bas"), std::string::npos) << notice;
+    EXPECT_NE(notice.find("is kept as x.bas.kvx-aside1"), std::string::npos) << notice;
+    EXPECT_EQ(disk.All(), "x.bas=changed x.bas.kvx-aside1=mine x.kxa=s ");
+    ASSERT_TRUE(StageOnDisk(disk.Disk(), L"x.kxa", L"x.exe", CommandStyle::Keldor, &staged, &error));
+    EXPECT_EQ(Narrow(staged.leftover), "x.bas.kvx-aside1") << "and the next build finds it";
+}
+
+}  // namespace
