@@ -1,4 +1,4 @@
-// The table of breakpoints and the bytes behind it. UI thread only.
+// Breakpoints in the program: the bytes that stand for the entries of the table. UI thread only.
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_process.h"
 #include "debugger/expressions.h"
@@ -6,20 +6,21 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 namespace {
 
-bool Active(const DebuggerState* state) { return state != nullptr && state->active != 0; }
-
-DebugBreakpoint& Entry(DebuggerState* state, int index) { return state->breakpoints[static_cast<std::size_t>(index)]; }
+DebugBreakpoint& EntryAt(DebuggerState* state, int index) {
+    return state->breakpoints[static_cast<std::size_t>(index)];
+}
 
 // Index of the entry at the address, made when there is none; -1: table full, or memory that cannot be patched. An entry
-// that was hit and stands disarmed is armed again - unless the program stands on it, which would stop it at once. One
-// that a step has left there becomes the user's when he wants it.
-int Plant(DebuggerState* state, std::uint64_t address, int line, bool temporary) {
-    if (!Active(state)) return -1;
+// that was hit and is disarmed is armed again, unless the program stands on it, because it would stop there at once. An
+// entry that a step has left becomes the user's when he wants one there.
+int PlantAt(DebuggerState* state, std::uint64_t address, int line, bool temporary) {
+    if (!DebugIsActive(state)) return -1;
     if (const int index = DebugFindBp(state, address); index >= 0) {
-        DebugBreakpoint& found = Entry(state, index);
+        DebugBreakpoint& found = EntryAt(state, index);
         if (!DebugStandsOn(*state, address)) DebugArm(state, &found);
         if (!temporary) found.temporary = 0;
         return index;
@@ -31,18 +32,12 @@ int Plant(DebuggerState* state, std::uint64_t address, int line, bool temporary)
     DebugLineAt(state, address, &made.fileId, &made.line);
     made.line = static_cast<std::uint32_t>(line);
     if (!DebugReadRaw(*state, address, &made.originalByte, 1) || !DebugArm(state, &made)) return -1;
-    Entry(state, state->breakpointCount) = made;
+    EntryAt(state, state->breakpointCount) = made;
     return state->breakpointCount++;
 }
 
 bool PlantRva(DebuggerState* state, std::uint32_t rva, int line, bool temporary) {
-    return rva != 0 && Plant(state, state->map.imageBase + rva, line, temporary) >= 0;
-}
-
-void StoreCondition(DebugBreakpoint* breakpoint, const char* condition) {
-    std::memset(breakpoint->condition, 0, sizeof(breakpoint->condition));
-    if (condition == nullptr) return;
-    std::memcpy(breakpoint->condition, condition, std::min(std::strlen(condition), kConditionCapacity - 1));
+    return rva != 0 && PlantAt(state, state->map.imageBase + rva, line, temporary) >= 0;
 }
 
 }  // namespace
@@ -54,22 +49,17 @@ bool DebugArm(DebuggerState* state, DebugBreakpoint* breakpoint) {
 }
 
 int DebugFindBp(const DebuggerState* state, std::uint64_t address) {
-    if (!Active(state)) return -1;
-    for (int i = 0; i < state->breakpointCount; ++i)
-        if (state->breakpoints[static_cast<std::size_t>(i)].address == address) return i;
-    return -1;
+    return DebugIsActive(state) ? FindInTable(state->breakpoints, state->breakpointCount, address) : -1;
 }
 
 void DebugForgetBreakpoint(DebuggerState* state, int index) {
-    const auto at = state->breakpoints.begin() + index;
-    std::move(at + 1, state->breakpoints.begin() + state->breakpointCount, at);
-    Entry(state, --state->breakpointCount) = {};
+    state->breakpointCount = RemoveFromTable(&state->breakpoints, state->breakpointCount, index);
 }
 
 bool DebugRestoreBp(DebuggerState* state, std::uint64_t address) {
     const int index = DebugFindBp(state, address);
     if (index < 0) return false;
-    DebugBreakpoint& bp = Entry(state, index);
+    DebugBreakpoint& bp = EntryAt(state, index);
     if (bp.armed == 0) return true;
     if (!DebugWriteRaw(*state, address, &bp.originalByte, 1)) return false;
     bp.armed = 0;
@@ -78,23 +68,23 @@ bool DebugRestoreBp(DebuggerState* state, std::uint64_t address) {
 
 bool DebugSetBreakpoint(DebuggerState* state, int line) {
     // A full table refuses even a line that has its breakpoint already.
-    if (!Active(state) || state->breakpointCount >= kMaxBreakpoints) return false;
+    if (!DebugIsActive(state) || state->breakpointCount >= kMaxBreakpoints) return false;
     return PlantRva(state, SdbgLineToRva(&state->map, line), line, false);
 }
 
 bool DebugSetBreakpointIn(DebuggerState* state, std::uint32_t fileId, int line) {
-    return Active(state) && PlantRva(state, SdbgFileLineToRva(&state->map, fileId, line), line, false);
+    return DebugIsActive(state) && PlantRva(state, SdbgFileLineToRva(&state->map, fileId, line), line, false);
 }
 
 bool DebugSetTempBp(DebuggerState* state, std::uint64_t address, int line) {
-    if (!Active(state) || state->breakpointCount >= kMaxBreakpoints) return false;
-    return Plant(state, address, line, true) >= 0;
+    if (!DebugIsActive(state) || state->breakpointCount >= kMaxBreakpoints) return false;
+    return PlantAt(state, address, line, true) >= 0;
 }
 
 bool DebugSetConditionalBreakpoint(DebuggerState* state, int line, const char* condition) {
     if (!DebugSetBreakpoint(state, line)) return false;
     for (int i = 0; i < state->breakpointCount; ++i) {
-        DebugBreakpoint& bp = Entry(state, i);
+        DebugBreakpoint& bp = EntryAt(state, i);
         if (bp.temporary != 0 || bp.line != static_cast<std::uint32_t>(line)) continue;
         StoreCondition(&bp, condition);
         return true;
@@ -105,7 +95,7 @@ bool DebugSetConditionalBreakpoint(DebuggerState* state, int line, const char* c
 bool DebugSetCondition(DebuggerState* state, std::uint64_t address, const char* condition) {
     const int index = DebugFindBp(state, address);
     if (index < 0) return false;
-    StoreCondition(&Entry(state, index), condition);
+    StoreCondition(&EntryAt(state, index), condition);
     return true;
 }
 
@@ -116,22 +106,22 @@ bool DebugRemoveBreakpoint(DebuggerState* state, std::uint64_t address) {
 }
 
 void DebugRearmBreakpoints(DebuggerState* state) {
-    if (!Active(state)) return;
+    if (!DebugIsActive(state)) return;
     for (int i = 0; i < state->breakpointCount; ++i)
-        if (Entry(state, i).temporary == 0) DebugArm(state, &Entry(state, i));
+        if (EntryAt(state, i).temporary == 0) DebugArm(state, &EntryAt(state, i));
 }
 
 void DebugClearBreakpoints(DebuggerState* state) {
-    if (!Active(state)) return;
-    for (int i = state->breakpointCount - 1; i >= 0; --i) DebugRestoreBp(state, Entry(state, i).address);
+    if (!DebugIsActive(state)) return;
+    for (int i = state->breakpointCount - 1; i >= 0; --i) DebugRestoreBp(state, EntryAt(state, i).address);
     state->breakpoints = {};
     state->breakpointCount = 0;
 }
 
 void DebugForgetTemporaries(DebuggerState* state) {
     for (int i = state->breakpointCount - 1; i >= 0; --i) {
-        if (Entry(state, i).temporary == 0) continue;
-        DebugRestoreBp(state, Entry(state, i).address);
+        if (EntryAt(state, i).temporary == 0) continue;
+        DebugRestoreBp(state, EntryAt(state, i).address);
         DebugForgetBreakpoint(state, i);
     }
 }
@@ -144,6 +134,5 @@ bool DebugCheckCondition(DebuggerState* state, const char* condition) {
     if (parsed.op == Condition::Operator::None) return true;
     RegisterSet registers;
     const bool read = DebugGetRegisters(state, 0, &registers);
-    const auto value = [&](std::string_view side) { return read ? EvaluateExpression(registers, side) : 0; };
-    return Compare(parsed.op, value(parsed.left), value(parsed.right));
+    return ConditionHolds(parsed, read ? &registers : nullptr);
 }

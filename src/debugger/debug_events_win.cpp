@@ -1,5 +1,5 @@
-// Waiting for the program's events and deciding which of them is a stop. UI thread only: the thread that started the
-// program is the only one that the system lets wait for it.
+// Waiting for the program's events and carrying out what each means. UI thread only, because the system lets only the
+// thread that started the program wait for its events.
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_process.h"
 #include "debugger/stop_rules.h"
@@ -9,6 +9,7 @@
 #include "base/log.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <string>
 #include <utility>
@@ -16,16 +17,16 @@
 
 namespace {
 
-// A fault that is continued as handled fails again at once, for ever; after so many in a row the program is held there.
-constexpr std::uint32_t kFaultsInARow = 16;
-constexpr int kGoOn = 0;  // beside DebugWait: the event was no stop and is continued
+constexpr int kGoOn = 0;  // no DebugWait: the event was no stop and is continued
 // The next event of a program that was just continued comes in a moment. A look that does not wait for it would see one
-// event at a time: a condition that does not hold would cost two ticks of the timer.
+// event at a time, and a condition that does not hold would cost two ticks of the timer.
 constexpr DWORD kNextEventMs = 2;
 
 DebugWaitHook g_waitHook = nullptr;
 
-DebugBreakpoint& Entry(DebuggerState* state, int index) { return state->breakpoints[static_cast<std::size_t>(index)]; }
+DebugBreakpoint& HitEntry(DebuggerState* state, int index) {
+    return state->breakpoints[static_cast<std::size_t>(index)];
+}
 
 void SetPlace(DebuggerState* state, std::uint64_t address, SourcePlace place) {
     state->currentAddress = address;
@@ -33,16 +34,9 @@ void SetPlace(DebuggerState* state, std::uint64_t address, SourcePlace place) {
     state->currentFileId = place.fileId;
 }
 
-// Code of a library has no line, however far it lies behind the last one of the map.
-SourcePlace PlaceInImage(const DebuggerState& state, std::uint64_t address) {
-    SourcePlace place;
-    return DebugLineAt(&state, address, &place.fileId, &place.line) ? place : SourcePlace{};
-}
-
 int Stopped(DebuggerState* state, const DEBUG_EVENT& event) {
     state->run = DebugRun::Stopped;
     state->stopThreadId = event.dwThreadId;
-    state->exceptionCode = event.u.Exception.ExceptionRecord.ExceptionCode;
     state->runsToUserBreakpoint = 0;
     if (state->pause == DebugPause::Wanted) state->pause = DebugPause::Overtaken;
     ++state->stopSerial;
@@ -55,19 +49,12 @@ int GoOn(DebuggerState* state) {
     return kGoOn;
 }
 
-// False: the program reports too much, and this one is left out.
+// False: the program reports too much, and this report is left out.
 bool MayReport(DebuggerState* state, std::size_t characters) {
-    constexpr std::uint32_t kMostReports = 10000;
-    constexpr std::size_t kMostCharacters = std::size_t{4} << 20;
-    DebugReports& reports = state->reports;
-    if (reports.shown < kMostReports && reports.characters < kMostCharacters) {
-        ++reports.shown;
-        reports.characters += characters;
-        return true;
-    }
-    if (reports.leftOut++ == 0)
+    const ReportFate fate = TakeReport(&state->reports, characters);
+    if (fate == ReportFate::FirstLeftOut)
         DebugSay(kDebugOrange, L"[Debug] The program writes too much; the rest is left out until it stops.\n");
-    return false;
+    return fate == ReportFate::Shown;
 }
 
 void OnDebugString(DebuggerState* state, const OUTPUT_DEBUG_STRING_INFO& info) {
@@ -78,12 +65,12 @@ void OnDebugString(DebuggerState* state, const OUTPUT_DEBUG_STRING_INFO& info) {
     bytes.push_back('\0');
     const HeapBlock<wchar_t> decoded(DecodeCompilerText(bytes.data(), std::strlen(bytes.data())));
     std::wstring text = decoded ? decoded.get() : L"";
-    if (text.empty() || text.back() != L'\n') text += L'\n';  // the next message begins a line of its own
+    if (text.empty() || text.back() != L'\n') text += L'\n';  // so that the next message begins a line
     DebugSay(kDebugTeal, L"[Debug] %s", text.c_str());
 }
 
-// The entry that a breakpoint exception at `address` belongs to: systems report the trap's own address or the next one.
-// Only where they report the next one does the thread stand on it; else it is the address of another trap.
+// Index of the entry that a breakpoint exception at `address` belongs to, or -1. Systems report the trap's own address or the
+// next one. Where they report the next one, the thread stands on it; otherwise `address` is that of another trap.
 int EntryOfTrap(const DebuggerState* state, const DEBUG_EVENT& event, std::uint64_t address) {
     const int index = DebugFindBp(state, address);
     std::uint64_t ip = 0;
@@ -92,74 +79,68 @@ int EntryOfTrap(const DebuggerState* state, const DEBUG_EVENT& event, std::uint6
 }
 
 int OnPlantedBreakpoint(DebuggerState* state, const DEBUG_EVENT& event, int index) {
-    const std::uint64_t address = Entry(state, index).address;
-    // Over a trap of the program's own there is nothing to go back to: run again, it would only stop here again.
-    const bool ownTrap = Entry(state, index).originalByte == kTrapByte;
+    const std::uint64_t address = HitEntry(state, index).address;
+    // A trap of the program's own under the breakpoint is not run again, because it would only stop here again.
+    const bool ownTrap = HitEntry(state, index).originalByte == kTrapByte;
     DebugRestoreBp(state, address);
-    const DebugBreakpoint hit = Entry(state, index);
+    const DebugBreakpoint hit = HitEntry(state, index);
     if (hit.temporary != 0) DebugForgetBreakpoint(state, index);
     DebugSetIp(*state, event.dwThreadId, ownTrap ? address + 1 : address, false);
-    state->stopThreadId = event.dwThreadId;  // whose registers a condition is about
+    state->stopThreadId = event.dwThreadId;  // its registers are those that a condition means
     const SourcePlace lastPlace = {static_cast<std::uint32_t>(state->currentLine), state->currentFileId};
     const std::uint64_t lastAddress = state->currentAddress;
-    SetPlace(state, address, PlaceInImage(*state, address));
-    // The start stops at its line in any case.
+    SetPlace(state, address, PlaceInImage(state->map, state->imageSize, address));
+    // A start stops at its line whether the condition there holds or not.
     const bool ofStart = state->awaits != DebugAwaits::Nothing && address == state->startAddress;
     if (!ofStart && hit.condition[0] != '\0' && !DebugCheckCondition(state, hit.condition)) {
         DebugStepOffAndResume(state);
         SetPlace(state, lastAddress, lastPlace);
         return kGoOn;
     }
-    if (hit.temporary == 0) ++Entry(state, index).hits;
+    if (hit.temporary == 0) ++HitEntry(state, index).hits;
     return Stopped(state, event);
 }
 
-// Two threads may run onto one breakpoint at the same time: the second one's event comes when the byte is back already.
-bool IsLateHit(const DebuggerState& state, std::uint64_t address) {
-    if (address < state.map.imageBase || address - state.map.imageBase >= state.imageSize) return false;
-    std::uint8_t bytes[2] = {};
-    return DebugReadRaw(state, address - 1, bytes, sizeof(bytes)) && bytes[1] != kTrapByte && bytes[0] != kTrapByte &&
-           !(bytes[0] == 0xCD && bytes[1] == 0x03);
-}
-
-// The system pauses a program by a thread of its own that runs onto a trap; what the user asks about is the main thread.
+// The system pauses a program by a thread of its own that runs onto a trap. The user means the main thread.
 int OnPause(DebuggerState* state, const DEBUG_EVENT& event) {
-    const bool overtaken = state->pause == DebugPause::Overtaken;
-    state->pause = DebugPause::None;
-    if (overtaken) return GoOn(state);
     const int result = Stopped(state, event);
     state->stopThreadId = state->mainThreadId;
     std::uint64_t address = 0;
     if (!DebugPlaceInProgram(state, state->mainThreadId, &address)) DebugGetIp(*state, state->mainThreadId, &address);
-    // Behind a call the next line may begin already; it is the call that still runs, and the statement that holds it is
-    // where steps begin.
-    std::uint32_t rva = 0;
-    const bool inCall = !DebugStandsOn(*state, address) && RvaOf(address - 1, state->map.imageBase, &rva);
-    SourcePlace place;
-    if (DebugLineAt(state, inCall ? address - 1 : address, &place.fileId, &place.line) && inCall)
-        address = state->map.imageBase + state->map.lines[SdbgFindRecord(&state->map, rva)].rva;
-    SetPlace(state, address, place);
+    const PausePlace pause = PlaceOfPause(state->map, state->imageSize, address, DebugStandsOn(*state, address));
+    SetPlace(state, pause.address, pause.place);
     return result;
 }
 
-int OnOwnTrap(DebuggerState* state, const DEBUG_EVENT& event, std::uint64_t address) {
-    const bool inImage = address - state->map.imageBase < state->imageSize;
-    if (state->pause != DebugPause::None && !inImage) return OnPause(state, event);
-    if (IsLateHit(*state, address)) {
-        DebugSetIp(*state, event.dwThreadId, address, false);
-        return GoOn(state);
+TrapEvent TrapEventOf(const DebuggerState& state, std::uint64_t address) {
+    TrapEvent trap = {.address = address,
+                      .inImage = address - state.map.imageBase < state.imageSize,
+                      .bytes = {},
+                      .pause = state.pause,
+                      .runsToUserBreakpoint = state.runsToUserBreakpoint != 0,
+                      .lastLine = state.currentLine,
+                      .lastAddress = state.currentAddress};
+    std::array<std::uint8_t, 2> bytes = {};
+    if (trap.inImage && DebugReadRaw(state, address - 1, bytes.data(), bytes.size())) trap.bytes = bytes;
+    return trap;
+}
+
+int OnTrap(DebuggerState* state, const DEBUG_EVENT& event, std::uint64_t address) {
+    switch (MeaningOfTrap(state->map, TrapEventOf(*state, address))) {
+        case TrapMeaning::Pause: state->pause = DebugPause::None; return OnPause(state, event);
+        case TrapMeaning::PauseLate: state->pause = DebugPause::None; return GoOn(state);
+        case TrapMeaning::LateHit: DebugSetIp(*state, event.dwThreadId, address, false); return GoOn(state);
+        case TrapMeaning::PassedOver: return GoOn(state);
+        case TrapMeaning::Stop: break;
     }
-    const SourcePlace place = PlaceOfTrap(state->map, address);
-    if (IsRepeatedTrap(state->map, place, address, state->currentLine, state->currentAddress)) return GoOn(state);
-    if (state->map.nativeTrapMap != 0 && place.line != 0 && state->runsToUserBreakpoint != 0) return GoOn(state);
-    SetPlace(state, address, place);
+    SetPlace(state, address, PlaceOfTrap(state->map, address));
     return Stopped(state, event);
 }
 
 int OnBreakpoint(DebuggerState* state, const DEBUG_EVENT& event) {
     const auto address = reinterpret_cast<std::uint64_t>(event.u.Exception.ExceptionRecord.ExceptionAddress);
     const int index = EntryOfTrap(state, event, address);
-    return index >= 0 ? OnPlantedBreakpoint(state, event, index) : OnOwnTrap(state, event, address);
+    return index >= 0 ? OnPlantedBreakpoint(state, event, index) : OnTrap(state, event, address);
 }
 
 int OnOtherException(DebuggerState* state, const DEBUG_EVENT& event, bool fault) {
@@ -168,19 +149,16 @@ int OnOtherException(DebuggerState* state, const DEBUG_EVENT& event, bool fault)
     constexpr std::size_t kLine = 60;
     if (MayReport(state, kLine))
         DebugSay(kDebugRed, L"[Debug] Exception 0x%08lX at 0x%p\n", record.ExceptionCode, record.ExceptionAddress);
-    state->faultCount = fault && address == state->faultAddress ? state->faultCount + 1 : 1;
-    state->faultAddress = address;
-    if (!fault || state->faultCount < kFaultsInARow) return GoOn(state);
-    state->faultCount = 0;
+    if (!HoldAtFault(&state->faults, fault, address)) return GoOn(state);
     DebugSay(kDebugRed, L"[Debug] The instruction has failed %lu times in a row; the program is held there.\n",
              static_cast<unsigned long>(kFaultsInARow));
-    SetPlace(state, address, PlaceInImage(*state, address));
+    SetPlace(state, address, PlaceInImage(state->map, state->imageSize, address));
     return Stopped(state, event);
 }
 
 int OnException(DebuggerState* state, const DEBUG_EVENT& event) {
     const ExceptionKind kind = ExceptionKindOf(event.u.Exception.ExceptionRecord.ExceptionCode);
-    if (kind != ExceptionKind::Fault) state->faultCount = 0;
+    if (kind != ExceptionKind::Fault) state->faults.count = 0;
     switch (kind) {
         case ExceptionKind::Breakpoint: return OnBreakpoint(state, event);
         case ExceptionKind::SingleStep: DebugRearmBreakpoints(state); return GoOn(state);
@@ -199,7 +177,7 @@ int OnExitProcess(DebuggerState* state, const DEBUG_EVENT& event) {
 }
 
 int OnEvent(DebuggerState* state, const DEBUG_EVENT& event) {
-    if (event.dwProcessId != state->processId) {  // what an earlier session has left behind
+    if (event.dwProcessId != state->processId) {  // of the program of an earlier session
         DebugDropEvent(state, event);
         return kGoOn;
     }
@@ -233,8 +211,8 @@ DebugWaitHook DebugSetWaitHook(DebugWaitHook hook) { return std::exchange(g_wait
 int DebugWaitEvent(DebuggerState* state, DWORD timeoutMs) {
     if (state == nullptr || state->active == 0) return kDebugNoSession;
     ULONGLONG started = GetTickCount64();
-    ULONGLONG asked = started;  // the hook
-    DWORD least = 0;            // ms to wait, whatever the time-out
+    ULONGLONG asked = started;  // when the hook was asked last
+    DWORD least = 0;            // ms to wait even when the time-out is over
     for (;;) {
         DEBUG_EVENT event = {};
         const ULONGLONG elapsed = GetTickCount64() - started;

@@ -1,4 +1,5 @@
-// Views of a stopped program. Texts are new heap blocks that the caller frees; null without a session. UI thread only.
+// Registers, stack, memory and values of a stopped program. Texts are new heap blocks that the caller frees; null without a
+// session. UI thread only.
 #pragma once
 
 #include "debugger/debug_state.h"
@@ -11,8 +12,8 @@
 bool DebugGetContext(const DebuggerState* state, CONTEXT* context);
 // Registers of a thread of the program, of either kind; 0: the thread of the last stop, else the main one.
 bool DebugGetRegisters(const DebuggerState* state, std::uint32_t threadId, RegisterSet* registers);
-// Writes a whole general register (RAX, EAX; any letter case) of a stopped thread. False: none of that name in that kind of
-// program, or more than 32 bits for a 32-bit one.
+// Writes a whole general register (RAX, EAX; any letter case) of a stopped thread. False: that kind of program has no
+// register of that name, or the value does not fit its 32 bits.
 bool DebugSetRegister(const DebuggerState* state, std::uint32_t threadId, const wchar_t* name, std::uint64_t value);
 
 wchar_t* DebugFormatRegisters(const DebuggerState* state);
@@ -23,7 +24,7 @@ std::uint64_t DebugEvaluate(const DebuggerState* state, const char* expression);
 // Kind 0: LONG, 1: QUAD, 2: text, 3: DOUBLE; any other: "<unknown kind>".
 wchar_t* DebugWatchValue(const DebuggerState* state, std::uint64_t address, int kind);
 
-// For views: frames of a thread by its frame pointers, of either kind of program; at most 32.
+// For views: the frames of a thread by its frame pointers, in either kind of program; at most 32.
 struct DebugFrame {
     std::uint64_t address = 0;  // of the frame's instruction
     std::uint64_t framePointer = 0;

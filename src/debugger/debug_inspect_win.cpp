@@ -4,6 +4,7 @@
 
 #include "debugger/debug_process.h"
 #include "debugger/inspect_text.h"
+#include "debugger/stack_walk.h"
 #include "debugger/stop_rules.h"
 
 #include "base/wide_format.h"
@@ -20,12 +21,9 @@
 namespace {
 
 constexpr DWORD kFullContext = 0x10001F;
-constexpr int kMostFrames = 32;
 constexpr int kMostDumped = 4096;
 constexpr std::size_t kInstructionBytes = 16;
 constexpr std::size_t kRegisterCapacity = 4096, kStackCapacity = 8192, kInstructionCapacity = 512, kWatchCapacity = 256;
-
-bool Active(const DebuggerState* state) { return state != nullptr && state->active != 0; }
 
 // A new block with the text, cut to `capacity` characters with the terminator.
 wchar_t* HeapText(const std::wstring& text, std::size_t capacity) {
@@ -37,7 +35,7 @@ wchar_t* HeapText(const std::wstring& text, std::size_t capacity) {
     return block;
 }
 
-void Fill(const CONTEXT& context, RegisterSet* out) {
+void ReadContext64(const CONTEXT& context, RegisterSet* out) {
     *out = {};
     out->x64 = true;
     out->general = {context.Rax, context.Rbx, context.Rcx, context.Rdx, context.Rsi, context.Rdi,
@@ -53,7 +51,7 @@ void Fill(const CONTEXT& context, RegisterSet* out) {
     }
 }
 
-void Fill(const WOW64_CONTEXT& context, RegisterSet* out) {
+void ReadContext32(const WOW64_CONTEXT& context, RegisterSet* out) {
     *out = {};
     out->x64 = false;
     out->general = {context.Eax, context.Ebx, context.Ecx, context.Edx,
@@ -89,89 +87,61 @@ std::wstring StringText(const DebuggerState* state, std::uint64_t address) {
     return L"\"" + std::wstring(wide.data(), static_cast<std::size_t>(length)) + L"\"";
 }
 
-// Frame pointer and return address that stand at a frame pointer.
-bool ReadFrame(const DebuggerState* state, std::uint64_t at, std::size_t width, std::uint64_t* next,
-               std::uint64_t* address) {
-    *next = 0;
-    *address = 0;
-    return DebugReadMem(state, at, next, width) && DebugReadMem(state, at + width, address, width) && *address != 0;
-}
-
-// A call ends right before `address`: direct, or through a register or memory.
-bool IsBehindCall(const DebuggerState* state, std::uint64_t address) {
-    constexpr std::size_t kLongestCall = 7;
-    std::array<std::uint8_t, kLongestCall> bytes = {};
-    if (!DebugReadMem(state, address - kLongestCall, bytes.data(), bytes.size())) return false;
-    constexpr std::uint8_t kCallDirect = 0xE8, kCallIndirect = 0xFF, kOperation = 0x38, kCallOperation = 0x10;
-    if (bytes[kLongestCall - 5] == kCallDirect) return true;
-    for (const std::size_t length : {2, 3, 4, 6, 7}) {
-        const std::size_t at = kLongestCall - length;
-        if (bytes[at] == kCallIndirect && (bytes[at + 1] & kOperation) == kCallOperation) return true;
-    }
-    return false;
+MemoryReader ReaderOf(const DebuggerState* state) {
+    return [state](std::uint64_t address, void* out, std::size_t count) {
+        return DebugReadMem(state, address, out, count);
+    };
 }
 
 }  // namespace
 
 bool DebugGetContext(const DebuggerState* state, CONTEXT* context) {
-    if (!Active(state)) return false;
+    if (!DebugIsActive(state)) return false;
     context->ContextFlags = kFullContext;
     return GetThreadContext(state->thread, context) != 0;
 }
 
 bool DebugGetRegisters(const DebuggerState* state, std::uint32_t threadId, RegisterSet* registers) {
-    if (!Active(state)) return false;
+    if (!DebugIsActive(state)) return false;
     if (threadId == 0) threadId = state->stopThreadId != 0 ? state->stopThreadId : state->mainThreadId;
     HANDLE thread = DebugThreadHandle(*state, threadId);
     if (state->isX64 != 0) {
         CONTEXT context = {};
         context.ContextFlags = kFullContext;
         if (!GetThreadContext(thread, &context)) return false;
-        Fill(context, registers);
+        ReadContext64(context, registers);
         return true;
     }
     WOW64_CONTEXT context = {};
     context.ContextFlags = WOW64_CONTEXT_ALL;
     if (!Wow64GetThreadContext(thread, &context)) return false;
-    Fill(context, registers);
+    ReadContext32(context, registers);
     return true;
 }
 
 wchar_t* DebugFormatRegisters(const DebuggerState* state) {
-    if (!Active(state)) return nullptr;
+    if (!DebugIsActive(state)) return nullptr;
     RegisterSet registers;
     registers.x64 = state->isX64 != 0;
     if (registers.x64) {
         CONTEXT context = {};
         if (!DebugGetContext(state, &context)) return nullptr;
-        Fill(context, &registers);
+        ReadContext64(context, &registers);
     }
     return HeapText(FormatRegisters(registers), kRegisterCapacity);
 }
 
 wchar_t* DebugWalkStack(const DebuggerState* state) {
     CONTEXT context = {};
-    if (!Active(state)) return nullptr;
+    if (!DebugIsActive(state)) return nullptr;
     const bool x64 = state->isX64 != 0;
     if (x64 && !DebugGetContext(state, &context)) return nullptr;
-    std::wstring text = L"Call Stack:\r\n";
-    std::uint64_t frame = x64 ? context.Rbp : 0;
-    std::uint64_t pc = x64 ? context.Rip : 0;
-    for (int i = 0; i < kMostFrames; ++i) {
-        const auto rva = static_cast<std::uint32_t>(pc - static_cast<std::uint32_t>(state->map.imageBase));
-        const std::uint32_t line = SdbgRvaToLine(&state->map, rva);
-        text += line != 0 ? FormatW(L"  #%d  0x%llX  line %d\r\n", i, pc, static_cast<int>(line))
-                          : FormatW(L"  #%d  0x%llX  (no source info)\r\n", i, pc);
-        if (i == 0) continue;  // frame 0 is where the program stands, frame 1 the procedure that this is in
-        std::uint64_t next = 0;
-        if (!ReadFrame(state, frame, sizeof(std::uint64_t), &next, &pc)) break;
-        frame = next;
-    }
-    return HeapText(text, kStackCapacity);
+    return HeapText(CallStackText(state->map, x64 ? context.Rbp : 0, x64 ? context.Rip : 0, ReaderOf(state)),
+                    kStackCapacity);
 }
 
 wchar_t* DebugHexDump(const DebuggerState* state, std::uint64_t address, int count) {
-    if (!Active(state) || count < 1 || count > kMostDumped) return nullptr;
+    if (!DebugIsActive(state) || count < 1 || count > kMostDumped) return nullptr;
     std::vector<std::uint8_t> bytes(static_cast<std::size_t>(count));
     if (!DebugReadMem(state, address, bytes.data(), bytes.size())) return nullptr;
     const std::wstring text = HexDumpText(address, bytes);
@@ -179,7 +149,7 @@ wchar_t* DebugHexDump(const DebuggerState* state, std::uint64_t address, int cou
 }
 
 wchar_t* DebugDisassembleAt(const DebuggerState* state, std::uint64_t address) {
-    if (!Active(state)) return nullptr;
+    if (!DebugIsActive(state)) return nullptr;
     std::array<std::uint8_t, kInstructionBytes> bytes = {};
     const std::size_t count = DebugReadSome(state, address, bytes.data(), bytes.size());
     if (count == 0) return nullptr;
@@ -193,7 +163,7 @@ std::uint64_t DebugEvaluate(const DebuggerState* state, const char* expression) 
 }
 
 wchar_t* DebugWatchValue(const DebuggerState* state, std::uint64_t address, int kind) {
-    if (!Active(state)) return nullptr;
+    if (!DebugIsActive(state)) return nullptr;
     std::wstring text;
     switch (kind) {
         case 0: text = NumberText<std::int32_t>(state, address, L"%d (0x%08X)"); break;
@@ -206,9 +176,8 @@ wchar_t* DebugWatchValue(const DebuggerState* state, std::uint64_t address, int 
 }
 
 bool DebugLineAt(const DebuggerState* state, std::uint64_t address, std::uint32_t* fileId, std::uint32_t* line) {
-    if (!Active(state) || address < state->map.imageBase) return false;
-    if (state->imageSize != 0 && address - state->map.imageBase >= state->imageSize) return false;
-    const SourcePlace place = PlaceOf(state->map, address);
+    const SourcePlace place =
+        DebugIsActive(state) ? PlaceInImage(state->map, state->imageSize, address) : SourcePlace{};
     if (place.line == 0) return false;
     *fileId = place.fileId;
     *line = place.line;
@@ -219,15 +188,11 @@ std::vector<DebugFrame> DebugFrames(const DebuggerState* state, std::uint32_t th
     std::vector<DebugFrame> frames;
     RegisterSet registers;
     if (!DebugGetRegisters(state, threadId, &registers)) return frames;
-    const std::size_t width = registers.x64 ? sizeof(std::uint64_t) : sizeof(std::uint32_t);
-    DebugFrame frame = {.address = registers.ip, .framePointer = registers.general[kBp]};
-    while (frames.size() < kMostFrames) {
-        DebugLineAt(state, frames.empty() ? frame.address : frame.address - 1, &frame.fileId, &frame.line);
-        frames.push_back(frame);
-        DebugFrame caller;
-        if (!ReadFrame(state, frame.framePointer, width, &caller.framePointer, &caller.address)) break;
-        if (caller.framePointer <= frame.framePointer) caller.framePointer = 0;  // the chain only leads upwards
-        frame = caller;
+    for (const FrameLink& link : WalkFrames(registers, ReaderOf(state))) {
+        // A caller's address is that after its call, where the next line may begin already.
+        const std::uint64_t inLine = frames.empty() ? link.address : link.address - 1;
+        frames.push_back({.address = link.address, .framePointer = link.framePointer});
+        DebugLineAt(state, inLine, &frames.back().fileId, &frames.back().line);
     }
     return frames;
 }
@@ -235,20 +200,19 @@ std::vector<DebugFrame> DebugFrames(const DebuggerState* state, std::uint32_t th
 bool DebugPlaceInProgram(const DebuggerState* state, std::uint32_t threadId, std::uint64_t* address) {
     constexpr std::size_t kStackBytes = 8192;
     RegisterSet registers;
-    std::uint32_t fileId = 0;
-    std::uint32_t line = 0;
     if (!DebugGetRegisters(state, threadId, &registers)) return false;
+    const auto hasLine = [&](std::uint64_t at) { return PlaceInImage(state->map, state->imageSize, at).line != 0; };
     *address = registers.ip;
-    if (DebugLineAt(state, registers.ip, &fileId, &line)) return true;
+    if (hasLine(registers.ip)) return true;
     std::vector<std::uint8_t> stack(kStackBytes);
     stack.resize(DebugReadSome(state, registers.general[kSp], stack.data(), stack.size()));
-    const std::size_t width = registers.x64 ? sizeof(std::uint64_t) : sizeof(std::uint32_t);
-    for (std::size_t at = 0; at + width <= stack.size(); at += width) {
-        std::uint64_t value = 0;
-        std::memcpy(&value, stack.data() + at, width);
-        if (!DebugLineAt(state, value - 1, &fileId, &line) || !IsBehindCall(state, value)) continue;
-        *address = value;
-        return true;
-    }
-    return false;
+    const auto found = FindReturnAddress(
+        stack, registers.x64 ? sizeof(std::uint64_t) : sizeof(std::uint32_t), [&](std::uint64_t value) {
+            std::array<std::uint8_t, kLongestCall> before = {};
+            return hasLine(value - 1) && DebugReadMem(state, value - kLongestCall, before.data(), before.size()) &&
+                   EndsWithCall(before);
+        });
+    if (!found) return false;
+    *address = *found;
+    return true;
 }

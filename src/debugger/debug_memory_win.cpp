@@ -1,11 +1,8 @@
-// Memory of the program, and what goes to the output pane. UI thread only.
+// Memory of the program. UI thread only.
 #include "debugger/debug_process.h"
 
-#include "base/wide_format.h"
-#include "output/output_feed.h"
-
 #include <algorithm>
-#include <cstdarg>
+#include <span>
 
 namespace {
 
@@ -13,11 +10,6 @@ namespace {
 std::size_t WithinPage(std::uint64_t address, std::size_t count) {
     constexpr std::uint64_t kPage = 4096;
     return static_cast<std::size_t>(std::min<std::uint64_t>(count, kPage - address % kPage));
-}
-
-template <typename Byte>
-Byte* PlaceIn(Byte* bytes, std::uint64_t address, std::size_t count, std::uint64_t wanted) {
-    return wanted >= address && wanted - address < count ? bytes + (wanted - address) : nullptr;
 }
 
 }  // namespace
@@ -37,12 +29,8 @@ bool DebugWriteRaw(const DebuggerState& state, std::uint64_t address, const void
 
 bool DebugReadMem(const DebuggerState* state, std::uint64_t address, void* out, std::size_t count) {
     if (state == nullptr || state->active == 0 || !DebugReadRaw(*state, address, out, count)) return false;
-    for (int i = 0; i < state->breakpointCount; ++i) {
-        const DebugBreakpoint& bp = state->breakpoints[static_cast<std::size_t>(i)];
-        if (bp.armed == 0) continue;
-        if (auto* place = PlaceIn(static_cast<std::uint8_t*>(out), address, count, bp.address))
-            *place = bp.originalByte;
-    }
+    ShowOriginalBytes(state->breakpoints, state->breakpointCount, address,
+                      std::span(static_cast<std::uint8_t*>(out), count));
     return true;
 }
 
@@ -57,16 +45,14 @@ std::size_t DebugReadSome(const DebuggerState* state, std::uint64_t address, voi
     return done;
 }
 
-// Breakpoints in the range stay in place; what they cover is what changes.
+// Breakpoints in the range stay; the bytes that they cover change.
 bool DebugWriteMem(DebuggerState* state, std::uint64_t address, const void* bytes, std::size_t count) {
     if (state == nullptr || state->active == 0 || !DebugWriteRaw(*state, address, bytes, count)) return false;
-    for (int i = 0; i < state->breakpointCount; ++i) {
-        DebugBreakpoint& bp = state->breakpoints[static_cast<std::size_t>(i)];
-        const auto* place = PlaceIn(static_cast<const std::uint8_t*>(bytes), address, count, bp.address);
-        if (place == nullptr) continue;
-        bp.originalByte = *place;
-        if (bp.armed != 0) DebugWriteRaw(*state, bp.address, &kTrapByte, 1);
-    }
+    const std::uint64_t armed = NoteOverwritten(&state->breakpoints, state->breakpointCount, address,
+                                                std::span(static_cast<const std::uint8_t*>(bytes), count));
+    for (int i = 0; i < state->breakpointCount; ++i)
+        if ((armed >> i & 1) != 0)
+            DebugWriteRaw(*state, state->breakpoints[static_cast<std::size_t>(i)].address, &kTrapByte, 1);
     return true;
 }
 

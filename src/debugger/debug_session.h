@@ -11,11 +11,9 @@
 #include <string>
 
 // --- Waiting (debug_events_win.cpp)
-enum DebugWait : int { kDebugStopped = 1, kDebugExited = 2, kDebugTimeout = 3, kDebugNoSession = 4 };
-
-// Waits for the next stop: DebugWait. Events that are no stop are continued, and the wait starts again with the same
-// time-out. `timeoutMs` may be INFINITE. Waits in slices of kDebugSliceMs; after each, and at least that often while
-// events pour in, the hook is asked.
+// Waits for the next stop; a DebugWait (stop_rules.h). Events that are no stop are continued, and the wait starts again
+// with the same time-out. `timeoutMs` may be INFINITE. The wait goes in slices of kDebugSliceMs; the hook is asked after
+// each, and at least that often while events pour in.
 int DebugWaitEvent(DebuggerState* state, DWORD timeoutMs);
 inline constexpr DWORD kDebugSliceMs = 20;
 
@@ -27,8 +25,8 @@ DebugWaitHook DebugSetWaitHook(DebugWaitHook hook);  // returns the previous one
 bool DebugStart(const wchar_t* executable, DebuggerState* state);
 bool DebugStartForCompiler(const wchar_t* executable, std::uint32_t compilerId, DebuggerState* state);
 bool DebugStartLoaded(const wchar_t* executable, DebuggerState* state);  // the map is loaded
-// A session whose first stop did not come while its start waited (`awaits`) is active and runs: this goes on with that
-// wait. DebugWait; after 1 and 2 the start is over, after 3 it may be.
+// Goes on with the wait of a start whose first stop did not come while it waited in place; `awaits` says so, and the
+// session is active and runs. A DebugWait; after 1 and 2 the start is over, after 3 it may be.
 int DebugWaitStart(DebuggerState* state, DWORD timeoutMs);
 // Called once the program is created and its first line's breakpoint is planted, before it runs.
 using DebugPlantHook = void (*)(DebuggerState* state);
@@ -55,7 +53,7 @@ bool DebugStepInto(DebuggerState* state);
 bool DebugStepOut(DebuggerState* state);
 bool DebugRunToLine(DebuggerState* state, int line);
 bool DebugRunToLineIn(DebuggerState* state, std::uint32_t fileId, int line);
-// To the next breakpoint of the user. Steps off the one it stands on with the trap flag, and so arms all of them again.
+// To the next breakpoint of the user. Steps off the one it stands on by the trap flag, which arms all of them again.
 bool DebugContinue(DebuggerState* state);
 // Asks a running program to stop where it is; the stop arrives as an event.
 bool DebugBreakIn(DebuggerState* state);

@@ -14,14 +14,9 @@
 
 namespace {
 
-constexpr std::uint32_t kPbdCompiler = 3;
-constexpr DWORD kFirstLineMs = 30000;
-constexpr DWORD kFirstTrapMs = 10000;
-constexpr std::uint32_t kFirstTrapTries = 64;
 constexpr int kStopTries = 20;
 constexpr DWORD kStopWaitMs = 100;
 constexpr DWORD kDrainMs = 10;
-constexpr wchar_t kNoPbdMap[] = L"[Debug] PowerBASIC debug database contains no usable line map\n";
 
 DebugPlantHook g_plantHook = nullptr;
 
@@ -30,7 +25,7 @@ struct ImageKind {
     bool console = false;
 };
 
-// Enough of the file for the headers: a stub before them is rarely longer than a few hundred bytes.
+// Reads only the start of the file, because the stub before the headers is rarely longer than a few hundred bytes.
 ImageKind KindOf(const wchar_t* executable) {
     constexpr DWORD kHeaderBytes = 65536;
     constexpr std::uint16_t kPe32Plus = 0x20B, kConsole = 3;
@@ -62,12 +57,12 @@ bool Launch(const wchar_t* executable, DebuggerState* state) {
     const ImageKind kind = KindOf(executable);
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
-    if (kind.console) {  // its console comes up beside the editor, which is where the next key belongs
+    if (kind.console) {  // its console must not take the focus, because the next key belongs to the editor
         startup.dwFlags = STARTF_USESHOWWINDOW;
         startup.wShowWindow = SW_SHOWNOACTIVATE;
     }
     PROCESS_INFORMATION process = {};
-    // A console of its own: ours has none, and what the program reads and prints is its user's business.
+    // A console of its own, because the editor has none to share.
     const DWORD flags = DEBUG_PROCESS | DEBUG_ONLY_THIS_PROCESS | CREATE_NEW_CONSOLE;
     if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, flags, nullptr,
                         directory.empty() ? nullptr : directory.c_str(), &startup, &process)) {
@@ -85,34 +80,21 @@ bool Launch(const wchar_t* executable, DebuggerState* state) {
 
 // How the start ended.
 void SayStart(const DebuggerState& state, DebugAwaits awaits, int event) {
-    if (event == kDebugNoSession) return;
-    if (event == kDebugStopped && state.currentLine > 0)
-        DebugSay(0, L"[Debug] Reached line %d.\n", state.currentLine);
-    else if (awaits == DebugAwaits::FirstTrap)
-        DebugSay(0, kNoPbdMap);
-    else
-        DebugSay(0, L"[Debug] Did not reach first source breakpoint (event %d).\n", event);
+    const std::wstring text = StartText(awaits, event, state.currentLine);
+    if (!text.empty()) DebugSay(0, L"%s", text.c_str());
 }
 
-// A 32-bit program's own loader may report a second initial breakpoint, outside the program's image.
-bool IsLoaderStop(const DebuggerState& state) {
-    return state.isX64 == 0 && state.currentLine == 0 && state.imageSize != 0 &&
-           state.currentAddress - state.map.imageBase >= state.imageSize;
-}
-
-// A stop that the start runs on from.
-bool IsFalseStart(const DebuggerState& state) {
-    if (state.awaits == DebugAwaits::FirstLine) return state.startTries == 1 && IsLoaderStop(state);
-    return state.currentLine <= 0 && state.startTries < kFirstTrapTries;
-}
-
-DWORD StartWait(const DebuggerState& state) {
-    return state.awaits == DebugAwaits::FirstTrap ? kFirstTrapMs : kFirstLineMs;
+StartStop StartStopOf(const DebuggerState& state) {
+    const bool outside = state.imageSize != 0 && state.currentAddress - state.map.imageBase >= state.imageSize;
+    return {.awaits = state.awaits,
+            .tries = state.startTries,
+            .line = state.currentLine,
+            .ofLoader = state.isX64 == 0 && state.currentLine == 0 && outside};
 }
 
 void ResumeStart(DebuggerState* state) {
     ++state->startTries;
-    state->startDeadline = GetTickCount64() + StartWait(*state);
+    state->startDeadline = GetTickCount64() + StartWaitMs(state->awaits);
     DebugResume(state);
 }
 
@@ -130,16 +112,16 @@ void RunToFirst(DebuggerState* state) {
     else if (g_plantHook != nullptr)
         g_plantHook(state);
     ResumeStart(state);
-    DebugWaitStart(state, StartWait(*state));
+    DebugWaitStart(state, StartWaitMs(state->awaits));
 }
 
-// The table's bytes go back while the program still runs on with them: a patched byte must not kill it before we do.
+// Takes all breakpoints out before the pending event is continued: a trap byte must not kill the program before we do.
 void RestoreProgram(DebuggerState* state) {
     DebugClearBreakpoints(state);
     if (state->eventPending != 0) DebugResume(state);
 }
 
-// Waits for the end of a program that was told to end, its events continued.
+// Waits for the end of a program that was told to end, and continues its events.
 void AwaitEnd(DebuggerState* state) {
     bool ended = false;
     const ULONGLONG limit = GetTickCount64() + kStopTries * (kStopWaitMs + kDrainMs);
@@ -191,7 +173,7 @@ int DebugWaitStart(DebuggerState* state, DWORD timeoutMs) {
         const bool paused = state->pause == DebugPause::Wanted;
         const int event = DebugWaitEvent(state, timeoutMs);
         if (event == kDebugTimeout && GetTickCount64() < state->startDeadline) return event;
-        if (event == kDebugStopped && !paused && IsFalseStart(*state)) {
+        if (event == kDebugStopped && !paused && IsFalseStart(StartStopOf(*state))) {
             ResumeStart(state);
             continue;
         }

@@ -1,8 +1,8 @@
-// Steps: each prepares where the program is to stop next and lets it go on. They follow the order of addresses, not the
-// flow of control, and set no trap flag; a breakpoint that they leave stays disarmed until something arms it. UI thread only.
+// Steps: each plants a breakpoint where the program is to stop next and lets it go on. They set no trap flag, so a
+// breakpoint that they step off stays disarmed until something arms it. UI thread only.
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_process.h"
-#include "debugger/stop_rules.h"
+#include "debugger/step_rules.h"
 #include "disasm/disasm.h"
 
 #include <array>
@@ -11,27 +11,30 @@ namespace {
 
 constexpr std::size_t kLongestInstruction = 16;
 
-bool Ready(const DebuggerState* state) {
+bool CanStep(const DebuggerState* state) {
     return state != nullptr && state->active != 0 && state->run == DebugRun::Stopped;
 }
 
 // The instruction under a breakpoint must run as it was.
-bool GoOn(DebuggerState* state) {
+bool LeaveStop(DebuggerState* state) {
     if (DebugStandsOn(*state, state->currentAddress)) DebugRestoreBp(state, state->currentAddress);
     return DebugResume(state);
 }
 
-// Targets of steps that ended elsewhere must not fill the table for ever.
-bool RunTo(DebuggerState* state, std::uint64_t address, std::uint32_t line) {
+// False when the target is no address, or when the breakpoint there cannot be planted. Targets of steps that ended elsewhere
+// must not fill the table for ever, so a full one is cleared of them.
+bool StepTo(DebuggerState* state, const StepTarget& target) {
+    if (target.kind != StepTarget::Kind::Address) return false;
     if (state->breakpointCount >= kMaxBreakpoints) DebugForgetTemporaries(state);
-    return DebugSetTempBp(state, address, static_cast<int>(line)) && GoOn(state);
+    return DebugSetTempBp(state, target.address, static_cast<int>(target.line)) && LeaveStop(state);
 }
 
-// To a line that the user names: traps of the program's own on the way there are no stops.
-bool RunToRva(DebuggerState* state, std::uint32_t rva, int line) {
-    if (rva == 0) return false;
-    DebugForgetTemporaries(state);  // the way leads past the targets of earlier steps
-    if (!RunTo(state, state->map.imageBase + rva, static_cast<std::uint32_t>(line))) return false;
+// To a line that the user names. Traps of the program's own on the way there are no stops, and neither are the targets of
+// earlier steps.
+bool RunToTarget(DebuggerState* state, const StepTarget& target) {
+    if (target.kind != StepTarget::Kind::Address) return false;
+    DebugForgetTemporaries(state);
+    if (!StepTo(state, target)) return false;
     state->runsToUserBreakpoint = 1;
     return true;
 }
@@ -40,7 +43,7 @@ bool RunToRva(DebuggerState* state, std::uint32_t rva, int line) {
 
 bool DebugStepOffAndResume(DebuggerState* state) {
     std::uint64_t ip = 0;
-    // Behind a trap of the program's own it may stand before a breakpoint that was not met yet.
+    // After a trap of the program's own it may stand before a breakpoint that it has not reached yet.
     const bool known = DebugGetIp(*state, state->stopThreadId, &ip) && ip == state->currentAddress;
     const int index = known ? DebugFindBp(state, ip) : -1;
     if (index >= 0) DebugRestoreBp(state, ip);
@@ -53,54 +56,46 @@ bool DebugStepOffAndResume(DebuggerState* state) {
 }
 
 bool DebugStepOver(DebuggerState* state) {
-    if (!Ready(state)) return false;
-    if (state->map.nativeTrapMap != 0) return GoOn(state);  // the next trap is the next statement
-    std::uint32_t rva = 0;
-    if (!RvaOf(state->currentAddress, state->map.imageBase, &rva)) return false;
-    const std::uint32_t line = SdbgRvaToLine(&state->map, rva);
-    if (line == 0) return false;
-    const std::int32_t next = SdbgNextStop(&state->map, rva, line, SdbgRvaToFileId(&state->map, rva));
-    if (next < 0) {
-        DebugSay(kDebugOrange, L"[Debug] No further source lines.\n");
-        return false;
-    }
-    const SdbgLine& target = state->map.lines[next];
-    return RunTo(state, state->map.imageBase + target.rva, target.line);
+    if (!CanStep(state)) return false;
+    const StepTarget target = StepOverTarget(state->map, state->currentAddress);
+    if (target.kind == StepTarget::Kind::NextTrap) return LeaveStop(state);
+    if (target.kind == StepTarget::Kind::NoFurtherLine) DebugSay(kDebugOrange, L"[Debug] No further source lines.\n");
+    return StepTo(state, target);
 }
 
 bool DebugStepInto(DebuggerState* state) {
-    if (!Ready(state)) return false;
+    if (!CanStep(state)) return false;
     std::array<std::uint8_t, kLongestInstruction> bytes = {};
     const std::size_t count = DebugReadSome(state, state->currentAddress, bytes.data(), bytes.size());
-    const std::uint64_t target =
+    const std::uint64_t callee =
         DisasmCallTarget(std::span(bytes).first(count), state->currentAddress, state->isX64 != 0);
-    if (target != 0 && RunTo(state, target, PlaceOf(state->map, target).line)) return true;
-    return DebugStepOver(state);
+    return StepTo(state, StepTargetAt(state->map, callee)) || DebugStepOver(state);
 }
 
-// The word at the stack pointer is the return address only until the procedure has set up its frame. Elsewhere it may be
-// anything; a trap byte in the program's data would change them, so only code is taken for a return address.
+// The word at the stack pointer is the return address only until the procedure has set up its frame. Later it may be
+// anything. Only an address of code is taken for a return address, because a trap byte would change the program's data.
 bool DebugStepOut(DebuggerState* state) {
-    if (!Ready(state)) return false;
+    if (!CanStep(state)) return false;
     RegisterSet registers;
-    std::uint64_t target = 0;
+    std::uint64_t caller = 0;
     if (state->isX64 != 0 && DebugGetRegisters(state, 0, &registers) &&
-        DebugReadMem(state, registers.general[kSp], &target, sizeof(target)) && DebugIsExecutable(state, target) &&
-        RunTo(state, target, PlaceOf(state->map, target).line))
+        DebugReadMem(state, registers.general[kSp], &caller, sizeof(caller)) && DebugIsExecutable(state, caller) &&
+        StepTo(state, StepTargetAt(state->map, caller)))
         return true;
     return DebugStepOver(state);
 }
 
 bool DebugRunToLine(DebuggerState* state, int line) {
-    return Ready(state) && RunToRva(state, SdbgLineToRva(&state->map, line), line);
+    return CanStep(state) && RunToTarget(state, RunTarget(state->map, SdbgLineToRva(&state->map, line), line));
 }
 
 bool DebugRunToLineIn(DebuggerState* state, std::uint32_t fileId, int line) {
-    return Ready(state) && RunToRva(state, SdbgFileLineToRva(&state->map, fileId, line), line);
+    return CanStep(state) &&
+           RunToTarget(state, RunTarget(state->map, SdbgFileLineToRva(&state->map, fileId, line), line));
 }
 
 bool DebugContinue(DebuggerState* state) {
-    if (!Ready(state)) return false;
+    if (!CanStep(state)) return false;
     DebugForgetTemporaries(state);  // of steps that ended elsewhere
     state->runsToUserBreakpoint = 1;
     return DebugStepOffAndResume(state);
@@ -108,7 +103,7 @@ bool DebugContinue(DebuggerState* state) {
 
 bool DebugBreakIn(DebuggerState* state) {
     if (state == nullptr || state->active == 0 || state->run != DebugRun::Running) return false;
-    // The trap of an earlier one is still to come, and is the only one that will.
+    // The trap of an earlier pause is still to come; the system sends no second one.
     const bool underWay = state->pause != DebugPause::None;
     state->pause = DebugPause::Wanted;
     if (underWay || DebugBreakProcess(state->process)) return true;

@@ -1,8 +1,8 @@
 // Threads and handles of the program, and continuing it. UI thread only.
 //
-// The handles of threads and of the process that events carry belong to the system: it closes them when the end event
-// is continued, and closing them earlier would make it close whatever has got the number since. A system that does not
-// close them leaves them valid; then we do.
+// The handles of threads and of the process that events carry belong to the system, which closes them when the end event
+// is continued. Closed earlier, their numbers may have gone to other handles, which the system would then close. Where it
+// does not close them, they are still valid afterwards and are closed here.
 #include "debugger/debug_process.h"
 
 #include "base/log.h"

@@ -1,5 +1,5 @@
-// The two readers of expressions: the plain one of conditions, and the pane's with sums and brackets. Must not know a
-// thread.
+// The two readers of expressions: the plain one for conditions, and the debug pane's with sums and brackets. Must not know
+// a thread.
 #include "debugger/expressions.h"
 
 #include "base/scan_text.h"
@@ -126,8 +126,13 @@ Condition ParseCondition(std::string_view text) {
     return {};
 }
 
-bool Compare(Condition::Operator op, std::uint64_t left, std::uint64_t right) {
-    switch (op) {
+bool ConditionHolds(const Condition& condition, const RegisterSet* registers) {
+    const auto value = [&](std::string_view side) {
+        return registers != nullptr ? EvaluateExpression(*registers, side) : 0;
+    };
+    const std::uint64_t left = value(condition.left);
+    const std::uint64_t right = value(condition.right);
+    switch (condition.op) {
         case Condition::Operator::GreaterEqual: return left >= right;
         case Condition::Operator::LessEqual: return left <= right;
         case Condition::Operator::NotEqual: return left != right;

@@ -8,8 +8,9 @@
 #include <string>
 #include <string_view>
 
-// A condition's side: hexadecimal with 0x, decimal up to the first other character, or for a 64-bit program a 64-bit
-// register's name that is the whole rest of the text. Everything else is 0; a blank after a register's name, too.
+// One side of a condition: a hexadecimal number after 0x, a decimal number up to the first other character, or, in a
+// 64-bit program, the name of a 64-bit register that is the whole rest of the text. Everything else is 0, also the name of a
+// register with a blank after it.
 std::uint64_t EvaluateExpression(const RegisterSet& registers, std::string_view text);
 
 // "left OP right", split at the first of >=, <=, !=, ==, >, < (tried in this order) that occurs anywhere.
@@ -18,10 +19,11 @@ struct Condition {
     std::string_view left, right;  // without leading blanks and tabs
 };
 Condition ParseCondition(std::string_view text);
-bool Compare(Condition::Operator op, std::uint64_t left, std::uint64_t right);  // None: true
+// Whether it holds; None always does. Without registers (null) both sides are 0.
+bool ConditionHolds(const Condition& condition, const RegisterSet* registers);
 
 // What the debug pane accepts as an address or a value: numbers (0x1F, &H1F, 31), registers of both kinds of program and
-// their parts, + - * and brackets. Nothing, with the reason, for anything else.
+// their parts, + - * and brackets. For anything else there is no value, and `problem` says why.
 struct Evaluation {
     std::optional<std::uint64_t> value;
     std::wstring problem;

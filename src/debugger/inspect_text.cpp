@@ -1,4 +1,4 @@
-// Texts of memory. Must not know a process.
+// Memory as text. Must not know a process.
 #include "debugger/inspect_text.h"
 
 #include "base/hex_text.h"
@@ -10,7 +10,7 @@ namespace {
 constexpr std::size_t kBytesInRow = 16, kMostBytes = 4096, kInstructionBytes = 8;
 constexpr std::uint8_t kFirstPrintable = 32, kLastPrintable = 126;
 
-std::wstring Row(std::uint64_t address, std::span<const std::uint8_t> bytes) {
+std::wstring HexDumpRow(std::uint64_t address, std::span<const std::uint8_t> bytes) {
     std::wstring row = HexText(address, 8) + L"  ";
     std::wstring characters;
     for (std::size_t i = 0; i < kBytesInRow; ++i) {
@@ -32,7 +32,7 @@ std::wstring HexDumpText(std::uint64_t address, std::span<const std::uint8_t> by
     std::wstring text;
     if (bytes.size() > kMostBytes) return text;
     for (std::size_t at = 0; at < bytes.size(); at += kBytesInRow)
-        text += Row(address + at, bytes.subspan(at, std::min(kBytesInRow, bytes.size() - at)));
+        text += HexDumpRow(address + at, bytes.subspan(at, std::min(kBytesInRow, bytes.size() - at)));
     return text;
 }
 

@@ -1,4 +1,4 @@
-// Registers by name and as text. Must not know a thread.
+// Registers by their names, and as text. Must not know a thread.
 #include "debugger/registers.h"
 
 #include "base/hex_text.h"

@@ -28,11 +28,12 @@ struct RegisterRow {
 };
 // Every register of the program's kind, in the order of display.
 std::vector<RegisterRow> RegisterRows(const RegisterSet& registers);
-// A general register, instruction pointer or part of one (AL, AX, EAX, R8D, R8W, R8B ...) by name, any letter case.
+// A general register, the instruction pointer, or a part of a register (AL, AX, EAX, R8D, R8W, R8B ...) by its name in any
+// letter case.
 std::optional<std::uint64_t> RegisterByName(const RegisterSet& registers, std::string_view name);
 
-// A 64-bit general register or RIP by its whole name, any letter case.
+// A 64-bit general register or RIP by its whole name, in any letter case.
 std::optional<std::uint64_t> FullRegisterByName(const RegisterSet& registers, std::string_view name);
 
-// "RAX=... " in five lines; for 32-bit programs the text that says so.
+// "RAX=... " in five lines; for a 32-bit program a text that says there are none.
 std::wstring FormatRegisters(const RegisterSet& registers);

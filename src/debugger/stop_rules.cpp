@@ -1,4 +1,4 @@
-// Exceptions and traps as the session reads them. Must not know a process.
+// What events mean. Must not know a process.
 #include "debugger/stop_rules.h"
 
 namespace {
@@ -25,6 +25,14 @@ constexpr std::uint32_t kFaults[] = {
     0xC00002B5,  // and traps
     0x80000002,  // misaligned data
 };
+
+// The byte at the address is the program's own again, and no trap of one or two bytes ends before it.
+bool IsLateHit(const TrapEvent& trap) {
+    if (!trap.bytes) return false;
+    const auto [before, at] = *trap.bytes;
+    constexpr std::uint8_t kInterrupt = 0xCD, kInterruptOfTrap = 0x03;  // INT 3 in two bytes
+    return at != kTrapByte && before != kTrapByte && !(before == kInterrupt && at == kInterruptOfTrap);
+}
 
 }  // namespace
 
@@ -53,6 +61,20 @@ SourcePlace PlaceOf(const SdbgMap& map, std::uint64_t address) {
     return {SdbgRvaToLine(&map, rva), SdbgRvaToFileId(&map, rva)};
 }
 
+SourcePlace PlaceInImage(const SdbgMap& map, std::uint32_t imageSize, std::uint64_t address) {
+    if (address < map.imageBase || (imageSize != 0 && address - map.imageBase >= imageSize)) return {};
+    const SourcePlace place = PlaceOf(map, address);
+    return place.line != 0 ? place : SourcePlace{};
+}
+
+PausePlace PlaceOfPause(const SdbgMap& map, std::uint32_t imageSize, std::uint64_t address, bool standsThere) {
+    std::uint32_t rva = 0;
+    const bool inCall = !standsThere && RvaOf(address - 1, map.imageBase, &rva);
+    const SourcePlace place = PlaceInImage(map, imageSize, inCall ? address - 1 : address);
+    if (place.line != 0 && inCall) address = map.imageBase + map.lines[SdbgFindRecord(&map, rva)].rva;
+    return {.address = address, .place = place};
+}
+
 SourcePlace PlaceOfTrap(const SdbgMap& map, std::uint64_t address) {
     std::uint32_t rva = 0;
     if (map.textSize == 0 || !RvaOf(address, map.imageBase, &rva)) return {};
@@ -66,4 +88,48 @@ bool IsRepeatedTrap(const SdbgMap& map, SourcePlace place, std::uint64_t address
                     std::uint64_t lastAddress) {
     return map.nativeTrapMap != 0 && place.line != 0 && static_cast<std::int64_t>(place.line) == lastLine &&
            address != lastAddress;
+}
+
+TrapMeaning MeaningOfTrap(const SdbgMap& map, const TrapEvent& trap) {
+    if (trap.pause != DebugPause::None && !trap.inImage)
+        return trap.pause == DebugPause::Overtaken ? TrapMeaning::PauseLate : TrapMeaning::Pause;
+    if (trap.inImage && IsLateHit(trap)) return TrapMeaning::LateHit;
+    const SourcePlace place = PlaceOfTrap(map, trap.address);
+    if (IsRepeatedTrap(map, place, trap.address, trap.lastLine, trap.lastAddress)) return TrapMeaning::PassedOver;
+    if (map.nativeTrapMap != 0 && place.line != 0 && trap.runsToUserBreakpoint) return TrapMeaning::PassedOver;
+    return TrapMeaning::Stop;
+}
+
+bool HoldAtFault(DebugFaults* faults, bool fault, std::uint64_t address) {
+    faults->count = fault && address == faults->address ? faults->count + 1 : 1;
+    faults->address = address;
+    if (!fault || faults->count < kFaultsInARow) return false;
+    faults->count = 0;
+    return true;
+}
+
+bool IsFalseStart(const StartStop& stop) {
+    constexpr std::uint32_t kFirstTrapTries = 64;
+    if (stop.awaits == DebugAwaits::FirstLine) return stop.tries == 1 && stop.ofLoader;
+    return stop.line <= 0 && stop.tries < kFirstTrapTries;
+}
+
+std::uint32_t StartWaitMs(DebugAwaits awaits) { return awaits == DebugAwaits::FirstTrap ? 10000 : 30000; }
+
+std::wstring StartText(DebugAwaits awaits, int event, std::int32_t line) {
+    if (event == kDebugNoSession) return L"";
+    if (event == kDebugStopped && line > 0) return L"[Debug] Reached line " + std::to_wstring(line) + L".\n";
+    if (awaits == DebugAwaits::FirstTrap) return L"[Debug] PowerBASIC debug database contains no usable line map\n";
+    return L"[Debug] Did not reach first source breakpoint (event " + std::to_wstring(event) + L").\n";
+}
+
+ReportFate TakeReport(DebugReports* reports, std::size_t characters) {
+    constexpr std::uint32_t kMostReports = 10000;
+    constexpr std::size_t kMostCharacters = std::size_t{4} << 20;
+    if (reports->shown < kMostReports && reports->characters < kMostCharacters) {
+        ++reports->shown;
+        reports->characters += characters;
+        return ReportFate::Shown;
+    }
+    return reports->leftOut++ == 0 ? ReportFate::FirstLeftOut : ReportFate::LeftOut;
 }

@@ -151,16 +151,6 @@ TEST_P(DebugInspect, StackTextFollowsTheFramePointers) {
     EXPECT_EQ(text.find(L"  #4  "), std::wstring::npos) << "the outermost frame pointer leads nowhere: " << text;
 }
 
-TEST_P(DebugInspect, AStackHas32FramesAtMost) {
-    ASSERT_TRUE(Start("recursion"));
-    ASSERT_EQ(RunTo(10), 10);
-    EXPECT_EQ(DebugFrames(&state, 0).size(), 32u);
-    if (Bits() == 32) return;
-    const std::wstring text = Take(DebugWalkStack(&state));
-    EXPECT_EQ(std::count(text.begin(), text.end(), L'\n'), 33);
-    EXPECT_NE(text.find(L"\r\n  #31  0x"), std::wstring::npos);
-}
-
 TEST_P(DebugInspect, FramesOfBothKinds) {
     ASSERT_TRUE(Start("recursion"));
     ASSERT_EQ(RunTo(8), 8);

@@ -1,9 +1,16 @@
-// What an exception means to a session, and which line a program's own trap belongs to.
+// The rules of a session: what events mean, where steps and pauses end, stacks, the table of breakpoints, registers.
+#include "debugger/breakpoint_table.h"
+#include "debugger/registers.h"
+#include "debugger/stack_walk.h"
+#include "debugger/step_rules.h"
 #include "debugger/stop_rules.h"
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <tuple>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -79,6 +86,222 @@ TEST(DebugRules, ARunOfTrapsOnOneLineStopsOnce) {
     EXPECT_FALSE(IsRepeatedTrap(native.map, {9, 2}, 0x140001020, 7, 0x140001010));
     EXPECT_FALSE(IsRepeatedTrap(native.map, {}, 0x140009000, 0, 0x140008000)) << "no line twice is no repetition";
     EXPECT_FALSE(IsRepeatedTrap(section.map, {7, 1}, 0x140001011, 7, 0x140001010));
+}
+
+TEST(DebugRules, WhatATrapMeans) {
+    const TwoLines native(true), section(false);
+    constexpr std::uint64_t kBase = 0x140000000;
+    using Bytes = std::array<std::uint8_t, 2>;
+    const struct {
+        const char* name;
+        bool native;
+        TrapEvent trap;
+        TrapMeaning meaning;
+    } cases[] = {
+        {"of the system, when a pause is wanted",
+         false,
+         {.address = 1, .bytes = {}, .pause = DebugPause::Wanted},
+         TrapMeaning::Pause},
+        {"the same after another stop",
+         false,
+         {.address = 1, .bytes = {}, .pause = DebugPause::Overtaken},
+         TrapMeaning::PauseLate},
+        {"of the program, when a pause is wanted",
+         false,
+         {.address = kBase + 0x1010, .inImage = true, .bytes = Bytes{0x90, 0xCC}, .pause = DebugPause::Wanted},
+         TrapMeaning::Stop},
+        {"the byte is back",
+         false,
+         {.address = kBase + 0x1010, .inImage = true, .bytes = Bytes{0x90, 0x55}},
+         TrapMeaning::LateHit},
+        {"a trap ends there",
+         false,
+         {.address = kBase + 0x1010, .inImage = true, .bytes = Bytes{0xCC, 0x55}},
+         TrapMeaning::Stop},
+        {"a trap of two bytes",
+         false,
+         {.address = kBase + 0x1010, .inImage = true, .bytes = Bytes{0xCD, 0x03}},
+         TrapMeaning::Stop},
+        {"not readable", false, {.address = kBase + 0x1010, .inImage = true, .bytes = {}}, TrapMeaning::Stop},
+        {"a statement's",
+         true,
+         {.address = kBase + 0x1010, .inImage = true, .bytes = Bytes{0x90, 0xCC}},
+         TrapMeaning::Stop},
+        {"a statement's, on the way to a breakpoint",
+         true,
+         {.address = kBase + 0x1010, .inImage = true, .bytes = Bytes{0x90, 0xCC}, .runsToUserBreakpoint = true},
+         TrapMeaning::PassedOver},
+        {"of no statement, on that way",
+         true,
+         {.address = kBase + 0x5000, .inImage = true, .bytes = Bytes{0x90, 0xCC}, .runsToUserBreakpoint = true},
+         TrapMeaning::Stop},
+        {"the second of a run",
+         true,
+         {.address = kBase + 0x1011,
+          .inImage = true,
+          .bytes = Bytes{0xCC, 0xCC},
+          .lastLine = 7,
+          .lastAddress = kBase + 0x1010},
+         TrapMeaning::PassedOver},
+    };
+    for (const auto& one : cases)
+        EXPECT_EQ(MeaningOfTrap(one.native ? native.map : section.map, one.trap), one.meaning) << one.name;
+}
+
+TEST(DebugRules, APauseInACallIsOnTheStatementThatHoldsIt) {
+    const TwoLines program(false);
+    const std::uint64_t base = program.map.imageBase;
+    const PausePlace stands = PlaceOfPause(program.map, 0x2000, base + 0x1020, true);
+    EXPECT_EQ(std::pair(stands.address, stands.place.line), std::pair(base + 0x1020, 9U));
+    const PausePlace called = PlaceOfPause(program.map, 0x2000, base + 0x1020, false);
+    EXPECT_EQ(std::pair(called.address, called.place.line), std::pair(base + 0x1010, 7U));
+    const PausePlace library = PlaceOfPause(program.map, 0x2000, base + 0x9000, false);
+    EXPECT_EQ(std::pair(library.address, library.place.line), std::pair(base + 0x9000, 0U));
+}
+
+TEST(DebugRules, AStartRunsOnFromStopsThatAreNotItsOwn) {
+    using enum DebugAwaits;
+    EXPECT_TRUE(IsFalseStart({.awaits = FirstLine, .tries = 1, .ofLoader = true}));
+    EXPECT_FALSE(IsFalseStart({.awaits = FirstLine, .tries = 2, .ofLoader = true}))
+        << "a loader stops once more at most";
+    EXPECT_FALSE(IsFalseStart({.awaits = FirstLine, .tries = 1}));
+    EXPECT_TRUE(IsFalseStart({.awaits = FirstTrap, .tries = 63}));
+    EXPECT_FALSE(IsFalseStart({.awaits = FirstTrap, .tries = 64}));
+    EXPECT_FALSE(IsFalseStart({.awaits = FirstTrap, .tries = 1, .line = 5}));
+    EXPECT_EQ(StartText(FirstLine, kDebugStopped, 5), L"[Debug] Reached line 5.\n");
+    EXPECT_EQ(StartText(FirstLine, kDebugTimeout, 0), L"[Debug] Did not reach first source breakpoint (event 3).\n");
+    EXPECT_EQ(StartText(FirstLine, kDebugNoSession, 0), L"");
+}
+
+TEST(DebugRules, AnInstructionThatKeepsFailingIsHeld) {
+    DebugFaults faults;
+    int held = 0;
+    for (int i = 0; i < 40; ++i) held += HoldAtFault(&faults, true, 0x1000) ? 1 : 0;
+    EXPECT_EQ(held, 2);
+    for (int i = 0; i < 40; ++i) EXPECT_FALSE(HoldAtFault(&faults, false, 0x1000)) << "no fault";
+    for (std::uint64_t i = 0; i < 40; ++i) EXPECT_FALSE(HoldAtFault(&faults, true, 0x2000 + i % 2)) << "in turns";
+}
+
+TEST(DebugRules, StepsGoToTheNextAddress) {
+    using Kind = StepTarget::Kind;
+    const TwoLines program(false), native(true);
+    const std::uint64_t base = program.map.imageBase;
+    const StepTarget next = StepOverTarget(program.map, base + 0x1012);
+    EXPECT_EQ(std::tuple(next.kind, next.address, next.line), std::tuple(Kind::Address, base + 0x1020, 9U));
+    EXPECT_EQ(StepOverTarget(program.map, base + 0x1020).kind, Kind::NoFurtherLine);
+    EXPECT_EQ(StepOverTarget(program.map, base + 0x1000).kind, Kind::None);
+    EXPECT_EQ(StepOverTarget(program.map, 0x1000).kind, Kind::None) << "below the image";
+    EXPECT_EQ(StepOverTarget(native.map, base + 0x1000).kind, Kind::NextTrap);
+    EXPECT_EQ(StepTargetAt(program.map, 0).kind, Kind::None);
+    EXPECT_EQ(StepTargetAt(program.map, base + 0x1014).line, 7U);
+    EXPECT_EQ(RunTarget(program.map, 0, 7).kind, Kind::None);
+}
+
+// Memory of words, from an address on.
+struct Words {
+    std::uint64_t base;
+    std::vector<std::uint64_t> words;
+    MemoryReader Reader(std::size_t width = 8) const {
+        return [this, width](std::uint64_t address, void* out, std::size_t count) {
+            const std::uint64_t index = (address - base) / width;
+            if (address < base || count != width || index >= words.size()) return false;
+            std::memcpy(out, &words[index], count);
+            return true;
+        };
+    }
+};
+
+TEST(DebugStack, FollowsTheFramePointersUpwards) {
+    RegisterSet registers;
+    registers.ip = 0x100;
+    registers.general[kBp] = 0x8000;
+    const auto addresses = [&](const Words& stack, std::size_t width = 8) {
+        std::vector<std::uint64_t> all;
+        for (const FrameLink& frame : WalkFrames(registers, stack.Reader(width))) all.push_back(frame.address);
+        return all;
+    };
+    using List = std::vector<std::uint64_t>;
+    EXPECT_EQ(addresses({0x8000, {0x8010, 0x200, 0x9000, 0x300}}), (List{0x100, 0x200, 0x300}));
+    EXPECT_EQ(addresses({0x8000, {0x8000, 0x200}}), (List{0x100, 0x200})) << "it leads back to itself";
+    EXPECT_EQ(addresses({0x8000, {0x8010, 0}}), (List{0x100})) << "no return address";
+    EXPECT_EQ(addresses({0x4000, {}}), (List{0x100}));
+    Words endless{0x8000, {}};
+    for (std::uint64_t i = 0; i < 100; ++i) endless.words.insert(endless.words.end(), {0x8010 + 16 * i, 0x200 + i});
+    EXPECT_EQ(addresses(endless).size(), kMostFrames);
+    const std::wstring most = CallStackText(SdbgMap(), 0x8000, 0x100, endless.Reader());
+    EXPECT_TRUE(most.ends_with(L"  #31  0x21D  (no source info)\r\n"));
+    registers.x64 = false;
+    EXPECT_EQ(addresses({0x8000, {0x8008, 0x200, 0, 0x300}}, 4), (List{0x100, 0x200, 0x300}));
+
+    const TwoLines program(false);
+    EXPECT_EQ(CallStackText(program.map, 0x8000, 0x40001010, Words{0x8000, {0x8010, 0x40001024, 0, 0}}.Reader()),
+              L"Call Stack:\r\n  #0  0x40001010  line 7\r\n  #1  0x40001010  line 7\r\n  #2  0x40001024  line 9\r\n");
+}
+
+TEST(DebugStack, FindsAReturnAddressByItsCall) {
+    using Bytes = std::vector<std::uint8_t>;
+    const struct {
+        const char* name;
+        Bytes bytes;
+        bool call;
+    } cases[] = {
+        {"direct", {0, 0, 0xE8, 1, 2, 3, 4}, true},
+        {"through a register", {0, 0, 0, 0, 0, 0xFF, 0xD0}, true},
+        {"through memory", {0, 0xFF, 0x15, 1, 2, 3, 4}, true},
+        {"a jump through a register", {0, 0, 0, 0, 0, 0xFF, 0xE0}, false},
+        {"nothing", {0, 0, 0, 0, 0, 0, 0}, false},
+        {"too few", {0xFF, 0xD0}, false},
+    };
+    for (const auto& one : cases) EXPECT_EQ(EndsWithCall(one.bytes), one.call) << one.name;
+    const Bytes stack = {1, 0, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 9, 9};
+    const auto isTwo = [](std::uint64_t value) { return value == 2; };
+    EXPECT_EQ(FindReturnAddress(stack, 8, isTwo), 2U);
+    EXPECT_EQ(FindReturnAddress(stack, 8, [](std::uint64_t value) { return value > 2; }), std::nullopt)
+        << "half a word is none";
+}
+
+TEST(DebugTable, HidesItsTrapsFromWhoeverReadsAndWrites) {
+    BreakpointTable table{};
+    for (int i = 0; i < 3; ++i) {
+        DebugBreakpoint& entry = table[static_cast<std::size_t>(i)];
+        entry.address = 0x1000 + static_cast<std::uint64_t>(i) * 4;
+        entry.originalByte = static_cast<std::uint8_t>(0x50 + i);
+        entry.armed = i != 1 ? 1 : 0;
+    }
+    std::array<std::uint8_t, 8> bytes{};
+    ShowOriginalBytes(table, 3, 0x1001, bytes);
+    EXPECT_EQ(bytes, (std::array<std::uint8_t, 8>{0, 0, 0, 0, 0, 0, 0, 0x52})) << "only armed ones cover a byte";
+    bytes.fill(0x77);
+    EXPECT_EQ(NoteOverwritten(&table, 3, 0x1004, bytes), 0b100U);
+    EXPECT_EQ(table[0].originalByte, 0x50);
+    EXPECT_EQ(table[1].originalByte, 0x77);
+    EXPECT_EQ(FindInTable(table, 3, 0x1008), 2);
+    EXPECT_EQ(FindInTable(table, 2, 0x1008), -1) << "not in use";
+    EXPECT_EQ(RemoveFromTable(&table, 3, 0), 2);
+    EXPECT_EQ(FindInTable(table, 2, 0x1008), 1);
+    EXPECT_EQ(table[2].address, 0U);
+}
+
+TEST(DebugRegisters, AreShownInTheirWidthAndOrder) {
+    RegisterSet registers;
+    registers.general[0] = 0x2A;
+    registers.segments[5] = 0x2B;
+    registers.xmmHigh[0] = 1;
+    const auto shown = [&](std::wstring_view name) {
+        for (const RegisterRow& row : RegisterRows(registers))
+            if (row.name == name) return row.value;
+        return std::wstring(L"none");
+    };
+    EXPECT_EQ(RegisterRows(registers).size(), 16U + 2 + 6 + 16);
+    EXPECT_EQ(shown(L"RAX"), L"000000000000002A");
+    EXPECT_EQ(shown(L"SS"), L"002B");
+    EXPECT_EQ(shown(L"XMM0"), L"00000000000000010000000000000000");
+    EXPECT_EQ(shown(L"EAX"), L"none");
+    registers.x64 = false;
+    EXPECT_EQ(RegisterRows(registers).size(), 8U + 2 + 6 + 8);
+    EXPECT_EQ(shown(L"EAX"), L"0000002A");
+    EXPECT_EQ(shown(L"EIP"), L"00000000");
+    EXPECT_EQ(shown(L"RAX"), L"none");
 }
 
 }  // namespace

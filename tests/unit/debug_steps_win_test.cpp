@@ -119,6 +119,21 @@ TEST_P(DebugSteps, TheStatementUnderABreakpointRuns) {
     EXPECT_EQ(state.exitCode, 42u);
 }
 
+// A step that ends on a breakpoint of the user leaves it there, and stops once.
+TEST_P(DebugSteps, ABreakpointOnTheTargetStays) {
+    ASSERT_TRUE(Start("loop"));
+    ASSERT_TRUE(DebugSetBreakpoint(&state, 3));
+    const int count = state.breakpointCount;
+    EXPECT_EQ(Step(), 3);
+    EXPECT_EQ(state.breakpointCount, count);
+    ASSERT_GE(DebugFindBp(&state, AddressOf(3)), 0);
+    EXPECT_EQ(state.breakpoints[static_cast<std::size_t>(DebugFindBp(&state, AddressOf(3)))].hits, 1u);
+    ASSERT_TRUE(DebugContinue(&state));
+    EXPECT_EQ(Arrive(), 3) << "in the next turn of the loop";
+    EXPECT_EQ(Count(), 2u);
+    EXPECT_EQ(Step(), 4);
+}
+
 TEST_P(DebugSteps, TwoHundredStatements) {
     ASSERT_TRUE(Start("many"));
     ASSERT_EQ(state.currentLine, 2);

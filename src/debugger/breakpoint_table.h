@@ -1,0 +1,35 @@
+// The table of breakpoints of a session, as data: what stands where, and what covers the program's own bytes. Pure.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+
+inline constexpr int kMaxBreakpoints = 64;
+inline constexpr std::size_t kConditionCapacity = 64;  // bytes with the terminator
+
+struct DebugBreakpoint {
+    std::uint64_t address = 0;  // absolute
+    std::uint8_t originalByte = 0;
+    std::uint32_t line = 0;
+    std::uint32_t temporary = 0;              // removed when hit
+    char condition[kConditionCapacity] = {};  // UTF-8, empty: none
+    std::uint32_t fileId = 0;
+    std::uint32_t armed = 0;  // the byte CC stands in the program
+    std::uint32_t hits = 0;   // that were reported
+};
+using BreakpointTable = std::array<DebugBreakpoint, kMaxBreakpoints>;
+
+// Index of the entry at an address among the first `count`, or -1.
+int FindInTable(const BreakpointTable& table, int count, std::uint64_t address);
+// Removes an entry; later ones move down. Returns the new count.
+int RemoveFromTable(BreakpointTable* table, int count, int index);
+// Keeps at most 63 bytes of the condition; null clears it.
+void StoreCondition(DebugBreakpoint* breakpoint, const char* condition);
+
+// Puts the bytes that armed breakpoints cover back into `bytes`, which were read from the program at `address`.
+void ShowOriginalBytes(const BreakpointTable& table, int count, std::uint64_t address, std::span<std::uint8_t> bytes);
+// The program's bytes at `address` were overwritten by `bytes`: the entries there remember them. Returns the indexes of those
+// that are armed and whose trap byte must be written again, as a bit mask.
+std::uint64_t NoteOverwritten(BreakpointTable* table, int count, std::uint64_t address,
+                              std::span<const std::uint8_t> bytes);
