@@ -24,11 +24,6 @@
 
 namespace {
 
-HWND EditorOf(DocumentId document) {
-    const int index = TabBarFindDocument(document);
-    return index < 0 ? nullptr : TabAt(index).editor;
-}
-
 void OnDocumentActivated(DocumentId) {
     TabBarOnActivated();
     MainWindow_UpdateTitle();
@@ -45,11 +40,9 @@ void OnDocumentChanged(DocumentId document) {
 
 void OnDocumentClosed(DocumentId, int index) { TabBarOnClosed(index); }
 
-void OnTextLeaving(DocumentId document) { BreakpointsKeepLines(EditorOf(document)); }
-
 void OnTextArrived(DocumentId document) {
-    BreakpointsRestoreMarkers(EditorOf(document));
-    DebugRestoreLocation(EditorOf(document));
+    BreakpointsRestoreMarkers(document);
+    DebugRestoreLocation(document);
 }
 
 void OnSettingsChanged(const Settings& before) {
@@ -76,7 +69,7 @@ void MainWnd_ConnectEvents() {
     g_events.documentChanged = OnDocumentChanged;
     g_events.documentMoved = TabBarOnMoved;
     g_events.documentClosed = OnDocumentClosed;
-    g_events.textLeaving = OnTextLeaving;
+    g_events.textLeaving = BreakpointsKeepLines;
     g_events.textArrived = OnTextArrived;
     g_events.folderChosen = ProjectTreeOfferRoot;
     g_events.settingsChanged = OnSettingsChanged;

@@ -50,17 +50,17 @@ int LineOf(HWND editor, Sci_Position position) {
 }
 
 // The line in which something was inserted moves itself when that was at its start.
-void OnLinesMoved(HWND editor, const SCNotification& change) {
+void OnLinesMoved(HWND editor, DocumentId document, const SCNotification& change) {
     if (change.linesAdded == 0) return;
     const int line = LineOf(editor, change.position);
     const bool whole = change.linesAdded > 0 &&
                        SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line - 1)) == change.position;
-    BreakpointsOnLinesMoved(editor, whole ? line - 1 : line, static_cast<int>(change.linesAdded));
+    BreakpointsOnLinesMoved(document, whole ? line - 1 : line, static_cast<int>(change.linesAdded));
 }
 
-void OnMarginClick(HWND editor, const SCNotification& click) {
+void OnMarginClick(HWND editor, DocumentId document, const SCNotification& click) {
     if (click.margin != kMarginSymbols || DebugIsWaiting()) return;
-    BreakpointToggle(editor, LineOf(editor, click.position));
+    BreakpointToggle(document, LineOf(editor, click.position));
     MainWindow_RequestStateRefresh();
 }
 
@@ -82,12 +82,12 @@ bool IsInSymbolMargin(HWND editor, int x) {
 }
 
 // Over the margin: what is to be said of a breakpoint; over the text: the value of a register, while a program stands.
-void OnDwell(HWND editor, const SCNotification& dwell) {
+void OnDwell(HWND editor, DocumentId document, const SCNotification& dwell) {
     if (DebugIsWaiting()) return;
     const LRESULT place = SciSend(editor, SCI_POSITIONFROMPOINT, static_cast<WPARAM>(dwell.x), dwell.y);
     std::wstring tip;
     if (IsInSymbolMargin(editor, dwell.x)) {
-        tip = BreakpointTip(editor, LineOf(editor, place));
+        tip = BreakpointTip(document, LineOf(editor, place));
     } else if (dwell.position >= 0) {
         wchar_t text[128] = {};
         const std::wstring word = ShortWordAt(editor, dwell.position);
@@ -102,12 +102,13 @@ void OnEditorNotification(const SCNotification& notification) {
     HWND editor = static_cast<HWND>(notification.nmhdr.hwndFrom);
     const int tab = TabBarFindEditor(editor);
     if (tab < 0) return;
+    const DocumentId document = TabAt(tab).id;
     switch (notification.nmhdr.code) {
         case SCN_MODIFIED:
             EditorPaneOnModified(editor, notification);
-            OnLinesMoved(editor, notification);
+            OnLinesMoved(editor, document, notification);
             break;
-        case SCN_PAINTED: BreakpointsOnPainted(editor); break;
+        case SCN_PAINTED: BreakpointsOnPainted(document); break;
         case SCN_SAVEPOINTLEFT: OnSavePoint(tab, true); break;
         case SCN_SAVEPOINTREACHED: OnSavePoint(tab, false); break;
         case SCN_UPDATEUI:
@@ -115,8 +116,8 @@ void OnEditorNotification(const SCNotification& notification) {
                 OnCaretOrSelection();
             break;
         case SCN_ZOOM: OnZoom(editor); break;
-        case SCN_MARGINCLICK: OnMarginClick(editor, notification); break;
-        case SCN_DWELLSTART: OnDwell(editor, notification); break;
+        case SCN_MARGINCLICK: OnMarginClick(editor, document, notification); break;
+        case SCN_DWELLSTART: OnDwell(editor, document, notification); break;
         case SCN_DWELLEND: SciSend(editor, SCI_CALLTIPCANCEL); break;
         default: break;
     }

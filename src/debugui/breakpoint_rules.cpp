@@ -1,4 +1,4 @@
-// Matching, drawing and scrolling rules. Must not know an editor.
+// Conditions, matching of markers, and scrolling. Must not know an editor.
 #include "debugui/breakpoint_rules.h"
 
 #include "debugger/expressions.h"
@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::size_t kLongestCondition = 63;  // bytes, what the engine keeps of one
+constexpr std::size_t kLongestCondition = 63;  // bytes that the engine keeps
 
 }  // namespace
 
@@ -22,7 +22,7 @@ std::wstring ConditionNotice(std::string_view condition) {
     if (condition.empty()) return L"";
     const Condition parsed = ParseCondition(condition);
     if (parsed.op == Condition::Operator::None) return L"There is no comparison in it: it always stops.";
-    // Every 64-bit register is 1 here: a side that is not a number and still 0 is none of them as it is written.
+    // Every 64-bit register is 1 here. A side that gives 0 and is not a number therefore names no register.
     RegisterSet ones;
     ones.general.fill(1);
     ones.ip = 1;
@@ -76,12 +76,6 @@ MarkerMatch MatchMarkers(std::span<const KnownBreakpoint> known, std::span<const
 }
 
 int MovedLine(int line, int first, int added) { return line < first ? line : std::max(line + added, first - 1); }
-
-BreakpointLook LookOf(bool enabled, bool refused, bool conditional) {
-    if (!enabled) return BreakpointLook::Disabled;
-    if (refused) return BreakpointLook::Hollow;
-    return conditional ? BreakpointLook::Conditional : BreakpointLook::Plain;
-}
 
 int ScrollForStop(int firstVisible, int count, int stop, int context) {
     const int around = std::min(context, std::max(0, (count - 1) / 2));

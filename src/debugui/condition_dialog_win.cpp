@@ -1,4 +1,4 @@
-// The condition of a breakpoint. Modal, UI thread.
+// The dialog for a breakpoint's condition. Modal, UI thread only.
 #include "debugui/condition_dialog.h"
 
 #include "base/handles.h"
@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kLongestCondition = 128;  // characters; the bytes are counted afterwards
 
-struct Question {
+struct ConditionQuestion {
     const wchar_t* place;
     std::string* condition;
 };
@@ -25,7 +25,7 @@ std::string ReadCondition(HWND dialog) {
     return utf8 ? utf8.get() : "";
 }
 
-void Fill(HWND dialog, const Question& question) {
+void FillConditionDialog(HWND dialog, const ConditionQuestion& question) {
     SetDlgItemTextW(dialog, IDC_CONDITION_PLACE, question.place);
     const HWND line = GetDlgItem(dialog, IDC_CONDITION_TEXT);
     SendMessageW(line, EM_SETLIMITTEXT, kLongestCondition, 0);
@@ -35,7 +35,8 @@ void Fill(HWND dialog, const Question& question) {
     SetFocus(line);
 }
 
-// Also while typing, so that what will be refused is seen before.
+// Shows what is wrong with the condition, or what to know about it. Called while typing, too, so that the user sees a
+// problem before OK refuses it. True: there is a problem.
 bool ShowProblem(HWND dialog) {
     const std::string condition = ReadCondition(dialog);
     const std::wstring problem = ConditionProblem(condition);
@@ -44,28 +45,33 @@ bool ShowProblem(HWND dialog) {
     return !problem.empty();
 }
 
+INT_PTR ColourOfProblem(HDC dc, HWND control) {
+    if (GetDlgCtrlID(control) != IDC_CONDITION_PROBLEM) return FALSE;
+    SetTextColor(dc, RGB(176, 0, 0));
+    SetBkMode(dc, TRANSPARENT);
+    return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_BTNFACE));
+}
+
+void OnConditionCommand(HWND dialog, int control, int notification) {
+    if (control == IDC_CONDITION_TEXT && notification == EN_CHANGE) {
+        ShowProblem(dialog);
+    } else if (control == IDOK && !ShowProblem(dialog)) {
+        *reinterpret_cast<const ConditionQuestion*>(GetWindowLongPtrW(dialog, DWLP_USER))->condition =
+            ReadCondition(dialog);
+        EndDialog(dialog, IDOK);
+    } else if (control == IDCANCEL) {
+        EndDialog(dialog, IDCANCEL);
+    }
+}
+
 INT_PTR CALLBACK CondBpDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_INITDIALOG:
             SetWindowLongPtrW(dialog, DWLP_USER, lParam);
-            Fill(dialog, *reinterpret_cast<const Question*>(lParam));
+            FillConditionDialog(dialog, *reinterpret_cast<const ConditionQuestion*>(lParam));
             return FALSE;  // the focus is set already
-        case WM_CTLCOLORSTATIC:
-            if (GetDlgCtrlID(reinterpret_cast<HWND>(lParam)) != IDC_CONDITION_PROBLEM) return FALSE;
-            SetTextColor(reinterpret_cast<HDC>(wParam), RGB(176, 0, 0));
-            SetBkMode(reinterpret_cast<HDC>(wParam), TRANSPARENT);
-            return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_BTNFACE));
-        case WM_COMMAND:
-            if (LOWORD(wParam) == IDC_CONDITION_TEXT && HIWORD(wParam) == EN_CHANGE) {
-                ShowProblem(dialog);
-            } else if (LOWORD(wParam) == IDOK && !ShowProblem(dialog)) {
-                *reinterpret_cast<const Question*>(GetWindowLongPtrW(dialog, DWLP_USER))->condition =
-                    ReadCondition(dialog);
-                EndDialog(dialog, IDOK);
-            } else if (LOWORD(wParam) == IDCANCEL) {
-                EndDialog(dialog, IDCANCEL);
-            }
-            return TRUE;
+        case WM_CTLCOLORSTATIC: return ColourOfProblem(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
+        case WM_COMMAND: OnConditionCommand(dialog, LOWORD(wParam), HIWORD(wParam)); return TRUE;
         default: return FALSE;
     }
 }
@@ -73,7 +79,7 @@ INT_PTR CALLBACK CondBpDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM 
 }  // namespace
 
 bool AskCondition(HWND owner, const wchar_t* place, std::string* condition) {
-    Question question{.place = place, .condition = condition};
+    ConditionQuestion question{.place = place, .condition = condition};
     const INT_PTR answer = DialogBoxParamW(g_ui.hInstance, MAKEINTRESOURCEW(IDD_CONDITION), owner, CondBpDlgProc,
                                            reinterpret_cast<LPARAM>(&question));
     if (answer == -1) AppLogMsg(L"FAIL: AskCondition error=%lu", GetLastError());

@@ -103,19 +103,19 @@ void SayInstruction() {
 void AskForCondition() {
     const DocumentTab* document = ActiveDocument();
     if (document == nullptr) return;
-    HWND editor = document->editor;
+    const DocumentId id = document->id;
     const int line = CaretLine();
     const std::wstring place = FormatW(L"%s:%d", document->label, line);
-    const int existing = BreakpointAt(editor, line, false);
+    const int existing = BreakpointAt(id, line, false);
     std::string condition =
         existing >= 0 ? BreakpointList()[static_cast<std::size_t>(existing)].condition : std::string();
     if (!AskCondition(g_ui.hMainWnd, place.c_str(), &condition)) return;
-    const int index = BreakpointAt(editor, line, true);
+    const int index = BreakpointAt(id, line, true);
     if (index >= 0) BreakpointSetCondition(static_cast<std::size_t>(index), condition);
 }
 
 void SwitchBreakpoint() {
-    const int index = BreakpointAt(g_documents.hEditor, CaretLine(), false);
+    const int index = BreakpointAt(ActiveDocumentId(), CaretLine(), false);
     if (index < 0) {
         g_events.statusText(L"No breakpoint on this line (F9 sets one)");
         return;
@@ -152,7 +152,7 @@ bool HandleRun(int command) {
 
 bool HandleBreakpoints(int command) {
     switch (command) {
-        case IDM_DEBUG_BREAKPOINT: BreakpointToggle(g_documents.hEditor, CaretLine()); return true;
+        case IDM_DEBUG_BREAKPOINT: BreakpointToggle(ActiveDocumentId(), CaretLine()); return true;
         case IDM_DEBUG_CONDITIONAL: AskForCondition(); return true;
         case IDM_DEBUG_ENABLE_BREAKPOINT: SwitchBreakpoint(); return true;
         case IDM_DEBUG_REMOVE_BREAKPOINTS: BreakpointRemoveAll(); return true;

@@ -1,6 +1,7 @@
-// Signs of breakpoints that nobody sees: marker 10 on the header line of a folded block that has some in it. UI thread
-// only.
+// Signs of breakpoints that a folded block hides: marker 10 on the header line of the block. UI thread only.
 #pragma once
+
+#include "base/events.h"
 
 #include <windows.h>
 
@@ -9,7 +10,9 @@
 // The line that stands for a hidden one: the header of the outermost folded block around it. All lines from 0; -1: the
 // line is not hidden.
 int FoldHeaderOf(HWND editor, int line);
-// Puts the signs of an editor right; cheap while they are, so it may be asked after every paint.
-void FoldSignsUpdate(HWND editor, std::span<const int> breakpointLines);
+// Puts the signs of a document right. Costs little while they are right, so it may be called after every paint.
+void FoldSignsUpdate(DocumentId document, HWND editor, std::span<const int> breakpointLines);
 // The editor moved its markers with an edit (MovedLine).
-void FoldSignsOnLinesMoved(HWND editor, int first, int added);
+void FoldSignsOnLinesMoved(DocumentId document, int first, int added);
+// The document loses its editor or its text, and its signs with it.
+void FoldSignsForget(DocumentId document);

@@ -1,5 +1,5 @@
-// Which lines carry the sign is remembered here and follows the edits: looking for markers would cost a pass over the
-// whole text. UI thread only.
+// Signs of folded breakpoints. Which lines carry one is remembered here and follows the edits, because looking for the
+// markers would cost a pass over the whole text. UI thread only.
 #include "debugui/fold_signs.h"
 
 #include "debugui/breakpoint_rules.h"
@@ -11,28 +11,30 @@
 
 namespace {
 
-struct Signs {
-    HWND editor;
+struct FoldSigns {
+    DocumentId document = 0;
     std::vector<int> lines;  // in order
 };
-std::vector<Signs> g_signs;  // of the editors that have any
+std::vector<FoldSigns> g_signs;  // of the documents that have any
 
-LRESULT Ask(HWND editor, UINT message, int line, LPARAM more = 0) {
+LRESULT AskLine(HWND editor, UINT message, int line, LPARAM more = 0) {
     return SciSend(editor, message, static_cast<WPARAM>(line), more);
 }
 
-bool HasSign(HWND editor, int line) { return (Ask(editor, SCI_MARKERGET, line) >> kMarkFolded & 1) != 0; }
+bool HasSign(HWND editor, int line) { return (AskLine(editor, SCI_MARKERGET, line) >> kMarkFolded & 1) != 0; }
+
+auto SignsOf(DocumentId document) { return std::ranges::find(g_signs, document, &FoldSigns::document); }
 
 }  // namespace
 
 int FoldHeaderOf(HWND editor, int line) {
-    if (Ask(editor, SCI_GETLINEVISIBLE, line) != 0) return -1;
-    // A hidden line takes no room: it counts as the row behind the last one that is shown before it.
-    const auto row = static_cast<int>(Ask(editor, SCI_VISIBLEFROMDOCLINE, line));
-    return static_cast<int>(Ask(editor, SCI_DOCLINEFROMVISIBLE, row - 1));
+    if (AskLine(editor, SCI_GETLINEVISIBLE, line) != 0) return -1;
+    // A hidden line takes no room: SCI_VISIBLEFROMDOCLINE gives it the row after the last shown line before it.
+    const auto row = static_cast<int>(AskLine(editor, SCI_VISIBLEFROMDOCLINE, line));
+    return static_cast<int>(AskLine(editor, SCI_DOCLINEFROMVISIBLE, row - 1));
 }
 
-void FoldSignsUpdate(HWND editor, std::span<const int> breakpointLines) {
+void FoldSignsUpdate(DocumentId document, HWND editor, std::span<const int> breakpointLines) {
     std::vector<int> headers;
     for (const int line : breakpointLines) {
         const int header = FoldHeaderOf(editor, line);
@@ -41,24 +43,28 @@ void FoldSignsUpdate(HWND editor, std::span<const int> breakpointLines) {
     std::ranges::sort(headers);
     headers.erase(std::unique(headers.begin(), headers.end()), headers.end());
     const auto hasSign = [editor](int line) { return HasSign(editor, line); };
-    const auto known = std::ranges::find(g_signs, editor, &Signs::editor);
+    const auto known = SignsOf(document);
     std::vector<int> old;
     if (known != g_signs.end()) {
         if (known->lines == headers && std::ranges::all_of(headers, hasSign)) return;
         old = std::move(known->lines);
         g_signs.erase(known);
     }
-    // One that is not where it should be was taken along by an edit of several lines.
+    // A sign that is not where it should be was moved by an edit of several lines; nobody knows where to.
     const bool lost = !std::ranges::all_of(old, hasSign);
     if (lost) SciSend(editor, SCI_MARKERDELETEALL, kMarkFolded);
-    for (const int line : old) Ask(editor, SCI_MARKERDELETE, line, kMarkFolded);
+    for (const int line : old) AskLine(editor, SCI_MARKERDELETE, line, kMarkFolded);
     if (headers.empty()) return;
-    for (const int line : headers) Ask(editor, SCI_MARKERADD, line, kMarkFolded);
-    g_signs.push_back({editor, std::move(headers)});
+    for (const int line : headers) AskLine(editor, SCI_MARKERADD, line, kMarkFolded);
+    g_signs.push_back({document, std::move(headers)});
 }
 
-void FoldSignsOnLinesMoved(HWND editor, int first, int added) {
-    const auto known = std::ranges::find(g_signs, editor, &Signs::editor);
+void FoldSignsOnLinesMoved(DocumentId document, int first, int added) {
+    const auto known = SignsOf(document);
     if (known == g_signs.end()) return;
     for (int& line : known->lines) line = MovedLine(line, first, added);
+}
+
+void FoldSignsForget(DocumentId document) {
+    if (const auto known = SignsOf(document); known != g_signs.end()) g_signs.erase(known);
 }

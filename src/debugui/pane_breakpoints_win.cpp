@@ -40,6 +40,7 @@ std::wstring BreakpointStateText(const UserBreakpoint& breakpoint) {
 }
 
 void FillBreakpoints(PaneContent& content) {
+    BreakpointsUpdate();
     for (const UserBreakpoint& breakpoint : BreakpointList()) {
         ListRow row;
         row.cells = {BreakpointPlaceText(breakpoint), Utf8ToWideText(breakpoint.condition),

@@ -72,18 +72,19 @@ std::string ToUtf8(const wchar_t* text) {
 
 std::uint64_t Position(HWND editor, UINT message) { return static_cast<std::uint64_t>(SciSend(editor, message)); }
 
-std::vector<SessionBreakpoint> BreakpointRulesOf(HWND editor) {
+std::vector<SessionBreakpoint> BreakpointRulesOf(DocumentId document) {
     std::vector<SessionBreakpoint> rules;
+    BreakpointsUpdate();
     for (const UserBreakpoint& breakpoint : BreakpointList())
-        if (breakpoint.editor == editor && (!breakpoint.enabled || !breakpoint.condition.empty()))
+        if (breakpoint.document == document && (!breakpoint.enabled || !breakpoint.condition.empty()))
             rules.push_back({breakpoint.line - 1, breakpoint.enabled, breakpoint.condition});
     return rules;
 }
 
 // Of a breakpoint that is there: a line without one gets none. A condition that could not have been entered is none.
-void ApplyBreakpointRule(HWND editor, const SessionBreakpoint& rule) {
+void ApplyBreakpointRule(DocumentId document, const SessionBreakpoint& rule) {
     const int line = std::clamp(rule.line, -1, std::numeric_limits<std::int32_t>::max() - 1) + 1;
-    const int index = BreakpointAt(editor, line, false);
+    const int index = BreakpointAt(document, line, false);
     if (index < 0) return;
     if (ConditionProblem(rule.condition).empty())
         BreakpointSetCondition(static_cast<std::size_t>(index), rule.condition);
@@ -101,7 +102,7 @@ SessionFile CaptureFile(const DocumentTab& tab) {
         file.selectionEnd = Position(tab.editor, SCI_GETSELECTIONEND);
         file.bookmarks = MarkedLines(tab.editor, kMarkBookmark);
         file.breakpoints = MarkedLines(tab.editor, kMarkBreakpoint);
-        file.rules = BreakpointRulesOf(tab.editor);
+        file.rules = BreakpointRulesOf(tab.id);
     }
     return file;
 }
@@ -160,7 +161,9 @@ void ApplyFileItem(const SessionItem& item) {
         case SessionKey::SelectionEnd: SciSend(editor, SCI_SETSELECTIONEND, position); break;
         case SessionKey::Bookmarks: AddMarkers(editor, item.text, kMarkBookmark); break;
         case SessionKey::Breakpoints: AddMarkers(editor, item.text, kMarkBreakpoint); break;
-        case SessionKey::BreakpointRule: ApplyBreakpointRule(editor, SessionParseRule(item.text)); break;
+        case SessionKey::BreakpointRule:
+            ApplyBreakpointRule(DocumentOfEditor(editor), SessionParseRule(item.text));
+            break;
         default: break;
     }
 }

@@ -1,8 +1,11 @@
-// Breakpoints and their markers, conditions, scrolling to a stop, paths of a line map.
+// Breakpoints as data, conditions, what is shown of a stop.
 #include "debugui/breakpoint_rules.h"
+#include "debugui/breakpoints.h"
+#include "debugui/stop_view.h"
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -68,13 +71,6 @@ TEST(Breakpoints, MeetTheirMarkersAgain) {
     for (const auto& c : cases) EXPECT_EQ(Describe(MatchMarkers(c.known, c.markers)), c.expected) << c.name;
 }
 
-TEST(Breakpoints, TheLookSaysTheWorstFirst) {
-    EXPECT_EQ(LookOf(true, false, false), BreakpointLook::Plain);
-    EXPECT_EQ(LookOf(true, false, true), BreakpointLook::Conditional);
-    EXPECT_EQ(LookOf(true, true, true), BreakpointLook::Hollow);
-    EXPECT_EQ(LookOf(false, true, true), BreakpointLook::Disabled);
-}
-
 TEST(Stop, ScrollsOnlyWhenLinesAroundItAreMissing) {
     const struct {
         const char* name;
@@ -95,6 +91,143 @@ TEST(Breakpoints, LinesMoveWithEdits) {
     } cases[] = {{4, 5, 3, 4}, {5, 5, 3, 8}, {9, 5, -2, 7}, {6, 5, -2, 4}, {5, 5, -2, 4}, {4, 5, -2, 4}};
     for (const auto& each : cases)
         EXPECT_EQ(MovedLine(each.line, each.first, each.added), each.now) << each.line << " " << each.added;
+}
+
+// A program whose code is known by line, with room for so many breakpoints.
+struct FakeProgram {
+    std::map<int, std::uint64_t> code;  // of "a.bas", which is file 1
+    std::size_t room = 64;
+    bool writable = true;
+    std::map<std::uint64_t, std::string> planted;  // conditions by address
+
+    BreakpointTarget Target() {
+        return {.find = [this](const std::wstring& path, int line) -> CodePlace {
+                    if (path != L"a.bas") return {};
+                    return {.fileId = 1, .address = code.contains(line) ? code[line] : 0};
+                },
+                .plant =
+                    [this](std::uint32_t, int line) {
+                        if (planted.size() >= room) return PlantResult::TableFull;
+                        if (!writable) return PlantResult::NotWritable;
+                        planted[code[line]];
+                        return PlantResult::Planted;
+                    },
+                .remove = [this](std::uint64_t address) { planted.erase(address); },
+                .setCondition = [this](std::uint64_t address, const std::string& text) { planted[address] = text; },
+                .hits = [this](std::uint64_t address) { return planted.contains(address) ? 2 : -1; }};
+    }
+};
+
+UserBreakpoints ListOf(std::initializer_list<int> lines, const std::wstring& path = L"a.bas", DocumentId document = 1) {
+    UserBreakpoints list;
+    for (const int line : lines) {
+        list.emplace_back();
+        list.back().path = path;
+        list.back().line = line;
+        list.back().document = document;
+        list.back().handle = 100 + line;
+    }
+    return list;
+}
+
+// Line and look of each: plain, hollow, disabled, conditional.
+std::wstring Shown(const UserBreakpoints& list) {
+    std::wstring text;
+    for (const UserBreakpoint& each : list)
+        text += std::to_wstring(each.line) + L"PHDC"[static_cast<int>(LookOfBreakpoint(each))] + L" ";
+    return text;
+}
+
+TEST(Breakpoints, AProgramTakesThoseThatItCan) {
+    FakeProgram program{.code = {{2, 0x1002}, {3, 0x1003}, {4, 0x1003}, {7, 0x1007}}};
+    UserBreakpoints list = ListOf({2, 3, 4, 5, 7});
+    list[0].condition = "RAX==1";
+    list[4].enabled = false;
+    list.push_back(ListOf({2}, L"other.bas", 2).front());
+    PlantAllBreakpoints(&list, program.Target());
+    EXPECT_EQ(Shown(list), L"2C 3P 4H 5H 7D 2H ");
+    EXPECT_EQ(program.planted, (std::map<std::uint64_t, std::string>{{0x1002, "RAX==1"}, {0x1003, ""}}));
+    EXPECT_EQ(list[2].reason, L"Has the same code as line 3, which stops there.");
+    EXPECT_EQ(BreakpointTipText(list[3], L""), L"No code on this line: never stops here.");
+    EXPECT_EQ(BreakpointTipText(list[5], L""), L"This file is not part of the program.");
+    ReadHits(&list, program.Target());
+    EXPECT_EQ(BreakpointTipText(list[0], L"RAX==1"), L"Stops if RAX==1. Hit 2 times.");
+    EXPECT_EQ(list[2].hits, 0U);
+    EXPECT_EQ(BreakpointTipText(list[4], L"x"), L"Switched off (Debug > Enable or Disable Breakpoint).");
+
+    ForgetBreakpoint(&list, 1, program.Target());
+    EXPECT_EQ(PlantSharers(&list, program.Target()), std::vector<DocumentId>{1}) << "line 4 takes the place of line 3";
+    EXPECT_EQ(Shown(list), L"2C 4P 5H 7D 2H ");
+    EXPECT_EQ(program.planted.size(), 2U);
+
+    IdleBreakpoints(&list);
+    EXPECT_EQ(Shown(list), L"2C 4P 5P 7D 2P ");
+    for (const UserBreakpoint& each : list) EXPECT_TRUE(each.address == 0 && each.shares == 0 && each.reason.empty());
+    EXPECT_EQ(program.planted.size(), 2U) << "its program is gone, with all that was planted there";
+
+    FakeProgram full{.code = {{2, 1}, {4, 2}}, .room = 1}, readOnly{.code = {{2, 1}, {4, 2}}, .writable = false};
+    PlantAllBreakpoints(&list, full.Target());
+    EXPECT_EQ(list[0].status, BreakpointStatus::Planted);
+    EXPECT_EQ(list[1].reason, L"Not set: the program has 64 breakpoints already.");
+    PlantAllBreakpoints(&list, readOnly.Target());
+    EXPECT_EQ(list[0].reason, L"Not set: the program's memory could not be written.");
+}
+
+TEST(Breakpoints, FollowTheMarkersOfTheirDocuments) {
+    FakeProgram program{.code = {{3, 3}, {6, 6}, {9, 9}}};
+    UserBreakpoints list = ListOf({3, 5});
+    PlantAllBreakpoints(&list, program.Target());
+    // The second went, the first moved, one is new, and a line has one too many.
+    const MarkerMerge merge =
+        MergeMarkers(&list, {.document = 1, .path = L"a.bas", .markers = {{103, 6}, {8, 9}, {9, 9}}}, program.Target());
+    EXPECT_TRUE(merge.changed);
+    EXPECT_EQ(merge.surplus, std::vector<int>{9});
+    SortBreakpoints(&list);
+    EXPECT_EQ(Shown(list), L"6P 9P ");
+    EXPECT_TRUE(program.planted.contains(9)) << "a new one is planted at once";
+    EXPECT_FALSE(MergeMarkers(&list, {.document = 2, .path = L"b.bas", .markers = {}}, {}).changed);
+
+    EXPECT_TRUE(MoveBreakpointLines(&list, 1, 6, 2));
+    EXPECT_FALSE(MoveBreakpointLines(&list, 2, 0, 5)) << "of another document";
+    EXPECT_EQ(FindBreakpoint(list, 1, 11), 1);
+    EXPECT_EQ(FindBreakpoint(list, 2, 11), -1);
+
+    // Closed, they keep their lines for the file; in an untitled document nobody would find them again.
+    list.push_back(ListOf({4}, L"", 3).front());
+    DetachClosedDocuments(&list, [](DocumentId document) { return document != 1; });
+    EXPECT_TRUE(BelongsToDocument(list[0], 7, L"A.BAS"));
+    EXPECT_FALSE(BelongsToDocument(list[0], 7, L""));
+    EXPECT_FALSE(BelongsToDocument(list[2], 7, L"a.bas")) << "it is in document 3";
+    DetachDocument(&list, 3, program.Target());
+    EXPECT_EQ(Shown(list), L"6P 11P ");
+    MergeMarkers(&list, {.document = 7, .path = L"A.bas", .markers = {{1, 6}, {2, 11}}}, {});
+    EXPECT_EQ(FindBreakpoint(list, 7, 11), 1);
+}
+
+TEST(Breakpoints, FoldedOnesAreNamed) {
+    EXPECT_EQ(FoldedTipText({}), L"");
+    EXPECT_EQ(FoldedTipText(std::vector{4}), L"Breakpoint on the folded line 5.");
+    EXPECT_EQ(FoldedTipText(std::vector{4, 8}), L"Breakpoints on the folded lines 5, 9.");
+}
+
+TEST(Stop, IsNamedByItsLineOrItsAddress) {
+    EXPECT_EQ(StopPlaceOf(12, 3, false, 0, 0).line, 12);
+    EXPECT_EQ(StopPlaceOf(0, 0, true, 4, 9).fileId, 4U) << "a trap of the program's own, on a line";
+    EXPECT_EQ(StopPlaceOf(0, 0, true, 4, 0x80000000).line, 0) << "no line of a source";
+    EXPECT_EQ(StopPlaceText(L"a.bas", 12, 0x1000, true), L"a.bas:12");
+    EXPECT_EQ(StopPlaceText(L"", 0, 0x140001000, true), L"0x0000000140001000, no source");
+    EXPECT_EQ(StopPlaceText(L"", 0, 0x401000, false), L"0x00401000, no source");
+}
+
+TEST(Stop, WarnsOnceOfASourceThatIsNotTheProgram) {
+    StaleWarnings warnings;
+    EXPECT_TRUE(NewStaleWarnings(&warnings, L"a.bas", {}).empty());
+    EXPECT_EQ(NewStaleWarnings(&warnings, L"a.bas", {.newer = true}).size(), 1U);
+    EXPECT_EQ(
+        NewStaleWarnings(&warnings, L"a.bas", {.newer = true, .unsaved = true}),
+        std::vector<std::wstring>{L"[Debug] a.bas has changes that are not saved: the program runs without them.\n"});
+    EXPECT_TRUE(NewStaleWarnings(&warnings, L"a.bas", {.newer = true, .unsaved = true}).empty());
+    EXPECT_EQ(NewStaleWarnings(&warnings, L"b.bas", {.newer = true}).size(), 1U);
 }
 
 }  // namespace

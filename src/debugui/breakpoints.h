@@ -1,0 +1,106 @@
+// The user's breakpoints as data: how they follow the markers of the open files, and which of them the debugged program
+// takes. Knows neither editor nor process; both are asked through what the caller hands in. Pure.
+#pragma once
+
+#include "base/events.h"
+#include "debugui/breakpoint_rules.h"
+
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+#include <vector>
+
+enum class BreakpointStatus : std::uint8_t {
+    Idle,      // no session runs
+    Planted,   // in the program
+    NoCode,    // refused: its line has no code, or its file is not part of the program; `reason` says which
+    Refused,   // refused for another reason: table full, memory not writable, the address belongs to another line
+    Disabled,  // switched off by the user
+};
+
+struct UserBreakpoint {
+    std::wstring path;      // full path of the file; empty for an untitled document
+    int line = 0;           // from 1
+    std::string condition;  // UTF-8, at most 63 bytes, empty: none
+    bool enabled = true;
+    BreakpointStatus status = BreakpointStatus::Idle;
+    std::wstring reason;        // why it was refused, for the tooltip
+    std::uint64_t address = 0;  // in the program, while planted
+    std::uint64_t shares = 0;   // refused, because another line's breakpoint stands at this address
+    std::uint32_t hits = 0;     // in this session
+    DocumentId document = 0;    // while the file is open
+    int handle = -1;            // of its marker in that document
+};
+using UserBreakpoints = std::vector<UserBreakpoint>;
+
+// Where a line's code is in the program.
+struct CodePlace {
+    std::uint32_t fileId = 0;   // 0: the file is not part of the program
+    std::uint64_t address = 0;  // 0: the line has no code
+};
+
+enum class PlantResult : std::uint8_t { Planted, TableFull, NotWritable };
+
+// The debugged program, as far as breakpoints need it. Without a session all members are empty.
+struct BreakpointTarget {
+    std::function<CodePlace(const std::wstring& path, int line)> find;
+    std::function<PlantResult(std::uint32_t fileId, int line)> plant;
+    std::function<void(std::uint64_t address)> remove;
+    std::function<void(std::uint64_t address, const std::string& condition)> setCondition;
+    std::function<int(std::uint64_t address)> hits;  // of the breakpoint there; -1: there is none
+
+    bool IsThere() const { return static_cast<bool>(find); }
+};
+
+// An open document and the breakpoint markers that its editor has.
+struct MarkedDocument {
+    DocumentId document = 0;
+    std::wstring path;  // empty while untitled
+    std::vector<MarkerPlace> markers;
+};
+
+// --- The list and the markers
+// Takes over what edits did to the markers of one document: lines that moved, markers that came or went. New ones are
+// planted.
+struct MarkerMerge {
+    std::vector<int> surplus;  // handles of second markers on a line, to be deleted from the editor
+    bool changed = false;      // a breakpoint came or a marker must go: looks are to be drawn again
+};
+MarkerMerge MergeMarkers(UserBreakpoints* list, const MarkedDocument& marked, const BreakpointTarget& target);
+// Forgets the documents that are not open any more.
+void DetachClosedDocuments(UserBreakpoints* list, const std::function<bool(DocumentId)>& isOpen);
+// The document loses its editor or its text: its breakpoints keep their lines until the file is there again. Those of an
+// untitled document go, because nobody could find them again.
+void DetachDocument(UserBreakpoints* list, DocumentId document, const BreakpointTarget& target);
+// True when the breakpoint is in that document, or waits for a document with that path (empty: untitled).
+bool BelongsToDocument(const UserBreakpoint& breakpoint, DocumentId document, const std::wstring& path);
+// By file, then by line.
+void SortBreakpoints(UserBreakpoints* list);
+// Index of the breakpoint on a line (from 1) of an open document, or -1.
+int FindBreakpoint(const UserBreakpoints& list, DocumentId document, int line);
+// An edit moved the lines from `first` (from 0) on by `added`. True when a breakpoint moved.
+bool MoveBreakpointLines(UserBreakpoints* list, DocumentId document, int first, int added);
+
+// --- The list and the program
+// Plants one breakpoint anew, or says in `status` and `reason` why not. Without a session it becomes idle.
+void PlantBreakpoint(UserBreakpoints* list, UserBreakpoint* breakpoint, const BreakpointTarget& target);
+// A session begins: plants all.
+void PlantAllBreakpoints(UserBreakpoints* list, const BreakpointTarget& target);
+// Plants those whose address another line held and holds no longer. Returns the documents in which looks changed.
+std::vector<DocumentId> PlantSharers(UserBreakpoints* list, const BreakpointTarget& target);
+// Takes a breakpoint out of the program and out of the list.
+void ForgetBreakpoint(UserBreakpoints* list, std::size_t index, const BreakpointTarget& target);
+// The session has ended, its program is gone: all are idle.
+void IdleBreakpoints(UserBreakpoints* list);
+// Reads how often each was hit.
+void ReadHits(UserBreakpoints* list, const BreakpointTarget& target);
+// The breakpoint that stands at an address of the program, or null.
+UserBreakpoint* BreakpointAtAddress(UserBreakpoints* list, std::uint64_t address);
+
+// --- What is shown
+BreakpointLook LookOfBreakpoint(const UserBreakpoint& breakpoint);
+// The tooltip of a breakpoint; `condition` is its condition as wide text. Empty: there is nothing to say.
+std::wstring BreakpointTipText(const UserBreakpoint& breakpoint, const std::wstring& condition);
+// The tooltip of a folded block that hides breakpoints on these lines (from 0). Empty for none.
+std::wstring FoldedTipText(std::span<const int> lines);

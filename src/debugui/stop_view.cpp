@@ -1,0 +1,31 @@
+// Texts of a stop. Must not know an editor or a process.
+#include "debugui/stop_view.h"
+
+#include "base/hex_text.h"
+
+#include <algorithm>
+
+StopPlace StopPlaceOf(std::int32_t currentLine, std::uint32_t currentFileId, bool found, std::uint32_t fileId,
+                      std::uint32_t line) {
+    if (currentLine > 0) return {.fileId = currentFileId, .line = currentLine};
+    if (!found || line > kLastMapLine) return {};
+    return {.fileId = fileId, .line = static_cast<int>(line)};
+}
+
+std::wstring StopPlaceText(const std::wstring& fileName, int line, std::uint64_t address, bool x64) {
+    if (fileName.empty()) return L"0x" + HexText(address, x64 ? 16 : 8) + L", no source";
+    return fileName + L":" + std::to_wstring(line);
+}
+
+std::vector<std::wstring> NewStaleWarnings(StaleWarnings* warnings, const std::wstring& fileName, SourceAge age) {
+    std::vector<std::wstring> news;
+    const auto say = [&](const wchar_t* what) {
+        std::wstring text = L"[Debug] " + fileName + what;
+        if (std::ranges::find(warnings->said, text) != warnings->said.end()) return;
+        warnings->said.push_back(text);
+        news.push_back(std::move(text));
+    };
+    if (age.newer) say(L" is newer than the program: its lines may not be those that run.\n");
+    if (age.unsaved) say(L" has changes that are not saved: the program runs without them.\n");
+    return news;
+}
