@@ -44,6 +44,7 @@ void RouteTimer(HWND window, UINT_PTR id) {
         case TIMER_AUTO_SAVE: MainWnd_OnAutoSaveTimer(); break;
         case TIMER_SESSION: SessionAutoSave(window); break;
         case TIMER_DEBUG: DebugOnTimer(); break;
+        case TIMER_DEBUG_CONSOLE: DebugOnConsoleTimer(); break;
         case TIMER_FOCUS: FocusOnTimer(); break;
         case TIMER_OUTPUT: MainWnd_OnOutputTimer(); break;
         case TIMER_BUILD: BuildOnTimer(); break;

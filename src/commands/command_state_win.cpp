@@ -5,8 +5,7 @@
 #include "commands/toolbar.h"
 #include "compile/build.h"
 #include "compile/compile_state.h"
-#include "debugger/debug_state.h"
-#include "debugui/debug_commands.h"
+#include "debugui/debug_run.h"
 #include "debugui/debugui_state.h"
 #include "disasm/disasm_state.h"
 #include "documents/document_row.h"
@@ -38,14 +37,10 @@ std::uint32_t EditorConditions() {
 }
 
 std::uint32_t DebugConditions() {
-    if (!g_debug.debugging) return kNoSession;
-    if (DebugIsWaiting()) return kSession;  // the program starts: only Stop
-    switch (g_debugger.run) {
-        case DebugRun::Stopped: return kSession | kProgramStopped;
-        case DebugRun::Running: return kSession | kProgramRunning;
-        case DebugRun::None: break;
-    }
-    return kSession;
+    const DebugFlow& flow = DebugFlowNow();
+    if (flow.phase == DebugPhase::None) return kNoSession;
+    if (FlowIsStopped(flow)) return kSession | kProgramStopped;
+    return FlowIsRunning(flow) ? kSession | kProgramRunning : static_cast<std::uint32_t>(kSession);  // else only Stop
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "commands/toolbar_fit.h"
 #include "commands/toolbar_internal.h"
 #include "commands/toolbar_table.h"
+#include "debugui/debug_commands.h"
 #include "resources/ids.h"
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
@@ -333,7 +334,8 @@ bool ToolbarHandleNotify(const NMHDR& header, LRESULT* result) {
         return true;
     }
     if (header.code == TBN_DROPDOWN) {
-        ShowMenuOf(reinterpret_cast<const NMTOOLBARW&>(header).iItem);
+        // A menu has a message loop of its own, and while a program starts nothing may run but Stop.
+        if (!DebugIsWaiting()) ShowMenuOf(reinterpret_cast<const NMTOOLBARW&>(header).iItem);
         *result = TBDDRET_DEFAULT;
         return true;
     }

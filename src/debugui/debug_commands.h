@@ -3,20 +3,22 @@
 
 #include <windows.h>
 
-// Commands 1901..1906, 1501..1512 and the further ones of the debugger. False: not one of them.
+// Commands 1901..1910 and 1501..1512. False: not one of them.
 bool CmdHandle_Debug(int command);
 
-// Hooks of the engine, once at start-up, after the main window exists.
+// Connects the engine with the list of breakpoints. Once at start-up, after the main window exists.
 void DebugUiInit();
 // MSG_DEBUG_LAUNCH: the debug build that the start command asked for has succeeded.
 void DebugOnBuilt();
-// A build has ended that the start command may wait for.
+// A build has ended. When the start command waits for it, a success posts MSG_DEBUG_LAUNCH.
 void DebugOnBuildEnd(bool success, bool debug);
 // TIMER_DEBUG: a running program is asked for its next event.
 void DebugOnTimer();
+// TIMER_DEBUG_CONSOLE: looks for the console of a program that was just started.
+void DebugOnConsoleTimer();
 // Ends a session without questions; before the main window goes.
 void DebugShutdown();
 // A wait is going on inside a command: no command but Stop may start.
 bool DebugIsWaiting();
-// Stop, or the window's close, was asked for during such a wait.
+// The user asked for Stop, or for the window's close, during such a wait.
 void DebugStopWaiting(bool thenClose);

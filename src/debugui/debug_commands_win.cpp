@@ -1,4 +1,4 @@
-// The commands of the Debug menu. Whether one is possible now is the command table's affair. UI thread only.
+// The commands of the Debug menu. The command table decides whether one is possible now. UI thread only.
 #include "debugui/debug_commands.h"
 
 #include "base/events.h"
@@ -22,33 +22,30 @@ namespace {
 
 constexpr int kDumpBytes = 64;
 
-DebuggerState* Session() { return &g_debugger; }
-
-const DocumentTab* ActiveDocument() {
-    return IsTabIndex(g_documents.activeTab) ? &TabAt(g_documents.activeTab) : nullptr;
-}
-
-int CaretLine() {
+int CaretLineFromOne() {
     const LRESULT caret = SciSend(g_documents.hEditor, SCI_GETCURRENTPOS);
     return static_cast<int>(SciSend(g_documents.hEditor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(caret))) + 1;
 }
 
-void Start() {
-    if (g_debug.debugging) return;
+bool HasSession() { return DebugFlowNow().phase != DebugPhase::None; }
+
+void BuildAndStart() {
+    if (HasSession()) return;
     if (CompilerIsBuilding()) {
         g_events.statusText(kBuildBusy);
         return;
     }
     g_debug.debugAfterBuild = true;
-    // Not left to what it was: the start may have settled an earlier build, whose end clears it.
+    // Set again, because starting a build may have settled an earlier one, whose end clears the flag.
     g_debug.debugAfterBuild = StartCompilerBuild(false, true) != 0;
 }
 
 constexpr wchar_t kTableFull[] = L"All 64 breakpoints are in use: remove one, or continue (Ctrl+F5)";
 
-bool IsTableFull() { return Session()->breakpointCount >= kMaxBreakpoints; }
+bool IsTableFull() { return g_debugger.breakpointCount >= kMaxBreakpoints; }
 
-void Go(bool resumed, const wchar_t* suffix) {
+// Follows a program that a step has resumed, or says why there was no step.
+void FollowStep(bool resumed, const wchar_t* suffix) {
     if (resumed) {
         DebugRunFollow(suffix);
         return;
@@ -59,31 +56,31 @@ void Go(bool resumed, const wchar_t* suffix) {
 }
 
 void RunToCursor() {
-    const DocumentTab* document = ActiveDocument();
-    if (document == nullptr) return;
-    const std::uint32_t fileId = DebugFileIdOfPath(Session(), document->path);
+    if (!IsTabIndex(g_documents.activeTab)) return;
+    const DocumentTab& document = TabAt(g_documents.activeTab);
+    const std::uint32_t fileId = DebugFileIdOfPath(&g_debugger, document.path);
     if (fileId == 0) {
-        DebugSay(kDebugOrange, L"[Debug] %s is not part of the program.\n", document->label);
+        DebugSay(kDebugOrange, L"[Debug] %s is not part of the program.\n", document.label);
         DebugRunShowUnseen();
         return;
     }
-    const int line = CaretLine();
-    const bool resumed = DebugRunToLineIn(Session(), fileId, line);
+    const int line = CaretLineFromOne();
+    const bool resumed = DebugRunToLineIn(&g_debugger, fileId, line);
     if (!resumed && IsTableFull())
         DebugSay(kDebugOrange, L"[Debug] All 64 breakpoints are in use: the way to line %d needs one more.\n", line);
     else if (!resumed)
         DebugSay(kDebugOrange, L"[Debug] No code on line %d.\n", line);
-    Go(resumed, L" (run to cursor)");
+    FollowStep(resumed, L" (run to cursor)");
 }
 
-void Pause() {
-    if (DebugBreakIn(Session()))
+void PauseProgram() {
+    if (DebugBreakIn(&g_debugger))
         DebugRunPaused();
     else
         DebugSay(kDebugOrange, L"[Debug] The program cannot be paused.\n");
 }
 
-// A heap text of the inspection under its heading.
+// Writes a heap text of the inspection, which it frees, after a heading.
 void SayText(const wchar_t* heading, wchar_t* heapText) {
     const HeapBlock<wchar_t> text(heapText);
     if (!text) return;
@@ -94,28 +91,27 @@ void SayText(const wchar_t* heading, wchar_t* heapText) {
 }
 
 void SayInstruction() {
-    const HeapBlock<wchar_t> text(DebugDisassembleAt(Session(), Session()->currentAddress));
+    const HeapBlock<wchar_t> text(DebugDisassembleAt(&g_debugger, g_debugger.currentAddress));
     if (!text) return;
     DebugSay(0, L"=== Disassembly ===\n");
-    DebugSay(0, L"0x%I64X: %s\n", Session()->currentAddress, text.get());
+    DebugSay(0, L"0x%I64X: %s\n", g_debugger.currentAddress, text.get());
 }
 
 void AskForCondition() {
-    const DocumentTab* document = ActiveDocument();
-    if (document == nullptr) return;
-    const DocumentId id = document->id;
-    const int line = CaretLine();
-    const std::wstring place = FormatW(L"%s:%d", document->label, line);
-    const int existing = BreakpointAt(id, line, false);
+    const DocumentId document = ActiveDocumentId();
+    if (document == 0) return;
+    const int line = CaretLineFromOne();
+    const std::wstring place = FormatW(L"%s:%d", TabAt(g_documents.activeTab).label, line);
+    const int existing = BreakpointAt(document, line, false);
     std::string condition =
         existing >= 0 ? BreakpointList()[static_cast<std::size_t>(existing)].condition : std::string();
     if (!AskCondition(g_ui.hMainWnd, place.c_str(), &condition)) return;
-    const int index = BreakpointAt(id, line, true);
+    const int index = BreakpointAt(document, line, true);
     if (index >= 0) BreakpointSetCondition(static_cast<std::size_t>(index), condition);
 }
 
 void SwitchBreakpoint() {
-    const int index = BreakpointAt(ActiveDocumentId(), CaretLine(), false);
+    const int index = BreakpointAt(ActiveDocumentId(), CaretLineFromOne(), false);
     if (index < 0) {
         g_events.statusText(L"No breakpoint on this line (F9 sets one)");
         return;
@@ -137,22 +133,22 @@ int CommandOfButton(int command) {
 
 bool HandleRun(int command) {
     switch (command) {
-        case IDM_DEBUG_BUILD_START: Start(); return true;
-        case IDM_DEBUG_START: g_debug.debugging ? DebugRunStop() : Start(); return true;
+        case IDM_DEBUG_BUILD_START: BuildAndStart(); return true;
+        case IDM_DEBUG_START: HasSession() ? DebugRunStop() : BuildAndStart(); return true;
         case IDM_DEBUG_STOP: DebugRunStop(); return true;
-        case IDM_DEBUG_STEP_OVER: Go(DebugStepOver(Session()), L""); return true;
-        case IDM_DEBUG_STEP_INTO: Go(DebugStepInto(Session()), L" (step into)"); return true;
-        case IDM_DEBUG_STEP_OUT: Go(DebugStepOut(Session()), L" (step out)"); return true;
+        case IDM_DEBUG_STEP_OVER: FollowStep(DebugStepOver(&g_debugger), L""); return true;
+        case IDM_DEBUG_STEP_INTO: FollowStep(DebugStepInto(&g_debugger), L" (step into)"); return true;
+        case IDM_DEBUG_STEP_OUT: FollowStep(DebugStepOut(&g_debugger), L" (step out)"); return true;
         case IDM_DEBUG_RUN_TO_CURSOR: RunToCursor(); return true;
-        case IDM_DEBUG_CONTINUE: Go(DebugContinue(Session()), L""); return true;
-        case IDM_DEBUG_PAUSE: Pause(); return true;
+        case IDM_DEBUG_CONTINUE: FollowStep(DebugContinue(&g_debugger), L""); return true;
+        case IDM_DEBUG_PAUSE: PauseProgram(); return true;
         default: return false;
     }
 }
 
 bool HandleBreakpoints(int command) {
     switch (command) {
-        case IDM_DEBUG_BREAKPOINT: BreakpointToggle(ActiveDocumentId(), CaretLine()); return true;
+        case IDM_DEBUG_BREAKPOINT: BreakpointToggle(ActiveDocumentId(), CaretLineFromOne()); return true;
         case IDM_DEBUG_CONDITIONAL: AskForCondition(); return true;
         case IDM_DEBUG_ENABLE_BREAKPOINT: SwitchBreakpoint(); return true;
         case IDM_DEBUG_REMOVE_BREAKPOINTS: BreakpointRemoveAll(); return true;
@@ -162,11 +158,11 @@ bool HandleBreakpoints(int command) {
 
 bool HandleViews(int command) {
     switch (command) {
-        case IDM_DEBUG_REGISTERS: SayText(L"=== Registers ===\n", DebugFormatRegisters(Session())); return true;
-        case IDM_DEBUG_CALL_STACK: SayText(L"", DebugWalkStack(Session())); return true;
+        case IDM_DEBUG_REGISTERS: SayText(L"=== Registers ===\n", DebugFormatRegisters(&g_debugger)); return true;
+        case IDM_DEBUG_CALL_STACK: SayText(L"", DebugWalkStack(&g_debugger)); return true;
         case IDM_DEBUG_DISASSEMBLY: SayInstruction(); return true;
         case IDM_DEBUG_MEMORY:
-            SayText(L"=== Memory Dump ===\n", DebugHexDump(Session(), Session()->currentAddress, kDumpBytes));
+            SayText(L"=== Memory Dump ===\n", DebugHexDump(&g_debugger, g_debugger.currentAddress, kDumpBytes));
             return true;
         default: return false;
     }
@@ -182,7 +178,7 @@ bool CmdHandle_Debug(int command) {
 void DebugUiInit() { DebugSetPlantHook(BreakpointsPlantAll); }
 
 void DebugOnBuilt() {
-    if (CompilerIsBuilding()) return;  // asked for again meanwhile
+    if (CompilerIsBuilding()) return;  // the user has started another build meanwhile
     g_debug.debugAfterBuild = false;
     DebugRunStart();
 }

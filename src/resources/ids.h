@@ -185,4 +185,6 @@
 #define TIMER_OUTPUT 3  // applies queued build output in batches
 #define TIMER_BUILD 4   // progress of a running build in the status bar
 #define TIMER_DEBUG 5   // asks a running debuggee for its next event
+// Looks for the console of a program that was just started under the debugger.
+#define TIMER_DEBUG_CONSOLE 6
 #define TIMER_FOCUS 32770

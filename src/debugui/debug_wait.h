@@ -1,0 +1,28 @@
+// Waiting for the debugged program inside a command. UI thread only.
+#pragma once
+
+#include "debugger/debug_session.h"
+#include "debugui/debug_flow.h"
+
+#include <windows.h>
+
+// While one is alive, the flow says that a wait goes on, and the engine asks the hook (null: none) between its waits.
+class DebugWaitScope {
+public:
+    DebugWaitScope(DebugFlow* flow, DebugWaitHook hook);
+    ~DebugWaitScope();
+    DebugWaitScope(const DebugWaitScope&) = delete;
+    DebugWaitScope& operator=(const DebugWaitScope&) = delete;
+
+private:
+    DebugFlow* flow_;
+    DebugWaitHook previous_;
+};
+
+// Waits for the next stop, or for the first line while a start still awaits it. `milliseconds` is the time-out for one
+// event; `limit`, in milliseconds too, ends the wait however many events come. A DebugWait.
+int DebugWaitInPlace(DebugFlow* flow, DWORD milliseconds, ULONGLONG limit);
+
+// The hook of a start. While a program starts, the window paints itself, takes text into the editor and listens to Stop,
+// and to nothing else, because any other message could lead back into the session that is being set up.
+bool DebugPumpStart();

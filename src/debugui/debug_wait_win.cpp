@@ -1,0 +1,96 @@
+// Waits inside a command, and what the window does meanwhile. UI thread only.
+#include "debugui/debug_wait.h"
+
+#include "debugger/debug_state.h"
+#include "documents/documents_state.h"
+#include "resources/ids.h"
+#include "ui/ui_state.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr ULONGLONG kPumpInterval = 20;  // ms
+
+struct WaitState {
+    DebugFlow* flow = nullptr;  // of the wait that goes on
+    ULONGLONG end = 0;          // of DebugWaitInPlace
+    ULONGLONG lastPump = 0;
+};
+WaitState g_wait;
+
+// The engine's own time-out starts anew after each event that is no stop, so the whole wait is limited here.
+bool IsWaitOver() { return GetTickCount64() >= g_wait.end; }
+
+bool IsHeld(int key) { return GetKeyState(key) < 0; }
+
+bool IsStopKey(const MSG& message) {
+    if (message.message != WM_KEYDOWN) return false;
+    return message.wParam == VK_ESCAPE || message.wParam == VK_CANCEL || (message.wParam == VK_F5 && IsHeld(VK_SHIFT));
+}
+
+// Keys that edit or move without making a character.
+bool IsEditingKey(WPARAM key) {
+    constexpr WPARAM kKeys[] = {VK_RETURN, VK_TAB, VK_BACK, VK_DELETE, VK_LEFT,
+                                VK_RIGHT,  VK_UP,  VK_DOWN, VK_HOME,   VK_END};
+    return std::ranges::find(kKeys, key) != std::end(kKeys) && !IsHeld(VK_CONTROL) && !IsHeld(VK_MENU) &&
+           !IsHeld(VK_SHIFT);
+}
+
+// Text goes into the editor at once: kept until the program stands, it would land at the line of the stop. Keys of
+// commands, and those for any other window, are dropped.
+void TypeIntoEditor(const MSG& message) {
+    constexpr WPARAM kFirstCharacter = 32;
+    if (message.hwnd == nullptr || message.hwnd != g_documents.hEditor) return;
+    if (message.message == WM_KEYDOWN) TranslateMessage(&message);  // its WM_CHAR is the next key message
+    const bool character = message.message == WM_CHAR && message.wParam >= kFirstCharacter;
+    if (character || (message.message == WM_KEYDOWN && IsEditingKey(message.wParam))) DispatchMessageW(&message);
+}
+
+void PumpMessages(DebugFlow* flow) {
+    MSG message = {};
+    while (PeekMessageW(&message, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE))
+        if (IsStopKey(message))
+            FlowWantStop(flow, false);
+        else
+            TypeIntoEditor(message);
+    // The toolbar makes commands of clicks; the main window takes none but Stop now.
+    const HWND toolbar = GetDlgItem(g_ui.hMainWnd, IDC_TOOLBAR);
+    while (toolbar != nullptr && PeekMessageW(&message, toolbar, WM_MOUSEFIRST, WM_MOUSELAST, PM_REMOVE))
+        DispatchMessageW(&message);
+    while (PeekMessageW(&message, g_ui.hMainWnd, WM_NCLBUTTONDOWN, WM_NCLBUTTONDBLCLK, PM_REMOVE))
+        if (message.message == WM_NCLBUTTONDOWN && message.wParam == HTCLOSE) FlowWantStop(flow, true);
+    while (PeekMessageW(&message, g_ui.hMainWnd, WM_CLOSE, WM_CLOSE, PM_REMOVE)) FlowWantStop(flow, true);
+    constexpr int kMostPaints = 32;  // a window that fails to validate its area would ask for ever
+    for (int i = 0; i < kMostPaints && PeekMessageW(&message, nullptr, WM_PAINT, WM_PAINT, PM_REMOVE); ++i)
+        DispatchMessageW(&message);
+}
+
+}  // namespace
+
+DebugWaitScope::DebugWaitScope(DebugFlow* flow, DebugWaitHook hook) : flow_(flow), previous_(DebugSetWaitHook(hook)) {
+    flow_->waiting = true;
+    g_wait.flow = flow_;
+    g_wait.lastPump = 0;
+}
+
+DebugWaitScope::~DebugWaitScope() {
+    flow_->waiting = false;
+    DebugSetWaitHook(previous_);
+}
+
+int DebugWaitInPlace(DebugFlow* flow, DWORD milliseconds, ULONGLONG limit) {
+    g_wait.end = GetTickCount64() + limit;
+    const DebugWaitScope scope(flow, IsWaitOver);
+    return g_debugger.awaits != DebugAwaits::Nothing ? DebugWaitStart(&g_debugger, milliseconds)
+                                                     : DebugWaitEvent(&g_debugger, milliseconds);
+}
+
+bool DebugPumpStart() {
+    const ULONGLONG now = GetTickCount64();
+    if (now - g_wait.lastPump >= kPumpInterval) {
+        g_wait.lastPump = now;
+        PumpMessages(g_wait.flow);
+    }
+    return FlowStartWaitIsOver(*g_wait.flow, g_debugger.awaits != DebugAwaits::Nothing, now);
+}

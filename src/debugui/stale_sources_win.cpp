@@ -1,0 +1,53 @@
+// The age of the sources of the debugged program. UI thread only.
+#include "debugui/stale_sources.h"
+
+#include "base/path.h"
+#include "debugger/debug_state.h"
+#include "debugui/location.h"
+#include "debugui/stop_view.h"
+#include "documents/document_row.h"
+#include "files/file_io.h"
+#include "program/debug_say.h"
+
+namespace {
+
+StaleWarnings g_warnings;  // of this session
+
+bool WriteTimeOf(const std::wstring& path, FILETIME* time) {
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    if (!GetFileAttributesExW(PathForSystem(path.c_str()).c_str(), GetFileExInfoStandard, &data)) return false;
+    *time = data.ftLastWriteTime;
+    return true;
+}
+
+SourceAge AgeOf(const std::wstring& path, const FILETIME& built) {
+    FILETIME written = {};
+    SourceAge age;
+    age.newer = WriteTimeOf(path, &written) && CompareFileTime(&written, &built) > 0;
+    for (const DocumentTab& tab : g_documents.tabs)
+        age.unsaved = age.unsaved || (tab.modified && tab.hasFile && PathEqualsIgnoreCase(tab.path, path));
+    return age;
+}
+
+void WarnOfStaleSource(const std::wstring& path, const FILETIME& built) {
+    wchar_t name[kPathCapacity] = {};
+    PathGetFile(path.c_str(), name, kPathCapacity);
+    for (const std::wstring& text : NewStaleWarnings(&g_warnings, name, AgeOf(path, built)))
+        DebugSay(kDebugOrange, L"%s", text.c_str());
+}
+
+}  // namespace
+
+void WarnOfStaleSources(const BuildRecord& program) {
+    g_warnings = {};
+    FILETIME built = {};
+    if (!WriteTimeOf(program.output, &built)) return;
+    for (const DocumentTab& tab : g_documents.tabs)
+        if (tab.hasFile && DebugFileIdOfPath(&g_debugger, tab.path) != 0) WarnOfStaleSource(tab.path, built);
+}
+
+void WarnOfStaleStop() {
+    const std::wstring path = DebugFilePath(&g_debugger, g_debugger.currentFileId);
+    FILETIME built = {};
+    if (!path.empty() && WriteTimeOf(LastBuild().output, &built)) WarnOfStaleSource(path, built);
+}
