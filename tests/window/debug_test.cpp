@@ -359,8 +359,13 @@ TEST(Debug, StopIsHeardWhileAProgramStarts) {
 
     startUp();
     editor.Foreground();
+    const std::string textBefore = editor.Text();
+    editor.Keys({'X'});
+    EXPECT_TRUE(WaitFor([&] { return editor.Text().size() == textBefore.size() + 1; })) << "what is typed is not lost";
+    EXPECT_TRUE(ButtonShown(editor, IDM_DEBUG_BUTTON_STOP) && ButtonWorks(editor, IDM_DEBUG_BUTTON_STOP));
     editor.Keys({VK_SHIFT, VK_F5});
     stopped();
+    editor.Do(IDM_EDIT_UNDO);
 
     startUp();
     editor.Foreground();
