@@ -1,4 +1,4 @@
-// Small files that must never be half written. Any thread.
+// Replacing a small file in one step. Any thread.
 #include "files/session_file.h"
 
 #include "base/handles.h"
@@ -8,7 +8,7 @@
 
 namespace {
 
-bool WriteFlushed(const std::wstring& path, std::string_view bytes) {
+bool WriteTemporary(const std::wstring& path, std::string_view bytes) {
     const UniqueHandle file{CreateFileW(PathForSystem(path.c_str()).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                                         FILE_ATTRIBUTE_NORMAL, nullptr)};
     DWORD written = 0;
@@ -21,8 +21,8 @@ bool WriteFlushed(const std::wstring& path, std::string_view bytes) {
 bool ReplaceFileWithText(const wchar_t* path, std::string_view bytes) {
     // One temporary name per process: two editors that close at the same time do not write into one file.
     const std::wstring beside = std::wstring{path} + L"." + std::to_wstring(GetCurrentProcessId()) + L".tmp";
-    if (WriteFlushed(beside, bytes) && MoveFileExW(PathForSystem(beside.c_str()).c_str(), PathForSystem(path).c_str(),
-                                                   MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE)
+    if (WriteTemporary(beside, bytes) && MoveFileExW(PathForSystem(beside.c_str()).c_str(), PathForSystem(path).c_str(),
+                                                     MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE)
         return true;
     const DWORD error = GetLastError();
     DeleteFileW(PathForSystem(beside.c_str()).c_str());  // there may be none
