@@ -34,13 +34,6 @@ void SaveActive() {
     if (document.hasFile) StartCompilerBuild(false, false);
 }
 
-void CloseOthers(int kept) {
-    for (int tab = TabCount() - 1; tab >= 0; --tab) {
-        if (tab != kept && FileClose(tab) == 0) return;
-        if (tab < kept) --kept;
-    }
-}
-
 bool HandleFile(int command) {
     switch (command) {
         case IDM_FILE_NEW: FileNew(); return true;
@@ -52,7 +45,8 @@ bool HandleFile(int command) {
         case IDM_FILE_CLOSE: FileClose(g_app.activeTab); return true;
         case IDM_FILE_CLOSE_ALL: FileCloseAll(); return true;
         case IDM_FILE_EXIT: PostMessageW(g_app.hMainWnd, WM_CLOSE, 0, 0); return true;
-        case IDM_TAB_CLOSE_OTHERS: CloseOthers(g_app.activeTab); return true;
+        case IDM_TAB_CLOSE_OTHERS: FileCloseDocuments(CloseRange::Others, ActiveDocumentId()); return true;
+        case IDM_TAB_CLOSE_RIGHT: FileCloseDocuments(CloseRange::Right, ActiveDocumentId()); return true;
         case IDM_TAB_COPY_PATH: ClipboardPutText(g_app.hMainWnd, TabAt(g_app.activeTab).path); return true;
         default: return false;
     }

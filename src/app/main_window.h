@@ -1,6 +1,8 @@
 // The main window: the frame that holds every pane and the hub of the program's messages. UI thread only.
 #pragma once
 
+#include "base/events.h"
+
 #include <windows.h>
 
 #include <shellapi.h>
@@ -17,7 +19,7 @@ void MainWnd_OnDpiChanged(HWND window, int dpi, const RECT& suggested);
 // startup_win.cpp
 void MainWnd_OnStartup();
 void MainWnd_CommandLineDone();  // start-up completion waits for this
-void MainWnd_OnReinitEditor(int tab);
+void MainWnd_OnReinitEditor(int tab, DocumentId id);
 void MainWnd_OnAutoSaveTimer();
 void MainWnd_OnClose(HWND window);
 bool MainWnd_OnQueryEndSession();

@@ -110,6 +110,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_NAV_BACK, kHasTab},
     {IDM_NAV_FORWARD, kHasTab},
     {IDM_TAB_CLOSE_OTHERS, kHasTab},
+    {IDM_TAB_CLOSE_RIGHT, kHasTab},
     {IDM_TAB_COPY_PATH, kHasFile},
 };
 

@@ -1,6 +1,7 @@
-// Which names are source files. Pure.
+// Which names are source files, and what the file dialogs are given. Pure.
 #include "documents/file_filters.h"
 
+#include "base/bounded_text.h"
 #include "base/path.h"
 
 bool IsSourceFileName(std::wstring_view name) {
@@ -16,4 +17,20 @@ bool IsSourceFileName(std::wstring_view name) {
         patterns = end == std::wstring_view::npos ? std::wstring_view{} : patterns.substr(end + 1);
     }
     return false;
+}
+
+std::wstring FileDialogFilter() {
+    std::wstring text;
+    for (const FileTypeFilter& filter : kFileFilters) {
+        text.append(filter.description).push_back(L'\0');
+        text.append(filter.pattern).push_back(L'\0');
+    }
+    text.push_back(L'\0');
+    return text;
+}
+
+std::array<std::wstring, 3> FileDialogNames(const std::wstring& path) {
+    wchar_t file[kPathCapacity];
+    PathGetFile(path.c_str(), file, kPathCapacity);
+    return {path, file, L""};
 }

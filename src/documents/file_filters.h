@@ -1,6 +1,8 @@
-// The source file types that the dialogs offer and the project tree shows. Pure.
+// The source file types that the dialogs offer and the project tree shows, and what the dialogs are given. Pure.
 #pragma once
 
+#include <array>
+#include <string>
 #include <string_view>
 
 struct FileTypeFilter {
@@ -22,3 +24,10 @@ inline constexpr FileTypeFilter kFileFilters[] = {
 
 // True when the name ends in one of the extensions of the "all source files" row, without regard to case.
 bool IsSourceFileName(std::wstring_view name);
+
+// The table in the dialogs' own form: texts separated and ended by NULs.
+std::wstring FileDialogFilter();
+
+// The names to suggest, one after the other while the dialog refuses them as odd or too long: the path, the file's name
+// alone, nothing.
+std::array<std::wstring, 3> FileDialogNames(const std::wstring& path);

@@ -182,6 +182,32 @@ TEST(Files, CloseAsksAndObeys) {
     }
 }
 
+TEST(Files, CancelEndsClosingTheOthers) {
+    ProgramFolder folder;
+    std::wstring arguments;
+    for (const wchar_t* name : {L"a.bas", L"b.bas", L"c.bas", L"d.bas"}) arguments += Open(folder.Write(name, "'\r\n"));
+    Editor editor(folder, arguments);
+    editor.Do(IDM_NEXT_TAB);
+    editor.Do(IDM_NEXT_TAB);
+    editor.Type("x");
+    editor.Do(IDM_NEXT_TAB);
+    ASSERT_EQ(editor.ActiveTab(), 2);
+    const auto row = [&] {
+        std::wstring labels;
+        for (int i = 0; i < editor.Tabs(); ++i) labels += editor.TabLabel(i).substr(0, 1);
+        return labels;
+    };
+    editor.Post(IDM_TAB_CLOSE_OTHERS);
+    editor.Answer(L"Unsaved Changes", L"Save changes to b.bas?", IDCANCEL);
+    EXPECT_TRUE(WaitFor([&] { return row() == L"abc" && editor.ActiveTab() == 1; })) << Utf8(row());
+    EXPECT_TRUE(editor.Modified());
+    editor.Do(IDM_NEXT_TAB);
+    editor.Post(IDM_TAB_CLOSE_OTHERS);
+    editor.Answer(L"Unsaved Changes", L"Save changes to b.bas?", IDNO);
+    EXPECT_TRUE(WaitFor([&] { return row() == L"c"; })) << Utf8(row());
+    EXPECT_EQ(folder.Read(L"b.bas"), "'\r\n");
+}
+
 TEST(Files, LeavingWithChangesAsksAndCancelStays) {
     ProgramFolder folder;
     Editor editor(folder, OpenArgument(folder.Write(L"a.bas", "a\r\n")));
@@ -302,6 +328,18 @@ TEST(Files, FailedSaveLosesNothing) {
     EXPECT_FALSE(editor.Modified());
     EXPECT_EQ(CountCopies(folder.File(L"local"), "read-only 1 locked 2 old\r\n"), 0)
         << "a verified save needs no copy any more";
+
+    // A save under a new name that fails (an empty document cannot be ANSI) leaves the document to its own file.
+    editor.Do(IDM_EDIT_SELECT_ALL);
+    editor.Type("");
+    editor.Post(IDM_FILE_SAVE_AS);
+    editor.AnswerFileDialog(folder.File(L"other.bas"));
+    editor.Answer(kProgramTitle, L"Failed to save file: " + folder.File(L"other.bas"), IDOK);
+    EXPECT_EQ(editor.TabLabel(0), L"a.bas");
+    editor.Type("later");
+    editor.Do(IDM_FILE_SAVE);
+    EXPECT_EQ(folder.Read(L"a.bas"), "later");
+    EXPECT_FALSE(Exists(folder.File(L"other.bas")));
 }
 
 // KVX_SMALL_DISK names a folder on a disk of a few hundred kilobytes that the tests may fill (scripts/test mounts one).
