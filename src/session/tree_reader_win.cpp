@@ -29,11 +29,7 @@ void ReadTreeFolder(const std::wstring& folder, TreeListing& listing) {
         if (TreeShows(found.cFileName, isFolder, isHidden))
             listing.entries.push_back({.name = found.cFileName, .isFolder = isFolder});
     } while (listing.entries.size() < kTreeMaxRead && FindNextFileW(find.Get(), &found) != FALSE);
-    TreeSort(listing.entries);
-    if (listing.entries.size() > kTreeMaxShown) {
-        listing.omitted = listing.entries.size() - kTreeMaxShown;
-        listing.entries.resize(kTreeMaxShown);
-    }
+    TreeFinishListing(listing);
 }
 
 void ReadForTree(TreeReadRequest& request, const WorkerCancel&) {
