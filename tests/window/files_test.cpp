@@ -331,7 +331,7 @@ TEST(Files, FailedSaveLosesNothing) {
 
     // A save under a new name that fails (an empty document cannot be ANSI) leaves the document to its own file.
     editor.Do(IDM_EDIT_SELECT_ALL);
-    editor.Type("");
+    editor.Do(IDM_EDIT_CUT);
     editor.Post(IDM_FILE_SAVE_AS);
     editor.AnswerFileDialog(folder.File(L"other.bas"));
     editor.Answer(kProgramTitle, L"Failed to save file: " + folder.File(L"other.bas"), IDOK);
