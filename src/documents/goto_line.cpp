@@ -1,3 +1,4 @@
+// What the "go to line" dialog makes of its fields. Pure.
 #include "documents/goto_line.h"
 
 #include "base/decimal.h"

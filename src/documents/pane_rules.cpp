@@ -1,3 +1,4 @@
+// Decisions of an editing pane. Pure.
 #include "documents/pane_rules.h"
 
 #include "base/scan_text.h"

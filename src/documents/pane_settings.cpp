@@ -1,3 +1,4 @@
+// The [Editor] settings as messages to Scintilla. Pure.
 #include "documents/pane_settings.h"
 
 #include <Scintilla.h>

@@ -1,3 +1,4 @@
+// A theme as messages to Scintilla. Pure.
 #include "documents/theme_messages.h"
 
 #include "documents/margins.h"

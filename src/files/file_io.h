@@ -33,9 +33,6 @@ bool WriteSourceFileFromEditor(const wchar_t* path, const char* utf8, std::size_
 std::ptrdiff_t AnsiFirstUnmappable(std::string_view utf8);
 bool AnsiCanHold(std::string_view utf8);
 
-// True once the disk has what was written to an open file (a HANDLE). A file system that knows no flush counts as done.
-bool FlushWritten(void* file);
-
 // A path as a user or another program wrote it (relative, forward slashes, "." and "..", quotes around it) as the
 // absolute one with backslashes. False, with `out` empty, for empty or unusable text and for what does not fit.
 bool PathNormalizeInput(const wchar_t* input, wchar_t* out, std::size_t capacity);

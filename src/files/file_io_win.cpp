@@ -3,6 +3,7 @@
 
 #include "base/handles.h"
 #include "base/path.h"
+#include "files/whole_file.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -39,6 +40,12 @@ bool ReadInto(const OpenedFile& file, char* buffer, std::size_t* taken) {
     return true;
 }
 
+// A redirector or an odd file system that knows no flush counts as done.
+bool FlushWritten(HANDLE file) {
+    return FlushFileBuffers(file) != FALSE || GetLastError() == ERROR_INVALID_FUNCTION ||
+           GetLastError() == ERROR_NOT_SUPPORTED;
+}
+
 }  // namespace
 
 bool FileExists(const wchar_t* path) {
@@ -70,18 +77,28 @@ bool ReadSharedFile(const std::wstring& path, std::size_t most, std::string* byt
     return true;
 }
 
-bool WriteFileUtf8(const wchar_t* path, const char* bytes, std::size_t length) {
-    if (path == nullptr || bytes == nullptr || length >= kSizeLimit) return false;
-    const UniqueHandle file{CreateFileW(PathForSystem(path).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                        FILE_ATTRIBUTE_NORMAL, nullptr)};
-    DWORD written = 0;
-    return file && WriteFile(file.Get(), bytes, static_cast<DWORD>(length), &written, nullptr) != FALSE &&
-           written == length;
+bool WriteWholeFile(const std::wstring& systemPath, std::string_view bytes, const WriteHow& how) {
+    if (bytes.size() >= kSizeLimit) return false;
+    bool opened = false;
+    bool written = false;
+    {
+        const UniqueHandle file{
+            CreateFileW(systemPath.c_str(), GENERIC_WRITE, 0, nullptr, how.disposition, how.attributes, nullptr)};
+        opened = static_cast<bool>(file);
+        DWORD taken = 0;
+        written = opened &&
+                  WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &taken, nullptr) != FALSE &&
+                  taken == bytes.size() && (!how.flush || FlushWritten(file.Get()));
+    }
+    const DWORD error = GetLastError();
+    if (opened && !written && how.removeFailed) DeleteFileW(systemPath.c_str());
+    SetLastError(error);  // the caller may ask why
+    return written;
 }
 
-bool FlushWritten(void* file) {
-    return FlushFileBuffers(file) != FALSE || GetLastError() == ERROR_INVALID_FUNCTION ||
-           GetLastError() == ERROR_NOT_SUPPORTED;
+bool WriteFileUtf8(const wchar_t* path, const char* bytes, std::size_t length) {
+    return path != nullptr && bytes != nullptr &&
+           WriteWholeFile(PathForSystem(path), {bytes, length}, {.flush = false});
 }
 
 std::wstring PathForSystem(const wchar_t* path) {

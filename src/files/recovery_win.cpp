@@ -1,9 +1,8 @@
 // Recovery copies on disk. Any thread: the list of the copies that failed saves have left stands under its own lock.
 #include "files/recovery.h"
 
-#include "base/handles.h"
-#include "base/path.h"
 #include "files/file_io.h"
+#include "files/whole_file.h"
 
 #include <shlobj.h>
 
@@ -31,20 +30,9 @@ bool EnsureFolder(const std::wstring& folder) {
            GetLastError() == ERROR_ALREADY_EXISTS;
 }
 
-bool WriteFlushed(const std::wstring& path, const char* bytes, std::size_t length, DWORD attributes) {
-    const std::wstring systemPath = PathForSystem(path.c_str());
-    bool standing = false;
-    bool created = false;
-    {
-        const UniqueHandle file{
-            CreateFileW(systemPath.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, attributes, nullptr)};
-        created = static_cast<bool>(file);
-        DWORD written = 0;
-        standing = created && WriteFile(file.Get(), bytes, static_cast<DWORD>(length), &written, nullptr) != FALSE &&
-                   written == length && FlushWritten(file.Get());
-    }
-    if (created && !standing) DeleteFileW(systemPath.c_str());  // half a copy would only mislead
-    return standing;
+// Half a copy would only mislead.
+bool WriteCopy(const std::wstring& path, std::string_view bytes) {
+    return WriteWholeFile(PathForSystem(path.c_str()), bytes, {.disposition = CREATE_NEW, .removeFailed = true});
 }
 
 void DeleteCopy(const RecoveryCopy& copy) {
@@ -69,8 +57,8 @@ bool WriteInUserFolder(const wchar_t* target, const char* bytes, std::size_t len
     const std::wstring path = FreeName(folder, target);
     const RecoveryCopy wanted{.path = path, .notePath = path + L".path"};
     // The note first: with the copy on disk, so is what it belongs to.
-    const bool written = WriteFileUtf8(wanted.notePath.c_str(), note.data(), note.size()) &&
-                         WriteFlushed(wanted.path, bytes, length, FILE_ATTRIBUTE_NORMAL);
+    const bool written =
+        WriteFileUtf8(wanted.notePath.c_str(), note.data(), note.size()) && WriteCopy(wanted.path, {bytes, length});
     if (!written) {
         DeleteFileW(PathForSystem(wanted.notePath.c_str()).c_str());
         return false;
@@ -98,7 +86,7 @@ bool RecoveryWrite(const wchar_t* target, const char* bytes, std::size_t length,
     std::wstring folder{target};
     folder.resize(folder.rfind(L'\\') + 1);  // npos + 1 is 0: the current folder
     const std::wstring beside = FreeName(folder, target);
-    if (!WriteFlushed(beside, bytes, length, FILE_ATTRIBUTE_NORMAL)) return false;
+    if (!WriteCopy(beside, {bytes, length})) return false;
     copy->path = beside;
     return true;
 }

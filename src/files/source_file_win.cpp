@@ -6,6 +6,7 @@
 #include "base/path.h"
 #include "files/recovery.h"
 #include "files/safe_save.h"
+#include "files/whole_file.h"
 
 #include <climits>
 #include <cstring>
@@ -87,15 +88,6 @@ bool VolumeHasRoom(const wchar_t* path, const SaveTarget& target, std::size_t le
     return length - target.size <= available.QuadPart;
 }
 
-// The write itself: truncates, writes in one call, and has the bytes on the disk when it returns true.
-bool Overwrite(const std::wstring& systemPath, DWORD attributes, const char* bytes, std::size_t length) {
-    const UniqueHandle file{
-        CreateFileW(systemPath.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, attributes, nullptr)};
-    DWORD written = 0;
-    return file && WriteFile(file.Get(), bytes, static_cast<DWORD>(length), &written, nullptr) != FALSE &&
-           written == length && FlushWritten(file.Get());
-}
-
 SaveCheck CompareWithFile(const std::wstring& systemPath, const char* bytes, std::size_t length) {
     const UniqueHandle file{CreateFileW(systemPath.c_str(), GENERIC_READ,
                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
@@ -113,16 +105,19 @@ SaveCheck CompareWithFile(const std::wstring& systemPath, const char* bytes, std
 }
 
 bool SaveBytes(const wchar_t* path, const char* bytes, std::size_t length) {
-    if (length >= MAXDWORD) return false;
     const std::wstring systemPath = PathForSystem(path);
     const FoundTarget found = LookAtTarget(systemPath);
     RecoveryCopy copy;
-    return SafeSave(found.target, {.writeCopy = [&] { return RecoveryWrite(path, bytes, length, &copy); },
-                                   .hasRoom = [&] { return VolumeHasRoom(path, found.target, length); },
-                                   .overwrite = [&] { return Overwrite(systemPath, found.attributes, bytes, length); },
-                                   .check = [&] { return CompareWithFile(systemPath, bytes, length); },
-                                   .discardCopy = [&] { RecoveryDiscard(path, copy); },
-                                   .keepCopy = [&] { RecoveryKeep(path, copy); }});
+    return SafeSave(found.target,
+                    {.writeCopy = [&] { return RecoveryWrite(path, bytes, length, &copy); },
+                     .hasRoom = [&] { return VolumeHasRoom(path, found.target, length); },
+                     .overwrite =
+                         [&] {
+                             return WriteWholeFile(systemPath, {bytes, length}, {.attributes = found.attributes});
+                         },
+                     .check = [&] { return CompareWithFile(systemPath, bytes, length); },
+                     .discardCopy = [&] { RecoveryDiscard(path, copy); },
+                     .keepCopy = [&] { RecoveryKeep(path, copy); }});
 }
 
 }  // namespace

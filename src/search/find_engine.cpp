@@ -1,3 +1,4 @@
+// The next match, and what replaces each. Pure.
 #include "search/find_engine.h"
 
 #include "search/regex_check.h"

@@ -1,3 +1,4 @@
+// What the lines of a session mean to the program. Pure.
 #include "session/session_view.h"
 
 #include "base/utf8.h"

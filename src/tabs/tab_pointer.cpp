@@ -1,3 +1,4 @@
+// What the pointer does on the tab strip. Pure.
 #include "tabs/tab_pointer.h"
 
 #include <cstdlib>
