@@ -109,6 +109,7 @@ TEST(TabPointer, ClosesOnReleaseOverTheSameButtonAndDragsPastTheThreshold) {
     EXPECT_FALSE(TabPointerPress(pointer, 0, 160)) << "no document";
     EXPECT_FALSE(TabPointerPress(pointer, 42, 160));
     EXPECT_EQ(TabPointerDragTo(pointer, metrics, row, 1, 160 + metrics.dragStart - 1), -1) << "a shaky click";
+    EXPECT_FALSE(pointer.dragging);
     EXPECT_EQ(TabPointerDragTo(pointer, metrics, row, 1, 400), 2);
     EXPECT_EQ(TabPointerDragTo(pointer, metrics, row, 2, 400), -1) << "there already";
     EXPECT_EQ(TabPointerDragTo(pointer, metrics, row, -1, 400), -1) << "closed meanwhile";

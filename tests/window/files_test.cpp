@@ -185,7 +185,8 @@ TEST(Files, CloseAsksAndObeys) {
 TEST(Files, CancelEndsClosingTheOthers) {
     ProgramFolder folder;
     std::wstring arguments;
-    for (const wchar_t* name : {L"a.bas", L"b.bas", L"c.bas", L"d.bas"}) arguments += Open(folder.Write(name, "'\r\n"));
+    for (const wchar_t* name : {L"a.bas", L"b.bas", L"c.bas", L"d.bas"})
+        arguments += OpenArgument(folder.Write(name, "'\r\n"));
     Editor editor(folder, arguments);
     editor.Do(IDM_NEXT_TAB);
     editor.Do(IDM_NEXT_TAB);
