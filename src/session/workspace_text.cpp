@@ -11,6 +11,7 @@
 namespace {
 
 constexpr const wchar_t* kCompilerNames[] = {L"KVXA64", L"KVXB64", L"KVXA32", L"KeldorBasic", L"KVXC64"};
+constexpr std::size_t kFlagsCapacity = 512;     // wide characters, terminator included
 constexpr std::size_t kEscapedCapacity = 2048;  // wide characters: a full path of backslashes fits
 
 const wchar_t* SkipJsonBlanks(const wchar_t* text) {
@@ -125,13 +126,6 @@ int JsonParseFiles(const wchar_t* text, wchar_t (*paths)[kPathCapacity], int* cu
     return count;
 }
 
-std::wstring WorkspaceFlagsAsRead(const wchar_t* flags) {
-    const std::wstring text = std::wstring{L"\"compilerFlags\": \""} + flags + L"\"";
-    wchar_t out[kWorkspaceFlagsCapacity] = {};
-    JsonExtractString(text.c_str(), L"compilerFlags", out, kWorkspaceFlagsCapacity);
-    return out;
-}
-
 std::wstring WorkspacePathFor(std::wstring_view given, std::wstring_view current, const wchar_t* programFolder) {
     if (given.empty()) given = current.empty() ? std::wstring_view{L"workspace.json"} : current;
     if (given.starts_with(L'\\') || PathIsAbsolute(given)) return std::wstring{given};
@@ -153,13 +147,17 @@ Workspace WorkspaceParse(const wchar_t* text) {
     wchar_t name[32] = {};
     if (JsonExtractString(text, L"compiler", name, std::size(name)) != 0)
         workspace.compiler = WorkspaceCompilerId(name);
-    wchar_t flags[kWorkspaceFlagsCapacity] = {};
-    if (JsonExtractString(text, L"compilerFlags", flags, kWorkspaceFlagsCapacity) != 0) workspace.flags = flags;
+    wchar_t flags[kFlagsCapacity] = {};
+    if (JsonExtractString(text, L"compilerFlags", flags, kFlagsCapacity) != 0) workspace.flags = flags;
     return workspace;
 }
 
 std::wstring WorkspaceFlagsToSet(const std::wstring& own, const std::wstring& read) {
-    return WorkspaceFlagsAsRead(own.c_str()) == read ? own : read;
+    // What the own flags read as after a trip through the file: a quote cuts them, a backslash goes.
+    wchar_t mutilated[kFlagsCapacity] = {};
+    const std::wstring text = L"\"compilerFlags\": \"" + own + L"\"";
+    JsonExtractString(text.c_str(), L"compilerFlags", mutilated, kFlagsCapacity);
+    return read == mutilated ? own : read;
 }
 
 std::vector<WorkspaceCaret> WorkspaceCarets(const Workspace& workspace, int tabCount) {

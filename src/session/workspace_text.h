@@ -13,7 +13,6 @@
 #include <vector>
 
 inline constexpr int kWorkspaceMaxFiles = 64;
-inline constexpr std::size_t kWorkspaceFlagsCapacity = 512;  // wide characters, terminator included
 
 struct WorkspaceTab {
     std::wstring path;  // empty: a document without a file, which is counted but not written
@@ -39,9 +38,6 @@ int JsonExtractInt(const wchar_t* text, const wchar_t* key, int defaultValue);
 
 // The entries of the "files" list, at most `maximum`. Returns their number.
 int JsonParseFiles(const wchar_t* text, wchar_t (*paths)[kPathCapacity], int* cursors, int maximum);
-
-// What `flags` reads as after a trip through the file: a quote cuts it, a backslash goes.
-std::wstring WorkspaceFlagsAsRead(const wchar_t* flags);
 
 // Where a workspace is saved. A given path that is relative counts from the program's folder; with none given, the current
 // workspace is meant, or the default one.
