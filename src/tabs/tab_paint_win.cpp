@@ -32,7 +32,8 @@ TabRect ShrunkTo(const TabRect& box, int size) {
 }
 
 bool HasCloseButton(const DocumentTab& tab, int index) {
-    return tab.modified || index == g_documents.activeTab || (index == g_tabBar.pointer.hoverTab && !g_tabBar.pointer.dragging);
+    return tab.modified || index == g_documents.activeTab ||
+           (index == g_tabBar.pointer.hoverTab && !g_tabBar.pointer.dragging);
 }
 
 // The close button, or the modified dot in its place while the pointer is elsewhere.

@@ -35,6 +35,7 @@ protected:
     void TearDown() override {
         while (TabCount() > 0) TabBarRemove(0);
         g_documents.navigation = {};
+        g_answerInstead = nullptr;
         g_selftestTabsMode = false;
         DestroyWindow(g_ui.hMainWnd);
         g_ui.hMainWnd = nullptr;
@@ -119,16 +120,23 @@ TEST_F(DocumentsWin, PlacesVisitedFollowMovedTabsAndEndWithClosedOnes) {
     EXPECT_EQ(ActiveDocumentId(), ids[0]);
 }
 
-TEST_F(DocumentsWin, ClosingToTheRightAndOthersKeepsTheRest) {
+TEST_F(DocumentsWin, ClosingSeveralKeepsTheRestAndEndsAtCancel) {
     DocumentId ids[5] = {};
     for (int i = 0; i < 5; ++i) ids[i] = TabAt(TabBarAdd(L"", L"Untitled")).id;
     TabBarSelect(4);
     EXPECT_EQ(FileCloseDocuments(CloseRange::Right, ids[2]), 1);
     EXPECT_EQ(TabCount(), 3);
     EXPECT_EQ(ActiveDocumentId(), ids[2]);
+    TabAt(TabBarFindDocument(ids[0])).modified = true;
+    g_answerInstead = [](const UserQuestion&) { return Answer::Cancel; };
+    EXPECT_EQ(FileCloseDocuments(CloseRange::Others, ids[1]), 0);
+    EXPECT_EQ(TabCount(), 2) << "the one right of it was closed before the question";
+    EXPECT_EQ(ActiveDocumentId(), ids[0]) << "the user sees what the question was about";
+    g_answerInstead = [](const UserQuestion&) { return Answer::No; };
     EXPECT_EQ(FileCloseDocuments(CloseRange::Others, ids[1]), 1);
     EXPECT_EQ(TabCount(), 1);
     EXPECT_EQ(ActiveDocumentId(), ids[1]);
+    g_answerInstead = nullptr;
 }
 
 }  // namespace

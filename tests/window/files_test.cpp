@@ -182,33 +182,6 @@ TEST(Files, CloseAsksAndObeys) {
     }
 }
 
-TEST(Files, CancelEndsClosingTheOthers) {
-    ProgramFolder folder;
-    std::wstring arguments;
-    for (const wchar_t* name : {L"a.bas", L"b.bas", L"c.bas", L"d.bas"})
-        arguments += OpenArgument(folder.Write(name, "'\r\n"));
-    Editor editor(folder, arguments);
-    editor.Do(IDM_NEXT_TAB);
-    editor.Do(IDM_NEXT_TAB);
-    editor.Type("x");
-    editor.Do(IDM_NEXT_TAB);
-    ASSERT_EQ(editor.ActiveTab(), 2);
-    const auto row = [&] {
-        std::wstring labels;
-        for (int i = 0; i < editor.Tabs(); ++i) labels += editor.TabLabel(i).substr(0, 1);
-        return labels;
-    };
-    editor.Post(IDM_TAB_CLOSE_OTHERS);
-    editor.Answer(L"Unsaved Changes", L"Save changes to b.bas?", IDCANCEL);
-    EXPECT_TRUE(WaitFor([&] { return row() == L"abc" && editor.ActiveTab() == 1; })) << Utf8(row());
-    EXPECT_TRUE(editor.Modified());
-    editor.Do(IDM_NEXT_TAB);
-    editor.Post(IDM_TAB_CLOSE_OTHERS);
-    editor.Answer(L"Unsaved Changes", L"Save changes to b.bas?", IDNO);
-    EXPECT_TRUE(WaitFor([&] { return row() == L"c"; })) << Utf8(row());
-    EXPECT_EQ(folder.Read(L"b.bas"), "'\r\n");
-}
-
 TEST(Files, LeavingWithChangesAsksAndCancelStays) {
     ProgramFolder folder;
     Editor editor(folder, OpenArgument(folder.Write(L"a.bas", "a\r\n")));
