@@ -1,3 +1,4 @@
+// Reads one folder for the project tree. The reading runs in a worker and touches no window and no global record.
 #include "session/tree_reader.h"
 
 #include "base/handles.h"
