@@ -36,13 +36,6 @@ void SaveAndBuildIfAsked() {
     if (document.hasFile) StartCompilerBuild(false, false);
 }
 
-void CloseOthers(int kept) {
-    for (int tab = TabCount() - 1; tab >= 0; --tab) {
-        if (tab != kept && FileClose(tab) == 0) return;
-        if (tab < kept) --kept;
-    }
-}
-
 // Edit commands go to the text field that has the keyboard when that is not the editor.
 void SendToText(int command) {
     static constexpr struct {
@@ -186,7 +179,8 @@ constexpr CommandHandler kFrameHandlers[] = {
     {IDM_FILE_CLOSE, [](int) { FileClose(g_app.activeTab); }},
     {IDM_FILE_CLOSE_ALL, [](int) { FileCloseAll(); }},
     {IDM_FILE_EXIT, [](int) { PostMessageW(g_app.hMainWnd, WM_CLOSE, 0, 0); }},
-    {IDM_TAB_CLOSE_OTHERS, [](int) { CloseOthers(g_app.activeTab); }},
+    {IDM_TAB_CLOSE_OTHERS, [](int) { FileCloseDocuments(CloseRange::Others, ActiveDocumentId()); }},
+    {IDM_TAB_CLOSE_RIGHT, [](int) { FileCloseDocuments(CloseRange::Right, ActiveDocumentId()); }},
     {IDM_TAB_COPY_PATH, [](int) { ClipboardPutText(g_app.hMainWnd, TabAt(g_app.activeTab).path); }},
     {IDM_EDIT_UNDO, SendToText},
     {IDM_EDIT_REDO, SendToText},
@@ -232,11 +226,9 @@ void MainWnd_OnCommand(int command, int notification, HWND control) {
     }
     // A key or a posted command may come when the command is not possible; the table decides, not the sender.
     if (!CommandStateOf(command, CurrentCommandView()).enabled) return;
-    static const std::vector<CommandHandler> handlers = AllCommandHandlers();
-    const auto handler = std::ranges::find(handlers, command, &CommandHandler::command);
-    if (handler == handlers.end()) return;
-    handler->run(command);
-    MainWindow_RequestStateRefresh();
+    if (RunCommandHandler(kFrameHandlers, command) || RunCommandHandler(ViewCommandHandlers(), command) ||
+        CmdHandle_Build(command) || CmdHandle_Debug(command))
+        MainWindow_RequestStateRefresh();
 }
 
 void MainWnd_OnInitMenuPopup(HMENU menu) { MenuApplyState(menu, CurrentCommandView()); }

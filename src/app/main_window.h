@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/command_handler.h"
+#include "base/events.h"
 
 #include <windows.h>
 
@@ -23,7 +24,7 @@ void MainWnd_OnDpiChanged(HWND window, int dpi, const RECT& suggested);
 // startup_win.cpp
 void MainWnd_OnStartup();
 void MainWnd_CommandLineDone();  // start-up completion waits for this
-void MainWnd_OnReinitEditor(int tab);
+void MainWnd_OnReinitEditor(int tab, DocumentId id);
 void MainWnd_OnAutoSaveTimer();
 void MainWnd_OnClose(HWND window);
 bool MainWnd_OnQueryEndSession();

@@ -33,7 +33,9 @@ bool RouteOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return true;
         case MSG_DEBUG_LAUNCH: DebugOnBuilt(); return true;
         case MSG_STARTUP: MainWnd_OnStartup(); return true;
-        case MSG_REINIT_EDITOR: MainWnd_OnReinitEditor(static_cast<int>(wParam)); return true;
+        case MSG_REINIT_EDITOR:
+            MainWnd_OnReinitEditor(static_cast<int>(wParam), static_cast<DocumentId>(lParam));
+            return true;
         case MSG_FOCUS_EDITOR: FocusCurrentEditor(); return true;
         default: return false;
     }

@@ -104,7 +104,8 @@ void MainWnd_CommandLineDone() {
     if (g_startupWaits) PostMessageW(g_app.hMainWnd, MSG_STARTUP, 0, 0);
 }
 
-void MainWnd_OnReinitEditor(int tab) {
+void MainWnd_OnReinitEditor(int tab, DocumentId id) {
+    if (id != 0) tab = TabBarFindDocument(id);  // the row may have changed since the message was posted
     if (!IsTabIndex(tab)) return;
     const DocumentTab& document = TabAt(tab);
     EditorPaneInit(document.editor, document.compilerId);

@@ -31,5 +31,5 @@ std::wstring_view FileExtension(std::wstring_view path);  // with its dot, empty
 // The same path, case and the direction of slashes aside.
 bool SamePathText(std::wstring_view a, std::wstring_view b);
 
-// The folder of a path, without the backslash behind it except for a drive's root; empty when there is none.
+// The folder of a path, without its trailing backslash except for a drive's root; empty when there is none.
 std::wstring FolderOf(std::wstring_view path);

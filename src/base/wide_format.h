@@ -1,5 +1,5 @@
-// printf-style formatting of wide text with the C runtime's own meaning of `%s` (wide text), which is what every
-// format of this program means; MinGW's ISO swprintf reads `%s` as narrow. Thread-safe.
+// printf-style formatting of wide text. `%s` means wide text, as the C runtime reads it; MinGW's ISO swprintf would read narrow
+// text. Any thread.
 #pragma once
 
 #include <cstdarg>

@@ -111,6 +111,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_NAV_BACK, kHasTab, nullptr, Internal},
     {IDM_NAV_FORWARD, kHasTab, nullptr, Internal},
     {IDM_TAB_CLOSE_OTHERS, kHasTab, nullptr, Internal},
+    {IDM_TAB_CLOSE_RIGHT, kHasTab, nullptr, Internal},
     {IDM_TAB_COPY_PATH, kHasFile, nullptr, Internal},
 };
 

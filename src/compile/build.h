@@ -19,6 +19,8 @@ bool CompilerIsBuilding();  // also between two documents of a batch build
 
 // The Compiler menu, the profiles and the batch build.
 std::span<const CommandHandler> BuildCommandHandlers();
+// Carries one of them out. False: not one of them.
+bool CmdHandle_Build(int command);
 
 // The main window's part: MSG_BUILD_OUTPUT, MSG_BUILD_FINISHED, TIMER_BUILD.
 void BuildOnOutput(wchar_t* heapText, COLORREF colour);

@@ -203,3 +203,5 @@ bool BatchIsRunning() { return g_batch.running; }
 bool CompilerIsBuilding() { return StageRuns() || g_batch.running; }
 
 std::span<const CommandHandler> BuildCommandHandlers() { return kAllBuildHandlers; }
+
+bool CmdHandle_Build(int command) { return RunCommandHandler(kAllBuildHandlers, command); }

@@ -9,6 +9,8 @@
 
 // Commands 1901..1910 and 1501..1512.
 std::span<const CommandHandler> DebugCommandHandlers();
+// Carries one of them out. False: not one of them.
+bool CmdHandle_Debug(int command);
 
 // Connects the engine with the list of breakpoints. Once at start-up, after the main window exists.
 void DebugUiInit();

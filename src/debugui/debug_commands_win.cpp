@@ -156,6 +156,8 @@ constexpr CommandHandler kDebugHandlers[] = {
 
 std::span<const CommandHandler> DebugCommandHandlers() { return kDebugHandlers; }
 
+bool CmdHandle_Debug(int command) { return RunCommandHandler(kDebugHandlers, command); }
+
 void DebugUiInit() { DebugSetPlantHook(BreakpointsPlantAll); }
 
 void DebugOnBuilt() {

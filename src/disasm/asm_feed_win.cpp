@@ -4,7 +4,6 @@
 #include "base/worker_queue.h"
 #include "disasm/asm_text.h"
 #include "files/file_io.h"
-#include "files/shared_read.h"
 
 #include <atomic>
 #include <new>

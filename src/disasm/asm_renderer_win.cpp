@@ -3,7 +3,6 @@
 
 #include "base/handles.h"
 #include "files/file_io.h"
-#include "files/shared_read.h"
 #include "files/text_encoding.h"
 
 #include <windows.h>

@@ -32,7 +32,8 @@ constexpr int ScintillaEol(LineEnding ending) {
     return SC_EOL_CRLF;
 }
 
-// A renamed document may be of another language: the frame is asked to set its editor up again.
+// A renamed document may be of another language: the frame is asked to set its editor up again. The id goes with the
+// index because the row may change before the message arrives.
 void CheckLanguage(int index) {
     const DocumentTab& tab = TabAt(index);
     if (!tab.hasFile || g_scintilla.createLexer == nullptr) return;
@@ -41,7 +42,7 @@ void CheckLanguage(int index) {
     if (SciSend(tab.editor, SCI_GETLEXER) != 0 && SciSend(tab.editor, SCI_GETLEXERLANGUAGE) < 64)
         SciSend(tab.editor, SCI_GETLEXERLANGUAGE, 0, reinterpret_cast<LPARAM>(current));
     if (std::strcmp(current, wanted.name != nullptr ? wanted.name : "") == 0) return;
-    PostMessageW(g_ui.hMainWnd, MSG_REINIT_EDITOR, static_cast<WPARAM>(index), 0);
+    PostMessageW(g_ui.hMainWnd, MSG_REINIT_EDITOR, static_cast<WPARAM>(index), tab.id);
 }
 
 template <typename Matches>
@@ -76,6 +77,13 @@ int TabBarFindPath(const wchar_t* path) {
 DocumentId DocumentOfEditor(HWND editor) {
     const int index = TabBarFindEditor(editor);
     return index < 0 ? 0 : TabAt(index).id;
+}
+
+std::vector<RowEntry> DocumentRowEntries() {
+    std::vector<RowEntry> row;
+    for (const DocumentTab& tab : g_documents.tabs)
+        row.push_back({.id = tab.id, .modified = tab.modified, .hasFile = tab.hasFile});
+    return row;
 }
 
 DocumentId ActiveDocumentId() { return IsTabIndex(g_documents.activeTab) ? TabAt(g_documents.activeTab).id : 0; }
@@ -140,24 +148,25 @@ int TabBarActivate(int index) {
     return 1;
 }
 
+int TabBarSelectToClose(int index) {
+    if (!IsTabIndex(index)) return 0;
+    g_documents.returnTo = index == g_documents.activeTab ? 0 : ActiveDocumentId();
+    return index == g_documents.activeTab ? 1 : TabBarSelect(index);
+}
+
 int TabBarRemove(int index) {
     if (!IsTabIndex(index)) return 0;
     const bool wasActive = index == g_documents.activeTab;
     const DocumentId document = TabAt(index).id;
     const HWND editor = TabAt(index).editor;
-    const DocumentId returnTo = std::exchange(g_documents.returnTo, 0);
+    const int wanted = TabBarFindDocument(std::exchange(g_documents.returnTo, 0));
     const bool hadFocus = GetFocus() == editor;
     g_events.textLeaving(document);
-    g_documents.activeTab = TabIndexAfterRemoval(g_documents.activeTab, index, TabCount());
+    g_documents.activeTab = TabToShowAfterRemoval(g_documents.activeTab, index, TabCount(), wanted);
     g_documents.tabs.erase(g_documents.tabs.begin() + index);
+    if (wasActive) g_documents.hEditor = nullptr;  // about to be destroyed: nobody may send to it any more
     NavTabRemoved(g_documents.navigation, index);
     g_events.documentClosed(document, index);
-
-    if (wasActive) {
-        const int back = TabBarFindDocument(returnTo);
-        if (back >= 0) g_documents.activeTab = back;
-        g_documents.hEditor = nullptr;  // about to be destroyed: nobody may send to it any more
-    }
     TabBarSyncActiveEditor();
     if (hadFocus) SetFocus(g_documents.hEditor != nullptr ? g_documents.hEditor : g_ui.hMainWnd);
     DestroyWindow(editor);

@@ -3,6 +3,7 @@
 // mark: the visible part is coloured just before a paint, the rest in short slices while nothing else happens. UI thread.
 #include "documents/pane_state.h"
 
+#include "documents/pane_rules.h"
 #include "scintilla/sci.h"
 
 #include <algorithm>
@@ -10,23 +11,13 @@
 namespace {
 
 constexpr UINT_PTR kTimer = 0x4B43;
-constexpr UINT kQuietMs = 150;           // nobody types for this long: idle
-constexpr UINT kSliceMs = 10;            // the shortest timer there is
-constexpr double kSliceSeconds = 0.003;  // a key that arrives during a slice waits no longer than this
-constexpr std::size_t kFirstChunk = 32 << 10;
-constexpr std::size_t kSmallestChunk = 4 << 10;
-constexpr std::size_t kLargestChunk = 1 << 20;
-constexpr LRESULT kNearEnough = 32 << 10;  // an uncoloured stretch above the view that a paint can just colour
+constexpr UINT kQuietMs = 150;  // nobody types for this long: idle
+constexpr UINT kSliceMs = 10;   // the shortest timer there is
 
 // Without a lexer Scintilla asks the parent window for colours; there are none to give.
 bool HasLexer(HWND editor) { return SciSend(editor, SCI_GETLEXER, 0, 0) != 0; }
 
-struct VisibleRange {
-    LRESULT start;
-    LRESULT end;
-};
-
-VisibleRange VisibleText(HWND editor) {
+PaneSpan VisiblePart(HWND editor) {
     const LRESULT first = SciSend(editor, SCI_GETFIRSTVISIBLELINE, 0, 0);
     const LRESULT lines = SciSend(editor, SCI_LINESONSCREEN, 0, 0) + 1;
     const LRESULT firstLine = SciSend(editor, SCI_DOCLINEFROMVISIBLE, static_cast<WPARAM>(first), 0);
@@ -54,8 +45,8 @@ void NoticeReset(HWND editor, PaneState& state, LRESULT length) {
     if (styled < length) state.coloured = std::min(state.coloured, styled);
 }
 
-// SCI_COLOURISE asks for a repaint of everything, even when nothing that can be seen has changed. Taking the request
-// back is half of it: Scintilla remembers that it asked, and asks for no more until it has painted - here, nothing.
+// SCI_COLOURISE asks for a repaint of everything, even when nothing that can be seen has changed. Validating the window is
+// not enough: Scintilla remembers that it asked and does not ask again before it has painted, so it paints an empty area.
 void CancelRepaint(HWND editor, PaneState& state) {
     ValidateRect(editor, nullptr);
     state.emptyPaint = true;
@@ -69,59 +60,56 @@ bool ColourSlice(HWND editor, PaneState& state) {
     NoticeReset(editor, state, length);
     const LRESULT from = state.coloured;
     if (from >= length) return false;
-    // A paint that waits colours what it shows, and must not be lost to the validation below.
+    // A paint is due: it colours what it shows, and the validation below must not cancel it.
     if (GetUpdateRect(editor, nullptr, FALSE)) return true;
 
     const LRESULT wanted = std::min(from + static_cast<LRESULT>(state.colourChunk), length);
     const LRESULT lastLine = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(wanted), 0);
     const LRESULT lineStart = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(lastLine), 0);
-    const LRESULT to = lineStart > from && wanted < length ? lineStart : wanted;
+    const LRESULT to = ColourSliceEnd(from, wanted, lineStart, length);
 
     const double began = Seconds();
-    const VisibleRange visible = VisibleText(editor);
+    const PaneSpan visible = VisiblePart(editor);
     SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(from), to);
     ClaimColoured(editor);
     state.coloured = to;
     if (from >= visible.end || to <= visible.start) CancelRepaint(editor, state);
-    const double took = Seconds() - began;
-    const double scale = took > 0 ? std::clamp(kSliceSeconds / took, 0.5, 2.0) : 2.0;
-    state.colourChunk = std::clamp(static_cast<std::size_t>(static_cast<double>(state.colourChunk) * scale),
-                                   kSmallestChunk, kLargestChunk);
+    state.colourChunk = NextColourChunk(state.colourChunk, Seconds() - began);
     return to < length;
 }
 
-void CALLBACK OnTimer(HWND editor, UINT, UINT_PTR timer, DWORD) {
+void CALLBACK OnColourTimer(HWND editor, UINT, UINT_PTR timer, DWORD) {
     PaneState* state = PaneStateOf(editor);
-    if (state && ColourSlice(editor, *state)) {
-        SetTimer(editor, timer, kSliceMs, OnTimer);
+    if (state != nullptr && ColourSlice(editor, *state)) {
+        SetTimer(editor, timer, kSliceMs, OnColourTimer);
     } else {
         KillTimer(editor, timer);
-        if (state) state->colouring = false;
+        if (state != nullptr) state->colouring = false;
     }
 }
 
-void StartTimer(HWND editor, PaneState& state) {
-    if (state.colourChunk == 0) state.colourChunk = kFirstChunk;
-    state.colouring = SetTimer(editor, kTimer, kQuietMs, OnTimer) != 0;
+void StartColourTimer(HWND editor, PaneState& state) {
+    if (state.colourChunk == 0) state.colourChunk = kFirstColourChunk;
+    state.colouring = SetTimer(editor, kTimer, kQuietMs, OnColourTimer) != 0;
 }
 
 }  // namespace
 
 void EditorColourRestart(HWND editor, LRESULT position) {
     PaneState* state = PaneStateOf(editor);
-    if (!state || !HasLexer(editor)) return;
+    if (state == nullptr || !HasLexer(editor)) return;
     const LRESULT line = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(position), 0);
     const LRESULT start = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line), 0);
     state->coloured = std::min(state->coloured, start);
     ClaimColoured(editor);
-    StartTimer(editor, *state);
+    StartColourTimer(editor, *state);
 }
 
 void EditorColourStop(HWND editor) { KillTimer(editor, kTimer); }
 
 bool EditorColourBeforePaint(HWND editor) {
     PaneState* state = PaneStateOf(editor);
-    if (!state) return false;
+    if (state == nullptr) return false;
     if (!HasLexer(editor)) {
         ClaimColoured(editor);  // or every paint would ask
         return false;
@@ -129,14 +117,16 @@ bool EditorColourBeforePaint(HWND editor) {
     const LRESULT length = SciSend(editor, SCI_GETLENGTH);
     NoticeReset(editor, *state, length);
     if (state->coloured >= length) return false;
-    if (!state->colouring) StartTimer(editor, *state);
+    if (!state->colouring) StartColourTimer(editor, *state);
 
-    const VisibleRange visible = VisibleText(editor);
-    if (state->coloured >= visible.end) return false;
-    if (visible.start - state->coloured <= kNearEnough) {
-        // The paint itself colours from the mark on, and repaints no more than what changed.
-        SciSend(editor, SCI_STARTSTYLING, static_cast<WPARAM>(state->coloured), 0);
-        return true;
+    const PaneSpan visible = VisiblePart(editor);
+    switch (ColoursForPaint(state->coloured, visible)) {
+        case PaintColours::Ready: return false;
+        case PaintColours::FromMark:
+            // The paint itself colours from the mark on, and repaints no more than what changed.
+            SciSend(editor, SCI_STARTSTYLING, static_cast<WPARAM>(state->coloured), 0);
+            return true;
+        case PaintColours::VisibleOnly: break;
     }
     SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(visible.start), visible.end);
     ClaimColoured(editor);
@@ -145,7 +135,7 @@ bool EditorColourBeforePaint(HWND editor) {
 
 void EditorColourAfterPaint(HWND editor) {
     PaneState* state = PaneStateOf(editor);
-    if (!state) return;
+    if (state == nullptr) return;
     state->coloured = std::max(state->coloured, SciSend(editor, SCI_GETENDSTYLED));
     ClaimColoured(editor);
 }

@@ -1,5 +1,5 @@
-// The subclass of every Scintilla pane: its cursor, focus, control characters, zoom wheel, mouse log, and colouring
-// just ahead of a paint. UI thread.
+// The subclass of every Scintilla pane: its cursor, focus, control characters, zoom wheel, mouse log, and the colouring just
+// before a paint. UI thread.
 #include "documents/pane_state.h"
 
 #include "base/log.h"
@@ -20,7 +20,7 @@ namespace {
 constexpr UINT_PTR kSubclassId = 1;
 constexpr int kClassNameLength = 48;
 
-// The panes that there are: few, looked up at every key, so a plain row beats a window property.
+// All panes. There are few and they are looked up at every key, so a plain row is faster than a window property.
 struct PaneEntry {
     HWND editor;
     std::unique_ptr<PaneState> state;
@@ -50,10 +50,10 @@ bool IsPlainMove(UINT message, LPARAM lParam) {
     return message == WM_MOUSEMOVE || (message == WM_SETCURSOR && HIWORD(lParam) == WM_MOUSEMOVE);
 }
 
-void LogMouse(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
+void LogPaneMouse(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
     if (!LogIsOpen()) return;
     const wchar_t* name = MouseMessageName(message);
-    if (!name) return;
+    if (name == nullptr) return;
     if (IsPlainMove(message, lParam) && GetKeyState(VK_LBUTTON) >= 0) return;
     POINT screen = {};
     GetCursorPos(&screen);
@@ -61,7 +61,7 @@ void LogMouse(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
     wchar_t paneClass[kClassNameLength] = {};
     wchar_t underClass[kClassNameLength] = {};
     GetClassNameW(pane, paneClass, kClassNameLength);
-    if (under) GetClassNameW(under, underClass, kClassNameLength);
+    if (under != nullptr) GetClassNameW(under, underClass, kClassNameLength);
     AppLogMsg(
         L"DBG SCIMOUSE: sci=%p cls=%s msg=%s wp=0x%04x lp=(%d,%d) screen=(%d,%d) WindowFromPoint=%p cls=%s "
         L"focus=%p",
@@ -69,7 +69,7 @@ void LogMouse(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
         static_cast<int>(screen.x), static_cast<int>(screen.y), under, underClass, GetFocus());
 }
 
-// WM_SETFOCUS comes from SetFocus itself: giving the focus again to the window that has it ends the recursion.
+// SetFocus sends WM_SETFOCUS, which leads here again; giving the focus to the window that has it ends the recursion.
 void TakeFocus(HWND pane) {
     SetFocus(pane);
     SciSend(pane, SCI_SETFOCUS, TRUE, 0);
@@ -81,9 +81,9 @@ bool IsUnwantedCharacter(WPARAM character) {
     return (character < 0x20 && character != L'\r' && character != L'\n' && character != L'\t') || character == 0x7F;
 }
 
-LRESULT OnPaint(HWND pane, WPARAM wParam, LPARAM lParam) {
+LRESULT PaintPane(HWND pane, WPARAM wParam, LPARAM lParam) {
     const PaneState* state = PaneStateOf(pane);
-    if (state && state->emptyPaint) return DefSubclassProc(pane, WM_PAINT, wParam, lParam);
+    if (state != nullptr && state->emptyPaint) return DefSubclassProc(pane, WM_PAINT, wParam, lParam);
     EditorPaneCheckLineMargin(pane);
     const bool colours = EditorColourBeforePaint(pane);
     EditorPaneMarkInlineRegions(pane);
@@ -93,27 +93,27 @@ LRESULT OnPaint(HWND pane, WPARAM wParam, LPARAM lParam) {
 }
 
 // The zoom is one setting for all editors, so the wheel asks for the command instead of zooming this pane alone.
-LRESULT OnZoomWheel(HWND, WPARAM wParam) {
+LRESULT OnPaneZoomWheel(WPARAM wParam) {
     const WORD command = GET_WHEEL_DELTA_WPARAM(wParam) > 0 ? IDM_VIEW_ZOOM_IN : IDM_VIEW_ZOOM_OUT;
     PostMessageW(g_ui.hMainWnd, WM_COMMAND, command, 0);
     return 0;
 }
 
-bool IsWordCharacter(WPARAM character) {
+bool ContinuesWord(WPARAM character) {
     return character >= 0x80 || (character >= L'0' && character <= L'9') || (character >= L'A' && character <= L'Z') ||
            (character >= L'a' && character <= L'z') || character == L'_';
 }
 
-LRESULT OnCharacter(HWND pane, WPARAM wParam, LPARAM lParam) {
+LRESULT OnPaneCharacter(HWND pane, WPARAM wParam, LPARAM lParam) {
     if (IsUnwantedCharacter(wParam)) return 0;
     const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
     const LRESULT result = DefSubclassProc(pane, WM_CHAR, wParam, lParam);
     const LRESULT after = SciSend(pane, SCI_GETCURRENTPOS);
-    if (!IsWordCharacter(wParam) && after == before + 1) EditorPaneUpperKeywordBefore(pane, before);
+    if (!ContinuesWord(wParam) && after == before + 1) EditorPaneUpperKeywordBefore(pane, before);
     return result;
 }
 
-LRESULT OnReturnKey(HWND pane, WPARAM wParam, LPARAM lParam) {
+LRESULT OnPaneReturnKey(HWND pane, WPARAM wParam, LPARAM lParam) {
     const LRESULT lines = SciSend(pane, SCI_GETLINECOUNT);
     const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
     SciSend(pane, SCI_BEGINUNDOACTION);  // the break and the indentation are undone together
@@ -126,17 +126,17 @@ LRESULT OnReturnKey(HWND pane, WPARAM wParam, LPARAM lParam) {
     return result;
 }
 
-LRESULT OnDestroy(HWND pane, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT OnPaneDestroy(HWND pane, UINT message, WPARAM wParam, LPARAM lParam);
 
-LRESULT CALLBACK PaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+LRESULT CALLBACK EditorPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
     switch (message) {
-        case WM_PAINT: return OnPaint(pane, wParam, lParam);
-        case WM_CHAR: return OnCharacter(pane, wParam, lParam);
+        case WM_PAINT: return PaintPane(pane, wParam, lParam);
+        case WM_CHAR: return OnPaneCharacter(pane, wParam, lParam);
         case WM_KEYDOWN:
-            if (wParam == VK_RETURN) return OnReturnKey(pane, wParam, lParam);
+            if (wParam == VK_RETURN) return OnPaneReturnKey(pane, wParam, lParam);
             break;
         case WM_SETCURSOR:
-            LogMouse(pane, message, wParam, lParam);
+            LogPaneMouse(pane, message, wParam, lParam);
             if (LOWORD(lParam) != HTCLIENT) break;
             SetCursor(LoadCursorW(nullptr, IDC_IBEAM));
             if (LogIsOpen())
@@ -144,23 +144,23 @@ LRESULT CALLBACK PaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam,
             return 1;
         case WM_SETFOCUS: TakeFocus(pane); break;
         case WM_LBUTTONDOWN:
-            LogMouse(pane, message, wParam, lParam);
+            LogPaneMouse(pane, message, wParam, lParam);
             TakeFocus(pane);
             break;
         case WM_MOUSEWHEEL:
-            if (GET_KEYSTATE_WPARAM(wParam) & MK_CONTROL) return OnZoomWheel(pane, wParam);
+            if (GET_KEYSTATE_WPARAM(wParam) & MK_CONTROL) return OnPaneZoomWheel(wParam);
             break;
-        case WM_DESTROY: return OnDestroy(pane, message, wParam, lParam);
-        default: LogMouse(pane, message, wParam, lParam); break;
+        case WM_DESTROY: return OnPaneDestroy(pane, message, wParam, lParam);
+        default: LogPaneMouse(pane, message, wParam, lParam); break;
     }
     return DefSubclassProc(pane, message, wParam, lParam);
 }
 
-LRESULT OnDestroy(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT OnPaneDestroy(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
     EditorColourStop(pane);
     SciDetach(pane);
     std::erase_if(g_panes, [pane](const PaneEntry& entry) { return entry.editor == pane; });
-    RemoveWindowSubclass(pane, PaneProc, kSubclassId);
+    RemoveWindowSubclass(pane, EditorPaneProc, kSubclassId);
     return DefSubclassProc(pane, message, wParam, lParam);
 }
 
@@ -174,7 +174,7 @@ PaneState* PaneStateOf(HWND editor) {
 
 bool EditorPaneInstallSubclass(HWND editor) {
     auto state = std::make_unique<PaneState>();
-    if (!SetWindowSubclass(editor, PaneProc, kSubclassId, 0)) return false;
+    if (!SetWindowSubclass(editor, EditorPaneProc, kSubclassId, 0)) return false;
     g_panes.push_back({editor, std::move(state)});
     SciAttach(editor);
     return true;

@@ -1,37 +1,28 @@
-// The whole text of a pane, out and in. Knows nothing of files and encodings: UTF-8 bytes, NULs included. UI thread.
+// The whole text of a pane, out and in, as UTF-8 bytes with NULs included. Knows nothing of files and encodings. UI thread.
 #include "documents/editor_pane.h"
 
+#include "documents/pane_rules.h"
 #include "documents/pane_state.h"
 #include "scintilla/sci.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
-namespace {
-
-// Room beyond the text, so that the first typed characters do not make Scintilla move all of it to a larger block.
-std::size_t SlackFor(std::size_t length) {
-    return std::clamp<std::size_t>(length / 64, std::size_t{4} << 10, std::size_t{1} << 20);
-}
-
-}  // namespace
-
 char* EditorPaneGetText(HWND editor, std::size_t* length) {
-    if (length) *length = 0;
+    if (length != nullptr) *length = 0;
     const LRESULT bytes = SciSend(editor, SCI_GETLENGTH, 0, 0);
     if (bytes < 1) return static_cast<char*>(std::calloc(1, 1));
     const std::size_t size = static_cast<std::size_t>(bytes);
     char* text = static_cast<char*>(std::malloc(size + 1));
-    if (!text) return nullptr;
+    if (text == nullptr) return nullptr;
     SciSend(editor, SCI_GETTEXT, size + 1, reinterpret_cast<LPARAM>(text));
     text[size] = '\0';
-    if (length) *length = size;
+    if (length != nullptr) *length = size;
     return text;
 }
 
 void EditorPaneSetText(HWND editor, const char* utf8) {
-    if (!utf8) return;
+    if (utf8 == nullptr) return;
     EditorPaneSetBytes(editor, {utf8, std::strlen(utf8)});
 }
 
@@ -46,7 +37,7 @@ void EditorPaneBeginLoad(HWND editor, std::size_t expectedLength) {
     SciSend(editor, SCI_SETMODEVENTMASK, SC_MOD_NONE, 0);
     SciSend(editor, SCI_SETUNDOCOLLECTION, FALSE, 0);
     SciSend(editor, SCI_CLEARALL, 0, 0);
-    SciSend(editor, SCI_ALLOCATE, expectedLength + SlackFor(expectedLength), 0);
+    SciSend(editor, SCI_ALLOCATE, expectedLength + RoomBeyondText(expectedLength), 0);
 }
 
 void EditorPaneAppendLoad(HWND editor, std::string_view utf8) {

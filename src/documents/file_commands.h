@@ -1,6 +1,8 @@
-// The document operations behind the File menu and behind everyone who opens or saves. UI thread only. Every
-// operation with a tab index returns 0 at once for an index out of range.
+// The document operations of the File menu and of everyone who opens or saves. Those with a tab index return 0 at
+// once for an index out of range. UI thread only.
 #pragma once
+
+#include "documents/row_rules.h"
 
 #include <windows.h>
 
@@ -9,7 +11,7 @@
 int FileNew();                      // 1, or 0 when no tab could be added
 int FileOpen(const wchar_t* path);  // null: the dialog. 1 when the file is shown in a tab, new or existing
 // Shows a file for a purpose - a stop, an error, a session - and opens it when it is not open. The active compiler, the
-// recent files and the last folder stay as the user left them. `quiet`: no box when it fails. 1 when it is shown.
+// recent files and the last folder stay as the user left them. 1 when it is shown; `quiet`: no box when it is not.
 int FileShow(const wchar_t* path, bool quiet);
 int FileSave(int tab);
 int FileSaveAs(int tab);
@@ -18,7 +20,10 @@ int FileReload(int tab);
 int FileClose(int tab);  // 0 when the user cancelled or the save failed
 // The question of FileClose alone: 1 when the document may go (unmodified, saved, or given up), 0 otherwise.
 int FileConfirmClose(int tab);
-int FileCloseAll();  // stops at the first refusal: 0
+// Closes several documents, each as FileClose does, until one is refused: 0. `kept` is shown at the end unless one was
+// refused; 0 with CloseRange::All.
+int FileCloseDocuments(CloseRange range, DocumentId kept);
+int FileCloseAll();
 
 // The folder that the open dialog starts in. 1 when one was produced.
 int FileOpenResolveInitialDirectory(wchar_t* out, std::size_t capacity);

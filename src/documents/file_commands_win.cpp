@@ -1,17 +1,16 @@
-// New, open, reload and close of documents, and the recent-file list. Knows the tab bar and the files, not the menu that
-// calls it; saving is in file_save_win.cpp. UI thread.
+// New, open, reload and close of documents, and the recent-file list. Saving is in file_save_win.cpp. UI thread.
 #include "documents/file_commands.h"
 
 #include "base/events.h"
 #include "base/handles.h"
 #include "base/log.h"
 #include "base/path.h"
-#include "base/wide_format.h"
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
 #include "documents/file_dialogs.h"
 #include "documents/open_directory.h"
 #include "documents/recent_files.h"
+#include "documents/save_rules.h"
 #include "files/file_io.h"
 #include "scintilla/sci.h"
 #include "settings/compiler_table.h"
@@ -58,11 +57,9 @@ void RestoreView(HWND editor, const ViewPosition& view) {
 }
 
 // A self-test run keeps nothing.
-Answer AskSaveChanges(int tab) {
-    wchar_t question[512];
-    FormatBufferW(question, L"Save changes to %s?", TabAt(tab).label);
+Answer AskSaveChanges(const wchar_t* label) {
     return AskUser({.caption = L"Unsaved Changes",
-                    .text = question,
+                    .text = SaveQuestion(label).c_str(),
                     .buttons = AskButtons::YesNoCancel,
                     .icon = AskIcon::Question,
                     .inSelftest = Answer::No});
@@ -71,17 +68,15 @@ Answer AskSaveChanges(int tab) {
 // Reloading cannot be undone, so edits are not given up without a word.
 bool MayDiscardChanges(const DocumentTab& document) {
     if (!document.modified) return true;
-    wchar_t question[512];
-    FormatBufferW(question, L"Reload %s and lose the changes made here?", document.label);
     return AskUser({.caption = L"Unsaved Changes",
-                    .text = question,
+                    .text = ReloadQuestion(document.label).c_str(),
                     .buttons = AskButtons::YesNo,
                     .icon = AskIcon::Question,
                     .inSelftest = Answer::Yes}) == Answer::Yes;
 }
 
-// The editor found no memory for the whole text. What it holds is no longer the file's, so that no save, least of all
-// the timer's, cuts the file as well.
+// The editor found no memory for the whole text. The document is unbound from its file, so that no save, the auto-save
+// timer's least of all, cuts the file as well.
 void KeepFileFromCutText(int tab) {
     DocumentTab& document = TabAt(tab);
     const std::wstring path{document.path};
@@ -161,10 +156,10 @@ int FileOpenResolveInitialDirectory(wchar_t* out, std::size_t capacity) {
 
 int FileReload(int tab) {
     if (!IsTabIndex(tab) || !TabAt(tab).hasFile) return 0;
-    const HWND editor = TabAt(tab).editor;
+    const DocumentId id = TabAt(tab).id;
     const bool mayDiscard = MayDiscardChanges(TabAt(tab));
-    tab = TabBarFindEditor(editor);  // the box may have let other work run
-    if (!mayDiscard || tab < 0) return 0;
+    tab = TabBarFindDocument(id);  // other work ran while the box was up
+    if (!mayDiscard || tab < 0 || !TabAt(tab).hasFile) return 0;
     DocumentTab& document = TabAt(tab);
     std::size_t length = 0;
     TextEncoding encoding = document.encoding;
@@ -194,33 +189,36 @@ int FileReload(int tab) {
 int FileConfirmClose(int tab) {
     if (!IsTabIndex(tab)) return 0;
     if (!TabAt(tab).modified) return 1;
-    // Timers and posted messages run while the box is up, so the tab is found again by its editor.
-    const HWND editor = TabAt(tab).editor;
-    const Answer answer = AskSaveChanges(tab);
+    const DocumentId document = TabAt(tab).id;
+    const Answer answer = AskSaveChanges(TabAt(tab).label);
     AppLogMsg(L"DBG FileClose: prompt answered tab=%d result=%d count=%d", tab, static_cast<int>(answer), TabCount());
-    tab = TabBarFindEditor(editor);
+    tab = TabBarFindDocument(document);  // timers and posted messages ran while the box was up
     if (tab < 0 || answer == Answer::Cancel) return 0;
     return answer == Answer::Yes ? FileSave(tab) : 1;
 }
 
 int FileClose(int tab) {
     if (!IsTabIndex(tab)) return 0;
-    const HWND editor = TabAt(tab).editor;
-    if (FileConfirmClose(tab) == 0 || TabBarRemove(TabBarFindEditor(editor)) == 0) {
-        g_documents.returnTo = 0;  // the user would rather keep it: it was not selected only to go back from it
+    const DocumentId document = TabAt(tab).id;
+    if (FileConfirmClose(tab) == 0 || TabBarRemove(TabBarFindDocument(document)) == 0) {
+        g_documents.returnTo = 0;  // the user keeps it, so it was not selected only to go back from it
         return 0;
     }
     return 1;
 }
 
-int FileCloseAll() {
-    while (TabCount() > 0) {
-        const int tab = TabCount() - 1;
+int FileCloseDocuments(CloseRange range, DocumentId kept) {
+    for (const DocumentId document : DocumentsToClose(DocumentRowEntries(), range, kept)) {
+        const int tab = TabBarFindDocument(document);
+        if (tab < 0) continue;                       // closed by someone else while a question was up
         if (TabAt(tab).modified) TabBarSelect(tab);  // the user sees what the question is about
         if (FileClose(tab) == 0) return 0;
     }
+    TabBarActivate(TabBarFindDocument(kept));
     return 1;
 }
+
+int FileCloseAll() { return FileCloseDocuments(CloseRange::All, 0); }
 
 void MruAddFile(const wchar_t* path) {
     if (path == nullptr || path[0] == L'\0') return;

@@ -4,7 +4,7 @@
 #include "base/bounded_text.h"
 #include "base/log.h"
 #include "base/path.h"
-#include "settings/file_type_table.h"
+#include "documents/file_dialog_texts.h"
 #include "ui/message.h"
 #include "ui/ui_state.h"
 
@@ -14,33 +14,18 @@
 #include <commdlg.h>
 
 #include <string>
-#include <string_view>
 
 namespace {
 
-// The dialogs' own form of the filter table: texts separated and ended by NULs.
-std::wstring FilterText() {
-    std::wstring text;
-    for (const FileTypeFilter& filter : FileDialogFilters()) {
-        text.append(filter.description).push_back(L'\0');
-        text.append(filter.pattern).push_back(L'\0');
-    }
-    text.push_back(L'\0');
-    return text;
-}
-
-bool Ask(BOOL(WINAPI* dialog)(LPOPENFILENAMEW), OPENFILENAMEW request) {
-    const std::wstring filter = FilterText();
+bool RunFileDialog(BOOL(WINAPI* dialog)(LPOPENFILENAMEW), OPENFILENAMEW request) {
+    const std::wstring filter = FileDialogFilter();
     request.lStructSize = sizeof request;
     request.hwndOwner = g_ui.hMainWnd;
     request.lpstrFilter = filter.c_str();
     request.nFilterIndex = 1;
-    // A pre-filled name that the dialog refuses, odd or too long for it, is tried without its folder, then left out.
     const std::wstring path{request.lpstrFile};
-    wchar_t file[kPathCapacity];
-    PathGetFile(path.c_str(), file, kPathCapacity);
     DWORD error = 0;  // stays 0 when the user cancelled
-    for (const std::wstring_view name : {std::wstring_view{path}, std::wstring_view{file}, std::wstring_view{}}) {
+    for (const std::wstring& name : FileDialogNames(path)) {
         SafeCopyW(request.lpstrFile, request.nMaxFile, name);
         OPENFILENAMEW attempt = request;
         if (dialog(&attempt) != FALSE) return true;
@@ -65,7 +50,7 @@ bool AskOpenPath(wchar_t* path, std::size_t capacity, const wchar_t* directory) 
     request.nMaxFile = static_cast<DWORD>(capacity);
     request.lpstrInitialDir = directory;
     request.Flags = OFN_HIDEREADONLY | OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST | OFN_NOCHANGEDIR;
-    return Ask(GetOpenFileNameW, request);
+    return RunFileDialog(GetOpenFileNameW, request);
 }
 
 bool AskSavePath(wchar_t* path, std::size_t capacity, const wchar_t* directory) {
@@ -75,5 +60,5 @@ bool AskSavePath(wchar_t* path, std::size_t capacity, const wchar_t* directory) 
     request.lpstrInitialDir = directory;
     request.lpstrDefExt = L"bas";
     request.Flags = OFN_OVERWRITEPROMPT | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
-    return Ask(GetSaveFileNameW, request);
+    return RunFileDialog(GetSaveFileNameW, request);
 }

@@ -1,48 +1,47 @@
 // The "go to line" dialog. Modal, UI thread.
+#include "documents/file_commands.h"
+
 #include "base/log.h"
 #include "base/wide_format.h"
-#include "documents/documents_state.h"
+#include "documents/document_row.h"
 #include "documents/editor_pane.h"
-#include "documents/file_commands.h"
-#include "documents/open_directory.h"
+#include "documents/goto_line.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "ui/ui_state.h"
 
 #include <windows.h>
 
-#include <algorithm>
-#include <cwchar>
-
 namespace {
 
 struct GotoTarget {
-    int line = 0;    // counts from 1
-    int column = 0;  // counts from 0
+    DocumentId document = 0;  // the one that the dialog was opened for
+    int line = 0;             // counts from 1
+    int column = 0;           // bytes, counts from 0
 };
 
 constexpr int kNumberCapacity = 32;  // characters read from a field
 constexpr std::size_t kProcedureCapacity = 257;
 
-void SetNumber(HWND dialog, int control, LRESULT number) {
+void SetGotoNumber(HWND dialog, int control, LRESULT number) {
     wchar_t text[kNumberCapacity];
     FormatBufferW(text, L"%ld", static_cast<long>(number));
     SetDlgItemTextW(dialog, control, text);
 }
 
-int GetNumber(HWND dialog, int control) {
+int ReadGotoNumber(HWND dialog, int control) {
     wchar_t text[kNumberCapacity] = {};
     GetDlgItemTextW(dialog, control, text, kNumberCapacity);
-    return _wtoi(text);
+    return GotoNumber(text);
 }
 
 // The line counts from 1 and the column from 0, as the fields are read back.
-void Fill(HWND dialog) {
+void FillGotoDialog(HWND dialog) {
     const LRESULT caret = SciSend(g_documents.hEditor, SCI_GETCURRENTPOS);
-    SetNumber(dialog, IDC_GOTO_LINE,
-              SciSend(g_documents.hEditor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(caret)) + 1);
-    SetNumber(dialog, IDC_GOTO_LINE_COUNT, SciSend(g_documents.hEditor, SCI_GETLINECOUNT));
-    SetNumber(dialog, IDC_GOTO_COLUMN, SciSend(g_documents.hEditor, SCI_GETCOLUMN, static_cast<WPARAM>(caret)));
+    SetGotoNumber(dialog, IDC_GOTO_LINE,
+                  SciSend(g_documents.hEditor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(caret)) + 1);
+    SetGotoNumber(dialog, IDC_GOTO_LINE_COUNT, SciSend(g_documents.hEditor, SCI_GETLINECOUNT));
+    SetGotoNumber(dialog, IDC_GOTO_COLUMN, SciSend(g_documents.hEditor, SCI_GETCOLUMN, static_cast<WPARAM>(caret)));
     wchar_t procedure[kProcedureCapacity];
     EditorPaneProcedureLine(g_documents.hEditor, procedure, kProcedureCapacity);
     SetDlgItemTextW(dialog, IDC_GOTO_PROCEDURE, procedure);
@@ -51,23 +50,24 @@ void Fill(HWND dialog) {
     SetFocus(line);
 }
 
-void GoTo(const GotoTarget& target) {
-    const HWND editor = g_documents.hEditor;
-    if (target.line < 1 || editor == nullptr) return;
-    const LRESULT lines = SciSend(editor, SCI_GETLINECOUNT);
-    const auto index = static_cast<WPARAM>(std::min<LRESULT>(target.line, lines) - 1);
-    const LRESULT start = SciSend(editor, SCI_POSITIONFROMLINE, index);
-    const LRESULT end = SciSend(editor, SCI_GETLINEENDPOSITION, index);
+void GoToTarget(const GotoTarget& target) {
+    const int tab = TabBarFindDocument(target.document);  // messages were handled while the dialog was up
+    if (tab < 0) return;
+    const HWND editor = TabAt(tab).editor;
+    const std::ptrdiff_t line = GotoLineIndex(target.line, SciSend(editor, SCI_GETLINECOUNT));
+    if (line < 0) return;
+    const LRESULT start = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line));
+    const LRESULT end = SciSend(editor, SCI_GETLINEENDPOSITION, static_cast<WPARAM>(line));
     SciSend(editor, SCI_GOTOPOS, static_cast<WPARAM>(GotoLinePosition(start, end, target.column)));
-    SetFocus(editor);
+    FocusCurrentEditor();
 }
 
 // Reads the fields into the dialog's GotoTarget: the caret moves once the dialog is gone, because a window whose owner
 // is disabled cannot take the focus.
-void Accept(HWND dialog) {
+void AcceptGoto(HWND dialog) {
     auto* target = reinterpret_cast<GotoTarget*>(GetWindowLongPtrW(dialog, DWLP_USER));
-    target->line = GetNumber(dialog, IDC_GOTO_LINE);
-    target->column = GetNumber(dialog, IDC_GOTO_COLUMN);
+    target->line = ReadGotoNumber(dialog, IDC_GOTO_LINE);
+    target->column = ReadGotoNumber(dialog, IDC_GOTO_COLUMN);
     EndDialog(dialog, IDOK);
 }
 
@@ -75,11 +75,11 @@ INT_PTR CALLBACK GotoLineDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARA
     switch (message) {
         case WM_INITDIALOG:
             SetWindowLongPtrW(dialog, DWLP_USER, lParam);
-            Fill(dialog);
+            FillGotoDialog(dialog);
             return FALSE;  // the focus is set already
         case WM_COMMAND:
             if (LOWORD(wParam) == IDOK)
-                Accept(dialog);
+                AcceptGoto(dialog);
             else if (LOWORD(wParam) == IDCANCEL)
                 EndDialog(dialog, IDCANCEL);
             return TRUE;
@@ -90,11 +90,11 @@ INT_PTR CALLBACK GotoLineDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARA
 }  // namespace
 
 void GotoLineDialogShow(HWND owner) {
-    GotoTarget target;
+    GotoTarget target{.document = ActiveDocumentId()};
     const INT_PTR answer = DialogBoxParamW(g_ui.hInstance, MAKEINTRESOURCEW(IDD_GOTO_LINE), owner, GotoLineDlgProc,
                                            reinterpret_cast<LPARAM>(&target));
     if (answer == -1)
         AppLogMsg(L"FAIL: GotoLineDialogShow error=%lu", GetLastError());
     else if (answer == IDOK)
-        GoTo(target);
+        GoToTarget(target);
 }

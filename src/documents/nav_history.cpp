@@ -1,9 +1,20 @@
-// Rules of the navigation history: what is recorded and where a step leads. Knows no window and no tab. Pure.
+// Rules of the navigation history: what is recorded and where a step leads. Knows no window and no document. Pure.
 #include "documents/nav_history.h"
 
 #include "documents/row_rules.h"
 
 #include <cstdlib>
+
+namespace {
+
+// Slot 0 names the first tab whichever it is, so it does not follow a document.
+template <typename Follow>
+void FollowTabs(NavHistory& history, Follow follow) {
+    for (std::int32_t slot = 1; slot < history.navCount; ++slot) history.navTab[slot] = follow(history.navTab[slot]);
+    history.navLastTab = follow(history.navLastTab);
+}
+
+}  // namespace
 
 void NavRecord(NavHistory& history, std::int32_t position, std::int32_t tab) {
     if (history.navIndex < 0) history.navIndex = 0;
@@ -34,17 +45,11 @@ bool NavStepForward(NavHistory& history) {
 }
 
 void NavTabRemoved(NavHistory& history, std::int32_t tab) {
-    const auto follow = [tab](std::int32_t& remembered) {
-        if (remembered == tab)
-            remembered = -1;
-        else if (remembered > tab)
-            --remembered;
-    };
-    for (std::int32_t& remembered : history.navTab) follow(remembered);
-    follow(history.navLastTab);
+    FollowTabs(
+        history, [tab](std::int32_t place) { return TabIndexAfterRemoval(place, tab); });
 }
 
 void NavTabMoved(NavHistory& history, std::int32_t from, std::int32_t to) {
-    for (std::int32_t& remembered : history.navTab) remembered = TabIndexAfterMove(remembered, from, to);
-    history.navLastTab = TabIndexAfterMove(history.navLastTab, from, to);
+    FollowTabs(
+        history, [from, to](std::int32_t place) { return TabIndexAfterMove(place, from, to); });
 }

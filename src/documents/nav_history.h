@@ -5,11 +5,11 @@
 
 inline constexpr int kNavCapacity = 64;
 
-// Slot 0 is never written by an add: the first place lands in slot 1, so that going back from it ends at the
-// start of the first tab.
+// An add never writes slot 0: the first place lands in slot 1, and going back from it leads to slot 0, the start of the
+// first tab.
 struct NavHistory {
     std::int32_t navPos[kNavCapacity] = {};  // document position, bytes
-    std::int32_t navTab[kNavCapacity] = {};  // tab index
+    std::int32_t navTab[kNavCapacity] = {};  // tab index, -1: the tab is gone
     std::int32_t navIndex = 0;               // slot of the current place
     std::int32_t navCount = 0;               // end mark: one past the last slot in use
     std::int32_t navLastLine = -1;           // last place recorded by NavHistoryMaybeAdd
@@ -29,6 +29,6 @@ bool NavShouldRecord(NavHistory& history, std::int32_t line, std::int32_t tab);
 bool NavStepBack(NavHistory& history);
 bool NavStepForward(NavHistory& history);
 
-// The row of tabs has changed: places keep their documents, and those of a removed one lead nowhere.
+// The row of tabs has changed: recorded places stay with their documents, and those of a removed one lead nowhere.
 void NavTabRemoved(NavHistory& history, std::int32_t tab);
 void NavTabMoved(NavHistory& history, std::int32_t from, std::int32_t to);

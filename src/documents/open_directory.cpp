@@ -1,10 +1,8 @@
-// Rules behind the open dialog and the go-to-line dialog. Pure.
+// Which folder the open dialog starts in. Pure.
 #include "documents/open_directory.h"
 
 #include "base/bounded_text.h"
 #include "base/path.h"
-
-#include <algorithm>
 
 namespace {
 
@@ -37,9 +35,4 @@ bool ResolveOpenDirectory(const OpenDirectoryInputs& inputs, DirectoryProbe exis
     }
     SafeCopyW(out, capacity, inputs.exeDirectory);
     return out[0] != L'\0';
-}
-
-std::ptrdiff_t GotoLinePosition(std::ptrdiff_t lineStart, std::ptrdiff_t lineEnd, std::ptrdiff_t column) {
-    const std::ptrdiff_t room = std::max<std::ptrdiff_t>(lineEnd - lineStart, 0);
-    return lineStart + std::clamp<std::ptrdiff_t>(column, 0, room);
 }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <string_view>
 
 struct OpenDirectoryInputs {
     const wchar_t* activeFile;     // path of the active document, empty when it has none
@@ -15,6 +14,3 @@ using DirectoryProbe = bool (*)(const wchar_t* path);  // does this folder exist
 // The active file's folder, else the last one used, else the first examples folder that exists beside the executable,
 // else the executable's folder. False when none of them gives a folder.
 bool ResolveOpenDirectory(const OpenDirectoryInputs& inputs, DirectoryProbe exists, wchar_t* out, std::size_t capacity);
-
-// Byte position of a "go to line" target: the column is an offset in bytes from the line's start, kept on the line.
-std::ptrdiff_t GotoLinePosition(std::ptrdiff_t lineStart, std::ptrdiff_t lineEnd, std::ptrdiff_t column);

@@ -1,5 +1,4 @@
-// What the editor area remembers of one Scintilla pane, and the seams between its files. Private to this folder.
-// UI thread.
+// What is remembered of one Scintilla pane, and the functions that its files share. Private to this folder. UI thread.
 #pragma once
 
 #include "documents/sticky_header.h"
@@ -19,7 +18,7 @@ struct LineMarginBasis {
 };
 
 struct PaneState {
-    bool emptyPaint = false;  // a paint of nothing is under way: no preparations
+    bool emptyPaint = false;  // a paint of an empty area is under way: it needs no preparations
     bool bracesShown = false;
     bool inlineShown = false;     // some of the document is marked as inline assembly
     StickyCache sticky;           // what is known about procedure lines above the caret
@@ -31,6 +30,11 @@ struct PaneState {
 
 // Null for a window that is no Scintilla pane of ours (the Rich Edit fallback).
 PaneState* PaneStateOf(HWND editor);
+
+// SciSend with a signed wParam: positions and lines are signed.
+inline LRESULT PaneSend(HWND editor, UINT message, LRESULT wParam = 0, LRESULT lParam = 0) {
+    return SciSend(editor, message, static_cast<WPARAM>(wParam), lParam);
+}
 
 // Colours, margins and input rules that do not depend on any setting; once, at creation.
 void EditorPaneSetUp(HWND editor);

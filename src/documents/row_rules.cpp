@@ -1,3 +1,4 @@
+// Arithmetic of the row of documents. Pure.
 #include "documents/row_rules.h"
 
 #include <algorithm>
@@ -9,8 +10,33 @@ int TabIndexAfterMove(int index, int from, int to) {
     return index;
 }
 
-int TabIndexAfterRemoval(int active, int removed, int count) {
-    const int left = count - 1;
-    if (left <= 0 || active < 0) return -1;
-    return removed < active ? active - 1 : std::min(active, left - 1);
+int TabIndexAfterRemoval(int index, int removed) {
+    if (index == removed) return -1;
+    return index > removed ? index - 1 : index;
+}
+
+int TabToShowAfterRemoval(int active, int removed, int count, int wanted) {
+    if (count <= 1 || active < 0) return -1;
+    if (active != removed) return TabIndexAfterRemoval(active, removed);
+    if (wanted >= 0 && wanted != removed) return TabIndexAfterRemoval(wanted, removed);
+    return std::min(active, count - 2);
+}
+
+std::vector<DocumentId> DocumentsToClose(std::span<const RowEntry> row, CloseRange range, DocumentId kept) {
+    std::vector<DocumentId> ids;
+    const auto at = std::ranges::find(row, kept, &RowEntry::id);
+    if (range != CloseRange::All && at == row.end()) return ids;
+    const auto first = range == CloseRange::Right ? at : row.begin();
+    for (auto entry = row.end(); entry != first;) {
+        --entry;
+        if (range == CloseRange::All || entry->id != kept) ids.push_back(entry->id);
+    }
+    return ids;
+}
+
+std::vector<DocumentId> DocumentsToSave(std::span<const RowEntry> row, bool withFile) {
+    std::vector<DocumentId> ids;
+    for (const RowEntry& entry : row)
+        if (entry.modified && entry.hasFile == withFile) ids.push_back(entry.id);
+    return ids;
 }

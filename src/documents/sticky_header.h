@@ -1,6 +1,6 @@
 // The sticky header: the nearest line above the caret that opens a procedure or a type, found by a plain prefix test.
-// A cache keeps what is known about the lines above the caret, so that moving and typing cost the lines that changed,
-// not the document. Pure.
+// A cache keeps what is known about the lines above the caret, so that after a move or an edit only the lines that changed are
+// looked at. Pure.
 #pragma once
 
 #include <cstddef>

@@ -1,7 +1,8 @@
-// Shows the sticky header of an editor: hands the lines that the cache does not know to the rule, and the answer to
+// Shows the sticky header of an editor: reads the lines that the cache does not know for the rule, and puts its answer into
 // the label. UI thread.
 #include "documents/editor_pane.h"
 
+#include "base/utf8.h"
 #include "documents/documents_state.h"
 #include "documents/pane_state.h"
 #include "documents/sticky_header.h"
@@ -17,7 +18,7 @@ constexpr UINT_PTR kTimer = 0x4B53;
 constexpr UINT kTimerMs = 10;
 constexpr LRESULT kBudget = 4 << 20;  // bytes looked at in one go: a few milliseconds
 
-void CALLBACK OnTimer(HWND editor, UINT, UINT_PTR timer, DWORD) {
+void CALLBACK OnStickyTimer(HWND editor, UINT, UINT_PTR timer, DWORD) {
     KillTimer(editor, timer);
     if (editor == g_documents.hEditor) UpdateStickyHeader(editor, g_documents.hStickyHeader);
 }
@@ -36,13 +37,13 @@ bool LookUp(HWND editor, StickyCache& cache, std::int64_t line, LRESULT budget) 
         const LRESULT cut = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(end - budget), 0);
         start = LineStart(editor, std::clamp<std::int64_t>(cut + 1, wanted.first, wanted.last));
     }
-    // Straight into Scintilla's buffer. What lies before the caret is in one piece after typing, so that no text moves.
+    // Reads Scintilla's buffer itself. After typing, what lies before the caret is in one piece there, so that no text moves.
     const LRESULT length = end - start;
     const char* text =
         length > 0
             ? reinterpret_cast<const char*>(SciSend(editor, SCI_GETRANGEPOINTER, static_cast<WPARAM>(start), length))
             : "";
-    if (!text) return true;
+    if (text == nullptr) return true;
     StickyLearn(cache, line, StickyScanUp({text, static_cast<std::size_t>(length)}, wanted.last));
     const StickyRange left = StickyWanted(cache, line);
     return left.first > left.last;
@@ -53,7 +54,7 @@ bool LookUp(HWND editor, StickyCache& cache, std::int64_t line, LRESULT budget) 
 std::int64_t HeaderLine(HWND editor, bool whole, bool* finished) {
     StickyCache local;
     PaneState* state = PaneStateOf(editor);
-    StickyCache& cache = state ? state->sticky : local;
+    StickyCache& cache = state != nullptr ? state->sticky : local;
     const LRESULT caret = SciSend(editor, SCI_GETCURRENTPOS, 0, 0);
     const LRESULT line = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(caret), 0);
     *finished = LookUp(editor, cache, line, kBudget);
@@ -70,18 +71,16 @@ std::wstring LineText(HWND editor, std::int64_t line) {
     range.chrg = {start, start + length};
     range.lpstrText = utf8;
     SciSend(editor, SCI_GETTEXTRANGEFULL, 0, reinterpret_cast<LPARAM>(&range));
-    wchar_t wide[kStickyMaximumLine + 1];
-    const int count = MultiByteToWideChar(CP_UTF8, 0, utf8, static_cast<int>(length), wide, kStickyMaximumLine);
-    return {wide, static_cast<std::size_t>(std::max(count, 0))};
+    return Utf8ToWideText({utf8, static_cast<std::size_t>(std::max<LRESULT>(length, 0))});
 }
 
 }  // namespace
 
 void UpdateStickyHeader(HWND editor, HWND label) {
-    if (!editor || !label) return;
+    if (editor == nullptr || label == nullptr) return;
     bool finished = true;
     const std::int64_t header = HeaderLine(editor, false, &finished);
-    if (!finished) SetTimer(editor, kTimer, kTimerMs, OnTimer);
+    if (!finished) SetTimer(editor, kTimer, kTimerMs, OnStickyTimer);
     const std::wstring text = header != kStickyNone ? LineText(editor, header) : std::wstring();
     // The label repaints whenever it is told, so it is told only news.
     wchar_t shown[kStickyMaximumLine + 2] = {};
@@ -90,9 +89,9 @@ void UpdateStickyHeader(HWND editor, HWND label) {
 }
 
 std::size_t EditorPaneProcedureLine(HWND editor, wchar_t* out, std::size_t capacity) {
-    if (!out || capacity == 0) return 0;
+    if (out == nullptr || capacity == 0) return 0;
     out[0] = L'\0';
-    if (!editor) return 0;
+    if (editor == nullptr) return 0;
     bool finished = true;
     const std::int64_t header = HeaderLine(editor, true, &finished);
     if (header != kStickyNone) SafeCopyW(out, capacity, LineText(editor, header));

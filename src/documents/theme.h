@@ -1,5 +1,5 @@
 // Themes, styles and lexers of the editors: which colours and which lexer a document gets. UI thread only; the tables
-// behind it are pure (ui/theme_table.h, language/lexer_table.h).
+// for them are pure (ui/theme_table.h, language/lexer_table.h).
 #pragma once
 
 #include <windows.h>

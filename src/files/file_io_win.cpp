@@ -1,49 +1,52 @@
-// Bytes of whole files, and text between UTF-8 and UTF-16. No state; any thread.
+// Bytes of whole files, and paths as the system has them. No state; any thread.
 #include "files/file_io.h"
 
 #include "base/handles.h"
 #include "base/path.h"
+#include "files/whole_file.h"
 
+#include <algorithm>
 #include <cstdint>
 
 namespace {
 
 constexpr std::uint64_t kSizeLimit = 0xFFFFFFFFU;  // this size and more is a failure
+constexpr std::uint64_t kSharedLimit = 0x7FFFFFFF;
 constexpr DWORD kModulePathCapacity = 4096;
 
+// A file on a disk that is open for reading, and its size. A device name ("CON", a pipe) opens too, and reading it would
+// wait for someone to type: it counts as not open.
+struct OpenedFile {
+    UniqueHandle handle;
+    std::uint64_t size = 0;
+};
+
+OpenedFile OpenDiskFile(const wchar_t* path, DWORD sharing) {
+    OpenedFile file{UniqueHandle{CreateFileW(PathForSystem(path).c_str(), GENERIC_READ, sharing, nullptr, OPEN_EXISTING,
+                                             FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr)}};
+    LARGE_INTEGER size = {};
+    if (!file.handle || GetFileType(file.handle.Get()) != FILE_TYPE_DISK ||
+        GetFileSizeEx(file.handle.Get(), &size) == FALSE)
+        return {};
+    file.size = static_cast<std::uint64_t>(size.QuadPart);
+    return file;
+}
+
+// `taken` gets the number of bytes that came, fewer when the file has become shorter.
+bool ReadInto(const OpenedFile& file, char* buffer, std::size_t* taken) {
+    DWORD read = 0;
+    if (ReadFile(file.handle.Get(), buffer, static_cast<DWORD>(file.size), &read, nullptr) == FALSE) return false;
+    *taken = read;
+    return true;
+}
+
+// A redirector or an odd file system that knows no flush counts as done.
+bool FlushWritten(HANDLE file) {
+    return FlushFileBuffers(file) != FALSE || GetLastError() == ERROR_INVALID_FUNCTION ||
+           GetLastError() == ERROR_NOT_SUPPORTED;
+}
+
 }  // namespace
-
-wchar_t* Utf8ToWide(const char* utf8) {
-    if (utf8 == nullptr) return nullptr;
-    const int length = MultiByteToWideChar(CP_UTF8, 0, utf8, -1, nullptr, 0);
-    if (length < 1) return nullptr;
-    auto* const wide = static_cast<wchar_t*>(std::malloc(static_cast<std::size_t>(length) * sizeof(wchar_t)));
-    if (wide != nullptr && MultiByteToWideChar(CP_UTF8, 0, utf8, -1, wide, length) < 1) {
-        std::free(wide);
-        return nullptr;
-    }
-    return wide;
-}
-
-std::wstring Utf8ToWideText(std::string_view utf8) {
-    if (utf8.empty() || utf8.size() > 0x7FFFFFFFU) return {};
-    const int size = static_cast<int>(utf8.size());
-    std::wstring wide(static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, nullptr, 0)), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, wide.data(), static_cast<int>(wide.size()));
-    return wide;
-}
-
-char* WideToUtf8(const wchar_t* wide) {
-    if (wide == nullptr) return nullptr;
-    const int length = WideCharToMultiByte(CP_UTF8, 0, wide, -1, nullptr, 0, nullptr, nullptr);
-    if (length < 1) return nullptr;
-    auto* const utf8 = static_cast<char*>(std::malloc(static_cast<std::size_t>(length)));
-    if (utf8 != nullptr && WideCharToMultiByte(CP_UTF8, 0, wide, -1, utf8, length, nullptr, nullptr) < 1) {
-        std::free(utf8);
-        return nullptr;
-    }
-    return utf8;
-}
 
 bool FileExists(const wchar_t* path) {
     if (path == nullptr) return false;
@@ -54,41 +57,54 @@ bool FileExists(const wchar_t* path) {
 char* ReadFileUtf8(const wchar_t* path, std::size_t* length) {
     if (path == nullptr || length == nullptr) return nullptr;
     *length = 0;
-    const UniqueHandle file{CreateFileW(PathForSystem(path).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)};
-    // A device name ("CON", a pipe) opens too, and reading it would wait for someone to type.
-    if (!file || GetFileType(file.Get()) != FILE_TYPE_DISK) return nullptr;
-    LARGE_INTEGER size = {};
-    if (GetFileSizeEx(file.Get(), &size) == FALSE || static_cast<std::uint64_t>(size.QuadPart) >= kSizeLimit)
-        return nullptr;
-    const auto bytes = static_cast<std::size_t>(size.QuadPart);
-    HeapBlock<char> buffer{static_cast<char*>(std::malloc(bytes + 1))};
-    DWORD read = 0;
-    if (!buffer || ReadFile(file.Get(), buffer.get(), static_cast<DWORD>(bytes), &read, nullptr) == FALSE)
-        return nullptr;
-    buffer.get()[read] = '\0';
-    *length = read;
+    const OpenedFile file = OpenDiskFile(path, FILE_SHARE_READ);
+    if (!file.handle || file.size >= kSizeLimit) return nullptr;
+    HeapBlock<char> buffer{static_cast<char*>(std::malloc(static_cast<std::size_t>(file.size) + 1))};
+    if (!buffer || !ReadInto(file, buffer.get(), length)) return nullptr;
+    buffer.get()[*length] = '\0';
     return buffer.release();
 }
 
-bool WriteFileUtf8(const wchar_t* path, const char* bytes, std::size_t length) {
-    if (path == nullptr || bytes == nullptr || length >= kSizeLimit) return false;
-    const UniqueHandle file{CreateFileW(PathForSystem(path).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                        FILE_ATTRIBUTE_NORMAL, nullptr)};
-    DWORD written = 0;
-    return file && WriteFile(file.Get(), bytes, static_cast<DWORD>(length), &written, nullptr) != FALSE &&
-           written == length;
+bool ReadSharedFile(const std::wstring& path, std::size_t most, std::string* bytes) {
+    bytes->clear();
+    if (path.empty()) return false;
+    const OpenedFile file = OpenDiskFile(path.c_str(), FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
+    if (!file.handle || file.size > std::min<std::uint64_t>(most, kSharedLimit)) return false;
+    bytes->resize(static_cast<std::size_t>(file.size));
+    std::size_t taken = 0;
+    if (!bytes->empty() && !ReadInto(file, bytes->data(), &taken)) return false;
+    bytes->resize(taken);
+    return true;
 }
 
-bool FlushWritten(void* file) {
-    return FlushFileBuffers(file) != FALSE || GetLastError() == ERROR_INVALID_FUNCTION ||
-           GetLastError() == ERROR_NOT_SUPPORTED;
+bool WriteWholeFile(const std::wstring& systemPath, std::string_view bytes, const WriteHow& how) {
+    if (bytes.size() >= kSizeLimit) return false;
+    bool opened = false;
+    bool written = false;
+    {
+        const UniqueHandle file{
+            CreateFileW(systemPath.c_str(), GENERIC_WRITE, 0, nullptr, how.disposition, how.attributes, nullptr)};
+        opened = static_cast<bool>(file);
+        DWORD taken = 0;
+        written = opened &&
+                  WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &taken, nullptr) != FALSE &&
+                  taken == bytes.size() && (!how.flush || FlushWritten(file.Get()));
+    }
+    const DWORD error = GetLastError();
+    if (opened && !written && how.removeFailed) DeleteFileW(systemPath.c_str());
+    SetLastError(error);  // the caller may ask why
+    return written;
+}
+
+bool WriteFileUtf8(const wchar_t* path, const char* bytes, std::size_t length) {
+    return path != nullptr && bytes != nullptr &&
+           WriteWholeFile(PathForSystem(path), {bytes, length}, {.flush = false});
 }
 
 std::wstring PathForSystem(const wchar_t* path) {
     std::wstring extended = PathExtended(path);
     if (extended.size() == std::wstring_view{path}.size()) return extended;
-    // Behind the prefix the system no longer resolves "." and ".." nor turns slashes round, so that is done before.
+    // After the prefix the system neither resolves "." and ".." nor turns slashes round, so that is done before.
     wchar_t full[4096];
     const DWORD length = GetFullPathNameW(path, 4096, full, nullptr);
     return length > 0 && length < 4096 ? PathExtended({full, length}) : extended;

@@ -1,5 +1,7 @@
-// Names of recovery copies. Pure; any thread.
+// Names of recovery copies, and which of them are kept. Pure; any thread.
 #include "files/recovery.h"
+
+#include "base/path.h"
 
 #include <algorithm>
 
@@ -39,4 +41,32 @@ std::wstring RecoveryCopyName(std::wstring_view targetPath, std::uint32_t proces
     result += L" [" + Hex(HashPath(targetPath)) + L'-' + Hex(processId) + L'-' + std::to_wstring(number) + L']';
     result += name.substr(dot);
     return result;
+}
+
+std::vector<RecoveryCopy> KeptCopies::Take(std::wstring_view target) {
+    std::vector<RecoveryCopy> taken;
+    std::erase_if(kept_, [&](const Kept& kept) {
+        const bool same = PathEqualsIgnoreCase(kept.target, target);
+        if (same) taken.push_back(kept.copy);
+        return same;
+    });
+    return taken;
+}
+
+std::vector<RecoveryCopy> KeptCopies::Keep(std::wstring_view target, const RecoveryCopy& copy) {
+    lastPath_ = copy.path;
+    if (copy.path.empty()) return {};
+    std::vector<RecoveryCopy> older = Take(target);
+    kept_.push_back({std::wstring{target}, copy});
+    return older;
+}
+
+std::vector<RecoveryCopy> KeptCopies::Forget(std::wstring_view target) {
+    lastPath_.clear();
+    return Take(target);
+}
+
+bool KeptCopies::Has(std::wstring_view target) const {
+    return std::ranges::any_of(
+        kept_, [target](const Kept& kept) { return PathEqualsIgnoreCase(kept.target, target); });
 }

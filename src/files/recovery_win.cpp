@@ -1,31 +1,22 @@
-// Recovery copies on disk. The list of copies that failed saves left is the only state, under its own lock; any thread.
+// Recovery copies on disk. Any thread: the list of the copies that failed saves have left stands under its own lock.
 #include "files/recovery.h"
 
-#include "base/handles.h"
-#include "base/path.h"
 #include "files/file_io.h"
+#include "files/whole_file.h"
 
 #include <shlobj.h>
 
-#include <algorithm>
 #include <atomic>
 #include <iterator>
 #include <mutex>
-#include <vector>
 
 namespace {
 
-struct KeptCopy {
-    std::wstring target;
-    RecoveryCopy copy;
-};
-
 std::mutex g_keptLock;
-std::vector<KeptCopy> g_kept;  // under g_keptLock
-std::wstring g_lastPath;       // under g_keptLock
+KeptCopies g_kept;  // under g_keptLock
 std::atomic<std::uint32_t> g_nextNumber{1};
 
-// The environment comes first: it is what a user can redirect, and asking the shell would load it into every save.
+// The environment variable comes first: a user can redirect it, and asking the shell would load its libraries at a save.
 std::wstring LocalAppData() {
     wchar_t folder[1024];
     const DWORD length = GetEnvironmentVariableW(L"LOCALAPPDATA", folder, static_cast<DWORD>(std::size(folder)));
@@ -39,37 +30,15 @@ bool EnsureFolder(const std::wstring& folder) {
            GetLastError() == ERROR_ALREADY_EXISTS;
 }
 
-bool WriteFlushed(const std::wstring& path, const char* bytes, std::size_t length, DWORD attributes) {
-    const std::wstring systemPath = PathForSystem(path.c_str());
-    bool standing = false;
-    bool created = false;
-    {
-        const UniqueHandle file{
-            CreateFileW(systemPath.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, attributes, nullptr)};
-        created = static_cast<bool>(file);
-        DWORD written = 0;
-        standing = created && WriteFile(file.Get(), bytes, static_cast<DWORD>(length), &written, nullptr) != FALSE &&
-                   written == length && FlushWritten(file.Get());
-    }
-    if (created && !standing) DeleteFileW(systemPath.c_str());  // half a copy would only mislead
-    return standing;
+// Half a copy would only mislead.
+bool WriteCopy(const std::wstring& path, std::string_view bytes) {
+    return WriteWholeFile(PathForSystem(path.c_str()), bytes, {.disposition = CREATE_NEW, .removeFailed = true});
 }
 
-void Remove(const RecoveryCopy& copy) {
+void DeleteCopy(const RecoveryCopy& copy) {
     // What cannot be deleted is a leftover in the user's recovery folder, not a loss.
     if (!copy.path.empty()) DeleteFileW(PathForSystem(copy.path.c_str()).c_str());
     if (!copy.notePath.empty()) DeleteFileW(PathForSystem(copy.notePath.c_str()).c_str());
-}
-
-// Removes the copies that earlier failures of this target left: older states of the same document. Under g_keptLock.
-void RemoveKept(const wchar_t* target) {
-    std::erase_if(
-        g_kept,
-        [target](const KeptCopy& kept) {
-            const bool same = PathEqualsIgnoreCase(kept.target, target);
-            if (same) Remove(kept.copy);
-            return same;
-        });
 }
 
 // A name that is free in the folder: an earlier process with the same number may have left a copy.
@@ -83,13 +52,13 @@ std::wstring FreeName(const std::wstring& folder, const wchar_t* target) {
 
 bool WriteInUserFolder(const wchar_t* target, const char* bytes, std::size_t length, RecoveryCopy* copy) {
     const std::wstring folder = RecoveryFolder();
-    const HeapBlock<char> note{WideToUtf8(target)};
-    if (folder.empty() || !note) return false;
+    if (folder.empty()) return false;
+    const std::string note = ToUtf8(target);
     const std::wstring path = FreeName(folder, target);
     const RecoveryCopy wanted{.path = path, .notePath = path + L".path"};
     // The note first: with the copy on disk, so is what it belongs to.
-    const bool written = WriteFileUtf8(wanted.notePath.c_str(), note.get(), std::string_view{note.get()}.size()) &&
-                         WriteFlushed(wanted.path, bytes, length, FILE_ATTRIBUTE_NORMAL);
+    const bool written =
+        WriteFileUtf8(wanted.notePath.c_str(), note.data(), note.size()) && WriteCopy(wanted.path, {bytes, length});
     if (!written) {
         DeleteFileW(PathForSystem(wanted.notePath.c_str()).c_str());
         return false;
@@ -117,34 +86,28 @@ bool RecoveryWrite(const wchar_t* target, const char* bytes, std::size_t length,
     std::wstring folder{target};
     folder.resize(folder.rfind(L'\\') + 1);  // npos + 1 is 0: the current folder
     const std::wstring beside = FreeName(folder, target);
-    if (!WriteFlushed(beside, bytes, length, FILE_ATTRIBUTE_NORMAL)) return false;
+    if (!WriteCopy(beside, {bytes, length})) return false;
     copy->path = beside;
     return true;
 }
 
 void RecoveryDiscard(const wchar_t* target, const RecoveryCopy& copy) {
-    Remove(copy);
+    DeleteCopy(copy);
     const std::lock_guard lock{g_keptLock};
-    g_lastPath.clear();
-    RemoveKept(target);
+    for (const RecoveryCopy& older : g_kept.Forget(target)) DeleteCopy(older);
 }
 
 void RecoveryKeep(const wchar_t* target, const RecoveryCopy& copy) {
     const std::lock_guard lock{g_keptLock};
-    g_lastPath = copy.path;
-    if (!copy.path.empty()) {
-        RemoveKept(target);
-        g_kept.push_back({target, copy});
-    }
+    for (const RecoveryCopy& older : g_kept.Keep(target, copy)) DeleteCopy(older);
 }
 
 bool RecoveryHasKept(const wchar_t* target) {
     const std::lock_guard lock{g_keptLock};
-    return std::ranges::any_of(g_kept,
-                               [target](const KeptCopy& kept) { return PathEqualsIgnoreCase(kept.target, target); });
+    return g_kept.Has(target);
 }
 
 std::wstring RecoveryLastPath() {
     const std::lock_guard lock{g_keptLock};
-    return g_lastPath;
+    return g_kept.LastPath();
 }

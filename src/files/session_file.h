@@ -1,4 +1,4 @@
-// Small files that must never be half written: sessions and workspaces. Any thread.
+// Replacing a small file in one step: sessions and workspaces. Any thread.
 #pragma once
 
 #include <string_view>

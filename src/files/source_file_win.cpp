@@ -1,11 +1,13 @@
-// Source files between disk and editor: encoding and line ending are found on the way in and restored on the way out,
-// and a save never leaves the user without either the old or the new content. Any thread.
+// Source files between disk and editor: encoding and line ending are found on the way in and restored on the way out.
+// What a save does in which order is files/safe_save. Any thread.
+#include "files/file_io.h"
+
 #include "base/handles.h"
 #include "base/path.h"
-#include "files/file_io.h"
 #include "files/recovery.h"
+#include "files/safe_save.h"
+#include "files/whole_file.h"
 
-#include <algorithm>
 #include <climits>
 #include <cstring>
 
@@ -53,30 +55,29 @@ ByteBlock FromWide(UINT codePage, const WideBlock& wide) {
     return result;
 }
 
-// What the target's file is before it is overwritten.
-struct TargetState {
-    bool readOnly = false;
-    DWORD attributes = FILE_ATTRIBUTE_NORMAL;  // to create it with: the system refuses to overwrite a hidden or system
-                                               // file unless they match
-    std::uint64_t size = 0;
+struct FoundTarget {
+    SaveTarget target;
+    // The overwritten file is created with these: the system refuses to overwrite a hidden or system file unless they match.
+    DWORD attributes = FILE_ATTRIBUTE_NORMAL;
 };
 
-TargetState LookAtTarget(const std::wstring& systemPath) {
-    TargetState state;
+FoundTarget LookAtTarget(const std::wstring& systemPath) {
+    FoundTarget found;
     WIN32_FILE_ATTRIBUTE_DATA data = {};
     if (GetFileAttributesExW(systemPath.c_str(), GetFileExInfoStandard, &data) != FALSE) {
-        state.readOnly = (data.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
-        state.size = (static_cast<std::uint64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow;
+        found.target.readOnly = (data.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
+        found.target.size = (static_cast<std::uint64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow;
         const DWORD kept = data.dwFileAttributes & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
                                                     FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED);
-        state.attributes = kept != 0 ? kept : FILE_ATTRIBUTE_NORMAL;
+        if (kept != 0) found.attributes = kept;
     }
-    return state;
+    return found;
 }
 
-// False only when the volume certainly has no room for the new content, the old one's counted as free. Truncating
-// first and running out afterwards would leave half a file.
-bool VolumeHasRoom(const wchar_t* path, const TargetState& target, std::size_t length) {
+// False only when the volume certainly has no room for the new text, with that of the old one counted as free. Truncating
+// first and running out afterwards would leave half a file. A recovery copy on the same volume has taken its room already,
+// on purpose: it is what the user is left with.
+bool VolumeHasRoom(const wchar_t* path, const SaveTarget& target, std::size_t length) {
     if (length <= target.size) return true;
     wchar_t directory[4096];
     PathGetDir(path, directory, 4096);
@@ -87,59 +88,36 @@ bool VolumeHasRoom(const wchar_t* path, const TargetState& target, std::size_t l
     return length - target.size <= available.QuadPart;
 }
 
-// The write itself: truncates, writes in one call, and has the bytes on the disk when it returns true.
-bool Overwrite(const std::wstring& systemPath, DWORD attributes, const char* bytes, std::size_t length) {
-    const UniqueHandle file{
-        CreateFileW(systemPath.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, attributes, nullptr)};
-    DWORD written = 0;
-    return file && WriteFile(file.Get(), bytes, static_cast<DWORD>(length), &written, nullptr) != FALSE &&
-           written == length && FlushWritten(file.Get());
-}
-
-enum class Verdict { Same, Different, Unreadable };
-
-Verdict CompareWithFile(const std::wstring& systemPath, const char* bytes, std::size_t length) {
+SaveCheck CompareWithFile(const std::wstring& systemPath, const char* bytes, std::size_t length) {
     const UniqueHandle file{CreateFileW(systemPath.c_str(), GENERIC_READ,
                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
                                         FILE_FLAG_SEQUENTIAL_SCAN, nullptr)};
     const HeapBlock<char> chunk{static_cast<char*>(std::malloc(kVerifyChunk))};
-    if (!file || !chunk) return Verdict::Unreadable;
+    if (!file || !chunk) return SaveCheck::Unreadable;
     for (std::size_t offset = 0;;) {
         DWORD read = 0;
         if (ReadFile(file.Get(), chunk.get(), static_cast<DWORD>(kVerifyChunk), &read, nullptr) == FALSE)
-            return Verdict::Unreadable;
-        if (read == 0) return offset == length ? Verdict::Same : Verdict::Different;
-        if (read > length - offset || std::memcmp(chunk.get(), bytes + offset, read) != 0) return Verdict::Different;
+            return SaveCheck::Unreadable;
+        if (read == 0) return offset == length ? SaveCheck::Same : SaveCheck::Different;
+        if (read > length - offset || std::memcmp(chunk.get(), bytes + offset, read) != 0) return SaveCheck::Different;
         offset += read;
     }
 }
 
-// Order matters: the copy stands before the target is touched. When not even a copy beside the target can be written,
-// a target that holds something is left alone: its old content is then the only one on any disk.
-bool SaveSafely(const wchar_t* path, const char* bytes, std::size_t length) {
-    if (length >= MAXDWORD) return false;
+bool SaveBytes(const wchar_t* path, const char* bytes, std::size_t length) {
     const std::wstring systemPath = PathForSystem(path);
-    const TargetState target = LookAtTarget(systemPath);
+    const FoundTarget found = LookAtTarget(systemPath);
     RecoveryCopy copy;
-    const bool copied = RecoveryWrite(path, bytes, length, &copy);
-    bool saved = false;
-    Verdict verdict = Verdict::Unreadable;
-    // Some systems let an administrator write to a read-only file; the mark is respected everywhere.
-    if (!target.readOnly && (copied || target.size == 0)) {
-        // A copy beside the target has taken its room already, on purpose: it is what the user is left with.
-        saved = VolumeHasRoom(path, target, length) && Overwrite(systemPath, target.attributes, bytes, length);
-    }
-    if (saved) {
-        verdict = CompareWithFile(systemPath, bytes, length);
-        saved = verdict != Verdict::Different;
-    }
-    if (verdict == Verdict::Same) {
-        RecoveryDiscard(path, copy);
-        return true;
-    }
-    // A target that takes bytes but cannot be read back was saved as far as anyone can tell; the copy stays all the same.
-    RecoveryKeep(path, copy);
-    return saved;
+    return SafeSave(found.target,
+                    {.writeCopy = [&] { return RecoveryWrite(path, bytes, length, &copy); },
+                     .hasRoom = [&] { return VolumeHasRoom(path, found.target, length); },
+                     .overwrite =
+                         [&] {
+                             return WriteWholeFile(systemPath, {bytes, length}, {.attributes = found.attributes});
+                         },
+                     .check = [&] { return CompareWithFile(systemPath, bytes, length); },
+                     .discardCopy = [&] { RecoveryDiscard(path, copy); },
+                     .keepCopy = [&] { RecoveryKeep(path, copy); }});
 }
 
 }  // namespace
@@ -173,11 +151,11 @@ bool WriteSourceFileFromEditor(const wchar_t* path, const char* utf8, std::size_
     std::size_t normalLength = 0;
     HeapBlock<char> normal{NormalizeLineEndings(utf8, length, lineEnding, &normalLength)};
     if (!normal) return false;
-    if (encoding != TextEncoding::Ansi) return SaveSafely(path, normal.get(), normalLength);
+    if (encoding != TextEncoding::Ansi) return SaveBytes(path, normal.get(), normalLength);
     const WideBlock wide = ToWide(CP_UTF8, normal.get(), normalLength);
     normal.reset();
     const ByteBlock ansi = FromWide(CP_ACP, wide);
-    return ansi.bytes && SaveSafely(path, ansi.bytes.get(), ansi.length);
+    return ansi.bytes && SaveBytes(path, ansi.bytes.get(), ansi.length);
 }
 
 bool AnsiCanHold(std::string_view utf8) { return AnsiFirstUnmappable(utf8) < 0; }
@@ -185,12 +163,9 @@ bool AnsiCanHold(std::string_view utf8) { return AnsiFirstUnmappable(utf8) < 0; 
 std::ptrdiff_t AnsiFirstUnmappable(std::string_view utf8) {
     // A system whose code page is UTF-8 holds everything, and takes no question about replacements.
     if (GetACP() == CP_UTF8) return -1;
-    // Blocks of a fixed size keep the memory small and the common answer one pass; the block with the character in it is
-    // then walked one by one.
-    constexpr std::size_t kBlock = 1 << 16;
-    constexpr int kAnsiCapacity = 2 * (static_cast<int>(kBlock) + 4);
+    constexpr int kAnsiCapacity = 2 * ((1 << 16) + 4);
     const HeapBlock<char> ansi{static_cast<char*>(std::malloc(kAnsiCapacity))};
-    const auto holds = [&ansi](std::string_view part) {
+    return FirstRefusedCharacter(utf8, [&ansi](std::string_view part) {
         const WideBlock wide = ToWide(CP_UTF8, part.data(), part.size());
         BOOL replaced = FALSE;
         // With look-alikes forbidden, what would silently become another character counts too.
@@ -198,23 +173,5 @@ std::ptrdiff_t AnsiFirstUnmappable(std::string_view utf8) {
                WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.text.get(), wide.length, ansi.get(),
                                    kAnsiCapacity, nullptr, &replaced) > 0 &&
                replaced == FALSE;
-    };
-    const auto isLead = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; };
-    for (std::size_t at = 0; at < utf8.size();) {
-        std::size_t end = std::min(utf8.size(), at + kBlock);
-        while (end < utf8.size() && !isLead(utf8[end])) ++end;
-        unsigned char bits = 0;  // every code page begins with ASCII
-        for (const char c : utf8.substr(at, end - at)) bits |= static_cast<unsigned char>(c);
-        if (bits >= 0x80 && !holds(utf8.substr(at, end - at))) {
-            for (std::size_t first = at; first < end;) {
-                std::size_t next = first + 1;
-                while (next < end && !isLead(utf8[next])) ++next;
-                if (static_cast<unsigned char>(utf8[first]) >= 0x80 && !holds(utf8.substr(first, next - first)))
-                    return static_cast<std::ptrdiff_t>(first);
-                first = next;
-            }
-        }
-        at = end;
-    }
-    return -1;
+    });
 }

@@ -2,6 +2,7 @@
 // can: a source of 100 MB is checked on every start that opens one. Pure; any thread.
 #include "files/text_encoding.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -17,8 +18,8 @@ std::uint64_t Load8(const char* at) {
     return word;
 }
 
-// High bit set in each byte of `word` that is zero. A byte of 1 above a zero byte may be set too, which is why a hit
-// is looked at again byte by byte.
+// Sets the high bit of each byte of `word` that is zero. A byte of 1 above a zero byte may be marked too: a hit has to be
+// looked at again byte by byte.
 constexpr std::uint64_t ZeroBytes(std::uint64_t word) { return (word - kLowBits) & ~word & kHighBits; }
 
 const char* SkipAscii(const char* at, const char* end) {
@@ -83,6 +84,29 @@ bool IsValidUtf8Bytes(const char* bytes, std::size_t length) {
         if (at != end && static_cast<unsigned char>(*at) < 0x80) at = SkipAscii(at, end);
     }
     return true;
+}
+
+std::ptrdiff_t FirstRefusedCharacter(std::string_view utf8, const std::function<bool(std::string_view)>& holds) {
+    constexpr std::size_t kBlock = 1 << 16;
+    const auto endOfCharacter = [&](std::size_t at) {
+        while (at < utf8.size() && (static_cast<unsigned char>(utf8[at]) & 0xC0U) == 0x80U) ++at;
+        return at;
+    };
+    for (std::size_t at = 0; at < utf8.size();) {
+        const std::size_t end = endOfCharacter(std::min(utf8.size(), at + kBlock));
+        const char* const stop = utf8.data() + end;
+        const auto firstWide = static_cast<std::size_t>(SkipAscii(utf8.data() + at, stop) - utf8.data());
+        if (firstWide < end && !holds(utf8.substr(at, end - at))) {
+            for (std::size_t first = firstWide; first < end;) {
+                const std::size_t next = endOfCharacter(first + 1);
+                if (static_cast<unsigned char>(utf8[first]) >= 0x80 && !holds(utf8.substr(first, next - first)))
+                    return static_cast<std::ptrdiff_t>(first);
+                first = next;
+            }
+        }
+        at = end;
+    }
+    return -1;
 }
 
 LineEnding DetectLineEnding(const char* bytes, std::size_t length) {

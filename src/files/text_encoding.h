@@ -3,13 +3,18 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
+#include <functional>
+#include <string_view>
 
 enum class TextEncoding : std::uint32_t { Utf8 = 0, Ansi = 1 };  // Ansi: the system's active code page
 enum class LineEnding : std::uint32_t { CrLf = 0, Lf = 1, Cr = 2 };
 
 // Well-formed UTF-8 without overlong forms, surrogates and code points beyond U+10FFFF; NUL bytes are text.
 bool IsValidUtf8Bytes(const char* bytes, std::size_t length);
+
+// Byte offset of the first character of valid UTF-8 that `holds` refuses, or -1. `holds` is asked about stretches of up to
+// 64 kB that are no ASCII, and within one that it refuses about single characters.
+std::ptrdiff_t FirstRefusedCharacter(std::string_view utf8, const std::function<bool(std::string_view)>& holds);
 
 // The first line break decides; CRLF when there is none.
 LineEnding DetectLineEnding(const char* bytes, std::size_t length);

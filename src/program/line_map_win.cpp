@@ -4,7 +4,6 @@
 #include "base/handles.h"
 #include "base/log.h"
 #include "files/file_io.h"
-#include "files/shared_read.h"
 #include "program/basic_lines.h"
 #include "program/debug_say.h"
 #include "program/pbd_map.h"

@@ -116,6 +116,7 @@
 #define IDM_TAB_COPY_PATH 1958
 #define IDM_FILE_RELOAD 1959
 #define IDM_TOOLBAR_MORE 1960
+#define IDM_TAB_CLOSE_RIGHT 1961
 
 // --- Child controls of the main window
 #define IDC_TABS 2001
@@ -173,7 +174,7 @@
 #define MSG_BUILD_OUTPUT (0x0400 + 100)    // wParam: heap wide text, lParam: colour (0 = default)
 #define MSG_BUILD_FINISHED (0x0400 + 101)  // wParam: exit code of the compiler
 #define MSG_STARTUP (0x0400 + 200)         // start-up completion, posted once by the window's creation
-#define MSG_REINIT_EDITOR (0x0400 + 201)   // wParam: tab index
+#define MSG_REINIT_EDITOR (0x0400 + 201)   // wParam: tab index, lParam: id of its document or 0
 #define MSG_FOCUS_EDITOR (0x8000 + 1)      // give the active editor the focus
 #define MSG_AI_REPLY (0x8000 + 3)          // wParam: heap UTF-8 reply or null, lParam: chat or replacement
 #define MSG_DEBUG_LAUNCH (0x8000 + 11)     // the debug build is done: start its program under the debugger

@@ -1,6 +1,8 @@
 // Rules of find and replace. Pure: knows no editor and no dialog.
 #include "search/find_rules.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr std::size_t kMaxSearchText = 255;  // characters that the search history holds
@@ -51,4 +53,26 @@ std::string_view SearchTextFromSelection(std::string_view selection) {
 std::wstring ReplacementCountText(std::size_t count) {
     if (count == 0) return L"Not found: nothing replaced";
     return std::to_wstring(count) + (count == 1 ? L" replacement" : L" replacements");
+}
+
+const wchar_t* SearchStatus(bool found, bool wrapped, bool forward) {
+    if (!found) return L"Not found";
+    if (!wrapped) return L"";
+    return forward ? L"Continued from the start" : L"Continued from the end";
+}
+
+FindSpan ScopeWithin(std::optional<FindSpan> taken, std::ptrdiff_t documentLength) {
+    if (!taken) return {0, documentLength};
+    const std::ptrdiff_t end = std::min(taken->end, documentLength);
+    return {std::min(taken->start, end), end};
+}
+
+std::wstring TextToFindNext(const std::wstring& last, const std::wstring& selected, const std::wstring& newest) {
+    if (!last.empty()) return last;
+    return selected.empty() ? newest : selected;
+}
+
+int DialogTopBesideMatch(int matchTop, int matchBottom, int dialogHeight, int workTop, int workBottom) {
+    if (matchBottom + dialogHeight <= workBottom) return matchBottom;
+    return std::max(matchTop - dialogHeight, workTop);
 }

@@ -1,15 +1,14 @@
-// The find and replace dialog, and "find next" without it. The searching itself is find_engine. UI thread.
+// The find and replace dialog, and "find next" without it. The searching itself is find_editor. UI thread.
 #include "search/find.h"
 
 #include "base/events.h"
-#include "base/handles.h"
 #include "base/log.h"
+#include "base/utf8.h"
 #include "documents/document_row.h"
 #include "documents/recent_files.h"
-#include "files/file_io.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
-#include "search/find_engine.h"
+#include "search/find_editor.h"
 #include "search/search_state.h"
 #include "settings/settings_state.h"
 #include "ui/dpi.h"
@@ -19,6 +18,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 #include <string>
 
 namespace {
@@ -31,42 +31,38 @@ struct FindState {
     std::wstring what;
     std::wstring with;
     FindOptions options;
-    bool replacing = false;      // the dialog shows its replacing half
-    HWND scopeEditor = nullptr;  // "in selection": the range taken when the box was ticked, and its editor
+    bool replacing = false;        // the dialog shows its replacing half
+    DocumentId scopeDocument = 0;  // "in selection": the range taken when the box was ticked, and its document
     FindSpan scope;
 };
 FindState g_find;
 
-std::string ToUtf8(const std::wstring& text) {
-    const HeapBlock<char> utf8{WideToUtf8(text.c_str())};
-    return utf8 ? std::string{utf8.get()} : std::string{};
-}
+bool IsFindOptionTicked(int control) { return IsDlgButtonChecked(g_search.hFindDialog, control) == BST_CHECKED; }
 
-bool IsTicked(int control) { return IsDlgButtonChecked(g_search.hFindDialog, control) == BST_CHECKED; }
-
-void ShowStatus(const wchar_t* text) {
+void ShowFindStatus(const wchar_t* text) {
     if (g_search.hFindDialog != nullptr)
         SetDlgItemTextW(g_search.hFindDialog, IDC_FIND_STATUS, text);
     else
         g_events.statusText(text);
 }
 
-std::wstring FieldText(int control) {
+std::wstring FindFieldText(int control) {
     wchar_t text[kFieldLimit + 1] = {};
     GetDlgItemTextW(g_search.hFindDialog, control, text, static_cast<int>(std::size(text)));
     return text;
 }
 
 // The dialog's fields into g_find; without the dialog what was there stays.
-void ReadDialog() {
+void ReadFindDialog() {
     if (g_search.hFindDialog == nullptr) return;
-    g_find.what = FieldText(IDC_FIND_WHAT);
-    g_find.with = FieldText(IDC_FIND_WITH);
-    g_find.options = {
-        .matchCase = IsTicked(IDC_FIND_CASE), .wholeWord = IsTicked(IDC_FIND_WORD), .regex = IsTicked(IDC_FIND_REGEX)};
+    g_find.what = FindFieldText(IDC_FIND_WHAT);
+    g_find.with = FindFieldText(IDC_FIND_WITH);
+    g_find.options = {.matchCase = IsFindOptionTicked(IDC_FIND_CASE),
+                      .wholeWord = IsFindOptionTicked(IDC_FIND_WORD),
+                      .regex = IsFindOptionTicked(IDC_FIND_REGEX)};
 }
 
-void FillHistory() {
+void FillFindHistory() {
     const HWND combo = GetDlgItem(g_search.hFindDialog, IDC_FIND_WHAT);
     SendMessageW(combo, CB_RESETCONTENT, 0, 0);
     const Settings& settings = g_settings;
@@ -81,18 +77,18 @@ void RememberSearch() {
             RecentListAdd(settings.searchHistory, settings.searchHistoryCount, g_find.what, RecentMatch::Exact);
     });
     if (g_search.hFindDialog != nullptr) {
-        FillHistory();  // empties the field too
+        FillFindHistory();  // empties the field too
         SetDlgItemTextW(g_search.hFindDialog, IDC_FIND_WHAT, g_find.what.c_str());
         SendDlgItemMessageW(g_search.hFindDialog, IDC_FIND_WHAT, CB_SETEDITSEL, 0, MAKELPARAM(0, -1));
     }
 }
 
 // False, with a note to the user, when there is nothing that could be searched for.
-bool Prepare(FindQuery& query) {
-    ReadDialog();
+bool PrepareFind(FindQuery& query) {
+    ReadFindDialog();
     const wchar_t* fault = PrepareQuery(ToUtf8(g_find.what), g_find.options, query);
     if (fault != nullptr) {
-        ShowStatus(fault);
+        ShowFindStatus(fault);
         return false;
     }
     RememberSearch();
@@ -103,22 +99,20 @@ FindSpan WholeDocument() { return {0, SciSend(g_documents.hEditor, SCI_GETLENGTH
 
 // The range to search: the one taken for "in selection", as far as it is still there, else the document.
 FindSpan CurrentScope() {
-    const FindSpan all = WholeDocument();
-    if (g_search.hFindDialog == nullptr || !IsTicked(IDC_FIND_SELECTION) || g_find.scopeEditor != g_documents.hEditor)
-        return all;
-    const std::ptrdiff_t end = std::min(g_find.scope.end, all.end);
-    return {std::min(g_find.scope.start, end), end};
+    const bool inSelection = g_search.hFindDialog != nullptr && IsFindOptionTicked(IDC_FIND_SELECTION) &&
+                             g_find.scopeDocument == ActiveDocumentId();
+    return ScopeWithin(inSelection ? std::optional{g_find.scope} : std::nullopt, WholeDocument().end);
 }
 
 // Takes the selection as the range; with nothing selected there is none to search in.
 void TakeScope() {
-    g_find.scopeEditor = g_documents.hEditor;
+    g_find.scopeDocument = ActiveDocumentId();
     g_find.scope = {SciSend(g_documents.hEditor, SCI_GETSELECTIONSTART),
                     SciSend(g_documents.hEditor, SCI_GETSELECTIONEND)};
     if (g_find.scope.start == g_find.scope.end) {
-        g_find.scopeEditor = nullptr;
+        g_find.scopeDocument = 0;
         CheckDlgButton(g_search.hFindDialog, IDC_FIND_SELECTION, BST_UNCHECKED);
-        ShowStatus(L"Select the text to search in first");
+        ShowFindStatus(L"Select the text to search in first");
     }
 }
 
@@ -140,9 +134,8 @@ void UncoverMatch(FindSpan match) {
     MONITORINFO monitor = {};
     monitor.cbSize = sizeof monitor;
     GetMonitorInfoW(MonitorFromWindow(g_search.hFindDialog, MONITOR_DEFAULTTONEAREST), &monitor);
-    const LONG height = dialog.bottom - dialog.top;
-    const bool fitsBelow = text.bottom + height <= monitor.rcWork.bottom;
-    const LONG top = fitsBelow ? text.bottom : std::max(text.top - height, monitor.rcWork.top);
+    const int top = DialogTopBesideMatch(text.top, text.bottom, dialog.bottom - dialog.top, monitor.rcWork.top,
+                                         monitor.rcWork.bottom);
     SetWindowPos(g_search.hFindDialog, nullptr, dialog.left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
@@ -158,41 +151,39 @@ void ShowMatch(FindSpan match) {
 }
 
 void FindAndShow(const FindQuery& query, bool forward) {
-    const FindResult result = FindInScope(g_documents.hEditor, query, CurrentScope(), forward);
-    if (!result.match) {
-        ShowStatus(L"Not found");
-        MessageBeep(MB_OK);
-    } else {
+    const FindResult result = FindInScope(FindTextOf(g_documents.hEditor), query, CurrentScope(), forward);
+    if (result.match)
         ShowMatch(*result.match);
-        ShowStatus(!result.wrapped ? L"" : forward ? L"Continued from the start" : L"Continued from the end");
-    }
+    else
+        MessageBeep(MB_OK);
+    ShowFindStatus(SearchStatus(result.match.has_value(), result.wrapped, forward));
 }
 
-void Replace() {
+// False, with a note to the user, when nothing can be replaced.
+bool PrepareReplacing(FindQuery& query) {
+    if (!PrepareFind(query)) return false;
+    if (SciSend(g_documents.hEditor, SCI_GETREADONLY) == 0) return true;
+    ShowFindStatus(L"The document is read-only");
+    return false;
+}
+
+void ReplaceAndFindNext() {
     FindQuery query;
-    if (!Prepare(query)) return;
-    if (SciSend(g_documents.hEditor, SCI_GETREADONLY) != 0) {
-        ShowStatus(L"The document is read-only");
-        return;
-    }
+    if (!PrepareReplacing(query)) return;
     const std::ptrdiff_t before = WholeDocument().end;
     ReplaceSelection(g_documents.hEditor, query, ToUtf8(g_find.with), CurrentScope());
     g_find.scope.end += WholeDocument().end - before;
     FindAndShow(query, true);
 }
 
-void ReplaceAll() {
+void ReplaceAllMatches() {
     FindQuery query;
-    if (!Prepare(query)) return;
-    if (SciSend(g_documents.hEditor, SCI_GETREADONLY) != 0) {
-        ShowStatus(L"The document is read-only");
-        return;
-    }
+    if (!PrepareReplacing(query)) return;
     const HCURSOR before = SetCursor(LoadCursorW(nullptr, MAKEINTRESOURCEW(32514)));  // IDC_WAIT
     const ReplaceAllResult result = ReplaceAllInScope(g_documents.hEditor, query, ToUtf8(g_find.with), CurrentScope());
     SetCursor(before);
     g_find.scope.end += result.grown;
-    ShowStatus(ReplacementCountText(result.count).c_str());
+    ShowFindStatus(ReplacementCountText(result.count).c_str());
 }
 
 // Shows or hides the replacing half: what is below it moves, and the dialog gets as much taller or shorter.
@@ -227,8 +218,7 @@ std::wstring SelectedSearchText() {
     std::string text(static_cast<std::size_t>(end - start), '\0');
     SciSend(g_documents.hEditor, SCI_SETTARGETRANGE, static_cast<WPARAM>(start), end);
     SciSend(g_documents.hEditor, SCI_GETTARGETTEXT, 0, reinterpret_cast<LPARAM>(text.data()));
-    const HeapBlock<wchar_t> wide{Utf8ToWide(std::string{SearchTextFromSelection(text)}.c_str())};
-    return wide ? std::wstring{wide.get()} : std::wstring{};
+    return Utf8ToWideText(SearchTextFromSelection(text));
 }
 
 bool SelectionSpansLines() {
@@ -240,7 +230,7 @@ bool SelectionSpansLines() {
 }
 
 // What the fields begin with each time the dialog is asked for.
-void FillFields(HWND dialog) {
+void FillFindFields(HWND dialog) {
     const std::wstring selected = SelectedSearchText();
     if (!selected.empty()) SetDlgItemTextW(dialog, IDC_FIND_WHAT, selected.c_str());
     const bool spansLines = SelectionSpansLines();
@@ -252,12 +242,12 @@ void FillFields(HWND dialog) {
     SetFocus(what);
 }
 
-void OnInit(HWND dialog) {
+void OnFindInit(HWND dialog) {
     g_search.hFindDialog = dialog;
     g_find.replacing = true;  // as the template has it
     for (const int control : {IDC_FIND_WHAT, IDC_FIND_WITH})
         SendDlgItemMessageW(dialog, control, CB_LIMITTEXT, kFieldLimit, 0);
-    FillHistory();
+    FillFindHistory();
     const Settings& settings = g_settings;
     const std::wstring last =
         !g_find.what.empty() || settings.searchHistoryCount < 1 ? g_find.what : settings.searchHistory[0];
@@ -269,7 +259,7 @@ void OnInit(HWND dialog) {
     EnableWindow(GetDlgItem(dialog, IDC_FIND_WORD), !g_find.options.regex);
 }
 
-void PlaceDialog(HWND dialog, HWND owner) {
+void PlaceFindDialog(HWND dialog, HWND owner) {
     RECT frame = {};
     RECT size = {};
     GetWindowRect(owner, &frame);
@@ -279,16 +269,18 @@ void PlaceDialog(HWND dialog, HWND owner) {
     SetWindowPos(dialog, nullptr, left, frame.top + 4 * margin, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-void OnCommand(HWND dialog, int command) {
+void OnFindCommand(HWND dialog, int command) {
     switch (command) {
         case IDC_FIND_NEXT:
         case IDOK: FindNext(true); break;
         case IDC_FIND_PREVIOUS: FindNext(false); break;
-        case IDC_FIND_REPLACE: Replace(); break;
-        case IDC_FIND_REPLACE_ALL: ReplaceAll(); break;
-        case IDC_FIND_REGEX: EnableWindow(GetDlgItem(dialog, IDC_FIND_WORD), !IsTicked(IDC_FIND_REGEX)); break;
+        case IDC_FIND_REPLACE: ReplaceAndFindNext(); break;
+        case IDC_FIND_REPLACE_ALL: ReplaceAllMatches(); break;
+        case IDC_FIND_REGEX:
+            EnableWindow(GetDlgItem(dialog, IDC_FIND_WORD), !IsFindOptionTicked(IDC_FIND_REGEX));
+            break;
         case IDC_FIND_SELECTION:
-            if (IsTicked(IDC_FIND_SELECTION)) TakeScope();
+            if (IsFindOptionTicked(IDC_FIND_SELECTION)) TakeScope();
             break;
         case IDCANCEL: DestroyWindow(dialog); break;
         default: break;
@@ -297,10 +289,10 @@ void OnCommand(HWND dialog, int command) {
 
 INT_PTR CALLBACK FindDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
     switch (message) {
-        case WM_INITDIALOG: OnInit(dialog); return FALSE;  // FindDialogShow sets the focus
-        case WM_COMMAND: OnCommand(dialog, LOWORD(wParam)); return TRUE;
+        case WM_INITDIALOG: OnFindInit(dialog); return FALSE;  // FindDialogShow sets the focus
+        case WM_COMMAND: OnFindCommand(dialog, LOWORD(wParam)); return TRUE;
         case WM_DESTROY:
-            ReadDialog();
+            ReadFindDialog();
             g_search.hFindDialog = nullptr;
             FocusCurrentEditor();
             return TRUE;
@@ -317,12 +309,12 @@ void FindDialogShow(HWND owner, bool replace) {
             AppLogMsg(L"FAIL: FindDialogShow error=%lu", GetLastError());
             return;
         }
-        PlaceDialog(dialog, owner);
+        PlaceFindDialog(dialog, owner);
     }
     SetReplacing(g_search.hFindDialog, replace);
     ShowWindow(g_search.hFindDialog, SW_SHOW);
     SetActiveWindow(g_search.hFindDialog);
-    FillFields(g_search.hFindDialog);
+    FillFindFields(g_search.hFindDialog);
 }
 
 bool FindDialogIsMessage(MSG* message) {
@@ -340,13 +332,13 @@ bool FindDialogIsMessage(MSG* message) {
 
 void FindNext(bool forward) {
     if (g_search.hFindDialog == nullptr && g_find.what.empty()) {
-        g_find.what = SelectedSearchText();
-        if (g_find.what.empty() && g_settings.searchHistoryCount > 0) g_find.what = g_settings.searchHistory[0];
+        const std::wstring newest = g_settings.searchHistoryCount > 0 ? g_settings.searchHistory[0] : L"";
+        g_find.what = TextToFindNext(g_find.what, SelectedSearchText(), newest);
         if (g_find.what.empty()) {
             FindDialogShow(g_ui.hMainWnd, false);
             return;
         }
     }
     FindQuery query;
-    if (Prepare(query)) FindAndShow(query, forward);
+    if (PrepareFind(query)) FindAndShow(query, forward);
 }

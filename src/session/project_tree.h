@@ -1,5 +1,5 @@
-// The project tree: folders and source files below the project root, filled folder by folder as they are opened.
-// UI thread only.
+// The project tree: folders and source files below the project root; each folder is read when it is first opened. UI thread
+// only.
 #pragma once
 
 #include <windows.h>

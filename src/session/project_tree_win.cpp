@@ -3,7 +3,6 @@
 #include "session/project_tree.h"
 
 #include "base/log.h"
-#include "base/wide_format.h"
 #include "base/worker.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
@@ -26,7 +25,6 @@
 
 #include <commctrl.h>
 
-#include <cstring>
 #include <iterator>
 #include <map>
 #include <memory>
@@ -41,12 +39,10 @@ constexpr UINT_PTR kSubclassId = 1;
 constexpr std::size_t kMaxPending = 16;    // readers at a time: each may hang on a share that is gone
 constexpr std::size_t kMaxReopened = 500;  // folders that a refresh opens again
 
-enum class NodeKind : LPARAM { File, FolderUnread, FolderReading, FolderRead, Note };
-
 enum MenuCommand : UINT { kMenuOpen = 1, kMenuCopyPath, kMenuRefresh };
 
 struct TreeState {
-    std::wstring root;  // without a trailing backslash, but for a drive's root
+    std::wstring root;  // as TreeRootOf() gives it
     std::uint64_t lastRequest = 0;
     std::map<std::uint64_t, HTREEITEM> pending;  // folders being read; a listing without an entry here is stale
     std::set<std::wstring> reopen;               // paths that were open before a refresh
@@ -88,16 +84,11 @@ void SetItem(HTREEITEM item, NodeKind kind, int children) {
 HTREEITEM Related(HTREEITEM item, UINT relation) { return TreeView_GetNextItem(Tree(), item, relation); }
 
 std::wstring ItemPath(HTREEITEM item) {
-    std::wstring below;
-    for (HTREEITEM parent = Related(item, TVGN_PARENT); parent != nullptr; parent = Related(item, TVGN_PARENT)) {
-        below.insert(0, (below.empty() ? L"" : L"\\")).insert(0, ItemText(item));
-        item = parent;
-    }
-    if (below.empty()) return g_tree.root;
-    return g_tree.root + (g_tree.root.ends_with(L'\\') ? L"" : L"\\") + below;
+    const HTREEITEM parent = Related(item, TVGN_PARENT);
+    return parent == nullptr ? g_tree.root : TreeJoin(ItemPath(parent), ItemText(item));
 }
 
-HTREEITEM Insert(HTREEITEM parent, HTREEITEM after, const std::wstring& text, NodeKind kind) {
+HTREEITEM InsertTreeItem(HTREEITEM parent, HTREEITEM after, const std::wstring& text, NodeKind kind) {
     const bool isFolder = kind == NodeKind::FolderUnread;
     const int image = kind == NodeKind::Note ? kTreeIconNone : isFolder ? kTreeIconFolder : kTreeIconFile;
     TVINSERTSTRUCTW insert = {};
@@ -126,11 +117,11 @@ void StartReading(HTREEITEM folder) {
         return;  // still unread: opening it again tries again
     }
     SetItem(folder, NodeKind::FolderReading, 1);
-    Insert(folder, TVI_FIRST, L"Reading...", NodeKind::Note);
+    InsertTreeItem(folder, TVI_FIRST, L"Reading...", NodeKind::Note);
     g_tree.pending[request] = folder;
 }
 
-void OpenFolder(HTREEITEM folder) {
+void OpenTreeFolder(HTREEITEM folder) {
     if (ItemKind(folder) == NodeKind::FolderUnread) StartReading(folder);
     TreeView_Expand(Tree(), folder, TVE_EXPAND);
 }
@@ -138,20 +129,14 @@ void OpenFolder(HTREEITEM folder) {
 void InsertListing(HTREEITEM folder, const TreeListing& listing) {
     HTREEITEM last = TVI_FIRST;  // each item goes after the one before it, which needs no search for the end
     std::vector<HTREEITEM> reopened;
-    const std::wstring prefix = g_tree.reopen.empty() ? std::wstring{} : ItemPath(folder);
-    for (const TreeEntry& entry : listing.entries) {
-        last = Insert(folder, last, entry.name, entry.isFolder ? NodeKind::FolderUnread : NodeKind::File);
-        if (entry.isFolder && g_tree.reopen.contains(prefix + (prefix.ends_with(L'\\') ? L"" : L"\\") + entry.name))
-            reopened.push_back(last);
+    for (const TreeRow& row : TreeRowsOf(listing, ItemPath(folder), g_tree.reopen)) {
+        last = InsertTreeItem(folder, last, row.text, row.kind);
+        if (row.open) reopened.push_back(last);
     }
-    if (listing.omitted > 0)
-        Insert(folder, last, FormatW(L"(%d more not shown)", static_cast<int>(listing.omitted)), NodeKind::Note);
-    else if (!listing.readable)
-        Insert(folder, TVI_FIRST, L"(cannot be read)", NodeKind::Note);
-    for (const HTREEITEM item : reopened) OpenFolder(item);
+    for (const HTREEITEM item : reopened) OpenTreeFolder(item);
 }
 
-void OnListing(const TreeListing& listing) {
+void OnTreeListing(const TreeListing& listing) {
     const auto found = g_tree.pending.find(listing.request);
     if (found == g_tree.pending.end()) return;  // asked for before the last refresh
     const HTREEITEM folder = found->second;
@@ -177,22 +162,14 @@ void RememberOpenFolders(HTREEITEM item) {
     }
 }
 
-std::wstring RootFromSettings() {
-    std::wstring root = g_settings.projectRoot;
-    while (root.size() > 1 && root.ends_with(L'\\')) root.pop_back();
-    return root.ends_with(L':') ? root + L"\\" : root;
-}
-
-void OpenItem(HTREEITEM item) {
+void OpenTreeItem(HTREEITEM item) {
     if (item != nullptr && ItemKind(item) == NodeKind::File) {
         FileOpen(ItemPath(item).c_str());
         QueueFocusCurrentEditor();
     }
 }
 
-void CopyText(const std::wstring& text) { ClipboardPutText(g_ui.hMainWnd, text); }
-
-void ShowMenu(POINT at) {
+void ShowTreeMenu(POINT at) {
     if (at.x == -1 && at.y == -1) {  // from the keyboard: below the selected item
         RECT rect = {};
         const HTREEITEM selected = TreeView_GetSelection(Tree());
@@ -215,14 +192,14 @@ void ShowMenu(POINT at) {
                               {.id = kMenuRefresh, .text = L"&Refresh\tCtrl+R"}};
     const UINT command = ShowPopupMenu(Tree(), items, at);
     if (command == kMenuOpen)
-        OpenItem(item);
+        OpenTreeItem(item);
     else if (command == kMenuCopyPath)
-        CopyText(ItemPath(item));
+        ClipboardPutText(g_ui.hMainWnd, ItemPath(item));
     else if (command == kMenuRefresh)
         ProjectTreePopulate();
 }
 
-void OnDestroy(HWND window) {
+void OnTreeDestroy(HWND window) {
     WorkerDropPosts<TreeListingPtr>(window, MSG_TREE_ITEMS);
     if (g_tree.icons != nullptr) ImageList_Destroy(g_tree.icons);
     g_tree = {};
@@ -231,10 +208,10 @@ void OnDestroy(HWND window) {
 LRESULT CALLBACK ProjectTreeSubclassProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
     switch (message) {
         case MSG_TREE_ITEMS: {
-            OnListing(*WorkerTake<TreeListingPtr>(wParam));
+            OnTreeListing(*WorkerTake<TreeListingPtr>(wParam));
             return 0;
         }
-        case WM_CONTEXTMENU: ShowMenu({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;
+        case WM_CONTEXTMENU: ShowTreeMenu({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;
         case WM_CHAR:
             if (wParam == 'R' - '@') {  // Ctrl+R
                 ProjectTreePopulate();
@@ -248,7 +225,7 @@ LRESULT CALLBACK ProjectTreeSubclassProc(HWND window, UINT message, WPARAM wPara
             return moved;
         }
         case WM_NCDESTROY:
-            OnDestroy(window);
+            OnTreeDestroy(window);
             RemoveWindowSubclass(window, ProjectTreeSubclassProc, kSubclassId);
             break;
         default: break;
@@ -276,13 +253,13 @@ void ProjectTreePopulate() {
     // Nothing is read for a tree that is not shown: most people never open it, and every start would pay for it.
     g_tree.stale = (GetWindowLongW(Tree(), GWL_STYLE) & WS_VISIBLE) == 0;
     if (g_tree.stale) return;
-    const std::wstring root = RootFromSettings();
+    const std::wstring root = TreeRootOf(g_settings.projectRoot);
     g_tree.reopen.clear();
     if (root == g_tree.root) RememberOpenFolders(TreeView_GetRoot(Tree()));
     g_tree.pending.clear();
     g_tree.root = root;
     TreeView_DeleteAllItems(Tree());
-    if (!root.empty()) OpenFolder(Insert(TVI_ROOT, TVI_FIRST, TreeRootLabel(root), NodeKind::FolderUnread));
+    if (!root.empty()) OpenTreeFolder(InsertTreeItem(TVI_ROOT, TVI_FIRST, TreeRootLabel(root), NodeKind::FolderUnread));
 }
 
 bool ProjectTreeHandleNotify(const NMHDR& header, LRESULT* result) {
@@ -296,11 +273,11 @@ bool ProjectTreeHandleNotify(const NMHDR& header, LRESULT* result) {
                 StartReading(expanding.itemNew.hItem);
             return true;
         }
-        case NM_DBLCLK: OpenItem(selected); return true;
+        case NM_DBLCLK: OpenTreeItem(selected); return true;
         case NM_RETURN:
             if (selected != nullptr && ItemKind(selected) != NodeKind::File)
                 TreeView_Expand(Tree(), selected, TVE_TOGGLE);
-            OpenItem(selected);
+            OpenTreeItem(selected);
             *result = 1;  // no beep
             return true;
         default: return false;
@@ -326,11 +303,9 @@ void ProjectTreeApplyTheme() {
 }
 
 void ProjectTreeOfferRoot(const wchar_t* folder) {
-    constexpr int kWidestTree = 400;  // pixels; a greater width was never meant for the tree
-    constexpr int kDefaultWidth = 200;
     if (g_selftestTabsMode || g_settings.projectRoot[0] != L'\0' || g_session.hProjectTree == nullptr) return;
     SettingsChange([folder](Settings& settings) {
         SafeCopyW(settings.projectRoot, folder);
-        if (settings.projectTreeWidth > kWidestTree) settings.projectTreeWidth = kDefaultWidth;
+        settings.projectTreeWidth = TreeFirstWidth(settings.projectTreeWidth);
     });
 }

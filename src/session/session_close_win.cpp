@@ -20,8 +20,8 @@ bool KeepText(const DocumentTab& document, std::wstring& kept) {
     const wchar_t* target = document.hasFile ? document.path : document.label;
     RecoveryCopy copy;
     if (!text || !RecoveryWrite(target, text.get(), length, &copy)) return false;
-    // Not handed to RecoveryKeep: several untitled documents share one label, and a later save of the same file must
-    // not take away what the user is told to find here.
+    // RecoveryKeep does not hear of it: several untitled documents share one label, and a later save of the same file must
+    // not remove what the user is told to find here.
     kept += std::wstring{L"\n\n"} + document.label + L":\n" + copy.path;
     return true;
 }
@@ -31,17 +31,18 @@ bool KeepText(const DocumentTab& document, std::wstring& kept) {
 bool CloseEveryTab() {
     std::wstring kept;
     while (TabCount() > 0) {
-        const int before = TabCount();
-        FileClose(0);
-        if (TabCount() < before) continue;  // also when something else closed a tab while the question was up
-        const DocumentTab& document = g_documents.tabs.front();
+        const DocumentId id = TabAt(0).id;
+        if (FileClose(0) != 0) continue;
+        const int tab = TabBarFindDocument(id);
+        if (tab < 0) continue;  // something else closed it while the question was up
+        const DocumentTab& document = TabAt(tab);
         if (document.modified && !KeepText(document, kept)) {
             AppLogMsg(L"FAIL: SessionLoad could not keep the text of %s", document.label);
             ErrorMessage(L"The session was not loaded: the unsaved changes of %s could not be kept anywhere.",
                          document.label);
             return false;
         }
-        if (TabBarRemove(0) == 0) return false;
+        TabBarRemove(tab);
     }
     if (!kept.empty()) {
         InfoMessage(L"The session replaces all open documents. Changes that you did not save are kept here:%s",

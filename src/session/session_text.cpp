@@ -1,9 +1,11 @@
 // The session file as text. Pure: knows no tab, no editor and no settings.
 #include "session/session_text.h"
 
+#include "base/decimal.h"
+#include "base/lines.h"
+
 #include <algorithm>
 #include <cstring>
-#include <limits>
 
 namespace {
 
@@ -77,15 +79,6 @@ void WriteFile(std::string& out, std::size_t number, const SessionFile& file) {
         WriteLine(out, "BreakpointRule", std::to_string(rule.line) + (rule.enabled ? ",1," : ",0,") + rule.condition);
 }
 
-// Takes the next line off the front, without its line break.
-std::string_view NextLine(std::string_view& rest) {
-    const std::size_t end = rest.find('\n');
-    std::string_view line = rest.substr(0, end);
-    rest = end == std::string_view::npos ? std::string_view{} : rest.substr(end + 1);
-    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    return line;
-}
-
 const KeyRow* FindRow(std::span<const KeyRow> rows, const char* line, const char** value) {
     for (const KeyRow& row : rows) {
         *value = SessionParseLine(line, row.name);
@@ -121,7 +114,7 @@ std::vector<SessionItem> SessionParse(std::string_view text) {
     std::vector<SessionItem> items;
     int file = -1;
     while (!text.empty()) {
-        const std::string line{NextLine(text)};  // terminated; a NUL inside ends the value
+        const std::string line{TakeLine(text)};  // terminated; a NUL inside ends the value
         if (line.starts_with("[File")) {
             const std::int32_t number = SessionNumber(std::string_view{line}.substr(5));
             file = std::max(number, 0) - 1;
@@ -145,7 +138,7 @@ std::vector<SessionItem> SessionParse(std::string_view text) {
 
 bool SessionListsFiles(std::string_view text) {
     while (!text.empty()) {
-        const std::string line{NextLine(text)};
+        const std::string line{TakeLine(text)};
         const char* value = SessionParseLine(line.c_str(), "Path");
         if (value != nullptr && value[0] != '\0') return true;
     }
@@ -179,17 +172,6 @@ SessionBreakpoint SessionParseRule(std::string_view value) {
 }
 
 std::int32_t SessionNumber(std::string_view text) {
-    while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
-    bool negative = false;
-    if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
-        negative = text.front() == '-';
-        text.remove_prefix(1);
-    }
-    constexpr std::int64_t kBeyond = std::int64_t{std::numeric_limits<std::int32_t>::max()} + 1;
-    std::int64_t number = 0;
-    for (const char digit : text) {
-        if (digit < '0' || digit > '9') break;
-        number = std::min(number * 10 + (digit - '0'), kBeyond);
-    }
-    return static_cast<std::int32_t>(negative ? -number : std::min(number, kBeyond - 1));
+    const std::size_t start = text.find_first_not_of(" \t");
+    return start == std::string_view::npos ? 0 : DecimalNumber(text.substr(start));
 }

@@ -1,5 +1,5 @@
-// The session file as text: its keys in their order, writing it, and reading it line by line. UTF-8 throughout; what
-// the values mean to the program is for the caller. Pure.
+// The session file as text, in UTF-8: its keys in their order, writing it, and reading it line by line. What the values mean
+// to the program is in session_view. Pure.
 #pragma once
 
 #include <cstdint>

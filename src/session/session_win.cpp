@@ -1,5 +1,5 @@
-// Saving and restoring the editing state as a session file. Knows tabs, editors and settings; the file's text is
-// session_text. UI thread.
+// Saving and restoring the editing state as a session file: gathers it from the documents and applies it to them. The file's
+// text is session_text, its meaning session_view. UI thread.
 #include "session/session.h"
 
 #include "base/events.h"
@@ -13,12 +13,12 @@
 #include "documents/recent_files.h"
 #include "files/file_io.h"
 #include "files/session_file.h"
-#include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "session/project_tree.h"
 #include "session/session_close.h"
 #include "session/session_state.h"
 #include "session/session_text.h"
+#include "session/session_view.h"
 #include "settings/settings_state.h"
 #include "settings/settings_store.h"
 #include "ui/message.h"
@@ -27,32 +27,11 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace {
-
-struct NumberField {
-    SessionKey key;
-    std::int32_t Settings::*field;
-};
-
-// The header keys that are plain settings.
-constexpr NumberField kSettingFields[] = {
-    {SessionKey::ActiveCompiler, &Settings::activeCompiler},
-    {SessionKey::ShowProjectTree, &Settings::showProjectTree},
-    {SessionKey::ShowAiPane, &Settings::showAiSidebar},
-    {SessionKey::TreeWidth, &Settings::projectTreeWidth},
-    {SessionKey::SplitPos, &Settings::splitter},
-    {SessionKey::EditorZoom, &Settings::editorZoom},
-    {SessionKey::WordWrap, &Settings::wordWrap},
-    {SessionKey::ShowIndentGuides, &Settings::showIndentGuides},
-    {SessionKey::BuildProfile, &Settings::profile},
-    {SessionKey::EnableAutoComplete, &Settings::enableAutoComplete},
-    {SessionKey::AutoCompleteTrigger, &Settings::autoCompleteTrigger},
-    {SessionKey::AutoUpperKeywords, &Settings::autoUpperKeywords},
-    {SessionKey::Theme, &Settings::theme},
-};
 
 // Lines that carry the marker. One message a marked line: a document may have millions of lines.
 std::vector<std::int32_t> MarkedLines(HWND editor, int marker) {
@@ -63,11 +42,6 @@ std::vector<std::int32_t> MarkedLines(HWND editor, int marker) {
         line = SciSend(editor, SCI_MARKERNEXT, static_cast<WPARAM>(line + 1), LPARAM{1} << marker);
     }
     return lines;
-}
-
-std::string ToUtf8(const wchar_t* text) {
-    const HeapBlock<char> utf8{WideToUtf8(text)};
-    return utf8 ? std::string{utf8.get()} : std::string{};
 }
 
 std::uint64_t Position(HWND editor, UINT message) { return static_cast<std::uint64_t>(SciSend(editor, message)); }
@@ -81,7 +55,7 @@ std::vector<SessionBreakpoint> BreakpointRulesOf(DocumentId document) {
     return rules;
 }
 
-// Of a breakpoint that is there: a line without one gets none. A condition that could not have been entered is none.
+// For a breakpoint that is there: a line without one gets none. A condition that nobody could have entered is left out.
 void ApplyBreakpointRule(DocumentId document, const SessionBreakpoint& rule) {
     const int line = std::clamp(rule.line, -1, std::numeric_limits<std::int32_t>::max() - 1) + 1;
     const int index = BreakpointAt(document, line, false);
@@ -107,76 +81,57 @@ SessionFile CaptureFile(const DocumentTab& tab) {
     return file;
 }
 
-SessionHeader CaptureHeader() {
-    SessionHeader header;
-    for (const NumberField& field : kSettingFields) header[field.key] = g_settings.*field.field;
-    header[SessionKey::ActiveTab] = g_documents.activeTab;
-    header[SessionKey::ShowOutput] = PaneIsShown(PaneId::Output) ? 1 : 0;
-    header[SessionKey::ShowAsmPane] = PaneIsShown(PaneId::Asm) ? 1 : 0;
-    header[SessionKey::SplitHorizontal] = g_session.splitHorizontal ? 1 : 0;
-    header[SessionKey::FullScreen] = g_session.fullScreen ? 1 : 0;
-    header.projectRoot = ToUtf8(g_settings.projectRoot);
-    return header;
+SessionFrame CaptureFrame() {
+    return {.activeTab = g_documents.activeTab,
+            .showOutput = PaneIsShown(PaneId::Output),
+            .showAsmPane = PaneIsShown(PaneId::Asm),
+            .splitHorizontal = g_session.splitHorizontal,
+            .fullScreen = g_session.fullScreen};
 }
 
-void ApplyHeader(const SessionItem& item, int* activeTab) {
-    switch (item.key) {
-        case SessionKey::ActiveTab: *activeTab = item.number; return;
-        case SessionKey::ProjectRoot: {
-            const HeapBlock<wchar_t> root{Utf8ToWide(item.text.c_str())};
-            SafeCopyW(g_settings.projectRoot, root ? root.get() : L"");
-            return;
-        }
-        case SessionKey::ShowOutput: PaneSetShown(PaneId::Output, item.number != 0); return;
-        case SessionKey::ShowAsmPane: PaneSetShown(PaneId::Asm, item.number != 0); return;
-        case SessionKey::SplitHorizontal: g_session.splitHorizontal = item.number != 0; return;
-        case SessionKey::FullScreen: g_session.fullScreen = item.number != 0; return;
-        case SessionKey::TreeWidth: g_settings.projectTreeWidth = SessionTreeWidth(item.number); return;
-        default: break;
-    }
-    for (const NumberField& field : kSettingFields)
-        if (field.key == item.key) g_settings.*field.field = item.number;
-}
-
-void AddMarkers(HWND editor, const std::string& list, int marker) {
-    for (const std::int32_t line : SessionParseLines(list))
-        if (line >= 0) SciSend(editor, SCI_MARKERADD, static_cast<WPARAM>(line), marker);
+void ApplyFrame(const SessionFrame& frame) {
+    PaneSetShown(PaneId::Output, frame.showOutput);
+    PaneSetShown(PaneId::Asm, frame.showAsmPane);
+    g_session.splitHorizontal = frame.splitHorizontal;
+    g_session.fullScreen = frame.fullScreen;
 }
 
 // The tab is chosen by the section's number, not by what its "Path" opened: a file that is gone shifts the positions of
 // the later ones onto other tabs.
 void ApplyFileItem(const SessionItem& item) {
     if (item.key == SessionKey::Path) {
-        const HeapBlock<wchar_t> path{Utf8ToWide(item.text.c_str())};
-        if (path && path.get()[0] != L'\0') FileShow(path.get(), false);
+        if (!item.text.empty()) FileShow(Utf8ToWideText(item.text).c_str(), false);
         return;
     }
     if (!IsTabIndex(item.file)) return;
     const HWND editor = TabAt(item.file).editor;
-    const auto position = static_cast<WPARAM>(item.number);
-    switch (item.key) {
-        case SessionKey::Cursor: SciSend(editor, SCI_GOTOPOS, position); break;
-        case SessionKey::Scroll: SciSend(editor, SCI_SETFIRSTVISIBLELINE, position); break;
-        case SessionKey::SelectionStart: SciSend(editor, SCI_SETSELECTIONSTART, position); break;
-        case SessionKey::SelectionEnd: SciSend(editor, SCI_SETSELECTIONEND, position); break;
-        case SessionKey::Bookmarks: AddMarkers(editor, item.text, kMarkBookmark); break;
-        case SessionKey::Breakpoints: AddMarkers(editor, item.text, kMarkBreakpoint); break;
-        case SessionKey::BreakpointRule:
-            ApplyBreakpointRule(DocumentOfEditor(editor), SessionParseRule(item.text));
-            break;
-        default: break;
-    }
+    if (item.key == SessionKey::BreakpointRule) ApplyBreakpointRule(TabAt(item.file).id, SessionParseRule(item.text));
+    for (const EditorMessage& message : SessionEditorMessages(item))
+        SciSend(editor, message.message, static_cast<WPARAM>(message.wParam), message.lParam);
 }
 
 void ApplySession(const std::vector<SessionItem>& items) {
     const SettingsEdit edit;
-    int activeTab = 0;
-    for (const SessionItem& item : items)
-        if (item.file < 0)
-            ApplyHeader(item, &activeTab);
-        else
+    SessionFrame frame = CaptureFrame();
+    frame.activeTab = 0;
+    for (const SessionItem& item : items) {
+        if (item.file < 0) {
+            const SessionFrame before = frame;
+            SessionApplyHeader(item, g_settings, frame);
+            if (frame != before) ApplyFrame(frame);
+        } else {
             ApplyFileItem(item);
-    if (IsTabIndex(activeTab)) TabBarActivate(activeTab);
+        }
+    }
+    if (IsTabIndex(frame.activeTab)) TabBarActivate(frame.activeTab);
+}
+
+// The bytes of the file, or nothing.
+std::optional<std::string> ReadSession(const wchar_t* path) {
+    if (path == nullptr || path[0] == L'\0') return std::nullopt;
+    std::size_t length = 0;
+    const HeapBlock<char> text{ReadFileUtf8(path, &length)};
+    return text ? std::optional{std::string{text.get(), length}} : std::nullopt;
 }
 
 }  // namespace
@@ -186,15 +141,13 @@ int SessionSave(const wchar_t* path) {
     std::vector<SessionFile> files;
     for (const DocumentTab& tab : g_documents.tabs)
         if (tab.path[0] != L'\0') files.push_back(CaptureFile(tab));
-    return ReplaceFileWithText(path, SessionCompose(CaptureHeader(), files)) ? 1 : 0;
+    return ReplaceFileWithText(path, SessionCompose(SessionHeaderOf(g_settings, CaptureFrame()), files)) ? 1 : 0;
 }
 
 int SessionLoad(const wchar_t* path, HWND) {
-    if (path == nullptr || path[0] == L'\0') return 0;
-    std::size_t length = 0;
-    const HeapBlock<char> text{ReadFileUtf8(path, &length)};
+    const std::optional<std::string> text = ReadSession(path);
     if (!text || !CloseEveryTab()) return 0;
-    ApplySession(SessionParse({text.get(), length}));
+    ApplySession(SessionParse(*text));
     g_events.layoutWanted();
     g_events.refreshWanted();
     SettingsSave(nullptr);
@@ -203,9 +156,8 @@ int SessionLoad(const wchar_t* path, HWND) {
 }
 
 int SessionHasFiles(const wchar_t* path) {
-    std::size_t length = 0;
-    const HeapBlock<char> text{path != nullptr ? ReadFileUtf8(path, &length) : nullptr};
-    return text && SessionListsFiles({text.get(), length}) ? 1 : 0;
+    const std::optional<std::string> text = ReadSession(path);
+    return text && SessionListsFiles(*text) ? 1 : 0;
 }
 
 void SessionAutoSavePath(wchar_t* out, std::size_t capacity) {

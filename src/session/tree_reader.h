@@ -9,14 +9,6 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <vector>
-
-struct TreeListing {
-    std::uint64_t request = 0;  // the number given to TreeReaderStart
-    bool readable = false;
-    std::vector<TreeEntry> entries;  // what is shown, sorted, at most kTreeMaxShown
-    std::size_t omitted = 0;         // entries beyond those
-};
 
 using TreeListingPtr = std::unique_ptr<TreeListing>;
 

@@ -1,3 +1,4 @@
+// Reads one folder for the project tree. The reading runs in a worker and touches no window and no global record.
 #include "session/tree_reader.h"
 
 #include "base/handles.h"
@@ -29,11 +30,7 @@ void ReadTreeFolder(const std::wstring& folder, TreeListing& listing) {
         if (TreeShows(found.cFileName, isFolder, isHidden))
             listing.entries.push_back({.name = found.cFileName, .isFolder = isFolder});
     } while (listing.entries.size() < kTreeMaxRead && FindNextFileW(find.Get(), &found) != FALSE);
-    TreeSort(listing.entries);
-    if (listing.entries.size() > kTreeMaxShown) {
-        listing.omitted = listing.entries.size() - kTreeMaxShown;
-        listing.entries.resize(kTreeMaxShown);
-    }
+    TreeFinishListing(listing);
 }
 
 void ReadForTree(TreeReadRequest& request, const WorkerCancel&) {

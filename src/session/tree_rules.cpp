@@ -1,4 +1,4 @@
-// What the project tree shows of a folder. Pure.
+// What the project tree shows. Pure.
 #include "session/tree_rules.h"
 
 #include "settings/file_type_table.h"
@@ -28,3 +28,37 @@ std::wstring TreeRootLabel(std::wstring_view root) {
     const std::wstring_view last = slash == std::wstring_view::npos ? trimmed : trimmed.substr(slash + 1);
     return std::wstring{last.empty() ? root : last};
 }
+
+void TreeFinishListing(TreeListing& listing) {
+    TreeSort(listing.entries);
+    if (listing.entries.size() <= kTreeMaxShown) return;
+    listing.omitted = listing.entries.size() - kTreeMaxShown;
+    listing.entries.resize(kTreeMaxShown);
+}
+
+std::vector<TreeRow> TreeRowsOf(const TreeListing& listing, const std::wstring& folder,
+                                const std::set<std::wstring>& reopen) {
+    std::vector<TreeRow> rows;
+    if (!listing.readable && listing.omitted == 0) rows.push_back({L"(cannot be read)", NodeKind::Note});
+    for (const TreeEntry& entry : listing.entries) {
+        const bool open = entry.isFolder && !reopen.empty() && reopen.contains(TreeJoin(folder, entry.name));
+        rows.push_back({entry.name, entry.isFolder ? NodeKind::FolderUnread : NodeKind::File, open});
+    }
+    if (listing.omitted > 0)
+        rows.push_back({L"(" + std::to_wstring(listing.omitted) + L" more not shown)", NodeKind::Note});
+    return rows;
+}
+
+std::wstring TreeJoin(std::wstring_view folder, std::wstring_view name) {
+    std::wstring path{folder};
+    if (!path.ends_with(L'\\')) path += L'\\';
+    return path.append(name);
+}
+
+std::wstring TreeRootOf(std::wstring_view setting) {
+    std::wstring root{setting};
+    while (root.size() > 1 && root.ends_with(L'\\')) root.pop_back();
+    return root.ends_with(L':') ? root + L"\\" : root;
+}
+
+std::int32_t TreeFirstWidth(std::int32_t width) { return width > 400 ? 200 : width; }

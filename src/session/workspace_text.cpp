@@ -1,14 +1,17 @@
 // The workspace file as text. Pure: knows no tab and no settings.
 #include "session/workspace_text.h"
 
+#include "base/decimal.h"
+#include "base/path.h"
 #include "settings/compiler_table.h"
 
 #include <algorithm>
 #include <cwchar>
-#include <limits>
+#include <memory>
 
 namespace {
 
+constexpr std::size_t kFlagsCapacity = 512;     // wide characters, terminator included
 constexpr std::size_t kEscapedCapacity = 2048;  // wide characters: a full path of backslashes fits
 
 const wchar_t* SkipJsonBlanks(const wchar_t* text) {
@@ -29,22 +32,13 @@ const wchar_t* FindValue(const wchar_t* text, const wchar_t* key) {
     return *found == L':' ? SkipJsonBlanks(found + 1) : nullptr;
 }
 
-wchar_t JsonLetter(wchar_t letter) {
+wchar_t UnescapedLetter(wchar_t letter) {
     switch (letter) {
         case L'n': return L'\n';
         case L't': return L'\t';
         case L'r': return L'\r';
         default: return letter;
     }
-}
-
-int ReadInt(const wchar_t* text) {
-    const bool negative = *text == L'-';
-    if (negative) ++text;
-    std::int64_t number = 0;
-    for (; *text >= L'0' && *text <= L'9'; ++text)
-        number = std::min<std::int64_t>(number * 10 + (*text - L'0'), std::numeric_limits<std::int32_t>::max());
-    return static_cast<int>(negative ? -number : number);
 }
 
 }  // namespace
@@ -93,7 +87,7 @@ int JsonExtractString(const wchar_t* text, const wchar_t* key, wchar_t* out, std
         if (letter == L'\\') {
             ++from;
             if (*from == L'\0') break;
-            letter = JsonLetter(*from);
+            letter = UnescapedLetter(*from);
         }
         out[used++] = letter;
     }
@@ -103,7 +97,8 @@ int JsonExtractString(const wchar_t* text, const wchar_t* key, wchar_t* out, std
 
 int JsonExtractInt(const wchar_t* text, const wchar_t* key, int defaultValue) {
     const wchar_t* from = text != nullptr && key != nullptr ? FindValue(text, key) : nullptr;
-    return from == nullptr ? defaultValue : ReadInt(from);
+    if (from == nullptr) return defaultValue;
+    return *from == L'+' ? 0 : DecimalNumber(std::wstring_view{from});
 }
 
 int JsonParseFiles(const wchar_t* text, wchar_t (*paths)[kPathCapacity], int* cursors, int maximum) {
@@ -130,9 +125,45 @@ int JsonParseFiles(const wchar_t* text, wchar_t (*paths)[kPathCapacity], int* cu
     return count;
 }
 
-std::wstring WorkspaceFlagsAsRead(const wchar_t* flags) {
-    const std::wstring text = std::wstring{L"\"compilerFlags\": \""} + flags + L"\"";
-    wchar_t out[kWorkspaceFlagsCapacity] = {};
-    JsonExtractString(text.c_str(), L"compilerFlags", out, kWorkspaceFlagsCapacity);
-    return out;
+std::wstring WorkspacePathFor(std::wstring_view given, std::wstring_view current, const wchar_t* programFolder) {
+    if (given.empty()) given = current.empty() ? std::wstring_view{L"workspace.json"} : current;
+    if (given.starts_with(L'\\') || PathIsAbsolute(given)) return std::wstring{given};
+    wchar_t joined[kPathCapacity] = {};
+    PathJoin(programFolder, std::wstring{given}.c_str(), joined, kPathCapacity);
+    return joined;
+}
+
+Workspace WorkspaceParse(const wchar_t* text) {
+    struct FileList {
+        wchar_t paths[kWorkspaceMaxFiles][kPathCapacity];
+        int cursors[kWorkspaceMaxFiles];
+    };
+    const auto list = std::make_unique<FileList>();  // 128 kB: too much for the stack
+    const int count = JsonParseFiles(text, list->paths, list->cursors, kWorkspaceMaxFiles);
+    Workspace workspace;
+    for (int i = 0; i < count; ++i) workspace.files.push_back({.path = list->paths[i], .cursor = list->cursors[i]});
+    workspace.activeFile = JsonExtractInt(text, L"activeFile", 0);
+    wchar_t name[32] = {};
+    if (JsonExtractString(text, L"compiler", name, std::size(name)) != 0)
+        workspace.compiler = WorkspaceCompilerId(name);
+    wchar_t flags[kFlagsCapacity] = {};
+    if (JsonExtractString(text, L"compilerFlags", flags, kFlagsCapacity) != 0) workspace.flags = flags;
+    return workspace;
+}
+
+std::wstring WorkspaceFlagsToSet(const std::wstring& own, const std::wstring& read) {
+    // What the own flags read as after a trip through the file: a quote cuts them, a backslash goes.
+    wchar_t mutilated[kFlagsCapacity] = {};
+    const std::wstring text = L"\"compilerFlags\": \"" + own + L"\"";
+    JsonExtractString(text.c_str(), L"compilerFlags", mutilated, kFlagsCapacity);
+    return read == mutilated ? own : read;
+}
+
+std::vector<WorkspaceCaret> WorkspaceCarets(const Workspace& workspace, int tabCount) {
+    std::vector<WorkspaceCaret> carets;
+    for (int tab = 0; tab < std::min(tabCount, static_cast<int>(workspace.files.size())); ++tab) {
+        const std::int32_t position = workspace.files[static_cast<std::size_t>(tab)].cursor;
+        if (position > 0) carets.push_back({tab, position});
+    }
+    return carets;
 }

@@ -1,20 +1,15 @@
-// The seams between the files of the tab bar. Private to this folder. UI thread.
+// What the files of the tab bar share. Private to this folder. UI thread.
 #pragma once
 
 #include "tabs/tab_bar_layout.h"
+#include "tabs/tab_pointer.h"
 
 #include <windows.h>
 
 #include <vector>
 
-// What the pointer is doing on the strip.
 struct TabBarState {
-    int hoverTab = -1;        // under the pointer
-    bool hoverClose = false;  // on its close button
-    int pressedClose = -1;    // close button that was pressed and not yet released
-    int dragTab = -1;         // pressed, perhaps dragged
-    POINT dragFrom = {};
-    bool dragging = false;
+    TabPointer pointer;
     bool tracking = false;  // WM_MOUSELEAVE was asked for
     HWND tooltip = nullptr;
 };

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr int Scale(int pixels, int dpi) { return (pixels * dpi + 48) / 96; }
+constexpr int PixelsAtDpi(int pixels, int dpi) { return (pixels * dpi + 48) / 96; }
 
 TabRect Centred(const TabRect& tab, int left, int size) {
     const int top = tab.top + (tab.Height() - size) / 2;
@@ -15,15 +15,15 @@ TabRect Centred(const TabRect& tab, int left, int size) {
 }  // namespace
 
 TabMetrics TabMetricsForDpi(int dpi) {
-    return {.height = Scale(32, dpi),
-            .minWidth = Scale(112, dpi),
-            .maxWidth = Scale(176, dpi),
-            .padding = Scale(10, dpi),
-            .closeSize = Scale(18, dpi),
-            .markSize = Scale(8, dpi),
-            .scroller = Scale(44, dpi),
-            .accent = std::max(Scale(2, dpi), 2),
-            .dragStart = Scale(6, dpi)};
+    return {.height = PixelsAtDpi(32, dpi),
+            .minWidth = PixelsAtDpi(112, dpi),
+            .maxWidth = PixelsAtDpi(176, dpi),
+            .padding = PixelsAtDpi(10, dpi),
+            .closeSize = PixelsAtDpi(18, dpi),
+            .markSize = PixelsAtDpi(8, dpi),
+            .scroller = PixelsAtDpi(44, dpi),
+            .accent = std::max(PixelsAtDpi(2, dpi), 2),
+            .dragStart = PixelsAtDpi(6, dpi)};
 }
 
 int TabWidthFor(const TabMetrics& metrics, int stripWidth, int count) {

@@ -101,7 +101,7 @@ void TabBarOnMoved(int from, int to) {
 
 void TabBarOnClosed(int index) {
     SendMessageW(g_tabs.hTabCtrl, TCM_DELETEITEM, static_cast<WPARAM>(index), 0);
-    g_tabBar.hoverTab = -1;
+    g_tabBar.pointer.hoverTab = -1;
     TabBarUpdateWidths();
 }
 

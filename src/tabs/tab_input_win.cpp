@@ -1,12 +1,11 @@
-// The pointer on the tab strip: hover, close buttons, drag, middle click, context menu, tooltip, and the painting that
-// replaces the control's own. What has to ask the user goes to the main window as a command. UI thread.
+// The pointer on the tab strip: hover, close buttons, drag, middle click, context menu, tooltip, and when it is painted.
+// What a press, a move and a release mean is tab_pointer; what has to ask the user goes to the main window as a command.
+// UI thread.
 #include "tabs/tab_bar_internal.h"
 
 #include "documents/document_row.h"
 #include "resources/ids.h"
-#include "scintilla/sci.h"
 #include "tabs/tabs_state.h"
-#include "ui/clipboard.h"
 #include "ui/menu.h"
 #include "ui/paint.h"
 #include "ui/ui_state.h"
@@ -14,74 +13,45 @@
 #include <commctrl.h>
 #include <windowsx.h>
 
-#include <cstdlib>
-
 TabBarState g_tabBar;
 
 namespace {
 
 constexpr UINT_PTR kSubclassId = 1;
-enum MenuCommand : UINT { kMenuClose = 1, kMenuCloseOthers, kMenuCloseRight, kMenuCloseAll, kMenuCopyPath };
 
 void RepaintStrip() { InvalidateRect(g_tabs.hTabCtrl, nullptr, FALSE); }
 
-// Closing asks about unsaved text, which is the documents area's business. The answer may be no.
-void CloseTabAt(int index) {
-    if (!IsTabIndex(index)) return;
-    g_documents.returnTo = index == g_documents.activeTab ? 0 : ActiveDocumentId();
-    if (index != g_documents.activeTab) TabBarSelect(index);
-    PostMessageW(g_ui.hMainWnd, WM_COMMAND, IDM_FILE_CLOSE, 0);
+void PostCommand(UINT command) { PostMessageW(g_ui.hMainWnd, WM_COMMAND, command, 0); }
+
+DocumentId DocumentAt(int index) { return IsTabIndex(index) ? TabAt(index).id : 0; }
+
+void AskToClose(DocumentId document) {
+    if (TabBarSelectToClose(TabBarFindDocument(document)) != 0) PostCommand(IDM_FILE_CLOSE);
 }
 
-// Closes tabs from the right down to `first`, sparing `keep`, until one refuses. Synchronous: each close may ask.
-void CloseTabsFrom(int first, DocumentId keep) {
-    for (int index = TabCount() - 1; index >= first; --index) {
-        if (!IsTabIndex(index) || TabAt(index).id == keep) continue;
-        const int before = TabCount();
-        TabBarSelect(index);
-        SendMessageW(g_ui.hMainWnd, WM_COMMAND, IDM_FILE_CLOSE, 0);
-        if (TabCount() >= before) return;
-    }
-    const int kept = TabBarFindDocument(keep);
-    if (kept >= 0) TabBarActivate(kept);
-}
-
+// The commands act on the active document, so the tab under the pointer becomes it.
 void ShowTabMenu(HWND strip, int index, POINT at) {
-    if (!IsTabIndex(index)) return;
-    TabBarActivate(index);
+    if (TabBarActivate(index) == 0) return;
     const DocumentTab& tab = TabAt(index);
     const DocumentId document = tab.id;
     const MenuItem items[] = {
-        {.id = kMenuClose, .text = L"&Close\tCtrl+W"},
-        {.id = kMenuCloseOthers, .text = L"Close &Others", .enabled = TabCount() > 1},
-        {.id = kMenuCloseRight, .text = L"Close to the &Right", .enabled = index + 1 < TabCount()},
-        {.id = kMenuCloseAll, .text = L"Close &All"},
+        {.id = IDM_FILE_CLOSE, .text = L"&Close\tCtrl+W"},
+        {.id = IDM_TAB_CLOSE_OTHERS, .text = L"Close &Others", .enabled = TabCount() > 1},
+        {.id = IDM_TAB_CLOSE_RIGHT, .text = L"Close to the &Right", .enabled = index + 1 < TabCount()},
+        {.id = IDM_FILE_CLOSE_ALL, .text = L"Close &All"},
         {},
-        {.id = kMenuCopyPath, .text = L"Copy Full &Path", .enabled = tab.hasFile}};
+        {.id = IDM_TAB_COPY_PATH, .text = L"Copy Full &Path", .enabled = tab.hasFile}};
     ClientToScreen(strip, &at);
     const UINT command = ShowPopupMenu(strip, items, at, TPM_NONOTIFY);
-
-    const int now = TabBarFindDocument(document);  // the menu ran its own message loop
-    if (now < 0) return;
-    switch (command) {
-        case kMenuClose: CloseTabAt(now); break;
-        case kMenuCloseOthers: CloseTabsFrom(0, document); break;
-        case kMenuCloseRight: CloseTabsFrom(now + 1, document); break;
-        case kMenuCloseAll: PostMessageW(g_ui.hMainWnd, WM_COMMAND, IDM_FILE_CLOSE_ALL, 0); break;
-        case kMenuCopyPath: ClipboardPutText(g_ui.hMainWnd, TabAt(now).path); break;
-        default: break;
-    }
+    // The menu ran its own message loop: the document may be gone or no longer the active one.
+    if (command != 0 && TabBarActivate(TabBarFindDocument(document)) != 0) PostCommand(command);
 }
 
 void UpdateTabHover(HWND strip, POINT at, bool inside) {
-    const std::vector<TabRect> rects = TabBarRects();
-    const int tab = inside ? TabHit(rects, at.x, at.y) : -1;
-    const bool close =
-        tab >= 0 && TabCloseRect(TabBarMetrics(), rects[static_cast<std::size_t>(tab)]).Contains(at.x, at.y);
-    if (tab == g_tabBar.hoverTab && close == g_tabBar.hoverClose) return;
-    if (tab != g_tabBar.hoverTab && g_tabBar.tooltip) SendMessageW(g_tabBar.tooltip, TTM_POP, 0, 0);
-    g_tabBar.hoverTab = tab;
-    g_tabBar.hoverClose = close;
+    TabPointer& pointer = g_tabBar.pointer;
+    const int before = pointer.hoverTab;
+    if (!TabPointerHover(pointer, TabBarMetrics(), TabBarRects(), inside, at.x, at.y)) return;
+    if (pointer.hoverTab != before && g_tabBar.tooltip != nullptr) SendMessageW(g_tabBar.tooltip, TTM_POP, 0, 0);
     RepaintStrip();
     if (g_tabBar.tracking || !inside) return;
     TRACKMOUSEEVENT track = {};
@@ -91,50 +61,36 @@ void UpdateTabHover(HWND strip, POINT at, bool inside) {
     g_tabBar.tracking = TrackMouseEvent(&track) != FALSE;
 }
 
-void EndTabDrag() {
-    g_tabBar.dragTab = -1;
-    g_tabBar.dragging = false;
-    g_tabBar.pressedClose = -1;
-}
-
 // True when the press was on a close button and the control must not see it.
 bool OnTabPressed(HWND strip, POINT at) {
     UpdateTabHover(strip, at, true);
-    const int tab = g_tabBar.hoverTab;
-    if (tab < 0) return false;
-    if (g_tabBar.hoverClose) {
-        g_tabBar.pressedClose = tab;
-        SetCapture(strip);
-        return true;
-    }
-    g_tabBar.dragTab = tab;
-    g_tabBar.dragFrom = at;
-    return false;
+    if (!TabPointerPress(g_tabBar.pointer, DocumentAt(g_tabBar.pointer.hoverTab), at.x)) return false;
+    SetCapture(strip);
+    return true;
 }
 
 // After the control has selected the tab, which may have moved the capture.
 void CaptureForDrag(HWND strip) {
-    if (g_tabBar.dragTab >= 0) SetCapture(strip);
+    if (g_tabBar.pointer.dragDocument != 0) SetCapture(strip);
 }
 
 void OnTabPointer(HWND strip, POINT at) {
-    if (g_tabBar.dragTab >= 0 && !g_tabBar.dragging)
-        g_tabBar.dragging = std::abs(at.x - g_tabBar.dragFrom.x) >= TabBarMetrics().dragStart;
-    if (g_tabBar.dragging) {
-        const int target = TabDropIndex(TabBarRects(), g_tabBar.dragTab, at.x);
-        if (target != g_tabBar.dragTab && TabBarMove(g_tabBar.dragTab, target)) g_tabBar.dragTab = target;
-    }
+    TabPointer& pointer = g_tabBar.pointer;
+    const int from = TabBarFindDocument(pointer.dragDocument);
+    const int to = TabPointerDragTo(pointer, TabBarMetrics(), TabBarRects(), from, at.x);
+    if (to >= 0) TabBarMove(from, to);
     UpdateTabHover(strip, at, true);
 }
 
 void OnTabReleased(HWND strip, POINT at) {
-    const int pressed = g_tabBar.pressedClose;
-    const bool dragged = g_tabBar.dragging;
-    EndTabDrag();
+    TabPointer& pointer = g_tabBar.pointer;
+    const TabPointer before = pointer;
+    TabPointerEnd(pointer);
     if (GetCapture() == strip) ReleaseCapture();
     UpdateTabHover(strip, at, true);
-    if (pressed >= 0 && pressed == g_tabBar.hoverTab && g_tabBar.hoverClose) CloseTabAt(pressed);
-    if (dragged) RepaintStrip();
+    if (before.pressedClose != 0 && pointer.hoverClose && DocumentAt(pointer.hoverTab) == before.pressedClose)
+        AskToClose(before.pressedClose);
+    if (before.dragging) RepaintStrip();
 }
 
 void OnTabWheel(WPARAM wParam) {
@@ -155,8 +111,8 @@ bool FillTabTip(NMHDR& header) {
     if (header.hwndFrom != g_tabBar.tooltip || header.code != TTN_GETDISPINFOW) return false;
     static wchar_t text[kPathCapacity];
     text[0] = L'\0';
-    if (IsTabIndex(g_tabBar.hoverTab)) {
-        const DocumentTab& tab = TabAt(g_tabBar.hoverTab);
+    if (IsTabIndex(g_tabBar.pointer.hoverTab)) {
+        const DocumentTab& tab = TabAt(g_tabBar.pointer.hoverTab);
         SafeCopyW(text, tab.hasFile ? tab.path : tab.label);
     }
     reinterpret_cast<NMTTDISPINFOW&>(header).lpszText = text;
@@ -185,7 +141,7 @@ LRESULT CALLBACK ScrollerProc(HWND scroller, UINT message, WPARAM wParam, LPARAM
 }
 
 void OnStripDoubleClick(POINT at) {
-    if (TabHit(TabBarRects(), at.x, at.y) < 0) PostMessageW(g_ui.hMainWnd, WM_COMMAND, IDM_FILE_NEW, 0);
+    if (TabHit(TabBarRects(), at.x, at.y) < 0) PostCommand(IDM_FILE_NEW);
 }
 
 void OnStripLeft(HWND strip) {
@@ -211,12 +167,12 @@ LRESULT CALLBACK StripProc(HWND strip, UINT message, WPARAM wParam, LPARAM lPara
             return 0;
         case WM_LBUTTONDBLCLK: OnStripDoubleClick(at); break;
         case WM_LBUTTONUP: OnTabReleased(strip, at); break;
-        case WM_MBUTTONUP: CloseTabAt(TabHit(TabBarRects(), at.x, at.y)); return 0;
+        case WM_MBUTTONUP: AskToClose(DocumentAt(TabHit(TabBarRects(), at.x, at.y))); return 0;
         case WM_RBUTTONUP: ShowTabMenu(strip, TabHit(TabBarRects(), at.x, at.y), at); return 0;
         case WM_MOUSEMOVE: OnTabPointer(strip, at); break;
         case WM_MOUSELEAVE: OnStripLeft(strip); break;
         case WM_MOUSEWHEEL: OnTabWheel(wParam); return 0;
-        case WM_CAPTURECHANGED: EndTabDrag(); break;
+        case WM_CAPTURECHANGED: TabPointerEnd(g_tabBar.pointer); break;
         case WM_NOTIFY:
             if (FillTabTip(*reinterpret_cast<NMHDR*>(lParam))) return 0;
             break;

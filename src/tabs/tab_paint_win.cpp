@@ -1,4 +1,4 @@
-// Paints the tab strip: by theme, from the records, in one go to a memory bitmap. Changes nothing. UI thread.
+// Paints the tab strip by the theme, from the records. Changes nothing. UI thread.
 #include "tabs/tab_bar_internal.h"
 
 #include "documents/document_row.h"
@@ -32,7 +32,8 @@ TabRect ShrunkTo(const TabRect& box, int size) {
 }
 
 bool HasCloseButton(const DocumentTab& tab, int index) {
-    return tab.modified || index == g_documents.activeTab || (index == g_tabBar.hoverTab && !g_tabBar.dragging);
+    return tab.modified || index == g_documents.activeTab ||
+           (index == g_tabBar.pointer.hoverTab && !g_tabBar.pointer.dragging);
 }
 
 // The close button, or the modified dot in its place while the pointer is elsewhere.
@@ -40,8 +41,8 @@ void PaintCloseButton(HDC dc, const DocumentTab& tab, int index, const TabRect& 
     const ThemeChrome& chrome = ThemeCurrentChrome();
     const TabMetrics metrics = TabBarMetrics();
     const TabRect box = TabCloseRect(metrics, rect);
-    const bool hovered = g_tabBar.hoverTab == index && !g_tabBar.dragging;
-    const bool over = hovered && g_tabBar.hoverClose;
+    const bool hovered = g_tabBar.pointer.hoverTab == index && !g_tabBar.pointer.dragging;
+    const bool over = hovered && g_tabBar.pointer.hoverClose;
     if (tab.modified && !over) {
         FillDot(dc, ToRect(ShrunkTo(box, metrics.markSize)), chrome.modified);
         return;
@@ -59,7 +60,7 @@ void TabBarPaintTab(HDC dc, int index, const TabRect& rect) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     const TabMetrics metrics = TabBarMetrics();
     const bool active = index == g_documents.activeTab;
-    const bool hovered = index == g_tabBar.hoverTab;
+    const bool hovered = index == g_tabBar.pointer.hoverTab;
 
     RECT body = ToRect(rect);
     FillArea(dc, body, active ? chrome.tabActiveBack : hovered ? chrome.hover : chrome.tabBack);
@@ -67,7 +68,7 @@ void TabBarPaintTab(HDC dc, int index, const TabRect& rect) {
         FillArea(dc, {rect.left, rect.top, rect.right, rect.top + metrics.accent}, chrome.accent);
     else
         FillArea(dc, {rect.left, rect.bottom - 1, rect.right, rect.bottom}, chrome.line);
-    // A hairline between tabs; around the active one its own edges do.
+    // A hairline between tabs; the active one has edges of its own.
     const int inset = active ? 0 : metrics.padding * 4 / 5;
     FillArea(dc, {rect.right - 1, rect.top + inset, rect.right, rect.bottom - (active ? 0 : inset)}, chrome.line);
 

@@ -1,10 +1,20 @@
-// Recent lists, the open dialog's first folder, the go-to-line target, source file names.
+// Recent lists, the open dialog's first folder, the go-to-line target, source file names, the row of documents, decisions
+// of saves, files that are read in pieces.
+#include "documents/file_binding.h"
+#include "documents/file_dialog_texts.h"
+#include "documents/goto_line.h"
 #include "documents/open_directory.h"
 #include "documents/recent_files.h"
+#include "documents/row_rules.h"
+#include "documents/save_rules.h"
+#include "documents/text_pieces.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -93,11 +103,136 @@ TEST(OpenDirectory, FirstMatchWins) {
     }
 }
 
-TEST(GotoLine, ColumnStaysOnTheLine) {
+TEST(GotoLine, FieldsAndPlacesStayWithinBounds) {
+    const struct {
+        const wchar_t* field;
+        int number;
+    } fields[] = {{L"12", 12}, {L" \t-7x", -7}, {L"x", 0}, {L"", 0}, {L"- 3", 0}, {L"99999999999", 2147483647},
+                  {L"+4.9", 4}};
+    for (const auto& test : fields) EXPECT_EQ(GotoNumber(test.field), test.number) << test.number;
+    EXPECT_EQ(GotoLineIndex(0, 10), -1) << "the line counts from 1";
+    EXPECT_EQ(GotoLineIndex(1, 10), 0);
+    EXPECT_EQ(GotoLineIndex(2147483647, 10), 9);
     EXPECT_EQ(GotoLinePosition(100, 120, 5), 105);
     EXPECT_EQ(GotoLinePosition(100, 120, 500), 120);
     EXPECT_EQ(GotoLinePosition(100, 120, -3), 100);
     EXPECT_EQ(GotoLinePosition(100, 100, 1), 100);
+}
+
+TEST(DocumentRow, CommandsOnSeveralTakeThemInTheirOrder) {
+    const std::vector<RowEntry> row = {{7, true, true}, {3, false, true}, {9, true, false}, {4, true, true}};
+    using Ids = std::vector<DocumentId>;
+    EXPECT_EQ(DocumentsToClose(row, CloseRange::All, 0), (Ids{4, 9, 3, 7}));
+    EXPECT_EQ(DocumentsToClose(row, CloseRange::Others, 3), (Ids{4, 9, 7}));
+    EXPECT_EQ(DocumentsToClose(row, CloseRange::Right, 3), (Ids{4, 9}));
+    EXPECT_EQ(DocumentsToClose(row, CloseRange::Right, 4), Ids{});
+    EXPECT_EQ(DocumentsToClose(row, CloseRange::Others, 5), Ids{}) << "the one to keep is gone: nothing is closed";
+    EXPECT_EQ(DocumentsToSave(row, true), (Ids{7, 4}));
+    EXPECT_EQ(DocumentsToSave(row, false), Ids{9});
+}
+
+TEST(SaveRules, NothingIsReplacedOrOverwrittenUnasked) {
+    struct Case {
+        TextEncoding own;
+        bool holds;
+        Answer answer;
+        bool asks;
+        std::optional<TextEncoding> saved;
+    };
+    for (const Case& test : {Case{TextEncoding::Utf8, false, Answer::Cancel, false, TextEncoding::Utf8},
+                             {TextEncoding::Ansi, true, Answer::Cancel, false, TextEncoding::Ansi},
+                             {TextEncoding::Ansi, false, Answer::Yes, true, TextEncoding::Utf8},
+                             {TextEncoding::Ansi, false, Answer::No, true, TextEncoding::Ansi},
+                             {TextEncoding::Ansi, false, Answer::Cancel, true, std::nullopt}}) {
+        bool asked = false;
+        const auto saved = EncodingToSave(test.own, test.holds, [&] {
+            asked = true;
+            return test.answer;
+        });
+        EXPECT_EQ(asked, test.asks) << static_cast<int>(test.answer);
+        EXPECT_EQ(saved, test.saved) << static_cast<int>(test.answer);
+    }
+    EXPECT_TRUE(SaveMakesBackup(true, true, false));
+    EXPECT_FALSE(SaveMakesBackup(true, true, true)) << "the file may be damaged, its backup is not";
+    EXPECT_FALSE(SaveMakesBackup(true, false, false) || SaveMakesBackup(false, true, false));
+    const std::wstring label(259, L'n');
+    EXPECT_EQ(SaveQuestion(label.c_str()), L"Save changes to " + label + L"?");
+
+    const FileBinding binding = BindingForNewName(L"C:\\x\\new.bas");
+    EXPECT_STREQ(binding.label, L"new.bas");
+    EXPECT_TRUE(binding.hasFile && binding.encoding == TextEncoding::Ansi && binding.lineEnding == LineEnding::CrLf);
+}
+
+// What a text becomes that is read in pieces, of at most `most` bytes a read.
+struct MovedText {
+    PiecesResult result;
+    std::string text;
+    bool whole = true;  // no piece ended within a character
+};
+
+MovedText MoveInPieces(std::string_view text, std::size_t most) {
+    MovedText moved;
+    moved.result = MoveTextPieces({.read = [&](char* out, std::size_t capacity) -> std::optional<std::size_t> {
+                                       const std::size_t taken = text.copy(out, std::min(most, capacity));
+                                       text.remove_prefix(taken);
+                                       return taken;
+                                   },
+                                   .append =
+                                       [&](std::string_view piece) {
+                                           moved.whole = moved.whole && IsValidUtf8Bytes(piece.data(), piece.size());
+                                           moved.text += piece;
+                                       }});
+    return moved;
+}
+
+// A character or a line break across every border of the 1 MB pieces, cut at every byte of it.
+TEST(TextPieces, NothingIsCutAtTheBorders) {
+    struct Case {
+        const char* name;
+        std::string_view across;
+        LineEnding ending;
+    };
+    for (const Case& test : {Case{"two bytes", "\xC3\xA9", LineEnding::CrLf},
+                             {"three bytes", "\xE2\x82\xAC", LineEnding::CrLf},
+                             {"four bytes", "\xF0\x9F\x98\x80", LineEnding::CrLf},
+                             {"CR LF", "\r\n", LineEnding::CrLf},
+                             {"CR alone", "\rx", LineEnding::Cr},
+                             {"LF", "\n", LineEnding::Lf}}) {
+        for (std::size_t before = 1; before <= test.across.size(); ++before) {
+            std::string text;
+            for (std::size_t border = kTextPiece; border <= 4 * kTextPiece; border += kTextPiece) {
+                text.resize(border - before, 'x');
+                text += test.across;
+            }
+            text += "tail";
+            for (const std::size_t most : {kTextPiece, kTextPiece / 3 + 1}) {
+                const MovedText moved = MoveInPieces(text, most);
+                EXPECT_EQ(moved.result.end, PiecesEnd::Done) << test.name << ' ' << before;
+                EXPECT_EQ(moved.result.length, text.size()) << test.name << ' ' << before;
+                EXPECT_EQ(moved.result.lineEnding, test.ending) << test.name << ' ' << before;
+                EXPECT_TRUE(moved.text == text && moved.whole) << test.name << ' ' << before;
+            }
+        }
+    }
+}
+
+TEST(TextPieces, TellsWhatIsNoUtf8) {
+    for (const std::string_view text : {"a\x80", "ends in \xE2\x82", "\xFF\xFE\xFD\xFC", "\xED\xA0\x80"}) {
+        EXPECT_EQ(MoveInPieces(text, 1).result.end, PiecesEnd::NotUtf8) << text;
+        EXPECT_EQ(MoveInPieces(text, 100).result.end, PiecesEnd::NotUtf8) << text;
+    }
+    EXPECT_EQ(MoveInPieces("", 100).result.end, PiecesEnd::Done);
+    EXPECT_EQ(MoveInPieces("ends in CR\r", 100).result.lineEnding, LineEnding::Cr);
+    const PiecesResult failed = MoveTextPieces(
+        {.read = [](char*, std::size_t) { return std::optional<std::size_t>{}; }, .append = [](std::string_view) {}});
+    EXPECT_EQ(failed.end, PiecesEnd::Failed);
+}
+
+TEST(FileDialogs, AreGivenPairsAndTheNamesOfAPath) {
+    const std::wstring filter = FileDialogFilter();
+    EXPECT_EQ(std::count(filter.begin(), filter.end(), L'\0'), 17) << "eight pairs, and one to end them";
+    EXPECT_TRUE(filter.ends_with(std::wstring_view(L"\0*.*\0\0", 6)));
+    EXPECT_EQ(FileDialogNames(L"C:\\a\\b.bas")[1], L"b.bas");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
-// Caret colour, navigation history, sticky header, brackets.
+// Caret colour, navigation history, colouring of a pane, sticky header, brackets.
 #include "documents/brace_match.h"
 #include "documents/nav_history.h"
+#include "documents/pane_rules.h"
 #include "documents/sticky_header.h"
 #include "language/caret_colour.h"
 
@@ -66,6 +67,57 @@ TEST(NavHistory, RecordsJumpsOfSixLinesAndEveryTab) {
     EXPECT_TRUE(NavShouldRecord(history, 6, 0)) << "six lines";
     EXPECT_TRUE(NavShouldRecord(history, 6, 1)) << "another tab";
     EXPECT_TRUE(NavShouldRecord(history, 0, 1)) << "six lines up";
+}
+
+TEST(NavHistory, PlacesFollowTheirDocumentsAndEndWithThem) {
+    const auto tabs = [](const NavHistory& history) {
+        return std::vector<int>(history.navTab, history.navTab + history.navCount);
+    };
+    NavHistory history;
+    for (const int tab : {0, 1, 2, 3}) NavRecord(history, 10 * tab, tab);
+    NavShouldRecord(history, 7, 3);
+    NavTabMoved(history, 0, 3);  // the row is now 1 2 3 0
+    EXPECT_EQ(tabs(history), (std::vector{0, 3, 0, 1, 2})) << "slot 0 is the first tab whichever it is";
+    EXPECT_EQ(history.navLastTab, 2);
+    NavTabRemoved(history, 1);  // document 2: the row is 1 3 0
+    EXPECT_EQ(tabs(history), (std::vector{0, 2, 0, -1, 1}));
+    NavTabRemoved(history, 0);
+    EXPECT_EQ(tabs(history), (std::vector{0, 1, -1, -1, 0})) << "going back to a closed one leads nowhere";
+    EXPECT_EQ(history.navIndex, 4) << "and is a step all the same";
+    NavTabRemoved(history, 0);
+    EXPECT_TRUE(NavShouldRecord(history, 7, 0)) << "the same line of another document";
+}
+
+TEST(PaneRules, ColoursWhatIsSeenFirstInSlicesThatTakeAFewMilliseconds) {
+    EXPECT_EQ(ColoursForPaint(500, {100, 500}), PaintColours::Ready);
+    EXPECT_EQ(ColoursForPaint(499, {100, 500}), PaintColours::FromMark);
+    EXPECT_EQ(ColoursForPaint(0, {32 << 10, 40 << 10}), PaintColours::FromMark);
+    EXPECT_EQ(ColoursForPaint(0, {(32 << 10) + 1, 40 << 10}), PaintColours::VisibleOnly);
+
+    EXPECT_EQ(NextColourChunk(0, 1), kFirstColourChunk);
+    EXPECT_EQ(NextColourChunk(100000, 0.003), 100000U);
+    EXPECT_EQ(NextColourChunk(100000, 1), 50000U) << "at most halved";
+    EXPECT_EQ(NextColourChunk(100000, 0), 200000U) << "at most doubled";
+    EXPECT_EQ(NextColourChunk(4 << 10, 1), 4U << 10);
+    EXPECT_EQ(NextColourChunk(1 << 20, 0), 1U << 20);
+
+    EXPECT_EQ(ColourSliceEnd(0, 100, 90, 200), 90) << "whole lines";
+    EXPECT_EQ(ColourSliceEnd(0, 100, 0, 200), 100) << "a line longer than a slice";
+    EXPECT_EQ(ColourSliceEnd(0, 200, 190, 200), 200) << "the last line has no end";
+}
+
+TEST(PaneRules, MarksTheRunsOfAView) {
+    const std::vector<TextRange> ranges = {{0, 5}, {20, 10}, {35, 5}};
+    EXPECT_EQ(
+        MarkedRuns(ranges, 100, {110, 150}),
+        (std::vector<MarkedRun>{
+            {{110, 120}, false}, {{120, 130}, true}, {{130, 135}, false}, {{135, 140}, true}, {{140, 150}, false}}));
+    EXPECT_EQ(MarkedRuns(ranges, 100, {102, 110})[0], (MarkedRun{{100, 105}, true})) << "begun above the view";
+    EXPECT_EQ(MarkedRuns({}, 0, {3, 9}), (std::vector<MarkedRun>{{{3, 9}, false}}));
+    EXPECT_EQ(BraceReach(5, 10), (PaneSpan{0, 10}));
+    EXPECT_EQ(KeywordInCapitals("print"), "PRINT");
+    EXPECT_EQ(KeywordInCapitals("PRINT"), std::nullopt);
+    EXPECT_EQ(KeywordInCapitals("printer"), std::nullopt);
 }
 
 TEST(StickyHeader, IsAPlainPrefixTest) {

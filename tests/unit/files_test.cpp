@@ -1,7 +1,9 @@
-// Encodings, line breaks, paths and the names of recovery copies.
+// Encodings, line breaks, paths, the order of a save and the names of recovery copies.
 #include "base/bounded_text.h"
 #include "base/path.h"
+#include "base/utf8.h"
 #include "files/recovery.h"
+#include "files/safe_save.h"
 #include "files/text_encoding.h"
 
 #include <gtest/gtest.h>
@@ -78,6 +80,86 @@ TEST(Files, Utf8IsToldAtEveryAlignment) {
             }
         }
     }
+}
+
+TEST(Files, TextAndUtf8ConvertBothWays) {
+    for (const Utf8Case& test : kUtf8Cases)
+        if (test.valid)
+            EXPECT_EQ(ToUtf8(Utf8ToWideText(test.bytes)), test.bytes) << test.name;
+        else
+            EXPECT_NE(Utf8ToWideText(test.bytes).find(L'\xFFFD'), std::wstring::npos) << test.name;
+    EXPECT_EQ(Utf8ToWideText("\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"), L"\u00E9\u20AC\U0001F600");
+    EXPECT_EQ(Utf8ToWideText("a\xE2\x82z\x80\xFF"), L"a\xFFFDz\xFFFD\xFFFD")
+        << "a cut sequence is one, a stray byte is one";
+    const wchar_t lone[] = {L'a', static_cast<wchar_t>(0xD83D), L'z', static_cast<wchar_t>(0xDE00), L'\0'};
+    EXPECT_EQ(ToUtf8(lone), "a\xEF\xBF\xBDz\xEF\xBF\xBD") << "half a pair of surrogates";
+}
+
+// Every way that a save can go, step by step: c copy written, r room, o overwrite, k check, D copy discarded, K copy kept.
+TEST(Files, ASaveNeverLeavesTheUserWithoutOldAndNewText) {
+    struct Case {
+        const char* name;
+        bool readOnly;
+        std::uint64_t size;
+        bool copy, room, overwrite;
+        SaveCheck check;
+        const char* steps;
+        bool saved;
+    };
+    using enum SaveCheck;
+    for (const Case& test : {
+             Case{"all well", false, 9, true, true, true, Same, "crokD", true},
+             {"a new file", false, 0, true, true, true, Same, "crokD", true},
+             {"read-only: the copy is what remains", true, 9, true, true, true, Same, "cK", false},
+             {"no copy: the old text is the only one", false, 9, false, true, true, Same, "cK", false},
+             {"no copy, but nothing to lose", false, 0, false, true, true, Same, "crokD", true},
+             {"no room: not even cut short", false, 9, true, false, true, Same, "crK", false},
+             {"the disk failed", false, 9, true, true, false, Same, "croK", false},
+             {"other bytes came back", false, 9, true, true, true, Different, "crokK", false},
+             {"cannot be read back", false, 9, true, true, true, Unreadable, "crokK", true},
+         }) {
+        std::string steps;
+        const bool saved = SafeSave({.readOnly = test.readOnly, .size = test.size},
+                                    {.writeCopy = [&] { return steps += 'c', test.copy; },
+                                     .hasRoom = [&] { return steps += 'r', test.room; },
+                                     .overwrite = [&] { return steps += 'o', test.overwrite; },
+                                     .check = [&] { return steps += 'k', test.check; },
+                                     .discardCopy = [&] { steps += 'D'; },
+                                     .keepCopy = [&] { steps += 'K'; }});
+        EXPECT_EQ(steps, test.steps) << test.name;
+        EXPECT_EQ(saved, test.saved) << test.name;
+    }
+}
+
+TEST(Files, FindsTheFirstCharacterThatIsRefused) {
+    const auto refuseEuro = [](std::string_view part) { return part.find("\xE2\x82\xAC") == std::string_view::npos; };
+    EXPECT_EQ(FirstRefusedCharacter("", refuseEuro), -1);
+    EXPECT_EQ(FirstRefusedCharacter("caf\xC3\xA9", refuseEuro), -1);
+    EXPECT_EQ(FirstRefusedCharacter("\xC3\xA9\xE2\x82\xAC", refuseEuro), 2);
+    // Around the ends of the stretches that are asked about.
+    for (std::size_t before = 65530; before < 65540; ++before) {
+        const std::string head(before, 'x');
+        EXPECT_EQ(FirstRefusedCharacter(head + "\xC3\xA9\xE2\x82\xAC" + head, refuseEuro),
+                  static_cast<std::ptrdiff_t>(before + 2));
+    }
+}
+
+TEST(Files, OneCopyIsKeptForEachTargetUntilItIsSaved) {
+    const auto paths = [](const std::vector<RecoveryCopy>& copies) {
+        std::wstring all;
+        for (const RecoveryCopy& copy : copies) all += copy.path;
+        return all;
+    };
+    KeptCopies kept;
+    EXPECT_EQ(paths(kept.Keep(L"C:\\a", {.path = L"1", .notePath = L""})), L"");
+    EXPECT_EQ(paths(kept.Keep(L"C:\\b", {.path = L"2", .notePath = L""})), L"");
+    EXPECT_EQ(paths(kept.Keep(L"c:\\A", {.path = L"3", .notePath = L""})), L"1") << "the newer text replaces the older";
+    EXPECT_EQ(paths(kept.Keep(L"C:\\a", {})), L"") << "a failure without a copy gives nothing up";
+    EXPECT_EQ(kept.LastPath(), L"");
+    EXPECT_TRUE(kept.Has(L"C:\\A") && kept.Has(L"C:\\b"));
+    EXPECT_EQ(paths(kept.Forget(L"C:\\a")), L"3");
+    EXPECT_FALSE(kept.Has(L"C:\\a"));
+    EXPECT_TRUE(kept.Has(L"C:\\b"));
 }
 
 TEST(Files, FirstLineBreakDecides) {

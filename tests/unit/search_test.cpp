@@ -1,4 +1,5 @@
 // Rules of find and replace.
+#include "search/find_engine.h"
 #include "search/find_rules.h"
 #include "search/regex_check.h"
 
@@ -111,12 +112,24 @@ TEST(FindRules, PlansAroundSelectionAndScope) {
     EXPECT_EQ(PlanFind({45, 50}, scope, false).first, (FindSpan{45, 40}));
 }
 
+TEST(FindRules, ScopeAndDialogKeepToWhatIsThere) {
+    EXPECT_EQ(ScopeWithin(std::nullopt, 50), (FindSpan{0, 50}));
+    EXPECT_EQ(ScopeWithin(FindSpan{10, 90}, 50), (FindSpan{10, 50})) << "the document became shorter";
+    EXPECT_EQ(ScopeWithin(FindSpan{60, 90}, 50), (FindSpan{50, 50}));
+    EXPECT_EQ(DialogTopBesideMatch(100, 120, 200, 0, 900), 120) << "below";
+    EXPECT_EQ(DialogTopBesideMatch(800, 820, 200, 0, 900), 600) << "above";
+    EXPECT_EQ(DialogTopBesideMatch(100, 120, 200, 30, 300), 30) << "neither: at the top of the work area";
+}
+
 TEST(FindRules, TakesOneLineOfASelection) {
     EXPECT_EQ(SearchTextFromSelection("PRINT a$"), "PRINT a$");
     EXPECT_EQ(SearchTextFromSelection("a\r\nb"), "");
     EXPECT_EQ(SearchTextFromSelection(std::string(255, 'x')).size(), 255U);
     EXPECT_EQ(SearchTextFromSelection(std::string(256, 'x')), "");
     EXPECT_EQ(SearchTextFromSelection(std::string("a\0b", 3)), "");
+    EXPECT_EQ(TextToFindNext(L"last", L"selected", L"newest"), L"last");
+    EXPECT_EQ(TextToFindNext(L"", L"selected", L"newest"), L"selected");
+    EXPECT_EQ(TextToFindNext(L"", L"", L"newest"), L"newest");
     EXPECT_EQ(ReplacementCountText(0), L"Not found: nothing replaced");
     EXPECT_EQ(ReplacementCountText(1), L"1 replacement");
     EXPECT_EQ(ReplacementCountText(12), L"12 replacements");

@@ -1,5 +1,5 @@
 // Find and replace in a real editing component.
-#include "search/find_engine.h"
+#include "search/find_editor.h"
 
 #include "scintilla/sci.h"
 
@@ -39,7 +39,7 @@ protected:
     std::vector<std::string> Walk(const FindQuery& query, bool forward, int steps) {
         std::vector<std::string> found;
         for (int i = 0; i < steps; ++i) {
-            const FindResult result = FindInScope(editor_, query, All(), forward);
+            const FindResult result = FindInScope(FindTextOf(editor_), query, All(), forward);
             if (!result.match) {
                 found.emplace_back("none");
                 break;
@@ -154,14 +154,14 @@ TEST_F(FindEngine, KnowsWhatTheComponentRefuses) {
     for (const char* pattern :
          {"a**", "[]]", "[-]]*x?", "\\(b\\)", "a+\\(", "\\<d?", "e\\$", "\\\\1", "[c]]\\*", "(a)\\1"}) {
         query = Prepared(pattern, kRegex);
-        EXPECT_TRUE(FindInScope(editor_, query, All(), true).match) << pattern;
+        EXPECT_TRUE(FindInScope(FindTextOf(editor_), query, All(), true).match) << pattern;
     }
 }
 
 // A long line with expressions that make backtracking engines recurse once a character.
 TEST_F(FindEngine, LongLinesAreSafe) {
     SetText(std::string(1 << 20, 'a') + "b");
-    const FindResult result = FindInScope(editor_, Prepared("a.*b", kRegex), All(), true);
+    const FindResult result = FindInScope(FindTextOf(editor_), Prepared("a.*b", kRegex), All(), true);
     ASSERT_TRUE(result.match);
     EXPECT_EQ(*result.match, All());
 }

@@ -1,8 +1,11 @@
 // Session and workspace files as text, and what the project tree shows.
+#include "documents/margins.h"
 #include "session/session_text.h"
+#include "session/session_view.h"
 #include "session/tree_rules.h"
 #include "session/workspace_text.h"
 
+#include <Scintilla.h>
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -131,6 +134,40 @@ TEST(SessionText, Numbers) {
     EXPECT_EQ(SessionTreeWidth(500), 200);
 }
 
+TEST(SessionView, SettingsAndFrameComeBack) {
+    const auto settings = std::make_unique<Settings>(), restored = std::make_unique<Settings>();
+    settings->activeCompiler = 4;
+    settings->projectTreeWidth = 150;
+    settings->editorZoom = -3;
+    settings->wordWrap = 1;
+    settings->theme = 1;
+    SafeCopyW(settings->projectRoot, L"C:\\\u00FCber");
+    const SessionFrame frame{.activeTab = 2, .showOutput = true, .fullScreen = true};
+    SessionFrame found;
+    for (const SessionItem& item : SessionParse(SessionCompose(SessionHeaderOf(*settings, frame), {})))
+        SessionApplyHeader(item, *restored, found);
+    EXPECT_EQ(restored->activeCompiler, 4);
+    EXPECT_EQ(restored->projectTreeWidth, 150);
+    EXPECT_EQ(restored->editorZoom, -3);
+    EXPECT_EQ(restored->wordWrap, 1);
+    EXPECT_EQ(restored->theme, 1);
+    EXPECT_STREQ(restored->projectRoot, L"C:\\\u00FCber");
+    EXPECT_EQ(found.activeTab, 2);
+    EXPECT_TRUE(found.showOutput && found.fullScreen && !found.showAsmPane && !found.splitHorizontal);
+    SessionApplyHeader({-1, SessionKey::TreeWidth, 500, "500"}, *restored, found);
+    EXPECT_EQ(restored->projectTreeWidth, 200) << "limited";
+}
+
+TEST(SessionView, LinesBecomeMessagesToTheEditor) {
+    using Messages = std::vector<EditorMessage>;
+    EXPECT_EQ(SessionEditorMessages({0, SessionKey::Cursor, 7, "7"}), (Messages{{SCI_GOTOPOS, 7, 0}}));
+    EXPECT_EQ(SessionEditorMessages({0, SessionKey::Bookmarks, 4, "4,-1,9"}),
+              (Messages{{SCI_MARKERADD, 4, kMarkBookmark}, {SCI_MARKERADD, 9, kMarkBookmark}}));
+    EXPECT_EQ(SessionEditorMessages({0, SessionKey::Breakpoints, 3, "3"}),
+              (Messages{{SCI_MARKERADD, 3, kMarkBreakpoint}}));
+    EXPECT_EQ(SessionEditorMessages({0, SessionKey::Path, 0, "x"}), Messages{});
+}
+
 TEST(SessionText, OffersOnlySessionsWithFiles) {
     EXPECT_FALSE(SessionListsFiles("[Session]\r\nTabCount=0\r\n"));
     EXPECT_FALSE(SessionListsFiles("[File1]\r\nPath=\r\n"));
@@ -212,13 +249,39 @@ TEST(WorkspaceText, ListEndsAtTheFirstClosingBracket) {
     EXPECT_EQ(parse(L"{\"files\": []}"), 0);
 }
 
+TEST(WorkspaceText, ReadsAsAWhole) {
+    const Workspace read = WorkspaceParse(
+        L"{\"files\": [{\"path\": \"a\", \"cursorPos\": 3},{\"path\": \"b\", \"cursorPos\": 0},{\"path\": \"c\", "
+        L"\"cursorPos\": 5}], \"activeFile\": 2, \"compiler\": \"KVXB64\", \"compilerFlags\": \"-x\"}");
+    ASSERT_EQ(read.files.size(), 3U);
+    EXPECT_EQ(read.files[2].path, L"c");
+    EXPECT_EQ(read.activeFile, 2);
+    EXPECT_EQ(read.compiler, 1);
+    EXPECT_EQ(read.flags, L"-x");
+    const std::vector<WorkspaceCaret> all = WorkspaceCarets(read, 9), two = WorkspaceCarets(read, 2);
+    ASSERT_EQ(all.size(), 2U) << "a caret at the start needs no message";
+    EXPECT_TRUE(all[1].tab == 2 && all[1].position == 5);
+    EXPECT_EQ(two.size(), 1U) << "no more tabs than there are";
+    EXPECT_EQ(WorkspaceParse(L"").compiler, -1);
+    EXPECT_EQ(WorkspaceParse(L"\"compiler\": \"none\"").compiler, -1);
+
+    EXPECT_EQ(WorkspaceFlagsToSet(L"-D \"x\"", L"-D "), L"-D \"x\"") << "not its own mutilated copy";
+    EXPECT_EQ(WorkspaceFlagsToSet(L"-O", L"-x"), L"-x");
+    const struct {
+        const wchar_t *given, *current, *path;
+    } paths[] = {{L"", L"", L"C:\\exe\\workspace.json"},
+                 {L"", L"D:\\w.json", L"D:\\w.json"},
+                 {L"n.json", L"D:\\w.json", L"C:\\exe\\n.json"},
+                 {L"\\n.json", L"", L"\\n.json"}};
+    for (const auto& test : paths) EXPECT_EQ(WorkspacePathFor(test.given, test.current, L"C:\\exe\\"), test.path);
+}
+
 TEST(WorkspaceText, EscapingStopsInTime) {
     wchar_t out[6];
     JsonEscape(L"abcdefgh", out, 6);
     EXPECT_STREQ(out, L"abcd");
     JsonEscape(L"\\\\\\\\", out, 6);
     EXPECT_STREQ(out, L"\\\\\\\\");
-    EXPECT_EQ(WorkspaceFlagsAsRead(L"-D \"x\" -O"), L"-D ");
     EXPECT_EQ(WorkspaceCompilerId(L"KeldorBasic"), 3);
     EXPECT_EQ(WorkspaceCompilerId(L"keldorbasic"), -1);
 }
@@ -239,6 +302,26 @@ TEST(TreeRules, ShowsAndSorts) {
     EXPECT_EQ(TreeRootLabel(L"C:\\work\\demo\\"), L"demo");
     EXPECT_EQ(TreeRootLabel(L"C:\\"), L"C:");
     EXPECT_EQ(TreeRootLabel(L"\\"), L"\\");
+    EXPECT_EQ(TreeRootOf(L"C:\\work\\\\"), L"C:\\work");
+    EXPECT_EQ(TreeRootOf(L"C:\\"), L"C:\\");
+    EXPECT_EQ(TreeRootOf(L""), L"");
+    EXPECT_EQ(TreeFirstWidth(401), 200);
+    EXPECT_EQ(TreeFirstWidth(400), 400);
+}
+
+TEST(TreeRules, RowsOfAFolder) {
+    using Rows = std::vector<TreeRow>;
+    TreeListing listing{.readable = true, .entries = {{L"b.bas", false}, {L"sub", true}, {L"other", true}}};
+    TreeFinishListing(listing);
+    EXPECT_EQ(
+        TreeRowsOf(listing, L"C:\\", {L"C:\\sub"}),
+        (Rows{{L"other", NodeKind::FolderUnread}, {L"sub", NodeKind::FolderUnread, true}, {L"b.bas", NodeKind::File}}));
+    EXPECT_EQ(TreeRowsOf({}, L"C:\\x", {}), (Rows{{L"(cannot be read)", NodeKind::Note}}));
+    listing.entries.assign(kTreeMaxShown + 3, {L"f.bas", false});
+    TreeFinishListing(listing);
+    const Rows many = TreeRowsOf(listing, L"C:\\x", {});
+    EXPECT_EQ(many.size(), kTreeMaxShown + 1);
+    EXPECT_EQ(many.back(), (TreeRow{L"(3 more not shown)", NodeKind::Note}));
 }
 
 }  // namespace

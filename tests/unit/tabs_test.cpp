@@ -1,6 +1,7 @@
-// Geometry and index arithmetic of the tab bar.
+// Geometry of the tab bar, arithmetic of the row of documents, what the pointer does.
 #include "documents/row_rules.h"
 #include "tabs/tab_bar_layout.h"
+#include "tabs/tab_pointer.h"
 
 #include <gtest/gtest.h>
 
@@ -76,14 +77,46 @@ TEST(TabLayout, IndicesFollowMovesAndRemovals) {
     }
     const struct {
         const char* name;
-        int active, removed, count, after;
+        int active, removed, count, wanted, shown;
     } cases[] = {
-        {"the only one", 0, 0, 1, -1},       {"left of the active", 2, 0, 4, 1},
-        {"right of the active", 1, 3, 4, 1}, {"the active: its right neighbour", 1, 1, 4, 1},
-        {"the active and last", 3, 3, 4, 2}, {"none active", -1, 0, 3, -1},
+        {"the only one", 0, 0, 1, -1, -1},
+        {"left of the active", 2, 0, 4, -1, 1},
+        {"right of the active", 1, 3, 4, -1, 1},
+        {"the active: its right neighbour", 1, 1, 4, -1, 1},
+        {"the active and last", 3, 3, 4, -1, 2},
+        {"none active", -1, 0, 3, -1, -1},
+        {"the active: back to one left of it", 2, 2, 4, 0, 0},
+        {"the active: back to one right of it", 1, 1, 4, 3, 2},
+        {"the active stays, whatever was wanted", 2, 0, 4, 3, 1},
     };
     for (const auto& test : cases)
-        EXPECT_EQ(TabIndexAfterRemoval(test.active, test.removed, test.count), test.after) << test.name;
+        EXPECT_EQ(TabToShowAfterRemoval(test.active, test.removed, test.count, test.wanted), test.shown) << test.name;
+}
+
+TEST(TabPointer, ClosesOnReleaseOverTheSameButtonAndDragsPastTheThreshold) {
+    const TabMetrics metrics = TabMetricsForDpi(96);
+    const std::vector<TabRect> row = Row(3, 150);
+    const TabRect button = TabCloseRect(metrics, row[1]);
+    TabPointer pointer;
+    EXPECT_TRUE(TabPointerHover(pointer, metrics, row, true, button.left, button.top));
+    EXPECT_FALSE(TabPointerHover(pointer, metrics, row, true, button.left + 1, button.top)) << "nothing new";
+    EXPECT_EQ(pointer.hoverTab, 1);
+    EXPECT_TRUE(TabPointerPress(pointer, 42, button.left)) << "the control does not see it";
+    EXPECT_EQ(pointer.pressedClose, 42);
+    EXPECT_EQ(TabPointerDragTo(pointer, metrics, row, -1, 5), -1) << "a close button is not dragged";
+    TabPointerEnd(pointer);
+    EXPECT_TRUE(TabPointerHover(pointer, metrics, row, true, 160, 5) && !pointer.hoverClose);
+    EXPECT_FALSE(TabPointerPress(pointer, 0, 160)) << "no document";
+    EXPECT_FALSE(TabPointerPress(pointer, 42, 160));
+    EXPECT_EQ(TabPointerDragTo(pointer, metrics, row, 1, 160 + metrics.dragStart - 1), -1) << "a shaky click";
+    EXPECT_FALSE(pointer.dragging);
+    EXPECT_EQ(TabPointerDragTo(pointer, metrics, row, 1, 400), 2);
+    EXPECT_EQ(TabPointerDragTo(pointer, metrics, row, 2, 400), -1) << "there already";
+    EXPECT_EQ(TabPointerDragTo(pointer, metrics, row, -1, 400), -1) << "closed meanwhile";
+    TabPointerEnd(pointer);
+    EXPECT_FALSE(pointer.dragging);
+    EXPECT_TRUE(TabPointerHover(pointer, metrics, row, false, 160, 5));
+    EXPECT_EQ(pointer.hoverTab, -1);
 }
 
 }  // namespace

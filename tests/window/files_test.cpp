@@ -302,6 +302,18 @@ TEST(Files, FailedSaveLosesNothing) {
     EXPECT_FALSE(editor.Modified());
     EXPECT_EQ(CountCopies(folder.File(L"local"), "read-only 1 locked 2 old\r\n"), 0)
         << "a verified save needs no copy any more";
+
+    // A save under a new name that fails (an empty document cannot be ANSI) leaves the document to its own file.
+    editor.Do(IDM_EDIT_SELECT_ALL);
+    editor.Do(IDM_EDIT_CUT);
+    editor.Post(IDM_FILE_SAVE_AS);
+    editor.AnswerFileDialog(folder.File(L"other.bas"));
+    editor.Answer(kProgramTitle, L"Failed to save file: " + folder.File(L"other.bas"), IDOK);
+    EXPECT_EQ(editor.TabLabel(0), L"a.bas");
+    editor.Type("later");
+    editor.Do(IDM_FILE_SAVE);
+    EXPECT_EQ(folder.Read(L"a.bas"), "later");
+    EXPECT_FALSE(Exists(folder.File(L"other.bas")));
 }
 
 // KVX_SMALL_DISK names a folder on a disk of a few hundred kilobytes that the tests may fill (scripts/test mounts one).

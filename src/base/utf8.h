@@ -1,0 +1,14 @@
+// Text between UTF-8 and wide characters (UTF-16 on Windows, UTF-32 elsewhere). Pure; any thread.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// A surrogate without its partner becomes U+FFFD.
+std::string ToUtf8(std::wstring_view wide);
+// Malformed bytes become U+FFFD: one for each byte, or for the start of a sequence that is cut off.
+std::wstring Utf8ToWideText(std::string_view utf8);
+
+// The same for terminated text, as new blocks that the caller frees with free(). Null for null, and when memory runs out.
+char* WideToUtf8(const wchar_t* wide);
+wchar_t* Utf8ToWide(const char* utf8);

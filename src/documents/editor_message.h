@@ -1,0 +1,13 @@
+// Messages to a Scintilla editor as values, so that what an editor is told can be decided without one. Pure.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+struct EditorMessage {
+    unsigned message;
+    std::intptr_t wParam = 0;
+    std::intptr_t lParam = 0;
+    bool operator==(const EditorMessage&) const = default;
+};
+using EditorMessages = std::vector<EditorMessage>;

@@ -1,0 +1,21 @@
+#include "documents/file_dialog_texts.h"
+
+#include "base/bounded_text.h"
+#include "base/path.h"
+#include "settings/file_type_table.h"
+
+std::wstring FileDialogFilter() {
+    std::wstring text;
+    for (const FileTypeFilter& filter : FileDialogFilters()) {
+        text.append(filter.description).push_back(L'\0');
+        text.append(filter.pattern).push_back(L'\0');
+    }
+    text.push_back(L'\0');
+    return text;
+}
+
+std::array<std::wstring, 3> FileDialogNames(const std::wstring& path) {
+    wchar_t file[kPathCapacity];
+    PathGetFile(path.c_str(), file, kPathCapacity);
+    return {path, file, L""};
+}

@@ -1,0 +1,20 @@
+// What the "go to line" dialog makes of its fields. Pure.
+#include "documents/goto_line.h"
+
+#include "base/decimal.h"
+
+#include <algorithm>
+
+int GotoNumber(std::wstring_view field) {
+    const std::size_t start = field.find_first_not_of(L" \t\n\v\f\r");
+    return start == std::wstring_view::npos ? 0 : DecimalNumber(field.substr(start));
+}
+
+std::ptrdiff_t GotoLineIndex(int line, std::ptrdiff_t lineCount) {
+    return line < 1 ? -1 : std::min<std::ptrdiff_t>(line, lineCount) - 1;
+}
+
+std::ptrdiff_t GotoLinePosition(std::ptrdiff_t lineStart, std::ptrdiff_t lineEnd, std::ptrdiff_t column) {
+    const std::ptrdiff_t room = std::max<std::ptrdiff_t>(lineEnd - lineStart, 0);
+    return lineStart + std::clamp<std::ptrdiff_t>(column, 0, room);
+}

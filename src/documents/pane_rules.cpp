@@ -1,0 +1,88 @@
+// Decisions of an editing pane. Pure.
+#include "documents/pane_rules.h"
+
+#include "base/scan_text.h"
+#include "language/lexer_table.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double kSliceSeconds = 0.003;
+constexpr std::size_t kSmallestChunk = 4 << 10;
+constexpr std::size_t kLargestChunk = 1 << 20;
+constexpr std::ptrdiff_t kNearEnough = 32 << 10;  // an uncoloured stretch above the view that a paint can just colour
+constexpr std::ptrdiff_t kBraceReach = 16 << 10;  // bytes each way
+
+}  // namespace
+
+std::size_t RoomBeyondText(std::size_t length) {
+    return std::clamp<std::size_t>(length / 64, std::size_t{4} << 10, std::size_t{1} << 20);
+}
+
+int DecimalDigits(std::ptrdiff_t number) {
+    int digits = 1;
+    for (; number >= 10; number /= 10) ++digits;
+    return digits;
+}
+
+std::size_t NextColourChunk(std::size_t chunk, double seconds) {
+    if (chunk == 0) return kFirstColourChunk;
+    const double scale = seconds > 0 ? std::clamp(kSliceSeconds / seconds, 0.5, 2.0) : 2.0;
+    return std::clamp(static_cast<std::size_t>(static_cast<double>(chunk) * scale), kSmallestChunk, kLargestChunk);
+}
+
+std::ptrdiff_t ColourSliceEnd(std::ptrdiff_t from, std::ptrdiff_t wanted, std::ptrdiff_t lineStart,
+                              std::ptrdiff_t length) {
+    return lineStart > from && wanted < length ? lineStart : wanted;
+}
+
+PaintColours ColoursForPaint(std::ptrdiff_t coloured, PaneSpan visible) {
+    if (coloured >= visible.end) return PaintColours::Ready;
+    return visible.start - coloured <= kNearEnough ? PaintColours::FromMark : PaintColours::VisibleOnly;
+}
+
+std::vector<MarkedRun> MarkedRuns(std::span<const TextRange> ranges, std::ptrdiff_t origin, PaneSpan view) {
+    std::vector<MarkedRun> runs;
+    const auto add = [&runs](std::ptrdiff_t start, std::ptrdiff_t end, bool on) {
+        if (end > start) runs.push_back({{start, end}, on});
+    };
+    std::ptrdiff_t at = view.start;
+    for (const TextRange& range : ranges) {
+        const std::ptrdiff_t from = origin + static_cast<std::ptrdiff_t>(range.start);
+        const std::ptrdiff_t to = from + static_cast<std::ptrdiff_t>(range.length);
+        if (to <= view.start) continue;
+        add(at, from, false);
+        add(from, to, true);
+        at = to;
+    }
+    add(at, view.end, false);
+    return runs;
+}
+
+std::vector<std::uint8_t> MarkerDot(int size, double radius, double ring, std::uint32_t discColour,
+                                    std::uint32_t ringColour) {
+    const double middle = size / 2;
+    std::vector<std::uint8_t> pixels;
+    for (int i = 0; i < size * size; ++i) {
+        const double away = std::hypot(i % size - middle, i / size - middle);
+        const std::uint32_t shown = away < radius + 0.5 ? discColour : ringColour;
+        const double cover = std::clamp(radius + 1.0 + ring - away, 0.0, 1.0);
+        for (const int shift : {16, 8, 0}) pixels.push_back(static_cast<std::uint8_t>(shown >> shift & 0xFF));
+        pixels.push_back(static_cast<std::uint8_t>(cover * 255));
+    }
+    return pixels;
+}
+
+std::optional<std::string> KeywordInCapitals(std::string_view word) {
+    if (!IsBasicKeyword(word)) return std::nullopt;
+    std::string upper{word};
+    std::ranges::transform(upper, upper.begin(), UpperAscii);
+    if (upper == word) return std::nullopt;
+    return upper;
+}
+
+PaneSpan BraceReach(std::ptrdiff_t brace, std::ptrdiff_t length) {
+    return {std::max<std::ptrdiff_t>(brace - kBraceReach, 0), std::min(brace + kBraceReach, length)};
+}

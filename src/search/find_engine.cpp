@@ -1,0 +1,147 @@
+// The next match, and what replaces each. Pure.
+#include "search/find_engine.h"
+
+#include "search/regex_check.h"
+
+#include <algorithm>
+
+namespace {
+
+// The nearest match of all alternatives; of two that begin at the same place, the first alternative's.
+std::optional<FindSpan> NearestMatch(const FindText& text, const FindQuery& query, FindSpan range) {
+    const bool forward = range.start <= range.end;
+    std::optional<FindSpan> best;
+    for (const std::string& pattern : query.patterns) {
+        FindSpan part = range;
+        if (best && forward)  // no match of an alternative goes beyond its line: one after that line cannot be nearer
+            part.end = std::min(range.end, text.lineEnd(best->start));
+        else if (best)
+            part.end = std::max(range.end, best->start);
+        const std::optional<FindSpan> match = text.search(query.options, pattern, part);
+        if (match && (!best || (forward ? match->start < best->start : match->start > best->start))) best = match;
+    }
+    return best;
+}
+
+// Walks over the matches of a scope from its start, asking each alternative again only once its match is passed.
+class MatchWalk {
+public:
+    MatchWalk(const FindText& text, const FindQuery& query, FindSpan scope)
+        : text_(text), query_(query), scope_(scope), at_(scope.start), next_(query.patterns.size()) {}
+
+    // The next match and the alternative that it is of, or nothing at the end.
+    std::optional<FindSpan> Next(std::size_t& pattern) {
+        while (at_ <= scope_.end) {
+            std::optional<FindSpan> best;
+            for (std::size_t i = 0; i < next_.size(); ++i) {
+                Refresh(i);
+                if (next_[i].match && (!best || next_[i].match->start < best->start)) {
+                    best = next_[i].match;
+                    pattern = i;
+                }
+            }
+            if (!best) return {};
+            const bool isEmpty = best->start == best->end;
+            const bool touchesLast = isEmpty && best->start == lastEnd_;  // right after a match: not one of its own
+            lastEnd_ = best->end;
+            at_ = isEmpty ? Beyond(best->end) : best->end;
+            if (!touchesLast) return best;
+        }
+        return {};
+    }
+
+private:
+    struct Candidate {
+        bool searched = false;
+        std::optional<FindSpan> match;
+    };
+
+    // One character on; past the end of the scope where there is none, which ends the walk.
+    std::ptrdiff_t Beyond(std::ptrdiff_t position) const {
+        const std::ptrdiff_t after = text_.beside(position, true);
+        return after > position ? after : scope_.end + 1;
+    }
+
+    void Refresh(std::size_t index) {
+        Candidate& candidate = next_[index];
+        if (candidate.searched && (!candidate.match || candidate.match->start >= at_)) return;
+        candidate = {.searched = true,
+                     .match = text_.search(query_.options, query_.patterns[index], {at_, scope_.end})};
+    }
+
+    const FindText& text_;
+    const FindQuery& query_;
+    FindSpan scope_;
+    std::ptrdiff_t at_;
+    std::ptrdiff_t lastEnd_ = -1;
+    std::vector<Candidate> next_;
+};
+
+// `match` is what the search found last.
+std::string ReplacementFor(const FindText& text, const FindQuery& query, std::string_view replacement, FindSpan match) {
+    if (!query.options.regex) return std::string{replacement};
+    return ExpandReplacement(replacement, [&](int group) { return group == 0 ? text.part(match) : text.group(group); });
+}
+
+}  // namespace
+
+const wchar_t* PrepareQuery(std::string_view text, const FindOptions& options, FindQuery& query) {
+    query.options = options;
+    query.patterns.clear();
+    if (!options.regex) {
+        query.patterns.emplace_back(text);
+        return text.empty() ? L"Nothing to find" : nullptr;
+    }
+    if (!SplitAlternatives(text, query.patterns)) return L"The | of alternatives cannot stand inside parentheses";
+    for (const std::string& pattern : query.patterns) {
+        const wchar_t* fault = RegexFault(pattern);
+        if (fault != nullptr) return fault;
+    }
+    return query.patterns.empty() ? L"Nothing to find" : nullptr;
+}
+
+FindResult FindInScope(const FindText& text, const FindQuery& query, FindSpan scope, bool forward) {
+    const FindSpan selection = text.selection();
+    const FindPlan plan = PlanFind(selection, scope, forward);
+    std::optional<FindSpan> match = NearestMatch(text, query, plan.first);
+    const bool isHere = match && match->start == match->end && *match == selection;
+    if (isHere) {
+        const std::ptrdiff_t next = text.beside(plan.first.start, forward);
+        const bool atEnd = next == plan.first.start || (forward ? next > scope.end : next < scope.start);
+        match = atEnd ? std::nullopt : NearestMatch(text, query, {next, plan.first.end});
+    }
+    if (match) return {.wrapped = false, .match = match};
+    return {.wrapped = true, .match = NearestMatch(text, query, plan.wrapped)};
+}
+
+std::optional<Replacement> ReplacementForSelection(const FindText& text, const FindQuery& query,
+                                                   std::string_view replacement, FindSpan scope) {
+    const FindSpan selection = text.selection();
+    const FindSpan range{selection.start, scope.end};
+    if (selection.start < scope.start || selection.end > scope.end) return std::nullopt;
+    if (NearestMatch(text, query, range) != selection) return std::nullopt;
+    // With several alternatives the last search was not the winner's: its groups are found again.
+    const auto matches = [&](const std::string& pattern) {
+        return text.search(query.options, pattern, range) == selection;
+    };
+    if (query.options.regex) static_cast<void>(std::ranges::find_if(query.patterns, matches));
+    return Replacement{selection, ReplacementFor(text, query, replacement, selection)};
+}
+
+bool ReplacesAllAlike(const FindQuery& query, std::string_view replacement) {
+    return !query.options.regex || replacement.find('\\') == std::string_view::npos;
+}
+
+std::vector<Replacement> ReplacementsInScope(const FindText& text, const FindQuery& query, std::string_view replacement,
+                                             FindSpan scope) {
+    std::vector<Replacement> replacements;
+    MatchWalk walk{text, query, scope};
+    const bool alike = ReplacesAllAlike(query, replacement);
+    std::size_t pattern = 0;
+    while (const std::optional<FindSpan> match = walk.Next(pattern)) {
+        // Finds the groups again: the walk may have asked another alternative last.
+        if (!alike) text.search(query.options, query.patterns[pattern], {match->start, scope.end});
+        replacements.push_back({*match, alike ? std::string{} : ReplacementFor(text, query, replacement, *match)});
+    }
+    return replacements;
+}

@@ -1,0 +1,79 @@
+// What the lines of a session mean to the program. Pure.
+#include "session/session_view.h"
+
+#include "base/utf8.h"
+#include "documents/margins.h"
+
+#include <Scintilla.h>
+
+namespace {
+
+// The header keys that are plain settings.
+constexpr struct {
+    SessionKey key;
+    std::int32_t Settings::*field;
+} kSettingKeys[] = {
+    {SessionKey::ActiveCompiler, &Settings::activeCompiler},
+    {SessionKey::ShowProjectTree, &Settings::showProjectTree},
+    {SessionKey::ShowAiPane, &Settings::showAiSidebar},
+    {SessionKey::TreeWidth, &Settings::projectTreeWidth},
+    {SessionKey::SplitPos, &Settings::splitter},
+    {SessionKey::EditorZoom, &Settings::editorZoom},
+    {SessionKey::WordWrap, &Settings::wordWrap},
+    {SessionKey::ShowIndentGuides, &Settings::showIndentGuides},
+    {SessionKey::BuildProfile, &Settings::profile},
+    {SessionKey::EnableAutoComplete, &Settings::enableAutoComplete},
+    {SessionKey::AutoCompleteTrigger, &Settings::autoCompleteTrigger},
+    {SessionKey::AutoUpperKeywords, &Settings::autoUpperKeywords},
+    {SessionKey::Theme, &Settings::theme},
+};
+
+constexpr struct {
+    SessionKey key;
+    bool SessionFrame::*field;
+} kFrameKeys[] = {
+    {SessionKey::ShowOutput, &SessionFrame::showOutput},
+    {SessionKey::ShowAsmPane, &SessionFrame::showAsmPane},
+    {SessionKey::SplitHorizontal, &SessionFrame::splitHorizontal},
+    {SessionKey::FullScreen, &SessionFrame::fullScreen},
+};
+
+EditorMessages MarkersOnLines(std::string_view lines, int marker) {
+    EditorMessages messages;
+    for (const std::int32_t line : SessionParseLines(lines))
+        if (line >= 0) messages.push_back({SCI_MARKERADD, line, marker});
+    return messages;
+}
+
+}  // namespace
+
+SessionHeader SessionHeaderOf(const Settings& settings, const SessionFrame& frame) {
+    SessionHeader header;
+    for (const auto& row : kSettingKeys) header[row.key] = settings.*row.field;
+    for (const auto& row : kFrameKeys) header[row.key] = frame.*row.field ? 1 : 0;
+    header[SessionKey::ActiveTab] = frame.activeTab;
+    header.projectRoot = ToUtf8(settings.projectRoot);
+    return header;
+}
+
+void SessionApplyHeader(const SessionItem& item, Settings& settings, SessionFrame& frame) {
+    const std::int32_t number = item.key == SessionKey::TreeWidth ? SessionTreeWidth(item.number) : item.number;
+    for (const auto& row : kSettingKeys)
+        if (row.key == item.key) settings.*row.field = number;
+    for (const auto& row : kFrameKeys)
+        if (row.key == item.key) frame.*row.field = number != 0;
+    if (item.key == SessionKey::ActiveTab) frame.activeTab = number;
+    if (item.key == SessionKey::ProjectRoot) SafeCopyW(settings.projectRoot, Utf8ToWideText(item.text));
+}
+
+EditorMessages SessionEditorMessages(const SessionItem& item) {
+    switch (item.key) {
+        case SessionKey::Cursor: return {{SCI_GOTOPOS, item.number, 0}};
+        case SessionKey::Scroll: return {{SCI_SETFIRSTVISIBLELINE, item.number, 0}};
+        case SessionKey::SelectionStart: return {{SCI_SETSELECTIONSTART, item.number, 0}};
+        case SessionKey::SelectionEnd: return {{SCI_SETSELECTIONEND, item.number, 0}};
+        case SessionKey::Bookmarks: return MarkersOnLines(item.text, kMarkBookmark);
+        case SessionKey::Breakpoints: return MarkersOnLines(item.text, kMarkBreakpoint);
+        default: return {};
+    }
+}

@@ -1,0 +1,39 @@
+// What the pointer does on the tab strip. Pure.
+#include "tabs/tab_pointer.h"
+
+#include <cstdlib>
+
+bool TabPointerHover(TabPointer& pointer, const TabMetrics& metrics, std::span<const TabRect> tabs, bool inside, int x,
+                     int y) {
+    const int tab = inside ? TabHit(tabs, x, y) : -1;
+    const bool close = tab >= 0 && TabCloseRect(metrics, tabs[static_cast<std::size_t>(tab)]).Contains(x, y);
+    if (tab == pointer.hoverTab && close == pointer.hoverClose) return false;
+    pointer.hoverTab = tab;
+    pointer.hoverClose = close;
+    return true;
+}
+
+bool TabPointerPress(TabPointer& pointer, DocumentId document, int x) {
+    if (document == 0) return false;
+    if (pointer.hoverClose) {
+        pointer.pressedClose = document;
+        return true;
+    }
+    pointer.dragDocument = document;
+    pointer.dragFromX = x;
+    return false;
+}
+
+int TabPointerDragTo(TabPointer& pointer, const TabMetrics& metrics, std::span<const TabRect> tabs, int from, int x) {
+    if (from < 0) return -1;
+    if (!pointer.dragging) pointer.dragging = std::abs(x - pointer.dragFromX) >= metrics.dragStart;
+    if (!pointer.dragging) return -1;
+    const int to = TabDropIndex(tabs, from, x);
+    return to == from ? -1 : to;
+}
+
+void TabPointerEnd(TabPointer& pointer) {
+    pointer.pressedClose = 0;
+    pointer.dragDocument = 0;
+    pointer.dragging = false;
+}

@@ -1,0 +1,142 @@
+// The row of documents with real editors: large files from disk to disk, and places visited when tabs move and close.
+#include "base/handles.h"
+#include "base/wide_format.h"
+#include "documents/document_row.h"
+#include "documents/editor_pane.h"
+#include "documents/file_commands.h"
+#include "documents/text_pieces.h"
+#include "files/file_io.h"
+#include "scintilla/sci.h"
+#include "ui/message.h"
+#include "ui/ui_state.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class DocumentsWin : public testing::Test {
+protected:
+    static void SetUpTestSuite() { library_ = LoadLibraryW(L"" KVX_DIST_DIR "/Scintilla.dll"); }
+    static void TearDownTestSuite() { FreeLibrary(library_); }
+
+    void SetUp() override {
+        ASSERT_NE(library_, nullptr) << "no Scintilla.dll in " KVX_DIST_DIR;
+        g_ui.hMainWnd =
+            CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 400, 300, nullptr, nullptr, nullptr, nullptr);
+        g_selftestTabsMode = true;  // no boxes
+        folder_ = fs::temp_directory_path() / FormatW(L"kvx-documents-%lu", GetCurrentProcessId());
+        fs::create_directories(folder_);
+    }
+    void TearDown() override {
+        while (TabCount() > 0) TabBarRemove(0);
+        g_documents.navigation = {};
+        g_answerInstead = nullptr;
+        g_selftestTabsMode = false;
+        DestroyWindow(g_ui.hMainWnd);
+        g_ui.hMainWnd = nullptr;
+        std::error_code ignored;
+        fs::remove_all(folder_, ignored);
+    }
+
+    static std::string Bytes(const fs::path& path) {
+        std::size_t length = 0;
+        const HeapBlock<char> bytes{ReadFileUtf8(path.c_str(), &length)};
+        return bytes ? std::string{bytes.get(), length} : "(unreadable)";
+    }
+    fs::path Put(const wchar_t* name, const std::string& bytes) const {
+        EXPECT_TRUE(WriteFileUtf8((folder_ / name).c_str(), bytes.data(), bytes.size()));
+        return folder_ / name;
+    }
+
+    fs::path folder_;
+    inline static HMODULE library_ = nullptr;
+};
+
+// Load, edit, undo and save of files that are read in pieces, with a character or a CR LF across every border.
+TEST_F(DocumentsWin, LargeFilesComeBackByteForByte) {
+    const struct {
+        const char* across;
+        LineEnding ending;
+    } cases[] = {
+        {"\xE2\x82\xAC", LineEnding::CrLf}, {"\r\n", LineEnding::CrLf}, {"\xF0\x9F\x98\x80\n", LineEnding::Lf}};
+    for (const auto& test : cases) {
+        std::string bytes;
+        for (std::size_t border = kTextPiece; border <= 5 * kTextPiece; border += kTextPiece) {
+            bytes.resize(border - 1, 'x');
+            bytes += test.across;
+        }
+        const fs::path path = Put(L"large.bas", bytes);
+        const int tab = TabBarAdd(path.c_str(), L"large.bas");
+        ASSERT_GE(tab, 0);
+        EXPECT_EQ(TabAt(tab).encoding, TextEncoding::Utf8) << test.across;
+        EXPECT_EQ(TabAt(tab).lineEnding, test.ending) << test.across;
+        const HWND editor = TabAt(tab).editor;
+        const auto end = static_cast<WPARAM>(bytes.size());
+        EXPECT_EQ(SciSend(editor, SCI_CANUNDO), 0) << "loading cannot be undone";
+        SciSend(editor, SCI_SETTARGETRANGE, end - 1, static_cast<LPARAM>(end - 1));
+        SciSend(editor, SCI_REPLACETARGET, 4, reinterpret_cast<LPARAM>("edit"));
+        SciSend(editor, SCI_UNDO);
+        EXPECT_EQ(SciSend(editor, SCI_GETMODIFY), 0) << test.across;
+        EXPECT_EQ(FileSave(tab), 1);
+        EXPECT_TRUE(Bytes(path) == bytes) << test.across;
+        SciSend(editor, SCI_INSERTTEXT, 0, reinterpret_cast<LPARAM>("'"));
+        EXPECT_EQ(FileSave(tab), 1);
+        EXPECT_TRUE(Bytes(path) == "'" + bytes) << test.across;
+        TabBarRemove(tab);
+    }
+    // What is no UTF-8 only near its end is taken back and read as ANSI.
+    const fs::path ansi = Put(L"ansi.bas", std::string(4 * kTextPiece, 'x') + "\xE9\r\n");
+    const int tab = TabBarAdd(ansi.c_str(), L"ansi.bas");
+    ASSERT_GE(tab, 0);
+    EXPECT_EQ(TabAt(tab).encoding, TextEncoding::Ansi);
+    EXPECT_EQ(SciSend(TabAt(tab).editor, SCI_GETLENGTH), static_cast<LRESULT>(4 * kTextPiece + 4));
+}
+
+TEST_F(DocumentsWin, PlacesVisitedFollowMovedTabsAndEndWithClosedOnes) {
+    DocumentId ids[3] = {};
+    for (int i = 0; i < 3; ++i) {
+        ids[i] = TabAt(TabBarAdd(L"", L"Untitled")).id;
+        TabBarSelect(i);
+    }
+    TabBarMove(0, 2);  // 1 2 0
+    NavHistoryBack();
+    EXPECT_EQ(ActiveDocumentId(), ids[1]);
+    NavHistoryBack();
+    EXPECT_EQ(ActiveDocumentId(), ids[0]) << "a moved tab keeps its places";
+    NavHistoryForward();
+    NavHistoryForward();
+    EXPECT_EQ(ActiveDocumentId(), ids[2]);
+    TabBarRemove(TabBarFindDocument(ids[1]));
+    const int before = g_documents.navigation.navIndex;
+    NavHistoryBack();
+    EXPECT_EQ(ActiveDocumentId(), ids[2]) << "the place before is gone: no other file is shown for it";
+    EXPECT_EQ(g_documents.navigation.navIndex, before - 1);
+    NavHistoryBack();
+    EXPECT_EQ(ActiveDocumentId(), ids[0]);
+}
+
+TEST_F(DocumentsWin, ClosingSeveralKeepsTheRestAndEndsAtCancel) {
+    DocumentId ids[5] = {};
+    for (int i = 0; i < 5; ++i) ids[i] = TabAt(TabBarAdd(L"", L"Untitled")).id;
+    TabBarSelect(4);
+    EXPECT_EQ(FileCloseDocuments(CloseRange::Right, ids[2]), 1);
+    EXPECT_EQ(TabCount(), 3);
+    EXPECT_EQ(ActiveDocumentId(), ids[2]);
+    TabAt(TabBarFindDocument(ids[0])).modified = true;
+    g_answerInstead = [](const UserQuestion&) { return Answer::Cancel; };
+    EXPECT_EQ(FileCloseDocuments(CloseRange::Others, ids[1]), 0);
+    EXPECT_EQ(TabCount(), 2) << "the one right of it was closed before the question";
+    EXPECT_EQ(ActiveDocumentId(), ids[0]) << "the user sees what the question was about";
+    g_answerInstead = [](const UserQuestion&) { return Answer::No; };
+    EXPECT_EQ(FileCloseDocuments(CloseRange::Others, ids[1]), 1);
+    EXPECT_EQ(TabCount(), 1);
+    EXPECT_EQ(ActiveDocumentId(), ids[1]);
+    g_answerInstead = nullptr;
+}
+
+}  // namespace
