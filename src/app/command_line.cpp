@@ -1,7 +1,8 @@
 // Reading the options. Must not carry any of them out.
 #include "app/command_line.h"
 
-#include "settings/compiler_id.h"
+#include "settings/compilers.h"
+#include "settings/version.h"
 
 #include <algorithm>
 #include <array>
@@ -9,20 +10,19 @@
 
 namespace {
 
-struct CompilerNameRow {
+struct SelfTestRow {
     std::wstring_view name;
-    int id;
+    const wchar_t* help;
 };
-constexpr CompilerNameRow kCompilerNames[] = {
-    {L"kvxa64", kCompilerKvxa64},           {L"KVXA64", kCompilerKvxa64},           {L"kvxb64", kCompilerKvxb64},
-    {L"KVXB64", kCompilerKvxb64},           {L"kvxa32", kCompilerKvxa32},           {L"KVXA32", kCompilerKvxa32},
-    {L"keldorbasic", kCompilerKeldorBasic}, {L"KeldorBasic", kCompilerKeldorBasic}, {L"kb", kCompilerKeldorBasic},
-    {L"KB", kCompilerKeldorBasic},          {L"kvxc64", kCompilerKvxc64},           {L"KVXC64", kCompilerKvxc64},
-};
-
-constexpr std::wstring_view kSelfTestOptions[] = {
-    L"--selftest",           L"--selftest-tabs", L"--selftest-editor-all", L"--selftest-toolbar",
-    L"--selftest-compilers", L"--selftest-exit", L"--selftest-kb-debug",   L"--selftest-kvxb64-debug",
+constexpr SelfTestRow kSelfTestOptions[] = {
+    {L"--selftest", L"Test Scintilla mouse-click processing"},
+    {L"--selftest-tabs", L"Test real tab switching and Scintilla mouse selection"},
+    {L"--selftest-editor-all", L"Test tab close, editing, KVXB64 build, and debug command guards"},
+    {L"--selftest-toolbar", L"Test debug toolbar icons and compiler button order"},
+    {L"--selftest-compilers", L"Test editor build path for all configured compilers"},
+    {L"--selftest-exit", L"Test File > Exit command closes the main window"},
+    {L"--selftest-kb-debug", L"Test KeldorBasic /D PBD single-step debugging"},
+    {L"--selftest-kvxb64-debug", L"Test KVXB64 DOUBLE IF/ELSE single-step debugging"},
 };
 
 struct OptionRow {
@@ -37,8 +37,24 @@ constexpr OptionRow kOptions[] = {
     {L"--help", CommandLineAction::Help, false},     {L"-h", CommandLineAction::Help, false},
 };
 
+// The first spelling of each compiler.
+std::wstring CompilerOptionNames() {
+    std::wstring names;
+    for (const std::uint32_t id : g_defaultOrder)
+        names.append(names.empty() ? L"" : L", ").append(g_compilers[id].optionNames[0]);
+    return names;
+}
+
+constexpr std::size_t kHelpColumn = 22;  // characters that an option takes in the help text, at least
+
+std::wstring HelpLine(std::wstring_view option, std::wstring_view help) {
+    std::wstring line{option};
+    line.resize(std::max(line.size(), kHelpColumn), L' ');
+    return L"  " + line + L" " + std::wstring(help) + L"\n";
+}
+
 bool IsSelfTestOption(std::wstring_view word) {
-    return std::ranges::find(kSelfTestOptions, word) != std::end(kSelfTestOptions);
+    return std::ranges::find(kSelfTestOptions, word, &SelfTestRow::name) != std::end(kSelfTestOptions);
 }
 
 // False: the step has no effect and is left out.
@@ -55,8 +71,24 @@ bool TakeArgument(CommandLineStep& step, const std::wstring& argument) {
 }  // namespace
 
 int CompilerIdFromName(std::wstring_view name) {
-    const auto* row = std::ranges::find(kCompilerNames, name, &CompilerNameRow::name);
-    return row == std::end(kCompilerNames) ? -1 : row->id;
+    if (name.empty()) return -1;
+    for (const CompilerProfile& compiler : g_compilers)
+        if (std::ranges::find(compiler.optionNames, name) != compiler.optionNames.end())
+            return static_cast<int>(compiler.id);
+    return -1;
+}
+
+std::wstring CommandLineHelp() {
+    std::wstring text = L"VQ Unified Editor v" KVX_VERSION L"\n\nUsage: KVX-Editor.exe [options]\n\nOptions:\n";
+    text += HelpLine(L"--open <file>", L"Open file on startup");
+    text += HelpLine(L"--compiler <name>", L"Set compiler (" + CompilerOptionNames() + L")");
+    text += HelpLine(L"--font <name>", L"Set editor font");
+    text += HelpLine(L"--fontsize <n>", L"Set font size (6-72)");
+    text += HelpLine(L"--detect", L"Test compiler auto-detect, show results, exit");
+    for (const SelfTestRow& row : kSelfTestOptions) text += HelpLine(row.name, row.help + std::wstring(L", exit"));
+    text += HelpLine(L"--log", L"Enable verbose logging to Editor_Detect.log");
+    text += HelpLine(L"--help, -h", L"Show this help");
+    return text + L"\nAll features are also accessible via GUI menu/toolbar.";
 }
 
 std::vector<CommandLineStep> ParseCommandLineSteps(std::span<const std::wstring> arguments) {

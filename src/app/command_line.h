@@ -40,3 +40,6 @@ EarlyOptions ParseEarlyOptions(std::span<const std::wstring> arguments);
 
 // CompilerId, or -1 for a name that is not one of the accepted spellings.
 int CompilerIdFromName(std::wstring_view name);
+
+// What "--help" shows.
+std::wstring CommandLineHelp();

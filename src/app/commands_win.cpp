@@ -15,19 +15,21 @@
 #include "scintilla/sci.h"
 #include "search/find.h"
 #include "session/session.h"
+#include "settings/version.h"
 #include "ui/clipboard.h"
 #include "ui/message.h"
 
 #include <commdlg.h>
 
 #include <algorithm>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace {
 
-void SaveActive() {
+void SaveAndBuildIfAsked() {
     const int tab = g_app.activeTab;
     if (FileSave(tab) == 0 || !IsTabIndex(tab) || g_app.settings.buildOnSave == 0 || CompilerIsBuilding()) return;
     const DocumentTab& document = TabAt(tab);
@@ -41,25 +43,8 @@ void CloseOthers(int kept) {
     }
 }
 
-bool HandleFile(int command) {
-    switch (command) {
-        case IDM_FILE_NEW: FileNew(); return true;
-        case IDM_FILE_OPEN: FileOpen(nullptr); return true;
-        case IDM_FILE_SAVE: SaveActive(); return true;
-        case IDM_FILE_SAVE_AS: FileSaveAs(g_app.activeTab); return true;
-        case IDM_FILE_SAVE_ALL: FileSaveAll(); return true;
-        case IDM_FILE_RELOAD: FileReload(g_app.activeTab); return true;
-        case IDM_FILE_CLOSE: FileClose(g_app.activeTab); return true;
-        case IDM_FILE_CLOSE_ALL: FileCloseAll(); return true;
-        case IDM_FILE_EXIT: PostMessageW(g_app.hMainWnd, WM_CLOSE, 0, 0); return true;
-        case IDM_TAB_CLOSE_OTHERS: CloseOthers(g_app.activeTab); return true;
-        case IDM_TAB_COPY_PATH: ClipboardPutText(g_app.hMainWnd, TabAt(g_app.activeTab).path); return true;
-        default: return false;
-    }
-}
-
 // Edit commands go to the text field that has the keyboard when that is not the editor.
-bool HandleClipboard(int command) {
+void SendToText(int command) {
     static constexpr struct {
         int command;
         UINT scintilla;
@@ -78,13 +63,11 @@ bool HandleClipboard(int command) {
         } else {
             SciSend(g_app.hEditor, row.scintilla);
         }
-        return true;
     }
-    return false;
 }
 
 // Lines with their breaks.
-std::vector<std::string_view> SplitLines(std::string_view text) {
+std::vector<std::string_view> LinesWithBreaks(std::string_view text) {
     std::vector<std::string_view> lines;
     while (!text.empty()) {
         std::size_t end = text.find_first_of("\r\n");
@@ -107,8 +90,8 @@ void ReplaceLines(HWND editor, LRESULT start, std::string_view before, std::stri
         SciSend(editor, SCI_SETTARGETRANGE, static_cast<WPARAM>(start), start + static_cast<LRESULT>(old.size()));
         SciSend(editor, SCI_REPLACETARGET, wanted.size(), reinterpret_cast<LPARAM>(wanted.data()));
     };
-    const std::vector<std::string_view> old = SplitLines(before);
-    const std::vector<std::string_view> wanted = SplitLines(after);
+    const std::vector<std::string_view> old = LinesWithBreaks(before);
+    const std::vector<std::string_view> wanted = LinesWithBreaks(after);
     if (old.size() != wanted.size()) {
         replace(before, after);
         return;
@@ -167,24 +150,8 @@ void FormatDocument(bool selectionOnly) {
     FormatLines(editor, first, last);
 }
 
-bool HandleEdit(int command) {
-    if (HandleClipboard(command)) return true;
-    switch (command) {
-        case IDM_EDIT_FIND:
-        case IDM_EDIT_REPLACE: FindDialogShow(g_app.hMainWnd, command == IDM_EDIT_REPLACE); return true;
-        case IDM_FIND_NEXT:
-        case IDM_FIND_PREVIOUS: FindNext(command == IDM_FIND_NEXT); return true;
-        case IDM_EDIT_GOTO: GotoLineDialogShow(g_app.hMainWnd); return true;
-        case IDM_EDIT_FORMAT_DOCUMENT:
-        case IDM_EDIT_FORMAT_SELECTION: FormatDocument(command == IDM_EDIT_FORMAT_SELECTION); return true;
-        case IDM_NAV_BACK: NavHistoryBack(); return true;
-        case IDM_NAV_FORWARD: NavHistoryForward(); return true;
-        case IDM_NEXT_TAB:
-        case IDM_PREVIOUS_TAB:
-            TabBarActivate((g_app.activeTab + (command == IDM_NEXT_TAB ? 1 : TabCount() - 1)) % TabCount());
-            return true;
-        default: return false;
-    }
+void SelectTabBeside(int command) {
+    TabBarActivate((g_app.activeTab + (command == IDM_NEXT_TAB ? 1 : TabCount() - 1)) % TabCount());
 }
 
 void OpenWorkspace() {
@@ -199,24 +166,61 @@ void OpenWorkspace() {
     if (GetOpenFileNameW(&dialog) && WorkspaceLoad(path) == 0) ErrorMessage(L"Failed to open workspace: %s", path);
 }
 
-bool HandleOther(int command) {
-    switch (command) {
-        case IDM_WORKSPACE_NEW: WorkspaceNew(); return true;
-        case IDM_WORKSPACE_OPEN: OpenWorkspace(); return true;
-        case IDM_WORKSPACE_SAVE:
-            StatusBarSetText(WorkspaceSave(nullptr) != 0 ? L"Workspace saved" : L"Workspace could not be saved");
-            return true;
-        case IDM_ERROR_NEXT: CompilerNextError(); return true;
-        case IDM_ERROR_PREVIOUS: CompilerPrevError(); return true;
-        case IDM_HELP_ABOUT:
-            InfoMessage(
-                L"KVX-Editor 0.2.0\n\nA source editor for BASIC, C and assembly: write, build, go to the error, run.");
-            return true;
-        default: return false;
-    }
+void SaveWorkspace(int) {
+    StatusBarSetText(WorkspaceSave(nullptr) != 0 ? L"Workspace saved" : L"Workspace could not be saved");
 }
 
+void ShowAbout(int) {
+    InfoMessage(
+        L"KVX-"
+        L"Editor " KVX_VERSION L"\n\nA source editor for BASIC, C and assembly: write, build, go to the error, run.");
+}
+
+constexpr CommandHandler kFrameHandlers[] = {
+    {IDM_FILE_NEW, [](int) { FileNew(); }},
+    {IDM_FILE_OPEN, [](int) { FileOpen(nullptr); }},
+    {IDM_FILE_SAVE, [](int) { SaveAndBuildIfAsked(); }},
+    {IDM_FILE_SAVE_AS, [](int) { FileSaveAs(g_app.activeTab); }},
+    {IDM_FILE_SAVE_ALL, [](int) { FileSaveAll(); }},
+    {IDM_FILE_RELOAD, [](int) { FileReload(g_app.activeTab); }},
+    {IDM_FILE_CLOSE, [](int) { FileClose(g_app.activeTab); }},
+    {IDM_FILE_CLOSE_ALL, [](int) { FileCloseAll(); }},
+    {IDM_FILE_EXIT, [](int) { PostMessageW(g_app.hMainWnd, WM_CLOSE, 0, 0); }},
+    {IDM_TAB_CLOSE_OTHERS, [](int) { CloseOthers(g_app.activeTab); }},
+    {IDM_TAB_COPY_PATH, [](int) { ClipboardPutText(g_app.hMainWnd, TabAt(g_app.activeTab).path); }},
+    {IDM_EDIT_UNDO, SendToText},
+    {IDM_EDIT_REDO, SendToText},
+    {IDM_EDIT_CUT, SendToText},
+    {IDM_EDIT_COPY, SendToText},
+    {IDM_EDIT_PASTE, SendToText},
+    {IDM_EDIT_SELECT_ALL, SendToText},
+    {IDM_EDIT_FIND, [](int) { FindDialogShow(g_app.hMainWnd, false); }},
+    {IDM_EDIT_REPLACE, [](int) { FindDialogShow(g_app.hMainWnd, true); }},
+    {IDM_FIND_NEXT, [](int) { FindNext(true); }},
+    {IDM_FIND_PREVIOUS, [](int) { FindNext(false); }},
+    {IDM_EDIT_GOTO, [](int) { GotoLineDialogShow(g_app.hMainWnd); }},
+    {IDM_EDIT_FORMAT_DOCUMENT, [](int) { FormatDocument(false); }},
+    {IDM_EDIT_FORMAT_SELECTION, [](int) { FormatDocument(true); }},
+    {IDM_NAV_BACK, [](int) { NavHistoryBack(); }},
+    {IDM_NAV_FORWARD, [](int) { NavHistoryForward(); }},
+    {IDM_NEXT_TAB, SelectTabBeside},
+    {IDM_PREVIOUS_TAB, SelectTabBeside},
+    {IDM_WORKSPACE_NEW, [](int) { WorkspaceNew(); }},
+    {IDM_WORKSPACE_OPEN, [](int) { OpenWorkspace(); }},
+    {IDM_WORKSPACE_SAVE, SaveWorkspace},
+    {IDM_HELP_ABOUT, ShowAbout},
+};
+
 }  // namespace
+
+std::vector<CommandHandler> AllCommandHandlers() {
+    std::vector<CommandHandler> all;
+    for (const std::span<const CommandHandler> area :
+         {std::span<const CommandHandler>(kFrameHandlers), ViewCommandHandlers(), BuildCommandHandlers(),
+          DebugCommandHandlers()})
+        all.insert(all.end(), area.begin(), area.end());
+    return all;
+}
 
 void MainWnd_OnCommand(int command, int notification, HWND control) {
     const bool fromControl = control != nullptr && control != g_app.hToolbar;
@@ -228,9 +232,11 @@ void MainWnd_OnCommand(int command, int notification, HWND control) {
     }
     // A key or a posted command may come when the command is not possible; the table decides, not the sender.
     if (!CommandStateOf(command, CurrentCommandView()).enabled) return;
-    if (HandleFile(command) || HandleEdit(command) || HandleView(command) || CmdHandle_Build(command) ||
-        CmdHandle_Debug(command) || HandleOther(command))
-        MainWindow_RequestStateRefresh();
+    static const std::vector<CommandHandler> handlers = AllCommandHandlers();
+    const auto handler = std::ranges::find(handlers, command, &CommandHandler::command);
+    if (handler == handlers.end()) return;
+    handler->run(command);
+    MainWindow_RequestStateRefresh();
 }
 
 void MainWnd_OnInitMenuPopup(HMENU menu) { MenuApplyState(menu, CurrentCommandView()); }

@@ -5,7 +5,6 @@
 #include "base/events.h"
 #include "commands/command_state.h"
 #include "commands/status_bar.h"
-#include "commands/toolbar.h"
 #include "compile/build.h"
 #include "debugui/breakpoint_list.h"
 #include "debugui/debug_commands.h"
@@ -18,7 +17,6 @@
 #include "output/output_pane.h"
 #include "output/show_timer.h"
 #include "session/project_tree.h"
-#include "settings/settings_effects.h"
 #include "tabs/tab_bar.h"
 #include "ui/panes.h"
 
@@ -45,18 +43,6 @@ void OnTextArrived(DocumentId document) {
     DebugRestoreLocation(document);
 }
 
-void OnSettingsChanged(const Settings& before) {
-    const SettingsEffects effects = SettingsEffectsOf(before, g_app.settings);
-    if (effects.editors) SettingsApplyToEditor();
-    if (effects.frame) MainWnd_ApplyTheme();
-    if (effects.compiler) MainWindow_UpdateCompilerSelection();
-    if (effects.layout) {
-        ToolbarUpdateAi();
-        MainWindow_Layout();
-    }
-    MainWindow_RequestStateRefresh();
-}
-
 void OnProgramBuilt(const wchar_t* source, const wchar_t* listing) {
     if (PaneIsShown(PaneId::Asm)) AsmPaneLoad(source, listing);
 }
@@ -72,7 +58,7 @@ void MainWnd_ConnectEvents() {
     g_events.textLeaving = BreakpointsKeepLines;
     g_events.textArrived = OnTextArrived;
     g_events.folderChosen = ProjectTreeOfferRoot;
-    g_events.settingsChanged = OnSettingsChanged;
+    g_events.settingsChanged = MainWnd_OnSettingsChanged;
     g_events.programBuilt = OnProgramBuilt;
     g_events.buildEnded = DebugOnBuildEnd;
     g_events.debuggerChanged = DebugPaneInvalidate;

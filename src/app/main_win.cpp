@@ -24,24 +24,6 @@
 
 namespace {
 
-constexpr wchar_t kHelpText[] =
-    L"VQ Unified Editor v0.2.0\n\nUsage: KVX-Editor.exe [options]\n\nOptions:\n"
-    L"  --open <file>          Open file on startup\n"
-    L"  --compiler <name>      Set compiler (keldorbasic, kvxa32, kvxa64, kvxb64, kvxc64)\n"
-    L"  --font <name>          Set editor font\n"
-    L"  --fontsize <n>         Set font size (6-72)\n"
-    L"  --detect               Test compiler auto-detect, show results, exit\n"
-    L"  --selftest             Test Scintilla mouse-click processing, exit\n"
-    L"  --selftest-tabs        Test real tab switching and Scintilla mouse selection, exit\n"
-    L"  --selftest-editor-all  Test tab close, editing, KVXB64 build, and debug command guards, exit\n"
-    L"  --selftest-toolbar     Test debug toolbar icons and compiler button order, exit\n"
-    L"  --selftest-compilers   Test editor build path for all configured compilers, exit\n"
-    L"  --selftest-exit        Test File > Exit command closes the main window, exit\n"
-    L"  --selftest-kb-debug    Test KeldorBasic /D PBD single-step debugging, exit\n"
-    L"  --selftest-kvxb64-debug Test KVXB64 DOUBLE IF/ELSE single-step debugging, exit\n"
-    L"  --log                  Enable verbose logging to Editor_Detect.log\n"
-    L"  --help, -h             Show this help\n\nAll features are also accessible via GUI menu/toolbar.";
-
 constexpr int kExitNoSelfTest = 2;
 
 bool g_testMode = false;
@@ -101,7 +83,7 @@ void RunStep(const CommandLineStep& step) {
             break;
         case CommandLineAction::Detect: ShowDetectReport(); EndProcess(0);
         case CommandLineAction::Log: ReopenLog(); break;
-        case CommandLineAction::Help: TellUser(L"Editor Help", kHelpText, AskIcon::None); break;
+        case CommandLineAction::Help: TellUser(L"Editor Help", CommandLineHelp().c_str(), AskIcon::None); break;
         case CommandLineAction::SelfTest:
             AppLogMsg(L"FAIL: self-test '%s' is not available in this version", step.text.c_str());
             EndProcess(kExitNoSelfTest);
@@ -121,15 +103,8 @@ void InitControls() {
 
 void LogCommandLineResult() {
     AppLogMsg(L"After CLI: activeCompiler=%d", static_cast<int>(g_app.settings.activeCompiler));
-    constexpr struct {
-        const wchar_t* format;
-        std::uint32_t id;
-    } kLines[] = {{L"After CLI: KVXA64=%s", kCompilerKvxa64},
-                  {L"After CLI: KVXB64=%s", kCompilerKvxb64},
-                  {L"After CLI: KVXA32=%s", kCompilerKvxa32},
-                  {L"After CLI: KVXC64=%s", kCompilerKvxc64},
-                  {L"After CLI: KELDORBASIC=%s", kCompilerKeldorBasic}};
-    for (const auto& line : kLines) AppLogMsg(line.format, g_app.settings.compilers[line.id].path);
+    for (const std::uint32_t id : kCompilerSectionOrder)
+        AppLogMsg(L"After CLI: %s=%s", g_compilers[id].section, g_app.settings.compilers[id].path);
 }
 
 bool IsDown(int key) { return GetKeyState(key) < 0; }

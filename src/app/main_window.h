@@ -1,9 +1,15 @@
 // The main window: the frame that holds every pane and the hub of the program's messages. UI thread only.
 #pragma once
 
+#include "base/command_handler.h"
+
 #include <windows.h>
 
 #include <shellapi.h>
+
+#include <vector>
+
+struct Settings;
 
 // Registers the window class and creates, shows and drop-enables the window. Null on failure.
 HWND MainWindow_Init(HINSTANCE instance, int showCommand);
@@ -38,6 +44,10 @@ void MainWnd_OnDropFiles(HDROP drop);
 // commands_win.cpp
 void MainWnd_OnCommand(int command, int notification, HWND control);
 void MainWnd_OnInitMenuPopup(HMENU menu);
+std::vector<CommandHandler> AllCommandHandlers();  // the tables of all areas
+// settings_apply_win.cpp
+void MainWnd_OnSettingsChanged(const Settings& before);
+void MainWnd_ApplyTimers(HWND window);  // of automatic saving, from the settings
 // events_win.cpp
 void MainWnd_ConnectEvents();   // what the areas tell reaches whoever shows it (base/events.h)
 void MainWnd_OnOutputTimer();   // TIMER_OUTPUT

@@ -31,7 +31,6 @@
 namespace {
 
 constexpr int kFarAway = 1000000;          // pixels, beyond any desktop
-constexpr UINT kSessionInterval = 300000;  // ms
 
 HMENU ChildId(int id) { return reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)); }
 
@@ -91,16 +90,6 @@ void RestoreGeometry(HWND window) {
     if (WindowSetting(L"Max", 0) != 0) ShowWindow(window, SW_MAXIMIZE);
 }
 
-void StartTimers(HWND window) {
-    if (g_app.settings.autoSaveInterval > 0)
-        // More minutes than a timer can count would come round as a few seconds.
-        SetTimer(
-            window, TIMER_AUTO_SAVE,
-            std::min<UINT>(static_cast<UINT>(g_app.settings.autoSaveInterval), USER_TIMER_MAXIMUM / 60000U) * 60000U,
-            nullptr);
-    if (g_app.settings.autoSaveEnabled != 0) SetTimer(window, TIMER_SESSION, kSessionInterval, nullptr);
-}
-
 }  // namespace
 
 void MainWnd_ApplyTheme() {
@@ -124,7 +113,7 @@ bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create) {
     for (const DocumentTab& tab : g_app.tabs) EditorPaneApplySettings(tab.editor);
     MainWnd_ApplyTheme();  // the panes get their fonts here
     ToolbarUpdateAi();
-    StartTimers(window);
+    MainWnd_ApplyTimers(window);
     DebugUiInit();
     PostMessageW(window, MSG_STARTUP, 0, 0);
     CaptureSplitterRatio();

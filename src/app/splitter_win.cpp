@@ -59,9 +59,12 @@ void DragSplitter(Splitter kind) {
     if (!g_drag.active) return;
     POINT now = {};
     GetCursorPos(&now);
-    SplitterValue(kind) = DraggedSplitter(kind, g_drag.startValue, static_cast<int>(now.x - g_drag.start.x),
-                                          static_cast<int>(now.y - g_drag.start.y), g_app.dpi);
-    MainWindow_Layout();
+    {
+        const SettingsEdit edit;  // the change of a setting places the panes
+        SplitterValue(kind) = DraggedSplitter(kind, g_drag.startValue, static_cast<int>(now.x - g_drag.start.x),
+                                              static_cast<int>(now.y - g_drag.start.y), g_app.dpi);
+    }
+    if (kind == Splitter::Debug) MainWindow_Layout();  // its width is no setting
     UpdateWindow(g_app.hMainWnd);
 }
 

@@ -1,6 +1,7 @@
 // How the editor comes up once its window stands, and how it goes down. UI thread only.
 #include "app/app_state.h"
 #include "app/main_window.h"
+#include "app/startup_rules.h"
 #include "base/log.h"
 #include "base/path.h"
 #include "commands/status_bar.h"
@@ -26,16 +27,16 @@ constexpr int kRecentFilesAtStart = 5;
 bool g_commandLineDone = false;
 bool g_startupWaits = false;
 
-bool OfferSessionRestore() {
+void OfferSessionRestore() {
     wchar_t path[kPathCapacity] = {};
     SessionAutoSavePath(path, kPathCapacity);
-    if (!FileExists(path) || SessionHasFiles(path) == 0) return false;
+    if (!FileExists(path) || SessionHasFiles(path) == 0) return;
     const Answer answer = AskUser({.caption = L"Restore Session",
                                    .text = L"A previous session was auto-saved. Would you like to restore it?",
                                    .buttons = AskButtons::YesNo,
                                    .icon = AskIcon::Question,
                                    .inSelftest = Answer::No});
-    return answer == Answer::Yes && SessionLoad(path, g_app.hMainWnd) != 0 && TabCount() > 0;
+    if (answer == Answer::Yes) SessionLoad(path, g_app.hMainWnd);
 }
 
 void OpenRecentFiles() {
@@ -45,18 +46,22 @@ void OpenRecentFiles() {
     TabBarSelect(0);
 }
 
-void OpenWorkspaceOrRecent() {
-    if (g_app.settings.restoreLastSession == 0) {
-        FileNew();
-        return;
-    }
+void OpenStartupWorkspace() {
     wchar_t directory[kPathCapacity] = {};
     wchar_t workspace[kPathCapacity] = {};
     AppExeDirectory(directory, kPathCapacity);
     PathJoin(directory, L"workspace.json", workspace, kPathCapacity);
     if (FileExists(workspace)) WorkspaceLoad(workspace);
-    if (TabCount() == 0) OpenRecentFiles();
-    if (TabCount() == 0) FileNew();
+}
+
+void RunStartupStep(StartupStep step) {
+    switch (step) {
+        case StartupStep::OfferSession: OfferSessionRestore(); break;
+        case StartupStep::Workspace: OpenStartupWorkspace(); break;
+        case StartupStep::RecentFiles: OpenRecentFiles(); break;
+        case StartupStep::NewDocument: FileNew(); break;
+        case StartupStep::Done: break;
+    }
 }
 
 }  // namespace
@@ -74,9 +79,11 @@ void MainWnd_OnStartup() {
         return;
     }
     AppLogMsg(L"DBG WM_USER+200 ENTER");
-    const bool hadTabs = TabCount() > 0;
-    const bool restored = OfferSessionRestore();
-    if (!((restored || hadTabs) && TabCount() > 0)) OpenWorkspaceOrRecent();
+    StartupStep step = StartupStep::OfferSession;
+    while (step != StartupStep::Done) {
+        RunStartupStep(step);
+        step = StartupStepAfter(step, TabCount() > 0, g_app.settings.restoreLastSession != 0);
+    }
     if (TabCount() == 0) {
         AppLogMsg(L"DBG WM_USER+200: calling FileNew()");
         FileNew();

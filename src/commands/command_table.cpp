@@ -2,11 +2,17 @@
 #include "commands/command_table.h"
 
 #include "resources/ids.h"
+#include "settings/compilers.h"
 #include "ui/pane_id.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
+#include <utility>
 
 namespace {
+
+using enum CommandPlace;
 
 template <PaneId id>
 bool ShowsPane(const CommandView& view) {
@@ -21,7 +27,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_FILE_SAVE, kHasTab},
     {IDM_FILE_SAVE_AS, kHasTab},
     {IDM_FILE_SAVE_ALL, kAnyModified},
-    {IDM_FILE_RELOAD, kHasFile},
+    {IDM_FILE_RELOAD, kHasFile, nullptr, Internal},
     {IDM_FILE_CLOSE, kHasTab},
     {IDM_FILE_CLOSE_ALL, kHasTab},
     {IDM_FILE_EXIT, kAlways},
@@ -34,8 +40,8 @@ constexpr CommandRow kCommands[] = {
     {IDM_EDIT_FIND, kEdits},
     {IDM_EDIT_REPLACE, kEdits},
     {IDM_EDIT_GOTO, kEdits},
-    {IDM_FIND_NEXT, kEdits},
-    {IDM_FIND_PREVIOUS, kEdits},
+    {IDM_FIND_NEXT, kEdits, nullptr, Internal},
+    {IDM_FIND_PREVIOUS, kEdits, nullptr, Internal},
     {IDM_EDIT_FORMAT_DOCUMENT, kHasTab | kBasicSource},
     {IDM_EDIT_FORMAT_SELECTION, kHasTab | kBasicSource | kHasSelection},
     {IDM_VIEW_TOOLBAR, kAlways, [](const CommandView& v) { return v.toolbar; }},
@@ -62,25 +68,20 @@ constexpr CommandRow kCommands[] = {
     {IDM_BUILD_STOP, kBuilding},
     {IDM_BUILD_CLEAN, kHasFile | kIdle},
     {IDM_BUILD_SYNTAX, kAlways},
-    {IDM_BUILD_ALL, kAlways},
-    {IDM_USE_KVXA64, kAlways, [](const CommandView& v) { return v.compiler == 0; }},
-    {IDM_USE_KVXB64, kAlways, [](const CommandView& v) { return v.compiler == 1; }},
-    {IDM_USE_KVXA32, kAlways, [](const CommandView& v) { return v.compiler == 2; }},
-    {IDM_USE_KELDORBASIC, kAlways, [](const CommandView& v) { return v.compiler == 3; }},
-    {IDM_USE_KVXC64, kAlways, [](const CommandView& v) { return v.compiler == 4; }},
-    {IDM_COMPILER_MENU, kAlways},
-    {IDM_TOOLBAR_MORE, kAlways},
-    {IDM_PROFILE_DEBUG, kAlways, [](const CommandView& v) { return v.profile == 0; }},
-    {IDM_PROFILE_RELEASE, kAlways, [](const CommandView& v) { return v.profile == 1; }},
-    {IDM_PROFILE_FAST, kAlways, [](const CommandView& v) { return v.profile == 2; }},
-    {IDM_ERROR_NEXT, kHasErrors},
-    {IDM_ERROR_PREVIOUS, kHasErrors},
+    {IDM_BUILD_ALL, kAlways, nullptr, Internal},
+    {IDM_COMPILER_MENU, kAlways, nullptr, Internal},
+    {IDM_TOOLBAR_MORE, kAlways, nullptr, Internal},
+    {IDM_PROFILE_DEBUG, kAlways, [](const CommandView& v) { return v.profile == 0; }, Internal},
+    {IDM_PROFILE_RELEASE, kAlways, [](const CommandView& v) { return v.profile == 1; }, Internal},
+    {IDM_PROFILE_FAST, kAlways, [](const CommandView& v) { return v.profile == 2; }, Internal},
+    {IDM_ERROR_NEXT, kHasErrors, nullptr, Internal},
+    {IDM_ERROR_PREVIOUS, kHasErrors, nullptr, Internal},
     {IDM_PROJECT_SETTINGS, kNever},
     {IDM_WORKSPACE_NEW, kAlways},
     {IDM_WORKSPACE_OPEN, kAlways},
     {IDM_WORKSPACE_SAVE, kAlways},
     {IDM_DEBUG_START, kAlways},  // during a session it ends it
-    {IDM_DEBUG_BUILD_START, kNoSession},
+    {IDM_DEBUG_BUILD_START, kNoSession, nullptr, Internal},
     {IDM_DEBUG_STOP, kSession},
     {IDM_DEBUG_STEP_INTO, kProgramStopped},
     {IDM_DEBUG_STEP_OVER, kProgramStopped},
@@ -96,22 +97,37 @@ constexpr CommandRow kCommands[] = {
     {IDM_DEBUG_CALL_STACK, kProgramStopped},
     {IDM_DEBUG_DISASSEMBLY, kProgramStopped},
     {IDM_DEBUG_MEMORY, kProgramStopped},
-    {IDM_DEBUG_BUTTON_START, kNoSession},
-    {IDM_DEBUG_BUTTON_STOP, kSession},
-    {IDM_DEBUG_BUTTON_STEP_INTO, kProgramStopped},
-    {IDM_DEBUG_BUTTON_STEP_OVER, kProgramStopped},
-    {IDM_DEBUG_BUTTON_STEP_OUT, kProgramStopped},
+    {IDM_DEBUG_BUTTON_START, kNoSession, nullptr, Internal},
+    {IDM_DEBUG_BUTTON_STOP, kSession, nullptr, Internal},
+    {IDM_DEBUG_BUTTON_STEP_INTO, kProgramStopped, nullptr, Internal},
+    {IDM_DEBUG_BUTTON_STEP_OVER, kProgramStopped, nullptr, Internal},
+    {IDM_DEBUG_BUTTON_STEP_OUT, kProgramStopped, nullptr, Internal},
     {IDM_VIEW_DEBUG_PANE, kAlways, ShowsPane<PaneId::Debug>},
     {IDM_AI_OPENAI, kNever},
     {IDM_AI_LMSTUDIO, kNever},
     {IDM_HELP_ABOUT, kAlways},
-    {IDM_NEXT_TAB, kHasTab},
-    {IDM_PREVIOUS_TAB, kHasTab},
-    {IDM_NAV_BACK, kHasTab},
-    {IDM_NAV_FORWARD, kHasTab},
-    {IDM_TAB_CLOSE_OTHERS, kHasTab},
-    {IDM_TAB_COPY_PATH, kHasFile},
+    {IDM_NEXT_TAB, kHasTab, nullptr, Internal},
+    {IDM_PREVIOUS_TAB, kHasTab, nullptr, Internal},
+    {IDM_NAV_BACK, kHasTab, nullptr, Internal},
+    {IDM_NAV_FORWARD, kHasTab, nullptr, Internal},
+    {IDM_TAB_CLOSE_OTHERS, kHasTab, nullptr, Internal},
+    {IDM_TAB_COPY_PATH, kHasFile, nullptr, Internal},
 };
+
+// And the command that selects each compiler.
+template <std::uint32_t id>
+bool IsCompiler(const CommandView& view) {
+    return view.compiler == static_cast<int>(id);
+}
+
+template <std::size_t... ids>
+constexpr auto AllCommands(std::index_sequence<ids...>) {
+    std::array<CommandRow, std::size(kCommands) + kCompilerCount> all = {};
+    std::ranges::copy(kCommands, all.begin());
+    ((all[std::size(kCommands) + ids] = {g_compilers[ids].command, kAlways, IsCompiler<ids>}), ...);
+    return all;
+}
+constexpr auto kAllCommands = AllCommands(std::make_index_sequence<kCompilerCount>());
 
 // Virtual key numbers; named here because this file knows no window headers.
 constexpr std::uint16_t kCancel = 0x03, kTab = 0x09, kLeft = 0x25, kRight = 0x27, kZero = 0x30, kNumpad0 = 0x60,
@@ -136,11 +152,11 @@ constexpr ExtraKey kExtraKeys[] = {
 
 }  // namespace
 
-std::span<const CommandRow> CommandTable() { return kCommands; }
+std::span<const CommandRow> CommandTable() { return kAllCommands; }
 
 const CommandRow* FindCommand(int id) {
-    const auto* row = std::ranges::find(kCommands, id, &CommandRow::id);
-    return row == std::end(kCommands) ? nullptr : row;
+    const auto row = std::ranges::find(kAllCommands, id, &CommandRow::id);
+    return row == kAllCommands.end() ? nullptr : &*row;
 }
 
 CommandState CommandStateOf(int id, const CommandView& view) {
@@ -149,6 +165,8 @@ CommandState CommandStateOf(int id, const CommandView& view) {
     return {.enabled = (row->needs & view.conditions) == row->needs,
             .checked = row->checked != nullptr && row->checked(view)};
 }
+
+std::span<const ExtraKey> ExtraKeys() { return kExtraKeys; }
 
 int CommandOfExtraKey(std::uint32_t key, bool control, bool shift, bool alt) {
     for (const ExtraKey& extra : kExtraKeys)

@@ -43,10 +43,17 @@ struct CommandState {
     bool checked = false;
 };
 
+// Where the user finds a command.
+enum class CommandPlace : std::uint8_t {
+    Menu,      // the main menu, which has its text
+    Internal,  // keys, buttons and menus of panes only
+};
+
 struct CommandRow {
-    int id;
-    std::uint32_t needs;                            // every bit must hold
+    int id = 0;
+    std::uint32_t needs = 0;                        // every bit must hold
     bool (*checked)(const CommandView&) = nullptr;  // null: never checked
+    CommandPlace place = CommandPlace::Menu;
 };
 
 std::span<const CommandRow> CommandTable();
@@ -60,5 +67,6 @@ struct ExtraKey {
     bool control, shift, alt;
     int command;
 };
+std::span<const ExtraKey> ExtraKeys();
 // The command of a key press, or 0.
 int CommandOfExtraKey(std::uint32_t key, bool control, bool shift, bool alt);

@@ -126,7 +126,7 @@ void StatusBarSetProgress(const wchar_t* text) { SetStatusPart(kProgress, text !
 
 void StatusBarUpdateCompiler() {
     const auto id = static_cast<std::uint32_t>(g_settings.activeCompiler);
-    SetStatusPart(kCompiler, FormatW(CompilerExists(id) ? L"%s" : L"%s (not found)", CompilerName(id)));
+    SetStatusPart(kCompiler, CompilerLabel(id, CompilerExists(id)));
 }
 
 void StatusBarUpdatePosition() {

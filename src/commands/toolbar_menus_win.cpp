@@ -2,7 +2,6 @@
 #include "commands/toolbar_internal.h"
 
 #include "base/handles.h"
-#include "base/wide_format.h"
 #include "commands/command_state.h"
 #include "resources/ids.h"
 #include "settings/compiler_table.h"
@@ -60,15 +59,15 @@ HBITMAP ToolbarPicture(Icon icon, int size, const IconInks& inks) {
 
 std::wstring ToolbarCompilerText() {
     const auto id = static_cast<std::uint32_t>(g_settings.activeCompiler);
-    return FormatW(CompilerExists(id) ? L"%s" : L"%s (not found)", CompilerName(id));
+    return CompilerLabel(id, CompilerExists(id));
 }
 
 void ToolbarShowCompilerMenu(HWND bar, const RECT& button) {
     std::array<std::wstring, kCompilerCount> names;
     std::vector<MenuItem> items;
     for (std::uint32_t id = 0; id < kCompilerCount; ++id) {
-        names[id] = FormatW(CompilerExists(id) ? L"%s" : L"%s (not found)", CompilerName(id));
-        items.push_back({.id = static_cast<UINT>(CompilerEntry(id).command),
+        names[id] = CompilerLabel(id, CompilerExists(id));
+        items.push_back({.id = static_cast<UINT>(Profile(id).command),
                          .text = names[id].c_str(),
                          .checked = static_cast<int>(id) == g_settings.activeCompiler});
     }

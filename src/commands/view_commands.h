@@ -1,5 +1,8 @@
-// The View menu. UI thread only.
+// The View menu: what is shown, how big, in which colours and font. UI thread only.
 #pragma once
 
-// False: not one of its commands.
-bool HandleView(int command);
+#include "base/command_handler.h"
+
+#include <span>
+
+std::span<const CommandHandler> ViewCommandHandlers();

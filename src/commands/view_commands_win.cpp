@@ -14,22 +14,25 @@
 
 namespace {
 
-void ToggleSetting(std::int32_t Settings::*setting) {
-    SettingsChange([setting](Settings& settings) { settings.*setting = settings.*setting != 0 ? 0 : 1; });
+template <std::int32_t Settings::*setting>
+void ToggleSetting(int) {
+    SettingsChange([](Settings& settings) { settings.*setting = settings.*setting != 0 ? 0 : 1; });
 }
 
-void ChooseTheme(int theme) {
+void ChooseTheme(int command) {
+    const int theme = command == IDM_VIEW_DARK_THEME ? 1 : 0;
     if (g_settings.theme == theme) return;
     SettingsChange([theme](Settings& settings) { settings.theme = theme; });
     SettingsSave(nullptr);
 }
 
-void ChooseStyle(int preset) {
+void ChooseStyle(int command) {
+    const int preset = command - IDM_STYLE_FIRST + 1;
     SettingsChange([preset](Settings& settings) { settings.editorStylePreset = preset; });
     SettingsSave(nullptr);
 }
 
-void ChooseEditorFont() {
+void ChooseEditorFont(int) {
     LOGFONTW font = {};
     SafeCopyW(font.lfFaceName, g_settings.fontName);
     font.lfHeight = UiFontHeight(g_settings.fontSize);
@@ -49,49 +52,35 @@ void ChooseEditorFont() {
     SettingsSave(nullptr);
 }
 
-bool HandleTextView(int command) {
-    switch (command) {
-        case IDM_VIEW_WHITESPACE: ToggleSetting(&Settings::showWhitespace); return true;
-        case IDM_VIEW_WORD_WRAP: ToggleSetting(&Settings::wordWrap); return true;
-        // One editor zooms; its notification brings the others and the setting along.
-        case IDM_VIEW_ZOOM_IN: SciSend(g_documents.hEditor, SCI_ZOOMIN); return true;
-        case IDM_VIEW_ZOOM_OUT: SciSend(g_documents.hEditor, SCI_ZOOMOUT); return true;
-        case IDM_VIEW_ZOOM_RESET: SciSend(g_documents.hEditor, SCI_SETZOOM, 0); return true;
-        default: return false;
-    }
+void TogglePane(int command) {
+    const PaneId pane = PaneOfCommand(command)->id;
+    PaneShow(pane, !PaneIsShown(pane));
 }
 
-bool HandlePaneView(int command) {
-    if (const PaneSpec* pane = PaneOfCommand(command)) {
-        PaneShow(pane->id, !PaneIsShown(pane->id));
-        return true;
-    }
-    switch (command) {
-        case IDM_VIEW_TOOLBAR: ToggleSetting(&Settings::showToolbar); return true;
-        case IDM_VIEW_STATUS_BAR: ToggleSetting(&Settings::showStatusbar); return true;
-        default: return false;
-    }
-}
+constexpr CommandHandler kViewHandlers[] = {
+    {IDM_VIEW_TOOLBAR, ToggleSetting<&Settings::showToolbar>},
+    {IDM_VIEW_STATUS_BAR, ToggleSetting<&Settings::showStatusbar>},
+    {IDM_VIEW_OUTPUT, TogglePane},
+    {IDM_VIEW_ASM, TogglePane},
+    {IDM_VIEW_AI, TogglePane},
+    {IDM_VIEW_DEBUG_PANE, TogglePane},
+    {IDM_VIEW_WHITESPACE, ToggleSetting<&Settings::showWhitespace>},
+    {IDM_VIEW_WORD_WRAP, ToggleSetting<&Settings::wordWrap>},
+    // One editor zooms; its notification brings the others and the setting along.
+    {IDM_VIEW_ZOOM_IN, [](int) { SciSend(g_documents.hEditor, SCI_ZOOMIN); }},
+    {IDM_VIEW_ZOOM_OUT, [](int) { SciSend(g_documents.hEditor, SCI_ZOOMOUT); }},
+    {IDM_VIEW_ZOOM_RESET, [](int) { SciSend(g_documents.hEditor, SCI_SETZOOM, 0); }},
+    {IDM_STYLE_CODE, ChooseStyle},
+    {IDM_STYLE_STUDIO, ChooseStyle},
+    {IDM_STYLE_PLUS, ChooseStyle},
+    {IDM_STYLE_SUBLIME, ChooseStyle},
+    {IDM_STYLE_CLASSIC, ChooseStyle},
+    {IDM_STYLE_FONT, ChooseEditorFont},
+    {IDM_VIEW_LIGHT_THEME, ChooseTheme},
+    {IDM_VIEW_DARK_THEME, ChooseTheme},
+    {IDM_TOOLBAR_MORE, [](int) { ToolbarShowMore(); }},
+};
 
 }  // namespace
 
-bool HandleView(int command) {
-    if (HandleTextView(command) || HandlePaneView(command)) return true;
-    if (command == IDM_VIEW_LIGHT_THEME || command == IDM_VIEW_DARK_THEME) {
-        ChooseTheme(command == IDM_VIEW_DARK_THEME ? 1 : 0);
-        return true;
-    }
-    if (command >= IDM_STYLE_CODE && command <= IDM_STYLE_CLASSIC) {
-        ChooseStyle(command - IDM_STYLE_FIRST + 1);
-        return true;
-    }
-    if (command == IDM_TOOLBAR_MORE) {
-        ToolbarShowMore();
-        return true;
-    }
-    if (command == IDM_STYLE_FONT) {
-        ChooseEditorFont();
-        return true;
-    }
-    return false;
-}
+std::span<const CommandHandler> ViewCommandHandlers() { return kViewHandlers; }

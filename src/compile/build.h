@@ -1,9 +1,12 @@
 // Building the active document: starting and stopping the compiler, and the Compiler menu. UI thread only.
 #pragma once
 
+#include "base/command_handler.h"
+
 #include <windows.h>
 
 #include <cstdint>
+#include <span>
 
 // Prepares the build lock; once, before the main window.
 void BuildInit();
@@ -14,8 +17,8 @@ int CompilerBuild(std::uint32_t id, const wchar_t* source, const wchar_t* output
 void CompilerKill();        // ends the compiler and every process it started, also during start
 bool CompilerIsBuilding();  // also between two documents of a batch build
 
-// Commands 1301..1305, 1250, 1251, 1253, 1254, 1320, the profiles and the batch build. False: not one of them.
-bool CmdHandle_Build(int command);
+// The Compiler menu, the profiles and the batch build.
+std::span<const CommandHandler> BuildCommandHandlers();
 
 // The main window's part: MSG_BUILD_OUTPUT, MSG_BUILD_FINISHED, TIMER_BUILD.
 void BuildOnOutput(wchar_t* heapText, COLORREF colour);

@@ -1,16 +1,12 @@
 #include "compile/build_batch.h"
 
-#include "base/path.h"
+#include "settings/file_type_table.h"
 
-#include <algorithm>
-#include <array>
 #include <utility>
 
 bool IsBatchBuildSource(std::wstring_view path) {
-    constexpr std::array<std::wstring_view, 4> extensions = {L".bas", L".kxa", L".ka32", L".b64"};
-    return std::any_of(extensions.begin(), extensions.end(), [path](std::wstring_view extension) {
-        return PathEqualsIgnoreCase(FileExtension(path), extension);
-    });
+    const FileType* type = FileTypeOfPath(path);
+    return type != nullptr && type->inBatchBuild;
 }
 
 BuildBatch BatchOf(std::vector<DocumentId> documents) { return {.documents = std::move(documents), .running = true}; }

@@ -21,6 +21,8 @@
 
 #include <shellapi.h>
 
+#include <algorithm>
+#include <array>
 #include <utility>
 #include <vector>
 
@@ -124,31 +126,57 @@ void StopBuild() {
     g_events.statusText(L"Build stopped");
 }
 
-void UseCompilerOfMenu(std::uint32_t id) {
-    SettingsChange([id](Settings& settings) { settings.activeCompiler = static_cast<std::int32_t>(id); });
+void UseCompilerOfMenu(int command) {
+    const auto id = static_cast<std::int32_t>(CompilerOfCommand(command)->id);
+    SettingsChange([id](Settings& settings) { settings.activeCompiler = id; });
     SettingsSave(nullptr);
 }
 
-void UseBuildProfile(int profile) {
+void UseBuildProfile(int command) {
     constexpr const wchar_t* names[] = {L"Debug", L"Release", L"Fast"};
+    const int profile = command - IDM_PROFILE_DEBUG;
     SettingsChange([profile](Settings& settings) { settings.profile = profile; });
     SettingsSave(nullptr);
     g_events.statusText(FormatW(L"Build profile: %s", names[profile]).c_str());
-    g_events.refreshWanted();
 }
 
-using BuildStarter = void (*)();
-
-// What a command starts; null for one that starts nothing.
-BuildStarter BuildStarterOf(int command) {
-    switch (command) {
-        case IDM_BUILD: return [] { StartCompilerBuild(false, false); };
-        case IDM_BUILD_RUN: return BuildAndRunDocument;
-        case IDM_BUILD_SYNTAX: return [] { StartCompilerBuild(true, false); };
-        case IDM_BUILD_ALL: return BuildAllDocuments;
-        default: return nullptr;
-    }
+// A command that starts a compiler.
+template <void (*start)()>
+void StartUnlessRefused(int) {
+    const BuildRefusal refusal = BuildRefusalOfCommand(BuildSituationNow());
+    if (refusal == BuildRefusal::None)
+        start();
+    else
+        BuildApplyStep(BuildRefused(refusal));
 }
+
+void BuildActiveDocument() { StartCompilerBuild(false, false); }
+void CheckActiveDocument() { StartCompilerBuild(true, false); }
+
+constexpr CommandHandler kBuildHandlers[] = {
+    {IDM_BUILD, StartUnlessRefused<BuildActiveDocument>},
+    {IDM_BUILD_RUN, StartUnlessRefused<BuildAndRunDocument>},
+    {IDM_BUILD_SYNTAX, StartUnlessRefused<CheckActiveDocument>},
+    {IDM_BUILD_ALL, StartUnlessRefused<BuildAllDocuments>},
+    {IDM_BUILD_STOP, [](int) { StopBuild(); }},
+    {IDM_BUILD_CLEAN, [](int) { CleanProducts(); }},
+    {IDM_PROFILE_DEBUG, UseBuildProfile},
+    {IDM_PROFILE_RELEASE, UseBuildProfile},
+    {IDM_PROFILE_FAST, UseBuildProfile},
+    {IDM_ERROR_NEXT, [](int) { CompilerNextError(); }},
+    {IDM_ERROR_PREVIOUS, [](int) { CompilerPrevError(); }},
+};
+
+// And the command of each compiler.
+constexpr auto BuildAndCompilerHandlers() {
+    std::array<CommandHandler, std::size(kBuildHandlers) + kCompilerCount> all = {};
+    std::ranges::copy(kBuildHandlers, all.begin());
+    std::ranges::transform(g_compilers, all.begin() + std::size(kBuildHandlers), [](const CompilerProfile& row) {
+        return CommandHandler{row.command, UseCompilerOfMenu};
+    });
+    return all;
+}
+constexpr auto kAllBuildHandlers = BuildAndCompilerHandlers();
 
 }  // namespace
 
@@ -174,27 +202,4 @@ bool BatchIsRunning() { return g_batch.running; }
 
 bool CompilerIsBuilding() { return StageRuns() || g_batch.running; }
 
-bool CmdHandle_Build(int command) {
-    if (const BuildStarter start = BuildStarterOf(command)) {
-        const BuildRefusal refusal = BuildRefusalOfCommand(BuildSituationNow());
-        if (refusal == BuildRefusal::None)
-            start();
-        else
-            BuildApplyStep(BuildRefused(refusal));
-        return true;
-    }
-    if (const CompilerMenuEntry* entry = CompilerEntryByCommand(command)) {
-        UseCompilerOfMenu(entry->id);
-        return true;
-    }
-    switch (command) {
-        case IDM_BUILD_STOP: StopBuild(); return true;
-        case IDM_BUILD_CLEAN: CleanProducts(); return true;
-        case IDM_PROFILE_DEBUG:
-        case IDM_PROFILE_RELEASE:
-        case IDM_PROFILE_FAST: UseBuildProfile(command - IDM_PROFILE_DEBUG); return true;
-        case IDM_ERROR_NEXT: CompilerNextError(); return true;
-        case IDM_ERROR_PREVIOUS: CompilerPrevError(); return true;
-        default: return false;
-    }
-}
+std::span<const CommandHandler> BuildCommandHandlers() { return kAllBuildHandlers; }

@@ -1,6 +1,7 @@
 #include "compile/staging.h"
 
 #include "base/path.h"
+#include "settings/file_type_table.h"
 
 namespace {
 
@@ -61,15 +62,10 @@ std::wstring RemoveCopy(const StageDisk& disk, const StagedSource& staged) {
 
 std::wstring StagingTarget(std::wstring_view source, std::wstring_view output, CommandStyle style, int attempt) {
     if (style == CommandStyle::Keldor) return attempt == 0 ? ReplaceExtension(output, L".bas") : std::wstring();
-    std::wstring_view staged;
-    if (PathEqualsIgnoreCase(FileExtension(source), L".kxa"))
-        staged = L".pb";
-    else if (PathEqualsIgnoreCase(FileExtension(source), L".ka32"))
-        staged = L".bas";
-    else
-        return {};
+    const FileType* type = FileTypeOfPath(source);
+    if (type == nullptr || type->stagedAs.empty()) return {};
     const std::wstring mark = attempt == 0 ? std::wstring() : L".kvx" + std::to_wstring(attempt);
-    return ReplaceExtension(source, mark + std::wstring(staged));
+    return ReplaceExtension(source, mark + std::wstring(type->stagedAs));
 }
 
 bool StageOnDisk(const StageDisk& disk, const std::wstring& source, const std::wstring& output, CommandStyle style,

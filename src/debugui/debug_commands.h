@@ -1,10 +1,13 @@
 // The Debug menu, the toolbar's debug buttons and the life of a session as the user sees it. UI thread only.
 #pragma once
 
+#include "base/command_handler.h"
+
 #include <windows.h>
 
-// Commands 1901..1910 and 1501..1512. False: not one of them.
-bool CmdHandle_Debug(int command);
+#include <span>
+
+std::span<const CommandHandler> DebugCommandHandlers();
 
 // Connects the engine with the list of breakpoints. Once at start-up, after the main window exists.
 void DebugUiInit();

@@ -119,61 +119,42 @@ void SwitchBreakpoint() {
     BreakpointEnable(static_cast<std::size_t>(index), !BreakpointList()[static_cast<std::size_t>(index)].enabled);
 }
 
-// Buttons that stand for commands of the menu.
-int CommandOfButton(int command) {
-    switch (command) {
-        case IDM_DEBUG_BUTTON_START: return IDM_DEBUG_BUILD_START;
-        case IDM_DEBUG_BUTTON_STOP: return IDM_DEBUG_STOP;
-        case IDM_DEBUG_BUTTON_STEP_INTO: return IDM_DEBUG_STEP_INTO;
-        case IDM_DEBUG_BUTTON_STEP_OVER: return IDM_DEBUG_STEP_OVER;
-        case IDM_DEBUG_BUTTON_STEP_OUT: return IDM_DEBUG_STEP_OUT;
-        default: return command;
-    }
-}
+void CommandStepOver(int) { FollowStep(DebugStepOver(&g_debugger), L""); }
+void CommandStepInto(int) { FollowStep(DebugStepInto(&g_debugger), L" (step into)"); }
+void CommandStepOut(int) { FollowStep(DebugStepOut(&g_debugger), L" (step out)"); }
+void CommandBuildAndDebug(int) { BuildAndStart(); }
+void CommandEndDebugging(int) { DebugRunStop(); }
 
-bool HandleRun(int command) {
-    switch (command) {
-        case IDM_DEBUG_BUILD_START: BuildAndStart(); return true;
-        case IDM_DEBUG_START: HasSession() ? DebugRunStop() : BuildAndStart(); return true;
-        case IDM_DEBUG_STOP: DebugRunStop(); return true;
-        case IDM_DEBUG_STEP_OVER: FollowStep(DebugStepOver(&g_debugger), L""); return true;
-        case IDM_DEBUG_STEP_INTO: FollowStep(DebugStepInto(&g_debugger), L" (step into)"); return true;
-        case IDM_DEBUG_STEP_OUT: FollowStep(DebugStepOut(&g_debugger), L" (step out)"); return true;
-        case IDM_DEBUG_RUN_TO_CURSOR: RunToCursor(); return true;
-        case IDM_DEBUG_CONTINUE: FollowStep(DebugContinue(&g_debugger), L""); return true;
-        case IDM_DEBUG_PAUSE: PauseProgram(); return true;
-        default: return false;
-    }
-}
-
-bool HandleBreakpoints(int command) {
-    switch (command) {
-        case IDM_DEBUG_BREAKPOINT: BreakpointToggle(ActiveDocumentId(), CaretLineFromOne()); return true;
-        case IDM_DEBUG_CONDITIONAL: AskForCondition(); return true;
-        case IDM_DEBUG_ENABLE_BREAKPOINT: SwitchBreakpoint(); return true;
-        case IDM_DEBUG_REMOVE_BREAKPOINTS: BreakpointRemoveAll(); return true;
-        default: return false;
-    }
-}
-
-bool HandleViews(int command) {
-    switch (command) {
-        case IDM_DEBUG_REGISTERS: SayText(L"=== Registers ===\n", DebugFormatRegisters(&g_debugger)); return true;
-        case IDM_DEBUG_CALL_STACK: SayText(L"", DebugWalkStack(&g_debugger)); return true;
-        case IDM_DEBUG_DISASSEMBLY: SayInstruction(); return true;
-        case IDM_DEBUG_MEMORY:
-            SayText(L"=== Memory Dump ===\n", DebugHexDump(&g_debugger, g_debugger.currentAddress, kDumpBytes));
-            return true;
-        default: return false;
-    }
-}
+constexpr CommandHandler kDebugHandlers[] = {
+    {IDM_DEBUG_BUILD_START, CommandBuildAndDebug},
+    {IDM_DEBUG_START, [](int) { HasSession() ? DebugRunStop() : BuildAndStart(); }},
+    {IDM_DEBUG_STOP, CommandEndDebugging},
+    {IDM_DEBUG_STEP_OVER, CommandStepOver},
+    {IDM_DEBUG_STEP_INTO, CommandStepInto},
+    {IDM_DEBUG_STEP_OUT, CommandStepOut},
+    {IDM_DEBUG_RUN_TO_CURSOR, [](int) { RunToCursor(); }},
+    {IDM_DEBUG_CONTINUE, [](int) { FollowStep(DebugContinue(&g_debugger), L""); }},
+    {IDM_DEBUG_PAUSE, [](int) { PauseProgram(); }},
+    // Buttons that stand for commands of the menu.
+    {IDM_DEBUG_BUTTON_START, CommandBuildAndDebug},
+    {IDM_DEBUG_BUTTON_STOP, CommandEndDebugging},
+    {IDM_DEBUG_BUTTON_STEP_INTO, CommandStepInto},
+    {IDM_DEBUG_BUTTON_STEP_OVER, CommandStepOver},
+    {IDM_DEBUG_BUTTON_STEP_OUT, CommandStepOut},
+    {IDM_DEBUG_BREAKPOINT, [](int) { BreakpointToggle(ActiveDocumentId(), CaretLineFromOne()); }},
+    {IDM_DEBUG_CONDITIONAL, [](int) { AskForCondition(); }},
+    {IDM_DEBUG_ENABLE_BREAKPOINT, [](int) { SwitchBreakpoint(); }},
+    {IDM_DEBUG_REMOVE_BREAKPOINTS, [](int) { BreakpointRemoveAll(); }},
+    {IDM_DEBUG_REGISTERS, [](int) { SayText(L"=== Registers ===\n", DebugFormatRegisters(&g_debugger)); }},
+    {IDM_DEBUG_CALL_STACK, [](int) { SayText(L"", DebugWalkStack(&g_debugger)); }},
+    {IDM_DEBUG_DISASSEMBLY, [](int) { SayInstruction(); }},
+    {IDM_DEBUG_MEMORY,
+     [](int) { SayText(L"=== Memory Dump ===\n", DebugHexDump(&g_debugger, g_debugger.currentAddress, kDumpBytes)); }},
+};
 
 }  // namespace
 
-bool CmdHandle_Debug(int command) {
-    command = CommandOfButton(command);
-    return HandleRun(command) || HandleBreakpoints(command) || HandleViews(command);
-}
+std::span<const CommandHandler> DebugCommandHandlers() { return kDebugHandlers; }
 
 void DebugUiInit() { DebugSetPlantHook(BreakpointsPlantAll); }
 

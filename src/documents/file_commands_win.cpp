@@ -224,8 +224,9 @@ int FileCloseAll() {
 
 void MruAddFile(const wchar_t* path) {
     if (path == nullptr || path[0] == L'\0') return;
-    Settings& settings = g_settings;
-    settings.mruCount = RecentListAdd(settings.mruFiles, settings.mruCount, path, RecentMatch::IgnoreCase);
+    SettingsChange([path](Settings& settings) {
+        settings.mruCount = RecentListAdd(settings.mruFiles, settings.mruCount, path, RecentMatch::IgnoreCase);
+    });
     SettingsSave(nullptr);
 }
 

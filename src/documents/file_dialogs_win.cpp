@@ -4,7 +4,7 @@
 #include "base/bounded_text.h"
 #include "base/log.h"
 #include "base/path.h"
-#include "documents/file_filters.h"
+#include "settings/file_type_table.h"
 #include "ui/message.h"
 #include "ui/ui_state.h"
 
@@ -21,7 +21,7 @@ namespace {
 // The dialogs' own form of the filter table: texts separated and ended by NULs.
 std::wstring FilterText() {
     std::wstring text;
-    for (const FileTypeFilter& filter : kFileFilters) {
+    for (const FileTypeFilter& filter : FileDialogFilters()) {
         text.append(filter.description).push_back(L'\0');
         text.append(filter.pattern).push_back(L'\0');
     }

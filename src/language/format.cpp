@@ -66,12 +66,12 @@ constexpr BlockWord kBlockWords[] = {
 constexpr std::string_view kPrefixes[] = {"STATIC", "PRIVATE", "PUBLIC",   "CALLBACK",  "THREAD",
                                           "EXPORT", "INLINE",  "OVERRIDE", "THREADSAFE"};
 
-bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+bool IsSourceBlank(char c) { return c == ' ' || c == '\t'; }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c & 0x80) != 0; }
-bool IsWordCharacter(char c) { return IsLetter(c) || IsDigit(c) || c == '_'; }
+bool IsNameCharacter(char c) { return IsLetter(c) || IsDigit(c) || c == '_'; }
 
-std::string Upper(std::string_view text) {
+std::string UpperWord(std::string_view text) {
     std::string upper(text);
     for (char& c : upper)
         if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
@@ -133,7 +133,7 @@ void ScanString(Scanner& scan) {
 // Digits, or "&H" and the like with what follows; letters in them are no words.
 void ScanNumber(Scanner& scan) {
     std::size_t end = scan.at + (scan.line[scan.at] == '&' ? 2 : 1);
-    while (end < scan.line.size() && (IsWordCharacter(scan.line[end]) || scan.line[end] == '.')) ++end;
+    while (end < scan.line.size() && (IsNameCharacter(scan.line[end]) || scan.line[end] == '.')) ++end;
     const bool lineNumber = scan.first && AtStatementStart(scan) && scan.out->statements.size() == 1;
     scan.out->text.append(scan.line.substr(scan.at, end - scan.at));
     scan.at = end;
@@ -142,10 +142,10 @@ void ScanNumber(Scanner& scan) {
 
 void ScanWord(Scanner& scan) {
     std::size_t end = scan.at;
-    while (end < scan.line.size() && IsWordCharacter(scan.line[end])) ++end;
+    while (end < scan.line.size() && IsNameCharacter(scan.line[end])) ++end;
     const std::string_view word = scan.line.substr(scan.at, end - scan.at);
     const char before = scan.at > 0 ? scan.line[scan.at - 1] : ' ';
-    const std::string upper = Upper(word);
+    const std::string upper = UpperWord(word);
     if (upper == "REM" && AtStatementStart(scan)) {
         scan.out->text.append(scan.upperKeywords ? upper : std::string(word));
         scan.at = end;
@@ -178,17 +178,17 @@ LineScan ScanLine(std::string_view line, bool upperKeywords, bool first) {
             CopyRest(scan);
         } else if (c == '"') {
             ScanString(scan);
-        } else if (IsDigit(c) || (c == '&' && next != '\0' && Upper({&next, 1}).find_first_of("HOB") == 0)) {
+        } else if (IsDigit(c) || (c == '&' && next != '\0' && UpperWord({&next, 1}).find_first_of("HOB") == 0)) {
             ScanNumber(scan);
-        } else if (IsLetter(c) || (c == '_' && IsWordCharacter(next))) {
+        } else if (IsLetter(c) || (c == '_' && IsNameCharacter(next))) {
             ScanWord(scan);
         } else {
             out.text.push_back(c);
             ++scan.at;
-            out.continues = c == '_' || (out.continues && IsBlank(c));
+            out.continues = c == '_' || (out.continues && IsSourceBlank(c));
             if (c == ':')
                 out.statements.emplace_back();
-            else if (c != '_' && !IsBlank(c))
+            else if (c != '_' && !IsSourceBlank(c))
                 AddToken(scan, std::string(1, c));
             continue;
         }
@@ -235,7 +235,7 @@ const BlockWord* OpenedDefinition(const Statement& statement) {
     while (std::find(std::begin(kPrefixes), std::end(kPrefixes), TokenAt(statement, at)) != std::end(kPrefixes)) ++at;
     if (TokenAt(statement, at) == "CLASS" && TokenAt(statement, at + 1) == "METHOD") ++at;
     const BlockWord* word = FindBlockWord(TokenAt(statement, at));
-    if (!word) return nullptr;
+    if (word == nullptr) return nullptr;
     const std::string_view name = TokenAt(statement, at + 1);
     const bool named = !name.empty() && (IsLetter(name[0]) || name[0] == '_');
     switch (word->block) {
@@ -273,14 +273,14 @@ Effect EndEffect(const Statement& statement) {
     const std::string_view first = TokenAt(statement, 0);
     if (first != "END") name = first.substr(3);  // ENDIF and the like
     const BlockWord* word = FindBlockWord(name);
-    if (!word) return {};
+    if (word == nullptr) return {};
     return {.kind = Effect::Kind::Close, .block = word->block};
 }
 
 Effect StatementEffect(const Statement& statement) {
     using Kind = Effect::Kind;
     const std::string_view word = TokenAt(statement, 0);
-    if (word == "END" || (word.size() > 3 && word.starts_with("END") && FindBlockWord(word.substr(3))))
+    if (word == "END" || (word.size() > 3 && word.starts_with("END") && FindBlockWord(word.substr(3)) != nullptr))
         return EndEffect(statement);
     if (word == "IF") return {.opens = statement.back() == "THEN", .opened = Block::If};
     if (word == "ELSE" || word == "ELSEIF") return {.kind = Kind::Middle, .block = Block::If};
@@ -354,7 +354,7 @@ struct Line {
     std::string_view end;   // "\r\n", "\n", "\r" or nothing
 };
 
-std::vector<Line> SplitLines(std::string_view text) {
+std::vector<Line> SourceLines(std::string_view text) {
     std::vector<Line> lines;
     while (!text.empty()) {
         const std::size_t stop = std::min(text.find_first_of("\r\n"), text.size());
@@ -367,11 +367,11 @@ std::vector<Line> SplitLines(std::string_view text) {
 }
 
 std::string_view TrimLeft(std::string_view text) {
-    while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && IsSourceBlank(text.front())) text.remove_prefix(1);
     return text;
 }
 std::string_view TrimRight(std::string_view text) {
-    while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
+    while (!text.empty() && IsSourceBlank(text.back())) text.remove_suffix(1);
     return text;
 }
 
@@ -401,13 +401,13 @@ int ApplyDirective(const std::string& directive, Nesting& nesting, std::vector<N
 // "! mov eax, 1" and "ASM mov eax, 1".
 bool IsAssemblyLine(std::string_view trimmed) {
     if (trimmed.starts_with("!")) return true;
-    const bool word = trimmed.size() > 4 && Upper(trimmed.substr(0, 3)) == "ASM" && IsBlank(trimmed[3]);
+    const bool word = trimmed.size() > 4 && UpperWord(trimmed.substr(0, 3)) == "ASM" && IsSourceBlank(trimmed[3]);
     const std::string_view rest = word ? TrimLeft(trimmed.substr(3)) : std::string_view();
     return !rest.empty() && rest.front() != '\'' && rest.front() != ':';
 }
 
 bool EndsAssembly(std::string_view trimmed) {
-    const std::string upper = Upper(trimmed.substr(0, 7));
+    const std::string upper = UpperWord(trimmed.substr(0, 7));
     return upper == "END ASM" || upper.starts_with("ENDASM");
 }
 
@@ -419,7 +419,7 @@ std::string FormatBasicSource(std::string_view text, const FormatOptions& option
     Nesting nesting;
     nesting.base = std::max(startDepth, 0);
     std::vector<Nesting> saved;
-    const std::vector<Line> lines = SplitLines(text);
+    const std::vector<Line> lines = SourceLines(text);
 
     for (std::size_t i = 0; i < lines.size();) {
         const std::string_view trimmed = TrimLeft(lines[i].text);

@@ -5,10 +5,10 @@
 
 namespace {
 
-bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+bool IsAsmBlank(char c) { return c == ' ' || c == '\t'; }
 
-std::size_t SkipBlanks(std::string_view line, std::size_t at) {
-    while (at < line.size() && IsBlank(line[at])) ++at;
+std::size_t SkipAsmBlanks(std::string_view line, std::size_t at) {
+    while (at < line.size() && IsAsmBlank(line[at])) ++at;
     return at;
 }
 
@@ -20,7 +20,7 @@ bool WordAt(std::string_view line, std::size_t at, std::string_view upper) {
         if ((c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c) != upper[i]) return false;
     }
     const std::size_t end = at + upper.size();
-    return end == line.size() || IsBlank(line[end]) || line[end] == '\'';
+    return end == line.size() || IsAsmBlank(line[end]) || line[end] == '\'';
 }
 
 }  // namespace
@@ -31,15 +31,15 @@ std::vector<TextRange> InlineAssemblyRanges(std::string_view text) {
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t stop = std::min(text.find_first_of("\r\n", at), text.size());
         const std::string_view line = text.substr(at, stop - at);
-        std::size_t first = SkipBlanks(line, 0);
-        const bool endsBlock = WordAt(line, first, "END") && WordAt(line, SkipBlanks(line, first + 3), "ASM");
+        std::size_t first = SkipAsmBlanks(line, 0);
+        const bool endsBlock = WordAt(line, first, "END") && WordAt(line, SkipAsmBlanks(line, first + 3), "ASM");
         bool assembly = inBlock && !endsBlock;
         if (endsBlock) {
             inBlock = false;
         } else if (!inBlock && first < line.size() && line[first] == '!') {
             assembly = true;
         } else if (!inBlock && WordAt(line, first, "ASM")) {
-            first = SkipBlanks(line, first + 3);
+            first = SkipAsmBlanks(line, first + 3);
             inBlock = first == line.size() || line[first] == '\'';
             assembly = !inBlock;
         }

@@ -1,29 +1,15 @@
 // File extensions to lexers, keyword sets, and style numbers to text roles. Pure.
 #include "language/lexer_table.h"
 
+#include "base/path.h"
 #include "settings/compiler_id.h"
 
 #include <SciLexer.h>
 
 #include <algorithm>
 #include <array>
-#include <cwctype>
 
 namespace {
-
-struct ExtensionRow {
-    std::wstring_view extension;  // lower case, with the dot
-    Language language;
-};
-constexpr ExtensionRow kExtensions[] = {
-    {L".bas", Language::Basic},  {L".pb", Language::Basic},     {L".pbi", Language::Basic},
-    {L".pba", Language::Basic},  {L".inc", Language::Basic},    {L".kb", Language::Basic},
-    {L".ka32", Language::Basic}, {L".kxa", Language::Basic},    {L".kxb", Language::Basic},
-    {L".b64", Language::Basic},  {L".kxc", Language::Basic},    {L".c64", Language::Basic},
-    {L".bi", Language::Basic},   {L".c", Language::C},          {L".h", Language::C},
-    {L".cpp", Language::C},      {L".hpp", Language::C},        {L".cc", Language::C},
-    {L".cxx", Language::C},      {L".asm", Language::Assembly}, {L".s", Language::GnuAssembly},
-};
 
 constexpr StyleRole kBasicStyles[] = {
     {SCE_B_COMMENT, TextRole::Comment},           {SCE_B_NUMBER, TextRole::Number},
@@ -98,7 +84,7 @@ constexpr std::string_view kBasicFunctions =
     "poke remain remove repeat replace retain right rnd round rset rtrim sgn sin sizeof space spc sqr str strdelete "
     "strinsert strptr strreverse switch tab tally tan time timer trim ubound ucase val varptr verify";
 
-// What a dialect adds to the common sets.
+// What a compiler's dialect adds to the common sets.
 struct DialectRow {
     std::uint32_t compilerId;
     std::string_view words;
@@ -110,6 +96,7 @@ constexpr DialectRow kDialects[] = {
     {kCompilerKeldorBasic, "pbmain winmain libmain"},
     {kCompilerKvxc64, "pbmain winmain namespace endnamespace foreach lambda"},
 };
+static_assert(std::size(kDialects) == kCompilerCount, "each compiler has a dialect");
 
 constexpr std::string_view kCKeywords =
     "alignas alignof asm auto break case catch class const const_cast constexpr continue default delete do "
@@ -185,15 +172,10 @@ std::string_view DialectWords(std::uint32_t compilerId) {
 }  // namespace
 
 Language LexerFromExtension(std::wstring_view path) {
-    const std::size_t name = path.find_last_of(L"\\/");
-    const std::size_t dot = path.find_last_of(L'.');
-    if (dot == std::wstring_view::npos || (name != std::wstring_view::npos && dot < name)) return Language::Basic;
-    std::wstring extension(path.substr(dot));
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](wchar_t c) { return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c + 32) : c; });
-    for (const ExtensionRow& row : kExtensions)
-        if (row.extension == extension) return row.language;
-    return Language::None;
+    const std::wstring_view extension = FileExtension(path);
+    if (extension.empty()) return Language::Basic;
+    const FileType* type = FileTypeOfExtension(extension);
+    return type != nullptr ? type->language : Language::None;
 }
 
 const LanguageLexer& LexerOf(Language language) { return kLexers[static_cast<std::size_t>(language)]; }

@@ -2,14 +2,13 @@
 // what the program knows about them. Pure.
 #pragma once
 
+#include "settings/file_type_table.h"
 #include "ui/theme_table.h"
 
 #include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
-
-enum class Language : std::uint8_t { Basic, C, Assembly, GnuAssembly, None };
 
 // By the file's extension; an empty or extensionless path is BASIC, since a new document is going to be one.
 Language LexerFromExtension(std::wstring_view path);

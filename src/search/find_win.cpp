@@ -75,10 +75,11 @@ void FillHistory() {
 }
 
 void RememberSearch() {
-    Settings& settings = g_settings;
-    if (settings.searchHistoryCount > 0 && g_find.what == settings.searchHistory[0]) return;
-    settings.searchHistoryCount =
-        RecentListAdd(settings.searchHistory, settings.searchHistoryCount, g_find.what, RecentMatch::Exact);
+    if (g_settings.searchHistoryCount > 0 && g_find.what == g_settings.searchHistory[0]) return;
+    SettingsChange([](Settings& settings) {
+        settings.searchHistoryCount =
+            RecentListAdd(settings.searchHistory, settings.searchHistoryCount, g_find.what, RecentMatch::Exact);
+    });
     if (g_search.hFindDialog != nullptr) {
         FillHistory();  // empties the field too
         SetDlgItemTextW(g_search.hFindDialog, IDC_FIND_WHAT, g_find.what.c_str());

@@ -333,5 +333,4 @@ void ProjectTreeOfferRoot(const wchar_t* folder) {
         SafeCopyW(settings.projectRoot, folder);
         if (settings.projectTreeWidth > kWidestTree) settings.projectTreeWidth = kDefaultWidth;
     });
-    ProjectTreePopulate();
 }

@@ -177,7 +177,6 @@ void ApplySession(const std::vector<SessionItem>& items) {
         else
             ApplyFileItem(item);
     if (IsTabIndex(activeTab)) TabBarActivate(activeTab);
-    if (g_settings.projectRoot[0] != L'\0' && g_session.hProjectTree != nullptr) ProjectTreePopulate();
 }
 
 }  // namespace
@@ -223,7 +222,8 @@ void SessionAutoSave(HWND) {
 
 void SessionMRUAdd(const wchar_t* path) {
     if (path == nullptr) return;
-    Settings& settings = g_settings;
-    settings.sessionMruCount =
-        RecentListAdd(settings.sessionMruFiles, settings.sessionMruCount, path, RecentMatch::Exact);
+    SettingsChange([path](Settings& settings) {
+        settings.sessionMruCount =
+            RecentListAdd(settings.sessionMruFiles, settings.sessionMruCount, path, RecentMatch::Exact);
+    });
 }

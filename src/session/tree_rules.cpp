@@ -1,14 +1,14 @@
 // What the project tree shows of a folder. Pure.
 #include "session/tree_rules.h"
 
-#include "documents/file_filters.h"
+#include "settings/file_type_table.h"
 
 #include <algorithm>
 #include <cwctype>
 
 bool TreeShows(std::wstring_view name, bool isFolder, bool isHidden) {
     if (name.empty() || name.front() == L'.' || isHidden) return false;
-    return isFolder || IsSourceFileName(name);
+    return isFolder || FileTypeOfPath(name) != nullptr;
 }
 
 void TreeSort(std::vector<TreeEntry>& entries) {

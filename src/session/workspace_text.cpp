@@ -1,16 +1,17 @@
 // The workspace file as text. Pure: knows no tab and no settings.
 #include "session/workspace_text.h"
 
+#include "settings/compiler_table.h"
+
 #include <algorithm>
 #include <cwchar>
 #include <limits>
 
 namespace {
 
-constexpr const wchar_t* kCompilerNames[] = {L"KVXA64", L"KVXB64", L"KVXA32", L"KeldorBasic", L"KVXC64"};
 constexpr std::size_t kEscapedCapacity = 2048;  // wide characters: a full path of backslashes fits
 
-const wchar_t* SkipBlanks(const wchar_t* text) {
+const wchar_t* SkipJsonBlanks(const wchar_t* text) {
     while (*text == L' ' || *text == L'\t' || *text == L'\r' || *text == L'\n') ++text;
     return text;
 }
@@ -24,11 +25,11 @@ const wchar_t* FindQuoted(const wchar_t* text, const wchar_t* key) {
 const wchar_t* FindValue(const wchar_t* text, const wchar_t* key) {
     const wchar_t* found = FindQuoted(text, key);
     if (found == nullptr) return nullptr;
-    found = SkipBlanks(found + std::wcslen(key) + 2);
-    return *found == L':' ? SkipBlanks(found + 1) : nullptr;
+    found = SkipJsonBlanks(found + std::wcslen(key) + 2);
+    return *found == L':' ? SkipJsonBlanks(found + 1) : nullptr;
 }
 
-wchar_t Unescape(wchar_t letter) {
+wchar_t JsonLetter(wchar_t letter) {
     switch (letter) {
         case L'n': return L'\n';
         case L't': return L'\t';
@@ -64,13 +65,12 @@ std::wstring WorkspaceCompose(std::span<const WorkspaceTab> tabs, std::int32_t a
     return out;
 }
 
-const wchar_t* WorkspaceCompilerName(std::uint32_t compiler) {
-    return kCompilerNames[compiler < std::size(kCompilerNames) ? compiler : 0];
-}
+const wchar_t* WorkspaceCompilerName(std::uint32_t compiler) { return Profile(compiler).name; }
 
 int WorkspaceCompilerId(std::wstring_view name) {
-    const auto* found = std::find(std::begin(kCompilerNames), std::end(kCompilerNames), name);
-    return found == std::end(kCompilerNames) ? -1 : static_cast<int>(found - kCompilerNames);
+    const auto* found =
+        std::ranges::find(g_compilers, name, [](const CompilerProfile& row) { return std::wstring_view(row.name); });
+    return found == std::end(g_compilers) ? -1 : static_cast<int>(found->id);
 }
 
 void JsonEscape(const wchar_t* source, wchar_t* out, std::size_t capacity) {
@@ -93,7 +93,7 @@ int JsonExtractString(const wchar_t* text, const wchar_t* key, wchar_t* out, std
         if (letter == L'\\') {
             ++from;
             if (*from == L'\0') break;
-            letter = Unescape(*from);
+            letter = JsonLetter(*from);
         }
         out[used++] = letter;
     }

@@ -53,7 +53,8 @@ void ApplyCompiler(const wchar_t* text) {
     if (JsonExtractString(text, L"compiler", name, std::size(name)) == 0) return;
     const int compiler = WorkspaceCompilerId(name);
     if (compiler < 0) return;
-    SettingsChange([compiler](Settings& settings) { settings.activeCompiler = compiler; });
+    const SettingsEdit edit;
+    g_settings.activeCompiler = compiler;
     wchar_t flags[kWorkspaceFlagsCapacity] = {};
     if (JsonExtractString(text, L"compilerFlags", flags, kWorkspaceFlagsCapacity) != 0)
         ApplyFlags(g_settings.compilers[compiler].flags, flags);

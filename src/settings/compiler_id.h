@@ -1,4 +1,4 @@
-// The five compilers by number: indices of every per-compiler table. Pure.
+// The five compilers by number: indices of every per-compiler table. What is known of each stands in compilers.h. Pure.
 #pragma once
 
 #include <cstdint>

@@ -3,34 +3,19 @@
 
 #include "base/handles.h"
 #include "base/wide_format.h"
+#include "settings/compiler_table.h"
+#include "settings/file_type_table.h"
 #include "settings/settings_state.h"
 
 #include <shlobj.h>
 #include <shlwapi.h>
 
 #include <string>
+#include <vector>
 
 namespace {
 
-struct CompilerFileType {
-    std::uint32_t id;
-    const wchar_t* extension;
-    const wchar_t* description;
-    const wchar_t* icon;  // a bare name, on purpose: the shell looks for it
-};
-constexpr CompilerFileType kCompilerFileTypes[] = {
-    {kCompilerKvxa64, L"kxa", L"KVXA64 Source File", L"KA64.ico"},
-    {kCompilerKvxb64, L"kxb", L"KVXB64 Source File", L"KVXE.ico"},
-    {kCompilerKvxa32, L"ka32", L"KVXA32 Source File", L"KA32.ico"},
-    {kCompilerKeldorBasic, L"kb", L"KeldorBasic Source File", L"KB.ico"},
-    {kCompilerKvxc64, L"kxc", L"KVXC64 Source File", L"KVXE.ico"},
-};
-
-const CompilerFileType* FileTypeOf(std::uint32_t id) {
-    for (const CompilerFileType& type : kCompilerFileTypes)
-        if (type.id == id) return &type;
-    return nullptr;
-}
+std::wstring WithoutDot(const FileType& type) { return std::wstring(type.extension.substr(1)); }
 
 const std::wstring kClasses = L"Software\\Classes\\";
 
@@ -63,23 +48,29 @@ void AddOpenWith(const std::wstring& extension, const wchar_t* progId) {
     if (key) RegSetValueExW(key.Get(), progId, 0, REG_NONE, nullptr, 0);
 }
 
+// The types of one compiler that the registration at start-up knows; nothing when there are none.
+void RegisterTypesOf(const CompilerProfile& compiler, const std::wstring& command) {
+    std::vector<std::wstring> openWith;
+    bool any = false;
+    for (const FileType& type : FileTypes()) {
+        if (type.compiler != compiler.id || type.shell == ShellEntry::None) continue;
+        any = true;
+        CreateKey(kClasses + std::wstring(type.extension));
+        if (type.shell == ShellEntry::OpenWith) openWith.emplace_back(type.extension);
+    }
+    if (!any) return;
+    const std::wstring progId = std::wstring(compiler.name) + L".Source";
+    WriteDefaultValue(kClasses + progId + L"\\shell\\open\\command", command);
+    for (const std::wstring& extension : openWith) AddOpenWith(extension, progId.c_str());
+}
+
 }  // namespace
 
 void RegisterFileExtensions() {
     const std::wstring command = OpenCommand();
     if (command.empty()) return;
-    if (g_settings.compilers[kCompilerKvxa64].registerExtension != 0) {
-        CreateKey(kClasses + L".kxa");
-        WriteDefaultValue(kClasses + L"KVXA64.Source\\shell\\open\\command", command);
-        AddOpenWith(L".kxa", L"KVXA64.Source");
-    }
-    if (g_settings.compilers[kCompilerKvxb64].registerExtension != 0) {
-        // ".c" and ".h" get their keys and nothing more.
-        for (const wchar_t* extension : {L".kxb", L".b64", L".c", L".h"}) CreateKey(kClasses + extension);
-        WriteDefaultValue(kClasses + L"KVXB64.Source\\shell\\open\\command", command);
-        AddOpenWith(L".kxb", L"KVXB64.Source");
-        AddOpenWith(L".b64", L"KVXB64.Source");
-    }
+    for (const CompilerProfile& compiler : g_compilers)
+        if (g_settings.compilers[compiler.id].registerExtension != 0) RegisterTypesOf(compiler, command);
 }
 
 int RegisterFileExt(const wchar_t* extension, const wchar_t* description, const wchar_t* iconFile) {
@@ -103,12 +94,15 @@ void UnregisterFileExt(const wchar_t* extension) {
 }
 
 int FileExtRegisterCompiler(std::uint32_t id) {
-    const CompilerFileType* type = FileTypeOf(id);
-    return type != nullptr ? RegisterFileExt(type->extension, type->description, type->icon) : 0;
+    const FileType* type = OwnFileType(id);
+    if (type == nullptr) return 0;
+    const CompilerProfile& compiler = Profile(id);
+    return RegisterFileExt(WithoutDot(*type).c_str(), FormatW(L"%s Source File", compiler.name).c_str(),
+                           compiler.shellIcon);
 }
 
 void FileExtUnregisterCompiler(std::uint32_t id) {
-    if (const CompilerFileType* type = FileTypeOf(id)) UnregisterFileExt(type->extension);
+    if (const FileType* type = OwnFileType(id)) UnregisterFileExt(WithoutDot(*type).c_str());
 }
 
 void FileExtNotifyShell() { SHChangeNotify(SHCNE_ASSOCCHANGED, SHCNF_IDLIST, nullptr, nullptr); }

@@ -26,3 +26,9 @@ void RestoreStored(const RunOverrides& overrides, Settings& settings) {
     if (overrides.font && std::wstring_view(settings.fontName) == overrides.usedFont)
         SafeCopyW(settings.fontName, overrides.storedFont);
 }
+
+void EndChangedOverrides(RunOverrides& overrides, const Settings& settings) {
+    if (settings.activeCompiler != overrides.usedCompiler) overrides.compiler = false;
+    if (settings.fontSize != overrides.usedFontSize) overrides.fontSize = false;
+    if (std::wstring_view(settings.fontName) != overrides.usedFont) overrides.font = false;
+}

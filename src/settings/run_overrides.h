@@ -18,3 +18,6 @@ void OverrideFontSize(RunOverrides& overrides, Settings& settings, std::int32_t 
 
 // Gives `settings`, a copy that is about to be stored, back the values that were only for this run.
 void RestoreStored(const RunOverrides& overrides, Settings& settings);
+
+// Ends the overrides of values that are others now: from here on the setting is the user's own.
+void EndChangedOverrides(RunOverrides& overrides, const Settings& settings);

@@ -12,6 +12,7 @@ SettingsEdit::SettingsEdit() {
 
 SettingsEdit::~SettingsEdit() {
     --g_edits;
-    if (before_ != nullptr && std::memcmp(before_.get(), &g_settings, sizeof(Settings)) != 0)
-        g_events.settingsChanged(*before_);
+    if (before_ == nullptr || std::memcmp(before_.get(), &g_settings, sizeof(Settings)) == 0) return;
+    EndChangedOverrides(g_overrides, g_settings);
+    g_events.settingsChanged(*before_);
 }

@@ -1,44 +1,34 @@
 #include "settings/settings_effects.h"
 
+#include "settings/settings_schema.h"
+
+#include <algorithm>
 #include <cwchar>
-#include <span>
 
 namespace {
 
-using Number = std::int32_t Settings::*;
-
-constexpr Number kEditorNumbers[] = {
-    &Settings::fontSize,         &Settings::showWhitespace, &Settings::wordWrap,         &Settings::editorZoom,
-    &Settings::tabWidth,         &Settings::useTabs,        &Settings::showLineNumbers,  &Settings::edgeColumn,
-    &Settings::showIndentGuides, &Settings::showEdgeLine,   &Settings::showChangeMargin, &Settings::enableVirtualSpace,
-};
-constexpr Number kLookNumbers[] = {&Settings::theme, &Settings::editorStylePreset};
-constexpr Number kLayoutNumbers[] = {
-    &Settings::showToolbar,   &Settings::showStatusbar,   &Settings::showTerminal,    &Settings::showErrorList,
-    &Settings::showAiSidebar, &Settings::aiSidebarWidth,  &Settings::showProjectTree, &Settings::projectTreeWidth,
-    &Settings::splitter,      &Settings::errorListHeight,
-};
-
-bool AnyDiffers(std::span<const Number> fields, const Settings& a, const Settings& b) {
-    for (const Number field : fields)
-        if (a.*field != b.*field) return true;
-    return false;
-}
-
-bool ColoursDiffer(const Settings& a, const Settings& b) {
-    for (int i = 0; i < kColorOverrides; ++i)
-        if (a.colors[i] != b.colors[i]) return true;
+bool Differs(const SettingRow& row, const Settings& a, const Settings& b) {
+    switch (row.type) {
+        case SettingType::Text: return std::wcscmp(SettingText(a, row), SettingText(b, row)) != 0;
+        case SettingType::Bool:
+        case SettingType::Int: return SettingNumber(a, row.offset) != SettingNumber(b, row.offset);
+        case SettingType::List: return false;  // lists are read when they are shown
+    }
     return false;
 }
 
 }  // namespace
 
-SettingsEffects SettingsEffectsOf(const Settings& before, const Settings& now) {
-    const bool look = AnyDiffers(kLookNumbers, before, now);
-    return {.editors = look || AnyDiffers(kEditorNumbers, before, now) || ColoursDiffer(before, now) ||
-                       std::wcscmp(before.fontName, now.fontName) != 0,
-            .frame = look || before.outputFontSize != now.outputFontSize ||
-                     std::wcscmp(before.outputFont, now.outputFont) != 0,
-            .layout = AnyDiffers(kLayoutNumbers, before, now),
-            .compiler = before.activeCompiler != now.activeCompiler};
+std::uint32_t SettingsEffectsOf(const Settings& before, const Settings& now) {
+    std::uint32_t effects = 0;
+    for (const SettingRow& row : SettingRows())
+        if (row.effects != 0 && Differs(row, before, now)) effects |= row.effects;
+    return effects;
+}
+
+std::uint32_t AutoSaveInterval(std::int32_t minutes) {
+    constexpr std::uint32_t kMinute = 60000;
+    constexpr std::uint32_t kLongestTimer = 0x7FFFFFFF;  // beyond it a timer comes round after some milliseconds
+    if (minutes <= 0) return 0;
+    return std::min(static_cast<std::uint32_t>(minutes), kLongestTimer / kMinute) * kMinute;
 }

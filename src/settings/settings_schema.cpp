@@ -2,6 +2,7 @@
 #include "settings/settings_schema.h"
 
 #include "base/path.h"
+#include "settings/compilers.h"
 
 #include <array>
 #include <cwchar>
@@ -16,28 +17,19 @@ using enum SettingGroup;
 constexpr wchar_t kOpenAiUrl[] = L"https://api.openai.com/v1/chat/completions";
 constexpr wchar_t kLmStudioUrl[] = L"http://localhost:1234/v1/chat/completions";
 
+// A row of which a change is seen at once.
+constexpr SettingRow Affects(unsigned effects, SettingRow row) {
+    row.effects = static_cast<std::uint16_t>(effects);
+    return row;
+}
+
 // --- The five compiler sections: the same seven keys, with defaults that differ.
 constexpr std::size_t kCompilerRows = 7;
 
-struct CompilerDefaults {
-    const wchar_t* flags;
-    std::size_t flagsCapacity;
-    const wchar_t* asmFlag;
-    const wchar_t* syntaxFlags;
-};
-constexpr CompilerDefaults kCompilerDefaults[kCompilerCount] = {
-    {L"", 512, L"", L""},
-    {L"", 512, L"--asm:{asm}", L""},
-    {L"", 1024, L"/ASMOUT: {asm}", L""},  // the blank belongs to it
-    {L"/L /Q", 512, L"/ASMOUT:{asm}", L"/Q"},
-    {L"", 512, L"--asm:{asm}", L""},
-};
-
 constexpr std::array<SettingRow, kCompilerRows> CompilerSection(std::uint32_t id) {
-    const wchar_t* const section = kCompilerSections[id];
+    const CompilerProfile& compiler = g_compilers[id];
+    const wchar_t* const section = compiler.section;
     const std::size_t base = offsetof(Settings, compilers) + id * sizeof(CompilerSettings);
-    const CompilerDefaults& defaults = kCompilerDefaults[id];
-    const bool late = id == kCompilerKvxa32 || id == kCompilerKeldorBasic;
     const auto text = [=](const wchar_t* key, std::size_t offset, std::size_t capacity, const wchar_t* value,
                           std::uint8_t flags = 0) {
         return SettingRow{.group = Compilers,
@@ -50,18 +42,20 @@ constexpr std::array<SettingRow, kCompilerRows> CompilerSection(std::uint32_t id
                           .flags = flags};
     };
     return {
-        text(L"Path", offsetof(CompilerSettings, path), kPathCapacity, L"", kSettingExeRelative),
-        text(L"Flags", offsetof(CompilerSettings, flags), defaults.flagsCapacity, defaults.flags),
+        Affects(kEffectCompiler,
+                text(L"Path", offsetof(CompilerSettings, path), kPathCapacity, L"", kSettingExeRelative)),
+        text(L"Flags", offsetof(CompilerSettings, flags), compiler.flagsCapacity, compiler.defaultFlags),
         text(L"IncludePath", offsetof(CompilerSettings, includePath), kPathCapacity, L""),
         SettingRow{.group = Compilers,
                    .section = section,
                    .key = L"RegisterExtension",
                    .type = Bool,
-                   .offset = base + offsetof(CompilerSettings, registerExtension)},
-        text(L"AsmFlag", offsetof(CompilerSettings, asmFlag), 64, defaults.asmFlag),
-        text(L"SyntaxFlags", offsetof(CompilerSettings, syntaxFlags), 512, defaults.syntaxFlags),
+                   .offset = base + offsetof(CompilerSettings, registerExtension),
+                   .effects = kEffectShell},
+        text(L"AsmFlag", offsetof(CompilerSettings, asmFlag), 64, compiler.asmFlag),
+        text(L"SyntaxFlags", offsetof(CompilerSettings, syntaxFlags), 512, compiler.defaultSyntaxFlags),
         text(L"Description", offsetof(CompilerSettings, description), 2048, L"",
-             static_cast<std::uint8_t>(late ? kSettingLateSave : 0)),
+             static_cast<std::uint8_t>(compiler.descriptionLast ? kSettingLateSave : 0)),
     };
 }
 
@@ -129,7 +123,8 @@ constexpr SettingRow ListRow(Place place, const wchar_t* key, std::size_t offset
 }
 
 constexpr SettingRow ColorRow(const wchar_t* key, std::size_t index) {
-    return IntRow(kColors, key, offsetof(Settings, colors) + index * sizeof(std::int32_t), 0, {}, kSettingLoadOnly);
+    return Affects(kEffectEditors, IntRow(kColors, key, offsetof(Settings, colors) + index * sizeof(std::int32_t), 0,
+                                          {}, kSettingLoadOnly));
 }
 
 constexpr SettingLimits Within(std::int32_t low, std::int32_t high) { return {low, high, low, high}; }
@@ -141,41 +136,42 @@ constexpr SettingLimits kSearchHistoryLimits = {.high = kSearchHistoryCapacity, 
 #define FIELD(name) offsetof(Settings, name)
 constexpr SettingRow kOtherRows[] = {
     TextRow(kEditor, L"IncludePath", FIELD(includePath), kPathCapacity, L""),
-    TextRow(kEditor, L"Font", FIELD(fontName), 64, L"Segoe UI"),
-    IntRow(kEditor, L"FontSize", FIELD(fontSize), 12, Within(6, 72), kSettingLateClamp),
-    BoolRow(kEditor, L"ShowWhitespace", FIELD(showWhitespace), 0),
-    BoolRow(kEditor, L"WordWrap", FIELD(wordWrap), 0),
-    IntRow(kEditor, L"EditorZoom", FIELD(editorZoom), 0),
-    IntRow(kEditor, L"EditorStylePreset", FIELD(editorStylePreset), 0, Else(0, 5, 0)),
-    IntRow(kEditor, L"ActiveCompiler", FIELD(activeCompiler), kDefaultCompiler,
-           Else(0, kCompilerCount - 1, kDefaultCompiler)),
-    IntRow(kEditor, L"Theme", FIELD(theme), 0),
-    IntRow(kEditor, L"TabWidth", FIELD(tabWidth), 4),
-    BoolRow(kEditor, L"UseTabs", FIELD(useTabs), 0),
-    BoolRow(kEditor, L"ShowLineNumbers", FIELD(showLineNumbers), 1),
-    IntRow(kEditor, L"EdgeColumn", FIELD(edgeColumn), 100),
-    BoolRow(kEditor, L"ShowToolbar", FIELD(showToolbar), 1),
-    BoolRow(kEditor, L"ShowStatusbar", FIELD(showStatusbar), 1),
-    BoolRow(kSideBar, L"ShowAISidebar", FIELD(showAiSidebar), 0),
-    IntRow(kSideBar, L"AISidebarWidth", FIELD(aiSidebarWidth), 300, Within(150, 600)),
-    TextRow(kProject, L"Root", FIELD(projectRoot), kPathCapacity, L""),
-    BoolRow(kProject, L"ShowProjectTree", FIELD(showProjectTree), 0),
-    IntRow(kProject, L"ProjectTreeWidth", FIELD(projectTreeWidth), 200, Within(100, 200)),
-    TextRow(kEditor, L"OutputFont", FIELD(outputFont), 64, L"Consolas"),
-    IntRow(kEditor, L"OutputFontSize", FIELD(outputFontSize), 9),
+    Affects(kEffectEditors, TextRow(kEditor, L"Font", FIELD(fontName), 64, L"Segoe UI")),
+    Affects(kEffectEditors, IntRow(kEditor, L"FontSize", FIELD(fontSize), 12, Within(6, 72), kSettingLateClamp)),
+    Affects(kEffectEditors, BoolRow(kEditor, L"ShowWhitespace", FIELD(showWhitespace), 0)),
+    Affects(kEffectEditors, BoolRow(kEditor, L"WordWrap", FIELD(wordWrap), 0)),
+    Affects(kEffectEditors, IntRow(kEditor, L"EditorZoom", FIELD(editorZoom), 0)),
+    Affects(kEffectEditors | kEffectFrame,
+            IntRow(kEditor, L"EditorStylePreset", FIELD(editorStylePreset), 0, Else(0, 5, 0))),
+    Affects(kEffectCompiler, IntRow(kEditor, L"ActiveCompiler", FIELD(activeCompiler), kDefaultCompiler,
+                                    Else(0, kCompilerCount - 1, kDefaultCompiler))),
+    Affects(kEffectEditors | kEffectFrame, IntRow(kEditor, L"Theme", FIELD(theme), 0)),
+    Affects(kEffectEditors, IntRow(kEditor, L"TabWidth", FIELD(tabWidth), 4)),
+    Affects(kEffectEditors, BoolRow(kEditor, L"UseTabs", FIELD(useTabs), 0)),
+    Affects(kEffectEditors, BoolRow(kEditor, L"ShowLineNumbers", FIELD(showLineNumbers), 1)),
+    Affects(kEffectEditors, IntRow(kEditor, L"EdgeColumn", FIELD(edgeColumn), 100)),
+    Affects(kEffectLayout, BoolRow(kEditor, L"ShowToolbar", FIELD(showToolbar), 1)),
+    Affects(kEffectLayout, BoolRow(kEditor, L"ShowStatusbar", FIELD(showStatusbar), 1)),
+    Affects(kEffectLayout, BoolRow(kSideBar, L"ShowAISidebar", FIELD(showAiSidebar), 0)),
+    Affects(kEffectLayout, IntRow(kSideBar, L"AISidebarWidth", FIELD(aiSidebarWidth), 300, Within(150, 600))),
+    Affects(kEffectProject, TextRow(kProject, L"Root", FIELD(projectRoot), kPathCapacity, L"")),
+    Affects(kEffectLayout, BoolRow(kProject, L"ShowProjectTree", FIELD(showProjectTree), 0)),
+    Affects(kEffectLayout, IntRow(kProject, L"ProjectTreeWidth", FIELD(projectTreeWidth), 200, Within(100, 200))),
+    Affects(kEffectFrame, TextRow(kEditor, L"OutputFont", FIELD(outputFont), 64, L"Consolas")),
+    Affects(kEffectFrame, IntRow(kEditor, L"OutputFontSize", FIELD(outputFontSize), 9)),
     BoolRow(kEditor, L"RestoreLastSession", FIELD(restoreLastSession), 1),
     BoolRow(kEditor, L"BuildOnSave", FIELD(buildOnSave), 0),
-    IntRow(kEditor, L"AutoSaveInterval", FIELD(autoSaveInterval), 0),
+    Affects(kEffectTimers, IntRow(kEditor, L"AutoSaveInterval", FIELD(autoSaveInterval), 0)),
     BoolRow(kEditor, L"EnableAutoComplete", FIELD(enableAutoComplete), 1),
     IntRow(kEditor, L"AutoCompleteTrigger", FIELD(autoCompleteTrigger), 2, {1, 10, 2, 10}),
     BoolRow(kEditor, L"AutoUpperKeywords", FIELD(autoUpperKeywords), 1),
-    BoolRow(kEditor, L"ShowIndentGuides", FIELD(showIndentGuides), 0),
-    BoolRow(kEditor, L"ShowTerminal", FIELD(showTerminal), 0),
-    BoolRow(kEditor, L"ShowEdgeLine", FIELD(showEdgeLine), 0),
-    BoolRow(kEditor, L"ShowChangeMargin", FIELD(showChangeMargin), 0),
-    BoolRow(kEditor, L"EnableVirtualSpace", FIELD(enableVirtualSpace), 0),
-    BoolRow(kEditor, L"ShowErrorList", FIELD(showErrorList), 0, kSettingLoadOnly),
-    IntRow(kEditor, L"ErrorListHeight", FIELD(errorListHeight), 150, {}, kSettingLoadOnly),
+    Affects(kEffectEditors, BoolRow(kEditor, L"ShowIndentGuides", FIELD(showIndentGuides), 0)),
+    Affects(kEffectLayout, BoolRow(kEditor, L"ShowTerminal", FIELD(showTerminal), 0)),
+    Affects(kEffectEditors, BoolRow(kEditor, L"ShowEdgeLine", FIELD(showEdgeLine), 0)),
+    Affects(kEffectEditors, BoolRow(kEditor, L"ShowChangeMargin", FIELD(showChangeMargin), 0)),
+    Affects(kEffectEditors, BoolRow(kEditor, L"EnableVirtualSpace", FIELD(enableVirtualSpace), 0)),
+    Affects(kEffectLayout, BoolRow(kEditor, L"ShowErrorList", FIELD(showErrorList), 0, kSettingLoadOnly)),
+    Affects(kEffectLayout, IntRow(kEditor, L"ErrorListHeight", FIELD(errorListHeight), 150, {}, kSettingLoadOnly)),
     ColorRow(L"Keyword", 0),
     ColorRow(L"String", 1),
     ColorRow(L"Comment", 2),
@@ -208,8 +204,8 @@ constexpr SettingRow kOtherRows[] = {
     IntRow(kRecent, L"Count", FIELD(mruCount), 0, Within(0, kMruCapacity)),
     ListRow(kRecent, L"File%d", FIELD(mruFiles), FIELD(mruCount), kMruCapacity, kPathCapacity),
 
-    IntRow(kWindow, L"Splitter", FIELD(splitter), 400),
-    BoolRow(kClosing, L"AutoSaveEnabled", FIELD(autoSaveEnabled), 1),
+    Affects(kEffectLayout, IntRow(kWindow, L"Splitter", FIELD(splitter), 400)),
+    Affects(kEffectTimers, BoolRow(kClosing, L"AutoSaveEnabled", FIELD(autoSaveEnabled), 1)),
 };
 #undef FIELD
 
@@ -296,7 +292,7 @@ void SettingsReset(Settings& settings) {
 void FillEmptyDescriptions(Settings& settings) {
     for (std::uint32_t id = 0; id < kCompilerCount; ++id)
         if (settings.compilers[id].description[0] == L'\0')
-            SafeCopyW(settings.compilers[id].description, DefaultCompilerDescription(id));
+            SafeCopyW(settings.compilers[id].description, g_compilers[id].description);
 }
 
 void UpdateAssistantEnabled(Settings& settings) {

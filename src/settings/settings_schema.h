@@ -3,6 +3,7 @@
 #pragma once
 
 #include "settings/settings.h"
+#include "settings/settings_effects.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -58,19 +59,11 @@ struct SettingRow {
     std::size_t countOffset = 0;  // List: of the field that holds the count
     std::int32_t rows = 0;        // List: capacity
     std::size_t rowCapacity = 0;  // List: characters of one row in Settings
+    std::uint16_t effects = 0;    // SettingEffect bits: what a change of it means for what is shown
 };
 
 // In the order of the file's sections and keys.
 std::span<const SettingRow> SettingRows();
-
-// The section names by compiler id, and the order in which the sections are written and read.
-inline constexpr const wchar_t* kCompilerSections[kCompilerCount] = {L"KVXA64", L"KVXB64", L"KVXA32", L"KELDORBASIC",
-                                                                     L"KVXC64"};
-inline constexpr std::uint32_t kCompilerSectionOrder[kCompilerCount] = {
-    kCompilerKvxa64, kCompilerKvxb64, kCompilerKvxa32, kCompilerKvxc64, kCompilerKeldorBasic};
-
-// Built-in description of a compiler, multi-line; empty for those that have none.
-const wchar_t* DefaultCompilerDescription(std::uint32_t id);
 
 std::int32_t ApplyLimits(const SettingLimits& limits, std::int32_t value);
 

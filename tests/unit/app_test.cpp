@@ -1,6 +1,7 @@
-// Command line, pane arithmetic and window placement.
+// Command line, start, pane arithmetic and window placement.
 #include "app/command_line.h"
 #include "app/layout.h"
+#include "app/startup_rules.h"
 
 #include <gtest/gtest.h>
 
@@ -49,6 +50,28 @@ TEST(CommandLine, EarlyPassFindsTheSelfTests) {
     EXPECT_FALSE(early({L"--selftest"}).selftestTabs);
     EXPECT_EQ(early({L"--test", std::wstring(100, L'm')}).testModule.size(), 63U);
     EXPECT_FALSE(early({L"--test"}).testMode);
+}
+
+TEST(Startup, OpensTheFirstThingThatThereIs) {
+    // What each step leaves open is said by its letter in `opens`: s, w, r.
+    const auto run = [](const char* opens, bool atOnce, bool restore) {
+        std::string path;
+        bool any = atOnce;
+        const std::string_view open = opens;
+        for (StartupStep step = StartupStep::OfferSession; step != StartupStep::Done;) {
+            const char letter = "swrn"[static_cast<int>(step)];
+            path += letter;
+            any = any || letter == 'n' || open.find(letter) != std::string_view::npos;
+            step = StartupStepAfter(step, any, restore);
+        }
+        return path;
+    };
+    EXPECT_EQ(run("", true, true), "s") << "files of the command line: the session is offered, and nothing else";
+    EXPECT_EQ(run("s", false, true), "s");
+    EXPECT_EQ(run("w", false, true), "sw");
+    EXPECT_EQ(run("r", false, true), "swr");
+    EXPECT_EQ(run("", false, true), "swrn");
+    EXPECT_EQ(run("wr", false, false), "sn") << "without the option neither workspace nor recent files";
 }
 
 LayoutInput InputOf(int width, int height, unsigned panes, int dpi) {

@@ -5,8 +5,8 @@
 #include "disasm/listing_text.h"
 #include "disasm/renderer.h"
 #include "program/visible_text.h"
+#include "support/golden_file.h"
 #include "support/pe_bytes.h"
-#include "support/temp_files.h"
 
 #include <gtest/gtest.h>
 
@@ -21,17 +21,6 @@ using pe_bytes::Build;
 using pe_bytes::Bytes;
 using pe_bytes::PutNumber;
 using pe_bytes::PutText;
-
-// Expected texts are files with LF; the rendered one is left beside a file that differs, to be looked at and taken.
-void ExpectGolden(const std::string& name, std::string text) {
-    std::erase(text, '\r');
-    const std::string path = std::string(KVX_TESTS_DIR) + "/golden/" + name;
-    std::string expected = ReadBytes(path);
-    std::erase(expected, '\r');
-    if (text == expected) return;
-    WriteBytes(path + ".new", text);
-    ADD_FAILURE() << name << " is not as expected; see " << path << ".new";
-}
 
 std::string Rendered(DisasmProgram program, std::size_t budget = 1000) {
     const DisasmRendererPtr renderer = DisasmRendererNew(std::move(program));
@@ -366,7 +355,7 @@ TEST(Listing, NoLineIsLost) {
 }
 
 TEST(Listing, ACompilersListingLooksAsExpected) {
-    const std::string listing = ReadBytes(std::string(KVX_TESTS_DIR) + "/golden/listing.asm");
+    const std::string listing = GoldenText("listing.asm");
     ASSERT_FALSE(listing.empty());
     ExpectGolden("listing.txt", RenderedListing(listing));
     EXPECT_EQ(RenderedListing(listing, 1), RenderedListing(listing));

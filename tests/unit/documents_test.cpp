@@ -1,5 +1,4 @@
 // Recent lists, the open dialog's first folder, the go-to-line target, source file names.
-#include "documents/file_filters.h"
 #include "documents/open_directory.h"
 #include "documents/recent_files.h"
 
@@ -99,13 +98,6 @@ TEST(GotoLine, ColumnStaysOnTheLine) {
     EXPECT_EQ(GotoLinePosition(100, 120, 500), 120);
     EXPECT_EQ(GotoLinePosition(100, 120, -3), 100);
     EXPECT_EQ(GotoLinePosition(100, 100, 1), 100);
-}
-
-TEST(FileFilters, KnowsSourceNames) {
-    for (const wchar_t* name : {L"a.bas", L"A.BAS", L"x.y.pbi", L"f.s", L"x.b64"})
-        EXPECT_TRUE(IsSourceFileName(name)) << name;
-    for (const wchar_t* name : {L"bas", L"a.ba", L"a.bas.bak", L"a.", L"", L"a.sx", L"a.txt"})
-        EXPECT_FALSE(IsSourceFileName(name)) << name;
 }
 
 }  // namespace

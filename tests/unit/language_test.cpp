@@ -2,6 +2,8 @@
 #include "language/format.h"
 #include "language/inline_regions.h"
 #include "language/lexer_table.h"
+#include "settings/compilers.h"
+#include "support/golden_file.h"
 #include "ui/theme_table.h"
 
 #include <gtest/gtest.h>
@@ -135,6 +137,23 @@ TEST(Lexer, KeywordSetsAreCleanAndDistinct) {
     EXPECT_FALSE(IsBasicKeyword(""));
 }
 
+// A word that moves to another set gets another colour.
+TEST(Lexer, KeywordsOfEveryLanguageAndDialect) {
+    std::string text;
+    const auto add = [&text](const std::string& name, Language language, std::uint32_t compiler, int first, int last) {
+        for (int set = first; set <= last; ++set)
+            text += name + " " + std::to_string(set) + ": " + LexerKeywords(language, compiler, set) + "\n";
+    };
+    add("BASIC", Language::Basic, 0, 0, 2);
+    for (const CompilerProfile& compiler : g_compilers) {
+        const std::wstring name = compiler.name;
+        add({name.begin(), name.end()}, Language::Basic, compiler.id, 3, 3);
+    }
+    add("C", Language::C, 0, 0, 1);
+    add("assembly", Language::Assembly, 0, 0, kKeywordSets - 1);
+    ExpectGolden("keywords.txt", text);
+}
+
 TEST(InlineAssembly, IsFoundLineByLineAndInBlocks) {
     const std::string text =
         "x = 1\r\n  ! mov eax, 1\r\nasm push ebx\n\tASM ' from here\n  pop ebx\n\n end  asm\n"
@@ -200,6 +219,12 @@ TEST(Format, FollowsTheBlocks) {
         EXPECT_EQ(once, test.out) << test.name;
         EXPECT_EQ(FormatBasicSource(once, {}), once) << test.name << ": a second time";
     }
+}
+
+TEST(Format, AWholeProgram) {
+    const std::string once = FormatBasicSource(GoldenText("format_before.bas"), {});
+    ExpectGolden("format_after.bas", once);
+    EXPECT_EQ(FormatBasicSource(once, {}), once) << "a second time";
 }
 
 TEST(Format, HonoursItsOptions) {

@@ -2,24 +2,13 @@
 #include "harness.h"
 
 #include <array>
+#include <memory>
 
+#include "app/command_line.h"
+#include "app/detect_report.h"
 #include "resources/ids.h"
 
 namespace {
-
-constexpr wchar_t kHelp[] =
-    L"VQ Unified Editor v0.2.0\n\nUsage: KVX-Editor.exe [options]\n\nOptions:\n  --open <file>          Open file on "
-    L"startup\n  --compiler <name>      Set compiler (keldorbasic, kvxa32, kvxa64, kvxb64, kvxc64)\n  --font <name>  "
-    L"        Set editor font\n  --fontsize <n>         Set font size (6-72)\n  --detect               Test compiler "
-    L"auto-detect, show results, exit\n  --selftest             Test Scintilla mouse-click processing, exit\n  "
-    L"--selftest-tabs        Test real tab switching and Scintilla mouse selection, exit\n  --selftest-editor-all  "
-    L"Test tab close, editing, KVXB64 build, and debug command guards, exit\n  --selftest-toolbar     Test debug "
-    L"toolbar icons and compiler button order, exit\n  --selftest-compilers   Test editor build path for all "
-    L"configured compilers, exit\n  --selftest-exit        Test File > Exit command closes the main window, exit\n  "
-    L"--selftest-kb-debug    Test KeldorBasic /D PBD single-step debugging, exit\n  --selftest-kvxb64-debug Test "
-    L"KVXB64 DOUBLE IF/ELSE single-step debugging, exit\n  --log                  Enable verbose logging to "
-    L"Editor_Detect.log\n  --help, -h             Show this help\n\nAll features are also accessible via GUI "
-    L"menu/toolbar.";
 
 constexpr UINT kStyleGetSize = 2485, kStyleGetFont = 2486, kGetStyleAt = 2010;
 constexpr WPARAM kDefaultStyle = 32;
@@ -120,7 +109,7 @@ TEST(Startup, OptionsOfTheCommandLineFromLeftToRight) {
                       missing + L"\" --open \"" + forward +
                       L"\" --compiler kvxc64 --compiler Kvxa64 --font \"Courier New\" --fontsize",
                   Until::Started);
-    editor.Answer(L"Editor Help", kHelp, IDOK);
+    editor.Answer(L"Editor Help", CommandLineHelp(), IDOK);
     editor.Answer(L"KVXE - Unified Compiler Editor", L"Failed to open file: " + missing, IDOK);
     ASSERT_TRUE(editor.AwaitReady()) << "the help box must not end the program";
 
@@ -150,30 +139,29 @@ TEST(Startup, DetectReportsAndLeaves) {
     struct Case {
         const char* name;
         unsigned furnishing;
-        std::array<const wchar_t*, 5> paths;  // KeldorBasic, KVXA32, KVXA64, KVXB64, KVXC64
-        const wchar_t* found;
+        std::array<const wchar_t*, kCompilerCount> paths;  // by id
+        int found;
     };
     const Case cases[] = {
         {"five compilers",
          kCompilers,
-         {L"KELDORRBASIC\\KeldorrBASIC.exe", L"KVXA32\\KVXA32.exe", L"KVXA64\\kvxa64.exe", L"KVXB64\\KVXB64.exe",
+         {L"KVXA64\\kvxa64.exe", L"KVXB64\\KVXB64.exe", L"KVXA32\\KVXA32.exe", L"KELDORRBASIC\\KeldorrBASIC.exe",
           L"KVXC64\\KVXC64.exe"},
-         L"5"},
-        {"none", kBare, {nullptr, nullptr, nullptr, nullptr, nullptr}, L"0"},
+         5},
+        {"none", kBare, {}, 0},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         ProgramFolder folder(c.furnishing);
         Editor editor(folder, L"--detect --open ignored.bas", Until::Started);
-        static constexpr const wchar_t* kNames[] = {L"KeldorBasic", L"KVXA32", L"KVXA64", L"KVXB64", L"KVXC64"};
-        std::wstring text = L"Compiler Auto-Detect Results\n================================\n\n";
-        for (std::size_t i = 0; i < c.paths.size(); ++i)
-            text += std::wstring(kNames[i]) + L": " + (c.paths[i] ? folder.File(c.paths[i]) : L"(not found)") + L"\n\n";
-        editor.Answer(L"KVX-Editor Detect", text + L"Found: " + c.found + L"/5\n\nLog file: Editor_Detect.log", IDOK);
+        const auto settings = std::make_unique<Settings>();
+        for (std::size_t id = 0; id < c.paths.size(); ++id)
+            if (c.paths[id] != nullptr) SafeCopyW(settings->compilers[id].path, folder.File(c.paths[id]));
+        editor.Answer(L"KVX-Editor Detect", DetectReportText(*settings, c.found), IDOK);
         EXPECT_EQ(editor.ExitCode(), 0u);
         ExpectLog(editor.Log(), {L"=== KVX-Editor Compiler Auto-Detect ===",
                                  L"EXE path:  " + folder.File(L"KVX-Editor.exe"), L"=== Auto-Detect Compilers ===",
-                                 L"=== Summary: " + std::wstring(c.found) + L"/5 compilers found ==="});
+                                 L"=== Summary: " + std::to_wstring(c.found) + L"/5 compilers found ==="});
         EXPECT_FALSE(Exists(folder.File(L"Editor.ini_autosave.kvxsess"))) << "nothing is saved on this way out";
     }
 }

@@ -1,0 +1,38 @@
+// Shows and starts anew what a change of settings affects. UI thread only.
+#include "app/main_window.h"
+
+#include "app/app_state.h"
+#include "commands/toolbar.h"
+#include "documents/editor_pane.h"
+#include "resources/ids.h"
+#include "session/project_tree.h"
+#include "settings/file_types.h"
+#include "settings/settings_effects.h"
+
+static void SetTimerOrStop(HWND window, UINT_PTR timer, UINT interval) {
+    if (interval > 0)
+        SetTimer(window, timer, interval, nullptr);
+    else
+        KillTimer(window, timer);
+}
+
+void MainWnd_ApplyTimers(HWND window) {
+    constexpr UINT kSessionInterval = 300000;  // ms
+    SetTimerOrStop(window, TIMER_AUTO_SAVE, AutoSaveInterval(g_app.settings.autoSaveInterval));
+    SetTimerOrStop(window, TIMER_SESSION, g_app.settings.autoSaveEnabled != 0 ? kSessionInterval : 0);
+}
+
+void MainWnd_OnSettingsChanged(const Settings& before) {
+    const std::uint32_t effects = SettingsEffectsOf(before, g_app.settings);
+    if ((effects & kEffectEditors) != 0) SettingsApplyToEditor();
+    if ((effects & kEffectFrame) != 0) MainWnd_ApplyTheme();
+    if ((effects & kEffectCompiler) != 0) MainWindow_UpdateCompilerSelection();
+    if ((effects & kEffectTimers) != 0) MainWnd_ApplyTimers(g_app.hMainWnd);
+    if ((effects & kEffectShell) != 0) RegisterFileExtensions();
+    if ((effects & kEffectLayout) != 0) {
+        ToolbarUpdateAi();
+        MainWindow_Layout();
+    }
+    if ((effects & kEffectProject) != 0) ProjectTreePopulate();
+    MainWindow_RequestStateRefresh();
+}

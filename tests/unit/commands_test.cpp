@@ -1,0 +1,235 @@
+// The commands as the user meets them: menu, table and keys agree, and each command is possible and checked when it should
+// be. Reads src/resources/app.rc.
+#include "commands/command_table.h"
+#include "resources/ids.h"
+#include "settings/compilers.h"
+#include "support/golden_file.h"
+#include "ui/pane_id.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct MenuItem {
+    std::string text, key;  // "&Save", "Ctrl+S"
+    int command = 0;
+};
+
+struct Resources {
+    std::vector<MenuItem> items;
+    std::map<std::string, int> accelerators;  // "Ctrl+Shift+S" to its command
+    std::vector<std::string> faults;
+};
+
+std::map<std::string, int> Numbers() {
+    std::map<std::string, int> numbers;
+    std::istringstream lines(ReadBytes(std::string(KVX_ROOT_DIR) + "/src/resources/ids.h"));
+    const std::regex define(R"(^#define (IDM_\w+) (\d+))");
+    std::smatch found;
+    for (std::string line; std::getline(lines, line);)
+        if (std::regex_search(line, found, define)) numbers[found[1]] = std::stoi(found[2]);
+    return numbers;
+}
+
+// "VK_F9, VIRTKEY, CONTROL, SHIFT" as the menu writes it.
+std::string KeyName(std::string key, const std::string& modifiers) {
+    if (key.starts_with("VK_")) key.erase(0, 3);
+    const auto has = [&modifiers](const char* word) { return modifiers.find(word) != std::string::npos; };
+    return std::string(has("CONTROL") ? "Ctrl+" : "") + (has("ALT") ? "Alt+" : "") + (has("SHIFT") ? "Shift+" : "") +
+           key;
+}
+
+Resources ReadResources() {
+    const std::map<std::string, int> numbers = Numbers();
+    Resources resources;
+    std::istringstream lines(ReadBytes(std::string(KVX_ROOT_DIR) + "/src/resources/app.rc"));
+    const std::regex item(R"rx(MENUITEM "([^"]*)", (\w+))rx");
+    const std::regex key(R"rx(^ *"?(\w+)"?, (IDM_\w+), VIRTKEY(.*))rx");
+    std::smatch found;
+    for (std::string line; std::getline(lines, line);) {
+        const bool isItem = std::regex_search(line, found, item);
+        if (!isItem && !std::regex_search(line, found, key)) continue;
+        const auto number = numbers.find(found[2]);
+        if (number == numbers.end()) {
+            resources.faults.push_back(found[2]);
+        } else if (isItem) {
+            const std::string text = found[1];
+            const std::size_t tab = text.find("\\t");
+            resources.items.push_back(
+                {text.substr(0, tab), tab == std::string::npos ? "" : text.substr(tab + 2), number->second});
+        } else if (!resources.accelerators.emplace(KeyName(found[1], found[3]), number->second).second) {
+            resources.faults.push_back("twice: " + line);
+        }
+    }
+    return resources;
+}
+
+std::string NameOfExtraKey(const ExtraKey& key) {
+    static const std::map<int, std::string> names = {{0x03, "Break"}, {0x09, "Tab"},  {0x25, "Left"},
+                                                     {0x27, "Right"}, {0x60, "Num0"}, {0x6B, "Num+"},
+                                                     {0x6D, "Num-"},  {0xBB, "+"},    {0xBD, "-"}};
+    const auto found = names.find(key.key);
+    std::string name = found != names.end() ? found->second : std::string(1, static_cast<char>(key.key));
+    if (key.key >= 0x70 && key.key <= 0x7B) name = "F" + std::to_string(key.key - 0x6F);
+    return std::string(key.control ? "Ctrl+" : "") + (key.alt ? "Alt+" : "") + (key.shift ? "Shift+" : "") + name;
+}
+
+// Both tables of keys.
+std::multimap<std::string, int> AllKeys(const Resources& resources) {
+    std::multimap<std::string, int> keys(resources.accelerators.begin(), resources.accelerators.end());
+    for (const ExtraKey& key : ExtraKeys()) keys.emplace(NameOfExtraKey(key), key.command);
+    return keys;
+}
+
+// What the menu shows beside a command and neither table has: the system's and the editing control's own keys, and F5,
+// which builds and runs when nothing is debugged.
+const std::set<std::string> kKeysOfOthers = {"Alt+F4", "Ctrl+Z", "Ctrl+Y", "Ctrl+X", "Ctrl+C", "Ctrl+V", "Ctrl+A"};
+
+struct Moment {
+    char letter;
+    std::uint32_t conditions;
+};
+constexpr std::uint32_t kText = kHasTab | kIdle | kNoSession;
+constexpr Moment kMoments[] = {
+    {'n', kIdle | kNoSession},  // no document
+    {'u', kText | kBasicSource},
+    {'e', kText | kBasicSource | kCanUndo | kCanRedo | kAnyModified},  // edited
+    {'s', kText | kBasicSource | kHasSelection},
+    {'f', kText | kHasFile},  // saved, and no BASIC
+    {'x', kText | kHasFile | kHasErrors},
+    {'b', kHasTab | kHasFile | kBuilding | kNoSession},
+    {'l', kHasTab | kHasFile | kIdle | kSession},  // a program is launched
+    {'p', kHasTab | kHasFile | kIdle | kSession | kProgramStopped},
+    {'r', kHasTab | kHasFile | kIdle | kSession | kProgramRunning},
+};
+
+struct Mark {
+    std::string name;
+    CommandView view;
+};
+std::vector<Mark> Marks() {
+    std::vector<Mark> marks;
+    const auto add = [&marks](const std::string& name, auto set) {
+        CommandView view;
+        view.theme = view.style = view.compiler = view.profile = -1;
+        set(view);
+        marks.push_back({name, view});
+    };
+    add(
+        "toolbar", [](CommandView& v) { v.toolbar = true; });
+    add(
+        "status bar", [](CommandView& v) { v.statusBar = true; });
+    add(
+        "output", [](CommandView& v) { v.panes = PaneBit(PaneId::Output); });
+    add(
+        "asm", [](CommandView& v) { v.panes = PaneBit(PaneId::Asm); });
+    add(
+        "debug pane", [](CommandView& v) { v.panes = PaneBit(PaneId::Debug); });
+    add(
+        "ai", [](CommandView& v) { v.panes = PaneBit(PaneId::Ai); });
+    add(
+        "whitespace", [](CommandView& v) { v.whitespace = true; });
+    add("wrap", [](CommandView& v) { v.wrap = true; });
+    for (int i = 0; i <= 5; ++i) {
+        const std::string number = std::to_string(i);
+        add(
+            "theme " + number, [i](CommandView& v) { v.theme = i; });
+        add(
+            "style " + number, [i](CommandView& v) { v.style = i; });
+        add(
+            "compiler " + number, [i](CommandView& v) { v.compiler = i; });
+        add("profile " + number, [i](CommandView& v) { v.profile = i; });
+    }
+    return marks;
+}
+
+std::string Described(const CommandRow& row, const Resources& resources) {
+    std::string text = std::to_string(row.id) + " ";
+    const auto item = std::ranges::find(resources.items, row.id, &MenuItem::command);
+    text += item != resources.items.end() ? item->text : "-";
+    text += " | ";
+    for (const Moment& moment : kMoments)
+        text += CommandStateOf(row.id, {.conditions = moment.conditions}).enabled ? moment.letter : '.';
+    text += " |";
+    // What is checked with nothing set would be checked always; the theme counts as dark from 1 on.
+    for (const Mark& mark : Marks()) {
+        if (mark.name.starts_with("theme") && mark.view.theme > 1) continue;
+        CommandView other = mark.view;
+        other.theme = mark.name.starts_with("theme") ? other.theme : 0;
+        CommandView none;
+        none.theme = 0;
+        none.style = none.compiler = none.profile = -1;
+        const bool checked = CommandStateOf(row.id, other).checked;
+        if (checked && (mark.name == "theme 0" || !CommandStateOf(row.id, none).checked)) text += " " + mark.name;
+    }
+    text += " |";
+    for (const auto& [key, command] : AllKeys(resources))
+        if (command == row.id) text += " " + key;
+    return text + "\n";
+}
+
+TEST(Commands, StatesMarksAndKeysOfEveryOne) {
+    const Resources resources = ReadResources();
+    std::string text =
+        "number, menu text | possible with: no document, untitled, edited, selection, file, errors (x), build, "
+        "launched, "
+        "stopped (p), running | checked by | keys\n";
+    for (const CommandRow& row : CommandTable()) text += Described(row, resources);
+    ExpectGolden("commands.txt", text);
+    EXPECT_FALSE(CommandStateOf(4711, {.conditions = ~0u}).enabled) << "no command";
+}
+
+TEST(Commands, MenuTableAndKeysAgree) {
+    const Resources resources = ReadResources();
+    ASSERT_GT(resources.items.size(), 50U);
+    ASSERT_GT(resources.accelerators.size(), 10U);
+    EXPECT_TRUE(resources.faults.empty()) << resources.faults.front();
+
+    std::set<int> inMenu;
+    for (const MenuItem& item : resources.items) {
+        EXPECT_TRUE(inMenu.insert(item.command).second) << item.text << " stands twice";
+        const CommandRow* row = FindCommand(item.command);
+        ASSERT_NE(row, nullptr) << item.text << " has no row";
+        EXPECT_EQ(row->place, CommandPlace::Menu) << item.text;
+    }
+    std::set<int> rows;
+    for (const CommandRow& row : CommandTable()) {
+        EXPECT_TRUE(rows.insert(row.id).second) << row.id << " has two rows";
+        EXPECT_EQ(inMenu.contains(row.id), row.place == CommandPlace::Menu) << row.id;
+    }
+
+    const std::multimap<std::string, int> keys = AllKeys(resources);
+    for (const auto& [key, command] : keys) {
+        EXPECT_NE(FindCommand(command), nullptr) << key << " leads nowhere";
+        EXPECT_EQ(keys.count(key), 1U) << key << " means two commands";
+        EXPECT_FALSE(kKeysOfOthers.contains(key)) << key;
+    }
+    for (const MenuItem& item : resources.items) {
+        if (item.key.empty() || kKeysOfOthers.contains(item.key)) continue;
+        const auto key = keys.find(item.key);
+        ASSERT_NE(key, keys.end()) << item.text << " shows " << item.key;
+        const int shown = item.command == IDM_DEBUG_START ? IDM_BUILD_RUN : item.command;
+        EXPECT_EQ(key->second, shown) << item.text << " shows " << item.key;
+    }
+}
+
+TEST(Commands, TheMenuNamesEachCompiler) {
+    const Resources resources = ReadResources();
+    auto item = std::ranges::find(resources.items, g_compilers[0].command, &MenuItem::command);
+    for (const CompilerProfile& compiler : g_compilers) {
+        ASSERT_NE(item, resources.items.end());
+        const std::wstring name = compiler.name;
+        EXPECT_EQ(item->text, "Use " + std::string(name.begin(), name.end()) + " Compiler");
+        EXPECT_EQ(item->command, compiler.command);
+        ++item;
+    }
+}
+
+}  // namespace
