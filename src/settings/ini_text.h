@@ -17,7 +17,7 @@ public:
     void AddText(std::wstring_view section, std::wstring_view key, std::wstring_view text);
     void AddNumber(std::wstring_view section, std::wstring_view key, int number);
 
-    // The file's bytes: UTF-16, little endian, behind the mark that makes the system's functions keep every character
+    // The file's bytes: UTF-16, little endian, after the mark that makes the system's functions keep every character
     // instead of the code page's only.
     std::string Bytes() const;
 

@@ -1,6 +1,8 @@
 // Values that survive the system's INI functions, and the lines those hand out. Pure; any thread.
 #include "settings/ini_value.h"
 
+#include "base/hex_digit.h"
+#include "base/hex_text.h"
 #include "base/path.h"
 
 namespace {
@@ -8,7 +10,7 @@ namespace {
 constexpr std::wstring_view kEscaped = L"[ESC]";
 
 // What the INI functions may take for a blank, here and on other implementations of them.
-bool IsBlank(wchar_t c) {
+bool IsIniBlank(wchar_t c) {
     const auto code = static_cast<unsigned>(c);
     return code <= 0x20 || code == 0x85 || code == 0xA0 || code == 0x1680 || (code >= 0x2000 && code <= 0x200A) ||
            code == 0x2028 || code == 0x2029 || code == 0x202F || code == 0x205F || code == 0x3000 || code == 0xFEFF;
@@ -23,33 +25,24 @@ bool NeedsEscape(std::wstring_view value) {
     return false;
 }
 
-int HexValue(wchar_t c) {
-    if (c >= L'0' && c <= L'9') return c - L'0';
-    return c >= L'A' && c <= L'F' ? c - L'A' + 10 : -1;
-}
-
-std::wstring Escape(std::wstring_view value) {
+std::wstring EscapeIni(std::wstring_view value) {
     std::wstring stored{kEscaped};
-    for (const wchar_t c : value) {
-        if (c == L'\\') {
+    for (const wchar_t c : value)
+        if (c == L'\\')
             stored += L"\\\\";
-        } else if (c == L'\r') {
+        else if (c == L'\r')
             stored += L"\\r";
-        } else if (c == L'\n') {
+        else if (c == L'\n')
             stored += L"\\n";
-        } else if (static_cast<unsigned>(c) < 0x20) {
-            stored += L"\\x";
-            stored += L"0123456789ABCDEF"[static_cast<unsigned>(c) >> 4U];
-            stored += L"0123456789ABCDEF"[static_cast<unsigned>(c) & 15U];
-        } else {
+        else if (static_cast<unsigned>(c) < 0x20)
+            stored += L"\\x" + HexText(static_cast<unsigned>(c), 2);
+        else
             stored += c;
-        }
-    }
     return stored;
 }
 
 // Someone may have edited the file: what is no escape sequence stays as it stands.
-std::wstring Unescape(std::wstring_view text) {
+std::wstring UnescapeIni(std::wstring_view text) {
     std::wstring value;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const wchar_t next = text[i] == L'\\' && i + 1 < text.size() ? text[i + 1] : L'\0';
@@ -75,10 +68,10 @@ std::wstring_view Trim(std::wstring_view text) {
 }  // namespace
 
 std::wstring EncodeIniValue(std::wstring_view value) {
-    std::wstring stored = NeedsEscape(value) ? Escape(value) : std::wstring{value};
+    std::wstring stored = NeedsEscape(value) ? EscapeIni(value) : std::wstring{value};
     if (stored.empty()) return stored;
     const bool quoted = stored.size() > 1 && IsQuote(stored.front()) && stored.front() == stored.back();
-    if (quoted || IsBlank(stored.front()) || IsBlank(stored.back())) {
+    if (quoted || IsIniBlank(stored.front()) || IsIniBlank(stored.back())) {
         stored.insert(stored.begin(), L'"');
         stored += L'"';
     }
@@ -86,7 +79,7 @@ std::wstring EncodeIniValue(std::wstring_view value) {
 }
 
 std::wstring DecodeIniValue(std::wstring_view stored) {
-    return stored.starts_with(kEscaped) ? Unescape(stored.substr(kEscaped.size())) : std::wstring{stored};
+    return stored.starts_with(kEscaped) ? UnescapeIni(stored.substr(kEscaped.size())) : std::wstring{stored};
 }
 
 IniLine FindIniLine(std::wstring_view lines, std::wstring_view key) {

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-// A value as it is written behind the "=", such that the system's INI functions, which drop blanks and quotes around a
+// A value as it is written after the "=", such that the system's INI functions, which drop blanks and quotes around a
 // value and end it at a line break, give it back unchanged. Values without any of these are written as they are; blanks
 // or a pair of quotes at the ends cost a pair of quotes around; line breaks and control characters turn the whole value
 // into an escaped one, told by its prefix "[ESC]" (\\, \r, \n, \xHH).

@@ -4,6 +4,7 @@
 #include "base/bounded_text.h"
 #include "base/handles.h"
 #include "base/hex_digit.h"
+#include "base/hex_text.h"
 #include "files/file_io.h"
 
 #include <dpapi.h>
@@ -52,10 +53,7 @@ bool EncryptString(const wchar_t* clearText, wchar_t* out, std::size_t capacity)
     const LocalBlock<BYTE> owner{sealed.pbData};
     if (done == FALSE || kPrefix.size() + 2 * static_cast<std::size_t>(sealed.cbData) + 1 > capacity) return false;
     std::wstring text{kPrefix};
-    for (DWORD i = 0; i < sealed.cbData; ++i) {
-        text += L"0123456789ABCDEF"[sealed.pbData[i] >> 4U];
-        text += L"0123456789ABCDEF"[sealed.pbData[i] & 15U];
-    }
+    for (DWORD i = 0; i < sealed.cbData; ++i) text += HexText(sealed.pbData[i], 2);
     return SafeCopyW(out, capacity, text);
 }
 

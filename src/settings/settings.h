@@ -21,6 +21,13 @@ struct CompilerSettings {
     std::int32_t registerExtension;      // bool: offer the editor in the shell for this compiler's sources
 };
 
+// The main window's place, as the settings keep it; the frame notes it whenever it changes.
+struct WindowPlace {
+    bool known = false;
+    int left = 0, top = 0, width = 0, height = 0;  // pixels, when neither maximised nor minimised
+    bool maximised = false;
+};
+
 struct Settings {
     CompilerSettings compilers[kCompilerCount];
 

@@ -6,13 +6,6 @@
 
 #include <memory>
 
-// The main window's place, as the settings keep it; the frame notes it whenever it changes.
-struct WindowPlace {
-    bool known = false;
-    int left = 0, top = 0, width = 0, height = 0;  // pixels, when neither maximised nor minimised
-    bool maximised = false;
-};
-
 struct SettingsState {
     Settings settings;       // what Editor.ini holds
     RunOverrides overrides;  // of them, what the command line set for this run only
@@ -24,7 +17,8 @@ extern RunOverrides& g_overrides;
 extern WindowPlace& g_windowPlace;
 
 // While one lives, code may change `g_settings`; at its end it tells what they were before (base/events.h) when one of them
-// is another now. Saves nothing. One in another tells nothing of its own.
+// is another now. Every change that a user can cause is made in one: menus, dialogs, dragging, recent files, a session, an
+// import. Saves nothing. One in another tells nothing of its own.
 class SettingsEdit {
 public:
     SettingsEdit();

@@ -11,10 +11,6 @@
 void GetIniPath(const wchar_t* overridePath, wchar_t* out, std::size_t capacity);
 void GetIniDir(const wchar_t* overridePath, wchar_t* out, std::size_t capacity);  // with its trailing backslash
 
-// Stored compiler paths to absolute ones and back, against the executable's folder. `in` and `out` may be the same.
-void ResolveExeRelative(const wchar_t* in, wchar_t* out, std::size_t capacity);
-void MakeExeRelativePath(const wchar_t* in, wchar_t* out, std::size_t capacity);
-
 // Text that the INI functions give back unchanged, whatever is in it (see EncodeIniValue). `defaultText` is taken when
 // the key is not there. False only on a failed write.
 void ReadIniText(const wchar_t* iniPath, const wchar_t* section, const wchar_t* key, const wchar_t* defaultText,
@@ -25,7 +21,8 @@ bool WriteIniText(const wchar_t* iniPath, const wchar_t* section, const wchar_t*
 void SessionMRULoad(const wchar_t* overridePath = nullptr);
 void SessionMRUSave(const wchar_t* overridePath = nullptr);
 
-// The settings dialog's operations. True on success; a failed import leaves file and record as they were.
+// The settings dialog's operations; until there is a dialog, nothing calls them. True on success; a failed import leaves file
+// and record as they were. Import and reset tell of what they changed.
 bool SettingsExport(const wchar_t* target);
 bool SettingsImport(const wchar_t* source);
 // Deletes the file and sets the record to its factory state.

@@ -1,6 +1,9 @@
-// Limits, defaults, stored values and paths of the settings.
+// Limits, defaults, effects, stored values and paths of the settings.
 #include "settings/ini_text.h"
 #include "settings/ini_value.h"
+#include "settings/run_overrides.h"
+#include "settings/settings_effects.h"
+#include "settings/settings_file.h"
 #include "settings/settings_schema.h"
 
 #include <gtest/gtest.h>
@@ -21,13 +24,32 @@ const SettingRow& Row(std::wstring_view section, std::wstring_view key) {
     return SettingRows().front();
 }
 
-// What the system's functions make of the text behind the "=".
+// What the system's functions make of the text after the "=".
 std::wstring AsRead(std::wstring text) {
     while (!text.empty() && (text.back() == L' ' || text.back() == L'\t')) text.pop_back();
     text.erase(0, text.find_first_not_of(L" \t"));
     if (text.size() > 1 && (text.front() == L'"' || text.front() == L'\'') && text.front() == text.back())
         text = text.substr(1, text.size() - 2);
     return text;
+}
+
+std::wstring Wide(const std::string& bytes) {
+    std::wstring text;
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
+        text += static_cast<wchar_t>(static_cast<unsigned char>(bytes[i]) |
+                                     (static_cast<unsigned>(static_cast<unsigned char>(bytes[i + 1])) << 8U));
+    return text;
+}
+
+// The stored value of a key in a file's text.
+std::wstring StoredIn(const std::wstring& file, const std::wstring& section, const std::wstring& key) {
+    const std::size_t start = file.find(L"[" + section + L"]\r\n");
+    if (start == std::wstring::npos) return L"(none)";
+    const std::wstring body = file.substr(start, file.find(L"\r\n[", start) - start) + L"\r\n";
+    const std::size_t line = body.find(L"\r\n" + key + L"=");
+    if (line == std::wstring::npos) return L"(none)";
+    const std::size_t from = line + key.size() + 3;
+    return body.substr(from, body.find(L"\r\n", from) - from);
 }
 
 }  // namespace
@@ -175,13 +197,7 @@ TEST(Settings, FileTextKeepsSectionsTogether) {
     ini.Add(L"A", L"x", L"1");
     ini.AddNumber(L"B", L"y", -5);
     ini.AddText(L"A", L"z", L" \u00E9");
-    const std::string bytes = ini.Bytes();
-    std::wstring text;
-    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-        text += static_cast<wchar_t>(static_cast<unsigned char>(bytes[i]) |
-                                     (static_cast<unsigned>(static_cast<unsigned char>(bytes[i + 1])) << 8U));
-    }
-    EXPECT_EQ(text, L"\uFEFF[A]\r\nx=1\r\nz=\" \u00E9\"\r\n[B]\r\ny=-5\r\n");
+    EXPECT_EQ(Wide(ini.Bytes()), L"\uFEFF[A]\r\nx=1\r\nz=\" \u00E9\"\r\n[B]\r\ny=-5\r\n");
 }
 
 TEST(Settings, PathsAgainstTheProgramsFolder) {
@@ -208,4 +224,141 @@ TEST(Settings, PathsAgainstTheProgramsFolder) {
     EXPECT_STREQ(path, L"k.exe");
     ResolveAgainstFolder(L"C:\\kvx\\", L"\\k.exe", path, 64);
     EXPECT_STREQ(path, L"C:\\kvx\\\\k.exe");
+}
+
+TEST(SettingsText, WhatIsComposedIsParsed) {
+    const auto settings = std::make_unique<Settings>();
+    const auto read = std::make_unique<Settings>();
+    SettingsDefaults(*settings);
+    SafeCopyW(settings->compilers[kCompilerKvxa64].path, L"C:\\kvx\\K\\k.exe");
+    SafeCopyW(settings->compilers[kCompilerKvxc64].path, L"C:\\kvx\\gone.exe");
+    SafeCopyW(settings->openAIKey, L"0123456789");
+    SafeCopyW(settings->lmStudioKey, L"whole key of another account");
+    settings->openAIEnabled = 1;
+    settings->fontSize = 500;
+    settings->mruCount = 2;
+    SafeCopyW(settings->mruFiles[1], L" b\r\n");
+    settings->sessionMruCount = 1;
+    SafeCopyW(settings->sessionMruFiles[0], L"s");
+
+    ForeignKeys foreign;
+    for (const SettingRow& row : SettingRows())
+        if (std::wstring_view(row.key) == L"LMStudioKey")
+            foreign[0] = {.row = &row, .stored = L"whole key of another account, longer than the record holds"};
+    const auto protect = [](const SettingRow&, const wchar_t* key, wchar_t* out, std::size_t capacity) {
+        return SafeCopyW(out, capacity, L"#" + std::wstring(key));
+    };
+    const std::wstring file = Wide(ComposeSettings(
+        *settings, foreign,
+        {.protect = protect, .programFolder = L"C:\\kvx\\", .windowPlace = {.known = true, .left = -3, .width = 9}}));
+    EXPECT_EQ(StoredIn(file, L"KVXA64", L"Path"), L"K\\k.exe");
+    EXPECT_EQ(StoredIn(file, L"AI", L"OpenAIKey"), L"#0123456789");
+    EXPECT_EQ(StoredIn(file, L"AI", L"LMStudioKey"), foreign[0].stored) << "not the part that the record holds";
+    EXPECT_EQ(StoredIn(file, L"Window", L"Left"), L"-3");
+    EXPECT_EQ(StoredIn(file, L"Session", L"MRU0"), L"s");
+    EXPECT_LT(file.find(L"[MRU]"), file.find(L"[Meta]")) << "the order of the sections";
+    // A description that comes last in its section, and one that does not.
+    EXPECT_LT(file.find(L"[KVXC64]"), file.find(L"[KELDORBASIC]"));
+
+    const SettingsSource source = {
+        .text =
+            [&](const wchar_t* section, const wchar_t* key, const wchar_t* value) {
+                const std::wstring stored = StoredIn(file, section, key);
+                return stored == L"(none)" ? std::wstring(value) : AsRead(stored);
+            },
+        .number =
+            [&](const wchar_t* section, const wchar_t* key, int value) {
+                int number = value;
+                ParsePlainNumber(StoredIn(file, section, key), &number);
+                return number;
+            },
+        .unprotect = [](const wchar_t* stored, wchar_t* out,
+                        std::size_t capacity) { return stored[0] == L'#' && SafeCopyW(out, capacity, stored + 1); },
+        .fileExists = [](const wchar_t* path) { return std::wstring_view(path) == L"C:\\kvx\\K\\k.exe"; },
+        .programFolder = L"C:\\kvx\\"};
+    ForeignKeys found;
+    ParseSettings(source, *read, found);
+    EXPECT_STREQ(read->compilers[kCompilerKvxa64].path, L"C:\\kvx\\K\\k.exe");
+    EXPECT_STREQ(read->compilers[kCompilerKvxc64].path, L"") << "a path to nothing";
+    EXPECT_STREQ(read->openAIKey, L"0123456789");
+    EXPECT_EQ(read->aiEnabled, 1) << "derived";
+    EXPECT_EQ(read->fontSize, 72);
+    EXPECT_STREQ(read->mruFiles[1], L" b\r\n");
+    EXPECT_EQ(read->mruCount, 2);
+    EXPECT_STREQ(read->compilers[kCompilerKvxb64].description, settings->compilers[kCompilerKvxb64].description);
+    // It fits into the record here: nothing of it need be kept beside.
+    EXPECT_EQ(found[0].row, nullptr);
+}
+
+TEST(SettingsText, ACutCopyIsTheBeginningOfTheWhole) {
+    EXPECT_TRUE(IsCutCopy("", "abc"));
+    EXPECT_TRUE(IsCutCopy("ab", "abc"));
+    EXPECT_TRUE(IsCutCopy(std::string_view("a\0\0", 3), "abc")) << "the length came before the bytes";
+    EXPECT_FALSE(IsCutCopy("ax", "abc"));
+    EXPECT_FALSE(IsCutCopy("abcd", "abc"));
+}
+
+TEST(SettingsEffects, FollowFromWhatDiffers) {
+    const struct {
+        const char* name;
+        void (*change)(Settings& settings);
+        std::uint32_t effects;
+    } cases[] = {
+        {"nothing", [](Settings&) {}, 0},
+        {"text after the end", [](Settings& s) { s.fontName[63] = L'x'; }, 0},
+        {"read when it is used", [](Settings& s) { s.backupOnSave = 1; }, 0},
+        {"recent file", [](Settings& s) { s.mruCount = 1; }, 0},
+        {"font", [](Settings& s) { s.fontName[0] = L'x'; }, kEffectEditors},
+        {"last colour", [](Settings& s) { s.colors[kColorOverrides - 1] = 1; }, kEffectEditors},
+        {"theme", [](Settings& s) { s.theme = 1; }, kEffectEditors | kEffectFrame},
+        {"output font", [](Settings& s) { s.outputFontSize = 30; }, kEffectFrame},
+        {"splitter", [](Settings& s) { s.splitter = 1; }, kEffectLayout},
+        {"compiler", [](Settings& s) { s.activeCompiler = 1; }, kEffectCompiler},
+        {"path of a compiler", [](Settings& s) { s.compilers[4].path[0] = L'x'; }, kEffectCompiler},
+        {"flags", [](Settings& s) { s.compilers[4].flags[0] = L'x'; }, 0},
+        {"shell", [](Settings& s) { s.compilers[1].registerExtension = 1; }, kEffectShell},
+        {"saving", [](Settings& s) { s.autoSaveInterval = 3; }, kEffectTimers},
+        {"session saving", [](Settings& s) { s.autoSaveEnabled = 0; }, kEffectTimers},
+        {"project", [](Settings& s) { s.projectRoot[0] = L'x'; }, kEffectProject},
+        {"two", [](Settings& s) { s.wordWrap = s.showToolbar = 2; }, kEffectEditors | kEffectLayout},
+    };
+    const auto before = std::make_unique<Settings>();
+    const auto now = std::make_unique<Settings>();
+    SettingsDefaults(*before);
+    for (const auto& test : cases) {
+        *now = *before;
+        test.change(*now);
+        EXPECT_EQ(SettingsEffectsOf(*before, *now), test.effects) << test.name;
+    }
+    EXPECT_EQ(AutoSaveInterval(0), 0U);
+    EXPECT_EQ(AutoSaveInterval(-5), 0U);
+    EXPECT_EQ(AutoSaveInterval(2), 120000U);
+    EXPECT_LE(AutoSaveInterval(2000000000), 0x7FFFFFFFU) << "no timer counts further";
+}
+
+TEST(RunOverrides, LastUntilTheSettingIsChanged) {
+    const auto settings = std::make_unique<Settings>();
+    const auto stored = std::make_unique<Settings>();
+    SettingsDefaults(*settings);
+    RunOverrides overrides;
+    OverrideCompiler(overrides, *settings, 1);
+    OverrideCompiler(overrides, *settings, 4);
+    OverrideFont(overrides, *settings, L"Tahoma");
+    OverrideFontSize(overrides, *settings, 30);
+    EndChangedOverrides(overrides, *settings);
+    const auto restored = [&]() -> const Settings& {
+        *stored = *settings;
+        RestoreStored(overrides, *stored);
+        return *stored;
+    };
+    EXPECT_EQ(restored().activeCompiler, 3);
+    EXPECT_EQ(restored().fontSize, 12);
+    EXPECT_STREQ(restored().fontName, L"Consolas");
+    // The user chooses another size, and then the one that the command line had given: now it is his.
+    for (const int points : {31, 30}) {
+        settings->fontSize = points;
+        EndChangedOverrides(overrides, *settings);
+    }
+    EXPECT_EQ(restored().fontSize, 30);
+    EXPECT_EQ(restored().activeCompiler, 3);
 }

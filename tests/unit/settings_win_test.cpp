@@ -1,5 +1,6 @@
 // The settings file through the system's own INI functions, and secrets through its data protection.
 #include "app/app_state.h"
+#include "base/events.h"
 #include "base/handles.h"
 #include "base/path.h"
 #include "base/wide_format.h"
@@ -127,7 +128,9 @@ TEST_F(SettingsWin, ReadsWhatWasWrittenByHand) {
     ASSERT_TRUE(WriteFileUtf8(ini_.c_str(), kText.data(), kText.size()));
     Load();
     const Settings& settings = g_app.settings;
-    EXPECT_STREQ(settings.fontName, GetACP() == 1252 ? L"Caf\u00E9 Mono" : settings.fontName);
+    wchar_t inCodePage[32] = {};
+    MultiByteToWideChar(CP_ACP, 0, "Caf\xE9 Mono", -1, inCodePage, 32);
+    EXPECT_STREQ(settings.fontName, inCodePage);
     EXPECT_EQ(settings.fontSize, 6);
     EXPECT_EQ(settings.useTabs, 1);
     EXPECT_EQ(settings.showErrorList, 1);
@@ -148,25 +151,6 @@ TEST_F(SettingsWin, ReadsWhatWasWrittenByHand) {
     EXPECT_TRUE(Stored(L"AI", L"OpenAIKey").starts_with(L"[DPAPI]"));
     Load();
     EXPECT_STREQ(g_app.settings.openAIKey, L"sk-in-clear-text");
-}
-
-TEST_F(SettingsWin, CompilerPathsAreStoredRelativeToTheProgram) {
-    wchar_t executable[kPathCapacity];
-    GetModuleFileNameW(nullptr, executable, kPathCapacity);
-    wchar_t name[kPathCapacity];
-    PathGetFile(executable, name, kPathCapacity);
-    wchar_t outside[kPathCapacity];
-    GetSystemDirectoryW(outside, kPathCapacity);
-    SafeCatW(outside, L"\\cmd.exe");
-    SafeCopyW(g_app.settings.compilers[0].path, executable);
-    SafeCopyW(g_app.settings.compilers[4].path, outside);
-    Save();
-    EXPECT_EQ(Stored(L"KVXA64", L"Path"), name);
-    EXPECT_EQ(Stored(L"KVXC64", L"Path"), outside);
-    Load();
-    EXPECT_STREQ(g_app.settings.compilers[0].path, executable);
-    EXPECT_STREQ(g_app.settings.compilers[4].path, outside);
-    EXPECT_TRUE(CompilerExists(0) && CompilerExists(9) && !CompilerExists(1));
 }
 
 TEST_F(SettingsWin, AKeyOfAnotherAccountSurvivesASave) {
@@ -227,6 +211,36 @@ TEST_F(SettingsWin, AFileWrittenByHandIsNotAnInterruptedSave) {
     Load();
     EXPECT_EQ(g_app.settings.tabWidth, 5);
     EXPECT_TRUE(fs::remove(ini_ + L".tmp"));
+}
+
+TEST(SettingsEdit, TellsOnceOfWhatChangedAndEndsOverrides) {
+    static int told = 0;
+    static int sizeBefore = 0;
+    const Events saved = g_events;
+    g_events.settingsChanged = [](const Settings& before) {
+        ++told;
+        sizeBefore = before.fontSize;
+    };
+    SettingsDefaults(g_app.settings);
+    g_app.overrides = {};
+    SettingsChange([](Settings& settings) { settings.fontSize = 12; });
+    EXPECT_EQ(told, 0) << "nothing changed";
+    SettingsChange([](Settings& settings) { OverrideFontSize(g_app.overrides, settings, 20); });
+    EXPECT_EQ(told, 1);
+    EXPECT_TRUE(g_app.overrides.fontSize) << "the override itself does not end it";
+    {
+        const SettingsEdit outer;
+        SettingsChange([](Settings& settings) { settings.fontSize = 21; });
+        EXPECT_EQ(told, 1) << "not from within another";
+        g_app.settings.wordWrap = 1;
+    }
+    EXPECT_EQ(told, 2);
+    EXPECT_EQ(sizeBefore, 20);
+    EXPECT_FALSE(g_app.overrides.fontSize);
+    SettingsResetAll();
+    EXPECT_EQ(told, 3) << "a reset is shown as any other change";
+    g_events = saved;
+    SettingsDefaults(g_app.settings);
 }
 
 TEST(Secrets, OnlyWhatIsProtectedIsUnprotected) {
