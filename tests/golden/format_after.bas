@@ -1,4 +1,134 @@
-' Every block that the formatter knows and the cases of its unit test do not show.
+'=== procedure and block if
+FUNCTION PBMAIN() AS LONG
+    IF a THEN
+        b = 1
+    ELSE
+        b = 2
+    END IF
+END FUNCTION
+'=== one-line if opens nothing
+IF a THEN b = 1
+x = 2
+IF a THEN FOR i = 1 TO 2: NEXT
+x = 3
+'=== select
+SELECT CASE a
+    CASE 1
+        b
+    CASE ELSE
+        c
+END SELECT
+d
+'=== next closes two
+FOR i = 1 TO 2
+    FOR j = 1 TO 2
+        x
+NEXT j, i
+y
+'=== loops
+DO WHILE a
+    WHILE b
+        c
+    WEND
+LOOP UNTIL d
+e
+'=== try
+TRY
+    a
+CATCH
+    b
+FINALLY
+    c
+END TRY
+'=== a block whole on its line
+FOR i = 1 TO 3: x: NEXT
+y
+'=== continuation
+x = 1 + _
+    2 + _ ' more
+    3
+y
+'=== then on a continued line
+IF a AND _
+    b THEN
+    c
+END IF
+'=== strings and comments stay
+a = "if then  for" ' if then
+REM while  x
+'=== members and constants are no keywords
+a.type = %for + $end + b.name
+'=== result of the function
+FUNCTION f() AS LONG
+    FUNCTION = 1
+END FUNCTION
+'=== declarations open nothing
+DECLARE SUB a()
+EXIT FOR
+x
+'=== types
+TYPE pt
+    x AS LONG
+END TYPE
+UNION u
+    a AS LONG
+END UNION
+'=== macros
+MACRO two = 2
+MACRO m
+    x
+END MACRO
+y
+'=== class with a method
+CLASS c
+    INTERFACE i
+        CLASS METHOD m()
+            x
+        END METHOD
+    END INTERFACE
+END CLASS
+'=== a forgotten end does not shift the next procedure
+SUB a
+    IF b THEN
+        c
+SUB d
+    e
+END SUB
+'=== both branches of a condition
+#IF a
+SUB x(b)
+#ELSE
+SUB x(c)
+#ENDIF
+    d
+END SUB
+'=== inline assembly
+SUB a
+  ! mov  eax, for
+    ASM
+   push next
+    END ASM
+ asm  mov if, 1
+    x
+END SUB
+'=== data
+SUB a
+    DATA next, it's, for
+END SUB
+'=== labels stand out
+SUB a
+again:
+    GOTO again
+END SUB
+'=== unmatched ends
+END IF
+NEXT
+LOOP
+x
+'=== numbers and suffixes
+a& = &hFOR + 10if
+b$ = LEFT$(c$, 1)
+'=== a whole program
 #COMPILE exe
 #INCLUDE "part.inc"
 enum colours

@@ -1,4 +1,134 @@
-' Every block that the formatter knows and the cases of its unit test do not show.
+'=== procedure and block if
+function pbmain() as long
+if a then
+b = 1
+else
+  b = 2
+end if
+end function
+'=== one-line if opens nothing
+if a then b = 1
+x = 2
+if a then for i = 1 to 2: next
+x = 3
+'=== select
+select case a
+case 1
+b
+case else
+c
+end select
+d
+'=== next closes two
+for i = 1 to 2
+for j = 1 to 2
+x
+next j, i
+y
+'=== loops
+do while a
+while b
+c
+wend
+loop until d
+e
+'=== try
+try
+a
+catch
+b
+finally
+c
+end try
+'=== a block whole on its line
+for i = 1 to 3: x: next
+y
+'=== continuation
+x = 1 + _
+2 + _ ' more
+3
+y
+'=== then on a continued line
+if a and _
+b then
+c
+end if
+'=== strings and comments stay
+a = "if then  for" ' if then
+rem while  x
+'=== members and constants are no keywords
+a.type = %for + $end + b.name
+'=== result of the function
+function f() as long
+function = 1
+end function
+'=== declarations open nothing
+declare sub a()
+exit for
+x
+'=== types
+type pt
+x as long
+end type
+union u
+a as long
+end union
+'=== macros
+macro two = 2
+macro m
+x
+end macro
+y
+'=== class with a method
+class c
+interface i
+class method m()
+x
+end method
+end interface
+end class
+'=== a forgotten end does not shift the next procedure
+sub a
+if b then
+c
+sub d
+e
+end sub
+'=== both branches of a condition
+#if a
+sub x(b)
+#else
+sub x(c)
+#endif
+d
+end sub
+'=== inline assembly
+sub a
+  ! mov  eax, for
+asm
+   push next
+end asm
+ asm  mov if, 1
+x
+end sub
+'=== data
+sub a
+data next, it's, for
+end sub
+'=== labels stand out
+sub a
+again:
+goto again
+end sub
+'=== unmatched ends
+end if
+next
+loop
+x
+'=== numbers and suffixes
+a& = &hFOR + 10if
+b$ = left$(c$, 1)
+'=== a whole program
 #compile exe
 #include "part.inc"
 enum colours

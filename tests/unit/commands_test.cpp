@@ -2,12 +2,12 @@
 // be. Reads src/resources/app.rc.
 #include "commands/command_table.h"
 #include "resources/ids.h"
-#include "settings/compilers.h"
 #include "support/golden_file.h"
 #include "ui/pane_id.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <regex>
 #include <set>
@@ -217,18 +217,6 @@ TEST(Commands, MenuTableAndKeysAgree) {
         ASSERT_NE(key, keys.end()) << item.text << " shows " << item.key;
         const int shown = item.command == IDM_DEBUG_START ? IDM_BUILD_RUN : item.command;
         EXPECT_EQ(key->second, shown) << item.text << " shows " << item.key;
-    }
-}
-
-TEST(Commands, TheMenuNamesEachCompiler) {
-    const Resources resources = ReadResources();
-    auto item = std::ranges::find(resources.items, g_compilers[0].command, &MenuItem::command);
-    for (const CompilerProfile& compiler : g_compilers) {
-        ASSERT_NE(item, resources.items.end());
-        const std::wstring name = compiler.name;
-        EXPECT_EQ(item->text, "Use " + std::string(name.begin(), name.end()) + " Compiler");
-        EXPECT_EQ(item->command, compiler.command);
-        ++item;
     }
 }
 

@@ -259,8 +259,4 @@ TEST(Startup, AutoSavedSessionIsOfferedAndObeyed) {
         EXPECT_EQ(editor.Tabs(), 2) << "without a workspace the recent files that still exist";
         EXPECT_EQ(editor.Close(), 0u);
     }
-    folder.SetIni(L"Editor", L"RestoreLastSession", L"0");
-    DeleteFileW(folder.File(L"Editor.ini_autosave.kvxsess").c_str());
-    Editor editor(folder);
-    EXPECT_EQ(editor.TabLabel(0), L"Untitled") << "with the workspace option off an empty tab";
 }
