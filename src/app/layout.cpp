@@ -102,6 +102,8 @@ int ClampSplitter(int total, int top, int split) {
     return top + span * 7 / 10;
 }
 
+int SidePaneSplitBudget(int sides) { return sides * kSplitterThickness; }
+
 int ClampDebugWidth(int total, int wanted, int dpi) {
     const int room = std::max(0, total - kSplitterThickness);
     const int least = std::min(ScaledTo(kMinimumBottomWidth, dpi), room / 2);
@@ -111,7 +113,7 @@ int ClampDebugWidth(int total, int wanted, int dpi) {
 void ConstrainSidePaneWidths(const LayoutInput& input, int* sideWidth, int* treeWidth) {
     const int sides = PanesIn(input, PaneArea::Right);
     const bool left = PanesIn(input, PaneArea::Left) > 0;
-    const int bars = (sides + (left ? 1 : 0)) * kSplitterThickness;
+    const int bars = SidePaneSplitBudget(sides) + (left ? kSplitterThickness : 0);
     const int editor = ScaledTo(kMinimumEditorWidth, input.dpi);
     int tree = left ? std::max(input.treeWidth, ScaledTo(kMinimumTreeWidth, input.dpi)) : 0;
     int side =

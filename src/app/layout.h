@@ -44,6 +44,9 @@ inline constexpr int kLineHeight = 30;  // of a line of input, at 96 dpi
 // How many panes the area has to show. Those below the bottom count only where there is a bottom.
 int PanesIn(const LayoutInput& input, PaneArea area);
 
+// Width that the bars of `sides` visible side panes take: 3 pixels each.
+int SidePaneSplitBudget(int sides);
+
 // The output split within its limits for an area from `top` to `total`: [top + 50, total - 53] from a span of 103
 // up, seven tenths of the way down below that; unchanged when there is no span at all.
 int ClampSplitter(int total, int top, int split);

@@ -67,7 +67,7 @@ void ToolbarShowCompilerMenu(HWND bar, const RECT& button) {
     std::vector<MenuItem> items;
     for (std::uint32_t id = 0; id < kCompilerCount; ++id) {
         names[id] = CompilerLabel(id, CompilerExists(id));
-        items.push_back({.id = static_cast<UINT>(Profile(id).command),
+        items.push_back({.id = static_cast<UINT>(CompilerEntry(id).command),
                          .text = names[id].c_str(),
                          .checked = static_cast<int>(id) == g_settings.activeCompiler});
     }

@@ -12,6 +12,8 @@
 
 // The row of a compiler; the first row for an id that is none.
 const CompilerProfile& Profile(std::uint32_t id);
+// The same row, for its name and its menu command.
+inline const CompilerProfile& CompilerEntry(std::uint32_t id) { return Profile(id); }
 const CompilerProfile* CompilerOfCommand(int command);  // null: not a command that selects one
 // "KVXC64", or "KVXC64 (not found)".
 std::wstring CompilerLabel(std::uint32_t id, bool installed);

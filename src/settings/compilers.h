@@ -172,6 +172,8 @@ inline constexpr CompilerProfile g_compilers[] = {
      .sectionRank = 3,
      .searchRank = 2},
 };
+// The rows again, for who asks how a compiler is run instead of what it is called.
+inline constexpr std::span<const CompilerProfile> g_profiles = g_compilers;
 
 using CompilerOrder = std::array<std::uint32_t, kCompilerCount>;
 

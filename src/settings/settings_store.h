@@ -11,6 +11,10 @@
 void GetIniPath(const wchar_t* overridePath, wchar_t* out, std::size_t capacity);
 void GetIniDir(const wchar_t* overridePath, wchar_t* out, std::size_t capacity);  // with its trailing backslash
 
+// Stored compiler paths to absolute ones and back, against the executable's folder. `in` and `out` may be the same.
+void ResolveExeRelative(const wchar_t* in, wchar_t* out, std::size_t capacity);
+void MakeExeRelativePath(const wchar_t* in, wchar_t* out, std::size_t capacity);
+
 // Text that the INI functions give back unchanged, whatever is in it (see EncodeIniValue). `defaultText` is taken when
 // the key is not there. False only on a failed write.
 void ReadIniText(const wchar_t* iniPath, const wchar_t* section, const wchar_t* key, const wchar_t* defaultText,

@@ -178,3 +178,15 @@ void SettingsResetAll() {
         AppLogMsg(L"FAIL: SettingsReset delete error=%lu path=%s", GetLastError(), ini);
     SettingsChange(SettingsReset);
 }
+
+void ResolveExeRelative(const wchar_t* in, wchar_t* out, std::size_t capacity) {
+    wchar_t directory[kPathCapacity] = {};
+    AppExeDirectory(directory, kPathCapacity);
+    ResolveAgainstFolder(directory, in, out, capacity);
+}
+
+void MakeExeRelativePath(const wchar_t* in, wchar_t* out, std::size_t capacity) {
+    wchar_t directory[kPathCapacity] = {};
+    AppExeDirectory(directory, kPathCapacity);
+    MakeFolderRelative(directory, in, out, capacity);
+}
