@@ -8,6 +8,7 @@
 #include "debugui/debug_pane.h"
 #include "disasm/asm_pane.h"
 #include "files/file_io.h"
+#include "output/last_build.h"
 #include "output/output_pane.h"
 #include "resources/ids.h"
 #include "session/project_tree.h"
@@ -53,13 +54,9 @@ void ApplyAsmTheme() {
 
 // The pane holds what it showed last; when it opens after a build that wrote a listing or a program, it shows that.
 void LoadAsmPane() {
-    EnterCriticalSection(&g_buildCs);
-    const std::wstring source = g_app.build.sourcePath;
-    const std::wstring listing = g_app.build.listingPath;
-    const std::wstring program = g_app.build.outputPath;
-    LeaveCriticalSection(&g_buildCs);
-    if (!source.empty() && (FileExists(listing.c_str()) || FileExists(program.c_str())))
-        AsmPaneLoad(source.c_str(), listing.c_str());
+    const BuildRecord& last = LastBuild();
+    if (!last.source.empty() && (FileExists(last.listing.c_str()) || FileExists(last.output.c_str())))
+        AsmPaneLoad(last.source.c_str(), last.listing.c_str());
 }
 
 bool NotifyErrorList(const NMHDR& header, LRESULT*) { return ErrorListHandleNotify(header); }
