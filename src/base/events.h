@@ -44,7 +44,7 @@ struct Events {
     Event<const wchar_t*> statusText;      // first part of the status bar; stays until the next one
     Event<const wchar_t*> statusProgress;  // time and moving mark of what runs; empty: nothing
     Event<> layoutWanted;                  // panes were shown, hidden or resized: places them now
-    Event<> refreshNow;                    // menu and toolbar, before work that keeps the message queue from emptying
+    Event<> refreshNow;                    // menu and toolbar at once: at the start and end of what runs
     Event<> refreshWanted;                 // menu, toolbar and position: shown anew once the message queue is empty
 };
 extern Events g_events;

@@ -84,7 +84,7 @@ void DeliverStageEnd() {
         TerminalOnStageEnd(result);
     else
         BuildOnStageEnd(result);
-    g_events.refreshWanted();
+    g_events.refreshNow();
 }
 
 // When nothing else is to be done; but a long pane holds hundreds of megabytes, which must not come on top of a flood.
@@ -127,7 +127,7 @@ bool StageStart(StageLaunch launch, DWORD* error) {
     g_stage.started = GetTickCount64();
     SetTimer(g_ui.hMainWnd, TIMER_BUILD, kProgressIntervalMs, nullptr);
     ShowBuildProgress();
-    g_events.refreshWanted();
+    g_events.refreshNow();
     return true;
 }
 

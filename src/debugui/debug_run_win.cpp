@@ -61,7 +61,7 @@ void EndSession(const std::wstring& status) {
     BreakpointsOnSessionEnd();
     if (closesPane) PaneShow(PaneId::Debug, false);
     SetStatus(status);
-    g_events.refreshWanted();
+    g_events.refreshNow();
     g_events.debuggerChanged();
 }
 
@@ -214,7 +214,7 @@ void DebugRunStart() {
     } else {
         BeginFollowing();
     }
-    g_events.refreshWanted();
+    g_events.refreshNow();
 }
 
 void DebugRunFollow(const wchar_t* suffix) {
