@@ -17,7 +17,7 @@ std::vector<Attached> g_attached;  // one an open document: few, and looked thro
 void SciAttach(HWND editor) {
     const auto call = reinterpret_cast<SciFnDirect>(SciSend(editor, SCI_GETDIRECTFUNCTION));
     const sptr_t pointer = SciSend(editor, SCI_GETDIRECTPOINTER);
-    if (call && pointer) g_attached.push_back({editor, call, pointer});
+    if (call != nullptr && pointer != 0) g_attached.push_back({editor, call, pointer});
 }
 
 void SciDetach(HWND editor) {
@@ -26,7 +26,7 @@ void SciDetach(HWND editor) {
 }
 
 LRESULT SciSend(HWND editor, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (!editor) return 0;
+    if (editor == nullptr) return 0;
     if (message >= SCI_START) {  // the system's messages are for the window and its subclass
         for (const Attached& row : g_attached)
             if (row.editor == editor) return row.call(row.pointer, message, wParam, lParam);
@@ -35,7 +35,7 @@ LRESULT SciSend(HWND editor, UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 void SciSendString(HWND editor, UINT message, WPARAM wParam, const wchar_t* text) {
-    if (!editor || !text) return;
+    if (editor == nullptr || text == nullptr) return;
     constexpr int kCapacity = 512;
     char utf8[kCapacity];
     int length = WideCharToMultiByte(CP_UTF8, 0, text, -1, utf8, kCapacity, nullptr, nullptr);

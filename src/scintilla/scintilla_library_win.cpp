@@ -19,14 +19,14 @@ Function FindExport(HMODULE library, const char* name) {
 }  // namespace
 
 int ScintillaLoad(HMODULE* scintilla, HMODULE* lexilla, HMODULE* third) {
-    if (third) *third = nullptr;
-    if (lexilla) *lexilla = nullptr;
-    if (scintilla) *scintilla = nullptr;
+    if (third != nullptr) *third = nullptr;
+    if (lexilla != nullptr) *lexilla = nullptr;
+    if (scintilla != nullptr) *scintilla = nullptr;
     ScintillaLibrary& libraries = g_scintilla;
     libraries = {};
 
     libraries.scintilla = LoadLibraryW(L"Scintilla.dll");
-    if (!libraries.scintilla) {
+    if (libraries.scintilla == nullptr) {
         TellUser(L"Error", L"Could not load Scintilla.dll", AskIcon::Error);
         return 0;
     }
@@ -36,27 +36,27 @@ int ScintillaLoad(HMODULE* scintilla, HMODULE* lexilla, HMODULE* third) {
         registerClasses(g_ui.hInstance);
 
     libraries.lexilla = LoadLibraryW(L"Lexilla.dll");
-    if (libraries.lexilla) {
+    if (libraries.lexilla != nullptr) {
         libraries.createLexer = FindExport<CreateLexerFunction>(libraries.lexilla, "CreateLexer");
-        if (!libraries.createLexer) {
+        if (libraries.createLexer == nullptr) {
             FreeLibrary(libraries.lexilla);
             libraries.lexilla = nullptr;
         }
     }
 
-    if (scintilla) *scintilla = libraries.scintilla;
-    if (lexilla) *lexilla = libraries.lexilla;
+    if (scintilla != nullptr) *scintilla = libraries.scintilla;
+    if (lexilla != nullptr) *lexilla = libraries.lexilla;
     return 1;
 }
 
 Scintilla::ILexer5* ScintillaCreateLexer(const char* name) {
-    if (!g_scintilla.createLexer || !name) return nullptr;
+    if (g_scintilla.createLexer == nullptr || name == nullptr) return nullptr;
     return g_scintilla.createLexer(name);
 }
 
 void ScintillaUnload(HMODULE scintilla, HMODULE lexilla) {
     g_scintilla.createLexer = nullptr;
-    if (lexilla) FreeLibrary(lexilla);
-    if (scintilla) FreeLibrary(scintilla);
+    if (lexilla != nullptr) FreeLibrary(lexilla);
+    if (scintilla != nullptr) FreeLibrary(scintilla);
     g_scintilla = {};
 }
