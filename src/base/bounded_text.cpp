@@ -8,7 +8,7 @@ bool SafeCatW(wchar_t* out, std::size_t capacity, std::wstring_view text) {
     if (out == nullptr || capacity == 0) return false;
     const wchar_t* terminator = std::wmemchr(out, L'\0', capacity);
     if (terminator == nullptr) {
-        out[capacity - 1] = L'\0';  // never was terminated: whatever it held is cut to the buffer
+        out[capacity - 1] = L'\0';  // `out` was not terminated: its content is cut to the buffer
         return text.empty();
     }
     const auto used = static_cast<std::size_t>(terminator - out);

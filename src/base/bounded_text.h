@@ -1,4 +1,4 @@
-// Fixed-capacity wide text: the records of this program hold paths and names in bounded buffers. Pure.
+// Wide text in buffers of a fixed capacity, as the records of this program hold paths and names. Pure; any thread.
 #pragma once
 
 #include <cstddef>
@@ -7,10 +7,13 @@
 inline constexpr std::size_t kPathCapacity = 1024;  // wide characters, terminator included
 inline constexpr std::size_t kLabelCapacity = 260;
 
-// Appends `text` to the terminated text in `out`; cut to fit, always terminated. True when everything fitted.
+// Both cut the text to fit and terminate it always. `capacity` counts wide characters, the terminator included. They
+// return true when everything fitted, and false for a null `out` or a capacity of 0. `text` may lie in `out`.
+
+// Appends `text` to the terminated text in `out`.
 bool SafeCatW(wchar_t* out, std::size_t capacity, std::wstring_view text);
 
-// Replaces the content of `out` by `text`; cut to fit, always terminated. True when everything fitted.
+// Replaces the content of `out` by `text`.
 bool SafeCopyW(wchar_t* out, std::size_t capacity, std::wstring_view text);
 
 template <std::size_t N>

@@ -1,5 +1,5 @@
 // The clock for measuring short times. Any thread.
 #pragma once
 
-// Milliseconds from an arbitrary start.
+// Milliseconds since an arbitrary point in time; never goes back.
 double ClockMs();

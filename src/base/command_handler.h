@@ -1,16 +1,17 @@
-// Who carries out a command. Each area has a table of its own; the frame joins them (app/commands_win.cpp). Pure.
+// The functions that carry out commands. Each area has a table of its own, and the frame tries the tables in turn
+// (app/commands_win.cpp). Pure.
 #pragma once
 
 #include <span>
 
-// `run` may count on what the table of commands asks for (commands/command_table.h): it is called only then. It gets the
-// command's number, for those that serve several. UI thread.
+// `run` is called only while the conditions of its command in the table of commands hold (commands/command_table.h).
+// Its argument is the number of the command, because one function may serve several. UI thread.
 struct CommandHandler {
     int command;
     void (*run)(int command);
 };
 
-// False: none of the handlers is for the command.
+// Runs the handler of the command. Returns false when none of the handlers is for it.
 inline bool RunCommandHandler(std::span<const CommandHandler> handlers, int command) {
     for (const CommandHandler& handler : handlers) {
         if (handler.command != command) continue;

@@ -6,7 +6,8 @@
 #include <limits>
 #include <string_view>
 
-// A sign and digits; 0 when there are no digits. A number beyond 32 bits becomes the nearest within.
+// Reads an optional sign and digits, and ignores what follows them. Returns 0 when there are no digits. A number
+// outside the range of 32 bits becomes the nearest one inside it.
 template <typename Character>
 constexpr std::int32_t DecimalNumber(std::basic_string_view<Character> text) {
     bool negative = false;

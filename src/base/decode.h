@@ -1,12 +1,14 @@
-// Bytes of a process's output as text. Any thread.
+// The output of other processes as wide text. Any thread.
 #pragma once
 
 #include <cstddef>
 
-// A new block of terminated wide text that the caller frees with free(), or null: for no bytes, or without memory. UTF-8,
-// the ANSI and the OEM code page are tried in this order and the first that takes every byte wins; if none does, the
-// ANSI code page with replacements. NUL bytes are left out, so that what follows them is seen.
+// Decodes the bytes as UTF-8, as the ANSI or as the OEM code page: the first one of these that can decode every byte is
+// taken. If none can, the ANSI code page is taken, with replacements. NUL bytes are left out, because the text after
+// them would be lost. Returns a new terminated block that the caller frees with free(). Returns null when `count` is 0
+// or is 2 GiB or more, and when memory runs out.
 wchar_t* DecodeCompilerText(const char* bytes, std::size_t count);
 
-// The same for what is typed at a console: the OEM code page, which console commands print in, before the ANSI one.
+// The same for the output of console commands. The OEM code page is tried instead of the ANSI one, because console
+// commands print in it.
 wchar_t* DecodeConsoleText(const char* bytes, std::size_t count);

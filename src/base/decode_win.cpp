@@ -21,7 +21,6 @@ wchar_t* Convert(UINT codePage, DWORD flags, const char* bytes, int count) {
     return text;
 }
 
-// The first of the code pages that takes every byte, else the ANSI code page with replacements.
 wchar_t* Decode(const char* bytes, std::size_t count, std::span<const UINT> codePages) {
     if (bytes == nullptr || count == 0 || count > 0x7FFFFFFF) return nullptr;
     const int length = static_cast<int>(count);

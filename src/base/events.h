@@ -1,15 +1,15 @@
-// News that an area tells whoever shows it. An area knows nothing of the areas to its right: it tells the event, and the
-// frame has connected at start-up who hears of it (app/events_win.cpp). Wishes that go to the right are commands, posted
-// to the main window. There is no third way up. UI thread only.
+// Events by which an area reports what has happened. An area does not know the areas to its right: it raises an event,
+// and the frame has connected the listener at start-up (app/events_win.cpp). When an area wants something done by an
+// area to its right, it posts a command to the main window. There is no third way. UI thread only.
 #pragma once
 
-// Identifies an open document for the whole run; never used again. 0: none.
+// Identifies an open document. A number is not used again during the run. 0: no document.
 using DocumentId = int;
 
 struct Settings;
 
-// Telling never fails and never waits. Until the frame connects an event it does nothing, so that a test may run an area
-// alone.
+// Raising an event calls its listener at once. An event that is not connected does nothing, so that a test can run an
+// area alone.
 template <typename... Arguments>
 struct Event {
     void (*listener)(Arguments...) = [](Arguments...) {};
@@ -21,30 +21,30 @@ struct Event {
 };
 
 struct Events {
-    // --- Documents. The record exists while an event names it, unless the event says otherwise.
+    // --- Documents. The record of the document exists while the listener runs, unless the event says otherwise.
     Event<DocumentId> documentOpened;       // a record with its editor and its text is in the row
-    Event<DocumentId> documentActivated;    // its editor is shown now; 0: none is
-    Event<DocumentId> documentChanged;      // label, modified mark, build mark or encoding
-    Event<int, int> documentMoved;          // from this index in the row to that one
+    Event<DocumentId> documentActivated;    // its editor is now the one that is shown; 0: none is shown
+    Event<DocumentId> documentChanged;      // its label, modified mark, build mark or encoding
+    Event<int, int> documentMoved;          // the index in the row before and after
     Event<DocumentId> documentSaved;        // its file holds what the editor shows
-    Event<DocumentId, int> documentClosed;  // the record is gone from this index in the row
-    Event<DocumentId> textLeaving;          // its text is about to go, by a reload or with its editor
-    Event<DocumentId> textArrived;          // its text is there, for the first time or again
-    Event<const wchar_t*> folderChosen;     // the user opened a file in this folder (with its trailing backslash)
+    Event<DocumentId, int> documentClosed;  // its record is gone; the index that it had in the row
+    Event<DocumentId> textLeaving;       // its text is about to be discarded by a reload or because its editor closes
+    Event<DocumentId> textArrived;       // its text has been loaded, for the first time or again
+    Event<const wchar_t*> folderChosen;  // the user opened a file in this folder (with its trailing backslash)
 
-    Event<const Settings&> settingsChanged;  // what the record of the settings held before
+    Event<const Settings&> settingsChanged;  // the settings as they were before the change
 
     // --- Builds
-    Event<const wchar_t*, const wchar_t*> programBuilt;  // source and listing; before the post-build command
+    Event<const wchar_t*, const wchar_t*> programBuilt;  // paths of source and listing; before the post-build command
     Event<bool, bool> buildEnded;                        // whether it succeeded, and whether it was a debug build
 
     Event<> debuggerChanged;  // a session began, stopped, ran on or ended
 
     // --- What the frame shows for everyone
     Event<const wchar_t*> statusText;      // first part of the status bar; stays until the next one
-    Event<const wchar_t*> statusProgress;  // time and moving mark of what runs; empty: nothing
-    Event<> layoutWanted;                  // panes were shown, hidden or resized: places them now
-    Event<> refreshNow;                    // menu and toolbar at once: at the start and end of what runs
-    Event<> refreshWanted;                 // menu, toolbar and position: shown anew once the message queue is empty
+    Event<const wchar_t*> statusProgress;  // elapsed time and moving mark of a running build; empty: none runs
+    Event<> layoutWanted;                  // panes were shown, hidden or resized and must be placed at once
+    Event<> refreshNow;                    // update menu and toolbar at once: a build or a debug session begins or ends
+    Event<> refreshWanted;                 // update menu, toolbar and position once the message queue is empty
 };
 extern Events g_events;

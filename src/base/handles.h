@@ -1,5 +1,5 @@
-// Owners for what must be given back: system handles, GDI objects, heap blocks. Each frees exactly once, at the end
-// of its scope or on reset; none is copied.
+// Owners of system handles, GDI objects and heap blocks. An owner frees its resource once: at the end of its scope or
+// on Reset. Owners are moved, not copied.
 #pragma once
 
 #include <windows.h>
@@ -11,7 +11,7 @@
 struct FreeDeleter {
     void operator()(void* block) const { std::free(block); }
 };
-// For the blocks that functions of this program return, which callers free().
+// For blocks from malloc(), such as those that functions of this program return to be freed with free().
 template <typename T>
 using HeapBlock = std::unique_ptr<T, FreeDeleter>;
 
@@ -21,7 +21,7 @@ struct LocalDeleter {
 template <typename T>
 using LocalBlock = std::unique_ptr<T, LocalDeleter>;
 
-// `Traits`: Type, IsOpen(Type) and Close(Type).
+// `Traits` has the members Type, IsOpen(Type) and Close(Type).
 template <typename Traits>
 class UniqueResource {
 public:
@@ -44,7 +44,7 @@ public:
         if (Traits::IsOpen(value_)) Traits::Close(value_);
         value_ = value;
     }
-    // For calls that return the resource through a pointer; what was held before is closed.
+    // For calls that return the resource through a pointer. The resource held before is closed.
     Type* Put() {
         Reset();
         return &value_;
@@ -54,7 +54,7 @@ private:
     Type value_{};
 };
 
-// Kernel objects. Both spellings of "none", null and INVALID_HANDLE_VALUE, are empty.
+// Kernel objects. Null and INVALID_HANDLE_VALUE both mean that there is none.
 struct HandleTraits {
     using Type = HANDLE;
     static bool IsOpen(HANDLE handle) { return handle != nullptr && handle != INVALID_HANDLE_VALUE; }
@@ -83,7 +83,7 @@ struct RegistryKeyTraits {
 };
 using UniqueRegistryKey = UniqueResource<RegistryKeyTraits>;
 
-// Brushes, pens, fonts, bitmaps. The object must not be selected into a device context any more.
+// Brushes, pens, fonts and bitmaps. When one is closed, it must not be selected into a device context.
 template <typename Object>
 struct GdiTraits {
     using Type = Object;

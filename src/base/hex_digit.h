@@ -1,7 +1,7 @@
 // The value of one hexadecimal digit, narrow or wide. Pure.
 #pragma once
 
-// 0 to 15, or -1 for what is no digit.
+// Returns 0 to 15, or -1 for a character that is not a hexadecimal digit.
 template <typename Character>
 constexpr int HexValue(Character c) {
     if (c >= '0' && c <= '9') return static_cast<int>(c) - '0';

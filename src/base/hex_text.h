@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-// Upper-case digits, at least `digits` of them.
+// In upper case, with leading zeros up to `digits` digits.
 inline std::wstring HexText(std::uint64_t value, int digits) {
     std::wstring text;
     for (; value != 0 || static_cast<int>(text.size()) < digits; value >>= 4)

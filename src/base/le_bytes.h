@@ -1,4 +1,4 @@
-// Little-endian numbers out of foreign bytes. The caller has checked that they are there.
+// Reads little-endian numbers from bytes at any alignment. The caller checks that the bytes exist. Pure; any thread.
 #pragma once
 
 #include <cstdint>

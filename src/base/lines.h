@@ -3,8 +3,8 @@
 
 #include <string_view>
 
-// Takes the first line off the front of `rest` and returns it without its break; of several CR before the LF only the
-// last belongs to the break.
+// Takes the first line off the front of `rest` and returns it without its break. Of several CR before the LF only the
+// last one belongs to the break.
 inline std::string_view TakeLine(std::string_view& rest) {
     const std::size_t end = rest.find('\n');
     std::string_view line = rest.substr(0, end);

@@ -24,8 +24,8 @@ void OpenLog(const wchar_t* directory) {
         wchar_t temporary[MAX_PATH + 1] = {};
         if (GetTempPathW(MAX_PATH + 1, temporary) != 0) opened = OpenIn(temporary);
     }
-    // An earlier stream is left to the process's end: whoever reopens the log ("--log") wants a fresh file, and
-    // both streams point at the same one.
+    // An earlier stream is not closed: it stays open until the process ends. "--log" opens the log again to start an
+    // empty file, and both streams then point to that file.
     g_logFile = opened;
 }
 
@@ -35,7 +35,7 @@ void AppLogMsg(const wchar_t* format, ...) {
     if (g_logFile == nullptr) return;
     SYSTEMTIME now = {};
     GetLocalTime(&now);
-    // The C runtime's own wide formatting, for which `%s` is wide text; fwprintf of this toolchain means narrow.
+    // _vsnwprintf takes `%s` for wide text; fwprintf of this toolchain takes it for narrow text.
     wchar_t text[4096];
     std::va_list args;
     va_start(args, format);
@@ -49,7 +49,7 @@ void AppLogMsg(const wchar_t* format, ...) {
     std::fputws(stamp, g_logFile);
     std::fputws(text, g_logFile);
     std::fputws(L"\n", g_logFile);
-    std::fflush(g_logFile);  // a crash must not take the last lines with it
+    std::fflush(g_logFile);  // so that a crash does not lose the last lines
 }
 
 void CloseLog() {

@@ -1,4 +1,4 @@
-// Path text. Knows nothing of what is on disk. Pure; any thread.
+// Text of paths. Nothing here looks at the disk. Pure; any thread.
 #include "base/path.h"
 
 #include "base/bounded_text.h"
@@ -10,14 +10,14 @@ namespace {
 
 constexpr std::size_t kPlainLimit = 248;
 
-// Length of the directory part, its backslash included.
+// The length of the directory part with its backslash.
 std::size_t DirectoryLength(std::wstring_view path) {
     const std::size_t last = path.rfind(L'\\');
     return last == std::wstring_view::npos ? 0 : last + 1;
 }
 
-// Upper-case letters that the file system takes for their lower-case ones. Step 1: each letter of the range is `delta`
-// below its partner; step 2: upper and lower case alternate, the first being upper.
+// Upper-case letters that the file system treats like their lower-case partners. With step 1, each letter of the range
+// is `delta` below its partner. With step 2, upper and lower case alternate, and the first letter is upper case.
 struct CaseRange {
     int first;
     int last;
@@ -70,7 +70,7 @@ void PathJoin(const wchar_t* directory, const wchar_t* name, wchar_t* out, std::
         SafeCopyW(out, capacity, folder);
         return;
     }
-    // Put together aside, because `out` may be one of the inputs.
+    // Joined in a string of its own, because `out` may be one of the inputs.
     std::wstring joined{folder};
     if (separator) joined += L'\\';
     joined += file;

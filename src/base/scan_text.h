@@ -1,4 +1,4 @@
-// Reading numbers and words off a text of one line. ASCII only. Pure.
+// Takes numbers and words off the start of a line. ASCII only. Pure; any thread.
 #pragma once
 
 #include "base/hex_digit.h"
@@ -17,7 +17,8 @@ inline std::string_view WithoutLeadingBlanks(std::string_view text) {
     return text;
 }
 
-// Digits at the start of `text`, taken off it; nothing when there are none.
+// Takes digits off the start of `text`, in a base of at most 16. Empty when there are none. A number of more than 64
+// bits loses its upper bits.
 inline std::optional<std::uint64_t> TakeNumber(std::string_view* text, unsigned base) {
     std::uint64_t value = 0;
     std::size_t taken = 0;
@@ -31,6 +32,8 @@ inline std::optional<std::uint64_t> TakeNumber(std::string_view* text, unsigned 
     return taken == 0 ? std::nullopt : std::optional(value);
 }
 
+// `prefix` is in upper case; the letter case of `text` does not count. Returns false, and leaves `text`
+// unchanged, when it does not start with `prefix`.
 inline bool TakePrefix(std::string_view* text, std::string_view prefix) {
     if (text->size() < prefix.size()) return false;
     for (std::size_t i = 0; i < prefix.size(); ++i)

@@ -56,10 +56,10 @@ void AppendWide(std::wstring& out, char32_t point) {
     }
 }
 
-// What may follow a lead byte: the number of bytes after it, and the limits of the first of them. They keep out overlong
-// forms, surrogates and what lies beyond U+10FFFF.
+// What may follow a lead byte: the number of bytes, and the limits of the first of them. The limits exclude overlong
+// forms, surrogates and code points beyond U+10FFFF.
 struct Sequence {
-    int more = 0;  // 0: no lead byte
+    int more = 0;  // 0: not a lead byte
     unsigned char low = 0x80, high = 0xBF;
 };
 

@@ -6,9 +6,10 @@
 
 // A surrogate without its partner becomes U+FFFD.
 std::string ToUtf8(std::wstring_view wide);
-// Malformed bytes become U+FFFD: one for each byte, or for the start of a sequence that is cut off.
+// Malformed bytes become U+FFFD: one for each byte, or one for the start of a sequence that is cut off.
 std::wstring Utf8ToWideText(std::string_view utf8);
 
-// The same for terminated text, as new blocks that the caller frees with free(). Null for null, and when memory runs out.
+// The same for terminated text. They return a new block that the caller frees with free(), or null for null and when
+// memory runs out.
 char* WideToUtf8(const wchar_t* wide);
 wchar_t* Utf8ToWide(const char* utf8);

@@ -33,7 +33,7 @@ std::wstring FormatArgsW(const wchar_t* format, std::va_list args) {
     std::wstring text;
     if (length > 0) {
         text.resize(static_cast<std::size_t>(length));
-        // The string's own terminator is the place for the one that is written.
+        // The terminator that is written takes the place of the string's own.
         FormatBufferArgsW({text.data(), text.size() + 1}, format, args);
     }
     return text;

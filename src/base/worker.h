@@ -1,14 +1,14 @@
-// The one pattern for work on a thread of its own. A worker gets its request moved to it, works on that alone, and hands
-// over what it makes as blocks that change their owner: posted to a window (WorkerPost), or put into a queue that the owner
-// empties when it has time (base/worker_queue.h). It touches no window, neither the log nor the events, and of the program's
-// record only what is guarded by a lock that the field's comment names.
+// The one way to work on another thread. A worker owns its request and works on that alone. It hands its results over
+// as blocks: posted to a window (WorkerPost), or put into a queue that the owner empties (base/worker_queue.h). It uses
+// no window, no log and no event. Of the program's record it uses only fields whose comment names the lock that guards
+// them.
 //
-// Cancelling is a wish: the work looks at its WorkerCancel between steps and waits for it together with other things. Nobody
-// waits for a worker without a limit. Forgetting a worker leaves it running to its own end.
+// Cancelling is a request: the work checks its WorkerCancel between steps, or waits for it together with other handles.
+// Nobody waits for a worker without a limit. A worker that its owner forgets runs to its own end.
 //
-// What is posted too late is freed: by WorkerPost where the window is gone, by WorkerDropPosts where the window has stopped
-// to answer, and by the queue where its owner has closed it. What is posted for a question that nobody asks any more carries
-// the question's number, and the receiver drops it.
+// A block that comes too late is freed: by WorkerPost when the window is gone, by WorkerDropPosts when the window is
+// about to be destroyed, by the queue when its owner has closed it. A result carries the number of its question, so
+// that the receiver can drop the answer to an old one.
 #pragma once
 
 #include "base/handles.h"
@@ -18,13 +18,13 @@
 #include <memory>
 #include <utility>
 
-// The wish that a worker ends; shared by the worker and its owner. It is never taken back. Any thread.
+// The request that a worker ends, shared by the worker and its owner. It cannot be withdrawn. Any thread.
 class WorkerCancel {
 public:
     WorkerCancel();
     void Ask() const { SetEvent(event_.Get()); }
     bool Asked() const { return WaitForSingleObject(event_.Get(), 0) == WAIT_OBJECT_0; }
-    // For waits; signalled from the asking on. Lives as long as this object.
+    // For waits: signalled from Ask() on. Owned by this object.
     HANDLE Event() const { return event_.Get(); }
     explicit operator bool() const { return static_cast<bool>(event_); }
 
@@ -32,45 +32,45 @@ private:
     UniqueHandle event_;
 };
 
-// A worker as its owner sees it; empty when none was started. Copies mean the same worker.
+// A worker as its owner sees it; empty when none was started. Copies refer to the same worker.
 struct Worker {
     std::shared_ptr<UniqueHandle> thread;
     std::shared_ptr<const WorkerCancel> cancel;
     explicit operator bool() const { return thread != nullptr; }
 };
 
-// Starts `work(request, cancel)` on a new thread; the request is destroyed there when the work is done. An empty worker: no
-// thread was to be had, nothing runs, the request is gone, and GetLastError() tells why.
+// Starts `work(request, cancel)` on a new thread, which destroys the request when the work is done. Returns an empty
+// worker when no thread could be created: nothing runs, the request is destroyed, and GetLastError() tells the reason.
 template <auto work, typename Request>
 Worker WorkerStart(Request request);
 
-void WorkerLowerPriority(const Worker& worker);  // below what the user waits for
-// Asks it to end, and returns at once.
+void WorkerLowerPriority(const Worker& worker);  // THREAD_PRIORITY_BELOW_NORMAL
+// Asks the worker to end and returns at once.
 void WorkerAskToEnd(const Worker& worker);
-// Waits for its end, at most so many milliseconds. True: it has ended, or there is none.
+// Waits for the end of the worker, for at most that time. Returns true when it has ended or there is none.
 bool WorkerWait(const Worker& worker, DWORD milliseconds);
 
-// On the worker's thread: gives the block to a window, as `message` with the block in wParam. Where the window is gone or
-// its queue is full the block is freed here. False: it was not delivered.
+// On the worker's thread: posts `message` to the window with the block in wParam. The window owns the block from then
+// on. Returns false, and frees the block, when the window is gone or its queue is full.
 template <typename Block, typename Deleter>
 bool WorkerPost(HWND window, UINT message, std::unique_ptr<Block, Deleter> block, LPARAM lParam = 0) {
     if (PostMessageW(window, message, reinterpret_cast<WPARAM>(block.get()), lParam) == FALSE) return false;
-    static_cast<void>(block.release());  // now the window's
+    static_cast<void>(block.release());  // the window owns it now
     return true;
 }
 
-// In the window: takes over the block of a message that WorkerPost sent with the same kind of owner.
+// In the window: takes over the block of a message that WorkerPost sent. `Owner` is the type that was posted.
 template <typename Owner>
 Owner WorkerTake(WPARAM wParam) {
     return Owner(reinterpret_cast<typename Owner::pointer>(wParam));
 }
 
-// Frees what still waits in the queue of a window that will answer no more. On the window's thread, before it is destroyed.
+// Frees the blocks that wait in the queue of a window. Called on the window's thread before the window is destroyed.
 template <typename Owner>
 void WorkerDropPosts(HWND window, UINT message) {
     MSG late = {};
     while (PeekMessageW(&late, window, message, message, PM_REMOVE) != FALSE) {
-        if (late.message == WM_QUIT) {  // comes through every filter; it is for the message loop
+        if (late.message == WM_QUIT) {  // passes every filter, and belongs to the message loop
             PostQuitMessage(static_cast<int>(late.wParam));
             return;
         }
@@ -78,9 +78,9 @@ void WorkerDropPosts(HWND window, UINT message) {
     }
 }
 
-// --- How WorkerStart does it
+// --- The implementation of WorkerStart
 using WorkerBody = void (*)(void* request, const WorkerCancel& cancel);
-// `body` owns `request` once the thread was started.
+// `body` owns `request` once the thread has been started.
 Worker WorkerStartBody(WorkerBody body, void* request);
 
 template <auto work, typename Request>
@@ -91,6 +91,6 @@ Worker WorkerStart(Request request) {
         work(*owned, cancel);
     };
     Worker worker = WorkerStartBody(body, block.get());
-    if (worker) static_cast<void>(block.release());  // now the thread's
+    if (worker) static_cast<void>(block.release());  // the thread owns it now
     return worker;
 }

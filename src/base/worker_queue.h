@@ -1,5 +1,5 @@
-// A queue between a worker and the owner that empties it when it has time; no window is needed. What is still in it goes
-// with the last of the two that knows it, so nothing is lost when either side ends first. Any thread. Pure.
+// A queue between a worker and its owner, who empties it at its own pace; no window is needed. The two share it, and
+// the last one to let go frees what is left, so either side may end first. Any thread. Pure.
 #pragma once
 
 #include <deque>
@@ -9,28 +9,29 @@
 template <typename Item>
 class WorkerQueue {
 public:
-    // The worker's side. False: the owner wants no more, and the item is dropped.
+    // For the worker. Returns false, and drops the item, when the owner has closed the queue.
     bool Put(Item item) {
         const std::lock_guard lock(mutex_);
         if (closed_) return false;
         items_.push_back(std::move(item));
         return true;
     }
-    // The worker's last call: nothing more will come.
+    // For the worker: nothing more will come.
     void Finish() {
         const std::lock_guard lock(mutex_);
         finished_ = true;
     }
-    // The owner's side: what came since the last call, in its order. False: nothing did, and nothing more will.
+    // For the owner: replaces `items` by what came since the last call, in order. Returns false when nothing came and
+    // nothing more will.
     bool TakeAll(std::deque<Item>* items) {
         items->clear();
         const std::lock_guard lock(mutex_);
         items->swap(items_);
         return !items->empty() || !finished_;
     }
-    // The owner wants no more: what is there and what comes is dropped.
+    // For the owner: drops what is there and what still comes.
     void Close() {
-        std::deque<Item> dropped;  // freed without the lock
+        std::deque<Item> dropped;  // freed after the lock is released
         const std::lock_guard lock(mutex_);
         closed_ = finished_ = true;
         items_.swap(dropped);

@@ -24,7 +24,7 @@ Worker WorkerStartBody(WorkerBody body, void* request) {
     auto startup = std::make_unique<WorkerStartup>(WorkerStartup{body, request, cancel});
     auto thread = std::make_shared<UniqueHandle>(CreateThread(nullptr, 0, WorkerThread, startup.get(), 0, nullptr));
     if (!*thread) return {};
-    static_cast<void>(startup.release());  // now the thread's
+    static_cast<void>(startup.release());  // the thread owns it now
     return {.thread = std::move(thread), .cancel = std::move(cancel)};
 }
 

@@ -1,4 +1,4 @@
-// Bytes of whole files, and paths as the system has them. No state; any thread.
+// Reads and writes whole files, and asks the system about paths. No state; any thread.
 #include "files/file_io.h"
 
 #include "base/handles.h"
@@ -10,12 +10,12 @@
 
 namespace {
 
-constexpr std::uint64_t kSizeLimit = 0xFFFFFFFFU;  // this size and more is a failure
+constexpr std::uint64_t kSizeLimit = 0xFFFFFFFFU;  // this size and more is refused
 constexpr std::uint64_t kSharedLimit = 0x7FFFFFFF;
 constexpr DWORD kModulePathCapacity = 4096;
 
-// A file on a disk that is open for reading, and its size. A device name ("CON", a pipe) opens too, and reading it would
-// wait for someone to type: it counts as not open.
+// A file on a disk that is open for reading, and its size. A device name ("CON", a pipe) counts as not open, because
+// reading from it would wait for input.
 struct OpenedFile {
     UniqueHandle handle;
     std::uint64_t size = 0;
@@ -32,7 +32,7 @@ OpenedFile OpenDiskFile(const wchar_t* path, DWORD sharing) {
     return file;
 }
 
-// `taken` gets the number of bytes that came, fewer when the file has become shorter.
+// `taken` gets the number of bytes read. It is smaller than the size when the file has become shorter.
 bool ReadInto(const OpenedFile& file, char* buffer, std::size_t* taken) {
     DWORD read = 0;
     if (ReadFile(file.handle.Get(), buffer, static_cast<DWORD>(file.size), &read, nullptr) == FALSE) return false;
@@ -40,7 +40,7 @@ bool ReadInto(const OpenedFile& file, char* buffer, std::size_t* taken) {
     return true;
 }
 
-// A redirector or an odd file system that knows no flush counts as done.
+// A file system that does not support flushing counts as flushed.
 bool FlushWritten(HANDLE file) {
     return FlushFileBuffers(file) != FALSE || GetLastError() == ERROR_INVALID_FUNCTION ||
            GetLastError() == ERROR_NOT_SUPPORTED;
@@ -92,7 +92,7 @@ bool WriteWholeFile(const std::wstring& systemPath, std::string_view bytes, cons
     }
     const DWORD error = GetLastError();
     if (opened && !written && how.removeFailed) DeleteFileW(systemPath.c_str());
-    SetLastError(error);  // the caller may ask why
+    SetLastError(error);  // for the caller, who may ask for the reason
     return written;
 }
 
@@ -104,7 +104,8 @@ bool WriteFileUtf8(const wchar_t* path, const char* bytes, std::size_t length) {
 std::wstring PathForSystem(const wchar_t* path) {
     std::wstring extended = PathExtended(path);
     if (extended.size() == std::wstring_view{path}.size()) return extended;
-    // After the prefix the system neither resolves "." and ".." nor turns slashes round, so that is done before.
+    // The system neither resolves "." and ".." nor accepts forward slashes after the prefix. So the path is normalised
+    // before it gets the prefix.
     wchar_t full[4096];
     const DWORD length = GetFullPathNameW(path, 4096, full, nullptr);
     return length > 0 && length < 4096 ? PathExtended({full, length}) : extended;
@@ -117,7 +118,7 @@ bool PathNormalizeInput(const wchar_t* input, wchar_t* out, std::size_t capacity
     std::wstring text{input};
     if (text.size() > 1 && text.front() == L'"' && text.back() == L'"') text = text.substr(1, text.size() - 2);
     if (text.empty()) return false;
-    // The caller may give the same buffer for both.
+    // `input` and `out` may be the same buffer.
     std::wstring full(capacity, L'\0');
     const DWORD length = GetFullPathNameW(text.c_str(), static_cast<DWORD>(capacity), full.data(), nullptr);
     if (length == 0 || length >= capacity) return false;

@@ -1,4 +1,4 @@
-// Names of recovery copies, and which of them are kept. Pure; any thread.
+// The names of recovery copies, and which copies are kept. Pure; any thread.
 #include "files/recovery.h"
 
 #include "base/path.h"
@@ -7,11 +7,10 @@
 
 namespace {
 
-constexpr std::size_t kStemLimit = 120;  // leaves room for folder, tag and extension
+constexpr std::size_t kStemLimit = 120;  // characters; leaves room for folder, tag and extension
 constexpr std::size_t kExtensionLimit = 20;
 
-// 32-bit FNV-1a over the path as the file system compares it, as far as ASCII goes: enough to tell the targets of a
-// folder of copies apart.
+// 32-bit FNV-1a of the path with its ASCII letters in lower case. It tells targets of the same name apart.
 std::uint32_t HashPath(std::wstring_view path) {
     std::uint32_t hash = 2166136261U;
     for (const wchar_t c : path) {

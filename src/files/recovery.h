@@ -1,7 +1,7 @@
-// Recovery copies: while a save overwrites its target, the new text stands whole and flushed in a second file. The copy
-// lies in the user's own folder ("KVX-Editor\Recovery" under the local application data), named after the target with a tag,
-// and beside it a ".path" file with the target's full path. It is removed once the target was written and read back, and
-// stays when the save failed.
+// Recovery copies. While a save overwrites its target, a second file holds the whole new text, flushed to the disk.
+// This copy is in the user's own folder ("KVX-Editor\Recovery" under the local application data). Its name is that of
+// the target with a tag, and a ".path" file beside it holds the full path of the target. The copy is deleted once the
+// target has been written and read back, and stays when the save failed.
 #pragma once
 
 #include <cstddef>
@@ -11,25 +11,25 @@
 #include <vector>
 
 // --- recovery.cpp: pure
-// "demo.bas" of C:\src becomes "demo [1f00c0de-3a4-2].bas". The tag is a hash of the path (without regard to case), the
-// process and a number.
+// "demo.bas" of C:\src becomes "demo [1f00c0de-3a4-2].bas". The tag is a hash of the path without regard to case, the
+// id of the process and a number.
 std::wstring RecoveryCopyName(std::wstring_view targetPath, std::uint32_t processId, std::uint32_t number);
 
 struct RecoveryCopy {
     std::wstring path;      // the copy; empty when there is none
-    std::wstring notePath;  // the ".path" file; empty for a copy that stands beside its target
+    std::wstring notePath;  // the ".path" file; empty for a copy beside its target
 };
 
-// The copies that failed saves have left, by target (without regard to case): one for each.
+// The copies that failed saves have left: one for each target, whose path is compared without regard to case.
 class KeptCopies {
 public:
-    // A save failed and left this copy. Returns the copies of earlier failures, which are no longer needed; an empty copy
-    // replaces none.
+    // Notes the copy that a failed save has left. Returns the copies of earlier failures, which the caller deletes. An
+    // empty copy replaces none.
     std::vector<RecoveryCopy> Keep(std::wstring_view target, const RecoveryCopy& copy);
-    // A save succeeded. Returns the copies that are no longer needed.
+    // Notes that a save succeeded. Returns the copies that the caller deletes.
     std::vector<RecoveryCopy> Forget(std::wstring_view target);
     bool Has(std::wstring_view target) const;
-    // The copy that the latest save left, empty when it succeeded or could not keep one.
+    // The path of the copy that the latest save left. Empty when that save succeeded or could not keep a copy.
     const std::wstring& LastPath() const { return lastPath_; }
 
 private:
@@ -45,20 +45,21 @@ private:
 
 // --- recovery_win.cpp: any thread
 
-// Writes the copy; true once the disk has it. It is put beside the target when the user's folder cannot take it. False:
-// it fits nowhere, and nothing is left behind.
+// Writes the copy and flushes it to the disk. When the user's folder cannot take it, it is written beside the target.
+// Returns false when neither place can take it; no part of it is left then.
 bool RecoveryWrite(const wchar_t* target, const char* bytes, std::size_t length, RecoveryCopy* copy);
-// The save succeeded: removes this copy and those that failed saves of the same target left in this process.
+// After a successful save: deletes this copy, and those that failed saves of the same target have left in this process.
 void RecoveryDiscard(const wchar_t* target, const RecoveryCopy& copy);
-// The save failed: the copy stays, and those that earlier failed saves of the same target left are removed. An empty copy
-// removes none.
+// After a failed save: the copy stays, and those of earlier failed saves of the same target are deleted. An empty copy
+// deletes none.
 void RecoveryKeep(const wchar_t* target, const RecoveryCopy& copy);
 
-// A failed save of this target left a copy in this process and none has succeeded since: the target may be damaged.
+// True when a failed save of this target has left a copy in this process and none has succeeded since. The target may
+// then be damaged.
 bool RecoveryHasKept(const wchar_t* target);
 
-// The copy that the latest failed save left, empty when the latest save succeeded or nothing could be kept.
+// The path of the copy that the latest save left. Empty when that save succeeded or could not keep a copy.
 std::wstring RecoveryLastPath();
 
-// Folder of the copies with its trailing backslash, created when missing; empty when that fails.
+// The folder of the copies with its trailing backslash. Creates it when it is missing; empty when that fails.
 std::wstring RecoveryFolder();

@@ -1,4 +1,4 @@
-// Recovery copies on disk. Any thread: the list of the copies that failed saves have left stands under its own lock.
+// Recovery copies on disk. Any thread, because a lock guards the list of the copies that failed saves have left.
 #include "files/recovery.h"
 
 #include "files/file_io.h"
@@ -13,10 +13,11 @@
 namespace {
 
 std::mutex g_keptLock;
-KeptCopies g_kept;  // under g_keptLock
+KeptCopies g_kept;  // guarded by g_keptLock
 std::atomic<std::uint32_t> g_nextNumber{1};
 
-// The environment variable comes first: a user can redirect it, and asking the shell would load its libraries at a save.
+// The environment variable LOCALAPPDATA comes first: a user can redirect it, and SHGetFolderPathW would load the
+// libraries of the shell during a save.
 std::wstring LocalAppData() {
     wchar_t folder[1024];
     const DWORD length = GetEnvironmentVariableW(L"LOCALAPPDATA", folder, static_cast<DWORD>(std::size(folder)));
@@ -30,18 +31,18 @@ bool EnsureFolder(const std::wstring& folder) {
            GetLastError() == ERROR_ALREADY_EXISTS;
 }
 
-// Half a copy would only mislead.
+// A copy that cannot be written whole is deleted, because half a copy would mislead the user.
 bool WriteCopy(const std::wstring& path, std::string_view bytes) {
     return WriteWholeFile(PathForSystem(path.c_str()), bytes, {.disposition = CREATE_NEW, .removeFailed = true});
 }
 
 void DeleteCopy(const RecoveryCopy& copy) {
-    // What cannot be deleted is a leftover in the user's recovery folder, not a loss.
+    // A copy that cannot be deleted is a leftover in the user's recovery folder, not a loss.
     if (!copy.path.empty()) DeleteFileW(PathForSystem(copy.path.c_str()).c_str());
     if (!copy.notePath.empty()) DeleteFileW(PathForSystem(copy.notePath.c_str()).c_str());
 }
 
-// A name that is free in the folder: an earlier process with the same number may have left a copy.
+// A name that no file in the folder has: an earlier process with the same id may have left a copy.
 std::wstring FreeName(const std::wstring& folder, const wchar_t* target) {
     std::wstring path;
     do {
@@ -56,7 +57,7 @@ bool WriteInUserFolder(const wchar_t* target, const char* bytes, std::size_t len
     const std::string note = ToUtf8(target);
     const std::wstring path = FreeName(folder, target);
     const RecoveryCopy wanted{.path = path, .notePath = path + L".path"};
-    // The note first: with the copy on disk, so is what it belongs to.
+    // The ".path" file is written first, so that no copy is without one.
     const bool written =
         WriteFileUtf8(wanted.notePath.c_str(), note.data(), note.size()) && WriteCopy(wanted.path, {bytes, length});
     if (!written) {
@@ -82,7 +83,7 @@ std::wstring RecoveryFolder() {
 bool RecoveryWrite(const wchar_t* target, const char* bytes, std::size_t length, RecoveryCopy* copy) {
     *copy = {};
     if (WriteInUserFolder(target, bytes, length, copy)) return true;
-    // The volume of the user's folder is full or gone; the target's own volume may have room.
+    // The volume of the user's folder may be full or gone, while the target's own volume has room.
     std::wstring folder{target};
     folder.resize(folder.rfind(L'\\') + 1);  // npos + 1 is 0: the current folder
     const std::wstring beside = FreeName(folder, target);

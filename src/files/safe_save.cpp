@@ -2,10 +2,10 @@
 #include "files/safe_save.h"
 
 bool SafeSave(const SaveTarget& target, const SaveSteps& steps) {
-    // The copy is written first, also for a file that cannot be saved: it is then what the user is left with.
+    // The copy is written first, also for a file that cannot be saved, because the user then has at least the copy.
     const bool copied = steps.writeCopy();
-    // Without a copy, a file that holds something is left alone: its old text is then the only one on any disk. The
-    // read-only mark is respected because some systems let an administrator write in spite of it.
+    // Without a copy, a file that holds something is not overwritten, because its old text is then the only text on a
+    // disk. The read-only attribute is checked here, because some systems let an administrator write in spite of it.
     const bool allowed = !target.readOnly && (copied || target.size == 0);
     if (allowed && steps.hasRoom() && steps.overwrite()) {
         const SaveCheck check = steps.check();
@@ -14,7 +14,7 @@ bool SafeSave(const SaveTarget& target, const SaveSteps& steps) {
             return true;
         }
         steps.keepCopy();
-        // A file that takes bytes but cannot be read back was saved as far as anyone can tell.
+        // A file that was written but cannot be read back counts as saved.
         return check == SaveCheck::Unreadable;
     }
     steps.keepCopy();

@@ -1,5 +1,5 @@
-// The order in which a save touches the disk, so that at every instant either the old or the new text stands somewhere
-// whole. Pure: the steps themselves are given.
+// The order in which a save touches the disk. At every instant some file holds the whole old text or the whole new one.
+// Pure: the steps are given as functions.
 #pragma once
 
 #include <cstdint>
@@ -11,15 +11,15 @@ struct SaveTarget {
     std::uint64_t size = 0;  // bytes; 0 also when there is no such file
 };
 
-enum class SaveCheck : std::uint8_t { Same, Different, Unreadable };  // what reading the file back has shown
+enum class SaveCheck : std::uint8_t { Same, Different, Unreadable };  // the result of reading the file back
 
 struct SaveSteps {
-    std::function<bool()> writeCopy;   // the new text is on the disk, in a recovery copy
-    std::function<bool()> hasRoom;     // the volume can take the new text in place of the old one
-    std::function<bool()> overwrite;   // the new text is on the disk, in the file itself
-    std::function<SaveCheck()> check;  // after a good overwrite only
+    std::function<bool()> writeCopy;   // writes the new text to a recovery copy, flushed
+    std::function<bool()> hasRoom;     // whether the volume can take the new text in place of the old one
+    std::function<bool()> overwrite;   // writes the new text to the file itself, flushed
+    std::function<SaveCheck()> check;  // only called when `overwrite` has succeeded
     std::function<void()> discardCopy;
-    std::function<void()> keepCopy;  // also when there is none
+    std::function<void()> keepCopy;  // also called when there is no copy
 };
 
 // True when the file was saved. Exactly one of `discardCopy` and `keepCopy` is called, as the last step.

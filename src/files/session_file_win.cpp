@@ -1,4 +1,3 @@
-// Replacing a small file in one step. Any thread.
 #include "files/session_file.h"
 
 #include "files/file_io.h"
@@ -7,7 +6,7 @@
 #include <string>
 
 bool ReplaceFileWithText(const wchar_t* path, std::string_view bytes) {
-    // One temporary name per process: two editors that close at the same time do not write into one file.
+    // The name holds the process id, so that two editors that close at the same time do not write to one file.
     const std::wstring beside = std::wstring{path} + L"." + std::to_wstring(GetCurrentProcessId()) + L".tmp";
     const std::wstring systemBeside = PathForSystem(beside.c_str());
     if (WriteWholeFile(systemBeside, bytes, {}) &&
@@ -16,7 +15,7 @@ bool ReplaceFileWithText(const wchar_t* path, std::string_view bytes) {
         return true;
     const DWORD error = GetLastError();
     DeleteFileW(systemBeside.c_str());  // there may be none
-    // A folder that takes no new file may still hold a file that can be written. A full disk is no such case: it would
-    // cost the old content as well.
+    // A folder that takes no new file may still have a file that can be written. After ERROR_DISK_FULL that is not
+    // tried, because it would cost the old content as well.
     return error != ERROR_DISK_FULL && WriteFileUtf8(path, bytes.data(), bytes.size());
 }

@@ -1,5 +1,5 @@
-// Source files between disk and editor: encoding and line ending are found on the way in and restored on the way out.
-// What a save does in which order is files/safe_save. Any thread.
+// Reads and saves source files. Encoding and line ending are found when a file is read and restored when it is saved.
+// The order of a save's steps is in files/safe_save.cpp. Any thread.
 #include "files/file_io.h"
 
 #include "base/handles.h"
@@ -17,7 +17,7 @@ constexpr std::size_t kVerifyChunk = 1 << 20;
 
 struct WideBlock {
     HeapBlock<wchar_t> text;
-    int length = 0;  // without a terminator; 0: failed
+    int length = 0;  // without the terminator; 0: the conversion failed
 };
 
 WideBlock ToWide(UINT codePage, const char* bytes, std::size_t length) {
@@ -39,7 +39,7 @@ struct ByteBlock {
     std::size_t length = 0;
 };
 
-// NUL-terminated; no block on failure.
+// Terminated by a NUL; without a block on failure.
 ByteBlock FromWide(UINT codePage, const WideBlock& wide) {
     ByteBlock result;
     if (wide.length < 1) return result;
@@ -57,7 +57,8 @@ ByteBlock FromWide(UINT codePage, const WideBlock& wide) {
 
 struct FoundTarget {
     SaveTarget target;
-    // The overwritten file is created with these: the system refuses to overwrite a hidden or system file unless they match.
+    // The attributes that the overwritten file gets: the system refuses to overwrite a hidden or system file with
+    // others.
     DWORD attributes = FILE_ATTRIBUTE_NORMAL;
 };
 
@@ -74,9 +75,9 @@ FoundTarget LookAtTarget(const std::wstring& systemPath) {
     return found;
 }
 
-// False only when the volume certainly has no room for the new text, with that of the old one counted as free. Truncating
-// first and running out afterwards would leave half a file. A recovery copy on the same volume has taken its room already,
-// on purpose: it is what the user is left with.
+// False only when the volume has no room for the new text in place of the old one. If the file were truncated first and
+// the disk then ran full, half a file would be left. A recovery copy on the same volume counts as used room on purpose,
+// because it is what the user has when the save fails.
 bool VolumeHasRoom(const wchar_t* path, const SaveTarget& target, std::size_t length) {
     if (length <= target.size) return true;
     wchar_t directory[4096];
@@ -84,7 +85,7 @@ bool VolumeHasRoom(const wchar_t* path, const SaveTarget& target, std::size_t le
     ULARGE_INTEGER available = {};
     if (directory[0] == L'\0' ||
         GetDiskFreeSpaceExW(PathForSystem(directory).c_str(), &available, nullptr, nullptr) == FALSE)
-        return true;  // not known: the write will tell
+        return true;  // not known: the write itself shows it
     return length - target.size <= available.QuadPart;
 }
 
@@ -147,7 +148,7 @@ char* ReadSourceFileForEditor(const wchar_t* path, std::size_t* length, TextEnco
 bool WriteSourceFileFromEditor(const wchar_t* path, const char* utf8, std::size_t length, TextEncoding encoding,
                                LineEnding lineEnding) {
     if (path == nullptr || utf8 == nullptr) return false;
-    RecoveryKeep(path, {});  // the copy of an earlier failure is not this one's
+    RecoveryKeep(path, {});  // an empty copy: what an earlier failure has left is not this save's copy
     std::size_t normalLength = 0;
     HeapBlock<char> normal{NormalizeLineEndings(utf8, length, lineEnding, &normalLength)};
     if (!normal) return false;
@@ -161,14 +162,14 @@ bool WriteSourceFileFromEditor(const wchar_t* path, const char* utf8, std::size_
 bool AnsiCanHold(std::string_view utf8) { return AnsiFirstUnmappable(utf8) < 0; }
 
 std::ptrdiff_t AnsiFirstUnmappable(std::string_view utf8) {
-    // A system whose code page is UTF-8 holds everything, and takes no question about replacements.
+    // A system whose ANSI code page is UTF-8 holds every character, and does not accept WC_NO_BEST_FIT_CHARS.
     if (GetACP() == CP_UTF8) return -1;
     constexpr int kAnsiCapacity = 2 * ((1 << 16) + 4);
     const HeapBlock<char> ansi{static_cast<char*>(std::malloc(kAnsiCapacity))};
     return FirstRefusedCharacter(utf8, [&ansi](std::string_view part) {
         const WideBlock wide = ToWide(CP_UTF8, part.data(), part.size());
         BOOL replaced = FALSE;
-        // With look-alikes forbidden, what would silently become another character counts too.
+        // WC_NO_BEST_FIT_CHARS makes a character count as replaced when it would become a similar one.
         return wide.length > 0 && ansi &&
                WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.text.get(), wide.length, ansi.get(),
                                    kAnsiCapacity, nullptr, &replaced) > 0 &&

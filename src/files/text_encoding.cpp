@@ -1,5 +1,5 @@
-// UTF-8 validation and line breaks over whole files of bytes. Everything here walks eight bytes at a time where it
-// can: a source of 100 MB is checked on every start that opens one. Pure; any thread.
+// Checks UTF-8 and converts line breaks of whole files, mostly eight bytes at a time: a source of 100 MB is checked
+// whenever it is opened. Pure; any thread.
 #include "files/text_encoding.h"
 
 #include <algorithm>
@@ -18,8 +18,8 @@ std::uint64_t Load8(const char* at) {
     return word;
 }
 
-// Sets the high bit of each byte of `word` that is zero. A byte of 1 above a zero byte may be marked too: a hit has to be
-// looked at again byte by byte.
+// Sets the high bit of each zero byte of `word`. A byte of 1 above a zero byte may be set too, so a hit is checked byte
+// by byte.
 constexpr std::uint64_t ZeroBytes(std::uint64_t word) { return (word - kLowBits) & ~word & kHighBits; }
 
 const char* SkipAscii(const char* at, const char* end) {
@@ -46,13 +46,13 @@ const char* AfterLineBreak(const char* at, const char* end) {
     return *at == '\r' && end - at > 1 && at[1] == '\n' ? at + 2 : at + 1;
 }
 
-// Bytes of the sequence that begins at `at`, a byte of 0x80 or more; 0 when it is not well formed.
+// The length of the sequence that begins at `at` with a byte of 0x80 or more. 0 when it is not well formed.
 std::size_t SequenceLength(const char* at, const char* end) {
     const auto byte = [at](std::size_t i) { return static_cast<unsigned char>(at[i]); };
     const auto left = static_cast<std::size_t>(end - at);
     const unsigned lead = byte(0);
     std::size_t length = 0;
-    unsigned low = 0x80;  // limits of the second byte; they keep out overlong forms, surrogates and the far end
+    unsigned low = 0x80;  // limits of the second byte: no overlong forms, surrogates, or code points beyond U+10FFFF
     unsigned high = 0xBF;
     if (lead >= 0xC2 && lead <= 0xDF) {
         length = 2;
@@ -80,7 +80,7 @@ bool IsValidUtf8Bytes(const char* bytes, std::size_t length) {
         const std::size_t taken = SequenceLength(at, end);
         if (taken == 0) return false;
         at += taken;
-        // In text of another script the next byte is most often no ASCII; the long stride pays only when it is.
+        // In text of another script the next byte is seldom ASCII, and SkipAscii pays only when it is.
         if (at != end && static_cast<unsigned char>(*at) < 0x80) at = SkipAscii(at, end);
     }
     return true;

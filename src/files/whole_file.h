@@ -1,4 +1,4 @@
-// Writing a file in one go: what the savers of this folder share. Private to this folder; any thread.
+// Writes a file whole, for the functions of this folder that save. Private to this folder; any thread.
 #pragma once
 
 #include <windows.h>
@@ -9,9 +9,10 @@
 struct WriteHow {
     DWORD disposition = CREATE_ALWAYS;
     DWORD attributes = FILE_ATTRIBUTE_NORMAL;
-    bool flush = true;          // the disk has the bytes when the call returns true
-    bool removeFailed = false;  // a file that was opened but not written whole is deleted
+    bool flush = true;          // flushes the bytes to the disk before it returns
+    bool removeFailed = false;  // deletes a file that was opened but not written whole
 };
 
-// True when all bytes were written; 4 GiB and more are refused. `systemPath` is of the form that PathForSystem gives.
+// Returns true when all bytes were written; 4 GiB and more are refused. After a failed write GetLastError() tells the
+// reason. `systemPath` has the form that PathForSystem returns.
 bool WriteWholeFile(const std::wstring& systemPath, std::string_view bytes, const WriteHow& how);

@@ -1,7 +1,7 @@
-// The formatter. It works on logical lines: physical lines joined by " _". Each statement opens and closes blocks on a
-// stack; a line is indented by what is open when its first statement has closed what it closes. It changes leading and
-// trailing blanks and the case of keywords, nothing else: strings, comments, DATA and inline assembly stay as they are,
-// and lines keep their ends. Pure.
+// The formatter. It works on logical lines, which are physical lines joined by " _". Statements open and close blocks
+// on a stack. A line is indented by the blocks that are open after its first statement has closed its own. Only leading
+// and trailing blanks and the case of keywords change. Strings, comments, DATA, inline assembly and line ends stay as
+// they are. Pure.
 #include "language/format.h"
 
 #include "language/lexer_table.h"
@@ -36,7 +36,7 @@ enum class Block : std::uint8_t {
     Asm,
 };
 
-// A name after END, or the opening word, and the block it belongs to.
+// A word that opens a block or follows END, and its block.
 struct BlockWord {
     std::string_view word;
     Block block;
@@ -92,17 +92,18 @@ bool IsContainer(Block block) {
     return block == Block::Class || block == Block::Interface || block == Block::Namespace;
 }
 
-// A statement as its tokens: words in capitals, every other character that counts as itself, strings as "\"".
+// The tokens of a statement: words in capitals, other characters as themselves, a string as "\"". Blanks and comments
+// are left out.
 using Statement = std::vector<std::string>;
 
-// What one physical line holds.
+// The content of one physical line.
 struct LineScan {
-    std::vector<Statement> statements;  // separated by colons; the first continues an earlier line's last
+    std::vector<Statement> statements;  // separated by colons; the first may continue the last one of the line before
     bool continues = false;             // ends with " _"
-    bool openString = false;            // a string without its end: trailing blanks belong to it
+    bool openString = false;            // a string is not closed, so trailing blanks belong to it
     bool labelOnly = false;             // "name:" and nothing else
     std::string directive;              // "IF" of "#IF"
-    std::string text;                   // the line with its keywords in the wanted case
+    std::string text;                   // the line, with its keywords in capitals when that is an option
 };
 
 struct Scanner {
@@ -130,7 +131,7 @@ void ScanString(Scanner& scan) {
     AddToken(scan, "\"");
 }
 
-// Digits, or "&H" and the like with what follows; letters in them are no words.
+// A number in digits, or after "&H" and the like. Letters in it are not words.
 void ScanNumber(Scanner& scan) {
     std::size_t end = scan.at + (scan.line[scan.at] == '&' ? 2 : 1);
     while (end < scan.line.size() && (IsNameCharacter(scan.line[end]) || scan.line[end] == '.')) ++end;
@@ -152,7 +153,7 @@ void ScanWord(Scanner& scan) {
         CopyRest(scan);
         return;
     }
-    // A member, a constant or a directive's name is no keyword, whatever it is called.
+    // The name of a member, a constant or a directive is not a keyword.
     const bool plain = before != '.' && before != '%' && before != '$' && before != '@';
     const bool upperCase = scan.upperKeywords && plain && (before == '#' ? scan.first : IsBasicKeyword(word));
     scan.out->text.append(upperCase ? upper : std::string(word));
@@ -165,7 +166,7 @@ void ScanWord(Scanner& scan) {
     if (data) CopyRest(scan);
 }
 
-// A whole line without its end and its leading blanks.
+// Scans a line without its end and its leading blanks.
 LineScan ScanLine(std::string_view line, bool upperKeywords, bool first) {
     LineScan out;
     out.statements.emplace_back();
@@ -192,7 +193,7 @@ LineScan ScanLine(std::string_view line, bool upperKeywords, bool first) {
                 AddToken(scan, std::string(1, c));
             continue;
         }
-        // A comment may follow the underscore; anything else undoes it.
+        // Only blanks and a comment may follow the underscore of a continued line.
         if (c != '\'') out.continues = false;
     }
     out.labelOnly = first && out.statements.size() == 2 && out.statements[0].size() == 1 && out.statements[1].empty() &&
@@ -204,12 +205,13 @@ LineScan ScanLine(std::string_view line, bool upperKeywords, bool first) {
 
 struct Nesting {
     std::vector<Block> open;
-    int base = 0;  // levels that were open before the text began
+    int base = 0;  // levels that are open before the text begins
 
     int Depth() const { return base + static_cast<int>(open.size()); }
 };
 
-// Closes the innermost block of a kind and what was left open inside. A block from before the text closes one level.
+// Closes the innermost block of a kind with all blocks inside it. A block that was opened before the text closes one
+// level.
 void CloseBlock(Nesting& nesting, Block block) {
     const auto found = std::find(nesting.open.rbegin(), nesting.open.rend(), block);
     if (found != nesting.open.rend())
@@ -218,7 +220,8 @@ void CloseBlock(Nesting& nesting, Block block) {
         --nesting.base;
 }
 
-// A procedure cannot stand inside another: whatever is open was left open by mistake, and must not shift the rest.
+// Closes all blocks but containers, because no procedure can be inside another: what is still open was left open by
+// mistake and must not indent the rest.
 void CloseProcedures(Nesting& nesting) {
     const auto first =
         std::find_if(nesting.open.begin(), nesting.open.end(), [](Block block) { return !IsContainer(block); });
@@ -229,7 +232,8 @@ std::string_view TokenAt(const Statement& statement, std::size_t index) {
     return index < statement.size() ? std::string_view(statement[index]) : std::string_view();
 }
 
-// The block that a statement opens with SUB, TYPE and the like, or null. "FUNCTION = 1" and "TYPE SET" open none.
+// The row of the block that a statement opens with SUB, TYPE and the like, or null. "FUNCTION = 1" and "TYPE SET" open
+// none.
 const BlockWord* OpenedDefinition(const Statement& statement) {
     std::size_t at = 0;
     while (std::find(std::begin(kPrefixes), std::end(kPrefixes), TokenAt(statement, at)) != std::end(kPrefixes)) ++at;
@@ -241,7 +245,7 @@ const BlockWord* OpenedDefinition(const Statement& statement) {
     switch (word->block) {
         case Block::Type: return named && name != "SET" ? word : nullptr;
         case Block::Macro: {
-            // "MACRO name(args) = text" is whole on its line.
+            // "MACRO name(args) = text" is complete in one line.
             const auto from = statement.begin() + static_cast<std::ptrdiff_t>(at);
             return named && std::find(from, statement.end(), "=") == statement.end() ? word : nullptr;
         }
@@ -259,7 +263,7 @@ const BlockWord* OpenedDefinition(const Statement& statement) {
     }
 }
 
-// What a statement does to the blocks: closes first, then opens.
+// The effect of a statement on the blocks. It closes blocks first, then opens one.
 struct Effect {
     enum class Kind : std::uint8_t { None, Close, Middle, CaseLabel } kind = Kind::None;
     Block block = Block::If;
@@ -303,7 +307,7 @@ Effect StatementEffect(const Statement& statement) {
     return {};
 }
 
-// Applies the closing half and returns the depth that the statement's own line stands at.
+// Closes what the statement closes. Returns the depth of the statement's own line.
 int ApplyClosing(Nesting& nesting, const Effect& effect) {
     using Kind = Effect::Kind;
     if (effect.opens && IsProcedure(effect.opened)) CloseProcedures(nesting);
@@ -340,7 +344,7 @@ int ApplyStatements(Nesting& nesting, const std::vector<Statement>& statements) 
         if (firstStatement) depth = closed;
         firstStatement = false;
         if (effect.opens) nesting.open.push_back(effect.opened);
-        // What follows the THEN of a one-line IF is part of it and closes what it opens.
+        // The statements after the THEN of a one-line IF belong to it and open no blocks for the lines below.
         const bool oneLineIf = TokenAt(statement, 0) == "IF" && !effect.opens;
         if (oneLineIf) break;
     }
@@ -383,7 +387,7 @@ void AppendIndent(std::string& out, int depth, const FormatOptions& options) {
         out.append(static_cast<std::size_t>(levels * std::max(options.indentWidth, 0)), ' ');
 }
 
-// Both branches of a conditional compilation start from the same nesting. Returns the depth of the directive's line.
+// All branches of a conditional compilation start from the same nesting. Returns the depth of the directive's line.
 int ApplyDirective(const std::string& directive, Nesting& nesting, std::vector<Nesting>& saved) {
     int depth = nesting.Depth();
     if (directive == "IF" || directive == "IFDEF" || directive == "IFNDEF") {

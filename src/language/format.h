@@ -1,4 +1,4 @@
-// The formatter: BASIC source indented by its block structure. Pure.
+// The formatter indents BASIC source by its block structure. Pure.
 #pragma once
 
 #include <string>
@@ -7,8 +7,9 @@
 struct FormatOptions {
     int indentWidth = 4;  // columns
     bool useTabs = false;
-    bool upperKeywords = true;  // keywords in capitals; strings and comments are never touched
+    bool upperKeywords = true;  // keywords become upper case; strings and comments do not change
 };
 
-// `text` is whole lines; line ends are kept as they are. `startDepth`: indentation level of the first line.
+// Formats whole lines of UTF-8 and keeps their ends. `startDepth` is the number of levels by which the first line is
+// indented.
 std::string FormatBasicSource(std::string_view text, const FormatOptions& options, int startDepth = 0);

@@ -1,4 +1,4 @@
-// Finds inline assembly, line by line. Knows nothing of editors and colours. Pure.
+// Finds inline assembly line by line. Pure.
 #include "language/inline_regions.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@ std::size_t SkipAsmBlanks(std::string_view line, std::size_t at) {
     return at;
 }
 
-// Whether the word `upper` stands at `at` of the line, in any case.
+// Whether the line has the word `upper`, which is in upper case, at `at`. The letter case of the line does not count.
 bool WordAt(std::string_view line, std::size_t at, std::string_view upper) {
     if (line.size() < at + upper.size()) return false;
     for (std::size_t i = 0; i < upper.size(); ++i) {

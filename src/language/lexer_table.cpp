@@ -1,4 +1,4 @@
-// File extensions to lexers, keyword sets, and style numbers to text roles. Pure.
+// The lexer of a file extension, its keyword sets, and the text role of each of its styles. Pure.
 #include "language/lexer_table.h"
 
 #include "base/path.h"
@@ -58,8 +58,8 @@ constexpr StyleRole kAssemblyStyles[] = {
     {SCE_ASM_DIRECTIVEOPERAND, TextRole::Preprocessor},
 };
 
-// Of Lexilla's BASIC lexers "vb" ends strings, comments and directives with their line, so that one missing quote never
-// recolours the rest of the file, and knows REM, type suffixes and several keyword sets.
+// Of Lexilla's BASIC lexers, "vb" is taken because it ends strings, comments and directives at the end of their line: a
+// missing quote does not recolour the rest of the file. It also knows REM, type suffixes and several keyword sets.
 constexpr LanguageLexer kLexers[] = {
     {"vb", kBasicStyles}, {"cpp", kCStyles}, {"asm", kAssemblyStyles}, {"as", kAssemblyStyles}, {nullptr, {}},
 };
@@ -84,7 +84,7 @@ constexpr std::string_view kBasicFunctions =
     "poke remain remove repeat replace retain right rnd round rset rtrim sgn sin sizeof space spc sqr str strdelete "
     "strinsert strptr strreverse switch tab tally tan time timer trim ubound ucase val varptr verify";
 
-// What a compiler's dialect adds to the common sets.
+// The words that the dialect of a compiler adds to the common sets.
 struct DialectRow {
     std::uint32_t compilerId;
     std::string_view words;

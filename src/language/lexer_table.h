@@ -1,5 +1,5 @@
-// Which lexer colours a file, with which keywords, and what its style numbers mean. The lexers are Lexilla's; this is
-// what the program knows about them. Pure.
+// What the program knows about Lexilla's lexers: which one colours a file, with which keywords, and what its styles
+// mean. Pure.
 #pragma once
 
 #include "settings/file_type_table.h"
@@ -10,23 +10,25 @@
 #include <string>
 #include <string_view>
 
-// By the file's extension; an empty or extensionless path is BASIC, since a new document is going to be one.
+// The language by the file's extension. A path without one is BASIC, because a new document has none yet. None for an
+// unknown extension.
 Language LexerFromExtension(std::wstring_view path);
 
 struct StyleRole {
-    std::uint8_t style;  // the lexer's number
+    std::uint8_t style;  // the lexer's number of the style
     TextRole role;
 };
 
 struct LanguageLexer {
-    const char* name;                   // Lexilla's, null for plain text
-    std::span<const StyleRole> styles;  // styles that are not listed stay plain text
+    const char* name;                   // the lexer's name in Lexilla; null for plain text
+    std::span<const StyleRole> styles;  // a style that is not listed is plain text
 };
 const LanguageLexer& LexerOf(Language language);
 
-// The lexer's keyword sets 0, 1, 2...: for BASIC by the compiler's dialect. Lower case, blank separated.
+// The lexer's keyword set 0, 1, 2..., in lower case and separated by blanks. For BASIC it depends on the compiler's
+// dialect. Empty for a set that the language does not have.
 inline constexpr int kKeywordSets = 6;
 std::string LexerKeywords(Language language, std::uint32_t compilerId, int set);
 
-// Whether a word, in any case, is a BASIC keyword that is written in capitals.
+// Whether a word is a keyword of BASIC in any dialect, without regard to case.
 bool IsBasicKeyword(std::string_view word);

@@ -1,5 +1,5 @@
-// Every resource, control, command, message and timer number of the program. Macros, because the resource
-// compiler reads this file too.
+// The numbers of all resources, controls, commands, messages and timers. Macros, because the resource compiler reads
+// this file, too.
 #pragma once
 
 // --- Resources
@@ -63,7 +63,7 @@
 #define IDM_USE_KVXA32 1253
 #define IDM_USE_KELDORBASIC 1254
 #define IDM_USE_KVXC64 1320
-// Not in the menu: reached from the error list, the output pane and the keyboard.
+// The next ones are not in the menu, but used by the error list, the output pane and the keyboard.
 #define IDM_ERROR_NEXT 1310
 #define IDM_ERROR_PREVIOUS 1311
 #define IDM_PROFILE_DEBUG 1312
@@ -82,7 +82,7 @@
 #define IDM_DEBUG_STEP_INTO 1905
 #define IDM_DEBUG_STEP_OUT 1506
 #define IDM_DEBUG_BREAKPOINT 1507
-// Toolbar: the first five go on to 1901, 1903, 1905, 1904 and 1506.
+// Buttons of the toolbar. The first five do the same as the commands 1901, 1903, 1905, 1904 and 1506.
 #define IDM_DEBUG_BUTTON_START 1501
 #define IDM_DEBUG_BUTTON_STOP 1502
 #define IDM_DEBUG_BUTTON_STEP_INTO 1503
@@ -97,7 +97,7 @@
 #define IDM_DEBUG_RUN_TO_CURSOR 1906
 #define IDM_DEBUG_CONTINUE 1907
 #define IDM_DEBUG_PAUSE 1908
-#define IDM_DEBUG_ENABLE_BREAKPOINT 1909  // on the caret's line: off, and on again
+#define IDM_DEBUG_ENABLE_BREAKPOINT 1909  // of the caret's line: switches it off and on
 #define IDM_DEBUG_REMOVE_BREAKPOINTS 1910
 #define IDM_VIEW_DEBUG_PANE 1911
 // --- Tools, Help
@@ -138,11 +138,11 @@
 #define IDC_DEBUG_PANE 2307
 // Children of the debug pane.
 #define IDC_DEBUG_TABS 2401
-#define IDC_DEBUG_LIST 2402     // list view of all but the memory
-#define IDC_DEBUG_TEXT 2403     // memory (Scintilla)
-#define IDC_DEBUG_ADDRESS 2404  // address line of memory and disassembly
-#define IDC_DEBUG_MORE 2405     // the views whose tabs there is no room for
-// Editors: IDC_EDITOR_FIRST and up, one number a tab ever opened.
+#define IDC_DEBUG_LIST 2402     // list view, for all views but the memory
+#define IDC_DEBUG_TEXT 2403     // Scintilla, for the memory
+#define IDC_DEBUG_ADDRESS 2404  // address field of memory and disassembly
+#define IDC_DEBUG_MORE 2405     // button for the tabs that have no room
+// The first editor. Each tab that is ever opened gets the next number.
 #define IDC_EDITOR_FIRST 5000
 
 // --- Controls of the go-to-line dialog
@@ -173,19 +173,19 @@
 // --- Messages of the main window (WM_USER = 0x0400, WM_APP = 0x8000). The receiver frees a heap block in wParam.
 #define MSG_BUILD_OUTPUT (0x0400 + 100)    // wParam: heap wide text, lParam: colour (0 = default)
 #define MSG_BUILD_FINISHED (0x0400 + 101)  // wParam: exit code of the compiler
-#define MSG_STARTUP (0x0400 + 200)         // start-up completion, posted once by the window's creation
+#define MSG_STARTUP (0x0400 + 200)         // completes start-up; posted once when the window is created
 #define MSG_REINIT_EDITOR (0x0400 + 201)   // wParam: tab index, lParam: id of its document or 0
-#define MSG_FOCUS_EDITOR (0x8000 + 1)      // give the active editor the focus
+#define MSG_FOCUS_EDITOR (0x8000 + 1)      // gives the active editor the focus
 #define MSG_AI_REPLY (0x8000 + 3)          // wParam: heap UTF-8 reply or null, lParam: chat or replacement
-#define MSG_DEBUG_LAUNCH (0x8000 + 11)     // the debug build is done: start its program under the debugger
-#define MSG_TREE_ITEMS (0x8000 + 10)       // to the project tree: wParam: TreeListing*, deleted by the receiver
+#define MSG_DEBUG_LAUNCH (0x8000 + 11)     // starts the program of a finished debug build under the debugger
+#define MSG_TREE_ITEMS (0x8000 + 10)       // to the project tree; wParam: TreeListing*, deleted by the receiver
 
 // --- Timers of the main window
 #define TIMER_AUTO_SAVE 1
 #define TIMER_SESSION 2
-#define TIMER_OUTPUT 3  // applies queued build output in batches
-#define TIMER_BUILD 4   // progress of a running build in the status bar
-#define TIMER_DEBUG 5   // asks a running debuggee for its next event
+#define TIMER_OUTPUT 3  // shows queued build output in batches
+#define TIMER_BUILD 4   // shows the progress of a build in the status bar
+#define TIMER_DEBUG 5   // polls the debuggee for its next event
 // Looks for the console of a program that was just started under the debugger.
 #define TIMER_DEBUG_CONSOLE 6
 #define TIMER_FOCUS 32770

@@ -1,4 +1,4 @@
-// Messages to a Scintilla window. Everyone talks to an editor through these. UI thread.
+// Sends messages to Scintilla windows. UI thread only.
 #pragma once
 
 #include <windows.h>
@@ -9,13 +9,14 @@
 #include <string>
 #include <string_view>
 
-// From SciAttach to SciDetach, which comes no later than the window's end, SciSend takes Scintilla's own messages straight
-// to the editor: the way through a subclassed window costs several system calls a message, and a key needs dozens.
+// Between SciAttach and SciDetach, SciSend calls Scintilla directly for Scintilla's own messages. A message through a
+// subclassed window costs several system calls, and a key needs dozens of messages. SciDetach must be called before the
+// window is destroyed.
 void SciAttach(HWND editor);
 void SciDetach(HWND editor);
 
-// SendMessageW, or 0 without sending when `editor` is empty.
+// Sends the message and returns its result. Returns 0 without sending when `editor` is null.
 LRESULT SciSend(HWND editor, UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
 
-// Sends `text` as UTF-8, cut to 511 bytes; nothing when `editor` or `text` is missing.
+// Sends `text` as UTF-8, cut to 511 bytes between characters. Does nothing when `editor` or `text` is null.
 void SciSendString(HWND editor, UINT message, WPARAM wParam, const wchar_t* text);

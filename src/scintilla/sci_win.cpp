@@ -1,4 +1,4 @@
-// The two ways to talk to a Scintilla window. Knows nothing of documents or settings. UI thread.
+// Sends messages to Scintilla windows, directly or through the system. UI thread only.
 #include "scintilla/sci.h"
 
 #include <vector>
@@ -10,7 +10,7 @@ struct Attached {
     SciFnDirect call;
     sptr_t pointer;
 };
-std::vector<Attached> g_attached;  // one an open document: few, and looked through at every message
+std::vector<Attached> g_attached;  // one for each open document; searched for every message, because they are few
 
 }  // namespace
 
@@ -27,7 +27,7 @@ void SciDetach(HWND editor) {
 
 LRESULT SciSend(HWND editor, UINT message, WPARAM wParam, LPARAM lParam) {
     if (editor == nullptr) return 0;
-    if (message >= SCI_START) {  // the system's messages are for the window and its subclass
+    if (message >= SCI_START) {  // the system's messages must reach the window and its subclass
         for (const Attached& row : g_attached)
             if (row.editor == editor) return row.call(row.pointer, message, wParam, lParam);
     }
@@ -40,8 +40,8 @@ void SciSendString(HWND editor, UINT message, WPARAM wParam, const wchar_t* text
     char utf8[kCapacity];
     int length = WideCharToMultiByte(CP_UTF8, 0, text, -1, utf8, kCapacity, nullptr, nullptr);
     if (length <= 0) {
-        // Too long for the buffer: as many whole characters as fit. No character needs more than three bytes a
-        // UTF-16 unit, so the loop ends; a surrogate pair is never split.
+        // Too long for the buffer: converts as many whole characters as fit. A UTF-16 unit needs at most three bytes,
+        // so the loop ends. A surrogate pair is never split.
         int units = lstrlenW(text) < kCapacity ? lstrlenW(text) : kCapacity - 1;
         do {
             if (IS_HIGH_SURROGATE(text[units - 1])) --units;

@@ -1,4 +1,4 @@
-// The two editing libraries, loaded at run time. UI thread.
+// Scintilla.dll and Lexilla.dll, which are loaded at run time. UI thread only.
 #pragma once
 
 #include <windows.h>
@@ -11,19 +11,20 @@ using CreateLexerFunction = Scintilla::ILexer5*(__stdcall*)(const char* name);
 
 struct ScintillaLibrary {
     HMODULE scintilla = nullptr;
-    HMODULE lexilla = nullptr;                  // empty: documents show as plain text
-    CreateLexerFunction createLexer = nullptr;  // "CreateLexer" of Lexilla, empty without it
+    HMODULE lexilla = nullptr;                  // null: documents are shown as plain text
+    CreateLexerFunction createLexer = nullptr;  // "CreateLexer" of Lexilla; null without Lexilla
 };
 
-// Loads Scintilla.dll (registering its window class) and Lexilla.dll into `g_scintilla`'s fields and the out
-// parameters. `third` is always set to null. Returns 1, or 0 after showing "Could not load Scintilla.dll".
-// A missing Lexilla is no error.
+// Loads Scintilla.dll, which registers its window class, and Lexilla.dll. Their handles go to `g_scintilla` and to the
+// out parameters, which may be null. `third` is always set to null. Returns 1, or 0 after it has shown "Could not load
+// Scintilla.dll". A missing Lexilla is not an error.
 int ScintillaLoad(HMODULE* scintilla, HMODULE* lexilla, HMODULE* third);
 
-// A lexer object by its name, or null without Lexilla. Scintilla takes ownership with SCI_SETILEXER.
+// Creates a lexer by its name. Returns null for an unknown name and without Lexilla. Scintilla takes ownership with
+// SCI_SETILEXER.
 Scintilla::ILexer5* ScintillaCreateLexer(const char* name);
 
-// Frees Lexilla, then Scintilla, each only if loaded.
+// Frees Lexilla, then Scintilla. Either may be null.
 void ScintillaUnload(HMODULE scintilla, HMODULE lexilla);
 
 struct ScintillaState {

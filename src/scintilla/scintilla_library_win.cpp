@@ -1,5 +1,4 @@
-// Loading of the editing component and its lexers, which come as DLLs beside the executable. Knows nothing of
-// windows or documents. UI thread.
+// Loads Scintilla and its lexers, which are DLLs beside the executable. UI thread only.
 #include "scintilla/scintilla_library.h"
 
 #include "base/log.h"
@@ -12,7 +11,7 @@ using RegisterClassesFunction = int(__stdcall*)(void* instance);
 
 template <typename Function>
 Function FindExport(HMODULE library, const char* name) {
-    // The detour through void* is how a FARPROC becomes another function type without a warning.
+    // The cast through void* avoids a warning about function types.
     return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
 }
 
@@ -30,7 +29,7 @@ int ScintillaLoad(HMODULE* scintilla, HMODULE* lexilla, HMODULE* third) {
         TellUser(L"Error", L"Could not load Scintilla.dll", AskIcon::Error);
         return 0;
     }
-    // A build that registers its classes while loading may lack the export; then there is nothing to call.
+    // A Scintilla that registers its classes while it is loaded may not have this export, and does not need the call.
     if (const auto registerClasses =
             FindExport<RegisterClassesFunction>(libraries.scintilla, "Scintilla_RegisterClasses"))
         registerClasses(g_ui.hInstance);

@@ -1,4 +1,5 @@
-// The five compilers by number: indices of every per-compiler table. What is known of each stands in compilers.h. Pure.
+// The numbers of the five compilers: the indices of every table with one row for each. What is known of a compiler is
+// in compilers.h. Pure.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// The rules over the table of compilers. Knows neither the settings nor the disk. Pure; any thread.
+// The rules on the table of compilers. They use neither the settings nor the disk. Pure; any thread.
 #include "settings/compiler_table.h"
 
 #include "base/bounded_text.h"
@@ -36,7 +36,7 @@ std::wstring CompilerLabel(std::uint32_t id, bool installed) {
 
 std::uint32_t CompilerNext(std::uint32_t id) { return id < kCompilerCount ? (id + 1) % kCompilerCount : 0; }
 
-// The markers are plain parts of the whole path: a folder named LIB64 counts.
+// The markers may be anywhere in the path: a folder named LIB64 matches.
 std::uint32_t PickCompilerForFile(std::wstring_view path, std::uint32_t activeCompiler, const CompilerProbe& exists) {
     const std::size_t dot = path.rfind(L'.');
     if (dot == std::wstring_view::npos) return kDefaultCompiler;
@@ -69,7 +69,7 @@ void CompilerMakeOutputPath(const wchar_t* source, wchar_t* out, std::size_t cap
     const std::wstring_view whole = name;
     const std::wstring executable = std::wstring{whole.substr(0, whole.rfind(L'.'))} + L".exe";
     if (directory[0] == L'\0')
-        SafeCopyW(out, capacity, executable);  // a bare name stays one: joined, it would move to the drive's root
+        SafeCopyW(out, capacity, executable);  // PathJoin would move a bare name to the root of the drive
     else
         PathJoin(directory, executable.c_str(), out, capacity);
 }

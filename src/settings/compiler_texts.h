@@ -1,8 +1,9 @@
-// The long constants of the table of compilers: built-in descriptions, and where the start-up search looks. Included by
-// compilers.h alone. Pure.
+// The long constants of the table of compilers: built-in descriptions, and the places where the start-up search looks.
+// Only compilers.h includes this file. Pure.
 #pragma once
 
-// Where the start-up search looks: a folder relative to the executable's, and a file name. In the order of the search.
+// A place where the start-up search looks: a folder relative to the executable's, and a file name. The search tries the
+// places in the order of their rows.
 struct CompilerCandidate {
     const wchar_t* directory;
     const wchar_t* file;
@@ -10,7 +11,7 @@ struct CompilerCandidate {
 
 namespace compiler_texts {
 
-// Multi-line; shown in the settings dialog, and given to the assistant so that it writes code that the compiler accepts.
+// The defaults of "Description" in the settings file, of several lines each.
 inline constexpr wchar_t kKvxa64Description[] =
     L"KVXA64 Compiler - PowerBASIC x64 dialect\r\n"
     L"Produces 64-bit Windows executables; the program starts in FUNCTION PBMAIN.\r\n"
@@ -66,7 +67,7 @@ inline constexpr CompilerCandidate kKvxa32Candidates[] = {
     {L"KVXA32", L"KVXA32.exe"},
 };
 inline constexpr CompilerCandidate kKeldorCandidates[] = {
-    {L"KELDORRBASIC", L"KeldorrBASIC.exe"},  // the doubled letter is how that distribution spells it
+    {L"KELDORRBASIC", L"KeldorrBASIC.exe"},  // that distribution spells the name with two r
     {L"..\\..\\KeldorBasic\\build", L"KeldorBASIC.exe"},
     {L"..\\KeldorBasic\\build", L"KeldorBASIC.exe"},
     {L"..\\..\\KeldorBasic\\Release", L"KeldorBASIC.exe"},

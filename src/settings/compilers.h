@@ -1,6 +1,6 @@
-// The table of compilers: one row says everything that the program knows of a compiler, except the keywords that its
-// dialect adds (language/lexer_table.cpp) and the file types that are its own (settings/file_type_table.cpp). Names, sections,
-// search, reports, option names and shell classes are derived from it; only the menu's texts stand a second time, in
+// The table of compilers. A row holds everything that the program knows of a compiler, except for the keywords of its
+// dialect (language/lexer_table.cpp) and its file types (settings/file_type_table.cpp). Names, sections, search,
+// reports, option names and shell classes are derived from it. Only the texts of the menu are repeated, in
 // resources/app.rc, and a test compares them. Pure, constant; any thread.
 #pragma once
 
@@ -17,25 +17,25 @@
 
 enum class CommandStyle : std::uint8_t { Kvx, Keldor };  // "-o OUTPUT SOURCE", or SOURCE first
 
-// What a compiler leaves to another one when it is not installed itself.
+// The compiler that takes over the sources of one that is not installed.
 struct CompilerSubstitute {
-    std::uint32_t id;  // its own id: none
+    std::uint32_t id;  // the row's own id: no substitute
     bool evenWhenNotInstalled;
 };
 
 struct CompilerProfile {
     std::uint32_t id;
-    const wchar_t* name;     // as it is displayed, and as the workspace file names it
+    const wchar_t* name;     // for display and in the workspace file
     const wchar_t* section;  // of Editor.ini
     int command;             // menu command that selects it
-    // "--compiler" takes exactly these; the help text shows the first.
+    // The names that "--compiler" accepts, letter case included. The help text shows the first.
     std::array<std::wstring_view, 4> optionNames;
 
     // --- Its command line.
     CommandStyle commandStyle;
-    const wchar_t* syntaxFlags;  // syntax check, when the settings give none
+    const wchar_t* syntaxFlags;  // for a syntax check, when the settings have none
     const wchar_t* includeSwitch;
-    const wchar_t* asmFlag;     // listing template, also the setting's default; "{asm}" is the path. Empty: no listing
+    const wchar_t* asmFlag;     // for a listing, and the setting's default; "{asm}" is its path; empty: no listing
     const wchar_t* debugFlags;  // fixed, not a setting
 
     // --- Its settings.
@@ -43,20 +43,20 @@ struct CompilerProfile {
     const wchar_t* defaultSyntaxFlags;
     std::size_t flagsCapacity;   // characters of "Flags" in the file, terminator included
     const wchar_t* description;  // default of "Description"; empty: none
-    bool descriptionLast;  // the file has "Description" after the recent files instead of in the section's first part
+    bool descriptionLast;        // Editor.ini has "Description" after the recent files
 
-    // --- Which sources are its own. A path that contains one of the markers, letter case included, belongs to it whatever
-    // its extension; the markers of the rows above win.
+    // --- Its sources. A path that contains one of the markers, letter case included, belongs to this compiler whatever
+    // its extension. When markers of several rows match, the first row counts.
     std::array<std::wstring_view, 4> pathMarkers;
     CompilerSubstitute substitute;
     std::span<const CompilerCandidate> candidates;
 
-    // Of its file type in the shell. A bare name, on purpose: the shell looks for it.
+    // The icon of its file type in the shell. A bare name on purpose, because the shell searches for it.
     const wchar_t* shellIcon;
 
-    // --- Its place in the lists that have an order of their own, 0 first.
-    std::uint8_t preference;   // among the compilers of a BASIC source that names none, and in the detection report
-    std::uint8_t sectionRank;  // among the file's sections
+    // --- Its place in the lists that have an order of their own. 0 is the first place.
+    std::uint8_t preference;   // for BASIC sources of no particular compiler, and in the detection report
+    std::uint8_t sectionRank;  // of its section in Editor.ini
     std::uint8_t searchRank;   // in the start-up search
 };
 
@@ -113,7 +113,7 @@ inline constexpr CompilerProfile g_compilers[] = {
      .commandStyle = CommandStyle::Kvx,
      .syntaxFlags = L"-S",
      .includeSwitch = L"-I",
-     .asmFlag = L"/ASMOUT: {asm}",  // the blank belongs to it
+     .asmFlag = L"/ASMOUT: {asm}",  // the blank is part of the option
      .debugFlags = L"--debug",
      .defaultFlags = L"",
      .defaultSyntaxFlags = L"",
@@ -172,15 +172,15 @@ inline constexpr CompilerProfile g_compilers[] = {
      .sectionRank = 3,
      .searchRank = 2},
 };
-// The rows again, for who asks how a compiler is run instead of what it is called.
+// The same rows under another name.
 inline constexpr std::span<const CompilerProfile> g_profiles = g_compilers;
 
 using CompilerOrder = std::array<std::uint32_t, kCompilerCount>;
 
 namespace compiler_texts {
 
-// The ids by a column that gives each row its place. An id that stands in no place, or in two, leaves a number that is
-// none: the assertions below see it.
+// The ids in the order of a column of ranks. When a rank is missing or given twice, a place keeps an invalid id, which
+// the assertions below detect.
 constexpr CompilerOrder OrderBy(std::uint8_t CompilerProfile::*rank) {
     CompilerOrder order;
     order.fill(kCompilerCount);

@@ -1,4 +1,4 @@
-// The compilers as the settings have them. UI thread only.
+// The accessors on the settings of the compilers. UI thread only.
 #include "settings/compiler_table.h"
 
 #include "base/log.h"

@@ -63,7 +63,7 @@ constexpr FileType kTypes[] = {
      .shell = ShellEntry::Key},
     {.extension = L".asm", .language = Assembly, .dialogGroups = kDialogAssembly},
     {.extension = L".s", .language = GnuAssembly, .dialogGroups = kDialogAssembly},
-    // The dialogs' texts are older than these.
+    // The filters of the file dialogs do not name the types below.
     {.extension = L".pba", .language = Basic, .compiler = kAnyBasicCompiler},
     {.extension = L".kxc", .language = Basic, .compiler = kCompilerKvxc64},
     {.extension = L".c64", .language = Basic, .compiler = kCompilerKvxc64},

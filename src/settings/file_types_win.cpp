@@ -31,7 +31,7 @@ UniqueRegistryKey CreateKey(const std::wstring& path) {
 bool WriteDefaultValue(const std::wstring& path, const std::wstring& text) {
     const UniqueRegistryKey key = CreateKey(path);
     if (!key) return false;
-    // A key without its value is what the registration would leave on a full hive; nothing useful can be done about it.
+    // A failure to write the value is ignored: the key without it does no harm.
     RegSetValueExW(key.Get(), nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
                    static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
     return true;
@@ -48,7 +48,7 @@ void AddOpenWith(const std::wstring& extension, const wchar_t* progId) {
     if (key) RegSetValueExW(key.Get(), progId, 0, REG_NONE, nullptr, 0);
 }
 
-// The types of one compiler that the registration at start-up knows; nothing when there are none.
+// Registers the types of one compiler that have a ShellEntry.
 void RegisterTypesOf(const CompilerProfile& compiler, const std::wstring& command) {
     std::vector<std::wstring> openWith;
     bool any = false;
@@ -86,7 +86,7 @@ int RegisterFileExt(const wchar_t* extension, const wchar_t* description, const 
 
 void UnregisterFileExt(const wchar_t* extension) {
     const std::wstring progId = kClasses + L"KVXE." + extension;
-    // Failures are keys that are not there.
+    // Failures are ignored, because most often the key does not exist.
     SHDeleteKeyW(HKEY_CURRENT_USER, (progId + L"\\shell\\open\\command").c_str());
     SHDeleteKeyW(HKEY_CURRENT_USER, (progId + L"\\DefaultIcon").c_str());
     SHDeleteKeyW(HKEY_CURRENT_USER, progId.c_str());

@@ -1,4 +1,5 @@
-// Sections through the system's functions; whatever is not plain is left to its function for one value. UI thread only.
+// Reads sections with GetPrivateProfileSection. Values with quotes and unusual numbers are read with the system's
+// functions for one value. UI thread only.
 #include "settings/ini_reader.h"
 
 #include "settings/ini_value.h"
@@ -10,7 +11,7 @@
 namespace {
 
 constexpr DWORD kFirstCapacity = 16384;
-constexpr DWORD kLastCapacity = 1U << 20U;  // what is longer was never written by this program
+constexpr DWORD kLastCapacity = 1U << 20U;  // this program never writes a longer section
 
 }  // namespace
 
@@ -22,7 +23,7 @@ const std::wstring& IniReader::Lines(const wchar_t* section) {
         lines.resize(capacity);
         const DWORD length = GetPrivateProfileSectionW(section, lines.data(), capacity, path_.c_str());
         lines.resize(length);
-        if (length + 2 < capacity) break;  // otherwise it was cut
+        if (length + 2 < capacity) break;  // otherwise the section was cut
     }
     return sections_.emplace_back(Section{.name = section, .lines = std::move(lines)}).lines;
 }

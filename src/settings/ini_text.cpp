@@ -1,4 +1,3 @@
-// Pure; see the header.
 #include "settings/ini_text.h"
 
 #include "settings/ini_value.h"

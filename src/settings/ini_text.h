@@ -1,8 +1,8 @@
-// The text of an INI file, put together in memory. Pure.
+// Composes the text of an INI file in memory. Pure.
 //
-// Every call of the system's function that writes one value rewrites the whole file: 130 of them took 230 to 500 ms here
-// on a disk (each truncation is flushed by the file system) and 14 ms on a memory disk, and the settings are saved
-// whenever a file is opened. So a save builds the same text and writes it once.
+// Every call of WritePrivateProfileString rewrites the whole file: 130 calls took 230 to 500 ms here on a disk, where
+// the file system flushes each truncation, and 14 ms on a memory disk. The settings are saved whenever a file is
+// opened. So a save composes the same text and writes it once.
 #pragma once
 
 #include <string>
@@ -11,14 +11,14 @@
 
 class IniText {
 public:
-    // Appends to the section, which is created at the end when it is new. `stored` is written as it is: see
-    // EncodeIniValue for texts that may hold anything.
+    // Appends a line to the section. A new section is created after the others. `stored` is written as it is; AddText
+    // encodes its text with EncodeIniValue.
     void Add(std::wstring_view section, std::wstring_view key, std::wstring_view stored);
     void AddText(std::wstring_view section, std::wstring_view key, std::wstring_view text);
     void AddNumber(std::wstring_view section, std::wstring_view key, int number);
 
-    // The file's bytes: UTF-16, little endian, after the mark that makes the system's functions keep every character
-    // instead of the code page's only.
+    // The bytes of the file: UTF-16, little endian, after a byte order mark. Without the mark the system's functions
+    // would keep only the characters of the ANSI code page.
     std::string Bytes() const;
 
 private:

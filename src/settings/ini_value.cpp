@@ -1,4 +1,4 @@
-// Values that survive the system's INI functions, and the lines those hand out. Pure; any thread.
+// Encodes values for the system's INI functions, and reads the lines that these return. Pure; any thread.
 #include "settings/ini_value.h"
 
 #include "base/hex_digit.h"
@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::wstring_view kEscaped = L"[ESC]";
 
-// What the INI functions may take for a blank, here and on other implementations of them.
+// The characters that an implementation of the INI functions may treat as blanks.
 bool IsIniBlank(wchar_t c) {
     const auto code = static_cast<unsigned>(c);
     return code <= 0x20 || code == 0x85 || code == 0xA0 || code == 0x1680 || (code >= 0x2000 && code <= 0x200A) ||
@@ -41,7 +41,7 @@ std::wstring EscapeIni(std::wstring_view value) {
     return stored;
 }
 
-// Someone may have edited the file: what is no escape sequence stays as it stands.
+// Text that is not an escape sequence is kept, because a user may have edited the file.
 std::wstring UnescapeIni(std::wstring_view text) {
     std::wstring value;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -99,7 +99,7 @@ bool ParsePlainNumber(std::wstring_view text, int* number) {
     const bool negative = text.starts_with(L'-');
     const std::wstring_view digits = text.substr(negative ? 1 : 0);
     if (digits.empty() || digits.size() > 9 || (digits.size() > 1 && digits.front() == L'0'))
-        return false;  // a leading zero may mean another base
+        return false;  // a leading zero may mark another base
     int value = 0;
     for (const wchar_t c : digits) {
         if (c < L'0' || c > L'9') return false;

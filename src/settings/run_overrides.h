@@ -1,5 +1,5 @@
-// What the command line changed for one run: such a value is used and shown, but the settings file keeps its own until
-// the user changes the setting himself. Pure.
+// Settings that the command line changed for one run. Such a value is used and shown, but the settings file keeps the
+// stored one until the user changes the setting. Pure.
 #pragma once
 
 #include "settings/settings.h"
@@ -11,13 +11,13 @@ struct RunOverrides {
     wchar_t storedFont[64] = {}, usedFont[64] = {};
 };
 
-// Notes a value given for this run and puts it into `settings`.
+// Notes a value that is given for this run and puts it into `settings`.
 void OverrideCompiler(RunOverrides& overrides, Settings& settings, std::int32_t compiler);
 void OverrideFont(RunOverrides& overrides, Settings& settings, std::wstring_view face);
 void OverrideFontSize(RunOverrides& overrides, Settings& settings, std::int32_t points);
 
-// Gives `settings`, a copy that is about to be stored, back the values that were only for this run.
+// Puts the stored values back into `settings`, a copy that is about to be saved.
 void RestoreStored(const RunOverrides& overrides, Settings& settings);
 
-// Ends the overrides of values that are others now: from here on the setting is the user's own.
+// Ends the override of each setting that no longer has the value of this run, because the user has changed it.
 void EndChangedOverrides(RunOverrides& overrides, const Settings& settings);

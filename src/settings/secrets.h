@@ -1,12 +1,13 @@
-// Texts that only this Windows account can read again. Any thread.
+// Protects texts so that only this Windows account can read them. Capacities count wide characters, the terminator
+// included. Any thread.
 #pragma once
 
 #include <cstddef>
 
-// "[DPAPI]" and the protected bytes in hexadecimal; empty text stays empty. False, with `out` empty, when the text cannot
-// be protected or the result needs more than `capacity` characters.
+// Writes "[DPAPI]" and the protected bytes in hexadecimal. An empty text stays empty. Returns false, with an empty
+// `out`, when the text cannot be protected or the result does not fit.
 bool EncryptString(const wchar_t* clearText, wchar_t* out, std::size_t capacity);
 
-// 1: `stored` was protected by this account, and `out` holds the clear text (empty when it does not fit). 0: anything
-// else, with `out` as it was. `stored` and `out` may be the same buffer.
+// Returns 1 when this account has protected `stored`; `out` is then the clear text, or empty when that does not fit.
+// Returns 0 otherwise and leaves `out` unchanged. `stored` and `out` may be the same buffer.
 int DecryptString(const wchar_t* stored, wchar_t* out, std::size_t capacity);

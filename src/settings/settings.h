@@ -1,5 +1,5 @@
-// Every persistent preference, as one record: what `Editor.ini` holds. The table in settings_schema.h gives each
-// field its section, key, type, default and limits; loading and saving walk that table. Owned by the UI thread.
+// The record of all persistent settings, which `Editor.ini` holds. The table in settings_schema.h gives the section,
+// key, type, default and limits of each field, and loading and saving follow that table. Owned by the UI thread.
 #pragma once
 
 #include "base/bounded_text.h"
@@ -12,19 +12,19 @@ inline constexpr int kSearchHistoryCapacity = 20;
 inline constexpr int kColorOverrides = 7;
 
 struct CompilerSettings {
-    wchar_t path[kPathCapacity];         // the executable; absolute in memory, relative to our own folder on disk
+    wchar_t path[kPathCapacity];         // the compiler; on disk relative to the folder of our executable
     wchar_t flags[1024];                 // extra switches of a normal build (512 on disk for all but KVXA32)
-    wchar_t includePath[kPathCapacity];  // include folder handed to this compiler
-    wchar_t asmFlag[64];                 // switch that asks for a listing; "{asm}" stands for its path
-    wchar_t syntaxFlags[512];            // switches of a syntax check; empty: the compiler table's own
-    wchar_t description[2048];           // free text for the settings dialog and the assistant
-    std::int32_t registerExtension;      // bool: offer the editor in the shell for this compiler's sources
+    wchar_t includePath[kPathCapacity];  // include folder for this compiler
+    wchar_t asmFlag[64];                 // switch for a listing; "{asm}" stands for its path
+    wchar_t syntaxFlags[512];            // switches of a syntax check; empty: those of the table of compilers
+    wchar_t description[2048];           // free text; its default describes the dialect
+    std::int32_t registerExtension;      // 0 or 1: the shell offers the editor for this compiler's sources
 };
 
-// The main window's place, as the settings keep it; the frame notes it whenever it changes.
+// The place of the main window. The frame updates it whenever it changes.
 struct WindowPlace {
     bool known = false;
-    int left = 0, top = 0, width = 0, height = 0;  // pixels, when neither maximised nor minimised
+    int left = 0, top = 0, width = 0, height = 0;  // pixels, of the window when it is neither maximised nor minimised
     bool maximised = false;
 };
 
@@ -49,9 +49,9 @@ struct Settings {
     std::int32_t showStatusbar;
     wchar_t outputFont[64];
     std::int32_t outputFontSize;      // points
-    std::int32_t restoreLastSession;  // load and save workspace.json
+    std::int32_t restoreLastSession;  // whether workspace.json is loaded and saved
     std::int32_t buildOnSave;
-    std::int32_t autoSaveInterval;  // minutes, 0 = off
+    std::int32_t autoSaveInterval;  // minutes; 0: off
     std::int32_t enableAutoComplete;
     std::int32_t autoCompleteTrigger;  // characters typed before completion opens
     std::int32_t autoUpperKeywords;
@@ -62,12 +62,12 @@ struct Settings {
     std::int32_t enableVirtualSpace;
     std::int32_t showErrorList;
     std::int32_t errorListHeight;
-    std::int32_t colors[kColorOverrides];  // COLORREF overrides, 0 = none
+    std::int32_t colors[kColorOverrides];  // COLORREF of each kOverriddenRoles; 0: that of the style
     std::int32_t searchHistoryCount;
     wchar_t searchHistory[kSearchHistoryCapacity][256];
     std::int32_t backupOnSave;
     std::int32_t backupSettings;
-    std::int32_t autoSaveEnabled;  // session auto-save
+    std::int32_t autoSaveEnabled;  // whether the session is saved on a timer
 
     // Build
     std::int32_t profile;  // 0 Debug, 1 Release, 2 Fast
@@ -79,10 +79,10 @@ struct Settings {
     std::int32_t showProjectTree;
     std::int32_t projectTreeWidth;  // pixels at 96 dpi
 
-    // Assistant. The keys are in clear text here and protected on disk.
+    // Assistant. The keys are clear text in memory and protected on disk.
     std::int32_t showAiSidebar;
     std::int32_t aiSidebarWidth;  // pixels at 96 dpi
-    std::int32_t aiEnabled;       // derived: either service is on
+    std::int32_t aiEnabled;       // derived: whether one of the services is on
     std::int32_t openAIEnabled;
     std::int32_t lmStudioEnabled;
     std::int32_t primaryAi;  // 0 OpenAI, 1 LM Studio
@@ -106,11 +106,11 @@ struct Settings {
     std::int32_t splitter;  // top edge of the output pane, pixels from the top of the client area
 };
 
-// `overridePath` may be null: "Editor.ini" beside the executable. See settings_store.h for the path rules. Both work on
-// `g_settings`. Loading cannot fail: what is not there has its default. A save that fails leaves the old file as it
-// was and a line in the log.
+// Both work on `g_settings`. `overridePath` may be null and means "Editor.ini" beside the executable then; the other
+// rules are in settings_store.h. Loading cannot fail, because every setting has a default. A save that fails leaves the
+// old file unchanged and writes a line to the log.
 void SettingsLoad(const wchar_t* overridePath);
 void SettingsSave(const wchar_t* overridePath);
 
-// What the program starts from before it reads the file: every default, with a fixed-pitch editor font.
+// The settings before the file is read: every default, but with a fixed-pitch editor font.
 void SettingsDefaults(Settings& settings);

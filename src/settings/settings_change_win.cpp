@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-static int g_edits = 0;  // that live now
+static int g_edits = 0;  // objects that exist now
 
 SettingsEdit::SettingsEdit() {
     if (g_edits++ == 0) before_ = std::make_unique<Settings>(g_settings);

@@ -1,12 +1,12 @@
-// What a change of settings means for what is already shown or running. The table of settings says it for each of them
-// (settings_schema.cpp); whoever carries it out is app/settings_apply_win.cpp. Pure.
+// The effects of a changed setting on what is shown or running. The table in settings_schema.cpp gives them for each
+// setting, and app/settings_apply_win.cpp applies them. Pure.
 #pragma once
 
 #include "settings/settings.h"
 
 #include <cstdint>
 
-// Bits; 0: whoever needs the setting reads it when it is needed.
+// Bits. A setting with none of them is read whenever it is needed.
 enum SettingEffect : std::uint16_t {
     kEffectEditors = 1,   // font, colours, margins and view options of every editor
     kEffectFrame = 2,     // colours and fonts of the frame and its panes
@@ -17,8 +17,8 @@ enum SettingEffect : std::uint16_t {
     kEffectShell = 64,    // which source types the shell opens with the editor
 };
 
-// The effects of all settings that differ.
+// The effects of all settings that differ between the two.
 std::uint32_t SettingsEffectsOf(const Settings& before, const Settings& now);
 
-// The interval of the timer that saves modified documents, in ms; 0: none. `minutes` may be anything.
+// The interval in ms of the timer that saves modified documents; 0: no timer. Any number of minutes is allowed.
 std::uint32_t AutoSaveInterval(std::int32_t minutes);

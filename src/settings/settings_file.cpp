@@ -10,7 +10,7 @@ namespace {
 constexpr std::size_t kSealedCapacity = 512;  // characters of a protected key
 constexpr wchar_t kVersion[] = L"2";
 
-// The key of one row of a list: "File%d" -> "File3".
+// The key of a row of a list: "File%d" becomes "File3".
 std::wstring ListKey(const wchar_t* format, int index) {
     std::wstring key = format;
     return key.replace(key.find(L"%d"), 2, std::to_wstring(index));
@@ -66,7 +66,7 @@ void ParseGroup(const SettingsSource& source, SettingGroup group, Settings& sett
     for (const SettingRow& row : SettingRows()) {
         if (row.group != group) continue;
         ParseRow(source, row, settings, foreign);
-        // Both services are known before their keys are read.
+        // The state of both services is known here, before their keys are read.
         if (row.offset == offsetof(Settings, lmStudioEnabled)) UpdateAssistantEnabled(settings);
     }
 }
@@ -107,7 +107,7 @@ void ComposeRow(IniText& ini, const SettingRow& row, const Settings& settings, c
             break;
         case SettingType::Int: ini.AddNumber(row.section, row.key, SettingNumber(settings, row.offset)); break;
         case SettingType::List:
-            // The file begins empty, so that rows past the count need no deleting.
+            // The file is composed anew, so rows past the count need not be deleted.
             for (int i = 0; i < SettingNumber(settings, row.countOffset) && i < row.rows; ++i)
                 ini.AddText(row.section, ListKey(row.key, i), SettingText(settings, row, i));
             break;
@@ -131,9 +131,9 @@ void ParseSettings(const SettingsSource& source, Settings& settings, ForeignKeys
         ResolveAgainstFolder(source.programFolder, compiler.path, compiler.path, kPathCapacity);
     ParseGroup(source, SettingGroup::Preferences, settings, foreign);
     FillEmptyDescriptions(settings);
-    // [Meta] "Version" tells nothing that is needed here: every key has a default.
+    // [Meta] "Version" is not read, because every key has a default.
     for (CompilerSettings& compiler : settings.compilers)
-        if (!source.fileExists(compiler.path)) compiler.path[0] = L'\0';  // a stale path never reaches a build
+        if (!source.fileExists(compiler.path)) compiler.path[0] = L'\0';  // so that no build uses a stale path
     CheckAssistantKeys(settings);
     ParseGroup(source, SettingGroup::Assistant, settings, foreign);
     ParseGroup(source, SettingGroup::Recent, settings, foreign);
@@ -160,8 +160,8 @@ std::string ComposeSettings(const Settings& settings, const ForeignKeys& foreign
     ComposePlace(ini, target.windowPlace);
     compose(SettingGroup::Window, false);
     ini.Add(L"Meta", L"Version", kVersion);
-    // With the rest instead of into the finished file: no instant has a settings file without its sessions, and there
-    // is no second write that could fail.
+    // The sessions are written together with the rest, so that there is never a settings file without them and no
+    // second write that could fail.
     ini.AddNumber(L"Session", L"MRUCount", settings.sessionMruCount);
     for (int i = 0; i < settings.sessionMruCount; ++i)
         ini.AddText(L"Session", ListKey(L"MRU%d", i), settings.sessionMruFiles[i]);

@@ -1,5 +1,5 @@
-// What `Editor.ini` holds: from the settings to its text and back, in the order of the table in settings_schema.h. Knows
-// neither the disk nor the system's INI functions nor its data protection; those come as functions. Pure.
+// Turns the text of `Editor.ini` into settings and back, in the order of the table in settings_schema.h. The disk, the
+// system's INI functions and its data protection are passed in as functions. Pure.
 #pragma once
 
 #include "settings/settings_schema.h"
@@ -9,36 +9,37 @@
 #include <string>
 #include <string_view>
 
-// Keys that another account protected: the record holds the stored text as far as it fits, and a save must not put that
-// cut text over the whole one.
+// A key of the assistant that another account has protected. The record holds as much of the stored text as fits, so a
+// save must write the whole text from here.
 struct ForeignKey {
-    const SettingRow* row = nullptr;  // null: this place is free
+    const SettingRow* row = nullptr;  // null: this entry is free
     std::wstring stored;
 };
 using ForeignKeys = std::array<ForeignKey, 2>;
 
 struct SettingsSource {
-    // A stored value (see EncodeIniValue) and a number, or the default when the key is not there.
+    // Return the stored value (see EncodeIniValue) or the number of a key, or the default when the key is missing.
     std::function<std::wstring(const wchar_t* section, const wchar_t* key, const wchar_t* defaultText)> text;
     std::function<int(const wchar_t* section, const wchar_t* key, int defaultNumber)> number;
-    // False: `stored` is not protected, or by another account; `out` is then as it was.
+    // Returns false, and leaves `out` unchanged, when `stored` is not protected or another account has protected it.
     std::function<bool(const wchar_t* stored, wchar_t* out, std::size_t capacity)> unprotect;
     std::function<bool(const wchar_t* path)> fileExists;
     const wchar_t* programFolder = L"";  // with its trailing backslash
 };
-// Everything but the recent sessions. What the source does not have gets its default. Limits are applied, and paths to
-// compilers that do not exist go.
+// Reads everything but the recent sessions. Missing values get their defaults. Limits are applied, and paths of
+// compilers that do not exist are emptied.
 void ParseSettings(const SettingsSource& source, Settings& settings, ForeignKeys& foreign);
 
 struct SettingsTarget {
-    // Writes the protected text of a key. False: it cannot be protected, and is stored as it is.
+    // Writes the protected text of a key to `out`. Returns false when it cannot be protected; the clear text is then
+    // stored.
     std::function<bool(const SettingRow& row, const wchar_t* clearText, wchar_t* out, std::size_t capacity)> protect;
     const wchar_t* programFolder = L"";
     WindowPlace windowPlace;
 };
-// The bytes of the whole file.
+// Returns the bytes of the whole file.
 std::string ComposeSettings(const Settings& settings, const ForeignKeys& foreign, const SettingsTarget& target);
 
-// True when `found` is nothing but the beginning of `whole`: a copy that broke off. The system may have given the copy its
-// full length at once: zeros stand then for what is missing.
+// True when `found` is the beginning of `whole`, as after a copy that broke off. Zeros at the end of `found` do not
+// count, because the system may set the full length of a copy at once.
 bool IsCutCopy(std::string_view found, std::string_view whole);

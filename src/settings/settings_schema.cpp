@@ -1,4 +1,4 @@
-// The settings table and the rules over it. Pure; works on the record it is given.
+// The rows of the table of settings, and the rules on it. Pure: they work on the record that is passed in.
 #include "settings/settings_schema.h"
 
 #include "base/path.h"
@@ -17,13 +17,13 @@ using enum SettingGroup;
 constexpr wchar_t kOpenAiUrl[] = L"https://api.openai.com/v1/chat/completions";
 constexpr wchar_t kLmStudioUrl[] = L"http://localhost:1234/v1/chat/completions";
 
-// A row of which a change is seen at once.
+// A row with effects (SettingEffect bits).
 constexpr SettingRow Affects(unsigned effects, SettingRow row) {
     row.effects = static_cast<std::uint16_t>(effects);
     return row;
 }
 
-// --- The five compiler sections: the same seven keys, with defaults that differ.
+// --- The sections of the five compilers: the same seven keys, with different defaults.
 constexpr std::size_t kCompilerRows = 7;
 
 constexpr std::array<SettingRow, kCompilerRows> CompilerSection(std::uint32_t id) {
@@ -227,7 +227,7 @@ void ApplyDefault(Settings& settings, const SettingRow& row) {
         case Text: SafeCopyW(SettingText(settings, row), row.capacity, row.text); break;
         case Bool:
         case Int: SettingNumber(settings, row.offset) = row.number; break;
-        case List: break;  // its count is 0
+        case List: break;  // the default of its count is 0
     }
 }
 
@@ -284,7 +284,7 @@ void SettingsReset(Settings& settings) {
     SafeCopyW(settings.fontName, L"Consolas");
     SafeCopyW(settings.outputFont, L"Consolas");
     settings.outputFontSize = 10;
-    // The assistant's texts that have a default are its endpoints and models.
+    // The texts of the assistant that have a default are its endpoints and models.
     for (const SettingRow& row : kRows)
         if (row.group == Assistant && row.type == Text) ApplyDefault(settings, row);
 }

@@ -8,7 +8,7 @@
 
 struct SettingsState {
     Settings settings;       // what Editor.ini holds
-    RunOverrides overrides;  // of them, what the command line set for this run only
+    RunOverrides overrides;  // the settings that the command line changed for this run
     WindowPlace windowPlace;
 };
 // Parts of `g_app` (app/app_state.h).
@@ -16,9 +16,9 @@ extern Settings& g_settings;
 extern RunOverrides& g_overrides;
 extern WindowPlace& g_windowPlace;
 
-// While one lives, code may change `g_settings`; at its end it tells what they were before (base/events.h) when one of them
-// is another now. Every change that a user can cause is made in one: menus, dialogs, dragging, recent files, a session, an
-// import. Saves nothing. One in another tells nothing of its own.
+// Code may change `g_settings` while a SettingsEdit exists. When the outermost one ends and a setting differs, it
+// raises settingsChanged with the settings from before (base/events.h). Every change that a user can cause is made this
+// way: by menus, dialogs, dragging, recent files, a session or an import. It does not save.
 class SettingsEdit {
 public:
     SettingsEdit();
@@ -27,10 +27,10 @@ public:
     SettingsEdit& operator=(const SettingsEdit&) = delete;
 
 private:
-    std::unique_ptr<Settings> before_;  // 150 kB: too much for the stack
+    std::unique_ptr<Settings> before_;  // 150 kB, too much for the stack
 };
 
-// One such change.
+// Runs one change inside a SettingsEdit.
 template <typename Change>
 void SettingsChange(Change change) {
     const SettingsEdit edit;

@@ -1,5 +1,5 @@
-// Loading and saving of `Editor.ini`. What it holds is the business of settings_file.h. The file is always rewritten whole:
-// into a temporary file beside it, which replaces it only when it was written to its end. UI thread only.
+// Loads and saves `Editor.ini`; settings_file.h has its content. A save writes the whole file: first a temporary file
+// beside it, which is compared and then put in its place. UI thread only.
 #include "settings/settings_store.h"
 
 #include "base/handles.h"
@@ -36,8 +36,8 @@ bool IsCutFile(const wchar_t* iniPath, const wchar_t* wholePath) {
     return ini && IsCutCopy({ini.get(), length}, {whole.get(), wholeLength});
 }
 
-// The power went while a save copied its finished temporary file over the old one: the whole file is still there. A
-// settings file with other text, as one written by hand, is whole itself and stays.
+// Finishes a save that was interrupted while it copied its complete temporary file over the old one. A settings file
+// with other text, such as one written by hand, is complete itself and stays.
 void FinishInterruptedSave(const wchar_t* iniPath) {
     const std::wstring temporary = std::wstring{iniPath} + L".tmp";
     if (FileExists(temporary.c_str()) && KeyExists(temporary.c_str(), L"Meta", L"Version") &&
@@ -120,7 +120,7 @@ void SettingsSave(const wchar_t* overridePath) {
     const std::wstring temporary = std::wstring{ini} + L".tmp";
 
     UpdateAssistantEnabled(settings);
-    const auto stored = std::make_unique<Settings>(settings);  // too large for the stack
+    const auto stored = std::make_unique<Settings>(settings);  // 150 kB, too much for the stack
     RestoreStored(g_overrides, *stored);
     wchar_t folder[kPathCapacity] = {};
     AppExeDirectory(folder, kPathCapacity);
@@ -128,9 +128,9 @@ void SettingsSave(const wchar_t* overridePath) {
         *stored, g_foreignKeys, {.protect = ProtectKey, .programFolder = folder, .windowPlace = g_windowPlace});
 
     if (settings.backupSettings == 0 && FileHolds(ini, bytes))
-        return;  // opening the newest recent file once more changes nothing
+        return;  // unchanged, as when the newest recent file is opened again
     if (!WriteFileUtf8(temporary.c_str(), bytes.data(), bytes.size()) || !FileHolds(temporary.c_str(), bytes)) {
-        // A full disk, a folder that may not be written to: the old file is better than half a new one.
+        // The disk may be full, or the folder read-only. The old file is better than half a new one.
         AppLogMsg(L"FAIL: SettingsSave cannot write %s, the settings file stays as it was", temporary.c_str());
         DeleteFileW(temporary.c_str());
         return;
@@ -143,7 +143,7 @@ void SettingsSave(const wchar_t* overridePath) {
     if (!ReplaceBy(temporary.c_str(), ini))
         AppLogMsg(L"FAIL: SettingsSave replace error=%lu path=%s", GetLastError(), ini);
     DeleteFileW(temporary.c_str());
-    // Nothing but the name: the INI functions forget what they cached of the old file.
+    // A call with only the file's name makes the INI functions drop what they cached of the old file.
     WritePrivateProfileStringW(nullptr, nullptr, nullptr, ini);
 }
 
@@ -156,7 +156,7 @@ bool SettingsExport(const wchar_t* target) {
 bool SettingsImport(const wchar_t* source) {
     wchar_t ini[kPathCapacity] = {};
     GetIniPath(nullptr, ini, kPathCapacity);
-    // By way of a second file, so that a copy that breaks off leaves the settings as they were.
+    // Copied to a second file first, so that a copy that breaks off does not change the settings.
     const std::wstring incoming = std::wstring{ini} + L".import";
     if (source == nullptr || CopyFileW(source, incoming.c_str(), FALSE) == FALSE) {
         DeleteFileW(incoming.c_str());

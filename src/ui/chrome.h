@@ -1,27 +1,28 @@
-// The colours of the frame around the editors. UI thread only.
+// The colours of the frame around the editors: the tab bar, the status bar and the panes. UI thread only.
 #pragma once
 
 #include <windows.h>
 
-// Colours of the frame around the editor in the current theme, as COLORREF: tab bar, status bar, panes.
+// The colours of the current theme, as COLORREF.
 struct ThemeChrome {
-    COLORREF windowBack;  // behind the panes
+    COLORREF windowBack;  // background of the main window
     COLORREF paneBack;    // output, ASM and chat panes, tree, error list
     COLORREF paneText;
     COLORREF tabBack;  // tab strip and inactive tabs
     COLORREF tabActiveBack;
     COLORREF tabText;
     COLORREF tabActiveText;
-    COLORREF accent;  // active tab's edge, focus, progress
-    COLORREF line;    // hairlines between panes
+    COLORREF accent;  // edge of the active tab, focus, progress
+    COLORREF line;    // thin lines between panes
     COLORREF statusBack;
     COLORREF statusText;
-    COLORREF hover;     // hovered button or tab
+    COLORREF hover;     // button or tab below the mouse
     COLORREF error;     // error marks
     COLORREF modified;  // modified marks
-    COLORREF success;   // build marks of what was built without errors
+    COLORREF success;   // build marks of documents that were built without errors
 };
+// The result stays valid, but the next call overwrites it.
 const ThemeChrome& ThemeCurrentChrome();
 bool ThemeIsDark();
-// Text of what is known but not in force: a hint, what is disabled, what is no longer true.
+// The colour of quiet text: hints, and what is disabled or out of date.
 COLORREF ThemeQuietText();

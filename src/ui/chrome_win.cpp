@@ -1,4 +1,4 @@
-// The frame's colours by the theme and style in force. UI thread.
+// The colours of the frame, by the theme and style in the settings. UI thread only.
 #include "ui/chrome.h"
 
 #include "settings/settings_state.h"
@@ -21,7 +21,7 @@ const ThemeChrome& ThemeCurrentChrome() {
               .paneText = ThemeColorRef(palette.paneText),
               .tabBack = ThemeColorRef(palette.tabBack),
               .tabActiveBack = ThemeColorRef(ThemePalette(g_settings.editorStylePreset, ThemeIsDark())
-                                                 .back),  // the active tab and its editor are one surface
+                                                 .back),  // the active tab has the background of its editor
               .tabText = ThemeColorRef(palette.tabText),
               .tabActiveText = ThemeColorRef(palette.tabActiveText),
               .accent = ThemeColorRef(palette.accent),

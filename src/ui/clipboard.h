@@ -1,9 +1,10 @@
-// The clipboard of the desktop. UI thread only.
+// The clipboard. UI thread only.
 #pragma once
 
 #include <windows.h>
 
 #include <string>
 
-// Puts a text in place of whatever is there; the window becomes its owner. A failure is logged and leaves nothing behind.
+// Replaces the content of the clipboard by the text. `owner` becomes the clipboard's owner. A failure is written to the
+// log; the clipboard may then be empty.
 void ClipboardPutText(HWND owner, const std::wstring& text);

@@ -1,12 +1,12 @@
-// Lengths at the DPI of the monitor that the main window is on. UI thread only.
+// Lengths at the DPI of the main window's monitor. UI thread only.
 #pragma once
 
 #include "ui/scale.h"
 #include "ui/ui_state.h"
 
-// Pixels of a length that is written for 96 dpi.
+// Converts a length at 96 dpi to pixels.
 inline int UiScaled(int length) { return ScaledTo(length, g_ui.dpi); }
-// The length at 96 dpi of so many pixels: what the settings keep.
+// Converts pixels to a length at 96 dpi, which is what the settings store.
 inline int UiUnscaled(int pixels) { return MulDiv(pixels, 96, g_ui.dpi); }
-// The height that LOGFONT wants for a font of so many points.
+// The LOGFONT height of a font of that size in points.
 inline int UiFontHeight(int points) { return -MulDiv(points, g_ui.dpi, 72); }

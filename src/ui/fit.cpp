@@ -1,4 +1,3 @@
-// Columns and tabs in a width that may be too small. Pure.
 #include "ui/fit.h"
 
 #include <algorithm>
@@ -31,7 +30,7 @@ TabSpan FitTabs(std::span<const int> widths, int room, int selected, int first) 
     };
     first = std::clamp(first, 0, std::max(selected, 0));
     while (first < selected && endFrom(first) <= selected) ++first;
-    while (first > 0 && endFrom(first - 1) == count) --first;  // no room is left over after the last one
+    while (first > 0 && endFrom(first - 1) == count) --first;  // so that no room stays empty after the last tab
     return {first, std::max(endFrom(first), std::min(first + 1, count))};
 }
 

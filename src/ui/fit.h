@@ -1,4 +1,4 @@
-// How columns and tabs share a width that may be too small for them. All lengths are pixels. Pure.
+// Divides a width that may be too small among columns or tabs. All lengths are pixels. Pure; any thread.
 #pragma once
 
 #include <span>
@@ -6,25 +6,26 @@
 
 struct ColumnRoom {
     int wanted = 0;
-    int least = 0;  // not more than `wanted`
+    int least = 0;  // at most `wanted`
 };
-// Widths of columns beside each other. With room to spare the last one takes it; with too little each gives up the same
-// part of what it can.
+// The widths of columns beside each other. When there is room to spare, the last column takes it. When there is too
+// little, each column gives up the same part of the difference between `wanted` and `least`.
 std::vector<int> FitColumns(std::span<const ColumnRoom> columns, int room);
 
-// Tabs from `first` to before `end` are to be seen whole in a row.
+// The tabs of a row that are shown whole: from `first` to before `end`.
 struct TabSpan {
     int first = 0;
     int end = 0;
     bool operator==(const TabSpan&) const = default;
 };
-// As many as there is room for, the selected one among them, from `first` on if that is possible.
+// As many tabs as there is room for, with the selected one among them. They begin at `first` if that is possible.
 TabSpan FitTabs(std::span<const int> widths, int room, int selected, int first);
 
-// Blanks on either side of each title in a row of tabs.
+// The blank on either side of each title in a row of tabs.
 struct TabBlank {
     int pixels = 0;
-    bool all = false;  // every title has room with at least the smallest blank
+    bool all = false;  // all titles fit with a blank of at least `least`
 };
-// `titles`: the width of all titles. The blank lies between `least` and `widest`.
+// `titles` is the width of all titles together, and `count` is their number. The blank lies between `least` and
+// `widest`.
 TabBlank FitTabBlank(int room, int titles, int count, int least, int widest);

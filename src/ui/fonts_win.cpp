@@ -14,7 +14,7 @@ struct UiFonts {
     UiFontSizes sizes;
 };
 UiFonts g_fonts;
-UiFonts g_oldFonts;  // windows may still hold them
+UiFonts g_oldFonts;  // windows may still use them
 
 HFONT MakeTextFont() {
     NONCLIENTMETRICSW metrics = {};

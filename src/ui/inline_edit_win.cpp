@@ -19,8 +19,8 @@ constexpr UINT_PTR kSubclassId = 1;
 struct InlineEditState {
     HWND edit = nullptr;
     InlineCommit commit;
-    std::wstring shown;    // what it began with
-    bool refused = false;  // what stands in it cannot be taken
+    std::wstring shown;    // the text at the beginning; empty with `append`
+    bool refused = false;  // its present text was refused
 };
 InlineEditState g_edit;
 
@@ -31,7 +31,7 @@ std::wstring OfferEditText() {
 
 bool CommitInlineEdit() {
     const std::wstring problem = OfferEditText();
-    if (g_edit.edit == nullptr) return true;  // the commit has closed it
+    if (g_edit.edit == nullptr) return true;  // `commit` has closed the field
     if (problem.empty()) {
         InlineEditCancel();
         return true;
@@ -45,7 +45,7 @@ bool CommitInlineEdit() {
 
 bool IsEndingKey(WPARAM key) { return key == VK_RETURN || key == VK_TAB || key == VK_ESCAPE; }
 
-// True when the key was one that ends editing.
+// Returns true when the key ended editing or tried to.
 bool OnInlineEditKey(WPARAM key) {
     if (!IsEndingKey(key)) {
         g_edit.refused = false;
@@ -59,7 +59,7 @@ bool OnInlineEditKey(WPARAM key) {
     return true;
 }
 
-// Another window was chosen: a good text is taken, a refused one dropped.
+// The field has lost the focus: its text is taken, unless it was refused.
 void OnInlineEditLeft() {
     if (g_edit.edit == nullptr) return;
     if (!g_edit.refused) OfferEditText();
@@ -81,7 +81,7 @@ LRESULT CALLBACK InlineEditProc(HWND edit, UINT message, WPARAM wParam, LPARAM l
             return 0;
         case WM_NCDESTROY:
             RemoveWindowSubclass(edit, InlineEditProc, id);
-            if (g_edit.edit == edit) g_edit.edit = nullptr;  // it went with its list
+            if (g_edit.edit == edit) g_edit.edit = nullptr;  // destroyed together with its list
             break;
         default: break;
     }
@@ -107,7 +107,7 @@ void InlineEditBegin(HWND list, const RECT& cell, const std::wstring& text, bool
 }
 
 void InlineEditCancel() {
-    // Forgotten first, because destroying it takes the focus away from it.
+    // The handle is cleared first, because DestroyWindow takes the focus from the field, which would commit its text.
     const HWND edit = std::exchange(g_edit.edit, nullptr);
     if (edit == nullptr) return;
     const HWND list = GetParent(edit);

@@ -1,4 +1,4 @@
-// Draws the rows and the header of a list. Changes nothing. UI thread only.
+// Draws the rows and the header of a list. UI thread only.
 #include "ui/list_internal.h"
 
 #include "ui/chrome.h"
@@ -58,7 +58,7 @@ COLORREF CellColour(const ListRow& row, bool stale, int column, bool lastColumn)
     return (row.changed >> column & 1) != 0 ? chrome.error : chrome.paneText;
 }
 
-// Its text runs on over the empty cells after it.
+// The last cell with text. Its text is drawn over the empty cells after it.
 int LastFilledCell(const ListRow& row) {
     int last = static_cast<int>(row.cells.size()) - 1;
     while (last > 0 && row.cells[static_cast<std::size_t>(last)].empty()) --last;

@@ -1,4 +1,4 @@
-// What the control asks of a list, and what the user does with its rows. UI thread only.
+// Answers what the list view control asks for, and handles the mouse and the keyboard. UI thread only.
 #include "ui/list_internal.h"
 
 #include "ui/clipboard.h"
@@ -20,7 +20,7 @@ void FillItem(const ListView& list, LVITEMW& item) {
     }
 }
 
-// The row whole, because some of it may be cut.
+// The tip shows the whole row, because its cells may be cut.
 void FillTip(const ListView& list, const NMLVGETINFOTIPW& tip) {
     const ListRow* row = ListViewRow(list, tip.iItem);
     if (row == nullptr || tip.cchTextMax < 1) return;
@@ -38,10 +38,10 @@ void CopySelectedRow(const ListView& list) {
     ClipboardPutText(g_ui.hMainWnd, text);
 }
 
-// --- What the user does
+// --- Mouse and keyboard
 
 bool IsOnMark(const ListView& list, const NMITEMACTIVATE& click) {
-    const RECT cell = ListViewCell(list, click.iItem, 0);  // begins right of the mark
+    const RECT cell = ListViewCell(list, click.iItem, 0);  // begins to the right of the mark
     return list.kind->hasMarks && click.ptAction.x < cell.left;
 }
 
@@ -79,7 +79,7 @@ bool OnListKey(const ListView& list, WPARAM key) {
 void OnListMenu(const ListView& list, POINT at) {
     const int row = ListViewSelected(list);
     if (ListViewRow(list, row) == nullptr || list.kind->menu == nullptr) return;
-    if (at.x == -1 && at.y == -1) {  // from the keyboard: below the selected row
+    if (at.x == -1 && at.y == -1) {  // opened by the keyboard: below the selected row
         const RECT cell = ListViewCell(list, row, 0);
         at = {cell.left, cell.bottom};
         ClientToScreen(list.window, &at);
@@ -93,13 +93,14 @@ void OnListCharacter(const ListView& list, wchar_t character) {
         list.kind->typed(row, character);
 }
 
-// The user begins to draw a column to another width. The control asks its header in either alphabet.
+// The user begins to change the width of a column. The control passes on the header's notifications in ANSI or Unicode
+// form.
 bool IsWidening(UINT code) {
     return code == HDN_BEGINTRACKW || code == HDN_BEGINTRACKA || code == HDN_DIVIDERDBLCLICKW ||
            code == HDN_DIVIDERDBLCLICKA;
 }
 
-// True when the notification was one of the header that is drawn here.
+// Returns true when `result` answers the notification of the header.
 bool OnHeaderNotify(ListView& list, const NMHDR& header, LRESULT* result) {
     if (header.hwndFrom != ListViewHeader(list)) return false;
     if (IsWidening(header.code) && list.kind != nullptr) list.places[list.kind].byUser = true;
@@ -127,7 +128,7 @@ LRESULT CALLBACK ListViewProc(HWND window, UINT message, WPARAM wParam, LPARAM l
         case WM_KEYDOWN:
             if (OnListKey(list, wParam)) return 0;
             break;
-        case WM_CHAR: OnListCharacter(list, static_cast<wchar_t>(wParam)); return 0;  // no search by typing
+        case WM_CHAR: OnListCharacter(list, static_cast<wchar_t>(wParam)); return 0;  // not to the control's search
         case WM_COPY: CopySelectedRow(list); return 0;
         case WM_CONTEXTMENU: OnListMenu(list, {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;
         case WM_SETFOCUS:
@@ -149,7 +150,7 @@ bool ListViewHandleNotify(ListView& list, const NMHDR& header, LRESULT* result) 
     if (list.window == nullptr || header.hwndFrom != list.window) return false;
     switch (header.code) {
         case LVN_GETDISPINFOW:
-            // The control wants its answer in the very record it sends.
+            // The control reads the answer from the record that it has sent.
             FillItem(list, reinterpret_cast<NMLVDISPINFOW*>(const_cast<NMHDR*>(&header))->item);
             return true;
         case NM_CUSTOMDRAW:

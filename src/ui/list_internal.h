@@ -1,4 +1,4 @@
-// The seams between the files of a list. Private to list_*_win.cpp. UI thread only.
+// What the files of a list share. Private to list_*_win.cpp. UI thread only.
 #pragma once
 
 #include "ui/list_view.h"
@@ -9,8 +9,8 @@ inline LRESULT ListViewSend(const ListView& list, UINT message, WPARAM wParam = 
 }
 inline HWND ListViewHeader(const ListView& list) { return reinterpret_cast<HWND>(ListViewSend(list, LVM_GETHEADER)); }
 int ListViewRowCount(const ListView& list);
-const ListRow* ListViewRow(const ListView& list, int row);  // null: there is none
-void ListViewFitColumns(ListView& list);                    // to the width of its window
+const ListRow* ListViewRow(const ListView& list, int row);  // null for an index out of range
+void ListViewFitColumns(ListView& list);                    // to the width of the window
 
 // --- list_input_win.cpp: the window's messages
 LRESULT CALLBACK ListViewProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR data);

@@ -1,4 +1,4 @@
-// The rows of a list as text and marks. Pure.
+// The rows of a list: texts and marks. Pure.
 #pragma once
 
 #include <cstdint>
@@ -7,21 +7,21 @@
 
 enum class ListTone : std::uint8_t {
     Normal,
-    Quiet,    // known but not in force: disabled, a hint
-    Source,   // a line of source between others, over all columns
-    Problem,  // an error text in its last cell
+    Quiet,    // a hint, or what is disabled
+    Source,   // a line of source, over all columns
+    Problem,  // the last cell is an error text
 };
 enum class ListMark : std::uint8_t {
     None,
     Unchecked,
     Checked,
-    Current,  // a filled arrow: the place that matters now
-    Chosen,   // an arrow's outline: what other views show
+    Current,  // a filled arrow: where the program stopped
+    Chosen,   // the outline of an arrow: what the other views show
 };
 
 struct ListRow {
     std::vector<std::wstring> cells;
-    std::uint32_t changed = 0;  // bit n: cell n is not what it was before
+    std::uint32_t changed = 0;  // bit n: cell n has changed
     ListTone tone = ListTone::Normal;
     ListMark mark = ListMark::None;
     bool operator==(const ListRow&) const = default;
@@ -29,6 +29,6 @@ struct ListRow {
 
 struct ListContent {
     std::vector<ListRow> rows;
-    int reveal = -1;     // row to select and bring into view; -1: selection and place stay
-    bool stale = false;  // no longer true: all of it is shown quietly
+    int reveal = -1;     // row to select and scroll to; -1: selection and scroll position stay
+    bool stale = false;  // out of date: all of it is drawn in the quiet colour
 };

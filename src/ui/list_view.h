@@ -1,5 +1,5 @@
-// A list of rows with columns that give way, drawn by the theme: a virtual list view that panes fill and that asks them
-// when the user does something. Knows rows and cells, not what they mean. UI thread only.
+// A list of rows with columns that shrink to fit, drawn in the colours of the theme. It is a virtual list view: a pane
+// gives it the content and is called when the user acts on a row. UI thread only.
 #pragma once
 
 #include "ui/inline_edit.h"
@@ -16,50 +16,55 @@
 
 struct ListColumn {
     const wchar_t* title;
-    int characters;   // width; the last column takes what is left
-    int least;        // characters that it keeps where there is not room for all columns
-    bool fixedPitch;  // in UiFixedFont
+    int characters;   // wanted width; the last column also takes the rest
+    int least;        // characters; smallest width
+    bool fixedPitch;  // drawn in UiFixedFont
 };
 
-// What a list shows and what comes of it: a constant of the pane. A null procedure: nothing comes of it.
+// The columns of a list and its reactions: a constant of the pane. Null: no reaction. Indices of rows are those of the
+// content.
 struct ListKind {
     std::span<const ListColumn> columns;
     bool hasMarks = false;
-    void (*activate)(int row, int column) = nullptr;  // Enter (column -1), double-click
-    void (*edit)(int row, int column) = nullptr;      // F2 (column -1), click on a cell of the selected row
-    bool (*key)(int row, int key) = nullptr;          // further keys; true: taken
+    void (*activate)(int row, int column) = nullptr;  // Enter (column -1) and double-click
+    void (*edit)(int row, int column) = nullptr;      // F2 (column -1) and click on a column but the first
+    bool (*key)(int row, int key) = nullptr;          // other keys; returns true when it has handled the key
     void (*typed)(int row, wchar_t character) = nullptr;
-    void (*check)(int row) = nullptr;  // Space, a click on the mark
+    void (*check)(int row) = nullptr;  // Space and click on the mark
     void (*menu)(int row, POINT screen) = nullptr;
 };
 
-// One list; belongs to the pane that shows it and lives as long as its window.
+// One list. The pane that shows it owns it, and keeps it until its window is destroyed.
 struct ListView {
     HWND window = nullptr;
-    bool (*handleKey)(HWND from, WPARAM key) = nullptr;  // before the list answers it; null: no one
+    // Called first for each key; returns true when it has handled the key. May be null.
+    bool (*handleKey)(HWND from, WPARAM key) = nullptr;
 
-    // The rest is the list's own.
+    // The fields below are private to the list.
     struct Place {
-        std::vector<int> widths;  // as the user left them, pixels; empty: as they fit
-        bool byUser = false;      // the columns were drawn to other widths
+        std::vector<int> widths;  // pixels, as the user has set them; empty: fitted
+        bool byUser = false;      // the user has changed the width of a column
         int selected = 0;
         int top = 0;
     };
-    const ListKind* kind = nullptr;        // that is shown
-    const ListContent* content = nullptr;  // null: not yet filled
+    const ListKind* kind = nullptr;        // the kind that is shown
+    const ListContent* content = nullptr;  // null: no content yet
     std::map<const ListKind*, Place> places;
-    HIMAGELIST heightOnly = nullptr;  // a list view takes its row height from its pictures
+    HIMAGELIST heightOnly = nullptr;  // image list that sets the height of the rows
 };
 
-bool ListViewCreate(ListView& list, HWND parent, int controlId);  // false when that fails
-// Shows the columns of a kind, later its rows where the user left them. `kind` must outlive the list.
+bool ListViewCreate(ListView& list, HWND parent, int controlId);  // false: it could not be created
+// Shows the columns of a kind without rows. The next update scrolls to where the user left this kind. `kind` must
+// outlive the list.
 void ListViewShow(ListView& list, const ListKind& kind);
-void ListViewUpdate(ListView& list, const ListContent& content);  // the content must outlive the next update
-void ListViewApplyTheme(ListView& list);                          // colours and fonts; columns fit anew
+void ListViewUpdate(ListView& list, const ListContent& content);  // the content must stay until the next update
+// Renews colours and fonts. ListViewShow must follow, because the columns are removed.
+void ListViewApplyTheme(ListView& list);
+// Handles WM_NOTIFY. Returns true when the notification was for the list; `result` is then the answer if there is one.
 bool ListViewHandleNotify(ListView& list, const NMHDR& header, LRESULT* result);
 
 int ListViewSelected(const ListView& list);  // -1: none
 void ListViewSelect(const ListView& list, int row);
-RECT ListViewCell(const ListView& list, int row, int column);  // client coordinates, without the mark
-// An edit field over the cell (ui/inline_edit.h).
+RECT ListViewCell(const ListView& list, int row, int column);  // in client coordinates, without the mark
+// Opens an edit field over the cell (ui/inline_edit.h).
 void ListViewEditCell(ListView& list, int row, int column, const std::wstring& text, bool append, InlineCommit commit);

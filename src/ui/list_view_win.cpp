@@ -1,4 +1,4 @@
-// The list: its window, its columns and its rows. UI thread only.
+// The window, the columns and the rows of a list. UI thread only.
 #include "ui/list_view.h"
 
 #include "ui/chrome.h"
@@ -14,7 +14,7 @@
 namespace {
 
 constexpr UINT_PTR kSubclassId = 1;
-constexpr int kRowBlank = 5;  // of a row beside its line of text, at 96 dpi
+constexpr int kRowBlank = 5;  // height of a row beyond its text, at 96 dpi
 
 int ListColumnCount(const ListView& list) {
     return list.kind != nullptr ? static_cast<int>(list.kind->columns.size()) : 0;
@@ -54,7 +54,7 @@ void InsertColumns(ListView& list) {
         const auto index = static_cast<std::size_t>(i);
         LVCOLUMNW add = {};
         add.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
-        add.pszText = const_cast<wchar_t*>(list.kind->columns[index].title);  // read only, in spite of its type
+        add.pszText = const_cast<wchar_t*>(list.kind->columns[index].title);  // the control does not write to it
         add.cx = kept ? place.widths[index] : RoomOfColumn(*list.kind, i).wanted;
         ListViewSend(list, LVM_INSERTCOLUMNW, index, reinterpret_cast<LPARAM>(&add));
     }
@@ -72,8 +72,7 @@ void ScrollTo(const ListView& list, int top) {
     ListViewSend(list, LVM_SCROLL, 0, (top - static_cast<int>(ListViewSend(list, LVM_GETTOPINDEX))) * height);
 }
 
-// A few rows of what follows are worth more than the row itself at the lower edge, and of what goes before, such as its
-// line of source, more than the row at the upper one.
+// Makes some rows around it visible, too: four after it, and two before it, which may hold its line of source.
 void RevealRow(const ListView& list, int row) {
     ListViewSelect(list, row);
     for (const int each : {std::min(row + 4, ListViewRowCount(list) - 1), std::max(row - 2, 0), row})
@@ -82,7 +81,7 @@ void RevealRow(const ListView& list, int row) {
 
 }  // namespace
 
-// What the user drew stays; only the last column follows the pane then.
+// Columns whose widths the user has changed keep them; only the last one then follows the window.
 void ListViewFitColumns(ListView& list) {
     std::vector<ColumnRoom> columns;
     const bool byUser = list.kind != nullptr && list.places[list.kind].byUser;
@@ -134,7 +133,8 @@ void ListViewShow(ListView& list, const ListKind& kind) {
 }
 
 void ListViewUpdate(ListView& list, const ListContent& content) {
-    const bool first = list.content == nullptr;  // a kind just shown goes back to its place
+    // A kind that was just shown returns to its selection and scroll position.
+    const bool first = list.content == nullptr;
     const bool sameCount = !first && ListViewSend(list, LVM_GETITEMCOUNT) == static_cast<LRESULT>(content.rows.size());
     list.content = &content;
     if (!sameCount) {
@@ -154,7 +154,7 @@ void ListViewUpdate(ListView& list, const ListContent& content) {
 }
 
 void ListViewApplyTheme(ListView& list) {
-    // The fonts may be others now: the columns of every kind get the widths that fit them.
+    // The fonts may have changed, so that the columns of every kind must be fitted again.
     KeepPlace(list);
     for (auto& [kind, place] : list.places) {
         place.widths.clear();

@@ -1,4 +1,4 @@
-// Menus that pop up at a place. UI thread only.
+// Pop-up menus. UI thread only.
 #pragma once
 
 #include <windows.h>
@@ -10,10 +10,10 @@ struct MenuItem {
     const wchar_t* text = nullptr;
     bool enabled = true;
     bool checked = false;
-    HBITMAP picture = nullptr;  // stays the caller's
+    HBITMAP picture = nullptr;  // owned by the caller
 };
 
-// Shows the items until one is chosen; 0: none was. The corner at `screen` is the left one, with TPM_RIGHTALIGN the right
-// one. Messages are handled meanwhile: what the caller looked up before may be gone. `owner` hears WM_INITMENUPOPUP and
-// may set the states of its commands there.
+// Shows the items and returns the id of the chosen one, or 0 for none. `screen` is the upper left corner, or with
+// TPM_RIGHTALIGN the upper right one. Messages are dispatched while the menu is open, so objects that the caller has
+// looked up before may be gone. `owner` gets WM_INITMENUPOPUP, in which it may set the states of its commands.
 UINT ShowPopupMenu(HWND owner, std::span<const MenuItem> items, POINT screen, UINT flags = TPM_LEFTALIGN);

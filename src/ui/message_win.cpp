@@ -23,7 +23,7 @@ Answer ShowMessageBox(const UserQuestion& question) {
         case IDOK:
         case IDYES: return Answer::Yes;
         case IDNO: return Answer::No;
-        default: return Answer::Cancel;  // also when no box could be shown: nothing is given up unasked
+        default: return Answer::Cancel;  // also when no box could be shown, so that nothing is lost unasked
     }
 }
 
@@ -38,7 +38,6 @@ void TellFormatted(AskIcon icon, const wchar_t* format, std::va_list args) {
 Answer AskUser(const UserQuestion& question) {
     if (g_answerInstead != nullptr) return g_answerInstead(question);
     if (!g_selftestTabsMode) return ShowMessageBox(question);
-    // Without a log the text is dropped.
     AppLogMsg(question.icon == AskIcon::Error ? L"ERROR: %s" : L"INFO: %s", question.text);
     return question.inSelftest;
 }

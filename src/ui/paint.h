@@ -1,4 +1,5 @@
-// Painting that every window needs: in one go, and the few plain shapes of the frame. UI thread only.
+// Painting without flicker, and the plain shapes of the frame. Areas do not include their right and lower edges. UI
+// thread only.
 #pragma once
 
 #include "base/handles.h"
@@ -7,8 +8,8 @@
 
 #include <span>
 
-// Answers WM_PAINT: what is drawn to Dc() goes to the screen as a whole at the end of the scope. Without memory for a
-// bitmap it is drawn on the screen itself: better a flicker than nothing.
+// Answers WM_PAINT. What is drawn on Dc() is copied to the screen at the end of the scope. When there is no memory for
+// a bitmap, Dc() is the screen itself.
 class BufferedPaint {
 public:
     explicit BufferedPaint(HWND window);
@@ -25,20 +26,20 @@ private:
     HDC screen_ = nullptr;
     RECT client_ = {};
     UniqueBitmap bitmap_;
-    UniqueMemoryDc memory_;  // closed before the bitmap that is selected into it
+    UniqueMemoryDc memory_;  // destroyed before the bitmap, which is selected into it
     HGDIOBJ oldBitmap_ = nullptr;
 };
 
 void FillArea(HDC dc, const RECT& area, COLORREF colour);
-void FillDot(HDC dc, const RECT& area, COLORREF colour);    // the ellipse in the area
-void FrameArea(HDC dc, const RECT& area, COLORREF colour);  // its edge, one pixel wide
+void FillDot(HDC dc, const RECT& area, COLORREF colour);    // the ellipse that fills the area
+void FrameArea(HDC dc, const RECT& area, COLORREF colour);  // the edge of the area, one pixel wide
 void DrawTriangle(HDC dc, const POINT (&corners)[3], COLORREF colour, bool filled = true);
 void DrawStrokes(HDC dc, std::span<const POINT[2]> lines, COLORREF colour, int width);
 void DrawPolyline(HDC dc, std::span<const POINT> points, COLORREF colour, int width);
-// A triangle that points down in the middle of `width` pixels at the right end of the area.
+// A triangle that points down, in the middle of the last `width` pixels of the area.
 void DrawDropArrow(HDC dc, const RECT& area, int width, COLORREF colour);
 
-// `percentOfB` of the second colour in the first.
+// Mixes the colours: `percentOfB` per cent of `b`, the rest of `a`.
 COLORREF MixColours(COLORREF a, COLORREF b, int percentOfB);
-// For WM_CTLCOLOR...: text, its background and the brush that is answered.
+// Sets both colours and returns the background's brush, which is the answer to WM_CTLCOLOR... messages.
 LRESULT ControlColours(HDC dc, COLORREF text, COLORREF back);

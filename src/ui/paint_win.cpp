@@ -6,13 +6,13 @@
 
 namespace {
 
-// The stock brush and pen take their colour from the device context: nothing to create or free.
+// The stock brush and pen take their colour from the device context and need not be created or freed.
 HBRUSH StockBrush(HDC dc, COLORREF colour) {
     SetDCBrushColor(dc, colour);
     return static_cast<HBRUSH>(GetStockObject(DC_BRUSH));
 }
 
-// Brush and pen of one colour, for a scope.
+// Selects a brush and a pen of one colour for a scope.
 class ShapeColours {
 public:
     ShapeColours(HDC dc, COLORREF colour, bool filled)

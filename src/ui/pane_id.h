@@ -1,4 +1,4 @@
-// Which panes there are around the editor, and the areas that they share. Pure.
+// The panes around the editor, and the areas that they share. Pure.
 #pragma once
 
 #include <cstddef>
@@ -10,13 +10,13 @@ constexpr std::size_t PaneIndex(PaneId id) { return static_cast<std::size_t>(id)
 // One bit for each pane.
 constexpr std::uint32_t PaneBit(PaneId id) { return 1U << static_cast<unsigned>(id); }
 
-// Several panes of one area share it evenly, but for those on the right, which have one width each.
+// Panes of the same area share it evenly, except for those in Right, each of which has a width of its own.
 enum class PaneArea : std::uint8_t {
-    Left,         // beside the editor, one above the other
-    Right,        // beside the editor, beside each other
-    Bottom,       // below the editor, beside each other
-    BelowBottom,  // a line or list below those at the bottom, and only with them
-    BottomRight,  // below the editor, right of the bottom, or alone
+    Left,         // left of the editor, one above the other
+    Right,        // right of the editor, side by side
+    Bottom,       // below the editor, side by side
+    BelowBottom,  // a line or a list below Bottom, shown only with it
+    BottomRight,  // below the editor, to the right of Bottom, or alone
 };
 
 // Pixels, in client coordinates of the main window.

@@ -1,5 +1,5 @@
-// The table of panes: what each is made by, where it goes, what shows it. The frame holds the rows (app/panes_win.cpp)
-// and places the windows; whoever shows or hides a pane does it here. UI thread only.
+// The table of panes: how each is created, where it is placed and what shows it. The frame holds the rows and places
+// the windows (app/panes_win.cpp). Other code shows and hides panes with the functions here. UI thread only.
 #pragma once
 
 #include "settings/settings.h"
@@ -22,31 +22,32 @@ struct PaneSpec {
     const wchar_t* title;  // for the log
     PaneArea area;
     int controlId;
-    HWND* window;                                // where its window is kept; null while there is none
-    HWND (*create)(HWND parent, int controlId);  // null when it cannot be made
-    bool lazy = false;                           // made when it is first shown, because a start should not pay for it
-    void (*applyTheme)() = nullptr;              // colours and fonts, while there is a window
-    std::int32_t Settings::*setting = nullptr;   // whether it is shown, kept between runs; null: for this run only
-    bool shownAtStart = false;                   // without a setting
-    std::int32_t Settings::*height = nullptr;    // of a row below the bottom, at 96 dpi; null: one line
-    int command = 0;                             // of the View menu, shows and hides it; 0: none
-    void (*onShown)() = nullptr;                 // the user has opened it
-    bool (*handleNotify)(const NMHDR& header, LRESULT* result) = nullptr;  // WM_NOTIFY of its windows; true: taken
-    // Its windows where it has more than one.
+    HWND* window;                                // where its window is stored; null until it is created
+    HWND (*create)(HWND parent, int controlId);  // returns null on failure
+    bool lazy = false;                           // created when it is first shown, to save time at start-up
+    void (*applyTheme)() = nullptr;              // renews colours and fonts; called while there is a window
+    std::int32_t Settings::*setting = nullptr;   // whether it is shown; null: not kept between runs
+    bool shownAtStart = false;                   // for a pane without a setting
+    std::int32_t Settings::*height = nullptr;    // of a pane in BelowBottom, at 96 dpi; null: one line
+    int command = 0;                             // of the View menu, which shows and hides it; 0: none
+    void (*onShown)() = nullptr;                 // called by PaneShow after it has opened the pane
+    // WM_NOTIFY; returns true when it was for the pane.
+    bool (*handleNotify)(const NMHDR& header, LRESULT* result) = nullptr;
+    // Its windows with their places in the area, for a pane that has more than one.
     std::vector<PanePart> (*parts)(const PaneRect& area) = nullptr;
 };
 
-// Called once, before any of the others; `rows` is in the order of PaneId and outlives the program's windows.
+// Called once, before any of the functions below. `rows` is in the order of PaneId and must outlive the windows.
 void PanesConnect(std::span<const PaneSpec> rows);
 std::span<const PaneSpec> Panes();
 
 bool PaneIsShown(PaneId id);
-std::uint32_t PanesShown();  // PaneBit of each that is shown
-// Shows or hides it, and places all panes. The keyboard leaves a pane that goes.
+std::uint32_t PanesShown();  // PaneBit of each pane that is shown
+// Shows or hides the pane, and places all panes. A pane that is hidden loses the keyboard focus.
 void PaneShow(PaneId id, bool shown);
-// The same without placing them: whoever changes several asks for one layout afterwards.
+// The same without placing the panes: code that changes several panes raises layoutWanted once afterwards.
 void PaneSetShown(PaneId id, bool shown);
-// The pane that the command of the View menu is for; null: none.
+// The pane that the command of the View menu shows and hides. Null when there is none.
 const PaneSpec* PaneOfCommand(int command);
-// The pane to which the window belongs; null: none.
+// The pane to which the window belongs. Null when there is none.
 const PaneSpec* PaneOfWindow(HWND window);

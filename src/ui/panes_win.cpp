@@ -8,7 +8,7 @@
 
 namespace {
 
-std::span<const PaneSpec> g_panes;  // empty: no frame, as in tests of one area
+std::span<const PaneSpec> g_panes;  // empty without a frame, as in tests of one area
 
 const PaneSpec* FindPane(PaneId id) {
     const auto row = std::ranges::find(g_panes, id, &PaneSpec::id);

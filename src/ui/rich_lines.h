@@ -1,4 +1,5 @@
-// Coloured lines at the end of a Rich Edit pane, in blocks sized so that none holds up the user interface. UI thread.
+// Appends coloured lines to a Rich Edit pane, in blocks that are small enough to keep the user interface responsive. UI
+// thread only.
 #pragma once
 
 #include "ui/rtf_block.h"
@@ -8,28 +9,31 @@
 #include <cstddef>
 #include <span>
 
-// A read-only pane without a size, hidden; null when it cannot be made. `wrap` folds long lines at the pane's width instead
-// of scrolling sideways.
+// Creates a read-only pane, hidden and without a size. Returns null on failure. With `wrap`, long lines are folded at
+// the width of the pane; without it, the pane scrolls sideways.
 HWND RichPaneCreate(HWND parent, int controlId, const wchar_t* text, bool wrap);
 
-// Adds the lines as one block: one insertion, nothing painted. A selection that the user made stays.
+// Appends the lines with one insertion and without painting. A selection of the user stays.
 void RichLinesAppend(HWND pane, std::span<const PaneLine> lines);
-// Down to the last line, at its start.
+// Scrolls to the start of the last line.
 void RichScrollToEnd(HWND pane);
-// Back to the start of the lines: a pane that has no size yet scrolls its caret into a view of no width.
+// Scrolls to the start of the lines. A pane that has no size yet scrolls sideways to its caret, because its view has no
+// width.
 void RichScrollToLeft(HWND pane);
-// Scrolls to the end and repaints. Painting takes longer the more lines a pane holds, so after several blocks once.
+// Scrolls to the end and repaints. Painting takes longer the more lines a pane holds, so it is called once after
+// several blocks.
 void RichLinesReveal(HWND pane);
 
-// Empties a pane that holds about `lines` lines. Returns the pane to use from now on: deleting many lines takes time
-// that grows with their square (4,000: 1 s under Wine 8, 20,000: minutes), so a long pane is replaced by a new window,
-// which has everything of the old one but its text, format and subclass. The old one is only hidden: it may be answering
-// a message now, and its end takes long (100,000 lines: half a second). The caller sees to it that TIMER_OUTPUT runs.
+// Empties a pane that holds about `lines` lines, and returns the pane to use from now on. A long pane is replaced by a
+// new window, because the time for deleting lines grows with the square of their number (4,000 lines: 1 s under Wine 8;
+// 20,000: minutes). The new window has everything of the old one except text, format and subclass. The old one is only
+// hidden, because it may be handling a message now, and because destroying it takes long (100,000 lines: half a
+// second). The caller starts TIMER_OUTPUT, which destroys it.
 HWND RichPaneEmptied(HWND pane, std::size_t lines);
-bool RichPaneIsReplaced();  // one waits to be destroyed
+bool RichPaneIsReplaced();  // whether a replaced pane waits to be destroyed
 void RichPaneDestroyReplaced();
 
-// How many lines the next block should have, learnt from how long the last full ones took.
+// The number of lines of the next block. BlockSizeLearn adapts it to the time that a full block has taken.
 struct BlockSize {
     std::size_t lines = 400;
 };

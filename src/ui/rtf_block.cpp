@@ -7,7 +7,7 @@
 
 namespace {
 
-// \uN takes a signed 16-bit number; the question mark is what readers without Unicode show.
+// \uN takes a signed 16-bit number. A reader without Unicode shows the question mark.
 void AppendUnit(std::string& rtf, std::uint32_t unit) {
     const int number = static_cast<int>(unit) - (unit > 0x7FFF ? 0x10000 : 0);
     rtf += "\\u";
@@ -36,7 +36,7 @@ std::uint32_t Shown(std::uint32_t colour, const RtfFont& font) {
     return ThemeColorRef(ThemeReadableOn(ThemeColorRef(colour), ThemeColorRef(*font.darkBack)));
 }
 
-// The distinct colours of the block, the pane's own first.
+// The distinct colours of the lines. 0, the colour of the pane, is the first.
 std::vector<std::uint32_t> DistinctColours(std::span<const PaneLine> lines) {
     std::vector<std::uint32_t> colours = {0};
     for (const PaneLine& line : lines)
@@ -75,7 +75,7 @@ std::string RtfBlock(std::span<const PaneLine> lines, const RtfFont& font) {
     for (const PaneLine& line : lines) {
         const auto index =
             static_cast<std::size_t>(std::find(colours.begin(), colours.end(), line.colour) - colours.begin());
-        // The blank ends the control word; without one before it, it would be text.
+        // The blank ends the control word and is not part of the text.
         if (index != current) rtf += "\\cf" + std::to_string(index + 1) + ' ';
         current = index;
         RtfAppendEscaped(rtf, line.text);

@@ -1,7 +1,7 @@
-// Lengths are written for 96 dpi and scaled where they are used. Pure.
+// Lengths are written for 96 dpi, and scaled where they are used. Pure; any thread.
 #pragma once
 
-// A length at 96 dpi as pixels at `dpi`, rounded to the nearest.
+// Converts a length at 96 dpi to pixels at `dpi`, rounded to the nearest.
 constexpr int ScaledTo(int length, int dpi) {
     const int product = length * dpi;
     return (product + (product < 0 ? -48 : 48)) / 96;

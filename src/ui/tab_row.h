@@ -1,5 +1,5 @@
-// A row of tabs over the views of a pane. Where they do not all fit, those around the selected one are shown, and a
-// button at the end has the others in its menu. Knows titles, not what is shown below them. UI thread only.
+// A row of tabs for the views of a pane. When not all tabs fit, those around the selected one are shown, and a button
+// at the end has the others in its menu. UI thread only.
 #pragma once
 
 #include "ui/fit.h"
@@ -8,17 +8,18 @@
 
 #include <span>
 
-// One row of tabs; belongs to the pane that shows it and lives as long as its windows.
+// One row of tabs. The pane that shows it owns it, and keeps it until its windows are destroyed.
 struct TabRow {
     HWND tabs = nullptr;  // a tab control
-    HWND more = nullptr;  // the button for the others
+    HWND more = nullptr;  // the button with the menu of the other tabs
     std::span<const wchar_t* const> titles;
-    // A key before the row answers it; true: taken.
+    // Called first for each key; returns true when it has handled the key.
     bool (*handleKey)(HWND from, WPARAM key) = nullptr;
-    // Down or Enter in the row, or a choice from the menu: the keyboard goes to the view.
+    // Called after Down or Enter in the row and after a choice from the menu: gives the view the focus.
     void (*enterView)() = nullptr;
 
-    // What the row was last fitted to: panes ask again at every refresh.
+    // What the row was last fitted to. Placing it again with the same values does nothing, because panes do so at every
+    // refresh.
     struct Fitted {
         int width = 0, titles = 0, selected = 0;
         bool operator==(const Fitted&) const = default;
@@ -27,13 +28,13 @@ struct TabRow {
     TabSpan shown;
 };
 
-// Makes both windows with these control ids; false when that fails. The choice arrives at the parent as TCN_SELCHANGE, a
-// click on the button as BN_CLICKED, its drawing as WM_DRAWITEM.
+// Creates both windows with these control ids; returns false on failure. The parent gets TCN_SELCHANGE for a selected
+// tab, BN_CLICKED for the button, and WM_DRAWITEM for drawing the button.
 bool TabRowCreate(TabRow& row, HWND parent, int tabsId, int moreId);
 int TabRowSelected(const TabRow& row);
 void TabRowSelect(const TabRow& row, int index);  // sends no notification
 int TabRowHeight();                               // pixels
-void TabRowPlace(TabRow& row, int width);         // along the upper edge of the pane
+void TabRowPlace(TabRow& row, int width);         // along the upper edge of the pane; `width` in pixels
 void TabRowApplyTheme(TabRow& row);
 void TabRowDrawMore(const DRAWITEMSTRUCT& draw);
 void TabRowShowMore(const TabRow& row);

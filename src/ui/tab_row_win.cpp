@@ -15,9 +15,9 @@ namespace {
 
 constexpr UINT_PTR kSubclassId = 1;
 constexpr int kRowHeight = 26;                     // at 96 dpi
-constexpr int kTabHeight = 22;                     // what the control is told
-constexpr int kLeastBlank = 6, kWidestBlank = 14;  // beside a title
-constexpr int kControlEdges = 6;                   // that the control wants beside its tabs
+constexpr int kTabHeight = 22;                     // at 96 dpi, for the control
+constexpr int kLeastBlank = 6, kWidestBlank = 14;  // at 96 dpi, on either side of a title
+constexpr int kControlEdges = 6;                   // at 96 dpi, that the control needs beside its tabs
 constexpr int kMoreWidth = 26;
 
 void DrawTitle(HDC dc, const RECT& body, const wchar_t* title, bool active, bool focused) {
@@ -89,7 +89,7 @@ LRESULT CALLBACK TabRowProc(HWND tabs, UINT message, WPARAM wParam, LPARAM lPara
         case WM_KEYDOWN:
             if (OnTabRowKey(row, wParam)) return 0;
             break;
-        case WM_CHAR: return 0;  // no beep
+        case WM_CHAR: return 0;  // the control would beep
         case WM_NCDESTROY: RemoveWindowSubclass(tabs, TabRowProc, id); break;
         default: break;
     }
@@ -112,7 +112,7 @@ bool TabRowCreate(TabRow& row, HWND parent, int tabsId, int moreId) {
         TCITEMW item = {};
         item.mask = TCIF_TEXT;
         item.pszText =
-            const_cast<wchar_t*>(row.titles[static_cast<std::size_t>(i)]);  // read only, in spite of its type
+            const_cast<wchar_t*>(row.titles[static_cast<std::size_t>(i)]);  // the control does not write to it
         SendMessageW(row.tabs, TCM_INSERTITEMW, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
     }
     return true;
@@ -132,12 +132,12 @@ void TabRowPlace(TabRow& row, int width) {
     row.fitted = fitted;
     const int count = TitleCount(row);
     const int height = TabRowHeight();
-    // The control wants a few pixels beside its tabs; without them it shows arrows of its own.
+    // The control needs a few pixels beside its tabs. Without them it shows arrows of its own.
     const TabBlank blank = FitTabBlank(width - UiScaled(kControlEdges), fitted.titles, count, UiScaled(kLeastBlank),
                                        UiScaled(kWidestBlank));
     SendMessageW(row.tabs, TCM_SETPADDING, 0, MAKELPARAM(blank.pixels, 0));
     SendMessageW(row.tabs, TCM_SETITEMSIZE, 0, MAKELPARAM(0, UiScaled(kTabHeight)));
-    // It is always as wide as all its tabs: what there is no room for lies beyond the edges of the pane.
+    // The control is always as wide as all its tabs, so tabs without room lie beyond the edges of the pane.
     const int whole = blank.all ? width : 2 * (fitted.titles + 2 * count * UiScaled(kLeastBlank));
     SetWindowPos(row.tabs, nullptr, 0, 0, whole, height, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
     std::vector<int> widths;
@@ -149,7 +149,7 @@ void TabRowPlace(TabRow& row, int width) {
     row.shown = FitTabs(widths, room, std::max(fitted.selected, 0), row.shown.first);
     const int left = row.shown.first > 0 ? static_cast<int>(TitleRect(row, row.shown.first).left) : 0;
     SetWindowPos(row.tabs, nullptr, -left, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_SHOWWINDOW);
-    // Over the rest of the row, and with it over the tab that would be cut.
+    // The button covers the rest of the row, and with it the tab that would be cut.
     const int end = std::min(static_cast<int>(TitleRect(row, row.shown.end - 1).right) - left, room);
     SetWindowPos(row.more, HWND_TOP, end, 0, std::max(width - end, 0), height,
                  SWP_NOACTIVATE | (blank.all ? SWP_HIDEWINDOW : SWP_SHOWWINDOW));

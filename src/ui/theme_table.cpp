@@ -1,4 +1,4 @@
-// The palettes. Every text colour reaches a contrast of 4.5 against its background, which the tests check. Pure.
+// The palettes. Every text colour has a contrast of at least 4.5 to its background; the tests check that. Pure.
 #include "ui/theme_table.h"
 
 #include <algorithm>
@@ -6,8 +6,8 @@
 
 namespace {
 
-// Order of the text colours: text, keyword, type, function, string, comment, number, operator, preprocessor,
-// identifier, label, assembly, error.
+// The order of the text colours is that of TextRole: text, keyword, type, function, string, comment, number, operator,
+// preprocessor, identifier, label, assembly, error.
 constexpr EditorStyle kStyles[] = {
     {.name = L"KVX-Editor",
      .light = {.back = 0xFFFFFF,
@@ -202,10 +202,11 @@ double Luminance(Rgb rgb) {
     return 0.2126 * Linear(rgb >> 16 & 0xFF) + 0.7152 * Linear(rgb >> 8 & 0xFF) + 0.0722 * Linear(rgb & 0xFF);
 }
 
-constexpr int kFullSteps = 255;  // of a colour to the brightest of its kind
+constexpr int kFullSteps = 255;  // from a colour to the brightest of its hue
 constexpr int kLightSteps = 2 * kFullSteps;
 
-// First all channels grow in proportion until the greatest is full, then all approach white: neither changes the hue.
+// In the first kFullSteps steps all channels grow in proportion until the greatest is 255. In the others all approach
+// white. Neither changes the hue.
 Rgb Lighter(Rgb colour, int step) {
     const int greatest = static_cast<int>(std::max({colour >> 16 & 0xFF, colour >> 8 & 0xFF, colour & 0xFF, Rgb{1}}));
     const int full = greatest + (255 - greatest) * std::min(step, kFullSteps) / kFullSteps;
@@ -248,7 +249,8 @@ double ThemeContrast(Rgb a, Rgb b) {
 
 Rgb ThemeReadableOn(Rgb colour, Rgb back) {
     if (ThemeContrast(colour, back) >= kReadableContrast) return colour;
-    // Steps to white: contrast falls at first where the colour is darker than its background, and grows from there on.
+    // Searches for the smallest step that is enough. The contrast falls at first when the colour is darker than its
+    // background, so a step must also be lighter than the background.
     int low = 0;
     int high = kLightSteps;
     while (high - low > 1) {

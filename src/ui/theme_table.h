@@ -1,5 +1,5 @@
-// The colours of every theme: six editor styles, each in a light and a dark variant, and the frame around them. Colours
-// are 0xRRGGBB here, as people write them; ThemeColorRef turns them into what the system takes. Pure.
+// The colours of all themes: six editor styles, each in a light and a dark variant, and the frame around the editors.
+// Colours are 0xRRGGBB here, as people write them; ThemeColorRef converts them to COLORREF. Pure.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@ using Rgb = std::uint32_t;  // 0xRRGGBB
 
 constexpr std::uint32_t ThemeColorRef(Rgb rgb) { return (rgb & 0xFF) << 16 | (rgb & 0xFF00) | (rgb >> 16 & 0xFF); }
 
-// What a piece of text is, whatever the language.
+// The role of a piece of text in any language.
 enum class TextRole : std::uint8_t {
     Text,
     Keyword,
@@ -34,9 +34,9 @@ struct EditorPalette {
     Rgb caretLine;
     Rgb selection;
     Rgb lineNumber;
-    Rgb margin;     // behind line numbers, symbols and folding marks
+    Rgb margin;     // background of line numbers, symbols and folding marks
     Rgb guide;      // indentation guides, visible whitespace, folding marks
-    Rgb braceBack;  // behind a matching pair
+    Rgb braceBack;  // background of a matching pair
     Rgb errorBack;  // line of the current error
     bool boldKeywords;
     bool italicComments;
@@ -57,7 +57,7 @@ struct ChromePalette {
     Rgb error;
     Rgb modified;
     Rgb success;
-    Rgb stopLine;  // laid thinly over the line where a program stands
+    Rgb stopLine;  // blended over the line where the program stopped
 };
 
 struct EditorStyle {
@@ -66,10 +66,10 @@ struct EditorStyle {
     EditorPalette dark;
 };
 
-// Row 0 is the program's own style, rows 1..5 the ones that the menu offers.
+// Row 0 is the program's own style. The menu offers rows 1..5.
 std::span<const EditorStyle> EditorStyles();
 
-// Out of range: row 0.
+// The palette of row 0 when `style` is out of range.
 const EditorPalette& ThemePalette(int style, bool dark);
 const ChromePalette& ThemeChromePalette(bool dark);
 
@@ -78,15 +78,15 @@ inline constexpr TextRole kOverriddenRoles[] = {TextRole::Keyword,   TextRole::S
                                                 TextRole::Number,    TextRole::Operator, TextRole::Preprocessor,
                                                 TextRole::Identifier};
 
-// Opacity of `stopLine` on the line where a program stands, 0..255.
+// The opacity of `stopLine`, 0..255.
 constexpr int ThemeStopLineAlpha(bool dark) { return dark ? 0x2C : 0x60; }
-// `over` with that opacity on `under`.
+// Blends `over` with the opacity `alpha`, 0..255, over `under`.
 Rgb ThemeBlend(Rgb over, Rgb under, int alpha);
 
-// Contrast of two colours as WCAG 2 defines it, 1..21.
+// The contrast of two colours as WCAG 2 defines it, 1..21.
 double ThemeContrast(Rgb a, Rgb b);
-// What text needs on its background.
+// The contrast that text needs to its background.
 inline constexpr double kReadableContrast = 4.5;
-// A colour for text on a dark background: the same where it can be read there, else the least lighter one of its hue that
-// can be.
+// A colour for text on a dark background: `colour` itself when it can be read there, else the darkest lighter colour of
+// its hue that can.
 Rgb ThemeReadableOn(Rgb colour, Rgb back);

@@ -1,4 +1,4 @@
-// What every window needs to know of the frame. UI thread only.
+// What every window needs to know about the frame. UI thread only.
 #pragma once
 
 #include <windows.h>
@@ -8,10 +8,10 @@
 struct UiState {
     HINSTANCE hInstance = nullptr;
     HWND hMainWnd = nullptr;
-    int dpi = 96;  // of the monitor the main window is on
+    int dpi = 96;  // of the main window's monitor
 
-    std::uint32_t panesShown = 0;  // PaneBit of those that no setting keeps (ui/panes.h)
-    int debugPaneWidth = 0;        // pixels wanted of the area below the editor, 0: half of it
+    std::uint32_t panesShown = 0;  // PaneBit of the shown panes without a setting (ui/panes.h)
+    int debugPaneWidth = 0;        // pixels, wanted width below the editor; 0: half of it
 };
 // A part of `g_app` (app/app_state.h).
 extern UiState& g_ui;

@@ -1,4 +1,4 @@
-// The text of a window as a value. UI thread only.
+// The text of a window. UI thread only.
 #pragma once
 
 #include <windows.h>
