@@ -13,7 +13,7 @@ bool SafeCatW(wchar_t* out, std::size_t capacity, std::wstring_view text) {
     }
     const auto used = static_cast<std::size_t>(terminator - out);
     const std::size_t taken = std::min(text.size(), capacity - 1 - used);
-    // `text` may lie in `out` itself.
+    // wmemmove, because `text` may lie in `out` itself.
     std::wmemmove(out + used, text.data(), taken);
     out[used + taken] = L'\0';
     return taken == text.size();

@@ -26,7 +26,7 @@ struct Events {
     Event<DocumentId> documentActivated;    // its editor is now the one that is shown; 0: none is shown
     Event<DocumentId> documentChanged;      // its label, modified mark, build mark or encoding
     Event<int, int> documentMoved;          // the index in the row before and after
-    Event<DocumentId> documentSaved;        // its file holds what the editor shows
+    Event<DocumentId> documentSaved;        // its text has been saved to its file
     Event<DocumentId, int> documentClosed;  // its record is gone; the index that it had in the row
     Event<DocumentId> textLeaving;       // its text is about to be discarded by a reload or because its editor closes
     Event<DocumentId> textArrived;       // its text has been loaded, for the first time or again
@@ -38,10 +38,10 @@ struct Events {
     Event<const wchar_t*, const wchar_t*> programBuilt;  // paths of source and listing; before the post-build command
     Event<bool, bool> buildEnded;                        // whether it succeeded, and whether it was a debug build
 
-    Event<> debuggerChanged;  // a session began, stopped, ran on or ended
+    Event<> debuggerChanged;  // a debug session began or ended, or its program stopped or continued
 
     // --- What the frame shows for everyone
-    Event<const wchar_t*> statusText;      // first part of the status bar; stays until the next one
+    Event<const wchar_t*> statusText;      // first part of the status bar; shown until the next text
     Event<const wchar_t*> statusProgress;  // elapsed time and moving mark of a running build; empty: none runs
     Event<> layoutWanted;                  // panes were shown, hidden or resized and must be placed at once
     Event<> refreshNow;                    // update menu and toolbar at once: a build or a debug session begins or ends

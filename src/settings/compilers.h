@@ -26,8 +26,8 @@ struct CompilerSubstitute {
 struct CompilerProfile {
     std::uint32_t id;
     const wchar_t* name;     // for display and in the workspace file
-    const wchar_t* section;  // of Editor.ini
-    int command;             // menu command that selects it
+    const wchar_t* section;  // its section in Editor.ini
+    int command;             // the menu command that selects it
     // The names that "--compiler" accepts, letter case included. The help text shows the first.
     std::array<std::wstring_view, 4> optionNames;
 

@@ -10,10 +10,10 @@ HFONT UiFixedFont();
 
 // In pixels.
 struct UiFontSizes {
-    int textWidth = 1;    // average character of UiFont
-    int textHeight = 1;   // of its lines
-    int fixedWidth = 1;   // character of UiFixedFont
-    int fixedHeight = 1;  // of its lines
+    int textWidth = 1;    // an average character of UiFont
+    int textHeight = 1;   // a line of UiFont
+    int fixedWidth = 1;   // every character of UiFixedFont
+    int fixedHeight = 1;  // a line of UiFixedFont
 };
 const UiFontSizes& UiSizes();
 

@@ -72,7 +72,7 @@ LRESULT CALLBACK InlineEditProc(HWND edit, UINT message, WPARAM wParam, LPARAM l
             if (OnInlineEditKey(wParam)) return 0;
             break;
         case WM_CHAR:
-            if (IsEndingKey(wParam)) return 0;  // no beep
+            if (IsEndingKey(wParam)) return 0;  // the control would beep
             break;
         case WM_GETDLGCODE: return DLGC_WANTALLKEYS;
         case WM_KILLFOCUS:

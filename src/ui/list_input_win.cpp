@@ -128,7 +128,7 @@ LRESULT CALLBACK ListViewProc(HWND window, UINT message, WPARAM wParam, LPARAM l
         case WM_KEYDOWN:
             if (OnListKey(list, wParam)) return 0;
             break;
-        case WM_CHAR: OnListCharacter(list, static_cast<wchar_t>(wParam)); return 0;  // not to the control's search
+        case WM_CHAR: OnListCharacter(list, static_cast<wchar_t>(wParam)); return 0;  // no type-ahead search
         case WM_COPY: CopySelectedRow(list); return 0;
         case WM_CONTEXTMENU: OnListMenu(list, {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;
         case WM_SETFOCUS:
