@@ -9,7 +9,7 @@
 
 namespace {
 
-const wchar_t* Or(const wchar_t* text, const wchar_t* other) { return text[0] != L'\0' ? text : other; }
+const wchar_t* TextOr(const wchar_t* text, const wchar_t* other) { return text[0] != L'\0' ? text : other; }
 
 void Detect(const wchar_t* exeDirectory, std::uint32_t id) {
     wchar_t* const path = g_settings.compilers[id].path;
@@ -29,8 +29,8 @@ void SettingsAutoDetectCompilers() {
     AppLogMsg(L"=== Auto-Detect Compilers ===");
     AppLogMsg(L"EXE dir: %s", exeDirectory);
     for (const std::uint32_t id : kCompilerSearchOrder)
-        AppLogMsg(L"Before: %s=%s", Profile(id).section, Or(compilers[id].path, L"(empty)"));
+        AppLogMsg(L"Before: %s=%s", Profile(id).section, TextOr(compilers[id].path, L"(empty)"));
     for (const std::uint32_t id : kCompilerSearchOrder) Detect(exeDirectory, id);
     for (const std::uint32_t id : kCompilerSearchOrder)
-        AppLogMsg(L"  %s: %s", Profile(id).section, Or(compilers[id].path, L"(not found)"));
+        AppLogMsg(L"  %s: %s", Profile(id).section, TextOr(compilers[id].path, L"(not found)"));
 }

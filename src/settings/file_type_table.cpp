@@ -9,46 +9,52 @@ namespace {
 
 using enum Language;
 
-constexpr std::uint32_t Of(std::uint32_t compiler) { return 1u << compiler; }
+constexpr std::uint32_t FilterBit(std::uint32_t compiler) { return 1u << compiler; }
 
 constexpr FileType kTypes[] = {
     {.extension = L".bas",
      .language = Basic,
      .compiler = kAnyBasicCompiler,
-     .dialogGroups = Of(kCompilerKeldorBasic) | Of(kCompilerKvxa32) | Of(kCompilerKvxa64),
+     .dialogGroups = FilterBit(kCompilerKeldorBasic) | FilterBit(kCompilerKvxa32) | FilterBit(kCompilerKvxa64),
      .inBatchBuild = true},
     {.extension = L".pb",
      .language = Basic,
      .compiler = kAnyBasicCompiler,
-     .dialogGroups = Of(kCompilerKeldorBasic) | Of(kCompilerKvxa64)},
-    {.extension = L".pbi", .language = Basic, .compiler = kAnyBasicCompiler, .dialogGroups = Of(kCompilerKeldorBasic)},
-    {.extension = L".inc", .language = Basic, .compiler = kAnyBasicCompiler, .dialogGroups = Of(kCompilerKeldorBasic)},
+     .dialogGroups = FilterBit(kCompilerKeldorBasic) | FilterBit(kCompilerKvxa64)},
+    {.extension = L".pbi",
+     .language = Basic,
+     .compiler = kAnyBasicCompiler,
+     .dialogGroups = FilterBit(kCompilerKeldorBasic)},
+    {.extension = L".inc",
+     .language = Basic,
+     .compiler = kAnyBasicCompiler,
+     .dialogGroups = FilterBit(kCompilerKeldorBasic)},
     {.extension = L".kb",
      .language = Basic,
      .compiler = kCompilerKeldorBasic,
-     .dialogGroups = Of(kCompilerKeldorBasic)},
+     .dialogGroups = FilterBit(kCompilerKeldorBasic)},
     {.extension = L".ka32",
      .language = Basic,
      .compiler = kCompilerKvxa32,
-     .dialogGroups = Of(kCompilerKvxa32),
+     .dialogGroups = FilterBit(kCompilerKvxa32),
      .inBatchBuild = true,
      .stagedAs = L".bas"},
     {.extension = L".kxa",
      .language = Basic,
      .compiler = kCompilerKvxa64,
-     .dialogGroups = Of(kCompilerKvxa64),
+     .dialogGroups = FilterBit(kCompilerKvxa64),
      .inBatchBuild = true,
      .stagedAs = L".pb",
      .shell = ShellEntry::OpenWith},
     {.extension = L".kxb",
      .language = Basic,
      .compiler = kCompilerKvxb64,
-     .dialogGroups = Of(kCompilerKvxb64),
+     .dialogGroups = FilterBit(kCompilerKvxb64),
      .shell = ShellEntry::OpenWith},
     {.extension = L".b64",
      .language = Basic,
      .compiler = kCompilerKvxb64,
-     .dialogGroups = Of(kCompilerKvxb64),
+     .dialogGroups = FilterBit(kCompilerKvxb64),
      .inBatchBuild = true,
      .shell = ShellEntry::OpenWith},
     {.extension = L".c",
@@ -101,7 +107,7 @@ const FileType* OwnFileType(std::uint32_t compiler) {
 std::vector<FileTypeFilter> FileDialogFilters() {
     std::vector<FileTypeFilter> filters;
     AddFilter(filters, L"All Source Files", ~0u);
-    for (const std::uint32_t id : g_defaultOrder) AddFilter(filters, g_compilers[id].name, Of(id));
+    for (const std::uint32_t id : g_defaultOrder) AddFilter(filters, g_compilers[id].name, FilterBit(id));
     AddFilter(filters, L"C/C++", kDialogC);
     AddFilter(filters, L"Assembly", kDialogAssembly);
     filters.push_back({L"All Files (*.*)", L"*.*"});

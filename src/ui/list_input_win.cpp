@@ -95,7 +95,7 @@ void OnListCharacter(const ListView& list, wchar_t character) {
 
 // The user begins to change the width of a column. The control passes on the header's notifications in ANSI or Unicode
 // form.
-bool IsWidening(UINT code) {
+bool BeginsColumnResize(UINT code) {
     return code == HDN_BEGINTRACKW || code == HDN_BEGINTRACKA || code == HDN_DIVIDERDBLCLICKW ||
            code == HDN_DIVIDERDBLCLICKA;
 }
@@ -103,7 +103,7 @@ bool IsWidening(UINT code) {
 // Returns true when `result` answers the notification of the header.
 bool OnHeaderNotify(ListView& list, const NMHDR& header, LRESULT* result) {
     if (header.hwndFrom != ListViewHeader(list)) return false;
-    if (IsWidening(header.code) && list.kind != nullptr) list.places[list.kind].byUser = true;
+    if (BeginsColumnResize(header.code) && list.kind != nullptr) list.places[list.kind].byUser = true;
     if (header.code != NM_CUSTOMDRAW) return false;
     *result = ListViewDrawHeader(list, reinterpret_cast<const NMCUSTOMDRAW&>(header));
     return true;

@@ -30,7 +30,7 @@ void AppendColour(std::string& rtf, std::uint32_t colour) {
            std::to_string(colour >> 16 & 0xFF) + ";";
 }
 
-std::uint32_t Shown(std::uint32_t colour, const RtfFont& font) {
+std::uint32_t ShownColour(std::uint32_t colour, const RtfFont& font) {
     if (colour == 0) return font.textColour;
     if (!font.darkBack) return colour;
     return ThemeColorRef(ThemeReadableOn(ThemeColorRef(colour), ThemeColorRef(*font.darkBack)));
@@ -69,7 +69,7 @@ std::string RtfBlock(std::span<const PaneLine> lines, const RtfFont& font) {
     rtf += "{\\rtf1\\ansi\\deff0\\uc1{\\fonttbl{\\f0\\fmodern ";
     RtfAppendEscaped(rtf, font.face);
     rtf += ";}}{\\colortbl;";
-    for (const std::uint32_t colour : colours) AppendColour(rtf, Shown(colour, font));
+    for (const std::uint32_t colour : colours) AppendColour(rtf, ShownColour(colour, font));
     rtf += "}\\f0\\fs" + std::to_string(font.points * 2);
     std::size_t current = colours.size();
     for (const PaneLine& line : lines) {
