@@ -29,7 +29,7 @@ bool WriteFileUtf8(const wchar_t* path, const char* bytes, std::size_t length);
 char* ReadSourceFileForEditor(const wchar_t* path, std::size_t* length, TextEncoding* encoding, LineEnding* lineEnding);
 // Saves a source file with the given encoding and line ending. The new text is flushed to a recovery copy before the
 // target is truncated. The copy is deleted once the target has been read back and compared, and stays when the save
-// failed (files/recovery.h). Returns false when the save failed.
+// failed (files/recovery.h). Returns false when the save failed; an empty text cannot be saved as Ansi.
 bool WriteSourceFileFromEditor(const wchar_t* path, const char* utf8, std::size_t length, TextEncoding encoding,
                                LineEnding lineEnding);
 
