@@ -1,4 +1,4 @@
-// The pane of the assistant: the chat, the line below it and its button. UI thread only.
+// The AI chat pane: the chat, the input line below it and the Send button. UI thread only.
 #pragma once
 
 #include "ui/panes.h"
@@ -7,6 +7,7 @@
 
 #include <vector>
 
-HWND AiPaneCreate(HWND parent, int controlId);  // the chat; null when it cannot be made
+HWND AiPaneCreate(HWND parent, int controlId);  // returns the chat's window; null when it cannot be made
 void AiPaneApplyTheme();
+// The windows of the pane with their places in `area`.
 std::vector<PanePart> AiPaneParts(const PaneRect& area);

@@ -7,7 +7,7 @@
 namespace {
 
 constexpr int kInputHeight = 30;  // at 96 dpi
-constexpr int kSendWidth = 64;
+constexpr int kSendWidth = 64;    // at 96 dpi
 
 }  // namespace
 

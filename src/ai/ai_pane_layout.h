@@ -1,4 +1,4 @@
-// Where the parts of the assistant's pane go. Pure.
+// Places of the parts of the AI chat pane, in pixels. Pure.
 #pragma once
 
 #include "ui/pane_id.h"
@@ -6,5 +6,5 @@
 struct AiPaneLayout {
     PaneRect chat, input, send;
 };
-// An empty area leaves all of them empty.
+// All parts are empty when the area is.
 AiPaneLayout LayOutAiPane(const PaneRect& area, int dpi);

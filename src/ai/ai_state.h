@@ -1,4 +1,4 @@
-// The windows of the assistant. UI thread only.
+// The windows of the AI chat pane. UI thread only.
 #pragma once
 
 #include <windows.h>

@@ -1,6 +1,6 @@
-// The one global record of the program, put together from the parts that the areas declare, so that it can be read as a
-// table of contents. An area to the left of this one sees its own part and those before it, by the references that the
-// parts' headers declare. Owned by the UI thread; a field that another thread may touch says so.
+// The one global record of the program, made of the parts that the folders declare. Other folders do not use g_app, but
+// the references to its parts that the parts' headers declare (`g_documents`, for example). UI thread only, except for
+// fields whose comment names another thread.
 #pragma once
 
 #include "ai/ai_state.h"

@@ -1,5 +1,5 @@
-// The one instance of the global record, and the references by which the areas know their parts of it. All in one file:
-// the record is made before any reference to it is used.
+// The global record and the references to its parts. They are in one file, so that the record is constructed before the
+// references.
 #include "app/app_state.h"
 #include "settings/settings_state.h"
 #include "ui/ui_state.h"

@@ -1,4 +1,4 @@
-// Reading the options. Must not carry any of them out.
+// Parses the options and carries none of them out. Pure.
 #include "app/command_line.h"
 
 #include "settings/compilers.h"
@@ -37,7 +37,7 @@ constexpr OptionRow kOptions[] = {
     {L"--help", CommandLineAction::Help, false},     {L"-h", CommandLineAction::Help, false},
 };
 
-// The first spelling of each compiler.
+// The first accepted name of each compiler.
 std::wstring CompilerOptionNames() {
     std::wstring names;
     for (const std::uint32_t id : g_defaultOrder)
@@ -45,7 +45,7 @@ std::wstring CompilerOptionNames() {
     return names;
 }
 
-constexpr std::size_t kHelpColumn = 22;  // characters that an option takes in the help text, at least
+constexpr std::size_t kHelpColumn = 22;  // least characters of an option in the help text
 
 std::wstring HelpLine(std::wstring_view option, std::wstring_view help) {
     std::wstring line{option};
@@ -57,7 +57,7 @@ bool IsSelfTestOption(std::wstring_view word) {
     return std::ranges::find(kSelfTestOptions, word, &SelfTestRow::name) != std::end(kSelfTestOptions);
 }
 
-// False: the step has no effect and is left out.
+// False when the argument is not valid; the step is then left out.
 bool TakeArgument(CommandLineStep& step, const std::wstring& argument) {
     switch (step.action) {
         case CommandLineAction::SetCompiler: step.number = CompilerIdFromName(argument); return step.number >= 0;

@@ -1,5 +1,4 @@
-// The program's options as data: what each word of the command line asks for. Pure; carrying them out is the
-// business of start-up.
+// The options of the command line as data, and the help text. main_win.cpp carries the options out. Pure.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +12,7 @@ enum class CommandLineAction : std::uint8_t {
     SetCompiler,  // number: CompilerId
     SetFont,      // text: face
     SetFontSize,  // number: points, 6..72
-    Detect,       // ends the scan
+    Detect,       // always the last step
     Log,
     Help,
     SelfTest,  // text: the option
@@ -25,20 +24,20 @@ struct CommandLineStep {
     int number = 0;
 };
 
-// `arguments` without the program's own name. Unknown words, an unknown compiler, a font size outside 6..72 and an
-// option whose argument is missing are passed over. Steps come in the order of the words; nothing follows Detect.
+// The steps in the order of the words; no step follows Detect. `arguments` does not have the program's name. Unknown
+// words, an unknown compiler, a font size outside 6..72 and an option without its argument are left out.
 std::vector<CommandLineStep> ParseCommandLineSteps(std::span<const std::wstring> arguments);
 
-// What has to be known before anything is created.
+// The options that must be known before a window is created.
 struct EarlyOptions {
     bool testMode = false;      // --test MODULE or --test-all
-    std::string testModule;     // UTF-8, at most 63 bytes
+    std::string testModule;     // at most 63 ASCII characters; any other becomes '?'
     bool testList = false;      // --test-list
-    bool selftestTabs = false;  // any option that begins "--selftest-"
+    bool selftestTabs = false;  // any known option that begins with "--selftest-"
 };
 EarlyOptions ParseEarlyOptions(std::span<const std::wstring> arguments);
 
-// CompilerId, or -1 for a name that is not one of the accepted spellings.
+// CompilerId of an accepted name, else -1.
 int CompilerIdFromName(std::wstring_view name);
 
 // What "--help" shows.

@@ -1,4 +1,4 @@
-// The compiler-detection report. UI thread only.
+// Searches for the compilers, logs and shows the result. UI thread.
 #include "app/detect_report.h"
 
 #include "app/app_state.h"

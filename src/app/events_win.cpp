@@ -1,4 +1,4 @@
-// Who hears of what: connects the events of the areas with those who show them. UI thread only.
+// Connects the events (base/events.h) with the functions that handle them. UI thread.
 #include "app/main_window.h"
 
 #include "app/app_state.h"

@@ -1,4 +1,4 @@
-// The pane arithmetic. Must not know a window.
+// Computes the places of the panes. Pure.
 #include "app/layout.h"
 
 #include "ui/scale.h"
@@ -8,12 +8,12 @@
 
 namespace {
 
-constexpr int kMinimumEditorWidth = 200;  // at 96 dpi
+constexpr int kMinimumEditorWidth = 200;  // all of these at 96 dpi
 constexpr int kMinimumSideWidth = 150;
 constexpr int kMaximumSideWidth = 600;
 constexpr int kMinimumTreeWidth = 100;
-constexpr int kMaximumTreeWidth = 200;    // that a drag can reach
-constexpr int kMinimumBottomWidth = 160;  // of the bottom and of the bottom right beside it
+constexpr int kMaximumTreeWidth = 200;    // for a drag; a setting may be larger
+constexpr int kMinimumBottomWidth = 160;  // of the bottom, and of the bottom right beside it
 
 PaneRect AreaOf(int left, int right, int top, int bottom) {
     return {left, top, std::max(left, right), std::max(top, bottom)};
@@ -21,7 +21,7 @@ PaneRect AreaOf(int left, int right, int top, int bottom) {
 
 bool IsIn(const PaneWish& pane, PaneArea area) { return pane.shown && pane.area == area; }
 
-// The panes of one area, evenly: the last ones take what does not divide.
+// Divides an area evenly among its panes, beside each other or one below the other.
 void ShareArea(const LayoutInput& input, PaneArea area, const PaneRect& whole, bool beside, PaneLayout& layout) {
     const int count = PanesIn(input, area);
     int at = 0;
@@ -37,7 +37,8 @@ void ShareArea(const LayoutInput& input, PaneArea area, const PaneRect& whole, b
     }
 }
 
-// From the right edge inwards, the last of the table first. Returns the x that is left for the rest.
+// Places the panes of the right area from the right edge to the left, the last row of the table first. Returns the x at
+// which the rest of the window ends.
 int PlaceRight(const LayoutInput& input, int top, int bottom, PaneLayout& layout) {
     int right = input.clientWidth;
     for (std::size_t i = input.panes.size(); i-- > 0;) {
@@ -50,7 +51,7 @@ int PlaceRight(const LayoutInput& input, int top, int bottom, PaneLayout& layout
     return right;
 }
 
-// Right of the bottom, or alone. Returns the x where the bottom ends.
+// Places the bottom right area beside the bottom, or alone in `below`. Returns the x at which the bottom ends.
 int PlaceBottomRight(const LayoutInput& input, const PaneRect& below, PaneLayout& layout) {
     if (PanesIn(input, PaneArea::BottomRight) == 0) return below.right;
     int start = below.left;
@@ -62,7 +63,8 @@ int PlaceBottomRight(const LayoutInput& input, const PaneRect& below, PaneLayout
     return layout.debugSplitter.empty() ? below.left : layout.debugSplitter.left;
 }
 
-// What is at the bottom, and the rows below it: the last of the table lowest. Each takes at most half of what is there.
+// Places the panes of the bottom and the rows below them, the last row of the table lowest. A row takes at most half of
+// the height that is left.
 void PlaceBottom(const LayoutInput& input, PaneRect area, PaneLayout& layout) {
     for (std::size_t i = input.panes.size(); i-- > 0;) {
         if (!IsIn(input.panes[i], PaneArea::BelowBottom)) continue;
@@ -73,7 +75,7 @@ void PlaceBottom(const LayoutInput& input, PaneRect area, PaneLayout& layout) {
     ShareArea(input, PaneArea::Bottom, area, true, layout);
 }
 
-// All panes below the editor, with their bars. Returns where the editor ends.
+// Places all panes below the editor, with their bars. Returns the y at which the editor ends.
 int PlaceBelowEditor(const LayoutInput& input, const PaneRect& document, PaneLayout& layout) {
     const bool bottom = PanesIn(input, PaneArea::Bottom) > 0;
     if (!bottom && PanesIn(input, PaneArea::BottomRight) == 0) return document.bottom;
@@ -161,7 +163,7 @@ int DraggedSplitter(Splitter bar, int start, int movedX, int movedY, int dpi) {
     const auto unscaled = [dpi](int pixels) { return static_cast<int>(std::lround(pixels * 96.0 / dpi)); };
     switch (bar) {
         case Splitter::Output: return start + movedY;
-        case Splitter::Debug: return std::max(1, start - movedX);  // the layout knows the other limits
+        case Splitter::Debug: return std::max(1, start - movedX);  // ComputePaneLayout applies the other limits
         case Splitter::Tree: return std::clamp(start + unscaled(movedX), kMinimumTreeWidth, kMaximumTreeWidth);
         case Splitter::Side: break;
     }

@@ -1,4 +1,4 @@
-// Where every pane goes for a given client area: arithmetic only. Pure. All lengths are pixels.
+// Computes the places of the panes in a client area. Lengths are pixels unless they say "at 96 dpi". Pure.
 #pragma once
 
 #include "ui/pane_id.h"
@@ -6,25 +6,26 @@
 #include <array>
 #include <cstdint>
 
+// What the layout needs to know of a pane.
 struct PaneWish {
     PaneArea area = PaneArea::Bottom;
     bool shown = false;
-    int height = 0;  // of a pane below the bottom
+    int height = 0;  // only for a pane below the bottom
 };
 
 struct LayoutInput {
     int clientWidth = 0;
     int clientHeight = 0;
     int dpi = 96;
-    int toolbarHeight = 0;  // 0 = hidden
-    int statusHeight = 0;   // 0 = hidden
+    int toolbarHeight = 0;  // 0: hidden
+    int statusHeight = 0;   // 0: hidden
     int tabHeight = 0;
-    int stickyHeight = 0;                    // 0 = no header line
+    int stickyHeight = 0;                    // 0: no sticky header
     std::array<PaneWish, kPaneCount> panes;  // by PaneId
-    int outputSplit = 0;                     // wanted top of the bar above the bottom
+    int outputSplit = 0;                     // wanted y of the bar above the bottom
     int sideWidth = 0;                       // wanted width of one pane on the right
-    int treeWidth = 0;                       // of the left
-    int debugWidth = 0;                      // of the bottom right, 0: half of the area below the editor
+    int treeWidth = 0;                       // wanted width of the left
+    int debugWidth = 0;                      // wanted width of the bottom right, 0: half of the width below the editor
 };
 
 // Every rectangle of a hidden pane is empty. No two visible ones overlap, and all lie in the client area.
@@ -32,49 +33,50 @@ struct PaneLayout {
     PaneRect toolbar, status, tabs, sticky, editor;
     PaneRect treeSplitter, sideSplitter, outputSplitter, debugSplitter;
     std::array<PaneRect, kPaneCount> panes;  // by PaneId
-    int outputSplit = 0;                     // as it came out after the limits
+    int outputSplit = 0;                     // these three: after the limits
     int sideWidth = 0;
     int treeWidth = 0;
     const PaneRect& pane(PaneId id) const { return panes[PaneIndex(id)]; }
 };
 
 inline constexpr int kSplitterThickness = 3;
-inline constexpr int kLineHeight = 30;  // of a line of input, at 96 dpi
+inline constexpr int kLineHeight = 30;  // of an input line, at 96 dpi
 
-// How many panes the area has to show. Those below the bottom count only where there is a bottom.
+// Number of panes shown in the area. Panes below the bottom count only when the bottom has a pane.
 int PanesIn(const LayoutInput& input, PaneArea area);
 
-// Width that the bars of `sides` visible side panes take: 3 pixels each.
+// Total width of the bars of `sides` visible side panes.
 int SidePaneSplitBudget(int sides);
 
-// The output split within its limits for an area from `top` to `total`: [top + 50, total - 53] from a span of 103
-// up, seven tenths of the way down below that; unchanged when there is no span at all.
+// The output split limited for an area from `top` to `total`: to [top + 50, total - 53] in an area of at least 103
+// pixels. In a smaller area it is at 7/10 of the height. In an empty area it is not changed.
 int ClampSplitter(int total, int top, int split);
 
-// Width of the bottom right in an area of `total` pixels that it shares with the bottom: both keep 160 (at 96 dpi), and
-// half of the area each where that is not to be had.
+// Width of the bottom right in an area of `total` pixels that it shares with the bottom. Both keep at least 160 (at 96
+// dpi), or half of the area when there is no room for that. `wanted` 0: half.
 int ClampDebugWidth(int total, int wanted, int dpi);
 
-// Side and tree widths that leave the editor a usable width; the side panes give way first.
+// Limits the side and tree widths so that the editor keeps 200 (at 96 dpi). The side panes get narrower before the
+// tree.
 void ConstrainSidePaneWidths(const LayoutInput& input, int* sideWidth, int* treeWidth);
 
 PaneLayout ComputePaneLayout(const LayoutInput& input);
 
 // --- Bars between the panes
 enum class Splitter : std::uint8_t { Output, Side, Tree, Debug };
-// What the bar's setting becomes when the mouse has gone so far from where it took the bar at `start`: output and debug in
-// pixels, side and tree at 96 dpi.
+// The new value of the bar's setting when the drag began at the value `start` and the mouse has moved by `movedX` and
+// `movedY` pixels. Values of output and debug are pixels; those of side and tree are at 96 dpi.
 int DraggedSplitter(Splitter bar, int start, int movedX, int movedY, int dpi);
-// A side width, at 96 dpi, within what the settings allow.
+// A side width (at 96 dpi) within 150..600.
 int ClampSideWidth(int width);
 
-// The splitters as parts of the area they divide, so that they keep their place when the window changes size.
+// The places of the bars as ratios of the area that they divide, so that the ratios stay when the window changes size.
 struct LayoutRatios {
-    double output = 0.0;  // (split - top) / (bottom - top); 0: nothing captured yet
+    double output = 0.0;  // (split - top) / (bottom - top); 0: not captured yet
     double side = 0.0;    // side width / client width
 };
 double RatioOf(int position, int start, int end);
 int PositionAt(double ratio, int start, int end);
 
-// A stored window position moved into a monitor's work area, its size kept.
+// Moves a window's rectangle so that its left top corner is in the work area; keeps its size.
 PaneRect FitToWorkArea(const PaneRect& window, const PaneRect& work);

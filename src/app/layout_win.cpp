@@ -1,4 +1,5 @@
-// Gathers what the pane arithmetic asks for and moves the windows. UI thread only.
+// Collects the input for ComputePaneLayout and moves the windows. Keeps the size and place of the main window. UI
+// thread.
 #include "app/layout.h"
 
 #include "app/app_state.h"
@@ -31,7 +32,7 @@ LayoutInput LayoutInputOf(int width, int height) {
             .toolbarHeight = settings.showToolbar != 0 ? ToolbarHeight() : 0,
             .statusHeight = settings.showStatusbar != 0 ? StatusBarHeight() : 0,
             .tabHeight = TabBarHeight(),
-            // Always there: a line that came and went with its text would make the editor jump.
+            // Always shown, because the editor would jump if the header were hidden while it has no text.
             .stickyHeight = UiScaled(kStickyHeight),
             .panes = PaneWishes(),
             .outputSplit = settings.splitter,
@@ -40,7 +41,7 @@ LayoutInput LayoutInputOf(int width, int height) {
             .debugWidth = g_app.debugPaneWidth};
 }
 
-// Moves one child; an empty rectangle hides it. The deferral keeps a resize to one repaint.
+// Moves one child window; an empty rectangle hides it. DeferWindowPos lets a resize repaint only once.
 void PlaceChild(HDWP& moves, HWND child, const PaneRect& area) {
     if (child == nullptr || moves == nullptr) return;
     const UINT flags = area.empty() ? SWP_HIDEWINDOW | SWP_NOMOVE | SWP_NOSIZE : SWP_SHOWWINDOW;
@@ -50,7 +51,7 @@ void PlaceChild(HDWP& moves, HWND child, const PaneRect& area) {
 
 void PlaceChildren(const PaneLayout& layout) {
     PaneRect toolbar = layout.toolbar;
-    if (!toolbar.empty()) toolbar.top += ToolbarInset();  // the window paints the strip above it
+    if (!toolbar.empty()) toolbar.top += ToolbarInset();  // EraseFrame paints the strip above it
     const PanePart frame[] = {
         {g_app.hToolbar, toolbar},
         {g_app.hTabCtrl, layout.tabs},
@@ -60,7 +61,7 @@ void PlaceChildren(const PaneLayout& layout) {
         {GetDlgItem(g_app.hMainWnd, IDC_SPLIT_ASM), layout.sideSplitter},
         {GetDlgItem(g_app.hMainWnd, IDC_SPLIT_TREE), layout.treeSplitter},
         {g_app.hStatusBar, layout.status},
-        // Only the active editor is on the screen; the others take their place when they are shown.
+        // Only the active editor is visible; another one is placed when it is shown.
         {g_app.hEditor, layout.editor},
     };
     const std::vector<PanePart> panes = PaneParts(layout);
@@ -79,11 +80,11 @@ void MainWindow_Layout() {
     CreateWantedPanes();
     const PaneSpec* focused = PaneOfWindow(GetFocus());
     PlaceChildren(ComputePaneLayout(LayoutInputOf(client.right, client.bottom)));
-    // A pane that goes away while it has the keyboard would keep it.
+    // A hidden pane would keep the keyboard focus.
     if (focused != nullptr && IsWindowVisible(*focused->window) == FALSE) FocusCurrentEditor();
 }
 
-// The part of the client area that the output bar divides.
+// Top and bottom of the part of the client area that the output bar divides, in pixels.
 static void OutputSpan(int height, int* top, int* bottom) {
     const Settings& settings = g_app.settings;
     *top = (settings.showToolbar != 0 ? ToolbarHeight() : 0) + TabBarHeight();

@@ -1,4 +1,4 @@
-// The process: start-up order, command line, message loop, shut-down order. UI thread.
+// The process: start-up, command line, message loop, shut-down. UI thread.
 #include "app/app_state.h"
 #include "app/command_line.h"
 #include "app/detect_report.h"
@@ -29,7 +29,7 @@ constexpr int kExitNoSelfTest = 2;
 bool g_testMode = false;
 std::string g_testModule;
 
-// The words after the program's name; empty when the raw command line is.
+// The words after the program's name. Empty when `raw` is null or empty.
 std::vector<std::wstring> Arguments(const char* raw) {
     std::vector<std::wstring> words;
     if (raw == nullptr || *raw == '\0') return words;
@@ -48,7 +48,7 @@ void ParseCommandLineEarly(const char* raw) {
     g_selftestTabsMode = early.selftestTabs;
 }
 
-// The self-test runner is not part of this version: say so where the caller looks, and fail.
+// The self-tests are not part of this version: says so on stderr and returns the exit code for that.
 int RunTestMode(const char* module) {
     std::fprintf(stderr, "KVX-Editor: self-test '%s' is not available in this version\n", module);
     return kExitNoSelfTest;
@@ -109,7 +109,7 @@ void LogCommandLineResult() {
 
 bool IsDown(int key) { return GetKeyState(key) < 0; }
 
-// Keys that neither the accelerator table nor the editor handles.
+// Sends the command of a key that is not in the accelerator table (ExtraKeys). False for any other message.
 bool TranslateExtraKey(const MSG& message) {
     if (message.message != WM_KEYDOWN && message.message != WM_SYSKEYDOWN) return false;
     if (message.hwnd != g_app.hMainWnd && !IsChild(g_app.hMainWnd, message.hwnd)) return false;
@@ -124,7 +124,7 @@ int RunMessageLoop() {
     HACCEL accelerators = LoadAcceleratorsW(g_app.hInstance, MAKEINTRESOURCEW(IDR_ACCELERATORS));
     MSG message = {};
     for (;;) {
-        // One refresh for whatever happened since the queue was last empty.
+        // One refresh for all that happened since the queue was empty the last time.
         if (!PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE)) MainWnd_RunPendingRefresh();
         if (GetMessageW(&message, nullptr, 0, 0) <= 0) return static_cast<int>(message.wParam);
         if (accelerators != nullptr && TranslateAcceleratorW(g_app.hMainWnd, accelerators, &message) != 0) continue;

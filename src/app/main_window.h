@@ -1,4 +1,4 @@
-// The main window: the frame that holds every pane and the hub of the program's messages. UI thread only.
+// The main window, which holds every pane and routes the program's messages. UI thread only.
 #pragma once
 
 #include "base/command_handler.h"
@@ -12,18 +12,18 @@
 
 struct Settings;
 
-// Registers the window class and creates, shows and drop-enables the window. Null on failure.
+// Registers the window class, creates and shows the window, and lets it accept dropped files. Null on failure.
 HWND MainWindow_Init(HINSTANCE instance, int showCommand);
 LRESULT CALLBACK MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
-// --- The handlers that MainWndProc routes to, by file.
+// --- The functions of the main window, by file
 // main_window_create_win.cpp
 bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create);
-void MainWnd_ApplyTheme();  // colours and fonts of the frame, after a change of theme or DPI
+void MainWnd_ApplyTheme();  // colours and fonts of bars and panes, after a change of theme or DPI
 void MainWnd_OnDpiChanged(HWND window, int dpi, const RECT& suggested);
 // startup_win.cpp
 void MainWnd_OnStartup();
-void MainWnd_CommandLineDone();  // start-up completion waits for this
+void MainWnd_CommandLineDone();  // start-up is completed after this call
 void MainWnd_OnReinitEditor(int tab, DocumentId id);
 void MainWnd_OnAutoSaveTimer();
 void MainWnd_OnClose(HWND window);
@@ -34,10 +34,10 @@ void EnsureEditableStartupTab();
 // layout_win.cpp
 void MainWnd_OnSize(WPARAM kind, int width, int height);
 void MainWnd_OnMinMaxInfo(MINMAXINFO& info);
-void ApplyLayoutRatios(int width, int height);
-void CaptureSplitterRatio();
+void ApplyLayoutRatios(int width, int height);  // sets the bars by the ratios for a client area of this size, in pixels
+void CaptureSplitterRatio();                    // keeps the ratios of the bars
 // splitter_win.cpp
-HWND CreateSplitter(HWND parent, int id);
+HWND CreateSplitter(HWND parent, int id);  // null when it cannot be made
 LRESULT CALLBACK SplitterProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 // notify_win.cpp
 LRESULT MainWnd_OnNotify(const NMHDR& header);
@@ -48,14 +48,19 @@ void MainWnd_OnInitMenuPopup(HMENU menu);
 std::vector<CommandHandler> AllCommandHandlers();  // the tables of all areas
 // settings_apply_win.cpp
 void MainWnd_OnSettingsChanged(const Settings& before);
-void MainWnd_ApplyTimers(HWND window);  // of automatic saving, from the settings
+void MainWnd_ApplyTimers(HWND window);  // starts or stops the timers for automatic saving by the settings
 // events_win.cpp
-void MainWnd_ConnectEvents();   // what the areas tell reaches whoever shows it (base/events.h)
-void MainWnd_OnOutputTimer();   // TIMER_OUTPUT
-void MainWindow_UpdateTitle();  // caption from the active document
-void MainWindow_Layout();       // every pane's rectangle from the settings and splitter positions (layout_win.cpp)
-void MainWindow_UpdateCompilerSelection();  // the compiler's name in toolbar, status bar and menu
-void MainWindow_RequestStateRefresh();      // menu, toolbar and position once the message queue is empty
-void MainWnd_NotePlace(HWND window);        // where the window is, for the settings
+void MainWnd_ConnectEvents();  // connects base/events.h
+void MainWnd_OnOutputTimer();  // TIMER_OUTPUT
+// main_window_win.cpp
+void MainWindow_UpdateTitle();  // sets the caption by the active document
+// layout_win.cpp
+void MainWindow_Layout();  // places every pane by the settings
+// main_window_create_win.cpp
+void MainWindow_UpdateCompilerSelection();  // shows the active compiler in toolbar and status bar
 // refresh_win.cpp
-void MainWnd_RunPendingRefresh();  // what MainWindow_RequestStateRefresh asked for; the queue is empty
+void MainWindow_RequestStateRefresh();  // asks for MainWnd_RunPendingRefresh
+// layout_win.cpp
+void MainWnd_NotePlace(HWND window);  // keeps the window's place for the settings file
+// refresh_win.cpp
+void MainWnd_RunPendingRefresh();  // refreshes toolbar and position; called when the message queue is empty

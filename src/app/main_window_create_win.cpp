@@ -1,4 +1,4 @@
-// Building the main window's content, in a fixed order, and dressing it again when theme or DPI change. UI thread.
+// Creates the main window's content in a fixed order, and applies theme and DPI to it. UI thread.
 #include "app/main_window.h"
 
 #include "app/app_state.h"
@@ -30,7 +30,7 @@
 
 namespace {
 
-constexpr int kFarAway = 1000000;          // pixels, beyond any desktop
+constexpr int kFarAway = 1000000;  // pixels, beyond any desktop
 
 HMENU ChildId(int id) { return reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)); }
 
@@ -65,13 +65,13 @@ void LoadSettings() {
 }
 
 int WindowSetting(const wchar_t* key, int fallback) {
-    // The bare name makes these functions look in the system's own folder, while the settings are written beside the
-    // executable: kept so, an administrator can place every user's window from there.
+    // GetPrivateProfileIntW looks for a name without a path in the Windows folder, while the settings are written
+    // beside the executable. This is intended: an administrator can set the window's place for every user there.
     return static_cast<int>(GetPrivateProfileIntW(L"Window", key, fallback, L"Editor.ini"));
 }
 
 void RestoreGeometry(HWND window) {
-    // Any number may stand there; none of these sums may overflow.
+    // The file may hold any number, and the sums below must not overflow.
     const int left = std::clamp(WindowSetting(L"Left", INT_MIN), -kFarAway, kFarAway);
     const int top = std::clamp(WindowSetting(L"Top", INT_MIN), -kFarAway, kFarAway);
     const int width = std::min(WindowSetting(L"Width", 0), kFarAway);
@@ -111,13 +111,13 @@ bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create) {
     LoadSettings();
     RestoreGeometry(window);
     for (const DocumentTab& tab : g_app.tabs) EditorPaneApplySettings(tab.editor);
-    MainWnd_ApplyTheme();  // the panes get their fonts here
+    MainWnd_ApplyTheme();  // sets the fonts of the panes
     ToolbarUpdateAi();
     MainWnd_ApplyTimers(window);
     DebugUiInit();
     PostMessageW(window, MSG_STARTUP, 0, 0);
     CaptureSplitterRatio();
-    MainWindow_Layout();  // hides what the settings switch off
+    MainWindow_Layout();  // hides the panes and bars that the settings switch off
     MainWindow_UpdateTitle();
     return true;
 }

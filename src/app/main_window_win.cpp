@@ -1,4 +1,4 @@
-// The main window's class and its procedure, which only routes. UI thread only.
+// The main window's class, its procedure, which routes messages to their handlers, and its caption. UI thread.
 #include "app/main_window.h"
 
 #include "app/app_state.h"
@@ -21,7 +21,7 @@ constexpr wchar_t kMainClass[] = L"KVXEEditorWnd";
 constexpr wchar_t kCaption[] = L"KVXE - Unified Compiler Editor";
 constexpr COLORREF kBackground = RGB(235, 239, 250);
 
-// True when the message was one of the program's own.
+// False when the message is not one of the program's own.
 bool RouteOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case MSG_BUILD_OUTPUT:
@@ -124,7 +124,7 @@ HWND MainWindow_Init(HINSTANCE instance, int showCommand) {
                                   CW_USEDEFAULT, CW_USEDEFAULT, 1200, 800, nullptr, nullptr, instance, nullptr);
     if (window == nullptr) return nullptr;
     DragAcceptFiles(window, TRUE);
-    // A stored maximised state was applied during creation; a plain show would undo it.
+    // A window that was maximised during creation is shown maximised, because SW_SHOWNORMAL would restore it.
     const bool ordinary = showCommand == SW_SHOWNORMAL || showCommand == SW_SHOWDEFAULT;
     ShowWindow(window, IsZoomed(window) && ordinary ? SW_SHOWMAXIMIZED : showCommand);
     return window;

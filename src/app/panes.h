@@ -1,4 +1,4 @@
-// What the frame does with the table of panes (ui/panes.h). UI thread only.
+// The main window's use of the table of panes (ui/panes.h). UI thread only.
 #pragma once
 
 #include "app/layout.h"
@@ -9,9 +9,9 @@
 #include <array>
 #include <vector>
 
-void CreatePanes();        // connects the table and makes those that are there from the start
-void CreateWantedPanes();  // those that are made when they are first shown
-void ThemePanes();         // colours and fonts of all
+void CreatePanes();        // connects the table and creates the panes that are not lazy
+void CreateWantedPanes();  // creates the lazy panes that are shown and have no window yet
+void ThemePanes();         // applies colours and fonts to all panes
 std::array<PaneWish, kPaneCount> PaneWishes();
-std::vector<PanePart> PaneParts(const PaneLayout& layout);  // every window of every pane; null ones among them
-bool NotifyPanes(const NMHDR& header, LRESULT* result);     // WM_NOTIFY; true: taken
+std::vector<PanePart> PaneParts(const PaneLayout& layout);  // the windows of all panes; some may be null
+bool NotifyPanes(const NMHDR& header, LRESULT* result);     // WM_NOTIFY; true: handled

@@ -1,4 +1,4 @@
-// The rows of the table of panes, and the windows that no area makes for itself. UI thread only.
+// The table of panes, and the panes that no other folder creates: output, terminal, ASM. UI thread.
 #include "app/panes.h"
 
 #include "ai/ai_pane.h"
@@ -52,7 +52,7 @@ void ApplyAsmTheme() {
     RichScrollToLeft(g_app.hAsmPane);
 }
 
-// The pane holds what it showed last; when it opens after a build that wrote a listing or a program, it shows that.
+// Loads the listing of the last build when that wrote a listing or a program. Otherwise the pane keeps its text.
 void LoadAsmPane() {
     const BuildRecord& last = LastBuild();
     if (!last.source.empty() && (FileExists(last.listing.c_str()) || FileExists(last.output.c_str())))

@@ -1,4 +1,4 @@
-// Refreshing the state of commands once the message queue is empty. UI thread only.
+// Refreshes the toolbar and the status bar when the message queue is empty. UI thread.
 #include "app/main_window.h"
 
 #include "app/app_state.h"

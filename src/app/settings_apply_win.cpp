@@ -1,4 +1,4 @@
-// Shows and starts anew what a change of settings affects. UI thread only.
+// Applies a change of settings to windows, timers and file types. UI thread.
 #include "app/main_window.h"
 
 #include "app/app_state.h"

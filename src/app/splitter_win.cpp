@@ -1,4 +1,4 @@
-// The bars between the panes. UI thread only.
+// The bars between the panes. UI thread.
 #include "app/app_state.h"
 #include "app/layout.h"
 #include "app/main_window.h"
@@ -12,8 +12,8 @@ constexpr wchar_t kSplitterClass[] = L"KxeSplitter";
 
 struct SplitterDrag {
     bool active = false;
-    POINT start = {};  // screen coordinates: the bar moves under the mouse
-    int startValue = 0;
+    POINT start = {};    // screen coordinates, because the bar itself moves
+    int startValue = 0;  // of SplitterValue
 } g_drag;
 
 Splitter KindOfSplitter(int id) {
@@ -46,7 +46,8 @@ void BeginSplitterDrag(HWND window, Splitter kind) {
     g_drag.active = true;
     GetCursorPos(&g_drag.start);
     g_drag.startValue = SplitterValue(kind);
-    // From where the bar stands now: the stored value may lie outside what the window has room for.
+    // The drag starts at the bar's place on the screen, because the stored value may be outside the limits of the
+    // window.
     if (kind == Splitter::Output) g_drag.startValue = static_cast<int>(PlaceInFrame(window).top);
     if (kind == Splitter::Debug) {
         const RECT pane = PlaceInFrame(g_app.hDebugPane);
@@ -60,11 +61,11 @@ void DragSplitter(Splitter kind) {
     POINT now = {};
     GetCursorPos(&now);
     {
-        const SettingsEdit edit;  // the change of a setting places the panes
+        const SettingsEdit edit;  // the change of a setting lays out the panes
         SplitterValue(kind) = DraggedSplitter(kind, g_drag.startValue, static_cast<int>(now.x - g_drag.start.x),
                                               static_cast<int>(now.y - g_drag.start.y), g_app.dpi);
     }
-    if (kind == Splitter::Debug) MainWindow_Layout();  // its width is no setting
+    if (kind == Splitter::Debug) MainWindow_Layout();  // because its width is no setting
     UpdateWindow(g_app.hMainWnd);
 }
 
@@ -105,7 +106,7 @@ LRESULT CALLBACK SplitterProc(HWND window, UINT message, WPARAM wParam, LPARAM l
             SetCursor(LoadCursorW(nullptr, kind == Splitter::Output ? IDC_SIZENS : IDC_SIZEWE));
             return TRUE;
         case WM_WINDOWPOSCHANGING:
-            // Moved together with its neighbours it would bring along what these left at its old place (Wine).
+            // Without SWP_NOCOPYBITS the bar would, under Wine, copy what its neighbours have painted at its old place.
             reinterpret_cast<WINDOWPOS*>(lParam)->flags |= SWP_NOCOPYBITS;
             return 0;
         case WM_ERASEBKGND: return EraseSplitter(window, reinterpret_cast<HDC>(wParam));

@@ -1,4 +1,5 @@
-// The current state of the program as the command table sees it, and what menus and tooltips make of it. UI thread.
+// Collects the state of the program for the command table and applies the table's answers to menus and toolbar. UI
+// thread only.
 #pragma once
 
 #include "commands/command_table.h"
@@ -9,12 +10,14 @@
 #include <string_view>
 
 CommandView CurrentCommandView();
-// The pane, line or view other than an editor that has the keyboard and takes the Edit commands, or null.
+// The window with the keyboard focus when it is a text pane or an input line and so takes the Edit commands instead of
+// the editor. Null for any other window.
 HWND FocusedTextField();
-// Enabled and checked state of every menu and toolbar command, now.
+// Enables and checks every command of the main menu and the toolbar by the current state.
 void MenuUpdateState();
-// Enabled and checked of every item of a menu that is about to open.
+// Enables and checks the items of a menu that is about to open.
 void MenuApplyState(HMENU menu, const CommandView& view);
 
-// "Save A&ll\tCtrl+Shift+S" -> "Save All (Ctrl+Shift+S)". Dots at the end go.
+// A tooltip from a menu text: "Save A&ll\tCtrl+Shift+S" -> "Save All (Ctrl+Shift+S)". Removes dots at the end of the
+// name.
 std::wstring CommandTipFromMenuText(std::wstring_view menuText);

@@ -1,4 +1,5 @@
-// Gathers what the command table asks about and applies its answers to menus and toolbar. UI thread only.
+// Collects the state of the program for the command table and applies the table's answers to menus and toolbar. UI
+// thread.
 #include "commands/command_state.h"
 
 #include "ai/ai_state.h"
@@ -40,7 +41,8 @@ std::uint32_t DebugConditions() {
     const DebugFlow& flow = DebugFlowNow();
     if (flow.phase == DebugPhase::None) return kNoSession;
     if (FlowIsStopped(flow)) return kSession | kProgramStopped;
-    return FlowIsRunning(flow) ? kSession | kProgramRunning : static_cast<std::uint32_t>(kSession);  // else only Stop
+    return FlowIsRunning(flow) ? kSession | kProgramRunning
+                               : static_cast<std::uint32_t>(kSession);  // otherwise only Stop is enabled
 }
 
 }  // namespace
@@ -54,7 +56,7 @@ HWND FocusedTextField() {
 
 CommandView CurrentCommandView() {
     CommandView view;
-    // What such a field could undo or copy is its own business; asking it would cost every key.
+    // Undo, Redo, Cut and Copy are always enabled for such a field, because asking it would slow down every key.
     if (FocusedTextField() != nullptr) view.conditions |= kCanUndo | kCanRedo | kHasSelection;
     if (IsTabIndex(g_documents.activeTab)) view.conditions |= EditorConditions();
     if (std::ranges::any_of(g_documents.tabs, &DocumentTab::modified)) view.conditions |= kAnyModified;
@@ -103,7 +105,7 @@ std::wstring CommandTipFromMenuText(std::wstring_view menuText) {
     const std::size_t tab = menuText.find(L'\t');
     std::wstring tip;
     for (std::size_t i = 0; i < std::min(tab, menuText.size()); ++i) {
-        if (menuText[i] == L'&' && i + 1 < menuText.size()) ++i;  // the mnemonic's mark; "&&" keeps one
+        if (menuText[i] == L'&' && i + 1 < menuText.size()) ++i;  // leaves out the mnemonic's mark; "&&" gives one &
         tip += menuText[i];
     }
     while (tip.ends_with(L'.')) tip.pop_back();

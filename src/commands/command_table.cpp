@@ -1,4 +1,4 @@
-// The table of commands and the one rule for enabled and checked. Must not know a window.
+// The table of commands, and the rule that decides whether a command is enabled and checked. Pure.
 #include "commands/command_table.h"
 
 #include "resources/ids.h"
@@ -62,7 +62,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_STYLE_FONT, kAlways},
     {IDM_VIEW_LIGHT_THEME, kAlways, [](const CommandView& v) { return v.theme == 0; }},
     {IDM_VIEW_DARK_THEME, kAlways, [](const CommandView& v) { return v.theme != 0; }},
-    // Always possible: a build that cannot start says why.
+    // Always enabled, because a build that cannot start says why.
     {IDM_BUILD, kAlways},
     {IDM_BUILD_RUN, kAlways},
     {IDM_BUILD_STOP, kBuilding},
@@ -80,7 +80,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_WORKSPACE_NEW, kAlways},
     {IDM_WORKSPACE_OPEN, kAlways},
     {IDM_WORKSPACE_SAVE, kAlways},
-    {IDM_DEBUG_START, kAlways},  // during a session it ends it
+    {IDM_DEBUG_START, kAlways},  // in a session it ends the session
     {IDM_DEBUG_BUILD_START, kNoSession, nullptr, Internal},
     {IDM_DEBUG_STOP, kSession},
     {IDM_DEBUG_STEP_INTO, kProgramStopped},
@@ -115,7 +115,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_TAB_COPY_PATH, kHasFile, nullptr, Internal},
 };
 
-// And the command that selects each compiler.
+// The commands that select a compiler, one for each row of g_compilers, are added to kCommands.
 template <std::uint32_t id>
 bool IsCompiler(const CommandView& view) {
     return view.compiler == static_cast<int>(id);
@@ -130,7 +130,7 @@ constexpr auto AllCommands(std::index_sequence<ids...>) {
 }
 constexpr auto kAllCommands = AllCommands(std::make_index_sequence<kCompilerCount>());
 
-// Virtual key numbers; named here because this file knows no window headers.
+// Virtual key numbers, defined here because this file includes no <windows.h>.
 constexpr std::uint16_t kCancel = 0x03, kTab = 0x09, kLeft = 0x25, kRight = 0x27, kZero = 0x30, kNumpad0 = 0x60,
                         kNumpadAdd = 0x6B, kNumpadSubtract = 0x6D, kF2 = 0x71, kF3 = 0x72, kF4 = 0x73, kF5 = 0x74,
                         kF8 = 0x77, kF9 = 0x78, kF10 = 0x79, kOemPlus = 0xBB, kOemMinus = 0xBD;

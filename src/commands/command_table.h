@@ -1,40 +1,40 @@
-// Every command of the program, one row each: what it needs to be possible, and when it carries a check mark. Menu,
-// toolbar and keys all ask this table. Pure.
+// Every command of the program, one row each: the conditions that enable it, and when it has a check mark. Menu,
+// toolbar and keys use this table. Pure.
 #pragma once
 
 #include <cstdint>
 #include <span>
 
-// What holds right now, as bits.
+// Conditions of the program's state, as bits.
 enum CommandCondition : std::uint32_t {
     kAlways = 0,
-    kHasTab = 1u << 0,
+    kHasTab = 1u << 0,  // a document is open
     kCanUndo = 1u << 1,
     kCanRedo = 1u << 2,
     kHasSelection = 1u << 3,
-    kHasFile = 1u << 5,
+    kHasFile = 1u << 5,  // the active document has a file
     kAnyModified = 1u << 7,
     kIdle = 1u << 8,  // no build runs
     kBuilding = 1u << 9,
     kHasErrors = 1u << 10,
     kBasicSource = 1u << 11,
     kNoSession = 1u << 12,
-    kSession = 1u << 13,         // a program is debugged, or is about to be
-    kProgramStopped = 1u << 14,  // and stands
+    kSession = 1u << 13,         // a program is debugged or about to be debugged
+    kProgramStopped = 1u << 14,  // the debugged program is stopped
     kProgramRunning = 1u << 15,
-    kNever = 1u << 31,  // not in this version: never set, so the command stays grey
+    kNever = 1u << 31,  // never set, so the command stays disabled: not in this version
 };
 
-// What the check marks show.
+// The state on which enabled and checked depend.
 struct CommandView {
     std::uint32_t conditions = 0;  // CommandCondition bits
     bool toolbar = false, statusBar = false;
-    std::uint32_t panes = 0;  // PaneBit of those that are shown (ui/pane_id.h)
+    std::uint32_t panes = 0;  // PaneBit of the panes that are shown (ui/pane_id.h)
     bool whitespace = false, wrap = false;
     int theme = 0;     // 0 light, 1 dark
-    int style = 0;     // style preset, 0 = none
+    int style = 0;     // style preset, 0: none
     int compiler = 0;  // CompilerId
-    int profile = 0;
+    int profile = 0;   // build profile: 0 debug, 1 release, 2 fast
     bool operator==(const CommandView&) const = default;
 };
 
@@ -43,30 +43,30 @@ struct CommandState {
     bool checked = false;
 };
 
-// Where the user finds a command.
+// Where the user can find a command.
 enum class CommandPlace : std::uint8_t {
-    Menu,      // the main menu, which has its text
-    Internal,  // keys, buttons and menus of panes only
+    Menu,      // in the main menu, which has its text
+    Internal,  // only by keys, buttons and menus of panes
 };
 
 struct CommandRow {
     int id = 0;
-    std::uint32_t needs = 0;                        // every bit must hold
+    std::uint32_t needs = 0;                        // CommandCondition bits that must all be set
     bool (*checked)(const CommandView&) = nullptr;  // null: never checked
     CommandPlace place = CommandPlace::Menu;
 };
 
 std::span<const CommandRow> CommandTable();
-const CommandRow* FindCommand(int id);
-// An id that is not in the table is disabled.
+const CommandRow* FindCommand(int id);  // null: not in the table
+// A command that is not in the table is disabled and not checked.
 CommandState CommandStateOf(int id, const CommandView& view);
 
-// Keys beyond the accelerator table, which the editor's own key handling or the platform would otherwise take.
+// Keys that are not in the accelerator table and that the editor or the system would otherwise handle.
 struct ExtraKey {
     std::uint16_t key;  // virtual key
     bool control, shift, alt;
     int command;
 };
 std::span<const ExtraKey> ExtraKeys();
-// The command of a key press, or 0.
+// The command of a key, or 0. `key` is a virtual key.
 int CommandOfExtraKey(std::uint32_t key, bool control, bool shift, bool alt);

@@ -1,4 +1,4 @@
-// The windows that show commands. UI thread only.
+// The windows of the toolbar and the status bar. UI thread only.
 #pragma once
 
 #include <windows.h>

@@ -1,4 +1,4 @@
-// Drawing icons from strokes. Must not know a device context: it fills plain pixels, four by four samples each.
+// Draws icons into an array of pixels, with 4 x 4 samples for each pixel. Pure.
 #include "commands/icons.h"
 
 #include <algorithm>
@@ -14,13 +14,13 @@ struct Point {
 enum class Ink : std::uint8_t { Line, Accent, Go, Stop, Fill };
 enum class Kind : std::uint8_t { Stroke, Area, Ring, Disc };
 
-// Stroke and Area: `points` of `count`; Ring and Disc: points[0] is the centre, points[1].x the radius.
+// A Stroke or an Area has `count` points. Of a Ring or a Disc points[0] is the centre and points[1].x the radius.
 struct Shape {
     Kind kind;
     Ink ink;
     int count;
     Point points[10];
-    float width = 1.3F;  // of a stroke or ring
+    float width = 1.3F;  // of a stroke or a ring
 };
 
 constexpr Shape kNew[] = {
@@ -227,7 +227,7 @@ std::uint32_t InkColour(Ink ink, const IconInks& inks) {
     return inks.line;
 }
 
-// The topmost shape at a point decides its ink; the pixel is the mean of its samples.
+// The last shape that covers a sample gives its ink. The pixel is the mean of its samples.
 std::uint32_t RenderPixel(std::span<const Shape> shapes, float x, float y, float step, const IconInks& inks) {
     constexpr int kSamples = 4;
     std::uint32_t sum[4] = {};  // alpha, red, green, blue

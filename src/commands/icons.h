@@ -1,5 +1,4 @@
-// The toolbar's pictures: strokes and shapes on a grid of 16 x 16 units, drawn at whatever size the screen asks for.
-// Pure.
+// Draws the toolbar's icons, which are strokes and shapes on a grid of 16 x 16 units, at any size. Pure.
 #pragma once
 
 #include <cstdint>
@@ -38,14 +37,14 @@ enum class Icon : std::uint8_t {
     Count
 };
 
-// Inks of a theme, 0x00RRGGBB.
+// The colours of an icon, 0x00RRGGBB.
 struct IconInks {
     std::uint32_t line;    // outlines
-    std::uint32_t accent;  // the part that tells the icon apart
+    std::uint32_t accent;  // the part by which an icon differs from others
     std::uint32_t go;      // run, ok
     std::uint32_t stop;    // stop, error
     std::uint32_t fill;    // inside of paper shapes
 };
 
-// `size` x `size` pixels, top row first, premultiplied 0xAARRGGBB.
+// An icon of `size` x `size` pixels, top row first, as premultiplied 0xAARRGGBB.
 std::vector<std::uint32_t> RenderIcon(Icon icon, int size, const IconInks& inks);

@@ -1,17 +1,17 @@
-// The status bar: message, build progress, position, selection, encoding, line ending, compiler. The texts are the
-// control's own (so that other programs can read them); the painting follows the theme. UI thread only.
+// The status bar: message, build progress, position, selection, encoding, line ending, compiler. The control holds the
+// texts, so that other programs can read them; the painting follows the theme. UI thread only.
 #pragma once
 
 #include <windows.h>
 
-HWND StatusBarCreate(HWND parent, int controlId);
-int StatusBarHeight();            // pixels at the current DPI
-void StatusBarLayout(int width);  // distributes the parts
-void StatusBarApplyTheme();       // font and colours
-// Text of the first part ("Building...", "Build stopped"). Stays until the next one.
+HWND StatusBarCreate(HWND parent, int controlId);  // null when it cannot be made
+int StatusBarHeight();                             // pixels at the current DPI
+void StatusBarLayout(int width);                   // sets the widths of the parts for a bar of `width` pixels
+void StatusBarApplyTheme();                        // sets the font and repaints
+// Sets the message ("Building...", for example), which stays until the next one. Null: empty.
 void StatusBarSetText(const wchar_t* text);
-// Time and moving mark of what runs (BuildProgressText); empty: nothing runs.
+// Sets the progress of a build (BuildProgressText). Null or empty: nothing runs.
 void StatusBarSetProgress(const wchar_t* text);
-// Line, column, selection, encoding, line ending of the active editor.
+// Shows line, column, selection, encoding and line ending of the active document.
 void StatusBarUpdatePosition();
 void StatusBarUpdateCompiler();

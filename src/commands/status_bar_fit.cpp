@@ -6,7 +6,8 @@
 
 namespace {
 
-constexpr std::array<int, kStatusPartCount> kWidths = {0, 96, 130, 110, 64, 52, 168};  // at 96 dpi
+// Both at 96 dpi.
+constexpr std::array<int, kStatusPartCount> kWidths = {0, 96, 130, 110, 64, 52, 168};
 constexpr int kMinimumMessage = 140;
 constexpr StatusPart kGiveUpOrder[] = {kSelection, kProgress, kLineEnding, kEncoding};
 

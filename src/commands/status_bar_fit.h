@@ -1,4 +1,4 @@
-// How the parts of the status bar share its width. Pure.
+// Divides the width of the status bar among its parts. Pure.
 #pragma once
 
 #include <array>
@@ -14,6 +14,6 @@ enum StatusPart : int {
     kStatusPartCount
 };
 
-// Right ends of the parts, in pixels. The message takes what the others leave; a part that finds no room is empty, the
-// least needed first.
+// The right ends of the parts for a bar of `width` pixels, in pixels. The message gets the rest of the width. When that
+// is too little, parts get the width 0: first selection, then progress, line ending and encoding.
 std::array<int, kStatusPartCount> FitStatusParts(int width, int dpi);

@@ -1,4 +1,4 @@
-// The status bar. UI thread only.
+// The status bar: its texts and its painting. UI thread.
 #include "commands/status_bar.h"
 
 #include "base/wide_format.h"
@@ -22,8 +22,8 @@
 
 namespace {
 
-// What the control shows. Kept here as well, because every key compares and every paint draws them: a message to a
-// subclassed window is not for free.
+// The texts of the control. They are kept here too, because each key compares them, each paint draws them, and a
+// message to the control takes longer.
 std::array<std::wstring, kStatusPartCount> g_texts;
 
 void SetStatusPart(int part, const std::wstring& text) {
@@ -99,7 +99,7 @@ HWND StatusBarCreate(HWND parent, int controlId) {
         0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_ui.hInstance, nullptr);
     if (bar == nullptr) return nullptr;
     SetWindowSubclass(bar, StatusBarProc, 1, 0);
-    // The parts exist before anyone writes into them; the layout gives them their real widths.
+    // The parts must exist before a text is set. StatusBarLayout sets their widths.
     int ends[kStatusPartCount] = {};
     SendMessageW(bar, SB_SETPARTS, kStatusPartCount, reinterpret_cast<LPARAM>(ends));
     return bar;
@@ -110,7 +110,7 @@ int StatusBarHeight() { return UiScaled(24); }
 void StatusBarLayout(int width) {
     if (g_commands.hStatusBar == nullptr) return;
     std::array<int, kStatusPartCount> ends = FitStatusParts(width, g_ui.dpi);
-    ends.back() = -1;  // the control's word for the right edge
+    ends.back() = -1;  // SB_SETPARTS: to the right edge
     SendMessageW(g_commands.hStatusBar, SB_SETPARTS, kStatusPartCount, reinterpret_cast<LPARAM>(ends.data()));
     InvalidateRect(g_commands.hStatusBar, nullptr, FALSE);
 }

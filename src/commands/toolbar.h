@@ -5,19 +5,20 @@
 
 #include <windows.h>
 
+// Null when the window cannot be made.
 HWND ToolbarCreate(HWND parent, int controlId);
-// Pictures, font and colours of the current theme and DPI; once after creation and after each change.
+// Applies the pictures, font and colours of the current theme and DPI. Called after creation and after each change.
 void ToolbarApplyTheme();
-void ToolbarDestroyImages();  // at the window's end
+void ToolbarDestroyImages();  // when the window is destroyed
 
-void ToolbarUpdateCompiler();  // the compiler button's text
-void ToolbarUpdateAi();        // the sidebar button's check mark
-void ToolbarShowMore();        // the menu of the buttons without room; nothing when all are shown
+void ToolbarUpdateCompiler();  // sets the compiler button's text
+void ToolbarUpdateAi();        // sets the check mark of the AI pane's button
+void ToolbarShowMore();        // shows the menu of the buttons without room, if any
 void ToolbarApplyState(const CommandView& view);
 
-// Pixels above the buttons that put them in the middle of the bar: versions of the control differ in how high they make
-// a button, whatever they are told.
+// Pixels between the top of the strip and the toolbar window, so that the buttons are in the middle. They are measured,
+// because versions of the control differ in the height of a button whatever TB_SETBUTTONSIZE says.
 int ToolbarInset();
 int ToolbarHeight();  // pixels at the current DPI
-// WM_NOTIFY of the bar and of its tooltips; true when handled, `result` then holds the answer.
+// The main window's WM_NOTIFY, from the bar and its tooltips. True when handled; `result` is then the answer.
 bool ToolbarHandleNotify(const NMHDR& header, LRESULT* result);

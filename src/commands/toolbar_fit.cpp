@@ -1,4 +1,4 @@
-// The rule for a toolbar that is too narrow. Must not know a control.
+// Chooses the buttons of a toolbar that is too narrow for all. Pure.
 #include "commands/toolbar_fit.h"
 
 #include <cstddef>
@@ -7,11 +7,11 @@ namespace {
 
 constexpr std::size_t kNone = ~std::size_t{0};
 
-// Shows the gaps that stand between buttons; the width of it all.
+// Shows the gaps that are between two shown buttons. Returns the width of all that is shown, in pixels.
 int PlaceGaps(std::span<const BarItem> items, std::vector<bool>& shown) {
     int width = 0;
     bool any = false;
-    std::size_t gap = kNone;  // the last one since a button
+    std::size_t gap = kNone;  // the last gap since a button
     for (std::size_t i = 0; i < items.size(); ++i) {
         if (items[i].gap) {
             shown[i] = false;

@@ -1,4 +1,4 @@
-// The seam between the toolbar and the menus that open below its buttons. Private to these files. UI thread only.
+// Shared by the toolbar and the menus below its buttons. Private to these files. UI thread only.
 #pragma once
 
 #include "commands/icons.h"
@@ -12,15 +12,16 @@
 struct HiddenButton {
     int command = 0;  // 0: a gap between groups
     Icon icon = Icon::New;
-    bool showsState = false;
-    std::wstring tip;  // "Save (Ctrl+S)"
+    bool showsState = false;  // has a check mark
+    std::wstring tip;         // "Save (Ctrl+S)"
 };
 
-std::wstring ToolbarCompilerText();
-// Below a button; `button` in client coordinates of the bar. The command that is chosen goes to the main window.
+std::wstring ToolbarCompilerText();  // text of the compiler button
+// Show a menu below a button and post the chosen command to the main window. `button` is in client coordinates of the
+// bar.
 void ToolbarShowCompilerMenu(HWND bar, const RECT& button);
 void ToolbarShowHiddenMenu(HWND bar, const RECT& button, std::span<const HiddenButton> buttons);
 
-// A picture for bitmaps and image lists, with opacity; the caller deletes it. Null when there is no memory.
+// A 32-bit bitmap of `size` x `size` pixels with opacity, which the caller deletes; null when there is no memory.
 HBITMAP ToolbarPicture(Icon icon, int size, const IconInks& inks);
 IconInks ToolbarInks(bool dark, bool enabled);

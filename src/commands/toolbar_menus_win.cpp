@@ -1,4 +1,4 @@
-// The menus below the toolbar's buttons, and the pictures of both. UI thread only.
+// The menus below the toolbar's buttons, and the pictures for buttons and menus. UI thread.
 #include "commands/toolbar_internal.h"
 
 #include "base/handles.h"
@@ -15,7 +15,7 @@
 
 namespace {
 
-// The main window hears when the menu opens and sets the states of its commands.
+// The main window is the owner, because it handles WM_INITMENUPOPUP and sets the states of the commands there.
 void ShowMenuBelow(HWND bar, const RECT& button, std::span<const MenuItem> items, UINT side) {
     POINT at = {side == TPM_RIGHTALIGN ? button.right : button.left, button.bottom};
     ClientToScreen(bar, &at);
@@ -90,14 +90,14 @@ void ToolbarShowCompilerMenu(HWND bar, const RECT& button) {
 }
 
 void ToolbarShowHiddenMenu(HWND bar, const RECT& button, std::span<const HiddenButton> buttons) {
-    // A menu is light in either theme. Its states come when it opens, as those of every other menu.
+    // A menu is light in both themes. The states are set when it opens, as in every menu.
     const IconInks inks = ToolbarInks(false, true);
     std::vector<UniqueBitmap> pictures;
     std::vector<std::wstring> texts;
     for (const HiddenButton& hidden : buttons) {
         texts.push_back(MenuTextOfTip(hidden.tip));
         pictures.emplace_back();
-        // The check mark of those with a state stands where a picture would.
+        // A command with a check mark gets no picture, because the mark takes its place.
         if (hidden.command != 0 && !hidden.showsState)
             pictures.back().Reset(ToolbarPicture(hidden.icon, GetSystemMetrics(SM_CXMENUCHECK), inks));
     }

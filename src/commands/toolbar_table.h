@@ -1,4 +1,5 @@
-// The buttons of the toolbar, in their order: what each does, when it is there, and what leaves a narrow bar first. Pure.
+// The buttons of the toolbar, in their order: the command, the conditions that show the button, and its rank in a
+// narrow bar. Pure.
 #pragma once
 
 #include "commands/command_table.h"
@@ -8,21 +9,21 @@
 
 #include <cstdint>
 
-// A button that is not always there: shown while one of these conditions holds.
+// Value of `shownWhen` for a button that is always shown.
 inline constexpr std::uint32_t kShownAlways = 0;
 
-// What goes where there is not room for all buttons, first to last: what shows panes, what every program has on keys, the
-// files, the errors, and what builds, runs and debugs.
+// Ranks of the buttons (BarItem::rank). In a narrow bar the buttons for panes are left out first, those that build, run
+// and debug last.
 enum ToolbarRank { kPanes, kEditing, kFiles, kErrors, kRunning };
 
 struct ButtonRow {
     int command;  // 0: a gap between groups
     Icon icon = Icon::New;
     int rank = kStays;
-    bool showsState = false;
-    const wchar_t* tip = nullptr;  // for commands that no menu names
-    std::uint32_t shownWhen = kShownAlways;
-    std::uint32_t hiddenWhen = 0;  // and none of these
+    bool showsState = false;                 // has a check mark
+    const wchar_t* tip = nullptr;            // for commands without a menu text; null: from the menu text
+    std::uint32_t shownWhen = kShownAlways;  // shown while one of these conditions holds
+    std::uint32_t hiddenWhen = 0;            // and none of these holds; only with `shownWhen`
 };
 
 inline constexpr ButtonRow kToolbarButtons[] = {
@@ -47,8 +48,8 @@ inline constexpr ButtonRow kToolbarButtons[] = {
     {IDM_ERROR_PREVIOUS, Icon::PreviousError, kErrors, false, L"Previous Error (Shift+F4)"},
     {IDM_ERROR_NEXT, Icon::NextError, kErrors, false, L"Next Error (F4)"},
     {0},
-    // Of the debugger only what fits the moment. Steps stay while the program runs: a row of buttons that came and went
-    // with every step would flicker.
+    // Only the debugger's buttons for the current state are shown. The step buttons stay while the program runs,
+    // because the bar would flicker if they were hidden and shown at every step.
     {IDM_DEBUG_BUTTON_START, Icon::DebugStart, kRunning, false, L"Build and Debug", kNoSession},
     {IDM_DEBUG_BREAKPOINT, Icon::Breakpoint, kRunning, false, nullptr, kNoSession},
     {IDM_DEBUG_BUTTON_STOP, Icon::DebugStop, kRunning, false, L"Stop Debugging (Shift+F5)", kSession},
@@ -65,7 +66,7 @@ inline constexpr ButtonRow kToolbarButtons[] = {
     {IDM_TOOLBAR_MORE, Icon::More, kStays, false, L"More Buttons (Ctrl+F2)"},
 };
 
-// The conditions that show and hide buttons; all others change with keys and must not cost a look at the bar.
+// The conditions that show and hide buttons. A change of another condition does not fit the buttons again.
 inline constexpr std::uint32_t kShowingConditions = [] {
     std::uint32_t conditions = 0;
     for (const ButtonRow& row : kToolbarButtons) conditions |= row.shownWhen | row.hiddenWhen;

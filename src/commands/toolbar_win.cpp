@@ -1,4 +1,4 @@
-// The toolbar: buttons from one table, pictures drawn for the current theme and DPI. UI thread only.
+// The toolbar: buttons from kToolbarButtons, pictures drawn for the current theme and DPI. UI thread.
 #include "commands/toolbar.h"
 
 #include "commands/command_state.h"
@@ -25,20 +25,20 @@
 
 namespace {
 
-constexpr int kIconSize = 16;
+constexpr int kIconSize = 16;  // this and the next ones: pixels at 96 dpi
 constexpr int kButtonSize = 28;
 constexpr int kBarPadding = 3;
 constexpr int kGap = 9;
-constexpr int kMoreSize = 20;    // width of the button for those that have no room
+constexpr int kMoreSize = 20;    // width of the button that shows the buttons without room
 constexpr int kTextInset = 8;    // of the compiler button
 constexpr int kArrowWidth = 30;  // room for its arrow
-constexpr int kFirstGap = 1;     // ids of the gaps; commands are far above
+constexpr int kFirstGap = 1;     // id of the first gap; the ids of commands are above the gaps'
 
 HIMAGELIST g_images = nullptr;
 HIMAGELIST g_disabledImages = nullptr;
-std::optional<CommandView> g_applied;     // what the buttons show; nothing: not known
-std::uint32_t g_conditions = kNoSession;  // by which they are shown
-std::vector<HiddenButton> g_hidden;       // those without room
+std::optional<CommandView> g_applied;     // the state that the buttons show; no value: not known
+std::uint32_t g_conditions = kNoSession;  // the conditions by which buttons are shown
+std::vector<HiddenButton> g_hidden;       // the buttons without room
 
 HIMAGELIST RenderImages(bool enabled) {
     const int size = UiScaled(kIconSize);
@@ -72,7 +72,7 @@ void AddButtons(HWND bar) {
             button.iBitmap = I_IMAGENONE;
             button.iString = reinterpret_cast<INT_PTR>(compilerText.c_str());
         } else {
-            const bool opens = row.command == IDM_TOOLBAR_MORE;  // on the press, as a menu does
+            const bool opens = row.command == IDM_TOOLBAR_MORE;  // opens a menu when the button goes down
             button.fsStyle = opens ? BTNS_DROPDOWN : row.showsState ? BTNS_CHECK : BTNS_BUTTON;
             button.iBitmap = image++;
         }
@@ -94,7 +94,7 @@ int ButtonWidth(const ButtonRow& row) {
     }
 }
 
-// Each button its own width: left to itself the control makes all of them as wide as the one with text.
+// Sets the width of each button, because the control makes all buttons as wide as the one with text.
 void SizeButtons() {
     for (const ButtonRow& row : kToolbarButtons) {
         TBBUTTONINFOW info = {};
@@ -125,7 +125,7 @@ std::wstring ButtonTip(const ButtonRow& row) {
     return CommandTipFromMenuText(text);
 }
 
-// Shows what the moment wants and the bar has room for, and remembers what it has none for.
+// Shows the wanted buttons for which there is room, and keeps the others in g_hidden.
 void FitButtons() {
     RECT client = {};
     GetClientRect(g_commands.hToolbar, &client);
@@ -151,12 +151,12 @@ void ShowMenuOf(int command) {
     RECT button = {};
     SendMessageW(g_commands.hToolbar, TB_GETRECT, static_cast<WPARAM>(command), reinterpret_cast<LPARAM>(&button));
     if (command == IDM_COMPILER_MENU) ToolbarShowCompilerMenu(g_commands.hToolbar, button);
-    // What is hidden may change while the menu is open.
+    // A copy, because g_hidden may change while the menu is open.
     const std::vector<HiddenButton> hidden = g_hidden;
     if (command == IDM_TOOLBAR_MORE && !hidden.empty()) ToolbarShowHiddenMenu(g_commands.hToolbar, button, hidden);
 }
 
-// Its text and arrow: the control would draw the arrow black on any background.
+// Draws the text and the arrow of the compiler button, because the control draws the arrow black on any background.
 void DrawCompilerButton(const NMTBCUSTOMDRAW& draw, COLORREF colour) {
     const HDC dc = draw.nmcd.hdc;
     RECT area = draw.nmcd.rc;
@@ -186,12 +186,13 @@ LRESULT DrawBar(const NMTBCUSTOMDRAW& draw) {
     switch (draw.nmcd.dwDrawStage) {
         case CDDS_PREPAINT: return CDRF_NOTIFYITEMDRAW;
         case CDDS_ITEMPREPAINT:
-            return DrawButton(const_cast<NMTBCUSTOMDRAW&>(draw));  // the control reads the colours in it
+            return DrawButton(const_cast<NMTBCUSTOMDRAW&>(draw));  // the control reads the colours from it
         default: return CDRF_DODEFAULT;
     }
 }
 
-// Stop takes the place of Start: the second half of a double-click on that was not meant for it.
+// True for a double-click on Stop. It was meant for Start: the first click started debugging, and Stop took Start's
+// place.
 bool IsSecondClickOnStop(HWND bar, LPARAM lParam) {
     POINT at = {static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
     RECT stop = {};
@@ -199,7 +200,7 @@ bool IsSecondClickOnStop(HWND bar, LPARAM lParam) {
            PtInRect(&stop, at) != FALSE;
 }
 
-// The control has no colour of its own for its background.
+// Fills the background, because the control has no setting for its colour.
 LRESULT EraseBar(HWND bar, HDC dc) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     RECT area = {};
@@ -216,7 +217,7 @@ LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
         case WM_LBUTTONDBLCLK:
             if (IsSecondClickOnStop(window, lParam)) return 0;
             break;
-        case WM_LBUTTONUP: g_applied.reset(); break;  // a click turns a check button over by itself
+        case WM_LBUTTONUP: g_applied.reset(); break;  // because a click changes a check button's state
         case WM_SIZE: FitButtons(); break;
         case WM_NCDESTROY: RemoveWindowSubclass(window, ToolbarProc, 1); break;
         default: break;
@@ -291,7 +292,7 @@ void ToolbarUpdateAi() {
 }
 
 void ToolbarApplyState(const CommandView& view) {
-    // Called at every key, and asking each button costs more than the key itself.
+    // This is called at every key, and TB_GETSTATE for each button takes longer than the key itself.
     if (g_applied == view) return;
     g_applied = view;
     const std::uint32_t conditions = view.conditions & kShowingConditions;
@@ -325,7 +326,7 @@ static bool FillToolbarTip(NMTTDISPINFOW& tip) {
 }
 
 bool ToolbarHandleNotify(const NMHDR& header, LRESULT* result) {
-    // The tooltip wants its answer in the very record it sends.
+    // The answer goes into the notification's own record.
     if (header.code == TTN_GETDISPINFOW)
         return FillToolbarTip(*reinterpret_cast<NMTTDISPINFOW*>(const_cast<NMHDR*>(&header)));
     if (header.hwndFrom != g_commands.hToolbar || g_commands.hToolbar == nullptr) return false;
@@ -334,7 +335,7 @@ bool ToolbarHandleNotify(const NMHDR& header, LRESULT* result) {
         return true;
     }
     if (header.code == TBN_DROPDOWN) {
-        // A menu has a message loop of its own, and while a program starts nothing may run but Stop.
+        // A menu runs a message loop, and while a program is started for debugging only Stop may run.
         if (!DebugIsWaiting()) ShowMenuOf(reinterpret_cast<const NMTOOLBARW&>(header).iItem);
         *result = TBDDRET_DEFAULT;
         return true;

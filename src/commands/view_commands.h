@@ -1,4 +1,4 @@
-// The View menu: what is shown, how big, in which colours and font. UI thread only.
+// The commands of the View menu: panes, bars, zoom, theme, style and font. UI thread only.
 #pragma once
 
 #include "base/command_handler.h"

@@ -1,4 +1,4 @@
-// The View menu: what is shown, how big, in which colours and font. UI thread only.
+// The commands of the View menu: panes, bars, zoom, theme, style and font. UI thread.
 #include "commands/view_commands.h"
 
 #include "commands/toolbar.h"
@@ -66,7 +66,7 @@ constexpr CommandHandler kViewHandlers[] = {
     {IDM_VIEW_DEBUG_PANE, TogglePane},
     {IDM_VIEW_WHITESPACE, ToggleSetting<&Settings::showWhitespace>},
     {IDM_VIEW_WORD_WRAP, ToggleSetting<&Settings::wordWrap>},
-    // One editor zooms; its notification brings the others and the setting along.
+    // Only the active editor zooms here. Its SCN_ZOOM changes the setting, which zooms the other editors.
     {IDM_VIEW_ZOOM_IN, [](int) { SciSend(g_documents.hEditor, SCI_ZOOMIN); }},
     {IDM_VIEW_ZOOM_OUT, [](int) { SciSend(g_documents.hEditor, SCI_ZOOMOUT); }},
     {IDM_VIEW_ZOOM_RESET, [](int) { SciSend(g_documents.hEditor, SCI_SETZOOM, 0); }},

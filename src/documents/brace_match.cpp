@@ -1,4 +1,4 @@
-// Finds the partner of a bracket. Pure.
+// Finds the partner of a bracket in a stretch of styled text. Pure.
 #include "documents/brace_match.h"
 
 #include <string_view>

@@ -1,4 +1,4 @@
-// The partner of a bracket, looked for in a bounded stretch of styled text. Pure.
+// Finds the partner of a bracket in a stretch of styled text. Pure.
 #pragma once
 
 #include <cstddef>
@@ -6,11 +6,12 @@
 
 struct StyledByte {
     char character;
-    char style;
+    char style;  // Scintilla's style number
 };
 
+// True for ( ) [ ] { }.
 bool IsBrace(char character);
 
-// Index of the bracket that belongs to the one at `at`, or -1. Brackets of another style - in a string or a comment -
-// do not count.
+// Index in `text` of the bracket that belongs to the one at index `at`; -1 when there is none or when `at` is no
+// bracket. Brackets with another style (in a string or a comment) do not count.
 std::ptrdiff_t MatchBrace(std::span<const StyledByte> text, std::size_t at);

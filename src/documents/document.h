@@ -1,5 +1,6 @@
-// One open document: what a tab stands for. Records live in `g_documents.tabs`, in the order of the row. Adding, moving or
-// removing one moves the others: whoever remembers a document remembers its id. UI thread only.
+// One open document, which has one tab. The records are in `g_documents.tabs`, in the order of the tabs. Adding, moving
+// or removing a record changes the index and the address of others, so code that remembers a document keeps its id. UI
+// thread only.
 #pragma once
 
 #include "base/events.h"
@@ -9,12 +10,12 @@
 
 #include <cstdint>
 
-enum class BuildMark : std::uint8_t { None, Error, Ok };  // what the last build said of this document
+enum class BuildMark : std::uint8_t { None, Error, Ok };  // result of the last build of this document
 
 struct DocumentTab : FileBinding {
-    DocumentId id = 0;             // of this document and no other for the whole run
-    HWND editor = nullptr;         // Scintilla child of the main window, owned by the document
-    std::uint32_t compilerId = 0;  // compiler whose dialect colours this document
+    DocumentId id = 0;             // unique; not used again during the run
+    HWND editor = nullptr;         // Scintilla window, child of the main window; TabBarRemove destroys it
+    std::uint32_t compilerId = 0;  // the compiler whose dialect decides the colours
     bool modified = false;
     BuildMark buildMark = BuildMark::None;
 };

@@ -1,8 +1,8 @@
-// Reading a file into a document's editor. UI thread only.
+// Reads a file into a document's editor. UI thread only.
 #pragma once
 
 #include "documents/document.h"
 
-// Reads `tab.path` into `tab.editor` and sets encoding and line ending. False when the file cannot be read or is not in the
-// editor whole; the editor's text means nothing then.
+// Reads the file `tab.path` into `tab.editor` and sets `tab.encoding` and `tab.lineEnding`. Returns false when the file
+// cannot be read or the editor does not hold all of it; the editor's text is then undefined.
 bool TabLoadFile(DocumentTab& tab);

@@ -1,5 +1,5 @@
-// Reading a file into a document's editor. A large UTF-8 file goes in piece by piece (documents/text_pieces), everything
-// else whole, through the files area. UI thread.
+// Reads a file into a document's editor: a large UTF-8 file piece by piece (documents/text_pieces), any other file at
+// once by ReadSourceFileForEditor. UI thread.
 #include "documents/document_load.h"
 
 #include "base/handles.h"
@@ -13,10 +13,10 @@
 
 namespace {
 
-constexpr LONGLONG kLarge = 4 << 20;              // bytes; below this one block is simpler and no slower
-constexpr LONGLONG kLargestStreamed = INT32_MAX;  // beyond this, positions do not fit this program's 32 bits
+constexpr LONGLONG kLarge = 4 << 20;              // bytes; a smaller file is read at once, which is no slower
+constexpr LONGLONG kLargestStreamed = INT32_MAX;  // bytes, because positions are kept in 32 bits
 
-// A document that Scintilla found no memory for is cut short; saving it would cut the file.
+// Scintilla cuts a text for which it has no memory. Saving the cut text would cut the file.
 bool HoldsAll(HWND editor, std::size_t length) {
     return static_cast<std::size_t>(SciSend(editor, SCI_GETLENGTH)) == length;
 }
@@ -37,7 +37,8 @@ bool LoadPieces(DocumentTab& tab, HANDLE file, std::size_t size) {
     return true;
 }
 
-// True when the file was taken this way. Otherwise nothing is decided yet, whatever is in the editor.
+// True when the whole file was loaded in pieces. After false the editor may hold a part of it, and the file can still
+// be read at once.
 bool TryPieces(DocumentTab& tab) {
     const UniqueHandle file(CreateFileW(tab.path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                                         FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr));

@@ -1,6 +1,7 @@
-// The row of open documents: adding, showing, moving, naming and removing them, each with its editor. The functions take a
-// document's index in the row, which changes when others are closed or moved. Whoever remembers a document over a message
-// box, a worker or a later event remembers its id. The tab bar draws the row and hears of changes by events. UI thread only.
+// The row of open documents: adding, showing, moving and removing a document with its editor. The functions take a
+// document's index in the row, which changes when others are closed or moved. Code that needs a document after a
+// message box, in a worker or in a later event keeps its id. Changes are announced by events (base/events.h), on which
+// the tab bar draws the row. UI thread only.
 #pragma once
 
 #include "documents/documents_state.h"
@@ -10,42 +11,45 @@
 
 #include <vector>
 
-// The record at an index that IsTabIndex() accepts. Adding, moving or removing a document moves the records.
+// The record at an index that IsTabIndex() accepts. The reference is invalid after a document is added, moved or
+// removed.
 inline DocumentTab& TabAt(int index) { return g_documents.tabs[static_cast<std::size_t>(index)]; }
 
-// --- Finding. -1: none.
+// --- Finding; -1 when there is none
 int TabBarFindDocument(DocumentId document);
 int TabBarFindEditor(HWND editor);
-int TabBarFindPath(const wchar_t* path);   // bound to that file, letter case aside
+int TabBarFindPath(const wchar_t* path);   // the document of that file; ignores letter case
 DocumentId DocumentOfEditor(HWND editor);  // 0: none
 DocumentId ActiveDocumentId();             // 0: none
 std::vector<RowEntry> DocumentRowEntries();
 
-// Adds a document with its own editor, and reads the file when `path` is not empty. Returns its index, or -1 when the
-// file could not be read or no window could be made. Does not show it.
+// Adds a document with its own editor at the end of the row, and reads the file when `path` is not empty. Does not show
+// it. Returns its index, or -1 when the file could not be read or no window could be made.
 int TabBarAdd(const wchar_t* path, const wchar_t* label);
 
 // Shows a document. Returns 1, or 0 for an index out of range.
 int TabBarSelect(int index);
-// TabBarSelect with the focus in the editor.
+// TabBarSelect, then moves the keyboard focus to the editor.
 int TabBarActivate(int index);
-// TabBarSelect before the document is closed: once it is, the one that was active before is shown again.
+// Shows a document that is about to be closed. After it is closed, the document that was active before is shown again.
 int TabBarSelectToClose(int index);
 // Shows the editor of `activeTab` and hides the others.
 void TabBarSyncActiveEditor();
 
-// Destroys the document's editor and forgets the record, without asking. Returns 1, or 0 for an index out of range.
+// Removes the document and destroys its editor, without asking. Returns 1, or 0 for an index out of range.
 int TabBarRemove(int index);
-// Moves a document to another place in the row.
+// Moves a document to another place in the row. Returns 1, or 0 for an index out of range.
 int TabBarMove(int from, int to);
 
-// Line breaks typed from now on are those of the record's `lineEnding`.
+// Makes the editor insert the line breaks of the record's `lineEnding`.
 void TabBarUpdateLineEnding(int index);
-// Tells that label, modified mark or encoding have changed; a new name may also mean another language.
+// Announces that the label, the modified mark or the encoding has changed. When the new file name means another
+// language, the editor gets that language too.
 void TabBarUpdateTitle(int index);
 
 // --- Focus
-// Keyboard focus to the active editor, now; or retried for a short while until it has it.
+// Moves the keyboard focus to the active editor when that is visible.
 void FocusCurrentEditor();
+// The same after the messages that are waiting, repeated by TIMER_FOCUS for up to 2 s until the editor has the focus.
 void QueueFocusCurrentEditor();
 void FocusOnTimer();  // TIMER_FOCUS

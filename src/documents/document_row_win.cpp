@@ -1,4 +1,4 @@
-// The records and their editors. What is drawn of them is told by events. UI thread.
+// Changes the row of documents and their editors, and announces each change by an event. UI thread.
 #include "documents/document_row.h"
 
 #include "base/events.h"
@@ -32,8 +32,8 @@ constexpr int ScintillaEol(LineEnding ending) {
     return SC_EOL_CRLF;
 }
 
-// A renamed document may be of another language: the frame is asked to set its editor up again. The id goes with the
-// index because the row may change before the message arrives.
+// A document with a new name may have another language: MSG_REINIT_EDITOR asks the main window to set its editor up
+// again. The message carries the id and the index, because the row may change before it arrives.
 void CheckLanguage(int index) {
     const DocumentTab& tab = TabAt(index);
     if (!tab.hasFile || g_scintilla.createLexer == nullptr) return;
@@ -117,7 +117,8 @@ int TabBarAdd(const wchar_t* path, const wchar_t* label) {
 void TabBarSyncActiveEditor() {
     const HWND previous = g_documents.hEditor;
     g_documents.hEditor = IsTabIndex(g_documents.activeTab) ? TabAt(g_documents.activeTab).editor : nullptr;
-    // The new editor covers the old one before that goes, so that nothing shows through in between.
+    // The new editor is shown above the old one before the old one is hidden, so that nothing else is visible in
+    // between.
     if (g_documents.hEditor != nullptr) {
         SetWindowPos(g_documents.hEditor, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
         g_events.layoutWanted();
@@ -164,7 +165,7 @@ int TabBarRemove(int index) {
     g_events.textLeaving(document);
     g_documents.activeTab = TabToShowAfterRemoval(g_documents.activeTab, index, TabCount(), wanted);
     g_documents.tabs.erase(g_documents.tabs.begin() + index);
-    if (wasActive) g_documents.hEditor = nullptr;  // about to be destroyed: nobody may send to it any more
+    if (wasActive) g_documents.hEditor = nullptr;  // is about to be destroyed, so nothing may be sent to it
     NavTabRemoved(g_documents.navigation, index);
     g_events.documentClosed(document, index);
     TabBarSyncActiveEditor();

@@ -1,4 +1,4 @@
-// The open documents, in the order of their tabs. UI thread only.
+// The open documents and what belongs to all of them. UI thread only.
 #pragma once
 
 #include "base/bounded_text.h"
@@ -10,11 +10,11 @@
 #include <vector>
 
 struct DocumentsState {
-    std::vector<DocumentTab> tabs;
+    std::vector<DocumentTab> tabs;              // in the order of the tabs
     int activeTab = -1;                         // index into tabs, -1 with none
-    DocumentId returnTo = 0;                    // shown again when the active one is closed, 0: its neighbour is
-    HWND hEditor = nullptr;                     // editor of the active tab
-    HWND hStickyHeader = nullptr;               // label above the editor
+    DocumentId returnTo = 0;                    // shown after the active one is closed; 0: its neighbour is shown
+    HWND hEditor = nullptr;                     // editor of the active tab, null with none
+    HWND hStickyHeader = nullptr;               // label above the editor (sticky_label_win.cpp)
     wchar_t lastDirectory[kPathCapacity] = {};  // folder of the file last opened or saved under a new name
     NavHistory navigation;
 };

@@ -1,4 +1,4 @@
-// Bringing the keyboard to the active editor. UI thread only.
+// Moves the keyboard focus to the active editor. UI thread.
 #include "documents/document_row.h"
 
 #include "resources/ids.h"

@@ -1,4 +1,4 @@
-// Messages to a Scintilla editor as values, so that what an editor is told can be decided without one. Pure.
+// Messages to a Scintilla editor as values, so that pure code can decide which messages an editor gets. Pure.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// One editing pane: a Scintilla window hosted for a tab. UI thread only.
+// The editing pane of a document: a Scintilla window. UI thread only.
 #pragma once
 
 #include "scintilla/sci.h"
@@ -9,55 +9,62 @@
 #include <cstdint>
 #include <string_view>
 
-// A new hidden pane (Rich Edit when Scintilla refuses), or null. The parent owns it.
+// Creates a hidden pane: a Scintilla window, or a Rich Edit when that fails. Null when both fail. The parent destroys
+// it with its other children.
 HWND EditorPaneCreate(HINSTANCE instance, HWND parent, int controlId);
 
-// Theme and lexer of the compiler's dialect, then a visible caret.
+// Applies the theme and the lexer of the compiler's dialect, colours the text again and scrolls to the caret.
 void EditorPaneInit(HWND editor, std::uint32_t compilerId);
 
-// Applies the [Editor] settings: tabs, margins, edge line, change margin, virtual space, zoom, wrap, whitespace.
+// Applies the [Editor] settings: tabs, line numbers, edge line, change margin, virtual space, zoom, wrap, white space
+// and indentation guides. Then scrolls to the caret.
 void EditorPaneApplySettings(HWND editor);
 
 // A new NUL-terminated UTF-8 copy of the document that the caller frees with free(); null when memory runs out.
-// `length` (may be null) gets the bytes without the terminator; the text may hold NUL bytes.
+// `length` (may be null) gets the number of bytes without the terminator. The text may hold NUL bytes.
 char* EditorPaneGetText(HWND editor, std::size_t* length);
 
-// Replaces the document; nothing to undo and unmodified afterwards. NUL-terminated, or any bytes with a length.
+// Replaces the whole text. Afterwards the document is unmodified and has nothing to undo. EditorPaneSetText takes a
+// NUL-terminated text; EditorPaneSetBytes takes any bytes, NULs included.
 void EditorPaneSetText(HWND editor, const char* utf8);
 void EditorPaneSetBytes(HWND editor, std::string_view utf8);
-// The same in pieces, for texts too large to hold twice: begin, any number of appends, end.
+// The same in pieces, for a text that is too large to be in memory twice: begin, any number of appends, end.
+// `expectedLength` is in bytes.
 void EditorPaneBeginLoad(HWND editor, std::size_t expectedLength);
 void EditorPaneAppendLoad(HWND editor, std::string_view utf8);
 void EditorPaneEndLoad(HWND editor);
 
+// Sets the caret's style and a colour that can be seen on the background, moves the caret into the view and scrolls to
+// it. When the window has the keyboard focus, Scintilla is told so (SCI_SETFOCUS).
 void EditorPaneEnsureCaretVisible(HWND editor);
 
-// Change marks, edge line, virtual space.
+// Switch the edge line, the change margin or the virtual space of the pane on or off.
 void ApplyEdgeLine(HWND editor, bool on);
 void ApplyChangeMargin(HWND editor, bool on);
-void MarkModifiedLine(HWND editor, int line);
+void MarkModifiedLine(HWND editor, int line);  // marks a line (0-based) as changed when the change margin is on
 void ApplyVirtualSpace(HWND editor, bool on);
 void EditorPaneClearChangeMarks(HWND editor);
 
-// The nearest enclosing procedure line above the caret into the label window.
+// Shows the nearest line above the caret that opens a procedure or a type in the label window.
 void UpdateStickyHeader(HWND editor, HWND label);
-// WM_DRAWITEM of the label. True when the item is the label.
+// Draws the label for its WM_DRAWITEM. False when the item is not the label.
 bool StickyHeaderDraw(const DRAWITEMSTRUCT& item);
-// That line's text, cut to fit; empty without one. Returns its length.
+// The text of that line, cut to `capacity` characters with the terminator; empty when there is no such line. Returns
+// its length in characters.
 std::size_t EditorPaneProcedureLine(HWND editor, wchar_t* out, std::size_t capacity);
 
-// Shows the bracket that belongs to the one at the caret; after every move of the caret.
+// Marks the bracket at the caret and its partner. Called after every move of the caret.
 void EditorPaneUpdateBraces(HWND editor);
 
-// A notification of an editor that the pane itself answers (marks, recolouring, sticky-header cache). Called by the
-// main window for SCN_MODIFIED of every tab's editor.
+// Updates the change marks, the colouring and the sticky header after a change of the text. The main window calls it
+// for SCN_MODIFIED of every document's editor.
 void EditorPaneOnModified(HWND editor, const SCNotification& change);
 
-// History across documents.
-void NavHistoryAdd(int position, int tab);
-void NavHistoryMaybeAdd();
+// --- Navigation history across documents (documents/nav_history.h)
+void NavHistoryAdd(int position, int tab);  // byte position, tab index
+void NavHistoryMaybeAdd();                  // adds the caret's place unless it is close to the last one
 void NavHistoryBack();
 void NavHistoryForward();
 
-// Applies every editor setting (font, zoom, margins, wrap, theme) to every open document.
+// Applies the theme and the [Editor] settings to every open document.
 void SettingsApplyToEditor();

@@ -1,5 +1,5 @@
-// The editing pane: creating the Scintilla window, applying the settings to it, keeping its caret visible. Colours and lexer
-// are theme_win.cpp. UI thread.
+// The editing pane: creating the Scintilla window, applying the settings to it, keeping its caret visible. Colours and
+// lexer are set in theme_win.cpp. UI thread.
 #include "documents/editor_pane.h"
 
 #include "base/log.h"
@@ -24,12 +24,12 @@ constexpr DWORD kPaneStyle = WS_CHILD | WS_CLIPSIBLINGS | WS_CLIPCHILDREN | WS_T
 constexpr DWORD kFallbackStyle = 0x44300144;  // child, clip siblings, scroll bars, multi-line, ES_NOHIDESEL
 static_assert(kPaneStyle == 0x46010000);
 
-constexpr int kInitialSize = 100;
-constexpr COLORREF kChangeColour = 0x00C8FF;
-constexpr int kLineMarginWidth = 50;  // pixels at 96 dpi
-constexpr int kLineMarginPadding = 8;
+constexpr int kInitialSize = 100;             // pixels, until the layout places the pane
+constexpr COLORREF kChangeColour = 0x00C8FF;  // 0xBBGGRR
+constexpr int kLineMarginWidth = 50;          // pixels at 96 dpi
+constexpr int kLineMarginPadding = 8;         // pixels at 96 dpi
 
-// Sent by number: what it does is up to the version of Scintilla, which calls it SCI_MOVECARETINSIDEVIEW.
+// Sent by its number. Scintilla's header names it SCI_MOVECARETINSIDEVIEW.
 constexpr UINT kMoveCaretMessage = 2401;
 
 void ApplyPaneSettings(HWND editor, const PaneSettings& settings) {
@@ -74,7 +74,7 @@ void EditorPaneUpdateLineMargin(HWND editor) {
     if (g_settings.showLineNumbers) {
         width = UiScaled(kLineMarginWidth);
         const int digits = DecimalDigits(SciSend(editor, SCI_GETLINECOUNT, 0, 0));
-        // Wider only for what would not fit: more digits, a large font, a zoomed view.
+        // The margin gets wider only when the number would not fit: more digits, a large font, a zoomed view.
         char sample[32] = {};
         std::fill_n(sample, digits, '9');
         const LRESULT needed = SciSend(editor, SCI_TEXTWIDTH, STYLE_LINENUMBER, reinterpret_cast<LPARAM>(sample));
@@ -98,7 +98,7 @@ void EditorPaneCheckLineMargin(HWND editor) {
 void EditorPaneApplySettings(HWND editor) {
     if (editor == nullptr) return;
     ApplyPaneSettings(editor, PaneSettingsOf(g_settings));
-    EditorPaneUpdateLineMargin(editor);  // after the zoom, which its width depends on
+    EditorPaneUpdateLineMargin(editor);  // after the zoom, because its width depends on it
     ApplyChangeMargin(editor, g_settings.showChangeMargin != 0);
     EditorPaneEnsureCaretVisible(editor);
 }
@@ -135,7 +135,7 @@ void ApplyChangeMargin(HWND editor, bool on) {
 
 void MarkModifiedLine(HWND editor, int line) {
     if (!g_settings.showChangeMargin) return;
-    // Marking a marked line would stack a second marker on it.
+    // SCI_MARKERADD on a marked line would add a second marker.
     if (SciSend(editor, SCI_MARKERGET, static_cast<WPARAM>(line), 0) & (1 << kMarkChange)) return;
     SciSend(editor, SCI_MARKERADD, static_cast<WPARAM>(line), kMarkChange);
 }

@@ -1,5 +1,5 @@
-// The subclass of every Scintilla pane: its cursor, focus, control characters, zoom wheel, mouse log, and the colouring just
-// before a paint. UI thread.
+// The subclass of every Scintilla pane: cursor, focus, typed characters, Return, zoom by the wheel, mouse log, and the
+// colouring before a paint. Keeps the PaneState of each pane. UI thread.
 #include "documents/pane_state.h"
 
 #include "base/log.h"
@@ -20,7 +20,8 @@ namespace {
 constexpr UINT_PTR kSubclassId = 1;
 constexpr int kClassNameLength = 48;
 
-// All panes. There are few and they are looked up at every key, so a plain row is faster than a window property.
+// All panes. A vector is searched faster than a window property is read, because there are few panes and each key looks
+// one up.
 struct PaneEntry {
     HWND editor;
     std::unique_ptr<PaneState> state;
@@ -69,14 +70,15 @@ void LogPaneMouse(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
         static_cast<int>(screen.x), static_cast<int>(screen.y), under, underClass, GetFocus());
 }
 
-// SetFocus sends WM_SETFOCUS, which leads here again; giving the focus to the window that has it ends the recursion.
+// SetFocus sends WM_SETFOCUS, which calls TakeFocus again. The recursion ends there, because SetFocus does nothing for
+// the window that has the focus.
 void TakeFocus(HWND pane) {
     SetFocus(pane);
     SciSend(pane, SCI_SETFOCUS, TRUE, 0);
     EditorPaneEnsureCaretVisible(pane);
 }
 
-// Ctrl with a letter that no command takes would type a control character into the source.
+// Ctrl with a letter that is no command would otherwise insert a control character.
 bool IsUnwantedCharacter(WPARAM character) {
     return (character < 0x20 && character != L'\r' && character != L'\n' && character != L'\t') || character == 0x7F;
 }
@@ -92,7 +94,7 @@ LRESULT PaintPane(HWND pane, WPARAM wParam, LPARAM lParam) {
     return result;
 }
 
-// The zoom is one setting for all editors, so the wheel asks for the command instead of zooming this pane alone.
+// Posts the zoom command instead of zooming this pane alone, because all editors share one zoom setting.
 LRESULT OnPaneZoomWheel(WPARAM wParam) {
     const WORD command = GET_WHEEL_DELTA_WPARAM(wParam) > 0 ? IDM_VIEW_ZOOM_IN : IDM_VIEW_ZOOM_OUT;
     PostMessageW(g_ui.hMainWnd, WM_COMMAND, command, 0);
@@ -116,7 +118,7 @@ LRESULT OnPaneCharacter(HWND pane, WPARAM wParam, LPARAM lParam) {
 LRESULT OnPaneReturnKey(HWND pane, WPARAM wParam, LPARAM lParam) {
     const LRESULT lines = SciSend(pane, SCI_GETLINECOUNT);
     const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
-    SciSend(pane, SCI_BEGINUNDOACTION);  // the break and the indentation are undone together
+    SciSend(pane, SCI_BEGINUNDOACTION);  // one undo step for the line break and the indentation
     const LRESULT result = DefSubclassProc(pane, WM_KEYDOWN, wParam, lParam);
     if (SciSend(pane, SCI_GETLINECOUNT) == lines + 1) {
         EditorPaneUpperKeywordBefore(pane, before);

@@ -1,4 +1,4 @@
-// The whole text of a pane, out and in, as UTF-8 bytes with NULs included. Knows nothing of files and encodings. UI thread.
+// Reads and replaces the whole text of a pane as UTF-8 bytes, NULs included. Knows no file and no encoding. UI thread.
 #include "documents/editor_pane.h"
 
 #include "documents/pane_rules.h"
@@ -33,7 +33,7 @@ void EditorPaneSetBytes(HWND editor, std::string_view utf8) {
 }
 
 void EditorPaneBeginLoad(HWND editor, std::size_t expectedLength) {
-    // Neither the old text nor the new one goes through undo, which would hold a second copy of each.
+    // The undo history is off, because it would hold a second copy of the old text and of the new one.
     SciSend(editor, SCI_SETMODEVENTMASK, SC_MOD_NONE, 0);
     SciSend(editor, SCI_SETUNDOCOLLECTION, FALSE, 0);
     SciSend(editor, SCI_CLEARALL, 0, 0);

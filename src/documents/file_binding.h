@@ -1,4 +1,4 @@
-// The file that a document is bound to, and how its text is written there. Pure.
+// The file that a document belongs to, and how its text is written there. Pure.
 #pragma once
 
 #include "base/bounded_text.h"
@@ -9,8 +9,9 @@ struct FileBinding {
     wchar_t label[kLabelCapacity] = {};
     TextEncoding encoding = TextEncoding::Utf8;
     LineEnding lineEnding = LineEnding::CrLf;
-    bool hasFile = false;  // bound to a file on disk
+    bool hasFile = false;  // `path` is a file on disk
 };
 
-// What a document is bound to once it is saved under a new name: always ANSI with CRLF, whatever it was before.
+// The binding for a save under a new name: always ANSI with CRLF, whatever the document had before. Defined in
+// save_rules.cpp.
 FileBinding BindingForNewName(const wchar_t* path);

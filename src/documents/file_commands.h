@@ -1,5 +1,5 @@
-// The document operations of the File menu and of everyone who opens or saves. Those with a tab index return 0 at
-// once for an index out of range. UI thread only.
+// Opening, saving, reloading and closing documents, and the "go to line" dialog. Functions that return int return 1
+// when all was done, else 0; those that take a tab index return 0 for an index out of range. UI thread only.
 #pragma once
 
 #include "documents/row_rules.h"
@@ -8,26 +8,29 @@
 
 #include <cstddef>
 
-int FileNew();                      // 1, or 0 when no tab could be added
-int FileOpen(const wchar_t* path);  // null: the dialog. 1 when the file is shown in a tab, new or existing
-// Shows a file for a purpose - a stop, an error, a session - and opens it when it is not open. The active compiler, the
-// recent files and the last folder stay as the user left them. 1 when it is shown; `quiet`: no box when it is not.
+int FileNew();                      // 0 when no document could be added
+int FileOpen(const wchar_t* path);  // null: asks with the open dialog; shows a file that is open already
+// Shows a file on behalf of another command (a debugger stop, an error line, a session), and opens it when it is not
+// open. Leaves the active compiler, the recent files and the last folder as they are. `quiet`: a failure shows no
+// message box.
 int FileShow(const wchar_t* path, bool quiet);
 int FileSave(int tab);
 int FileSaveAs(int tab);
-int FileSaveAll();  // 1 when every modified document was saved
-int FileReload(int tab);
-int FileClose(int tab);  // 0 when the user cancelled or the save failed
-// The question of FileClose alone: 1 when the document may go (unmodified, saved, or given up), 0 otherwise.
+int FileSaveAll();        // 0 when a modified document was not saved
+int FileReload(int tab);  // asks before unsaved changes are lost
+int FileClose(int tab);   // 0 when the user cancelled or the save failed
+// Asks as FileClose does, but does not close: 1 when the document is unmodified or saved, or the user does not want its
+// changes.
 int FileConfirmClose(int tab);
-// Closes several documents, each as FileClose does, until one is refused: 0. `kept` is shown at the end unless one was
-// refused; 0 with CloseRange::All.
+// Closes several documents, each as FileClose does. Stops and returns 0 when one of them stays open. Otherwise shows
+// `kept` at the end. With CloseRange::All `kept` is 0.
 int FileCloseDocuments(CloseRange range, DocumentId kept);
 int FileCloseAll();
 
-// The folder that the open dialog starts in. 1 when one was produced.
+// The folder in which the open dialog starts. 0 when there is none.
 int FileOpenResolveInitialDirectory(wchar_t* out, std::size_t capacity);
 
+// Puts a file first in the recent-file list and saves the settings.
 void MruAddFile(const wchar_t* path);
 bool DirectoryExists(const wchar_t* path);
 

@@ -1,4 +1,5 @@
-// New, open, reload and close of documents, and the recent-file list. Saving is in file_save_win.cpp. UI thread.
+// Creates, opens, reloads and closes documents, and adds to the recent-file list. Saving is in file_save_win.cpp. UI
+// thread.
 #include "documents/file_commands.h"
 
 #include "base/events.h"
@@ -23,8 +24,7 @@
 
 namespace {
 
-// The path as the rest of the program uses it: absolute, backslashes. False, after telling the user if that is wanted,
-// when it does not fit.
+// Makes the path absolute, with backslashes. False when it does not fit; then a message box says so unless `quiet`.
 bool ResolveInputPath(const wchar_t* input, wchar_t* out, std::size_t capacity, bool quiet) {
     if (PathNormalizeInput(input, out, capacity)) return true;
     AppLogMsg(L"FAIL: FileOpen path does not fit: %s", input);
@@ -34,13 +34,13 @@ bool ResolveInputPath(const wchar_t* input, wchar_t* out, std::size_t capacity, 
     return false;
 }
 
-// The compiler that the file's name asks for becomes the active one.
+// Makes the compiler for the file's extension the active one.
 void SelectCompilerFor(const wchar_t* path) {
     const auto compiler = static_cast<std::int32_t>(CompilerDefaultForFile(path));
     SettingsChange([compiler](Settings& settings) { settings.activeCompiler = compiler; });
 }
 
-// Caret and scroll position of an editor, to be put back after its text was replaced.
+// Caret (byte position) and first visible line of an editor, kept while its text is replaced.
 struct ViewPosition {
     LRESULT caret;
     LRESULT firstLine;
@@ -56,7 +56,7 @@ void RestoreView(HWND editor, const ViewPosition& view) {
     SciSend(editor, SCI_SETFIRSTVISIBLELINE, static_cast<WPARAM>(view.firstLine));
 }
 
-// A self-test run keeps nothing.
+// A self-test run saves nothing.
 Answer AskSaveChanges(const wchar_t* label) {
     return AskUser({.caption = L"Unsaved Changes",
                     .text = SaveQuestion(label).c_str(),
@@ -65,7 +65,7 @@ Answer AskSaveChanges(const wchar_t* label) {
                     .inSelftest = Answer::No});
 }
 
-// Reloading cannot be undone, so edits are not given up without a word.
+// Asks before unsaved changes are lost, because a reload cannot be undone.
 bool MayDiscardChanges(const DocumentTab& document) {
     if (!document.modified) return true;
     return AskUser({.caption = L"Unsaved Changes",
@@ -75,8 +75,8 @@ bool MayDiscardChanges(const DocumentTab& document) {
                     .inSelftest = Answer::Yes}) == Answer::Yes;
 }
 
-// The editor found no memory for the whole text. The document is unbound from its file, so that no save, the auto-save
-// timer's least of all, cuts the file as well.
+// For an editor that had no memory for the whole text. Removes the document's file name, so that no later save (the
+// auto-save timer's, for example) cuts the file too.
 void KeepFileFromCutText(int tab) {
     DocumentTab& document = TabAt(tab);
     const std::wstring path{document.path};
@@ -89,7 +89,7 @@ void KeepFileFromCutText(int tab) {
 
 enum class Opened { Failed, WasOpen, New };
 
-// Shows the document of an absolute path, which is opened when it is not.
+// Shows the document of the file at an absolute path, and opens it when it is not open.
 Opened ShowDocument(const wchar_t* file, bool quiet) {
     const int existing = TabBarFindPath(file);
     if (existing >= 0) {
@@ -158,7 +158,7 @@ int FileReload(int tab) {
     if (!IsTabIndex(tab) || !TabAt(tab).hasFile) return 0;
     const DocumentId id = TabAt(tab).id;
     const bool mayDiscard = MayDiscardChanges(TabAt(tab));
-    tab = TabBarFindDocument(id);  // other work ran while the box was up
+    tab = TabBarFindDocument(id);  // messages were handled while the box was open
     if (!mayDiscard || tab < 0 || !TabAt(tab).hasFile) return 0;
     DocumentTab& document = TabAt(tab);
     std::size_t length = 0;
@@ -192,7 +192,7 @@ int FileConfirmClose(int tab) {
     const DocumentId document = TabAt(tab).id;
     const Answer answer = AskSaveChanges(TabAt(tab).label);
     AppLogMsg(L"DBG FileClose: prompt answered tab=%d result=%d count=%d", tab, static_cast<int>(answer), TabCount());
-    tab = TabBarFindDocument(document);  // timers and posted messages ran while the box was up
+    tab = TabBarFindDocument(document);  // timers and posted messages ran while the box was open
     if (tab < 0 || answer == Answer::Cancel) return 0;
     return answer == Answer::Yes ? FileSave(tab) : 1;
 }
@@ -201,7 +201,7 @@ int FileClose(int tab) {
     if (!IsTabIndex(tab)) return 0;
     const DocumentId document = TabAt(tab).id;
     if (FileConfirmClose(tab) == 0 || TabBarRemove(TabBarFindDocument(document)) == 0) {
-        g_documents.returnTo = 0;  // the user keeps it, so it was not selected only to go back from it
+        g_documents.returnTo = 0;  // it stays open, so nothing is to be shown in its place
         return 0;
     }
     return 1;
@@ -210,8 +210,8 @@ int FileClose(int tab) {
 int FileCloseDocuments(CloseRange range, DocumentId kept) {
     for (const DocumentId document : DocumentsToClose(DocumentRowEntries(), range, kept)) {
         const int tab = TabBarFindDocument(document);
-        if (tab < 0) continue;                       // closed by someone else while a question was up
-        if (TabAt(tab).modified) TabBarSelect(tab);  // the user sees what the question is about
+        if (tab < 0) continue;                       // was closed while a question was open
+        if (TabAt(tab).modified) TabBarSelect(tab);  // shows what the question is about
         if (FileClose(tab) == 0) return 0;
     }
     TabBarActivate(TabBarFindDocument(kept));

@@ -1,12 +1,12 @@
-// What the file dialogs are given. Pure.
+// The texts for the file dialogs: the file types and the suggested names. Pure.
 #pragma once
 
 #include <array>
 #include <string>
 
-// The dialogs' own form of the table of file types: texts separated and ended by NULs.
+// The table of file types in the form of OPENFILENAMEW::lpstrFilter: each text ends with a NUL, the list with one more.
 std::wstring FileDialogFilter();
 
-// The names to suggest, one after the other while the dialog refuses them as odd or too long: the path, the file's name
-// alone, nothing.
+// The names to suggest, in order: the path, the file name alone, an empty name. The next one is for a dialog that
+// refuses the one before it (FNERR_INVALIDFILENAME).
 std::array<std::wstring, 3> FileDialogNames(const std::wstring& path);

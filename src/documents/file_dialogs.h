@@ -1,9 +1,10 @@
-// The system's open and save dialogs over this program's source types. UI thread only.
+// The system's open and save dialogs with this program's file types. UI thread only.
 #pragma once
 
 #include <cstddef>
 
-// `path`: in the suggested name (empty: none), out the chosen one. False when the user cancelled; a failure of the
-// dialog itself, a path too long for the buffer among them, is reported to the user and is false too.
+// `path` holds the suggested name (empty: none) and gets the chosen one. `capacity` is in characters. `directory` is
+// where the dialog starts. False when the user cancelled, and when the dialog failed (the path is too long for the
+// buffer, for example); a failure is shown to the user.
 bool AskOpenPath(wchar_t* path, std::size_t capacity, const wchar_t* directory);
 bool AskSavePath(wchar_t* path, std::size_t capacity, const wchar_t* directory);

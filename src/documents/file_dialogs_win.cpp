@@ -24,7 +24,7 @@ bool RunFileDialog(BOOL(WINAPI* dialog)(LPOPENFILENAMEW), OPENFILENAMEW request)
     request.lpstrFilter = filter.c_str();
     request.nFilterIndex = 1;
     const std::wstring path{request.lpstrFile};
-    DWORD error = 0;  // stays 0 when the user cancelled
+    DWORD error = 0;  // 0 when the user cancelled
     for (const std::wstring& name : FileDialogNames(path)) {
         SafeCopyW(request.lpstrFile, request.nMaxFile, name);
         OPENFILENAMEW attempt = request;

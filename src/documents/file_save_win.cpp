@@ -1,5 +1,5 @@
-// Saving of documents: under their own name, under a new one, all of them. The decisions are in save_rules and row_rules.
-// UI thread.
+// Saves one document under its own name or a new one, or all of them. The decisions are in save_rules and row_rules. UI
+// thread.
 #include "documents/file_commands.h"
 
 #include "base/events.h"
@@ -26,8 +26,8 @@ namespace {
 
 bool g_saving = false;
 
-// One save at a time. A save may put up a box, whose message loop runs the auto-save timer: without this guard each
-// tick would put another box on top.
+// Allows one save at a time. A save may show a message box, whose message loop runs the auto-save timer; without this
+// guard each tick would show another box.
 class SaveGuard {
 public:
     SaveGuard() : entered_(!g_saving) { g_saving = true; }
@@ -46,7 +46,7 @@ void BackUp(const wchar_t* path) {
     if (!SaveMakesBackup(g_settings.backupOnSave != 0, FileExists(path), RecoveryHasKept(path))) return;
     const std::wstring backup = std::wstring{path} + L".bak";
     if (CopyFileW(PathExtended(path).c_str(), PathExtended(backup).c_str(), FALSE) == FALSE) {
-        // The save goes on: the user's text matters more than the copy of the old one.
+        // The save goes on, because the new text matters more than the copy of the old one.
         AppLogMsg(L"FAIL: FileSave backup error=%lu path=%s", GetLastError(), backup.c_str());
     }
 }
@@ -60,7 +60,7 @@ Answer AskAboutAnsi(const wchar_t* label) {
 }
 
 struct EditorText {
-    HeapBlock<char> bytes;  // null: no memory
+    HeapBlock<char> bytes;  // null: the document is gone, or there was no memory
     std::size_t length = 0;
 
     std::string_view View() const { return {bytes.get(), length}; }
@@ -84,8 +84,8 @@ void TellFailedSave(const wchar_t* path) {
     ErrorMessage(L"Failed to save file: %s", path);
 }
 
-// Writes the document to the file of `binding`, and binds it to that file once it is written: a failed save under a new
-// name leaves the document to its old one, so that the next save takes no unfinished file for its own.
+// Writes the document to the file of `binding`, then binds the document to that file. When the save fails, the document
+// keeps its old binding, so that the next save does not take an unfinished file for its own. Returns 1 or 0.
 int SaveAsBound(DocumentId document, FileBinding binding) {
     BackUp(binding.path);
     EditorText text = TakeText(document);
@@ -96,7 +96,7 @@ int SaveAsBound(DocumentId document, FileBinding binding) {
             asked = true;
             return AskAboutAnsi(binding.label);
         });
-    // Other work ran while the box was up: the document may be gone, or its text another.
+    // Messages were handled while the box was open: the document may be gone or changed.
     if (asked) text = TakeText(document);
     if (!encoding || !text.bytes) return 0;
     binding.encoding = *encoding;
@@ -115,7 +115,7 @@ int SaveAsBound(DocumentId document, FileBinding binding) {
     return 1;
 }
 
-// Asks for the new name. False when the user cancelled or the file is open as another document.
+// Asks for the new name. False when the user cancelled, the path does not fit, or another document has that file.
 bool AskNewPath(DocumentId document, wchar_t* out, std::size_t capacity) {
     wchar_t chosen[kPathCapacity];
     SafeCopyW(chosen, TabAt(TabBarFindDocument(document)).path);
@@ -138,7 +138,7 @@ int SaveUnderNewName(DocumentId document) {
     const int tab = TabBarFindDocument(document);
     TabBarUpdateLineEnding(tab);
     const DocumentTab& saved = TabAt(tab);
-    SyntaxThemeApply(saved.editor, saved.compilerId, saved.path);  // the extension may mean another language
+    SyntaxThemeApply(saved.editor, saved.compilerId, saved.path);  // because the extension may mean another language
     return 1;
 }
 
@@ -158,13 +158,14 @@ int FileSaveAs(int tab) {
 }
 
 int FileSaveAll() {
-    // Every file is tried; the dialogs for untitled documents end at the first one that is not answered with a name.
+    // Each document with a file is tried, even after a failure. Untitled documents follow until one of them is not
+    // saved.
     bool files = true;
     for (const DocumentId document : DocumentsToSave(DocumentRowEntries(), true))
         files = FileSave(TabBarFindDocument(document)) != 0 && files;
     for (const DocumentId document : DocumentsToSave(DocumentRowEntries(), false)) {
         const int tab = TabBarFindDocument(document);
-        TabBarSelect(tab);  // the user sees which document wants a name
+        TabBarSelect(tab);  // shows which document needs a name
         if (FileSave(tab) == 0) return 0;
     }
     return files ? 1 : 0;

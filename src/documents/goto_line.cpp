@@ -1,4 +1,4 @@
-// What the "go to line" dialog makes of its fields. Pure.
+// Turns the fields of the "go to line" dialog into a position. Pure.
 #include "documents/goto_line.h"
 
 #include "base/decimal.h"

@@ -1,14 +1,15 @@
-// What the "go to line" dialog makes of its fields. Pure.
+// Turns the fields of the "go to line" dialog into a position. Pure.
 #pragma once
 
 #include <cstddef>
 #include <string_view>
 
-// What is in a field: leading white space, a sign, decimal digits; 0 when there are none.
+// The number in a field: leading white space, a sign, decimal digits. 0 when there are no digits.
 int GotoNumber(std::wstring_view field);
 
-// The 0-based line to go to for a line that counts from 1, kept within the document's `lineCount`; -1: nowhere.
+// The 0-based line for `line`, which counts from 1. The last line when `line` is above `lineCount`; -1 when it is below
+// 1.
 std::ptrdiff_t GotoLineIndex(int line, std::ptrdiff_t lineCount);
 
-// The byte position: the column is an offset in bytes from the line's start, kept on the line.
+// The byte position of a column of the line. `column` is in bytes from 0; one outside the line gives its nearest end.
 std::ptrdiff_t GotoLinePosition(std::ptrdiff_t lineStart, std::ptrdiff_t lineEnd, std::ptrdiff_t column);

@@ -15,7 +15,7 @@
 namespace {
 
 struct GotoTarget {
-    DocumentId document = 0;  // the one that the dialog was opened for
+    DocumentId document = 0;  // the active one when the dialog was opened
     int line = 0;             // counts from 1
     int column = 0;           // bytes, counts from 0
 };
@@ -35,7 +35,7 @@ int ReadGotoNumber(HWND dialog, int control) {
     return GotoNumber(text);
 }
 
-// The line counts from 1 and the column from 0, as the fields are read back.
+// Fills the fields with the caret's place. The line counts from 1 and the column from 0.
 void FillGotoDialog(HWND dialog) {
     const LRESULT caret = SciSend(g_documents.hEditor, SCI_GETCURRENTPOS);
     SetGotoNumber(dialog, IDC_GOTO_LINE,
@@ -51,7 +51,7 @@ void FillGotoDialog(HWND dialog) {
 }
 
 void GoToTarget(const GotoTarget& target) {
-    const int tab = TabBarFindDocument(target.document);  // messages were handled while the dialog was up
+    const int tab = TabBarFindDocument(target.document);  // messages were handled while the dialog was open
     if (tab < 0) return;
     const HWND editor = TabAt(tab).editor;
     const std::ptrdiff_t line = GotoLineIndex(target.line, SciSend(editor, SCI_GETLINECOUNT));
@@ -62,8 +62,8 @@ void GoToTarget(const GotoTarget& target) {
     FocusCurrentEditor();
 }
 
-// Reads the fields into the dialog's GotoTarget: the caret moves once the dialog is gone, because a window whose owner
-// is disabled cannot take the focus.
+// Reads the fields into the dialog's GotoTarget. The caret moves only after the dialog is closed, because the main
+// window is disabled until then and the editor cannot take the focus.
 void AcceptGoto(HWND dialog) {
     auto* target = reinterpret_cast<GotoTarget*>(GetWindowLongPtrW(dialog, DWLP_USER));
     target->line = ReadGotoNumber(dialog, IDC_GOTO_LINE);

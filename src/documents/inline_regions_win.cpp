@@ -1,5 +1,5 @@
-// Gives inline assembly its own colour, over whatever the BASIC lexer made of it, for the visible lines just before they are
-// painted. UI thread.
+// Gives inline assembly its own text colour, which replaces the colours of the BASIC lexer. Done for the visible lines
+// just before they are painted. UI thread.
 #include "documents/pane_state.h"
 
 #include "documents/pane_rules.h"
@@ -16,8 +16,8 @@
 namespace {
 
 constexpr int kIndicator = INDICATOR_CONTAINER;
-constexpr LRESULT kLookBack = 200;           // lines above the view in which a block may have begun
-constexpr LRESULT kLongestText = 256 << 10;  // a view of longer lines than these is no assembly
+constexpr LRESULT kLookBack = 200;           // lines above the view that are searched for the start of a block
+constexpr LRESULT kLongestText = 256 << 10;  // bytes; longer lines are no assembly and keep their colours
 
 }  // namespace
 
@@ -47,7 +47,7 @@ void EditorPaneMarkInlineRegions(HWND editor) {
         PaneSend(editor, SCI_INDICSETFORE, kIndicator, static_cast<LRESULT>(colour));
     if (PaneSend(editor, SCI_GETINDICATORCURRENT) != kIndicator) PaneSend(editor, SCI_SETINDICATORCURRENT, kIndicator);
 
-    // Scintilla repaints only what these change, so that a second paint finds nothing to do.
+    // Scintilla repaints only what these messages change, so the next paint changes nothing.
     for (const MarkedRun& run : MarkedRuns(ranges, start, {viewStart, end}))
         PaneSend(editor, run.on ? SCI_INDICATORFILLRANGE : SCI_INDICATORCLEARRANGE, run.span.start,
                  run.span.end - run.span.start);

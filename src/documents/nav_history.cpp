@@ -1,4 +1,4 @@
-// Rules of the navigation history: what is recorded and where a step leads. Knows no window and no document. Pure.
+// Rules of the navigation history: which places are recorded and where a step leads. Pure.
 #include "documents/nav_history.h"
 
 #include "documents/row_rules.h"
@@ -7,7 +7,7 @@
 
 namespace {
 
-// Slot 0 names the first tab whichever it is, so it does not follow a document.
+// Slot 0 always means the first tab, so it does not follow a document.
 template <typename Follow>
 void FollowTabs(NavHistory& history, Follow follow) {
     for (std::int32_t slot = 1; slot < history.navCount; ++slot) history.navTab[slot] = follow(history.navTab[slot]);

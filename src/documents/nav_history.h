@@ -1,34 +1,33 @@
-// Back and forward through places visited, across tabs: the record and its rules. Pure.
+// The navigation history: visited places in all tabs, with steps back and forward. Pure.
 #pragma once
 
 #include <cstdint>
 
 inline constexpr int kNavCapacity = 64;
 
-// An add never writes slot 0: the first place lands in slot 1, and going back from it leads to slot 0, the start of the
-// first tab.
+// Slot 0 is the start of the first tab and is never written. The first recorded place goes to slot 1.
 struct NavHistory {
     std::int32_t navPos[kNavCapacity] = {};  // document position, bytes
     std::int32_t navTab[kNavCapacity] = {};  // tab index, -1: the tab is gone
     std::int32_t navIndex = 0;               // slot of the current place
-    std::int32_t navCount = 0;               // end mark: one past the last slot in use
-    std::int32_t navLastLine = -1;           // last place recorded by NavHistoryMaybeAdd
+    std::int32_t navCount = 0;               // one past the last slot in use
+    std::int32_t navLastLine = -1;           // 0-based line and tab of the last place recorded or stepped to
     std::int32_t navLastTab = -1;
 };
 
-// Places closer than this many lines to the last recorded one, in the same tab, are not worth a step back.
+// A place in the same tab that is fewer lines away from the last one than this is not recorded.
 inline constexpr std::int32_t kNavMinimumJump = 6;
 
-// Records a place after the current one and drops what was ahead of it. A full history takes nothing more.
+// Records a place after the current one and drops the places that were ahead of it. A full history records nothing.
 void NavRecord(NavHistory& history, std::int32_t position, std::int32_t tab);
 
-// Whether the caret at `line` of `tab` is worth recording; remembers it as the last recorded place when it is.
+// Whether the caret at `line` (0-based) of `tab` is to be recorded. When it is, makes it the last recorded place.
 bool NavShouldRecord(NavHistory& history, std::int32_t line, std::int32_t tab);
 
-// Steps one place back or forward. False at the end of the history; else `navIndex` is the slot to go to.
+// Steps one place back or forward; then `navIndex` is the slot to go to. False at the end of the history.
 bool NavStepBack(NavHistory& history);
 bool NavStepForward(NavHistory& history);
 
-// The row of tabs has changed: recorded places stay with their documents, and those of a removed one lead nowhere.
+// Called after the row of tabs has changed. Recorded places follow their documents; those of a removed tab get tab -1.
 void NavTabRemoved(NavHistory& history, std::int32_t tab);
 void NavTabMoved(NavHistory& history, std::int32_t from, std::int32_t to);

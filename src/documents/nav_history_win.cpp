@@ -7,19 +7,19 @@
 
 namespace {
 
-// Shows the place in the current slot. For a tab that is gone nothing is shown, and the step counts all the same.
+// Shows the place in the current slot. When its tab is gone, nothing is shown but the step is still taken.
 void NavHistoryGoToCurrent() {
     NavHistory& history = g_documents.navigation;
     const int tab = history.navTab[history.navIndex];
     const int position = history.navPos[history.navIndex];
     if (!IsTabIndex(tab)) return;
     const HWND editor = TabAt(tab).editor;
-    // The step is no visit of its own: recording it would cut off the way forward.
+    // The place counts as recorded, because recording it again would drop the places ahead.
     const WPARAM target = static_cast<WPARAM>(position);
     history.navLastTab = tab;
     history.navLastLine = static_cast<std::int32_t>(SciSend(editor, SCI_LINEFROMPOSITION, target, 0));
-    // The caret moves while the editor is still hidden, so that the switch shows the place at once, and again afterwards,
-    // because only a visible editor scrolls to it.
+    // The caret moves before the editor is shown, so that the editor comes up at the place. It moves again afterwards,
+    // because only a visible editor scrolls to the caret.
     SciSend(editor, SCI_GOTOPOS, target, 0);
     TabBarActivate(tab);
     SciSend(editor, SCI_GOTOPOS, target, 0);

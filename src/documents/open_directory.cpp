@@ -1,4 +1,4 @@
-// Which folder the open dialog starts in. Pure.
+// Chooses the folder in which the open dialog starts. Pure.
 #include "documents/open_directory.h"
 
 #include "base/bounded_text.h"

@@ -1,4 +1,4 @@
-// Which folder the open dialog starts in. Pure.
+// Chooses the folder in which the open dialog starts. Pure.
 #pragma once
 
 #include <cstddef>
@@ -11,6 +11,6 @@ struct OpenDirectoryInputs {
 
 using DirectoryProbe = bool (*)(const wchar_t* path);  // does this folder exist?
 
-// The active file's folder, else the last one used, else the first examples folder that exists beside the executable,
-// else the executable's folder. False when none of them gives a folder.
+// Writes the first of these into `out` (`capacity` characters): the active file's folder, the last folder used, the
+// first examples folder that exists beside the executable, the executable's folder. False when all of them are empty.
 bool ResolveOpenDirectory(const OpenDirectoryInputs& inputs, DirectoryProbe exists, wchar_t* out, std::size_t capacity);

@@ -12,8 +12,8 @@ namespace {
 constexpr double kSliceSeconds = 0.003;
 constexpr std::size_t kSmallestChunk = 4 << 10;
 constexpr std::size_t kLargestChunk = 1 << 20;
-constexpr std::ptrdiff_t kNearEnough = 32 << 10;  // an uncoloured stretch above the view that a paint can just colour
-constexpr std::ptrdiff_t kBraceReach = 16 << 10;  // bytes each way
+constexpr std::ptrdiff_t kNearEnough = 32 << 10;  // bytes above the view that one paint can colour too
+constexpr std::ptrdiff_t kBraceReach = 16 << 10;  // bytes searched before and after the bracket
 
 }  // namespace
 

@@ -1,4 +1,4 @@
-// Decisions of an editing pane: how wide, how much, what is coloured when. Positions are bytes. Pure.
+// Decisions of an editing pane about memory, colouring, markers and typing. Positions are bytes. Pure.
 #pragma once
 
 #include "language/inline_regions.h"
@@ -12,10 +12,11 @@
 #include <vector>
 
 // --- Text
-// Room to allocate beyond a text of that many bytes, so that the first typed characters do not make Scintilla move all of
-// it to a larger block.
+// Bytes to allocate in addition to a text of `length` bytes, so that the first typed characters do not make Scintilla
+// move the text to a larger block.
 std::size_t RoomBeyondText(std::size_t length);
 
+// Number of decimal digits; 1 for a number below 10.
 int DecimalDigits(std::ptrdiff_t number);
 
 // --- Colours
@@ -25,26 +26,26 @@ struct PaneSpan {
     bool operator==(const PaneSpan&) const = default;
 };
 
-// How much the next idle slice of colouring takes on, in bytes, after one of `chunk` bytes (0: the first) took `seconds`.
-// A slice is meant to take 3 ms: a key that arrives meanwhile waits no longer.
+// The bytes that the next idle slice colours, when the last one coloured `chunk` bytes (0: there was none) in
+// `seconds`. A slice should take 3 ms, because a key that arrives during a slice waits until its end.
 std::size_t NextColourChunk(std::size_t chunk, double seconds);
 inline constexpr std::size_t kFirstColourChunk = 32 << 10;
 
-// Where a slice ends that begins at `from` and should end at `wanted`: at the start of the line of `wanted`, unless that
-// is no progress or the document ends there.
+// End of the slice that begins at `from` and should end at `wanted`: `lineStart`, the start of the line of `wanted`. It
+// is `wanted` itself when `lineStart` is not after `from` or when `wanted` is the end of the document.
 std::ptrdiff_t ColourSliceEnd(std::ptrdiff_t from, std::ptrdiff_t wanted, std::ptrdiff_t lineStart,
                               std::ptrdiff_t length);
 
-// What a paint needs when everything before `coloured` has its colours.
+// What must be coloured before a paint, when everything before `coloured` already is.
 enum class PaintColours : std::uint8_t {
-    Ready,        // nothing: all that is visible is coloured
-    FromMark,     // the paint colours from the mark on: the stretch above the view is short
-    VisibleOnly,  // the visible part is coloured first, and the stretch above it is left for later
+    Ready,        // nothing: all visible text is coloured
+    FromMark,     // all text from `coloured` on: the part above the view is short
+    VisibleOnly,  // the visible part now, the part above it later
 };
 PaintColours ColoursForPaint(std::ptrdiff_t coloured, PaneSpan visible);
 
-// Runs of the view that are to be marked as inline assembly or to lose that mark, in order, together the whole view.
-// `ranges` counts from `origin`.
+// The view as runs, in order, each with `on` for inline assembly. `ranges` are the ranges of inline assembly, with
+// starts relative to `origin`.
 struct MarkedRun {
     PaneSpan span;
     bool on;
@@ -52,13 +53,15 @@ struct MarkedRun {
 };
 std::vector<MarkedRun> MarkedRuns(std::span<const TextRange> ranges, std::ptrdiff_t origin, PaneSpan view);
 
-// A disc of `radius` pixels with a ring around it, as RGBA in a square of `size` pixels; colours are 0xRRGGBB.
+// A disc of `radius` pixels with a ring of `ring` pixels around it, in a square of `size` pixels. Returns 4 bytes
+// (RGBA) for each pixel. Colours are 0xRRGGBB.
 std::vector<std::uint8_t> MarkerDot(int size, double radius, double ring, std::uint32_t discColour,
                                     std::uint32_t ringColour);
 
 // --- Typing
-// The same word in capitals when it is a BASIC keyword that is not written so already.
+// The word in capitals when it is a BASIC keyword that is not in capitals already.
 std::optional<std::string> KeywordInCapitals(std::string_view word);
 
-// The part of a document of that length in which the partner of a bracket is looked for: further than anyone can see.
+// The part of a document of `length` bytes in which the partner of the bracket at `brace` is searched; more than a
+// screen shows.
 PaneSpan BraceReach(std::ptrdiff_t brace, std::ptrdiff_t length);

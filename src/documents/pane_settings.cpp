@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr int kDwellTime = 500;  // ms that the mouse rests before a tip comes
+constexpr int kDwellTime = 500;  // ms without mouse movement before SCN_DWELLSTART
 constexpr int kEdgeColumn = 80;
 constexpr std::intptr_t kEdgeColour = 0x808080;
 constexpr int kVirtualSpace = 7;  // rectangular selection, user accessible, no wrap at the line start
@@ -17,12 +17,12 @@ void Append(PaneSettings& out, const PaneSettings& more) { out.insert(out.end(),
 const EditorMessages& PaneSetUpMessages() {
     static const EditorMessages kMessages = {
         {SCI_SETCODEPAGE, SC_CP_UTF8},
-        // Only what the main window acts on is reported: a notification for each restyled or folded line would cost
-        // more than the styling.
+        // Only changes that the main window handles are reported, because a notification for each restyled or folded
+        // line would take longer than the styling.
         {SCI_SETMODEVENTMASK, SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT},
         {SCI_SETCOMMANDEVENTS, 0},
         {SCI_SETLAYOUTCACHE, SC_CACHE_PAGE},
-        // The pane colours what a paint needs before the paint, and the rest by a timer in small slices.
+        // The pane itself colours visible text before a paint, and the rest by a timer in small slices.
         {SCI_SETIDLESTYLING, SC_IDLESTYLING_NONE},
         {SCI_SETSCROLLWIDTH, 1},
         {SCI_SETSCROLLWIDTHTRACKING, 1},
@@ -50,7 +50,7 @@ PaneSettings VirtualSpaceSettings(bool on) {
 
 PaneSettings PaneSettingsOf(const Settings& settings) {
     PaneSettings out;
-    // The setting has no lower limit; Scintilla has.
+    // The setting may be 0 or less, which Scintilla does not take as a tab width.
     if (settings.tabWidth > 0) {
         out.push_back({SCI_GETTABWIDTH, SCI_SETTABWIDTH, settings.tabWidth});
         out.push_back({SCI_GETINDENT, SCI_SETINDENT, settings.tabWidth});
@@ -58,7 +58,7 @@ PaneSettings PaneSettingsOf(const Settings& settings) {
     out.push_back({SCI_GETUSETABS, SCI_SETUSETABS, settings.useTabs != 0});
     out.push_back({SCI_GETZOOM, SCI_SETZOOM, settings.editorZoom});
     out.push_back({SCI_GETEDGECOLUMN, SCI_SETEDGECOLUMN, settings.edgeColumn});
-    // Overrides the column just set: the line stands at column 80 or not at all.
+    // Replaces the column just set: the line is at column 80 or absent.
     Append(out, EdgeLineSettings(settings.showEdgeLine != 0));
     Append(out, VirtualSpaceSettings(settings.enableVirtualSpace != 0));
     out.push_back({SCI_GETWRAPMODE, SCI_SETWRAPMODE, settings.wordWrap != 0 ? SC_WRAP_WORD : SC_WRAP_NONE});

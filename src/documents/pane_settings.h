@@ -1,4 +1,4 @@
-// What an editing pane is told at its creation and by the [Editor] settings. Pure.
+// The messages for an editing pane at its creation, and for the [Editor] settings. Pure.
 #pragma once
 
 #include "documents/editor_message.h"
@@ -6,10 +6,11 @@
 
 #include <vector>
 
-// Input and display rules that depend on no setting; once, at creation.
+// What depends on no setting: input, notifications, display. Sent once, at creation.
 const EditorMessages& PaneSetUpMessages();
 
-// A value to set where the editor has another one: most setters make Scintilla lay out and wrap the whole document again.
+// A value with the messages that get and set it. It is set only when the editor has another value, because most setters
+// make Scintilla lay out and wrap the whole document again.
 struct PaneSetting {
     unsigned get;
     unsigned set;
@@ -18,11 +19,11 @@ struct PaneSetting {
 };
 using PaneSettings = std::vector<PaneSetting>;
 
-PaneSettings EdgeLineSettings(bool on);      // at column 80, or none
-PaneSettings VirtualSpaceSettings(bool on);  // the caret may stand beyond the end of a line
+PaneSettings EdgeLineSettings(bool on);      // at column 80, or no line
+PaneSettings VirtualSpaceSettings(bool on);  // lets the caret go beyond the end of a line
 
-// Tabs, zoom, edge line, virtual space, wrap, white space, guides. In the order in which they are set.
+// Tabs, zoom, edge line, virtual space, wrap, white space and indentation guides, in the order in which they are set.
 PaneSettings PaneSettingsOf(const Settings& settings);
 
-// A block caret that does not blink, in that colour (0xBBGGRR), on a line that is marked.
+// A block caret of that colour (0xBBGGRR) that does not blink, on a highlighted line.
 PaneSettings CaretSettings(std::uint32_t colour);

@@ -1,4 +1,4 @@
-// What is remembered of one Scintilla pane, and the functions that its files share. Private to this folder. UI thread.
+// The state of one Scintilla pane, and the functions that the pane's files share. Private to this folder. UI thread.
 #pragma once
 
 #include "documents/sticky_header.h"
@@ -8,59 +8,63 @@
 
 #include <cstddef>
 
-// What the width of the line-number margin depends on.
+// The values on which the width of the line-number margin depends.
 struct LineMarginBasis {
     int digits = 0;
     int zoom = 0;
     int fontSize = 0;
-    std::size_t font = 0;  // hash of its name
+    std::size_t font = 0;  // hash of the font's name
     bool operator==(const LineMarginBasis&) const = default;
 };
 
 struct PaneState {
-    bool emptyPaint = false;  // a paint of an empty area is under way: it needs no preparations
-    bool bracesShown = false;
-    bool inlineShown = false;     // some of the document is marked as inline assembly
-    StickyCache sticky;           // what is known about procedure lines above the caret
-    LineMarginBasis lineMargin;   // what the line-number margin was last measured for
-    LRESULT coloured = 0;         // everything before this position has its colours
-    bool colouring = false;       // the idle timer runs
-    std::size_t colourChunk = 0;  // bytes that one idle slice of colouring takes on
+    bool emptyPaint = false;      // a paint of an empty area runs, which needs no preparation
+    bool bracesShown = false;     // a bracket and its partner are marked
+    bool inlineShown = false;     // some text is marked as inline assembly
+    StickyCache sticky;           // knowledge about the procedure lines above the caret
+    LineMarginBasis lineMargin;   // the values for which the margin was last measured
+    LRESULT coloured = 0;         // everything before this position (bytes) is coloured
+    bool colouring = false;       // the timer for idle colouring runs
+    std::size_t colourChunk = 0;  // bytes that one idle slice colours
 };
 
-// Null for a window that is no Scintilla pane of ours (the Rich Edit fallback).
+// The state of a pane; null for a window that is no Scintilla pane (the Rich Edit fallback). The pane owns it.
 PaneState* PaneStateOf(HWND editor);
 
-// SciSend with a signed wParam: positions and lines are signed.
+// SciSend with a signed wParam, because positions and lines are signed.
 inline LRESULT PaneSend(HWND editor, UINT message, LRESULT wParam = 0, LRESULT lParam = 0) {
     return SciSend(editor, message, static_cast<WPARAM>(wParam), lParam);
 }
 
-// Colours, margins and input rules that do not depend on any setting; once, at creation.
+// Sends PaneSetUpMessages(). Called once, at creation.
 void EditorPaneSetUp(HWND editor);
 
-// Subclass of every pane: cursor, focus, mouse log, colouring before a paint.
+// Subclasses a new Scintilla pane and makes its state. False when the subclass could not be set.
 bool EditorPaneInstallSubclass(HWND editor);
 
-// The text from `position` on has changed: it is coloured again, in idle time what cannot be seen.
+// Called after the text from `position` (bytes) on has changed. That text is coloured again: what is visible before the
+// next paint, the rest in idle time.
 void EditorColourRestart(HWND editor, LRESULT position);
-// Around a paint: what is about to be visible gets its colours now, whatever lies uncoloured above it. When the first
-// returns true the paint does the colouring, and the second must follow it.
+// Called before and after a paint. The first colours the text that is about to be visible, also when text above it is
+// not coloured yet. When it returns true, the paint itself does the colouring, and EditorColourAfterPaint must be
+// called.
 bool EditorColourBeforePaint(HWND editor);
 void EditorColourAfterPaint(HWND editor);
+// Stops idle colouring, before the window is destroyed.
 void EditorColourStop(HWND editor);
 
-// Width of the line-number margin for the settings, the font and the number of lines.
+// Sets the width of the line-number margin by the settings, the font and the number of lines.
 void EditorPaneUpdateLineMargin(HWND editor);
-// The same when any of that has changed since; before every paint.
+// The same, but only when one of these has changed since the last time. Called before every paint.
 void EditorPaneCheckLineMargin(HWND editor);
 
-// A change of text that begins on `line`: what the sticky header must look at again.
+// Called after a change of the text that begins on `line` (0-based) and adds `linesAdded` lines (negative: removes).
+// The sticky header looks at the changed lines again.
 void StickyHeaderForget(HWND editor, int line, int linesAdded);
 
-// A line was just broken at the caret: the new one starts below the text above.
+// Called after a line break was typed at the caret. Gives the new line the indentation of the line above it.
 void EditorPaneAfterNewLine(HWND editor);
-// A BASIC keyword that ends at `position` goes to capitals, unless it stands in a string or a comment.
+// Puts the BASIC keyword that ends at `position` (bytes) into capitals, unless it is in a string or a comment.
 void EditorPaneUpperKeywordBefore(HWND editor, LRESULT position);
-// Shows inline assembly in the visible text in its own colour.
+// Gives inline assembly in the visible text its own colour.
 void EditorPaneMarkInlineRegions(HWND editor);

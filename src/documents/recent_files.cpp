@@ -1,4 +1,4 @@
-// The "most recent first" lists of the settings. Pure: knows neither what the texts are nor where they are kept.
+// The "most recent first" lists of the settings. Pure.
 #include "documents/recent_files.h"
 
 #include "base/bounded_text.h"
@@ -24,7 +24,7 @@ int RecentListAdd(wchar_t* rows, std::size_t rowCapacity, int capacity, int coun
     int place = 0;
     while (place < count && !IsSame(row(place), text, match)) ++place;
     const bool isNew = place == count;
-    // `text` may be one of the rows, so it is rotated to the front rather than read again after the move.
+    // `text` may point into one of the rows, so the row is rotated to the front and `text` is not read after that.
     const int last = isNew ? std::min(count, capacity - 1) : place;
     if (isNew)
         SafeCopyW(row(last), rowCapacity, text);

@@ -4,11 +4,11 @@
 #include <cstddef>
 #include <string_view>
 
-enum class RecentMatch { Exact, IgnoreCase };  // when two entries are the same one
+enum class RecentMatch { Exact, IgnoreCase };  // how two entries are compared
 
-// `rows` is `capacity` terminated texts of `rowCapacity` characters each, of which the first `count` are in use.
-// Puts `text` first: an entry that is already there moves, otherwise all move down and the one past the last place
-// is lost. Empty text, and text that a row cannot hold whole, is ignored. Returns the new count.
+// Puts `text` first. An equal entry moves to the front; otherwise all entries move down and a full list loses its last
+// one. `rows` has `capacity` rows of `rowCapacity` characters, each a terminated text; the first `count` are in use.
+// Ignores an empty text and one that does not fit a row. Returns the new count.
 int RecentListAdd(wchar_t* rows, std::size_t rowCapacity, int capacity, int count, std::wstring_view text,
                   RecentMatch match);
 

@@ -1,4 +1,4 @@
-// Arithmetic of the row of documents. Pure.
+// Index arithmetic of the row of documents. Pure.
 #include "documents/row_rules.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// Arithmetic of the row of documents: what becomes of an index when the row changes, and which documents a command on
-// several of them takes in which order. Pure.
+// Rules of the row of documents: the new value of an index after a change, and the order in which a command takes
+// several documents. Pure.
 #pragma once
 
 #include "base/events.h"
@@ -8,17 +8,18 @@
 #include <span>
 #include <vector>
 
-// Where index `index` is after the document `from` moved to `to`.
+// The new value of `index` after the document at `from` has moved to `to`.
 int TabIndexAfterMove(int index, int from, int to);
 
-// Where index `index` is once `removed` is gone; -1 for the removed one.
+// The new value of `index` after `removed` is gone; -1 for the removed document.
 int TabIndexAfterRemoval(int index, int removed);
 
-// The document to show once `removed` of `count` is gone, as an index into what is left: the active one stays; in its
-// own place `wanted` comes (an index before the removal, -1: none), else its neighbour. -1 when nothing is left.
+// The document to show after `removed` of `count` documents is gone, as an index after the removal; -1 when none is
+// left. An active document that is not removed stays shown. For a removed one, `wanted` is shown (an index before the
+// removal, -1: none), else its neighbour.
 int TabToShowAfterRemoval(int active, int removed, int count, int wanted);
 
-// What these rules know of a document.
+// The part of a document that these rules need.
 struct RowEntry {
     DocumentId id;
     bool modified;
@@ -27,9 +28,9 @@ struct RowEntry {
 
 enum class CloseRange : std::uint8_t { All, Others, Right };
 
-// The documents to close, from the right to the left. `kept` is the one that Others spares and that Right begins after;
-// nothing is closed when it is not in the row.
+// The documents to close, from right to left. Others: all except `kept`. Right: those to the right of `kept`. Both are
+// empty when `kept` is not in the row.
 std::vector<DocumentId> DocumentsToClose(std::span<const RowEntry> row, CloseRange range, DocumentId kept);
 
-// The modified documents with a file, or those without one, from the left to the right.
+// The modified documents with a file (`withFile`) or without one, from left to right.
 std::vector<DocumentId> DocumentsToSave(std::span<const RowEntry> row, bool withFile);

@@ -8,15 +8,15 @@
 #include <optional>
 #include <string>
 
-// Whether the old file is copied to its ".bak" first. After a failed save the file may be cut short; the backup made
-// before that save is then the good one and stays.
+// Whether the old file is copied to its ".bak" first. Not after a failed save: the file may then be cut, and the backup
+// from before that save must stay.
 bool SaveMakesBackup(bool wanted, bool fileExists, bool lastSaveFailed);
 
-// The encoding to save with, or nothing when the user would rather not save. Characters that the code page does not have
-// are never replaced unasked: `ask` is called for such a text, and only then.
+// The encoding to save with, or nothing when the user cancelled. `ask` is called only for an ANSI document with
+// characters that the code page does not have, because these are never replaced without a question.
 std::optional<TextEncoding> EncodingToSave(TextEncoding own, bool ansiHoldsText, const std::function<Answer()>& ask);
 
-// Questions about the document of that label.
+// The questions about the document with that label.
 std::wstring SaveQuestion(const wchar_t* label);    // at most 511 characters
 std::wstring ReloadQuestion(const wchar_t* label);  // the same
 std::wstring AnsiQuestion(const wchar_t* label);

@@ -1,5 +1,4 @@
-// The rule of the sticky header and the bookkeeping of what is known about the lines above the caret. Knows no
-// window. Pure.
+// The rule of the sticky header and the cache of what is known about the lines above the caret. Pure.
 #include "documents/sticky_header.h"
 
 #include <algorithm>
@@ -27,7 +26,7 @@ StickyRange StickyWanted(const StickyCache& cache, std::int64_t line) {
 
 StickyScan StickyScanUp(std::string_view text, std::int64_t last) {
     StickyScan scan{kStickyNone, last};
-    std::size_t end = text.size();  // end of the line under the eye, its line end excluded
+    std::size_t end = text.size();  // end of the current line, without its line break
     for (;;) {
         std::size_t start = end;
         while (start > 0 && text[start - 1] != '\n' && text[start - 1] != '\r') --start;
@@ -45,14 +44,14 @@ StickyScan StickyScanUp(std::string_view text, std::int64_t last) {
 void StickyLearn(StickyCache& cache, std::int64_t line, const StickyScan& scan) {
     const StickyCache before = cache;
     if (scan.header != kStickyNone) {
-        // When the look was a continuation further up, what is known below it stays known.
+        // When this scan continued an earlier one further up, what is known about the lines below stays known.
         const bool continued = before.anchor >= line && before.header == kStickyNone && before.pendingBelow > 0 &&
                                before.pendingBelow <= line + 1;
         cache = {continued ? before.anchor : line, scan.header, 0};
         return;
     }
     if (before.anchor >= 0 && line > before.anchor && scan.reached == before.anchor + 1) {
-        cache.anchor = line;  // the new lines hold none: the older answer reaches down to `line`
+        cache.anchor = line;  // the new lines have no header, so the older answer holds for them too
         return;
     }
     const bool continued = before.anchor >= line && before.header == kStickyNone && before.pendingBelow > 0 &&
@@ -65,7 +64,7 @@ void StickyForget(StickyCache& cache, std::int64_t line, std::int64_t linesAdded
 
     const std::int64_t lastTouched = linesAdded < 0 ? line - linesAdded : line;
     if (cache.header != kStickyNone && lastTouched < cache.header) {
-        // All of it above the header: the known lines move as a block.
+        // The whole change is above the header, so the known lines move together.
         cache.header += linesAdded;
         cache.anchor += linesAdded;
         return;

@@ -1,5 +1,5 @@
-// Shows the sticky header of an editor: reads the lines that the cache does not know for the rule, and puts its answer into
-// the label. UI thread.
+// Shows the sticky header of an editor: reads the lines that the cache does not know yet, and puts the header's text
+// into the label. UI thread.
 #include "documents/editor_pane.h"
 
 #include "base/utf8.h"
@@ -16,7 +16,7 @@ namespace {
 
 constexpr UINT_PTR kTimer = 0x4B53;
 constexpr UINT kTimerMs = 10;
-constexpr LRESULT kBudget = 4 << 20;  // bytes looked at in one go: a few milliseconds
+constexpr LRESULT kBudget = 4 << 20;  // bytes read at a time, which takes a few milliseconds
 
 void CALLBACK OnStickyTimer(HWND editor, UINT, UINT_PTR timer, DWORD) {
     KillTimer(editor, timer);
@@ -27,7 +27,7 @@ LRESULT LineStart(HWND editor, std::int64_t line) {
     return SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line), 0);
 }
 
-// Looks at what is missing for `line`, a bounded stretch of it. True when the cache then has the answer.
+// Reads at most `budget` bytes of the lines that the cache needs for `line`. True when the cache then has the answer.
 bool LookUp(HWND editor, StickyCache& cache, std::int64_t line, LRESULT budget) {
     const StickyRange wanted = StickyWanted(cache, line);
     if (wanted.first > wanted.last) return true;
@@ -37,7 +37,8 @@ bool LookUp(HWND editor, StickyCache& cache, std::int64_t line, LRESULT budget) 
         const LRESULT cut = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(end - budget), 0);
         start = LineStart(editor, std::clamp<std::int64_t>(cut + 1, wanted.first, wanted.last));
     }
-    // Reads Scintilla's buffer itself. After typing, what lies before the caret is in one piece there, so that no text moves.
+    // SCI_GETRANGEPOINTER gives Scintilla's own buffer. After typing, the text before the caret is in one piece there,
+    // so no text is moved.
     const LRESULT length = end - start;
     const char* text =
         length > 0
@@ -49,8 +50,8 @@ bool LookUp(HWND editor, StickyCache& cache, std::int64_t line, LRESULT budget) 
     return left.first > left.last;
 }
 
-// Line of the header above the caret, or kStickyNone. With `whole` the search goes on to the top at once; otherwise
-// it stops after the budget, leaving `*finished` false.
+// Line of the header above the caret, or kStickyNone. With `whole` the search reads on to the top; otherwise it stops
+// after kBudget bytes, and then `*finished` is false.
 std::int64_t HeaderLine(HWND editor, bool whole, bool* finished) {
     StickyCache local;
     PaneState* state = PaneStateOf(editor);
@@ -82,7 +83,7 @@ void UpdateStickyHeader(HWND editor, HWND label) {
     const std::int64_t header = HeaderLine(editor, false, &finished);
     if (!finished) SetTimer(editor, kTimer, kTimerMs, OnStickyTimer);
     const std::wstring text = header != kStickyNone ? LineText(editor, header) : std::wstring();
-    // The label repaints whenever it is told, so it is told only news.
+    // The label repaints at every SetWindowTextW, so it gets only a new text.
     wchar_t shown[kStickyMaximumLine + 2] = {};
     GetWindowTextW(label, shown, kStickyMaximumLine + 2);
     if (text != shown) SetWindowTextW(label, text.c_str());

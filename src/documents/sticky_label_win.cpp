@@ -1,4 +1,4 @@
-// The line above the editor that names the procedure around the caret. UI thread.
+// Draws the label above the editor that shows the sticky header. UI thread.
 #include "documents/documents_state.h"
 #include "documents/editor_pane.h"
 #include "documents/margins.h"
@@ -12,7 +12,7 @@
 
 namespace {
 
-// Where the text of the editor below begins, so that the header stands in line with it.
+// The x position (pixels) at which the editor's text begins; the header begins there too.
 int TextStart() {
     LRESULT start = SciSend(g_documents.hEditor, SCI_GETMARGINLEFT);
     for (WPARAM margin = 0; margin < kMarginCount; ++margin)

@@ -1,4 +1,4 @@
-// A UTF-8 file in pieces that end between two characters. Pure.
+// Reads a UTF-8 file in pieces that end between two characters. Pure.
 #include "documents/text_pieces.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// A UTF-8 file that goes into an editor piece by piece, so that it is never in memory twice. Pure.
+// Moves a UTF-8 file into an editor piece by piece, so that it is never in memory twice. Pure.
 #pragma once
 
 #include "files/text_encoding.h"
@@ -12,9 +12,9 @@
 inline constexpr std::size_t kTextPiece = 1 << 20;  // bytes read at a time
 
 struct TextSource {
-    // Reads up to so many bytes; 0 at the end, nothing when reading fails.
+    // Reads up to `capacity` bytes and returns their number: 0 at the end, no value when reading fails.
     std::function<std::optional<std::size_t>(char* out, std::size_t capacity)> read;
-    // Takes a piece; no piece ends within a character.
+    // Takes a piece of text. No piece ends inside a character.
     std::function<void(std::string_view)> append;
 };
 
@@ -26,20 +26,18 @@ struct PiecesResult {
     LineEnding lineEnding = LineEnding::CrLf;
 };
 
-// Moves everything, up to the first piece that is not UTF-8.
+// Moves the text to its end or to the first piece that is not UTF-8. Failed: reading failed.
 PiecesResult MoveTextPieces(const TextSource& source);
 
-// The rules of it, for one piece after the other.
-
-// Length of the part of `bytes` that ends between two characters: what is left over, at most three bytes of a sequence,
-// belongs to the next piece.
+// Length of the part of `bytes` that ends between two characters. The rest, at most three bytes, belongs to the next
+// piece.
 std::size_t WholeCharacters(std::string_view bytes);
 
-// Looks for the first line break of the whole text. A CR at the end of a piece waits for the byte after it.
+// Finds the first line break of a text that comes in pieces. A CR at the end of a piece is decided by the next byte.
 class FirstBreak {
 public:
     void Look(std::string_view piece);
-    LineEnding Ending() const { return ending_; }  // CRLF while none was found
+    LineEnding Ending() const { return ending_; }  // CRLF when there is none
 
 private:
     bool found_ = false;

@@ -12,7 +12,7 @@
 namespace {
 
 std::intptr_t ColourOf(Rgb rgb) { return static_cast<std::intptr_t>(ThemeColorRef(rgb)); }
-// Scintilla's elements take the colour with an opacity in the high byte.
+// SCI_SETELEMENTCOLOUR takes the opacity in the high byte.
 std::intptr_t OpaqueColour(Rgb rgb) { return static_cast<std::intptr_t>(0xFF000000u | ThemeColorRef(rgb)); }
 std::intptr_t AtDpi(int pixels, int dpi) { return (pixels * dpi + 48) / 96; }
 
@@ -84,20 +84,21 @@ EditorMessages MarkerMessages(const ThemeInputs& theme) {
     DefineMarker(out, kMarkBookmark, SC_MARK_BOOKMARK, chrome.accent, chrome.accent);
     DefineMarker(out, kMarkBreakpoint, SC_MARK_CIRCLE, chrome.error, chrome.error);
     DefineMarker(out, kMarkError, SC_MARK_SHORTARROW, chrome.error, chrome.error);
-    // Dark edge, bright inside: it may lie on a red disc.
+    // A dark edge and a bright inside, because the arrow may be on a red disc.
     DefineMarker(out, kMarkCurrent, SC_MARK_ARROW, theme.dark ? chrome.paneBack : chrome.paneText, chrome.stopLine);
     DefineMarker(out, kMarkHollow, SC_MARK_CIRCLE, chrome.error, palette.margin);
     DefineMarker(out, kMarkDisabled, SC_MARK_CIRCLE, palette.lineNumber, palette.lineNumber);
     DefineMarker(out, kMarkConditional, SC_MARK_PLUS, palette.margin, palette.margin);
     DefineMarker(out, kMarkCurrentLine, SC_MARK_BACKGROUND, chrome.stopLine, chrome.stopLine);
-    // Under the text, not as the line's background: the line of the caret has one already, and that would win.
+    // SC_LAYER_UNDER_TEXT, because as a plain background it would be hidden by the background of the caret's line.
     out.push_back({SCI_MARKERSETALPHA, kMarkCurrentLine, ThemeStopLineAlpha(theme.dark)});
     out.push_back({SCI_MARKERSETLAYER, kMarkCurrentLine, SC_LAYER_UNDER_TEXT});
     return out;
 }
 
 EditorMessages MarginMessages(bool folding, int dpi) {
-    // The line's background shows only as long as its marker belongs to a margin; in the margin it draws nothing.
+    // kMarkCurrentLine is in the mask because Scintilla draws a background marker only when a margin has it. In the
+    // margin itself it draws nothing.
     constexpr int kSymbolMask = 1 << kMarkBookmark | 1 << kMarkBreakpoint | 1 << kMarkError | 1 << kMarkCurrent |
                                 1 << kMarkHollow | 1 << kMarkDisabled | 1 << kMarkConditional | 1 << kMarkCurrentLine |
                                 1 << kMarkFolded;
@@ -112,7 +113,7 @@ EditorMessages MarginMessages(bool folding, int dpi) {
         {SCI_SETMARGINSENSITIVEN, kMarginFolding, 1},
         {SCI_SETMARGINWIDTHN, kMarginFolding, folding ? AtDpi(14, dpi) : 0},
         {SCI_SETMARGINMASKN, kMarginChanges, 1 << kMarkChange},
-        {SCI_SETMARGINLEFT, 0, AtDpi(6, dpi)},  // a little air between the margins and the text
+        {SCI_SETMARGINLEFT, 0, AtDpi(6, dpi)},  // space between the margins and the text
     };
 }
 

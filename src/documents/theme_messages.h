@@ -1,5 +1,5 @@
-// What an editor is told to look like: colours, styles, markers and margins of a theme as messages. The font, the keywords
-// and the lexer itself are texts and objects, and not among them. Pure.
+// The colours, styles, markers and margins of a theme as messages to an editor. The font, the keywords and the lexer
+// are not included, because they are texts and objects. Pure.
 #pragma once
 
 #include "documents/editor_message.h"
@@ -12,14 +12,14 @@ struct ThemeInputs {
     const ChromePalette& chrome;
     bool dark;
     std::int32_t fontSize;          // points
-    const std::int32_t* overrides;  // Settings::colors, by kOverriddenRoles; 0: the theme's colour
+    const std::int32_t* overrides;  // Settings::colors, in the order of kOverriddenRoles; 0: the theme's colour
     int dpi;
 };
 
-// The colour of a role as 0xBBGGRR: the user's own, else the theme's.
+// The colour of a role as 0xBBGGRR: the user's colour, else the theme's.
 std::uint32_t RoleColourRef(const ThemeInputs& theme, TextRole role);
 
-EditorMessages DefaultStyleMessages(const ThemeInputs& theme);  // up to SCI_STYLECLEARALL, but for the font
+EditorMessages DefaultStyleMessages(const ThemeInputs& theme);  // to SCI_STYLECLEARALL; without the font
 EditorMessages TextStyleMessages(const ThemeInputs& theme, const LanguageLexer& lexer);
 EditorMessages FrameStyleMessages(const ThemeInputs& theme);  // line numbers, guides, caret, selection, tips
 EditorMessages MarkerMessages(const ThemeInputs& theme);

@@ -1,5 +1,4 @@
-// Applies a theme and a lexer to the editors. Its tables are pure; which document has which file and dialect comes from the
-// records. UI thread.
+// Applies the theme and the lexer to the editors. UI thread.
 #include "documents/theme.h"
 
 #include "base/utf8.h"
@@ -26,7 +25,7 @@
 
 namespace {
 
-// Folding costs a pass of its own over the text; a document this large scrolls and types faster without.
+// Bytes. A larger document is not folded, because folding needs a pass of its own over the text.
 constexpr LRESULT kLargestFolded = 4 << 20;
 
 ThemeInputs CurrentTheme() {
@@ -43,16 +42,17 @@ void SendAll(HWND editor, const EditorMessages& messages) {
     for (const EditorMessage& message : messages) PaneSend(editor, message.message, message.wParam, message.lParam);
 }
 
-// A small disc with a ring around it, so that it is seen on the large one of a breakpoint too.
+// Defines a marker as a small disc with a ring around it, so that it can be seen on the large disc of a breakpoint too.
 void DefineDot(HWND editor, int marker, Rgb colour, Rgb ring) {
-    const int size = UiScaled(12) | 1;  // odd: it has a middle
+    const int size = UiScaled(12) | 1;  // odd, so that it has a middle pixel
     const std::vector<std::uint8_t> pixels = MarkerDot(size, UiScaled(30) / 10.0, UiScaled(10) / 10.0, colour, ring);
     SciSend(editor, SCI_RGBAIMAGESETWIDTH, static_cast<WPARAM>(size));
     SciSend(editor, SCI_RGBAIMAGESETHEIGHT, static_cast<WPARAM>(size));
     SciSend(editor, SCI_MARKERDEFINERGBAIMAGE, static_cast<WPARAM>(marker), reinterpret_cast<LPARAM>(pixels.data()));
 }
 
-// A new lexer only where the language changes: setting one throws away the colours of the whole document.
+// Sets the lexer and its keywords. False when there is no lexer. A lexer is set only when the language changes, because
+// SCI_SETILEXER discards the colours of the whole document.
 bool ApplyLexer(HWND editor, Language language, std::uint32_t compilerId) {
     const LanguageLexer& lexer = LexerOf(language);
     char current[32] = "";
@@ -94,7 +94,7 @@ void SyntaxThemeApply(HWND editor, std::uint32_t compilerId, const wchar_t* path
     DefineDot(editor, kMarkFolded, theme.chrome.error, theme.palette.margin);
     SendAll(editor, MarginMessages(folding, theme.dpi));
     if (folding) SendAll(editor, FoldMessages(theme));
-    // The scroll bars; systems without a dark theme of that name keep their own.
+    // Colours the scroll bars. A system without this dark theme keeps its own scroll bars.
     SetWindowTheme(editor, ThemeIsDark() ? L"DarkMode_Explorer" : L"Explorer", nullptr);
 }
 

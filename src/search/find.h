@@ -3,12 +3,13 @@
 
 #include <windows.h>
 
-// Opens the find dialog, or brings the open one to the front, with or without its replacing half. A selection within
-// one line becomes the text to find; a longer one becomes the range to search.
+// Opens the find dialog or activates the open one, with or without the controls for replacing. A selection within one
+// line becomes the text to find; a longer one becomes the range to search.
 void FindDialogShow(HWND owner, bool replace);
-// True when the message belonged to the open find dialog; the message loop asks before anything else.
+// Handles a message for the open find dialog. True when it was handled; the message loop then leaves it alone.
 bool FindDialogIsMessage(MSG* message);
 
-// Selects the next or previous match of what was last searched for, going on at the other end of the document when
-// there is none. With nothing searched for yet, the selection is taken; without one, the dialog opens.
+// Selects the next or previous match of the last search text, and continues at the other end of the document. Before
+// the first search the selection is searched for, or else the newest text of the history; without these the dialog
+// opens.
 void FindNext(bool forward);

@@ -1,5 +1,4 @@
-// Finding and replacing in one editor by the editing component's own search; what is searched for next and what replaces
-// it is find_engine. UI thread.
+// Finds and replaces in one editor with Scintilla's search. The rules are in find_engine. UI thread.
 #include "search/find_editor.h"
 
 #include "scintilla/sci.h"
@@ -9,8 +8,8 @@ namespace {
 int SearchFlags(const FindOptions& options) {
     int flags = options.matchCase ? SCFIND_MATCHCASE : SCFIND_NONE;
     if (options.regex) {
-        // The component's own expressions search line by line and without recursion, so that no text, however long its
-        // lines, can exhaust the stack, as it can with the C++ library's expressions.
+        // Scintilla's own expressions search line by line without recursion, so a long line cannot exhaust the stack.
+        // With std::regex (SCFIND_CXX11REGEX) it can.
         flags |= SCFIND_REGEXP | SCFIND_POSIX;
     } else if (options.wholeWord) {
         flags |= SCFIND_WHOLEWORD;

@@ -1,4 +1,4 @@
-// The next match, and what replaces each. Pure.
+// Finds the next match, and the text that replaces each match. Pure.
 #include "search/find_engine.h"
 
 #include "search/regex_check.h"
@@ -7,13 +7,13 @@
 
 namespace {
 
-// The nearest match of all alternatives; of two that begin at the same place, the first alternative's.
+// The nearest match of all alternatives. When two begin at the same place, that of the first alternative.
 std::optional<FindSpan> NearestMatch(const FindText& text, const FindQuery& query, FindSpan range) {
     const bool forward = range.start <= range.end;
     std::optional<FindSpan> best;
     for (const std::string& pattern : query.patterns) {
         FindSpan part = range;
-        if (best && forward)  // no match of an alternative goes beyond its line: one after that line cannot be nearer
+        if (best && forward)  // a match that begins after this line cannot be nearer
             part.end = std::min(range.end, text.lineEnd(best->start));
         else if (best)
             part.end = std::max(range.end, best->start);
@@ -23,13 +23,14 @@ std::optional<FindSpan> NearestMatch(const FindText& text, const FindQuery& quer
     return best;
 }
 
-// Walks over the matches of a scope from its start, asking each alternative again only once its match is passed.
+// Walks over the matches of a scope from its start. An alternative is searched again only after its last match is
+// passed.
 class MatchWalk {
 public:
     MatchWalk(const FindText& text, const FindQuery& query, FindSpan scope)
         : text_(text), query_(query), scope_(scope), at_(scope.start), next_(query.patterns.size()) {}
 
-    // The next match and the alternative that it is of, or nothing at the end.
+    // The next match, or nothing at the end. `pattern` gets the index of the alternative that matched.
     std::optional<FindSpan> Next(std::size_t& pattern) {
         while (at_ <= scope_.end) {
             std::optional<FindSpan> best;
@@ -42,7 +43,8 @@ public:
             }
             if (!best) return {};
             const bool isEmpty = best->start == best->end;
-            const bool touchesLast = isEmpty && best->start == lastEnd_;  // right after a match: not one of its own
+            const bool touchesLast =
+                isEmpty && best->start == lastEnd_;  // an empty match right after a match does not count
             lastEnd_ = best->end;
             at_ = isEmpty ? Beyond(best->end) : best->end;
             if (!touchesLast) return best;
@@ -56,7 +58,7 @@ private:
         std::optional<FindSpan> match;
     };
 
-    // One character on; past the end of the scope where there is none, which ends the walk.
+    // The position after the next character. At the end of the text a position after the scope, which ends the walk.
     std::ptrdiff_t Beyond(std::ptrdiff_t position) const {
         const std::ptrdiff_t after = text_.beside(position, true);
         return after > position ? after : scope_.end + 1;
@@ -77,7 +79,7 @@ private:
     std::vector<Candidate> next_;
 };
 
-// `match` is what the search found last.
+// `match` must be the match that `text.search` found last, because the groups are those of that search.
 std::string ReplacementFor(const FindText& text, const FindQuery& query, std::string_view replacement, FindSpan match) {
     if (!query.options.regex) return std::string{replacement};
     return ExpandReplacement(replacement, [&](int group) { return group == 0 ? text.part(match) : text.group(group); });
@@ -120,7 +122,7 @@ std::optional<Replacement> ReplacementForSelection(const FindText& text, const F
     const FindSpan range{selection.start, scope.end};
     if (selection.start < scope.start || selection.end > scope.end) return std::nullopt;
     if (NearestMatch(text, query, range) != selection) return std::nullopt;
-    // With several alternatives the last search was not the winner's: its groups are found again.
+    // The alternative that matches is searched again, because the groups are those of the last search.
     const auto matches = [&](const std::string& pattern) {
         return text.search(query.options, pattern, range) == selection;
     };
@@ -139,7 +141,7 @@ std::vector<Replacement> ReplacementsInScope(const FindText& text, const FindQue
     const bool alike = ReplacesAllAlike(query, replacement);
     std::size_t pattern = 0;
     while (const std::optional<FindSpan> match = walk.Next(pattern)) {
-        // Finds the groups again: the walk may have asked another alternative last.
+        // Searches again for the groups, because the walk may have searched another alternative last.
         if (!alike) text.search(query.options, query.patterns[pattern], {match->start, scope.end});
         replacements.push_back({*match, alike ? std::string{} : ReplacementFor(text, query, replacement, *match)});
     }

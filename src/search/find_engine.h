@@ -1,4 +1,4 @@
-// Finding and replacing in a text that can search itself. Knows no editor and no dialog. Pure.
+// Finding and replacing in a text that brings its own search. Knows no editor and no dialog. Pure.
 #pragma once
 
 #include "search/find_rules.h"
@@ -11,30 +11,31 @@
 
 struct FindQuery {
     FindOptions options;
-    std::vector<std::string> patterns;  // one, or the alternatives of a regular expression; never empty once prepared
+    std::vector<std::string> patterns;  // one text, or the alternatives of a regular expression
 };
 
-// What to look for, from the text as typed. Null, or a sentence for the user that says why not.
+// Makes a query from the text that the user typed. Null, or a sentence for the user that says why it cannot be searched
+// for.
 const wchar_t* PrepareQuery(std::string_view text, const FindOptions& options, FindQuery& query);
 
-// A document and its own search. Positions are bytes.
+// A document with its search. Positions are bytes.
 struct FindText {
-    // One pattern in a range; a backward search has `end` before `start`.
+    // Finds one pattern in a range. For a backward search `end` is before `start`.
     std::function<std::optional<FindSpan>(const FindOptions&, const std::string& pattern, FindSpan range)> search;
-    std::function<std::string(int group)> group;  // of what `search` found last, from 1
+    std::function<std::string(int group)> group;  // text of a group (from 1) of the last match of `search`
     std::function<std::ptrdiff_t(std::ptrdiff_t position, bool forward)>
-        beside;                                                      // one character on; the same at an end
-    std::function<std::ptrdiff_t(std::ptrdiff_t position)> lineEnd;  // of the line of a position
-    std::function<std::string(FindSpan)> part;
+        beside;                                                      // next or previous character; the same at an end
+    std::function<std::ptrdiff_t(std::ptrdiff_t position)> lineEnd;  // end of the line of a position
+    std::function<std::string(FindSpan)> part;                       // the text of a range
     std::function<FindSpan()> selection;
 };
 
 struct FindResult {
-    bool wrapped = false;  // found only past the end of the scope
+    bool wrapped = false;  // the search continued at the other end of the scope
     std::optional<FindSpan> match;
 };
 
-// The next match seen from the selection; an empty match where the caret already is does not count again.
+// The next match before or after the selection. An empty match at the caret does not count.
 FindResult FindInScope(const FindText& text, const FindQuery& query, FindSpan scope, bool forward);
 
 struct Replacement {
@@ -42,14 +43,15 @@ struct Replacement {
     std::string text;
 };
 
-// Whether every match is replaced by the same text, because no part of the match goes into it.
+// Whether the same text replaces every match, because it contains no group and no escape.
 bool ReplacesAllAlike(const FindQuery& query, std::string_view replacement);
 
-// What to put in place of the selection, when that is a match within the scope.
+// The replacement of the selection, or nothing when the selection is no match in the scope.
 std::optional<Replacement> ReplacementForSelection(const FindText& text, const FindQuery& query,
                                                    std::string_view replacement, FindSpan scope);
 
-// Every match in the scope with what takes its place (left empty when all are replaced alike), in their order: what matches
-// before the first change, so that new text is not searched. Carried out from the last to the first, none moves another.
+// Every match in the scope with its replacement, in order. The texts are empty when ReplacesAllAlike. All matches are
+// found before the first change, so that new text is not searched. Replace them from the last to the first, because a
+// replacement moves the matches after it.
 std::vector<Replacement> ReplacementsInScope(const FindText& text, const FindQuery& query, std::string_view replacement,
                                              FindSpan scope);

@@ -1,11 +1,11 @@
-// Rules of find and replace. Pure: knows no editor and no dialog.
+// Rules of find and replace. Pure.
 #include "search/find_rules.h"
 
 #include <algorithm>
 
 namespace {
 
-constexpr std::size_t kMaxSearchText = 255;  // characters that the search history holds
+constexpr std::size_t kMaxSearchText = 255;  // bytes; the search history holds 255 characters
 
 char ControlCharacter(char letter) {
     switch (letter) {
@@ -35,7 +35,7 @@ std::string ExpandReplacement(std::string_view replacement, const std::function<
 }
 
 FindPlan PlanFind(FindSpan selection, FindSpan scope, bool forward) {
-    // Outside of the scope, a search begins at the scope's own start or end.
+    // When the selection is outside the scope, the search begins at the scope's start or end.
     if (forward) {
         const bool inside = selection.end >= scope.start && selection.end <= scope.end;
         return {.first = {inside ? selection.end : scope.start, scope.end}, .wrapped = {scope.start, scope.end}};

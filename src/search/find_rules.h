@@ -1,5 +1,5 @@
-// Rules of find and replace: what a replacement becomes, where a search begins and goes on, what the dialog does next. Text
-// to search is UTF-8, positions are bytes. Pure.
+// Rules of find and replace: the text of a replacement, the range of a search, the texts and the place of the dialog.
+// The text to search is UTF-8, positions are bytes. Pure.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@
 
 struct FindOptions {
     bool matchCase = false;
-    bool wholeWord = false;  // plain text only: a regular expression has \< and \>
+    bool wholeWord = false;  // for plain text only, because a regular expression has \< and \>
     bool regex = false;
 };
 
@@ -21,11 +21,11 @@ struct FindSpan {
     bool operator==(const FindSpan&) const = default;
 };
 
-// The text that replaces a match: \0 to \9 stand for the match and its groups, \n \r \t for control characters, and a
-// backslash takes the meaning off any other character after it. `group` is asked only for groups that occur.
+// The text that replaces a match. \0 stands for the match, \1 to \9 for its groups, and \n \r \t for control
+// characters. Before any other character a backslash is left out. `group` is called only for groups that occur.
 std::string ExpandReplacement(std::string_view replacement, const std::function<std::string(int)>& group);
 
-// Where to search from, and again from the other end when that found nothing. A backward search has `end` before
+// The range to search first, and the range to search when that has no match. For a backward search `end` is before
 // `start`.
 struct FindPlan {
     FindSpan first;
@@ -33,20 +33,20 @@ struct FindPlan {
 };
 FindPlan PlanFind(FindSpan selection, FindSpan scope, bool forward);
 
-// Text of a selection that can be the search text: one line, short enough to remember. Empty otherwise.
+// The selection as a search text. Empty when it has a line break or a NUL, or is longer than 255 bytes.
 std::string_view SearchTextFromSelection(std::string_view selection);
 
-// The status line after Replace All, and after a search: empty for a plain match.
+// The status texts after Replace All and after a search. A match without continuing at the other end has an empty text.
 std::wstring ReplacementCountText(std::size_t count);
 const wchar_t* SearchStatus(bool found, bool wrapped, bool forward);
 
-// The range "in selection" cut to a document that may have become shorter; the whole document when it has none.
+// The range of "in selection", cut to the length of the document (bytes); without a range the whole document.
 FindSpan ScopeWithin(std::optional<FindSpan> taken, std::ptrdiff_t documentLength);
 
-// What "find next" searches for while the dialog is closed: what was searched for last, else the selection, else the
-// newest text of the history. Empty: the dialog has to ask.
+// The text that "find next" searches for while the dialog is closed: the last search text, else the selection, else the
+// newest text of the history. Empty when there is none.
 std::wstring TextToFindNext(const std::wstring& last, const std::wstring& selected, const std::wstring& newest);
 
-// Where a dialog of that height goes that would lie over a match, in screen pixels: below the match, or above it where
-// there is no room, but not above the work area.
+// New top (screen pixels) of a dialog that covers a match: below the match, or above it when there is no room below.
+// Never above the work area.
 int DialogTopBesideMatch(int matchTop, int matchBottom, int dialogHeight, int workTop, int workBottom);

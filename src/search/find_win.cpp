@@ -1,4 +1,4 @@
-// The find and replace dialog, and "find next" without it. The searching itself is find_editor. UI thread.
+// The find and replace dialog, and "find next" without it. The search itself is in find_editor. UI thread.
 #include "search/find.h"
 
 #include "base/events.h"
@@ -23,17 +23,17 @@
 
 namespace {
 
-constexpr int kReplaceRowHeight = 18;  // dialog units that the replacing half takes
-constexpr int kFieldLimit = 255;       // characters, as in the history
+constexpr int kReplaceRowHeight = 18;  // dialog units of the controls for replacing
+constexpr int kFieldLimit = 255;       // characters, as many as the history holds
 
-// What was searched for last; outlives the dialog.
+// The last search. It is kept while the dialog is closed.
 struct FindState {
     std::wstring what;
     std::wstring with;
     FindOptions options;
-    bool replacing = false;        // the dialog shows its replacing half
-    DocumentId scopeDocument = 0;  // "in selection": the range taken when the box was ticked, and its document
-    FindSpan scope;
+    bool replacing = false;        // the dialog shows the controls for replacing
+    DocumentId scopeDocument = 0;  // document of `scope`, 0: none
+    FindSpan scope;                // the selection when "in selection" was ticked
 };
 FindState g_find;
 
@@ -52,7 +52,7 @@ std::wstring FindFieldText(int control) {
     return text;
 }
 
-// The dialog's fields into g_find; without the dialog what was there stays.
+// Reads the dialog's fields into g_find. Does nothing while the dialog is closed.
 void ReadFindDialog() {
     if (g_search.hFindDialog == nullptr) return;
     g_find.what = FindFieldText(IDC_FIND_WHAT);
@@ -77,13 +77,13 @@ void RememberSearch() {
             RecentListAdd(settings.searchHistory, settings.searchHistoryCount, g_find.what, RecentMatch::Exact);
     });
     if (g_search.hFindDialog != nullptr) {
-        FillFindHistory();  // empties the field too
+        FillFindHistory();  // CB_RESETCONTENT empties the field too
         SetDlgItemTextW(g_search.hFindDialog, IDC_FIND_WHAT, g_find.what.c_str());
         SendDlgItemMessageW(g_search.hFindDialog, IDC_FIND_WHAT, CB_SETEDITSEL, 0, MAKELPARAM(0, -1));
     }
 }
 
-// False, with a note to the user, when there is nothing that could be searched for.
+// Makes the query. False when it cannot be searched for; then the status says why. Also false without a document.
 bool PrepareFind(FindQuery& query) {
     ReadFindDialog();
     const wchar_t* fault = PrepareQuery(ToUtf8(g_find.what), g_find.options, query);
@@ -97,14 +97,14 @@ bool PrepareFind(FindQuery& query) {
 
 FindSpan WholeDocument() { return {0, SciSend(g_documents.hEditor, SCI_GETLENGTH)}; }
 
-// The range to search: the one taken for "in selection", as far as it is still there, else the document.
+// The range to search: the scope when "in selection" is ticked for this document, else the whole document.
 FindSpan CurrentScope() {
     const bool inSelection = g_search.hFindDialog != nullptr && IsFindOptionTicked(IDC_FIND_SELECTION) &&
                              g_find.scopeDocument == ActiveDocumentId();
     return ScopeWithin(inSelection ? std::optional{g_find.scope} : std::nullopt, WholeDocument().end);
 }
 
-// Takes the selection as the range; with nothing selected there is none to search in.
+// Makes the selection the scope. When nothing is selected, unticks "in selection" and says so.
 void TakeScope() {
     g_find.scopeDocument = ActiveDocumentId();
     g_find.scope = {SciSend(g_documents.hEditor, SCI_GETSELECTIONSTART),
@@ -116,7 +116,7 @@ void TakeScope() {
     }
 }
 
-// A dialog that would lie over the match goes below it, or above where there is no room.
+// Moves the dialog when it covers the match.
 void UncoverMatch(FindSpan match) {
     if (g_search.hFindDialog == nullptr) return;
     const auto coordinate = [](UINT message, std::ptrdiff_t position) {
@@ -159,7 +159,7 @@ void FindAndShow(const FindQuery& query, bool forward) {
     ShowFindStatus(SearchStatus(result.match.has_value(), result.wrapped, forward));
 }
 
-// False, with a note to the user, when nothing can be replaced.
+// PrepareFind, and false for a read-only document; then the status says so.
 bool PrepareReplacing(FindQuery& query) {
     if (!PrepareFind(query)) return false;
     if (SciSend(g_documents.hEditor, SCI_GETREADONLY) == 0) return true;
@@ -186,7 +186,7 @@ void ReplaceAllMatches() {
     ShowFindStatus(ReplacementCountText(result.count).c_str());
 }
 
-// Shows or hides the replacing half: what is below it moves, and the dialog gets as much taller or shorter.
+// Shows or hides the controls for replacing. The controls below them move, and the dialog's height changes by as much.
 void SetReplacing(HWND dialog, bool replacing) {
     SetWindowTextW(dialog, replacing ? L"Find and Replace" : L"Find");
     for (const int control : {IDC_FIND_WITH_LABEL, IDC_FIND_WITH, IDC_FIND_REPLACE, IDC_FIND_REPLACE_ALL})
@@ -210,7 +210,7 @@ void SetReplacing(HWND dialog, bool replacing) {
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-// The selection of the active editor, as far as it can be a search text.
+// The selection of the active editor when it can be a search text, else empty.
 std::wstring SelectedSearchText() {
     const LRESULT start = SciSend(g_documents.hEditor, SCI_GETSELECTIONSTART);
     const LRESULT end = SciSend(g_documents.hEditor, SCI_GETSELECTIONEND);
@@ -229,7 +229,7 @@ bool SelectionSpansLines() {
     return line(SCI_GETSELECTIONSTART) != line(SCI_GETSELECTIONEND);
 }
 
-// What the fields begin with each time the dialog is asked for.
+// Fills the fields each time the dialog is opened or activated.
 void FillFindFields(HWND dialog) {
     const std::wstring selected = SelectedSearchText();
     if (!selected.empty()) SetDlgItemTextW(dialog, IDC_FIND_WHAT, selected.c_str());
@@ -244,7 +244,7 @@ void FillFindFields(HWND dialog) {
 
 void OnFindInit(HWND dialog) {
     g_search.hFindDialog = dialog;
-    g_find.replacing = true;  // as the template has it
+    g_find.replacing = true;  // the template shows the controls for replacing
     for (const int control : {IDC_FIND_WHAT, IDC_FIND_WITH})
         SendDlgItemMessageW(dialog, control, CB_LIMITTEXT, kFieldLimit, 0);
     FillFindHistory();

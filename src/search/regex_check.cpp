@@ -1,4 +1,4 @@
-// What the editing component's regular expressions cannot do. Pure.
+// Finds what Scintilla's regular expressions cannot do. Pure.
 #include "search/regex_check.h"
 
 #include <algorithm>
@@ -8,8 +8,8 @@ namespace {
 
 constexpr int kMaxGroups = 9;
 
-// Index of the bracket that closes the class that opens at `open`, npos without one. Right after the opening, a dash
-// and a closing bracket are members of the class.
+// Index of the bracket that closes the class opened at `open`, or npos. A dash and a closing bracket right after the
+// opening are members of the class.
 std::size_t ClassEnd(std::string_view pattern, std::size_t open) {
     std::size_t at = open + 1;
     for (const char member : {'^', '-', ']'}) at += at < pattern.size() && pattern[at] == member ? 1 : 0;
@@ -22,7 +22,7 @@ bool IsAscii(std::string_view text) {
         text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
 }
 
-// What stands before a repetition.
+// The kind of element before a repetition.
 enum class Before { Nothing, Character, WideCharacter, WordStart, Other };
 
 }  // namespace

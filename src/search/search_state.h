@@ -1,10 +1,10 @@
-// The find dialog. UI thread only.
+// The find dialog's window. UI thread only.
 #pragma once
 
 #include <windows.h>
 
 struct SearchState {
-    HWND hFindDialog = nullptr;  // modeless, empty while closed
+    HWND hFindDialog = nullptr;  // modeless; null while closed
 };
 // A part of `g_app` (app/app_state.h).
 extern SearchState& g_search;

@@ -1,7 +1,7 @@
-// Clearing the row of tabs before a session is loaded. UI thread only.
+// Closes all documents before a session is loaded. UI thread only.
 #pragma once
 
-// Closes every tab; each modified document is asked about. One that the user will not close goes too, because a session
-// starts from no tabs, but its text is put into a recovery copy first and the user is told where. False when even that
-// was impossible: then that tab is still there, and nothing may be loaded.
+// Closes every document and asks about each modified one. A document that the user does not want to close is closed
+// too, because a session starts without documents, but its text is first written to a recovery copy and the user is
+// told where. False when a copy could not be written; that document stays open, and the session must not be loaded.
 bool CloseEveryTab();

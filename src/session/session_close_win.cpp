@@ -1,4 +1,4 @@
-// Clearing the row of tabs before a session is loaded. UI thread.
+// Closes all documents before a session is loaded. UI thread.
 #include "session/session_close.h"
 
 #include "base/handles.h"
@@ -13,15 +13,15 @@
 
 namespace {
 
-// The document's text into a recovery copy; `kept` gets a line that says where. False when it could not be written.
+// Writes the document's text to a recovery copy and adds its place to `kept`. False when it could not be written.
 bool KeepText(const DocumentTab& document, std::wstring& kept) {
     std::size_t length = 0;
     const HeapBlock<char> text{EditorPaneGetText(document.editor, &length)};
     const wchar_t* target = document.hasFile ? document.path : document.label;
     RecoveryCopy copy;
     if (!text || !RecoveryWrite(target, text.get(), length, &copy)) return false;
-    // RecoveryKeep does not hear of it: several untitled documents share one label, and a later save of the same file must
-    // not remove what the user is told to find here.
+    // RecoveryKeep is not called, because a later save of a file with the same name would then remove the copy that the
+    // user was told about, and several untitled documents have the same label.
     kept += std::wstring{L"\n\n"} + document.label + L":\n" + copy.path;
     return true;
 }
@@ -34,7 +34,7 @@ bool CloseEveryTab() {
         const DocumentId id = TabAt(0).id;
         if (FileClose(0) != 0) continue;
         const int tab = TabBarFindDocument(id);
-        if (tab < 0) continue;  // something else closed it while the question was up
+        if (tab < 0) continue;  // it was closed while the question was open
         const DocumentTab& document = TabAt(tab);
         if (document.modified && !KeepText(document, kept)) {
             AppLogMsg(L"FAIL: SessionLoad could not keep the text of %s", document.label);

@@ -1,4 +1,4 @@
-// The session file as text. Pure: knows no tab, no editor and no settings.
+// Writes and reads the text of a session file. Pure.
 #include "session/session_text.h"
 
 #include "base/decimal.h"
@@ -114,7 +114,7 @@ std::vector<SessionItem> SessionParse(std::string_view text) {
     std::vector<SessionItem> items;
     int file = -1;
     while (!text.empty()) {
-        const std::string line{TakeLine(text)};  // terminated; a NUL inside ends the value
+        const std::string line{TakeLine(text)};  // a copy with a terminator; a NUL inside ends the value
         if (line.starts_with("[File")) {
             const std::int32_t number = SessionNumber(std::string_view{line}.substr(5));
             file = std::max(number, 0) - 1;

@@ -1,5 +1,5 @@
-// The session file as text, in UTF-8: its keys in their order, writing it, and reading it line by line. What the values mean
-// to the program is in session_view. Pure.
+// Writes and reads the text of a session file, which is UTF-8. session_view turns the values into settings and editor
+// messages. Pure.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@
 enum class SessionKey : std::uint8_t {
     ActiveTab,
     ActiveCompiler,
-    ProjectRoot,  // the only one that is text
+    ProjectRoot,  // text; the other keys of the header are numbers
     ShowProjectTree,
     ShowOutput,
     ShowAsmPane,
@@ -38,11 +38,11 @@ enum class SessionKey : std::uint8_t {
     SelectionEnd,
     Bookmarks,
     Breakpoints,
-    BreakpointRule,  // once for each breakpoint that is more than a line
+    BreakpointRule,  // once for each breakpoint that is disabled or has a condition
 };
 inline constexpr std::size_t kSessionHeaderKeys = static_cast<std::size_t>(SessionKey::Path);
 
-// What the session's header holds, by SessionKey; flags are any number, written as 0 or 1.
+// The values of the session's header, by SessionKey. A flag may be any number and is written as 0 or 1.
 struct SessionHeader {
     std::int32_t numbers[kSessionHeaderKeys] = {};
     std::string projectRoot;  // UTF-8
@@ -50,7 +50,7 @@ struct SessionHeader {
     std::int32_t& operator[](SessionKey key) { return numbers[static_cast<std::size_t>(key)]; }
 };
 
-// What a breakpoint is beyond its line.
+// A breakpoint that is disabled or has a condition.
 struct SessionBreakpoint {
     std::int32_t line = 0;  // 0-based
     bool enabled = true;
@@ -58,46 +58,47 @@ struct SessionBreakpoint {
 };
 
 struct SessionFile {
-    std::string path;        // UTF-8
-    bool hasEditor = false;  // without one, only the path is written
-    std::uint64_t cursor = 0;
-    std::uint64_t scroll = 0;  // first visible line
+    std::string path;          // UTF-8
+    bool hasEditor = false;    // false: only the path is written
+    std::uint64_t cursor = 0;  // positions are bytes
+    std::uint64_t scroll = 0;  // first visible display line
     std::uint64_t selectionStart = 0;
     std::uint64_t selectionEnd = 0;
     std::vector<std::int32_t> bookmarks = {};    // 0-based lines
     std::vector<std::int32_t> breakpoints = {};  // 0-based lines
-    std::vector<SessionBreakpoint> rules = {};   // of those that are disabled or have a condition
+    std::vector<SessionBreakpoint> rules = {};   // for the breakpoints that need one
 };
 
-// The whole file, lines ending in CR LF. "TabCount" is the number of `files`, whatever the header says.
+// The text of the whole file, with CR LF. "TabCount" is the number of `files`, not the header's value.
 std::string SessionCompose(const SessionHeader& header, std::span<const SessionFile> files);
 
-// Text after "KEY=" when the line begins with exactly that, else null.
+// The text after "KEY=" when the line begins with that (case-sensitive), else null. Points into `line`.
 const char* SessionParseLine(const char* line, const char* key);
 
-// One recognised line.
+// One line with a known key.
 struct SessionItem {
-    int file;  // 0-based number of the file section, below 0 in the header
+    int file;  // 0-based number of the file section; below 0: the header
     SessionKey key;
-    std::int32_t number;  // the value as a decimal number, 0 when it is none
-    std::string text;     // the value as it stands
+    std::int32_t number;  // SessionNumber of the value; a flag is 0 or 1
+    std::string text;     // the value as it is in the file
 };
 
-// Every line that the program knows, in the order of the file; all else is skipped. A "[File" header without a number
-// makes what follows header lines again.
+// The lines with a known key, in the order of the file. Other lines are skipped. The lines after a "[File" without a
+// number above 0 count as header lines.
 std::vector<SessionItem> SessionParse(std::string_view text);
 
-// True when some line of the text is a "Path=" with something after it.
+// True when a line of the text is "Path=" with a value that is not empty.
 bool SessionListsFiles(std::string_view text);
 
-// The project tree's width as a session restores it.
+// The project tree's width that a session restores: `stored`, limited to 100..200.
 std::int32_t SessionTreeWidth(std::int32_t stored);
 
-// Numbers of a comma-separated list of lines.
+// The numbers of a comma-separated list.
 std::vector<std::int32_t> SessionParseLines(std::string_view list);
 
-// The value of a BreakpointRule, "line,enabled,condition".
+// Reads the value of a BreakpointRule: "line,enabled,condition".
 SessionBreakpoint SessionParseRule(std::string_view value);
 
-// Leading blanks, a sign, decimal digits; 0 when there are none; what 32 bits cannot hold is the nearest that they can.
+// The number at the start of a text: blanks, a sign, decimal digits. 0 without digits; the nearest 32-bit value on
+// overflow.
 std::int32_t SessionNumber(std::string_view text);

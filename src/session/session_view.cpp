@@ -1,4 +1,4 @@
-// What the lines of a session mean to the program. Pure.
+// Turns the values of a session into settings and editor messages. Pure.
 #include "session/session_view.h"
 
 #include "base/utf8.h"
@@ -8,7 +8,7 @@
 
 namespace {
 
-// The header keys that are plain settings.
+// The keys of the header that are settings.
 constexpr struct {
     SessionKey key;
     std::int32_t Settings::*field;

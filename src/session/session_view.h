@@ -1,11 +1,11 @@
-// What a session's lines mean to the program: which settings they stand for, and what they do to an editor. Pure.
+// Turns the values of a session into settings and editor messages, and settings into a header. Pure.
 #pragma once
 
 #include "documents/editor_message.h"
 #include "session/session_text.h"
 #include "settings/settings.h"
 
-// What the header of a session says beside the settings.
+// The values of the header that are no settings.
 struct SessionFrame {
     int activeTab = 0;
     bool showOutput = false;
@@ -17,8 +17,8 @@ struct SessionFrame {
 
 SessionHeader SessionHeaderOf(const Settings& settings, const SessionFrame& frame);
 
-// One line of the header into the settings or the frame.
+// Writes one value of the header into the settings or the frame.
 void SessionApplyHeader(const SessionItem& item, Settings& settings, SessionFrame& frame);
 
-// What one line of a file's section does to its editor; empty for a path and for a rule of a breakpoint.
+// The messages that apply one value of a file section to its editor. Empty for Path and BreakpointRule.
 EditorMessages SessionEditorMessages(const SessionItem& item);

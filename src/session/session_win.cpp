@@ -1,5 +1,5 @@
-// Saving and restoring the editing state as a session file: gathers it from the documents and applies it to them. The file's
-// text is session_text, its meaning session_view. UI thread.
+// Saves the state of the documents and panes as a session file, and restores it. The text of the file is in
+// session_text, the meaning of its values in session_view. UI thread.
 #include "session/session.h"
 
 #include "base/events.h"
@@ -33,7 +33,7 @@
 
 namespace {
 
-// Lines that carry the marker. One message a marked line: a document may have millions of lines.
+// The 0-based lines that have the marker. SCI_MARKERNEXT needs one message for each marked line, not for each line.
 std::vector<std::int32_t> MarkedLines(HWND editor, int marker) {
     std::vector<std::int32_t> lines;
     LRESULT line = SciSend(editor, SCI_MARKERNEXT, 0, LPARAM{1} << marker);
@@ -55,7 +55,8 @@ std::vector<SessionBreakpoint> BreakpointRulesOf(DocumentId document) {
     return rules;
 }
 
-// For a breakpoint that is there: a line without one gets none. A condition that nobody could have entered is left out.
+// Applies the rule to the breakpoint on its line. Does nothing when the line has none. A condition with a fault is left
+// out.
 void ApplyBreakpointRule(DocumentId document, const SessionBreakpoint& rule) {
     const int line = std::clamp(rule.line, -1, std::numeric_limits<std::int32_t>::max() - 1) + 1;
     const int index = BreakpointAt(document, line, false);
@@ -96,8 +97,8 @@ void ApplyFrame(const SessionFrame& frame) {
     g_session.fullScreen = frame.fullScreen;
 }
 
-// The tab is chosen by the section's number, not by what its "Path" opened: a file that is gone shifts the positions of
-// the later ones onto other tabs.
+// The number of the file section decides which document gets the values, not the document that its "Path" opened. When
+// a file is gone, the values of the later sections therefore go to other documents.
 void ApplyFileItem(const SessionItem& item) {
     if (item.key == SessionKey::Path) {
         if (!item.text.empty()) FileShow(Utf8ToWideText(item.text).c_str(), false);
@@ -126,7 +127,7 @@ void ApplySession(const std::vector<SessionItem>& items) {
     if (IsTabIndex(frame.activeTab)) TabBarActivate(frame.activeTab);
 }
 
-// The bytes of the file, or nothing.
+// The text of the file, or nothing when it cannot be read.
 std::optional<std::string> ReadSession(const wchar_t* path) {
     if (path == nullptr || path[0] == L'\0') return std::nullopt;
     std::size_t length = 0;

@@ -1,5 +1,5 @@
-// The two small pictures of the project tree, drawn in the colours of the theme: asking the shell for the icon of every
-// file is slow, on a network share very slow. UI thread.
+// The two small pictures of the project tree, drawn in the colours of the theme. The shell's icons are not used,
+// because getting one for every file is slow, above all on a network share. UI thread.
 #pragma once
 
 #include "ui/chrome.h"
@@ -10,7 +10,7 @@
 
 inline constexpr int kTreeIconFolder = 0;
 inline constexpr int kTreeIconFile = 1;
-inline constexpr int kTreeIconNone = 2;  // an empty place, for notes
+inline constexpr int kTreeIconNone = 2;  // an empty picture, for notes
 
 // A new image list that the caller destroys, or null.
 HIMAGELIST TreeIconsCreate(int dpi, const ThemeChrome& chrome);

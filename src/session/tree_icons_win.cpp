@@ -1,4 +1,4 @@
-// The small pictures of the project tree. UI thread.
+// Draws the small pictures of the project tree. UI thread.
 #include "session/tree_icons.h"
 
 #include "base/handles.h"
@@ -9,13 +9,13 @@
 
 namespace {
 
-constexpr COLORREF kFolderColour = RGB(0xD9, 0xA6, 0x3A);  // reads as a folder on a light and on a dark pane
+constexpr COLORREF kFolderColour = RGB(0xD9, 0xA6, 0x3A);  // visible on a light and on a dark pane
 
 struct Pictures {
     HDC dc;
     int side;  // pixels of one picture
 
-    // A coordinate of the 16 x 16 drawing grid, in pixels.
+    // A coordinate of the 16 x 16 grid in pixels.
     int At(int unit) const { return MulDiv(unit, side, 16); }
 };
 

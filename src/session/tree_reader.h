@@ -1,5 +1,5 @@
-// Reads one folder for the project tree in a worker: a share that went away may keep a read for a minute, and the window
-// must not wait with it.
+// Reads one folder for the project tree in a worker, because a read from a network share that is gone may take a minute
+// and the window must not wait for it.
 #pragma once
 
 #include "session/tree_rules.h"
@@ -12,6 +12,6 @@
 
 using TreeListingPtr = std::unique_ptr<TreeListing>;
 
-// Starts reading. The listing comes to `window` as `message`, to be taken by WorkerTake<TreeListingPtr>. False: no thread
-// could be started.
+// Starts the read. The worker posts the listing to `window` as `message`; take it with WorkerTake<TreeListingPtr>.
+// `request` comes back in the listing. False when no thread could be started.
 bool TreeReaderStart(HWND window, UINT message, std::uint64_t request, const std::wstring& folder);

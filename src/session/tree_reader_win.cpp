@@ -1,4 +1,5 @@
-// Reads one folder for the project tree. The reading runs in a worker and touches no window and no global record.
+// Reads one folder for the project tree in a worker, which uses no window and no global state except to post the
+// listing.
 #include "session/tree_reader.h"
 
 #include "base/handles.h"

@@ -1,4 +1,4 @@
-// What the project tree shows. Pure.
+// Decides what the project tree shows of a folder. Pure.
 #include "session/tree_rules.h"
 
 #include "settings/file_type_table.h"

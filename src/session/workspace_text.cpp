@@ -1,4 +1,4 @@
-// The workspace file as text. Pure: knows no tab and no settings.
+// Writes and reads the text of a workspace file. Pure.
 #include "session/workspace_text.h"
 
 #include "base/decimal.h"
@@ -12,7 +12,7 @@
 namespace {
 
 constexpr std::size_t kFlagsCapacity = 512;     // wide characters, terminator included
-constexpr std::size_t kEscapedCapacity = 2048;  // wide characters: a full path of backslashes fits
+constexpr std::size_t kEscapedCapacity = 2048;  // wide characters; enough for a path of nothing but backslashes
 
 const wchar_t* SkipJsonBlanks(const wchar_t* text) {
     while (*text == L' ' || *text == L'\t' || *text == L'\r' || *text == L'\n') ++text;
@@ -24,7 +24,7 @@ const wchar_t* FindQuoted(const wchar_t* text, const wchar_t* key) {
     return std::wcsstr(text, quoted.c_str());
 }
 
-// Where the value of the first such key begins, or null.
+// Start of the value of the first such key, or null.
 const wchar_t* FindValue(const wchar_t* text, const wchar_t* key) {
     const wchar_t* found = FindQuoted(text, key);
     if (found == nullptr) return nullptr;
@@ -138,7 +138,7 @@ Workspace WorkspaceParse(const wchar_t* text) {
         wchar_t paths[kWorkspaceMaxFiles][kPathCapacity];
         int cursors[kWorkspaceMaxFiles];
     };
-    const auto list = std::make_unique<FileList>();  // 128 kB: too much for the stack
+    const auto list = std::make_unique<FileList>();  // on the heap because of its 128 kB
     const int count = JsonParseFiles(text, list->paths, list->cursors, kWorkspaceMaxFiles);
     Workspace workspace;
     for (int i = 0; i < count; ++i) workspace.files.push_back({.path = list->paths[i], .cursor = list->cursors[i]});
@@ -152,7 +152,7 @@ Workspace WorkspaceParse(const wchar_t* text) {
 }
 
 std::wstring WorkspaceFlagsToSet(const std::wstring& own, const std::wstring& read) {
-    // What the own flags read as after a trip through the file: a quote cuts them, a backslash goes.
+    // `own` as it would be read after it was written: a quote ends it, and backslashes are lost.
     wchar_t mutilated[kFlagsCapacity] = {};
     const std::wstring text = L"\"compilerFlags\": \"" + own + L"\"";
     JsonExtractString(text.c_str(), L"compilerFlags", mutilated, kFlagsCapacity);

@@ -1,5 +1,5 @@
-// The workspace file as text: composing it, and reading it back by plain search for its keys. The readers accept the
-// layout that the writer produces, not any JSON. Pure.
+// Writes and reads the text of a workspace file. The readers search for the keys and accept only the layout that
+// WorkspaceCompose writes, not any JSON. Pure.
 #pragma once
 
 #include "base/bounded_text.h"
@@ -15,49 +15,51 @@
 inline constexpr int kWorkspaceMaxFiles = 64;
 
 struct WorkspaceTab {
-    std::wstring path;  // empty: a document without a file, which is counted but not written
-    std::int32_t cursor = 0;
+    std::wstring path;        // empty: a document without a file, which is not written
+    std::int32_t cursor = 0;  // byte position
 };
 
-// The whole file. Each file is followed by a comma unless it belongs to the very last tab: a tab without a path after it
-// leaves the comma there, which the readers accept. `flags` is written as it stands, without escaping.
+// The text of the whole file. A comma follows each file except one of the last tab, so a last tab without a path leaves
+// a comma at the end of the list; the readers accept it. `flags` is written without escaping.
 std::wstring WorkspaceCompose(std::span<const WorkspaceTab> tabs, std::int32_t activeFile, std::uint32_t compiler,
                               const wchar_t* flags);
 
-// Name in the file: the five compilers by id, and the first for any other id.
+// The compiler's name in the file; that of the first compiler for an unknown id.
 const wchar_t* WorkspaceCompilerName(std::uint32_t compiler);
 // The id of exactly that name, or -1.
 int WorkspaceCompilerId(std::wstring_view name);
 
-// Backslash and double quote get a backslash before them. Stops when fewer than 3 places remain.
+// Copies the text with a backslash before each backslash and double quote. Stops when `out` has fewer than 3 characters
+// left.
 void JsonEscape(const wchar_t* source, wchar_t* out, std::size_t capacity);
 
-// First occurrence of the key in double quotes, wherever it is. 1 when the value was found; cut to the capacity.
+// Reads the value of the first "KEY" in the text. JsonExtractString cuts it to `capacity` characters and returns 1, or
+// 0 when there is none; JsonExtractInt then returns `defaultValue`.
 int JsonExtractString(const wchar_t* text, const wchar_t* key, wchar_t* out, std::size_t capacity);
 int JsonExtractInt(const wchar_t* text, const wchar_t* key, int defaultValue);
 
-// The entries of the "files" list, at most `maximum`. Returns their number.
+// Reads the entries of the "files" list, at most `maximum`, into `paths` and `cursors`. Returns their number.
 int JsonParseFiles(const wchar_t* text, wchar_t (*paths)[kPathCapacity], int* cursors, int maximum);
 
-// Where a workspace is saved. A given path that is relative counts from the program's folder; with none given, the current
-// workspace is meant, or the default one.
+// The path to save a workspace to: `given`, else `current`, else the default one. A relative path counts from the
+// program's folder.
 std::wstring WorkspacePathFor(std::wstring_view given, std::wstring_view current, const wchar_t* programFolder);
 
-// What a workspace file says.
+// The values of a workspace file.
 struct Workspace {
     std::vector<WorkspaceTab> files;  // at most kWorkspaceMaxFiles
     int activeFile = 0;
-    int compiler = -1;                  // -1: none that is known
-    std::optional<std::wstring> flags;  // of that compiler
+    int compiler = -1;                  // CompilerId, -1: unknown
+    std::optional<std::wstring> flags;  // flags of `compiler`; no value: not in the file
 };
 Workspace WorkspaceParse(const wchar_t* text);
 
-// The flags to set for what was read. The file holds them without escaping, so that a quote or a backslash in them does not
-// survive the trip: flags that are in the settings whole are not replaced by their own mutilated copy.
+// The flags to set after `read` was read from a file. Flags are written without escaping, so a quote or a backslash in
+// them is lost. When `read` is such a damaged copy of `own`, the result is `own`.
 std::wstring WorkspaceFlagsToSet(const std::wstring& own, const std::wstring& read);
 
-// Carets by the number of the tab that they belong to: entries go to tabs by position, so that a file that is gone shifts
-// the later carets.
+// The carets to set. An entry's place in the list decides its tab, so when a file is gone, the carets of the later
+// entries go to other tabs.
 struct WorkspaceCaret {
     int tab;
     std::int32_t position;

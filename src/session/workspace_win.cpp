@@ -1,5 +1,5 @@
-// Saving and restoring the workspace: the open files, the active one, the compiler and its flags. The file's text is
-// workspace_text. UI thread.
+// Saves and restores the workspace: the open files, the active one, the compiler and its flags. The text of the file is
+// in workspace_text. UI thread.
 #include "session/session.h"
 
 #include "base/handles.h"
@@ -40,7 +40,7 @@ void ApplyWorkspaceCompiler(const Workspace& workspace) {
     if (workspace.flags) SafeCopyW(flags, WorkspaceFlagsToSet(flags, *workspace.flags));
 }
 
-// False when the user kept one. What something else opened while a question was up counts as kept too.
+// False when a document is open afterwards: one that the user kept, or one that was opened while a question was open.
 bool CloseAllTabs() { return FileCloseAll() != 0 && TabCount() == 0; }
 
 void OpenWorkspaceFiles(const Workspace& workspace) {
@@ -52,7 +52,7 @@ void OpenWorkspaceFiles(const Workspace& workspace) {
     }
 }
 
-// The text of the file up to a NUL, or null.
+// The text of the file up to the first NUL; null when it cannot be read.
 HeapBlock<wchar_t> ReadWorkspace(const wchar_t* path) {
     std::size_t length = 0;
     const HeapBlock<char> utf8{ReadFileUtf8(path, &length)};
@@ -73,7 +73,7 @@ int WorkspaceSave(const wchar_t* path) {
     bool anyFile = false;
     for (const WorkspaceTab& tab : tabs) anyFile = anyFile || !tab.path.empty();
     if (!anyFile) {
-        // An empty workspace is the absence of its file.
+        // An empty workspace has no file.
         if (FileExists(target.c_str()) && DeleteFileW(PathExtended(target).c_str()) == FALSE)
             AppLogMsg(L"FAIL: WorkspaceSave could not delete error=%lu path=%s", GetLastError(), target.c_str());
         return 1;
@@ -109,8 +109,7 @@ int WorkspaceLoad(const wchar_t* path) {
 }
 
 void WorkspaceNew() {
-    // A document that the user would not close stays, and with it the workspace as it was: nothing is thrown away by a
-    // question answered with "cancel".
+    // When the user keeps a document open, the workspace stays as it is.
     if (!CloseAllTabs()) return;
     g_session.workspacePath[0] = L'\0';
     FileNew();

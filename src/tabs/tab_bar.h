@@ -1,28 +1,29 @@
-// The tab bar: draws the row of documents and turns clicks into commands. Changes no document itself. UI thread only.
+// The tab bar: shows the row of documents. The pointer on it shows and moves documents; closing them is left to the
+// main window's commands. UI thread only.
 #pragma once
 
 #include "base/events.h"
 
 #include <windows.h>
 
-// Takes over the tab control (created by the main window): owner drawing, close buttons, drag, middle click.
+// Sets up the tab control that the main window has created: owner drawing, close buttons, drag, middle click.
 void TabBarInit(HWND tabControl);
 
-// --- Changes of the row (base/events.h)
+// --- The events of the row (base/events.h). `index`, `from` and `to` are places in the row.
 void TabBarOnOpened(DocumentId document);
 void TabBarOnActivated();
 void TabBarOnChanged(DocumentId document);
 void TabBarOnMoved(int from, int to);
 void TabBarOnClosed(int index);
 
-// Repaints the tabs: build marks, theme.
+// Repaints the tabs, after a change of the build marks or the theme.
 void TabBarRefresh();
 
-// Height that the bar wants at the current DPI, pixels.
+// Height of the bar at the current DPI, in pixels.
 int TabBarHeight();
 
-// WM_DRAWITEM and WM_NOTIFY of the tab control, from the main window. Returns true when handled.
+// The main window's WM_DRAWITEM and WM_NOTIFY. False when they are not from the tab control.
 bool TabBarHandleDrawItem(const DRAWITEMSTRUCT& item);
 bool TabBarHandleNotify(const NMHDR& header);
-// After a change of DPI or theme.
+// Called after a change of the DPI or the theme.
 void TabBarApplyTheme();

@@ -1,4 +1,4 @@
-// What the files of the tab bar share. Private to this folder. UI thread.
+// State and functions that the files of the tab bar share. Private to this folder. UI thread.
 #pragma once
 
 #include "tabs/tab_bar_layout.h"
@@ -10,25 +10,25 @@
 
 struct TabBarState {
     TabPointer pointer;
-    bool tracking = false;  // WM_MOUSELEAVE was asked for
+    bool tracking = false;  // TrackMouseEvent was called and WM_MOUSELEAVE has not come yet
     HWND tooltip = nullptr;
 };
 extern TabBarState g_tabBar;
 
 TabMetrics TabBarMetrics();
-// Rectangles of all tabs in the control's client coordinates, some of them scrolled out.
+// Rectangles of all tabs in the control's client coordinates. Tabs that are scrolled out are outside the client area.
 std::vector<TabRect> TabBarRects();
-// Shares the strip's width among the tabs.
+// Sets the width of the tabs by the width of the strip, and repaints it.
 void TabBarUpdateWidths();
 
-// The whole strip, or one tab of it.
+// Paint the whole strip, or one tab.
 void TabBarPaint(HDC dc, const RECT& client);
 void TabBarPaintTab(HDC dc, int index, const TabRect& rect);
-// The two arrows of an overflowing strip.
+// Paints the two arrows of a strip that has no room for all tabs.
 void TabBarPaintScroller(HDC dc, const RECT& client, bool pressedLeft, bool pressedRight);
 
-// The control's own arrows, made to fit the strip and its theme. Nothing while all tabs fit.
+// Places the control's own arrows at the right end and subclasses them for painting. Does nothing while all tabs fit.
 void TabBarPlaceScroller(HWND tabControl);
 
-// Pointer, painting and tooltip of the strip.
+// Subclasses the control for pointer and painting, and creates the tooltip. False when the subclass could not be set.
 bool TabBarInstallSubclass(HWND tabControl);

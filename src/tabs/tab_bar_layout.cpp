@@ -1,4 +1,4 @@
-// Geometry of the tab bar: where a tab keeps its parts, what a point hits, where a drag ends. Knows no window. Pure.
+// Geometry of the tab bar: the parts of a tab, the tab at a point, the place where a drag ends. Pure.
 #include "tabs/tab_bar_layout.h"
 
 #include <algorithm>

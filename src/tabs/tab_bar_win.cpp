@@ -1,4 +1,4 @@
-// The tab control: its items follow the row of documents. The look and the pointer are in tab_paint_win.cpp and
+// Keeps the items of the tab control like the row of documents. Painting is in tab_paint_win.cpp, the pointer in
 // tab_input_win.cpp. UI thread.
 #include "tabs/tab_bar.h"
 
@@ -45,7 +45,7 @@ std::vector<TabRect> TabBarRects() {
     for (int i = 0; i < TabCount(); ++i) {
         RECT rect = {};
         SendMessageW(g_tabs.hTabCtrl, TCM_GETITEMRECT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&rect));
-        // The control leaves a few pixels above and below its items; ours fill the strip.
+        // The control leaves a few pixels above and below its items; the painted tabs fill the strip.
         rects.push_back({static_cast<int>(rect.left), 0, static_cast<int>(rect.right), height});
     }
     return rects;

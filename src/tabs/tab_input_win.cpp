@@ -1,5 +1,5 @@
-// The pointer on the tab strip: hover, close buttons, drag, middle click, context menu, tooltip, and when it is painted.
-// What a press, a move and a release mean is tab_pointer; what has to ask the user goes to the main window as a command.
+// The subclass of the tab strip: hover, close buttons, drag, middle click, wheel, context menu, tooltip, painting. The
+// rules for press, move and release are in tab_pointer. Commands that may ask the user are posted to the main window.
 // UI thread.
 #include "tabs/tab_bar_internal.h"
 
@@ -29,7 +29,7 @@ void AskToClose(DocumentId document) {
     if (TabBarSelectToClose(TabBarFindDocument(document)) != 0) PostCommand(IDM_FILE_CLOSE);
 }
 
-// The commands act on the active document, so the tab under the pointer becomes it.
+// Shows the tab's document first, because the menu's commands act on the active document.
 void ShowTabMenu(HWND strip, int index, POINT at) {
     if (TabBarActivate(index) == 0) return;
     const DocumentTab& tab = TabAt(index);
@@ -43,7 +43,7 @@ void ShowTabMenu(HWND strip, int index, POINT at) {
         {.id = IDM_TAB_COPY_PATH, .text = L"Copy Full &Path", .enabled = tab.hasFile}};
     ClientToScreen(strip, &at);
     const UINT command = ShowPopupMenu(strip, items, at, TPM_NONOTIFY);
-    // The menu ran its own message loop: the document may be gone or no longer the active one.
+    // TrackPopupMenu ran a message loop, so the document may be gone or no longer active.
     if (command != 0 && TabBarActivate(TabBarFindDocument(document)) != 0) PostCommand(command);
 }
 
@@ -61,7 +61,7 @@ void UpdateTabHover(HWND strip, POINT at, bool inside) {
     g_tabBar.tracking = TrackMouseEvent(&track) != FALSE;
 }
 
-// True when the press was on a close button and the control must not see it.
+// True when the press was on a close button; then the control must not get the message.
 bool OnTabPressed(HWND strip, POINT at) {
     UpdateTabHover(strip, at, true);
     if (!TabPointerPress(g_tabBar.pointer, DocumentAt(g_tabBar.pointer.hoverTab), at.x)) return false;
@@ -69,7 +69,7 @@ bool OnTabPressed(HWND strip, POINT at) {
     return true;
 }
 
-// After the control has selected the tab, which may have moved the capture.
+// Called after the control has handled the press, because it may have taken the capture.
 void CaptureForDrag(HWND strip) {
     if (g_tabBar.pointer.dragDocument != 0) SetCapture(strip);
 }
@@ -101,12 +101,13 @@ void OnTabWheel(WPARAM wParam) {
 }
 
 void PaintStrip(HWND strip) {
-    TabBarPlaceScroller(strip);  // the control moves its arrows back whenever it lays out its tabs
+    TabBarPlaceScroller(strip);  // because the control moves its arrows whenever it lays out its tabs
     const BufferedPaint paint(strip);
     TabBarPaint(paint.Dc(), paint.Client());
 }
 
-// The tooltip's text is asked for when it is about to show: the path of the tab under the pointer.
+// Answers TTN_GETDISPINFOW with the path of the tab under the pointer, or the label of a document without a file. False
+// for another notification.
 bool FillTabTip(NMHDR& header) {
     if (header.hwndFrom != g_tabBar.tooltip || header.code != TTN_GETDISPINFOW) return false;
     static wchar_t text[kPathCapacity];
@@ -196,7 +197,7 @@ void CreateTabTip(HWND strip) {
     TTTOOLINFOW tool = {};
     tool.cbSize = sizeof tool;
     tool.uFlags = TTF_SUBCLASS | TTF_IDISHWND;
-    tool.hwnd = strip;  // asked for the text by WM_NOTIFY
+    tool.hwnd = strip;  // gets the WM_NOTIFY that asks for the text
     tool.uId = reinterpret_cast<UINT_PTR>(strip);
     tool.lpszText = LPSTR_TEXTCALLBACKW;
     SendMessageW(g_tabBar.tooltip, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
@@ -207,7 +208,7 @@ void CreateTabTip(HWND strip) {
 void TabBarPlaceScroller(HWND tabControl) {
     HWND scroller = FindWindowExW(tabControl, nullptr, UPDOWN_CLASSW, nullptr);
     if (scroller == nullptr) return;
-    SetWindowSubclass(scroller, ScrollerProc, kSubclassId, 0);  // again does no harm
+    SetWindowSubclass(scroller, ScrollerProc, kSubclassId, 0);  // setting it again changes nothing
     RECT client = {};
     GetClientRect(tabControl, &client);
     const TabRect place = TabScrollerRect(TabBarMetrics(), static_cast<int>(client.right));

@@ -1,4 +1,4 @@
-// Paints the tab strip by the theme, from the records. Changes nothing. UI thread.
+// Paints the tab strip in the colours of the theme. UI thread.
 #include "tabs/tab_bar_internal.h"
 
 #include "documents/document_row.h"
@@ -36,7 +36,7 @@ bool HasCloseButton(const DocumentTab& tab, int index) {
            (index == g_tabBar.pointer.hoverTab && !g_tabBar.pointer.dragging);
 }
 
-// The close button, or the modified dot in its place while the pointer is elsewhere.
+// Paints the close button. A modified document has a dot there while the pointer is not on it.
 void PaintCloseButton(HDC dc, const DocumentTab& tab, int index, const TabRect& rect, COLORREF textColour) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     const TabMetrics metrics = TabBarMetrics();
@@ -68,7 +68,7 @@ void TabBarPaintTab(HDC dc, int index, const TabRect& rect) {
         FillArea(dc, {rect.left, rect.top, rect.right, rect.top + metrics.accent}, chrome.accent);
     else
         FillArea(dc, {rect.left, rect.bottom - 1, rect.right, rect.bottom}, chrome.line);
-    // A hairline between tabs; the active one has edges of its own.
+    // A thin line between tabs. At the active tab it has the full height.
     const int inset = active ? 0 : metrics.padding * 4 / 5;
     FillArea(dc, {rect.right - 1, rect.top + inset, rect.right, rect.bottom - (active ? 0 : inset)}, chrome.line);
 

@@ -1,4 +1,4 @@
-// What the pointer does on the tab strip. Pure.
+// The rules for the pointer on the tab strip. Pure.
 #include "tabs/tab_pointer.h"
 
 #include <cstdlib>

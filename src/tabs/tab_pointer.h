@@ -1,4 +1,5 @@
-// What the pointer does on the tab strip: hover, presses of close buttons, dragging. Knows no window. Pure.
+// The rules for the pointer on the tab strip: hover, presses of close buttons, dragging. Points are in pixels of the
+// strip. Pure.
 #pragma once
 
 #include "base/events.h"
@@ -7,24 +8,24 @@
 #include <span>
 
 struct TabPointer {
-    int hoverTab = -1;            // index of the tab under the pointer
+    int hoverTab = -1;            // index of the tab under the pointer, -1: none
     bool hoverClose = false;      // the pointer is on its close button
-    DocumentId pressedClose = 0;  // its close button was pressed and not yet released
-    DocumentId dragDocument = 0;  // its tab was pressed, and is perhaps dragged
-    int dragFromX = 0;            // pixels, where it was pressed
-    bool dragging = false;
+    DocumentId pressedClose = 0;  // the document whose close button is held down, 0: none
+    DocumentId dragDocument = 0;  // the document whose tab is held down, 0: none
+    int dragFromX = 0;            // x of the press, in pixels
+    bool dragging = false;        // the pointer has moved far enough since the press
 };
 
-// The pointer is at a point of the strip, or outside of it. True when that changes what it is over.
+// Called when the pointer is at (`x`, `y`), or outside the strip. True when the tab or the button under it has changed.
 bool TabPointerHover(TabPointer& pointer, const TabMetrics& metrics, std::span<const TabRect> tabs, bool inside, int x,
                      int y);
 
-// The left button went down over `document`, the one that the pointer hovers over (0: none). True when the press was on
-// its close button.
+// Called when the left button goes down on the tab of `document` (0: none). True when the press was on its close
+// button.
 bool TabPointerPress(TabPointer& pointer, DocumentId document, int x);
 
-// The pointer moved with a tab pressed whose index is `from` now. The index that the tab belongs at, or -1: it stays.
+// Called when the pointer moves while the tab at index `from` is held down. Returns the tab's new index, -1: it stays.
 int TabPointerDragTo(TabPointer& pointer, const TabMetrics& metrics, std::span<const TabRect> tabs, int from, int x);
 
-// The button came up, or the capture is lost.
+// Called when the button goes up or the capture is lost.
 void TabPointerEnd(TabPointer& pointer);

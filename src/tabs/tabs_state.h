@@ -1,4 +1,4 @@
-// The window of the tab bar. UI thread only.
+// The tab control's window. UI thread only.
 #pragma once
 
 #include <windows.h>
