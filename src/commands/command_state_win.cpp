@@ -91,13 +91,13 @@ void MenuApplyState(HMENU menu, const CommandView& view) {
 static void ApplyToMenuTree(HMENU menu, const CommandView& view) {
     MenuApplyState(menu, view);
     for (int i = 0; i < GetMenuItemCount(menu); ++i)
-        if (HMENU child = GetSubMenu(menu, i)) ApplyToMenuTree(child, view);
+        if (HMENU child = GetSubMenu(menu, i); child != nullptr) ApplyToMenuTree(child, view);
 }
 
 void MenuUpdateState() {
     if (g_ui.hMainWnd == nullptr) return;
     const CommandView view = CurrentCommandView();
-    if (HMENU menu = GetMenu(g_ui.hMainWnd)) ApplyToMenuTree(menu, view);
+    if (HMENU menu = GetMenu(g_ui.hMainWnd); menu != nullptr) ApplyToMenuTree(menu, view);
     ToolbarApplyState(view);
 }
 

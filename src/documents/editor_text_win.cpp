@@ -50,7 +50,7 @@ void EditorPaneEndLoad(HWND editor) {
     SciSend(editor, SCI_SETMODEVENTMASK, SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT, 0);
     SciSend(editor, SCI_SETSAVEPOINT, 0, 0);
     EditorPaneClearChangeMarks(editor);
-    if (PaneState* state = PaneStateOf(editor)) {
+    if (PaneState* state = PaneStateOf(editor); state != nullptr) {
         state->sticky = {};
         EditorPaneUpdateLineMargin(editor);
         EditorColourRestart(editor, 0);

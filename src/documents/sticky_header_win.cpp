@@ -100,5 +100,5 @@ std::size_t EditorPaneProcedureLine(HWND editor, wchar_t* out, std::size_t capac
 }
 
 void StickyHeaderForget(HWND editor, int line, int linesAdded) {
-    if (PaneState* state = PaneStateOf(editor)) StickyForget(state->sticky, line, linesAdded);
+    if (PaneState* state = PaneStateOf(editor); state != nullptr) StickyForget(state->sticky, line, linesAdded);
 }
