@@ -77,7 +77,7 @@ bool MayDiscardChanges(const DocumentTab& document) {
 
 // For an editor that had no memory for the whole text. Removes the document's file name, so that no later save (the
 // auto-save timer's, for example) cuts the file too.
-void KeepFileFromCutText(int tab) {
+void UnbindCutDocument(int tab) {
     DocumentTab& document = TabAt(tab);
     const std::wstring path{document.path};
     document.path[0] = L'\0';
@@ -177,7 +177,7 @@ int FileReload(int tab) {
     EditorPaneSetBytes(document.editor, {text.get(), length});
     g_events.textArrived(document.id);
     if (static_cast<std::size_t>(SciSend(document.editor, SCI_GETLENGTH)) != length) {
-        KeepFileFromCutText(tab);
+        UnbindCutDocument(tab);
         return 0;
     }
     RestoreView(document.editor, view);
