@@ -1,5 +1,5 @@
-// What the measurements share: fresh folders, started programs, their windows and memory, and the table of results.
-// Everything here stops the run with a message when it cannot do its work: a figure that means nothing is worse than none.
+// Helpers of the measurements: fresh folders, started programs, their windows and memory, and the table of results.
+// Every function ends the run with a message when it fails, because a wrong figure is worse than none.
 #pragma once
 
 #include <windows.h>
@@ -11,18 +11,18 @@
 [[noreturn]] void Die(const std::string& what);
 
 // --- Time and statistics
-double NowMs();  // from an arbitrary start
+double NowMs();  // milliseconds from an arbitrary start
 double Quantile(std::vector<double> values, double share);
 inline double Median(const std::vector<double>& values) { return Quantile(values, 0.5); }
 
 // --- Results, printed as one table at the end
 struct Row {
     std::string work;
-    double floor = 0;  // 0: there is none for this work
+    double floor = 0;  // 0: this work has no floor
     double program = 0;
     const char* unit = "ms";
-    double maxRatio = 0;  // goal; 0: none
-    double maxValue = 0;  // goal in the unit; 0: none
+    double maxRatio = 0;  // largest allowed program / floor; 0: no goal
+    double maxValue = 0;  // largest allowed value in `unit`; 0: no goal
     std::string note;
 };
 void Report(Row row);
@@ -30,21 +30,22 @@ void PrintTable();
 
 // --- Files
 std::string Narrow(std::wstring_view text);
-std::wstring RunFolder();   // where the folders of this run are made, with a backslash at the end
-std::wstring DistFolder();  // the built program, with a backslash at the end
-// A BASIC source of about so many bytes, made once a run; exactly `*size` bytes, all ASCII.
+std::wstring RunFolder();   // the folder for the folders of this run, with a backslash at the end
+std::wstring DistFolder();  // the folder of the built program, with a backslash at the end
+// Returns the path of a BASIC source of about `about` bytes; it is made once a run. `*size` is its exact size; all
+// bytes are ASCII.
 std::wstring SourceOfSize(std::size_t about, std::size_t* size);
 void WriteText(const std::wstring& path, std::string_view text);
 
 // --- Programs
 enum class Kind { Floor, Editor };
 struct Furnishing {
-    bool compilers = true;  // the stand-ins are there
-    bool settings = true;   // a settings file of an earlier start is there
-    int floodLines = -1;    // not negative: compiler KVXA64 is the flooding one and prints so many lines
+    bool compilers = true;  // the stand-in compilers are in the folder
+    bool settings = true;   // the settings file of an earlier start is in the folder
+    int floodLines = -1;    // from 0 on: KVXA64 prints so many lines (0: without end)
 };
 
-// A folder with a copy of the program in it, removed at the end.
+// A folder with a copy of the program in it. The destructor removes it.
 class Folder {
 public:
     explicit Folder(const Furnishing& furnishing = {});
@@ -62,7 +63,7 @@ struct Memory {
     double peakMb = 0;
 };
 
-// A started program; ended by force at the end.
+// A started program. The destructor terminates it.
 class Program {
 public:
     Program(Kind kind, const Folder& folder, const std::wstring& file);
@@ -70,9 +71,9 @@ public:
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
-    // Waits until a visible Scintilla window answers with this length; milliseconds since the start.
+    // Waits until a visible Scintilla window has a text of this length. Returns the milliseconds since the start.
     double AwaitReady(std::size_t length);
-    // Once it does not change any more.
+    // Waits until the memory figures stop changing, and returns them.
     Memory SettledMemory() const;
 
     HWND Main() const { return main_; }
@@ -90,7 +91,7 @@ private:
 };
 
 LRESULT Ask(HWND window, UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
-// Runs floor.exe with these arguments; the number that it prints.
+// Runs floor.exe with these arguments and returns the number that it prints.
 double RunFloor(const std::wstring& arguments);
 
 // --- The measurements

@@ -1,5 +1,5 @@
-// Machine code as text: how fast five megabytes are rendered, and whether the window answers while the ASM pane takes as
-// much as it can hold.
+// Measures the rendering of five megabytes of machine code as text, and whether the window answers while the ASM pane
+// is filled to its limits.
 #include "bench.h"
 
 #include <richedit.h>
@@ -21,11 +21,11 @@ constexpr std::size_t kCodeBytes = std::size_t{5} << 20;
 constexpr std::size_t kBudget = 20000;
 constexpr std::string_view kSource = "FUNCTION PBMAIN () AS LONG\r\n  PRINT 1\r\nEND FUNCTION\r\n";
 constexpr int kListingLines = 20000;
-constexpr int kLinesShown = 24000;  // three parts of 8,000
+constexpr int kLinesShown = 24000;  // three parts of 8,000 lines
 constexpr double kLimitMs = 120000;
-constexpr DWORD kPauseMs = 5;  // between questions to a program that works
+constexpr DWORD kPauseMs = 5;  // between two messages to a program that is busy
 
-// The editor's own code, over and over.
+// Makes a program whose code is the editor's own code, repeated.
 pe_bytes::Bytes ProgramOfCode() {
     std::ifstream stream(Narrow(DistFolder()) + "KVX-Editor.exe", std::ios::binary);
     const pe_bytes::Bytes file((std::istreambuf_iterator<char>(stream)), {});
@@ -68,7 +68,7 @@ std::string LongListing() {
     return text;
 }
 
-// Asks again and again until the pane has that many lines; the slowest answer of the window.
+// Sends messages until the pane has so many lines. Returns the milliseconds of the slowest answer.
 double FillPane(HWND window, int lines) {
     double slowest = 0;
     const double start = NowMs();

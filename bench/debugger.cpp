@@ -1,5 +1,5 @@
-// The debugger beside a bare loop around the same program: wait for the event, write the byte, continue. The bare loop
-// does what any debugger must and nothing else: no table, no map, no texts, no window.
+// Measures the debugger and a bare loop on the same program: wait for the event, write the byte, continue. The bare
+// loop does only what any debugger must do; it has no table, no map, no texts and no window.
 #include "bench.h"
 
 #include "debugger/debug_session.h"
@@ -21,7 +21,7 @@ namespace {
 constexpr int kSteps = 500;
 constexpr int kRounds = 5;
 constexpr int kStatements = kSteps + 100;
-constexpr int kFirstLine = 1;  // of the source: PBMAIN's heading, the first record
+constexpr int kFirstLine = 1;  // line of PBMAIN's heading, which has the first record
 constexpr DWORD kEventLimitMs = 10000;
 constexpr double kWindowLimitMs = 60000;
 constexpr DWORD kContinue = 0x00010002;
@@ -30,7 +30,7 @@ constexpr std::uint8_t kTrap = 0xCC;
 struct Debuggee {
     std::wstring source;
     std::wstring program;
-    std::vector<std::uint32_t> rvas;  // of the statements, ascending
+    std::vector<std::uint32_t> rvas;  // addresses of the statements, ascending
 };
 
 void Compile(const Folder& folder, const Debuggee& debuggee) {
@@ -76,7 +76,7 @@ public:
     BareLoop(const BareLoop&) = delete;
     BareLoop& operator=(const BareLoop&) = delete;
 
-    double Begun() const { return begun_; }  // NowMs() at the start
+    double Begun() const { return begun_; }  // NowMs() at the start of the program
 
     void RunTo(std::uint32_t rva) {
         std::uint8_t original = 0;
@@ -104,8 +104,7 @@ private:
             if (!WaitForDebugEvent(&event_, kEventLimitMs)) Die("no event");
             if (event_.dwDebugEventCode == CREATE_PROCESS_DEBUG_EVENT) {
                 base_ = reinterpret_cast<std::uint64_t>(event_.u.CreateProcessInfo.lpBaseOfImage);
-                CloseHandle(
-                    event_.u.CreateProcessInfo.hFile);  // held, it would keep the program from being built again
+                CloseHandle(event_.u.CreateProcessInfo.hFile);  // while it is open, the program cannot be built again
             }
             if (event_.dwDebugEventCode == LOAD_DLL_DEBUG_EVENT) CloseHandle(event_.u.LoadDll.hFile);
             if (event_.dwDebugEventCode == EXIT_PROCESS_DEBUG_EVENT) Die("the debuggee has ended");
@@ -132,7 +131,7 @@ void MeasureBare(const Debuggee& debuggee, Times* times) {
     times->steps.push_back(NowMs() - stopped);
 }
 
-// --- The program's session, without its windows
+// --- The editor's debugger, without its windows
 void MeasureSession(const Debuggee& debuggee, Times* times) {
     DebuggerState state;
     static bool lost;
@@ -149,7 +148,7 @@ void MeasureSession(const Debuggee& debuggee, Times* times) {
     for (int i = 0; i < kSteps; ++i)
         if (!DebugStepOver(&state) || DebugWaitEvent(&state, kEventLimitMs) != kDebugStopped) Die("a step failed");
     const double stepped = NowMs();
-    // The first line's has its place in the table; the rest of it is filled.
+    // The table already has the breakpoint of the first line. The loop fills the rest of it.
     for (int line = state.currentLine + 1; state.breakpointCount < kMaxBreakpoints; ++line)
         if (!DebugSetBreakpoint(&state, line)) Die("a breakpoint is not planted");
     times->plant.push_back(NowMs() - stepped);
@@ -181,7 +180,7 @@ double MeasureWindow(const Folder& folder, const Debuggee& debuggee) {
     const int before = MarkedLine(editor.Sci());
     const double begun = NowMs();
     for (int i = 0; i < kSteps; ++i) PostMessageW(editor.Main(), WM_COMMAND, IDM_DEBUG_STEP_OVER, 0);
-    // The declaration below the heading has no code.
+    // The declaration after the heading has no code.
     AwaitMark(editor.Sci(), before + 1 + kSteps);
     const double took = NowMs() - begun;
     Ask(editor.Main(), WM_COMMAND, IDM_DEBUG_STOP);

@@ -1,8 +1,8 @@
-// The least that a program can do for the same result: the floor that KVX-Editor is measured against.
+// The floor program: does as little as a program can for the same result. KVX-Editor is measured against it.
 //   floor.exe FILE            one window with one Scintilla pane that holds the file; ends when its window is closed
 //   floor.exe --output LINES  a Rich Edit fed that many lines, a tenth of them coloured, as RTF blocks of 1,000;
 //                             prints the milliseconds and ends
-// Knows nothing of the program. Scintilla.dll is looked for in the folder above this executable's.
+// Uses no code of the editor. Scintilla.dll is loaded from the folder above the one of this executable.
 #include <windows.h>
 
 #include <richedit.h>
@@ -20,8 +20,8 @@
 namespace {
 
 constexpr int kBlockLines = 1000;
-constexpr int kWindowHeight = 800;  // pixels, like the program's
-constexpr int kPaneHeight = 230;    // like its output pane, with a caption
+constexpr int kWindowHeight = 800;  // pixels, as in the editor
+constexpr int kPaneHeight = 230;    // pixels, as the editor's output pane with its caption
 
 int Fail(const char* what) {
     std::fprintf(stderr, "floor: %s (error %lu)\n", what, GetLastError());
@@ -36,7 +36,8 @@ LRESULT CALLBACK FrameProc(HWND window, UINT message, WPARAM wParam, LPARAM lPar
     }
 }
 
-// A frame filled by one child of the given class; null when either cannot be made. The child is in `child`.
+// Makes a frame window filled by one child of the given class. Returns null when either cannot be made. The child is
+// stored in `child`.
 HWND CreateFrame(const wchar_t* childClass, DWORD childStyle, int height, HWND* child) {
     const HINSTANCE instance = GetModuleHandleW(nullptr);
     WNDCLASSW frameClass = {};
@@ -64,7 +65,7 @@ FileBytes ReadWhole(const wchar_t* path) {
     const HANDLE file = CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
     if (file == INVALID_HANDLE_VALUE) return out;
     const DWORD size = GetFileSize(file, nullptr);
-    // Uninitialised on purpose: zeroing 100 MB first would be part of the measured time.
+    // The buffer is not initialised, because zeroing 100 MB would be part of the measured time.
     out.bytes.reset(new char[size]);
     out.read = ReadFile(file, out.bytes.get(), size, &out.size, nullptr) && out.size == size;
     CloseHandle(file);
@@ -120,7 +121,7 @@ DWORD CALLBACK FeedRtf(DWORD_PTR cookie, LPBYTE buffer, LONG capacity, LONG* wri
     return 0;
 }
 
-// `count` lines from line number `first` on, the diagnostics red.
+// Makes `count` lines from line number `first` on, with the diagnostics in red.
 std::string RtfBlock(int first, int count) {
     std::string rtf = "{\\rtf1\\ansi{\\colortbl;\\red0\\green0\\blue0;\\red200\\green0\\blue0;}";
     for (int i = first; i < first + count; ++i)

@@ -1,5 +1,5 @@
-// One keystroke, from the posted character to the painted result. Posted, not sent: the program gets it through its
-// message loop like a real one, and what it does when its queue is empty delays the next key.
+// Measures one keystroke from the posted character to the painted result. The character is posted, not sent, because a
+// real one also comes through the message loop, where work on an empty queue delays the next key.
 #include "bench.h"
 
 #include <Scintilla.h>
@@ -21,15 +21,15 @@ bool NeedsPaint(HWND window) {
     return GetUpdateRect(window, &rect, FALSE) != FALSE;
 }
 
-// Sleeps for less than the millisecond of Sleep. Looking without a pause would keep a processor, and under Wine its server,
-// from the very work that is measured.
+// Sleeps for less than 1 ms, the shortest time of Sleep. Polling without a pause would take a processor from the
+// measured work, and under Wine also keep its server busy.
 void Pause(double ms) {
     using Delay = LONG(WINAPI*)(BOOLEAN alertable, const LARGE_INTEGER* interval);
     static const auto delay = reinterpret_cast<Delay>(
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtDelayExecution")));
     if (delay == nullptr) Die("ntdll.dll has no NtDelayExecution");
     LARGE_INTEGER interval = {};
-    interval.QuadPart = -static_cast<LONGLONG>(ms * 10000);  // relative, in 100 ns
+    interval.QuadPart = -static_cast<LONGLONG>(ms * 10000);  // negative: relative, in units of 100 ns
     delay(FALSE, &interval);
 }
 
@@ -40,7 +40,7 @@ void AwaitPainted(HWND window, double limit) {
     }
 }
 
-// Until nothing is left to paint for a while: after a jump the program may have more to do.
+// Waits until the window has had nothing to paint for a while, because after a jump the program may have more to do.
 void AwaitQuiet(HWND window) {
     for (int quiet = 0; quiet < 10; ++quiet) {
         AwaitPainted(window, NowMs() + kKeyLimitMs);
@@ -52,24 +52,25 @@ void AwaitQuiet(HWND window) {
 double TypeOne(HWND pane, int number) {
     const LRESULT before = Ask(pane, SCI_GETLENGTH);
     const double start = NowMs();
-    // Enter is a key that the control binds to a command, not a character.
+    // Enter is posted as a key, because Scintilla binds it to a command.
     const BOOL posted =
         number % kNewLineEvery == kNewLineEvery - 1
             ? PostMessageW(pane, SCI_NEWLINE, 0, 0)
             : PostMessageW(pane, WM_CHAR, static_cast<WPARAM>(kTyped[static_cast<std::size_t>(number) % kTyped.size()]),
                            1);
     if (!posted) Die("a key cannot be posted");
-    // Answered between two messages, so once the text is longer the key is done and what it changed awaits its paint.
+    // The program answers SCI_GETLENGTH between two messages. When the text is longer, the key has been handled and the
+    // changed part waits to be painted.
     while (Ask(pane, SCI_GETLENGTH) == before)
         if (NowMs() - start > kKeyLimitMs) Die("a key was not taken");
     AwaitPainted(pane, start + kKeyLimitMs);
-    Ask(pane, WM_NULL);  // a region is valid again when its paint begins; this is answered behind that paint
+    Ask(pane, WM_NULL);  // the update region is empty when painting begins; WM_NULL is answered after the painting
     return NowMs() - start;
 }
 
 struct Place {
     const char* name;
-    double share;  // of the document
+    double share;  // place in the document, 0 to 1
 };
 constexpr Place kPlaces[] = {{"start", 0.0}, {"middle", 0.5}, {"end", 1.0}};
 

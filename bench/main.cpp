@@ -1,5 +1,5 @@
-// Measures KVX-Editor beside the floor program:  bench [start] [keys] [output] [stop] [debugger] [maps] [code]
-// (nothing named: all)
+// Measures KVX-Editor and the floor program:  bench [start] [keys] [output] [stop] [debugger] [maps] [code]
+// Without a name all are measured.
 #include "bench.h"
 
 #include <cstdio>

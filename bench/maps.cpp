@@ -1,5 +1,5 @@
-// The debugger's line map of a large program: loading it with its structural lines moved, and the questions that a
-// margin full of breakpoints asks.
+// Measures the line map of a large program: loading it with its structural lines moved, and the lookups for a margin
+// full of breakpoints.
 #include "base/log.h"
 #include "bench.h"
 #include "program/line_map.h"
@@ -19,7 +19,7 @@ struct Inputs {
     std::size_t sourceSize = 0;
 };
 
-// A PBMAIN of 5 MB; every fifth record is of a line ELSE.
+// Makes a PBMAIN of 5 MB. Every fifth record is of an ELSE line.
 Inputs MakeInputs() {
     std::string source = "FUNCTION PBMAIN () AS LONG\r\n";
     std::vector<pe_bytes::Record> records;

@@ -1,5 +1,5 @@
-// A compiler that floods: how long its lines take to be shown, whether the program answers meanwhile, and how fast Stop
-// is.
+// Measures a compiler that prints very many lines: the time until they are shown, whether the program answers
+// meanwhile, and the time of Stop.
 #include "bench.h"
 
 #include <commctrl.h>
@@ -17,10 +17,10 @@ namespace {
 
 constexpr double kBuildLimitMs = 600000;
 constexpr double kStopLimitMs = 20000;
-constexpr DWORD kPauseMs = 5;     // between questions to a program that works
-constexpr int kStatusEvery = 10;  // questions
+constexpr DWORD kPauseMs = 5;     // between two messages to a program that is busy
+constexpr int kStatusEvery = 10;  // the status bar is read at every tenth message
 
-// Text of the status bar's first part.
+// Reads the text of the first part of the status bar.
 class StatusReader {
 public:
     explicit StatusReader(const Program& program) : process_(program.Process()) {
@@ -49,7 +49,7 @@ private:
 struct FloodRun {
     double time = 0;
     double slowestAnswer = 0;
-    double nextBuild = 0;  // the command that empties the pane and starts the next build
+    double nextBuild = 0;  // milliseconds of the command that empties the pane and starts the next build
     double residentMb = 0;
     LRESULT shown = 0;  // lines in the pane at the end
 };
@@ -105,7 +105,7 @@ FloodRun Flood(int lines) {
     return run;
 }
 
-// The running processes of that executable name; the caller closes the handles.
+// Opens the running processes of this executable name. The caller closes the handles.
 std::vector<HANDLE> OpenProcesses(const wchar_t* name) {
     std::vector<HANDLE> found;
     const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
@@ -124,7 +124,7 @@ void CloseAll(const std::vector<HANDLE>& handles) {
     for (const HANDLE handle : handles) CloseHandle(handle);
 }
 
-// From the command to the end of the compiler and of the process that it started.
+// Returns the milliseconds from the Stop command to the end of the compiler and of the process that it started.
 double StopOnce(double* answer) {
     Opened opened(0);
     const HWND window = opened.program.Main();

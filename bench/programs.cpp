@@ -1,4 +1,4 @@
-// Folders, processes, windows and memory of the measured programs.
+// The folders, processes, windows and memory of the measured programs.
 #include "bench.h"
 
 #include <psapi.h>
@@ -26,7 +26,7 @@ fs::path OwnFolder() {
     return fs::path(path).parent_path();
 }
 
-// A variable of the environment that names a folder, possibly the Unix way.
+// Reads an environment variable that names a folder; the name may be a Unix path.
 std::wstring FolderVariable(const wchar_t* name, const std::wstring& fallback) {
     wchar_t text[1024] = {};
     const DWORD length = GetEnvironmentVariableW(name, text, 1024);
@@ -74,7 +74,7 @@ BOOL CALLBACK LookAtTop(HWND window, LPARAM context) {
     return search.pane == nullptr;
 }
 
-// The settings that a first start in such a folder leaves behind, with detected compilers.
+// Returns the settings that a first start in such a folder writes, with the detected compilers.
 std::string SettingsOfFirstStart(const Furnishing& furnishing) {
     Furnishing bare = furnishing;
     bare.settings = false;
@@ -153,7 +153,7 @@ Folder::Folder(const Furnishing& furnishing) {
     }
     fs::create_directories(own / L"local");
     if (furnishing.settings) {
-        static std::string with;  // made once; detected paths are relative to the folder
+        static std::string with;  // made once, because the detected paths are relative to the folder
         static std::string without;
         std::string& settings = furnishing.compilers ? with : without;
         if (settings.empty()) settings = SettingsOfFirstStart({.compilers = furnishing.compilers});
@@ -162,12 +162,12 @@ Folder::Folder(const Furnishing& furnishing) {
 }
 
 Folder::~Folder() {
-    std::error_code ignored;  // a file may still be held for a moment by a process that was just ended
+    std::error_code ignored;  // a process that has just ended may hold a file for a moment
     fs::remove_all(path_, ignored);
 }
 
 Program::Program(Kind kind, const Folder& folder, const std::wstring& file) {
-    // What the program keeps for the user goes into the folder as well.
+    // The program's files for the user go into the folder too.
     SetEnvironmentVariableW(L"LOCALAPPDATA", (folder.Path() + L"local").c_str());
     const std::wstring line = L"\"" + folder.Path() +
                               (kind == Kind::Floor ? L"bench\\floor.exe\" \"" : L"KVX-Editor.exe\" --open \"") + file +
@@ -204,9 +204,9 @@ double Program::AwaitReady(std::size_t length) {
     return NowMs() - started_;
 }
 
-// Windows keeps these counters itself; Wine answers with VmRSS and VmHWM of the Linux process.
+// Windows has these counters itself. Wine returns VmRSS and VmHWM of the Linux process.
 Memory Program::SettledMemory() const {
-    constexpr int kSameFor = 10;  // looks
+    constexpr int kSameFor = 10;  // equal readings in a row
     constexpr DWORD kPauseMs = 100;
     PROCESS_MEMORY_COUNTERS counters = {};
     SIZE_T last = 0;

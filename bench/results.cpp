@@ -1,4 +1,4 @@
-// Statistics, and the table of results.
+// The statistics and the table of results.
 #include "bench.h"
 
 #include <algorithm>

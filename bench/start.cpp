@@ -1,5 +1,5 @@
-// From the start of the process to an editable file, and the memory that it takes. Floor and editor take turns, so that
-// both see the same load of the machine.
+// Measures the time from the start of the process to an editable file, and the memory. The floor program and the editor
+// are started in turn, so that both have the same load of the machine.
 #include "bench.h"
 
 #include <string>
@@ -11,7 +11,7 @@ struct Case {
     std::size_t size;
     Furnishing furnishing;
     int runs;
-    double maxTime;  // goals as multiples of the floor, 0: none
+    double maxTime;  // goals as multiples of the floor; 0: none
     double maxResident;
     double maxPeak;
 };
@@ -48,7 +48,7 @@ void MeasureStart() {
         Figures floor;
         Figures editor;
         Figures unused;
-        RunOnce(Kind::Floor, c, file, size, &unused);  // brings the file and both programs into the system's cache
+        RunOnce(Kind::Floor, c, file, size, &unused);  // loads the file and both programs into the system's cache
         RunOnce(Kind::Editor, c, file, size, &unused);
         for (int run = 0; run < c.runs; ++run) {
             RunOnce(Kind::Floor, c, file, size, &floor);

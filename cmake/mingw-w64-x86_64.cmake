@@ -1,4 +1,5 @@
-# Cross build for 64-bit Windows with Debian's MinGW-w64. The -posix variant: the other one has no std::mutex.
+# Cross build for 64-bit Windows with MinGW-w64 of Debian. The -posix variant is used, because the other one has no
+# std::mutex.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR AMD64)
 set(prefix x86_64-w64-mingw32)

@@ -1,13 +1,14 @@
-# Compiler options as targets: link kvx_warnings for our own code, kvx_windows for what touches Windows.
+# Compiler options as targets: link kvx_warnings for this project's own code, kvx_windows for code that uses Windows.
 
-# Third-party headers come in as SYSTEM includes and their sources are built without these.
+# Third-party headers are SYSTEM includes, and third-party sources are built without these warnings.
 add_library(kvx_warnings INTERFACE)
 target_compile_options(kvx_warnings INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
-    # The members that a designated initialiser leaves out have the defaults that the record declares.
+    # Members that a designated initialiser leaves out get the defaults that the record declares.
     -Wno-missing-field-initializers)
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
-    # g++ leaves this out of -Wconversion in C++; both compilers are to ask for the same.
+    # In C++ the -Wconversion of g++ does not include -Wsign-conversion, and that of clang does. Both get the same
+    # warnings.
     target_compile_options(kvx_warnings INTERFACE -Wno-sign-conversion)
 endif()
 
@@ -18,7 +19,7 @@ if(WIN32)
     target_link_libraries(kvx_windows INTERFACE
         comctl32 comdlg32 shlwapi shell32 uxtheme dwmapi imm32 winhttp crypt32 ole32 oleaut32 uuid
         advapi32 gdi32 user32)
-    # No runtime library beside the program.
+    # The program needs no runtime DLL.
     add_link_options(-static)
 endif()
 
@@ -27,14 +28,15 @@ if(KVX_SANITIZE)
     add_compile_options(${sanitize} -g)
     add_link_options(${sanitize})
     if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
-        # Coverage for the fuzzers; the unit tests share the objects and pay little for it.
+        # The fuzzers need coverage. The unit tests share the objects and become only slightly slower.
         add_compile_options(-fsanitize=fuzzer-no-link)
     endif()
 endif()
 
-# Libraries that few runs need - file dialogs, protected settings - are loaded at the first call, not at every start: with
-# what they pull in they made up a sixth of the resident memory of an editor with a small file under Wine. The functions
-# that are called stand in cmake/delay/NAME.def; any other is a plain import, which loads the library at the start again.
+# Libraries for file dialogs and protected settings are loaded at the first call, because few runs need them. Loaded at
+# the start, they and their own libraries took a sixth of the resident memory of an editor with a small file under Wine.
+# cmake/delay/NAME.def lists the functions that are called. Any other function becomes a plain import, and its library
+# is then loaded at the start.
 function(kvx_delay_load target)
     if(NOT MINGW)
         return()
@@ -48,17 +50,17 @@ function(kvx_delay_load target)
             DEPENDS "${definition}" VERBATIM)
         add_custom_target(${name}_delay DEPENDS "${library}")
         add_dependencies(${target} ${name}_delay)
-        target_link_libraries(${target} PRIVATE "${library}")  # ahead of the import library: the first definition counts
+        target_link_libraries(${target} PRIVATE "${library}")  # before the import library: the first one is used
     endforeach()
 endfunction()
 
-# File pages as large as memory pages, so that the loader can map sections and only what is touched becomes resident.
-# Wine reads sections that are not aligned so into memory whole: 3.3 MB for Lexilla.dll, most of it lexers of other languages.
+# Aligns the file's sections to memory pages, so that the loader can map them and only used pages become resident. Wine
+# reads other sections into memory as a whole: 3.3 MB for Lexilla.dll, most of it lexers of other languages.
 function(kvx_page_aligned target)
     target_link_options(${target} PRIVATE -Wl,--file-alignment=4096)
 endfunction()
 
-# Keeps the executable small: its symbols go to NAME.debug in the build folder, where gdb finds them.
+# Keeps the executable small: its symbols are moved to NAME.debug in the build folder, where gdb finds them.
 function(kvx_split_debug_symbols target)
     if(CMAKE_OBJCOPY AND CMAKE_STRIP)
         set(symbols "${CMAKE_CURRENT_BINARY_DIR}/${target}.debug")
@@ -70,8 +72,9 @@ function(kvx_split_debug_symbols target)
     endif()
 endfunction()
 
-# Headers that nearly every file of a target includes, read once: that halves the time of a build from nothing. A target's
-# files still include what they use; the native build, which precompiles nothing, proves it for the pure ones.
+# Precompiled headers: headers that nearly every file of a target includes. They halve the time of a full build. The
+# files of a target still include the headers that they use; the native build precompiles nothing and so checks it for
+# the pure files.
 set(KVX_PCH_STANDARD <algorithm> <cstdint> <memory> <optional> <string> <string_view> <vector>)
 function(kvx_precompile target)
     if(NOT KVX_PCH)
@@ -79,8 +82,8 @@ function(kvx_precompile target)
     endif()
     target_precompile_headers(${target} PRIVATE ${ARGN})
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-        # The first is for ccache. Once MinGW's <wchar.h> is precompiled, GCC 12 takes its wmemcpy for our own code and
-        # warns of the library's use of it in std::wstring.
+        # ccache needs -fpch-preprocess. The other options turn off false warnings: once MinGW's <wchar.h> is
+        # precompiled, GCC 12 takes its wmemcpy for this project's code and warns of its use in std::wstring.
         target_compile_options(${target} PRIVATE -fpch-preprocess
             -Wno-array-bounds -Wno-stringop-overflow -Wno-stringop-overread)
     endif()

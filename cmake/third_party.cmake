@@ -1,9 +1,10 @@
-# The four libraries, from the sources that scripts/setup fetched or from copies named by cache variables:
+# The four libraries, built from the sources that scripts/setup fetched or from copies named by cache variables:
 #   third_party_scintilla    headers of Scintilla and Lexilla (the program loads the DLLs at run time)
 #   third_party_editing_dlls builds Scintilla.dll and Lexilla.dll, or copies installed ones, into KVX_DIST_DIR
 #   third_party_cjson        cJSON, static:  #include <cJSON.h>
 #   third_party_zydis        Zydis, static:  #include <Zydis/Zydis.h>
-# Nothing here is warned about, nor checked for undefined behaviour: it is not ours to change.
+# These libraries are built without warnings and without the undefined-behaviour checks, because their code is not
+# changed here.
 
 set(fetched "${CMAKE_SOURCE_DIR}/third_party")
 set(KVX_SCINTILLA_DIR "${fetched}/scite/scintilla" CACHE PATH
@@ -43,7 +44,7 @@ endif()
 # --- Zydis ---
 if(EXISTS "${KVX_ZYDIS_DIR}/src/Decoder.c")
     kvx_require("${KVX_ZYCORE_INCLUDE_DIR}/Zycore/Types.h" "Zycore (package libzycore-dev)")
-    # The one folder of headers, not all of the host's: those must not reach a cross build.
+    # Only this folder of headers is used, because the other headers of the host must not reach a cross build.
     set(zycore_include "${CMAKE_BINARY_DIR}/zycore_include")
     file(COPY "${KVX_ZYCORE_INCLUDE_DIR}/Zycore" DESTINATION "${zycore_include}")
     file(GLOB zydis_sources "${KVX_ZYDIS_DIR}/src/*.c")
@@ -71,7 +72,7 @@ target_include_directories(third_party_scintilla SYSTEM INTERFACE
 if(WIN32)
     add_custom_target(third_party_editing_dlls ALL)
 
-    # A DLL under the exact name that the program loads.
+    # Builds a DLL under the exact name that the program loads.
     function(kvx_editing_dll name sources libraries)
         add_library(${name} SHARED ${sources})
         target_compile_features(${name} PRIVATE cxx_std_17)
@@ -85,7 +86,7 @@ if(WIN32)
         add_dependencies(third_party_editing_dlls ${name})
     endfunction()
 
-    # An installed DLL beside the program.
+    # Copies an installed DLL to the program's folder.
     function(kvx_copy_dll name folder)
         find_file(KVX_${name}_FILE NAMES ${name}.dll PATHS "${folder}" "${folder}/bin" NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
         kvx_require("${KVX_${name}_FILE}" "${name}.dll in ${folder}")

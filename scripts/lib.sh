@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# Shared by the scripts beside it: places, messages, privileges, the Wine prefix and the private X display.
-# Sourced, never run. Sets ROOT and friends; starts nothing by itself.
+# Shared by the scripts in this folder: paths, messages, root rights, the Wine prefix and the private X display. This
+# file is sourced, never run. It sets ROOT and other variables and starts nothing by itself.
 
 set -euo pipefail
 
@@ -8,7 +8,7 @@ ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 BUILD="$ROOT/build"
 DIST="$BUILD/dist"
 THIRD="$ROOT/third_party"
-# Where setup keeps what it knows about this machine (KEY=value lines, e.g. WINE32=yes).
+# The file where setup stores facts about this machine (KEY=value lines, e.g. WINE32=yes).
 STATE="$BUILD/setup.state"
 export ROOT BUILD DIST THIRD STATE
 
@@ -31,7 +31,7 @@ as_root() {
     fi
 }
 
-# quietly LOGFILE COMMAND...: output to the log; on failure its last lines are shown.
+# quietly LOGFILE COMMAND...: runs the command with its output in the log; on failure prints the last lines of the log.
 quietly() {
     local log="$1"; shift
     mkdir -p "$(dirname "$log")"
@@ -56,9 +56,9 @@ state_set() {
     mv "$STATE.new" "$STATE"
 }
 
-# --- Paths between the two worlds ---------------------------------------------------------------------------------
+# --- Paths of Linux and of Windows --------------------------------------------------------------------------------
 
-# windows_path UNIXPATH: the same file as Wine names it (drive Z: is the root of this machine).
+# windows_path UNIXPATH: prints the path that Wine has for this file (drive Z: is the root of this machine).
 windows_path() {
     local path="$1"
     case "$path" in
@@ -73,7 +73,7 @@ windows_path() {
 XVFB_PID=""
 WINE_STARTED=""
 
-# Ends what this script started: its own X server, and the Wine processes of its own prefix.
+# Ends the X server and the Wine processes that this script started.
 cleanup() {
     if [ -n "$WINE_STARTED" ]; then
         wineserver -k >/dev/null 2>&1 || true
@@ -110,14 +110,16 @@ start_xvfb() {
 
 # --- Wine -----------------------------------------------------------------------------------------------------------
 
-# use_wine FOLDER: makes it the Wine prefix of this script, creating it once. Another folder than the default keeps the
-# tests apart from a program that is in use: every prefix has its own processes, registry and desktop.
+# use_wine FOLDER: makes the folder the Wine prefix of this script and creates it once. The tests use another folder
+# than the default, so that they do not affect a program in use: each prefix has its own processes, registry and
+# desktop.
 use_wine() {
     export WINEPREFIX="$1"
-    # Neither the .NET nor the HTML engine: Wine would ask to download them.
+    # The .NET and HTML engines are turned off, because Wine would ask to download them.
     export WINEDLLOVERRIDES="mscoree,mshtml="
     export WINEDEBUG="${WINEDEBUG:--all}"
-    # File names outside ASCII need a UTF-8 locale, and the regional settings should not differ between machines.
+    # File names outside ASCII need a UTF-8 locale. A fixed locale also gives the same regional settings on every
+    # machine.
     export LC_ALL=C.UTF-8
     unset LANG LANGUAGE
     have wine || die "Wine is not installed; run scripts/setup"
@@ -129,7 +131,7 @@ use_wine() {
     mkdir -p "$(dirname "$WINEPREFIX")"
     quietly "$BUILD/logs/wineboot.log" timeout -k 10 240 wine wineboot -i || die "wineboot failed"
     quietly "$BUILD/logs/winecfg.log" timeout -k 10 60 wine winecfg -v win10 || die "winecfg failed"
-    # The caption buttons and other signs are letters of these; Debian's Wine does not find them by itself.
+    # The caption buttons and other signs are letters of these fonts, which Debian's Wine does not find by itself.
     local font
     for font in marlett symbol webdings wingding; do
         if [ -f "/usr/share/wine/fonts/$font.ttf" ]; then
@@ -138,9 +140,9 @@ use_wine() {
         fi
     done
     local settings="$WINEPREFIX/kvx.reg"
-    # One desktop of a known size inside the X screen: captions and focus without a window manager. Fonts that Windows
-    # has and Wine has not are replaced by ones that look alike and may be smoothed at small sizes (the Liberation fonts
-    # may not); a crash is to end the program, not to open a dialog.
+    # Wine gets one desktop of a known size inside the X screen, so that captions and focus work without a window
+    # manager. Fonts of Windows that Wine lacks are replaced by similar ones that may be smoothed at small sizes; the
+    # Liberation fonts may not. A crash ends the program instead of opening a dialog.
     cat >"$settings" <<'REG'
 REGEDIT4
 
@@ -173,7 +175,8 @@ REG
 
 # --- One at a time ----------------------------------------------------------------------------------------------------
 
-# locked NAME COMMAND...: two builds in one folder at once would spoil each other; the second waits.
+# locked NAME COMMAND...: runs the command while no other script holds the lock. Two builds in one folder at the same
+# time would damage each other, so the second one waits.
 locked() {
     local name="$1" status=0; shift
     mkdir -p "$BUILD"

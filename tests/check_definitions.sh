@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Checks that no function is defined twice: the same name and parameters, visible outside its file, in two files of one
-# program. The linker notices two ordinary functions, but of an inline or constexpr one it silently keeps any, or the
-# compiler expands one of them here and the other one there.
+# program. The linker reports two ordinary functions. Of two inline or constexpr functions it silently keeps one, or the
+# compiler expands each in its own file.
 #
-# The compiler's own records are asked, not the symbols: the debug information (-g1 is enough, at any level of
-# optimisation) names the file and line of each definition, also of one that is expanded at every call and so leaves no
-# symbol. What no source calls is in no object file, and is not seen.
+# The debug information is read, not the symbols, because it names the file and line of every definition, also of a
+# function that is expanded at every call and has no symbol. -g1 suffices, at any optimisation level. A function that no
+# source calls is in no object file and is not checked.
 #
 #   check_definitions.sh BUILD-FOLDER     one line a fault; the last line counts
 set -euo pipefail
@@ -15,13 +15,14 @@ build="${1:?the folder of a build}"
 work="$(mktemp -d)"
 trap 'rm -rf "$work"' EXIT
 
-# Our own object files; their path names the target that they are part of.
+# The object files of this project. Their path names the target that they belong to.
 find "$build" \( -name '*.cpp.o' -o -name '*.cpp.obj' \) -path '*.dir/*' ! -path '*/third_party/*' ! -path '*/gtest/*' |
     sort >"$work/objects"
 [ -s "$work/objects" ] || { echo "definitions: no object files in $build" >&2; exit 1; }
 
-# Prints "target symbol place name" for each definition that is visible outside its file and stands in our own sources.
-# Their folder may be named in several ways, by a compiler cache also as that of another clone, and is left out.
+# Prints "target symbol place name" for each definition that is visible outside its file and is in this project's
+# sources. The folder is left out of the place, because it may be named in several ways; a compiler cache may name the
+# folder of another clone.
 definitions() {
     llvm-dwarfdump --debug-info "$@" | awk '
         function put() {
@@ -31,7 +32,7 @@ definitions() {
             if (!match(file, /\/(src|tests|bench|samples\/toolchain)\//)) return
             print target, symbol, substr(file, RSTART + 1) ":" line, name
         }
-        # "PATH.dir/src/area/file.cpp.obj:  file format ..."
+        # The line is "PATH.dir/src/area/file.cpp.obj:  file format ...".
         /:[ \t]+file format / {
             if (inside) put()
             target = $0
@@ -58,7 +59,8 @@ xargs -P "$(nproc)" -n 40 bash -c 'definitions "$@" >"'"$work"'/found.$$"' defin
 sort -u "$work"/found.* >"$work/all"
 [ -s "$work/all" ] || { echo "definitions: the object files have no debug information" >&2; exit 1; }
 
-# A library (kvx_*) may be part of any program, so its definitions meet all others; those of two programs never meet.
+# A library (kvx_*) may be part of any program, so its definitions are compared with all others. Definitions of two
+# programs are not compared.
 awk '
     { target[NR] = $1; symbol[NR] = $2; place[NR] = $3; name[NR] = $4; of[$2] = of[$2] " " NR }
     END {

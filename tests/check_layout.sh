@@ -1,21 +1,21 @@
 #!/usr/bin/env bash
-# Checks what no compiler does: which folder may include which, what a pure file must not touch, how long a file may
-# get, and that the text of the project can be understood from the project alone. One line a fault; the last line counts.
-# Needs nothing but a shell, awk, grep and find.
+# Checks rules that no compiler checks: which folder may include which, what a pure file must not use, the length of
+# files, and that the texts refer to nothing outside the project. Prints one line for each fault; the last line counts.
+# Needs only a shell, awk, grep and find.
 set -euo pipefail
 
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "${1:-$root}"
 
-# A folder includes itself and those before it: then nothing can reach a folder to its right, through any number of headers,
-# and no two folders can be in a circle. Numbers of commands and controls (resources/ids.h) are open to all.
+# A folder may include itself and the folders before it. So no folder can reach one to its right through any number of
+# headers, and no two folders can include each other. Every folder may include resources/ids.h.
 folders="base files settings ui scintilla language documents tabs output compile program disasm debugger debugui session search ai commands selftest app"
 longest=600
 
 faults="$(mktemp)"
 trap 'rm -f "$faults"' EXIT
 
-# check NAME COMMAND...: what the command prints are faults.
+# check NAME COMMAND...: runs the command; each line that it prints is a fault.
 checks=0
 failed=0
 check() {
@@ -32,7 +32,7 @@ check() {
 sources() { find src -type f \( -name '*.cpp' -o -name '*.h' \) | sort; }
 pure_sources() { find src -type f -name '*.cpp' ! -name '*_win.cpp' | sort; }
 
-# Every text file that is ours.
+# Lists every text file of this project.
 texts() {
     find . -name .git -prune -o -path ./build -prune -o -path ./third_party -prune -o \
         -type f ! -name '*.ico' ! -name '*.png' ! -path './tests/fuzz/corpus/*' -print | sort
@@ -55,14 +55,14 @@ include_direction() {
         }'
 }
 
-# An area declares its part of the global record in its own header; the whole record is for the right end alone. What is
-# declared in no header could be reached from anywhere.
+# Each area declares its part of the global record in its own header; only app/ and selftest/ use the whole record. A
+# global that is declared in no header could be used from anywhere.
 global_record() {
     sources | grep -vE '^src/(app|selftest)/' | xargs -r grep -nH '\bg_app\.' || true
     find src -type f -name '*.cpp' | sort | xargs -r grep -nHE '^[ \t]*extern [^"]' | sed 's/$/  (declare it in a header)/' || true
 }
 
-# What is system-specific, and the one global record, belong to the _win files.
+# Only _win files may use Windows and the global record.
 pure_files() {
     pure_sources | xargs -r grep -nHiE \
         '#[ \t]*include[ \t]*<(windows|windowsx|winuser|wingdi|winbase|commctrl|commdlg|richedit|shellapi|shlwapi|shlobj|shobjidl|winhttp|wincrypt|dpapi|uxtheme|dwmapi|tlhelp32|psapi|unistd|sys/[a-z]+)\.h>|(^|[^_[:alnum:]])g_(app|[a-z]+[A-Z]?[a-z]*)\.|_state\.h"' ||
@@ -77,8 +77,8 @@ file_length() {
             END { if (lines > longest) print file ": " lines " lines, " longest " are the limit" }'
 }
 
-# A header that is included first somewhere is proved to stand alone there. A _win file without a header of its own name
-# starts with one of its folder: the rule's and the window's part of a feature may share one.
+# A header that some file includes first is known to compile alone. A _win file without a header of its own name starts
+# with a header of its folder, because the pure part and the window part of a feature may share one.
 own_header_first() {
     local source base header first
     while read -r source; do
@@ -100,7 +100,7 @@ pragma_once() {
     find src -type f -name '*.h' | sort | xargs -r grep -L '^#pragma once' | sed 's/$/: no #pragma once/' || true
 }
 
-# A reader has this repository and nothing else: a pointer to a document that is not in it leads nowhere.
+# A reader has only this repository, so no text may refer to a document outside it.
 outside_references() {
     texts | xargs -r grep -nHIE '\b[Ss][p]ec(ification)?s?\b|\bPart [0-9]+\.[0-9]+|\.\./s[h]ared' || true
 }

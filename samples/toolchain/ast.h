@@ -1,5 +1,5 @@
-// The program as a tree. The parser builds it from names, the checker resolves names and types and lowers SELECT CASE
-// and FOR to plainer forms, the code generator only walks it.
+// The program as a syntax tree. The parser builds it. The checker resolves names and types and replaces SELECT CASE and
+// FOR by simpler forms. The code generator only reads it.
 #pragma once
 
 #include "source.h"
@@ -31,14 +31,14 @@ enum class Storage : uint8_t {
 };
 
 struct Symbol {
-    std::string name;  // upper case; empty for the compiler's own temporaries
+    std::string name;  // upper case; empty for temporaries of the compiler
     Type type = Type::Long;
     Storage storage = Storage::Frame;
     bool isArray = false;
     bool isParameter = false;
     bool used = false;
-    int64_t count = 1;     // elements, 0..upper bound; unknown (0) for array parameters
-    int32_t offset = 0;    // from the frame pointer or the data base, set by the layout
+    int64_t count = 1;     // number of elements; 0 (unknown) for array parameters
+    int32_t offset = 0;    // offset from the frame pointer or the start of the data; set by the layout
     std::string spelling;  // as the programmer wrote it
     Pos pos;
 };
@@ -97,7 +97,7 @@ struct Expr {
     ExprKind kind = ExprKind::Number;
     Op op = Op::Add;
     Type type = Type::Long;
-    int depth = 1;  // of the tree below, bounded by the parser
+    int depth = 1;  // depth of the tree; the parser limits it
     Pos pos;
     std::string name;  // upper case
     std::string spelling;
@@ -106,7 +106,7 @@ struct Expr {
     Symbol* symbol = nullptr;
     Procedure* procedure = nullptr;
     std::vector<ExprPtr> args;
-    std::vector<Symbol*> temporaries;  // Call: where a BYREF argument that is no variable is put, else null
+    std::vector<Symbol*> temporaries;  // Call: for each argument the place of a BYREF value, or null
 };
 
 enum class StmtKind : uint8_t {
@@ -147,7 +147,7 @@ struct PrintItem {
 struct Stmt {
     StmtKind kind = StmtKind::Assign;
     Pos pos;
-    Pos end{};  // the closing line of a block
+    Pos end{};  // position of a block's closing line
     ExprPtr target, value, limit, step;
     ExprPtr condition, postCondition, increment;
     std::vector<Branch> branches;
@@ -168,7 +168,7 @@ struct Procedure {
     std::map<std::string, Symbol*> names;
     std::vector<Stmt> body;
     Symbol* resultSlot = nullptr;
-    int label = -1;  // the encoder's
+    int label = -1;  // index into Encoder::labels; -1: none yet
 };
 
 struct Program {

@@ -1,4 +1,5 @@
-// One pass over each procedure, top down; expressions are rewritten in place, so that the generator sees only resolved kinds.
+// Checks each procedure in one pass, top down. Expressions are changed in place, so that the generator sees only
+// resolved kinds.
 #include "checker.h"
 
 #include <algorithm>
@@ -40,7 +41,7 @@ ExprPtr MakeBinary(Op op, ExprPtr left, ExprPtr right, Type type) {
     return expr;
 }
 
-// After an error: a value that lets the check go on.
+// Used after an error: makes the expression a 0, so that the check can go on.
 void BecomeZero(Expr& expr) {
     expr.kind = ExprKind::Number;
     expr.type = Type::Long;
@@ -62,7 +63,7 @@ Symbol* FindVariable(Checker& c, const std::string& name) {
     return module == c.program.moduleNames.end() ? nullptr : module->second;
 }
 
-// A number that the narrower type holds exactly changes its type without a warning or code.
+// Changes the type of a number that the narrower type holds exactly, without a warning and without code.
 bool ConvertNumber(Expr& expr, Type to) {
     if (to == Type::Double) {
         expr.real = static_cast<double>(expr.whole);
@@ -92,7 +93,7 @@ void CheckUnary(Checker& c, ExprPtr& expr) {
     if (expr->op == Op::Not && expr->args[0]->type == Type::Double) Convert(c, expr->args[0], Type::Quad);
     expr->type = expr->args[0]->type;
     if (expr->op != Op::Neg || expr->args[0]->kind != ExprKind::Number) return;
-    ExprPtr number = std::move(expr->args[0]);  // -5 is a number, so that it converts like one
+    ExprPtr number = std::move(expr->args[0]);  // -5 becomes a number, because numbers convert without code
     number->whole = static_cast<int64_t>(0 - static_cast<uint64_t>(number->whole));
     number->real = -number->real;
     if (number->type == Type::Quad && number->whole == static_cast<int32_t>(number->whole)) number->type = Type::Long;
@@ -127,7 +128,7 @@ void CheckBinary(Checker& c, Expr& expr) {
 
 void Undeclared(Checker& c, Expr& expr, const std::string& message) {
     Report(c.sources, Code::Undeclared, expr.pos, message, "LOCAL " + expr.spelling + " AS LONG");
-    Symbol* const stand = NewTemporary(c, Type::Long);  // one message a name and procedure
+    Symbol* const stand = NewTemporary(c, Type::Long);  // so that the name is reported once a procedure
     c.procedure->names[expr.name] = stand;
     expr.kind = ExprKind::Variable;
     expr.symbol = stand;
@@ -164,7 +165,7 @@ void CheckName(Checker& c, Expr& expr) {
     Undeclared(c, expr, "variable '" + expr.spelling + "' is not declared");
 }
 
-// The array that an expression "name" or "name()" means, or null.
+// Returns the array that an expression "name" or "name()" means, or null.
 Symbol* WholeArray(Checker& c, const Expr& expr) {
     const bool shape = expr.kind == ExprKind::Name || (expr.kind == ExprKind::Apply && expr.args.empty());
     Symbol* const symbol = shape ? FindVariable(c, expr.name) : nullptr;
@@ -233,7 +234,7 @@ bool CheckBuiltIn(Checker& c, ExprPtr& expr) {
         return true;
     }
     CheckExpr(c, expr->args[0]);
-    if (toLong) {  // a conversion that was asked for: no warning
+    if (toLong) {  // the programmer asked for the conversion: no warning
         expr->kind = ExprKind::Convert;
         expr->type = Type::Long;
         return true;
@@ -303,7 +304,8 @@ void CheckAssign(Checker& c, Stmt& stmt) {
         Convert(c, stmt.value, stmt.target->type);
 }
 
-// condition: var <= limit for a step known to be positive, >= for a negative one, else both, guarded by the sign.
+// The condition is var <= limit for a step known to be positive, and >= for a negative one. For other steps it is both,
+// chosen by the sign of the step.
 void CheckFor(Checker& c, Stmt& stmt) {
     const Pos pos = stmt.pos;
     if (stmt.value) {

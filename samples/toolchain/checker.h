@@ -1,4 +1,5 @@
-// Gives every name its meaning and every expression its type, inserts conversions, lowers FOR and SELECT CASE, and warns.
+// Resolves every name, gives every expression its type, inserts conversions, replaces FOR and SELECT CASE by simpler
+// forms, and warns.
 #pragma once
 
 #include "ast.h"

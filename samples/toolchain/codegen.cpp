@@ -1,4 +1,4 @@
-// Statements, procedures and the layout of variables.
+// Generates statements and procedures, and lays out variables.
 #include "codegen.h"
 
 #include "debug_map.h"
@@ -12,8 +12,8 @@ void GenerateBody(Generator& g, const std::vector<Stmt>& body);
 
 // ---- lines -----------------------------------------------------------------------------------------------------
 
-// Traps of earlier lines that have no code of their own (LOCAL, END SELECT, continued lines), so that traps and lines
-// stay in step.
+// Emits the traps of earlier lines that have no code of their own (LOCAL, END SELECT, continued lines), so that the
+// order of traps is the order of lines.
 void TrapsBefore(Generator& g, int line) {
     while (g.e.traps && g.nextTrap < g.trapLines.size() && g.trapLines[g.nextTrap] < line) {
         Trap(g.e);
@@ -23,7 +23,7 @@ void TrapsBefore(Generator& g, int line) {
 
 void TrapsUpTo(Generator& g, int line) { TrapsBefore(g, line + 1); }
 
-// A statement's code starts here.
+// Called where a statement's code starts.
 void Mark(Generator& g, Pos pos) {
     TrapsBefore(g, pos.line);
     const uint32_t here = Offset(g.e);
@@ -56,10 +56,11 @@ void GeneratePrint(Generator& g, const Stmt& stmt) {
                                                          : g.run.printReal);
         }
     }
-    if (g.debug) Call(e, g.run.flush);  // someone steps through: show each line at once
+    if (g.debug) Call(e, g.run.flush);  // in a debug build each line is shown at once, because the user may step
 }
 
-// IF and SELECT CASE. A branch's test is its own statement: a stop on CASE or ELSEIF means that the test comes next.
+// Generates IF and SELECT CASE. The test of a branch is a statement of its own: a stop on CASE or ELSEIF means that the
+// test comes next.
 void GenerateBranches(Generator& g, const Stmt& stmt) {
     Encoder& e = g.e;
     const int end = NewLabel(e);
@@ -97,7 +98,7 @@ void GenerateFor(Generator& g, const Stmt& stmt) {
     GenerateExpr(g, *stmt.increment);
     const Type type = stmt.target->type;
     if (type != Type::Double)
-        JumpIf(e, Cond::O, end);  // the flags of the addition: past the type's end is past the limit
+        JumpIf(e, Cond::O, end);  // on overflow of the addition the loop ends, because the value is past the limit
     StoreTo(g, type, MemOf(g, *stmt.target->symbol));
     Jump(e, top);
     Bind(e, end);
@@ -107,7 +108,7 @@ void GenerateLoop(Generator& g, const Stmt& stmt) {
     Encoder& e = g.e;
     const int top = NewLabel(e), end = NewLabel(e);
     TrapsBefore(g, stmt.pos.line);
-    if (!stmt.condition) TrapsUpTo(g, stmt.pos.line);  // DO alone: passed once, not at each turn
+    if (!stmt.condition) TrapsUpTo(g, stmt.pos.line);  // a DO without a condition is passed once, not at each turn
     Bind(e, top);
     if (stmt.condition) {
         Mark(g, stmt.pos);
@@ -156,8 +157,8 @@ void GenerateBody(Generator& g, const std::vector<Stmt>& body) {
 
 int64_t BytesOf(const Symbol& symbol) { return symbol.isArray ? 8 + symbol.count * SizeOf(symbol.type) : 8; }
 
-// Offsets of parameters and locals; the size of the frame below bp. Offsets whose bytes would look like traps are
-// passed over.
+// Sets the offsets of parameters and locals and returns the bytes of the frame below bp. Offsets that contain the trap
+// byte are skipped.
 int32_t LayOutFrame(Generator& g, Procedure& procedure) {
     const int32_t word = g.profile.x64 ? 8 : 4;
     int32_t above = 2 * word;  // saved bp, return address
@@ -175,7 +176,8 @@ int32_t LayOutFrame(Generator& g, Procedure& procedure) {
     return (below + 16) & ~15;
 }
 
-// Checks the stack, takes the frame and clears it from the top down, so that guard pages are met one by one.
+// Checks the stack, allocates the frame and clears it from the top down, because the guard pages must be touched in
+// order.
 void GeneratePrologue(Generator& g, int32_t frame) {
     Encoder& e = g.e;
     PushReg(e, BP);
@@ -250,7 +252,7 @@ void LayOutData(Generator& g) {
 }  // namespace
 
 // With a .sdbg map PBMAIN comes first, so that the first mapped line is where the program starts. With traps it comes
-// last, since the reader takes every 0xCC from its start to the section's end for a statement.
+// last, because the reader takes every 0xCC from its start to the section's end for a statement.
 void GenerateProgram(Generator& g) {
     g.image.x64 = g.e.x64 = g.profile.x64;
     PlaceRuntimeData(g);

@@ -18,18 +18,18 @@ struct Image {
     bool x64 = true;
     std::vector<uint8_t> text;
     std::vector<uint8_t> data;              // initialised part
-    uint32_t dataSize = 0;                  // with the zeroed part behind it
-    std::vector<uint32_t> dataRvaFixups;    // offsets in data of 32-bit values that get the section's RVA added
+    uint32_t dataSize = 0;                  // with the zeroed part after it
+    std::vector<uint32_t> dataRvaFixups;    // offsets in data of 32-bit values to which the section's RVA is added
     uint32_t imports = 0, importsSize = 0;  // import directory, offset in data
     uint32_t addressTable = 0, addressTableSize = 0;
-    uint32_t dataBaseAt = 0;    // offset in text of the 32-bit place that locates the data section
+    uint32_t dataBaseAt = 0;    // offset in text of the 32-bit field that refers to the data section
     std::vector<uint8_t> sdbg;  // line map section, may be empty
 };
 
 // The code of a statement starts here.
 struct LineRecord {
     uint32_t offset;  // in text
-    Pos pos;          // line 0: from here on no line is known
+    Pos pos;          // line 0: the following code has no line
 };
 
 enum class Import : uint8_t { GetStdHandle, WriteFile, ExitProcess, Sleep, AddHandler, Sprintf, Pow, Floor, Count };
@@ -71,7 +71,8 @@ struct Generator {
 inline constexpr uint32_t kOutBufferSize = 4096;
 inline constexpr uint32_t kStackReserve = 4u << 20;
 
-// Everything from the entry stub to the last procedure. `g` holds profile, sources, program, debug and e.listing.
+// Generates everything from the entry stub to the last procedure. `g` holds profile, sources, program, debug and
+// e.listing.
 void GenerateProgram(Generator& g);
 
 // codegen_expr.cpp

@@ -1,4 +1,4 @@
-// Expressions: see codegen.h for where values live.
+// Generates expressions. codegen.h says where values are kept.
 #include "codegen.h"
 
 namespace standin {
@@ -43,7 +43,7 @@ void GenerateNumber(Generator& g, const Expr& expr) {
     AddStack(g.e, 8);
 }
 
-// The address of an array's count into cx.
+// Loads the address of an array's count into cx.
 void ArrayAddress(Generator& g, const Symbol& array) {
     if (array.storage == Storage::Reference)
         Put(g.e, op::Load, g.e.x64, CX, Mem{BP, array.offset});
@@ -51,13 +51,13 @@ void ArrayAddress(Generator& g, const Symbol& array) {
         Put(g.e, op::Lea, g.e.x64, CX, Mem{array.storage == Storage::Data ? BX : BP, array.offset});
 }
 
-// The address of an element into cx, with the index checked.
+// Checks the index and loads the address of the element into cx.
 void ElementInto(Generator& g, const Expr& expr) {
     GenerateExpr(g, *expr.args[0]);
     ArrayAddress(g, *expr.symbol);
     Put(g.e, op::Cmp, false, AX, Mem{CX, 0});
     const int good = NewLabel(g.e);
-    JumpIf(g.e, Cond::Below, good);  // as unsigned numbers, so that negative ones fail too
+    JumpIf(g.e, Cond::Below, good);  // an unsigned comparison, so that negative indexes fail too
     MoveNumber(g.e, DI, expr.pos.line);
     Call(g.e, g.run.badIndex);
     Bind(g.e, good);
@@ -139,7 +139,7 @@ void GenerateUnary(Generator& g, const Expr& expr) {
     PutOne(e, op::Neg, false, DX);
 }
 
-// Left in xmm0, right in xmm1.
+// The left operand is in xmm0, the right one in xmm1.
 void RealOperation(Generator& g, const Expr& expr) {
     Encoder& e = g.e;
     switch (expr.op) {
@@ -150,7 +150,7 @@ void RealOperation(Generator& g, const Expr& expr) {
         case Op::Pow: return Call(e, g.run.power);
         default: break;
     }
-    const bool swap = expr.op == Op::Gt || expr.op == Op::Ge;  // a > b is b < a, also for values that are no number
+    const bool swap = expr.op == Op::Gt || expr.op == Op::Ge;  // a > b is computed as b < a, which is right for NaN too
     const uint8_t predicate = expr.op == Op::Eq                        ? 0
                               : expr.op == Op::Ne                      ? 4
                               : expr.op == Op::Lt || expr.op == Op::Gt ? 1
@@ -170,7 +170,7 @@ Cond CondOf(Op op) {
     }
 }
 
-// Left in ax, right in cx.
+// The left operand is in ax, the right one in cx.
 void WholeOperation(Generator& g, const Expr& expr, bool wide) {
     Encoder& e = g.e;
     switch (expr.op) {
@@ -207,7 +207,7 @@ void PairCompare(Generator& g, Op op) {
     SetIf(e, op == Op::Gt ? Cond::Less : Cond::GreaterEq);
 }
 
-// Left in edx:eax, right in esi:ecx.
+// The left operand is in edx:eax, the right one in esi:ecx.
 void PairOperation(Generator& g, const Expr& expr) {
     Encoder& e = g.e;
     const auto both = [&e](const Instr& low, const Instr& high) {

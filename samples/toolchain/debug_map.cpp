@@ -1,4 +1,5 @@
-// Line maps as bytes. What counts as a statement line is the reader's rule, so it looks at the text, not at the tree.
+// Writes line maps. The reader of a map decides which lines are statements, so this file looks at the text of the
+// lines, not at the tree.
 #include "debug_map.h"
 
 #include "lexer.h"
@@ -8,7 +9,7 @@ namespace {
 
 bool IsBlankChar(char c) { return c == ' ' || c == '\t'; }
 
-// After the first `count` characters comes nothing, a line end or one of `allowed`.
+// True when the first `count` characters are followed by nothing, a line end or one of `allowed`.
 bool EndsAfter(std::string_view line, size_t count, std::string_view allowed) {
     return line.size() <= count || line[count] == '\r' || allowed.find(line[count]) != std::string_view::npos;
 }
@@ -47,8 +48,8 @@ std::vector<int> StatementLinesOfMain(std::string_view source) {
     return lines;
 }
 
-// Version 1 has 16-bit lines and no files: code of included files and of lines beyond 65535 gets line 0, "unknown",
-// rather than a wrong line.
+// Version 1 has 16-bit line numbers and no files. Code of included files and of lines above 65535 therefore gets line 0
+// ("unknown").
 std::vector<uint8_t> BuildSdbg(const Generator& g, uint32_t textRva) {
     const bool v1 = g.profile.debugMap == DebugMap::SdbgV1;
     std::vector<uint8_t> out;

@@ -9,10 +9,10 @@ namespace standin {
 // FUNCTION or END SUB inclusive, without comments, blank lines, '#' in the first column, and lone ELSE and END IF.
 std::vector<int> StatementLinesOfMain(std::string_view source);
 
-// Section bytes for records with ascending addresses. `textRva` is added to each offset.
+// Returns the bytes of the section. Records have ascending addresses; `textRva` is added to each offset.
 std::vector<uint8_t> BuildSdbg(const Generator& g, uint32_t textRva);
 
-// README.md describes the bytes.
+// Returns the bytes of the .pbd file, which README.md describes.
 std::string BuildPbd(uint32_t mainAddress);
 
 }  // namespace standin

@@ -1,4 +1,4 @@
-// The command lines of the five and the order of a run: read, parse, check, generate, link, write, report.
+// Parses the command lines of the five compilers and runs the steps: read, parse, check, generate, link, write, report.
 #include "driver.h"
 
 #include "checker.h"
@@ -22,7 +22,7 @@ struct Options {
     bool link = false;  // Keldor style: /L
 };
 
-// Switches that begin with '/' are compared without regard to case.
+// Compares switches; those that begin with '/' without regard to case.
 bool SameSwitch(std::string_view arg, std::string_view name) {
     return !name.empty() && (name[0] == '/' ? UpperCase(arg) == UpperCase(name) : arg == name);
 }
@@ -31,14 +31,14 @@ bool SwitchPrefix(std::string_view arg, std::string_view name) {
     return !name.empty() && arg.size() >= name.size() && SameSwitch(arg.substr(0, name.size()), name);
 }
 
-// The value behind a switch: attached, or the next argument.
+// Takes the value of a switch: the rest of the argument, or the next argument.
 bool TakeValue(const std::vector<std::string>& args, size_t& i, size_t prefix, std::string& value) {
     value = args[i].substr(prefix);
     if (value.empty() && i + 1 < args.size()) value = args[++i];
     return !value.empty();
 }
 
-// False with `why` set when the command line is not understood.
+// Returns false with the reason in `why` when the command line is not understood.
 bool ParseCommandLine(const Profile& profile, const std::vector<std::string>& args, Options& o, std::string& why) {
     const bool keldor = profile.style == CommandStyle::Keldor;
     std::string dir;
@@ -54,7 +54,7 @@ bool ParseCommandLine(const Profile& profile, const std::vector<std::string>& ar
         else if (SameSwitch(arg, profile.debugSwitch))
             o.debug = true;
         else if (arg == "-O0" || arg == "-O2")
-            continue;  // there is no optimiser to turn on or off
+            continue;  // accepted without effect, because there is no optimiser
         else if (keldor && SameSwitch(arg, "/L"))
             o.link = true;
         else if (keldor && SameSwitch(arg, "/Q"))
@@ -66,7 +66,7 @@ bool ParseCommandLine(const Profile& profile, const std::vector<std::string>& ar
             o.includeDirs.push_back(dir);
         } else if (!keldor && arg == "-o")
             complete = TakeValue(args, i, 2, o.output);
-        // A rooted path of other systems begins like a switch; a second separator tells them apart.
+        // An absolute Unix path begins like a switch. It is recognised by a second slash.
         else if (arg.starts_with("-") || (arg.starts_with("/") && arg.find('/', 1) == std::string::npos))
             why = "unknown switch '" + arg + "'";
         else if (!o.source.empty())
@@ -113,7 +113,7 @@ struct Run {
     const Options& options;
     Sources sources;
     Program program;
-    std::vector<std::string> written;  // lines about files, for the end
+    std::vector<std::string> written;  // lines about the written files, printed at the end
 };
 
 void WriteOutput(Run& run, const std::string& path, std::string_view bytes, std::string_view what) {
@@ -135,7 +135,7 @@ void BuildProgram(Run& run) {
     if (run.sources.errors == 0 && g.debug && kind == DebugMap::PbdTraps)
         WriteOutput(run, pbd, BuildPbd(kImageBase32 + kTextRva + g.mainOffset), "Debug database");
     else if (kind == DebugMap::PbdTraps)
-        RemoveFile(pbd);  // an old one would not fit the new program
+        RemoveFile(pbd);  // an old .pbd does not fit the new program
     const uint64_t base = run.profile.x64 ? 0x140000000 : kImageBase32;
     if (g.e.listing)
         WriteOutput(run, run.options.listing, BuildListing(g, run.options.source, base + kTextRva), "Listing");

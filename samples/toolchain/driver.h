@@ -1,4 +1,4 @@
-// One run of a stand-in: command line in, files and messages out.
+// Runs a stand-in compiler once.
 #pragma once
 
 #include "profile.h"
@@ -8,8 +8,8 @@
 
 namespace standin {
 
-// Exit codes: 0 good (warnings or not), 1 errors in the source or files, 2 a command line that is not understood.
-// `args` are UTF-8, without the program's name. Messages are appended to `messages`.
+// Returns the exit code: 0 for success (warnings or not), 1 for errors in the source or with files, 2 for a command
+// line that is not understood. `args` are UTF-8, without the program's name. Messages are appended to `messages`.
 int RunCompiler(const Profile& profile, const std::vector<std::string>& args, std::string& messages);
 
 }  // namespace standin

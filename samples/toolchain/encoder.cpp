@@ -1,4 +1,4 @@
-// The bytes of each instruction and, when a listing is wanted, its text beside them.
+// Writes the bytes of each instruction and, when a listing is wanted, its text.
 #include "encoder.h"
 
 #include <algorithm>
@@ -75,7 +75,7 @@ uint8_t RegField(const Instr& instr, Reg reg) {
     return instr.extension >= 0 ? static_cast<uint8_t>(instr.extension) : static_cast<uint8_t>(reg);
 }
 
-// A value to XOR with so that neither part holds the trap byte; 0 when the value is free of it.
+// Returns a value to XOR with, so that neither part contains the trap byte; 0 when the value does not contain it.
 uint32_t SplitKey(uint32_t value) {
     uint32_t key = 0;
     for (int i = 0; i < 4; ++i)
@@ -88,7 +88,7 @@ std::string LabelText(const Encoder& e, int label) {
     return name.empty() ? "L" + std::to_string(label) : name;
 }
 
-// A jump or call whose opcode bytes are `opcode`.
+// Emits a jump or call with the given opcode bytes.
 void Branch(Encoder& e, std::initializer_list<uint8_t> opcode, std::string_view name, int label) {
     const int64_t target = e.labels[static_cast<size_t>(label)].offset;
     const auto distance = [&] { return target - static_cast<int64_t>(e.code.size() + opcode.size() + 4); };

@@ -14,7 +14,7 @@
 namespace standin {
 
 enum Reg : uint8_t { AX, CX, DX, BX, SP, BP, SI, DI, R8, R9 };
-inline constexpr Reg X0 = AX, X1 = CX;  // xmm0 and xmm1, in the operand places that mean them
+inline constexpr Reg X0 = AX, X1 = CX;  // xmm0 and xmm1 as operands of SSE instructions
 
 struct Mem {
     Reg base;
@@ -25,7 +25,7 @@ struct Mem {
 struct Instr {
     std::string_view name;
     uint8_t prefix;  // 0, or 66, F2
-    bool escape;     // 0F before the opcode
+    bool escape;     // the byte 0F comes before the opcode
     uint8_t opcode;
     int8_t extension;  // -1: the register field holds an operand; 0..7: it is part of the opcode
     bool store;        // the register operand is the source, printed second
@@ -83,15 +83,15 @@ struct ListingLine {
 
 struct Encoder {
     bool x64 = true;
-    bool listing = false;  // collect text
-    bool traps = false;    // see above
+    bool listing = false;  // collect `lines`
+    bool traps = false;    // between BeginTraps and EndTraps
     std::vector<uint8_t> code;
     std::vector<ListingLine> lines;
 
     struct Label {
         int64_t offset = -1;            // -1: not bound yet
-        std::string name;               // of procedures and runtime routines, for the listing
-        std::vector<uint32_t> pending;  // offsets of the 32-bit distances that wait for it
+        std::string name;               // name of a procedure or runtime routine, for the listing
+        std::vector<uint32_t> pending;  // offsets of 32-bit distances that are filled in by Bind
     };
     std::vector<Label> labels;
     int64_t lastTrapEnd = -1;
@@ -109,24 +109,24 @@ void PutOne(Encoder& e, const Instr& instr, bool wide, Reg rm);  // neg, not, id
 void PutOne(Encoder& e, const Instr& instr, Mem mem);            // push, call, fild ...
 void PutBytes(Encoder& e, std::string_view text, std::initializer_list<uint8_t> bytes);
 
-void MoveNumber(Encoder& e, Reg reg, int32_t value);  // upper half of a 64-bit register becomes 0
-void MoveNumber64(Encoder& e, int64_t value);         // rax, x64 only, where there are no traps
+void MoveNumber(Encoder& e, Reg reg, int32_t value);  // the upper half of a 64-bit register becomes 0
+void MoveNumber64(Encoder& e, int64_t value);         // into rax; x64 only, where there are no traps
 void CompareByte(Encoder& e, bool wide, Reg reg, int8_t value);
-void AddStack(Encoder& e, int32_t bytes);  // positive frees
+void AddStack(Encoder& e, int32_t bytes);  // a positive value frees stack
 void ShiftRightSigned(Encoder& e, Reg reg, uint8_t bits);
 void ShiftRight(Encoder& e, Reg reg, uint8_t bits);
 void PushReg(Encoder& e, Reg reg);
 void PopReg(Encoder& e, Reg reg);
 void SetIf(Encoder& e, Cond cond);                                     // eax = -1 when the condition holds, else 0
-void CompareReal(Encoder& e, Reg left, Reg right, uint8_t predicate);  // left = all ones or zero
+void CompareReal(Encoder& e, Reg left, Reg right, uint8_t predicate);  // `left` becomes all ones or zero
 void ElementAddress(Encoder& e, int size);                             // cx = cx + ax * size + 8
-void Widen(Encoder& e, bool wide);                                     // sign of ax into dx
+void Widen(Encoder& e, bool wide);                                     // fills dx with the sign of ax
 void JumpIf(Encoder& e, Cond cond, int label);
 void Jump(Encoder& e, int label);
 void Call(Encoder& e, int label);
 void Ret(Encoder& e);
 void Leave(Encoder& e);
 void Nop(Encoder& e);
-void Trap(Encoder& e);  // one 0xCC, kept apart from an earlier one
+void Trap(Encoder& e);  // one 0xCC, separated from an earlier one
 
 }  // namespace standin

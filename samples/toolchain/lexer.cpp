@@ -17,11 +17,11 @@ bool IsEol(char c) { return c == '\n' || c == '\r'; }
 struct Scanner {
     Sources& sources;
     int file;
-    std::string text;  // a copy: reporting may grow the list of files while we read
+    std::string text;  // a copy, because Report may grow the list of files
     size_t at = 0;
     size_t lineStart = 0;
     int line = 1;
-    bool fresh = true;  // nothing but blanks on this line so far
+    bool fresh = true;  // only blanks so far on this line
     std::vector<Token> tokens;
 };
 
@@ -45,7 +45,7 @@ void SkipToEol(Scanner& s) {
     while (s.at < s.text.size() && !IsEol(s.text[s.at])) ++s.at;
 }
 
-// Steps over one line end of any kind: CR LF, LF or CR, as the editor counts lines.
+// Skips one line end: CR LF, LF or CR, as the editor counts lines.
 void PassEol(Scanner& s) {
     if (s.at < s.text.size() && s.text[s.at] == '\r' && s.at + 1 < s.text.size() && s.text[s.at + 1] == '\n') ++s.at;
     if (s.at < s.text.size()) ++s.at;
@@ -54,7 +54,7 @@ void PassEol(Scanner& s) {
     s.fresh = true;
 }
 
-// A '_' after a blank with nothing but a comment behind it joins the next line to this one.
+// Skips a continuation: a '_' after a blank, with only a comment after it, joins the next line to this one.
 bool PassContinuation(Scanner& s) {
     if (s.text[s.at] != '_' || (s.at > s.lineStart && !IsBlank(s.text[s.at - 1]))) return false;
     size_t ahead = s.at + 1;
@@ -86,7 +86,7 @@ void ScanString(Scanner& s) {
     Add(s, TokenKind::String, pos, {}).text = std::move(value);
 }
 
-// &HFF, &B101, &O17: up to 32 bits make a LONG (so &HFFFFFFFF is -1), more a QUAD.
+// Scans &HFF, &B101 or &O17. Up to 32 bits make a LONG (so &HFFFFFFFF is -1), more make a QUAD.
 void ScanRadix(Scanner& s) {
     const Pos pos = Here(s);
     const char letter = static_cast<char>(Peek(s, 1) & ~0x20);
@@ -162,7 +162,7 @@ void ScanMark(Scanner& s) {
         Add(s, TokenKind::Mark, pos, std::string(1, c));
         return;
     }
-    // One message for a whole run of such characters, however long.
+    // A run of such characters gives one message, however long it is.
     const auto strange = [](char x) { return x < 0 || (x > 0 && x < ' ' && !IsBlank(x) && !IsEol(x)) || x == 127; };
     const bool run = strange(c);
     while (++s.at < s.text.size() && run && strange(s.text[s.at])) {}
@@ -171,7 +171,7 @@ void ScanMark(Scanner& s) {
                : std::string("character '") + c + "' has no meaning here");
 }
 
-// Lines that are too long are reported once and skipped; false when this one is.
+// Reports and skips a line that is too long. Returns false for such a line.
 bool CheckLineLength(Scanner& s) {
     const size_t end = std::min(s.text.find_first_of("\r\n", s.at), s.text.size());
     if (end - s.at <= kMaxLineBytes) return true;

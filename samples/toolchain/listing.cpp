@@ -1,4 +1,4 @@
-// Joins three lists that ascend by offset: source lines, instruction texts, code bytes.
+// Joins three lists that are sorted by offset: source lines, instruction texts, code bytes.
 #include "listing.h"
 
 #include <array>
@@ -7,7 +7,7 @@
 namespace standin {
 namespace {
 
-// Line starts of one file, so that lines are found without counting again and again.
+// Splits a file into lines once, so that each line is found without counting.
 std::vector<std::string_view> SplitLines(std::string_view text) {
     std::vector<std::string_view> lines;
     while (!text.empty()) {

@@ -1,4 +1,4 @@
-// One executable a personality: KVX_STANDIN_NAME is the row of kProfiles to be.
+// Each personality is an executable of its own: KVX_STANDIN_NAME names its row of kProfiles.
 #include "driver.h"
 
 #include <cstdio>
@@ -21,7 +21,7 @@ int Run(int count, Char** arguments) {
             args.emplace_back(utf8.begin(), utf8.end());
         }
         result = standin::RunCompiler(profile, args, messages);
-    } catch (const std::exception& error) {  // out of memory, a name that is no valid Unicode
+    } catch (const std::exception& error) {  // no memory, or a name that is not valid Unicode
         messages += std::string(profile.name) + ": fatal error: " + error.what() + "\n";
     }
     std::fwrite(messages.data(), 1, messages.size(), stdout);
@@ -31,7 +31,7 @@ int Run(int count, Char** arguments) {
 }  // namespace
 
 #ifdef _WIN32
-int wmain(int count, wchar_t** arguments) { return Run(count, arguments); }  // names beyond the ANSI code page
+int wmain(int count, wchar_t** arguments) { return Run(count, arguments); }  // names outside the ANSI code page
 #else
 int main(int count, char** arguments) { return Run(count, arguments); }
 #endif

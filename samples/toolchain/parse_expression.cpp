@@ -1,4 +1,4 @@
-// Expressions by precedence climbing, and the arithmetic of constants.
+// Parses expressions by precedence climbing, and computes constants.
 #include "parser.h"
 
 #include <array>
@@ -71,7 +71,7 @@ ExprPtr ParseNumber(Parser& p) {
     return expr;
 }
 
-// A name, a call, an array element, a whole array "name()", or one of the built-in functions.
+// Parses a name, a call, an array element, a whole array "name()", or a built-in function.
 ExprPtr ParseNamed(Parser& p) {
     const Token token = Current(p);
     ++p.at;
@@ -146,7 +146,7 @@ ExprPtr ParseBinary(Parser& p, int level) {
 
 double AsReal(const Constant& c) { return c.type == Type::Double ? c.real : static_cast<double>(c.whole); }
 
-// Wraps like the machine code does.
+// Wraps the value on overflow, as the machine code does.
 int64_t Wrap(Type type, uint64_t value) {
     return type == Type::Long ? static_cast<int32_t>(static_cast<uint32_t>(value)) : static_cast<int64_t>(value);
 }

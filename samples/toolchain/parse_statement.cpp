@@ -1,4 +1,4 @@
-// Statements inside procedures, declarations and constants.
+// Parses statements inside procedures, declarations and constants.
 #include "parser.h"
 
 #include <algorithm>
@@ -7,7 +7,7 @@
 namespace standin {
 namespace {
 
-// Words of bigger BASICs, so that the message can say "not supported" instead of "unknown".
+// Words of other BASIC dialects, so that the message can say "not supported" instead of "unknown".
 constexpr std::array kForeign = {
     "GOTO",   "GOSUB", "RETURN",    "INPUT",  "LINE",     "OPEN",    "CLOSE",     "DATA",   "READ", "RESTORE",
     "TYPE",   "UNION", "REDIM",     "GLOBAL", "THREADED", "DECLARE", "ASM",       "ON",     "SWAP", "INCR",
@@ -16,7 +16,7 @@ constexpr std::array kForeign = {
 
 void ParseBlock(Parser& p, std::vector<Stmt>& body, std::string_view closing);
 
-// The word that ends or divides a block, when one stands here: "END IF", "NEXT", "CASE"; else empty.
+// Returns the word here that ends or divides a block ("END IF", "NEXT", "CASE"), or empty text.
 std::string ClosingWord(const Parser& p) {
     const Token& token = Current(p);
     if (token.kind == TokenKind::FileEnd) return "the end of the file";
@@ -27,7 +27,7 @@ std::string ClosingWord(const Parser& p) {
     if (token.text == "END")
         for (const std::string_view word : {"IF", "SELECT", "SUB", "FUNCTION"})
             if (next == word) return "END " + next;
-    // A procedure's heading inside a procedure: the END line is missing.
+    // A procedure's heading inside a procedure means that the END line is missing.
     if ((token.text == "SUB" || token.text == "FUNCTION") && token.firstOnLine && next != "=") return token.text;
     return {};
 }
@@ -43,14 +43,14 @@ void ExpectStatementEnd(Parser& p) {
     SkipLine(p);
 }
 
-// The closing line of a block: true when it is there; else the opening line is blamed.
+// Parses the closing line of a block. When it is missing, reports the opening line and returns false.
 bool CloseBlock(Parser& p, Stmt& stmt, std::string_view opening, std::string_view closing) {
     stmt.end = Current(p).pos;
     if (ClosingWord(p) == closing) {
         p.at += closing.find(' ') == std::string_view::npos ? 1 : 2;
         return true;
     }
-    p.unclosed = true;  // what stands here belongs to an enclosing block
+    p.unclosed = true;  // this line belongs to an enclosing block
     Report(p.sources, Code::Block, stmt.pos, std::string(opening) + " without " + std::string(closing),
            std::string(closing));
     return false;
@@ -110,7 +110,7 @@ std::optional<Op> TakeComparison(Parser& p) {
     return std::nullopt;
 }
 
-// CASE 1, 5 TO 9, IS > 100
+// Parses "CASE 1, 5 TO 9, IS > 100".
 void ParseCases(Parser& p, std::vector<CaseItem>& cases) {
     do {
         CaseItem item;
@@ -193,7 +193,7 @@ void ParseWhile(Parser& p, Stmt& stmt) {
     CloseBlock(p, stmt, "WHILE", "WEND");
 }
 
-// WHILE condition, or UNTIL condition as its negation; absent: null.
+// Parses "WHILE condition", or "UNTIL condition" as its negation. Gives null when both are absent.
 void ParseLoopCondition(Parser& p, ExprPtr& condition) {
     const bool until = IsWord(Current(p), "UNTIL");
     if (!until && !IsWord(Current(p), "WHILE")) return;
@@ -203,7 +203,7 @@ void ParseLoopCondition(Parser& p, ExprPtr& condition) {
     if (!until || !condition) return;
     auto zero = std::make_unique<Expr>();
     zero->pos = pos;
-    auto test = std::make_unique<Expr>();  // UNTIL x stops on any x but 0, so the loop goes on while x = 0
+    auto test = std::make_unique<Expr>();  // UNTIL x ends at any x but 0, so the loop goes on while x = 0
     test->kind = ExprKind::Binary;
     test->op = Op::Eq;
     test->pos = pos;
@@ -263,7 +263,7 @@ void ParseExit(Parser& p, Stmt& stmt) {
              "EXIT " + std::string(own));
 }
 
-// name = value, name(index) = value, name arguments, name(arguments)
+// Parses "name = value", "name(index) = value", "name arguments" and "name(arguments)".
 void ParseNameStatement(Parser& p, Stmt& stmt) {
     const Token name = Current(p);
     if (std::find(kForeign.begin(), kForeign.end(), name.text) != kForeign.end() && !IsMark(Ahead(p), "=")) {
@@ -299,7 +299,7 @@ void ParseNameStatement(Parser& p, Stmt& stmt) {
     if (!good) SkipLine(p);
 }
 
-// Statements that open no block. False when the word is none of them.
+// Parses a statement that opens no block. Returns false when the word begins none.
 bool ParseSimple(Parser& p, Stmt& stmt) {
     const Token& token = Current(p);
     if (TakeWord(p, "PRINT"))
@@ -382,8 +382,8 @@ void ParseSimpleStatements(Parser& p, std::vector<Stmt>& body) {
     }
 }
 
-// Statements up to a closing word that this or an enclosing block waits for. A closing word nobody waits for is
-// reported and passed over.
+// Parses statements up to a closing word that this or an enclosing block waits for. Any other closing word is reported
+// and skipped.
 void ParseBlock(Parser& p, std::vector<Stmt>& body, std::string_view closing) {
     if (p.blockDepth >= kMaxBlockDepth) {
         Fail(p, Code::Limit, "blocks are nested more than 64 deep");
@@ -424,7 +424,7 @@ void ParseBlock(Parser& p, std::vector<Stmt>& body, std::string_view closing) {
     --p.blockDepth;
 }
 
-// The upper bound of "name(bound)": elements 0 to bound.
+// Parses the upper bound of "name(bound)"; the elements are 0 to bound.
 bool ParseBound(Parser& p, Symbol& symbol) {
     const auto bound = ParseExpression(p);
     if (!bound) return false;
@@ -450,7 +450,7 @@ bool ParseBound(Parser& p, Symbol& symbol) {
 
 void ParseBody(Parser& p, std::vector<Stmt>& body, std::string_view closing) { ParseBlock(p, body, closing); }
 
-// LOCAL a, b AS LONG, c(9) AS DOUBLE
+// Parses "LOCAL a, b AS LONG, c(9) AS DOUBLE".
 void ParseVariables(Parser& p, bool keepsValue) {
     ++p.at;
     std::vector<Symbol> named;
@@ -485,7 +485,7 @@ void ParseVariables(Parser& p, bool keepsValue) {
     ExpectStatementEnd(p);
 }
 
-// %NAME = value   CONST NAME = value
+// Parses "%NAME = value" and "CONST NAME = value".
 void ParseConstant(Parser& p) {
     Token name = Current(p);
     ++p.at;
@@ -502,7 +502,7 @@ void ParseConstant(Parser& p) {
     auto value = EvaluateConstant(p.program, *expr);
     if (!value) {
         Report(p.sources, Code::Constant, expr->pos, "the value of " + name.spelling + " is not constant");
-        value = Constant{};  // known from here on, so that its uses are not blamed
+        value = Constant{};  // defined even after an error, so that its uses are not reported
     }
     value->pos = name.pos;
     if (!p.program.constants.insert({name.text, *value}).second)

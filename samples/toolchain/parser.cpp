@@ -1,4 +1,4 @@
-// The outermost level: procedures, module variables, constants, metastatements, included files.
+// Parses the outermost level: procedures, module variables, constants, metastatements, included files.
 #include "parser.h"
 
 #include <algorithm>
@@ -20,7 +20,7 @@ void ParseParameters(Parser& p, Procedure& procedure) {
         Symbol symbol;
         symbol.isParameter = true;
         const bool byVal = TakeWord(p, "BYVAL");
-        if (!byVal) TakeWord(p, "BYREF");  // BYREF is what a parameter is without either word
+        if (!byVal) TakeWord(p, "BYREF");  // without either word a parameter is BYREF
         const auto name = ExpectName(p, "a parameter name");
         if (!name) return SkipLine(p);
         if (TakeMark(p, "(")) {
@@ -99,7 +99,7 @@ void ParseProcedure(Parser& p) {
 
 void ParseFile(Parser& p, int file);
 
-// Beside the including file first, then in the -I directories in their order.
+// Looks for the file beside the including file, then in the -I directories in their order.
 void ParseInclude(Parser& p) {
     if (Current(p).kind != TokenKind::String)
         return Fail(p, Code::Syntax, "a file name in quotation marks expected after #INCLUDE");

@@ -1,6 +1,6 @@
-// Tokens to tree. Every statement that is not understood is reported and skipped to its end, so that one run shows many
-// errors. Names of variables and procedures are left for the checker; constants are computed here, since array bounds
-// need them.
+// Makes the tree of the tokens. A statement that is not understood is reported and skipped to its end, so that one run
+// shows many errors. Names of variables and procedures are left to the checker. Constants are computed here, because
+// array bounds need them.
 #pragma once
 
 #include "ast.h"
@@ -24,7 +24,7 @@ struct Parser {
     std::vector<Token> tokens;
     size_t at = 0;
     Procedure* current = nullptr;          // the procedure whose body is being read
-    std::vector<std::string> openFiles{};  // canonical names, to notice a file that includes itself
+    std::vector<std::string> openFiles{};  // canonical names, to detect a file that includes itself
     int includedFiles = 0;
     std::vector<std::string> openBlocks{};  // closing words that enclosing blocks wait for
     int blockDepth = 0;
@@ -42,11 +42,11 @@ void ParseVariables(Parser& parser, bool keepsValue);
 void ParseConstant(Parser& parser);
 
 // parse_expression.cpp
-ExprPtr ParseExpression(Parser& parser);  // null after reporting
+ExprPtr ParseExpression(Parser& parser);  // null after a reported error
 std::vector<ExprPtr> ParseArguments(Parser& parser, bool& good);
 std::optional<Constant> EvaluateConstant(const Program& program, const Expr& expr);
 
-// Shared small steps.
+// Helpers of the parser's files.
 const Token& Current(const Parser& parser);
 const Token& Ahead(const Parser& parser, size_t count = 1);
 bool IsWord(const Token& token, std::string_view word);

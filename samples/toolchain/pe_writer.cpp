@@ -1,5 +1,5 @@
-// Fixed base, no relocations, 16 data directories (readers of line maps count on that), sections .text, .data and, when
-// there is a line map, .sdbg with its exact length as VirtualSize.
+// The image has a fixed base, no relocations, 16 data directories (readers of line maps require that), and the sections
+// .text, .data and, when there is a line map, .sdbg with its exact length as VirtualSize.
 #include "pe_writer.h"
 
 #include <algorithm>
@@ -98,7 +98,7 @@ std::string LinkImage(Image& image) {
     }
     const uint32_t dataRva = sections[1].rva;
     for (const uint32_t at : image.dataRvaFixups) Patch(image.data, at, dataRva);
-    const uint32_t next = kTextRva + image.dataBaseAt + 4;  // x64 counts from the end of the instruction
+    const uint32_t next = kTextRva + image.dataBaseAt + 4;  // on x64 relative to the end of the instruction
     Patch(image.text, image.dataBaseAt, image.x64 ? dataRva - next : kImageBase32 + dataRva);
 
     std::string out;

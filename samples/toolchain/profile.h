@@ -1,4 +1,4 @@
-// The five personalities of the stand-in compiler: everything that differs between them is a field of one table row.
+// The five compilers that the stand-in imitates: each is one row of a table, whose fields are all the differences.
 // Knows nothing of the language or of machine code.
 #pragma once
 
@@ -36,7 +36,7 @@ inline constexpr std::array<Profile, 5> kProfiles = {{
      "/ASMOUT:"},
 }};
 
-// The row of that name, or kProfiles.size().
+// Returns the index of the row of that name, or kProfiles.size().
 constexpr size_t FindProfile(std::string_view name) {
     size_t i = 0;
     while (i < kProfiles.size() && kProfiles[i].name != name) ++i;

@@ -1,5 +1,5 @@
-// What compiled programs need at run time, as code of their own: the entry point, buffered output, number formatting
-// (by msvcrt's sprintf), division, run-time errors. The same text serves both machines; only calls into the system and
+// The runtime library of compiled programs as machine code: the entry point, buffered output, number formatting (by
+// msvcrt's sprintf), division, run-time errors. The same text is used for both machines; only calls into the system and
 // 64-bit division on x86 differ.
 #include "codegen.h"
 
@@ -16,7 +16,8 @@ constexpr std::array<std::string_view, 3> kErrorTexts = {"Run-time error: divisi
                                                          "Run-time error: out of stack space in line "};
 
 struct Arg {
-    enum class Kind : uint8_t { Number, Address, Value, Value64 } kind;  // of a data cell, but for Number
+    // Address, Value and Value64 are those of a data cell.
+    enum class Kind : uint8_t { Number, Address, Value, Value64 } kind;
     uint32_t value;
 };
 
@@ -26,7 +27,8 @@ void SetNumber(std::vector<uint8_t>& bytes, size_t at, uint32_t value) {
     for (size_t i = 0; i < 4; ++i) bytes[at + i] = static_cast<uint8_t>(value >> (8 * i));
 }
 
-// Calls the system with its own frame, since the stack is not aligned elsewhere. Changes all registers but bx and bp.
+// Calls a system function with a frame of its own, because the stack is not aligned elsewhere. Changes all registers
+// but bx and bp.
 void CallImport(Generator& g, Import import, std::initializer_list<Arg> args) {
     Encoder& e = g.e;
     constexpr std::array<Reg, 4> kPlaces = {CX, DX, R8, R9};
@@ -93,7 +95,7 @@ void EmitOutput(Generator& g) {
     Bind(e, empty);
     Ret(e);
 
-    Begin(g, g.run.putChar, "rt_put_char");  // al; keeps cx and si
+    Begin(g, g.run.putChar, "rt_put_char");  // prints the character in al; keeps cx and si
     const int room = NewLabel(e), noBreak = NewLabel(e);
     MoveNumber(e, DI, static_cast<int32_t>(kOutBufferSize));
     Put(e, op::Load, false, DX, Cell(c.outLength));
@@ -115,7 +117,7 @@ void EmitOutput(Generator& g) {
     Bind(e, noBreak);
     Ret(e);
 
-    Begin(g, g.run.putText, "rt_put_text");  // cx characters at si
+    Begin(g, g.run.putText, "rt_put_text");  // prints cx characters at si
     const int next = NewLabel(e), done = NewLabel(e);
     Bind(e, next);
     PutBytes(e, "sub ecx, 1", {0x83, 0xE9, 0x01});
@@ -133,7 +135,7 @@ void EmitOutput(Generator& g) {
     MoveNumber(e, AX, '\n');
     Jump(e, g.run.putChar);
 
-    Begin(g, g.run.nextZone, "rt_next_zone");  // at least one blank, up to the next multiple of the zone's width
+    Begin(g, g.run.nextZone, "rt_next_zone");  // prints at least one blank, up to the next multiple of the zone's width
     MoveNumber(e, AX, ' ');
     Call(e, g.run.putChar);
     Put(e, op::Load, false, AX, Cell(c.column));
@@ -145,7 +147,7 @@ void EmitOutput(Generator& g) {
     Ret(e);
 }
 
-// The accumulator, already stored in the cell `left`, as text.
+// Prints the accumulator, which is already stored in the cell `left`, as text.
 void EmitPrintNumber(Generator& g, int& label, std::string name, Type type, uint32_t format) {
     Encoder& e = g.e;
     Begin(g, label, std::move(name));
@@ -158,7 +160,7 @@ void EmitPrintNumber(Generator& g, int& label, std::string name, Type type, uint
     Jump(e, g.run.putText);
 }
 
-// The line is in di. Never returns.
+// Prints a run-time error and ends the program. The line number is in di.
 void EmitError(Generator& g, int& label, std::string name, size_t kind) {
     Encoder& e = g.e;
     const int fresh = NewLabel(e);
@@ -179,7 +181,7 @@ void EmitError(Generator& g, int& label, std::string name, size_t kind) {
     CallImport(g, Import::ExitProcess, {{Arg::Kind::Number, kRuntimeErrorExit}});
 }
 
-// ax by cx, with -1 apart because the lowest number divided by it overflows.
+// Divides ax by cx. -1 is handled separately, because the lowest number divided by -1 overflows.
 void EmitDivision(Generator& g, int& label, std::string name, bool wide, bool remainder, int byZero) {
     Encoder& e = g.e;
     const int minusOne = NewLabel(e);
@@ -200,8 +202,8 @@ void EmitDivision(Generator& g, int& label, std::string name, bool wide, bool re
     Ret(e);
 }
 
-// x86: edx:eax by esi:ecx. The x87 unit holds 64-bit whole numbers exactly; with 64-bit precision and truncation its
-// quotient cut to a whole number is exact too. The remainder is left - quotient * right.
+// x86: divides edx:eax by esi:ecx. The x87 unit holds 64-bit whole numbers exactly. With 64-bit precision and
+// truncation its quotient, cut to a whole number, is exact too. The remainder is left - quotient * right.
 void EmitPairDivision(Generator& g, int byZero) {
     Encoder& e = g.e;
     const RuntimeCells& c = g.cells;
@@ -241,7 +243,8 @@ void EmitPairDivision(Generator& g, int byZero) {
     Ret(e);
 }
 
-// xmm0 (and xmm1) to xmm0 by a function of msvcrt: in registers on x64, on the stack and in st(0) on x86.
+// Calls a function of msvcrt on xmm0 (and xmm1), with its result in xmm0. Arguments are in registers on x64; on x86
+// they are on the stack and the result is in st(0).
 void EmitRealFunction(Generator& g, int& label, std::string name, Import import, bool two) {
     Encoder& e = g.e;
     Begin(g, label, std::move(name));
@@ -261,13 +264,14 @@ void EmitRealFunction(Generator& g, int& label, std::string name, Import import,
     Ret(e);
 }
 
-// Import directory, lookup table, address table and names, with RVAs counted from the section's start until linking.
+// Places the import directory, the lookup table, the address table and the names. RVAs count from the section's start
+// until linking.
 void PlaceImports(Generator& g) {
     Image& image = g.image;
     const size_t word = g.profile.x64 ? 8 : 4;
     constexpr std::array<std::string_view, 2> kLibraries = {"KERNEL32.dll", "msvcrt.dll"};
     const size_t slots = kImportNames.size() + kLibraries.size();  // each list ends in a zero
-    const size_t lookup = 64, table = lookup + slots * word;       // behind the directory of 60 bytes, aligned
+    const size_t lookup = 64, table = lookup + slots * word;       // after the directory of 60 bytes, aligned
     image.importsSize = 20 * 3;
     image.addressTable = static_cast<uint32_t>(table);
     image.addressTableSize = static_cast<uint32_t>(slots * word);
@@ -291,15 +295,15 @@ void PlaceImports(Generator& g) {
             g.importSlots[i] = static_cast<uint32_t>(table + slot);
             point(lookup + slot, image.data.size());
             point(table + slot, image.data.size());
-            image.data.insert(image.data.end(), 2, 0);  // no hint
+            image.data.insert(image.data.end(), 2, 0);  // the hint is 0
             image.data.insert(image.data.end(), kImportNames[i].begin(), kImportNames[i].end());
             image.data.push_back(0);
         }
     }
 }
 
-// A trap is a debugger's business; without one the program steps over it, so that a build for debugging also just runs.
-// A debugger sees each trap before this handler does. The call leaves the handler's address on the stack. x86 only.
+// Installs a handler that skips traps, so that a debug build also runs without a debugger. A debugger receives each
+// trap before this handler. The call leaves the handler's address on the stack. x86 only.
 void EmitTrapHandler(Generator& g) {
     Encoder& e = g.e;
     constexpr int32_t kBreakpoint = INT32_MIN + 3;        // EXCEPTION_BREAKPOINT
@@ -319,10 +323,10 @@ void EmitTrapHandler(Generator& g) {
     Put(e, op::Lea, false, CX, Mem{CX, 1});
     Put(e, op::Load, false, AX, kContext);
     Put(e, op::Store, false, CX, kEip);
-    MoveNumber(e, AX, -1);  // go on there
+    MoveNumber(e, AX, -1);  // EXCEPTION_CONTINUE_EXECUTION
     PutBytes(e, "ret 4", {0xC2, 0x04, 0x00});
     Bind(e, pass);
-    Put(e, op::Xor, false, AX, AX);  // not ours
+    Put(e, op::Xor, false, AX, AX);  // EXCEPTION_CONTINUE_SEARCH
     PutBytes(e, "ret 4", {0xC2, 0x04, 0x00});
     Bind(e, install);
     PopReg(e, AX);
@@ -376,7 +380,7 @@ void EmitStart(Generator& g) {
         PutBytes(e, "mov ebx, data", {0xBB, 0, 0, 0, 0});
     g.image.dataBaseAt = Offset(e) - 4;
     Put(e, op::Load, e.x64, AX, SP);
-    MoveNumber(e, CX, static_cast<int32_t>(kStackReserve - 0x20000));  // the system needs some of it
+    MoveNumber(e, CX, static_cast<int32_t>(kStackReserve - 0x20000));  // the system needs the rest of the stack
     Put(e, op::Sub, e.x64, AX, CX);
     Put(e, op::Store, e.x64, AX, Cell(g.cells.stackLimit));
     CallImport(g, Import::GetStdHandle, {{Arg::Kind::Number, static_cast<uint32_t>(-11)}});
@@ -416,7 +420,7 @@ void EmitRuntime(Generator& g) {
     }
     EmitRealFunction(g, g.run.power, "rt_power", Import::Pow, true);
     EmitRealFunction(g, g.run.floor, "rt_floor", Import::Floor, false);
-    Begin(g, g.run.sleep, "rt_sleep");  // eax milliseconds, none for negative ones
+    Begin(g, g.run.sleep, "rt_sleep");  // sleeps eax milliseconds; not at all for negative values
     const int wait = NewLabel(e);
     Put(e, op::Test, false, AX, AX);
     JumpIf(e, Cond::GreaterEq, wait);

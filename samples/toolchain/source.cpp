@@ -1,4 +1,4 @@
-// File access by std::filesystem (UTF-8 names in, wide calls on Windows) and the printing of diagnostics.
+// Reads and writes files by std::filesystem (UTF-8 names, wide calls on Windows) and prints diagnostics.
 #include "source.h"
 
 #include <algorithm>
@@ -37,7 +37,7 @@ constexpr std::array<Rule, static_cast<size_t>(Code::Count)> kRules = {{
 
 const Rule& RuleOf(Code code) { return kRules[static_cast<size_t>(code)]; }
 
-// Length of the UTF-8 sequence that starts here, 0 when it is none.
+// Returns the length of the UTF-8 sequence at the start of the text; 0 when there is none.
 size_t SequenceLength(std::string_view text) {
     const auto lead = static_cast<uint8_t>(text[0]);
     const size_t length = lead < 0x80 ? 1 : lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
@@ -50,8 +50,8 @@ size_t SequenceLength(std::string_view text) {
     return outside ? 0 : length;
 }
 
-// A name in an #INCLUDE may be any bytes, and std::filesystem throws at what is no UTF-8. With '?' in the place of such
-// bytes there simply is no such file.
+// The name in an #INCLUDE may be any bytes, and std::filesystem throws on bytes that are not UTF-8. Such bytes become
+// '?', so that no such file exists.
 std::filesystem::path ToPath(std::string_view name) {
     std::u8string utf8;
     while (!name.empty()) {
@@ -75,7 +75,7 @@ bool TooManyErrors(const Sources& sources) { return sources.errors >= kMaxErrors
 
 void Report(Sources& sources, Code code, Pos pos, std::string message, std::string fix) {
     if (TooManyErrors(sources)) return;
-    // What the lexer could not read, the parser cannot understand either: one message is enough for the line.
+    // The parser cannot understand text that the lexer could not read, so one message for the line is enough.
     if (code == Code::Syntax && sources.errorPlaces.contains({pos.file, pos.line, 0})) return;
     if (code == Code::Text) sources.errorPlaces.insert({pos.file, pos.line, 0});
     if (!IsWarning(code) && !sources.errorPlaces.insert({pos.file, pos.line, pos.column}).second) return;
@@ -137,17 +137,17 @@ std::optional<std::string> ReadWholeFile(const std::string& path, std::string& w
 bool WriteWholeFile(const std::string& path, std::string_view bytes) {
     const std::filesystem::path file = ToPath(path);
     std::ofstream out(file, std::ios::binary | std::ios::trunc);
-    if (!out) return false;  // nothing was written: a file that is in use stays as it is
+    if (!out) return false;  // nothing was written, and a file in use is unchanged
     out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     out.close();
     if (out) return true;
-    std::error_code ignored;  // the write error is what the caller reports
+    std::error_code ignored;  // the caller reports the write error
     std::filesystem::remove(file, ignored);
     return false;
 }
 
 void RemoveFile(const std::string& path) {
-    std::error_code ignored;  // most often there is none
+    std::error_code ignored;  // usually the file does not exist
     std::filesystem::remove(ToPath(path), ignored);
 }
 

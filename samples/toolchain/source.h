@@ -1,4 +1,4 @@
-// Source files and diagnostics: what was read, from where, and what is wrong with it at which place.
+// Source files and diagnostics: the texts that were read, and the errors at their places.
 // Knows nothing of the language.
 #pragma once
 
@@ -19,7 +19,7 @@ inline constexpr size_t kMaxLineBytes = 8192;
 inline constexpr int kMaxErrors = 100;
 
 struct SourceFile {
-    std::string name;  // UTF-8, as given on the command line or joined from the including file's folder
+    std::string name;  // UTF-8, as on the command line or joined with the including file's folder
     std::string text;  // without a byte-order mark
 };
 
@@ -29,7 +29,7 @@ struct Pos {
     int column = 0;  // 1-based, in bytes
 };
 
-// One kind of trouble; the table in source.cpp holds its code, title and help text.
+// The kinds of diagnostics. The table in source.cpp holds the code, title and help text of each.
 enum class Code {
     Text,
     Unsupported,
@@ -53,7 +53,7 @@ struct Diagnostic {
     Code code;
     Pos pos;
     std::string message;
-    std::string fix;  // a replacement line to offer, or empty
+    std::string fix;  // a suggested replacement line, or empty
 };
 
 struct Sources {
@@ -66,23 +66,23 @@ struct Sources {
 
 bool IsWarning(Code code);
 
-// Records one diagnostic; beyond kMaxErrors errors nothing more is kept.
+// Records a diagnostic. After kMaxErrors errors nothing more is recorded.
 void Report(Sources& sources, Code code, Pos pos, std::string message, std::string fix = {});
 bool TooManyErrors(const Sources& sources);
 
-// All diagnostics in the order of files, lines and columns, in the personality's shape.
+// Returns all diagnostics in the order of files, lines and columns, in the profile's shape.
 std::string FormatDiagnostics(const Sources& sources, const Profile& profile);
 
-// Whole file, or nothing with `why` set to a reason fit for a message. `path` is UTF-8.
+// Returns the whole file, or nothing with the reason for a message in `why`. `path` is UTF-8.
 std::optional<std::string> ReadWholeFile(const std::string& path, std::string& why);
-// Writes the whole file; on failure removes what was written and returns false.
+// Writes the whole file. On failure removes what was written and returns false.
 bool WriteWholeFile(const std::string& path, std::string_view bytes);
-void RemoveFile(const std::string& path);  // silently when it is not there
+void RemoveFile(const std::string& path);  // reports nothing when the file does not exist
 bool FileExists(const std::string& path);
-// The same text for the same file, however it was spelled.
+// Returns the same text for the same file, however its path is written.
 std::string CanonicalName(const std::string& path);
 bool IsAbsolute(std::string_view path);
-// "dir" + "name" with the separator that `dir` uses; `name` alone when `dir` is empty.
+// Joins `dir` and `name` with the separator that `dir` uses. Returns `name` when `dir` is empty.
 std::string JoinPath(const std::string& dir, const std::string& name);
 std::string FolderOf(const std::string& path);  // without the final separator unless it is a root; "" when none
 

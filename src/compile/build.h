@@ -8,30 +8,30 @@
 #include <cstdint>
 #include <span>
 
-// Prepares the build lock; once, before the main window.
+// Initialises `g_buildCs`. Called once, before the main window is created.
 void BuildInit();
 
 int StartCompilerBuild(bool syntaxOnly, bool debug);  // 1 when a compiler process was started (or its pre-build runs)
 int CompilerBuild(std::uint32_t id, const wchar_t* source, const wchar_t* output, const wchar_t* flags,
                   bool wantListing);
-void CompilerKill();        // ends the compiler and every process it started, also during start
-bool CompilerIsBuilding();  // also between two documents of a batch build
+void CompilerKill();  // ends the compiler and every process it started; may be called while a build is being started
+bool CompilerIsBuilding();  // true also between two documents of a batch build
 
-// The Compiler menu, the profiles and the batch build.
+// The commands of the Compiler menu, of the profiles and of the batch build.
 std::span<const CommandHandler> BuildCommandHandlers();
-// Carries one of them out. False: not one of them.
+// Carries out one of these commands. Returns false for any other command.
 bool CmdHandle_Build(int command);
 
-// The main window's part: MSG_BUILD_OUTPUT, MSG_BUILD_FINISHED, TIMER_BUILD.
+// The main window calls these on MSG_BUILD_OUTPUT, MSG_BUILD_FINISHED and TIMER_BUILD.
 void BuildOnOutput(wchar_t* heapText, COLORREF colour);
 void BuildOnFinished(DWORD exitCode);
 void BuildOnTimer();
-// On TIMER_OUTPUT, after the pane has got its next lines: reports the end of a stage when all it printed is in the pane. True: a
-// pane that was replaced is still to be destroyed, so the timer must go on.
+// Called on TIMER_OUTPUT after the pane has got its next lines. Reports the end of a stage when all its output is in
+// the pane. Returns true while a replaced pane is still to be destroyed: the timer must then go on.
 bool BuildOnShown(bool allShown);
 
-// Ends a running build and waits (bounded) for its reader; at shut-down.
+// Ends a running build and waits at most a few seconds for its reader thread. Called at shutdown.
 void BuildShutdown();
 
-// "0:07" and a moving mark for the status bar while a build runs; empty text otherwise.
+// The time ("0:07") and a moving sign for the status bar while a build runs; empty text otherwise.
 const wchar_t* BuildProgressText();

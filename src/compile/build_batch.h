@@ -1,5 +1,5 @@
-// The build of all open documents, one after another until one fails. They are remembered by their ids, because tabs may be
-// moved or closed meanwhile. Pure.
+// The build of all open documents, one after another until one fails. Documents are remembered by their ids, because
+// the user may move or close tabs meanwhile. Pure.
 #pragma once
 
 #include "base/events.h"
@@ -11,19 +11,19 @@
 
 struct BuildBatch {
     std::vector<DocumentId> documents;
-    std::size_t taken = 0;  // of `documents`
+    std::size_t taken = 0;  // documents that were already taken
     int succeeded = 0;
     int failed = 0;
     bool running = false;
 };
 
-// One of the extensions that a batch takes.
+// Whether the path has an extension that a batch builds.
 bool IsBatchBuildSource(std::wstring_view path);
 
 BuildBatch BatchOf(std::vector<DocumentId> documents);
-// The next document, or 0: that was the last one.
+// Takes the next document; 0 after the last one.
 DocumentId BatchTakeNext(BuildBatch& batch);
-void BatchDropRest(BuildBatch& batch);  // no further document is built
+void BatchDropRest(BuildBatch& batch);  // BatchTakeNext then returns 0
 void BatchCount(BuildBatch& batch, bool success);
 
 std::wstring BatchProgressText(const BuildBatch& batch, std::wstring_view label);  // of the document taken last

@@ -1,5 +1,5 @@
-// The Compiler menu: build, run, stop, clean, syntax check, choice of compiler and profile, build of all documents. UI
-// thread only.
+// The commands of the Compiler menu: build, run, stop, clean, syntax check, choice of compiler and profile, build of
+// all documents. UI thread only.
 #include "compile/build.h"
 
 #include "base/events.h"
@@ -50,7 +50,7 @@ void FailBatch() {
 void BuildNextOfBatch() {
     while (const DocumentId document = BatchTakeNext(g_batch)) {
         const int tab = TabBarFindDocument(document);
-        if (!IsTabIndex(tab)) continue;  // closed meanwhile
+        if (!IsTabIndex(tab)) continue;  // the user closed the document meanwhile
         TabBarSelect(tab);
         const std::wstring progress = BatchProgressText(g_batch, TabAt(tab).label);
         OutputPaneAppend((progress + L"\r\n").c_str(), 0);
@@ -65,7 +65,7 @@ void BuildNextOfBatch() {
 }
 
 void BuildAllDocuments() {
-    StageSettle(true);  // the end of an earlier build that is not shown yet is not the batch's
+    StageSettle(true);  // so that the end of an earlier build is not taken for the end of the batch's first one
     if (CompilerIsBuilding()) {
         BuildApplyStep(BuildRefused(BuildRefusal::StillRunning));
         return;
@@ -95,7 +95,7 @@ void BuildAndRunDocument() {
     BuildStart({.after = AfterBuild::RunProgram});
 }
 
-// A file that is open in a tab is somebody's work, whatever its name.
+// A file that is open in a tab is not deleted, because the user edits it.
 void DeleteProduct(const std::wstring& path) {
     if (!FileExists(path.c_str())) return;
     const bool open = TabBarFindPath(path.c_str()) >= 0;
@@ -140,7 +140,7 @@ void UseBuildProfile(int command) {
     g_events.statusText(FormatW(L"Build profile: %s", names[profile]).c_str());
 }
 
-// A command that starts a compiler.
+// Makes a menu command of a function that starts a compiler.
 template <void (*start)()>
 void StartUnlessRefused(int) {
     const BuildRefusal refusal = BuildRefusalOfCommand(BuildSituationNow());
@@ -167,7 +167,7 @@ constexpr CommandHandler kBuildHandlers[] = {
     {IDM_ERROR_PREVIOUS, [](int) { CompilerPrevError(); }},
 };
 
-// And the command of each compiler.
+// The handlers of kBuildHandlers and one for each compiler.
 constexpr auto BuildAndCompilerHandlers() {
     std::array<CommandHandler, std::size(kBuildHandlers) + kCompilerCount> all = {};
     std::ranges::copy(kBuildHandlers, all.begin());

@@ -1,5 +1,5 @@
-// The ".buildlog" file beside the source: the header of the last build and what it printed, as UTF-8. The reader thread writes
-// it as the output comes, so that it has everything even when the editor ends before the build does.
+// The ".buildlog" file beside the source: the header of the last build and its output, as UTF-8. The reader thread
+// writes it while the output comes, so the log is complete even when the editor ends before the build.
 #pragma once
 
 #include "base/handles.h"
@@ -8,10 +8,10 @@
 #include <string>
 #include <string_view>
 
-inline constexpr std::size_t kBuildLogLimit = 16 * 1024 * 1024;  // bytes; what goes beyond is not written
+inline constexpr std::size_t kBuildLogLimit = 16 * 1024 * 1024;  // bytes; the rest of the output is not written
 
 struct BuildLog {
-    UniqueHandle file;  // empty: no log can be written here, which is no error
+    UniqueHandle file;  // empty when no log can be written, which is no error
     std::size_t left = kBuildLogLimit;
 };
 

@@ -6,7 +6,7 @@ namespace {
 
 void WriteBytes(BuildLog& log, std::string_view bytes) {
     DWORD written = 0;
-    // A full disk must not stop the build, so the log ends here.
+    // The log ends when a write fails, because a full disk must not stop the build.
     if (!WriteFile(log.file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr)) log.file.Reset();
 }
 

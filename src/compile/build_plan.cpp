@@ -20,7 +20,7 @@ std::wstring LaunchObstacle(const LaunchRequest& request) {
 }
 
 CommandProblem PlanLaunch(const LaunchRequest& request, std::wstring_view compiled, LaunchPlan* plan) {
-    // The listing of an assembly source, or of a file without an extension, would be the source itself.
+    // The listing of an assembly source, or of a file without an extension, would overwrite the source.
     const bool listable = request.wantListing && !SamePathText(request.listing, request.source);
     const CommandProblem problem = AssembleCommandLine({.style = request.style,
                                                         .compilerId = request.compilerId,
@@ -64,7 +64,7 @@ std::wstring RunErrorLine(std::wstring_view program, long error) {
 
 std::vector<std::wstring> CleanTargets(std::wstring_view source, std::wstring_view output, std::wstring_view listing) {
     std::vector<std::wstring> targets = {std::wstring(output)};
-    // A source without an extension in a folder with a dot has its listing's name outside that folder.
+    // For a source without an extension in a folder with a dot in its name, the listing's path is outside that folder.
     if (SamePathText(FolderOf(listing), FolderOf(source))) targets.emplace_back(listing);
     for (const wchar_t* extension : {L".log", L".lst", L".err", L".buildlog"})
         targets.push_back(ReplaceExtension(source, extension));

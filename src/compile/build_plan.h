@@ -1,4 +1,4 @@
-// What the compiler is started with, worked out from the settings and the source's path. Pure.
+// Computes the command line and the paths of a build from the settings and the source's path. Pure.
 #pragma once
 
 #include "compile/command_line.h"
@@ -14,11 +14,11 @@ struct FlagChoice {
     bool syntaxOnly = false;
     bool debug = false;
     int profile = 0;
-    std::wstring_view buildFlags;   // as the settings give them
-    std::wstring_view syntaxFlags;  // in their place for a syntax check
+    std::wstring_view buildFlags;   // from the settings
+    std::wstring_view syntaxFlags;  // used instead of `buildFlags` for a syntax check
     std::wstring_view debugFlags;
 };
-// At most kFlagsCapacity - 1 characters: what does not fit is left out.
+// At most kFlagsCapacity - 1 characters; a flag that does not fit is left out.
 std::wstring BuildFlagsOf(const FlagChoice& choice);
 
 struct LaunchRequest {
@@ -32,7 +32,7 @@ struct LaunchRequest {
     std::wstring_view includeSwitch;
     std::wstring_view includePath;
     std::wstring_view listingTemplate;
-    std::wstring_view listing;  // where it would be
+    std::wstring_view listing;  // path of the listing, used with `wantListing`
     bool wantListing = false;
 };
 
@@ -40,19 +40,19 @@ struct LaunchPlan {
     std::wstring commandLine;
     std::wstring workingDirectory;
     std::wstring header;   // for the output pane and the build log
-    std::wstring logPath;  // empty: the build log would take the place of the source
+    std::wstring logPath;  // empty when the build log would overwrite the source
 };
 
-// Why there is nothing to launch, as a line for the output pane; empty: there is.
+// Why the compiler cannot be started, as a line for the output pane; empty when it can.
 std::wstring LaunchObstacle(const LaunchRequest& request);
-// `compiled` is the source as the compiler is to see it.
+// `compiled` is the path that the compiler reads: the source or its staged copy.
 CommandProblem PlanLaunch(const LaunchRequest& request, std::wstring_view compiled, LaunchPlan* plan);
 
-// Lines for the output pane.
+// Both return a line for the output pane.
 std::wstring LaunchErrorLine(std::uint32_t error, std::wstring_view systemMessage);
 std::wstring NotStagedLine(std::wstring_view target);
 std::wstring LeftoverLine(std::wstring_view target, std::wstring_view aside);
 std::wstring RunErrorLine(std::wstring_view program, long error);
 
-// What Clean deletes: results and side files that bear the source's name, never the source itself.
+// The files that the Clean command deletes: results and side files with the source's name, never the source itself.
 std::vector<std::wstring> CleanTargets(std::wstring_view source, std::wstring_view output, std::wstring_view listing);

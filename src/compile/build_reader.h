@@ -1,7 +1,6 @@
-// The reader thread of a build stage, a worker (base/worker.h): it posts what the process prints to the main window, and at
-// the end that the process has ended. Of the program's record it touches the build state alone, under `g_buildCs`. The number
-// of chunks on their way to the window has a limit (output/output_credits.h), because a process may print faster than the pane
-// can show: such a process is slowed down, and neither memory nor the message queue grows.
+// The reader thread of a build stage, a worker (base/worker.h). It posts the output of the process to the main window,
+// and at last the end of the process. Of `g_app` it uses only the build state, under `g_buildCs`. Each posted chunk
+// takes a credit (output/output_credits.h), so a process that prints faster than the pane can show is slowed down.
 #pragma once
 
 #include "base/worker.h"
@@ -14,15 +13,15 @@
 
 struct ReaderRequest {
     BuildStage stage = BuildStage::Idle;
-    HWND target = nullptr;  // gets any number of MSG_BUILD_OUTPUT, then one MSG_BUILD_FINISHED
+    HWND target = nullptr;  // receives any number of MSG_BUILD_OUTPUT, then one MSG_BUILD_FINISHED
     DWORD limitMs = INFINITE;
-    StagedSource staged;   // deleted before the end is reported
+    StagedSource staged;   // the copy is deleted before MSG_BUILD_FINISHED is posted
     std::wstring logPath;  // empty: no log
     std::wstring logHeader;
 };
 
-// The thread's body, for WorkerStart: follows the process whose handles stand in `g_buildState`.
+// The thread's body, for WorkerStart. It follows the process whose handles are in `g_buildState`.
 void CompilerThread(ReaderRequest& request, const WorkerCancel& cancel);
 
-// Ends all processes of the running stage, and the commands that an earlier stage left running. UI thread.
+// Ends all processes of the running stage, and the commands that earlier stages left running. UI thread only.
 void ReaderEndProcesses();

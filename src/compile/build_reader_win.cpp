@@ -21,7 +21,8 @@ constexpr DWORD kShortChunk = 1024;
 constexpr int kPostTries = 100;
 constexpr DWORD kPostPauseMs = 20;
 
-// Of commands that outlived their stage; under g_buildCs. Never destroyed: their threads may outlive the program's end.
+// The jobs of commands that outlived their stage, under g_buildCs. The vector is never destroyed, because the threads
+// of those commands may run until the process ends.
 std::vector<HANDLE>& g_leftJobs = *new std::vector<HANDLE>;
 
 struct Reader {
@@ -37,7 +38,7 @@ struct Reader {
 
 DWORD MsLeft(const Reader& reader) { return ReadMsLeft(reader.course, GetTickCount64()); }
 
-// Posts a text for which a credit was taken. What cannot be delivered gives its credit back.
+// Posts a text for which a credit was taken. Returns the credit when the post fails.
 void PostText(const Reader& reader, HeapBlock<wchar_t> text, LPARAM colour) {
     if (!WorkerPost(reader.request.target, MSG_BUILD_OUTPUT, std::move(text), colour)) OutputCreditsReturn(1);
 }
@@ -52,7 +53,7 @@ ReadStep WaitForCredit(const Reader& reader) {
     }
 }
 
-// Waits for the read that is under way.
+// Waits for the pending read.
 ReadStep WaitForRead(Reader& reader, HANDLE readDone) {
     const HANDLE any[] = {reader.cancel.Event(), readDone, reader.process};
     for (;;) {
@@ -69,7 +70,7 @@ ReadStep WaitForRead(Reader& reader, HANDLE readDone) {
     }
 }
 
-// Reads once and posts what came; a credit has been taken for it.
+// Reads once and posts the bytes read. The caller has taken a credit for them.
 ReadStep ReadChunk(Reader& reader) {
     char bytes[kChunkBytes];
     DWORD count = 0;
@@ -79,7 +80,8 @@ ReadStep ReadChunk(Reader& reader) {
     if (ReadFile(reader.pipe, bytes, kChunkBytes, nullptr, &read) || GetLastError() == ERROR_IO_PENDING) {
         step = WaitForRead(reader, read.hEvent);
         if (step != ReadStep::Go) CancelIo(reader.pipe);
-        // The buffer belongs to the system until this returns; a cancelled read may still have got something.
+        // The system may write to the buffer until GetOverlappedResult returns. A cancelled read may still have read
+        // something.
         if (!GetOverlappedResult(reader.pipe, &read, &count, TRUE) && step == ReadStep::Go) step = ReadStep::PipeEnd;
     }
     HeapBlock<wchar_t> text(reader.request.stage == BuildStage::Terminal ? DecodeConsoleText(bytes, count)
@@ -90,8 +92,8 @@ ReadStep ReadChunk(Reader& reader) {
     } else {
         OutputCreditsReturn(1);
     }
-    // Some runtimes write a line, or a part of one, at a time, and each tiny write would cost a message and two switches of
-    // the processor. After a moment's wait the next chunk is a large one.
+    // Some runtimes write one line or less at a time, and each small write would cost a message and two thread
+    // switches. A wait of 1 ms makes the next chunk larger.
     if (step == ReadStep::Go && count < kShortChunk && !reader.course.processEnded &&
         WaitForSingleObject(reader.cancel.Event(), 1) == 0)
         return ReadStep::Stopped;
@@ -118,8 +120,8 @@ BuildEnd ReadAndWait(Reader& reader) {
     return ReadEndOf(step);
 }
 
-// A command that outlived its time goes on without us; reading what it prints keeps it from being stuck on a full
-// pipe. It stays in its job, so that stopping a build or leaving the program ends it.
+// A command that exceeded its time limit goes on running. Its output is read and dropped, because it would otherwise
+// block on a full pipe. It stays in its job, so that it ends when a build is stopped or the editor ends.
 void DrainPipe(ChildProcess& child, const WorkerCancel&) {
     const UniqueHandle readDone(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     char bytes[kChunkBytes];
@@ -149,7 +151,7 @@ void LeaveRunning(ChildProcess child) {
 }
 
 void PostFinished(HWND target, DWORD exitCode) {
-    // Without this message the main window would take the build for running for ever.
+    // Without this message the main window would believe that the build runs for ever.
     for (int attempt = 0; attempt < kPostTries; ++attempt) {
         if (PostMessageW(target, MSG_BUILD_FINISHED, exitCode, 0) || !IsWindow(target)) return;
         Sleep(kPostPauseMs);
@@ -161,7 +163,7 @@ void PostNotice(const Reader& reader, const std::wstring& notice) {
     if (HeapBlock<wchar_t> text{_wcsdup(notice.c_str())}) PostText(reader, std::move(text), kLineRed);
 }
 
-// Takes the handles out of the build state, which then shows nothing running.
+// Takes the handles out of the build state, which afterwards says that nothing runs.
 ChildProcess TakeOverHandles() {
     const BuildLock lock;
     BuildState& build = g_buildState;
@@ -211,7 +213,8 @@ void CompilerThread(ReaderRequest& request, const WorkerCancel& cancel) {
         g_buildState.lastExitCode = exitCode;
         g_buildState.end = end;
     }
-    // The report comes before the clearing, because whoever finds nothing running must find the report in the queue.
+    // The message is posted before the state is cleared, because a thread that finds nothing running must find the
+    // message in the queue.
     PostFinished(request.target, exitCode);
     ChildProcess child = TakeOverHandles();
     if (leave)

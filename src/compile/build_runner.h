@@ -1,5 +1,5 @@
-// A build from the request to its report: pre-build command, compiler, post-build command, and what is to follow. What comes
-// next is decided in compile/build_sequence.h; here it is done. UI thread only.
+// Carries out a build: pre-build command, compiler, post-build command, and the action after them. The decisions are
+// made in compile/build_sequence.h. UI thread only.
 #pragma once
 
 #include "compile/build_sequence.h"
@@ -7,13 +7,13 @@
 #include <string>
 
 BuildSituation BuildSituationNow();
-// Says what a step has to say: lines, status, mark of the document.
+// Shows a step's lines, status text and mark of the document.
 void BuildApplyStep(const BuildStep& step);
 
-// Builds the active document. 1 when its pre-build command or its compiler was started.
+// Builds the active document. Returns 1 when its pre-build command or its compiler was started, else 0.
 int BuildStart(const BuildOrder& order);
 
-// What follows a build (build_commands_win.cpp).
+// Called when a build has ended (build_commands_win.cpp).
 void RunBuiltProgram(const std::wstring& program);
 void BatchOnBuildEnd(bool success);
 bool BatchIsRunning();

@@ -29,11 +29,11 @@ struct BuildRunner {
     std::uint32_t compilerId = 0;
     std::wstring source;
     std::wstring output;
-    bool saving = false;  // the save of the source is asking the user something
+    bool saving = false;  // saving the source has opened a dialog
 };
 BuildRunner g_runner;
 
-// Saves the active document where that is needed, and gives its path.
+// Saves the active document if needed, and gives its path. Returns false when there is no saved file.
 bool SaveSourceToBuild(std::wstring* source) {
     const int index = g_documents.activeTab;
     {
@@ -44,7 +44,7 @@ bool SaveSourceToBuild(std::wstring* source) {
         g_runner.saving = false;
         if (!saved || !IsTabIndex(index)) return false;
     }
-    const DocumentTab& tab = TabAt(index);  // again: the save may have moved records
+    const DocumentTab& tab = TabAt(index);  // read again, because the save may have moved records
     *source = tab.hasFile ? tab.path : L"";
     return !source->empty();
 }
@@ -92,13 +92,13 @@ bool StartCommandStage(BuildStage stage, const wchar_t* command) {
 }
 
 bool StartCompilerStage() {
-    OutputFeedReset(g_runner.compilerId);  // what a pre-build command printed is not the compiler's
+    OutputFeedReset(g_runner.compilerId);  // the lines of a pre-build command do not count as the compiler's
     const bool wantListing = !g_runner.run.order.syntaxOnly && PaneIsShown(PaneId::Asm);
     return CompilerBuild(g_runner.compilerId, g_runner.source.c_str(), g_runner.output.c_str(), FlagsOfRun().c_str(),
                          wantListing) != 0;
 }
 
-// Starts what the step names, and gives the step that follows.
+// Starts the stage that the step names, and returns the next step.
 BuildStep StartStageOf(BuildNext next) {
     const BuildStage stage = next == BuildNext::PreBuild  ? BuildStage::PreBuild
                              : next == BuildNext::Compile ? BuildStage::Compile
@@ -110,9 +110,9 @@ BuildStep StartStageOf(BuildNext next) {
     return started ? BuildStarted(g_runner.run, stage) : BuildNotStarted(g_runner.run, stage);
 }
 
-// The end of everything that belongs to the build.
+// Ends the build and starts the action after it.
 void EndBuild() {
-    const BuildRun run = g_runner.run;  // copies: what hears of the end may start the next one
+    const BuildRun run = g_runner.run;  // copied, because a receiver of these events may start the next build
     const std::wstring program = g_runner.output;
     if (!run.finalStatus.empty()) g_events.statusText(run.finalStatus.c_str());
     g_events.buildEnded(run.success, run.order.debug);
@@ -123,7 +123,7 @@ void EndBuild() {
     }
 }
 
-// Does what the steps say until a stage runs or nothing is left. True: the build has begun.
+// Carries out steps until a stage runs or the build is over. Returns true when the build has begun.
 bool FollowSteps(BuildStep step) {
     for (;;) {
         BuildApplyStep(step);
@@ -154,7 +154,7 @@ void AppendLaunchError(DWORD error) {
     OutputPaneAppend(LaunchErrorLine(error, text).c_str(), kLineRed);
 }
 
-// Brings the source under the name that the compiler needs. False: said why.
+// Makes the copy of the source that the compiler needs. Returns false after it has reported why it failed.
 bool StageForLaunch(const LaunchRequest& request, StagedSource* staged) {
     const std::wstring source(request.source);
     const std::wstring output(request.output);
@@ -168,7 +168,7 @@ bool StageForLaunch(const LaunchRequest& request, StagedSource* staged) {
     return false;
 }
 
-// The source is staged and the command line fits. False: said why, and nothing is left behind.
+// Stages the source and makes the command line. Returns false after it has reported why; no copy is then left.
 bool PrepareLaunch(const LaunchRequest& request, StagedSource* staged, LaunchPlan* plan) {
     if (const std::wstring obstacle = LaunchObstacle(request); !obstacle.empty()) {
         OutputPaneAppend(obstacle.c_str(), kLineRed);
@@ -182,7 +182,7 @@ bool PrepareLaunch(const LaunchRequest& request, StagedSource* staged, LaunchPla
     return false;
 }
 
-// In both records: the one under the lock, and the one that the UI thread asks.
+// Stores the launch in the build state (under `g_buildCs`) and in LastBuild (UI thread).
 void RecordLaunch(const LaunchRequest& request, const StagedSource& staged, const LaunchPlan& plan,
                   const FILETIME& startTime) {
     LastBuildBegin({.source = std::wstring(request.source),
@@ -200,7 +200,7 @@ void RecordLaunch(const LaunchRequest& request, const StagedSource& staged, cons
     g_buildState.compilerId = request.compilerId;
 }
 
-// "ActiveCompiler", or the one that the file belongs to when that is set to none.
+// The compiler of the setting "ActiveCompiler"; when that is none, the one for the file's extension.
 std::uint32_t CompilerToUse(const std::wstring& source) {
     const std::int32_t active = g_settings.activeCompiler;
     return active >= 0 && active < static_cast<std::int32_t>(kCompilerCount) ? static_cast<std::uint32_t>(active)

@@ -16,7 +16,7 @@ std::wstring CountOf(int count, const wchar_t* noun) {
     return std::to_wstring(count) + L" " + noun + (count == 1 ? L"" : L"s");
 }
 
-// With one decimal.
+// Seconds with one decimal.
 std::wstring SecondsText(double seconds) {
     const long long tenths = std::llround(seconds * 10);
     return std::to_wstring(tenths / 10) + L"." + std::to_wstring(tenths % 10) + L" s";
@@ -34,7 +34,7 @@ BuildStep StepToCompiler(const BuildOrder& order) {
                                        : L"Building..."};
 }
 
-// A command's end is told only where there is something to tell.
+// Lines about the end of a pre- or post-build command; none when it succeeded or was stopped.
 std::vector<BuildLine> CommandEndLines(const StageResult& result) {
     if (result.end == BuildEnd::TimedOut)
         return {{Labelled(result.stage, L"Still running after " + std::to_wstring(kCommandLimitMs / 1000) +

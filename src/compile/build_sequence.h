@@ -1,5 +1,5 @@
-// The course of one build, decided step by step: what runs next, what is said, which mark the document gets, what follows.
-// The runner does what a step says and asks for the next one. Pure.
+// Decides the steps of one build: the stage that runs next, the lines and status texts, the mark of the document, the
+// action afterwards. The runner (build_runner.h) carries out a step and asks for the next one. Pure.
 #pragma once
 
 #include "compile/build_values.h"
@@ -11,13 +11,13 @@
 
 // --- Whether a build may start
 
-// What stands in the way of a build, in the order in which it is looked for.
+// The reason why a build is refused, in the order in which they are checked.
 enum class BuildRefusal : std::uint8_t {
     None,
-    Saving,           // the save of an earlier start is asking the user something; nothing is said
-    Running,          // a build runs, or a batch; nothing is said
-    ProgramDebugged,  // the program's file is in use and cannot be written
-    StillRunning,     // the post-build command of the build that has just ended
+    Saving,           // saving for an earlier start has opened a dialog; no message
+    Running,          // a build or a batch runs; no message
+    ProgramDebugged,  // a debugger runs the program, so its file cannot be written
+    StillRunning,     // as Running, for a menu command: the user is told
     NoDocument,
     NotSaved,
     NoCompiler,
@@ -29,13 +29,14 @@ struct BuildSituation {
     bool batchRuns = false;
     bool programDebugged = false;
 };
-// Of the first four. A batch is in the way of every build but its own.
+// Returns None, Saving, Running or ProgramDebugged. A batch refuses every build but its own.
 BuildRefusal BuildRefusalOf(const BuildOrder& order, const BuildSituation& situation);
-// The same for a command of the user, who is told why.
+// The same for a menu command: None, StillRunning or ProgramDebugged.
 BuildRefusal BuildRefusalOfCommand(const BuildSituation& situation);
-inline constexpr const wchar_t* kBuildBusy = L"Build already in progress.";  // status bar, for StillRunning
+inline constexpr const wchar_t* kBuildBusy = L"Build already in progress.";  // status bar text for StillRunning
 
-// A document that nothing has changed is not written before a build: that would undo what another program did to the file.
+// An unmodified document whose file exists is not saved before a build, because that would overwrite the changes of
+// another program.
 bool BuildNeedsSave(bool modified, bool hasFile, bool fileExists);
 
 // --- Steps
@@ -46,14 +47,14 @@ struct BuildLine {
 };
 
 enum class BuildNext : std::uint8_t {
-    Refused,    // no build came of it
-    PreBuild,   // start the command; then BuildStarted or BuildNotStarted
-    Compile,    // the same for the compiler
-    PostBuild,  // the same for the command
-    Wait,       // for the stage's end; then BuildAfterStage
-    SideLogs,   // show what the compiler wrote into files; then BuildReport
-    Report,     // BuildReport
-    End,        // all is over; then BuildFollowUp
+    Refused,    // the build was not started
+    PreBuild,   // start the command, then call BuildStarted or BuildNotStarted
+    Compile,    // the same with the compiler
+    PostBuild,  // the same with the command
+    Wait,       // wait for the end of the stage, then call BuildAfterStage
+    SideLogs,   // show the log files of the compiler, then call BuildReport
+    Report,     // call BuildReport
+    End,        // the build is over; call BuildFollowUp
 };
 
 enum class DocumentVerdict : std::uint8_t { None, Failed, Succeeded };  // which mark the source's tab gets
@@ -61,37 +62,37 @@ enum class DocumentVerdict : std::uint8_t { None, Failed, Succeeded };  // which
 struct BuildStep {
     BuildNext next = BuildNext::Refused;
     std::vector<BuildLine> lines;
-    std::wstring status;  // for the status bar; empty: it stays as it is
+    std::wstring status;  // for the status bar; empty: no change
     DocumentVerdict verdict = DocumentVerdict::None;
-    bool clearsPane = false;    // before the lines
-    bool programBuilt = false;  // news for whoever shows what was built
+    bool clearsPane = false;    // the pane is cleared before the lines are added
+    bool programBuilt = false;  // g_events.programBuilt is to be called
 };
 
-// What is said of a refusal. `compiler` and `path` are those of NoCompiler, else they are not read.
+// The message for a refusal. `compiler` and `path` are used for NoCompiler only.
 BuildStep BuildRefused(BuildRefusal refusal, std::wstring_view compiler = {}, std::wstring_view path = {});
 
-// A build under way.
+// The state of a running build.
 struct BuildRun {
     BuildOrder order;
-    bool begun = false;         // one of its processes has run
-    bool success = false;       // of the compiler
+    bool begun = false;         // one of its processes was started
+    bool success = false;       // the compiler succeeded
     std::wstring finalStatus;   // for the status bar at the end
-    StageResult compiler = {};  // how it ended
+    StageResult compiler = {};  // how the compiler ended
 };
 
-// What the output of the compiler came to.
+// Counts of the compiler's output.
 struct BuildPrinted {
-    int lines = 0;  // not blank
+    int lines = 0;  // lines that are not empty
     int errors = 0;
     int warnings = 0;
 };
 
-// An empty command is none.
+// The first step. There is no pre-build stage when the command is empty.
 BuildStep BuildFirst(const BuildRun& run, std::wstring_view preBuildCommand);
 BuildStep BuildStarted(BuildRun& run, BuildStage stage);
 BuildStep BuildNotStarted(const BuildRun& run, BuildStage stage);
 BuildStep BuildAfterStage(BuildRun& run, const StageResult& result, const BuildPrinted& printed);
 BuildStep BuildReport(BuildRun& run, const BuildPrinted& printed, std::wstring_view postBuildCommand);
 
-// What is done when all is over; a program that was not built is not run.
+// The action after the build. A program that was not built is not run.
 AfterBuild BuildFollowUp(const BuildRun& run);

@@ -1,6 +1,5 @@
-// One process at a time that runs for the user: a build's pre-build command, compiler or post-build command, or a
-// command of the terminal line. Starts it, follows it, stops it, and reports its end after everything it printed is
-// shown. UI thread only.
+// Runs one process at a time: a build's pre-build command, compiler or post-build command, or a command of the terminal
+// line. Starts it, follows it, stops it, and reports its end after all its output is shown. UI thread only.
 #pragma once
 
 #include "compile/build_values.h"
@@ -13,22 +12,24 @@
 struct StageLaunch {
     BuildStage stage = BuildStage::Idle;
     std::wstring commandLine;
-    std::wstring directory;  // empty: ours
+    std::wstring directory;  // empty: the editor's working directory
     DWORD limitMs = INFINITE;
     StagedSource staged;
     std::wstring logPath;  // empty: no log
     std::wstring logHeader;
 };
 
-// False with the Win32 error: nothing was started, nothing is left behind, the staged copy is gone.
+// Starts a process. Returns false with the Win32 error in `error` when nothing was started; the staged copy is then
+// deleted.
 bool StageStart(StageLaunch launch, DWORD* error);
 
-bool StageRuns();  // from the process's start until its reader has cleared up
+bool StageRuns();  // true from the start of the process until its reader thread has cleaned up
 
-// Takes what the last stage has posted and shows it, so that its end is reported now. With `dropOutput` it is not shown:
-// for a caller that clears the pane next, where showing the rest of a flood would take seconds. A no-op while one runs.
+// Takes the messages that the last stage posted and shows its output, so that its end is reported now. With
+// `dropOutput` the output is dropped, for a caller that clears the pane next; showing a very long output would take
+// seconds. Does nothing while a stage runs.
 void StageSettle(bool dropOutput);
 
-// The end of a stage, given to the builder or the terminal; it may start the next one.
+// Called with the end of a stage: of a build (BuildOnStageEnd) or of a terminal command. Both may start the next stage.
 void BuildOnStageEnd(const StageResult& result);
 void TerminalOnStageEnd(const StageResult& result);

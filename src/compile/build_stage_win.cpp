@@ -23,17 +23,17 @@ CRITICAL_SECTION g_buildCs;
 namespace {
 
 constexpr UINT kProgressIntervalMs = 250;
-constexpr std::size_t kLinesBesideReplaced = 10000;  // in the new pane while a replaced one still exists
-constexpr DWORD kStopWaitMs = 150;                   // Stop is answered at once; a reader slower than this ends later
-constexpr DWORD kEndWaitMs = 2000;                   // from a reader's report to its clearing up
+constexpr std::size_t kLinesBesideReplaced = 10000;  // the replaced pane is destroyed at last after so many lines
+constexpr DWORD kStopWaitMs = 150;                   // Stop waits so long at most; a slower reader thread ends later
+constexpr DWORD kEndWaitMs = 2000;  // longest wait from MSG_BUILD_FINISHED until the reader thread has cleaned up
 constexpr DWORD kShutdownWaitMs = 3000;
 
 // The stage as the UI thread knows it.
 struct CurrentStage {
     BuildStage stage = BuildStage::Idle;
     Worker reader;
-    bool stopped = false;  // Stop was asked for
-    bool ended = false;    // the reader has reported
+    bool stopped = false;  // the user chose Stop
+    bool ended = false;    // MSG_BUILD_FINISHED has come
     DWORD exitCode = 0;
     BuildEnd end = BuildEnd::Ended;
     ULONGLONG started = 0;  // tick count
@@ -62,7 +62,7 @@ void ForgetStageState() {
     build.stage = BuildStage::Idle;
 }
 
-// First the wish, then the ends of the processes, so that the reader takes those for what they are.
+// The reader is asked to end before the processes are ended, so that it reports them as stopped.
 void StopReading() {
     WorkerAskToEnd(g_stage.reader);
     ReaderEndProcesses();
@@ -70,7 +70,7 @@ void StopReading() {
 
 void ShowBuildProgress() { g_events.statusProgress(BuildProgressText()); }
 
-// Hands the end of the stage on when all its output is shown.
+// Reports the end of the stage when all its output is shown.
 void DeliverStageEnd() {
     if (!g_stage.ended || !OutputFeedIsEmpty()) return;
     const StageResult result = {.stage = g_stage.stage,
@@ -87,7 +87,8 @@ void DeliverStageEnd() {
     g_events.refreshNow();
 }
 
-// When nothing else is to be done; but a long pane holds hundreds of megabytes, which must not come on top of a flood.
+// Destroys the replaced pane when nothing else is to be done. It is destroyed earlier when the new pane grows long,
+// because a long pane holds hundreds of megabytes.
 void DestroyReplacedPane(bool allShown) {
     if (!RichPaneIsReplaced()) return;
     const bool idle = allShown && g_stage.stage == BuildStage::Idle && HIWORD(GetQueueStatus(QS_INPUT)) == 0;

@@ -1,5 +1,5 @@
-// What runs now. Shared between the UI thread and the build's reader thread: read and written under `g_buildCs` only, handles
-// included. What the UI thread knows of the last build is in output/last_build.h.
+// The process that runs now. Shared between the UI thread and the reader thread: every field, handles included, is read
+// and written under `g_buildCs` only. output/last_build.h has what the UI thread knows of the last build.
 #pragma once
 
 #include "base/bounded_text.h"
@@ -13,17 +13,17 @@ struct BuildState {
     bool building = false;   // the compiler runs: from process start until the reader thread has cleaned up
     bool preparing = false;  // a pre-build, post-build or terminal command runs
     BuildStage stage = BuildStage::Idle;
-    BuildEnd end = BuildEnd::Ended;  // of the stage that ended last, written by the reader thread
+    BuildEnd end = BuildEnd::Ended;  // how the last stage ended; written by the reader thread
     HANDLE process = nullptr;
     HANDLE thread = nullptr;
     HANDLE pipeRead = nullptr;
     HANDLE job = nullptr;  // every process that the stage started
     bool staged = false;
-    wchar_t stagedPath[kPathCapacity] = {};  // temporary copy of the source, deleted after the build
+    wchar_t stagedPath[kPathCapacity] = {};  // the temporary copy of the source; deleted after the build
     wchar_t sourcePath[kPathCapacity] = {};
     wchar_t outputPath[kPathCapacity] = {};
     wchar_t listingPath[kPathCapacity] = {};
-    FILETIME startTime = {};  // system time at launch; side logs older than it are not of this build
+    FILETIME startTime = {};  // system time at launch; a side log older than this is from an earlier build
     std::uint32_t compilerId = 0;
     DWORD lastExitCode = 0;
     DWORD lastLaunchError = 0;
@@ -31,7 +31,7 @@ struct BuildState {
 
 extern CRITICAL_SECTION g_buildCs;
 
-// Holds the build lock for its scope. Short: the reader thread waits for it.
+// Holds `g_buildCs` for its scope. Hold it briefly, because the reader thread waits for it.
 class BuildLock {
 public:
     BuildLock() { EnterCriticalSection(&g_buildCs); }

@@ -1,5 +1,5 @@
-// A process without a window, its standard output and error on a pipe of ours, it and everything it starts in one job.
-// Knows nothing of builds. Any thread.
+// Starts a process without a window. Its standard output and error go to a pipe that the caller reads. The process and
+// everything it starts are in one job. Any thread.
 #pragma once
 
 #include <windows.h>
@@ -10,14 +10,15 @@ struct ChildProcess {
     HANDLE process = nullptr;
     HANDLE thread = nullptr;    // its first thread
     HANDLE pipeRead = nullptr;  // for overlapped reading only
-    HANDLE job = nullptr;       // null when the system refused one: then only the process itself can be ended
+    HANDLE job = nullptr;       // null when no job could be used; then only the process itself can be ended
 };
 
-// Starts `commandLine` in `directory` (empty: ours). False with the Win32 error; nothing is then left behind.
+// Starts `commandLine` in `directory` (empty: the working directory of the editor). The caller owns the handles and
+// closes them with ChildClose. Returns false with the Win32 error in `error`; nothing is then left open.
 bool ChildStart(std::wstring commandLine, const std::wstring& directory, ChildProcess* child, DWORD* error);
 
 // Ends the process and everything it started, at once.
 void ChildTerminate(HANDLE job, HANDLE process);
 
-// Closes all handles. What the process started and left running goes on, unless ChildTerminate ended it.
+// Closes all handles. Processes that are still running go on, unless ChildTerminate ended them.
 void ChildClose(ChildProcess* child);

@@ -16,7 +16,7 @@ void CloseAndClear(HANDLE* handle) {
     *handle = nullptr;
 }
 
-// A job whose processes end with its last handle: so they do if this program is killed.
+// Creates a job with JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE, so that its processes end if the editor is killed.
 HANDLE CreateEndingJob() {
     HANDLE job = CreateJobObjectW(nullptr, nullptr);
     if (job == nullptr) return nullptr;
@@ -26,7 +26,7 @@ HANDLE CreateEndingJob() {
     return job;
 }
 
-// A pipe whose read end can be waited for together with other things, which CreatePipe's cannot.
+// Creates a pipe whose read end allows overlapped reads, which the pipe of CreatePipe does not.
 bool CreateOutputPipe(UniqueHandle* read, UniqueHandle* write) {
     static std::atomic<unsigned> serial = 0;
     const std::wstring name = FormatW(L"\\\\.\\pipe\\kvx-editor-%lu-%u", GetCurrentProcessId(), serial.fetch_add(1));
@@ -40,7 +40,7 @@ bool CreateOutputPipe(UniqueHandle* read, UniqueHandle* write) {
     return static_cast<bool>(*write);
 }
 
-// Our own standard input in a form that a child can inherit, or null: a program with a window usually has none.
+// The editor's standard input as an inheritable handle, or null: a program with a window usually has none.
 UniqueHandle InheritableInput() {
     HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
     HANDLE copy = nullptr;
@@ -50,8 +50,8 @@ UniqueHandle InheritableInput() {
     return UniqueHandle(copy);
 }
 
-// The list of the only handles that a child inherits: other inheritable ones of this process (an editing component or
-// the assistant may hold some) must not keep files or pipes open in it.
+// The list of the handles that a child inherits. Other inheritable handles of the editor (Scintilla or the assistant
+// may hold some) must not keep files or pipes open in the child.
 class HandleList {
 public:
     HandleList(HANDLE output, HANDLE input) : handles_{output, input} {
@@ -96,8 +96,8 @@ bool CreateSuspended(std::wstring& commandLine, const std::wstring& directory, H
                           directory.empty() ? nullptr : directory.c_str(), &start.StartupInfo, process) != FALSE;
 }
 
-// Puts the process into the job before its first instruction, so that nothing it starts is outside, and lets it run. False:
-// it could not be started.
+// Puts the suspended process into the job, so that everything it starts is in the job too, and resumes it. Returns
+// false when it could not be resumed.
 bool ReleaseIntoJob(ChildProcess* child) {
     if (child->job != nullptr && !AssignProcessToJobObject(child->job, child->process)) CloseAndClear(&child->job);
     if (ResumeThread(child->thread) != static_cast<DWORD>(-1)) return true;
@@ -119,7 +119,7 @@ bool ChildStart(std::wstring commandLine, const std::wstring& directory, ChildPr
     PROCESS_INFORMATION process = {};
     bool ok = CreateSuspended(commandLine, directory, write.Get(), input.Get(), &process);
     *error = ok ? ERROR_SUCCESS : GetLastError();
-    write.Reset();  // or the pipe would never end
+    write.Reset();  // else the pipe would never end
     if (ok) {
         started.process = process.hProcess;
         started.thread = process.hThread;
@@ -136,7 +136,7 @@ bool ChildStart(std::wstring commandLine, const std::wstring& directory, ChildPr
 }
 
 void ChildTerminate(HANDLE job, HANDLE process) {
-    // The job's end ends all of its processes; the process itself is named too, for the case without a job.
+    // TerminateJobObject ends all processes of the job. TerminateProcess is for the case without a job.
     if (job != nullptr) TerminateJobObject(job, 1);
     if (process != nullptr) TerminateProcess(process, 1);
 }

@@ -30,8 +30,8 @@ int AppendIfFits(wchar_t* buffer, std::size_t capacity, std::wstring_view text) 
     return 1;
 }
 
-// A folder in double quotes. Programs read \" as a quote that belongs to the argument, so a path must not end in a
-// backslash there; the root of a drive, which needs one, gets a dot after it.
+// Returns a folder in double quotes. Programs read \" as a quote that belongs to the argument, so the path must not end
+// in a backslash. The root of a drive needs one and gets a dot after it.
 std::wstring QuotedFolder(std::wstring_view path) {
     std::wstring bare;
     std::copy_if(path.begin(), path.end(), std::back_inserter(bare), [](wchar_t c) { return c != L'"'; });
@@ -84,7 +84,7 @@ int FormatTemplateArg(std::wstring_view pattern, std::wstring_view path, wchar_t
 
 void AppendBuildFlag(wchar_t* flags, std::wstring_view flag) {
     if (flag.empty() || std::wstring_view(flags).find(flag) != std::wstring_view::npos) return;
-    AppendIfFits(flags, kFlagsCapacity, flag);  // a flag that does not fit is dropped, and the build goes on without it
+    AppendIfFits(flags, kFlagsCapacity, flag);  // the build goes on without a flag that does not fit
 }
 
 std::wstring_view ProfileFlags(int profile, std::wstring_view debugFlags) {

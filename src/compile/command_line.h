@@ -1,4 +1,4 @@
-// The compiler's command line: bounded assembly of its arguments, which refuses rather than cuts. Pure.
+// Assembles the compiler's command line in buffers of fixed size. A part that does not fit is refused, never cut. Pure.
 #pragma once
 
 #include "settings/compiler_table.h"
@@ -8,20 +8,21 @@
 #include <string>
 #include <string_view>
 
-inline constexpr std::size_t kFlagsCapacity = 1024;  // wide characters, terminator included, as below
+inline constexpr std::size_t kFlagsCapacity = 1024;  // these capacities count wide characters with the terminator
 inline constexpr std::size_t kListingArgCapacity = 1152;
 inline constexpr std::size_t kArgumentsCapacity = 4096;
 inline constexpr std::size_t kCommandLineCapacity = 32768;
 
-// The first three return 0, leaving `buffer` as it was, when the result would not fit, else 1. Arguments are separated
-// by one blank; an empty one adds nothing.
+// AppendArgSafe, AppendSwitchPathSafe and AppendAsmOutputArgSafe return 1, or 0 when the result would not fit; `buffer`
+// is then unchanged. Arguments are separated by one blank. An empty argument adds nothing.
 int AppendArgSafe(wchar_t* buffer, std::size_t capacity, std::wstring_view text);
 int AppendSwitchPathSafe(wchar_t* buffer, std::size_t capacity, std::wstring_view switchText, std::wstring_view path);
-// A listing argument; for KVXA32 "/ASMOUT:" and its path are parted by the blank that this compiler wants.
+// Adds a listing argument. For KVXA32 a blank separates "/ASMOUT:" from its path, because that compiler requires it.
 int AppendAsmOutputArgSafe(wchar_t* buffer, std::size_t capacity, std::uint32_t id, std::wstring_view argument);
 
-// The path in double quotes in place of "{asm}"; without that token right after a final ':' or '=', else after a blank. Empty
-// for an empty template or path. 0 when it does not fit.
+// Puts the path in double quotes in place of "{asm}" in the template. Without "{asm}" the path is added at the end,
+// after a blank unless the template ends in ':' or '='. `out` is empty when the template or the path is empty. Returns
+// 0 when the result does not fit, else 1.
 int FormatTemplateArg(std::wstring_view pattern, std::wstring_view path, wchar_t* out, std::size_t capacity);
 
 // Adds a flag to a buffer of kFlagsCapacity unless it is empty, already occurs there, or does not fit.
@@ -39,12 +40,12 @@ struct CommandParts {
     std::wstring_view includePath;  // empty: none
     std::wstring_view listingTemplate;
     std::wstring_view listing;  // empty: no listing wanted
-    std::wstring_view source;   // as staged
+    std::wstring_view source;   // the staged copy or the source itself
     std::wstring_view output;
 };
 
 enum class CommandProblem : std::uint8_t { None, FlagsTooLong, IncludeTooLong, ListingTooLong, CommandTooLong };
 
 CommandProblem AssembleCommandLine(const CommandParts& parts, std::wstring* commandLine);
-// The line for the output pane.
+// Returns the line for the output pane.
 const wchar_t* CommandProblemText(CommandProblem problem);

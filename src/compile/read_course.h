@@ -1,6 +1,7 @@
-// How long the output of a process is read: until its end, its time limit, or the user's Stop. A process that ours has started
-// may live on and hold the pipe open for ever; after the end of ours the pipe is read for only a moment more, and only so much
-// of it, both more than what ours can have left in it. Times are tick counts in milliseconds. Pure.
+// Decides how long the output of a process is read: until its end, its time limit, or the user's Stop. A process
+// started by it may live on and keep the pipe open. After the end of the first process the pipe is therefore read only
+// for a short time and up to a limit of bytes; both are more than the output that it can have left in the pipe. Times
+// are tick counts in milliseconds. Pure.
 #pragma once
 
 #include "compile/build_values.h"
@@ -16,19 +17,19 @@ enum class ReadStep : std::uint8_t { Go, PipeEnd, Stopped, TimedOut };
 
 struct ReadCourse {
     std::uint64_t deadline = kReadNoLimit;
-    std::uint64_t endedAt = 0;  // the process's end
-    std::size_t lateBytes = 0;  // read since that end
+    std::uint64_t endedAt = 0;  // when the process ended
+    std::size_t lateBytes = 0;  // bytes read since then
     bool processEnded = false;
 };
 
-// Until the time limit; at most 0xFFFFFFFE, for waits.
+// Milliseconds until the time limit, at most 0xFFFFFFFE, because a wait takes 0xFFFFFFFF as INFINITE.
 std::uint32_t ReadMsLeft(const ReadCourse& course, std::uint64_t now);
-// How long the next piece is waited for, and what it means that none has come by then.
+// ReadPatience: milliseconds to wait for the next piece. ReadNothingCame: what to do when none came in that time.
 std::uint32_t ReadPatience(const ReadCourse& course, std::uint64_t now);
 ReadStep ReadNothingCame(const ReadCourse& course, std::uint64_t now);
-// Counts a piece of so many bytes, whose reading gave `step`; whether to go on.
+// Counts a piece of `bytes` bytes, whose read gave `step`. Returns whether to go on.
 ReadStep ReadPieceCame(ReadCourse& course, std::size_t bytes, ReadStep step, std::uint64_t now);
 
 BuildEnd ReadEndOf(ReadStep step);
-// A command that outlived its time goes on without us; a compiler is ended.
+// Whether the process is left running: a command that exceeded its time limit is, a compiler is ended.
 bool ReadLeavesRunning(BuildStage stage, BuildEnd end);

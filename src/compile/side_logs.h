@@ -6,18 +6,18 @@
 #include <string_view>
 #include <vector>
 
-// Shows the ".log" and ".err" beside the source in the output pane, if they were written since `startTime` (in units of
-// 100 ns, as files have it). UI thread only.
+// Shows the ".log" and ".err" files beside the source in the output pane, if they were written since `startTime` (units
+// of 100 ns, as in FILETIME). UI thread only.
 void SideLogsShow(const std::wstring& source, std::uint64_t startTime);
 
 // --- The choice. Pure.
-// In the order in which they are shown; the source itself is no log.
+// The paths in the order in which they are shown, without the source itself.
 std::vector<std::wstring> SideLogPaths(std::wstring_view source);
 
 struct SideLogFile {
     bool isFolder = false;
     std::uint64_t bytes = 0;
-    std::uint64_t written = 0;  // in the unit of `startTime`
+    std::uint64_t written = 0;  // time of the last write, in units of 100 ns
 };
-// Written by this build, not empty, and not too long to be read in place.
+// True when the file was written by this build, is not empty, and is not too long.
 bool SideLogIsFresh(const SideLogFile& file, std::uint64_t startTime);

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr std::size_t kShownBytes = 256 * 1024;  // of one file
+constexpr std::size_t kShownBytes = 256 * 1024;  // shown at most of one file
 
 bool IsLogOfThisBuild(const std::wstring& path, std::uint64_t startTime) {
     WIN32_FILE_ATTRIBUTE_DATA data = {};

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr int kStageNames = 9;  // tried for a copy, and for a file moved aside
+constexpr int kStageNames = 9;  // names tried for a copy, and for a file that is moved aside
 
 std::wstring AsideName(const std::wstring& path, int attempt) {
     return path + L".kvx-aside" + std::to_wstring(attempt);
@@ -21,7 +21,7 @@ std::uint32_t CopyToStage(const StageDisk& disk, const std::wstring& source, con
     return 0;
 }
 
-// Moves a user's file to a free name beside it. Empty: it could not be moved.
+// Moves a file of the user to a free name beside it and returns that name; empty when it could not be moved.
 std::wstring MoveAside(const StageDisk& disk, const std::wstring& path) {
     for (int attempt = 1; attempt <= kStageNames; ++attempt) {
         std::wstring aside = AsideName(path, attempt);
@@ -32,7 +32,7 @@ std::wstring MoveAside(const StageDisk& disk, const std::wstring& path) {
 
 bool StageForKeldor(const StageDisk& disk, const std::wstring& source, const std::wstring& target, StagedSource* staged,
                     std::uint32_t* error) {
-    // The program ended in the middle of a build: what bears the user's name now may be a copy of ours.
+    // The editor was ended during an earlier build: the file with the user's name may be a copy made then.
     if (const std::wstring first = AsideName(target, 1); disk.exists(first)) staged->leftover = first;
     if (disk.sameFile(source, target)) return true;
     *error = CopyToStage(disk, source, target, staged);
@@ -48,7 +48,7 @@ bool StageForKeldor(const StageDisk& disk, const std::wstring& source, const std
     return false;
 }
 
-// A line for the user when the copy is kept.
+// Deletes the copy. Returns a line for the user when the copy is kept, else empty text.
 std::wstring RemoveCopy(const StageDisk& disk, const StagedSource& staged) {
     FileStamp now;
     if (!disk.stamp(staged.path, &now)) return {};

@@ -1,4 +1,4 @@
-// Staging on the real disk.
+// Staging on the real disk (StageDisk by Win32 calls).
 #include "compile/staging.h"
 
 #include "base/handles.h"
@@ -9,7 +9,7 @@ namespace {
 
 static_assert(kErrorFileThere == ERROR_FILE_EXISTS);
 
-constexpr DWORD kDeleteTries = 10;  // a compiler just ended may hold the copy open for a moment longer
+constexpr DWORD kDeleteTries = 10;  // a compiler that has just ended may hold the copy open for a moment
 constexpr DWORD kDeletePauseMs = 20;
 
 bool ReadStamp(const std::wstring& path, FileStamp* stamp) {
@@ -27,7 +27,7 @@ bool ReadFileIdentity(const std::wstring& path, BY_HANDLE_FILE_INFORMATION* info
     return file && GetFileInformationByHandle(file.Get(), info);
 }
 
-// The texts agree, or the file system says so (links, short names).
+// True when the paths are equal as text or name the same file (links, short names).
 bool IsSameFile(const std::wstring& a, const std::wstring& b) {
     if (SamePathText(a, b)) return true;
     BY_HANDLE_FILE_INFORMATION first = {};
@@ -40,7 +40,7 @@ bool IsSameFile(const std::wstring& a, const std::wstring& b) {
 std::uint32_t CopyToFreeName(const std::wstring& from, const std::wstring& to) {
     const std::wstring copy = PathForSystem(to.c_str());
     if (!CopyFileW(PathForSystem(from.c_str()).c_str(), copy.c_str(), TRUE)) return GetLastError();
-    // A copy inherits the source's read-only mark, and could then not be deleted.
+    // The copy inherits the read-only attribute of the source, and could then not be deleted.
     SetFileAttributesW(copy.c_str(), FILE_ATTRIBUTE_NORMAL);
     return 0;
 }

@@ -1,4 +1,4 @@
-// The terminal line: Enter runs the text as a command, its output in the output pane. UI thread only.
+// The terminal line: Enter runs its text as a command, whose output goes to the output pane. UI thread only.
 #pragma once
 
 #include <windows.h>

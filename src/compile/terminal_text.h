@@ -1,4 +1,4 @@
-// What the terminal line remembers and says. Pure.
+// The history and the messages of the terminal line. Pure.
 #pragma once
 
 #include "compile/build_values.h"
@@ -8,19 +8,20 @@
 #include <string_view>
 #include <vector>
 
-inline constexpr std::size_t kTerminalHistory = 50;  // commands remembered for one run of the program
+inline constexpr std::size_t kTerminalHistory = 50;  // commands remembered until the editor ends
 
 struct TerminalHistory {
     std::vector<std::wstring> commands;  // oldest first, each once
-    std::size_t at = 0;                  // the one shown; the count of commands: the line being typed
+    std::size_t at = 0;  // index of the command shown; equal to the size of `commands` for the line being typed
 };
 void TerminalRemember(TerminalHistory& history, const std::wstring& command);
-// Steps to an older or a newer command. False: there is none, the line stays as it is. Newer than all is an empty line.
+// Steps to an older or a newer command. After the newest comes an empty line. Returns false when there is none; `shown`
+// is then unchanged.
 bool TerminalRecall(TerminalHistory& history, bool older, std::wstring* shown);
 
-// The system's own command interpreter, by its full path, because the folder of a document must not supply another one.
-// `systemFolder`: without a backslash at its end; empty: unknown.
+// The command line for the system's command interpreter, with its full path, because the folder of a document must not
+// supply another one. `systemFolder` has no backslash at its end; empty: unknown.
 std::wstring TerminalCommandLine(std::wstring_view systemFolder, std::wstring_view command);
 
-// For the output pane; empty: nothing is said.
+// The line for the output pane; empty: none.
 std::wstring TerminalEndText(const StageResult& result);

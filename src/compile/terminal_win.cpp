@@ -1,5 +1,4 @@
-// The terminal line: a command typed there runs in the active document's folder, its output in the output pane. UI
-// thread only.
+// The terminal line: runs the typed command in the active document's folder. UI thread only.
 #include "compile/terminal.h"
 
 #include "base/events.h"
@@ -95,7 +94,7 @@ LRESULT CALLBACK TerminalSubclassProc(HWND window, UINT message, WPARAM wParam, 
             if (OnTerminalKey(window, wParam)) return 0;
             break;
         case WM_CHAR:
-            if (wParam == L'\r' || wParam == VK_ESCAPE)  // answered above; an edit control would beep
+            if (wParam == L'\r' || wParam == VK_ESCAPE)  // handled on WM_KEYDOWN; the edit control would beep
                 return 0;
             break;
         case WM_NCDESTROY: RemoveWindowSubclass(window, TerminalSubclassProc, id); break;

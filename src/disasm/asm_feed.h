@@ -1,5 +1,6 @@
-// What the ASM pane shows, made by a worker: reading a listing and rendering code take time that grows with the files. The
-// worker has its own copy of the request and shares a record with the pane. Nobody waits for it but the program's end.
+// Produces the text of the ASM pane on a worker thread, because reading a listing and rendering code take time that
+// grows with the files. The worker has its own copy of the request and shares the record AsmFeed with the pane. Only
+// the end of the program waits for it.
 #pragma once
 
 #include "disasm/asm_request.h"
@@ -12,25 +13,25 @@
 struct AsmFeed;
 using AsmFeedPtr = std::shared_ptr<AsmFeed>;
 
-// What follows the listing's text, put by the functions below. `listing` is null when there is none.
+// Adds the text after the listing's, by AsmFeedPut and its neighbours. `listing` is null when there is none.
 using AsmRenderer = void (*)(AsmFeed& feed, const AsmRequest& request, const std::string* listing);
 
 // --- UI thread
-// The feed of a new worker that calls the renderer, or null when none could be started.
+// Starts a worker that calls the renderer. Returns null when it could not be started.
 AsmFeedPtr AsmFeedStart(AsmRequest request, AsmRenderer renderer);
-// What came since the last call, in its order. False: nothing, and nothing more will.
+// Takes the pieces that came since the last call. Returns false when there were none and none will come.
 bool AsmFeedTake(AsmFeed& feed, std::deque<std::wstring>* pieces);
-// The line of all pieces together, from 0, that AsmFeedMarkPlace marked, or -1.
+// The line that AsmFeedMarkPlace marked, counted from 0 over all pieces, or -1.
 int AsmFeedPlace(const AsmFeed& feed);
-void AsmFeedCancel(AsmFeed& feed);  // its worker ends soon, and nothing comes any more
-// Cancels, and waits for the worker, at most so many milliseconds.
+void AsmFeedCancel(AsmFeed& feed);  // asks the worker to end; no more pieces come
+// Cancels the feed and waits for the worker, at most `milliseconds`.
 void AsmFeedEnd(AsmFeed& feed, unsigned milliseconds);
 
 // --- The worker's thread
 void AsmFeedBeginPart(AsmFeed& feed, std::string_view heading);
-// Adds UTF-8 text: whole lines, or the end of the part, as far as the part has room (disasm/asm_text.h). False: no more is
-// wanted.
+// Adds UTF-8 text: whole lines, or the end of a part. Text beyond the part's limits is left out (disasm/asm_text.h).
+// Returns false when no more text is wanted.
 bool AsmFeedPut(AsmFeed& feed, std::string_view text);
 bool AsmFeedIsCancelled(const AsmFeed& feed);
-// What is put next belongs to the line where the user stands.
+// Marks the next text as the code of the caret's line.
 void AsmFeedMarkPlace(AsmFeed& feed);

@@ -16,7 +16,7 @@ struct AsmFeed {
     WorkerQueue<std::wstring> pieces;
     std::atomic<int> place = -1;
 
-    // Of the worker's thread alone: its wish to end, lines delivered, and the current part.
+    // Used by the worker's thread only: its request to end, the number of lines delivered, and the current part.
     const WorkerCancel* cancel = nullptr;
     int delivered = 0;
     AsmPart part;
@@ -57,7 +57,7 @@ void MakeAsmText(AsmFeedPtr& shared, const WorkerCancel& cancel) {
     try {
         PutAllParts(feed);
     } catch (const std::bad_alloc&) {
-        DeliverText(feed, "(Not enough memory.)\r\n");  // what was there is free again
+        DeliverText(feed, "(Not enough memory.)\r\n");  // the memory in use before is free again
     }
     feed.pieces.Finish();
 }

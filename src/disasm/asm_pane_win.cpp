@@ -20,13 +20,13 @@
 namespace {
 
 constexpr unsigned kShutdownWaitMs = 1000;
-constexpr int kHeadLines = 4;  // before what the feed brings
+constexpr int kHeadLines = 4;  // lines before the text of the feed
 
 struct AsmPane {
     OutputQueue queue;
-    AsmFeedPtr feed;  // null: nothing is being made
+    AsmFeedPtr feed;  // null: no worker makes text
     AsmScroll scroll;
-    BlockSize block = {.lines = 100};  // the first block is painted with the whole pane
+    BlockSize block = {.lines = 100};  // small, because the first block is painted with the whole pane
 };
 AsmPane g_asm;
 
@@ -53,8 +53,8 @@ AsmRequest RequestWithCaret(const wchar_t* source, const wchar_t* listing) {
     return request;
 }
 
-// Inserting scrolls to the insertion; the pane goes back to where it belongs. The place of the user may first lie too near
-// the end to become the top line.
+// Appends lines and restores the scroll position, because inserting text scrolls to it. The line for the caret can
+// become the top line only when enough lines follow it.
 void AppendInPlace(const std::vector<PaneLine>& block) {
     HWND pane = g_disasm.hAsmPane;
     const LRESULT before = SendMessageW(pane, EM_GETFIRSTVISIBLELINE, 0, 0);
@@ -62,7 +62,7 @@ void AppendInPlace(const std::vector<PaneLine>& block) {
     g_asm.scroll.lines += block.size();
     const LRESULT wanted = AsmTopLine(g_asm.scroll, before);
     if (wanted == 0) {
-        POINT top = {};  // by pixels: by lines it would come to rest within the first one
+        POINT top = {};  // set in pixels, because scrolling by lines would stop within the first line
         SendMessageW(pane, EM_SETSCROLLPOS, 0, reinterpret_cast<LPARAM>(&top));
         return;
     }
@@ -107,7 +107,7 @@ void AsmPaneShowNext() {
     const double started = ClockMs();
     AppendInPlace(block);
     BlockSizeLearn(g_asm.block, block.size(), ClockMs() - started);
-    // With its frame: a scroll bar that came up while nothing was painted is not there yet.
+    // The frame is redrawn too, because a scroll bar that appeared while redrawing was off is not painted yet.
     RedrawWindow(g_disasm.hAsmPane, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME);
 }
 

@@ -1,4 +1,4 @@
-// Line maps come from the pure readers: a program without one is an ordinary program here, and nothing is to be reported.
+// Line maps are read by the pure functions, which report nothing, because here a program without a map is no error.
 #include "disasm/asm_renderer.h"
 
 #include "base/path.h"
@@ -19,7 +19,7 @@ constexpr std::size_t kMostProgram = std::size_t{256} << 20;
 constexpr std::size_t kMostSource = std::size_t{32} << 20;
 constexpr std::int32_t kMostSources = 256;
 constexpr std::size_t kLinesAtOnce = 500;
-constexpr std::size_t kInstructionsAtOnce = 2000;  // some milliseconds at most
+constexpr std::size_t kInstructionsAtOnce = 2000;  // takes a few milliseconds at most
 
 struct MapOwner {
     SdbgMap map = {};
@@ -57,7 +57,7 @@ void AddSource(const AsmSurroundings& around, const AsmRequest& request, std::ui
     program.focusLine = static_cast<std::uint32_t>(request.caretLine);
 }
 
-// What the map says of lines, and the sources' texts.
+// Adds the map's lines and the texts of the sources to `program`.
 void AddLines(const AsmSurroundings& around, const AsmRequest& request, const SdbgMap& map, DisasmProgram& program) {
     for (const SdbgLine& line : std::span(map.lines, static_cast<std::size_t>(map.lineCount)))
         program.lines.push_back({.rva = line.rva, .fileId = line.fileId, .line = line.line});
@@ -72,7 +72,7 @@ void AddLines(const AsmSurroundings& around, const AsmRequest& request, const Sd
 
 void PutListingColumns(const AsmSurroundings& around, const AsmRequest& request, const std::string& text) {
     around.beginPart("\r\n=== Listing in columns ===\r\n");
-    // Not every compiler writes one: it may be left from another.
+    // The listing may be older, because not every compiler writes one and another compiler may have left it.
     if (around.isOlder(request.listing, request.source))
         around.put("(The source was changed after this listing was written.)\r\n");
     DisasmListing listing = {.rest = text};
@@ -84,7 +84,7 @@ void PutListingColumns(const AsmSurroundings& around, const AsmRequest& request,
     }
 }
 
-// The part around the caret comes first, where there is one.
+// Adds the program's code. The part around the caret comes first, if there is one.
 void PutCode(const AsmSurroundings& around, DisasmProgram program) {
     const DisasmRendererPtr renderer = DisasmRendererNew(std::move(program));
     std::string piece;

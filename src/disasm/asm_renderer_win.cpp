@@ -1,4 +1,4 @@
-// Runs on the ASM pane's own worker, on copies; touches no window and no global record.
+// Runs on the worker thread of the ASM pane, on copies. Uses no window and no part of `g_app`.
 #include "disasm/asm_renderer.h"
 
 #include "base/handles.h"
@@ -16,7 +16,7 @@ std::string Utf8OfWide(std::wstring_view wide) {
     return text != nullptr ? text.get() : "";
 }
 
-// UTF-8 as it is, anything else from the ANSI code page.
+// Reads a source as UTF-8; text that is not UTF-8 is converted from the ANSI code page.
 std::string ReadSourceText(const std::wstring& path) {
     std::string bytes;
     if (!ReadSharedFile(path, kMostSourceText, &bytes) || IsValidUtf8Bytes(bytes.data(), bytes.size())) return bytes;

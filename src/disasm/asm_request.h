@@ -1,28 +1,29 @@
-// What the ASM pane is asked to show. Pure.
+// The request for the text of the ASM pane. Pure.
 #pragma once
 
 #include "output/last_build.h"
 
 #include <string>
 
-// What was built, and where the user stands.
+// The files of the build, and the caret's place.
 struct AsmRequest {
     std::wstring source;
-    std::wstring staged;  // the copy of it that the compiler saw, empty when that is unknown
+    std::wstring staged;  // the copy that the compiler read; empty when unknown
     std::wstring listing;
     std::wstring program;    // empty: unknown
-    std::wstring caretFile;  // of the active editor
+    std::wstring caretFile;  // the active editor's file
     int caretLine = 0;       // from 1; 0: none
 };
 
-// Copy and program are known when the last build was of this source.
+// Fills `staged` and `program` when the last build was of this source.
 AsmRequest AsmRequestOf(const BuildRecord& last, std::wstring source, std::wstring listing);
 
-// The line, from 0, that becomes the pane's first one after text was added, `first` being the one before. The reader stays
-// where they are; while they have not scrolled, they are taken to the place as soon as it is there.
+// Returns the line, from 0, that is to be the pane's first visible one after text was added; `first` was the first
+// visible one before. When the user has scrolled, the pane stays there. Otherwise it goes to `place` as soon as that
+// line exists.
 struct AsmScroll {
-    int place = -1;         // line of the code where the user stands, from 0; -1: not known
-    std::size_t lines = 0;  // shown
-    long long top = 0;      // first visible line, where the pane itself left it
+    int place = -1;         // line of the caret's code, from 0; -1: not known yet
+    std::size_t lines = 0;  // lines in the pane
+    long long top = 0;      // the first visible line that the pane itself set
 };
 long long AsmTopLine(const AsmScroll& scroll, long long first);

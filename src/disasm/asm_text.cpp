@@ -6,7 +6,8 @@
 
 namespace {
 
-// Bytes of the first line of `text`, its line end included; a line too long for the pane is cut between characters.
+// Number of bytes of the first line of `text`, its line break included. A line too long for the pane is cut between
+// characters.
 std::size_t FirstLineBytes(std::string_view text) {
     std::size_t end = text.find_first_of("\r\n");
     if (end == std::string_view::npos) end = text.size();

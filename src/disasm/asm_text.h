@@ -1,26 +1,26 @@
-// How much of a text the ASM pane takes: whole lines up to a part's limits, and long lines in pieces. Pure.
+// Limits the text of the ASM pane: whole lines up to the limits of a part, long lines in pieces. Pure.
 #pragma once
 
 #include <cstddef>
 #include <string>
 #include <string_view>
 
-// A part has room for so many lines. What it has no room for is left out, and a line of the part's text says so.
+// The limits of a part. The rest is left out, and a line of the part's text says so.
 inline constexpr std::size_t kAsmPartLines = 8000;
 inline constexpr std::size_t kAsmPartBytes = std::size_t{4} << 20;
 
-// What the current part has got so far.
+// The size of the current part so far.
 struct AsmPart {
     std::size_t lines = 0;
     std::size_t bytes = 0;
     bool full = false;
 };
 
-// What fits of UTF-8 text that is whole lines, or the end of the part.
+// Returns as much of `text` as fits into the part. `text` is UTF-8: whole lines, or the end of the part.
 std::string AsmPartTake(AsmPart& part, std::string_view text);
 
-// The lines that a text takes in the pane, a last one without its line break included.
+// The number of lines of a text in the pane. A last line without a line break counts.
 int AsmLinesIn(std::string_view text);
 
-// Cuts a piece off a long text: whole lines, of about so many bytes, at least one line.
+// Removes a piece from the start of `text` and returns it: whole lines of about `bytes` bytes, at least one line.
 std::string_view AsmTakePiece(std::string_view* text, std::size_t bytes);

@@ -1,4 +1,4 @@
-// How one line of code looks, in executables and listings alike: address, bytes, mnemonic, operands in columns. Pure.
+// Formats one line of code for executables and listings: address, bytes, mnemonic and operands in columns. Pure.
 #pragma once
 
 #include <cstdint>
@@ -6,15 +6,16 @@
 #include <string>
 #include <string_view>
 
-// Digits of addresses in a program: 8, 12, or 16 where 12 do not suffice.
+// The number of hexadecimal digits for a program's addresses: 8 for x86, 12 for x64, 16 where 12 do not suffice.
 int AddressDigits(bool x64, std::uint64_t highest);
-void AppendHex(std::string& out, std::uint64_t value, int digits);  // upper case, with leading zeros
-// "  000140001020  48 8B 45 F0                     ", ready for the instruction.
+void AppendHex(std::string& out, std::uint64_t value, int digits);  // in upper case, with leading zeros
+// Appends "  000140001020  48 8B 45 F0                     "; the instruction follows.
 void AppendAddressAndBytes(std::string& out, std::uint64_t address, int digits, std::span<const std::uint8_t> bytes);
-// "mov     rax, [rbp-0x10]": operands begin in column 8 or one blank after what stands there (with "rep", "lock").
+// Appends "mov     rax, [rbp-0x10]": the operands begin in column 8, or one blank after a longer mnemonic. A prefix
+// such as "rep" or "lock" is part of the mnemonic.
 void AppendAligned(std::string& out, std::string_view instruction);
-// The bytes of a prefix that takes the place of the mnemonic ("rep ", "lock "), with its blank; 0: none.
+// The length of a prefix at the start ("rep ", "lock "), its blank included; 0 when there is none.
 std::size_t PrefixLength(std::string_view instruction);
 
-inline constexpr std::size_t kBytesColumn = 32;    // width of the bytes
-inline constexpr std::size_t kMnemonicColumn = 8;  // width of the mnemonic
+inline constexpr std::size_t kBytesColumn = 32;    // characters for the bytes
+inline constexpr std::size_t kMnemonicColumn = 8;  // characters for the mnemonic

@@ -17,11 +17,11 @@ ZyanStringView ViewOf(std::string_view text) {
     view.string.vector.size = text.size() + 1;  // Zydis counts the terminator
     view.string.vector.capacity = text.size() + 1;
     view.string.vector.element_size = 1;
-    view.string.vector.data = const_cast<char*>(text.data());  // only read
+    view.string.vector.data = const_cast<char*>(text.data());  // Zydis only reads it
     return view;
 }
 
-// Replaces the formatter's own procedure for absolute addresses: branch targets, [rip+n], [n].
+// Replaces the formatter's procedure for absolute addresses: branch targets, [rip+n], [n].
 ZyanStatus PrintAddress(const ZydisFormatter* formatter, ZydisFormatterBuffer* buffer, ZydisFormatterContext* context) {
     const auto* own = static_cast<const FormatContext*>(context->user_data);
     ZyanU64 address = 0;
@@ -50,8 +50,8 @@ void FormatterInit(ZydisFormatter& formatter, ZydisFormatterFunc* replaced) {
     *replaced = reinterpret_cast<ZydisFormatterFunc>(const_cast<void*>(callback));
 }
 
-// A register of the same size tells the size of the memory beside it, and a call's or jump's is always an address. The
-// formatter's own rule leaves it out of "inc [rbx]".
+// Whether the size of a memory operand must be written. A register operand of the same size shows it, and the operand
+// of a call or jump is always an address. Without this rule Zydis writes "inc [rbx]" without a size.
 bool NeedsSize(const Decoded& decoded) {
     if (decoded.instruction.meta.branch_type != ZYDIS_BRANCH_TYPE_NONE) return false;
     const std::span operands(decoded.operands, decoded.instruction.operand_count_visible);
@@ -106,7 +106,7 @@ std::string_view FormatDecoded(const Decoder& decoder, const Decoded& decoded, s
 }
 
 std::string_view FormatByte(std::uint8_t byte, InstructionText& buffer) {
-    // A number must not begin with a letter.
+    // The "0" is needed because a number must not begin with a letter.
     std::snprintf(buffer.data(), buffer.size(), byte >= 0xA0 ? "db 0%02Xh" : "db %02Xh", byte);
     return buffer.data();
 }

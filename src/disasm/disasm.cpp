@@ -1,4 +1,4 @@
-// Single ranges of code, for whoever has bytes at hand; whole files are rendered by disasm/renderer.cpp.
+// Disassembles single ranges of code. disasm/renderer.cpp renders whole files.
 #include "disasm/disasm.h"
 
 #include "disasm/decoder.h"

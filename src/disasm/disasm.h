@@ -1,5 +1,4 @@
-// Machine code and compilers' listings as assembly text (Intel syntax). Pure; any bytes are legal input; a session or a
-// window is not known here.
+// Disassembles ranges of machine code (Intel syntax). Pure; any bytes are legal input. Knows no debugger and no window.
 #pragma once
 
 #include <cstddef>
@@ -11,23 +10,24 @@
 #include <string_view>
 #include <vector>
 
-// One decoded instruction, or one byte that is none.
+// One decoded instruction, or one byte that could not be decoded.
 struct DisasmInstruction {
     std::uint64_t address = 0;
     std::uint8_t length = 1;
-    bool decoded = false;  // false: shown as "db 0FFh", skipped by one
+    bool decoded = false;  // false: one byte, shown as "db 0FFh"
     bool isCall = false;
-    bool isBranch = false;  // jump or call with a target that is known: `target`
+    bool isBranch = false;  // a jump or call whose target is known
     std::uint64_t target = 0;
-    std::string text;  // "mov rax, [rbp-0x10]"; names of symbols in place of addresses where known
+    std::string text;  // "mov rax, [rbp-0x10]", with names of symbols in place of known addresses
 };
 
-// Name of an address, or empty. Asked for branch targets and for memory operands relative to the instruction pointer.
+// Returns the name of an address, or empty text. Called for branch targets and for memory operands relative to the
+// instruction pointer.
 using DisasmSymbols = std::function<std::string(std::uint64_t address)>;
 
-// Decodes instructions from `bytes`, which stand at `address`. At most `limit`.
+// Decodes at most `limit` instructions from `bytes`, which are at `address` in the program.
 std::vector<DisasmInstruction> DisasmRange(std::span<const std::uint8_t> bytes, std::uint64_t address, bool x64,
                                            const DisasmSymbols& symbols, std::size_t limit);
 
-// Where step-into goes: the address that a CALL's immediate operand names, or 0 for any other instruction.
+// The target of a step into: the address in the immediate operand of a CALL, or 0 for any other instruction.
 std::uint64_t DisasmCallTarget(std::span<const std::uint8_t> bytes, std::uint64_t address, bool x64);

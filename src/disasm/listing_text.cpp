@@ -13,9 +13,9 @@
 namespace {
 
 constexpr std::size_t kTab = 8;
-constexpr std::size_t kIndent = 8;  // of instructions without address
+constexpr std::size_t kIndent = 8;  // blanks before an instruction without an address
 constexpr std::size_t kNumberColumn = 6;
-constexpr std::size_t kLongestLine = 65536;  // longer ones are made visible and not looked into
+constexpr std::size_t kLongestLine = 65536;  // a longer line is made visible, but not parsed
 
 bool IsListingWordCharacter(char c) {
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == '.' ||
@@ -35,7 +35,7 @@ std::string_view WithoutOuterBlanks(std::string_view text) {
     return text.substr(0, last == std::string_view::npos ? 0 : last + 1);
 }
 
-// The word at the start of `text` is taken from it, with the blanks after it.
+// Removes the first word of `text` and the blanks after it, and returns the word.
 std::string_view TakeWord(std::string_view& text) {
     const std::size_t end = std::min(text.find(' '), text.size());
     const std::string_view word = text.substr(0, end);
@@ -50,7 +50,7 @@ bool IsHex(std::string_view text) {
 
 bool IsMnemonic(std::string_view word) {
     static const std::unordered_set<std::string_view> known = [] {
-        // What compilers write beside the decoder's own names.
+        // Mnemonics that compilers write besides the decoder's names.
         std::unordered_set<std::string_view> names = {
             "je",    "jne",   "jc",     "jnc",   "ja",     "jae",   "jna",    "jnae",   "jg",    "jge",
             "jng",   "jnge",  "jpe",    "jpo",   "sete",   "setne", "seta",   "setae",  "setc",  "setg",
@@ -74,8 +74,8 @@ bool IsRegister(std::string_view word) {
     return known.contains(Lowered(word));
 }
 
-// A prefix ("rep movsb") may come before the mnemonic. Prose may begin with one ("and so on", "Test passed"), but has
-// no operand after it.
+// Whether the text is an instruction. A prefix ("rep movsb") may come before the mnemonic. Prose may begin with a
+// mnemonic ("and so on", "Test passed"), but no operand follows it.
 bool IsInstruction(std::string_view text) {
     std::string_view rest = text.substr(PrefixLength(Lowered(text.substr(0, 32))));
     const std::string_view mnemonic = TakeWord(rest);
@@ -87,20 +87,20 @@ bool IsInstruction(std::string_view text) {
            (goesSomewhere && operands.find(' ') == std::string_view::npos);
 }
 
-// "NAME:" alone.
+// True for "NAME:" and nothing else.
 bool IsLabel(std::string_view text) {
     return text.size() > 1 && text.back() == ':' && std::all_of(text.begin(), text.end() - 1, IsListingWordCharacter);
 }
 
 struct CodeLine {
-    std::string_view lineNumber;  // before the address, in some listings
-    std::string_view address;     // as it stands there, a colon included
-    std::string bytes;            // pairs of digits, as they stand there, a blank after each
+    std::string_view lineNumber;  // some listings have one before the address
+    std::string_view address;     // as in the listing, with its colon
+    std::string bytes;            // pairs of digits as in the listing, a blank after each
     std::string_view instruction;
 };
 
-// Pairs of digits: "48 8B C4", or one word "488BC4". A word that is digits and a mnemonic ("db", "dd") is one of them
-// when it follows by one blank.
+// Removes the bytes at the start of `text`: pairs of digits ("48 8B C4") or one word ("488BC4"). A word that is a pair
+// of digits and also a mnemonic ("db", "dd") is a byte only as the first one or one blank after the byte before.
 void TakeBytes(std::string_view& text, std::string& bytes) {
     const char* end = text.data();
     for (;;) {
@@ -115,7 +115,7 @@ void TakeBytes(std::string_view& text, std::string& bytes) {
     }
 }
 
-// An address of four digits or more, then bytes, then perhaps an instruction.
+// Parses an address of at least four digits, then bytes, then perhaps an instruction.
 bool ParseAddressed(std::string_view text, CodeLine* line) {
     line->address = TakeWord(text);
     std::string_view digits = line->address;

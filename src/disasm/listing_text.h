@@ -1,5 +1,5 @@
-// A compiler's listing made readable: code in columns, tabs expanded, control characters visible. Line for line: each
-// line of the listing is one line of the result, and nothing of it is lost but blanks. Pure; any bytes are legal input.
+// Makes a compiler's listing readable: code in columns, tabs expanded, control characters visible. Each line of the
+// listing gives one line of the result, and only blanks are lost. Pure; any bytes are legal input.
 #pragma once
 
 #include <cstddef>
@@ -7,12 +7,12 @@
 #include <string_view>
 
 struct DisasmListing {
-    std::string_view rest;  // what is not rendered yet; borrowed
+    std::string_view rest;  // the text not rendered yet; borrowed
 };
 
-// Appends the next lines, at most `budget`, each ending in "\r\n", as UTF-8 without control characters. False: that was
-// the last.
+// Appends at most `budget` of the next lines, each ending in "\r\n", as UTF-8 without control characters. Returns false
+// after the last line.
 bool DisasmListingNext(DisasmListing& listing, std::size_t budget, std::string* out);
 
-// One line, without its line end.
+// Renders one line without its line break.
 std::string DisasmListingLine(std::string_view line);

@@ -12,11 +12,11 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-// Of all sections of code together.
+// Facts about all code sections together.
 struct CodeFacts {
-    bool any = false;      // a section of code, with or without data
-    bool data = false;     // one with data
-    bool outside = false;  // one whose data lie outside the file
+    bool any = false;      // there is a code section
+    bool data = false;     // there is one with data
+    bool outside = false;  // there is one whose data are outside the file
 };
 
 CodeFacts FactsOf(const PeImage& image) {
@@ -40,7 +40,7 @@ std::string PackerSection(const PeImage& image) {
     return {};
 }
 
-// Bits a byte, 0 to 8. Code of compilers has 5 to 6.7, compressed and encrypted data more than 7.8.
+// Entropy in bits per byte, 0 to 8. Compiled code has 5 to 6.7; compressed and encrypted data have more than 7.8.
 double Entropy(Bytes bytes) {
     std::array<std::size_t, 256> counts = {};
     for (const std::uint8_t byte : bytes) ++counts[byte];
@@ -54,7 +54,7 @@ double Entropy(Bytes bytes) {
 }
 
 constexpr double kPackedEntropy = 7.3;
-constexpr std::size_t kEntropyBytes = 4096;  // fewer bytes say nothing
+constexpr std::size_t kEntropyBytes = 4096;  // the entropy of fewer bytes is not meaningful
 
 std::string Quoted(const std::string& name) { return '"' + name + '"'; }
 

@@ -1,9 +1,9 @@
-// Whether there is code to show in an executable. Pure.
+// Tells whether the code of an executable can be shown. Pure.
 #pragma once
 
 #include "program/pe_image.h"
 
 #include <string>
 
-// Why the code of this file is not shown, as a sentence for the user; empty: it can be.
+// Returns why the code of this file cannot be shown, as a sentence for the user; empty when it can.
 std::string PeProblem(const PeImage& image);

@@ -13,34 +13,34 @@
 
 namespace {
 
-// Code beyond this is left out, and the text says so: each byte takes another one while it is rendered.
+// Code beyond this size is left out, and the text says so, because the marks need one more byte for each byte of code.
 constexpr std::size_t kMostCode = std::size_t{64} << 20;
-constexpr std::size_t kShortestRun = 16;   // equal filling bytes shown as one line
-constexpr std::size_t kMaxNames = 65536;   // of procedures and of jumps through imports
-constexpr std::size_t kSourceBytes = 512;  // of a source line or a file's name: a map may name it again and again
+constexpr std::size_t kShortestRun = 16;   // so many equal filling bytes are shown as one line
+constexpr std::size_t kMaxNames = 65536;   // limit for names of procedures and of jumps through imports
+constexpr std::size_t kSourceBytes = 512;  // most of a source line or file name: a map may repeat it very often
 
-// The part around the focus: so many lines of the map before and after, and not more bytes than that.
+// The part around the focus: so many lines of the map before and after it, and at most kFocusBytes bytes.
 constexpr std::size_t kFocusLinesBefore = 3;
 constexpr std::size_t kFocusLinesAfter = 6;
 constexpr std::uint32_t kFocusBytes = 1500;
 
-// What is known of a byte of code.
+// Facts about a byte of code.
 enum Mark : std::uint8_t {
-    kStart = 1,   // an instruction begins, or a byte that is shown as such
-    kJumped = 2,  // a jump goes there
+    kStart = 1,   // an instruction begins here, or a byte that is shown as "db"
+    kJumped = 2,  // the target of a jump
     kCalled = 4,
-    kKnown = 8,  // an instruction begins there whatever the bytes before it look like
+    kKnown = 8,  // an instruction begins here whatever the bytes before it are
 };
 
 struct Code {
     std::string name;
     std::uint32_t rva = 0;
     std::span<const std::uint8_t> bytes;
-    std::vector<std::uint8_t> marks;  // one for each byte
+    std::vector<std::uint8_t> marks;  // one for each byte of code
     bool cut = false;
 };
 
-// A stretch of one section's code to be shown.
+// A range of one section's code that is shown.
 struct Part {
     std::size_t code = 0;
     std::size_t from = 0;  // offsets in the section
@@ -85,21 +85,21 @@ struct DisasmRenderer {
     DisasmProgram program;
     PeImage image;
     Decoder decoder;
-    DisasmSymbols symbols;  // asks this renderer
+    DisasmSymbols symbols;  // looks up names in this renderer
     std::vector<Code> code;
-    std::unordered_map<std::uint32_t, std::string> names;  // of code and data, by RVA
-    std::unordered_set<std::uint64_t> headings;            // file and line of procedures that have their name
+    std::unordered_map<std::uint32_t, std::string> names;  // names of code and data, by RVA
+    std::unordered_set<std::uint64_t> headings;            // file and line of headings that named a procedure
     std::unordered_map<std::uint32_t, SourceText> sources;
     std::vector<Part> parts;
-    bool focused = false;  // the first part is that around the focus
+    bool focused = false;  // the first part is the one around the focus
     int digits = 12;
 
     Phase phase = Phase::Head;
-    std::size_t current = 0;     // section while marking, part while showing
+    std::size_t current = 0;     // index of the section while marking, of the part while writing
     std::size_t at = 0;          // offset in the section
-    std::size_t nextRecord = 0;  // of program.lines, while naming and while showing
-    bool opened = false;         // the part's heading is written
-    bool blank = true;           // the last line written is empty
+    std::size_t nextRecord = 0;  // index into program.lines, while naming and while writing
+    bool opened = false;         // the heading of the part was written
+    bool blank = true;           // the last line written was empty
 };
 
 namespace {
@@ -122,7 +122,7 @@ std::string Numbered(const char* prefix, std::uint64_t address) {
     return name;
 }
 
-// The name of a place in the code that needs one; empty: no label stands there.
+// The label at an address; empty when it needs none.
 std::string LabelAt(const DisasmRenderer& r, std::uint64_t rva, std::uint8_t marks) {
     if (const auto named = r.names.find(static_cast<std::uint32_t>(rva)); named != r.names.end()) return named->second;
     if ((marks & kCalled) != 0) return Numbered("sub_", r.image.base + rva);
@@ -138,7 +138,7 @@ std::string NameOf(DisasmRenderer& r, std::uint64_t address) {
     const Code* code = CodeAt(r, rva);
     const std::uint8_t marks =
         code == nullptr ? std::uint8_t{kStart} : code->marks[static_cast<std::size_t>(rva - code->rva)];
-    // Into the middle of something: no line of the text is meant.
+    // A target within an instruction has no label, because no line of the text begins there.
     return (marks & kStart) != 0 ? LabelAt(r, rva, marks) : std::string();
 }
 
@@ -173,7 +173,7 @@ void TakeExports(DisasmRenderer& r) {
     if (r.image.entryRva != 0) MarkAt(r, r.image.entryRva, kKnown | kCalled);
 }
 
-// A heading may have several records. The procedure begins at the first.
+// Names the procedure of a heading line. A heading may have several records; the procedure begins at the first.
 void NameProcedure(DisasmRenderer& r, const DisasmLine& line) {
     const std::uint64_t place = std::uint64_t{line.fileId} << 32 | line.line;
     if (r.headings.size() >= kMaxNames || r.headings.contains(place)) return;
@@ -207,8 +207,8 @@ void TakeCode(DisasmRenderer& r) {
     r.digits = AddressDigits(r.image.x64, highest);
 }
 
-// Index of the record that the focus belongs to, or the number of records: the line itself, else the nearest above it
-// with code, else the first below.
+// The index of the record for the focus: of its line, else of the nearest line before it with code, else of the first
+// line after it. The number of records when there is none.
 std::size_t FocusRecord(const DisasmRenderer& r) {
     const auto& lines = r.program.lines;
     const std::uint32_t wanted = r.program.focusLine;
@@ -256,7 +256,7 @@ void PlanSections(DisasmRenderer& r) {
     }
 }
 
-// False: nothing can be shown, `out` says why.
+// Prepares the work. Returns false when nothing can be shown; `out` then says why.
 bool PrepareRendering(DisasmRenderer& r, std::string* out) {
     r.image = PeImageRead(r.program.file);
     if (const std::string problem = PeProblem(r.image); !problem.empty()) {
@@ -292,7 +292,7 @@ Step StepAt(const DisasmRenderer& r, const Code& code, std::size_t at, Decoded* 
     return {.kind = StepKind::Instruction, .length = length};
 }
 
-// A jump through an import slot is what calls of that import go to: it takes the import's name.
+// Gives a jump through an import slot the import's name, because calls of the import go to that jump.
 void NameThunk(DisasmRenderer& r, const Decoded& decoded, std::uint64_t rva) {
     if (decoded.instruction.mnemonic != ZYDIS_MNEMONIC_JMP || decoded.operands[0].type != ZYDIS_OPERAND_TYPE_MEMORY)
         return;
@@ -388,7 +388,7 @@ void OpenPart(DisasmRenderer& r, const Part& part, std::string& out) {
     r.blank = false;
     r.opened = true;
     r.at = part.from;
-    // A part may begin within an instruction.
+    // The first instruction of a part may begin after the part's start.
     while (r.at < part.to && (code.marks[r.at] & kStart) == 0) ++r.at;
     const auto& lines = r.program.lines;
     const auto first = std::lower_bound(lines.begin(), lines.end(), code.rva + r.at,

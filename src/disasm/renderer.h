@@ -1,5 +1,5 @@
-// A whole executable's code as text, piece by piece: names and labels, source lines between, the part around one source
-// line first. Pure; any bytes are legal input. A renderer belongs to one thread at a time.
+// Renders the code of a whole executable as text, piece by piece, with names, labels and source lines. The part around
+// one source line comes first. Pure; any bytes are legal input. A renderer belongs to one thread at a time.
 #pragma once
 
 #include <cstddef>
@@ -9,24 +9,24 @@
 #include <string>
 #include <vector>
 
-// Where the code of a source line begins.
+// The start of the code of a source line.
 struct DisasmLine {
     std::uint32_t rva = 0;
     std::uint32_t fileId = 0;
-    std::uint32_t line = 0;  // from 1; 0: of no source
+    std::uint32_t line = 0;  // from 1; 0: no source line
 };
 
 struct DisasmSource {
     std::uint32_t fileId = 0;
-    std::string name;  // shown before the line's number; empty for the main source
-    std::string text;  // UTF-8, any line ends; empty: unknown
+    std::string name;  // shown before the line number; empty for the main source
+    std::string text;  // UTF-8 with any line breaks; empty: unknown
 };
 
 struct DisasmProgram {
     std::vector<std::uint8_t> file;
-    std::vector<DisasmLine> lines = {};  // in any order, may be empty
+    std::vector<DisasmLine> lines = {};  // in any order; may be empty
     std::vector<DisasmSource> sources = {};
-    std::uint32_t focusFile = 0;  // the part around this line comes first, if it has code
+    std::uint32_t focusFile = 0;  // the part around the focus line comes first, if the line has code
     std::uint32_t focusLine = 0;  // 0: none
 };
 
@@ -38,12 +38,13 @@ using DisasmRendererPtr = std::unique_ptr<DisasmRenderer, DisasmRendererDeleter>
 
 DisasmRendererPtr DisasmRendererNew(DisasmProgram program);
 // Appends the next lines, each ending in "\r\n", as UTF-8 without control characters. Does the work of about `budget`
-// instructions (1 us each or less), which need not give text: labels are gathered first. A file whose code cannot be
-// shown gives one line in parentheses that says why. False: that was the last.
+// instructions, at most 1 us each. A call may append nothing, because labels are collected first. A file whose code
+// cannot be shown gives one line in parentheses that says why. Returns false after the last line.
 bool DisasmRenderNext(DisasmRenderer& renderer, std::size_t budget, std::string* out);
 
-// The text began with the part around the focus. Known from the first text on.
+// Whether the text began with the part around the focus. Valid after the first text was appended.
 bool DisasmBeganAtFocus(const DisasmRenderer& renderer);
 
-// Name of the procedure that a line of BASIC begins ("FUNCTION Square (BYVAL x AS LONG)": Square), or empty.
+// The name of the procedure whose heading is this line of BASIC ("FUNCTION Square (BYVAL x AS LONG)": Square), or
+// empty.
 std::string DisasmProcedureName(std::string_view line);

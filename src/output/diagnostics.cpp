@@ -16,7 +16,7 @@ struct Place {
     std::int32_t column = 0;
 };
 
-// Decimal, stopping at the first character that is no digit; 0 without any digit, limited to 32 bits.
+// Reads a decimal number and stops at the first character that is no digit. 0 without any digit; limited to 32 bits.
 std::int32_t LeadingInteger(std::wstring_view text) {
     std::size_t at = 0;
     while (at < text.size() && (text[at] == L' ' || text[at] == L'\t')) ++at;
@@ -31,7 +31,8 @@ std::int32_t LeadingInteger(std::wstring_view text) {
     return static_cast<std::int32_t>(negative ? -value : value);
 }
 
-// file(line,column) before the keyword. The bracket nearest to the keyword decides; a ')' that opens the line is none.
+// Reads "file(line,column)" before the keyword. The last ')' before the keyword decides; one that opens the line does
+// not count.
 bool ParenthesisedPlace(std::wstring_view line, std::size_t keyword, Place* place) {
     if (keyword == 0) return false;
     const std::size_t close = line.rfind(L')', keyword - 1);
@@ -46,9 +47,10 @@ bool ParenthesisedPlace(std::wstring_view line, std::size_t keyword, Place* plac
     return true;
 }
 
-// file:line:column before the keyword, whose own colon is skipped. Two colons are needed and neither may open the line,
-// so "x.bas:10: error:" is no diagnostic and "C:\x.bas:10: error:" is one in a file named C. Compilers that print no
-// column have always been read like this here; the two shapes above are the ones that matter.
+// Reads "file:line:column" before the keyword and skips the keyword's own colon. Two colons are needed, and neither may
+// open the line. So "x.bas:10: error:" is no diagnostic, and "C:\x.bas:10: error:" is one in a file named C. Compilers
+// that print no column have always been read like this here, because only "file(line,column)" and "file:line:column"
+// matter.
 bool ColonPlace(std::wstring_view line, std::size_t keyword, Place* place) {
     if (keyword < 2) return false;
     const std::size_t columnColon = line.rfind(L':', keyword - 2);

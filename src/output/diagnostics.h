@@ -1,4 +1,4 @@
-// A compiler's diagnostic lines: telling them apart and taking them to pieces. Pure.
+// Recognises the diagnostic lines of a compiler and splits them into file, line, column and message. Pure.
 #pragma once
 
 #include "base/bounded_text.h"
@@ -13,7 +13,7 @@ struct CompilerError {
     wchar_t file[kPathCapacity];             // as printed by the compiler, cut to 1023 characters
     std::int32_t line;                       // 1-based, 0 when not given
     std::int32_t column;                     // 1-based, below 1 when not given
-    std::uint32_t compilerId;                // of the build that printed it
+    std::uint32_t compilerId;                // the compiler that printed it
     wchar_t message[kErrorMessageCapacity];  // what follows the keyword, cut to 511 characters
     std::int32_t severity;                   // 0 error, 1 warning
 };
@@ -28,6 +28,7 @@ struct CompilerErrors {
 bool IsErrorLine(std::wstring_view line);    // contains " error:" or " fatal error:"
 bool IsWarningLine(std::wstring_view line);  // contains " warning:"
 
-// "file(line,column): error: message" or "file:line:column: error: message", likewise " fatal error:" and " warning:".
-// Returns 1 when `record` was filled (all but the compiler id), 0 for any other line; `record` is then untouched.
+// Reads "file(line,column): error: message" and "file:line:column: error: message", and the same with " fatal error:"
+// and " warning:". Returns 1 when `record` was filled (all but the compiler id). Returns 0 for any other line, and
+// `record` is then unchanged.
 int ParseErrorLine(std::wstring_view line, CompilerError* record);

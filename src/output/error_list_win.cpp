@@ -1,4 +1,5 @@
-// The error list: a virtual list view over the records of `g_output.errors`, which it never copies. UI thread only.
+// The error list: a virtual list view that asks for the text of each cell and keeps no copy of `g_output.errors`. UI
+// thread only.
 #include "output/output_pane.h"
 
 #include "base/wide_format.h"
@@ -104,7 +105,7 @@ bool ErrorListHandleNotify(const NMHDR& header) {
     if (g_output.hErrorList == nullptr || header.hwndFrom != g_output.hErrorList) return false;
     switch (header.code) {
         case LVN_GETDISPINFOW:
-            // The control wants its answer in the very record it sends.
+            // LVN_GETDISPINFO is answered in the record that came with it.
             FillCell(reinterpret_cast<NMLVDISPINFOW*>(const_cast<NMHDR*>(&header))->item);
             return true;
         case NM_DBLCLK:

@@ -1,4 +1,4 @@
-// From a diagnostic to its place in the source. UI thread only.
+// Goes from a diagnostic to its place in the source. UI thread only.
 #include "output/output_pane.h"
 
 #include "documents/document_row.h"
@@ -24,7 +24,7 @@ std::wstring WholePath(const std::wstring& path) {
     return length == 0 || length >= kPathCapacity ? path : std::wstring(full);
 }
 
-// Selects or opens the document that a diagnostic names. False: it could not be opened.
+// Selects or opens the document that a diagnostic names. Returns false when it could not be opened.
 bool ShowFileOfError(const wchar_t* printed) {
     const std::vector<std::wstring> names = ErrorPlaces(printed, LastBuild(), WholePath);
     int tab = TabBarFindPath(printed);
@@ -47,7 +47,7 @@ void GoToDiagnostic(const CompilerError& error) {
     FocusCurrentEditor();
 }
 
-// The pane's line that the caret or the selection's start is on.
+// The line of the pane that holds the start of the selection or the caret.
 std::wstring LineAtPaneCaret(HWND pane) {
     CHARRANGE selection = {};
     SendMessageW(pane, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&selection));
@@ -75,7 +75,7 @@ void CompilerNavigateToError(int index) {
     if (index < 0 || index >= g_output.errors.count) return;
     g_output.errors.current = index;
     ErrorListShowCurrent();
-    // A copy: opening a file may start something that clears the list.
+    // The record is copied because opening a file may clear the list.
     const CompilerError error = g_output.errors.items[index];
     GoToDiagnostic(error);
 }
@@ -91,5 +91,5 @@ void OutputPaneNavigateError() {
     if (const int index = FindDiagnostic(g_output.errors, error); index >= 0)
         CompilerNavigateToError(index);
     else
-        GoToDiagnostic(error);  // one that came after the list was full
+        GoToDiagnostic(error);  // the list was full when this diagnostic came
 }

@@ -1,5 +1,4 @@
-// From a diagnostic to its place: which files a printed name may mean, which diagnostic a line of the pane is, which one
-// comes next. Pure.
+// Finds the files that a printed name may mean, the record of a diagnostic line, and the next or previous record. Pure.
 #pragma once
 
 #include "output/diagnostics.h"
@@ -10,16 +9,16 @@
 #include <string_view>
 #include <vector>
 
-// The whole path of a name, without "." and ".." in it.
+// Returns the absolute path of a name, without "." and "..".
 using PathWhole = std::function<std::wstring(const std::wstring& path)>;
 
-// The files that a printed name may mean, likeliest first. A compiler prints names relative to where it ran or to the source
-// or to the output, and knows the source under the name of its staged copy, which is gone by now.
+// The paths that a printed name may mean, likeliest first. A compiler prints names relative to its working directory,
+// to the source or to the output. It prints the name of the staged copy for the source, and that copy has been deleted.
 std::vector<std::wstring> ErrorPlaces(std::wstring_view printed, const BuildRecord& build, const PathWhole& whole);
 
-// The index of the record that says the same, or -1.
+// The index of the record with the same file, line, column, severity and message, or -1.
 int FindDiagnostic(const CompilerErrors& errors, const CompilerError& wanted);
 
-// Round the list in either direction; -1 when it is empty.
+// The index after or before `current`, wrapping at the ends of the list; -1 when the list is empty.
 int NextErrorIndex(const CompilerErrors& errors);
 int PreviousErrorIndex(const CompilerErrors& errors);

@@ -1,5 +1,4 @@
-// The build that was started last: what it was given, where its results are, and whether it succeeded. Its diagnostics, its
-// program and its listing are found by this record. UI thread only.
+// The build that was started last: its source, the places of its results, and whether it succeeded. UI thread only.
 #pragma once
 
 #include <cstdint>
@@ -8,16 +7,16 @@
 // Empty texts and zeros before the first build.
 struct BuildRecord {
     std::wstring source;
-    std::wstring output;   // the program; none is there after a failure or a syntax check
+    std::wstring output;   // path of the program; the file does not exist after a failure or a syntax check
     std::wstring staged;   // the copy that the compiler saw, empty when it saw the source itself
-    std::wstring listing;  // where an assembly listing would be
+    std::wstring listing;  // path of the assembly listing, which need not exist
     std::wstring workingDirectory;
     std::uint32_t compilerId = 0;
-    std::uint64_t startTime = 0;  // of the compiler, system time in units of 100 ns as files have it
-    bool success = false;         // of the compiler; false while it runs
+    std::uint64_t startTime = 0;  // of the compiler: system time in units of 100 ns, as in FILETIME
+    bool success = false;         // the compiler's; false while it runs
 };
 const BuildRecord& LastBuild();
 
-// By the builder: a compiler is about to be started, and has ended.
+// The builder calls LastBuildBegin before it starts a compiler and LastBuildEnd when that compiler has ended.
 void LastBuildBegin(BuildRecord build);
 void LastBuildEnd(bool success);

@@ -12,7 +12,7 @@ bool OutputCreditsInit() {
 HANDLE OutputCreditsHandle() { return g_credits.Get(); }
 
 void OutputCreditsReturn(int count) {
-    // One by one, because a release beyond the maximum is refused as a whole, and a text that was posted without a credit
-    // (a notice after Stop) is returned here like any other.
+    // Credits are returned one by one, because ReleaseSemaphore refuses a count that exceeds the maximum. A text that
+    // was posted without a credit (a notice after Stop) is returned here too and would exceed it.
     for (int i = 0; i < count; ++i) ReleaseSemaphore(g_credits.Get(), 1, nullptr);
 }

@@ -1,5 +1,5 @@
-// The way of text into the output pane: queued as it comes, filtered, coloured and searched for diagnostics line by
-// line, shown in blocks on a timer of the main window. UI thread only.
+// Brings text into the output pane. Text is queued as it comes; each line is filtered, coloured and searched for a
+// diagnostic. TIMER_OUTPUT of the main window shows the lines in blocks. UI thread only.
 #pragma once
 
 #include "output/output_lines.h"
@@ -10,30 +10,30 @@
 #include <cstdint>
 #include <string>
 
-// One posted chunk of a process's output; takes over the heap block.
+// Queues one posted chunk of a process's output. Takes ownership of the heap block.
 void OutputFeedStream(wchar_t* heapText, COLORREF colour);
-// The process has ended: what it left without a line break is a line, and lines held back are shown.
+// Tells that the process has ended: a last line without a line break is complete, and the lines held back are shown.
 void OutputFeedStreamEnd();
-// A text of our own, after everything that waits.
+// Queues a text of the editor after everything that waits.
 void OutputFeedMessage(std::wstring text, COLORREF colour);
 
-// Adds the next lines to the pane, for some milliseconds. Called on TIMER_OUTPUT, which runs while something waits. The pane
-// is repainted now and then only.
+// Adds the next lines to the pane for about 15 ms. Called on TIMER_OUTPUT, which runs while something waits. The pane
+// is repainted only every 100 ms or less often.
 void OutputFeedShowNext();
-bool OutputFeedIsEmpty();     // everything given so far is in the pane
+bool OutputFeedIsEmpty();     // every line given so far is in the pane
 void OutputFeedReveal();      // scrolls to the end and repaints now
-bool OutputFeedIsRevealed();  // and nothing of it waits for a repaint
+bool OutputFeedIsRevealed();  // no line in the pane waits for a repaint
 
-// Before a build: forgets repetitions and counts, and puts diagnostics down to this compiler from now on.
+// Called before a build: resets the filter and the counts. Later diagnostics are recorded for this compiler.
 void OutputFeedReset(std::uint32_t compilerId);
 const OutputCounts& OutputFeedCounts();
-std::size_t OutputFeedLinesShown();  // in the pane
-// More lines shown than a pane should collect over several commands.
+std::size_t OutputFeedLinesShown();  // number of lines in the pane
+// True when the pane has so many lines that it should be emptied before the next command.
 bool OutputFeedIsLong();
 
-// Forgets what waits to be shown.
+// Drops the lines that wait to be shown.
 void OutputFeedDropWaiting();
-// Forgets everything that waits or is shown; the pane is left as it is.
+// Drops the lines that wait and the record of the lines shown. The pane itself is unchanged.
 void OutputFeedForget();
-// Shows in an empty pane what was shown before, ahead of what waits.
+// Shows the lines shown before in a pane that was emptied, ahead of the lines that wait.
 void OutputFeedShowAgain();

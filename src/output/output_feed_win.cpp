@@ -14,21 +14,21 @@
 
 namespace {
 
-constexpr double kSortMs = 20.0;            // spent at most on lines that are not shown at once
-constexpr double kShowMs = 15.0;            // no new block is begun after so long
-constexpr double kRevealMs = 100.0;         // between repaints of a short pane
-constexpr double kRevealMsPerLine = 0.003;  // more for each line shown: a repaint grows with them (kept_lines.h)
+constexpr double kSortMs = 20.0;            // a block is ended after this time, which lines that are not shown may take
+constexpr double kShowMs = 15.0;            // no new block is begun after this time
+constexpr double kRevealMs = 100.0;         // between two repaints
+constexpr double kRevealMsPerLine = 0.003;  // more for each line in the pane, as a repaint takes longer (kept_lines.h)
 
 struct OutputFeed {
-    OutputLines lines;            // on their way
-    std::vector<PaneLine> shown;  // in the pane, for showing again in other colours
+    OutputLines lines;            // not shown yet
+    std::vector<PaneLine> shown;  // in the pane; needed to show them again in other colours
     BlockSize block;
     bool hidden = false;    // lines were added since the last repaint
-    double revealed = 0.0;  // ClockMs of that repaint
+    double revealed = 0.0;  // ClockMs() of that repaint
 };
 OutputFeed g_feed;
 
-// The next lines for the pane; few or none where the time for looking was up.
+// Takes the next lines for the pane. Returns few lines or none when kSortMs have passed.
 std::vector<PaneLine> TakeBlock(double started) {
     const auto timeIsUp = [started] { return ClockMs() - started > kSortMs; };
     std::vector<PaneLine> block;
@@ -41,7 +41,7 @@ std::vector<PaneLine> TakeBlock(double started) {
     return block;
 }
 
-// The next lines as one block. False: nothing is left for another.
+// Shows the next lines as one block. Returns false when no line is left.
 bool ShowBlock() {
     const double started = ClockMs();
     std::vector<PaneLine> block = TakeBlock(started);
@@ -79,7 +79,7 @@ void OutputFeedShowNext() {
     bool more = true;
     while (more && ClockMs() - started < kShowMs) {
         more = ShowBlock();
-        // Someone types, or another thread waits for an answer.
+        // The loop ends early when the user types or another thread waits for an answer.
         if (HIWORD(GetQueueStatus(QS_INPUT | QS_SENDMESSAGE)) != 0) break;
     }
     const double pause = kRevealMs + kRevealMsPerLine * static_cast<double>(g_feed.lines.kept.shown);

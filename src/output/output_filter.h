@@ -10,9 +10,9 @@ inline constexpr std::size_t kFilterLineLimit = 4096;  // characters remembered 
 inline constexpr std::size_t kFilterKinds = 3;
 
 struct OutputFilter {
-    std::wstring last[kFilterKinds];  // last line of each kind; empty: none yet
+    std::wstring last[kFilterKinds];  // the last line of each kind; empty before the first
 };
 
-// False when the line repeats the last one of its kind and is to be dropped. A trailing line break does not count.
+// Returns false when the line repeats the last one of its kind and is to be dropped. A trailing line break is ignored.
 bool OutputFilterPasses(OutputFilter& filter, std::wstring_view line);
 void OutputFilterReset(OutputFilter& filter);

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int kClockEvery = 256;  // lines between looks at the clock
+constexpr int kClockEvery = 256;  // the time is checked after so many lines
 
 void RecordDiagnostic(CompilerErrors& errors, const std::wstring& line, std::uint32_t compilerId) {
     if (errors.count >= kMaxCompilerErrors) return;
@@ -19,7 +19,7 @@ void RecordDiagnostic(CompilerErrors& errors, const std::wstring& line, std::uin
     ++errors.count;
 }
 
-// Stands where the pane stops to follow the output.
+// This line is shown in place of the lines that the pane leaves out.
 PaneLine HoldingNotice() {
     return {.text = L"... more follows; its last " + std::to_wstring(kLastLinesKept) + L" lines come at the end ...",
             .colour = kLineTeal};
@@ -30,7 +30,7 @@ void ReleaseHeldLines(OutputLines& lines) {
     std::move(held.begin(), held.end(), std::back_inserter(lines.ready));
 }
 
-// A line of the queue. False: it is not shown, or not yet.
+// Handles one line of the queue. Returns false when there is nothing to show for it now.
 bool LetThrough(OutputLines& lines, CompilerErrors& errors, QueuedLine& line, PaneLine* shown) {
     if (line.streamEnd) {
         ReleaseHeldLines(lines);

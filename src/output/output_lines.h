@@ -1,5 +1,5 @@
-// What becomes of the lines that come for the output pane: repetitions go, each line gets its colour, diagnostics are
-// counted and recorded, and of a flood the first and the last lines are kept. Pure.
+// Prepares the lines for the output pane: repetitions are dropped, each line gets its colour, and diagnostics are
+// counted and recorded. Of a very long output only the first and the last lines are kept. Pure.
 #pragma once
 
 #include "output/diagnostics.h"
@@ -12,9 +12,9 @@
 #include <deque>
 #include <functional>
 
-// What the lines since the last reset were.
+// Counts of the lines since the last reset.
 struct OutputCounts {
-    int lines = 0;  // of processes, not blank
+    int lines = 0;  // lines of processes that are not empty
     int errors = 0;
     int warnings = 0;
 };
@@ -24,20 +24,22 @@ struct OutputLines {
     OutputFilter filter;
     KeptLines kept;
     OutputCounts counts;
-    std::uint32_t compilerId = 0;  // that diagnostics are put down to
-    std::deque<PaneLine> ready;    // to be shown before anything of the queue
+    std::uint32_t compilerId = 0;  // stored in each recorded diagnostic
+    std::deque<PaneLine> ready;    // shown before anything of the queue
 };
 
-// Colours and counts a line, and records it if it is a diagnostic and there is room. False: it is a repetition.
+// Colours and counts a line, and records it if it is a diagnostic and `errors` has room. Returns false for a
+// repetition.
 bool OutputLineSort(OutputLines& lines, CompilerErrors& errors, QueuedLine& line);
 
-// The next line for the pane. False: none for now. `timeIsUp` is asked now and then, because of a flood most lines are not
-// shown; `chunksDone` counts up by each chunk of a process that is used up.
+// Takes the next line for the pane. Returns false when there is none now, or when `timeIsUp` answered true; it is asked
+// every few hundred lines, because most lines of a very long output are not shown. `chunksDone` is increased by the
+// number of process chunks that were used up.
 bool OutputLinesNext(OutputLines& lines, CompilerErrors& errors, const std::function<bool()>& timeIsUp, PaneLine* shown,
                      int* chunksDone);
 
-bool OutputLinesWait(const OutputLines& lines);  // some are still to be shown
-// Forgets what waits; the chunks of processes among it.
+bool OutputLinesWait(const OutputLines& lines);  // lines are still to be shown
+// Drops the lines that wait. Returns the number of process chunks among them.
 int OutputLinesDrop(OutputLines& lines);
-// What was shown comes again, before what waits.
+// Puts lines that were shown before in front of the lines that wait.
 void OutputLinesAgain(OutputLines& lines, std::deque<PaneLine> shown);

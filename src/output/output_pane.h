@@ -4,15 +4,15 @@
 #include <windows.h>
 
 void OutputPaneInit(HWND pane);
-// Appends at once, line by line, coloured by severity, diagnostics recorded; then scrolls to the end. For short
-// texts; what a build prints is queued and applied in batches (BuildOnOutput).
+// Appends a short text at once, coloured by severity, records its diagnostics and scrolls to the end. When other text
+// still waits, this text is queued after it.
 void OutputPaneAppend(const wchar_t* text, COLORREF colour);
 void OutputPaneClear();
 void OutputPaneScrollToEnd();
 void OutputPaneApplyFont();
-// Font, colours and margins of any of the Rich Edit panes (output, ASM, chat) from the settings and theme.
+// Applies font, colours and margins from the settings and the theme to any Rich Edit pane (output, ASM, chat).
 void PaneApplyFontAndTheme(HWND richEdit);
-// The diagnostic on the pane's current line, if it is one (double-click, Enter).
+// Goes to the diagnostic on the pane's current line, if that line is one (double-click, Enter).
 void OutputPaneNavigateError();
 
 void CompilerClearErrors();
@@ -20,7 +20,7 @@ void CompilerNavigateToError(int index);
 void CompilerNextError();
 void CompilerPrevError();
 
-// Error list (list view); null when it cannot be made. Follows the records by itself.
+// Creates the error list (a list view); null on failure. It shows the records of `g_output.errors`.
 HWND ErrorListCreate(HWND parent, int controlId);
 void ErrorListRefresh();
 void ErrorListShowCurrent();  // selects the current record's row

@@ -1,4 +1,4 @@
-// The output pane's window: font and colours, keys, context menu. What is shown in it comes from the feed.
+// The output pane's window: font and colours, keys, context menu. The feed (output_feed.h) supplies its text.
 #include "output/output_pane.h"
 
 #include "output/output_feed.h"
@@ -72,8 +72,8 @@ LRESULT CALLBACK OutputPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
 void SetFormat(HWND pane, WPARAM scope) {
     CHARFORMAT2W format = {};
     format.cbSize = sizeof(format);
-    // The weight is set because a Rich Edit starts out with the system font, which is bold. The family says what to take
-    // where the font is missing, because columns need a fixed pitch.
+    // CFM_BOLD is set because a Rich Edit starts with the system font, which is bold. The pitch and family choose the
+    // substitute for a missing font, because columns need a fixed pitch.
     format.dwMask = CFM_FACE | CFM_CHARSET | CFM_SIZE | CFM_BOLD | CFM_COLOR;
     format.yHeight = g_settings.outputFontSize * 20;  // twips
     format.crTextColor = ThemeCurrentChrome().paneText;
@@ -90,7 +90,7 @@ void FormatPane(HWND pane) {
     SetFormat(pane, SCF_DEFAULT);
 }
 
-// Of a long text the whole window is replaced, so `g_output.hOutput` may be another one after this.
+// Empties the pane. A pane with a long text is replaced, so `g_output.hOutput` may be another window afterwards.
 void EmptyPane() {
     HWND pane = RichPaneEmptied(g_output.hOutput, OutputFeedLinesShown());
     if (pane == g_output.hOutput) return;
@@ -114,7 +114,7 @@ void OutputPaneAppend(const wchar_t* text, COLORREF colour) {
     if (text == nullptr) return;
     const bool nothingWaits = OutputFeedIsEmpty();
     OutputFeedMessage(text, colour);
-    // What waits comes before this text, and the timer shows both.
+    // When other text waits, the timer shows it and then this text.
     if (!nothingWaits) return;
     while (!OutputFeedIsEmpty()) OutputFeedShowNext();
     OutputFeedReveal();
@@ -139,7 +139,7 @@ void PaneApplyFontAndTheme(HWND richEdit) {
         SetFormat(richEdit, SCF_ALL);
         return;
     }
-    // The lines are shown anew, because a format for all of them would remove their own colours and take long.
+    // The lines are shown again, because one format for all of them would remove their own colours and take long.
     EmptyPane();
     FormatPane(g_output.hOutput);
     OutputFeedShowAgain();

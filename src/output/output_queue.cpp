@@ -15,7 +15,8 @@ void DropFront(OutputQueue& queue, int* chunksDone) {
     queue.offset = 0;
 }
 
-// The characters up to the next break, and how many to skip with it; `found` false: the rest, without a break.
+// The characters up to the next line break, and how many to skip including the break. `found` is false when there is no
+// break.
 struct Piece {
     std::wstring_view text;
     std::size_t taken = 0;
@@ -29,7 +30,7 @@ Piece NextPiece(std::wstring_view rest) {
     return {.text = rest.substr(0, at), .taken = at + (pair ? 2 : 1), .found = true};
 }
 
-// Cuts an over-long unfinished line; a surrogate pair stays whole.
+// Cuts an unfinished line that is too long. A surrogate pair is not divided.
 bool CutPartial(OutputQueue& queue, QueuedLine* line) {
     if (queue.partial.size() <= kMaxOutputLine) return false;
     std::size_t cut = kMaxOutputLine;
@@ -54,7 +55,7 @@ bool NextOfStream(OutputQueue& queue, QueuedLine* line, int* chunksDone) {
     const bool whole = piece.found && queue.partial.size() <= kMaxOutputLine;
     if (whole)
         TakePartial(queue, line);
-    else if (piece.found)  // too long: the break is read again after the line was cut to size
+    else if (piece.found)  // the line is too long: the break is read again after the line was cut
         queue.offset -= piece.taken - piece.text.size();
     if (queue.offset >= chunk.text.size()) DropFront(queue, chunksDone);
     return whole;

@@ -1,5 +1,5 @@
-// What waits to be shown in the output pane: chunks as they came, handed out line by line in exactly their order. Two
-// kinds of text meet here: a process's stream, whose chunks end anywhere, and the program's own complete messages.
+// The text that waits to be shown in the output pane: chunks in the order they came, taken out line by line. A chunk is
+// a piece of a process's output, which may end anywhere, or a complete message of the editor.
 // Pure.
 #pragma once
 
@@ -9,13 +9,13 @@
 #include <string>
 #include <string_view>
 
-// A line is cut here, so that output without any line break cannot grow one line for ever.
+// Characters after which a line is cut, so that output without line breaks does not become one endless line.
 inline constexpr std::size_t kMaxOutputLine = 8192;
 
 enum class ChunkKind : std::uint8_t {
-    Stream,     // a piece of a process's output; its last line may go on in the next piece
-    Message,    // text of our own; shown as it is, on a line of its own
-    StreamEnd,  // the process has ended: what it left without a line break is a line
+    Stream,     // a piece of a process's output; its last line may continue in the next piece
+    Message,    // a text of the editor, on lines of its own
+    StreamEnd,  // the process has ended; a last line without a line break is complete
 };
 
 struct OutputChunk {
@@ -29,7 +29,7 @@ struct QueuedLine {
     std::uint32_t colour = 0;
     bool stream = false;     // from a process
     bool lineBreak = true;   // false: the end of a message that has none
-    bool streamEnd = false;  // no line, only the news that the stream has ended
+    bool streamEnd = false;  // this is no line: it tells that the stream has ended
 };
 
 struct OutputQueue {
@@ -37,8 +37,9 @@ struct OutputQueue {
     std::size_t offset = 0;  // characters of the front chunk already taken
     std::wstring partial;    // stream text whose line break has not come yet
     std::uint32_t partialColour = 0;
-    bool skipLineFeed = false;  // the stream's last piece ended in a CR that may be followed by an LF
+    bool skipLineFeed = false;  // the stream's last piece ended in CR; an LF that follows is skipped
 };
 
-// Takes the next line. False: nothing to show until more arrives. `chunksDone` counts up by each stream chunk used up.
+// Takes the next line. Returns false when there is none until more text arrives. `chunksDone` is increased by the
+// number of stream chunks that were used up.
 bool OutputQueueNext(OutputQueue& queue, QueuedLine* line, int* chunksDone);

@@ -8,7 +8,7 @@
 struct OutputState {
     HWND hOutput = nullptr;     // Rich Edit
     HWND hErrorList = nullptr;  // list view
-    CompilerErrors errors;      // of the last build
+    CompilerErrors errors;      // the diagnostics of the last build
 };
 // A part of `g_app` (app/app_state.h).
 extern OutputState& g_output;

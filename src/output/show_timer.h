@@ -1,4 +1,4 @@
-// TIMER_OUTPUT of the main window: runs while text waits to be shown in a pane. UI thread only.
+// TIMER_OUTPUT of the main window, which runs while text waits to be shown in a pane. UI thread only.
 #pragma once
 
 void ShowTimerStart();

@@ -7,7 +7,7 @@ static constexpr UINT kShowIntervalMs = 20;
 static bool g_runs = false;
 
 void ShowTimerStart() {
-    // Setting a timer that runs would start its time anew, and under a flood it would never fire.
+    // SetTimer on a running timer restarts its interval, so under steady output it would never fire.
     if (!g_runs) g_runs = SetTimer(g_ui.hMainWnd, TIMER_OUTPUT, kShowIntervalMs, nullptr) != 0;
 }
 

@@ -1,5 +1,5 @@
-// Statements of a BASIC source for the debugger, told by how lines begin. Deliberately no parser: the rules are those by
-// which the compilers place their code, "ELSE IF" and the column of a "#" included. Pure.
+// Finds the statements of a BASIC source by how its lines begin. This is deliberately no parser: the rules are those by
+// which the compilers place their code, including "ELSE IF" and the column of a "#". Pure.
 #include "program/basic_lines.h"
 
 #include "base/scan_text.h"
@@ -9,7 +9,7 @@
 
 namespace {
 
-// `prefix` is upper case. Only ASCII letters have a case here, whatever the locale.
+// `prefix` is upper case. Only ASCII letters are compared without regard to case, whatever the locale.
 bool BeginsWith(std::string_view text, std::string_view prefix) { return TakePrefix(&text, prefix); }
 
 bool IsLineEnd(std::string_view rest) { return rest.empty() || rest[0] == '\r' || rest[0] == '\n'; }
@@ -20,7 +20,7 @@ bool IsKeywordAlone(std::string_view text, std::string_view keyword) {
     return IsLineEnd(rest) || IsBlank(rest[0]) || rest[0] == '\'';
 }
 
-// Calls `visit(line, number)` for each line until it answers false. What follows the last LF is a line too.
+// Calls `visit(line, number)` for each line until it returns false. The text after the last LF is a line too.
 template <typename Visit>
 void ForEachLine(std::string_view source, Visit visit) {
     for (std::uint32_t number = 1; !source.empty(); ++number) {
@@ -30,7 +30,7 @@ void ForEachLine(std::string_view source, Visit visit) {
     }
 }
 
-// Walks over a source and says which lines are statements of PBMAIN.
+// Tells for each line in turn whether it is a statement of PBMAIN.
 struct PbmainWalk {
     bool inside = false;
 
@@ -41,7 +41,7 @@ struct PbmainWalk {
             return false;
         }
         if (controlOnly || IsBasicCommentOrBlank(text) || line[0] == '#') return false;
-        // The closing line is a statement: the compiler places a trap on it.
+        // The closing line is a statement, because the compiler places a trap on it.
         inside = !BeginsWith(text, "END FUNCTION") && !BeginsWith(text, "END SUB");
         return true;
     }

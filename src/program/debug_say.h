@@ -1,4 +1,4 @@
-// What the debugger and its line maps have to say, as lines of the output pane. UI thread only.
+// Messages of the debugger and the line maps in the output pane. UI thread only.
 #pragma once
 
 #include <windows.h>
@@ -8,7 +8,7 @@
 inline constexpr COLORREF kDebugRed = 200;
 inline constexpr COLORREF kDebugTeal = 0x808000;
 inline constexpr COLORREF kDebugOrange = 0x0064C8;
-// A line for the output pane, shown after what waits there.
+// Adds a line to the output pane, after the text that waits there.
 void DebugSay(COLORREF colour, const wchar_t* format, ...);
 using DebugSink = void (*)(const std::wstring& text, COLORREF colour);
-void DebugSetSink(DebugSink sink);  // instead of the output pane; null: the pane again
+void DebugSetSink(DebugSink sink);  // the lines go there instead of the output pane; null: to the pane again

@@ -1,5 +1,6 @@
-// Line maps from files: the executable's ".sdbg" section, or a ".pbd" beside it. UI thread, but for the pure part at the end.
-// Failures leave the map empty and say so in the output pane, never in a box.
+// Loads line maps from files: from the executable's ".sdbg" section or from a ".pbd" file beside it. UI thread only,
+// except the pure part at the end. A failure leaves the map empty and is reported in the output pane, never in a
+// message box.
 #pragma once
 
 #include "program/sdbg_map.h"
@@ -12,30 +13,33 @@
 #include <vector>
 
 bool SdbgLoad(const wchar_t* executable, SdbgMap* map);
-// The source is `DebugSourcePath()` when there is one, else the executable's name with ".bas".
+// Loads the ".pbd" beside the executable. The source is `DebugSourcePath()`; when that is empty, it is the executable's
+// name with ".bas".
 bool PbdLoad(const wchar_t* executable, SdbgMap* map);
-// Records of structural lines (ELSE, END IF) get the line of the PBMAIN statement before them; reads the source once.
+// Gives records of ELSE and END IF lines the line of the PBMAIN statement before them. Reads the source once.
 void NormalizeSdbgControlLines(SdbgMap* map, const wchar_t* source);
-// The loader that fits the compiler, normalised. False: the output pane says why.
+// Loads the map with the loader for this compiler and normalises it. Returns false after it has reported why in the
+// output pane.
 bool DebugLoadMap(const wchar_t* executable, std::uint32_t compilerId, SdbgMap* map);
 
-// The file's bytes as a new block that the caller frees; null for an empty or unreadable one.
+// Returns the file's bytes in a block that the caller frees with free(); null for a file that is empty or cannot be
+// read.
 std::uint8_t* ReadWholeFileW(const wchar_t* path, std::size_t* size);
 int CollectPbmainSourceLines(const wchar_t* source, std::uint32_t* out, int capacity);
 bool IsBasicControlOnlySourceLine(const wchar_t* source, int line);
 std::uint32_t PreviousPbmainExecutableLine(const wchar_t* source, int line);
 
-// The source of the program that is debugged, empty while unknown; set before a start.
+// The source of the debugged program; empty while unknown. Set before the debugger starts.
 const wchar_t* DebugSourcePath();
 void DebugSetSourcePath(const wchar_t* path);
 
 // --- The rules (line_map.cpp). Pure; any bytes are legal input.
-// The map of the ".sdbg" section with the addresses of its program; without an index (SdbgIndex). False, and the map is
-// empty: there is none.
+// Fills the map from the ".sdbg" section of a program, without an index (SdbgIndex). Returns false, and the map is
+// empty, when there is no valid section.
 bool SdbgMapOfProgram(std::span<const std::uint8_t> program, SdbgMap* map);
-// The side file's name; an executable's path beyond 1024 characters is cut.
+// The path of the ".pbd" file. An executable's path beyond 1024 characters is cut.
 std::wstring PbdSidePath(std::wstring_view executable);
-// The executable's name with everything from its last '.' replaced by ".bas".
+// The executable's path with everything from its last '.' replaced by ".bas".
 std::wstring SourceBesideProgram(std::wstring_view executable);
 
 struct ControlLineChange {
@@ -43,5 +47,6 @@ struct ControlLineChange {
     std::uint32_t from = 0;  // lines
     std::uint32_t to = 0;
 };
-// The rule of NormalizeSdbgControlLines on the source's bytes; what was changed. The index is then to be made anew.
+// Does the work of NormalizeSdbgControlLines on the source's bytes and returns the changes. The index must be made
+// again afterwards.
 std::vector<ControlLineChange> MoveControlLines(SdbgMap* map, std::string_view source);

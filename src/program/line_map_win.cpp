@@ -1,4 +1,5 @@
-// Line maps from files: maps or reads them, hands the bytes to the pure parts, and says what failed. UI thread.
+// Loads line maps from files: maps or reads the files, gives their bytes to the pure functions, and reports failures.
+// UI thread only.
 #include "program/line_map.h"
 
 #include "base/handles.h"
@@ -18,9 +19,9 @@
 
 namespace {
 
-constexpr std::uint64_t kSizeLimit = 0xFFFFFFFFU;  // this size and more is a failure
+constexpr std::uint64_t kSizeLimit = 0xFFFFFFFFU;  // a file of this size or more is refused
 
-std::wstring g_sourcePath;  // of the program that is debugged
+std::wstring g_sourcePath;  // of the debugged program
 
 struct ViewTraits {
     using Type = void*;
@@ -28,7 +29,7 @@ struct ViewTraits {
     static void Close(void* view) { UnmapViewOfFile(view); }
 };
 
-// The file's bytes; none of an empty or unreadable one.
+// The file's bytes; empty for a file that is empty or cannot be read.
 std::string BytesOfFile(const wchar_t* path) {
     std::string bytes;
     if (path == nullptr || path[0] == L'\0' || !ReadSharedFile(path, kSizeLimit - 1, &bytes)) bytes.clear();
@@ -43,7 +44,7 @@ UniqueHandle OpenProgramFile(const wchar_t* path, std::size_t* size) {
     if (path == nullptr || path[0] == L'\0') return {};
     UniqueHandle file{CreateFileW(PathForSystem(path).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                                   FILE_ATTRIBUTE_NORMAL, nullptr)};
-    // A device name ("CON", a pipe) opens too, and reading it would wait for someone to type.
+    // A device name ("CON", a pipe) can be opened too, and reading it could wait for input for ever.
     if (!file || GetFileType(file.Get()) != FILE_TYPE_DISK) return {};
     LARGE_INTEGER length = {};
     if (GetFileSizeEx(file.Get(), &length) == FALSE || static_cast<std::uint64_t>(length.QuadPart) >= kSizeLimit)

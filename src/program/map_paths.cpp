@@ -1,4 +1,4 @@
-// The part of the rule that needs no disk.
+// The part of map_paths.h that needs no disk. Pure.
 #include "program/map_paths.h"
 
 #include "base/path.h"

@@ -1,22 +1,22 @@
-// Which file a name in a line map means: one rule for the debugger and for whoever else shows source lines of a program.
-// No state; any thread.
+// Finds the file that a name in a line map means, for the debugger and for the ASM pane. No state; any thread.
 #pragma once
 
 #include <string>
 #include <string_view>
 
-// What was compiled.
+// The source that was compiled.
 struct MapSource {
     std::wstring source;
-    std::wstring staged;  // the copy that the compiler saw, empty when it saw the source itself or that is unknown
+    std::wstring staged;  // the copy that the compiler read; empty: it read the source, or unknown
 };
 
-// A path of a line map: as it stands when absolute, else beside the source. Slashes become backslashes.
+// Returns an absolute path unchanged, any other path joined to `sourceFolder`. Slashes become backslashes.
 std::wstring MapPath(std::wstring_view path, std::wstring_view sourceFolder);
 
-// A file that may be the compiler's copy of the source, by its name alone: the source's with an extension that copies get.
+// True when the path may be the compiler's copy of the source: the source's name with an extension that copies get.
 bool LooksLikeCopy(std::wstring_view path, std::wstring_view source);
 
-// The absolute path of the file that a name in the map means, in whatever encoding the producer wrote it; null is none.
-// `first`: the map begins with it. Copies of the source are the source. Empty for what names no file.
+// Returns the absolute path of the file that a name in a map means. The name may be in UTF-8 or the ANSI code page; it
+// may be null. `first`: it is the file of the map's first record. A copy of the source gives the source. Empty when the
+// name means no file.
 std::wstring PathOfMapFile(const char* name, bool first, const MapSource& compiled);

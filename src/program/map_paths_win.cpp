@@ -1,4 +1,4 @@
-// The part of the rule that asks the system: encodings, "..", and whether a copy is gone.
+// The part of map_paths.h that calls Windows: encodings, "..", and whether a copy still exists.
 #include "program/map_paths.h"
 
 #include "base/bounded_text.h"
@@ -19,6 +19,6 @@ std::wstring PathOfMapFile(const char* name, bool first, const MapSource& compil
     if (path.empty() || path.ends_with(L'\\')) return {};
     if (compiled.source.empty()) return path;
     if (!compiled.staged.empty() && PathEqualsIgnoreCase(path, compiled.staged)) return compiled.source;
-    // The file of the first line is what was compiled, under whatever name it is gone now.
+    // The file of the map's first record is what was compiled. If it no longer exists, it was the copy of the source.
     return (first || LooksLikeCopy(path, compiled.source)) && !FileExists(path.c_str()) ? compiled.source : path;
 }

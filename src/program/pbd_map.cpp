@@ -1,5 +1,5 @@
-// Pairs the statements of a source with the trap bytes of its program. Every step is one pass over its bytes, however
-// often PBMAIN occurs in a hostile side file. Pure.
+// Pairs the statements of a source with the trap bytes of its program. Each step reads its bytes once, even when a
+// hostile side file contains PBMAIN very often. Pure.
 #include "program/pbd_map.h"
 
 #include "base/le_bytes.h"
@@ -14,11 +14,11 @@
 namespace {
 
 constexpr std::string_view kRoutine = "PBMAIN";
-constexpr std::size_t kReach = 4096;     // bytes before and after the name in which its address is looked for
-constexpr std::uint64_t kPrologue = 64;  // no routine of the program's own begins in the section's first bytes
+constexpr std::size_t kReach = 4096;     // the address is looked for in so many bytes before and after the name
+constexpr std::uint64_t kPrologue = 64;  // no BASIC procedure begins in the first bytes of the section
 constexpr std::uint8_t kTrap = 0xCC;
 
-// Addresses that may be code of the program: low + kPrologue < v < high.
+// The addresses that may be code of the program: low + kPrologue < v < high.
 struct CodeRange {
     std::uint64_t low = 0;
     std::uint64_t high = 0;
@@ -30,7 +30,8 @@ std::uint32_t SizeInMemory(const TextSectionInfo& text) {
 
 constexpr std::uint64_t kNoCandidate = std::numeric_limits<std::uint64_t>::max();
 
-// The smallest 32-bit value that is code, of those read at offsets from `from` on that end at or below `end`.
+// Returns the smallest 32-bit value in the code range, of the values at offset `from` and after it that end at or
+// before `end`.
 std::uint64_t SmallestCandidate(std::span<const std::uint8_t> bytes, std::size_t from, std::size_t end,
                                 const CodeRange& code) {
     std::uint64_t smallest = kNoCandidate;
@@ -45,11 +46,11 @@ std::string_view AsText(std::span<const std::uint8_t> bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-// Near the first name that has a candidate near it. Windows of later names begin and end no earlier than those of
-// earlier ones, and what was looked at had no candidate: no offset is read twice.
+// Returns the candidate near the first name that has one. Each offset is read once: later windows begin and end no
+// earlier than earlier ones, and the offsets already read had no candidate.
 std::uint64_t CandidateNearName(std::span<const std::uint8_t> sideFile, const CodeRange& code) {
     const std::string_view text = AsText(sideFile);
-    std::size_t seen = 0;  // first offset that was not read yet
+    std::size_t seen = 0;  // first offset not yet read
     for (std::size_t at = text.find(kRoutine); at != std::string_view::npos; at = text.find(kRoutine, at + 1)) {
         const std::size_t from = std::max(at, kReach) - kReach;
         const std::size_t end = std::min(at + kReach, sideFile.size() - 4);
@@ -73,7 +74,8 @@ bool PbdContainsPbmain(std::span<const std::uint8_t> sideFile) {
 }
 
 std::uint32_t PbdFindPbmainStartRva(std::span<const std::uint8_t> sideFile, const TextSectionInfo& text) {
-    // Above 4 GB no 32-bit value is an address, and the sums below cannot overflow.
+    // With an image base above 4 GB no 32-bit value is an address. The check also keeps the sums below from
+    // overflowing.
     if (text.imageBase > std::numeric_limits<std::uint32_t>::max()) return text.virtualAddress;
     const std::uint64_t low = text.imageBase + text.virtualAddress;
     const CodeRange code = {low, low + SizeInMemory(text)};

@@ -1,4 +1,4 @@
-// Reads the headers of an executable from its bytes. Checks every offset: the bytes may be anything. Pure.
+// Reads the headers of an executable from its bytes, which may be anything: every offset is checked. Pure.
 #include "program/pe_headers.h"
 
 #include "base/le_bytes.h"
@@ -9,8 +9,8 @@
 namespace {
 
 constexpr std::size_t kDosHeaderSize = 64;
-constexpr std::size_t kNewHeaderAt = 60;  // holds the offset of the signature
-// From the signature on:
+constexpr std::size_t kNewHeaderAt = 60;  // offset of the field that holds the signature's offset
+// Offsets from the signature:
 constexpr std::size_t kSectionCountAt = 6;
 constexpr std::size_t kMagicAt = 24;
 constexpr std::size_t kMagicEnd = 26;
@@ -22,14 +22,14 @@ constexpr std::size_t kSections64At = 264;
 constexpr std::uint32_t kDefaultTextRva = 0x1000;
 constexpr std::uint32_t kShortestSdbg = 8;
 
-constexpr std::string_view kTextName = ".text";  // the rest of the 8 bytes may be anything
+constexpr std::string_view kTextName = ".text";  // the other bytes of the 8 are ignored
 constexpr std::string_view kSdbgName{".sdbg\0\0\0", 8};
 
 bool FindSignedHeader(const std::uint8_t* file, std::size_t size, PeHeader* header) {
     return PeFindHeader({file, file == nullptr ? 0 : size}, header) && header->isSigned;
 }
 
-// The first section whose name begins with `name`.
+// Finds the first section whose name begins with `name`.
 bool FindSection(const std::uint8_t* file, std::size_t size, std::string_view name, PeSectionHeader* found) {
     PeHeader header;
     if (!FindSignedHeader(file, size, &header)) return false;
@@ -79,7 +79,7 @@ const std::uint8_t* FindSdbgSection(const std::uint8_t* file, std::size_t size, 
 
 bool GetPeImageBase(const std::uint8_t* file, std::size_t size, std::uint64_t* base) {
     PeHeader header;
-    // The base is read where the signature is another, too.
+    // The image base is read even when the signature is wrong.
     if (!PeFindHeader({file, file == nullptr ? 0 : size}, &header)) return false;
     const bool is32 = header.magic == kMagicPe32;
     const std::size_t at = header.at + (is32 ? kImageBase32At : kImageBase64At);
@@ -109,7 +109,7 @@ std::uint16_t GetPeMagic(const std::uint8_t* file, std::size_t size) {
 }
 
 std::uint16_t GetPeSubsystem(const std::uint8_t* file, std::size_t size) {
-    constexpr std::size_t kSubsystemAt = 92;  // for both kinds of image
+    constexpr std::size_t kSubsystemAt = 92;  // the same in PE32 and PE32+
     PeHeader header;
     if (!FindSignedHeader(file, size, &header) || header.at + kSubsystemAt + 2 > size) return 0;
     return ReadLe16(file + header.at + kSubsystemAt);

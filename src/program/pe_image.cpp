@@ -8,8 +8,8 @@
 
 namespace {
 
-// Far beyond any real program, so that a made-up table ends.
-constexpr std::size_t kMaxSections = 96;  // the system loads no more
+// These limits are far beyond any real program and end the reading of a forged table.
+constexpr std::size_t kMaxSections = 96;  // Windows loads no more
 constexpr std::size_t kMaxLibraries = 1024;
 constexpr std::size_t kMaxNames = 65536;
 constexpr std::size_t kMaxNameBytes = 4096;
@@ -18,11 +18,11 @@ constexpr std::size_t kNameBytesKept = 200;
 constexpr std::uint32_t kDirectoryExports = 0;
 constexpr std::uint32_t kDirectoryImports = 1;
 constexpr std::uint32_t kDirectoryDotNet = 14;
-constexpr std::uint32_t kSectionIsCode = 0x20000020;  // holds code, or may be executed
+constexpr std::uint32_t kSectionIsCode = 0x20000020;  // IMAGE_SCN_CNT_CODE or IMAGE_SCN_MEM_EXECUTE
 
 using Bytes = std::span<const std::uint8_t>;
 
-// Little-endian number of `count` bytes; 0 when it does not lie in `bytes`.
+// Reads a little-endian number of `count` bytes; 0 when it is not within `bytes`.
 std::uint64_t Number(Bytes bytes, std::uint64_t at, std::size_t count) {
     if (at > bytes.size() || bytes.size() - at < count) return 0;
     std::uint64_t value = 0;
@@ -32,7 +32,7 @@ std::uint64_t Number(Bytes bytes, std::uint64_t at, std::size_t count) {
 std::uint32_t U16(Bytes bytes, std::uint64_t at) { return static_cast<std::uint32_t>(Number(bytes, at, 2)); }
 std::uint32_t U32(Bytes bytes, std::uint64_t at) { return static_cast<std::uint32_t>(Number(bytes, at, 4)); }
 
-// The zero-terminated text at an address; empty when it has no end.
+// The zero-terminated text at an address; empty when it is not terminated.
 std::string TextAt(const PeImage& image, std::uint32_t rva) {
     Bytes bytes = PeBytesAt(image, rva);
     bytes = bytes.first(std::min(bytes.size(), kMaxNameBytes));
@@ -62,7 +62,7 @@ PeSection ReadSection(Bytes file, std::size_t at) {
     section.rva = header.virtualAddress;
     section.isCode = (header.flags & kSectionIsCode) != 0;
     section.size = header.virtualSize != 0 ? header.virtualSize : header.rawSize;
-    // What the file has beyond the size in memory is padding.
+    // Data in the file beyond the size in memory are padding.
     const std::uint64_t wanted = header.rawOffset == 0 ? 0 : std::min(section.size, header.rawSize);
     const std::uint64_t there =
         header.rawOffset < file.size() ? std::min<std::uint64_t>(wanted, file.size() - header.rawOffset) : 0;
@@ -71,7 +71,7 @@ PeSection ReadSection(Bytes file, std::size_t at) {
     return section;
 }
 
-// `room` counts down over all libraries: their tables may be one and the same.
+// `room` is the number of names left for all libraries together, because several may refer to one table.
 void ReadImportsOf(PeImage& image, const std::string& library, std::uint32_t names, std::uint32_t slots,
                    std::size_t& room) {
     const std::uint32_t width = image.x64 ? 8 : 4;
@@ -116,7 +116,7 @@ void ReadExports(PeImage& image) {
     for (std::size_t i = 0; i < count && i * 4 + 4 <= names.size() && i * 2 + 2 <= ordinals.size(); ++i) {
         const std::uint32_t ordinal = U16(ordinals, i * 2);
         const std::uint32_t rva = ordinal < functionCount ? U32(functions, std::uint64_t{ordinal} * 4) : 0;
-        // An address within the directory is the text of a function in another library.
+        // An address within the export directory is a forwarder: the text names a function in another library.
         if (rva == 0 || (rva >= directory.rva && rva - directory.rva < directory.size)) continue;
         std::string name = TextAt(image, U32(names, i * 4));
         if (!name.empty()) image.exports.try_emplace(rva, std::move(name));

@@ -1,5 +1,5 @@
-// Questions to a line map, and the index that answers those by line without a scan. The records may be in any order: a
-// producer that does not keep to ascending addresses gets the answers of the plain searches. Pure.
+// Lookups in a line map, and the index that makes lookups by line fast. Records in another order than by address give
+// the same answers as plain searches. Pure.
 #include "program/sdbg_map.h"
 
 #include <algorithm>
@@ -22,7 +22,7 @@ const SdbgLine* RecordAt(const SdbgMap* map, std::uint32_t rva) {
     return found < 0 ? nullptr : &map->lines[found];
 }
 
-// The first record in map order with this line that `fits`, or null.
+// Returns the first record in map order that has this line and for which `fits` is true, or null.
 template <typename Fits>
 const SdbgLine* FirstOfLine(const SdbgMap* map, std::int32_t signedLine, Fits fits) {
     if (signedLine < 1) return nullptr;
@@ -77,7 +77,7 @@ std::int32_t SdbgFindRecord(const SdbgMap* map, std::uint32_t rva) {
     std::int32_t low = 0;
     std::int32_t high = static_cast<std::int32_t>(Lines(map).size()) - 1;
     while (low <= high) {
-        const std::int32_t middle = (low + high) / 2;  // a section holds fewer than 2^30 records
+        const std::int32_t middle = (low + high) / 2;  // no overflow: a section holds fewer than 2^30 records
         if (map->lines[middle].rva <= rva) {
             found = middle;
             low = middle + 1;
@@ -121,7 +121,7 @@ std::int32_t SdbgNextStop(const SdbgMap* map, std::uint32_t rva, std::uint32_t l
     const auto stops = [&](const SdbgLine& record) {
         return record.line != 0 && record.rva > rva && !(record.line == line && record.fileId == fileId);
     };
-    // Where addresses ascend, the search begins above the RVA and its first hit is the lowest one.
+    // When the addresses ascend, the search begins after the RVA, and the first hit has the lowest address.
     std::size_t at = map->ascending != 0 ? static_cast<std::size_t>(SdbgFindRecord(map, rva) + 1) : 0;
     std::int32_t found = -1;
     for (; at < lines.size(); ++at) {

@@ -1,5 +1,5 @@
-// Takes the ".sdbg" section apart: magic, count, packed records, and in version 2 a file table. Pure; the bytes may be
-// anything, and nothing is allocated that they do not pay for.
+// Parses the ".sdbg" section: magic, count, packed records, and in version 2 a file table. Pure. The bytes may be
+// anything; memory is allocated only for records that are present.
 #include "base/le_bytes.h"
 #include "program/sdbg_map.h"
 
@@ -12,8 +12,8 @@ constexpr std::size_t kHeaderSize = 8;  // magic and record count
 constexpr std::size_t kRecordSize1 = 6;
 constexpr std::size_t kRecordSize2 = 12;
 constexpr std::uint32_t kMostFiles = 65535;
-constexpr std::uint32_t kPathLimit = 32768;  // this length and more is no path
-constexpr std::size_t kFileHeaderSize = 8;   // id and path length
+constexpr std::uint32_t kPathLimit = 32768;  // a path of this length or more is refused
+constexpr std::size_t kFileHeaderSize = 8;   // file id and path length
 
 SdbgLine Record1(const std::uint8_t* at) { return {1, ReadLe16(at), ReadLe32(at + 2)}; }
 SdbgLine Record2(const std::uint8_t* at) { return {ReadLe32(at), ReadLe32(at + 4), ReadLe32(at + 8)}; }
@@ -28,7 +28,7 @@ bool ReadRecords(std::span<const std::uint8_t> section, std::uint32_t count, boo
     return true;
 }
 
-// False only without memory: a table that makes no sense just ends.
+// Returns false only without memory. A faulty table is read up to its fault.
 bool ReadFileTable(std::span<const std::uint8_t> rest, SdbgMap* map) {
     if (rest.size() < 4) return true;
     const std::uint32_t count = ReadLe32(rest.data());

@@ -9,20 +9,20 @@ namespace {
 
 constexpr char kHexDigits[] = "0123456789ABCDEF";
 
-// Bytes of the character that `text` begins with; 0: it begins with none.
+// Number of bytes of the UTF-8 character at the start of `text`; 0 when there is none.
 std::size_t CharacterLength(std::string_view text) {
     for (std::size_t length = 1; length <= std::min<std::size_t>(4, text.size()); ++length)
         if (IsValidUtf8Bytes(text.data(), length)) return length;
     return 0;
 }
 
-// Control characters beyond ASCII, and those that turn the direction of what follows or take no room.
+// True for control characters beyond ASCII, and for characters that change the text direction or have no width.
 bool IsInvisible(std::string_view character) {
     if (character.size() == 2) return character[0] == '\xC2' && static_cast<unsigned char>(character[1]) < 0xA0;
     if (character.size() != 3) return false;
     const auto second = static_cast<unsigned char>(character[1]);
     const auto third = static_cast<unsigned char>(character[2]);
-    if (character[0] == '\xEF') return second == 0xBB && third == 0xBF;  // a byte-order mark
+    if (character[0] == '\xEF') return second == 0xBB && third == 0xBF;  // the byte-order mark
     if (character[0] != '\xE2') return false;
     return (second == 0x80 && ((third >= 0x8B && third <= 0x8F) || (third >= 0xA8 && third <= 0xAE))) ||
            (second == 0x81 && third >= 0xA0 && third <= 0xAF);
@@ -39,7 +39,7 @@ void AppendByte(std::string& out, char byte) {
 std::string VisibleText(std::string_view text, std::size_t tab) {
     std::string out;
     out.reserve(text.size());
-    std::size_t column = 0;  // characters of `out`
+    std::size_t column = 0;  // characters in `out` so far
     while (!text.empty()) {
         const std::size_t before = out.size();
         const char first = text.front();

@@ -1,10 +1,10 @@
-// Text of unknown origin, fit to be shown. Pure.
+// Makes text of unknown origin safe to show. Pure.
 #pragma once
 
 #include <cstddef>
 #include <string>
 #include <string_view>
 
-// UTF-8 in, valid UTF-8 out: control characters and bytes that are no UTF-8 are written "\x1B". Tabs are expanded to
-// stops `tab` columns apart; 0: they are control characters too.
+// Returns valid UTF-8: control characters and bytes that are not UTF-8 are written as "\x1B". Tabs are expanded to
+// stops `tab` columns apart; with 0 they are control characters too.
 std::string VisibleText(std::string_view text, std::size_t tab = 0);

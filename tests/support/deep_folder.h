@@ -6,12 +6,12 @@
 
 #include <string>
 
-// Only paths in the long form reach such a folder. The library's own removal does not, so it is removed here, and must be
-// empty by then.
+// Only paths with the prefix "\\?\" reach such a folder. std::filesystem::remove_all does not remove it, so the
+// destructor does. The folder must be empty by then.
 struct DeepFolder {
     std::wstring path;  // without a backslash at the end
 
-    // `parent` exists; a backslash at its end is left out.
+    // `parent` must exist; a backslash at its end is ignored.
     explicit DeepFolder(std::wstring parent, std::size_t length = 400) {
         if (parent.ends_with(L'\\')) parent.pop_back();
         parentLength_ = parent.size();

@@ -1,11 +1,11 @@
-// A compiler that does as it is told: its own executable, copied over a compiler's by tests and measurements. What to do
-// stands in "fake.txt" beside it, one order a line:
+// A fake compiler. Tests and measurements copy its executable over a compiler's. It carries out the orders in
+// "fake.txt" beside it, one a line:
 //   print TEXT       the text and a line break            args         command line and working folder
 //   raw TEXT         \xHH escapes, no line break          sleep MS
 //   flood N          N numbered lines (0: without end)    spawn        a copy of itself that lives for a minute
 //   talk N           the same, a tenth of them diagnostics
 //   errors N FILE    N diagnostics for FILE, line i       touch PATH   creates an empty file
-//   settle           until what it printed was read
+//   settle           waits until its output was read
 //   exit N           ends with that code                  tally PATH   one byte more in a file
 #include <windows.h>
 
@@ -19,14 +19,14 @@
 
 namespace {
 
-// What is written at once: what a C runtime buffers of a pipe, about, and much more.
+// Bytes written at once: about what a C runtime buffers for a pipe, and much more.
 constexpr std::size_t kSmallBlock = 4000, kLargeBlock = 16000;
 
 void Put(std::string_view bytes) {
     DWORD put = 0;
     while (!bytes.empty()) {
         if (!WriteFile(GetStdHandle(STD_OUTPUT_HANDLE), bytes.data(), static_cast<DWORD>(bytes.size()), &put, nullptr))
-            ExitProcess(98);  // the reader is gone
+            ExitProcess(98);  // the reader has closed the pipe
         bytes.remove_prefix(put);
     }
 }

@@ -1,14 +1,14 @@
-// The lines that a flooding compiler prints and that the floor's Rich Edit is fed: the same for both. No Windows here.
+// The lines that the fake compiler prints and that the floor program shows, so that both have the same text. Pure.
 #pragma once
 
 #include <cstdio>
 #include <string>
 
-inline constexpr int kErrorEvery = 10;  // of so many lines one is a diagnostic
+inline constexpr int kErrorEvery = 10;  // every tenth line is a diagnostic
 
 inline bool IsFloodError(int number) { return number % kErrorEvery == 0; }
 
-// Without its line break; the number keeps all lines different.
+// Returns the line without a line break. The number makes all lines different.
 inline std::string FloodLine(int number) {
     char line[128];
     std::snprintf(line, sizeof(line),

@@ -1,4 +1,4 @@
-// Expected texts that are files, in tests/golden.
+// Compares texts with the files in tests/golden.
 #pragma once
 
 #include "support/temp_files.h"
@@ -11,7 +11,7 @@ inline std::string GoldenText(const std::string& name) {
     return ReadBytes(std::string(KVX_TESTS_DIR) + "/golden/" + name);
 }
 
-// The files have LF; what is found instead is left beside a file that differs, to be looked at and taken.
+// The files have LF. When the text differs, it is written beside the file, to be inspected and accepted.
 inline void ExpectGolden(const std::string& name, std::string text) {
     std::erase(text, '\r');
     std::string expected = GoldenText(name);

@@ -1,5 +1,5 @@
-// Executables for tests, made as bytes: headers, sections and ".sdbg" contents as the compilers would write them, or wrong
-// in the ways that a test asks for. They are read, never run.
+// Makes executables for tests as bytes: headers, sections and ".sdbg" contents as compilers write them, or wrong in the
+// ways that a test wants. They are read, never run.
 #pragma once
 
 #include <algorithm>
@@ -15,10 +15,11 @@ using Bytes = std::vector<std::uint8_t>;
 
 inline constexpr std::uint32_t kHeader = 64;        // offset of the signature
 inline constexpr std::uint32_t kFirstData = 0x400;  // offset of the first section's data
-inline constexpr std::uint32_t kCode = 0x60000020;  // a section's flags
+inline constexpr std::uint32_t kCode = 0x60000020;  // flags of a code section
 inline constexpr std::uint32_t kData = 0xC0000040;
 
-// Little-endian, `width` bytes of it. `bytes` is a string or a vector; it grows where the number reaches beyond its end.
+// Writes a number of `width` bytes, little-endian. `bytes` is a string or a vector, which grows if the number exceeds
+// its end.
 template <typename Container>
 void PutNumber(Container* bytes, std::size_t at, std::uint64_t value, std::size_t width) {
     if (bytes->size() < at + width) bytes->resize(at + width);
@@ -55,7 +56,7 @@ struct Section {
     std::string_view name;  // at most 8 characters
     std::uint32_t rva = 0;
     Contents data = {};
-    std::uint32_t rawSize = 0;  // claimed; 0: what there is
+    std::uint32_t rawSize = 0;  // SizeOfRawData in the header; 0: the size of `data`
     std::uint32_t flags = kCode;
 };
 
@@ -67,7 +68,7 @@ struct Directory {
 
 struct Program {
     bool x64 = true;
-    std::uint32_t machine = 0;  // 0: by x64
+    std::uint32_t machine = 0;  // 0: the machine for `x64`
     std::uint32_t entry = 0x1000;
     std::uint64_t base = x64 ? 0x140000000 : 0x400000;
     std::vector<Section> sections = {};  // at most 16
@@ -75,7 +76,7 @@ struct Program {
 };
 
 constexpr std::uint32_t OptionalSize(bool x64) { return x64 ? 240 : 224; }
-// Offset of a section's header, from 0.
+// The file offset of a section's header; `index` from 0.
 constexpr std::uint32_t SectionAt(bool x64, std::uint32_t index) {
     return kHeader + 24 + OptionalSize(x64) + 40 * index;
 }
@@ -112,7 +113,7 @@ inline Bytes Build(const Program& program) {
     return file;
 }
 
-// The same as text.
+// Returns the bytes of Build as a string.
 inline std::string Image(bool is64, std::uint64_t base, const std::vector<Section>& sections) {
     const Bytes file = Build({.x64 = is64, .base = base, .sections = sections});
     return {file.begin(), file.end()};
@@ -132,7 +133,7 @@ inline std::string Sdbg1(const std::vector<Record>& records) {
     return bytes;
 }
 
-// `tail` is what follows the records.
+// `tail` are the bytes after the records.
 inline std::string Sdbg2(const std::vector<Record>& records, std::string_view tail = {}) {
     std::string bytes = "SDB2";
     Append(&bytes, static_cast<std::uint32_t>(records.size()));

@@ -9,14 +9,14 @@
 #include <string>
 
 // Once in thousands of starts Wine loses the new process before its first instruction, and CreateProcess fails with
-// ERROR_INTERNAL_ERROR. No code of the program has run by then, so another try hides nothing of it. Any other failure is
-// final.
+// ERROR_INTERNAL_ERROR. A second try hides no fault of the program, because none of its code has run. Any other failure
+// is final.
 inline constexpr int kStartTries = 4;
 inline constexpr DWORD kStartPauseMs = 250;
-// How the debugger's engine tells of that failure.
+// The text that the debugger reports for that failure.
 inline constexpr wchar_t kLostText[] = L"Win32 error 1359";
 
-// Calls `start` until it returns true, or until `lost` says that the failure was another one, at most kStartTries times.
+// Calls `start` at most kStartTries times, until it returns true or `lost` returns false for the failure.
 template <typename Start, typename Lost>
 bool StartAgainIfLost(Start start, Lost lost) {
     for (int tries = 1;; ++tries) {
@@ -31,13 +31,14 @@ bool StartAgainIfLost(Start start, Lost lost) {
 
 struct StartOptions {
     DWORD flags = 0;
-    const wchar_t* folder = nullptr;  // current directory of the program; null: that of this one
-    HANDLE output = nullptr;          // its standard output, inheritable; null: that of this one
-    HANDLE errors = nullptr;          // its standard error; only with `output`
+    const wchar_t* folder = nullptr;  // working directory of the program; null: the caller's
+    HANDLE output = nullptr;          // its standard output, inheritable; null: the caller's
+    HANDLE errors = nullptr;          // its standard error; used only with `output`
     std::function<void()> beforeEachTry = {};
 };
 
-// The caller closes both handles of `*started`. On failure GetLastError() is the error of CreateProcess.
+// Starts a process. The caller closes both handles of `*started`. On failure GetLastError() is the error of
+// CreateProcess.
 inline bool StartProcess(std::wstring line, PROCESS_INFORMATION* started, const StartOptions& options = {}) {
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
@@ -59,7 +60,8 @@ inline bool StartProcess(std::wstring line, PROCESS_INFORMATION* started, const 
     return done;
 }
 
-// Without a window of its own. Its exit code; nothing when it did not start, or was ended because it did not end in time.
+// Runs a program without a window. Returns its exit code, or nothing when it did not start or was ended after
+// `limitMs`.
 inline std::optional<DWORD> RunToEnd(const std::wstring& line, const wchar_t* folder = nullptr, DWORD limitMs = 60000) {
     PROCESS_INFORMATION process = {};
     if (!StartProcess(line, &process, {.flags = CREATE_NO_WINDOW, .folder = folder})) return std::nullopt;

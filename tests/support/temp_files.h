@@ -1,4 +1,4 @@
-// Files for tests: a folder of its own for each, whole files read and written.
+// Files for tests: temporary folders, and functions that read and write whole files.
 #pragma once
 
 #include <filesystem>
@@ -9,26 +9,27 @@
 #include <string_view>
 #include <system_error>
 
-// A new empty folder, removed with everything in it at the end.
+// A new empty folder. The destructor removes it with its contents.
 struct TempFolder {
     std::filesystem::path path;
 
     TempFolder() {
-        // Random, because runs in several Wine prefixes have equal process ids and one folder for such files.
+        // The name is random, because runs in several Wine prefixes have equal process ids and share the folder for
+        // temporary files.
         static const std::string run = "kvx-test-" + std::to_string(std::random_device{}()) + "-";
         static int count = 0;
         path = std::filesystem::temp_directory_path() / (run + std::to_string(++count));
         std::filesystem::create_directories(path);
     }
     ~TempFolder() {
-        std::error_code ignored;  // a program that still runs keeps its file; nothing depends on the removal
+        std::error_code ignored;  // a running program keeps its file; nothing depends on the removal
         std::filesystem::remove_all(path, ignored);
     }
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
 };
 
-// Empty when the file cannot be read.
+// Returns the bytes of a file; empty when it cannot be read.
 inline std::string ReadBytes(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
