@@ -17,8 +17,7 @@ struct SessionFiles {
 SessionFiles g_session;
 
 std::wstring ResolveMapPath(const char* name, bool first) {
-    if (!g_session.compiled)
-        g_session.compiled = MapSource{.source = DebugSourcePath(), .staged = LastBuild().staged};
+    if (!g_session.compiled) g_session.compiled = MapSource{.source = DebugSourcePath(), .staged = LastBuild().staged};
     return name != nullptr ? PathOfMapFile(name, first, *g_session.compiled) : g_session.compiled->source;
 }
 

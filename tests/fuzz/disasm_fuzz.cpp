@@ -4,8 +4,8 @@
 #include "disasm/disasm.h"
 #include "disasm/listing_text.h"
 #include "disasm/renderer.h"
-#include "program/visible_text.h"
 #include "files/text_encoding.h"
+#include "program/visible_text.h"
 
 #include <algorithm>
 #include <cstddef>
