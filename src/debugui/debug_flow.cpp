@@ -6,9 +6,9 @@
 
 namespace {
 
-constexpr std::uint64_t kStartInPlace = 1000;  // ms that a start waits for the first line
-constexpr std::uint64_t kLongRun = 30000;      // ms without a stop after which a line says so
-constexpr std::uint64_t kSeenEvery = 50;       // ms between two stops that are shown, at most
+constexpr std::uint64_t kStartInPlace = 1000;  // ms that a start waits in place for the first line
+constexpr std::uint64_t kLongRun = 30000;      // ms without a stop after which a message says so
+constexpr std::uint64_t kSeenEvery = 50;  // a stop sooner than this many ms after the last shown one may be left out
 constexpr int kConsoleLooks = 40;
 constexpr int kLooksAfterConsole = 6;
 

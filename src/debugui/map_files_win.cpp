@@ -12,7 +12,7 @@ namespace {
 
 struct SessionFiles {
     MapFiles files;
-    std::optional<MapSource> compiled;  // what the program was built from, once it was asked for
+    std::optional<MapSource> compiled;  // what the program was built from; set when first needed
 };
 SessionFiles g_session;
 
