@@ -1,4 +1,4 @@
-// Loads a library and lets it go; the exit code says whether it was there.
+// Loads a library and frees it; the exit code says whether that worked.
 #include "debuggee.h"
 
 MAP_BEGIN

@@ -161,7 +161,7 @@ TEST(OutputQueue, EndlessLinesAreCut) {
     }
 }
 
-// What comes of a text: lines with a mark of their colour, and the records.
+// What a text becomes: lines, marked with their colour, and records of errors.
 TEST(OutputLines, AreFilteredColouredCountedAndRecorded) {
     OutputLines lines = {.compilerId = 4};
     const auto put = [&](const wchar_t* text, ChunkKind kind) {
@@ -188,7 +188,7 @@ TEST(OutputLines, AreFilteredColouredCountedAndRecorded) {
     EXPECT_EQ(errors.items[1].compilerId, 4U);
     EXPECT_FALSE(OutputLinesWait(lines));
 
-    // The list is full with the 64th; the rest is shown all the same.
+    // The list is full after 64 errors; the rest is shown all the same.
     for (int i = 0; i < 70; ++i) put(L"d(1,1): error: more\n", ChunkKind::Stream);
     while (OutputLinesNext(
         lines, errors, [] { return false; }, &line, &chunks))
@@ -196,7 +196,7 @@ TEST(OutputLines, AreFilteredColouredCountedAndRecorded) {
     EXPECT_EQ(errors.count, kMaxCompilerErrors);
     EXPECT_EQ(lines.counts.errors, 72);
 
-    // Shown again, before what still waits.
+    // Lines that are shown again come before those that still wait.
     put(L"last\n", ChunkKind::Stream);
     OutputLinesAgain(lines, {{.text = L"shown"}});
     for (const wchar_t* expected : {L"shown", L"last"}) {
@@ -212,7 +212,7 @@ TEST(OutputLines, AreFilteredColouredCountedAndRecorded) {
 
 TEST(OutputLines, OfAFloodLookingHasALimit) {
     OutputLines lines;
-    lines.kept.shown = kFirstLinesKept;  // full: what comes is held back
+    lines.kept.shown = kFirstLinesKept;  // full: later lines are held back
     std::wstring flood;
     for (int i = 0; i < 2000; ++i) flood += L"line\n";
     lines.queue.chunks.push_back({.text = flood, .kind = ChunkKind::Stream});

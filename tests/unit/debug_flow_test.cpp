@@ -1,4 +1,4 @@
-// What the window does for a debugged program: phases, and what is done once or for a while.
+// The phases of a debug session in the window, and what is done only once or for a limited time.
 #include "debugui/debug_flow.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// What every window shares: columns and tabs in too little room, lengths by DPI, the parts of bars and panes.
+// Layout that windows share: columns and tabs in too little room, lengths by DPI, the parts of bars and panes.
 #include "ai/ai_pane_layout.h"
 #include "commands/status_bar_fit.h"
 #include "ui/fit.h"
