@@ -70,8 +70,9 @@ void OnDebugString(DebuggerState* state, const OUTPUT_DEBUG_STRING_INFO& info) {
     DebugSay(kDebugTeal, L"[Debug] %s", text.c_str());
 }
 
-// Index of the entry whose trap raised a breakpoint exception at `address`, or -1. Most systems report the address of
-// the trap. Some report the next one, with the instruction pointer on it; only then the byte before `address` is meant.
+// Index of the entry whose trap raised a breakpoint exception at `address`, or -1. Systems report the address of the
+// trap, or the next one with the instruction pointer on it; only in the second case the byte before `address` is looked
+// up.
 int EntryOfTrap(const DebuggerState* state, const DEBUG_EVENT& event, std::uint64_t address) {
     const int index = DebugFindBp(state, address);
     std::uint64_t ip = 0;

@@ -38,7 +38,8 @@ bool DebugStepOffAndResume(DebuggerState* state);
 void DebugNoteEvent(DebuggerState* state, const DEBUG_EVENT& event);
 // Closes the handle of a thread that has ended and whose event was continued.
 void DebugCloseThread(DebuggerState* state, std::uint32_t threadId);
-// Continues an event without looking at it and closes its file handle. True: it was the end of the state's process.
+// Continues an event that means nothing any more and closes its file handle; notes process and threads as
+// DebugNoteEvent does. True: it was the end of the state's process.
 bool DebugDropEvent(DebuggerState* state, const DEBUG_EVENT& event);
 // At a stop or the end: says how many of the program's reports were left out. Later reports are shown again.
 void DebugSayLeftOut(DebuggerState* state);

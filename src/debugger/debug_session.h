@@ -27,7 +27,7 @@ DebugWaitHook DebugSetWaitHook(DebugWaitHook hook);  // returns the previous one
 // start or has ended; the output pane says which.
 bool DebugStart(const wchar_t* executable, DebuggerState* state);
 bool DebugStartForCompiler(const wchar_t* executable, std::uint32_t compilerId, DebuggerState* state);
-bool DebugStartLoaded(const wchar_t* executable, DebuggerState* state);  // the map is loaded
+bool DebugStartLoaded(const wchar_t* executable, DebuggerState* state);  // `state->map` is loaded
 // Goes on waiting for the first stop of a start, while `awaits` is not Nothing. Returns a DebugWait: after
 // kDebugStopped and kDebugExited the start is over; after kDebugTimeout it is over when `awaits` is Nothing.
 int DebugWaitStart(DebuggerState* state, DWORD timeoutMs);
@@ -37,14 +37,15 @@ void DebugSetPlantHook(DebugPlantHook hook);
 // Ends the program and the session; takes at most about two seconds.
 void DebugStop(DebuggerState* state);
 
-// --- Breakpoints (debug_breakpoints_win.cpp)
+// --- Breakpoints (debug_breakpoints_win.cpp). Lines are from 1. Setting one fails on a line without code, with a full
+// table, and where memory cannot be written.
 bool DebugSetBreakpoint(DebuggerState* state, int line);  // first record of that line in any file
 bool DebugSetBreakpointIn(DebuggerState* state, std::uint32_t fileId, int line);
 bool DebugSetConditionalBreakpoint(DebuggerState* state, int line, const char* condition);  // null clears it
-bool DebugSetTempBp(DebuggerState* state, std::uint64_t address, int line);
-int DebugFindBp(const DebuggerState* state, std::uint64_t address);  // index or -1
-bool DebugRestoreBp(DebuggerState* state, std::uint64_t address);    // puts the byte back, keeps the entry
-void DebugRearmBreakpoints(DebuggerState* state);
+bool DebugSetTempBp(DebuggerState* state, std::uint64_t address, int line);                 // removed when hit
+int DebugFindBp(const DebuggerState* state, std::uint64_t address);                         // index or -1
+bool DebugRestoreBp(DebuggerState* state, std::uint64_t address);  // puts the byte back, keeps the entry
+void DebugRearmBreakpoints(DebuggerState* state);                  // arms all but temporary ones
 void DebugClearBreakpoints(DebuggerState* state);
 bool DebugRemoveBreakpoint(DebuggerState* state, std::uint64_t address);  // puts the byte back, removes the entry
 bool DebugSetCondition(DebuggerState* state, std::uint64_t address, const char* condition);  // null clears it

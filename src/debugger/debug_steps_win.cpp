@@ -42,8 +42,8 @@ bool RunToTarget(DebuggerState* state, const StepTarget& target) {
 
 bool DebugStepOffAndResume(DebuggerState* state) {
     std::uint64_t ip = 0;
-    // After a trap of the program's own, the instruction pointer may be on a breakpoint that was not reached yet; it is
-    // past `currentAddress` then.
+    // After a trap of the program's own, the instruction pointer is past `currentAddress`, and a breakpoint there was
+    // not reached yet.
     const bool known = DebugGetIp(*state, state->stopThreadId, &ip) && ip == state->currentAddress;
     const int index = known ? DebugFindBp(state, ip) : -1;
     if (index >= 0) DebugRestoreBp(state, ip);

@@ -15,7 +15,7 @@ constexpr std::uint32_t kFaults[] = {
     0xC000008F,  // floating point: inexact result
     0xC0000090,  // floating point: invalid operation
     0xC0000091,  // floating point: overflow
-    0xC0000092,  // floating point: stack of the unit
+    0xC0000092,  // floating point: stack check
     0xC0000093,  // floating point: underflow
     0xC0000094,  // integer division by zero
     0xC0000095,  // integer overflow
