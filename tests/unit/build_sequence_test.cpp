@@ -180,7 +180,7 @@ TEST(BuildSequence, EveryCourse) {
         EXPECT_EQ(Course(test.order, test.preBuild, test.postBuild, test.happenings), test.course) << test.name;
 }
 
-TEST(BuildSequence, WhatStandsInTheWay) {
+TEST(BuildSequence, IsRefusedWhileSomethingElseRuns) {
     const BuildOrder batch = {.after = AfterBuild::NextOfBatch};
     struct Case {
         BuildSituation situation;
@@ -419,7 +419,7 @@ TEST(StagingRules, NothingOfTheUsersIsLost) {
     }
 }
 
-TEST(StagingRules, WhereNoCopyCanBeMade) {
+TEST(StagingRules, OnADiskThatCannotBeWritten) {
     MemoryDisk disk = {.files = {{L"x.kxa", "s"}, {L"x.bas", "mine"}}, .readOnly = true};
     StagedSource staged;
     std::uint32_t error = 0;

@@ -210,7 +210,7 @@ TEST(OutputLines, AreFilteredColouredCountedAndRecorded) {
     EXPECT_FALSE(OutputLinesWait(lines));
 }
 
-TEST(OutputLines, OfAFloodLookingHasALimit) {
+TEST(OutputLines, LookingThroughAFloodIsLimited) {
     OutputLines lines;
     lines.kept.shown = kFirstLinesKept;  // full: later lines are held back
     std::wstring flood;
@@ -262,7 +262,7 @@ TEST(ErrorPlaces, WhatAPrintedNameMayMean) {
     EXPECT_TRUE(ErrorPlaces(L"x.bas", {}, whole).empty()) << "before the first build";
 }
 
-TEST(ErrorPlaces, TheWalkGoesRound) {
+TEST(ErrorPlaces, TheNextAfterTheLastIsTheFirst) {
     CompilerErrors errors;
     EXPECT_EQ(NextErrorIndex(errors), -1);
     EXPECT_EQ(PreviousErrorIndex(errors), -1);
@@ -310,7 +310,7 @@ TEST(KeptLines, FirstAndLastLinesStayInOrder) {
         EXPECT_EQ(KeepLine(kept, line, true), i < kFirstLinesKept);
     }
     PaneLine message = {.text = L"ours"};
-    EXPECT_FALSE(KeepLine(kept, message, false)) << "a message waits behind the lines held back";
+    EXPECT_FALSE(KeepLine(kept, message, false)) << "a message waits after the lines that are held back";
     const std::deque<PaneLine> held = TakeHeldLines(kept);
     ASSERT_EQ(held.size(), kLastLinesKept + 1);
     EXPECT_EQ(Narrow(held[0].text), "... 6 lines left out ...");

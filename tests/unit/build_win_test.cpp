@@ -120,7 +120,7 @@ TEST_F(Staging, KeldorPutsTheUsersFileBack) {
     EXPECT_EQ(Read(L"x.bas.kvx-aside1"), "(none)");
 }
 
-TEST_F(Staging, PathsBeyondTheOldLimit) {
+TEST_F(Staging, PathsLongerThanMaxPath) {
     const DeepFolder deep(folder_.path.wstring());
     const std::wstring source = deep.File(L"x.kb"), target = deep.File(L"x.bas");
     WriteBytes(DeepFolder::LongForm(source), "source");

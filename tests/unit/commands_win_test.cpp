@@ -7,7 +7,7 @@
 
 #include <set>
 
-TEST(CommandHandlers, EachCommandHasOneAndEachIsACommands) {
+TEST(CommandHandlers, EachCommandHasOneAndNoOthersExist) {
     std::set<int> handled;
     for (const CommandHandler& handler : AllCommandHandlers()) {
         EXPECT_TRUE(handled.insert(handler.command).second) << handler.command << " has two";

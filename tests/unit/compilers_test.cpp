@@ -95,7 +95,7 @@ TEST(Compilers, FileGoesToTheFirstRuleThatApplies) {
     }
 }
 
-TEST(Compilers, UnknownIdsReadTheFirst) {
+TEST(Compilers, UnknownIdsGiveTheFirstCompiler) {
     EXPECT_EQ(CompilerNext(2), 3U);
     EXPECT_EQ(CompilerNext(4), 0U);
     EXPECT_EQ(CompilerNext(9), 0U);
@@ -179,7 +179,7 @@ TEST(FileTypes, KnowSourceNames) {
 }
 
 // The manifest cannot include the header with the version.
-TEST(Version, TheManifestHasTheHeadersOne) {
+TEST(Version, TheManifestHasTheVersionOfTheHeader) {
     const std::string manifest = ReadBytes(std::string(KVX_ROOT_DIR) + "/src/resources/kvx-editor.manifest");
     EXPECT_NE(manifest.find("name=\"KVX-Editor\" version=\"" KVX_VERSION ".0\""), std::string::npos);
     constexpr int kNumbers[] = {KVX_VERSION_NUMBERS};

@@ -66,7 +66,7 @@ TEST_P(DebugEvents, AProgramsOwnTrapStopsWithoutALine) {
 }
 
 // A trap of the program's own, right after a breakpoint, must not run the breakpoint's instruction again.
-TEST_P(DebugEvents, AProgramsOwnTrapBehindABreakpointIsNotTakenForIt) {
+TEST_P(DebugEvents, AProgramsOwnTrapAfterABreakpointIsAStopOfItsOwn) {
     ASSERT_TRUE(Start("own_trap"));
     ASSERT_TRUE(DebugSetBreakpoint(&state, 3));
     ASSERT_TRUE(DebugSetBreakpoint(&state, 4));
@@ -77,14 +77,14 @@ TEST_P(DebugEvents, AProgramsOwnTrapBehindABreakpointIsNotTakenForIt) {
     EXPECT_EQ(state.currentAddress, AddressOf(3) + 1);
     EXPECT_EQ(state.currentLine, 0);
     ASSERT_TRUE(DebugContinue(&state));
-    EXPECT_EQ(Arrive(), 4) << "nor does it hide the one behind it";
+    EXPECT_EQ(Arrive(), 4) << "nor does it hide the one after it";
     ASSERT_TRUE(DebugContinue(&state));
     EXPECT_EQ(Wait(), kDebugExited);
     EXPECT_EQ(state.exitCode, 2u);
 }
 
 // Some systems report a breakpoint with the address after it.
-TEST_P(DebugEvents, ABreakpointReportedBehindItsTrapIsFound) {
+TEST_P(DebugEvents, ABreakpointReportedAfterItsTrapIsFound) {
     ASSERT_TRUE(Start("reported_trap"));
     ASSERT_TRUE(DebugSetBreakpoint(&state, 3));
     const std::uint64_t address = AddressOf(3);

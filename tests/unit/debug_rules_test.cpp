@@ -160,7 +160,7 @@ TEST(DebugRules, APauseInACallIsOnTheStatementThatHoldsIt) {
     EXPECT_EQ(std::pair(library.address, library.place.line), std::pair(base + 0x9000, 0U));
 }
 
-TEST(DebugRules, AStartRunsOnFromStopsThatAreNotItsOwn) {
+TEST(DebugRules, AStartResumesAfterStopsThatAreNotItsOwn) {
     using enum DebugAwaits;
     EXPECT_TRUE(IsFalseStart({.awaits = FirstLine, .tries = 1, .ofLoader = true}));
     EXPECT_FALSE(IsFalseStart({.awaits = FirstLine, .tries = 2, .ofLoader = true}))

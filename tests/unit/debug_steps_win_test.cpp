@@ -38,7 +38,7 @@ TEST_P(DebugSteps, IntoFollowsACallAndOutComesBack) {
     }
 }
 
-TEST_P(DebugSteps, OutIsAStepOverWhereNoReturnAddressLies) {
+TEST_P(DebugSteps, OutIsAStepOverWithoutAReturnAddress) {
     ASSERT_TRUE(Start("calls"));
     ASSERT_TRUE(DebugRunToLineIn(&state, 2, 3));
     ASSERT_EQ(Arrive(), 3);
@@ -82,7 +82,7 @@ TEST_P(DebugSteps, RunToALine) {
 }
 
 // A step that stopped at another breakpoint leaves its target in the table.
-TEST_P(DebugSteps, TargetsOfEarlierStepsAreInNobodysWay) {
+TEST_P(DebugSteps, TargetsOfEarlierStepsDoNotStopTheProgram) {
     ASSERT_TRUE(Start("loop"));
     ASSERT_TRUE(DebugSetTempBp(&state, AddressOf(3), 3));
     EXPECT_EQ(RunTo(5), 5) << "not at 3";

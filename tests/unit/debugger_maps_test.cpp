@@ -470,7 +470,7 @@ TEST(PbdMap, ContainsTheName) {
     EXPECT_FALSE(PbdContainsPbmain({}));
 }
 
-TEST(PbdMap, OneTrapARun) {
+TEST(PbdMap, OneTrapForEachRun) {
     const std::string code = "\xCC.\xCC\xCC.\xCC.";
     const TextSectionInfo text = {0x400000, 0x1000, 2, 7, 7};
     const auto traps = [](const std::string& program, const TextSectionInfo& info, std::uint32_t start,

@@ -17,7 +17,7 @@ TEST(Condition, IsCountedInBytes) {
     EXPECT_NE(ConditionProblem(std::string(64, 'x')).find(L"64 bytes"), std::wstring::npos);
 }
 
-TEST(Condition, SaysWhatItWillNotDo) {
+TEST(Condition, WarnsOfWhatItDoesNotDo) {
     const struct {
         const char* condition;
         const wchar_t* part;  // of the notice; empty: none
@@ -52,7 +52,7 @@ std::string Describe(const MarkerMatch& match) {
     return text;
 }
 
-TEST(Breakpoints, MeetTheirMarkersAgain) {
+TEST(Breakpoints, AreMatchedWithTheirMarkers) {
     const struct {
         const char* name;
         std::vector<KnownBreakpoint> known;
@@ -138,7 +138,7 @@ std::wstring Shown(const UserBreakpoints& list) {
     return text;
 }
 
-TEST(Breakpoints, AProgramTakesThoseThatItCan) {
+TEST(Breakpoints, AreRefusedWhereTheProgramCannotTakeThem) {
     FakeProgram program{.code = {{2, 0x1002}, {3, 0x1003}, {4, 0x1003}, {7, 0x1007}}};
     UserBreakpoints list = ListOf({2, 3, 4, 5, 7});
     list[0].condition = "RAX==1";
@@ -219,7 +219,7 @@ TEST(Stop, IsNamedByItsLineOrItsAddress) {
     EXPECT_EQ(StopPlaceText(L"", 0, 0x401000, false), L"0x00401000, no source");
 }
 
-TEST(Stop, WarnsOnceOfASourceThatIsNotTheProgram) {
+TEST(Stop, WarnsOnceOfASourceThatDoesNotMatchTheProgram) {
     StaleWarnings warnings;
     EXPECT_TRUE(NewStaleWarnings(&warnings, L"a.bas", {}).empty());
     EXPECT_EQ(NewStaleWarnings(&warnings, L"a.bas", {.newer = true}).size(), 1U);

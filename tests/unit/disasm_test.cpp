@@ -363,7 +363,7 @@ TEST(Listing, ACompilersListingLooksAsExpected) {
 
 // --- The pane
 
-TEST(AsmText, APartHasRoomForSoMuch) {
+TEST(AsmText, APartIsLimited) {
     AsmPart part;
     std::string lines;
     for (std::size_t i = 0; i < kAsmPartLines + 5; ++i) lines += "x\r\n";
@@ -440,7 +440,7 @@ TEST(AsmRender, ListingThenProgramWithItsLines) {
     EXPECT_NE(Pane(request, files).find("(The source was changed after the program was built"), std::string::npos);
 }
 
-TEST(AsmRequests, BelongToTheLastBuildOrKnowLess) {
+TEST(AsmRequests, NameTheProgramOnlyForTheLastBuild) {
     const BuildRecord last = {.source = L"C:\\x.kxa", .output = L"C:\\x.exe", .staged = L"C:\\x.pb"};
     EXPECT_EQ(AsmRequestOf(last, L"c:/X.kxa", L"l").program, L"C:\\x.exe");
     EXPECT_EQ(AsmRequestOf(last, L"c:/X.kxa", L"l").staged, L"C:\\x.pb");

@@ -62,7 +62,7 @@ TEST(RecentList, PutsTheLatestFirst) {
     }
 }
 
-TEST(RecentList, TakesOneOfItsOwnRows) {
+TEST(RecentList, MayBeGivenOneOfItsOwnRows) {
     wchar_t rows[3][16] = {L"a", L"b", L"c"};
     EXPECT_EQ(RecentListAdd(rows, 3, rows[2], RecentMatch::Exact), 3);
     EXPECT_STREQ(rows[0], L"c");

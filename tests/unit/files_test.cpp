@@ -65,18 +65,18 @@ std::string Normalized(std::string_view bytes, LineEnding ending) {
 }  // namespace
 
 // Each case also stands before, after and between stretches of every length that the fast check treats differently.
-TEST(Files, Utf8IsToldAtEveryAlignment) {
+TEST(Files, Utf8IsRecognisedAtEveryAlignment) {
     EXPECT_TRUE(IsValidUtf8Bytes(nullptr, 0));
     for (const Utf8Case& test : kUtf8Cases) {
         for (std::size_t before = 0; before < 41; ++before) {
             for (const std::size_t after : {0U, 1U, 9U, 40U}) {
                 const std::string text = std::string(before, 'x') + std::string{test.bytes} + std::string(after, 'y');
-                EXPECT_EQ(IsValid(text), test.valid) << test.name << " behind " << before << ", before " << after;
+                EXPECT_EQ(IsValid(text), test.valid) << test.name << " after " << before << ", before " << after;
             }
             if (test.valid && static_cast<unsigned char>(test.bytes.back()) >= 0x80) {
                 const std::string cut =
                     std::string(before, 'x') + std::string{test.bytes.substr(0, test.bytes.size() - 1)};
-                EXPECT_FALSE(IsValid(cut)) << test.name << " cut off, behind " << before;
+                EXPECT_FALSE(IsValid(cut)) << test.name << " cut off, after " << before;
             }
         }
     }
@@ -176,7 +176,7 @@ TEST(Files, FirstLineBreakDecides) {
         for (std::size_t before = 0; before < 20; ++before) {
             const std::string text = std::string(before, 'x') + std::string{test.bytes};
             EXPECT_EQ(DetectLineEnding(Exact(text).data(), text.size()), test.ending)
-                << test.bytes << " behind " << before;
+                << test.bytes << " after " << before;
         }
     }
 }

@@ -201,7 +201,7 @@ TEST_F(FilesWin, ReadingRefusesWhatIsNoFile) {
     EXPECT_EQ(ReadFileUtf8((root_ / L"open").c_str(), &length), nullptr) << "someone is writing it";
 }
 
-TEST_F(FilesWin, PathsBeyondTheOldLimit) {
+TEST_F(FilesWin, PathsLongerThanMaxPath) {
     const DeepFolder deep(root_.wstring(), 500);
     const std::wstring path = deep.File(L"\u00FCber.bas");
     EXPECT_TRUE(Save(path, "deep\n"));

@@ -175,7 +175,7 @@ TEST(SessionText, OffersOnlySessionsWithFiles) {
     EXPECT_TRUE(SessionListsFiles("[File1]\r\nPath=\r\n[File2]\r\nPath=x"));
 }
 
-TEST(WorkspaceText, ComposesWithTheCommaOfAllTabs) {
+TEST(WorkspaceText, ComposesWithACommaAfterEveryFile) {
     const std::vector<WorkspaceTab> tabs = {{.path = L"C:\\a\"b.bas", .cursor = 12}, {.path = L"", .cursor = 3}};
     EXPECT_EQ(WorkspaceCompose(tabs, 1, 9, L"-x \"q\" \\"),
               L"{\r\n  \"version\": \"1.0\",\r\n  \"files\": [\r\n"

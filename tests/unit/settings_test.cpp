@@ -114,7 +114,7 @@ TEST(Settings, StartAndFactoryStateDifferOnPurpose) {
     EXPECT_STREQ(settings->openAICodeModel, L"gpt-4o-mini");
 }
 
-TEST(Settings, KeysTooShortToBeOneGoWithTheirService) {
+TEST(Settings, AServiceWithTooShortAKeyIsSwitchedOff) {
     const auto settings = std::make_unique<Settings>();
     const auto check = [&settings](const wchar_t* openAi, const wchar_t* lmStudio) {
         SafeCopyW(settings->openAIKey, openAi);

@@ -46,7 +46,7 @@ TEST(TabLayout, HitsTheTabUnderThePointer) {
     EXPECT_EQ(TabHit(row, 0, 0), 0);
     EXPECT_EQ(TabHit(row, 99, 31), 0);
     EXPECT_EQ(TabHit(row, 100, 5), 1);
-    EXPECT_EQ(TabHit(row, 300, 5), -1) << "behind the last";
+    EXPECT_EQ(TabHit(row, 300, 5), -1) << "after the last";
     EXPECT_EQ(TabHit(row, 50, 32), -1) << "below";
     EXPECT_EQ(TabHit({}, 5, 5), -1);
 }

@@ -8,7 +8,7 @@
 
 namespace {
 
-TEST(Columns, GiveWayInTheSameMeasure) {
+TEST(Columns, ShrinkInProportion) {
     const std::vector<ColumnRoom> columns = {{100, 60}, {50, 50}, {200, 80}};
     const struct {
         int room;
