@@ -247,7 +247,7 @@ TEST_P(DebugBreakpoints, AConditionThatDoesNotHoldIsNoStop) {
                           {"2>3", {}, 0},
                           {nullptr, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, 10}};
     for (const Case& one : cases) {
-        const std::string name = one.condition ? one.condition : "(none)";
+        const std::string name = one.condition != nullptr ? one.condition : "(none)";
         SCOPED_TRACE(name);
         ASSERT_TRUE(Start("loop"));
         ASSERT_TRUE(DebugSetConditionalBreakpoint(&state, 3, "1==1"));

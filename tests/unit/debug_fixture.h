@@ -34,7 +34,9 @@ inline std::vector<Said> g_said;
 inline ULONGLONG g_deadline = 0;
 
 // Text of a function of debug_inspect.h, which is freed; "(null)" for none.
-inline std::wstring Take(wchar_t* text) { return text ? std::wstring(HeapBlock<wchar_t>(text).get()) : L"(null)"; }
+inline std::wstring Take(wchar_t* text) {
+    return text != nullptr ? std::wstring(HeapBlock<wchar_t>(text).get()) : L"(null)";
+}
 
 // A test of programs of one kind, or of both kinds: Bits() says which.
 class DebugTest : public testing::Test {
