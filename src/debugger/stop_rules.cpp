@@ -30,8 +30,8 @@ constexpr std::uint32_t kFaults[] = {
 bool IsLateHit(const TrapEvent& trap) {
     if (!trap.bytes) return false;
     const auto [before, at] = *trap.bytes;
-    constexpr std::uint8_t kInterrupt = 0xCD, kInterruptOfTrap = 0x03;  // INT 3 in two bytes
-    return at != kTrapByte && before != kTrapByte && !(before == kInterrupt && at == kInterruptOfTrap);
+    constexpr std::uint8_t kInterrupt = 0xCD, kBreakpointVector = 0x03;  // INT 3 in two bytes
+    return at != kTrapByte && before != kTrapByte && !(before == kInterrupt && at == kBreakpointVector);
 }
 
 }  // namespace

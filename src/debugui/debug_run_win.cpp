@@ -24,9 +24,9 @@
 
 namespace {
 
-constexpr DWORD kWaitInPlace = 200;   // ms that a command waits for its stop
-constexpr UINT kTimerInterval = 15;   // ms between two looks at a running program
-constexpr ULONGLONG kLookLimit = 10;  // ms that one look may take, however many events come
+constexpr DWORD kWaitInPlaceMs = 200;   // that a command waits for its stop
+constexpr UINT kTimerIntervalMs = 15;   // between two looks at a running program
+constexpr ULONGLONG kLookLimitMs = 10;  // that one look may take, however many events come
 constexpr wchar_t kStarting[] = L"Starting the program...";
 
 DebugFlow g_flow;
@@ -162,7 +162,7 @@ void BeginFollowing() {
     g_flow.following = true;
     DebugClearLocation();
     SetStatus(AwaitsFirstLine() ? kStarting : L"Running");
-    SetTimer(g_ui.hMainWnd, TIMER_DEBUG, kTimerInterval, nullptr);
+    SetTimer(g_ui.hMainWnd, TIMER_DEBUG, kTimerIntervalMs, nullptr);
     g_events.debuggerChanged();
     g_events.refreshWanted();
 }
@@ -220,7 +220,7 @@ void DebugRunStart() {
 void DebugRunFollow(const wchar_t* suffix) {
     StopTimers();
     FlowResume(&g_flow, suffix, GetTickCount64());
-    if (!HandleWait(DebugWaitInPlace(&g_flow, kWaitInPlace, kWaitInPlace))) BeginFollowing();
+    if (!HandleWait(DebugWaitInPlace(&g_flow, kWaitInPlaceMs, kWaitInPlaceMs))) BeginFollowing();
 }
 
 void DebugRunShowUnseen() {
@@ -244,7 +244,7 @@ void DebugRunStop() {
 void DebugOnTimer() {
     if (!g_flow.following || g_flow.waiting) return;
     const bool starting = AwaitsFirstLine();
-    if (HandleWait(DebugWaitInPlace(&g_flow, 0, kLookLimit))) return;
+    if (HandleWait(DebugWaitInPlace(&g_flow, 0, kLookLimitMs))) return;
     if (!AwaitsFirstLine()) FlowStartGivenUp(&g_flow);
     if (FlowTakeLongRun(&g_flow, starting, GetTickCount64()))
         DebugSay(0, L"[Debug] No stop within 30 seconds; the program is still running.\n");

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr ULONGLONG kPumpInterval = 20;  // ms
+constexpr ULONGLONG kPumpIntervalMs = 20;  // between two rounds of PumpMessages
 
 struct WaitState {
     DebugFlow* flow = nullptr;  // of the present wait
@@ -88,7 +88,7 @@ int DebugWaitInPlace(DebugFlow* flow, DWORD milliseconds, ULONGLONG limit) {
 
 bool DebugPumpStart() {
     const ULONGLONG now = GetTickCount64();
-    if (now - g_wait.lastPump >= kPumpInterval) {
+    if (now - g_wait.lastPump >= kPumpIntervalMs) {
         g_wait.lastPump = now;
         PumpMessages(g_wait.flow);
     }
