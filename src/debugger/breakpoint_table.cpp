@@ -6,7 +6,7 @@
 
 namespace {
 
-// Of the table's entries in use. A count out of range would be the engine's fault; no entry is invented for it.
+// The entries in use. A count out of range would be a fault of the engine; it is limited to the table.
 template <typename Table>
 auto EntriesOf(Table& table, int count) {
     return std::span(table).first(static_cast<std::size_t>(std::clamp(count, 0, kMaxBreakpoints)));

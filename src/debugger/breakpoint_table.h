@@ -1,4 +1,4 @@
-// The table of breakpoints of a session, as data: what stands where, and what covers the program's own bytes. Pure.
+// The breakpoints of a session as a table: address, condition, and the program's byte under the trap. Pure.
 #pragma once
 
 #include <array>
@@ -11,12 +11,12 @@ inline constexpr std::size_t kConditionCapacity = 64;  // bytes with the termina
 struct DebugBreakpoint {
     std::uint64_t address = 0;  // absolute
     std::uint8_t originalByte = 0;
-    std::uint32_t line = 0;
-    std::uint32_t temporary = 0;              // removed when hit
+    std::uint32_t line = 0;                   // from 1; 0: none
+    std::uint32_t temporary = 0;              // 1: removed when hit
     char condition[kConditionCapacity] = {};  // UTF-8, empty: none
     std::uint32_t fileId = 0;
-    std::uint32_t armed = 0;  // the byte CC stands in the program
-    std::uint32_t hits = 0;   // that were reported
+    std::uint32_t armed = 0;  // 1: the trap byte stands in the program
+    std::uint32_t hits = 0;   // stops that were reported
 };
 using BreakpointTable = std::array<DebugBreakpoint, kMaxBreakpoints>;
 
@@ -29,7 +29,7 @@ void StoreCondition(DebugBreakpoint* breakpoint, const char* condition);
 
 // Puts the bytes that armed breakpoints cover back into `bytes`, which were read from the program at `address`.
 void ShowOriginalBytes(const BreakpointTable& table, int count, std::uint64_t address, std::span<std::uint8_t> bytes);
-// The program's bytes at `address` were overwritten by `bytes`: the entries there remember them. Returns the indexes of those
-// that are armed and whose trap byte must be written again, as a bit mask.
+// Stores `bytes`, which were just written to the program at `address`, as the original bytes of the entries there.
+// Returns a bit mask by index: the armed entries, whose trap byte must be written again.
 std::uint64_t NoteOverwritten(BreakpointTable* table, int count, std::uint64_t address,
                               std::span<const std::uint8_t> bytes);

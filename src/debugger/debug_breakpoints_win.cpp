@@ -1,4 +1,5 @@
-// Breakpoints in the program: the bytes that stand for the entries of the table. UI thread only.
+// Breakpoints in the program: plants and removes the trap bytes of the table's entries, and checks conditions. UI
+// thread only.
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_process.h"
 #include "debugger/expressions.h"
@@ -14,9 +15,10 @@ DebugBreakpoint& EntryAt(DebuggerState* state, int index) {
     return state->breakpoints[static_cast<std::size_t>(index)];
 }
 
-// Index of the entry at the address, made when there is none; -1: table full, or memory that cannot be patched. An entry
-// that was hit and is disarmed is armed again, unless the program stands on it, because it would stop there at once. An
-// entry that a step has left becomes the user's when he wants one there.
+// Index of the entry at the address; one is made when there is none. -1: the table is full, or the memory cannot be
+// patched.
+// An old entry that is disarmed is armed again, unless the program stands on it, because it would stop there at once.
+// An old temporary entry becomes the user's when `temporary` is false.
 int PlantAt(DebuggerState* state, std::uint64_t address, int line, bool temporary) {
     if (!DebugIsActive(state)) return -1;
     if (const int index = DebugFindBp(state, address); index >= 0) {
@@ -67,7 +69,7 @@ bool DebugRestoreBp(DebuggerState* state, std::uint64_t address) {
 }
 
 bool DebugSetBreakpoint(DebuggerState* state, int line) {
-    // A full table refuses even a line that has its breakpoint already.
+    // A full table refuses even a line that has a breakpoint already.
     if (!DebugIsActive(state) || state->breakpointCount >= kMaxBreakpoints) return false;
     return PlantRva(state, SdbgLineToRva(&state->map, line), line, false);
 }

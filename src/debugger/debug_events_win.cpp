@@ -1,5 +1,5 @@
-// Waiting for the program's events and carrying out what each means. UI thread only, because the system lets only the
-// thread that started the program wait for its events.
+// Waits for the program's events and carries out what each means. UI thread only, because WaitForDebugEvent works only
+// in the thread that started the program.
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_process.h"
 #include "debugger/stop_rules.h"
@@ -17,9 +17,10 @@
 
 namespace {
 
-constexpr int kGoOn = 0;  // no DebugWait: the event was no stop and is continued
-// The next event of a program that was just continued comes in a moment. A look that does not wait for it would see one
-// event at a time, and a condition that does not hold would cost two ticks of the timer.
+constexpr int kGoOn = 0;  // not a DebugWait: the event was no stop and was continued
+// After one event the next is waited for so long even when the time-out is over, because it usually follows at once.
+// Otherwise each look of the timer would handle one event, and a breakpoint whose condition does not hold would take
+// two looks.
 constexpr DWORD kNextEventMs = 2;
 
 DebugWaitHook g_waitHook = nullptr;
@@ -49,7 +50,7 @@ int GoOn(DebuggerState* state) {
     return kGoOn;
 }
 
-// False: the program reports too much, and this report is left out.
+// False: the program has reported too much, and this report is left out.
 bool MayReport(DebuggerState* state, std::size_t characters) {
     const ReportFate fate = TakeReport(&state->reports, characters);
     if (fate == ReportFate::FirstLeftOut)
@@ -69,8 +70,9 @@ void OnDebugString(DebuggerState* state, const OUTPUT_DEBUG_STRING_INFO& info) {
     DebugSay(kDebugTeal, L"[Debug] %s", text.c_str());
 }
 
-// Index of the entry that a breakpoint exception at `address` belongs to, or -1. Systems report the trap's own address or the
-// next one. Where they report the next one, the thread stands on it; otherwise `address` is that of another trap.
+// Index of the entry whose trap raised a breakpoint exception at `address`, or -1. Systems report the address of the
+// trap, or the next one with the instruction pointer on it; only in the second case the byte before `address` is looked
+// up.
 int EntryOfTrap(const DebuggerState* state, const DEBUG_EVENT& event, std::uint64_t address) {
     const int index = DebugFindBp(state, address);
     std::uint64_t ip = 0;
@@ -86,7 +88,7 @@ int OnPlantedBreakpoint(DebuggerState* state, const DEBUG_EVENT& event, int inde
     const DebugBreakpoint hit = HitEntry(state, index);
     if (hit.temporary != 0) DebugForgetBreakpoint(state, index);
     DebugSetIp(*state, event.dwThreadId, ownTrap ? address + 1 : address, false);
-    state->stopThreadId = event.dwThreadId;  // its registers are those that a condition means
+    state->stopThreadId = event.dwThreadId;  // a condition reads the registers of this thread
     const SourcePlace lastPlace = {static_cast<std::uint32_t>(state->currentLine), state->currentFileId};
     const std::uint64_t lastAddress = state->currentAddress;
     SetPlace(state, address, PlaceInImage(state->map, state->imageSize, address));
@@ -101,7 +103,8 @@ int OnPlantedBreakpoint(DebuggerState* state, const DEBUG_EVENT& event, int inde
     return Stopped(state, event);
 }
 
-// The system pauses a program by a thread of its own that runs onto a trap. The user means the main thread.
+// DebugBreakProcess adds a thread to the program, which runs onto a trap. The stop is shown in the main thread, because
+// that is the one that the user means.
 int OnPause(DebuggerState* state, const DEBUG_EVENT& event) {
     const int result = Stopped(state, event);
     state->stopThreadId = state->mainThreadId;
@@ -177,7 +180,7 @@ int OnExitProcess(DebuggerState* state, const DEBUG_EVENT& event) {
 }
 
 int OnEvent(DebuggerState* state, const DEBUG_EVENT& event) {
-    if (event.dwProcessId != state->processId) {  // of the program of an earlier session
+    if (event.dwProcessId != state->processId) {  // from the program of an earlier session
         DebugDropEvent(state, event);
         return kGoOn;
     }
@@ -211,7 +214,7 @@ DebugWaitHook DebugSetWaitHook(DebugWaitHook hook) { return std::exchange(g_wait
 int DebugWaitEvent(DebuggerState* state, DWORD timeoutMs) {
     if (state == nullptr || state->active == 0) return kDebugNoSession;
     ULONGLONG started = GetTickCount64();
-    ULONGLONG asked = started;  // when the hook was asked last
+    ULONGLONG asked = started;  // when the hook was asked for the last time
     DWORD least = 0;            // ms to wait even when the time-out is over
     for (;;) {
         DEBUG_EVENT event = {};

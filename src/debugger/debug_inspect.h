@@ -1,5 +1,5 @@
-// Registers, stack, memory and values of a stopped program. Texts are new heap blocks that the caller frees; null without a
-// session. UI thread only.
+// Registers, stack, memory and values of a stopped program. Texts are new heap blocks that the caller frees; they are
+// null without a session. UI thread only.
 #pragma once
 
 #include "debugger/debug_state.h"
@@ -10,21 +10,23 @@
 
 // The full context of the main thread (flags 0x10001F).
 bool DebugGetContext(const DebuggerState* state, CONTEXT* context);
-// Registers of a thread of the program, of either kind; 0: the thread of the last stop, else the main one.
+// Registers of a thread, in 64-bit and 32-bit programs. `threadId` 0: the thread of the last stop, or the main one
+// before any stop.
 bool DebugGetRegisters(const DebuggerState* state, std::uint32_t threadId, RegisterSet* registers);
-// Writes a whole general register (RAX, EAX; any letter case) of a stopped thread. False: that kind of program has no
-// register of that name, or the value does not fit its 32 bits.
+// Writes a whole general register (RAX, EAX; any letter case) of a stopped thread. False: the program is not stopped,
+// it has no register of that name, or the value does not fit the 32 bits of a 32-bit program.
 bool DebugSetRegister(const DebuggerState* state, std::uint32_t threadId, const wchar_t* name, std::uint64_t value);
 
 wchar_t* DebugFormatRegisters(const DebuggerState* state);
 wchar_t* DebugWalkStack(const DebuggerState* state);
-wchar_t* DebugHexDump(const DebuggerState* state, std::uint64_t address, int count);  // 1..4096
+wchar_t* DebugHexDump(const DebuggerState* state, std::uint64_t address, int count);  // 1..4096 bytes, else null
 wchar_t* DebugDisassembleAt(const DebuggerState* state, std::uint64_t address);
 std::uint64_t DebugEvaluate(const DebuggerState* state, const char* expression);
 // Kind 0: LONG, 1: QUAD, 2: text, 3: DOUBLE; any other: "<unknown kind>".
 wchar_t* DebugWatchValue(const DebuggerState* state, std::uint64_t address, int kind);
 
-// For views: the frames of a thread by its frame pointers, in either kind of program; at most 32.
+// The frames of a thread by its chain of frame pointers, in 64-bit and 32-bit programs; the innermost first, at most
+// 32.
 struct DebugFrame {
     std::uint64_t address = 0;  // of the frame's instruction
     std::uint64_t framePointer = 0;
@@ -32,8 +34,8 @@ struct DebugFrame {
     std::uint32_t fileId = 0;
 };
 std::vector<DebugFrame> DebugFrames(const DebuggerState* state, std::uint32_t threadId);
-// File id and line of an address in the executable's image by its map; false for any other address.
+// File id and line that the map gives for an address in the executable's image; false for any other address.
 bool DebugLineAt(const DebuggerState* state, std::uint64_t address, std::uint32_t* fileId, std::uint32_t* line);
-// Where a thread is in the program's own code: at its instruction pointer, or, inside a call of the system, at the
-// nearest return address on its stack that belongs to a line. False: nowhere.
+// Address in the program's own code where a thread is: its instruction pointer or, inside a system call, the nearest
+// return address on its stack that belongs to a line. False: there is none.
 bool DebugPlaceInProgram(const DebuggerState* state, std::uint32_t threadId, std::uint64_t* address);

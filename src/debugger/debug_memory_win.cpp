@@ -34,7 +34,7 @@ bool DebugReadMem(const DebuggerState* state, std::uint64_t address, void* out, 
     return true;
 }
 
-// A page at a time: a read that touches an unreadable page moves nothing at all.
+// Reads page by page, because ReadProcessMemory fails as a whole when one page is unreadable.
 std::size_t DebugReadSome(const DebuggerState* state, std::uint64_t address, void* out, std::size_t count) {
     std::size_t done = 0;
     while (done < count) {

@@ -1,5 +1,5 @@
 // A program under the debugger: start, wait, breakpoints, steps, end. UI thread only. Every function that takes a state
-// returns 0, false or null when no session is active. Texts go to the output pane.
+// returns 0, false or null when no session is active. Messages go to the output pane.
 #pragma once
 
 #include "debugger/debug_state.h"
@@ -11,56 +11,64 @@
 #include <string>
 
 // --- Waiting (debug_events_win.cpp)
-// Waits for the next stop; a DebugWait (stop_rules.h). Events that are no stop are continued, and the wait starts again
-// with the same time-out. `timeoutMs` may be INFINITE. The wait goes in slices of kDebugSliceMs; the hook is asked after
-// each, and at least that often while events pour in.
+// Waits for the next stop and returns a DebugWait (stop_rules.h). Events that are no stop are continued, and the
+// time-out begins again. `timeoutMs` may be INFINITE. The wait is cut into slices of kDebugSliceMs; the hook is called
+// after each, and at least that often while many events come.
 int DebugWaitEvent(DebuggerState* state, DWORD timeoutMs);
 inline constexpr DWORD kDebugSliceMs = 20;
 
-// Called between slices. True ends the wait, which then returns 3. Null: none.
+// Called between slices. True ends the wait, which then returns kDebugTimeout, or kDebugNoSession when the hook ended
+// the session. Null: none.
 using DebugWaitHook = bool (*)();
 DebugWaitHook DebugSetWaitHook(DebugWaitHook hook);  // returns the previous one
 
 // --- Start and end (debug_session_win.cpp)
+// Start a program and wait for its first line. True: there is a session. False: no line map, or the program did not
+// start or has ended; the output pane says which.
 bool DebugStart(const wchar_t* executable, DebuggerState* state);
 bool DebugStartForCompiler(const wchar_t* executable, std::uint32_t compilerId, DebuggerState* state);
-bool DebugStartLoaded(const wchar_t* executable, DebuggerState* state);  // the map is loaded
-// Goes on with the wait of a start whose first stop did not come while it waited in place; `awaits` says so, and the
-// session is active and runs. A DebugWait; after 1 and 2 the start is over, after 3 it may be.
+bool DebugStartLoaded(const wchar_t* executable, DebuggerState* state);  // `state->map` is loaded
+// Goes on waiting for the first stop of a start, while `awaits` is not Nothing. Returns a DebugWait: after
+// kDebugStopped and kDebugExited the start is over; after kDebugTimeout it is over when `awaits` is Nothing.
 int DebugWaitStart(DebuggerState* state, DWORD timeoutMs);
-// Called once the program is created and its first line's breakpoint is planted, before it runs.
+// Called when the program is created and the breakpoint of its first line is planted, before the program runs.
 using DebugPlantHook = void (*)(DebuggerState* state);
 void DebugSetPlantHook(DebugPlantHook hook);
-// Ends the program and the session; at most about two seconds.
+// Ends the program and the session; takes at most about two seconds.
 void DebugStop(DebuggerState* state);
 
-// --- Breakpoints (debug_breakpoints_win.cpp)
-bool DebugSetBreakpoint(DebuggerState* state, int line);  // first record of that line, of whatever file
+// --- Breakpoints (debug_breakpoints_win.cpp). Lines are from 1. Setting one fails on a line without code, with a full
+// table, and where memory cannot be written.
+bool DebugSetBreakpoint(DebuggerState* state, int line);  // first record of that line in any file
 bool DebugSetBreakpointIn(DebuggerState* state, std::uint32_t fileId, int line);
 bool DebugSetConditionalBreakpoint(DebuggerState* state, int line, const char* condition);  // null clears it
-bool DebugSetTempBp(DebuggerState* state, std::uint64_t address, int line);
-int DebugFindBp(const DebuggerState* state, std::uint64_t address);  // index or -1
-bool DebugRestoreBp(DebuggerState* state, std::uint64_t address);    // original byte back, entry kept
-void DebugRearmBreakpoints(DebuggerState* state);
+bool DebugSetTempBp(DebuggerState* state, std::uint64_t address, int line);                 // removed when hit
+int DebugFindBp(const DebuggerState* state, std::uint64_t address);                         // index or -1
+bool DebugRestoreBp(DebuggerState* state, std::uint64_t address);  // puts the byte back, keeps the entry
+void DebugRearmBreakpoints(DebuggerState* state);                  // arms all but temporary ones
 void DebugClearBreakpoints(DebuggerState* state);
-bool DebugRemoveBreakpoint(DebuggerState* state, std::uint64_t address);                     // byte back, entry gone
-bool DebugSetCondition(DebuggerState* state, std::uint64_t address, const char* condition);  // of a planted one
+bool DebugRemoveBreakpoint(DebuggerState* state, std::uint64_t address);  // puts the byte back, removes the entry
+bool DebugSetCondition(DebuggerState* state, std::uint64_t address, const char* condition);  // null clears it
+// True when the condition holds in the thread of the last stop. Null and a text without a comparison hold. Only the
+// first 127 bytes count.
 bool DebugCheckCondition(DebuggerState* state, const char* condition);
 
-// --- Going on (debug_steps_win.cpp). True when the program was resumed; a wait follows.
+// --- Resuming (debug_steps_win.cpp). True when the program was resumed; the caller waits for its next stop.
 bool DebugStepOver(DebuggerState* state);
 bool DebugStepInto(DebuggerState* state);
 bool DebugStepOut(DebuggerState* state);
 bool DebugRunToLine(DebuggerState* state, int line);
 bool DebugRunToLineIn(DebuggerState* state, std::uint32_t fileId, int line);
-// To the next breakpoint of the user. Steps off the one it stands on by the trap flag, which arms all of them again.
+// Runs to the next breakpoint of the user. A breakpoint that the program stands on is left by one single step, after
+// which all are armed.
 bool DebugContinue(DebuggerState* state);
 // Asks a running program to stop where it is; the stop arrives as an event.
 bool DebugBreakIn(DebuggerState* state);
 
-// --- Memory and registers (debug_memory_win.cpp)
+// --- Memory (debug_memory_win.cpp). Both move the whole count or return false. Armed breakpoints do not show in what
+// is read, and stay when their byte is overwritten.
 bool DebugReadMem(const DebuggerState* state, std::uint64_t address, void* out, std::size_t count);
 bool DebugWriteMem(DebuggerState* state, std::uint64_t address, const void* bytes, std::size_t count);
-// As many of the bytes as can be read from the start; with breakpoints' bytes shown as the program has them.
+// Reads like DebugReadMem, but up to the first unreadable page. Returns the number of bytes read.
 std::size_t DebugReadSome(const DebuggerState* state, std::uint64_t address, void* out, std::size_t count);
 bool DebugIsExecutable(const DebuggerState* state, std::uint64_t address);

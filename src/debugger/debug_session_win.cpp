@@ -1,4 +1,4 @@
-// A session's beginning and end. UI thread only.
+// Starts a program under the debugger and ends it. UI thread only.
 #include "debugger/debug_process.h"
 #include "program/line_map.h"
 #include "program/pe_headers.h"
@@ -78,7 +78,7 @@ bool Launch(const wchar_t* executable, DebuggerState* state) {
     return true;
 }
 
-// How the start ended.
+// Says how the start ended.
 void SayStart(const DebuggerState& state, DebugAwaits awaits, int event) {
     const std::wstring text = StartText(awaits, event, state.currentLine);
     if (!text.empty()) DebugSay(0, L"%s", text.c_str());
@@ -115,7 +115,8 @@ void RunToFirst(DebuggerState* state) {
     DebugWaitStart(state, StartWaitMs(state->awaits));
 }
 
-// Takes all breakpoints out before the pending event is continued: a trap byte must not kill the program before we do.
+// Removes all breakpoints before the pending event is continued, so that the program meets no trap byte before it is
+// terminated.
 void RestoreProgram(DebuggerState* state) {
     DebugClearBreakpoints(state);
     if (state->eventPending != 0) DebugResume(state);

@@ -1,4 +1,4 @@
-// Steps: each plants a breakpoint where the program is to stop next and lets it go on. They set no trap flag, so a
+// Steps: each plants a breakpoint where the program is to stop next, and resumes it. Steps set no trap flag, so a
 // breakpoint that they step off stays disarmed until something arms it. UI thread only.
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_process.h"
@@ -15,22 +15,21 @@ bool CanStep(const DebuggerState* state) {
     return state != nullptr && state->active != 0 && state->run == DebugRun::Stopped;
 }
 
-// The instruction under a breakpoint must run as it was.
+// Resumes the program; disarms the breakpoint that it stands on, so that the instruction there runs.
 bool LeaveStop(DebuggerState* state) {
     if (DebugStandsOn(*state, state->currentAddress)) DebugRestoreBp(state, state->currentAddress);
     return DebugResume(state);
 }
 
-// False when the target is no address, or when the breakpoint there cannot be planted. Targets of steps that ended elsewhere
-// must not fill the table for ever, so a full one is cleared of them.
+// False when the target is no address, or when the breakpoint there cannot be planted. A full table is first cleared of
+// the targets of earlier steps, which stay when a step stops elsewhere.
 bool StepTo(DebuggerState* state, const StepTarget& target) {
     if (target.kind != StepTarget::Kind::Address) return false;
     if (state->breakpointCount >= kMaxBreakpoints) DebugForgetTemporaries(state);
     return DebugSetTempBp(state, target.address, static_cast<int>(target.line)) && LeaveStop(state);
 }
 
-// To a line that the user names. Traps of the program's own on the way there are no stops, and neither are the targets of
-// earlier steps.
+// Runs to a line that the user names, past the program's own traps and the targets of earlier steps.
 bool RunToTarget(DebuggerState* state, const StepTarget& target) {
     if (target.kind != StepTarget::Kind::Address) return false;
     DebugForgetTemporaries(state);
@@ -43,7 +42,8 @@ bool RunToTarget(DebuggerState* state, const StepTarget& target) {
 
 bool DebugStepOffAndResume(DebuggerState* state) {
     std::uint64_t ip = 0;
-    // After a trap of the program's own it may stand before a breakpoint that it has not reached yet.
+    // After a trap of the program's own, the instruction pointer is past `currentAddress`, and a breakpoint there was
+    // not reached yet.
     const bool known = DebugGetIp(*state, state->stopThreadId, &ip) && ip == state->currentAddress;
     const int index = known ? DebugFindBp(state, ip) : -1;
     if (index >= 0) DebugRestoreBp(state, ip);
@@ -72,8 +72,9 @@ bool DebugStepInto(DebuggerState* state) {
     return StepTo(state, StepTargetAt(state->map, callee)) || DebugStepOver(state);
 }
 
-// The word at the stack pointer is the return address only until the procedure has set up its frame. Later it may be
-// anything. Only an address of code is taken for a return address, because a trap byte would change the program's data.
+// The word at the stack pointer is the return address only until the procedure has set up its frame; later it may be
+// anything. It is used only when it is an address of code, because a trap byte elsewhere would change the program's
+// data.
 bool DebugStepOut(DebuggerState* state) {
     if (!CanStep(state)) return false;
     RegisterSet registers;
@@ -96,14 +97,14 @@ bool DebugRunToLineIn(DebuggerState* state, std::uint32_t fileId, int line) {
 
 bool DebugContinue(DebuggerState* state) {
     if (!CanStep(state)) return false;
-    DebugForgetTemporaries(state);  // of steps that ended elsewhere
+    DebugForgetTemporaries(state);  // targets of steps that stopped elsewhere
     state->runsToUserBreakpoint = 1;
     return DebugStepOffAndResume(state);
 }
 
 bool DebugBreakIn(DebuggerState* state) {
     if (state == nullptr || state->active == 0 || state->run != DebugRun::Running) return false;
-    // The trap of an earlier pause is still to come; the system sends no second one.
+    // The trap of an earlier pause, which is still to come, serves this one too: the system sends no second trap.
     const bool underWay = state->pause != DebugPause::None;
     state->pause = DebugPause::Wanted;
     if (underWay || DebugBreakProcess(state->process)) return true;

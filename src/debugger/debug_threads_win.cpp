@@ -1,8 +1,8 @@
 // Threads and handles of the program, and continuing it. UI thread only.
 //
-// The handles of threads and of the process that events carry belong to the system, which closes them when the end event
-// is continued. Closed earlier, their numbers may have gone to other handles, which the system would then close. Where it
-// does not close them, they are still valid afterwards and are closed here.
+// Events carry handles of threads and of the process. Windows closes them when the end event is continued. They must
+// not be closed before that, because Windows would then close whatever handle has got the same number. Where the system
+// does not close them, they are still valid after the end event and are closed here.
 #include "debugger/debug_process.h"
 
 #include "base/log.h"

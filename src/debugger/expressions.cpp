@@ -1,5 +1,5 @@
-// The two readers of expressions: the plain one for conditions, and the debug pane's with sums and brackets. Must not know
-// a thread.
+// The two readers of expressions: a plain one for conditions, and one with sums and brackets for the debug pane. Must
+// not know a thread.
 #include "debugger/expressions.h"
 
 #include "base/scan_text.h"

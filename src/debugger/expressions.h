@@ -8,9 +8,9 @@
 #include <string>
 #include <string_view>
 
-// One side of a condition: a hexadecimal number after 0x, a decimal number up to the first other character, or, in a
-// 64-bit program, the name of a 64-bit register that is the whole rest of the text. Everything else is 0, also the name of a
-// register with a blank after it.
+// Value of one side of a condition: a hexadecimal number after 0x; a decimal number, which ends at the first other
+// character; or, in a 64-bit program, the name of a 64-bit register. Anything else is 0, even such a name with a blank
+// after it.
 std::uint64_t EvaluateExpression(const RegisterSet& registers, std::string_view text);
 
 // "left OP right", split at the first of >=, <=, !=, ==, >, < (tried in this order) that occurs anywhere.
@@ -19,11 +19,12 @@ struct Condition {
     std::string_view left, right;  // without leading blanks and tabs
 };
 Condition ParseCondition(std::string_view text);
-// Whether it holds; None always does. Without registers (null) both sides are 0.
+// True when the condition holds; one with the operator None always does. Without registers (null) both sides are 0.
 bool ConditionHolds(const Condition& condition, const RegisterSet* registers);
 
-// What the debug pane accepts as an address or a value: numbers (0x1F, &H1F, 31), registers of both kinds of program and
-// their parts, + - * and brackets. For anything else there is no value, and `problem` says why.
+// Value of a text that the debug pane takes as an address or a value: numbers (0x1F, &H1F, 31), registers of the
+// program's kind and their parts, + - * and brackets. For anything else there is no value, and `problem` says why. In a
+// 32-bit program the value is cut to 32 bits.
 struct Evaluation {
     std::optional<std::uint64_t> value;
     std::wstring problem;

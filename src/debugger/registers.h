@@ -28,12 +28,12 @@ struct RegisterRow {
 };
 // Every register of the program's kind, in the order of display.
 std::vector<RegisterRow> RegisterRows(const RegisterSet& registers);
-// A general register, the instruction pointer, or a part of a register (AL, AX, EAX, R8D, R8W, R8B ...) by its name in any
-// letter case.
+// Value of a general register, the instruction pointer, or a part of a register (AL, AX, EAX, R8D, R8W, R8B ...) by its
+// name in any letter case. Nothing when the program's kind has no such register.
 std::optional<std::uint64_t> RegisterByName(const RegisterSet& registers, std::string_view name);
 
-// A 64-bit general register or RIP by its whole name, in any letter case.
+// Value of a 64-bit general register or RIP by its whole name, in any letter case.
 std::optional<std::uint64_t> FullRegisterByName(const RegisterSet& registers, std::string_view name);
 
-// "RAX=... " in five lines; for a 32-bit program a text that says there are none.
+// "RAX=... " in five lines; for a 32-bit program, a text that says that registers are not available.
 std::wstring FormatRegisters(const RegisterSet& registers);

@@ -9,7 +9,7 @@ namespace {
 
 std::size_t WordBytes(bool x64) { return x64 ? sizeof(std::uint64_t) : sizeof(std::uint32_t); }
 
-// The caller's frame pointer and return address, which stand at a frame pointer.
+// Reads the caller's frame pointer and the return address, which stand at `framePointer`.
 std::optional<FrameLink> CallerOf(std::uint64_t framePointer, std::size_t wordBytes, const MemoryReader& read) {
     FrameLink caller;
     if (!read(framePointer, &caller.framePointer, wordBytes)) return std::nullopt;
@@ -24,7 +24,7 @@ std::vector<FrameLink> WalkFrames(const RegisterSet& registers, const MemoryRead
     while (frames.size() < kMostFrames) {
         std::optional<FrameLink> caller = CallerOf(frames.back().framePointer, WordBytes(registers.x64), read);
         if (!caller) break;
-        // The chain only leads upwards; a frame that does not is the last one.
+        // Frame pointers ascend from callee to caller. The first one that does not ends the walk.
         if (caller->framePointer <= frames.back().framePointer) caller->framePointer = 0;
         frames.push_back(*caller);
     }

@@ -1,4 +1,5 @@
-// Frames, return addresses and values in the memory of a stopped program. Knows memory as a function that reads it. Pure.
+// Frames and return addresses on the stack of a stopped program. Memory is read by a function that the caller gives.
+// Pure.
 #pragma once
 
 #include "debugger/registers.h"
@@ -21,18 +22,18 @@ struct FrameLink {
     std::uint64_t address = 0;  // of the frame's instruction
     std::uint64_t framePointer = 0;
 };
-// The frames by the chain of frame pointers, the innermost first; at most 32, at least one.
+// The frames by the chain of frame pointers, the innermost first; 1 to 32.
 std::vector<FrameLink> WalkFrames(const RegisterSet& registers, const MemoryReader& read);
 
 // "Call Stack:" and a line for each frame, by the chain of frame pointers. `rbp` and `rip` are 0 for a 32-bit program.
-// The second line repeats the first, because the walk reads a frame only after it has written one.
+// The second line repeats the first, because the first caller is read only after the second line is written.
 std::wstring CallStackText(const SdbgMap& map, std::uint64_t rbp, std::uint64_t rip, const MemoryReader& read);
 
-// A call ends right before the instruction at the end of `bytes`: a direct one, or one through a register or memory.
-// `bytes` are the seven before that instruction.
+// True when `bytes` end with a call: a direct one, or one through a register or memory. They are the seven bytes before
+// an address.
 bool EndsWithCall(std::span<const std::uint8_t> bytes);
 inline constexpr std::size_t kLongestCall = 7;
 
-// The first word of the stack that `isReturnAddress` takes for one. Words are 8 or 4 bytes wide.
+// The first word of the stack for which `isReturnAddress` is true. `wordBytes` is 8 or 4.
 std::optional<std::uint64_t> FindReturnAddress(std::span<const std::uint8_t> stack, std::size_t wordBytes,
                                                const std::function<bool(std::uint64_t)>& isReturnAddress);

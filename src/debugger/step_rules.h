@@ -8,16 +8,16 @@
 struct StepTarget {
     enum class Kind : std::uint8_t {
         None,           // the program stands on no line
-        NoFurtherLine,  // on the last one
-        NextTrap,       // the program's own next trap is the next statement: it only goes on
+        NoFurtherLine,  // the program stands on the last line
+        NextTrap,       // the program is just resumed, because its own next trap marks the next statement
         Address,
     } kind = Kind::None;
     std::uint64_t address = 0;
     std::uint32_t line = 0;  // of the target, 0: none
 };
-// Of a step over, from the address of the last stop.
+// Target of a step over, from the address of the last stop.
 StepTarget StepOverTarget(const SdbgMap& map, std::uint64_t currentAddress);
-// At an address that a step into or out of a procedure leads to; 0 gives None.
+// Target of a step into or out of a procedure, at `address`; 0 gives None.
 StepTarget StepTargetAt(const SdbgMap& map, std::uint64_t address);
-// At a line that the user names, whose code is at `rva`; 0, no code, gives None.
+// Target of a run to a line, whose code is at `rva`; 0 (no code) gives None.
 StepTarget RunTarget(const SdbgMap& map, std::uint32_t rva, int line);

@@ -10,28 +10,28 @@ constexpr std::uint32_t kFaults[] = {
     0xC0000006,  // page that cannot be read in
     0xC000001D,  // illegal instruction
     0xC000008C,  // array bounds
-    0xC000008D,  // floating point: denormal operand,
-    0xC000008E,  // divided by zero,
-    0xC000008F,  // inexact,
-    0xC0000090,  // invalid operation,
-    0xC0000091,  // overflow,
-    0xC0000092,  // stack of the unit,
-    0xC0000093,  // underflow
-    0xC0000094,  // whole number divided by zero
-    0xC0000095,  // whole number overflow
+    0xC000008D,  // floating point: denormal operand
+    0xC000008E,  // floating point: division by zero
+    0xC000008F,  // floating point: inexact result
+    0xC0000090,  // floating point: invalid operation
+    0xC0000091,  // floating point: overflow
+    0xC0000092,  // floating point: stack check
+    0xC0000093,  // floating point: underflow
+    0xC0000094,  // integer division by zero
+    0xC0000095,  // integer overflow
     0xC0000096,  // privileged instruction
     0xC00000FD,  // stack overflow
-    0xC00002B4,  // floating point in vector instructions of a 32-bit program: faults
-    0xC00002B5,  // and traps
+    0xC00002B4,  // vector floating point in a 32-bit program: faults
+    0xC00002B5,  // vector floating point in a 32-bit program: traps
     0x80000002,  // misaligned data
 };
 
-// The byte at the address is the program's own again, and no trap of one or two bytes ends before it.
+// True when the byte at the address is no trap (any more), and no trap of one or two bytes ends before it.
 bool IsLateHit(const TrapEvent& trap) {
     if (!trap.bytes) return false;
     const auto [before, at] = *trap.bytes;
-    constexpr std::uint8_t kInterrupt = 0xCD, kInterruptOfTrap = 0x03;  // INT 3 in two bytes
-    return at != kTrapByte && before != kTrapByte && !(before == kInterrupt && at == kInterruptOfTrap);
+    constexpr std::uint8_t kInterrupt = 0xCD, kBreakpointVector = 0x03;  // INT 3 in two bytes
+    return at != kTrapByte && before != kTrapByte && !(before == kInterrupt && at == kBreakpointVector);
 }
 
 }  // namespace

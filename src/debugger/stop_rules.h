@@ -1,5 +1,5 @@
-// What an event of the program means to the session: which exceptions are stops, which line a trap belongs to, what a start
-// still waits for, how much a program may report. Pure.
+// What an event of the program means to the session: which exceptions are stops, which line a trap belongs to, when a
+// start is over, how much a program may report. Pure.
 #pragma once
 
 #include "program/sdbg_map.h"
@@ -17,8 +17,8 @@ enum DebugWait : int { kDebugStopped = 1, kDebugExited = 2, kDebugTimeout = 3, k
 // What the program is doing.
 enum class DebugRun : std::uint8_t { None, Stopped, Running };
 
-// A pause that the user asks for comes as a trap that is not the program's. When the program stops for another reason
-// first, the trap is still to come and means nothing any more.
+// A pause that the user asked for arrives as a trap outside the program's image. When the program stops for another
+// reason first, the trap still arrives but is no stop any more (Overtaken).
 enum class DebugPause : std::uint8_t { None, Wanted, Overtaken };
 
 // What a start still waits for: the stop at the first line, or the first trap of the program's own that has a line.
@@ -29,20 +29,20 @@ enum class DebugAwaits : std::uint8_t { Nothing, FirstLine, FirstTrap };
 enum class ExceptionKind : std::uint8_t {
     Breakpoint,
     SingleStep,
-    Fault,  // of an instruction that runs again when it is continued as handled, and fails again
+    Fault,  // DBG_CONTINUE runs the instruction again, which fails again
     Other,
 };
-// On some systems, 32-bit programs report breakpoints and single steps by codes of their own.
+// Some systems have codes of their own for breakpoints and single steps of 32-bit programs.
 ExceptionKind ExceptionKindOf(std::uint32_t code);
 
-// A fault that is continued as handled fails again at once, for ever.
+// Faults in a row at one address, because a fault that is continued as handled would repeat without end.
 struct DebugFaults {
-    std::uint64_t address = 0;  // of the exception that was reported last
-    std::uint32_t count = 0;    // how often in a row it was reported there
+    std::uint64_t address = 0;  // of the last exception
+    std::uint32_t count = 0;    // exceptions in a row at that address
 };
 inline constexpr std::uint32_t kFaultsInARow = 16;
-// Counts an exception other than a breakpoint or a single step. True: the same instruction has failed so often that the
-// program is held there; counting starts anew.
+// Counts an exception other than a breakpoint or a single step; `fault` when its kind is Fault. True: the same
+// instruction has failed kFaultsInARow times, and the program is held there; counting starts anew.
 bool HoldAtFault(DebugFaults* faults, bool fault, std::uint64_t address);
 
 // --- Places
@@ -54,15 +54,16 @@ struct SourcePlace {
 bool RvaOf(std::uint64_t address, std::uint64_t imageBase, std::uint32_t* rva);
 // Line and file that the map gives for an address.
 SourcePlace PlaceOf(const SdbgMap& map, std::uint64_t address);
-// The same within the executable's image only, because code of a library has no line, however far it lies after the last
-// one of the map. `imageSize` 0: not known.
+// The same, but nothing outside the executable's image, because PlaceOf takes the code of a library for the map's last
+// line. `imageSize` 0: not known.
 SourcePlace PlaceInImage(const SdbgMap& map, std::uint32_t imageSize, std::uint64_t address);
-// The same for a trap of the program's own: only in the map's text range, tried at the address, before it and after it.
+// Place of a trap of the program's own. Looks only in the map's text range: at the address, one byte before it, and one
+// and two bytes after it.
 SourcePlace PlaceOfTrap(const SdbgMap& map, std::uint64_t address);
 
-// Where a pause stops. `address` is in the program's own code: where the main thread stands (`standsThere`), or the return
-// address of the call that it is in. After a call the next line may begin already; the call still runs, so the place is
-// that of the statement that holds it, and the address is the statement's, where steps begin.
+// Where a pause stops. `address` is in the program's own code: where the main thread stands (`standsThere`), or the
+// return address of the call that it is in. The next line may begin at a return address. Therefore the place is that of
+// the statement with the call, and the result's address is where that statement begins.
 struct PausePlace {
     std::uint64_t address = 0;
     SourcePlace place;
@@ -70,7 +71,7 @@ struct PausePlace {
 PausePlace PlaceOfPause(const SdbgMap& map, std::uint32_t imageSize, std::uint64_t address, bool standsThere);
 
 // --- Traps of the program's own
-// A run of trap bytes on one statement stops once.
+// True for a further trap on the line of the last stop, because a run of trap bytes on one statement stops once.
 bool IsRepeatedTrap(const SdbgMap& map, SourcePlace place, std::uint64_t address, std::int32_t lastLine,
                     std::uint64_t lastAddress);
 
@@ -87,8 +88,8 @@ struct TrapEvent {
 };
 enum class TrapMeaning : std::uint8_t {
     Pause,       // the stop that the user asked for
-    PauseLate,   // the same, after the program has stopped for another reason: no stop
-    LateHit,     // a breakpoint that another thread hit at the same time, and whose byte is back already: run it again
+    PauseLate,   // the same, but the program has stopped for another reason first: no stop
+    LateHit,     // two threads hit a breakpoint at once, and its byte is restored: run the instruction again
     PassedOver,  // a trap that this run does not stop at
     Stop,
 };
@@ -97,25 +98,26 @@ TrapMeaning MeaningOfTrap(const SdbgMap& map, const TrapEvent& trap);
 // --- The start
 struct StartStop {
     DebugAwaits awaits = DebugAwaits::Nothing;
-    std::uint32_t tries = 0;  // resumes of the start
+    std::uint32_t tries = 0;  // how often the start has resumed the program
     std::int32_t line = 0;
-    // A 32-bit program's own loader may report a second initial breakpoint, outside the program's image.
+    // A second initial breakpoint outside the image, which the loader of a 32-bit program may report.
     bool ofLoader = false;
 };
-// A stop that the start runs on from.
+// True: the start resumes the program after this stop.
 bool IsFalseStart(const StartStop& stop);
-// Milliseconds that a start waits for what it awaits.
+// Milliseconds that a start waits for what `awaits` names.
 std::uint32_t StartWaitMs(DebugAwaits awaits);
-// What is said of a start that is over; empty: nothing. `event` is a DebugWait.
+// Text for the output pane about a start that is over; empty: none. `event` is a DebugWait.
 std::wstring StartText(DebugAwaits awaits, int event, std::int32_t line);
 
 // --- Reports
-// What the program reported between two stops: debug strings and exceptions. A flood of them must not fill the memory.
+// What the program reported since the last stop: debug strings and exceptions. The number is limited, because a flood
+// would fill the memory.
 struct DebugReports {
     std::uint32_t shown = 0;
     std::size_t characters = 0;
     std::uint32_t leftOut = 0;
 };
 enum class ReportFate : std::uint8_t { Shown, FirstLeftOut, LeftOut };
-// Counts a report of that length.
+// Counts a report of that length and says whether it is shown.
 ReportFate TakeReport(DebugReports* reports, std::size_t characters);

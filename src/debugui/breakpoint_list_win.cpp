@@ -1,5 +1,5 @@
-// The user's breakpoints where they meet the editors and the session: markers and their looks, and what the program takes.
-// The markers of open files lead: every update first takes over what edits did to them. UI thread only.
+// The user's breakpoints in the editors and in the session: markers, their looks, and planting. In open files the
+// markers decide: every update first takes over what edits did to them. UI thread only.
 #include "debugui/breakpoint_list.h"
 
 #include "debugger/debug_session.h"
@@ -65,8 +65,8 @@ int AddMarker(HWND editor, int line, int marker) {
     return static_cast<int>(SciSend(editor, SCI_MARKERADD, static_cast<WPARAM>(line - 1), marker));
 }
 
-// Lines (from 0) of a document's breakpoints. The list may not know of the last edit yet: a line without its marker is
-// looked up by the marker's handle and put right.
+// Lines (from 0) of a document's breakpoints. The list may be older than the last edit, so a breakpoint whose line has
+// no marker is looked up by the marker's handle, and its line is corrected.
 std::vector<int> LinesOfBreakpoints(HWND editor, DocumentId document) {
     std::vector<int> lines;
     for (UserBreakpoint& breakpoint : g_list) {
@@ -152,7 +152,7 @@ void RemoveAt(std::size_t index) {
     OnBreakpointChanged(document);
 }
 
-// The caller may have taken the index from the list long ago.
+// False for an index that was taken before the list changed.
 bool IsIndex(std::size_t index) { return index < g_list.size(); }
 
 // The breakpoints that a block folded at this line (from 0) hides.
@@ -178,7 +178,7 @@ int BreakpointAt(DocumentId document, int line, bool make) {
     const int found = FindBreakpoint(g_list, document, line);
     if (found >= 0 || !make) return found;
     AddMarker(editor, line, kMarkBreakpoint);
-    TakeOverMarkers();  // finds the new marker, makes its breakpoint and plants it
+    TakeOverMarkers();  // makes and plants a breakpoint for the new marker
     OnBreakpointChanged(document);
     return FindBreakpoint(g_list, document, line);
 }
@@ -282,7 +282,7 @@ void BreakpointsRestoreMarkers(DocumentId document) {
     const HWND editor = EditorOfDocument(document);
     if (editor == nullptr) return;
     const std::wstring path = PathOfDocument(TabAt(TabBarFindDocument(document)));
-    SciSend(editor, SCI_MARKERDELETEALL, kMarkBreakpoint);  // replacing the text leaves them all on its first line
+    SciSend(editor, SCI_MARKERDELETEALL, kMarkBreakpoint);  // replacing the text has left all of them on the first line
     const int lines = static_cast<int>(SciSend(editor, SCI_GETLINECOUNT));
     for (UserBreakpoint& breakpoint : g_list) {
         if (breakpoint.document != 0 || !BelongsToDocument(breakpoint, document, path)) continue;
@@ -290,6 +290,6 @@ void BreakpointsRestoreMarkers(DocumentId document) {
         breakpoint.document = document;
         breakpoint.handle = AddMarker(editor, breakpoint.line, kMarkBreakpoint);
     }
-    TakeOverMarkers();  // in a text that became shorter, several may stand on one line now
+    TakeOverMarkers();  // in a shorter text, several may be on one line now
     DrawLooks(document);
 }

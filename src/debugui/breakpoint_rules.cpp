@@ -22,7 +22,7 @@ std::wstring ConditionNotice(std::string_view condition) {
     if (condition.empty()) return L"";
     const Condition parsed = ParseCondition(condition);
     if (parsed.op == Condition::Operator::None) return L"There is no comparison in it: it always stops.";
-    // Every 64-bit register is 1 here. A side that gives 0 and is not a number therefore names no register.
+    // With all registers set to 1, a side that is not a number and evaluates to 0 names no register.
     RegisterSet ones;
     ones.general.fill(1);
     ones.ip = 1;

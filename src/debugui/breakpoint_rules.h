@@ -1,4 +1,4 @@
-// Rules of breakpoints and of scrolling to a stop: values in, values out. Pure.
+// Rules of conditions, of matching breakpoints with markers, and of scrolling to a stop. Pure.
 #pragma once
 
 #include <cstdint>
@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
-// Why a condition (UTF-8) cannot be taken, for the dialog; empty when it can.
+// For the dialog: why a condition (UTF-8) is refused; empty when it is accepted.
 std::wstring ConditionProblem(std::string_view condition);
-// What the user should know about a condition that is accepted but does not do what it seems to say; empty: nothing.
+// Warning about an accepted condition that does not do what it seems to say; empty: none.
 std::wstring ConditionNotice(std::string_view condition);
 
 // A marker of an open file, as the editor has it.
@@ -17,27 +17,27 @@ struct MarkerPlace {
     int handle = -1;
     int line = 0;  // from 1
 };
-// What is known of one breakpoint of that file; handle -1: no marker yet (the file was closed).
+// A breakpoint of that file, as the list has it; handle -1: no marker yet, because the file was closed.
 struct KnownBreakpoint {
     int handle = -1;
     int line = 0;  // from 1
 };
-// Which marker belongs to which breakpoint, after edits, undo, or markers that someone else added.
+// Which marker belongs to which breakpoint after edits, after an undo, or after someone else added markers.
 struct MarkerMatch {
-    std::vector<int> lines;         // for each known one its line now, 0: it is gone
-    std::vector<int> handles;       // for each known one its handle now
-    std::vector<int> surplus;       // handles of second markers on a line, which are to be deleted
-    std::vector<MarkerPlace> news;  // markers of no known breakpoint: they are new ones
+    std::vector<int> lines;         // the new line of each known breakpoint, 0: it is gone
+    std::vector<int> handles;       // the new handle of each known breakpoint
+    std::vector<int> surplus;       // handles of second markers on a line, to be deleted
+    std::vector<MarkerPlace> news;  // markers of new breakpoints
 };
 MarkerMatch MatchMarkers(std::span<const KnownBreakpoint> known, std::span<const MarkerPlace> markers);
 
-// Where a line is after an edit that moved the lines from `first` on by `added`. A line that was deleted ends on the line
-// before `first`.
+// Line number after an edit that moved the lines from `first` on by `added`. A deleted line becomes the line before
+// `first`.
 int MovedLine(int line, int first, int added);
 
 // How a breakpoint is drawn over its red disc.
 enum class BreakpointLook : std::uint8_t { Plain, Hollow, Disabled, Conditional };
 
-// First visible line after a stop: unchanged while the stop has `context` lines above and below it on the screen, else
-// such that the stop stands at a third of the height. All lines are display lines from 0; `count` of them are on the screen.
+// First visible line after a stop. It is unchanged while `context` lines above and below the stop are on the screen;
+// else the stop is put at a third of the height. All lines are display lines from 0; `count` of them fit on the screen.
 int ScrollForStop(int firstVisible, int count, int stop, int context);

@@ -72,7 +72,7 @@ void PlantBreakpoint(UserBreakpoints* list, UserBreakpoint* breakpoint, const Br
 }
 
 void PlantAllBreakpoints(UserBreakpoints* list, const BreakpointTarget& target) {
-    for (UserBreakpoint& breakpoint : *list) breakpoint.address = 0;  // of a program that is gone
+    for (UserBreakpoint& breakpoint : *list) breakpoint.address = 0;  // of the previous program
     for (UserBreakpoint& breakpoint : *list) {
         breakpoint.hits = 0;
         PlantBreakpoint(list, &breakpoint, target);

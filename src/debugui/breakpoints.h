@@ -1,5 +1,5 @@
 // The user's breakpoints as data: how they follow the markers of the open files, and which of them the debugged program
-// takes. Knows neither editor nor process; both are asked through what the caller hands in. Pure.
+// takes. Editor and process are reached only through what the caller hands in. Pure.
 #pragma once
 
 #include "base/events.h"
@@ -14,8 +14,8 @@
 enum class BreakpointStatus : std::uint8_t {
     Idle,      // no session runs
     Planted,   // in the program
-    NoCode,    // refused: its line has no code, or its file is not part of the program; `reason` says which
-    Refused,   // refused for another reason: table full, memory not writable, the address belongs to another line
+    NoCode,    // refused: the line has no code, or the file is not part of the program
+    Refused,   // refused: the table is full, memory is not writable, or another line has the address
     Disabled,  // switched off by the user
 };
 
@@ -25,11 +25,11 @@ struct UserBreakpoint {
     std::string condition;  // UTF-8, at most 63 bytes, empty: none
     bool enabled = true;
     BreakpointStatus status = BreakpointStatus::Idle;
-    std::wstring reason;        // why it was refused, for the tooltip
+    std::wstring reason;        // why it was refused (NoCode, Refused), for the tooltip
     std::uint64_t address = 0;  // in the program, while planted
-    std::uint64_t shares = 0;   // refused, because another line's breakpoint stands at this address
+    std::uint64_t shares = 0;   // address of another line's breakpoint, when that is why it was refused
     std::uint32_t hits = 0;     // in this session
-    DocumentId document = 0;    // while the file is open
+    DocumentId document = 0;    // 0 while the file is closed
     int handle = -1;            // of its marker in that document
 };
 using UserBreakpoints = std::vector<UserBreakpoint>;
@@ -42,7 +42,7 @@ struct CodePlace {
 
 enum class PlantResult : std::uint8_t { Planted, TableFull, NotWritable };
 
-// The debugged program, as far as breakpoints need it. Without a session all members are empty.
+// The debugged program, as far as breakpoints need it. Lines are from 1. Without a session all members are empty.
 struct BreakpointTarget {
     std::function<CodePlace(const std::wstring& path, int line)> find;
     std::function<PlantResult(std::uint32_t fileId, int line)> plant;
@@ -61,39 +61,41 @@ struct MarkedDocument {
 };
 
 // --- The list and the markers
-// Takes over what edits did to the markers of one document: lines that moved, markers that came or went. New ones are
-// planted.
+// Takes over what edits did to the markers of one document: lines that moved, markers that came or went. New
+// breakpoints are planted.
 struct MarkerMerge {
     std::vector<int> surplus;  // handles of second markers on a line, to be deleted from the editor
-    bool changed = false;      // a breakpoint came or a marker must go: looks are to be drawn again
+    bool changed = false;      // a breakpoint is new or a marker is surplus: draw the looks again
 };
 MarkerMerge MergeMarkers(UserBreakpoints* list, const MarkedDocument& marked, const BreakpointTarget& target);
-// Forgets the documents that are not open any more.
+// Detaches the breakpoints of documents that are not open any more; they keep file and line.
 void DetachClosedDocuments(UserBreakpoints* list, const std::function<bool(DocumentId)>& isOpen);
-// The document loses its editor or its text: its breakpoints keep their lines until the file is there again. Those of an
-// untitled document go, because nobody could find them again.
+// Detaches the breakpoints of a document that loses its editor or its text: they keep their lines until the file is
+// there again. Those of an untitled document are removed, because no file leads back to them.
 void DetachDocument(UserBreakpoints* list, DocumentId document, const BreakpointTarget& target);
 // True when the breakpoint is in that document, or waits for a document with that path (empty: untitled).
 bool BelongsToDocument(const UserBreakpoint& breakpoint, DocumentId document, const std::wstring& path);
-// By file, then by line.
+// Sorts by file, then by line.
 void SortBreakpoints(UserBreakpoints* list);
 // Index of the breakpoint on a line (from 1) of an open document, or -1.
 int FindBreakpoint(const UserBreakpoints& list, DocumentId document, int line);
-// An edit moved the lines from `first` (from 0) on by `added`. True when a breakpoint moved.
+// Follows an edit that moved the lines from `first` (from 0) on by `added`. True when a breakpoint moved.
 bool MoveBreakpointLines(UserBreakpoints* list, DocumentId document, int first, int added);
 
 // --- The list and the program
-// Plants one breakpoint anew, or says in `status` and `reason` why not. Without a session it becomes idle.
+// Plants one breakpoint again, or sets `status` and `reason` to why it cannot be planted. Without a session it becomes
+// idle.
 void PlantBreakpoint(UserBreakpoints* list, UserBreakpoint* breakpoint, const BreakpointTarget& target);
-// A session begins: plants all.
+// Plants all breakpoints in a new session, with no hits.
 void PlantAllBreakpoints(UserBreakpoints* list, const BreakpointTarget& target);
-// Plants those whose address another line held and holds no longer. Returns the documents in which looks changed.
+// Plants those breakpoints whose address was taken by another line's and is free now. Returns the documents whose looks
+// changed.
 std::vector<DocumentId> PlantSharers(UserBreakpoints* list, const BreakpointTarget& target);
 // Takes a breakpoint out of the program and out of the list.
 void ForgetBreakpoint(UserBreakpoints* list, std::size_t index, const BreakpointTarget& target);
-// The session has ended, its program is gone: all are idle.
+// Makes all breakpoints idle after the end of a session.
 void IdleBreakpoints(UserBreakpoints* list);
-// Reads how often each was hit.
+// Reads how often each breakpoint was hit.
 void ReadHits(UserBreakpoints* list, const BreakpointTarget& target);
 // The breakpoint that stands at an address of the program, or null.
 UserBreakpoint* BreakpointAtAddress(UserBreakpoints* list, std::uint64_t address);

@@ -5,6 +5,7 @@
 
 #include <string>
 
-// Asks for the condition of a breakpoint at `place` ("steps.bas:12"): at most 128 characters that fit the engine's 63
-// bytes of UTF-8; longer ones are refused in the dialog. `condition` (UTF-8) is the old one and the answer. False: cancelled.
+// Asks for the condition of the breakpoint at `place` ("steps.bas:12"). The dialog takes at most 128 characters and
+// refuses what exceeds the engine's 63 bytes of UTF-8. `condition` (UTF-8) holds the old one, and the new one
+// afterwards. False: cancelled.
 bool AskCondition(HWND owner, const wchar_t* place, std::string* condition);

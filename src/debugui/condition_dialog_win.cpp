@@ -35,8 +35,8 @@ void FillConditionDialog(HWND dialog, const ConditionQuestion& question) {
     SetFocus(line);
 }
 
-// Shows what is wrong with the condition, or what to know about it. Called while typing, too, so that the user sees a
-// problem before OK refuses it. True: there is a problem.
+// Shows what is wrong with the condition, or a warning about it. Also called while the user types, so that the problem
+// shows before OK is refused. True: there is a problem.
 bool ShowProblem(HWND dialog) {
     const std::string condition = ReadCondition(dialog);
     const std::wstring problem = ConditionProblem(condition);

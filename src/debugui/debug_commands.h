@@ -9,22 +9,22 @@
 
 // Commands 1901..1910 and 1501..1512.
 std::span<const CommandHandler> DebugCommandHandlers();
-// Carries one of them out. False: not one of them.
+// Carries out one of these commands. False: the number is none of them.
 bool CmdHandle_Debug(int command);
 
-// Connects the engine with the list of breakpoints. Once at start-up, after the main window exists.
+// Connects the engine with the list of breakpoints. Called once at start-up, when the main window exists.
 void DebugUiInit();
 // MSG_DEBUG_LAUNCH: the debug build that the start command asked for has succeeded.
 void DebugOnBuilt();
-// A build has ended. When the start command waits for it, a success posts MSG_DEBUG_LAUNCH.
+// Called when a build has ended. When the start command waits for it, a success posts MSG_DEBUG_LAUNCH.
 void DebugOnBuildEnd(bool success, bool debug);
-// TIMER_DEBUG: a running program is asked for its next event.
+// TIMER_DEBUG: asks a running program for its next event.
 void DebugOnTimer();
 // TIMER_DEBUG_CONSOLE: looks for the console of a program that was just started.
 void DebugOnConsoleTimer();
-// Ends a session without questions; before the main window goes.
+// Ends a session without asking. Called before the main window is destroyed.
 void DebugShutdown();
-// A wait is going on inside a command: no command but Stop may start.
+// True while a command waits for the program: no command but Stop may start then.
 bool DebugIsWaiting();
-// The user asked for Stop, or for the window's close, during such a wait.
+// Called when the user asks for Stop, or closes the window (`thenClose`), during such a wait.
 void DebugStopWaiting(bool thenClose);

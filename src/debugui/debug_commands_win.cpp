@@ -1,4 +1,4 @@
-// The commands of the Debug menu. The command table decides whether one is possible now. UI thread only.
+// The commands of the Debug menu. The command table decides whether each is possible at the moment. UI thread only.
 #include "debugui/debug_commands.h"
 
 #include "base/events.h"
@@ -36,7 +36,7 @@ void BuildAndStart() {
         return;
     }
     g_debug.debugAfterBuild = true;
-    // Set again, because starting a build may have settled an earlier one, whose end clears the flag.
+    // Set again, because StartCompilerBuild may have completed an earlier build, whose end clears the flag.
     g_debug.debugAfterBuild = StartCompilerBuild(false, true) != 0;
 }
 
@@ -80,7 +80,7 @@ void PauseProgram() {
         DebugSay(kDebugOrange, L"[Debug] The program cannot be paused.\n");
 }
 
-// Writes a heap text of the inspection, which it frees, after a heading.
+// Writes a heading and a heap text of debug_inspect.h to the output pane, and frees the text.
 void SayText(const wchar_t* heading, wchar_t* heapText) {
     const HeapBlock<wchar_t> text(heapText);
     if (!text) return;
@@ -135,7 +135,7 @@ constexpr CommandHandler kDebugHandlers[] = {
     {IDM_DEBUG_RUN_TO_CURSOR, [](int) { RunToCursor(); }},
     {IDM_DEBUG_CONTINUE, [](int) { FollowStep(DebugContinue(&g_debugger), L""); }},
     {IDM_DEBUG_PAUSE, [](int) { PauseProgram(); }},
-    // Buttons that stand for commands of the menu.
+    // Toolbar buttons that repeat commands of the menu.
     {IDM_DEBUG_BUTTON_START, CommandBuildAndDebug},
     {IDM_DEBUG_BUTTON_STOP, CommandEndDebugging},
     {IDM_DEBUG_BUTTON_STEP_INTO, CommandStepInto},

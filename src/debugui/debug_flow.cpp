@@ -6,9 +6,9 @@
 
 namespace {
 
-constexpr std::uint64_t kStartInPlace = 1000;  // ms that a start waits for the first line
-constexpr std::uint64_t kLongRun = 30000;      // ms without a stop after which a line says so
-constexpr std::uint64_t kSeenEvery = 50;       // ms between two stops that are shown, at most
+constexpr std::uint64_t kStartInPlaceMs = 1000;  // that a start waits in place for the first line
+constexpr std::uint64_t kLongRunMs = 30000;      // without a stop, after which a message says so
+constexpr std::uint64_t kMayPassUnseenMs = 50;   // after a stop that was shown, the next may be left out
 constexpr int kConsoleLooks = 40;
 constexpr int kLooksAfterConsole = 6;
 
@@ -48,14 +48,14 @@ bool FlowIsRunning(const DebugFlow& flow) {
 }
 
 bool FlowStartWaitIsOver(const DebugFlow& flow, bool awaitsFirstLine, std::uint64_t now) {
-    return flow.stopWanted || (awaitsFirstLine && now - flow.since >= kStartInPlace);
+    return flow.stopWanted || (awaitsFirstLine && now - flow.since >= kStartInPlaceMs);
 }
 
-bool FlowMayPassUnseen(const DebugFlow& flow, std::uint64_t now) { return now - flow.lastSeen < kSeenEvery; }
+bool FlowMayPassUnseen(const DebugFlow& flow, std::uint64_t now) { return now - flow.lastSeen < kMayPassUnseenMs; }
 
 bool FlowTakeLongRun(DebugFlow* flow, bool awaitsFirstLine, std::uint64_t now) {
     if (flow->toldLong) return false;
-    flow->toldLong = awaitsFirstLine || now - flow->since >= kLongRun;
+    flow->toldLong = awaitsFirstLine || now - flow->since >= kLongRunMs;
     return flow->toldLong && !awaitsFirstLine;
 }
 

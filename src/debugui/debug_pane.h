@@ -11,10 +11,10 @@ inline constexpr int kDebugTabCount = 7;
 
 HWND DebugPaneCreate(HWND parent, int controlId);  // null when it cannot be made
 void DebugPaneSelect(DebugTab tab);
-// What the pane shows may be out of date (a stop, a resume, an end, a breakpoint changed). Only the visible view reads
-// the program, once the message queue is empty, however often this is called.
+// Call this when what the pane shows may be out of date (a stop, a resume, an end, a changed breakpoint). The visible
+// view then reads the program once, when the message queue is empty, however often this was called.
 void DebugPaneInvalidate();
-void DebugPaneApplyTheme();  // colours and fonts, after a change of theme or DPI
-// A register's value for the tooltip over its name in an editor: "RAX = 000000000000002A (42)"; false: none of that name,
-// or no stopped program.
+void DebugPaneApplyTheme();  // after a change of theme or DPI
+// Writes the tooltip for a register's name in an editor: "RAX = 000000000000002A (42)". `capacity` is in characters.
+// False: not a register's name, or no stopped program.
 bool DebugRegisterTip(const wchar_t* word, wchar_t* out, int capacity);

@@ -1,4 +1,5 @@
-// The frame of the debug pane: its window, which view is shown, and when that reads the program. UI thread only.
+// The window of the debug pane: tabs, address box, the view that is shown, and when it reads the program. UI thread
+// only.
 #include "debugui/debug_pane.h"
 
 #include "base/log.h"
@@ -59,7 +60,7 @@ RECT AddressArea() {
     return area;
 }
 
-// As high as a line of text, because the field shows its text at the top.
+// The box is as high as a line of text, because an edit control puts its text at the top.
 RECT AddressBox() {
     const RECT area = AddressArea();
     const int height = PaneMemoryLineHeight() + UiScaled(3);
@@ -74,7 +75,7 @@ void LayOutPane() {
     TabRowPlace(g_frame.tabs, client.right);
     PlacePaneChild(g_frame.address, AddressBox(), PaneCurrentView().addressCue != nullptr);
     const RECT view = {0, AddressArea().bottom, client.right, client.bottom};
-    // Without rows there is nothing to see of a list but its header; the hint takes its place.
+    // A list without rows is hidden, and the hint is drawn in its place.
     PlacePaneChild(g_frame.list.window, view, ShowsList() && !ShownContent().rows.empty());
     PlacePaneChild(g_frame.memory, view, !ShowsList() && ShownContent().hint.empty());
 }
@@ -171,10 +172,10 @@ void SelectView(DebugTab tab) {
     TabRowSelect(g_frame.tabs, static_cast<int>(tab));
     SetWindowTextW(g_frame.address, g_frame.addresses[static_cast<std::size_t>(tab)].c_str());
     SendMessageW(g_frame.address, EM_SETCUEBANNER, FALSE, reinterpret_cast<LPARAM>(PaneCurrentView().addressCue));
-    InvalidateRect(g_frame.address, nullptr, TRUE);  // Wine leaves the old cue standing
+    InvalidateRect(g_frame.address, nullptr, TRUE);  // Wine does not erase the old cue
     if (ShowsList()) ListViewShow(g_frame.list, *PaneCurrentView().list);
     if (IsPaneVisible())
-        RefreshPane();  // not a moment with the rows of an earlier stop
+        RefreshPane();  // at once, so that the rows of an earlier stop never show
     else
         ShowPaneContent();
 }
@@ -192,7 +193,7 @@ LRESULT OnPaneNotify(const NMHDR& header) {
     return 0;
 }
 
-// The hint stands in the middle: all of it goes elsewhere.
+// Repaints the whole pane, because the hint is centred.
 void OnPaneSized() {
     if (g_frame.tabs.tabs != nullptr) LayOutPane();
     InvalidateRect(g_frame.pane, nullptr, FALSE);
@@ -245,7 +246,7 @@ bool CreatePaneChildren() {
            TabRowCreate(g_frame.tabs, g_frame.pane, IDC_DEBUG_TABS, IDC_DEBUG_MORE);
 }
 
-// The window from which Tab goes on, forward or back, to the next one that is shown.
+// Moves the focus from a window of the pane to the next visible one, or with `back` to the previous one.
 void FocusNextChild(HWND from, bool back) {
     const std::array<HWND, 3> order = {g_frame.tabs.tabs, g_frame.address, ViewWindow()};
     const auto at = static_cast<std::size_t>(std::ranges::find(order, from) - order.begin());
@@ -323,8 +324,8 @@ void DebugPaneSelect(DebugTab tab) {
 }
 
 void DebugPaneInvalidate() {
-    if (g_frame.waiting || !IsPaneVisible()) return;  // showing the pane asks again
-    // A timer's message is made only when nothing else waits in the queue: a row of posted steps comes first.
+    if (g_frame.waiting || !IsPaneVisible()) return;  // showing the pane calls this again
+    // WM_TIMER comes only when the queue holds nothing else, so several posted steps come first.
     g_frame.waiting = SetTimer(g_frame.pane, kRefreshTimer, USER_TIMER_MINIMUM, nullptr) != 0;
 }
 

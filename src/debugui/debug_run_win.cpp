@@ -1,5 +1,5 @@
-// The owner of the debug flow: starts a program, waits for its stops, follows it while it runs, and ends it. Most steps
-// end at once, so a command waits in place for a moment; from then on a timer takes short looks. UI thread only.
+// Owns the debug flow: starts a program, waits for its stops, follows it while it runs, and ends it. Most steps end at
+// once, so a command first waits in place; then a timer takes short looks. UI thread only.
 #include "debugui/debug_run.h"
 
 #include "base/events.h"
@@ -24,9 +24,9 @@
 
 namespace {
 
-constexpr DWORD kWaitInPlace = 200;   // ms that a command waits for its stop
-constexpr UINT kTimerInterval = 15;   // ms between two looks at a running program
-constexpr ULONGLONG kLookLimit = 10;  // ms that one look may take, however much happens
+constexpr DWORD kWaitInPlaceMs = 200;   // that a command waits for its stop
+constexpr UINT kTimerIntervalMs = 15;   // between two looks at a running program
+constexpr ULONGLONG kLookLimitMs = 10;  // that one look may take, however many events come
 constexpr wchar_t kStarting[] = L"Starting the program...";
 
 DebugFlow g_flow;
@@ -35,7 +35,7 @@ bool AwaitsFirstLine() { return g_debugger.awaits != DebugAwaits::Nothing; }
 
 void SetStatus(const std::wstring& text) { g_events.statusText(text.c_str()); }
 
-// The flags of the record that other areas read.
+// Sets the flags that other areas read.
 void PublishSession(bool exists) {
     g_debug.debugging = exists;
     g_debug.debuggerActive = exists;
@@ -69,14 +69,14 @@ std::wstring ExitStatus() { return FormatW(L"Exited with code %ld", static_cast<
 
 // --- Windows of the program
 
-// A program that ran may have the screen.
+// Takes the foreground back from the program that was debugged.
 void ComeToFront() {
     DWORD owner = 0;
     GetWindowThreadProcessId(GetForegroundWindow(), &owner);
     if (owner != GetCurrentProcessId()) SetForegroundWindow(g_ui.hMainWnd);
 }
 
-// The last one is Windows Terminal, where consoles open by default since Windows 11.
+// The last one is the Windows Terminal, in which consoles open by default since Windows 11.
 constexpr const wchar_t* kConsoleClasses[] = {L"ConsoleWindowClass", L"WineConsoleClass",
                                               L"CASCADIA_HOSTING_WINDOW_CLASS"};
 
@@ -103,7 +103,7 @@ void WatchForConsole() {
 
 // --- A stop
 
-// A step is the next message already, as a command or as a held key.
+// True when the next message is a step, as a command or as a held key.
 bool AnotherStepWaits() {
     MSG message = {};
     if (PeekMessageW(&message, g_ui.hMainWnd, WM_COMMAND, WM_COMMAND, PM_NOREMOVE)) {
@@ -115,7 +115,7 @@ bool AnotherStepWaits() {
            (message.wParam == VK_F10 || message.wParam == VK_F11);
 }
 
-// Everything that shows a stop but the line in the output pane and the mark in the source.
+// Shows a stop everywhere but in the output pane and in the source.
 void ShowStopAround() {
     g_flow.unseen = false;
     ComeToFront();
@@ -131,7 +131,7 @@ void OnStopped() {
     BreakpointsDropStart(&g_debugger);
     const ULONGLONG now = GetTickCount64();
     const bool unseen = FlowMayPassUnseen(g_flow, now) && AnotherStepWaits();
-    // PeekMessage lets commands in that other programs send; one of them may have resumed the program or ended it.
+    // PeekMessage delivers messages sent by other programs, whose commands may have resumed or ended the program.
     if (g_flow.phase != DebugPhase::Stopped) return;
     g_flow.unseen = unseen;
     if (unseen) {
@@ -145,7 +145,7 @@ void OnStopped() {
 
 // --- Waiting
 
-// True when the wait had a result; false: the program runs on.
+// True when the wait had a result; false when the program runs on.
 bool HandleWait(int result) {
     switch (result) {
         case kDebugStopped: OnStopped(); return true;
@@ -162,17 +162,17 @@ void BeginFollowing() {
     g_flow.following = true;
     DebugClearLocation();
     SetStatus(AwaitsFirstLine() ? kStarting : L"Running");
-    SetTimer(g_ui.hMainWnd, TIMER_DEBUG, kTimerInterval, nullptr);
+    SetTimer(g_ui.hMainWnd, TIMER_DEBUG, kTimerIntervalMs, nullptr);
     g_events.debuggerChanged();
     g_events.refreshWanted();
 }
 
 // --- Start
 
-// Whether the start succeeded is seen in `g_debugger`; why not is said in the output pane.
+// Starts the program. `g_debugger` shows whether that succeeded; the output pane says why it did not.
 void StartProgram(const BuildRecord& program) {
     const DebugWaitScope scope(&g_flow, DebugPumpStart);
-    g_events.refreshNow();  // the toolbar offers Stop
+    g_events.refreshNow();  // so that the toolbar offers Stop
     UpdateWindow(g_ui.hMainWnd);
     DebugStartForCompiler(program.output.c_str(), program.compilerId, &g_debugger);
 }
@@ -189,7 +189,7 @@ const DebugFlow& DebugFlowNow() { return g_flow; }
 
 void DebugRunStart() {
     if (g_flow.phase != DebugPhase::None || g_flow.waiting) return;
-    const BuildRecord program = LastBuild();  // a copy, because another build may begin while this waits
+    const BuildRecord program = LastBuild();  // a copy, because another build may begin during the wait
     if (program.output.empty()) return;
     DebugSetSourcePath(program.source.c_str());
     DebugForgetFiles();
@@ -220,7 +220,7 @@ void DebugRunStart() {
 void DebugRunFollow(const wchar_t* suffix) {
     StopTimers();
     FlowResume(&g_flow, suffix, GetTickCount64());
-    if (!HandleWait(DebugWaitInPlace(&g_flow, kWaitInPlace, kWaitInPlace))) BeginFollowing();
+    if (!HandleWait(DebugWaitInPlace(&g_flow, kWaitInPlaceMs, kWaitInPlaceMs))) BeginFollowing();
 }
 
 void DebugRunShowUnseen() {
@@ -244,7 +244,7 @@ void DebugRunStop() {
 void DebugOnTimer() {
     if (!g_flow.following || g_flow.waiting) return;
     const bool starting = AwaitsFirstLine();
-    if (HandleWait(DebugWaitInPlace(&g_flow, 0, kLookLimit))) return;
+    if (HandleWait(DebugWaitInPlace(&g_flow, 0, kLookLimitMs))) return;
     if (!AwaitsFirstLine()) FlowStartGivenUp(&g_flow);
     if (FlowTakeLongRun(&g_flow, starting, GetTickCount64()))
         DebugSay(0, L"[Debug] No stop within 30 seconds; the program is still running.\n");
@@ -260,7 +260,7 @@ void DebugStopWaiting(bool thenClose) { FlowWantStop(&g_flow, thenClose); }
 
 void DebugShutdown() {
     if (g_flow.waiting) {
-        // Inside a wait nothing of the session may be touched; the program must not outlive the window all the same.
+        // During a wait the session must not be touched, but the program must not outlive the window.
         if (g_debugger.process != nullptr) TerminateProcess(g_debugger.process, 0);
         return;
     }

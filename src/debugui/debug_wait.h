@@ -6,7 +6,7 @@
 
 #include <windows.h>
 
-// While one is alive, the flow says that a wait goes on, and the engine asks the hook (null: none) between its waits.
+// While one exists, `flow->waiting` is true, and the engine calls the hook (null: none) between its waits.
 class DebugWaitScope {
 public:
     DebugWaitScope(DebugFlow* flow, DebugWaitHook hook);
@@ -20,9 +20,9 @@ private:
 };
 
 // Waits for the next stop, or for the first line while a start still awaits it. `milliseconds` is the time-out for one
-// event; `limit`, in milliseconds too, ends the wait however many events come. A DebugWait.
+// event; `limit` is that of the whole wait, in milliseconds, however many events come. Returns a DebugWait.
 int DebugWaitInPlace(DebugFlow* flow, DWORD milliseconds, ULONGLONG limit);
 
-// The hook of a start. While a program starts, the window paints itself, takes text into the editor and listens to Stop,
-// and to nothing else, because any other message could lead back into the session that is being set up.
+// The hook of a start (DebugWaitHook). While a program starts, the window paints itself, takes text into the editor and
+// obeys Stop. It handles no other message, because that could lead back into the session that is being set up.
 bool DebugPumpStart();

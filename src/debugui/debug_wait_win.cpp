@@ -1,4 +1,4 @@
-// Waits inside a command, and what the window does meanwhile. UI thread only.
+// Waits inside a command, and the messages that the window handles meanwhile. UI thread only.
 #include "debugui/debug_wait.h"
 
 #include "debugger/debug_state.h"
@@ -10,16 +10,16 @@
 
 namespace {
 
-constexpr ULONGLONG kPumpInterval = 20;  // ms
+constexpr ULONGLONG kPumpIntervalMs = 20;  // between two rounds of PumpMessages
 
 struct WaitState {
-    DebugFlow* flow = nullptr;  // of the wait that goes on
-    ULONGLONG end = 0;          // of DebugWaitInPlace
+    DebugFlow* flow = nullptr;  // of the present wait
+    ULONGLONG end = 0;          // GetTickCount64 value at which DebugWaitInPlace ends
     ULONGLONG lastPump = 0;
 };
 WaitState g_wait;
 
-// The engine's own time-out starts anew after each event that is no stop, so the whole wait is limited here.
+// The engine's own time-out begins again after each event that is no stop, so this limits the whole wait.
 bool IsWaitOver() { return GetTickCount64() >= g_wait.end; }
 
 bool IsHeld(int key) { return GetKeyState(key) < 0; }
@@ -29,7 +29,7 @@ bool IsStopKey(const MSG& message) {
     return message.wParam == VK_ESCAPE || message.wParam == VK_CANCEL || (message.wParam == VK_F5 && IsHeld(VK_SHIFT));
 }
 
-// Keys that edit or move without making a character.
+// True for keys that edit or move the caret without a WM_CHAR of text.
 bool IsEditingKey(WPARAM key) {
     constexpr WPARAM kKeys[] = {VK_RETURN, VK_TAB, VK_BACK, VK_DELETE, VK_LEFT,
                                 VK_RIGHT,  VK_UP,  VK_DOWN, VK_HOME,   VK_END};
@@ -37,8 +37,8 @@ bool IsEditingKey(WPARAM key) {
            !IsHeld(VK_SHIFT);
 }
 
-// Text goes into the editor at once: kept until the program stands, it would land at the line of the stop. Keys of
-// commands, and those for any other window, are dropped.
+// Text goes into the editor at once, because it would otherwise arrive after the stop has moved the caret. Keys of
+// commands, and keys for any other window, are dropped.
 void TypeIntoEditor(const MSG& message) {
     constexpr WPARAM kFirstCharacter = 32;
     if (message.hwnd == nullptr || message.hwnd != g_documents.hEditor) return;
@@ -54,14 +54,14 @@ void PumpMessages(DebugFlow* flow) {
             FlowWantStop(flow, false);
         else
             TypeIntoEditor(message);
-    // The toolbar makes commands of clicks; the main window takes none but Stop now.
+    // The toolbar turns clicks into commands; the main window accepts only Stop now.
     const HWND toolbar = GetDlgItem(g_ui.hMainWnd, IDC_TOOLBAR);
     while (toolbar != nullptr && PeekMessageW(&message, toolbar, WM_MOUSEFIRST, WM_MOUSELAST, PM_REMOVE))
         DispatchMessageW(&message);
     while (PeekMessageW(&message, g_ui.hMainWnd, WM_NCLBUTTONDOWN, WM_NCLBUTTONDBLCLK, PM_REMOVE))
         if (message.message == WM_NCLBUTTONDOWN && message.wParam == HTCLOSE) FlowWantStop(flow, true);
     while (PeekMessageW(&message, g_ui.hMainWnd, WM_CLOSE, WM_CLOSE, PM_REMOVE)) FlowWantStop(flow, true);
-    constexpr int kMostPaints = 32;  // a window that fails to validate its area would ask for ever
+    constexpr int kMostPaints = 32;  // a window that does not validate its area would be sent WM_PAINT for ever
     for (int i = 0; i < kMostPaints && PeekMessageW(&message, nullptr, WM_PAINT, WM_PAINT, PM_REMOVE); ++i)
         DispatchMessageW(&message);
 }
@@ -88,7 +88,7 @@ int DebugWaitInPlace(DebugFlow* flow, DWORD milliseconds, ULONGLONG limit) {
 
 bool DebugPumpStart() {
     const ULONGLONG now = GetTickCount64();
-    if (now - g_wait.lastPump >= kPumpInterval) {
+    if (now - g_wait.lastPump >= kPumpIntervalMs) {
         g_wait.lastPump = now;
         PumpMessages(g_wait.flow);
     }

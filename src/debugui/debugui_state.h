@@ -1,4 +1,4 @@
-// The window of the debug pane. UI thread only.
+// The debug pane's part of the application's record. UI thread only.
 #pragma once
 
 #include <windows.h>

@@ -1,4 +1,4 @@
-// Signs of breakpoints that a folded block hides: marker 10 on the header line of the block. UI thread only.
+// Signs of breakpoints in folded blocks: marker 10 on the header line of the block. UI thread only.
 #pragma once
 
 #include "base/events.h"
@@ -7,12 +7,11 @@
 
 #include <span>
 
-// The line that stands for a hidden one: the header of the outermost folded block around it. All lines from 0; -1: the
-// line is not hidden.
+// The header line of the outermost folded block around a hidden line. Lines are from 0; -1: the line is not hidden.
 int FoldHeaderOf(HWND editor, int line);
-// Puts the signs of a document right. Costs little while they are right, so it may be called after every paint.
+// Corrects the signs of a document. It costs little when they are correct, so it may be called after every paint.
 void FoldSignsUpdate(DocumentId document, HWND editor, std::span<const int> breakpointLines);
-// The editor moved its markers with an edit (MovedLine).
+// Follows an edit, with which the editor moved its markers; parameters as for MovedLine.
 void FoldSignsOnLinesMoved(DocumentId document, int first, int added);
-// The document loses its editor or its text, and its signs with it.
+// Forgets the signs of a document that loses its editor or its text.
 void FoldSignsForget(DocumentId document);

@@ -1,5 +1,5 @@
-// Signs of folded breakpoints. Which lines carry one is remembered here and follows the edits, because looking for the
-// markers would cost a pass over the whole text. UI thread only.
+// Signs of folded breakpoints. The lines with a sign are remembered here and follow the edits, because finding the
+// markers would mean a pass over the whole text. UI thread only.
 #include "debugui/fold_signs.h"
 
 #include "debugui/breakpoint_rules.h"
@@ -29,7 +29,7 @@ auto SignsOf(DocumentId document) { return std::ranges::find(g_signs, document, 
 
 int FoldHeaderOf(HWND editor, int line) {
     if (AskLine(editor, SCI_GETLINEVISIBLE, line) != 0) return -1;
-    // A hidden line takes no room: SCI_VISIBLEFROMDOCLINE gives it the row after the last shown line before it.
+    // A hidden line takes no display row: SCI_VISIBLEFROMDOCLINE gives it the row after the last shown line before it.
     const auto row = static_cast<int>(AskLine(editor, SCI_VISIBLEFROMDOCLINE, line));
     return static_cast<int>(AskLine(editor, SCI_DOCLINEFROMVISIBLE, row - 1));
 }
@@ -50,7 +50,7 @@ void FoldSignsUpdate(DocumentId document, HWND editor, std::span<const int> brea
         old = std::move(known->lines);
         g_signs.erase(known);
     }
-    // A sign that is not where it should be was moved by an edit of several lines; nobody knows where to.
+    // A sign that is not on its remembered line was moved by an edit of several lines, to an unknown line.
     const bool lost = !std::ranges::all_of(old, hasSign);
     if (lost) SciSend(editor, SCI_MARKERDELETEALL, kMarkFolded);
     for (const int line : old) AskLine(editor, SCI_MARKERDELETE, line, kMarkFolded);

@@ -1,5 +1,5 @@
-// Places of the program in the editors: the mark of the current line, the files of the line map, going to a line. UI thread
-// only.
+// Places of the program in the editors: the mark of the current line, the files of the line map, going to a line. UI
+// thread only.
 #pragma once
 
 #include "base/events.h"
@@ -11,18 +11,18 @@
 #include <cstdint>
 #include <string>
 
-// Opens or activates the file of the current stop, puts marker 4 and the line's background there, scrolls it into view
-// and writes "[Debug] Stopped at steps.bas:12 (step into)". A stop without source shows its address alone; a line that
-// the text does not have gets no marker. The suffix may be null.
+// Opens or activates the file of the current stop, sets marker 4 and the line's background there, scrolls it into view,
+// and writes "[Debug] Stopped at steps.bas:12 (step into)". For a stop without source, only the address is written; a
+// line that the text does not have gets no marker. `suffix` may be null.
 void DebugShowCurrentLocation(const DebuggerState* state, const wchar_t* suffix);
-// The two halves of it: the line in the output pane, and the place in the editor.
+// The two halves of DebugShowCurrentLocation: the line in the output pane, and the place in the editor.
 void DebugSayLocation(const DebuggerState* state, const wchar_t* suffix);
 void DebugMarkLocation(const DebuggerState* state);
-// The place alone: "steps.bas:12", or an address.
+// The place of the stop: "steps.bas:12", or an address.
 std::wstring DebugPlaceText(const DebuggerState* state);
-// Takes the mark of the current line out of its editor.
+// Removes the mark of the current line from its editor.
 void DebugClearLocation();
-// A document has its text (again): the mark returns when the program stands in that file.
+// Sets the mark again in a document that has its text (again), when the program stands in that file.
 void DebugRestoreLocation(DocumentId document);
 
 // Path of a file id of the session's map (program/map_paths.h), or of the source for id 1 of a map without files. Empty
@@ -30,14 +30,14 @@ void DebugRestoreLocation(DocumentId document);
 std::wstring DebugFilePath(const DebuggerState* state, std::uint32_t fileId);
 // File id of a path in the session's map, or 0 when the file is not part of the program.
 std::uint32_t DebugFileIdOfPath(const DebuggerState* state, const wchar_t* path);
-// Notes that the user was told of a file that cannot be shown. True the first time in a session.
+// True the first time in a session that this is called for a file, to report once that it cannot be shown.
 bool DebugFirstTold(const std::wstring& path);
-// Forgets what the three functions above remember of a map: before a session and after it.
+// Forgets what the three functions above remember of a map. Called before a session and after it.
 void DebugForgetFiles();
 
 // Opens the file and puts the caret on the line (from 1), without moving the mark. False when it cannot be shown.
 bool DebugGoTo(const DebuggerState* state, std::uint32_t fileId, int line);
-// Opens or activates a file. False when it cannot be shown, which the output pane says without a box.
+// Opens or activates a file. False when it cannot be shown; the output pane then says so, without a message box.
 bool DebugShowFile(const std::wstring& path);
-// Caret to the line (from 1), or to the last one of a shorter text, with lines above and below it on the screen.
+// Puts the caret on the line (from 1), or on the last one of a shorter text, with lines above and below it in view.
 void DebugScrollToLine(HWND editor, int line);

@@ -1,5 +1,5 @@
-// Files and lines of a debugged program in the editors. This runs at every step, so it asks the editor for little: a
-// marker, the caret, and a scroll only when the line is not well in view. UI thread only.
+// Files and lines of a debugged program in the editors. This runs at every step, so it does little to the editor: it
+// moves a marker and the caret, and scrolls only when the line is not well in view. UI thread only.
 #include "debugui/location.h"
 
 #include "base/path.h"
@@ -22,8 +22,8 @@ constexpr int kContext = 3;  // lines above and below a stop that stay in view
 // The mark of the line where the program stands.
 struct StopMark {
     DocumentId document = 0;
-    int arrow = -1;  // handles of its two markers
-    int background = -1;
+    int arrow = -1;       // marker handle
+    int background = -1;  // marker handle
 };
 StopMark g_mark;
 
@@ -51,8 +51,8 @@ void RemoveMark() {
 
 int LineCountOf(HWND editor) { return static_cast<int>(SciSend(editor, SCI_GETLINECOUNT)); }
 
-// The old mark goes first, because opening the file of a stop has set one already (DebugRestoreLocation). A line that the
-// text does not have gets none: the program does not stand on any other line.
+// Removes the old mark first, because opening the file of a stop has set one already (DebugRestoreLocation). A line
+// that the text does not have gets no mark, because any other line would be wrong.
 void PutMark(const DocumentTab& tab, int line) {
     RemoveMark();
     if (line > LineCountOf(tab.editor)) return;
@@ -62,7 +62,8 @@ void PutMark(const DocumentTab& tab, int line) {
               .background = static_cast<int>(SciSend(tab.editor, SCI_MARKERADD, index, kMarkCurrentLine))};
 }
 
-// Says why a file cannot be shown: for a stop only once a session, because every step in that file would say it again.
+// Says why a file cannot be shown. For a stop it says so once a session, because every step in that file would repeat
+// it.
 bool RefuseFile(const std::wstring& path, bool ofStop, const wchar_t* format) {
     const bool first = DebugFirstTold(path);
     if (first || !ofStop) DebugSay(0, format, path.c_str());

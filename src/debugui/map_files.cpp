@@ -26,7 +26,7 @@ void MakeIds(MapFiles* files, const SdbgMap& map, const MapPathResolver& resolve
     if (map.fileCount == 0) files->ids.emplace(PathKey(resolve(nullptr, true)), 1);
     for (std::int32_t i = 0; i < map.fileCount; ++i) {
         const std::uint32_t id = map.files[i].fileId;
-        // Lines of a number that several files have are shown in the first of them.
+        // When several files have one number, only the first can be shown.
         if (id == 0 || IndexOfFile(files, map, id) != i) continue;
         const std::wstring path = WorkOutPath(files, map, id, resolve);
         if (!path.empty()) files->ids.try_emplace(PathKey(path), id);

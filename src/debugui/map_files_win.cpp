@@ -12,13 +12,12 @@ namespace {
 
 struct SessionFiles {
     MapFiles files;
-    std::optional<MapSource> compiled;  // what the program was built from, once it was asked for
+    std::optional<MapSource> compiled;  // what the program was built from; set when first needed
 };
 SessionFiles g_session;
 
 std::wstring ResolveMapPath(const char* name, bool first) {
-    if (!g_session.compiled)
-        g_session.compiled = MapSource{.source = DebugSourcePath(), .staged = LastBuild().staged};
+    if (!g_session.compiled) g_session.compiled = MapSource{.source = DebugSourcePath(), .staged = LastBuild().staged};
     return name != nullptr ? PathOfMapFile(name, first, *g_session.compiled) : g_session.compiled->source;
 }
 

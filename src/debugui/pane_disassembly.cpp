@@ -9,12 +9,12 @@ namespace {
 
 constexpr std::size_t kShownBytes = 6;
 
-// The instructions from `start` up to the target; none when they step over it.
+// The instructions from `start` up to the target; none when one of them crosses the target.
 std::vector<DisasmInstruction> LeadingTo(std::span<const std::uint8_t> bytes, std::uint64_t address,
                                          std::uint64_t start, std::uint64_t target, bool x64) {
     const auto from = static_cast<std::size_t>(start - address);
     const auto length = static_cast<std::size_t>(target - start);
-    // Seen no further than the target, an instruction across it would be cut: it is decoded with what follows it.
+    // Decodes beyond the target, because an instruction across it would otherwise be cut short and end at it.
     const std::size_t available = std::min(length + kLongestInstruction, bytes.size() - from);
     std::vector<DisasmInstruction> found = DisasmRange(bytes.subspan(from, available), start, x64, {}, length + 1);
     const auto end = std::ranges::find_if(found, [&](const auto& each) { return each.address >= target; });
@@ -34,7 +34,8 @@ std::vector<DisasmInstruction> Before(std::span<const std::uint8_t> bytes, std::
         auto found = LeadingTo(bytes, address, start, target, x64);
         if (!found.empty()) return found;
     }
-    // From anywhere decoding falls into step within a few instructions; a start that needed no "db" is likely a true one.
+    // From any start, decoding meets the true instructions after a few. A start that needs no "db" is likely a true
+    // one.
     const std::uint64_t last = std::min(target, address + 2 * kLongestInstruction);
     for (std::uint64_t start = address; start < last; ++start) {
         auto found = LeadingTo(bytes, address, start, target, x64);

@@ -1,5 +1,5 @@
-// The disassembly view: instructions around where the thread stands, or around an address, between the lines of source
-// that they come from. UI thread only.
+// The disassembly view: instructions around where the thread stands, or around an address, below the source lines that
+// they come from. UI thread only.
 #include "debugui/pane_disassembly.h"
 
 #include "debugger/debug_inspect.h"
@@ -29,7 +29,8 @@ struct Code {
     std::vector<std::uint8_t> bytes;
 };
 
-// What can be read around an address: nothing before it in an unreadable page is missed.
+// Reads memory around an address. When a part before it is unreadable, starts at the address's page, or at the address
+// itself.
 Code ReadAround(std::uint64_t target) {
     const std::uint64_t wanted = target - std::min(target, kBytesBefore);
     const std::uint64_t page = target & ~std::uint64_t{0xFFF};
@@ -120,7 +121,7 @@ void FillDisassembly(PaneContent& content) {
         DisasmAround(code.bytes, code.address, target, g_debugger.isX64 != 0, LineStarts(code.address, target));
     AddRows(content, code, list, target);
     if (content.rows.empty()) content.hint = L"No memory can be read at " + HexText(target, 1);
-    // A refresh without anything new leaves the list where the user has scrolled it.
+    // A refresh with nothing new does not scroll the list, because the user may have scrolled it.
     const Shown shown = {program.serial, target, program.thread};
     if (shown == g_shown) content.reveal = -1;
     g_shown = shown;

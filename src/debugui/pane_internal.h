@@ -1,5 +1,5 @@
-// The seams between the files of the debug pane: its views as a table, what is read of the program once a refresh.
-// Private to this folder. UI thread only.
+// What the files of the debug pane share: the table of views, and what a refresh reads of the program. Private to this
+// folder. UI thread only.
 #pragma once
 
 #include "debugui/debug_pane.h"
@@ -17,9 +17,9 @@
 
 // --- Views (pane_<name>_win.cpp)
 struct PaneContent : ListContent {
-    std::wstring hint;            // instead of rows, while there are none
-    std::wstring problem;         // beside the address box
-    std::uint32_t processId = 0;  // of the program that it was read from
+    std::wstring hint;            // shown instead of rows, while there are none
+    std::wstring problem;         // shown beside the address box
+    std::uint32_t processId = 0;  // of the program that the content was read from
 };
 
 struct PaneView {
@@ -27,7 +27,7 @@ struct PaneView {
     const ListKind* list;  // null: the memory window
     bool ofStop;           // shows a stopped program and nothing else
     void (*fill)(PaneContent& content);
-    const wchar_t* addressCue = nullptr;  // has an address box; what it shows while that is empty
+    const wchar_t* addressCue = nullptr;  // cue of the address box while that is empty; null: no box
 };
 extern const PaneView kBreakpointsView, kStackView, kRegistersView, kWatchesView, kMemoryView, kThreadsView,
     kDisassemblyView;
@@ -35,13 +35,13 @@ extern const PaneView kBreakpointsView, kStackView, kRegistersView, kWatchesView
 // --- Frame (debug_pane_win.cpp)
 const PaneView& PaneCurrentView();
 void PaneFocusView();
-// Tab and Shift+Tab inside the pane, Ctrl+PageDown and Ctrl+PageUp to the next view, Escape to the editor; true when the
-// key was one of them.
+// Handles Tab and Shift+Tab (within the pane), Ctrl+PageDown and Ctrl+PageUp (next and previous view) and Escape (to
+// the editor). True when the key was one of them.
 bool PaneHandleFocusKey(HWND from, WPARAM key);
-std::wstring PaneAddressText();  // what stands in the address box of the view that is shown, without blanks around it
+std::wstring PaneAddressText();  // of the address box of the shown view, trimmed
 unsigned PaneRefreshCount();     // refreshes since the start, for tests
-ListView& PaneList();            // of the view that is shown
-// Owned by the pane; otherwise as ShowPopupMenu.
+ListView& PaneList();            // of the shown view
+// ShowPopupMenu with the pane as the owner; `screen` in screen coordinates.
 UINT PaneShowMenu(std::span<const MenuItem> items, POINT screen);
 
 // --- Address box (pane_address_win.cpp)
@@ -50,7 +50,7 @@ HWND PaneAddressCreate(HWND parent);
 // --- Memory window (pane_memory_win.cpp)
 HWND PaneMemoryCreate(HWND parent);
 void PaneMemoryApplyTheme();
-int PaneMemoryLineHeight();  // pixels of a row
+int PaneMemoryLineHeight();  // in pixels, of a row
 
 // --- The program (pane_program_win.cpp)
 struct PaneProgram {
@@ -58,19 +58,19 @@ struct PaneProgram {
     bool stopped = false;
     std::uint64_t serial = 0;  // of the stop
     std::uint32_t processId = 0;
-    std::uint32_t thread = 0;              // that the views show
-    std::uint32_t chosenThread = 0;        // by the user, until the next stop; 0: the one that stopped
+    std::uint32_t thread = 0;              // the one that the views show
+    std::uint32_t chosenThread = 0;        // chosen by the user, until the next stop; 0: the one that stopped
     std::optional<RegisterSet> registers;  // of that thread
-    std::optional<RegisterSet> before;     // at the stop before
+    std::optional<RegisterSet> before;     // at the previous stop
 };
 const PaneProgram& PaneProgramNow();
 void PaneProgramRead();
 void PaneChooseThread(std::uint32_t id);
 // "steps.bas:12", "ntdll.dll+0x1F2C", or empty.
 std::wstring PanePlaceText(std::uint64_t address);
-// A line of source from the open editor or the file, without blanks around it; empty when it is not to be had.
+// A line of source (from 1) from the open editor or the file, trimmed; empty when it cannot be had.
 std::wstring PaneSourceLine(std::uint32_t fileId, std::uint32_t line);
 void PaneGoTo(std::uint32_t fileId, std::uint32_t line);
-// An address over the registers of the thread that is shown.
+// Value of an expression with the registers of the shown thread.
 Evaluation PaneEvaluate(const std::wstring& expression);
 std::string PaneUtf8(const std::wstring& text);

@@ -12,7 +12,7 @@ constexpr int kGap = 1;  // blanks after the address and before the characters
 
 bool IsPlain(std::uint8_t byte) { return byte >= 32 && byte <= 126; }
 
-// Bytes of a row, as a distance between addresses.
+// Bytes of a row, in the type of addresses.
 std::uint64_t RowBytes(const MemoryPlace& place) { return static_cast<std::uint64_t>(place.shape.bytes); }
 
 std::uint64_t HighestRow(const MemoryPlace& place) {
@@ -112,7 +112,8 @@ std::int64_t MemoryStepCaretBy(MemoryPlace& place, int step) {
 void MemoryReshape(MemoryPlace& place, const MemoryShape& shape) {
     const std::uint64_t caret = place.caretRow + static_cast<std::uint64_t>(place.caret.index);
     place.shape = shape;
-    // Rows count from the first one that is shown, upwards too: the length divides what the difference wraps around at.
+    // Rows are counted from the first shown one, also upwards: `caret - top` may wrap, but 2^64 is a multiple of the
+    // row length.
     const std::uint64_t rest = std::min((caret - place.top) % RowBytes(place), caret);
     place.caretRow = caret - rest;
     place.caret.index = static_cast<int>(rest);

@@ -13,7 +13,7 @@ struct MemoryShape {
     int bytes = 16;   // 16, 8 or 4
     bool operator==(const MemoryShape&) const = default;
 };
-// As many bytes as rows of that many characters have room for; 4 when there is not even room for these.
+// The shape with the most bytes whose rows fit into `characters` columns; 4 bytes when not even these fit.
 MemoryShape MemoryShapeThatFits(int digits, int characters);
 
 // A byte as read, or nothing where memory cannot be read.
@@ -21,7 +21,7 @@ using MemoryByte = std::optional<std::uint8_t>;
 
 // "000140001000 48 89 E5 ?? ... text": address, two halves of hexadecimal bytes, characters.
 std::wstring MemoryRowText(std::uint64_t address, const MemoryShape& shape, std::span<const MemoryByte> bytes);
-// Column, in characters, of a byte's first hexadecimal digit, of its character, and the width of a row.
+// Column, in characters, of a byte's first hexadecimal digit, column of its character, and the width of a row.
 int MemoryHexColumn(const MemoryShape& shape, int index);
 int MemoryTextColumn(const MemoryShape& shape, int index);
 int MemoryRowWidth(const MemoryShape& shape);
@@ -29,14 +29,14 @@ int MemoryRowWidth(const MemoryShape& shape);
 // The place of the caret in a row.
 struct MemoryCaret {
     int index = 0;      // byte of the row
-    bool text = false;  // among the characters
+    bool text = false;  // in the characters, not in the hexadecimal digits
     bool low = false;   // second hexadecimal digit
     bool operator==(const MemoryCaret&) const = default;
 };
 // The nearest place to a column that was clicked.
 MemoryCaret MemoryCaretAt(const MemoryShape& shape, int column);
 
-// The byte after `typed` at the caret; nothing for a character that does not belong there.
+// The byte that typing `typed` at the caret makes of `old`; nothing for a character that is not accepted there.
 std::optional<std::uint8_t> MemoryTyped(std::uint8_t old, const MemoryCaret& caret, wchar_t typed);
 
 // What is shown of the address space, in rows.
@@ -44,15 +44,15 @@ struct MemoryPlace {
     std::uint64_t top = 0;       // address of the first row
     std::uint64_t caretRow = 0;  // address of the caret's row
     MemoryCaret caret;
-    int rows = 1;       // that fit, a cut one at the end included
+    int rows = 1;       // that fit into the window, including a cut one at the end
     bool x64 = true;    // kind of the program
     MemoryShape shape;  // of every row
 };
-// The first row after scrolling by rows, within the address space.
+// Address of the first row after scrolling by rows, limited to the address space.
 std::uint64_t MemoryScrolledTop(const MemoryPlace& place, std::int64_t rows);
-// Both move the caret, the first by bytes, the second by what its part of the row has: digits or characters. They stop at
-// either end of the address space. The result: by how many rows to scroll so that it is seen.
+// Both move the caret: the first by bytes, the second by one digit or character (`step` is 1 or -1). The caret does not
+// leave its byte for one outside the address space. They return how many rows to scroll so that the caret is visible.
 std::int64_t MemoryMoveCaretBy(MemoryPlace& place, std::int64_t bytes);
 std::int64_t MemoryStepCaretBy(MemoryPlace& place, int step);
-// Rows of another length: the caret stays on its byte, which is elsewhere in its row now.
+// Changes the length of rows. The caret stays on its byte, which gets another place in its row.
 void MemoryReshape(MemoryPlace& place, const MemoryShape& shape);

@@ -1,4 +1,4 @@
-// What the memory view shows: reading and writing the program, the place of the caret. Knows no window. UI thread only.
+// The contents of the memory view: reads and writes the program, and keeps the caret. Knows no window. UI thread only.
 #include "debugui/pane_memory_view.h"
 
 #include "debugger/debug_session.h"
@@ -15,7 +15,7 @@ constexpr std::uint64_t kPage = 4096;
 
 std::uint64_t RowLength() { return static_cast<std::uint64_t>(g_memory.shape.bytes); }
 
-// Pages that cannot be read do not hide those after them.
+// Skips unreadable pages, so that those after them show.
 std::vector<MemoryByte> ReadMemoryBytes(std::uint64_t address, std::size_t count) {
     std::vector<MemoryByte> bytes(count);
     std::vector<std::uint8_t> part(kPage);

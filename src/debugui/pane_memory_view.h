@@ -1,4 +1,4 @@
-// The memory view between its parts: what is shown, reading and writing it, and its window. Private to these files. UI
+// What the parts of the memory view share: its state, reading and writing, and its window. Private to these files. UI
 // thread only.
 #pragma once
 
@@ -13,23 +13,23 @@
 struct MemoryView : MemoryPlace {
     HWND window = nullptr;
     bool filled = false;            // something has been read in this session
-    std::uint64_t base = 0;         // what the address box says
-    int characters = 80;            // that a row has room for
-    std::uint32_t processId = 0;    // of the program that is shown
-    std::uint64_t serial = 0;       // of the stop that is shown
+    std::uint64_t base = 0;         // the address of the address box
+    int characters = 80;            // that fit into a row
+    std::uint32_t processId = 0;    // of the shown program
+    std::uint64_t serial = 0;       // of the shown stop
     std::vector<MemoryByte> bytes;  // from `top` on
-    std::uint64_t beforeTop = 0;    // the same at the stop before
+    std::uint64_t beforeTop = 0;    // `top` and `bytes` of the previous stop
     std::vector<MemoryByte> before;
 };
 extern MemoryView g_memory;
 
-void MemoryRead();  // what is visible, in rows as long as there is room for
+void MemoryRead();  // reads what is visible, in rows as long as the window allows
 bool MemoryChanged(std::uint64_t address, const MemoryByte& now);
-// Types one character over the byte at the caret; false when that is refused.
+// Types one character over the byte at the caret; false when it is refused.
 bool MemoryWrite(wchar_t typed);
-// Scrolls by rows, up to either end of the address space.
+// Scrolls by rows, at most to either end of the address space.
 void MemoryScroll(std::int64_t rows);
-// Moves the caret by bytes, or digits of them, and scrolls it into view.
+// Moves the caret by bytes, or by one digit or character, and scrolls it into view.
 void MemoryMoveCaret(std::int64_t bytes);
 void MemoryStepCaret(int step);
 std::wstring MemoryText();  // every visible row

@@ -1,5 +1,5 @@
-// The window of the memory view: rows of bytes that scroll without end and are typed over. Its text is what it shows, for
-// other programs. UI thread only.
+// The window of the memory view: rows of bytes over the whole address space, which can be typed over. WM_GETTEXT
+// returns what it shows, for other programs. UI thread only.
 #include "debugui/pane_memory_view.h"
 
 #include "base/events.h"
@@ -25,8 +25,8 @@ namespace {
 constexpr wchar_t kClass[] = L"KVXEDebugMemory";
 constexpr int kPadding = 6;  // left of the rows, at 96 dpi
 constexpr int kTopPadding = 3;
-constexpr int kRowBlank = 2;  // of a row beside its line of text
-// The scroll bar stands for a part of the address space around what is shown: after each move it goes back to the middle.
+constexpr int kRowBlank = 2;  // added to the height of the text of a row
+// The scroll bar covers a part of the address space around what is shown, and returns to the middle after each move.
 constexpr int kScrollSteps = 2000, kScrollMiddle = kScrollSteps / 2;
 
 enum MenuCommand : UINT { kCopy = 1, kFollow, kBack };
@@ -207,7 +207,7 @@ void OnMemoryCharacter(wchar_t typed) {
     RepaintMemory();
 }
 
-// The number that stands at the caret, as an address to show.
+// Shows the memory at the address that stands at the caret.
 void FollowPointer() {
     std::uint64_t address = 0;
     const std::uint64_t at = g_memory.caretRow + static_cast<std::uint64_t>(g_memory.caret.index);

@@ -1,4 +1,4 @@
-// The registers of the thread that is shown; a general one takes another value. UI thread only.
+// The registers view: those of the shown thread; general registers can be edited. UI thread only.
 #include "debugui/pane_internal.h"
 
 #include "debugger/debug_inspect.h"

@@ -15,7 +15,7 @@ struct Flag {
 constexpr std::array<Flag, 9> kFlags = {
     {{0, L"CF"}, {2, L"PF"}, {4, L"AF"}, {6, L"ZF"}, {7, L"SF"}, {8, L"TF"}, {9, L"IF"}, {10, L"DF"}, {11, L"OF"}}};
 
-// Register names are ASCII; anything else becomes a character that no name holds.
+// Register names are ASCII; any other character becomes '?', which is in no name.
 std::string NarrowName(std::wstring_view text) {
     std::string narrow;
     for (const wchar_t c : text) narrow += c > 0 && c < 0x80 ? static_cast<char>(c) : '?';
@@ -29,7 +29,7 @@ std::string UpperName(std::string text) {
 
 int GeneralCount(bool x64) { return x64 ? 16 : 8; }
 
-// Hexadecimal digits of a register or part of one, by how its name is formed.
+// Number of hexadecimal digits of a register or a part of one, told from how its name is formed.
 int RegisterDigits(bool x64, const std::string& name) {
     if (name.size() < 2) return 2;
     if (name.front() == 'R' && name[1] >= '0' && name[1] <= '9') {
@@ -93,7 +93,7 @@ bool IsGeneralRegister(bool x64, std::wstring_view name) {
     RegisterSet numbered;
     numbered.x64 = x64;
     for (std::size_t i = 0; i < numbered.general.size(); ++i) numbered.general[i] = i + 1;
-    // Only a whole register holds its number and is not a part of one: AL would hold it as well.
+    // Each register holds its number here. A part such as AL holds it too, so the width is compared as well.
     const std::string upper = UpperName(NarrowName(name));
     const auto value = RegisterByName(numbered, upper);
     return value && *value >= 1 && *value <= static_cast<std::uint64_t>(GeneralCount(x64)) &&
@@ -111,7 +111,7 @@ std::wstring RegisterTipText(const RegisterSet& registers, std::wstring_view wor
     const auto value = RegisterByName(registers, name);
     if (!value) return {};
     const int digits = RegisterDigits(registers.x64, name);
-    const int unused = 64 - 4 * digits;  // bits above the register's own, so that its sign is found
+    const int unused = 64 - 4 * digits;  // the shifts below extend the sign of a narrower register
     const auto number = static_cast<std::int64_t>(*value << unused) >> unused;
     return std::wstring(name.begin(), name.end()) + L" = " + HexText(*value, digits) + L" (" + std::to_wstring(number) +
            L")";

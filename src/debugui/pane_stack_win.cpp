@@ -1,4 +1,4 @@
-// The call stack of the thread that is shown. UI thread only.
+// The call stack view: that of the shown thread. UI thread only.
 #include "debugui/pane_internal.h"
 
 #include "debugger/debug_inspect.h"

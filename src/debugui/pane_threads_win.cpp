@@ -1,4 +1,5 @@
-// The threads of the program; the chosen one is what stack, registers and disassembly show. UI thread only.
+// The threads view. The call stack, registers and disassembly views show the thread that is chosen here. UI thread
+// only.
 #include "debugui/pane_internal.h"
 
 #include "debugger/debug_inspect.h"

@@ -17,12 +17,12 @@ View TrimmedExpression(View text) {
     return text;
 }
 
-// Digits of one base and nothing else; nothing beyond 64 bits.
+// Value of a text of digits of one base. Nothing for other characters and for more than 64 bits.
 std::optional<std::uint64_t> Digits(std::string_view text, std::uint64_t base) {
     if (text.empty()) return {};
     std::uint64_t value = 0;
     for (const char c : text) {
-        const auto digit = static_cast<std::uint64_t>(HexValue(c));  // no digit: far above any base
+        const auto digit = static_cast<std::uint64_t>(HexValue(c));  // no digit: -1, above any base
         if (digit >= base || value > (std::numeric_limits<std::uint64_t>::max() - digit) / base) return {};
         value = value * base + digit;
     }
@@ -34,7 +34,7 @@ bool StartsHex(std::string_view text) {
            ((text[0] == '0' && (text[1] | 0x20) == 'x') || (text[0] == '&' && (text[1] | 0x20) == 'h'));
 }
 
-// A whole number of `bits` bits, signed or not.
+// Value of an integer that fits into `bits` bits, signed or not; nothing otherwise.
 std::optional<std::uint64_t> Integer(std::string_view text, int bits) {
     const bool negative = !text.empty() && text.front() == '-';
     if (negative || (!text.empty() && text.front() == '+')) text.remove_prefix(1);

@@ -1,4 +1,4 @@
-// The watched places of a program: what they are called, what may be written to them. Pure.
+// The watches: addresses of the program, their values as text, and bytes for typed values. Pure.
 #pragma once
 
 #include <cstdint>
@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-// In the numbers of DebugWatchValue.
+// The values are those of `kind` in DebugWatchValue.
 enum class WatchKind : std::uint8_t { Long, Quad, Text, Double };
 inline constexpr int kWatchKinds = 4;
 const wchar_t* WatchKindName(WatchKind kind);
@@ -14,19 +14,19 @@ const wchar_t* WatchKindName(WatchKind kind);
 struct Watch {
     std::wstring expression;  // an address
     WatchKind kind = WatchKind::Long;
-    std::wstring value;   // as last shown, empty while it cannot be known
-    std::wstring before;  // at the stop before that
+    std::wstring value;   // as last shown, empty while it is unknown
+    std::wstring before;  // at the previous stop
 };
 
-// The expression of a row: a new watch at the end of the list, another text for an old one, none at all removes it.
-// Blanks around it are dropped. True when the list has changed.
+// Sets the expression of a row: the row after the last adds a watch, an empty text removes one. Blanks around it are
+// dropped. True when the list has changed.
 bool WatchSetExpression(std::vector<Watch>& watches, std::size_t row, std::wstring_view expression);
 
-// What stands in the edit field for a value shown as "42 (0x0000002A)" or in quotation marks.
+// Text of the edit field for a value that is shown as "42 (0x0000002A)" or in quotation marks.
 std::wstring WatchEditText(WatchKind kind, std::wstring_view shown);
 
-// The bytes to write for a typed value, or why there are none. `room`: bytes of the text that stands there now; a longer
-// one would run over what lies behind it.
+// The bytes to write for a typed value, or why it is refused. `room`: bytes of the text that stands there now; a longer
+// one is refused because it would overwrite what comes after it.
 struct WatchBytes {
     std::vector<std::uint8_t> bytes;
     std::wstring problem;

@@ -1,10 +1,10 @@
-// Whether the sources of the debugged program are still those that it was built from. UI thread only.
+// Warns when sources of the debugged program are not those that it was built from. UI thread only.
 #pragma once
 
 #include "output/last_build.h"
 
-// A session begins: warns in the output pane of every open file of the program that is newer than it or has unsaved
-// changes. Only of open ones, because a program may have thousands; the others are looked at when a stop is in them.
+// At the start of a session: warns in the output pane of every open file of the program that is newer than it or has
+// unsaved changes. Closed files are checked at a stop in them, because a program may have thousands.
 void WarnOfStaleSources(const BuildRecord& program);
-// The program has stopped: the same for the file of the stop. Each warning comes once a session.
+// At a stop: the same for the file of the stop. Each warning comes once a session.
 void WarnOfStaleStop();

@@ -1,4 +1,4 @@
-// The age of the sources of the debugged program. UI thread only.
+// Compares the age of sources with that of the debugged program. UI thread only.
 #include "debugui/stale_sources.h"
 
 #include "base/path.h"

@@ -1,4 +1,4 @@
-// Comes by its first line three times; lines 3 and 4 are one address.
+// Runs its first line three times; lines 3 and 4 have one address.
 #include "debuggee.h"
 
 volatile int turns = 0;

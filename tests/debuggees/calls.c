@@ -1,4 +1,4 @@
-// A statement that is one CALL, to a procedure in the second file whose first record is its first instruction.
+// One statement is a single CALL of a procedure in the second file, whose first record is at its first instruction.
 #define SEVERAL_FILES
 #include "debuggee.h"
 

@@ -1,6 +1,7 @@
-// For the small programs that the debugger's tests run. No C runtime: execution begins in `start` and ends with
-// ExitProcess. A program brings its own line map: AT(n) says that the code from here on is line n of the .bas beside it.
-// Functions stand in the order of their addresses, so that the map ascends; the first AT of a program is the first it runs.
+// For the small programs that the debugger's tests run. There is no C runtime: execution begins in `start` and ends
+// with ExitProcess. A program brings its own line map: AT(n) says that the code from here on is line n of its .bas
+// file. Functions must stand in the order of their addresses, because the map ascends; the first AT of a program is the
+// first that runs.
 #pragma once
 
 #include <windows.h>
@@ -16,7 +17,7 @@
 #define MAP_RECORD(file, line) ".short " #line "\n"
 #endif
 
-// The record alone, for use within other assembly.
+// A record without code, for use within other assembly.
 #define RECORD(file, line) ".section .sdbg, \"dr\"\n" MAP_RECORD(file, line) ".rva 77f\n.text\n77:\n"
 #define AT_FILE(file, line) __asm__ volatile(RECORD(file, line)::: "memory")
 #define AT(line) AT_FILE(1, line)
@@ -40,7 +41,7 @@
 #define SYMBOL(name) "_" #name
 #define FRAME_POINTER "%ebp"
 #endif
-// AT(line) with `value` in RCX or ECX, for the instruction that follows.
+// AT(line) with `value` in RCX (ECX) for the instruction that follows.
 #define AT_WITH_COUNT(line, value) \
     __asm__ volatile("mov %0, %%ecx\n" RECORD(1, line) "nop\n" ::"r"(value) : "ecx", "memory")
 

@@ -1,5 +1,5 @@
-// Never ends. EARLY: nor does it get to its first line before a file go.txt stands in its folder. BUSY: without ever
-// waiting; FLOOD: with debug strings as fast as it can; WAITS: for input that does not come.
+// Never ends. EARLY: it does not reach its first line until a file go.txt stands in its folder. BUSY: it never waits.
+// FLOOD: it writes debug strings as fast as it can. WAITS: it waits for input that does not come.
 #include "debuggee.h"
 
 volatile int turns = 0;
@@ -15,7 +15,7 @@ void start(void) {
     char byte = 0;
     DWORD got = 0;
     ReadFile(GetStdHandle(STD_INPUT_HANDLE), &byte, 1, &got, NULL);
-    // Nothing was attached to the standard input: a pipe that nobody writes to.
+    // That returns at once when no standard input is attached, so a pipe follows that nobody writes to.
     HANDLE readEnd = NULL, writeEnd = NULL;
     CreatePipe(&readEnd, &writeEnd, NULL, 0);
     ReadFile(readEnd, &byte, 1, &got, NULL);

@@ -1,5 +1,5 @@
-// Reads memory that is not there. With HEALS a second thread brings the memory after a while, so that the same
-// instruction at last succeeds; without, it never does. OUTSIDE: a library is made to do it.
+// Reads memory that is not allocated. HEALS: a second thread allocates it after a while, so that the same instruction
+// succeeds. OUTSIDE: GetSystemTime writes there, so that the fault is in a library.
 #include "debuggee.h"
 
 #define PLACE ((char*)0x20000000)

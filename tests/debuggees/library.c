@@ -1,4 +1,4 @@
-// Loads a library and lets it go; the exit code says whether it was there.
+// Loads a library and frees it; the exit code says whether that worked.
 #include "debuggee.h"
 
 MAP_BEGIN
@@ -6,7 +6,7 @@ void start(void) {
     AT(2);
     HMODULE library = LoadLibraryA("version.dll");
     AT(3);
-    UINT found = library ? 1 : 0;
+    UINT found = library != NULL ? 1 : 0;
     FreeLibrary(library);
     AT(4);
     ExitProcess(found);

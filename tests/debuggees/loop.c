@@ -1,7 +1,7 @@
-// Ten turns with their number in RCX (ECX) at line 3; the exit code is their sum.
+// Ten turns of a loop, with the number of the turn in RCX (ECX) at line 3; the exit code is their sum.
 #include "debuggee.h"
 
-// An absolute address in the data: without one there is nothing to relocate, and the program could not be moved.
+// An absolute address in the data. Without one the program has nothing to relocate and could not be moved.
 int word = 1;
 int* volatile place = &word;
 

@@ -1,4 +1,4 @@
-// Stops itself, right behind an instruction of one byte.
+// Has a trap of its own, right after an instruction of one byte.
 #include "debuggee.h"
 
 MAP_BEGIN

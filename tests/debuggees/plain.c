@@ -1,4 +1,4 @@
-// No line map at all.
+// Has no line map.
 #include "debuggee.h"
 
 void start(void) { ExitProcess(5); }

@@ -1,4 +1,4 @@
-// Four threads pass line 9 a hundred times each, all at once; the exit code is how often it was passed.
+// Four threads pass line 9 a hundred times each, all at once; the exit code is the number of passes.
 #include "debuggee.h"
 
 volatile LONG passed = 0;

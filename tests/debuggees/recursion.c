@@ -1,5 +1,4 @@
-// Goes DEPTH calls deep. The frame pointers of all of them are chained; the outermost one leads to memory that nobody
-// can read.
+// Makes DEPTH nested calls. Their frame pointers form a chain, and the outermost points to unreadable memory.
 #include "debuggee.h"
 
 #define DEPTH 40

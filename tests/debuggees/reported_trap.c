@@ -1,4 +1,5 @@
-// Has its breakpoint of line 3 reported the other way: with the address behind the trap, and standing there.
+// Makes the breakpoint of line 3 be reported as some systems do: with the address after the trap, and the instruction
+// pointer there.
 #include "debuggee.h"
 
 EXCEPTION_RECORD record = {.ExceptionCode = EXCEPTION_BREAKPOINT};
@@ -7,7 +8,8 @@ MAP_BEGIN
 void start(void) {
     AT(2);
     FARPROC raise = GetProcAddress(GetModuleHandleA("ntdll.dll"), "RtlRaiseException");
-    // Called so that it returns behind line 3, whose address and place it reports; line 3 runs when it is put back.
+    // The call returns after line 3 and reports that address; line 3 runs when the debugger puts the instruction
+    // pointer back.
 #ifdef _WIN64
     __asm__ volatile(
         "and $-16, %%rsp\n"

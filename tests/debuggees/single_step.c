@@ -1,4 +1,4 @@
-// Twice through a statement; raises a single-step exception by itself in between.
+// Runs a statement twice and raises a single-step exception itself in between.
 #include "debuggee.h"
 
 #ifdef _WIN64

@@ -1,4 +1,4 @@
-// Statement after statement; the exit code is 42.
+// Statements without a branch; the exit code is 42.
 #include "debuggee.h"
 
 MAP_BEGIN

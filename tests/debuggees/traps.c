@@ -1,8 +1,8 @@
-// Carries its own trap bytes, as its line map is a side file: one before each statement. The first statement has a run of
-// three. One more trap belongs to no statement and stands in a section of its own.
+// Its line map is a side file, so it has its own trap bytes: one before each statement, but three before the first. One
+// more trap belongs to no statement and stands in a section of its own.
 #include "debuggee.h"
 
-// The first 64 bytes of the code are no place where a side file may point.
+// A side file cannot point into the first 64 bytes of the code.
 __asm__(".text\n.skip 80, 0x90\n");
 
 __attribute__((section(".extra"))) void Outside(void) { __asm__ volatile("int3\n"); }

@@ -1,5 +1,5 @@
-// Any bytes as a BASIC source: the classifiers and the walk over PBMAIN are compared with patterns, and the index made
-// once with the questions asked one by one.
+// Any bytes as a BASIC source. The classifiers and the walk over PBMAIN are compared with patterns, and the index with
+// the functions that answer one question at a time.
 #include "program/basic_lines.h"
 
 #include <algorithm>
@@ -23,7 +23,7 @@ std::string Trimmed(const std::string& line) {
     return text;
 }
 
-// `next` are the characters that may follow the word; so may the end.
+// True when `text` begins with `word` and ends there or goes on with a character of `next`.
 bool IsWord(const std::string& text, const std::string& word, std::string_view next) {
     return text.rfind(word, 0) == 0 && (text == word || next.find(text[word.size()]) != std::string_view::npos);
 }
@@ -63,7 +63,7 @@ std::vector<std::uint32_t> WantedStatements(const std::vector<std::string>& line
     return found;
 }
 
-// So that a short input reaches the rules: a byte above 0x7F stands for a word that they know.
+// Replaces each byte above 0x7F by a word of the rules, so that a short input reaches them.
 std::string Expanded(std::string_view bytes) {
     constexpr std::string_view kWords[] = {"SUB PBMAIN\n", "Function PbMain",
                                            "END SUB",      "end function\r\n",

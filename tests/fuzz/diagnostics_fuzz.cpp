@@ -1,5 +1,5 @@
-// Any bytes as a compiler's output: split into lines, filtered, parsed, turned into RTF. What is checked beside the
-// absence of faults: lines hold no line break, records keep within their bounds, RTF is plain ASCII with balanced braces.
+// Any bytes as a compiler's output: split into lines, filtered, parsed, turned into RTF. Checks that lines hold no line
+// break, records keep within their bounds, and RTF is plain ASCII with balanced braces.
 #include "output/diagnostics.h"
 #include "output/output_filter.h"
 #include "output/output_queue.h"

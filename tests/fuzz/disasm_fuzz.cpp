@@ -1,11 +1,11 @@
-// Any bytes as an executable with a line map, and as a listing. Beside the absence of faults: each byte of the code is
-// shown once and in its place, the text holds no control characters, slices of any size give the same text, and of a
-// listing no character but blanks is lost.
+// Any bytes as an executable with a line map, and as a listing. Checks that each byte of the code is shown once and in
+// its place, that the text holds no control characters, that slices of any size give the same text, and that a listing
+// loses no character but blanks.
 #include "disasm/disasm.h"
 #include "disasm/listing_text.h"
 #include "disasm/renderer.h"
-#include "program/visible_text.h"
 #include "files/text_encoding.h"
+#include "program/visible_text.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -33,7 +33,7 @@ void CheckText(const std::string& text) {
     }
 }
 
-// One line of code: the address it stands at, and where the next one must stand.
+// Reads one line of code: its address, and the address that the next line must have. False: it is another line.
 bool ParseCode(std::string_view line, std::uint64_t* address, std::uint64_t* next) {
     if (!line.starts_with("  ")) return false;
     char* end = nullptr;
@@ -84,7 +84,7 @@ std::string Rendered(const DisasmProgram& program, std::size_t budget) {
 void FuzzProgram(std::uint8_t seed, const Bytes& bytes) {
     DisasmProgram program;
     program.file = bytes;
-    // The map comes out of the same bytes.
+    // Makes the map from the same bytes.
     for (std::size_t i = 0; i + 2 < bytes.size() && program.lines.size() < 64; i += 97)
         program.lines.push_back({.rva = 0x1000U + bytes[i], .fileId = bytes[i + 1] % 3U, .line = bytes[i + 2] % 8U});
     program.sources = {{1, "", {bytes.begin(), bytes.end()}}, {2, {bytes.begin(), bytes.end()}, "SUB a\nb"}};

@@ -1,4 +1,4 @@
-// What the user types as a condition, an address or a value: any bytes.
+// Any bytes as a condition, an address or a value that the user types.
 #include "debugger/expressions.h"
 #include "debugui/breakpoint_rules.h"
 
@@ -17,7 +17,7 @@ bool Inside(std::string_view part, std::string_view whole) {
     return part.empty() || (part.data() >= whole.data() && part.data() + part.size() <= whole.data() + whole.size());
 }
 
-// The plainest reading: try each sign in its order over the whole text.
+// Compares ParseCondition with the simplest reading: each sign, in its order, over the whole text.
 void CheckCondition(std::string_view text) {
     using Operator = Condition::Operator;
     constexpr Operator kOrder[] = {Operator::GreaterEqual, Operator::LessEqual, Operator::NotEqual,
@@ -50,7 +50,7 @@ void CheckValues(std::string_view text) {
         const Evaluation pane = EvaluatePaneExpression(registers, text);
         Require(pane.value.has_value() == pane.problem.empty());
         if (!x64 && pane.value) Require(*pane.value <= 0xFFFFFFFF);
-        // A register's name alone means the same to both.
+        // A register's name alone has the same value for both readers.
         if (x64 && FullRegisterByName(registers, text)) Require(pane.value && *pane.value == plain);
         if (const auto named = RegisterByName(registers, text)) Require(pane.value && *pane.value == *named);
     }

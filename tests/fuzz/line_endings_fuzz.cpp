@@ -1,4 +1,4 @@
-// Normalising line breaks against a byte-by-byte walk, and what must hold of any result.
+// Compares the normalising of line breaks with a byte-by-byte walk, and checks what holds for any result.
 #include "files/text_encoding.h"
 
 #include <cstdint>
@@ -52,7 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const std::string once = Normalize(text, target.ending);
         Require(once == ByteByByte(text, target.bytes));
         Require(Normalize(once, target.ending) == once);
-        Require(Normalize(once, LineEnding::Lf) == lf);  // the same lines, whatever ends them
+        Require(Normalize(once, LineEnding::Lf) == lf);  // the lines are the same with any line end
         if (lf.find('\n') != std::string::npos)
             Require(DetectLineEnding(once.data(), once.size()) == target.ending);
         else

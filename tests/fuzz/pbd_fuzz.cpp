@@ -1,5 +1,5 @@
 // Any bytes as side file, code and source of a program with trap bytes. Start, traps and the paired map are compared
-// with searches that do it the long way.
+// with simple searches.
 #include "program/basic_lines.h"
 #include "program/pbd_map.h"
 
@@ -28,13 +28,13 @@ std::uint32_t Number(std::string_view bytes, std::size_t at) {
     return value;
 }
 
-// Smallest address of the code among reads from `from` on that end at `end`; 0: none.
+// The smallest address within the code among the values read at each offset from `from` to `end`; 0: none.
 std::uint64_t Smallest(std::string_view side, const TextSectionInfo& text, std::size_t from, std::size_t end) {
     const std::uint32_t length = text.virtualSize != 0 ? text.virtualSize : text.rawSize;
     std::uint64_t best = 0;
     for (std::size_t at = from; at + 4 <= end; ++at) {
         const std::uint64_t value = Number(side, at);
-        // As differences to the base, so that no sum can wrap.
+        // Compares differences to the base, because a sum could wrap.
         if (value < text.imageBase) continue;
         const std::uint64_t rva = value - text.imageBase;
         if (rva <= std::uint64_t{text.virtualAddress} + 64 || rva >= std::uint64_t{text.virtualAddress} + length)
@@ -68,7 +68,7 @@ std::vector<std::uint32_t> WantedTraps(std::string_view program, const TextSecti
     return traps;
 }
 
-// Names, and addresses at the edges of their reach: three bytes say what and where.
+// A side file with names, and with addresses at the limits of their range; three bytes of `orders` say what and where.
 std::string Placed(std::string_view orders, std::uint32_t address) {
     std::string side(16400, '\0');
     std::size_t name = 0;
@@ -116,7 +116,8 @@ void CheckMap(std::string_view program, std::string_view side, std::string_view 
 
 }  // namespace
 
-// Four bytes set the text section, the next three the lengths of side file and code; the rest are side file, code, source.
+// Four bytes set the text section, the next three the lengths of side file and code. The rest is side file, code and
+// source.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 8) return 0;
     const std::string_view rest{reinterpret_cast<const char*>(data) + 8, size - 8};

@@ -1,5 +1,5 @@
 // Any bytes as an executable with a ".sdbg" section: headers, records, file table. Every answer of the map is compared
-// with that of the plainest search that could give it.
+// with that of the simplest search.
 #include "program/pe_headers.h"
 #include "program/sdbg_map.h"
 
@@ -31,7 +31,7 @@ struct Oracle {
     std::vector<SdbgLine> lines;
     std::uint32_t textRva, textSize;
 
-    // The binary search as it is laid down: on records out of order its answer is no plain scan's.
+    // The same binary search as the map's, because on unsorted records a scan would answer differently.
     int Find(std::uint32_t rva) const {
         int low = 0, high = static_cast<int>(lines.size()) - 1, best = -1;
         while (low <= high) {
@@ -91,7 +91,7 @@ void CheckQueries(SdbgMap* map, const Oracle& oracle) {
             SdbgIndex(map);
             Require(map->byLine != nullptr && (map->ascending != 0) == ordered);
         }
-        // All of a short map, a few of a long one: each question costs a scan.
+        // Asks for all records of a short map and for some of a long one, because each question costs a scan.
         const std::size_t stride = oracle.lines.size() / 32 + 1;
         for (std::size_t i = 0; i < oracle.lines.size(); i += stride) {
             const SdbgLine& record = oracle.lines[i];
@@ -175,7 +175,8 @@ void CheckSection(std::span<const std::uint8_t> section, std::uint32_t textRva, 
 }
 
 void CheckImage(const std::string& image) {
-    const std::vector<std::uint8_t> file(image.begin(), image.end());  // reads behind the last byte are seen
+    const std::vector<std::uint8_t> file(image.begin(),
+                                         image.end());  // exact, so that the sanitizer sees a read after the last byte
     const std::uint8_t* const bytes = file.data();
     std::uint64_t base = 0;
     const bool hasBase = GetPeImageBase(bytes, file.size(), &base);
@@ -194,7 +195,7 @@ void CheckImage(const std::string& image) {
     CheckSection({section, length}, textRva, 0);
 }
 
-// Three bytes: where in the headers (of either kind), with what kind of value, which one.
+// Changes a header (of either kind). Three bytes say where, with what kind of value, and which value.
 void Change(std::string* file, const char* order) {
     const auto where = static_cast<std::uint8_t>(order[0]);
     const auto which = static_cast<std::uint8_t>(order[2]);
@@ -212,7 +213,7 @@ void Change(std::string* file, const char* order) {
 
 }  // namespace
 
-// The first byte says what the rest is: an executable, the section of a sound one, or changes to a sound one's headers.
+// The first byte says what the rest is: an executable, the section of a valid one, or changes to a valid one's headers.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 1) return 0;
     const std::string rest(data + 1, data + size);

@@ -1,5 +1,4 @@
-// Session and workspace files come from a disk that others write to: any bytes are read without a fault, and what a
-// session says is found again when it is composed anew.
+// Any bytes as session and workspace files. A session that is composed again must give back what was read from it.
 #include "session/session_text.h"
 #include "session/workspace_text.h"
 
@@ -39,7 +38,7 @@ void ReadWorkspace(std::string_view bytes) {
     JsonExtractString(text.c_str(), L"compiler", value, 32);
     JsonExtractInt(text.c_str(), L"activeFile", 0);
 
-    // Whatever a path holds, escaping and extracting give it back, unless it is too long to be one.
+    // Escaping and extracting give back any text that is not too long for a path.
     wchar_t escaped[2048];
     JsonEscape(text.c_str(), escaped, 2048);
     wchar_t back[kPathCapacity];

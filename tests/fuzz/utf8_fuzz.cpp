@@ -1,4 +1,5 @@
-// The fast UTF-8 check against a decoder written from the definition: code points, then ranges and shortest forms.
+// Compares the fast UTF-8 check with a decoder written from the definition: code points, then ranges and shortest
+// forms.
 #include "files/text_encoding.h"
 
 #include <cstdint>
@@ -36,7 +37,7 @@ void Check(const std::vector<std::uint8_t>& text) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::vector<std::uint8_t> input(data, data + size);
     Check(input);
-    // Also behind ASCII, so that the long strides end at every place.
+    // Repeats the check after some ASCII, so that the long strides end at every place.
     std::vector<std::uint8_t> shifted(size % 40, 'a');
     shifted.insert(shifted.end(), input.begin(), input.end());
     Check(shifted);

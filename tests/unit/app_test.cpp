@@ -53,7 +53,7 @@ TEST(CommandLine, EarlyPassFindsTheSelfTests) {
 }
 
 TEST(Startup, OpensTheFirstThingThatThereIs) {
-    // What each step leaves open is said by its letter in `opens`: s, w, r.
+    // `opens` lists by a letter (s, w, r) the steps that open something.
     const auto run = [](const char* opens, bool atOnce, bool restore) {
         std::string path;
         bool any = atOnce;
@@ -111,7 +111,7 @@ std::vector<PaneRect> Visible(const PaneLayout& l) {
     return all;
 }
 
-// Every combination of panes at every size: nothing overlaps, nothing leaves the window, the editor stays usable.
+// Tries every combination of panes at every size: no panes overlap or leave the window, and the editor stays usable.
 TEST(Layout, PanesNeverOverlapAndTheEditorKeepsItsPlace) {
     const struct {
         int width, height, dpi;
@@ -163,7 +163,7 @@ TEST(Layout, TheDebugPaneSharesTheBottomOrHasItAlone) {
     }
 }
 
-// Panes to come: two of one area share it, and nothing else changes its place.
+// Two panes of one area share it, and no other pane changes its place.
 TEST(Layout, PanesOfOneAreaShareIt) {
     LayoutInput input = InputOf(1000, 700, 4 | 128, 96);
     const PaneLayout alone = ComputePaneLayout(input);

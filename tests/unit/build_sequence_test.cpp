@@ -24,7 +24,7 @@ std::string Narrow(std::wstring_view text) {
     return narrow;
 }
 
-// What happens to each stage, in its order: it cannot be started, or ends so.
+// How a stage goes: it cannot be started, or it ends in this way.
 struct Happening {
     bool starts = true;
     BuildEnd end = BuildEnd::Ended;
@@ -42,7 +42,7 @@ std::string Said(const BuildStep& step) {
     return text + (step.programBuilt ? "built\n" : "");
 }
 
-// The whole course as one text.
+// The whole course of a build as one text. `happenings` are for the stages, in order.
 std::string Course(const BuildOrder& order, const wchar_t* preBuild, const wchar_t* postBuild,
                    std::deque<Happening> happenings) {
     BuildRun run = {.order = order};
@@ -180,7 +180,7 @@ TEST(BuildSequence, EveryCourse) {
         EXPECT_EQ(Course(test.order, test.preBuild, test.postBuild, test.happenings), test.course) << test.name;
 }
 
-TEST(BuildSequence, WhatStandsInTheWay) {
+TEST(BuildSequence, IsRefusedWhileSomethingElseRuns) {
     const BuildOrder batch = {.after = AfterBuild::NextOfBatch};
     struct Case {
         BuildSituation situation;
@@ -331,7 +331,7 @@ TEST(ReadCourse, APipeThatOthersHoldOpenIsLeft) {
     EXPECT_FALSE(ReadLeavesRunning(BuildStage::PreBuild, ReadEndOf(ReadStep::Stopped)));
 }
 
-// A disk of names and contents; the stamp of a file is the length of its content.
+// A disk in memory. The stamp of a file is the length of its content.
 struct MemoryDisk {
     std::map<std::wstring, std::string> files;
     bool readOnly = false;  // no copy can be made
@@ -419,7 +419,7 @@ TEST(StagingRules, NothingOfTheUsersIsLost) {
     }
 }
 
-TEST(StagingRules, WhereNoCopyCanBeMade) {
+TEST(StagingRules, OnADiskThatCannotBeWritten) {
     MemoryDisk disk = {.files = {{L"x.kxa", "s"}, {L"x.bas", "mine"}}, .readOnly = true};
     StagedSource staged;
     std::uint32_t error = 0;
@@ -428,7 +428,7 @@ TEST(StagingRules, WhereNoCopyCanBeMade) {
     EXPECT_FALSE(StageOnDisk(disk.Disk(), L"x.kxa", L"x.exe", CommandStyle::Keldor, &staged, &error));
     EXPECT_EQ(error, 5U);
     EXPECT_EQ(disk.All(), "x.bas=mine x.kxa=s ");
-    // What the user wrote into the copy meanwhile stays, and what was moved aside says where it is.
+    // When the user has written into the copy, it stays, and the notice says where the file is that was moved aside.
     disk.readOnly = false;
     ASSERT_TRUE(StageOnDisk(disk.Disk(), L"x.kxa", L"x.exe", CommandStyle::Keldor, &staged, &error));
     disk.files[L"x.bas"] = "changed";

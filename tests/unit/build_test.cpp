@@ -161,7 +161,7 @@ TEST(OutputQueue, EndlessLinesAreCut) {
     }
 }
 
-// What comes of a text: lines with a mark of their colour, and the records.
+// What a text becomes: lines, marked with their colour, and records of errors.
 TEST(OutputLines, AreFilteredColouredCountedAndRecorded) {
     OutputLines lines = {.compilerId = 4};
     const auto put = [&](const wchar_t* text, ChunkKind kind) {
@@ -188,7 +188,7 @@ TEST(OutputLines, AreFilteredColouredCountedAndRecorded) {
     EXPECT_EQ(errors.items[1].compilerId, 4U);
     EXPECT_FALSE(OutputLinesWait(lines));
 
-    // The list is full with the 64th; the rest is shown all the same.
+    // The list is full after 64 errors; the rest is shown all the same.
     for (int i = 0; i < 70; ++i) put(L"d(1,1): error: more\n", ChunkKind::Stream);
     while (OutputLinesNext(
         lines, errors, [] { return false; }, &line, &chunks))
@@ -196,7 +196,7 @@ TEST(OutputLines, AreFilteredColouredCountedAndRecorded) {
     EXPECT_EQ(errors.count, kMaxCompilerErrors);
     EXPECT_EQ(lines.counts.errors, 72);
 
-    // Shown again, before what still waits.
+    // Lines that are shown again come before those that still wait.
     put(L"last\n", ChunkKind::Stream);
     OutputLinesAgain(lines, {{.text = L"shown"}});
     for (const wchar_t* expected : {L"shown", L"last"}) {
@@ -210,9 +210,9 @@ TEST(OutputLines, AreFilteredColouredCountedAndRecorded) {
     EXPECT_FALSE(OutputLinesWait(lines));
 }
 
-TEST(OutputLines, OfAFloodLookingHasALimit) {
+TEST(OutputLines, LookingThroughAFloodIsLimited) {
     OutputLines lines;
-    lines.kept.shown = kFirstLinesKept;  // full: what comes is held back
+    lines.kept.shown = kFirstLinesKept;  // full: later lines are held back
     std::wstring flood;
     for (int i = 0; i < 2000; ++i) flood += L"line\n";
     lines.queue.chunks.push_back({.text = flood, .kind = ChunkKind::Stream});
@@ -262,7 +262,7 @@ TEST(ErrorPlaces, WhatAPrintedNameMayMean) {
     EXPECT_TRUE(ErrorPlaces(L"x.bas", {}, whole).empty()) << "before the first build";
 }
 
-TEST(ErrorPlaces, TheWalkGoesRound) {
+TEST(ErrorPlaces, TheNextAfterTheLastIsTheFirst) {
     CompilerErrors errors;
     EXPECT_EQ(NextErrorIndex(errors), -1);
     EXPECT_EQ(PreviousErrorIndex(errors), -1);
@@ -310,7 +310,7 @@ TEST(KeptLines, FirstAndLastLinesStayInOrder) {
         EXPECT_EQ(KeepLine(kept, line, true), i < kFirstLinesKept);
     }
     PaneLine message = {.text = L"ours"};
-    EXPECT_FALSE(KeepLine(kept, message, false)) << "a message waits behind the lines held back";
+    EXPECT_FALSE(KeepLine(kept, message, false)) << "a message waits after the lines that are held back";
     const std::deque<PaneLine> held = TakeHeldLines(kept);
     ASSERT_EQ(held.size(), kLastLinesKept + 1);
     EXPECT_EQ(Narrow(held[0].text), "... 6 lines left out ...");

@@ -32,13 +32,13 @@ TEST(DecodeCompilerText, EachChunkByItself) {
     EXPECT_EQ(Decoded(std::string_view("a\0b\0", 4)), L"ab") << "without NUL bytes";
     EXPECT_EQ(Decoded(""), L"(none)");
     if (GetACP() != CP_UTF8) {
-        // A character cut by the chunk's border: both halves are read in the next code page that has them.
+        // A character that is cut by the border of a chunk: each half is read in the next code page that has it.
         EXPECT_EQ(Decoded("x\xC3").size(), 2U);
         EXPECT_EQ(Decoded("\xA9y").size(), 2U);
     }
 }
 
-// Code that takes more memory than there is ends the text and nothing else.
+// Running out of memory ends the text, and nothing else.
 TEST(AsmFeed, SaysThatMemoryRanOut) {
     const AsmRenderer renderer = [](AsmFeed& feed, const AsmRequest&, const std::string*) {
         AsmFeedPut(feed, "before\r\n");
@@ -120,7 +120,7 @@ TEST_F(Staging, KeldorPutsTheUsersFileBack) {
     EXPECT_EQ(Read(L"x.bas.kvx-aside1"), "(none)");
 }
 
-TEST_F(Staging, PathsBeyondTheOldLimit) {
+TEST_F(Staging, PathsLongerThanMaxPath) {
     const DeepFolder deep(folder_.path.wstring());
     const std::wstring source = deep.File(L"x.kb"), target = deep.File(L"x.bas");
     WriteBytes(DeepFolder::LongForm(source), "source");

@@ -1,5 +1,5 @@
-// The commands as the user meets them: menu, table and keys agree, and each command is possible and checked when it should
-// be. Reads src/resources/app.rc.
+// The commands as the user meets them: menu, table and keys agree, and each command is enabled and checked when it
+// should be. Reads src/resources/app.rc.
 #include "commands/command_table.h"
 #include "resources/ids.h"
 #include "support/golden_file.h"
@@ -38,7 +38,7 @@ std::map<std::string, int> Numbers() {
     return numbers;
 }
 
-// "VK_F9, VIRTKEY, CONTROL, SHIFT" as the menu writes it.
+// Name of a key in the menu, made from "VK_F9, VIRTKEY, CONTROL, SHIFT".
 std::string KeyName(std::string key, const std::string& modifiers) {
     if (key.starts_with("VK_")) key.erase(0, 3);
     const auto has = [&modifiers](const char* word) { return modifiers.find(word) != std::string::npos; };
@@ -81,15 +81,14 @@ std::string NameOfExtraKey(const ExtraKey& key) {
     return std::string(key.control ? "Ctrl+" : "") + (key.alt ? "Alt+" : "") + (key.shift ? "Shift+" : "") + name;
 }
 
-// Both tables of keys.
+// The keys of both tables.
 std::multimap<std::string, int> AllKeys(const Resources& resources) {
     std::multimap<std::string, int> keys(resources.accelerators.begin(), resources.accelerators.end());
     for (const ExtraKey& key : ExtraKeys()) keys.emplace(NameOfExtraKey(key), key.command);
     return keys;
 }
 
-// What the menu shows beside a command and neither table has: the system's and the editing control's own keys, and F5,
-// which builds and runs when nothing is debugged.
+// Keys that the menu shows although neither table has them: those of the system and of the editing control.
 const std::set<std::string> kKeysOfOthers = {"Alt+F4", "Ctrl+Z", "Ctrl+Y", "Ctrl+X", "Ctrl+C", "Ctrl+V", "Ctrl+A"};
 
 struct Moment {
@@ -102,7 +101,7 @@ constexpr Moment kMoments[] = {
     {'u', kText | kBasicSource},
     {'e', kText | kBasicSource | kCanUndo | kCanRedo | kAnyModified},  // edited
     {'s', kText | kBasicSource | kHasSelection},
-    {'f', kText | kHasFile},  // saved, and no BASIC
+    {'f', kText | kHasFile},  // saved, but not BASIC
     {'x', kText | kHasFile | kHasErrors},
     {'b', kHasTab | kHasFile | kBuilding | kNoSession},
     {'l', kHasTab | kHasFile | kIdle | kSession},  // a program is launched
@@ -158,7 +157,7 @@ std::string Described(const CommandRow& row, const Resources& resources) {
     for (const Moment& moment : kMoments)
         text += CommandStateOf(row.id, {.conditions = moment.conditions}).enabled ? moment.letter : '.';
     text += " |";
-    // What is checked with nothing set would be checked always; the theme counts as dark from 1 on.
+    // A mark counts only when the command is not checked without it. The theme counts as dark from 1 on.
     for (const Mark& mark : Marks()) {
         if (mark.name.starts_with("theme") && mark.view.theme > 1) continue;
         CommandView other = mark.view;
@@ -215,6 +214,7 @@ TEST(Commands, MenuTableAndKeysAgree) {
         if (item.key.empty() || kKeysOfOthers.contains(item.key)) continue;
         const auto key = keys.find(item.key);
         ASSERT_NE(key, keys.end()) << item.text << " shows " << item.key;
+        // The menu shows F5 beside both commands, but the key is bound to IDM_BUILD_RUN.
         const int shown = item.command == IDM_DEBUG_START ? IDM_BUILD_RUN : item.command;
         EXPECT_EQ(key->second, shown) << item.text << " shows " << item.key;
     }

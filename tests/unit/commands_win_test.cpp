@@ -1,4 +1,4 @@
-// Every command is carried out by someone, and by one.
+// Every command has exactly one handler.
 #include "app/main_window.h"
 #include "commands/command_table.h"
 #include "resources/ids.h"
@@ -7,14 +7,15 @@
 
 #include <set>
 
-TEST(CommandHandlers, EachCommandHasOneAndEachIsACommands) {
+TEST(CommandHandlers, EachCommandHasOneAndNoOthersExist) {
     std::set<int> handled;
     for (const CommandHandler& handler : AllCommandHandlers()) {
         EXPECT_TRUE(handled.insert(handler.command).second) << handler.command << " has two";
         EXPECT_NE(FindCommand(handler.command), nullptr) << handler.command << " has no row and cannot come";
     }
     for (const CommandRow& row : CommandTable()) {
-        // A button whose menu the toolbar opens itself, and what is not in this version.
+        // Without a handler: a button whose menu the toolbar opens itself, and commands that this version does not
+        // have.
         const bool none = row.id == IDM_COMPILER_MENU || (row.needs & kNever) != 0;
         EXPECT_EQ(handled.contains(row.id), !none) << row.id;
     }

@@ -1,5 +1,5 @@
-// Which compiler a file belongs to, where it is found and where its results go; and the texts that are put together from
-// the tables of compilers and file types.
+// Which compiler a file belongs to, where it is found and where its results go; and the texts that are made from the
+// tables of compilers and file types.
 #include "../samples/toolchain/profile.h"
 #include "app/command_line.h"
 #include "app/detect_report.h"
@@ -66,7 +66,7 @@ constexpr PickCase kPickCases[] = {
 
 std::string Narrow(std::wstring_view text) { return {text.begin(), text.end()}; }
 
-// One line a row, without what no golden text shows: candidates, markers and long descriptions have rules of their own.
+// One line for each row. Candidates, markers and long descriptions are left out, because other tests cover them.
 std::string FixedTexts() {
     std::string text = "--- The help text\n" + Narrow(CommandLineHelp()) + "\n\n--- The detection report\n";
     const auto settings = std::make_unique<Settings>();
@@ -95,7 +95,7 @@ TEST(Compilers, FileGoesToTheFirstRuleThatApplies) {
     }
 }
 
-TEST(Compilers, UnknownIdsReadTheFirst) {
+TEST(Compilers, UnknownIdsGiveTheFirstCompiler) {
     EXPECT_EQ(CompilerNext(2), 3U);
     EXPECT_EQ(CompilerNext(4), 0U);
     EXPECT_EQ(CompilerNext(9), 0U);
@@ -154,7 +154,7 @@ TEST(Compilers, ResultPaths) {
 
 TEST(Compilers, TextsPutTogetherFromTheTablesAreTheFixedOnes) { ExpectGolden("compiler_texts.txt", FixedTexts()); }
 
-// The stand-ins are programs of their own: what they are started with is a second table.
+// The stand-ins have a table of switches of their own, because they are separate programs. Both tables must agree.
 TEST(Compilers, TheStandInsTakeTheSwitchesThatTheEditorGives) {
     ASSERT_EQ(standin::kProfiles.size(), std::size(g_compilers));
     for (const CompilerProfile& row : g_compilers) {
@@ -178,8 +178,8 @@ TEST(FileTypes, KnowSourceNames) {
         EXPECT_EQ(FileTypeOfPath(name), nullptr) << Narrow(name);
 }
 
-// The manifest is the one place that cannot include the header.
-TEST(Version, TheManifestHasTheHeadersOne) {
+// The manifest cannot include the header with the version.
+TEST(Version, TheManifestHasTheVersionOfTheHeader) {
     const std::string manifest = ReadBytes(std::string(KVX_ROOT_DIR) + "/src/resources/kvx-editor.manifest");
     EXPECT_NE(manifest.find("name=\"KVX-Editor\" version=\"" KVX_VERSION ".0\""), std::string::npos);
     constexpr int kNumbers[] = {KVX_VERSION_NUMBERS};

@@ -1,4 +1,4 @@
-// The table of breakpoints over real programs: what stands in it, what stands in the program, and conditions.
+// Breakpoints in real programs: what the table holds, what stands in the program, and conditions.
 #include "debug_fixture.h"
 
 #include <cstring>
@@ -138,7 +138,7 @@ TEST_P(DebugBreakpoints, ContinueStopsAtTheSameOneEveryTime) {
     EXPECT_EQ(state.exitCode, 55u) << "no statement ran twice or was left out";
 }
 
-// Steps set no trap flag: what they leave stays disarmed until the program raises a single step of its own.
+// Steps set no trap flag, so a breakpoint that they leave stays disarmed until the program raises a single step itself.
 TEST_P(DebugBreakpoints, AHitOneIsArmedAgainByTheNextSingleStep) {
     ASSERT_TRUE(Start("single_step"));
     ASSERT_TRUE(DebugSetBreakpoint(&state, 3));
@@ -187,14 +187,14 @@ TEST_P(DebugBreakpoints, MemoryShowsWhatTheProgramHas) {
 
     EXPECT_FALSE(DebugReadMem(&state, 0x10, bytes, 1));
     EXPECT_FALSE(DebugWriteMem(&state, 0x10, bytes, 1));
-    // Behind the image of a 64-bit program there is nothing. (Wine reads what a 32-bit one has only reserved.)
+    // After the image of a 64-bit program, memory is unreadable. Wine can read what a 32-bit program has only reserved.
     if (Bits() == 32) return;
     const std::uint64_t end = state.map.imageBase + state.imageSize;
     EXPECT_FALSE(DebugReadMem(&state, end - 4, bytes, 8));
     EXPECT_EQ(DebugReadSome(&state, end - 4, bytes, 8), 4u);
 }
 
-// ---- conditions ------------------------------------------------------------------------------------------------------
+// --- Conditions
 
 TEST_P(DebugBreakpoints, ConditionsCompare) {
     ASSERT_TRUE(Start("loop"));
@@ -214,24 +214,24 @@ TEST_P(DebugBreakpoints, ConditionsCompare) {
         {"RCX!=5", false, true},    {"RCX==5", true, false},
         {"RCX>4", true, false},     {"RCX>5", false, false},
         {"RCX<6", true, true},      {"RCX<5", false, true},
-        {"ECX==5", false, false},  // not a name, so 0
+        {"ECX==5", false, false},  // not the name of a 64-bit register, so 0
         {"ECX==0", true, true},     {"2>3", false, false},
         {"", true, true},           {"RCX", true, true},  // no operator
-        {"RCX=4", true, true},                            // nor is this one
+        {"RCX=4", true, true},                            // "=" is no operator
         {"0x1F==31", true, true},   {"0X1f==31", true, true},
         {"12abc==12", true, true},  {"0xFFFFFFFFFFFFFFFF>1", true, true},  // unsigned
         {"RCX ==5", false, false},                                         // the blank belongs to the name
-        {"RCX ==0", true, true},    {"RCX== \t5", true, false},            // this one does not
+        {"RCX ==0", true, true},    {"RCX== \t5", true, false},            // a blank before a number does not count
         {" \tRCX==5", true, false}, {"5 ==5", true, true},                 // digits end at the blank
-        {"1<2==3", false, false},                                          // == is looked for before <: 1 == 3
-        {"3==3>=4", false, false},                                         // and >= before ==: 3 >= 4
-        {"1==2!=1", false, false},                                         // != before ==: 1 != 1
+        {"1<2==3", false, false},                                          // read as "1<2" == 3: 1 and 3
+        {"3==3>=4", false, false},                                         // read as "3==3" >= 4: 3 and 4
+        {"1==2!=1", false, false},                                         // read as "1==2" != 1: 1 and 1
         {"RCX=>5", false, false},                                          // "RCX=" is no name
         {"==", true, true},                                                // 0 and 0
     };
     for (const Case& one : cases)
         EXPECT_EQ(DebugCheckCondition(&state, one.text), Bits() == 64 ? one.wide : one.narrow) << one.text;
-    // No more than 127 bytes are looked at.
+    // Only the first 127 bytes are read.
     EXPECT_FALSE(DebugCheckCondition(&state, ("1==2" + std::string(200, ' ') + ">=").c_str()));
     EXPECT_TRUE(DebugCheckCondition(&state, (std::string(130, ' ') + "1==2").c_str()));
 }
@@ -247,7 +247,7 @@ TEST_P(DebugBreakpoints, AConditionThatDoesNotHoldIsNoStop) {
                           {"2>3", {}, 0},
                           {nullptr, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, 10}};
     for (const Case& one : cases) {
-        const std::string name = one.condition ? one.condition : "(none)";
+        const std::string name = one.condition != nullptr ? one.condition : "(none)";
         SCOPED_TRACE(name);
         ASSERT_TRUE(Start("loop"));
         ASSERT_TRUE(DebugSetConditionalBreakpoint(&state, 3, "1==1"));

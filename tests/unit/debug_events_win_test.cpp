@@ -65,8 +65,8 @@ TEST_P(DebugEvents, AProgramsOwnTrapStopsWithoutALine) {
     EXPECT_EQ(state.exitCode, 2u);
 }
 
-// The trap's neighbour is no reason to run it again.
-TEST_P(DebugEvents, AProgramsOwnTrapBehindABreakpointIsNotTakenForIt) {
+// A trap of the program's own, right after a breakpoint, must not run the breakpoint's instruction again.
+TEST_P(DebugEvents, AProgramsOwnTrapAfterABreakpointIsAStopOfItsOwn) {
     ASSERT_TRUE(Start("own_trap"));
     ASSERT_TRUE(DebugSetBreakpoint(&state, 3));
     ASSERT_TRUE(DebugSetBreakpoint(&state, 4));
@@ -77,14 +77,14 @@ TEST_P(DebugEvents, AProgramsOwnTrapBehindABreakpointIsNotTakenForIt) {
     EXPECT_EQ(state.currentAddress, AddressOf(3) + 1);
     EXPECT_EQ(state.currentLine, 0);
     ASSERT_TRUE(DebugContinue(&state));
-    EXPECT_EQ(Arrive(), 4) << "nor does it hide the one behind it";
+    EXPECT_EQ(Arrive(), 4) << "nor does it hide the one after it";
     ASSERT_TRUE(DebugContinue(&state));
     EXPECT_EQ(Wait(), kDebugExited);
     EXPECT_EQ(state.exitCode, 2u);
 }
 
-// Some systems report a breakpoint with the address behind it.
-TEST_P(DebugEvents, ABreakpointReportedBehindItsTrapIsFound) {
+// Some systems report a breakpoint with the address after it.
+TEST_P(DebugEvents, ABreakpointReportedAfterItsTrapIsFound) {
     ASSERT_TRUE(Start("reported_trap"));
     ASSERT_TRUE(DebugSetBreakpoint(&state, 3));
     const std::uint64_t address = AddressOf(3);
@@ -99,7 +99,7 @@ TEST_P(DebugEvents, ABreakpointReportedBehindItsTrapIsFound) {
     EXPECT_EQ(state.exitCode, 5u);
 }
 
-// No loader asks for it yet: the trap stands right before a record.
+// No loader of maps sets `neutralizeTraps` yet, so the test sets it. The trap stands right before a record.
 TEST_P(DebugEvents, TrapsBeforeRecordsAreOverwrittenWhereTheMapAsksForIt) {
     ASSERT_TRUE(SdbgLoad(Program("own_trap").c_str(), &state.map));
     state.map.neutralizeTraps = 1;
@@ -111,7 +111,7 @@ TEST_P(DebugEvents, TrapsBeforeRecordsAreOverwrittenWhereTheMapAsksForIt) {
     EXPECT_EQ(state.exitCode, 2u);
 }
 
-// A breakpoint on the trap itself: one stop, and the byte is not run a second time.
+// A breakpoint on a trap of the program's own makes one stop, and the trap is not run afterwards.
 TEST_P(DebugEvents, ABreakpointOnAProgramsOwnTrapStopsOnce) {
     ASSERT_TRUE(Start("own_trap"));
     ASSERT_TRUE(DebugSetTempBp(&state, AddressOf(3) + 1, 3));
@@ -123,7 +123,7 @@ TEST_P(DebugEvents, ABreakpointOnAProgramsOwnTrapStopsOnce) {
     EXPECT_EQ(Wait(), kDebugExited);
 }
 
-// Nothing is passed by, run twice or lost when threads run onto a breakpoint together.
+// When threads reach a breakpoint together, none passes it unnoticed, runs its instruction twice, or is lost.
 TEST_P(DebugEvents, ManyThreadsMayMeetAtOneBreakpoint) {
     for (const char* condition : {"1==1", "1==2"}) {
         SCOPED_TRACE(condition);
@@ -143,7 +143,7 @@ TEST_P(DebugEvents, ManyThreadsMayMeetAtOneBreakpoint) {
     }
 }
 
-// Libraries lie behind the program in memory, so behind the last line of its map.
+// Libraries lie after the program in memory, and so after the last line of its map.
 TEST_P(DebugEvents, CodeOfALibraryHasNoLine) {
     ASSERT_TRUE(Start("outside"));
     ASSERT_TRUE(DebugContinue(&state));
@@ -173,7 +173,7 @@ TEST_P(DebugEvents, WhatAProgramReportsIsLimitedBetweenStops) {
     EXPECT_EQ(TimesSaid(L"again and again"), 1) << "shown again";
 }
 
-// A time-out begins anew with each event; the hook is what ends a wait in a flood.
+// A time-out begins again with each event, so only the hook ends a wait while events pour in.
 TEST_P(DebugEvents, TheHookEndsAWait) {
     static int asked;
     for (const char* program : {"flood", "busy"}) {

@@ -1,4 +1,5 @@
-// What the tests of the debugger's engine share: a session that ends with its test, what the engine said, time limits.
+// Shared by the tests of the debugger's engine: a session that ends with its test, the texts that the engine wrote,
+// time limits.
 #pragma once
 
 #include "base/handles.h"
@@ -32,14 +33,16 @@ struct Said {
 inline std::vector<Said> g_said;
 inline ULONGLONG g_deadline = 0;
 
-// Text of a function of the inspection; "(null)" for none.
-inline std::wstring Take(wchar_t* text) { return text ? std::wstring(HeapBlock<wchar_t>(text).get()) : L"(null)"; }
+// Text of a function of debug_inspect.h, which is freed; "(null)" for none.
+inline std::wstring Take(wchar_t* text) {
+    return text != nullptr ? std::wstring(HeapBlock<wchar_t>(text).get()) : L"(null)";
+}
 
-// A test of one kind of program, or of both: Bits() says which.
+// A test of programs of one kind, or of both kinds: Bits() says which.
 class DebugTest : public testing::Test {
 protected:
     virtual int Bits() const { return 64; }
-    // False: there was no compiler for these.
+    // False: the programs of this kind were not built, because there was no compiler.
     virtual bool Built() const { return std::filesystem::exists(Program("straight")); }
 
     void SetUp() override {
@@ -75,7 +78,7 @@ protected:
         return started;
     }
     bool Start(const std::string& name) { return StartFile(Program(name)); }
-    // Keeps an eye on the program that runs, to see later that it is gone.
+    // Keeps a handle of the running program, so that Gone() can tell that it has ended.
     void Watch() { watched_.Reset(state.active ? OpenProcess(SYNCHRONIZE, FALSE, state.processId) : nullptr); }
     bool Gone() const { return !watched_ || WaitForSingleObject(watched_.Get(), 3000) == WAIT_OBJECT_0; }
     void End() {
@@ -86,7 +89,7 @@ protected:
     }
 
     int Wait(DWORD ms = kWaitMs) { return DebugWaitEvent(&state, ms); }
-    // The line after a step; 0 unknown, -1 not resumed, -2 ended, -3 no stop in time.
+    // The line after a step; 0: unknown, -1: not resumed, -2: the program has ended, -3: no stop in time.
     int Step(bool (*step)(DebuggerState*) = DebugStepOver) { return step(&state) ? Arrive() : -1; }
     int RunTo(int line) { return DebugRunToLine(&state, line) ? Arrive() : -1; }
     int Arrive() {
@@ -137,5 +140,5 @@ inline std::string BitsName(const testing::TestParamInfo<int>& info) { return "B
 
 }  // namespace debugtest
 
-// The tests of `suite` for both kinds of program.
+// Runs the tests of `suite` for both kinds of program.
 #define FOR_BOTH_KINDS(suite) INSTANTIATE_TEST_SUITE_P(Programs, suite, testing::Values(64, 32), debugtest::BitsName)

@@ -1,4 +1,4 @@
-// What the window does for a debugged program: phases, and what is done once or for a while.
+// The phases of a debug session in the window, and what is done only once or for a limited time.
 #include "debugui/debug_flow.h"
 
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@ TEST(Flow, APaneThatTheUserHadOpenStays) {
     EXPECT_FALSE(FlowClosesPane(&flow, true)) << "opened since, by the user";
 }
 
-TEST(Flow, SaysWhatCommandsMayCountOn) {
+TEST(Flow, CommandsAreAllowedByPhase) {
     DebugFlow flow;
     const auto state = [&] { return std::pair{FlowIsStopped(flow), FlowIsRunning(flow)}; };
     constexpr std::pair kNeither{false, false}, kStands{true, false}, kRuns{false, true};
@@ -68,7 +68,7 @@ TEST(Flow, TimesAreLimited) {
     EXPECT_FALSE(FlowMayPassUnseen(flow, 5050));
 }
 
-TEST(Flow, LooksForTheConsoleAWhileAndLittleLongerOnceItCame) {
+TEST(Flow, LooksForTheConsoleForALimitedTime) {
     DebugFlow flow;
     FlowWatchConsole(&flow);
     int looks = 0;

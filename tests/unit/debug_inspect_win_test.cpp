@@ -12,7 +12,7 @@ using namespace debugtest;
 
 class DebugInspect : public DebugBothTest {
 protected:
-    // Line 3 of that program: the registers are set, the values' address stands in R12 or EBX.
+    // At line 3, the registers are set, and R12 (EBX) holds the address of the values.
     void StopAtValues() {
         ASSERT_TRUE(Start("values"));
         ASSERT_EQ(Step(), 3);
@@ -129,15 +129,16 @@ TEST_P(DebugInspect, WatchValues) {
     EXPECT_EQ(Watch(stack, 2), L"\"" + std::wstring(127, L'a') + L"\"");
 }
 
-// ---- stacks ----------------------------------------------------------------------------------------------------------
+// --- Stacks
 
-// The first frame stands there twice: the walk reads the stack only behind the second line.
+// The first frame is written twice, because the walk reads the stack only after the second line.
 TEST_P(DebugInspect, StackTextFollowsTheFramePointers) {
     ASSERT_TRUE(Start("recursion"));
     ASSERT_EQ(RunTo(8), 8);
     const std::wstring text = Take(DebugWalkStack(&state));
     if (Bits() == 32) {
-        // Both begin at 0, which is behind the last record when it is taken relative to the image within 32 bits.
+        // For a 32-bit program both frames are at address 0. Relative to the image within 32 bits, that is after the
+        // last record.
         EXPECT_EQ(text, L"Call Stack:\r\n  #0  0x0  line 12\r\n  #1  0x0  line 12\r\n");
         return;
     }

@@ -1,4 +1,5 @@
-// The rules of a session: what events mean, where steps and pauses end, stacks, the table of breakpoints, registers.
+// The pure rules of a session: what events mean, where steps and pauses end, stacks, the table of breakpoints,
+// registers.
 #include "debugger/breakpoint_table.h"
 #include "debugger/registers.h"
 #include "debugger/stack_walk.h"
@@ -42,7 +43,7 @@ TEST(DebugRules, BreakpointsAndSingleStepsOf32BitProgramsMayHaveCodesOfTheirOwn)
     for (const Case& one : cases) EXPECT_EQ(ExceptionKindOf(one.code), one.kind) << std::hex << one.code;
 }
 
-// Two records, 0x1010 and 0x1020; the code lies at 0x1000 to 0x1030.
+// A map with two records, at 0x1010 and 0x1020; the code lies at 0x1000 to 0x1030.
 struct TwoLines {
     SdbgLine lines[2] = {{.fileId = 1, .line = 7, .rva = 0x1010}, {.fileId = 2, .line = 9, .rva = 0x1020}};
     SdbgMap map;
@@ -64,9 +65,9 @@ TEST(DebugRules, PlaceOfATrapIsLookedForAroundIt) {
     };
     const Case cases[] = {
         {0x1010, {7, 1}},  {0x101F, {7, 1}}, {0x1020, {9, 2}}, {0x102F, {9, 2}},
-        {0x1030, {}},      {0x0FFF, {}},     {0x100F, {7, 1}},  // one before the record
-        {0x100E, {7, 1}},                                       // two
-        {0x100D, {}},                                           // three are too many
+        {0x1030, {}},      {0x0FFF, {}},     {0x100F, {7, 1}},  // one byte before the record
+        {0x100E, {7, 1}},                                       // two bytes
+        {0x100D, {}},                                           // three bytes are too many
         {0x100001010, {}},
     };
     for (const Case& one : cases) {
@@ -159,7 +160,7 @@ TEST(DebugRules, APauseInACallIsOnTheStatementThatHoldsIt) {
     EXPECT_EQ(std::pair(library.address, library.place.line), std::pair(base + 0x9000, 0U));
 }
 
-TEST(DebugRules, AStartRunsOnFromStopsThatAreNotItsOwn) {
+TEST(DebugRules, AStartResumesAfterStopsThatAreNotItsOwn) {
     using enum DebugAwaits;
     EXPECT_TRUE(IsFalseStart({.awaits = FirstLine, .tries = 1, .ofLoader = true}));
     EXPECT_FALSE(IsFalseStart({.awaits = FirstLine, .tries = 2, .ofLoader = true}))
@@ -197,7 +198,7 @@ TEST(DebugRules, StepsGoToTheNextAddress) {
     EXPECT_EQ(RunTarget(program.map, 0, 7).kind, Kind::None);
 }
 
-// Memory of words, from an address on.
+// Memory that holds `words`, from the address `base` on.
 struct Words {
     std::uint64_t base;
     std::vector<std::uint64_t> words;

@@ -1,4 +1,5 @@
-// A session's beginning and end with real programs: what it says, what it leaves, how it stops from every state.
+// Start and end of sessions with real programs: what is said, what is left, and that a program can be ended in every
+// state.
 #include "debugger/debug_session.h"
 
 #include "debug_fixture.h"
@@ -79,7 +80,7 @@ TEST_P(DebugSession, AStartCanBeGivenUp) {
     DebugSetWaitHook([] { return !g_said.empty(); });
     Start("early");
     EXPECT_EQ(state.active, 1u) << "it runs, and may still be stopped";
-    // The start is not over by that: another wait goes on with it, and ends it when its time is over.
+    // The start goes on after its wait was ended: another wait continues it, and ends it when its time is over.
     DebugSetWaitHook(nullptr);
     EXPECT_EQ(DebugWaitStart(&state, 1), kDebugTimeout);
     EXPECT_EQ(SaidText(), L"[Debug] Started. Breakpoint at line 2.\n");
@@ -117,7 +118,7 @@ TEST_P(DebugSession, TakesTheAddressWhereTheProgramWasLoaded) {
     EXPECT_EQ(RawByte(state.map.imageBase + 1), 'Z');
 }
 
-// Programs that cannot be debugged, made from a good one.
+// Programs that cannot be debugged, each made from a good one.
 TEST_P(DebugSession, SaysWhyItDoesNotStart) {
     constexpr const wchar_t* kNoSection = L"[Debug] No .sdbg section found in EXE.\n";
     const std::string good = ReadBytes(Program("straight"));
@@ -195,7 +196,7 @@ TEST_P(DebugSession, StopsInTheThreadThatRunsOntoTheBreakpoint) {
     EXPECT_EQ(state.exitCode, 5u);
 }
 
-// ---- the end ---------------------------------------------------------------------------------------------------------
+// --- The end
 
 TEST_P(DebugSession, StopEndsItFromEveryState) {
     struct Case {
@@ -212,7 +213,7 @@ TEST_P(DebugSession, StopEndsItFromEveryState) {
         if (one.breakpoint) ASSERT_TRUE(DebugSetBreakpoint(&state, one.breakpoint));
         ASSERT_TRUE(DebugContinue(&state));
         const bool held = one.breakpoint != 0 || std::string_view(one.program) == "fault";
-        if (!held) g_deadline = GetTickCount64() + 150;  // a flood's wait would have no end
+        if (!held) g_deadline = GetTickCount64() + 150;  // the wait of a flood has no end of its own
         EXPECT_EQ(Wait(held ? kWaitMs : 100), held ? kDebugStopped : kDebugTimeout);
         Watch();
         g_said.clear();
@@ -248,7 +249,7 @@ TEST_P(DebugSession, BreakInStopsARunningProgram) {
         EXPECT_EQ(state.stopThreadId, state.mainThreadId);
         ASSERT_TRUE(DebugRemoveBreakpoint(&state, AddressOf(4)));
         ASSERT_TRUE(DebugContinue(&state));
-        // Wine 8 now and then ends a program that is broken into just as it goes on.
+        // Waits a moment first, because Wine 8 sometimes ends a program that is broken into just as it resumes.
         EXPECT_EQ(Wait(50), kDebugTimeout);
         ASSERT_TRUE(DebugBreakIn(&state));
         ASSERT_TRUE(DebugBreakIn(&state)) << "impatient, but one pause";
@@ -284,7 +285,7 @@ TEST_P(DebugSession, NothingHappensWithoutASession) {
     EXPECT_TRUE(g_said.empty());
 }
 
-// Asked one by one: the system's own count is always 0 under Wine 8.
+// Asks for each handle, because GetProcessHandleCount always gives 0 under Wine 8.
 int OpenHandles() {
     int open = 0;
     for (std::uintptr_t value = 4; value < 0x10000; value += 4) {
@@ -305,7 +306,7 @@ TEST_P(DebugSession, AHundredSessionsLeaveNoHandle) {
         }
         End();
     };
-    for (int i = 0; i < 4; ++i) session(i);  // what the system opens once
+    for (int i = 0; i < 4; ++i) session(i);  // first, because the system opens some handles once
     const int before = OpenHandles();
     ASSERT_GT(before, 0);
     for (int i = 0; i < 100 && !HasFailure(); ++i) session(i);

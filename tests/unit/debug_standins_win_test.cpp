@@ -51,7 +51,7 @@ INSTANTIATE_TEST_SUITE_P(Compilers, DebugStandins, testing::ValuesIn(kCompilers)
 
 TEST_P(DebugStandins, StepsFromTheFirstLineToTheEnd) {
     const bool traps = GetParam().id == kCompilerKeldorBasic;
-    // A map begins with the routine's heading; a trap stands before each statement below it.
+    // A map begins with the heading of the routine; traps stand only before the statements below it.
     const std::vector<int> begin =
         traps ? std::vector<int>{10, 12, 13, 14, 15, 16, 13} : std::vector<int>{9, 12, 13, 14, 15, 16, 18};
     std::vector<int> lines = {state.currentLine};

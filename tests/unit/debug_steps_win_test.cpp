@@ -38,7 +38,7 @@ TEST_P(DebugSteps, IntoFollowsACallAndOutComesBack) {
     }
 }
 
-TEST_P(DebugSteps, OutIsAStepOverWhereNoReturnAddressLies) {
+TEST_P(DebugSteps, OutIsAStepOverWithoutAReturnAddress) {
     ASSERT_TRUE(Start("calls"));
     ASSERT_TRUE(DebugRunToLineIn(&state, 2, 3));
     ASSERT_EQ(Arrive(), 3);
@@ -58,7 +58,7 @@ TEST_P(DebugSteps, OverACallStaysInTheProcedure) {
     EXPECT_EQ(state.exitCode, 9u);
 }
 
-// The record of line 0 behind it is no target.
+// The record after the last statement has line 0 and is no target.
 TEST_P(DebugSteps, TheLastStatementIsNotLeft) {
     ASSERT_TRUE(Start("calls"));
     ASSERT_TRUE(DebugRunToLineIn(&state, 2, 4));
@@ -81,8 +81,8 @@ TEST_P(DebugSteps, RunToALine) {
     EXPECT_EQ(RunTo(5), -2) << "it does not come by there again";
 }
 
-// A step that ended at another breakpoint leaves its target behind.
-TEST_P(DebugSteps, TargetsOfEarlierStepsAreInNobodysWay) {
+// A step that stopped at another breakpoint leaves its target in the table.
+TEST_P(DebugSteps, TargetsOfEarlierStepsDoNotStopTheProgram) {
     ASSERT_TRUE(Start("loop"));
     ASSERT_TRUE(DebugSetTempBp(&state, AddressOf(3), 3));
     EXPECT_EQ(RunTo(5), 5) << "not at 3";
@@ -104,7 +104,7 @@ TEST_P(DebugSteps, ARunningProgramCannotBeStepped) {
     EXPECT_EQ(state.breakpointCount, 1) << "and nothing is left in it";
 }
 
-// Whoever armed it: a step does not stop where it begins.
+// A step does not stop where it begins, even when the breakpoint there was armed again.
 TEST_P(DebugSteps, TheStatementUnderABreakpointRuns) {
     ASSERT_TRUE(Start("straight"));
     DebugRearmBreakpoints(&state);
@@ -142,14 +142,14 @@ TEST_P(DebugSteps, TwoHundredStatements) {
     EXPECT_EQ(Step(), -1);
 }
 
-// ---- programs with trap bytes of their own ---------------------------------------------------------------------------
+// --- Programs with trap bytes of their own
 
 class DebugTraps : public DebugBothTest {
 protected:
     TempFolder folder_;
     std::uint64_t run_ = 0;  // address of the run of three before the first statement
 
-    // The side file says that PBMAIN begins at the trap of that number in the run.
+    // Starts a program whose side file says that PBMAIN begins at trap number `first` of the run.
     bool StartTraps(std::uint32_t first) {
         const auto program = folder_.path / "traps.exe";
         const std::string bytes = ReadBytes(Program("traps"));
@@ -188,7 +188,7 @@ TEST_P(DebugTraps, EachStatementsTrapIsAStop) {
     EXPECT_EQ(state.exitCode, 6u);
 }
 
-// The first trap lies before the map's first record; the line is that of the record right behind it.
+// The first trap lies before the map's first record; its line is that of the record right after it.
 TEST_P(DebugTraps, ALineIsLookedForAroundTheTrap) {
     for (const std::uint32_t first : {1u, 2u}) {
         SCOPED_TRACE(first);
@@ -207,7 +207,7 @@ TEST_P(DebugTraps, ContinueRunsPastTheTrapsToTheUsersBreakpoint) {
     ASSERT_TRUE(DebugSetBreakpoint(&state, 4));
     EXPECT_EQ(state.breakpoints[0].originalByte, 0xCC);
     int line = 0;
-    for (int i = 0; i < 2 && line == 0; ++i) {  // the trap outside the code is the program's own business
+    for (int i = 0; i < 2 && line == 0; ++i) {  // the trap outside the code has no line
         ASSERT_TRUE(DebugContinue(&state));
         line = Arrive();
     }
@@ -230,7 +230,7 @@ TEST_P(DebugTraps, SaysWhatIsMissing) {
     EXPECT_EQ(state.active, 0u);
 }
 
-// The start's last resort: no trap of the map is met at all.
+// The start gives up when it meets no trap of the map.
 TEST_P(DebugTraps, SaysWhenNoStatementIsReached) {
     StartTraps(0);
     End();

@@ -1,5 +1,5 @@
-// Random work at a program's breakpoints, reproducible by its number: whatever was planted, stepped and taken away, the
-// program computes what it computes alone.
+// Random work with breakpoints and steps, reproducible by a seed: whatever was planted, stepped and removed, the
+// program's result is the same as without a debugger.
 #include "debug_fixture.h"
 
 #include <random>
@@ -27,7 +27,7 @@ protected:
         return state.breakpoints[static_cast<std::size_t>(Pick(random, 0, state.breakpointCount - 1))].address;
     }
 
-    // One thing to a stopped program. True: it was resumed.
+    // Does one random thing to a stopped program. True: it was resumed.
     bool Act(Random& random, int lastLine) {
         constexpr const char* kConditions[] = {"1==1", "1==2", "RCX<3", "RAX>=RBX", "rip!=0", nullptr};
         const int line = Pick(random, 1, lastLine);

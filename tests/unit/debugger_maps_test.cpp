@@ -43,9 +43,11 @@ std::string TwoByText(bool is64) {
                             {".sdbg", 0x4000, pe_bytes::Sdbg1({{1, 5, 0x3000}})}});
 }
 
-// What all header readers say: image base, ".text" address, its info (rva/offset/raw/virtual), ".sdbg" offset/length.
+// The results of all header readers: image base, address of ".text", its info (rva/offset/raw/virtual), ".sdbg"
+// offset/length.
 std::string Headers(const std::string& bytes) {
-    const std::vector<std::uint8_t> file(bytes.begin(), bytes.end());  // nothing behind the last byte
+    const std::vector<std::uint8_t> file(bytes.begin(),
+                                         bytes.end());  // exact, so that the sanitizer sees a read after the last byte
     std::ostringstream text;
     std::uint64_t base = 0;
     if (GetPeImageBase(file.data(), file.size(), &base)) text << std::hex << base;
@@ -268,7 +270,7 @@ TEST(SdbgQueries, TheTextRangeLimitsLookupsByAddress) {
     const std::uint32_t expected[][2] = {{0x100F, 0}, {0x1010, 12}, {0x102F, 12}, {0x1030, 0}};
     for (const auto& [rva, line] : expected) EXPECT_EQ(SdbgRvaToLine(&map, rva), line) << rva;
     EXPECT_EQ(SdbgFindRecord(&map, 0x1030), 3) << "does not ask for the range";
-    map.textSize = 0xFFFFFFFFU;  // an end beyond 4 GB
+    map.textSize = 0xFFFFFFFFU;  // ends above 4 GB
     EXPECT_EQ(SdbgRvaToLine(&map, 0x2000), 20U);
 }
 
@@ -288,7 +290,7 @@ TEST(SdbgQueries, AnEmptyMapAndAFreedOneKnowNothing) {
     }
 }
 
-// Without an index the lookups scan: that is what the index must agree with, in maps of any order.
+// Without an index, lookups scan the records. The index must give the same answers, in maps of any order.
 TEST(SdbgQueries, TheIndexChangesNoAnswer) {
     std::mt19937 random(20261121);
     const auto below = [&random](std::uint32_t limit) { return static_cast<std::uint32_t>(random() % limit); };
@@ -468,7 +470,7 @@ TEST(PbdMap, ContainsTheName) {
     EXPECT_FALSE(PbdContainsPbmain({}));
 }
 
-TEST(PbdMap, OneTrapARun) {
+TEST(PbdMap, OneTrapForEachRun) {
     const std::string code = "\xCC.\xCC\xCC.\xCC.";
     const TextSectionInfo text = {0x400000, 0x1000, 2, 7, 7};
     const auto traps = [](const std::string& program, const TextSectionInfo& info, std::uint32_t start,

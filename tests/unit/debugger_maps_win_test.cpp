@@ -1,4 +1,4 @@
-// Line maps from files: programs of the stand-in compilers, and files that are none.
+// Line maps from files: programs of the stand-in compilers, and files that are no such programs.
 #include "base/handles.h"
 #include "base/log.h"
 #include "base/wide_format.h"
@@ -54,7 +54,7 @@ protected:
         return root_ / name;
     }
     void StartLog() const { OpenLog((root_.wstring() + L"\\").c_str()); }
-    // What stands in the log, without byte order mark and times.
+    // The lines of the log, without byte order mark and times.
     std::vector<std::string> Logged() const {
         CloseLog();
         std::ifstream file(root_ / L"Editor_Detect.log");
@@ -65,7 +65,7 @@ protected:
         }
         return lines;
     }
-    // Loads anew; whether a map came, what was said instead.
+    // Loads a map again. "loaded", or what was said instead.
     std::wstring Load(const fs::path& program, std::uint32_t compiler) {
         SdbgFree(&map_);
         g_said.clear();
@@ -176,14 +176,14 @@ TEST_F(DebuggerMapsWin, OfTheCompilerWithTraps) {
     EXPECT_EQ(lines, (std::vector<std::uint32_t>{6, 8, 9, 10, 12, 14}));
     EXPECT_EQ(SdbgRvaToLine(&map_, map_.textRva + map_.textSize), 0U);
 
-    // Without its side file there is no map, whatever sections it has.
+    // Without its side file this program has no map, whatever sections it has.
     fs::remove(program.wstring() + L".pbd");
     EXPECT_EQ(Load(program, kCompilerKeldorBasic),
               L"[Debug] No PowerBASIC debug database found: " + program.wstring() + L".pbd\n");
     EXPECT_EQ(Load(program, kCompilerKvxa32), kNoSection);
 }
 
-// --- Files that are none
+// --- Files without a map
 
 TEST_F(DebuggerMapsWin, ProgramsWithoutAMap) {
     const std::string good = Program({{1, 5, 0x1000}});
@@ -261,14 +261,15 @@ TEST_F(DebuggerMapsWin, StructuralLinesAreShownOnTheStatementBefore) {
     const std::string basic =
         "ELSE\nSUB PBMAIN\n  IF a THEN\n    b = 1\n  else\n    c = 1\n  End If ' so\nEND SUB\n'\nELSE\n";
     const fs::path source = Put(L"part.bas", basic);
-    const fs::path program = Put(L"part.exe", Program({{1, 1, 0x1000},  // nothing before it
-                                                       {1, 3, 0x1004},
-                                                       {1, 5, 0x1008},
-                                                       {2, 7, 0x100C},  // the file of a record is not asked
-                                                       {1, 9, 0x100E},  // stays, and lies above the next one's new line
-                                                       {1, 10, 0x1010},
-                                                       {1, 0, 0x1014},
-                                                       {1, 0xFFFFFFFF, 0x1018}}));
+    const fs::path program =
+        Put(L"part.exe", Program({{1, 1, 0x1000},  // nothing before it
+                                  {1, 3, 0x1004},
+                                  {1, 5, 0x1008},
+                                  {2, 7, 0x100C},  // the file of a record does not matter
+                                  {1, 9, 0x100E},  // keeps its line, although the next record gets a lower one
+                                  {1, 10, 0x1010},
+                                  {1, 0, 0x1014},
+                                  {1, 0xFFFFFFFF, 0x1018}}));
     const auto lines = [this] {
         std::vector<std::uint32_t> found;
         for (int i = 0; i < map_.lineCount; ++i) found.push_back(map_.lines[i].line);

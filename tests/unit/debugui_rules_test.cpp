@@ -1,4 +1,4 @@
-// Breakpoints as data, conditions, what is shown of a stop.
+// Breakpoints as data, conditions, texts and scrolling of a stop.
 #include "debugui/breakpoint_rules.h"
 #include "debugui/breakpoints.h"
 #include "debugui/stop_view.h"
@@ -17,7 +17,7 @@ TEST(Condition, IsCountedInBytes) {
     EXPECT_NE(ConditionProblem(std::string(64, 'x')).find(L"64 bytes"), std::wstring::npos);
 }
 
-TEST(Condition, SaysWhatItWillNotDo) {
+TEST(Condition, WarnsOfWhatItDoesNotDo) {
     const struct {
         const char* condition;
         const wchar_t* part;  // of the notice; empty: none
@@ -52,7 +52,7 @@ std::string Describe(const MarkerMatch& match) {
     return text;
 }
 
-TEST(Breakpoints, MeetTheirMarkersAgain) {
+TEST(Breakpoints, AreMatchedWithTheirMarkers) {
     const struct {
         const char* name;
         std::vector<KnownBreakpoint> known;
@@ -93,7 +93,7 @@ TEST(Breakpoints, LinesMoveWithEdits) {
         EXPECT_EQ(MovedLine(each.line, each.first, each.added), each.now) << each.line << " " << each.added;
 }
 
-// A program whose code is known by line, with room for so many breakpoints.
+// A program with code on some lines of "a.bas", and room for `room` breakpoints.
 struct FakeProgram {
     std::map<int, std::uint64_t> code;  // of "a.bas", which is file 1
     std::size_t room = 64;
@@ -130,7 +130,7 @@ UserBreakpoints ListOf(std::initializer_list<int> lines, const std::wstring& pat
     return list;
 }
 
-// Line and look of each: plain, hollow, disabled, conditional.
+// Line and look of each breakpoint; P plain, H hollow, D disabled, C conditional.
 std::wstring Shown(const UserBreakpoints& list) {
     std::wstring text;
     for (const UserBreakpoint& each : list)
@@ -138,7 +138,7 @@ std::wstring Shown(const UserBreakpoints& list) {
     return text;
 }
 
-TEST(Breakpoints, AProgramTakesThoseThatItCan) {
+TEST(Breakpoints, AreRefusedWhereTheProgramCannotTakeThem) {
     FakeProgram program{.code = {{2, 0x1002}, {3, 0x1003}, {4, 0x1003}, {7, 0x1007}}};
     UserBreakpoints list = ListOf({2, 3, 4, 5, 7});
     list[0].condition = "RAX==1";
@@ -177,7 +177,7 @@ TEST(Breakpoints, FollowTheMarkersOfTheirDocuments) {
     FakeProgram program{.code = {{3, 3}, {6, 6}, {9, 9}}};
     UserBreakpoints list = ListOf({3, 5});
     PlantAllBreakpoints(&list, program.Target());
-    // The second went, the first moved, one is new, and a line has one too many.
+    // The second marker is gone, the first has moved, one is new, and one line has two.
     const MarkerMerge merge =
         MergeMarkers(&list, {.document = 1, .path = L"a.bas", .markers = {{103, 6}, {8, 9}, {9, 9}}}, program.Target());
     EXPECT_TRUE(merge.changed);
@@ -192,7 +192,7 @@ TEST(Breakpoints, FollowTheMarkersOfTheirDocuments) {
     EXPECT_EQ(FindBreakpoint(list, 1, 11), 1);
     EXPECT_EQ(FindBreakpoint(list, 2, 11), -1);
 
-    // Closed, they keep their lines for the file; in an untitled document nobody would find them again.
+    // Breakpoints of a closed file keep their lines; those of an untitled document are removed.
     list.push_back(ListOf({4}, L"", 3).front());
     DetachClosedDocuments(&list, [](DocumentId document) { return document != 1; });
     EXPECT_TRUE(BelongsToDocument(list[0], 7, L"A.BAS"));
@@ -219,7 +219,7 @@ TEST(Stop, IsNamedByItsLineOrItsAddress) {
     EXPECT_EQ(StopPlaceText(L"", 0, 0x401000, false), L"0x00401000, no source");
 }
 
-TEST(Stop, WarnsOnceOfASourceThatIsNotTheProgram) {
+TEST(Stop, WarnsOnceOfASourceThatDoesNotMatchTheProgram) {
     StaleWarnings warnings;
     EXPECT_TRUE(NewStaleWarnings(&warnings, L"a.bas", {}).empty());
     EXPECT_EQ(NewStaleWarnings(&warnings, L"a.bas", {.newer = true}).size(), 1U);

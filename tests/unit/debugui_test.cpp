@@ -111,7 +111,7 @@ TEST(Watches, ExpressionsAddChangeAndRemove) {
     EXPECT_EQ(list[0].value, L"1");
     EXPECT_TRUE(WatchSetExpression(list, 0, L"RSP"));
     EXPECT_EQ(list[0].kind, WatchKind::Double);
-    EXPECT_EQ(list[0].value, L"");  // of another place
+    EXPECT_EQ(list[0].value, L"");  // the old value was of another place
     EXPECT_TRUE(WatchSetExpression(list, 0, L""));
     ASSERT_EQ(list.size(), 1U);
     EXPECT_EQ(list[0].expression, L"0x10");
@@ -145,7 +145,7 @@ TEST(Watches, BytesOfTypedValues) {
         {WatchKind::Double, "1.5", 0, {0, 0, 0, 0, 0, 0, 0xF8, 0x3F}},
         {WatchKind::Double, "1.5.", 0, {}},
         {WatchKind::Double, "", 0, {}},
-        {WatchKind::Text, "abc", 3, {'a', 'b', 'c'}},  // exactly over the old one: its end stays
+        {WatchKind::Text, "abc", 3, {'a', 'b', 'c'}},  // as long as the old one, so no terminator is written
         {WatchKind::Text, "\"ab\"", 3, {'a', 'b', 0}},
         {WatchKind::Text, "", 3, {0}},
         {WatchKind::Text, "abcd", 3, {}},
@@ -253,7 +253,7 @@ TEST(Disassembly, BeginsWhereDecodingLeadsToTheTarget) {
     for (const auto& each : list) places.push_back(each.address - base);
     EXPECT_EQ(places, (std::vector<std::uint64_t>{0, 1, 4, 8, 11, 12, 13}));
 
-    // A start inside an instruction leads past the target: another one is found.
+    // A start inside an instruction leads past the target, so another start is taken.
     const std::uint64_t wrong[] = {base + 6};
     const auto other = DisasmAround(kCode, base, base + 8, true, wrong);
     EXPECT_TRUE(std::ranges::any_of(other, [&](const auto& each) { return each.address == base + 8; }));

@@ -1,4 +1,4 @@
-// The debug pane as a window over real programs, in this process: when it reads, threads, registers that are written.
+// The debug pane as a window over real programs, in this process: when it reads, threads, and editing of registers.
 #include "debug_fixture.h"
 
 #include "app/app_state.h"
@@ -33,7 +33,8 @@ protected:
         RegisterClassW(&description);
         parent_ = CreateWindowW(description.lpszClassName, L"", WS_POPUP, 0, 0, 700, 400, nullptr, nullptr,
                                 g_app.hInstance, nullptr);
-        // Activated, a window under a bare X server takes two seconds to go.
+        // Not activated, because an activated window takes two seconds to close under an X server without a window
+        // manager.
         ShowWindow(parent_, SW_SHOWNOACTIVATE);
         g_app.hDebugPane = DebugPaneCreate(parent_, IDC_DEBUG_PANE);
         ASSERT_NE(g_app.hDebugPane, nullptr);
@@ -46,7 +47,7 @@ protected:
         DestroyWindow(parent_);
         g_app.hDebugPane = nullptr;
     }
-    // The program's state as the pane sees it, and a refresh that reads it.
+    // Gives the pane the state of the session, selects a view and refreshes it.
     void Show(DebugTab tab) {
         g_app.debugger = state;
         DebugPaneSelect(tab);

@@ -36,7 +36,7 @@ std::string RenderedListing(const std::string& text, std::size_t budget = 1000) 
     return out;
 }
 
-// Imports of two functions and one export, as both kinds of program have them at 2000h.
+// Imports of two functions, and one export, at 2000h, for both kinds of program.
 pe_bytes::Section Names(bool x64) {
     const std::size_t width = x64 ? 8 : 4;
     pe_bytes::Section section = {.name = ".data", .rva = 0x2000, .data = Bytes(0x200), .flags = pe_bytes::kData};
@@ -210,7 +210,7 @@ TEST(Disasm, ThePartAroundTheCaretComesFirst) {
 }
 
 TEST(Disasm, KnownStartsDecideWhereInstructionsBegin) {
-    // A line's code begins within what looks like one instruction: data before it are bytes.
+    // When the code of a line begins within an instruction, the bytes before it are shown as data.
     DisasmProgram mixed = Program64(false);
     mixed.lines = {{0x101A, 1, 1}};
     const std::string text = Rendered(mixed);
@@ -218,7 +218,7 @@ TEST(Disasm, KnownStartsDecideWhereInstructionsBegin) {
     EXPECT_NE(text.find("00014000101A"), std::string::npos) << text;
 }
 
-// The lines of a text that are one label.
+// The number of lines of a text that are this label alone.
 int CountLabels(const std::string& text, const std::string& name) {
     int count = 0;
     for (std::size_t at = text.find(name); at != std::string::npos; at = text.find(name, at + 1))
@@ -237,7 +237,7 @@ TEST(Disasm, AHeadingWithSeveralRecordsNamesTheFirst) {
     EXPECT_EQ(CountLabels(text, "Other"), 1) << text;
 }
 
-// A map may claim any number of procedures.
+// A damaged map may name any number of procedures.
 TEST(Disasm, NamesHaveALimit) {
     constexpr std::uint32_t kLimit = 65536;
     DisasmProgram program;
@@ -294,7 +294,7 @@ TEST(Disasm, FilesWithoutCodeToShowSayWhy) {
          "(The file is damaged: its header contradicts itself.)\r\n"},
     };
     for (const Case& c : cases) EXPECT_EQ(Rendered({.file = c.file}), c.message) << c.name;
-    // Names alone do not make a packed program, nor does a library's missing entry point.
+    // Neither section names nor a missing entry point (of a library) make a packed program.
     EXPECT_TRUE(Rendered({.file = Build({.entry = 0, .sections = {text(kCode64)}})}).starts_with("; --- Section"));
 }
 
@@ -363,7 +363,7 @@ TEST(Listing, ACompilersListingLooksAsExpected) {
 
 // --- The pane
 
-TEST(AsmText, APartHasRoomForSoMuch) {
+TEST(AsmText, APartIsLimited) {
     AsmPart part;
     std::string lines;
     for (std::size_t i = 0; i < kAsmPartLines + 5; ++i) lines += "x\r\n";
@@ -371,7 +371,7 @@ TEST(AsmText, APartHasRoomForSoMuch) {
     EXPECT_EQ(taken.size(), kAsmPartLines * 3 + std::string_view("... the rest is left out here ...\r\n").size());
     EXPECT_TRUE(part.full);
     EXPECT_EQ(AsmPartTake(part, "more\r\n"), "") << "said once";
-    // A long line is cut between its characters, of two bytes here.
+    // A long line is cut between characters, which have two bytes here.
     part = {};
     std::string wide;
     for (int i = 0; i < 6000; ++i) wide += "\xC3\xA9";
@@ -385,7 +385,7 @@ TEST(AsmText, APartHasRoomForSoMuch) {
     EXPECT_EQ(AsmTakePiece(&rest, 2), "5678") << "one without an end too";
 }
 
-// What the pane gets of files in memory; "@" marks the place of the user. Files in the order of their times.
+// Text of the pane for files in memory; "@" marks the user's place. The files are in the order of their times.
 std::string Pane(const AsmRequest& request, const std::map<std::wstring, std::string>& files,
                  const std::string* listing = nullptr) {
     std::string text;
@@ -429,7 +429,7 @@ TEST(AsmRender, ListingThenProgramWithItsLines) {
     EXPECT_NE(code, std::string::npos) << text;
     EXPECT_NE(text.find("; 3: FUNCTION Square", code), std::string::npos) << text;
 
-    // A map's side file stands beside the program; the caret is elsewhere.
+    // The side file of a map is beside the program; the caret is in another file.
     request.caretFile = L"other.bas";
     EXPECT_EQ(Pane(request, files).find('@'), std::string::npos);
     request.program = L"b.exe";
@@ -440,7 +440,7 @@ TEST(AsmRender, ListingThenProgramWithItsLines) {
     EXPECT_NE(Pane(request, files).find("(The source was changed after the program was built"), std::string::npos);
 }
 
-TEST(AsmRequests, BelongToTheLastBuildOrKnowLess) {
+TEST(AsmRequests, NameTheProgramOnlyForTheLastBuild) {
     const BuildRecord last = {.source = L"C:\\x.kxa", .output = L"C:\\x.exe", .staged = L"C:\\x.pb"};
     EXPECT_EQ(AsmRequestOf(last, L"c:/X.kxa", L"l").program, L"C:\\x.exe");
     EXPECT_EQ(AsmRequestOf(last, L"c:/X.kxa", L"l").staged, L"C:\\x.pb");

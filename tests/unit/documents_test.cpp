@@ -1,5 +1,5 @@
-// Recent lists, the open dialog's first folder, the go-to-line target, source file names, the row of documents, decisions
-// of saves, files that are read in pieces.
+// Recent lists, the open dialog's first folder, the go-to-line target, source file names, the row of documents,
+// decisions of saves, files that are read in pieces.
 #include "documents/file_binding.h"
 #include "documents/file_dialog_texts.h"
 #include "documents/goto_line.h"
@@ -62,7 +62,7 @@ TEST(RecentList, PutsTheLatestFirst) {
     }
 }
 
-TEST(RecentList, TakesOneOfItsOwnRows) {
+TEST(RecentList, MayBeGivenOneOfItsOwnRows) {
     wchar_t rows[3][16] = {L"a", L"b", L"c"};
     EXPECT_EQ(RecentListAdd(rows, 3, rows[2], RecentMatch::Exact), 3);
     EXPECT_STREQ(rows[0], L"c");
@@ -163,7 +163,7 @@ TEST(SaveRules, NothingIsReplacedOrOverwrittenUnasked) {
     EXPECT_TRUE(binding.hasFile && binding.encoding == TextEncoding::Ansi && binding.lineEnding == LineEnding::CrLf);
 }
 
-// What a text becomes that is read in pieces, of at most `most` bytes a read.
+// A text that was read in pieces, of at most `most` bytes a read.
 struct MovedText {
     PiecesResult result;
     std::string text;
@@ -185,7 +185,7 @@ MovedText MoveInPieces(std::string_view text, std::size_t most) {
     return moved;
 }
 
-// A character or a line break across every border of the 1 MB pieces, cut at every byte of it.
+// Puts a character or a line break across every border of the 1 MB pieces, cut at each of its bytes.
 TEST(TextPieces, NothingIsCutAtTheBorders) {
     struct Case {
         const char* name;

@@ -28,7 +28,7 @@ protected:
         ASSERT_NE(library_, nullptr) << "no Scintilla.dll in " KVX_DIST_DIR;
         g_ui.hMainWnd =
             CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 400, 300, nullptr, nullptr, nullptr, nullptr);
-        g_selftestTabsMode = true;  // no boxes
+        g_selftestTabsMode = true;  // no message boxes
         folder_ = fs::temp_directory_path() / FormatW(L"kvx-documents-%lu", GetCurrentProcessId());
         fs::create_directories(folder_);
     }
@@ -57,7 +57,7 @@ protected:
     inline static HMODULE library_ = nullptr;
 };
 
-// Load, edit, undo and save of files that are read in pieces, with a character or a CR LF across every border.
+// Loads, edits, undoes and saves files that are read in pieces, with a character or a CR LF across every border.
 TEST_F(DocumentsWin, LargeFilesComeBackByteForByte) {
     const struct {
         const char* across;
@@ -89,7 +89,7 @@ TEST_F(DocumentsWin, LargeFilesComeBackByteForByte) {
         EXPECT_TRUE(Bytes(path) == "'" + bytes) << test.across;
         TabBarRemove(tab);
     }
-    // What is no UTF-8 only near its end is taken back and read as ANSI.
+    // A file that stops being UTF-8 only near its end is read again as ANSI.
     const fs::path ansi = Put(L"ansi.bas", std::string(4 * kTextPiece, 'x') + "\xE9\r\n");
     const int tab = TabBarAdd(ansi.c_str(), L"ansi.bas");
     ASSERT_GE(tab, 0);

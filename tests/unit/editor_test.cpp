@@ -141,7 +141,7 @@ TEST(StickyHeader, IsAPlainPrefixTest) {
     for (const auto& test : cases) EXPECT_EQ(StickyIsHeader(test.line), test.header) << test.line;
 }
 
-// A document as lines, each with its end.
+// The lines of a document, each with its line end.
 std::vector<std::string> SplitKeepingEnds(const std::string& text) {
     std::vector<std::string> lines(1);
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -163,7 +163,7 @@ std::int64_t NaiveHeader(const std::vector<std::string>& lines, std::int64_t lin
     return kStickyNone;
 }
 
-// What the editor does with the cache, on a string; `budget` lines a look. Counts the lines looked at.
+// Looks a header up as the editor does, but in a string; `budget` lines a look. Counts the lines that were read.
 std::int64_t CachedHeader(StickyCache& cache, const std::vector<std::string>& lines, std::int64_t line,
                           std::int64_t budget, std::int64_t* looked) {
     for (;;) {
@@ -204,7 +204,7 @@ TEST(StickyHeader, CacheAgreesWithAScanAfterRandomEditsAndMoves) {
                 text.insert(at, pieces[below(std::size(pieces))]);
             else
                 text.erase(at, below(12));
-            // The change's line as the editor reports it: of its position, in the changed text.
+            // The line of the change as the editor reports it: that of its position in the changed text.
             const std::vector<std::string> after = SplitKeepingEnds(text);
             std::size_t start = 0;
             std::int64_t changed = 0;
@@ -231,13 +231,13 @@ TEST(StickyHeader, TypingAndMovingInADocumentWithoutHeadersLooksAtFewLines) {
     for (std::int64_t line = kLines - 1; line > kLines - 200; --line) {
         StickyForget(cache, line, 0);  // a key on the line
         CachedHeader(cache, lines, line, 1000, &looked);
-        CachedHeader(cache, lines, 5, 1000, &looked);  // and a look at the top
+        CachedHeader(cache, lines, 5, 1000, &looked);  // and a lookup near the top
     }
     EXPECT_LE(looked, 200) << "one line a key";
 }
 
 TEST(BraceMatch, FindsThePartnerOfTheSameStyle) {
-    // The second row gives each byte's style.
+    // `styles` gives the style of each byte.
     const struct {
         const char* name;
         std::string text, styles;

@@ -48,7 +48,7 @@ constexpr Utf8Case kUtf8Cases[] = {
     {"F8", "\xF8\x88\x80\x80\x80"sv, false},
 };
 
-// A block of exactly these bytes: a look beyond its end is one that the sanitizer sees.
+// A block of exactly these bytes, so that the sanitizer sees a read after its end.
 std::vector<char> Exact(std::string_view bytes) { return {bytes.begin(), bytes.end()}; }
 
 bool IsValid(std::string_view bytes) { return IsValidUtf8Bytes(Exact(bytes).data(), bytes.size()); }
@@ -64,19 +64,19 @@ std::string Normalized(std::string_view bytes, LineEnding ending) {
 
 }  // namespace
 
-// Every case also in front of, behind and between stretches of every length that the fast strides treat differently.
-TEST(Files, Utf8IsToldAtEveryAlignment) {
+// Each case also stands before, after and between stretches of every length that the fast check treats differently.
+TEST(Files, Utf8IsRecognisedAtEveryAlignment) {
     EXPECT_TRUE(IsValidUtf8Bytes(nullptr, 0));
     for (const Utf8Case& test : kUtf8Cases) {
         for (std::size_t before = 0; before < 41; ++before) {
             for (const std::size_t after : {0U, 1U, 9U, 40U}) {
                 const std::string text = std::string(before, 'x') + std::string{test.bytes} + std::string(after, 'y');
-                EXPECT_EQ(IsValid(text), test.valid) << test.name << " behind " << before << ", before " << after;
+                EXPECT_EQ(IsValid(text), test.valid) << test.name << " after " << before << ", before " << after;
             }
             if (test.valid && static_cast<unsigned char>(test.bytes.back()) >= 0x80) {
                 const std::string cut =
                     std::string(before, 'x') + std::string{test.bytes.substr(0, test.bytes.size() - 1)};
-                EXPECT_FALSE(IsValid(cut)) << test.name << " cut off, behind " << before;
+                EXPECT_FALSE(IsValid(cut)) << test.name << " cut off, after " << before;
             }
         }
     }
@@ -95,7 +95,7 @@ TEST(Files, TextAndUtf8ConvertBothWays) {
     EXPECT_EQ(ToUtf8(lone), "a\xEF\xBF\xBDz\xEF\xBF\xBD") << "half a pair of surrogates";
 }
 
-// Every way that a save can go, step by step: c copy written, r room, o overwrite, k check, D copy discarded, K copy kept.
+// Every course of a save, step by step: c copy written, r room, o overwrite, k check, D copy discarded, K copy kept.
 TEST(Files, ASaveNeverLeavesTheUserWithoutOldAndNewText) {
     struct Case {
         const char* name;
@@ -136,7 +136,7 @@ TEST(Files, FindsTheFirstCharacterThatIsRefused) {
     EXPECT_EQ(FirstRefusedCharacter("", refuseEuro), -1);
     EXPECT_EQ(FirstRefusedCharacter("caf\xC3\xA9", refuseEuro), -1);
     EXPECT_EQ(FirstRefusedCharacter("\xC3\xA9\xE2\x82\xAC", refuseEuro), 2);
-    // Around the ends of the stretches that are asked about.
+    // Around the ends of the blocks that are asked about.
     for (std::size_t before = 65530; before < 65540; ++before) {
         const std::string head(before, 'x');
         EXPECT_EQ(FirstRefusedCharacter(head + "\xC3\xA9\xE2\x82\xAC" + head, refuseEuro),
@@ -176,7 +176,7 @@ TEST(Files, FirstLineBreakDecides) {
         for (std::size_t before = 0; before < 20; ++before) {
             const std::string text = std::string(before, 'x') + std::string{test.bytes};
             EXPECT_EQ(DetectLineEnding(Exact(text).data(), text.size()), test.ending)
-                << test.bytes << " behind " << before;
+                << test.bytes << " after " << before;
         }
     }
 }
@@ -203,7 +203,7 @@ TEST(Files, PathParts) {
         {L"name.bas", L"", L"name.bas"},
         {L"C:\\x\\y.bas", L"C:\\x\\", L"y.bas"},
         {L"C:\\x\\", L"C:\\x\\", L""},
-        {L"a/b.bas", L"", L"a/b.bas"},  // a forward slash separates nothing
+        {L"a/b.bas", L"", L"a/b.bas"},  // a forward slash is no separator
         {L"", L"", L""},
     };
     for (const Case& test : kCases) {
@@ -293,7 +293,7 @@ TEST(Files, BoundedTextAlwaysEnds) {
     EXPECT_FALSE(SafeCopyW(text, L"123456"));
     EXPECT_STREQ(text, L"12345");
     text[5] = L'!';
-    EXPECT_FALSE(SafeCatW(text, L"x"));  // was not terminated
+    EXPECT_FALSE(SafeCatW(text, L"x"));  // the text had no terminator
     EXPECT_EQ(text[5], L'\0');
     EXPECT_FALSE(SafeCopyW(nullptr, 3, L"x") || SafeCatW(text, 0, L"x"));
 }

@@ -37,7 +37,7 @@ void PutBytes(const fs::path& path, std::string_view bytes) {
     ASSERT_TRUE(WriteFileUtf8(path.c_str(), bytes.data(), bytes.size())) << path;
 }
 
-// A folder of its own for each test, and the recovery copies in it as well.
+// Each test has its own folder, in which recovery copies are kept, too.
 class FilesWin : public testing::Test {
 protected:
     void SetUp() override {
@@ -179,7 +179,7 @@ TEST_F(FilesWin, WithoutAUserFolderTheCopyStandsBesideTheTarget) {
 }
 
 TEST_F(FilesWin, SavingKeepsAttributes) {
-    // Only Windows itself refuses to create over a hidden file with other attributes; Wine takes any.
+    // Windows refuses CREATE_ALWAYS over a hidden file unless the attribute is given; Wine does not.
     const fs::path path = root_ / L"hidden.bas";
     PutBytes(path, "old");
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_ARCHIVE);
@@ -201,7 +201,7 @@ TEST_F(FilesWin, ReadingRefusesWhatIsNoFile) {
     EXPECT_EQ(ReadFileUtf8((root_ / L"open").c_str(), &length), nullptr) << "someone is writing it";
 }
 
-TEST_F(FilesWin, PathsBeyondTheOldLimit) {
+TEST_F(FilesWin, PathsLongerThanMaxPath) {
     const DeepFolder deep(root_.wstring(), 500);
     const std::wstring path = deep.File(L"\u00FCber.bas");
     EXPECT_TRUE(Save(path, "deep\n"));
@@ -243,7 +243,7 @@ TEST_F(FilesWin, CharactersWithoutAPlaceInTheCodePage) {
     EXPECT_EQ(AnsiFirstUnmappable(""), -1);
     EXPECT_EQ(AnsiFirstUnmappable("caf\xC3\xA9 \xE2\x82\xAC"), -1);      // e acute, euro
     EXPECT_EQ(AnsiFirstUnmappable("ab\xE4\xB8\xADz"), 2);                // a Chinese character
-    EXPECT_EQ(AnsiFirstUnmappable("\xCE\xB1"), 0);                       // alpha looks like an a, and is none
+    EXPECT_EQ(AnsiFirstUnmappable("\xCE\xB1"), 0);                       // an alpha must not become an "a"
     EXPECT_TRUE(AnsiCanHold(std::string(65535, 'x') + "\xE2\x82\xAC"));  // more than one block
 }
 

@@ -56,7 +56,7 @@ TEST(Theme, EveryTextColourIsReadable) {
     EXPECT_EQ(ThemeColorRef(0x112233), 0x332211u);
 }
 
-// Of a colour that is not grey, 0..6.
+// Hue of a colour that is not grey, 0..6.
 double Hue(Rgb rgb) {
     const double r = static_cast<double>(rgb >> 16 & 0xFF), g = static_cast<double>(rgb >> 8 & 0xFF),
                  b = static_cast<double>(rgb & 0xFF);
@@ -137,7 +137,7 @@ TEST(Lexer, KeywordSetsAreCleanAndDistinct) {
     EXPECT_FALSE(IsBasicKeyword(""));
 }
 
-// A word that moves to another set gets another colour.
+// The golden file pins the set of each word, because a word in another set gets another colour.
 TEST(Lexer, KeywordsOfEveryLanguageAndDialect) {
     std::string text;
     const auto add = [&text](const std::string& name, Language language, std::uint32_t compiler, int first, int last) {
@@ -170,7 +170,7 @@ struct FormatCase {
     const char* out;
 };
 
-// Those that no text file can hold; the others are in tests/golden/format_before.bas.
+// The cases that a text file cannot hold; the others are in tests/golden/format_before.bas.
 const FormatCase kFormatCases[] = {
     {"trailing blanks go, those of an open string stay", "x = 1  \ny = \"open  \n", "x = 1\ny = \"open  \n"},
     {"line ends stay", "do\r\nx\rloop\ny", "DO\r\n    x\rLOOP\ny"},
@@ -186,7 +186,7 @@ TEST(Format, LineEndsAndBlanksAtThem) {
     }
 }
 
-// The cases of the file, each formatted by itself: what one leaves open does not reach the next.
+// Formats each case of the file by itself, so that a block left open by one does not reach the next.
 TEST(Format, EveryBlockAndRule) {
     const std::string mark = "'=== ";
     std::string text = GoldenText("format_before.bas");
@@ -207,12 +207,12 @@ TEST(Format, HonoursItsOptions) {
     EXPECT_EQ(FormatBasicSource(source, {.useTabs = true, .upperKeywords = false}),
               "do\n\tfor i = 1 to 2\n\t\tx\n\tnext\nloop");
     EXPECT_EQ(FormatBasicSource(source, {.indentWidth = 2}), "DO\n  FOR i = 1 TO 2\n    x\n  NEXT\nLOOP");
-    // A selection inside a block: what it closes was opened before it.
+    // A selection inside a block closes what was opened before it.
     EXPECT_EQ(FormatBasicSource("x\nend if\ny", {}, 2), "        x\n    END IF\n    y");
     EXPECT_EQ(FormatBasicSource("x\nelse\ny", {}, 1), "    x\nELSE\n    y");
 }
 
-// All that formatting may not change: everything but blanks and the case of letters.
+// What formatting must not change: everything but blanks and the case of letters.
 std::string Essence(const std::string& text) {
     std::string essence;
     for (const char c : text) {
@@ -223,7 +223,7 @@ std::string Essence(const std::string& text) {
 }
 
 TEST(Format, NeverChangesMoreThanBlanksAndCase) {
-    // Pieces of programs put together without sense: whatever comes out, nothing may be lost or doubled.
+    // Random sequences of pieces of programs: formatting must neither lose nor double anything.
     const char* const pieces[] = {"if ", "then",  "\n",          "\r\n",  "\r",   " _\n",     "\"",  "'",
                                   ":",   "for i", "next",        "sub a", "end ", "function", "asm", "! x",
                                   "#if", "#else", "select case", "case ", "rem",  "\t",       " ",   "x=1",

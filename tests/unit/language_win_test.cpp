@@ -26,7 +26,7 @@ public:
     LexedText(const LexedText&) = delete;
     LexedText& operator=(const LexedText&) = delete;
 
-    // A letter for each character: the style's number, 'A' for 0.
+    // A letter for the style of each character: 'A' for 0.
     std::string Styles() const {
         std::string styles;
         for (std::size_t i = 0; i < length_; ++i)
@@ -70,7 +70,7 @@ TEST(Styling, OfASampleInTwoDialects) {
         const std::wstring wide = g_compilers[compiler].name;
         const std::string name(wide.begin(), wide.end());
         found += "=== " + name + "\n" + Interleaved(text, whole.Styles());
-        // As when somebody types: what a line gets depends on the lines above and on nothing else.
+        // Colours line by line, as typing does: a line's colours must depend only on the lines above it.
         const LexedText pieces(Language::Basic, compiler, text);
         for (std::size_t start = 0; start < text.size();) {
             const std::size_t end = std::min(text.find('\n', start), text.size() - 1) + 1;

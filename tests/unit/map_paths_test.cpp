@@ -1,4 +1,4 @@
-// Names of files in line maps, as far as text goes.
+// Names of files in line maps, as text alone.
 #include "program/map_paths.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// Files of line maps on a disk: copies that are gone, and maps that name files twice or by no name.
+// Files of line maps on a disk: staged copies that are gone, and maps that name a file twice or by an empty name.
 #include "program/map_paths.h"
 #include "debugui/location.h"
 #include "files/file_io.h"
@@ -33,11 +33,18 @@ TEST_F(MapFiles, CopiesOfTheSourceAreTheSource) {
         const char* name;
         bool first;
         const wchar_t* expected;  // beside the source
-    } cases[] = {
-        {"main.kxa", true, L"main.kxa"},  {"part.inc", false, L"main.kxa"},  // the staged copy, there or not
-        {"main.pb", false, L"main.kxa"},  {"x/../main.bas", false, L"main.kxa"}, {"gone.inc", true, L"main.kxa"},
-        {"gone.inc", false, L"gone.inc"}, {"main.inc", false, L"main.inc"},      {"./x/y.inc", false, L"x\\y.inc"},
-    };
+    } cases
+        [] =
+            {
+                {"main.kxa", true, L"main.kxa"},
+                {"part.inc", false, L"main.kxa"},  // the staged copy, whether it exists or not
+                {"main.pb", false, L"main.kxa"},
+                {"x/../main.bas", false, L"main.kxa"},
+                {"gone.inc", true, L"main.kxa"},
+                {"gone.inc", false, L"gone.inc"},
+                {"main.inc", false, L"main.inc"},
+                {"./x/y.inc", false, L"x\\y.inc"},
+            };
     for (const auto& c : cases) EXPECT_EQ(PathOfMapFile(c.name, c.first, compiled), folder + c.expected) << c.name;
     for (const char* name : {static_cast<const char*>(nullptr), "", "C:\\", "folder\\", "folder/"})
         EXPECT_EQ(PathOfMapFile(name, false, compiled), L"");

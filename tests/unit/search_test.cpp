@@ -106,7 +106,7 @@ TEST(FindRules, PlansAroundSelectionAndScope) {
     EXPECT_EQ(backward.wrapped, (FindSpan{100, 0}));
 
     const FindSpan scope{40, 60};
-    EXPECT_EQ(PlanFind({20, 30}, scope, true).first, (FindSpan{40, 60}));  // from before the scope: all of it
+    EXPECT_EQ(PlanFind({20, 30}, scope, true).first, (FindSpan{40, 60}));  // from before the scope: searches all of it
     EXPECT_EQ(PlanFind({70, 80}, scope, true).first, (FindSpan{40, 60}));
     EXPECT_EQ(PlanFind({70, 80}, scope, false).first, (FindSpan{60, 40}));
     EXPECT_EQ(PlanFind({45, 50}, scope, false).first, (FindSpan{45, 40}));

@@ -35,7 +35,8 @@ protected:
     }
     FindSpan All() { return {0, SciSend(editor_, SCI_GETLENGTH)}; }
 
-    // The matches that repeated "find next" selects, as "START-END", a "w" before those behind the wrap.
+    // The matches that repeated "find next" selects, as "START-END"; "w" marks those after the search has wrapped
+    // around.
     std::vector<std::string> Walk(const FindQuery& query, bool forward, int steps) {
         std::vector<std::string> found;
         for (int i = 0; i < steps; ++i) {
@@ -144,7 +145,8 @@ TEST_F(FindEngine, KeepsToTheScope) {
     EXPECT_EQ(Text(), "x ab ab");
 }
 
-// The component answers a faulty expression like a missing match, so every one that it refuses has to be told before.
+// Scintilla answers a faulty expression like a missing match, so each expression that it refuses must be recognised
+// before.
 TEST_F(FindEngine, KnowsWhatTheComponentRefuses) {
     SetText("aaa(b)[c]*d^e$\\1<>");
     FindQuery query;
@@ -158,7 +160,7 @@ TEST_F(FindEngine, KnowsWhatTheComponentRefuses) {
     }
 }
 
-// A long line with expressions that make backtracking engines recurse once a character.
+// A long line, with an expression for which backtracking engines recurse once a character.
 TEST_F(FindEngine, LongLinesAreSafe) {
     SetText(std::string(1 << 20, 'a') + "b");
     const FindResult result = FindInScope(FindTextOf(editor_), Prepared("a.*b", kRegex), All(), true);

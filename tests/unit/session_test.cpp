@@ -175,7 +175,7 @@ TEST(SessionText, OffersOnlySessionsWithFiles) {
     EXPECT_TRUE(SessionListsFiles("[File1]\r\nPath=\r\n[File2]\r\nPath=x"));
 }
 
-TEST(WorkspaceText, ComposesWithTheCommaOfAllTabs) {
+TEST(WorkspaceText, ComposesWithACommaAfterEveryFile) {
     const std::vector<WorkspaceTab> tabs = {{.path = L"C:\\a\"b.bas", .cursor = 12}, {.path = L"", .cursor = 3}};
     EXPECT_EQ(WorkspaceCompose(tabs, 1, 9, L"-x \"q\" \\"),
               L"{\r\n  \"version\": \"1.0\",\r\n  \"files\": [\r\n"
@@ -203,7 +203,7 @@ TEST(WorkspaceText, ReadsWhatItWrites) {
     }
     EXPECT_EQ(JsonExtractInt(text.c_str(), L"activeFile", 0), 5);
 
-    // A path of backslashes only is the longest that escaping makes; it comes back whole.
+    // A path of backslashes becomes longest by escaping. It comes back whole.
     const std::wstring longest = WorkspaceCompose({&tabs.back(), 1}, 0, 0, L"");
     ASSERT_EQ(JsonParseFiles(longest.c_str(), files->paths, files->cursors, kWorkspaceMaxFiles), 1);
     EXPECT_EQ(files->paths[0], tabs.back().path);
@@ -243,7 +243,7 @@ TEST(WorkspaceText, ListEndsAtTheFirstClosingBracket) {
         return JsonParseFiles(text, files->paths, files->cursors, kWorkspaceMaxFiles);
     };
     EXPECT_EQ(parse(L"{\"files\": [{\"path\": \"a\"}], \"path\": \"b\", \"cursorPos\": 4}"), 1);
-    EXPECT_EQ(files->cursors[0], 0);  // the one behind the list is not its own
+    EXPECT_EQ(files->cursors[0], 0);  // the cursor after the list does not belong to it
     EXPECT_EQ(parse(L"{\"path\": \"a\"}"), 0);
     EXPECT_EQ(parse(L"{\"files\": [{\"path\": \"a\""), 0);
     EXPECT_EQ(parse(L"{\"files\": []}"), 0);

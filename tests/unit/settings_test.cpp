@@ -24,7 +24,7 @@ const SettingRow& Row(std::wstring_view section, std::wstring_view key) {
     return SettingRows().front();
 }
 
-// What the system's functions make of the text after the "=".
+// The value that GetPrivateProfileString makes of the text after the "=".
 std::wstring AsRead(std::wstring text) {
     while (!text.empty() && (text.back() == L' ' || text.back() == L'\t')) text.pop_back();
     text.erase(0, text.find_first_not_of(L" \t"));
@@ -54,7 +54,7 @@ std::wstring StoredIn(const std::wstring& file, const std::wstring& section, con
 
 }  // namespace
 
-// One of each kind of limit.
+// One setting for each kind of limit.
 TEST(Settings, Limits) {
     struct Case {
         const wchar_t *section, *key;
@@ -74,7 +74,7 @@ TEST(Settings, Limits) {
     }
 }
 
-// Every row's field holds what the row says it does: a wrong offset or capacity would run into a neighbour.
+// A wrong offset or capacity in a row would make its field overlap another.
 TEST(Settings, RowsDoNotOverlap) {
     std::string owners(sizeof(Settings), '\0');
     for (const SettingRow& row : SettingRows()) {
@@ -114,7 +114,7 @@ TEST(Settings, StartAndFactoryStateDifferOnPurpose) {
     EXPECT_STREQ(settings->openAICodeModel, L"gpt-4o-mini");
 }
 
-TEST(Settings, KeysTooShortToBeOneGoWithTheirService) {
+TEST(Settings, AServiceWithTooShortAKeyIsSwitchedOff) {
     const auto settings = std::make_unique<Settings>();
     const auto check = [&settings](const wchar_t* openAi, const wchar_t* lmStudio) {
         SafeCopyW(settings->openAIKey, openAi);
@@ -148,7 +148,7 @@ TEST(Settings, StoredValuesComeBackUnchanged) {
         EXPECT_LE(stored.size(), IniValueCapacity(value.size() + 1));
         EXPECT_EQ(DecodeIniValue(AsRead(stored)), value) << stored;
     }
-    // Written by hand: what is no escape sequence stands for itself.
+    // In a value written by hand, what is no escape sequence stays as it is.
     EXPECT_EQ(DecodeIniValue(L"[ESC]a\\q\\x1\\xZZ\\"), L"a\\q\\x1\\xZZ\\");
 }
 
@@ -244,7 +244,7 @@ TEST(SettingsText, WhatIsComposedIsParsed) {
     EXPECT_EQ(StoredIn(file, L"Window", L"Left"), L"-3");
     EXPECT_EQ(StoredIn(file, L"Session", L"MRU0"), L"s");
     EXPECT_LT(file.find(L"[MRU]"), file.find(L"[Meta]")) << "the order of the sections";
-    // A description that comes last in its section, and one that does not.
+    // The sections of the compilers keep their order, too.
     EXPECT_LT(file.find(L"[KVXC64]"), file.find(L"[KELDORBASIC]"));
 
     const SettingsSource source = {
@@ -273,7 +273,7 @@ TEST(SettingsText, WhatIsComposedIsParsed) {
     EXPECT_STREQ(read->mruFiles[1], L" b\r\n");
     EXPECT_EQ(read->mruCount, 2);
     EXPECT_STREQ(read->compilers[kCompilerKvxb64].description, settings->compilers[kCompilerKvxb64].description);
-    // It fits into the record here: nothing of it need be kept beside.
+    // The value fits into the record, so nothing is kept beside it.
     EXPECT_EQ(found[0].row, nullptr);
 }
 
@@ -341,7 +341,7 @@ TEST(RunOverrides, LastUntilTheSettingIsChanged) {
     EXPECT_EQ(restored().activeCompiler, 3);
     EXPECT_EQ(restored().fontSize, 12);
     EXPECT_STREQ(restored().fontName, L"Consolas");
-    // The user chooses another size, and then the one that the command line had given: now it is his.
+    // When the user chooses another size and then that of the command line, it is the user's own.
     for (const int points : {31, 30}) {
         settings->fontSize = points;
         EndChangedOverrides(overrides, *settings);

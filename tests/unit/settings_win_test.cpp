@@ -33,7 +33,7 @@ protected:
     void TearDown() override { SettingsDefaults(g_app.settings); }
     void Save() { SettingsSave(ini_.c_str()); }
     void Load() {
-        // Nothing may come back that was only in memory.
+        // Resets first, so that no value only in memory seems to be loaded.
         SettingsReset(g_app.settings);
         SettingsLoad(ini_.c_str());
     }
@@ -53,7 +53,7 @@ protected:
     std::wstring ini_;
 };
 
-// Awkward text that fits into a field of `capacity` characters; another one for each number.
+// A text that is hard to store, for a field of `capacity` characters; a different one for each number.
 std::wstring Awkward(std::size_t number, std::size_t capacity) {
     constexpr const wchar_t* kTexts[] = {L" both ends ",  L"\"in quotes\"", L"\u4E2D\u6587 \u03B1\u00DF",
                                          L"; no comment", L"a\r\nb\\n",     L"'x'",
@@ -119,7 +119,7 @@ TEST_F(SettingsWin, EverySettingComesBackAsItWas) {
 }
 
 TEST_F(SettingsWin, ReadsWhatWasWrittenByHand) {
-    // In the code page, with other spacing, comments and keys nobody knows.
+    // A file in the code page, with other spacing, comments and unknown keys.
     constexpr std::string_view kText =
         "; mine\r\n[Editor]\r\nFont =  \"Caf\xE9 Mono\"  \r\nFontSize=5\r\nUnknown=1\r\nUseTabs=-3\r\n"
         "ShowErrorList=1\r\n[Colors]\r\nKeyword=255\r\n[MRU]\r\nCount=15\r\nFile0=C:\\a.bas\r\n"
@@ -172,7 +172,7 @@ TEST_F(SettingsWin, AFailedSaveLeavesTheOldFile) {
     const std::string old = FileBytes(ini_);
     g_app.settings.tabWidth = 7;
     {
-        // Someone holds the temporary file: it cannot be written.
+        // The temporary file is locked, so it cannot be written.
         const UniqueHandle lock{CreateFileW((ini_ + L".tmp").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                                             FILE_FLAG_DELETE_ON_CLOSE, nullptr)};
         ASSERT_TRUE(lock);

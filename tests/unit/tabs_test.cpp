@@ -1,4 +1,4 @@
-// Geometry of the tab bar, arithmetic of the row of documents, what the pointer does.
+// Geometry of the tab bar, indexes in the row of documents, what the pointer does.
 #include "documents/row_rules.h"
 #include "tabs/tab_bar_layout.h"
 #include "tabs/tab_pointer.h"
@@ -46,7 +46,7 @@ TEST(TabLayout, HitsTheTabUnderThePointer) {
     EXPECT_EQ(TabHit(row, 0, 0), 0);
     EXPECT_EQ(TabHit(row, 99, 31), 0);
     EXPECT_EQ(TabHit(row, 100, 5), 1);
-    EXPECT_EQ(TabHit(row, 300, 5), -1) << "behind the last";
+    EXPECT_EQ(TabHit(row, 300, 5), -1) << "after the last";
     EXPECT_EQ(TabHit(row, 50, 32), -1) << "below";
     EXPECT_EQ(TabHit({}, 5, 5), -1);
 }
@@ -59,7 +59,7 @@ TEST(TabLayout, ADraggedTabChangesPlacesAtItsNeighboursMiddle) {
                  {3, 350, 3}, {3, 251, 3}, {3, 249, 2}, {3, -5, 0},  {1, 249, 1},  {1, 251, 2}};
     for (const auto& test : cases) {
         EXPECT_EQ(TabDropIndex(row, test.from, test.x), test.to) << test.from << " at " << test.x;
-        // Once there, the same pointer keeps it there: no flutter.
+        // At its new place, the tab stays for the same pointer position.
         EXPECT_EQ(TabDropIndex(row, test.to, test.x), test.to) << test.from << " at " << test.x << ", again";
     }
 }

@@ -28,7 +28,8 @@ TEST(Icons, EachIsDrawnInsideItsFrameAtEverySize) {
 }
 
 TEST(ToolbarFit, TheLowestRankGoesFirstAndGapsFollow) {
-    // Files | editing | one that stays, running | panes, and one that the moment does not want.
+    // Groups: files | editing | a button that always stays, for running | panes, and a button that is hidden at the
+    // moment.
     const std::vector<BarItem> items = {{10, 2, true, false},      {10, 2, true, false}, {3, 0, false, true},
                                         {10, 1, true, false},      {10, 1, true, false}, {3, 0, false, true},
                                         {30, kStays, true, false}, {10, 4, true, false}, {10, 4, false, false},

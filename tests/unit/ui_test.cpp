@@ -1,4 +1,4 @@
-// What every window shares: columns and tabs in too little room, lengths by DPI, the parts of bars and panes.
+// Layout that windows share: columns and tabs in too little room, lengths by DPI, the parts of bars and panes.
 #include "ai/ai_pane_layout.h"
 #include "commands/status_bar_fit.h"
 #include "ui/fit.h"
@@ -8,7 +8,7 @@
 
 namespace {
 
-TEST(Columns, GiveWayInTheSameMeasure) {
+TEST(Columns, ShrinkInProportion) {
     const std::vector<ColumnRoom> columns = {{100, 60}, {50, 50}, {200, 80}};
     const struct {
         int room;

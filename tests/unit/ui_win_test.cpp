@@ -78,7 +78,7 @@ int g_activated = -1;
 constexpr ListKind kNames = {.columns = kWide, .activate = [](int row, int) { g_activated = row; }};
 constexpr ListKind kOthers = {.columns = kWide, .hasMarks = true};
 
-// Two lists at once, each with its own rows and kinds: what a list keeps is its own.
+// Two lists at once, each with its own rows and columns: neither changes the other's.
 TEST(Lists, KeepTheirRowsAndPlacesApart) {
     SettingsDefaults(g_app.settings);
     g_app.hInstance = GetModuleHandleW(nullptr);
