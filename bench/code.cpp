@@ -10,8 +10,8 @@
 #include <iterator>
 #include <string>
 
-#include "program/pe_image.h"
 #include "disasm/renderer.h"
+#include "program/pe_image.h"
 #include "resources/ids.h"
 #include "support/pe_bytes.h"
 

@@ -48,10 +48,10 @@ HWND CreateFrame(const wchar_t* childClass, DWORD childStyle, int height, HWND* 
     RegisterClassW(&frameClass);
     const HWND frame = CreateWindowExW(0, L"KvxFloor", L"floor", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0, 0, 1200,
                                        height, nullptr, nullptr, instance, nullptr);
-    if (!frame) return nullptr;
+    if (frame == nullptr) return nullptr;
     *child = CreateWindowExW(0, childClass, L"", WS_CHILD | WS_VISIBLE | WS_VSCROLL | childStyle, 0, 0, 10, 10, frame,
                              nullptr, instance, nullptr);
-    return *child ? frame : nullptr;
+    return *child != nullptr ? frame : nullptr;
 }
 
 struct FileBytes {
@@ -84,7 +84,7 @@ int ShowFile(const wchar_t* path) {
     if (!LoadScintilla()) return Fail("cannot load Scintilla.dll");
     HWND pane = nullptr;
     const HWND frame = CreateFrame(L"Scintilla", 0, kWindowHeight, &pane);
-    if (!frame) return Fail("cannot make the window");
+    if (frame == nullptr) return Fail("cannot make the window");
     {
         const FileBytes file = ReadWhole(path);
         if (!file.read) return Fail("cannot read the file");
@@ -135,10 +135,10 @@ void DrainMessages() {
 }
 
 int FeedOutput(int lines) {
-    if (!LoadLibraryW(L"msftedit.dll")) return Fail("cannot load msftedit.dll");
+    if (LoadLibraryW(L"msftedit.dll") == nullptr) return Fail("cannot load msftedit.dll");
     HWND pane = nullptr;
     const HWND frame = CreateFrame(L"RICHEDIT50W", ES_MULTILINE | ES_AUTOVSCROLL | ES_READONLY, kPaneHeight, &pane);
-    if (!frame) return Fail("cannot make the window");
+    if (frame == nullptr) return Fail("cannot make the window");
     SendMessageW(pane, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
     ShowWindow(frame, SW_SHOW);
     DrainMessages();
@@ -171,7 +171,7 @@ int FeedOutput(int lines) {
 int main() {
     int count = 0;
     wchar_t** arguments = CommandLineToArgvW(GetCommandLineW(), &count);
-    if (!arguments) return Fail("no command line");
+    if (arguments == nullptr) return Fail("no command line");
     if (count == 3 && wcscmp(arguments[1], L"--output") == 0) return FeedOutput(_wtoi(arguments[2]));
     if (count == 2) return ShowFile(arguments[1]);
     std::fprintf(stderr, "usage: floor FILE | floor --output LINES\n");

@@ -138,7 +138,7 @@ void Undeclared(Checker& c, Expr& expr, const std::string& message) {
 void CheckCall(Checker& c, Expr& expr, Procedure& callee);
 
 void CheckName(Checker& c, Expr& expr) {
-    if (Symbol* const symbol = FindVariable(c, expr.name)) {
+    if (Symbol* const symbol = FindVariable(c, expr.name); symbol != nullptr) {
         symbol->used = true;
         expr.symbol = symbol;
         expr.type = symbol->type;
@@ -169,13 +169,13 @@ void CheckName(Checker& c, Expr& expr) {
 Symbol* WholeArray(Checker& c, const Expr& expr) {
     const bool shape = expr.kind == ExprKind::Name || (expr.kind == ExprKind::Apply && expr.args.empty());
     Symbol* const symbol = shape ? FindVariable(c, expr.name) : nullptr;
-    return symbol && symbol->isArray ? symbol : nullptr;
+    return symbol != nullptr && symbol->isArray ? symbol : nullptr;
 }
 
 void CheckArgument(Checker& c, Expr& call, size_t index, const Symbol& parameter) {
     ExprPtr& arg = call.args[index];
-    if (Symbol* const array = WholeArray(c, *arg); array || parameter.isArray) {
-        if (!array || !parameter.isArray || array->type != parameter.type)
+    if (Symbol* const array = WholeArray(c, *arg); array != nullptr || parameter.isArray) {
+        if (array == nullptr || !parameter.isArray || array->type != parameter.type)
             return Report(c.sources, Code::Mismatch, arg->pos,
                           parameter.isArray ? "parameter '" + parameter.spelling + "' takes a whole array of " +
                                                   std::string(TypeName(parameter.type))
@@ -213,7 +213,7 @@ void CheckCall(Checker& c, Expr& expr, Procedure& callee) {
 bool CheckBuiltIn(Checker& c, ExprPtr& expr) {
     if (expr->name == "UBOUND") {
         Symbol* const array = expr->args.size() == 1 ? WholeArray(c, *expr->args[0]) : nullptr;
-        if (array) {
+        if (array != nullptr) {
             array->used = true;
             expr->kind = ExprKind::Bound;
             expr->type = Type::Long;
@@ -248,7 +248,7 @@ bool CheckBuiltIn(Checker& c, ExprPtr& expr) {
 
 void CheckApply(Checker& c, ExprPtr& expr) {
     if (CheckBuiltIn(c, expr)) return;
-    if (Symbol* const symbol = FindVariable(c, expr->name)) {
+    if (Symbol* const symbol = FindVariable(c, expr->name); symbol != nullptr) {
         symbol->used = true;
         if (symbol->isArray && expr->args.size() == 1) {
             CheckExpr(c, expr->args[0]);
@@ -389,10 +389,10 @@ void CheckCallStatement(Checker& c, Stmt& stmt) {
     const auto procedure = c.program.procedureNames.find(call.name);
     if (procedure != c.program.procedureNames.end()) return CheckCall(c, call, *procedure->second);
     Symbol* const variable = FindVariable(c, call.name);
-    if (variable) variable->used = true;
+    if (variable != nullptr) variable->used = true;
     Report(c.sources, Code::Undeclared, call.pos,
-           variable ? "'" + variable->spelling + "' is a variable: an assignment needs '='"
-                    : "'" + call.spelling + "' is no procedure and no statement of this BASIC");
+           variable != nullptr ? "'" + variable->spelling + "' is a variable: an assignment needs '='"
+                               : "'" + call.spelling + "' is no procedure and no statement of this BASIC");
 }
 
 void CheckStatement(Checker& c, Stmt& stmt) {

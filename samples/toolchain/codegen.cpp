@@ -224,7 +224,7 @@ void GenerateProcedure(Generator& g, Procedure& procedure) {
     TrapsBefore(g, procedure.end.line);
     Bind(e, g.returnLabel);
     Mark(g, procedure.end);
-    if (procedure.resultSlot) {
+    if (procedure.resultSlot != nullptr) {
         const Mem result = {BP, procedure.resultSlot->offset};
         if (procedure.result == Type::Double)
             Put(e, op::LoadReal, false, X0, result);

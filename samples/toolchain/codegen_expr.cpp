@@ -264,7 +264,7 @@ void PushArgument(Generator& g, const Expr& arg, const Symbol& parameter, const 
     } else if (parameter.storage == Storage::Frame) {
         GenerateExpr(g, arg);
         return Push(g, parameter.type);
-    } else if (temporary) {
+    } else if (temporary != nullptr) {
         GenerateExpr(g, arg);
         StoreTo(g, parameter.type, {BP, temporary->offset});
         Put(e, op::Lea, e.x64, CX, Mem{BP, temporary->offset});

@@ -133,7 +133,7 @@ ExprPtr ParseBinary(Parser& p, int level) {
     auto left = ParseUnary(p);
     while (left) {
         const BinaryOp* const found = FindBinary(Current(p));
-        if (!found || found->level < level) break;
+        if (found == nullptr || found->level < level) break;
         const Pos pos = Current(p).pos;
         ++p.at;
         auto right = ParseBinary(p, found->level + 1);

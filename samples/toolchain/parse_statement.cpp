@@ -469,8 +469,8 @@ void ParseVariables(Parser& p, bool keepsValue) {
         if (!type) return SkipLine(p);
         for (Symbol& one : named) {
             one.type = *type;
-            auto& symbols = p.current ? p.current->symbols : p.program.moduleSymbols;
-            auto& names = p.current ? p.current->names : p.program.moduleNames;
+            auto& symbols = p.current != nullptr ? p.current->symbols : p.program.moduleSymbols;
+            auto& names = p.current != nullptr ? p.current->names : p.program.moduleNames;
             if (names.count(one.name))
                 Report(p.sources, Code::Duplicate, one.pos, "variable '" + one.spelling + "' is already declared");
             symbols.push_back(one);

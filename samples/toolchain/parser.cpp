@@ -256,7 +256,7 @@ std::optional<Type> ExpectType(Parser& p) {
 void ParseProgram(Parser& p) {
     p.openFiles.push_back(CanonicalName(p.sources.files[0].name));
     ParseFile(p, 0);
-    if (!p.program.main && !TooManyErrors(p.sources))
+    if (p.program.main == nullptr && !TooManyErrors(p.sources))
         Report(p.sources, Code::Syntax, {0, 1, 1}, "the program has no FUNCTION PBMAIN");
 }
 

@@ -58,7 +58,8 @@ bool IsMnemonic(std::string_view word) {
             "sal",   "retn",  "movabs", "iretd", "pushfd", "popfd", "db",     "dw",     "dd",    "dq",
             "dt",    "resb",  "resw",   "resd",  "resq",   "align", "equ"};
         for (int i = 1; i <= ZYDIS_MNEMONIC_MAX_VALUE; ++i)
-            if (const char* name = ZydisMnemonicGetString(static_cast<ZydisMnemonic>(i))) names.insert(name);
+            if (const char* name = ZydisMnemonicGetString(static_cast<ZydisMnemonic>(i)); name != nullptr)
+                names.insert(name);
         return names;
     }();
     return known.contains(Lowered(word));
@@ -68,7 +69,8 @@ bool IsRegister(std::string_view word) {
     static const std::unordered_set<std::string_view> known = [] {
         std::unordered_set<std::string_view> names;
         for (int i = 1; i <= ZYDIS_REGISTER_MAX_VALUE; ++i)
-            if (const char* name = ZydisRegisterGetString(static_cast<ZydisRegister>(i))) names.insert(name);
+            if (const char* name = ZydisRegisterGetString(static_cast<ZydisRegister>(i)); name != nullptr)
+                names.insert(name);
         return names;
     }();
     return known.contains(Lowered(word));

@@ -111,7 +111,7 @@ Code* CodeAt(DisasmRenderer& r, std::uint64_t rva) {
 }
 
 void MarkAt(DisasmRenderer& r, std::uint64_t rva, std::uint8_t mark) {
-    if (Code* code = CodeAt(r, rva)) code->marks[static_cast<std::size_t>(rva - code->rva)] |= mark;
+    if (Code* code = CodeAt(r, rva); code != nullptr) code->marks[static_cast<std::size_t>(rva - code->rva)] |= mark;
 }
 
 std::string Numbered(const char* prefix, std::uint64_t address) {

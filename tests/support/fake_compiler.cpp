@@ -115,7 +115,7 @@ int main() {
     }
     const std::wstring own = OwnPath();
     std::FILE* file = _wfopen((own.substr(0, own.rfind(L'\\') + 1) + L"fake.txt").c_str(), L"rb");
-    if (!file) return 97;
+    if (file == nullptr) return 97;
     std::string script;
     for (int c = std::fgetc(file); c != EOF; c = std::fgetc(file)) script += static_cast<char>(c);
     std::fclose(file);
