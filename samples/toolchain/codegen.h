@@ -1,8 +1,8 @@
-// Tree to machine code for both machines. Values live in one accumulator at a time:
-//   LONG in eax, QUAD in rax (x64) or edx:eax (x86), DOUBLE in xmm0, addresses in cx;
-// the left side of an operation waits on the stack while the right side is computed. bx holds the data section's
-// address throughout, bp the frame. Arguments go on the stack left to right and are removed by the caller; results
-// come back in the accumulator. An array is a count (8 bytes, the low 4 used) followed by its elements.
+// Generates machine code for x86 and x64 from the tree. The value of an expression is in the accumulator:
+//   LONG in eax, QUAD in rax (x64) or edx:eax (x86), DOUBLE in xmm0, addresses in cx.
+// The left side of an operation is on the stack while the right side is computed. bx always holds the address of the
+// data section, bp that of the frame. The caller pushes arguments from left to right and removes them; a result is in
+// the accumulator. An array is a count (8 bytes, the low 4 used) followed by its elements.
 #pragma once
 
 #include "ast.h"
@@ -13,7 +13,7 @@
 
 namespace standin {
 
-// What the linker needs.
+// The input of the linker (pe_writer.h).
 struct Image {
     bool x64 = true;
     std::vector<uint8_t> text;
@@ -26,7 +26,7 @@ struct Image {
     std::vector<uint8_t> sdbg;  // line map section, may be empty
 };
 
-// The code of a statement starts here.
+// The place where the code of a statement starts.
 struct LineRecord {
     uint32_t offset;  // in text
     Pos pos;          // line 0: the following code has no line

@@ -102,7 +102,7 @@ void GenerateAbs(Generator& g, Type type) {
         Put(e, op::MaxReal, false, X0, X1);
         return;
     }
-    if (!IsPair(g, type)) {  // the sign, all ones or zero, flips and adds one
+    if (!IsPair(g, type)) {  // dx is all ones for a negative number: XOR and SUB negate it
         Widen(e, IsWide(g, type));
         Put(e, op::Xor, IsWide(g, type), AX, DX);
         Put(e, op::Sub, IsWide(g, type), AX, DX);
@@ -304,7 +304,7 @@ void GenerateExpr(Generator& g, const Expr& expr) {
         case ExprKind::Unary: return GenerateUnary(g, expr);
         case ExprKind::Binary: return GenerateBinary(g, expr);
         case ExprKind::Convert: return GenerateConvert(g, expr);
-        default: return;  // names and whole arrays: the checker leaves none here
+        default: return;  // the checker has removed names and whole arrays
     }
 }
 

@@ -1,4 +1,4 @@
-// One pass over the characters of a file. Positions count bytes, as the editor's caret does.
+// Reads the characters of a file once. Positions count bytes, as the editor's caret does.
 #include "lexer.h"
 
 #include <algorithm>

@@ -33,7 +33,7 @@ struct Parser {
     bool singleLine = false;  // inside a single-line IF
 };
 
-// Parses sources.files[0] and what it includes.
+// Parses sources.files[0] and the files that it includes.
 void ParseProgram(Parser& parser);
 
 // parse_statement.cpp
@@ -55,7 +55,7 @@ bool TakeWord(Parser& parser, std::string_view word);
 bool TakeMark(Parser& parser, std::string_view mark);
 bool AtStatementEnd(const Parser& parser);
 void SkipLine(Parser& parser);
-bool ExpectWord(Parser& parser, std::string_view word);  // reports and returns false when absent
+bool ExpectWord(Parser& parser, std::string_view word);  // false, after a report, when absent
 bool ExpectMark(Parser& parser, std::string_view mark);
 std::optional<Token> ExpectName(Parser& parser, std::string_view what);
 std::optional<Type> ExpectType(Parser& parser);  // after AS

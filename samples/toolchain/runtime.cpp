@@ -373,7 +373,7 @@ void PlaceRuntimeData(Generator& g) {
 
 void EmitStart(Generator& g) {
     Encoder& e = g.e;
-    Put(e, op::Xor, false, BP, BP);  // the chain of frames ends here
+    Put(e, op::Xor, false, BP, BP);  // 0 ends the chain of frames
     if (e.x64)
         PutBytes(e, "lea rbx, [data]", {0x48, 0x8D, 0x1D, 0, 0, 0, 0});
     else

@@ -11,7 +11,7 @@
 // Initialises `g_buildCs`. Called once, before the main window is created.
 void BuildInit();
 
-int StartCompilerBuild(bool syntaxOnly, bool debug);  // 1 when a compiler process was started (or its pre-build runs)
+int StartCompilerBuild(bool syntaxOnly, bool debug);  // 1 when its compiler or pre-build command was started, else 0
 int CompilerBuild(std::uint32_t id, const wchar_t* source, const wchar_t* output, const wchar_t* flags,
                   bool wantListing);
 void CompilerKill();  // ends the compiler and every process it started; may be called while a build is being started

@@ -26,5 +26,5 @@ DocumentId BatchTakeNext(BuildBatch& batch);
 void BatchDropRest(BuildBatch& batch);  // BatchTakeNext then returns 0
 void BatchCount(BuildBatch& batch, bool success);
 
-std::wstring BatchProgressText(const BuildBatch& batch, std::wstring_view label);  // of the document taken last
+std::wstring BatchProgressText(const BuildBatch& batch, std::wstring_view label);  // for the document taken last
 std::wstring BatchReportText(const BuildBatch& batch);

@@ -83,7 +83,7 @@ void BuildAllDocuments() {
 void BuildAndRunDocument() {
     const DocumentTab* tab = DocumentToBuild();
     if (tab != nullptr && !tab->hasFile) {
-        FileSave(g_documents.activeTab);  // asks for a name
+        FileSave(g_documents.activeTab);  // asks the user for a name
         tab = DocumentToBuild();
     }
     if (tab == nullptr || !tab->hasFile) {

@@ -11,7 +11,7 @@
 
 // --- Whether a build may start
 
-// The reason why a build is refused, in the order in which they are checked.
+// The reasons why a build is refused.
 enum class BuildRefusal : std::uint8_t {
     None,
     Saving,           // saving for an earlier start has opened a dialog; no message

@@ -30,6 +30,7 @@ bool StageRuns();  // true from the start of the process until its reader thread
 // seconds. Does nothing while a stage runs.
 void StageSettle(bool dropOutput);
 
-// Called with the end of a stage: of a build (BuildOnStageEnd) or of a terminal command. Both may start the next stage.
+// Called with the end of a stage of a build (BuildOnStageEnd) or of a terminal command. BuildOnStageEnd may start the
+// next stage.
 void BuildOnStageEnd(const StageResult& result);
 void TerminalOnStageEnd(const StageResult& result);

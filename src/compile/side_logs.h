@@ -10,7 +10,7 @@
 // of 100 ns, as in FILETIME). UI thread only.
 void SideLogsShow(const std::wstring& source, std::uint64_t startTime);
 
-// --- The choice. Pure.
+// --- Which files are shown. Pure.
 // The paths in the order in which they are shown, without the source itself.
 std::vector<std::wstring> SideLogPaths(std::wstring_view source);
 

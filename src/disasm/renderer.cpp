@@ -17,7 +17,7 @@ namespace {
 constexpr std::size_t kMostCode = std::size_t{64} << 20;
 constexpr std::size_t kShortestRun = 16;   // so many equal filling bytes are shown as one line
 constexpr std::size_t kMaxNames = 65536;   // limit for names of procedures and of jumps through imports
-constexpr std::size_t kSourceBytes = 512;  // most of a source line or file name: a map may repeat it very often
+constexpr std::size_t kSourceBytes = 512;  // longest source line or file name shown: a map may repeat it very often
 
 // The part around the focus: so many lines of the map before and after it, and at most kFocusBytes bytes.
 constexpr std::size_t kFocusLinesBefore = 3;
@@ -61,7 +61,7 @@ struct SourceText {
     std::vector<std::string_view> lines;
 };
 
-// `text`, cut between characters.
+// Returns `text`, cut between characters to kSourceBytes.
 std::string_view Shortened(std::string_view text) {
     std::size_t end = std::min(text.size(), kSourceBytes);
     while (end < text.size() && end > kSourceBytes - 4 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
@@ -273,7 +273,7 @@ bool PrepareRendering(DisasmRenderer& r, std::string* out) {
     return true;
 }
 
-// --- Walking through the code
+// --- Stepping through the code
 
 std::size_t RunLength(const Code& code, std::size_t at) {
     const std::uint8_t byte = code.bytes[at];

@@ -14,7 +14,7 @@ struct CompilerError {
     std::int32_t line;                       // 1-based, 0 when not given
     std::int32_t column;                     // 1-based, below 1 when not given
     std::uint32_t compilerId;                // the compiler that printed it
-    wchar_t message[kErrorMessageCapacity];  // what follows the keyword, cut to 511 characters
+    wchar_t message[kErrorMessageCapacity];  // the text after the keyword, cut to 511 characters
     std::int32_t severity;                   // 0 error, 1 warning
 };
 

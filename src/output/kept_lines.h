@@ -25,7 +25,7 @@ struct KeptLines {
 };
 
 // Returns true when `line` is to be shown now; it is then unchanged. Returns false when `line` was moved into `held`.
-// Holding back begins with a line of a process (`stream`) after a limit is reached. From then on every line is held
+// Holding back begins with a line of a process (`stream`) when a kFirst limit is reached. From then on every line is held
 // back, so that the order stays.
 bool KeepLine(KeptLines& kept, PaneLine& line, bool stream);
 

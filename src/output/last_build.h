@@ -8,7 +8,7 @@
 struct BuildRecord {
     std::wstring source;
     std::wstring output;   // path of the program; the file does not exist after a failure or a syntax check
-    std::wstring staged;   // the copy that the compiler saw, empty when it saw the source itself
+    std::wstring staged;   // the copy that the compiler read; empty when it read the source itself
     std::wstring listing;  // path of the assembly listing, which need not exist
     std::wstring workingDirectory;
     std::uint32_t compilerId = 0;
