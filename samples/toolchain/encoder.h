@@ -1,9 +1,9 @@
 // Encodes x86 and x64 instructions. Nearly all encodings are the same on both. `wide` asks for 64-bit operands and is
 // true on x64 only. Knows nothing of BASIC.
 //
-// Between BeginTraps and EndTraps only Trap() emits a byte 0xCC. Debuggers that read .pbd maps take each run of 0xCC for
-// a statement, so an operand byte of that value would shift all later lines. Immediates with such a byte are split in
-// two by XOR. Calls and jumps are moved by NOPs until their distance contains none.
+// Between BeginTraps and EndTraps only Trap() emits a byte 0xCC. Debuggers that read .pbd maps take each run of 0xCC
+// for a statement, so an operand byte of that value would shift all later lines. Immediates with such a byte are split
+// in two by XOR. Calls and jumps are moved by NOPs until their distance contains none.
 #pragma once
 
 #include <cstdint>

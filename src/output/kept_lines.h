@@ -25,8 +25,8 @@ struct KeptLines {
 };
 
 // Returns true when `line` is to be shown now; it is then unchanged. Returns false when `line` was moved into `held`.
-// Holding back begins with a line of a process (`stream`) when a kFirst limit is reached. From then on every line is held
-// back, so that the order stays.
+// Holding back begins with a line of a process (`stream`) after the first lines or characters have reached their limit.
+// From then on every line is held back, so that the order stays.
 bool KeepLine(KeptLines& kept, PaneLine& line, bool stream);
 
 // Called at the end of the output. Returns the lines held back; a first line says how many were left out, if any were.

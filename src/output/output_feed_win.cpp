@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr double kSortMs = 20.0;            // a block is ended after this time, which lines that are not shown may take
+constexpr double kTakeMs = 20.0;            // a block is ended after this time, which lines that are not shown may take
 constexpr double kShowMs = 15.0;            // no new block is begun after this time
 constexpr double kRevealMs = 100.0;         // between two repaints
 constexpr double kRevealMsPerLine = 0.003;  // more for each line in the pane, as a repaint takes longer (kept_lines.h)
@@ -23,14 +23,14 @@ struct OutputFeed {
     OutputLines lines;            // not shown yet
     std::vector<PaneLine> shown;  // in the pane; needed to show them again in other colours
     BlockSize block;
-    bool hidden = false;    // lines were added since the last repaint
-    double revealed = 0.0;  // ClockMs() of that repaint
+    bool unpainted = false;   // lines were added since the last repaint
+    double revealedAt = 0.0;  // ClockMs() of that repaint
 };
 OutputFeed g_feed;
 
-// Takes the next lines for the pane. Returns few lines or none when kSortMs have passed.
+// Takes the next lines for the pane. Returns few lines or none when kTakeMs have passed.
 std::vector<PaneLine> TakeBlock(double started) {
-    const auto timeIsUp = [started] { return ClockMs() - started > kSortMs; };
+    const auto timeIsUp = [started] { return ClockMs() - started > kTakeMs; };
     std::vector<PaneLine> block;
     PaneLine line;
     int chunksDone = 0;
@@ -47,7 +47,7 @@ bool ShowBlock() {
     std::vector<PaneLine> block = TakeBlock(started);
     const double sorted = ClockMs();
     RichLinesAppend(g_output.hOutput, block);
-    g_feed.hidden = g_feed.hidden || !block.empty();
+    g_feed.unpainted = g_feed.unpainted || !block.empty();
     BlockSizeLearn(g_feed.block, block.size(), ClockMs() - sorted);
     std::move(block.begin(), block.end(), std::back_inserter(g_feed.shown));
     return !OutputFeedIsEmpty();
@@ -83,17 +83,17 @@ void OutputFeedShowNext() {
         if (HIWORD(GetQueueStatus(QS_INPUT | QS_SENDMESSAGE)) != 0) break;
     }
     const double pause = kRevealMs + kRevealMsPerLine * static_cast<double>(g_feed.lines.kept.shown);
-    if (ClockMs() - g_feed.revealed >= pause) OutputFeedReveal();
+    if (ClockMs() - g_feed.revealedAt >= pause) OutputFeedReveal();
     if (g_output.errors.count != errors) ErrorListRefresh();
 }
 
 void OutputFeedReveal() {
-    if (g_feed.hidden) RichLinesReveal(g_output.hOutput);
-    g_feed.hidden = false;
-    g_feed.revealed = ClockMs();
+    if (g_feed.unpainted) RichLinesReveal(g_output.hOutput);
+    g_feed.unpainted = false;
+    g_feed.revealedAt = ClockMs();
 }
 
-bool OutputFeedIsRevealed() { return !g_feed.hidden; }
+bool OutputFeedIsRevealed() { return !g_feed.unpainted; }
 
 bool OutputFeedIsEmpty() { return !OutputLinesWait(g_feed.lines); }
 
