@@ -105,6 +105,12 @@ outside_references() {
     texts | xargs -r grep -nHIE '\b[Ss][p]ec(ification)?s?\b|\bPart [0-9]+\.[0-9]+|\.\./s[h]ared' || true
 }
 
+# The formatter keeps line breaks, braces and the order of includes. Other versions of it decide differently.
+formatting() {
+    git ls-files 'src/*.cpp' 'src/*.h' 'tests/*.cpp' 'tests/*.h' 'bench/*.cpp' 'bench/*.h' 'samples/*.cpp' 'samples/*.h' |
+        xargs -r -P 2 -n 40 clang-format --dry-run 2>&1 | sed -n 's/: warning: code should be clang-formatted.*/: not formatted/p' || true
+}
+
 check "direction of includes" include_direction
 check "the global record" global_record
 check "pure files" pure_files
@@ -112,6 +118,10 @@ check "files too long" file_length
 check "own header first" own_header_first
 check "#pragma once" pragma_once
 check "references to documents outside the repository" outside_references
+case "$(clang-format --version 2>/dev/null)" in
+    *"version 14."*) check "formatting" formatting ;;
+    *) echo "layout: formatting is not checked, because there is no clang-format 14 here" ;;
+esac
 
 echo "layout: $((checks - failed)) passed, $failed failed"
 [ "$failed" -eq 0 ]
