@@ -1,16 +1,12 @@
 // Sessions, workspaces and the project tree: what is written when the program closes, and what comes back.
 #include "harness.h"
 
-#include <Scintilla.h>
 #include <commctrl.h>
 
 #include "documents/margins.h"
 #include "resources/ids.h"
 
 namespace {
-
-constexpr wchar_t kSession[] = L"Editor.ini_autosave.kvxsess";
-constexpr wchar_t kProgramTitle[] = L"KVXE - Unified Compiler Editor";
 
 // The lines of a session file from the first file section on.
 std::string FileSections(const std::string& session) {
@@ -44,7 +40,7 @@ TEST(Session, KeepsPlacesAndMarks) {
         editor.Do(IDM_FILE_NEW);  // has no path: not written
         EXPECT_EQ(editor.Close(), 0u);
     }
-    const std::string session = folder.Read(kSession);
+    const std::string session = folder.Read(kSessionFile);
     EXPECT_TRUE(session.starts_with("[Session]\r\nVersion=1\r\nActiveTab=2\r\nActiveCompiler=3\r\nProjectRoot="))
         << session;
     EXPECT_NE(session.find("\r\nTabCount=2\r\n"), std::string::npos);
@@ -57,7 +53,7 @@ TEST(Session, KeepsPlacesAndMarks) {
     EXPECT_EQ(sections.find("[File3]"), std::string::npos);
 
     Editor editor(folder, L"", Until::Started);
-    editor.Answer(L"Restore Session", L"", IDYES);
+    editor.Answer(kRestore, L"", IDYES);
     ASSERT_TRUE(editor.AwaitReady());
     ASSERT_EQ(editor.Tabs(), 2);
     editor.Do(IDM_PREVIOUS_TAB);
@@ -91,30 +87,31 @@ TEST(Session, KeepsWhatBreakpointsAre) {
         EXPECT_TRUE(WaitFor([&] { return (marks(editor, 5) & 1 << kMarkConditional) != 0; }));
         EXPECT_EQ(editor.Close(), 0u);
     }
-    const std::string session = folder.Read(kSession);
+    const std::string session = folder.Read(kSessionFile);
     EXPECT_NE(session.find("\r\nBreakpoints=3,5,8\r\nBreakpointRule=5,1,RCX > 5\r\nBreakpointRule=8,0,\r\n"),
               std::string::npos)
         << session;
     // Lines that have no breakpoint, and a condition that nobody could have entered.
-    folder.Write(kSession, session + "BreakpointRule=2147483647,1,1 > 0\r\nBreakpointRule=4,0,\r\nBreakpointRule=3,1," +
-                               std::string(200, 'x') + "\r\n");
+    folder.Write(kSessionFile, session +
+                                   "BreakpointRule=2147483647,1,1 > 0\r\nBreakpointRule=4,0,\r\nBreakpointRule=3,1," +
+                                   std::string(200, 'x') + "\r\n");
 
     Editor editor(folder, L"", Until::Started);
-    editor.Answer(L"Restore Session", L"", IDYES);
+    editor.Answer(kRestore, L"", IDYES);
     ASSERT_TRUE(editor.AwaitReady());
     EXPECT_EQ(marks(editor, 3), 1 << kMarkBreakpoint);
     EXPECT_EQ(marks(editor, 4), 0);
     EXPECT_EQ(marks(editor, 5), 1 << kMarkBreakpoint | 1 << kMarkConditional);
     EXPECT_EQ(marks(editor, 8), 1 << kMarkBreakpoint | 1 << kMarkDisabled);
     EXPECT_EQ(editor.Close(), 0u);
-    EXPECT_NE(folder.Read(kSession).find("\r\nBreakpointRule=5,1,RCX > 5\r\nBreakpointRule=8,0,\r\n"),
+    EXPECT_NE(folder.Read(kSessionFile).find("\r\nBreakpointRule=5,1,RCX > 5\r\nBreakpointRule=8,0,\r\n"),
               std::string::npos);
 }
 
 TEST(Session, AMissingFileShiftsLaterPlaces) {
     ProgramFolder folder;
     const std::wstring a = folder.Write(L"a.bas", Lines(20)), c = folder.Write(L"c.bas", Lines(20));
-    folder.Write(kSession,
+    folder.Write(kSessionFile,
                  "[Session]\nVersion=1\nActiveTab=0\nTheme=1\nTreeWidth=500\nEditorZoom=3\nWordWrap=1\n"
                  "[File1]\nPath=" +
                      Utf8(a) +
@@ -125,7 +122,7 @@ TEST(Session, AMissingFileShiftsLaterPlaces) {
                      "[File3]\nPath=" +
                      Utf8(c) + "\nCursor=13\nBookmarks=2\n");
     Editor editor(folder, L"", Until::Started);
-    editor.Answer(L"Restore Session", L"", IDYES);
+    editor.Answer(kRestore, L"", IDYES);
     editor.Answer(kProgramTitle, L"Failed to open file: " + folder.File(L"gone.bas"), IDOK);
     ASSERT_TRUE(editor.AwaitReady());
     ASSERT_EQ(editor.Tabs(), 2);
@@ -143,11 +140,11 @@ TEST(Session, AMissingFileShiftsLaterPlaces) {
 
 TEST(Session, NotOfferedWithoutFiles) {
     ProgramFolder folder;
-    folder.Write(kSession, "[Session]\r\nVersion=1\r\nTabCount=0\r\n[File1]\r\nPath=\r\n");
+    folder.Write(kSessionFile, "[Session]\r\nVersion=1\r\nTabCount=0\r\n[File1]\r\nPath=\r\n");
     Editor editor(folder);
     EXPECT_EQ(editor.Tabs(), 1);
     EXPECT_EQ(editor.Close(), 0u);
-    EXPECT_EQ(FileSections(folder.Read(kSession)), "") << "untitled documents only";
+    EXPECT_EQ(FileSections(folder.Read(kSessionFile)), "") << "untitled documents only";
     EXPECT_FALSE(Exists(folder.File(L"workspace.json"))) << "an empty workspace is no file";
 }
 
@@ -174,7 +171,7 @@ TEST(Workspace, WritesItsLayoutAndReadsItBack) {
 
     {
         Editor editor(folder, L"", Until::Started);
-        editor.Answer(L"Restore Session", L"", IDNO);
+        editor.Answer(kRestore, L"", IDNO);
         ASSERT_TRUE(editor.AwaitReady());
         EXPECT_EQ(editor.Tabs(), 3);
         EXPECT_EQ(editor.Close(), 0u);
@@ -182,7 +179,7 @@ TEST(Workspace, WritesItsLayoutAndReadsItBack) {
     EXPECT_EQ(folder.Ini(L"KeldorBasic", L"Flags"), flags) << "not cut at the quote by its own trip through the file";
 
     // A missing file is skipped in silence, and the carets of those behind it go to the tabs before.
-    DeleteFileW(folder.File(kSession).c_str());
+    DeleteFileW(folder.File(kSessionFile).c_str());
     folder.Write(L"workspace.json", "{\"files\": [" + entry(a, "\", \"cursorPos\": 3},") +
                                         entry(folder.File(L"gone.bas"), "\", \"cursorPos\": 4},") +
                                         entry(c, "\", \"cursorPos\": 5}") +
@@ -196,17 +193,28 @@ TEST(Workspace, WritesItsLayoutAndReadsItBack) {
     // A new workspace needs every document closed; a refusal leaves everything as it is.
     editor.Type("x");
     editor.Post(IDM_WORKSPACE_NEW);
-    editor.Answer(L"Unsaved Changes", L"Save changes to c.bas?", IDCANCEL);
+    editor.Answer(kUnsaved, L"Save changes to c.bas?", IDCANCEL);
     EXPECT_EQ(editor.Tabs(), 2);
     EXPECT_TRUE(editor.Modified());
     editor.Post(IDM_WORKSPACE_NEW);
-    editor.Answer(L"Unsaved Changes", L"Save changes to c.bas?", IDNO);
+    editor.Answer(kUnsaved, L"Save changes to c.bas?", IDNO);
     ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == 1 && editor.TabLabel(0) == L"Untitled"; })) << editor.Describe();
 }
 
 HTREEITEM Next(const Editor& editor, UINT relation, HTREEITEM item) {
     return reinterpret_cast<HTREEITEM>(
         editor.Send(editor.Child(IDC_PROJECT_TREE), TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
+}
+
+std::wstring Label(const Editor& editor, HTREEITEM item) {
+    constexpr std::size_t kTextAt = 256;
+    const RemoteBlock block(editor.process, kTextAt + 256);
+    TVITEMW wanted = {.mask = TVIF_TEXT, .hItem = item, .cchTextMax = 100};
+    wanted.pszText = reinterpret_cast<wchar_t*>(block.At(kTextAt));
+    block.Put(&wanted, sizeof(wanted));
+    wchar_t text[128] = {};
+    if (editor.Send(editor.Child(IDC_PROJECT_TREE), TVM_GETITEMW, 0, block.At())) block.Get(text, 200, kTextAt);
+    return text;
 }
 
 TEST(ProjectTree, FillsFoldersWhenOpenedAndOnlyInPart) {
@@ -232,10 +240,11 @@ TEST(ProjectTree, FillsFoldersWhenOpenedAndOnlyInPart) {
     editor.Send(tree, TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(big));
     EXPECT_TRUE(WaitFor([&] { return count() == 4 + 2000 + 1; })) << count() << ": the rest is one note";
     editor.Send(tree, TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(sub));
-    ASSERT_TRUE(WaitFor([&] { return count() == 4 + 2000 + 1 + 1; })) << count();
-
-    const HTREEITEM inner = Next(editor, TVGN_CHILD, sub);
-    editor.Send(tree, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(inner));
+    // A folder that is being read holds a note meanwhile.
+    const auto child = [&] { return Next(editor, TVGN_CHILD, sub); };
+    ASSERT_TRUE(WaitFor([&] { return Label(editor, child()) == L"inner.bas"; })) << Utf8(Label(editor, child()));
+    EXPECT_EQ(count(), 4 + 2000 + 1 + 1);
+    editor.Send(tree, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(child()));
     PostMessageW(tree, WM_KEYDOWN, VK_RETURN, 0);
     ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == 2; })) << editor.Describe();
     EXPECT_EQ(editor.Text(), "inner text");
