@@ -255,27 +255,21 @@ TEST(CommandLine, EachCompilerTakesItsOwnSwitches) {
     };
     const Case cases[] = {
         {"build", "KVXA64", {"-o", "PRG", "-O2", "SRC"}, 0, "p.exe"},
-        {"debug twice", "KVXB64", {"-o", "PRG", "--debug", "--debug", "SRC"}, 0, "p.exe"},
-        {"check", "KVXA64", {"-o", "PRG", "-S", "SRC"}, 0, ""},
         {"check", "KVXC64", {"-o", "PRG", "--syntax-only", "SRC"}, 0, ""},
         {"no listing", "KVXA64", {"-o", "PRG", "--asm:DIR/l.asm", "SRC"}, 2, ""},
         {"listing", "KVXB64", {"-o", "PRG", "--asm:DIR/l.asm", "SRC"}, 0, "l.asm p.exe"},
         {"listing after a blank", "KVXA32", {"-o", "PRG", "/ASMOUT:", "DIR/l.asm", "SRC"}, 0, "l.asm p.exe"},
-        {"listing attached", "KVXA32", {"-o", "PRG", "/asmout:DIR/l.asm", "SRC"}, 0, "l.asm p.exe"},
         {"beside the source", "KeldorBASIC", {"SRC", "/L", "/Q", "-O0"}, 0, "s.exe"},
         {"with a debug database", "KeldorBASIC", {"SRC", "/L", "/Q", "/D"}, 0, "s.exe s.exe.pbd"},
         {"no link", "KeldorBASIC", {"SRC", "/Q"}, 0, ""},
         {"listing and includes", "KeldorBASIC", {"SRC", "/L", "/IDIR", "/ASMOUT:DIR/l.asm"}, 0, "l.asm s.exe"},
-        {"unknown switch", "KVXB64", {"-o", "PRG", "--fast", "SRC"}, 2, ""},
         {"unknown switch", "KeldorBASIC", {"SRC", "/X"}, 2, ""},
-        {"no source", "KVXA64", {"-o", "PRG"}, 2, ""},
         {"no output", "KVXA64", {"SRC"}, 2, ""},
         {"two sources", "KVXA64", {"-o", "PRG", "SRC", "SRC"}, 2, ""},
         {"value missing", "KVXA32", {"SRC", "-o"}, 2, ""},
         {"source missing", "KVXA64", {"-o", "PRG", "DIR/none.bas"}, 1, ""},
         {"source is a folder", "KVXA64", {"-o", "PRG", "DIR"}, 1, ""},
         {"output in no folder", "KVXA64", {"-o", "DIR/none/p.exe", "SRC"}, 1, ""},
-        {"version", "KVXC64", {"--version"}, 0, ""},
     };
     for (const Case& one : cases) {
         SCOPED_TRACE(std::string(one.name) + ", " + std::string(one.compiler));

@@ -333,11 +333,11 @@ TEST(Build, ErrorsLeadToTheirPlaces) {
     // The 65th diagnostic is shown, but the walk ends at the 64th.
     std::string lines;
     for (int i = 0; i < 80; ++i) lines += "line\r\n";
-    folder.Write(L"many.bas", lines);
-    folder.Script("errors 70 " + Utf8(folder.File(L"many.bas")) + "\nexit 1\n");
+    folder.Write(L"KA32\\many.bas", lines);
+    folder.Script("errors 70 " + Utf8(folder.File(L"KA32\\many.bas")) + "\nexit 1\n");
     EXPECT_EQ(Count(Build(editor), L": error: number "), 70);
     EXPECT_EQ(ScrolledRight(editor, IDC_OUTPUT), 0) << "the file names are out of sight";
-    EXPECT_EQ(ColourOf(editor, folder.File(L"many.bas") + L"(65,1)"), 0x0000FFu);
+    EXPECT_EQ(ColourOf(editor, folder.File(L"KA32\\many.bas") + L"(65,1)"), 0x0000FFu);
     editor.Do(IDM_ERROR_PREVIOUS);
     expectAt(L"many.bas:64:1");
     editor.Do(IDM_ERROR_NEXT);

@@ -2,6 +2,7 @@
 #include "harness.h"
 
 #include <commctrl.h>
+#include <dlgs.h>
 #include <richedit.h>
 
 #include <algorithm>
@@ -185,13 +186,13 @@ void Editor::Answer(std::wstring_view caption, std::wstring_view text, int butto
     Press(dialog, button);
 }
 
-// The common dialog's name field is an edit control, bare or inside a combo box, numbered 1148 or 1152.
+// The common dialog's name field is an edit control, bare or inside a combo box.
 void Editor::AnswerFileDialog(const std::wstring& path, int button) const {
     Dialog dialog{};
     HWND field = nullptr;
     WaitFor([&] {
         for (const Dialog& candidate : Dialogs())
-            for (int id : {1148, 1152})
+            for (int id : {cmb13, edt1})
                 if (HWND found = GetDlgItem(candidate.window, id)) dialog = candidate, field = found;
         return field != nullptr;
     });

@@ -26,15 +26,32 @@ std::string Escaped(const std::wstring& path) {
     return out;
 }
 
+// Of a line, from 0.
+LRESULT BreakpointMarks(const Editor& editor, WPARAM line) {
+    return editor.Sci(SCI_MARKERGET, line) & (1 << kMarkBreakpoint | 1 << kMarkDisabled | 1 << kMarkConditional);
+}
+
 TEST(Session, KeepsPlacesAndMarks) {
     ProgramFolder folder;
     const std::wstring a = folder.Write(L"\xE9\x65E5.bas", Lines(3000)), b = folder.Write(L"b.bas", Lines(10));
     {
         Editor editor(folder, OpenArgument(a) + OpenArgument(b));
+        for (const WPARAM line : {3, 5, 8}) {
+            editor.Sci(SCI_GOTOLINE, line);
+            editor.Do(IDM_DEBUG_BREAKPOINT);
+        }
+        editor.Do(IDM_DEBUG_ENABLE_BREAKPOINT);
+        editor.Sci(SCI_GOTOLINE, 5);
+        editor.Post(IDM_DEBUG_CONDITIONAL);
+        const Dialog dialog = editor.AwaitDialog(L"Conditional Breakpoint");
+        SetDlgItemTextW(dialog.window, IDC_CONDITION_TEXT, L"RCX > 5");
+        editor.Press(dialog, IDOK);
+        EXPECT_TRUE(WaitFor([&] { return (BreakpointMarks(editor, 5) & 1 << kMarkConditional) != 0; }));
         editor.Do(IDM_PREVIOUS_TAB);
         ASSERT_EQ(editor.ActiveTab(), 0);
-        for (const WPARAM line : {0, 7, 2999}) editor.Sci(SCI_MARKERADD, line, 1);
-        for (WPARAM line = 100; line < 1500; ++line) editor.Sci(SCI_MARKERADD, line, 2);  // more than 4 kB of numbers
+        for (const WPARAM line : {0, 7, 2999}) editor.Sci(SCI_MARKERADD, line, kMarkBookmark);
+        for (WPARAM line = 100; line < 1500; ++line)  // more than 4 kB of numbers
+            editor.Sci(SCI_MARKERADD, line, kMarkBreakpoint);
         editor.Sci(SCI_SETSEL, 100, 125);
         editor.Sci(SCI_SETFIRSTVISIBLELINE, 12);
         editor.Do(IDM_FILE_NEW);  // has no path: not written
@@ -51,46 +68,8 @@ TEST(Session, KeepsPlacesAndMarks) {
         << sections.substr(0, 300);
     EXPECT_NE(sections.find(",1499\r\n\r\n[File2]\r\nPath=" + Utf8(b) + "\r\n"), std::string::npos);
     EXPECT_EQ(sections.find("[File3]"), std::string::npos);
-
-    Editor editor(folder, L"", Until::Started);
-    editor.Answer(kRestore, L"", IDYES);
-    ASSERT_TRUE(editor.AwaitReady());
-    ASSERT_EQ(editor.Tabs(), 2);
-    editor.Do(IDM_PREVIOUS_TAB);
-    ASSERT_EQ(editor.ActiveTab(), 0);
-    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONSTART), 100);
-    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONEND), 125);
-    EXPECT_EQ(editor.Sci(SCI_GETFIRSTVISIBLELINE), 12);
-    for (const WPARAM line : {0, 7, 2999}) EXPECT_NE(editor.Sci(SCI_MARKERGET, line) & 2, 0) << line;
-    for (const WPARAM line : {100, 1499}) EXPECT_NE(editor.Sci(SCI_MARKERGET, line) & 4, 0) << line;
-    EXPECT_EQ(editor.Sci(SCI_MARKERGET, 1500) & 6, 0);
-}
-
-TEST(Session, KeepsWhatBreakpointsAre) {
-    ProgramFolder folder;
-    const std::wstring a = folder.Write(L"a.bas", Lines(20));
-    const auto marks = [](const Editor& editor, WPARAM line) {
-        return editor.Sci(SCI_MARKERGET, line) & (1 << kMarkBreakpoint | 1 << kMarkDisabled | 1 << kMarkConditional);
-    };
-    {
-        Editor editor(folder, OpenArgument(a));
-        for (const WPARAM line : {3, 5, 8}) {
-            editor.Sci(SCI_GOTOLINE, line);
-            editor.Do(IDM_DEBUG_BREAKPOINT);
-        }
-        editor.Do(IDM_DEBUG_ENABLE_BREAKPOINT);
-        editor.Sci(SCI_GOTOLINE, 5);
-        editor.Post(IDM_DEBUG_CONDITIONAL);
-        Dialog dialog = editor.AwaitDialog(L"Conditional Breakpoint");
-        SetDlgItemTextW(dialog.window, IDC_CONDITION_TEXT, L"RCX > 5");
-        editor.Press(dialog, IDOK);
-        EXPECT_TRUE(WaitFor([&] { return (marks(editor, 5) & 1 << kMarkConditional) != 0; }));
-        EXPECT_EQ(editor.Close(), 0u);
-    }
-    const std::string session = folder.Read(kSessionFile);
-    EXPECT_NE(session.find("\r\nBreakpoints=3,5,8\r\nBreakpointRule=5,1,RCX > 5\r\nBreakpointRule=8,0,\r\n"),
-              std::string::npos)
-        << session;
+    constexpr char kRules[] = "\r\nBreakpoints=3,5,8\r\nBreakpointRule=5,1,RCX > 5\r\nBreakpointRule=8,0,\r\n";
+    EXPECT_NE(sections.find(kRules), std::string::npos) << sections;
     // Lines that have no breakpoint, and a condition that nobody could have entered.
     folder.Write(kSessionFile, session +
                                    "BreakpointRule=2147483647,1,1 > 0\r\nBreakpointRule=4,0,\r\nBreakpointRule=3,1," +
@@ -99,13 +78,21 @@ TEST(Session, KeepsWhatBreakpointsAre) {
     Editor editor(folder, L"", Until::Started);
     editor.Answer(kRestore, L"", IDYES);
     ASSERT_TRUE(editor.AwaitReady());
-    EXPECT_EQ(marks(editor, 3), 1 << kMarkBreakpoint);
-    EXPECT_EQ(marks(editor, 4), 0);
-    EXPECT_EQ(marks(editor, 5), 1 << kMarkBreakpoint | 1 << kMarkConditional);
-    EXPECT_EQ(marks(editor, 8), 1 << kMarkBreakpoint | 1 << kMarkDisabled);
+    ASSERT_EQ(editor.Tabs(), 2);
+    ASSERT_EQ(editor.ActiveTab(), 1);
+    EXPECT_EQ(BreakpointMarks(editor, 3), 1 << kMarkBreakpoint);
+    EXPECT_EQ(BreakpointMarks(editor, 4), 0);
+    EXPECT_EQ(BreakpointMarks(editor, 5), 1 << kMarkBreakpoint | 1 << kMarkConditional);
+    EXPECT_EQ(BreakpointMarks(editor, 8), 1 << kMarkBreakpoint | 1 << kMarkDisabled);
+    editor.Do(IDM_PREVIOUS_TAB);
+    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONSTART), 100);
+    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONEND), 125);
+    EXPECT_EQ(editor.Sci(SCI_GETFIRSTVISIBLELINE), 12);
+    for (const WPARAM line : {0, 7, 2999}) EXPECT_NE(editor.Sci(SCI_MARKERGET, line) & 1 << kMarkBookmark, 0) << line;
+    for (const WPARAM line : {100, 1499}) EXPECT_EQ(BreakpointMarks(editor, line), 1 << kMarkBreakpoint) << line;
+    EXPECT_EQ(BreakpointMarks(editor, 1500), 0);
     EXPECT_EQ(editor.Close(), 0u);
-    EXPECT_NE(folder.Read(kSessionFile).find("\r\nBreakpointRule=5,1,RCX > 5\r\nBreakpointRule=8,0,\r\n"),
-              std::string::npos);
+    EXPECT_NE(folder.Read(kSessionFile).find(kRules), std::string::npos);
 }
 
 TEST(Session, AMissingFileShiftsLaterPlaces) {
@@ -135,7 +122,7 @@ TEST(Session, AMissingFileShiftsLaterPlaces) {
     editor.Do(IDM_NEXT_TAB);
     EXPECT_EQ(editor.TabLabel(1), L"c.bas");
     EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 0) << "the third section belongs to a third tab, which is not there";
-    EXPECT_EQ(editor.Sci(SCI_MARKERGET, 2) & 2, 0);
+    EXPECT_EQ(editor.Sci(SCI_MARKERGET, 2) & 1 << kMarkBookmark, 0);
 }
 
 TEST(Session, NotOfferedWithoutFiles) {

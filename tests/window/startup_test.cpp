@@ -1,29 +1,22 @@
 // Start-up: the command line, the log, the detection report, what happens with a library missing, the restore question.
 #include "harness.h"
 
+#include <regex>
+#include <sstream>
+
 #include "app/command_line.h"
 #include "resources/ids.h"
 
 namespace {
 
-std::vector<std::wstring> Lines(const std::wstring& text) {
-    std::vector<std::wstring> lines;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = std::min(text.find(L"\r\n", at), text.size());
-        lines.push_back(text.substr(at, end - at));
-        at = end + 2;
-    }
-    return lines;
-}
-
 // Every line carries the time, and the wanted texts come in this order, others between them.
 void ExpectLog(const std::wstring& log, const std::vector<std::wstring>& wanted) {
+    static const std::wregex kStamp(LR"(\[\d\d:\d\d:\d\d\] .*\r)");
     std::size_t next = 0;
-    for (const std::wstring& line : Lines(log)) {
-        const bool stamped =
-            line.size() >= 11 && line[0] == L'[' && line[3] == L':' && line[6] == L':' && line.substr(9, 2) == L"] ";
-        EXPECT_TRUE(stamped) << "no time in: " << Utf8(line);
-        if (next < wanted.size() && stamped && line.substr(11) == wanted[next]) ++next;
+    std::wistringstream lines(log);
+    for (std::wstring line; std::getline(lines, line);) {
+        EXPECT_TRUE(std::regex_match(line, kStamp)) << "no time in: " << Utf8(line);
+        if (next < wanted.size() && line.ends_with(L"] " + wanted[next] + L"\r")) ++next;
     }
     EXPECT_EQ(next, wanted.size()) << "missing in the log, or out of order: "
                                    << (next < wanted.size() ? Utf8(wanted[next]) : "");
