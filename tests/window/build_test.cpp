@@ -365,7 +365,7 @@ TEST(Build, ErrorsOfACopyLeadToItsSource) {
         Build(editor);
         for (const int line : {3, 2}) {
             editor.Do(IDM_ERROR_NEXT);
-            EXPECT_TRUE(WaitFor([&] { return editor.Line() == line; }, 3000)) << editor.Line();
+            EXPECT_TRUE(WaitFor([&] { return editor.Line() == line; })) << editor.Line();
             EXPECT_EQ(editor.TabLabel(editor.ActiveTab()), source);
         }
         editor.Do(IDM_NEXT_TAB);

@@ -304,7 +304,7 @@ TEST(Debug, StopIsHeardWhileAProgramStarts) {
     const std::string textBefore = editor.Text();
     editor.Keys({'X'});
     EXPECT_TRUE(WaitFor([&] { return editor.Text().size() == textBefore.size() + 1; })) << "what is typed is not lost";
-    EXPECT_TRUE(ButtonShown(editor, IDM_DEBUG_BUTTON_STOP) && ButtonWorks(editor, IDM_DEBUG_BUTTON_STOP));
+    EXPECT_TRUE(editor.ButtonShown(IDM_DEBUG_BUTTON_STOP) && editor.ButtonWorks(IDM_DEBUG_BUTTON_STOP));
     editor.Keys({VK_SHIFT, VK_F5});
     stopped();
     editor.Do(IDM_EDIT_UNDO);

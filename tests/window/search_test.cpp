@@ -50,8 +50,10 @@ TEST(Find, WalksReplacesAndRemembers) {
         find.Press(IDC_FIND_PREVIOUS);
         EXPECT_EQ(Selection(editor), "22-25");
         EXPECT_EQ(find.Status(), L"Continued from the end");
-        find.Set(IDC_FIND_WHAT, L"nowhere");
-        find.Press(IDC_FIND_NEXT);
+        for (const wchar_t* what : {L"Nowhere", L"nowhere"}) {
+            find.Set(IDC_FIND_WHAT, what);
+            find.Press(IDC_FIND_NEXT);
+        }
         EXPECT_EQ(Selection(editor), "22-25");
         EXPECT_EQ(find.Status(), L"Not found");
         find.Press(IDCANCEL);
@@ -80,7 +82,7 @@ TEST(Find, WalksReplacesAndRemembers) {
         editor.Do(IDM_FILE_SAVE);
         EXPECT_EQ(editor.Close(), 0u);
     }
-    EXPECT_EQ(folder.Ini(L"Editor", L"SearchHistoryCount"), L"2");
+    EXPECT_EQ(folder.Ini(L"Editor", L"SearchHistoryCount"), L"3") << "case tells two searches apart";
     EXPECT_EQ(folder.Ini(L"Editor", L"SearchHistory0"), L"one") << "the latest first";
     EXPECT_EQ(folder.Ini(L"Editor", L"SearchHistory1"), L"nowhere");
 }
