@@ -478,6 +478,7 @@ TEST(Debug, ADoubleClickOnStartIsOneStart) {
         editor.Do(IDM_DEBUG_BUTTON_STOP);
         ASSERT_TRUE(AwaitStatus(editor, L"Debugging stopped"));
         ASSERT_TRUE(AwaitProcesses(0));
+        ASSERT_TRUE(WaitFor([&] { return editor.ButtonShown(IDM_DEBUG_BUTTON_START); }));
     };
     // What the second click of a slow double-click is when Stop has come in the place of Start.
     const auto secondClick = [&](const auto& give) {
