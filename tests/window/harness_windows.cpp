@@ -344,6 +344,7 @@ void Editor::Drag(HWND window, POINT from, POINT to) const {
 void Editor::Click(HWND window, POINT at, DWORD down, int times) const {
     ClientToScreen(window, &at);
     MouseTo(at);
+    EXPECT_TRUE(WaitFor([&] { return IsWindowEnabled(main) && GetForegroundWindow() == main; })) << "a box is still up";
     for (int i = 0; i < times; ++i) {
         Mouse(down);
         Mouse(down << 1);  // each button's "up" is the bit above its "down"
