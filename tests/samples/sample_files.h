@@ -1,9 +1,8 @@
-// What both kinds of sample tests need: the samples, their lines, and the fields of an executable.
+// What both kinds of sample tests need: the samples and their texts.
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
-#include <map>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,24 +23,25 @@ inline constexpr Sample kSamples[] = {
     {"steps.bas", "steps"},   {"maze.bas", "maze"},       {"multifile/main.bas", "multifile"},
 };
 
-std::string Utf8(const std::filesystem::path& path);
-std::string Unix(std::string text);  // CR LF to LF
-std::vector<std::string> Lines(const std::string& text);
-std::string Expected(std::string_view name);
+inline std::string Utf8(const std::filesystem::path& path) {
+    const std::u8string text = path.u8string();
+    return {text.begin(), text.end()};
+}
 
-uint32_t Number(std::string_view bytes, size_t at, size_t size = 4);  // little-endian; 0 outside
+inline std::string Unix(std::string text) {  // CR LF to LF
+    std::erase(text, '\r');
+    return text;
+}
 
-struct Section {
-    uint32_t virtualSize = 0, rva = 0, rawSize = 0;
-    std::string raw;  // as in the file
-};
-// Sections of an executable by name; empty when it is none.
-std::map<std::string, Section> ReadSections(const std::string& program);
+inline std::vector<std::string> Lines(const std::string& text) {
+    std::istringstream in(Unix(text));
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    return lines;
+}
 
-// The line map of a trapped program, found as its debugger finds it: RVA of each run of CC from PBMAIN on, with PBMAIN's
-// place taken from the .pbd file.
-std::vector<uint32_t> TrapsOf(const std::string& program, const std::string& pbd);
-// The lines that those traps stand for.
-std::vector<int> StatementLines(const std::string& source);
+inline std::string Expected(std::string_view name) {
+    return Unix(ReadBytes(kFolder / "expected" / (std::string(name) + ".txt")));
+}
 
 }  // namespace samples

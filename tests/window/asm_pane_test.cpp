@@ -37,7 +37,7 @@ std::wstring LineOf(const std::wstring& text, LRESULT line) {
 void BuildWith(const Editor& editor, int compiler) {
     editor.Do(compiler);
     editor.Do(IDM_BUILD);
-    ASSERT_TRUE(editor.AwaitOutput(L"Build succeeded", 60000)) << editor.Describe();
+    ASSERT_TRUE(editor.AwaitOutput(L"Build succeeded", kBuildDeadline)) << editor.Describe();
 }
 
 }  // namespace
@@ -45,9 +45,9 @@ void BuildWith(const Editor& editor, int compiler) {
 TEST(AsmPane, ShowsTheListingThenItsColumnsThenTheProgramsCode) {
     const ProgramFolder folder(kCompilers);
     const std::wstring source = folder.Write(L"turns.bas", kTurns);
-    Editor editor(folder, L" --open \"" + source + L"\"");
+    Editor editor(folder, OpenArgument(source));
     editor.Do(IDM_VIEW_ASM);
-    editor.Sci(2024, 7);  // SCI_GOTOLINE: line 8
+    editor.Sci(SCI_GOTOLINE, 7);  // line 8
     BuildWith(editor, IDM_USE_KVXB64);
     const std::wstring program = folder.File(L"turns.exe");
     ASSERT_TRUE(WaitFor([&] {
@@ -71,9 +71,9 @@ TEST(AsmPane, ShowsTheListingThenItsColumnsThenTheProgramsCode) {
     EXPECT_EQ(Assembly(editor).find(L"(The source was changed"), std::wstring::npos);
 
     // This compiler writes no listing: the one from before is older than the text that was built.
-    editor.Sci(2024, 3);
+    editor.Sci(SCI_GOTOLINE, 3);
     editor.Type("' ");
-    editor.Sci(2024, 7);
+    editor.Sci(SCI_GOTOLINE, 7);
     BuildWith(editor, IDM_USE_KVXA64);
     EXPECT_TRUE(AwaitAssembly(editor, L"(The source was changed after this listing was written.)"));
 
@@ -87,37 +87,34 @@ TEST(AsmPane, ShowsTheListingThenItsColumnsThenTheProgramsCode) {
                                      L"KeldorBasic/KVXA32.)",
                                      L"=== Code of " + program + L" ===", L"; --- Around line 8"});
     EXPECT_EQ(Assembly(editor).find(L"=== Listing in columns ==="), std::wstring::npos);
-    EXPECT_EQ(editor.Close(), std::optional<DWORD>(0));
-}
 
-// A program whose lines are told by a side file and trap bytes.
-TEST(AsmPane, KnowsTheLinesOfAProgramWithTraps) {
+    // A program whose lines are told by a side file and trap bytes.
     if (!Variable(L"KVX_NO_WINE32").empty()) GTEST_SKIP() << "no 32-bit programs here";
-    const ProgramFolder folder(kCompilers);
-    const std::wstring source = folder.Write(L"turns.bas", kTurns);
-    Editor editor(folder, L" --open \"" + source + L"\"");
-    editor.Do(IDM_VIEW_ASM);
-    editor.Sci(2024, 6);  // SCI_GOTOLINE: line 7
+    editor.Sci(SCI_GOTOLINE, 6);  // line 7
     BuildWith(editor, IDM_USE_KELDORBASIC);
+    ASSERT_TRUE(AwaitAssembly(editor, L"; --- Around line 7")) << Utf8(Assembly(editor));
     ASSERT_TRUE(AwaitAssembly(editor, L"--- Section .text")) << Utf8(Assembly(editor));
     ExpectInOrder(Assembly(editor), {L"=== Code of ", L"; --- Around line 7", L"; 7:   FOR i = 1 TO 3", L"int3",
                                      L"; 8:     PRINT Twice(i)", L"int3"});
+    EXPECT_EQ(editor.Close(), std::optional<DWORD>(0));
 }
 
 TEST(AsmPane, TakesWhateverTheProgramsFileHolds) {
     const ProgramFolder folder(kCompilers);
     const std::wstring source = folder.Write(L"turns.bas", kTurns);
-    Editor editor(folder, L" --open \"" + source + L"\"");
+    Editor editor(folder, OpenArgument(source));
     editor.Do(IDM_VIEW_ASM);
     BuildWith(editor, IDM_USE_KVXA64);
-    const auto showAgain = [&](std::string_view bytes) {
-        WriteBytes(folder.File(L"turns.exe"), bytes);
+    const auto show = [&] {
         editor.Do(IDM_VIEW_ASM);
         editor.Do(IDM_VIEW_ASM);
     };
+    const auto showAgain = [&](std::string_view bytes) {
+        WriteBytes(folder.File(L"turns.exe"), bytes);
+        show();
+    };
     WriteBytes(source, kTurns);
-    editor.Do(IDM_VIEW_ASM);
-    editor.Do(IDM_VIEW_ASM);
+    show();
     EXPECT_TRUE(
         AwaitAssembly(editor, L"(The source was changed after the program was built: its lines may be others.)"));
     showAgain("rubbish");
@@ -130,8 +127,9 @@ TEST(AsmPane, TakesWhateverTheProgramsFileHolds) {
     for (std::size_t i = 0; i < code.size(); ++i) code[i] = static_cast<std::uint8_t>(i % 5 == 0 ? 0xE8 : i % 3);
     const std::string bytes = pe_bytes::Image(true, 0x140000000, {{".text", 0x1000, code}});
     showAgain(bytes);
-    EXPECT_TRUE(WaitFor(
-        [&] { return Assembly(editor).find(L"... the rest is left out here ...") != std::wstring::npos; }, 60000))
+    EXPECT_TRUE(
+        WaitFor([&] { return Assembly(editor).find(L"... the rest is left out here ...") != std::wstring::npos; },
+                kBuildDeadline))
         << Utf8(Assembly(editor).substr(0, 2000));
     showAgain(bytes);
     showAgain("rubbish");

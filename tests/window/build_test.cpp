@@ -16,18 +16,18 @@ std::wstring Quoted(const std::wstring& path) { return L"\"" + path + L"\""; }
 struct FakeFolder : ProgramFolder {
     explicit FakeFolder(std::string_view script) {
         FakeCompiler(script);
-        SetIni(L"Editor", L"AutoSaveEnabled", L"0");
-        SetIni(L"Editor", L"RestoreLastSession", L"0");
+        KeepNoSession();
     }
     void Script(std::string_view text) const { Write(L"KVXA64\\fake.txt", text); }
 };
 
-bool Busy(const Editor& editor) { return editor.Status(0).ends_with(L"..."); }
+bool Busy(const Editor& editor) { return editor.Status().ends_with(L"..."); }
 
 // Starts a build command and waits for its end; the pane's text.
 std::wstring Build(const Editor& editor, int command = IDM_BUILD) {
     editor.Do(command);
-    EXPECT_TRUE(WaitFor([&] { return !Busy(editor); }, 60000)) << "the build does not end\n" << editor.Describe();
+    EXPECT_TRUE(WaitFor([&] { return !Busy(editor); }, kBuildDeadline)) << "the build does not end\n"
+                                                                        << editor.Describe();
     editor.Send(editor.main, WM_NULL);
     return editor.Output();
 }
@@ -36,24 +36,12 @@ std::wstring Build(const Editor& editor, int command = IDM_BUILD) {
 COLORREF ColourOf(const Editor& editor, const std::wstring& part) {
     const std::size_t at = editor.Output().find(part);
     EXPECT_NE(at, std::wstring::npos) << Utf8(part) << " is not in the output";
-    const HWND pane = editor.Child(IDC_OUTPUT);
-    editor.Send(pane, EM_SETSEL, at, static_cast<LPARAM>(at + 1));
-    const RemoteBlock block(editor.process, sizeof(CHARFORMAT2W));
-    CHARFORMAT2W format{};
-    format.cbSize = sizeof(format);
-    block.Put(&format, sizeof(format));
-    editor.Send(pane, EM_GETCHARFORMAT, SCF_SELECTION, block.At());
-    block.Get(&format, sizeof(format));
-    return format.crTextColor;
+    return editor.ColourAt(editor.Child(IDC_OUTPUT), at);
 }
 
 // How far a pane is scrolled to the right, pixels.
 LONG ScrolledRight(const Editor& editor, int pane) {
-    const RemoteBlock block(editor.process, sizeof(POINT));
-    POINT place{};
-    editor.Send(editor.Child(pane), EM_GETSCROLLPOS, 0, block.At());
-    block.Get(&place, sizeof(place));
-    return place.x;
+    return editor.Ask<POINT>(editor.Child(pane), EM_GETSCROLLPOS, 0).x;
 }
 
 void DoubleClickOn(const Editor& editor, const std::wstring& part) {
@@ -102,14 +90,15 @@ TEST(Build, EachCompilerBuildsASample) {
         arguments += OpenArgument(
             folder.Write(c.source, c.source == std::wstring(L"e.bas") ? "#INCLUDE \"part.inc\"\r\n" + kHello : kHello));
     Editor editor(folder, arguments);
-    editor.Do(IDM_VIEW_ASM);
+    editor.Do(IDM_VIEW_ASM);  // which asks for listings
     for (const Case& c : cases) {
         SCOPED_TRACE(Utf8(c.name));
         editor.Do(IDM_NEXT_TAB);  // from the last tab to the first, and on
         ASSERT_EQ(editor.TabLabel(editor.ActiveTab()), c.source);
         if (c.wine32 && !Variable(L"KVX_NO_WINE32").empty()) continue;
         editor.Do(c.select);
-        EXPECT_TRUE(WaitFor([&] { return editor.Status(6) == c.name; })) << Utf8(editor.Status(6));
+        EXPECT_TRUE(WaitFor([&] { return editor.Status(kPartCompiler) == c.name; }))
+            << Utf8(editor.Status(kPartCompiler));
         const std::wstring source = folder.File(c.source), stem = source.substr(0, source.rfind(L'.'));
         const auto command = [&](std::wstring text) {
             const std::wstring compiled = c.staged ? folder.File(c.staged) : source;
@@ -130,12 +119,7 @@ TEST(Build, EachCompilerBuildsASample) {
         EXPECT_NE(text.find(command(c.arguments)), std::wstring::npos) << Utf8(text);
         EXPECT_TRUE(folder.Read(std::wstring(c.source).substr(0, 1) + L".exe").starts_with("MZ")) << Utf8(text);
         EXPECT_FALSE(c.staged && Exists(folder.File(c.staged))) << "the copy stays behind";
-        if (std::wstring(c.arguments).find(L"{a}") != std::wstring::npos) {
-            EXPECT_NE(folder.Read(std::wstring(c.source).substr(0, 1) + L".asm"), "");
-            const auto assembly = [&] { return editor.TextOf(editor.Child(IDC_ASM)); };
-            EXPECT_TRUE(WaitFor([&] { return assembly().find(L"ASMOUT: " + stem + L".asm") != std::wstring::npos; }));
-            EXPECT_TRUE(assembly().starts_with(L"=== Assembly Output ===")) << Utf8(assembly().substr(0, 300));
-        }
+        EXPECT_EQ(Exists(stem + L".asm"), std::wstring(c.arguments).find(L"{a}") != std::wstring::npos);
         for (const wchar_t* extension : {L".log", L".lst", L".err"}) WriteBytes(stem + extension, "x");
         editor.Do(IDM_BUILD_CLEAN);
         EXPECT_TRUE(editor.AwaitOutput(L"Cleaned build outputs.\n"));
@@ -148,7 +132,7 @@ TEST(Build, EachCompilerBuildsASample) {
         EXPECT_FALSE(Exists(stem + L".exe")) << "a syntax check writes no program";
     }
     editor.Do(IDM_PROFILE_RELEASE);
-    EXPECT_EQ(editor.Status(0), L"Build profile: Release");
+    EXPECT_EQ(editor.Status(), L"Build profile: Release");
     EXPECT_NE(Build(editor).find(L" -O2 -I"), std::wstring::npos) << Utf8(editor.Output());
     EXPECT_EQ(editor.Output().find(L"--debug"), std::wstring::npos);
     EXPECT_EQ(editor.Close(), 0u);
@@ -163,11 +147,11 @@ TEST(Build, RunStartsTheProgramAndOnlyAfterSuccess) {
     editor.Foreground();
     ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
     editor.Keys({VK_F5});
-    EXPECT_TRUE(WaitFor([] { return CountProcesses(L"kvxruns.exe") == 1; }, 60000)) << Utf8(editor.Output());
+    EXPECT_TRUE(WaitFor([] { return CountProcesses(L"kvxruns.exe") == 1; }, kBuildDeadline)) << Utf8(editor.Output());
     TerminateJobObject(editor.job, 0);
     EXPECT_TRUE(WaitFor([] { return CountProcesses(L"kvxruns.exe") == 0; }));
 
-    DeleteFileW(folder.File(L"Editor.ini_autosave.kvxsess").c_str());
+    DeleteFileW(folder.File(kSessionFile).c_str());
     folder.Write(L"kvxruns.bas",
                  "FUNCTION PBMAIN() AS LONG\r\n  LOCAL a AS LONG\r\n  a = nonsense(1)\r\nEND FUNCTION\r\n");
     Editor again(folder, OpenArgument(file) + L" --compiler kvxb64");
@@ -193,10 +177,10 @@ TEST(Build, RefusalsSayWhy) {
     DeleteFileW(gone.c_str());
     const std::wstring advice = L"\nOpen Project > Settings and run Auto-Detect or browse to the compiler.\n";
     EXPECT_EQ(Utf8(Build(editor)), Utf8(L"Compiler not found: KVXA64\nConfigured path: " + gone + advice));
-    EXPECT_EQ(editor.Status(0), L"Compiler not found");
+    EXPECT_EQ(editor.Status(), L"Compiler not found");
     editor.Do(IDM_USE_KVXC64);
     EXPECT_EQ(folder.Ini(L"Editor", L"ActiveCompiler"), L"4") << "saved at once";
-    EXPECT_EQ(editor.Status(6), L"KVXC64 (not found)");
+    EXPECT_EQ(editor.Status(kPartCompiler), L"KVXC64 (not found)");
     EXPECT_EQ(Utf8(Build(editor)), Utf8(L"Compiler not found: KVXC64\nConfigured path: (empty)" + advice));
 
     editor.Do(IDM_FILE_NEW);
@@ -206,14 +190,14 @@ TEST(Build, RefusalsSayWhy) {
         editor.Post(command);
         editor.AnswerFileDialog(folder.File(L"never.bas"), IDCANCEL);
         EXPECT_TRUE(editor.AwaitOutput(text));
-        EXPECT_TRUE(WaitFor([&] { return editor.Status(0) == status; })) << Utf8(editor.Status(0));
+        EXPECT_TRUE(WaitFor([&] { return editor.Status() == status; })) << Utf8(editor.Status());
     }
     // A program that is none: the system's own words.
     folder.Write(L"gone.exe", "this is no program");
     editor.Do(IDM_PREVIOUS_TAB);
     editor.Do(IDM_USE_KVXA64);
     EXPECT_NE(Build(editor).find(L"Build launch failed (Win32 error "), std::wstring::npos) << Utf8(editor.Output());
-    EXPECT_EQ(editor.Status(0), L"Build launch failed");
+    EXPECT_EQ(editor.Status(), L"Build launch failed");
     EXPECT_EQ(editor.Close(), 0u);
 }
 
@@ -308,7 +292,8 @@ TEST(Build, ASilentCompilersLogIsShown) {
 TEST(Build, ErrorsLeadToTheirPlaces) {
     FakeFolder folder("");
     const std::wstring main = folder.Write(L"main.bas", "1\r\n2\r\n3 three\r\n4\r\n5\r\n");
-    const std::wstring part = folder.Write(L"sub\\part.bas", "a\r\nb bb\r\nc\r\n");
+    // Of another compiler, as the folder's name says.
+    const std::wstring part = folder.Write(L"KA32\\part.bas", "a\r\nb bb\r\nc\r\n");
     folder.Script("print " + Utf8(main) + "(3,4): error: one\r\nprint nothing here\r\nprint " + Utf8(part) +
                   ":2:3: warning: two\r\nprint " + Utf8(folder.File(L"gone.bas")) + "(9,9): error: three\r\nprint " +
                   Utf8(main) + "(5,0): fatal error: four\r\nprint " + Utf8(main) + "(12): error: not one\nexit 1\n");
@@ -319,11 +304,13 @@ TEST(Build, ErrorsLeadToTheirPlaces) {
                std::to_wstring(editor.Column());
     };
     const auto expectAt = [&](const wchar_t* place) {
-        EXPECT_TRUE(WaitFor([&] { return at() == place; }, 3000)) << Utf8(at()) << " instead of " << Utf8(place);
+        EXPECT_TRUE(WaitFor([&] { return at() == place; })) << Utf8(at()) << " instead of " << Utf8(place);
     };
     DoubleClickOn(editor, L"part.bas:2:3");
     expectAt(L"part.bas:2:3");  // opened for it
     EXPECT_EQ(editor.Tabs(), 2);
+    EXPECT_EQ(editor.Status(kPartCompiler), L"KVXA64") << "opened for the error, not by the user";
+    EXPECT_EQ(folder.Ini(L"MRU", L"Count"), L"1");
     EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
     editor.Do(IDM_ERROR_PREVIOUS);
     expectAt(L"main.bas:3:4");
@@ -335,7 +322,7 @@ TEST(Build, ErrorsLeadToTheirPlaces) {
     editor.Keys({VK_F4});
     expectAt(L"part.bas:2:3");
     editor.Post(IDM_ERROR_NEXT);  // the file is gone: a message, and nothing else
-    editor.Answer(L"KVXE - Unified Compiler Editor", L"Failed to open file: " + folder.File(L"gone.bas"), IDOK);
+    editor.Answer(kProgramTitle, L"Failed to open file: " + folder.File(L"gone.bas"), IDOK);
     expectAt(L"part.bas:2:3");
     editor.Do(IDM_ERROR_NEXT);
     expectAt(L"main.bas:5:1");
@@ -346,15 +333,21 @@ TEST(Build, ErrorsLeadToTheirPlaces) {
     // The 65th diagnostic is shown, but the walk ends at the 64th.
     std::string lines;
     for (int i = 0; i < 80; ++i) lines += "line\r\n";
-    folder.Write(L"many.bas", lines);
-    folder.Script("errors 70 " + Utf8(folder.File(L"many.bas")) + "\nexit 1\n");
+    folder.Write(L"KA32\\many.bas", lines);
+    folder.Script("errors 70 " + Utf8(folder.File(L"KA32\\many.bas")) + "\nexit 1\n");
     EXPECT_EQ(Count(Build(editor), L": error: number "), 70);
     EXPECT_EQ(ScrolledRight(editor, IDC_OUTPUT), 0) << "the file names are out of sight";
-    EXPECT_EQ(ColourOf(editor, folder.File(L"many.bas") + L"(65,1)"), 0x0000FFu);
+    EXPECT_EQ(ColourOf(editor, folder.File(L"KA32\\many.bas") + L"(65,1)"), 0x0000FFu);
     editor.Do(IDM_ERROR_PREVIOUS);
     expectAt(L"many.bas:64:1");
     editor.Do(IDM_ERROR_NEXT);
     expectAt(L"many.bas:1:1");
+    // The dialog still starts where the user was last.
+    editor.Do(IDM_FILE_CLOSE_ALL);
+    folder.Write(L"beside.bas", "");
+    editor.Post(IDM_FILE_OPEN);
+    editor.AnswerFileDialog(L"beside.bas");
+    EXPECT_TRUE(WaitFor([&] { return editor.Tabs() == 1 && editor.TabLabel(0) == L"beside.bas"; }));
     EXPECT_EQ(editor.Close(), 0u);
 }
 
@@ -372,7 +365,7 @@ TEST(Build, ErrorsOfACopyLeadToItsSource) {
         Build(editor);
         for (const int line : {3, 2}) {
             editor.Do(IDM_ERROR_NEXT);
-            EXPECT_TRUE(WaitFor([&] { return editor.Line() == line; }, 3000)) << editor.Line();
+            EXPECT_TRUE(WaitFor([&] { return editor.Line() == line; })) << editor.Line();
             EXPECT_EQ(editor.TabLabel(editor.ActiveTab()), source);
         }
         editor.Do(IDM_NEXT_TAB);
@@ -393,12 +386,10 @@ TEST(Build, StopLeavesNothingRunning) {
         FakeFolder folder(c.script);
         if (c.preBuild) folder.SetIni(L"Build", L"PreBuildCmd", Quoted(folder.File(L"KVXA64\\kvxa64.exe")));
         Editor editor(folder, OpenArgument(folder.Write(L"a.kxa", kHello)) + L" --compiler kvxa64");
-        const auto stopEnabled = [&] {
-            return editor.Send(editor.Child(IDC_TOOLBAR), TB_ISBUTTONENABLED, IDM_BUILD_STOP) != 0;
-        };
+        const auto stopEnabled = [&] { return editor.ButtonWorks(IDM_BUILD_STOP); };
         EXPECT_FALSE(stopEnabled());
         editor.Do(IDM_BUILD);
-        EXPECT_TRUE(WaitFor(stopEnabled, 2000));
+        EXPECT_TRUE(WaitFor(stopEnabled));
         ASSERT_TRUE(editor.AwaitOutput(c.preBuild ? L"[Pre-build]" : L"begun"));
         ASSERT_TRUE(WaitFor([&] { return CountProcesses(L"kvxa64.exe") == (c.preBuild ? 1 : 2); }));
         editor.Foreground();
@@ -408,8 +399,8 @@ TEST(Build, StopLeavesNothingRunning) {
             ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
             editor.Keys({VK_CONTROL, VK_CANCEL});  // Ctrl+Break
         }
-        EXPECT_TRUE(WaitFor([] { return CountProcesses(L"kvxa64.exe") == 0; }, 3000)) << "still running";
-        EXPECT_TRUE(WaitFor([&] { return editor.Status(0) == L"Build stopped"; })) << Utf8(editor.Status(0));
+        EXPECT_TRUE(WaitFor([] { return CountProcesses(L"kvxa64.exe") == 0; })) << "still running";
+        EXPECT_TRUE(WaitFor([&] { return editor.Status() == L"Build stopped"; })) << Utf8(editor.Status());
         EXPECT_TRUE(WaitFor([&] { return !Exists(folder.File(L"a.pb")); })) << "the staged copy stays behind";
         // The next build is none the worse for it.
         folder.Script("print second\n");
@@ -422,7 +413,7 @@ TEST(Build, StopLeavesNothingRunning) {
     editor.Do(IDM_BUILD);
     ASSERT_TRUE(WaitFor([] { return CountProcesses(L"kvxa64.exe") == 2; }));
     EXPECT_EQ(editor.Close(), 0u);
-    EXPECT_TRUE(WaitFor([] { return CountProcesses(L"kvxa64.exe") == 0; }, 3000));
+    EXPECT_TRUE(WaitFor([] { return CountProcesses(L"kvxa64.exe") == 0; }));
 }
 
 TEST(Build, AllOpenDocumentsUntilOneFails) {
@@ -432,17 +423,17 @@ TEST(Build, AllOpenDocumentsUntilOneFails) {
         OpenArgument(folder.Write(L"b.bas", kHello)) + OpenArgument(folder.Write(L"c.bas", kHello));
     Editor editor(folder, files + L" --compiler kvxa64");
     editor.Post(IDM_BUILD_ALL);
-    EXPECT_TRUE(editor.AwaitOutput(L"[3/3] Building ", 60000));
+    EXPECT_TRUE(editor.AwaitOutput(L"[3/3] Building ", kBuildDeadline));
     EXPECT_TRUE(WaitFor([&] {
         return editor.Output().find(L"Batch build: 3 succeeded, 0 failed.") != std::wstring::npos ||
-               editor.Status(0) == L"Batch build: 3 succeeded, 0 failed.";
+               editor.Status() == L"Batch build: 3 succeeded, 0 failed.";
     })) << editor.Describe();
     folder.Script("print bad\nexit 1\n");
     editor.Post(IDM_BUILD_ALL);
-    EXPECT_TRUE(editor.AwaitOutput(L"Build failed, stopping batch.\n", 60000));
+    EXPECT_TRUE(editor.AwaitOutput(L"Build failed, stopping batch.\n", kBuildDeadline));
     EXPECT_TRUE(WaitFor([&] {
         return editor.Output().find(L"0 succeeded, 1 failed.") != std::wstring::npos ||
-               editor.Status(0).find(L"0 succeeded, 1 failed.") != std::wstring::npos;
+               editor.Status().find(L"0 succeeded, 1 failed.") != std::wstring::npos;
     }));
     EXPECT_EQ(editor.Close(), 0u);
 }

@@ -2,8 +2,6 @@
 // looked at from all sides.
 #include "debug_driver.h"
 
-#include <Scintilla.h>
-
 #include <regex>
 
 #include "documents/margins.h"
@@ -31,7 +29,7 @@ constexpr int kLoopLine = 10, kAfterLoop = 12;
 constexpr wchar_t kExit[] = L"Exited with code 11";
 
 struct Case {
-    const wchar_t* compiler;
+    const wchar_t *compiler, *file;  // a file of its own kind, of which the compiler may see a copy
     bool x64;
     bool traps;  // each statement carries a trap; steps go with the flow of control, and never into a procedure
     std::vector<int> over;  // lines of all the steps
@@ -40,15 +38,15 @@ struct Case {
 
 std::vector<int> StepToTheEnd(const Session& session) {
     std::vector<int> lines;
-    while (session.editor.Status(0) != kExit && lines.size() < 40) {
+    while (session.editor.Status() != kExit && lines.size() < 40) {
         const std::wstring before = session.editor.Output();
         session.editor.Do(IDM_DEBUG_STEP_OVER);
         const bool done = WaitFor([&] {
             return session.editor.Output().size() > before.size() &&
-                   (session.editor.Status(0) == kExit || session.editor.Output().ends_with(L"\n"));
+                   (session.editor.Status() == kExit || session.editor.Output().ends_with(L"\n"));
         });
         if (!done) break;
-        if (session.editor.Status(0) != kExit)
+        if (session.editor.Status() != kExit)
             lines.push_back(static_cast<int>(session.editor.Sci(SCI_MARKERNEXT, 0, 1 << kMarkCurrent)) + 1);
     }
     return lines;
@@ -99,14 +97,14 @@ class DebugWith : public ::testing::TestWithParam<Case> {};
 TEST_P(DebugWith, StepsLooksAndStops) {
     const Case& c = GetParam();
     if (!c.x64 && !Variable(L"KVX_NO_WINE32").empty()) GTEST_SKIP() << "no 32-bit Wine";
-    const Session session(L"flow.bas", kSource, c.compiler);
+    const Session session(c.file, kSource, c.compiler);
     const Editor& editor = session.editor;
     const int first = c.traps ? 6 : 5;
 
     editor.Do(IDM_DEBUG_START);
-    ASSERT_TRUE(session.AwaitStop(first, 60000));
+    ASSERT_TRUE(session.AwaitStop(first, kBuildDeadline));
     EXPECT_EQ(StepToTheEnd(session), c.over);
-    EXPECT_EQ(editor.Status(0), kExit);
+    EXPECT_EQ(editor.Status(), kExit);
     EXPECT_TRUE(editor.AwaitOutput(L"[Debug] Process exited.\n"));
 
     session.CaretTo(kLoopLine);
@@ -114,17 +112,18 @@ TEST_P(DebugWith, StepsLooksAndStops) {
     editor.Keys({VK_F9});
     EXPECT_TRUE(WaitFor([&] { return (editor.Sci(SCI_MARKERGET, kLoopLine - 1) >> kMarkBreakpoint & 1) != 0; }));
     editor.Do(IDM_DEBUG_START);
-    ASSERT_TRUE(session.AwaitStop(first, 60000));
+    ASSERT_TRUE(session.AwaitStop(first, kBuildDeadline));
+    EXPECT_EQ(editor.Sci(SCI_MARKERGET, kLoopLine - 1) >> kMarkHollow & 1, 0) << "there is code";
     editor.Do(IDM_DEBUG_STEP_OVER);
     ASSERT_TRUE(session.AwaitStop(7));
     editor.Do(IDM_DEBUG_STEP_OVER);
     ASSERT_TRUE(session.AwaitStop(8));
     editor.Do(IDM_DEBUG_STEP_INTO);
     ASSERT_TRUE(session.AwaitStop(c.into));
-    EXPECT_TRUE(editor.AwaitOutput(L"flow.bas:" + std::to_wstring(c.into) + L" (step into)\n"));
+    EXPECT_TRUE(editor.AwaitOutput(session.sourceName + L":" + std::to_wstring(c.into) + L" (step into)\n"));
     editor.Do(IDM_DEBUG_STEP_OUT);
     ASSERT_TRUE(session.AwaitStop(c.out));
-    EXPECT_TRUE(editor.AwaitOutput(L"flow.bas:" + std::to_wstring(c.out) + L" (step out)\n"));
+    EXPECT_TRUE(editor.AwaitOutput(session.sourceName + L":" + std::to_wstring(c.out) + L" (step out)\n"));
     if (c.out != kLoopLine) {
         editor.Do(IDM_DEBUG_CONTINUE);
         ASSERT_TRUE(session.AwaitStop(kLoopLine));
@@ -133,21 +132,24 @@ TEST_P(DebugWith, StepsLooksAndStops) {
     session.CaretTo(kAfterLoop);
     editor.Do(IDM_DEBUG_RUN_TO_CURSOR);
     ASSERT_TRUE(session.AwaitStop(kAfterLoop));
-    EXPECT_TRUE(editor.AwaitOutput(L"flow.bas:12 (run to cursor)\n"));
+    EXPECT_TRUE(editor.AwaitOutput(session.sourceName + L":12 (run to cursor)\n"));
     ExpectTexts(session, c);
     ExpectViews(session, c);
     editor.Do(IDM_DEBUG_STOP);
     EXPECT_TRUE(editor.AwaitOutput(L"[Debug] Stopped.\n"));
     EXPECT_TRUE(WaitFor([] { return CountProcesses(L"flow.exe") == 0; }));
+    EXPECT_EQ(editor.Tabs(), 1) << "no copy was opened";
 }
 
 const std::vector<int> kByAddress = {7, 8, 9, 10, 11, 12, 13, 14};
 INSTANTIATE_TEST_SUITE_P(
     Compilers, DebugWith,
-    ::testing::Values(Case{L"kvxa64", true, false, kByAddress, 1, 9}, Case{L"kvxb64", true, false, kByAddress, 1, 9},
-                      Case{L"kvxa32", false, false, kByAddress, 1, 2},
-                      Case{L"keldorbasic", false, true, {7, 8, 9, 10, 11, 10, 11, 10, 11, 12, 13, 14}, 9, 10},
-                      Case{L"kvxc64", true, false, kByAddress, 1, 9}),
+    ::testing::Values(
+        Case{L"kvxa64", L"flow.kxa", true, false, kByAddress, 1, 9},
+        Case{L"kvxb64", L"flow.kxb", true, false, kByAddress, 1, 9},
+        Case{L"kvxa32", L"flow.ka32", false, false, kByAddress, 1, 2},
+        Case{L"keldorbasic", L"flow.bas", false, true, {7, 8, 9, 10, 11, 10, 11, 10, 11, 12, 13, 14}, 9, 10},
+        Case{L"kvxc64", L"flow.bas", true, false, kByAddress, 1, 9}),
     [](const auto& named) { return Utf8(named.param.compiler); });
 
 }  // namespace

@@ -33,27 +33,27 @@ struct Session {
     Session(const std::wstring& fileName, std::string_view source, const std::wstring& compiler)
         : sourceName(fileName),
           editor(Prepared(folder, sourceName, source),
-                 L" --open \"" + folder.File(sourceName) + L"\" --compiler " + compiler) {
+                 OpenArgument(folder.File(sourceName)) + L" --compiler " + compiler) {
         editor.Do(IDM_VIEW_DEBUG_PANE);
         pane = editor.Child(IDC_DEBUG_PANE);
     }
     static const ProgramFolder& Prepared(const ProgramFolder& folder, const std::wstring& fileName,
                                          std::string_view source) {
         folder.Write(fileName, source);
-        folder.SetIni(L"Editor", L"AutoSaveEnabled", L"0");
-        folder.SetIni(L"Editor", L"RestoreLastSession", L"0");
+        folder.KeepNoSession();
         return folder;
     }
     bool AwaitStop(int line, int milliseconds = kDeadline) const {
         const std::wstring status = L"Stopped at " + sourceName + L":" + std::to_wstring(line);
-        const bool came = WaitFor([&] { return editor.Status(0) == status; }, milliseconds);
-        EXPECT_TRUE(came) << "line " << line << ", status: " << Utf8(editor.Status(0)) << "\n" << editor.Describe();
+        const bool came = WaitFor([&] { return editor.Status() == status; }, milliseconds);
+        EXPECT_TRUE(came) << "line " << line << ", status: " << Utf8(editor.Status()) << "\n" << editor.Describe();
         return came;
     }
-    void CaretTo(int line) const { editor.Sci(2024, static_cast<WPARAM>(line - 1)); }  // SCI_GOTOLINE
+    void CaretTo(int line) const { editor.Sci(SCI_GOTOLINE, static_cast<WPARAM>(line - 1)); }
     bool Start() const {
         editor.Do(IDM_DEBUG_BUILD_START);
-        return WaitFor([&] { return editor.Status(0).starts_with(L"Stopped at " + sourceName + L":"); }, 60000) &&
+        return WaitFor([&] { return editor.Status().starts_with(L"Stopped at " + sourceName + L":"); },
+                       kBuildDeadline) &&
                AwaitConsole();
     }
     // The program's own window comes up when it likes and takes the focus: what is typed comes after that.
@@ -102,49 +102,42 @@ struct Session {
     }
     std::wstring Register(const std::wstring& name) const { return Cell(RowOf(0, name), 1); }
     void SelectRow(int row) const {
-        const RemoteBlock block(editor.process, sizeof(LVITEMW));
         LVITEMW state = {};
         state.state = state.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
-        block.Put(&state, sizeof(state));
-        editor.Send(List(), LVM_SETITEMSTATE, static_cast<WPARAM>(row), block.At());
+        editor.Ask(List(), LVM_SETITEMSTATE, static_cast<WPARAM>(row), state);
     }
     int PaneListRow() const {
         return static_cast<int>(editor.Send(List(), LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
     }
     POINT Place(int row, int column) const {  // a little right of a cell's left edge
-        const RemoteBlock block(editor.process, sizeof(RECT));
-        RECT bounds = {LVIR_BOUNDS, 0, 0, 0};
-        block.Put(&bounds, sizeof(bounds));
-        editor.Send(List(), LVM_GETITEMRECT, static_cast<WPARAM>(row), block.At());
-        block.Get(&bounds, sizeof(bounds));
+        const RECT bounds = editor.Ask(List(), LVM_GETITEMRECT, static_cast<WPARAM>(row), RECT{LVIR_BOUNDS, 0, 0, 0});
         LONG left = bounds.left + 12;
         for (int i = 0; i < column; ++i)
             left += static_cast<LONG>(editor.Send(List(), LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(i)));
         return {left, (bounds.top + bounds.bottom) / 2};
     }
-    void AwaitMenu(bool open) const { EXPECT_TRUE(::AwaitMenu(open)) << (open ? "no menu" : "the menu stays"); }
     // From the menu of a watch's kind: by its place in there, from 0.
     void ChooseKind(int row, int kind) const {
         editor.Foreground();
         editor.Click(List(), Place(row, 1), MOUSEEVENTF_LEFTDOWN, 2);
-        AwaitMenu(true);
+        editor.AwaitMenu(true);
         for (int i = 0; i <= kind; ++i) editor.Keys({VK_DOWN});
         editor.Keys({VK_RETURN});
-        AwaitMenu(false);
+        editor.AwaitMenu(false);
     }
     // From the menu of a right click: by the item's letter, or by arrows.
     void ChooseByMouse(HWND window, POINT at, std::initializer_list<int> keys) const {
         editor.Click(window, at, MOUSEEVENTF_RIGHTDOWN);
-        AwaitMenu(true);
+        editor.AwaitMenu(true);
         for (const int key : keys) editor.Keys({key});
-        AwaitMenu(false);
+        editor.AwaitMenu(false);
     }
     // From the menu of the window that has the keyboard.
     void ChooseByKeys(int key) const {
         editor.Keys({VK_APPS});
-        AwaitMenu(true);
+        editor.AwaitMenu(true);
         editor.Keys({key});
-        AwaitMenu(false);
+        editor.AwaitMenu(false);
     }
     int Checked(int row) const {  // 1: no, 2: yes
         return static_cast<int>(editor.Send(List(), LVM_GETITEMSTATE, static_cast<WPARAM>(row), LVIS_STATEIMAGEMASK) >>

@@ -25,15 +25,6 @@ constexpr char kSource[] =
 struct Looks : Session {
     Looks() : Session(L"looks.bas", kSource, L"kvxa64") {}
 
-    // As the system tells a window that it is on a screen of that resolution.
-    void Show(int dpi, int width, int height) const {
-        ShowWindow(editor.main, SW_RESTORE);
-        const RemoteBlock block(editor.process, sizeof(RECT));
-        const RECT place = {0, 0, width, height};
-        block.Put(&place, sizeof(place));
-        editor.Send(editor.main, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), block.At());
-        editor.Send(editor.main, WM_NULL);
-    }
     RECT InPane(HWND child) const {
         RECT area = {};
         GetWindowRect(child, &area);
@@ -41,10 +32,7 @@ struct Looks : Session {
         return area;
     }
     RECT TabInPane(int index) const {
-        const RemoteBlock block(editor.process, sizeof(RECT));
-        editor.Send(Tabs(), TCM_GETITEMRECT, static_cast<WPARAM>(index), block.At());
-        RECT area = {};
-        block.Get(&area, sizeof(area));
+        RECT area = editor.Ask<RECT>(Tabs(), TCM_GETITEMRECT, static_cast<WPARAM>(index));
         OffsetRect(&area, InPane(Tabs()).left, 0);
         return area;
     }
@@ -67,7 +55,7 @@ TEST(DebugLooks, TheSelectedTabIsSeenWholeAndTheOthersAreInAMenu) {
     const Looks session;
     for (const Size& size : kSizes) {
         SCOPED_TRACE(size.width);
-        session.Show(size.dpi, size.width, size.height);
+        session.editor.ShowAt(size.dpi, size.width, size.height);
         RECT client = {};
         GetClientRect(session.pane, &client);
         for (int tab = 0; tab < 7; ++tab) {
@@ -83,7 +71,7 @@ TEST(DebugLooks, TheSelectedTabIsSeenWholeAndTheOthersAreInAMenu) {
     session.editor.Foreground();
     const RECT button = session.InPane(session.More());
     session.editor.Click(session.More(), {button.right - button.left - 10, 10});
-    ASSERT_TRUE(AwaitMenu(true));
+    ASSERT_TRUE(session.editor.AwaitMenu(true));
     session.editor.Keys({VK_UP});
     session.editor.Keys({VK_RETURN});
     EXPECT_TRUE(WaitFor([&] { return session.SelectedTab() == kDisassembly; })) << session.SelectedTab();
@@ -97,7 +85,7 @@ TEST(DebugLooks, ColumnsFitTheirPane) {
     const Looks session;
     ASSERT_TRUE(session.Start()) << session.editor.Describe();
     for (const Size& size : {kSizes[0], kSizes[1]}) {
-        session.Show(size.dpi, size.width, size.height);
+        session.editor.ShowAt(size.dpi, size.width, size.height);
         for (const Tab tab : {kBreakpoints, kStack, kRegisters, kWatches, kThreads, kDisassembly}) {
             session.Select(tab);
             EXPECT_EQ(GetWindowLongW(session.List(), GWL_STYLE) & WS_HSCROLL, 0) << size.width << " view " << tab;
@@ -133,7 +121,7 @@ TEST(DebugLooks, MemoryRowsAreAsLongAsThePaneHasRoomFor) {
         return lines;
     };
     const auto start = [&](std::size_t row) { return std::stoull(rows()[row].substr(0, 12), nullptr, 16); };
-    session.Show(96, 1280, 800);
+    session.editor.ShowAt(96, 1280, 800);
     ASSERT_TRUE(WaitFor([&] { return rows().size() > 2; }));
     session.editor.Foreground();
     SetFocus(session.Memory());
@@ -141,7 +129,7 @@ TEST(DebugLooks, MemoryRowsAreAsLongAsThePaneHasRoomFor) {
     const auto base = start(0);
     session.Key(session.Memory(), VK_END);  // the caret is on the row's last byte, and stays on it
     for (const auto& [width, bytes] : {std::pair{1000, 8u}, std::pair{640, 4u}, std::pair{1000, 8u}}) {
-        session.Show(96, width, 700);
+        session.editor.ShowAt(96, width, 700);
         EXPECT_EQ(start(0), base);
         EXPECT_EQ(start(1) - start(0), bytes) << width;
         EXPECT_EQ(rows()[0].size(), 12 + bytes * 4 + 2) << Utf8(rows()[0]);
@@ -156,8 +144,8 @@ TEST(DebugLooks, AFoldedBreakpointShowsOnTheHeader) {
     session.CaretTo(5);
     editor.Do(IDM_DEBUG_BREAKPOINT);
     editor.Foreground();
-    const auto sign = [&](int line) { return WaitFor([&] { return session.HasFoldSign(line); }, 5000); };
-    const auto noSign = [&](int line) { return WaitFor([&] { return !session.HasFoldSign(line); }, 5000); };
+    const auto sign = [&](int line) { return WaitFor([&] { return session.HasFoldSign(line); }); };
+    const auto noSign = [&](int line) { return WaitFor([&] { return !session.HasFoldSign(line); }); };
     EXPECT_FALSE(session.HasFoldSign(4));
     session.Fold(4, true);
     EXPECT_TRUE(sign(4)) << "the IF";
@@ -188,17 +176,8 @@ TEST(DebugLooks, MessagesCanBeReadInTheDarkTheme) {
     session.editor.Do(IDM_DEBUG_STOP);
     ASSERT_TRUE(session.editor.AwaitOutput(L"[Debug] Stopped."));
     const auto colour = [&] {
-        const HWND output = session.editor.Child(IDC_OUTPUT);
         // For the control a line break is one character, as it is in this text.
-        const auto place = static_cast<LPARAM>(session.editor.Output().rfind(L"Stopped."));
-        session.editor.Send(output, EM_SETSEL, static_cast<WPARAM>(place), place + 3);
-        CHARFORMAT2W format = {};
-        format.cbSize = sizeof(format);
-        const RemoteBlock block(session.editor.process, sizeof(format));
-        block.Put(&format, sizeof(format));
-        session.editor.Send(output, EM_GETCHARFORMAT, SCF_SELECTION, block.At());
-        block.Get(&format, sizeof(format));
-        return format.crTextColor;
+        return session.editor.ColourAt(session.editor.Child(IDC_OUTPUT), session.editor.Output().rfind(L"Stopped."));
     };
     EXPECT_EQ(colour(), 200u);
     const Rgb lifted = ThemeReadableOn(0xC80000, ThemeChromePalette(true).paneBack);

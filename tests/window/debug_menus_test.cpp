@@ -87,7 +87,7 @@ TEST(DebugMenus, TheOutputIsCopied) {
     const MenuSession session;
     const Editor& editor = session.editor;
     editor.Do(IDM_BUILD);
-    ASSERT_TRUE(editor.AwaitOutput(L"--- Build succeeded", 60000));
+    ASSERT_TRUE(editor.AwaitOutput(L"--- Build succeeded", kBuildDeadline));
     ASSERT_TRUE(WaitFor([&] { return editor.Output().ends_with(L"\n"); }));
     const HWND pane = editor.Child(IDC_OUTPUT);
     editor.Foreground();
@@ -205,6 +205,20 @@ TEST(DebugMenus, OfTheBreakpoints) {
     EXPECT_TRUE(WaitFor([&] { return session.Cell(1, 1) == L"1==1"; })) << Utf8(session.All());
     choose('G');
     EXPECT_TRUE(WaitFor([&] { return session.editor.Line() == 4; })) << session.editor.Line();
+
+    // The mouse alone.
+    session.editor.Click(session.List(), session.Place(2, 0));
+    EXPECT_TRUE(WaitFor([&] { return session.Checked(2) == 1; })) << "a click on its box switches it off";
+    EXPECT_EQ(session.Checked(0), 2);
+    session.editor.Click(session.List(), session.Place(2, 1));
+    session.Enter(L"2>1");
+    EXPECT_TRUE(WaitFor([&] { return session.Cell(2, 1) == L"2>1"; })) << Utf8(session.All());
+    const POINT place = session.Place(0, 0);
+    session.editor.Click(session.List(), {place.x + 30, place.y}, MOUSEEVENTF_LEFTDOWN, 2);
+    EXPECT_TRUE(WaitFor([&] { return session.editor.Line() == 3; })) << session.editor.Line();
+    EXPECT_EQ(session.Checked(0), 2) << "a double-click on its name is no click on its box";
+
+    session.SelectRow(1);
     choose('R');
     EXPECT_TRUE(WaitFor([&] { return session.Rows() == 2 && session.Cell(1, 0) == L"twice.bas:9"; }))
         << Utf8(session.All());

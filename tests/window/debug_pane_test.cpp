@@ -2,6 +2,8 @@
 // changed in it, how it is worked by keys.
 #include "debug_driver.h"
 
+#include "documents/margins.h"
+
 namespace {
 
 using namespace debug_driver;
@@ -29,19 +31,6 @@ int FirstInstructionOf(const Session& session, const std::wstring& source) {
     return row < 0 ? -1 : row + 1;
 }
 
-TEST(DebugPane, WithoutASessionItSaysHowToBegin) {
-    const Session session;
-    for (const Tab tab : {kStack, kRegisters, kMemory, kThreads, kDisassembly}) {
-        session.Select(tab);
-        EXPECT_TRUE(WaitFor([&] { return HasLine(session.editor.TextOf(session.pane), L"Start debugging with"); }))
-            << tab;
-        EXPECT_FALSE(IsWindowVisible(session.List())) << tab;
-        EXPECT_FALSE(IsWindowVisible(session.Memory())) << tab;
-    }
-    session.Select(kBreakpoints);
-    EXPECT_TRUE(WaitFor([&] { return HasLine(session.editor.TextOf(session.pane), L"No breakpoints"); }));
-}
-
 TEST(DebugPane, ViewsFollowTheStop) {
     const struct {
         const wchar_t *compiler, *pointer;
@@ -51,7 +40,7 @@ TEST(DebugPane, ViewsFollowTheStop) {
         SCOPED_TRACE(Utf8(each.compiler));
         const Session session(each.compiler);
         ASSERT_TRUE(session.Start()) << session.editor.Describe();
-        session.editor.Sci(2024, 3);
+        session.CaretTo(4);
         session.editor.Do(IDM_DEBUG_BREAKPOINT);  // on line 4
         session.RunToLine(3);
         session.Select(kStack);
@@ -99,8 +88,8 @@ TEST(DebugPane, RegistersTakeValues) {
     session.SelectRow(row);
     session.Key(session.List(), VK_F2);
     session.Enter(L"nonsense");
-    EXPECT_TRUE(WaitFor([&] { return HasLine(session.editor.Status(0), L"nonsense"); }))
-        << Utf8(session.editor.Status(0));
+    EXPECT_TRUE(WaitFor([&] { return HasLine(session.editor.Status(), L"nonsense"); }))
+        << Utf8(session.editor.Status());
     session.Enter(L"0xAB0+12");
     EXPECT_TRUE(WaitFor([&] { return session.Register(L"R12") == L"0000000000000ABC"; }))
         << Utf8(session.Register(L"R12"));
@@ -143,8 +132,7 @@ TEST(DebugPane, WatchesShowAndWriteMemory) {
     session.SelectRow(total);
     session.Key(session.List(), VK_RETURN);
     session.Enter(L"99999999999");
-    EXPECT_TRUE(WaitFor([&] { return HasLine(session.editor.Status(0), L"32 bits"); }))
-        << Utf8(session.editor.Status(0));
+    EXPECT_TRUE(WaitFor([&] { return HasLine(session.editor.Status(), L"32 bits"); })) << Utf8(session.editor.Status());
     session.Enter(L"-7");
     EXPECT_TRUE(WaitFor([&] { return session.Cell(total, 2) == L"-7 (0xFFFFFFF9)"; })) << Utf8(session.All());
     // A number that is shown rounded stays what it is when its field is left as it was.
@@ -164,11 +152,11 @@ TEST(DebugPane, WatchesShowAndWriteMemory) {
     session.Key(session.List(), VK_DELETE);
     EXPECT_TRUE(WaitFor([&] { return session.Rows() == 7; }));
     session.editor.Do(IDM_DEBUG_CONTINUE);
-    EXPECT_TRUE(WaitFor([&] { return session.editor.Status(0) == L"Exited with code -7"; }))
-        << Utf8(session.editor.Status(0));
+    EXPECT_TRUE(WaitFor([&] { return session.editor.Status() == L"Exited with code -7"; }))
+        << Utf8(session.editor.Status());
 
     // The list outlives its program; an address alone is no value.
-    if (!IsWindowVisible(session.pane)) session.editor.Do(IDM_VIEW_DEBUG_PANE);
+    EXPECT_TRUE(IsWindowVisible(session.pane)) << "the user had it open before the session";
     EXPECT_TRUE(WaitFor([&] { return session.Rows() == 7 && session.Cell(total, 2).empty(); })) << Utf8(session.All());
     EXPECT_EQ(session.Cell(5, 0), L"16");
 }
@@ -194,24 +182,37 @@ TEST(DebugPane, MemoryIsTypedOver) {
     session.GoTo(L"16");
     EXPECT_TRUE(WaitFor([&] { return HasLine(text(), L"000000000010 ?? ??"); })) << Utf8(text());
     session.editor.Send(session.Memory(), WM_CHAR, L'1', 1);
-    EXPECT_TRUE(HasLine(session.editor.Status(0), L"cannot be written")) << Utf8(session.editor.Status(0));
+    EXPECT_TRUE(HasLine(session.editor.Status(), L"cannot be written")) << Utf8(session.editor.Status());
     session.GoTo(L"no such");
+    session.Select(kStack);  // and back: what is shown is read anew
+    session.Select(kMemory);
+    EXPECT_EQ(session.editor.TextOf(session.Address()), L"no such");
+    EXPECT_TRUE(text().starts_with(L"000000000010 ")) << Utf8(text());
     session.GoTo(L"RBP-8");
     ASSERT_TRUE(WaitFor([&] { return text().starts_with(first); })) << Utf8(text());
     for (const wchar_t digit : {L'0', L'5', L'g'}) session.editor.Send(session.Memory(), WM_CHAR, digit, 1);
     EXPECT_TRUE(text().starts_with(first + L" 05 00 00 00 ")) << Utf8(text());
     session.editor.Do(IDM_DEBUG_CONTINUE);
-    EXPECT_TRUE(WaitFor([&] { return session.editor.Status(0) == L"Exited with code 90303"; }))
-        << Utf8(session.editor.Status(0));
+    EXPECT_TRUE(WaitFor([&] { return session.editor.Status() == L"Exited with code 90303"; }))
+        << Utf8(session.editor.Status());
 }
 
 TEST(DebugPane, BreakpointsAreWorkedFromTheirList) {
     const Session session;
-    for (const int line : {2, 4, 9}) {
-        session.editor.Sci(2024, static_cast<WPARAM>(line - 1));
-        session.editor.Do(IDM_DEBUG_BREAKPOINT);
+    // Without a program each view says how to begin.
+    for (const Tab tab : {kStack, kRegisters, kMemory, kThreads, kDisassembly}) {
+        session.Select(tab);
+        EXPECT_TRUE(WaitFor([&] { return HasLine(session.editor.TextOf(session.pane), L"Start debugging with"); }))
+            << tab;
+        EXPECT_FALSE(IsWindowVisible(session.List())) << tab;
+        EXPECT_FALSE(IsWindowVisible(session.Memory())) << tab;
     }
     session.Select(kBreakpoints);
+    EXPECT_TRUE(WaitFor([&] { return HasLine(session.editor.TextOf(session.pane), L"No breakpoints"); }));
+    for (const int line : {2, 4, 9}) {
+        session.CaretTo(line);
+        session.editor.Do(IDM_DEBUG_BREAKPOINT);
+    }
     ASSERT_TRUE(WaitFor([&] { return session.Rows() == 3; })) << Utf8(session.All());
     EXPECT_EQ(session.Cell(1, 0), L"twice.bas:4");
     EXPECT_EQ(session.Checked(1), 2);
@@ -231,8 +232,8 @@ TEST(DebugPane, BreakpointsAreWorkedFromTheirList) {
     EXPECT_TRUE(WaitFor([&] { return session.Cell(2, 3) == L"Disabled" && session.Checked(2) == 1; }))
         << Utf8(session.All());
     session.editor.Do(IDM_DEBUG_CONTINUE);
-    EXPECT_TRUE(WaitFor([&] { return session.editor.Status(0) == L"Stopped at twice.bas:4"; }))
-        << "line 9 comes first and is off: " << Utf8(session.editor.Status(0));
+    EXPECT_TRUE(WaitFor([&] { return session.editor.Status() == L"Stopped at twice.bas:4"; }))
+        << "line 9 comes first and is off: " << Utf8(session.editor.Status());
     EXPECT_TRUE(WaitFor([&] { return session.Cell(1, 2) == L"1"; })) << Utf8(session.All());
 
     session.SelectRow(2);
@@ -242,28 +243,7 @@ TEST(DebugPane, BreakpointsAreWorkedFromTheirList) {
     session.Key(session.List(), VK_DELETE);
     EXPECT_TRUE(WaitFor([&] { return session.Rows() == 2 && session.Cell(0, 0) == L"twice.bas:4"; }))
         << Utf8(session.All());
-    EXPECT_EQ(session.editor.Sci(2046, 1) & (1 << 2), 0) << "its marker is gone";  // SCI_MARKERGET of line 2
-}
-
-TEST(DebugPane, TheMouseWorksABreakpoint) {
-    const Session session;
-    for (const int line : {4, 9}) {
-        session.editor.Sci(2024, static_cast<WPARAM>(line - 1));
-        session.editor.Do(IDM_DEBUG_BREAKPOINT);
-    }
-    session.Select(kBreakpoints);
-    ASSERT_TRUE(WaitFor([&] { return session.Rows() == 2; })) << Utf8(session.All());
-    session.editor.Foreground();
-    session.editor.Click(session.List(), session.Place(1, 0));
-    EXPECT_TRUE(WaitFor([&] { return session.Checked(1) == 1; })) << "a click on its box switches it off";
-    EXPECT_EQ(session.Checked(0), 2);
-    session.editor.Click(session.List(), session.Place(1, 1));
-    session.Enter(L"2>1");
-    EXPECT_TRUE(WaitFor([&] { return session.Cell(1, 1) == L"2>1"; })) << Utf8(session.All());
-    const POINT place = session.Place(0, 0);
-    session.editor.Click(session.List(), {place.x + 30, place.y}, MOUSEEVENTF_LEFTDOWN, 2);
-    EXPECT_TRUE(WaitFor([&] { return session.editor.Line() == 4; })) << session.editor.Line();
-    EXPECT_EQ(session.Checked(0), 2) << "a double-click on its name is no click on its box";
+    EXPECT_EQ(session.editor.Sci(SCI_MARKERGET, 1) & (1 << kMarkBreakpoint), 0) << "its marker is gone";
 }
 
 TEST(DebugPane, KeysAloneWorkIt) {
@@ -274,7 +254,7 @@ TEST(DebugPane, KeysAloneWorkIt) {
     session.editor.Foreground();
     session.editor.Click(session.Tabs(), {10, 10});  // the first tab, and the focus into its view
     const auto selected = [&] { return static_cast<int>(session.editor.Send(session.Tabs(), TCM_GETCURSEL)); };
-    const auto focus = [&](HWND window) { return WaitFor([&] { return session.editor.Focus() == window; }, 3000); };
+    const auto focus = [&](HWND window) { return WaitFor([&] { return session.editor.Focus() == window; }); };
     EXPECT_TRUE(WaitFor([&] { return selected() == kBreakpoints; }));
     EXPECT_TRUE(focus(session.Tabs())) << "there are no breakpoints: the row of tabs is all that can have it";
     for (int i = 0; i < kMemory; ++i) session.editor.Keys({VK_RIGHT});
@@ -301,12 +281,13 @@ TEST(DebugPane, WhileTheProgramRunsTheLastStopStays) {
     ASSERT_TRUE(WaitFor([&] { return session.editor.Tabs() == 2; }));
     session.editor.Do(IDM_USE_KVXA64);
     session.editor.Do(IDM_DEBUG_BUILD_START);
-    ASSERT_TRUE(WaitFor([&] { return session.editor.Status(0).starts_with(L"Stopped at endless.bas:"); }, 60000));
+    ASSERT_TRUE(
+        WaitFor([&] { return session.editor.Status().starts_with(L"Stopped at endless.bas:"); }, kBuildDeadline));
     session.Select(kRegisters);
     ASSERT_TRUE(session.Await(L"|endless.bas:1|"));
     const std::wstring stopped = session.All();
     session.editor.Do(IDM_DEBUG_CONTINUE);
-    ASSERT_TRUE(WaitFor([&] { return session.editor.Status(0) == L"Running"; })) << Utf8(session.editor.Status(0));
+    ASSERT_TRUE(WaitFor([&] { return session.editor.Status() == L"Running"; })) << Utf8(session.editor.Status());
     EXPECT_EQ(session.All(), stopped);
     session.Key(session.List(), VK_F2);
     EXPECT_EQ(session.Field(), nullptr) << "a running program's registers are not for editing";

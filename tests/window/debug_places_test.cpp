@@ -1,15 +1,12 @@
 // Where a stop is shown when its file or its line is not what the program's map says.
 #include "debug_driver.h"
 
-#include <Scintilla.h>
-
 #include "documents/margins.h"
 
 namespace {
 
 using namespace debug_driver;
 
-constexpr int kBuildDeadline = 60000;
 const std::string kPart = "' Line 3 has statements in both files.\r\nSUB Twice\r\n  value = value * 2\r\nEND SUB\r\n";
 
 std::string Numbered(int lines) {
@@ -40,8 +37,8 @@ struct Calls : Session {
     }
     // The status ends like this, and the output pane has the line of the stop.
     bool AwaitStopAt(const std::wstring& place, int milliseconds = kDeadline) const {
-        const bool came = WaitFor([&] { return editor.Status(0).ends_with(place); }, milliseconds);
-        EXPECT_TRUE(came) << "status: " << Utf8(editor.Status(0)) << "\n" << editor.Describe();
+        const bool came = WaitFor([&] { return editor.Status().ends_with(place); }, milliseconds);
+        EXPECT_TRUE(came) << "status: " << Utf8(editor.Status()) << "\n" << editor.Describe();
         return came && editor.AwaitOutput(place);
     }
     bool Begin() const {
@@ -90,6 +87,9 @@ TEST(DebugPlaces, AFileThatCannotBeShownIsToldOfOnceAndWithoutABox) {
         ASSERT_TRUE(calls.Step(IDM_DEBUG_STEP_OVER, L"calls_part.inc:4"));
         EXPECT_EQ(calls.Tab(), L"calls_part.inc");
         EXPECT_EQ(calls.LineMarked(), 4);
+        // Opened for the stop, not by the user.
+        EXPECT_EQ(calls.editor.Status(kPartCompiler), L"KVXA64");
+        EXPECT_EQ(calls.folder.Ini(L"MRU", L"Count"), L"1");
     }
 }
 

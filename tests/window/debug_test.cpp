@@ -1,15 +1,12 @@
 // Debugging a sample for real: breakpoints, the stops and what the window shows of them, the end.
 #include "harness.h"
 
-#include <Scintilla.h>
 #include <commctrl.h>
 
 #include "documents/margins.h"
 #include "resources/ids.h"
 
 namespace {
-
-constexpr int kBuildDeadline = 60000;
 
 std::string Sample() {
     const std::optional<std::string> text = ReadBytes(Wide(KVX_ROOT_DIR "/samples/steps.bas"));
@@ -20,11 +17,19 @@ std::string Sample() {
 struct DebugFolder : ProgramFolder {
     std::wstring source;
     explicit DebugFolder(std::string_view text = "") : ProgramFolder(kCompilers) {
-        SetIni(L"Editor", L"AutoSaveEnabled", L"0");
-        SetIni(L"Editor", L"RestoreLastSession", L"0");
+        KeepNoSession();
         source = Write(L"steps.bas", text.empty() ? Sample() : text);
     }
-    std::wstring Arguments() const { return L" --open \"" + source + L"\" --compiler kvxa64"; }
+    std::wstring Arguments() const { return OpenArgument(source) + L" --compiler kvxa64"; }
+};
+
+// A folder in which a build does nothing, so that the program that is debugged is the one put there.
+struct ReadyFolder : DebugFolder {
+    explicit ReadyFolder(const wchar_t* debuggee) {
+        FakeCompiler("print ok\n");
+        const std::wstring program = Wide(KVX_DEBUGGEES_DIR) + L"\\" + debuggee;
+        EXPECT_TRUE(CopyFileW(program.c_str(), File(L"steps.exe").c_str(), FALSE)) << Utf8(program);
+    }
 };
 
 // Marker bits of a line (from 1) of the active editor.
@@ -43,8 +48,8 @@ void ToggleBreakpoint(const Editor& editor, int line) {
 }
 
 bool AwaitStatus(const Editor& editor, const std::wstring& text, int milliseconds = kDeadline) {
-    const bool came = WaitFor([&] { return editor.Status(0) == text; }, milliseconds);
-    EXPECT_TRUE(came) << "status: " << Utf8(editor.Status(0)) << "\n" << editor.Describe();
+    const bool came = WaitFor([&] { return editor.Status() == text; }, milliseconds);
+    EXPECT_TRUE(came) << "status: " << Utf8(editor.Status()) << "\n" << editor.Describe();
     return came;
 }
 
@@ -57,27 +62,6 @@ void ExpectStopAt(const Editor& editor, int line, const std::wstring& file = L"s
     EXPECT_EQ(LineMarked(editor, kMarkCurrentLine), line);
     EXPECT_EQ(editor.Line(), line);
 }
-
-bool ButtonShown(const Editor& editor, int command) {
-    return editor.Send(editor.Child(IDC_TOOLBAR), TB_ISBUTTONHIDDEN, static_cast<WPARAM>(command)) == 0;
-}
-bool ButtonWorks(const Editor& editor, int command) {
-    return editor.Send(editor.Child(IDC_TOOLBAR), TB_ISBUTTONENABLED, static_cast<WPARAM>(command)) != 0;
-}
-
-// A folder in which a build does nothing, so that the program that is debugged is the one put there.
-struct ReadyFolder : ProgramFolder {
-    std::wstring source;
-    explicit ReadyFolder(const wchar_t* debuggee) {
-        FakeCompiler("print ok\n");
-        SetIni(L"Editor", L"AutoSaveEnabled", L"0");
-        SetIni(L"Editor", L"RestoreLastSession", L"0");
-        source = Write(L"steps.bas", Sample());
-        const std::wstring program = Wide(KVX_DEBUGGEES_DIR) + L"\\" + debuggee;
-        EXPECT_TRUE(CopyFileW(program.c_str(), File(L"steps.exe").c_str(), FALSE)) << Utf8(program);
-    }
-    std::wstring Arguments() const { return L" --open \"" + source + L"\" --compiler kvxa64"; }
-};
 
 void SetWriteTime(const std::wstring& path, FILETIME time) {
     const HANDLE file = CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
@@ -94,15 +78,6 @@ FILETIME Moved(FILETIME time, int minutes) {
     return {whole.LowPart, whole.HighPart};
 }
 
-// Middle of a toolbar button, client coordinates of the bar.
-POINT ButtonPlace(const Editor& editor, int command) {
-    RECT button{};
-    const RemoteBlock block(editor.process, sizeof(button));
-    editor.Send(editor.Child(IDC_TOOLBAR), TB_GETRECT, static_cast<WPARAM>(command), block.At());
-    block.Get(&button, sizeof(button));
-    return {(button.left + button.right) / 2, (button.top + button.bottom) / 2};
-}
-
 bool AwaitProcesses(int count) {
     return WaitFor([count] { return CountProcesses(L"steps.exe") == count; });
 }
@@ -116,7 +91,7 @@ const std::string kEndless =
 TEST(Debug, StepsThroughASample) {
     const DebugFolder folder;
     Editor editor(folder, folder.Arguments());
-    EXPECT_TRUE(ButtonShown(editor, IDM_DEBUG_BUTTON_START) && !ButtonShown(editor, IDM_DEBUG_BUTTON_STOP));
+    EXPECT_TRUE(editor.ButtonShown(IDM_DEBUG_BUTTON_START) && !editor.ButtonShown(IDM_DEBUG_BUTTON_STOP));
     ToggleBreakpoint(editor, 13);
     ToggleBreakpoint(editor, 11);  // a comment
     ToggleBreakpoint(editor, 33);
@@ -131,8 +106,8 @@ TEST(Debug, StepsThroughASample) {
     EXPECT_TRUE(Marked(editor, 11, kMarkHollow)) << "a comment has no code";
     EXPECT_FALSE(Marked(editor, 13, kMarkHollow));
     EXPECT_TRUE(IsWindowVisible(editor.Child(IDC_DEBUG_PANE)));
-    EXPECT_TRUE(WaitFor([&] { return !ButtonShown(editor, IDM_DEBUG_BUTTON_START); }));
-    EXPECT_TRUE(ButtonShown(editor, IDM_DEBUG_BUTTON_STOP) && ButtonWorks(editor, IDM_DEBUG_BUTTON_STEP_OVER));
+    EXPECT_TRUE(WaitFor([&] { return !editor.ButtonShown(IDM_DEBUG_BUTTON_START); }));
+    EXPECT_TRUE(editor.ButtonShown(IDM_DEBUG_BUTTON_STOP) && editor.ButtonWorks(IDM_DEBUG_BUTTON_STEP_OVER));
 
     editor.Do(IDM_BUILD);
     EXPECT_TRUE(AwaitStatus(editor, L"End the debug session first (Shift+F5)"));
@@ -165,44 +140,7 @@ TEST(Debug, StepsThroughASample) {
     EXPECT_EQ(LineMarked(editor, kMarkCurrent), 0);
     EXPECT_EQ(LineMarked(editor, kMarkCurrentLine), 0);
     EXPECT_FALSE(IsWindowVisible(editor.Child(IDC_DEBUG_PANE))) << "it was hidden before the session";
-    EXPECT_TRUE(WaitFor([&] { return ButtonShown(editor, IDM_DEBUG_BUTTON_START); }));
-    EXPECT_EQ(editor.Close(), 0u);
-}
-
-// The stop is shown in the user's file, also where the compiler saw a copy of it.
-TEST(Debug, EachCompilersProgramStopsInItsSource) {
-    const DebugFolder folder;
-    struct Case {
-        const wchar_t* file;
-        int compiler, firstLine;
-        bool wine32;
-    };
-    const Case cases[] = {{L"a.kxa", IDM_USE_KVXA64, 9, false},
-                          {L"b.kxb", IDM_USE_KVXB64, 9, false},
-                          {L"c.ka32", IDM_USE_KVXA32, 9, true},
-                          {L"d.bas", IDM_USE_KELDORBASIC, 10, true},
-                          {L"e.bas", IDM_USE_KVXC64, 9, false}};
-    std::wstring arguments;
-    for (const Case& c : cases) arguments += L" --open \"" + folder.Write(c.file, Sample()) + L"\"";
-    Editor editor(folder, arguments);
-    for (const Case& c : cases) {
-        SCOPED_TRACE(Utf8(c.file));
-        editor.Do(IDM_NEXT_TAB);  // from the last tab to the first, and on
-        if (c.wine32 && !Variable(L"KVX_NO_WINE32").empty()) continue;
-        editor.Do(c.compiler);
-        ToggleBreakpoint(editor, 13);
-        editor.Do(IDM_DEBUG_START);
-        ExpectStopAt(editor, c.firstLine, c.file);
-        editor.Do(IDM_DEBUG_CONTINUE);
-        ExpectStopAt(editor, 13, c.file);
-        EXPECT_FALSE(Marked(editor, 13, kMarkHollow));
-        editor.Do(IDM_DEBUG_STEP_OVER);
-        ExpectStopAt(editor, 14, c.file);
-        editor.Do(IDM_DEBUG_REMOVE_BREAKPOINTS);
-        editor.Do(IDM_DEBUG_CONTINUE);
-        EXPECT_TRUE(AwaitStatus(editor, L"Exited with code 3"));
-    }
-    EXPECT_EQ(editor.Tabs(), 5) << "no copy was opened";
+    EXPECT_TRUE(WaitFor([&] { return editor.ButtonShown(IDM_DEBUG_BUTTON_START); }));
     EXPECT_EQ(editor.Close(), 0u);
 }
 
@@ -214,11 +152,11 @@ TEST(Debug, FollowsARunningProgramAndEndsIt) {
     editor.Do(IDM_DEBUG_CONTINUE);
     ASSERT_TRUE(AwaitStatus(editor, L"Running"));
     EXPECT_EQ(LineMarked(editor, kMarkCurrent), 0) << "it stands nowhere";
-    EXPECT_TRUE(WaitFor([&] { return ButtonShown(editor, IDM_DEBUG_PAUSE); }));
-    EXPECT_FALSE(ButtonShown(editor, IDM_DEBUG_CONTINUE));
+    EXPECT_TRUE(WaitFor([&] { return editor.ButtonShown(IDM_DEBUG_PAUSE); }));
+    EXPECT_FALSE(editor.ButtonShown(IDM_DEBUG_CONTINUE));
     const std::wstring before = editor.Output();
     editor.Do(IDM_DEBUG_STEP_OVER);  // refused
-    EXPECT_EQ(editor.Status(0), L"Running");
+    EXPECT_EQ(editor.Status(), L"Running");
     EXPECT_EQ(editor.Output(), before);
 
     ToggleBreakpoint(editor, 4);  // planted while it runs; the stop comes by itself
@@ -247,7 +185,7 @@ TEST(Debug, FollowsARunningProgramAndEndsIt) {
 TEST(Debug, BreakpointsStayWithTheirLines) {
     const DebugFolder folder;
     const std::wstring other = folder.Write(L"other.bas", "PRINT 1\r\n");
-    Editor editor(folder, folder.Arguments() + L" --open \"" + other + L"\"");
+    Editor editor(folder, folder.Arguments() + OpenArgument(other));
     editor.Do(IDM_NEXT_TAB);
     ASSERT_EQ(editor.TabLabel(editor.ActiveTab()), L"steps.bas");
     ToggleBreakpoint(editor, 13);
@@ -328,26 +266,30 @@ TEST(Debug, StopIsHeardWhileAProgramStarts) {
     const auto stopped = [&] {
         EXPECT_TRUE(AwaitStatus(editor, L"Debugging stopped"));
         EXPECT_TRUE(WaitFor([] { return CountProcesses(L"steps.exe") == 0; }));
-        EXPECT_TRUE(WaitFor([&] { return ButtonWorks(editor, IDM_DEBUG_BUTTON_START); }));
+        EXPECT_TRUE(WaitFor([&] { return editor.ButtonWorks(IDM_DEBUG_BUTTON_START); }));
     };
-    const ULONGLONG before = GetTickCount64();
-    startUp();
-    editor.Do(IDM_FILE_NEW);
-    const int tabs = editor.Tabs();
-    // For a second; a machine that is slower than that has nothing to see here.
-    EXPECT_TRUE(tabs == 1 || GetTickCount64() - before > 900) << "no other command gets in";
-    editor.Do(IDM_DEBUG_STOP);
-    stopped();
-    if (tabs == 2) editor.Do(IDM_FILE_CLOSE);
+    // For a second no other command gets in. Once the pane is shown that second is over, and another try has to tell.
+    bool looked = false;
+    for (int tries = 0; tries < 10 && !looked; ++tries) {
+        startUp();
+        editor.Do(IDM_FILE_NEW);
+        const int tabs = editor.Tabs();
+        looked = !IsWindowVisible(editor.Child(IDC_DEBUG_PANE));
+        EXPECT_TRUE(tabs == 1 || !looked);
+        editor.Do(IDM_DEBUG_STOP);
+        stopped();
+        if (tabs == 2) editor.Do(IDM_FILE_CLOSE);
+    }
+    EXPECT_TRUE(looked);
 
     // A program that takes longer leaves the window free, and arrives all the same.
     startUp();
-    EXPECT_TRUE(WaitFor([&] { return ButtonShown(editor, IDM_DEBUG_PAUSE) && ButtonWorks(editor, IDM_DEBUG_PAUSE); }));
+    EXPECT_TRUE(WaitFor([&] { return editor.ButtonShown(IDM_DEBUG_PAUSE) && editor.ButtonWorks(IDM_DEBUG_PAUSE); }));
     editor.Do(IDM_FILE_NEW);
     EXPECT_EQ(editor.Tabs(), 2);
     editor.Type("typed");
     EXPECT_EQ(editor.Text(), "typed");
-    EXPECT_EQ(editor.Status(0), L"Starting the program...");
+    EXPECT_EQ(editor.Status(), L"Starting the program...");
     editor.Do(IDM_EDIT_UNDO);
     editor.Do(IDM_FILE_CLOSE);
     folder.Write(L"go.txt", "");
@@ -362,14 +304,14 @@ TEST(Debug, StopIsHeardWhileAProgramStarts) {
     const std::string textBefore = editor.Text();
     editor.Keys({'X'});
     EXPECT_TRUE(WaitFor([&] { return editor.Text().size() == textBefore.size() + 1; })) << "what is typed is not lost";
-    EXPECT_TRUE(ButtonShown(editor, IDM_DEBUG_BUTTON_STOP) && ButtonWorks(editor, IDM_DEBUG_BUTTON_STOP));
+    EXPECT_TRUE(editor.ButtonShown(IDM_DEBUG_BUTTON_STOP) && editor.ButtonWorks(IDM_DEBUG_BUTTON_STOP));
     editor.Keys({VK_SHIFT, VK_F5});
     stopped();
     editor.Do(IDM_EDIT_UNDO);
 
     startUp();
     editor.Foreground();
-    editor.Click(editor.Child(IDC_TOOLBAR), ButtonPlace(editor, IDM_DEBUG_BUTTON_STOP));
+    editor.Click(editor.Child(IDC_TOOLBAR), editor.ButtonPlace(IDM_DEBUG_BUTTON_STOP));
     stopped();
 
     startUp();
@@ -410,7 +352,7 @@ TEST(Debug, LinesOfOneAddressShareItsBreakpoint) {
     editor.Do(IDM_DEBUG_CONTINUE);
     const auto stoppedThere = [&] {
         return WaitFor([&] {
-            return editor.Status(0) == L"Stopped at steps.bas:3" || editor.Status(0) == L"Stopped at steps.bas:4";
+            return editor.Status() == L"Stopped at steps.bas:3" || editor.Status() == L"Stopped at steps.bas:4";
         });
     };
     ASSERT_TRUE(stoppedThere()) << editor.Describe();
@@ -428,34 +370,14 @@ TEST(Debug, LinesOfOneAddressShareItsBreakpoint) {
     EXPECT_EQ(editor.Close(), 0u);
 }
 
-TEST(Debug, ThePaneIsAsWideAsItsBarSays) {
-    const DebugFolder folder;
-    Editor editor(folder, folder.Arguments());
-    editor.Do(IDM_VIEW_DEBUG_PANE);
-    const HWND pane = editor.Child(IDC_DEBUG_PANE);
-    ASSERT_TRUE(IsWindowVisible(pane));
-    const auto width = [&] {
-        RECT rect{};
-        GetWindowRect(pane, &rect);
-        return static_cast<int>(rect.right - rect.left);
-    };
-    const int before = width();
-    editor.Foreground();
-    editor.Drag(editor.Child(IDC_SPLIT_DEBUG), {1, 40}, {-99, 40});
-    EXPECT_TRUE(WaitFor([&] { return width() == before + 100; })) << before << " -> " << width();
-    editor.Do(IDM_VIEW_OUTPUT);  // hidden: the pane has the place alone
-    EXPECT_FALSE(IsWindowVisible(editor.Child(IDC_SPLIT_DEBUG)));
-    EXPECT_EQ(editor.Close(), 0u);
-}
-
 TEST(Debug, OnlyABuildThatSucceedsIsDebugged) {
     const DebugFolder folder("FUNCTION PBMAIN () AS LONG\r\n    nothing = 1\r\nEND FUNCTION\r\n");
     Editor editor(folder, folder.Arguments());
     editor.Do(IDM_PROFILE_RELEASE);  // its own flags ask for no line map
     editor.Do(IDM_DEBUG_BUTTON_START);
     ASSERT_TRUE(editor.AwaitOutput(L"--- Build failed", kBuildDeadline)) << editor.Describe();
-    EXPECT_TRUE(WaitFor([&] { return editor.Status(0).starts_with(L"Build failed"); }));
-    EXPECT_TRUE(ButtonShown(editor, IDM_DEBUG_BUTTON_START));
+    EXPECT_TRUE(WaitFor([&] { return editor.Status().starts_with(L"Build failed"); }));
+    EXPECT_TRUE(editor.ButtonShown(IDM_DEBUG_BUTTON_START));
 
     editor.Sci(SCI_SETSEL, 0, -1);
     editor.Type("FUNCTION PBMAIN () AS LONG\r\n    PRINT 1\r\n    PRINT 2\r\nEND FUNCTION\r\n");
@@ -483,7 +405,7 @@ TEST(Debug, SourcesNewerThanTheProgramAreToldOf) {
     const std::wstring part = folder.Write(L"calls_part.inc", "SUB Twice\r\n");
     WIN32_FILE_ATTRIBUTE_DATA program{};
     ASSERT_TRUE(GetFileAttributesExW(folder.File(L"steps.exe").c_str(), GetFileExInfoStandard, &program));
-    Editor editor(folder, L" --open \"" + part + L"\"" + folder.Arguments());
+    Editor editor(folder, OpenArgument(part) + folder.Arguments());
     const struct {
         int source, part;  // minutes by which they are newer
     } cases[] = {{1, -1}, {0, 1}, {-1, 0}, {1, 1}};
@@ -529,7 +451,7 @@ TEST(Debug, TheEndOfTheSystemIsTheEndOfTheProgram) {
         EXPECT_EQ(editor.Send(editor.main, WM_QUERYENDSESSION), TRUE);
         editor.Send(editor.main, WM_ENDSESSION, FALSE);  // another program has refused
         editor.Send(editor.main, WM_NULL);
-        EXPECT_EQ(editor.Status(0), state);
+        EXPECT_EQ(editor.Status(), state);
         EXPECT_EQ(CountProcesses(L"steps.exe"), 1);
 
         EXPECT_EQ(editor.Send(editor.main, WM_QUERYENDSESSION), TRUE);
@@ -556,10 +478,11 @@ TEST(Debug, ADoubleClickOnStartIsOneStart) {
         editor.Do(IDM_DEBUG_BUTTON_STOP);
         ASSERT_TRUE(AwaitStatus(editor, L"Debugging stopped"));
         ASSERT_TRUE(AwaitProcesses(0));
+        ASSERT_TRUE(WaitFor([&] { return editor.ButtonShown(IDM_DEBUG_BUTTON_START); }));
     };
     // What the second click of a slow double-click is when Stop has come in the place of Start.
     const auto secondClick = [&](const auto& give) {
-        const POINT at = ButtonPlace(editor, IDM_DEBUG_BUTTON_STOP);
+        const POINT at = editor.ButtonPlace(IDM_DEBUG_BUTTON_STOP);
         give(bar, WM_LBUTTONDBLCLK, WPARAM{MK_LBUTTON}, MAKELPARAM(at.x, at.y));
         give(bar, WM_LBUTTONUP, WPARAM{0}, MAKELPARAM(at.x, at.y));
     };
@@ -567,11 +490,11 @@ TEST(Debug, ADoubleClickOnStartIsOneStart) {
     editor.Post(IDM_DEBUG_BUTTON_START);
     startedOnce();
     secondClick([&](auto... message) { editor.Send(message...); });
-    EXPECT_EQ(editor.Status(0), L"Stopped at steps.bas:2");
+    EXPECT_EQ(editor.Status(), L"Stopped at steps.bas:2");
     stop();
 
     editor.Foreground();
-    editor.Click(bar, ButtonPlace(editor, IDM_DEBUG_BUTTON_START), MOUSEEVENTF_LEFTDOWN, 2);
+    editor.Click(bar, editor.ButtonPlace(IDM_DEBUG_BUTTON_START), MOUSEEVENTF_LEFTDOWN, 2);
     startedOnce();
     stop();
 

@@ -10,9 +10,6 @@
 
 namespace {
 
-constexpr wchar_t kProgramTitle[] = L"KVXE - Unified Compiler Editor";
-constexpr UINT kGotoPos = 2025, kCanUndo = 2174;
-
 std::string HighBytes() {
     std::string bytes;
     for (int c = 0x80; c <= 0xFF; ++c) bytes += static_cast<char>(c);
@@ -71,10 +68,10 @@ TEST(Files, EditingUndoAndSavingKeepEveryByte) {
             editor.Do(IDM_NEXT_TAB);
             ASSERT_NE(editor.ActiveTab(), before);
         }
-        EXPECT_EQ(editor.Status(4), c.encoding);
-        EXPECT_EQ(editor.Status(5), c.lineEnding);
+        EXPECT_EQ(editor.Status(kPartEncoding), c.encoding);
+        EXPECT_EQ(editor.Status(kPartLineEnding), c.lineEnding);
         EXPECT_FALSE(editor.Modified());
-        editor.Sci(kGotoPos, 0);
+        editor.Sci(SCI_GOTOPOS, 0);
         editor.Type("x");
         EXPECT_TRUE(editor.Modified());
         editor.Do(IDM_FILE_SAVE);
@@ -98,15 +95,16 @@ TEST(Files, OpenSaveAsAndReload) {
     EXPECT_EQ(editor.Text(), "one\n");
 
     // A new name always means ANSI and CRLF; the extension is added; the document goes by the new name.
-    editor.Sci(kGotoPos, 4);
+    editor.Sci(SCI_GOTOPOS, 4);
     editor.Type("caf\xC3\xA9\n");
     editor.Post(IDM_FILE_SAVE_AS);
     editor.AnswerFileDialog(folder.File(L"out"));
-    ASSERT_TRUE(WaitFor([&] { return folder.Read(L"out.bas") == "one\r\ncaf\xE9\r\n"; })) << folder.Read(L"out.bas");
+    ASSERT_TRUE(WaitFor([&] { return !editor.Modified(); })) << editor.Describe();
+    EXPECT_EQ(folder.Read(L"out.bas"), "one\r\ncaf\xE9\r\n");
     EXPECT_EQ(folder.Read(L"in.txt"), "one\n");
     EXPECT_EQ(editor.TabLabel(1), L"out.bas");
     EXPECT_NE(editor.Title().find(L"out.bas"), std::wstring::npos);
-    EXPECT_EQ(editor.Status(4), L"ANSI");
+    EXPECT_EQ(editor.Status(kPartEncoding), L"ANSI");
     EXPECT_FALSE(editor.Modified());
 
     // Saving an untitled document asks for a name; refusing leaves it as it is.
@@ -130,15 +128,16 @@ TEST(Files, OpenSaveAsAndReload) {
     editor.Post(IDM_FILE_SAVE);
     editor.AnswerFileDialog(folder.File(L"kanji.bas"));
     editor.Answer(kProgramTitle, L"", IDYES);
-    EXPECT_TRUE(WaitFor([&] { return folder.Read(L"kanji.bas") == "\xE6\x97\xA5"; })) << folder.Read(L"kanji.bas");
-    EXPECT_TRUE(WaitFor([&] { return editor.Status(4) == L"UTF-8"; }));
+    EXPECT_TRUE(WaitFor([&] { return editor.Status(kPartEncoding) == L"UTF-8" && !editor.Modified(); }));
+    EXPECT_EQ(folder.Read(L"kanji.bas"), "\xE6\x97\xA5");
 
     folder.Write(L"kanji.bas", "new\n\xFF");
     editor.Do(IDM_FILE_RELOAD);
     EXPECT_EQ(editor.Text(), "new\n\xC3\xBF");
     EXPECT_FALSE(editor.Modified());
-    EXPECT_EQ(editor.Sci(kCanUndo), 0) << "a reload cannot be undone";
-    EXPECT_TRUE(WaitFor([&] { return editor.Status(4) == L"ANSI" && editor.Status(5) == L"LF"; }));
+    EXPECT_EQ(editor.Sci(SCI_CANUNDO), 0) << "a reload cannot be undone";
+    EXPECT_TRUE(
+        WaitFor([&] { return editor.Status(kPartEncoding) == L"ANSI" && editor.Status(kPartLineEnding) == L"LF"; }));
     DeleteFileW(folder.File(L"kanji.bas").c_str());
     editor.Post(IDM_FILE_RELOAD);
     editor.Answer(kProgramTitle, L"Failed to reload file: " + folder.File(L"kanji.bas"), IDOK);
@@ -156,44 +155,39 @@ TEST(Files, CloseAsksAndObeys) {
     for (const Case& c : {Case{IDYES, true, "xa\r\n"}, Case{IDNO, true, "a\r\n"}, Case{IDCANCEL, false, "a\r\n"}}) {
         SCOPED_TRACE(c.answer);
         Editor editor(folder, OpenArgument(folder.Write(L"a.bas", "a\r\n")), Until::Started);
-        if (Exists(folder.File(L"Editor.ini_autosave.kvxsess"))) editor.Answer(L"Restore Session", L"", IDNO);
+        if (Exists(folder.File(kSessionFile))) editor.Answer(kRestore, L"", IDNO);
         ASSERT_TRUE(editor.AwaitReady());
         editor.Type("x");
         editor.Post(IDM_FILE_CLOSE);
-        editor.Answer(L"Unsaved Changes", L"Save changes to a.bas?", c.answer);
-        const std::wstring line =
-            L"DBG FileClose: prompt answered tab=0 result=" + std::to_wstring(c.answer) + L" count=1";
+        editor.Answer(kUnsaved, L"Save changes to a.bas?", c.answer);
+        const std::wstring line = L"prompt answered tab=0 result=" + std::to_wstring(c.answer) + L" count=1";
         EXPECT_TRUE(WaitFor([&] { return editor.Log().find(line) != std::wstring::npos; })) << editor.Describe();
-        EXPECT_TRUE(WaitFor([&] { return folder.Read(L"a.bas") == c.onDisk; })) << folder.Read(L"a.bas");
         if (!c.closed) {
             EXPECT_EQ(editor.TabLabel(0), L"a.bas");
+            EXPECT_EQ(folder.Read(L"a.bas"), c.onDisk);
             EXPECT_TRUE(editor.Modified());
             // A failed save keeps the tab as well.
             SetFileAttributesW(folder.File(L"a.bas").c_str(), FILE_ATTRIBUTE_READONLY);
             editor.Post(IDM_FILE_CLOSE);
-            editor.Answer(L"Unsaved Changes", L"", IDYES);
+            editor.Answer(kUnsaved, L"", IDYES);
             editor.Answer(kProgramTitle, L"Failed to save file: " + folder.File(L"a.bas"), IDOK);
             EXPECT_EQ(editor.TabLabel(0), L"a.bas");
             EXPECT_TRUE(editor.Modified());
             SetFileAttributesW(folder.File(L"a.bas").c_str(), FILE_ATTRIBUTE_NORMAL);
+            // Leaving the program asks as well, and a refusal keeps it.
+            editor.Post(IDM_FILE_EXIT);
+            editor.Answer(kUnsaved, L"Save changes to a.bas?", IDCANCEL);
+            editor.Send(editor.main, WM_NULL);
+            EXPECT_EQ(editor.Text(), "xa\r\n");
+            editor.Post(IDM_FILE_EXIT);
+            editor.Answer(kUnsaved, L"Save changes to a.bas?", IDYES);
+            EXPECT_EQ(editor.ExitCode(), 0u);
+            EXPECT_EQ(folder.Read(L"a.bas"), "xa\r\n");
         } else {
             EXPECT_TRUE(WaitFor([&] { return editor.Title() == L"Untitled - KVXE Editor"; })) << Utf8(editor.Title());
+            EXPECT_EQ(folder.Read(L"a.bas"), c.onDisk);
         }
     }
-}
-
-TEST(Files, LeavingWithChangesAsksAndCancelStays) {
-    ProgramFolder folder;
-    Editor editor(folder, OpenArgument(folder.Write(L"a.bas", "a\r\n")));
-    editor.Type("x");
-    editor.Post(IDM_FILE_EXIT);
-    editor.Answer(L"Unsaved Changes", L"Save changes to a.bas?", IDCANCEL);
-    EXPECT_FALSE(editor.ExitCode(500)) << "cancelled";
-    EXPECT_EQ(editor.Text(), "xa\r\n");
-    editor.Post(IDM_FILE_EXIT);
-    editor.Answer(L"Unsaved Changes", L"Save changes to a.bas?", IDYES);
-    EXPECT_EQ(editor.ExitCode(), 0u);
-    EXPECT_EQ(folder.Read(L"a.bas"), "xa\r\n");
 }
 
 TEST(Files, BackupsAndSaveAll) {
@@ -215,7 +209,7 @@ TEST(Files, BackupsAndSaveAll) {
     editor.Send(editor.main, WM_TIMER, TIMER_AUTO_SAVE);
     EXPECT_EQ(folder.Read(L"a.bas"), "111a\r\n") << "the auto-save timer saves what has a file";
     editor.Send(editor.main, WM_TIMER, TIMER_SESSION);
-    EXPECT_NE(folder.Read(L"Editor.ini_autosave.kvxsess").find("a.bas"), std::string::npos);
+    EXPECT_NE(folder.Read(kSessionFile).find("a.bas"), std::string::npos);
     DeleteFileW(folder.File(L"b.bas").c_str());
     DeleteFileW(folder.File(L"b.bas.bak").c_str());
     editor.Do(IDM_NEXT_TAB);
@@ -239,7 +233,7 @@ TEST(Files, RecentListKeepsTenNewestFirst) {
         editor.Do(IDM_FILE_CLOSE_ALL);
         EXPECT_EQ(editor.Close(), 0u);
     }
-    DeleteFileW(folder.File(L"Editor.ini_autosave.kvxsess").c_str());
+    DeleteFileW(folder.File(kSessionFile).c_str());
     folder.SetIni(L"Editor", L"RestoreLastSession", L"0");
     Editor editor(folder, OpenArgument(folder.File(L"f10.bas")));
     EXPECT_EQ(folder.Ini(L"MRU", L"Count"), L"10");

@@ -43,6 +43,7 @@ std::wstring Wide(std::string_view utf8) {
 
 bool Exists(const std::wstring& path) { return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
+// Not to be polled for a save: the program cannot write what another has open.
 std::optional<std::string> ReadBytes(const std::wstring& path) {
     const DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING, 0, nullptr);
@@ -87,10 +88,6 @@ int CountProcesses(std::wstring_view fileName) {
         count += _wcsicmp(entry.szExeFile, std::wstring(fileName).c_str()) == 0;
     CloseHandle(snapshot);
     return count;
-}
-
-bool AwaitMenu(bool open) {
-    return WaitFor([open] { return (FindWindowW(L"#32768", nullptr) != nullptr) == open; });
 }
 
 std::wstring OpenArgument(const std::wstring& path) { return L" --open \"" + path + L"\""; }
@@ -212,6 +209,11 @@ void ProgramFolder::SetIni(const wchar_t* section, const wchar_t* key, const std
     WritePrivateProfileStringW(nullptr, nullptr, nullptr, file.c_str());
 }
 
+void ProgramFolder::KeepNoSession() const {
+    SetIni(L"Editor", L"AutoSaveEnabled", L"0");
+    SetIni(L"Editor", L"RestoreLastSession", L"0");
+}
+
 Editor::Editor(const ProgramFolder& programFolder, const std::wstring& arguments, Until until) : folder(programFolder) {
     DeleteFileW(folder.File(L"Editor_Detect.log").c_str());
     // What the program keeps for the user, recovery copies above all, goes into this folder as well.
@@ -240,7 +242,7 @@ Editor::~Editor() {
     if (::testing::Test::HasFailure() && process && WaitForSingleObject(process, 0) == WAIT_TIMEOUT)
         std::printf("%s", Describe().c_str());
     if (process && WaitForSingleObject(process, 0) == WAIT_TIMEOUT) TerminateProcess(process, 99);
-    if (process) WaitForSingleObject(process, 5000);
+    if (process) WaitForSingleObject(process, kDeadline);
     CloseHandle(job);
     if (process) CloseHandle(process);
 }

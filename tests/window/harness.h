@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <Scintilla.h>
+
 #include <functional>
 #include <initializer_list>
 #include <optional>
@@ -12,7 +14,18 @@
 #include <string_view>
 #include <vector>
 
-inline constexpr int kDeadline = 15000;  // ms that anything may take on a loaded machine
+inline constexpr int kDeadline = 15000;       // ms that anything may take on a loaded machine
+inline constexpr int kBuildDeadline = 60000;  // and a build
+
+// Parts of the status bar.
+enum StatusPart { kPartMessage, kPartPosition = 2, kPartEncoding = 4, kPartLineEnding, kPartCompiler };
+
+// Captions of the program's boxes.
+inline constexpr wchar_t kProgramTitle[] = L"KVXE - Unified Compiler Editor";
+inline constexpr wchar_t kUnsaved[] = L"Unsaved Changes";
+inline constexpr wchar_t kRestore[] = L"Restore Session";
+
+inline constexpr wchar_t kSessionFile[] = L"Editor.ini_autosave.kvxsess";
 
 // Polls until the condition holds; false when the time is over.
 bool WaitFor(const std::function<bool()>& condition, int milliseconds = kDeadline);
@@ -24,8 +37,7 @@ bool Exists(const std::wstring& path);
 std::optional<std::string> ReadBytes(const std::wstring& path);  // nothing when it cannot be opened
 void WriteBytes(const std::wstring& path, std::string_view bytes);
 std::wstring Variable(const wchar_t* name);  // environment, empty when unset; a Unix path comes back as a Windows one
-int CountProcesses(std::wstring_view fileName);  // running executables of that name, without regard to case
-bool AwaitMenu(bool open);  // a pop-up menu, of whichever program; false when it does not come or go
+int CountProcesses(std::wstring_view fileName);       // running executables of that name, without regard to case
 std::wstring OpenArgument(const std::wstring& path);  // for the program's command line, after others or none
 void ClipboardEmpty();
 std::wstring ClipboardText();  // empty when there is none
@@ -50,12 +62,30 @@ struct ProgramFolder {
     // Editor.ini through the private-profile functions.
     std::wstring Ini(const wchar_t* section, const wchar_t* key, const wchar_t* fallback = L"(none)") const;
     void SetIni(const wchar_t* section, const wchar_t* key, const std::wstring& value) const;
+    void KeepNoSession() const;  // no start offers or brings back what the one before left
 };
+
+inline POINT Centre(const RECT& rect) { return {(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2}; }
 
 struct Dialog {
     HWND window;
     std::wstring caption;
     std::wstring text;  // of its static controls
+};
+
+// Memory in the program, for messages that carry pointers.
+struct RemoteBlock {
+    HANDLE process;
+    void* address;
+    std::size_t size;
+
+    RemoteBlock(HANDLE owner, std::size_t bytes);
+    ~RemoteBlock();
+    RemoteBlock(const RemoteBlock&) = delete;
+    RemoteBlock& operator=(const RemoteBlock&) = delete;
+    void Put(const void* data, std::size_t bytes, std::size_t offset = 0) const;
+    void Get(void* data, std::size_t bytes, std::size_t offset = 0) const;
+    LPARAM At(std::size_t offset = 0) const { return reinterpret_cast<LPARAM>(address) + static_cast<LPARAM>(offset); }
 };
 
 enum class Until { Ready, Started };  // Ready: start-up is complete; Started: the process runs
@@ -82,11 +112,22 @@ struct Editor {
     LRESULT Send(HWND window, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
     void Do(int command) const { Send(main, WM_COMMAND, static_cast<WPARAM>(command)); }
     void Post(int command) const { PostMessageW(main, WM_COMMAND, static_cast<WPARAM>(command), 0); }
+    // A message whose parameter points to a record: the record as the program leaves it.
+    template <typename Record>
+    Record Ask(HWND window, UINT message, WPARAM wParam, Record record = {}) const {
+        const RemoteBlock block(process, sizeof(record));
+        block.Put(&record, sizeof(record));
+        Send(window, message, wParam, block.At());
+        block.Get(&record, sizeof(record));
+        return record;
+    }
     std::wstring TextOf(HWND window) const;
     std::wstring Title() const { return TextOf(main); }
     std::wstring Log() const;
-    std::wstring Status(int part) const;
-    HWND Focus() const;
+    std::wstring Status(int part = kPartMessage) const;
+    GUITHREADINFO Input() const;  // of the program's thread: focus, capture, menu
+    HWND Focus() const { return Input().hwndFocus; }
+    bool AwaitMenu(bool open) const;  // that takes the keys, or the end of it; a failure when it does not come
 
     // Dialogs
     std::vector<Dialog> Dialogs() const;
@@ -100,23 +141,31 @@ struct Editor {
     int ActiveTab() const;
     std::wstring TabLabel(int index) const;
     RECT TabRect(int index) const;  // client coordinates of the tab control
-    POINT TabCentre(int index) const {
-        const RECT rect = TabRect(index);
-        return {(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2};
-    }
+    POINT TabCentre(int index) const { return Centre(TabRect(index)); }
     HWND Sci() const;  // editor of the active tab
     LRESULT Sci(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
         return Send(Sci(), message, wParam, lParam);
     }
     std::string Text() const;
     void Type(std::string_view utf8) const;  // replaces the selection: a modification like any other
-    bool Modified() const { return Sci(2159) != 0; }
+    bool Modified() const { return Sci(SCI_GETMODIFY) != 0; }
     int Line() const;    // of the caret, from 1
     int Column() const;  // bytes before the caret in its line, from 1
+
+    // Toolbar
+    bool ButtonShown(int command) const;
+    bool ButtonWorks(int command) const;
+    RECT ButtonRect(int command) const;  // client coordinates of the bar
+    POINT ButtonPlace(int command) const { return Centre(ButtonRect(command)); }
 
     // Panes
     std::wstring Output() const;
     bool AwaitOutput(std::wstring_view part, int milliseconds = kDeadline) const;
+
+    COLORREF ColourAt(HWND pane, std::size_t at) const;  // of a character of a Rich Edit pane; selects it
+
+    // As the system tells a window that it is on a screen of that resolution.
+    void ShowAt(int dpi, int width, int height) const;
 
     // Real input
     void Foreground() const;
@@ -125,19 +174,4 @@ struct Editor {
     void Click(HWND window, POINT at, DWORD down = MOUSEEVENTF_LEFTDOWN, int times = 1) const;
 
     std::string Describe() const;  // windows, log and output, for a failed test
-};
-
-// Memory in the program, for messages that carry pointers.
-struct RemoteBlock {
-    HANDLE process;
-    void* address;
-    std::size_t size;
-
-    RemoteBlock(HANDLE owner, std::size_t bytes);
-    ~RemoteBlock();
-    RemoteBlock(const RemoteBlock&) = delete;
-    RemoteBlock& operator=(const RemoteBlock&) = delete;
-    void Put(const void* data, std::size_t bytes, std::size_t offset = 0) const;
-    void Get(void* data, std::size_t bytes, std::size_t offset = 0) const;
-    LPARAM At(std::size_t offset = 0) const { return reinterpret_cast<LPARAM>(address) + static_cast<LPARAM>(offset); }
 };

@@ -2,6 +2,8 @@
 #include "harness.h"
 
 #include <commctrl.h>
+#include <dlgs.h>
+#include <richedit.h>
 
 #include <algorithm>
 #include <cwchar>
@@ -9,11 +11,6 @@
 #include "resources/ids.h"
 
 namespace {
-
-// Messages of Scintilla, by its own numbering.
-constexpr UINT kSciGetLength = 2006, kSciGetCurrentPos = 2008, kSciGetText = 2182, kSciReplaceTarget = 2194,
-               kSciTargetFromSelection = 2287, kSciLineFromPosition = 2166, kSciPositionFromLine = 2167,
-               kSciGotoPos = 2025, kSciGetTargetEnd = 2193;
 
 std::wstring ClassOf(HWND window) {
     wchar_t name[128] = {};
@@ -139,10 +136,17 @@ std::wstring Editor::Status(int part) const {
     return text;
 }
 
-HWND Editor::Focus() const {
+GUITHREADINFO Editor::Input() const {
     GUITHREADINFO info{};
     info.cbSize = sizeof(info);
-    return GetGUIThreadInfo(GetWindowThreadProcessId(main, nullptr), &info) ? info.hwndFocus : nullptr;
+    GetGUIThreadInfo(GetWindowThreadProcessId(main, nullptr), &info);
+    return info;
+}
+
+bool Editor::AwaitMenu(bool open) const {
+    const bool came = WaitFor([&] { return ((Input().flags & GUI_INMENUMODE) != 0) == open; });
+    EXPECT_TRUE(came) << (open ? "no menu\n" : "the menu stays\n") << Describe();
+    return came;
 }
 
 std::vector<Dialog> Editor::Dialogs() const {
@@ -182,13 +186,13 @@ void Editor::Answer(std::wstring_view caption, std::wstring_view text, int butto
     Press(dialog, button);
 }
 
-// The common dialog's name field is an edit control, bare or inside a combo box, numbered 1148 or 1152.
+// The common dialog's name field is an edit control, bare or inside a combo box.
 void Editor::AnswerFileDialog(const std::wstring& path, int button) const {
     Dialog dialog{};
     HWND field = nullptr;
     WaitFor([&] {
         for (const Dialog& candidate : Dialogs())
-            for (int id : {1148, 1152})
+            for (int id : {cmb13, edt1})
                 if (HWND found = GetDlgItem(candidate.window, id)) dialog = candidate, field = found;
         return field != nullptr;
     });
@@ -218,11 +222,30 @@ std::wstring Editor::TabLabel(int index) const {
 }
 
 RECT Editor::TabRect(int index) const {
-    const RemoteBlock block(process, sizeof(RECT));
-    RECT rect{};
-    Send(Child(IDC_TABS), TCM_GETITEMRECT, static_cast<WPARAM>(index), block.At());
-    block.Get(&rect, sizeof(rect));
-    return rect;
+    return Ask<RECT>(Child(IDC_TABS), TCM_GETITEMRECT, static_cast<WPARAM>(index));
+}
+
+bool Editor::ButtonShown(int command) const {
+    return Send(Child(IDC_TOOLBAR), TB_ISBUTTONHIDDEN, static_cast<WPARAM>(command)) == 0;
+}
+bool Editor::ButtonWorks(int command) const {
+    return Send(Child(IDC_TOOLBAR), TB_ISBUTTONENABLED, static_cast<WPARAM>(command)) != 0;
+}
+RECT Editor::ButtonRect(int command) const {
+    return Ask<RECT>(Child(IDC_TOOLBAR), TB_GETRECT, static_cast<WPARAM>(command));
+}
+
+COLORREF Editor::ColourAt(HWND pane, std::size_t at) const {
+    Send(pane, EM_SETSEL, at, static_cast<LPARAM>(at + 1));
+    CHARFORMAT2W format{};
+    format.cbSize = sizeof(format);
+    return Ask(pane, EM_GETCHARFORMAT, SCF_SELECTION, format).crTextColor;
+}
+
+void Editor::ShowAt(int dpi, int width, int height) const {
+    ShowWindow(main, SW_RESTORE);
+    Ask(main, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), RECT{0, 0, width, height});
+    Send(main, WM_NULL);
 }
 
 HWND Editor::Sci() const {
@@ -232,10 +255,10 @@ HWND Editor::Sci() const {
 }
 
 std::string Editor::Text() const {
-    const auto length = static_cast<std::size_t>(Sci(kSciGetLength));
+    const auto length = static_cast<std::size_t>(Sci(SCI_GETLENGTH));
     const RemoteBlock block(process, length + 1);
     std::string text(length, '\0');
-    Sci(kSciGetText, length, block.At());
+    Sci(SCI_GETTEXT, length, block.At());
     if (length) block.Get(text.data(), length);
     return text;
 }
@@ -243,16 +266,16 @@ std::string Editor::Text() const {
 void Editor::Type(std::string_view utf8) const {
     const RemoteBlock block(process, utf8.size() + 1);
     block.Put(utf8.data(), utf8.size());
-    Sci(kSciTargetFromSelection);
-    Sci(kSciReplaceTarget, utf8.size(), block.At());
-    Sci(kSciGotoPos, static_cast<WPARAM>(Sci(kSciGetTargetEnd)));
+    Sci(SCI_TARGETFROMSELECTION);
+    Sci(SCI_REPLACETARGET, utf8.size(), block.At());
+    Sci(SCI_GOTOPOS, static_cast<WPARAM>(Sci(SCI_GETTARGETEND)));
 }
 
 int Editor::Line() const {
-    return static_cast<int>(Sci(kSciLineFromPosition, static_cast<WPARAM>(Sci(kSciGetCurrentPos)))) + 1;
+    return static_cast<int>(Sci(SCI_LINEFROMPOSITION, static_cast<WPARAM>(Sci(SCI_GETCURRENTPOS)))) + 1;
 }
 int Editor::Column() const {
-    return static_cast<int>(Sci(kSciGetCurrentPos) - Sci(kSciPositionFromLine, static_cast<WPARAM>(Line() - 1))) + 1;
+    return static_cast<int>(Sci(SCI_GETCURRENTPOS) - Sci(SCI_POSITIONFROMLINE, static_cast<WPARAM>(Line() - 1))) + 1;
 }
 
 std::wstring Editor::Output() const {
@@ -312,6 +335,7 @@ void Editor::Drag(HWND window, POINT from, POINT to) const {
     MouseTo(from);
     EXPECT_EQ(WindowFromPoint(from), window) << "something else lies there";
     Mouse(MOUSEEVENTF_LEFTDOWN);
+    EXPECT_TRUE(WaitFor([&] { return Input().hwndCapture == window; })) << "the press begins no drag";
     for (int step = 1; step <= kSteps; ++step)
         MouseTo({from.x + (to.x - from.x) * step / kSteps, from.y + (to.y - from.y) * step / kSteps});
     Mouse(MOUSEEVENTF_LEFTUP);
@@ -320,6 +344,7 @@ void Editor::Drag(HWND window, POINT from, POINT to) const {
 void Editor::Click(HWND window, POINT at, DWORD down, int times) const {
     ClientToScreen(window, &at);
     MouseTo(at);
+    EXPECT_TRUE(WaitFor([&] { return IsWindowEnabled(main) && GetForegroundWindow() == main; })) << "a box is still up";
     for (int i = 0; i < times; ++i) {
         Mouse(down);
         Mouse(down << 1);  // each button's "up" is the bit above its "down"

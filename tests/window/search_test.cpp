@@ -1,8 +1,6 @@
 // Find, replace and go to line in their dialogs.
 #include "harness.h"
 
-#include <Scintilla.h>
-
 #include "resources/ids.h"
 
 namespace {
@@ -35,7 +33,7 @@ TEST(Find, WalksReplacesAndRemembers) {
     ProgramFolder folder;
     const std::wstring path = folder.Write(L"a.bas", "one two one\r\nOne two\r\none\r\n");
     {
-        Editor editor(folder, L" --open \"" + path + L"\"");
+        Editor editor(folder, OpenArgument(path));
         editor.Sci(SCI_SETSEL, 0, 3);
         const FindDialog find(editor, IDM_EDIT_FIND, L"Find");
         EXPECT_EQ(find.Text(IDC_FIND_WHAT), L"one") << "the selection is taken over";
@@ -52,8 +50,10 @@ TEST(Find, WalksReplacesAndRemembers) {
         find.Press(IDC_FIND_PREVIOUS);
         EXPECT_EQ(Selection(editor), "22-25");
         EXPECT_EQ(find.Status(), L"Continued from the end");
-        find.Set(IDC_FIND_WHAT, L"nowhere");
-        find.Press(IDC_FIND_NEXT);
+        for (const wchar_t* what : {L"Nowhere", L"nowhere"}) {
+            find.Set(IDC_FIND_WHAT, what);
+            find.Press(IDC_FIND_NEXT);
+        }
         EXPECT_EQ(Selection(editor), "22-25");
         EXPECT_EQ(find.Status(), L"Not found");
         find.Press(IDCANCEL);
@@ -82,7 +82,7 @@ TEST(Find, WalksReplacesAndRemembers) {
         editor.Do(IDM_FILE_SAVE);
         EXPECT_EQ(editor.Close(), 0u);
     }
-    EXPECT_EQ(folder.Ini(L"Editor", L"SearchHistoryCount"), L"2");
+    EXPECT_EQ(folder.Ini(L"Editor", L"SearchHistoryCount"), L"3") << "case tells two searches apart";
     EXPECT_EQ(folder.Ini(L"Editor", L"SearchHistory0"), L"one") << "the latest first";
     EXPECT_EQ(folder.Ini(L"Editor", L"SearchHistory1"), L"nowhere");
 }
@@ -90,7 +90,7 @@ TEST(Find, WalksReplacesAndRemembers) {
 TEST(Find, ExpressionsInASelection) {
     ProgramFolder folder;
     const std::wstring path = folder.Write(L"a.bas", "a=1\r\nb=2\r\nc=3\r\nd=4\r\n");
-    Editor editor(folder, L" --open \"" + path + L"\"");
+    Editor editor(folder, OpenArgument(path));
     editor.Sci(SCI_SETSEL, 5, 15);  // the second and third line
     const FindDialog replace(editor, IDM_EDIT_REPLACE, L"Find and Replace");
     EXPECT_NE(editor.Send(GetDlgItem(replace.window, IDC_FIND_SELECTION), BM_GETCHECK), 0) << "more than one line";
@@ -114,7 +114,7 @@ TEST(Find, ExpressionsInASelection) {
 TEST(GotoLine, ShowsThePlaceAndGoes) {
     ProgramFolder folder;
     const std::wstring path = folder.Write(L"a.bas", "SUB Main\r\n\tPRINT 1\r\nEND SUB\r\n");
-    Editor editor(folder, L" --open \"" + path + L"\"");
+    Editor editor(folder, OpenArgument(path));
     const auto show = [&] {
         editor.Post(IDM_EDIT_GOTO);
         return editor.AwaitDialog(L"Go To Line");

@@ -1,16 +1,12 @@
 // Sessions, workspaces and the project tree: what is written when the program closes, and what comes back.
 #include "harness.h"
 
-#include <Scintilla.h>
 #include <commctrl.h>
 
 #include "documents/margins.h"
 #include "resources/ids.h"
 
 namespace {
-
-constexpr wchar_t kSession[] = L"Editor.ini_autosave.kvxsess";
-constexpr wchar_t kProgramTitle[] = L"KVXE - Unified Compiler Editor";
 
 // The lines of a session file from the first file section on.
 std::string FileSections(const std::string& session) {
@@ -30,21 +26,38 @@ std::string Escaped(const std::wstring& path) {
     return out;
 }
 
+// Of a line, from 0.
+LRESULT BreakpointMarks(const Editor& editor, WPARAM line) {
+    return editor.Sci(SCI_MARKERGET, line) & (1 << kMarkBreakpoint | 1 << kMarkDisabled | 1 << kMarkConditional);
+}
+
 TEST(Session, KeepsPlacesAndMarks) {
     ProgramFolder folder;
     const std::wstring a = folder.Write(L"\xE9\x65E5.bas", Lines(3000)), b = folder.Write(L"b.bas", Lines(10));
     {
         Editor editor(folder, OpenArgument(a) + OpenArgument(b));
+        for (const WPARAM line : {3, 5, 8}) {
+            editor.Sci(SCI_GOTOLINE, line);
+            editor.Do(IDM_DEBUG_BREAKPOINT);
+        }
+        editor.Do(IDM_DEBUG_ENABLE_BREAKPOINT);
+        editor.Sci(SCI_GOTOLINE, 5);
+        editor.Post(IDM_DEBUG_CONDITIONAL);
+        const Dialog dialog = editor.AwaitDialog(L"Conditional Breakpoint");
+        SetDlgItemTextW(dialog.window, IDC_CONDITION_TEXT, L"RCX > 5");
+        editor.Press(dialog, IDOK);
+        EXPECT_TRUE(WaitFor([&] { return (BreakpointMarks(editor, 5) & 1 << kMarkConditional) != 0; }));
         editor.Do(IDM_PREVIOUS_TAB);
         ASSERT_EQ(editor.ActiveTab(), 0);
-        for (const WPARAM line : {0, 7, 2999}) editor.Sci(SCI_MARKERADD, line, 1);
-        for (WPARAM line = 100; line < 1500; ++line) editor.Sci(SCI_MARKERADD, line, 2);  // more than 4 kB of numbers
+        for (const WPARAM line : {0, 7, 2999}) editor.Sci(SCI_MARKERADD, line, kMarkBookmark);
+        for (WPARAM line = 100; line < 1500; ++line)  // more than 4 kB of numbers
+            editor.Sci(SCI_MARKERADD, line, kMarkBreakpoint);
         editor.Sci(SCI_SETSEL, 100, 125);
         editor.Sci(SCI_SETFIRSTVISIBLELINE, 12);
         editor.Do(IDM_FILE_NEW);  // has no path: not written
         EXPECT_EQ(editor.Close(), 0u);
     }
-    const std::string session = folder.Read(kSession);
+    const std::string session = folder.Read(kSessionFile);
     EXPECT_TRUE(session.starts_with("[Session]\r\nVersion=1\r\nActiveTab=2\r\nActiveCompiler=3\r\nProjectRoot="))
         << session;
     EXPECT_NE(session.find("\r\nTabCount=2\r\n"), std::string::npos);
@@ -55,66 +68,37 @@ TEST(Session, KeepsPlacesAndMarks) {
         << sections.substr(0, 300);
     EXPECT_NE(sections.find(",1499\r\n\r\n[File2]\r\nPath=" + Utf8(b) + "\r\n"), std::string::npos);
     EXPECT_EQ(sections.find("[File3]"), std::string::npos);
+    constexpr char kRules[] = "\r\nBreakpoints=3,5,8\r\nBreakpointRule=5,1,RCX > 5\r\nBreakpointRule=8,0,\r\n";
+    EXPECT_NE(sections.find(kRules), std::string::npos) << sections;
+    // Lines that have no breakpoint, and a condition that nobody could have entered.
+    folder.Write(kSessionFile, session +
+                                   "BreakpointRule=2147483647,1,1 > 0\r\nBreakpointRule=4,0,\r\nBreakpointRule=3,1," +
+                                   std::string(200, 'x') + "\r\n");
 
     Editor editor(folder, L"", Until::Started);
-    editor.Answer(L"Restore Session", L"", IDYES);
+    editor.Answer(kRestore, L"", IDYES);
     ASSERT_TRUE(editor.AwaitReady());
     ASSERT_EQ(editor.Tabs(), 2);
+    ASSERT_EQ(editor.ActiveTab(), 1);
+    EXPECT_EQ(BreakpointMarks(editor, 3), 1 << kMarkBreakpoint);
+    EXPECT_EQ(BreakpointMarks(editor, 4), 0);
+    EXPECT_EQ(BreakpointMarks(editor, 5), 1 << kMarkBreakpoint | 1 << kMarkConditional);
+    EXPECT_EQ(BreakpointMarks(editor, 8), 1 << kMarkBreakpoint | 1 << kMarkDisabled);
     editor.Do(IDM_PREVIOUS_TAB);
-    ASSERT_EQ(editor.ActiveTab(), 0);
     EXPECT_EQ(editor.Sci(SCI_GETSELECTIONSTART), 100);
     EXPECT_EQ(editor.Sci(SCI_GETSELECTIONEND), 125);
     EXPECT_EQ(editor.Sci(SCI_GETFIRSTVISIBLELINE), 12);
-    for (const WPARAM line : {0, 7, 2999}) EXPECT_NE(editor.Sci(SCI_MARKERGET, line) & 2, 0) << line;
-    for (const WPARAM line : {100, 1499}) EXPECT_NE(editor.Sci(SCI_MARKERGET, line) & 4, 0) << line;
-    EXPECT_EQ(editor.Sci(SCI_MARKERGET, 1500) & 6, 0);
-}
-
-TEST(Session, KeepsWhatBreakpointsAre) {
-    ProgramFolder folder;
-    const std::wstring a = folder.Write(L"a.bas", Lines(20));
-    const auto marks = [](const Editor& editor, WPARAM line) {
-        return editor.Sci(SCI_MARKERGET, line) & (1 << kMarkBreakpoint | 1 << kMarkDisabled | 1 << kMarkConditional);
-    };
-    {
-        Editor editor(folder, OpenArgument(a));
-        for (const WPARAM line : {3, 5, 8}) {
-            editor.Sci(SCI_GOTOLINE, line);
-            editor.Do(IDM_DEBUG_BREAKPOINT);
-        }
-        editor.Do(IDM_DEBUG_ENABLE_BREAKPOINT);
-        editor.Sci(SCI_GOTOLINE, 5);
-        editor.Post(IDM_DEBUG_CONDITIONAL);
-        Dialog dialog = editor.AwaitDialog(L"Conditional Breakpoint");
-        SetDlgItemTextW(dialog.window, IDC_CONDITION_TEXT, L"RCX > 5");
-        editor.Press(dialog, IDOK);
-        EXPECT_TRUE(WaitFor([&] { return (marks(editor, 5) & 1 << kMarkConditional) != 0; }));
-        EXPECT_EQ(editor.Close(), 0u);
-    }
-    const std::string session = folder.Read(kSession);
-    EXPECT_NE(session.find("\r\nBreakpoints=3,5,8\r\nBreakpointRule=5,1,RCX > 5\r\nBreakpointRule=8,0,\r\n"),
-              std::string::npos)
-        << session;
-    // Lines that have no breakpoint, and a condition that nobody could have entered.
-    folder.Write(kSession, session + "BreakpointRule=2147483647,1,1 > 0\r\nBreakpointRule=4,0,\r\nBreakpointRule=3,1," +
-                               std::string(200, 'x') + "\r\n");
-
-    Editor editor(folder, L"", Until::Started);
-    editor.Answer(L"Restore Session", L"", IDYES);
-    ASSERT_TRUE(editor.AwaitReady());
-    EXPECT_EQ(marks(editor, 3), 1 << kMarkBreakpoint);
-    EXPECT_EQ(marks(editor, 4), 0);
-    EXPECT_EQ(marks(editor, 5), 1 << kMarkBreakpoint | 1 << kMarkConditional);
-    EXPECT_EQ(marks(editor, 8), 1 << kMarkBreakpoint | 1 << kMarkDisabled);
+    for (const WPARAM line : {0, 7, 2999}) EXPECT_NE(editor.Sci(SCI_MARKERGET, line) & 1 << kMarkBookmark, 0) << line;
+    for (const WPARAM line : {100, 1499}) EXPECT_EQ(BreakpointMarks(editor, line), 1 << kMarkBreakpoint) << line;
+    EXPECT_EQ(BreakpointMarks(editor, 1500), 0);
     EXPECT_EQ(editor.Close(), 0u);
-    EXPECT_NE(folder.Read(kSession).find("\r\nBreakpointRule=5,1,RCX > 5\r\nBreakpointRule=8,0,\r\n"),
-              std::string::npos);
+    EXPECT_NE(folder.Read(kSessionFile).find(kRules), std::string::npos);
 }
 
 TEST(Session, AMissingFileShiftsLaterPlaces) {
     ProgramFolder folder;
     const std::wstring a = folder.Write(L"a.bas", Lines(20)), c = folder.Write(L"c.bas", Lines(20));
-    folder.Write(kSession,
+    folder.Write(kSessionFile,
                  "[Session]\nVersion=1\nActiveTab=0\nTheme=1\nTreeWidth=500\nEditorZoom=3\nWordWrap=1\n"
                  "[File1]\nPath=" +
                      Utf8(a) +
@@ -125,7 +109,7 @@ TEST(Session, AMissingFileShiftsLaterPlaces) {
                      "[File3]\nPath=" +
                      Utf8(c) + "\nCursor=13\nBookmarks=2\n");
     Editor editor(folder, L"", Until::Started);
-    editor.Answer(L"Restore Session", L"", IDYES);
+    editor.Answer(kRestore, L"", IDYES);
     editor.Answer(kProgramTitle, L"Failed to open file: " + folder.File(L"gone.bas"), IDOK);
     ASSERT_TRUE(editor.AwaitReady());
     ASSERT_EQ(editor.Tabs(), 2);
@@ -138,16 +122,16 @@ TEST(Session, AMissingFileShiftsLaterPlaces) {
     editor.Do(IDM_NEXT_TAB);
     EXPECT_EQ(editor.TabLabel(1), L"c.bas");
     EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 0) << "the third section belongs to a third tab, which is not there";
-    EXPECT_EQ(editor.Sci(SCI_MARKERGET, 2) & 2, 0);
+    EXPECT_EQ(editor.Sci(SCI_MARKERGET, 2) & 1 << kMarkBookmark, 0);
 }
 
 TEST(Session, NotOfferedWithoutFiles) {
     ProgramFolder folder;
-    folder.Write(kSession, "[Session]\r\nVersion=1\r\nTabCount=0\r\n[File1]\r\nPath=\r\n");
+    folder.Write(kSessionFile, "[Session]\r\nVersion=1\r\nTabCount=0\r\n[File1]\r\nPath=\r\n");
     Editor editor(folder);
     EXPECT_EQ(editor.Tabs(), 1);
     EXPECT_EQ(editor.Close(), 0u);
-    EXPECT_EQ(FileSections(folder.Read(kSession)), "") << "untitled documents only";
+    EXPECT_EQ(FileSections(folder.Read(kSessionFile)), "") << "untitled documents only";
     EXPECT_FALSE(Exists(folder.File(L"workspace.json"))) << "an empty workspace is no file";
 }
 
@@ -174,7 +158,7 @@ TEST(Workspace, WritesItsLayoutAndReadsItBack) {
 
     {
         Editor editor(folder, L"", Until::Started);
-        editor.Answer(L"Restore Session", L"", IDNO);
+        editor.Answer(kRestore, L"", IDNO);
         ASSERT_TRUE(editor.AwaitReady());
         EXPECT_EQ(editor.Tabs(), 3);
         EXPECT_EQ(editor.Close(), 0u);
@@ -182,7 +166,7 @@ TEST(Workspace, WritesItsLayoutAndReadsItBack) {
     EXPECT_EQ(folder.Ini(L"KeldorBasic", L"Flags"), flags) << "not cut at the quote by its own trip through the file";
 
     // A missing file is skipped in silence, and the carets of those behind it go to the tabs before.
-    DeleteFileW(folder.File(kSession).c_str());
+    DeleteFileW(folder.File(kSessionFile).c_str());
     folder.Write(L"workspace.json", "{\"files\": [" + entry(a, "\", \"cursorPos\": 3},") +
                                         entry(folder.File(L"gone.bas"), "\", \"cursorPos\": 4},") +
                                         entry(c, "\", \"cursorPos\": 5}") +
@@ -196,17 +180,28 @@ TEST(Workspace, WritesItsLayoutAndReadsItBack) {
     // A new workspace needs every document closed; a refusal leaves everything as it is.
     editor.Type("x");
     editor.Post(IDM_WORKSPACE_NEW);
-    editor.Answer(L"Unsaved Changes", L"Save changes to c.bas?", IDCANCEL);
+    editor.Answer(kUnsaved, L"Save changes to c.bas?", IDCANCEL);
     EXPECT_EQ(editor.Tabs(), 2);
     EXPECT_TRUE(editor.Modified());
     editor.Post(IDM_WORKSPACE_NEW);
-    editor.Answer(L"Unsaved Changes", L"Save changes to c.bas?", IDNO);
+    editor.Answer(kUnsaved, L"Save changes to c.bas?", IDNO);
     ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == 1 && editor.TabLabel(0) == L"Untitled"; })) << editor.Describe();
 }
 
 HTREEITEM Next(const Editor& editor, UINT relation, HTREEITEM item) {
     return reinterpret_cast<HTREEITEM>(
         editor.Send(editor.Child(IDC_PROJECT_TREE), TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
+}
+
+std::wstring Label(const Editor& editor, HTREEITEM item) {
+    constexpr std::size_t kTextAt = 256;
+    const RemoteBlock block(editor.process, kTextAt + 256);
+    TVITEMW wanted = {.mask = TVIF_TEXT, .hItem = item, .cchTextMax = 100};
+    wanted.pszText = reinterpret_cast<wchar_t*>(block.At(kTextAt));
+    block.Put(&wanted, sizeof(wanted));
+    wchar_t text[128] = {};
+    if (editor.Send(editor.Child(IDC_PROJECT_TREE), TVM_GETITEMW, 0, block.At())) block.Get(text, 200, kTextAt);
+    return text;
 }
 
 TEST(ProjectTree, FillsFoldersWhenOpenedAndOnlyInPart) {
@@ -232,10 +227,11 @@ TEST(ProjectTree, FillsFoldersWhenOpenedAndOnlyInPart) {
     editor.Send(tree, TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(big));
     EXPECT_TRUE(WaitFor([&] { return count() == 4 + 2000 + 1; })) << count() << ": the rest is one note";
     editor.Send(tree, TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(sub));
-    ASSERT_TRUE(WaitFor([&] { return count() == 4 + 2000 + 1 + 1; })) << count();
-
-    const HTREEITEM inner = Next(editor, TVGN_CHILD, sub);
-    editor.Send(tree, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(inner));
+    // A folder that is being read holds a note meanwhile.
+    const auto child = [&] { return Next(editor, TVGN_CHILD, sub); };
+    ASSERT_TRUE(WaitFor([&] { return Label(editor, child()) == L"inner.bas"; })) << Utf8(Label(editor, child()));
+    EXPECT_EQ(count(), 4 + 2000 + 1 + 1);
+    editor.Send(tree, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(child()));
     PostMessageW(tree, WM_KEYDOWN, VK_RETURN, 0);
     ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == 2; })) << editor.Describe();
     EXPECT_EQ(editor.Text(), "inner text");

@@ -1,36 +1,22 @@
 // Start-up: the command line, the log, the detection report, what happens with a library missing, the restore question.
 #include "harness.h"
 
-#include <array>
-#include <memory>
+#include <regex>
+#include <sstream>
 
 #include "app/command_line.h"
-#include "app/detect_report.h"
 #include "resources/ids.h"
 
 namespace {
 
-constexpr UINT kStyleGetSize = 2485, kStyleGetFont = 2486, kGetStyleAt = 2010;
-constexpr WPARAM kDefaultStyle = 32;
-
-std::vector<std::wstring> Lines(const std::wstring& text) {
-    std::vector<std::wstring> lines;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = std::min(text.find(L"\r\n", at), text.size());
-        lines.push_back(text.substr(at, end - at));
-        at = end + 2;
-    }
-    return lines;
-}
-
 // Every line carries the time, and the wanted texts come in this order, others between them.
 void ExpectLog(const std::wstring& log, const std::vector<std::wstring>& wanted) {
+    static const std::wregex kStamp(LR"(\[\d\d:\d\d:\d\d\] .*\r)");
     std::size_t next = 0;
-    for (const std::wstring& line : Lines(log)) {
-        const bool stamped =
-            line.size() >= 11 && line[0] == L'[' && line[3] == L':' && line[6] == L':' && line.substr(9, 2) == L"] ";
-        EXPECT_TRUE(stamped) << "no time in: " << Utf8(line);
-        if (next < wanted.size() && stamped && line.substr(11) == wanted[next]) ++next;
+    std::wistringstream lines(log);
+    for (std::wstring line; std::getline(lines, line);) {
+        EXPECT_TRUE(std::regex_match(line, kStamp)) << "no time in: " << Utf8(line);
+        if (next < wanted.size() && line.ends_with(L"] " + wanted[next] + L"\r")) ++next;
     }
     EXPECT_EQ(next, wanted.size()) << "missing in the log, or out of order: "
                                    << (next < wanted.size() ? Utf8(wanted[next]) : "");
@@ -57,36 +43,14 @@ TEST(Startup, WithoutArgumentsOneEmptyTabAndACompleteSettingsFile) {
     };
     static constexpr Default kDefaults[] = {
         {L"KVXA64", L"Path", L""},
-        {L"KVXA64", L"AsmFlag", L""},
-        {L"KVXB64", L"AsmFlag", L"--asm:{asm}"},
-        {L"KVXC64", L"AsmFlag", L"--asm:{asm}"},
         {L"KVXA32", L"AsmFlag", L"/ASMOUT: {asm}"},
-        {L"KELDORBASIC", L"AsmFlag", L"/ASMOUT:{asm}"},
         {L"KELDORBASIC", L"Flags", L"/L /Q"},
-        {L"KELDORBASIC", L"SyntaxFlags", L"/Q"},
         {L"KELDORBASIC", L"RegisterExtension", L"0"},
         {L"Editor", L"Font", L"Segoe UI"},
         {L"Editor", L"FontSize", L"12"},
         {L"Editor", L"ActiveCompiler", L"3"},
-        {L"Editor", L"TabWidth", L"4"},
-        {L"Editor", L"UseTabs", L"0"},
-        {L"Editor", L"ShowLineNumbers", L"1"},
-        {L"Editor", L"EdgeColumn", L"100"},
-        {L"Editor", L"OutputFont", L"Consolas"},
-        {L"Editor", L"OutputFontSize", L"9"},
-        {L"Editor", L"AutoCompleteTrigger", L"2"},
-        {L"Editor", L"AutoSaveInterval", L"0"},
-        {L"Editor", L"AutoSaveEnabled", L"1"},
         {L"Editor", L"RestoreLastSession", L"1"},
-        {L"AI", L"AISidebarWidth", L"300"},
-        {L"AI", L"Enabled", L"0"},
-        {L"AI", L"OpenAITranscriptionModel", L"whisper-1"},
         {L"AI", L"OpenAICodeModel", L"gpt-4o-mini"},
-        {L"AI", L"LMStudioModel", L"local"},
-        {L"AI", L"AppendLastError", L"1"},
-        {L"Project", L"ProjectTreeWidth", L"200"},
-        {L"Build", L"Profile", L"0"},
-        {L"MRU", L"Count", L"0"},
         {L"Window", L"Splitter", L"400"},
         {L"Meta", L"Version", L"2"},
     };
@@ -104,13 +68,12 @@ TEST(Startup, OptionsOfTheCommandLineFromLeftToRight) {
     const std::wstring foreign = folder.Write(L"Gr\u00F6\u00DFe \u65E5\u672C.bas", "' two\r\n");
     const std::wstring missing = folder.File(L"missing.bas");
     Editor editor(folder,
-                  L"--bogus --help --open \"" + forward +
-                      L"\" --fontsize 6 --fontsize 5 --fontsize 73 --fontsize x --open \"" + foreign + L"\" --open \"" +
-                      missing + L"\" --open \"" + forward +
-                      L"\" --compiler kvxc64 --compiler Kvxa64 --font \"Courier New\" --fontsize",
+                  L"--bogus --help" + OpenArgument(forward) + L" --fontsize 6 --fontsize 73 --fontsize x" +
+                      OpenArgument(foreign) + OpenArgument(missing) + OpenArgument(forward) +
+                      L" --compiler kvxc64 --compiler Kvxa64 --font \"Courier New\" --fontsize",
                   Until::Started);
     editor.Answer(L"Editor Help", CommandLineHelp(), IDOK);
-    editor.Answer(L"KVXE - Unified Compiler Editor", L"Failed to open file: " + missing, IDOK);
+    editor.Answer(kProgramTitle, L"Failed to open file: " + missing, IDOK);
     ASSERT_TRUE(editor.AwaitReady()) << "the help box must not end the program";
 
     ASSERT_EQ(editor.Tabs(), 2) << "two files, one of them named twice, one missing, no untitled tab";
@@ -119,15 +82,15 @@ TEST(Startup, OptionsOfTheCommandLineFromLeftToRight) {
     EXPECT_EQ(editor.ActiveTab(), 0) << "opening an open file selects its tab";
     EXPECT_EQ(editor.Text(), source);
     EXPECT_NE(editor.Title().find(L"one.bas"), std::wstring::npos) << Utf8(editor.Title());
-    EXPECT_EQ(editor.Sci(kStyleGetSize, kDefaultStyle), 6);
-    EXPECT_NE(editor.Sci(kGetStyleAt, 0), 0) << "a keyword has the style of keywords";
+    EXPECT_EQ(editor.Sci(SCI_STYLEGETSIZE, STYLE_DEFAULT), 6);
+    EXPECT_NE(editor.Sci(SCI_GETSTYLEAT, 0), 0) << "a keyword has the style of keywords";
     const RemoteBlock font(editor.process, 128);
     char name[128] = {};
-    editor.Sci(kStyleGetFont, kDefaultStyle, font.At());
+    editor.Sci(SCI_STYLEGETFONT, STYLE_DEFAULT, font.At());
     font.Get(name, sizeof(name) - 1);
     EXPECT_STREQ(name, "Courier New");
     EXPECT_NE(editor.Log().find(L"After CLI: activeCompiler=4"), std::wstring::npos);
-    EXPECT_EQ(editor.Status(6), L"KVXC64");
+    EXPECT_EQ(editor.Status(kPartCompiler), L"KVXC64");
     EXPECT_EQ(folder.Ini(L"MRU", L"Count"), L"2");
     EXPECT_EQ(folder.Ini(L"MRU", L"File0"), foreign) << "newest first; the missing file is not remembered";
     EXPECT_EQ(editor.Close(), 0u);
@@ -136,33 +99,25 @@ TEST(Startup, OptionsOfTheCommandLineFromLeftToRight) {
 }
 
 TEST(Startup, DetectReportsAndLeaves) {
-    struct Case {
-        const char* name;
-        unsigned furnishing;
-        std::array<const wchar_t*, kCompilerCount> paths;  // by id
-        int found;
-    };
-    const Case cases[] = {
-        {"five compilers",
-         kCompilers,
-         {L"KVXA64\\kvxa64.exe", L"KVXB64\\KVXB64.exe", L"KVXA32\\KVXA32.exe", L"KELDORRBASIC\\KeldorrBASIC.exe",
-          L"KVXC64\\KVXC64.exe"},
-         5},
-        {"none", kBare, {}, 0},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        ProgramFolder folder(c.furnishing);
+    static constexpr const wchar_t* kFiles[][2] = {{L"KeldorBasic", L"KELDORRBASIC\\KeldorrBASIC.exe"},
+                                                   {L"KVXA32", L"KVXA32\\KVXA32.exe"},
+                                                   {L"KVXA64", L"KVXA64\\kvxa64.exe"},
+                                                   {L"KVXB64", L"KVXB64\\KVXB64.exe"},
+                                                   {L"KVXC64", L"KVXC64\\KVXC64.exe"}};
+    for (const bool installed : {true, false}) {
+        SCOPED_TRACE(installed);
+        ProgramFolder folder(installed ? kCompilers : kBare);
         Editor editor(folder, L"--detect --open ignored.bas", Until::Started);
-        const auto settings = std::make_unique<Settings>();
-        for (std::size_t id = 0; id < c.paths.size(); ++id)
-            if (c.paths[id] != nullptr) SafeCopyW(settings->compilers[id].path, folder.File(c.paths[id]));
-        editor.Answer(L"KVX-Editor Detect", DetectReportText(*settings, c.found), IDOK);
+        const std::wstring found = installed ? L"5" : L"0";
+        std::wstring text = L"Compiler Auto-Detect Results\n================================\n\n";
+        for (const auto& [name, file] : kFiles)
+            text += std::wstring(name) + L": " + (installed ? folder.File(file) : L"(not found)") + L"\n\n";
+        editor.Answer(L"KVX-Editor Detect", text + L"Found: " + found + L"/5\n\nLog file: Editor_Detect.log", IDOK);
         EXPECT_EQ(editor.ExitCode(), 0u);
-        ExpectLog(editor.Log(), {L"=== KVX-Editor Compiler Auto-Detect ===",
-                                 L"EXE path:  " + folder.File(L"KVX-Editor.exe"), L"=== Auto-Detect Compilers ===",
-                                 L"=== Summary: " + std::to_wstring(c.found) + L"/5 compilers found ==="});
-        EXPECT_FALSE(Exists(folder.File(L"Editor.ini_autosave.kvxsess"))) << "nothing is saved on this way out";
+        ExpectLog(editor.Log(),
+                  {L"=== KVX-Editor Compiler Auto-Detect ===", L"EXE path:  " + folder.File(L"KVX-Editor.exe"),
+                   L"=== Auto-Detect Compilers ===", L"=== Summary: " + found + L"/5 compilers found ==="});
+        EXPECT_FALSE(Exists(folder.File(kSessionFile))) << "nothing is saved on this way out";
     }
 }
 
@@ -181,8 +136,8 @@ TEST(Startup, WithoutScintillaTwoBoxesAndExitCodeOne) {
 TEST(Startup, WithoutLexillaPlainTextThatCanBeEdited) {
     ProgramFolder folder(kNoLexilla);
     const std::wstring file = folder.Write(L"a.bas", "FUNCTION PBMAIN\r\n");
-    Editor editor(folder, L"--open \"" + file + L"\"");
-    EXPECT_EQ(editor.Sci(kGetStyleAt, 0), 0) << "no lexer, no colours";
+    Editor editor(folder, OpenArgument(file));
+    EXPECT_EQ(editor.Sci(SCI_GETSTYLEAT, 0), 0) << "no lexer, no colours";
     editor.Type("' ");
     EXPECT_EQ(editor.Text(), "' FUNCTION PBMAIN\r\n");
     editor.Do(IDM_FILE_SAVE);
@@ -218,15 +173,15 @@ TEST(Startup, AutoSavedSessionIsOfferedAndObeyed) {
     const std::wstring three = folder.Write(L"three.bas", "");
     const wchar_t* question = L"A previous session was auto-saved. Would you like to restore it?";
     {
-        Editor editor(folder, L"--open \"" + one + L"\" --open \"" + two + L"\"");
-        editor.Sci(2025, 3);  // SCI_GOTOPOS
+        Editor editor(folder, OpenArgument(one) + OpenArgument(two));
+        editor.Sci(SCI_GOTOPOS, 3);
         EXPECT_EQ(editor.Close(), 0u);
     }
-    ASSERT_TRUE(Exists(folder.File(L"Editor.ini_autosave.kvxsess")));
+    ASSERT_TRUE(Exists(folder.File(kSessionFile)));
     {
         // Refused with tabs open already: they stay, and no workspace joins them.
-        Editor editor(folder, L"--open \"" + three + L"\"", Until::Started);
-        editor.Answer(L"Restore Session", question, IDNO);
+        Editor editor(folder, OpenArgument(three), Until::Started);
+        editor.Answer(kRestore, question, IDNO);
         ASSERT_TRUE(editor.AwaitReady());
         EXPECT_EQ(editor.Tabs(), 1);
         EXPECT_EQ(editor.TabLabel(0), L"three.bas");
@@ -234,24 +189,24 @@ TEST(Startup, AutoSavedSessionIsOfferedAndObeyed) {
     }
     {
         Editor editor(folder, L"", Until::Started);
-        editor.Answer(L"Restore Session", question, IDYES);
+        editor.Answer(kRestore, question, IDYES);
         ASSERT_TRUE(editor.AwaitReady());
         ASSERT_EQ(editor.Tabs(), 2);
         EXPECT_EQ(editor.TabLabel(0), L"one.bas");
         EXPECT_EQ(editor.ActiveTab(), 1);
-        EXPECT_EQ(editor.Sci(2008), 3) << "caret of the second file";
+        EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 3) << "caret of the second file";
         EXPECT_EQ(editor.Close(), 0u);
     }
     ASSERT_TRUE(Exists(folder.File(L"workspace.json")));
     {
         Editor editor(folder, L"", Until::Started);
-        editor.Answer(L"Restore Session", question, IDNO);
+        editor.Answer(kRestore, question, IDNO);
         ASSERT_TRUE(editor.AwaitReady());
         ASSERT_EQ(editor.Tabs(), 2) << "the workspace comes back when the session is refused";
         EXPECT_EQ(editor.TabLabel(1), L"two.bas");
         EXPECT_EQ(editor.Close(), 0u);
     }
-    DeleteFileW(folder.File(L"Editor.ini_autosave.kvxsess").c_str());
+    DeleteFileW(folder.File(kSessionFile).c_str());
     DeleteFileW(folder.File(L"workspace.json").c_str());
     DeleteFileW(two.c_str());
     {

@@ -13,41 +13,6 @@ using namespace debug_driver;
 
 constexpr char kSource[] = "FUNCTION PBMAIN () AS LONG\r\n    FUNCTION = 1\r\nEND FUNCTION\r\n";
 
-void Show(const Editor& editor, int dpi, int width) {
-    const RemoteBlock block(editor.process, sizeof(RECT));
-    const RECT place = {0, 0, width, 600};
-    block.Put(&place, sizeof(place));
-    editor.Send(editor.main, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), block.At());
-    editor.Send(editor.main, WM_NULL);
-}
-
-bool IsShown(const Editor& editor, int command) {
-    return editor.Send(editor.Child(IDC_TOOLBAR), TB_ISBUTTONHIDDEN, static_cast<WPARAM>(command)) == 0;
-}
-
-RECT RectOf(const Editor& editor, int command) {
-    const RemoteBlock block(editor.process, sizeof(RECT));
-    editor.Send(editor.Child(IDC_TOOLBAR), TB_GETRECT, static_cast<WPARAM>(command), block.At());
-    RECT area = {};
-    block.Get(&area, sizeof(area));
-    return area;
-}
-
-constexpr int kInSession[] = {IDM_FILE_NEW,
-                              IDM_FILE_SAVE,
-                              IDM_EDIT_UNDO,
-                              IDM_EDIT_PASTE,
-                              IDM_COMPILER_MENU,
-                              IDM_BUILD,
-                              IDM_ERROR_NEXT,
-                              IDM_DEBUG_BUTTON_STOP,
-                              IDM_DEBUG_BUTTON_STEP_OVER,
-                              IDM_DEBUG_BUTTON_STEP_OUT,
-                              IDM_DEBUG_RUN_TO_CURSOR,
-                              IDM_VIEW_OUTPUT,
-                              IDM_VIEW_AI,
-                              IDM_TOOLBAR_MORE};
-
 TEST(Toolbar, NoButtonIsCutAndWhatRunsStaysLongest) {
     const Session session(L"bar.bas", kSource, L"kvxa64");
     ASSERT_TRUE(session.Start()) << session.editor.Describe();
@@ -58,17 +23,17 @@ TEST(Toolbar, NoButtonIsCutAndWhatRunsStaysLongest) {
                  {144, 1200, false, true}, {144, 960, false, false}, {96, 1200, true, true}};
     for (const auto& size : sizes) {
         SCOPED_TRACE(std::to_string(size.width) + " at " + std::to_string(size.dpi));
-        Show(session.editor, size.dpi, size.width);
-        RECT bar = {};
-        GetClientRect(session.editor.Child(IDC_TOOLBAR), &bar);
-        for (const int command : kInSession)
-            if (IsShown(session.editor, command))
-                EXPECT_LE(RectOf(session.editor, command).right, bar.right) << command;
-        EXPECT_EQ(IsShown(session.editor, IDM_TOOLBAR_MORE), !size.all);
-        EXPECT_EQ(IsShown(session.editor, IDM_VIEW_AI), size.all);
-        EXPECT_EQ(IsShown(session.editor, IDM_EDIT_UNDO), size.edits);
+        session.editor.ShowAt(size.dpi, size.width, 600);
+        const HWND bar = session.editor.Child(IDC_TOOLBAR);
+        RECT client = {};
+        GetClientRect(bar, &client);
+        for (WPARAM i = static_cast<WPARAM>(session.editor.Send(bar, TB_BUTTONCOUNT)); i-- > 0;)  // empty when hidden
+            EXPECT_LE(session.editor.Ask<RECT>(bar, TB_GETITEMRECT, i).right, client.right) << i;
+        EXPECT_EQ(session.editor.ButtonShown(IDM_TOOLBAR_MORE), !size.all);
+        EXPECT_EQ(session.editor.ButtonShown(IDM_VIEW_AI), size.all);
+        EXPECT_EQ(session.editor.ButtonShown(IDM_EDIT_UNDO), size.edits);
         for (const int command : {IDM_COMPILER_MENU, IDM_DEBUG_BUTTON_STOP, IDM_DEBUG_BUTTON_STEP_OVER})
-            EXPECT_TRUE(IsShown(session.editor, command)) << command;
+            EXPECT_TRUE(session.editor.ButtonShown(command)) << command;
     }
 }
 
@@ -76,28 +41,27 @@ TEST(Toolbar, HiddenButtonsWorkFromTheMenu) {
     const Session session(L"bar.bas", kSource, L"kvxa64");
     const Editor& editor = session.editor;
     editor.Foreground();
-    Show(editor, 96, 480);
+    editor.ShowAt(96, 480, 600);
     editor.Type("x");
     const std::string typed = editor.Text();
-    ASSERT_TRUE(WaitFor([&] { return IsShown(editor, IDM_TOOLBAR_MORE) && !IsShown(editor, IDM_EDIT_UNDO); }));
+    ASSERT_TRUE(WaitFor([&] { return editor.ButtonShown(IDM_TOOLBAR_MORE) && !editor.ButtonShown(IDM_EDIT_UNDO); }));
     const auto choose = [&](int key, int times) {
-        ASSERT_TRUE(AwaitMenu(true));
+        ASSERT_TRUE(editor.AwaitMenu(true));
         for (int i = 0; i < times; ++i) editor.Keys({key});
         editor.Keys({VK_RETURN});
-        ASSERT_TRUE(AwaitMenu(false));
+        ASSERT_TRUE(editor.AwaitMenu(false));
     };
     editor.Keys({VK_CONTROL, VK_F2});
     choose(VK_UP, 1);
     EXPECT_TRUE(WaitFor([&] { return IsWindowVisible(editor.Child(IDC_AI_CHAT)) != FALSE; })) << "the last of the bar";
-    const RECT more = RectOf(editor, IDM_TOOLBAR_MORE);
-    editor.Click(editor.Child(IDC_TOOLBAR), {(more.left + more.right) / 2, (more.top + more.bottom) / 2});
+    editor.Click(editor.Child(IDC_TOOLBAR), editor.ButtonPlace(IDM_TOOLBAR_MORE));
     choose(VK_UP, 3);
     EXPECT_TRUE(WaitFor([&] { return !IsWindowVisible(editor.Child(IDC_OUTPUT)); }));
     // With room again there is no menu.
-    Show(editor, 96, 1200);
-    EXPECT_FALSE(IsShown(editor, IDM_TOOLBAR_MORE));
+    editor.ShowAt(96, 1200, 600);
+    EXPECT_FALSE(editor.ButtonShown(IDM_TOOLBAR_MORE));
     editor.Do(IDM_TOOLBAR_MORE);
-    EXPECT_EQ(FindWindowW(L"#32768", nullptr), nullptr);
+    EXPECT_EQ(editor.Input().flags & GUI_INMENUMODE, 0u);
     EXPECT_EQ(editor.Text(), typed);
 }
 

@@ -2,15 +2,13 @@
 #include "harness.h"
 
 #include <algorithm>
+#include <array>
+#include <tuple>
 #include <utility>
 
 #include "resources/ids.h"
 
 namespace {
-
-constexpr UINT kGotoPos = 2025, kGetPos = 2008, kGotoLine = 2024, kGetZoom = 2374, kGetWrap = 2269,
-               kGetWhitespace = 2020, kStyleGetBack = 2482, kGetCaretFore = 2138, kGetSelectionEmpty = 2650;
-constexpr WPARAM kDefaultStyle = 32;
 
 RECT RectOf(const Editor& editor, HWND child) {
     RECT rect{};
@@ -111,33 +109,34 @@ TEST(View, SplittersFollowTheMouseAndKeepTheirShare) {
     editor.Foreground();
     const HWND output = editor.Child(IDC_OUTPUT), assembly = editor.Child(IDC_ASM),
                tree = editor.Child(IDC_PROJECT_TREE);
+    using Sizes = std::array<int, 4>;  // height of the output, widths of the others
+    const auto sizes = [&]() -> Sizes {
+        return {Height(editor, output), Width(editor, assembly), Width(editor, tree),
+                Width(editor, editor.Child(IDC_DEBUG_PANE))};
+    };
     struct Case {
         const char* name;
         int bar;
         POINT by;
-        int outputHeight, asmWidth, treeWidth;  // expected change
+        Sizes change;
     };
     const Case cases[] = {
-        {"output up", IDC_SPLIT_OUTPUT, {0, -60}, 60, 0, 0},
-        {"output down", IDC_SPLIT_OUTPUT, {0, 40}, -40, 0, 0},
-        {"assembly to the left", IDC_SPLIT_ASM, {-50, 0}, 0, 50, 0},
-        {"tree to the left", IDC_SPLIT_TREE, {-30, 0}, 0, 0, -30},
+        {"output up", IDC_SPLIT_OUTPUT, {0, -60}, {60, 0, 0, 0}},
+        {"output down", IDC_SPLIT_OUTPUT, {0, 40}, {-40, 0, 0, 0}},
+        {"assembly to the left", IDC_SPLIT_ASM, {-50, 0}, {0, 50, 0, 0}},
+        {"tree to the left", IDC_SPLIT_TREE, {-30, 0}, {0, 0, -30, 0}},
+        {"debug pane to the left", IDC_SPLIT_DEBUG, {-90, 0}, {0, 0, 0, 90}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        const int before[] = {Height(editor, output), Width(editor, assembly), Width(editor, tree)};
+        if (c.bar == IDC_SPLIT_DEBUG) editor.Do(IDM_VIEW_DEBUG_PANE);  // until drawn its width follows the others
+        Sizes wanted = sizes();
+        for (std::size_t i = 0; i < wanted.size(); ++i) wanted[i] += c.change[i];
         const HWND bar = editor.Child(c.bar);
         const POINT from{Width(editor, bar) / 2, Height(editor, bar) / 2};
         editor.Drag(bar, from, {from.x + c.by.x, from.y + c.by.y});
-        EXPECT_TRUE(WaitFor(
-            [&] {
-                return Height(editor, output) == before[0] + c.outputHeight &&
-                       Width(editor, assembly) == before[1] + c.asmWidth &&
-                       Width(editor, tree) == before[2] + c.treeWidth;
-            },
-            2000))
-            << "output " << before[0] << " to " << Height(editor, output) << ", assembly " << before[1] << " to "
-            << Width(editor, assembly) << ", tree " << before[2] << " to " << Width(editor, tree);
+        EXPECT_TRUE(WaitFor([&] { return sizes() == wanted; }))
+            << ::testing::PrintToString(sizes()) << " instead of " << ::testing::PrintToString(wanted);
         ExpectTidy(editor);
     }
     const int height = Height(editor, output), share = Height(editor, editor.Sci());
@@ -146,6 +145,8 @@ TEST(View, SplittersFollowTheMouseAndKeepTheirShare) {
     EXPECT_LT(Height(editor, editor.Sci()), share) << "both panes give";
     Resize(editor, 1100, 760);
     EXPECT_NEAR(Height(editor, output), height, 2) << "the share survives a resize";
+    editor.Do(IDM_VIEW_OUTPUT);  // hidden: the debug pane has the place alone
+    EXPECT_FALSE(IsWindowVisible(editor.Child(IDC_SPLIT_DEBUG)));
     EXPECT_EQ(editor.Close(), 0u);
 }
 
@@ -174,23 +175,23 @@ TEST(View, CommandsChangeTheViewAndAreRemembered) {
         editor.Do(IDM_VIEW_ZOOM_IN);
         editor.Do(IDM_VIEW_ZOOM_IN);
         editor.Do(IDM_FILE_NEW);
-        EXPECT_EQ(editor.Sci(kGetZoom), 2) << "every editor zooms";
+        EXPECT_EQ(editor.Sci(SCI_GETZOOM), 2) << "every editor zooms";
         editor.Do(IDM_VIEW_ZOOM_OUT);
-        EXPECT_EQ(editor.Sci(kGetZoom), 1);
+        EXPECT_EQ(editor.Sci(SCI_GETZOOM), 1);
         editor.Do(IDM_VIEW_ZOOM_RESET);
-        EXPECT_EQ(editor.Sci(kGetZoom), 0);
+        EXPECT_EQ(editor.Sci(SCI_GETZOOM), 0);
         editor.Do(IDM_VIEW_ZOOM_IN);
         editor.Do(IDM_VIEW_WORD_WRAP);
         editor.Do(IDM_VIEW_WHITESPACE);
-        EXPECT_NE(editor.Sci(kGetWrap), 0);
-        EXPECT_NE(editor.Sci(kGetWhitespace), 0);
+        EXPECT_NE(editor.Sci(SCI_GETWRAPMODE), 0);
+        EXPECT_NE(editor.Sci(SCI_GETVIEWWS), 0);
 
-        const auto back = [&] { return editor.Sci(kStyleGetBack, kDefaultStyle); };
+        const auto back = [&] { return editor.Sci(SCI_STYLEGETBACK, STYLE_DEFAULT); };
         const LRESULT light = back();
-        EXPECT_EQ(editor.Sci(kGetCaretFore), 0) << "a black caret on a light page";
+        EXPECT_EQ(editor.Sci(SCI_GETCARETFORE), 0) << "a black caret on a light page";
         editor.Do(IDM_VIEW_DARK_THEME);
         EXPECT_NE(back(), light);
-        EXPECT_EQ(editor.Sci(kGetCaretFore), 0xFFFFFF);
+        EXPECT_EQ(editor.Sci(SCI_GETCARETFORE), 0xFFFFFF);
         std::vector<LRESULT> pages;
         for (int style = IDM_STYLE_CODE; style <= IDM_STYLE_CLASSIC; ++style) {
             editor.Do(style);
@@ -201,9 +202,9 @@ TEST(View, CommandsChangeTheViewAndAreRemembered) {
         EXPECT_EQ(editor.Close(), 0u);
     }
     Editor editor(folder);
-    EXPECT_EQ(editor.Sci(kGetZoom), 1);
-    EXPECT_NE(editor.Sci(kGetWrap), 0);
-    EXPECT_NE(editor.Sci(kGetWhitespace), 0);
+    EXPECT_EQ(editor.Sci(SCI_GETZOOM), 1);
+    EXPECT_NE(editor.Sci(SCI_GETWRAPMODE), 0);
+    EXPECT_NE(editor.Sci(SCI_GETVIEWWS), 0);
     EXPECT_EQ(folder.Ini(L"Editor", L"Theme"), L"1");
     EXPECT_EQ(folder.Ini(L"Editor", L"EditorStylePreset"), L"5");
 }
@@ -228,81 +229,57 @@ TEST(View, TabsByMouseAndKeyboard) {
     editor.Drag(tabs, editor.TabCentre(0), {editor.TabCentre(2).x + 20, editor.TabCentre(2).y});
     EXPECT_TRUE(WaitFor([&] { return order() == L"bcad"; })) << Utf8(order());
     EXPECT_EQ(editor.Text(), "a.bas") << "the document goes with its tab";
-    editor.Click(tabs, editor.TabCentre(1), MOUSEEVENTF_MIDDLEDOWN);
-    EXPECT_TRUE(WaitFor([&] { return order() == L"bad"; })) << Utf8(order());
+    editor.Click(tabs, editor.TabCentre(0), MOUSEEVENTF_MIDDLEDOWN);  // not a neighbour
+    EXPECT_TRUE(WaitFor([&] { return order() == L"cad"; })) << Utf8(order());
     EXPECT_EQ(editor.Text(), "a.bas") << "closing another tab keeps the active one";
-    editor.Keys({VK_CONTROL, VK_TAB});
-    EXPECT_TRUE(WaitFor([&] { return editor.Text() == "d.bas"; }));
     editor.Keys({VK_CONTROL, VK_SHIFT, VK_TAB});
-    EXPECT_TRUE(WaitFor([&] { return editor.Text() == "a.bas"; }));
+    EXPECT_TRUE(WaitFor([&] { return editor.Text() == "c.bas"; }));
+    for (const char* text : {"a.bas", "d.bas"}) {
+        editor.Keys({VK_CONTROL, VK_TAB});
+        EXPECT_TRUE(WaitFor([&] { return editor.Text() == text; })) << text;
+    }
     editor.Type("x");
-    editor.Click(tabs, editor.TabCentre(1), MOUSEEVENTF_MIDDLEDOWN);
-    editor.Answer(L"Unsaved Changes", L"Save changes to a.bas?", IDCANCEL);
-    EXPECT_EQ(order(), L"bad");
-    editor.Keys({VK_CONTROL, 'W'});
-    editor.Answer(L"Unsaved Changes", L"", IDNO);
-    EXPECT_TRUE(WaitFor([&] { return order() == L"bd"; }));
+    editor.Click(tabs, editor.TabCentre(2), MOUSEEVENTF_MIDDLEDOWN);
+    editor.Answer(kUnsaved, L"Save changes to d.bas?", IDCANCEL);
+    EXPECT_EQ(order(), L"cad");
+    for (const auto& [answer, left, shown] : {std::tuple{IDCANCEL, L"cad", "xd.bas"}, {IDNO, L"c", "c.bas"}}) {
+        editor.Do(IDM_NEXT_TAB);  // from the last to the first
+        EXPECT_EQ(editor.Text(), "c.bas");
+        editor.Post(IDM_TAB_CLOSE_OTHERS);  // from the right, up to a refusal
+        editor.Answer(kUnsaved, L"Save changes to d.bas?", answer);
+        EXPECT_TRUE(WaitFor([&] { return order() == left && editor.Text() == shown; })) << Utf8(order());
+    }
+    editor.Do(IDM_FILE_NEW);
     const RECT tab = editor.TabRect(0);
     editor.Click(tabs, {tab.right - 14, (tab.top + tab.bottom) / 2});  // its close button
-    EXPECT_TRUE(WaitFor([&] { return order() == L"d"; })) << Utf8(order());
+    EXPECT_TRUE(WaitFor([&] { return order() == L"U"; })) << Utf8(order());
+    editor.Keys({VK_CONTROL, 'W'});
+    EXPECT_TRUE(WaitFor([&] { return editor.Tabs() == 0; })) << Utf8(order());
     EXPECT_EQ(editor.Close(), 0u);
 }
 
 TEST(View, KeysReachEditorAndCommands) {
     ProgramFolder folder;
-    const std::wstring file = folder.Write(L"a.txt", "");
-    Editor editor(folder, OpenArgument(file));
+    Editor editor(folder, OpenArgument(folder.Write(L"a.bas", "  x = 1")));
     editor.Foreground();
     ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
-    editor.Keys({'H'});
-    editor.Keys({VK_SHIFT, 'I'});
+    editor.Sci(SCI_DOCUMENTEND);
     editor.Keys({VK_RETURN});
-    EXPECT_TRUE(WaitFor([&] { return editor.Text().starts_with("hI"); })) << editor.Text();
+    for (const int key : {int{'H'}, VK_SPACE, int{'I'}, int{'F'}, VK_SPACE}) editor.Keys({key});
+    editor.Keys({VK_SHIFT, 'I'});
+    const std::string typed = "  x = 1\r\n  h IF I";  // indented like the line above, and keywords in capitals
+    EXPECT_TRUE(WaitFor([&] { return editor.Text() == typed; })) << editor.Text();
     editor.Keys({VK_CONTROL, 'S'});
-    EXPECT_TRUE(WaitFor([&] { return folder.Read(L"a.txt") == "hI\r\n"; })) << folder.Read(L"a.txt");
-    EXPECT_TRUE(WaitFor([&] { return editor.Status(2) == L"Ln 2, Col 1"; })) << Utf8(editor.Status(2));
+    EXPECT_TRUE(WaitFor([&] { return !editor.Modified(); }));
+    EXPECT_EQ(folder.Read(L"a.bas"), typed);
+    EXPECT_TRUE(WaitFor([&] { return editor.Status(kPartPosition) == L"Ln 2, Col 9"; }))
+        << Utf8(editor.Status(kPartPosition));
     editor.Keys({VK_CONTROL, 'N'});
     EXPECT_TRUE(WaitFor([&] { return editor.Tabs() == 2; }));
-    editor.Type("one two one\n\n3\n");
-
-    // Ctrl+G: the line counts from 1, the column from 0; the caret stops at the line's end.
-    struct Jump {
-        const wchar_t *line, *column;
-        int expected;
-    };
-    for (const Jump& jump : {Jump{L"1", L"4", 4}, Jump{L"3", L"99", 14}, Jump{L"0", L"0", 14}}) {
-        editor.Keys({VK_CONTROL, 'G'});
-        Dialog dialog{};
-        ASSERT_TRUE(WaitFor([&] {
-            for (const Dialog& d : editor.Dialogs())
-                if (GetDlgItem(d.window, IDC_GOTO_LINE)) dialog = d;
-            return dialog.window != nullptr;
-        })) << editor.Describe();
-        EXPECT_EQ(editor.TextOf(GetDlgItem(dialog.window, IDC_GOTO_LINE)), std::to_wstring(editor.Line()));
-        EXPECT_EQ(editor.TextOf(GetDlgItem(dialog.window, IDC_GOTO_LINE_COUNT)), L"4");
-        editor.Send(GetDlgItem(dialog.window, IDC_GOTO_LINE), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(jump.line));
-        editor.Send(GetDlgItem(dialog.window, IDC_GOTO_COLUMN), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(jump.column));
-        editor.Press(dialog, IDOK);
-        EXPECT_EQ(editor.Sci(kGetPos), jump.expected) << Utf8(jump.line) << ":" << Utf8(jump.column);
-    }
-    editor.Keys({VK_CONTROL, 'F'});
-    HWND find = nullptr;
-    ASSERT_TRUE(WaitFor([&] {
-        for (const Dialog& d : editor.Dialogs())
-            if (GetDlgItem(d.window, IDC_FIND_WHAT)) find = d.window;
-        return find != nullptr;
-    })) << editor.Describe();
-    HWND what = GetDlgItem(find, IDC_FIND_WHAT);
-    editor.Send(what, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"one"));
-    editor.Sci(kGotoPos, 1);
-    PostMessageW(find, WM_COMMAND, IDC_FIND_NEXT, reinterpret_cast<LPARAM>(GetDlgItem(find, IDC_FIND_NEXT)));
-    EXPECT_TRUE(WaitFor([&] { return editor.Sci(kGetPos) == 11 && !editor.Sci(kGetSelectionEmpty); }));
-    PostMessageW(find, WM_COMMAND, IDCANCEL, 0);
-    EXPECT_TRUE(WaitFor([&] { return !IsWindowVisible(find); }));
     editor.Keys({VK_CONTROL, VK_OEM_PLUS});
-    EXPECT_TRUE(WaitFor([&] { return editor.Sci(kGetZoom) == 1; }));
+    EXPECT_TRUE(WaitFor([&] { return editor.Sci(SCI_GETZOOM) == 1; }));
     editor.Keys({VK_CONTROL, '0'});
-    EXPECT_TRUE(WaitFor([&] { return editor.Sci(kGetZoom) == 0; }));
+    EXPECT_TRUE(WaitFor([&] { return editor.Sci(SCI_GETZOOM) == 0; }));
 }
 
 TEST(View, StickyHeaderAndNavigationHistory) {
@@ -318,21 +295,28 @@ TEST(View, StickyHeaderAndNavigationHistory) {
     };
     for (const Case& c : {Case{1, L"TYPEOF x"}, Case{2, L"TYPEOF x"}, Case{4, L"SUB First(BYVAL a AS LONG)"},
                           Case{30, L"SUB First(BYVAL a AS LONG)"}}) {
-        editor.Sci(kGotoLine, static_cast<WPARAM>(c.line - 1));
-        EXPECT_TRUE(WaitFor([&] { return header() == c.header; }, 3000)) << "line " << c.line << ": " << Utf8(header());
+        editor.Sci(SCI_GOTOLINE, static_cast<WPARAM>(c.line - 1));
+        EXPECT_TRUE(WaitFor([&] { return header() == c.header; })) << "line " << c.line << ": " << Utf8(header());
     }
     editor.Do(IDM_NAV_BACK);
     EXPECT_EQ(editor.Line(), 1) << "back over the jump of 26 lines; the short moves were not kept";
     editor.Do(IDM_NAV_FORWARD);
     EXPECT_EQ(editor.Line(), 30);
     editor.Do(IDM_NEXT_TAB);
-    EXPECT_TRUE(WaitFor([&] { return header().empty(); }, 3000)) << Utf8(header());
+    EXPECT_TRUE(WaitFor([&] { return header().empty(); })) << Utf8(header());
     // The switch of tabs is a place of its own once the editor has told of its caret.
-    editor.Sci(kGotoPos, 1);
-    EXPECT_TRUE(WaitFor([&] { return editor.Status(2) == L"Ln 1, Col 2"; }));
+    editor.Sci(SCI_GOTOPOS, 1);
+    EXPECT_TRUE(WaitFor([&] { return editor.Status(kPartPosition) == L"Ln 1, Col 2"; }));
     editor.Do(IDM_NAV_BACK);
     EXPECT_TRUE(WaitFor([&] { return editor.ActiveTab() == 0; }));
     EXPECT_EQ(editor.Line(), 30);
+    // Places of a closed tab lead nowhere, not into the file that has its number now.
+    editor.Do(IDM_FILE_CLOSE);
+    ASSERT_EQ(editor.Tabs(), 1);
+    for (const int step : {IDM_NAV_BACK, IDM_NAV_BACK, IDM_NAV_FORWARD, IDM_NAV_FORWARD}) {
+        editor.Do(step);
+        EXPECT_EQ(editor.Line(), 1);
+    }
 }
 
 TEST(View, WithoutATabNothingBreaks) {
@@ -341,12 +325,11 @@ TEST(View, WithoutATabNothingBreaks) {
     editor.Do(IDM_FILE_CLOSE_ALL);
     ASSERT_EQ(editor.Tabs(), 0);
     EXPECT_EQ(editor.Title(), L"Untitled - KVXE Editor");
-    for (int command = 1003; command < 1960; ++command) {
-        // All but those that open a dialog or a tab of their own, or end the program.
+    // All but those that open a dialog or a tab of their own, or end the program.
+    for (int command = IDM_FILE_SAVE; command < IDM_TOOLBAR_MORE; ++command)
         if (command != IDM_FILE_EXIT && command != IDM_STYLE_FONT && command != IDM_WORKSPACE_OPEN &&
             command != IDM_WORKSPACE_NEW && command != IDM_HELP_ABOUT && command != IDM_COMPILER_MENU)
             editor.Do(command);
-    }
     for (int tab : {-1, 0, 99}) editor.Send(editor.main, MSG_REINIT_EDITOR, static_cast<WPARAM>(tab));
     EXPECT_EQ(editor.Tabs(), 0);
     editor.Do(IDM_FILE_NEW);
