@@ -3,6 +3,7 @@
 #pragma once
 
 #include "debugger/debug_state.h"
+#include "debugger/program_places.h"
 #include "debugger/registers.h"
 
 #include <string>
@@ -25,12 +26,6 @@ std::uint64_t DebugEvaluate(const DebuggerState* state, const char* expression);
 wchar_t* DebugWatchValue(const DebuggerState* state, std::uint64_t address, int kind);
 
 // For views: the frames of a thread by its frame pointers, in either kind of program; at most 32.
-struct DebugFrame {
-    std::uint64_t address = 0;  // of the frame's instruction
-    std::uint64_t framePointer = 0;
-    std::uint32_t line = 0;  // 0: no source
-    std::uint32_t fileId = 0;
-};
 std::vector<DebugFrame> DebugFrames(const DebuggerState* state, std::uint32_t threadId);
 // File id and line of an address in the executable's image by its map; false for any other address.
 bool DebugLineAt(const DebuggerState* state, std::uint64_t address, std::uint32_t* fileId, std::uint32_t* line);
