@@ -1,7 +1,10 @@
-// What the editor opens when it starts. Pure.
+// What the editor opens when it starts, and what it asks and keeps when it ends. Pure.
 #pragma once
 
+#include "documents/row_rules.h"
+
 #include <cstdint>
+#include <span>
 
 enum class StartupStep : std::uint8_t {
     OfferSession,  // the session that was saved automatically, if the user wants it; the first step of every start
@@ -13,3 +16,8 @@ enum class StartupStep : std::uint8_t {
 
 // The step after `step`. `anyDocument`: one is open now, from the command line or by a step.
 StartupStep StartupStepAfter(StartupStep step, bool anyDocument, bool restoreLastSession);
+
+// --- The end
+// The next document to ask about before everything is given up: the first with changes that is not among those asked
+// already. 0: none is left. A question may close, save or change other documents, so the row is read again after each.
+DocumentId NextToAskAbout(std::span<const RowEntry> row, std::span<const DocumentId> asked);
