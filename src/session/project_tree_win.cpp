@@ -35,7 +35,6 @@
 namespace {
 
 constexpr UINT_PTR kSubclassId = 1;
-constexpr std::size_t kMaxReopened = 500;  // folders that a refresh opens again
 
 enum MenuCommand : UINT { kMenuOpen = 1, kMenuCopyPath, kMenuRefresh };
 
@@ -148,15 +147,19 @@ void OnTreeListing(const TreeListing& listing) {
     InvalidateRect(Tree(), nullptr, TRUE);
 }
 
-void RememberOpenFolders(HTREEITEM item) {
-    for (; item != nullptr && g_tree.reopen.size() < kMaxReopened; item = Related(item, TVGN_NEXT)) {
-        const auto state =
-            static_cast<UINT>(SendMessageW(Tree(), TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), TVIS_EXPANDED));
-        if ((state & TVIS_EXPANDED) != 0) {
-            g_tree.reopen.insert(ItemPath(item));
-            RememberOpenFolders(Related(item, TVGN_CHILD));
-        }
-    }
+bool IsOpenInTree(TreeItemHandle item) {
+    return (SendMessageW(Tree(), TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), TVIS_EXPANDED) & TVIS_EXPANDED) != 0;
+}
+
+std::set<std::wstring> OpenFolderPaths() {
+    const auto related = [](UINT relation) {
+        return [relation](TreeItemHandle item) { return Related(static_cast<HTREEITEM>(item), relation); };
+    };
+    return OpenTreeFolders({.firstChild = related(TVGN_CHILD),
+                            .next = related(TVGN_NEXT),
+                            .isOpen = IsOpenInTree,
+                            .path = [](TreeItemHandle item) { return ItemPath(static_cast<HTREEITEM>(item)); }},
+                           TreeView_GetRoot(Tree()));
 }
 
 void OpenTreeItem(HTREEITEM item) {
@@ -250,7 +253,7 @@ void ProjectTreePopulate() {
     if (g_tree.stale) return;
     const std::wstring root = TreeRootOf(g_settings.projectRoot);
     g_tree.reopen.clear();
-    if (root == g_tree.root) RememberOpenFolders(TreeView_GetRoot(Tree()));
+    if (root == g_tree.root) g_tree.reopen = OpenFolderPaths();
     g_tree.requests.pending.clear();
     g_tree.root = root;
     TreeView_DeleteAllItems(Tree());

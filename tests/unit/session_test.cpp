@@ -343,6 +343,34 @@ TEST(TreeActions, ListingsFindTheirFolderOnce) {
     EXPECT_NE(TreeRequestNumber(requests), next) << "not even that of a reading that did not start";
 }
 
+TEST(TreeActions, WhatIsOpenAndCanBeSeenIsOpenedAgain) {
+    struct Item {
+        const wchar_t* path;
+        bool open;
+        int child, next;  // indexes, -1: none
+    };
+    std::vector<Item> items = {{L"C:", true, 1, -1},
+                               {L"C:\\a", false, 2, 3},
+                               {L"C:\\a\\in", true, -1, -1},
+                               {L"C:\\b", true, 4, -1},
+                               {L"C:\\b\\c", true, -1, -1}};
+    const auto at = [&](int index) -> Item* { return index < 0 ? nullptr : &items[static_cast<std::size_t>(index)]; };
+    const auto of = [](TreeItemHandle item) { return static_cast<Item*>(item); };
+    const TreeWalk walk = {.firstChild = [&](TreeItemHandle item) { return at(of(item)->child); },
+                           .next = [&](TreeItemHandle item) { return at(of(item)->next); },
+                           .isOpen = [&](TreeItemHandle item) { return of(item)->open; },
+                           .path = [&](TreeItemHandle item) { return std::wstring(of(item)->path); }};
+    EXPECT_EQ(OpenTreeFolders(walk, items.data()), (std::set<std::wstring>{L"C:", L"C:\\b", L"C:\\b\\c"}));
+    EXPECT_TRUE(OpenTreeFolders(walk, nullptr).empty());
+
+    std::vector<std::wstring> paths;
+    items.clear();
+    for (std::size_t i = 0; i < kTreeMaxReopened + 5; ++i) paths.push_back(std::to_wstring(i));
+    for (std::size_t i = 0; i < paths.size(); ++i)
+        items.push_back({paths[i].c_str(), true, -1, i + 1 < paths.size() ? static_cast<int>(i) + 1 : -1});
+    EXPECT_EQ(OpenTreeFolders(walk, items.data()).size(), kTreeMaxReopened);
+}
+
 TEST(TreeActions, DependOnWhatTheItemIs) {
     const struct {
         std::optional<NodeKind> item;

@@ -356,6 +356,7 @@ TEST(SecretText, BytesComeBackAndNothingElseIsTaken) {
     EXPECT_EQ(SecretText(bytes), L"[DPAPI]000AF0FF");
     EXPECT_EQ(SecretBytes(SecretText(bytes)), bytes);
     EXPECT_EQ(SecretBytes(L"[DPAPI]000af0fF"), bytes);
+    EXPECT_TRUE(SecretBytes(std::wstring_view(L"[DPAPI]0000").substr(0, 10)).empty()) << "half a byte is none";
     for (const wchar_t* stored : {L"", L"plain", L"000AF0FF", L"[DPAPI]", L"[DPAPI]0", L"[DPAPI]000", L"[DPAPI]0G",
                                   L"[DPAPI]G0", L"[dpapi]00", L" [DPAPI]00", L"[DPAPI]00 "})
         EXPECT_TRUE(SecretBytes(stored).empty()) << std::string(stored, stored + std::wcslen(stored));
