@@ -7,9 +7,9 @@
 #include "compile/build.h"
 #include "debugui/debug_commands.h"
 #include "documents/document_row.h"
+#include "documents/editor_format.h"
 #include "documents/editor_pane.h"
 #include "documents/file_commands.h"
-#include "language/format.h"
 #include "output/output_pane.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
@@ -21,10 +21,7 @@
 
 #include <commdlg.h>
 
-#include <algorithm>
 #include <span>
-#include <string>
-#include <string_view>
 #include <vector>
 
 namespace {
@@ -57,90 +54,6 @@ void SendToText(int command) {
             SciSend(g_app.hEditor, row.scintilla);
         }
     }
-}
-
-// Lines with their breaks.
-std::vector<std::string_view> LinesWithBreaks(std::string_view text) {
-    std::vector<std::string_view> lines;
-    while (!text.empty()) {
-        std::size_t end = text.find_first_of("\r\n");
-        if (end == std::string_view::npos)
-            end = text.size();
-        else
-            end += text.substr(end).starts_with("\r\n") ? 2 : 1;
-        lines.push_back(text.substr(0, end));
-        text.remove_prefix(end);
-    }
-    return lines;
-}
-
-std::string_view WithoutBreak(std::string_view line) { return line.substr(0, line.find_last_not_of("\r\n") + 1); }
-
-// Line by line, only those that differ, and not their breaks: what is marked on a line stays on it, also when this is
-// undone. A line that loses its break for a moment gives its marks to the next one.
-void ReplaceLines(HWND editor, LRESULT start, std::string_view before, std::string_view after) {
-    const auto replace = [&](std::string_view old, std::string_view wanted) {
-        SciSend(editor, SCI_SETTARGETRANGE, static_cast<WPARAM>(start), start + static_cast<LRESULT>(old.size()));
-        SciSend(editor, SCI_REPLACETARGET, wanted.size(), reinterpret_cast<LPARAM>(wanted.data()));
-    };
-    const std::vector<std::string_view> old = LinesWithBreaks(before);
-    const std::vector<std::string_view> wanted = LinesWithBreaks(after);
-    if (old.size() != wanted.size()) {
-        replace(before, after);
-        return;
-    }
-    for (std::size_t i = 0; i < old.size(); ++i) {
-        if (old[i] != wanted[i]) replace(WithoutBreak(old[i]), WithoutBreak(wanted[i]));
-        start += static_cast<LRESULT>(wanted[i].size());
-    }
-}
-
-// Replaces whole lines [first, last] by their formatted text, as one step of undo.
-void FormatLines(HWND editor, int first, int last) {
-    const auto lineStart = [editor](int line) {
-        return SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line));
-    };
-    const LRESULT start = lineStart(first);
-    const bool toEnd = last + 1 >= static_cast<int>(SciSend(editor, SCI_GETLINECOUNT));
-    const LRESULT end = toEnd ? SciSend(editor, SCI_GETLENGTH) : lineStart(last + 1);
-    SciSend(editor, SCI_SETTARGETRANGE, static_cast<WPARAM>(start), end);
-    std::string text(static_cast<std::size_t>(end - start), '\0');
-    SciSend(editor, SCI_GETTARGETTEXT, 0, reinterpret_cast<LPARAM>(text.data()));
-
-    const Settings& settings = g_app.settings;
-    const int width = std::max(1, static_cast<int>(settings.tabWidth));
-    const int depth =
-        first > 0 ? static_cast<int>(SciSend(editor, SCI_GETLINEINDENTATION, static_cast<WPARAM>(first))) / width : 0;
-    const std::string formatted = FormatBasicSource(
-        text,
-        {.indentWidth = width, .useTabs = settings.useTabs != 0, .upperKeywords = settings.autoUpperKeywords != 0},
-        depth);
-    if (formatted == text) return;
-    const LRESULT caretLine =
-        SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(SciSend(editor, SCI_GETCURRENTPOS)));
-    const LRESULT topLine = SciSend(editor, SCI_GETFIRSTVISIBLELINE);
-    SciSend(editor, SCI_BEGINUNDOACTION);
-    ReplaceLines(editor, start, text, formatted);
-    SciSend(editor, SCI_ENDUNDOACTION);
-    SciSend(editor, SCI_GOTOPOS,
-            static_cast<WPARAM>(SciSend(editor, SCI_GETLINEINDENTPOSITION, static_cast<WPARAM>(caretLine))));
-    SciSend(editor, SCI_SETFIRSTVISIBLELINE, static_cast<WPARAM>(topLine));
-}
-
-void FormatDocument(bool selectionOnly) {
-    HWND editor = g_app.hEditor;
-    if (editor == nullptr) return;
-    int first = 0;
-    int last = static_cast<int>(SciSend(editor, SCI_GETLINECOUNT)) - 1;
-    if (selectionOnly) {
-        const LRESULT start = SciSend(editor, SCI_GETSELECTIONSTART);
-        const LRESULT end = SciSend(editor, SCI_GETSELECTIONEND);
-        first = static_cast<int>(SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(start)));
-        last = static_cast<int>(SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(end)));
-        const bool endsAtLineStart = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(last)) == end;
-        if (endsAtLineStart && last > first) --last;
-    }
-    FormatLines(editor, first, last);
 }
 
 void SelectTabBeside(int command) {
@@ -193,8 +106,8 @@ constexpr CommandHandler kFrameHandlers[] = {
     {IDM_FIND_NEXT, [](int) { FindNext(true); }},
     {IDM_FIND_PREVIOUS, [](int) { FindNext(false); }},
     {IDM_EDIT_GOTO, [](int) { GotoLineDialogShow(g_app.hMainWnd); }},
-    {IDM_EDIT_FORMAT_DOCUMENT, [](int) { FormatDocument(false); }},
-    {IDM_EDIT_FORMAT_SELECTION, [](int) { FormatDocument(true); }},
+    {IDM_EDIT_FORMAT_DOCUMENT, [](int) { EditorFormat(g_app.hEditor, false); }},
+    {IDM_EDIT_FORMAT_SELECTION, [](int) { EditorFormat(g_app.hEditor, true); }},
     {IDM_NAV_BACK, [](int) { NavHistoryBack(); }},
     {IDM_NAV_FORWARD, [](int) { NavHistoryForward(); }},
     {IDM_NEXT_TAB, SelectTabBeside},

@@ -1,6 +1,7 @@
 // Notifications of the child controls, sorted to their areas. UI thread only.
 #include "app/app_state.h"
 #include "app/main_window.h"
+#include "app/notify_rules.h"
 #include "app/panes.h"
 #include "base/bounded_text.h"
 #include "base/handles.h"
@@ -49,13 +50,12 @@ int LineOf(HWND editor, Sci_Position position) {
     return static_cast<int>(SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(position))) + 1;
 }
 
-// The line in which something was inserted moves itself when that was at its start.
 void OnLinesMoved(HWND editor, DocumentId document, const SCNotification& change) {
     if (change.linesAdded == 0) return;
     const int line = LineOf(editor, change.position);
-    const bool whole = change.linesAdded > 0 &&
-                       SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line - 1)) == change.position;
-    BreakpointsOnLinesMoved(document, whole ? line - 1 : line, static_cast<int>(change.linesAdded));
+    const bool atLineStart = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line - 1)) == change.position;
+    BreakpointsOnLinesMoved(document, LineBeforeMoved(line, change.linesAdded, atLineStart),
+                            static_cast<int>(change.linesAdded));
 }
 
 void OnMarginClick(HWND editor, DocumentId document, const SCNotification& click) {
@@ -66,11 +66,10 @@ void OnMarginClick(HWND editor, DocumentId document, const SCNotification& click
 
 // The word under the mouse, when it is one that could name a register.
 std::wstring ShortWordAt(HWND editor, Sci_Position position) {
-    constexpr LRESULT kLongestName = 8;
     const LRESULT start = SciSend(editor, SCI_WORDSTARTPOSITION, static_cast<WPARAM>(position), TRUE);
     const LRESULT end = SciSend(editor, SCI_WORDENDPOSITION, static_cast<WPARAM>(position), TRUE);
     std::wstring word;
-    if (end - start > kLongestName) return word;
+    if (!CouldNameRegister(end - start)) return word;
     for (LRESULT at = start; at < end; ++at)
         word += static_cast<wchar_t>(SciSend(editor, SCI_GETCHARAT, static_cast<WPARAM>(at)) & 0xFF);
     return word;
@@ -78,20 +77,24 @@ std::wstring ShortWordAt(HWND editor, Sci_Position position) {
 
 bool IsInSymbolMargin(HWND editor, int x) {
     const auto left = static_cast<int>(SciSend(editor, SCI_GETMARGINWIDTHN, kMarginNumbers));
-    return x >= left && x < left + static_cast<int>(SciSend(editor, SCI_GETMARGINWIDTHN, kMarginSymbols));
+    return IsWithinMargin(x, left, static_cast<int>(SciSend(editor, SCI_GETMARGINWIDTHN, kMarginSymbols)));
 }
 
-// Over the margin: what is to be said of a breakpoint; over the text: the value of a register, while a program stands.
+std::wstring RegisterTip(HWND editor, Sci_Position position) {
+    wchar_t text[128] = {};
+    const std::wstring word = ShortWordAt(editor, position);
+    const bool known = !word.empty() && DebugRegisterTip(word.c_str(), text, static_cast<int>(std::size(text)));
+    return known ? text : L"";
+}
+
 void OnDwell(HWND editor, DocumentId document, const SCNotification& dwell) {
     if (DebugIsWaiting()) return;
     const LRESULT place = SciSend(editor, SCI_POSITIONFROMPOINT, static_cast<WPARAM>(dwell.x), dwell.y);
     std::wstring tip;
-    if (IsInSymbolMargin(editor, dwell.x)) {
-        tip = BreakpointTip(document, LineOf(editor, place));
-    } else if (dwell.position >= 0) {
-        wchar_t text[128] = {};
-        const std::wstring word = ShortWordAt(editor, dwell.position);
-        if (!word.empty() && DebugRegisterTip(word.c_str(), text, static_cast<int>(std::size(text)))) tip = text;
+    switch (DwellPlaceOf(IsInSymbolMargin(editor, dwell.x), dwell.position)) {
+        case DwellPlace::SymbolMargin: tip = BreakpointTip(document, LineOf(editor, place)); break;
+        case DwellPlace::Text: tip = RegisterTip(editor, dwell.position); break;
+        case DwellPlace::Nothing: break;
     }
     if (tip.empty()) return;
     const HeapBlock<char> utf8(WideToUtf8(tip.c_str()));

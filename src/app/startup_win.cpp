@@ -19,6 +19,7 @@
 #include "ui/message.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace {
 
@@ -116,18 +117,19 @@ void MainWnd_OnReinitEditor(int tab, DocumentId id) {
 }
 
 void MainWnd_OnAutoSaveTimer() {
-    for (int tab = 0; tab < TabCount(); ++tab) {
-        const DocumentTab& document = TabAt(tab);
-        if (document.hasFile && document.modified) FileSave(tab);
+    for (const DocumentId document : DocumentsToSave(DocumentRowEntries(), true)) {
+        const int tab = TabBarFindDocument(document);  // a box about the one before may have closed or saved this one
+        if (tab >= 0 && TabAt(tab).hasFile && TabAt(tab).modified) FileSave(tab);
     }
 }
 
 // Asks about every modified document before anything is given up; one "Cancel" keeps the program running.
 static bool ConfirmUnsavedDocuments() {
-    for (int tab = 0; tab < TabCount(); ++tab) {
-        if (!TabAt(tab).modified) continue;
-        TabBarSelect(tab);
-        if (FileConfirmClose(tab) == 0) return false;
+    std::vector<DocumentId> asked;
+    while (const DocumentId document = NextToAskAbout(DocumentRowEntries(), asked)) {
+        asked.push_back(document);
+        TabBarSelect(TabBarFindDocument(document));
+        if (FileConfirmClose(TabBarFindDocument(document)) == 0) return false;
     }
     return true;
 }
@@ -149,9 +151,9 @@ void MainWnd_OnClose(HWND window) {
         return;
     }
     if (!g_selftestTabsMode) {
-        const int active = g_app.activeTab;
+        const DocumentId active = ActiveDocumentId();
         if (!ConfirmUnsavedDocuments()) return;
-        TabBarSelect(active);
+        TabBarSelect(TabBarFindDocument(active));
         BuildShutdown();
         AsmPaneShutdown();
         SaveOnClose();

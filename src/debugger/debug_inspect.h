@@ -3,6 +3,7 @@
 #pragma once
 
 #include "debugger/debug_state.h"
+#include "debugger/program_places.h"
 #include "debugger/registers.h"
 
 #include <string>
@@ -27,12 +28,6 @@ wchar_t* DebugWatchValue(const DebuggerState* state, std::uint64_t address, int 
 
 // The frames of a thread by its chain of frame pointers, in 64-bit and 32-bit programs; the innermost first, at most
 // 32.
-struct DebugFrame {
-    std::uint64_t address = 0;  // of the frame's instruction
-    std::uint64_t framePointer = 0;
-    std::uint32_t line = 0;  // 0: no source
-    std::uint32_t fileId = 0;
-};
 std::vector<DebugFrame> DebugFrames(const DebuggerState* state, std::uint32_t threadId);
 // File id and line that the map gives for an address in the executable's image; false for any other address.
 bool DebugLineAt(const DebuggerState* state, std::uint64_t address, std::uint32_t* fileId, std::uint32_t* line);

@@ -4,8 +4,10 @@
 
 #include "debugger/debug_process.h"
 #include "debugger/inspect_text.h"
+#include "debugger/saved_registers.h"
 #include "debugger/stack_walk.h"
 #include "debugger/stop_rules.h"
+#include "debugger/watch_value.h"
 
 #include "base/wide_format.h"
 
@@ -13,7 +15,6 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
 #include <span>
 #include <string>
 #include <vector>
@@ -44,11 +45,7 @@ void ReadContext64(const CONTEXT& context, RegisterSet* out) {
     out->ip = context.Rip;
     out->flags = context.EFlags;
     out->segments = {context.SegCs, context.SegDs, context.SegEs, context.SegFs, context.SegGs, context.SegSs};
-    for (std::size_t i = 0; i < out->xmmLow.size(); ++i) {
-        const M128A& value = context.FltSave.XmmRegisters[i];
-        out->xmmLow[i] = static_cast<std::uint64_t>(value.Low);
-        out->xmmHigh[i] = static_cast<std::uint64_t>(value.High);
-    }
+    ReadSavedXmm({reinterpret_cast<const std::uint8_t*>(&context.FltSave), sizeof(context.FltSave)}, 16, out);
 }
 
 void ReadContext32(const WOW64_CONTEXT& context, RegisterSet* out) {
@@ -61,37 +58,17 @@ void ReadContext32(const WOW64_CONTEXT& context, RegisterSet* out) {
     const auto segment = [](DWORD value) { return static_cast<std::uint16_t>(value); };
     out->segments = {segment(context.SegCs), segment(context.SegDs), segment(context.SegEs),
                      segment(context.SegFs), segment(context.SegGs), segment(context.SegSs)};
-    constexpr std::size_t kXmmArea = 160, kXmmBytes = 16, kXmmCount = 8;  // in the area that FXSAVE writes
-    for (std::size_t i = 0; i < kXmmCount; ++i) {
-        std::memcpy(&out->xmmLow[i], context.ExtendedRegisters + kXmmArea + i * kXmmBytes, sizeof(std::uint64_t));
-        std::memcpy(&out->xmmHigh[i], context.ExtendedRegisters + kXmmArea + i * kXmmBytes + sizeof(std::uint64_t),
-                    sizeof(std::uint64_t));
-    }
+    ReadSavedXmm(context.ExtendedRegisters, 8, out);
 }
 
-template <typename Number>
-std::wstring NumberText(const DebuggerState* state, std::uint64_t address, const wchar_t* format) {
-    Number value = {};
-    return DebugReadMem(state, address, &value, sizeof(value)) ? FormatW(format, value, value) : L"<unreadable>";
+ProgramMemory MemoryOf(const DebuggerState* state) {
+    return {.read = [state](std::uint64_t address, void* out,
+                            std::size_t count) { return DebugReadMem(state, address, out, count); },
+            .readSome = [state](std::uint64_t address, void* out,
+                                std::size_t count) { return DebugReadSome(state, address, out, count); }};
 }
 
-std::wstring StringText(const DebuggerState* state, std::uint64_t address) {
-    std::array<char, 128> bytes = {};
-    if (DebugReadSome(state, address, bytes.data(), bytes.size() - 1) == 0) return L"<unreadable>";
-    const auto size = static_cast<int>(std::strlen(bytes.data()));
-    std::array<wchar_t, 128> wide = {};
-    const int length = size == 0 ? 0
-                                 : MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(), size, wide.data(),
-                                                       static_cast<int>(wide.size()));
-    if (size != 0 && length == 0) return L"\"<encoding error>\"";
-    return L"\"" + std::wstring(wide.data(), static_cast<std::size_t>(length)) + L"\"";
-}
-
-MemoryReader ReaderOf(const DebuggerState* state) {
-    return [state](std::uint64_t address, void* out, std::size_t count) {
-        return DebugReadMem(state, address, out, count);
-    };
-}
+ProgramImage ImageOf(const DebuggerState* state) { return {.map = &state->map, .size = state->imageSize}; }
 
 }  // namespace
 
@@ -136,7 +113,7 @@ wchar_t* DebugWalkStack(const DebuggerState* state) {
     if (!DebugIsActive(state)) return nullptr;
     const bool x64 = state->isX64 != 0;
     if (x64 && !DebugGetContext(state, &context)) return nullptr;
-    return HeapText(CallStackText(state->map, x64 ? context.Rbp : 0, x64 ? context.Rip : 0, ReaderOf(state)),
+    return HeapText(CallStackText(state->map, x64 ? context.Rbp : 0, x64 ? context.Rip : 0, MemoryOf(state).read),
                     kStackCapacity);
 }
 
@@ -164,15 +141,8 @@ std::uint64_t DebugEvaluate(const DebuggerState* state, const char* expression) 
 
 wchar_t* DebugWatchValue(const DebuggerState* state, std::uint64_t address, int kind) {
     if (!DebugIsActive(state)) return nullptr;
-    std::wstring text;
-    switch (kind) {
-        case 0: text = NumberText<std::int32_t>(state, address, L"%d (0x%08X)"); break;
-        case 1: text = NumberText<std::int64_t>(state, address, L"%lld (0x%016llX)"); break;
-        case 2: text = StringText(state, address); break;
-        case 3: text = NumberText<double>(state, address, L"%.15g"); break;
-        default: text = L"<unknown kind>"; break;
-    }
-    return HeapText(text, kWatchCapacity);
+    const auto write = [](double value) { return FormatW(L"%.15g", value); };
+    return HeapText(WatchValueText(kind, address, MemoryOf(state), write), kWatchCapacity);
 }
 
 bool DebugLineAt(const DebuggerState* state, std::uint64_t address, std::uint32_t* fileId, std::uint32_t* line) {
@@ -185,34 +155,15 @@ bool DebugLineAt(const DebuggerState* state, std::uint64_t address, std::uint32_
 }
 
 std::vector<DebugFrame> DebugFrames(const DebuggerState* state, std::uint32_t threadId) {
-    std::vector<DebugFrame> frames;
     RegisterSet registers;
-    if (!DebugGetRegisters(state, threadId, &registers)) return frames;
-    for (const FrameLink& link : WalkFrames(registers, ReaderOf(state))) {
-        // A caller's address is that after its call, where the next line may begin already.
-        const std::uint64_t inLine = frames.empty() ? link.address : link.address - 1;
-        frames.push_back({.address = link.address, .framePointer = link.framePointer});
-        DebugLineAt(state, inLine, &frames.back().fileId, &frames.back().line);
-    }
-    return frames;
+    if (!DebugGetRegisters(state, threadId, &registers)) return {};
+    return FramesWithLines(ImageOf(state), registers, MemoryOf(state).read);
 }
 
 bool DebugPlaceInProgram(const DebuggerState* state, std::uint32_t threadId, std::uint64_t* address) {
-    constexpr std::size_t kStackBytes = 8192;
     RegisterSet registers;
     if (!DebugGetRegisters(state, threadId, &registers)) return false;
-    const auto hasLine = [&](std::uint64_t at) { return PlaceInImage(state->map, state->imageSize, at).line != 0; };
-    *address = registers.ip;
-    if (hasLine(registers.ip)) return true;
-    std::vector<std::uint8_t> stack(kStackBytes);
-    stack.resize(DebugReadSome(state, registers.general[kSp], stack.data(), stack.size()));
-    const auto found = FindReturnAddress(
-        stack, registers.x64 ? sizeof(std::uint64_t) : sizeof(std::uint32_t), [&](std::uint64_t value) {
-            std::array<std::uint8_t, kLongestCall> before = {};
-            return hasLine(value - 1) && DebugReadMem(state, value - kLongestCall, before.data(), before.size()) &&
-                   EndsWithCall(before);
-        });
-    if (!found) return false;
-    *address = *found;
-    return true;
+    const auto found = AddressInProgram(ImageOf(state), registers, MemoryOf(state));
+    *address = found.value_or(registers.ip);
+    return found.has_value();
 }

@@ -17,6 +17,11 @@ inline constexpr std::size_t kMostFrames = 32;
 
 // Reads the whole count of bytes, or answers false.
 using MemoryReader = std::function<bool(std::uint64_t address, void* out, std::size_t count)>;
+struct ProgramMemory {
+    MemoryReader read;
+    // Reads as many of the bytes as can be read from the start, and answers how many.
+    std::function<std::size_t(std::uint64_t address, void* out, std::size_t count)> readSome;
+};
 
 struct FrameLink {
     std::uint64_t address = 0;  // of the frame's instruction

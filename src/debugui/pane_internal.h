@@ -3,6 +3,7 @@
 #pragma once
 
 #include "debugui/debug_pane.h"
+#include "debugui/pane_program.h"
 #include "debugui/pane_rows.h"
 #include "ui/list_view.h"
 #include "ui/menu.h"
@@ -53,16 +54,6 @@ void PaneMemoryApplyTheme();
 int PaneMemoryLineHeight();  // in pixels, of a row
 
 // --- The program (pane_program_win.cpp)
-struct PaneProgram {
-    bool session = false;
-    bool stopped = false;
-    std::uint64_t serial = 0;  // of the stop
-    std::uint32_t processId = 0;
-    std::uint32_t thread = 0;              // the one that the views show
-    std::uint32_t chosenThread = 0;        // chosen by the user, until the next stop; 0: the one that stopped
-    std::optional<RegisterSet> registers;  // of that thread
-    std::optional<RegisterSet> before;     // at the previous stop
-};
 const PaneProgram& PaneProgramNow();
 void PaneProgramRead();
 void PaneChooseThread(std::uint32_t id);

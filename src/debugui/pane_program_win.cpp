@@ -1,5 +1,5 @@
-// What the views know of the program: the registers of the thread they show, names of places, lines of source. Read once
-// a refresh, and only from a program that is stopped. UI thread only.
+// Reads for the views what they know of the program: once a refresh, and only from a program that is stopped. UI thread
+// only.
 #include "debugui/pane_internal.h"
 
 #include "base/handles.h"
@@ -14,51 +14,22 @@
 
 #include <psapi.h>
 
-#include <algorithm>
-#include <iterator>
 #include <map>
-#include <string_view>
+#include <optional>
 
 namespace {
 
 PaneProgram g_program;
 std::map<std::uint64_t, std::wstring> g_modules;  // by base, of the process that is debugged
 
-// A file that no editor has, read once a session: its text in UTF-8 and where its lines begin.
-struct SourceFile {
-    std::string text;
-    std::vector<std::uint32_t> starts;
-};
 constexpr DWORD kMostSource = 16 << 20;  // reading more would be felt; lines of such a file are shown once it is open
-std::map<std::wstring, SourceFile> g_sources;  // by path
+std::map<std::wstring, SourceLines> g_sources;  // by path: of files that no editor has, each read once a session
 
 DebuggerState* State() { return &g_debugger; }
 
-void ForgetSession() {
-    g_modules.clear();
-    g_sources.clear();
-    g_program.registers.reset();
-    g_program.before.reset();
-    g_program.serial = 0;
-    g_program.chosenThread = 0;
-}
-
-void ReadRegisters() {
-    const std::uint64_t serial = State()->stopSerial;
-    const bool newStop = serial != g_program.serial;
-    if (newStop) g_program.chosenThread = 0;
-    const std::uint32_t thread = g_program.chosenThread != 0  ? g_program.chosenThread
-                                 : State()->stopThreadId != 0 ? State()->stopThreadId
-                                                              : State()->mainThreadId;
-    if (thread != g_program.thread)
-        g_program.before.reset();  // another thread's registers say nothing about a change
-    else if (newStop)
-        g_program.before = g_program.registers;
-    g_program.thread = thread;
-    g_program.serial = serial;
+std::optional<RegisterSet> RegistersOf(std::uint32_t thread) {
     RegisterSet registers;
-    g_program.registers.reset();
-    if (DebugGetRegisters(State(), thread, &registers)) g_program.registers = registers;
+    return DebugGetRegisters(State(), thread, &registers) ? std::optional(registers) : std::nullopt;
 }
 
 const std::wstring& ModuleName(std::uint64_t base) {
@@ -77,16 +48,7 @@ std::wstring ModulePlace(std::uint64_t address) {
         info.Type != MEM_IMAGE)
         return {};
     const auto base = reinterpret_cast<std::uint64_t>(info.AllocationBase);
-    const std::wstring& name = ModuleName(base);
-    return name.empty() ? std::wstring{} : name + L"+0x" + HexText(address - base, 1);
-}
-
-std::wstring TrimmedSource(std::wstring text) {
-    const std::size_t first = text.find_first_not_of(L" \t\r\n");
-    if (first == std::wstring::npos) return {};
-    text = text.substr(first, text.find_last_not_of(L" \t\r\n") - first + 1);
-    std::ranges::replace(text, L'\t', L' ');
-    return text;
+    return ModulePlaceText(ModuleName(base), address - base);
 }
 
 bool IsLarge(const std::wstring& path) {
@@ -95,24 +57,13 @@ bool IsLarge(const std::wstring& path) {
            (data.nFileSizeHigh != 0 || data.nFileSizeLow > kMostSource);
 }
 
-const SourceFile& FileOf(const std::wstring& path) {
+const SourceLines& FileOf(const std::wstring& path) {
     const auto [place, isNew] = g_sources.try_emplace(path);
-    SourceFile& file = place->second;
-    if (!isNew || IsLarge(path)) return file;
+    if (!isNew || IsLarge(path)) return place->second;
     std::size_t length = 0;
     const HeapBlock<char> bytes(ReadSourceFileForEditor(path.c_str(), &length, nullptr, nullptr));
-    if (!bytes) return file;
-    file.text.assign(bytes.get(), length);
-    for (std::size_t at = 0; at < length; at = std::min(file.text.find('\n', at), length - 1) + 1)
-        file.starts.push_back(static_cast<std::uint32_t>(at));
-    return file;
-}
-
-std::wstring FileLine(const SourceFile& file, std::uint32_t line) {
-    if (line > file.starts.size()) return {};
-    const std::size_t from = file.starts[line - 1];
-    const std::size_t to = line < file.starts.size() ? file.starts[line] : file.text.size();
-    return TrimmedSource(Utf8ToWideText(std::string_view(file.text).substr(from, to - from)));
+    if (bytes) place->second = SourceLinesOf({bytes.get(), length});
+    return place->second;
 }
 
 std::wstring EditorLine(HWND editor, std::uint32_t line) {
@@ -120,7 +71,7 @@ std::wstring EditorLine(HWND editor, std::uint32_t line) {
     if (static_cast<LRESULT>(line) > SciSend(editor, SCI_GETLINECOUNT)) return {};
     std::string bytes(static_cast<std::size_t>(SciSend(editor, SCI_LINELENGTH, index)), '\0');
     SciSend(editor, SCI_GETLINE, index, reinterpret_cast<LPARAM>(bytes.data()));
-    return TrimmedSource(Utf8ToWideText(bytes));
+    return ShownSource(bytes);
 }
 
 }  // namespace
@@ -129,11 +80,15 @@ const PaneProgram& PaneProgramNow() { return g_program; }
 
 void PaneProgramRead() {
     const DebuggerState& state = g_debugger;
-    if (state.active == 0 || state.processId != g_program.processId) ForgetSession();
-    g_program.session = state.active != 0;
-    g_program.stopped = g_program.session && state.run == DebugRun::Stopped;
-    g_program.processId = state.processId;
-    if (g_program.stopped) ReadRegisters();
+    const PaneSession session = {.active = state.active != 0,
+                                 .stopped = state.run == DebugRun::Stopped,
+                                 .serial = state.stopSerial,
+                                 .processId = state.processId,
+                                 .stopThread = state.stopThreadId,
+                                 .mainThread = state.mainThreadId};
+    if (!PaneProgramFollow(&g_program, session, RegistersOf)) return;
+    g_modules.clear();
+    g_sources.clear();
 }
 
 void PaneChooseThread(std::uint32_t id) {
@@ -147,7 +102,7 @@ std::wstring PanePlaceText(std::uint64_t address) {
     if (!DebugLineAt(State(), address, &file, &line) || line > kLastMapLine) return ModulePlace(address);
     wchar_t name[kPathCapacity] = {};
     PathGetFile(DebugFilePath(State(), file).c_str(), name, kPathCapacity);
-    return (*name != L'\0' ? std::wstring(name) + L":" : L"line ") + std::to_wstring(line);
+    return LinePlaceText(name, line);
 }
 
 std::wstring PaneSourceLine(std::uint32_t fileId, std::uint32_t line) {
@@ -155,7 +110,7 @@ std::wstring PaneSourceLine(std::uint32_t fileId, std::uint32_t line) {
     if (path.empty() || line == 0) return {};
     for (const DocumentTab& tab : g_documents.tabs)
         if (tab.path[0] != L'\0' && PathEqualsIgnoreCase(tab.path, path)) return EditorLine(tab.editor, line);
-    return FileLine(FileOf(path), line);
+    return SourceLineText(FileOf(path), line);
 }
 
 void PaneGoTo(std::uint32_t fileId, std::uint32_t line) {

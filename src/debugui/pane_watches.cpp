@@ -3,6 +3,8 @@
 
 #include "base/hex_digit.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -61,6 +63,26 @@ WatchBytes TextBytes(std::string_view text, std::size_t room) {
     return result;
 }
 
+ListRow WatchRow(Watch& watch, const WatchProgram& program, bool newStop) {
+    ListRow row;
+    std::wstring shown;
+    if (program.stopped) {
+        const Evaluation address = program.evaluate(watch.expression);
+        if (newStop) watch.before = watch.value;
+        watch.value = address.value ? program.read(watch, *address.value) : L"";
+        shown = address.value ? watch.value : address.problem;
+        if (!address.value || watch.value == kUnreadableWatch) row.tone = ListTone::Problem;
+        if (!watch.before.empty() && watch.before != watch.value) row.changed = 1U << kWatchValue;
+    } else if (program.session) {
+        shown = watch.value;
+    } else {
+        watch.value.clear();
+        watch.before.clear();
+    }
+    row.cells = {watch.expression, WatchKindName(watch.kind), shown};
+    return row;
+}
+
 }  // namespace
 
 const wchar_t* WatchKindName(WatchKind kind) {
@@ -110,4 +132,35 @@ WatchBytes WatchBytesOf(WatchKind kind, std::string_view utf8, std::size_t room)
     const auto value = Integer(text, isLong ? 32 : 64);
     if (!value) return {{}, isLong ? L"Not a whole number of 32 bits" : L"Not a whole number of 64 bits"};
     return {isLong ? WatchNumberBytes(static_cast<std::uint32_t>(*value)) : WatchNumberBytes(*value), {}};
+}
+
+std::vector<ListRow> WatchRows(WatchList& list, const WatchProgram& program) {
+    const bool newStop = program.stopped && program.serial != list.serial;
+    if (program.stopped) list.serial = program.serial;
+    std::vector<ListRow> rows;
+    for (Watch& watch : list.watches) rows.push_back(WatchRow(watch, program, newStop));
+    rows.push_back({.cells = {L"Type an address here: RSP+8, 0x140002000", L"", L""}, .tone = ListTone::Quiet});
+    return rows;
+}
+
+Watch* WatchAt(std::vector<Watch>& watches, int row) {
+    return row >= 0 && row < static_cast<int>(watches.size()) ? &watches[static_cast<std::size_t>(row)] : nullptr;
+}
+
+bool WatchHasValue(const Watch* watch, bool stopped) {
+    return watch != nullptr && stopped && !watch->value.empty() && watch->value != kUnreadableWatch;
+}
+
+WatchAction WatchActionOf(int column, const Watch* watch, bool stopped) {
+    if (column == kWatchKind) return WatchAction::ChooseKind;
+    if (watch == nullptr || column == kWatchExpression) return WatchAction::EditExpression;
+    return column == -1 && !WatchHasValue(watch, stopped) ? WatchAction::EditExpression : WatchAction::EditValue;
+}
+
+WatchBytes WatchInput(WatchKind kind, const Evaluation& address, std::string_view utf8, const ProgramMemory& memory) {
+    if (!address.value) return {{}, address.problem};
+    std::array<char, kLongestWatchText> old = {};
+    const std::size_t readable = memory.readSome(*address.value, old.data(), old.size());
+    const auto* const end = std::find(old.begin(), old.begin() + readable, '\0');
+    return WatchBytesOf(kind, utf8, static_cast<std::size_t>(end - old.begin()));
 }

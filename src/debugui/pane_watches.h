@@ -1,14 +1,16 @@
-// The watches: addresses of the program, their values as text, and bytes for typed values. Pure.
+// The watches: addresses of the program, their values as text, what a click on one does, and bytes for typed values. Pure.
 #pragma once
 
+#include "debugger/expressions.h"
+#include "debugger/watch_value.h"
+#include "ui/list_rows.h"
+
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-// The values are those of `kind` in DebugWatchValue.
-enum class WatchKind : std::uint8_t { Long, Quad, Text, Double };
-inline constexpr int kWatchKinds = 4;
 const wchar_t* WatchKindName(WatchKind kind);
 
 struct Watch {
@@ -32,3 +34,35 @@ struct WatchBytes {
     std::wstring problem;
 };
 WatchBytes WatchBytesOf(WatchKind kind, std::string_view utf8, std::size_t room);
+
+// --- The rows
+struct WatchList {
+    std::vector<Watch> watches;
+    std::uint64_t serial = 0;  // of the stop that the values are of
+};
+// What the views know of the program now.
+struct WatchProgram {
+    bool session = false;
+    bool stopped = false;
+    std::uint64_t serial = 0;  // of the stop
+    std::function<Evaluation(const std::wstring& expression)> evaluate;
+    std::function<std::wstring(const Watch& watch, std::uint64_t address)> read;
+};
+enum WatchColumn : int { kWatchExpression, kWatchKind, kWatchValue };
+
+// A row for each watch and one to type a new one into. Values are read while the program is stopped; those of the stop
+// before are what a change is told by. While it runs, the last ones stay; without a program there are none.
+std::vector<ListRow> WatchRows(WatchList& list, const WatchProgram& program);
+
+// --- What is done with a row
+// Null for the row of the new watch.
+Watch* WatchAt(std::vector<Watch>& watches, int row);
+// There is a value that can be written over. `watch` may be null.
+bool WatchHasValue(const Watch* watch, bool stopped);
+
+enum class WatchAction : std::uint8_t { EditExpression, ChooseKind, EditValue };
+// What a double click on a column does, or Enter (column -1). `watch` may be null.
+WatchAction WatchActionOf(int column, const Watch* watch, bool stopped);
+
+// The bytes to write for what was typed as the value of a watch at an address, or why there are none.
+WatchBytes WatchInput(WatchKind kind, const Evaluation& address, std::string_view utf8, const ProgramMemory& memory);

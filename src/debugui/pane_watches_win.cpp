@@ -6,78 +6,41 @@
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
-#include "debugger/expressions.h"
 #include "debugui/pane_internal.h"
 
-#include <algorithm>
 #include <array>
-#include <optional>
 
 namespace {
 
-enum Column : int { kExpression, kKind, kValue };
 constexpr std::array<ListColumn, 3> kColumns = {
     {{L"Address", 22, 10, true}, {L"Kind", 9, 7, false}, {L"Value", 30, 14, true}}};
 
 enum MenuCommand : UINT { kEditExpression = 1, kEditValue, kRemove, kFirstKind };
 
-constexpr wchar_t kUnreadable[] = L"<unreadable>";
-constexpr std::size_t kLongestText = 127;  // bytes that are shown of one
-
-struct WatchList {
-    std::vector<Watch> watches;
-    std::uint64_t serial = 0;  // of the stop that the values are of
-};
 WatchList g_list;
 
-Watch* WatchAtRow(int row) {
-    return row >= 0 && row < static_cast<int>(g_list.watches.size()) ? &g_list.watches[static_cast<std::size_t>(row)]
-                                                                     : nullptr;
-}
+Watch* WatchAtRow(int row) { return WatchAt(g_list.watches, row); }
 
 std::wstring ReadValue(const Watch& watch, std::uint64_t address) {
     const HeapBlock<wchar_t> text(DebugWatchValue(&g_debugger, address, static_cast<int>(watch.kind)));
     return text ? text.get() : L"";
 }
 
-// Values as they are now; those of the stop before are what a change is told by.
-ListRow WatchRow(Watch& watch, bool newStop) {
-    const PaneProgram& program = PaneProgramNow();
-    ListRow row;
-    std::wstring shown;
-    if (program.stopped) {
-        const Evaluation address = PaneEvaluate(watch.expression);
-        if (newStop) watch.before = watch.value;
-        watch.value = address.value ? ReadValue(watch, *address.value) : L"";
-        shown = address.value ? watch.value : address.problem;
-        if (!address.value || watch.value == kUnreadable) row.tone = ListTone::Problem;
-        if (!watch.before.empty() && watch.before != watch.value) row.changed = 1U << kValue;
-    } else {
-        shown = program.session ? watch.value : L"";
-        if (!program.session) watch.value.clear();
-        if (!program.session) watch.before.clear();
-    }
-    row.cells = {watch.expression, WatchKindName(watch.kind), shown};
-    return row;
-}
-
 void FillWatches(PaneContent& content) {
     const PaneProgram& program = PaneProgramNow();
-    const bool newStop = program.stopped && program.serial != g_list.serial;
-    if (program.stopped) g_list.serial = program.serial;
-    for (Watch& watch : g_list.watches) content.rows.push_back(WatchRow(watch, newStop));
+    content.rows = WatchRows(g_list, {.session = program.session,
+                                      .stopped = program.stopped,
+                                      .serial = program.serial,
+                                      .evaluate = PaneEvaluate,
+                                      .read = ReadValue});
     content.stale = program.session && !program.stopped;
-    ListRow empty;
-    empty.tone = ListTone::Quiet;
-    empty.cells = {L"Type an address here: RSP+8, 0x140002000", L"", L""};
-    content.rows.push_back(std::move(empty));
 }
 
 void OnWatchesChanged() { DebugPaneInvalidate(); }
 
 void EditWatchExpression(int row, const std::wstring& text, bool append) {
     ListViewEditCell(
-        PaneList(), row, kExpression, text, append,
+        PaneList(), row, kWatchExpression, text, append,
         [row](const std::wstring& typed) {
             if (WatchSetExpression(g_list.watches, static_cast<std::size_t>(row), typed)) OnWatchesChanged();
             return std::wstring{};
@@ -88,11 +51,10 @@ std::wstring CommitWatchValue(int row, const std::wstring& text) {
     const Watch* watch = WatchAtRow(row);
     if (watch == nullptr || !PaneProgramNow().stopped) return L"The program is not stopped";
     const Evaluation address = PaneEvaluate(watch->expression);
-    if (!address.value) return address.problem;
-    std::array<char, kLongestText> old = {};
-    const std::size_t readable = DebugReadSome(&g_debugger, *address.value, old.data(), old.size());
-    const auto length = static_cast<std::size_t>(std::find(old.begin(), old.begin() + readable, '\0') - old.begin());
-    const WatchBytes typed = WatchBytesOf(watch->kind, PaneUtf8(text), length);
+    const WatchBytes typed = WatchInput(watch->kind, address, PaneUtf8(text),
+                                        {.read = {}, .readSome = [](std::uint64_t from, void* out, std::size_t count) {
+                                             return DebugReadSome(&g_debugger, from, out, count);
+                                         }});
     if (!typed.problem.empty()) return typed.problem;
     if (!typed.bytes.empty() && !DebugWriteMem(&g_debugger, *address.value, typed.bytes.data(), typed.bytes.size()))
         return L"The memory cannot be written";
@@ -100,14 +62,12 @@ std::wstring CommitWatchValue(int row, const std::wstring& text) {
     return {};
 }
 
-bool HasWatchValue(const Watch* watch) {
-    return watch != nullptr && PaneProgramNow().stopped && !watch->value.empty() && watch->value != kUnreadable;
-}
+bool HasWatchValue(const Watch* watch) { return WatchHasValue(watch, PaneProgramNow().stopped); }
 
 void EditWatchValue(int row) {
     const Watch* watch = WatchAtRow(row);
     if (!HasWatchValue(watch)) return;
-    ListViewEditCell(PaneList(), row, kValue, WatchEditText(watch->kind, watch->value), false,
+    ListViewEditCell(PaneList(), row, kWatchValue, WatchEditText(watch->kind, watch->value), false,
                      [row](const std::wstring& text) { return CommitWatchValue(row, text); });
 }
 
@@ -131,24 +91,24 @@ void ShowKindMenu(int row) {
         items[i] = {
             .id = static_cast<UINT>(kFirstKind + i), .text = WatchKindName(kind), .checked = kind == watch->kind};
     }
-    RECT cell = ListViewCell(PaneList(), row, kKind);
+    RECT cell = ListViewCell(PaneList(), row, kWatchKind);
     POINT at = {cell.left, cell.bottom};
     ClientToScreen(PaneList().window, &at);
     const UINT chosen = PaneShowMenu(items, at);
     if (chosen >= kFirstKind) SetWatchKind(row, static_cast<WatchKind>(chosen - kFirstKind));
 }
 
-void OnWatchActivated(int row, int column) {
-    if (column == kKind) return ShowKindMenu(row);
-    if (WatchAtRow(row) == nullptr) return EditWatchExpression(row, L"", false);
-    if (column == kExpression || (column == -1 && !HasWatchValue(WatchAtRow(row))))
-        return EditWatchExpression(row, WatchAtRow(row)->expression, false);
-    EditWatchValue(row);
-}
-
 // One click selects; F2 edits the address.
 void OnWatchEdit(int row, int column) {
     if (column == -1) EditWatchExpression(row, WatchAtRow(row) != nullptr ? WatchAtRow(row)->expression : L"", false);
+}
+
+void OnWatchActivated(int row, int column) {
+    switch (WatchActionOf(column, WatchAtRow(row), PaneProgramNow().stopped)) {
+        case WatchAction::ChooseKind: ShowKindMenu(row); break;
+        case WatchAction::EditExpression: OnWatchEdit(row, -1); break;
+        case WatchAction::EditValue: EditWatchValue(row); break;
+    }
 }
 
 void OnWatchTyped(int row, wchar_t character) {

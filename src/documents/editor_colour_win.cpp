@@ -39,10 +39,8 @@ void ClaimColoured(HWND editor) {
     SciSend(editor, SCI_STARTSTYLING, static_cast<WPARAM>(SciSend(editor, SCI_GETLENGTH)), 0);
 }
 
-// A new lexer, other keywords, another property: Scintilla then wants it all coloured again.
 void NoticeReset(HWND editor, PaneState& state, LRESULT length) {
-    const LRESULT styled = SciSend(editor, SCI_GETENDSTYLED);
-    if (styled < length) state.coloured = std::min(state.coloured, styled);
+    state.coloured = ColouredAfterReset(state.coloured, SciSend(editor, SCI_GETENDSTYLED), length);
 }
 
 // SCI_COLOURISE asks for a repaint of everything, even when nothing that can be seen has changed. Validating the window is
@@ -59,9 +57,8 @@ bool ColourSlice(HWND editor, PaneState& state) {
     const LRESULT length = SciSend(editor, SCI_GETLENGTH);
     NoticeReset(editor, state, length);
     const LRESULT from = state.coloured;
-    if (from >= length) return false;
-    // A paint is due: it colours what it shows, and the validation below must not cancel it.
-    if (GetUpdateRect(editor, nullptr, FALSE)) return true;
+    const ColourStep step = NextColourStep(from, length, GetUpdateRect(editor, nullptr, FALSE) != FALSE);
+    if (step != ColourStep::Slice) return step == ColourStep::Wait;
 
     const LRESULT wanted = std::min(from + static_cast<LRESULT>(state.colourChunk), length);
     const LRESULT lastLine = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(wanted), 0);
@@ -73,7 +70,7 @@ bool ColourSlice(HWND editor, PaneState& state) {
     SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(from), to);
     ClaimColoured(editor);
     state.coloured = to;
-    if (from >= visible.end || to <= visible.start) CancelRepaint(editor, state);
+    if (IsUnseen({from, to}, visible)) CancelRepaint(editor, state);
     state.colourChunk = NextColourChunk(state.colourChunk, Seconds() - began);
     return to < length;
 }

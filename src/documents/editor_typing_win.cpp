@@ -2,9 +2,9 @@
 // bracket that belongs to the one at the caret. UI thread.
 #include "documents/editor_pane.h"
 
-#include "documents/brace_match.h"
 #include "documents/pane_rules.h"
 #include "documents/pane_state.h"
+#include "documents/typing_rules.h"
 #include "scintilla/sci.h"
 #include "settings/settings_state.h"
 
@@ -17,12 +17,6 @@
 
 namespace {
 
-constexpr LRESULT kLongestKeyword = 16;
-
-bool IsKeywordStyle(LRESULT style) {
-    return style == SCE_B_KEYWORD || style == SCE_B_KEYWORD2 || style == SCE_B_KEYWORD3 || style == SCE_B_KEYWORD4;
-}
-
 // The style that the lexer gives to a position of the caret's line, which may not have been painted yet.
 LRESULT FreshStyleAt(HWND editor, LRESULT position, LRESULT upTo) {
     const LRESULT line = PaneSend(editor, SCI_LINEFROMPOSITION, position);
@@ -32,13 +26,10 @@ LRESULT FreshStyleAt(HWND editor, LRESULT position, LRESULT upTo) {
     return PaneSend(editor, SCI_GETSTYLEAT, position);
 }
 
-void ShowBraces(HWND editor, LRESULT first, LRESULT second) { PaneSend(editor, SCI_BRACEHIGHLIGHT, first, second); }
-
-// The bracket at the caret: the one before it, else the one after it. -1 without one.
-LRESULT BraceAtCaret(HWND editor) {
+LRESULT BraceAtCaretOf(HWND editor) {
     const LRESULT caret = PaneSend(editor, SCI_GETCURRENTPOS);
-    if (caret > 0 && IsBrace(static_cast<char>(PaneSend(editor, SCI_GETCHARAT, caret - 1)))) return caret - 1;
-    return IsBrace(static_cast<char>(PaneSend(editor, SCI_GETCHARAT, caret))) ? caret : -1;
+    const auto at = [editor](LRESULT position) { return static_cast<char>(PaneSend(editor, SCI_GETCHARAT, position)); };
+    return BraceAtCaret(caret, at(caret - 1), at(caret));
 }
 
 }  // namespace
@@ -46,30 +37,31 @@ LRESULT BraceAtCaret(HWND editor) {
 void EditorPaneUpdateBraces(HWND editor) {
     PaneState* state = PaneStateOf(editor);
     if (state == nullptr) return;
-    const LRESULT brace = BraceAtCaret(editor);
-    if (brace < 0) {
-        if (state->bracesShown) ShowBraces(editor, INVALID_POSITION, INVALID_POSITION);
-        state->bracesShown = false;
+    const LRESULT brace = BraceAtCaretOf(editor);
+    BracePair shown;
+    if (brace >= 0) {
+        const PaneSpan reach = BraceReach(brace, PaneSend(editor, SCI_GETLENGTH));
+        std::vector<StyledByte> text(static_cast<std::size_t>(reach.end - reach.start) + 1);  // two NUL bytes are added
+        Sci_TextRangeFull range = {{reach.start, reach.end}, reinterpret_cast<char*>(text.data())};
+        SciSend(editor, SCI_GETSTYLEDTEXTFULL, 0, reinterpret_cast<LPARAM>(&range));
+        text.pop_back();
+        shown = BracesToShow(text, reach.start, brace);
+    } else if (!state->bracesShown) {
         return;
     }
-    const PaneSpan reach = BraceReach(brace, PaneSend(editor, SCI_GETLENGTH));
-    const LRESULT start = reach.start;
-    std::vector<StyledByte> text(static_cast<std::size_t>(reach.end - start) + 1);  // Scintilla adds two NUL bytes
-    Sci_TextRangeFull range = {{start, reach.end}, reinterpret_cast<char*>(text.data())};
-    SciSend(editor, SCI_GETSTYLEDTEXTFULL, 0, reinterpret_cast<LPARAM>(&range));
-    text.pop_back();
-    const std::ptrdiff_t partner = MatchBrace(text, static_cast<std::size_t>(brace - start));
-    state->bracesShown = partner >= 0;
-    ShowBraces(editor, partner >= 0 ? brace : INVALID_POSITION, partner >= 0 ? start + partner : INVALID_POSITION);
+    state->bracesShown = shown != BracePair{};
+    PaneSend(editor, SCI_BRACEHIGHLIGHT, shown.first, shown.second);
 }
 
 void EditorPaneAfterNewLine(HWND editor) {
-    if (PaneSend(editor, SCI_GETSELECTIONS) != 1) return;
     const LRESULT line = PaneSend(editor, SCI_LINEFROMPOSITION, PaneSend(editor, SCI_GETCURRENTPOS));
-    if (line < 1 || PaneSend(editor, SCI_GETLINEINDENTATION, line) != 0) return;
-    const LRESULT indentation = PaneSend(editor, SCI_GETLINEINDENTATION, line - 1);
-    if (indentation <= 0) return;
-    PaneSend(editor, SCI_SETLINEINDENTATION, line, indentation);
+    const std::optional<LRESULT> indentation =
+        IndentationAfterBreak({.selections = PaneSend(editor, SCI_GETSELECTIONS),
+                               .line = line,
+                               .own = PaneSend(editor, SCI_GETLINEINDENTATION, line),
+                               .above = PaneSend(editor, SCI_GETLINEINDENTATION, line - 1)});
+    if (!indentation) return;
+    PaneSend(editor, SCI_SETLINEINDENTATION, line, *indentation);
     PaneSend(editor, SCI_GOTOPOS, PaneSend(editor, SCI_GETLINEINDENTPOSITION, line));
 }
 
@@ -77,7 +69,7 @@ void EditorPaneUpperKeywordBefore(HWND editor, LRESULT position) {
     if (!g_settings.autoUpperKeywords || PaneSend(editor, SCI_GETLEXER) != SCLEX_VB) return;
     const LRESULT start = PaneSend(editor, SCI_WORDSTARTPOSITION, position, TRUE);
     const LRESULT length = position - start;
-    if (length < 2 || length > kLongestKeyword) return;
+    if (!HasKeywordLength(length)) return;
     char word[kLongestKeyword + 1] = {};
     Sci_TextRangeFull range = {{start, position}, word};
     SciSend(editor, SCI_GETTEXTRANGEFULL, 0, reinterpret_cast<LPARAM>(&range));

@@ -43,6 +43,17 @@ PaintColours ColoursForPaint(std::ptrdiff_t coloured, PaneSpan visible) {
     return visible.start - coloured <= kNearEnough ? PaintColours::FromMark : PaintColours::VisibleOnly;
 }
 
+std::ptrdiff_t ColouredAfterReset(std::ptrdiff_t coloured, std::ptrdiff_t styled, std::ptrdiff_t length) {
+    return styled < length ? std::min(coloured, styled) : coloured;
+}
+
+ColourStep NextColourStep(std::ptrdiff_t coloured, std::ptrdiff_t length, bool paintIsDue) {
+    if (coloured >= length) return ColourStep::Done;
+    return paintIsDue ? ColourStep::Wait : ColourStep::Slice;
+}
+
+bool IsUnseen(PaneSpan slice, PaneSpan visible) { return slice.start >= visible.end || slice.end <= visible.start; }
+
 std::vector<MarkedRun> MarkedRuns(std::span<const TextRange> ranges, std::ptrdiff_t origin, PaneSpan view) {
     std::vector<MarkedRun> runs;
     const auto add = [&runs](std::ptrdiff_t start, std::ptrdiff_t end, bool on) {

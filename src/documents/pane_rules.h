@@ -44,6 +44,21 @@ enum class PaintColours : std::uint8_t {
 };
 PaintColours ColoursForPaint(std::ptrdiff_t coloured, PaneSpan visible);
 
+// The mark up to which everything has its colours, once Scintilla says that it has lost them after `styled`: a new lexer,
+// other keywords, another property.
+std::ptrdiff_t ColouredAfterReset(std::ptrdiff_t coloured, std::ptrdiff_t styled, std::ptrdiff_t length);
+
+// What idle time is used for.
+enum class ColourStep : std::uint8_t {
+    Done,   // all is coloured
+    Wait,   // a paint is due: it colours what it shows, and a repaint cancelled now would cancel it
+    Slice,  // the next one is coloured
+};
+ColourStep NextColourStep(std::ptrdiff_t coloured, std::ptrdiff_t length, bool paintIsDue);
+
+// A slice of which nothing can be seen: the repaint that Scintilla asks for after it is for nothing.
+bool IsUnseen(PaneSpan slice, PaneSpan visible);
+
 // The view as runs, in order, each with `on` for inline assembly. `ranges` are the ranges of inline assembly, with
 // starts relative to `origin`.
 struct MarkedRun {

@@ -8,6 +8,7 @@
 #include "documents/file_commands.h"
 #include "resources/ids.h"
 #include "session/session_state.h"
+#include "session/tree_actions.h"
 #include "session/tree_icons.h"
 #include "session/tree_reader.h"
 #include "session/tree_rules.h"
@@ -26,26 +27,21 @@
 #include <commctrl.h>
 
 #include <iterator>
-#include <map>
-#include <memory>
+#include <optional>
 #include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace {
 
 constexpr UINT_PTR kSubclassId = 1;
-constexpr std::size_t kMaxPending = 16;    // readers at a time: each may hang on a share that is gone
-constexpr std::size_t kMaxReopened = 500;  // folders that a refresh opens again
 
 enum MenuCommand : UINT { kMenuOpen = 1, kMenuCopyPath, kMenuRefresh };
 
 struct TreeState {
     std::wstring root;  // as TreeRootOf() gives it
-    std::uint64_t lastRequest = 0;
-    std::map<std::uint64_t, HTREEITEM> pending;  // folders being read; a listing without an entry here is stale
-    std::set<std::wstring> reopen;               // paths that were open before a refresh
+    TreeRequests requests;
+    std::set<std::wstring> reopen;  // paths that were open before a refresh
     HIMAGELIST icons = nullptr;
     bool stale = false;  // to be populated when it is shown
 };
@@ -70,6 +66,10 @@ NodeKind ItemKind(HTREEITEM item) {
     get.hItem = item;
     SendMessageW(Tree(), TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&get));
     return static_cast<NodeKind>(get.lParam);
+}
+
+std::optional<NodeKind> KindIfAny(HTREEITEM item) {
+    return item != nullptr ? std::optional(ItemKind(item)) : std::nullopt;
 }
 
 void SetItem(HTREEITEM item, NodeKind kind, int children) {
@@ -109,16 +109,15 @@ void RemoveChildren(HTREEITEM folder) {
 
 // A folder opened for the first time shows a note until its listing arrives.
 void StartReading(HTREEITEM folder) {
-    const std::uint64_t request = ++g_tree.lastRequest;
-    const bool started =
-        g_tree.pending.size() < kMaxPending && TreeReaderStart(Tree(), MSG_TREE_ITEMS, request, ItemPath(folder));
-    if (!started) {
-        AppLogMsg(L"FAIL: ProjectTree could not start reading, pending=%d", static_cast<int>(g_tree.pending.size()));
+    const std::optional<std::uint64_t> request = TreeRequestNumber(g_tree.requests);
+    if (!request || !TreeReaderStart(Tree(), MSG_TREE_ITEMS, *request, ItemPath(folder))) {
+        AppLogMsg(L"FAIL: ProjectTree could not start reading, pending=%d",
+                  static_cast<int>(g_tree.requests.pending.size()));
         return;  // still unread: opening it again tries again
     }
     SetItem(folder, NodeKind::FolderReading, 1);
     InsertTreeItem(folder, TVI_FIRST, L"Reading...", NodeKind::Note);
-    g_tree.pending[request] = folder;
+    g_tree.requests.pending[*request] = folder;
 }
 
 void OpenTreeFolder(HTREEITEM folder) {
@@ -137,36 +136,36 @@ void InsertListing(HTREEITEM folder, const TreeListing& listing) {
 }
 
 void OnTreeListing(const TreeListing& listing) {
-    const auto found = g_tree.pending.find(listing.request);
-    if (found == g_tree.pending.end()) return;  // asked for before the last refresh
-    const HTREEITEM folder = found->second;
-    g_tree.pending.erase(found);
-
+    const auto folder = static_cast<HTREEITEM>(TreeRequestTake(g_tree.requests, listing.request));
+    if (folder == nullptr) return;
     SendMessageW(Tree(), WM_SETREDRAW, FALSE, 0);
     RemoveChildren(folder);
-    SetItem(folder, NodeKind::FolderRead, listing.entries.empty() && listing.readable ? 0 : 1);
+    SetItem(folder, NodeKind::FolderRead, TreeFolderOpens(listing) ? 1 : 0);
     InsertListing(folder, listing);
     TreeView_Expand(Tree(), folder, TVE_EXPAND);  // removing the note has closed it
     SendMessageW(Tree(), WM_SETREDRAW, TRUE, 0);
     InvalidateRect(Tree(), nullptr, TRUE);
 }
 
-void RememberOpenFolders(HTREEITEM item) {
-    for (; item != nullptr && g_tree.reopen.size() < kMaxReopened; item = Related(item, TVGN_NEXT)) {
-        const auto state =
-            static_cast<UINT>(SendMessageW(Tree(), TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), TVIS_EXPANDED));
-        if ((state & TVIS_EXPANDED) != 0) {
-            g_tree.reopen.insert(ItemPath(item));
-            RememberOpenFolders(Related(item, TVGN_CHILD));
-        }
-    }
+bool IsOpenInTree(TreeItemHandle item) {
+    return (SendMessageW(Tree(), TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), TVIS_EXPANDED) & TVIS_EXPANDED) != 0;
+}
+
+std::set<std::wstring> OpenFolderPaths() {
+    const auto related = [](UINT relation) {
+        return [relation](TreeItemHandle item) { return Related(static_cast<HTREEITEM>(item), relation); };
+    };
+    return OpenTreeFolders({.firstChild = related(TVGN_CHILD),
+                            .next = related(TVGN_NEXT),
+                            .isOpen = IsOpenInTree,
+                            .path = [](TreeItemHandle item) { return ItemPath(static_cast<HTREEITEM>(item)); }},
+                           TreeView_GetRoot(Tree()));
 }
 
 void OpenTreeItem(HTREEITEM item) {
-    if (item != nullptr && ItemKind(item) == NodeKind::File) {
-        FileOpen(ItemPath(item).c_str());
-        QueueFocusCurrentEditor();
-    }
+    if (!TreeCommandsOf(KindIfAny(item)).open) return;
+    FileOpen(ItemPath(item).c_str());
+    QueueFocusCurrentEditor();
 }
 
 void ShowTreeMenu(POINT at) {
@@ -184,10 +183,9 @@ void ShowTreeMenu(POINT at) {
         TreeView_SelectItem(Tree(), TreeView_HitTest(Tree(), &hit));
     }
     const HTREEITEM item = TreeView_GetSelection(Tree());
-    const bool hasPath = item != nullptr && ItemKind(item) != NodeKind::Note;
-    const bool isFile = hasPath && ItemKind(item) == NodeKind::File;
-    const MenuItem items[] = {{.id = kMenuOpen, .text = L"&Open\tEnter", .enabled = isFile},
-                              {.id = kMenuCopyPath, .text = L"&Copy Path", .enabled = hasPath},
+    const TreeItemCommands can = TreeCommandsOf(KindIfAny(item));
+    const MenuItem items[] = {{.id = kMenuOpen, .text = L"&Open\tEnter", .enabled = can.open},
+                              {.id = kMenuCopyPath, .text = L"&Copy Path", .enabled = can.copyPath},
                               {},
                               {.id = kMenuRefresh, .text = L"&Refresh\tCtrl+R"}};
     const UINT command = ShowPopupMenu(Tree(), items, at);
@@ -255,8 +253,8 @@ void ProjectTreePopulate() {
     if (g_tree.stale) return;
     const std::wstring root = TreeRootOf(g_settings.projectRoot);
     g_tree.reopen.clear();
-    if (root == g_tree.root) RememberOpenFolders(TreeView_GetRoot(Tree()));
-    g_tree.pending.clear();
+    if (root == g_tree.root) g_tree.reopen = OpenFolderPaths();
+    g_tree.requests.pending.clear();
     g_tree.root = root;
     TreeView_DeleteAllItems(Tree());
     if (!root.empty()) OpenTreeFolder(InsertTreeItem(TVI_ROOT, TVI_FIRST, TreeRootLabel(root), NodeKind::FolderUnread));
@@ -275,8 +273,7 @@ bool ProjectTreeHandleNotify(const NMHDR& header, LRESULT* result) {
         }
         case NM_DBLCLK: OpenTreeItem(selected); return true;
         case NM_RETURN:
-            if (selected != nullptr && ItemKind(selected) != NodeKind::File)
-                TreeView_Expand(Tree(), selected, TVE_TOGGLE);
+            if (TreeEnterOn(KindIfAny(selected)) == TreeEnter::Toggle) TreeView_Expand(Tree(), selected, TVE_TOGGLE);
             OpenTreeItem(selected);
             *result = 1;  // no beep
             return true;

@@ -3,33 +3,17 @@
 
 #include "base/bounded_text.h"
 #include "base/handles.h"
-#include "base/hex_digit.h"
-#include "base/hex_text.h"
 #include "files/file_io.h"
+#include "settings/secret_text.h"
 
 #include <dpapi.h>
 
+#include <cstdint>
 #include <cstring>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace {
-
-constexpr std::wstring_view kPrefix = L"[DPAPI]";
-
-// Empty for an odd number of digits and for anything that is no digit.
-std::vector<BYTE> BytesOfHex(std::wstring_view digits) {
-    std::vector<BYTE> bytes;
-    if (digits.size() % 2 != 0) return bytes;
-    for (std::size_t i = 0; i < digits.size(); i += 2) {
-        const int high = HexValue(digits[i]);
-        const int low = HexValue(digits[i + 1]);
-        if (high < 0 || low < 0) return {};
-        bytes.push_back(static_cast<BYTE>(high * 16 + low));
-    }
-    return bytes;
-}
 
 // Clear text leaves no copy in freed memory.
 void Wipe(void* bytes, std::size_t length) { SecureZeroMemory(bytes, length); }
@@ -51,16 +35,14 @@ bool EncryptString(const wchar_t* clearText, wchar_t* out, std::size_t capacity)
     const BOOL done = CryptProtectData(&clear, nullptr, nullptr, nullptr, nullptr, CRYPTPROTECT_UI_FORBIDDEN, &sealed);
     Wipe(utf8.get(), length);
     const LocalBlock<BYTE> owner{sealed.pbData};
-    if (done == FALSE || kPrefix.size() + 2 * static_cast<std::size_t>(sealed.cbData) + 1 > capacity) return false;
-    std::wstring text{kPrefix};
-    for (DWORD i = 0; i < sealed.cbData; ++i) text += HexText(sealed.pbData[i], 2);
-    return SafeCopyW(out, capacity, text);
+    if (done == FALSE) return false;
+    const std::wstring text = SecretText({sealed.pbData, sealed.cbData});
+    return text.size() < capacity && SafeCopyW(out, capacity, text);
 }
 
 int DecryptString(const wchar_t* stored, wchar_t* out, std::size_t capacity) {
-    if (stored == nullptr || out == nullptr || capacity == 0 || !std::wstring_view{stored}.starts_with(kPrefix))
-        return 0;
-    std::vector<BYTE> bytes = BytesOfHex(std::wstring_view{stored}.substr(kPrefix.size()));
+    if (stored == nullptr || out == nullptr || capacity == 0) return 0;
+    std::vector<std::uint8_t> bytes = SecretBytes(stored);
     if (bytes.empty()) return 0;
     DATA_BLOB sealed = {.cbData = static_cast<DWORD>(bytes.size()), .pbData = bytes.data()};
     DATA_BLOB clear = {};

@@ -2,6 +2,7 @@
 // thread only.
 #pragma once
 
+#include "ui/block_size.h"
 #include "ui/rtf_block.h"
 
 #include <windows.h>
@@ -32,9 +33,3 @@ void RichLinesReveal(HWND pane);
 HWND RichPaneEmptied(HWND pane, std::size_t lines);
 bool RichPaneIsReplaced();  // whether a replaced pane waits to be destroyed
 void RichPaneDestroyReplaced();
-
-// The number of lines of the next block. BlockSizeLearn adapts it to the time that a full block has taken.
-struct BlockSize {
-    std::size_t lines = 400;
-};
-void BlockSizeLearn(BlockSize& size, std::size_t inserted, double milliseconds);

@@ -14,11 +14,7 @@
 
 namespace {
 
-// A block takes about this long, so that with a repaint after it the window answers well within 100 ms.
-constexpr double kBlockMs = 30.0;
 constexpr std::size_t kLinesDeleted = 800;  // up to so many a pane is emptied by deleting its text
-constexpr std::size_t kMinBlockLines = 50;
-constexpr std::size_t kMaxBlockLines = 2000;
 
 HWND g_replaced = nullptr;  // hidden, to be destroyed
 
@@ -123,12 +119,4 @@ bool RichPaneIsReplaced() { return g_replaced != nullptr; }
 
 void RichPaneDestroyReplaced() {
     if (HWND pane = std::exchange(g_replaced, nullptr)) DestroyWindow(pane);
-}
-
-void BlockSizeLearn(BlockSize& size, std::size_t inserted, double milliseconds) {
-    if (inserted < size.lines) return;
-    const double wanted = static_cast<double>(inserted) * kBlockMs / std::max(milliseconds, 1.0);
-    // Half way: one slow block, because the machine was busy, is no reason to make all that follow tiny.
-    const auto next = static_cast<std::size_t>((static_cast<double>(size.lines) + wanted) / 2.0);
-    size.lines = std::clamp(next, kMinBlockLines, kMaxBlockLines);
 }

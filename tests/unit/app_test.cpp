@@ -1,6 +1,7 @@
 // Command line, start, pane arithmetic and window placement.
 #include "app/command_line.h"
 #include "app/layout.h"
+#include "app/notify_rules.h"
 #include "app/startup_rules.h"
 
 #include <gtest/gtest.h>
@@ -109,6 +110,34 @@ std::vector<PaneRect> Visible(const PaneLayout& l) {
     all.insert(all.end(), l.panes.begin(), l.panes.end());
     std::erase_if(all, [](const PaneRect& r) { return r.empty(); });
     return all;
+}
+
+TEST(Startup, TheEndAsksOnceAboutEveryDocumentThatHasChanges) {
+    std::vector<RowEntry> row = {{1, false, true}, {2, true, false}, {3, true, true}};
+    std::vector<DocumentId> asked;
+    EXPECT_EQ(NextToAskAbout(row, asked), 2);
+    asked.push_back(2);
+    row = {{3, true, true}, {2, true, false}, {4, true, false}};  // moved, closed and opened while the box was up
+    EXPECT_EQ(NextToAskAbout(row, asked), 3);
+    asked.push_back(3);
+    EXPECT_EQ(NextToAskAbout(row, asked), 4);
+    row.pop_back();
+    EXPECT_EQ(NextToAskAbout(row, asked), 0) << "the user gave up what is in 2 and 3";
+    EXPECT_EQ(NextToAskAbout({}, {}), 0);
+}
+
+TEST(Notifications, OfLinesAndOfTheMouse) {
+    EXPECT_EQ(LineBeforeMoved(5, 2, true), 4) << "the line moves with what was inserted above its text";
+    EXPECT_EQ(LineBeforeMoved(5, 2, false), 5);
+    EXPECT_EQ(LineBeforeMoved(5, -2, true), 5);
+    EXPECT_TRUE(CouldNameRegister(8));
+    EXPECT_FALSE(CouldNameRegister(9));
+    for (const int x : {10, 29}) EXPECT_TRUE(IsWithinMargin(x, 10, 20)) << x;
+    for (const int x : {9, 30}) EXPECT_FALSE(IsWithinMargin(x, 10, 20)) << x;
+    EXPECT_FALSE(IsWithinMargin(10, 10, 0)) << "a hidden one";
+    EXPECT_EQ(DwellPlaceOf(true, -1), DwellPlace::SymbolMargin);
+    EXPECT_EQ(DwellPlaceOf(false, 0), DwellPlace::Text);
+    EXPECT_EQ(DwellPlaceOf(false, -1), DwellPlace::Nothing);
 }
 
 // Tries every combination of panes at every size: no panes overlap or leave the window, and the editor stays usable.

@@ -3,8 +3,10 @@
 #include "documents/nav_history.h"
 #include "documents/pane_rules.h"
 #include "documents/sticky_header.h"
+#include "documents/typing_rules.h"
 #include "language/caret_colour.h"
 
+#include <SciLexer.h>
 #include <gtest/gtest.h>
 
 #include <random>
@@ -104,6 +106,17 @@ TEST(PaneRules, ColoursWhatIsSeenFirstInSlicesThatTakeAFewMilliseconds) {
     EXPECT_EQ(ColourSliceEnd(0, 100, 90, 200), 90) << "whole lines";
     EXPECT_EQ(ColourSliceEnd(0, 100, 0, 200), 100) << "a line longer than a slice";
     EXPECT_EQ(ColourSliceEnd(0, 200, 190, 200), 200) << "the last line has no end";
+
+    EXPECT_EQ(ColouredAfterReset(50, 20, 100), 20) << "another lexer";
+    EXPECT_EQ(ColouredAfterReset(10, 20, 100), 10);
+    EXPECT_EQ(ColouredAfterReset(50, 100, 100), 50) << "the claim that all is coloured";
+    EXPECT_EQ(NextColourStep(99, 100, false), ColourStep::Slice);
+    EXPECT_EQ(NextColourStep(99, 100, true), ColourStep::Wait) << "its repaint must not be cancelled";
+    EXPECT_EQ(NextColourStep(100, 100, true), ColourStep::Done);
+    EXPECT_TRUE(IsUnseen({0, 100}, {100, 200}));
+    EXPECT_FALSE(IsUnseen({0, 101}, {100, 200}));
+    EXPECT_FALSE(IsUnseen({199, 300}, {100, 200}));
+    EXPECT_TRUE(IsUnseen({200, 300}, {100, 200}));
 }
 
 TEST(PaneRules, MarksTheRunsOfAView) {
@@ -260,6 +273,42 @@ TEST(BraceMatch, FindsThePartnerOfTheSameStyle) {
         for (std::size_t i = 0; i < test.text.size(); ++i) text.push_back({test.text[i], test.styles[i]});
         EXPECT_EQ(MatchBrace(text, test.at), test.partner) << test.name;
     }
+}
+
+TEST(Typing, ANewLineIsIndentedLikeTheOneAbove) {
+    const struct {
+        const char* name;
+        BrokenLine line;
+        std::optional<std::ptrdiff_t> indentation;
+    } cases[] = {
+        {"below an indented one", {.line = 3, .own = 0, .above = 8}, 8},
+        {"it brought its own", {.line = 3, .own = 4, .above = 8}, std::nullopt},
+        {"nothing above", {.line = 3, .own = 0, .above = 0}, std::nullopt},
+        {"the first line", {.line = 0, .own = 0, .above = 8}, std::nullopt},
+        {"several carets", {.selections = 2, .line = 3, .own = 0, .above = 8}, std::nullopt},
+    };
+    for (const auto& each : cases) EXPECT_EQ(IndentationAfterBreak(each.line), each.indentation) << each.name;
+}
+
+TEST(Typing, OnlyKeywordsOfTheirLengthAndStyleGoToCapitals) {
+    EXPECT_FALSE(HasKeywordLength(1));
+    EXPECT_TRUE(HasKeywordLength(2));
+    EXPECT_TRUE(HasKeywordLength(kLongestKeyword));
+    EXPECT_FALSE(HasKeywordLength(kLongestKeyword + 1));
+    for (const int style : {SCE_B_KEYWORD, SCE_B_KEYWORD2, SCE_B_KEYWORD3, SCE_B_KEYWORD4})
+        EXPECT_TRUE(IsKeywordStyle(style)) << style;
+    for (const int style : {SCE_B_DEFAULT, SCE_B_COMMENT, SCE_B_STRING, SCE_B_IDENTIFIER})
+        EXPECT_FALSE(IsKeywordStyle(style)) << style;
+}
+
+TEST(Typing, TheBracketBeforeTheCaretCountsFirst) {
+    EXPECT_EQ(BraceAtCaret(7, ')', '('), 6);
+    EXPECT_EQ(BraceAtCaret(7, 'x', '('), 7);
+    EXPECT_EQ(BraceAtCaret(7, 'x', 'y'), -1);
+    EXPECT_EQ(BraceAtCaret(0, '(', 'x'), -1) << "nothing is before the start";
+    const std::vector<StyledByte> text = {{'(', 0}, {'a', 0}, {')', 0}, {'(', 0}};
+    EXPECT_EQ(BracesToShow(text, 100, 102), (BracePair{102, 100}));
+    EXPECT_EQ(BracesToShow(text, 100, 103), (BracePair{-1, -1})) << "without a partner nothing is shown";
 }
 
 }  // namespace

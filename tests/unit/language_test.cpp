@@ -1,5 +1,6 @@
 // Themes, lexer choice, inline assembly, the formatter.
 #include "language/format.h"
+#include "language/format_range.h"
 #include "language/inline_regions.h"
 #include "language/lexer_table.h"
 #include "settings/compilers.h"
@@ -241,6 +242,39 @@ TEST(Format, NeverChangesMoreThanBlanksAndCase) {
         const std::string settled = FormatBasicSource(text, {});
         ASSERT_EQ(FormatBasicSource(settled, {}), settled) << "round " << round << ": a second time\n" << text;
     }
+}
+
+TEST(FormatRange, ReplacesOnlyTheLinesThatDiffer) {
+    const struct {
+        const char* name;
+        std::string_view before, after;
+        std::size_t replacements;
+    } cases[] = {
+        {"nothing", "a\r\nb", "a\r\nb", 0},
+        {"a shorter line before another", "  a\r\nb\r\n c", "a\r\nb\r\n    c", 2},
+        {"line ends of each kind", " a\n b\r c\r\n\n", "a\nb\rc\r\n\n", 3},
+        {"another number of lines", "a\nb\n", "a\nb\nc\n", 1},
+        {"all of nothing", "", "a", 1},
+    };
+    for (const auto& each : cases) {
+        const std::vector<TextReplacement> replacements = LineReplacements(each.before, each.after);
+        EXPECT_EQ(replacements.size(), each.replacements) << each.name;
+        std::string text(each.before);
+        for (const TextReplacement& one : replacements) text.replace(one.start, one.length, one.text);
+        EXPECT_EQ(text, each.after) << each.name;
+    }
+    const std::string_view before = "a\r\n b\r\n";
+    EXPECT_EQ(LineReplacements(before, "a\r\nb\r\n"), (std::vector<TextReplacement>{{3, 2, "b"}}))
+        << "the break stays, and with it the marks of the line";
+}
+
+TEST(FormatRange, TakesWholeLinesAtTheirDepth) {
+    EXPECT_EQ(LinesOfSelection(2, 5, false), (LineRange{2, 5}));
+    EXPECT_EQ(LinesOfSelection(2, 5, true), (LineRange{2, 4}));
+    EXPECT_EQ(LinesOfSelection(2, 2, true), (LineRange{2, 2})) << "an empty selection at a line's start is that line";
+    EXPECT_EQ(FormatDepth(0, 8, 4), 0) << "the first line of a text is in no block";
+    EXPECT_EQ(FormatDepth(3, 9, 4), 2);
+    EXPECT_EQ(FormatDepth(3, 2, 0), 2);
 }
 
 }  // namespace

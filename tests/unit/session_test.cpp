@@ -2,6 +2,7 @@
 #include "documents/margins.h"
 #include "session/session_text.h"
 #include "session/session_view.h"
+#include "session/tree_actions.h"
 #include "session/tree_rules.h"
 #include "session/workspace_text.h"
 
@@ -322,6 +323,75 @@ TEST(TreeRules, RowsOfAFolder) {
     const Rows many = TreeRowsOf(listing, L"C:\\x", {});
     EXPECT_EQ(many.size(), kTreeMaxShown + 1);
     EXPECT_EQ(many.back(), (TreeRow{L"(3 more not shown)", NodeKind::Note}));
+}
+
+TEST(TreeActions, ListingsFindTheirFolderOnce) {
+    TreeRequests requests;
+    int folders[kTreeMaxPending] = {};
+    for (int& folder : folders) {
+        const auto number = TreeRequestNumber(requests);
+        ASSERT_TRUE(number);
+        requests.pending[*number] = &folder;
+    }
+    EXPECT_FALSE(TreeRequestNumber(requests)) << "each of these may hang";
+    EXPECT_EQ(TreeRequestTake(requests, 2), &folders[1]);
+    EXPECT_EQ(TreeRequestTake(requests, 2), nullptr) << "taken";
+    const auto next = TreeRequestNumber(requests);
+    EXPECT_EQ(next, kTreeMaxPending + 1) << "a number is not used again";
+    requests.pending.clear();  // a refresh
+    EXPECT_EQ(TreeRequestTake(requests, 3), nullptr);
+    EXPECT_NE(TreeRequestNumber(requests), next) << "not even that of a reading that did not start";
+}
+
+TEST(TreeActions, WhatIsOpenAndCanBeSeenIsOpenedAgain) {
+    struct Item {
+        const wchar_t* path;
+        bool open;
+        int child, next;  // indexes, -1: none
+    };
+    std::vector<Item> items = {{L"C:", true, 1, -1},
+                               {L"C:\\a", false, 2, 3},
+                               {L"C:\\a\\in", true, -1, -1},
+                               {L"C:\\b", true, 4, -1},
+                               {L"C:\\b\\c", true, -1, -1}};
+    const auto at = [&](int index) -> Item* { return index < 0 ? nullptr : &items[static_cast<std::size_t>(index)]; };
+    const auto of = [](TreeItemHandle item) { return static_cast<Item*>(item); };
+    const TreeWalk walk = {.firstChild = [&](TreeItemHandle item) { return at(of(item)->child); },
+                           .next = [&](TreeItemHandle item) { return at(of(item)->next); },
+                           .isOpen = [&](TreeItemHandle item) { return of(item)->open; },
+                           .path = [&](TreeItemHandle item) { return std::wstring(of(item)->path); }};
+    EXPECT_EQ(OpenTreeFolders(walk, items.data()), (std::set<std::wstring>{L"C:", L"C:\\b", L"C:\\b\\c"}));
+    EXPECT_TRUE(OpenTreeFolders(walk, nullptr).empty());
+
+    std::vector<std::wstring> paths;
+    items.clear();
+    for (std::size_t i = 0; i < kTreeMaxReopened + 5; ++i) paths.push_back(std::to_wstring(i));
+    for (std::size_t i = 0; i < paths.size(); ++i)
+        items.push_back({paths[i].c_str(), true, -1, i + 1 < paths.size() ? static_cast<int>(i) + 1 : -1});
+    EXPECT_EQ(OpenTreeFolders(walk, items.data()).size(), kTreeMaxReopened);
+}
+
+TEST(TreeActions, DependOnWhatTheItemIs) {
+    const struct {
+        std::optional<NodeKind> item;
+        TreeItemCommands can;
+        TreeEnter enter;
+    } cases[] = {
+        {std::nullopt, {false, false}, TreeEnter::Nothing},
+        {NodeKind::File, {true, true}, TreeEnter::OpenFile},
+        {NodeKind::FolderUnread, {false, true}, TreeEnter::Toggle},
+        {NodeKind::FolderReading, {false, true}, TreeEnter::Toggle},
+        {NodeKind::FolderRead, {false, true}, TreeEnter::Toggle},
+        {NodeKind::Note, {false, false}, TreeEnter::Toggle},
+    };
+    for (const auto& each : cases) {
+        const int kind = each.item ? static_cast<int>(*each.item) : -1;
+        EXPECT_EQ(TreeCommandsOf(each.item), each.can) << kind;
+        EXPECT_EQ(TreeEnterOn(each.item), each.enter) << kind;
+    }
+    EXPECT_FALSE(TreeFolderOpens({.readable = true, .entries = {}}));
+    EXPECT_TRUE(TreeFolderOpens({.readable = false, .entries = {}})) << "it holds the note that says so";
+    EXPECT_TRUE(TreeFolderOpens({.readable = true, .entries = {{L"a.bas", false}}}));
 }
 
 }  // namespace

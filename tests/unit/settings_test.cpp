@@ -2,6 +2,7 @@
 #include "settings/ini_text.h"
 #include "settings/ini_value.h"
 #include "settings/run_overrides.h"
+#include "settings/secret_text.h"
 #include "settings/settings_effects.h"
 #include "settings/settings_file.h"
 #include "settings/settings_schema.h"
@@ -348,4 +349,15 @@ TEST(RunOverrides, LastUntilTheSettingIsChanged) {
     }
     EXPECT_EQ(restored().fontSize, 30);
     EXPECT_EQ(restored().activeCompiler, 3);
+}
+
+TEST(SecretText, BytesComeBackAndNothingElseIsTaken) {
+    const std::vector<std::uint8_t> bytes = {0x00, 0x0A, 0xF0, 0xFF};
+    EXPECT_EQ(SecretText(bytes), L"[DPAPI]000AF0FF");
+    EXPECT_EQ(SecretBytes(SecretText(bytes)), bytes);
+    EXPECT_EQ(SecretBytes(L"[DPAPI]000af0fF"), bytes);
+    EXPECT_TRUE(SecretBytes(std::wstring_view(L"[DPAPI]0000").substr(0, 10)).empty()) << "half a byte is none";
+    for (const wchar_t* stored : {L"", L"plain", L"000AF0FF", L"[DPAPI]", L"[DPAPI]0", L"[DPAPI]000", L"[DPAPI]0G",
+                                  L"[DPAPI]G0", L"[dpapi]00", L" [DPAPI]00", L"[DPAPI]00 "})
+        EXPECT_TRUE(SecretBytes(stored).empty()) << std::string(stored, stored + std::wcslen(stored));
 }

@@ -1,6 +1,7 @@
 // Layout that windows share: columns and tabs in too little room, lengths by DPI, the parts of bars and panes.
 #include "ai/ai_pane_layout.h"
 #include "commands/status_bar_fit.h"
+#include "ui/block_size.h"
 #include "ui/fit.h"
 #include "ui/scale.h"
 
@@ -75,6 +76,25 @@ TEST(AiPane, ItsPartsShareTheAreaAndVanishWithIt) {
     EXPECT_EQ(layout.send, (PaneRect{936, 630, 1000, 660}));
     EXPECT_EQ(LayOutAiPane({0, 0, 40, 20}, 96).chat.height(), 10) << "half of what there is";
     EXPECT_TRUE(LayOutAiPane({}, 96).send.empty());
+}
+
+TEST(BlockSize, GoesHalfWayToWhatTheTimeAllows) {
+    const struct {
+        const char* name;
+        std::size_t lines, inserted;
+        double milliseconds;
+        std::size_t next;
+    } cases[] = {
+        {"as long as wanted", 400, 400, 30, 400}, {"twice as fast", 400, 400, 15, 600},
+        {"one slow block", 400, 400, 3000, 202},  {"not full: says nothing", 400, 399, 3000, 400},
+        {"never tiny", 60, 60, 100000, 50},       {"never endless", 1900, 1900, 0, 2000},
+        {"more than a block", 100, 200, 30, 150},
+    };
+    for (const auto& each : cases) {
+        BlockSize size = {.lines = each.lines};
+        BlockSizeLearn(size, each.inserted, each.milliseconds);
+        EXPECT_EQ(size.lines, each.next) << each.name;
+    }
 }
 
 }  // namespace

@@ -1,0 +1,51 @@
+// Values of a stopped program as text. Must not know a process.
+#include "debugger/watch_value.h"
+
+#include "base/hex_text.h"
+#include "base/utf8.h"
+#include "files/text_encoding.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+namespace {
+
+template <typename Number>
+std::optional<Number> NumberAt(std::uint64_t address, const ProgramMemory& memory) {
+    Number value = {};
+    return memory.read(address, &value, sizeof(value)) ? std::optional(value) : std::nullopt;
+}
+
+// "-5 (0xFFFFFFFB)", in the width of the number.
+template <typename Signed, typename Unsigned>
+std::wstring WholeNumberText(std::uint64_t address, const ProgramMemory& memory) {
+    const auto value = NumberAt<Signed>(address, memory);
+    if (!value) return kUnreadableWatch;
+    const std::wstring digits = HexText(static_cast<Unsigned>(*value), 2 * static_cast<int>(sizeof(Signed)));
+    return std::to_wstring(*value) + L" (0x" + digits + L")";
+}
+
+std::wstring QuotedText(std::uint64_t address, const ProgramMemory& memory) {
+    std::array<char, kLongestWatchText> bytes = {};
+    const std::size_t count = memory.readSome(address, bytes.data(), bytes.size());
+    if (count == 0) return kUnreadableWatch;
+    const auto* const end = std::find(bytes.begin(), bytes.begin() + count, '\0');
+    const auto length = static_cast<std::size_t>(end - bytes.begin());
+    if (!IsValidUtf8Bytes(bytes.data(), length)) return L"\"<encoding error>\"";
+    return L"\"" + Utf8ToWideText({bytes.data(), length}) + L"\"";
+}
+
+}  // namespace
+
+std::wstring WatchValueText(int kind, std::uint64_t address, const ProgramMemory& memory, const DoubleWriter& write) {
+    if (kind < 0 || kind >= kWatchKinds) return L"<unknown kind>";
+    switch (static_cast<WatchKind>(kind)) {
+        case WatchKind::Long: return WholeNumberText<std::int32_t, std::uint32_t>(address, memory);
+        case WatchKind::Quad: return WholeNumberText<std::int64_t, std::uint64_t>(address, memory);
+        case WatchKind::Text: return QuotedText(address, memory);
+        case WatchKind::Double: break;
+    }
+    const auto value = NumberAt<double>(address, memory);
+    return value ? write(*value) : kUnreadableWatch;
+}

@@ -1,0 +1,23 @@
+// What stands at an address of a stopped program, read as a value of a kind. Knows memory as functions that read it. Pure.
+#pragma once
+
+#include "debugger/stack_walk.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+
+// In the numbers of DebugWatchValue.
+enum class WatchKind : std::uint8_t { Long, Quad, Text, Double };
+inline constexpr int kWatchKinds = 4;
+
+inline constexpr std::size_t kLongestWatchText = 127;  // bytes that are shown of a text
+inline constexpr wchar_t kUnreadableWatch[] = L"<unreadable>";
+
+// A number in 15 significant digits, as the C runtime of the program writes it.
+using DoubleWriter = std::function<std::wstring(double)>;
+
+// "-5 (0xFFFFFFFB)", "\"text\"" up to its NUL byte, "1.5"; a text in pointed brackets says why there is no value. `kind`
+// is the number of a WatchKind; any other number is an unknown kind.
+std::wstring WatchValueText(int kind, std::uint64_t address, const ProgramMemory& memory, const DoubleWriter& write);

@@ -1,0 +1,32 @@
+// What a pane does while the user types. Pure.
+#include "documents/typing_rules.h"
+
+#include <SciLexer.h>
+
+std::optional<std::ptrdiff_t> IndentationAfterBreak(const BrokenLine& broken) {
+    if (broken.selections != 1 || broken.line < 1) return std::nullopt;
+    if (broken.own != 0 || broken.above <= 0) return std::nullopt;
+    return broken.above;
+}
+
+bool HasKeywordLength(std::ptrdiff_t length) { return length >= 2 && length <= kLongestKeyword; }
+
+bool IsKeywordStyle(std::ptrdiff_t style) {
+    switch (style) {
+        case SCE_B_KEYWORD:
+        case SCE_B_KEYWORD2:
+        case SCE_B_KEYWORD3:
+        case SCE_B_KEYWORD4: return true;
+        default: return false;
+    }
+}
+
+std::ptrdiff_t BraceAtCaret(std::ptrdiff_t caret, char before, char after) {
+    if (caret > 0 && IsBrace(before)) return caret - 1;
+    return IsBrace(after) ? caret : -1;
+}
+
+BracePair BracesToShow(std::span<const StyledByte> text, std::ptrdiff_t start, std::ptrdiff_t brace) {
+    const std::ptrdiff_t partner = MatchBrace(text, static_cast<std::size_t>(brace - start));
+    return partner >= 0 ? BracePair{brace, start + partner} : BracePair{};
+}

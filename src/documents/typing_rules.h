@@ -1,0 +1,37 @@
+// What a pane does while the user types: how a new line is indented, which word goes to capitals, which brackets are shown.
+// Positions are bytes. Pure.
+#pragma once
+
+#include "documents/brace_match.h"
+
+#include <cstddef>
+#include <optional>
+#include <span>
+
+// --- A new line, just broken at the caret. Indentations are in columns.
+struct BrokenLine {
+    std::ptrdiff_t selections = 1;
+    std::ptrdiff_t line = 0;  // of the caret, from 0
+    std::ptrdiff_t own = 0;   // its indentation: what was right of the caret may have brought some
+    std::ptrdiff_t above = 0;
+};
+// The indentation that the line gets; nothing: it stays as it is.
+std::optional<std::ptrdiff_t> IndentationAfterBreak(const BrokenLine& broken);
+
+// --- Keywords
+inline constexpr std::ptrdiff_t kLongestKeyword = 16;
+bool HasKeywordLength(std::ptrdiff_t length);
+// A style that the BASIC lexer gives to keywords.
+bool IsKeywordStyle(std::ptrdiff_t style);
+
+// --- Brackets
+// The position of the bracket at the caret: the one before it, else the one after it. -1 without one.
+std::ptrdiff_t BraceAtCaret(std::ptrdiff_t caret, char before, char after);
+// Two positions, or -1 twice.
+struct BracePair {
+    std::ptrdiff_t first = -1;
+    std::ptrdiff_t second = -1;
+    bool operator==(const BracePair&) const = default;
+};
+// The bracket and its partner in a stretch of the document that begins at `start`.
+BracePair BracesToShow(std::span<const StyledByte> text, std::ptrdiff_t start, std::ptrdiff_t brace);

@@ -1,0 +1,28 @@
+// Which lines the formatter takes, and what it replaces in them. Pure.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+// Lines from 0, both included.
+struct LineRange {
+    int first = 0;
+    int last = 0;
+    bool operator==(const LineRange&) const = default;
+};
+// The whole lines of a selection. A selection that ends at the start of a line does not take that line.
+LineRange LinesOfSelection(int startLine, int endLine, bool endsAtLineStart);
+
+// The indentation level from which lines are formatted: that of the first of them, whose indentation is in columns.
+int FormatDepth(int firstLine, int indentation, int indentWidth);
+
+struct TextReplacement {
+    std::size_t start = 0;  // in the text as the replacements before this one have left it
+    std::size_t length = 0;
+    std::string_view text;  // part of `after`
+    bool operator==(const TextReplacement&) const = default;
+};
+// What makes `after` out of `before`: only the lines that differ, each without its break, because a line that loses its
+// break for a moment gives its marks to the next one. One replacement of all when the number of lines differs.
+std::vector<TextReplacement> LineReplacements(std::string_view before, std::string_view after);
