@@ -38,8 +38,9 @@ void DrawListMark(HDC dc, ListMark mark, const RECT& cell, COLORREF colour) {
         DrawBox(dc, left, middle, mark == ListMark::Checked, colour);
 }
 
-COLORREF RowBack(const ListRow& row, bool stale, bool selected) {
+COLORREF RowBack(const ListRow& row, bool stale, bool selected, bool focused) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
+    if (selected && focused) return MixColours(chrome.paneBack, chrome.accent, 28);
     if (selected) return chrome.hover;
     if (row.mark == ListMark::Current && !stale) return MixColours(chrome.paneBack, chrome.modified, 18);
     return chrome.paneBack;
@@ -95,8 +96,9 @@ void DrawListRow(const ListView& list, HDC dc, int index) {
     GetClientRect(list.window, &line);
     line.top = bounds.top;
     line.bottom = bounds.bottom;
-    FillArea(dc, line, RowBack(row, list.content->stale, selected));
-    if (selected && GetFocus() == list.window)
+    const bool focused = GetFocus() == list.window;
+    FillArea(dc, line, RowBack(row, list.content->stale, selected, focused));
+    if (selected && focused)
         FillArea(dc, {line.left, line.top, line.left + UiScaled(2), line.bottom}, ThemeCurrentChrome().accent);
     SetBkMode(dc, TRANSPARENT);
     if (list.kind->hasMarks) DrawListMark(dc, row.mark, bounds, MarkColour(row, list.content->stale));
