@@ -110,6 +110,7 @@ TEST(PaneRules, ColoursWhatIsSeenFirstInSlicesThatTakeAFewMilliseconds) {
     EXPECT_EQ(ColouredAfterReset(50, 20, 100), 20) << "another lexer";
     EXPECT_EQ(ColouredAfterReset(10, 20, 100), 10);
     EXPECT_EQ(ColouredAfterReset(50, 100, 100), 50) << "the claim that all is coloured";
+    EXPECT_EQ(ColouredAfterReset(150, 100, 100), 150) << "a text that became shorter has lost no colours";
     EXPECT_EQ(NextColourStep(99, 100, false), ColourStep::Slice);
     EXPECT_EQ(NextColourStep(99, 100, true), ColourStep::Wait) << "its repaint must not be cancelled";
     EXPECT_EQ(NextColourStep(100, 100, true), ColourStep::Done);
@@ -305,7 +306,7 @@ TEST(Typing, TheBracketBeforeTheCaretCountsFirst) {
     EXPECT_EQ(BraceAtCaret(7, ')', '('), 6);
     EXPECT_EQ(BraceAtCaret(7, 'x', '('), 7);
     EXPECT_EQ(BraceAtCaret(7, 'x', 'y'), -1);
-    EXPECT_EQ(BraceAtCaret(0, '(', 'x'), -1) << "nothing is before the start";
+    EXPECT_EQ(BraceAtCaret(0, '(', '('), 0) << "nothing is before the start";
     const std::vector<StyledByte> text = {{'(', 0}, {'a', 0}, {')', 0}, {'(', 0}};
     EXPECT_EQ(BracesToShow(text, 100, 102), (BracePair{102, 100}));
     EXPECT_EQ(BracesToShow(text, 100, 103), (BracePair{-1, -1})) << "without a partner nothing is shown";
