@@ -10,7 +10,6 @@
 
 #include <array>
 #include <functional>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -287,32 +286,6 @@ TEST(SdbgQueries, AnEmptyMapAndAFreedOneKnowNothing) {
         Fill(&map, kTwoFiles, pe_bytes::FileTable({{1, "a"}}));
         SdbgIndex(&map);
         SdbgFree(&map);
-    }
-}
-
-// Without an index, lookups scan the records. The index must give the same answers, in maps of any order.
-TEST(SdbgQueries, TheIndexChangesNoAnswer) {
-    std::mt19937 random(20261121);
-    const auto below = [&random](std::uint32_t limit) { return static_cast<std::uint32_t>(random() % limit); };
-    for (int round = 0; round < 60; ++round) {
-        const bool ascending = round % 2 == 0;
-        std::vector<Record> records(1 + below(200));
-        for (std::uint32_t i = 0; i < records.size(); ++i)
-            records[i] = {below(4), below(40), ascending ? i / 2 * 3 : below(99)};
-        Map plain;
-        Map fast;
-        Fill(&plain, records);
-        Fill(&fast, records);
-        SdbgIndex(&fast);
-        ASSERT_NE(fast.byLine, nullptr);
-        for (std::int32_t line = -1; line < 42; ++line) {
-            ASSERT_EQ(SdbgLineToRva(&fast, line), SdbgLineToRva(&plain, line)) << round << " " << line;
-            for (std::uint32_t file = 0; file < 5; ++file)
-                ASSERT_EQ(SdbgFileLineToRva(&fast, file, line), SdbgFileLineToRva(&plain, file, line)) << round;
-        }
-        for (std::uint32_t rva = 0; rva < 310; ++rva)
-            ASSERT_EQ(SdbgNextStop(&fast, rva, rva % 40, rva % 4), SdbgNextStop(&plain, rva, rva % 40, rva % 4))
-                << round << " " << rva;
     }
 }
 
