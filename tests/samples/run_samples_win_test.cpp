@@ -138,10 +138,9 @@ TEST(RunSamples, NamesBeyondTheCodePageAndBlanksWork) {
 // Run-time errors name the line and keep the output before them. Numbers: what the samples do not reach, which is the
 // edges of LONG, and halves, which go to the even neighbour.
 TEST(RunSamples, RunTimeErrorsAndNumbers) {
-    struct Case {
+    const struct {
         std::string_view body, output, exit;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"LOCAL a AS LONG\nPRINT 5 \\ a", "Run-time error: division by zero in line 4\n", "3"},
         {"LOCAL q AS QUAD\n\nPRINT q MOD q", "Run-time error: division by zero in line 5\n", "3"},
         {"LOCAL a(3) AS LONG\nLOCAL i AS LONG\ni = 4\na(i) = 1",
@@ -157,7 +156,7 @@ TEST(RunSamples, RunTimeErrorsAndNumbers) {
          "PRINT a; \" \"; b; \" \"; p; \" \"; INT(x); \" \"; ABS(x)",
          "2 4 -2 -3 2.5\n", "0"},
     };
-    for (const Case& one : cases)
+    for (const auto& one : cases)
         for (const Compiler& compiler : {kCompilers[0], kCompilers[1], kCompilers[3]}) {
             if (!CanRun(compiler)) continue;
             const TempFolder folder;

@@ -66,9 +66,7 @@ TEST_P(DebugEvents, AProgramsOwnTrapAfterABreakpointIsAStopOfItsOwn) {
     EXPECT_EQ(state.stopSerial, serial + 1);
     ASSERT_TRUE(DebugContinue(&state));
     EXPECT_EQ(Arrive(), 4) << "nor does it hide the one after it";
-    ASSERT_TRUE(DebugContinue(&state));
-    EXPECT_EQ(Wait(), kDebugExited);
-    EXPECT_EQ(state.exitCode, 2u);
+    ContinueToTheEnd(2u);
 }
 
 // Some systems report a breakpoint with the address after it.
@@ -82,9 +80,7 @@ TEST_P(DebugEvents, ABreakpointReportedAfterItsTrapIsFound) {
     EXPECT_EQ(Registers().ip, address) << "its instruction is still to come";
     EXPECT_EQ(state.breakpoints[static_cast<std::size_t>(DebugFindBp(&state, address))].hits, 1u);
     EXPECT_EQ(Step(), 4);
-    ASSERT_TRUE(DebugContinue(&state));
-    EXPECT_EQ(Wait(), kDebugExited);
-    EXPECT_EQ(state.exitCode, 5u);
+    ContinueToTheEnd(5u);
 }
 
 // No loader of maps sets `neutralizeTraps` yet, so the test sets it. The trap stands right before a record.
@@ -94,9 +90,7 @@ TEST_P(DebugEvents, TrapsBeforeRecordsAreOverwrittenWhereTheMapAsksForIt) {
     ASSERT_TRUE(DebugStartLoaded(Program("own_trap").c_str(), &state));
     Watch();
     EXPECT_EQ(RawByte(AddressOf(4) - 1), 0x90);
-    ASSERT_TRUE(DebugContinue(&state));
-    EXPECT_EQ(Wait(), kDebugExited);
-    EXPECT_EQ(state.exitCode, 2u);
+    ContinueToTheEnd(2u);
 }
 
 // A breakpoint on a trap of the program's own makes one stop, and the trap is not run afterwards.

@@ -49,11 +49,7 @@ TEST_P(DebugInspect, RegistersOfBothKinds) {
     const auto repeated = [this](std::uint64_t digit) {
         return digit * (Bits() == 64 ? 0x1111111111111111ULL : 0x11111111ULL);
     };
-    EXPECT_EQ(r.general[0], repeated(1));
-    EXPECT_EQ(r.general[2], repeated(3));
-    EXPECT_EQ(r.general[3], repeated(4));
-    EXPECT_EQ(r.general[4], repeated(5));
-    EXPECT_EQ(r.general[5], repeated(6));
+    for (const std::size_t i : {0U, 2U, 3U, 4U, 5U}) EXPECT_EQ(r.general[i], repeated(i + 1)) << i;
     EXPECT_NE(r.segments[0], 0);
     RegisterSet main;
     EXPECT_TRUE(DebugGetRegisters(&state, state.mainThreadId, &main));
@@ -69,9 +65,7 @@ TEST_P(DebugInspect, HexDump) {
         place_, place_ + 16);
     EXPECT_EQ(Take(DebugHexDump(&state, place_, 20)), two);
     EXPECT_EQ(Take(DebugHexDump(&state, place_, 16)), two.substr(0, two.find(L'\n') + 1));
-    EXPECT_EQ(Take(DebugHexDump(&state, place_, 0)), L"(null)");
-    EXPECT_EQ(Take(DebugHexDump(&state, place_, 4097)), L"(null)");
-    EXPECT_EQ(Take(DebugHexDump(&state, place_, -1)), L"(null)");
+    for (const int count : {0, 4097, -1}) EXPECT_EQ(Take(DebugHexDump(&state, place_, count)), L"(null)") << count;
     EXPECT_EQ(Take(DebugHexDump(&state, 0x10, 16)), L"(null)");
     const std::wstring most = Take(DebugHexDump(&state, state.map.imageBase, 4096));
     EXPECT_EQ(std::count(most.begin(), most.end(), L'\n'), 256);
@@ -93,11 +87,10 @@ TEST_P(DebugInspect, InstructionBytesAndWatches) {
 TEST_P(DebugInspect, Evaluation) {
     StopAtValues();
     const bool wide = Bits() == 64;
-    struct Case {
+    const struct {
         const char* text;
         std::uint64_t value;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"0x1F", 31},
         {"rip", wide ? AddressOf(3) : 0},
         {"RAX", wide ? 0x1111111111111111ULL : 0},
@@ -107,7 +100,7 @@ TEST_P(DebugInspect, Evaluation) {
         {"r15", wide ? 0xFFFFFFFFFFFFFFFF : 0},
         {"R16", 0},
     };
-    for (const Case& one : cases) EXPECT_EQ(DebugEvaluate(&state, one.text), one.value) << "'" << one.text << "'";
+    for (const auto& one : cases) EXPECT_EQ(DebugEvaluate(&state, one.text), one.value) << "'" << one.text << "'";
 }
 
 // --- Stacks

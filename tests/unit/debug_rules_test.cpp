@@ -26,11 +26,10 @@ Place Of(const SdbgMap& map, std::uint64_t address) {
 }
 
 TEST(DebugRules, BreakpointsAndSingleStepsOf32BitProgramsMayHaveCodesOfTheirOwn) {
-    struct Case {
+    const struct {
         std::uint32_t code;
         ExceptionKind kind;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {0x80000003, ExceptionKind::Breakpoint}, {0x4000001F, ExceptionKind::Breakpoint},
         {0x80000004, ExceptionKind::SingleStep}, {0x4000001E, ExceptionKind::SingleStep},
         {0xC0000005, ExceptionKind::Fault},      {0xC0000094, ExceptionKind::Fault},
@@ -40,7 +39,7 @@ TEST(DebugRules, BreakpointsAndSingleStepsOf32BitProgramsMayHaveCodesOfTheirOwn)
         {0xE06D7363, ExceptionKind::Other},      {0x406D1388, ExceptionKind::Other},
         {0x40000020, ExceptionKind::Other},      {0, ExceptionKind::Other},
     };
-    for (const Case& one : cases) EXPECT_EQ(ExceptionKindOf(one.code), one.kind) << std::hex << one.code;
+    for (const auto& one : cases) EXPECT_EQ(ExceptionKindOf(one.code), one.kind) << std::hex << one.code;
 }
 
 // A map with two records, at 0x1010 and 0x1020; the code lies at 0x1000 to 0x1030.
@@ -59,18 +58,17 @@ struct TwoLines {
 
 TEST(DebugRules, PlaceOfATrapIsLookedForAroundIt) {
     const TwoLines native(true), section(false);
-    struct Case {
+    const struct {
         std::uint64_t rva;
         Place native;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {0x1010, {7, 1}},  {0x101F, {7, 1}}, {0x1020, {9, 2}}, {0x102F, {9, 2}},
         {0x1030, {}},      {0x0FFF, {}},     {0x100F, {7, 1}},  // one byte before the record
         {0x100E, {7, 1}},                                       // two bytes
         {0x100D, {}},                                           // three bytes are too many
         {0x100001010, {}},
     };
-    for (const Case& one : cases) {
+    for (const auto& one : cases) {
         EXPECT_EQ(OfTrap(native.map, 0x140000000 + one.rva), one.native) << std::hex << one.rva;
         EXPECT_EQ(OfTrap(section.map, 0x140000000 + one.rva), Place()) << std::hex << one.rva;
     }

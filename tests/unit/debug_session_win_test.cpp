@@ -34,9 +34,7 @@ TEST_P(DebugSession, StartsAtTheFirstLineAndRunsToTheEnd) {
     EXPECT_EQ(Wait(50), kDebugTimeout) << "it was not resumed";
     EXPECT_EQ(Registers().ip, AddressOf(6));
 
-    ASSERT_TRUE(DebugContinue(&state));
-    EXPECT_EQ(Wait(), kDebugExited);
-    EXPECT_EQ(state.exitCode, 42u);
+    ContinueToTheEnd(42u);
     const DebuggerState& s = state;
     EXPECT_EQ(s.active, 0u);
     EXPECT_EQ(s.currentLine, 0);
@@ -140,9 +138,7 @@ TEST_P(DebugSession, GivesTheExitCodeOfWhateverThreadEndsTheProgram) {
     for (const Case& one : {Case{"thread_ends", 9}, Case{"threads", 5}, Case{"library", 1}}) {
         SCOPED_TRACE(one.name);
         ASSERT_TRUE(Start(one.name));
-        ASSERT_TRUE(DebugContinue(&state));
-        EXPECT_EQ(Wait(), kDebugExited);
-        EXPECT_EQ(state.exitCode, one.code);
+        ContinueToTheEnd(one.code);
     }
 }
 
@@ -164,21 +160,17 @@ TEST_P(DebugSession, StopsInTheThreadThatRunsOntoTheBreakpoint) {
     EXPECT_EQ(Registers().ip, AddressOf(7));
     EXPECT_EQ(Step(), 8);
     EXPECT_NE(state.stopThreadId, mainThread);
-    ASSERT_TRUE(DebugContinue(&state));
-    EXPECT_EQ(Wait(), kDebugExited);
-    EXPECT_EQ(state.exitCode, 5u);
+    ContinueToTheEnd(5u);
 }
 
 // --- The end
 
 TEST_P(DebugSession, StopEndsItFromEveryState) {
-    struct Case {
+    const struct {
         const char* program;
         int breakpoint;  // 0: runs freely
-    };
-    const Case cases[] = {{"straight", 3}, {"threads", 7}, {"sleeps", 0}, {"busy", 0},
-                          {"input", 0},    {"flood", 0},   {"fault", 0}};
-    for (const Case& one : cases) {
+    } cases[] = {{"straight", 3}, {"threads", 7}, {"sleeps", 0}, {"busy", 0}, {"input", 0}, {"flood", 0}, {"fault", 0}};
+    for (const auto& one : cases) {
         SCOPED_TRACE(one.program);
         g_deadline = GetTickCount64() + kTestMs;
         ASSERT_TRUE(Start(one.program));

@@ -16,9 +16,7 @@ TEST_P(DebugSteps, OverGoesToTheNextAddressWhateverTheLoopDoes) {
     EXPECT_EQ(Count(), 1u);
     EXPECT_EQ(Step(), 4);
     EXPECT_EQ(Step(), 5) << "nine more turns are over";
-    ASSERT_TRUE(DebugContinue(&state));
-    EXPECT_EQ(Wait(), kDebugExited);
-    EXPECT_EQ(state.exitCode, 55u);
+    ContinueToTheEnd(55u);
 }
 
 TEST_P(DebugSteps, IntoFollowsACallAndOutComesBack) {
@@ -99,9 +97,7 @@ TEST_P(DebugSteps, TheStatementUnderABreakpointRuns) {
     DebugRearmBreakpoints(&state);
     EXPECT_EQ(RunTo(6), 6);
     DebugRearmBreakpoints(&state);
-    ASSERT_TRUE(DebugContinue(&state));
-    EXPECT_EQ(Wait(), kDebugExited);
-    EXPECT_EQ(state.exitCode, 42u);
+    ContinueToTheEnd(42u);
 }
 
 // A step that ends on a breakpoint of the user leaves it there, and stops once.
@@ -189,9 +185,7 @@ TEST_P(DebugTraps, ContinueRunsPastTheTrapsToTheUsersBreakpoint) {
         line = Arrive();
     }
     EXPECT_EQ(line, 4);
-    ASSERT_TRUE(DebugContinue(&state));
-    EXPECT_EQ(Wait(), kDebugExited);
-    EXPECT_EQ(state.exitCode, 6u);
+    ContinueToTheEnd(6u);
 }
 
 // The start gives up when it meets no trap of the map.
