@@ -105,24 +105,17 @@ TEST(RunSamples, EveryCompilerMakesProgramsWithTheExpectedOutput) {
             const TempFolder folder;
             std::filesystem::copy((kFolder / sample.source).parent_path(), folder.path);
             const auto source = folder.path / std::filesystem::path(sample.source).filename();
-            const Ended build = Compile(compiler, source);
-            ASSERT_TRUE(build.started && build.exit == 0) << build.output;
-            EXPECT_NE(Unix(build.output).find("\n0 errors, 0 warnings\n"), std::string::npos) << build.output;
-            EXPECT_EQ(OutputAndExit(RunProgram(Program(source), {})), Expected(sample.name));
+            // The editor's default profile builds for debugging, and such a program may also just run.
+            for (const bool debug : {false, true}) {
+                if (debug && sample.name != "steps") continue;
+                const Ended build = Compile(compiler, source,
+                                            std::vector<std::string>(debug ? 1 : 0, std::string(compiler.debugSwitch)));
+                ASSERT_TRUE(build.started && build.exit == 0) << build.output;
+                EXPECT_NE(Unix(build.output).find("\n0 errors, 0 warnings\n"), std::string::npos) << build.output;
+                EXPECT_EQ(OutputAndExit(RunProgram(Program(source), {})), Expected(sample.name)) << debug;
+            }
         }
     if (skipped > 0) GTEST_SKIP() << skipped << " builds for 32 bits not run: no 32-bit Wine";
-}
-
-// The editor's default profile builds for debugging, and "run" is not "debug".
-TEST(RunSamples, DebugBuildsAlsoJustRun) {
-    for (const Compiler& compiler : kCompilers) {
-        if (!CanRun(compiler)) continue;
-        const TempFolder folder;
-        const auto source = folder.path / "steps.bas";
-        std::filesystem::copy_file(kFolder / "steps.bas", source);
-        ASSERT_EQ(Compile(compiler, source, {std::string(compiler.debugSwitch)}).exit, 0u);
-        EXPECT_EQ(OutputAndExit(RunProgram(Program(source), {})), Expected("steps")) << compiler.name;
-    }
 }
 
 TEST(RunSamples, NamesBeyondTheCodePageAndBlanksWork) {
@@ -142,22 +135,29 @@ TEST(RunSamples, NamesBeyondTheCodePageAndBlanksWork) {
     }
 }
 
-TEST(RunSamples, RunTimeErrorsSayTheLineAndKeepTheOutput) {
-    struct Case {
-        std::string_view name, body, message;
+// Run-time errors name the line and keep the output before them. Numbers: what the samples do not reach, which is the
+// edges of LONG, and halves, which go to the even neighbour.
+TEST(RunSamples, RunTimeErrorsAndNumbers) {
+    const struct {
+        std::string_view body, output, exit;
+    } cases[] = {
+        {"LOCAL a AS LONG\nPRINT 5 \\ a", "Run-time error: division by zero in line 4\n", "3"},
+        {"LOCAL q AS QUAD\n\nPRINT q MOD q", "Run-time error: division by zero in line 5\n", "3"},
+        {"LOCAL a(3) AS LONG\nLOCAL i AS LONG\ni = 4\na(i) = 1",
+         "Run-time error: array index out of bounds in line 6\n", "3"},
+        {"LOCAL a(3) AS QUAD, i AS LONG\na(i - 1) = 1", "Run-time error: array index out of bounds in line 4\n", "3"},
+        {"PRINT Deep(1)\nEND FUNCTION\nFUNCTION Deep(BYVAL n AS LONG) AS LONG\nFUNCTION = Deep(n + 1)",
+         "Run-time error: out of stack space in line 5\n", "3"},
+        {"LOCAL a, b AS LONG, p AS QUAD\na = -2147483647 - 1\nb = -1\np = a\nPRINT\n"
+         "PRINT a \\ b; \" \"; a MOD b; \" \"; -a; \" \"; a - 1; \" \"; p * b; \" \"; a * a; \" \"; p < b; \" \"; NOT "
+         "a",
+         "-2147483648 0 -2147483648 2147483647 2147483648 0 -1 2147483647\n", "0"},
+        {"LOCAL a, b AS LONG, p AS QUAD, x AS DOUBLE\nx = 2.5\na = x\nx = 3.5\nb = x\nx = -2.5\np = x\nPRINT\n"
+         "PRINT a; \" \"; b; \" \"; p; \" \"; INT(x); \" \"; ABS(x)",
+         "2 4 -2 -3 2.5\n", "0"},
     };
-    const Case cases[] = {
-        {"division", "LOCAL a AS LONG\nPRINT 5 \\ a", "Run-time error: division by zero in line 4\n"},
-        {"remainder", "LOCAL q AS QUAD\n\nPRINT q MOD q", "Run-time error: division by zero in line 5\n"},
-        {"index", "LOCAL a(3) AS LONG\nLOCAL i AS LONG\ni = 4\na(i) = 1",
-         "Run-time error: array index out of bounds in line 6\n"},
-        {"below", "LOCAL a(3) AS QUAD, i AS LONG\na(i - 1) = 1",
-         "Run-time error: array index out of bounds in line 4\n"},
-        {"stack", "PRINT Deep(1)\nEND FUNCTION\nFUNCTION Deep(BYVAL n AS LONG) AS LONG\nFUNCTION = Deep(n + 1)",
-         "Run-time error: out of stack space in line 5\n"},
-    };
-    for (const Case& one : cases)
-        for (const Compiler& compiler : {kCompilers[0], kCompilers[3]}) {
+    for (const auto& one : cases)
+        for (const Compiler& compiler : {kCompilers[0], kCompilers[1], kCompilers[3]}) {
             if (!CanRun(compiler)) continue;
             const TempFolder folder;
             const auto source = folder.path / "a.bas";
@@ -166,29 +166,9 @@ TEST(RunSamples, RunTimeErrorsSayTheLineAndKeepTheOutput) {
             const Ended build = Compile(compiler, source);
             ASSERT_EQ(build.exit, 0u) << build.output;
             EXPECT_EQ(OutputAndExit(RunProgram(Program(source), {})),
-                      "before\n" + std::string(one.message) + "[exit code 3]\n")
-                << one.name << " by " << compiler.name;
+                      "before\n" + std::string(one.output) + "[exit code " + std::string(one.exit) + "]\n")
+                << one.body << " by " << compiler.name;
         }
-}
-
-// What the samples do not reach: the edges of LONG, and halves, which go to the even neighbour.
-TEST(RunSamples, NumbersKeepToTheirTypes) {
-    constexpr char kBody[] =
-        "LOCAL a, b AS LONG, p AS QUAD, x AS DOUBLE\na = -2147483647 - 1\nb = -1\np = a\n"
-        "PRINT a \\ b; \" \"; a MOD b; \" \"; -a; \" \"; a - 1; \" \"; p * b; \" \"; a * a; \" \"; p < b; \" \"; NOT "
-        "a\n"
-        "x = 2.5\na = x\nx = 3.5\nb = x\nx = -2.5\np = x\nPRINT a; \" \"; b; \" \"; p; \" \"; INT(x); \" \"; ABS(x)\n";
-    for (const Compiler& compiler : {kCompilers[1], kCompilers[3]}) {
-        if (!CanRun(compiler)) continue;
-        const TempFolder folder;
-        const auto source = folder.path / "a.bas";
-        WriteBytes(source, "FUNCTION PBMAIN () AS LONG\n" + std::string(kBody) + "END FUNCTION\n");
-        const Ended build = Compile(compiler, source);
-        ASSERT_EQ(build.exit, 0u) << build.output;
-        EXPECT_EQ(Unix(RunProgram(Program(source), {}).output),
-                  "-2147483648 0 -2147483648 2147483647 2147483648 0 -1 2147483647\n2 4 -2 -3 2.5\n")
-            << compiler.name;
-    }
 }
 
 }  // namespace

@@ -247,13 +247,12 @@ TEST(LineMaps, EveryStatementLineOfPbmainHasOneTrapBeforeItsCode) {
 }
 
 TEST(CommandLine, EachCompilerTakesItsOwnSwitches) {
-    struct Case {
+    const struct {
         std::string_view name, compiler;
         std::vector<std::string> args;  // SRC, PRG and DIR stand for paths
         int exit;
         std::string_view written;  // what appears beside the source
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"build", "KVXA64", {"-o", "PRG", "-O2", "SRC"}, 0, "p.exe"},
         {"check", "KVXC64", {"-o", "PRG", "--syntax-only", "SRC"}, 0, ""},
         {"no listing", "KVXA64", {"-o", "PRG", "--asm:DIR/l.asm", "SRC"}, 2, ""},
@@ -271,7 +270,7 @@ TEST(CommandLine, EachCompilerTakesItsOwnSwitches) {
         {"source is a folder", "KVXA64", {"-o", "PRG", "DIR"}, 1, ""},
         {"output in no folder", "KVXA64", {"-o", "DIR/none/p.exe", "SRC"}, 1, ""},
     };
-    for (const Case& one : cases) {
+    for (const auto& one : cases) {
         SCOPED_TRACE(std::string(one.name) + ", " + std::string(one.compiler));
         const TempFolder folder;
         WriteBytes(folder.path / "s.bas", Main("PRINT 1"));

@@ -124,20 +124,6 @@ TEST_P(DebugBreakpoints, ThePlantHookMayPlantBeforeTheProgramRuns) {
     EXPECT_EQ(Arrive(), 5);
 }
 
-TEST_P(DebugBreakpoints, ContinueStopsAtTheSameOneEveryTime) {
-    ASSERT_TRUE(Start("loop"));
-    ASSERT_TRUE(DebugSetBreakpoint(&state, 3));
-    for (std::uint64_t turn = 1; turn <= 10; ++turn) {
-        ASSERT_TRUE(DebugContinue(&state));
-        ASSERT_EQ(Arrive(), 3);
-        EXPECT_EQ(Count(), turn);
-        EXPECT_EQ(state.breakpoints[1].hits, turn);
-    }
-    ASSERT_TRUE(DebugContinue(&state));
-    EXPECT_EQ(Wait(), kDebugExited);
-    EXPECT_EQ(state.exitCode, 55u) << "no statement ran twice or was left out";
-}
-
 // Steps set no trap flag, so a breakpoint that they leave stays disarmed until the program raises a single step itself.
 TEST_P(DebugBreakpoints, AHitOneIsArmedAgainByTheNextSingleStep) {
     ASSERT_TRUE(Start("single_step"));
@@ -146,9 +132,7 @@ TEST_P(DebugBreakpoints, AHitOneIsArmedAgainByTheNextSingleStep) {
     EXPECT_NE(RawByte(AddressOf(3)), kTrap);
     EXPECT_EQ(RunTo(8), 3) << "the second turn passes, then comes the single step, so the third stops";
     EXPECT_EQ(RunTo(8), 8);
-    ASSERT_TRUE(DebugContinue(&state));
-    EXPECT_EQ(Wait(), kDebugExited);
-    EXPECT_EQ(state.exitCode, 3u);
+    ContinueToTheEnd(3u);
 }
 
 TEST_P(DebugBreakpoints, OfTwoFilesTheFirstWinsUnlessTheFileIsNamed) {
@@ -204,11 +188,10 @@ TEST_P(DebugBreakpoints, ConditionsCompare) {
         ASSERT_EQ(Arrive(), 3);
     }
     ASSERT_EQ(Count(), 5u);
-    struct Case {
+    const struct {
         const char* text;
         bool wide, narrow;  // for the two kinds of program: a 32-bit register is 0
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"RCX>=5", true, false},    {"RCX>=6", false, false},
         {"rcx<=5", true, true},     {"Rcx<=4", false, true},
         {"RCX!=5", false, true},    {"RCX==5", true, false},
@@ -229,7 +212,7 @@ TEST_P(DebugBreakpoints, ConditionsCompare) {
         {"RCX=>5", false, false},                                          // "RCX=" is no name
         {"==", true, true},                                                // 0 and 0
     };
-    for (const Case& one : cases)
+    for (const auto& one : cases)
         EXPECT_EQ(DebugCheckCondition(&state, one.text), Bits() == 64 ? one.wide : one.narrow) << one.text;
     // Only the first 127 bytes are read.
     EXPECT_FALSE(DebugCheckCondition(&state, ("1==2" + std::string(200, ' ') + ">=").c_str()));
@@ -237,16 +220,15 @@ TEST_P(DebugBreakpoints, ConditionsCompare) {
 }
 
 TEST_P(DebugBreakpoints, AConditionThatDoesNotHoldIsNoStop) {
-    struct Case {
+    const struct {
         const char* condition;
         std::vector<std::uint64_t> wide;  // turns that stop a 64-bit program
         std::size_t narrow;               // number of stops of a 32-bit one
-    };
-    const Case cases[] = {{"RCX>7", {8, 9, 10}, 0},
-                          {"RCX<=2", {1, 2}, 10},
-                          {"2>3", {}, 0},
-                          {nullptr, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, 10}};
-    for (const Case& one : cases) {
+    } cases[] = {{"RCX>7", {8, 9, 10}, 0},
+                 {"RCX<=2", {1, 2}, 10},
+                 {"2>3", {}, 0},
+                 {nullptr, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, 10}};
+    for (const auto& one : cases) {
         const std::string name = one.condition != nullptr ? one.condition : "(none)";
         SCOPED_TRACE(name);
         ASSERT_TRUE(Start("loop"));
@@ -255,10 +237,13 @@ TEST_P(DebugBreakpoints, AConditionThatDoesNotHoldIsNoStop) {
         EXPECT_STREQ(state.breakpoints[1].condition, one.condition ? one.condition : "");
         std::vector<std::uint64_t> turns;
         int event = kDebugStopped;
-        while (DebugContinue(&state) && (event = Wait()) == kDebugStopped && turns.size() < 20)
+        while (DebugContinue(&state) && (event = Wait()) == kDebugStopped && turns.size() < 20) {
+            EXPECT_EQ(state.currentLine, 3);
             turns.push_back(Count());
+            if (one.condition == nullptr) EXPECT_EQ(state.breakpoints[1].hits, turns.size());
+        }
         EXPECT_EQ(event, kDebugExited);
-        EXPECT_EQ(state.exitCode, 55u);
+        EXPECT_EQ(state.exitCode, 55u) << "no statement ran twice or was left out";
         if (Bits() == 64)
             EXPECT_EQ(turns, one.wide);
         else

@@ -50,21 +50,6 @@ TEST_P(DebugEvents, AFaultThatHealsGoesOn) {
     EXPECT_GE(TimesSaid(L"[Debug] Exception 0xC0000005 at 0x"), 2);
 }
 
-TEST_P(DebugEvents, AProgramsOwnTrapStopsWithoutALine) {
-    ASSERT_TRUE(Start("own_trap"));
-    const std::uint64_t trap = AddressOf(3) + 1;
-    const std::uint64_t serial = state.stopSerial;
-    ASSERT_TRUE(DebugContinue(&state));
-    ASSERT_EQ(Wait(), kDebugStopped);
-    EXPECT_EQ(state.currentAddress, trap);
-    EXPECT_EQ(state.currentLine, 0);
-    EXPECT_EQ(state.currentFileId, 0u);
-    EXPECT_EQ(state.stopSerial, serial + 1);
-    ASSERT_TRUE(DebugContinue(&state));
-    EXPECT_EQ(Wait(), kDebugExited);
-    EXPECT_EQ(state.exitCode, 2u);
-}
-
 // A trap of the program's own, right after a breakpoint, must not run the breakpoint's instruction again.
 TEST_P(DebugEvents, AProgramsOwnTrapAfterABreakpointIsAStopOfItsOwn) {
     ASSERT_TRUE(Start("own_trap"));
@@ -72,15 +57,16 @@ TEST_P(DebugEvents, AProgramsOwnTrapAfterABreakpointIsAStopOfItsOwn) {
     ASSERT_TRUE(DebugSetBreakpoint(&state, 4));
     ASSERT_TRUE(DebugContinue(&state));
     ASSERT_EQ(Arrive(), 3);
+    const std::uint64_t serial = state.stopSerial;
     ASSERT_TRUE(DebugContinue(&state));
     ASSERT_EQ(Wait(), kDebugStopped);
     EXPECT_EQ(state.currentAddress, AddressOf(3) + 1);
     EXPECT_EQ(state.currentLine, 0);
+    EXPECT_EQ(state.currentFileId, 0u);
+    EXPECT_EQ(state.stopSerial, serial + 1);
     ASSERT_TRUE(DebugContinue(&state));
     EXPECT_EQ(Arrive(), 4) << "nor does it hide the one after it";
-    ASSERT_TRUE(DebugContinue(&state));
-    EXPECT_EQ(Wait(), kDebugExited);
-    EXPECT_EQ(state.exitCode, 2u);
+    ContinueToTheEnd(2u);
 }
 
 // Some systems report a breakpoint with the address after it.
@@ -94,9 +80,7 @@ TEST_P(DebugEvents, ABreakpointReportedAfterItsTrapIsFound) {
     EXPECT_EQ(Registers().ip, address) << "its instruction is still to come";
     EXPECT_EQ(state.breakpoints[static_cast<std::size_t>(DebugFindBp(&state, address))].hits, 1u);
     EXPECT_EQ(Step(), 4);
-    ASSERT_TRUE(DebugContinue(&state));
-    EXPECT_EQ(Wait(), kDebugExited);
-    EXPECT_EQ(state.exitCode, 5u);
+    ContinueToTheEnd(5u);
 }
 
 // No loader of maps sets `neutralizeTraps` yet, so the test sets it. The trap stands right before a record.
@@ -106,9 +90,7 @@ TEST_P(DebugEvents, TrapsBeforeRecordsAreOverwrittenWhereTheMapAsksForIt) {
     ASSERT_TRUE(DebugStartLoaded(Program("own_trap").c_str(), &state));
     Watch();
     EXPECT_EQ(RawByte(AddressOf(4) - 1), 0x90);
-    ASSERT_TRUE(DebugContinue(&state));
-    EXPECT_EQ(Wait(), kDebugExited);
-    EXPECT_EQ(state.exitCode, 2u);
+    ContinueToTheEnd(2u);
 }
 
 // A breakpoint on a trap of the program's own makes one stop, and the trap is not run afterwards.

@@ -99,6 +99,11 @@ protected:
             default: return -3;
         }
     }
+    void ContinueToTheEnd(DWORD exitCode) {
+        ASSERT_TRUE(DebugContinue(&state));
+        EXPECT_EQ(Wait(), kDebugExited);
+        EXPECT_EQ(state.exitCode, exitCode);
+    }
     std::uint64_t AddressOf(int line) const { return state.map.imageBase + SdbgLineToRva(&state.map, line); }
     std::uint64_t Count() const { return Registers().general[2]; }  // RCX or ECX
     RegisterSet Registers() const {

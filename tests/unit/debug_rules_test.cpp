@@ -26,11 +26,10 @@ Place Of(const SdbgMap& map, std::uint64_t address) {
 }
 
 TEST(DebugRules, BreakpointsAndSingleStepsOf32BitProgramsMayHaveCodesOfTheirOwn) {
-    struct Case {
+    const struct {
         std::uint32_t code;
         ExceptionKind kind;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {0x80000003, ExceptionKind::Breakpoint}, {0x4000001F, ExceptionKind::Breakpoint},
         {0x80000004, ExceptionKind::SingleStep}, {0x4000001E, ExceptionKind::SingleStep},
         {0xC0000005, ExceptionKind::Fault},      {0xC0000094, ExceptionKind::Fault},
@@ -40,7 +39,7 @@ TEST(DebugRules, BreakpointsAndSingleStepsOf32BitProgramsMayHaveCodesOfTheirOwn)
         {0xE06D7363, ExceptionKind::Other},      {0x406D1388, ExceptionKind::Other},
         {0x40000020, ExceptionKind::Other},      {0, ExceptionKind::Other},
     };
-    for (const Case& one : cases) EXPECT_EQ(ExceptionKindOf(one.code), one.kind) << std::hex << one.code;
+    for (const auto& one : cases) EXPECT_EQ(ExceptionKindOf(one.code), one.kind) << std::hex << one.code;
 }
 
 // A map with two records, at 0x1010 and 0x1020; the code lies at 0x1000 to 0x1030.
@@ -59,18 +58,17 @@ struct TwoLines {
 
 TEST(DebugRules, PlaceOfATrapIsLookedForAroundIt) {
     const TwoLines native(true), section(false);
-    struct Case {
+    const struct {
         std::uint64_t rva;
         Place native;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {0x1010, {7, 1}},  {0x101F, {7, 1}}, {0x1020, {9, 2}}, {0x102F, {9, 2}},
         {0x1030, {}},      {0x0FFF, {}},     {0x100F, {7, 1}},  // one byte before the record
         {0x100E, {7, 1}},                                       // two bytes
         {0x100D, {}},                                           // three bytes are too many
         {0x100001010, {}},
     };
-    for (const Case& one : cases) {
+    for (const auto& one : cases) {
         EXPECT_EQ(OfTrap(native.map, 0x140000000 + one.rva), one.native) << std::hex << one.rva;
         EXPECT_EQ(OfTrap(section.map, 0x140000000 + one.rva), Place()) << std::hex << one.rva;
     }
@@ -92,58 +90,33 @@ TEST(DebugRules, ARunOfTrapsOnOneLineStopsOnce) {
 TEST(DebugRules, WhatATrapMeans) {
     const TwoLines native(true), section(false);
     constexpr std::uint64_t kBase = 0x140000000;
-    using Bytes = std::array<std::uint8_t, 2>;
+    const auto ofSystem = [](DebugPause pause) { return TrapEvent{.address = 1, .bytes = {}, .pause = pause}; };
+    const auto at = [](std::uint64_t rva, std::uint8_t before, std::uint8_t there, bool runs = false) {
+        return TrapEvent{
+            .address = kBase + rva, .inImage = true, .bytes = {{before, there}}, .runsToUserBreakpoint = runs};
+    };
+    TrapEvent paused = at(0x1010, 0x90, 0xCC), unread = paused, second = at(0x1011, 0xCC, 0xCC);
+    paused.pause = DebugPause::Wanted;
+    unread.bytes.reset();
+    second.lastLine = 7;
+    second.lastAddress = kBase + 0x1010;
     const struct {
         const char* name;
         bool native;
         TrapEvent trap;
         TrapMeaning meaning;
     } cases[] = {
-        {"of the system, when a pause is wanted",
-         false,
-         {.address = 1, .bytes = {}, .pause = DebugPause::Wanted},
-         TrapMeaning::Pause},
-        {"the same after another stop",
-         false,
-         {.address = 1, .bytes = {}, .pause = DebugPause::Overtaken},
-         TrapMeaning::PauseLate},
-        {"of the program, when a pause is wanted",
-         false,
-         {.address = kBase + 0x1010, .inImage = true, .bytes = Bytes{0x90, 0xCC}, .pause = DebugPause::Wanted},
-         TrapMeaning::Stop},
-        {"the byte is back",
-         false,
-         {.address = kBase + 0x1010, .inImage = true, .bytes = Bytes{0x90, 0x55}},
-         TrapMeaning::LateHit},
-        {"a trap ends there",
-         false,
-         {.address = kBase + 0x1010, .inImage = true, .bytes = Bytes{0xCC, 0x55}},
-         TrapMeaning::Stop},
-        {"a trap of two bytes",
-         false,
-         {.address = kBase + 0x1010, .inImage = true, .bytes = Bytes{0xCD, 0x03}},
-         TrapMeaning::Stop},
-        {"not readable", false, {.address = kBase + 0x1010, .inImage = true, .bytes = {}}, TrapMeaning::Stop},
-        {"a statement's",
-         true,
-         {.address = kBase + 0x1010, .inImage = true, .bytes = Bytes{0x90, 0xCC}},
-         TrapMeaning::Stop},
-        {"a statement's, on the way to a breakpoint",
-         true,
-         {.address = kBase + 0x1010, .inImage = true, .bytes = Bytes{0x90, 0xCC}, .runsToUserBreakpoint = true},
-         TrapMeaning::PassedOver},
-        {"of no statement, on that way",
-         true,
-         {.address = kBase + 0x5000, .inImage = true, .bytes = Bytes{0x90, 0xCC}, .runsToUserBreakpoint = true},
-         TrapMeaning::Stop},
-        {"the second of a run",
-         true,
-         {.address = kBase + 0x1011,
-          .inImage = true,
-          .bytes = Bytes{0xCC, 0xCC},
-          .lastLine = 7,
-          .lastAddress = kBase + 0x1010},
-         TrapMeaning::PassedOver},
+        {"of the system, when a pause is wanted", false, ofSystem(DebugPause::Wanted), TrapMeaning::Pause},
+        {"the same after another stop", false, ofSystem(DebugPause::Overtaken), TrapMeaning::PauseLate},
+        {"of the program, when a pause is wanted", false, paused, TrapMeaning::Stop},
+        {"the byte is back", false, at(0x1010, 0x90, 0x55), TrapMeaning::LateHit},
+        {"a trap ends there", false, at(0x1010, 0xCC, 0x55), TrapMeaning::Stop},
+        {"a trap of two bytes", false, at(0x1010, 0xCD, 0x03), TrapMeaning::Stop},
+        {"not readable", false, unread, TrapMeaning::Stop},
+        {"a statement's", true, at(0x1010, 0x90, 0xCC), TrapMeaning::Stop},
+        {"a statement's, on the way to a breakpoint", true, at(0x1010, 0x90, 0xCC, true), TrapMeaning::PassedOver},
+        {"of no statement, on that way", true, at(0x5000, 0x90, 0xCC, true), TrapMeaning::Stop},
+        {"the second of a run", true, second, TrapMeaning::PassedOver},
     };
     for (const auto& one : cases)
         EXPECT_EQ(MeaningOfTrap(one.native ? native.map : section.map, one.trap), one.meaning) << one.name;

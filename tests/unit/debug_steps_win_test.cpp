@@ -16,9 +16,7 @@ TEST_P(DebugSteps, OverGoesToTheNextAddressWhateverTheLoopDoes) {
     EXPECT_EQ(Count(), 1u);
     EXPECT_EQ(Step(), 4);
     EXPECT_EQ(Step(), 5) << "nine more turns are over";
-    ASSERT_TRUE(DebugContinue(&state));
-    EXPECT_EQ(Wait(), kDebugExited);
-    EXPECT_EQ(state.exitCode, 55u);
+    ContinueToTheEnd(55u);
 }
 
 TEST_P(DebugSteps, IntoFollowsACallAndOutComesBack) {
@@ -45,28 +43,10 @@ TEST_P(DebugSteps, OutIsAStepOverWithoutAReturnAddress) {
     EXPECT_EQ(state.currentFileId, 2u);
     EXPECT_EQ(Step(DebugStepOut), 4) << "the saved frame pointer is no code";
     EXPECT_EQ(state.currentFileId, 2u);
-    EXPECT_EQ(Step(DebugStepOut), -1) << "nothing further";
-}
-
-TEST_P(DebugSteps, OverACallStaysInTheProcedure) {
-    ASSERT_TRUE(Start("calls"));
-    EXPECT_EQ(RunTo(4), 4);
-    EXPECT_EQ(Step(), 5);
-    EXPECT_EQ(Step(), 6);
-    ASSERT_TRUE(DebugContinue(&state));
-    EXPECT_EQ(Wait(), kDebugExited);
-    EXPECT_EQ(state.exitCode, 9u);
-}
-
-// The record after the last statement has line 0 and is no target.
-TEST_P(DebugSteps, TheLastStatementIsNotLeft) {
-    ASSERT_TRUE(Start("calls"));
-    ASSERT_TRUE(DebugRunToLineIn(&state, 2, 4));
-    ASSERT_EQ(Arrive(), 4);
     g_said.clear();
-    EXPECT_EQ(Step(), -1);
-    EXPECT_EQ(SaidText(), L"[Debug] No further source lines.\n");
-    EXPECT_EQ(state.run, DebugRun::Stopped);
+    EXPECT_EQ(Step(), -1) << "the record after the last statement has line 0 and is no target";
+    EXPECT_EQ(Step(DebugStepOut), -1);
+    EXPECT_EQ(TimesSaid(L"[Debug] No further source lines.\n"), 2);
     EXPECT_EQ(Wait(50), kDebugTimeout);
 }
 
@@ -75,10 +55,13 @@ TEST_P(DebugSteps, RunToALine) {
     EXPECT_EQ(RunTo(99), -1);
     EXPECT_EQ(RunTo(0), -1);
     EXPECT_EQ(Wait(50), kDebugTimeout) << "it was not resumed";
+    EXPECT_EQ(RunTo(4), 4);
+    EXPECT_EQ(Step(), 5) << "over a call, which stays in the procedure";
     EXPECT_EQ(RunTo(6), 6);
     EXPECT_EQ(state.currentFileId, 1u);
     EXPECT_EQ(state.breakpointCount, 1) << "the temporary one is gone";
     EXPECT_EQ(RunTo(5), -2) << "it does not come by there again";
+    EXPECT_EQ(state.exitCode, 9u);
 }
 
 // A step that stopped at another breakpoint leaves its target in the table.
@@ -114,9 +97,7 @@ TEST_P(DebugSteps, TheStatementUnderABreakpointRuns) {
     DebugRearmBreakpoints(&state);
     EXPECT_EQ(RunTo(6), 6);
     DebugRearmBreakpoints(&state);
-    ASSERT_TRUE(DebugContinue(&state));
-    EXPECT_EQ(Wait(), kDebugExited);
-    EXPECT_EQ(state.exitCode, 42u);
+    ContinueToTheEnd(42u);
 }
 
 // A step that ends on a breakpoint of the user leaves it there, and stops once.
@@ -132,14 +113,6 @@ TEST_P(DebugSteps, ABreakpointOnTheTargetStays) {
     EXPECT_EQ(Arrive(), 3) << "in the next turn of the loop";
     EXPECT_EQ(Count(), 2u);
     EXPECT_EQ(Step(), 4);
-}
-
-TEST_P(DebugSteps, TwoHundredStatements) {
-    ASSERT_TRUE(Start("many"));
-    ASSERT_EQ(state.currentLine, 2);
-    for (int line = 3; line <= 202; ++line) ASSERT_EQ(Step(), line);
-    EXPECT_EQ(state.breakpointCount, 1);
-    EXPECT_EQ(Step(), -1);
 }
 
 // --- Programs with trap bytes of their own
@@ -212,22 +185,7 @@ TEST_P(DebugTraps, ContinueRunsPastTheTrapsToTheUsersBreakpoint) {
         line = Arrive();
     }
     EXPECT_EQ(line, 4);
-    ASSERT_TRUE(DebugContinue(&state));
-    EXPECT_EQ(Wait(), kDebugExited);
-    EXPECT_EQ(state.exitCode, 6u);
-}
-
-TEST_P(DebugTraps, SaysWhatIsMissing) {
-    const auto program = folder_.path / "traps.exe";
-    WriteBytes(program, ReadBytes(Program("traps")));
-    EXPECT_FALSE(StartFile(program, kCompilerKeldorBasic));
-    EXPECT_EQ(SaidText(), L"[Debug] No PowerBASIC debug database found: " + program.wstring() + L".pbd\n");
-    WriteBytes(folder_.path / "traps.exe.pbd", "nothing of use in it");
-    DebugSetSourcePath((std::filesystem::path(KVX_TESTS_DIR) / "debuggees" / "traps.bas").c_str());
-    g_said.clear();
-    EXPECT_FALSE(StartFile(program, kCompilerKeldorBasic));
-    EXPECT_EQ(SaidText(), L"[Debug] PowerBASIC debug database contains no usable line map\n");
-    EXPECT_EQ(state.active, 0u);
+    ContinueToTheEnd(6u);
 }
 
 // The start gives up when it meets no trap of the map.

@@ -142,13 +142,12 @@ TEST(Disasm, RangeTellsCallsBranchesAndWhatIsNoCode) {
 }
 
 TEST(Disasm, StepIntoGoesWhereADirectCallGoes) {
-    struct Case {
+    const struct {
         const char* name;
         Bytes bytes;
         bool x64;
         std::uint64_t target;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"ahead", {0xE8, 0x10, 0, 0, 0}, true, 0x401015},
         {"back", {0xE8, 0xF0, 0xFF, 0xFF, 0xFF}, true, 0x400FF5},
         {"32 bits", {0xE8, 0x10, 0, 0, 0, 0x90}, false, 0x401015},
@@ -161,7 +160,7 @@ TEST(Disasm, StepIntoGoesWhereADirectCallGoes) {
         {"cut off", {0xE8, 0x10, 0}, true, 0},
         {"nothing", {}, true, 0},
     };
-    for (const Case& c : cases) EXPECT_EQ(DisasmCallTarget(c.bytes, 0x401000, c.x64), c.target) << c.name;
+    for (const auto& c : cases) EXPECT_EQ(DisasmCallTarget(c.bytes, 0x401000, c.x64), c.target) << c.name;
 }
 
 TEST(Disasm, ProgramsLookAsExpected) {
@@ -180,14 +179,13 @@ TEST(Disasm, TheTextIsTheSameInSlicesOfAnySize) {
 
 TEST(Disasm, ThePartAroundTheCaretComesFirst) {
     const std::string plain = Rendered(Program64(true));
-    struct Case {
+    const struct {
         const char* name;
         std::uint32_t file;
         std::uint32_t line;
         const char* heading;  // null: no such part
         const char* holds;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"a line with code", 1, 8, "; --- Around line 8\r\n", "call    Square"},
         {"the line above has code", 1, 5, "; --- Around line 4\r\n", "mov     rbp, rsp"},
         {"only lines below have code", 1, 1, "; --- Around line 3\r\n", "push    rbp"},
@@ -195,7 +193,7 @@ TEST(Disasm, ThePartAroundTheCaretComesFirst) {
         {"a file that is not part of it", 3, 8, nullptr, ""},
         {"no line", 1, 0, nullptr, ""},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         DisasmProgram program = Program64(true);
         program.focusFile = c.file;
         program.focusLine = c.line;
@@ -261,12 +259,11 @@ TEST(Disasm, FilesWithoutCodeToShowSayWhy) {
     cut.resize(cut.size() - 8);
     Bytes noHeader = Build({.sections = {text(kCode64)}});
     noHeader.resize(pe_bytes::kHeader + 16);
-    struct Case {
+    const struct {
         const char* name;
         Bytes file;
         const char* message;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"empty", {}, "(The file is empty.)\r\n"},
         {"text", {'P', 'R', 'I', 'N', 'T'}, "(The file is no program.)\r\n"},
         {"cut after the header", noHeader, "(The file is no Windows program, or its header is damaged.)\r\n"},
@@ -293,33 +290,31 @@ TEST(Disasm, FilesWithoutCodeToShowSayWhy) {
         {"32-bit header, 64-bit machine", Build({.x64 = false, .machine = 0x8664, .sections = {text(kCode64)}}),
          "(The file is damaged: its header contradicts itself.)\r\n"},
     };
-    for (const Case& c : cases) EXPECT_EQ(Rendered({.file = c.file}), c.message) << c.name;
+    for (const auto& c : cases) EXPECT_EQ(Rendered({.file = c.file}), c.message) << c.name;
     // Neither section names nor a missing entry point (of a library) make a packed program.
     EXPECT_TRUE(Rendered({.file = Build({.entry = 0, .sections = {text(kCode64)}})}).starts_with("; --- Section"));
 }
 
 TEST(Disasm, ProceduresAreKnownByTheirHeading) {
-    struct Case {
+    const struct {
         const char* line;
         const char* name;
-    };
-    const Case cases[] = {{"FUNCTION PBMAIN () AS LONG", "PBMAIN"},
-                          {"  sub Draw_2", "Draw_2"},
-                          {"\tCALLBACK FUNCTION Proc()", "Proc"},
-                          {"STATIC SUB a$", "a"},
-                          {"FUNCTION = 3", ""},
-                          {"END FUNCTION", ""},
-                          {"SUBSTR x", ""},
-                          {"", ""}};
-    for (const Case& c : cases) EXPECT_EQ(DisasmProcedureName(c.line), c.name) << c.line;
+    } cases[] = {{"FUNCTION PBMAIN () AS LONG", "PBMAIN"},
+                 {"  sub Draw_2", "Draw_2"},
+                 {"\tCALLBACK FUNCTION Proc()", "Proc"},
+                 {"STATIC SUB a$", "a"},
+                 {"FUNCTION = 3", ""},
+                 {"END FUNCTION", ""},
+                 {"SUBSTR x", ""},
+                 {"", ""}};
+    for (const auto& c : cases) EXPECT_EQ(DisasmProcedureName(c.line), c.name) << c.line;
 }
 
 TEST(Listing, LinesAreAlignedOrLeftAlone) {
-    struct Case {
+    const struct {
         const char* line;
         const char* rendered;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"  00401000  55                              push ebp",
          "  00401000  55                              push    ebp"},
         {"401000:\t48 89 e5 \tmov    rbp,rsp", "  401000:  48 89 e5                        mov     rbp,rsp"},
@@ -343,7 +338,7 @@ TEST(Listing, LinesAreAlignedOrLeftAlone) {
         {"a\x1B[1mb\x7F\xC2\x85\xFF\xE2\x80\xAE.", "a\\x1B[1mb\\x7F\\xC2\\x85\\xFF\\xE2\\x80\\xAE."},
         {"\xC3\xA4\t\xE6\xBC\xA2|", "\xC3\xA4       \xE6\xBC\xA2|"},
     };
-    for (const Case& c : cases) EXPECT_EQ(DisasmListingLine(c.line), c.rendered) << c.line;
+    for (const auto& c : cases) EXPECT_EQ(DisasmListingLine(c.line), c.rendered) << c.line;
 }
 
 TEST(Listing, NoLineIsLost) {
