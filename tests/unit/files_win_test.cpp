@@ -27,15 +27,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-std::string Bytes(const fs::path& path) {
-    std::size_t length = 0;
-    const HeapBlock<char> bytes{ReadFileUtf8(path.c_str(), &length)};
-    return bytes ? std::string{bytes.get(), length} : "(unreadable)";
-}
-
-void PutBytes(const fs::path& path, std::string_view bytes) {
-    ASSERT_TRUE(WriteFileUtf8(path.c_str(), bytes.data(), bytes.size())) << path;
-}
+std::string Bytes(const fs::path& path) { return ReadBytes(PathForSystem(path.c_str())); }
 
 // Each test has its own folder, in which recovery copies are kept, too.
 class FilesWin : public testing::Test {
@@ -88,44 +80,9 @@ bool HasKey(const std::wstring& key) {
 
 }  // namespace
 
-TEST_F(FilesWin, SourcesComeBackByteForByte) {
-    struct Case {
-        const char* name;
-        std::string_view bytes;
-        TextEncoding encoding;
-        LineEnding ending;
-    };
-    const Case cases[] = {
-        {"empty", ""sv, TextEncoding::Utf8, LineEnding::CrLf},
-        {"UTF-8, CRLF", "print \xC3\xA4\r\n"sv, TextEncoding::Utf8, LineEnding::CrLf},
-        {"UTF-8 with a mark, LF", "\xEF\xBB\xBFx\n\n"sv, TextEncoding::Utf8, LineEnding::Lf},
-        {"CR", "a\rb\r"sv, TextEncoding::Utf8, LineEnding::Cr},
-        {"NUL bytes, no final break", "a\0b\0\nc"sv, TextEncoding::Utf8, LineEnding::Lf},
-        {"ANSI", "caf\xE9 \x80\r\n\xFF"sv, TextEncoding::Ansi, LineEnding::CrLf},
-        {"surrogates are ANSI", "\xED\xA0\x80\n"sv, TextEncoding::Ansi, LineEnding::Lf},
-    };
-    for (const Case& test : cases) {
-        const fs::path path = root_ / L"source \u4E2D.bas";
-        PutBytes(path, test.bytes);
-        std::size_t length = 0;
-        TextEncoding encoding = {};
-        LineEnding ending = {};
-        const HeapBlock<char> text{ReadSourceFileForEditor(path.c_str(), &length, &encoding, &ending)};
-        ASSERT_TRUE(text) << test.name;
-        EXPECT_EQ(encoding, test.encoding) << test.name;
-        EXPECT_EQ(ending, test.ending) << test.name;
-        EXPECT_TRUE(IsValidUtf8Bytes(text.get(), length)) << test.name;
-        fs::remove(path);
-        ASSERT_TRUE(Save(path, {text.get(), length}, encoding, ending)) << test.name;
-        EXPECT_EQ(Bytes(path), test.bytes) << test.name;
-    }
-    EXPECT_TRUE(Copies().empty()) << "a verified save leaves no copy";
-    EXPECT_EQ(RecoveryLastPath(), L"");
-}
-
 TEST_F(FilesWin, EmptyAnsiIsRefusedAndTouchesNothing) {
     const fs::path path = root_ / L"a.bas";
-    PutBytes(path, "old");
+    WriteBytes(path, "old");
     EXPECT_FALSE(Save(path, "", TextEncoding::Ansi));
     EXPECT_EQ(Bytes(path), "old");
 }
@@ -133,8 +90,8 @@ TEST_F(FilesWin, EmptyAnsiIsRefusedAndTouchesNothing) {
 TEST_F(FilesWin, FailedSavesKeepOldAndNewContent) {
     const fs::path readOnly = root_ / L"read only.bas";
     const fs::path locked = root_ / L"locked.bas";
-    PutBytes(readOnly, "old");
-    PutBytes(locked, "old");
+    WriteBytes(readOnly, "old");
+    WriteBytes(locked, "old");
     SetFileAttributesW(readOnly.c_str(), FILE_ATTRIBUTE_READONLY);
     UniqueHandle lock{CreateFileW(locked.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr)};
     for (const fs::path& path : {readOnly, locked}) {
@@ -162,10 +119,10 @@ TEST_F(FilesWin, FailedSavesKeepOldAndNewContent) {
 }
 
 TEST_F(FilesWin, WithoutAUserFolderTheCopyStandsBesideTheTarget) {
-    PutBytes(root_ / L"file", "");
+    WriteBytes(root_ / L"file", "");
     SetEnvironmentVariableW(L"LOCALAPPDATA", (root_ / L"file").c_str());  // no folder can be made in a file
     const fs::path path = root_ / L"a.bas";
-    PutBytes(path, "old");
+    WriteBytes(path, "old");
     EXPECT_TRUE(Save(path, "new"));
     EXPECT_EQ(Bytes(path), "new");
     EXPECT_EQ(std::distance(fs::directory_iterator{root_}, {}), 3) << "appdata, file, a.bas";
@@ -181,7 +138,7 @@ TEST_F(FilesWin, WithoutAUserFolderTheCopyStandsBesideTheTarget) {
 TEST_F(FilesWin, SavingKeepsAttributes) {
     // Windows refuses CREATE_ALWAYS over a hidden file unless the attribute is given; Wine does not.
     const fs::path path = root_ / L"hidden.bas";
-    PutBytes(path, "old");
+    WriteBytes(path, "old");
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_ARCHIVE);
     EXPECT_TRUE(Save(path, "new"));
     EXPECT_EQ(GetFileAttributesW(path.c_str()), DWORD{FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_ARCHIVE});
@@ -195,7 +152,7 @@ TEST_F(FilesWin, ReadingRefusesWhatIsNoFile) {
     EXPECT_EQ(ReadFileUtf8(L"NUL", &length), nullptr);
     EXPECT_EQ(ReadFileUtf8(nullptr, &length), nullptr);
     EXPECT_FALSE(FileExists(root_.c_str()) || FileExists(nullptr));
-    PutBytes(root_ / L"open", "x");
+    WriteBytes(root_ / L"open", "x");
     const UniqueHandle writer{CreateFileW((root_ / L"open").c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                           nullptr, OPEN_EXISTING, 0, nullptr)};
     EXPECT_EQ(ReadFileUtf8((root_ / L"open").c_str(), &length), nullptr) << "someone is writing it";

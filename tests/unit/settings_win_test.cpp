@@ -42,12 +42,6 @@ protected:
         GetPrivateProfileStringW(section, key, L"(none)", value, 4096, ini_.c_str());
         return value;
     }
-    std::string FileBytes(const std::wstring& path) const {
-        std::size_t length = 0;
-        const HeapBlock<char> bytes{ReadFileUtf8(path.c_str(), &length)};
-        return bytes ? std::string{bytes.get(), length} : "(unreadable)";
-    }
-
     TempFolder folder_;
     const fs::path root_ = folder_.path;
     std::wstring ini_;
@@ -169,7 +163,7 @@ TEST_F(SettingsWin, AKeyOfAnotherAccountSurvivesASave) {
 
 TEST_F(SettingsWin, AFailedSaveLeavesTheOldFile) {
     Save();
-    const std::string old = FileBytes(ini_);
+    const std::string old = ReadBytes(ini_);
     g_app.settings.tabWidth = 7;
     {
         // The temporary file is locked, so it cannot be written.
@@ -177,18 +171,18 @@ TEST_F(SettingsWin, AFailedSaveLeavesTheOldFile) {
                                             FILE_FLAG_DELETE_ON_CLOSE, nullptr)};
         ASSERT_TRUE(lock);
         Save();
-        EXPECT_EQ(FileBytes(ini_), old);
+        EXPECT_EQ(ReadBytes(ini_), old);
     }
     {
         const UniqueHandle reader{
             CreateFileW(ini_.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr)};
         Save();
-        EXPECT_EQ(FileBytes(ini_), old);
+        EXPECT_EQ(ReadBytes(ini_), old);
         EXPECT_FALSE(FileExists((ini_ + L".tmp").c_str()));
     }
     g_app.settings.backupSettings = 1;
     Save();
-    EXPECT_EQ(FileBytes(ini_ + L".bak"), old);
+    EXPECT_EQ(ReadBytes(ini_ + L".bak"), old);
     EXPECT_EQ(Stored(L"Editor", L"TabWidth"), L"7");
 }
 
