@@ -62,20 +62,19 @@ private:
     wchar_t before_[MAX_PATH] = {};
 };
 
-LSTATUS ReadDefault(const std::wstring& key, std::wstring* text) {
+// The text of a key's default value; "(none)" when it has none.
+std::wstring ReadDefault(const std::wstring& key) {
     wchar_t value[2048] = {};
     DWORD size = sizeof value;
     const LSTATUS status = RegGetValueW(HKEY_CURRENT_USER, (L"Software\\Classes\\" + key).c_str(), nullptr,
                                         RRF_RT_REG_SZ, nullptr, value, &size);
-    *text = value;
-    return status;
+    return status == ERROR_SUCCESS ? value : L"(none)";
 }
 
 bool HasKey(const std::wstring& key) {
     UniqueRegistryKey opened;
-    const bool found = RegOpenKeyExW(HKEY_CURRENT_USER, (L"Software\\Classes\\" + key).c_str(), 0, KEY_READ,
-                                     opened.Put()) == ERROR_SUCCESS;
-    return found;
+    return RegOpenKeyExW(HKEY_CURRENT_USER, (L"Software\\Classes\\" + key).c_str(), 0, KEY_READ, opened.Put()) ==
+           ERROR_SUCCESS;
 }
 
 }  // namespace
@@ -230,12 +229,10 @@ TEST(FileTypes, OpenWithListsAndDefaultPrograms) {
     EXPECT_FALSE(HasKey(L".kxa") || HasKey(L".kxb") || HasKey(L"KVXA64.Source"));
 
     compilers[kCompilerKvxb64].registerExtension = 1;
-    std::wstring text;
     for (int run = 0; run < 2; ++run) {
         RegisterFileExtensions();
         EXPECT_FALSE(HasKey(L".kxa"));
-        EXPECT_EQ(ReadDefault(L"KVXB64.Source\\shell\\open\\command", &text), ERROR_SUCCESS);
-        EXPECT_EQ(text, command);
+        EXPECT_EQ(ReadDefault(L"KVXB64.Source\\shell\\open\\command"), command);
         for (const wchar_t* extension : {L".kxb", L".b64"}) {
             DWORD type = REG_SZ;
             DWORD size = 1;
@@ -245,7 +242,7 @@ TEST(FileTypes, OpenWithListsAndDefaultPrograms) {
                       ERROR_SUCCESS);
             EXPECT_EQ(type, DWORD{REG_NONE});
             EXPECT_EQ(size, 0U);
-            EXPECT_NE(ReadDefault(extension, &text), ERROR_SUCCESS) << "the default program is left alone";
+            EXPECT_EQ(ReadDefault(extension), L"(none)") << "the default program is left alone";
         }
         EXPECT_TRUE(HasKey(L".c") && HasKey(L".h"));
         EXPECT_FALSE(HasKey(L".c\\OpenWithProgids") || HasKey(L".h\\OpenWithProgids"));
@@ -253,14 +250,10 @@ TEST(FileTypes, OpenWithListsAndDefaultPrograms) {
     compilers[kCompilerKvxb64].registerExtension = 0;
 
     EXPECT_EQ(FileExtRegisterCompiler(kCompilerKvxa32), 1);
-    EXPECT_EQ(ReadDefault(L".ka32", &text), ERROR_SUCCESS);
-    EXPECT_EQ(text, L"KVXE.ka32");
-    ReadDefault(L"KVXE.ka32", &text);
-    EXPECT_EQ(text, L"KVXA32 Source File");
-    ReadDefault(L"KVXE.ka32\\DefaultIcon", &text);
-    EXPECT_EQ(text, L"\"KA32.ico\",0");
-    ReadDefault(L"KVXE.ka32\\shell\\open\\command", &text);
-    EXPECT_EQ(text, command);
+    EXPECT_EQ(ReadDefault(L".ka32"), L"KVXE.ka32");
+    EXPECT_EQ(ReadDefault(L"KVXE.ka32"), L"KVXA32 Source File");
+    EXPECT_EQ(ReadDefault(L"KVXE.ka32\\DefaultIcon"), L"\"KA32.ico\",0");
+    EXPECT_EQ(ReadDefault(L"KVXE.ka32\\shell\\open\\command"), command);
     FileExtUnregisterCompiler(kCompilerKvxa32);
     EXPECT_FALSE(HasKey(L".ka32") || HasKey(L"KVXE.ka32"));
     EXPECT_EQ(FileExtRegisterCompiler(5), 0);
