@@ -116,15 +116,12 @@ TEST(SessionText, ReadsTheRulesOfBreakpoints) {
 
 TEST(SessionText, Numbers) {
     EXPECT_EQ(SessionNumber("12x"), 12);
-    EXPECT_EQ(SessionNumber("x12"), 0);
-    EXPECT_EQ(SessionNumber(""), 0);
-    EXPECT_EQ(SessionNumber("-"), 0);
     EXPECT_EQ(SessionNumber(" -40"), -40);
+    for (const char* none : {"x12", "", "-"}) EXPECT_EQ(SessionNumber(none), 0) << none;
     EXPECT_EQ(SessionNumber("-99999999999"), -2147483647 - 1);
     EXPECT_EQ(SessionParseLines("1,,x,4,"), (std::vector<std::int32_t>{1, 0, 0, 4}));
-    EXPECT_EQ(SessionTreeWidth(50), 100);
-    EXPECT_EQ(SessionTreeWidth(150), 150);
-    EXPECT_EQ(SessionTreeWidth(500), 200);
+    for (const auto& [stored, used] : {std::pair{50, 100}, {150, 150}, {500, 200}})
+        EXPECT_EQ(SessionTreeWidth(stored), used);
 }
 
 TEST(SessionView, SettingsAndFrameComeBack) {

@@ -69,10 +69,8 @@ TEST(Settings, Limits) {
         {L"Editor", L"SearchHistoryCount", -7, -7},
         {L"Project", L"ProjectTreeWidth", 250, 200},
     };
-    for (const Case& test : kCases) {
-        EXPECT_EQ(ApplyLimits(Row(test.section, test.key).limits, test.stored), test.used)
-            << test.key << " " << test.stored;
-    }
+    for (const Case& test : kCases)
+        EXPECT_EQ(ApplyLimits(Row(test.section, test.key).limits, test.stored), test.used) << test.key;
 }
 
 // A wrong offset or capacity in a row would make its field overlap another.

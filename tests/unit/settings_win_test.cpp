@@ -262,15 +262,12 @@ TEST(CompilerDetection, FindsCandidatesAndKeepsWhatIsValid) {
     SettingsDefaults(g_app.settings);
     wchar_t directory[kPathCapacity];
     AppExeDirectory(directory, kPathCapacity);
-    const fs::path beside = directory;
-    const fs::path first = beside / L"KVXC64";
-    const fs::path keldor = beside / L"KELDORRBASIC";
-    const bool made = !fs::exists(first) && !fs::exists(keldor);
-    if (!made) GTEST_SKIP() << "compilers are installed beside the tests";
-    fs::create_directories(first);
-    fs::create_directories(keldor);
-    WriteFileUtf8((first / L"KVXC64.exe").c_str(), "x", 1);
-    WriteFileUtf8((keldor / L"KeldorrBASIC.exe").c_str(), "x", 1);
+    const fs::path first = fs::path(directory) / L"KVXC64", keldor = fs::path(directory) / L"KELDORRBASIC";
+    if (fs::exists(first) || fs::exists(keldor)) GTEST_SKIP() << "compilers are installed beside the tests";
+    for (const fs::path& file : {first / L"KVXC64.exe", keldor / L"KeldorrBASIC.exe"}) {
+        fs::create_directories(file.parent_path());
+        WriteBytes(file, "x");
+    }
     auto& compilers = g_app.settings.compilers;
     wchar_t own[kPathCapacity];
     GetModuleFileNameW(nullptr, own, kPathCapacity);
