@@ -16,7 +16,6 @@
 #include <shlwapi.h>
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <string_view>
 #include <vector>
