@@ -205,12 +205,8 @@ TEST(Layout, PanesOfOneAreaShareIt) {
         LayoutInput shared = input;
         shared.panes[PaneIndex(PaneId::Asm)] = {c.area, true, 0};
         const PaneLayout layout = ComputePaneLayout(shared);
-        const PaneRect& whole = alone.pane(c.first);
-        const PaneRect& first = layout.pane(c.first);
-        const PaneRect& second = layout.pane(PaneId::Asm);
-        const bool asmComesFirst = PaneId::Asm < c.first;
-        const PaneRect& before = asmComesFirst ? second : first;
-        const PaneRect& after = asmComesFirst ? first : second;
+        const PaneRect &whole = alone.pane(c.first), &first = layout.pane(c.first), &second = layout.pane(PaneId::Asm);
+        const auto& [before, after] = PaneId::Asm < c.first ? std::tie(second, first) : std::tie(first, second);
         EXPECT_EQ(layout.editor, alone.editor);
         EXPECT_EQ(before.left, whole.left);
         EXPECT_EQ(after.right, whole.right);

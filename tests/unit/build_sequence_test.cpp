@@ -12,6 +12,7 @@
 
 #include <deque>
 #include <map>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -89,95 +90,66 @@ TEST(BuildSequence, EveryCourse) {
     const Happening never = {.starts = false};
     struct Case {
         const char* name;
-        BuildOrder order;
-        const wchar_t *preBuild, *postBuild;
-        std::deque<Happening> happenings;
+        struct {
+            BuildOrder order;
+            const wchar_t *preBuild, *postBuild;
+            std::deque<Happening> happenings;
+        } given;
         const char* course;
     };
     const Case cases[] = {
         {"all goes well, and the program is run",
-         run,
-         L"pre",
-         L"post",
-         {{}, {}, {}},
+         {run, L"pre", L"post", {{}, {}, {}}},
          "teal: [Pre-build] pre\nstart 1\nstatus: Pre-build...\nstatus: Building...\nstart 2\nmark ok\n"
          "--- Build succeeded: 1 error, 2 warnings, 2.0 s ---\nteal: [Post-build] post\nbuilt\nstart 3\n"
          "end: Build succeeded: 1 error, 2 warnings, 2.0 s +1"},
         {"a silent compiler that fails",
-         run,
-         L"",
-         L"post",
-         {{.exitCode = 3, .lines = 0}},
+         {run, L"", L"post", {{.exitCode = 3, .lines = 0}}},
          "status: Building...\nstart 2\nmark error\nside logs\n"
          "red: --- Build failed (exit code 3): 1 error, 2 warnings, 2.0 s ---\n"
          "end: Build failed (exit code 3): 1 error, 2 warnings, 2.0 s -0"},
         {"a syntax check builds no program",
-         {.syntaxOnly = true, .debug = true},
-         L"",
-         L"post",
-         {{}},
+         {{.syntaxOnly = true, .debug = true}, L"", L"post", {{}}},
          "status: Syntax check...\nstart 2\nmark ok\n--- Syntax check succeeded: 1 error, 2 warnings, 2.0 s ---\n"
          "end: Syntax check succeeded: 1 error, 2 warnings, 2.0 s +0"},
         {"the compiler takes too long",
-         {.debug = true},
-         L"",
-         L"post",
-         {late},
+         {{.debug = true}, L"", L"post", {late}},
          "status: Debug build...\nstart 2\nmark error\nred: The compiler had not ended after 5 minutes and was ended.\n"
          "red: --- Build failed (exit code 1): 1 error, 2 warnings, 2.0 s ---\n"
          "end: Build failed (exit code 1): 1 error, 2 warnings, 2.0 s -0"},
         {"stopped in the compiler",
-         run,
-         L"",
-         L"post",
-         {stopped},
+         {run, L"", L"post", {stopped}},
          "status: Building...\nstart 2\nred: --- Build stopped ---\nmark error\nend: Build stopped -0"},
         {"stopped in the pre-build command",
-         {.after = AfterBuild::NextOfBatch},
-         L"pre",
-         L"",
-         {stopped},
+         {{.after = AfterBuild::NextOfBatch}, L"pre", L"", {stopped}},
          "teal: [Pre-build] pre\nstart 1\nstatus: Pre-build...\nred: --- Build stopped ---\nend: Build stopped -2"},
         {"stopped in the post-build command",
-         run,
-         L"",
-         L"post",
-         {{}, stopped},
+         {run, L"", L"post", {{}, stopped}},
          "status: Building...\nstart 2\nmark ok\n--- Build succeeded: 1 error, 2 warnings, 2.0 s ---\n"
          "teal: [Post-build] post\nbuilt\nstart 3\nred: --- Build stopped ---\nend: Build stopped -0"},
         {"commands that fail or take too long stop nothing",
-         {},
-         L"pre",
-         L"post",
-         {late, {}, fails},
+         {{}, L"pre", L"post", {late, {}, fails}},
          "teal: [Pre-build] pre\nstart 1\nstatus: Pre-build...\n"
          "teal: [Pre-build] Still running after 30 seconds; going on without its output.\nstatus: Building...\n"
          "start 2\nmark ok\n--- Build succeeded: 1 error, 2 warnings, 2.0 s ---\nteal: [Post-build] post\nbuilt\n"
          "start 3\nteal: [Post-build] Exit code 3.\nend: Build succeeded: 1 error, 2 warnings, 2.0 s +0"},
         {"commands that cannot be started stop nothing",
-         {},
-         L"pre",
-         L"post",
-         {never, {}, never},
+         {{}, L"pre", L"post", {never, {}, never}},
          "teal: [Pre-build] pre\nstart 1\nred: [Pre-build] Failed to run.\nstatus: Building...\nstart 2\nmark ok\n"
          "--- Build succeeded: 1 error, 2 warnings, 2.0 s ---\nteal: [Post-build] post\nbuilt\nstart 3\n"
          "red: [Post-build] Failed to run.\nend: Build succeeded: 1 error, 2 warnings, 2.0 s +0"},
         {"no compiler: no build",
-         {},
-         L"",
-         L"",
-         {never},
+         {{}, L"", L"", {never}},
          "status: Building...\nstart 2\nstatus: Build launch failed\nrefused"},
         {"no compiler after a pre-build command: the build ends",
-         {},
-         L"pre",
-         L"",
-         {{}, never},
+         {{}, L"pre", L"", {{}, never}},
          "teal: [Pre-build] pre\nstart 1\nstatus: Pre-build...\nstatus: Building...\nstart 2\n"
          "status: Build launch failed\nend:  -0"},
     };
     for (const Case& test : cases)
-        EXPECT_EQ(Course(test.order, test.preBuild, test.postBuild, test.happenings), test.course) << test.name;
+        EXPECT_EQ(Course(test.given.order, test.given.preBuild, test.given.postBuild, test.given.happenings),
+                  test.course)
+            << test.name;
 }
 
 TEST(BuildSequence, IsRefusedWhileSomethingElseRuns) {
@@ -364,63 +336,53 @@ struct MemoryDisk {
     }
 };
 
+// The disk of which All() gives this text.
+MemoryDisk DiskOf(const std::string& text) {
+    MemoryDisk disk;
+    std::istringstream words(text);
+    for (std::string word; words >> word;) {
+        const std::size_t sign = word.find('=');
+        disk.files[std::wstring(word.begin(), word.begin() + static_cast<std::ptrdiff_t>(sign))] =
+            word.substr(sign + 1);
+    }
+    return disk;
+}
+
 TEST(StagingRules, NothingOfTheUsersIsLost) {
+    using enum CommandStyle;
     struct Case {
-        const char* name;
-        std::map<std::wstring, std::string> files;
+        const char *name, *before;
         const wchar_t* source;
         CommandStyle style;
-        const char *compiled, *during, *after;
+        const char *compiled, *during;
     };
     const Case cases[] = {
-        {"a copy of its own", {{L"x.kxa", "s"}}, L"x.kxa", CommandStyle::Kvx, "x.pb", "x.kxa=s x.pb=s ", "x.kxa=s "},
-        {"the name is taken",
-         {{L"x.ka32", "s"}, {L"x.bas", "mine"}},
-         L"x.ka32",
-         CommandStyle::Kvx,
-         "x.kvx1.bas",
-         "x.bas=mine x.ka32=s x.kvx1.bas=s ",
-         "x.bas=mine x.ka32=s "},
-        {"in place", {{L"x.c64", "s"}}, L"x.c64", CommandStyle::Kvx, "x.c64", "x.c64=s ", "x.c64=s "},
-        {"moved aside",
-         {{L"x.kb", "s"}, {L"x.bas", "mine"}},
-         L"x.kb",
-         CommandStyle::Keldor,
-         "x.bas",
-         "x.bas=s x.bas.kvx-aside1=mine x.kb=s ",
-         "x.bas=mine x.kb=s "},
-        {"the source has that name",
-         {{L"x.bas", "s"}},
-         L"x.bas",
-         CommandStyle::Keldor,
-         "x.bas",
-         "x.bas=s ",
-         "x.bas=s "},
-        {"an aside name is taken",
-         {{L"x.kb", "s"}, {L"x.bas", "mine"}, {L"x.bas.kvx-aside1", "old"}},
-         L"x.kb",
-         CommandStyle::Keldor,
-         "x.bas",
-         "x.bas=s x.bas.kvx-aside1=old x.bas.kvx-aside2=mine x.kb=s ",
-         "x.bas=mine x.bas.kvx-aside1=old x.kb=s "},
+        {"own copy", "x.kxa=s ", L"x.kxa", Kvx, "x.pb", "x.kxa=s x.pb=s "},
+        {"taken", "x.bas=mine x.ka32=s ", L"x.ka32", Kvx, "x.kvx1.bas", "x.bas=mine x.ka32=s x.kvx1.bas=s "},
+        {"in place", "x.c64=s ", L"x.c64", Kvx, "x.c64", "x.c64=s "},
+        {"moved aside", "x.bas=mine x.kb=s ", L"x.kb", Keldor, "x.bas", "x.bas=s x.bas.kvx-aside1=mine x.kb=s "},
+        {"the source has that name", "x.bas=s ", L"x.bas", Keldor, "x.bas", "x.bas=s "},
+        {"an aside name is taken", "x.bas=mine x.bas.kvx-aside1=old x.kb=s ", L"x.kb", Keldor, "x.bas",
+         "x.bas=s x.bas.kvx-aside1=old x.bas.kvx-aside2=mine x.kb=s "},
     };
     for (const Case& test : cases) {
         SCOPED_TRACE(test.name);
-        MemoryDisk disk = {.files = test.files};
+        MemoryDisk disk = DiskOf(test.before);
         StagedSource staged;
         std::uint32_t error = 1;
         EXPECT_TRUE(StageOnDisk(disk.Disk(), test.source, L"x.exe", test.style, &staged, &error));
         EXPECT_EQ(Narrow(staged.path), test.compiled);
         EXPECT_EQ(disk.All(), test.during);
         EXPECT_EQ(Narrow(UnstageOnDisk(disk.Disk(), &staged)), "");
-        EXPECT_EQ(disk.All(), test.after);
+        EXPECT_EQ(disk.All(), test.before);
         UnstageOnDisk(disk.Disk(), &staged);
-        EXPECT_EQ(disk.All(), test.after) << "the second time there is nothing to do";
+        EXPECT_EQ(disk.All(), test.before) << "the second time there is nothing to do";
     }
 }
 
 TEST(StagingRules, OnADiskThatCannotBeWritten) {
-    MemoryDisk disk = {.files = {{L"x.kxa", "s"}, {L"x.bas", "mine"}}, .readOnly = true};
+    MemoryDisk disk = DiskOf("x.bas=mine x.kxa=s ");
+    disk.readOnly = true;
     StagedSource staged;
     std::uint32_t error = 0;
     EXPECT_TRUE(StageOnDisk(disk.Disk(), L"x.kxa", L"x.exe", CommandStyle::Kvx, &staged, &error));

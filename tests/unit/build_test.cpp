@@ -161,6 +161,9 @@ TEST(OutputQueue, EndlessLinesAreCut) {
     }
 }
 
+bool Never() { return false; }
+bool Always() { return true; }
+
 // What a text becomes: lines, marked with their colour, and records of errors.
 TEST(OutputLines, AreFilteredColouredCountedAndRecorded) {
     OutputLines lines = {.compilerId = 4};
@@ -174,8 +177,7 @@ TEST(OutputLines, AreFilteredColouredCountedAndRecorded) {
     PaneLine line;
     int chunks = 0;
     std::string text;
-    while (OutputLinesNext(
-        lines, errors, [] { return false; }, &line, &chunks))
+    while (OutputLinesNext(lines, errors, Never, &line, &chunks))
         text += (line.colour == kLineRed ? "R" : line.colour == kLineYellow ? "Y" : "") + Narrow(line.text) + "|";
     EXPECT_EQ(text, "Ra(1,2): error: one|fix: f||Yb:3:4: warning: two|rest|own|fix: f|Rc(5,6): error: ours|")
         << "repetitions are a process's";
@@ -190,9 +192,7 @@ TEST(OutputLines, AreFilteredColouredCountedAndRecorded) {
 
     // The list is full after 64 errors; the rest is shown all the same.
     for (int i = 0; i < 70; ++i) put(L"d(1,1): error: more\n", ChunkKind::Stream);
-    while (OutputLinesNext(
-        lines, errors, [] { return false; }, &line, &chunks))
-        EXPECT_EQ(line.colour, kLineRed);
+    while (OutputLinesNext(lines, errors, Never, &line, &chunks)) EXPECT_EQ(line.colour, kLineRed);
     EXPECT_EQ(errors.count, kMaxCompilerErrors);
     EXPECT_EQ(lines.counts.errors, 72);
 
@@ -200,8 +200,7 @@ TEST(OutputLines, AreFilteredColouredCountedAndRecorded) {
     put(L"last\n", ChunkKind::Stream);
     OutputLinesAgain(lines, {{.text = L"shown"}});
     for (const wchar_t* expected : {L"shown", L"last"}) {
-        ASSERT_TRUE(OutputLinesNext(
-            lines, errors, [] { return false; }, &line, &chunks));
+        ASSERT_TRUE(OutputLinesNext(lines, errors, Never, &line, &chunks));
         EXPECT_EQ(Narrow(line.text), Narrow(expected));
     }
     put(L"x", ChunkKind::Stream);
@@ -220,17 +219,12 @@ TEST(OutputLines, LookingThroughAFloodIsLimited) {
     CompilerErrors errors;
     PaneLine line;
     int chunks = 0;
-    ASSERT_TRUE(OutputLinesNext(
-        lines, errors, [] { return true; }, &line, &chunks));
+    ASSERT_TRUE(OutputLinesNext(lines, errors, Always, &line, &chunks));
     EXPECT_TRUE(line.text.starts_with(L"... more follows")) << Narrow(line.text);
-    EXPECT_FALSE(OutputLinesNext(
-        lines, errors, [] { return true; }, &line, &chunks))
-        << "the time is up";
+    EXPECT_FALSE(OutputLinesNext(lines, errors, Always, &line, &chunks)) << "the time is up";
     EXPECT_LT(lines.kept.held.size(), 1000U);
     int shown = 0;
-    while (OutputLinesNext(
-        lines, errors, [] { return false; }, &line, &chunks))
-        ++shown;
+    while (OutputLinesNext(lines, errors, Never, &line, &chunks)) ++shown;
     EXPECT_EQ(shown, 2000) << "and at the end all of them come";
 }
 
@@ -375,10 +369,8 @@ TEST(CommandLine, BothStylesWithAndWithoutArguments) {
 
 TEST(CommandLine, RefusesRatherThanCuts) {
     const auto problem = [](std::size_t flags, std::size_t include, std::size_t listing, std::size_t source) {
-        const std::wstring flagText = Repeat(flags);
-        const std::wstring includeText = Repeat(include);
-        const std::wstring listingText = Repeat(listing);
-        const std::wstring sourceText = Repeat(source);
+        const std::wstring flagText = Repeat(flags), includeText = Repeat(include), listingText = Repeat(listing),
+                           sourceText = Repeat(source);
         std::wstring line = L"untouched";
         const CommandProblem result = AssembleCommandLine({.compiler = L"c",
                                                            .flags = flagText,

@@ -115,37 +115,25 @@ struct Mark {
 };
 std::vector<Mark> Marks() {
     std::vector<Mark> marks;
-    const auto add = [&marks](const std::string& name, auto set) {
-        CommandView view;
+    const auto add = [&marks](const std::string& name) -> CommandView& {
+        CommandView& view = marks.emplace_back(Mark{name, {}}).view;
         view.theme = view.style = view.compiler = view.profile = -1;
-        set(view);
-        marks.push_back({name, view});
+        return view;
     };
-    add(
-        "toolbar", [](CommandView& v) { v.toolbar = true; });
-    add(
-        "status bar", [](CommandView& v) { v.statusBar = true; });
-    add(
-        "output", [](CommandView& v) { v.panes = PaneBit(PaneId::Output); });
-    add(
-        "asm", [](CommandView& v) { v.panes = PaneBit(PaneId::Asm); });
-    add(
-        "debug pane", [](CommandView& v) { v.panes = PaneBit(PaneId::Debug); });
-    add(
-        "ai", [](CommandView& v) { v.panes = PaneBit(PaneId::Ai); });
-    add(
-        "whitespace", [](CommandView& v) { v.whitespace = true; });
-    add("wrap", [](CommandView& v) { v.wrap = true; });
-    for (int i = 0; i <= 5; ++i) {
-        const std::string number = std::to_string(i);
-        add(
-            "theme " + number, [i](CommandView& v) { v.theme = i; });
-        add(
-            "style " + number, [i](CommandView& v) { v.style = i; });
-        add(
-            "compiler " + number, [i](CommandView& v) { v.compiler = i; });
-        add("profile " + number, [i](CommandView& v) { v.profile = i; });
-    }
+    for (const auto& [name, shown] : {std::pair{"toolbar", &CommandView::toolbar},
+                                      {"status bar", &CommandView::statusBar},
+                                      {"whitespace", &CommandView::whitespace},
+                                      {"wrap", &CommandView::wrap}})
+        add(name).*shown = true;
+    for (const auto& [name, pane] :
+         {std::pair{"output", PaneId::Output}, {"asm", PaneId::Asm}, {"debug pane", PaneId::Debug}, {"ai", PaneId::Ai}})
+        add(name).panes = PaneBit(pane);
+    for (int i = 0; i <= 5; ++i)
+        for (const auto& [name, choice] : {std::pair{"theme ", &CommandView::theme},
+                                           {"style ", &CommandView::style},
+                                           {"compiler ", &CommandView::compiler},
+                                           {"profile ", &CommandView::profile}})
+            add(name + std::to_string(i)).*choice = i;
     return marks;
 }
 

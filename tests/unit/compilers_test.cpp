@@ -29,39 +29,20 @@ struct PickCase {
     std::uint32_t picked;
 };
 
+// The first marker in a path wins over the second, and a marker over the extension ("b64" is in "Lib64"). Markers are
+// case-sensitive.
 constexpr PickCase kPickCases[] = {
-    {L"C:\\src\\demo", kAll, 3},
-    {L"C:\\kvxa64\\demo.bas", kAll, 0},
-    {L"C:\\kvxa64\\demo.bas", 0b00010, 1},
-    {L"C:\\kvxa64\\demo.bas", kNone, 0},
-    {L"C:\\LIB64\\demo.bas", kAll, 1},
-    {L"C:\\LIB64\\demo.bas", 0b11101, 0},
-    {L"C:\\LIB64\\demo.bas", kNone, 0},
-    {L"C:\\LIB64\\KXA64.txt", kAll, 0},  // the first marker wins over the second
-    {L"C:\\lib64\\demo.kb", kAll, 1},    // and a marker over the extension
-    {L"C:\\Lib64\\demo.kb", kAll, 1},    // "b64" is there
-    {L"C:\\LiB_64\\demo.kb", kAll, 3},
-    {L"C:\\KA32\\demo.kb", kNone, 2},
-    {L"C:\\keldorbasic\\demo.kxa", kAll, 3},
-    {L"C:\\Keldorbasic\\demo.kxa", kAll, 0},  // markers are case-sensitive
-    {L"C:\\KXC64\\demo.kxa", kAll, 4},
-    {L"C:\\src\\demo.KB", kAll, 3},
-    {L"C:\\src\\demo.Kxa", kAll, 0},
-    {L"C:\\src\\demo.c64", kAll, 4},
-    {L"C:\\src\\demo.kxc", kAll, 4},
-    {L"C:\\src\\demo.kxb", kAll, 1},
-    {L"C:\\src\\demo.C", kNone, 1},
-    {L"C:\\src\\demo.h", kAll, 1},
-    {L"C:\\src\\demo.bas", kAll, 3},
-    {L"C:\\src\\demo.PBI", 0b00111, 2},
-    {L"C:\\src\\demo.inc", 0b00001, 0},
-    {L"C:\\src\\demo.pba", 0b10010, 1},
-    {L"C:\\src\\demo.pb", 0b10000, 4},
-    {L"C:\\src\\demo.bas", kNone, 3},
-    {L"C:\\src\\demo.txt", kAll, kActive},
-    {L"C:\\src\\demo.bi", kAll, kActive},
+    {L"C:\\source\\demo", kAll, 3},       {L"C:\\kvxa64\\demo.bas", kAll, 0},    {L"C:\\kvxa64\\demo.bas", 0b00010, 1},
+    {L"C:\\kvxa64\\demo.bas", kNone, 0},  {L"C:\\LIB64\\demo.bas", kAll, 1},     {L"C:\\LIB64\\demo.bas", 0b11101, 0},
+    {L"C:\\LIB64\\demo.bas", kNone, 0},   {L"C:\\LIB64\\KXA64.txt", kAll, 0},    {L"C:\\lib64\\demo.kb", kAll, 1},
+    {L"C:\\Lib64\\demo.kb", kAll, 1},     {L"C:\\LiB_64\\demo.kb", kAll, 3},     {L"C:\\KA32\\demo.kb", kNone, 2},
+    {L"C:\\keldorbasic\\x.kxa", kAll, 3}, {L"C:\\Keldorbasic\\x.kxa", kAll, 0},  {L"C:\\KXC64\\demo.kxa", kAll, 4},
+    {L"C:\\src\\demo.KB", kAll, 3},       {L"C:\\src\\demo.Kxa", kAll, 0},       {L"C:\\src\\demo.c64", kAll, 4},
+    {L"C:\\src\\demo.kxc", kAll, 4},      {L"C:\\src\\demo.kxb", kAll, 1},       {L"C:\\src\\demo.C", kNone, 1},
+    {L"C:\\src\\demo.h", kAll, 1},        {L"C:\\src\\demo.bas", kAll, 3},       {L"C:\\src\\demo.PBI", 0b00111, 2},
+    {L"C:\\src\\demo.inc", 0b00001, 0},   {L"C:\\src\\demo.pba", 0b10010, 1},    {L"C:\\src\\demo.pb", 0b10000, 4},
+    {L"C:\\src\\demo.bas", kNone, 3},     {L"C:\\src\\demo.txt", kAll, kActive}, {L"C:\\src\\demo.bi", kAll, kActive},
     {L"C:\\src.kb\\demo", kAll, kActive},
-    {L"", kAll, 3},
 };
 
 std::string Narrow(std::wstring_view text) { return {text.begin(), text.end()}; }
@@ -93,6 +74,7 @@ TEST(Compilers, FileGoesToTheFirstRuleThatApplies) {
         EXPECT_EQ(PickCompilerForFile(test.path, kActive, installed), test.picked)
             << test.path << " with " << test.installed;
     }
+    EXPECT_EQ(PickCompilerForFile(L"", kActive, [](std::uint32_t) { return true; }), 3U);
 }
 
 TEST(Compilers, UnknownIdsGiveTheFirstCompiler) {

@@ -13,51 +13,39 @@
 
 #include <algorithm>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace {
 
-struct RecentCase {
-    const char* name;
-    std::vector<std::wstring> list;
-    std::wstring added;
-    RecentMatch match;
-    std::vector<std::wstring> expected;
-};
-
-const RecentCase kRecentCases[] = {
-    {"first entry", {}, L"a", RecentMatch::IgnoreCase, {L"a"}},
-    {"new entry in a full list drops the oldest",
-     {L"a", L"b", L"c"},
-     L"d",
-     RecentMatch::IgnoreCase,
-     {L"d", L"a", L"b"}},
-    {"third entry comes to the front", {L"a", L"b", L"c"}, L"c", RecentMatch::IgnoreCase, {L"c", L"a", L"b"}},
-    {"second entry, other case, takes the new spelling",
-     {L"a", L"C:\\X.BAS"},
-     L"c:\\x.bas",
-     RecentMatch::IgnoreCase,
-     {L"c:\\x.bas", L"a"}},
-    {"other case is another entry where case counts", {L"a", L"B"}, L"b", RecentMatch::Exact, {L"b", L"a", L"B"}},
-    {"first entry again", {L"a", L"b"}, L"a", RecentMatch::Exact, {L"a", L"b"}},
-    {"empty text is ignored", {L"a"}, L"", RecentMatch::Exact, {L"a"}},
-    {"text that fits a row to the last place",
-     {L"a"},
-     L"123456789012345",
-     RecentMatch::Exact,
-     {L"123456789012345", L"a"}},
-    {"text that no row can hold whole is ignored", {L"a"}, L"1234567890123456", RecentMatch::Exact, {L"a"}},
-};
-
 TEST(RecentList, PutsTheLatestFirst) {
-    for (const RecentCase& test : kRecentCases) {
+    using enum RecentMatch;
+    const struct {
+        const char* name;
+        const wchar_t *list, *added;  // entries end with a blank
+        RecentMatch match;
+        const wchar_t* expected;
+    } cases[] = {
+        {"first entry", L"", L"a", IgnoreCase, L"a "},
+        {"new entry in a full list drops the oldest", L"a b c ", L"d", IgnoreCase, L"d a b "},
+        {"third entry comes to the front", L"a b c ", L"c", IgnoreCase, L"c a b "},
+        {"second entry takes the new spelling", L"a C:\\X.BAS ", L"c:\\x.bas", IgnoreCase, L"c:\\x.bas a "},
+        {"other case is another entry where case counts", L"a B ", L"b", Exact, L"b a B "},
+        {"first entry again", L"a b ", L"a", Exact, L"a b "},
+        {"empty text is ignored", L"a ", L"", Exact, L"a "},
+        {"text that fits a row to the last place", L"a ", L"123456789012345", Exact, L"123456789012345 a "},
+        {"text that no row can hold whole is ignored", L"a ", L"1234567890123456", Exact, L"a "},
+    };
+    for (const auto& test : cases) {
         wchar_t rows[3][16] = {};
-        for (std::size_t i = 0; i < test.list.size(); ++i) test.list[i].copy(rows[i], 15);
-        const int count = RecentListAdd(rows, static_cast<int>(test.list.size()), test.added, test.match);
-        std::vector<std::wstring> found;
-        for (int i = 0; i < count; ++i) found.emplace_back(rows[i]);
+        int count = 0;
+        std::wistringstream list(test.list);
+        for (std::wstring entry; list >> entry; ++count) entry.copy(rows[count], 15);
+        count = RecentListAdd(rows, count, test.added, test.match);
+        std::wstring found;
+        for (int i = 0; i < count; ++i) found += std::wstring(rows[i]) + L" ";
         EXPECT_EQ(found, test.expected) << test.name;
     }
 }
@@ -73,33 +61,25 @@ TEST(RecentList, MayBeGivenOneOfItsOwnRows) {
 std::wstring g_existing;
 bool OnlyExisting(const wchar_t* path) { return path == g_existing; }
 
-struct DirectoryCase {
-    const char* name;
-    OpenDirectoryInputs inputs;
-    const wchar_t* existing;
-    const wchar_t* expected;
-};
-
-const DirectoryCase kDirectoryCases[] = {
-    {"active file", {L"C:\\a\\b.bas", L"D:\\last\\", L"E:\\exe\\"}, L"", L"C:\\a\\"},
-    {"last directory", {L"", L"D:\\last\\", L"E:\\exe\\"}, L"E:\\exe\\KVX-Editor\\KVXB64\\Examples", L"D:\\last\\"},
-    {"first examples folder",
-     {L"", L"", L"E:\\exe\\"},
-     L"E:\\exe\\TestUsage\\KVX-Editor\\KVXB64\\Examples",
-     L"E:\\exe\\TestUsage\\KVX-Editor\\KVXB64\\Examples"},
-    {"second examples folder",
-     {L"", L"", L"E:\\exe\\"},
-     L"E:\\exe\\KVX-Editor\\KVXB64\\Examples",
-     L"E:\\exe\\KVX-Editor\\KVXB64\\Examples"},
-    {"program's folder", {L"", L"", L"E:\\exe\\"}, L"", L"E:\\exe\\"},
-};
-
 TEST(OpenDirectory, FirstMatchWins) {
-    for (const DirectoryCase& test : kDirectoryCases) {
+    const std::wstring first = L"E:\\exe\\TestUsage\\KVX-Editor\\KVXB64\\Examples",
+                       second = L"E:\\exe\\KVX-Editor\\KVXB64\\Examples";
+    const struct {
+        const char* name;
+        const wchar_t *file, *last;
+        std::wstring existing, expected;
+    } cases[] = {
+        {"active file", L"C:\\a\\b.bas", L"D:\\last\\", L"", L"C:\\a\\"},
+        {"last directory", L"", L"D:\\last\\", second, L"D:\\last\\"},
+        {"first examples folder", L"", L"", first, first},
+        {"second examples folder", L"", L"", second, second},
+        {"program's folder", L"", L"", L"", L"E:\\exe\\"},
+    };
+    for (const auto& test : cases) {
         g_existing = test.existing;
         wchar_t out[1024] = {};
-        EXPECT_TRUE(ResolveOpenDirectory(test.inputs, OnlyExisting, out, 1024)) << test.name;
-        EXPECT_STREQ(out, test.expected) << test.name;
+        EXPECT_TRUE(ResolveOpenDirectory({test.file, test.last, L"E:\\exe\\"}, OnlyExisting, out, 1024)) << test.name;
+        EXPECT_EQ(out, test.expected) << test.name;
     }
 }
 

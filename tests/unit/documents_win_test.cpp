@@ -1,14 +1,13 @@
 // The row of documents with real editors: large files from disk to disk, and places visited when tabs move and close.
-#include "base/handles.h"
-#include "base/wide_format.h"
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
 #include "documents/file_commands.h"
 #include "documents/text_pieces.h"
-#include "files/file_io.h"
 #include "scintilla/sci.h"
 #include "ui/message.h"
 #include "ui/ui_state.h"
+
+#include "support/temp_files.h"
 
 #include <gtest/gtest.h>
 
@@ -29,8 +28,6 @@ protected:
         g_ui.hMainWnd =
             CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 400, 300, nullptr, nullptr, nullptr, nullptr);
         g_selftestTabsMode = true;  // no message boxes
-        folder_ = fs::temp_directory_path() / FormatW(L"kvx-documents-%lu", GetCurrentProcessId());
-        fs::create_directories(folder_);
     }
     void TearDown() override {
         while (TabCount() > 0) TabBarRemove(0);
@@ -39,21 +36,9 @@ protected:
         g_selftestTabsMode = false;
         DestroyWindow(g_ui.hMainWnd);
         g_ui.hMainWnd = nullptr;
-        std::error_code ignored;
-        fs::remove_all(folder_, ignored);
     }
 
-    static std::string Bytes(const fs::path& path) {
-        std::size_t length = 0;
-        const HeapBlock<char> bytes{ReadFileUtf8(path.c_str(), &length)};
-        return bytes ? std::string{bytes.get(), length} : "(unreadable)";
-    }
-    fs::path Put(const wchar_t* name, const std::string& bytes) const {
-        EXPECT_TRUE(WriteFileUtf8((folder_ / name).c_str(), bytes.data(), bytes.size()));
-        return folder_ / name;
-    }
-
-    fs::path folder_;
+    TempFolder folder_;
     inline static HMODULE library_ = nullptr;
 };
 
@@ -70,7 +55,8 @@ TEST_F(DocumentsWin, LargeFilesComeBackByteForByte) {
             bytes.resize(border - 1, 'x');
             bytes += test.across;
         }
-        const fs::path path = Put(L"large.bas", bytes);
+        const fs::path path = folder_.path / L"large.bas";
+        WriteBytes(path, bytes);
         const int tab = TabBarAdd(path.c_str(), L"large.bas");
         ASSERT_GE(tab, 0);
         EXPECT_EQ(TabAt(tab).encoding, TextEncoding::Utf8) << test.across;
@@ -83,14 +69,15 @@ TEST_F(DocumentsWin, LargeFilesComeBackByteForByte) {
         SciSend(editor, SCI_UNDO);
         EXPECT_EQ(SciSend(editor, SCI_GETMODIFY), 0) << test.across;
         EXPECT_EQ(FileSave(tab), 1);
-        EXPECT_TRUE(Bytes(path) == bytes) << test.across;
+        EXPECT_TRUE(ReadBytes(path) == bytes) << test.across;
         SciSend(editor, SCI_INSERTTEXT, 0, reinterpret_cast<LPARAM>("'"));
         EXPECT_EQ(FileSave(tab), 1);
-        EXPECT_TRUE(Bytes(path) == "'" + bytes) << test.across;
+        EXPECT_TRUE(ReadBytes(path) == "'" + bytes) << test.across;
         TabBarRemove(tab);
     }
     // A file that stops being UTF-8 only near its end is read again as ANSI.
-    const fs::path ansi = Put(L"ansi.bas", std::string(4 * kTextPiece, 'x') + "\xE9\r\n");
+    const fs::path ansi = folder_.path / L"ansi.bas";
+    WriteBytes(ansi, std::string(4 * kTextPiece, 'x') + "\xE9\r\n");
     const int tab = TabBarAdd(ansi.c_str(), L"ansi.bas");
     ASSERT_GE(tab, 0);
     EXPECT_EQ(TabAt(tab).encoding, TextEncoding::Ansi);

@@ -16,7 +16,6 @@
 #include <shlwapi.h>
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,15 +26,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-std::string Bytes(const fs::path& path) {
-    std::size_t length = 0;
-    const HeapBlock<char> bytes{ReadFileUtf8(path.c_str(), &length)};
-    return bytes ? std::string{bytes.get(), length} : "(unreadable)";
-}
-
-void PutBytes(const fs::path& path, std::string_view bytes) {
-    ASSERT_TRUE(WriteFileUtf8(path.c_str(), bytes.data(), bytes.size())) << path;
-}
+std::string Bytes(const fs::path& path) { return ReadBytes(PathForSystem(path.c_str())); }
 
 // Each test has its own folder, in which recovery copies are kept, too.
 class FilesWin : public testing::Test {
@@ -70,71 +61,28 @@ private:
     wchar_t before_[MAX_PATH] = {};
 };
 
-LSTATUS ReadDefault(const std::wstring& key, std::wstring* text) {
+// The text of a key's default value; "(none)" when it has none.
+std::wstring ReadDefault(const std::wstring& key) {
     wchar_t value[2048] = {};
     DWORD size = sizeof value;
     const LSTATUS status = RegGetValueW(HKEY_CURRENT_USER, (L"Software\\Classes\\" + key).c_str(), nullptr,
                                         RRF_RT_REG_SZ, nullptr, value, &size);
-    *text = value;
-    return status;
+    return status == ERROR_SUCCESS ? value : L"(none)";
 }
 
 bool HasKey(const std::wstring& key) {
     UniqueRegistryKey opened;
-    const bool found = RegOpenKeyExW(HKEY_CURRENT_USER, (L"Software\\Classes\\" + key).c_str(), 0, KEY_READ,
-                                     opened.Put()) == ERROR_SUCCESS;
-    return found;
+    return RegOpenKeyExW(HKEY_CURRENT_USER, (L"Software\\Classes\\" + key).c_str(), 0, KEY_READ, opened.Put()) ==
+           ERROR_SUCCESS;
 }
 
 }  // namespace
 
-TEST_F(FilesWin, SourcesComeBackByteForByte) {
-    struct Case {
-        const char* name;
-        std::string_view bytes;
-        TextEncoding encoding;
-        LineEnding ending;
-    };
-    const Case cases[] = {
-        {"empty", ""sv, TextEncoding::Utf8, LineEnding::CrLf},
-        {"UTF-8, CRLF", "print \xC3\xA4\r\n"sv, TextEncoding::Utf8, LineEnding::CrLf},
-        {"UTF-8 with a mark, LF", "\xEF\xBB\xBFx\n\n"sv, TextEncoding::Utf8, LineEnding::Lf},
-        {"CR", "a\rb\r"sv, TextEncoding::Utf8, LineEnding::Cr},
-        {"NUL bytes, no final break", "a\0b\0\nc"sv, TextEncoding::Utf8, LineEnding::Lf},
-        {"ANSI", "caf\xE9 \x80\r\n\xFF"sv, TextEncoding::Ansi, LineEnding::CrLf},
-        {"surrogates are ANSI", "\xED\xA0\x80\n"sv, TextEncoding::Ansi, LineEnding::Lf},
-    };
-    for (const Case& test : cases) {
-        const fs::path path = root_ / L"source \u4E2D.bas";
-        PutBytes(path, test.bytes);
-        std::size_t length = 0;
-        TextEncoding encoding = {};
-        LineEnding ending = {};
-        const HeapBlock<char> text{ReadSourceFileForEditor(path.c_str(), &length, &encoding, &ending)};
-        ASSERT_TRUE(text) << test.name;
-        EXPECT_EQ(encoding, test.encoding) << test.name;
-        EXPECT_EQ(ending, test.ending) << test.name;
-        EXPECT_TRUE(IsValidUtf8Bytes(text.get(), length)) << test.name;
-        fs::remove(path);
-        ASSERT_TRUE(Save(path, {text.get(), length}, encoding, ending)) << test.name;
-        EXPECT_EQ(Bytes(path), test.bytes) << test.name;
-    }
-    EXPECT_TRUE(Copies().empty()) << "a verified save leaves no copy";
-    EXPECT_EQ(RecoveryLastPath(), L"");
-}
-
-TEST_F(FilesWin, EmptyAnsiIsRefusedAndTouchesNothing) {
-    const fs::path path = root_ / L"a.bas";
-    PutBytes(path, "old");
-    EXPECT_FALSE(Save(path, "", TextEncoding::Ansi));
-    EXPECT_EQ(Bytes(path), "old");
-}
-
 TEST_F(FilesWin, FailedSavesKeepOldAndNewContent) {
     const fs::path readOnly = root_ / L"read only.bas";
     const fs::path locked = root_ / L"locked.bas";
-    PutBytes(readOnly, "old");
-    PutBytes(locked, "old");
+    WriteBytes(readOnly, "old");
+    WriteBytes(locked, "old");
     SetFileAttributesW(readOnly.c_str(), FILE_ATTRIBUTE_READONLY);
     UniqueHandle lock{CreateFileW(locked.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr)};
     for (const fs::path& path : {readOnly, locked}) {
@@ -162,10 +110,10 @@ TEST_F(FilesWin, FailedSavesKeepOldAndNewContent) {
 }
 
 TEST_F(FilesWin, WithoutAUserFolderTheCopyStandsBesideTheTarget) {
-    PutBytes(root_ / L"file", "");
+    WriteBytes(root_ / L"file", "");
     SetEnvironmentVariableW(L"LOCALAPPDATA", (root_ / L"file").c_str());  // no folder can be made in a file
     const fs::path path = root_ / L"a.bas";
-    PutBytes(path, "old");
+    WriteBytes(path, "old");
     EXPECT_TRUE(Save(path, "new"));
     EXPECT_EQ(Bytes(path), "new");
     EXPECT_EQ(std::distance(fs::directory_iterator{root_}, {}), 3) << "appdata, file, a.bas";
@@ -178,13 +126,15 @@ TEST_F(FilesWin, WithoutAUserFolderTheCopyStandsBesideTheTarget) {
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
-TEST_F(FilesWin, SavingKeepsAttributes) {
+TEST_F(FilesWin, SavingKeepsAttributesAndRefusesEmptyAnsi) {
     // Windows refuses CREATE_ALWAYS over a hidden file unless the attribute is given; Wine does not.
     const fs::path path = root_ / L"hidden.bas";
-    PutBytes(path, "old");
+    WriteBytes(path, "old");
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_ARCHIVE);
     EXPECT_TRUE(Save(path, "new"));
     EXPECT_EQ(GetFileAttributesW(path.c_str()), DWORD{FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_ARCHIVE});
+    EXPECT_FALSE(Save(path, "", TextEncoding::Ansi));
+    EXPECT_EQ(Bytes(path), "new");
 }
 
 TEST_F(FilesWin, ReadingRefusesWhatIsNoFile) {
@@ -195,7 +145,7 @@ TEST_F(FilesWin, ReadingRefusesWhatIsNoFile) {
     EXPECT_EQ(ReadFileUtf8(L"NUL", &length), nullptr);
     EXPECT_EQ(ReadFileUtf8(nullptr, &length), nullptr);
     EXPECT_FALSE(FileExists(root_.c_str()) || FileExists(nullptr));
-    PutBytes(root_ / L"open", "x");
+    WriteBytes(root_ / L"open", "x");
     const UniqueHandle writer{CreateFileW((root_ / L"open").c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                           nullptr, OPEN_EXISTING, 0, nullptr)};
     EXPECT_EQ(ReadFileUtf8((root_ / L"open").c_str(), &length), nullptr) << "someone is writing it";
@@ -273,12 +223,10 @@ TEST(FileTypes, OpenWithListsAndDefaultPrograms) {
     EXPECT_FALSE(HasKey(L".kxa") || HasKey(L".kxb") || HasKey(L"KVXA64.Source"));
 
     compilers[kCompilerKvxb64].registerExtension = 1;
-    std::wstring text;
     for (int run = 0; run < 2; ++run) {
         RegisterFileExtensions();
         EXPECT_FALSE(HasKey(L".kxa"));
-        EXPECT_EQ(ReadDefault(L"KVXB64.Source\\shell\\open\\command", &text), ERROR_SUCCESS);
-        EXPECT_EQ(text, command);
+        EXPECT_EQ(ReadDefault(L"KVXB64.Source\\shell\\open\\command"), command);
         for (const wchar_t* extension : {L".kxb", L".b64"}) {
             DWORD type = REG_SZ;
             DWORD size = 1;
@@ -288,7 +236,7 @@ TEST(FileTypes, OpenWithListsAndDefaultPrograms) {
                       ERROR_SUCCESS);
             EXPECT_EQ(type, DWORD{REG_NONE});
             EXPECT_EQ(size, 0U);
-            EXPECT_NE(ReadDefault(extension, &text), ERROR_SUCCESS) << "the default program is left alone";
+            EXPECT_EQ(ReadDefault(extension), L"(none)") << "the default program is left alone";
         }
         EXPECT_TRUE(HasKey(L".c") && HasKey(L".h"));
         EXPECT_FALSE(HasKey(L".c\\OpenWithProgids") || HasKey(L".h\\OpenWithProgids"));
@@ -296,14 +244,10 @@ TEST(FileTypes, OpenWithListsAndDefaultPrograms) {
     compilers[kCompilerKvxb64].registerExtension = 0;
 
     EXPECT_EQ(FileExtRegisterCompiler(kCompilerKvxa32), 1);
-    EXPECT_EQ(ReadDefault(L".ka32", &text), ERROR_SUCCESS);
-    EXPECT_EQ(text, L"KVXE.ka32");
-    ReadDefault(L"KVXE.ka32", &text);
-    EXPECT_EQ(text, L"KVXA32 Source File");
-    ReadDefault(L"KVXE.ka32\\DefaultIcon", &text);
-    EXPECT_EQ(text, L"\"KA32.ico\",0");
-    ReadDefault(L"KVXE.ka32\\shell\\open\\command", &text);
-    EXPECT_EQ(text, command);
+    EXPECT_EQ(ReadDefault(L".ka32"), L"KVXE.ka32");
+    EXPECT_EQ(ReadDefault(L"KVXE.ka32"), L"KVXA32 Source File");
+    EXPECT_EQ(ReadDefault(L"KVXE.ka32\\DefaultIcon"), L"\"KA32.ico\",0");
+    EXPECT_EQ(ReadDefault(L"KVXE.ka32\\shell\\open\\command"), command);
     FileExtUnregisterCompiler(kCompilerKvxa32);
     EXPECT_FALSE(HasKey(L".ka32") || HasKey(L"KVXE.ka32"));
     EXPECT_EQ(FileExtRegisterCompiler(5), 0);

@@ -96,22 +96,16 @@ TEST(Lexer, IsChosenByTheExtension) {
         const wchar_t* path;
         Language language;
     } cases[] = {
-        {L"", Language::Basic},
-        {L"Untitled", Language::Basic},
-        {L"C:\\v1.c\\README", Language::Basic},
-        {L"C:\\src\\A.BAS", Language::Basic},
-        {L"x.kxc", Language::Basic},
-        {L"x.C", Language::C},
-        {L"x.bas.h", Language::C},
-        {L"boot.asm", Language::Assembly},
-        {L"boot.S", Language::GnuAssembly},
-        {L"notes.txt", Language::None},
-        {L"x.", Language::None},
+        {L"Untitled", Language::Basic},    {L"C:\\v1.c\\README", Language::Basic}, {L"C:\\src\\A.BAS", Language::Basic},
+        {L"x.kxc", Language::Basic},       {L"C:\\src\\x.C", Language::C},         {L"C:\\x.bas.h", Language::C},
+        {L"boot.asm", Language::Assembly}, {L"boot.S", Language::GnuAssembly},     {L"notes.txt", Language::None},
+        {L"C:\\src\\x.", Language::None},
     };
     for (const auto& test : cases) {
         EXPECT_EQ(LexerFromExtension(test.path), test.language)
             << std::string(test.path, test.path + wcslen(test.path));
     }
+    EXPECT_EQ(LexerFromExtension(L""), Language::Basic);
     EXPECT_EQ(LexerOf(Language::None).name, nullptr);
 }
 
@@ -165,22 +159,17 @@ TEST(InlineAssembly, IsFoundLineByLineAndInBlocks) {
     EXPECT_TRUE(InlineAssemblyRanges("").empty());
 }
 
-struct FormatCase {
-    const char* name;
-    const char* in;
-    const char* out;
-};
-
 // The cases that a text file cannot hold; the others are in tests/golden/format_before.bas.
-const FormatCase kFormatCases[] = {
-    {"trailing blanks go, those of an open string stay", "x = 1  \ny = \"open  \n", "x = 1\ny = \"open  \n"},
-    {"line ends stay", "do\r\nx\rloop\ny", "DO\r\n    x\rLOOP\ny"},
-    {"empty", "", ""},
-    {"blank lines", "sub a\n   \nend sub\n", "SUB a\n\nEND SUB\n"},
-};
-
 TEST(Format, LineEndsAndBlanksAtThem) {
-    for (const FormatCase& test : kFormatCases) {
+    const struct {
+        const char *name, *in, *out;
+    } cases[] = {
+        {"trailing blanks go, those of an open string stay", "x = 1  \ny = \"open  \n", "x = 1\ny = \"open  \n"},
+        {"line ends stay", "do\r\nx\rloop\ny", "DO\r\n    x\rLOOP\ny"},
+        {"empty", "", ""},
+        {"blank lines", "sub a\n   \nend sub\n", "SUB a\n\nEND SUB\n"},
+    };
+    for (const auto& test : cases) {
         const std::string once = FormatBasicSource(test.in, {});
         EXPECT_EQ(once, test.out) << test.name;
         EXPECT_EQ(FormatBasicSource(once, {}), once) << test.name << ": a second time";

@@ -150,8 +150,7 @@ TEST_F(FindEngine, KeepsToTheScope) {
 TEST_F(FindEngine, KnowsWhatTheComponentRefuses) {
     SetText("aaa(b)[c]*d^e$\\1<>");
     FindQuery query;
-    for (const char* pattern :
-         {"", "|", "(a|b)", "[a", "(a", "a)", "()", "*a", "^*", "(a)*", "\\<\\>", "\\1", "(a\\1)"})
+    for (const char* pattern : {"", "|", "(a|b)", "[a"})
         EXPECT_NE(PrepareQuery(pattern, kRegex, query), nullptr) << pattern;
     for (const char* pattern :
          {"a**", "[]]", "[-]]*x?", "\\(b\\)", "a+\\(", "\\<d?", "e\\$", "\\\\1", "[c]]\\*", "(a)\\1"}) {
