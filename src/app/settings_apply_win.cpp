@@ -24,7 +24,11 @@ void MainWnd_ApplyTimers(HWND window) {
 
 void MainWnd_OnSettingsChanged(const Settings& before) {
     const std::uint32_t effects = SettingsEffectsOf(before, g_app.settings);
-    if ((effects & kEffectEditors) != 0) SettingsApplyToEditor();
+    // A new theme makes Scintilla style all text again, so a change of zoom or wrapping must not set it.
+    if ((effects & kEffectEditors) != 0)
+        SettingsApplyToEditor();
+    else if ((effects & kEffectView) != 0)
+        for (const DocumentTab& tab : g_app.tabs) EditorPaneApplySettings(tab.editor);
     if ((effects & kEffectFrame) != 0) MainWnd_ApplyTheme();
     if ((effects & kEffectCompiler) != 0) MainWindow_UpdateCompilerSelection();
     if ((effects & kEffectTimers) != 0) MainWnd_ApplyTimers(g_app.hMainWnd);

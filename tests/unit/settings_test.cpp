@@ -273,7 +273,7 @@ TEST(SettingsEffects, FollowFromWhatDiffers) {
         {"saving", [](Settings& s) { s.autoSaveInterval = 3; }, kEffectTimers},
         {"session saving", [](Settings& s) { s.autoSaveEnabled = 0; }, kEffectTimers},
         {"project", [](Settings& s) { s.projectRoot[0] = L'x'; }, kEffectProject},
-        {"two", [](Settings& s) { s.wordWrap = s.showToolbar = 2; }, kEffectEditors | kEffectLayout},
+        {"two", [](Settings& s) { s.wordWrap = s.showToolbar = 2; }, kEffectView | kEffectLayout},
     };
     const auto before = std::make_unique<Settings>();
     const auto now = std::make_unique<Settings>();
