@@ -2,7 +2,6 @@
 #include "commands/icons.h"
 
 #include <algorithm>
-#include <cmath>
 #include <span>
 
 namespace {
@@ -183,12 +182,17 @@ constexpr std::span<const Shape> kIcons[] = {kNew,      kOpen,       kSave,     
                                              kStepOver, kStepInto,   kStepOut,       kRunToCursor, kMore};
 static_assert(std::size(kIcons) == static_cast<std::size_t>(Icon::Count));
 
-float DistanceToSegment(Point p, Point a, Point b) {
+// Squares of lengths, because roots cost most of the time in which a toolbar is drawn.
+float Square(float value) { return value * value; }
+
+float SquareToPoint(Point a, Point b) { return Square(a.x - b.x) + Square(a.y - b.y); }
+
+float SquareToSegment(Point p, Point a, Point b) {
     const float dx = b.x - a.x;
     const float dy = b.y - a.y;
     const float length = dx * dx + dy * dy;
     const float t = length > 0 ? std::clamp(((p.x - a.x) * dx + (p.y - a.y) * dy) / length, 0.F, 1.F) : 0.F;
-    return std::hypot(p.x - (a.x + t * dx), p.y - (a.y + t * dy));
+    return SquareToPoint(p, {a.x + t * dx, a.y + t * dy});
 }
 
 bool InsidePolygon(Point p, std::span<const Point> points) {
@@ -205,12 +209,14 @@ bool Covers(const Shape& shape, Point p) {
     const std::span<const Point> points(shape.points, static_cast<std::size_t>(shape.count));
     switch (shape.kind) {
         case Kind::Area: return InsidePolygon(p, points);
-        case Kind::Disc: return std::hypot(p.x - points[0].x, p.y - points[0].y) <= points[1].x;
-        case Kind::Ring:
-            return std::abs(std::hypot(p.x - points[0].x, p.y - points[0].y) - points[1].x) <= shape.width / 2;
+        case Kind::Disc: return SquareToPoint(p, points[0]) <= Square(points[1].x);
+        case Kind::Ring: {
+            const float square = SquareToPoint(p, points[0]);
+            return square >= Square(points[1].x - shape.width / 2) && square <= Square(points[1].x + shape.width / 2);
+        }
         case Kind::Stroke:
             for (std::size_t i = 1; i < points.size(); ++i)
-                if (DistanceToSegment(p, points[i - 1], points[i]) <= shape.width / 2) return true;
+                if (SquareToSegment(p, points[i - 1], points[i]) <= Square(shape.width / 2)) return true;
             return false;
     }
     return false;
@@ -227,16 +233,50 @@ std::uint32_t InkColour(Ink ink, const IconInks& inks) {
     return inks.line;
 }
 
+struct Box {
+    float left, top, right, bottom;
+};
+
+// The area outside of which a shape covers nothing.
+Box BoxOf(const Shape& shape) {
+    const bool round = shape.kind == Kind::Disc || shape.kind == Kind::Ring;
+    const float reach = shape.width / 2 + (round ? shape.points[1].x : 0);
+    Box box = {shape.points[0].x, shape.points[0].y, shape.points[0].x, shape.points[0].y};
+    for (int i = 1; i < (round ? 1 : shape.count); ++i) {
+        const Point& point = shape.points[i];
+        box = {std::min(box.left, point.x), std::min(box.top, point.y), std::max(box.right, point.x),
+               std::max(box.bottom, point.y)};
+    }
+    return {box.left - reach, box.top - reach, box.right + reach, box.bottom + reach};
+}
+
+// The shapes of an icon that may cover a part of a pixel, first drawn first.
+struct Candidates {
+    std::vector<const Shape*> shapes;
+    std::vector<Box> boxes;  // of the icon's shapes
+
+    explicit Candidates(std::span<const Shape> icon) {
+        for (const Shape& shape : icon) boxes.push_back(BoxOf(shape));
+    }
+    void Choose(std::span<const Shape> icon, const Box& pixel) {
+        shapes.clear();
+        for (std::size_t i = 0; i < icon.size(); ++i)
+            if (boxes[i].left <= pixel.right && boxes[i].right >= pixel.left && boxes[i].top <= pixel.bottom &&
+                boxes[i].bottom >= pixel.top)
+                shapes.push_back(&icon[i]);
+    }
+};
+
 // The last shape that covers a sample gives its ink. The pixel is the mean of its samples.
-std::uint32_t RenderPixel(std::span<const Shape> shapes, float x, float y, float step, const IconInks& inks) {
+std::uint32_t RenderPixel(std::span<const Shape* const> shapes, float x, float y, float step, const IconInks& inks) {
     constexpr int kSamples = 4;
     std::uint32_t sum[4] = {};  // alpha, red, green, blue
     for (int sample = 0; sample < kSamples * kSamples; ++sample) {
         const Point p{x + (static_cast<float>(sample % kSamples) + 0.5F) * step / kSamples,
                       y + (static_cast<float>(sample / kSamples) + 0.5F) * step / kSamples};
         for (std::size_t i = shapes.size(); i-- > 0;) {
-            if (!Covers(shapes[i], p)) continue;
-            const std::uint32_t colour = InkColour(shapes[i].ink, inks);
+            if (!Covers(*shapes[i], p)) continue;
+            const std::uint32_t colour = InkColour(shapes[i]->ink, inks);
             sum[0] += 255;
             sum[1] += colour >> 16 & 0xFF;
             sum[2] += colour >> 8 & 0xFF;
@@ -254,10 +294,14 @@ std::vector<std::uint32_t> RenderIcon(Icon icon, int size, const IconInks& inks)
     std::vector<std::uint32_t> pixels(static_cast<std::size_t>(size) * static_cast<std::size_t>(size));
     const std::span<const Shape> shapes = kIcons[static_cast<std::size_t>(icon)];
     const float step = 16.0F / static_cast<float>(size);
-    for (int y = 0; y < size; ++y) {
-        for (int x = 0; x < size; ++x) {
-            pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(size) + static_cast<std::size_t>(x)] =
-                RenderPixel(shapes, static_cast<float>(x) * step, static_cast<float>(y) * step, step, inks);
+    Candidates candidates(shapes);
+    std::size_t next = 0;
+    for (int row = 0; row < size; ++row) {
+        for (int column = 0; column < size; ++column, ++next) {
+            const float x = static_cast<float>(column) * step;
+            const float y = static_cast<float>(row) * step;
+            candidates.Choose(shapes, {x, y, x + step, y + step});
+            if (!candidates.shapes.empty()) pixels[next] = RenderPixel(candidates.shapes, x, y, step, inks);
         }
     }
     return pixels;
