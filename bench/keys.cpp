@@ -1,5 +1,6 @@
 // Measures one keystroke from the posted character to the painted result. The character is posted, not sent, because a
-// real one also comes through the message loop, where work on an empty queue delays the next key.
+// real one also comes through the message loop, where work on an empty queue delays the next key. The floor program and
+// the editor take turns of 40 keys, so that both have the same load of the machine.
 #include "bench.h"
 
 #include <Scintilla.h>
@@ -9,7 +10,8 @@
 
 namespace {
 
-constexpr int kKeys = 400;
+constexpr int kTurns = 10;
+constexpr int kKeysOfTurn = 40;
 constexpr int kNewLineEvery = 40;
 constexpr double kKeyLimitMs = 20000;
 constexpr double kLookEveryMs = 0.1;
@@ -74,15 +76,16 @@ struct Place {
 };
 constexpr Place kPlaces[] = {{"start", 0.0}, {"middle", 0.5}, {"end", 1.0}};
 
-std::vector<double> TypeAt(HWND pane, const Place& place) {
+void GoTo(HWND pane, const Place& place) {
     const auto length = static_cast<double>(Ask(pane, SCI_GETLENGTH));
     const LRESULT line = Ask(pane, SCI_LINEFROMPOSITION, static_cast<WPARAM>(place.share * length));
     Ask(pane, SCI_GOTOLINE, static_cast<WPARAM>(line));
     Ask(pane, SCI_LINEEND);
     AwaitQuiet(pane);
-    std::vector<double> times;
-    for (int i = 0; i < kKeys; ++i) times.push_back(TypeOne(pane, i));
-    return times;
+}
+
+void TypeTurn(HWND pane, int turn, std::vector<double>* times) {
+    for (int i = 0; i < kKeysOfTurn; ++i) times->push_back(TypeOne(pane, turn * kKeysOfTurn + i));
 }
 
 }  // namespace
@@ -97,15 +100,22 @@ void MeasureKeys() {
         Program editor(Kind::Editor, folder, file);
         editor.AwaitReady(size);
         for (const Place& place : kPlaces) {
-            const std::vector<double> bare = TypeAt(floor.Sci(), place);
-            const std::vector<double> keys = TypeAt(editor.Sci(), place);
+            std::vector<double> bare;
+            std::vector<double> keys;
+            GoTo(floor.Sci(), place);
+            GoTo(editor.Sci(), place);
+            for (int turn = 0; turn < kTurns; ++turn) {
+                TypeTurn(floor.Sci(), turn, &bare);
+                TypeTurn(editor.Sci(), turn, &keys);
+            }
             char note[128];
-            std::snprintf(note, sizeof(note), "of %d keys: median %.2f, max %.2f; floor's %.2f, %.2f", kKeys,
-                          Median(keys), Quantile(keys, 1), Median(bare), Quantile(bare, 1));
+            std::snprintf(note, sizeof(note), "of %d keys: median %.2f, %.2fx, max %.2f; floor's %.2f, %.2f",
+                          kTurns * kKeysOfTurn, Median(keys), Median(keys) / Median(bare), Quantile(keys, 1),
+                          Median(bare), Quantile(bare, 1));
             Report({.work = std::string("key at the ") + place.name + " of " + name + ", 95 of 100 within",
                     .floor = Quantile(bare, 0.95),
                     .program = Quantile(keys, 0.95),
-                    .maxValue = 5.0,
+                    .maxRatio = 2.0,
                     .note = note});
         }
     }

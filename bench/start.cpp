@@ -1,7 +1,9 @@
-// Measures the time from the start of the process to an editable file, and the memory. The floor program and the editor
-// are started in turn, so that both have the same load of the machine.
+// Measures the time from the creation of the process to an editable file, and the memory. The floor program and the
+// editor are started in turn, so that both have the same load of the machine. The least time is given beside the
+// median, because the load of the machine only adds to it.
 #include "bench.h"
 
+#include <cstdio>
 #include <string>
 
 namespace {
@@ -17,11 +19,11 @@ struct Case {
 };
 
 constexpr Case kCases[] = {
-    {"50 kB", 50'000, {}, 9, 2.0, 1.3, 0},
-    {"50 kB, no compilers", 50'000, {.compilers = false}, 5, 2.0, 1.3, 0},
+    {"50 kB", 50'000, {}, 15, 1.5, 1.25, 0},
+    {"50 kB, no compilers", 50'000, {.compilers = false}, 5, 1.5, 1.25, 0},
     {"50 kB, first start", 50'000, {.settings = false}, 5, 0, 0, 0},
     {"10 MB", 10'000'000, {}, 5, 0, 0, 0},
-    {"100 MB", 100'000'000, {}, 5, 1.3, 0, 1.2},
+    {"100 MB", 100'000'000, {}, 5, 1.2, 0, 0.8},
 };
 
 struct Figures {
@@ -56,11 +58,14 @@ void MeasureStart() {
         }
         const std::string name = std::string("start, ") + c.name;
         const std::string runs = "median of " + std::to_string(c.runs);
+        char least[64];
+        std::snprintf(least, sizeof(least), ", least %.0f, floor's %.0f, %.2fx", Quantile(editor.time, 0),
+                      Quantile(floor.time, 0), Quantile(editor.time, 0) / Quantile(floor.time, 0));
         Report({.work = name,
                 .floor = Median(floor.time),
                 .program = Median(editor.time),
                 .maxRatio = c.maxTime,
-                .note = runs});
+                .note = runs + least});
         Report({.work = name + ": resident",
                 .floor = Median(floor.resident),
                 .program = Median(editor.resident),
