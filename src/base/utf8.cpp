@@ -120,3 +120,14 @@ std::wstring Utf8ToWideText(std::string_view utf8) {
 char* WideToUtf8(const wchar_t* wide) { return wide == nullptr ? nullptr : TerminatedBlock(ToUtf8(wide)); }
 
 wchar_t* Utf8ToWide(const char* utf8) { return utf8 == nullptr ? nullptr : TerminatedBlock(Utf8ToWideText(utf8)); }
+
+std::size_t WholeCharacters(std::string_view bytes) {
+    for (std::size_t back = 1; back <= 3 && back <= bytes.size(); ++back) {
+        const auto byte = static_cast<unsigned char>(bytes[bytes.size() - back]);
+        if (byte < 0x80) return bytes.size();
+        if (byte < 0xC0) continue;
+        const std::size_t needs = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : 2;
+        return needs > back ? bytes.size() - back : bytes.size();
+    }
+    return bytes.size();
+}

@@ -1,6 +1,7 @@
 // Text between UTF-8 and wide characters (UTF-16 on Windows, UTF-32 elsewhere). Pure; any thread.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -8,6 +9,10 @@
 std::string ToUtf8(std::wstring_view wide);
 // Malformed bytes become U+FFFD: one for each byte, or one for the start of a sequence that is cut off.
 std::wstring Utf8ToWideText(std::string_view utf8);
+
+// Length of the part of `bytes` that ends between two characters. The rest, at most three bytes, is the start of a
+// character whose other bytes come with the next piece.
+std::size_t WholeCharacters(std::string_view bytes);
 
 // The same for terminated text. They return a new block that the caller frees with free(), or null for null and when
 // memory runs out.

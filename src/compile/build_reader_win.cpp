@@ -11,6 +11,8 @@
 #include "resources/ids.h"
 
 #include <cwchar>
+#include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -34,6 +36,7 @@ struct Reader {
     ReadCourse course;
     UniqueHandle readDone;  // event
     BuildLog log;
+    std::string held;  // the start of a character, which waits for its other bytes
 };
 
 DWORD MsLeft(const Reader& reader) { return ReadMsLeft(reader.course, GetTickCount64()); }
@@ -41,6 +44,22 @@ DWORD MsLeft(const Reader& reader) { return ReadMsLeft(reader.course, GetTickCou
 // Posts a text for which a credit was taken. Returns the credit when the post fails.
 void PostText(const Reader& reader, HeapBlock<wchar_t> text, LPARAM colour) {
     if (!WorkerPost(reader.request.target, MSG_BUILD_OUTPUT, std::move(text), colour)) OutputCreditsReturn(1);
+}
+
+// Posts the bytes read, for which a credit was taken. With `last`, nothing is held back.
+void PostBytes(Reader& reader, std::string_view bytes, bool last) {
+    reader.held += bytes;
+    const std::size_t count = last ? reader.held.size() : ReadDecodable(reader.held);
+    HeapBlock<wchar_t> text(reader.request.stage == BuildStage::Terminal
+                                ? DecodeConsoleText(reader.held.data(), count)
+                                : DecodeCompilerText(reader.held.data(), count));
+    reader.held.erase(0, count);
+    if (text != nullptr) {
+        BuildLogWrite(reader.log, text.get());
+        PostText(reader, std::move(text), 0);
+    } else {
+        OutputCreditsReturn(1);
+    }
 }
 
 // Waits until the main window can take one more chunk.
@@ -84,14 +103,7 @@ ReadStep ReadChunk(Reader& reader) {
         // something.
         if (!GetOverlappedResult(reader.pipe, &read, &count, TRUE) && step == ReadStep::Go) step = ReadStep::PipeEnd;
     }
-    HeapBlock<wchar_t> text(reader.request.stage == BuildStage::Terminal ? DecodeConsoleText(bytes, count)
-                                                                         : DecodeCompilerText(bytes, count));
-    if (text != nullptr) {
-        BuildLogWrite(reader.log, text.get());
-        PostText(reader, std::move(text), 0);
-    } else {
-        OutputCreditsReturn(1);
-    }
+    PostBytes(reader, {bytes, count}, false);
     // Some runtimes write one line or less at a time, and each small write would cost a message and two thread
     // switches. A wait of 1 ms makes the next chunk larger.
     if (step == ReadStep::Go && count < kShortChunk && !reader.course.processEnded &&
@@ -200,6 +212,7 @@ void CompilerThread(ReaderRequest& request, const WorkerCancel& cancel) {
     BuildLogWrite(reader.log, request.logHeader);
 
     const BuildEnd end = ReadAndWait(reader);
+    if (!reader.held.empty() && WaitForCredit(reader) != ReadStep::TimedOut) PostBytes(reader, {}, true);
     const bool leave = ReadLeavesRunning(request.stage, end);
     if (end != BuildEnd::Ended && !leave) {
         ChildTerminate(reader.job, reader.process);

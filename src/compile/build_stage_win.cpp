@@ -108,6 +108,7 @@ bool StageStart(StageLaunch launch, DWORD* error) {
         OutputFeedMessage(UnstageSource(&launch.staged), kLineRed);
         return false;
     }
+    OutputFeedBegin(StageIsOfBuild(launch.stage));
     StoreStageState(launch, child);
     g_stage = {};
     g_stage.reader = WorkerStart<CompilerThread>(ReaderRequest{.stage = launch.stage,

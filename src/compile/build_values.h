@@ -6,6 +6,12 @@
 // The stages. A build has up to three; a command of the terminal line has one.
 enum class BuildStage : std::uint8_t { Idle, PreBuild, Compile, PostBuild, Terminal };
 
+// Whether the stage belongs to a build, whose errors and warnings are counted and listed. Those that a command of the
+// terminal line prints are only coloured.
+constexpr bool StageIsOfBuild(BuildStage stage) {
+    return stage == BuildStage::PreBuild || stage == BuildStage::Compile || stage == BuildStage::PostBuild;
+}
+
 enum class BuildEnd : std::uint8_t { Ended, Stopped, TimedOut };  // how a stage ended
 
 struct StageResult {

@@ -1,5 +1,8 @@
 #include "compile/read_course.h"
 
+#include "base/utf8.h"
+#include "files/text_encoding.h"
+
 #include <algorithm>
 
 std::uint32_t ReadMsLeft(const ReadCourse& course, std::uint64_t now) {
@@ -23,6 +26,11 @@ ReadStep ReadPieceCame(ReadCourse& course, std::size_t bytes, ReadStep step, std
     if (step != ReadStep::Go) return step;
     if (ReadMsLeft(course, now) == 0) return ReadStep::TimedOut;
     return course.lateBytes > kReadLateBytes ? ReadStep::PipeEnd : ReadStep::Go;
+}
+
+std::size_t ReadDecodable(std::string_view bytes) {
+    const std::size_t whole = WholeCharacters(bytes);
+    return IsValidUtf8Bytes(bytes.data(), whole) ? whole : bytes.size();
 }
 
 BuildEnd ReadEndOf(ReadStep step) {

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 inline constexpr std::uint64_t kReadNoLimit = ~std::uint64_t{0};
 inline constexpr std::uint64_t kReadLateMs = 500;
@@ -29,6 +30,10 @@ std::uint32_t ReadPatience(const ReadCourse& course, std::uint64_t now);
 ReadStep ReadNothingCame(const ReadCourse& course, std::uint64_t now);
 // Counts a piece of `bytes` bytes, whose read gave `step`. Returns whether to go on.
 ReadStep ReadPieceCame(ReadCourse& course, std::size_t bytes, ReadStep step, std::uint64_t now);
+
+// How many of the bytes read so far can be decoded now. The start of a UTF-8 character at their end waits for its other
+// bytes. It does not wait after bytes that are no UTF-8, because it is then a character of a code page.
+std::size_t ReadDecodable(std::string_view bytes);
 
 BuildEnd ReadEndOf(ReadStep step);
 // Whether the process is left running: a command that exceeded its time limit is, a compiler is ended.

@@ -59,15 +59,18 @@ void RunTerminalCommand(HWND window) {
     SetWindowTextW(window, L"");
     if (OutputFeedIsLong() || lstrcmpiW(command.c_str(), L"cls") == 0) OutputPaneClear();
     if (lstrcmpiW(command.c_str(), L"cls") == 0) return;
+    OutputFeedBegin(false);  // the command itself may look like a diagnostic
     OutputPaneAppend((L"> " + command + L"\r\n").c_str(), kLineTeal);
     DWORD error = 0;
     if (StageStart({.stage = BuildStage::Terminal,
                     .commandLine = TerminalCommandLine(SystemFolder(), command),
                     .directory = TerminalFolder()},
-                   &error))
+                   &error)) {
         g_events.statusText(L"Running command...");
-    else
+    } else {
+        OutputFeedBegin(true);
         OutputPaneAppend(FormatW(L"The command could not be started (Win32 error %lu).\r\n", error).c_str(), kLineRed);
+    }
 }
 
 bool OnTerminalKey(HWND window, WPARAM key) {
@@ -83,6 +86,7 @@ bool OnTerminalKey(HWND window, WPARAM key) {
 }  // namespace
 
 void TerminalOnStageEnd(const StageResult& result) {
+    OutputFeedBegin(true);
     if (const std::wstring text = TerminalEndText(result); !text.empty())
         OutputPaneAppend(text.c_str(), result.end == BuildEnd::Stopped ? kLineRed : kLineTeal);
     g_events.statusText(result.end == BuildEnd::Stopped ? L"Command stopped" : L"Command finished");

@@ -1,19 +1,10 @@
 // Reads a UTF-8 file in pieces that end between two characters. Pure.
 #include "documents/text_pieces.h"
 
+#include "base/utf8.h"
+
 #include <algorithm>
 #include <memory>
-
-std::size_t WholeCharacters(std::string_view bytes) {
-    for (std::size_t back = 1; back <= 3 && back <= bytes.size(); ++back) {
-        const auto byte = static_cast<unsigned char>(bytes[bytes.size() - back]);
-        if (byte < 0x80) return bytes.size();
-        if (byte < 0xC0) continue;
-        const std::size_t needs = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : 2;
-        return needs > back ? bytes.size() - back : bytes.size();
-    }
-    return bytes.size();
-}
 
 void FirstBreak::Look(std::string_view piece) {
     if (found_ || piece.empty()) return;

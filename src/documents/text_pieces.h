@@ -29,10 +29,6 @@ struct PiecesResult {
 // Moves the text to its end or to the first piece that is not UTF-8. Failed: reading failed.
 PiecesResult MoveTextPieces(const TextSource& source);
 
-// Length of the part of `bytes` that ends between two characters. The rest, at most three bytes, belongs to the next
-// piece.
-std::size_t WholeCharacters(std::string_view bytes);
-
 // Finds the first line break of a text that comes in pieces. A CR at the end of a piece is decided by the next byte.
 class FirstBreak {
 public:

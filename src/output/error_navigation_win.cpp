@@ -24,19 +24,28 @@ std::wstring WholePath(const std::wstring& path) {
     return length == 0 || length >= kPathCapacity ? path : std::wstring(full);
 }
 
+// The file name as printed, without the blanks of an indented line.
+std::wstring PrintedName(const CompilerError& error) {
+    const std::wstring_view name = error.file;
+    const std::size_t first = name.find_first_not_of(L" \t");
+    return first == std::wstring_view::npos ? std::wstring() : std::wstring(name.substr(first));
+}
+
 // Selects or opens the document that a diagnostic names. Returns false when it could not be opened.
-bool ShowFileOfError(const wchar_t* printed) {
+bool ShowFileOfError(const CompilerError& error) {
+    const std::wstring printed = PrintedName(error);
+    if (printed.empty()) return false;
     const std::vector<std::wstring> names = ErrorPlaces(printed, LastBuild(), WholePath);
-    int tab = TabBarFindPath(printed);
+    int tab = TabBarFindPath(printed.c_str());
     for (std::size_t i = 0; tab < 0 && i < names.size(); ++i) tab = TabBarFindPath(names[i].c_str());
     if (tab >= 0) return TabBarSelect(tab) != 0;
     for (const std::wstring& name : names)
         if (FileExists(name.c_str())) return FileShow(name.c_str(), false) != 0;
-    return FileShow(printed, false) != 0;
+    return FileShow(printed.c_str(), false) != 0;
 }
 
 void GoToDiagnostic(const CompilerError& error) {
-    if (!ShowFileOfError(error.file)) return;
+    if (!ShowFileOfError(error)) return;
     HWND editor = g_documents.hEditor;
     const int line = error.line > 0 ? error.line - 1 : 0;
     SciSend(editor, SCI_GOTOLINE, static_cast<WPARAM>(line));

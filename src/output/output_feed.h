@@ -1,5 +1,6 @@
 // Brings text into the output pane. Text is queued as it comes; each line is filtered, coloured and searched for a
-// diagnostic. TIMER_OUTPUT of the main window shows the lines in blocks. UI thread only.
+// diagnostic. TIMER_OUTPUT of the main window shows the lines in blocks. A line without its line break is shown after
+// a short time as it is, and replaced when more of it has come. UI thread only.
 #pragma once
 
 #include "output/output_lines.h"
@@ -10,6 +11,9 @@
 #include <cstdint>
 #include <string>
 
+// Called before a process is started and after its end. With `diagnostics`, errors and warnings among the lines that
+// follow are counted and recorded; without it, they are only coloured.
+void OutputFeedBegin(bool diagnostics);
 // Queues one posted chunk of a process's output. Takes ownership of the heap block.
 void OutputFeedStream(wchar_t* heapText, COLORREF colour);
 // Tells that the process has ended: a last line without a line break is complete, and the lines held back are shown.
@@ -22,7 +26,7 @@ void OutputFeedMessage(std::wstring text, COLORREF colour);
 void OutputFeedShowNext();
 bool OutputFeedIsEmpty();     // every line given so far is in the pane
 void OutputFeedReveal();      // scrolls to the end and repaints now
-bool OutputFeedIsRevealed();  // no line in the pane waits for a repaint
+bool OutputFeedIsRevealed();  // nothing waits for a repaint, and an incomplete line is shown as it is now
 
 // Called before a build: resets the filter and the counts. Later diagnostics are recorded for this compiler.
 void OutputFeedReset(std::uint32_t compilerId);

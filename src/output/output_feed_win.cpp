@@ -17,14 +17,18 @@ namespace {
 constexpr double kTakeMs = 20.0;            // a block is ended after this time, which lines that are not shown may take
 constexpr double kShowMs = 15.0;            // no new block is begun after this time
 constexpr double kRevealMs = 100.0;         // between two repaints
+constexpr double kUnfinishedMs = 60.0;      // an incomplete line is shown after this time
 constexpr double kRevealMsPerLine = 0.003;  // more for each line in the pane, as a repaint takes longer (kept_lines.h)
 
 struct OutputFeed {
     OutputLines lines;            // not shown yet
     std::vector<PaneLine> shown;  // in the pane; needed to show them again in other colours
     BlockSize block;
-    bool unpainted = false;   // lines were added since the last repaint
-    double revealedAt = 0.0;  // ClockMs() of that repaint
+    std::wstring unfinished;      // the incomplete last line in the pane; empty: none
+    LONG unfinishedAt = 0;        // its first character in the pane
+    double unfinishedSince = -1;  // ClockMs() since when it differs from the one that has come; negative: it does not
+    bool unpainted = false;       // lines were added since the last repaint
+    double revealedAt = 0.0;      // ClockMs() of that repaint
 };
 OutputFeed g_feed;
 
@@ -41,19 +45,49 @@ std::vector<PaneLine> TakeBlock(double started) {
     return block;
 }
 
+void ShowLines(const std::vector<PaneLine>& block) {
+    const LONG from = g_feed.unfinished.empty() ? -1 : g_feed.unfinishedAt;
+    g_feed.unfinishedAt = RichLinesAppend(g_output.hOutput, block, from);
+    g_feed.unfinished.clear();
+    g_feed.unfinishedSince = -1;
+    g_feed.unpainted = true;
+}
+
+// Shows an incomplete line, or what has become of it, when nothing whole has come for a while.
+void ShowUnfinished(double now) {
+    const std::wstring_view wanted = OutputLinesUnfinished(g_feed.lines);
+    if (wanted == g_feed.unfinished) {
+        g_feed.unfinishedSince = -1;
+        return;
+    }
+    if (g_feed.unfinishedSince < 0) g_feed.unfinishedSince = now;
+    if (now - g_feed.unfinishedSince < kUnfinishedMs) return;
+    std::wstring text(wanted);
+    if (text.empty())
+        ShowLines({});
+    else
+        ShowLines({{.text = text, .lineBreak = false}});
+    g_feed.unfinished = std::move(text);
+}
+
 // Shows the next lines as one block. Returns false when no line is left.
 bool ShowBlock() {
     const double started = ClockMs();
     std::vector<PaneLine> block = TakeBlock(started);
     const double sorted = ClockMs();
-    RichLinesAppend(g_output.hOutput, block);
-    g_feed.unpainted = g_feed.unpainted || !block.empty();
+    if (block.empty()) {
+        ShowUnfinished(sorted);
+        return !OutputFeedIsEmpty();
+    }
+    ShowLines(block);
     BlockSizeLearn(g_feed.block, block.size(), ClockMs() - sorted);
     std::move(block.begin(), block.end(), std::back_inserter(g_feed.shown));
     return !OutputFeedIsEmpty();
 }
 
 }  // namespace
+
+void OutputFeedBegin(bool diagnostics) { g_feed.lines.recording = diagnostics; }
 
 void OutputFeedStream(wchar_t* heapText, COLORREF colour) {
     const HeapBlock<wchar_t> owned(heapText);
@@ -93,7 +127,7 @@ void OutputFeedReveal() {
     g_feed.revealedAt = ClockMs();
 }
 
-bool OutputFeedIsRevealed() { return !g_feed.unpainted; }
+bool OutputFeedIsRevealed() { return !g_feed.unpainted && OutputLinesUnfinished(g_feed.lines) == g_feed.unfinished; }
 
 bool OutputFeedIsEmpty() { return !OutputLinesWait(g_feed.lines); }
 
@@ -114,12 +148,13 @@ void OutputFeedDropWaiting() { OutputCreditsReturn(OutputLinesDrop(g_feed.lines)
 void OutputFeedForget() {
     OutputFeedDropWaiting();
     g_feed.shown.clear();
+    g_feed.unfinished.clear();
 }
 
 void OutputFeedShowAgain() {
-    if (g_feed.shown.empty()) return;
+    g_feed.unfinished.clear();
+    ShowTimerStart();
     OutputLinesAgain(g_feed.lines,
                      {std::make_move_iterator(g_feed.shown.begin()), std::make_move_iterator(g_feed.shown.end())});
     g_feed.shown.clear();
-    ShowTimerStart();
 }

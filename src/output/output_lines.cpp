@@ -52,12 +52,16 @@ bool OutputLineSort(OutputLines& lines, CompilerErrors& errors, QueuedLine& line
     const bool warning = !error && IsWarningLine(line.text);
     if (error || warning) {
         line.colour = error ? kLineRed : kLineYellow;
-        ++(error ? lines.counts.errors : lines.counts.warnings);
-        RecordDiagnostic(errors, line.text, lines.compilerId);
+        if (lines.recording) {
+            ++(error ? lines.counts.errors : lines.counts.warnings);
+            RecordDiagnostic(errors, line.text, lines.compilerId);
+        }
     }
     lines.counts.lines += line.stream && !line.text.empty();
     return true;
 }
+
+std::wstring_view OutputLinesUnfinished(const OutputLines& lines) { return lines.queue.partial; }
 
 bool OutputLinesNext(OutputLines& lines, CompilerErrors& errors, const std::function<bool()>& timeIsUp, PaneLine* shown,
                      int* chunksDone) {

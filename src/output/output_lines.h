@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <string_view>
 
 // Counts of the lines since the last reset.
 struct OutputCounts {
@@ -25,12 +26,16 @@ struct OutputLines {
     KeptLines kept;
     OutputCounts counts;
     std::uint32_t compilerId = 0;  // stored in each recorded diagnostic
+    bool recording = true;         // diagnostics are counted and recorded, and not only coloured
     std::deque<PaneLine> ready;    // shown before anything of the queue
 };
 
 // Colours and counts a line, and records it if it is a diagnostic and `errors` has room. Returns false for a
 // repetition.
 bool OutputLineSort(OutputLines& lines, CompilerErrors& errors, QueuedLine& line);
+
+// The text of a process after its last line break: a prompt, or a line that is still printed. Empty: none.
+std::wstring_view OutputLinesUnfinished(const OutputLines& lines);
 
 // Takes the next line for the pane. Returns false when there is none now, or when `timeIsUp` answered true; it is asked
 // every few hundred lines, because most lines of a very long output are not shown. `chunksDone` is increased by the

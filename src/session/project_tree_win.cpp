@@ -19,6 +19,7 @@
 #include "ui/fonts.h"
 #include "ui/menu.h"
 #include "ui/message.h"
+#include "ui/redraw.h"
 #include "ui/ui_state.h"
 
 #include <windows.h>
@@ -138,12 +139,13 @@ void InsertListing(HTREEITEM folder, const TreeListing& listing) {
 void OnTreeListing(const TreeListing& listing) {
     const auto folder = static_cast<HTREEITEM>(TreeRequestTake(g_tree.requests, listing.request));
     if (folder == nullptr) return;
-    SendMessageW(Tree(), WM_SETREDRAW, FALSE, 0);
-    RemoveChildren(folder);
-    SetItem(folder, NodeKind::FolderRead, TreeFolderOpens(listing) ? 1 : 0);
-    InsertListing(folder, listing);
-    TreeView_Expand(Tree(), folder, TVE_EXPAND);  // removing the note has closed it
-    SendMessageW(Tree(), WM_SETREDRAW, TRUE, 0);
+    {
+        const RedrawPause pause(Tree());
+        RemoveChildren(folder);
+        SetItem(folder, NodeKind::FolderRead, TreeFolderOpens(listing) ? 1 : 0);
+        InsertListing(folder, listing);
+        TreeView_Expand(Tree(), folder, TVE_EXPAND);  // removing the note has closed it
+    }
     InvalidateRect(Tree(), nullptr, TRUE);
 }
 

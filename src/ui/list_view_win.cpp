@@ -6,6 +6,7 @@
 #include "ui/fit.h"
 #include "ui/fonts.h"
 #include "ui/list_internal.h"
+#include "ui/redraw.h"
 
 #include <uxtheme.h>
 
@@ -122,14 +123,13 @@ bool ListViewCreate(ListView& list, HWND parent, int controlId) {
 
 void ListViewShow(ListView& list, const ListKind& kind) {
     KeepPlace(list);
-    ListViewSend(list, WM_SETREDRAW, FALSE);
+    const RedrawPause pause(list.window);
     list.content = nullptr;
     ListViewSend(list, LVM_SETITEMCOUNT, 0);
     DeleteColumns(list);
     list.kind = &kind;
     InsertColumns(list);
     ListViewFitColumns(list);
-    ListViewSend(list, WM_SETREDRAW, TRUE);
 }
 
 void ListViewUpdate(ListView& list, const ListContent& content) {

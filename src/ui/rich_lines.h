@@ -14,8 +14,9 @@
 // the width of the pane; without it, the pane scrolls sideways.
 HWND RichPaneCreate(HWND parent, int controlId, const wchar_t* text, bool wrap);
 
-// Appends the lines with one insertion and without painting. A selection of the user stays.
-void RichLinesAppend(HWND pane, std::span<const PaneLine> lines);
+// Appends the lines with one insertion and without painting, in place of the text from the character `from` on. A
+// negative `from`: nothing is replaced. Returns the character at which the lines begin. A selection of the user stays.
+LONG RichLinesAppend(HWND pane, std::span<const PaneLine> lines, LONG from = -1);
 // Scrolls to the start of the last line.
 void RichScrollToEnd(HWND pane);
 // Scrolls to the start of the lines. A pane that has no size yet scrolls sideways to its caret, because its view has no

@@ -2,6 +2,7 @@
 
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
+#include "ui/redraw.h"
 #include "ui/ui_state.h"
 
 #include <richedit.h>
@@ -48,8 +49,8 @@ HWND RichPaneCreate(HWND parent, int controlId, const wchar_t* text, bool wrap) 
         0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_ui.hInstance, nullptr);
 }
 
-void RichLinesAppend(HWND pane, std::span<const PaneLine> lines) {
-    if (pane == nullptr || lines.empty()) return;
+LONG RichLinesAppend(HWND pane, std::span<const PaneLine> lines, LONG from) {
+    if (pane == nullptr || (lines.empty() && from < 0)) return 0;
     const ThemeChrome& chrome = ThemeCurrentChrome();
     const std::string rtf =
         RtfBlock(lines, {.face = g_settings.outputFont,
@@ -59,15 +60,21 @@ void RichLinesAppend(HWND pane, std::span<const PaneLine> lines) {
     std::string_view rest = rtf;
     EDITSTREAM stream = {.dwCookie = reinterpret_cast<DWORD_PTR>(&rest), .pfnCallback = ReadFromView};
     const CHARRANGE before = RichSelection(pane);
-    SendMessageW(pane, WM_SETREDRAW, FALSE, 0);
+    const RedrawPause pause(pane);
     SelectInRich(pane, LONG_MAX, LONG_MAX);
-    SendMessageW(pane, EM_STREAMIN, SF_RTF | SFF_SELECTION, reinterpret_cast<LPARAM>(&stream));
+    const LONG end = RichSelection(pane).cpMax;
+    const LONG start = from < 0 ? end : std::min(from, end);
+    if (start < end) {
+        SelectInRich(pane, start, end);
+        SendMessageW(pane, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L""));
+    }
+    if (!lines.empty()) SendMessageW(pane, EM_STREAMIN, SF_RTF | SFF_SELECTION, reinterpret_cast<LPARAM>(&stream));
     // Some versions of the control swallow the last line break of a block.
     const LRESULT lineStart = SendMessageW(pane, EM_LINEINDEX, static_cast<WPARAM>(-1), 0);
-    if (lines.back().lineBreak && RichSelection(pane).cpMax != lineStart)
+    if (!lines.empty() && lines.back().lineBreak && RichSelection(pane).cpMax != lineStart)
         SendMessageW(pane, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L"\r\n"));
     if (before.cpMin != before.cpMax) SelectInRich(pane, before.cpMin, before.cpMax);
-    SendMessageW(pane, WM_SETREDRAW, TRUE, 0);
+    return start;
 }
 
 void RichScrollToEnd(HWND pane) {
@@ -76,12 +83,8 @@ void RichScrollToEnd(HWND pane) {
     RichScrollToLeft(pane);
 }
 
-void RichScrollToLeft(HWND pane) {
-    POINT place = {};
-    SendMessageW(pane, EM_GETSCROLLPOS, 0, reinterpret_cast<LPARAM>(&place));
-    place.x = 0;
-    SendMessageW(pane, EM_SETSCROLLPOS, 0, reinterpret_cast<LPARAM>(&place));
-}
+// EM_SETSCROLLPOS would set the vertical place too, and Windows documents its values as 16-bit.
+void RichScrollToLeft(HWND pane) { SendMessageW(pane, WM_HSCROLL, MAKEWPARAM(SB_THUMBPOSITION, 0), 0); }
 
 void RichLinesReveal(HWND pane) {
     if (pane == nullptr) return;

@@ -5,7 +5,7 @@
 //   flood N          N numbered lines (0: without end)    spawn        a copy of itself that lives for a minute
 //   talk N           the same, a tenth of them diagnostics
 //   errors N FILE    N diagnostics for FILE, line i       touch PATH   creates an empty file
-//   settle           waits until its output was read
+//   settle           waits until its output was read     await PATH   waits for up to a minute until the file exists
 //   exit N           ends with that code                  tally PATH   one byte more in a file
 #include <windows.h>
 
@@ -85,6 +85,8 @@ void Obey(const std::string& order, const std::string& text) {
     if (order == "settle") FlushFileBuffers(GetStdHandle(STD_OUTPUT_HANDLE));
     if (order == "sleep") Sleep(static_cast<DWORD>(std::atol(text.c_str())));
     if (order == "spawn") Spawn();
+    for (int i = 0; order == "await" && GetFileAttributesA(text.c_str()) == INVALID_FILE_ATTRIBUTES && i < 6000; ++i)
+        Sleep(10);
     if (order == "exit") ExitProcess(static_cast<UINT>(std::atol(text.c_str())));
     if (order == "touch") std::fclose(std::fopen(text.c_str(), "wb"));
     if (order == "tally") {

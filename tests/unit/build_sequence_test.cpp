@@ -298,6 +298,9 @@ TEST(ReadCourse, APipeThatOthersHoldOpenIsLeft) {
     EXPECT_EQ(ReadPieceCame(course, 1, ReadStep::Stopped, 9950), ReadStep::Stopped);
     EXPECT_EQ(ReadPieceCame(course, 1, ReadStep::Go, 9950), ReadStep::PipeEnd) << "enough for one pipe";
     EXPECT_EQ(ReadMsLeft({}, 1), 0xFFFFFFFEU) << "no limit is no endless wait";
+    for (const auto& [bytes, count] :
+         {std::pair{"ab\xE2\x82", 2}, {"\xC3\xA9", 2}, {"\xC3", 0}, {"\xE9t\xE9", 3}, {"", 0}})
+        EXPECT_EQ(ReadDecodable(bytes), static_cast<std::size_t>(count)) << bytes;
     EXPECT_TRUE(ReadLeavesRunning(BuildStage::PostBuild, ReadEndOf(ReadStep::TimedOut)));
     EXPECT_FALSE(ReadLeavesRunning(BuildStage::Compile, ReadEndOf(ReadStep::TimedOut)));
     EXPECT_FALSE(ReadLeavesRunning(BuildStage::PreBuild, ReadEndOf(ReadStep::Stopped)));

@@ -252,7 +252,7 @@ TEST(Build, OutputIsFilteredDecodedAndColoured) {
     };
     for (const Times& t : {Times{L"\nerror[E1]: same\n", 1}, Times{L"\nhelp: h\n", 1}, Times{L"\nfix: f\n", 1},
                            Times{L"\nerror[E2]: other\n", 1}, Times{L"plain\n", 2}, Times{L"\ncaf\u00E9\n", 1},
-                           Times{L"\nansi \u00E9\n", 1}, Times{L"a\u00C3\u00A9\n", 1}})
+                           Times{L"\nansi \u00E9\n", 1}, Times{L"a\u00E9\n", 1}})
         EXPECT_EQ(Count(text, t.line), t.count) << Utf8(t.line);
     EXPECT_TRUE(text.starts_with(L"[Pre-build] cmd /c echo pre>pre.txt\n")) << Utf8(text.substr(0, 200));
     EXPECT_EQ(ColourOf(editor, L"x.bas(1,2)"), 0x0000FFu);
@@ -269,6 +269,39 @@ TEST(Build, OutputIsFilteredDecodedAndColoured) {
     EXPECT_NE(Build(other).find(L"[Pre-build] Failed to run.\n"), std::wstring::npos) << Utf8(other.Output());
     EXPECT_EQ(ColourOf(other, L"[Pre-build] Failed"), 0x0000FFu);
     EXPECT_NE(other.Output().find(L"\nfine\n"), std::wstring::npos) << "its result does not stop the build";
+}
+
+TEST(Build, OutputComesAsItIsPrinted) {
+    FakeFolder folder("");
+    const std::string more = Utf8(folder.File(L"more")), end = Utf8(folder.File(L"end"));
+    const std::wstring file = folder.Write(L"a.bas", kHello);
+    folder.Script("print fix: same\nraw fix: same\nawait " + more + "\nraw \\x0D\\x0A\nprint " + Utf8(file) +
+                  "(2,1): error: listed\nraw Name? \nawait " + end + "\nraw Ann \\xC3\\xA9\\xE2\\x82\nexit 1\n");
+    folder.SetIni(L"Editor", L"ShowTerminal", L"1");
+    Editor editor(folder, OpenArgument(file) + L" --compiler kvxa64");
+    editor.Do(IDM_BUILD);
+    EXPECT_TRUE(editor.AwaitOutput(L"\nfix: same\nfix: same")) << "shown while its end is still to come";
+    folder.Write(L"more", "");
+    EXPECT_TRUE(editor.AwaitOutput(L"\nName? "));
+    EXPECT_TRUE(Busy(editor)) << editor.Describe();
+    EXPECT_EQ(Count(editor.Output(), L"fix: same"), 1) << "a repetition goes when it is known to be one";
+    folder.Write(L"end", "");
+    EXPECT_TRUE(editor.AwaitOutput(L"listed\nName? Ann \u00E9\u00E2\u201A\n--- Build")) << Utf8(editor.Output());
+
+    const HWND terminal = editor.Child(IDC_TERMINAL);
+    const std::wstring typed = L"echo " + file + L"(1,1): error: typed";
+    editor.Send(terminal, EM_SETSEL, 0, -1);
+    for (const wchar_t character : typed) editor.Send(terminal, WM_CHAR, character);
+    editor.Send(terminal, WM_KEYDOWN, VK_RETURN);
+    EXPECT_TRUE(editor.AwaitOutput(L"typed\n" + file + L"(1,1): error: typed\n")) << Utf8(editor.Output());
+    EXPECT_EQ(ColourOf(editor, file + L"(1,1): error: typed\n"), 0x0000FFu);
+    editor.Do(IDM_ERROR_NEXT);
+    EXPECT_EQ(editor.Line(), 2) << "the list is the build's";
+
+    editor.Do(IDM_VIEW_OUTPUT);
+    Build(editor);
+    EXPECT_FALSE(IsWindowVisible(editor.Child(IDC_OUTPUT))) << "hidden by the user";
+    EXPECT_EQ(editor.Close(), 0u);
 }
 
 TEST(Build, ASilentCompilersLogIsShown) {
@@ -294,7 +327,7 @@ TEST(Build, ErrorsLeadToTheirPlaces) {
     const std::wstring main = folder.Write(L"main.bas", "1\r\n2\r\n3 three\r\n4\r\n5\r\n");
     // Of another compiler, as the folder's name says.
     const std::wstring part = folder.Write(L"KA32\\part.bas", "a\r\nb bb\r\nc\r\n");
-    folder.Script("print " + Utf8(main) + "(3,4): error: one\r\nprint nothing here\r\nprint " + Utf8(part) +
+    folder.Script("print " + Utf8(main) + "(3,4): error: one\r\nprint nothing here\r\nprint   " + Utf8(part) +
                   ":2:3: warning: two\r\nprint " + Utf8(folder.File(L"gone.bas")) + "(9,9): error: three\r\nprint " +
                   Utf8(main) + "(5,0): fatal error: four\r\nprint " + Utf8(main) + "(12): error: not one\nexit 1\n");
     Editor editor(folder, OpenArgument(main) + L" --compiler kvxa64");
