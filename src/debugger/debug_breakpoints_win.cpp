@@ -54,7 +54,13 @@ int DebugFindBp(const DebuggerState* state, std::uint64_t address) {
     return DebugIsActive(state) ? FindInTable(state->breakpoints, state->breakpointCount, address) : -1;
 }
 
+bool DebugWasRemoved(const DebuggerState& state, std::uint64_t address) {
+    return std::ranges::find(state.removedTraps.addresses, address) != state.removedTraps.addresses.end();
+}
+
 void DebugForgetBreakpoint(DebuggerState* state, int index) {
+    DebugRemovedTraps& removed = state->removedTraps;
+    removed.addresses[removed.next++ % removed.addresses.size()] = EntryAt(state, index).address;
     state->breakpointCount = RemoveFromTable(&state->breakpoints, state->breakpointCount, index);
 }
 
@@ -109,8 +115,12 @@ bool DebugRemoveBreakpoint(DebuggerState* state, std::uint64_t address) {
 
 void DebugRearmBreakpoints(DebuggerState* state) {
     if (!DebugIsActive(state)) return;
-    for (int i = 0; i < state->breakpointCount; ++i)
-        if (EntryAt(state, i).temporary == 0) DebugArm(state, &EntryAt(state, i));
+    // The instruction that a thread is about to run alone must not become a trap again.
+    const std::uint64_t underWay = DebugIsSteppingOff(*state) ? state->stepOff.address : 0;
+    for (int i = 0; i < state->breakpointCount; ++i) {
+        DebugBreakpoint& bp = EntryAt(state, i);
+        if (bp.temporary == 0 && bp.address != underWay) DebugArm(state, &bp);
+    }
 }
 
 void DebugClearBreakpoints(DebuggerState* state) {

@@ -39,6 +39,8 @@ int Stopped(DebuggerState* state, const DEBUG_EVENT& event) {
     state->run = DebugRun::Stopped;
     state->stopThreadId = event.dwThreadId;
     state->runsToUserBreakpoint = 0;
+    state->stepTarget = 0;
+    DebugAbandonStepOff(state);
     if (state->pause == DebugPause::Wanted) state->pause = DebugPause::Overtaken;
     ++state->stopSerial;
     DebugSayLeftOut(state);
@@ -70,14 +72,28 @@ void OnDebugString(DebuggerState* state, const OUTPUT_DEBUG_STRING_INFO& info) {
     DebugSay(kDebugTeal, L"[Debug] %s", text.c_str());
 }
 
-// Index of the entry whose trap raised a breakpoint exception at `address`, or -1. Systems report the address of the
-// trap, or the next one with the instruction pointer on it; only in the second case the byte before `address` is looked
-// up.
-int EntryOfTrap(const DebuggerState* state, const DEBUG_EVENT& event, std::uint64_t address) {
-    const int index = DebugFindBp(state, address);
+// Where a breakpoint exception was reported, and where its thread stands.
+struct TrapReport {
+    std::uint64_t address = 0;
     std::uint64_t ip = 0;
-    if (index >= 0 || !DebugGetIp(*state, event.dwThreadId, &ip) || ip != address) return index;
-    return DebugFindBp(state, address - 1);
+    bool hasIp = false;
+};
+
+// True when the instruction pointer is not on the reported address.
+bool HasOwnIp(const TrapReport& trap) { return !trap.hasIp || trap.ip != trap.address; }
+
+// Index of the entry whose trap raised the exception, or -1. Systems report the address of the trap, or the next one
+// with the instruction pointer on it; only in the second case the byte before the address is looked up.
+int EntryOfTrap(const DebuggerState* state, const TrapReport& trap) {
+    const int index = DebugFindBp(state, trap.address);
+    if (index >= 0 || HasOwnIp(trap)) return index;
+    return DebugFindBp(state, trap.address - 1);
+}
+
+// A stop because an instruction pointer could not be written (DebugMoveIp).
+int StoppedForIp(DebuggerState* state, const DEBUG_EVENT& event, std::uint64_t address) {
+    SetPlace(state, address, PlaceInImage(state->map, state->imageSize, address));
+    return Stopped(state, event);
 }
 
 int OnPlantedBreakpoint(DebuggerState* state, const DEBUG_EVENT& event, int index) {
@@ -87,19 +103,21 @@ int OnPlantedBreakpoint(DebuggerState* state, const DEBUG_EVENT& event, int inde
     DebugRestoreBp(state, address);
     const DebugBreakpoint hit = HitEntry(state, index);
     if (hit.temporary != 0) DebugForgetBreakpoint(state, index);
-    DebugSetIp(*state, event.dwThreadId, ownTrap ? address + 1 : address, false);
+    const bool moved = DebugMoveIp(state, event.dwThreadId, ownTrap ? address + 1 : address);
     state->stopThreadId = event.dwThreadId;  // a condition reads the registers of this thread
     const SourcePlace lastPlace = {static_cast<std::uint32_t>(state->currentLine), state->currentFileId};
     const std::uint64_t lastAddress = state->currentAddress;
     SetPlace(state, address, PlaceInImage(state->map, state->imageSize, address));
-    // A start stops at its line whether the condition there holds or not.
+    // A start and a step stop at their line whether the condition there holds or not.
     const bool ofStart = state->awaits != DebugAwaits::Nothing && address == state->startAddress;
-    if (!ofStart && hit.condition[0] != '\0' && !DebugCheckCondition(state, hit.condition)) {
+    const bool mustStop = ofStart || address == state->stepTarget || !moved;
+    if (!mustStop && hit.condition[0] != '\0' && !DebugCheckCondition(state, hit.condition)) {
         DebugStepOffAndResume(state);
         SetPlace(state, lastAddress, lastPlace);
         return kGoOn;
     }
     if (hit.temporary == 0) ++HitEntry(state, index).hits;
+    DebugNoteStoppedAt(state, event.dwThreadId, address);
     return Stopped(state, event);
 }
 
@@ -115,35 +133,64 @@ int OnPause(DebuggerState* state, const DEBUG_EVENT& event) {
     return result;
 }
 
-TrapEvent TrapEventOf(const DebuggerState& state, std::uint64_t address) {
+TrapEvent TrapEventOf(const DebuggerState& state, const TrapReport& reported) {
+    const std::uint64_t address = reported.address;
     TrapEvent trap = {.address = address,
                       .inImage = address - state.map.imageBase < state.imageSize,
+                      .ipAfter = reported.hasIp && reported.ip == address + 1,
                       .bytes = {},
+                      .removedAt = DebugWasRemoved(state, address),
+                      .removedBefore = !HasOwnIp(reported) && DebugWasRemoved(state, address - 1),
                       .pause = state.pause,
                       .runsToUserBreakpoint = state.runsToUserBreakpoint != 0,
                       .lastLine = state.currentLine,
                       .lastAddress = state.currentAddress};
     std::array<std::uint8_t, 2> bytes = {};
-    if (trap.inImage && DebugReadRaw(state, address - 1, bytes.data(), bytes.size())) trap.bytes = bytes;
+    if (DebugReadRaw(state, address - 1, bytes.data(), bytes.size())) trap.bytes = bytes;
     return trap;
 }
 
-int OnTrap(DebuggerState* state, const DEBUG_EVENT& event, std::uint64_t address) {
-    switch (MeaningOfTrap(state->map, TrapEventOf(*state, address))) {
+// Lets the thread run the instruction at `address` (again).
+int RunAgain(DebuggerState* state, const DEBUG_EVENT& event, std::uint64_t address) {
+    return DebugMoveIp(state, event.dwThreadId, address) ? GoOn(state) : StoppedForIp(state, event, address);
+}
+
+int OnTrap(DebuggerState* state, const DEBUG_EVENT& event, const TrapReport& reported) {
+    const TrapEvent trap = TrapEventOf(*state, reported);
+    switch (MeaningOfTrap(state->map, trap)) {
         case TrapMeaning::Pause: state->pause = DebugPause::None; return OnPause(state, event);
         case TrapMeaning::PauseLate: state->pause = DebugPause::None; return GoOn(state);
-        case TrapMeaning::LateHit: DebugSetIp(*state, event.dwThreadId, address, false); return GoOn(state);
+        case TrapMeaning::LateHit: return RunAgain(state, event, LateHitAddress(trap).value_or(trap.address));
         case TrapMeaning::PassedOver: return GoOn(state);
         case TrapMeaning::Stop: break;
     }
-    SetPlace(state, address, PlaceOfTrap(state->map, address));
+    SetPlace(state, trap.address, PlaceOfTrap(state->map, trap.address));
     return Stopped(state, event);
 }
 
+// The address of the trap that a suspended thread ran onto before it was suspended; nothing: the thread is not
+// suspended, or raised the exception without a trap.
+std::optional<std::uint64_t> TrapOfHeldThread(const DebuggerState& state, const DEBUG_EVENT& event,
+                                              const TrapReport& trap, int index) {
+    if (!DebugIsHeld(state, event.dwThreadId) || !trap.hasIp) return std::nullopt;
+    if (index >= 0) return state.breakpoints[static_cast<std::size_t>(index)].address;
+    return trap.ip == trap.address + 1 ? std::optional(trap.address) : std::nullopt;
+}
+
 int OnBreakpoint(DebuggerState* state, const DEBUG_EVENT& event) {
-    const auto address = reinterpret_cast<std::uint64_t>(event.u.Exception.ExceptionRecord.ExceptionAddress);
-    const int index = EntryOfTrap(state, event, address);
-    return index >= 0 ? OnPlantedBreakpoint(state, event, index) : OnTrap(state, event, address);
+    TrapReport trap = {.address = reinterpret_cast<std::uint64_t>(event.u.Exception.ExceptionRecord.ExceptionAddress)};
+    trap.hasIp = DebugGetIp(*state, event.dwThreadId, &trap.ip);
+    const int index = EntryOfTrap(state, trap);
+    // It runs onto its trap again after the step that is under way, so that each pass is seen once.
+    if (const auto held = TrapOfHeldThread(*state, event, trap, index)) return RunAgain(state, event, *held);
+    if (state->stepOff.threadId == event.dwThreadId) {
+        const DebugStepOff done = state->stepOff;
+        DebugFinishStepOff(state);
+        const bool landed = trap.address == done.landing || (trap.address == done.landing + 1 && !HasOwnIp(trap));
+        if (done.landing != 0 && done.landingByte != kTrapByte && index < 0 && landed)
+            return RunAgain(state, event, done.landing);
+    }
+    return index >= 0 ? OnPlantedBreakpoint(state, event, index) : OnTrap(state, event, trap);
 }
 
 int OnOtherException(DebuggerState* state, const DEBUG_EVENT& event, bool fault) {
@@ -152,11 +199,21 @@ int OnOtherException(DebuggerState* state, const DEBUG_EVENT& event, bool fault)
     constexpr std::size_t kLine = 60;
     if (MayReport(state, kLine))
         DebugSay(kDebugRed, L"[Debug] Exception 0x%08lX at 0x%p\n", record.ExceptionCode, record.ExceptionAddress);
-    if (!HoldAtFault(&state->faults, fault, address)) return GoOn(state);
+    if (!HoldAtFault(&state->faults, fault, address)) {
+        DebugRepeatStepOff(state, event.dwThreadId);
+        return GoOn(state);
+    }
     DebugSay(kDebugRed, L"[Debug] The instruction has failed %lu times in a row; the program is held there.\n",
              static_cast<unsigned long>(kFaultsInARow));
     SetPlace(state, address, PlaceInImage(state->map, state->imageSize, address));
     return Stopped(state, event);
+}
+
+void OnSingleStep(DebuggerState* state, std::uint32_t threadId) {
+    if (state->stepOff.threadId == threadId)
+        DebugFinishStepOff(state);
+    else
+        DebugRearmBreakpoints(state);
 }
 
 int OnException(DebuggerState* state, const DEBUG_EVENT& event) {
@@ -164,7 +221,7 @@ int OnException(DebuggerState* state, const DEBUG_EVENT& event) {
     if (kind != ExceptionKind::Fault) state->faults.count = 0;
     switch (kind) {
         case ExceptionKind::Breakpoint: return OnBreakpoint(state, event);
-        case ExceptionKind::SingleStep: DebugRearmBreakpoints(state); return GoOn(state);
+        case ExceptionKind::SingleStep: OnSingleStep(state, event.dwThreadId); return GoOn(state);
         default: return OnOtherException(state, event, kind == ExceptionKind::Fault);
     }
 }
@@ -192,6 +249,7 @@ int OnEvent(DebuggerState* state, const DEBUG_EVENT& event) {
         case EXIT_PROCESS_DEBUG_EVENT: return OnExitProcess(state, event);
         case EXCEPTION_DEBUG_EVENT: return OnException(state, event);
         case EXIT_THREAD_DEBUG_EVENT: {
+            if (state->stepOff.threadId == event.dwThreadId) DebugFinishStepOff(state);
             const int result = GoOn(state);
             DebugCloseThread(state, event.dwThreadId);
             return result;
@@ -226,7 +284,7 @@ int DebugWaitEvent(DebuggerState* state, DWORD timeoutMs) {
             if (const int result = OnEvent(state, event); result != kGoOn) return result;
             started = GetTickCount64();
             least = kNextEventMs;
-        } else if (left == 0) {
+        } else if (DebugCheckStepOffTime(state); left == 0) {
             return kDebugTimeout;
         } else if (GetLastError() != ERROR_SEM_TIMEOUT) {
             AppLogMsg(L"FAIL: DebugWaitEvent error=%lu", GetLastError());

@@ -27,11 +27,36 @@ void DebugForgetBreakpoint(DebuggerState* state, int index);
 // Removes the entries of steps and puts their bytes back.
 void DebugForgetTemporaries(DebuggerState* state);
 
-// Continues the pending event.
+// True when a breakpoint was lately removed at the address.
+bool DebugWasRemoved(const DebuggerState& state, std::uint64_t address);
+
+// Continues the pending event. False, and the program stays stopped: it cannot be continued, or an instruction pointer
+// is owed and cannot be written.
 bool DebugResume(DebuggerState* state);
-// Arms the user's breakpoints and resumes the program. A breakpoint that the stopped thread stands on is armed by the
-// single-step event after its instruction.
+// Sets the instruction pointer as DebugSetIp does. When that fails, it is owed: the output pane says so, and no resume
+// succeeds before it is written. Otherwise the thread would run on inside an instruction.
+bool DebugMoveIp(DebuggerState* state, std::uint32_t threadId, std::uint64_t address);
+
+// --- Stepping off breakpoints (debug_step_off_win.cpp)
+// Arms the user's breakpoints and resumes the program. A thread that stands on one runs its instruction first, while
+// the others are suspended. False: see DebugResume.
 bool DebugStepOffAndResume(DebuggerState* state);
+// The thread has run the instruction: arms all breakpoints. The next thread that stands on one is next, or all run.
+void DebugFinishStepOff(DebuggerState* state);
+// Gives up stepping off: the other threads are released, the trap after the instruction goes; the breakpoint stays
+// disarmed.
+void DebugAbandonStepOff(DebuggerState* state);
+// The instruction has failed and will run again: it is stepped off as before.
+void DebugRepeatStepOff(DebuggerState* state, std::uint32_t threadId);
+// Notes that a thread has stopped at the breakpoint there.
+void DebugNoteStoppedAt(DebuggerState* state, std::uint32_t threadId, std::uint64_t address);
+// True when the thread is suspended for the step of another.
+bool DebugIsHeld(const DebuggerState& state, std::uint32_t threadId);
+// Releases the other threads when the instruction takes too long, because it may wait for one of them (a system call).
+void DebugCheckStepOffTime(DebuggerState* state);
+// A thread was created, which must wait as the others do.
+void DebugHoldNewThread(DebuggerState* state, std::uint32_t threadId);
+inline bool DebugIsSteppingOff(const DebuggerState& state) { return state.stepOff.threadId != 0; }
 
 // Stores the handles of process and threads that an event carries, closes its file handle, and notes the image's base
 // and size.

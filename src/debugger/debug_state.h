@@ -8,6 +8,7 @@
 
 #include <windows.h>
 
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -15,6 +16,34 @@ struct DebugThread {
     std::uint32_t id = 0;
     HANDLE handle = nullptr;  // from the event; debug_threads_win.cpp says who closes it
     std::uint64_t start = 0;  // start address, 0 for the main thread
+    // The breakpoint at which this thread has stopped and whose instruction it may not have run yet; 0: none.
+    std::uint64_t stoppedAt = 0;
+    bool held = false;  // suspended while another thread steps off a breakpoint
+};
+
+// One thread runs the one instruction under a breakpoint, whose trap byte is out meanwhile. The other threads are
+// suspended, because they would pass the place unnoticed.
+struct DebugStepOff {
+    std::uint32_t threadId = 0;  // 0: none
+    std::uint64_t address = 0;   // of the instruction
+    // A repeated string instruction raises a single step after each repetition. Therefore a trap after it is used
+    // instead of the trap flag. 0: the trap flag is used.
+    std::uint64_t landing = 0;
+    std::uint8_t landingByte = 0;  // the program's byte there; CC: nothing was written
+    std::uint64_t since = 0;       // GetTickCount64 value
+};
+
+// An instruction pointer that could not be written. The program must not run on before it is.
+struct DebugOwedIp {
+    std::uint32_t threadId = 0;  // 0: none
+    std::uint64_t address = 0;
+};
+
+// Addresses of the breakpoints that were removed last. A thread may have hit one before, and its event is still to
+// come.
+struct DebugRemovedTraps {
+    std::array<std::uint64_t, 64> addresses{};
+    std::size_t next = 0;
 };
 
 struct DebuggerState {
@@ -29,6 +58,10 @@ struct DebuggerState {
     std::uint64_t currentAddress = 0;  // the breakpoint's, or the exception's
     BreakpointTable breakpoints{};
     std::int32_t breakpointCount = 0;
+    DebugRemovedTraps removedTraps;
+    DebugStepOff stepOff;
+    DebugOwedIp owedIp;
+    std::uint64_t stepTarget = 0;  // of the step under way: a stop there whatever its condition says. 0: none
     std::uint32_t isX64 = 0;
     DebugRun run = DebugRun::None;
     std::uint32_t mainThreadId = 0;

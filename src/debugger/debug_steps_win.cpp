@@ -26,7 +26,9 @@ bool LeaveStop(DebuggerState* state) {
 bool StepTo(DebuggerState* state, const StepTarget& target) {
     if (target.kind != StepTarget::Kind::Address) return false;
     if (state->breakpointCount >= kMaxBreakpoints) DebugForgetTemporaries(state);
-    return DebugSetTempBp(state, target.address, static_cast<int>(target.line)) && LeaveStop(state);
+    if (!DebugSetTempBp(state, target.address, static_cast<int>(target.line))) return false;
+    state->stepTarget = target.address;
+    return LeaveStop(state);
 }
 
 // Runs to a line that the user names, past the program's own traps and the targets of earlier steps.
@@ -39,21 +41,6 @@ bool RunToTarget(DebuggerState* state, const StepTarget& target) {
 }
 
 }  // namespace
-
-bool DebugStepOffAndResume(DebuggerState* state) {
-    std::uint64_t ip = 0;
-    // After a trap of the program's own, the instruction pointer is past `currentAddress`, and a breakpoint there was
-    // not reached yet.
-    const bool known = DebugGetIp(*state, state->stopThreadId, &ip) && ip == state->currentAddress;
-    const int index = known ? DebugFindBp(state, ip) : -1;
-    if (index >= 0) DebugRestoreBp(state, ip);
-    for (int i = 0; i < state->breakpointCount; ++i) {
-        DebugBreakpoint& bp = state->breakpoints[static_cast<std::size_t>(i)];
-        if (i != index && bp.temporary == 0) DebugArm(state, &bp);
-    }
-    if (index >= 0) DebugSetIp(*state, state->stopThreadId, ip, true);
-    return DebugResume(state);
-}
 
 bool DebugStepOver(DebuggerState* state) {
     if (!CanStep(state)) return false;

@@ -8,6 +8,7 @@
 #include "base/log.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -97,11 +98,27 @@ bool DebugSetIp(const DebuggerState& state, std::uint32_t threadId, std::uint64_
             &context, [thread](WOW64_CONTEXT* c) { return Wow64GetThreadContext(thread, c) != 0; },
             [thread](WOW64_CONTEXT* c) { return Wow64SetThreadContext(thread, c) != 0; }, address, trapOnce);
     }
-    if (!done) AppLogMsg(L"FAIL: DebugSetIp thread=%lu error=%lu", threadId, GetLastError());
+    if (!done) {
+        const DWORD error = GetLastError();
+        AppLogMsg(L"FAIL: DebugSetIp thread=%lu error=%lu", threadId, error);
+        SetLastError(error);
+    }
     return done;
 }
 
+bool DebugMoveIp(DebuggerState* state, std::uint32_t threadId, std::uint64_t address) {
+    if (DebugSetIp(*state, threadId, address, false)) return true;
+    state->owedIp = {.threadId = threadId, .address = address};
+    DebugSay(kDebugRed,
+             L"[Debug] The instruction pointer of thread %lu cannot be set to 0x%llX (Win32 error %lu). The program is "
+             L"held, because it would run on inside an instruction.\n",
+             static_cast<unsigned long>(threadId), address, GetLastError());
+    return false;
+}
+
 bool DebugResume(DebuggerState* state) {
+    if (const DebugOwedIp owed = std::exchange(state->owedIp, {}); owed.threadId != 0)
+        if (!DebugMoveIp(state, owed.threadId, owed.address)) return false;
     if (!ContinueDebugEvent(state->processId, state->threadId, kContinueStatus)) {
         AppLogMsg(L"FAIL: ContinueDebugEvent error=%lu", GetLastError());
         return false;
@@ -119,6 +136,7 @@ void DebugNoteEvent(DebuggerState* state, const DEBUG_EVENT& event) {
             state->threads.push_back({.id = event.dwThreadId,
                                       .handle = info.hThread,
                                       .start = reinterpret_cast<std::uint64_t>(info.lpStartAddress)});
+            DebugHoldNewThread(state, event.dwThreadId);
             break;
         }
         case LOAD_DLL_DEBUG_EVENT: CloseIfOpen(event.u.LoadDll.hFile); break;

@@ -3,7 +3,9 @@
 
 #include "program/sdbg_map.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 
 struct StepTarget {
     enum class Kind : std::uint8_t {
@@ -19,5 +21,8 @@ struct StepTarget {
 StepTarget StepOverTarget(const SdbgMap& map, std::uint64_t currentAddress);
 // Target of a step into or out of a procedure, at `address`; 0 gives None.
 StepTarget StepTargetAt(const SdbgMap& map, std::uint64_t address);
+// Length in bytes of the instruction at the start of `bytes` when it is a string instruction that REP repeats; 0 for any
+// other.
+std::size_t RepeatedInstructionLength(std::span<const std::uint8_t> bytes, bool x64);
 // Target of a run to a line, whose code is at `rva`; 0 (no code) gives None.
 StepTarget RunTarget(const SdbgMap& map, std::uint32_t rva, int line);

@@ -26,15 +26,18 @@ constexpr std::uint32_t kFaults[] = {
     0x80000002,  // misaligned data
 };
 
-// True when the byte at the address is no trap (any more), and no trap of one or two bytes ends before it.
-bool IsLateHit(const TrapEvent& trap) {
-    if (!trap.bytes) return false;
-    const auto [before, at] = *trap.bytes;
-    constexpr std::uint8_t kInterrupt = 0xCD, kBreakpointVector = 0x03;  // INT 3 in two bytes
-    return at != kTrapByte && before != kTrapByte && !(before == kInterrupt && at == kBreakpointVector);
-}
+bool IsInterruptOfTwoBytes(std::uint8_t first, std::uint8_t second) { return first == 0xCD && second == 0x03; }
 
 }  // namespace
+
+std::optional<std::uint64_t> LateHitAddress(const TrapEvent& trap) {
+    const auto [before, at] = trap.bytes.value_or(std::array<std::uint8_t, 2>{});
+    if (trap.bytes && at != kTrapByte && trap.removedAt) return trap.address;
+    if (!trap.ipAfter)
+        return trap.bytes && before != kTrapByte && trap.removedBefore ? std::optional(trap.address - 1) : std::nullopt;
+    const bool gone = trap.bytes && at != kTrapByte && !IsInterruptOfTwoBytes(before, at);
+    return trap.inImage && gone ? std::optional(trap.address) : std::nullopt;
+}
 
 ExceptionKind ExceptionKindOf(std::uint32_t code) {
     switch (code) {
@@ -91,9 +94,9 @@ bool IsRepeatedTrap(const SdbgMap& map, SourcePlace place, std::uint64_t address
 }
 
 TrapMeaning MeaningOfTrap(const SdbgMap& map, const TrapEvent& trap) {
+    if (LateHitAddress(trap)) return TrapMeaning::LateHit;
     if (trap.pause != DebugPause::None && !trap.inImage)
         return trap.pause == DebugPause::Overtaken ? TrapMeaning::PauseLate : TrapMeaning::Pause;
-    if (trap.inImage && IsLateHit(trap)) return TrapMeaning::LateHit;
     const SourcePlace place = PlaceOfTrap(map, trap.address);
     if (IsRepeatedTrap(map, place, trap.address, trap.lastLine, trap.lastAddress)) return TrapMeaning::PassedOver;
     if (map.nativeTrapMap != 0 && place.line != 0 && trap.runsToUserBreakpoint) return TrapMeaning::PassedOver;

@@ -79,8 +79,11 @@ bool IsRepeatedTrap(const SdbgMap& map, SourcePlace place, std::uint64_t address
 struct TrapEvent {
     std::uint64_t address = 0;
     bool inImage = false;  // of the executable
-    // The bytes before and at the address; nothing: not readable, or not in the image.
-    std::optional<std::array<std::uint8_t, 2>> bytes;
+    bool ipAfter = false;  // the instruction pointer is one byte after the address, and not on it
+    std::optional<std::array<std::uint8_t, 2>> bytes;  // before the address and at it; nothing: not readable
+    // A breakpoint was lately removed at the address, or one byte before it.
+    bool removedAt = false;
+    bool removedBefore = false;
     DebugPause pause = DebugPause::None;
     bool runsToUserBreakpoint = false;  // traps of the program's own are no stops until one is reached
     std::int32_t lastLine = 0;          // of the last stop
@@ -94,6 +97,9 @@ enum class TrapMeaning : std::uint8_t {
     Stop,
 };
 TrapMeaning MeaningOfTrap(const SdbgMap& map, const TrapEvent& trap);
+// The address of the instruction that a thread must run after a late hit; nothing: it is none. With the instruction
+// pointer after the address only the byte at the address tells, because the byte before it may be CC in ordinary code.
+std::optional<std::uint64_t> LateHitAddress(const TrapEvent& trap);
 
 // --- The start
 struct StartStop {

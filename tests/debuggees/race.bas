@@ -5,7 +5,7 @@ FUNCTION PBMAIN () AS LONG
 END FUNCTION
 
 FUNCTION Work () AS LONG
-    FOR i = 0 TO 99
+    FOR i = 0 TO 24
         INCR passed
     NEXT i
 END FUNCTION

@@ -1,4 +1,5 @@
-// Four threads pass line 9 a hundred times each, all at once; the exit code is the number of passes.
+// Four threads pass line 9 twenty-five times each, all at once; the exit code is the number of passes. The byte before
+// line 9 is CC, as it may be in ordinary code.
 #include "debuggee.h"
 
 volatile LONG passed = 0;
@@ -18,7 +19,8 @@ void start(void) {
 DWORD WINAPI Work(void* nothing) {
     (void)nothing;
     AT(8);
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 25; ++i) {
+        __asm__ volatile("lea -0x34(" FRAME_POINTER "), %eax");
         AT(9);
         __asm__ volatile("lock incl %0" : "+m"(passed));
     }

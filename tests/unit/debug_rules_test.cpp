@@ -92,9 +92,18 @@ TEST(DebugRules, WhatATrapMeans) {
     constexpr std::uint64_t kBase = 0x140000000;
     const auto ofSystem = [](DebugPause pause) { return TrapEvent{.address = 1, .bytes = {}, .pause = pause}; };
     const auto at = [](std::uint64_t rva, std::uint8_t before, std::uint8_t there, bool runs = false) {
-        return TrapEvent{
-            .address = kBase + rva, .inImage = true, .bytes = {{before, there}}, .runsToUserBreakpoint = runs};
+        return TrapEvent{.address = kBase + rva,
+                         .inImage = true,
+                         .ipAfter = true,
+                         .bytes = {{before, there}},
+                         .runsToUserBreakpoint = runs};
     };
+    TrapEvent library = at(0x9010, 0x90, 0x55), libraryKnown = library, onIt = at(0x1011, 0x55, 0x90);
+    library.inImage = libraryKnown.inImage = onIt.ipAfter = false;
+    libraryKnown.removedAt = true;
+    TrapEvent onItKnown = onIt;
+    onItKnown.removedBefore = true;
+    EXPECT_EQ(LateHitAddress(onItKnown), kBase + 0x1010) << "reported with the address after the trap";
     TrapEvent paused = at(0x1010, 0x90, 0xCC), unread = paused, second = at(0x1011, 0xCC, 0xCC);
     paused.pause = DebugPause::Wanted;
     unread.bytes.reset();
@@ -110,7 +119,11 @@ TEST(DebugRules, WhatATrapMeans) {
         {"the same after another stop", false, ofSystem(DebugPause::Overtaken), TrapMeaning::PauseLate},
         {"of the program, when a pause is wanted", false, paused, TrapMeaning::Stop},
         {"the byte is back", false, at(0x1010, 0x90, 0x55), TrapMeaning::LateHit},
-        {"a trap ends there", false, at(0x1010, 0xCC, 0x55), TrapMeaning::Stop},
+        {"the byte is back, and CC is before it", false, at(0x1010, 0xCC, 0x55), TrapMeaning::LateHit},
+        {"no trap in a library", false, library, TrapMeaning::Stop},
+        {"a breakpoint that was removed from a library", false, libraryKnown, TrapMeaning::LateHit},
+        {"raised on an address", false, onIt, TrapMeaning::Stop},
+        {"one removed before the address", false, onItKnown, TrapMeaning::LateHit},
         {"a trap of two bytes", false, at(0x1010, 0xCD, 0x03), TrapMeaning::Stop},
         {"not readable", false, unread, TrapMeaning::Stop},
         {"a statement's", true, at(0x1010, 0x90, 0xCC), TrapMeaning::Stop},

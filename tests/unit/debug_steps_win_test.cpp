@@ -115,6 +115,34 @@ TEST_P(DebugSteps, ABreakpointOnTheTargetStays) {
     EXPECT_EQ(Step(), 4);
 }
 
+// The target of a step is a stop even where the user's condition does not hold.
+TEST_P(DebugSteps, AStepStopsOnABreakpointWhoseConditionIsFalse) {
+    ASSERT_TRUE(Start("loop"));
+    ASSERT_TRUE(DebugSetConditionalBreakpoint(&state, 3, "1==2"));
+    ASSERT_TRUE(DebugSetConditionalBreakpoint(&state, 5, "1==2"));
+    EXPECT_EQ(Step(), 3);
+    EXPECT_EQ(Count(), 1u);
+    EXPECT_EQ(RunTo(5), 5) << "not at 3 in the next turn";
+    ContinueToTheEnd(55u);
+}
+
+// One stop for each arrival, however often the instruction repeats itself.
+TEST_P(DebugSteps, ARepeatedInstructionIsLeftAsOne) {
+    ASSERT_TRUE(Start("repeats"));
+    ASSERT_TRUE(DebugSetBreakpoint(&state, 3));
+    ASSERT_TRUE(DebugSetBreakpoint(&state, 4));
+    for (int turn = 0; turn < 2; ++turn) {
+        ASSERT_TRUE(DebugContinue(&state));
+        EXPECT_EQ(Arrive(), 3);
+        ASSERT_TRUE(DebugContinue(&state));
+        EXPECT_EQ(Arrive(), 4) << "which begins right after it";
+    }
+    ASSERT_TRUE(DebugRemoveBreakpoint(&state, AddressOf(4)));
+    ASSERT_TRUE(DebugContinue(&state));
+    EXPECT_EQ(Arrive(), 3);
+    ContinueToTheEnd(3 * 'x');
+}
+
 // --- Programs with trap bytes of their own
 
 class DebugTraps : public DebugBothTest {

@@ -13,8 +13,9 @@ struct Victim {
     DWORD exitCode;
     int lastLine;
 };
-constexpr Victim kVictims[] = {{"straight", 42, 7}, {"loop", 55, 6},       {"calls", 9, 7},    {"recursion", 40, 13},
-                               {"threads", 5, 8},   {"single_step", 3, 8}, {"own_trap", 2, 4}, {"race", 400, 11}};
+constexpr Victim kVictims[] = {{"straight", 42, 7},   {"loop", 55, 6},   {"calls", 9, 7},
+                               {"recursion", 40, 13}, {"threads", 5, 8}, {"single_step", 3, 8},
+                               {"own_trap", 2, 4},    {"race", 100, 11}, {"repeats", 3 * 'x', 6}};
 
 class DebugTorture : public DebugBothTest {
 protected:
