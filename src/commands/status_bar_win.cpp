@@ -26,12 +26,18 @@ namespace {
 // message to the control takes longer.
 std::array<std::wstring, kStatusPartCount> g_texts;
 
+// True while the control takes a text. It then asks for a paint at once, which would delay the keys that wait: the part
+// stays invalid and is painted when the message queue is empty.
+bool g_takesText = false;
+
 void SetStatusPart(int part, const std::wstring& text) {
     std::wstring& shown = g_texts[static_cast<std::size_t>(part)];
     if (g_commands.hStatusBar == nullptr || text == shown) return;
     shown = text;
+    g_takesText = true;
     SendMessageW(g_commands.hStatusBar, SB_SETTEXTW, static_cast<WPARAM>(part | SBT_NOBORDERS),
                  reinterpret_cast<LPARAM>(text.c_str()));
+    g_takesText = false;
 }
 
 void PaintStatusPart(HDC dc, int part, const RECT& area, const ThemeChrome& chrome) {
@@ -62,7 +68,8 @@ void PaintStatusBar(HWND window) {
     int left = 0;
     for (int part = 0; part < kStatusPartCount; ++part) {
         const int right = ends[part] < 0 ? static_cast<int>(client.right) : ends[part];
-        PaintStatusPart(dc, part, {left, 1, right, client.bottom}, chrome);
+        if (left < paint.Area().right && right > paint.Area().left)
+            PaintStatusPart(dc, part, {left, 1, right, client.bottom}, chrome);
         left = right;
     }
     SelectObject(dc, oldFont);
@@ -71,7 +78,9 @@ void PaintStatusBar(HWND window) {
 LRESULT CALLBACK StatusBarProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
     switch (message) {
         case WM_ERASEBKGND: return 1;
-        case WM_PAINT: PaintStatusBar(window); return 0;
+        case WM_PAINT:
+            if (!g_takesText) PaintStatusBar(window);
+            return 0;
         case WM_NCDESTROY: RemoveWindowSubclass(window, StatusBarProc, 1); break;
         default: break;
     }

@@ -8,8 +8,9 @@
 
 #include <span>
 
-// Answers WM_PAINT. What is drawn on Dc() is copied to the screen at the end of the scope. When there is no memory for
-// a bitmap, Dc() is the screen itself.
+// Answers WM_PAINT. What is drawn on Dc(), in the window's coordinates, is copied to the screen at the end of the scope.
+// Only Area() is copied, so what lies outside of it need not be drawn. When there is no memory for a bitmap, Dc() is the
+// screen itself.
 class BufferedPaint {
 public:
     explicit BufferedPaint(HWND window);
@@ -19,6 +20,7 @@ public:
 
     HDC Dc() const { return memory_ ? memory_.Get() : screen_; }
     const RECT& Client() const { return client_; }
+    const RECT& Area() const { return paint_.rcPaint; }
 
 private:
     HWND window_;

@@ -39,14 +39,20 @@ BufferedPaint::BufferedPaint(HWND window) : window_(window) {
     screen_ = BeginPaint(window, &paint_);
     GetClientRect(window, &client_);
     if (screen_ == nullptr) return;
-    bitmap_.Reset(CreateCompatibleBitmap(screen_, std::max<int>(client_.right, 1), std::max<int>(client_.bottom, 1)));
+    const RECT& area = paint_.rcPaint;
+    bitmap_.Reset(CreateCompatibleBitmap(screen_, std::max<int>(area.right - area.left, 1),
+                                         std::max<int>(area.bottom - area.top, 1)));
     if (bitmap_) memory_.Reset(CreateCompatibleDC(screen_));
-    if (memory_) oldBitmap_ = SelectObject(memory_.Get(), bitmap_.Get());
+    if (!memory_) return;
+    oldBitmap_ = SelectObject(memory_.Get(), bitmap_.Get());
+    SetWindowOrgEx(memory_.Get(), area.left, area.top, nullptr);
 }
 
 BufferedPaint::~BufferedPaint() {
     if (memory_) {
-        BitBlt(screen_, 0, 0, client_.right, client_.bottom, memory_.Get(), 0, 0, SRCCOPY);
+        const RECT& area = paint_.rcPaint;
+        BitBlt(screen_, area.left, area.top, area.right - area.left, area.bottom - area.top, memory_.Get(), area.left,
+               area.top, SRCCOPY);
         SelectObject(memory_.Get(), oldBitmap_);
     }
     EndPaint(window_, &paint_);
