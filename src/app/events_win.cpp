@@ -64,6 +64,7 @@ void MainWnd_ConnectEvents() {
     g_events.debuggerChanged = DebugPaneInvalidate;
     g_events.statusText = StatusBarSetText;
     g_events.statusProgress = StatusBarSetProgress;
+    g_events.noticeWanted = MainWnd_OnNoticeWanted;
     g_events.layoutWanted = MainWindow_Layout;
     g_events.refreshNow = MenuUpdateState;
     g_events.refreshWanted = MainWindow_RequestStateRefresh;

@@ -46,6 +46,9 @@ void MainWnd_OnDropFiles(HDROP drop);
 void MainWnd_OnCommand(int command, int notification, HWND control);
 void MainWnd_OnInitMenuPopup(HMENU menu);
 std::vector<CommandHandler> AllCommandHandlers();  // the tables of all areas
+// notices_win.cpp
+void MainWnd_OnNoticeWanted(const wchar_t* text);
+void MainWnd_ShowNotices();  // in message boxes, one after the other
 // settings_apply_win.cpp
 void MainWnd_OnSettingsChanged(const Settings& before);
 void MainWnd_ApplyTimers(HWND window);  // starts or stops the timers for automatic saving by the settings

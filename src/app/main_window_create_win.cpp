@@ -53,12 +53,11 @@ void CreateChildren(HWND window) {
 }
 
 void LoadSettings() {
-    wchar_t ini[kPathCapacity] = {};
-    GetIniPath(nullptr, ini, kPathCapacity);
-    const bool existed = FileExists(ini);
     SettingsLoad(nullptr);
+    wchar_t ini[kPathCapacity] = {};
+    GetIniPath(nullptr, ini, kPathCapacity);  // after the load, which may choose another folder
     SettingsAutoDetectCompilers();
-    if (!existed) SettingsSave(nullptr);
+    if (!FileExists(ini)) SettingsSave(nullptr);
     RegisterFileExtensions();
     MainWindow_UpdateCompilerSelection();
     if (g_app.settings.projectRoot[0] != L'\0') ProjectTreePopulate();

@@ -11,6 +11,7 @@ static bool g_refreshWanted = false;
 void MainWindow_RequestStateRefresh() { g_refreshWanted = true; }
 
 void MainWnd_RunPendingRefresh() {
+    MainWnd_ShowNotices();
     if (!g_refreshWanted || g_app.hToolbar == nullptr) return;
     g_refreshWanted = false;
     StatusBarUpdatePosition();

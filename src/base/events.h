@@ -43,6 +43,7 @@ struct Events {
     // --- What the frame shows for everyone
     Event<const wchar_t*> statusText;      // first part of the status bar; shown until the next text
     Event<const wchar_t*> statusProgress;  // elapsed time and moving mark of a running build; empty: none runs
+    Event<const wchar_t*> noticeWanted;    // what the user must be told in a message box, once none is open
     Event<> layoutWanted;                  // panes were shown, hidden or resized and must be placed at once
     Event<> refreshNow;                    // update menu and toolbar at once: a build or a debug session begins or ends
     Event<> refreshWanted;                 // update menu, toolbar and position once the message queue is empty

@@ -2,12 +2,10 @@
 #include "files/recovery.h"
 
 #include "files/file_io.h"
+#include "files/user_folder.h"
 #include "files/whole_file.h"
 
-#include <shlobj.h>
-
 #include <atomic>
-#include <iterator>
 #include <mutex>
 
 namespace {
@@ -15,21 +13,6 @@ namespace {
 std::mutex g_keptLock;
 KeptCopies g_kept;  // guarded by g_keptLock
 std::atomic<std::uint32_t> g_nextNumber{1};
-
-// The environment variable LOCALAPPDATA comes first: a user can redirect it, and SHGetFolderPathW would load the
-// libraries of the shell during a save.
-std::wstring LocalAppData() {
-    wchar_t folder[1024];
-    const DWORD length = GetEnvironmentVariableW(L"LOCALAPPDATA", folder, static_cast<DWORD>(std::size(folder)));
-    if (length > 0 && length < std::size(folder)) return folder;
-    wchar_t known[MAX_PATH];
-    return SUCCEEDED(SHGetFolderPathW(nullptr, CSIDL_LOCAL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, known)) ? known : L"";
-}
-
-bool EnsureFolder(const std::wstring& folder) {
-    return CreateDirectoryW(PathForSystem(folder.c_str()).c_str(), nullptr) != FALSE ||
-           GetLastError() == ERROR_ALREADY_EXISTS;
-}
 
 // A copy that cannot be written whole is deleted, because half a copy would mislead the user.
 bool WriteCopy(const std::wstring& path, std::string_view bytes) {
@@ -71,13 +54,9 @@ bool WriteInUserFolder(const wchar_t* target, const char* bytes, std::size_t len
 }  // namespace
 
 std::wstring RecoveryFolder() {
-    std::wstring folder = LocalAppData();
-    if (folder.empty()) return {};
-    for (const wchar_t* part : {L"\\KVX-Editor", L"\\Recovery"}) {
-        folder += part;
-        if (!EnsureFolder(folder)) return {};
-    }
-    return folder + L'\\';
+    const std::wstring parent = UserFolder();
+    const std::wstring folder = parent + L"Recovery";
+    return !parent.empty() && EnsureFolder(folder) ? folder + L'\\' : std::wstring{};
 }
 
 bool RecoveryWrite(const wchar_t* target, const char* bytes, std::size_t length, RecoveryCopy* copy) {

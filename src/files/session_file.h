@@ -1,9 +1,12 @@
-// Replaces small files in one step: sessions and workspaces. Any thread.
+// Replaces small files in one step: settings, sessions and workspaces. Any thread.
 #pragma once
 
 #include <string_view>
 
 // Writes the bytes to a file beside `path`, flushes it and renames it to `path`. So a crash leaves either the old file
-// or the new one. When no file can be made beside it, `path` itself is written. Returns false when it could not be
-// written.
+// or the new one. The name of the file beside it holds the process id. Returns false when it could not be written:
+// `path` is unchanged then, and GetLastError() tells the reason. Waits up to 100 ms for a program that has `path` open.
+bool ReplaceFileWhole(const wchar_t* path, std::string_view bytes);
+
+// The same, but writes `path` itself when no file can be made beside it.
 bool ReplaceFileWithText(const wchar_t* path, std::string_view bytes);

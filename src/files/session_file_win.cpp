@@ -5,17 +5,33 @@
 
 #include <string>
 
-bool ReplaceFileWithText(const wchar_t* path, std::string_view bytes) {
+// A program that reads the target keeps it from being replaced; most are done within a moment.
+static bool MoveInPlace(const std::wstring& from, const std::wstring& to) {
+    constexpr int kTries = 6;
+    constexpr DWORD kPause = 20;  // ms
+    for (int attempt = 1;; ++attempt) {
+        if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE)
+            return true;
+        const DWORD error = GetLastError();
+        if (attempt == kTries || (error != ERROR_SHARING_VIOLATION && error != ERROR_ACCESS_DENIED)) return false;
+        Sleep(kPause);
+    }
+}
+
+bool ReplaceFileWhole(const wchar_t* path, std::string_view bytes) {
     // The name holds the process id, so that two editors that close at the same time do not write to one file.
     const std::wstring beside = std::wstring{path} + L"." + std::to_wstring(GetCurrentProcessId()) + L".tmp";
     const std::wstring systemBeside = PathForSystem(beside.c_str());
-    if (WriteWholeFile(systemBeside, bytes, {}) &&
-        MoveFileExW(systemBeside.c_str(), PathForSystem(path).c_str(),
-                    MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != FALSE)
-        return true;
+    if (WriteWholeFile(systemBeside, bytes, {}) && MoveInPlace(systemBeside, PathForSystem(path))) return true;
     const DWORD error = GetLastError();
     DeleteFileW(systemBeside.c_str());  // there may be none
+    SetLastError(error);
+    return false;
+}
+
+bool ReplaceFileWithText(const wchar_t* path, std::string_view bytes) {
+    if (ReplaceFileWhole(path, bytes)) return true;
     // A folder that takes no new file may still have a file that can be written. After ERROR_DISK_FULL that is not
     // tried, because it would cost the old content as well.
-    return error != ERROR_DISK_FULL && WriteFileUtf8(path, bytes.data(), bytes.size());
+    return GetLastError() != ERROR_DISK_FULL && WriteFileUtf8(path, bytes.data(), bytes.size());
 }

@@ -32,7 +32,7 @@ void CompilerPathResolved(std::uint32_t id, wchar_t* out, std::size_t capacity) 
         return;
     }
     wchar_t directory[kPathCapacity] = {};
-    GetIniDir(nullptr, directory, kPathCapacity);
+    AppExeDirectory(directory, kPathCapacity);
     PathJoin(directory, path, out, capacity);
 }
 

@@ -16,6 +16,12 @@ std::wstring SecretText(std::span<const std::uint8_t> sealed) {
     return text;
 }
 
+bool IsSecretText(std::wstring_view stored) { return stored.starts_with(kSecretPrefix); }
+
+std::wstring SecretPieceKey(std::wstring_view key, int piece) {
+    return std::wstring{key} + (piece > 1 ? std::to_wstring(piece) : std::wstring{});
+}
+
 std::vector<std::uint8_t> SecretBytes(std::wstring_view stored) {
     std::vector<std::uint8_t> bytes;
     if (!stored.starts_with(kSecretPrefix)) return bytes;

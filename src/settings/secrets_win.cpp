@@ -20,24 +20,25 @@ void Wipe(void* bytes, std::size_t length) { SecureZeroMemory(bytes, length); }
 
 }  // namespace
 
-bool EncryptString(const wchar_t* clearText, wchar_t* out, std::size_t capacity) {
-    if (clearText == nullptr || out == nullptr || capacity == 0) return false;
-    if (clearText[0] == L'\0') {
-        out[0] = L'\0';
-        return true;
-    }
+std::wstring ProtectedText(const wchar_t* clearText) {
+    if (clearText == nullptr || clearText[0] == L'\0') return {};
     const HeapBlock<char> utf8{WideToUtf8(clearText)};
-    out[0] = L'\0';
-    if (!utf8) return false;
+    if (!utf8) return {};
     const std::size_t length = std::strlen(utf8.get());
     DATA_BLOB clear = {.cbData = static_cast<DWORD>(length), .pbData = reinterpret_cast<BYTE*>(utf8.get())};
     DATA_BLOB sealed = {};
     const BOOL done = CryptProtectData(&clear, nullptr, nullptr, nullptr, nullptr, CRYPTPROTECT_UI_FORBIDDEN, &sealed);
     Wipe(utf8.get(), length);
     const LocalBlock<BYTE> owner{sealed.pbData};
-    if (done == FALSE) return false;
-    const std::wstring text = SecretText({sealed.pbData, sealed.cbData});
-    return text.size() < capacity && SafeCopyW(out, capacity, text);
+    return done != FALSE ? SecretText({sealed.pbData, sealed.cbData}) : std::wstring{};
+}
+
+bool EncryptString(const wchar_t* clearText, wchar_t* out, std::size_t capacity) {
+    if (clearText == nullptr || out == nullptr || capacity == 0) return false;
+    const bool empty = clearText[0] == L'\0';
+    const std::wstring text = ProtectedText(clearText);
+    out[0] = L'\0';
+    return empty || (!text.empty() && text.size() < capacity && SafeCopyW(out, capacity, text));
 }
 
 int DecryptString(const wchar_t* stored, wchar_t* out, std::size_t capacity) {

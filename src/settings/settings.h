@@ -107,10 +107,11 @@ struct Settings {
 };
 
 // Both work on `g_settings`. `overridePath` may be null and means "Editor.ini" beside the executable then; the other
-// rules are in settings_store.h. Loading cannot fail, because every setting has a default. A save that fails leaves the
-// old file unchanged and writes a line to the log.
+// rules are in settings_store.h. Loading cannot fail, because every setting has a default. A save returns 0 when it has
+// failed; it leaves the old file unchanged then and writes a line to the log. A file that was there but could not be read
+// is not written in this run: a save returns 1 and does nothing.
 void SettingsLoad(const wchar_t* overridePath);
-void SettingsSave(const wchar_t* overridePath);
+int SettingsSave(const wchar_t* overridePath);
 
 // The settings before the file is read: every default, but with a fixed-pitch editor font.
 void SettingsDefaults(Settings& settings);

@@ -2,12 +2,13 @@
 
 #include "settings/ini_text.h"
 #include "settings/ini_value.h"
+#include "settings/secret_text.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace {
 
-constexpr std::size_t kSealedCapacity = 512;  // characters of a protected key
 constexpr wchar_t kVersion[] = L"2";
 
 // The key of a row of a list: "File%d" becomes "File3".
@@ -16,33 +17,48 @@ std::wstring ListKey(const wchar_t* format, int index) {
     return key.replace(key.find(L"%d"), 2, std::to_wstring(index));
 }
 
-ForeignKey* ForeignPlaceOf(ForeignKeys& foreign, const SettingRow* row) {
-    for (ForeignKey& key : foreign)
-        if (key.row == row) return &key;
-    return nullptr;
+StoredKey* StoredKeyOf(StoredKeys& keys, const SettingRow* row) {
+    const auto found = std::ranges::find(keys, row, &StoredKey::row);
+    return found != keys.end() ? &*found : nullptr;
+}
+
+void NoteStoredKey(StoredKeys& keys, const SettingRow& row, std::wstring_view held, std::wstring_view stored) {
+    StoredKey* place = StoredKeyOf(keys, &row);
+    if (place == nullptr) place = StoredKeyOf(keys, nullptr);
+    if (place != nullptr) *place = {.row = &row, .held = std::wstring{held}, .stored = std::wstring{stored}};
 }
 
 // ------------------------------------------------------------------------------------------------------------ parse
 
-void ParseSecret(const SettingsSource& source, const SettingRow& row, Settings& settings, ForeignKeys& foreign) {
+std::wstring JoinedSecret(const SettingsSource& source, const SettingRow& row) {
+    std::wstring whole = DecodeIniValue(source.text(row.section, row.key, row.text));
+    std::size_t last = IsSecretText(whole) ? whole.size() : 0;
+    for (int piece = 2; last == kSecretPiece && piece <= kSecretPieces; ++piece) {
+        const std::wstring next = source.text(row.section, SecretPieceKey(row.key, piece).c_str(), L"");
+        whole += next;
+        last = next.size();
+    }
+    return whole;
+}
+
+void ParseSecret(const SettingsSource& source, const SettingRow& row, Settings& settings, StoredKeys& keys) {
     wchar_t* const field = SettingText(settings, row);
-    const std::wstring stored = DecodeIniValue(source.text(row.section, row.key, row.text));
-    if (ForeignKey* known = ForeignPlaceOf(foreign, &row)) *known = {};
-    if (source.unprotect(stored.c_str(), field, row.capacity)) return;
-    if (SafeCopyW(field, row.capacity, stored)) return;
-    if (ForeignKey* place = ForeignPlaceOf(foreign, nullptr)) *place = {.row = &row, .stored = stored};
+    const std::wstring stored = JoinedSecret(source, row);
+    if (StoredKey* known = StoredKeyOf(keys, &row)) *known = {};
+    if (!source.unprotect(stored.c_str(), field, row.capacity)) SafeCopyW(field, row.capacity, stored);
+    if (IsSecretText(stored)) NoteStoredKey(keys, row, field, stored);
 }
 
 void ParseText(const SettingsSource& source, const SettingRow& row, const wchar_t* key, wchar_t* out) {
     SafeCopyW(out, row.capacity, DecodeIniValue(source.text(row.section, key, row.text)));
 }
 
-void ParseRow(const SettingsSource& source, const SettingRow& row, Settings& settings, ForeignKeys& foreign) {
+void ParseRow(const SettingsSource& source, const SettingRow& row, Settings& settings, StoredKeys& keys) {
     if ((row.flags & kSettingSaveOnly) != 0) return;
     switch (row.type) {
         case SettingType::Text:
             if ((row.flags & kSettingSecret) != 0)
-                ParseSecret(source, row, settings, foreign);
+                ParseSecret(source, row, settings, keys);
             else
                 ParseText(source, row, row.key, SettingText(settings, row));
             break;
@@ -62,10 +78,10 @@ void ParseRow(const SettingsSource& source, const SettingRow& row, Settings& set
     }
 }
 
-void ParseGroup(const SettingsSource& source, SettingGroup group, Settings& settings, ForeignKeys& foreign) {
+void ParseGroup(const SettingsSource& source, SettingGroup group, Settings& settings, StoredKeys& keys) {
     for (const SettingRow& row : SettingRows()) {
         if (row.group != group) continue;
-        ParseRow(source, row, settings, foreign);
+        ParseRow(source, row, settings, keys);
         // The state of both services is known here, before their keys are read.
         if (row.offset == offsetof(Settings, lmStudioEnabled)) UpdateAssistantEnabled(settings);
     }
@@ -73,27 +89,25 @@ void ParseGroup(const SettingsSource& source, SettingGroup group, Settings& sett
 
 // ---------------------------------------------------------------------------------------------------------- compose
 
-void ComposeSecret(IniText& ini, const SettingRow& row, const wchar_t* key, const ForeignKeys& foreign,
+void ComposeSecret(IniText& ini, const SettingRow& row, const wchar_t* key, StoredKeys& keys,
                    const SettingsTarget& target) {
-    for (const ForeignKey& other : foreign) {
-        if (other.row == &row && std::wstring_view{other.stored}.starts_with(key) && key[0] != L'\0') {
-            ini.Add(row.section, row.key, other.stored);
-            return;
-        }
-    }
-    wchar_t sealed[kSealedCapacity];
-    if (target.protect(row, key, sealed, kSealedCapacity))
-        ini.Add(row.section, row.key, sealed);
-    else
-        ini.AddText(row.section, row.key, key);
+    const StoredKey* const known = StoredKeyOf(keys, &row);
+    std::wstring stored;
+    if (known != nullptr && known->held == key)
+        stored = known->stored;
+    else if (key[0] != L'\0')
+        stored = target.protect(row, key);
+    if (!stored.empty()) NoteStoredKey(keys, row, key, stored);
+    ForEachSecretPiece(row.key, stored,
+                       [&](const std::wstring& name, std::wstring_view piece) { ini.Add(row.section, name, piece); });
 }
 
-void ComposeRow(IniText& ini, const SettingRow& row, const Settings& settings, const ForeignKeys& foreign,
+void ComposeRow(IniText& ini, const SettingRow& row, const Settings& settings, StoredKeys& keys,
                 const SettingsTarget& target) {
     switch (row.type) {
         case SettingType::Text:
             if ((row.flags & kSettingSecret) != 0) {
-                ComposeSecret(ini, row, SettingText(settings, row), foreign, target);
+                ComposeSecret(ini, row, SettingText(settings, row), keys, target);
             } else if ((row.flags & kSettingExeRelative) != 0) {
                 wchar_t relative[kPathCapacity];
                 MakeFolderRelative(target.programFolder, SettingText(settings, row), relative, kPathCapacity);
@@ -125,31 +139,31 @@ void ComposePlace(IniText& ini, const WindowPlace& place) {
 
 }  // namespace
 
-void ParseSettings(const SettingsSource& source, Settings& settings, ForeignKeys& foreign) {
-    ParseGroup(source, SettingGroup::Compilers, settings, foreign);
+void ParseSettings(const SettingsSource& source, Settings& settings, StoredKeys& keys) {
+    ParseGroup(source, SettingGroup::Compilers, settings, keys);
     for (CompilerSettings& compiler : settings.compilers)
         ResolveAgainstFolder(source.programFolder, compiler.path, compiler.path, kPathCapacity);
-    ParseGroup(source, SettingGroup::Preferences, settings, foreign);
+    ParseGroup(source, SettingGroup::Preferences, settings, keys);
     FillEmptyDescriptions(settings);
     // [Meta] "Version" is not read, because every key has a default.
     for (CompilerSettings& compiler : settings.compilers)
         if (!source.fileExists(compiler.path)) compiler.path[0] = L'\0';  // so that no build uses a stale path
     CheckAssistantKeys(settings);
-    ParseGroup(source, SettingGroup::Assistant, settings, foreign);
-    ParseGroup(source, SettingGroup::Recent, settings, foreign);
-    ParseGroup(source, SettingGroup::Window, settings, foreign);
+    ParseGroup(source, SettingGroup::Assistant, settings, keys);
+    ParseGroup(source, SettingGroup::Recent, settings, keys);
+    ParseGroup(source, SettingGroup::Window, settings, keys);
     for (const SettingRow& row : SettingRows())
         if ((row.flags & kSettingLateClamp) != 0)
             SettingNumber(settings, row.offset) = ApplyLimits(row.limits, SettingNumber(settings, row.offset));
 }
 
-std::string ComposeSettings(const Settings& settings, const ForeignKeys& foreign, const SettingsTarget& target) {
+std::string ComposeSettings(const Settings& settings, StoredKeys& keys, const SettingsTarget& target) {
     IniText ini;
     const auto compose = [&](SettingGroup group, bool late) {
         for (const SettingRow& row : SettingRows()) {
             const bool isLate = (row.flags & kSettingLateSave) != 0;
             if (row.group == group && isLate == late && (row.flags & kSettingLoadOnly) == 0)
-                ComposeRow(ini, row, settings, foreign, target);
+                ComposeRow(ini, row, settings, keys, target);
         }
     };
     compose(SettingGroup::Compilers, false);
@@ -168,8 +182,11 @@ std::string ComposeSettings(const Settings& settings, const ForeignKeys& foreign
     return ini.Bytes();
 }
 
-bool IsCutCopy(std::string_view found, std::string_view whole) {
-    if (found.size() > whole.size()) return false;
-    while (found.ends_with('\0')) found.remove_suffix(1);
-    return whole.starts_with(found);
+void ForEachSecretPiece(const wchar_t* key, std::wstring_view stored,
+                        const std::function<void(const std::wstring& key, std::wstring_view piece)>& add) {
+    int piece = 1;
+    do {
+        add(SecretPieceKey(key, piece++), stored.substr(0, kSecretPiece));
+        stored.remove_prefix(std::min(stored.size(), kSecretPiece));
+    } while (!stored.empty());
 }

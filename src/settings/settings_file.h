@@ -9,13 +9,15 @@
 #include <string>
 #include <string_view>
 
-// A key of the assistant that another account has protected. The record holds as much of the stored text as fits, so a
-// save must write the whole text from here.
-struct ForeignKey {
+// A key of the assistant in its protected form. A save writes this form again while the record holds `held`: the system
+// protects a text differently each time, so a file without changes would change; and the record holds only a part of a
+// key that another account has protected.
+struct StoredKey {
     const SettingRow* row = nullptr;  // null: this entry is free
-    std::wstring stored;
+    std::wstring held;                // what the record holds for it
+    std::wstring stored;              // the whole protected text
 };
-using ForeignKeys = std::array<ForeignKey, 2>;
+using StoredKeys = std::array<StoredKey, 2>;
 
 struct SettingsSource {
     // Return the stored value (see EncodeIniValue) or the number of a key, or the default when the key is missing.
@@ -28,18 +30,17 @@ struct SettingsSource {
 };
 // Reads everything but the recent sessions. Missing values get their defaults. Limits are applied, and paths of
 // compilers that do not exist are emptied.
-void ParseSettings(const SettingsSource& source, Settings& settings, ForeignKeys& foreign);
+void ParseSettings(const SettingsSource& source, Settings& settings, StoredKeys& keys);
 
 struct SettingsTarget {
-    // Writes the protected text of a key to `out`. Returns false when it cannot be protected; the clear text is then
-    // stored.
-    std::function<bool(const SettingRow& row, const wchar_t* clearText, wchar_t* out, std::size_t capacity)> protect;
+    // Returns the protected text of a key, of any length. Empty when it cannot be protected; the file then gets no key.
+    std::function<std::wstring(const SettingRow& row, const wchar_t* clearText)> protect;
     const wchar_t* programFolder = L"";
     WindowPlace windowPlace;
 };
-// Returns the bytes of the whole file.
-std::string ComposeSettings(const Settings& settings, const ForeignKeys& foreign, const SettingsTarget& target);
+// Returns the bytes of the whole file. `keys` gets the keys that were protected anew.
+std::string ComposeSettings(const Settings& settings, StoredKeys& keys, const SettingsTarget& target);
 
-// True when `found` is the beginning of `whole`, as after a copy that broke off. Zeros at the end of `found` do not
-// count, because the system may set the full length of a copy at once.
-bool IsCutCopy(std::string_view found, std::string_view whole);
+// Calls `add` for each part of a protected text with the key under which it is stored.
+void ForEachSecretPiece(const wchar_t* key, std::wstring_view stored,
+                        const std::function<void(const std::wstring& key, std::wstring_view piece)>& add);

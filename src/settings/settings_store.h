@@ -7,7 +7,8 @@
 #include <cstddef>
 
 // The full path of the settings file. Without `overridePath` (null or empty) it is "Editor.ini" in the executable's
-// folder. An absolute path is taken as it is; any other is joined to the executable's folder.
+// folder. An absolute path is taken as it is; any other is joined to the executable's folder. The user's own folder takes
+// its place when that one cannot be written (settings/settings_place.h).
 void GetIniPath(const wchar_t* overridePath, wchar_t* out, std::size_t capacity);
 void GetIniDir(const wchar_t* overridePath, wchar_t* out, std::size_t capacity);  // with its trailing backslash
 

@@ -1,67 +1,157 @@
-// Loads and saves `Editor.ini`; settings_file.h has its content. A save writes the whole file: first a temporary file
-// beside it, which is compared and then put in its place. UI thread only.
+// Loads and saves `Editor.ini`; settings_file.h has its content. A save writes the whole file: first a file beside it,
+// which is flushed and then put in its place. UI thread only.
 #include "settings/settings_store.h"
 
+#include "base/events.h"
 #include "base/handles.h"
 #include "base/log.h"
 #include "base/path.h"
+#include "base/wide_format.h"
 #include "files/file_io.h"
+#include "files/session_file.h"
 #include "settings/compilers.h"
 #include "settings/ini_reader.h"
 #include "settings/ini_value.h"
+#include "settings/secret_text.h"
 #include "settings/secrets.h"
 #include "settings/settings_file.h"
+#include "settings/settings_place.h"
 #include "settings/settings_state.h"
 
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace {
 
-ForeignKeys g_foreignKeys;
+struct SettingsStore {
+    StoredKeys keys;
+    std::wstring unread;       // a settings file that was there but could not be read; it is not written in this run
+    std::wstring unprotected;  // keys of the file that the user was told about
+};
+SettingsStore g_store;
 
-bool KeyExists(const wchar_t* iniPath, const wchar_t* section, const wchar_t* key) {
-    wchar_t value[4];
-    return GetPrivateProfileStringW(section, key, L"", value, 4, iniPath) > 0;
+enum class IniState { Missing, Readable, Unreadable };
+
+// Holds the settings file open, so that no other program can lock it while the INI functions read it.
+struct OpenIni {
+    IniState state = IniState::Missing;
+    UniqueHandle handle;
+};
+
+bool CanReadFrom(HANDLE file) {
+    char byte = 0;
+    DWORD taken = 0;
+    return ReadFile(file, &byte, 1, &taken, nullptr) != FALSE;  // fails when another program has locked the bytes
 }
 
-// True when `iniPath` is missing, empty, or a copy of `wholePath` that broke off.
-bool IsCutFile(const wchar_t* iniPath, const wchar_t* wholePath) {
-    std::size_t wholeLength = 0;
-    const HeapBlock<char> whole{ReadFileUtf8(wholePath, &wholeLength)};
-    if (!whole || !FileExists(iniPath)) return whole != nullptr;
-    std::size_t length = 0;
-    const HeapBlock<char> ini{ReadFileUtf8(iniPath, &length)};
-    return ini && IsCutCopy({ini.get(), length}, {whole.get(), wholeLength});
-}
-
-// Finishes a save that was interrupted while it copied its complete temporary file over the old one. A settings file
-// with other text, such as one written by hand, is complete itself and stays.
-void FinishInterruptedSave(const wchar_t* iniPath) {
-    const std::wstring temporary = std::wstring{iniPath} + L".tmp";
-    if (FileExists(temporary.c_str()) && KeyExists(temporary.c_str(), L"Meta", L"Version") &&
-        IsCutFile(iniPath, temporary.c_str())) {
-        const BOOL moved = MoveFileExW(temporary.c_str(), iniPath, MOVEFILE_REPLACE_EXISTING);
-        AppLogMsg(L"SettingsLoad: finished an interrupted save, moved=%d", moved);
+// A virus scanner or a backup keeps a file for a moment, so an unreadable one is tried again.
+OpenIni OpenIniFile(const wchar_t* path) {
+    constexpr int kTries = 8;
+    constexpr DWORD kPause = 50;  // ms
+    for (int attempt = 1;; ++attempt) {
+        UniqueHandle file{CreateFileW(PathForSystem(path).c_str(), GENERIC_READ,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr)};
+        if (!file && (GetLastError() == ERROR_FILE_NOT_FOUND || GetLastError() == ERROR_PATH_NOT_FOUND)) return {};
+        if (file && CanReadFrom(file.Get())) return {.state = IniState::Readable, .handle = std::move(file)};
+        if (attempt == kTries) return {.state = IniState::Unreadable, .handle = {}};
+        Sleep(kPause);
     }
 }
 
-bool ProtectKey(const SettingRow& row, const wchar_t* clearText, wchar_t* out, std::size_t capacity) {
-    if (EncryptString(clearText, out, capacity)) return true;
-    AppLogMsg(L"FAIL: SettingsSave %s is stored unprotected", row.key);
-    return false;
+// Deletes the files beside the settings that saves have left when their process was killed. They are never read. A file
+// of the last day may belong to a save of another process.
+void DeleteStaleFiles(const wchar_t* iniPath) {
+    constexpr ULONGLONG kDay = 24ULL * 60 * 60 * 10000000;  // in units of FILETIME
+    wchar_t folder[kPathCapacity] = {};
+    PathGetDir(iniPath, folder, kPathCapacity);
+    WIN32_FIND_DATAW entry = {};
+    const UniqueFind find{FindFirstFileW((std::wstring{iniPath} + L".*.tmp").c_str(), &entry)};
+    if (!find) return;
+    FILETIME now = {};
+    GetSystemTimeAsFileTime(&now);
+    const auto ticks = [](const FILETIME& time) {
+        return (ULONGLONG{time.dwHighDateTime} << 32U) | time.dwLowDateTime;
+    };
+    do {
+        if (ticks(entry.ftLastWriteTime) + kDay < ticks(now))
+            DeleteFileW((folder + std::wstring{entry.cFileName}).c_str());
+    } while (FindNextFileW(find.Get(), &entry) != FALSE);
+}
+
+std::wstring ProtectKey(const SettingRow& row, const wchar_t* clearText) {
+    std::wstring stored = ProtectedText(clearText);
+    const std::wstring name = row.key;
+    if (stored.empty() && g_store.unprotected.find(name) == std::wstring::npos) {
+        AppLogMsg(L"FAIL: SettingsSave %s cannot be protected, error=%lu", row.key, GetLastError());
+        g_store.unprotected += name + L" ";
+        g_events.noticeWanted(FormatW(L"The key \"%s\" cannot be protected on this system, so it is not stored. It is "
+                                      L"used until the editor closes.",
+                                      row.key)
+                                  .c_str());
+    }
+    return stored;
+}
+
+// Protects the keys that stand in clear text in a copy of the settings file, as in one that was written by hand.
+bool ProtectKeysIn(const std::wstring& path) {
+    IniReader reader{path.c_str()};
+    bool written = true;
+    for (const SettingRow& row : SettingRows()) {
+        if ((row.flags & kSettingSecret) == 0) continue;
+        const std::wstring text = DecodeIniValue(reader.Text(row.section, row.key, L""));
+        if (text.empty() || IsSecretText(text)) continue;
+        ForEachSecretPiece(row.key, ProtectedText(text.c_str()), [&](const std::wstring& key, std::wstring_view piece) {
+            written = WritePrivateProfileStringW(row.section, key.c_str(), std::wstring{piece}.c_str(), path.c_str()) !=
+                          FALSE &&
+                      written;
+        });
+    }
+    WritePrivateProfileStringW(nullptr, nullptr, nullptr, path.c_str());
+    return written;
+}
+
+// Copies a settings file. The copy holds no key in clear text and is put in its place whole.
+bool CopySettings(const wchar_t* from, const wchar_t* to) {
+    const std::wstring beside = std::wstring{to} + L"." + std::to_wstring(GetCurrentProcessId()) + L".copy";
+    const bool copied = CopyFileW(from, beside.c_str(), FALSE) != FALSE && ProtectKeysIn(beside) &&
+                        MoveFileExW(beside.c_str(), to, MOVEFILE_REPLACE_EXISTING) != FALSE;
+    if (!copied) {
+        const DWORD error = GetLastError();
+        DeleteFileW(beside.c_str());  // there may be none
+        SetLastError(error);
+    }
+    return copied;
 }
 
 bool FileHolds(const wchar_t* path, std::string_view bytes) {
-    std::size_t length = 0;
-    const HeapBlock<char> found{ReadFileUtf8(path, &length)};
-    return found && std::string_view{found.get(), length} == bytes;
+    std::string found;
+    return ReadSharedFile(path, bytes.size(), &found) && found == bytes;
 }
 
-bool ReplaceBy(const wchar_t* temporary, const wchar_t* iniPath) {
-    return CopyFileW(temporary, iniPath, FALSE) != FALSE ||
-           MoveFileExW(temporary, iniPath, MOVEFILE_REPLACE_EXISTING) != FALSE;
+// False, with a line in the log, when the file could not be written. It is as it was then.
+bool WriteSettings(const wchar_t* ini, std::string_view bytes) {
+    if (g_settings.backupSettings != 0 && FileExists(ini) && !CopySettings(ini, (std::wstring{ini} + L".bak").c_str()))
+        AppLogMsg(L"FAIL: SettingsSave backup error=%lu", GetLastError());
+    const bool written = ReplaceFileWhole(ini, bytes);
+    const DWORD error = GetLastError();
+    if (!written) AppLogMsg(L"FAIL: SettingsSave error=%lu, the settings file stays as it was: %s", error, ini);
+    // A call with only the file's name makes the INI functions drop what they cached of the old file.
+    WritePrivateProfileStringW(nullptr, nullptr, nullptr, ini);
+    SetLastError(error);
+    return written;
+}
+
+bool IsDefaultFile(const wchar_t* overridePath) { return overridePath == nullptr || !PathIsAbsolute(overridePath); }
+
+void TellUnreadable(const wchar_t* ini) {
+    AppLogMsg(L"FAIL: SettingsLoad cannot read %s, nothing is written to it in this run", ini);
+    g_events.noticeWanted(FormatW(L"The settings file cannot be read at the moment:\n\n%s\n\nThe editor runs with its "
+                                  L"default settings and does not save them, so that yours are not lost.",
+                                  ini)
+                              .c_str());
 }
 
 }  // namespace
@@ -72,9 +162,7 @@ void GetIniPath(const wchar_t* overridePath, wchar_t* out, std::size_t capacity)
         SafeCopyW(out, capacity, overridePath);
         return;
     }
-    wchar_t directory[kPathCapacity] = {};
-    AppExeDirectory(directory, kPathCapacity);
-    PathJoin(directory, given ? overridePath : L"Editor.ini", out, capacity);
+    PathJoin(SettingsFolder().c_str(), given ? overridePath : L"Editor.ini", out, capacity);
 }
 
 void GetIniDir(const wchar_t* overridePath, wchar_t* out, std::size_t capacity) {
@@ -93,79 +181,73 @@ bool WriteIniText(const wchar_t* iniPath, const wchar_t* section, const wchar_t*
 }
 
 void SettingsLoad(const wchar_t* overridePath) {
-    Settings& settings = g_settings;
+    if (IsDefaultFile(overridePath)) SettingsChooseFolder();
     wchar_t ini[kPathCapacity] = {};
     GetIniPath(overridePath, ini, kPathCapacity);
     AppLogMsg(L"SettingsLoad: INI = %s", ini);
-    FinishInterruptedSave(ini);
+    DeleteStaleFiles(ini);
+    const OpenIni open = OpenIniFile(ini);
+    g_store.unread = open.state == IniState::Unreadable ? ini : L"";
+    if (open.state == IniState::Unreadable) TellUnreadable(ini);
+    // The reader of a file that cannot be read gets no path: all defaults are better than a part of the settings.
     IniReader reader{ini};
+    const bool read = open.state != IniState::Unreadable;
+    const auto text = [&](auto section, auto key, auto value) {
+        return read ? reader.Text(section, key, value) : std::wstring{value};
+    };
     const wchar_t* const first = g_compilers[kCompilerKvxa64].section;
-    AppLogMsg(L"SettingsLoad: KVXA64 Path = '%s'", DecodeIniValue(reader.Text(first, L"Path", L"")).c_str());
+    AppLogMsg(L"SettingsLoad: KVXA64 Path = '%s'", DecodeIniValue(text(first, L"Path", L"")).c_str());
     wchar_t folder[kPathCapacity] = {};
     AppExeDirectory(folder, kPathCapacity);
     const SettingsSource source = {
-        .text = [&](auto section, auto key, auto value) { return reader.Text(section, key, value); },
-        .number = [&](auto section, auto key, auto value) { return reader.Number(section, key, value); },
+        .text = text,
+        .number = [&](auto section, auto key, auto value) { return read ? reader.Number(section, key, value) : value; },
         .unprotect = [](auto stored, auto out, auto capacity) { return DecryptString(stored, out, capacity) != 0; },
         .fileExists = FileExists,
         .programFolder = folder};
-    ParseSettings(source, settings, g_foreignKeys);
-    SessionMRULoad(overridePath);
+    ParseSettings(source, g_settings, g_store.keys);
+    if (read)
+        SessionMRULoad(overridePath);
+    else
+        g_settings.sessionMruCount = 0;
 }
 
-void SettingsSave(const wchar_t* overridePath) {
+int SettingsSave(const wchar_t* overridePath) {
     Settings& settings = g_settings;
     wchar_t ini[kPathCapacity] = {};
     GetIniPath(overridePath, ini, kPathCapacity);
-    const std::wstring temporary = std::wstring{ini} + L".tmp";
-
+    if (g_store.unread == ini) return 1;
     UpdateAssistantEnabled(settings);
     const auto stored = std::make_unique<Settings>(settings);  // 150 kB, too much for the stack
     RestoreStored(g_overrides, *stored);
     wchar_t folder[kPathCapacity] = {};
     AppExeDirectory(folder, kPathCapacity);
     const std::string bytes = ComposeSettings(
-        *stored, g_foreignKeys, {.protect = ProtectKey, .programFolder = folder, .windowPlace = g_windowPlace});
-
+        *stored, g_store.keys, {.protect = ProtectKey, .programFolder = folder, .windowPlace = g_windowPlace});
     if (settings.backupSettings == 0 && FileHolds(ini, bytes))
-        return;  // unchanged, as when the newest recent file is opened again
-    if (!WriteFileUtf8(temporary.c_str(), bytes.data(), bytes.size()) || !FileHolds(temporary.c_str(), bytes)) {
-        // The disk may be full, or the folder read-only. The old file is better than half a new one.
-        AppLogMsg(L"FAIL: SettingsSave cannot write %s, the settings file stays as it was", temporary.c_str());
-        DeleteFileW(temporary.c_str());
-        return;
-    }
-    if (settings.backupSettings != 0 && FileExists(ini)) {
-        const std::wstring backup = std::wstring{ini} + L".bak";
-        if (CopyFileW(ini, backup.c_str(), FALSE) == FALSE)
-            AppLogMsg(L"FAIL: SettingsSave backup error=%lu", GetLastError());
-    }
-    if (!ReplaceBy(temporary.c_str(), ini))
-        AppLogMsg(L"FAIL: SettingsSave replace error=%lu path=%s", GetLastError(), ini);
-    DeleteFileW(temporary.c_str());
-    // A call with only the file's name makes the INI functions drop what they cached of the old file.
-    WritePrivateProfileStringW(nullptr, nullptr, nullptr, ini);
+        return 1;  // unchanged, as when the newest recent file is opened again
+    if (WriteSettings(ini, bytes)) return 1;
+    if (!IsDefaultFile(overridePath) || !SettingsLeaveFolder(GetLastError())) return 0;
+    GetIniPath(overridePath, ini, kPathCapacity);
+    g_events.noticeWanted(
+        FormatW(L"The program's folder cannot be written. Settings and sessions are kept in your own folder instead:"
+                L"\n\n%s",
+                SettingsFolder().c_str())
+            .c_str());
+    return WriteSettings(ini, bytes) ? 1 : 0;
 }
 
 bool SettingsExport(const wchar_t* target) {
     wchar_t ini[kPathCapacity] = {};
     GetIniPath(nullptr, ini, kPathCapacity);
-    return target != nullptr && CopyFileW(ini, target, FALSE) != FALSE;
+    return target != nullptr && CopySettings(ini, target);
 }
 
 bool SettingsImport(const wchar_t* source) {
     wchar_t ini[kPathCapacity] = {};
     GetIniPath(nullptr, ini, kPathCapacity);
-    // Copied to a second file first, so that a copy that breaks off does not change the settings.
-    const std::wstring incoming = std::wstring{ini} + L".import";
-    if (source == nullptr || CopyFileW(source, incoming.c_str(), FALSE) == FALSE) {
-        DeleteFileW(incoming.c_str());
-        return false;
-    }
-    if (MoveFileExW(incoming.c_str(), ini, MOVEFILE_REPLACE_EXISTING) == FALSE) {
-        DeleteFileW(incoming.c_str());
-        return false;
-    }
+    // A copy that breaks off does not change the settings, because it is made beside them.
+    if (source == nullptr || !CopySettings(source, ini)) return false;
     const SettingsEdit edit;
     SettingsLoad(nullptr);
     return true;
@@ -176,6 +258,7 @@ void SettingsResetAll() {
     GetIniPath(nullptr, ini, kPathCapacity);
     if (DeleteFileW(ini) == FALSE && GetLastError() != ERROR_FILE_NOT_FOUND)
         AppLogMsg(L"FAIL: SettingsReset delete error=%lu path=%s", GetLastError(), ini);
+    g_store = {};
     SettingsChange(SettingsReset);
 }
 

@@ -223,19 +223,17 @@ TEST(SettingsText, IsComposedOfEveryKindOfValue) {
     settings->sessionMruCount = 1;
     SafeCopyW(settings->sessionMruFiles[0], L"s");
 
-    ForeignKeys foreign;
-    for (const SettingRow& row : SettingRows())
-        if (std::wstring_view(row.key) == L"LMStudioKey")
-            foreign[0] = {.row = &row, .stored = L"whole key of another account, longer than the record holds"};
-    const auto protect = [](const SettingRow&, const wchar_t* key, wchar_t* out, std::size_t capacity) {
-        return SafeCopyW(out, capacity, L"#" + std::wstring(key));
-    };
+    StoredKeys keys;
+    keys[0] = {.row = &Row(L"AI", L"LMStudioKey"),
+               .held = settings->lmStudioKey,
+               .stored = L"whole key of another account, longer than the record holds"};
+    const auto protect = [](const SettingRow&, const wchar_t* key) { return L"#" + std::wstring(key); };
     const std::wstring file = Wide(ComposeSettings(
-        *settings, foreign,
+        *settings, keys,
         {.protect = protect, .programFolder = L"C:\\kvx\\", .windowPlace = {.known = true, .left = -3, .width = 9}}));
     EXPECT_EQ(StoredIn(file, L"KVXA64", L"Path"), L"K\\k.exe");
     EXPECT_EQ(StoredIn(file, L"AI", L"OpenAIKey"), L"#0123456789");
-    EXPECT_EQ(StoredIn(file, L"AI", L"LMStudioKey"), foreign[0].stored) << "not the part that the record holds";
+    EXPECT_EQ(StoredIn(file, L"AI", L"LMStudioKey"), keys[0].stored) << "not the part that the record holds";
     EXPECT_EQ(StoredIn(file, L"Window", L"Left"), L"-3");
     EXPECT_EQ(StoredIn(file, L"Session", L"MRU0"), L"s");
     EXPECT_EQ(DecodeIniValue(AsRead(StoredIn(file, L"MRU", L"File1"))), L" b\r\n");
@@ -243,12 +241,35 @@ TEST(SettingsText, IsComposedOfEveryKindOfValue) {
     EXPECT_LT(file.find(L"[KVXC64]"), file.find(L"[KELDORBASIC]")) << "and of the compilers";
 }
 
-TEST(SettingsText, ACutCopyIsTheBeginningOfTheWhole) {
-    EXPECT_TRUE(IsCutCopy("", "abc"));
-    EXPECT_TRUE(IsCutCopy("ab", "abc"));
-    EXPECT_TRUE(IsCutCopy(std::string_view("a\0\0", 3), "abc")) << "the length came before the bytes";
-    EXPECT_FALSE(IsCutCopy("ax", "abc"));
-    EXPECT_FALSE(IsCutCopy("abcd", "abc"));
+// The system adds 214 bytes to a key and fills them up to a multiple of 16, so no real key fits one stored value.
+TEST(SettingsText, LongKeysContinueInFurtherKeysAndNoneStandsInClearText) {
+    for (const std::size_t length : {12U, 32U, 164U, 255U}) {
+        const auto settings = std::make_unique<Settings>(), read = std::make_unique<Settings>();
+        SettingsDefaults(*settings);
+        SafeCopyW(settings->openAIKey, std::wstring(length, L'k'));
+        SafeCopyW(settings->lmStudioKey, L"refused");
+        int calls = 0;
+        const SettingsTarget target{.protect = [&calls](const SettingRow&, const wchar_t* key) {
+            const std::size_t bytes = (std::wcslen(key) + 214 + 15) / 16 * 16;
+            return key[0] == L'r' ? L"" : L"[DPAPI]" + std::wstring(2 * bytes - 1, L'A') + std::to_wstring(++calls);
+        }};
+        StoredKeys keys, readKeys;
+        const std::string bytes = ComposeSettings(*settings, keys, target);
+        const std::wstring file = Wide(bytes);
+        const std::wstring first = StoredIn(file, L"AI", L"OpenAIKey"), second = StoredIn(file, L"AI", L"OpenAIKey2");
+        EXPECT_LE(first.size(), 511U);
+        EXPECT_EQ(second != L"(none)", length > 30) << length;
+        EXPECT_EQ(StoredIn(file, L"AI", L"LMStudioKey"), L"") << "not protected, not stored";
+        EXPECT_EQ(ComposeSettings(*settings, keys, target), bytes) << "a key that is unchanged is not protected anew";
+        std::wstring joined;
+        ParseSettings(
+            {.text = [&](auto section, auto key, auto) { return StoredIn(file, section, key); },
+             .number = [](auto, auto, auto number) { return number; },
+             .unprotect = [&](auto stored, auto, auto) { return joined = joined.empty() ? stored : joined, false; },
+             .fileExists = [](auto) { return false; }},
+            *read, readKeys);
+        EXPECT_EQ(joined, keys[0].stored);
+    }
 }
 
 TEST(SettingsEffects, FollowFromWhatDiffers) {

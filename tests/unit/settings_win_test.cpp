@@ -7,6 +7,7 @@
 #include "files/file_io.h"
 #include "settings/compiler_table.h"
 #include "settings/secrets.h"
+#include "settings/settings_place.h"
 #include "settings/settings_schema.h"
 #include "settings/settings_store.h"
 
@@ -15,6 +16,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -42,6 +44,9 @@ protected:
         GetPrivateProfileStringW(section, key, L"(none)", value, 4096, ini_.c_str());
         return value;
     }
+    std::ptrdiff_t FilesBeside() const { return std::distance(fs::directory_iterator(root_), {}); }
+    // The file's name until it is put in place.
+    std::wstring Aside() const { return ini_ + L"." + std::to_wstring(GetCurrentProcessId()) + L".tmp"; }
     TempFolder folder_;
     const fs::path root_ = folder_.path;
     std::wstring ini_;
@@ -79,8 +84,7 @@ TEST_F(SettingsWin, EverySettingComesBackAsItWas) {
         if ((row.flags & (kSettingLoadOnly | kSettingSaveOnly | kSettingExeRelative)) != 0) continue;
         switch (row.type) {
             case SettingType::Text:
-                SafeCopyW(SettingText(settings, row), row.capacity,
-                          Awkward(number, (row.flags & kSettingSecret) != 0 ? 50 : row.capacity));
+                SafeCopyW(SettingText(settings, row), row.capacity, Awkward(number, row.capacity));
                 break;
             case SettingType::Bool: SettingNumber(settings, row.offset) = 1 - row.number; break;
             case SettingType::Int:
@@ -113,7 +117,7 @@ TEST_F(SettingsWin, EverySettingComesBackAsItWas) {
     EXPECT_EQ(settings.sessionMruCount, 2);
     EXPECT_STREQ(settings.sessionMruFiles[0], L"C:\\\u00E9\u4E2D.kvxsess");
     EXPECT_STREQ(settings.sessionMruFiles[1], L" odd ");
-    EXPECT_FALSE(FileExists((ini_ + L".tmp").c_str()));
+    EXPECT_EQ(FilesBeside(), 1) << "nothing is left beside it";
 }
 
 TEST_F(SettingsWin, ReadsWhatWasWrittenByHand) {
@@ -158,49 +162,106 @@ TEST_F(SettingsWin, AKeyOfAnotherAccountSurvivesASave) {
     Load();
     EXPECT_EQ(g_app.settings.lmStudioKey, foreign.substr(0, 255)) << "kept as the key, as far as it fits";
     Save();
-    EXPECT_EQ(Stored(L"AI", L"LMStudioKey"), foreign);
+    EXPECT_EQ(Stored(L"AI", L"LMStudioKey") + Stored(L"AI", L"LMStudioKey2"), foreign);
     SafeCopyW(g_app.settings.lmStudioKey, L"my own key");
     Save();
     Load();
     EXPECT_STREQ(g_app.settings.lmStudioKey, L"my own key");
 }
 
+TEST_F(SettingsWin, KeysStandInClearTextInNoFile) {
+    const std::wstring key(255, L'\u4E2D');  // of three bytes each
+    const std::wstring backup = ini_ + L".bak", exported = (root_ / L"exported.ini").wstring();
+    g_app.settings.backupSettings = 1;
+    Save();
+    WritePrivateProfileStringW(L"AI", L"OpenAIKey", L"sk-by-hand", ini_.c_str());
+    Load();
+    EXPECT_STREQ(g_app.settings.openAIKey, L"sk-by-hand");
+    SafeCopyW(g_app.settings.lmStudioKey, key);
+    Save();
+    EXPECT_NE(Stored(L"AI", L"LMStudioKey2"), L"(none)");
+    WritePrivateProfileStringW(L"AI", L"OpenAIKey", L"sk-by-hand", (root_ / L"Editor.ini").c_str());
+    SettingsFolderForTest(root_.wstring() + L"\\");
+    EXPECT_TRUE(SettingsExport(exported.c_str()));
+    SettingsFolderForTest(L"");
+    for (const std::wstring& file : {backup, exported}) {
+        wchar_t stored[600] = {};
+        GetPrivateProfileStringW(L"AI", L"OpenAIKey", L"(none)", stored, 600, file.c_str());
+        EXPECT_TRUE(std::wstring_view{stored}.starts_with(L"[DPAPI]")) << file;
+    }
+    Load();
+    EXPECT_EQ(g_app.settings.lmStudioKey, key);
+}
+
+int g_notices = 0;
+
 TEST_F(SettingsWin, AFailedSaveLeavesTheOldFile) {
     Save();
     const std::string old = ReadBytes(ini_);
     g_app.settings.tabWidth = 7;
-    {
-        // The temporary file is locked, so it cannot be written.
-        const UniqueHandle lock{CreateFileW((ini_ + L".tmp").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                            FILE_FLAG_DELETE_ON_CLOSE, nullptr)};
+    for (const std::wstring& locked : {Aside(), ini_}) {
+        const UniqueHandle lock{
+            CreateFileW(locked.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_ALWAYS, 0, nullptr)};
         ASSERT_TRUE(lock);
-        Save();
+        EXPECT_EQ(SettingsSave(ini_.c_str()), 0) << locked;
         EXPECT_EQ(ReadBytes(ini_), old);
     }
-    {
-        const UniqueHandle reader{
-            CreateFileW(ini_.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr)};
-        Save();
-        EXPECT_EQ(ReadBytes(ini_), old);
-        EXPECT_FALSE(FileExists((ini_ + L".tmp").c_str()));
-    }
-    g_app.settings.backupSettings = 1;
-    Save();
-    EXPECT_EQ(ReadBytes(ini_ + L".bak"), old);
-    EXPECT_EQ(Stored(L"Editor", L"TabWidth"), L"7");
+    fs::remove(Aside());
+    EXPECT_EQ(FilesBeside(), 1);
+    // What a killed save has left beside the file, or another program has put there, is never read.
+    fs::remove(ini_);
+    WriteBytes(ini_ + L".tmp", old);
+    WriteBytes(Aside(), old);
+    Load();
+    EXPECT_FALSE(FileExists(ini_.c_str()));
 }
 
-TEST_F(SettingsWin, AnInterruptedSaveIsFinishedAndAFileWrittenByHandIsNone) {
-    for (const auto& [bytes, width] : {std::pair{"\xFF\xFE[\0"s, 7},  // the copy broke off here
-                                       {"[Editor]\r\nTabWidth=5\r\n"s, 5}}) {
-        g_app.settings.tabWidth = 7;
-        Save();
-        fs::rename(ini_, ini_ + L".tmp");
-        WriteBytes(ini_, bytes);
+TEST_F(SettingsWin, AFileThatCannotBeReadIsNotEmpty) {
+    const Events saved = g_events;
+    g_events.noticeWanted = [](const wchar_t*) { ++g_notices; };
+    g_notices = 0;
+    g_app.settings.tabWidth = 7;
+    Save();
+    const std::string old = ReadBytes(ini_);
+    {
+        const UniqueHandle lock{CreateFileW(ini_.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr)};
+        ASSERT_TRUE(lock);
         Load();
-        EXPECT_EQ(g_app.settings.tabWidth, width);
-        EXPECT_EQ(fs::remove(ini_ + L".tmp"), width == 5);
     }
+    EXPECT_EQ(g_app.settings.tabWidth, 4) << "the default";
+    EXPECT_EQ(g_notices, 1);
+    EXPECT_EQ(SettingsSave(ini_.c_str()), 1);
+    EXPECT_EQ(ReadBytes(ini_), old);
+    Load();
+    EXPECT_EQ(g_app.settings.tabWidth, 7);
+    g_events = saved;
+}
+
+TEST_F(SettingsWin, AProgramFolderThatCannotBeWrittenGivesWayToTheUsersOwn) {
+    const std::wstring locked = L"Z:\\sys\\";  // not even the administrator can make a file there
+    if (FolderTakesFiles(locked) || !fs::exists(locked)) GTEST_SKIP() << "no such folder on this system";
+    EXPECT_TRUE(FolderTakesFiles(root_.wstring() + L"\\"));
+    wchar_t before[1024] = {};
+    GetEnvironmentVariableW(L"LOCALAPPDATA", before, 1024);
+    SetEnvironmentVariableW(L"LOCALAPPDATA", root_.c_str());
+    const Events saved = g_events;
+    g_events.noticeWanted = [](const wchar_t*) { ++g_notices; };
+    g_notices = 0;
+    for (const int width : {5, 6}) {
+        SettingsFolderForTest(locked);  // a new start
+        SettingsLoad(nullptr);
+        EXPECT_EQ(g_app.settings.tabWidth, width == 5 ? 4 : 5);
+        g_app.settings.tabWidth = width;
+        EXPECT_EQ(SettingsSave(L"Editor.ini"), 1);
+        EXPECT_EQ(SettingsFolder(), root_.wstring() + L"\\KVX-Editor\\");
+    }
+    EXPECT_EQ(g_notices, 1) << "said when the folder changes, and not at each start";
+    SettingsFolderForTest(root_.wstring() + L"\\");
+    SettingsLoad(nullptr);
+    EXPECT_EQ(g_app.settings.tabWidth, 4) << "a program in a folder of its own does not read the user's folder";
+    SettingsFolderForTest(L"");
+    SetEnvironmentVariableW(L"LOCALAPPDATA", before);
+    g_events = saved;
 }
 
 TEST(SettingsEdit, TellsOnceOfWhatChangedAndEndsOverrides) {

@@ -1,0 +1,23 @@
+// The folder of the settings file, of the session and of the default workspace: that of the program, or the user's own
+// ("KVX-Editor" under the local application data) when the program's folder takes no files, as under "Program Files".
+// UI thread only.
+#pragma once
+
+#include <string>
+
+// The folder in use, with its trailing backslash.
+std::wstring SettingsFolder();
+
+// Decides before the settings are loaded: the user's folder when it has settings already and the program's folder still
+// takes no files.
+void SettingsChooseFolder();
+
+// After a save to the folder in use has failed with this error: changes over to the user's folder when the program's
+// folder takes no files. Returns true when it has changed.
+bool SettingsLeaveFolder(unsigned long error);
+
+// True when a file can be made in the folder.
+bool FolderTakesFiles(const std::wstring& folder);
+
+// For tests: stands for the program's folder, with a trailing backslash. Empty: the executable's. Starts anew.
+void SettingsFolderForTest(const std::wstring& programFolder);
