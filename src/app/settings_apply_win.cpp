@@ -35,6 +35,9 @@ void MainWnd_OnSettingsChanged(const Settings& before) {
     if ((effects & kEffectShell) != 0) RegisterFileExtensions();
     if ((effects & kEffectLayout) != 0) {
         ToolbarUpdateAi();
+        // The next resize puts the bars where the ratios say, so they follow a bar that a session or an import has moved.
+        if (before.splitter != g_app.settings.splitter || before.aiSidebarWidth != g_app.settings.aiSidebarWidth)
+            CaptureSplitterRatio();
         MainWindow_Layout();
     }
     if ((effects & kEffectProject) != 0) ProjectTreePopulate();
