@@ -60,7 +60,8 @@ CommandView CurrentCommandView() {
     if (FocusedTextField() != nullptr) view.conditions |= kCanUndo | kCanRedo | kHasSelection;
     if (IsTabIndex(g_documents.activeTab)) view.conditions |= EditorConditions();
     if (std::ranges::any_of(g_documents.tabs, &DocumentTab::modified)) view.conditions |= kAnyModified;
-    view.conditions |= CompilerIsBuilding() ? kBuilding : kIdle;
+    if (BuildCanBeStopped()) view.conditions |= kBuilding;
+    if (!CompilerIsBuilding()) view.conditions |= kIdle;
     view.conditions |= DebugConditions();
     if (g_output.errors.count > 0) view.conditions |= kHasErrors;
     const Settings& settings = g_settings;

@@ -67,6 +67,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_BUILD_RUN, kAlways},
     {IDM_BUILD_STOP, kBuilding},
     {IDM_BUILD_CLEAN, kHasFile | kIdle},
+    {IDM_RUN_IN_OUTPUT, kAlways},  // says why nothing can be run
     {IDM_BUILD_SYNTAX, kAlways},
     {IDM_BUILD_ALL, kAlways, nullptr, Internal},
     {IDM_COMPILER_MENU, kAlways, nullptr, Internal},
@@ -148,7 +149,7 @@ constexpr ExtraKey kExtraKeys[] = {
     {kRight, false, false, true, IDM_NAV_FORWARD},      {kF5, true, false, false, IDM_DEBUG_CONTINUE},
     {kF5, false, true, false, IDM_DEBUG_STOP},          {kF10, true, false, false, IDM_DEBUG_RUN_TO_CURSOR},
     {kF9, true, false, false, IDM_DEBUG_CONDITIONAL},   {kCancel, true, false, true, IDM_DEBUG_PAUSE},
-    {kF2, true, false, false, IDM_TOOLBAR_MORE},
+    {kF2, true, false, false, IDM_TOOLBAR_MORE},        {L'R', true, true, false, IDM_RUN_IN_OUTPUT},
 };
 
 }  // namespace

@@ -14,8 +14,8 @@ enum CommandCondition : std::uint32_t {
     kHasSelection = 1u << 3,
     kHasFile = 1u << 5,  // the active document has a file
     kAnyModified = 1u << 7,
-    kIdle = 1u << 8,  // no build runs
-    kBuilding = 1u << 9,
+    kIdle = 1u << 8,      // no build runs
+    kBuilding = 1u << 9,  // a build runs, or processes that a finished one started
     kHasErrors = 1u << 10,
     kBasicSource = 1u << 11,
     kNoSession = 1u << 12,

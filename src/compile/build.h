@@ -16,6 +16,7 @@ int CompilerBuild(std::uint32_t id, const wchar_t* source, const wchar_t* output
                   bool wantListing);
 void CompilerKill();  // ends the compiler and every process it started; may be called while a build is being started
 bool CompilerIsBuilding();  // true also between two documents of a batch build
+bool BuildCanBeStopped();   // also when nothing but processes of finished builds runs
 
 // The commands of the Compiler menu, of the profiles and of the batch build.
 std::span<const CommandHandler> BuildCommandHandlers();

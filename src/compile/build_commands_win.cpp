@@ -7,8 +7,10 @@
 #include "base/wide_format.h"
 #include "compile/build_batch.h"
 #include "compile/build_plan.h"
+#include "compile/build_reader.h"
 #include "compile/build_runner.h"
 #include "compile/build_stage.h"
+#include "compile/program_run.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "files/file_io.h"
@@ -17,9 +19,6 @@
 #include "resources/ids.h"
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
-#include "ui/ui_state.h"
-
-#include <shellapi.h>
 
 #include <algorithm>
 #include <array>
@@ -120,10 +119,14 @@ void CleanProducts() {
 }
 
 void StopBuild() {
-    if (!CompilerIsBuilding()) return;
+    if (!CompilerIsBuilding()) {
+        ReaderEndLeftProcesses();
+        g_events.statusText(L"Processes of the last build stopped");
+        return;
+    }
     BatchDropRest(g_batch);
+    if (!StageIsProgram()) g_events.statusText(L"Build stopped");
     CompilerKill();
-    g_events.statusText(L"Build stopped");
 }
 
 void UseCompilerOfMenu(int command) {
@@ -159,6 +162,7 @@ constexpr CommandHandler kBuildHandlers[] = {
     {IDM_BUILD_SYNTAX, StartUnlessRefused<CheckActiveDocument>},
     {IDM_BUILD_ALL, StartUnlessRefused<BuildAllDocuments>},
     {IDM_BUILD_STOP, [](int) { StopBuild(); }},
+    {IDM_RUN_IN_OUTPUT, [](int) { RunInOutputPane(); }},
     {IDM_BUILD_CLEAN, [](int) { CleanProducts(); }},
     {IDM_PROFILE_DEBUG, UseBuildProfile},
     {IDM_PROFILE_RELEASE, UseBuildProfile},
@@ -180,14 +184,6 @@ constexpr auto kAllBuildHandlers = BuildAndCompilerHandlers();
 
 }  // namespace
 
-void RunBuiltProgram(const std::wstring& program) {
-    const auto result = reinterpret_cast<INT_PTR>(
-        ShellExecuteW(g_ui.hMainWnd, L"open", program.c_str(), nullptr, FolderOf(program).c_str(), SW_SHOWNORMAL));
-    if (result > 32) return;
-    OutputPaneAppend(RunErrorLine(program, static_cast<long>(result)).c_str(), kLineRed);
-    g_events.statusText(L"Run failed");
-}
-
 void BatchOnBuildEnd(bool success) {
     if (!g_batch.running) return;
     if (!success) {
@@ -199,6 +195,8 @@ void BatchOnBuildEnd(bool success) {
 }
 
 bool BatchIsRunning() { return g_batch.running; }
+
+bool BuildCanBeStopped() { return CompilerIsBuilding() || ReaderLeftProcesses(); }
 
 bool CompilerIsBuilding() { return StageRuns() || g_batch.running; }
 

@@ -2,6 +2,9 @@
 
 #include "base/bounded_text.h"
 #include "base/path.h"
+#include "compile/terminal_text.h"
+
+#include <algorithm>
 
 std::wstring BuildFlagsOf(const FlagChoice& choice) {
     wchar_t flags[kFlagsCapacity] = {};
@@ -41,6 +44,28 @@ CommandProblem PlanLaunch(const LaunchRequest& request, std::wstring_view compil
     const std::wstring log = ReplaceExtension(request.source, L".buildlog");
     plan->logPath = SamePathText(log, request.source) ? std::wstring() : log;
     return CommandProblem::None;
+}
+
+std::wstring CommandBeside(std::wstring_view command, std::wstring_view folder, std::wstring_view systemFolder,
+                           const FileProbe& exists) {
+    command.remove_prefix(std::min(command.find_first_not_of(L" \t"), command.size()));
+    const bool quoted = command.starts_with(L'"');
+    if (quoted) command.remove_prefix(1);
+    const std::size_t end = std::min(command.find_first_of(quoted ? L"\"" : L" \t"), command.size());
+    const std::wstring program(command.substr(0, end));
+    std::wstring_view rest = command.substr(end);
+    if (quoted && !rest.empty()) rest.remove_prefix(1);
+    if (program.empty() || PathIsAbsolute(program)) return {};
+    const std::wstring base = std::wstring(folder) + (folder.ends_with(L'\\') ? L"" : L"\\") + program;
+    for (const wchar_t* extension : {L"", L".exe", L".com", L".bat", L".cmd"}) {
+        const std::wstring path = base + extension;
+        if (!exists(path)) continue;
+        const std::wstring line = L'"' + path + L'"' + std::wstring(rest);
+        const std::wstring_view kind = FileExtension(path);
+        const bool batch = PathEqualsIgnoreCase(kind, L".bat") || PathEqualsIgnoreCase(kind, L".cmd");
+        return batch ? TerminalCommandLine(systemFolder, line) : line;
+    }
+    return {};
 }
 
 std::wstring LaunchErrorLine(std::uint32_t error, std::wstring_view systemMessage) {

@@ -5,6 +5,7 @@
 #include "settings/compiler_table.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,7 +49,14 @@ std::wstring LaunchObstacle(const LaunchRequest& request);
 // `compiled` is the path that the compiler reads: the source or its staged copy.
 CommandProblem PlanLaunch(const LaunchRequest& request, std::wstring_view compiled, LaunchPlan* plan);
 
-// Both return a line for the output pane.
+// The command with the full path of its program, when `folder` has that program under the name that the command gives,
+// or under this name with ".exe", ".com", ".bat" or ".cmd". The system looks for a bare name everywhere but in the
+// working folder of the new process. Empty when the folder has none. `systemFolder` is needed for batch files.
+using FileProbe = std::function<bool(const std::wstring& path)>;
+std::wstring CommandBeside(std::wstring_view command, std::wstring_view folder, std::wstring_view systemFolder,
+                           const FileProbe& exists);
+
+// These return a line for the output pane.
 std::wstring LaunchErrorLine(std::uint32_t error, std::wstring_view systemMessage);
 std::wstring NotStagedLine(std::wstring_view target);
 std::wstring LeftoverLine(std::wstring_view target, std::wstring_view aside);

@@ -25,3 +25,8 @@ void CompilerThread(ReaderRequest& request, const WorkerCancel& cancel);
 
 // Ends all processes of the running stage, and the commands that earlier stages left running. UI thread only.
 void ReaderEndProcesses();
+
+// Whether processes of earlier stages run: commands that exceeded their time limit, and what a finished stage of a build
+// has started. The second function ends them. UI thread only.
+bool ReaderLeftProcesses();
+void ReaderEndLeftProcesses();

@@ -22,10 +22,16 @@ constexpr DWORD kChunkBytes = 4096;
 constexpr DWORD kShortChunk = 1024;
 constexpr int kPostTries = 100;
 constexpr DWORD kPostPauseMs = 20;
+constexpr DWORD kOthersWaitMs = 100;
+constexpr DWORD kOthersPauseMs = 10;
+constexpr wchar_t kOthersRunLine[] =
+    L"Processes that this build started are still running. Stop Build (Ctrl+Break) ends them.\r\n";
 
 // The jobs of commands that outlived their stage, under g_buildCs. The vector is never destroyed, because the threads
 // of those commands may run until the process ends.
 std::vector<HANDLE>& g_leftJobs = *new std::vector<HANDLE>;
+// The jobs of finished stages whose processes run on, under g_buildCs.
+std::vector<HANDLE>& g_finishedJobs = *new std::vector<HANDLE>;
 
 struct Reader {
     const ReaderRequest& request;
@@ -50,9 +56,8 @@ void PostText(const Reader& reader, HeapBlock<wchar_t> text, LPARAM colour) {
 void PostBytes(Reader& reader, std::string_view bytes, bool last) {
     reader.held += bytes;
     const std::size_t count = last ? reader.held.size() : ReadDecodable(reader.held);
-    HeapBlock<wchar_t> text(reader.request.stage == BuildStage::Terminal
-                                ? DecodeConsoleText(reader.held.data(), count)
-                                : DecodeCompilerText(reader.held.data(), count));
+    HeapBlock<wchar_t> text(StageIsOfBuild(reader.request.stage) ? DecodeCompilerText(reader.held.data(), count)
+                                                                 : DecodeConsoleText(reader.held.data(), count));
     reader.held.erase(0, count);
     if (text != nullptr) {
         BuildLogWrite(reader.log, text.get());
@@ -170,9 +175,34 @@ void PostFinished(HWND target, DWORD exitCode) {
     }
 }
 
-void PostNotice(const Reader& reader, const std::wstring& notice) {
+void PostNotice(const Reader& reader, const std::wstring& notice, LPARAM colour) {
     if (notice.empty() || WaitForCredit(reader) == ReadStep::TimedOut) return;
-    if (HeapBlock<wchar_t> text{_wcsdup(notice.c_str())}) PostText(reader, std::move(text), kLineRed);
+    if (HeapBlock<wchar_t> text{_wcsdup(notice.c_str())}) PostText(reader, std::move(text), colour);
+}
+
+// A process may end with the code STILL_ACTIVE (259), so the code alone does not tell that it runs.
+DWORD ExitCodeOf(HANDLE process) {
+    DWORD exitCode = 1;
+    return WaitForSingleObject(process, 0) == WAIT_OBJECT_0 && GetExitCodeProcess(process, &exitCode) ? exitCode : 1;
+}
+
+// Whether processes that the stage started outlive it. The console's own process may take a moment to end.
+bool OthersRun(const Reader& reader) {
+    for (DWORD waited = 0; ChildJobRuns(reader.job); waited += kOthersPauseMs)
+        if (waited >= kOthersWaitMs || WaitForSingleObject(reader.cancel.Event(), kOthersPauseMs) == WAIT_OBJECT_0)
+            return ChildJobRuns(reader.job);
+    return false;
+}
+
+// Keeps the job of processes that outlive their stage, so that the user can still stop them.
+void CloseOrKeepJob(ChildProcess& child, bool keep) {
+    HANDLE job = child.job;
+    if (keep) child.job = nullptr;
+    ChildClose(&child);
+    if (!keep) return;
+    ChildReleaseJob(job);
+    const BuildLock lock;
+    g_finishedJobs.push_back(job);
 }
 
 // Takes the handles out of the build state, which afterwards says that nothing runs.
@@ -198,6 +228,18 @@ void ReaderEndProcesses() {
     for (HANDLE job : g_leftJobs) ChildTerminate(job, nullptr);
 }
 
+bool ReaderLeftProcesses() {
+    const BuildLock lock;
+    std::erase_if(g_finishedJobs, [](HANDLE job) { return !ChildJobRuns(job) && CloseHandle(job) != FALSE; });
+    return !g_leftJobs.empty() || !g_finishedJobs.empty();
+}
+
+void ReaderEndLeftProcesses() {
+    const BuildLock lock;
+    for (HANDLE job : g_leftJobs) ChildTerminate(job, nullptr);
+    for (HANDLE job : g_finishedJobs) ChildTerminate(job, nullptr);
+}
+
 void CompilerThread(ReaderRequest& request, const WorkerCancel& cancel) {
     Reader reader = {.request = request, .cancel = cancel};
     {
@@ -207,6 +249,7 @@ void CompilerThread(ReaderRequest& request, const WorkerCancel& cancel) {
         reader.job = g_buildState.job;
     }
     if (request.limitMs != INFINITE) reader.course.deadline = GetTickCount64() + request.limitMs;
+    if (request.stage == BuildStage::Compile) reader.course.silenceMs = request.limitMs;
     reader.readDone.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     reader.log = BuildLogOpen(request.logPath);
     BuildLogWrite(reader.log, request.logHeader);
@@ -218,9 +261,10 @@ void CompilerThread(ReaderRequest& request, const WorkerCancel& cancel) {
         ChildTerminate(reader.job, reader.process);
         WaitForSingleObject(reader.process, 1000);
     }
-    DWORD exitCode = 1;
-    if (!leave && (!GetExitCodeProcess(reader.process, &exitCode) || exitCode == STILL_ACTIVE)) exitCode = 1;
-    PostNotice(reader, UnstageSource(&request.staged));
+    const DWORD exitCode = leave ? 1 : ExitCodeOf(reader.process);
+    const bool othersLeft = end == BuildEnd::Ended && StageIsOfBuild(request.stage) && OthersRun(reader);
+    PostNotice(reader, UnstageSource(&request.staged), kLineRed);
+    if (othersLeft) PostNotice(reader, kOthersRunLine, kLineTeal);
     {
         const BuildLock lock;
         g_buildState.lastExitCode = exitCode;
@@ -233,5 +277,5 @@ void CompilerThread(ReaderRequest& request, const WorkerCancel& cancel) {
     if (leave)
         LeaveRunning(child);
     else
-        ChildClose(&child);
+        CloseOrKeepJob(child, othersLeft);
 }

@@ -14,6 +14,5 @@ void BuildApplyStep(const BuildStep& step);
 int BuildStart(const BuildOrder& order);
 
 // Called when a build has ended (build_commands_win.cpp).
-void RunBuiltProgram(const std::wstring& program);
 void BatchOnBuildEnd(bool success);
 bool BatchIsRunning();

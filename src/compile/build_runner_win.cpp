@@ -5,7 +5,9 @@
 #include "compile/build.h"
 #include "compile/build_plan.h"
 #include "compile/build_stage.h"
+#include "compile/child_process.h"
 #include "compile/compile_state.h"
+#include "compile/program_run.h"
 #include "compile/side_logs.h"
 #include "compile/staging.h"
 #include "documents/document_row.h"
@@ -20,7 +22,8 @@
 #include "ui/panes.h"
 #include "ui/ui_state.h"
 
-#include <iterator>
+#include <optional>
+#include <vector>
 
 namespace {
 
@@ -29,9 +32,30 @@ struct BuildRunner {
     std::uint32_t compilerId = 0;
     std::wstring source;
     std::wstring output;
-    bool saving = false;  // saving the source has opened a dialog
+    std::optional<FileStamp> programBefore;  // of `output` before the compiler was started
+    bool saving = false;                     // saving the source has opened a dialog
 };
 BuildRunner g_runner;
+
+bool SaveBeforeBuild(int tab) {
+    g_runner.saving = true;
+    const bool saved = FileSave(tab) != 0;
+    g_runner.saving = false;
+    return saved;
+}
+
+// Saves the other modified documents that have a file, because the source may include them. Returns a line for each.
+std::vector<BuildLine> SaveOtherDocuments() {
+    std::vector<BuildLine> lines;
+    if (g_settings.saveAllBeforeBuild == 0) return lines;
+    for (const DocumentId document : DocumentsToSave(DocumentRowEntries(), true)) {
+        const int tab = TabBarFindDocument(document);  // a box about the one before may have closed or saved this one
+        if (tab < 0 || !TabAt(tab).hasFile || !TabAt(tab).modified) continue;
+        const std::wstring path = TabAt(tab).path;
+        lines.push_back(SavedLine(path, SaveBeforeBuild(tab)));
+    }
+    return lines;
+}
 
 // Saves the active document if needed, and gives its path. Returns false when there is no saved file.
 bool SaveSourceToBuild(std::wstring* source) {
@@ -39,10 +63,7 @@ bool SaveSourceToBuild(std::wstring* source) {
     {
         const DocumentTab& tab = TabAt(index);
         const bool needed = BuildNeedsSave(tab.modified, tab.hasFile, FileExists(tab.path));
-        g_runner.saving = true;
-        const bool saved = !needed || FileSave(index) != 0;
-        g_runner.saving = false;
-        if (!saved || !IsTabIndex(index)) return false;
+        if ((needed && !SaveBeforeBuild(index)) || !IsTabIndex(index)) return false;
     }
     const DocumentTab& tab = TabAt(index);  // read again, because the save may have moved records
     *source = tab.hasFile ? tab.path : L"";
@@ -84,14 +105,43 @@ std::wstring FlagsOfRun() {
                          .debugFlags = CompilerDebugFlags(g_runner.compilerId)});
 }
 
-bool StartCommandStage(BuildStage stage, const wchar_t* command) {
+std::wstring SystemFolder() {
+    wchar_t system[MAX_PATH] = {};
+    const UINT length = GetSystemDirectoryW(system, MAX_PATH);
+    return length > 0 && length < MAX_PATH ? system : L"";
+}
+
+// Starts a pre- or post-build command in the folder of the source. A program that the system does not find is looked for
+// there. Returns false with the reason for the user.
+bool StartCommandStage(BuildStage stage, const wchar_t* command, std::wstring* reason) {
+    StageLaunch launch = {
+        .stage = stage, .commandLine = command, .directory = FolderOf(g_runner.source), .limitMs = kCommandLimitMs};
     DWORD error = 0;
-    return StageStart(
-        {.stage = stage, .commandLine = command, .directory = FolderOf(g_runner.source), .limitMs = kCommandLimitMs},
-        &error);
+    if (StageStart(launch, &error)) return true;
+    if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) {
+        launch.commandLine = CommandBeside(command, launch.directory, SystemFolder(),
+                                           [](const std::wstring& path) { return FileExists(path.c_str()) != 0; });
+        if (!launch.commandLine.empty() && StageStart(launch, &error)) return true;
+    }
+    *reason = ChildStartProblem(error, launch.directory);
+    return false;
+}
+
+std::optional<FileStamp> StampOf(const std::wstring& path) {
+    FileStamp stamp;
+    return ReadFileStamp(path, &stamp) ? std::optional(stamp) : std::nullopt;
+}
+
+// What is to be said when the compiler has written no program; empty when it has written one.
+std::wstring UnwrittenProgram() {
+    const std::optional<FileStamp> after = StampOf(g_runner.output);
+    const FileStamp* before = g_runner.programBefore ? &*g_runner.programBefore : nullptr;
+    if (ProgramWasWritten(before, after ? &*after : nullptr, LastBuild().startTime)) return {};
+    return NoProgramText(g_runner.output, after.has_value());
 }
 
 bool StartCompilerStage() {
+    g_runner.programBefore = StampOf(g_runner.output);
     OutputFeedReset(g_runner.compilerId);  // the lines of a pre-build command do not count as the compiler's
     const bool wantListing = !g_runner.run.order.syntaxOnly && PaneIsShown(PaneId::Asm);
     return CompilerBuild(g_runner.compilerId, g_runner.source.c_str(), g_runner.output.c_str(), FlagsOfRun().c_str(),
@@ -103,11 +153,11 @@ BuildStep StartStageOf(BuildNext next) {
     const BuildStage stage = next == BuildNext::PreBuild  ? BuildStage::PreBuild
                              : next == BuildNext::Compile ? BuildStage::Compile
                                                           : BuildStage::PostBuild;
-    const bool started = stage == BuildStage::Compile
-                             ? StartCompilerStage()
-                             : StartCommandStage(stage, stage == BuildStage::PreBuild ? g_settings.preBuildCmd
-                                                                                      : g_settings.postBuildCmd);
-    return started ? BuildStarted(g_runner.run, stage) : BuildNotStarted(g_runner.run, stage);
+    const wchar_t* command = stage == BuildStage::PreBuild ? g_settings.preBuildCmd : g_settings.postBuildCmd;
+    std::wstring reason;
+    const bool started =
+        stage == BuildStage::Compile ? StartCompilerStage() : StartCommandStage(stage, command, &reason);
+    return started ? BuildStarted(g_runner.run, stage) : BuildNotStarted(g_runner.run, stage, reason);
 }
 
 // Ends the build and starts the action after it.
@@ -115,7 +165,7 @@ void EndBuild() {
     const BuildRun run = g_runner.run;  // copied, because a receiver of these events may start the next build
     const std::wstring program = g_runner.output;
     if (!run.finalStatus.empty()) g_events.statusText(run.finalStatus.c_str());
-    g_events.buildEnded(run.success, run.order.debug);
+    g_events.buildEnded(run.success && run.unwritten.empty(), run.order.debug);
     switch (BuildFollowUp(run)) {
         case AfterBuild::NextOfBatch: BatchOnBuildEnd(run.success); break;
         case AfterBuild::RunProgram: RunBuiltProgram(program); break;
@@ -147,11 +197,8 @@ bool FollowSteps(BuildStep step) {
     }
 }
 
-void AppendLaunchError(DWORD error) {
-    wchar_t text[512] = {};
-    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0, text,
-                   static_cast<DWORD>(std::size(text)), nullptr);
-    OutputPaneAppend(LaunchErrorLine(error, text).c_str(), kLineRed);
+void AppendLaunchError(DWORD error, const std::wstring& directory) {
+    OutputPaneAppend(LaunchErrorLine(error, ChildStartProblem(error, directory)).c_str(), kLineRed);
 }
 
 // Makes the copy of the source that the compiler needs. Returns false after it has reported why it failed.
@@ -164,7 +211,7 @@ bool StageForLaunch(const LaunchRequest& request, StagedSource* staged) {
     if (!staged->leftover.empty()) OutputPaneAppend(LeftoverLine(target, staged->leftover).c_str(), kLineTeal);
     if (done) return true;
     OutputPaneAppend(NotStagedLine(target).c_str(), kLineRed);
-    AppendLaunchError(error);
+    AppendLaunchError(error, {});
     return false;
 }
 
@@ -185,13 +232,17 @@ bool PrepareLaunch(const LaunchRequest& request, StagedSource* staged, LaunchPla
 // Stores the launch in the build state (under `g_buildCs`) and in LastBuild (UI thread).
 void RecordLaunch(const LaunchRequest& request, const StagedSource& staged, const LaunchPlan& plan,
                   const FILETIME& startTime) {
+    const BuildRecord& last = LastBuild();
+    const bool keptProgram = g_runner.run.order.syntaxOnly && SamePathText(last.source, request.source);
     LastBuildBegin({.source = std::wstring(request.source),
                     .output = std::wstring(request.output),
                     .staged = staged.copied ? staged.path : std::wstring(),
                     .listing = std::wstring(request.listing),
                     .workingDirectory = plan.workingDirectory,
                     .compilerId = request.compilerId,
-                    .startTime = std::uint64_t{startTime.dwHighDateTime} << 32 | startTime.dwLowDateTime});
+                    .startTime = std::uint64_t{startTime.dwHighDateTime} << 32 | startTime.dwLowDateTime,
+                    .programWritten = keptProgram && last.programWritten});
+    OutputFeedBeginBuild(LastBuild());
     const BuildLock lock;
     SafeCopyW(g_buildState.sourcePath, request.source);
     SafeCopyW(g_buildState.outputPath, request.output);
@@ -263,7 +314,7 @@ int CompilerBuild(std::uint32_t id, const wchar_t* source, const wchar_t* output
         const BuildLock lock;
         g_buildState.lastLaunchError = error;
     }
-    AppendLaunchError(error);
+    AppendLaunchError(error, plan.workingDirectory);
     return 0;
 }
 
@@ -271,6 +322,7 @@ BuildSituation BuildSituationNow() {
     return {.saving = g_runner.saving,
             .stageRuns = StageRuns(),
             .batchRuns = BatchIsRunning(),
+            .programRuns = StageIsProgram(),
             .programDebugged = g_compile.programInUse};
 }
 
@@ -283,6 +335,7 @@ int BuildStart(const BuildOrder& order) {
     if (!IsTabIndex(g_documents.activeTab)) return RefuseBuild(BuildRefusal::NoDocument);
     std::wstring source;
     if (!SaveSourceToBuild(&source)) return RefuseBuild(BuildRefusal::NotSaved);
+    const std::vector<BuildLine> saved = SaveOtherDocuments();
     ClearErrorMarks();
     if (!order.keepPane) {
         OutputPaneClear();
@@ -290,9 +343,12 @@ int BuildStart(const BuildOrder& order) {
     }
     const std::uint32_t id = CompilerToUse(source);
     OutputFeedReset(id);
+    BuildApplyStep({.lines = saved});
     if (!CompilerExists(id)) return RefuseWithoutCompiler(id);
     wchar_t output[kPathCapacity] = {};
     CompilerMakeOutputPath(source.c_str(), output, kPathCapacity);
+    // What a pre-build command prints is relative to its folder.
+    OutputFeedBeginBuild({.source = source, .output = output, .workingDirectory = FolderOf(source)});
     g_runner = {.run = {.order = order}, .compilerId = id, .source = source, .output = output};
     return FollowSteps(BuildFirst(g_runner.run, g_settings.preBuildCmd)) ? 1 : 0;
 }
@@ -300,6 +356,11 @@ int BuildStart(const BuildOrder& order) {
 int StartCompilerBuild(bool syntaxOnly, bool debug) { return BuildStart({.syntaxOnly = syntaxOnly, .debug = debug}); }
 
 void BuildOnStageEnd(const StageResult& result) {
-    if (result.stage == BuildStage::Compile) LastBuildEnd(result.end == BuildEnd::Ended && result.exitCode == 0);
+    if (result.stage == BuildStage::Compile) {
+        const bool success = result.end == BuildEnd::Ended && result.exitCode == 0;
+        const bool checked = g_runner.run.order.syntaxOnly;
+        if (!checked) g_runner.run.unwritten = UnwrittenProgram();
+        LastBuildEnd(success, checked ? LastBuild().programWritten : success && g_runner.run.unwritten.empty());
+    }
     FollowSteps(BuildAfterStage(g_runner.run, result, PrintedByCompiler()));
 }

@@ -81,16 +81,23 @@ std::wstring VerdictText(const BuildRun& run, const BuildPrinted& printed) {
 BuildRefusal BuildRefusalOf(const BuildOrder& order, const BuildSituation& situation) {
     const bool ownBatch = order.after == AfterBuild::NextOfBatch;
     if (situation.saving) return BuildRefusal::Saving;
+    if (situation.programRuns) return BuildRefusal::ProgramRuns;
     if (situation.stageRuns || (situation.batchRuns && !ownBatch)) return BuildRefusal::Running;
     return situation.programDebugged ? BuildRefusal::ProgramDebugged : BuildRefusal::None;
 }
 
 BuildRefusal BuildRefusalOfCommand(const BuildSituation& situation) {
+    if (situation.programRuns) return BuildRefusal::ProgramRuns;
     if (situation.stageRuns || situation.batchRuns) return BuildRefusal::StillRunning;
     return situation.programDebugged ? BuildRefusal::ProgramDebugged : BuildRefusal::None;
 }
 
 bool BuildNeedsSave(bool modified, bool hasFile, bool fileExists) { return modified || !hasFile || !fileExists; }
+
+BuildLine SavedLine(std::wstring_view path, bool saved) {
+    if (saved) return {L"Saved: " + std::wstring(path) + L"\r\n", kLineTeal};
+    return {L"Not saved, so the build takes what is on the disk: " + std::wstring(path) + L"\r\n", kLineRed};
+}
 
 BuildStep BuildRefused(BuildRefusal refusal, std::wstring_view compiler, std::wstring_view path) {
     switch (refusal) {
@@ -101,6 +108,8 @@ BuildStep BuildRefused(BuildRefusal refusal, std::wstring_view compiler, std::ws
             return {.lines = {{L"Not built: the program is being debugged. End the debug session first (Shift+F5).\r\n",
                                kLineRed}},
                     .status = L"End the debug session first (Shift+F5)"};
+        case BuildRefusal::ProgramRuns:
+            return {.status = L"The program still runs in the output pane: stop it first (Ctrl+Break)."};
         case BuildRefusal::StillRunning: return {.status = kBuildBusy};
         case BuildRefusal::NoDocument:
             return {.lines = {{L"Build cancelled: no active source tab is selected.\r\n", kLineRed}},
@@ -128,11 +137,12 @@ BuildStep BuildStarted(BuildRun& run, BuildStage stage) {
     return {.next = BuildNext::Wait, .status = stage == BuildStage::PreBuild ? L"Pre-build..." : L""};
 }
 
-BuildStep BuildNotStarted(const BuildRun& run, BuildStage stage) {
+BuildStep BuildNotStarted(const BuildRun& run, BuildStage stage, std::wstring_view reason) {
     if (stage == BuildStage::Compile)
         return {.next = run.begun ? BuildNext::End : BuildNext::Refused, .status = L"Build launch failed"};
     BuildStep step = stage == BuildStage::PreBuild ? StepToCompiler(run.order) : BuildStep{.next = BuildNext::End};
     step.lines = {{Labelled(stage, L"Failed to run."), kLineRed}};
+    if (!reason.empty()) step.lines.push_back({Labelled(stage, reason), kLineRed});
     return step;
 }
 
@@ -140,15 +150,30 @@ BuildStep BuildAfterStage(BuildRun& run, const StageResult& result, const BuildP
     return result.stage == BuildStage::Compile ? AfterCompiler(run, result, printed.lines) : AfterCommand(run, result);
 }
 
+bool ProgramWasWritten(const FileStamp* before, const FileStamp* after, std::uint64_t startTime) {
+    // The time counts beside the stamps, because some file systems keep it in steps of two seconds.
+    return after != nullptr && (before == nullptr || *before != *after || after->written >= startTime);
+}
+
+std::wstring NoProgramText(std::wstring_view program, bool exists) {
+    return L"No program was written: " + std::wstring(program) +
+           (exists ? L" is of an earlier build." : L" does not exist.");
+}
+
 BuildStep BuildReport(BuildRun& run, const BuildPrinted& printed, std::wstring_view postBuildCommand) {
     const bool built = run.success && !run.order.syntaxOnly;
     run.finalStatus = VerdictText(run, printed);
     BuildStep step = {.next = BuildNext::End, .programBuilt = built};
     if (run.compiler.end == BuildEnd::TimedOut)
-        step.lines.push_back({L"The compiler had not ended after " + std::to_wstring(kCompilerLimitMs / 60000) +
+        step.lines.push_back({L"The compiler had printed nothing for " + std::to_wstring(kCompilerLimitMs / 60000) +
                                   L" minutes and was ended.\r\n",
                               kLineRed});
     step.lines.push_back({L"--- " + run.finalStatus + L" ---\r\n", run.success ? 0 : kLineRed});
+    if (built && !run.unwritten.empty()) {
+        const bool wanted = run.order.debug || run.order.after == AfterBuild::RunProgram;
+        step.lines.push_back({run.unwritten + L"\r\n", wanted ? kLineRed : kLineTeal});
+        if (wanted) run.finalStatus = run.unwritten;
+    }
     if (!built || postBuildCommand.empty()) return step;
     step.next = BuildNext::PostBuild;
     step.lines.push_back(StepToCommand(BuildStage::PostBuild, postBuildCommand).lines.front());
@@ -156,5 +181,6 @@ BuildStep BuildReport(BuildRun& run, const BuildPrinted& printed, std::wstring_v
 }
 
 AfterBuild BuildFollowUp(const BuildRun& run) {
-    return run.order.after == AfterBuild::RunProgram && !run.success ? AfterBuild::Nothing : run.order.after;
+    const bool runs = run.success && run.unwritten.empty();
+    return run.order.after == AfterBuild::RunProgram && !runs ? AfterBuild::Nothing : run.order.after;
 }

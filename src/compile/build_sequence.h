@@ -3,6 +3,7 @@
 #pragma once
 
 #include "compile/build_values.h"
+#include "compile/file_stamp.h"
 
 #include <cstdint>
 #include <string>
@@ -17,6 +18,7 @@ enum class BuildRefusal : std::uint8_t {
     Saving,           // saving for an earlier start has opened a dialog; no message
     Running,          // a build or a batch runs; no message
     ProgramDebugged,  // a debugger runs the program, so its file cannot be written
+    ProgramRuns,      // a program runs in the output pane
     StillRunning,     // as Running, for a menu command: the user is told
     NoDocument,
     NotSaved,
@@ -27,11 +29,12 @@ struct BuildSituation {
     bool saving = false;
     bool stageRuns = false;
     bool batchRuns = false;
+    bool programRuns = false;
     bool programDebugged = false;
 };
-// Returns None, Saving, Running or ProgramDebugged. A batch refuses every build but its own.
+// Returns None, Saving, ProgramRuns, Running or ProgramDebugged. A batch refuses every build but its own.
 BuildRefusal BuildRefusalOf(const BuildOrder& order, const BuildSituation& situation);
-// The same for a menu command: None, StillRunning or ProgramDebugged.
+// The same for a menu command: None, ProgramRuns, StillRunning or ProgramDebugged.
 BuildRefusal BuildRefusalOfCommand(const BuildSituation& situation);
 inline constexpr const wchar_t* kBuildBusy = L"Build already in progress.";  // status bar text for StillRunning
 
@@ -45,6 +48,9 @@ struct BuildLine {
     std::wstring text;  // for the output pane, with its line break
     std::uint32_t colour = 0;
 };
+
+// The line about a document that is saved because another one is built.
+BuildLine SavedLine(std::wstring_view path, bool saved);
 
 enum class BuildNext : std::uint8_t {
     Refused,    // the build was not started
@@ -78,7 +84,13 @@ struct BuildRun {
     bool success = false;       // the compiler succeeded
     std::wstring finalStatus;   // for the status bar at the end
     StageResult compiler = {};  // how the compiler ended
+    std::wstring unwritten;     // what NoProgramText says when the compiler wrote no program; else empty
 };
+
+// A program of an earlier build must not be taken for this build's. `before` and `after`: the program's file before the
+// compiler was started (at `startTime`) and after it had ended; null: there was none.
+bool ProgramWasWritten(const FileStamp* before, const FileStamp* after, std::uint64_t startTime);
+std::wstring NoProgramText(std::wstring_view program, bool exists);
 
 // Counts of the compiler's output.
 struct BuildPrinted {
@@ -90,7 +102,8 @@ struct BuildPrinted {
 // The first step. There is no pre-build stage when the command is empty.
 BuildStep BuildFirst(const BuildRun& run, std::wstring_view preBuildCommand);
 BuildStep BuildStarted(BuildRun& run, BuildStage stage);
-BuildStep BuildNotStarted(const BuildRun& run, BuildStage stage);
+// `reason` is shown for a pre- or post-build command; the compiler's is shown already.
+BuildStep BuildNotStarted(const BuildRun& run, BuildStage stage, std::wstring_view reason);
 BuildStep BuildAfterStage(BuildRun& run, const StageResult& result, const BuildPrinted& printed);
 BuildStep BuildReport(BuildRun& run, const BuildPrinted& printed, std::wstring_view postBuildCommand);
 

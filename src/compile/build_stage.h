@@ -1,5 +1,5 @@
-// Runs one process at a time: a build's pre-build command, compiler or post-build command, or a command of the terminal
-// line. Starts it, follows it, stops it, and reports its end after all its output is shown. UI thread only.
+// Runs one process at a time: a build's pre-build command, compiler or post-build command, a command of the terminal
+// line, or a program in the output pane. Starts it, follows it, stops it, and reports its end after all its output is shown. UI thread only.
 #pragma once
 
 #include "compile/build_values.h"
@@ -23,14 +23,16 @@ struct StageLaunch {
 // deleted.
 bool StageStart(StageLaunch launch, DWORD* error);
 
-bool StageRuns();  // true from the start of the process until its reader thread has cleaned up
+bool StageRuns();       // true from the start of the process until its reader thread has cleaned up
+bool StageIsProgram();  // a program runs in the output pane
 
 // Takes the messages that the last stage posted and shows its output, so that its end is reported now. With
 // `dropOutput` the output is dropped, for a caller that clears the pane next; showing a very long output would take
 // seconds. Does nothing while a stage runs.
 void StageSettle(bool dropOutput);
 
-// Called with the end of a stage of a build (BuildOnStageEnd) or of a terminal command. BuildOnStageEnd may start the
+// Called with the end of a stage of a build (BuildOnStageEnd), of a terminal command or of a program. BuildOnStageEnd may start the
 // next stage.
 void BuildOnStageEnd(const StageResult& result);
 void TerminalOnStageEnd(const StageResult& result);
+void ProgramOnStageEnd(const StageResult& result);

@@ -9,6 +9,7 @@
 #include "compile/build_reader.h"
 #include "compile/child_process.h"
 #include "compile/compile_state.h"
+#include "compile/program_input.h"
 #include "output/line_colours.h"
 #include "output/output_credits.h"
 #include "output/output_feed.h"
@@ -80,10 +81,12 @@ void DeliverStageEnd() {
     g_stage = {};
     KillTimer(g_ui.hMainWnd, TIMER_BUILD);
     ShowBuildProgress();
-    if (result.stage == BuildStage::Terminal)
-        TerminalOnStageEnd(result);
-    else
-        BuildOnStageEnd(result);
+    ProgramInputClose();
+    switch (result.stage) {
+        case BuildStage::Terminal: TerminalOnStageEnd(result); break;
+        case BuildStage::Program: ProgramOnStageEnd(result); break;
+        default: BuildOnStageEnd(result); break;
+    }
     g_events.refreshNow();
 }
 
@@ -104,7 +107,8 @@ void BuildInit() {
 
 bool StageStart(StageLaunch launch, DWORD* error) {
     ChildProcess child;
-    if (!ChildStart(launch.commandLine, launch.directory, &child, error)) {
+    const bool isProgram = launch.stage == BuildStage::Program;
+    if (!ChildStart(launch.commandLine, launch.directory, &child, error, isProgram)) {
         OutputFeedMessage(UnstageSource(&launch.staged), kLineRed);
         return false;
     }
@@ -125,6 +129,7 @@ bool StageStart(StageLaunch launch, DWORD* error) {
         OutputFeedMessage(UnstageSource(&launch.staged), kLineRed);
         return false;
     }
+    if (isProgram) ProgramInputOpen(child.inputWrite);
     g_stage.stage = launch.stage;
     g_stage.started = GetTickCount64();
     SetTimer(g_ui.hMainWnd, TIMER_BUILD, kProgressIntervalMs, nullptr);
@@ -132,6 +137,8 @@ bool StageStart(StageLaunch launch, DWORD* error) {
     g_events.refreshNow();
     return true;
 }
+
+bool StageIsProgram() { return g_stage.stage == BuildStage::Program; }
 
 bool StageRuns() {
     const BuildLock lock;
@@ -169,7 +176,10 @@ void BuildOnFinished(DWORD exitCode) {
     OutputFeedStreamEnd();
 }
 
-void BuildOnTimer() { ShowBuildProgress(); }
+void BuildOnTimer() {
+    ShowBuildProgress();
+    ProgramInputPump();
+}
 
 bool BuildOnShown(bool allShown) {
     DeliverStageEnd();
@@ -183,6 +193,7 @@ void BuildShutdown() {
     WorkerWait(g_stage.reader, kShutdownWaitMs);
     WorkerDropPosts<HeapBlock<wchar_t>>(g_ui.hMainWnd, MSG_BUILD_OUTPUT);
     OutputFeedForget();
+    ProgramInputClose();
     g_stage = {};
 }
 

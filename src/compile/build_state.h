@@ -11,7 +11,7 @@
 
 struct BuildState {
     bool building = false;   // the compiler runs: from process start until the reader thread has cleaned up
-    bool preparing = false;  // a pre-build, post-build or terminal command runs
+    bool preparing = false;  // a pre-build, post-build or terminal command, or a program, runs
     BuildStage stage = BuildStage::Idle;
     BuildEnd end = BuildEnd::Ended;  // how the last stage ended; written by the reader thread
     HANDLE process = nullptr;

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-// The stages. A build has up to three; a command of the terminal line has one.
-enum class BuildStage : std::uint8_t { Idle, PreBuild, Compile, PostBuild, Terminal };
+// The stages. A build has up to three; a command of the terminal line and a program run in the output pane have one.
+enum class BuildStage : std::uint8_t { Idle, PreBuild, Compile, PostBuild, Terminal, Program };
 
 // Whether the stage belongs to a build, whose errors and warnings are counted and listed. Those that a command of the
 // terminal line prints are only coloured.
@@ -30,5 +30,5 @@ struct BuildOrder {
     AfterBuild after = AfterBuild::Nothing;
 };
 
-inline constexpr std::uint32_t kCompilerLimitMs = 300000;  // a compiler is ended after this time
+inline constexpr std::uint32_t kCompilerLimitMs = 300000;  // a compiler is ended after this time without output
 inline constexpr std::uint32_t kCommandLimitMs = 30000;    // a pre- or post-build command is waited for so long

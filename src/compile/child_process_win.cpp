@@ -2,8 +2,10 @@
 
 #include "base/handles.h"
 #include "base/wide_format.h"
+#include "files/file_io.h"
 
 #include <atomic>
+#include <iterator>
 #include <memory>
 #include <utility>
 
@@ -26,18 +28,20 @@ HANDLE CreateEndingJob() {
     return job;
 }
 
-// Creates a pipe whose read end allows overlapped reads, which the pipe of CreatePipe does not.
-bool CreateOutputPipe(UniqueHandle* read, UniqueHandle* write) {
+// Creates a pipe whose end in the editor allows overlapped reads or writes, which the pipe of CreatePipe does not. The
+// other end is inheritable.
+bool CreateChildPipe(bool childWrites, UniqueHandle* own, UniqueHandle* childEnd) {
     static std::atomic<unsigned> serial = 0;
     const std::wstring name = FormatW(L"\\\\.\\pipe\\kvx-editor-%lu-%u", GetCurrentProcessId(), serial.fetch_add(1));
-    read->Reset(
-        CreateNamedPipeW(name.c_str(), PIPE_ACCESS_INBOUND | FILE_FLAG_OVERLAPPED | FILE_FLAG_FIRST_PIPE_INSTANCE,
-                         PIPE_TYPE_BYTE | PIPE_WAIT | PIPE_REJECT_REMOTE_CLIENTS, 1, 0, kPipeBytes, 0, nullptr));
-    if (!*read) return false;
+    const DWORD access = childWrites ? PIPE_ACCESS_INBOUND : PIPE_ACCESS_OUTBOUND;
+    own->Reset(CreateNamedPipeW(name.c_str(), access | FILE_FLAG_OVERLAPPED | FILE_FLAG_FIRST_PIPE_INSTANCE,
+                                PIPE_TYPE_BYTE | PIPE_WAIT | PIPE_REJECT_REMOTE_CLIENTS, 1, kPipeBytes, kPipeBytes, 0,
+                                nullptr));
+    if (!*own) return false;
     SECURITY_ATTRIBUTES inheritable = {.nLength = sizeof(SECURITY_ATTRIBUTES), .bInheritHandle = TRUE};
-    write->Reset(
-        CreateFileW(name.c_str(), GENERIC_WRITE, 0, &inheritable, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    return static_cast<bool>(*write);
+    childEnd->Reset(CreateFileW(name.c_str(), childWrites ? GENERIC_WRITE : GENERIC_READ, 0, &inheritable,
+                                OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    return static_cast<bool>(*childEnd);
 }
 
 // The editor's standard input as an inheritable handle, or null: a program with a window usually has none.
@@ -79,13 +83,13 @@ private:
     bool ok_ = false;
 };
 
-bool CreateSuspended(std::wstring& commandLine, const std::wstring& directory, HANDLE output, HANDLE input,
+bool CreateSuspended(std::wstring& commandLine, const std::wstring& directory, HANDLE output, HANDLE input, bool shown,
                      PROCESS_INFORMATION* process) {
     const HandleList inherited(output, input);
     STARTUPINFOEXW start = {};
     start.StartupInfo.cb = inherited.Get() != nullptr ? sizeof(STARTUPINFOEXW) : sizeof(STARTUPINFOW);
     start.StartupInfo.dwFlags = STARTF_USESTDHANDLES | STARTF_USESHOWWINDOW;
-    start.StartupInfo.wShowWindow = SW_HIDE;
+    start.StartupInfo.wShowWindow = shown ? SW_SHOWNORMAL : SW_HIDE;
     start.StartupInfo.hStdInput = input;
     start.StartupInfo.hStdOutput = output;
     start.StartupInfo.hStdError = output;
@@ -107,19 +111,46 @@ bool ReleaseIntoJob(ChildProcess* child) {
 
 }  // namespace
 
-bool ChildStart(std::wstring commandLine, const std::wstring& directory, ChildProcess* child, DWORD* error) {
+std::wstring WorkingFolderOf(const std::wstring& folder) {
+    if (folder.size() <= kLongestWorkingFolder) return folder;
+    const std::wstring brief = PathShortForm(folder);
+    return brief.size() <= kLongestWorkingFolder ? brief : std::wstring();
+}
+
+std::wstring ChildStartProblem(DWORD error, const std::wstring& directory) {
+    if (error == ERROR_FILENAME_EXCED_RANGE && directory.size() > kLongestWorkingFolder)
+        return L"Nothing can be run in a folder of more than " + std::to_wstring(kLongestWorkingFolder) +
+               L" characters: " + directory;
+    wchar_t text[512] = {};
+    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0, text,
+                   static_cast<DWORD>(std::size(text)), nullptr);
+    std::wstring message = text;
+    while (message.ends_with(L'\r') || message.ends_with(L'\n')) message.pop_back();
+    return message;
+}
+
+bool ChildStart(std::wstring commandLine, const std::wstring& directory, ChildProcess* child, DWORD* error,
+                bool isProgram) {
+    const std::wstring folder = WorkingFolderOf(directory);
+    if (folder.empty() != directory.empty()) {
+        *error = ERROR_FILENAME_EXCED_RANGE;
+        return false;
+    }
     UniqueHandle read;
     UniqueHandle write;
-    if (!CreateOutputPipe(&read, &write)) {
+    UniqueHandle input;
+    UniqueHandle inputWrite;
+    if (!CreateChildPipe(true, &read, &write) || (isProgram && !CreateChildPipe(false, &inputWrite, &input))) {
         *error = GetLastError();
         return false;
     }
-    ChildProcess started = {.pipeRead = read.Release()};
-    UniqueHandle input = InheritableInput();
+    if (!isProgram) input = InheritableInput();
+    ChildProcess started = {.pipeRead = read.Release(), .inputWrite = inputWrite.Release()};
     PROCESS_INFORMATION process = {};
-    bool ok = CreateSuspended(commandLine, directory, write.Get(), input.Get(), &process);
+    bool ok = CreateSuspended(commandLine, folder, write.Get(), input.Get(), isProgram, &process);
     *error = ok ? ERROR_SUCCESS : GetLastError();
     write.Reset();  // else the pipe would never end
+    input.Reset();
     if (ok) {
         started.process = process.hProcess;
         started.thread = process.hThread;
@@ -141,12 +172,22 @@ void ChildTerminate(HANDLE job, HANDLE process) {
     if (process != nullptr) TerminateProcess(process, 1);
 }
 
+bool ChildJobRuns(HANDLE job) {
+    JOBOBJECT_BASIC_ACCOUNTING_INFORMATION info = {};
+    return job != nullptr &&
+           QueryInformationJobObject(job, JobObjectBasicAccountingInformation, &info, sizeof(info), nullptr) &&
+           info.ActiveProcesses > 0;
+}
+
+void ChildReleaseJob(HANDLE job) {
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
+    SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof(limits));
+}
+
 void ChildClose(ChildProcess* child) {
-    if (child->job != nullptr) {
-        JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
-        SetInformationJobObject(child->job, JobObjectExtendedLimitInformation, &limits, sizeof(limits));
-    }
+    if (child->job != nullptr) ChildReleaseJob(child->job);
     CloseAndClear(&child->pipeRead);
+    CloseAndClear(&child->inputWrite);
     CloseAndClear(&child->thread);
     CloseAndClear(&child->process);
     CloseAndClear(&child->job);

@@ -24,6 +24,7 @@ ReadStep ReadNothingCame(const ReadCourse& course, std::uint64_t now) {
 ReadStep ReadPieceCame(ReadCourse& course, std::size_t bytes, ReadStep step, std::uint64_t now) {
     if (course.processEnded) course.lateBytes += bytes;
     if (step != ReadStep::Go) return step;
+    if (bytes > 0 && course.silenceMs > 0) course.deadline = now + course.silenceMs;
     if (ReadMsLeft(course, now) == 0) return ReadStep::TimedOut;
     return course.lateBytes > kReadLateBytes ? ReadStep::PipeEnd : ReadStep::Go;
 }

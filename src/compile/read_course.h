@@ -1,4 +1,5 @@
-// Decides how long the output of a process is read: until its end, its time limit, or the user's Stop. A process
+// Decides how long the output of a process is read: until its end, its time limit, or the user's Stop. The limit of a
+// compiler is for its silence: each piece of output begins it anew, because long builds print all the time. A process
 // started by it may live on and keep the pipe open. After the end of the first process the pipe is therefore read only
 // for a short time and up to a limit of bytes; both are more than the output that it can have left in the pipe. Times
 // are tick counts in milliseconds. Pure.
@@ -18,8 +19,9 @@ enum class ReadStep : std::uint8_t { Go, PipeEnd, Stopped, TimedOut };
 
 struct ReadCourse {
     std::uint64_t deadline = kReadNoLimit;
-    std::uint64_t endedAt = 0;  // when the process ended
-    std::size_t lateBytes = 0;  // bytes read since then
+    std::uint64_t silenceMs = 0;  // above 0: the deadline is this long after the last output
+    std::uint64_t endedAt = 0;    // when the process ended
+    std::size_t lateBytes = 0;    // bytes read since then
     bool processEnded = false;
 };
 

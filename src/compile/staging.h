@@ -2,19 +2,13 @@
 // overwritten nor deleted: a file with the copy's name is moved aside and put back. Any thread.
 #pragma once
 
+#include "compile/file_stamp.h"
 #include "settings/compiler_table.h"
 
 #include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
-
-// Time and length of a file, to notice that it was changed.
-struct FileStamp {
-    std::uint64_t written = 0;  // time of the last write, in units of 100 ns
-    std::uint64_t length = 0;   // bytes
-    bool operator==(const FileStamp&) const = default;
-};
 
 struct StagedSource {
     std::wstring path;      // the file that the compiler reads; the source itself when no copy was made

@@ -12,14 +12,6 @@ static_assert(kErrorFileThere == ERROR_FILE_EXISTS);
 constexpr DWORD kDeleteTries = 10;  // a compiler that has just ended may hold the copy open for a moment
 constexpr DWORD kDeletePauseMs = 20;
 
-bool ReadStamp(const std::wstring& path, FileStamp* stamp) {
-    WIN32_FILE_ATTRIBUTE_DATA data = {};
-    if (!GetFileAttributesExW(PathForSystem(path.c_str()).c_str(), GetFileExInfoStandard, &data)) return false;
-    stamp->written = std::uint64_t{data.ftLastWriteTime.dwHighDateTime} << 32 | data.ftLastWriteTime.dwLowDateTime;
-    stamp->length = std::uint64_t{data.nFileSizeHigh} << 32 | data.nFileSizeLow;
-    return true;
-}
-
 bool ReadFileIdentity(const std::wstring& path, BY_HANDLE_FILE_INFORMATION* info) {
     const UniqueHandle file(CreateFileW(PathForSystem(path.c_str()).c_str(), 0,
                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
@@ -63,7 +55,7 @@ StageDisk RealDisk() {
             .sameFile = IsSameFile,
             .copyNew = CopyToFreeName,
             .move = MoveToFreeName,
-            .stamp = ReadStamp,
+            .stamp = ReadFileStamp,
             .remove = DeleteWithPatience};
 }
 

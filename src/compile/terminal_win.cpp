@@ -6,6 +6,7 @@
 #include "base/wide_format.h"
 #include "compile/build.h"
 #include "compile/build_stage.h"
+#include "compile/program_input.h"
 #include "compile/terminal_text.h"
 #include "documents/document_row.h"
 #include "files/file_io.h"
@@ -15,9 +16,12 @@
 
 #include <commctrl.h>
 
+#include <cwchar>
 #include <string>
 
 namespace {
+
+constexpr WPARAM kCtrlZ = 0x1A;
 
 TerminalHistory g_terminalHistory;
 
@@ -44,10 +48,42 @@ std::wstring SystemFolder() {
     return length > 0 && length < MAX_PATH ? system : L"";
 }
 
-void RunTerminalCommand(HWND window) {
+std::wstring TypedText(HWND window) {
     const int length = GetWindowTextLengthW(window);
-    std::wstring command(static_cast<std::size_t>(length) + 1, L'\0');
-    command.resize(static_cast<std::size_t>(GetWindowTextW(window, command.data(), length + 1)));
+    std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
+    text.resize(static_cast<std::size_t>(GetWindowTextW(window, text.data(), length + 1)));
+    return text;
+}
+
+// Shows what a program gets as its input, after the prompt that it has printed.
+void EchoInput(const std::wstring& text) { OutputFeedStream(_wcsdup((text + L"\r\n").c_str()), 0); }
+
+// The running program gets the line, also an empty one.
+void SendToProgram(HWND window) {
+    const std::wstring text = TypedText(window);
+    if (!ProgramInputSend(text + L"\r\n")) {
+        g_events.statusText(L"The program does not read its input.");
+        return;
+    }
+    EchoInput(text);
+    if (!text.empty()) TerminalRemember(g_terminalHistory, text);
+    SetWindowTextW(window, L"");
+}
+
+// Ctrl+Z in the empty line ends the input of the running program. Elsewhere it is the line's own undo.
+bool EndsProgramInput(HWND window) {
+    if (GetKeyState(VK_CONTROL) >= 0 || !ProgramInputIsOpen() || GetWindowTextLengthW(window) > 0) return false;
+    ProgramInputEnd();
+    EchoInput(L"^Z");
+    return true;
+}
+
+void RunTerminalCommand(HWND window) {
+    if (ProgramInputIsOpen()) {
+        SendToProgram(window);
+        return;
+    }
+    const std::wstring command = TypedText(window);
     if (command.find_first_not_of(L" \t") == std::wstring::npos) return;
     if (CompilerIsBuilding()) {
         g_events.statusText(L"Something still runs: stop it first (Ctrl+Break).");
@@ -79,6 +115,7 @@ bool OnTerminalKey(HWND window, WPARAM key) {
         case VK_UP:
         case VK_DOWN: ShowTerminalHistory(window, key == VK_UP); return true;
         case VK_ESCAPE: FocusCurrentEditor(); return true;
+        case L'Z': return EndsProgramInput(window);
         default: return false;
     }
 }
@@ -100,6 +137,7 @@ LRESULT CALLBACK TerminalSubclassProc(HWND window, UINT message, WPARAM wParam, 
         case WM_CHAR:
             if (wParam == L'\r' || wParam == VK_ESCAPE)  // handled on WM_KEYDOWN; the edit control would beep
                 return 0;
+            if (wParam == kCtrlZ && StageIsProgram() && GetWindowTextLengthW(window) == 0) return 0;
             break;
         case WM_NCDESTROY: RemoveWindowSubclass(window, TerminalSubclassProc, id); break;
         default: break;

@@ -2,9 +2,11 @@
 #pragma once
 
 #include "base/bounded_text.h"
+#include "output/last_build.h"
 
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 inline constexpr int kMaxCompilerErrors = 64;
 inline constexpr std::size_t kErrorMessageCapacity = 512;
@@ -16,19 +18,21 @@ struct CompilerError {
     std::uint32_t compilerId;                // the compiler that printed it
     wchar_t message[kErrorMessageCapacity];  // the text after the keyword, cut to 511 characters
     std::int32_t severity;                   // 0 error, 1 warning
+    std::int32_t build;                      // position in CompilerErrors::builds, from 1; 0: of no known build
 };
 
-// The diagnostics of one build, in the order printed. UI thread only.
+// The diagnostics of one build, or of the builds of a batch, in the order printed. UI thread only.
 struct CompilerErrors {
     CompilerError items[kMaxCompilerErrors] = {};
     int count = 0;
     int current = 0;
+    std::vector<BuildRecord> builds;  // what the printed file names are relative to
 };
 
 bool IsErrorLine(std::wstring_view line);    // contains " error:" or " fatal error:"
 bool IsWarningLine(std::wstring_view line);  // contains " warning:"
 
 // Reads "file(line,column): error: message" and "file:line:column: error: message", and the same with " fatal error:"
-// and " warning:". Returns 1 when `record` was filled (all but the compiler id). Returns 0 for any other line, and
+// and " warning:". Returns 1 when `record` was filled (all but the compiler id and the build). Returns 0 for any other line, and
 // `record` is then unchanged.
 int ParseErrorLine(std::wstring_view line, CompilerError* record);

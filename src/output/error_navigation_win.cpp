@@ -6,11 +6,11 @@
 #include "files/file_io.h"
 #include "output/diagnostics.h"
 #include "output/error_places.h"
-#include "output/last_build.h"
 #include "output/output_state.h"
 #include "scintilla/sci.h"
 
 #include <commctrl.h>
+#include <commdlg.h>
 #include <richedit.h>
 
 #include <string>
@@ -24,24 +24,16 @@ std::wstring WholePath(const std::wstring& path) {
     return length == 0 || length >= kPathCapacity ? path : std::wstring(full);
 }
 
-// The file name as printed, without the blanks of an indented line.
-std::wstring PrintedName(const CompilerError& error) {
-    const std::wstring_view name = error.file;
-    const std::size_t first = name.find_first_not_of(L" \t");
-    return first == std::wstring_view::npos ? std::wstring() : std::wstring(name.substr(first));
-}
-
-// Selects or opens the document that a diagnostic names. Returns false when it could not be opened.
+// Selects or opens the document that a diagnostic names. Returns false when it could not be opened. FileShow leaves the
+// active compiler as it is.
 bool ShowFileOfError(const CompilerError& error) {
-    const std::wstring printed = PrintedName(error);
-    if (printed.empty()) return false;
-    const std::vector<std::wstring> names = ErrorPlaces(printed, LastBuild(), WholePath);
-    int tab = TabBarFindPath(printed.c_str());
-    for (std::size_t i = 0; tab < 0 && i < names.size(); ++i) tab = TabBarFindPath(names[i].c_str());
-    if (tab >= 0) return TabBarSelect(tab) != 0;
-    for (const std::wstring& name : names)
-        if (FileExists(name.c_str())) return FileShow(name.c_str(), false) != 0;
-    return FileShow(printed.c_str(), false) != 0;
+    const std::vector<std::wstring> places = PlacesOfDiagnostic(g_output.errors, error, WholePath);
+    if (places.empty()) return false;
+    for (const std::wstring& place : places) {
+        if (const int tab = TabBarFindPath(place.c_str()); tab >= 0) return TabBarSelect(tab) != 0;
+        if (FileExists(place.c_str())) return FileShow(place.c_str(), false) != 0;
+    }
+    return FileShow(places.front().c_str(), false) != 0;  // says that there is no such file
 }
 
 void GoToDiagnostic(const CompilerError& error) {
@@ -73,6 +65,20 @@ std::wstring LineAtPaneCaret(HWND pane) {
     return text;
 }
 
+// Counts how often the text stands in the pane above the selection.
+int CountAbove(HWND pane, const std::wstring& text) {
+    CHARRANGE selection = {};
+    SendMessageW(pane, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&selection));
+    FINDTEXTEXW find = {.chrg = {0, selection.cpMin}, .lpstrText = text.c_str(), .chrgText = {}};
+    int count = 0;
+    while (SendMessageW(pane, EM_FINDTEXTEXW, FR_DOWN | FR_MATCHCASE, reinterpret_cast<LPARAM>(&find)) >= 0 &&
+           find.chrgText.cpMax <= selection.cpMin) {
+        ++count;
+        find.chrg.cpMin = find.chrgText.cpMax;
+    }
+    return count;
+}
+
 }  // namespace
 
 void CompilerClearErrors() {
@@ -96,8 +102,11 @@ void CompilerPrevError() { CompilerNavigateToError(PreviousErrorIndex(g_output.e
 void OutputPaneNavigateError() {
     if (g_output.hOutput == nullptr) return;
     CompilerError error = {};
-    if (ParseErrorLine(LineAtPaneCaret(g_output.hOutput), &error) == 0) return;
-    if (const int index = FindDiagnostic(g_output.errors, error); index >= 0)
+    const std::wstring line = LineAtPaneCaret(g_output.hOutput);
+    if (ParseErrorLine(line, &error) == 0) return;
+    const bool several = CountDiagnostic(g_output.errors, error) > 1;
+    const int before = several ? CountAbove(g_output.hOutput, line) : 0;
+    if (const int index = FindDiagnostic(g_output.errors, error, before); index >= 0)
         CompilerNavigateToError(index);
     else
         GoToDiagnostic(error);  // the list was full when this diagnostic came

@@ -2,6 +2,9 @@
 
 #include "base/path.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace {
 
 bool NeedsFolder(std::wstring_view path) {
@@ -20,7 +23,7 @@ std::vector<std::wstring> ErrorPlaces(std::wstring_view printed, const BuildReco
     const std::wstring name(printed);
     std::vector<std::wstring> places;
     if (NeedsFolder(name)) {
-        for (const std::wstring& folder : {build.workingDirectory, FolderOf(build.source), FolderOf(build.output)})
+        for (const std::wstring& folder : {FolderOf(build.source), FolderOf(build.output), build.workingDirectory})
             if (!folder.empty()) places.push_back(whole(folder + L"\\" + name));
     } else {
         places.push_back(whole(name));
@@ -31,10 +34,34 @@ std::vector<std::wstring> ErrorPlaces(std::wstring_view printed, const BuildReco
     return places;
 }
 
-int FindDiagnostic(const CompilerErrors& errors, const CompilerError& wanted) {
-    for (int i = 0; i < errors.count; ++i)
-        if (SameDiagnostic(errors.items[i], wanted)) return i;
-    return -1;
+std::vector<std::wstring> PlacesOfDiagnostic(const CompilerErrors& errors, const CompilerError& error,
+                                             const PathWhole& whole) {
+    std::wstring_view name = error.file;  // with the blanks of an indented line
+    name.remove_prefix(std::min(name.find_first_not_of(L" \t"), name.size()));
+    if (name.empty()) return {};
+    const auto build = static_cast<std::size_t>(error.build);
+    if (error.build > 0 && build <= errors.builds.size()) return ErrorPlaces(name, errors.builds[build - 1], whole);
+    std::vector<std::wstring> places;
+    for (auto record = errors.builds.rbegin(); record != errors.builds.rend(); ++record)
+        for (std::wstring& place : ErrorPlaces(name, *record, whole)) places.push_back(std::move(place));
+    if (places.empty()) places.emplace_back(name);
+    return places;
+}
+
+int FindDiagnostic(const CompilerErrors& errors, const CompilerError& wanted, int before) {
+    int found = -1;
+    for (int i = 0; i < errors.count && before >= 0; ++i)
+        if (SameDiagnostic(errors.items[i], wanted)) {
+            found = i;
+            --before;
+        }
+    return found;
+}
+
+int CountDiagnostic(const CompilerErrors& errors, const CompilerError& wanted) {
+    return static_cast<int>(std::count_if(
+        errors.items, errors.items + errors.count,
+        [&](const CompilerError& error) { return SameDiagnostic(error, wanted); }));
 }
 
 int NextErrorIndex(const CompilerErrors& errors) { return errors.count > 0 ? (errors.current + 1) % errors.count : -1; }

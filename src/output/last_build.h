@@ -14,9 +14,11 @@ struct BuildRecord {
     std::uint32_t compilerId = 0;
     std::uint64_t startTime = 0;  // of the compiler: system time in units of 100 ns, as in FILETIME
     bool success = false;         // the compiler's; false while it runs
+    bool programWritten =
+        false;  // the compiler has written `output`; stays true after a syntax check of the same source
 };
 const BuildRecord& LastBuild();
 
 // The builder calls LastBuildBegin before it starts a compiler and LastBuildEnd when that compiler has ended.
 void LastBuildBegin(BuildRecord build);
-void LastBuildEnd(bool success);
+void LastBuildEnd(bool success, bool programWritten);

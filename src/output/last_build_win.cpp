@@ -8,4 +8,7 @@ const BuildRecord& LastBuild() { return g_lastBuild; }
 
 void LastBuildBegin(BuildRecord build) { g_lastBuild = std::move(build); }
 
-void LastBuildEnd(bool success) { g_lastBuild.success = success; }
+void LastBuildEnd(bool success, bool programWritten) {
+    g_lastBuild.success = success;
+    g_lastBuild.programWritten = programWritten;
+}

@@ -30,6 +30,8 @@ bool OutputFeedIsRevealed();  // nothing waits for a repaint, and an incomplete 
 
 // Called before a build: resets the filter and the counts. Later diagnostics are recorded for this compiler.
 void OutputFeedReset(std::uint32_t compilerId);
+// Later diagnostics belong to this build: their file names are relative to its folders.
+void OutputFeedBeginBuild(const BuildRecord& build);
 const OutputCounts& OutputFeedCounts();
 std::size_t OutputFeedLinesShown();  // number of lines in the pane
 // True when the pane has so many lines that it should be emptied before the next command.

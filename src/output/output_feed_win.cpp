@@ -135,6 +135,12 @@ void OutputFeedReset(std::uint32_t compilerId) {
     OutputFilterReset(g_feed.lines.filter);
     g_feed.lines.counts = {};
     g_feed.lines.compilerId = compilerId;
+    g_feed.lines.build = 0;
+}
+
+void OutputFeedBeginBuild(const BuildRecord& build) {
+    g_output.errors.builds.push_back(build);
+    g_feed.lines.build = static_cast<std::int32_t>(g_output.errors.builds.size());
 }
 
 const OutputCounts& OutputFeedCounts() { return g_feed.lines.counts; }

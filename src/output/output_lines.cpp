@@ -11,11 +11,12 @@ namespace {
 
 constexpr int kClockEvery = 256;  // the time is checked after so many lines
 
-void RecordDiagnostic(CompilerErrors& errors, const std::wstring& line, std::uint32_t compilerId) {
+void RecordDiagnostic(CompilerErrors& errors, const std::wstring& line, const OutputLines& lines) {
     if (errors.count >= kMaxCompilerErrors) return;
     CompilerError& next = errors.items[errors.count];
     if (ParseErrorLine(line, &next) == 0) return;
-    next.compilerId = compilerId;
+    next.compilerId = lines.compilerId;
+    next.build = lines.build;
     ++errors.count;
 }
 
@@ -54,7 +55,7 @@ bool OutputLineSort(OutputLines& lines, CompilerErrors& errors, QueuedLine& line
         line.colour = error ? kLineRed : kLineYellow;
         if (lines.recording) {
             ++(error ? lines.counts.errors : lines.counts.warnings);
-            RecordDiagnostic(errors, line.text, lines.compilerId);
+            RecordDiagnostic(errors, line.text, lines);
         }
     }
     lines.counts.lines += line.stream && !line.text.empty();

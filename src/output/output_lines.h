@@ -26,6 +26,7 @@ struct OutputLines {
     KeptLines kept;
     OutputCounts counts;
     std::uint32_t compilerId = 0;  // stored in each recorded diagnostic
+    std::int32_t build = 0;        // the same
     bool recording = true;         // diagnostics are counted and recorded, and not only coloured
     std::deque<PaneLine> ready;    // shown before anything of the queue
 };

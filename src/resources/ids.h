@@ -63,6 +63,7 @@
 #define IDM_USE_KVXA32 1253
 #define IDM_USE_KELDORBASIC 1254
 #define IDM_USE_KVXC64 1320
+#define IDM_RUN_IN_OUTPUT 1980
 // The next ones are not in the menu, but used by the error list, the output pane and the keyboard.
 #define IDM_ERROR_NEXT 1310
 #define IDM_ERROR_PREVIOUS 1311

@@ -70,7 +70,8 @@ struct Settings {
     std::int32_t autoSaveEnabled;  // whether the session is saved on a timer
 
     // Build
-    std::int32_t profile;  // 0 Debug, 1 Release, 2 Fast
+    std::int32_t profile;             // 0 Debug, 1 Release, 2 Fast
+    std::int32_t saveAllBeforeBuild;  // every modified document that has a file, not only the one to build
     wchar_t preBuildCmd[1024];
     wchar_t postBuildCmd[1024];
 

@@ -186,6 +186,7 @@ constexpr SettingRow kOtherRows[] = {
     IntRow(kBuild, L"Profile", FIELD(profile), 0, Else(0, 2, 0)),
     TextRow(kBuild, L"PreBuildCmd", FIELD(preBuildCmd), 1024, L""),
     TextRow(kBuild, L"PostBuildCmd", FIELD(postBuildCmd), 1024, L""),
+    BoolRow(kBuild, L"SaveAllBeforeBuild", FIELD(saveAllBeforeBuild), 1),
 
     BoolRow(kAi, L"Enabled", FIELD(aiEnabled), 0, kSettingSaveOnly),
     BoolRow(kAi, L"OpenAIEnabled", FIELD(openAIEnabled), 0),
@@ -281,6 +282,7 @@ void SettingsReset(Settings& settings) {
     settings.useTabs = 1;
     settings.enableAutoComplete = 1;
     settings.autoUpperKeywords = 1;
+    settings.saveAllBeforeBuild = 1;
     SafeCopyW(settings.fontName, L"Consolas");
     SafeCopyW(settings.outputFont, L"Consolas");
     settings.outputFontSize = 10;

@@ -2,6 +2,7 @@
 #include "compile/build_sequence.h"
 #include "compile/build_batch.h"
 #include "compile/build_plan.h"
+#include "compile/program_run.h"
 #include "compile/read_course.h"
 #include "compile/side_logs.h"
 #include "compile/staging.h"
@@ -31,6 +32,8 @@ struct Happening {
     BuildEnd end = BuildEnd::Ended;
     std::uint32_t exitCode = 0;
     int lines = 1;  // printed by the compiler
+    const wchar_t* reason = L"";
+    const wchar_t* unwritten = L"";
 };
 
 std::string Said(const BuildStep& step) {
@@ -66,10 +69,11 @@ std::string Course(const BuildOrder& order, const wchar_t* preBuild, const wchar
                 now = happenings.front();
                 happenings.pop_front();
                 text += "start " + std::to_string(static_cast<int>(stage)) + "\n";
-                step = now.starts ? BuildStarted(run, stage) : BuildNotStarted(run, stage);
+                step = now.starts ? BuildStarted(run, stage) : BuildNotStarted(run, stage, now.reason);
                 break;
             case BuildNext::Wait:
                 printed.lines = now.lines;
+                run.unwritten = now.unwritten;
                 step = BuildAfterStage(run, {.stage = stage, .end = now.end, .exitCode = now.exitCode, .seconds = 2.04},
                                        printed);
                 break;
@@ -88,6 +92,7 @@ TEST(BuildSequence, EveryCourse) {
     const Happening stopped = {.end = BuildEnd::Stopped};
     const Happening late = {.end = BuildEnd::TimedOut, .exitCode = 1};
     const Happening never = {.starts = false};
+    const Happening unknown = {.starts = false, .reason = L"File not found."};
     struct Case {
         const char* name;
         struct {
@@ -114,7 +119,8 @@ TEST(BuildSequence, EveryCourse) {
          "end: Syntax check succeeded: 1 error, 2 warnings, 2.0 s +0"},
         {"the compiler takes too long",
          {{.debug = true}, L"", L"post", {late}},
-         "status: Debug build...\nstart 2\nmark error\nred: The compiler had not ended after 5 minutes and was ended.\n"
+         "status: Debug build...\nstart 2\nmark error\nred: The compiler had printed nothing for 5 minutes and was "
+         "ended.\n"
          "red: --- Build failed (exit code 1): 1 error, 2 warnings, 2.0 s ---\n"
          "end: Build failed (exit code 1): 1 error, 2 warnings, 2.0 s -0"},
         {"stopped in the compiler",
@@ -134,10 +140,15 @@ TEST(BuildSequence, EveryCourse) {
          "start 2\nmark ok\n--- Build succeeded: 1 error, 2 warnings, 2.0 s ---\nteal: [Post-build] post\nbuilt\n"
          "start 3\nteal: [Post-build] Exit code 3.\nend: Build succeeded: 1 error, 2 warnings, 2.0 s +0"},
         {"commands that cannot be started stop nothing",
-         {{}, L"pre", L"post", {never, {}, never}},
-         "teal: [Pre-build] pre\nstart 1\nred: [Pre-build] Failed to run.\nstatus: Building...\nstart 2\nmark ok\n"
+         {{}, L"pre", L"post", {unknown, {}, never}},
+         "teal: [Pre-build] pre\nstart 1\nred: [Pre-build] Failed to run.\nred: [Pre-build] File not found.\nstatus: "
+         "Building...\nstart 2\nmark ok\n"
          "--- Build succeeded: 1 error, 2 warnings, 2.0 s ---\nteal: [Post-build] post\nbuilt\nstart 3\n"
          "red: [Post-build] Failed to run.\nend: Build succeeded: 1 error, 2 warnings, 2.0 s +0"},
+        {"a compiler that succeeds without a program: none is run",
+         {run, L"", L"", {{.unwritten = L"No program."}}},
+         "status: Building...\nstart 2\nmark ok\n--- Build succeeded: 1 error, 2 warnings, 2.0 s ---\n"
+         "red: No program.\nbuilt\nend: No program. +0"},
         {"no compiler: no build",
          {{}, L"", L"", {never}},
          "status: Building...\nstart 2\nstatus: Build launch failed\nrefused"},
@@ -165,6 +176,7 @@ TEST(BuildSequence, IsRefusedWhileSomethingElseRuns) {
         {{.stageRuns = true, .programDebugged = true}, Running, Running, StillRunning},
         {{.batchRuns = true}, Running, None, StillRunning},
         {{.programDebugged = true}, ProgramDebugged, ProgramDebugged, ProgramDebugged},
+        {{.stageRuns = true, .programRuns = true}, ProgramRuns, ProgramRuns, ProgramRuns},
     };
     for (const Case& test : cases) {
         EXPECT_EQ(BuildRefusalOf({}, test.situation), test.build);
@@ -180,6 +192,20 @@ TEST(BuildSequence, IsRefusedWhileSomethingElseRuns) {
         "browse to the compiler.\nstatus: Compiler not found\n");
     EXPECT_FALSE(BuildNeedsSave(false, true, true)) << "another program may have changed the file";
     EXPECT_TRUE(BuildNeedsSave(false, true, false)) << "the file is gone";
+}
+
+TEST(BuildSequence, AnOldProgramIsNoNewOne) {
+    const FileStamp old = {.written = 100, .length = 5}, rebuilt = {.written = 300, .length = 5};
+    EXPECT_FALSE(ProgramWasWritten(nullptr, nullptr, 200));
+    EXPECT_FALSE(ProgramWasWritten(&old, &old, 200));
+    EXPECT_TRUE(ProgramWasWritten(&old, &rebuilt, 400)) << "the clock of a share is another one";
+    EXPECT_TRUE(ProgramWasWritten(&rebuilt, &rebuilt, 200)) << "twice within one step of the time";
+    BuildRecord last = {.source = L"x.bas", .programWritten = true};
+    EXPECT_EQ(RunDoubt(last, false), L"");
+    EXPECT_NE(RunDoubt(last, true), L"");
+    last.programWritten = false;
+    EXPECT_NE(RunDoubt(last, true), RunDoubt({}, true));
+    EXPECT_EQ(Narrow(ProgramEndText({.exitCode = 0xC0000005})), "--- Program ended (exit code 0xC0000005) ---\n");
 }
 
 TEST(BuildBatch, TakesEachDocumentOnce) {
@@ -241,6 +267,21 @@ TEST(BuildPlan, WhatTheCompilerIsStartedWith) {
     EXPECT_EQ(Narrow(LaunchErrorLine(2, L"Gone.\r\n")), "Build launch failed (Win32 error 2): Gone.\n");
 }
 
+// Commands are looked for beside the source after the system has found none.
+TEST(BuildPlan, CommandsBesideTheSource) {
+    const FileProbe exists = [](const std::wstring& path) {
+        return path == L"C:\\a b\\pre.bat" || path == L"C:\\a b\\t.exe" || path == L"C:\\a b\\sub\\t.CMD";
+    };
+    for (const auto& [command, line] :
+         {std::pair{L" pre 1 2", R"("S\cmd.exe" /d /s /c ""C:\a b\pre.bat" 1 2")"},
+          {L"\"sub\\t.CMD\" \"x y\"", R"("S\cmd.exe" /d /s /c ""C:\a b\sub\t.CMD" "x y"")"},
+          {L"t.exe", R"("C:\a b\t.exe")"},
+          {L"other.bat", ""},
+          {L"C:\\a b\\t.exe", ""},
+          {L"", ""}})
+        EXPECT_EQ(Narrow(CommandBeside(command, L"C:\\a b", L"S", exists)), line);
+}
+
 TEST(BuildPlan, CleanLeavesTheSourceAndOtherFolders) {
     const auto targets = [](const wchar_t* source, const wchar_t* listing) {
         std::string text;
@@ -297,6 +338,10 @@ TEST(ReadCourse, APipeThatOthersHoldOpenIsLeft) {
     EXPECT_EQ(ReadPieceCame(course, kReadLateBytes, ReadStep::Go, 9950), ReadStep::Go);
     EXPECT_EQ(ReadPieceCame(course, 1, ReadStep::Stopped, 9950), ReadStep::Stopped);
     EXPECT_EQ(ReadPieceCame(course, 1, ReadStep::Go, 9950), ReadStep::PipeEnd) << "enough for one pipe";
+    ReadCourse talks = {.deadline = 10000, .silenceMs = 5000};
+    EXPECT_EQ(ReadPieceCame(talks, 1, ReadStep::Go, 9999), ReadStep::Go);
+    EXPECT_EQ(ReadPieceCame(talks, 1, ReadStep::Go, 14000), ReadStep::Go) << "what talks is not ended";
+    EXPECT_EQ(ReadPieceCame(talks, 0, ReadStep::Go, 19000), ReadStep::TimedOut);
     EXPECT_EQ(ReadMsLeft({}, 1), 0xFFFFFFFEU) << "no limit is no endless wait";
     for (const auto& [bytes, count] :
          {std::pair{"ab\xE2\x82", 2}, {"\xC3\xA9", 2}, {"\xC3", 0}, {"\xE9t\xE9", 3}, {"", 0}})

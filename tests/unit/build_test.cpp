@@ -242,8 +242,8 @@ TEST(ErrorPlaces, WhatAPrintedNameMayMean) {
         const char* places;
     };
     const Case cases[] = {
-        {L"part.inc", "C:\\tools\\part.inc C:\\src\\part.inc D:\\out\\part.inc "},
-        {L"X.pb", "C:\\tools\\X.pb C:\\src\\x.kxa D:\\out\\X.pb "},  // the copy is the source
+        {L"part.inc", "C:\\src\\part.inc D:\\out\\part.inc C:\\tools\\part.inc "},
+        {L"X.pb", "C:\\src\\x.kxa D:\\out\\X.pb C:\\tools\\X.pb "},  // the copy is the source
         {L"c:/src/x.PB", "C:\\src\\x.kxa "},
         {L"C:\\src\\sub\\..\\y.bas", "C:\\src\\y.bas "},
         {L"\\\\server\\x.bas", "\\\\server\\x.bas "},
@@ -253,7 +253,18 @@ TEST(ErrorPlaces, WhatAPrintedNameMayMean) {
         for (const std::wstring& place : ErrorPlaces(test.printed, build, whole)) places += Narrow(place) + " ";
         EXPECT_EQ(places, test.places);
     }
-    EXPECT_TRUE(ErrorPlaces(L"x.bas", {}, whole).empty()) << "before the first build";
+    // Each document of a batch has its own folder; a record of no known build is looked for in all of them.
+    CompilerErrors errors;
+    errors.builds = {{.source = L"C:\\a\\x.bas"}, {.source = L"C:\\b\\y.bas"}};
+    for (const auto& [record, places] :
+         {std::pair{1, "C:\\a\\p.inc "}, {2, "C:\\b\\p.inc "}, {0, "C:\\b\\p.inc C:\\a\\p.inc "}}) {
+        CompilerError error = {.file = L"p.inc"};
+        error.build = record;
+        std::string found;
+        for (const std::wstring& place : PlacesOfDiagnostic(errors, error, whole)) found += Narrow(place) + " ";
+        EXPECT_EQ(found, places) << record;
+    }
+    EXPECT_EQ(PlacesOfDiagnostic({}, {.file = L"x.bas"}, whole).size(), 1U) << "before the first build: as printed";
 }
 
 TEST(ErrorPlaces, TheNextAfterTheLastIsTheFirst) {
@@ -267,9 +278,11 @@ TEST(ErrorPlaces, TheNextAfterTheLastIsTheFirst) {
     EXPECT_EQ(NextErrorIndex(errors), 0);
     CompilerError wanted = errors.items[1];
     wanted.compilerId = 9;
-    EXPECT_EQ(FindDiagnostic(errors, wanted), 1) << "the one of its severity";
+    EXPECT_EQ(FindDiagnostic(errors, wanted, 0), 1) << "the one of its severity";
+    errors.items[errors.count++] = errors.items[1];
+    EXPECT_EQ(FindDiagnostic(errors, wanted, 1), 3) << "of the next build";
     wanted.column = 3;
-    EXPECT_EQ(FindDiagnostic(errors, wanted), -1);
+    EXPECT_EQ(FindDiagnostic(errors, wanted, 0), -1);
 }
 
 TEST(RtfBlock, TextIsEscapedAndColoursAreIndexed) {

@@ -1,0 +1,105 @@
+#include "compile/program_run.h"
+
+#include "base/events.h"
+#include "base/path.h"
+#include "compile/build_plan.h"
+#include "compile/build_runner.h"
+#include "compile/build_stage.h"
+#include "compile/child_process.h"
+#include "compile/compile_state.h"
+#include "documents/document_row.h"
+#include "files/file_io.h"
+#include "output/line_colours.h"
+#include "output/output_feed.h"
+#include "output/output_pane.h"
+#include "settings/compiler_table.h"
+#include "ui/panes.h"
+#include "ui/ui_state.h"
+
+#include <commctrl.h>
+#include <shellapi.h>
+
+namespace {
+
+// A program path that is too long to be started with gets its short names.
+std::wstring StartablePath(const std::wstring& program) {
+    return program.size() > kLongestWorkingFolder ? PathShortForm(program) : program;
+}
+
+std::wstring ProgramToRun() {
+    if (!LastBuild().output.empty()) return LastBuild().output;
+    if (!IsTabIndex(g_documents.activeTab) || !TabAt(g_documents.activeTab).hasFile) return {};
+    wchar_t output[kPathCapacity] = {};
+    CompilerMakeOutputPath(TabAt(g_documents.activeTab).path, output, kPathCapacity);
+    return output;
+}
+
+bool SourceIsModified() {
+    const int tab = TabBarFindPath(LastBuild().source.c_str());
+    return IsTabIndex(tab) && TabAt(tab).modified;
+}
+
+void SetTerminalCue(const wchar_t* cue) {
+    SendMessageW(g_compile.hTerminal, EM_SETCUEBANNER, TRUE, reinterpret_cast<LPARAM>(cue));
+}
+
+void SayRunProblem(const std::wstring& text) {
+    OutputPaneAppend(text.c_str(), kLineRed);
+    g_events.statusText(L"Run failed");
+}
+
+}  // namespace
+
+void RunInOutputPane() {
+    StageSettle(false);
+    if (const BuildRefusal refusal = BuildRefusalOfCommand(BuildSituationNow()); refusal != BuildRefusal::None) {
+        BuildApplyStep(BuildRefused(refusal));
+        return;
+    }
+    const std::wstring program = ProgramToRun();
+    if (program.empty() || !FileExists(program.c_str())) {
+        OutputPaneAppend(L"Nothing to run: build a program first (Ctrl+B).\r\n", kLineRed);
+        g_events.statusText(L"Nothing to run");
+        return;
+    }
+    if (OutputFeedIsLong()) OutputPaneClear();
+    PaneShow(PaneId::Output, true);
+    OutputPaneAppend((L"--- Running: " + program + L" ---\r\n").c_str(), 0);
+    OutputPaneAppend(RunDoubt(LastBuild(), SourceIsModified()).c_str(), kLineYellow);
+    const std::wstring folder = FolderOf(program);
+    OutputFeedBegin(false);  // what a program prints may look like a diagnostic
+    DWORD error = 0;
+    if (!StageStart(
+            {.stage = BuildStage::Program, .commandLine = L'"' + StartablePath(program) + L'"', .directory = folder},
+            &error)) {
+        OutputFeedBegin(true);
+        SayRunProblem(L"Run failed (Win32 error " + std::to_wstring(error) + L"): " + ChildStartProblem(error, folder) +
+                      L"\r\n");
+        return;
+    }
+    PaneShow(PaneId::Terminal, true);
+    SetTerminalCue(L"Input of the program: Enter sends a line, Ctrl+Z ends the input");
+    SetFocus(g_compile.hTerminal);
+    g_events.statusText(L"Program runs in the output pane");
+}
+
+void RunBuiltProgram(const std::wstring& program) {
+    const std::wstring folder = WorkingFolderOf(FolderOf(program));
+    if (folder.empty()) {
+        SayRunProblem(L"Run failed for: " + program + L"\r\n" +
+                      ChildStartProblem(ERROR_FILENAME_EXCED_RANGE, FolderOf(program)) + L"\r\n");
+        return;
+    }
+    const auto result = reinterpret_cast<INT_PTR>(
+        ShellExecuteW(g_ui.hMainWnd, L"open", StartablePath(program).c_str(), nullptr, folder.c_str(), SW_SHOWNORMAL));
+    if (result <= 32) SayRunProblem(RunErrorLine(program, static_cast<long>(result)));
+}
+
+void ProgramOnStageEnd(const StageResult& result) {
+    const bool failed = result.end == BuildEnd::Stopped || result.exitCode != 0;
+    OutputPaneAppend(ProgramEndText(result).c_str(), failed ? kLineRed : 0);
+    g_events.statusText(result.end == BuildEnd::Stopped ? L"Program stopped" : L"Program ended");
+    OutputFeedBegin(true);
+    SetTerminalCue(L"");
+    if (GetFocus() == g_compile.hTerminal) FocusCurrentEditor();
+}
