@@ -26,11 +26,13 @@ std::uint64_t DebugEvaluate(const DebuggerState* state, const char* expression);
 // Kind 0: LONG, 1: QUAD, 2: text, 3: DOUBLE; any other: "<unknown kind>".
 wchar_t* DebugWatchValue(const DebuggerState* state, std::uint64_t address, int kind);
 
-// The frames of a thread by its chain of frame pointers, in 64-bit and 32-bit programs; the innermost first, at most
-// 32.
+// The frames of a thread, in 64-bit and 32-bit programs; the innermost first, at most 32 (FramesWithLines).
 std::vector<DebugFrame> DebugFrames(const DebuggerState* state, std::uint32_t threadId);
 // File id and line that the map gives for an address in the executable's image; false for any other address.
 bool DebugLineAt(const DebuggerState* state, std::uint64_t address, std::uint32_t* fileId, std::uint32_t* line);
 // Address in the program's own code where a thread is: its instruction pointer or, inside a system call, the nearest
 // return address on its stack that belongs to a line. False: there is none.
 bool DebugPlaceInProgram(const DebuggerState* state, std::uint32_t threadId, std::uint64_t* address);
+// For a stop outside the lines of the program, as in a library: the address in the program's code to which the thread
+// returns. False: the stop is on a line, or no such address is found.
+bool DebugCallerOfLibrary(const DebuggerState* state, std::uint64_t* returnAddress);

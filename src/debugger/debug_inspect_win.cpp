@@ -157,7 +157,14 @@ bool DebugLineAt(const DebuggerState* state, std::uint64_t address, std::uint32_
 std::vector<DebugFrame> DebugFrames(const DebuggerState* state, std::uint32_t threadId) {
     RegisterSet registers;
     if (!DebugGetRegisters(state, threadId, &registers)) return {};
-    return FramesWithLines(ImageOf(state), registers, MemoryOf(state).read);
+    return FramesWithLines(ImageOf(state), registers, MemoryOf(state));
+}
+
+bool DebugCallerOfLibrary(const DebuggerState* state, std::uint64_t* returnAddress) {
+    std::uint32_t fileId = 0;
+    std::uint32_t line = 0;
+    return DebugIsActive(state) && !DebugLineAt(state, state->currentAddress, &fileId, &line) &&
+           DebugPlaceInProgram(state, 0, returnAddress) && *returnAddress != state->currentAddress;
 }
 
 bool DebugPlaceInProgram(const DebuggerState* state, std::uint32_t threadId, std::uint64_t* address) {

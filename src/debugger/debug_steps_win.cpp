@@ -31,6 +31,14 @@ bool StepTo(DebuggerState* state, const StepTarget& target) {
     return LeaveStop(state);
 }
 
+// At a stop in a library: runs to where it returns to the program. False: the stop is on a line of the program, or there
+// is no such place.
+bool StepOutOfLibrary(DebuggerState* state) {
+    std::uint64_t caller = 0;
+    return state->map.nativeTrapMap == 0 && DebugCallerOfLibrary(state, &caller) &&
+           StepTo(state, StepTargetAt(state->map, caller));
+}
+
 // Runs to a line that the user names, past the program's own traps and the targets of earlier steps.
 bool RunToTarget(DebuggerState* state, const StepTarget& target) {
     if (target.kind != StepTarget::Kind::Address) return false;
@@ -44,6 +52,7 @@ bool RunToTarget(DebuggerState* state, const StepTarget& target) {
 
 bool DebugStepOver(DebuggerState* state) {
     if (!CanStep(state)) return false;
+    if (StepOutOfLibrary(state)) return true;
     const StepTarget target = StepOverTarget(state->map, state->currentAddress);
     if (target.kind == StepTarget::Kind::NextTrap) return LeaveStop(state);
     if (target.kind == StepTarget::Kind::NoFurtherLine) DebugSay(kDebugOrange, L"[Debug] No further source lines.\n");
@@ -52,6 +61,7 @@ bool DebugStepOver(DebuggerState* state) {
 
 bool DebugStepInto(DebuggerState* state) {
     if (!CanStep(state)) return false;
+    if (StepOutOfLibrary(state)) return true;
     std::array<std::uint8_t, kLongestInstruction> bytes = {};
     const std::size_t count = DebugReadSome(state, state->currentAddress, bytes.data(), bytes.size());
     const std::uint64_t callee =
@@ -64,6 +74,7 @@ bool DebugStepInto(DebuggerState* state) {
 // data.
 bool DebugStepOut(DebuggerState* state) {
     if (!CanStep(state)) return false;
+    if (StepOutOfLibrary(state)) return true;
     RegisterSet registers;
     std::uint64_t caller = 0;
     if (state->isX64 != 0 && DebugGetRegisters(state, 0, &registers) &&

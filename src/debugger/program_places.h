@@ -22,9 +22,11 @@ struct DebugFrame {
     std::uint32_t fileId = 0;
     bool operator==(const DebugFrame&) const = default;
 };
-// The frames by the chain of frame pointers, the innermost first, with their lines.
+// The frames, the innermost first, with their lines: by the chain of frame pointers. The caller of a procedure without
+// a frame, and the program's nearest frame of a thread in a library, are found on the stack when the chain leaves them
+// out.
 std::vector<DebugFrame> FramesWithLines(const ProgramImage& image, const RegisterSet& registers,
-                                        const MemoryReader& read);
+                                        const ProgramMemory& memory);
 
 // The instruction pointer when it is on a line of the program, else the nearest return address on the stack that belongs
 // to one. Nothing: neither.

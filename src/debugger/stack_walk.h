@@ -27,8 +27,14 @@ struct FrameLink {
     std::uint64_t address = 0;  // of the frame's instruction
     std::uint64_t framePointer = 0;
 };
-// The frames by the chain of frame pointers, the innermost first; 1 to 32.
-std::vector<FrameLink> WalkFrames(const RegisterSet& registers, const MemoryReader& read);
+// The frames by the chain of frame pointers, the innermost first; 1 to 32. `second` is the second frame when the chain
+// does not have it; the chain goes on from its frame pointer.
+std::vector<FrameLink> WalkFrames(const RegisterSet& registers, const MemoryReader& read,
+                                  std::optional<FrameLink> second = {});
+
+// The return address of a procedure whose own frame does not stand yet, or no longer: before its prologue, in the middle
+// of it, and at its RET. Nothing: the thread is somewhere else. The frame pointer is still, or again, that of the caller.
+std::optional<std::uint64_t> ReturnAddressWithoutFrame(const RegisterSet& registers, const MemoryReader& read);
 
 // "Call Stack:" and a line for each frame, by the chain of frame pointers. `rbp` and `rip` are 0 for a 32-bit program.
 // The second line repeats the first, because the first caller is read only after the second line is written.
@@ -39,6 +45,10 @@ std::wstring CallStackText(const SdbgMap& map, std::uint64_t rbp, std::uint64_t 
 bool EndsWithCall(std::span<const std::uint8_t> bytes);
 inline constexpr std::size_t kLongestCall = 7;
 
+struct StackWord {
+    std::uint64_t value = 0;
+    std::size_t offset = 0;  // bytes from the start of `stack`
+};
 // The first word of the stack for which `isReturnAddress` is true. `wordBytes` is 8 or 4.
-std::optional<std::uint64_t> FindReturnAddress(std::span<const std::uint8_t> stack, std::size_t wordBytes,
-                                               const std::function<bool(std::uint64_t)>& isReturnAddress);
+std::optional<StackWord> FindReturnAddress(std::span<const std::uint8_t> stack, std::size_t wordBytes,
+                                           const std::function<bool(std::uint64_t)>& isReturnAddress);

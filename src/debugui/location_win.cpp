@@ -30,14 +30,25 @@ StopMark g_mark;
 struct SourceLine {
     std::wstring path;  // empty: no source
     int line = 0;
+    bool ofCaller = false;  // the stop is in a library; this is the program's line that called it
 };
+
+// The program's line from which a library was called in which the program has stopped.
+SourceLine SourceOfCaller(const DebuggerState& state) {
+    std::uint64_t address = 0;
+    std::uint32_t fileId = 0;
+    std::uint32_t line = 0;
+    if (state.run != DebugRun::Stopped || !DebugCallerOfLibrary(&state, &address)) return {};
+    if (!DebugLineAt(&state, address - 1, &fileId, &line) || line > kLastMapLine) return {};
+    return {.path = DebugFilePath(&state, fileId), .line = static_cast<int>(line), .ofCaller = true};
+}
 
 SourceLine SourceOfStop(const DebuggerState& state) {
     std::uint32_t fileId = 0;
     std::uint32_t line = 0;
     const bool found = state.currentLine <= 0 && DebugLineAt(&state, state.currentAddress, &fileId, &line);
     const StopPlace place = StopPlaceOf(state.currentLine, state.currentFileId, found, fileId, line);
-    if (place.line == 0) return {};
+    if (place.line == 0) return SourceOfCaller(state);
     return {.path = DebugFilePath(&state, place.fileId), .line = place.line};
 }
 
@@ -102,7 +113,7 @@ std::wstring DebugPlaceText(const DebuggerState* state) {
     const SourceLine source = SourceOfStop(*state);
     wchar_t name[kPathCapacity] = {};
     PathGetFile(source.path.c_str(), name, kPathCapacity);
-    return StopPlaceText(name, source.line, state->currentAddress, state->isX64 != 0);
+    return StopPlaceText(name, source.line, source.ofCaller, state->currentAddress, state->isX64 != 0);
 }
 
 void DebugSayLocation(const DebuggerState* state, const wchar_t* suffix) {

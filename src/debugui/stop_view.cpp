@@ -12,9 +12,11 @@ StopPlace StopPlaceOf(std::int32_t currentLine, std::uint32_t currentFileId, boo
     return {.fileId = fileId, .line = static_cast<int>(line)};
 }
 
-std::wstring StopPlaceText(const std::wstring& fileName, int line, std::uint64_t address, bool x64) {
-    if (fileName.empty()) return L"0x" + HexText(address, x64 ? 16 : 8) + L", no source";
-    return fileName + L":" + std::to_wstring(line);
+std::wstring StopPlaceText(const std::wstring& fileName, int line, bool ofCaller, std::uint64_t address, bool x64) {
+    const std::wstring code = L"0x" + HexText(address, x64 ? 16 : 8);
+    if (fileName.empty()) return code + L", no source";
+    const std::wstring place = fileName + L":" + std::to_wstring(line);
+    return ofCaller ? code + L", called from " + place : place;
 }
 
 std::vector<std::wstring> NewStaleWarnings(StaleWarnings* warnings, const std::wstring& fileName, SourceAge age) {

@@ -18,8 +18,9 @@ struct StopPlace {
 // address; `found` then says that `fileId` and `line` hold it.
 StopPlace StopPlaceOf(std::int32_t currentLine, std::uint32_t currentFileId, bool found, std::uint32_t fileId,
                       std::uint32_t line);
-// "steps.bas:12", or the address when the file name is empty: "0x0000000140001000, no source".
-std::wstring StopPlaceText(const std::wstring& fileName, int line, std::uint64_t address, bool x64);
+// "steps.bas:12", or the address when the file name is empty: "0x0000000140001000, no source". `ofCaller`: the stop is
+// in code without source, which that line has called: "0x00007FF812345678, called from steps.bas:12".
+std::wstring StopPlaceText(const std::wstring& fileName, int line, bool ofCaller, std::uint64_t address, bool x64);
 
 // The age of a source that the program was built from.
 struct SourceAge {

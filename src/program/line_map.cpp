@@ -23,12 +23,13 @@ std::wstring SourceBesideProgram(std::wstring_view executable) {
     return std::wstring(executable.substr(0, executable.rfind(L'.'))) + L".bas";
 }
 
-std::vector<ControlLineChange> MoveControlLines(SdbgMap* map, std::string_view source) {
+std::vector<ControlLineChange> MoveControlLines(SdbgMap* map, std::string_view source,
+                                                const std::function<bool(std::uint32_t fileId)>& isSource) {
     std::vector<ControlLineChange> changes;
     const BasicLineIndex index = BuildBasicLineIndex(source);
     for (SdbgLine& record : std::span{map->lines, static_cast<std::size_t>(map->lineCount)}) {
         const std::uint32_t statement = IsControlOnly(index, record.line) ? PreviousPbmainLine(index, record.line) : 0;
-        if (statement == 0) continue;
+        if (statement == 0 || !isSource(record.fileId)) continue;
         changes.push_back({record.rva, record.line, statement});
         record.line = statement;
     }

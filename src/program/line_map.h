@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -16,7 +17,8 @@ bool SdbgLoad(const wchar_t* executable, SdbgMap* map);
 // Loads the ".pbd" beside the executable. The source is `DebugSourcePath()`; when that is empty, it is the executable's
 // name with ".bas".
 bool PbdLoad(const wchar_t* executable, SdbgMap* map);
-// Gives records of ELSE and END IF lines the line of the PBMAIN statement before them. Reads the source once.
+// Gives records of ELSE and END IF lines the line of the PBMAIN statement before them. Reads the source once. Records of
+// files that the map names and that are not the source keep their lines.
 void NormalizeSdbgControlLines(SdbgMap* map, const wchar_t* source);
 // Loads the map with the loader for this compiler and normalises it. Returns false after it has reported why in the
 // output pane.
@@ -47,6 +49,7 @@ struct ControlLineChange {
     std::uint32_t from = 0;  // lines
     std::uint32_t to = 0;
 };
-// Does the work of NormalizeSdbgControlLines on the source's bytes and returns the changes. The index must be made
-// again afterwards.
-std::vector<ControlLineChange> MoveControlLines(SdbgMap* map, std::string_view source);
+// Does the work of NormalizeSdbgControlLines on the source's bytes and returns the changes. `isSource` tells for a file
+// id of the map whether that file is the source. The index must be made again afterwards.
+std::vector<ControlLineChange> MoveControlLines(SdbgMap* map, std::string_view source,
+                                                const std::function<bool(std::uint32_t fileId)>& isSource);

@@ -2,11 +2,15 @@
 // UI thread only.
 #include "program/line_map.h"
 
+#include "base/bounded_text.h"
 #include "base/handles.h"
 #include "base/log.h"
+#include "base/path.h"
 #include "files/file_io.h"
+#include "output/last_build.h"
 #include "program/basic_lines.h"
 #include "program/debug_say.h"
+#include "program/map_paths.h"
 #include "program/pbd_map.h"
 #include "settings/compiler_id.h"
 
@@ -15,6 +19,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace {
@@ -59,6 +64,20 @@ bool BuildPbdOfFiles(const wchar_t* executable, const wchar_t* sideFile, const s
     const std::string side = BytesOfFile(sideFile);
     if (program.empty() || side.empty() || !FileExists(source.c_str())) return false;
     return PbdBuildMap(AsBytes(program), AsBytes(side), BytesOfFile(source.c_str()), map, parts);
+}
+
+// True when the map names no file for the id, or one that is the source.
+bool MeansSource(const SdbgMap& map, std::uint32_t fileId, const std::wstring& source) {
+    const char* const name = SdbgFileIdToPath(&map, fileId);
+    if (name == nullptr) return true;
+    const std::wstring path =
+        PathOfMapFile(name, fileId == map.lines[0].fileId, {.source = source, .staged = LastBuild().staged});
+    return PathEqualsIgnoreCase(path, source);
+}
+
+std::wstring WholePath(const wchar_t* path) {
+    wchar_t whole[kPathCapacity];
+    return PathNormalizeInput(path, whole, kPathCapacity) ? whole : path;
 }
 
 }  // namespace
@@ -120,7 +139,13 @@ bool PbdLoad(const wchar_t* executable, SdbgMap* map) {
 void NormalizeSdbgControlLines(SdbgMap* map, const wchar_t* source) {
     if (map->lines == nullptr || map->lineCount <= 0 || source == nullptr || source[0] == L'\0') return;
     const std::string text = BytesOfFile(source);
-    const std::vector<ControlLineChange> changes = MoveControlLines(map, text);
+    std::unordered_map<std::uint32_t, bool> known;  // because a path costs several calls to work out
+    const auto isSource = [&, whole = WholePath(source)](std::uint32_t fileId) {
+        const auto [place, isNew] = known.try_emplace(fileId, true);
+        if (isNew) place->second = MeansSource(*map, fileId, whole);
+        return place->second;
+    };
+    const std::vector<ControlLineChange> changes = MoveControlLines(map, text, isSource);
     for (const ControlLineChange& change : changes)
         AppLogMsg(L"DBG SdbgNormalize: file=%s rva=0x%08lX structuralLine=%d mappedLine=%d", source,
                   static_cast<unsigned long>(change.rva), static_cast<int>(change.from), static_cast<int>(change.to));

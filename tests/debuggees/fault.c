@@ -1,5 +1,5 @@
 // Reads memory that is not allocated. HEALS: a second thread allocates it after a while, so that the same instruction
-// succeeds. OUTSIDE: GetSystemTime writes there, so that the fault is in a library.
+// succeeds. OUTSIDE: GetSystemTime writes there, so that the fault is in a library. BREAKS: the library has a trap.
 #include "debuggee.h"
 
 #define PLACE ((char*)0x20000000)
@@ -16,6 +16,10 @@ void start(void) {
     AT(3);
 #ifdef OUTSIDE
     GetSystemTime((SYSTEMTIME*)place);
+#endif
+#ifdef BREAKS
+    DebugBreak();
+    place = (volatile char*)"";
 #endif
     UINT read = (UINT)*place;
     AT(4);

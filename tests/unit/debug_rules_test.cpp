@@ -242,8 +242,8 @@ TEST(DebugStack, FindsAReturnAddressByItsCall) {
     for (const auto& one : cases) EXPECT_EQ(EndsWithCall(one.bytes), one.call) << one.name;
     const Bytes stack = {1, 0, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 9, 9};
     const auto isTwo = [](std::uint64_t value) { return value == 2; };
-    EXPECT_EQ(FindReturnAddress(stack, 8, isTwo), 2U);
-    EXPECT_EQ(FindReturnAddress(stack, 8, [](std::uint64_t value) { return value > 2; }), std::nullopt)
+    EXPECT_EQ(FindReturnAddress(stack, 8, isTwo)->value, 2U);
+    EXPECT_EQ(FindReturnAddress(stack, 8, [](std::uint64_t value) { return value > 2; }).has_value(), false)
         << "half a word is none";
 }
 

@@ -27,6 +27,9 @@ TEST_P(DebugSteps, IntoFollowsACallAndOutComesBack) {
     EXPECT_EQ(Step(DebugStepInto), 2);
     EXPECT_EQ(state.currentFileId, 2u);
     EXPECT_EQ(Registers().ip, state.map.imageBase + SdbgFileLineToRva(&state.map, 2, 2));
+    const std::vector<DebugFrame> frames = DebugFrames(&state, 0);
+    ASSERT_GE(frames.size(), 2u);
+    EXPECT_EQ(frames[1].line, 4u) << "the caller, although the frame of the procedure does not stand yet";
     if (Bits() == 64) {
         EXPECT_EQ(Step(DebugStepOut), 5) << "the return address lies on the stack";
         EXPECT_EQ(state.currentFileId, 1u);
@@ -124,6 +127,25 @@ TEST_P(DebugSteps, AStepStopsOnABreakpointWhoseConditionIsFalse) {
     EXPECT_EQ(Count(), 1u);
     EXPECT_EQ(RunTo(5), 5) << "not at 3 in the next turn";
     ContinueToTheEnd(55u);
+}
+
+// A stop in a library belongs to the line that called it, and every step leads back there.
+TEST_P(DebugSteps, AStepLeavesALibrary) {
+    for (const auto step : {DebugStepOver, DebugStepInto, DebugStepOut}) {
+        ASSERT_TRUE(Start("breaks"));
+        ASSERT_TRUE(DebugContinue(&state));
+        ASSERT_EQ(Arrive(), 0) << "the library's trap";
+        std::uint64_t caller = 0;
+        ASSERT_TRUE(DebugCallerOfLibrary(&state, &caller));
+        const std::vector<DebugFrame> frames = DebugFrames(&state, 0);
+        ASSERT_GE(frames.size(), 2u);
+        EXPECT_EQ(frames[1].address, caller);
+        EXPECT_EQ(frames[1].line, 3u);
+        EXPECT_EQ(Step(step), 3) << "after the call";
+        EXPECT_EQ(state.currentAddress, caller);
+        EXPECT_EQ(Step(), 4);
+        End();
+    }
 }
 
 // One stop for each arrival, however often the instruction repeats itself.

@@ -106,10 +106,45 @@ TEST(ProgramPlaces, ACallersLineIsThatOfItsCall) {
     const Stretch stack = {.base = 0x8000,
                            .bytes = Bytes<std::uint64_t>(0x8010) + Bytes<std::uint64_t>(0x401020) +
                                     Bytes<std::uint64_t>(0x8020) + Bytes<std::uint64_t>(0x77000000)};
-    EXPECT_EQ(FramesWithLines(program.Image(), registers, stack.Memory().read),
+    EXPECT_EQ(FramesWithLines(program.Image(), registers, stack.Memory()),
               (std::vector<DebugFrame>{{.address = 0x401020, .framePointer = 0x8000, .line = 9, .fileId = 2},
                                        {.address = 0x401020, .framePointer = 0x8010, .line = 7, .fileId = 1},
                                        {.address = 0x77000000, .framePointer = 0x8020}}));
+}
+
+// A frame that does not stand yet, or no longer, hides the caller from the chain of frame pointers.
+TEST(ProgramPlaces, TheCallerOfAProcedureWithoutAFrameIsFound) {
+    const Program program;
+    const std::string call("\xE8\x0B\0\0\0", 5);  // at 0x401015, of 0x401025
+    const struct {
+        const char* name;
+        std::string code;  // at 0x401024
+        std::uint64_t ip;
+        std::vector<std::uint64_t> stack;
+        bool found;
+    } cases[] = {{"before PUSH", std::string("\x90\x55", 2), 0x401025, {0x40101A, 5}, true},
+                 {"before MOV", std::string("\x55\x48\x89\xE5", 4), 0x401025, {5, 0x40101A}, true},
+                 {"at RET", std::string("\x5D\xC3", 2), 0x401025, {0x40101A, 5}, true},
+                 {"no frame at all, at its start", std::string("\x90\x48\x83\xEC", 4), 0x401025, {0x40101A, 5}, true},
+                 {"the same further on", std::string("\x90\x90\x90\x90", 4), 0x401026, {0x40101A, 5}, false},
+                 {"at RET without a return address", std::string("\x5D\xC3", 2), 0x401025, {5, 0x40101A}, false}};
+    for (const auto& one : cases) {
+        Stretch code = {.base = 0x401000, .bytes = std::string(0x15, '\x90') + call};
+        code.bytes += std::string(0x24 - code.bytes.size(), '\x90') + one.code + std::string(16, '\x90');
+        Stretch stack = {.base = 0x8000, .bytes = {}};
+        for (const std::uint64_t word : one.stack) stack.bytes += Bytes(word);
+        RegisterSet registers;
+        registers.ip = one.ip;
+        registers.general[kSp] = 0x8000;
+        const auto read = [&](std::uint64_t at, void* out, std::size_t count) {
+            return code.ReadSome(at, out, count) == count || stack.ReadSome(at, out, count) == count;
+        };
+        const auto frames =
+            FramesWithLines(program.Image(), registers, {.read = read, .readSome = stack.Memory().readSome});
+        EXPECT_EQ(frames.size(), one.found ? 2U : 1U) << one.name;
+        if (frames.size() == 2)
+            EXPECT_EQ(std::pair(frames[1].address, frames[1].line), std::pair(std::uint64_t{0x40101A}, 7U)) << one.name;
+    }
 }
 
 TEST(ProgramPlaces, AThreadInTheSystemIsWhereItWillReturnTo) {

@@ -176,7 +176,7 @@ TEST_F(DebuggerMapsWin, StructuralLinesAreShownOnTheStatementBefore) {
         Put(L"part.exe", Program({{1, 1, 0x1000},  // nothing before it
                                   {1, 3, 0x1004},
                                   {1, 5, 0x1008},
-                                  {2, 7, 0x100C},  // the file of a record does not matter
+                                  {2, 7, 0x100C},  // a file that the map does not name
                                   {1, 9, 0x100E},  // keeps its line, although the next record gets a lower one
                                   {1, 10, 0x1010},
                                   {1, 0, 0x1014},
@@ -208,6 +208,15 @@ TEST_F(DebuggerMapsWin, StructuralLinesAreShownOnTheStatementBefore) {
     EXPECT_EQ(Logged(), (std::vector<std::string>{file + " rva=0x00001008 structuralLine=5 mappedLine=4",
                                                   file + " rva=0x0000100C structuralLine=7 mappedLine=6",
                                                   file + " rva=0x00001010 structuralLine=10 mappedLine=8"}));
+
+    // Records of an include file keep their lines.
+    const std::string named = pe_bytes::Sdbg2({{2, 5, 0x1000}, {1, 5, 0x1004}, {3, 7, 0x1008}}) +
+                              pe_bytes::FileTable({{1, "part.bas"}, {2, "part.inc"}, {3, ""}});
+    const fs::path two =
+        Put(L"two.exe", pe_bytes::Image(true, 0x140000000, {{".text", 0x1000, "code"}, {".sdbg", 0x2000, named}}));
+    Put(L"part.inc", "'");
+    ASSERT_EQ(Load(two, kCompilerKvxb64), L"loaded");
+    EXPECT_EQ(lines(), (Lines{5, 4, 6}));
 
     std::uint32_t statements[4] = {};
     EXPECT_EQ(CollectPbmainSourceLines(source.c_str(), statements, 4), 4);

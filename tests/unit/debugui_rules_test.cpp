@@ -214,9 +214,10 @@ TEST(Stop, IsNamedByItsLineOrItsAddress) {
     EXPECT_EQ(StopPlaceOf(12, 3, false, 0, 0).line, 12);
     EXPECT_EQ(StopPlaceOf(0, 0, true, 4, 9).fileId, 4U) << "a trap of the program's own, on a line";
     EXPECT_EQ(StopPlaceOf(0, 0, true, 4, 0x80000000).line, 0) << "no line of a source";
-    EXPECT_EQ(StopPlaceText(L"a.bas", 12, 0x1000, true), L"a.bas:12");
-    EXPECT_EQ(StopPlaceText(L"", 0, 0x140001000, true), L"0x0000000140001000, no source");
-    EXPECT_EQ(StopPlaceText(L"", 0, 0x401000, false), L"0x00401000, no source");
+    EXPECT_EQ(StopPlaceText(L"a.bas", 12, false, 0x1000, true), L"a.bas:12");
+    EXPECT_EQ(StopPlaceText(L"", 0, false, 0x140001000, true), L"0x0000000140001000, no source");
+    EXPECT_EQ(StopPlaceText(L"", 0, false, 0x401000, false), L"0x00401000, no source");
+    EXPECT_EQ(StopPlaceText(L"a.bas", 12, true, 0x401000, false), L"0x00401000, called from a.bas:12");
 }
 
 TEST(Stop, WarnsOnceOfASourceThatDoesNotMatchTheProgram) {
