@@ -72,6 +72,7 @@ void MainWnd_ConnectEvents() {
 
 void MainWnd_OnOutputTimer() {
     OutputFeedShowNext();
+    OutputPaneTrim();
     AsmPaneShowNext();
     const bool allShown = OutputFeedIsEmpty() && OutputFeedIsRevealed() && AsmPaneIsEmpty();
     const bool more = BuildOnShown(allShown);

@@ -1,8 +1,13 @@
 #include "compile/build_log.h"
 
+#include "base/wide_format.h"
 #include "files/file_io.h"
 
+#include <set>
+
 namespace {
+
+std::set<std::wstring> g_commandLogs;  // temporary logs that exist
 
 void WriteBytes(BuildLog& log, std::string_view bytes) {
     DWORD written = 0;
@@ -34,4 +39,21 @@ void BuildLogWrite(BuildLog& log, std::wstring_view text) {
     }
     log.left -= bytes.size();
     WriteBytes(log, bytes);
+}
+
+std::wstring CommandLogNew() {
+    static unsigned serial = 0;
+    wchar_t folder[MAX_PATH + 1] = {};
+    if (GetTempPathW(MAX_PATH + 1, folder) == 0) return {};
+    return *g_commandLogs.insert(FormatW(L"%sKVX-Editor-%lu-%u.log", folder, GetCurrentProcessId(), ++serial)).first;
+}
+
+void CommandLogDone(const std::wstring& path, bool needed) {
+    if (needed || g_commandLogs.erase(path) == 0) return;
+    DeleteFileW(path.c_str());
+}
+
+void CommandLogsDelete() {
+    for (const std::wstring& path : g_commandLogs) DeleteFileW(path.c_str());
+    g_commandLogs.clear();
 }

@@ -6,6 +6,7 @@
 #include "base/wide_format.h"
 #include "base/worker.h"
 #include "compile/build.h"
+#include "compile/build_log.h"
 #include "compile/build_reader.h"
 #include "compile/child_process.h"
 #include "compile/compile_state.h"
@@ -17,6 +18,7 @@
 #include "ui/rich_lines.h"
 #include "ui/ui_state.h"
 
+#include <algorithm>
 #include <iterator>
 
 CRITICAL_SECTION g_buildCs;
@@ -24,8 +26,8 @@ CRITICAL_SECTION g_buildCs;
 namespace {
 
 constexpr UINT kProgressIntervalMs = 250;
-constexpr std::size_t kLinesBesideReplaced = 10000;  // the replaced pane is destroyed at last after so many lines
-constexpr DWORD kStopWaitMs = 150;                   // Stop waits so long at most; a slower reader thread ends later
+constexpr std::size_t kLinesBesideReplaced = 3000;  // the replaced pane is destroyed at last after so many lines
+constexpr DWORD kStopWaitMs = 150;                  // Stop waits so long at most; a slower reader thread ends later
 constexpr DWORD kEndWaitMs = 2000;  // longest wait from MSG_BUILD_FINISHED until the reader thread has cleaned up
 constexpr DWORD kShutdownWaitMs = 3000;
 
@@ -38,6 +40,7 @@ struct CurrentStage {
     DWORD exitCode = 0;
     BuildEnd end = BuildEnd::Ended;
     ULONGLONG started = 0;  // tick count
+    std::wstring log;       // path
 };
 CurrentStage g_stage;
 
@@ -78,6 +81,7 @@ void DeliverStageEnd() {
                                 .end = g_stage.stopped ? BuildEnd::Stopped : g_stage.end,
                                 .exitCode = g_stage.exitCode,
                                 .seconds = static_cast<double>(GetTickCount64() - g_stage.started) / 1000.0};
+    CommandLogDone(g_stage.log, OutputFeedLeftLinesOut());
     g_stage = {};
     KillTimer(g_ui.hMainWnd, TIMER_BUILD);
     ShowBuildProgress();
@@ -112,7 +116,10 @@ bool StageStart(StageLaunch launch, DWORD* error) {
         OutputFeedMessage(UnstageSource(&launch.staged), kLineRed);
         return false;
     }
-    OutputFeedBegin(StageIsOfBuild(launch.stage));
+    if (launch.logPath.empty()) launch.logPath = CommandLogNew();
+    OutputFeedBegin({.diagnostics = StageIsOfBuild(launch.stage),
+                     .log = launch.logPath,
+                     .logLines = static_cast<std::uint64_t>(std::ranges::count(launch.logHeader, L'\n'))});
     StoreStageState(launch, child);
     g_stage = {};
     g_stage.reader = WorkerStart<CompilerThread>(ReaderRequest{.stage = launch.stage,
@@ -126,11 +133,13 @@ bool StageStart(StageLaunch launch, DWORD* error) {
         ForgetStageState();
         ChildTerminate(child.job, child.process);
         ChildClose(&child);
+        CommandLogDone(launch.logPath, false);
         OutputFeedMessage(UnstageSource(&launch.staged), kLineRed);
         return false;
     }
     if (isProgram) ProgramInputOpen(child.inputWrite);
     g_stage.stage = launch.stage;
+    g_stage.log = launch.logPath;
     g_stage.started = GetTickCount64();
     SetTimer(g_ui.hMainWnd, TIMER_BUILD, kProgressIntervalMs, nullptr);
     ShowBuildProgress();
@@ -194,6 +203,7 @@ void BuildShutdown() {
     WorkerDropPosts<HeapBlock<wchar_t>>(g_ui.hMainWnd, MSG_BUILD_OUTPUT);
     OutputFeedForget();
     ProgramInputClose();
+    CommandLogsDelete();
     g_stage = {};
 }
 

@@ -62,17 +62,16 @@ void RunInOutputPane() {
         g_events.statusText(L"Nothing to run");
         return;
     }
-    if (OutputFeedIsLong()) OutputPaneClear();
     PaneShow(PaneId::Output, true);
     OutputPaneAppend((L"--- Running: " + program + L" ---\r\n").c_str(), 0);
     OutputPaneAppend(RunDoubt(LastBuild(), SourceIsModified()).c_str(), kLineYellow);
     const std::wstring folder = FolderOf(program);
-    OutputFeedBegin(false);  // what a program prints may look like a diagnostic
+    OutputFeedBegin({.diagnostics = false});  // what a program prints may look like a diagnostic
     DWORD error = 0;
     if (!StageStart(
             {.stage = BuildStage::Program, .commandLine = L'"' + StartablePath(program) + L'"', .directory = folder},
             &error)) {
-        OutputFeedBegin(true);
+        OutputFeedBegin({});
         SayRunProblem(L"Run failed (Win32 error " + std::to_wstring(error) + L"): " + ChildStartProblem(error, folder) +
                       L"\r\n");
         return;
@@ -99,7 +98,7 @@ void ProgramOnStageEnd(const StageResult& result) {
     const bool failed = result.end == BuildEnd::Stopped || result.exitCode != 0;
     OutputPaneAppend(ProgramEndText(result).c_str(), failed ? kLineRed : 0);
     g_events.statusText(result.end == BuildEnd::Stopped ? L"Program stopped" : L"Program ended");
-    OutputFeedBegin(true);
+    OutputFeedBegin({});
     SetTerminalCue(L"");
     if (GetFocus() == g_compile.hTerminal) FocusCurrentEditor();
 }

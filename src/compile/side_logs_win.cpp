@@ -32,6 +32,7 @@ void SideLogsShow(const std::wstring& source, std::uint64_t startTime) {
         wchar_t* text = bytes ? DecodeCompilerText(bytes.get(), std::min(length, kShownBytes)) : nullptr;
         if (text == nullptr) continue;
         OutputPaneAppend((L"--- " + path + L" ---\r\n").c_str(), 0);
+        OutputFeedBegin({.log = path});
         OutputFeedStream(text, 0);
         OutputFeedStreamEnd();
         while (!OutputFeedIsEmpty()) OutputFeedShowNext();

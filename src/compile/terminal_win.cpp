@@ -93,9 +93,11 @@ void RunTerminalCommand(HWND window) {
     if (CompilerIsBuilding()) return;
     TerminalRemember(g_terminalHistory, command);
     SetWindowTextW(window, L"");
-    if (OutputFeedIsLong() || lstrcmpiW(command.c_str(), L"cls") == 0) OutputPaneClear();
-    if (lstrcmpiW(command.c_str(), L"cls") == 0) return;
-    OutputFeedBegin(false);  // the command itself may look like a diagnostic
+    if (lstrcmpiW(command.c_str(), L"cls") == 0) {
+        OutputPaneClear();
+        return;
+    }
+    OutputFeedBegin({.diagnostics = false});  // the command itself may look like a diagnostic
     OutputPaneAppend((L"> " + command + L"\r\n").c_str(), kLineTeal);
     DWORD error = 0;
     if (StageStart({.stage = BuildStage::Terminal,
@@ -104,7 +106,7 @@ void RunTerminalCommand(HWND window) {
                    &error)) {
         g_events.statusText(L"Running command...");
     } else {
-        OutputFeedBegin(true);
+        OutputFeedBegin({});
         OutputPaneAppend(FormatW(L"The command could not be started (Win32 error %lu).\r\n", error).c_str(), kLineRed);
     }
 }
@@ -123,7 +125,7 @@ bool OnTerminalKey(HWND window, WPARAM key) {
 }  // namespace
 
 void TerminalOnStageEnd(const StageResult& result) {
-    OutputFeedBegin(true);
+    OutputFeedBegin({});
     if (const std::wstring text = TerminalEndText(result); !text.empty())
         OutputPaneAppend(text.c_str(), result.end == BuildEnd::Stopped ? kLineRed : kLineTeal);
     g_events.statusText(result.end == BuildEnd::Stopped ? L"Command stopped" : L"Command finished");

@@ -6,6 +6,7 @@
 #include "files/file_io.h"
 #include "output/diagnostics.h"
 #include "output/error_places.h"
+#include "output/kept_lines.h"
 #include "output/output_state.h"
 #include "scintilla/sci.h"
 
@@ -45,6 +46,15 @@ void GoToDiagnostic(const CompilerError& error) {
         const LRESULT start = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line));
         if (start >= 0) SciSend(editor, SCI_GOTOPOS, static_cast<WPARAM>(start + error.column - 1));
     }
+    FocusCurrentEditor();
+}
+
+void GoToLog(const LogPlace& place) {
+    // A log that is open already may be an earlier build's.
+    const int open = TabBarFindPath(place.path.c_str());
+    if (open >= 0 && !TabAt(open).modified) FileReload(open);
+    if (FileShow(place.path.c_str(), false) == 0) return;
+    SciSend(g_documents.hEditor, SCI_GOTOLINE, static_cast<WPARAM>(place.line - 1));
     FocusCurrentEditor();
 }
 
@@ -101,11 +111,15 @@ void CompilerPrevError() { CompilerNavigateToError(PreviousErrorIndex(g_output.e
 
 void OutputPaneNavigateError() {
     if (g_output.hOutput == nullptr) return;
+    const std::wstring text = LineAtPaneCaret(g_output.hOutput);
+    if (const LogPlace log = LogPlaceOf(text); !log.path.empty()) {
+        GoToLog(log);
+        return;
+    }
     CompilerError error = {};
-    const std::wstring line = LineAtPaneCaret(g_output.hOutput);
-    if (ParseErrorLine(line, &error) == 0) return;
+    if (ParseErrorLine(text, &error) == 0) return;
     const bool several = CountDiagnostic(g_output.errors, error) > 1;
-    const int before = several ? CountAbove(g_output.hOutput, line) : 0;
+    const int before = several ? CountAbove(g_output.hOutput, text) : 0;
     if (const int index = FindDiagnostic(g_output.errors, error, before); index >= 0)
         CompilerNavigateToError(index);
     else

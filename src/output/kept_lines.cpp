@@ -1,41 +1,73 @@
 #include "output/kept_lines.h"
 
+#include "base/decimal.h"
+#include "output/line_colours.h"
+
 #include <utility>
 
 namespace {
 
+constexpr std::wstring_view kInLog = L" lines left out here; a double-click opens them: ";
+constexpr std::wstring_view kLogEnd = L") ...";
+
 void DropOldest(KeptLines& kept) {
-    kept.heldCharacters -= kept.held.front().text.size();
+    const HeldLine& oldest = kept.held.front();
+    if (kept.leftOutAt == 0) kept.leftOutAt = oldest.logLine;
+    kept.heldCharacters -= oldest.line.text.size();
     kept.held.pop_front();
     ++kept.leftOut;
 }
 
+PaneLine LeftOutLine(const KeptLines& kept, const std::wstring& log) {
+    const std::wstring count = L"... " + std::to_wstring(kept.leftOut);
+    if (log.empty() || kept.leftOutAt == 0) return {.text = count + L" lines left out ...", .colour = kLineTeal};
+    return {.text = count + std::wstring(kInLog) + log + L"(" + std::to_wstring(kept.leftOutAt) + std::wstring(kLogEnd),
+            .colour = kLineTeal};
+}
+
 }  // namespace
 
-bool KeepLine(KeptLines& kept, PaneLine& line, bool stream) {
+bool LinesAreHeld(const KeptLines& kept) { return !kept.held.empty() || kept.leftOut > 0; }
+
+bool KeepLine(KeptLines& kept, PaneLine& line, std::uint64_t logLine) {
     const bool full = kept.shown >= kFirstLinesKept || kept.shownCharacters >= kFirstCharactersKept;
-    const bool holding = !kept.held.empty() || kept.leftOut > 0;
-    if (!holding && (!full || !stream)) {
+    if (!LinesAreHeld(kept) && (!full || logLine == 0)) {
         ++kept.shown;
         kept.shownCharacters += line.text.size();
         return true;
     }
     kept.heldCharacters += line.text.size();
-    kept.held.push_back(std::move(line));
+    kept.held.push_back({.line = std::move(line), .logLine = logLine});
     while (kept.held.size() > kLastLinesKept || (kept.heldCharacters > kLastCharactersKept && kept.held.size() > 1))
         DropOldest(kept);
     return false;
 }
 
-std::deque<PaneLine> TakeHeldLines(KeptLines& kept) {
-    std::deque<PaneLine> lines = std::exchange(kept.held, {});
-    if (kept.leftOut > 0) {
-        lines.push_front(
-            {.text = L"... " + std::to_wstring(kept.leftOut) + L" lines left out ...", .colour = 0x808000});
-    }
-    kept.shown += lines.size();
-    kept.shownCharacters += kept.heldCharacters;
-    kept.heldCharacters = 0;
-    kept.leftOut = 0;
+std::wstring HeldLinesText(const KeptLines& kept) {
+    return L"... " + std::to_wstring(kept.leftOut + kept.held.size()) + L" more lines so far; the last " +
+           std::to_wstring(kLastLinesKept) + L" come at the end ...";
+}
+
+std::deque<PaneLine> TakeHeldLines(KeptLines& kept, const std::wstring& log) {
+    std::deque<PaneLine> lines;
+    if (kept.leftOut > 0) lines.push_back(LeftOutLine(kept, log));
+    for (HeldLine& each : kept.held) lines.push_back(std::move(each.line));
+    kept = {.shown = kept.shown + lines.size(), .shownCharacters = kept.shownCharacters + kept.heldCharacters};
     return lines;
+}
+
+LogPlace LogPlaceOf(std::wstring_view paneLine) {
+    const std::size_t start = paneLine.find(kInLog);
+    const std::size_t open = paneLine.rfind(L'(');
+    if (start == std::wstring_view::npos || open == std::wstring_view::npos || !paneLine.ends_with(kLogEnd)) return {};
+    const std::size_t path = start + kInLog.size();
+    if (open <= path) return {};
+    return {.path = std::wstring(paneLine.substr(path, open - path)), .line = DecimalNumber(paneLine.substr(open + 1))};
+}
+
+bool TrimPaneLines(std::deque<PaneLine>& shown) {
+    if (shown.size() <= kMostPaneLines) return false;
+    shown.erase(shown.begin(), shown.end() - static_cast<std::ptrdiff_t>(kPaneLinesKept));
+    shown.push_front({.text = L"... earlier lines were removed ...", .colour = kLineTeal});
+    return true;
 }

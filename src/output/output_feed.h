@@ -11,9 +11,8 @@
 #include <cstdint>
 #include <string>
 
-// Called before a process is started and after its end. With `diagnostics`, errors and warnings among the lines that
-// follow are counted and recorded; without it, they are only coloured.
-void OutputFeedBegin(bool diagnostics);
+// Called before a process is started, and after its end with an empty source.
+void OutputFeedBegin(OutputSource source);
 // Queues one posted chunk of a process's output. Takes ownership of the heap block.
 void OutputFeedStream(wchar_t* heapText, COLORREF colour);
 // Tells that the process has ended: a last line without a line break is complete, and the lines held back are shown.
@@ -34,8 +33,9 @@ void OutputFeedReset(std::uint32_t compilerId);
 void OutputFeedBeginBuild(const BuildRecord& build);
 const OutputCounts& OutputFeedCounts();
 std::size_t OutputFeedLinesShown();  // number of lines in the pane
-// True when the pane has so many lines that it should be emptied before the next command.
-bool OutputFeedIsLong();
+bool OutputFeedLeftLinesOut();       // some lines of the present source are only in its log
+// Forgets the oldest lines when the pane has too many. Returns true when it must be emptied and shown again.
+bool OutputFeedTrim();
 
 // Drops the lines that wait to be shown.
 void OutputFeedDropWaiting();

@@ -2,6 +2,7 @@
 
 #include "base/clock.h"
 #include "base/handles.h"
+#include "output/line_colours.h"
 #include "output/output_credits.h"
 #include "output/output_pane.h"
 #include "output/output_state.h"
@@ -10,6 +11,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -21,8 +23,8 @@ constexpr double kUnfinishedMs = 60.0;      // an incomplete line is shown after
 constexpr double kRevealMsPerLine = 0.003;  // more for each line in the pane, as a repaint takes longer (kept_lines.h)
 
 struct OutputFeed {
-    OutputLines lines;            // not shown yet
-    std::vector<PaneLine> shown;  // in the pane; needed to show them again in other colours
+    OutputLines lines;           // not shown yet
+    std::deque<PaneLine> shown;  // in the pane; needed to show them again in other colours
     BlockSize block;
     std::wstring unfinished;      // the incomplete last line in the pane; empty: none
     LONG unfinishedAt = 0;        // its first character in the pane
@@ -55,19 +57,18 @@ void ShowLines(const std::vector<PaneLine>& block) {
 
 // Shows an incomplete line, or what has become of it, when nothing whole has come for a while.
 void ShowUnfinished(double now) {
-    const std::wstring_view wanted = OutputLinesUnfinished(g_feed.lines);
+    std::wstring wanted = OutputLinesUnfinished(g_feed.lines);
     if (wanted == g_feed.unfinished) {
         g_feed.unfinishedSince = -1;
         return;
     }
     if (g_feed.unfinishedSince < 0) g_feed.unfinishedSince = now;
     if (now - g_feed.unfinishedSince < kUnfinishedMs) return;
-    std::wstring text(wanted);
-    if (text.empty())
+    if (wanted.empty())
         ShowLines({});
     else
-        ShowLines({{.text = text, .lineBreak = false}});
-    g_feed.unfinished = std::move(text);
+        ShowLines({{.text = wanted, .colour = LinesAreHeld(g_feed.lines.kept) ? kLineTeal : 0, .lineBreak = false}});
+    g_feed.unfinished = std::move(wanted);
 }
 
 // Shows the next lines as one block. Returns false when no line is left.
@@ -87,7 +88,7 @@ bool ShowBlock() {
 
 }  // namespace
 
-void OutputFeedBegin(bool diagnostics) { g_feed.lines.recording = diagnostics; }
+void OutputFeedBegin(OutputSource source) { OutputLinesBegin(g_feed.lines, std::move(source)); }
 
 void OutputFeedStream(wchar_t* heapText, COLORREF colour) {
     const HeapBlock<wchar_t> owned(heapText);
@@ -116,7 +117,7 @@ void OutputFeedShowNext() {
         // The loop ends early when the user types or another thread waits for an answer.
         if (HIWORD(GetQueueStatus(QS_INPUT | QS_SENDMESSAGE)) != 0) break;
     }
-    const double pause = kRevealMs + kRevealMsPerLine * static_cast<double>(g_feed.lines.kept.shown);
+    const double pause = kRevealMs + kRevealMsPerLine * static_cast<double>(g_feed.shown.size());
     if (ClockMs() - g_feed.revealedAt >= pause) OutputFeedReveal();
     if (g_output.errors.count != errors) ErrorListRefresh();
 }
@@ -147,7 +148,9 @@ const OutputCounts& OutputFeedCounts() { return g_feed.lines.counts; }
 
 std::size_t OutputFeedLinesShown() { return g_feed.shown.size(); }
 
-bool OutputFeedIsLong() { return g_feed.shown.size() >= kFirstLinesKept; }
+bool OutputFeedLeftLinesOut() { return g_feed.lines.leftOut; }
+
+bool OutputFeedTrim() { return TrimPaneLines(g_feed.shown); }
 
 void OutputFeedDropWaiting() { OutputCreditsReturn(OutputLinesDrop(g_feed.lines)); }
 
@@ -160,7 +163,5 @@ void OutputFeedForget() {
 void OutputFeedShowAgain() {
     g_feed.unfinished.clear();
     ShowTimerStart();
-    OutputLinesAgain(g_feed.lines,
-                     {std::make_move_iterator(g_feed.shown.begin()), std::make_move_iterator(g_feed.shown.end())});
-    g_feed.shown.clear();
+    OutputLinesAgain(g_feed.lines, std::exchange(g_feed.shown, {}));
 }

@@ -20,15 +20,17 @@ void RecordDiagnostic(CompilerErrors& errors, const std::wstring& line, const Ou
     ++errors.count;
 }
 
-// This line is shown in place of the lines that the pane leaves out.
-PaneLine HoldingNotice() {
-    return {.text = L"... more follows; its last " + std::to_wstring(kLastLinesKept) + L" lines come at the end ...",
-            .colour = kLineTeal};
+void ReleaseHeldLines(OutputLines& lines) {
+    lines.leftOut = lines.leftOut || lines.kept.leftOut > 0;
+    std::deque<PaneLine> held = TakeHeldLines(lines.kept, lines.source.log);
+    std::move(held.begin(), held.end(), std::back_inserter(lines.ready));
 }
 
-void ReleaseHeldLines(OutputLines& lines) {
-    std::deque<PaneLine> held = TakeHeldLines(lines.kept);
-    std::move(held.begin(), held.end(), std::back_inserter(lines.ready));
+// The line's number in the log of its process; 0 for a line of the editor.
+std::uint64_t TakeLogLine(OutputLines& lines, const QueuedLine& line) {
+    const std::uint64_t number = line.stream ? lines.source.logLines + 1 : 0;
+    if (line.ended) ++lines.source.logLines;
+    return number;
 }
 
 // Handles one line of the queue. Returns false when there is nothing to show for it now.
@@ -37,12 +39,10 @@ bool LetThrough(OutputLines& lines, CompilerErrors& errors, QueuedLine& line, Pa
         ReleaseHeldLines(lines);
         return false;
     }
+    const std::uint64_t logLine = TakeLogLine(lines, line);
     if (!OutputLineSort(lines, errors, line)) return false;
     *shown = {.text = std::move(line.text), .colour = line.colour, .lineBreak = line.lineBreak};
-    if (KeepLine(lines.kept, *shown, line.stream)) return true;
-    if (lines.kept.held.size() != 1 || lines.kept.leftOut != 0) return false;
-    *shown = HoldingNotice();
-    return true;
+    return KeepLine(lines.kept, *shown, logLine);
 }
 
 }  // namespace
@@ -53,7 +53,7 @@ bool OutputLineSort(OutputLines& lines, CompilerErrors& errors, QueuedLine& line
     const bool warning = !error && IsWarningLine(line.text);
     if (error || warning) {
         line.colour = error ? kLineRed : kLineYellow;
-        if (lines.recording) {
+        if (lines.source.diagnostics) {
             ++(error ? lines.counts.errors : lines.counts.warnings);
             RecordDiagnostic(errors, line.text, lines);
         }
@@ -62,7 +62,15 @@ bool OutputLineSort(OutputLines& lines, CompilerErrors& errors, QueuedLine& line
     return true;
 }
 
-std::wstring_view OutputLinesUnfinished(const OutputLines& lines) { return lines.queue.partial; }
+void OutputLinesBegin(OutputLines& lines, OutputSource source) {
+    lines.source = std::move(source);
+    lines.leftOut = false;
+    if (!LinesAreHeld(lines.kept)) lines.kept = {};
+}
+
+std::wstring OutputLinesUnfinished(const OutputLines& lines) {
+    return LinesAreHeld(lines.kept) ? HeldLinesText(lines.kept) : lines.queue.partial;
+}
 
 bool OutputLinesNext(OutputLines& lines, CompilerErrors& errors, const std::function<bool()>& timeIsUp, PaneLine* shown,
                      int* chunksDone) {

@@ -11,13 +11,20 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
-#include <string_view>
+#include <string>
 
 // Counts of the lines since the last reset.
 struct OutputCounts {
     int lines = 0;  // lines of processes that are not empty
     int errors = 0;
     int warnings = 0;
+};
+
+// The process whose output comes as a stream.
+struct OutputSource {
+    bool diagnostics = true;     // errors and warnings are counted and recorded, and not only coloured
+    std::wstring log = {};       // path of the file that has the whole stream; empty: none
+    std::uint64_t logLines = 0;  // lines of the log so far
 };
 
 struct OutputLines {
@@ -27,16 +34,21 @@ struct OutputLines {
     OutputCounts counts;
     std::uint32_t compilerId = 0;  // stored in each recorded diagnostic
     std::int32_t build = 0;        // the same
-    bool recording = true;         // diagnostics are counted and recorded, and not only coloured
+    OutputSource source;           // of the stream; its `logLines` grows with the lines that are taken
     std::deque<PaneLine> ready;    // shown before anything of the queue
+    bool leftOut = false;          // lines of the source were left out
 };
 
 // Colours and counts a line, and records it if it is a diagnostic and `errors` has room. Returns false for a
 // repetition.
 bool OutputLineSort(OutputLines& lines, CompilerErrors& errors, QueuedLine& line);
 
-// The text of a process after its last line break: a prompt, or a line that is still printed. Empty: none.
-std::wstring_view OutputLinesUnfinished(const OutputLines& lines);
+// Called before a stream begins, when no line waits.
+void OutputLinesBegin(OutputLines& lines, OutputSource source);
+
+// What the pane shows after the last whole line: the text of a process after its last line break (a prompt, or a line
+// that is still printed), or how many lines are held back. Empty: nothing.
+std::wstring OutputLinesUnfinished(const OutputLines& lines);
 
 // Takes the next line for the pane. Returns false when there is none now, or when `timeIsUp` answered true; it is asked
 // every few hundred lines, because most lines of a very long output are not shown. `chunksDone` is increased by the

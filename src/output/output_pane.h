@@ -8,11 +8,14 @@ void OutputPaneInit(HWND pane);
 // still waits, this text is queued after it.
 void OutputPaneAppend(const wchar_t* text, COLORREF colour);
 void OutputPaneClear();
+// Removes the oldest lines when there are too many, and shows the rest again. Called on TIMER_OUTPUT.
+void OutputPaneTrim();
 void OutputPaneScrollToEnd();
 void OutputPaneApplyFont();
 // Applies font, colours and margins from the settings and the theme to any Rich Edit pane (output, ASM, chat).
 void PaneApplyFontAndTheme(HWND richEdit);
-// Goes to the diagnostic on the pane's current line, if that line is one (double-click, Enter).
+// Goes to the place that the pane's current line names, if it names one (double-click, Enter): the source of a
+// diagnostic, or the log where it goes on with the lines that the pane leaves out.
 void OutputPaneNavigateError();
 
 void CompilerClearErrors();

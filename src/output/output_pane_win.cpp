@@ -125,6 +125,12 @@ void OutputPaneClear() {
     OutputFeedForget();
 }
 
+void OutputPaneTrim() {
+    if (!OutputFeedTrim()) return;
+    EmptyPane();
+    OutputFeedShowAgain();
+}
+
 void OutputPaneScrollToEnd() {
     if (g_output.hOutput == nullptr) return;
     RichScrollToEnd(g_output.hOutput);

@@ -53,10 +53,12 @@ bool NextOfStream(OutputQueue& queue, QueuedLine* line, int* chunksDone) {
     queue.skipLineFeed = queue.skipLineFeed || (piece.found && piece.taken == rest.size() && rest.back() == L'\r');
     queue.offset += piece.taken;
     const bool whole = piece.found && queue.partial.size() <= kMaxOutputLine;
-    if (whole)
+    if (whole) {
         TakePartial(queue, line);
-    else if (piece.found)  // the line is too long: the break is read again after the line was cut
+        line->ended = true;
+    } else if (piece.found) {  // the line is too long: the break is read again after the line was cut
         queue.offset -= piece.taken - piece.text.size();
+    }
     if (queue.offset >= chunk.text.size()) DropFront(queue, chunksDone);
     return whole;
 }

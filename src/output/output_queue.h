@@ -29,6 +29,7 @@ struct QueuedLine {
     std::uint32_t colour = 0;
     bool stream = false;     // from a process
     bool lineBreak = true;   // false: the end of a message that has none
+    bool ended = false;      // the process has printed its line break
     bool streamEnd = false;  // this is no line: it tells that the stream has ended
 };
 

@@ -219,10 +219,9 @@ TEST(OutputLines, LookingThroughAFloodIsLimited) {
     CompilerErrors errors;
     PaneLine line;
     int chunks = 0;
-    ASSERT_TRUE(OutputLinesNext(lines, errors, Always, &line, &chunks));
-    EXPECT_TRUE(line.text.starts_with(L"... more follows")) << Narrow(line.text);
     EXPECT_FALSE(OutputLinesNext(lines, errors, Always, &line, &chunks)) << "the time is up";
     EXPECT_LT(lines.kept.held.size(), 1000U);
+    EXPECT_NE(OutputLinesUnfinished(lines).find(L" more lines so far; "), std::wstring::npos);
     int shown = 0;
     while (OutputLinesNext(lines, errors, Never, &line, &chunks)) ++shown;
     EXPECT_EQ(shown, 2000) << "and at the end all of them come";
@@ -314,16 +313,21 @@ TEST(KeptLines, FirstAndLastLinesStayInOrder) {
     const std::size_t total = kFirstLinesKept + kLastLinesKept + 5;
     for (std::size_t i = 0; i < total; ++i) {
         PaneLine line = {.text = std::to_wstring(i)};
-        EXPECT_EQ(KeepLine(kept, line, true), i < kFirstLinesKept);
+        EXPECT_EQ(KeepLine(kept, line, i + 8), i < kFirstLinesKept);
     }
     PaneLine message = {.text = L"ours"};
-    EXPECT_FALSE(KeepLine(kept, message, false)) << "a message waits after the lines that are held back";
-    const std::deque<PaneLine> held = TakeHeldLines(kept);
+    EXPECT_FALSE(KeepLine(kept, message, 0)) << "a message waits after the lines that are held back";
+    const std::deque<PaneLine> held = TakeHeldLines(kept, L"C:\\a (1)\\a.buildlog");
     ASSERT_EQ(held.size(), kLastLinesKept + 1);
-    EXPECT_EQ(Narrow(held[0].text), "... 6 lines left out ...");
+    EXPECT_TRUE(held[0].text.starts_with(L"... 6 lines left out ")) << Narrow(held[0].text);
+    const LogPlace place = LogPlaceOf(held[0].text);
+    EXPECT_EQ(Narrow(place.path), "C:\\a (1)\\a.buildlog");
+    EXPECT_EQ(place.line, static_cast<int>(kFirstLinesKept) + 8);
+    for (const wchar_t* other : {L"a(1) ...", L"... 6 lines left out ...", L""})
+        EXPECT_TRUE(LogPlaceOf(other).path.empty());
     EXPECT_EQ(Narrow(held[1].text), std::to_string(kFirstLinesKept + 6));
     EXPECT_EQ(Narrow(held.back().text), "ours");
-    EXPECT_TRUE(KeepLine(kept, message, false)) << "and is shown at once when nothing is held";
+    EXPECT_TRUE(KeepLine(kept, message, 0)) << "and is shown at once when nothing is held";
 }
 
 TEST(CommandLine, ListingArgument) {
