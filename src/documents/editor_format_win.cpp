@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -20,11 +21,12 @@ LineRange LinesToFormat(HWND editor, bool selectionOnly) {
                             PaneSend(editor, SCI_POSITIONFROMLINE, last) == end);
 }
 
-std::string TextOf(HWND editor, LRESULT start, LRESULT end) {
-    std::string text(static_cast<std::size_t>(end - start), '\0');
-    PaneSend(editor, SCI_SETTARGETRANGE, start, end);
-    PaneSend(editor, SCI_GETTARGETTEXT, 0, reinterpret_cast<LPARAM>(text.data()));
-    return text;
+constexpr int kContinuation = 64;  // lines below the last one that its statement may go on
+
+// The start of the line, or the end of the text behind its last line.
+LRESULT StartOfLine(HWND editor, int line) {
+    return line < static_cast<int>(PaneSend(editor, SCI_GETLINECOUNT)) ? PaneSend(editor, SCI_POSITIONFROMLINE, line)
+                                                                       : PaneSend(editor, SCI_GETLENGTH);
 }
 
 // What is marked on a line stays on it, also when this is undone.
@@ -43,17 +45,16 @@ void ReplaceLines(HWND editor, LRESULT start, const std::vector<TextReplacement>
 void EditorFormat(HWND editor, bool selectionOnly) {
     if (editor == nullptr) return;
     const LineRange lines = LinesToFormat(editor, selectionOnly);
-    const LRESULT start = PaneSend(editor, SCI_POSITIONFROMLINE, lines.first);
-    const bool toEnd = lines.last + 1 >= static_cast<int>(PaneSend(editor, SCI_GETLINECOUNT));
-    const std::string text =
-        TextOf(editor, start,
-               toEnd ? PaneSend(editor, SCI_GETLENGTH) : PaneSend(editor, SCI_POSITIONFROMLINE, lines.last + 1));
-    const int width = std::max(1, static_cast<int>(g_settings.tabWidth));
-    const auto indentation = static_cast<int>(PaneSend(editor, SCI_GETLINEINDENTATION, lines.first));
-    const std::string formatted = FormatBasicSource(
-        text,
-        {.indentWidth = width, .useTabs = g_settings.useTabs != 0, .upperKeywords = g_settings.autoUpperKeywords != 0},
-        FormatDepth(lines.first, indentation, width));
+    const LRESULT start = StartOfLine(editor, lines.first);
+    const LRESULT end = StartOfLine(editor, lines.last + 1);
+    // A selection is formatted as it would be within the whole document, so the lines above it are read too.
+    const std::string all = EditorPaneTextBetween(editor, 0, StartOfLine(editor, lines.last + 1 + kContinuation));
+    const FormatOptions options = {.indentWidth = std::max(1, static_cast<int>(g_settings.tabWidth)),
+                                   .useTabs = g_settings.useTabs != 0,
+                                   .upperKeywords = g_settings.autoUpperKeywords != 0};
+    const std::string formatted = FormatBasicLines(all, options, lines.first, lines.last);
+    const std::string_view text =
+        std::string_view(all).substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start));
     if (formatted == text) return;
     const LRESULT caretLine = PaneSend(editor, SCI_LINEFROMPOSITION, PaneSend(editor, SCI_GETCURRENTPOS));
     const LRESULT topLine = PaneSend(editor, SCI_GETFIRSTVISIBLELINE);

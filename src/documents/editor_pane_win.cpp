@@ -150,5 +150,6 @@ void EditorPaneOnModified(HWND editor, const SCNotification& change) {
     if (change.linesAdded != 0 || (change.modificationType & (SC_MOD_INSERTTEXT | SC_PERFORMED_USER)))
         MarkModifiedLine(editor, line);
     StickyHeaderForget(editor, line, static_cast<int>(change.linesAdded));
+    EditorPaneForgetAssembly(editor, line);
     EditorColourRestart(editor, change.position);
 }

@@ -21,6 +21,15 @@ char* EditorPaneGetText(HWND editor, std::size_t* length) {
     return text;
 }
 
+std::string EditorPaneTextBetween(HWND editor, LRESULT start, LRESULT end) {
+    if (end <= start) return {};
+    std::string text(static_cast<std::size_t>(end - start) + 1, '\0');  // Scintilla adds a NUL
+    Sci_TextRangeFull range = {{start, end}, text.data()};
+    SciSend(editor, SCI_GETTEXTRANGEFULL, 0, reinterpret_cast<LPARAM>(&range));
+    text.pop_back();
+    return text;
+}
+
 void EditorPaneSetText(HWND editor, const char* utf8) {
     if (utf8 == nullptr) return;
     EditorPaneSetBytes(editor, {utf8, std::strlen(utf8)});
@@ -52,6 +61,7 @@ void EditorPaneEndLoad(HWND editor) {
     EditorPaneClearChangeMarks(editor);
     if (PaneState* state = PaneStateOf(editor); state != nullptr) {
         state->sticky = {};
+        state->assembly = {};
         EditorPaneUpdateLineMargin(editor);
         EditorColourRestart(editor, 0);
     }

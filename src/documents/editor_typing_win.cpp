@@ -5,6 +5,7 @@
 #include "documents/pane_rules.h"
 #include "documents/pane_state.h"
 #include "documents/typing_rules.h"
+#include "language/format.h"
 #include "scintilla/sci.h"
 #include "settings/settings_state.h"
 
@@ -16,6 +17,8 @@
 #include <vector>
 
 namespace {
+
+constexpr LRESULT kLongestLine = 16 << 10;  // bytes; what is longer was not typed, and every key would look through it
 
 // The style that the lexer gives to a position of the caret's line, which may not have been painted yet.
 LRESULT FreshStyleAt(HWND editor, LRESULT position, LRESULT upTo) {
@@ -70,13 +73,16 @@ void EditorPaneUpperKeywordBefore(HWND editor, LRESULT position) {
     const LRESULT start = PaneSend(editor, SCI_WORDSTARTPOSITION, position, TRUE);
     const LRESULT length = position - start;
     if (!HasKeywordLength(length)) return;
-    char word[kLongestKeyword + 1] = {};
-    Sci_TextRangeFull range = {{start, position}, word};
-    SciSend(editor, SCI_GETTEXTRANGEFULL, 0, reinterpret_cast<LPARAM>(&range));
-    const std::optional<std::string> capitals = KeywordInCapitals({word, static_cast<std::size_t>(length)});
-    if (!capitals) return;
-    const LRESULT lineEnd = PaneSend(editor, SCI_GETLINEENDPOSITION, PaneSend(editor, SCI_LINEFROMPOSITION, position));
-    if (!IsKeywordStyle(FreshStyleAt(editor, start, std::max(lineEnd, position)))) return;
+    const LRESULT line = PaneSend(editor, SCI_LINEFROMPOSITION, position);
+    const LRESULT lineStart = PaneSend(editor, SCI_POSITIONFROMLINE, line);
+    const LRESULT lineEnd = PaneSend(editor, SCI_GETLINEENDPOSITION, line);
+    if (lineEnd - lineStart > kLongestLine) return;
+    const std::string text = EditorPaneTextBetween(editor, lineStart, lineEnd);
+    const std::string capitals = KeywordsInCapitals(text, EditorPaneInAssembly(editor, lineStart));
+    const auto at = static_cast<std::size_t>(start - lineStart);
+    const auto count = static_cast<std::size_t>(length);
+    if (capitals.compare(at, count, text, at, count) == 0) return;
+    if (!IsKeywordStyle(FreshStyleAt(editor, start, lineEnd))) return;
     PaneSend(editor, SCI_SETTARGETRANGE, start, position);
-    SciSend(editor, SCI_REPLACETARGET, static_cast<WPARAM>(length), reinterpret_cast<LPARAM>(capitals->data()));
+    SciSend(editor, SCI_REPLACETARGET, count, reinterpret_cast<LPARAM>(capitals.data() + at));
 }

@@ -1,9 +1,6 @@
 // Decisions of an editing pane. Pure.
 #include "documents/pane_rules.h"
 
-#include "base/scan_text.h"
-#include "language/lexer_table.h"
-
 #include <algorithm>
 #include <cmath>
 
@@ -84,14 +81,6 @@ std::vector<std::uint8_t> MarkerDot(int size, double radius, double ring, std::u
         pixels.push_back(static_cast<std::uint8_t>(cover * 255));
     }
     return pixels;
-}
-
-std::optional<std::string> KeywordInCapitals(std::string_view word) {
-    if (!IsBasicKeyword(word)) return std::nullopt;
-    std::string upper{word};
-    std::ranges::transform(upper, upper.begin(), UpperAscii);
-    if (upper == word) return std::nullopt;
-    return upper;
 }
 
 PaneSpan BraceReach(std::ptrdiff_t brace, std::ptrdiff_t length) {

@@ -5,10 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <span>
-#include <string>
-#include <string_view>
 #include <vector>
 
 // --- Text
@@ -73,10 +70,7 @@ std::vector<MarkedRun> MarkedRuns(std::span<const TextRange> ranges, std::ptrdif
 std::vector<std::uint8_t> MarkerDot(int size, double radius, double ring, std::uint32_t discColour,
                                     std::uint32_t ringColour);
 
-// --- Typing
-// The word in capitals when it is a BASIC keyword that is not in capitals already.
-std::optional<std::string> KeywordInCapitals(std::string_view word);
-
+// --- Brackets
 // The part of a document of `length` bytes in which the partner of the bracket at `brace` is searched; more than a
 // screen shows.
 PaneSpan BraceReach(std::ptrdiff_t brace, std::ptrdiff_t length);

@@ -2,11 +2,13 @@
 #pragma once
 
 #include "documents/sticky_header.h"
+#include "language/inline_regions.h"
 #include "scintilla/sci.h"
 
 #include <windows.h>
 
 #include <cstddef>
+#include <string>
 
 // The values on which the width of the line-number margin depends.
 struct LineMarginBasis {
@@ -21,6 +23,7 @@ struct PaneState {
     bool emptyPaint = false;      // a paint of an empty area runs, which needs no preparation
     bool bracesShown = false;     // a bracket and its partner are marked
     bool inlineShown = false;     // some text is marked as inline assembly
+    AssemblyAbove assembly;       // knowledge about blocks of inline assembly above the view
     StickyCache sticky;           // knowledge about the procedure lines above the caret
     LineMarginBasis lineMargin;   // the values for which the margin was last measured
     LRESULT coloured = 0;         // everything before this position (bytes) is coloured
@@ -66,5 +69,12 @@ void StickyHeaderForget(HWND editor, int line, int linesAdded);
 void EditorPaneAfterNewLine(HWND editor);
 // Puts the BASIC keyword that ends at `position` (bytes) into capitals, unless it is in a string or a comment.
 void EditorPaneUpperKeywordBefore(HWND editor, LRESULT position);
-// Gives inline assembly in the visible text its own colour.
+// Gives inline assembly in the visible text its own colour. Called before every paint.
 void EditorPaneMarkInlineRegions(HWND editor);
+// Whether the line that starts at `position` (bytes) is inside a block of inline assembly, as far as is known: false
+// while the start of a far longer block is still being searched.
+bool EditorPaneInAssembly(HWND editor, LRESULT position);
+// Called after a change of the text on `line` (0-based).
+void EditorPaneForgetAssembly(HWND editor, LRESULT line);
+// The text of a part of the document.
+std::string EditorPaneTextBetween(HWND editor, LRESULT start, LRESULT end);

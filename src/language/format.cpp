@@ -4,10 +4,13 @@
 // they are. Pure.
 #include "language/format.h"
 
+#include "language/inline_regions.h"
 #include "language/lexer_table.h"
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
+#include <span>
 #include <vector>
 
 namespace {
@@ -205,19 +208,14 @@ LineScan ScanLine(std::string_view line, bool upperKeywords, bool first) {
 
 struct Nesting {
     std::vector<Block> open;
-    int base = 0;  // levels that are open before the text begins
 
-    int Depth() const { return base + static_cast<int>(open.size()); }
+    int Depth() const { return static_cast<int>(open.size()); }
 };
 
-// Closes the innermost block of a kind with all blocks inside it. A block that was opened before the text closes one
-// level.
+// Closes the innermost block of a kind with all blocks inside it.
 void CloseBlock(Nesting& nesting, Block block) {
     const auto found = std::find(nesting.open.rbegin(), nesting.open.rend(), block);
-    if (found != nesting.open.rend())
-        nesting.open.erase(std::next(found).base(), nesting.open.end());
-    else if (nesting.open.empty() && nesting.base > 0)
-        --nesting.base;
+    if (found != nesting.open.rend()) nesting.open.erase(std::next(found).base(), nesting.open.end());
 }
 
 // Closes all blocks but containers, because no procedure can be inside another: what is still open was left open by
@@ -323,10 +321,7 @@ int ApplyClosing(Nesting& nesting, const Effect& effect) {
         }
         case Kind::CaseLabel: {
             const auto found = std::find(nesting.open.rbegin(), nesting.open.rend(), Block::Select);
-            if (found != nesting.open.rend())
-                nesting.open.erase(found.base(), nesting.open.end());
-            else if (nesting.open.empty() && nesting.base > 0)
-                --nesting.base;
+            if (found != nesting.open.rend()) nesting.open.erase(found.base(), nesting.open.end());
             return nesting.Depth();
         }
     }
@@ -402,67 +397,84 @@ int ApplyDirective(const std::string& directive, Nesting& nesting, std::vector<N
     return depth;
 }
 
-// "! mov eax, 1" and "ASM mov eax, 1".
-bool IsAssemblyLine(std::string_view trimmed) {
-    if (trimmed.starts_with("!")) return true;
-    const bool word = trimmed.size() > 4 && UpperWord(trimmed.substr(0, 3)) == "ASM" && IsSourceBlank(trimmed[3]);
-    const std::string_view rest = word ? TrimLeft(trimmed.substr(3)) : std::string_view();
-    return !rest.empty() && rest.front() != '\'' && rest.front() != ':';
+bool IsInAssembly(const Nesting& nesting) { return !nesting.open.empty() && nesting.open.back() == Block::Asm; }
+
+bool IsAssembly(std::string_view line, const Nesting& nesting) {
+    return AssemblyOfLine(line, IsInAssembly(nesting)).kind == AssemblyKind::Instruction;
 }
 
-bool EndsAssembly(std::string_view trimmed) {
-    const std::string upper = UpperWord(trimmed.substr(0, 7));
-    return upper == "END ASM" || upper.starts_with("ENDASM");
+// A statement with the physical lines that it stands on, which are joined by " _".
+struct LogicalLine {
+    std::vector<LineScan> scans;  // one for each physical line
+    std::vector<Statement> statements;
+};
+
+LogicalLine ScanLogicalLine(std::span<const Line> lines, bool upperKeywords) {
+    LogicalLine out;
+    for (const Line& line : lines) {
+        out.scans.push_back(ScanLine(TrimLeft(line.text), upperKeywords, out.scans.empty()));
+        std::vector<Statement>& found = out.scans.back().statements;
+        if (out.statements.empty()) {
+            out.statements = std::move(found);
+        } else {
+            Statement& open = out.statements.back();
+            open.insert(open.end(), found.front().begin(), found.front().end());
+            out.statements.insert(out.statements.end(), found.begin() + 1, found.end());
+        }
+        if (!out.scans.back().continues) break;
+    }
+    return out;
+}
+
+// Takes the blocks of a logical line into account. Returns the depth of its first physical line.
+int ApplyLogicalLine(const LogicalLine& line, Nesting& nesting, std::vector<Nesting>& saved) {
+    const std::string& directive = line.scans.front().directive;
+    const int depth =
+        directive.empty() ? ApplyStatements(nesting, line.statements) : ApplyDirective(directive, nesting, saved);
+    return line.scans.front().labelOnly ? std::max(depth - 1, 0) : depth;
+}
+
+void AppendFormatted(std::string& out, const LineScan& scan, const Line& line, int depth,
+                     const FormatOptions& options) {
+    const std::string_view text = scan.openString ? std::string_view(scan.text) : TrimRight(scan.text);
+    if (!text.empty()) AppendIndent(out, depth, options);
+    out.append(text).append(line.end);
 }
 
 }  // namespace
 
-std::string FormatBasicSource(std::string_view text, const FormatOptions& options, int startDepth) {
+std::string FormatBasicSource(std::string_view text, const FormatOptions& options) {
+    return FormatBasicLines(text, options, 0, std::numeric_limits<int>::max());
+}
+
+std::string FormatBasicLines(std::string_view text, const FormatOptions& options, int first, int last) {
     std::string out;
-    out.reserve(text.size() + text.size() / 8);
     Nesting nesting;
-    nesting.base = std::max(startDepth, 0);
     std::vector<Nesting> saved;
     const std::vector<Line> lines = SourceLines(text);
+    const auto from = static_cast<std::size_t>(std::max(first, 0));
+    const std::size_t end = std::min(lines.size(), static_cast<std::size_t>(std::max(last, -1)) + 1);
+    if (from == 0) out.reserve(text.size() + text.size() / 8);
 
-    for (std::size_t i = 0; i < lines.size();) {
-        const std::string_view trimmed = TrimLeft(lines[i].text);
-        const bool inAssembly = !nesting.open.empty() && nesting.open.back() == Block::Asm;
-        if (IsAssemblyLine(trimmed) || (inAssembly && !EndsAssembly(trimmed))) {
-            out.append(lines[i].text).append(lines[i].end);
+    for (std::size_t i = 0; i < end;) {
+        if (IsAssembly(lines[i].text, nesting)) {
+            if (i >= from) out.append(lines[i].text).append(lines[i].end);
             ++i;
             continue;
         }
-
-        // The physical lines of one logical line.
-        std::vector<LineScan> scans;
-        std::vector<Statement> statements;
-        std::size_t last = i;
-        for (;; ++last) {
-            scans.push_back(ScanLine(TrimLeft(lines[last].text), options.upperKeywords, last == i));
-            std::vector<Statement>& found = scans.back().statements;
-            if (statements.empty()) {
-                statements = std::move(found);
-            } else {
-                Statement& open = statements.back();
-                open.insert(open.end(), found.front().begin(), found.front().end());
-                statements.insert(statements.end(), found.begin() + 1, found.end());
-            }
-            if (!scans.back().continues || last + 1 == lines.size()) break;
+        const LogicalLine logical = ScanLogicalLine(std::span(lines).subspan(i), options.upperKeywords);
+        const int depth = ApplyLogicalLine(logical, nesting, saved);
+        for (const LineScan& scan : logical.scans) {
+            if (i >= from && i < end)
+                AppendFormatted(out, scan, lines[i], &scan == &logical.scans.front() ? depth : depth + 1, options);
+            ++i;
         }
-
-        const std::string& directive = scans.front().directive;
-        int depth =
-            directive.empty() ? ApplyStatements(nesting, statements) : ApplyDirective(directive, nesting, saved);
-        if (scans.front().labelOnly) depth = std::max(depth - 1, 0);
-
-        for (std::size_t k = 0; k < scans.size(); ++k) {
-            const std::string_view line =
-                scans[k].openString ? std::string_view(scans[k].text) : TrimRight(scans[k].text);
-            if (!line.empty()) AppendIndent(out, k == 0 ? depth : depth + 1, options);
-            out.append(line).append(lines[i + k].end);
-        }
-        i = last + 1;
     }
     return out;
+}
+
+std::string KeywordsInCapitals(std::string_view line, bool inAssembly) {
+    if (AssemblyOfLine(line, inAssembly).kind == AssemblyKind::Instruction) return std::string(line);
+    const std::string_view trimmed = TrimLeft(line);
+    return std::string(line.substr(0, line.size() - trimmed.size())) + ScanLine(trimmed, true, true).text;
 }

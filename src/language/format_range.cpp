@@ -1,8 +1,6 @@
 // Which lines the formatter takes, and what it replaces in them. Pure.
 #include "language/format_range.h"
 
-#include <algorithm>
-
 namespace {
 
 std::vector<std::string_view> LinesWithBreaks(std::string_view text) {
@@ -25,10 +23,6 @@ std::string_view WithoutBreak(std::string_view line) { return line.substr(0, lin
 
 LineRange LinesOfSelection(int startLine, int endLine, bool endsAtLineStart) {
     return {startLine, endsAtLineStart && endLine > startLine ? endLine - 1 : endLine};
-}
-
-int FormatDepth(int firstLine, int indentation, int indentWidth) {
-    return firstLine > 0 ? indentation / std::max(1, indentWidth) : 0;
 }
 
 std::vector<TextReplacement> LineReplacements(std::string_view before, std::string_view after) {

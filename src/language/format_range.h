@@ -14,9 +14,6 @@ struct LineRange {
 // The whole lines of a selection. A selection that ends at the start of a line does not take that line.
 LineRange LinesOfSelection(int startLine, int endLine, bool endsAtLineStart);
 
-// The indentation level from which lines are formatted: that of the first of them, whose indentation is in columns.
-int FormatDepth(int firstLine, int indentation, int indentWidth);
-
 struct TextReplacement {
     std::size_t start = 0;  // in the text as the replacements before this one have left it
     std::size_t length = 0;

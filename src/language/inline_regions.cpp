@@ -1,4 +1,4 @@
-// Finds inline assembly line by line. Pure.
+// Finds inline assembly line by line, and the blocks that begin above. Pure.
 #include "language/inline_regions.h"
 
 #include <algorithm>
@@ -20,31 +20,85 @@ bool WordAt(std::string_view line, std::size_t at, std::string_view upper) {
         if ((c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c) != upper[i]) return false;
     }
     const std::size_t end = at + upper.size();
-    return end == line.size() || IsAsmBlank(line[end]) || line[end] == '\'';
+    return end == line.size() || IsAsmBlank(line[end]) || line[end] == '\'' || line[end] == ':';
+}
+
+struct AssemblyEdge {
+    std::size_t start;  // of its line
+    bool opens;
+};
+
+// The last line of the text that begins or ends a block. Whether a block is open there makes no difference, because a
+// lone ASM inside a block leaves it open, and an END ASM outside leaves nothing open.
+std::optional<AssemblyEdge> LastAssemblyEdge(std::string_view text) {
+    for (std::size_t end = text.size(); end > 0;) {
+        std::size_t start = end;
+        while (start > 0 && text[start - 1] != '\r' && text[start - 1] != '\n') --start;
+        const AssemblyKind kind = AssemblyOfLine(text.substr(start, end - start), false).kind;
+        if (kind == AssemblyKind::BlockStart || kind == AssemblyKind::BlockEnd)
+            return AssemblyEdge{start, kind == AssemblyKind::BlockStart};
+        end = start > 0 ? start - 1 : 0;
+    }
+    return std::nullopt;
+}
+
+// Searches one stretch and adds what is found. `start` is where it begins.
+void SearchStretch(AssemblyAbove& above, std::ptrdiff_t start, std::string_view text) {
+    const std::optional<AssemblyEdge> edge = LastAssemblyEdge(text);
+    above.from = start;
+    if (!edge) return;
+    above.edge = start + static_cast<std::ptrdiff_t>(edge->start);
+    above.opens = edge->opens;
 }
 
 }  // namespace
 
-std::vector<TextRange> InlineAssemblyRanges(std::string_view text) {
+AssemblyLine AssemblyOfLine(std::string_view line, bool inBlock) {
+    const std::size_t first = SkipAsmBlanks(line, 0);
+    if (WordAt(line, first, "ENDASM") ||
+        (WordAt(line, first, "END") && WordAt(line, SkipAsmBlanks(line, first + 3), "ASM")))
+        return {.kind = AssemblyKind::BlockEnd};
+    if (inBlock || (first < line.size() && line[first] == '!')) return {AssemblyKind::Instruction, first};
+    if (!WordAt(line, first, "ASM")) return {};
+    const std::size_t rest = SkipAsmBlanks(line, first + 3);
+    if (rest == line.size() || line[rest] == '\'' || line[rest] == ':') return {.kind = AssemblyKind::BlockStart};
+    return {AssemblyKind::Instruction, rest};
+}
+
+std::vector<TextRange> InlineAssemblyRanges(std::string_view text, bool inBlock) {
     std::vector<TextRange> ranges;
-    bool inBlock = false;
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t stop = std::min(text.find_first_of("\r\n", at), text.size());
-        const std::string_view line = text.substr(at, stop - at);
-        std::size_t first = SkipAsmBlanks(line, 0);
-        const bool endsBlock = WordAt(line, first, "END") && WordAt(line, SkipAsmBlanks(line, first + 3), "ASM");
-        bool assembly = inBlock && !endsBlock;
-        if (endsBlock) {
-            inBlock = false;
-        } else if (!inBlock && first < line.size() && line[first] == '!') {
-            assembly = true;
-        } else if (!inBlock && WordAt(line, first, "ASM")) {
-            first = SkipAsmBlanks(line, first + 3);
-            inBlock = first == line.size() || line[first] == '\'';
-            assembly = !inBlock;
-        }
-        if (assembly && first < line.size()) ranges.push_back({at + first, line.size() - first});
+        const AssemblyLine line = AssemblyOfLine(text.substr(at, stop - at), inBlock);
+        if (line.kind == AssemblyKind::BlockStart) inBlock = true;
+        if (line.kind == AssemblyKind::BlockEnd) inBlock = false;
+        if (line.kind == AssemblyKind::Instruction && at + line.text < stop)
+            ranges.push_back({at + line.text, stop - at - line.text});
         at = stop + 1;
     }
     return ranges;
+}
+
+std::optional<bool> AssemblySearch(AssemblyAbove& above, std::ptrdiff_t position, const AssemblySource& source,
+                                   int stretches) {
+    if (position > above.to && position - above.to <= kAssemblyStretch) {
+        AssemblyAbove nearer{.from = above.to, .to = position};
+        SearchStretch(nearer, above.to, source.text(above.to, position));
+        if (nearer.edge >= 0) above = nearer;
+        above.to = position;
+    } else if (position > above.to || position < above.from || position <= above.edge) {
+        above = {.from = position, .to = position};
+    }
+    for (; above.edge < 0 && above.from > 0; --stretches) {
+        if (stretches == 0) return std::nullopt;
+        const std::ptrdiff_t start = source.stretchBefore(above.from);
+        SearchStretch(above, start, source.text(start, above.from));
+    }
+    return above.edge >= 0 && above.opens;
+}
+
+void AssemblyForget(AssemblyAbove& above, std::ptrdiff_t lineStart) {
+    if (lineStart >= above.to) return;
+    above.to = lineStart;
+    if (above.edge >= lineStart || above.from > lineStart) above = {};
 }

@@ -71,7 +71,10 @@ constexpr std::string_view kBasicStatements =
     "method mod my new next not nothing object off on opt optional option or override persist preserve private "
     "property public randomize read redim register rem reset resume return select set shared static step stop sub "
     "swap then thread threaded to try catch finally type union until using wend while with xor asm end "
-    "print input line open close put seek write append output random binary kill name mkdir rmdir chdir cls color "
+    "enum threadsafe endif endselect endwhile endtry endwith endtype endunion endenum endmacro endclass endinterface "
+    "endsub "
+    "endfunction endmethod endproperty endfastproc endasm print input line open close put seek write append output "
+    "random binary kill name mkdir rmdir chdir cls color "
     "locate beep sleep delay shell";
 constexpr std::string_view kBasicTypes =
     "asciiz asciz bit bool boolean byte byt cur currency cux currencyx cwstr decimal double dwd dword ext extended "

@@ -131,9 +131,9 @@ b$ = LEFT$(c$, 1)
 '=== a whole program
 #COMPILE exe
 #INCLUDE "part.inc"
-enum colours
+ENUM colours
     red = 1
-END enum
+END ENUM
 TYPE pt
     x AS LONG
     TYPE SET a = b
@@ -150,16 +150,16 @@ STATIC PRIVATE SUB helper(BYVAL a AS LONG)
         .x = 1
         .end = 2
     END WITH
-endsub
+ENDSUB
 INLINE FASTPROC quick(a AS LONG)
 CALLBACK FUNCTION back() AS LONG
     IF a THEN
     ELSEIF b THEN
         10 PRINT "ten": IF c THEN EXIT FUNCTION
     ELSE
-    endif
+    ENDIF
 END FUNCTION
-threadsafe THREAD FUNCTION work(x AS DWORD) AS DWORD
+THREADSAFE THREAD FUNCTION work(x AS DWORD) AS DWORD
     #IFDEF debug
     WHILE x
     #ELSEIF other
@@ -171,7 +171,7 @@ threadsafe THREAD FUNCTION work(x AS DWORD) AS DWORD
     WEND
     ASM
   mov eax, 1
-    endasm
+    ENDASM
 END FUNCTION
 MACRO two(a) = a + a
 FUNCTION PBMAIN() AS LONG

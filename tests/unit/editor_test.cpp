@@ -126,9 +126,6 @@ TEST(PaneRules, MarksTheRunsOfAView) {
     EXPECT_EQ(MarkedRuns(ranges, 100, {102, 110})[0], (MarkedRun{{100, 105}, true})) << "begun above the view";
     EXPECT_EQ(MarkedRuns({}, 0, {3, 9}), (std::vector<MarkedRun>{{{3, 9}, false}}));
     EXPECT_EQ(BraceReach(5, 10), (PaneSpan{0, 10}));
-    EXPECT_EQ(KeywordInCapitals("print"), "PRINT");
-    EXPECT_EQ(KeywordInCapitals("PRINT"), std::nullopt);
-    EXPECT_EQ(KeywordInCapitals("printer"), std::nullopt);
 }
 
 TEST(StickyHeader, IsAPlainPrefixTest) {

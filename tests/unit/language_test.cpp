@@ -157,6 +157,73 @@ TEST(InlineAssembly, IsFoundLineByLineAndInBlocks) {
     for (const TextRange& range : InlineAssemblyRanges(text)) found.push_back(text.substr(range.start, range.length));
     EXPECT_EQ(found, (std::vector<std::string>{"! mov eax, 1", "push ebx", "pop ebx", "nop"}));
     EXPECT_TRUE(InlineAssemblyRanges("").empty());
+    EXPECT_EQ(InlineAssemblyRanges("nop\nENDASM\nnop", true).size(), 1U) << "a block from above";
+}
+
+// The start of a block may be far above; the answer is that of a reader of the whole text.
+TEST(InlineAssembly, IsKnownWithoutReadingFromTheTop) {
+    std::string text;
+    for (int i = 0; text.size() < 3 * kAssemblyStretch; ++i)
+        text += i % 9000 == 5 ? "ASM\n" : i % 9000 == 8900 ? " end asm ' x\n" : i == 100 ? "end asm\nasm\n" : "x = 1\n";
+    std::ptrdiff_t read = 0;
+    const AssemblySource source = {
+        .text =
+            [&](std::ptrdiff_t start, std::ptrdiff_t end) {
+                read += end - start;
+                return text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start));
+            },
+        .stretchBefore =
+            [&](std::ptrdiff_t end) {
+                const auto from = static_cast<std::size_t>(std::max<std::ptrdiff_t>(end - kAssemblyStretch, 0));
+                return static_cast<std::ptrdiff_t>(from == 0 ? 0 : text.rfind('\n', from) + 1);
+            }};
+    std::vector<std::ptrdiff_t> starts = {0};
+    std::vector<bool> inside = {false};
+    for (std::size_t at = 0; (at = text.find('\n', at)) != std::string::npos; ++at) {
+        const AssemblyKind kind = AssemblyOfLine(std::string_view(text)
+                                                     .substr(static_cast<std::size_t>(starts.back()), 12)
+                                                     .substr(0, at - static_cast<std::size_t>(starts.back())),
+                                                 inside.back())
+                                      .kind;
+        starts.push_back(static_cast<std::ptrdiff_t>(at) + 1);
+        inside.push_back(kind == AssemblyKind::BlockStart || kind == AssemblyKind::Instruction);
+    }
+    AssemblyAbove above;
+    unsigned state = 1;
+    std::size_t line = 0;
+    for (int i = 0; i < 400; ++i) {
+        state = state * 1664525u + 1013904223u;
+        line = i % 4 == 0 ? (state >> 8) % starts.size() : std::min(line + i % 3 * 40 - 40, starts.size() - 1);
+        if (i % 7 == 0) AssemblyForget(above, starts[(state >> 4) % starts.size()]);
+        ASSERT_EQ(AssemblySearch(above, starts[line], source, 100), inside[line]) << i << ": line " << line;
+    }
+    read = 0;
+    EXPECT_TRUE(AssemblySearch(above, starts[line], source, 0).has_value());
+    EXPECT_EQ(read, 0) << "the same place again";
+    above = {};
+    const std::string plain(static_cast<std::size_t>(4 * kAssemblyStretch), '\n');
+    text = plain;
+    EXPECT_EQ(AssemblySearch(above, 4 * kAssemblyStretch, source, 2), std::nullopt) << "not all at once";
+    EXPECT_EQ(AssemblySearch(above, 4 * kAssemblyStretch, source, 3), false);
+}
+
+// As they are typed: what the formatter leaves alone stays.
+TEST(Format, CapitalsOfOneLine) {
+    const struct {
+        const char *line, *out;
+        bool inAssembly = false;
+    } cases[] = {
+        {"  if a and b", "  IF a AND b"},
+        {"! and eax, not", "! and eax, not"},
+        {"asm and eax, 1", "asm and eax, 1"},
+        {" and eax, 1", " and eax, 1", true},
+        {"end asm ' and", "END ASM ' and", true},
+        {"x = %name + $end", "x = %name + $end"},
+        {"a.type = \"if", "a.type = \"if"},
+        {"data if, and", "DATA if, and"},
+        {"threadsafe sub a: endsub", "THREADSAFE SUB a: ENDSUB"},
+    };
+    for (const auto& test : cases) EXPECT_EQ(KeywordsInCapitals(test.line, test.inAssembly), test.out) << test.line;
 }
 
 // The cases that a text file cannot hold; the others are in tests/golden/format_before.bas.
@@ -197,9 +264,34 @@ TEST(Format, HonoursItsOptions) {
     EXPECT_EQ(FormatBasicSource(source, {.useTabs = true, .upperKeywords = false}),
               "do\n\tfor i = 1 to 2\n\t\tx\n\tnext\nloop");
     EXPECT_EQ(FormatBasicSource(source, {.indentWidth = 2}), "DO\n  FOR i = 1 TO 2\n    x\n  NEXT\nLOOP");
-    // A selection inside a block closes what was opened before it.
-    EXPECT_EQ(FormatBasicSource("x\nend if\ny", {}, 2), "        x\n    END IF\n    y");
-    EXPECT_EQ(FormatBasicSource("x\nelse\ny", {}, 1), "    x\nELSE\n    y");
+}
+
+// The lines of a text with their breaks.
+std::vector<std::string> WholeLines(const std::string& text) {
+    std::vector<std::string> lines(1);
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        lines.back() += text[i];
+        if (text[i] == '\n' || (text[i] == '\r' && text[i + 1] != '\n')) lines.emplace_back();
+    }
+    if (lines.back().empty()) lines.pop_back();
+    return lines;
+}
+
+void ExpectSelectionsLikeTheWhole(const std::string& text) {
+    const std::vector<std::string> lines = WholeLines(FormatBasicSource(text, {}));
+    for (std::size_t first = 0; first < lines.size(); ++first) {
+        std::string expected;
+        for (std::size_t last = first; last < std::min(lines.size(), first + 4); ++last) {
+            expected += lines[last];
+            ASSERT_EQ(FormatBasicLines(text, {}, static_cast<int>(first), static_cast<int>(last)), expected) << text;
+        }
+    }
+}
+
+TEST(Format, ASelectionGetsWhatItHasInTheWhole) {
+    ExpectSelectionsLikeTheWhole(GoldenText("format_after.bas"));
+    EXPECT_EQ(FormatBasicLines("asm\n  x\n  if a then\nend asm\n", {}, 1, 2), "  x\n  if a then\n");
+    EXPECT_EQ(FormatBasicLines("select case a\ncase 1\ncase 2\nx\n", {}, 2, 2), "    CASE 2\n");
 }
 
 // What formatting must not change: everything but blanks and the case of letters.
@@ -226,10 +318,10 @@ TEST(Format, NeverChangesMoreThanBlanksAndCase) {
     for (int round = 0; round < 3000; ++round) {
         std::string text;
         for (unsigned i = 0, n = next() % 40; i < n; ++i) text += pieces[next() % std::size(pieces)];
-        const std::string once = FormatBasicSource(text, {}, static_cast<int>(next() % 3));
+        const std::string once = FormatBasicSource(text, {});
         ASSERT_EQ(Essence(once), Essence(text)) << "round " << round << ":\n" << text;
-        const std::string settled = FormatBasicSource(text, {});
-        ASSERT_EQ(FormatBasicSource(settled, {}), settled) << "round " << round << ": a second time\n" << text;
+        ASSERT_EQ(FormatBasicSource(once, {}), once) << "round " << round << ": a second time\n" << text;
+        if (round % 10 == 0 && text.find('\r') == std::string::npos) ExpectSelectionsLikeTheWhole(text);
     }
 }
 
@@ -257,13 +349,10 @@ TEST(FormatRange, ReplacesOnlyTheLinesThatDiffer) {
         << "the break stays, and with it the marks of the line";
 }
 
-TEST(FormatRange, TakesWholeLinesAtTheirDepth) {
+TEST(FormatRange, TakesWholeLines) {
     EXPECT_EQ(LinesOfSelection(2, 5, false), (LineRange{2, 5}));
     EXPECT_EQ(LinesOfSelection(2, 5, true), (LineRange{2, 4}));
     EXPECT_EQ(LinesOfSelection(2, 2, true), (LineRange{2, 2})) << "an empty selection at a line's start is that line";
-    EXPECT_EQ(FormatDepth(0, 8, 4), 0) << "the first line of a text is in no block";
-    EXPECT_EQ(FormatDepth(3, 9, 4), 2);
-    EXPECT_EQ(FormatDepth(3, 2, 0), 2);
 }
 
 }  // namespace
