@@ -3,6 +3,7 @@
 #pragma once
 
 #include "debugui/pane_memory.h"
+#include "ui/wheel.h"
 
 #include <windows.h>
 
@@ -20,6 +21,7 @@ struct MemoryView : MemoryPlace {
     std::vector<MemoryByte> bytes;  // from `top` on
     std::uint64_t beforeTop = 0;    // `top` and `bytes` of the previous stop
     std::vector<MemoryByte> before;
+    WheelRest wheel;
 };
 extern MemoryView g_memory;
 

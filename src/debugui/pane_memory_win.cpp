@@ -153,7 +153,9 @@ void OnMemoryClick(POINT at) {
 }
 
 void OnMemoryWheel(int delta) {
-    MemoryScroll(-3 * delta / WHEEL_DELTA);
+    const int rows = WheelNotches(g_memory.wheel, 3 * delta);
+    if (rows == 0) return;
+    MemoryScroll(-rows);
     RepaintMemory();
 }
 

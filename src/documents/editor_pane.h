@@ -35,7 +35,9 @@ void EditorPaneAppendLoad(HWND editor, std::string_view utf8);
 void EditorPaneEndLoad(HWND editor);
 
 // Sets the caret's style and a colour that can be seen on the background, moves the caret into the view and scrolls to
-// it. When the window has the keyboard focus, Scintilla is told so (SCI_SETFOCUS).
+// it. With a selection nothing moves, because the selection would be lost; nor while a mouse button goes down on the
+// pane, because the click is meant for what the view shows. When the window has the keyboard focus, Scintilla is told
+// so (SCI_SETFOCUS).
 void EditorPaneEnsureCaretVisible(HWND editor);
 
 // Switch the edge line, the change margin or the virtual space of the pane on or off.

@@ -38,6 +38,11 @@ void ApplyPaneSettings(HWND editor, const PaneSettings& settings) {
             SciSend(editor, setting.set, static_cast<WPARAM>(setting.value));
 }
 
+bool CaretMayMove(HWND editor) {
+    const PaneState* state = PaneStateOf(editor);
+    return (state == nullptr || !state->pressing) && SciSend(editor, SCI_GETSELECTIONEMPTY) != 0;
+}
+
 }  // namespace
 
 void EditorPaneSetUp(HWND editor) {
@@ -107,8 +112,10 @@ void EditorPaneEnsureCaretVisible(HWND editor) {
     if (editor == nullptr || !IsWindow(editor)) return;
     const LRESULT back = SciSend(editor, SCI_STYLEGETBACK, STYLE_DEFAULT, 0);
     ApplyPaneSettings(editor, CaretSettings(CaretColourOn(static_cast<std::uint32_t>(back))));
-    SciSend(editor, kMoveCaretMessage, 0, 0);
-    SciSend(editor, SCI_SCROLLCARET, 0, 0);
+    if (CaretMayMove(editor)) {
+        SciSend(editor, kMoveCaretMessage, 0, 0);
+        SciSend(editor, SCI_SCROLLCARET, 0, 0);
+    }
     const HWND focus = GetFocus();
     if (focus == editor) SciSend(editor, SCI_SETFOCUS, TRUE, 0);
 

@@ -11,6 +11,7 @@
 #include <commctrl.h>
 #include <windowsx.h>
 
+#include <cstdlib>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -94,10 +95,34 @@ LRESULT PaintPane(HWND pane, WPARAM wParam, LPARAM lParam) {
     return result;
 }
 
+// WM_MOUSEACTIVATE comes before the focus does, and the message of the button after it.
+LRESULT OnPaneMouseActivate(HWND pane, WPARAM wParam, LPARAM lParam) {
+    LogPaneMouse(pane, WM_MOUSEACTIVATE, wParam, lParam);
+    if (PaneState* state = PaneStateOf(pane); state != nullptr) state->pressing = LOWORD(lParam) == HTCLIENT;
+    return DefSubclassProc(pane, WM_MOUSEACTIVATE, wParam, lParam);
+}
+
+// A press that never came, of a button that Scintilla does not know.
+void OnPaneKillFocus(HWND pane) {
+    if (PaneState* state = PaneStateOf(pane); state != nullptr) state->pressing = false;
+}
+
+LRESULT OnPaneButtonDown(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
+    LogPaneMouse(pane, message, wParam, lParam);
+    if (PaneState* state = PaneStateOf(pane); state != nullptr) state->pressing = true;
+    if (message == WM_LBUTTONDOWN) TakeFocus(pane);
+    const LRESULT result = DefSubclassProc(pane, message, wParam, lParam);
+    if (PaneState* state = PaneStateOf(pane); state != nullptr) state->pressing = false;
+    return result;
+}
+
 // Posts the zoom command instead of zooming this pane alone, because all editors share one zoom setting.
-LRESULT OnPaneZoomWheel(WPARAM wParam) {
-    const WORD command = GET_WHEEL_DELTA_WPARAM(wParam) > 0 ? IDM_VIEW_ZOOM_IN : IDM_VIEW_ZOOM_OUT;
-    PostMessageW(g_ui.hMainWnd, WM_COMMAND, command, 0);
+LRESULT OnPaneZoomWheel(HWND pane, WPARAM wParam) {
+    PaneState* state = PaneStateOf(pane);
+    if (state == nullptr) return 0;
+    const int notches = WheelNotches(state->zoomWheel, GET_WHEEL_DELTA_WPARAM(wParam));
+    const WORD command = notches > 0 ? IDM_VIEW_ZOOM_IN : IDM_VIEW_ZOOM_OUT;
+    for (int i = 0; i < std::abs(notches); ++i) PostMessageW(g_ui.hMainWnd, WM_COMMAND, command, 0);
     return 0;
 }
 
@@ -145,12 +170,13 @@ LRESULT CALLBACK EditorPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
                 AppLogMsg(L"DBG SCIMOUSE: sci=%p msg=WM_SETCURSOR forced IDC_IBEAM focus=%p", pane, GetFocus());
             return 1;
         case WM_SETFOCUS: TakeFocus(pane); break;
+        case WM_KILLFOCUS: OnPaneKillFocus(pane); break;
+        case WM_MOUSEACTIVATE: return OnPaneMouseActivate(pane, wParam, lParam);
         case WM_LBUTTONDOWN:
-            LogPaneMouse(pane, message, wParam, lParam);
-            TakeFocus(pane);
-            break;
+        case WM_RBUTTONDOWN:
+        case WM_MBUTTONDOWN: return OnPaneButtonDown(pane, message, wParam, lParam);
         case WM_MOUSEWHEEL:
-            if (GET_KEYSTATE_WPARAM(wParam) & MK_CONTROL) return OnPaneZoomWheel(wParam);
+            if (GET_KEYSTATE_WPARAM(wParam) & MK_CONTROL) return OnPaneZoomWheel(pane, wParam);
             break;
         case WM_DESTROY: return OnPaneDestroy(pane, message, wParam, lParam);
         default: LogPaneMouse(pane, message, wParam, lParam); break;

@@ -4,6 +4,7 @@
 #include "documents/sticky_header.h"
 #include "language/inline_regions.h"
 #include "scintilla/sci.h"
+#include "ui/wheel.h"
 
 #include <windows.h>
 
@@ -21,6 +22,8 @@ struct LineMarginBasis {
 
 struct PaneState {
     bool emptyPaint = false;      // a paint of an empty area runs, which needs no preparation
+    bool pressing = false;        // a mouse button that goes down on the pane is being handled
+    WheelRest zoomWheel;          // movements with Ctrl that do not make a notch yet
     bool bracesShown = false;     // a bracket and its partner are marked
     bool inlineShown = false;     // some text is marked as inline assembly
     AssemblyAbove assembly;       // knowledge about blocks of inline assembly above the view

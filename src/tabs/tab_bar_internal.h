@@ -3,6 +3,7 @@
 
 #include "tabs/tab_bar_layout.h"
 #include "tabs/tab_pointer.h"
+#include "ui/wheel.h"
 
 #include <windows.h>
 
@@ -12,6 +13,7 @@ struct TabBarState {
     TabPointer pointer;
     bool tracking = false;  // TrackMouseEvent was called and WM_MOUSELEAVE has not come yet
     HWND tooltip = nullptr;
+    WheelRest wheel;
 };
 extern TabBarState g_tabBar;
 

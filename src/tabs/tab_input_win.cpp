@@ -13,6 +13,8 @@
 #include <commctrl.h>
 #include <windowsx.h>
 
+#include <algorithm>
+
 TabBarState g_tabBar;
 
 namespace {
@@ -94,10 +96,10 @@ void OnTabReleased(HWND strip, POINT at) {
 }
 
 void OnTabWheel(WPARAM wParam) {
-    if (TabCount() < 2) return;
-    const int step = GET_WHEEL_DELTA_WPARAM(wParam) > 0 ? -1 : 1;
-    const int target = g_documents.activeTab + step;
-    if (IsTabIndex(target)) TabBarActivate(target);
+    const int notches = WheelNotches(g_tabBar.wheel, GET_WHEEL_DELTA_WPARAM(wParam));
+    if (TabCount() < 2 || notches == 0) return;
+    const int target = std::clamp(g_documents.activeTab - notches, 0, TabCount() - 1);
+    if (target != g_documents.activeTab) TabBarActivate(target);
 }
 
 void PaintStrip(HWND strip) {

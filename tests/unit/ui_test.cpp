@@ -4,6 +4,7 @@
 #include "ui/block_size.h"
 #include "ui/fit.h"
 #include "ui/scale.h"
+#include "ui/wheel.h"
 
 #include <gtest/gtest.h>
 
@@ -18,6 +19,17 @@ TEST(Columns, ShrinkInProportion) {
         {350, {100, 50, 200}}, {500, {100, 50, 350}}, {270, {80, 50, 140}}, {190, {60, 50, 80}}, {20, {60, 50, 80}}};
     for (const auto& each : cases) EXPECT_EQ(FitColumns(columns, each.room), each.widths) << each.room;
     EXPECT_TRUE(FitColumns({}, 100).empty());
+}
+
+TEST(Wheel, SmallMovementsAddUpToNotches) {
+    WheelRest rest;
+    int notches = 0;
+    for (int i = 0; i < 25; ++i) notches += WheelNotches(rest, 10);
+    EXPECT_EQ(notches, 2);
+    EXPECT_EQ(WheelNotches(rest, -110), 0) << "turned round: the rest of the other direction does not count";
+    EXPECT_EQ(WheelNotches(rest, -10), -1);
+    EXPECT_EQ(WheelNotches(rest, 300), 2) << "a fast wheel";
+    EXPECT_EQ(WheelNotches(rest, 60), 1);
 }
 
 TEST(Tabs, TheSelectedOneIsAmongThoseThatFit) {

@@ -282,6 +282,61 @@ TEST(View, KeysReachEditorAndCommands) {
     EXPECT_TRUE(WaitFor([&] { return editor.Sci(SCI_GETZOOM) == 0; }));
 }
 
+TEST(View, AClickMeansWhatTheViewShows) {
+    ProgramFolder folder;
+    std::string text;
+    for (int i = 0; i < 300; ++i) text += "' " + std::string(300, 'a') + "\r\n";
+    const std::wstring path = folder.Write(L"a.bas", text);
+    Editor editor(folder, OpenArgument(path));
+    editor.Foreground();
+    const auto leave = [&] { editor.Click(editor.Child(IDC_OUTPUT), {30, 30}); };
+    const auto expectPlace = [&](const char* name, LRESULT line, LRESULT offset, LRESULT anchor, LRESULT caret) {
+        EXPECT_TRUE(WaitFor([&] { return editor.Sci(SCI_GETCURRENTPOS) == caret; }))
+            << name << ": " << editor.Sci(SCI_GETCURRENTPOS) << " instead of " << caret;
+        EXPECT_EQ(editor.Sci(SCI_GETANCHOR), anchor) << name;
+        EXPECT_EQ(editor.Sci(SCI_GETFIRSTVISIBLELINE), line) << name;
+        EXPECT_EQ(editor.Sci(SCI_GETXOFFSET), offset) << name;
+    };
+    const POINT at = {300, 100};
+    for (const bool elsewhere : {false, true}) {
+        if (elsewhere) leave();
+        editor.Sci(SCI_SETFIRSTVISIBLELINE, 100);
+        editor.Sci(SCI_SETXOFFSET, 600);
+        const LRESULT clicked = editor.Sci(SCI_POSITIONFROMPOINT, at.x, at.y);
+        editor.Click(editor.Sci(), at);
+        expectPlace(elsewhere ? "from another pane" : "a click", 100, 600, clicked, clicked);
+        editor.Sci(SCI_SETFIRSTVISIBLELINE, 150);
+        const POINT below = {at.x + 60, at.y + 60};  // at the same place it would be a double click
+        const LRESULT further = editor.Sci(SCI_POSITIONFROMPOINT, below.x, below.y);
+        editor.Send(editor.Sci(), WM_LBUTTONDOWN, MK_LBUTTON | MK_SHIFT, MAKELPARAM(below.x, below.y));
+        editor.Send(editor.Sci(), WM_LBUTTONUP, MK_SHIFT, MAKELPARAM(below.x, below.y));
+        expectPlace("a click with Shift, after scrolling", 150, 600, clicked, further);
+        editor.Sci(SCI_SETEMPTYSELECTION, static_cast<WPARAM>(clicked));
+    }
+    editor.Do(IDM_EDIT_SELECT_ALL);
+    editor.Sci(SCI_SETFIRSTVISIBLELINE, 10);
+    leave();
+    EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Child(IDC_OUTPUT); }));
+    editor.Send(editor.main, WM_SETFOCUS);
+    EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
+    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONEND) - editor.Sci(SCI_GETSELECTIONSTART), static_cast<LRESULT>(text.size()));
+    EXPECT_EQ(editor.Sci(SCI_GETFIRSTVISIBLELINE), 10);
+
+    // A fine wheel makes one step of many messages.
+    editor.Do(IDM_FILE_NEW);
+    const auto turn = [&](HWND window, int keys, int times) {
+        for (int i = 0; i < times; ++i) editor.Send(window, WM_MOUSEWHEEL, MAKEWPARAM(keys, 10));
+    };
+    turn(editor.Sci(), MK_CONTROL, 18);
+    EXPECT_TRUE(WaitFor([&] { return editor.Sci(SCI_GETZOOM) > 0; }));
+    EXPECT_EQ(editor.Sci(SCI_GETZOOM), 1);
+    const HWND strip = editor.Child(IDC_TABS);
+    turn(strip, 0, 11);
+    EXPECT_EQ(editor.ActiveTab(), 1);
+    turn(strip, 0, 1);
+    EXPECT_EQ(editor.ActiveTab(), 0);
+}
+
 TEST(View, StickyHeaderAndNavigationHistory) {
     ProgramFolder folder;
     std::string text = "TYPEOF x\n  SUB Indented\nSUB First(BYVAL a AS LONG)\n  a = 1\nEND SUB\nfunction lower\n";
