@@ -7,6 +7,7 @@
 #include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
 #include "debugui/breakpoint_rules.h"
+#include "documents/caret_place.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "documents/margins.h"
@@ -98,7 +99,7 @@ bool DebugShowFile(const std::wstring& path) { return ShowSourceFile(path, false
 
 void DebugScrollToLine(HWND editor, int line) {
     const auto index = static_cast<WPARAM>(std::min(line, LineCountOf(editor)) - 1);
-    if (SciSend(editor, SCI_GETLINEVISIBLE, index) == 0) SciSend(editor, SCI_ENSUREVISIBLE, index);
+    CaretUncoverLine(editor, static_cast<LRESULT>(index));
     const auto ask = [&](UINT message, WPARAM argument = 0) {
         return static_cast<int>(SciSend(editor, message, argument));
     };

@@ -6,6 +6,7 @@
 #include "base/handles.h"
 #include "base/log.h"
 #include "base/path.h"
+#include "documents/caret_place.h"
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
 #include "documents/file_dialogs.h"
@@ -40,19 +41,23 @@ void SelectCompilerFor(const wchar_t* path) {
     SettingsChange([compiler](Settings& settings) { settings.activeCompiler = compiler; });
 }
 
-// Caret (byte position) and first visible line of an editor, kept while its text is replaced.
+// Caret and first visible line of an editor, kept while its text is replaced. The caret's place is a line and a column
+// on the screen, because a byte position means another place once the text above it has changed.
 struct ViewPosition {
-    LRESULT caret;
+    LRESULT line;
+    LRESULT column;
     LRESULT firstLine;
 };
 
 ViewPosition CaptureView(HWND editor) {
-    return {SciSend(editor, SCI_GETCURRENTPOS), SciSend(editor, SCI_GETFIRSTVISIBLELINE)};
+    const auto caret = static_cast<WPARAM>(SciSend(editor, SCI_GETCURRENTPOS));
+    return {SciSend(editor, SCI_LINEFROMPOSITION, caret), SciSend(editor, SCI_GETCOLUMN, caret),
+            SciSend(editor, SCI_GETFIRSTVISIBLELINE)};
 }
 
 void RestoreView(HWND editor, const ViewPosition& view) {
-    const LRESULT length = SciSend(editor, SCI_GETLENGTH);
-    SciSend(editor, SCI_GOTOPOS, static_cast<WPARAM>(std::min(view.caret, length)));
+    const auto line = static_cast<WPARAM>(std::min(view.line, SciSend(editor, SCI_GETLINECOUNT) - 1));
+    CaretGoTo(editor, SciSend(editor, SCI_FINDCOLUMN, line, view.column));
     SciSend(editor, SCI_SETFIRSTVISIBLELINE, static_cast<WPARAM>(view.firstLine));
 }
 

@@ -13,8 +13,3 @@ int GotoNumber(std::wstring_view field) {
 std::ptrdiff_t GotoLineIndex(int line, std::ptrdiff_t lineCount) {
     return line < 1 ? -1 : std::min<std::ptrdiff_t>(line, lineCount) - 1;
 }
-
-std::ptrdiff_t GotoLinePosition(std::ptrdiff_t lineStart, std::ptrdiff_t lineEnd, std::ptrdiff_t column) {
-    const std::ptrdiff_t room = std::max<std::ptrdiff_t>(lineEnd - lineStart, 0);
-    return lineStart + std::clamp<std::ptrdiff_t>(column, 0, room);
-}

@@ -10,6 +10,3 @@ int GotoNumber(std::wstring_view field);
 // The 0-based line for `line`, which counts from 1. The last line when `line` is above `lineCount`; -1 when it is below
 // 1.
 std::ptrdiff_t GotoLineIndex(int line, std::ptrdiff_t lineCount);
-
-// The byte position of a column of the line. `column` is in bytes from 0; one outside the line gives its nearest end.
-std::ptrdiff_t GotoLinePosition(std::ptrdiff_t lineStart, std::ptrdiff_t lineEnd, std::ptrdiff_t column);

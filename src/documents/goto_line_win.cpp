@@ -3,6 +3,7 @@
 
 #include "base/log.h"
 #include "base/wide_format.h"
+#include "documents/caret_place.h"
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
 #include "documents/goto_line.h"
@@ -16,8 +17,9 @@ namespace {
 
 struct GotoTarget {
     DocumentId document = 0;  // the active one when the dialog was opened
+    LRESULT shownColumn = 0;  // what the column field was filled with
     int line = 0;             // counts from 1
-    int column = 0;           // bytes, counts from 0
+    int column = 0;           // counts from 0
 };
 
 constexpr int kNumberCapacity = 32;  // characters read from a field
@@ -36,12 +38,13 @@ int ReadGotoNumber(HWND dialog, int control) {
 }
 
 // Fills the fields with the caret's place. The line counts from 1 and the column from 0.
-void FillGotoDialog(HWND dialog) {
+void FillGotoDialog(HWND dialog, GotoTarget& target) {
     const LRESULT caret = SciSend(g_documents.hEditor, SCI_GETCURRENTPOS);
     SetGotoNumber(dialog, IDC_GOTO_LINE,
                   SciSend(g_documents.hEditor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(caret)) + 1);
     SetGotoNumber(dialog, IDC_GOTO_LINE_COUNT, SciSend(g_documents.hEditor, SCI_GETLINECOUNT));
-    SetGotoNumber(dialog, IDC_GOTO_COLUMN, SciSend(g_documents.hEditor, SCI_GETCOLUMN, static_cast<WPARAM>(caret)));
+    target.shownColumn = SciSend(g_documents.hEditor, SCI_GETCOLUMN, static_cast<WPARAM>(caret));
+    SetGotoNumber(dialog, IDC_GOTO_COLUMN, target.shownColumn);
     wchar_t procedure[kProcedureCapacity];
     EditorPaneProcedureLine(g_documents.hEditor, procedure, kProcedureCapacity);
     SetDlgItemTextW(dialog, IDC_GOTO_PROCEDURE, procedure);
@@ -50,15 +53,21 @@ void FillGotoDialog(HWND dialog) {
     SetFocus(line);
 }
 
+// The field shows the caret's column on the screen, where a tab is several columns wide. Left as it was filled, it means
+// that column of the line. A number that was typed counts the bytes of the line in its file, as compilers do.
+LRESULT PositionOfTarget(const GotoTarget& target, const DocumentTab& document, LRESULT line) {
+    if (target.column == target.shownColumn)
+        return SciSend(document.editor, SCI_FINDCOLUMN, static_cast<WPARAM>(line), target.column);
+    return CaretPositionOfFileColumn(document, line, target.column);
+}
+
 void GoToTarget(const GotoTarget& target) {
     const int tab = TabBarFindDocument(target.document);  // messages were handled while the dialog was open
     if (tab < 0) return;
-    const HWND editor = TabAt(tab).editor;
-    const std::ptrdiff_t line = GotoLineIndex(target.line, SciSend(editor, SCI_GETLINECOUNT));
+    const DocumentTab& document = TabAt(tab);
+    const std::ptrdiff_t line = GotoLineIndex(target.line, SciSend(document.editor, SCI_GETLINECOUNT));
     if (line < 0) return;
-    const LRESULT start = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line));
-    const LRESULT end = SciSend(editor, SCI_GETLINEENDPOSITION, static_cast<WPARAM>(line));
-    SciSend(editor, SCI_GOTOPOS, static_cast<WPARAM>(GotoLinePosition(start, end, target.column)));
+    CaretGoTo(document.editor, PositionOfTarget(target, document, line));
     FocusCurrentEditor();
 }
 
@@ -75,7 +84,7 @@ INT_PTR CALLBACK GotoLineDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARA
     switch (message) {
         case WM_INITDIALOG:
             SetWindowLongPtrW(dialog, DWLP_USER, lParam);
-            FillGotoDialog(dialog);
+            FillGotoDialog(dialog, *reinterpret_cast<GotoTarget*>(lParam));
             return FALSE;  // the focus is set already
         case WM_COMMAND:
             if (LOWORD(wParam) == IDOK)

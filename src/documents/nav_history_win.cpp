@@ -1,6 +1,7 @@
 // The navigation history applied to the open documents. UI thread.
 #include "documents/nav_history.h"
 
+#include "documents/caret_place.h"
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
 #include "scintilla/sci.h"
@@ -15,14 +16,14 @@ void NavHistoryGoToCurrent() {
     if (!IsTabIndex(tab)) return;
     const HWND editor = TabAt(tab).editor;
     // The place counts as recorded, because recording it again would drop the places ahead.
-    const WPARAM target = static_cast<WPARAM>(position);
+    const LRESULT target = CaretPositionAt(editor, position);
     history.navLastTab = tab;
-    history.navLastLine = static_cast<std::int32_t>(SciSend(editor, SCI_LINEFROMPOSITION, target, 0));
+    history.navLastLine = static_cast<std::int32_t>(SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(target)));
     // The caret moves before the editor is shown, so that the editor comes up at the place. It moves again afterwards,
     // because only a visible editor scrolls to the caret.
-    SciSend(editor, SCI_GOTOPOS, target, 0);
+    CaretGoTo(editor, target);
     TabBarActivate(tab);
-    SciSend(editor, SCI_GOTOPOS, target, 0);
+    CaretGoTo(editor, target);
 }
 
 }  // namespace

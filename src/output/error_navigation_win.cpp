@@ -1,6 +1,7 @@
 // Goes from a diagnostic to its place in the source. UI thread only.
 #include "output/output_pane.h"
 
+#include "documents/caret_place.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "files/file_io.h"
@@ -8,7 +9,6 @@
 #include "output/error_places.h"
 #include "output/kept_lines.h"
 #include "output/output_state.h"
-#include "scintilla/sci.h"
 
 #include <commctrl.h>
 #include <commdlg.h>
@@ -39,13 +39,8 @@ bool ShowFileOfError(const CompilerError& error) {
 
 void GoToDiagnostic(const CompilerError& error) {
     if (!ShowFileOfError(error)) return;
-    HWND editor = g_documents.hEditor;
-    const int line = error.line > 0 ? error.line - 1 : 0;
-    SciSend(editor, SCI_GOTOLINE, static_cast<WPARAM>(line));
-    if (error.column >= 1) {
-        const LRESULT start = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line));
-        if (start >= 0) SciSend(editor, SCI_GOTOPOS, static_cast<WPARAM>(start + error.column - 1));
-    }
+    const DocumentTab& document = TabAt(g_documents.activeTab);
+    CaretGoTo(document.editor, CaretPositionOfFileColumn(document, LRESULT{error.line} - 1, LRESULT{error.column} - 1));
     FocusCurrentEditor();
 }
 

@@ -1,6 +1,7 @@
 // Finds and replaces in one editor with Scintilla's search. The rules are in find_engine. UI thread.
 #include "search/find_editor.h"
 
+#include "documents/caret_place.h"
 #include "scintilla/sci.h"
 
 namespace {
@@ -23,7 +24,10 @@ std::optional<FindSpan> SearchEditor(HWND editor, const FindOptions& options, co
     SciSend(editor, SCI_SETTARGETRANGE, static_cast<WPARAM>(range.start), range.end);
     const LRESULT found = SciSend(editor, SCI_SEARCHINTARGET, pattern.size(), reinterpret_cast<LPARAM>(pattern.data()));
     if (found < 0) return {};
-    return FindSpan{found, SciSend(editor, SCI_GETTARGETEND)};
+    // An expression matches single bytes, so a match may begin inside a character. Scintilla mends only its end.
+    const LRESULT start = CaretPositionAt(editor, found);
+    const LRESULT end = SciSend(editor, SCI_GETTARGETEND);
+    return FindSpan{start, end == found ? start : end};
 }
 
 std::string FoundGroup(HWND editor, int group) {
@@ -72,7 +76,7 @@ bool ReplaceSelection(HWND editor, const FindQuery& query, std::string_view repl
     const std::optional<Replacement> found = ReplacementForSelection(FindTextOf(editor), query, replacement, scope);
     if (!found) return false;
     ReplaceSpan(editor, found->span, found->text);
-    SciSend(editor, SCI_GOTOPOS, static_cast<WPARAM>(found->span.start) + found->text.size());
+    CaretGoTo(editor, found->span.start + static_cast<LRESULT>(found->text.size()));
     return true;
 }
 

@@ -1,9 +1,11 @@
 // Finds the next match, and the text that replaces each match. Pure.
 #include "search/find_engine.h"
 
+#include "files/text_encoding.h"
 #include "search/regex_check.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -79,10 +81,15 @@ private:
     std::vector<Candidate> next_;
 };
 
-// `match` must be the match that `text.search` found last, because the groups are those of that search.
-std::string ReplacementFor(const FindText& text, const FindQuery& query, std::string_view replacement, FindSpan match) {
+// `match` must be the match that `text.search` found last, because the groups are those of that search. Nothing when a
+// group holds only a part of a character: expressions match single bytes, and the part would break the text's encoding.
+std::optional<std::string> ReplacementFor(const FindText& text, const FindQuery& query, std::string_view replacement,
+                                          FindSpan match) {
     if (!query.options.regex) return std::string{replacement};
-    return ExpandReplacement(replacement, [&](int group) { return group == 0 ? text.part(match) : text.group(group); });
+    std::string expanded =
+        ExpandReplacement(replacement, [&](int group) { return group == 0 ? text.part(match) : text.group(group); });
+    if (!IsValidUtf8Bytes(expanded.data(), expanded.size())) return std::nullopt;
+    return expanded;
 }
 
 }  // namespace
@@ -127,7 +134,9 @@ std::optional<Replacement> ReplacementForSelection(const FindText& text, const F
         return text.search(query.options, pattern, range) == selection;
     };
     if (query.options.regex) static_cast<void>(std::ranges::find_if(query.patterns, matches));
-    return Replacement{selection, ReplacementFor(text, query, replacement, selection)};
+    std::optional<std::string> expanded = ReplacementFor(text, query, replacement, selection);
+    if (!expanded) return std::nullopt;
+    return Replacement{selection, std::move(*expanded)};
 }
 
 bool ReplacesAllAlike(const FindQuery& query, std::string_view replacement) {
@@ -143,7 +152,8 @@ std::vector<Replacement> ReplacementsInScope(const FindText& text, const FindQue
     while (const std::optional<FindSpan> match = walk.Next(pattern)) {
         // Searches again for the groups, because the walk may have searched another alternative last.
         if (!alike) text.search(query.options, query.patterns[pattern], {match->start, scope.end});
-        replacements.push_back({*match, alike ? std::string{} : ReplacementFor(text, query, replacement, *match)});
+        std::optional<std::string> expanded = alike ? std::string{} : ReplacementFor(text, query, replacement, *match);
+        if (expanded) replacements.push_back({*match, std::move(*expanded)});
     }
     return replacements;
 }

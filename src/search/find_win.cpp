@@ -4,6 +4,7 @@
 #include "base/events.h"
 #include "base/log.h"
 #include "base/utf8.h"
+#include "documents/caret_place.h"
 #include "documents/document_row.h"
 #include "documents/recent_files.h"
 #include "resources/ids.h"
@@ -140,13 +141,8 @@ void UncoverMatch(FindSpan match) {
 }
 
 void ShowMatch(FindSpan match) {
-    const HWND editor = g_documents.hEditor;
-    for (const std::ptrdiff_t position : {match.end, match.start}) {
-        const LRESULT line = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(position));
-        SciSend(editor, SCI_ENSUREVISIBLEENFORCEPOLICY, static_cast<WPARAM>(line));  // opens folds
-    }
-    SciSend(editor, SCI_SETSEL, static_cast<WPARAM>(match.start), match.end);
-    SciSend(editor, SCI_CHOOSECARETX);
+    CaretSelect(g_documents.hEditor, match.start, match.end);
+    SciSend(g_documents.hEditor, SCI_CHOOSECARETX);
     UncoverMatch(match);
 }
 

@@ -7,6 +7,7 @@
 #include "base/log.h"
 #include "debugui/breakpoint_list.h"
 #include "debugui/breakpoint_rules.h"
+#include "documents/caret_place.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "documents/margins.h"
@@ -97,6 +98,18 @@ void ApplyFrame(const SessionFrame& frame) {
     g_session.fullScreen = frame.fullScreen;
 }
 
+// Sends a message that applies a value of a file section. The text may have changed since its positions were saved.
+void SendFitting(HWND editor, const EditorMessage& message) {
+    switch (message.message) {
+        case SCI_GOTOPOS: CaretGoTo(editor, message.wParam); break;
+        case SCI_SETSELECTIONSTART:
+        case SCI_SETSELECTIONEND:
+            SciSend(editor, message.message, static_cast<WPARAM>(CaretPositionAt(editor, message.wParam)));
+            break;
+        default: SciSend(editor, message.message, static_cast<WPARAM>(message.wParam), message.lParam); break;
+    }
+}
+
 // The number of the file section decides which document gets the values, not the document that its "Path" opened. When
 // a file is gone, the values of the later sections therefore go to other documents.
 void ApplyFileItem(const SessionItem& item) {
@@ -107,8 +120,7 @@ void ApplyFileItem(const SessionItem& item) {
     if (!IsTabIndex(item.file)) return;
     const HWND editor = TabAt(item.file).editor;
     if (item.key == SessionKey::BreakpointRule) ApplyBreakpointRule(TabAt(item.file).id, SessionParseRule(item.text));
-    for (const EditorMessage& message : SessionEditorMessages(item))
-        SciSend(editor, message.message, static_cast<WPARAM>(message.wParam), message.lParam);
+    for (const EditorMessage& message : SessionEditorMessages(item)) SendFitting(editor, message);
 }
 
 void ApplySession(const std::vector<SessionItem>& items) {

@@ -5,6 +5,7 @@
 #include "base/handles.h"
 #include "base/log.h"
 #include "base/path.h"
+#include "documents/caret_place.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "files/file_io.h"
@@ -103,7 +104,7 @@ int WorkspaceLoad(const wchar_t* path) {
     OpenWorkspaceFiles(workspace);
     if (IsTabIndex(workspace.activeFile)) TabBarSelect(workspace.activeFile);
     for (const WorkspaceCaret& caret : WorkspaceCarets(workspace, TabCount()))
-        SciSend(TabAt(caret.tab).editor, SCI_GOTOPOS, static_cast<WPARAM>(caret.position));
+        CaretGoTo(TabAt(caret.tab).editor, caret.position);
     SafeCopyW(g_session.workspacePath, source);
     return 1;
 }

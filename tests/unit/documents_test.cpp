@@ -1,6 +1,7 @@
 // Recent lists, the open dialog's first folder, the go-to-line target, source file names, the row of documents,
 // decisions of saves, files that are read in pieces.
 #include "documents/file_binding.h"
+#include "documents/file_column.h"
 #include "documents/file_dialog_texts.h"
 #include "documents/goto_line.h"
 #include "documents/open_directory.h"
@@ -93,10 +94,20 @@ TEST(GotoLine, FieldsAndPlacesStayWithinBounds) {
     EXPECT_EQ(GotoLineIndex(0, 10), -1) << "the line counts from 1";
     EXPECT_EQ(GotoLineIndex(1, 10), 0);
     EXPECT_EQ(GotoLineIndex(2147483647, 10), 9);
-    EXPECT_EQ(GotoLinePosition(100, 120, 5), 105);
-    EXPECT_EQ(GotoLinePosition(100, 120, 500), 120);
-    EXPECT_EQ(GotoLinePosition(100, 120, -3), 100);
-    EXPECT_EQ(GotoLinePosition(100, 100, 1), 100);
+}
+
+TEST(FileColumn, CountsTheBytesOfTheFile) {
+    const WidthInFile narrow = [](std::string_view) { return 1; };
+    const WidthInFile wide = [](std::string_view character) { return character.size() > 1 ? 2 : 1; };
+    constexpr std::string_view kLine = "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80z";
+    const struct {
+        std::ptrdiff_t column, narrow, wide;
+    } cases[] = {{-1, 0, 0}, {0, 0, 0}, {1, 1, 1}, {2, 3, 1}, {3, 6, 3}, {4, 10, 3}, {7, 11, 10}, {900, 11, 11}};
+    for (const auto& test : cases) {
+        EXPECT_EQ(OffsetOfFileColumn(kLine, test.column, narrow), test.narrow) << test.column;
+        EXPECT_EQ(OffsetOfFileColumn(kLine, test.column, wide), test.wide) << test.column << ", two bytes each";
+    }
+    EXPECT_EQ(OffsetOfFileColumn("\x80\xFF\xC3", 2, narrow), 2) << "no UTF-8";
 }
 
 TEST(DocumentRow, CommandsOnSeveralTakeThemInTheirOrder) {

@@ -1,4 +1,5 @@
 // The row of documents with real editors: large files from disk to disk, and places visited when tabs move and close.
+#include "documents/caret_place.h"
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
 #include "documents/file_commands.h"
@@ -82,6 +83,32 @@ TEST_F(DocumentsWin, LargeFilesComeBackByteForByte) {
     ASSERT_GE(tab, 0);
     EXPECT_EQ(TabAt(tab).encoding, TextEncoding::Ansi);
     EXPECT_EQ(SciSend(TabAt(tab).editor, SCI_GETLENGTH), static_cast<LRESULT>(4 * kTextPiece + 4));
+}
+
+TEST_F(DocumentsWin, PlacesFromOutsideSplitNoCharacter) {
+    const fs::path path = folder_.path / L"place.bas";
+    WriteBytes(path, "\xE9\xE9\r\n\xE9x");  // ANSI: in the editor 4 + 2 + 3 bytes
+    const int tab = TabBarAdd(path.c_str(), L"place.bas");
+    const HWND editor = TabAt(tab).editor;
+    const LRESULT expected[] = {0, 0, 2, 2, 4, 4, 6, 6, 8, 9, 9};
+    for (LRESULT at = 0; at < 11; ++at) EXPECT_EQ(CaretPositionAt(editor, at), expected[at]) << at;
+    EXPECT_EQ(CaretPositionAt(editor, -1), 0);
+    EXPECT_EQ(CaretPositionOfFileColumn(TabAt(tab), 1, 1), 8) << "one byte of the code page, two of UTF-8";
+    EXPECT_EQ(CaretPositionOfFileColumn(TabAt(tab), 0, 50), 4) << "not on the next line";
+    EXPECT_EQ(CaretPositionOfFileColumn(TabAt(tab), 99, -1), 6);
+    TabAt(tab).encoding = TextEncoding::Utf8;
+    EXPECT_EQ(CaretPositionOfFileColumn(TabAt(tab), 1, 1), 6) << "inside a character of two bytes";
+    SciSend(editor, SCI_GOTOPOS, 8);
+    WriteBytes(path, "12345\r\n\xC3\xA9\xC3\xA9");
+    EXPECT_EQ(FileReload(tab), 1);
+    EXPECT_EQ(SciSend(editor, SCI_GETCURRENTPOS), 9) << "line and column stay, although bytes came in above";
+    for (const int line : {0, 1}) SciSend(editor, SCI_SETFOLDLEVEL, static_cast<WPARAM>(line), 0x400 + line);
+    SciSend(editor, SCI_SETFOLDLEVEL, 0, SC_FOLDLEVELBASE | SC_FOLDLEVELHEADERFLAG);
+    SciSend(editor, SCI_FOLDLINE, 0, SC_FOLDACTION_CONTRACT);
+    ASSERT_EQ(SciSend(editor, SCI_GETLINEVISIBLE, 1), 0);
+    CaretGoTo(editor, 8);
+    EXPECT_EQ(SciSend(editor, SCI_GETCURRENTPOS), 7);
+    EXPECT_NE(SciSend(editor, SCI_GETLINEVISIBLE, 1), 0) << "a folded block opens";
 }
 
 TEST_F(DocumentsWin, PlacesVisitedFollowMovedTabsAndEndWithClosedOnes) {

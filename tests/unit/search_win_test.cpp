@@ -85,6 +85,7 @@ TEST_F(FindEngine, WalksForwardAndBackwardAroundTheEnds) {
         {"empty matches move back", "x\ny\n", "^", kRegex, false, {"w4-4", "2-2", "0-0", "w4-4"}},
         {"alternatives, whichever comes first", "one two one", "two|one", kRegex, true, {"0-3", "4-7", "8-11", "w0-3"}},
         {"alternatives backward", "one two one", "two|one", kRegex, false, {"w8-11", "4-7", "0-3"}},
+        {"whole characters", "x\xC3\xA9 ", ".[^x]$", kRegex, true, {"1-4"}},
         {"of two at one place the first alternative", "abc", "a|ab", kRegex, true, {"0-1"}},
     };
     for (const Case& test : cases) {
@@ -117,6 +118,7 @@ TEST_F(FindEngine, ReplacesAllThatMatchedBefore) {
         {"groups", "k=v\nx=y", "([a-z])=([a-z])", "\\2:\\1 (\\0)", kRegex, 2, "v:k (k=v)\ny:x (x=y)"},
         {"groups of the alternative that matched", "a1 b2", "a([0-9])|b([0-9])", "<\\1>", kRegex, 2, "<1> <2>"},
         {"multi-byte characters", "\xC3\xA4\xE2\x82\xAC", "x*", ".", kRegex, 2, ".\xC3\xA4.\xE2\x82\xAC"},
+        {"a group that splits a character", "\xC3\xA9=1 b=1", "(.)=1", "<\\1>", kRegex, 1, "\xC3\xA9=1 <b>"},
         {"nothing", "abc", "x", "y", kPlain, 0, "abc"},
     };
     for (const Case& test : cases) {

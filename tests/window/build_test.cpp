@@ -339,11 +339,12 @@ TEST(Build, ASilentCompilersLogIsShown) {
 
 TEST(Build, ErrorsLeadToTheirPlaces) {
     FakeFolder folder("");
-    const std::wstring main = folder.Write(L"main.bas", "1\r\n2\r\n3 three\r\n4\r\n5\r\n");
+    // In ANSI: a byte of the file is not a byte of the editor.
+    const std::wstring main = folder.Write(L"main.bas", "1\r\nSUB a\r\n  \xE9\xE9\xE9 = 1\r\nEND SUB\r\n5\r\n");
     // Of another compiler, as the folder's name says.
     const std::wstring part = folder.Write(L"KA32\\part.bas", "a\r\nb bb\r\nc\r\n");
-    folder.Script("print " + Utf8(main) + "(3,4): error: one\r\nprint nothing here\r\nprint   " + Utf8(part) +
-                  ":2:3: warning: two\r\nprint " + Utf8(folder.File(L"gone.bas")) + "(9,9): error: three\r\nprint " +
+    folder.Script("print " + Utf8(main) + "(3,6): error: one\r\nprint nothing here\r\nprint   " + Utf8(part) +
+                  ":2:30: warning: two\r\nprint " + Utf8(folder.File(L"gone.bas")) + "(9,9): error: three\r\nprint " +
                   Utf8(main) + "(5,0): fatal error: four\r\nprint " + Utf8(main) + "(12): error: not one\nexit 1\n");
     Editor editor(folder, OpenArgument(main) + L" --compiler kvxa64");
     Build(editor);
@@ -354,24 +355,28 @@ TEST(Build, ErrorsLeadToTheirPlaces) {
     const auto expectAt = [&](const wchar_t* place) {
         EXPECT_TRUE(WaitFor([&] { return at() == place; })) << Utf8(at()) << " instead of " << Utf8(place);
     };
-    DoubleClickOn(editor, L"part.bas:2:3");
-    expectAt(L"part.bas:2:3");  // opened for it
+    DoubleClickOn(editor, L"part.bas:2:30");
+    expectAt(L"part.bas:2:5");  // opened for it; the line has no such column
     EXPECT_EQ(editor.Tabs(), 2);
     EXPECT_EQ(editor.Status(kPartCompiler), L"KVXA64") << "opened for the error, not by the user";
     EXPECT_EQ(folder.Ini(L"MRU", L"Count"), L"1");
     EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
+    editor.Do(IDM_PREVIOUS_TAB);
+    editor.Sci(SCI_FOLDLINE, 1, SC_FOLDACTION_CONTRACT);
+    ASSERT_EQ(editor.Sci(SCI_GETLINEVISIBLE, 2), 0);
     editor.Do(IDM_ERROR_PREVIOUS);
-    expectAt(L"main.bas:3:4");
+    expectAt(L"main.bas:3:9");
+    EXPECT_NE(editor.Sci(SCI_GETLINEVISIBLE, 2), 0) << "a folded block opens for it";
     editor.Do(IDM_ERROR_PREVIOUS);
     expectAt(L"main.bas:5:1");  // wrapped to the last; no column was given
     editor.Do(IDM_ERROR_NEXT);
-    expectAt(L"main.bas:3:4");  // and back round
+    expectAt(L"main.bas:3:9");  // and back round
     editor.Foreground();
     editor.Keys({VK_F4});
-    expectAt(L"part.bas:2:3");
+    expectAt(L"part.bas:2:5");
     editor.Post(IDM_ERROR_NEXT);  // the file is gone: a message, and nothing else
     editor.Answer(kProgramTitle, L"Failed to open file: " + folder.File(L"gone.bas"), IDOK);
-    expectAt(L"part.bas:2:3");
+    expectAt(L"part.bas:2:5");
     editor.Do(IDM_ERROR_NEXT);
     expectAt(L"main.bas:5:1");
     DoubleClickOn(editor, L"nothing here");

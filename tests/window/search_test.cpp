@@ -134,8 +134,8 @@ TEST(GotoLine, ShowsThePlaceAndGoes) {
     EXPECT_EQ(field(dialog, IDC_GOTO_LINE_COUNT), L"4");
     EXPECT_EQ(field(dialog, IDC_GOTO_COLUMN), L"5") << "behind a tab of four columns and a letter, from 0";
     EXPECT_EQ(field(dialog, IDC_GOTO_PROCEDURE), L"SUB Main");
-    editor.Press(dialog, IDCANCEL);
-    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 12);
+    editor.Press(dialog, IDOK);
+    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 12) << "as it was filled it means where the caret is";
 
     EXPECT_EQ(go(L"3", L"4"), 24);
     EXPECT_EQ(editor.Focus(), editor.Sci());

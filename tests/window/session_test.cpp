@@ -97,12 +97,12 @@ TEST(Session, KeepsPlacesAndMarks) {
 
 TEST(Session, AMissingFileShiftsLaterPlaces) {
     ProgramFolder folder;
-    const std::wstring a = folder.Write(L"a.bas", Lines(20)), c = folder.Write(L"c.bas", Lines(20));
+    const std::wstring a = folder.Write(L"a.bas", "' caf\xC3\xA9s"), c = folder.Write(L"c.bas", Lines(20));
     folder.Write(kSessionFile,
                  "[Session]\nVersion=1\nActiveTab=0\nTheme=1\nTreeWidth=500\nEditorZoom=3\nWordWrap=1\n"
                  "[File1]\nPath=" +
                      Utf8(a) +
-                     "\nCursor =9\nCursor=7\n"
+                     "\nCursor =9\nCursor=1\nSelectionStart=6\nSelectionEnd=99\n"
                      "[File2]\nPath=" +
                      Utf8(folder.File(L"gone.bas")) +
                      "\nCursor=11\n"
@@ -114,7 +114,8 @@ TEST(Session, AMissingFileShiftsLaterPlaces) {
     ASSERT_TRUE(editor.AwaitReady());
     ASSERT_EQ(editor.Tabs(), 2);
     EXPECT_EQ(editor.ActiveTab(), 0);
-    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 7);
+    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONSTART), 5) << "not inside the character";
+    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 8);
     EXPECT_EQ(editor.Sci(SCI_GETZOOM), 3);
     EXPECT_EQ(editor.Sci(SCI_GETWRAPMODE), 1);
     EXPECT_EQ(folder.Ini(L"Editor", L"Theme"), L"1");
@@ -138,7 +139,7 @@ TEST(Session, NotOfferedWithoutFiles) {
 TEST(Workspace, WritesItsLayoutAndReadsItBack) {
     ProgramFolder folder;
     const std::wstring a = folder.Write(L"a.bas", Lines(5)), b = folder.Write(L"b.bas", Lines(5)),
-                       c = folder.Write(L"c.bas", Lines(5));
+                       c = folder.Write(L"c.bas", "'bc\r\n'e\r\n");
     const std::wstring flags = L"-D \"x y\" C:\\i";
     folder.SetIni(L"KeldorBasic", L"Flags", flags);
     {
@@ -175,7 +176,7 @@ TEST(Workspace, WritesItsLayoutAndReadsItBack) {
     ASSERT_EQ(editor.Tabs(), 2);
     EXPECT_EQ(editor.ActiveTab(), 1);
     EXPECT_EQ(editor.TabLabel(1), L"c.bas");
-    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 4);
+    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 3) << "not between CR and LF";
 
     // A new workspace needs every document closed; a refusal leaves everything as it is.
     editor.Type("x");
