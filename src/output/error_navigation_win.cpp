@@ -37,20 +37,22 @@ bool ShowFileOfError(const CompilerError& error) {
     return FileShow(places.front().c_str(), false) != 0;  // says that there is no such file
 }
 
-void GoToDiagnostic(const CompilerError& error) {
-    if (!ShowFileOfError(error)) return;
+// Line and column of the active document's file, from 1.
+void GoToPlace(LRESULT line, LRESULT column) {
     const DocumentTab& document = TabAt(g_documents.activeTab);
-    CaretGoTo(document.editor, CaretPositionOfFileColumn(document, LRESULT{error.line} - 1, LRESULT{error.column} - 1));
+    CaretGoTo(document.editor, CaretPositionOfFileColumn(document, line - 1, column - 1));
     FocusCurrentEditor();
+}
+
+void GoToDiagnostic(const CompilerError& error) {
+    if (ShowFileOfError(error)) GoToPlace(error.line, error.column);
 }
 
 void GoToLog(const LogPlace& place) {
     // A log that is open already may be an earlier build's.
     const int open = TabBarFindPath(place.path.c_str());
     if (open >= 0 && !TabAt(open).modified) FileReload(open);
-    if (FileShow(place.path.c_str(), false) == 0) return;
-    SciSend(g_documents.hEditor, SCI_GOTOLINE, static_cast<WPARAM>(place.line - 1));
-    FocusCurrentEditor();
+    if (FileShow(place.path.c_str(), false) != 0) GoToPlace(static_cast<LRESULT>(place.line), 1);
 }
 
 // The line of the pane that holds the start of the selection or the caret.
