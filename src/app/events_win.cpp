@@ -3,6 +3,7 @@
 
 #include "app/app_state.h"
 #include "base/events.h"
+#include "base/wide_format.h"
 #include "commands/command_state.h"
 #include "commands/status_bar.h"
 #include "compile/build.h"
@@ -13,6 +14,7 @@
 #include "disasm/asm_pane.h"
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
+#include "output/line_colours.h"
 #include "output/output_feed.h"
 #include "output/output_pane.h"
 #include "output/show_timer.h"
@@ -43,6 +45,11 @@ void OnTextArrived(DocumentId document) {
     DebugRestoreLocation(document);
 }
 
+void OnDocumentNotice(const wchar_t* notice) {
+    OutputPaneAppend(FormatW(L"[File] %s\r\n", notice).c_str(), kLineYellow);
+    StatusBarSetText(notice);
+}
+
 void OnProgramBuilt(const wchar_t* source, const wchar_t* listing) {
     if (PaneIsShown(PaneId::Asm)) AsmPaneLoad(source, listing);
 }
@@ -57,6 +64,7 @@ void MainWnd_ConnectEvents() {
     g_events.documentClosed = OnDocumentClosed;
     g_events.textLeaving = BreakpointsKeepLines;
     g_events.textArrived = OnTextArrived;
+    g_events.documentNotice = OnDocumentNotice;
     g_events.folderChosen = ProjectTreeOfferRoot;
     g_events.settingsChanged = MainWnd_OnSettingsChanged;
     g_events.programBuilt = OnProgramBuilt;

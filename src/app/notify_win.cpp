@@ -27,7 +27,7 @@
 namespace {
 
 void OnSavePoint(int tab, bool modified) {
-    TabAt(tab).modified = modified;
+    TabAt(tab).modified = modified || TabAt(tab).mustSave;
     TabBarUpdateTitle(tab);
     MainWindow_RequestStateRefresh();
 }

@@ -12,6 +12,7 @@
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
 #include "documents/file_commands.h"
+#include "documents/save_rules.h"
 #include "files/file_io.h"
 #include "resources/ids.h"
 #include "session/session.h"
@@ -119,7 +120,8 @@ void MainWnd_OnReinitEditor(int tab, DocumentId id) {
 void MainWnd_OnAutoSaveTimer() {
     for (const DocumentId document : DocumentsToSave(DocumentRowEntries(), true)) {
         const int tab = TabBarFindDocument(document);  // a box about the one before may have closed or saved this one
-        if (tab >= 0 && TabAt(tab).hasFile && TabAt(tab).modified) FileSave(tab);
+        // A question that comes by itself would take the keys that the user types into the text.
+        if (tab >= 0 && TabAt(tab).hasFile && TabAt(tab).modified && !SaveAsksAboutForm(TabAt(tab))) FileSave(tab);
     }
 }
 

@@ -28,9 +28,10 @@ struct Events {
     Event<int, int> documentMoved;          // the index in the row before and after
     Event<DocumentId> documentSaved;        // its text has been saved to its file
     Event<DocumentId, int> documentClosed;  // its record is gone; the index that it had in the row
-    Event<DocumentId> textLeaving;       // its text is about to be discarded by a reload or because its editor closes
-    Event<DocumentId> textArrived;       // its text has been loaded, for the first time or again
-    Event<const wchar_t*> folderChosen;  // the user opened a file in this folder (with its trailing backslash)
+    Event<DocumentId> textLeaving;         // its text is about to be discarded by a reload or because its editor closes
+    Event<DocumentId> textArrived;         // its text has been loaded, for the first time or again
+    Event<const wchar_t*> documentNotice;  // something unusual about a file that was opened, as a sentence
+    Event<const wchar_t*> folderChosen;    // the user opened a file in this folder (with its trailing backslash)
 
     Event<const Settings&> settingsChanged;  // the settings as they were before the change
 

@@ -150,6 +150,6 @@ void StatusBarUpdatePosition() {
     constexpr const wchar_t* kLineEndings[] = {L"CRLF", L"LF", L"CR"};
     SetStatusPart(kPosition, FormatW(L"Ln %d, Col %d", static_cast<int>(line + 1), static_cast<int>(column + 1)));
     SetStatusPart(kSelection, SelectionText(tab.editor));
-    SetStatusPart(kEncoding, tab.encoding == TextEncoding::Ansi ? L"ANSI" : L"UTF-8");
+    SetStatusPart(kEncoding, EncodingName(tab.encoding, tab.form));
     SetStatusPart(kLineEnding, kLineEndings[static_cast<std::size_t>(tab.lineEnding) % std::size(kLineEndings)]);
 }

@@ -5,6 +5,7 @@
 
 #include "base/events.h"
 #include "documents/file_binding.h"
+#include "files/file_identity.h"
 
 #include <windows.h>
 
@@ -17,5 +18,7 @@ struct DocumentTab : FileBinding {
     HWND editor = nullptr;         // Scintilla window, child of the main window; TabBarRemove destroys it
     std::uint32_t compilerId = 0;  // the compiler whose dialect decides the colours
     bool modified = false;
+    bool mustSave = false;  // its file may not hold its text, so only a save makes it unmodified
+    FileIdentity identity;  // of its file, when it was last read or written
     BuildMark buildMark = BuildMark::None;
 };

@@ -34,6 +34,7 @@ bool LoadPieces(DocumentTab& tab, HANDLE file, std::size_t size) {
     if (result.end != PiecesEnd::Done || !HoldsAll(tab.editor, result.length)) return false;
     tab.encoding = TextEncoding::Utf8;
     tab.lineEnding = result.lineEnding;
+    tab.form.keepBreaks = result.holdsNul;
     return true;
 }
 
@@ -53,7 +54,7 @@ bool TryPieces(DocumentTab& tab) {
 bool TabLoadFile(DocumentTab& tab) {
     if (TryPieces(tab)) return true;
     std::size_t length = 0;
-    const HeapBlock<char> text(ReadSourceFileForEditor(tab.path, &length, &tab.encoding, &tab.lineEnding));
+    const HeapBlock<char> text(ReadSourceFileForEditor(tab.path, &length, &tab.encoding, &tab.lineEnding, &tab.form));
     if (!text) return false;
     EditorPaneSetBytes(tab.editor, {text.get(), length});
     return HoldsAll(tab.editor, length);

@@ -18,7 +18,10 @@ inline DocumentTab& TabAt(int index) { return g_documents.tabs[static_cast<std::
 // --- Finding; -1 when there is none
 int TabBarFindDocument(DocumentId document);
 int TabBarFindEditor(HWND editor);
-int TabBarFindPath(const wchar_t* path);   // the document of that file; ignores letter case
+int TabBarFindPath(const wchar_t* path);  // the document of that file; ignores letter case
+// The same, and when no document has that name, the document of the same file under another name: a link, a short name,
+// a share. Asks the system about the file.
+int TabBarFindFile(const wchar_t* path);
 DocumentId DocumentOfEditor(HWND editor);  // 0: none
 DocumentId ActiveDocumentId();             // 0: none
 std::vector<RowEntry> DocumentRowEntries();
@@ -46,6 +49,9 @@ void TabBarUpdateLineEnding(int index);
 // Announces that the label, the modified mark or the encoding has changed. When the new file name means another
 // language, the editor gets that language too.
 void TabBarUpdateTitle(int index);
+
+// Tells the user what is unusual about the document's file: its encoding, its bytes. Says nothing about an ordinary one.
+void TellDocumentForm(int index);
 
 // --- Focus
 // Moves the keyboard focus to the active editor when that is visible.

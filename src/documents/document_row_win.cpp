@@ -6,6 +6,7 @@
 #include "documents/document_load.h"
 #include "documents/editor_pane.h"
 #include "documents/row_rules.h"
+#include "documents/save_rules.h"
 #include "language/lexer_table.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
@@ -16,6 +17,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string>
 #include <utility>
 
 namespace {
@@ -74,6 +76,17 @@ int TabBarFindPath(const wchar_t* path) {
     return FindTab([path](const DocumentTab& tab) { return tab.hasFile && PathEqualsIgnoreCase(tab.path, path); });
 }
 
+int TabBarFindFile(const wchar_t* path) {
+    const int named = TabBarFindPath(path);
+    if (named >= 0 || path == nullptr || path[0] == L'\0') return named;
+    const FileIdentity identity = FileIdentityOf(path);
+    if (!identity.IsKnown()) return -1;
+    // The document's own file is asked again, because it may have been replaced since it was read.
+    return FindTab([&identity](const DocumentTab& tab) {
+        return tab.hasFile && tab.identity == identity && FileIdentityOf(tab.path) == identity;
+    });
+}
+
 DocumentId DocumentOfEditor(HWND editor) {
     const int index = TabBarFindEditor(editor);
     return index < 0 ? 0 : TabAt(index).id;
@@ -103,6 +116,7 @@ int TabBarAdd(const wchar_t* path, const wchar_t* label) {
         return -1;
     }
     tab.id = g_nextDocument++;
+    if (tab.hasFile) tab.identity = FileIdentityOf(tab.path);
 
     g_documents.tabs.push_back(tab);
     const int index = TabCount() - 1;
@@ -111,7 +125,14 @@ int TabBarAdd(const wchar_t* path, const wchar_t* label) {
     EditorPaneApplySettings(tab.editor);
     g_events.documentOpened(tab.id);
     g_events.textArrived(tab.id);
+    TellDocumentForm(index);
     return index;
+}
+
+void TellDocumentForm(int index) {
+    if (!IsTabIndex(index)) return;
+    const std::wstring notice = FormNotice(TabAt(index));
+    if (!notice.empty()) g_events.documentNotice(notice.c_str());
 }
 
 void TabBarSyncActiveEditor() {

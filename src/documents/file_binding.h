@@ -10,8 +10,10 @@ struct FileBinding {
     TextEncoding encoding = TextEncoding::Utf8;
     LineEnding lineEnding = LineEnding::CrLf;
     bool hasFile = false;  // `path` is a file on disk
+    DiskForm form;
+    bool formConfirmed = false;  // the user has said that the file stays UTF-16
 };
 
-// The binding for a save under a new name: always ANSI with CRLF, whatever the document had before. Defined in
-// save_rules.cpp.
-FileBinding BindingForNewName(const wchar_t* path);
+// The binding for a save under a new name: always ANSI with CRLF, whatever the document had before. What the text is
+// on the disk beside that (UTF-16, NUL bytes) stays as `before` has it. Defined in save_rules.cpp.
+FileBinding BindingForNewName(const wchar_t* path, const FileBinding& before);

@@ -88,6 +88,7 @@ void UnbindCutDocument(int tab) {
     document.path[0] = L'\0';
     document.hasFile = false;
     document.modified = true;
+    document.mustSave = true;
     TabBarUpdateTitle(tab);
     ErrorMessage(L"Failed to reload file: %s", path.c_str());
 }
@@ -96,7 +97,7 @@ enum class Opened { Failed, WasOpen, New };
 
 // Shows the document of the file at an absolute path, and opens it when it is not open.
 Opened ShowDocument(const wchar_t* file, bool quiet) {
-    const int existing = TabBarFindPath(file);
+    const int existing = TabBarFindFile(file);
     if (existing >= 0) {
         TabBarSelect(existing);
         return Opened::WasOpen;
@@ -169,13 +170,17 @@ int FileReload(int tab) {
     std::size_t length = 0;
     TextEncoding encoding = document.encoding;
     LineEnding lineEnding = document.lineEnding;
-    const HeapBlock<char> text{ReadSourceFileForEditor(document.path, &length, &encoding, &lineEnding)};
+    DiskForm form;
+    const HeapBlock<char> text{ReadSourceFileForEditor(document.path, &length, &encoding, &lineEnding, &form)};
     if (!text) {
         ErrorMessage(L"Failed to reload file: %s", document.path);
         return 0;
     }
     document.encoding = encoding;
     document.lineEnding = lineEnding;
+    document.form = form;
+    document.formConfirmed = false;
+    document.identity = FileIdentityOf(document.path);
     TabBarUpdateLineEnding(tab);
     const ViewPosition view = CaptureView(document.editor);
     g_events.textLeaving(document.id);
@@ -187,7 +192,9 @@ int FileReload(int tab) {
     }
     RestoreView(document.editor, view);
     document.modified = false;
+    document.mustSave = false;
     TabBarUpdateTitle(tab);
+    TellDocumentForm(tab);
     return 1;
 }
 

@@ -19,6 +19,8 @@
 #include "ui/message.h"
 #include "ui/ui_state.h"
 
+#include <cwchar>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -75,18 +77,55 @@ EditorText TakeText(DocumentId document) {
     return text;
 }
 
-void TellFailedSave(const wchar_t* path) {
+std::wstring SystemText(DWORD error) {
+    wchar_t text[512] = {};
+    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0, text,
+                   static_cast<DWORD>(std::size(text)), nullptr);
+    text[std::wcscspn(text, L"\r\n")] = L'\0';
+    return text;
+}
+
+void TellFailedSave(const wchar_t* path, const SaveReport& report) {
     const std::wstring copy = RecoveryLastPath();
+    AppLogMsg(L"FAIL: FileSave end=%d error=%lu path=%s", static_cast<int>(report.end), report.error, path);
     if (!copy.empty()) {
         AppLogMsg(L"FAIL: FileSave, the new text is kept in %s", copy.c_str());
         g_events.statusText(FormatW(L"Not saved. The text is kept in %s", copy.c_str()).c_str());
     }
-    ErrorMessage(L"Failed to save file: %s", path);
+    const std::wstring reason = report.error != 0 ? SystemText(report.error) : std::wstring{};
+    ErrorMessage(L"%s", FailedSaveText(path, report, reason, copy).c_str());
+}
+
+// After a failed save of the document's own file, which may be damaged now. Undoing all changes does not make the
+// document equal to its file, so it stays modified until a save succeeds.
+void MarkUnsaved(int tab, const wchar_t* path) {
+    if (tab < 0 || !PathEqualsIgnoreCase(TabAt(tab).path, path)) return;
+    TabAt(tab).modified = true;
+    TabAt(tab).mustSave = true;
+    TabBarUpdateTitle(tab);
+}
+
+int SaveUnderNewName(DocumentId document);
+
+// Asks in which form the file is written, and notes the answer in `binding`. The document may be gone afterwards.
+FormChoice AskForm(DocumentId document, FileBinding& binding) {
+    const int tab = TabBarFindDocument(document);
+    const bool sameFile = tab >= 0 && PathEqualsIgnoreCase(TabAt(tab).path, binding.path);
+    return ChooseForm(binding, sameFile, [](const std::wstring& text) {
+        return AskUser({.caption = kProgramCaption,
+                        .text = text.c_str(),
+                        .buttons = AskButtons::YesNoCancel,
+                        .icon = AskIcon::Warning,
+                        .inSelftest = Answer::Cancel});
+    });
 }
 
 // Writes the document to the file of `binding`, then binds the document to that file. When the save fails, the document
 // keeps its old binding, so that the next save does not take an unfinished file for its own. Returns 1 or 0.
 int SaveAsBound(DocumentId document, FileBinding binding) {
+    const FormChoice choice = AskForm(document, binding);
+    if (choice != FormChoice::Save || TabBarFindDocument(document) < 0)
+        return choice == FormChoice::OtherName ? SaveUnderNewName(document) : 0;
     BackUp(binding.path);
     EditorText text = TakeText(document);
     if (!text.bytes) return 0;
@@ -100,13 +139,19 @@ int SaveAsBound(DocumentId document, FileBinding binding) {
     if (asked) text = TakeText(document);
     if (!encoding || !text.bytes) return 0;
     binding.encoding = *encoding;
-    if (!WriteSourceFileFromEditor(binding.path, text.bytes.get(), text.length, binding.encoding, binding.lineEnding)) {
-        TellFailedSave(binding.path);
+    SaveReport report;
+    if (!WriteSourceFileFromEditor(binding.path, text.bytes.get(), text.length, binding.encoding, binding.lineEnding,
+                                   binding.form, &report)) {
+        MarkUnsaved(TabBarFindDocument(document), binding.path);
+        TellFailedSave(binding.path, report);
         return 0;
     }
     const int tab = TabBarFindDocument(document);
+    binding.form.inexact = false;  // the file now holds what the text says
     static_cast<FileBinding&>(TabAt(tab)) = binding;
     TabAt(tab).modified = false;
+    TabAt(tab).mustSave = false;
+    TabAt(tab).identity = FileIdentityOf(binding.path);
     const HWND editor = TabAt(tab).editor;
     SciSend(editor, SCI_SETSAVEPOINT);
     EditorPaneClearChangeMarks(editor);
@@ -122,7 +167,7 @@ bool AskNewPath(DocumentId document, wchar_t* out, std::size_t capacity) {
     wchar_t directory[kPathCapacity] = {};
     FileOpenResolveInitialDirectory(directory, kPathCapacity);
     if (!AskSavePath(chosen, kPathCapacity, directory) || !PathNormalizeInput(chosen, out, capacity)) return false;
-    const int other = TabBarFindPath(out);
+    const int other = TabBarFindFile(out);
     if (other >= 0 && TabAt(other).id != document) {
         ErrorMessage(L"%s is open in another tab. Close it there first, or choose another name.", out);
         return false;
@@ -132,9 +177,11 @@ bool AskNewPath(DocumentId document, wchar_t* out, std::size_t capacity) {
 
 int SaveUnderNewName(DocumentId document) {
     wchar_t path[kPathCapacity] = {};
-    if (!AskNewPath(document, path, kPathCapacity) || TabBarFindDocument(document) < 0) return 0;
+    if (TabBarFindDocument(document) < 0 || !AskNewPath(document, path, kPathCapacity) ||
+        TabBarFindDocument(document) < 0)
+        return 0;
     PathGetDir(path, g_documents.lastDirectory, kPathCapacity);
-    if (SaveAsBound(document, BindingForNewName(path)) == 0) return 0;
+    if (SaveAsBound(document, BindingForNewName(path, TabAt(TabBarFindDocument(document)))) == 0) return 0;
     const int tab = TabBarFindDocument(document);
     TabBarUpdateLineEnding(tab);
     const DocumentTab& saved = TabAt(tab);

@@ -1,9 +1,11 @@
 // Decisions of a save, and the questions that saving, closing and reloading ask. Pure.
 #pragma once
 
-#include "files/text_encoding.h"
+#include "documents/file_binding.h"
+#include "files/save_report.h"
 #include "ui/message.h"
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -15,6 +17,22 @@ bool SaveMakesBackup(bool wanted, bool fileExists, bool lastSaveFailed);
 // The encoding to save with, or nothing when the user cancelled. `ask` is called only for an ANSI document with
 // characters that the code page does not have, because these are never replaced without a question.
 std::optional<TextEncoding> EncodingToSave(TextEncoding own, bool ansiHoldsText, const std::function<Answer()>& ask);
+
+// What the user wants when the file cannot simply be written as its encoding says.
+enum class FormChoice : std::uint8_t { Save, OtherName, Cancel };
+// Asks about a file that is UTF-16 (once: the answer is noted in `binding`), and before bytes are lost that could not
+// be decoded. `sameFile`: the save overwrites the file from which the text was read.
+FormChoice ChooseForm(FileBinding& binding, bool sameFile, const std::function<Answer(const std::wstring& text)>& ask);
+// Whether a save of the document under its own name asks such a question.
+bool SaveAsksAboutForm(const FileBinding& binding);
+
+// What the box says about a failed save. `systemText`: the system's words for `report.error`, or empty. `copy`: the
+// path of the recovery copy, or empty.
+std::wstring FailedSaveText(const wchar_t* path, const SaveReport& report, const std::wstring& systemText,
+                            const std::wstring& copy);
+
+// What the user is told when a file with an unusual form is opened; empty for an ordinary file.
+std::wstring FormNotice(const FileBinding& binding);
 
 // The questions about the document with that label.
 std::wstring SaveQuestion(const wchar_t* label);    // at most 511 characters

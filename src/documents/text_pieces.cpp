@@ -2,6 +2,7 @@
 #include "documents/text_pieces.h"
 
 #include "base/utf8.h"
+#include "files/utf16.h"
 
 #include <algorithm>
 #include <memory>
@@ -31,11 +32,13 @@ PiecesResult MoveTextPieces(const TextSource& source) {
         atEnd = *read == 0;
         const std::string_view bytes{piece.get(), kept + *read};
         const std::string_view whole = atEnd ? bytes : bytes.substr(0, WholeCharacters(bytes));
-        if (!IsValidUtf8Bytes(whole.data(), whole.size())) {
+        const bool isUtf16 = result.length == 0 && Utf16KindOf(whole).order != Utf16Order::None;
+        if (isUtf16 || !IsValidUtf8Bytes(whole.data(), whole.size())) {
             result.end = PiecesEnd::NotUtf8;
             return result;
         }
         lineBreak.Look(whole);
+        result.holdsNul = result.holdsNul || whole.find('\0') != std::string_view::npos;
         if (!whole.empty()) source.append(whole);
         result.length += whole.size();
         kept = bytes.size() - whole.size();

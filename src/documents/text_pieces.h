@@ -24,9 +24,11 @@ struct PiecesResult {
     PiecesEnd end = PiecesEnd::Failed;
     std::size_t length = 0;  // bytes appended
     LineEnding lineEnding = LineEnding::CrLf;
+    bool holdsNul = false;
 };
 
-// Moves the text to its end or to the first piece that is not UTF-8. Failed: reading failed.
+// Moves the text to its end or to the first piece that is not UTF-8. A first piece that reads like UTF-16 is not UTF-8
+// either. Failed: reading failed.
 PiecesResult MoveTextPieces(const TextSource& source);
 
 // Finds the first line break of a text that comes in pieces. A CR at the end of a piece is decided by the next byte.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/utf8.h"
+#include "files/save_report.h"
 #include "files/text_encoding.h"
 
 #include <cstddef>
@@ -26,12 +27,17 @@ bool WriteFileUtf8(const wchar_t* path, const char* bytes, std::size_t length);
 
 // Reads a source file of either encoding as UTF-8, with a NUL at the end that `length` does not count. Returns a new
 // block that the caller frees with free(), or null when it cannot be read. Every out parameter may be null.
-char* ReadSourceFileForEditor(const wchar_t* path, std::size_t* length, TextEncoding* encoding, LineEnding* lineEnding);
-// Saves a source file with the given encoding and line ending. The new text is flushed to a recovery copy before the
-// target is truncated. The copy is deleted once the target has been read back and compared, and stays when the save
-// failed (files/recovery.h). Returns false when the save failed; an empty text cannot be saved as Ansi.
+char* ReadSourceFileForEditor(const wchar_t* path, std::size_t* length, TextEncoding* encoding, LineEnding* lineEnding,
+                              DiskForm* form = nullptr);
+// Appends the bytes of a code page to `utf8`. False when they cannot be converted, or when memory runs out. `*exact`
+// becomes false when the text does not give the same bytes back; otherwise it stays as it is.
+bool DecodeCodePage(unsigned codePage, std::string_view bytes, std::string* utf8, bool* exact);
+
+// Saves a source file with the given encoding, line ending and form. The new text is flushed to a recovery copy before
+// the target is truncated. The copy is deleted once the target has been read back and compared, and stays when the save
+// failed (files/recovery.h). Returns false when the save failed; `report` (may be null) tells why.
 bool WriteSourceFileFromEditor(const wchar_t* path, const char* utf8, std::size_t length, TextEncoding encoding,
-                               LineEnding lineEnding);
+                               LineEnding lineEnding, const DiskForm& form = {}, SaveReport* report = nullptr);
 
 // The byte offset of the first character that the ANSI code page cannot hold, or -1 when it can hold all of them.
 std::ptrdiff_t AnsiFirstUnmappable(std::string_view utf8);

@@ -40,6 +40,22 @@ bool ReadInto(const OpenedFile& file, char* buffer, std::size_t* taken) {
     return true;
 }
 
+// True for the refusals of a file that another program has open, mostly for a moment only: a scanner, an indexer, a
+// compiler.
+bool IsHeldElsewhere(DWORD error) {
+    return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION || error == ERROR_USER_MAPPED_FILE;
+}
+
+UniqueHandle OpenToWrite(const std::wstring& systemPath, const WriteHow& how) {
+    constexpr DWORD kPauseMs = 40;
+    for (DWORD waited = 0;; waited += kPauseMs) {
+        UniqueHandle file{CreateFileW(systemPath.c_str(), GENERIC_WRITE, how.sharing, nullptr, how.disposition,
+                                      how.attributes, nullptr)};
+        if (file || waited >= how.patience || !IsHeldElsewhere(GetLastError())) return file;
+        Sleep(kPauseMs);
+    }
+}
+
 // A file system that does not support flushing counts as flushed.
 bool FlushWritten(HANDLE file) {
     return FlushFileBuffers(file) != FALSE || GetLastError() == ERROR_INVALID_FUNCTION ||
@@ -82,9 +98,9 @@ bool WriteWholeFile(const std::wstring& systemPath, std::string_view bytes, cons
     bool opened = false;
     bool written = false;
     {
-        const UniqueHandle file{
-            CreateFileW(systemPath.c_str(), GENERIC_WRITE, 0, nullptr, how.disposition, how.attributes, nullptr)};
+        const UniqueHandle file = OpenToWrite(systemPath, how);
         opened = static_cast<bool>(file);
+        if (how.opened != nullptr) *how.opened = opened;
         DWORD taken = 0;
         written = opened &&
                   WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &taken, nullptr) != FALSE &&

@@ -2,6 +2,8 @@
 // Pure: the steps are given as functions.
 #pragma once
 
+#include "files/save_report.h"
+
 #include <cstdint>
 #include <functional>
 
@@ -22,5 +24,6 @@ struct SaveSteps {
     std::function<void()> keepCopy;  // also called when there is no copy
 };
 
-// True when the file was saved. Exactly one of `discardCopy` and `keepCopy` is called, as the last step.
-bool SafeSave(const SaveTarget& target, const SaveSteps& steps);
+// Exactly one of `discardCopy` and `keepCopy` is called, as the last step. `NotWritten` stands for every failure of
+// `overwrite`.
+SaveEnd SafeSave(const SaveTarget& target, const SaveSteps& steps);

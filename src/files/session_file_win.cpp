@@ -29,9 +29,14 @@ bool ReplaceFileWhole(const wchar_t* path, std::string_view bytes) {
     return false;
 }
 
+// A folder that takes no new file, or not under this name, may still have a file that can be written. Only these errors
+// mean that. After any other one, a full disk (three errors mean it) or a broken one, writing in place would cost the
+// old content as well.
+static bool MayWriteInPlace(DWORD error) {
+    return error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION || error == ERROR_FILENAME_EXCED_RANGE;
+}
+
 bool ReplaceFileWithText(const wchar_t* path, std::string_view bytes) {
-    if (ReplaceFileWhole(path, bytes)) return true;
-    // A folder that takes no new file may still have a file that can be written. After ERROR_DISK_FULL that is not
-    // tried, because it would cost the old content as well.
-    return GetLastError() != ERROR_DISK_FULL && WriteFileUtf8(path, bytes.data(), bytes.size());
+    return ReplaceFileWhole(path, bytes) || (MayWriteInPlace(GetLastError()) &&
+                                             WriteWholeFile(PathForSystem(path), bytes, {.sharing = FILE_SHARE_READ}));
 }

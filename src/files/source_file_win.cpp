@@ -6,14 +6,18 @@
 #include "base/path.h"
 #include "files/recovery.h"
 #include "files/safe_save.h"
+#include "files/utf16.h"
 #include "files/whole_file.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 
 namespace {
 
 constexpr std::size_t kVerifyChunk = 1 << 20;
+constexpr std::size_t kSniffed = 64 << 10;  // bytes that are looked at for UTF-16
+constexpr DWORD kSavePatienceMs = 600;
 
 struct WideBlock {
     HeapBlock<wchar_t> text;
@@ -53,6 +57,50 @@ ByteBlock FromWide(UINT codePage, const WideBlock& wide) {
         result.bytes = std::move(bytes);
     }
     return result;
+}
+
+// Whether the text, put back into the code page, gives these bytes.
+bool GivesBack(UINT codePage, const WideBlock& wide, std::string_view bytes) {
+    constexpr int kUnits = 1 << 14;
+    constexpr int kCapacity = 4 * kUnits;
+    const HeapBlock<char> back{static_cast<char*>(std::malloc(kCapacity))};
+    if (!back) return false;
+    for (int at = 0; at < wide.length;) {
+        int units = std::min(kUnits, wide.length - at);
+        if (at + units < wide.length && IS_HIGH_SURROGATE(wide.text.get()[at + units - 1])) --units;
+        const int got =
+            WideCharToMultiByte(codePage, 0, wide.text.get() + at, units, back.get(), kCapacity, nullptr, nullptr);
+        if (got < 1 || !bytes.starts_with({back.get(), static_cast<std::size_t>(got)})) return false;
+        bytes.remove_prefix(static_cast<std::size_t>(got));
+        at += units;
+    }
+    return bytes.empty();
+}
+
+// A new block with the text; null when memory runs out.
+ByteBlock BlockOf(std::string_view text) {
+    ByteBlock block{HeapBlock<char>{static_cast<char*>(std::malloc(text.size() + 1))}, text.size()};
+    if (!block.bytes) return {};
+    std::memcpy(block.bytes.get(), text.data(), text.size());
+    block.bytes.get()[text.size()] = '\0';
+    return block;
+}
+
+// The text of a UTF-16 file; without a block when the bytes are none.
+ByteBlock FromUtf16(std::string_view raw, DiskForm* form) {
+    const Utf16Kind kind = Utf16KindOf(raw.substr(0, kSniffed));
+    std::string text;
+    if (kind.order == Utf16Order::None || !AppendUtf16AsUtf8(raw.substr(kind.mark ? 2 : 0), kind.order, text))
+        return {};
+    form->utf16 = kind.order;
+    form->mark = kind.mark;
+    return BlockOf(text);
+}
+
+ByteBlock FromAnsi(std::string_view raw, DiskForm* form) {
+    const WideBlock wide = ToWide(CP_ACP, raw.data(), raw.size());
+    form->inexact = !GivesBack(CP_ACP, wide, raw);
+    return FromWide(CP_UTF8, wide);
 }
 
 struct FoundTarget {
@@ -105,58 +153,98 @@ SaveCheck CompareWithFile(const std::wstring& systemPath, const char* bytes, std
     }
 }
 
-bool SaveBytes(const wchar_t* path, const char* bytes, std::size_t length) {
+SaveReport SaveBytes(const wchar_t* path, const char* bytes, std::size_t length) {
     const std::wstring systemPath = PathForSystem(path);
     const FoundTarget found = LookAtTarget(systemPath);
     RecoveryCopy copy;
-    return SafeSave(found.target,
-                    {.writeCopy = [&] { return RecoveryWrite(path, bytes, length, &copy); },
-                     .hasRoom = [&] { return VolumeHasRoom(path, found.target, length); },
-                     .overwrite =
-                         [&] {
-                             return WriteWholeFile(systemPath, {bytes, length}, {.attributes = found.attributes});
-                         },
-                     .check = [&] { return CompareWithFile(systemPath, bytes, length); },
-                     .discardCopy = [&] { RecoveryDiscard(path, copy); },
-                     .keepCopy = [&] { RecoveryKeep(path, copy); }});
+    SaveReport report;
+    bool opened = false;
+    const auto noteError = [&report](bool done) {
+        report.error = done ? 0 : GetLastError();
+        return done;
+    };
+    // Others may read the file meanwhile, because a program that only reads it should not keep the user from saving.
+    const WriteHow how{
+        .attributes = found.attributes, .sharing = FILE_SHARE_READ, .patience = kSavePatienceMs, .opened = &opened};
+    report.end =
+        SafeSave(found.target, {.writeCopy = [&] { return noteError(RecoveryWrite(path, bytes, length, &copy)); },
+                                .hasRoom = [&] { return VolumeHasRoom(path, found.target, length); },
+                                .overwrite =
+                                    [&] {
+                                        return noteError(WriteWholeFile(systemPath, {bytes, length}, how));
+                                    },
+                                .check = [&] { return CompareWithFile(systemPath, bytes, length); },
+                                .discardCopy = [&] { RecoveryDiscard(path, copy); },
+                                .keepCopy = [&] { RecoveryKeep(path, copy); }});
+    if (report.end == SaveEnd::NotWritten && !opened) report.end = SaveEnd::NotOpened;
+    return report;
+}
+
+// The bytes for the disk; without a block on failure.
+ByteBlock Encode(const char* utf8, std::size_t length, TextEncoding encoding, LineEnding lineEnding,
+                 const DiskForm& form) {
+    ByteBlock normal;
+    if (form.keepBreaks)
+        normal = BlockOf({utf8, length});
+    else
+        normal.bytes.reset(NormalizeLineEndings(utf8, length, lineEnding, &normal.length));
+    if (!normal.bytes || normal.length == 0) return normal;  // an empty text is empty in every encoding
+    if (form.utf16 != Utf16Order::None)
+        return BlockOf(Utf8AsUtf16({normal.bytes.get(), normal.length}, form.utf16, form.mark));
+    if (encoding != TextEncoding::Ansi) return normal;
+    const WideBlock wide = ToWide(CP_UTF8, normal.bytes.get(), normal.length);
+    normal.bytes.reset();
+    return FromWide(CP_ACP, wide);
 }
 
 }  // namespace
 
-char* ReadSourceFileForEditor(const wchar_t* path, std::size_t* length, TextEncoding* encoding,
-                              LineEnding* lineEnding) {
+char* ReadSourceFileForEditor(const wchar_t* path, std::size_t* length, TextEncoding* encoding, LineEnding* lineEnding,
+                              DiskForm* form) {
     std::size_t rawLength = 0;
     HeapBlock<char> raw{ReadFileUtf8(path, &rawLength)};
     if (!raw) return nullptr;
+    const std::string_view bytes{raw.get(), rawLength};
     if (lineEnding != nullptr) *lineEnding = DetectLineEnding(raw.get(), rawLength);
     TextEncoding found = TextEncoding::Utf8;
-    ByteBlock text;
-    if (IsValidUtf8Bytes(raw.get(), rawLength)) {
+    DiskForm foundForm;
+    ByteBlock text = FromUtf16(bytes, &foundForm);
+    if (text.bytes) {
+        if (lineEnding != nullptr) *lineEnding = DetectLineEnding(text.bytes.get(), text.length);
+    } else if (IsValidUtf8Bytes(raw.get(), rawLength)) {
         text = {std::move(raw), rawLength};
     } else {
         found = TextEncoding::Ansi;
-        const WideBlock wide = ToWide(CP_ACP, raw.get(), rawLength);
-        raw.reset();
-        text = FromWide(CP_UTF8, wide);
+        text = FromAnsi(bytes, &foundForm);
         if (!text.bytes) return nullptr;
     }
+    foundForm.keepBreaks = std::string_view{text.bytes.get(), text.length}.find('\0') != std::string_view::npos;
     if (encoding != nullptr) *encoding = found;
+    if (form != nullptr) *form = foundForm;
     if (length != nullptr) *length = text.length;
     return text.bytes.release();
 }
 
+bool DecodeCodePage(unsigned codePage, std::string_view bytes, std::string* utf8, bool* exact) {
+    if (bytes.empty()) return true;
+    const WideBlock wide = ToWide(codePage, bytes.data(), bytes.size());
+    const ByteBlock text = FromWide(CP_UTF8, wide);
+    if (!text.bytes) return false;
+    *exact = *exact && GivesBack(codePage, wide, bytes);
+    utf8->append(text.bytes.get(), text.length);
+    return true;
+}
+
 bool WriteSourceFileFromEditor(const wchar_t* path, const char* utf8, std::size_t length, TextEncoding encoding,
-                               LineEnding lineEnding) {
+                               LineEnding lineEnding, const DiskForm& form, SaveReport* report) {
+    if (report != nullptr) *report = {};
     if (path == nullptr || utf8 == nullptr) return false;
     RecoveryKeep(path, {});  // an empty copy: what an earlier failure has left is not this save's copy
-    std::size_t normalLength = 0;
-    HeapBlock<char> normal{NormalizeLineEndings(utf8, length, lineEnding, &normalLength)};
-    if (!normal) return false;
-    if (encoding != TextEncoding::Ansi) return SaveBytes(path, normal.get(), normalLength);
-    const WideBlock wide = ToWide(CP_UTF8, normal.get(), normalLength);
-    normal.reset();
-    const ByteBlock ansi = FromWide(CP_ACP, wide);
-    return ansi.bytes && SaveBytes(path, ansi.bytes.get(), ansi.length);
+    const ByteBlock bytes = Encode(utf8, length, encoding, lineEnding, form);
+    if (!bytes.bytes) return false;
+    const SaveReport result = SaveBytes(path, bytes.bytes.get(), bytes.length);
+    if (report != nullptr) *report = result;
+    return result.end == SaveEnd::Saved;
 }
 
 bool AnsiCanHold(std::string_view utf8) { return AnsiFirstUnmappable(utf8) < 0; }

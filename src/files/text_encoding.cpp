@@ -73,6 +73,11 @@ std::size_t SequenceLength(const char* at, const char* end) {
 
 }  // namespace
 
+const wchar_t* EncodingName(TextEncoding encoding, const DiskForm& form) {
+    if (form.utf16 != Utf16Order::None) return form.utf16 == Utf16Order::Little ? L"UTF-16 LE" : L"UTF-16 BE";
+    return encoding == TextEncoding::Ansi ? L"ANSI" : L"UTF-8";
+}
+
 bool IsValidUtf8Bytes(const char* bytes, std::size_t length) {
     if (length == 0) return true;
     const char* const end = bytes + length;

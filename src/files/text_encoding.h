@@ -8,6 +8,18 @@
 
 enum class TextEncoding : std::uint32_t { Utf8 = 0, Ansi = 1 };  // Ansi: the system's active code page
 enum class LineEnding : std::uint32_t { CrLf = 0, Lf = 1, Cr = 2 };
+enum class Utf16Order : std::uint8_t { None, Little, Big };  // None: the file is not UTF-16
+
+// What a file on the disk is beside its TextEncoding and its LineEnding.
+struct DiskForm {
+    Utf16Order utf16 = Utf16Order::None;  // the TextEncoding is then Utf8
+    bool mark = false;                    // UTF-16 that begins with a byte-order mark
+    bool inexact = false;                 // the text does not give back the bytes from which it was decoded
+    bool keepBreaks = false;              // holds NUL bytes, so its line breaks are data and stay as they are
+};
+
+// The name that the user sees.
+const wchar_t* EncodingName(TextEncoding encoding, const DiskForm& form);
 
 // True for well-formed UTF-8. Overlong forms, surrogates and code points beyond U+10FFFF are not; NUL bytes are.
 bool IsValidUtf8Bytes(const char* bytes, std::size_t length);

@@ -11,6 +11,9 @@ struct WriteHow {
     DWORD attributes = FILE_ATTRIBUTE_NORMAL;
     bool flush = true;          // flushes the bytes to the disk before it returns
     bool removeFailed = false;  // deletes a file that was opened but not written whole
+    DWORD sharing = 0;
+    DWORD patience = 0;      // ms to try again for, while another program holds the file
+    bool* opened = nullptr;  // becomes true once the file is open, and with CREATE_ALWAYS empty
 };
 
 // Returns true when all bytes were written; 4 GiB and more are refused. After a failed write GetLastError() tells the

@@ -149,9 +149,44 @@ TEST(SaveRules, NothingIsReplacedOrOverwrittenUnasked) {
     const std::wstring label(259, L'n');
     EXPECT_EQ(SaveQuestion(label.c_str()), L"Save changes to " + label + L"?");
 
-    const FileBinding binding = BindingForNewName(L"C:\\x\\new.bas");
+    const FileBinding binding = BindingForNewName(L"C:\\x\\new.bas", {});
     EXPECT_STREQ(binding.label, L"new.bas");
     EXPECT_TRUE(binding.hasFile && binding.encoding == TextEncoding::Ansi && binding.lineEnding == LineEnding::CrLf);
+}
+
+TEST(SaveRules, AsksBeforeAFileChangesItsForm) {
+    struct Case {
+        bool inexact, utf16, sameFile;
+        Answer answer;
+        int questions;
+        FormChoice choice;
+        Utf16Order kept;
+    };
+    using enum FormChoice;
+    constexpr auto kNone = Utf16Order::None, kBig = Utf16Order::Big;
+    for (const Case& test : {Case{false, false, true, Answer::Cancel, 0, Save, kNone},
+                             {true, false, true, Answer::Yes, 1, OtherName, kNone},
+                             {true, false, true, Answer::No, 1, Save, kNone},
+                             {true, false, true, Answer::Cancel, 1, Cancel, kNone},
+                             {true, false, false, Answer::Cancel, 0, Save, kNone},
+                             {false, true, true, Answer::Yes, 1, Save, kBig},
+                             {false, true, false, Answer::No, 1, Save, kNone},
+                             {false, true, true, Answer::Cancel, 1, Cancel, kBig}}) {
+        FileBinding binding;
+        binding.form = {.utf16 = test.utf16 ? kBig : kNone, .inexact = test.inexact};
+        int questions = 0;
+        const auto ask = [&](const std::wstring&) { return ++questions, test.answer; };
+        EXPECT_EQ(SaveAsksAboutForm(binding), test.inexact || test.utf16);
+        EXPECT_EQ(ChooseForm(binding, test.sameFile, ask), test.choice);
+        EXPECT_EQ(questions, test.questions);
+        EXPECT_EQ(binding.form.utf16, test.kept);
+        if (test.choice != Save || test.inexact) continue;
+        EXPECT_EQ(ChooseForm(binding, test.sameFile, ask), Save);
+        EXPECT_EQ(questions, test.questions) << "asked once";
+    }
+    const std::wstring text = FailedSaveText(L"C:\\a.bas", {SaveEnd::NotOpened, 32}, L"In use.", L"D:\\copy.bas");
+    EXPECT_TRUE(text.starts_with(L"Failed to save file: C:\\a.bas\n"));
+    EXPECT_TRUE(text.find(L"In use. (error 32)") != text.npos && text.ends_with(L"D:\\copy.bas"));
 }
 
 // A text that was read in pieces, of at most `most` bytes a read.
@@ -212,6 +247,7 @@ TEST(TextPieces, TellsWhatIsNoUtf8) {
         EXPECT_EQ(MoveInPieces(text, 1).result.end, PiecesEnd::NotUtf8) << text;
         EXPECT_EQ(MoveInPieces(text, 100).result.end, PiecesEnd::NotUtf8) << text;
     }
+    EXPECT_EQ(MoveInPieces({"a\0b\0", 4}, 100).result.end, PiecesEnd::NotUtf8) << "UTF-16";
     EXPECT_EQ(MoveInPieces("", 100).result.end, PiecesEnd::Done);
     EXPECT_EQ(MoveInPieces("ends in CR\r", 100).result.lineEnding, LineEnding::Cr);
     const PiecesResult failed = MoveTextPieces(

@@ -5,6 +5,7 @@
 #include "files/recovery.h"
 #include "files/safe_save.h"
 #include "files/text_encoding.h"
+#include "files/utf16.h"
 
 #include <gtest/gtest.h>
 
@@ -93,31 +94,64 @@ TEST(Files, ASaveNeverLeavesTheUserWithoutOldAndNewText) {
         bool copy, room, overwrite;
         SaveCheck check;
         const char* steps;
-        bool saved;
+        SaveEnd end;
     };
-    using enum SaveCheck;
+    using SaveCheck::Same;
+    using SaveCheck::Unreadable;
+    using enum SaveEnd;
     for (const Case& test : {
-             Case{"all well", false, 9, true, true, true, Same, "crokD", true},
-             {"a new file", false, 0, true, true, true, Same, "crokD", true},
-             {"read-only: the copy is what remains", true, 9, true, true, true, Same, "cK", false},
-             {"no copy: the old text is the only one", false, 9, false, true, true, Same, "cK", false},
-             {"no copy, but nothing to lose", false, 0, false, true, true, Same, "crokD", true},
-             {"no room: not even cut short", false, 9, true, false, true, Same, "crK", false},
-             {"the disk failed", false, 9, true, true, false, Same, "croK", false},
-             {"other bytes came back", false, 9, true, true, true, Different, "crokK", false},
-             {"cannot be read back", false, 9, true, true, true, Unreadable, "crokK", true},
+             Case{"all well", false, 9, true, true, true, Same, "crokD", Saved},
+             {"a new file", false, 0, true, true, true, Same, "crokD", Saved},
+             {"read-only: the copy is what remains", true, 9, true, true, true, Same, "cK", ReadOnly},
+             {"no copy: the old text is the only one", false, 9, false, true, true, Same, "cK", NoCopy},
+             {"no copy, but nothing to lose", false, 0, false, true, true, Same, "crokD", Saved},
+             {"no room: not even cut short", false, 9, true, false, true, Same, "crK", NoRoom},
+             {"the disk failed", false, 9, true, true, false, Same, "croK", NotWritten},
+             {"other bytes came back", false, 9, true, true, true, SaveCheck::Different, "crokK", SaveEnd::Different},
+             {"cannot be read back", false, 9, true, true, true, Unreadable, "crokK", Saved},
          }) {
         std::string steps;
-        const bool saved = SafeSave({.readOnly = test.readOnly, .size = test.size},
-                                    {.writeCopy = [&] { return steps += 'c', test.copy; },
-                                     .hasRoom = [&] { return steps += 'r', test.room; },
-                                     .overwrite = [&] { return steps += 'o', test.overwrite; },
-                                     .check = [&] { return steps += 'k', test.check; },
-                                     .discardCopy = [&] { steps += 'D'; },
-                                     .keepCopy = [&] { steps += 'K'; }});
+        const SaveEnd end = SafeSave({.readOnly = test.readOnly, .size = test.size},
+                                     {.writeCopy = [&] { return steps += 'c', test.copy; },
+                                      .hasRoom = [&] { return steps += 'r', test.room; },
+                                      .overwrite = [&] { return steps += 'o', test.overwrite; },
+                                      .check = [&] { return steps += 'k', test.check; },
+                                      .discardCopy = [&] { steps += 'D'; },
+                                      .keepCopy = [&] { steps += 'K'; }});
         EXPECT_EQ(steps, test.steps) << test.name;
-        EXPECT_EQ(saved, test.saved) << test.name;
+        EXPECT_EQ(end, test.end) << test.name;
     }
+}
+
+// A text with every kind of character, cut at every byte; and files that must not be taken for UTF-16.
+TEST(Files, Utf16IsReadAndWrittenBack) {
+    const std::string utf8 = "PRINT \"\xC3\xA9 \xE4\xB8\x80 \xE2\x82\xAC \xF0\x9F\x98\x80\"\r\n";
+    for (const Utf16Order order : {Utf16Order::Little, Utf16Order::Big}) {
+        for (const bool mark : {false, true}) {
+            const std::string bytes = Utf8AsUtf16(utf8, order, mark);
+            const Utf16Kind kind = Utf16KindOf(bytes);
+            EXPECT_EQ(kind.order, order);
+            EXPECT_EQ(kind.mark, mark);
+            for (std::size_t cut = mark ? 2 : 0; cut <= bytes.size(); ++cut) {
+                const std::size_t whole = WholeUtf16(std::string_view{bytes}.substr(0, cut), order);
+                std::string text;
+                EXPECT_TRUE(AppendUtf16AsUtf8(std::string_view{bytes}.substr(0, whole), order, text)) << cut;
+                EXPECT_LE(cut - whole, 3U);
+                EXPECT_TRUE(AppendUtf16AsUtf8(std::string_view{bytes}.substr(whole), order, text)) << cut;
+                EXPECT_EQ(text, (mark ? "\xEF\xBB\xBF" : "") + utf8) << cut;
+            }
+        }
+    }
+    for (const std::string_view bytes :
+         {""sv, "a"sv, "plain"sv, "a\0\0b\r\n\0"sv, "MZ\x90\0\3\0\0\0"sv, "a\0b\0c"sv, "\0\xD8z\0"sv, "\1\0\2\0"sv})
+        EXPECT_EQ(Utf16KindOf(bytes).order, Utf16Order::None) << bytes;
+    std::string ignored;
+    for (const std::string_view half : {"a"sv, "\0\xD8"sv,
+                                        "\0\xD8"
+                                        "a\0"sv,
+                                        "\0\xDC"sv})
+        EXPECT_FALSE(AppendUtf16AsUtf8(half, Utf16Order::Little, ignored)) << half;
+    EXPECT_EQ(Utf8AsUtf16("a\xFF", Utf16Order::Big, false), "\0a\xFF\xFD"sv);
 }
 
 TEST(Files, FindsTheFirstCharacterThatIsRefused) {

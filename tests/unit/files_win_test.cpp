@@ -4,6 +4,7 @@
 #include "base/handles.h"
 #include "base/path.h"
 #include "base/wide_format.h"
+#include "files/file_identity.h"
 #include "files/file_io.h"
 #include "files/recovery.h"
 #include "settings/file_types.h"
@@ -18,6 +19,8 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <thread>
+#include <utility>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -126,15 +129,66 @@ TEST_F(FilesWin, WithoutAUserFolderTheCopyStandsBesideTheTarget) {
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
-TEST_F(FilesWin, SavingKeepsAttributesAndRefusesEmptyAnsi) {
+TEST_F(FilesWin, SavingKeepsAttributesAndTakesAnEmptyText) {
     // Windows refuses CREATE_ALWAYS over a hidden file unless the attribute is given; Wine does not.
     const fs::path path = root_ / L"hidden.bas";
     WriteBytes(path, "old");
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_ARCHIVE);
     EXPECT_TRUE(Save(path, "new"));
     EXPECT_EQ(GetFileAttributesW(path.c_str()), DWORD{FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_ARCHIVE});
-    EXPECT_FALSE(Save(path, "", TextEncoding::Ansi));
-    EXPECT_EQ(Bytes(path), "new");
+    EXPECT_TRUE(Save(path, "", TextEncoding::Ansi));
+    EXPECT_EQ(Bytes(path), "");
+}
+
+TEST_F(FilesWin, ReadersDoNotKeepOneFromSaving) {
+    const fs::path path = root_ / L"read.bas";
+    WriteBytes(path, "old");
+    const auto open = [&path](DWORD sharing) {
+        return CreateFileW(path.c_str(), GENERIC_READ, sharing, nullptr, OPEN_EXISTING, 0, nullptr);
+    };
+    const UniqueHandle reader{open(FILE_SHARE_READ | FILE_SHARE_WRITE)};
+    EXPECT_TRUE(Save(path, "new"));
+    std::thread scanner;  // holds the file for a moment only
+    {
+        UniqueHandle held{open(FILE_SHARE_READ)};
+        scanner = std::thread{[held = std::move(held)] { Sleep(150); }};
+    }
+    EXPECT_TRUE(Save(path, "newer"));
+    scanner.join();
+    EXPECT_EQ(Bytes(path), "newer");
+}
+
+TEST_F(FilesWin, AFileIsKnownUnderItsOtherNames) {
+    const fs::path path = root_ / L"a long name.bas";
+    const fs::path link = root_ / L"link.bas";
+    WriteBytes(path, "x");
+    WriteBytes(root_ / L"other.bas", "x");
+    ASSERT_TRUE(CreateHardLinkW(link.c_str(), path.c_str(), nullptr));
+    const FileIdentity identity = FileIdentityOf(path.c_str());
+    EXPECT_TRUE(identity.IsKnown());
+    EXPECT_EQ(FileIdentityOf(link.c_str()), identity);
+    EXPECT_FALSE(FileIdentityOf((root_ / L"other.bas").c_str()) == identity);
+    EXPECT_FALSE(FileIdentityOf((root_ / L"missing").c_str()).IsKnown());
+}
+
+// Code page 932: a cut pair, and a second place of a character, do not come back.
+TEST_F(FilesWin, TellsWhatACodePageDoesNotGiveBack) {
+    const struct {
+        std::string bytes;
+        bool exact;
+    } cases[] = {{"abc\r\n", true},
+                 {"\x93\xFA\x96\x7B \xB1", true},
+                 {std::string(70000, 'x') + "\x93\xFA", true},
+                 {"a\x93", false},
+                 {"\x81\x20z", false},
+                 {"\x87\x90", false}};
+    for (const auto& test : cases) {
+        std::string utf8 = "<";
+        bool exact = true;
+        EXPECT_TRUE(DecodeCodePage(932, test.bytes, &utf8, &exact));
+        EXPECT_EQ(exact, test.exact) << test.bytes.substr(0, 9);
+        EXPECT_TRUE(utf8.starts_with('<') && utf8.size() > 1);
+    }
 }
 
 TEST_F(FilesWin, ReadingRefusesWhatIsNoFile) {

@@ -47,8 +47,7 @@ TEST(Files, EditingUndoAndSavingKeepEveryByte) {
         {"no_final_break", "a\r\nb", "", L"UTF-8", L"CRLF"},
         {"one_line", "a", "", L"UTF-8", L"CRLF"},
         {"empty", "", "", L"UTF-8", L"CRLF"},
-        {"with_nul", "a\0\0b\r\n\0"s, "", L"UTF-8", L"CRLF"},
-        {"utf16_ascii", "a\0b\0"s, "", L"UTF-8", L"CRLF"},
+        {"with_nul", "a\0\0b\r\n\0\n\r"s, "", L"UTF-8", L"CRLF"},
         {"bom", "\xEF\xBB\xBFPRINT\n", "", L"UTF-8", L"LF"},
         {"mixed_cr_first", "a\rb\r\nc\n", "a\rb\rc\r", L"UTF-8", L"CR"},
         {"mixed_lf_first", "a\nb\r\nc\r", "a\nb\nc\n", L"UTF-8", L"LF"},
@@ -117,15 +116,15 @@ TEST(Files, OpenSaveAsAndReload) {
     EXPECT_FALSE(Exists(folder.File(L"never.bas")));
     EXPECT_EQ(editor.TabLabel(0), L"Untitled");
 
-    // An empty document cannot be saved as ANSI, by design; it stays untitled.
     editor.Do(IDM_EDIT_UNDO);
     editor.Post(IDM_FILE_SAVE);
     editor.AnswerFileDialog(folder.File(L"empty.bas"));
-    editor.Answer(kProgramTitle, L"Failed to save file: " + folder.File(L"empty.bas"), IDOK);
+    EXPECT_TRUE(WaitFor([&] { return editor.TabLabel(0) == L"empty.bas"; })) << editor.Describe();
+    EXPECT_TRUE(Exists(folder.File(L"empty.bas")));
 
     // Text that ANSI does not have is never replaced unasked.
     editor.Type("\xE6\x97\xA5");
-    editor.Post(IDM_FILE_SAVE);
+    editor.Post(IDM_FILE_SAVE_AS);
     editor.AnswerFileDialog(folder.File(L"kanji.bas"));
     editor.Answer(kProgramTitle, L"", IDYES);
     EXPECT_TRUE(WaitFor([&] { return editor.Status(kPartEncoding) == L"UTF-8" && !editor.Modified(); }));
@@ -297,17 +296,62 @@ TEST(Files, FailedSaveLosesNothing) {
     EXPECT_EQ(CountCopies(folder.File(L"local"), "read-only 1 locked 2 old\r\n"), 0)
         << "a verified save needs no copy any more";
 
-    // A save under a new name that fails (an empty document cannot be ANSI) leaves the document to its own file.
-    editor.Do(IDM_EDIT_SELECT_ALL);
-    editor.Do(IDM_EDIT_CUT);
+    // A save under a new name that fails leaves the document to its own file.
     editor.Post(IDM_FILE_SAVE_AS);
-    editor.AnswerFileDialog(folder.File(L"other.bas"));
-    editor.Answer(kProgramTitle, L"Failed to save file: " + folder.File(L"other.bas"), IDOK);
+    editor.AnswerFileDialog(folder.File(L"no folder\\other.bas"));
+    editor.Answer(kProgramTitle, L"", IDOK);
     EXPECT_EQ(editor.TabLabel(0), L"a.bas");
-    editor.Type("later");
+
+    // A failed save of an unmodified document: its file may be damaged, so no undo makes it unmodified. The box says why
+    // and where the text is.
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
+    editor.Post(IDM_FILE_SAVE);
+    const Dialog box = editor.AwaitDialog(kProgramTitle);
+    EXPECT_NE(box.text.find(L"read-only"), std::wstring::npos) << Utf8(box.text);
+    EXPECT_NE(box.text.find(L"\\Recovery\\a ["), std::wstring::npos) << Utf8(box.text);
+    editor.Press(box, IDOK);
+    editor.Type("x");
+    editor.Do(IDM_EDIT_UNDO);
+    editor.Post(IDM_FILE_CLOSE);
+    editor.Answer(kUnsaved, L"Save changes to a.bas?", IDCANCEL);
+    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
     editor.Do(IDM_FILE_SAVE);
-    EXPECT_EQ(folder.Read(L"a.bas"), "later");
-    EXPECT_FALSE(Exists(folder.File(L"other.bas")));
+    editor.Do(IDM_FILE_CLOSE);
+    EXPECT_TRUE(WaitFor([&] { return editor.Title() == L"Untitled - KVXE Editor"; })) << editor.Describe();
+}
+
+// UTF-16 is read as text and saved as the user says; the same file under a second name is no second document.
+TEST(Files, Utf16AndSecondNames) {
+    using namespace std::string_literals;
+    ProgramFolder folder;
+    const std::wstring path = folder.Write(L"u.bas",
+                                           "\xFF\xFE"
+                                           "a\0\xAC\x20\r\0\n\0"s);
+    const std::wstring link = folder.File(L"link.bas");
+    ASSERT_TRUE(CreateHardLinkW(link.c_str(), path.c_str(), nullptr));
+    Editor editor(folder, OpenArgument(path) + OpenArgument(link));
+    EXPECT_EQ(editor.Tabs(), 1);
+    EXPECT_EQ(editor.Text(), "a\xE2\x82\xAC\r\n");
+    EXPECT_EQ(editor.Status(kPartEncoding), L"UTF-16 LE");
+    EXPECT_TRUE(editor.AwaitOutput(L"[File] u.bas is UTF-16 text."));
+    editor.Type("x");
+    editor.Send(editor.main, WM_TIMER, TIMER_AUTO_SAVE);  // asks nothing by itself
+    editor.Post(IDM_FILE_SAVE);
+    editor.Answer(kProgramTitle, L"u.bas is UTF-16 text", IDYES);
+    EXPECT_TRUE(WaitFor([&] { return !editor.Modified(); }));
+    EXPECT_EQ(folder.Read(L"u.bas"),
+              "\xFF\xFEx\0"
+              "a\0\xAC\x20\r\0\n\0"s);
+    editor.Type("y");
+    editor.Do(IDM_FILE_SAVE);
+    EXPECT_EQ(folder.Read(L"u.bas").size(), 14U) << "asked once";
+    editor.Do(IDM_FILE_RELOAD);
+    editor.Type("z");
+    editor.Post(IDM_FILE_SAVE);
+    editor.Answer(kProgramTitle, L"u.bas is UTF-16 text", IDNO);
+    EXPECT_TRUE(WaitFor([&] { return editor.Status(kPartEncoding) == L"UTF-8"; }));
+    EXPECT_EQ(folder.Read(L"u.bas"), "xyza\xE2\x82\xAC\r\n");
+    EXPECT_EQ(editor.Close(), 0u);
 }
 
 // KVX_SMALL_DISK names a folder on a disk of a few hundred kilobytes that the tests may fill (scripts/test mounts one).

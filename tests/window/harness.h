@@ -133,7 +133,7 @@ struct Editor {
     std::vector<Dialog> Dialogs() const;
     Dialog AwaitDialog(std::wstring_view caption) const;  // a failure and an empty record when none comes
     void Press(const Dialog& dialog, int button) const;   // and waits until it is gone
-    void Answer(std::wstring_view caption, std::wstring_view text, int button) const;  // text: all of it, or "" for any
+    void Answer(std::wstring_view caption, std::wstring_view text, int button) const;  // text: how it begins
     void AnswerFileDialog(const std::wstring& path, int button = IDOK) const;
 
     // Tabs and the active document

@@ -1,0 +1,20 @@
+// How a save ended, and why. Pure.
+#pragma once
+
+#include <cstdint>
+
+enum class SaveEnd : std::uint8_t {
+    Saved,
+    NotEncoded,  // the text could not be converted, or memory ran out
+    ReadOnly,    // the file has the read-only attribute
+    NoCopy,      // no recovery copy could be written, so the old file was not touched
+    NoRoom,      // the volume is too full, so the old file was not touched
+    NotOpened,   // the file could not be opened for writing and was not touched
+    NotWritten,  // a part of the file may have been written
+    Different,   // the file was written, but other bytes came back
+};
+
+struct SaveReport {
+    SaveEnd end = SaveEnd::NotEncoded;
+    unsigned long error = 0;  // the system's error code for NoCopy, NotOpened and NotWritten; 0: not known
+};
