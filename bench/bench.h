@@ -97,6 +97,7 @@ double RunFloor(const std::wstring& arguments);
 // --- The measurements
 void MeasureStart();
 void MeasureKeys();
+void MeasureEdits();
 void MeasureOutput();
 void MeasureStop();
 void MeasureCode();

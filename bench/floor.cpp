@@ -1,5 +1,7 @@
 // The floor program: does as little as a program can for the same result. KVX-Editor is measured against it.
 //   floor.exe FILE            one window with one Scintilla pane that holds the file; ends when its window is closed
+//   floor.exe --replace edit|undo FILE, --indent edit|undo FILE
+//                             replaces each "total" or indents each line; prints the milliseconds of that or its undo
 //   floor.exe --output LINES  a Rich Edit fed that many lines, a tenth of them coloured, as RTF blocks of 1,000;
 //                             prints the milliseconds and ends
 // Uses no code of the editor. Scintilla.dll is loaded from the folder above the one of this executable.
@@ -80,20 +82,24 @@ bool LoadScintilla() {
     return LoadLibraryW((folder + L"\\Scintilla.dll").c_str()) != nullptr;
 }
 
+// Makes the frame with a Scintilla pane that holds the file. Returns null when it cannot.
+HWND FrameWithFile(const wchar_t* path, HWND* pane) {
+    if (!LoadScintilla()) return nullptr;
+    const HWND frame = CreateFrame(L"Scintilla", 0, kWindowHeight, pane);
+    const FileBytes file = ReadWhole(path);
+    if (frame == nullptr || !file.read) return nullptr;
+    SendMessageW(*pane, SCI_SETUNDOCOLLECTION, 0, 0);
+    SendMessageW(*pane, SCI_SETCODEPAGE, SC_CP_UTF8, 0);
+    SendMessageW(*pane, SCI_ADDTEXT, file.size, reinterpret_cast<LPARAM>(file.bytes.get()));
+    SendMessageW(*pane, SCI_SETUNDOCOLLECTION, 1, 0);
+    SendMessageW(*pane, SCI_GOTOPOS, 0, 0);
+    return frame;
+}
+
 int ShowFile(const wchar_t* path) {
-    if (!LoadScintilla()) return Fail("cannot load Scintilla.dll");
     HWND pane = nullptr;
-    const HWND frame = CreateFrame(L"Scintilla", 0, kWindowHeight, &pane);
-    if (frame == nullptr) return Fail("cannot make the window");
-    {
-        const FileBytes file = ReadWhole(path);
-        if (!file.read) return Fail("cannot read the file");
-        SendMessageW(pane, SCI_SETUNDOCOLLECTION, 0, 0);
-        SendMessageW(pane, SCI_SETCODEPAGE, SC_CP_UTF8, 0);
-        SendMessageW(pane, SCI_ADDTEXT, file.size, reinterpret_cast<LPARAM>(file.bytes.get()));
-        SendMessageW(pane, SCI_SETUNDOCOLLECTION, 1, 0);
-        SendMessageW(pane, SCI_GOTOPOS, 0, 0);
-    }
+    const HWND frame = FrameWithFile(path, &pane);
+    if (frame == nullptr) return Fail("cannot show the file");
     ShowWindow(frame, SW_SHOW);
     UpdateWindow(frame);
     SetFocus(pane);
@@ -166,6 +172,48 @@ int FeedOutput(int lines) {
     return 0;
 }
 
+// Replaces each "total" from the end to the start, or indents each line, and undoes it. Prints the milliseconds of the
+// edit or of its undo.
+int EditFile(bool indent, bool undo, const wchar_t* path) {
+    HWND pane = nullptr;
+    const HWND frame = FrameWithFile(path, &pane);
+    if (frame == nullptr) return Fail("cannot show the file");
+    const auto call = reinterpret_cast<SciFnDirect>(SendMessageW(pane, SCI_GETDIRECTFUNCTION, 0, 0));
+    const sptr_t pointer = SendMessageW(pane, SCI_GETDIRECTPOINTER, 0, 0);
+    const auto send = [&](unsigned message, uptr_t wParam, sptr_t lParam) {
+        return call(pointer, message, wParam, lParam);
+    };
+    ShowWindow(frame, SW_SHOW);
+    DrainMessages();
+    LARGE_INTEGER frequency, start, edited, undone;
+    QueryPerformanceFrequency(&frequency);
+    QueryPerformanceCounter(&start);
+    send(SCI_BEGINUNDOACTION, 0, 0);
+    const auto text = [](const char* bytes) { return reinterpret_cast<sptr_t>(bytes); };
+    if (indent) {
+        for (sptr_t line = send(SCI_GETLINECOUNT, 0, 0) - 2; line > 0; --line) {
+            const sptr_t at = send(SCI_POSITIONFROMLINE, static_cast<uptr_t>(line), 0);
+            send(SCI_SETTARGETRANGE, static_cast<uptr_t>(at), at);
+            send(SCI_REPLACETARGET, 4, text("    "));
+        }
+    } else {
+        for (sptr_t at = send(SCI_GETLENGTH, 0, 0); at > 0;) {
+            send(SCI_SETTARGETRANGE, static_cast<uptr_t>(at), 0);
+            at = send(SCI_SEARCHINTARGET, 5, text("total"));
+            if (at >= 0) send(SCI_REPLACETARGET, 11, text("grand_total"));
+        }
+    }
+    send(SCI_ENDUNDOACTION, 0, 0);
+    UpdateWindow(pane);
+    QueryPerformanceCounter(&edited);
+    send(SCI_UNDO, 0, 0);
+    UpdateWindow(pane);
+    QueryPerformanceCounter(&undone);
+    const LONGLONG ticks = undo ? undone.QuadPart - edited.QuadPart : edited.QuadPart - start.QuadPart;
+    std::printf("%.1f\n", 1000.0 * static_cast<double>(ticks) / static_cast<double>(frequency.QuadPart));
+    return 0;
+}
+
 }  // namespace
 
 int main() {
@@ -173,7 +221,10 @@ int main() {
     wchar_t** arguments = CommandLineToArgvW(GetCommandLineW(), &count);
     if (arguments == nullptr) return Fail("no command line");
     if (count == 3 && wcscmp(arguments[1], L"--output") == 0) return FeedOutput(_wtoi(arguments[2]));
+    const bool indent = count == 4 && wcscmp(arguments[1], L"--indent") == 0;
+    if (indent || (count == 4 && wcscmp(arguments[1], L"--replace") == 0))
+        return EditFile(indent, wcscmp(arguments[2], L"undo") == 0, arguments[3]);
     if (count == 2) return ShowFile(arguments[1]);
-    std::fprintf(stderr, "usage: floor FILE | floor --output LINES\n");
+    std::fprintf(stderr, "usage: floor FILE | floor --output LINES | floor --replace|--indent edit|undo FILE\n");
     return 2;
 }

@@ -1,4 +1,4 @@
-// Measures KVX-Editor and the floor program:  bench [start] [keys] [output] [stop] [debugger] [maps] [code]
+// Measures KVX-Editor and the floor program:  bench [start] [keys] [edits] [output] [stop] [debugger] [maps] [code]
 // Without a name all are measured.
 #include "bench.h"
 
@@ -13,8 +13,8 @@ struct Measurement {
     void (*run)();
 };
 constexpr Measurement kMeasurements[] = {
-    {"start", MeasureStart},       {"keys", MeasureKeys}, {"output", MeasureOutput}, {"stop", MeasureStop},
-    {"debugger", MeasureDebugger}, {"maps", MeasureMaps}, {"code", MeasureCode}};
+    {"start", MeasureStart}, {"keys", MeasureKeys},         {"edits", MeasureEdits}, {"output", MeasureOutput},
+    {"stop", MeasureStop},   {"debugger", MeasureDebugger}, {"maps", MeasureMaps},   {"code", MeasureCode}};
 
 bool Wanted(int argc, char** argv, const std::string& name) {
     for (int i = 1; i < argc; ++i)
@@ -29,10 +29,10 @@ int main(int argc, char** argv) {
         bool known = false;
         for (const Measurement& m : kMeasurements) known = known || std::string(m.name) == argv[i];
         if (!known) {
-            std::fprintf(
-                stderr,
-                "bench: there is no measurement \"%s\"; there are start, keys, output, stop, debugger, maps, code\n",
-                argv[i]);
+            std::fprintf(stderr,
+                         "bench: there is no measurement \"%s\"; there are start, keys, edits, output, stop, debugger, "
+                         "maps, code\n",
+                         argv[i]);
             return 2;
         }
     }

@@ -75,8 +75,18 @@ bool ColourSlice(HWND editor, PaneState& state) {
     return to < length;
 }
 
+// How long the text must still stay unchanged until it counts as quiet. 0: it is.
+UINT QuietMsLeft(const PaneState& state) {
+    const ULONGLONG quiet = GetTickCount64() - state.changedAt;
+    return quiet >= kQuietMs ? 0 : static_cast<UINT>(kQuietMs - quiet);
+}
+
 void CALLBACK OnColourTimer(HWND editor, UINT, UINT_PTR timer, DWORD) {
     PaneState* state = PaneStateOf(editor);
+    if (const UINT wait = state != nullptr ? QuietMsLeft(*state) : 0; wait > 0) {
+        SetTimer(editor, timer, std::max(wait, kSliceMs), OnColourTimer);
+        return;
+    }
     if (state != nullptr && ColourSlice(editor, *state)) {
         SetTimer(editor, timer, kSliceMs, OnColourTimer);
     } else {
@@ -99,7 +109,10 @@ void EditorColourRestart(HWND editor, LRESULT position) {
     const LRESULT start = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line), 0);
     state->coloured = std::min(state->coloured, start);
     ClaimColoured(editor);
-    StartColourTimer(editor, *state);
+    state->changedAt = GetTickCount64();
+    // The timer is armed once, because arming it costs more than the rest of a change, of which a command may make
+    // 200,000. A timer that runs already waits longer (OnColourTimer).
+    if (!state->colouring) StartColourTimer(editor, *state);
 }
 
 void EditorColourStop(HWND editor) { KillTimer(editor, kTimer); }

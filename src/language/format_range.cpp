@@ -17,6 +17,21 @@ std::vector<std::string_view> LinesWithBreaks(std::string_view text) {
     return lines;
 }
 
+// Whether a character could be divided before this byte.
+bool IsInsideCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
+
+// The part in which two lines differ.
+TextReplacement DifferentPart(std::size_t start, std::string_view old, std::string_view wanted) {
+    const std::size_t least = std::min(old.size(), wanted.size());
+    std::size_t front = 0;
+    while (front < least && old[front] == wanted[front]) ++front;
+    while (front > 0 && front < old.size() && IsInsideCharacter(old[front])) --front;
+    std::size_t back = 0;
+    while (back < least - front && old[old.size() - back - 1] == wanted[wanted.size() - back - 1]) ++back;
+    while (back > 0 && IsInsideCharacter(old[old.size() - back])) --back;
+    return {start + front, old.size() - front - back, wanted.substr(front, wanted.size() - front - back)};
+}
+
 std::string_view WithoutBreak(std::string_view line) { return line.substr(0, line.find_last_not_of("\r\n") + 1); }
 
 }  // namespace
@@ -32,7 +47,8 @@ std::vector<TextReplacement> LineReplacements(std::string_view before, std::stri
     std::vector<TextReplacement> replacements;
     std::size_t start = 0;
     for (std::size_t i = 0; i < old.size(); ++i) {
-        if (old[i] != wanted[i]) replacements.push_back({start, WithoutBreak(old[i]).size(), WithoutBreak(wanted[i])});
+        if (old[i] != wanted[i])
+            replacements.push_back(DifferentPart(start, WithoutBreak(old[i]), WithoutBreak(wanted[i])));
         start += wanted[i].size();
     }
     return replacements;

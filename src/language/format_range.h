@@ -20,6 +20,6 @@ struct TextReplacement {
     std::string_view text;  // part of `after`
     bool operator==(const TextReplacement&) const = default;
 };
-// What makes `after` out of `before`: only the lines that differ, each without its break, because a line that loses its
-// break for a moment gives its marks to the next one. One replacement of all when the number of lines differs.
+// What makes `after` out of `before`: in each line that differs, the part that differs. A break is never replaced, because
+// a line that loses its break for a moment gives its marks to the next one. One replacement of all when the number of lines differs.
 std::vector<TextReplacement> LineReplacements(std::string_view before, std::string_view after);

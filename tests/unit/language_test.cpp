@@ -345,8 +345,10 @@ TEST(FormatRange, ReplacesOnlyTheLinesThatDiffer) {
         EXPECT_EQ(text, each.after) << each.name;
     }
     const std::string_view before = "a\r\n b\r\n";
-    EXPECT_EQ(LineReplacements(before, "a\r\nb\r\n"), (std::vector<TextReplacement>{{3, 2, "b"}}))
+    EXPECT_EQ(LineReplacements(before, "a\r\nb\r\n"), (std::vector<TextReplacement>{{3, 1, ""}}))
         << "the break stays, and with it the marks of the line";
+    for (const std::string_view wanted : {"\xC3\xA8", "\xC4\xA9"})  // the first or the last byte is the same
+        EXPECT_EQ(LineReplacements("\xC3\xA9", wanted), (std::vector<TextReplacement>{{0, 2, wanted}}));
 }
 
 TEST(FormatRange, TakesWholeLines) {
