@@ -6,6 +6,7 @@
 #include "commands/view_commands.h"
 #include "compile/build.h"
 #include "debugui/debug_commands.h"
+#include "debugui/debug_run.h"
 #include "documents/document_row.h"
 #include "documents/editor_format.h"
 #include "documents/editor_pane.h"
@@ -137,6 +138,8 @@ void MainWnd_OnCommand(int command, int notification, HWND control) {
         if (command == IDM_DEBUG_STOP || command == IDM_DEBUG_BUTTON_STOP) DebugStopWaiting(false);
         return;
     }
+    // F5 is the key of Build & Run; while a program stands, it is expected to go on.
+    if (command == IDM_BUILD_RUN && FlowIsStopped(DebugFlowNow())) command = IDM_DEBUG_CONTINUE;
     // A key or a posted command may come when the command is not possible; the table decides, not the sender.
     if (!CommandStateOf(command, CurrentCommandView()).enabled) return;
     if (RunCommandHandler(kFrameHandlers, command) || RunCommandHandler(ViewCommandHandlers(), command) ||

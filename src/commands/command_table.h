@@ -31,10 +31,11 @@ struct CommandView {
     bool toolbar = false, statusBar = false;
     std::uint32_t panes = 0;  // PaneBit of the panes that are shown (ui/pane_id.h)
     bool whitespace = false, wrap = false;
-    int theme = 0;     // 0 light, 1 dark
-    int style = 0;     // style preset, 0: none
-    int compiler = 0;  // CompilerId
-    int profile = 0;   // build profile: 0 debug, 1 release, 2 fast
+    bool stepsFollow = false;  // steps follow the program
+    int theme = 0;             // 0 light, 1 dark
+    int style = 0;             // style preset, 0: none
+    int compiler = 0;          // CompilerId
+    int profile = 0;           // build profile: 0 debug, 1 release, 2 fast
     bool operator==(const CommandView&) const = default;
 };
 

@@ -17,6 +17,9 @@ struct DebugBreakpoint {
     std::uint32_t fileId = 0;
     std::uint32_t armed = 0;  // 1: the trap byte stands in the program
     std::uint32_t hits = 0;   // stops that were reported
+    // A temporary one that holds only for a thread whose stack pointer is in the range (debug_follow.h); 0: for all.
+    std::uint32_t thread = 0;
+    std::uint64_t leastSp = 0, mostSp = 0;
 };
 using BreakpointTable = std::array<DebugBreakpoint, kMaxBreakpoints>;
 

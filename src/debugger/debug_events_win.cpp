@@ -1,5 +1,6 @@
 // Waits for the program's events and carries out what each means. UI thread only, because WaitForDebugEvent works only
 // in the thread that started the program.
+#include "debugger/debug_follow.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_process.h"
 #include "debugger/stop_rules.h"
@@ -44,12 +45,27 @@ int Stopped(DebuggerState* state, const DEBUG_EVENT& event) {
     if (state->pause == DebugPause::Wanted) state->pause = DebugPause::Overtaken;
     ++state->stopSerial;
     DebugSayLeftOut(state);
+    DebugFollowEnd(state);
     return kDebugStopped;
 }
 
 int GoOn(DebuggerState* state) {
     DebugResume(state);
     return kGoOn;
+}
+
+// The result of an event that a step has taken.
+int Followed(DebuggerState* state, const DEBUG_EVENT& event, FollowEvent followed) {
+    return followed == FollowEvent::Stop ? Stopped(state, event) : kGoOn;
+}
+
+int OnSingleStep(DebuggerState* state, const DEBUG_EVENT& event) {
+    if (state->stepOff.threadId == event.dwThreadId)
+        DebugFinishStepOff(state);
+    else
+        DebugRearmBreakpoints(state);
+    const FollowEvent followed = DebugFollowOnSingleStep(state, event.dwThreadId);
+    return followed == FollowEvent::NotOurs ? GoOn(state) : Followed(state, event, followed);
 }
 
 // False: the program has reported too much, and this report is left out.
@@ -97,6 +113,8 @@ int StoppedForIp(DebuggerState* state, const DEBUG_EVENT& event, std::uint64_t a
 }
 
 int OnPlantedBreakpoint(DebuggerState* state, const DEBUG_EVENT& event, int index) {
+    const FollowEvent followed = DebugFollowOnHit(state, event.dwThreadId, index);
+    if (followed != FollowEvent::NotOurs) return Followed(state, event, followed);
     const std::uint64_t address = HitEntry(state, index).address;
     // A trap of the program's own under the breakpoint is not run again, because it would only stop here again.
     const bool ownTrap = HitEntry(state, index).originalByte == kTrapByte;
@@ -161,7 +179,7 @@ int OnTrap(DebuggerState* state, const DEBUG_EVENT& event, const TrapReport& rep
         case TrapMeaning::Pause: state->pause = DebugPause::None; return OnPause(state, event);
         case TrapMeaning::PauseLate: state->pause = DebugPause::None; return GoOn(state);
         case TrapMeaning::LateHit: return RunAgain(state, event, LateHitAddress(trap).value_or(trap.address));
-        case TrapMeaning::PassedOver: return GoOn(state);
+        case TrapMeaning::PassedOver: DebugFollowKeep(*state, event.dwThreadId); return GoOn(state);
         case TrapMeaning::Stop: break;
     }
     SetPlace(state, trap.address, PlaceOfTrap(state->map, trap.address));
@@ -209,19 +227,12 @@ int OnOtherException(DebuggerState* state, const DEBUG_EVENT& event, bool fault)
     return Stopped(state, event);
 }
 
-void OnSingleStep(DebuggerState* state, std::uint32_t threadId) {
-    if (state->stepOff.threadId == threadId)
-        DebugFinishStepOff(state);
-    else
-        DebugRearmBreakpoints(state);
-}
-
 int OnException(DebuggerState* state, const DEBUG_EVENT& event) {
     const ExceptionKind kind = ExceptionKindOf(event.u.Exception.ExceptionRecord.ExceptionCode);
     if (kind != ExceptionKind::Fault) state->faults.count = 0;
     switch (kind) {
         case ExceptionKind::Breakpoint: return OnBreakpoint(state, event);
-        case ExceptionKind::SingleStep: OnSingleStep(state, event.dwThreadId); return GoOn(state);
+        case ExceptionKind::SingleStep: return OnSingleStep(state, event);
         default: return OnOtherException(state, event, kind == ExceptionKind::Fault);
     }
 }

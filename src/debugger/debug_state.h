@@ -3,6 +3,7 @@
 #pragma once
 
 #include "debugger/breakpoint_table.h"
+#include "debugger/follow_rules.h"
 #include "debugger/stop_rules.h"
 #include "program/sdbg_map.h"
 
@@ -79,6 +80,7 @@ struct DebuggerState {
     std::uint64_t startDeadline = 0;  // GetTickCount64 value at which the start is given up
     std::uint64_t startAddress = 0;   // of the start's own breakpoint, 0: none
     DebugReports reports;
+    Follow follow;                  // the step under way that follows the program
     HANDLE eventProcess = nullptr;  // from the creation event; debug_threads_win.cpp says who closes it
     std::vector<DebugThread> threads;
 };

@@ -1,5 +1,6 @@
 // Steps: each plants a breakpoint where the program is to stop next, and resumes it. Steps set no trap flag, so a
 // breakpoint that they step off stays disarmed until something arms it. UI thread only.
+#include "debugger/debug_follow.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_process.h"
 #include "debugger/step_rules.h"
@@ -102,6 +103,7 @@ bool DebugContinue(DebuggerState* state) {
 
 bool DebugBreakIn(DebuggerState* state) {
     if (state == nullptr || state->active == 0 || state->run != DebugRun::Running) return false;
+    if (DebugFollowPause(state)) return true;
     // The trap of an earlier pause, which is still to come, serves this one too: the system sends no second trap.
     const bool underWay = state->pause != DebugPause::None;
     state->pause = DebugPause::Wanted;

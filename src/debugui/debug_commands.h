@@ -12,6 +12,9 @@ std::span<const CommandHandler> DebugCommandHandlers();
 // Carries out one of these commands. False: the number is none of them.
 bool CmdHandle_Debug(int command);
 
+// Builds the active document for debugging and starts it when that succeeds; nothing when a session exists.
+void DebugBuildAndStart();
+
 // Connects the engine with the list of breakpoints. Called once at start-up, when the main window exists.
 void DebugUiInit();
 // MSG_DEBUG_LAUNCH: the debug build that the start command asked for has succeeded.

@@ -13,6 +13,8 @@
 #include "debugui/condition_dialog.h"
 #include "debugui/debug_run.h"
 #include "debugui/location.h"
+#include "debugui/restart.h"
+#include "debugui/step_commands.h"
 #include "documents/document_row.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
@@ -29,7 +31,9 @@ int CaretLineFromOne() {
 
 bool HasSession() { return DebugFlowNow().phase != DebugPhase::None; }
 
-void BuildAndStart() {
+}  // namespace
+
+void DebugBuildAndStart() {
     if (HasSession()) return;
     if (CompilerIsBuilding()) {
         g_events.statusText(kBuildBusy);
@@ -40,20 +44,7 @@ void BuildAndStart() {
     g_debug.debugAfterBuild = StartCompilerBuild(false, true) != 0;
 }
 
-constexpr wchar_t kTableFull[] = L"All 64 breakpoints are in use: remove one, or continue (Ctrl+F5)";
-
-bool IsTableFull() { return g_debugger.breakpointCount >= kMaxBreakpoints; }
-
-// Follows a program that a step has resumed, or says why there was no step.
-void FollowStep(bool resumed, const wchar_t* suffix) {
-    if (resumed) {
-        DebugRunFollow(suffix);
-        return;
-    }
-    DebugRunShowUnseen();
-    g_events.statusText(IsTableFull() ? kTableFull
-                                      : L"No step from here: continue (Ctrl+F5) or run to the cursor (Ctrl+F10)");
-}
+namespace {
 
 void RunToCursor() {
     if (!IsTabIndex(g_documents.activeTab)) return;
@@ -66,11 +57,11 @@ void RunToCursor() {
     }
     const int line = CaretLineFromOne();
     const bool resumed = DebugRunToLineIn(&g_debugger, fileId, line);
-    if (!resumed && IsTableFull())
+    if (!resumed && IsBreakpointTableFull())
         DebugSay(kDebugOrange, L"[Debug] All 64 breakpoints are in use: the way to line %d needs one more.\n", line);
     else if (!resumed)
         DebugSay(kDebugOrange, L"[Debug] No code on line %d.\n", line);
-    FollowStep(resumed, L" (run to cursor)");
+    DebugFollowResumed(resumed, L" (run to cursor)");
 }
 
 void PauseProgram() {
@@ -119,22 +110,24 @@ void SwitchBreakpoint() {
     BreakpointEnable(static_cast<std::size_t>(index), !BreakpointList()[static_cast<std::size_t>(index)].enabled);
 }
 
-void CommandStepOver(int) { FollowStep(DebugStepOver(&g_debugger), L""); }
-void CommandStepInto(int) { FollowStep(DebugStepInto(&g_debugger), L" (step into)"); }
-void CommandStepOut(int) { FollowStep(DebugStepOut(&g_debugger), L" (step out)"); }
-void CommandBuildAndDebug(int) { BuildAndStart(); }
+void CommandBuildAndDebug(int) { DebugBuildAndStart(); }
 void CommandEndDebugging(int) { DebugRunStop(); }
 
 constexpr CommandHandler kDebugHandlers[] = {
     {IDM_DEBUG_BUILD_START, CommandBuildAndDebug},
-    {IDM_DEBUG_START, [](int) { HasSession() ? DebugRunStop() : BuildAndStart(); }},
+    {IDM_DEBUG_START, [](int) { HasSession() ? DebugRunStop() : DebugBuildAndStart(); }},
     {IDM_DEBUG_STOP, CommandEndDebugging},
     {IDM_DEBUG_STEP_OVER, CommandStepOver},
     {IDM_DEBUG_STEP_INTO, CommandStepInto},
     {IDM_DEBUG_STEP_OUT, CommandStepOut},
     {IDM_DEBUG_RUN_TO_CURSOR, [](int) { RunToCursor(); }},
-    {IDM_DEBUG_CONTINUE, [](int) { FollowStep(DebugContinue(&g_debugger), L""); }},
+    {IDM_DEBUG_CONTINUE, [](int) { DebugFollowResumed(DebugContinue(&g_debugger), L""); }},
     {IDM_DEBUG_PAUSE, [](int) { PauseProgram(); }},
+    {IDM_DEBUG_STEPS_FOLLOW, CommandStepsFollowProgram},
+    {IDM_DEBUG_STEP_INSTRUCTION, CommandStepInstruction},
+    {IDM_DEBUG_STEP_OVER_INSTRUCTION, CommandStepOverInstruction},
+    {IDM_DEBUG_SET_NEXT, CommandSetNextStatement},
+    {IDM_DEBUG_RESTART, [](int) { DebugRestart(); }},
     // Toolbar buttons that repeat commands of the menu.
     {IDM_DEBUG_BUTTON_START, CommandBuildAndDebug},
     {IDM_DEBUG_BUTTON_STOP, CommandEndDebugging},

@@ -8,6 +8,7 @@ namespace {
 
 constexpr std::uint64_t kStartInPlaceMs = 1000;  // that a start waits in place for the first line
 constexpr std::uint64_t kLongRunMs = 30000;      // without a stop, after which a message says so
+constexpr std::uint64_t kLongStepMs = 1000;      // of a step by address, after which a message names the other way
 constexpr std::uint64_t kMayPassUnseenMs = 50;   // after a stop that was shown, the next may be left out
 constexpr int kConsoleLooks = 40;
 constexpr int kLooksAfterConsole = 6;
@@ -23,6 +24,7 @@ void FlowResume(DebugFlow* flow, const std::wstring& suffix, std::uint64_t now) 
     flow->since = now;
     flow->suffix = suffix;
     flow->toldLong = false;
+    flow->byAddress = false;
     flow->unseen = false;
 }
 
@@ -57,6 +59,12 @@ bool FlowTakeLongRun(DebugFlow* flow, bool awaitsFirstLine, std::uint64_t now) {
     if (flow->toldLong) return false;
     flow->toldLong = awaitsFirstLine || now - flow->since >= kLongRunMs;
     return flow->toldLong && !awaitsFirstLine;
+}
+
+bool FlowTakeStepHint(DebugFlow* flow, bool ended, std::uint64_t now) {
+    if (!flow->byAddress || (!ended && now - flow->since < kLongStepMs)) return false;
+    flow->byAddress = false;
+    return true;
 }
 
 bool FlowOpensPane(DebugFlow* flow, bool shown) {

@@ -20,6 +20,7 @@ struct DebugFlow {
     std::wstring suffix;         // written after the place of the next stop: " (step into)"
     bool following = false;      // TIMER_DEBUG runs
     bool toldLong = false;       // the user was told that the program does not stop
+    bool byAddress = false;      // a step by address is under way, of which nothing was said yet
     bool unseen = false;         // the last stop was not shown, because another step followed at once
     std::uint64_t lastSeen = 0;  // time of the last stop that was shown
     // A command waits for the program. Meanwhile no command but Stop may start.
@@ -56,6 +57,8 @@ bool FlowMayPassUnseen(const DebugFlow& flow, std::uint64_t now);
 // True once in a run: when it has gone on for so long that a message should say so. Never in a start, which has its own
 // message.
 bool FlowTakeLongRun(DebugFlow* flow, bool awaitsFirstLine, std::uint64_t now);
+// True once in a step by address: when it has ended the program, or has needed a second.
+bool FlowTakeStepHint(DebugFlow* flow, bool ended, std::uint64_t now);
 // True when the debug pane must be opened for this session (`shown`: it is open). Only a pane opened for the session is
 // closed at its end.
 bool FlowOpensPane(DebugFlow* flow, bool shown);

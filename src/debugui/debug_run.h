@@ -9,8 +9,11 @@ const DebugFlow& DebugFlowNow();
 // Starts the program of the last build. DebugOnBuilt calls it.
 void DebugRunStart();
 // Call this after resuming the program: waits for its next stop, briefly in place and then by the timer. `suffix` is
-// written after the place of the stop, as in " (step into)"; empty: none.
-void DebugRunFollow(const wchar_t* suffix);
+// written after the place of the stop, as in " (step into)"; empty: none. `byAddress`: the program was resumed by a step
+// to the next line by address; when that runs far, a line in the output pane names the other way to step.
+void DebugRunFollow(const wchar_t* suffix, bool byAddress);
+// Shows the stop anew after the place where the program goes on was changed.
+void DebugRunShowAgain(const wchar_t* suffix);
 // Ends the program and the session.
 void DebugRunStop();
 // Call this after pausing the running program, so that the next stop says so.

@@ -11,6 +11,7 @@
 #include "debugui/debug_commands.h"
 #include "debugui/debug_wait.h"
 #include "debugui/location.h"
+#include "debugui/restart.h"
 #include "debugui/stale_sources.h"
 #include "output/last_build.h"
 #include "program/line_map.h"
@@ -145,12 +146,20 @@ void OnStopped() {
 
 // --- Waiting
 
+void SayOtherSteps(bool ended) {
+    if (FlowTakeStepHint(&g_flow, ended, GetTickCount64()))
+        DebugSay(kDebugOrange,
+                 L"[Debug] The step goes to the next line by address, which the program may never reach. To go where "
+                 L"the program goes: Debug > Steps Follow the Program.\n");
+}
+
 // True when the wait had a result; false when the program runs on.
 bool HandleWait(int result) {
     switch (result) {
         case kDebugStopped: OnStopped(); return true;
         case kDebugExited:
             DebugSay(kDebugRed, L"[Debug] Process exited.\n");
+            SayOtherSteps(true);
             EndSession(ExitStatus());
             return true;
         case kDebugNoSession: EndSession(L"Debugging has ended"); return true;
@@ -192,6 +201,7 @@ void DebugRunStart() {
     const BuildRecord program = LastBuild();  // a copy, because another build may begin during the wait
     if (program.output.empty()) return;
     DebugSetSourcePath(program.source.c_str());
+    DebugRememberSource(program.source);
     DebugForgetFiles();
     FlowStart(&g_flow, GetTickCount64());
     PublishSession(true);
@@ -217,15 +227,21 @@ void DebugRunStart() {
     g_events.refreshNow();
 }
 
-void DebugRunFollow(const wchar_t* suffix) {
+void DebugRunFollow(const wchar_t* suffix, bool byAddress) {
     StopTimers();
     FlowResume(&g_flow, suffix, GetTickCount64());
+    g_flow.byAddress = byAddress;
     if (!HandleWait(DebugWaitInPlace(&g_flow, kWaitInPlaceMs, kWaitInPlaceMs))) BeginFollowing();
 }
 
 void DebugRunShowUnseen() {
     if (!g_flow.unseen) return;
     DebugMarkLocation(&g_debugger);
+    ShowStopAround();
+}
+
+void DebugRunShowAgain(const wchar_t* suffix) {
+    DebugShowCurrentLocation(&g_debugger, suffix);
     ShowStopAround();
 }
 
@@ -246,6 +262,7 @@ void DebugOnTimer() {
     const bool starting = AwaitsFirstLine();
     if (HandleWait(DebugWaitInPlace(&g_flow, 0, kLookLimitMs))) return;
     if (!AwaitsFirstLine()) FlowStartGivenUp(&g_flow);
+    SayOtherSteps(false);
     if (FlowTakeLongRun(&g_flow, starting, GetTickCount64()))
         DebugSay(0, L"[Debug] No stop within 30 seconds; the program is still running.\n");
 }

@@ -66,6 +66,7 @@ struct Settings {
     std::int32_t searchHistoryCount;
     wchar_t searchHistory[kSearchHistoryCapacity][256];
     std::int32_t backupOnSave;
+    std::int32_t stepsFollowProgram;  // the debugger's steps; 0: to the next line by address
     std::int32_t backupSettings;
     std::int32_t autoSaveEnabled;  // whether the session is saved on a timer
 

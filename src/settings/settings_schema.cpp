@@ -183,6 +183,7 @@ constexpr SettingRow kOtherRows[] = {
     ListRow(kEditor, L"SearchHistory%d", FIELD(searchHistory), FIELD(searchHistoryCount), kSearchHistoryCapacity, 256),
     BoolRow(kEditor, L"BackupOnSave", FIELD(backupOnSave), 0),
     BoolRow(kEditor, L"BackupSettings", FIELD(backupSettings), 0),
+    BoolRow(kEditor, L"StepsFollowProgram", FIELD(stepsFollowProgram), 0),
     IntRow(kBuild, L"Profile", FIELD(profile), 0, Else(0, 2, 0)),
     TextRow(kBuild, L"PreBuildCmd", FIELD(preBuildCmd), 1024, L""),
     TextRow(kBuild, L"PostBuildCmd", FIELD(postBuildCmd), 1024, L""),

@@ -1,5 +1,5 @@
 // Never ends. EARLY: it does not reach its first line until a file go.txt stands in its folder. BUSY: it never waits.
-// FLOOD: it writes debug strings as fast as it can. WAITS: it waits for input that does not come.
+// SPINS: its line 4 alone never ends. FLOOD: it writes debug strings as fast as it can. WAITS: it waits for input that does not come.
 #include "debuggee.h"
 
 volatile int turns = 0;
@@ -25,6 +25,8 @@ void start(void) {
         ++turns;
 #if defined(FLOOD)
         OutputDebugStringA("again and again and again\n");
+#elif defined(SPINS)
+        for (;;) ++turns;
 #elif !defined(BUSY)
         Sleep(5);
 #endif

@@ -123,7 +123,8 @@ std::vector<Mark> Marks() {
     for (const auto& [name, shown] : {std::pair{"toolbar", &CommandView::toolbar},
                                       {"status bar", &CommandView::statusBar},
                                       {"whitespace", &CommandView::whitespace},
-                                      {"wrap", &CommandView::wrap}})
+                                      {"wrap", &CommandView::wrap},
+                                      {"steps follow", &CommandView::stepsFollow}})
         add(name).*shown = true;
     for (const auto& [name, pane] :
          {std::pair{"output", PaneId::Output}, {"asm", PaneId::Asm}, {"debug pane", PaneId::Debug}, {"ai", PaneId::Ai}})

@@ -4,8 +4,6 @@
 
 #include <regex>
 
-#include "documents/margins.h"
-
 namespace {
 
 using namespace debug_driver;
@@ -35,22 +33,6 @@ struct Case {
     std::vector<int> over;  // lines of all the steps
     int into, out;          // where those from line 8 end
 };
-
-std::vector<int> StepToTheEnd(const Session& session) {
-    std::vector<int> lines;
-    while (session.editor.Status() != kExit && lines.size() < 40) {
-        const std::wstring before = session.editor.Output();
-        session.editor.Do(IDM_DEBUG_STEP_OVER);
-        const bool done = WaitFor([&] {
-            return session.editor.Output().size() > before.size() &&
-                   (session.editor.Status() == kExit || session.editor.Output().ends_with(L"\n"));
-        });
-        if (!done) break;
-        if (session.editor.Status() != kExit)
-            lines.push_back(static_cast<int>(session.editor.Sci(SCI_MARKERNEXT, 0, 1 << kMarkCurrent)) + 1);
-    }
-    return lines;
-}
 
 void SetCondition(const Session& session, int line, const wchar_t* condition) {
     session.CaretTo(line);
@@ -103,7 +85,7 @@ TEST_P(DebugWith, StepsLooksAndStops) {
 
     editor.Do(IDM_DEBUG_START);
     ASSERT_TRUE(session.AwaitStop(first, kBuildDeadline));
-    EXPECT_EQ(StepToTheEnd(session), c.over);
+    EXPECT_EQ(session.StepOverToTheEnd(kExit), c.over);
     EXPECT_EQ(editor.Status(), kExit);
     EXPECT_TRUE(editor.AwaitOutput(L"[Debug] Process exited.\n"));
 

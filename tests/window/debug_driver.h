@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "documents/margins.h"
 #include "resources/ids.h"
 
 namespace debug_driver {
@@ -48,6 +50,22 @@ struct Session {
         const bool came = WaitFor([&] { return editor.Status() == status; }, milliseconds);
         EXPECT_TRUE(came) << "line " << line << ", status: " << Utf8(editor.Status()) << "\n" << editor.Describe();
         return came;
+    }
+    // Steps over until the status is `exit`, at most 100 times; the lines of the stops.
+    std::vector<int> StepOverToTheEnd(const std::wstring& exit) const {
+        std::vector<int> lines;
+        while (editor.Status() != exit && lines.size() < 100) {
+            const std::wstring before = editor.Output();
+            editor.Do(IDM_DEBUG_STEP_OVER);
+            const bool done = WaitFor([&] {
+                return editor.Output().size() > before.size() &&
+                       (editor.Status() == exit || editor.Output().ends_with(L"\n"));
+            });
+            if (!done) break;
+            if (editor.Status() != exit)
+                lines.push_back(static_cast<int>(editor.Sci(SCI_MARKERNEXT, 0, 1 << kMarkCurrent)) + 1);
+        }
+        return lines;
     }
     void CaretTo(int line) const { editor.Sci(SCI_GOTOLINE, static_cast<WPARAM>(line - 1)); }
     bool Start() const {

@@ -1,0 +1,119 @@
+// Steps, as the Debug menu offers them. UI thread only.
+#include "debugui/step_commands.h"
+
+#include "base/events.h"
+#include "debugger/debug_follow.h"
+#include "debugger/debug_session.h"
+#include "debugger/set_next.h"
+#include "debugui/debug_run.h"
+#include "debugui/location.h"
+#include "disasm/renderer.h"
+#include "documents/document_row.h"
+#include "program/debug_say.h"
+#include "scintilla/sci.h"
+#include "settings/settings_state.h"
+
+#include <algorithm>
+#include <string>
+
+namespace {
+
+constexpr wchar_t kTableFull[] = L"All 64 breakpoints are in use: remove one, or continue (Ctrl+F5)";
+constexpr wchar_t kNoStep[] = L"No step from here: continue (Ctrl+F5) or run to the cursor (Ctrl+F10)";
+
+bool FollowsProgram() { return g_settings.stepsFollowProgram != 0; }
+
+// A step by address may run far: past the end of a loop, or to the end of the program. DebugRunFollow then says which
+// menu item avoids that. In a program with traps of its own, steps go from trap to trap anyway.
+void AfterStep(bool resumed, const wchar_t* suffix) {
+    if (resumed && !FollowsProgram() && g_debugger.map.nativeTrapMap == 0)
+        DebugRunFollow(suffix, true);
+    else
+        DebugFollowResumed(resumed, suffix);
+}
+
+void Step(FollowKind kind, bool (*byAddress)(DebuggerState*), const wchar_t* suffix) {
+    AfterStep(FollowsProgram() ? DebugFollowStep(&g_debugger, kind) : byAddress(&g_debugger), suffix);
+}
+
+constexpr int kMostLinesBetween = 20000;  // that are searched for a heading
+
+std::string LineOf(HWND editor, int line) {
+    const auto index = static_cast<WPARAM>(line - 1);
+    std::string text(static_cast<std::size_t>(SciSend(editor, SCI_LINELENGTH, index)), '\0');
+    SciSend(editor, SCI_GETLINE, index, reinterpret_cast<LPARAM>(text.data()));
+    return text;
+}
+
+// True when the heading of a procedure stands between two lines (from 1), the higher one included.
+bool HeadingBetween(HWND editor, int a, int b) {
+    const auto [low, high] = std::minmax(a, b);
+    if (high - low > kMostLinesBetween) return true;
+    for (int line = low + 1; line <= high; ++line)
+        if (!DisasmProcedureName(LineOf(editor, line)).empty()) return true;
+    return false;
+}
+
+// Going on in another procedure would use the stack of this one.
+bool IsInOtherProcedure(std::uint32_t fileId, int line) {
+    if (fileId != g_debugger.currentFileId) return true;
+    return g_debugger.currentLine > 0 && HeadingBetween(g_documents.hEditor, g_debugger.currentLine, line);
+}
+
+}  // namespace
+
+bool IsBreakpointTableFull() { return g_debugger.breakpointCount >= kMaxBreakpoints; }
+
+void DebugFollowResumed(bool resumed, const wchar_t* suffix) {
+    if (resumed) {
+        DebugRunFollow(suffix, false);
+        return;
+    }
+    DebugRunShowUnseen();
+    g_events.statusText(IsBreakpointTableFull() ? kTableFull : kNoStep);
+}
+
+void CommandStepOver(int) { Step(FollowKind::Over, DebugStepOver, L""); }
+void CommandStepInto(int) { Step(FollowKind::Into, DebugStepInto, L" (step into)"); }
+void CommandStepOut(int) { Step(FollowKind::Out, DebugStepOut, L" (step out)"); }
+
+void CommandStepInstruction(int) {
+    DebugFollowResumed(DebugFollowStep(&g_debugger, FollowKind::Instruction), L" (instruction)");
+}
+
+void CommandStepOverInstruction(int) {
+    DebugFollowResumed(DebugFollowStep(&g_debugger, FollowKind::InstructionOver), L" (instruction)");
+}
+
+void DebugMoveNextStatement(unsigned long long address) {
+    if (!DebugSetNextStatement(&g_debugger, address)) {
+        DebugSay(kDebugOrange,
+                 L"[Debug] The next statement cannot be set there: the program must stand on a line of "
+                 L"its own, and so must the place.\n");
+        return;
+    }
+    DebugRunShowAgain(L" (next statement set)");
+}
+
+void CommandSetNextStatement(int) {
+    if (!IsTabIndex(g_documents.activeTab)) return;
+    const DocumentTab& document = TabAt(g_documents.activeTab);
+    const std::uint32_t fileId = DebugFileIdOfPath(&g_debugger, document.path);
+    const LRESULT caret = SciSend(g_documents.hEditor, SCI_GETCURRENTPOS);
+    const int line =
+        static_cast<int>(SciSend(g_documents.hEditor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(caret))) + 1;
+    const std::uint32_t rva = fileId != 0 ? SdbgFileLineToRva(&g_debugger.map, fileId, line) : 0;
+    if (rva == 0)
+        DebugSay(kDebugOrange, L"[Debug] No code on line %d.\n", line);
+    else if (IsInOtherProcedure(fileId, line))
+        DebugSay(kDebugOrange, L"[Debug] Line %d is in another procedure; the next statement stays in this one.\n",
+                 line);
+    else
+        DebugMoveNextStatement(g_debugger.map.imageBase + rva);
+}
+
+void CommandStepsFollowProgram(int) {
+    SettingsChange([](Settings& settings) { settings.stepsFollowProgram = settings.stepsFollowProgram != 0 ? 0 : 1; });
+    SettingsSave(nullptr);
+    g_events.statusText(FollowsProgram() ? L"Steps follow the program" : L"Steps go to the next line by address");
+}

@@ -1,0 +1,105 @@
+// Steps that follow the program, through programs that a C compiler built.
+#include "debugger/debug_follow.h"
+#include "debug_fixture.h"
+#include "debugger/set_next.h"
+
+namespace {
+
+using namespace debugtest;
+using Lines = std::vector<int>;
+
+class DebugFollows : public DebugBothTest {
+protected:
+    int Go(FollowKind kind) { return DebugFollowStep(&state, kind) ? Arrive() : -1; }
+    // The lines of up to `most` steps of one kind; -2 is the end of the program.
+    Lines Steps(FollowKind kind, std::size_t most) {
+        Lines lines;
+        while (lines.size() < most && (lines.empty() || lines.back() > 0)) lines.push_back(Go(kind));
+        return lines;
+    }
+    std::uint64_t Sp() const { return Registers().general[kSp]; }
+};
+FOR_BOTH_KINDS(DebugFollows);
+
+TEST_P(DebugFollows, OverGoesThroughEveryTurnOfALoop) {
+    ASSERT_TRUE(Start("loop"));
+    Lines expected = {4};  // the compiler put the test of the loop behind its body
+    for (int turn = 0; turn < 10; ++turn) expected.insert(expected.end(), {2, 3, 4});
+    expected.insert(expected.end(), {5, -2});
+    EXPECT_EQ(Steps(FollowKind::Over, 100), expected);
+    EXPECT_EQ(state.exitCode, 55u);
+}
+
+TEST_P(DebugFollows, ARecursionDoesNotStopDeeper) {
+    ASSERT_TRUE(Start("recursion"));
+    EXPECT_EQ(Steps(FollowKind::Into, 6), (Lines{7, 8, 7, 8, 7, 8}));
+    const std::uint64_t sp = Sp();
+    EXPECT_EQ(Steps(FollowKind::Over, 2), (Lines{12, 8})) << "over 37 calls, then back in the caller's line";
+    EXPECT_GT(Sp(), sp);
+    EXPECT_EQ(Go(FollowKind::Into), 12) << "the call in the line is over";
+    EXPECT_EQ(Steps(FollowKind::Out, 3), (Lines{8, 2, -2})) << "the first call's caller, then no caller with source";
+    EXPECT_EQ(state.exitCode, 40u);
+    End();
+
+    ASSERT_TRUE(Start("recursion"));
+    EXPECT_EQ(Steps(FollowKind::Into, 3), (Lines{7, 8, 7}));
+    ASSERT_TRUE(DebugSetConditionalBreakpoint(&state, 8, "2>3"));
+    ASSERT_TRUE(DebugSetBreakpoint(&state, 10));
+    EXPECT_EQ(Steps(FollowKind::Over, 2), (Lines{8, 10})) << "the step's own target stops, then the user's breakpoint";
+    EXPECT_EQ(Steps(FollowKind::Out, 2), (Lines{8, 8})) << "from there a caller at a time";
+    EXPECT_EQ(state.follow.kind, FollowKind::None);
+    EXPECT_EQ(state.breakpointCount, 3) << "nothing of the steps is left: the start's and the two of this test";
+}
+
+TEST_P(DebugFollows, IntoAndOutAtTheFirstInstructionOfAProcedure) {
+    ASSERT_TRUE(Start("calls"));
+    EXPECT_EQ(Steps(FollowKind::Into, 2), (Lines{4, 2}));
+    EXPECT_EQ(state.currentFileId, 2u);
+    EXPECT_EQ(Registers().ip, state.map.imageBase + SdbgFileLineToRva(&state.map, 2, 2));
+    EXPECT_EQ(Steps(FollowKind::Into, 2), (Lines{3, 4})) << "along a jump into another procedure";
+    EXPECT_EQ(Go(FollowKind::Out), 5) << "the line that begins behind the call";
+    EXPECT_EQ(state.currentFileId, 1u);
+    EXPECT_EQ(Steps(FollowKind::Into, 3), (Lines{6, -2})) << "a system call has no lines";
+}
+
+// Four threads pass the line of a false condition at once, while the main thread steps over its wait.
+TEST_P(DebugFollows, OtherThreadsDoNotEndAStep) {
+    ASSERT_TRUE(Start("race"));
+    EXPECT_EQ(Go(FollowKind::Over), 3);
+    EXPECT_EQ(Go(FollowKind::Over), 4);
+    ContinueToTheEnd(100u);
+    ASSERT_TRUE(Start("threads"));
+    ASSERT_TRUE(DebugSetBreakpoint(&state, 7));
+    int line = 0;
+    for (int i = 0; i < 3 && line != 7; ++i) line = Go(FollowKind::Over);
+    EXPECT_EQ(line, 7) << "a breakpoint in another thread stops";
+    EXPECT_EQ(Steps(FollowKind::Over, 2), (Lines{8, -2})) << "and is stepped from there, to the end of the thread";
+    EXPECT_EQ(state.exitCode, 5u);
+}
+
+TEST_P(DebugFollows, ALongLineIsPausedAndInstructionsAreStepped) {
+    ASSERT_TRUE(Start("spins"));
+    EXPECT_EQ(Go(FollowKind::Over), 4);
+    ASSERT_TRUE(DebugFollowStep(&state, FollowKind::Over));
+    g_deadline = GetTickCount64() + 200;
+    EXPECT_EQ(Wait(), kDebugTimeout) << "the line never ends";
+    g_deadline += kTestMs;
+    ASSERT_TRUE(DebugBreakIn(&state));
+    EXPECT_EQ(Arrive(), 4);
+    EXPECT_EQ(state.stopThreadId, state.mainThreadId);
+    const std::uint64_t before = Registers().ip;
+    EXPECT_EQ(Go(FollowKind::Instruction), 4);
+    EXPECT_NE(Registers().ip, before);
+    const std::uint64_t line2 = AddressOf(2);
+    EXPECT_FALSE(DebugSetNextStatement(&state, line2 - 1)) << "no line";
+    ASSERT_TRUE(DebugSetNextStatement(&state, line2));
+    EXPECT_EQ(Registers().ip, line2);
+    EXPECT_EQ(state.currentLine, 2);
+    EXPECT_EQ(Go(FollowKind::Over), 4);
+    while (state.breakpointCount < kMaxBreakpoints)
+        ASSERT_TRUE(DebugSetTempBp(&state, line2 + state.breakpointCount, 2));
+    for (DebugBreakpoint& each : state.breakpoints) each.temporary = 0;
+    EXPECT_EQ(Go(FollowKind::Out), -1) << "no caller, and no room";
+}
+
+}  // namespace

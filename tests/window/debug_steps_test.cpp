@@ -1,0 +1,80 @@
+// The two ways to step, through the samples: to the next line by address, and where the program goes.
+#include "debug_driver.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace debug_driver;
+
+struct Case {
+    const wchar_t *compiler, *kind;  // the kind of source whose compiler it is
+    bool x64, traps;
+};
+
+class StepsFollow : public ::testing::TestWithParam<Case> {
+protected:
+    void SetUp() override {
+        if (!GetParam().x64 && !Variable(L"KVX_NO_WINE32").empty()) GTEST_SKIP() << "no 32-bit Wine";
+    }
+    static std::string Sample(const wchar_t* name) {
+        const std::string_view root = KVX_ROOT_DIR;
+        return ReadBytes(std::wstring(root.begin(), root.end()) + L"/samples/" + name).value_or("");
+    }
+    static bool StartHere(const Session& session) {
+        session.editor.Do(IDM_DEBUG_START);
+        return WaitFor([&] { return session.editor.Status().starts_with(L"Stopped at " + session.sourceName); },
+                       kBuildDeadline);
+    }
+    static int Step(const Session& session, int command) {
+        const std::wstring before = session.editor.Output();
+        session.editor.Do(command);
+        WaitFor([&] { return session.editor.Output().size() > before.size(); });
+        WaitFor([&] { return session.editor.Status().starts_with(L"Stopped at "); });
+        return static_cast<int>(session.editor.Sci(SCI_MARKERNEXT, 0, 1 << kMarkCurrent)) + 1;
+    }
+};
+
+constexpr wchar_t kHint[] = L"Debug > Steps Follow the Program.";
+
+TEST_P(StepsFollow, EveryLineInTheOrderOfTheProgram) {
+    const Session session(std::wstring(L"steps.") + GetParam().kind, Sample(L"steps.bas"), GetParam().compiler);
+    const std::wstring exit = L"Exited with code 3";
+    ASSERT_TRUE(StartHere(session));
+    std::vector<int> byAddress = session.StepOverToTheEnd(exit);
+    std::vector<int> followed = {12, 13, 14, 15, 16, 12, 13, 14, 15, 16, 12, 13, 14, 15, 16, 12, 18, 20,
+                                 22, 26, 27, 28, 29, 33, 34, 35, 33, 37, 38, 39, 37, 38, 40, 41, 42};
+    EXPECT_EQ(session.editor.Output().find(kHint) == std::wstring::npos, GetParam().traps);
+    if (GetParam().traps)
+        followed = byAddress;  // traps stand in that order
+    else
+        EXPECT_EQ(byAddress, (std::vector<int>{12, 13, 14, 15, 16, 18}));
+
+    session.editor.Do(IDM_DEBUG_STEPS_FOLLOW);
+    EXPECT_EQ(session.folder.Ini(L"Editor", L"StepsFollowProgram"), L"1");
+    ASSERT_TRUE(StartHere(session));
+    EXPECT_EQ(session.StepOverToTheEnd(exit), followed);
+    EXPECT_EQ(session.editor.Output().find(kHint), std::wstring::npos);
+}
+
+TEST_P(StepsFollow, IntoARecursionAndOut) {
+    if (GetParam().traps) return;  // procedures have no lines there
+    const Session session(std::wstring(L"recursion.") + GetParam().kind, Sample(L"recursion.bas"), GetParam().compiler);
+    session.editor.Do(IDM_DEBUG_STEPS_FOLLOW);
+    ASSERT_TRUE(StartHere(session));
+    session.CaretTo(57);  // PRINT i; "! = "; Factorial(i)
+    session.editor.Do(IDM_DEBUG_RUN_TO_CURSOR);
+    ASSERT_TRUE(session.AwaitStop(57));
+    const int into = IDM_DEBUG_STEP_INTO, over = IDM_DEBUG_STEP_OVER, out = IDM_DEBUG_STEP_OUT;
+    std::vector<int> lines;
+    for (const int command : {into, into, into, into, into, over, over, out, out})
+        lines.push_back(Step(session, command));
+    EXPECT_EQ(lines, (std::vector<int>{5, 6, 9, 5, 6, 9, 11, 9, 57}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Compilers, StepsFollow,
+                         ::testing::Values(Case{L"kvxa64", L"kxa", true, false}, Case{L"kvxa32", L"ka32", false, false},
+                                           Case{L"keldorbasic", L"bas", false, true}),
+                         [](const auto& named) { return Utf8(named.param.compiler); });
+
+}  // namespace
