@@ -7,6 +7,7 @@
 #include "commands/command_state.h"
 #include "commands/status_bar.h"
 #include "commands/toolbar.h"
+#include "compile/build.h"
 #include "debugui/breakpoint_list.h"
 #include "debugui/debug_commands.h"
 #include "debugui/location.h"
@@ -114,6 +115,7 @@ bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create) {
     ToolbarUpdateAi();
     MainWnd_ApplyTimers(window);
     DebugUiInit();
+    BuildRecover();
     PostMessageW(window, MSG_STARTUP, 0, 0);
     CaptureSplitterRatio();
     MainWindow_Layout();  // hides the panes and bars that the settings switch off

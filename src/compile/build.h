@@ -23,6 +23,9 @@ std::span<const CommandHandler> BuildCommandHandlers();
 // Carries out one of these commands. Returns false for any other command.
 bool CmdHandle_Build(int command);
 
+// At start-up, before a document is opened: puts back what a build that was cut off has left.
+void BuildRecover();
+
 // The main window calls these on MSG_BUILD_OUTPUT, MSG_BUILD_FINISHED and TIMER_BUILD.
 void BuildOnOutput(wchar_t* heapText, COLORREF colour);
 void BuildOnFinished(DWORD exitCode);

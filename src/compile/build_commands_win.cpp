@@ -10,6 +10,7 @@
 #include "compile/build_reader.h"
 #include "compile/build_runner.h"
 #include "compile/build_stage.h"
+#include "compile/products.h"
 #include "compile/program_run.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
@@ -94,13 +95,15 @@ void BuildAndRunDocument() {
     BuildStart({.after = AfterBuild::RunProgram});
 }
 
-// A file that is open in a tab is not deleted, because the user edits it.
+// Deletes a file that a build has made. One that is open in a tab is not deleted, because the user edits it.
 void DeleteProduct(const std::wstring& path) {
     if (!FileExists(path.c_str())) return;
-    const bool open = TabBarFindPath(path.c_str()) >= 0;
-    if (open || !DeleteFileW(PathForSystem(path.c_str()).c_str()))
-        OutputPaneAppend(FormatW(L"Not deleted: %s%s\r\n", path.c_str(), open ? L" (open in the editor)" : L"").c_str(),
-                         kLineRed);
+    const wchar_t* reason = TabBarFindPath(path.c_str()) >= 0 ? L" (open in the editor)"
+                            : !IsBuildProduct(path)           ? L" (no build of this editor has made it)"
+                                                              : nullptr;
+    if (reason == nullptr && DeleteFileW(PathForSystem(path.c_str()).c_str())) return;
+    OutputPaneAppend(FormatW(L"Not deleted: %s%s\r\n", path.c_str(), reason != nullptr ? reason : L"").c_str(),
+                     kLineRed);
 }
 
 void CleanProducts() {

@@ -5,6 +5,7 @@
 #include "compile/terminal_text.h"
 
 #include <algorithm>
+#include <utility>
 
 std::wstring BuildFlagsOf(const FlagChoice& choice) {
     wchar_t flags[kFlagsCapacity] = {};
@@ -42,7 +43,7 @@ CommandProblem PlanLaunch(const LaunchRequest& request, std::wstring_view compil
                    std::wstring(request.source) + L"\r\nOutput: " + std::wstring(request.output) + L"\r\nCWD: " +
                    plan->workingDirectory + L"\r\nCommand: " + plan->commandLine + L"\r\n\r\n";
     const std::wstring log = ReplaceExtension(request.source, L".buildlog");
-    plan->logPath = SamePathText(log, request.source) ? std::wstring() : log;
+    plan->logPath = !request.wantLog || SamePathText(log, request.source) ? std::wstring() : log;
     return CommandProblem::None;
 }
 
@@ -87,12 +88,20 @@ std::wstring RunErrorLine(std::wstring_view program, long error) {
     return L"Run failed for: " + std::wstring(program) + L"\r\nShellExecute error: " + std::to_wstring(error) + L"\r\n";
 }
 
+std::vector<std::wstring> SideFilesOf(std::wstring_view source) {
+    std::vector<std::wstring> files;
+    for (const wchar_t* extension : {L".log", L".lst", L".err"})
+        if (std::wstring path = ReplaceExtension(source, extension); !SamePathText(path, source))
+            files.push_back(std::move(path));
+    return files;
+}
+
 std::vector<std::wstring> CleanTargets(std::wstring_view source, std::wstring_view output, std::wstring_view listing) {
     std::vector<std::wstring> targets = {std::wstring(output)};
     // For a source without an extension in a folder with a dot in its name, the listing's path is outside that folder.
     if (SamePathText(FolderOf(listing), FolderOf(source))) targets.emplace_back(listing);
-    for (const wchar_t* extension : {L".log", L".lst", L".err", L".buildlog"})
-        targets.push_back(ReplaceExtension(source, extension));
+    for (std::wstring& side : SideFilesOf(source)) targets.push_back(std::move(side));
+    targets.push_back(ReplaceExtension(source, L".buildlog"));
     std::erase_if(targets, [source](const std::wstring& target) { return SamePathText(target, source); });
     return targets;
 }

@@ -35,13 +35,14 @@ struct LaunchRequest {
     std::wstring_view listingTemplate;
     std::wstring_view listing;  // path of the listing, used with `wantListing`
     bool wantListing = false;
+    bool wantLog = true;  // the build log
 };
 
 struct LaunchPlan {
     std::wstring commandLine;
     std::wstring workingDirectory;
     std::wstring header;   // for the output pane and the build log
-    std::wstring logPath;  // empty when the build log would overwrite the source
+    std::wstring logPath;  // empty: no build log
 };
 
 // Why the compiler cannot be started, as a line for the output pane; empty when it can.
@@ -62,5 +63,7 @@ std::wstring NotStagedLine(std::wstring_view target);
 std::wstring LeftoverLine(std::wstring_view target, std::wstring_view aside);
 std::wstring RunErrorLine(std::wstring_view program, long error);
 
+// The files that a compiler may write beside the source without being asked to, without the source itself.
+std::vector<std::wstring> SideFilesOf(std::wstring_view source);
 // The files that the Clean command deletes: results and side files with the source's name, never the source itself.
 std::vector<std::wstring> CleanTargets(std::wstring_view source, std::wstring_view output, std::wstring_view listing);

@@ -7,6 +7,7 @@
 #include "compile/build_stage.h"
 #include "compile/child_process.h"
 #include "compile/compile_state.h"
+#include "compile/products.h"
 #include "compile/program_run.h"
 #include "compile/side_logs.h"
 #include "compile/staging.h"
@@ -197,6 +198,10 @@ bool FollowSteps(BuildStep step) {
     }
 }
 
+void AppendLines(const std::vector<std::wstring>& lines, COLORREF colour) {
+    for (const std::wstring& line : lines) OutputPaneAppend(line.c_str(), colour);
+}
+
 void AppendLaunchError(DWORD error, const std::wstring& directory) {
     OutputPaneAppend(LaunchErrorLine(error, ChildStartProblem(error, directory)).c_str(), kLineRed);
 }
@@ -267,6 +272,8 @@ int RefuseWithoutCompiler(std::uint32_t id) {
 
 }  // namespace
 
+void BuildRecover() { AppendLines(StagedRecover(), kLineRed); }
+
 void BuildApplyStep(const BuildStep& step) {
     if (step.clearsPane) OutputPaneClear();
     for (const BuildLine& line : step.lines) OutputPaneAppend(line.text.c_str(), line.colour);
@@ -281,6 +288,10 @@ int CompilerBuild(std::uint32_t id, const wchar_t* source, const wchar_t* output
     wchar_t listing[kPathCapacity] = {};
     if (source != nullptr) CompilerMakeAsmPath(source, listing, kPathCapacity);
     const wchar_t* asmFlag = g_settings.compilers[profile.id].asmFlag;
+    const ProductGuard guard = ProductsBeforeBuild({.source = source != nullptr ? source : L"",
+                                                    .output = output != nullptr ? output : L"",
+                                                    .listing = wantListing ? listing : L""});
+    AppendLines(guard.lines, kLineTeal);
     const LaunchRequest request = {.compilerId = profile.id,
                                    .style = profile.commandStyle,
                                    .compilerName = CompilerName(id),
@@ -292,10 +303,14 @@ int CompilerBuild(std::uint32_t id, const wchar_t* source, const wchar_t* output
                                    .includePath = CompilerIncludePath(id),
                                    .listingTemplate = asmFlag[0] != L'\0' ? asmFlag : profile.asmFlag,
                                    .listing = listing,
-                                   .wantListing = wantListing};
+                                   .wantListing = guard.listing,
+                                   .wantLog = guard.log};
     StagedSource staged;
     LaunchPlan plan;
-    if (!PrepareLaunch(request, &staged, &plan)) return 0;
+    if (!PrepareLaunch(request, &staged, &plan)) {
+        ProductsAfterBuild();
+        return 0;
+    }
     OutputPaneAppend(plan.header.c_str(), 0);
     FILETIME startTime = {};
     GetSystemTimeAsFileTime(&startTime);
@@ -314,6 +329,7 @@ int CompilerBuild(std::uint32_t id, const wchar_t* source, const wchar_t* output
         const BuildLock lock;
         g_buildState.lastLaunchError = error;
     }
+    ProductsAfterBuild();
     AppendLaunchError(error, plan.workingDirectory);
     return 0;
 }
@@ -360,7 +376,9 @@ void BuildOnStageEnd(const StageResult& result) {
         const bool success = result.end == BuildEnd::Ended && result.exitCode == 0;
         const bool checked = g_runner.run.order.syntaxOnly;
         if (!checked) g_runner.run.unwritten = UnwrittenProgram();
+        AppendLines(ProductsAfterBuild(), kLineRed);
         LastBuildEnd(success, checked ? LastBuild().programWritten : success && g_runner.run.unwritten.empty());
     }
+    if (result.stage == BuildStage::PostBuild && LastBuild().programWritten) ProductNoteNow(g_runner.output);
     FollowSteps(BuildAfterStage(g_runner.run, result, PrintedByCompiler()));
 }

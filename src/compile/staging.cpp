@@ -1,7 +1,11 @@
 #include "compile/staging.h"
 
 #include "base/path.h"
+#include "base/utf8.h"
+#include "compile/build_plan.h"
 #include "settings/file_type_table.h"
+
+#include <charconv>
 
 namespace {
 
@@ -18,13 +22,16 @@ std::uint32_t CopyToStage(const StageDisk& disk, const std::wstring& source, con
     staged->path = target;
     staged->copied = true;
     disk.stamp(target, &staged->stamp);
+    disk.note(source, *staged);
     return 0;
 }
 
-// Moves a file of the user to a free name beside it and returns that name; empty when it could not be moved.
-std::wstring MoveAside(const StageDisk& disk, const std::wstring& path) {
+// Moves the user's file at `path` to a free name beside it. Returns that name; empty when it could not be moved.
+std::wstring MoveAside(const StageDisk& disk, const std::wstring& source, const std::wstring& path) {
     for (int attempt = 1; attempt <= kStageNames; ++attempt) {
         std::wstring aside = AsideName(path, attempt);
+        if (disk.exists(aside)) continue;
+        disk.note(source, {.path = path, .aside = aside});
         if (disk.move(path, aside)) return aside;
     }
     return {};
@@ -38,7 +45,7 @@ bool StageForKeldor(const StageDisk& disk, const std::wstring& source, const std
     *error = CopyToStage(disk, source, target, staged);
     if (*error == 0) return true;
     if (*error != kErrorFileThere) return false;
-    staged->aside = MoveAside(disk, target);
+    staged->aside = MoveAside(disk, source, target);
     if (staged->aside.empty()) return false;
     staged->path = target;
     *error = CopyToStage(disk, source, target, staged);
@@ -79,6 +86,46 @@ bool StageOnDisk(const StageDisk& disk, const std::wstring& source, const std::w
         if (target.empty() || CopyToStage(disk, source, target, staged) != kErrorFileThere) break;
     }
     return true;
+}
+
+std::string StageNoteText(const StageNote& note) {
+    std::string text = std::to_string(note.stamp.written) + '\n' + std::to_string(note.stamp.length) + '\n';
+    for (const std::wstring& path : {note.source, note.target, note.aside}) text += ToUtf8(path) + '\n';
+    return text;
+}
+
+StageNote StageNoteOfText(std::string_view text) {
+    std::string_view lines[5];
+    for (std::string_view& line : lines) {
+        const std::size_t end = text.find('\n');
+        if (end == std::string_view::npos) return {};
+        line = text.substr(0, end);
+        text.remove_prefix(end + 1);
+    }
+    StageNote note = {.source = Utf8ToWideText(lines[2]),
+                      .target = Utf8ToWideText(lines[3]),
+                      .aside = Utf8ToWideText(lines[4]),
+                      .stamp = {}};
+    std::from_chars(lines[0].data(), lines[0].data() + lines[0].size(), note.stamp.written);
+    std::from_chars(lines[1].data(), lines[1].data() + lines[1].size(), note.stamp.length);
+    return note;
+}
+
+std::wstring RecoverOnDisk(const StageDisk& disk, const StageNote& note) {
+    // The copy has the time and the length of its source, so it is known even when the note is older than the copy.
+    FileStamp expected = note.stamp;
+    FileStamp target;
+    const bool expects = expected != FileStamp{} || disk.stamp(note.source, &expected);
+    const bool there = disk.stamp(note.target, &target);
+    const bool isCopy = there && expects && target == expected;
+    if (note.aside.empty() || !disk.exists(note.aside)) {
+        if (isCopy && note.aside.empty() && note.stamp != FileStamp{}) disk.remove(note.target);
+        return {};
+    }
+    if (there && !isCopy) return LeftoverLine(note.target, note.aside);
+    if ((there && !disk.remove(note.target)) || !disk.move(note.aside, note.target))
+        return LeftoverLine(note.target, note.aside);
+    return L"A build was cut off when the editor ended: your file " + note.target + L" has been put back.\r\n";
 }
 
 std::wstring UnstageOnDisk(const StageDisk& disk, StagedSource* staged) {

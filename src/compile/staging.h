@@ -9,6 +9,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 struct StagedSource {
     std::wstring path;      // the file that the compiler reads; the source itself when no copy was made
@@ -45,7 +46,25 @@ struct StageDisk {
     std::function<bool(const Path& from, const Path& to)> move;  // to a name that must be free
     std::function<bool(const Path&, FileStamp*)> stamp;          // false: no such file
     std::function<bool(const Path&)> remove;                     // true: it is gone
+    // Keeps a note of what is about to be moved aside or was copied, for StagedRecover after an end of the editor.
+    std::function<void(const Path& source, const StagedSource&)> note = [](const Path&, const StagedSource&) {};
 };
 bool StageOnDisk(const StageDisk& disk, const std::wstring& source, const std::wstring& output, CommandStyle style,
                  StagedSource* staged, std::uint32_t* error);
 std::wstring UnstageOnDisk(const StageDisk& disk, StagedSource* staged);
+
+// --- After an editor was ended during a build.
+// Deletes the copies that earlier editors have left, and puts the user's files back. Leaves those of an editor that
+// still runs. Returns lines for the user.
+std::vector<std::wstring> StagedRecover();
+
+struct StageNote {
+    std::wstring source;
+    std::wstring target;  // where the copy was made
+    std::wstring aside;   // where the user's file with that name went; empty: there was none
+    FileStamp stamp;      // the copy's; zeros: it was not made yet
+};
+std::string StageNoteText(const StageNote& note);  // in UTF-8
+StageNote StageNoteOfText(std::string_view text);  // with an empty target when it is none
+// Puts things right as far as they are as the note says. Returns a line for the user, or empty text.
+std::wstring RecoverOnDisk(const StageDisk& disk, const StageNote& note);

@@ -2,9 +2,11 @@
 
 #include "base/clock.h"
 #include "base/wide_format.h"
+#include "compile/products.h"
 #include "disasm/asm_renderer.h"
 #include "disasm/disasm_state.h"
 #include "documents/document_row.h"
+#include "files/file_io.h"
 #include "output/last_build.h"
 #include "output/output_pane.h"
 #include "output/output_queue.h"
@@ -15,6 +17,7 @@
 
 #include <richedit.h>
 
+#include <utility>
 #include <vector>
 
 namespace {
@@ -90,7 +93,12 @@ void AsmPaneLoad(const wchar_t* source, const wchar_t* listing) {
     SendMessageW(g_disasm.hAsmPane, EM_SETUNDOLIMIT, 0, 0);
     SendMessageW(g_disasm.hAsmPane, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
     QueueAsmText(FormatW(L"=== Assembly Output ===\r\nSource: %s\r\nASMOUT: %s\r\n\r\n", source, listing));
-    g_asm.feed = AsmFeedStart(RequestWithCaret(source, listing), AsmRender);
+    AsmRequest request = RequestWithCaret(source, listing);
+    if (FileExists(listing) && !IsBuildProduct(listing)) {
+        QueueAsmText(FormatW(L"(%s is no listing: no build of this editor has made it.)\r\n", listing));
+        request.listing.clear();
+    }
+    g_asm.feed = AsmFeedStart(std::move(request), AsmRender);
     if (g_asm.feed == nullptr) QueueAsmText(L"(The listing cannot be read now: no thread could be started.)\r\n");
     ShowTimerStart();
 }

@@ -7,6 +7,7 @@
 //   errors N FILE    N diagnostics for FILE, line i       touch PATH   creates an empty file
 //   settle           waits until its output was read     await PATH   waits for up to a minute until the file exists
 //   exit N           ends with that code                  tally PATH   one byte more in a file
+//   make             a copy of itself after "-o"          echo         prints its input, line by line, to its end
 #include <windows.h>
 
 #include <cstdio>
@@ -87,6 +88,13 @@ void Obey(const std::string& order, const std::string& text) {
     if (order == "spawn") Spawn();
     for (int i = 0; order == "await" && GetFileAttributesA(text.c_str()) == INVALID_FILE_ATTRIBUTES && i < 6000; ++i)
         Sleep(10);
+    if (order == "make") {
+        const std::wstring line = GetCommandLineW();
+        const std::size_t at = line.find(L" -o \"") + 5;
+        CopyFileW(OwnPath().c_str(), line.substr(at, line.find(L'"', at) - at).c_str(), FALSE);
+    }
+    if (order == "echo")
+        for (char said[256]; std::fgets(said, sizeof(said), stdin) != nullptr;) Put(std::string("got ") + said);
     if (order == "exit") ExitProcess(static_cast<UINT>(std::atol(text.c_str())));
     if (order == "touch") std::fclose(std::fopen(text.c_str(), "wb"));
     if (order == "tally") {

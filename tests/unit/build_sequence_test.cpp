@@ -2,6 +2,7 @@
 #include "compile/build_sequence.h"
 #include "compile/build_batch.h"
 #include "compile/build_plan.h"
+#include "compile/products.h"
 #include "compile/program_run.h"
 #include "compile/read_course.h"
 #include "compile/side_logs.h"
@@ -448,6 +449,54 @@ TEST(StagingRules, OnADiskThatCannotBeWritten) {
     EXPECT_EQ(disk.All(), "x.bas=changed x.bas.kvx-aside1=mine x.kxa=s ");
     ASSERT_TRUE(StageOnDisk(disk.Disk(), L"x.kxa", L"x.exe", CommandStyle::Keldor, &staged, &error));
     EXPECT_EQ(Narrow(staged.leftover), "x.bas.kvx-aside1") << "and the next build finds it";
+}
+
+// After the editor was ended during a build.
+TEST(StagingRules, WhatABuildLeftIsPutRight) {
+    struct Case {
+        const char *name, *before;
+        StageNote note;
+        const char *after, *says;
+    };
+    const StageNote aside = {.source = L"x.kb", .target = L"x.bas", .aside = L"x.bas.a", .stamp = {.length = 1}};
+    StageNote early = aside, plain = aside;
+    early.stamp = {};
+    plain.aside.clear();
+    const Case cases[] = {
+        {"the copy goes and the file comes back", "x.bas=s x.bas.a=mine x.kb=s ", aside, "x.bas=mine x.kb=s ",
+         "put back"},
+        {"ended before the copy", "x.bas.a=mine x.kb=s ", early, "x.bas=mine x.kb=s ", "put back"},
+        {"ended before its stamp", "x.bas=s x.bas.a=mine x.kb=s ", early, "x.bas=mine x.kb=s ", "put back"},
+        {"ended before the move", "x.bas=mine x.kb=s ", early, "x.bas=mine x.kb=s ", ""},
+        {"written to since", "x.bas=new x.bas.a=mine x.kb=s ", aside, "x.bas=new x.bas.a=mine x.kb=s ",
+         "is in x.bas.a"},
+        {"a copy alone", "x.bas=s x.kb=s ", plain, "x.kb=s ", ""},
+        {"a copy that was written to", "x.bas=new x.kb=s ", plain, "x.bas=new x.kb=s ", ""},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.name);
+        MemoryDisk disk = DiskOf(test.before);
+        const StageNote note = StageNoteOfText(StageNoteText(test.note));
+        const std::string line = Narrow(RecoverOnDisk(disk.Disk(), note));
+        EXPECT_EQ(disk.All(), test.after);
+        EXPECT_TRUE(test.says[0] == '\0' ? line.empty() : line.find(test.says) != std::string::npos) << line;
+    }
+    EXPECT_TRUE(StageNoteOfText("1\n2\nx.kb\nx.bas").target.empty()) << "cut off";
+}
+
+TEST(Products, OnlyWhatABuildMadeIsKnown) {
+    std::vector<Product> products;
+    ProductNote(products, L"C:\\x.asm", {.written = 7, .length = 3});
+    ProductNote(products, L"C:\\\xE9 y.log", {.written = 8, .length = 4});
+    ProductNote(products, L"c:/X.ASM", {.written = 9, .length = 3});
+    const std::vector<Product> read = ProductsOfText("nonsense\n1 x\n" + ProductsText(products));
+    EXPECT_EQ(read.size(), 2U) << "one note for each file";
+    EXPECT_TRUE(ProductIsKnown(read, L"C:\\x.asm", {.written = 9, .length = 3}));
+    EXPECT_TRUE(ProductIsKnown(read, L"C:\\\xE9 y.log", {.written = 8, .length = 4}));
+    EXPECT_FALSE(ProductIsKnown(read, L"C:\\x.asm", {.written = 7, .length = 3})) << "written to by the user";
+    for (std::size_t i = 0; i < kMostProducts; ++i) ProductNote(products, L"n" + std::to_wstring(i), {});
+    EXPECT_EQ(products.size(), kMostProducts);
+    EXPECT_EQ(Narrow(products.back().path), "n" + std::to_string(kMostProducts - 1));
 }
 
 }  // namespace

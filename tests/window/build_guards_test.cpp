@@ -1,0 +1,153 @@
+// What a build leaves alone and puts back, whose errors it shows, and programs that run in the output pane.
+#include "build_driver.h"
+#include "harness.h"
+
+#include <richedit.h>
+
+#include "resources/ids.h"
+
+namespace {
+
+bool Has(const std::wstring& text, const std::wstring& part) { return text.find(part) != std::wstring::npos; }
+
+}  // namespace
+
+TEST(BuildGuards, EachDiagnosticOfABatchHasItsOwnFolder) {
+    FakeFolder folder("print main.bas(2,1): error: same\nprint part.inc(1,1): warning: w\nmake\n");
+    folder.SetIni(L"Build", L"PreBuildCmd", L"pre one");
+    folder.Write(L"KVXA64\\part.inc", "the compiler's");
+    std::wstring files;
+    for (const wchar_t* name : {L"one\\", L"two\\"}) {
+        files += OpenArgument(folder.Write(std::wstring(name) + L"main.bas", "1\r\n2\r\n"));
+        folder.Write(std::wstring(name) + L"part.inc", Utf8(name));
+        folder.Write(std::wstring(name) + L"pre.bat", "@echo from %1>made.txt\r\n");
+    }
+    Editor editor(folder, files + L" --compiler kvxa64");
+    editor.Type("changed\r\n");  // in two\main.bas, which the batch saves before it builds one\main.bas
+    editor.Do(IDM_PREVIOUS_TAB);
+    std::wstring text = Build(editor);
+    EXPECT_TRUE(text.starts_with(L"Saved: " + folder.File(L"two\\main.bas\n"))) << Utf8(text);
+    EXPECT_EQ(folder.Read(L"two\\main.bas"), "changed\r\n1\r\n2\r\n");
+    EXPECT_EQ(folder.Read(L"one\\made.txt"), "from one\r\n") << "a script beside the source";
+    editor.Post(IDM_BUILD_ALL);
+    ASSERT_TRUE(editor.AwaitOutput(L"Batch build: 2 succeeded", kBuildDeadline)) << editor.Describe();
+    text = editor.Output();
+    const HWND pane = editor.Child(IDC_OUTPUT);
+    for (const auto& [at, tab] : {std::pair{text.find(L"main.bas(2,1)"), 0}, {text.rfind(L"main.bas(2,1)"), 1}}) {
+        editor.Send(pane, EM_SETSEL, at, static_cast<LPARAM>(at));
+        editor.Send(pane, WM_KEYDOWN, VK_RETURN);
+        EXPECT_TRUE(WaitFor([&] { return editor.ActiveTab() == tab && editor.Line() == 2; })) << editor.Describe();
+    }
+    editor.Do(IDM_ERROR_NEXT);
+    EXPECT_TRUE(WaitFor([&] { return editor.Text() == "two\\"; })) << "neither the compiler's nor the other's";
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+TEST(BuildGuards, AProgramRunsInTheOutputPane) {
+    FakeFolder folder("make\n");
+    Editor editor(folder, OpenArgument(folder.Write(L"kvxpane.bas", kHello)) + L" --compiler kvxa64");
+    folder.Write(L"fake.txt", "raw Name? \necho\nexit 259\n");  // for the program
+    editor.Do(IDM_RUN_IN_OUTPUT);
+    EXPECT_TRUE(Has(editor.Output(), L"Nothing to run: build a program first (Ctrl+B).\n"));
+    Build(editor);
+    editor.Do(IDM_RUN_IN_OUTPUT);
+    const HWND terminal = editor.Child(IDC_TERMINAL);
+    EXPECT_TRUE(IsWindowVisible(terminal));
+    EXPECT_EQ(editor.Focus(), terminal);
+    ASSERT_TRUE(editor.AwaitOutput(L"Name? ")) << editor.Describe();
+    TypeInTerminal(editor, L"Bob");
+    TypeInTerminal(editor, L"");
+    EXPECT_TRUE(editor.AwaitOutput(L"\nName? Bob\n")) << Utf8(editor.Output());
+    EXPECT_TRUE(editor.AwaitOutput(L"got Bob\n")) << Utf8(editor.Output());
+    editor.Foreground();
+    editor.Keys({VK_CONTROL, 'Z'});
+    EXPECT_TRUE(editor.AwaitOutput(L"--- Program ended (exit code 259) ---\n")) << Utf8(editor.Output());
+    EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
+    editor.Keys({VK_CONTROL, VK_SHIFT, 'R'});
+    EXPECT_TRUE(WaitFor([&] { return Count(editor.Output(), L"Name? ") == 2; }));
+    editor.Do(IDM_BUILD);
+    EXPECT_TRUE(Has(editor.Status(), L"still runs in the output pane")) << Utf8(editor.Status());
+    editor.Do(IDM_BUILD_STOP);
+    EXPECT_TRUE(editor.AwaitOutput(L"--- Program stopped ---\n"));
+    EXPECT_EQ(CountProcesses(L"kvxpane.exe"), 0);
+
+    folder.Script("print nothing made\nspawn\n");
+    const std::wstring text = Build(editor, IDM_BUILD_RUN);
+    EXPECT_TRUE(Has(text, L"No program was written: " + folder.File(L"kvxpane.exe is of an earlier build.\n")))
+        << Utf8(text);
+    EXPECT_EQ(CountProcesses(L"kvxpane.exe"), 0) << "the program of the build before";
+    EXPECT_TRUE(Has(text, L"started are still running. Stop Build (Ctrl+Break) ends them.\n")) << Utf8(text);
+    EXPECT_EQ(CountProcesses(L"kvxa64.exe"), 1);
+    EXPECT_TRUE(WaitFor([&] { return editor.ButtonWorks(IDM_BUILD_STOP); }));
+    editor.Do(IDM_BUILD_STOP);
+    EXPECT_TRUE(WaitFor([] { return CountProcesses(L"kvxa64.exe") == 0; }));
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+// The compiler's copy x.bas of x.kb takes the place of the user's x.bas for a while.
+TEST(BuildGuards, AStagedCopyIsNeitherShownNorLeftBehind) {
+    FakeFolder folder("");
+    folder.SetIni(L"KELDORBASIC", L"Path", folder.File(L"KVXA64\\kvxa64.exe"));
+    const std::wstring mine = folder.Write(L"x.bas", "mine\r\n2\r\n"),
+                       source = folder.Write(L"x.kb", "1\r\n2\r\n3\r\n");
+    folder.Script("print " + Utf8(mine) + "(2,1): error: e\nexit 1\n");
+    const std::wstring arguments = OpenArgument(mine) + OpenArgument(source) + L" --compiler keldorbasic";
+    {
+        Editor editor(folder, arguments);
+        Build(editor);
+        editor.Do(IDM_ERROR_NEXT);
+        EXPECT_TRUE(WaitFor([&] { return editor.Line() == 2; }));
+        EXPECT_EQ(editor.TabLabel(editor.ActiveTab()), L"x.kb") << "the user's file of that name is open, too";
+        folder.Script("print begun\nsleep 60000\n");
+        editor.Do(IDM_BUILD);
+        ASSERT_TRUE(editor.AwaitOutput(L"begun"));
+        EXPECT_EQ(folder.Read(L"x.bas"), "1\r\n2\r\n3\r\n");
+        TerminateProcess(editor.process, 9);  // a crash, a power cut
+        EXPECT_TRUE(editor.ExitCode());
+        EXPECT_TRUE(WaitFor([] { return CountProcesses(L"kvxa64.exe") == 0; }));
+    }
+    Editor again(folder, arguments);
+    EXPECT_EQ(folder.Read(L"x.bas"), "mine\r\n2\r\n");
+    EXPECT_FALSE(Exists(mine + L".kvx-aside1"));
+    EXPECT_TRUE(Has(again.Output(), L"your file " + mine + L" has been put back.\n")) << Utf8(again.Output());
+    EXPECT_EQ(again.Close(), 0u);
+}
+
+TEST(BuildGuards, OnlyWhatABuildMadeIsOverwrittenOrDeleted) {
+    FakeFolder folder("");
+    folder.SetIni(L"KVXA64", L"AsmFlag", L"-L{asm}");
+    const std::wstring source = folder.Write(L"main.bas", kHello);
+    for (const wchar_t* name : {L"main.asm", L"main.log", L"main.buildlog"}) folder.Write(name, "by hand");
+    folder.Script("args\nmake\ntally " + Utf8(folder.File(L"main.log")) + "\ntouch " + Utf8(folder.File(L"main.err")) +
+                  "\n");
+    const std::wstring notMade = L" (no build of this editor has made it)\n";
+    {
+        Editor editor(folder, OpenArgument(source) + L" --compiler kvxa64");
+        editor.Do(IDM_VIEW_ASM);
+        const std::wstring text = Build(editor);
+        EXPECT_FALSE(Has(text, L"-L\"")) << "the listing would overwrite the user's file\n" << Utf8(text);
+        EXPECT_TRUE(
+            Has(text, L"No assembly listing, because no build of this editor has made " + folder.File(L"main.asm\n")))
+            << Utf8(text);
+        EXPECT_TRUE(Has(text, L"which is kept as " + folder.File(L"main.log.kvx-kept1\n"))) << Utf8(text);
+        EXPECT_EQ(folder.Read(L"main.log.kvx-kept1"), "by hand");
+        EXPECT_TRUE(WaitFor([&] {
+            return Has(editor.TextOf(editor.Child(IDC_ASM)), L"main.asm is no listing: no build");
+        })) << Utf8(editor.TextOf(editor.Child(IDC_ASM)));
+        editor.Do(IDM_BUILD_CLEAN);
+        EXPECT_TRUE(editor.AwaitOutput(L"Not deleted: " + folder.File(L"main.asm") + notMade));
+        EXPECT_TRUE(editor.AwaitOutput(L"Not deleted: " + folder.File(L"main.buildlog") + notMade));
+        for (const wchar_t* name : {L"main.asm", L"main.buildlog"}) EXPECT_EQ(folder.Read(name), "by hand");
+        for (const wchar_t* name : {L"main.exe", L"main.log", L"main.err"})
+            EXPECT_FALSE(Exists(folder.File(name))) << Utf8(name);
+        DeleteFileW(folder.File(L"main.asm").c_str());
+        folder.Script("args\nmake\ntouch " + Utf8(folder.File(L"main.asm")) + "\n");
+        EXPECT_TRUE(Has(Build(editor), L" -L\"")) << Utf8(editor.Output());
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    Editor again(folder, OpenArgument(source) + L" --compiler kvxa64");
+    again.Do(IDM_BUILD_CLEAN);
+    EXPECT_TRUE(again.AwaitOutput(L"Cleaned build outputs.\n"));
+    EXPECT_FALSE(Exists(folder.File(L"main.asm"))) << "made by a build of the run before";
+    EXPECT_EQ(again.Close(), 0u);
+}
