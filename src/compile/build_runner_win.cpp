@@ -14,6 +14,7 @@
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "files/file_io.h"
+#include "files/start_path.h"
 #include "output/last_build.h"
 #include "output/line_colours.h"
 #include "output/output_feed.h"
@@ -224,6 +225,10 @@ bool StageForLaunch(const LaunchRequest& request, StagedSource* staged) {
 bool PrepareLaunch(const LaunchRequest& request, StagedSource* staged, LaunchPlan* plan) {
     if (const std::wstring obstacle = LaunchObstacle(request); !obstacle.empty()) {
         OutputPaneAppend(obstacle.c_str(), kLineRed);
+        return false;
+    }
+    if (const std::wstring compiler(request.compiler); !ProgramCanBeStarted(compiler)) {
+        OutputPaneAppend((L"Build launch failed: " + LongProgramText(compiler) + L"\r\n").c_str(), kLineRed);
         return false;
     }
     if (!StageForLaunch(request, staged)) return false;

@@ -21,11 +21,6 @@ struct ChildProcess {
 bool ChildStart(std::wstring commandLine, const std::wstring& directory, ChildProcess* child, DWORD* error,
                 bool isProgram);
 
-// The longest folder, in characters, that Windows takes as a working folder. Wine's heap is corrupted by a longer one.
-inline constexpr std::size_t kLongestWorkingFolder = 258;
-// The folder in a form that a process can be started in: the short names of a folder that is too long. Empty when there
-// is none.
-std::wstring WorkingFolderOf(const std::wstring& folder);
 // Why nothing was started, for the user, without a line break.
 std::wstring ChildStartProblem(DWORD error, const std::wstring& directory);
 

@@ -2,7 +2,7 @@
 
 #include "base/handles.h"
 #include "base/wide_format.h"
-#include "files/file_io.h"
+#include "files/start_path.h"
 
 #include <atomic>
 #include <iterator>
@@ -111,16 +111,8 @@ bool ReleaseIntoJob(ChildProcess* child) {
 
 }  // namespace
 
-std::wstring WorkingFolderOf(const std::wstring& folder) {
-    if (folder.size() <= kLongestWorkingFolder) return folder;
-    const std::wstring brief = PathShortForm(folder);
-    return brief.size() <= kLongestWorkingFolder ? brief : std::wstring();
-}
-
 std::wstring ChildStartProblem(DWORD error, const std::wstring& directory) {
-    if (error == ERROR_FILENAME_EXCED_RANGE && directory.size() > kLongestWorkingFolder)
-        return L"Nothing can be run in a folder of more than " + std::to_wstring(kLongestWorkingFolder) +
-               L" characters: " + directory;
+    if (error == ERROR_FILENAME_EXCED_RANGE && directory.size() > kLongestStartPath) return LongFolderText(directory);
     wchar_t text[512] = {};
     FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0, text,
                    static_cast<DWORD>(std::size(text)), nullptr);

@@ -9,6 +9,7 @@
 #include "compile/compile_state.h"
 #include "documents/document_row.h"
 #include "files/file_io.h"
+#include "files/start_path.h"
 #include "output/line_colours.h"
 #include "output/output_feed.h"
 #include "output/output_pane.h"
@@ -20,11 +21,6 @@
 #include <shellapi.h>
 
 namespace {
-
-// A program path that is too long to be started with gets its short names.
-std::wstring StartablePath(const std::wstring& program) {
-    return program.size() > kLongestWorkingFolder ? PathShortForm(program) : program;
-}
 
 std::wstring ProgramToRun() {
     if (!LastBuild().output.empty()) return LastBuild().output;
@@ -63,14 +59,17 @@ void RunInOutputPane() {
         return;
     }
     PaneShow(PaneId::Output, true);
+    if (!ProgramCanBeStarted(program)) {
+        SayRunProblem(L"Run failed. " + LongProgramText(program) + L"\r\n");
+        return;
+    }
     OutputPaneAppend((L"--- Running: " + program + L" ---\r\n").c_str(), 0);
     OutputPaneAppend(RunDoubt(LastBuild(), SourceIsModified()).c_str(), kLineYellow);
     const std::wstring folder = FolderOf(program);
     OutputFeedBegin({.diagnostics = false});  // what a program prints may look like a diagnostic
     DWORD error = 0;
-    if (!StageStart(
-            {.stage = BuildStage::Program, .commandLine = L'"' + StartablePath(program) + L'"', .directory = folder},
-            &error)) {
+    if (!StageStart({.stage = BuildStage::Program, .commandLine = L'"' + program + L'"', .directory = folder},
+                    &error)) {
         OutputFeedBegin({});
         SayRunProblem(L"Run failed (Win32 error " + std::to_wstring(error) + L"): " + ChildStartProblem(error, folder) +
                       L"\r\n");
@@ -83,14 +82,12 @@ void RunInOutputPane() {
 }
 
 void RunBuiltProgram(const std::wstring& program) {
-    const std::wstring folder = WorkingFolderOf(FolderOf(program));
-    if (folder.empty()) {
-        SayRunProblem(L"Run failed for: " + program + L"\r\n" +
-                      ChildStartProblem(ERROR_FILENAME_EXCED_RANGE, FolderOf(program)) + L"\r\n");
+    if (!ProgramCanBeStarted(program)) {
+        SayRunProblem(L"Run failed. " + LongProgramText(program) + L"\r\n");
         return;
     }
     const auto result = reinterpret_cast<INT_PTR>(
-        ShellExecuteW(g_ui.hMainWnd, L"open", StartablePath(program).c_str(), nullptr, folder.c_str(), SW_SHOWNORMAL));
+        ShellExecuteW(g_ui.hMainWnd, L"open", program.c_str(), nullptr, FolderOf(program).c_str(), SW_SHOWNORMAL));
     if (result <= 32) SayRunProblem(RunErrorLine(program, static_cast<long>(result)));
 }
 

@@ -6,6 +6,7 @@
 #include "base/handles.h"
 #include "base/log.h"
 #include "files/file_io.h"
+#include "files/start_path.h"
 
 #include <cwchar>
 #include <iterator>
@@ -54,6 +55,10 @@ bool Launch(const wchar_t* executable, DebuggerState* state) {
     const std::wstring path = executable;
     const std::size_t slash = path.find_last_of(L"\\/");
     const std::wstring directory = slash == std::wstring::npos ? std::wstring() : path.substr(0, slash + 1);
+    if (!ProgramCanBeStarted(path)) {
+        DebugSay(kDebugRed, L"[Debug] %s\n", LongProgramText(path).c_str());
+        return false;
+    }
     const ImageKind kind = KindOf(executable);
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);

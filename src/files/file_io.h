@@ -50,9 +50,6 @@ bool PathNormalizeInput(const wchar_t* input, wchar_t* out, std::size_t capacity
 
 // The path in the form that file functions accept at any length. A short path is returned unchanged.
 std::wstring PathForSystem(const wchar_t* path);
-// The path with the short names (8.3) of its folders and its file, without a prefix, for programs that take no more than
-// 260 characters. The path itself when the volume has no short names or there is no such file.
-std::wstring PathShortForm(const std::wstring& path);
 
 // The folder of the running executable, with its trailing backslash. Empty when it is not known.
 void AppExeDirectory(wchar_t* out, std::size_t capacity);

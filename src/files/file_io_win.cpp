@@ -117,17 +117,6 @@ bool WriteFileUtf8(const wchar_t* path, const char* bytes, std::size_t length) {
            WriteWholeFile(PathForSystem(path), {bytes, length}, {.flush = false});
 }
 
-std::wstring PathShortForm(const std::wstring& path) {
-    const std::wstring known = PathForSystem(path.c_str());
-    const DWORD size = GetShortPathNameW(known.c_str(), nullptr, 0);
-    std::wstring brief(size, L'\0');
-    const DWORD length = size == 0 ? 0 : GetShortPathNameW(known.c_str(), brief.data(), size);
-    if (length == 0 || length >= size) return path;
-    brief.resize(length);
-    if (brief.starts_with(L"\\\\?\\UNC\\")) return L"\\" + brief.substr(7);
-    return brief.starts_with(L"\\\\?\\") ? brief.substr(4) : brief;
-}
-
 std::wstring PathForSystem(const wchar_t* path) {
     std::wstring extended = PathExtended(path);
     if (extended.size() == std::wstring_view{path}.size()) return extended;

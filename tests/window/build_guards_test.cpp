@@ -6,6 +6,8 @@
 
 #include "resources/ids.h"
 
+#include "support/deep_folder.h"
+
 namespace {
 
 bool Has(const std::wstring& text, const std::wstring& part) { return text.find(part) != std::wstring::npos; }
@@ -82,6 +84,34 @@ TEST(BuildGuards, AProgramRunsInTheOutputPane) {
     editor.Do(IDM_BUILD_STOP);
     EXPECT_TRUE(WaitFor([] { return CountProcesses(L"kvxa64.exe") == 0; }));
     EXPECT_EQ(editor.Close(), 0u);
+}
+
+// A working folder beyond the system's limit: every stage works, or says in a line why it does not.
+TEST(BuildGuards, FoldersBeyondTheLimit) {
+    ProgramFolder folder(kCompilers);
+    folder.KeepNoSession();
+    folder.SetIni(L"Build", L"PreBuildCmd", L"cmd /c echo pre-build here");
+    DeepFolder deep(folder.path);
+    const std::wstring source = deep.File(L"x.bas");
+    WriteBytes(DeepFolder::LongForm(source), kHello);
+    {
+        Editor editor(folder, OpenArgument(source));
+        for (const int compiler : {IDM_USE_KVXB64, IDM_USE_KELDORBASIC}) {
+            editor.Do(compiler);
+            const std::wstring text = Build(editor, IDM_BUILD_RUN);
+            EXPECT_TRUE(Has(text, L"\npre-build here\n")) << Utf8(text);
+            EXPECT_TRUE(Has(text, L"--- Build succeeded")) << Utf8(text);
+            EXPECT_TRUE(Has(text, L"\nRun failed. The system starts no program")) << Utf8(text);
+            editor.Do(IDM_RUN_IN_OUTPUT);
+            EXPECT_EQ(Count(editor.Output(), L"\nRun failed. The system starts no program"), 2)
+                << Utf8(editor.Output());
+            editor.Do(IDM_DEBUG_START);
+            EXPECT_TRUE(editor.AwaitOutput(L"\n[Debug] The system starts no program", kBuildDeadline));
+        }
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    for (const wchar_t* name : {L"x.bas", L"x.exe", L"x.exe.pbd", L"x.buildlog", L"x.asm"})
+        DeleteFileW(DeepFolder::LongForm(deep.File(name)).c_str());
 }
 
 // The compiler's copy x.bas of x.kb takes the place of the user's x.bas for a while.
