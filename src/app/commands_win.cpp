@@ -1,12 +1,14 @@
 // Commands, from menu, toolbar and keys, to whoever carries them out. UI thread only.
 #include "app/app_state.h"
 #include "app/main_window.h"
+#include "app/recent_menu.h"
 #include "commands/command_state.h"
 #include "commands/status_bar.h"
 #include "commands/view_commands.h"
 #include "compile/build.h"
 #include "debugui/debug_commands.h"
 #include "debugui/debug_run.h"
+#include "documents/bookmarks.h"
 #include "documents/document_row.h"
 #include "documents/editor_format.h"
 #include "documents/editor_pane.h"
@@ -21,6 +23,8 @@
 #include "ui/message.h"
 
 #include <commdlg.h>
+#include <objbase.h>
+#include <shlobj.h>
 
 #include <span>
 #include <vector>
@@ -55,6 +59,32 @@ void SendToText(int command) {
             SciSend(g_app.hEditor, row.scintilla);
         }
     }
+}
+
+void GoToBookmark(int command) {
+    if (!BookmarkGo(g_app.hEditor, command == IDM_BOOKMARK_NEXT))
+        StatusBarSetText(L"No bookmarks in this document (Ctrl+F2 sets one)");
+}
+
+void ChooseProjectFolder() {
+    BROWSEINFOW dialog = {};
+    dialog.hwndOwner = g_app.hMainWnd;
+    dialog.lpszTitle = L"Choose the folder that the project tree shows";
+    dialog.ulFlags = BIF_RETURNONLYFSDIRS;
+    LPITEMIDLIST chosen = SHBrowseForFolderW(&dialog);
+    if (chosen == nullptr) return;  // cancelled
+    wchar_t folder[MAX_PATH] = {};
+    const bool named = SHGetPathFromIDListW(chosen, folder) != FALSE;
+    CoTaskMemFree(chosen);
+    if (!named) {
+        ErrorMessage(L"This folder cannot be used as project folder.");
+        return;
+    }
+    SettingsChange([&](Settings& settings) {
+        SafeCopyW(settings.projectRoot, folder);
+        settings.showProjectTree = 1;
+    });
+    SettingsSave(nullptr);
 }
 
 void SelectTabBeside(int command) {
@@ -113,6 +143,11 @@ constexpr CommandHandler kFrameHandlers[] = {
     {IDM_NAV_FORWARD, [](int) { NavHistoryForward(); }},
     {IDM_NEXT_TAB, SelectTabBeside},
     {IDM_PREVIOUS_TAB, SelectTabBeside},
+    {IDM_BOOKMARK_TOGGLE, [](int) { BookmarkToggle(g_app.hEditor); }},
+    {IDM_BOOKMARK_NEXT, GoToBookmark},
+    {IDM_BOOKMARK_PREVIOUS, GoToBookmark},
+    {IDM_BOOKMARKS_CLEAR, [](int) { BookmarksClear(g_app.hEditor); }},
+    {IDM_PROJECT_FOLDER, [](int) { ChooseProjectFolder(); }},
     {IDM_WORKSPACE_NEW, [](int) { WorkspaceNew(); }},
     {IDM_WORKSPACE_OPEN, [](int) { OpenWorkspace(); }},
     {IDM_WORKSPACE_SAVE, SaveWorkspace},
@@ -124,8 +159,8 @@ constexpr CommandHandler kFrameHandlers[] = {
 std::vector<CommandHandler> AllCommandHandlers() {
     std::vector<CommandHandler> all;
     for (const std::span<const CommandHandler> area :
-         {std::span<const CommandHandler>(kFrameHandlers), ViewCommandHandlers(), BuildCommandHandlers(),
-          DebugCommandHandlers()})
+         {std::span<const CommandHandler>(kFrameHandlers), RecentCommandHandlers(), ViewCommandHandlers(),
+          BuildCommandHandlers(), DebugCommandHandlers()})
         all.insert(all.end(), area.begin(), area.end());
     return all;
 }
@@ -142,9 +177,12 @@ void MainWnd_OnCommand(int command, int notification, HWND control) {
     if (command == IDM_BUILD_RUN && FlowIsStopped(DebugFlowNow())) command = IDM_DEBUG_CONTINUE;
     // A key or a posted command may come when the command is not possible; the table decides, not the sender.
     if (!CommandStateOf(command, CurrentCommandView()).enabled) return;
-    if (RunCommandHandler(kFrameHandlers, command) || RunCommandHandler(ViewCommandHandlers(), command) ||
-        CmdHandle_Build(command) || CmdHandle_Debug(command))
+    if (RunCommandHandler(kFrameHandlers, command) || RunCommandHandler(RecentCommandHandlers(), command) ||
+        RunCommandHandler(ViewCommandHandlers(), command) || CmdHandle_Build(command) || CmdHandle_Debug(command))
         MainWindow_RequestStateRefresh();
 }
 
-void MainWnd_OnInitMenuPopup(HMENU menu) { MenuApplyState(menu, CurrentCommandView()); }
+void MainWnd_OnInitMenuPopup(HMENU menu) {
+    RecentMenuFill(menu);
+    MenuApplyState(menu, CurrentCommandView());
+}

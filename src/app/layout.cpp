@@ -189,3 +189,14 @@ PaneRect FitToWorkArea(const PaneRect& window, const PaneRect& work) {
     const int top = FitEdge(window.top, window.height(), work.top, work.bottom);
     return {left, top, left + window.width(), top + window.height()};
 }
+
+PaneRect PlaceForReturn(const PaneRect& window, const PaneRect& work, int captionHeight) {
+    const int x = window.left + window.width() / 2;
+    const int y = window.top + captionHeight / 2;
+    if (x >= work.left && x < work.right && y >= work.top && y < work.bottom) return window;
+    const int width = std::min(window.width(), work.width());
+    const int height = std::min(window.height(), work.height());
+    const int left = std::clamp(window.left, work.left, work.right - width);
+    const int top = std::clamp(window.top, work.top, work.bottom - height);
+    return {left, top, left + width, top + height};
+}

@@ -80,3 +80,7 @@ int PositionAt(double ratio, int start, int end);
 
 // Moves a window's rectangle so that its left top corner is in the work area; keeps its size.
 PaneRect FitToWorkArea(const PaneRect& window, const PaneRect& work);
+
+// Where a window comes back to on the monitor with this work area: where it was, when the middle of its caption is
+// there, because then the user can move it. Otherwise it is made small enough for the work area and put wholly inside.
+PaneRect PlaceForReturn(const PaneRect& window, const PaneRect& work, int captionHeight);

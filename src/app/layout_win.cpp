@@ -13,6 +13,7 @@
 #include "ui/dpi.h"
 #include "ui/panes.h"
 
+#include <cmath>
 #include <iterator>
 #include <vector>
 
@@ -91,6 +92,14 @@ static void OutputSpan(int height, int* top, int* bottom) {
     *bottom = height - (settings.showStatusbar != 0 ? StatusBarHeight() : 0);
 }
 
+// Keeps the ratios in the settings, together with the values in pixels that they now stand for.
+static void StoreRatios() {
+    Settings& settings = g_app.settings;
+    settings.splitterRatio = {static_cast<std::int32_t>(std::lround(g_ratios.output * kFullRatio)), settings.splitter};
+    settings.sidebarRatio = {static_cast<std::int32_t>(std::lround(g_ratios.side * kFullRatio)),
+                             settings.aiSidebarWidth};
+}
+
 void CaptureSplitterRatio() {
     RECT client = {};
     if (!GetClientRect(g_app.hMainWnd, &client) || client.right <= 0) return;
@@ -100,6 +109,23 @@ void CaptureSplitterRatio() {
     g_app.settings.splitter = ClampSplitter(bottom, top, g_app.settings.splitter);
     g_ratios.output = RatioOf(g_app.settings.splitter, top, bottom);
     g_ratios.side = RatioOf(UiScaled(g_app.settings.aiSidebarWidth), 0, client.right);
+    StoreRatios();
+}
+
+void RestoreSplitterRatio() {
+    const auto known = [](const StoredRatio& stored, std::int32_t setting) {
+        return stored.ratio > 0 && stored.of == setting;
+    };
+    const Settings& settings = g_app.settings;
+    const bool output = known(settings.splitterRatio, settings.splitter);
+    const bool side = known(settings.sidebarRatio, settings.aiSidebarWidth);
+    const double outputRatio = static_cast<double>(settings.splitterRatio.ratio) / kFullRatio;
+    const double sideRatio = static_cast<double>(settings.sidebarRatio.ratio) / kFullRatio;
+    CaptureSplitterRatio();
+    if (output) g_ratios.output = outputRatio;
+    if (side) g_ratios.side = sideRatio;
+    RECT client = {};
+    if (GetClientRect(g_app.hMainWnd, &client)) ApplyLayoutRatios(client.right, client.bottom);
 }
 
 void ApplyLayoutRatios(int width, int height) {
@@ -109,19 +135,7 @@ void ApplyLayoutRatios(int width, int height) {
     OutputSpan(height, &top, &bottom);
     if (bottom > top) g_app.settings.splitter = ClampSplitter(bottom, top, PositionAt(g_ratios.output, top, bottom));
     g_app.settings.aiSidebarWidth = ClampSideWidth(UiUnscaled(PositionAt(g_ratios.side, 0, width)));
-}
-
-void MainWnd_NotePlace(HWND window) {
-    WINDOWPLACEMENT place = {};
-    place.length = sizeof place;
-    if (GetWindowPlacement(window, &place) == FALSE) return;
-    const RECT& normal = place.rcNormalPosition;
-    g_app.windowPlace = {.known = true,
-                         .left = static_cast<int>(normal.left),
-                         .top = static_cast<int>(normal.top),
-                         .width = static_cast<int>(normal.right - normal.left),
-                         .height = static_cast<int>(normal.bottom - normal.top),
-                         .maximised = place.showCmd == SW_SHOWMAXIMIZED};
+    StoreRatios();
 }
 
 void MainWnd_OnSize(WPARAM kind, int width, int height) {

@@ -8,6 +8,7 @@
 #include "compile/build.h"
 #include "documents/file_commands.h"
 #include "files/file_io.h"
+#include "files/libraries.h"
 #include "resources/ids.h"
 #include "search/find.h"
 #include "settings/compiler_table.h"
@@ -114,7 +115,7 @@ bool TranslateExtraKey(const MSG& message) {
     if (message.message != WM_KEYDOWN && message.message != WM_SYSKEYDOWN) return false;
     if (message.hwnd != g_app.hMainWnd && !IsChild(g_app.hMainWnd, message.hwnd)) return false;
     const int command = CommandOfExtraKey(static_cast<std::uint32_t>(message.wParam), IsDown(VK_CONTROL),
-                                          IsDown(VK_SHIFT), IsDown(VK_MENU));
+                                          IsDown(VK_SHIFT), IsDown(VK_MENU), message.hwnd == g_app.hEditor);
     if (command == 0) return false;
     SendMessageW(g_app.hMainWnd, WM_COMMAND, MAKEWPARAM(command, 1), 0);
     return true;
@@ -137,12 +138,13 @@ int RunMessageLoop() {
 }  // namespace
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR commandLine, int showCommand) {
+    const bool limited = LibrariesLimitSearch();
     g_app.hInstance = instance;
     ParseCommandLineEarly(commandLine);
     if (g_testMode) return RunTestMode(g_testModule.c_str());
     SettingsDefaults(g_app.settings);
     InitControls();
-    HMODULE richEdit = LoadLibraryW(L"Msftedit.dll");
+    HMODULE richEdit = LoadSystemLibrary(L"Msftedit.dll");
     HMODULE unused = nullptr;
     const auto unloadAndFail = [&] {
         if (richEdit != nullptr) FreeLibrary(richEdit);
@@ -156,6 +158,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR commandLine, int showCom
     wchar_t directory[kPathCapacity] = {};
     AppExeDirectory(directory, kPathCapacity);
     OpenLog(directory);
+    if (!limited) AppLogMsg(L"FAIL: SetDefaultDllDirectories");
     CompilerBridgeInit();
     BuildInit();
     if (MainWindow_Init(instance, showCommand) == nullptr) {

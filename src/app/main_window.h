@@ -36,6 +36,7 @@ void MainWnd_OnSize(WPARAM kind, int width, int height);
 void MainWnd_OnMinMaxInfo(MINMAXINFO& info);
 void ApplyLayoutRatios(int width, int height);  // sets the bars by the ratios for a client area of this size, in pixels
 void CaptureSplitterRatio();                    // keeps the ratios of the bars
+void RestoreSplitterRatio();                    // takes the ratios from the settings, and the bars where there are none
 // splitter_win.cpp
 HWND CreateSplitter(HWND parent, int id);  // null when it cannot be made
 LRESULT CALLBACK SplitterProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
@@ -63,7 +64,9 @@ void MainWindow_Layout();  // places every pane by the settings
 void MainWindow_UpdateCompilerSelection();  // shows the active compiler in toolbar and status bar
 // refresh_win.cpp
 void MainWindow_RequestStateRefresh();  // asks for MainWnd_RunPendingRefresh
-// layout_win.cpp
-void MainWnd_NotePlace(HWND window);  // keeps the window's place for the settings file
+// window_place_win.cpp
+void MainWnd_RestorePlace(HWND window);  // where it was in the last run, when a monitor is there
+bool MainWnd_StartsMaximised();          // known once the place was restored
+void MainWnd_NotePlace(HWND window);     // keeps the window's place for the settings file
 // refresh_win.cpp
 void MainWnd_RunPendingRefresh();  // refreshes toolbar and position; called when the message queue is empty

@@ -2,7 +2,6 @@
 #include "app/main_window.h"
 
 #include "app/app_state.h"
-#include "app/layout.h"
 #include "app/panes.h"
 #include "commands/command_state.h"
 #include "commands/status_bar.h"
@@ -22,16 +21,13 @@
 #include "settings/file_types.h"
 #include "settings/settings_store.h"
 #include "tabs/tab_bar.h"
+#include "ui/dialog_theme.h"
 #include "ui/fonts.h"
+#include "ui/menu_draw.h"
 
 #include <commctrl.h>
 
-#include <algorithm>
-#include <climits>
-
 namespace {
-
-constexpr int kFarAway = 1000000;  // pixels, beyond any desktop
 
 HMENU ChildId(int id) { return reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)); }
 
@@ -64,32 +60,6 @@ void LoadSettings() {
     if (g_app.settings.projectRoot[0] != L'\0') ProjectTreePopulate();
 }
 
-int WindowSetting(const wchar_t* key, int fallback) {
-    // GetPrivateProfileIntW looks for a name without a path in the Windows folder, while the settings are written
-    // beside the executable. This is intended: an administrator can set the window's place for every user there.
-    return static_cast<int>(GetPrivateProfileIntW(L"Window", key, fallback, L"Editor.ini"));
-}
-
-void RestoreGeometry(HWND window) {
-    // The file may hold any number, and the sums below must not overflow.
-    const int left = std::clamp(WindowSetting(L"Left", INT_MIN), -kFarAway, kFarAway);
-    const int top = std::clamp(WindowSetting(L"Top", INT_MIN), -kFarAway, kFarAway);
-    const int width = std::min(WindowSetting(L"Width", 0), kFarAway);
-    const int height = std::min(WindowSetting(L"Height", 0), kFarAway);
-    if (width < 1 || height < 1) return;
-    const RECT wanted = {left, top, left + width, top + height};
-    MONITORINFO monitor = {};
-    monitor.cbSize = sizeof(monitor);
-    if (!GetMonitorInfoW(MonitorFromRect(&wanted, MONITOR_DEFAULTTONEAREST), &monitor)) return;
-    const RECT& work = monitor.rcWork;
-    const PaneRect fitted = FitToWorkArea({left, top, left + width, top + height},
-                                          {static_cast<int>(work.left), static_cast<int>(work.top),
-                                           static_cast<int>(work.right), static_cast<int>(work.bottom)});
-    SetWindowPos(window, nullptr, fitted.left, fitted.top, fitted.width(), fitted.height(),
-                 SWP_NOZORDER | SWP_NOACTIVATE);
-    if (WindowSetting(L"Max", 0) != 0) ShowWindow(window, SW_MAXIMIZE);
-}
-
 }  // namespace
 
 void MainWnd_ApplyTheme() {
@@ -98,7 +68,10 @@ void MainWnd_ApplyTheme() {
     TabBarApplyTheme();
     StatusBarApplyTheme();
     ThemePanes();
-    RedrawWindow(g_app.hMainWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+    FrameApplyTheme(g_app.hMainWnd);
+    MenuBarApplyTheme(g_app.hMainWnd);
+    DialogsRenewTheme();
+    RedrawWindow(g_app.hMainWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
 }
 
 bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create) {
@@ -109,7 +82,7 @@ bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create) {
     InitCommonControls();
     CreateChildren(window);
     LoadSettings();
-    RestoreGeometry(window);
+    MainWnd_RestorePlace(window);
     for (const DocumentTab& tab : g_app.tabs) EditorPaneApplySettings(tab.editor);
     MainWnd_ApplyTheme();  // sets the fonts of the panes
     ToolbarUpdateAi();
@@ -117,7 +90,8 @@ bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create) {
     DebugUiInit();
     BuildRecover();
     PostMessageW(window, MSG_STARTUP, 0, 0);
-    CaptureSplitterRatio();
+    MenuDrawAttach(window);
+    RestoreSplitterRatio();
     MainWindow_Layout();  // hides the panes and bars that the settings switch off
     MainWindow_UpdateTitle();
     return true;

@@ -11,6 +11,7 @@
 #include "documents/editor_pane.h"
 #include "resources/ids.h"
 #include "session/session.h"
+#include "settings/compiler_presence.h"
 #include "tabs/tab_bar.h"
 #include "ui/chrome.h"
 #include "ui/paint.h"
@@ -30,6 +31,9 @@ bool RouteOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case MSG_BUILD_FINISHED:
             BuildOnFinished(static_cast<DWORD>(wParam));
             MainWindow_RequestStateRefresh();
+            return true;
+        case MSG_COMPILERS_SEEN:
+            if (CompilersOnLooked(wParam)) MainWindow_UpdateCompilerSelection();
             return true;
         case MSG_DEBUG_LAUNCH: DebugOnBuilt(); return true;
         case MSG_STARTUP: MainWnd_OnStartup(); return true;
@@ -52,6 +56,12 @@ void RouteTimer(HWND window, UINT_PTR id) {
         case TIMER_BUILD: BuildOnTimer(); break;
         default: break;
     }
+}
+
+void MainWnd_OnActivate(HWND window, bool active) {
+    if (!active) return;
+    FocusCurrentEditor();
+    CompilersLook(window, MSG_COMPILERS_SEEN);  // the user may have installed or removed one meanwhile
 }
 
 LRESULT ChildColours(HDC dc) {
@@ -84,9 +94,7 @@ LRESULT CALLBACK MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
         case WM_DPICHANGED:
             MainWnd_OnDpiChanged(window, HIWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
             return 0;
-        case WM_ACTIVATE:
-            if (LOWORD(wParam) != WA_INACTIVE) FocusCurrentEditor();
-            return 0;
+        case WM_ACTIVATE: MainWnd_OnActivate(window, LOWORD(wParam) != WA_INACTIVE); return 0;
         case WM_SETFOCUS: FocusCurrentEditor(); return 0;
         case WM_COMMAND: MainWnd_OnCommand(LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam)); return 0;
         case WM_NOTIFY: return MainWnd_OnNotify(*reinterpret_cast<const NMHDR*>(lParam));
@@ -124,9 +132,8 @@ HWND MainWindow_Init(HINSTANCE instance, int showCommand) {
                                   CW_USEDEFAULT, CW_USEDEFAULT, 1200, 800, nullptr, nullptr, instance, nullptr);
     if (window == nullptr) return nullptr;
     DragAcceptFiles(window, TRUE);
-    // A window that was maximised during creation is shown maximised, because SW_SHOWNORMAL would restore it.
     const bool ordinary = showCommand == SW_SHOWNORMAL || showCommand == SW_SHOWDEFAULT;
-    ShowWindow(window, IsZoomed(window) && ordinary ? SW_SHOWMAXIMIZED : showCommand);
+    ShowWindow(window, MainWnd_StartsMaximised() && ordinary ? SW_SHOWMAXIMIZED : showCommand);
     return window;
 }
 

@@ -45,6 +45,8 @@ HWND CreateTerminal(HWND parent, int controlId) {
     return line;
 }
 
+void FocusTerminal() { SetFocus(g_app.hTerminal); }  // it was opened to type a command
+
 HWND CreateAsmPane(HWND parent, int controlId) { return RichPaneCreate(parent, controlId, kAsmGreeting, false); }
 
 void ApplyAsmTheme() {
@@ -81,6 +83,7 @@ constexpr PaneSpec kPanes[] = {
      .applyTheme = ErrorListRefresh,
      .setting = &Settings::showErrorList,
      .height = &Settings::errorListHeight,
+     .command = IDM_VIEW_ERROR_LIST,
      .handleNotify = NotifyErrorList},
     {.id = PaneId::Terminal,
      .title = L"Terminal",
@@ -88,7 +91,9 @@ constexpr PaneSpec kPanes[] = {
      .controlId = IDC_TERMINAL,
      .window = &g_app.hTerminal,
      .create = CreateTerminal,
-     .setting = &Settings::showTerminal},
+     .setting = &Settings::showTerminal,
+     .command = IDM_VIEW_TERMINAL,
+     .onShown = FocusTerminal},
     {.id = PaneId::Debug,
      .title = L"Debug",
      .area = PaneArea::BottomRight,
@@ -125,6 +130,7 @@ constexpr PaneSpec kPanes[] = {
      .create = ProjectTreeCreate,
      .applyTheme = ProjectTreeApplyTheme,
      .setting = &Settings::showProjectTree,
+     .command = IDM_VIEW_TREE,
      .handleNotify = ProjectTreeHandleNotify},
 };
 

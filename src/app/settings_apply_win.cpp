@@ -6,6 +6,7 @@
 #include "documents/editor_pane.h"
 #include "resources/ids.h"
 #include "session/project_tree.h"
+#include "settings/compiler_presence.h"
 #include "settings/file_types.h"
 #include "settings/settings_effects.h"
 
@@ -30,7 +31,10 @@ void MainWnd_OnSettingsChanged(const Settings& before) {
     else if ((effects & kEffectView) != 0)
         for (const DocumentTab& tab : g_app.tabs) EditorPaneApplySettings(tab.editor);
     if ((effects & kEffectFrame) != 0) MainWnd_ApplyTheme();
-    if ((effects & kEffectCompiler) != 0) MainWindow_UpdateCompilerSelection();
+    if ((effects & kEffectCompiler) != 0) {
+        MainWindow_UpdateCompilerSelection();
+        CompilersLook(g_app.hMainWnd, MSG_COMPILERS_SEEN);
+    }
     if ((effects & kEffectTimers) != 0) MainWnd_ApplyTimers(g_app.hMainWnd);
     if ((effects & kEffectShell) != 0) RegisterFileExtensions();
     if ((effects & kEffectLayout) != 0) {

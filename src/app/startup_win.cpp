@@ -99,6 +99,7 @@ void MainWnd_OnStartup() {
     MainWindow_RequestStateRefresh();
     AppLogMsg(L"DBG WM_USER+200 EXIT tabCount=%d activeTab=%d hSci=%p", TabCount(), g_app.activeTab,
               static_cast<void*>(g_app.hEditor));
+    LogFlush();
 }
 
 void MainWnd_CommandLineDone() {
@@ -172,6 +173,7 @@ bool MainWnd_OnQueryEndSession() { return ConfirmUnsavedDocuments(); }
 // The process may be gone once this returns, and the system waits five seconds at most.
 void MainWnd_OnEndSession(bool ending) {
     if (!ending) return;
+    LogFlush();  // because the system may end the process at any moment from here on
     DebugShutdown();
     if (g_selftestTabsMode) return;
     CompilerKill();

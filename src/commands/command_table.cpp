@@ -3,6 +3,7 @@
 
 #include "resources/ids.h"
 #include "settings/compilers.h"
+#include "settings/settings.h"
 #include "ui/pane_id.h"
 
 #include <algorithm>
@@ -27,10 +28,16 @@ constexpr CommandRow kCommands[] = {
     {IDM_FILE_SAVE, kHasTab},
     {IDM_FILE_SAVE_AS, kHasTab},
     {IDM_FILE_SAVE_ALL, kAnyModified},
-    {IDM_FILE_RELOAD, kHasFile, nullptr, Internal},
+    {IDM_FILE_RELOAD, kHasFile},
     {IDM_FILE_CLOSE, kHasTab},
     {IDM_FILE_CLOSE_ALL, kHasTab},
     {IDM_FILE_EXIT, kAlways},
+    {IDM_RECENT_FILES_NONE, kNever},
+    {IDM_RECENT_FILES_CLEAR, kAlways},
+    {IDM_SESSION_OPEN, kAlways},
+    {IDM_SESSION_SAVE, kHasTab},
+    {IDM_SESSION_SAVE_AS, kHasTab},
+    {IDM_RECENT_SESSIONS_NONE, kNever},
     {IDM_EDIT_UNDO, kCanUndo},
     {IDM_EDIT_REDO, kCanRedo},
     {IDM_EDIT_CUT, kHasSelection},
@@ -40,8 +47,12 @@ constexpr CommandRow kCommands[] = {
     {IDM_EDIT_FIND, kEdits},
     {IDM_EDIT_REPLACE, kEdits},
     {IDM_EDIT_GOTO, kEdits},
-    {IDM_FIND_NEXT, kEdits, nullptr, Internal},
-    {IDM_FIND_PREVIOUS, kEdits, nullptr, Internal},
+    {IDM_FIND_NEXT, kEdits},
+    {IDM_FIND_PREVIOUS, kEdits},
+    {IDM_BOOKMARK_TOGGLE, kHasTab},
+    {IDM_BOOKMARK_NEXT, kHasTab},
+    {IDM_BOOKMARK_PREVIOUS, kHasTab},
+    {IDM_BOOKMARKS_CLEAR, kHasTab},
     {IDM_EDIT_FORMAT_DOCUMENT, kHasTab | kBasicSource},
     {IDM_EDIT_FORMAT_SELECTION, kHasTab | kBasicSource | kHasSelection},
     {IDM_VIEW_TOOLBAR, kAlways, [](const CommandView& v) { return v.toolbar; }},
@@ -49,6 +60,9 @@ constexpr CommandRow kCommands[] = {
     {IDM_VIEW_OUTPUT, kAlways, ShowsPane<PaneId::Output>},
     {IDM_VIEW_ASM, kAlways, ShowsPane<PaneId::Asm>},
     {IDM_VIEW_AI, kAlways, ShowsPane<PaneId::Ai>},
+    {IDM_VIEW_TREE, kAlways, ShowsPane<PaneId::Tree>},
+    {IDM_VIEW_TERMINAL, kAlways, ShowsPane<PaneId::Terminal>},
+    {IDM_VIEW_ERROR_LIST, kAlways, ShowsPane<PaneId::ErrorList>},
     {IDM_VIEW_WHITESPACE, kAlways, [](const CommandView& v) { return v.whitespace; }},
     {IDM_VIEW_WORD_WRAP, kAlways, [](const CommandView& v) { return v.wrap; }},
     {IDM_VIEW_ZOOM_IN, kAlways},
@@ -60,6 +74,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_STYLE_SUBLIME, kAlways, [](const CommandView& v) { return v.style == 4; }},
     {IDM_STYLE_CLASSIC, kAlways, [](const CommandView& v) { return v.style == 5; }},
     {IDM_STYLE_FONT, kAlways},
+    {IDM_STYLE_OWN, kAlways, [](const CommandView& v) { return v.style == 0; }},
     {IDM_VIEW_LIGHT_THEME, kAlways, [](const CommandView& v) { return v.theme == 0; }},
     {IDM_VIEW_DARK_THEME, kAlways, [](const CommandView& v) { return v.theme != 0; }},
     // Always enabled, because a build that cannot start says why.
@@ -69,18 +84,20 @@ constexpr CommandRow kCommands[] = {
     {IDM_BUILD_CLEAN, kHasFile | kIdle},
     {IDM_RUN_IN_OUTPUT, kAlways},  // says why nothing can be run
     {IDM_BUILD_SYNTAX, kAlways},
-    {IDM_BUILD_ALL, kAlways, nullptr, Internal},
+    {IDM_BUILD_ALL, kAlways},
+    {IDM_NEXT_COMPILER, kAlways},
     {IDM_COMPILER_MENU, kAlways, nullptr, Internal},
     {IDM_TOOLBAR_MORE, kAlways, nullptr, Internal},
-    {IDM_PROFILE_DEBUG, kAlways, [](const CommandView& v) { return v.profile == 0; }, Internal},
-    {IDM_PROFILE_RELEASE, kAlways, [](const CommandView& v) { return v.profile == 1; }, Internal},
-    {IDM_PROFILE_FAST, kAlways, [](const CommandView& v) { return v.profile == 2; }, Internal},
-    {IDM_ERROR_NEXT, kHasErrors, nullptr, Internal},
-    {IDM_ERROR_PREVIOUS, kHasErrors, nullptr, Internal},
+    {IDM_PROFILE_DEBUG, kAlways, [](const CommandView& v) { return v.profile == 0; }},
+    {IDM_PROFILE_RELEASE, kAlways, [](const CommandView& v) { return v.profile == 1; }},
+    {IDM_PROFILE_FAST, kAlways, [](const CommandView& v) { return v.profile == 2; }},
+    {IDM_ERROR_NEXT, kHasErrors},
+    {IDM_ERROR_PREVIOUS, kHasErrors},
     {IDM_PROJECT_SETTINGS, kNever},
     {IDM_WORKSPACE_NEW, kAlways},
     {IDM_WORKSPACE_OPEN, kAlways},
     {IDM_WORKSPACE_SAVE, kAlways},
+    {IDM_PROJECT_FOLDER, kAlways},
     {IDM_DEBUG_START, kAlways},  // in a session it ends the session
     {IDM_DEBUG_BUILD_START, kNoSession, nullptr, Internal},
     {IDM_DEBUG_STOP, kSession},
@@ -112,16 +129,17 @@ constexpr CommandRow kCommands[] = {
     {IDM_AI_OPENAI, kNever},
     {IDM_AI_LMSTUDIO, kNever},
     {IDM_HELP_ABOUT, kAlways},
-    {IDM_NEXT_TAB, kHasTab, nullptr, Internal},
-    {IDM_PREVIOUS_TAB, kHasTab, nullptr, Internal},
-    {IDM_NAV_BACK, kHasTab, nullptr, Internal},
-    {IDM_NAV_FORWARD, kHasTab, nullptr, Internal},
-    {IDM_TAB_CLOSE_OTHERS, kHasTab, nullptr, Internal},
-    {IDM_TAB_CLOSE_RIGHT, kHasTab, nullptr, Internal},
-    {IDM_TAB_COPY_PATH, kHasFile, nullptr, Internal},
+    {IDM_NEXT_TAB, kHasTab},
+    {IDM_PREVIOUS_TAB, kHasTab},
+    {IDM_NAV_BACK, kHasTab},
+    {IDM_NAV_FORWARD, kHasTab},
+    {IDM_TAB_CLOSE_OTHERS, kHasTab},
+    {IDM_TAB_CLOSE_RIGHT, kHasTab},
+    {IDM_TAB_COPY_PATH, kHasFile},
 };
 
-// The commands that select a compiler, one for each row of g_compilers, are added to kCommands.
+// Added to kCommands: the commands that select a compiler, one for each row of g_compilers, and those of the lists of
+// recent files and sessions, whose items the menu gets when it opens.
 template <std::uint32_t id>
 bool IsCompiler(const CommandView& view) {
     return view.compiler == static_cast<int>(id);
@@ -129,9 +147,14 @@ bool IsCompiler(const CommandView& view) {
 
 template <std::size_t... ids>
 constexpr auto AllCommands(std::index_sequence<ids...>) {
-    std::array<CommandRow, std::size(kCommands) + kCompilerCount> all = {};
+    std::array<CommandRow, std::size(kCommands) + kCompilerCount + 2 * kMruCapacity> all = {};
     std::ranges::copy(kCommands, all.begin());
     ((all[std::size(kCommands) + ids] = {g_compilers[ids].command, kAlways, IsCompiler<ids>}), ...);
+    for (std::size_t i = 0, next = std::size(kCommands) + kCompilerCount; i < kMruCapacity; ++i) {
+        const int row = static_cast<int>(i);
+        all[next++] = {IDM_RECENT_FILE_FIRST + row, kAlways, nullptr, Internal};
+        all[next++] = {IDM_RECENT_SESSION_FIRST + row, kAlways, nullptr, Internal};
+    }
     return all;
 }
 constexpr auto kAllCommands = AllCommands(std::make_index_sequence<kCompilerCount>());
@@ -139,7 +162,8 @@ constexpr auto kAllCommands = AllCommands(std::make_index_sequence<kCompilerCoun
 // Virtual key numbers, defined here because this file includes no <windows.h>.
 constexpr std::uint16_t kCancel = 0x03, kTab = 0x09, kLeft = 0x25, kRight = 0x27, kZero = 0x30, kNumpad0 = 0x60,
                         kNumpadAdd = 0x6B, kNumpadSubtract = 0x6D, kF2 = 0x71, kF3 = 0x72, kF4 = 0x73, kF5 = 0x74,
-                        kF8 = 0x77, kF9 = 0x78, kF10 = 0x79, kF11 = 0x7A, kOemPlus = 0xBB, kOemMinus = 0xBD;
+                        kF8 = 0x77, kF9 = 0x78, kF10 = 0x79, kF7 = 0x76, kF11 = 0x7A, kBackquote = 0xC0,
+                        kOemPlus = 0xBB, kOemMinus = 0xBD;
 
 constexpr ExtraKey kExtraKeys[] = {
     {kCancel, true, false, false, IDM_BUILD_STOP},
@@ -166,12 +190,22 @@ constexpr ExtraKey kExtraKeys[] = {
     {kF10, true, false, false, IDM_DEBUG_RUN_TO_CURSOR},
     {kF9, true, false, false, IDM_DEBUG_CONDITIONAL},
     {kCancel, true, false, true, IDM_DEBUG_PAUSE},
-    {kF2, true, false, false, IDM_TOOLBAR_MORE},
-    {L'R', true, true, false, IDM_RUN_IN_OUTPUT},
     {kF5, true, true, false, IDM_DEBUG_RESTART},
     {kF10, true, true, false, IDM_DEBUG_SET_NEXT},
     {kF11, true, false, false, IDM_DEBUG_STEP_INSTRUCTION},
     {kF11, true, true, false, IDM_DEBUG_STEP_OVER_INSTRUCTION},
+    {kF2, true, false, false, IDM_BOOKMARK_TOGGLE},
+    {kF2, false, false, false, IDM_BOOKMARK_NEXT, true},
+    {kF2, false, true, false, IDM_BOOKMARK_PREVIOUS, true},
+    {kF2, true, true, false, IDM_BOOKMARKS_CLEAR},
+    {kF2, false, false, true, IDM_TOOLBAR_MORE},
+    {kF7, true, false, false, IDM_NEXT_COMPILER},
+    {kBackquote, true, false, false, IDM_VIEW_TERMINAL},
+    {'E', true, true, false, IDM_VIEW_TREE},
+    {'M', true, true, false, IDM_VIEW_ERROR_LIST},
+    {'R', true, false, false, IDM_FILE_RELOAD},
+    {'C', false, true, true, IDM_TAB_COPY_PATH},
+    {L'R', true, true, false, IDM_RUN_IN_OUTPUT},
 };
 
 }  // namespace
@@ -192,9 +226,10 @@ CommandState CommandStateOf(int id, const CommandView& view) {
 
 std::span<const ExtraKey> ExtraKeys() { return kExtraKeys; }
 
-int CommandOfExtraKey(std::uint32_t key, bool control, bool shift, bool alt) {
+int CommandOfExtraKey(std::uint32_t key, bool control, bool shift, bool alt, bool inEditor) {
     for (const ExtraKey& extra : kExtraKeys)
-        if (extra.key == key && extra.control == control && extra.shift == shift && extra.alt == alt)
+        if (extra.key == key && extra.control == control && extra.shift == shift && extra.alt == alt &&
+            (inEditor || !extra.editorOnly))
             return extra.command;
     return 0;
 }

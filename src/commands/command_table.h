@@ -67,7 +67,8 @@ struct ExtraKey {
     std::uint16_t key;  // virtual key
     bool control, shift, alt;
     int command;
+    bool editorOnly = false;  // a list or a tree that has the keyboard uses the key itself
 };
 std::span<const ExtraKey> ExtraKeys();
-// The command of a key, or 0. `key` is a virtual key.
-int CommandOfExtraKey(std::uint32_t key, bool control, bool shift, bool alt);
+// The command of a key, or 0. `key` is a virtual key; `inEditor`: an editor has the keyboard.
+int CommandOfExtraKey(std::uint32_t key, bool control, bool shift, bool alt, bool inEditor);

@@ -267,7 +267,8 @@ struct Candidates {
     }
 };
 
-// The last shape that covers a sample gives its ink. The pixel is the mean of its samples.
+// The last shape that covers a sample gives its ink. The colour is the mean of the covered samples, the opacity their
+// part of all.
 std::uint32_t RenderPixel(std::span<const Shape* const> shapes, float x, float y, float step, const IconInks& inks) {
     constexpr int kSamples = 4;
     std::uint32_t sum[4] = {};  // alpha, red, green, blue
@@ -284,8 +285,10 @@ std::uint32_t RenderPixel(std::span<const Shape* const> shapes, float x, float y
             break;
         }
     }
+    const std::uint32_t covered = sum[0] / 255;
+    if (covered == 0) return 0;
     constexpr std::uint32_t n = kSamples * kSamples;
-    return sum[0] / n << 24 | sum[1] / n << 16 | sum[2] / n << 8 | sum[3] / n;
+    return sum[0] / n << 24 | sum[1] / covered << 16 | sum[2] / covered << 8 | sum[3] / covered;
 }
 
 }  // namespace
@@ -305,4 +308,10 @@ std::vector<std::uint32_t> RenderIcon(Icon icon, int size, const IconInks& inks)
         }
     }
     return pixels;
+}
+
+std::uint32_t PremultipliedPixel(std::uint32_t pixel) {
+    const std::uint32_t alpha = pixel >> 24;
+    const auto times = [alpha](std::uint32_t channel) { return ((channel & 0xFF) * alpha + 127) / 255; };
+    return alpha << 24 | times(pixel >> 16) << 16 | times(pixel >> 8) << 8 | times(pixel);
 }

@@ -46,5 +46,7 @@ struct IconInks {
     std::uint32_t fill;    // inside of paper shapes
 };
 
-// An icon of `size` x `size` pixels, top row first, as premultiplied 0xAARRGGBB.
+// An icon of `size` x `size` pixels, top row first, as 0xAARRGGBB. The colours are not multiplied by the opacity.
 std::vector<std::uint32_t> RenderIcon(Icon icon, int size, const IconInks& inks);
+// The same pixel with its colours multiplied by its opacity.
+std::uint32_t PremultipliedPixel(std::uint32_t pixel);

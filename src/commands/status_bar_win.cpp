@@ -7,6 +7,7 @@
 #include "commands/status_bar_fit.h"
 #include "documents/document_row.h"
 #include "scintilla/sci.h"
+#include "settings/compiler_presence.h"
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
@@ -135,7 +136,7 @@ void StatusBarSetProgress(const wchar_t* text) { SetStatusPart(kProgress, text !
 
 void StatusBarUpdateCompiler() {
     const auto id = static_cast<std::uint32_t>(g_settings.activeCompiler);
-    SetStatusPart(kCompiler, CompilerLabel(id, CompilerExists(id)));
+    SetStatusPart(kCompiler, CompilerLabel(id, CompilerSeemsInstalled(id)));
 }
 
 void StatusBarUpdatePosition() {

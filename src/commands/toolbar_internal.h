@@ -22,6 +22,8 @@ std::wstring ToolbarCompilerText();  // text of the compiler button
 void ToolbarShowCompilerMenu(HWND bar, const RECT& button);
 void ToolbarShowHiddenMenu(HWND bar, const RECT& button, std::span<const HiddenButton> buttons);
 
+// What an image list and what a menu expects of the colours of a bitmap with opacity.
+enum class PictureUse : std::uint8_t { ImageList, Menu };
 // A 32-bit bitmap of `size` x `size` pixels with opacity, which the caller deletes; null when there is no memory.
-HBITMAP ToolbarPicture(Icon icon, int size, const IconInks& inks);
+HBITMAP ToolbarPicture(Icon icon, int size, const IconInks& inks, PictureUse use);
 IconInks ToolbarInks(bool dark, bool enabled);

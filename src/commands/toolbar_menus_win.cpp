@@ -4,11 +4,14 @@
 #include "base/handles.h"
 #include "commands/command_state.h"
 #include "resources/ids.h"
+#include "settings/compiler_presence.h"
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
+#include "ui/chrome.h"
 #include "ui/menu.h"
 #include "ui/ui_state.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <vector>
@@ -43,8 +46,10 @@ IconInks ToolbarInks(bool dark, bool enabled) {
     return {.line = 0x4A5468, .accent = 0x1F6FD0, .go = 0x238A3A, .stop = 0xCC3A33, .fill = 0xFFFFFF};
 }
 
-HBITMAP ToolbarPicture(Icon icon, int size, const IconInks& inks) {
-    const std::vector<std::uint32_t> pixels = RenderIcon(icon, size, inks);
+HBITMAP ToolbarPicture(Icon icon, int size, const IconInks& inks, PictureUse use) {
+    std::vector<std::uint32_t> pixels = RenderIcon(icon, size, inks);
+    // An image list multiplies the colours by the opacity itself; a menu takes them multiplied.
+    if (use == PictureUse::Menu) std::ranges::transform(pixels, pixels.begin(), PremultipliedPixel);
     BITMAPINFO info = {};
     info.bmiHeader.biSize = sizeof(info.bmiHeader);
     info.bmiHeader.biWidth = size;
@@ -59,14 +64,14 @@ HBITMAP ToolbarPicture(Icon icon, int size, const IconInks& inks) {
 
 std::wstring ToolbarCompilerText() {
     const auto id = static_cast<std::uint32_t>(g_settings.activeCompiler);
-    return CompilerLabel(id, CompilerExists(id));
+    return CompilerLabel(id, CompilerSeemsInstalled(id));
 }
 
 void ToolbarShowCompilerMenu(HWND bar, const RECT& button) {
     std::array<std::wstring, kCompilerCount> names;
     std::vector<MenuItem> items;
     for (std::uint32_t id = 0; id < kCompilerCount; ++id) {
-        names[id] = CompilerLabel(id, CompilerExists(id));
+        names[id] = CompilerLabel(id, CompilerSeemsInstalled(id));
         items.push_back({.id = static_cast<UINT>(CompilerEntry(id).command),
                          .text = names[id].c_str(),
                          .checked = static_cast<int>(id) == g_settings.activeCompiler});
@@ -90,8 +95,8 @@ void ToolbarShowCompilerMenu(HWND bar, const RECT& button) {
 }
 
 void ToolbarShowHiddenMenu(HWND bar, const RECT& button, std::span<const HiddenButton> buttons) {
-    // A menu is light in both themes. The states are set when it opens, as in every menu.
-    const IconInks inks = ToolbarInks(false, true);
+    // The states are set when it opens, as in every menu.
+    const IconInks inks = ToolbarInks(ThemeIsDark(), true);
     std::vector<UniqueBitmap> pictures;
     std::vector<std::wstring> texts;
     for (const HiddenButton& hidden : buttons) {
@@ -99,7 +104,8 @@ void ToolbarShowHiddenMenu(HWND bar, const RECT& button, std::span<const HiddenB
         pictures.emplace_back();
         // A command with a check mark gets no picture, because the mark takes its place.
         if (hidden.command != 0 && !hidden.showsState)
-            pictures.back().Reset(ToolbarPicture(hidden.icon, GetSystemMetrics(SM_CXMENUCHECK), inks));
+            pictures.back().Reset(
+                ToolbarPicture(hidden.icon, GetSystemMetrics(SM_CXMENUCHECK), inks, PictureUse::Menu));
     }
     std::vector<MenuItem> items;
     for (std::size_t i = 0; i < buttons.size(); ++i)

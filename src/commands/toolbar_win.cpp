@@ -46,7 +46,7 @@ HIMAGELIST RenderImages(bool enabled) {
     const IconInks inks = ToolbarInks(ThemeIsDark(), enabled);
     for (const ButtonRow& row : kToolbarButtons) {
         if (row.command == 0 || row.command == IDM_COMPILER_MENU) continue;
-        HBITMAP bitmap = ToolbarPicture(row.icon, size, inks);
+        HBITMAP bitmap = ToolbarPicture(row.icon, size, inks, PictureUse::ImageList);
         ImageList_Add(images, bitmap, nullptr);
         DeleteObject(bitmap);
     }

@@ -27,7 +27,7 @@ void ChooseTheme(int command) {
 }
 
 void ChooseStyle(int command) {
-    const int preset = command - IDM_STYLE_FIRST + 1;
+    const int preset = command == IDM_STYLE_OWN ? 0 : command - IDM_STYLE_FIRST + 1;
     SettingsChange([preset](Settings& settings) { settings.editorStylePreset = preset; });
     SettingsSave(nullptr);
 }
@@ -53,8 +53,15 @@ void ChooseEditorFont(int) {
 }
 
 void TogglePane(int command) {
-    const PaneId pane = PaneOfCommand(command)->id;
-    PaneShow(pane, !PaneIsShown(pane));
+    const PaneSpec& pane = *PaneOfCommand(command);
+    // A pane below the bottom is seen only together with the output.
+    const bool below = pane.area == PaneArea::BelowBottom;
+    const bool seen = PaneIsShown(pane.id) && (!below || PaneIsShown(PaneId::Output));
+    if (below && !seen) {
+        PaneSetShown(PaneId::Output, true);
+        PaneSetShown(pane.id, false);  // so that it counts as opened now
+    }
+    PaneShow(pane.id, !seen);
 }
 
 constexpr CommandHandler kViewHandlers[] = {
@@ -64,6 +71,9 @@ constexpr CommandHandler kViewHandlers[] = {
     {IDM_VIEW_ASM, TogglePane},
     {IDM_VIEW_AI, TogglePane},
     {IDM_VIEW_DEBUG_PANE, TogglePane},
+    {IDM_VIEW_TREE, TogglePane},
+    {IDM_VIEW_TERMINAL, TogglePane},
+    {IDM_VIEW_ERROR_LIST, TogglePane},
     {IDM_VIEW_WHITESPACE, ToggleSetting<&Settings::showWhitespace>},
     {IDM_VIEW_WORD_WRAP, ToggleSetting<&Settings::wordWrap>},
     // Only the active editor zooms here. Its SCN_ZOOM changes the setting, which zooms the other editors.
@@ -75,6 +85,7 @@ constexpr CommandHandler kViewHandlers[] = {
     {IDM_STYLE_PLUS, ChooseStyle},
     {IDM_STYLE_SUBLIME, ChooseStyle},
     {IDM_STYLE_CLASSIC, ChooseStyle},
+    {IDM_STYLE_OWN, ChooseStyle},
     {IDM_STYLE_FONT, ChooseEditorFont},
     {IDM_VIEW_LIGHT_THEME, ChooseTheme},
     {IDM_VIEW_DARK_THEME, ChooseTheme},

@@ -18,6 +18,7 @@
 #include "output/line_colours.h"
 #include "output/output_pane.h"
 #include "resources/ids.h"
+#include "settings/compiler_presence.h"
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
 
@@ -138,6 +139,17 @@ void UseCompilerOfMenu(int command) {
     SettingsSave(nullptr);
 }
 
+// Passes over compilers that are not installed, unless none is.
+void UseNextCompiler(int) {
+    auto id = static_cast<std::uint32_t>(g_settings.activeCompiler);
+    for (std::uint32_t step = 0; step < kCompilerCount; ++step) {
+        id = CompilerNext(id);
+        if (CompilerSeemsInstalled(id)) break;
+    }
+    if (!CompilerSeemsInstalled(id)) id = CompilerNext(static_cast<std::uint32_t>(g_settings.activeCompiler));
+    UseCompilerOfMenu(CompilerEntry(id).command);
+}
+
 void UseBuildProfile(int command) {
     constexpr const wchar_t* names[] = {L"Debug", L"Release", L"Fast"};
     const int profile = command - IDM_PROFILE_DEBUG;
@@ -167,6 +179,7 @@ constexpr CommandHandler kBuildHandlers[] = {
     {IDM_BUILD_STOP, [](int) { StopBuild(); }},
     {IDM_RUN_IN_OUTPUT, [](int) { RunInOutputPane(); }},
     {IDM_BUILD_CLEAN, [](int) { CleanProducts(); }},
+    {IDM_NEXT_COMPILER, UseNextCompiler},
     {IDM_PROFILE_DEBUG, UseBuildProfile},
     {IDM_PROFILE_RELEASE, UseBuildProfile},
     {IDM_PROFILE_FAST, UseBuildProfile},

@@ -68,6 +68,7 @@ bool Launch(const wchar_t* executable, DebuggerState* state) {
     }
     PROCESS_INFORMATION process = {};
     // A console of its own, because the editor has none to share.
+    LogFlush();
     const DWORD flags = DEBUG_PROCESS | DEBUG_ONLY_THIS_PROCESS | CREATE_NEW_CONSOLE;
     if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, flags, nullptr,
                         directory.empty() ? nullptr : directory.c_str(), &startup, &process)) {

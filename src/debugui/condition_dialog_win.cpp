@@ -7,6 +7,7 @@
 #include "debugui/breakpoint_rules.h"
 #include "files/file_io.h"
 #include "resources/ids.h"
+#include "ui/dialog_theme.h"
 #include "ui/ui_state.h"
 
 namespace {
@@ -69,6 +70,7 @@ INT_PTR CALLBACK CondBpDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM 
         case WM_INITDIALOG:
             SetWindowLongPtrW(dialog, DWLP_USER, lParam);
             FillConditionDialog(dialog, *reinterpret_cast<const ConditionQuestion*>(lParam));
+            DialogApplyTheme(dialog);
             return FALSE;  // the focus is set already
         case WM_CTLCOLORSTATIC: return ColourOfProblem(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
         case WM_COMMAND: OnConditionCommand(dialog, LOWORD(wParam), HIWORD(wParam)); return TRUE;

@@ -94,7 +94,8 @@ void EditorPaneCheckLineMargin(HWND editor) {
     const LineMarginBasis basis = {.digits = DecimalDigits(SciSend(editor, SCI_GETLINECOUNT)),
                                    .zoom = static_cast<int>(SciSend(editor, SCI_GETZOOM)),
                                    .fontSize = g_settings.fontSize,
-                                   .font = std::hash<std::wstring_view>()(g_settings.fontName)};
+                                   .font = std::hash<std::wstring_view>()(g_settings.fontName),
+                                   .dpi = g_ui.dpi};
     if (basis == state->lineMargin) return;
     state->lineMargin = basis;
     EditorPaneUpdateLineMargin(editor);

@@ -71,6 +71,17 @@ void LogPaneMouse(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
         static_cast<int>(screen.x), static_cast<int>(screen.y), under, underClass, GetFocus());
 }
 
+// Each move of the mouse asks for the cursor, and the same line a hundred times a second tells nothing new.
+void LogForcedCursor(HWND pane) {
+    static HWND lastPane = nullptr;
+    static HWND lastFocus = nullptr;
+    const HWND focus = GetFocus();
+    if (!LogIsOpen() || (pane == lastPane && focus == lastFocus)) return;
+    AppLogMsg(L"DBG SCIMOUSE: sci=%p msg=WM_SETCURSOR forced IDC_IBEAM focus=%p", pane, focus);
+    lastPane = pane;
+    lastFocus = focus;
+}
+
 // SetFocus sends WM_SETFOCUS, which calls TakeFocus again. The recursion ends there, because SetFocus does nothing for
 // the window that has the focus.
 void TakeFocus(HWND pane) {
@@ -166,8 +177,7 @@ LRESULT CALLBACK EditorPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
             LogPaneMouse(pane, message, wParam, lParam);
             if (LOWORD(lParam) != HTCLIENT) break;
             SetCursor(LoadCursorW(nullptr, IDC_IBEAM));
-            if (LogIsOpen())
-                AppLogMsg(L"DBG SCIMOUSE: sci=%p msg=WM_SETCURSOR forced IDC_IBEAM focus=%p", pane, GetFocus());
+            LogForcedCursor(pane);
             return 1;
         case WM_SETFOCUS: TakeFocus(pane); break;
         case WM_KILLFOCUS: OnPaneKillFocus(pane); break;

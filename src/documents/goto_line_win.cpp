@@ -9,6 +9,7 @@
 #include "documents/goto_line.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
+#include "ui/dialog_theme.h"
 #include "ui/ui_state.h"
 
 #include <windows.h>
@@ -85,6 +86,7 @@ INT_PTR CALLBACK GotoLineDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARA
         case WM_INITDIALOG:
             SetWindowLongPtrW(dialog, DWLP_USER, lParam);
             FillGotoDialog(dialog, *reinterpret_cast<GotoTarget*>(lParam));
+            DialogApplyTheme(dialog);
             return FALSE;  // the focus is set already
         case WM_COMMAND:
             if (LOWORD(wParam) == IDOK)

@@ -3,8 +3,13 @@
 
 #include <Scintilla.h>
 
+#include <algorithm>
+
 namespace {
 
+constexpr int kLeastZoom = -10;  // those at which Scintilla's own zooming stops
+constexpr int kMostZoom = 60;
+constexpr int kWidestTab = 256;
 constexpr int kDwellTime = 500;  // ms without mouse movement before SCN_DWELLSTART
 constexpr int kEdgeColumn = 80;
 constexpr std::intptr_t kEdgeColour = 0x808080;
@@ -52,11 +57,12 @@ PaneSettings PaneSettingsOf(const Settings& settings) {
     PaneSettings out;
     // The setting may be 0 or less, which Scintilla does not take as a tab width.
     if (settings.tabWidth > 0) {
-        out.push_back({SCI_GETTABWIDTH, SCI_SETTABWIDTH, settings.tabWidth});
-        out.push_back({SCI_GETINDENT, SCI_SETINDENT, settings.tabWidth});
+        const int width = std::min<int>(settings.tabWidth, kWidestTab);
+        out.push_back({SCI_GETTABWIDTH, SCI_SETTABWIDTH, width});
+        out.push_back({SCI_GETINDENT, SCI_SETINDENT, width});
     }
     out.push_back({SCI_GETUSETABS, SCI_SETUSETABS, settings.useTabs != 0});
-    out.push_back({SCI_GETZOOM, SCI_SETZOOM, settings.editorZoom});
+    out.push_back({SCI_GETZOOM, SCI_SETZOOM, std::clamp<int>(settings.editorZoom, kLeastZoom, kMostZoom)});
     out.push_back({SCI_GETEDGECOLUMN, SCI_SETEDGECOLUMN, settings.edgeColumn});
     // Replaces the column just set: the line is at column 80 or absent.
     Append(out, EdgeLineSettings(settings.showEdgeLine != 0));

@@ -17,6 +17,7 @@ struct LineMarginBasis {
     int zoom = 0;
     int fontSize = 0;
     std::size_t font = 0;  // hash of the font's name
+    int dpi = 0;
     bool operator==(const LineMarginBasis&) const = default;
 };
 

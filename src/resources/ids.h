@@ -20,6 +20,14 @@
 #define IDM_FILE_CLOSE 1006
 #define IDM_FILE_CLOSE_ALL 1007
 #define IDM_FILE_EXIT 1009
+#define IDM_RECENT_FILE_FIRST 1010  // one for each recent file, newest first, up to 1019
+#define IDM_RECENT_FILES_NONE 1020
+#define IDM_RECENT_FILES_CLEAR 1021
+#define IDM_SESSION_OPEN 1022
+#define IDM_SESSION_SAVE 1023
+#define IDM_SESSION_SAVE_AS 1024
+#define IDM_RECENT_SESSIONS_NONE 1025
+#define IDM_RECENT_SESSION_FIRST 1030  // one for each recent session, newest first, up to 1039
 // --- Edit
 #define IDM_EDIT_UNDO 1101
 #define IDM_EDIT_REDO 1102
@@ -30,6 +38,10 @@
 #define IDM_EDIT_FIND 1107
 #define IDM_EDIT_REPLACE 1108
 #define IDM_EDIT_GOTO 1109
+#define IDM_BOOKMARK_TOGGLE 1040
+#define IDM_BOOKMARK_NEXT 1041
+#define IDM_BOOKMARK_PREVIOUS 1042
+#define IDM_BOOKMARKS_CLEAR 1043
 #define IDM_EDIT_FORMAT_DOCUMENT 1230
 #define IDM_EDIT_FORMAT_SELECTION 1231
 // --- View
@@ -43,6 +55,9 @@
 #define IDM_VIEW_ZOOM_IN 1261
 #define IDM_VIEW_ZOOM_OUT 1262
 #define IDM_VIEW_ZOOM_RESET 1263
+#define IDM_VIEW_TREE 1050
+#define IDM_VIEW_TERMINAL 1051
+#define IDM_VIEW_ERROR_LIST 1052
 #define IDM_VIEW_LIGHT_THEME 1277
 #define IDM_VIEW_DARK_THEME 1278
 #define IDM_STYLE_FIRST 1330
@@ -52,6 +67,7 @@
 #define IDM_STYLE_SUBLIME 1333
 #define IDM_STYLE_CLASSIC 1334
 #define IDM_STYLE_FONT 1335
+#define IDM_STYLE_OWN 1060
 // --- Compiler
 #define IDM_BUILD 1301
 #define IDM_BUILD_RUN 1302
@@ -64,7 +80,7 @@
 #define IDM_USE_KELDORBASIC 1254
 #define IDM_USE_KVXC64 1320
 #define IDM_RUN_IN_OUTPUT 1980
-// The next ones are not in the menu, but used by the error list, the output pane and the keyboard.
+#define IDM_NEXT_COMPILER 1061
 #define IDM_ERROR_NEXT 1310
 #define IDM_ERROR_PREVIOUS 1311
 #define IDM_PROFILE_DEBUG 1312
@@ -76,6 +92,7 @@
 #define IDM_WORKSPACE_NEW 1402
 #define IDM_WORKSPACE_OPEN 1403
 #define IDM_WORKSPACE_SAVE 1404
+#define IDM_PROJECT_FOLDER 1062
 // --- Debug
 #define IDM_DEBUG_START 1902
 #define IDM_DEBUG_STOP 1903
@@ -184,6 +201,7 @@
 #define MSG_FOCUS_EDITOR (0x8000 + 1)      // gives the active editor the focus
 #define MSG_AI_REPLY (0x8000 + 3)          // wParam: heap UTF-8 reply or null, lParam: chat or replacement
 #define MSG_DEBUG_LAUNCH (0x8000 + 11)     // starts the program of a finished debug build under the debugger
+#define MSG_COMPILERS_SEEN (0x8000 + 24)   // wParam: what CompilersLook found, for CompilersOnLooked
 #define MSG_TREE_ITEMS (0x8000 + 10)       // to the project tree; wParam: TreeListing*, deleted by the receiver
 
 // --- Timers of the main window

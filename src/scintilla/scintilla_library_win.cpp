@@ -1,7 +1,7 @@
 // Loads Scintilla and its lexers, which are DLLs beside the executable. UI thread only.
 #include "scintilla/scintilla_library.h"
 
-#include "base/log.h"
+#include "files/libraries.h"
 #include "ui/message.h"
 #include "ui/ui_state.h"
 
@@ -24,7 +24,7 @@ int ScintillaLoad(HMODULE* scintilla, HMODULE* lexilla, HMODULE* third) {
     ScintillaLibrary& libraries = g_scintilla;
     libraries = {};
 
-    libraries.scintilla = LoadLibraryW(L"Scintilla.dll");
+    libraries.scintilla = LoadProgramLibrary(L"Scintilla.dll");
     if (libraries.scintilla == nullptr) {
         TellUser(L"Error", L"Could not load Scintilla.dll", AskIcon::Error);
         return 0;
@@ -34,7 +34,7 @@ int ScintillaLoad(HMODULE* scintilla, HMODULE* lexilla, HMODULE* third) {
             FindExport<RegisterClassesFunction>(libraries.scintilla, "Scintilla_RegisterClasses"))
         registerClasses(g_ui.hInstance);
 
-    libraries.lexilla = LoadLibraryW(L"Lexilla.dll");
+    libraries.lexilla = LoadProgramLibrary(L"Lexilla.dll");
     if (libraries.lexilla != nullptr) {
         libraries.createLexer = FindExport<CreateLexerFunction>(libraries.lexilla, "CreateLexer");
         if (libraries.createLexer == nullptr) {

@@ -12,6 +12,7 @@
 #include "search/find_editor.h"
 #include "search/search_state.h"
 #include "settings/settings_state.h"
+#include "ui/dialog_theme.h"
 #include "ui/dpi.h"
 #include "ui/ui_state.h"
 
@@ -285,7 +286,10 @@ void OnFindCommand(HWND dialog, int command) {
 
 INT_PTR CALLBACK FindDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
     switch (message) {
-        case WM_INITDIALOG: OnFindInit(dialog); return FALSE;  // FindDialogShow sets the focus
+        case WM_INITDIALOG:
+            OnFindInit(dialog);
+            DialogApplyTheme(dialog);
+            return FALSE;  // FindDialogShow sets the focus
         case WM_COMMAND: OnFindCommand(dialog, LOWORD(wParam)); return TRUE;
         case WM_DESTROY:
             ReadFindDialog();

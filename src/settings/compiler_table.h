@@ -47,7 +47,8 @@ const wchar_t* CompilerFlags(std::uint32_t id);
 const wchar_t* CompilerIncludePath(std::uint32_t id);
 const wchar_t* CompilerSyntaxFlags(std::uint32_t id);
 const wchar_t* CompilerDebugFlags(std::uint32_t id);
-// Whether the resolved path is that of an existing file.
+// Whether the resolved path is that of an existing file. Asks the disk, which may take long: what is painted asks
+// CompilerSeemsInstalled() (settings/compiler_presence.h).
 bool CompilerExists(std::uint32_t id);
 // Whether the path is that of an existing file. False for null and for an empty text.
 bool IsCompilerPathValid(const wchar_t* path);

@@ -4,6 +4,7 @@
 #include "base/log.h"
 #include "base/path.h"
 #include "files/file_io.h"
+#include "settings/compiler_presence.h"
 #include "settings/settings_state.h"
 #include "settings/settings_store.h"
 
@@ -57,5 +58,5 @@ bool IsCompilerPathValid(const wchar_t* path) { return path != nullptr && path[0
 
 std::uint32_t CompilerDefaultForFile(const wchar_t* path) {
     return PickCompilerForFile(path != nullptr ? path : L"", static_cast<std::uint32_t>(g_settings.activeCompiler),
-                               CompilerExists);
+                               CompilerSeemsInstalled);
 }

@@ -28,6 +28,22 @@ struct WindowPlace {
     bool maximised = false;
 };
 
+// The place of the main window when it is neither maximised nor minimised, in pixels of the screen at `dpi`. It stands
+// beside WindowPlace, which a run reads only from the system's folder. Width 0: not known.
+struct StoredPlace {
+    std::int32_t left, top, width, height;
+    std::int32_t maximised;
+    std::int32_t dpi;
+};
+
+// What part of its area a setting in pixels took. It holds while the setting has the value `of`; a setting that was
+// changed otherwise counts itself.
+inline constexpr std::int32_t kFullRatio = 10000;
+struct StoredRatio {
+    std::int32_t ratio;  // in 1/10000; 0: not known
+    std::int32_t of;
+};
+
 struct Settings {
     CompilerSettings compilers[kCompilerCount];
 
@@ -106,6 +122,9 @@ struct Settings {
 
     // Window
     std::int32_t splitter;  // top edge of the output pane, pixels from the top of the client area
+    StoredRatio splitterRatio;
+    StoredRatio sidebarRatio;  // of aiSidebarWidth in the client area
+    StoredPlace place;
 };
 
 // Both work on `g_settings`. `overridePath` may be null and means "Editor.ini" beside the executable then; the other

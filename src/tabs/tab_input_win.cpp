@@ -76,6 +76,13 @@ void CaptureForDrag(HWND strip) {
     if (g_tabBar.pointer.dragDocument != 0) SetCapture(strip);
 }
 
+LRESULT OnStripPressed(HWND strip, WPARAM wParam, POINT at) {
+    if (OnTabPressed(strip, at)) return 0;
+    DefSubclassProc(strip, WM_LBUTTONDOWN, wParam, MAKELPARAM(at.x, at.y));
+    CaptureForDrag(strip);
+    return 0;
+}
+
 void OnTabPointer(HWND strip, POINT at) {
     TabPointer& pointer = g_tabBar.pointer;
     const int from = TabBarFindDocument(pointer.dragDocument);
@@ -143,8 +150,12 @@ LRESULT CALLBACK ScrollerProc(HWND scroller, UINT message, WPARAM wParam, LPARAM
     return DefSubclassProc(scroller, message, wParam, lParam);
 }
 
-void OnStripDoubleClick(POINT at) {
-    if (TabHit(TabBarRects(), at.x, at.y) < 0) PostCommand(IDM_FILE_NEW);
+// The second of two quick clicks. On a tab it is a click like any other, because the close button under the pointer may
+// already be that of the next tab.
+LRESULT OnStripDoubleClick(HWND strip, WPARAM wParam, POINT at) {
+    if (TabHit(TabBarRects(), at.x, at.y) >= 0) return OnStripPressed(strip, wParam, at);
+    PostCommand(IDM_FILE_NEW);
+    return 0;
 }
 
 void OnStripLeft(HWND strip) {
@@ -163,12 +174,8 @@ LRESULT CALLBACK StripProc(HWND strip, UINT message, WPARAM wParam, LPARAM lPara
             DefSubclassProc(strip, message, wParam, lParam);
             TabBarUpdateWidths();
             return 0;
-        case WM_LBUTTONDOWN:
-            if (OnTabPressed(strip, at)) return 0;
-            DefSubclassProc(strip, message, wParam, lParam);
-            CaptureForDrag(strip);
-            return 0;
-        case WM_LBUTTONDBLCLK: OnStripDoubleClick(at); break;
+        case WM_LBUTTONDOWN: return OnStripPressed(strip, wParam, at);
+        case WM_LBUTTONDBLCLK: return OnStripDoubleClick(strip, wParam, at);
         case WM_LBUTTONUP: OnTabReleased(strip, at); break;
         case WM_MBUTTONUP: AskToClose(DocumentAt(TabHit(TabBarRects(), at.x, at.y))); return 0;
         case WM_RBUTTONUP: ShowTabMenu(strip, TabHit(TabBarRects(), at.x, at.y), at); return 0;

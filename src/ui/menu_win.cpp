@@ -1,6 +1,8 @@
 #include "ui/menu.h"
 
 #include "base/log.h"
+#include "ui/menu_draw.h"
+#include "ui/ui_state.h"
 
 namespace {
 
@@ -24,8 +26,13 @@ UINT ShowPopupMenu(HWND owner, std::span<const MenuItem> items, POINT screen, UI
         return 0;
     }
     for (const MenuItem& item : items) AppendItem(menu, item);
+    // The main window draws its menus always, another owner while its menu is open.
+    const bool attach = owner != g_ui.hMainWnd;
+    if (attach) MenuDrawAttach(owner);
+    MenuDrawPrepare(menu);  // TPM_NONOTIFY keeps WM_INITMENUPOPUP away
     const BOOL chosen =
         TrackPopupMenu(menu, TPM_RETURNCMD | TPM_RIGHTBUTTON | flags, screen.x, screen.y, 0, owner, nullptr);
+    if (attach) MenuDrawDetach(owner);
     DestroyMenu(menu);
     return static_cast<UINT>(chosen);
 }

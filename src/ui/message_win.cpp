@@ -2,6 +2,7 @@
 
 #include "base/log.h"
 #include "base/wide_format.h"
+#include "ui/dialog_theme.h"
 #include "ui/ui_state.h"
 
 #include <windows.h>
@@ -19,7 +20,7 @@ constexpr UINT kIconFlags[] = {0, MB_ICONINFORMATION, MB_ICONQUESTION, MB_ICONWA
 Answer ShowMessageBox(const UserQuestion& question) {
     const UINT flags =
         kButtonFlags[static_cast<std::size_t>(question.buttons)] | kIconFlags[static_cast<std::size_t>(question.icon)];
-    switch (MessageBoxW(g_ui.hMainWnd, question.text, question.caption, flags)) {
+    switch (ThemedMessageBox(g_ui.hMainWnd, question.text, question.caption, flags)) {
         case IDOK:
         case IDYES: return Answer::Yes;
         case IDNO: return Answer::No;

@@ -2,6 +2,7 @@
 #include "app/command_line.h"
 #include "app/layout.h"
 #include "app/notify_rules.h"
+#include "app/recent_text.h"
 #include "app/startup_rules.h"
 
 #include <gtest/gtest.h>
@@ -252,6 +253,32 @@ TEST(Layout, RatiosKeepASplitterInPlaceThroughAResizeAndBack) {
     EXPECT_EQ(PositionAt(ratio, 62, 776), 400);
     EXPECT_LT(PositionAt(ratio, 62, 376), 260);
     EXPECT_EQ(PositionAt(RatioOf(PositionAt(ratio, 62, 1000), 62, 1000), 62, 776), 400);
+}
+
+TEST(WindowPlacement, ComesBackWhereAMonitorStillIs) {
+    const PaneRect work{0, 0, 1280, 900};
+    const struct {
+        const char* name;
+        PaneRect window, place;
+    } cases[] = {
+        {"inside", {100, 100, 900, 700}, {100, 100, 900, 700}},
+        {"over the edge, but it can be moved", {900, 100, 1600, 700}, {900, 100, 1600, 700}},
+        {"on a monitor that is gone", {2000, 100, 2800, 700}, {480, 100, 1280, 700}},
+        {"larger than what is left", {-3000, -2000, 1000, 1000}, {0, 0, 1280, 900}},
+    };
+    for (const auto& c : cases) {
+        const PaneRect place = PlaceForReturn(c.window, work, 30);
+        EXPECT_TRUE(place == c.place) << c.name << ": " << place.left << "," << place.top << " to " << place.right
+                                      << "," << place.bottom;
+    }
+}
+
+TEST(RecentMenu, RowsAreShortAndKeepTheirName) {
+    EXPECT_EQ(RecentMenuText(0, L"C:\\a & b\\x.bas"), L"&1 C:\\a && b\\x.bas");
+    EXPECT_EQ(RecentMenuText(9, L"C:\\x.bas"), L"1&0 C:\\x.bas");
+    const std::wstring deep = L"C:\\sources\\" + std::wstring(200, L'd') + L"\\programs\\main.bas";
+    EXPECT_EQ(RecentMenuText(1, deep), L"&2 C:\\sources\\...\\programs\\main.bas");
+    EXPECT_LE(RecentMenuText(1, std::wstring(900, L'n')).size(), 73U);
 }
 
 TEST(WindowPlacement, IsMovedIntoTheWorkArea) {

@@ -2,12 +2,16 @@
 // real registry.
 #include "app/app_state.h"
 #include "base/handles.h"
+#include "base/log.h"
 #include "base/path.h"
 #include "base/wide_format.h"
 #include "files/file_identity.h"
 #include "files/file_io.h"
+#include "files/libraries.h"
 #include "files/recovery.h"
+#include "scintilla/scintilla_library.h"
 #include "settings/file_types.h"
+#include "ui/message.h"
 
 #include "support/deep_folder.h"
 #include "support/temp_files.h"
@@ -305,4 +309,57 @@ TEST(FileTypes, OpenWithListsAndDefaultPrograms) {
     FileExtUnregisterCompiler(kCompilerKvxa32);
     EXPECT_FALSE(HasKey(L".ka32") || HasKey(L"KVXE.ka32"));
     EXPECT_EQ(FileExtRegisterCompiler(5), 0);
+}
+
+// A folder in which somebody has put DLLs, and from which a source was opened.
+TEST(Libraries, ACopyInTheCurrentFolderIsNotLoaded) {
+    const TempFolder folder;
+    wchar_t before[MAX_PATH] = {};
+    GetCurrentDirectoryW(MAX_PATH, before);
+    for (const wchar_t* name : {L"Scintilla.dll", L"Lexilla.dll"})
+        ASSERT_TRUE(
+            CopyFileW((std::wstring(L"" KVX_DIST_DIR "/") + name).c_str(), (folder.path / name).c_str(), FALSE));
+    ASSERT_TRUE(SetCurrentDirectoryW(folder.path.c_str()));
+    static std::vector<std::wstring> told;
+    told.clear();
+    g_answerInstead = [](const UserQuestion& question) {
+        told.emplace_back(question.text);
+        return Answer::Yes;
+    };
+    HMODULE scintilla = nullptr, lexilla = nullptr;
+    EXPECT_EQ(ScintillaLoad(&scintilla, &lexilla, nullptr), 0);
+    EXPECT_EQ(told, std::vector<std::wstring>{L"Could not load Scintilla.dll"});
+    EXPECT_EQ(GetModuleHandleW(L"Lexilla.dll"), nullptr);
+    ASSERT_TRUE(LibrariesLimitSearch());
+    EXPECT_EQ(LoadLibraryW(L"Lexilla.dll"), nullptr) << "as a delay-loaded one is";
+    g_answerInstead = nullptr;
+    SetCurrentDirectoryW(before);
+}
+
+TEST(Log, IsBoundedAndWrittenInTime) {
+    const TempFolder folder;
+    OpenLog((folder.path.wstring() + L"\\").c_str());
+    const auto current = [&] { return ReadBytes(folder.path / L"Editor_Detect.log"); };
+    const auto holds = [&](const char* text) { return current().find(text) != std::string::npos; };
+    AppLogMsg(L"FAIL: one");
+    EXPECT_TRUE(holds("FAIL: one"));
+    AppLogMsg(L"two");
+    EXPECT_FALSE(holds("two")) << "within the same second";
+    LogFlush();
+    EXPECT_TRUE(holds("two"));
+    AppLogMsg(L"three");
+    const ULONGLONG end = GetTickCount64() + 10000;
+    while (!holds("three") && GetTickCount64() < end) {  // a message loop that has nothing else to do
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 100, QS_ALLINPUT);
+        for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE;) DispatchMessageW(&message);
+    }
+    EXPECT_TRUE(holds("three"));
+    const std::wstring filler(4000, L'\u00E4');  // 8,000 bytes
+    for (int i = 0; i < 1100; ++i) AppLogMsg(L"%s", filler.c_str());
+    AppLogMsg(L"last");
+    CloseLog();
+    EXPECT_LT(current().size(), 5000000U);
+    EXPECT_TRUE(holds("last"));
+    const auto older = fs::file_size(folder.path / L"Editor_Detect.old.log");
+    EXPECT_TRUE(older >= kLogLimit && older < kLogLimit + 10000) << older;
 }

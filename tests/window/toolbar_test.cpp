@@ -51,7 +51,7 @@ TEST(Toolbar, HiddenButtonsWorkFromTheMenu) {
         editor.Keys({VK_RETURN});
         ASSERT_TRUE(editor.AwaitMenu(false));
     };
-    editor.Keys({VK_CONTROL, VK_F2});
+    editor.Keys({VK_MENU, VK_F2});
     choose(VK_UP, 1);
     EXPECT_TRUE(WaitFor([&] { return IsWindowVisible(editor.Child(IDC_AI_CHAT)) != FALSE; })) << "the last of the bar";
     editor.Click(editor.Child(IDC_TOOLBAR), editor.ButtonPlace(IDM_TOOLBAR_MORE));

@@ -1,6 +1,8 @@
 // What is on the screen and how it answers: panes and their places, splitters, tabs, themes, header line, keys, mouse.
 #include "harness.h"
 
+#include <commctrl.h>
+
 #include <algorithm>
 #include <array>
 #include <tuple>
@@ -98,6 +100,118 @@ TEST(View, PanesNeverOverlap) {
         ExpectTidy(editor);
     }
     EXPECT_EQ(editor.Close(), 0u);
+}
+
+// Work in a large window leaves the small one as it was, also after a restart.
+TEST(View, TheWindowComesBackAndThePanesKeepTheirShare) {
+    ProgramFolder folder;
+    RECT before{};
+    int output = 0;
+    {
+        Editor editor(folder);
+        SetWindowPos(editor.main, nullptr, 30, 20, 1000, 700, SWP_NOZORDER | SWP_NOACTIVATE);
+        editor.Send(editor.main, WM_NULL);
+        GetWindowRect(editor.main, &before);
+        output = Height(editor, editor.Child(IDC_OUTPUT));
+        ShowWindow(editor.main, SW_MAXIMIZE);
+        ASSERT_TRUE(WaitFor([&] { return IsZoomed(editor.main) != 0; }));
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    Editor editor(folder);
+    EXPECT_TRUE(IsZoomed(editor.main));
+    EXPECT_GT(Height(editor, editor.Child(IDC_OUTPUT)), output);
+    ShowWindow(editor.main, SW_RESTORE);
+    ASSERT_TRUE(WaitFor([&] { return IsZoomed(editor.main) == 0; }));
+    editor.Send(editor.main, WM_NULL);
+    RECT now{};
+    GetWindowRect(editor.main, &now);
+    EXPECT_TRUE(EqualRect(&now, &before)) << Show(now) << " was " << Show(before);
+    EXPECT_NEAR(Height(editor, editor.Child(IDC_OUTPUT)), output, 2);
+    // On a finer screen the margin of the line numbers grows with the rest.
+    const LRESULT margin = editor.Sci(SCI_GETMARGINWIDTHN, 0);
+    editor.ShowAt(192, 1000, 700);
+    EXPECT_TRUE(WaitFor([&] { return editor.Sci(SCI_GETMARGINWIDTHN, 0) >= 2 * margin - 2; }));
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+// No light bar, box or header in the dark theme, and none of the dark ones in the light theme.
+TEST(View, TheDarkThemeReachesMenusDialogsAndHeaders) {
+    ProgramFolder folder;
+    folder.SetIni(L"Editor", L"ShowErrorList", L"1");
+    Editor editor(folder);
+    const auto brightness = [](HWND window, int x, int y) {  // of the screen, at a place in the window; 0 to 255
+        RECT rect{};
+        GetWindowRect(window, &rect);
+        const HDC screen = GetDC(nullptr);
+        const COLORREF colour = GetPixel(screen, rect.left + x, rect.top + y);
+        ReleaseDC(nullptr, screen);
+        return (GetRValue(colour) + GetGValue(colour) + GetBValue(colour)) / 3;
+    };
+    const int caption = GetSystemMetrics(SM_CYSIZEFRAME) + GetSystemMetrics(SM_CYCAPTION);
+    for (const bool dark : {true, false}) {
+        SCOPED_TRACE(dark ? "dark" : "light");
+        editor.Do(dark ? IDM_VIEW_DARK_THEME : IDM_VIEW_LIGHT_THEME);
+        editor.Foreground();
+        const auto fits = [&](HWND window, int x, int y) {
+            return WaitFor([&] { return (brightness(window, x, y) < 90) == dark; });
+        };
+        const HWND header = reinterpret_cast<HWND>(editor.Send(editor.Child(IDC_ERROR_LIST), LVM_GETHEADER));
+        EXPECT_TRUE(fits(editor.main, 600, caption + 12)) << "menu bar, after its items";
+        EXPECT_TRUE(fits(editor.main, 12, caption + 3)) << "menu bar, first item";
+        EXPECT_TRUE(fits(header, Width(editor, header) - 4, 5)) << "after the last column";
+        EXPECT_TRUE(fits(header, 70, 4)) << "first column";
+        for (const auto& [command, title] :
+             {std::pair{IDM_EDIT_GOTO, L"Go To Line"}, {IDM_HELP_ABOUT, kProgramTitle}}) {
+            editor.Post(command);
+            const Dialog dialog = editor.AwaitDialog(title);
+            EXPECT_TRUE(fits(dialog.window, 12, caption + 6)) << Utf8(title);
+            editor.Press(dialog, command == IDM_EDIT_GOTO ? IDCANCEL : IDOK);
+        }
+    }
+}
+
+// The menu's newer commands, by the keys that people expect.
+TEST(View, BookmarksRecentFilesAndPanesAreWithinReach) {
+    ProgramFolder folder(kCompilers);
+    folder.KeepNoSession();
+    const std::wstring one = folder.Write(L"one.bas", "1\r\n2\r\n3\r\n4\r\n"), two = folder.Write(L"two.bas", "");
+    Editor editor(folder, OpenArgument(two) + OpenArgument(one));
+    editor.Foreground();
+    for (const int line : {1, 3}) {
+        editor.Sci(SCI_GOTOLINE, static_cast<WPARAM>(line));
+        editor.Keys({VK_CONTROL, VK_F2});
+        EXPECT_TRUE(WaitFor([&] { return editor.Sci(SCI_MARKERGET, static_cast<WPARAM>(line)) != 0; })) << line;
+    }
+    for (const auto& [keys, line] : {std::pair{std::initializer_list<int>{VK_F2}, 2},
+                                     {std::initializer_list<int>{VK_F2}, 4},
+                                     {std::initializer_list<int>{VK_SHIFT, VK_F2}, 2}}) {
+        editor.Keys(keys);
+        EXPECT_TRUE(WaitFor([&] { return editor.Line() == line; })) << editor.Line();
+    }
+    for (const auto& [keys, pane] : {std::pair{std::initializer_list<int>{VK_CONTROL, VK_SHIFT, 'E'}, IDC_PROJECT_TREE},
+                                     {std::initializer_list<int>{VK_CONTROL, VK_SHIFT, 'M'}, IDC_ERROR_LIST}}) {
+        editor.Keys(keys);
+        EXPECT_TRUE(WaitFor([&] { return IsWindowVisible(editor.Child(pane)) != FALSE; })) << pane;
+    }
+    // The terminal line is seen only with the output, and opens for typing.
+    editor.Do(IDM_VIEW_OUTPUT);
+    editor.Do(IDM_VIEW_TERMINAL);
+    EXPECT_TRUE(IsWindowVisible(editor.Child(IDC_TERMINAL)));
+    EXPECT_EQ(editor.Focus(), editor.Child(IDC_TERMINAL));
+
+    editor.Do(IDM_RECENT_FILE_FIRST + 1);
+    EXPECT_EQ(editor.TabLabel(editor.ActiveTab()), L"two.bas");
+    editor.Do(IDM_FILE_CLOSE_ALL);
+    DeleteFileW(one.c_str());
+    editor.Post(IDM_RECENT_FILE_FIRST);  // opening what was open has changed nothing in the list
+    editor.Answer(kProgramTitle, L"", IDYES);
+    EXPECT_TRUE(WaitFor([&] { return folder.Ini(L"MRU", L"Count") == L"1"; }));
+    editor.Do(IDM_NEXT_COMPILER);
+    EXPECT_EQ(folder.Ini(L"Editor", L"ActiveCompiler"), L"4");
+    // What is shown of a compiler is looked up when the window becomes active.
+    DeleteFileW(folder.File(L"KVXC64\\KVXC64.exe").c_str());
+    editor.Send(editor.main, WM_ACTIVATE, WA_ACTIVE);
+    EXPECT_TRUE(WaitFor([&] { return editor.Status(kPartCompiler) == L"KVXC64 (not found)"; }));
 }
 
 TEST(View, SplittersFollowTheMouseAndKeepTheirShare) {
@@ -249,9 +363,12 @@ TEST(View, TabsByMouseAndKeyboard) {
         editor.Answer(kUnsaved, L"Save changes to d.bas?", answer);
         EXPECT_TRUE(WaitFor([&] { return order() == left && editor.Text() == shown; })) << Utf8(order());
     }
-    editor.Do(IDM_FILE_NEW);
+    for (int i = 0; i < 3; ++i) editor.Do(IDM_FILE_NEW);
     const RECT tab = editor.TabRect(0);
-    editor.Click(tabs, {tab.right - 14, (tab.top + tab.bottom) / 2});  // its close button
+    // Its close button, twice: the second quick click is for the next tab's.
+    editor.Click(tabs, {tab.right - 14, (tab.top + tab.bottom) / 2}, MOUSEEVENTF_LEFTDOWN, 2);
+    EXPECT_TRUE(WaitFor([&] { return order() == L"UU"; })) << Utf8(order());
+    editor.Keys({VK_CONTROL, 'W'});
     EXPECT_TRUE(WaitFor([&] { return order() == L"U"; })) << Utf8(order());
     editor.Keys({VK_CONTROL, 'W'});
     EXPECT_TRUE(WaitFor([&] { return editor.Tabs() == 0; })) << Utf8(order());
@@ -381,10 +498,11 @@ TEST(View, WithoutATabNothingBreaks) {
     ASSERT_EQ(editor.Tabs(), 0);
     EXPECT_EQ(editor.Title(), L"Untitled - KVXE Editor");
     // All but those that open a dialog or a tab of their own, or end the program.
+    const int others[] = {IDM_FILE_EXIT,       IDM_STYLE_FONT,    IDM_WORKSPACE_OPEN, IDM_WORKSPACE_NEW,
+                          IDM_HELP_ABOUT,      IDM_COMPILER_MENU, IDM_SESSION_OPEN,   IDM_SESSION_SAVE,
+                          IDM_SESSION_SAVE_AS, IDM_PROJECT_FOLDER};
     for (int command = IDM_FILE_SAVE; command < IDM_TOOLBAR_MORE; ++command)
-        if (command != IDM_FILE_EXIT && command != IDM_STYLE_FONT && command != IDM_WORKSPACE_OPEN &&
-            command != IDM_WORKSPACE_NEW && command != IDM_HELP_ABOUT && command != IDM_COMPILER_MENU)
-            editor.Do(command);
+        if (std::ranges::find(others, command) == std::end(others)) editor.Do(command);
     for (int tab : {-1, 0, 99}) editor.Send(editor.main, MSG_REINIT_EDITOR, static_cast<WPARAM>(tab));
     EXPECT_EQ(editor.Tabs(), 0);
     editor.Do(IDM_FILE_NEW);

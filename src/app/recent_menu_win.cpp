@@ -1,0 +1,184 @@
+// The lists of recent files and sessions in the File menu, and the commands of named sessions. UI thread.
+#include "app/recent_menu.h"
+
+#include "app/app_state.h"
+#include "app/recent_text.h"
+#include "base/wide_format.h"
+#include "commands/status_bar.h"
+#include "documents/file_commands.h"
+#include "files/file_io.h"
+#include "resources/ids.h"
+#include "session/session.h"
+#include "settings/settings_store.h"
+#include "ui/message.h"
+
+#include <commdlg.h>
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+namespace {
+
+// A list in the menu: the rows of the settings and the ids of its items.
+struct RecentList {
+    int first;      // command of row 0
+    int none;       // the item that stands there while the list is empty
+    int neighbour;  // an item of the same menu that always stays
+    std::int32_t Settings::*count;
+    wchar_t (Settings::*rows)[kMruCapacity][kPathCapacity];
+};
+constexpr RecentList kFiles = {IDM_RECENT_FILE_FIRST, IDM_RECENT_FILES_NONE, IDM_RECENT_FILES_CLEAR,
+                               &Settings::mruCount, &Settings::mruFiles};
+constexpr RecentList kSessions = {IDM_RECENT_SESSION_FIRST, IDM_RECENT_SESSIONS_NONE, IDM_SESSION_OPEN,
+                                  &Settings::sessionMruCount, &Settings::sessionMruFiles};
+
+bool HasItem(HMENU menu, int command) {
+    for (int i = 0; i < GetMenuItemCount(menu); ++i)
+        if (GetMenuItemID(menu, i) == static_cast<UINT>(command)) return true;
+    return false;
+}
+
+// The rows stand where the first of them, or the item of the empty list, stands.
+void FillList(HMENU menu, const RecentList& list) {
+    const auto isRow = [&](UINT id) {
+        const int command = static_cast<int>(id);
+        return command == list.none || (command >= list.first && command < list.first + kMruCapacity);
+    };
+    int at = 0;
+    while (at < GetMenuItemCount(menu) && !isRow(GetMenuItemID(menu, at))) ++at;
+    while (at < GetMenuItemCount(menu) && isRow(GetMenuItemID(menu, at)))
+        DeleteMenu(menu, static_cast<UINT>(at), MF_BYPOSITION);
+    const Settings& settings = g_app.settings;
+    const int count = std::clamp<int>(settings.*list.count, 0, kMruCapacity);
+    const auto insert = [&](int offset, int command, const std::wstring& text) {
+        InsertMenuW(menu, static_cast<UINT>(at + offset), MF_BYPOSITION | MF_STRING, static_cast<UINT_PTR>(command),
+                    text.c_str());
+    };
+    for (int i = 0; i < count; ++i) insert(i, list.first + i, RecentMenuText(i, (settings.*list.rows)[i]));
+    if (count == 0) insert(0, list.none, L"(None)");
+}
+
+void RemoveRow(const RecentList& list, int row) {
+    SettingsChange([&](Settings& settings) {
+        auto& rows = settings.*list.rows;
+        std::int32_t& count = settings.*list.count;
+        for (int i = row; i + 1 < count; ++i) SafeCopyW(rows[i], rows[i + 1]);
+        if (row < count) --count;
+    });
+    SettingsSave(nullptr);
+}
+
+// False when the file is gone: asks whether its row is to go, too.
+bool IsThere(const RecentList& list, int row, const std::wstring& path) {
+    if (FileExists(path.c_str())) return true;
+    const std::wstring text =
+        FormatW(L"This file is not there at the moment:\n%s\n\nRemove it from the list?", path.c_str());
+    if (AskUser({.caption = kProgramCaption,
+                 .text = text.c_str(),
+                 .buttons = AskButtons::YesNo,
+                 .icon = AskIcon::Question,
+                 .inSelftest = Answer::No}) == Answer::Yes)
+        RemoveRow(list, row);
+    return false;
+}
+
+void OpenSession(const std::wstring& path) {
+    if (SessionLoad(path.c_str(), g_app.hMainWnd) == 0) {
+        // A document that the user wanted to keep open stops it, too, and that needs no message.
+        if (SessionHasFiles(path.c_str()) == 0) ErrorMessage(L"Failed to open session: %s", path.c_str());
+        return;
+    }
+    SafeCopyW(g_app.sessionPath, path);
+    StatusBarSetText(L"Session opened");
+}
+
+void SaveSession(const std::wstring& path) {
+    if (SessionSave(path.c_str()) == 0) {
+        ErrorMessage(L"Failed to save session: %s", path.c_str());
+        return;
+    }
+    SafeCopyW(g_app.sessionPath, path);
+    SessionMRUAdd(path.c_str());
+    SettingsSave(nullptr);
+    StatusBarSetText(L"Session saved");
+}
+
+// Empty when the user cancelled.
+std::wstring AskSessionPath(bool save) {
+    std::wstring path(kPathCapacity, L'\0');
+    if (save) SafeCopyW(path.data(), kPathCapacity, g_app.sessionPath);
+    OPENFILENAMEW dialog = {};
+    dialog.lStructSize = sizeof(dialog);
+    dialog.hwndOwner = g_app.hMainWnd;
+    dialog.lpstrFilter = L"Sessions (*.kvxsess)\0*.kvxsess\0All Files (*.*)\0*.*\0";
+    dialog.lpstrFile = path.data();
+    dialog.nMaxFile = static_cast<DWORD>(kPathCapacity);
+    dialog.lpstrDefExt = L"kvxsess";
+    dialog.Flags = OFN_HIDEREADONLY | OFN_PATHMUSTEXIST | OFN_NOCHANGEDIR |
+                   static_cast<DWORD>(save ? OFN_OVERWRITEPROMPT : OFN_FILEMUSTEXIST);
+    const BOOL chosen = save ? GetSaveFileNameW(&dialog) : GetOpenFileNameW(&dialog);
+    return chosen != FALSE ? std::wstring(path.c_str()) : std::wstring();
+}
+
+void OpenRecentFile(int command) {
+    const int row = command - kFiles.first;
+    if (row >= g_app.settings.mruCount) return;
+    const std::wstring path = g_app.settings.mruFiles[row];
+    if (IsThere(kFiles, row, path)) FileOpen(path.c_str());
+}
+
+void OpenRecentSession(int command) {
+    const int row = command - kSessions.first;
+    if (row >= g_app.settings.sessionMruCount) return;
+    const std::wstring path = g_app.settings.sessionMruFiles[row];
+    if (IsThere(kSessions, row, path)) OpenSession(path);
+}
+
+void ClearRecentFiles(int) {
+    SettingsChange([](Settings& settings) { settings.mruCount = 0; });
+    SettingsSave(nullptr);
+}
+
+void AskAndOpenSession(int) {
+    if (const std::wstring path = AskSessionPath(false); !path.empty()) OpenSession(path);
+}
+
+void AskAndSaveSession(int) {
+    if (const std::wstring path = AskSessionPath(true); !path.empty()) SaveSession(path);
+}
+
+void SaveCurrentSession(int command) {
+    if (g_app.sessionPath[0] == L'\0')
+        AskAndSaveSession(command);
+    else
+        SaveSession(g_app.sessionPath);
+}
+
+constexpr CommandHandler kSessionHandlers[] = {
+    {IDM_RECENT_FILES_CLEAR, ClearRecentFiles},
+    {IDM_SESSION_OPEN, AskAndOpenSession},
+    {IDM_SESSION_SAVE, SaveCurrentSession},
+    {IDM_SESSION_SAVE_AS, AskAndSaveSession},
+};
+
+// The handlers of kSessionHandlers and one for each row of both lists.
+constexpr auto SessionAndRowHandlers() {
+    std::array<CommandHandler, std::size(kSessionHandlers) + 2 * kMruCapacity> all = {};
+    auto* next = std::ranges::copy(kSessionHandlers, all.begin()).out;
+    for (int i = 0; i < kMruCapacity; ++i) {
+        *next++ = {IDM_RECENT_FILE_FIRST + i, OpenRecentFile};
+        *next++ = {IDM_RECENT_SESSION_FIRST + i, OpenRecentSession};
+    }
+    return all;
+}
+constexpr auto kRecentHandlers = SessionAndRowHandlers();
+
+}  // namespace
+
+void RecentMenuFill(HMENU menu) {
+    for (const RecentList& list : {kFiles, kSessions})
+        if (HasItem(menu, list.neighbour)) FillList(menu, list);
+}
+
+std::span<const CommandHandler> RecentCommandHandlers() { return kRecentHandlers; }

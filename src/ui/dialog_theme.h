@@ -1,0 +1,13 @@
+// Dialogs and captions in the dark theme. In the light theme all of it is the system's own. UI thread only.
+#pragma once
+
+#include <windows.h>
+
+// Gives the caption of a top-level window the colours of the theme, where the system can do that.
+void FrameApplyTheme(HWND window);
+// Colours a dialog and its controls by the theme from now on. Called once, in WM_INITDIALOG.
+void DialogApplyTheme(HWND dialog);
+// Shows the new theme in all dialogs that are open.
+void DialogsRenewTheme();
+// Runs MessageBoxW, and colours the box.
+int ThemedMessageBox(HWND owner, const wchar_t* text, const wchar_t* caption, UINT flags);

@@ -1,0 +1,198 @@
+#include "ui/dialog_theme.h"
+
+#include "files/libraries.h"
+#include "ui/chrome.h"
+#include "ui/dpi.h"
+#include "ui/fonts.h"
+#include "ui/paint.h"
+
+#include <commctrl.h>
+#include <uxtheme.h>
+
+#include <iterator>
+
+namespace {
+
+constexpr UINT_PTR kSubclassId = 0x4454;
+constexpr wchar_t kKindProperty[] = L"KvxDialogKind";  // of a dialog that has been themed
+enum DialogKind : DWORD_PTR { kOwnDialog = 1, kMessageBox };
+
+bool IsOfClass(HWND window, const wchar_t* name) {
+    wchar_t found[32] = {};
+    GetClassNameW(window, found, static_cast<int>(std::size(found)));
+    return lstrcmpiW(found, name) == 0;
+}
+
+LONG_PTR ButtonType(HWND button) { return GetWindowLongPtrW(button, GWL_STYLE) & BS_TYPEMASK; }
+bool IsPushButton(HWND button) { return ButtonType(button) == BS_PUSHBUTTON || ButtonType(button) == BS_DEFPUSHBUTTON; }
+
+// ---------------------------------------------------------------------------------------------------- push buttons
+
+void PaintButton(HWND button) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    const BufferedPaint paint(button);
+    const LRESULT state = SendMessageW(button, BM_GETSTATE, 0, 0);
+    const bool on = IsWindowEnabled(button) != FALSE;
+    const bool focused = (state & BST_FOCUS) != 0;
+    const bool down = (state & BST_PUSHED) != 0;
+    RECT area = paint.Client();
+    FillArea(paint.Dc(), area, down ? chrome.line : chrome.hover);
+    FrameArea(paint.Dc(), area,
+              on && (focused || ButtonType(button) == BS_DEFPUSHBUTTON) ? chrome.accent : chrome.line);
+    wchar_t text[128] = {};
+    GetWindowTextW(button, text, static_cast<int>(std::size(text)));
+    const auto font = reinterpret_cast<HFONT>(SendMessageW(button, WM_GETFONT, 0, 0));
+    const HGDIOBJ oldFont = SelectObject(paint.Dc(), font != nullptr ? font : UiFont());
+    SetBkMode(paint.Dc(), TRANSPARENT);
+    SetTextColor(paint.Dc(), on ? chrome.paneText : ThemeQuietText());
+    const bool hidesKeys = (SendMessageW(button, WM_QUERYUISTATE, 0, 0) & UISF_HIDEACCEL) != 0;
+    DrawTextW(paint.Dc(), text, -1, &area, DT_CENTER | DT_VCENTER | DT_SINGLELINE | (hidesKeys ? DT_HIDEPREFIX : 0U));
+    SelectObject(paint.Dc(), oldFont);
+    InflateRect(&area, -UiScaled(3), -UiScaled(3));
+    if (focused && (SendMessageW(button, WM_QUERYUISTATE, 0, 0) & UISF_HIDEFOCUS) == 0)
+        DrawFocusRect(paint.Dc(), &area);
+}
+
+LRESULT CALLBACK ButtonProc(HWND button, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
+    if (message == WM_NCDESTROY) RemoveWindowSubclass(button, ButtonProc, id);
+    if (!ThemeIsDark()) return DefSubclassProc(button, message, wParam, lParam);
+    switch (message) {
+        case WM_ERASEBKGND: return 1;
+        case WM_PAINT: PaintButton(button); return 0;
+        case BM_SETSTATE:
+        case BM_SETSTYLE:
+        case WM_SETFOCUS:
+        case WM_KILLFOCUS:
+        case WM_ENABLE:
+        case WM_SETTEXT:
+        case WM_UPDATEUISTATE: {  // the control may draw itself at once
+            const LRESULT result = DefSubclassProc(button, message, wParam, lParam);
+            InvalidateRect(button, nullptr, FALSE);
+            return result;
+        }
+        default: return DefSubclassProc(button, message, wParam, lParam);
+    }
+}
+
+// --------------------------------------------------------------------------------------------------------- dialogs
+
+BOOL CALLBACK ThemeChild(HWND child, LPARAM) {
+    const bool dark = ThemeIsDark();
+    if (IsOfClass(child, WC_BUTTONW)) {
+        if (IsPushButton(child))
+            SetWindowSubclass(child, ButtonProc, kSubclassId, 0);
+        else  // a check box with a theme ignores the colour of the text
+            SetWindowTheme(child, dark ? L"" : nullptr, dark ? L"" : nullptr);
+    }
+    return TRUE;
+}
+
+// The dialog's own answer to WM_CTLCOLOR... may have chosen another colour of the text.
+LRESULT ColoursOfControl(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    const auto dc = reinterpret_cast<HDC>(wParam);
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    DefSubclassProc(dialog, message, wParam, lParam);
+    const COLORREF chosen = GetTextColor(dc);
+    const bool own = chosen != GetSysColor(COLOR_WINDOWTEXT) && chosen != GetSysColor(COLOR_BTNTEXT);
+    const bool field = message == WM_CTLCOLOREDIT || message == WM_CTLCOLORLISTBOX;
+    return ControlColours(dc, own ? chosen : chrome.paneText, field ? chrome.paneBack : chrome.windowBack);
+}
+
+LRESULT EraseDialog(HWND dialog, HDC dc) {
+    RECT client = {};
+    GetClientRect(dialog, &client);
+    FillArea(dc, client, ThemeCurrentChrome().windowBack);
+    return 1;
+}
+
+// A message box would paint a light band below its text. The background is erased by BeginPaint.
+void PaintNothing(HWND dialog) {
+    PAINTSTRUCT paint = {};
+    BeginPaint(dialog, &paint);
+    EndPaint(dialog, &paint);
+}
+
+LRESULT CALLBACK DialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR kind) {
+    if (message == WM_NCDESTROY) {
+        RemovePropW(dialog, kKindProperty);
+        RemoveWindowSubclass(dialog, DialogProc, id);
+    }
+    if (!ThemeIsDark()) return DefSubclassProc(dialog, message, wParam, lParam);
+    switch (message) {
+        case WM_CTLCOLORDLG:
+        case WM_CTLCOLORSTATIC:
+        case WM_CTLCOLORBTN:
+        case WM_CTLCOLOREDIT:
+        case WM_CTLCOLORLISTBOX: return ColoursOfControl(dialog, message, wParam, lParam);
+        case WM_ERASEBKGND: return EraseDialog(dialog, reinterpret_cast<HDC>(wParam));
+        case WM_PAINT:
+            if (kind != kMessageBox) break;
+            PaintNothing(dialog);
+            return 0;
+        default: break;
+    }
+    return DefSubclassProc(dialog, message, wParam, lParam);
+}
+
+void ThemeDialog(HWND dialog, DialogKind kind) {
+    SetWindowSubclass(dialog, DialogProc, kSubclassId, kind);
+    SetPropW(dialog, kKindProperty, reinterpret_cast<HANDLE>(static_cast<DWORD_PTR>(kind)));
+    EnumChildWindows(dialog, ThemeChild, 0);
+    FrameApplyTheme(dialog);
+}
+
+BOOL CALLBACK RenewWindow(HWND window, LPARAM) {
+    const auto kind = reinterpret_cast<DWORD_PTR>(GetPropW(window, kKindProperty));
+    if (kind == 0) return TRUE;
+    ThemeDialog(window, static_cast<DialogKind>(kind));
+    RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+    return TRUE;
+}
+
+// --------------------------------------------------------------------------------------------------- message boxes
+
+HHOOK g_boxHook = nullptr;
+
+// The box is complete when it becomes active, and not yet painted.
+LRESULT CALLBACK BoxHook(int code, WPARAM wParam, LPARAM lParam) {
+    const HHOOK hook = g_boxHook;
+    const auto window = reinterpret_cast<HWND>(wParam);
+    if (code == HCBT_ACTIVATE && IsOfClass(window, L"#32770")) {
+        ThemeDialog(window, kMessageBox);
+        UnhookWindowsHookEx(hook);
+        g_boxHook = nullptr;
+    }
+    return CallNextHookEx(hook, code, wParam, lParam);
+}
+
+}  // namespace
+
+void FrameApplyTheme(HWND window) {
+    constexpr DWORD kDarkCaption = 20;  // DWMWA_USE_IMMERSIVE_DARK_MODE, which the toolchain's headers do not have
+    using SetAttribute = HRESULT(WINAPI*)(HWND, DWORD, const void*, DWORD);
+    static bool everDark = false;  // until then the library need not be loaded
+    everDark = everDark || ThemeIsDark();
+    if (!everDark) return;
+    static const auto setAttribute = [] {
+        const HMODULE library = LoadSystemLibrary(L"dwmapi.dll");
+        return library == nullptr ? nullptr
+                                  : reinterpret_cast<SetAttribute>(
+                                        reinterpret_cast<void*>(GetProcAddress(library, "DwmSetWindowAttribute")));
+    }();
+    if (setAttribute == nullptr) return;
+    const BOOL dark = ThemeIsDark() ? TRUE : FALSE;
+    setAttribute(window, kDarkCaption, &dark, sizeof(dark));  // an older system refuses, and the caption stays light
+}
+
+void DialogApplyTheme(HWND dialog) { ThemeDialog(dialog, kOwnDialog); }
+
+void DialogsRenewTheme() { EnumThreadWindows(GetCurrentThreadId(), RenewWindow, 0); }
+
+int ThemedMessageBox(HWND owner, const wchar_t* text, const wchar_t* caption, UINT flags) {
+    if (ThemeIsDark() && g_boxHook == nullptr)
+        g_boxHook = SetWindowsHookExW(WH_CBT, BoxHook, nullptr, GetCurrentThreadId());
+    const int answer = MessageBoxW(owner, text, caption, flags);
+    if (g_boxHook != nullptr) UnhookWindowsHookEx(g_boxHook);  // no box could be shown
+    g_boxHook = nullptr;
+    return answer;
+}

@@ -1,0 +1,255 @@
+#include "ui/menu_draw.h"
+
+#include "base/handles.h"
+#include "ui/chrome.h"
+#include "ui/dpi.h"
+#include "ui/fonts.h"
+#include "ui/paint.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <cwctype>
+#include <string>
+
+namespace {
+
+constexpr UINT_PTR kSubclassId = 0x4D44;
+constexpr int kGutter = 28;  // left of the text, for marks and pictures; this and the next ones at 96 dpi
+constexpr int kRight = 26;   // right of the text, for the arrow of a submenu
+constexpr int kKeyGap = 24;  // between text and key
+constexpr int kItemBlank = 8;
+constexpr int kSeparator = 7;
+
+// An item as the system names it in WM_MEASUREITEM and WM_DRAWITEM: menu and position in one number.
+struct ItemPlace {
+    HMENU menu;
+    UINT position;
+};
+ULONG_PTR Packed(ItemPlace place) { return reinterpret_cast<ULONG_PTR>(place.menu) << 16 | (place.position & 0xFFFF); }
+ItemPlace Unpacked(ULONG_PTR data) { return {reinterpret_cast<HMENU>(data >> 16), static_cast<UINT>(data & 0xFFFF)}; }
+
+struct ItemText {
+    std::wstring name, key;  // "&Save", "Ctrl+S"
+};
+
+ItemText TextOf(ItemPlace place) {
+    wchar_t buffer[256] = {};
+    GetMenuStringW(place.menu, place.position, buffer, static_cast<int>(std::size(buffer)), MF_BYPOSITION);
+    const std::wstring text = buffer;
+    const std::size_t tab = text.find(L'\t');
+    return {text.substr(0, tab), tab == std::wstring::npos ? L"" : text.substr(tab + 1)};
+}
+
+MENUITEMINFOW InfoOf(ItemPlace place) {
+    MENUITEMINFOW info = {};
+    info.cbSize = sizeof(info);
+    info.fMask = MIIM_FTYPE | MIIM_SUBMENU | MIIM_BITMAP;
+    GetMenuItemInfoW(place.menu, place.position, TRUE, &info);
+    return info;
+}
+
+COLORREF MenuBack() { return ThemeCurrentChrome().statusBack; }
+
+HBRUSH BackBrush() {
+    static UniqueBrush brush;
+    static COLORREF colour = CLR_INVALID;
+    if (colour != MenuBack()) {
+        colour = MenuBack();
+        brush.Reset(CreateSolidBrush(colour));
+    }
+    return brush.Get();
+}
+
+// Makes the items owner-drawn, or gives them back to the system.
+void PrepareMenu(HMENU menu, bool dark) {
+    bool changed = false;
+    for (int i = 0; i < GetMenuItemCount(menu); ++i) {
+        const ItemPlace place = {menu, static_cast<UINT>(i)};
+        MENUITEMINFOW info = InfoOf(place);
+        if (!dark && (info.fType & MFT_OWNERDRAW) == 0) continue;
+        info.fMask = MIIM_FTYPE | MIIM_DATA;
+        info.fType = dark ? info.fType | MFT_OWNERDRAW : info.fType & ~static_cast<UINT>(MFT_OWNERDRAW);
+        info.dwItemData = dark ? Packed(place) : 0;
+        SetMenuItemInfoW(menu, place.position, TRUE, &info);
+        changed = true;
+    }
+    if (!changed) return;
+    MENUINFO background = {};
+    background.cbSize = sizeof(background);
+    background.fMask = MIM_BACKGROUND;
+    background.hbrBack = dark ? BackBrush() : nullptr;
+    SetMenuInfo(menu, &background);
+}
+
+int NameWidth(std::wstring name) {
+    std::erase(name, L'&');
+    return UiTextWidth(name.c_str(), static_cast<int>(name.size()));
+}
+
+void MeasureItem(HWND window, MEASUREITEMSTRUCT& item) {
+    const ItemPlace place = Unpacked(item.itemData);
+    const ItemText text = TextOf(place);
+    if (place.menu == GetMenu(window)) {  // the system adds the space around the items of a bar
+        item.itemWidth = static_cast<UINT>(NameWidth(text.name));
+        item.itemHeight = static_cast<UINT>(UiSizes().textHeight);
+        return;
+    }
+    if ((InfoOf(place).fType & MFT_SEPARATOR) != 0) {
+        item.itemHeight = static_cast<UINT>(UiScaled(kSeparator));
+        return;
+    }
+    const int key = text.key.empty() ? 0 : UiScaled(kKeyGap) + NameWidth(text.key);
+    item.itemWidth = static_cast<UINT>(UiScaled(kGutter + kRight) + NameWidth(text.name) + key);
+    item.itemHeight = static_cast<UINT>(UiSizes().textHeight + UiScaled(kItemBlank));
+}
+
+void DrawTick(HDC dc, const RECT& item, COLORREF colour) {
+    const int middle = (item.top + item.bottom) / 2, left = item.left + UiScaled(9);
+    const POINT tick[] = {
+        {left, middle}, {left + UiScaled(3), middle + UiScaled(3)}, {left + UiScaled(9), middle - UiScaled(4)}};
+    DrawPolyline(dc, tick, colour, std::max(UiScaled(2), 1));
+}
+
+void DrawPicture(HDC dc, const RECT& item, HBITMAP picture) {
+    BITMAP size = {};
+    if (GetObjectW(picture, sizeof(size), &size) == 0) return;
+    const UniqueMemoryDc memory(CreateCompatibleDC(dc));
+    const HGDIOBJ old = SelectObject(memory.Get(), picture);
+    const int left = item.left + (UiScaled(kGutter) - static_cast<int>(size.bmWidth)) / 2;
+    const int top = (item.top + item.bottom - static_cast<int>(size.bmHeight)) / 2;
+    GdiAlphaBlend(dc, left, top, size.bmWidth, size.bmHeight, memory.Get(), 0, 0, size.bmWidth, size.bmHeight,
+                  {AC_SRC_OVER, 0, 255, AC_SRC_ALPHA});
+    SelectObject(memory.Get(), old);
+}
+
+void DrawSubmenuArrow(HDC dc, const RECT& item, COLORREF colour) {
+    const int middle = (item.top + item.bottom) / 2, right = item.right - UiScaled(9), arm = UiScaled(4);
+    DrawTriangle(dc, {{right - arm, middle - arm}, {right - arm, middle + arm}, {right, middle}}, colour);
+}
+
+void DrawPopupItem(const DRAWITEMSTRUCT& draw, ItemPlace place, COLORREF colour, UINT format) {
+    const MENUITEMINFOW info = InfoOf(place);
+    RECT area = draw.rcItem;
+    if ((info.fType & MFT_SEPARATOR) != 0) {
+        const int middle = (area.top + area.bottom) / 2;
+        FillArea(draw.hDC, {area.left + UiScaled(4), middle, area.right - UiScaled(4), middle + 1},
+                 ThemeCurrentChrome().line);
+        return;
+    }
+    if ((draw.itemState & ODS_CHECKED) != 0)
+        DrawTick(draw.hDC, area, colour);
+    else if (info.hbmpItem != nullptr)
+        DrawPicture(draw.hDC, area, info.hbmpItem);
+    const ItemText text = TextOf(place);
+    area.left += UiScaled(kGutter);
+    area.right -= UiScaled(kRight);
+    DrawTextW(draw.hDC, text.name.c_str(), -1, &area, format);
+    DrawTextW(draw.hDC, text.key.c_str(), -1, &area, format | DT_RIGHT | DT_NOPREFIX);
+    if (info.hSubMenu != nullptr) DrawSubmenuArrow(draw.hDC, draw.rcItem, colour);
+}
+
+void DrawItem(HWND window, const DRAWITEMSTRUCT& draw) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    const ItemPlace place = Unpacked(draw.itemData);
+    const bool off = (draw.itemState & (ODS_GRAYED | ODS_DISABLED)) != 0;
+    const bool lit = (draw.itemState & (ODS_SELECTED | ODS_HOTLIGHT)) != 0;
+    const COLORREF colour = off ? MixColours(chrome.statusText, MenuBack(), 50) : chrome.statusText;
+    FillArea(draw.hDC, draw.rcItem, lit && !off ? MixColours(MenuBack(), chrome.accent, 30) : MenuBack());
+    const HGDIOBJ oldFont = SelectObject(draw.hDC, UiFont());
+    SetBkMode(draw.hDC, TRANSPARENT);
+    SetTextColor(draw.hDC, colour);
+    const UINT format = DT_SINGLELINE | DT_VCENTER | ((draw.itemState & ODS_NOACCEL) != 0 ? DT_HIDEPREFIX : 0U);
+    if (place.menu == GetMenu(window)) {
+        RECT area = draw.rcItem;
+        DrawTextW(draw.hDC, TextOf(place).name.c_str(), -1, &area, format | DT_CENTER);
+    } else {
+        DrawPopupItem(draw, place, colour, format);
+    }
+    SelectObject(draw.hDC, oldFont);
+    // The system would draw its own, black arrow over that of a submenu.
+    ExcludeClipRect(draw.hDC, draw.rcItem.left, draw.rcItem.top, draw.rcItem.right, draw.rcItem.bottom);
+}
+
+// The rest of the bar beside its items, and the light line that the system draws below it.
+void PaintBarRest(HWND window) {
+    MENUBARINFO bar = {};
+    bar.cbSize = sizeof(bar);
+    RECT frame = {};
+    HMENU menu = GetMenu(window);
+    if (menu == nullptr || !GetMenuBarInfo(window, OBJID_MENU, 0, &bar) || !GetWindowRect(window, &frame)) return;
+    RECT last = {};
+    const int count = GetMenuItemCount(menu);
+    RECT area = bar.rcBar;
+    // A bar of several rows has free places in each; only the last is filled here.
+    if (count > 0 && GetMenuItemRect(window, menu, static_cast<UINT>(count - 1), &last)) {
+        area.left = last.right;
+        area.top = last.top;
+    }
+    RECT line = {bar.rcBar.left, bar.rcBar.bottom, bar.rcBar.right, bar.rcBar.bottom + 1};
+    OffsetRect(&area, -frame.left, -frame.top);
+    OffsetRect(&line, -frame.left, -frame.top);
+    const HDC dc = GetWindowDC(window);
+    FillArea(dc, area, MenuBack());
+    FillArea(dc, line, MenuBack());
+    ReleaseDC(window, dc);
+}
+
+// The item with the mnemonic. The system looks only at texts that it draws itself.
+LRESULT ItemOfMnemonic(HMENU menu, wchar_t key) {
+    for (int i = 0; i < GetMenuItemCount(menu); ++i) {
+        const std::wstring name = TextOf({menu, static_cast<UINT>(i)}).name;
+        for (std::size_t at = name.find(L'&'); at != std::wstring::npos && at + 1 < name.size();
+             at = name.find(L'&', at + 2))
+            if (std::towupper(name[at + 1]) == std::towupper(key)) return MAKELRESULT(i, MNC_EXECUTE);
+    }
+    return MAKELRESULT(0, MNC_IGNORE);
+}
+
+LRESULT CALLBACK MenuDrawProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
+    if (message == WM_NCDESTROY) RemoveWindowSubclass(window, MenuDrawProc, id);
+    if (message == WM_INITMENUPOPUP && HIWORD(lParam) == 0) {  // not the window's system menu
+        const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+        PrepareMenu(reinterpret_cast<HMENU>(wParam), ThemeIsDark());
+        return result;
+    }
+    if (!ThemeIsDark()) return DefSubclassProc(window, message, wParam, lParam);
+    switch (message) {
+        case WM_MEASUREITEM: {
+            auto& item = *reinterpret_cast<MEASUREITEMSTRUCT*>(lParam);
+            if (item.CtlType != ODT_MENU) break;
+            MeasureItem(window, item);
+            return TRUE;
+        }
+        case WM_DRAWITEM: {
+            const auto& item = *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
+            if (item.CtlType != ODT_MENU) break;
+            DrawItem(window, item);
+            return TRUE;
+        }
+        case WM_MENUCHAR: return ItemOfMnemonic(reinterpret_cast<HMENU>(lParam), static_cast<wchar_t>(LOWORD(wParam)));
+        case WM_NCPAINT:
+        case WM_NCACTIVATE: {
+            const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+            PaintBarRest(window);
+            return result;
+        }
+        default: break;
+    }
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
+}  // namespace
+
+void MenuDrawAttach(HWND window) { SetWindowSubclass(window, MenuDrawProc, kSubclassId, 0); }
+
+void MenuDrawDetach(HWND window) { RemoveWindowSubclass(window, MenuDrawProc, kSubclassId); }
+
+void MenuDrawPrepare(HMENU menu) { PrepareMenu(menu, ThemeIsDark()); }
+
+void MenuBarApplyTheme(HWND window) {
+    HMENU menu = GetMenu(window);
+    if (menu == nullptr) return;
+    PrepareMenu(menu, ThemeIsDark());
+    DrawMenuBar(window);
+}
