@@ -20,6 +20,7 @@
 #include "session/session.h"
 #include "settings/version.h"
 #include "ui/clipboard.h"
+#include "ui/long_work.h"
 #include "ui/message.h"
 
 #include <commdlg.h>
@@ -173,6 +174,7 @@ void MainWnd_OnCommand(int command, int notification, HWND control) {
         if (command == IDM_DEBUG_STOP || command == IDM_DEBUG_BUTTON_STOP) DebugStopWaiting(false);
         return;
     }
+    if (LongWorkRuns()) return;
     // F5 is the key of Build & Run; while a program stands, it is expected to go on.
     if (command == IDM_BUILD_RUN && FlowIsStopped(DebugFlowNow())) command = IDM_DEBUG_CONTINUE;
     // A key or a posted command may come when the command is not possible; the table decides, not the sender.

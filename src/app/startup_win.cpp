@@ -17,6 +17,7 @@
 #include "resources/ids.h"
 #include "session/session.h"
 #include "settings/settings_store.h"
+#include "ui/long_work.h"
 #include "ui/message.h"
 
 #include <algorithm>
@@ -149,6 +150,7 @@ static void SaveOnClose() {
 }
 
 void MainWnd_OnClose(HWND window) {
+    if (LongWorkRuns()) return;
     if (DebugIsWaiting()) {
         DebugStopWaiting(true);
         return;

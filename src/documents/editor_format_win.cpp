@@ -1,10 +1,12 @@
 // The formatter at work in an editor: reads whole lines, replaces what the formatter changes. UI thread only.
 #include "documents/editor_format.h"
 
+#include "base/events.h"
 #include "documents/pane_state.h"
 #include "language/format.h"
 #include "language/format_range.h"
 #include "settings/settings_state.h"
+#include "ui/long_work.h"
 
 #include <algorithm>
 #include <string>
@@ -29,15 +31,18 @@ LRESULT StartOfLine(HWND editor, int line) {
                                                                        : PaneSend(editor, SCI_GETLENGTH);
 }
 
-// What is marked on a line stays on it, also when this is undone.
-void ReplaceLines(HWND editor, LRESULT start, const std::vector<TextReplacement>& replacements) {
+// What is marked on a line stays on it, also when this is undone. Undoes everything when the user stops the work.
+void ReplaceLines(HWND editor, LRESULT start, const std::vector<TextReplacement>& replacements, LongWork& work) {
     PaneSend(editor, SCI_BEGINUNDOACTION);
+    double done = 0;
     for (const TextReplacement& each : replacements) {
         const LRESULT from = start + static_cast<LRESULT>(each.start);
         PaneSend(editor, SCI_SETTARGETRANGE, from, from + static_cast<LRESULT>(each.length));
         SciSend(editor, SCI_REPLACETARGET, each.text.size(), reinterpret_cast<LPARAM>(each.text.data()));
+        if (!work.GoesOn((1 + ++done / static_cast<double>(replacements.size())) / 2)) break;
     }
     PaneSend(editor, SCI_ENDUNDOACTION);
+    if (work.Stopped()) PaneSend(editor, SCI_UNDO);
 }
 
 }  // namespace
@@ -52,13 +57,17 @@ void EditorFormat(HWND editor, bool selectionOnly) {
     const FormatOptions options = {.indentWidth = std::max(1, static_cast<int>(g_settings.tabWidth)),
                                    .useTabs = g_settings.useTabs != 0,
                                    .upperKeywords = g_settings.autoUpperKeywords != 0};
-    const std::string formatted = FormatBasicLines(all, options, lines.first, lines.last);
+    LongWork work(
+        L"Formatting", [](const wchar_t* progress) { g_events.statusText(progress); });
+    const std::string formatted = FormatBasicLines(all, options, lines.first, lines.last,
+                                                   [&work](double share) { return work.GoesOn(share / 2); });
     const std::string_view text =
         std::string_view(all).substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start));
-    if (formatted == text) return;
+    if (formatted == text && !work.Stopped()) return;
     const LRESULT caretLine = PaneSend(editor, SCI_LINEFROMPOSITION, PaneSend(editor, SCI_GETCURRENTPOS));
     const LRESULT topLine = PaneSend(editor, SCI_GETFIRSTVISIBLELINE);
-    ReplaceLines(editor, start, LineReplacements(text, formatted));
+    if (!work.Stopped()) ReplaceLines(editor, start, LineReplacements(text, formatted), work);
+    if (work.Shown()) g_events.statusText(work.Stopped() ? L"Stopped: nothing was formatted" : L"Formatted");
     PaneSend(editor, SCI_GOTOPOS, PaneSend(editor, SCI_GETLINEINDENTPOSITION, caretLine));
     PaneSend(editor, SCI_SETFIRSTVISIBLELINE, topLine);
 }

@@ -15,6 +15,8 @@
 
 namespace {
 
+constexpr std::size_t kLinesBetweenQuestions = 256;
+
 enum class Block : std::uint8_t {
     If,
     Select,
@@ -447,7 +449,8 @@ std::string FormatBasicSource(std::string_view text, const FormatOptions& option
     return FormatBasicLines(text, options, 0, std::numeric_limits<int>::max());
 }
 
-std::string FormatBasicLines(std::string_view text, const FormatOptions& options, int first, int last) {
+std::string FormatBasicLines(std::string_view text, const FormatOptions& options, int first, int last,
+                             const std::function<bool(double share)>& goesOn) {
     std::string out;
     Nesting nesting;
     std::vector<Nesting> saved;
@@ -456,7 +459,12 @@ std::string FormatBasicLines(std::string_view text, const FormatOptions& options
     const std::size_t end = std::min(lines.size(), static_cast<std::size_t>(std::max(last, -1)) + 1);
     if (from == 0) out.reserve(text.size() + text.size() / 8);
 
+    std::size_t asked = 0;  // line at which `goesOn` was asked last
     for (std::size_t i = 0; i < end;) {
+        if (goesOn != nullptr && i - asked >= kLinesBetweenQuestions) {
+            if (!goesOn(static_cast<double>(i) / static_cast<double>(end))) break;
+            asked = i;
+        }
         if (IsAssembly(lines[i].text, nesting)) {
             if (i >= from) out.append(lines[i].text).append(lines[i].end);
             ++i;

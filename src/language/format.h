@@ -1,6 +1,7 @@
 // The formatter indents BASIC source by its block structure. Pure.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -15,7 +16,10 @@ std::string FormatBasicSource(std::string_view text, const FormatOptions& option
 
 // The lines `first` to `last` (from 0) of the formatted text. `text` must begin at the start of the document, because the
 // blocks above decide about a line, and must reach beyond `last` to the end of a statement that continues there.
-std::string FormatBasicLines(std::string_view text, const FormatOptions& options, int first, int last);
+// `goesOn` is asked now and then with the share of the work that is done, 0 to 1; when it is false, the work stops and
+// the result is not complete.
+std::string FormatBasicLines(std::string_view text, const FormatOptions& options, int first, int last,
+                             const std::function<bool(double share)>& goesOn = {});
 
 // A line as the formatter writes its keywords, in capitals; all else stays, so it is as long as before. `inAssembly`: the
 // line is inside a block of inline assembly.

@@ -16,5 +16,7 @@ bool ReplaceSelection(HWND editor, const FindQuery& query, std::string_view repl
 struct ReplaceAllResult {
     std::size_t count = 0;     // matches replaced
     std::ptrdiff_t grown = 0;  // change of the scope's length, bytes
+    bool stopped = false;      // by `goesOn`; the text is then as it was before
 };
-ReplaceAllResult ReplaceAllInScope(HWND editor, const FindQuery& query, std::string_view replacement, FindSpan scope);
+ReplaceAllResult ReplaceAllInScope(HWND editor, const FindQuery& query, std::string_view replacement, FindSpan scope,
+                                   const FindGoesOn& goesOn = {});

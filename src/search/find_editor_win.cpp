@@ -80,18 +80,27 @@ bool ReplaceSelection(HWND editor, const FindQuery& query, std::string_view repl
     return true;
 }
 
-ReplaceAllResult ReplaceAllInScope(HWND editor, const FindQuery& query, std::string_view replacement, FindSpan scope) {
+ReplaceAllResult ReplaceAllInScope(HWND editor, const FindQuery& query, std::string_view replacement, FindSpan scope,
+                                   const FindGoesOn& goesOn) {
     ReplaceAllResult result;
-    const std::vector<Replacement> found = ReplacementsInScope(FindTextOf(editor), query, replacement, scope);
-    if (found.empty()) return result;
+    const auto half = [&](double from, double share) {
+        if (goesOn != nullptr && !goesOn((from + share) / 2)) result.stopped = true;
+        return !result.stopped;
+    };
+    const std::vector<Replacement> found = ReplacementsInScope(FindTextOf(editor), query, replacement, scope,
+                                                               [&](double share) { return half(0, share); });
+    if (found.empty() || result.stopped) return result;
     const bool alike = ReplacesAllAlike(query, replacement);
     SciSend(editor, SCI_BEGINUNDOACTION);
     for (auto edit = found.rbegin(); edit != found.rend(); ++edit) {
         const std::string_view text = alike ? replacement : std::string_view{edit->text};
         ReplaceSpan(editor, edit->span, text);
         result.grown += static_cast<std::ptrdiff_t>(text.size()) - (edit->span.end - edit->span.start);
+        ++result.count;
+        if (!half(1, static_cast<double>(result.count) / static_cast<double>(found.size()))) break;
     }
     SciSend(editor, SCI_ENDUNDOACTION);
-    result.count = found.size();
-    return result;
+    if (!result.stopped) return result;
+    SciSend(editor, SCI_UNDO);
+    return {.stopped = true};
 }

@@ -9,6 +9,8 @@
 
 namespace {
 
+constexpr std::ptrdiff_t kSearchPiece = 1 << 20;  // bytes
+
 // The nearest match of all alternatives. When two begin at the same place, that of the first alternative.
 std::optional<FindSpan> NearestMatch(const FindText& text, const FindQuery& query, FindSpan range) {
     const bool forward = range.start <= range.end;
@@ -29,12 +31,12 @@ std::optional<FindSpan> NearestMatch(const FindText& text, const FindQuery& quer
 // passed.
 class MatchWalk {
 public:
-    MatchWalk(const FindText& text, const FindQuery& query, FindSpan scope)
-        : text_(text), query_(query), scope_(scope), at_(scope.start), next_(query.patterns.size()) {}
+    MatchWalk(const FindText& text, const FindQuery& query, FindSpan scope, const FindGoesOn& goesOn)
+        : text_(text), query_(query), scope_(scope), goesOn_(goesOn), at_(scope.start), next_(query.patterns.size()) {}
 
-    // The next match, or nothing at the end. `pattern` gets the index of the alternative that matched.
+    // The next match, or nothing at the end or when the walk is to stop. `pattern` gets the index of the alternative that matched.
     std::optional<FindSpan> Next(std::size_t& pattern) {
-        while (at_ <= scope_.end) {
+        while (at_ <= scope_.end && GoesOn(at_)) {
             std::optional<FindSpan> best;
             for (std::size_t i = 0; i < next_.size(); ++i) {
                 Refresh(i);
@@ -69,13 +71,29 @@ private:
     void Refresh(std::size_t index) {
         Candidate& candidate = next_[index];
         if (candidate.searched && (!candidate.match || candidate.match->start >= at_)) return;
-        candidate = {.searched = true,
-                     .match = text_.search(query_.options, query_.patterns[index], {at_, scope_.end})};
+        candidate = {.searched = true, .match = SearchInPieces(query_.patterns[index])};
+    }
+
+    bool GoesOn(std::ptrdiff_t position) const {
+        const auto length = static_cast<double>(std::max<std::ptrdiff_t>(scope_.end - scope_.start, 1));
+        return goesOn_ == nullptr || goesOn_(static_cast<double>(position - scope_.start) / length);
+    }
+
+    // Searches whole lines at a time, so that a long search can be stopped. A match never goes beyond a line.
+    std::optional<FindSpan> SearchInPieces(const std::string& pattern) const {
+        for (std::ptrdiff_t from = at_;;) {
+            const bool last = scope_.end - from <= kSearchPiece;
+            const std::ptrdiff_t end = last ? scope_.end : std::min(scope_.end, text_.lineEnd(from + kSearchPiece));
+            const std::optional<FindSpan> match = text_.search(query_.options, pattern, {from, end});
+            if (match || end >= scope_.end || !GoesOn(end)) return match;
+            from = end;
+        }
     }
 
     const FindText& text_;
     const FindQuery& query_;
     FindSpan scope_;
+    const FindGoesOn& goesOn_;
     std::ptrdiff_t at_;
     std::ptrdiff_t lastEnd_ = -1;
     std::vector<Candidate> next_;
@@ -144,9 +162,9 @@ bool ReplacesAllAlike(const FindQuery& query, std::string_view replacement) {
 }
 
 std::vector<Replacement> ReplacementsInScope(const FindText& text, const FindQuery& query, std::string_view replacement,
-                                             FindSpan scope) {
+                                             FindSpan scope, const FindGoesOn& goesOn) {
     std::vector<Replacement> replacements;
-    MatchWalk walk{text, query, scope};
+    MatchWalk walk{text, query, scope, goesOn};
     const bool alike = ReplacesAllAlike(query, replacement);
     std::size_t pattern = 0;
     while (const std::optional<FindSpan> match = walk.Next(pattern)) {

@@ -50,8 +50,11 @@ bool ReplacesAllAlike(const FindQuery& query, std::string_view replacement);
 std::optional<Replacement> ReplacementForSelection(const FindText& text, const FindQuery& query,
                                                    std::string_view replacement, FindSpan scope);
 
+// Asked with the share of the work that is done, 0 to 1. False: the work is to stop.
+using FindGoesOn = std::function<bool(double share)>;
+
 // Every match in the scope with its replacement, in order. The texts are empty when ReplacesAllAlike. All matches are
 // found before the first change, so that new text is not searched. Replace them from the last to the first, because a
-// replacement moves the matches after it.
+// replacement moves the matches after it. The list is not complete when `goesOn` was false.
 std::vector<Replacement> ReplacementsInScope(const FindText& text, const FindQuery& query, std::string_view replacement,
-                                             FindSpan scope);
+                                             FindSpan scope, const FindGoesOn& goesOn);

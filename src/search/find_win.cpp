@@ -14,6 +14,7 @@
 #include "settings/settings_state.h"
 #include "ui/dialog_theme.h"
 #include "ui/dpi.h"
+#include "ui/long_work.h"
 #include "ui/ui_state.h"
 
 #include <windows.h>
@@ -177,10 +178,12 @@ void ReplaceAllMatches() {
     FindQuery query;
     if (!PrepareReplacing(query)) return;
     const HCURSOR before = SetCursor(LoadCursorW(nullptr, MAKEINTRESOURCEW(32514)));  // IDC_WAIT
-    const ReplaceAllResult result = ReplaceAllInScope(g_documents.hEditor, query, ToUtf8(g_find.with), CurrentScope());
+    LongWork work(L"Replacing", ShowFindStatus);
+    const ReplaceAllResult result = ReplaceAllInScope(g_documents.hEditor, query, ToUtf8(g_find.with), CurrentScope(),
+                                                      [&work](double share) { return work.GoesOn(share); });
     SetCursor(before);
     g_find.scope.end += result.grown;
-    ShowFindStatus(ReplacementCountText(result.count).c_str());
+    ShowFindStatus(result.stopped ? L"Stopped: nothing was replaced" : ReplacementCountText(result.count).c_str());
 }
 
 // Shows or hides the controls for replacing. The controls below them move, and the dialog's height changes by as much.

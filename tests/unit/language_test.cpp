@@ -291,6 +291,8 @@ void ExpectSelectionsLikeTheWhole(const std::string& text) {
 TEST(Format, ASelectionGetsWhatItHasInTheWhole) {
     ExpectSelectionsLikeTheWhole(GoldenText("format_after.bas"));
     EXPECT_EQ(FormatBasicLines("asm\n  x\n  if a then\nend asm\n", {}, 1, 2), "  x\n  if a then\n");
+    std::string many(2000, '\n');
+    EXPECT_LT(FormatBasicLines(many, {}, 0, 2000, [](double share) { return share < 0.5; }).size(), 1300u) << "stopped";
     EXPECT_EQ(FormatBasicLines("select case a\ncase 1\ncase 2\nx\n", {}, 2, 2), "    CASE 2\n");
 }
 

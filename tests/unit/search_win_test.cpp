@@ -2,6 +2,7 @@
 #include "search/find_editor.h"
 
 #include "scintilla/sci.h"
+#include "ui/long_work.h"
 
 #include <gtest/gtest.h>
 
@@ -132,6 +133,31 @@ TEST_F(FindEngine, ReplacesAllThatMatchedBefore) {
         SciSend(editor_, SCI_UNDO);
         EXPECT_EQ(Text(), test.text) << test.name << ": one undo takes it all back";
     }
+}
+
+TEST_F(FindEngine, EscStopsAndLeavesTheTextAsItWas) {
+    g_longWorkAfterMs = 0;
+    static int shown;
+    shown = 0;
+    std::string text;
+    for (int i = 0; i < 3000; ++i) text += "one two\n";
+    for (const int steps : {0, 3000, 4500}) {  // before Esc: while finding, and after some were replaced
+        SetText(text);
+        LongWork work(L"Replacing", [](const wchar_t*) { ++shown; });
+        int asked = 0;
+        const auto goesOn = [&](double share) {
+            if (asked++ == steps) PostMessageW(editor_, WM_KEYDOWN, VK_ESCAPE, 0);
+            return work.GoesOn(share);
+        };
+        const ReplaceAllResult result = ReplaceAllInScope(editor_, Prepared("one", kPlain), "1", All(), goesOn);
+        EXPECT_TRUE(result.stopped && LongWorkRuns()) << steps;
+        EXPECT_EQ(result.count, 0u);
+        EXPECT_EQ(Text(), text) << steps;
+        EXPECT_EQ(asked, steps + 1);
+    }
+    EXPECT_GE(shown, 3);
+    EXPECT_FALSE(LongWorkRuns());
+    g_longWorkAfterMs = kLongWorkMs;
 }
 
 TEST_F(FindEngine, KeepsToTheScope) {
