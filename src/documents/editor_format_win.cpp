@@ -64,10 +64,15 @@ void EditorFormat(HWND editor, bool selectionOnly) {
     const std::string_view text =
         std::string_view(all).substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start));
     if (formatted == text && !work.Stopped()) return;
-    const LRESULT caretLine = PaneSend(editor, SCI_LINEFROMPOSITION, PaneSend(editor, SCI_GETCURRENTPOS));
+    const LRESULT caret = PaneSend(editor, SCI_GETCURRENTPOS);
+    const LRESULT anchor = PaneSend(editor, SCI_GETANCHOR);
+    const LRESULT caretLine = PaneSend(editor, SCI_LINEFROMPOSITION, caret);
     const LRESULT topLine = PaneSend(editor, SCI_GETFIRSTVISIBLELINE);
     if (!work.Stopped()) ReplaceLines(editor, start, LineReplacements(text, formatted), work);
     if (work.Shown()) g_events.statusText(work.Stopped() ? L"Stopped: nothing was formatted" : L"Formatted");
-    PaneSend(editor, SCI_GOTOPOS, PaneSend(editor, SCI_GETLINEINDENTPOSITION, caretLine));
+    if (work.Stopped())
+        PaneSend(editor, SCI_SETSEL, anchor, caret);
+    else
+        PaneSend(editor, SCI_GOTOPOS, PaneSend(editor, SCI_GETLINEINDENTPOSITION, caretLine));
     PaneSend(editor, SCI_SETFIRSTVISIBLELINE, topLine);
 }
