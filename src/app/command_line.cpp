@@ -1,12 +1,12 @@
 // Parses the options and carries none of them out. Pure.
 #include "app/command_line.h"
 
+#include "base/decimal.h"
 #include "settings/compilers.h"
 #include "settings/version.h"
 
 #include <algorithm>
 #include <array>
-#include <cwchar>
 
 namespace {
 
@@ -57,12 +57,29 @@ bool IsSelfTestOption(std::wstring_view word) {
     return std::ranges::find(kSelfTestOptions, word, &SelfTestRow::name) != std::end(kSelfTestOptions);
 }
 
+// The number that the whole text is, or -1 when it has anything but one to nine digits.
+int WholeNumber(std::wstring_view text) {
+    const bool digits = std::ranges::all_of(text, [](wchar_t c) { return c >= L'0' && c <= L'9'; });
+    return digits && !text.empty() && text.size() <= 9 ? DecimalNumber(text) : -1;
+}
+
+// Takes ":NUMBER" from the end of the text. Returns 0, and leaves the text, when there is none, or when the rest would
+// be no more than a drive.
+int TakeNumber(std::wstring_view& text) {
+    const std::size_t colon = text.rfind(L':');
+    if (colon == std::wstring_view::npos || colon < 2) return 0;
+    const int number = WholeNumber(text.substr(colon + 1));
+    if (number <= 0) return 0;
+    text = text.substr(0, colon);
+    return number;
+}
+
 // False when the argument is not valid; the step is then left out.
 bool TakeArgument(CommandLineStep& step, const std::wstring& argument) {
     switch (step.action) {
         case CommandLineAction::SetCompiler: step.number = CompilerIdFromName(argument); return step.number >= 0;
         case CommandLineAction::SetFontSize:
-            step.number = static_cast<int>(std::wcstol(argument.c_str(), nullptr, 10));
+            step.number = WholeNumber(argument);
             return step.number >= 6 && step.number <= 72;
         default: step.text = argument; return true;
     }
@@ -99,7 +116,11 @@ std::vector<CommandLineStep> ParseCommandLineSteps(std::span<const std::wstring>
             continue;
         }
         const auto* option = std::ranges::find(kOptions, std::wstring_view(arguments[i]), &OptionRow::name);
-        if (option == std::end(kOptions)) continue;
+        if (option == std::end(kOptions)) {
+            if (!arguments[i].empty() && arguments[i].front() != L'-')
+                steps.push_back({.action = CommandLineAction::Open, .text = arguments[i]});
+            continue;
+        }
         CommandLineStep step{.action = option->action, .text = {}};
         if (option->takesArgument) {
             if (i + 1 == arguments.size()) break;
@@ -109,6 +130,16 @@ std::vector<CommandLineStep> ParseCommandLineSteps(std::span<const std::wstring>
         if (step.action == CommandLineAction::Detect) break;
     }
     return steps;
+}
+
+FilePlace ParseFilePlace(std::wstring_view text) {
+    FilePlace place;
+    const int last = TakeNumber(text);
+    const int before = last > 0 ? TakeNumber(text) : 0;
+    place.line = before > 0 ? before : last;
+    place.column = before > 0 ? last : 0;
+    place.path = text;
+    return place;
 }
 
 EarlyOptions ParseEarlyOptions(std::span<const std::wstring> arguments) {

@@ -8,7 +8,7 @@
 #include <vector>
 
 enum class CommandLineAction : std::uint8_t {
-    Open,         // text: file
+    Open,         // text: file, as it was given
     SetCompiler,  // number: CompilerId
     SetFont,      // text: face
     SetFontSize,  // number: points, 6..72
@@ -24,9 +24,18 @@ struct CommandLineStep {
     int number = 0;
 };
 
-// The steps in the order of the words; no step follows Detect. `arguments` does not have the program's name. Unknown
-// words, an unknown compiler, a font size outside 6..72 and an option without its argument are left out.
+// The steps in the order of the words; no step follows Detect. `arguments` does not have the program's name. A word that
+// does not begin with a minus is a file to open. Unknown options, an unknown compiler, a font size that is not a number
+// from 6 to 72 and an option without its argument are left out.
 std::vector<CommandLineStep> ParseCommandLineSteps(std::span<const std::wstring> arguments);
+
+// A file as compilers print it: "path", "path:line" or "path:line:column".
+struct FilePlace {
+    std::wstring path;
+    int line = 0;    // from 1; 0: none given
+    int column = 0;  // from 1; 0: none given
+};
+FilePlace ParseFilePlace(std::wstring_view text);
 
 // The options that must be known before a window is created.
 struct EarlyOptions {

@@ -101,10 +101,23 @@ void OpenWorkspace() {
     dialog.lpstrFile = path;
     dialog.nMaxFile = static_cast<DWORD>(kPathCapacity);
     dialog.Flags = OFN_HIDEREADONLY | OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST | OFN_NOCHANGEDIR;
-    if (GetOpenFileNameW(&dialog) && WorkspaceLoad(path) == 0) ErrorMessage(L"Failed to open workspace: %s", path);
+    if (!GetOpenFileNameW(&dialog)) return;
+    switch (WorkspaceFileAt(path)) {
+        case WorkspaceFile::Ours: WorkspaceLoad(path); break;  // it fails when the user keeps a document open
+        case WorkspaceFile::Foreign:
+            ErrorMessage(L"Failed to open workspace: %s\n\nThe file is not a workspace of this program.", path);
+            break;
+        default: ErrorMessage(L"Failed to open workspace: %s", path); break;
+    }
 }
 
 void SaveWorkspace(int) {
+    const std::wstring target = g_app.workspacePath[0] != L'\0' ? g_app.workspacePath : WorkspaceDefaultPath();
+    if (WorkspaceFileAt(target.c_str()) == WorkspaceFile::Foreign) {
+        ErrorMessage(L"Failed to save workspace: %s\n\nThe file is not a workspace of this program and stays as it is.",
+                     target.c_str());
+        return;
+    }
     StatusBarSetText(WorkspaceSave(nullptr) != 0 ? L"Workspace saved" : L"Workspace could not be saved");
 }
 

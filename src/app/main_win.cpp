@@ -6,6 +6,8 @@
 #include "base/log.h"
 #include "commands/command_table.h"
 #include "compile/build.h"
+#include "documents/caret_place.h"
+#include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "files/file_io.h"
 #include "files/libraries.h"
@@ -19,6 +21,7 @@
 #include <commctrl.h>
 #include <shellapi.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -72,9 +75,17 @@ void SelectCompiler(int id) {
     SettingsChange([id](Settings& settings) { OverrideCompiler(g_app.overrides, settings, id); });
 }
 
+// Opens a file of the command line, at the place that may follow its name.
+void OpenFromCommandLine(const std::wstring& text) {
+    const FilePlace place = FileExists(text.c_str()) ? FilePlace{.path = text} : ParseFilePlace(text);
+    if (FileOpen(place.path.c_str()) == 0 || place.line == 0) return;
+    const DocumentTab& document = TabAt(g_app.activeTab);
+    CaretGoTo(document.editor, CaretPositionOfFileColumn(document, place.line - 1, std::max(place.column - 1, 0)));
+}
+
 void RunStep(const CommandLineStep& step) {
     switch (step.action) {
-        case CommandLineAction::Open: FileOpen(step.text.c_str()); break;
+        case CommandLineAction::Open: OpenFromCommandLine(step.text); break;
         case CommandLineAction::SetCompiler: SelectCompiler(step.number); break;
         case CommandLineAction::SetFont:
             SettingsChange([&](Settings& settings) { OverrideFont(g_app.overrides, settings, step.text); });

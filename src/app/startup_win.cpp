@@ -3,24 +3,26 @@
 #include "app/main_window.h"
 #include "app/startup_rules.h"
 #include "base/log.h"
-#include "base/path.h"
 #include "commands/status_bar.h"
 #include "commands/toolbar.h"
 #include "compile/build.h"
 #include "debugui/debug_commands.h"
 #include "disasm/asm_pane.h"
+#include "documents/caret_place.h"
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
 #include "documents/file_commands.h"
 #include "documents/save_rules.h"
 #include "files/file_io.h"
 #include "resources/ids.h"
+#include "scintilla/sci.h"
 #include "session/session.h"
 #include "settings/settings_store.h"
 #include "ui/long_work.h"
 #include "ui/message.h"
 
 #include <algorithm>
+#include <string>
 #include <vector>
 
 namespace {
@@ -29,32 +31,51 @@ constexpr int kRecentFilesAtStart = 5;
 
 bool g_commandLineDone = false;
 bool g_startupWaits = false;
+bool g_sessionEnds = false;  // the user has answered all questions of the log-off
+
+// A file of the command line and its place, which a restore must not lose.
+struct OpenedFile {
+    std::wstring path;
+    LRESULT caret;
+};
+
+std::vector<OpenedFile> OpenedFiles() {
+    std::vector<OpenedFile> files;
+    for (const DocumentTab& tab : g_app.tabs)
+        if (tab.hasFile) files.push_back({tab.path, SciSend(tab.editor, SCI_GETCURRENTPOS)});
+    return files;
+}
+
+void ShowOpenedFile(const OpenedFile& file) {
+    if (FileShow(file.path.c_str(), true) != 0 && file.caret > 0) CaretGoTo(g_app.hEditor, file.caret);
+}
 
 void OfferSessionRestore() {
     wchar_t path[kPathCapacity] = {};
     SessionAutoSavePath(path, kPathCapacity);
+    SessionCheckAutoSave();
     if (!FileExists(path) || SessionHasFiles(path) == 0) return;
     const Answer answer = AskUser({.caption = L"Restore Session",
                                    .text = L"A previous session was auto-saved. Would you like to restore it?",
                                    .buttons = AskButtons::YesNo,
                                    .icon = AskIcon::Question,
                                    .inSelftest = Answer::No});
-    if (answer == Answer::Yes) SessionLoad(path, g_app.hMainWnd);
+    if (answer != Answer::Yes) return;
+    // A restore replaces all documents. The files that the user started the program with come back after it.
+    const std::vector<OpenedFile> opened = OpenedFiles();
+    SessionLoad(path, g_app.hMainWnd);
+    for (const OpenedFile& file : opened) ShowOpenedFile(file);
 }
 
 void OpenRecentFiles() {
-    const int count = std::min<int>(kRecentFilesAtStart, g_app.settings.mruCount);
-    for (int i = 0; i < count; ++i)
+    // The oldest first, so that the tabs stand as they were opened and the newest file is shown.
+    for (int i = std::min<int>(kRecentFilesAtStart, g_app.settings.mruCount) - 1; i >= 0; --i)
         if (FileExists(g_app.settings.mruFiles[i])) FileShow(g_app.settings.mruFiles[i], false);
-    TabBarSelect(0);
 }
 
 void OpenStartupWorkspace() {
-    wchar_t directory[kPathCapacity] = {};
-    wchar_t workspace[kPathCapacity] = {};
-    AppExeDirectory(directory, kPathCapacity);
-    PathJoin(directory, L"workspace.json", workspace, kPathCapacity);
-    if (FileExists(workspace)) WorkspaceLoad(workspace);
+    const std::wstring workspace = WorkspaceDefaultPath();
+    if (FileExists(workspace.c_str())) WorkspaceLoad(workspace.c_str());
 }
 
 void RunStartupStep(StartupStep step) {
@@ -92,6 +113,7 @@ void MainWnd_OnStartup() {
         FileNew();
         AppLogMsg(L"DBG WM_USER+200: FileNew() returned tabCount=%d", TabCount());
     }
+    SessionStartupDone();
     EnsureEditableStartupTab();
     MainWindow_Layout();
     StatusBarUpdatePosition();
@@ -119,7 +141,12 @@ void MainWnd_OnReinitEditor(int tab, DocumentId id) {
     }
 }
 
+// While a message box or a dialog is open, the frame takes no input. Messages reach it nevertheless.
+static bool BoxIsOpen() { return IsWindowEnabled(g_app.hMainWnd) == FALSE; }
+
 void MainWnd_OnAutoSaveTimer() {
+    // A user who is asked whether to save, or has answered with "No" while the session ends, decides himself.
+    if (BoxIsOpen() || g_sessionEnds) return;
     for (const DocumentId document : DocumentsToSave(DocumentRowEntries(), true)) {
         const int tab = TabBarFindDocument(document);  // a box about the one before may have closed or saved this one
         // A question that comes by itself would take the keys that the user types into the text.
@@ -138,15 +165,20 @@ static bool ConfirmUnsavedDocuments() {
     return true;
 }
 
-static void SaveOnClose() {
-    if (g_app.settings.autoSaveEnabled != 0) {
-        wchar_t path[kPathCapacity] = {};
-        SessionAutoSavePath(path, kPathCapacity);
-        SessionSave(path);
+// True when everything was saved.
+static bool SaveOnClose() {
+    bool saved = SessionAutoSave(g_app.hMainWnd) != 0;
+    if (SessionSavesAllowed()) {
+        if (g_app.sessionPath[0] != L'\0') saved = SessionSave(g_app.sessionPath) != 0 && saved;
+        if (g_app.settings.restoreLastSession != 0) WorkspaceSave(nullptr);  // its failures are in the log
     }
-    if (g_app.sessionPath[0] != L'\0') SessionSave(g_app.sessionPath);
-    if (g_app.settings.restoreLastSession != 0) WorkspaceSave(nullptr);
-    SettingsSave(L"Editor.ini");
+    return SettingsSave(L"Editor.ini") != 0 && saved;
+}
+
+static void TellNotSaved() {
+    wchar_t folder[kPathCapacity] = {};
+    GetIniDir(nullptr, folder, kPathCapacity);
+    ErrorMessage(L"The settings and the list of open files could not be saved in:\n\n%s", folder);
 }
 
 void MainWnd_OnClose(HWND window) {
@@ -155,13 +187,18 @@ void MainWnd_OnClose(HWND window) {
         DebugStopWaiting(true);
         return;
     }
+    if (BoxIsOpen()) {  // a second question would stand above the first
+        SetForegroundWindow(GetLastActivePopup(window));
+        return;
+    }
     if (!g_selftestTabsMode) {
         const DocumentId active = ActiveDocumentId();
         if (!ConfirmUnsavedDocuments()) return;
         TabBarSelect(TabBarFindDocument(active));
         BuildShutdown();
         AsmPaneShutdown();
-        SaveOnClose();
+        if (!SaveOnClose()) TellNotSaved();
+        MainWnd_ShowNotices();  // those of the save
     } else {
         AppLogMsg(L"DBG WM_CLOSE: skipped session/settings save during self-test");
     }
@@ -170,16 +207,22 @@ void MainWnd_OnClose(HWND window) {
     DestroyWindow(window);
 }
 
-bool MainWnd_OnQueryEndSession() { return ConfirmUnsavedDocuments(); }
+bool MainWnd_OnQueryEndSession() {
+    // The user has a question before him already; without his answer nothing that is unsaved may be given up.
+    if (BoxIsOpen()) return NextToAskAbout(DocumentRowEntries(), {}) == 0;
+    g_sessionEnds = ConfirmUnsavedDocuments();
+    return g_sessionEnds;
+}
 
 // The process may be gone once this returns, and the system waits five seconds at most.
 void MainWnd_OnEndSession(bool ending) {
+    g_sessionEnds = ending;
     if (!ending) return;
     LogFlush();  // because the system may end the process at any moment from here on
     DebugShutdown();
     if (g_selftestTabsMode) return;
     CompilerKill();
-    SaveOnClose();
+    SaveOnClose();  // a failure is in the log; there is no time for a box
 }
 
 void MainWnd_OnDestroy(HWND window) {

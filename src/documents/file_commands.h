@@ -14,6 +14,9 @@ int FileOpen(const wchar_t* path);  // null: asks with the open dialog; shows a 
 // open. Leaves the active compiler, the recent files and the last folder as they are. `quiet`: a failure shows no
 // message box.
 int FileShow(const wchar_t* path, bool quiet);
+// Opens a file without showing it, for a command that opens many. Shows no message box. Returns the index of its document,
+// also when it was open already, or -1.
+int FileAdd(const wchar_t* path);
 int FileSave(int tab);
 int FileSaveAs(int tab);
 int FileSaveAll();        // 0 when a modified document was not saved

@@ -93,6 +93,16 @@ void UnbindCutDocument(int tab) {
     ErrorMessage(L"Failed to reload file: %s", path.c_str());
 }
 
+// Gives an editor that is not shown the place of the one that is, because the first visible line and wrapping depend on
+// the size. The layout places only the active editor.
+void PlaceLikeActive(HWND editor) {
+    RECT place = {};
+    if (g_documents.hEditor == nullptr || GetWindowRect(g_documents.hEditor, &place) == FALSE) return;
+    MapWindowPoints(nullptr, g_ui.hMainWnd, reinterpret_cast<POINT*>(&place), 2);
+    SetWindowPos(editor, nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 enum class Opened { Failed, WasOpen, New };
 
 // Shows the document of the file at an absolute path, and opens it when it is not open.
@@ -145,6 +155,18 @@ int FileOpen(const wchar_t* path) {
 int FileShow(const wchar_t* path, bool quiet) {
     wchar_t file[kPathCapacity] = {};
     return ResolveInputPath(path, file, kPathCapacity, quiet) && ShowDocument(file, quiet) != Opened::Failed ? 1 : 0;
+}
+
+int FileAdd(const wchar_t* path) {
+    wchar_t file[kPathCapacity] = {};
+    if (!ResolveInputPath(path, file, kPathCapacity, true)) return -1;
+    const int existing = TabBarFindPath(file);
+    if (existing >= 0) return existing;
+    wchar_t label[kLabelCapacity];
+    PathGetFile(file, label, kLabelCapacity);
+    const int tab = TabBarAdd(file, label);
+    if (tab >= 0) PlaceLikeActive(TabAt(tab).editor);
+    return tab;
 }
 
 int FileOpenResolveInitialDirectory(wchar_t* out, std::size_t capacity) {

@@ -3,16 +3,34 @@
 
 #include <windows.h>
 
+#include <string>
+
+// While start-up or a restore runs, the documents are not yet those that the session and the workspace in the files
+// have. Timers and the end of the program save neither then.
+bool SessionSavesAllowed();
+void SessionStartupDone();
+
 int SessionSave(const wchar_t* path);              // 1 when the file was written
 int SessionLoad(const wchar_t* path, HWND owner);  // 1 when it was restored; replaces all open documents
 int SessionHasFiles(const wchar_t* path);          // 1 when it lists a file
-void SessionAutoSave(HWND window);                 // does nothing in a self-test run or when `autoSaveEnabled` is 0
+// Saves the auto-save file: on a timer, and when the program ends. Does nothing, and returns 1, in a self-test run, when
+// `autoSaveEnabled` is 0, or when saves are not allowed. Returns 0 when it could not be written.
+int SessionAutoSave(HWND window);
+// Tries for a moment to read the auto-save file. When it is there but cannot be read, it is not overwritten in this run,
+// and the user is told.
+void SessionCheckAutoSave();
 // Path of the auto-save file: the settings file's full path with "_autosave.kvxsess" appended. `capacity` is in
 // characters.
 void SessionAutoSavePath(wchar_t* out, size_t capacity);
 // Puts a session file first in the list of recent sessions.
 void SessionMRUAdd(const wchar_t* path);
 
-int WorkspaceSave(const wchar_t* path);  // null: the current workspace. 0 when the file could not be written
+// A file counts as a workspace of ours when it has the members that WorkspaceSave writes.
+enum class WorkspaceFile { Missing, Ours, Foreign, Unreadable };  // Missing: also an empty file
+WorkspaceFile WorkspaceFileAt(const wchar_t* path);
+std::wstring WorkspaceDefaultPath();
+// Null: the current workspace, else the default one. Returns 0 when the file could not be written or is not ours. Without
+// an open file the default workspace is deleted, and any other stays as it is.
+int WorkspaceSave(const wchar_t* path);
 int WorkspaceLoad(const wchar_t* path);  // 1 when it was applied; replaces all open documents
 void WorkspaceNew();                     // does nothing when a document stays open

@@ -1,5 +1,13 @@
-// Closes all documents before a session is loaded. UI thread only.
+// What every restore of a session or a workspace begins with. UI thread only.
 #pragma once
+
+// Exists while a session or a workspace is being restored: neither is saved meanwhile.
+struct RestoreScope {
+    RestoreScope();
+    ~RestoreScope();
+    RestoreScope(const RestoreScope&) = delete;
+    RestoreScope& operator=(const RestoreScope&) = delete;
+};
 
 // Closes every document and asks about each modified one. A document that the user does not want to close is closed
 // too, because a session starts without documents, but its text is first written to a recovery copy and the user is

@@ -2,8 +2,11 @@
 #pragma once
 
 #include "base/bounded_text.h"
+#include "session/session_text.h"
 
 #include <windows.h>
+
+#include <vector>
 
 struct SessionState {
     HWND hProjectTree = nullptr;
@@ -11,6 +14,11 @@ struct SessionState {
     wchar_t workspacePath[kPathCapacity] = {};  // current workspace; empty: the default beside the executable
     bool splitHorizontal = false;               // saved and restored with sessions
     bool fullScreen = false;                    // saved and restored with sessions
+    bool starting = true;                       // until start-up is complete
+    int restores = 0;                           // restores of a session or a workspace that are running
+    bool autoSaveLost = false;  // the auto-saved session could not be read at start, so it is not overwritten
+    // Files of the session or the workspace in use that could not be opened. They are saved with it again.
+    std::vector<SessionFile> missing;
 };
 // A part of `g_app` (app/app_state.h).
 extern SessionState& g_session;

@@ -136,6 +136,22 @@ std::vector<SessionItem> SessionParse(std::string_view text) {
     return items;
 }
 
+void SessionTakeItem(SessionFile& file, const SessionItem& item) {
+    const auto position = static_cast<std::uint64_t>(std::max(item.number, 0));
+    file.hasEditor = file.hasEditor || item.key != SessionKey::Path;
+    switch (item.key) {
+        case SessionKey::Path: file.path = item.text; break;
+        case SessionKey::Cursor: file.cursor = position; break;
+        case SessionKey::Scroll: file.scroll = position; break;
+        case SessionKey::SelectionStart: file.selectionStart = position; break;
+        case SessionKey::SelectionEnd: file.selectionEnd = position; break;
+        case SessionKey::Bookmarks: file.bookmarks = SessionParseLines(item.text); break;
+        case SessionKey::Breakpoints: file.breakpoints = SessionParseLines(item.text); break;
+        case SessionKey::BreakpointRule: file.rules.push_back(SessionParseRule(item.text)); break;
+        default: break;
+    }
+}
+
 bool SessionListsFiles(std::string_view text) {
     while (!text.empty()) {
         const std::string line{TakeLine(text)};

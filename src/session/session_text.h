@@ -87,6 +87,9 @@ struct SessionItem {
 // number above 0 count as header lines.
 std::vector<SessionItem> SessionParse(std::string_view text);
 
+// Sets the value of a line of a file section in `file`.
+void SessionTakeItem(SessionFile& file, const SessionItem& item);
+
 // True when a line of the text is "Path=" with a value that is not empty.
 bool SessionListsFiles(std::string_view text);
 

@@ -3,8 +3,11 @@
 
 #include "base/utf8.h"
 #include "documents/margins.h"
+#include "settings/settings_schema.h"
 
 #include <Scintilla.h>
+
+#include <algorithm>
 
 namespace {
 
@@ -38,6 +41,26 @@ constexpr struct {
     {SessionKey::FullScreen, &SessionFrame::fullScreen},
 };
 
+// Wider than any desktop and than any zoom or theme. The window limits them further.
+constexpr std::int32_t kLastSplit = 100000;  // pixels
+constexpr std::int32_t kLeastZoom = -10, kMostZoom = 60;
+
+std::int32_t LimitedNumber(SessionKey key, std::int32_t Settings::*field, std::int32_t number) {
+    switch (key) {
+        case SessionKey::TreeWidth: return SessionTreeWidth(number);
+        case SessionKey::SplitPos: return std::clamp(number, 0, kLastSplit);
+        case SessionKey::EditorZoom: return std::clamp(number, kLeastZoom, kMostZoom);
+        case SessionKey::Theme: return std::clamp(number, 0, 1);
+        default: break;
+    }
+    static const Settings record{};
+    const auto offset = static_cast<std::size_t>(reinterpret_cast<const char*>(&(record.*field)) -
+                                                 reinterpret_cast<const char*>(&record));
+    const auto rows = SettingRows();
+    const auto row = std::ranges::find(rows, offset, &SettingRow::offset);
+    return row != rows.end() ? ApplyLimits(row->limits, number) : number;
+}
+
 EditorMessages MarkersOnLines(std::string_view lines, int marker) {
     EditorMessages messages;
     for (const std::int32_t line : SessionParseLines(lines))
@@ -57,13 +80,21 @@ SessionHeader SessionHeaderOf(const Settings& settings, const SessionFrame& fram
 }
 
 void SessionApplyHeader(const SessionItem& item, Settings& settings, SessionFrame& frame) {
-    const std::int32_t number = item.key == SessionKey::TreeWidth ? SessionTreeWidth(item.number) : item.number;
+    const std::int32_t number = item.number;
     for (const auto& row : kSettingKeys)
-        if (row.key == item.key) settings.*row.field = number;
+        if (row.key == item.key) settings.*row.field = LimitedNumber(row.key, row.field, number);
     for (const auto& row : kFrameKeys)
         if (row.key == item.key) frame.*row.field = number != 0;
     if (item.key == SessionKey::ActiveTab) frame.activeTab = number;
     if (item.key == SessionKey::ProjectRoot) SafeCopyW(settings.projectRoot, Utf8ToWideText(item.text));
+}
+
+std::wstring MissingFilesQuestion(std::span<const SessionFile> missing) {
+    constexpr std::size_t kShown = 12;
+    std::wstring text = L"These files of the session could not be opened:\n";
+    for (std::size_t i = 0; i < std::min(missing.size(), kShown); ++i) text += L"\n" + Utf8ToWideText(missing[i].path);
+    if (missing.size() > kShown) text += L"\nand " + std::to_wstring(missing.size() - kShown) + L" more";
+    return text + L"\n\nKeep them in the session, so that they are opened once they are there again?";
 }
 
 EditorMessages SessionEditorMessages(const SessionItem& item) {

@@ -17,8 +17,12 @@ struct SessionFrame {
 
 SessionHeader SessionHeaderOf(const Settings& settings, const SessionFrame& frame);
 
-// Writes one value of the header into the settings or the frame.
+// Writes one value of the header into the settings or the frame. A number out of range is limited as the same setting
+// in the settings file is, because the settings are saved after a restore.
 void SessionApplyHeader(const SessionItem& item, Settings& settings, SessionFrame& frame);
+
+// Tells which files of a session could not be opened, and asks whether the session should keep them.
+std::wstring MissingFilesQuestion(std::span<const SessionFile> missing);
 
 // The messages that apply one value of a file section to its editor. Empty for Path and BreakpointRule.
 EditorMessages SessionEditorMessages(const SessionItem& item);

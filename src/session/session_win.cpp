@@ -3,8 +3,8 @@
 #include "session/session.h"
 
 #include "base/events.h"
-#include "base/handles.h"
 #include "base/log.h"
+#include "base/wide_format.h"
 #include "debugui/breakpoint_list.h"
 #include "debugui/breakpoint_rules.h"
 #include "documents/caret_place.h"
@@ -110,61 +110,102 @@ void SendFitting(HWND editor, const EditorMessage& message) {
     }
 }
 
-// The number of the file section decides which document gets the values, not the document that its "Path" opened. When
-// a file is gone, the values of the later sections therefore go to other documents.
-void ApplyFileItem(const SessionItem& item) {
-    if (item.key == SessionKey::Path) {
-        if (!item.text.empty()) FileShow(Utf8ToWideText(item.text).c_str(), false);
-        return;
+// Applies the lines of the file sections in turn.
+class FileSections {
+public:
+    // The number of the file section decides which document gets the values, not the document that its "Path" opened.
+    // When a file is gone, the values of the later sections therefore go to other documents.
+    void Apply(const SessionItem& item) {
+        if (item.key == SessionKey::Path && !item.text.empty()) OpenFile(item);
+        if (item.file == missingSection_) SessionTakeItem(g_session.missing.back(), item);
+        if (item.key == SessionKey::Path || !IsTabIndex(item.file)) return;
+        const HWND editor = TabAt(item.file).editor;
+        if (item.key == SessionKey::BreakpointRule)
+            ApplyBreakpointRule(TabAt(item.file).id, SessionParseRule(item.text));
+        for (const EditorMessage& message : SessionEditorMessages(item)) SendFitting(editor, message);
     }
-    if (!IsTabIndex(item.file)) return;
-    const HWND editor = TabAt(item.file).editor;
-    if (item.key == SessionKey::BreakpointRule) ApplyBreakpointRule(TabAt(item.file).id, SessionParseRule(item.text));
-    for (const EditorMessage& message : SessionEditorMessages(item)) SendFitting(editor, message);
-}
+
+private:
+    void OpenFile(const SessionItem& item) {
+        missingSection_ = -1;
+        if (FileAdd(Utf8ToWideText(item.text).c_str()) < 0) {
+            g_session.missing.emplace_back();
+            missingSection_ = item.file;
+        } else if (!IsTabIndex(g_documents.activeTab)) {
+            TabBarSelect(0);  // the others get their size from it
+        }
+    }
+    int missingSection_ = -1;  // the section of the last missing file while its lines follow
+};
 
 void ApplySession(const std::vector<SessionItem>& items) {
     const SettingsEdit edit;
     SessionFrame frame = CaptureFrame();
     frame.activeTab = 0;
+    FileSections sections;
     for (const SessionItem& item : items) {
         if (item.file < 0) {
             const SessionFrame before = frame;
             SessionApplyHeader(item, g_settings, frame);
             if (frame != before) ApplyFrame(frame);
         } else {
-            ApplyFileItem(item);
+            sections.Apply(item);
         }
     }
-    if (IsTabIndex(frame.activeTab)) TabBarActivate(frame.activeTab);
+    TabBarActivate(IsTabIndex(frame.activeTab) ? frame.activeTab : TabCount() - 1);
+}
+
+// Asks once about all files that could not be opened.
+void AskAboutMissing() {
+    if (g_session.missing.empty()) return;
+    const Answer answer = AskUser({.caption = L"Restore Session",
+                                   .text = MissingFilesQuestion(g_session.missing).c_str(),
+                                   .buttons = AskButtons::YesNo,
+                                   .icon = AskIcon::Warning,
+                                   .inSelftest = Answer::Yes});
+    if (answer == Answer::No) g_session.missing.clear();
 }
 
 // The text of the file, or nothing when it cannot be read.
 std::optional<std::string> ReadSession(const wchar_t* path) {
     if (path == nullptr || path[0] == L'\0') return std::nullopt;
-    std::size_t length = 0;
-    const HeapBlock<char> text{ReadFileUtf8(path, &length)};
-    return text ? std::optional{std::string{text.get(), length}} : std::nullopt;
+    constexpr std::size_t kMost = 1U << 28U;  // bytes, more than any session of ours
+    std::string text;
+    return ReadSharedFile(path, kMost, &text) ? std::optional{text} : std::nullopt;
 }
 
 }  // namespace
+
+RestoreScope::RestoreScope() { ++g_session.restores; }
+
+RestoreScope::~RestoreScope() { --g_session.restores; }
+
+bool SessionSavesAllowed() { return !g_session.starting && g_session.restores == 0; }
+
+void SessionStartupDone() { g_session.starting = false; }
 
 int SessionSave(const wchar_t* path) {
     if (path == nullptr || path[0] == L'\0') return 0;
     std::vector<SessionFile> files;
     for (const DocumentTab& tab : g_documents.tabs)
         if (tab.path[0] != L'\0') files.push_back(CaptureFile(tab));
+    // At the end, so that the places of the open files keep their tabs while the missing ones stay away.
+    for (const SessionFile& missing : g_session.missing)
+        if (TabBarFindPath(Utf8ToWideText(missing.path).c_str()) < 0) files.push_back(missing);
     return ReplaceFileWithText(path, SessionCompose(SessionHeaderOf(g_settings, CaptureFrame()), files)) ? 1 : 0;
 }
 
 int SessionLoad(const wchar_t* path, HWND) {
     const std::optional<std::string> text = ReadSession(path);
+    const RestoreScope restore;
     if (!text || !CloseEveryTab()) return 0;
+    g_session.missing.clear();
     ApplySession(SessionParse(*text));
     g_events.layoutWanted();
     g_events.refreshWanted();
-    SettingsSave(nullptr);
     SessionMRUAdd(path);
+    SettingsSave(nullptr);
+    AskAboutMissing();
     return 1;
 }
 
@@ -178,11 +219,34 @@ void SessionAutoSavePath(wchar_t* out, std::size_t capacity) {
     SafeCatW(out, capacity, L"_autosave.kvxsess");
 }
 
-void SessionAutoSave(HWND) {
-    if (g_selftestTabsMode || g_settings.autoSaveEnabled == 0) return;
+int SessionAutoSave(HWND) {
+    if (g_selftestTabsMode || g_settings.autoSaveEnabled == 0 || g_session.autoSaveLost || !SessionSavesAllowed())
+        return 1;
     wchar_t path[kPathCapacity] = {};
     SessionAutoSavePath(path, kPathCapacity);
-    if (SessionSave(path) == 0) AppLogMsg(L"FAIL: SessionAutoSave could not write path=%s", path);
+    if (SessionSave(path) != 0) return 1;
+    AppLogMsg(L"FAIL: SessionAutoSave could not write path=%s", path);
+    return 0;
+}
+
+void SessionCheckAutoSave() {
+    constexpr int kTries = 8;
+    constexpr DWORD kPause = 50;  // ms; a virus scanner or a backup keeps a file for a moment
+    wchar_t path[kPathCapacity] = {};
+    SessionAutoSavePath(path, kPathCapacity);
+    for (int attempt = 1; FileExists(path) && !ReadSession(path); ++attempt) {
+        if (attempt < kTries) {
+            Sleep(kPause);
+            continue;
+        }
+        g_session.autoSaveLost = true;
+        AppLogMsg(L"FAIL: the session cannot be read, it is not saved in this run: %s", path);
+        g_events.noticeWanted(FormatW(L"The session of the last run cannot be read at the moment:\n\n%s\n\nIt is not "
+                                      L"overwritten in this run, so that it is not lost.",
+                                      path)
+                                  .c_str());
+        return;
+    }
 }
 
 void SessionMRUAdd(const wchar_t* path) {

@@ -32,6 +32,30 @@ const wchar_t* FindValue(const wchar_t* text, const wchar_t* key) {
     return *found == L':' ? SkipJsonBlanks(found + 1) : nullptr;
 }
 
+// The first of the letters that is not in a quoted text, or null.
+const wchar_t* FindOutsideQuotes(const wchar_t* text, std::wstring_view letters) {
+    bool quoted = false;
+    for (; *text != L'\0'; ++text)
+        if (quoted && *text == L'\\' && text[1] != L'\0')
+            ++text;
+        else if (*text == L'"')
+            quoted = !quoted;
+        else if (!quoted && letters.find(*text) != std::wstring_view::npos)
+            return text;
+    return nullptr;
+}
+
+// The opening bracket of the list of files, and the closing one. Null when there is none.
+struct ListBounds {
+    const wchar_t* start = nullptr;
+    const wchar_t* end = nullptr;
+};
+ListBounds FindFileList(const wchar_t* text) {
+    const wchar_t* list = text != nullptr ? FindQuoted(text, L"files") : nullptr;
+    list = list != nullptr ? std::wcschr(list, L'[') : nullptr;
+    return {.start = list, .end = list != nullptr ? FindOutsideQuotes(list, L"]") : nullptr};
+}
+
 wchar_t UnescapedLetter(wchar_t letter) {
     switch (letter) {
         case L'n': return L'\n';
@@ -102,9 +126,9 @@ int JsonExtractInt(const wchar_t* text, const wchar_t* key, int defaultValue) {
 }
 
 int JsonParseFiles(const wchar_t* text, wchar_t (*paths)[kPathCapacity], int* cursors, int maximum) {
-    const wchar_t* list = text != nullptr ? FindQuoted(text, L"files") : nullptr;
-    list = list != nullptr ? std::wcschr(list, L'[') : nullptr;
-    const wchar_t* bound = list != nullptr ? std::wcschr(list, L']') : nullptr;
+    const ListBounds bounds = FindFileList(text);
+    const wchar_t* list = bounds.start;
+    const wchar_t* const bound = bounds.end;
     if (bound == nullptr) return 0;
     int count = 0;
     while (count < maximum) {
@@ -133,13 +157,26 @@ std::wstring WorkspacePathFor(std::wstring_view given, std::wstring_view current
     return joined;
 }
 
+bool WorkspaceIsOurs(const wchar_t* text) {
+    if (text == nullptr || *SkipJsonBlanks(text) != L'{') return false;
+    const wchar_t* value = FindValue(text, L"files");
+    const ListBounds list = FindFileList(text);
+    if (value == nullptr || value != list.start || list.end == nullptr) return false;
+    const wchar_t* const first = SkipJsonBlanks(list.start + 1);
+    const wchar_t* const path = FindQuoted(first, L"path");
+    const bool entries = *first == L'{' && path != nullptr && path < list.end;
+    const bool empty = first == list.end;
+    const bool others = FindValue(text, L"cursorPos") != nullptr || FindValue(text, L"activeFile") != nullptr;
+    return (entries || empty) && others;
+}
+
 Workspace WorkspaceParse(const wchar_t* text) {
     struct FileList {
-        wchar_t paths[kWorkspaceMaxFiles][kPathCapacity];
-        int cursors[kWorkspaceMaxFiles];
+        wchar_t paths[kWorkspaceMaxListed][kPathCapacity];
+        int cursors[kWorkspaceMaxListed];
     };
-    const auto list = std::make_unique<FileList>();  // on the heap because of its 128 kB
-    const int count = JsonParseFiles(text, list->paths, list->cursors, kWorkspaceMaxFiles);
+    const auto list = std::make_unique<FileList>();  // on the heap because of its 2 MB
+    const int count = JsonParseFiles(text, list->paths, list->cursors, kWorkspaceMaxListed);
     Workspace workspace;
     for (int i = 0; i < count; ++i) workspace.files.push_back({.path = list->paths[i], .cursor = list->cursors[i]});
     workspace.activeFile = JsonExtractInt(text, L"activeFile", 0);

@@ -12,7 +12,8 @@
 #include <string_view>
 #include <vector>
 
-inline constexpr int kWorkspaceMaxFiles = 64;
+inline constexpr int kWorkspaceMaxFiles = 64;     // that are opened
+inline constexpr int kWorkspaceMaxListed = 1024;  // that are read, so that a save can keep the others
 
 struct WorkspaceTab {
     std::wstring path;        // empty: a document without a file, which is not written
@@ -38,16 +39,20 @@ void JsonEscape(const wchar_t* source, wchar_t* out, std::size_t capacity);
 int JsonExtractString(const wchar_t* text, const wchar_t* key, wchar_t* out, std::size_t capacity);
 int JsonExtractInt(const wchar_t* text, const wchar_t* key, int defaultValue);
 
-// Reads the entries of the "files" list, at most `maximum`, into `paths` and `cursors`. Returns their number.
+// Reads the entries of the "files" list, which ends at the first "]" that is not in a quoted text, at most `maximum`, into `paths` and `cursors`. Returns their number.
 int JsonParseFiles(const wchar_t* text, wchar_t (*paths)[kPathCapacity], int* cursors, int maximum);
 
 // The path to save a workspace to: `given`, else `current`, else the default one. A relative path counts from the
 // program's folder.
 std::wstring WorkspacePathFor(std::wstring_view given, std::wstring_view current, const wchar_t* programFolder);
 
+// True when the text has what WorkspaceCompose writes: a list of files, whose entries have a path, and at least one of the
+// other members. Other programs write JSON files with a list of that name, too.
+bool WorkspaceIsOurs(const wchar_t* text);
+
 // The values of a workspace file.
 struct Workspace {
-    std::vector<WorkspaceTab> files;  // at most kWorkspaceMaxFiles
+    std::vector<WorkspaceTab> files;  // at most kWorkspaceMaxListed
     int activeFile = 0;
     int compiler = -1;                  // CompilerId, -1: unknown
     std::optional<std::wstring> flags;  // flags of `compiler`; no value: not in the file

@@ -2,6 +2,7 @@
 // in workspace_text. UI thread.
 #include "session/session.h"
 
+#include "base/events.h"
 #include "base/handles.h"
 #include "base/log.h"
 #include "base/path.h"
@@ -11,10 +12,13 @@
 #include "files/file_io.h"
 #include "files/session_file.h"
 #include "scintilla/sci.h"
+#include "session/session_close.h"
 #include "session/session_state.h"
 #include "session/workspace_text.h"
 #include "settings/settings_state.h"
+#include "settings/settings_store.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -22,14 +26,20 @@ namespace {
 
 std::wstring TargetFor(const wchar_t* path) {
     wchar_t directory[kPathCapacity] = {};
-    AppExeDirectory(directory, kPathCapacity);
+    GetIniDir(nullptr, directory, kPathCapacity);
     return WorkspacePathFor(path != nullptr ? path : L"", g_session.workspacePath, directory);
 }
 
+// The documents and, after them, the files that could not be opened.
 std::vector<WorkspaceTab> CaptureTabs() {
     std::vector<WorkspaceTab> tabs;
     for (const DocumentTab& tab : g_documents.tabs)
         tabs.push_back({.path = tab.path, .cursor = static_cast<std::int32_t>(SciSend(tab.editor, SCI_GETCURRENTPOS))});
+    for (const SessionFile& missing : g_session.missing) {
+        const std::wstring path = Utf8ToWideText(missing.path);
+        if (TabBarFindPath(path.c_str()) < 0)
+            tabs.push_back({.path = path, .cursor = static_cast<std::int32_t>(missing.cursor)});
+    }
     return tabs;
 }
 
@@ -44,39 +54,71 @@ void ApplyWorkspaceCompiler(const Workspace& workspace) {
 // False when a document is open afterwards: one that the user kept, or one that was opened while a question was open.
 bool CloseAllTabs() { return FileCloseAll() != 0 && TabCount() == 0; }
 
+void KeepMissing(const WorkspaceTab& file) {
+    const auto cursor = static_cast<std::uint64_t>(std::max(file.cursor, 0));
+    g_session.missing.push_back({.path = ToUtf8(file.path), .hasEditor = true, .cursor = cursor});
+}
+
+// Missing files are passed over in silence, and stay in the workspace.
 void OpenWorkspaceFiles(const Workspace& workspace) {
     int number = 0;
     for (const WorkspaceTab& file : workspace.files) {
-        if (FileExists(file.path.c_str()) && FileShow(file.path.c_str(), false) == 0)
+        const bool opens = number < kWorkspaceMaxFiles && FileExists(file.path.c_str());
+        if (opens && FileAdd(file.path.c_str()) < 0)
             AppLogMsg(L"FAIL: WorkspaceLoad FileOpen failed for file[%d]=%s", number, file.path.c_str());
+        if (TabBarFindPath(file.path.c_str()) < 0 && !file.path.empty()) KeepMissing(file);
+        if (TabCount() == 1 && !IsTabIndex(g_documents.activeTab)) TabBarSelect(0);
         ++number;
     }
 }
 
 // The text of the file up to the first NUL; null when it cannot be read.
 HeapBlock<wchar_t> ReadWorkspace(const wchar_t* path) {
-    std::size_t length = 0;
-    const HeapBlock<char> utf8{ReadFileUtf8(path, &length)};
-    if (!utf8) {
+    constexpr std::size_t kMost = 1U << 24U;  // bytes, more than any workspace of ours
+    std::string utf8;
+    if (!ReadSharedFile(path, kMost, &utf8)) {
         AppLogMsg(L"FAIL: WorkspaceLoad could not read path=%s", path);
         return {};
     }
-    HeapBlock<wchar_t> text{Utf8ToWide(utf8.get())};
+    HeapBlock<wchar_t> text{Utf8ToWide(utf8.c_str())};
     if (!text) AppLogMsg(L"FAIL: WorkspaceLoad could not decode UTF-8 path=%s", path);
     return text;
 }
 
 }  // namespace
 
+std::wstring WorkspaceDefaultPath() {
+    wchar_t directory[kPathCapacity] = {};
+    GetIniDir(nullptr, directory, kPathCapacity);
+    return WorkspacePathFor(L"", L"", directory);
+}
+
+WorkspaceFile WorkspaceFileAt(const wchar_t* path) {
+    if (!FileExists(path)) return WorkspaceFile::Missing;
+    const HeapBlock<wchar_t> text = ReadWorkspace(path);
+    if (!text) return WorkspaceFile::Unreadable;
+    if (text.get()[0] == L'\0') return WorkspaceFile::Missing;  // an empty file, which holds nothing to lose
+    return WorkspaceIsOurs(text.get()) ? WorkspaceFile::Ours : WorkspaceFile::Foreign;
+}
+
+// What a save does without an open file. An empty workspace has no file, but a workspace that the user has named is not
+// deleted behind his back.
+static void RemoveEmptyWorkspace(const std::wstring& target) {
+    if (!PathEqualsIgnoreCase(target, WorkspaceDefaultPath())) return;
+    if (DeleteFileW(PathExtended(target).c_str()) == FALSE)
+        AppLogMsg(L"FAIL: WorkspaceSave could not delete error=%lu path=%s", GetLastError(), target.c_str());
+}
+
 int WorkspaceSave(const wchar_t* path) {
     const std::wstring target = TargetFor(path);
+    const WorkspaceFile file = WorkspaceFileAt(target.c_str());
+    if (file == WorkspaceFile::Foreign || file == WorkspaceFile::Unreadable) {
+        AppLogMsg(L"FAIL: WorkspaceSave leaves a file that is not a workspace: %s", target.c_str());
+        return 0;
+    }
     const std::vector<WorkspaceTab> tabs = CaptureTabs();
-    bool anyFile = false;
-    for (const WorkspaceTab& tab : tabs) anyFile = anyFile || !tab.path.empty();
-    if (!anyFile) {
-        // An empty workspace has no file.
-        if (FileExists(target.c_str()) && DeleteFileW(PathExtended(target).c_str()) == FALSE)
-            AppLogMsg(L"FAIL: WorkspaceSave could not delete error=%lu path=%s", GetLastError(), target.c_str());
+    if (std::ranges::all_of(tabs, [](const WorkspaceTab& tab) { return tab.path.empty(); })) {
+        if (file == WorkspaceFile::Ours) RemoveEmptyWorkspace(target);
         return 1;
     }
     const auto compiler = static_cast<std::uint32_t>(g_settings.activeCompiler);
@@ -95,14 +137,22 @@ int WorkspaceLoad(const wchar_t* path) {
     const std::wstring source{path};  // `path` may be the current workspace path itself
     const HeapBlock<wchar_t> text = ReadWorkspace(source.c_str());
     if (!text) return 0;
+    if (!WorkspaceIsOurs(text.get())) {
+        AppLogMsg(L"FAIL: WorkspaceLoad: not a workspace of this program: path=%s", source.c_str());
+        g_events.statusText(L"Not a workspace of this program");
+        return 0;
+    }
     const Workspace workspace = WorkspaceParse(text.get());
-    ApplyWorkspaceCompiler(workspace);
+    const RestoreScope restore;
+    // The settings change after the last question, because the user may cancel there.
     if (!CloseAllTabs()) {
         AppLogMsg(L"FAIL: WorkspaceLoad could not close existing tab index=%d", TabCount() - 1);
         return 0;
     }
+    g_session.missing.clear();
+    ApplyWorkspaceCompiler(workspace);
     OpenWorkspaceFiles(workspace);
-    if (IsTabIndex(workspace.activeFile)) TabBarSelect(workspace.activeFile);
+    TabBarSelect(IsTabIndex(workspace.activeFile) ? workspace.activeFile : TabCount() - 1);
     for (const WorkspaceCaret& caret : WorkspaceCarets(workspace, TabCount()))
         CaretGoTo(TabAt(caret.tab).editor, caret.position);
     SafeCopyW(g_session.workspacePath, source);
@@ -113,5 +163,6 @@ void WorkspaceNew() {
     // When the user keeps a document open, the workspace stays as it is.
     if (!CloseAllTabs()) return;
     g_session.workspacePath[0] = L'\0';
+    g_session.missing.clear();
     FileNew();
 }

@@ -28,12 +28,33 @@ TEST(CommandLine, StepsComeInOrderAndBadOnesAreLeftOut) {
     EXPECT_EQ(steps[4].action, CommandLineAction::Help);
 }
 
+TEST(CommandLine, WordsThatAreNoOptionsAreFilesWithAPlace) {
+    const auto steps = Steps({L"a.bas", L"--font", L"x.bas", L"-q", L"sub\\b c.bas:12:5", L""});
+    ASSERT_EQ(steps.size(), 3U);
+    EXPECT_EQ(steps[0].text, L"a.bas");
+    EXPECT_EQ(steps[1].action, CommandLineAction::SetFont);
+    const struct {
+        const wchar_t *text, *path;
+        int line, column;
+    } cases[] = {{L"a.bas", L"a.bas", 0, 0},   {L"C:\\a.bas:7", L"C:\\a.bas", 7, 0},
+                 {L"a b:12:5", L"a b", 12, 5}, {L"C:12", L"C:12", 0, 0},
+                 {L"C:12:3", L"C:12", 3, 0},   {L"a:0", L"a:0", 0, 0},
+                 {L"aa:", L"aa:", 0, 0},       {L"aa:3:", L"aa:3:", 0, 0},
+                 {L"aa:3x:4", L"aa:3x", 4, 0}, {L"aa:9999999999", L"aa:9999999999", 0, 0},
+                 {L"aa:1:2:3", L"aa:1", 2, 3}, {L":4", L":4", 0, 0}};
+    for (const auto& c : cases) {
+        const FilePlace place = ParseFilePlace(c.text);
+        EXPECT_TRUE(place.path == c.path && place.line == c.line && place.column == c.column)
+            << std::string(c.text, c.text + wcslen(c.text)) << " " << place.line << " " << place.column;
+    }
+}
+
 TEST(CommandLine, FontSizeLimits) {
     const struct {
         const wchar_t* value;
         bool taken;
-    } cases[] = {{L"5", false}, {L"6", true},    {L"72", true}, {L"73", false},
-                 {L"x", false}, {L"12pt", true}, {L"-8", false}};
+    } cases[] = {{L"5", false}, {L"6", true},     {L"72", true}, {L"73", false},
+                 {L"x", false}, {L"12pt", false}, {L"-8", false}};
     for (const auto& c : cases)
         EXPECT_EQ(Steps({L"--fontsize", c.value}).size(), c.taken ? 1U : 0U)
             << std::string(c.value, c.value + wcslen(c.value));

@@ -9,6 +9,7 @@
 #include <Scintilla.h>
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -114,6 +115,23 @@ TEST(SessionText, ReadsTheRulesOfBreakpoints) {
     }
 }
 
+TEST(SessionText, ASectionComesBackAsAFile) {
+    const SessionFile file{.path = "a",
+                           .hasEditor = true,
+                           .cursor = 7,
+                           .scroll = 2,
+                           .selectionStart = 5,
+                           .selectionEnd = 9,
+                           .bookmarks = {1, 4},
+                           .breakpoints = {3},
+                           .rules = {{3, false, "x > 1"}}};
+    const std::string text = SessionCompose({}, {&file, 1});
+    SessionFile read;
+    for (const SessionItem& item : SessionParse(text))
+        if (item.file == 0) SessionTakeItem(read, item);
+    EXPECT_EQ(SessionCompose({}, {&read, 1}), text);
+}
+
 TEST(SessionText, Numbers) {
     EXPECT_EQ(SessionNumber("12x"), 12);
     EXPECT_EQ(SessionNumber(" -40"), -40);
@@ -144,8 +162,18 @@ TEST(SessionView, SettingsAndFrameComeBack) {
     EXPECT_STREQ(restored->projectRoot, L"C:\\\u00FCber");
     EXPECT_EQ(found.activeTab, 2);
     EXPECT_TRUE(found.showOutput && found.fullScreen && !found.showAsmPane && !found.splitHorizontal);
-    SessionApplyHeader({-1, SessionKey::TreeWidth, 500, "500"}, *restored, found);
-    EXPECT_EQ(restored->projectTreeWidth, 200) << "limited";
+    for (const std::int32_t wild :
+         {std::numeric_limits<std::int32_t>::max(), std::numeric_limits<std::int32_t>::min()}) {
+        for (const SessionKey key : {SessionKey::ActiveCompiler, SessionKey::SplitPos, SessionKey::EditorZoom,
+                                     SessionKey::BuildProfile, SessionKey::AutoCompleteTrigger, SessionKey::Theme})
+            SessionApplyHeader({-1, key, wild, ""}, *restored, found);
+        EXPECT_EQ(restored->activeCompiler, kDefaultCompiler);
+        EXPECT_EQ(restored->splitter, wild > 0 ? 100000 : 0);
+        EXPECT_EQ(restored->editorZoom, wild > 0 ? 60 : -10);
+        EXPECT_EQ(restored->profile, 0);
+        EXPECT_EQ(restored->autoCompleteTrigger, wild > 0 ? 10 : 2);
+        EXPECT_EQ(restored->theme, wild > 0 ? 1 : 0);
+    }
 }
 
 TEST(SessionView, LinesBecomeMessagesToTheEditor) {
@@ -229,6 +257,20 @@ TEST(WorkspaceText, ListEndsAtTheFirstClosingBracket) {
     EXPECT_EQ(parse(L"{\"path\": \"a\"}"), 0);
     EXPECT_EQ(parse(L"{\"files\": [{\"path\": \"a\""), 0);
     EXPECT_EQ(parse(L"{\"files\": []}"), 0);
+    EXPECT_EQ(parse(L"{\"files\": [{\"path\": \"a[1]\\\"].bas\"}, {\"path\": \"b\"}]}"), 2) << "not in a path";
+}
+
+TEST(WorkspaceText, IsToldFromOtherFilesByItsMembers) {
+    for (const auto& tabs : {std::vector<WorkspaceTab>{}, {{.path = L"a"}}})
+        EXPECT_TRUE(WorkspaceIsOurs(WorkspaceCompose(tabs, 0, 0, L"").c_str()));
+    EXPECT_TRUE(WorkspaceIsOurs(L" {\"files\":[{\"path\":\"a\",\"cursorPos\":1}]}"));
+    for (const wchar_t* other :
+         {L"", L"{}", L"[]", L"{\"version\": \"1.0\", \"files\": [\"dist\"], \"activeFile\": 1}",
+          L"{\"folders\": [{\"path\": \".\"}], \"activeFile\": 0}", L"{\"files\": []}",
+          L"{\"files\": [{\"path\": \"a\", \"size\": 5}]}",
+          L"{\"x\": \"files\", \"y\": [{\"path\": \"a\"}], \"activeFile\": 1}",
+          L"{\"files\": [{\"name\": \"a\"}], \"path\": 1, \"activeFile\": 1}", L"{\"files\": [{\"path\": \"a\""})
+        EXPECT_FALSE(WorkspaceIsOurs(other)) << std::string(other, other + std::wcslen(other));
 }
 
 TEST(WorkspaceText, ReadsAsAWhole) {

@@ -99,18 +99,19 @@ TEST(Session, AMissingFileShiftsLaterPlaces) {
     ProgramFolder folder;
     const std::wstring a = folder.Write(L"a.bas", "' caf\xC3\xA9s"), c = folder.Write(L"c.bas", Lines(20));
     folder.Write(kSessionFile,
-                 "[Session]\nVersion=1\nActiveTab=0\nTheme=1\nTreeWidth=500\nEditorZoom=3\nWordWrap=1\n"
+                 "[Session]\nVersion=1\nActiveTab=0\nTheme=1\nTreeWidth=500\nEditorZoom=3\nWordWrap=1\nSplitPos=250\n"
                  "[File1]\nPath=" +
                      Utf8(a) +
                      "\nCursor =9\nCursor=1\nSelectionStart=6\nSelectionEnd=99\n"
                      "[File2]\nPath=" +
                      Utf8(folder.File(L"gone.bas")) +
-                     "\nCursor=11\n"
+                     "\nCursor=11\nBookmarks=1,2\n"
                      "[File3]\nPath=" +
                      Utf8(c) + "\nCursor=13\nBookmarks=2\n");
     Editor editor(folder, L"", Until::Started);
     editor.Answer(kRestore, L"", IDYES);
-    editor.Answer(kProgramTitle, L"Failed to open file: " + folder.File(L"gone.bas"), IDOK);
+    EXPECT_NE(editor.AwaitDialog(kRestore).text.find(folder.File(L"gone.bas") + L"\n\nKeep"), std::wstring::npos);
+    editor.Answer(kRestore, L"", IDYES);
     ASSERT_TRUE(editor.AwaitReady());
     ASSERT_EQ(editor.Tabs(), 2);
     EXPECT_EQ(editor.ActiveTab(), 0);
@@ -124,6 +125,73 @@ TEST(Session, AMissingFileShiftsLaterPlaces) {
     EXPECT_EQ(editor.TabLabel(1), L"c.bas");
     EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 0) << "the third section belongs to a third tab, which is not there";
     EXPECT_EQ(editor.Sci(SCI_MARKERGET, 2) & 1 << kMarkBookmark, 0);
+
+    // The session's split stays through a resize and back.
+    const auto split = [&] {
+        RECT bar{};
+        GetWindowRect(editor.Child(IDC_SPLIT_OUTPUT), &bar);
+        MapWindowPoints(nullptr, editor.main, reinterpret_cast<POINT*>(&bar), 2);
+        return bar.top;
+    };
+    RECT frame{};
+    GetWindowRect(editor.main, &frame);
+    EXPECT_EQ(split(), 250);
+    for (const LONG more : {90, 0})
+        SetWindowPos(editor.main, nullptr, 0, 0, frame.right - frame.left, frame.bottom - frame.top + more,
+                     SWP_NOMOVE | SWP_NOZORDER);
+    EXPECT_EQ(split(), 250);
+
+    // The missing file stays in the session, with its places, and in the workspace.
+    EXPECT_EQ(editor.Close(), 0u);
+    const std::string gone = Utf8(folder.File(L"gone.bas"));
+    EXPECT_TRUE(FileSections(folder.Read(kSessionFile))
+                    .ends_with("[File3]\r\nPath=" + gone +
+                               "\r\nCursor=11\r\nScroll=0\r\nSelectionStart=0\r\nSelectionEnd=0\r\nBookmarks=1,2\r\n"))
+        << folder.Read(kSessionFile);
+    EXPECT_NE(folder.Read(L"workspace.json").find(Escaped(folder.File(L"gone.bas"))), std::string::npos);
+}
+
+TEST(Session, IsNotOverwrittenWhileItsQuestionIsOpen) {
+    ProgramFolder folder;
+    const std::wstring a = folder.Write(L"a.bas", Lines(20)), b = folder.Write(L"b.bas", Lines(20));
+    folder.Write(kSessionFile, "[Session]\nVersion=1\n[File1]\nPath=" + Utf8(a) + "\n");
+    folder.Write(L"workspace.json", "{\"files\": [], \"activeFile\": 0}");
+    const std::string session = folder.Read(kSessionFile), workspace = folder.Read(L"workspace.json");
+    Editor editor(folder, L"\"" + b + L":3:2\"", Until::Started);
+    const Dialog question = editor.AwaitDialog(kRestore);
+    editor.main = GetWindow(question.window, GW_OWNER);
+    editor.Send(editor.main, WM_TIMER, TIMER_SESSION);
+    EXPECT_EQ(editor.Send(editor.main, WM_QUERYENDSESSION), TRUE);
+    editor.Send(editor.main, WM_ENDSESSION, TRUE);
+    editor.Send(editor.main, WM_CLOSE);
+    EXPECT_EQ(folder.Read(kSessionFile), session);
+    EXPECT_EQ(folder.Read(L"workspace.json"), workspace);
+    EXPECT_EQ(editor.Dialogs().size(), 1u);
+    editor.Press(question, IDYES);
+    ASSERT_TRUE(editor.AwaitReady());
+    ASSERT_EQ(editor.Tabs(), 2) << "the file that the program was started with is there, too";
+    EXPECT_EQ(editor.TabLabel(editor.ActiveTab()), L"b.bas");
+    EXPECT_EQ(editor.Line() * 10 + editor.Column(), 32);
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+TEST(Session, TheAnswerNoHoldsAgainstTheTimer) {
+    ProgramFolder folder;
+    const std::wstring a = folder.Write(L"a.bas", "a"), b = folder.Write(L"b.bas", "b");
+    Editor editor(folder, OpenArgument(a) + OpenArgument(b));
+    editor.Type("x");
+    editor.Do(IDM_PREVIOUS_TAB);
+    editor.Type("x");
+    PostMessageW(editor.main, WM_CLOSE, 0, 0);
+    editor.Answer(kUnsaved, L"Save changes to a.bas?", IDNO);
+    const Dialog second = editor.AwaitDialog(kUnsaved);
+    editor.Send(editor.main, WM_TIMER, TIMER_AUTO_SAVE);
+    editor.Send(editor.main, WM_CLOSE);
+    EXPECT_EQ(editor.Send(editor.main, WM_QUERYENDSESSION), FALSE);
+    EXPECT_EQ(editor.Dialogs().size(), 1u) << "no second box";
+    editor.Press(second, IDNO);
+    EXPECT_EQ(editor.ExitCode(), 0u);
+    EXPECT_EQ(folder.Read(L"a.bas") + folder.Read(L"b.bas"), "ab");
 }
 
 TEST(Session, NotOfferedWithoutFiles) {
@@ -187,6 +255,41 @@ TEST(Workspace, WritesItsLayoutAndReadsItBack) {
     editor.Post(IDM_WORKSPACE_NEW);
     editor.Answer(kUnsaved, L"Save changes to c.bas?", IDNO);
     ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == 1 && editor.TabLabel(0) == L"Untitled"; })) << editor.Describe();
+}
+
+TEST(Workspace, LeavesFilesOfOthersAlone) {
+    ProgramFolder folder;
+    const std::wstring a = folder.Write(L"a [1].bas", Lines(5)), b = folder.Write(L"b.bas", Lines(5));
+    constexpr char kForeign[] = "{\"name\": \"x\", \"version\": \"1.0\", \"files\": [\"dist\"]}";
+    folder.Write(L"workspace.json", kForeign);
+    const std::wstring package = folder.Write(L"package.json", kForeign);
+    const std::wstring named = folder.Write(
+        L"named.json", "{\"files\": [{\"path\": \"" + Escaped(a) + "\", \"cursorPos\": 3}, {\"path\": \"" + Escaped(b) +
+                           "\", \"cursorPos\": 0}], \"activeFile\": 0, \"compiler\": \"KVXB64\"}");
+    {
+        Editor editor(folder, OpenArgument(b));
+        editor.Post(IDM_WORKSPACE_OPEN);
+        editor.AnswerFileDialog(package);
+        EXPECT_NE(editor.AwaitDialog(kProgramTitle).text.find(L"not a workspace"), std::wstring::npos);
+        editor.Answer(kProgramTitle, L"", IDOK);
+        EXPECT_EQ(editor.Tabs(), 1) << "nothing is closed";
+        // A refusal leaves the compiler as it is.
+        editor.Type("x");
+        editor.Post(IDM_WORKSPACE_OPEN);
+        editor.AnswerFileDialog(named);
+        editor.Answer(kUnsaved, L"", IDCANCEL);
+        EXPECT_TRUE(editor.Status(kPartCompiler).starts_with(L"KeldorBasic"));
+        editor.Post(IDM_WORKSPACE_OPEN);
+        editor.AnswerFileDialog(named);
+        editor.Answer(kUnsaved, L"", IDNO);
+        ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == 2; })) << "both files, in spite of the bracket";
+        EXPECT_TRUE(editor.Status(kPartCompiler).starts_with(L"KVXB64"));
+        editor.Do(IDM_FILE_CLOSE_ALL);
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    EXPECT_EQ(folder.Read(L"package.json"), kForeign);
+    EXPECT_EQ(folder.Read(L"workspace.json"), kForeign);
+    EXPECT_NE(folder.Read(L"named.json"), "") << "not deleted with the last document";
 }
 
 HTREEITEM Next(const Editor& editor, UINT relation, HTREEITEM item) {

@@ -86,6 +86,25 @@ TEST(SettingsFile, IsReadUsedAndWrittenBack) {
     EXPECT_FALSE(Exists(folder.File(L"Editor.ini.tmp")));
 }
 
+TEST(SettingsFile, StaysAsItIsWhenItCannotBeRead) {
+    ProgramFolder folder;
+    folder.SetIni(L"Editor", L"TabWidth", L"3");
+    const std::string before = folder.Read(L"Editor.ini");
+    {
+        const HANDLE lock =
+            CreateFileW(folder.File(L"Editor.ini").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        Editor editor(folder, L"", Until::Started);
+        const Dialog told = editor.AwaitDialog(kProgramTitle);
+        EXPECT_NE(told.text.find(L"cannot be read"), std::wstring::npos) << Utf8(told.text);
+        editor.Press(told, IDOK);
+        ASSERT_TRUE(editor.AwaitReady());
+        CloseHandle(lock);
+        editor.Do(IDM_VIEW_WORD_WRAP);
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    EXPECT_EQ(folder.Read(L"Editor.ini"), before);
+}
+
 // Characters that the system's code page does not have, in a setting and in a recent file's name.
 TEST(SettingsFile, ForeignCharactersSurviveRestarts) {
     ProgramFolder folder;
