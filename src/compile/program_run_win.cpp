@@ -7,6 +7,7 @@
 #include "compile/build_stage.h"
 #include "compile/child_process.h"
 #include "compile/compile_state.h"
+#include "compile/file_stamp.h"
 #include "documents/document_row.h"
 #include "files/file_io.h"
 #include "files/start_path.h"
@@ -30,9 +31,13 @@ std::wstring ProgramToRun() {
     return output;
 }
 
-bool SourceIsModified() {
-    const int tab = TabBarFindPath(LastBuild().source.c_str());
-    return IsTabIndex(tab) && TabAt(tab).modified;
+// Whether the source has changes that the program cannot have, saved or not.
+bool SourceIsModified(const std::wstring& program) {
+    const std::wstring& source = LastBuild().source;
+    const int tab = TabBarFindPath(source.c_str());
+    FileStamp written, built;
+    return (IsTabIndex(tab) && TabAt(tab).modified) ||
+           (ReadFileStamp(source, &written) && ReadFileStamp(program, &built) && written.written > built.written);
 }
 
 void SetTerminalCue(const wchar_t* cue) {
@@ -48,7 +53,8 @@ void SayRunProblem(const std::wstring& text) {
 
 void RunInOutputPane() {
     StageSettle(false);
-    if (const BuildRefusal refusal = BuildRefusalOfCommand(BuildSituationNow()); refusal != BuildRefusal::None) {
+    const BuildRefusal refusal = BuildRefusalOfCommand(BuildSituationNow());
+    if (refusal != BuildRefusal::None && refusal != BuildRefusal::ProgramDebugged) {
         BuildApplyStep(BuildRefused(refusal));
         return;
     }
@@ -64,7 +70,7 @@ void RunInOutputPane() {
         return;
     }
     OutputPaneAppend((L"--- Running: " + program + L" ---\r\n").c_str(), 0);
-    OutputPaneAppend(RunDoubt(LastBuild(), SourceIsModified()).c_str(), kLineYellow);
+    OutputPaneAppend(RunDoubt(LastBuild(), SourceIsModified(program)).c_str(), kLineYellow);
     const std::wstring folder = FolderOf(program);
     OutputFeedBegin({.diagnostics = false});  // what a program prints may look like a diagnostic
     DWORD error = 0;

@@ -6,6 +6,7 @@
 #include "base/wide_format.h"
 #include "compile/build.h"
 #include "compile/build_stage.h"
+#include "compile/child_process.h"
 #include "compile/program_input.h"
 #include "compile/terminal_text.h"
 #include "documents/document_row.h"
@@ -99,15 +100,19 @@ void RunTerminalCommand(HWND window) {
     }
     OutputFeedBegin({.diagnostics = false});  // the command itself may look like a diagnostic
     OutputPaneAppend((L"> " + command + L"\r\n").c_str(), kLineTeal);
+    const std::wstring folder = TerminalFolder();
     DWORD error = 0;
     if (StageStart({.stage = BuildStage::Terminal,
                     .commandLine = TerminalCommandLine(SystemFolder(), command),
-                    .directory = TerminalFolder()},
+                    .directory = folder},
                    &error)) {
         g_events.statusText(L"Running command...");
     } else {
         OutputFeedBegin({});
-        OutputPaneAppend(FormatW(L"The command could not be started (Win32 error %lu).\r\n", error).c_str(), kLineRed);
+        OutputPaneAppend(FormatW(L"The command could not be started (Win32 error %lu): %s\r\n", error,
+                                 ChildStartProblem(error, folder).c_str())
+                             .c_str(),
+                         kLineRed);
     }
 }
 

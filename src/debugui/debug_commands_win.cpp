@@ -35,8 +35,8 @@ bool HasSession() { return DebugFlowNow().phase != DebugPhase::None; }
 
 void DebugBuildAndStart() {
     if (HasSession()) return;
-    if (CompilerIsBuilding()) {
-        g_events.statusText(kBuildBusy);
+    if (const BuildRefusal refusal = BuildRefusalOfCommand(BuildSituationNow()); refusal != BuildRefusal::None) {
+        BuildApplyStep(BuildRefused(refusal));
         return;
     }
     g_debug.debugAfterBuild = true;

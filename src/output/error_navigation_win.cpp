@@ -22,7 +22,14 @@ namespace {
 std::wstring WholePath(const std::wstring& path) {
     wchar_t full[kPathCapacity] = {};
     const DWORD length = GetFullPathNameW(path.c_str(), kPathCapacity, full, nullptr);
-    return length == 0 || length >= kPathCapacity ? path : std::wstring(full);
+    if (length == 0 || length >= kPathCapacity) return path;
+    // A compiler that was started in a folder by its short name (8.3) may print that.
+    wchar_t entire[kPathCapacity] = {};
+    const bool isShort = std::wstring_view(full).find(L'~') != std::wstring_view::npos;
+    const DWORD size = isShort ? GetLongPathNameW(PathForSystem(full).c_str(), entire, kPathCapacity) : 0;
+    if (size == 0 || size >= kPathCapacity) return full;
+    const std::wstring_view found(entire);
+    return std::wstring(found.starts_with(L"\\\\?\\") && !found.starts_with(L"\\\\?\\UNC") ? found.substr(4) : found);
 }
 
 // Selects or opens the document that a diagnostic names. Returns false when it could not be opened. FileShow leaves the

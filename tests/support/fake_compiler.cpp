@@ -91,7 +91,13 @@ void Obey(const std::string& order, const std::string& text) {
     if (order == "make") {
         const std::wstring line = GetCommandLineW();
         const std::size_t at = line.find(L" -o \"") + 5;
-        CopyFileW(OwnPath().c_str(), line.substr(at, line.find(L'"', at) - at).c_str(), FALSE);
+        const std::wstring program = line.substr(at, line.find(L'"', at) - at);
+        CopyFileW(OwnPath().c_str(), program.c_str(), FALSE);
+        FILETIME now{};  // the copy has the time of the original
+        GetSystemTimeAsFileTime(&now);
+        const HANDLE file = CreateFileW(program.c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        SetFileTime(file, nullptr, nullptr, &now);
+        CloseHandle(file);
     }
     if (order == "echo")
         for (char said[256]; std::fgets(said, sizeof(said), stdin) != nullptr;) Put(std::string("got ") + said);

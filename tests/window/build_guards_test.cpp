@@ -65,10 +65,17 @@ TEST(BuildGuards, AProgramRunsInTheOutputPane) {
     editor.Keys({VK_CONTROL, 'Z'});
     EXPECT_TRUE(editor.AwaitOutput(L"--- Program ended (exit code 259) ---\n")) << Utf8(editor.Output());
     EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
+    EXPECT_FALSE(Has(editor.Output(), L"The source was changed")) << Utf8(editor.Output());
+    editor.Type("'");
+    editor.Do(IDM_FILE_SAVE);
     editor.Keys({VK_CONTROL, VK_SHIFT, 'R'});
     EXPECT_TRUE(WaitFor([&] { return Count(editor.Output(), L"Name? ") == 2; }));
-    editor.Do(IDM_BUILD);
-    EXPECT_TRUE(Has(editor.Status(), L"still runs in the output pane")) << Utf8(editor.Status());
+    EXPECT_TRUE(Has(editor.Output(), L"---\nThe source was changed after this program was built.\n"));
+    for (const int command : {IDM_BUILD, IDM_DEBUG_START}) {
+        editor.Do(command);
+        EXPECT_TRUE(Has(editor.Status(), L"still runs in the output pane")) << Utf8(editor.Status());
+        editor.Do(IDM_PROFILE_DEBUG);  // has a status text of its own
+    }
     editor.Do(IDM_BUILD_STOP);
     EXPECT_TRUE(editor.AwaitOutput(L"--- Program stopped ---\n"));
     EXPECT_EQ(CountProcesses(L"kvxpane.exe"), 0);
