@@ -78,11 +78,15 @@ void EditorPaneUpperKeywordBefore(HWND editor, LRESULT position) {
     const LRESULT lineEnd = PaneSend(editor, SCI_GETLINEENDPOSITION, line);
     if (lineEnd - lineStart > kLongestLine) return;
     const std::string text = EditorPaneTextBetween(editor, lineStart, lineEnd);
-    const std::string capitals = KeywordsInCapitals(text, EditorPaneInAssembly(editor, lineStart));
-    const auto at = static_cast<std::size_t>(start - lineStart);
-    const auto count = static_cast<std::size_t>(length);
+    const bool inAssembly = EditorPaneInAssembly(editor, lineStart);
+    const std::string capitals = KeywordsInCapitals(text, inAssembly);
+    // Only the last word of END ASM makes a line of assembly a line of BASIC, so both words change then.
+    const bool endsAssembly = inAssembly && AssemblyOfLine(text, true).kind == AssemblyKind::BlockEnd;
+    const LRESULT from = endsAssembly ? lineStart : start;
+    const auto at = static_cast<std::size_t>(from - lineStart);
+    const auto count = static_cast<std::size_t>(position - from);
     if (capitals.compare(at, count, text, at, count) == 0) return;
     if (!IsKeywordStyle(FreshStyleAt(editor, start, lineEnd))) return;
-    PaneSend(editor, SCI_SETTARGETRANGE, start, position);
+    PaneSend(editor, SCI_SETTARGETRANGE, from, position);
     SciSend(editor, SCI_REPLACETARGET, count, reinterpret_cast<LPARAM>(capitals.data() + at));
 }

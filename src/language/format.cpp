@@ -470,7 +470,10 @@ std::string FormatBasicLines(std::string_view text, const FormatOptions& options
             ++i;
             continue;
         }
-        const LogicalLine logical = ScanLogicalLine(std::span(lines).subspan(i), options.upperKeywords);
+        // Above the wanted lines only the blocks matter, and looking up keywords takes most of the time.
+        const std::span rest = std::span(lines).subspan(i);
+        LogicalLine logical = ScanLogicalLine(rest, options.upperKeywords && i >= from);
+        if (i < from && i + logical.scans.size() > from) logical = ScanLogicalLine(rest, options.upperKeywords);
         const int depth = ApplyLogicalLine(logical, nesting, saved);
         for (const LineScan& scan : logical.scans) {
             if (i >= from && i < end)

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <unordered_set>
 
 namespace {
 
@@ -155,15 +156,23 @@ constexpr std::string_view kAsmExtended =
     "psrld "
     "psubd pxor shufps sqrtpd sqrtps sqrtsd sqrtss subpd subps subsd subss ucomisd ucomiss unpcklps xorpd xorps";
 
-bool ContainsWord(std::string_view words, std::string_view word) {
-    std::size_t at = 0;
-    while ((at = words.find(word, at)) != std::string_view::npos) {
-        const bool starts = at == 0 || words[at - 1] == ' ';
-        const std::size_t end = at + word.size();
-        if (starts && (end == words.size() || words[end] == ' ')) return true;
-        at = end;
+void AddWords(std::unordered_set<std::string_view>& set, std::string_view words) {
+    while (!words.empty()) {
+        const std::size_t end = std::min(words.find(' '), words.size());
+        set.insert(words.substr(0, end));
+        words.remove_prefix(std::min(end + 1, words.size()));
     }
-    return false;
+}
+
+// The keywords of BASIC in every dialect, in lower case. A set, because the formatter asks for every word of a document.
+const std::unordered_set<std::string_view>& BasicKeywords() {
+    static const std::unordered_set<std::string_view> set = [] {
+        std::unordered_set<std::string_view> all;
+        for (const std::string_view words : {kBasicStatements, kBasicTypes, kBasicFunctions}) AddWords(all, words);
+        for (const DialectRow& row : kDialects) AddWords(all, row.words);
+        return all;
+    }();
+    return set;
 }
 
 std::string_view DialectWords(std::uint32_t compilerId) {
@@ -202,9 +211,5 @@ bool IsBasicKeyword(std::string_view word) {
     if (word.empty() || word.size() > sizeof lower) return false;
     std::transform(word.begin(), word.end(), lower,
                    [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    const std::string_view key(lower, word.size());
-    if (ContainsWord(kBasicStatements, key) || ContainsWord(kBasicTypes, key) || ContainsWord(kBasicFunctions, key))
-        return true;
-    return std::any_of(std::begin(kDialects), std::end(kDialects),
-                       [key](const DialectRow& row) { return ContainsWord(row.words, key); });
+    return BasicKeywords().contains({lower, word.size()});
 }

@@ -384,12 +384,17 @@ TEST(View, KeysReachEditorAndCommands) {
     editor.Keys({VK_RETURN});
     for (const int key : {int{'H'}, VK_SPACE, int{'I'}, int{'F'}, VK_SPACE}) editor.Keys({key});
     editor.Keys({VK_SHIFT, 'I'});
-    const std::string typed = "  x = 1\r\n  h IF I";  // indented like the line above, and keywords in capitals
+    for (const int key :
+         {int{VK_RETURN}, int{'A'}, int{'S'}, int{'M'}, int{VK_RETURN}, int{'A'}, int{'N'}, int{'D'}, int{VK_SPACE},
+          int{VK_RETURN}, int{'E'}, int{'N'}, int{'D'}, int{VK_SPACE}, int{'A'}, int{'S'}, int{'M'}, int{VK_SPACE}})
+        editor.Keys({key});
+    // Indented like the line above, and keywords in capitals, but not in assembly.
+    const std::string typed = "  x = 1\r\n  h IF I\r\n  ASM\r\n  and \r\n  END ASM ";
     EXPECT_TRUE(WaitFor([&] { return editor.Text() == typed; })) << editor.Text();
     editor.Keys({VK_CONTROL, 'S'});
     EXPECT_TRUE(WaitFor([&] { return !editor.Modified(); }));
     EXPECT_EQ(folder.Read(L"a.bas"), typed);
-    EXPECT_TRUE(WaitFor([&] { return editor.Status(kPartPosition) == L"Ln 2, Col 9"; }))
+    EXPECT_TRUE(WaitFor([&] { return editor.Status(kPartPosition) == L"Ln 5, Col 11"; }))
         << Utf8(editor.Status(kPartPosition));
     editor.Keys({VK_CONTROL, 'N'});
     EXPECT_TRUE(WaitFor([&] { return editor.Tabs() == 2; }));
