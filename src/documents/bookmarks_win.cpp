@@ -1,5 +1,6 @@
 #include "documents/bookmarks.h"
 
+#include "documents/caret_place.h"
 #include "documents/margins.h"
 #include "scintilla/sci.h"
 
@@ -30,8 +31,7 @@ bool BookmarkGo(HWND editor, bool forward) {
         line = SciSend(editor, search, forward ? 0 : static_cast<WPARAM>(last), kBookmarks);
     }
     if (line < 0) return false;
-    SciSend(editor, SCI_ENSUREVISIBLEENFORCEPOLICY, static_cast<WPARAM>(line));
-    SciSend(editor, SCI_GOTOLINE, static_cast<WPARAM>(line));
+    CaretGoTo(editor, SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line)));
     return true;
 }
 
