@@ -90,7 +90,6 @@ bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create) {
     DebugUiInit();
     BuildRecover();
     PostMessageW(window, MSG_STARTUP, 0, 0);
-    MenuDrawAttach(window);
     RestoreSplitterRatio();
     MainWindow_Layout();  // hides the panes and bars that the settings switch off
     MainWindow_UpdateTitle();

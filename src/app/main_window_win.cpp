@@ -14,6 +14,7 @@
 #include "settings/compiler_presence.h"
 #include "tabs/tab_bar.h"
 #include "ui/chrome.h"
+#include "ui/menu_draw.h"
 #include "ui/paint.h"
 
 namespace {
@@ -85,7 +86,7 @@ LRESULT DrawChild(const DRAWITEMSTRUCT& item) {
 
 }  // namespace
 
-LRESULT CALLBACK MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+static LRESULT CALLBACK RouteMainMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_CREATE: return MainWnd_OnCreate(window, *reinterpret_cast<const CREATESTRUCTW*>(lParam)) ? 0 : -1;
         case WM_SIZE: MainWnd_OnSize(wParam, LOWORD(lParam), HIWORD(lParam)); return 0;
@@ -111,6 +112,10 @@ LRESULT CALLBACK MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
         case WM_DESTROY: MainWnd_OnDestroy(window); return 0;
         default: return RouteOwnMessage(message, wParam, lParam) ? 0 : DefWindowProcW(window, message, wParam, lParam);
     }
+}
+
+LRESULT CALLBACK MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    return MenuDrawAround(window, message, wParam, lParam, RouteMainMessage);
 }
 
 HWND MainWindow_Init(HINSTANCE instance, int showCommand) {

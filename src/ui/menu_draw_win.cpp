@@ -208,12 +208,18 @@ LRESULT ItemOfMnemonic(HMENU menu, wchar_t key) {
 
 LRESULT CALLBACK MenuDrawProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
     if (message == WM_NCDESTROY) RemoveWindowSubclass(window, MenuDrawProc, id);
+    return MenuDrawAround(window, message, wParam, lParam, DefSubclassProc);
+}
+
+}  // namespace
+
+LRESULT MenuDrawAround(HWND window, UINT message, WPARAM wParam, LPARAM lParam, WNDPROC next) {
     if (message == WM_INITMENUPOPUP && HIWORD(lParam) == 0) {  // not the window's system menu
-        const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+        const LRESULT result = next(window, message, wParam, lParam);
         PrepareMenu(reinterpret_cast<HMENU>(wParam), ThemeIsDark());
         return result;
     }
-    if (!ThemeIsDark()) return DefSubclassProc(window, message, wParam, lParam);
+    if (!ThemeIsDark()) return next(window, message, wParam, lParam);
     switch (message) {
         case WM_MEASUREITEM: {
             auto& item = *reinterpret_cast<MEASUREITEMSTRUCT*>(lParam);
@@ -230,16 +236,14 @@ LRESULT CALLBACK MenuDrawProc(HWND window, UINT message, WPARAM wParam, LPARAM l
         case WM_MENUCHAR: return ItemOfMnemonic(reinterpret_cast<HMENU>(lParam), static_cast<wchar_t>(LOWORD(wParam)));
         case WM_NCPAINT:
         case WM_NCACTIVATE: {
-            const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+            const LRESULT result = next(window, message, wParam, lParam);
             PaintBarRest(window);
             return result;
         }
         default: break;
     }
-    return DefSubclassProc(window, message, wParam, lParam);
+    return next(window, message, wParam, lParam);
 }
-
-}  // namespace
 
 void MenuDrawAttach(HWND window) { SetWindowSubclass(window, MenuDrawProc, kSubclassId, 0); }
 
