@@ -41,14 +41,15 @@ constexpr struct {
     {SessionKey::FullScreen, &SessionFrame::fullScreen},
 };
 
-// Wider than any desktop and than any zoom or theme. The window limits them further.
+// Wider than any desktop, and the editor's own limits of the zoom.
 constexpr std::int32_t kLastSplit = 100000;  // pixels
 constexpr std::int32_t kLeastZoom = -10, kMostZoom = 60;
 
-std::int32_t LimitedNumber(SessionKey key, std::int32_t Settings::*field, std::int32_t number) {
+std::int32_t LimitedNumber(const Settings& settings, SessionKey key, std::int32_t Settings::*field,
+                           std::int32_t number) {
     switch (key) {
         case SessionKey::TreeWidth: return SessionTreeWidth(number);
-        case SessionKey::SplitPos: return std::clamp(number, 0, kLastSplit);
+        case SessionKey::SplitPos: return number < 1 || number > kLastSplit ? settings.*field : number;
         case SessionKey::EditorZoom: return std::clamp(number, kLeastZoom, kMostZoom);
         case SessionKey::Theme: return std::clamp(number, 0, 1);
         default: break;
@@ -82,7 +83,7 @@ SessionHeader SessionHeaderOf(const Settings& settings, const SessionFrame& fram
 void SessionApplyHeader(const SessionItem& item, Settings& settings, SessionFrame& frame) {
     const std::int32_t number = item.number;
     for (const auto& row : kSettingKeys)
-        if (row.key == item.key) settings.*row.field = LimitedNumber(row.key, row.field, number);
+        if (row.key == item.key) settings.*row.field = LimitedNumber(settings, row.key, row.field, number);
     for (const auto& row : kFrameKeys)
         if (row.key == item.key) frame.*row.field = number != 0;
     if (item.key == SessionKey::ActiveTab) frame.activeTab = number;

@@ -18,7 +18,7 @@ struct SessionFrame {
 SessionHeader SessionHeaderOf(const Settings& settings, const SessionFrame& frame);
 
 // Writes one value of the header into the settings or the frame. A number out of range is limited as the same setting
-// in the settings file is, because the settings are saved after a restore.
+// in the settings file is, because the settings are saved after a restore; a split that no window can have is left out.
 void SessionApplyHeader(const SessionItem& item, Settings& settings, SessionFrame& frame);
 
 // Tells which files of a session could not be opened, and asks whether the session should keep them.
