@@ -42,6 +42,7 @@ bool SourceIsModified(const std::wstring& program) {
 
 void SetTerminalCue(const wchar_t* cue) {
     SendMessageW(g_compile.hTerminal, EM_SETCUEBANNER, TRUE, reinterpret_cast<LPARAM>(cue));
+    InvalidateRect(g_compile.hTerminal, nullptr, TRUE);  // an edit field without the focus does not repaint it
 }
 
 void SayRunProblem(const std::wstring& text) {
