@@ -25,7 +25,7 @@ void OutputFeedMessage(std::wstring text, COLORREF colour);
 void OutputFeedShowNext();
 bool OutputFeedIsEmpty();     // every line given so far is in the pane
 void OutputFeedReveal();      // scrolls to the end and repaints now
-bool OutputFeedIsRevealed();  // nothing waits for a repaint, and an incomplete line is shown as it is now
+bool OutputFeedIsRevealed();  // nothing waits for a repaint, and no line is held back or incomplete and not shown
 
 // Called before a build: resets the filter and the counts. Later diagnostics are recorded for this compiler.
 void OutputFeedReset(std::uint32_t compilerId);

@@ -19,6 +19,7 @@ namespace {
 constexpr double kTakeMs = 20.0;            // a block is ended after this time, which lines that are not shown may take
 constexpr double kShowMs = 15.0;            // no new block is begun after this time
 constexpr double kRevealMs = 100.0;         // between two repaints
+constexpr double kQuietMs = 400.0;          // lines are held back until nothing has come for so long
 constexpr double kUnfinishedMs = 60.0;      // an incomplete line is shown after this time
 constexpr double kRevealMsPerLine = 0.003;  // more for each line in the pane, as a repaint takes longer (kept_lines.h)
 
@@ -26,6 +27,7 @@ struct OutputFeed {
     OutputLines lines;           // not shown yet
     std::deque<PaneLine> shown;  // in the pane; needed to show them again in other colours
     BlockSize block;
+    double streamAt = 0.0;        // ClockMs() of the last chunk of a process
     std::wstring unfinished;      // the incomplete last line in the pane; empty: none
     LONG unfinishedAt = 0;        // its first character in the pane
     double unfinishedSince = -1;  // ClockMs() since when it differs from the one that has come; negative: it does not
@@ -77,6 +79,7 @@ bool ShowBlock() {
     std::vector<PaneLine> block = TakeBlock(started);
     const double sorted = ClockMs();
     if (block.empty()) {
+        if (OutputFeedIsEmpty() && sorted - g_feed.streamAt >= kQuietMs) OutputLinesRelease(g_feed.lines);
         ShowUnfinished(sorted);
         return !OutputFeedIsEmpty();
     }
@@ -93,6 +96,7 @@ void OutputFeedBegin(OutputSource source) { OutputLinesBegin(g_feed.lines, std::
 void OutputFeedStream(wchar_t* heapText, COLORREF colour) {
     const HeapBlock<wchar_t> owned(heapText);
     if (owned == nullptr) return;
+    g_feed.streamAt = ClockMs();
     g_feed.lines.queue.chunks.push_back({.text = owned.get(), .colour = colour, .kind = ChunkKind::Stream});
     ShowTimerStart();
 }
@@ -128,7 +132,10 @@ void OutputFeedReveal() {
     g_feed.revealedAt = ClockMs();
 }
 
-bool OutputFeedIsRevealed() { return !g_feed.unpainted && OutputLinesUnfinished(g_feed.lines) == g_feed.unfinished; }
+bool OutputFeedIsRevealed() {
+    return !g_feed.unpainted && !LinesAreHeld(g_feed.lines.kept) &&
+           OutputLinesUnfinished(g_feed.lines) == g_feed.unfinished;
+}
 
 bool OutputFeedIsEmpty() { return !OutputLinesWait(g_feed.lines); }
 

@@ -20,12 +20,6 @@ void RecordDiagnostic(CompilerErrors& errors, const std::wstring& line, const Ou
     ++errors.count;
 }
 
-void ReleaseHeldLines(OutputLines& lines) {
-    lines.leftOut = lines.leftOut || lines.kept.leftOut > 0;
-    std::deque<PaneLine> held = TakeHeldLines(lines.kept, lines.source.log);
-    std::move(held.begin(), held.end(), std::back_inserter(lines.ready));
-}
-
 // The line's number in the log of its process; 0 for a line of the editor.
 std::uint64_t TakeLogLine(OutputLines& lines, const QueuedLine& line) {
     const std::uint64_t number = line.stream ? lines.source.logLines + 1 : 0;
@@ -36,7 +30,7 @@ std::uint64_t TakeLogLine(OutputLines& lines, const QueuedLine& line) {
 // Handles one line of the queue. Returns false when there is nothing to show for it now.
 bool LetThrough(OutputLines& lines, CompilerErrors& errors, QueuedLine& line, PaneLine* shown) {
     if (line.streamEnd) {
-        ReleaseHeldLines(lines);
+        OutputLinesRelease(lines);
         return false;
     }
     const std::uint64_t logLine = TakeLogLine(lines, line);
@@ -60,6 +54,13 @@ bool OutputLineSort(OutputLines& lines, CompilerErrors& errors, QueuedLine& line
     }
     lines.counts.lines += line.stream && !line.text.empty();
     return true;
+}
+
+void OutputLinesRelease(OutputLines& lines) {
+    lines.leftOut = lines.leftOut || lines.kept.leftOut > 0;
+    std::deque<PaneLine> held = TakeHeldLines(lines.kept, lines.source.log);
+    std::move(held.begin(), held.end(), std::back_inserter(lines.ready));
+    lines.kept = {};
 }
 
 void OutputLinesBegin(OutputLines& lines, OutputSource source) {

@@ -46,6 +46,10 @@ bool OutputLineSort(OutputLines& lines, CompilerErrors& errors, QueuedLine& line
 // Called before a stream begins, when no line waits.
 void OutputLinesBegin(OutputLines& lines, OutputSource source);
 
+// Called when a process has printed nothing for a while: shows the last of the lines that are held back, because it may
+// wait for an answer to them. Later lines are shown as those of a new process are.
+void OutputLinesRelease(OutputLines& lines);
+
 // What the pane shows after the last whole line: the text of a process after its last line break (a prompt, or a line
 // that is still printed), or how many lines are held back. Empty: nothing.
 std::wstring OutputLinesUnfinished(const OutputLines& lines);

@@ -181,9 +181,15 @@ TEST(Build, RefusalsSayWhy) {
 
 // Of a long output the pane has the first and the last lines; between them it leads to the rest, which the log has.
 TEST(Build, EveryLineOfAFloodInOrder) {
-    FakeFolder folder("print first\nflood 20000\nprint last\nexit 0\n");
+    FakeFolder folder("");
+    folder.Script("print first\nflood 20000\nprint last\nraw More? \nawait " + Utf8(folder.File(L"more")) +
+                  "\nexit 0\n");
     Editor editor(folder, OpenArgument(folder.Write(L"a.bas", kHello)) + L" --compiler kvxa64");
-    const std::wstring text = Build(editor);
+    editor.Do(IDM_BUILD);
+    EXPECT_TRUE(editor.AwaitOutput(L"\nlast\nMore? ", kBuildDeadline)) << "a question is shown with what is before it";
+    folder.Write(L"more", "");
+    EXPECT_TRUE(WaitFor([&] { return !Busy(editor); }, kBuildDeadline));
+    const std::wstring text = editor.Output();
     std::size_t at = text.find(L"\nfirst\n");
     ASSERT_NE(at, std::wstring::npos) << Utf8(text.substr(0, 500));
     at += 7;
