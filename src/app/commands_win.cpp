@@ -13,6 +13,7 @@
 #include "documents/editor_format.h"
 #include "documents/editor_pane.h"
 #include "documents/file_commands.h"
+#include "documents/file_work.h"
 #include "output/output_pane.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
@@ -187,7 +188,7 @@ void MainWnd_OnCommand(int command, int notification, HWND control) {
         if (command == IDM_DEBUG_STOP || command == IDM_DEBUG_BUTTON_STOP) DebugStopWaiting(false);
         return;
     }
-    if (LongWorkRuns()) return;
+    if (LongWorkRuns() || FileWorkRuns()) return;
     // F5 is the key of Build & Run; while a program stands, it is expected to go on.
     if (command == IDM_BUILD_RUN && FlowIsStopped(DebugFlowNow())) command = IDM_DEBUG_CONTINUE;
     // A key or a posted command may come when the command is not possible; the table decides, not the sender.

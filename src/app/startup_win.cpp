@@ -12,6 +12,7 @@
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
 #include "documents/file_commands.h"
+#include "documents/file_work.h"
 #include "documents/save_rules.h"
 #include "files/file_io.h"
 #include "resources/ids.h"
@@ -183,6 +184,10 @@ static void TellNotSaved() {
 
 void MainWnd_OnClose(HWND window) {
     if (LongWorkRuns()) return;
+    if (FileWorkRuns()) {
+        FileWorkCancel(true);
+        return;
+    }
     if (DebugIsWaiting()) {
         DebugStopWaiting(true);
         return;

@@ -1,8 +1,34 @@
-// Reads a file into a document's editor. UI thread only.
+// Reads a file for a document: a small one at once, a large one piece by piece on a worker, with progress, into a
+// Scintilla document of its own that the editor takes over when all is there. UI thread only.
 #pragma once
 
+#include "base/handles.h"
 #include "documents/document.h"
+#include "documents/load_rules.h"
 
-// Reads the file `tab.path` into `tab.editor` and sets `tab.encoding` and `tab.lineEnding`. Returns false when the file
-// cannot be read or the editor does not hold all of it; the editor's text is then undefined.
-bool TabLoadFile(DocumentTab& tab);
+#include <ILoader.h>
+
+#include <cstddef>
+#include <memory>
+
+struct LoaderRelease {
+    void operator()(Scintilla::ILoader* loader) const { loader->Release(); }
+};
+using LoaderOwner = std::unique_ptr<Scintilla::ILoader, LoaderRelease>;
+
+// A file that has been read and is not shown yet.
+struct LoadedFile {
+    TextEncoding encoding = TextEncoding::Utf8;
+    LineEnding lineEnding = LineEnding::CrLf;
+    DiskForm form;
+    bool plain = false;     // must be shown without colours, folding and word wrap
+    HeapBlock<char> bytes;  // of a small file; null: `loader` has the text
+    std::size_t length = 0;
+    LoaderOwner loader;
+};
+
+// Reads the file. `label` is its name for the progress, `editor` the pane that will show it, which is not changed.
+LoadEnd DocumentRead(HWND editor, const wchar_t* path, const wchar_t* label, LoadedFile* file);
+// Replaces the text of `tab.editor` by what was read, and sets what the record says about the file. False when the
+// editor does not hold all of it; its text is then undefined.
+bool DocumentShow(DocumentTab& tab, LoadedFile file);

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "documents/documents_state.h"
+#include "documents/load_rules.h"
 #include "documents/row_rules.h"
 
 #include <windows.h>
@@ -27,8 +28,9 @@ DocumentId ActiveDocumentId();             // 0: none
 std::vector<RowEntry> DocumentRowEntries();
 
 // Adds a document with its own editor at the end of the row, and reads the file when `path` is not empty. Does not show
-// it. Returns its index, or -1 when the file could not be read or no window could be made.
-int TabBarAdd(const wchar_t* path, const wchar_t* label);
+// it. Returns its index, or -1 when the file could not be read or no window could be made. `why` (may be null) tells how
+// the reading ended, when there was a file to read. Reading a large file handles paints and Esc meanwhile.
+int TabBarAdd(const wchar_t* path, const wchar_t* label, LoadEnd* why = nullptr);
 
 // Shows a document. Returns 1, or 0 for an index out of range.
 int TabBarSelect(int index);

@@ -39,7 +39,8 @@ constexpr int ScintillaEol(LineEnding ending) {
 void CheckLanguage(int index) {
     const DocumentTab& tab = TabAt(index);
     if (!tab.hasFile || g_scintilla.createLexer == nullptr) return;
-    const LanguageLexer& wanted = LexerOf(LexerFromExtension(tab.path));
+    const bool plain = EditorPaneIsPlain(tab.editor);
+    const LanguageLexer& wanted = LexerOf(plain ? Language::None : LexerFromExtension(tab.path));
     char current[64] = "";
     if (SciSend(tab.editor, SCI_GETLEXER) != 0 && SciSend(tab.editor, SCI_GETLEXERLANGUAGE) < 64)
         SciSend(tab.editor, SCI_GETLEXERLANGUAGE, 0, reinterpret_cast<LPARAM>(current));
@@ -101,7 +102,7 @@ std::vector<RowEntry> DocumentRowEntries() {
 
 DocumentId ActiveDocumentId() { return IsTabIndex(g_documents.activeTab) ? TabAt(g_documents.activeTab).id : 0; }
 
-int TabBarAdd(const wchar_t* path, const wchar_t* label) {
+int TabBarAdd(const wchar_t* path, const wchar_t* label, LoadEnd* why) {
     DocumentTab tab;
     tab.hasFile = path != nullptr && path[0] != L'\0';
     if (tab.hasFile) SafeCopyW(tab.path, path);
@@ -111,9 +112,15 @@ int TabBarAdd(const wchar_t* path, const wchar_t* label) {
     tab.editor = EditorPaneCreate(g_ui.hInstance, g_ui.hMainWnd, g_nextEditorId);
     if (tab.editor == nullptr) return -1;
     ++g_nextEditorId;
-    if (tab.hasFile && !TabLoadFile(tab)) {
-        DestroyWindow(tab.editor);
-        return -1;
+    if (tab.hasFile) {
+        LoadedFile file;
+        LoadEnd end = DocumentRead(tab.editor, tab.path, tab.label, &file);
+        if (end == LoadEnd::Done && !DocumentShow(tab, std::move(file))) end = LoadEnd::NoMemory;
+        if (why != nullptr) *why = end;
+        if (end != LoadEnd::Done) {
+            DestroyWindow(tab.editor);
+            return -1;
+        }
     }
     tab.id = g_nextDocument++;
     if (tab.hasFile) tab.identity = FileIdentityOf(tab.path);
@@ -133,6 +140,7 @@ void TellDocumentForm(int index) {
     if (!IsTabIndex(index)) return;
     const std::wstring notice = FormNotice(TabAt(index));
     if (!notice.empty()) g_events.documentNotice(notice.c_str());
+    if (EditorPaneIsPlain(TabAt(index).editor)) g_events.documentNotice(PlainNotice(TabAt(index).label).c_str());
 }
 
 void TabBarSyncActiveEditor() {

@@ -34,6 +34,16 @@ void EditorPaneBeginLoad(HWND editor, std::size_t expectedLength);
 void EditorPaneAppendLoad(HWND editor, std::string_view utf8);
 void EditorPaneEndLoad(HWND editor);
 
+// Makes the pane show a Scintilla document that SCI_CREATELOADER has made, and takes it over. The pane then needs
+// EditorPaneInit and EditorPaneApplySettings, because lexer and tabs belong to the document.
+void EditorPaneSetDocument(HWND editor, void* document);
+
+// A plain pane has no lexer, no folding and no word wrap, whatever the file's name and the settings say: a line of
+// megabytes or a text of a gigabyte would not answer with them. Takes effect with the next EditorPaneInit and
+// EditorPaneApplySettings.
+void EditorPaneSetPlain(HWND editor, bool plain);
+bool EditorPaneIsPlain(HWND editor);
+
 // Sets the caret's style and a colour that can be seen on the background, moves the caret into the view and scrolls to
 // it. With a selection nothing moves, because the selection would be lost; nor while a mouse button goes down on the
 // pane, because the click is meant for what the view shows. When the window has the keyboard focus, Scintilla is told

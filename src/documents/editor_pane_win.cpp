@@ -103,7 +103,7 @@ void EditorPaneCheckLineMargin(HWND editor) {
 
 void EditorPaneApplySettings(HWND editor) {
     if (editor == nullptr) return;
-    ApplyPaneSettings(editor, PaneSettingsOf(g_settings));
+    ApplyPaneSettings(editor, PaneSettingsOf(g_settings, EditorPaneIsPlain(editor)));
     EditorPaneUpdateLineMargin(editor);  // after the zoom, because its width depends on it
     ApplyChangeMargin(editor, g_settings.showChangeMargin != 0);
     EditorPaneEnsureCaretVisible(editor);

@@ -53,6 +53,22 @@ void EditorPaneAppendLoad(HWND editor, std::string_view utf8) {
     if (!utf8.empty()) SciSend(editor, SCI_APPENDTEXT, utf8.size(), reinterpret_cast<LPARAM>(utf8.data()));
 }
 
+void EditorPaneSetDocument(HWND editor, void* document) {
+    SciSend(editor, SCI_SETDOCPOINTER, 0, reinterpret_cast<LPARAM>(document));
+    SciSend(editor, SCI_RELEASEDOCUMENT, 0, reinterpret_cast<LPARAM>(document));  // the pane holds it now
+    EditorPaneSetUp(editor);  // the code page and others belong to the document
+    EditorPaneEndLoad(editor);
+}
+
+void EditorPaneSetPlain(HWND editor, bool plain) {
+    if (PaneState* state = PaneStateOf(editor); state != nullptr) state->plain = plain;
+}
+
+bool EditorPaneIsPlain(HWND editor) {
+    const PaneState* state = PaneStateOf(editor);
+    return state != nullptr && state->plain;
+}
+
 void EditorPaneEndLoad(HWND editor) {
     SciSend(editor, SCI_EMPTYUNDOBUFFER, 0, 0);
     SciSend(editor, SCI_SETUNDOCOLLECTION, TRUE, 0);

@@ -6,7 +6,9 @@
 #include "base/handles.h"
 #include "base/log.h"
 #include "base/path.h"
+#include "base/wide_format.h"
 #include "documents/caret_place.h"
+#include "documents/document_load.h"
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
 #include "documents/file_dialogs.h"
@@ -22,6 +24,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -84,13 +87,29 @@ bool MayDiscardChanges(const DocumentTab& document) {
 // auto-save timer's, for example) cuts the file too.
 void UnbindCutDocument(int tab) {
     DocumentTab& document = TabAt(tab);
-    const std::wstring path{document.path};
     document.path[0] = L'\0';
     document.hasFile = false;
     document.modified = true;
     document.mustSave = true;
     TabBarUpdateTitle(tab);
-    ErrorMessage(L"Failed to reload file: %s", path.c_str());
+}
+
+// Puts what was read from its file into a document of the row. False when the editor does not hold all of it.
+bool ShowReloaded(int tab, LoadedFile file) {
+    DocumentTab& document = TabAt(tab);
+    const bool newDocument = file.bytes == nullptr || file.plain != EditorPaneIsPlain(document.editor);
+    const ViewPosition view = CaptureView(document.editor);
+    g_events.textLeaving(document.id);
+    const bool whole = DocumentShow(document, std::move(file));
+    document.identity = FileIdentityOf(document.path);
+    TabBarUpdateLineEnding(tab);
+    if (newDocument) {
+        EditorPaneInit(document.editor, document.compilerId);
+        EditorPaneApplySettings(document.editor);
+    }
+    g_events.textArrived(document.id);
+    if (whole) RestoreView(document.editor, view);
+    return whole;
 }
 
 // Gives an editor that is not shown the place of the one that is, because the first visible line and wrapping depend on
@@ -114,9 +133,13 @@ Opened ShowDocument(const wchar_t* file, bool quiet) {
     }
     wchar_t label[kLabelCapacity];
     PathGetFile(file, label, kLabelCapacity);
-    const int tab = TabBarAdd(file, label);
+    LoadEnd why = LoadEnd::Unreadable;
+    const int tab = TabBarAdd(file, label, &why);
     if (tab < 0) {
-        if (!quiet) ErrorMessage(L"Failed to open file: %s", file);
+        if (why == LoadEnd::Cancelled)
+            g_events.statusText(FormatW(L"Opening %s was cancelled", label).c_str());
+        else if (!quiet)
+            ErrorMessage(L"Failed to open file: %s%s", file, LoadFailureText(why).c_str());
         return Opened::Failed;
     }
     TabBarSelect(tab);
@@ -188,33 +211,21 @@ int FileReload(int tab) {
     const bool mayDiscard = MayDiscardChanges(TabAt(tab));
     tab = TabBarFindDocument(id);  // messages were handled while the box was open
     if (!mayDiscard || tab < 0 || !TabAt(tab).hasFile) return 0;
-    DocumentTab& document = TabAt(tab);
-    std::size_t length = 0;
-    TextEncoding encoding = document.encoding;
-    LineEnding lineEnding = document.lineEnding;
-    DiskForm form;
-    const HeapBlock<char> text{ReadSourceFileForEditor(document.path, &length, &encoding, &lineEnding, &form)};
-    if (!text) {
-        ErrorMessage(L"Failed to reload file: %s", document.path);
-        return 0;
-    }
-    document.encoding = encoding;
-    document.lineEnding = lineEnding;
-    document.form = form;
-    document.formConfirmed = false;
-    document.identity = FileIdentityOf(document.path);
-    TabBarUpdateLineEnding(tab);
-    const ViewPosition view = CaptureView(document.editor);
-    g_events.textLeaving(document.id);
-    EditorPaneSetBytes(document.editor, {text.get(), length});
-    g_events.textArrived(document.id);
-    if (static_cast<std::size_t>(SciSend(document.editor, SCI_GETLENGTH)) != length) {
+    const std::wstring path{TabAt(tab).path};
+    LoadedFile file;
+    LoadEnd end = DocumentRead(TabAt(tab).editor, path.c_str(), std::wstring{TabAt(tab).label}.c_str(), &file);
+    tab = TabBarFindDocument(id);
+    if (tab < 0 || end == LoadEnd::Cancelled) return 0;
+    if (end == LoadEnd::Done && !ShowReloaded(tab, std::move(file))) {
+        end = LoadEnd::NoMemory;
         UnbindCutDocument(tab);
+    }
+    if (end != LoadEnd::Done) {
+        ErrorMessage(L"Failed to reload file: %s%s", path.c_str(), LoadFailureText(end).c_str());
         return 0;
     }
-    RestoreView(document.editor, view);
-    document.modified = false;
-    document.mustSave = false;
+    TabAt(tab).modified = false;
+    TabAt(tab).mustSave = false;
     TabBarUpdateTitle(tab);
     TellDocumentForm(tab);
     return 1;

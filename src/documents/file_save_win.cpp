@@ -10,6 +10,7 @@
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
 #include "documents/file_dialogs.h"
+#include "documents/file_work.h"
 #include "documents/save_rules.h"
 #include "documents/theme.h"
 #include "files/file_io.h"
@@ -23,6 +24,7 @@
 #include <iterator>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -120,6 +122,31 @@ FormChoice AskForm(DocumentId document, FileBinding& binding) {
     });
 }
 
+// What the worker and the window share.
+struct SaveJob {
+    EditorText text;
+    FileBinding binding;
+    std::shared_ptr<FileProgress> progress = std::make_shared<FileProgress>();
+    SaveReport report;
+};
+
+// Writes the text on a worker. The document cannot be changed meanwhile, so that what was written is what it shows.
+SaveReport WriteOnWorker(DocumentId document, EditorText text, const FileBinding& binding) {
+    const auto job = std::make_shared<SaveJob>();
+    job->text = std::move(text);
+    job->binding = binding;
+    const HWND editor = TabAt(TabBarFindDocument(document)).editor;
+    SciSend(editor, SCI_SETREADONLY, TRUE);
+    const bool ended =
+        FileWorkRun({.verb = L"Saving", .label = binding.label, .progress = job->progress, .work = [job] {
+                         const FileBinding& to = job->binding;
+                         WriteSourceFileFromEditor(to.path, job->text.bytes.get(), job->text.length, to.encoding,
+                                                   to.lineEnding, to.form, &job->report, job->progress.get());
+                     }});
+    if (TabBarFindEditor(editor) >= 0) SciSend(editor, SCI_SETREADONLY, FALSE);
+    return ended ? job->report : SaveReport{.end = SaveEnd::Cancelled};
+}
+
 // Writes the document to the file of `binding`, then binds the document to that file. When the save fails, the document
 // keeps its old binding, so that the next save does not take an unfinished file for its own. Returns 1 or 0.
 int SaveAsBound(DocumentId document, FileBinding binding) {
@@ -139,14 +166,18 @@ int SaveAsBound(DocumentId document, FileBinding binding) {
     if (asked) text = TakeText(document);
     if (!encoding || !text.bytes) return 0;
     binding.encoding = *encoding;
-    SaveReport report;
-    if (!WriteSourceFileFromEditor(binding.path, text.bytes.get(), text.length, binding.encoding, binding.lineEnding,
-                                   binding.form, &report)) {
-        MarkUnsaved(TabBarFindDocument(document), binding.path);
+    const SaveReport report = WriteOnWorker(document, std::move(text), binding);
+    const int tab = TabBarFindDocument(document);
+    if (report.end == SaveEnd::Cancelled) {
+        g_events.statusText(FormatW(L"Saving %s was cancelled; the file is as it was", binding.label).c_str());
+        return 0;
+    }
+    if (report.end != SaveEnd::Saved) {
+        MarkUnsaved(tab, binding.path);
         TellFailedSave(binding.path, report);
         return 0;
     }
-    const int tab = TabBarFindDocument(document);
+    if (tab < 0) return 0;
     binding.form.inexact = false;  // the file now holds what the text says
     static_cast<FileBinding&>(TabAt(tab)) = binding;
     TabAt(tab).modified = false;

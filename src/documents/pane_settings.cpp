@@ -53,7 +53,7 @@ PaneSettings VirtualSpaceSettings(bool on) {
     return {{SCI_GETVIRTUALSPACEOPTIONS, SCI_SETVIRTUALSPACEOPTIONS, on ? kVirtualSpace : SCVS_NONE}};
 }
 
-PaneSettings PaneSettingsOf(const Settings& settings) {
+PaneSettings PaneSettingsOf(const Settings& settings, bool plain) {
     PaneSettings out;
     // The setting may be 0 or less, which Scintilla does not take as a tab width.
     if (settings.tabWidth > 0) {
@@ -67,7 +67,8 @@ PaneSettings PaneSettingsOf(const Settings& settings) {
     // Replaces the column just set: the line is at column 80 or absent.
     Append(out, EdgeLineSettings(settings.showEdgeLine != 0));
     Append(out, VirtualSpaceSettings(settings.enableVirtualSpace != 0));
-    out.push_back({SCI_GETWRAPMODE, SCI_SETWRAPMODE, settings.wordWrap != 0 ? SC_WRAP_WORD : SC_WRAP_NONE});
+    const bool wrap = settings.wordWrap != 0 && !plain;
+    out.push_back({SCI_GETWRAPMODE, SCI_SETWRAPMODE, wrap ? SC_WRAP_WORD : SC_WRAP_NONE});
     out.push_back({SCI_GETVIEWWS, SCI_SETVIEWWS, settings.showWhitespace != 0 ? SCWS_VISIBLEALWAYS : SCWS_INVISIBLE});
     out.push_back({SCI_GETINDENTATIONGUIDES, SCI_SETINDENTATIONGUIDES,
                    settings.showIndentGuides != 0 ? SC_IV_LOOKBOTH : SC_IV_NONE});

@@ -23,7 +23,8 @@ PaneSettings EdgeLineSettings(bool on);      // at column 80, or no line
 PaneSettings VirtualSpaceSettings(bool on);  // lets the caret go beyond the end of a line
 
 // Tabs, zoom, edge line, virtual space, wrap, white space and indentation guides, in the order in which they are set.
-PaneSettings PaneSettingsOf(const Settings& settings);
+// `plain`: without word wrap.
+PaneSettings PaneSettingsOf(const Settings& settings, bool plain);
 
 // A block caret of that colour (0xBBGGRR) that does not blink, on a highlighted line.
 PaneSettings CaretSettings(std::uint32_t colour);

@@ -31,6 +31,7 @@ struct PaneState {
     StickyCache sticky;           // knowledge about the procedure lines above the caret
     LineMarginBasis lineMargin;   // the values for which the margin was last measured
     LRESULT coloured = 0;         // everything before this position (bytes) is coloured
+    bool plain = false;           // EditorPaneSetPlain
     bool colouring = false;       // the timer for idle colouring runs
     ULONGLONG changedAt = 0;      // tick count of the last change of the text
     std::size_t colourChunk = 0;  // bytes that one idle slice colours

@@ -73,7 +73,8 @@ std::wstring FailedSaveText(const wchar_t* path, const SaveReport& report, const
                             const std::wstring& copy) {
     std::wstring text = std::wstring{L"Failed to save file: "} + path + L"\n\n";
     switch (report.end) {
-        case SaveEnd::Saved: break;
+        case SaveEnd::Saved:
+        case SaveEnd::Cancelled: break;
         case SaveEnd::NotEncoded: text += L"There is not enough memory to convert the text."; break;
         case SaveEnd::ReadOnly: text += L"The file is read-only."; break;
         case SaveEnd::NoCopy:

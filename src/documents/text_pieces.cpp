@@ -1,4 +1,4 @@
-// Reads a UTF-8 file in pieces that end between two characters. Pure.
+// Reads a file in pieces that end between two characters. Pure.
 #include "documents/text_pieces.h"
 
 #include "base/utf8.h"
@@ -6,6 +6,43 @@
 
 #include <algorithm>
 #include <memory>
+
+namespace {
+
+constexpr std::size_t kLookedAt = 64 << 10;  // bytes that tell UTF-16
+constexpr std::size_t kMostKept = 3;         // bytes of an unfinished character
+
+// Takes the bytes for UTF-16 or UTF-8 by the first piece, and removes a byte-order mark of UTF-16.
+void Guess(std::string_view& first, PiecesResult& result) {
+    const Utf16Kind kind = Utf16KindOf(first.substr(0, kLookedAt));
+    result.form.utf16 = kind.order;
+    result.form.mark = kind.mark;
+    if (kind.mark) first.remove_prefix(2);
+}
+
+std::size_t WholePart(const TextSource& source, const PiecesResult& result, std::string_view bytes) {
+    if (result.form.utf16 != Utf16Order::None) return WholeUtf16(bytes, result.form.utf16);
+    return result.encoding == TextEncoding::Ansi ? source.wholeAnsi(bytes) : WholeCharacters(bytes);
+}
+
+// `*utf8` gets the piece as UTF-8: the bytes themselves or `buffer`. False when the bytes are not of that encoding.
+bool Decode(const TextSource& source, PiecesResult& result, std::string_view bytes, std::string& buffer,
+            std::string_view* utf8) {
+    *utf8 = bytes;
+    if (result.form.utf16 == Utf16Order::None && result.encoding == TextEncoding::Utf8)
+        return IsValidUtf8Bytes(bytes.data(), bytes.size());
+    buffer.clear();
+    bool exact = true;
+    const bool decoded = result.form.utf16 != Utf16Order::None ? AppendUtf16AsUtf8(bytes, result.form.utf16, buffer)
+                                                               : source.decodeAnsi(bytes, &buffer, &exact);
+    result.form.inexact = result.form.inexact || !exact;
+    *utf8 = buffer;
+    return decoded;
+}
+
+bool IsBreak(char c) { return c == '\n' || c == '\r'; }
+
+}  // namespace
 
 void FirstBreak::Look(std::string_view piece) {
     if (found_ || piece.empty()) return;
@@ -21,30 +58,66 @@ void FirstBreak::Look(std::string_view piece) {
     found_ = !pendingCr_;
 }
 
-PiecesResult MoveTextPieces(const TextSource& source) {
+void LongestLine::Look(std::string_view piece) {
+    while (!piece.empty()) {
+        // The last break before the line would become long: what comes before it needs no look.
+        const std::size_t room = std::min(piece.size(), kLongLine - std::min(line_, kLongLine));
+        std::size_t last = room;
+        while (last > 0 && !IsBreak(piece[last - 1])) --last;
+        if (last > 0) {
+            line_ = 0;
+            piece.remove_prefix(last);
+            continue;
+        }
+        std::size_t end = room;
+        while (end < piece.size() && !IsBreak(piece[end])) ++end;
+        line_ += end;
+        longest_ = std::max(longest_, line_);
+        if (end < piece.size()) {  // a break
+            line_ = 0;
+            ++end;
+        }
+        piece.remove_prefix(end);
+    }
+}
+
+PiecesResult MoveTextPieces(const TextSource& source, PieceCode code, const PiecesLimits& limits) {
     PiecesResult result;
-    const auto piece = std::make_unique<char[]>(kTextPiece + 3);
+    result.encoding = code == PieceCode::Ansi ? TextEncoding::Ansi : TextEncoding::Utf8;
+    const auto piece = std::make_unique<char[]>(kTextPiece + kMostKept);
+    std::string buffer;
     std::size_t kept = 0;  // bytes of an unfinished character, at the start of the piece
     FirstBreak lineBreak;
-    for (bool atEnd = false; !atEnd;) {
+    LongestLine longest;
+    const auto endWith = [&](PiecesEnd end) {
+        result.end = end;
+        result.lineEnding = lineBreak.Ending();
+        result.longLine = longest.Length() >= kLongLine;
+        return result;
+    };
+    bool first = true;
+    for (bool atEnd = false; !atEnd; first = false) {
         const std::optional<std::size_t> read = source.read(piece.get() + kept, kTextPiece);
-        if (!read) return result;
+        if (!read) return endWith(PiecesEnd::Failed);
         atEnd = *read == 0;
-        const std::string_view bytes{piece.get(), kept + *read};
-        const std::string_view whole = atEnd ? bytes : bytes.substr(0, WholeCharacters(bytes));
-        const bool isUtf16 = result.length == 0 && Utf16KindOf(whole).order != Utf16Order::None;
-        if (isUtf16 || !IsValidUtf8Bytes(whole.data(), whole.size())) {
-            result.end = PiecesEnd::NotUtf8;
-            return result;
-        }
-        lineBreak.Look(whole);
-        result.holdsNul = result.holdsNul || whole.find('\0') != std::string_view::npos;
-        if (!whole.empty()) source.append(whole);
-        result.length += whole.size();
+        std::string_view bytes{piece.get(), kept + *read};
+        if (first && code == PieceCode::Guess) Guess(bytes, result);
+        const std::string_view whole = atEnd ? bytes : bytes.substr(0, WholePart(source, result, bytes));
+        std::string_view utf8;
+        if (!Decode(source, result, whole, buffer, &utf8)) return endWith(PiecesEnd::OtherCode);
+        lineBreak.Look(utf8);
+        longest.Look(utf8);
+        result.form.keepBreaks = result.form.keepBreaks || utf8.find('\0') != std::string_view::npos;
+        if (utf8.size() > limits.text - result.length) return endWith(PiecesEnd::TextTooLong);
+        if (longest.Length() > limits.line) return endWith(PiecesEnd::LineTooLong);
+        if (!utf8.empty() && !source.append(utf8)) return endWith(PiecesEnd::Refused);
+        result.length += utf8.size();
         kept = bytes.size() - whole.size();
         std::copy_n(bytes.data() + whole.size(), kept, piece.get());
     }
-    result.end = PiecesEnd::Done;
-    result.lineEnding = lineBreak.Ending();
-    return result;
+    return endWith(PiecesEnd::Done);
+}
+
+PieceCode NextPieceCode(const PiecesResult& result) {
+    return result.form.utf16 != Utf16Order::None ? PieceCode::Utf8 : PieceCode::Ansi;
 }

@@ -78,7 +78,8 @@ COLORREF ThemeAssemblyColour() { return RoleColourRef(CurrentTheme(), TextRole::
 
 void SyntaxThemeApply(HWND editor, std::uint32_t compilerId, const wchar_t* path) {
     if (editor == nullptr) return;
-    const Language language = LexerFromExtension(path != nullptr ? path : L"");
+    const bool plain = EditorPaneIsPlain(editor);
+    const Language language = plain ? Language::None : LexerFromExtension(path != nullptr ? path : L"");
     const ThemeInputs theme = CurrentTheme();
     const bool lexed = ApplyLexer(editor, language, compilerId);
     const bool folding = lexed && SciSend(editor, SCI_GETLENGTH, 0, 0) <= kLargestFolded;
@@ -87,6 +88,8 @@ void SyntaxThemeApply(HWND editor, std::uint32_t compilerId, const wchar_t* path
 
     const std::string font = ToUtf8(g_settings.fontName);
     SciSend(editor, SCI_STYLESETFONT, STYLE_DEFAULT, reinterpret_cast<LPARAM>(font.c_str()));
+    // A plain pane has lines of megabytes. With a monospaced font Scintilla then need not measure their ASCII text.
+    SciSend(editor, SCI_STYLESETCHECKMONOSPACED, STYLE_DEFAULT, plain);
     SendAll(editor, DefaultStyleMessages(theme));
     if (lexed) SendAll(editor, TextStyleMessages(theme, LexerOf(language)));
     SendAll(editor, FrameStyleMessages(theme));

@@ -10,6 +10,8 @@
 #include <string>
 #include <string_view>
 
+struct FileProgress;
+
 bool FileExists(const wchar_t* path);  // false for a folder
 
 // Reads the bytes of a file, whatever their encoding, and appends a NUL that `length` does not count. Returns a new
@@ -35,9 +37,11 @@ bool DecodeCodePage(unsigned codePage, std::string_view bytes, std::string* utf8
 
 // Saves a source file with the given encoding, line ending and form. The new text is flushed to a recovery copy before
 // the target is truncated. The copy is deleted once the target has been read back and compared, and stays when the save
-// failed (files/recovery.h). Returns false when the save failed; `report` (may be null) tells why.
+// failed (files/recovery.h). Returns false when the save failed; `report` (may be null) tells why. `progress` (may be
+// null) shows how far it is, and can stop it until the target is about to be truncated.
 bool WriteSourceFileFromEditor(const wchar_t* path, const char* utf8, std::size_t length, TextEncoding encoding,
-                               LineEnding lineEnding, const DiskForm& form = {}, SaveReport* report = nullptr);
+                               LineEnding lineEnding, const DiskForm& form = {}, SaveReport* report = nullptr,
+                               FileProgress* progress = nullptr);
 
 // The byte offset of the first character that the ANSI code page cannot hold, or -1 when it can hold all of them.
 std::ptrdiff_t AnsiFirstUnmappable(std::string_view utf8);

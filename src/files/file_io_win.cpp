@@ -56,6 +56,22 @@ UniqueHandle OpenToWrite(const std::wstring& systemPath, const WriteHow& how) {
     }
 }
 
+bool WritePieces(HANDLE file, std::string_view bytes, FileProgress* progress) {
+    constexpr std::size_t kPiece = 4 << 20;
+    while (!bytes.empty()) {
+        if (progress != nullptr && progress->cancel && progress->mayCancel) {
+            SetLastError(ERROR_CANCELLED);
+            return false;
+        }
+        const auto piece = static_cast<DWORD>(std::min(bytes.size(), kPiece));
+        DWORD taken = 0;
+        if (WriteFile(file, bytes.data(), piece, &taken, nullptr) == FALSE || taken != piece) return false;
+        if (progress != nullptr) progress->done += piece;
+        bytes.remove_prefix(piece);
+    }
+    return true;
+}
+
 // A file system that does not support flushing counts as flushed.
 bool FlushWritten(HANDLE file) {
     return FlushFileBuffers(file) != FALSE || GetLastError() == ERROR_INVALID_FUNCTION ||
@@ -101,10 +117,7 @@ bool WriteWholeFile(const std::wstring& systemPath, std::string_view bytes, cons
         const UniqueHandle file = OpenToWrite(systemPath, how);
         opened = static_cast<bool>(file);
         if (how.opened != nullptr) *how.opened = opened;
-        DWORD taken = 0;
-        written = opened &&
-                  WriteFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &taken, nullptr) != FALSE &&
-                  taken == bytes.size() && (!how.flush || FlushWritten(file.Get()));
+        written = opened && WritePieces(file.Get(), bytes, how.progress) && (!how.flush || FlushWritten(file.Get()));
     }
     const DWORD error = GetLastError();
     if (opened && !written && how.removeFailed) DeleteFileW(systemPath.c_str());

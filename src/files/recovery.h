@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+struct FileProgress;
+
 // --- recovery.cpp: pure
 // "demo.bas" of C:\src becomes "demo [1f00c0de-3a4-2].bas". The tag is a hash of the path without regard to case, the
 // id of the process and a number.
@@ -47,7 +49,9 @@ private:
 
 // Writes the copy and flushes it to the disk. When the user's folder cannot take it, it is written beside the target.
 // Returns false when neither place can take it; no part of it is left then.
-bool RecoveryWrite(const wchar_t* target, const char* bytes, std::size_t length, RecoveryCopy* copy);
+// `progress` (may be null) counts the bytes and can stop it.
+bool RecoveryWrite(const wchar_t* target, const char* bytes, std::size_t length, RecoveryCopy* copy,
+                   FileProgress* progress = nullptr);
 // After a successful save: deletes this copy, and those that failed saves of the same target have left in this process.
 void RecoveryDiscard(const wchar_t* target, const RecoveryCopy& copy);
 // After a failed save: the copy stays, and those of earlier failed saves of the same target are deleted. An empty copy

@@ -15,8 +15,9 @@ KeptCopies g_kept;  // guarded by g_keptLock
 std::atomic<std::uint32_t> g_nextNumber{1};
 
 // A copy that cannot be written whole is deleted, because half a copy would mislead the user.
-bool WriteCopy(const std::wstring& path, std::string_view bytes) {
-    return WriteWholeFile(PathForSystem(path.c_str()), bytes, {.disposition = CREATE_NEW, .removeFailed = true});
+bool WriteCopy(const std::wstring& path, std::string_view bytes, FileProgress* progress) {
+    return WriteWholeFile(PathForSystem(path.c_str()), bytes,
+                          {.disposition = CREATE_NEW, .removeFailed = true, .progress = progress});
 }
 
 void DeleteCopy(const RecoveryCopy& copy) {
@@ -34,7 +35,7 @@ std::wstring FreeName(const std::wstring& folder, const wchar_t* target) {
     return path;
 }
 
-bool WriteInUserFolder(const wchar_t* target, const char* bytes, std::size_t length, RecoveryCopy* copy) {
+bool WriteInUserFolder(const wchar_t* target, std::string_view bytes, RecoveryCopy* copy, FileProgress* progress) {
     const std::wstring folder = RecoveryFolder();
     if (folder.empty()) return false;
     const std::string note = ToUtf8(target);
@@ -42,7 +43,7 @@ bool WriteInUserFolder(const wchar_t* target, const char* bytes, std::size_t len
     const RecoveryCopy wanted{.path = path, .notePath = path + L".path"};
     // The ".path" file is written first, so that no copy is without one.
     const bool written =
-        WriteFileUtf8(wanted.notePath.c_str(), note.data(), note.size()) && WriteCopy(wanted.path, {bytes, length});
+        WriteFileUtf8(wanted.notePath.c_str(), note.data(), note.size()) && WriteCopy(wanted.path, bytes, progress);
     if (!written) {
         DeleteFileW(PathForSystem(wanted.notePath.c_str()).c_str());
         return false;
@@ -59,14 +60,16 @@ std::wstring RecoveryFolder() {
     return !parent.empty() && EnsureFolder(folder) ? folder + L'\\' : std::wstring{};
 }
 
-bool RecoveryWrite(const wchar_t* target, const char* bytes, std::size_t length, RecoveryCopy* copy) {
+bool RecoveryWrite(const wchar_t* target, const char* bytes, std::size_t length, RecoveryCopy* copy,
+                   FileProgress* progress) {
     *copy = {};
-    if (WriteInUserFolder(target, bytes, length, copy)) return true;
+    if (WriteInUserFolder(target, {bytes, length}, copy, progress)) return true;
+    if (progress != nullptr && progress->cancel) return false;
     // The volume of the user's folder may be full or gone, while the target's own volume has room.
     std::wstring folder{target};
     folder.resize(folder.rfind(L'\\') + 1);  // npos + 1 is 0: the current folder
     const std::wstring beside = FreeName(folder, target);
-    if (!WriteCopy(beside, {bytes, length})) return false;
+    if (!WriteCopy(beside, {bytes, length}, progress)) return false;
     copy->path = beside;
     return true;
 }

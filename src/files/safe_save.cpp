@@ -20,11 +20,13 @@ SaveEnd Overwrite(const SaveSteps& steps) {
 SaveEnd SafeSave(const SaveTarget& target, const SaveSteps& steps) {
     // The copy is written first, also for a file that cannot be saved, because the user then has at least the copy.
     const bool copied = steps.writeCopy();
-    SaveEnd end = SaveEnd::ReadOnly;
     // The read-only attribute is checked here, because some systems let an administrator write in spite of it.
     // Without a copy, a file that holds something is not overwritten, because its old text is then the only text on a
     // disk.
-    if (!target.readOnly) end = copied || target.size == 0 ? Overwrite(steps) : SaveEnd::NoCopy;
+    const SaveEnd end = steps.isCancelled()          ? SaveEnd::Cancelled
+                        : target.readOnly            ? SaveEnd::ReadOnly
+                        : !copied && target.size > 0 ? SaveEnd::NoCopy
+                                                     : Overwrite(steps);
     if (end != SaveEnd::Saved) steps.keepCopy();
     return end;
 }

@@ -16,10 +16,11 @@ struct SaveTarget {
 enum class SaveCheck : std::uint8_t { Same, Different, Unreadable };  // the result of reading the file back
 
 struct SaveSteps {
-    std::function<bool()> writeCopy;   // writes the new text to a recovery copy, flushed
-    std::function<bool()> hasRoom;     // whether the volume can take the new text in place of the old one
-    std::function<bool()> overwrite;   // writes the new text to the file itself, flushed
-    std::function<SaveCheck()> check;  // only called when `overwrite` has succeeded
+    std::function<bool()> writeCopy;    // writes the new text to a recovery copy, flushed
+    std::function<bool()> isCancelled;  // asked for the last time before the file is touched
+    std::function<bool()> hasRoom;      // whether the volume can take the new text in place of the old one
+    std::function<bool()> overwrite;    // writes the new text to the file itself, flushed
+    std::function<SaveCheck()> check;   // only called when `overwrite` has succeeded
     std::function<void()> discardCopy;
     std::function<void()> keepCopy;  // also called when there is no copy
 };

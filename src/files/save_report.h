@@ -11,6 +11,7 @@ enum class SaveEnd : std::uint8_t {
     NoRoom,      // the volume is too full, so the old file was not touched
     NotOpened,   // the file could not be opened for writing and was not touched
     NotWritten,  // a part of the file may have been written
+    Cancelled,   // the user stopped it before the old file was touched
     Different,   // the file was written, but other bytes came back
 };
 

@@ -137,7 +137,8 @@ bool VolumeHasRoom(const wchar_t* path, const SaveTarget& target, std::size_t le
     return length - target.size <= available.QuadPart;
 }
 
-SaveCheck CompareWithFile(const std::wstring& systemPath, const char* bytes, std::size_t length) {
+SaveCheck CompareWithFile(const std::wstring& systemPath, const char* bytes, std::size_t length,
+                          FileProgress& progress) {
     const UniqueHandle file{CreateFileW(systemPath.c_str(), GENERIC_READ,
                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
                                         FILE_FLAG_SEQUENTIAL_SCAN, nullptr)};
@@ -150,10 +151,17 @@ SaveCheck CompareWithFile(const std::wstring& systemPath, const char* bytes, std
         if (read == 0) return offset == length ? SaveCheck::Same : SaveCheck::Different;
         if (read > length - offset || std::memcmp(chunk.get(), bytes + offset, read) != 0) return SaveCheck::Different;
         offset += read;
+        progress.done += read;
     }
 }
 
-SaveReport SaveBytes(const wchar_t* path, const char* bytes, std::size_t length) {
+// True when the save was cancelled. After false it can no longer be.
+bool IsCancelledAtLast(FileProgress& progress) {
+    progress.mayCancel = false;
+    return progress.cancel;
+}
+
+SaveReport SaveBytes(const wchar_t* path, const char* bytes, std::size_t length, FileProgress& progress) {
     const std::wstring systemPath = PathForSystem(path);
     const FoundTarget found = LookAtTarget(systemPath);
     RecoveryCopy copy;
@@ -164,18 +172,23 @@ SaveReport SaveBytes(const wchar_t* path, const char* bytes, std::size_t length)
         return done;
     };
     // Others may read the file meanwhile, because a program that only reads it should not keep the user from saving.
-    const WriteHow how{
-        .attributes = found.attributes, .sharing = FILE_SHARE_READ, .patience = kSavePatienceMs, .opened = &opened};
-    report.end =
-        SafeSave(found.target, {.writeCopy = [&] { return noteError(RecoveryWrite(path, bytes, length, &copy)); },
-                                .hasRoom = [&] { return VolumeHasRoom(path, found.target, length); },
-                                .overwrite =
-                                    [&] {
-                                        return noteError(WriteWholeFile(systemPath, {bytes, length}, how));
-                                    },
-                                .check = [&] { return CompareWithFile(systemPath, bytes, length); },
-                                .discardCopy = [&] { RecoveryDiscard(path, copy); },
-                                .keepCopy = [&] { RecoveryKeep(path, copy); }});
+    progress.total = 3 * static_cast<std::uint64_t>(length);  // the copy, the file, and reading it back
+    const WriteHow how{.attributes = found.attributes,
+                       .sharing = FILE_SHARE_READ,
+                       .patience = kSavePatienceMs,
+                       .progress = &progress,
+                       .opened = &opened};
+    report.end = SafeSave(found.target,
+                          {.writeCopy = [&] { return noteError(RecoveryWrite(path, bytes, length, &copy, &progress)); },
+                           .isCancelled = [&] { return IsCancelledAtLast(progress); },
+                           .hasRoom = [&] { return VolumeHasRoom(path, found.target, length); },
+                           .overwrite =
+                               [&] {
+                                   return noteError(WriteWholeFile(systemPath, {bytes, length}, how));
+                               },
+                           .check = [&] { return CompareWithFile(systemPath, bytes, length, progress); },
+                           .discardCopy = [&] { RecoveryDiscard(path, copy); },
+                           .keepCopy = [&] { RecoveryKeep(path, copy); }});
     if (report.end == SaveEnd::NotWritten && !opened) report.end = SaveEnd::NotOpened;
     return report;
 }
@@ -236,13 +249,15 @@ bool DecodeCodePage(unsigned codePage, std::string_view bytes, std::string* utf8
 }
 
 bool WriteSourceFileFromEditor(const wchar_t* path, const char* utf8, std::size_t length, TextEncoding encoding,
-                               LineEnding lineEnding, const DiskForm& form, SaveReport* report) {
+                               LineEnding lineEnding, const DiskForm& form, SaveReport* report,
+                               FileProgress* progress) {
     if (report != nullptr) *report = {};
     if (path == nullptr || utf8 == nullptr) return false;
     RecoveryKeep(path, {});  // an empty copy: what an earlier failure has left is not this save's copy
     const ByteBlock bytes = Encode(utf8, length, encoding, lineEnding, form);
     if (!bytes.bytes) return false;
-    const SaveReport result = SaveBytes(path, bytes.bytes.get(), bytes.length);
+    FileProgress own;
+    const SaveReport result = SaveBytes(path, bytes.bytes.get(), bytes.length, progress != nullptr ? *progress : own);
     if (report != nullptr) *report = result;
     return result.end == SaveEnd::Saved;
 }

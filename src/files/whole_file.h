@@ -1,6 +1,8 @@
 // Writes a file whole, for the functions of this folder that save. Private to this folder; any thread.
 #pragma once
 
+#include "files/file_progress.h"
+
 #include <windows.h>
 
 #include <string>
@@ -12,8 +14,9 @@ struct WriteHow {
     bool flush = true;          // flushes the bytes to the disk before it returns
     bool removeFailed = false;  // deletes a file that was opened but not written whole
     DWORD sharing = 0;
-    DWORD patience = 0;      // ms to try again for, while another program holds the file
-    bool* opened = nullptr;  // becomes true once the file is open, and with CREATE_ALWAYS empty
+    DWORD patience = 0;                // ms to try again for, while another program holds the file
+    FileProgress* progress = nullptr;  // counts the bytes; stops the writing when it is cancelled and may be
+    bool* opened = nullptr;            // becomes true once the file is open, and with CREATE_ALWAYS empty
 };
 
 // Returns true when all bytes were written; 4 GiB and more are refused. After a failed write GetLastError() tells the

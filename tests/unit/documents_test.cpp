@@ -1,5 +1,6 @@
 // Recent lists, the open dialog's first folder, the go-to-line target, source file names, the row of documents,
 // decisions of saves, files that are read in pieces.
+#include "base/utf8.h"
 #include "documents/file_binding.h"
 #include "documents/file_column.h"
 #include "documents/file_dialog_texts.h"
@@ -9,6 +10,7 @@
 #include "documents/row_rules.h"
 #include "documents/save_rules.h"
 #include "documents/text_pieces.h"
+#include "files/utf16.h"
 
 #include <gtest/gtest.h>
 
@@ -196,7 +198,9 @@ struct MovedText {
     bool whole = true;  // no piece ended within a character
 };
 
-MovedText MoveInPieces(std::string_view text, std::size_t most) {
+// Takes each byte of an "ANSI" text for the character with its number.
+MovedText MoveInPieces(std::string_view text, std::size_t most, PieceCode code = PieceCode::Guess,
+                       const PiecesLimits& limits = {}) {
     MovedText moved;
     moved.result = MoveTextPieces({.read = [&](char* out, std::size_t capacity) -> std::optional<std::size_t> {
                                        const std::size_t taken = text.copy(out, std::min(most, capacity));
@@ -207,7 +211,16 @@ MovedText MoveInPieces(std::string_view text, std::size_t most) {
                                        [&](std::string_view piece) {
                                            moved.whole = moved.whole && IsValidUtf8Bytes(piece.data(), piece.size());
                                            moved.text += piece;
-                                       }});
+                                           return true;
+                                       },
+                                   .wholeAnsi = [](std::string_view bytes) { return bytes.size(); },
+                                   .decodeAnsi =
+                                       [](std::string_view bytes, std::string* utf8, bool* exact) {
+                                           for (const char c : bytes) *utf8 += ToUtf8(std::wstring(1, c & 0xFF));
+                                           *exact = bytes.find('\x81') == std::string_view::npos;
+                                           return true;
+                                       }},
+                                  code, limits);
     return moved;
 }
 
@@ -244,15 +257,45 @@ TEST(TextPieces, NothingIsCutAtTheBorders) {
 
 TEST(TextPieces, TellsWhatIsNoUtf8) {
     for (const std::string_view text : {"a\x80", "ends in \xE2\x82", "\xFF\xFE\xFD\xFC", "\xED\xA0\x80"}) {
-        EXPECT_EQ(MoveInPieces(text, 1).result.end, PiecesEnd::NotUtf8) << text;
-        EXPECT_EQ(MoveInPieces(text, 100).result.end, PiecesEnd::NotUtf8) << text;
+        EXPECT_EQ(MoveInPieces(text, 1, PieceCode::Utf8).result.end, PiecesEnd::OtherCode) << text;
+        EXPECT_EQ(MoveInPieces(text, 100, PieceCode::Utf8).result.end, PiecesEnd::OtherCode) << text;
     }
-    EXPECT_EQ(MoveInPieces({"a\0b\0", 4}, 100).result.end, PiecesEnd::NotUtf8) << "UTF-16";
     EXPECT_EQ(MoveInPieces("", 100).result.end, PiecesEnd::Done);
     EXPECT_EQ(MoveInPieces("ends in CR\r", 100).result.lineEnding, LineEnding::Cr);
-    const PiecesResult failed = MoveTextPieces(
-        {.read = [](char*, std::size_t) { return std::optional<std::size_t>{}; }, .append = [](std::string_view) {}});
+    PiecesResult failed =
+        MoveTextPieces({.read = [](char*, std::size_t) { return std::optional<std::size_t>{}; }}, PieceCode::Utf8, {});
     EXPECT_EQ(failed.end, PiecesEnd::Failed);
+    EXPECT_EQ(NextPieceCode(failed), PieceCode::Ansi);
+    failed.form.utf16 = Utf16Order::Little;
+    EXPECT_EQ(NextPieceCode(failed), PieceCode::Utf8);
+}
+
+TEST(TextPieces, OtherEncodingsAndLimits) {
+    const std::string utf8 = "a" + std::string(3 * kTextPiece, 'x') + "\xF0\x9F\x98\x80\n";
+    for (const bool mark : {false, true}) {
+        const MovedText moved =
+            MoveInPieces(Utf8AsUtf16(utf8, Utf16Order::Big, mark), kTextPiece - 1 - mark, PieceCode::Guess);
+        EXPECT_EQ(moved.result.end, PiecesEnd::Done);
+        EXPECT_TRUE(moved.text == utf8 && moved.whole);
+        EXPECT_TRUE(moved.result.form.utf16 == Utf16Order::Big && moved.result.form.mark == mark);
+        EXPECT_TRUE(moved.result.longLine && !moved.result.form.keepBreaks);
+    }
+    const MovedText ansi = MoveInPieces("caf\xE9\r\x81", 4, PieceCode::Ansi);
+    EXPECT_EQ(ansi.text, "caf\xC3\xA9\r\xC2\x81");
+    EXPECT_TRUE(ansi.result.encoding == TextEncoding::Ansi && ansi.result.form.inexact && !ansi.result.longLine);
+    EXPECT_EQ(MoveInPieces(utf8, kTextPiece, PieceCode::Utf8, {.text = utf8.size() - 1}).result.end,
+              PiecesEnd::TextTooLong);
+    EXPECT_EQ(MoveInPieces(utf8, kTextPiece, PieceCode::Utf8, {.line = 2 * kTextPiece}).text.size(), 2 * kTextPiece)
+        << "refused before the rest is read";
+    // A line that is just long, with its ends at every place of the pieces; and text that is all short lines.
+    for (const std::size_t length : {kLongLine - 1, kLongLine}) {
+        for (const std::size_t before : {std::size_t{0}, kLongLine / 2, kLongLine - 1}) {
+            std::string text;
+            while (text.size() < before) text += "line\n";
+            text += std::string(length, 'x') + "\nline\r\n";
+            EXPECT_EQ(MoveInPieces(text, kTextPiece).result.longLine, length == kLongLine) << before;
+        }
+    }
 }
 
 TEST(FileDialogs, AreGivenPairsAndTheNamesOfAPath) {

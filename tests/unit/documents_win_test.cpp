@@ -3,6 +3,7 @@
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
 #include "documents/file_commands.h"
+#include "documents/file_work.h"
 #include "documents/text_pieces.h"
 #include "scintilla/sci.h"
 #include "ui/message.h"
@@ -12,7 +13,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <filesystem>
+#include <memory>
 #include <string>
 
 namespace fs = std::filesystem;
@@ -109,6 +112,48 @@ TEST_F(DocumentsWin, PlacesFromOutsideSplitNoCharacter) {
     CaretGoTo(editor, 8);
     EXPECT_EQ(SciSend(editor, SCI_GETCURRENTPOS), 7);
     EXPECT_NE(SciSend(editor, SCI_GETLINEVISIBLE, 1), 0) << "a folded block opens";
+}
+
+// A line of megabytes is shown plain, whatever the name and the settings say; a longer one is refused while it is read.
+TEST_F(DocumentsWin, LongLinesArePlainOrRefused) {
+    const fs::path path = folder_.path / L"long.bas";
+    for (const std::size_t length : {2 * kLongLine, 5 * kLongLine}) {
+        WriteBytes(path, "PRINT\n" + std::string(length, '\0'));
+        const int tab = TabBarAdd(path.c_str(), L"long.bas");
+        ASSERT_GE(tab, 0) << length;
+        const HWND editor = TabAt(tab).editor;
+        EXPECT_TRUE(EditorPaneIsPlain(editor));
+        EXPECT_EQ(SciSend(editor, SCI_GETLEXER), 0);
+        EXPECT_EQ(SciSend(editor, SCI_GETCODEPAGE), SC_CP_UTF8);
+        EXPECT_TRUE(TabAt(tab).form.keepBreaks);
+        WriteBytes(path, "PRINT\n");
+        EXPECT_EQ(FileReload(tab), 1);
+        EXPECT_FALSE(EditorPaneIsPlain(editor));
+        EXPECT_EQ(SciSend(editor, SCI_GETLENGTH), 6);
+        TabBarRemove(tab);
+    }
+    WriteBytes(path, std::string(kLargestLine + kTextPiece, '\0'));
+    LoadEnd why = LoadEnd::Done;
+    EXPECT_EQ(TabBarAdd(path.c_str(), L"long.bas", &why), -1);
+    EXPECT_EQ(why, LoadEnd::LineTooLong);
+}
+
+// Esc reaches the work; work that hangs is left behind; closing the window is put off.
+TEST_F(DocumentsWin, WorkOnAFileIsCancelledByEsc) {
+    for (const bool hangs : {false, true}) {
+        const auto progress = std::make_shared<FileProgress>();
+        const auto release = std::make_shared<std::atomic<bool>>(false);
+        PostMessageW(g_ui.hMainWnd, hangs ? WM_CLOSE : WM_KEYDOWN, hangs ? 0 : VK_ESCAPE, 0);
+        const bool ended = FileWorkRun({.verb = L"Opening", .label = L"x", .progress = progress, .work = [=] {
+                                            while (!(hangs ? release->load() : progress->cancel.load())) Sleep(1);
+                                        }});
+        EXPECT_EQ(ended, !hangs);
+        EXPECT_TRUE(progress->cancel);
+        EXPECT_FALSE(FileWorkRuns());
+        MSG message = {};
+        EXPECT_EQ(PeekMessageW(&message, g_ui.hMainWnd, WM_CLOSE, WM_CLOSE, PM_REMOVE) != FALSE, hangs);
+        *release = true;
+    }
 }
 
 TEST_F(DocumentsWin, PlacesVisitedFollowMovedTabsAndEndWithClosedOnes) {

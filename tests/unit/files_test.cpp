@@ -95,12 +95,14 @@ TEST(Files, ASaveNeverLeavesTheUserWithoutOldAndNewText) {
         SaveCheck check;
         const char* steps;
         SaveEnd end;
+        bool cancelled = false;
     };
     using SaveCheck::Same;
     using SaveCheck::Unreadable;
     using enum SaveEnd;
     for (const Case& test : {
-             Case{"all well", false, 9, true, true, true, Same, "crokD", Saved},
+             Case{"cancelled: the file is not touched", false, 9, false, true, true, Same, "cK", Cancelled, true},
+             {"all well", false, 9, true, true, true, Same, "crokD", Saved},
              {"a new file", false, 0, true, true, true, Same, "crokD", Saved},
              {"read-only: the copy is what remains", true, 9, true, true, true, Same, "cK", ReadOnly},
              {"no copy: the old text is the only one", false, 9, false, true, true, Same, "cK", NoCopy},
@@ -113,6 +115,7 @@ TEST(Files, ASaveNeverLeavesTheUserWithoutOldAndNewText) {
         std::string steps;
         const SaveEnd end = SafeSave({.readOnly = test.readOnly, .size = test.size},
                                      {.writeCopy = [&] { return steps += 'c', test.copy; },
+                                      .isCancelled = [&] { return test.cancelled; },
                                       .hasRoom = [&] { return steps += 'r', test.room; },
                                       .overwrite = [&] { return steps += 'o', test.overwrite; },
                                       .check = [&] { return steps += 'k', test.check; },

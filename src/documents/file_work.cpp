@@ -1,0 +1,15 @@
+// The text about a file that is being read or written. Pure.
+#include "documents/file_work.h"
+
+#include <algorithm>
+
+std::wstring FileWorkText(const wchar_t* verb, const wchar_t* label, const FileProgress& progress) {
+    std::wstring text = std::wstring{verb} + L' ' + label;
+    const std::uint64_t total = progress.total;
+    if (total > 0) text += L": " + std::to_wstring(std::min<std::uint64_t>(progress.done * 100 / total, 100)) + L" %";
+    if (progress.cancel)
+        text += L" (stopping)";
+    else if (progress.mayCancel)
+        text += L" (Esc cancels)";
+    return text;
+}

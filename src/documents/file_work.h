@@ -1,0 +1,28 @@
+// Reading and writing files on a worker, while the window waits for it inside a command: it paints, answers other
+// programs, shows the progress after a second, and Esc cancels. No command runs meanwhile, so whoever waits finds its
+// documents as they were. UI thread only.
+#pragma once
+
+#include "files/file_progress.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+struct FileWork {
+    const wchar_t* verb;  // "Opening"
+    const wchar_t* label;
+    std::shared_ptr<FileProgress> progress;
+    std::function<void()> work;  // on the worker; what it uses it must own or share
+};
+
+// Returns true when the work has ended, also when it was cancelled. False: it was cancelled and hangs, on a share that
+// went away; it ends by itself some time, and its result must not be used.
+bool FileWorkRun(const FileWork& work);
+
+bool FileWorkRuns();
+// Asks the work that runs to stop. `close`: the user wants to close the main window, which gets WM_CLOSE afterwards.
+void FileWorkCancel(bool close);
+
+// --- file_work.cpp: pure
+std::wstring FileWorkText(const wchar_t* verb, const wchar_t* label, const FileProgress& progress);

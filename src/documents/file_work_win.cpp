@@ -1,0 +1,93 @@
+// Waits for a worker that reads or writes a file, and the messages that are handled meanwhile. UI thread.
+#include "documents/file_work.h"
+
+#include "base/events.h"
+#include "base/worker.h"
+#include "ui/ui_state.h"
+
+#include <windows.h>
+
+namespace {
+
+constexpr DWORD kStepMs = 30;
+constexpr ULONGLONG kQuietMs = 1000;  // no word about what takes less; typed keys wait until then
+constexpr ULONGLONG kHangsMs = 2000;  // a worker that does not end within this time after it was cancelled hangs
+
+struct WorkWait {
+    FileProgress* progress = nullptr;  // of the present wait
+    bool close = false;                // WM_CLOSE is owed to the main window
+};
+WorkWait g_wait;
+
+void RunWork(std::function<void()>& work, const WorkerCancel&) { work(); }
+
+void PumpPaints() {
+    constexpr int kMostPaints = 32;  // a window that does not validate its area would be sent WM_PAINT for ever
+    MSG message = {};
+    for (int i = 0; i < kMostPaints && PeekMessageW(&message, nullptr, WM_PAINT, WM_PAINT, PM_REMOVE); ++i)
+        DispatchMessageW(&message);
+}
+
+// Keys and clicks are dropped once the user has been told: they belong to what was there before.
+void PumpInput() {
+    MSG message = {};
+    while (PeekMessageW(&message, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE))
+        if (message.message == WM_KEYDOWN && (message.wParam == VK_ESCAPE || message.wParam == VK_CANCEL))
+            FileWorkCancel(false);
+    while (PeekMessageW(&message, nullptr, WM_MOUSEFIRST, WM_MOUSELAST, PM_REMOVE)) continue;
+    while (PeekMessageW(&message, nullptr, WM_NCMOUSEMOVE, WM_NCXBUTTONDBLCLK, PM_REMOVE))
+        if (message.message == WM_NCLBUTTONDOWN && message.wParam == HTCLOSE) FileWorkCancel(true);
+    while (PeekMessageW(&message, g_ui.hMainWnd, WM_CLOSE, WM_CLOSE, PM_REMOVE)) FileWorkCancel(true);
+}
+
+// Waits until the worker has ended, or hangs after it was cancelled.
+bool WaitForWorker(const Worker& worker, const FileWork& work) {
+    const ULONGLONG began = GetTickCount64();
+    ULONGLONG cancelled = 0;
+    bool told = false;
+    while (!WorkerWait(worker, 0)) {
+        const HANDLE thread = worker.thread->Get();
+        MsgWaitForMultipleObjects(1, &thread, FALSE, kStepMs, QS_SENDMESSAGE | QS_PAINT);
+        PumpPaints();  // handles the messages that other threads have sent, too
+        const ULONGLONG now = GetTickCount64();
+        if (now - began >= kQuietMs) {
+            PumpInput();
+            g_events.statusText(FileWorkText(work.verb, work.label, *work.progress).c_str());
+            told = true;
+        }
+        if (!work.progress->cancel || !work.progress->mayCancel) continue;
+        if (cancelled == 0) cancelled = now;
+        if (now - cancelled >= kHangsMs) return false;
+    }
+    if (told) g_events.statusText(L"");
+    return true;
+}
+
+}  // namespace
+
+bool FileWorkRun(const FileWork& work) {
+    const Worker worker = WorkerStart<RunWork>(std::function<void()>{work.work});
+    if (!worker) {
+        work.work();
+        return true;
+    }
+    // A wait within a wait: the end of the system's session may save a document meanwhile.
+    const WorkWait outer = g_wait;
+    g_wait = {.progress = work.progress.get(), .close = false};
+    const bool ended = WaitForWorker(worker, work);
+    const bool close = g_wait.close;
+    g_wait = outer;
+    if (close && outer.progress != nullptr)
+        FileWorkCancel(true);
+    else if (close)
+        PostMessageW(g_ui.hMainWnd, WM_CLOSE, 0, 0);
+    return ended;
+}
+
+bool FileWorkRuns() { return g_wait.progress != nullptr; }
+
+void FileWorkCancel(bool close) {
+    if (g_wait.progress == nullptr) return;
+    g_wait.progress->cancel = true;
+    g_wait.close = g_wait.close || close;
+}

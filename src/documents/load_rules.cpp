@@ -1,0 +1,33 @@
+// What can be opened. Pure.
+#include "documents/load_rules.h"
+
+LoadEnd LoadEndOf(PiecesEnd end) {
+    switch (end) {
+        case PiecesEnd::Done: return LoadEnd::Done;
+        case PiecesEnd::Refused: return LoadEnd::NoMemory;
+        case PiecesEnd::TextTooLong: return LoadEnd::TooLarge;
+        case PiecesEnd::LineTooLong: return LoadEnd::LineTooLong;
+        case PiecesEnd::OtherCode:
+        case PiecesEnd::Failed: break;
+    }
+    return LoadEnd::Unreadable;
+}
+
+std::wstring LoadFailureText(LoadEnd end) {
+    switch (end) {
+        case LoadEnd::TooLarge: return L"\n\nThe file is too large: the editor holds texts of less than 2 GB.";
+        case LoadEnd::LineTooLong:
+            return L"\n\nThe file has a line of more than " + std::to_wstring(kLargestLine >> 20) +
+                   L" MB, which the editor cannot show.";
+        case LoadEnd::NoMemory: return L"\n\nThere is not enough memory for it.";
+        case LoadEnd::Cancelled: return L"\n\nOpening it was cancelled.";
+        case LoadEnd::Done:
+        case LoadEnd::Unreadable: break;
+    }
+    return {};
+}
+
+std::wstring PlainNotice(const wchar_t* label) {
+    return std::wstring{label} +
+           L" has a very long line or is very large. It is shown plain: without colours, folding and word wrap.";
+}

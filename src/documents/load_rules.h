@@ -1,0 +1,24 @@
+// What can be opened, and what the user is told about the rest. Pure.
+#pragma once
+
+#include "documents/text_pieces.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+enum class LoadEnd : std::uint8_t { Done, Unreadable, TooLarge, LineTooLong, NoMemory, Cancelled };
+
+// Bytes of UTF-8. Positions are kept in 32 bits.
+inline constexpr std::size_t kLargestText = 0x7FFFFFFF;
+// Bytes. Scintilla lays out a line as a whole, for every paint after a change and with ten bytes of memory for each
+// byte of it.
+inline constexpr std::size_t kLargestLine = 16 << 20;
+// Bytes. A larger text is shown without colours, because they need as much memory again.
+inline constexpr std::size_t kLargestColoured = 1 << 30;
+
+LoadEnd LoadEndOf(PiecesEnd end);
+// Why a file was not opened, to follow the message about it; empty when there is nothing to add.
+std::wstring LoadFailureText(LoadEnd end);
+// What the user is told about a document that is shown plain.
+std::wstring PlainNotice(const wchar_t* label);
