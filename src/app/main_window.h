@@ -8,6 +8,7 @@
 
 #include <shellapi.h>
 
+#include <cstdint>
 #include <vector>
 
 struct Settings;
@@ -47,6 +48,8 @@ void MainWnd_OnDropFiles(HDROP drop);
 void MainWnd_OnCommand(int command, int notification, HWND control);
 void MainWnd_OnInitMenuPopup(HMENU menu);
 std::vector<CommandHandler> AllCommandHandlers();  // the tables of all areas
+// late_keys_win.cpp
+void MainWnd_OnLateKey(std::uint32_t key, LPARAM bits);  // MSG_LATE_KEY
 // notices_win.cpp
 void MainWnd_OnNoticeWanted(const wchar_t* text);
 void MainWnd_ShowNotices();  // in message boxes, one after the other

@@ -37,6 +37,7 @@ bool RouteOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             if (CompilersOnLooked(wParam)) MainWindow_UpdateCompilerSelection();
             return true;
         case MSG_DEBUG_LAUNCH: DebugOnBuilt(); return true;
+        case MSG_LATE_KEY: MainWnd_OnLateKey(static_cast<std::uint32_t>(wParam), lParam); return true;
         case MSG_STARTUP: MainWnd_OnStartup(); return true;
         case MSG_REINIT_EDITOR:
             MainWnd_OnReinitEditor(static_cast<int>(wParam), static_cast<DocumentId>(lParam));

@@ -3,11 +3,14 @@
 #include "debugger/debug_follow.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_process.h"
+#include "debugger/exception_rules.h"
 #include "debugger/stop_rules.h"
+#include "settings/settings_state.h"
 
 #include "base/decode.h"
 #include "base/handles.h"
 #include "base/log.h"
+#include "base/wide_format.h"
 
 #include <algorithm>
 #include <array>
@@ -68,16 +71,19 @@ int OnSingleStep(DebuggerState* state, const DEBUG_EVENT& event) {
     return followed == FollowEvent::NotOurs ? GoOn(state) : Followed(state, event, followed);
 }
 
-// False: the program has reported too much, and this report is left out.
-bool MayReport(DebuggerState* state, std::size_t characters) {
-    const ReportFate fate = TakeReport(&state->reports, characters);
-    if (fate == ReportFate::FirstLeftOut)
-        DebugSay(kDebugOrange, L"[Debug] The program writes too much; the rest is left out until it stops.\n");
-    return fate == ReportFate::Shown;
+// Shows what the program reports, or keeps it for the next stop when it reports too much.
+void Report(DebuggerState* state, COLORREF colour, std::wstring text) {
+    const DebugReport report = {.text = std::move(text), .colour = colour};
+    switch (TakeReport(&state->reports, report)) {
+        case ReportFate::Shown: DebugSay(colour, L"%s", report.text.c_str()); break;
+        case ReportFate::FirstKept:
+            DebugSay(kDebugOrange, L"[Debug] The program writes too much; its last lines are shown when it stops.\n");
+            break;
+        case ReportFate::Kept: break;
+    }
 }
 
 void OnDebugString(DebuggerState* state, const OUTPUT_DEBUG_STRING_INFO& info) {
-    if (!MayReport(state, info.nDebugStringLength)) return;
     std::vector<char> bytes(info.nDebugStringLength);
     const auto address = reinterpret_cast<std::uint64_t>(info.lpDebugStringData);
     if (!bytes.empty() && !DebugReadRaw(*state, address, bytes.data(), bytes.size())) return;
@@ -85,7 +91,7 @@ void OnDebugString(DebuggerState* state, const OUTPUT_DEBUG_STRING_INFO& info) {
     const HeapBlock<wchar_t> decoded(DecodeCompilerText(bytes.data(), std::strlen(bytes.data())));
     std::wstring text = decoded ? decoded.get() : L"";
     if (text.empty() || text.back() != L'\n') text += L'\n';  // so that the next message begins a line
-    DebugSay(kDebugTeal, L"[Debug] %s", text.c_str());
+    Report(state, kDebugTeal, L"[Debug] " + text);
 }
 
 // Where a breakpoint exception was reported, and where its thread stands.
@@ -214,15 +220,25 @@ int OnBreakpoint(DebuggerState* state, const DEBUG_EVENT& event) {
 int OnOtherException(DebuggerState* state, const DEBUG_EVENT& event, bool fault) {
     const EXCEPTION_RECORD& record = event.u.Exception.ExceptionRecord;
     const auto address = reinterpret_cast<std::uint64_t>(record.ExceptionAddress);
-    constexpr std::size_t kLine = 60;
-    if (MayReport(state, kLine))
-        DebugSay(kDebugRed, L"[Debug] Exception 0x%08lX at 0x%p\n", record.ExceptionCode, record.ExceptionAddress);
-    if (!HoldAtFault(&state->faults, fault, address)) {
+    const ExceptionAction action =
+        ActionOfException(ParseExceptionRules(g_settings.exceptionRules), record.ExceptionCode);
+    const bool firstChance = event.u.Exception.dwFirstChance != 0;
+    Report(state, kDebugRed,
+           FormatW(L"[Debug] Exception 0x%08lX at 0x%p\n", record.ExceptionCode, record.ExceptionAddress));
+    // What the program handles itself may come as often as it likes.
+    const bool held = HoldAtFault(&state->faults, fault && !action.pass, address);
+    if (state->faults.count == 1)
+        Report(state, kDebugRed, L"[Debug] " + DebugExceptionText(*state, event, action.pass) + L"\n");
+    if (held)
+        DebugSay(kDebugRed, L"[Debug] The instruction has failed %lu times in a row; the program is held there.\n",
+                 static_cast<unsigned long>(kFaultsInARow));
+    state->passPending = action.pass ? 1 : 0;
+    if (!held && !(action.stop && firstChance) && !(action.pass && !firstChance)) {
+        if (action.pass && state->stepOff.threadId == event.dwThreadId)
+            DebugFinishStepOff(state);  // the handler comes next, and not the instruction
         DebugRepeatStepOff(state, event.dwThreadId);
         return GoOn(state);
     }
-    DebugSay(kDebugRed, L"[Debug] The instruction has failed %lu times in a row; the program is held there.\n",
-             static_cast<unsigned long>(kFaultsInARow));
     SetPlace(state, address, PlaceInImage(state->map, state->imageSize, address));
     return Stopped(state, event);
 }
@@ -249,7 +265,7 @@ int OnExitProcess(DebuggerState* state, const DEBUG_EVENT& event) {
 
 int OnEvent(DebuggerState* state, const DEBUG_EVENT& event) {
     if (event.dwProcessId != state->processId) {  // from the program of an earlier session
-        DebugDropEvent(state, event);
+        DebugDropForeignEvent(event);
         return kGoOn;
     }
     state->threadId = event.dwThreadId;
@@ -275,7 +291,8 @@ void DebugSayLeftOut(DebuggerState* state) {
     if (state->reports.leftOut > 0)
         DebugSay(kDebugTeal, L"[Debug] ... %lu reports left out ...\n",
                  static_cast<unsigned long>(state->reports.leftOut));
-    state->reports = {};
+    const DebugReports reports = std::exchange(state->reports, {});
+    for (const DebugReport& report : reports.kept) DebugSay(report.colour, L"%s", report.text.c_str());
 }
 
 DebugWaitHook DebugSetWaitHook(DebugWaitHook hook) { return std::exchange(g_waitHook, hook); }
@@ -295,13 +312,14 @@ int DebugWaitEvent(DebuggerState* state, DWORD timeoutMs) {
             if (const int result = OnEvent(state, event); result != kGoOn) return result;
             started = GetTickCount64();
             least = kNextEventMs;
-        } else if (DebugCheckStepOffTime(state); left == 0) {
+        } else if (left == 0) {
             return kDebugTimeout;
-        } else if (GetLastError() != ERROR_SEM_TIMEOUT) {
-            AppLogMsg(L"FAIL: DebugWaitEvent error=%lu", GetLastError());
+        } else if (const DWORD error = GetLastError(); error != ERROR_SEM_TIMEOUT) {
+            AppLogMsg(L"FAIL: DebugWaitEvent error=%lu", error);
             if (left != INFINITE && left <= kDebugSliceMs) return kDebugTimeout;
             Sleep(std::min(left, kDebugSliceMs));
         }
+        if (!came) DebugCheckStepOffTime(state);
         const ULONGLONG now = GetTickCount64();
         if (g_waitHook == nullptr || (came && now - asked < kDebugSliceMs)) continue;
         asked = now;

@@ -36,3 +36,5 @@ bool DebugPlaceInProgram(const DebuggerState* state, std::uint32_t threadId, std
 // For a stop outside the lines of the program, as in a library: the address in the program's code to which the thread
 // returns. False: the stop is on a line, or no such address is found.
 bool DebugCallerOfLibrary(const DebuggerState* state, std::uint64_t* returnAddress);
+// What an exception event means, with the line of the source (ExceptionText). `passed`: the program's handlers get it.
+std::wstring DebugExceptionText(const DebuggerState& state, const DEBUG_EVENT& event, bool passed);

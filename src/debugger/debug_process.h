@@ -3,7 +3,9 @@
 
 #include "debugger/debug_session.h"
 
-inline constexpr DWORD kContinueStatus = 0x00010002;  // DBG_CONTINUE, for every event and exception
+// DBG_CONTINUE, for every event, and for every exception that is not passed to the program.
+inline constexpr DWORD kContinueStatus = 0x00010002;
+inline constexpr DWORD kPassStatus = 0x80010001;  // DBG_EXCEPTION_NOT_HANDLED
 
 inline bool DebugIsActive(const DebuggerState* state) { return state != nullptr && state->active != 0; }
 
@@ -66,7 +68,10 @@ void DebugCloseThread(DebuggerState* state, std::uint32_t threadId);
 // Continues an event that means nothing any more and closes its file handle; notes process and threads as
 // DebugNoteEvent does. True: it was the end of the state's process.
 bool DebugDropEvent(DebuggerState* state, const DEBUG_EVENT& event);
-// At a stop or the end: says how many of the program's reports were left out. Later reports are shown again.
+// Continues an event of a program that has been left behind.
+void DebugDropForeignEvent(const DEBUG_EVENT& event);
+// At a stop or the end: shows the last of the program's reports, and how many before them were left out. Later reports
+// are shown at once again.
 void DebugSayLeftOut(DebuggerState* state);
 // Closes every handle and frees the map; the session is over and the state inactive.
 void DebugEndSession(DebuggerState* state);

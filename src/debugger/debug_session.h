@@ -37,6 +37,14 @@ void DebugSetPlantHook(DebugPlantHook hook);
 // Ends the program and the session; takes at most about two seconds.
 void DebugStop(DebuggerState* state);
 
+// --- Programs whose end did not come within that time (debug_left_behind_win.cpp). They stay attached until their
+// events are continued.
+void DebugLeaveBehind(std::uint32_t processId);
+bool DebugHasLeftBehind();
+// Continues what events of such programs have come; waits for nothing. Only without a session: with one, its own wait
+// does this.
+void DebugDrainLeftBehind();
+
 // --- Breakpoints (debug_breakpoints_win.cpp). Lines are from 1. Setting one fails on a line without code, with a full
 // table, and where memory cannot be written.
 bool DebugSetBreakpoint(DebuggerState* state, int line);  // first record of that line in any file

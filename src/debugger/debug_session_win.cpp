@@ -121,10 +121,12 @@ void RunToFirst(DebuggerState* state) {
     DebugWaitStart(state, StartWaitMs(state->awaits));
 }
 
-// Removes all breakpoints before the pending event is continued, so that the program meets no trap byte before it is
-// terminated.
-void RestoreProgram(DebuggerState* state) {
+// Ends the program before its pending event is continued, so that it runs nothing more.
+void Terminate(DebuggerState* state) {
     DebugClearBreakpoints(state);
+    if (!TerminateProcess(state->process, 0)) AppLogMsg(L"FAIL: DebugStop error=%lu", GetLastError());
+    state->owedIp = {};
+    state->passPending = 0;
     if (state->eventPending != 0) DebugResume(state);
 }
 
@@ -139,7 +141,9 @@ void AwaitEnd(DebuggerState* state) {
         if (!ended) WaitForSingleObject(state->process, kStopWaitMs);
     }
     if (ended) WaitForSingleObject(state->process, kStopWaitMs);
-    if (!ended) AppLogMsg(L"FAIL: DebugStop process %lu has not ended", state->processId);
+    if (ended) return;
+    AppLogMsg(L"FAIL: DebugStop process %lu has not ended", state->processId);
+    DebugLeaveBehind(state->processId);
 }
 
 }  // namespace
@@ -193,8 +197,7 @@ int DebugWaitStart(DebuggerState* state, DWORD timeoutMs) {
 void DebugStop(DebuggerState* state) {
     if (state == nullptr || state->active == 0) return;
     DebugSayLeftOut(state);
-    RestoreProgram(state);
-    if (!TerminateProcess(state->process, 0)) AppLogMsg(L"FAIL: DebugStop error=%lu", GetLastError());
+    Terminate(state);
     AwaitEnd(state);
     DebugEndSession(state);
     DebugSay(kDebugRed, L"[Debug] Stopped.\n");

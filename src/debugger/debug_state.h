@@ -73,6 +73,7 @@ struct DebuggerState {
     std::uint32_t exitCode = 0;
     std::uint64_t stopSerial = 0;  // counts stops over all sessions, so that views know when they are out of date
     DebugFaults faults;
+    std::uint32_t passPending = 0;  // 1: the pending exception goes to the program's own handlers
     DebugPause pause = DebugPause::None;
     std::uint32_t runsToUserBreakpoint = 0;  // 1: the program's own traps are no stops until one is reached
     DebugAwaits awaits = DebugAwaits::Nothing;

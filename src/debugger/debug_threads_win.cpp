@@ -119,7 +119,8 @@ bool DebugMoveIp(DebuggerState* state, std::uint32_t threadId, std::uint64_t add
 bool DebugResume(DebuggerState* state) {
     if (const DebugOwedIp owed = std::exchange(state->owedIp, {}); owed.threadId != 0)
         if (!DebugMoveIp(state, owed.threadId, owed.address)) return false;
-    if (!ContinueDebugEvent(state->processId, state->threadId, kContinueStatus)) {
+    const DWORD status = std::exchange(state->passPending, 0) != 0 ? kPassStatus : kContinueStatus;
+    if (!ContinueDebugEvent(state->processId, state->threadId, status)) {
         AppLogMsg(L"FAIL: ContinueDebugEvent error=%lu", GetLastError());
         return false;
     }

@@ -126,13 +126,22 @@ std::wstring StartText(DebugAwaits awaits, int event, std::int32_t line) {
     return L"[Debug] Did not reach first source breakpoint (event " + std::to_wstring(event) + L").\n";
 }
 
-ReportFate TakeReport(DebugReports* reports, std::size_t characters) {
-    constexpr std::uint32_t kMostReports = 10000;
-    constexpr std::size_t kMostCharacters = std::size_t{4} << 20;
-    if (reports->shown < kMostReports && reports->characters < kMostCharacters) {
+ReportFate TakeReport(DebugReports* reports, const DebugReport& report) {
+    constexpr std::size_t kMostCharacters = std::size_t{2} << 20;  // at each end
+    const std::size_t characters = report.text.size();
+    const bool flood = !reports->kept.empty();
+    if (!flood && reports->shown < kReportsAtEachEnd && reports->characters < kMostCharacters) {
         ++reports->shown;
         reports->characters += characters;
         return ReportFate::Shown;
     }
-    return reports->leftOut++ == 0 ? ReportFate::FirstLeftOut : ReportFate::LeftOut;
+    reports->kept.push_back(report);
+    reports->keptCharacters += characters;
+    while (reports->kept.size() > kReportsAtEachEnd ||
+           (reports->keptCharacters > kMostCharacters && reports->kept.size() > 1)) {
+        reports->keptCharacters -= reports->kept.front().text.size();
+        reports->kept.pop_front();
+        ++reports->leftOut;
+    }
+    return flood ? ReportFate::Kept : ReportFate::FirstKept;
 }

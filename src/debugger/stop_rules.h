@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <string>
 
@@ -117,13 +118,21 @@ std::uint32_t StartWaitMs(DebugAwaits awaits);
 std::wstring StartText(DebugAwaits awaits, int event, std::int32_t line);
 
 // --- Reports
+struct DebugReport {
+    std::wstring text;
+    std::uint32_t colour = 0;
+};
 // What the program reported since the last stop: debug strings and exceptions. The number is limited, because a flood
-// would fill the memory.
+// would fill the memory. The first are shown at once. Of the others the last are kept, because they tell how the program
+// came to its stop.
 struct DebugReports {
     std::uint32_t shown = 0;
-    std::size_t characters = 0;
-    std::uint32_t leftOut = 0;
+    std::size_t characters = 0;    // of those shown
+    std::deque<DebugReport> kept;  // the last ones
+    std::size_t keptCharacters = 0;
+    std::uint32_t leftOut = 0;  // between the two
 };
-enum class ReportFate : std::uint8_t { Shown, FirstLeftOut, LeftOut };
-// Counts a report of that length and says whether it is shown.
-ReportFate TakeReport(DebugReports* reports, std::size_t characters);
+inline constexpr std::uint32_t kReportsAtEachEnd = 5000;
+enum class ReportFate : std::uint8_t { Shown, FirstKept, Kept };
+// Counts a report, and keeps it when it is not to be shown at once.
+ReportFate TakeReport(DebugReports* reports, const DebugReport& report);

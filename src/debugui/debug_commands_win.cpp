@@ -12,6 +12,7 @@
 #include "debugui/breakpoint_list.h"
 #include "debugui/condition_dialog.h"
 #include "debugui/debug_run.h"
+#include "debugui/exceptions_dialog.h"
 #include "debugui/location.h"
 #include "debugui/restart.h"
 #include "debugui/step_commands.h"
@@ -138,6 +139,7 @@ constexpr CommandHandler kDebugHandlers[] = {
     {IDM_DEBUG_CONDITIONAL, [](int) { AskForCondition(); }},
     {IDM_DEBUG_ENABLE_BREAKPOINT, [](int) { SwitchBreakpoint(); }},
     {IDM_DEBUG_REMOVE_BREAKPOINTS, [](int) { BreakpointRemoveAll(); }},
+    {IDM_DEBUG_EXCEPTIONS, [](int) { AskExceptionRules(g_ui.hMainWnd); }},
     {IDM_DEBUG_REGISTERS, [](int) { SayText(L"=== Registers ===\n", DebugFormatRegisters(&g_debugger)); }},
     {IDM_DEBUG_CALL_STACK, [](int) { SayText(L"", DebugWalkStack(&g_debugger)); }},
     {IDM_DEBUG_DISASSEMBLY, [](int) { SayInstruction(); }},

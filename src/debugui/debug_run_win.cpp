@@ -56,6 +56,7 @@ void EndSession(const std::wstring& status) {
     StopTimers();
     const bool closesPane = FlowClosesPane(&g_flow, PaneIsShown(PaneId::Debug));
     FlowEnded(&g_flow);
+    if (DebugHasLeftBehind()) SetTimer(g_ui.hMainWnd, TIMER_DEBUG, kTimerIntervalMs, nullptr);
     PublishSession(false);
     DebugClearLocation();
     DebugForgetFiles();
@@ -70,8 +71,9 @@ std::wstring ExitStatus() { return FormatW(L"Exited with code %ld", static_cast<
 
 // --- Windows of the program
 
-// Takes the foreground back from the program that was debugged.
+// Takes the foreground back from the program that was debugged. The user may have minimised the editor meanwhile.
 void ComeToFront() {
+    if (IsIconic(g_ui.hMainWnd)) ShowWindow(g_ui.hMainWnd, SW_RESTORE);
     DWORD owner = 0;
     GetWindowThreadProcessId(GetForegroundWindow(), &owner);
     if (owner != GetCurrentProcessId()) SetForegroundWindow(g_ui.hMainWnd);
@@ -257,7 +259,13 @@ void DebugRunStop() {
     EndSession(L"Debugging stopped");
 }
 
+// Without a session the timer runs for a program that was told to end and has not.
 void DebugOnTimer() {
+    if (g_flow.phase == DebugPhase::None && g_debugger.active == 0) {
+        DebugDrainLeftBehind();
+        if (!DebugHasLeftBehind()) KillTimer(g_ui.hMainWnd, TIMER_DEBUG);
+        return;
+    }
     if (!g_flow.following || g_flow.waiting) return;
     const bool starting = AwaitsFirstLine();
     if (HandleWait(DebugWaitInPlace(&g_flow, 0, kLookLimitMs))) return;

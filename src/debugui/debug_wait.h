@@ -23,6 +23,7 @@ private:
 // event; `limit` is that of the whole wait, in milliseconds, however many events come. Returns a DebugWait.
 int DebugWaitInPlace(DebugFlow* flow, DWORD milliseconds, ULONGLONG limit);
 
-// The hook of a start (DebugWaitHook). While a program starts, the window paints itself, takes text into the editor and
-// obeys Stop. It handles no other message, because that could lead back into the session that is being set up.
+// The hook of a start (DebugWaitHook). While a program starts, the window paints itself, takes text and obeys Stop. It
+// handles no other message, because that could lead back into the session that is being set up. Other keys are posted
+// as MSG_LATE_KEY when the wait is over.
 bool DebugPumpStart();

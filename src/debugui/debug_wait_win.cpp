@@ -4,9 +4,14 @@
 #include "debugger/debug_state.h"
 #include "documents/documents_state.h"
 #include "resources/ids.h"
+#include "scintilla/sci.h"
 #include "ui/ui_state.h"
 
 #include <algorithm>
+#include <iterator>
+#include <span>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -16,6 +21,7 @@ struct WaitState {
     DebugFlow* flow = nullptr;  // of the present wait
     ULONGLONG end = 0;          // GetTickCount64 value at which DebugWaitInPlace ends
     ULONGLONG lastPump = 0;
+    std::vector<MSG> late;  // keys that are handled after the wait
 };
 WaitState g_wait;
 
@@ -29,22 +35,84 @@ bool IsStopKey(const MSG& message) {
     return message.wParam == VK_ESCAPE || message.wParam == VK_CANCEL || (message.wParam == VK_F5 && IsHeld(VK_SHIFT));
 }
 
-// True for keys that edit or move the caret without a WM_CHAR of text.
-bool IsEditingKey(WPARAM key) {
-    constexpr WPARAM kKeys[] = {VK_RETURN, VK_TAB, VK_BACK, VK_DELETE, VK_LEFT,
-                                VK_RIGHT,  VK_UP,  VK_DOWN, VK_HOME,   VK_END};
-    return std::ranges::find(kKeys, key) != std::end(kKeys) && !IsHeld(VK_CONTROL) && !IsHeld(VK_MENU) &&
-           !IsHeld(VK_SHIFT);
+bool IsOneOf(std::span<const WPARAM> keys, WPARAM key) { return std::ranges::find(keys, key) != keys.end(); }
+
+// Keys by which any line of text is edited. Control and Shift belong to them.
+constexpr WPARAM kFieldKeys[] = {VK_LEFT, VK_RIGHT, VK_HOME, VK_END, VK_BACK, VK_DELETE, VK_INSERT};
+constexpr WPARAM kEditorKeys[] = {VK_UP, VK_DOWN, VK_PRIOR, VK_NEXT};
+constexpr WPARAM kBreakKeys[] = {VK_RETURN, VK_TAB};
+constexpr WPARAM kModifiers[] = {VK_CONTROL, VK_SHIFT, VK_MENU, VK_LWIN, VK_RWIN, VK_CAPITAL, VK_NUMLOCK, VK_SCROLL};
+
+struct EditingCommand {
+    WPARAM key;  // with Control
+    UINT message;
+};
+constexpr EditingCommand kEditingCommands[] = {{'A', SCI_SELECTALL}, {'C', SCI_COPY}, {'V', SCI_PASTE},
+                                               {'X', SCI_CUT},       {'Y', SCI_REDO}, {'Z', SCI_UNDO}};
+
+bool IsEditor(HWND window) { return window != nullptr && window == g_documents.hEditor; }
+
+bool IsField(HWND window) {
+    wchar_t name[16] = {};
+    GetClassNameW(window, name, static_cast<int>(std::size(name)));
+    return _wcsicmp(name, L"Edit") == 0;
+}
+
+// True for a key whose WM_CHAR is text.
+bool BringsText(WPARAM key) {
+    constexpr UINT kFirstCharacter = 32;
+    const bool altGr = IsHeld(VK_CONTROL) && IsHeld(VK_MENU);
+    if ((IsHeld(VK_CONTROL) || IsHeld(VK_MENU)) && !altGr) return false;
+    return key == VK_PACKET || MapVirtualKeyW(static_cast<UINT>(key), MAPVK_VK_TO_CHAR) >= kFirstCharacter;
+}
+
+bool IsEditingKey(const MSG& message) {
+    const WPARAM key = message.wParam;
+    if (message.message != WM_KEYDOWN || IsHeld(VK_MENU)) return false;
+    if (IsOneOf(kFieldKeys, key)) return IsEditor(message.hwnd) || IsField(message.hwnd);
+    return IsEditor(message.hwnd) && (IsOneOf(kEditorKeys, key) || (IsOneOf(kBreakKeys, key) && !IsHeld(VK_CONTROL)));
+}
+
+// Cut, paste and the like in the editor, where they were meant.
+bool RunEditingCommand(const MSG& message) {
+    if (!IsEditor(message.hwnd) || !IsHeld(VK_CONTROL) || IsHeld(VK_SHIFT) || IsHeld(VK_MENU)) return false;
+    const auto command = std::ranges::find(kEditingCommands, message.wParam, &EditingCommand::key);
+    if (command == std::end(kEditingCommands)) return false;
+    SciSend(g_documents.hEditor, command->message);
+    return true;
+}
+
+// Puts a key off until the wait is over. Its modifiers are noted, because they may be up by then.
+void PutOff(const MSG& message) {
+    const LPARAM held = (IsHeld(VK_CONTROL) ? LATE_KEY_CONTROL : 0) | (IsHeld(VK_SHIFT) ? LATE_KEY_SHIFT : 0) |
+                        (IsHeld(VK_MENU) ? LATE_KEY_ALT : 0);
+    g_wait.late.push_back({.hwnd = g_ui.hMainWnd, .message = MSG_LATE_KEY, .wParam = message.wParam, .lParam = held});
+}
+
+// Text for a field waits when an earlier key for a field does, because that may have been Enter.
+void TakeCharacter(const MSG& message) {
+    constexpr WPARAM kFirstCharacter = 32;
+    if (message.wParam < kFirstCharacter) return;
+    if (IsEditor(message.hwnd) || (IsField(message.hwnd) && g_wait.late.empty()))
+        DispatchMessageW(&message);
+    else if (IsField(message.hwnd))
+        g_wait.late.push_back(message);
 }
 
 // Text goes into the editor at once, because it would otherwise arrive after the stop has moved the caret. Keys of
-// commands, and keys for any other window, are dropped.
-void TypeIntoEditor(const MSG& message) {
-    constexpr WPARAM kFirstCharacter = 32;
-    if (message.hwnd == nullptr || message.hwnd != g_documents.hEditor) return;
-    if (message.message == WM_KEYDOWN) TranslateMessage(&message);  // its WM_CHAR is the next key message
-    const bool character = message.message == WM_CHAR && message.wParam >= kFirstCharacter;
-    if (character || (message.message == WM_KEYDOWN && IsEditingKey(message.wParam))) DispatchMessageW(&message);
+// commands wait.
+void TakeKey(const MSG& message) {
+    if (message.message == WM_CHAR) {
+        TakeCharacter(message);
+    } else if (message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN) {
+        if (RunEditingCommand(message) || IsOneOf(kModifiers, message.wParam)) return;
+        if (IsEditingKey(message) && (IsEditor(message.hwnd) || g_wait.late.empty()))
+            DispatchMessageW(&message);
+        else if (BringsText(message.wParam))
+            TranslateMessage(&message);  // its WM_CHAR is the next key message
+        else
+            PutOff(message);
+    }
 }
 
 void PumpMessages(DebugFlow* flow) {
@@ -53,7 +121,7 @@ void PumpMessages(DebugFlow* flow) {
         if (IsStopKey(message))
             FlowWantStop(flow, false);
         else
-            TypeIntoEditor(message);
+            TakeKey(message);
     // The toolbar turns clicks into commands; the main window accepts only Stop now.
     const HWND toolbar = GetDlgItem(g_ui.hMainWnd, IDC_TOOLBAR);
     while (toolbar != nullptr && PeekMessageW(&message, toolbar, WM_MOUSEFIRST, WM_MOUSELAST, PM_REMOVE))
@@ -77,6 +145,7 @@ DebugWaitScope::DebugWaitScope(DebugFlow* flow, DebugWaitHook hook) : flow_(flow
 DebugWaitScope::~DebugWaitScope() {
     flow_->waiting = false;
     DebugSetWaitHook(previous_);
+    for (const MSG& key : std::exchange(g_wait.late, {})) PostMessageW(key.hwnd, key.message, key.wParam, key.lParam);
 }
 
 int DebugWaitInPlace(DebugFlow* flow, DWORD milliseconds, ULONGLONG limit) {

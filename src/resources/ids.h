@@ -10,6 +10,7 @@
 #define IDD_FIND 3100
 #define IDD_GOTO_LINE 3150
 #define IDD_CONDITION 3140
+#define IDD_EXCEPTIONS 3170
 
 // --- Commands: File
 #define IDM_FILE_NEW 1001
@@ -123,6 +124,7 @@
 #define IDM_DEBUG_SET_NEXT 1922
 #define IDM_DEBUG_STEP_INSTRUCTION 1923
 #define IDM_DEBUG_STEP_OVER_INSTRUCTION 1924
+#define IDM_DEBUG_EXCEPTIONS 1912
 // --- Tools, Help
 #define IDM_AI_OPENAI 1701
 #define IDM_AI_LMSTUDIO 1702
@@ -193,6 +195,14 @@
 #define IDC_CONDITION_PLACE 3142
 #define IDC_CONDITION_PROBLEM 3143
 
+// --- Controls of the dialog of exceptions
+#define IDC_EXCEPTIONS_LIST 3171
+#define IDC_EXCEPTIONS_PASS 3172
+#define IDC_EXCEPTIONS_STOP 3173
+#define IDC_EXCEPTIONS_CODE 3174
+#define IDC_EXCEPTIONS_ADD 3175
+#define IDC_EXCEPTIONS_DEFAULTS 3176
+
 // --- Messages of the main window (WM_USER = 0x0400, WM_APP = 0x8000). The receiver frees a heap block in wParam.
 #define MSG_BUILD_OUTPUT (0x0400 + 100)    // wParam: heap wide text, lParam: colour (0 = default)
 #define MSG_BUILD_FINISHED (0x0400 + 101)  // wParam: exit code of the compiler
@@ -203,6 +213,11 @@
 #define MSG_DEBUG_LAUNCH (0x8000 + 11)     // starts the program of a finished debug build under the debugger
 #define MSG_COMPILERS_SEEN (0x8000 + 24)   // wParam: what CompilersLook found, for CompilersOnLooked
 #define MSG_TREE_ITEMS (0x8000 + 10)       // to the project tree; wParam: TreeListing*, deleted by the receiver
+// A key that was put off while a debugged program started. wParam: virtual key, lParam: LATE_KEY bits
+#define MSG_LATE_KEY (0x8000 + 31)
+#define LATE_KEY_CONTROL 1
+#define LATE_KEY_SHIFT 2
+#define LATE_KEY_ALT 4
 
 // --- Timers of the main window
 #define TIMER_AUTO_SAVE 1

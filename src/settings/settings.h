@@ -92,6 +92,9 @@ struct Settings {
     wchar_t preBuildCmd[1024];
     wchar_t postBuildCmd[1024];
 
+    // Debugger
+    wchar_t exceptionRules[1024];  // which exceptions are passed to the program and which stop it; empty: none
+
     // Project
     wchar_t projectRoot[kPathCapacity];
     std::int32_t showProjectTree;

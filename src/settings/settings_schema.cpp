@@ -69,6 +69,7 @@ constexpr Place kSideBar{Preferences, L"AI"};
 constexpr Place kProject{Preferences, L"Project"};
 constexpr Place kColors{Preferences, L"Colors"};
 constexpr Place kBuild{Preferences, L"Build"};
+constexpr Place kDebug{Preferences, L"Debug"};
 constexpr Place kAi{Assistant, L"AI"};
 constexpr Place kRecent{Recent, L"MRU"};
 constexpr Place kWindow{Window, L"Window"};
@@ -189,6 +190,7 @@ constexpr SettingRow kOtherRows[] = {
     TextRow(kBuild, L"PreBuildCmd", FIELD(preBuildCmd), 1024, L""),
     TextRow(kBuild, L"PostBuildCmd", FIELD(postBuildCmd), 1024, L""),
     BoolRow(kBuild, L"SaveAllBeforeBuild", FIELD(saveAllBeforeBuild), 1),
+    TextRow(kDebug, L"Exceptions", FIELD(exceptionRules), 1024, L""),
 
     BoolRow(kAi, L"Enabled", FIELD(aiEnabled), 0, kSettingSaveOnly),
     BoolRow(kAi, L"OpenAIEnabled", FIELD(openAIEnabled), 0),

@@ -8,6 +8,7 @@
 //   settle           waits until its output was read     await PATH   waits for up to a minute until the file exists
 //   exit N           ends with that code                  tally PATH   one byte more in a file
 //   make             a copy of itself after "-o"          echo         prints its input, line by line, to its end
+//   renew PATH       gives a file the time of now, as if it had been written
 #include <windows.h>
 
 #include <cstdio>
@@ -103,6 +104,14 @@ void Obey(const std::string& order, const std::string& text) {
         for (char said[256]; std::fgets(said, sizeof(said), stdin) != nullptr;) Put(std::string("got ") + said);
     if (order == "exit") ExitProcess(static_cast<UINT>(std::atol(text.c_str())));
     if (order == "touch") std::fclose(std::fopen(text.c_str(), "wb"));
+    if (order == "renew") {
+        FILETIME now = {};
+        GetSystemTimeAsFileTime(&now);
+        HANDLE file = CreateFileA(text.c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                  OPEN_EXISTING, 0, nullptr);
+        SetFileTime(file, nullptr, nullptr, &now);
+        CloseHandle(file);
+    }
     if (order == "tally") {
         std::FILE* file = std::fopen(text.c_str(), "ab");
         std::fputc('1', file);

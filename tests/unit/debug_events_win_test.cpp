@@ -1,5 +1,7 @@
 // What the engine makes of a program's events: its debug strings, faults, its own traps, and how a wait ends.
+#include "base/bounded_text.h"
 #include "debug_fixture.h"
+#include "settings/settings_state.h"
 
 namespace {
 
@@ -39,6 +41,39 @@ TEST_P(DebugEvents, AFaultIsReportedAndTheInstructionRunsAgain) {
     ASSERT_TRUE(DebugContinue(&state));
     EXPECT_EQ(Wait(), kDebugStopped);
     EXPECT_GE(TimesSaid(report), 2);
+}
+
+// A program that handles its own faults gets on when they are passed to it.
+TEST_P(DebugEvents, ExceptionsGoWhereTheUserWantsThem) {
+    const struct {
+        const char* program;
+        const wchar_t* rules;
+        int stops;  // on line 3
+        DWORD exitCode;
+    } cases[] = {{"handles", L"C0000005:p", 0, 7},
+                 {"handles", L"other:ps", 1, 7},
+                 {"handles", L"other:ps;C0000005:p", 0, 7},
+                 {"fault", L"C0000005:p", 1, 0xC0000005}};  // it is not handled, which stops
+    for (const auto& one : cases) {
+        SCOPED_TRACE(FormatW(L"%hs %s", one.program, one.rules));
+        SafeCopyW(g_settings.exceptionRules, one.rules);
+        ASSERT_TRUE(Start(one.program));
+        ASSERT_TRUE(DebugSetBreakpoint(&state, 3));
+        ASSERT_TRUE(DebugContinue(&state));
+        ASSERT_EQ(Arrive(), 3);
+        g_said.clear();
+        for (int stop = 0; stop < one.stops; ++stop) {
+            ASSERT_TRUE(DebugContinue(&state));
+            ASSERT_EQ(Wait(), kDebugStopped);
+            EXPECT_EQ(state.currentLine, 3);
+        }
+        ContinueToTheEnd(one.exitCode);
+        EXPECT_GE(TimesSaid(L"[Debug] Access violation: reading 0x"), 1) << SaidText();
+        EXPECT_EQ(TimesSaid(L":3, passed to the program\n"), 1) << SaidText();
+        EXPECT_EQ(TimesSaid(L":3, which the program does not handle\n"), one.exitCode == 7 ? 0 : 1);
+        End();
+    }
+    g_settings.exceptionRules[0] = L'\0';
 }
 
 TEST_P(DebugEvents, AFaultThatHealsGoesOn) {
@@ -173,12 +208,14 @@ TEST_P(DebugEvents, WhatAProgramReportsIsLimitedBetweenStops) {
         DebugSetWaitHook([] { return watched->reports.leftOut > 0 || GetTickCount64() > g_deadline; });
     EXPECT_EQ(Wait(INFINITE), kDebugTimeout);
     DebugSetWaitHook(previous);
-    EXPECT_EQ(TimesSaid(L"again and again"), 10000);
-    EXPECT_EQ(TimesSaid(L"[Debug] The program writes too much; the rest is left out until it stops.\n"), 1);
+    EXPECT_EQ(TimesSaid(L"again and again"), 5000);
+    EXPECT_EQ(TimesSaid(L"[Debug] The program writes too much; its last lines are shown when it stops.\n"), 1);
     g_said.clear();
     ASSERT_TRUE(DebugSetBreakpoint(&state, 5));
     ASSERT_EQ(Arrive(), 5);
-    EXPECT_EQ(TimesSaid(L" reports left out ...\n"), 1) << SaidText();
+    EXPECT_EQ(TimesSaid(L" reports left out ...\n"), 1);
+    EXPECT_EQ(TimesSaid(L"again and again"), 5000) << "the last ones";
+    g_said.clear();
     ASSERT_TRUE(DebugContinue(&state));
     ASSERT_EQ(Arrive(), 5);
     EXPECT_EQ(TimesSaid(L"again and again"), 1) << "shown again";

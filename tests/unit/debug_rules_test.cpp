@@ -1,6 +1,7 @@
 // The pure rules of a session: what events mean, where steps and pauses end, stacks, the table of breakpoints,
 // registers.
 #include "debugger/breakpoint_table.h"
+#include "debugger/exception_rules.h"
 #include "debugger/registers.h"
 #include "debugger/stack_walk.h"
 #include "debugger/step_rules.h"
@@ -158,6 +159,22 @@ TEST(DebugRules, AStartResumesAfterStopsThatAreNotItsOwn) {
     EXPECT_EQ(StartText(FirstLine, kDebugStopped, 5), L"[Debug] Reached line 5.\n");
     EXPECT_EQ(StartText(FirstLine, kDebugTimeout, 0), L"[Debug] Did not reach first source breakpoint (event 3).\n");
     EXPECT_EQ(StartText(FirstLine, kDebugNoSession, 0), L"");
+}
+
+TEST(DebugRules, ExceptionRulesSurviveTheirText) {
+    using Rules = std::vector<ExceptionRule>;
+    const Rules rules = ParseExceptionRules(L"C0000005:ps;zz:p;C0000094:;other:s;123456789:p;C0000005:;x;:p;0:p");
+    EXPECT_EQ(rules, (Rules{{0xC0000005, {true, true}}, {0xC0000094, {}}, {kOtherExceptions, {false, true}}}));
+    EXPECT_EQ(ParseExceptionRules(ExceptionRulesText(rules)), rules);
+    EXPECT_EQ(ExceptionRulesText(Rules{{0xC0000094, {}}}), L"") << "as without a rule";
+    EXPECT_EQ(ActionOfException(rules, 0xC0000094), ExceptionAction());
+    EXPECT_EQ(ActionOfException(rules, 0xC0000096), (ExceptionAction{false, true}));
+    ExceptionReport report = {.code = 0xC0000005, .information = {1, 0x10}, .x64 = false, .place = L"a.bas:7"};
+    report.called = report.passed = true;
+    EXPECT_EQ(ExceptionText(report),
+              L"Access violation: writing 0x00000010, called from a.bas:7, passed to the program");
+    EXPECT_EQ(ExceptionText({.code = 1, .firstChance = false, .place = {}}),
+              L"Exception, which the program does not handle");
 }
 
 TEST(DebugRules, AnInstructionThatKeepsFailingIsHeld) {

@@ -278,4 +278,19 @@ TEST_P(DebugSession, AHundredSessionsLeaveNoHandle) {
     EXPECT_EQ(OpenHandles(), before);
 }
 
+// Stands for a program whose end does not come in time: it stays attached until its events are continued.
+TEST_P(DebugSession, AProgramThatWasLeftBehindIsDrained) {
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process = {};
+    ASSERT_TRUE(CreateProcessW(Program("sleeps").c_str(), nullptr, nullptr, nullptr, FALSE, DEBUG_ONLY_THIS_PROCESS,
+                               nullptr, nullptr, &startup, &process));
+    const UniqueHandle program(process.hProcess), thread(process.hThread);
+    DebugLeaveBehind(process.dwProcessId);
+    TerminateProcess(program.Get(), 0);
+    for (int i = 0; i < 500 && DebugHasLeftBehind(); ++i, Sleep(10)) DebugDrainLeftBehind();
+    EXPECT_FALSE(DebugHasLeftBehind());
+    EXPECT_EQ(WaitForSingleObject(program.Get(), 3000), WAIT_OBJECT_0);
+}
+
 }  // namespace

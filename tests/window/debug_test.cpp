@@ -26,7 +26,7 @@ struct DebugFolder : ProgramFolder {
 // A folder in which a build does nothing, so that the program that is debugged is the one put there.
 struct ReadyFolder : DebugFolder {
     explicit ReadyFolder(const wchar_t* debuggee) {
-        FakeCompiler("print ok\n");
+        FakeCompiler("renew " + Utf8(File(L"steps.exe")) + "\nprint ok\n");
         const std::wstring program = Wide(KVX_DEBUGGEES_DIR) + L"\\" + debuggee;
         EXPECT_TRUE(CopyFileW(program.c_str(), File(L"steps.exe").c_str(), FALSE)) << Utf8(program);
     }
@@ -292,8 +292,11 @@ TEST(Debug, StopIsHeardWhileAProgramStarts) {
     EXPECT_EQ(editor.Status(), L"Starting the program...");
     editor.Do(IDM_EDIT_UNDO);
     editor.Do(IDM_FILE_CLOSE);
+    PostMessageW(editor.main, WM_SYSCOMMAND, SC_MINIMIZE, 0);
+    EXPECT_TRUE(WaitFor([&] { return IsIconic(editor.main) != FALSE; }));
     folder.Write(L"go.txt", "");
     ExpectStopAt(editor, 2);
+    EXPECT_TRUE(WaitFor([&] { return IsIconic(editor.main) == FALSE; })) << "a stop wants to be seen";
     EXPECT_TRUE(editor.AwaitOutput(L"[Debug] Reached line 2.\n"));
     editor.Do(IDM_DEBUG_STOP);
     stopped();
@@ -305,8 +308,11 @@ TEST(Debug, StopIsHeardWhileAProgramStarts) {
     editor.Keys({'X'});
     EXPECT_TRUE(WaitFor([&] { return editor.Text().size() == textBefore.size() + 1; })) << "what is typed is not lost";
     EXPECT_TRUE(editor.ButtonShown(IDM_DEBUG_BUTTON_STOP) && editor.ButtonWorks(IDM_DEBUG_BUTTON_STOP));
+    editor.Keys({VK_CONTROL, 'N'});
     editor.Keys({VK_SHIFT, VK_F5});
     stopped();
+    EXPECT_TRUE(WaitFor([&] { return editor.Tabs() == 2; })) << "nor is a command";
+    editor.Do(IDM_FILE_CLOSE);
     editor.Do(IDM_EDIT_UNDO);
 
     startUp();

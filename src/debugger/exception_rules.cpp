@@ -1,0 +1,122 @@
+// Exceptions: their names, and the user's rules for them. Must not know a process.
+#include "debugger/exception_rules.h"
+
+#include "base/hex_digit.h"
+#include "base/hex_text.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::uint32_t kAccessViolation = 0xC0000005, kPageError = 0xC0000006;
+
+constexpr KnownException kKnown[] = {
+    {kAccessViolation, L"Access violation"},
+    {kPageError, L"Page that cannot be read in"},
+    {0xC0000008, L"Invalid handle"},
+    {0xC000001D, L"Illegal instruction"},
+    {0xC0000025, L"Exception that cannot be continued"},
+    {0xC000008C, L"Array bounds exceeded"},
+    {0xC000008D, L"Floating point: denormal operand"},
+    {0xC000008E, L"Floating point: division by zero"},
+    {0xC000008F, L"Floating point: inexact result"},
+    {0xC0000090, L"Floating point: invalid operation"},
+    {0xC0000091, L"Floating point: overflow"},
+    {0xC0000092, L"Floating point: stack check"},
+    {0xC0000093, L"Floating point: underflow"},
+    {0xC0000094, L"Integer division by zero"},
+    {0xC0000095, L"Integer overflow"},
+    {0xC0000096, L"Privileged instruction"},
+    {0xC00000FD, L"Stack overflow"},
+    {0x80000001, L"Guard page"},
+    {0x80000002, L"Misaligned data"},
+    {0x40010005, L"Ctrl+C"},
+    {0x406D1388, L"Name of a thread"},
+    {0xE06D7363, L"C++ exception"},
+    {0x20474343, L"C++ exception (GCC)"},
+    {0xE0434352, L".NET exception"},
+};
+
+constexpr wchar_t kOther[] = L"other";
+
+bool ReadCode(std::wstring_view text, std::uint32_t* code) {
+    *code = kOtherExceptions;
+    if (text == kOther) return true;
+    constexpr std::size_t kDigits = 8;
+    if (text.empty() || text.size() > kDigits) return false;
+    for (const wchar_t c : text) {
+        const int digit = c < 0x80 ? HexValue(static_cast<char>(c)) : -1;
+        if (digit < 0) return false;
+        *code = *code << 4 | static_cast<std::uint32_t>(digit);
+    }
+    return *code != kOtherExceptions;
+}
+
+bool ReadRule(std::wstring_view text, ExceptionRule* rule) {
+    const std::size_t colon = text.find(L':');
+    if (colon == std::wstring_view::npos || !ReadCode(text.substr(0, colon), &rule->code)) return false;
+    const std::wstring_view letters = text.substr(colon + 1);
+    rule->action = {.pass = letters.find(L'p') != std::wstring_view::npos,
+                    .stop = letters.find(L's') != std::wstring_view::npos};
+    return true;
+}
+
+const wchar_t* AccessText(std::uint64_t kind) {
+    constexpr std::uint64_t kWrite = 1, kExecute = 8;
+    return kind == kWrite ? L"writing" : kind == kExecute ? L"executing" : L"reading";
+}
+
+}  // namespace
+
+std::vector<ExceptionRule> ParseExceptionRules(std::wstring_view text) {
+    std::vector<ExceptionRule> rules;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find(L';'), text.size());
+        ExceptionRule rule;
+        if (ReadRule(text.substr(0, end), &rule) &&
+            std::ranges::find(rules, rule.code, &ExceptionRule::code) == rules.end())
+            rules.push_back(rule);
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return rules;
+}
+
+std::wstring ExceptionRulesText(std::span<const ExceptionRule> rules) {
+    std::wstring text;
+    for (const ExceptionRule& rule : rules) {
+        // A rule that does nothing still counts against a rule for all others.
+        if (rule.action == ExceptionAction{} && ActionOfException(rules, kOtherExceptions) == ExceptionAction{})
+            continue;
+        if (!text.empty()) text += L';';
+        text += rule.code == kOtherExceptions ? std::wstring(kOther) : HexText(rule.code, 8);
+        text += L':';
+        if (rule.action.pass) text += L'p';
+        if (rule.action.stop) text += L's';
+    }
+    return text;
+}
+
+ExceptionAction ActionOfException(std::span<const ExceptionRule> rules, std::uint32_t code) {
+    for (const std::uint32_t wanted : {code, kOtherExceptions}) {
+        const auto rule = std::ranges::find(rules, wanted, &ExceptionRule::code);
+        if (rule != rules.end()) return rule->action;
+    }
+    return {};
+}
+
+std::span<const KnownException> KnownExceptions() { return kKnown; }
+
+const wchar_t* ExceptionName(std::uint32_t code) {
+    const auto known = std::ranges::find(kKnown, code, &KnownException::code);
+    return known != std::end(kKnown) ? known->name : L"Exception";
+}
+
+std::wstring ExceptionText(const ExceptionReport& report) {
+    std::wstring text = ExceptionName(report.code);
+    if (report.code == kAccessViolation || report.code == kPageError)
+        text += std::wstring(L": ") + AccessText(report.information[0]) + L" 0x" +
+                HexText(report.information[1], report.x64 ? 16 : 8);
+    if (!report.place.empty()) text += (report.called ? L", called from " : L", at ") + report.place;
+    if (!report.firstChance) return text + L", which the program does not handle";
+    return report.passed ? text + L", passed to the program" : text;
+}
