@@ -1,6 +1,7 @@
 // Keys that were put off while a debugged program started. UI thread only.
 #include "app/main_window.h"
 #include "commands/command_table.h"
+#include "documents/documents_state.h"
 #include "resources/ids.h"
 #include "ui/ui_state.h"
 
@@ -33,7 +34,8 @@ int CommandOfAccelerator(std::uint32_t key, KeyHeld held) {
 void MainWnd_OnLateKey(std::uint32_t key, LPARAM bits) {
     const KeyHeld held = {(bits & LATE_KEY_CONTROL) != 0, (bits & LATE_KEY_SHIFT) != 0, (bits & LATE_KEY_ALT) != 0};
     int command = CommandOfAccelerator(key, held);
-    if (command == 0) command = CommandOfExtraKey(key, held.control, held.shift, held.alt);
+    if (command == 0)
+        command = CommandOfExtraKey(key, held.control, held.shift, held.alt, GetFocus() == g_documents.hEditor);
     if (command != 0)
         SendMessageW(g_ui.hMainWnd, WM_COMMAND, MAKEWPARAM(command, 1), 0);
     else if (held == KeyHeld{} && GetFocus() != nullptr)  // with a modifier it would mean something else by now

@@ -7,7 +7,7 @@
 
 #include <span>
 
-// Commands 1901..1910 and 1501..1512.
+// Commands 1901..1912 and 1501..1512.
 std::span<const CommandHandler> DebugCommandHandlers();
 // Carries out one of these commands. False: the number is none of them.
 bool CmdHandle_Debug(int command);

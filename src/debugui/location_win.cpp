@@ -12,6 +12,7 @@
 #include "documents/file_commands.h"
 #include "documents/margins.h"
 #include "files/file_io.h"
+#include "files/share_probe.h"
 #include "scintilla/sci.h"
 
 #include <algorithm>
@@ -89,6 +90,8 @@ bool ShowSourceFile(const std::wstring& path, bool ofStop) {
         if (tab != g_documents.activeTab) TabBarSelect(tab);
         return true;
     }
+    if (!PathAnswers(path.c_str()))
+        return RefuseFile(path, ofStop, L"[Debug] The place of the file does not answer: %s\n");
     if (!FileExists(path.c_str())) return RefuseFile(path, ofStop, L"[Debug] The file is not there: %s\n");
     return FileShow(path.c_str(), true) != 0 || RefuseFile(path, ofStop, L"[Debug] The file cannot be opened: %s\n");
 }

@@ -10,6 +10,7 @@
 #include "debugui/location.h"
 #include "documents/documents_state.h"
 #include "files/file_io.h"
+#include "files/share_probe.h"
 #include "scintilla/sci.h"
 
 #include <psapi.h>
@@ -59,7 +60,7 @@ bool IsLarge(const std::wstring& path) {
 
 const SourceLines& FileOf(const std::wstring& path) {
     const auto [place, isNew] = g_sources.try_emplace(path);
-    if (!isNew || IsLarge(path)) return place->second;
+    if (!isNew || !PathAnswers(path.c_str()) || IsLarge(path)) return place->second;
     std::size_t length = 0;
     const HeapBlock<char> bytes(ReadSourceFileForEditor(path.c_str(), &length, nullptr, nullptr));
     if (bytes) place->second = SourceLinesOf({bytes.get(), length});

@@ -7,6 +7,7 @@
 #include "debugui/stop_view.h"
 #include "documents/document_row.h"
 #include "files/file_io.h"
+#include "files/share_probe.h"
 #include "program/debug_say.h"
 
 namespace {
@@ -15,6 +16,7 @@ StaleWarnings g_warnings;  // of this session
 
 bool WriteTimeOf(const std::wstring& path, FILETIME* time) {
     WIN32_FILE_ATTRIBUTE_DATA data = {};
+    if (!PathAnswers(path.c_str())) return false;
     if (!GetFileAttributesExW(PathForSystem(path.c_str()).c_str(), GetFileExInfoStandard, &data)) return false;
     *time = data.ftLastWriteTime;
     return true;

@@ -1,3 +1,4 @@
+// Which share a path is on. Pure.
 #include "files/share_probe.h"
 
 #include <algorithm>

@@ -14,8 +14,8 @@
 namespace {
 
 constexpr DWORD kWaitMs = 250;
-constexpr ULONGLONG kFreshMs = 5000;    // that an answer is trusted
-constexpr ULONGLONG kAgainMs = 30000;   // after which a share that did not answer is asked again
+constexpr ULONGLONG kFreshMs = 5000;   // that an answer is trusted
+constexpr ULONGLONG kAgainMs = 30000;  // after which a share that did not answer is asked again
 
 void AskSystem(const wchar_t* root) { GetFileAttributesW(root); }
 

@@ -6,6 +6,7 @@
 #include "base/handles.h"
 #include "base/path.h"
 #include "files/file_io.h"
+#include "files/share_probe.h"
 
 #include <cstring>
 
@@ -20,5 +21,6 @@ std::wstring PathOfMapFile(const char* name, bool first, const MapSource& compil
     if (compiled.source.empty()) return path;
     if (!compiled.staged.empty() && PathEqualsIgnoreCase(path, compiled.staged)) return compiled.source;
     // The file of the map's first record is what was compiled. If it no longer exists, it was the copy of the source.
-    return (first || LooksLikeCopy(path, compiled.source)) && !FileExists(path.c_str()) ? compiled.source : path;
+    const bool mayBeCopy = first || LooksLikeCopy(path, compiled.source);
+    return mayBeCopy && !(PathAnswers(path.c_str()) && FileExists(path.c_str())) ? compiled.source : path;
 }

@@ -1,7 +1,9 @@
 // Files of line maps on a disk: staged copies that are gone, and maps that name a file twice or by an empty name.
 #include "program/map_paths.h"
+#include "base/handles.h"
 #include "debugui/location.h"
 #include "files/file_io.h"
+#include "files/share_probe.h"
 #include "program/line_map.h"
 
 #include "support/temp_files.h"
@@ -49,6 +51,29 @@ TEST_F(MapFiles, CopiesOfTheSourceAreTheSource) {
     for (const char* name : {static_cast<const char*>(nullptr), "", "C:\\", "folder\\", "folder/"})
         EXPECT_EQ(PathOfMapFile(name, false, compiled), L"");
     EXPECT_EQ(PathOfMapFile("main.pb", false, {.source = folder + L"part.inc", .staged = L""}), folder + L"main.pb");
+}
+
+// A share that went away costs the caller a moment once, and is asked for nothing before it answers.
+TEST_F(MapFiles, ASilentShareIsNotWaitedFor) {
+    static HANDLE back;
+    const UniqueHandle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    back = event.Get();
+    SetShareProbe([](const wchar_t*) { WaitForSingleObject(back, 10000); });
+    const ULONGLONG begun = GetTickCount64();
+    const MapSource compiled = {.source = folder + L"main.kxa", .staged = L""};
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_EQ(PathOfMapFile("\\\\gone\\share\\main.bas", false, compiled), compiled.source);
+        EXPECT_FALSE(PathAnswers(L"\\\\?\\UNC\\gone\\share\\part.inc"));
+    }
+    EXPECT_LT(GetTickCount64() - begun, 3000U);
+    EXPECT_TRUE(PathAnswers(folder.c_str()));
+    SetEvent(back);
+    for (int i = 0; i < 500 && !PathAnswers(L"//gone/share/x"); ++i) Sleep(10);
+    EXPECT_TRUE(PathAnswers(L"\\\\gone\\share\\x")) << "it is back";
+    SetShareProbe(nullptr);
+    for (const wchar_t* path :
+         {L"C:\\a", L"\\\\server", L"\\\\server\\", L"\\\\?\\C:\\a", L"\\\\.\\pipe\\a", L"a", L""})
+        EXPECT_EQ(ShareRootOf(path), L"") << path;
 }
 
 TEST_F(MapFiles, TheFirstOfANumberAndTheFirstOfAPathWin) {
