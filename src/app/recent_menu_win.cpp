@@ -115,6 +115,8 @@ std::wstring AskSessionPath(bool save) {
     dialog.lpstrFile = path.data();
     dialog.nMaxFile = static_cast<DWORD>(kPathCapacity);
     dialog.lpstrDefExt = L"kvxsess";
+    wchar_t folder[kPathCapacity] = {};
+    if (FileOpenResolveInitialDirectory(folder, kPathCapacity) != 0) dialog.lpstrInitialDir = folder;
     dialog.Flags = OFN_HIDEREADONLY | OFN_PATHMUSTEXIST | OFN_NOCHANGEDIR |
                    static_cast<DWORD>(save ? OFN_OVERWRITEPROMPT : OFN_FILEMUSTEXIST);
     const BOOL chosen = save ? GetSaveFileNameW(&dialog) : GetOpenFileNameW(&dialog);
