@@ -23,6 +23,19 @@ if(WIN32)
     add_link_options(-static)
 endif()
 
+# A check of the stack in procedures with arrays (src/base/stack_guard_win.cpp). The linker marks the program by itself
+# for random addresses and for memory that is either data or code. The toolchain offers no control-flow check that
+# Windows would make use of.
+if(MINGW)
+    include(CheckCXXCompilerFlag)
+    check_cxx_compiler_flag(-fstack-protector-strong KVX_STACK_GUARD)
+endif()
+function(kvx_guard_stack target)
+    if(KVX_STACK_GUARD)
+        target_compile_options(${target} PRIVATE -fstack-protector-strong)
+    endif()
+endfunction()
+
 if(KVX_SANITIZE)
     set(sanitize -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_compile_options(${sanitize} -g)

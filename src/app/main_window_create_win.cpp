@@ -80,7 +80,6 @@ bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create) {
     g_app.dpi = static_cast<int>(GetDpiForWindow(window));
     MainWnd_ConnectEvents();
     InitCommonControls();
-    MenuDrawAttach(window);  // before the first theme, because the bar is measured then
     CreateChildren(window);
     LoadSettings();
     MainWnd_RestorePlace(window);
