@@ -234,6 +234,7 @@ LRESULT MenuDrawAround(HWND window, UINT message, WPARAM wParam, LPARAM lParam, 
             return TRUE;
         }
         case WM_MENUCHAR: return ItemOfMnemonic(reinterpret_cast<HMENU>(lParam), static_cast<wchar_t>(LOWORD(wParam)));
+        case WM_SETTEXT:  // a new caption may paint the whole frame
         case WM_NCPAINT:
         case WM_NCACTIVATE: {
             const LRESULT result = next(window, message, wParam, lParam);

@@ -139,7 +139,7 @@ TEST(View, TheDarkThemeReachesMenusDialogsAndHeaders) {
     ProgramFolder folder;
     folder.SetIni(L"Editor", L"ShowErrorList", L"1");
     folder.SetIni(L"Editor", L"Theme", L"1");
-    Editor editor(folder);
+    Editor editor(folder, OpenArgument(folder.Write(L"a.bas", "")));  // whose name goes into the caption
     const auto brightness = [](HWND window, int x, int y) {  // of the screen, at a place in the window; 0 to 255
         RECT rect{};
         GetWindowRect(window, &rect);
