@@ -145,7 +145,8 @@ TEST_F(DocumentsWin, WorkOnAFileIsCancelledByEsc) {
         const auto release = std::make_shared<std::atomic<bool>>(false);
         PostMessageW(g_ui.hMainWnd, hangs ? WM_CLOSE : WM_KEYDOWN, hangs ? 0 : VK_ESCAPE, 0);
         const bool ended = FileWorkRun({.verb = L"Opening", .label = L"x", .progress = progress, .work = [=] {
-                                            while (!(hangs ? release->load() : progress->cancel.load())) Sleep(1);
+                                            for (int i = 0; i < 6000 && !(hangs ? *release : progress->cancel); ++i)
+                                                Sleep(1);
                                         }});
         EXPECT_EQ(ended, !hangs);
         EXPECT_TRUE(progress->cancel);
