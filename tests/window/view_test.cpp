@@ -407,7 +407,7 @@ TEST(View, KeysReachEditorAndCommands) {
 
 TEST(View, AClickMeansWhatTheViewShows) {
     ProgramFolder folder;
-    std::string text;
+    std::string text = "ASM\r\n";
     for (int i = 0; i < 300; ++i) text += "' " + std::string(300, 'a') + "\r\n";
     const std::wstring path = folder.Write(L"a.bas", text);
     Editor editor(folder, OpenArgument(path));
@@ -436,6 +436,10 @@ TEST(View, AClickMeansWhatTheViewShows) {
         expectPlace("a click with Shift, after scrolling", 150, 600, clicked, further);
         editor.Sci(SCI_SETEMPTYSELECTION, static_cast<WPARAM>(clicked));
     }
+    editor.Sci(SCI_SETFIRSTVISIBLELINE, 260);
+    const auto assembly = static_cast<LPARAM>(editor.Sci(SCI_POSITIONFROMLINE, 262));
+    EXPECT_TRUE(WaitFor([&] { return editor.Sci(SCI_INDICATORVALUEAT, INDICATOR_CONTAINER, assembly) != 0; }))
+        << "the block of assembly begins far above the view";
     editor.Do(IDM_EDIT_SELECT_ALL);
     editor.Sci(SCI_SETFIRSTVISIBLELINE, 10);
     leave();
