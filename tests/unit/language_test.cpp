@@ -160,70 +160,45 @@ TEST(InlineAssembly, IsFoundLineByLineAndInBlocks) {
     EXPECT_EQ(InlineAssemblyRanges("nop\nENDASM\nnop", true).size(), 1U) << "a block from above";
 }
 
-// The start of a block may be far above; the answer is that of a reader of the whole text.
+// The start of a block may be far above; the answer is that of a reader of the whole text. Each line has 8 bytes.
 TEST(InlineAssembly, IsKnownWithoutReadingFromTheTop) {
     std::string text;
-    for (int i = 0; text.size() < 3 * kAssemblyStretch; ++i)
-        text += i % 9000 == 5 ? "ASM\n" : i % 9000 == 8900 ? " end asm ' x\n" : i == 100 ? "end asm\nasm\n" : "x = 1\n";
+    std::vector<bool> inside;
+    for (int i = 0; i < 100000; ++i) {
+        inside.push_back(i % 40000 > 5 && i % 40000 <= 39000);
+        text += i % 40000 == 5 ? "ASM    \n" : i % 40000 == 39000 ? "end asm\n" : "x = 123\n";
+    }
     std::ptrdiff_t read = 0;
     const AssemblySource source = {
-        .text =
-            [&](std::ptrdiff_t start, std::ptrdiff_t end) {
-                read += end - start;
-                return text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start));
-            },
+        .text = [&](std::ptrdiff_t start,
+                    std::ptrdiff_t end) { return read += end - start, text.substr(start, end - start); },
         .stretchBefore =
-            [&](std::ptrdiff_t end) {
-                const auto from = static_cast<std::size_t>(std::max<std::ptrdiff_t>(end - kAssemblyStretch, 0));
-                return static_cast<std::ptrdiff_t>(from == 0 ? 0 : text.rfind('\n', from) + 1);
-            }};
-    std::vector<std::ptrdiff_t> starts = {0};
-    std::vector<bool> inside = {false};
-    for (std::size_t at = 0; (at = text.find('\n', at)) != std::string::npos; ++at) {
-        const AssemblyKind kind = AssemblyOfLine(std::string_view(text)
-                                                     .substr(static_cast<std::size_t>(starts.back()), 12)
-                                                     .substr(0, at - static_cast<std::size_t>(starts.back())),
-                                                 inside.back())
-                                      .kind;
-        starts.push_back(static_cast<std::ptrdiff_t>(at) + 1);
-        inside.push_back(kind == AssemblyKind::BlockStart || kind == AssemblyKind::Instruction);
-    }
+            [](std::ptrdiff_t end) { return std::max<std::ptrdiff_t>(end - kAssemblyStretch, 0) / 8 * 8; }};
     AssemblyAbove above;
     unsigned state = 1;
     std::size_t line = 0;
     for (int i = 0; i < 400; ++i) {
         state = state * 1664525u + 1013904223u;
-        line = i % 4 == 0 ? (state >> 8) % starts.size() : std::min(line + i % 3 * 40 - 40, starts.size() - 1);
-        if (i % 7 == 0) AssemblyForget(above, starts[(state >> 4) % starts.size()]);
-        ASSERT_EQ(AssemblySearch(above, starts[line], source, 100), inside[line]) << i << ": line " << line;
+        line = i % 4 == 0 ? (state >> 8) % inside.size() : std::clamp<std::size_t>(line + i % 3 * 40, 40, 99999) - 40;
+        if (i % 7 == 0) AssemblyForget(above, (state >> 4) % inside.size() * 8);
+        ASSERT_EQ(AssemblySearch(above, line * 8, source, 100), inside[line]) << i << ": line " << line;
     }
     read = 0;
-    EXPECT_TRUE(AssemblySearch(above, starts[line], source, 0).has_value());
+    EXPECT_EQ(AssemblySearch(above, line * 8, source, 0), inside[line]);
     EXPECT_EQ(read, 0) << "the same place again";
     above = {};
-    const std::string plain(static_cast<std::size_t>(4 * kAssemblyStretch), '\n');
-    text = plain;
-    EXPECT_EQ(AssemblySearch(above, 4 * kAssemblyStretch, source, 2), std::nullopt) << "not all at once";
-    EXPECT_EQ(AssemblySearch(above, 4 * kAssemblyStretch, source, 3), false);
+    EXPECT_EQ(AssemblySearch(above, 38000 * 8, source, 1), std::nullopt) << "not all at once";
+    EXPECT_EQ(AssemblySearch(above, 38000 * 8, source, 1), true);
 }
 
 // As they are typed: what the formatter leaves alone stays.
 TEST(Format, CapitalsOfOneLine) {
-    const struct {
-        const char *line, *out;
-        bool inAssembly = false;
-    } cases[] = {
-        {"  if a and b", "  IF a AND b"},
-        {"! and eax, not", "! and eax, not"},
-        {"asm and eax, 1", "asm and eax, 1"},
-        {" and eax, 1", " and eax, 1", true},
-        {"end asm ' and", "END ASM ' and", true},
-        {"x = %name + $end", "x = %name + $end"},
-        {"a.type = \"if", "a.type = \"if"},
-        {"data if, and", "DATA if, and"},
-        {"threadsafe sub a: endsub", "THREADSAFE SUB a: ENDSUB"},
-    };
-    for (const auto& test : cases) EXPECT_EQ(KeywordsInCapitals(test.line, test.inAssembly), test.out) << test.line;
+    for (const char* line : {"! and eax, not", "asm and eax, 1", "x = %name + $end", "a.type = \"if"})
+        EXPECT_EQ(KeywordsInCapitals(line, false), line);
+    EXPECT_EQ(KeywordsInCapitals(" and eax, 1", true), " and eax, 1");
+    EXPECT_EQ(KeywordsInCapitals("end asm ' and", true), "END ASM ' and");
+    EXPECT_EQ(KeywordsInCapitals("  data if: and if", false), "  DATA if: and if");
+    EXPECT_EQ(KeywordsInCapitals("threadsafe sub a: endsub", false), "THREADSAFE SUB a: ENDSUB");
 }
 
 // The cases that a text file cannot hold; the others are in tests/golden/format_before.bas.
