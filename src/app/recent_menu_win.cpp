@@ -84,11 +84,13 @@ bool IsThere(const RecentList& list, int row, const std::wstring& path) {
 }
 
 void OpenSession(const std::wstring& path) {
-    if (SessionLoad(path.c_str(), g_app.hMainWnd) == 0) {
-        // A document that the user wanted to keep open stops it, too, and that needs no message.
-        if (SessionHasFiles(path.c_str()) == 0) ErrorMessage(L"Failed to open session: %s", path.c_str());
+    // The session in use is written when the program ends, so a file of another kind must not become it.
+    if (!SessionFileIsOurs(path.c_str())) {
+        ErrorMessage(L"Failed to open session: %s\n\nThe file cannot be read, or it is not a session.", path.c_str());
         return;
     }
+    // A document that the user wanted to keep open stops it, and that needs no message.
+    if (SessionLoad(path.c_str(), g_app.hMainWnd) == 0) return;
     SafeCopyW(g_app.sessionPath, path);
     StatusBarSetText(L"Session opened");
 }

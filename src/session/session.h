@@ -13,6 +13,7 @@ void SessionStartupDone();
 int SessionSave(const wchar_t* path);              // 1 when the file was written
 int SessionLoad(const wchar_t* path, HWND owner);  // 1 when it was restored; replaces all open documents
 int SessionHasFiles(const wchar_t* path);          // 1 when it lists a file
+bool SessionFileIsOurs(const wchar_t* path);       // false for a file that cannot be read or is no session
 // Saves the auto-save file: on a timer, and when the program ends. Does nothing, and returns 1, in a self-test run, when
 // `autoSaveEnabled` is 0, or when saves are not allowed. Returns 0 when it could not be written.
 int SessionAutoSave(HWND window);

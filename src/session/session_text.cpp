@@ -152,6 +152,12 @@ void SessionTakeItem(SessionFile& file, const SessionItem& item) {
     }
 }
 
+bool SessionHasHeader(std::string_view text) {
+    while (!text.empty())
+        if (TakeLine(text).starts_with("[Session]")) return true;
+    return false;
+}
+
 bool SessionListsFiles(std::string_view text) {
     while (!text.empty()) {
         const std::string line{TakeLine(text)};

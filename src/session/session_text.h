@@ -90,6 +90,9 @@ std::vector<SessionItem> SessionParse(std::string_view text);
 // Sets the value of a line of a file section in `file`.
 void SessionTakeItem(SessionFile& file, const SessionItem& item);
 
+// True when the text has the header line that every session begins with.
+bool SessionHasHeader(std::string_view text);
+
 // True when a line of the text is "Path=" with a value that is not empty.
 bool SessionListsFiles(std::string_view text);
 

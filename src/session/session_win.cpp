@@ -214,6 +214,11 @@ int SessionHasFiles(const wchar_t* path) {
     return text && SessionListsFiles(*text) ? 1 : 0;
 }
 
+bool SessionFileIsOurs(const wchar_t* path) {
+    const std::optional<std::string> text = ReadSession(path);
+    return text && SessionHasHeader(*text);
+}
+
 void SessionAutoSavePath(wchar_t* out, std::size_t capacity) {
     GetIniPath(nullptr, out, capacity);
     SafeCatW(out, capacity, L"_autosave.kvxsess");

@@ -272,6 +272,10 @@ TEST(Workspace, LeavesFilesOfOthersAlone) {
         editor.AnswerFileDialog(package);
         EXPECT_NE(editor.AwaitDialog(kProgramTitle).text.find(L"not a workspace"), std::wstring::npos);
         editor.Answer(kProgramTitle, L"", IDOK);
+        editor.Post(IDM_SESSION_OPEN);
+        editor.AnswerFileDialog(package);
+        EXPECT_NE(editor.AwaitDialog(kProgramTitle).text.find(L"not a session"), std::wstring::npos);
+        editor.Answer(kProgramTitle, L"", IDOK);
         EXPECT_EQ(editor.Tabs(), 1) << "nothing is closed";
         // A refusal leaves the compiler as it is.
         editor.Type("x");
