@@ -127,6 +127,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_DEBUG_STEP_INSTRUCTION, kProgramStopped},
     {IDM_DEBUG_STEP_OVER_INSTRUCTION, kProgramStopped},
     {IDM_DEBUG_EXCEPTIONS, kAlways},
+    {IDM_DEBUG_PROGRAM, kAlways},
     {IDM_AI_OPENAI, kNever},
     {IDM_AI_LMSTUDIO, kNever},
     {IDM_HELP_ABOUT, kAlways},

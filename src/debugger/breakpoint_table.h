@@ -15,8 +15,9 @@ struct DebugBreakpoint {
     std::uint32_t temporary = 0;              // 1: removed when hit
     char condition[kConditionCapacity] = {};  // UTF-8, empty: none
     std::uint32_t fileId = 0;
-    std::uint32_t armed = 0;  // 1: the trap byte stands in the program
-    std::uint32_t hits = 0;   // stops that were reported
+    std::uint32_t armed = 0;     // 1: the trap byte stands in the program
+    std::uint32_t hits = 0;      // how often it was reached while its condition held
+    std::uint32_t stopFrom = 0;  // stops from this hit on; 0 and 1: at each
     // A temporary one that holds only for a thread whose stack pointer is in the range (debug_follow.h); 0: for all.
     std::uint32_t thread = 0;
     std::uint64_t leastSp = 0, mostSp = 0;

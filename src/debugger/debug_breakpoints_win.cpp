@@ -119,7 +119,8 @@ void DebugRearmBreakpoints(DebuggerState* state) {
     const std::uint64_t underWay = DebugIsSteppingOff(*state) ? state->stepOff.address : 0;
     for (int i = 0; i < state->breakpointCount; ++i) {
         DebugBreakpoint& bp = EntryAt(state, i);
-        if ((bp.temporary == 0 || bp.thread != 0) && bp.address != underWay) DebugArm(state, &bp);
+        if ((bp.temporary == 0 || bp.thread != 0 || bp.address == state->stepTarget) && bp.address != underWay)
+            DebugArm(state, &bp);
     }
 }
 

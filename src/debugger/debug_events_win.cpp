@@ -1,5 +1,6 @@
 // Waits for the program's events and carries out what each means. UI thread only, because WaitForDebugEvent works only
 // in the thread that started the program.
+#include "debugger/debug_exit_trap.h"
 #include "debugger/debug_follow.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_process.h"
@@ -135,12 +136,13 @@ int OnPlantedBreakpoint(DebuggerState* state, const DEBUG_EVENT& event, int inde
     // A start and a step stop at their line whether the condition there holds or not.
     const bool ofStart = state->awaits != DebugAwaits::Nothing && address == state->startAddress;
     const bool mustStop = ofStart || address == state->stepTarget || !moved;
-    if (!mustStop && hit.condition[0] != '\0' && !DebugCheckCondition(state, hit.condition)) {
+    const bool holds = hit.condition[0] == '\0' || DebugCheckCondition(state, hit.condition);
+    if (hit.temporary == 0 && (holds || mustStop)) ++HitEntry(state, index).hits;
+    if (!mustStop && (!holds || hit.hits + 1 < hit.stopFrom)) {
         DebugStepOffAndResume(state);
         SetPlace(state, lastAddress, lastPlace);
         return kGoOn;
     }
-    if (hit.temporary == 0) ++HitEntry(state, index).hits;
     DebugNoteStoppedAt(state, event.dwThreadId, address);
     return Stopped(state, event);
 }
@@ -203,6 +205,7 @@ std::optional<std::uint64_t> TrapOfHeldThread(const DebuggerState& state, const 
 
 int OnBreakpoint(DebuggerState* state, const DEBUG_EVENT& event) {
     TrapReport trap = {.address = reinterpret_cast<std::uint64_t>(event.u.Exception.ExceptionRecord.ExceptionAddress)};
+    if (DebugOnExitTrap(state, event.dwThreadId, trap.address)) return GoOn(state);
     trap.hasIp = DebugGetIp(*state, event.dwThreadId, &trap.ip);
     const int index = EntryOfTrap(state, trap);
     // It runs onto its trap again after the step that is under way, so that each pass is seen once.

@@ -34,6 +34,8 @@ int DebugWaitStart(DebuggerState* state, DWORD timeoutMs);
 // Called when the program is created and the breakpoint of its first line is planted, before the program runs.
 using DebugPlantHook = void (*)(DebuggerState* state);
 void DebugSetPlantHook(DebugPlantHook hook);
+// What the next start adds to the command line, and the folder that it starts in; empty: that of the executable.
+void DebugSetLaunch(const wchar_t* arguments, const wchar_t* folder);
 // Ends the program and the session; takes at most about two seconds.
 void DebugStop(DebuggerState* state);
 

@@ -1,4 +1,5 @@
 // Starts a program under the debugger and ends it. UI thread only.
+#include "debugger/debug_exit_trap.h"
 #include "debugger/debug_process.h"
 #include "program/line_map.h"
 #include "program/pe_headers.h"
@@ -20,6 +21,12 @@ constexpr DWORD kStopWaitMs = 100;
 constexpr DWORD kDrainMs = 10;
 
 DebugPlantHook g_plantHook = nullptr;
+
+struct LaunchOptions {
+    std::wstring arguments;
+    std::wstring folder;
+};
+LaunchOptions g_launch;
 
 struct ImageKind {
     bool x64 = false;
@@ -52,9 +59,11 @@ void SayLaunchFailed(DWORD error) {
 
 bool Launch(const wchar_t* executable, DebuggerState* state) {
     std::wstring commandLine = L"\"" + std::wstring(executable) + L"\"";
+    if (!g_launch.arguments.empty()) commandLine += L" " + g_launch.arguments;
     const std::wstring path = executable;
     const std::size_t slash = path.find_last_of(L"\\/");
-    const std::wstring directory = slash == std::wstring::npos ? std::wstring() : path.substr(0, slash + 1);
+    const std::wstring own = slash == std::wstring::npos ? std::wstring() : path.substr(0, slash + 1);
+    const std::wstring directory = g_launch.folder.empty() ? own : g_launch.folder;
     if (!ProgramCanBeStarted(path)) {
         DebugSay(kDebugRed, L"[Debug] %s\n", LongProgramText(path).c_str());
         return false;
@@ -150,6 +159,10 @@ void AwaitEnd(DebuggerState* state) {
 
 void DebugSetPlantHook(DebugPlantHook hook) { g_plantHook = hook; }
 
+void DebugSetLaunch(const wchar_t* arguments, const wchar_t* folder) {
+    g_launch = {.arguments = arguments, .folder = folder};
+}
+
 bool DebugStart(const wchar_t* executable, DebuggerState* state) { return DebugStartForCompiler(executable, 1, state); }
 
 bool DebugStartForCompiler(const wchar_t* executable, std::uint32_t compilerId, DebuggerState* state) {
@@ -171,6 +184,7 @@ bool DebugStartLoaded(const wchar_t* executable, DebuggerState* state) {
         return false;
     }
     DebugNeutralizeNativeTraps(state);
+    DebugPlantExitTrap(state);
     if (state->map.nativeTrapMap != 0 || state->map.lineCount > 0)
         RunToFirst(state);
     else

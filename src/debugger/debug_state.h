@@ -47,6 +47,12 @@ struct DebugRemovedTraps {
     std::size_t next = 0;
 };
 
+// The trap at ExitProcess (debug_exit_trap.h).
+struct DebugExitTrap {
+    std::uint64_t address = 0;  // 0: none
+    std::uint8_t originalByte = 0;
+};
+
 struct DebuggerState {
     SdbgMap map;  // `imageBase` is the real load address from process creation on
     HANDLE process = nullptr;
@@ -62,6 +68,7 @@ struct DebuggerState {
     DebugRemovedTraps removedTraps;
     DebugStepOff stepOff;
     DebugOwedIp owedIp;
+    DebugExitTrap exitTrap;
     std::uint64_t stepTarget = 0;  // of the step under way: a stop there whatever its condition says. 0: none
     std::uint32_t isX64 = 0;
     DebugRun run = DebugRun::None;

@@ -2,6 +2,7 @@
 // not know a thread.
 #include "debugger/expressions.h"
 
+#include "base/hex_text.h"
 #include "base/scan_text.h"
 
 namespace {
@@ -9,7 +10,8 @@ namespace {
 // Sums, products and brackets, read from left to right.
 class PaneParser {
 public:
-    PaneParser(const RegisterSet& registers, std::string_view text) : registers_(registers), rest_(text) {}
+    PaneParser(const RegisterSet& registers, std::string_view text, const MemoryReader& read)
+        : registers_(registers), rest_(text), read_(read) {}
 
     Evaluation Run() {
         const std::uint64_t value = Sum();
@@ -69,12 +71,29 @@ private:
             if (!Take(')')) Fail(L"a bracket is not closed");
             return value;
         }
+        if (Take('[')) return Memory(registers_.x64 ? 8 : 4);
         Skip();
         if (rest_.empty()) {
             Fail(L"a value is missing");
             return 0;
         }
         return IsDigit(rest_.front()) || rest_.front() == '&' ? Number() : Name();
+    }
+    // The opening bracket is taken.
+    std::uint64_t Memory(std::size_t bytes) {
+        const std::uint64_t sum = Sum();
+        const std::uint64_t address = registers_.x64 ? sum : sum & 0xFFFFFFFF;
+        if (!Take(']')) Fail(L"a bracket is not closed");
+        if (!problem_.empty()) return 0;
+        std::uint64_t value = 0;
+        if (!read_ || !read_(address, &value, bytes)) Fail(L"no memory can be read at 0x" + HexText(address, 1));
+        return value;
+    }
+    // Bytes of the memory that a name before a bracket asks for; 0: it is no such name.
+    static std::size_t SizeOfName(std::string_view name) {
+        std::string upper;
+        for (const char c : name) upper += UpperAscii(c);
+        return upper == "BYTE" ? 1 : upper == "WORD" ? 2 : upper == "DWORD" ? 4 : upper == "QWORD" ? 8 : 0;
     }
     std::uint64_t Number() {
         const bool hexadecimal = TakePrefix(&rest_, "0X") || TakePrefix(&rest_, "&H");
@@ -88,6 +107,7 @@ private:
         while (length < rest_.size() && inName(rest_[length])) ++length;
         const std::string_view name = rest_.substr(0, length);
         rest_.remove_prefix(length);
+        if (const std::size_t bytes = SizeOfName(name); bytes != 0 && Take('[')) return Memory(bytes);
         const auto value = RegisterByName(registers_, name);
         if (!value) Fail(name.empty() ? L"not understood from here: " + Shown(rest_) : L"no register: " + Shown(name));
         return value.value_or(0);
@@ -95,6 +115,7 @@ private:
 
     const RegisterSet& registers_;
     std::string_view rest_;
+    const MemoryReader& read_;
     std::wstring problem_;
     int depth_ = 0;
 };
@@ -143,6 +164,6 @@ bool ConditionHolds(const Condition& condition, const RegisterSet* registers) {
     }
 }
 
-Evaluation EvaluatePaneExpression(const RegisterSet& registers, std::string_view text) {
-    return PaneParser(registers, text).Run();
+Evaluation EvaluatePaneExpression(const RegisterSet& registers, std::string_view text, const MemoryReader& read) {
+    return PaneParser(registers, text, read).Run();
 }

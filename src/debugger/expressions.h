@@ -2,6 +2,7 @@
 #pragma once
 
 #include "debugger/registers.h"
+#include "debugger/stack_walk.h"
 
 #include <cstdint>
 #include <optional>
@@ -23,10 +24,11 @@ Condition ParseCondition(std::string_view text);
 bool ConditionHolds(const Condition& condition, const RegisterSet* registers);
 
 // Value of a text that the debug pane takes as an address or a value: numbers (0x1F, &H1F, 31), registers of the
-// program's kind and their parts, + - * and brackets. For anything else there is no value, and `problem` says why. In a
-// 32-bit program the value is cut to 32 bits.
+// program's kind and their parts, + - * and brackets, and memory: [RSP+8] is the word of the program's width there,
+// BYTE [n], WORD [n], DWORD [n] and QWORD [n] are narrower or wider. For anything else there is no value, and `problem`
+// says why. In a 32-bit program the value is cut to 32 bits. Without `read` no memory can be named.
 struct Evaluation {
     std::optional<std::uint64_t> value;
     std::wstring problem;
 };
-Evaluation EvaluatePaneExpression(const RegisterSet& registers, std::string_view text);
+Evaluation EvaluatePaneExpression(const RegisterSet& registers, std::string_view text, const MemoryReader& read = {});

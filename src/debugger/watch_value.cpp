@@ -36,6 +36,16 @@ std::wstring QuotedText(std::uint64_t address, const ProgramMemory& memory) {
     return L"\"" + Utf8ToWideText({bytes.data(), length}) + L"\"";
 }
 
+// Each unit becomes one character; those that are half of a pair stay as they are.
+std::wstring QuotedWideText(std::uint64_t address, const ProgramMemory& memory) {
+    std::array<std::uint16_t, kLongestWatchText> units = {};
+    const std::size_t count = memory.readSome(address, units.data(), sizeof(units)) / sizeof(std::uint16_t);
+    if (count == 0) return kUnreadableWatch;
+    std::wstring text = L"\"";
+    for (std::size_t i = 0; i < count && units[i] != 0; ++i) text += static_cast<wchar_t>(units[i]);
+    return text + L"\"";
+}
+
 }  // namespace
 
 std::wstring WatchValueText(int kind, std::uint64_t address, const ProgramMemory& memory, const DoubleWriter& write) {
@@ -44,6 +54,16 @@ std::wstring WatchValueText(int kind, std::uint64_t address, const ProgramMemory
         case WatchKind::Long: return WholeNumberText<std::int32_t, std::uint32_t>(address, memory);
         case WatchKind::Quad: return WholeNumberText<std::int64_t, std::uint64_t>(address, memory);
         case WatchKind::Text: return QuotedText(address, memory);
+        case WatchKind::Byte: return WholeNumberText<std::uint8_t, std::uint8_t>(address, memory);
+        case WatchKind::Word: return WholeNumberText<std::uint16_t, std::uint16_t>(address, memory);
+        case WatchKind::Dword: return WholeNumberText<std::uint32_t, std::uint32_t>(address, memory);
+        case WatchKind::Integer: return WholeNumberText<std::int16_t, std::uint16_t>(address, memory);
+        case WatchKind::Single: {
+            const auto value = NumberAt<float>(address, memory);
+            return value ? write(static_cast<double>(*value)) : kUnreadableWatch;
+        }
+        case WatchKind::WideText: return QuotedWideText(address, memory);
+        case WatchKind::Value: return std::to_wstring(address) + L" (0x" + HexText(address, 1) + L")";
         case WatchKind::Double: break;
     }
     const auto value = NumberAt<double>(address, memory);

@@ -9,8 +9,20 @@
 #include <string>
 
 // In the numbers of DebugWatchValue.
-enum class WatchKind : std::uint8_t { Long, Quad, Text, Double };
-inline constexpr int kWatchKinds = 4;
+enum class WatchKind : std::uint8_t {
+    Long,
+    Quad,
+    Text,  // UTF-8
+    Double,
+    Byte,  // without a sign, as Word and Dword
+    Word,
+    Dword,
+    Integer,  // 16 bits
+    Single,
+    WideText,  // UTF-16
+    Value,     // the address itself: what an expression comes to
+};
+inline constexpr int kWatchKinds = 11;
 
 inline constexpr std::size_t kLongestWatchText = 127;  // bytes that are shown of a text
 inline constexpr wchar_t kUnreadableWatch[] = L"<unreadable>";

@@ -21,6 +21,7 @@ void BreakpointToggle(DocumentId document, int line);
 void BreakpointRemove(std::size_t index);  // index into BreakpointList(); one that is out of range is ignored
 void BreakpointRemoveAll();
 void BreakpointEnable(std::size_t index, bool enabled);
+void BreakpointSetStopFrom(std::size_t index, std::uint32_t count);  // it stops from that hit on; 0 and 1: at each
 void BreakpointSetCondition(std::size_t index, const std::string& condition);
 void BreakpointJump(std::size_t index);  // opens the file and goes to the line
 // Updates the list and finds the breakpoint of a line (from 1); with `make`, makes it when there is none. Index, or -1.

@@ -2,8 +2,10 @@
 // markers decide: every update first takes over what edits did to them. UI thread only.
 #include "debugui/breakpoint_list.h"
 
+#include "debugger/at_address.h"
 #include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
+#include "debugui/code_breakpoints.h"
 #include "debugui/debug_pane.h"
 #include "debugui/fold_signs.h"
 #include "debugui/location.h"
@@ -39,6 +41,8 @@ void SetConditionInSession(std::uint64_t address, const std::string& condition) 
     DebugSetCondition(&g_debugger, address, condition.empty() ? nullptr : condition.c_str());
 }
 
+void SetStopFromInSession(std::uint64_t address, std::uint32_t count) { DebugSetStopFrom(&g_debugger, address, count); }
+
 int HitsInSession(std::uint64_t address) {
     const int index = DebugFindBp(&g_debugger, address);
     return index < 0 ? -1 : static_cast<int>(g_debugger.breakpoints[static_cast<std::size_t>(index)].hits);
@@ -50,6 +54,7 @@ BreakpointTarget SessionTarget() {
             .plant = PlantInSession,
             .remove = RemoveInSession,
             .setCondition = SetConditionInSession,
+            .setStopFrom = SetStopFromInSession,
             .hits = HitsInSession};
 }
 
@@ -216,6 +221,14 @@ void BreakpointSetCondition(std::size_t index, const std::string& condition) {
     OnBreakpointChanged(breakpoint.document);
 }
 
+void BreakpointSetStopFrom(std::size_t index, std::uint32_t count) {
+    if (!IsIndex(index)) return;
+    UserBreakpoint& breakpoint = g_list[index];
+    breakpoint.stopFrom = count;
+    if (breakpoint.address != 0 && g_debugger.active != 0) SetStopFromInSession(breakpoint.address, count);
+    OnBreakpointChanged(breakpoint.document);
+}
+
 void BreakpointJump(std::size_t index) {
     if (!IsIndex(index)) return;
     const std::wstring path = g_list[index].path;
@@ -242,6 +255,7 @@ void BreakpointsDropStart(DebuggerState* state) {
 }
 
 void BreakpointsOnSessionEnd() {
+    CodeBreakpointsForget();
     IdleBreakpoints(&g_list);
     DrawAllLooks();
     DebugPaneInvalidate();

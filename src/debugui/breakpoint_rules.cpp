@@ -1,6 +1,7 @@
 // Conditions, matching of markers, and scrolling. Must not know an editor.
 #include "debugui/breakpoint_rules.h"
 
+#include "base/scan_text.h"
 #include "debugger/expressions.h"
 #include "debugger/registers.h"
 
@@ -16,6 +17,18 @@ std::wstring ConditionProblem(std::string_view condition) {
     if (condition.size() <= kLongestCondition) return L"";
     return L"Too long: " + std::to_wstring(condition.size()) + L" bytes as UTF-8, at most " +
            std::to_wstring(kLongestCondition) + L" are possible.";
+}
+
+std::wstring StopFromProblem(std::string_view text, std::uint32_t* count) {
+    constexpr std::uint64_t kMost = 1000000000;
+    text = WithoutLeadingBlanks(text);
+    text = text.substr(0, text.find_last_not_of(" \t") + 1);
+    *count = 0;
+    if (text.empty()) return L"";
+    const std::optional<std::uint64_t> number = TakeNumber(&text, 10);
+    if (!number || !text.empty() || *number > kMost) return L"A number is wanted: it stops from that hit on.";
+    *count = static_cast<std::uint32_t>(*number);
+    return L"";
 }
 
 std::wstring ConditionNotice(std::string_view condition) {

@@ -9,6 +9,8 @@
 
 // For the dialog: why a condition (UTF-8) is refused; empty when it is accepted.
 std::wstring ConditionProblem(std::string_view condition);
+// For a hit count that was typed: why it is refused, else empty and the count; an empty text is 0.
+std::wstring StopFromProblem(std::string_view text, std::uint32_t* count);
 // Warning about an accepted condition that does not do what it seems to say; empty: none.
 std::wstring ConditionNotice(std::string_view condition);
 

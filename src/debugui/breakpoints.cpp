@@ -69,6 +69,7 @@ void PlantBreakpoint(UserBreakpoints* list, UserBreakpoint* breakpoint, const Br
     breakpoint->address = place.address;
     breakpoint->hits = 0;
     target.setCondition(place.address, breakpoint->condition);
+    target.setStopFrom(place.address, breakpoint->stopFrom);
 }
 
 void PlantAllBreakpoints(UserBreakpoints* list, const BreakpointTarget& target) {
@@ -181,13 +182,16 @@ BreakpointLook LookOfBreakpoint(const UserBreakpoint& breakpoint) {
     if (!breakpoint.enabled) return BreakpointLook::Disabled;
     if (breakpoint.status == BreakpointStatus::NoCode || breakpoint.status == BreakpointStatus::Refused)
         return BreakpointLook::Hollow;
-    return breakpoint.condition.empty() ? BreakpointLook::Plain : BreakpointLook::Conditional;
+    const bool stopsAlways = breakpoint.condition.empty() && breakpoint.stopFrom <= 1;
+    return stopsAlways ? BreakpointLook::Plain : BreakpointLook::Conditional;
 }
 
 std::wstring BreakpointTipText(const UserBreakpoint& breakpoint, const std::wstring& condition) {
     if (!breakpoint.enabled) return L"Switched off (Debug > Enable or Disable Breakpoint).";
     if (!breakpoint.reason.empty()) return breakpoint.reason;
     std::wstring tip = condition.empty() ? L"" : L"Stops if " + condition + L".";
+    if (breakpoint.stopFrom > 1)
+        tip += (tip.empty() ? L"Stops from hit " : L" From hit ") + std::to_wstring(breakpoint.stopFrom) + L" on.";
     if (breakpoint.address == 0) return tip;
     if (!tip.empty()) tip += L" ";
     return tip + (breakpoint.hits == 1 ? L"Hit once." : L"Hit " + std::to_wstring(breakpoint.hits) + L" times.");

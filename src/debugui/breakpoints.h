@@ -25,12 +25,13 @@ struct UserBreakpoint {
     std::string condition;  // UTF-8, at most 63 bytes, empty: none
     bool enabled = true;
     BreakpointStatus status = BreakpointStatus::Idle;
-    std::wstring reason;        // why it was refused (NoCode, Refused), for the tooltip
-    std::uint64_t address = 0;  // in the program, while planted
-    std::uint64_t shares = 0;   // address of another line's breakpoint, when that is why it was refused
-    std::uint32_t hits = 0;     // in this session
-    DocumentId document = 0;    // 0 while the file is closed
-    int handle = -1;            // of its marker in that document
+    std::wstring reason;         // why it was refused (NoCode, Refused), for the tooltip
+    std::uint64_t address = 0;   // in the program, while planted
+    std::uint64_t shares = 0;    // address of another line's breakpoint, when that is why it was refused
+    std::uint32_t hits = 0;      // in this session
+    std::uint32_t stopFrom = 0;  // stops from this hit on; 0 and 1: at each
+    DocumentId document = 0;     // 0 while the file is closed
+    int handle = -1;             // of its marker in that document
 };
 using UserBreakpoints = std::vector<UserBreakpoint>;
 
@@ -48,6 +49,7 @@ struct BreakpointTarget {
     std::function<PlantResult(std::uint32_t fileId, int line)> plant;
     std::function<void(std::uint64_t address)> remove;
     std::function<void(std::uint64_t address, const std::string& condition)> setCondition;
+    std::function<void(std::uint64_t address, std::uint32_t count)> setStopFrom;
     std::function<int(std::uint64_t address)> hits;  // of the breakpoint there; -1: there is none
 
     bool IsThere() const { return static_cast<bool>(find); }

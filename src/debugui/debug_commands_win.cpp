@@ -6,14 +6,18 @@
 #include "base/wide_format.h"
 #include "compile/build.h"
 #include "compile/build_runner.h"
+#include "debugger/debug_exit_trap.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
 #include "debugui/breakpoint_list.h"
 #include "debugui/condition_dialog.h"
+#include "debugui/debug_pane.h"
 #include "debugui/debug_run.h"
 #include "debugui/exceptions_dialog.h"
+#include "debugui/last_output.h"
 #include "debugui/location.h"
+#include "debugui/program_dialog.h"
 #include "debugui/restart.h"
 #include "debugui/step_commands.h"
 #include "documents/document_row.h"
@@ -57,7 +61,7 @@ void RunToCursor() {
         return;
     }
     const int line = CaretLineFromOne();
-    const bool resumed = DebugRunToLineIn(&g_debugger, fileId, line);
+    const bool resumed = DebugRunToCaret(fileId, line);
     if (!resumed && IsBreakpointTableFull())
         DebugSay(kDebugOrange, L"[Debug] All 64 breakpoints are in use: the way to line %d needs one more.\n", line);
     else if (!resumed)
@@ -102,6 +106,10 @@ void AskForCondition() {
     if (index >= 0) BreakpointSetCondition(static_cast<std::size_t>(index), condition);
 }
 
+void ToggleBreakpoint() {
+    if (!DebugPaneToggleBreakpoint()) BreakpointToggle(ActiveDocumentId(), CaretLineFromOne());
+}
+
 void SwitchBreakpoint() {
     const int index = BreakpointAt(ActiveDocumentId(), CaretLineFromOne(), false);
     if (index < 0) {
@@ -129,13 +137,14 @@ constexpr CommandHandler kDebugHandlers[] = {
     {IDM_DEBUG_STEP_OVER_INSTRUCTION, CommandStepOverInstruction},
     {IDM_DEBUG_SET_NEXT, CommandSetNextStatement},
     {IDM_DEBUG_RESTART, [](int) { DebugRestart(); }},
+    {IDM_DEBUG_PROGRAM, [](int) { AskProgramArguments(g_ui.hMainWnd); }},
     // Toolbar buttons that repeat commands of the menu.
     {IDM_DEBUG_BUTTON_START, CommandBuildAndDebug},
     {IDM_DEBUG_BUTTON_STOP, CommandEndDebugging},
     {IDM_DEBUG_BUTTON_STEP_INTO, CommandStepInto},
     {IDM_DEBUG_BUTTON_STEP_OVER, CommandStepOver},
     {IDM_DEBUG_BUTTON_STEP_OUT, CommandStepOut},
-    {IDM_DEBUG_BREAKPOINT, [](int) { BreakpointToggle(ActiveDocumentId(), CaretLineFromOne()); }},
+    {IDM_DEBUG_BREAKPOINT, [](int) { ToggleBreakpoint(); }},
     {IDM_DEBUG_CONDITIONAL, [](int) { AskForCondition(); }},
     {IDM_DEBUG_ENABLE_BREAKPOINT, [](int) { SwitchBreakpoint(); }},
     {IDM_DEBUG_REMOVE_BREAKPOINTS, [](int) { BreakpointRemoveAll(); }},
@@ -153,7 +162,10 @@ std::span<const CommandHandler> DebugCommandHandlers() { return kDebugHandlers; 
 
 bool CmdHandle_Debug(int command) { return RunCommandHandler(kDebugHandlers, command); }
 
-void DebugUiInit() { DebugSetPlantHook(BreakpointsPlantAll); }
+void DebugUiInit() {
+    DebugSetPlantHook(BreakpointsPlantAll);
+    DebugSetExitHook(SayLastOutput);
+}
 
 void DebugOnBuilt() {
     if (CompilerIsBuilding()) return;  // the user has started another build meanwhile

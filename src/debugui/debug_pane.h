@@ -14,6 +14,9 @@ void DebugPaneSelect(DebugTab tab);
 // Call this when what the pane shows may be out of date (a stop, a resume, an end, a changed breakpoint). The visible
 // view then reads the program once, when the message queue is empty, however often this was called.
 void DebugPaneInvalidate();
+// F9 while the disassembly has the keyboard: makes or removes the breakpoint of the selected instruction. False: another
+// window has it.
+bool DebugPaneToggleBreakpoint();
 void DebugPaneApplyTheme();  // after a change of theme or DPI
 // Writes the tooltip for a register's name in an editor: "RAX = 000000000000002A (42)". `capacity` is in characters.
 // False: not a register's name, or no stopped program.

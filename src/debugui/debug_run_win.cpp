@@ -16,6 +16,7 @@
 #include "output/last_build.h"
 #include "program/line_map.h"
 #include "resources/ids.h"
+#include "settings/settings_state.h"
 #include "ui/panes.h"
 #include "ui/ui_state.h"
 
@@ -204,6 +205,7 @@ void DebugRunStart() {
     if (program.output.empty()) return;
     DebugSetSourcePath(program.source.c_str());
     DebugRememberSource(program.source);
+    DebugSetLaunch(g_settings.programArguments, g_settings.programFolder);
     DebugForgetFiles();
     FlowStart(&g_flow, GetTickCount64());
     PublishSession(true);

@@ -1,8 +1,12 @@
 // The breakpoints view: the user's list, whether a program runs or not. UI thread only.
 #include "debugui/breakpoint_list.h"
+#include "debugui/code_breakpoints.h"
 #include "debugui/pane_internal.h"
 
+#include "base/hex_text.h"
 #include "base/path.h"
+#include "debugger/debug_inspect.h"
+#include "debugger/debug_session.h"
 #include "debugui/breakpoint_rules.h"
 #include "files/file_io.h"
 #include "settings/settings.h"
@@ -15,7 +19,13 @@ enum Column : int { kPlace, kCondition, kHits, kState };
 constexpr std::array<ListColumn, 4> kColumns = {
     {{L"Line", 16, 13, false}, {L"Condition", 12, 7, true}, {L"Hits", 5, 4, true}, {L"State", 34, 8, false}}};
 
-enum MenuCommand : UINT { kGo = 1, kToggle, kEditCondition, kRemove, kRemoveAll };
+enum MenuCommand : UINT { kGo = 1, kToggle, kEditCondition, kEditHits, kRemove, kRemoveAll };
+
+// Rows after those of the list show breakpoints of instructions. 0: the row is none of them.
+std::uint64_t CodeAddressAtRow(int row) {
+    const auto index = static_cast<std::size_t>(row) - BreakpointList().size();
+    return row >= 0 && index < CodeBreakpoints().size() ? CodeBreakpoints()[index] : 0;
+}
 
 const UserBreakpoint* BreakpointAtRow(int row) {
     const std::vector<UserBreakpoint>& list = BreakpointList();
@@ -39,19 +49,38 @@ std::wstring BreakpointStateText(const UserBreakpoint& breakpoint) {
     return breakpoint.enabled ? L"Waits for a program" : L"Disabled";
 }
 
+// "3", or "3 of 5" for one that stops from the fifth hit on.
+std::wstring HitsText(std::uint32_t hits, std::uint32_t stopFrom) {
+    if (stopFrom > 1) return std::to_wstring(hits) + L" of " + std::to_wstring(stopFrom);
+    return hits != 0 ? std::to_wstring(hits) : std::wstring{};
+}
+
+void AddCodeBreakpoints(PaneContent& content) {
+    for (const std::uint64_t address : CodeBreakpoints()) {
+        const int index = DebugFindBp(&g_debugger, address);
+        const std::uint32_t hits = index < 0 ? 0 : g_debugger.breakpoints[static_cast<std::size_t>(index)].hits;
+        const std::wstring place = PanePlaceText(address);
+        ListRow row;
+        row.cells = {L"0x" + HexText(address, 1), L"", HitsText(hits, 0),
+                     place.empty() ? L"Instruction" : L"Instruction at " + place};
+        row.mark = ListMark::Breakpoint;
+        content.rows.push_back(std::move(row));
+    }
+}
+
 void FillBreakpoints(PaneContent& content) {
     BreakpointsUpdate();
     for (const UserBreakpoint& breakpoint : BreakpointList()) {
         ListRow row;
         row.cells = {BreakpointPlaceText(breakpoint), Utf8ToWideText(breakpoint.condition),
-                     breakpoint.hits != 0 ? std::to_wstring(breakpoint.hits) : std::wstring{},
-                     BreakpointStateText(breakpoint)};
+                     HitsText(breakpoint.hits, breakpoint.stopFrom), BreakpointStateText(breakpoint)};
         row.mark = breakpoint.enabled ? ListMark::Checked : ListMark::Unchecked;
         const bool refused =
             breakpoint.status == BreakpointStatus::NoCode || breakpoint.status == BreakpointStatus::Refused;
         row.tone = !breakpoint.enabled ? ListTone::Quiet : refused ? ListTone::Problem : ListTone::Normal;
         content.rows.push_back(std::move(row));
     }
+    AddCodeBreakpoints(content);
     content.hint = content.rows.empty() ? L"No breakpoints. F9 sets one on the caret's line." : L"";
 }
 
@@ -65,7 +94,24 @@ std::wstring CommitBreakpointCondition(int row, const std::wstring& text) {
     return {};
 }
 
+std::wstring CommitStopFrom(int row, const std::wstring& text) {
+    std::uint32_t count = 0;
+    std::wstring problem = StopFromProblem(PaneUtf8(text), &count);
+    if (!problem.empty() || BreakpointAtRow(row) == nullptr) return problem;
+    BreakpointSetStopFrom(static_cast<std::size_t>(row), count);
+    DebugPaneInvalidate();
+    return {};
+}
+
+void EditStopFrom(int row) {
+    const UserBreakpoint* breakpoint = BreakpointAtRow(row);
+    if (breakpoint == nullptr) return;
+    ListViewEditCell(PaneList(), row, kHits, breakpoint->stopFrom > 1 ? std::to_wstring(breakpoint->stopFrom) : L"",
+                     false, [row](const std::wstring& text) { return CommitStopFrom(row, text); });
+}
+
 void EditBreakpoint(int row, int column) {
+    if (column == kHits) return EditStopFrom(row);
     const UserBreakpoint* breakpoint = BreakpointAtRow(row);
     if (breakpoint == nullptr || (column != -1 && column != kCondition)) return;
     ListViewEditCell(PaneList(), row, kCondition, Utf8ToWideText(breakpoint->condition), false,
@@ -73,7 +119,12 @@ void EditBreakpoint(int row, int column) {
 }
 
 void GoToBreakpoint(int row, int column) {
-    if (BreakpointAtRow(row) != nullptr && column != kCondition) BreakpointJump(static_cast<std::size_t>(row));
+    if (BreakpointAtRow(row) != nullptr && column != kCondition && column != kHits)
+        BreakpointJump(static_cast<std::size_t>(row));
+    std::uint32_t fileId = 0;
+    std::uint32_t line = 0;
+    const std::uint64_t address = CodeAddressAtRow(row);
+    if (address != 0 && DebugLineAt(&g_debugger, address, &fileId, &line)) PaneGoTo(fileId, line);
 }
 
 void SwitchBreakpointOfRow(int row) {
@@ -84,6 +135,7 @@ void SwitchBreakpointOfRow(int row) {
 
 void RemoveBreakpointOfRow(int row) {
     if (BreakpointAtRow(row) != nullptr) BreakpointRemove(static_cast<std::size_t>(row));
+    if (const std::uint64_t address = CodeAddressAtRow(row); address != 0) CodeBreakpointToggle(address);
     DebugPaneInvalidate();
 }
 
@@ -95,10 +147,13 @@ bool OnBreakpointKey(int row, int key) {
 
 void ShowBreakpointMenu(int row, POINT screen) {
     const UserBreakpoint* breakpoint = BreakpointAtRow(row);
-    if (breakpoint == nullptr) return;
-    const std::array<MenuItem, 6> items = {{{kGo, L"&Go to Source\tEnter"},
-                                            {kToggle, breakpoint->enabled ? L"&Disable\tSpace" : L"&Enable\tSpace"},
-                                            {kEditCondition, L"&Condition...\tF2"},
+    if (breakpoint == nullptr && CodeAddressAtRow(row) == 0) return;
+    const bool ofLine = breakpoint != nullptr;
+    const bool enabled = !ofLine || breakpoint->enabled;
+    const std::array<MenuItem, 7> items = {{{kGo, L"&Go to Source\tEnter"},
+                                            {kToggle, enabled ? L"&Disable\tSpace" : L"&Enable\tSpace", ofLine},
+                                            {kEditCondition, L"&Condition...\tF2", ofLine},
+                                            {kEditHits, L"&Hit Count...", ofLine},
                                             {0, nullptr},
                                             {kRemove, L"&Remove\tDel"},
                                             {kRemoveAll, L"Remove &All"}}};
@@ -106,6 +161,7 @@ void ShowBreakpointMenu(int row, POINT screen) {
         case kGo: GoToBreakpoint(row, -1); break;
         case kToggle: SwitchBreakpointOfRow(row); break;
         case kEditCondition: EditBreakpoint(row, -1); break;
+        case kEditHits: EditStopFrom(row); break;
         case kRemove: RemoveBreakpointOfRow(row); break;
         case kRemoveAll:
             BreakpointRemoveAll();

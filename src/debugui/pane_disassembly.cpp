@@ -11,12 +11,13 @@ constexpr std::size_t kShownBytes = 6;
 
 // The instructions from `start` up to the target; none when one of them crosses the target.
 std::vector<DisasmInstruction> LeadingTo(std::span<const std::uint8_t> bytes, std::uint64_t address,
-                                         std::uint64_t start, std::uint64_t target, bool x64) {
+                                         std::uint64_t start, std::uint64_t target, bool x64,
+                                         const DisasmSymbols& symbols) {
     const auto from = static_cast<std::size_t>(start - address);
     const auto length = static_cast<std::size_t>(target - start);
     // Decodes beyond the target, because an instruction across it would otherwise be cut short and end at it.
     const std::size_t available = std::min(length + kLongestInstruction, bytes.size() - from);
-    std::vector<DisasmInstruction> found = DisasmRange(bytes.subspan(from, available), start, x64, {}, length + 1);
+    std::vector<DisasmInstruction> found = DisasmRange(bytes.subspan(from, available), start, x64, symbols, length + 1);
     const auto end = std::ranges::find_if(found, [&](const auto& each) { return each.address >= target; });
     const bool lands = end != found.end() && end->address == target;
     found.erase(lands ? end : found.begin(), found.end());
@@ -28,17 +29,18 @@ bool AllDecoded(const std::vector<DisasmInstruction>& list) {
 }
 
 std::vector<DisasmInstruction> Before(std::span<const std::uint8_t> bytes, std::uint64_t address, std::uint64_t target,
-                                      bool x64, std::span<const std::uint64_t> lineStarts) {
+                                      bool x64, std::span<const std::uint64_t> lineStarts,
+                                      const DisasmSymbols& symbols) {
     for (const std::uint64_t start : lineStarts) {
         if (start < address || start >= target) continue;
-        auto found = LeadingTo(bytes, address, start, target, x64);
+        auto found = LeadingTo(bytes, address, start, target, x64, symbols);
         if (!found.empty()) return found;
     }
     // From any start, decoding meets the true instructions after a few. A start that needs no "db" is likely a true
     // one.
     const std::uint64_t last = std::min(target, address + 2 * kLongestInstruction);
     for (std::uint64_t start = address; start < last; ++start) {
-        auto found = LeadingTo(bytes, address, start, target, x64);
+        auto found = LeadingTo(bytes, address, start, target, x64, symbols);
         if (!found.empty() && AllDecoded(found)) return found;
     }
     return {};
@@ -47,12 +49,13 @@ std::vector<DisasmInstruction> Before(std::span<const std::uint8_t> bytes, std::
 }  // namespace
 
 std::vector<DisasmInstruction> DisasmAround(std::span<const std::uint8_t> bytes, std::uint64_t address,
-                                            std::uint64_t target, bool x64, std::span<const std::uint64_t> lineStarts) {
+                                            std::uint64_t target, bool x64, std::span<const std::uint64_t> lineStarts,
+                                            const DisasmSymbols& symbols) {
     if (target < address || target - address >= bytes.size()) return {};
-    std::vector<DisasmInstruction> list = Before(bytes, address, target, x64, lineStarts);
+    std::vector<DisasmInstruction> list = Before(bytes, address, target, x64, lineStarts, symbols);
     if (list.size() > kInstructionsBefore) list.erase(list.begin(), list.end() - kInstructionsBefore);
     const auto rest = bytes.subspan(static_cast<std::size_t>(target - address));
-    const auto after = DisasmRange(rest, target, x64, {}, kInstructionsShown - list.size());
+    const auto after = DisasmRange(rest, target, x64, symbols, kInstructionsShown - list.size());
     list.insert(list.end(), after.begin(), after.end());
     return list;
 }

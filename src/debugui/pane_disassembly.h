@@ -16,6 +16,7 @@ inline constexpr std::size_t kLongestInstruction = 15;  // bytes
 // backwards, so starts before the target are tried until one leads to it: first those of lines (`lineStarts`,
 // ascending), then others. Empty when the target is not within `bytes`.
 std::vector<DisasmInstruction> DisasmAround(std::span<const std::uint8_t> bytes, std::uint64_t address,
-                                            std::uint64_t target, bool x64, std::span<const std::uint64_t> lineStarts);
+                                            std::uint64_t target, bool x64, std::span<const std::uint64_t> lineStarts,
+                                            const DisasmSymbols& symbols = {});
 // "48 89 E5"; at most six bytes, and ".." when there are more.
 std::wstring CodeBytesText(std::span<const std::uint8_t> bytes);

@@ -2,11 +2,17 @@
 // they come from. UI thread only.
 #include "debugui/pane_disassembly.h"
 
+#include "debugger/at_address.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
 #include "debugger/expressions.h"
+#include "debugui/code_breakpoints.h"
 #include "debugui/pane_internal.h"
+#include "debugui/pane_symbols.h"
+#include "debugui/step_commands.h"
+#include "resources/ids.h"
+#include "ui/ui_state.h"
 
 #include <algorithm>
 #include <array>
@@ -22,7 +28,11 @@ struct Place {
     std::uint32_t fileId = 0, line = 0;
     bool operator==(const Place&) const = default;
 };
-std::vector<Place> g_places;  // by row
+struct CodeRow {
+    Place place;
+    std::uint64_t address = 0;  // of the instruction; 0: a row of source
+};
+std::vector<CodeRow> g_rows;
 
 struct Code {
     std::uint64_t address = 0;
@@ -64,7 +74,7 @@ void AddSourceRow(PaneContent& content, const Place& place) {
     row.tone = ListTone::Source;
     row.cells = {std::to_wstring(place.line) + L": " + PaneSourceLine(place.fileId, place.line), L"", L""};
     content.rows.push_back(std::move(row));
-    g_places.push_back(place);
+    g_rows.push_back({.place = place});
 }
 
 std::wstring InstructionText(const DisasmInstruction& instruction) {
@@ -88,10 +98,11 @@ void AddRows(PaneContent& content, const Code& code, const std::vector<DisasmIns
         row.cells = {HexText(instruction.address, PaneAddressDigits(x64, instruction.address)),
                      CodeBytesText(bytes.first(std::min<std::size_t>(instruction.length, bytes.size()))),
                      InstructionText(instruction)};
+        if (CodeBreakpointIsSet(instruction.address)) row.mark = ListMark::Breakpoint;
         if (instruction.address == current) row.mark = ListMark::Current;
         if (instruction.address == target) content.reveal = static_cast<int>(content.rows.size());
         content.rows.push_back(std::move(row));
-        g_places.push_back(place);
+        g_rows.push_back({.place = place, .address = instruction.address});
     }
 }
 
@@ -104,7 +115,7 @@ Shown g_shown;
 
 void FillDisassembly(PaneContent& content) {
     const PaneProgram& program = PaneProgramNow();
-    g_places.clear();
+    g_rows.clear();
     if (!program.registers) {
         content.hint = L"The registers of this thread cannot be read.";
         return;
@@ -117,8 +128,8 @@ void FillDisassembly(PaneContent& content) {
         target = address.value.value_or(target);
     }
     const Code code = ReadAround(target);
-    const auto list =
-        DisasmAround(code.bytes, code.address, target, g_debugger.isX64 != 0, LineStarts(code.address, target));
+    const auto list = DisasmAround(code.bytes, code.address, target, g_debugger.isX64 != 0,
+                                   LineStarts(code.address, target), PaneSymbolAt);
     AddRows(content, code, list, target);
     if (content.rows.empty()) content.hint = L"No memory can be read at " + HexText(target, 1);
     // A refresh with nothing new does not scroll the list, because the user may have scrolled it.
@@ -127,13 +138,50 @@ void FillDisassembly(PaneContent& content) {
     g_shown = shown;
 }
 
-void GoToInstruction(int row, int) {
-    if (row < 0 || row >= static_cast<int>(g_places.size())) return;
-    const Place& place = g_places[static_cast<std::size_t>(row)];
-    PaneGoTo(place.fileId, place.line);
+const CodeRow* CodeRowAt(int row) {
+    return row >= 0 && row < static_cast<int>(g_rows.size()) ? &g_rows[static_cast<std::size_t>(row)] : nullptr;
 }
 
-constexpr ListKind kList = {.columns = kColumns, .hasMarks = true, .activate = GoToInstruction};
+void GoToInstruction(int row, int) {
+    if (const CodeRow* code = CodeRowAt(row); code != nullptr) PaneGoTo(code->place.fileId, code->place.line);
+}
+
+enum MenuCommand : UINT { kGo = 1, kRun, kSetNext, kBreakpoint, kStep, kStepOver };
+
+void DoWithInstruction(UINT command, std::uint64_t address) {
+    switch (command) {
+        case kRun: DebugFollowResumed(DebugRunToAddress(&g_debugger, address), L" (run to instruction)"); break;
+        case kSetNext: DebugMoveNextStatement(address); break;
+        case kBreakpoint: CodeBreakpointToggle(address); break;
+        case kStep: PostMessageW(g_ui.hMainWnd, WM_COMMAND, IDM_DEBUG_STEP_INSTRUCTION, 0); break;
+        case kStepOver: PostMessageW(g_ui.hMainWnd, WM_COMMAND, IDM_DEBUG_STEP_OVER_INSTRUCTION, 0); break;
+        default: break;
+    }
+}
+
+void ShowInstructionMenu(int row, POINT screen) {
+    const CodeRow* code = CodeRowAt(row);
+    if (code == nullptr) return;
+    const bool stopped = PaneProgramNow().stopped;
+    const bool here = stopped && code->address != 0;
+    const std::uint64_t address = code->address;  // the rows may change while the menu is open
+    const std::array<MenuItem, 7> items = {
+        {{kGo, L"&Go to Source\tEnter", code->place.line != 0},
+         {kRun, L"&Run to Here", here},
+         {kSetNext, L"Set &Next Statement Here", here},
+         {kBreakpoint, CodeBreakpointIsSet(address) ? L"Remove &Breakpoint\tF9" : L"Set &Breakpoint\tF9", here},
+         {0, nullptr},
+         {kStep, L"&Step Instruction\tCtrl+F11", stopped},
+         {kStepOver, L"Step &Over Instruction\tCtrl+Shift+F11", stopped}}};
+    const UINT chosen = PaneShowMenu(items, screen);
+    if (chosen == kGo)
+        GoToInstruction(row, -1);
+    else if (PaneProgramNow().stopped)
+        DoWithInstruction(chosen, address);
+}
+
+constexpr ListKind kList = {
+    .columns = kColumns, .hasMarks = true, .activate = GoToInstruction, .menu = ShowInstructionMenu};
 
 }  // namespace
 
@@ -142,3 +190,10 @@ const PaneView kDisassemblyView = {.title = L"Disassembly",
                                    .ofStop = true,
                                    .fill = FillDisassembly,
                                    .addressCue = L"The current instruction"};
+
+bool DebugPaneToggleBreakpoint() {
+    if (&PaneCurrentView() != &kDisassemblyView || GetFocus() != PaneList().window) return false;
+    const CodeRow* code = CodeRowAt(ListViewSelected(PaneList()));
+    if (code != nullptr && code->address != 0 && PaneProgramNow().stopped) CodeBreakpointToggle(code->address);
+    return true;
+}

@@ -5,6 +5,7 @@
 #include "base/handles.h"
 #include "base/path.h"
 #include "debugger/debug_inspect.h"
+#include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
 #include "debugger/expressions.h"
 #include "debugui/location.h"
@@ -125,7 +126,9 @@ std::string PaneUtf8(const std::wstring& text) {
 
 Evaluation PaneEvaluate(const std::wstring& expression) {
     if (!g_program.registers) return {.value = {}, .problem = L"No stopped program"};
-    return EvaluatePaneExpression(*g_program.registers, PaneUtf8(expression));
+    return EvaluatePaneExpression(
+        *g_program.registers, PaneUtf8(expression),
+        [](std::uint64_t address, void* out, std::size_t count) { return DebugReadMem(State(), address, out, count); });
 }
 
 bool DebugRegisterTip(const wchar_t* word, wchar_t* out, int capacity) {

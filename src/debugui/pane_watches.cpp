@@ -2,6 +2,7 @@
 #include "debugui/pane_watches.h"
 
 #include "base/hex_digit.h"
+#include "base/utf8.h"
 
 #include <algorithm>
 #include <array>
@@ -63,6 +64,31 @@ WatchBytes TextBytes(std::string_view text, std::size_t room) {
     return result;
 }
 
+// `room`: bytes, as for TextBytes.
+WatchBytes WideTextBytes(std::string_view utf8, std::size_t room) {
+    if (utf8.size() >= 2 && utf8.front() == '"' && utf8.back() == '"') utf8 = utf8.substr(1, utf8.size() - 2);
+    std::vector<std::uint8_t> bytes;
+    const auto put = [&bytes](std::uint32_t unit) {
+        bytes.push_back(static_cast<std::uint8_t>(unit));
+        bytes.push_back(static_cast<std::uint8_t>(unit >> 8));
+    };
+    for (const wchar_t c : Utf8ToWideText(utf8)) put(static_cast<std::uint16_t>(c));
+    if (bytes.size() > room)
+        return {{}, L"Longer than the " + std::to_wstring(room / 2) + L" characters of the text that is there"};
+    if (bytes.size() < room) put(0);
+    return {bytes, {}};
+}
+
+std::size_t BytesOfWhole(WatchKind kind) {
+    switch (kind) {
+        case WatchKind::Byte: return 1;
+        case WatchKind::Word:
+        case WatchKind::Integer: return 2;
+        case WatchKind::Quad: return 8;
+        default: return 4;
+    }
+}
+
 ListRow WatchRow(Watch& watch, const WatchProgram& program, bool newStop) {
     ListRow row;
     std::wstring shown;
@@ -91,6 +117,13 @@ const wchar_t* WatchKindName(WatchKind kind) {
         case WatchKind::Quad: return L"QUAD";
         case WatchKind::Text: return L"Text";
         case WatchKind::Double: return L"DOUBLE";
+        case WatchKind::Byte: return L"BYTE";
+        case WatchKind::Word: return L"WORD";
+        case WatchKind::Dword: return L"DWORD";
+        case WatchKind::Integer: return L"INTEGER";
+        case WatchKind::Single: return L"SINGLE";
+        case WatchKind::WideText: return L"Wide text";
+        case WatchKind::Value: return L"Value";
     }
     return L"";
 }
@@ -111,7 +144,7 @@ bool WatchSetExpression(std::vector<Watch>& watches, std::size_t row, std::wstri
 }
 
 std::wstring WatchEditText(WatchKind kind, std::wstring_view shown) {
-    if (kind == WatchKind::Text) {
+    if (kind == WatchKind::Text || kind == WatchKind::WideText) {
         if (shown.size() >= 2 && shown.front() == L'"' && shown.back() == L'"')
             shown = shown.substr(1, shown.size() - 2);
         return std::wstring(shown);
@@ -121,17 +154,21 @@ std::wstring WatchEditText(WatchKind kind, std::wstring_view shown) {
 
 WatchBytes WatchBytesOf(WatchKind kind, std::string_view utf8, std::size_t room) {
     if (kind == WatchKind::Text) return TextBytes(utf8, room);
+    if (kind == WatchKind::WideText) return WideTextBytes(utf8, room);
+    if (kind == WatchKind::Value) return {{}, L"What an expression comes to cannot be written"};
     const std::string text(TrimmedExpression(utf8));
-    if (kind == WatchKind::Double) {
+    if (kind == WatchKind::Double || kind == WatchKind::Single) {
         char* end = nullptr;
         const double value = std::strtod(text.c_str(), &end);
         if (text.empty() || *end != '\0') return {{}, L"Not a number"};
-        return {WatchNumberBytes(value), {}};
+        return {kind == WatchKind::Double ? WatchNumberBytes(value) : WatchNumberBytes(static_cast<float>(value)), {}};
     }
-    const bool isLong = kind == WatchKind::Long;
-    const auto value = Integer(text, isLong ? 32 : 64);
-    if (!value) return {{}, isLong ? L"Not a whole number of 32 bits" : L"Not a whole number of 64 bits"};
-    return {isLong ? WatchNumberBytes(static_cast<std::uint32_t>(*value)) : WatchNumberBytes(*value), {}};
+    const std::size_t bytes = BytesOfWhole(kind);
+    const auto value = Integer(text, static_cast<int>(8 * bytes));
+    if (!value) return {{}, L"Not a whole number of " + std::to_wstring(8 * bytes) + L" bits"};
+    std::vector<std::uint8_t> result = WatchNumberBytes(*value);
+    result.resize(bytes);  // the lowest bytes come first
+    return {result, {}};
 }
 
 std::vector<ListRow> WatchRows(WatchList& list, const WatchProgram& program) {
@@ -139,7 +176,8 @@ std::vector<ListRow> WatchRows(WatchList& list, const WatchProgram& program) {
     if (program.stopped) list.serial = program.serial;
     std::vector<ListRow> rows;
     for (Watch& watch : list.watches) rows.push_back(WatchRow(watch, program, newStop));
-    rows.push_back({.cells = {L"Type an address here: RSP+8, 0x140002000", L"", L""}, .tone = ListTone::Quiet});
+    rows.push_back(
+        {.cells = {L"Type an address here: RSP+8, [RBP+16], 0x140002000", L"", L""}, .tone = ListTone::Quiet});
     return rows;
 }
 
@@ -159,6 +197,12 @@ WatchAction WatchActionOf(int column, const Watch* watch, bool stopped) {
 
 WatchBytes WatchInput(WatchKind kind, const Evaluation& address, std::string_view utf8, const ProgramMemory& memory) {
     if (!address.value) return {{}, address.problem};
+    if (kind == WatchKind::WideText) {
+        std::array<std::uint16_t, kLongestWatchText> units = {};
+        const std::size_t count = memory.readSome(*address.value, units.data(), sizeof(units)) / sizeof(std::uint16_t);
+        const auto length = std::find(units.begin(), units.begin() + count, std::uint16_t{0}) - units.begin();
+        return WatchBytesOf(kind, utf8, static_cast<std::size_t>(length) * sizeof(std::uint16_t));
+    }
     std::array<char, kLongestWatchText> old = {};
     const std::size_t readable = memory.readSome(*address.value, old.data(), old.size());
     const auto* const end = std::find(old.begin(), old.begin() + readable, '\0');

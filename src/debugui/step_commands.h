@@ -13,6 +13,8 @@ void CommandStepOverInstruction(int);
 void CommandSetNextStatement(int);
 void CommandStepsFollowProgram(int);  // changes the setting
 
+// Resumes the program until it comes to a line (again). False: no code there, or no room for a breakpoint.
+bool DebugRunToCaret(unsigned fileId, int line);
 // Moves the next statement to an address of the program and shows the stop there; says so when that is not possible.
 void DebugMoveNextStatement(unsigned long long address);
 bool IsBreakpointTableFull();

@@ -2,9 +2,9 @@
 #include "debugui/step_commands.h"
 
 #include "base/events.h"
+#include "debugger/at_address.h"
 #include "debugger/debug_follow.h"
 #include "debugger/debug_session.h"
-#include "debugger/set_next.h"
 #include "debugui/debug_run.h"
 #include "debugui/location.h"
 #include "disasm/renderer.h"
@@ -83,6 +83,12 @@ void CommandStepInstruction(int) {
 
 void CommandStepOverInstruction(int) {
     DebugFollowResumed(DebugFollowStep(&g_debugger, FollowKind::InstructionOver), L" (instruction)");
+}
+
+bool DebugRunToCaret(unsigned fileId, int line) {
+    if (!FollowsProgram()) return DebugRunToLineIn(&g_debugger, fileId, line);
+    const std::uint32_t rva = SdbgFileLineToRva(&g_debugger.map, fileId, line);
+    return rva != 0 && DebugRunToAddress(&g_debugger, g_debugger.map.imageBase + rva);
 }
 
 void DebugMoveNextStatement(unsigned long long address) {

@@ -11,6 +11,7 @@
 #define IDD_GOTO_LINE 3150
 #define IDD_CONDITION 3140
 #define IDD_EXCEPTIONS 3170
+#define IDD_PROGRAM 3160
 
 // --- Commands: File
 #define IDM_FILE_NEW 1001
@@ -125,6 +126,7 @@
 #define IDM_DEBUG_STEP_INSTRUCTION 1923
 #define IDM_DEBUG_STEP_OVER_INSTRUCTION 1924
 #define IDM_DEBUG_EXCEPTIONS 1912
+#define IDM_DEBUG_PROGRAM 1925
 // --- Tools, Help
 #define IDM_AI_OPENAI 1701
 #define IDM_AI_LMSTUDIO 1702
@@ -202,6 +204,11 @@
 #define IDC_EXCEPTIONS_CODE 3174
 #define IDC_EXCEPTIONS_ADD 3175
 #define IDC_EXCEPTIONS_DEFAULTS 3176
+
+// --- Controls of the dialog for the program's arguments
+#define IDC_PROGRAM_ARGUMENTS 3161
+#define IDC_PROGRAM_FOLDER 3162
+#define IDC_PROGRAM_PROBLEM 3163
 
 // --- Messages of the main window (WM_USER = 0x0400, WM_APP = 0x8000). The receiver frees a heap block in wParam.
 #define MSG_BUILD_OUTPUT (0x0400 + 100)    // wParam: heap wide text, lParam: colour (0 = default)

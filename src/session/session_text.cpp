@@ -75,8 +75,11 @@ void WriteFile(std::string& out, std::size_t number, const SessionFile& file) {
     WriteLine(out, "SelectionEnd", std::to_string(file.selectionEnd));
     WriteMarkerLines(out, "Bookmarks", file.bookmarks);
     WriteMarkerLines(out, "Breakpoints", file.breakpoints);
-    for (const SessionBreakpoint& rule : file.rules)
-        WriteLine(out, "BreakpointRule", std::to_string(rule.line) + (rule.enabled ? ",1," : ",0,") + rule.condition);
+    for (const SessionBreakpoint& rule : file.rules) {
+        const std::string count = rule.stopFrom > 1 ? ":" + std::to_string(rule.stopFrom) : "";
+        WriteLine(out, "BreakpointRule",
+                  std::to_string(rule.line) + (rule.enabled ? ",1" : ",0") + count + "," + rule.condition);
+    }
 }
 
 const KeyRow* FindRow(std::span<const KeyRow> rows, const char* line, const char** value) {
@@ -188,7 +191,12 @@ SessionBreakpoint SessionParseRule(std::string_view value) {
     };
     SessionBreakpoint rule;
     rule.line = SessionNumber(next());
-    rule.enabled = next() != "0";
+    std::string_view enabled = next();
+    if (const std::size_t colon = enabled.find(':'); colon != std::string_view::npos) {
+        rule.stopFrom = std::max(0, SessionNumber(enabled.substr(colon + 1)));
+        enabled = enabled.substr(0, colon);
+    }
+    rule.enabled = enabled != "0";
     rule.condition = value;
     return rule;
 }

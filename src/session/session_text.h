@@ -38,7 +38,7 @@ enum class SessionKey : std::uint8_t {
     SelectionEnd,
     Bookmarks,
     Breakpoints,
-    BreakpointRule,  // once for each breakpoint that is disabled or has a condition
+    BreakpointRule,  // once for each SessionBreakpoint
 };
 inline constexpr std::size_t kSessionHeaderKeys = static_cast<std::size_t>(SessionKey::Path);
 
@@ -50,11 +50,12 @@ struct SessionHeader {
     std::int32_t& operator[](SessionKey key) { return numbers[static_cast<std::size_t>(key)]; }
 };
 
-// A breakpoint that is disabled or has a condition.
+// A breakpoint that is disabled, or does not stop at each hit.
 struct SessionBreakpoint {
     std::int32_t line = 0;  // 0-based
     bool enabled = true;
-    std::string condition;  // UTF-8, without line breaks
+    std::string condition;      // UTF-8, without line breaks
+    std::int32_t stopFrom = 0;  // stops from this hit on; 0 and 1: at each
 };
 
 struct SessionFile {
@@ -102,7 +103,8 @@ std::int32_t SessionTreeWidth(std::int32_t stored);
 // The numbers of a comma-separated list.
 std::vector<std::int32_t> SessionParseLines(std::string_view list);
 
-// Reads the value of a BreakpointRule: "line,enabled,condition".
+// Reads the value of a BreakpointRule: "line,enabled,condition"; "line,enabled:hit,condition" for one that stops from a
+// hit on.
 SessionBreakpoint SessionParseRule(std::string_view value);
 
 // The number at the start of a text: blanks, a sign, decimal digits. 0 without digits; the nearest 32-bit value on

@@ -51,8 +51,10 @@ std::vector<SessionBreakpoint> BreakpointRulesOf(DocumentId document) {
     std::vector<SessionBreakpoint> rules;
     BreakpointsUpdate();
     for (const UserBreakpoint& breakpoint : BreakpointList())
-        if (breakpoint.document == document && (!breakpoint.enabled || !breakpoint.condition.empty()))
-            rules.push_back({breakpoint.line - 1, breakpoint.enabled, breakpoint.condition});
+        if (breakpoint.document == document &&
+            (!breakpoint.enabled || !breakpoint.condition.empty() || breakpoint.stopFrom > 1))
+            rules.push_back({breakpoint.line - 1, breakpoint.enabled, breakpoint.condition,
+                             static_cast<std::int32_t>(breakpoint.stopFrom)});
     return rules;
 }
 
@@ -64,6 +66,7 @@ void ApplyBreakpointRule(DocumentId document, const SessionBreakpoint& rule) {
     if (index < 0) return;
     if (ConditionProblem(rule.condition).empty())
         BreakpointSetCondition(static_cast<std::size_t>(index), rule.condition);
+    BreakpointSetStopFrom(static_cast<std::size_t>(index), static_cast<std::uint32_t>(rule.stopFrom));
     BreakpointEnable(static_cast<std::size_t>(index), rule.enabled);
 }
 

@@ -186,6 +186,8 @@ constexpr SettingRow kOtherRows[] = {
     BoolRow(kEditor, L"BackupOnSave", FIELD(backupOnSave), 0),
     BoolRow(kEditor, L"BackupSettings", FIELD(backupSettings), 0),
     BoolRow(kEditor, L"StepsFollowProgram", FIELD(stepsFollowProgram), 0),
+    TextRow(kEditor, L"ProgramArguments", FIELD(programArguments), 1024, L""),
+    TextRow(kEditor, L"ProgramFolder", FIELD(programFolder), kPathCapacity, L""),
     IntRow(kBuild, L"Profile", FIELD(profile), 0, Else(0, 2, 0)),
     TextRow(kBuild, L"PreBuildCmd", FIELD(preBuildCmd), 1024, L""),
     TextRow(kBuild, L"PostBuildCmd", FIELD(postBuildCmd), 1024, L""),

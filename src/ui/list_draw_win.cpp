@@ -34,6 +34,8 @@ void DrawListMark(HDC dc, ListMark mark, const RECT& cell, COLORREF colour) {
     if (IsArrow(mark))
         DrawTriangle(dc, {{left, middle - arm}, {left, middle + arm}, {left + arm + UiScaled(1), middle}}, colour,
                      mark == ListMark::Current);
+    else if (mark == ListMark::Breakpoint)
+        FillDot(dc, {left, middle - arm, left + 2 * arm + 1, middle + arm + 1}, colour);
     else if (mark != ListMark::None)
         DrawBox(dc, left, middle, mark == ListMark::Checked, colour);
 }
@@ -48,6 +50,7 @@ COLORREF RowBack(const ListRow& row, bool stale, bool selected, bool focused) {
 
 COLORREF MarkColour(const ListRow& row, bool stale) {
     if (stale || row.tone == ListTone::Quiet) return ThemeQuietText();
+    if (row.mark == ListMark::Breakpoint) return ThemeCurrentChrome().error;
     return IsArrow(row.mark) ? ThemeCurrentChrome().modified : ThemeCurrentChrome().paneText;
 }
 

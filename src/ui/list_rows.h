@@ -17,6 +17,7 @@ enum class ListMark : std::uint8_t {
     Checked,
     Current,  // a filled arrow: where the program stopped
     Chosen,   // the outline of an arrow: what the other views show
+    Breakpoint,
 };
 
 struct ListRow {

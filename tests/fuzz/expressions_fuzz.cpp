@@ -34,7 +34,12 @@ void CheckValues(std::string_view text) {
     for (const bool x64 : {true, false}) {
         registers.x64 = x64;
         const std::uint64_t plain = EvaluateExpression(registers, text);
-        const Evaluation pane = EvaluatePaneExpression(registers, text);
+        const Evaluation pane =
+            EvaluatePaneExpression(registers, text, [](std::uint64_t address, void* out, std::size_t count) {
+                for (std::size_t i = 0; i < count; ++i)
+                    static_cast<std::uint8_t*>(out)[i] = static_cast<std::uint8_t>(address + i);
+                return address % 3 != 0;
+            });
         Require(pane.value.has_value() == pane.problem.empty());
         if (!x64 && pane.value) Require(*pane.value <= 0xFFFFFFFF);
         // A register's name alone means the same to both.

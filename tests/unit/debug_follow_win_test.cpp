@@ -1,7 +1,9 @@
 // Steps that follow the program, through programs that a C compiler built.
 #include "debugger/debug_follow.h"
 #include "debug_fixture.h"
-#include "debugger/set_next.h"
+#include "debugger/at_address.h"
+#include "debugui/pane_disassembly.h"
+#include "debugui/pane_symbols.h"
 
 namespace {
 
@@ -100,6 +102,51 @@ TEST_P(DebugFollows, ALongLineIsPausedAndInstructionsAreStepped) {
         ASSERT_TRUE(DebugSetTempBp(&state, line2 + state.breakpointCount, 2));
     for (DebugBreakpoint& each : state.breakpoints) each.temporary = 0;
     EXPECT_EQ(Go(FollowKind::Out), -1) << "no caller, and no room";
+}
+
+TEST_P(DebugFollows, CallsOfImportsHaveNames) {
+    ASSERT_TRUE(DebugStartForCompiler(Program("library").c_str(), 1, &g_debugger));
+    std::vector<std::uint8_t> code(64);
+    const std::uint64_t address = g_debugger.currentAddress;
+    code.resize(DebugReadSome(&g_debugger, address, code.data(), code.size()));
+    std::string texts;
+    for (const auto& each : DisasmAround(code, address, address, Bits() == 64, {}, PaneSymbolAt)) texts += each.text;
+    DebugStop(&g_debugger);
+    EXPECT_NE(texts.find("!LoadLibraryA"), std::string::npos) << texts;
+}
+
+// That program waits for a file in its folder before its first line.
+TEST_P(DebugFollows, AProgramStartsInTheFolderThatIsAskedFor) {
+    const TempFolder folder;
+    WriteBytes(folder.path / "go.txt", "");
+    DebugSetLaunch(L"one \"two three\"", folder.path.c_str());
+    EXPECT_TRUE(Start("early"));
+    DebugSetLaunch(L"", L"");
+    EXPECT_EQ(state.currentLine, 2);
+}
+
+TEST_P(DebugFollows, HitCountsAndBreakpointsOfInstructions) {
+    ASSERT_TRUE(Start("loop"));
+    ASSERT_TRUE(DebugSetBreakpoint(&state, 3));
+    ASSERT_TRUE(DebugSetStopFrom(&state, AddressOf(3), 4));
+    for (std::uint64_t turn = 4; turn <= 5; ++turn) {
+        ASSERT_TRUE(DebugContinue(&state));
+        ASSERT_EQ(Arrive(), 3);
+        EXPECT_EQ(Count(), turn);
+    }
+    const std::uint64_t second = AddressOf(3) + 1;  // line 3 begins with a NOP
+    EXPECT_FALSE(DebugSetBreakpointAt(&state, 16)) << "no code";
+    ASSERT_TRUE(DebugSetBreakpointAt(&state, second));
+    ASSERT_TRUE(DebugContinue(&state));
+    ASSERT_EQ(Arrive(), 3);
+    EXPECT_EQ(Registers().ip, second);
+    ASSERT_TRUE(DebugRemoveBreakpoint(&state, second));
+    ASSERT_TRUE(DebugRemoveBreakpoint(&state, AddressOf(3)));
+    ASSERT_TRUE(DebugRunToAddress(&state, second));
+    ASSERT_EQ(Arrive(), 3);
+    EXPECT_EQ(Registers().ip, second);
+    EXPECT_EQ(Count(), 6u);
+    ContinueToTheEnd(55u);
 }
 
 }  // namespace

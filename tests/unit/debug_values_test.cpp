@@ -60,7 +60,14 @@ TEST(WatchValue, IsReadInItsKind) {
         {"no memory", 2, "", L"<unreadable>"},
         {"DOUBLE", 3, Bytes(1.5), L"(1500)"},
         {"DOUBLE, too few bytes", 3, "abc", L"<unreadable>"},
-        {"after the last kind", 4, "", L"<unknown kind>"},
+        {"BYTE", 4, "\xFE", L"254 (0xFE)"},
+        {"WORD", 5, "\xFE\xFF", L"65534 (0xFFFE)"},
+        {"DWORD", 6, Bytes(std::int32_t{-2}), L"4294967294 (0xFFFFFFFE)"},
+        {"INTEGER", 7, "\xFE\xFF", L"-2 (0xFFFE)"},
+        {"SINGLE", 8, Bytes(-0.5F), L"(-500)"},
+        {"wide text", 9, std::string("a\0\xE9\0\0\0b\0", 8), L"\"a\u00E9\""},
+        {"the address itself", 10, "", L"4096 (0x1000)"},
+        {"after the last kind", kWatchKinds, "", L"<unknown kind>"},
         {"before the first", -1, "", L"<unknown kind>"},
     };
     const auto write = [](double value) { return L"(" + std::to_wstring(static_cast<int>(value * 1000)) + L")"; };
@@ -70,6 +77,37 @@ TEST(WatchValue, IsReadInItsKind) {
     }
     const Stretch longer = {.base = 0, .bytes = std::string(200, 'a')};
     EXPECT_EQ(WatchValueText(2, 0, longer.Memory(), write), L"\"" + std::wstring(kLongestWatchText, L'a') + L"\"");
+}
+
+TEST(PaneExpressions, NameMemory) {
+    const Stretch stretch = {.base = 0x1000, .bytes = Bytes(std::int64_t{0x1008}) + Bytes(std::int64_t{-2})};
+    RegisterSet registers;
+    registers.general[kSp] = 0xFF8;
+    const MemoryReader read = stretch.Memory().read;
+    const struct {
+        const char* text;
+        bool x64;
+        std::optional<std::uint64_t> value;
+    } cases[] = {
+        {"[RSP+8]", true, 0x1008},
+        {"[[RSP+8]]+1", true, 0xFFFFFFFFFFFFFFFF},
+        {"byte [ 0x1008 ] * 2", true, 0x1FC},
+        {"Word[0x1008]", true, 0xFFFE},
+        {"DWORD[0x1008]", true, 0xFFFFFFFE},
+        {"[0x1008]", false, 0xFFFFFFFE},
+        {"QWORD[0x1000]", false, 0x1008},
+        {"[0x1009]", true, std::nullopt},
+        {"[RSP+8", true, std::nullopt},
+        {"WORD", true, std::nullopt},
+        {"[]", true, std::nullopt},
+    };
+    for (const auto& each : cases) {
+        registers.x64 = each.x64;
+        const Evaluation got = EvaluatePaneExpression(registers, each.text, read);
+        EXPECT_EQ(got.value, each.value) << each.text;
+        EXPECT_EQ(got.problem.empty(), each.value.has_value()) << each.text;
+    }
+    EXPECT_FALSE(EvaluatePaneExpression(registers, "[0x1000]").problem.empty()) << "without memory";
 }
 
 TEST(SavedRegisters, StandInTheirArea) {

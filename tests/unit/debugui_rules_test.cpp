@@ -99,6 +99,7 @@ struct FakeProgram {
     std::size_t room = 64;
     bool writable = true;
     std::map<std::uint64_t, std::string> planted;  // conditions by address
+    std::map<std::uint64_t, std::uint32_t> stopFrom;
 
     BreakpointTarget Target() {
         return {.find = [this](const std::wstring& path, int line) -> CodePlace {
@@ -114,6 +115,7 @@ struct FakeProgram {
                     },
                 .remove = [this](std::uint64_t address) { planted.erase(address); },
                 .setCondition = [this](std::uint64_t address, const std::string& text) { planted[address] = text; },
+                .setStopFrom = [this](std::uint64_t address, std::uint32_t count) { stopFrom[address] = count; },
                 .hits = [this](std::uint64_t address) { return planted.contains(address) ? 2 : -1; }};
     }
 };

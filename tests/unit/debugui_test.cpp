@@ -149,6 +149,13 @@ TEST(Watches, BytesOfTypedValues) {
         {WatchKind::Text, "\"ab\"", 3, {'a', 'b', 0}},
         {WatchKind::Text, "", 3, {0}},
         {WatchKind::Text, "abcd", 3, {}},
+        {WatchKind::Byte, "255", 0, {255}},
+        {WatchKind::Byte, "256", 0, {}},
+        {WatchKind::Integer, "-2", 0, {254, 255}},
+        {WatchKind::Single, "-0.5", 0, {0, 0, 0, 0xBF}},
+        {WatchKind::WideText, "\xC3\xA9", 4, {0xE9, 0, 0, 0}},
+        {WatchKind::WideText, "abc", 4, {}},
+        {WatchKind::Value, "1", 0, {}},
     };
     for (const auto& each : cases) {
         const WatchBytes got = WatchBytesOf(each.kind, each.text, each.room);

@@ -102,8 +102,11 @@ TEST(SessionText, ReadsTheRulesOfBreakpoints) {
         int line;
         bool enabled;
         const char* condition;
+        int stopFrom = 0;
     };
     for (const Case& c : {Case{"9,1,RCX > 5, 6", 9, true, "RCX > 5, 6"},
+                          {"9,0:5,a,b", 9, false, "a,b", 5},
+                          {"9,1:-5,", 9, true, ""},
                           {"4,0,", 4, false, ""},
                           {"", 0, true, ""},
                           {"7", 7, true, ""},
@@ -112,6 +115,7 @@ TEST(SessionText, ReadsTheRulesOfBreakpoints) {
         EXPECT_EQ(rule.line, c.line) << c.value;
         EXPECT_EQ(rule.enabled, c.enabled) << c.value;
         EXPECT_EQ(rule.condition, c.condition) << c.value;
+        EXPECT_EQ(rule.stopFrom, c.stopFrom) << c.value;
     }
 }
 

@@ -126,7 +126,7 @@ TEST(DebugMenus, OfTheWatches) {
 
     session.SelectRow(0);
     session.ChooseByMouse(session.List(), session.Place(1, 0),
-                          {VK_UP, VK_UP, VK_UP, VK_UP, VK_RETURN});  // the row under the mouse
+                          {VK_DOWN, VK_DOWN, VK_DOWN, VK_DOWN, VK_RETURN});  // the row under the mouse
     EXPECT_TRUE(WaitFor([&] { return session.Cell(1, 1) == L"QUAD"; })) << Utf8(session.All());
     EXPECT_EQ(session.Cell(0, 1), L"LONG");
     session.ChooseByMouse(session.List(), session.Place(1, 0), {'E'});

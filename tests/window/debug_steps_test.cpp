@@ -72,6 +72,76 @@ TEST_P(StepsFollow, IntoARecursionAndOut) {
     EXPECT_EQ(lines, (std::vector<int>{5, 6, 9, 5, 6, 9, 11, 9, 57}));
 }
 
+constexpr char kPart[] =
+    "SUB Greet\r\n"            // 1
+    "    PRINT \"hello\"\r\n"  // 2
+    "    PRINT \"again\"\r\n"  // 3
+    "END SUB\r\n";
+constexpr char kMain[] =
+    "#INCLUDE \"part.inc\"\r\n"       // 1
+    "FUNCTION PBMAIN () AS LONG\r\n"  // 2
+    "    LOCAL i AS LONG\r\n"         // 3
+    "    FOR i = 1 TO 9\r\n"          // 4
+    "        Greet\r\n"               // 5
+    "    NEXT i\r\n"                  // 6
+    "    FUNCTION = i\r\n"            // 7
+    "END FUNCTION\r\n";
+
+// A stop in an include, and what a session offers there.
+TEST(DebugSession, GoesOnRestartsAndTellsTheLastOutput) {
+    const Session session(L"main.kxa", kMain, L"kvxa64");
+    const Editor& editor = session.editor;
+    const auto awaitStatus = [&](const std::wstring& status) {
+        EXPECT_TRUE(WaitFor([&] { return editor.Status() == status; }, kBuildDeadline)) << Utf8(editor.Status());
+    };
+    session.folder.Write(L"part.inc", kPart);
+    session.CaretTo(5);
+    editor.Do(IDM_DEBUG_BREAKPOINT);
+    ASSERT_TRUE(session.Start());
+    session.Select(kBreakpoints);
+    session.SelectRow(0);
+    editor.Click(session.List(), session.Place(0, 2), MOUSEEVENTF_LEFTDOWN, 1);  // the column of hits
+    session.Enter(L"3");
+    EXPECT_TRUE(session.Await(L"main.kxa:5||0 of 3|")) << Utf8(session.All());
+    editor.Do(IDM_BUILD_RUN);  // F5
+    awaitStatus(L"Stopped at main.kxa:5");
+    EXPECT_TRUE(session.Await(L"main.kxa:5||3 of 3|")) << Utf8(session.All());
+    editor.Do(IDM_DEBUG_STEPS_FOLLOW);
+    editor.Do(IDM_DEBUG_STEP_INTO);
+    awaitStatus(L"Stopped at part.inc:1");
+    EXPECT_EQ(editor.Tabs(), 2);
+    session.CaretTo(3);
+    editor.Do(IDM_DEBUG_SET_NEXT);
+    awaitStatus(L"Stopped at part.inc:3");
+
+    session.Select(kDisassembly);
+    const int row = session.RowOf(0, session.Cell(session.RowOf(0, L"3: PRINT \"again\"") + 2, 0));
+    const std::wstring address = session.Cell(row, 0);
+    session.SelectRow(row);
+    editor.Foreground();
+    SetFocus(nullptr);
+    editor.Click(session.List(), session.Place(row, 1));
+    editor.Keys({VK_F9});
+    session.Select(kBreakpoints);
+    EXPECT_TRUE(session.Await(L"Instruction at part.inc:3")) << Utf8(session.All());
+    EXPECT_NE(session.All().find(address.substr(address.find_first_not_of(L'0'))), std::wstring::npos);
+
+    editor.Do(IDM_DEBUG_RESTART);
+    awaitStatus(L"Stopped at main.kxa:2");
+    EXPECT_EQ(editor.Output().find(L"Build started"), editor.Output().rfind(L"Build started"));
+    editor.Do(IDM_DEBUG_REMOVE_BREAKPOINTS);
+    editor.Do(IDM_DEBUG_CONTINUE);
+    awaitStatus(L"Exited with code 10");
+    EXPECT_TRUE(editor.AwaitOutput(L"[Debug] The program's last output:\n"));
+    EXPECT_TRUE(editor.AwaitOutput(L"hello\nagain\nhello\nagain\n")) << Utf8(editor.Output());
+
+    editor.Post(IDM_DEBUG_PROGRAM);
+    const Dialog dialog = editor.AwaitDialog(L"Program Arguments");
+    SetDlgItemTextW(dialog.window, IDC_PROGRAM_ARGUMENTS, L"one two");
+    editor.Press(dialog, IDOK);
+    EXPECT_TRUE(WaitFor([&] { return session.folder.Ini(L"Editor", L"ProgramArguments") == L"one two"; }));
+}
+
 INSTANTIATE_TEST_SUITE_P(Compilers, StepsFollow,
                          ::testing::Values(Case{L"kvxa64", L"kxa", true, false}, Case{L"kvxa32", L"ka32", false, false},
                                            Case{L"keldorbasic", L"bas", false, true}),

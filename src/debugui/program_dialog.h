@@ -1,0 +1,7 @@
+// The dialog for the arguments and the folder of a program that is debugged. Modal, UI thread only.
+#pragma once
+
+#include <windows.h>
+
+// Asks for them and saves them with the settings.
+void AskProgramArguments(HWND owner);
