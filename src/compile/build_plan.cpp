@@ -79,6 +79,10 @@ std::wstring NotStagedLine(std::wstring_view target) {
     return L"Build launch failed: " + std::wstring(target) + L" cannot be written.\r\n";
 }
 
+std::wstring StagedElsewhereLine(std::wstring_view target) {
+    return L"Build launch failed: another editor is building with " + std::wstring(target) + L" at the moment.\r\n";
+}
+
 std::wstring LeftoverLine(std::wstring_view target, std::wstring_view aside) {
     return L"An earlier build was cut off: your own text of " + std::wstring(target) + L" is in " +
            std::wstring(aside) + L"\r\n";

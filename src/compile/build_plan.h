@@ -60,6 +60,7 @@ std::wstring CommandBeside(std::wstring_view command, std::wstring_view folder, 
 // These return a line for the output pane.
 std::wstring LaunchErrorLine(std::uint32_t error, std::wstring_view systemMessage);
 std::wstring NotStagedLine(std::wstring_view target);
+std::wstring StagedElsewhereLine(std::wstring_view target);
 std::wstring LeftoverLine(std::wstring_view target, std::wstring_view aside);
 std::wstring RunErrorLine(std::wstring_view program, long error);
 

@@ -216,6 +216,10 @@ bool StageForLaunch(const LaunchRequest& request, StagedSource* staged) {
     const std::wstring target = StagingTarget(source, output, request.style, 0);
     if (!staged->leftover.empty()) OutputPaneAppend(LeftoverLine(target, staged->leftover).c_str(), kLineTeal);
     if (done) return true;
+    if (error == kErrorStagedElsewhere) {
+        OutputPaneAppend(StagedElsewhereLine(target).c_str(), kLineRed);
+        return false;
+    }
     OutputPaneAppend(NotStagedLine(target).c_str(), kLineRed);
     AppendLaunchError(error, {});
     return false;

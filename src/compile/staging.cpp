@@ -42,6 +42,11 @@ bool StageForKeldor(const StageDisk& disk, const std::wstring& source, const std
     // The editor was ended during an earlier build: the file with the user's name may be a copy made then.
     if (const std::wstring first = AsideName(target, 1); disk.exists(first)) staged->leftover = first;
     if (disk.sameFile(source, target)) return true;
+    if (!disk.claim(target)) {
+        staged->leftover.clear();  // it is of that editor's build
+        *error = kErrorStagedElsewhere;
+        return false;
+    }
     *error = CopyToStage(disk, source, target, staged);
     if (*error == 0) return true;
     if (*error != kErrorFileThere) return false;

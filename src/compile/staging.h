@@ -35,7 +35,8 @@ bool StageSource(const wchar_t* source, const wchar_t* output, CommandStyle styl
 std::wstring UnstageSource(StagedSource* staged);
 
 // --- The decisions of both functions (staging.cpp), over a replaceable disk.
-inline constexpr std::uint32_t kErrorFileThere = 80;  // ERROR_FILE_EXISTS
+inline constexpr std::uint32_t kErrorFileThere = 80;         // ERROR_FILE_EXISTS
+inline constexpr std::uint32_t kErrorStagedElsewhere = 170;  // ERROR_BUSY: another editor has made its copy there
 
 struct StageDisk {
     using Path = std::wstring;
@@ -46,6 +47,8 @@ struct StageDisk {
     std::function<bool(const Path& from, const Path& to)> move;  // to a name that must be free
     std::function<bool(const Path&, FileStamp*)> stamp;          // false: no such file
     std::function<bool(const Path&)> remove;                     // true: it is gone
+    // Reserves the name of the copy until the copy is gone. False: another editor has reserved it.
+    std::function<bool(const Path&)> claim = [](const Path&) { return true; };
     // Keeps a note of what is about to be moved aside or was copied, for StagedRecover after an end of the editor.
     std::function<void(const Path& source, const StagedSource&)> note = [](const Path&, const StagedSource&) {};
 };

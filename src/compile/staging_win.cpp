@@ -7,10 +7,12 @@
 #include "files/user_folder.h"
 
 #include <mutex>
+#include <string>
+#include <utility>
 
 namespace {
 
-static_assert(kErrorFileThere == ERROR_FILE_EXISTS);
+static_assert(kErrorFileThere == ERROR_FILE_EXISTS && kErrorStagedElsewhere == ERROR_BUSY);
 
 constexpr DWORD kDeleteTries = 10;  // a compiler that has just ended may hold the copy open for a moment
 constexpr DWORD kDeletePauseMs = 20;
@@ -59,6 +61,20 @@ std::mutex g_noteLock;
 UniqueHandle g_note;  // under g_noteLock
 std::wstring g_notePath;
 
+UniqueHandle g_claim;  // under g_noteLock; the object that reserves the name of the copy
+
+// Another editor would take the copy for the user's file and move it aside. The object ends with its editor.
+bool ClaimTarget(const std::wstring& target) {
+    std::wstring path = target;
+    CharUpperBuffW(path.data(), static_cast<DWORD>(path.size()));
+    const std::wstring name = L"Local\\KVX-Editor-staged-" + std::to_wstring(std::hash<std::wstring>()(path));
+    UniqueHandle claim(CreateMutexW(nullptr, FALSE, name.c_str()));
+    if (claim && GetLastError() == ERROR_ALREADY_EXISTS) return false;
+    const std::lock_guard lock(g_noteLock);
+    g_claim = std::move(claim);
+    return true;
+}
+
 constexpr wchar_t kNotePrefix[] = L"Staged-";
 
 void WriteNote(const std::wstring& source, const StagedSource& staged) {
@@ -81,9 +97,10 @@ void WriteNote(const std::wstring& source, const StagedSource& staged) {
     FlushFileBuffers(g_note.Get());
 }
 
-// The note stays on the disk when something was not put back.
+// Ends the reservation and the note. The note stays on the disk when something was not put back.
 void EndNote(bool settled) {
     const std::lock_guard lock(g_noteLock);
+    g_claim.Reset();
     if (!g_note) return;
     if (settled) DeleteFileW(PathForSystem(g_notePath.c_str()).c_str());
     g_note.Reset();
@@ -96,6 +113,7 @@ StageDisk RealDisk() {
             .move = MoveToFreeName,
             .stamp = ReadFileStamp,
             .remove = DeleteWithPatience,
+            .claim = ClaimTarget,
             .note = WriteNote};
 }
 
@@ -104,7 +122,7 @@ StageDisk RealDisk() {
 bool StageSource(const wchar_t* source, const wchar_t* output, CommandStyle style, StagedSource* staged,
                  std::uint32_t* error) {
     const bool done = StageOnDisk(RealDisk(), source, output, style, staged, error);
-    if (!done) EndNote(true);
+    if (!done && *error != kErrorStagedElsewhere) EndNote(true);
     return done;
 }
 

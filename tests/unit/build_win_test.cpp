@@ -121,6 +121,9 @@ TEST_F(Staging, KeldorPutsTheUsersFileBackOnPathsLongerThanMaxPath) {
     EXPECT_TRUE(staged.copied);
     EXPECT_EQ(ReadBytes(DeepFolder::LongForm(target)), "source");
     EXPECT_EQ(ReadBytes(DeepFolder::LongForm(target + L".kvx-aside1")), "the user's");
+    StagedSource other;
+    EXPECT_FALSE(StageSource(source.c_str(), deep.File(L"x.exe").c_str(), CommandStyle::Keldor, &other, &error));
+    EXPECT_EQ(error, kErrorStagedElsewhere) << "the copy of a build that runs is not the user's file";
     EXPECT_EQ(UnstageSource(&staged), L"");
     EXPECT_EQ(ReadBytes(DeepFolder::LongForm(target)), "the user's");
     EXPECT_TRUE(DeleteFileW(DeepFolder::LongForm(source).c_str()));
