@@ -8,6 +8,7 @@
 #include "compile/child_process.h"
 #include "compile/compile_state.h"
 #include "compile/file_stamp.h"
+#include "compile/terminal.h"
 #include "documents/document_row.h"
 #include "files/file_io.h"
 #include "files/start_path.h"
@@ -104,5 +105,7 @@ void ProgramOnStageEnd(const StageResult& result) {
     g_events.statusText(result.end == BuildEnd::Stopped ? L"Program stopped" : L"Program ended");
     OutputFeedBegin({});
     SetTerminalCue(L"");
-    if (GetFocus() == g_compile.hTerminal) FocusCurrentEditor();
+    // Somebody who is typing a line must not go on in the source.
+    const bool typing = TerminalProgramEnded() && result.end != BuildEnd::Stopped;
+    if (GetFocus() == g_compile.hTerminal && !typing) FocusCurrentEditor();
 }

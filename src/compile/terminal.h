@@ -5,3 +5,7 @@
 
 LRESULT CALLBACK TerminalSubclassProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
                                       DWORD_PTR data);
+
+// A program that got its input from the line has ended. Returns whether the line holds text that was typed for it. The
+// next Enter does not run that text as a command.
+bool TerminalProgramEnded();

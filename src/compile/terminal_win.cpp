@@ -7,6 +7,7 @@
 #include "compile/build.h"
 #include "compile/build_stage.h"
 #include "compile/child_process.h"
+#include "compile/compile_state.h"
 #include "compile/program_input.h"
 #include "compile/terminal_text.h"
 #include "documents/document_row.h"
@@ -19,12 +20,14 @@
 
 #include <cwchar>
 #include <string>
+#include <utility>
 
 namespace {
 
 constexpr WPARAM kCtrlZ = 0x1A;
 
 TerminalHistory g_terminalHistory;
+bool g_typedForProgram = false;  // the line's text was typed for a program that has ended meanwhile
 
 void ShowTerminalHistory(HWND window, bool older) {
     std::wstring command;
@@ -85,6 +88,11 @@ void RunTerminalCommand(HWND window) {
         return;
     }
     const std::wstring command = TypedText(window);
+    if (std::exchange(g_typedForProgram, false) && !command.empty()) {
+        g_events.statusText(L"The program has ended. Enter again runs this line as a command.");
+        SendMessageW(window, EM_SETSEL, 0, -1);
+        return;
+    }
     if (command.find_first_not_of(L" \t") == std::wstring::npos) return;
     if (CompilerIsBuilding()) {
         g_events.statusText(L"Something still runs: stop it first (Ctrl+Break).");
@@ -136,6 +144,11 @@ void TerminalOnStageEnd(const StageResult& result) {
     g_events.statusText(result.end == BuildEnd::Stopped ? L"Command stopped" : L"Command finished");
 }
 
+bool TerminalProgramEnded() {
+    g_typedForProgram = GetWindowTextLengthW(g_compile.hTerminal) > 0;
+    return g_typedForProgram;
+}
+
 LRESULT CALLBACK TerminalSubclassProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
     switch (message) {
         case WM_KEYDOWN:
@@ -146,6 +159,7 @@ LRESULT CALLBACK TerminalSubclassProc(HWND window, UINT message, WPARAM wParam, 
                 return 0;
             if (wParam == kCtrlZ && StageIsProgram() && GetWindowTextLengthW(window) == 0) return 0;
             break;
+        case WM_KILLFOCUS: g_typedForProgram = false; break;
         case WM_NCDESTROY: RemoveWindowSubclass(window, TerminalSubclassProc, id); break;
         default: break;
     }

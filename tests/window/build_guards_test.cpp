@@ -79,6 +79,14 @@ TEST(BuildGuards, AProgramRunsInTheOutputPane) {
     editor.Do(IDM_BUILD_STOP);
     EXPECT_TRUE(editor.AwaitOutput(L"--- Program stopped ---\n"));
     EXPECT_EQ(CountProcesses(L"kvxpane.exe"), 0);
+    folder.Write(L"fake.txt", "await " + Utf8(folder.File(L"go")) + "\n");
+    editor.Do(IDM_RUN_IN_OUTPUT);
+    SendMessageW(terminal, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"not"));
+    folder.Write(L"go", "");
+    EXPECT_TRUE(editor.AwaitOutput(L"--- Program ended (exit code 0) ---\n")) << Utf8(editor.Output());
+    EXPECT_EQ(editor.Focus(), terminal) << "the line that is being typed does not go on in the source";
+    TypeInTerminal(editor, L"not sent in time");
+    EXPECT_TRUE(Has(editor.Status(), L"Enter again runs this line as a command.")) << Utf8(editor.Status());
 
     folder.Script("print nothing made\nspawn\n");
     const std::wstring text = Build(editor, IDM_BUILD_RUN);
