@@ -104,7 +104,9 @@ void OpenWorkspace() {
     dialog.Flags = OFN_HIDEREADONLY | OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST | OFN_NOCHANGEDIR;
     if (!GetOpenFileNameW(&dialog)) return;
     switch (WorkspaceFileAt(path)) {
-        case WorkspaceFile::Ours: WorkspaceLoad(path); break;  // it fails when the user keeps a document open
+        case WorkspaceFile::Ours:  // it fails when the user keeps a document open
+            if (WorkspaceLoad(path) != 0) StatusBarSetText(L"Workspace opened");
+            break;
         case WorkspaceFile::Foreign:
             ErrorMessage(L"Failed to open workspace: %s\n\nThe file is not a workspace of this program.", path);
             break;

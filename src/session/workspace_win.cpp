@@ -152,7 +152,7 @@ int WorkspaceLoad(const wchar_t* path) {
     g_session.missing.clear();
     ApplyWorkspaceCompiler(workspace);
     OpenWorkspaceFiles(workspace);
-    TabBarSelect(IsTabIndex(workspace.activeFile) ? workspace.activeFile : TabCount() - 1);
+    TabBarActivate(IsTabIndex(workspace.activeFile) ? workspace.activeFile : TabCount() - 1);
     for (const WorkspaceCaret& caret : WorkspaceCarets(workspace, TabCount()))
         CaretGoTo(TabAt(caret.tab).editor, caret.position);
     SafeCopyW(g_session.workspacePath, source);

@@ -268,6 +268,7 @@ TEST(Workspace, LeavesFilesOfOthersAlone) {
                            "\", \"cursorPos\": 0}], \"activeFile\": 0, \"compiler\": \"KVXB64\"}");
     {
         Editor editor(folder, OpenArgument(b));
+        editor.Foreground();
         editor.Post(IDM_WORKSPACE_OPEN);
         editor.AnswerFileDialog(package);
         EXPECT_NE(editor.AwaitDialog(kProgramTitle).text.find(L"not a workspace"), std::wstring::npos);
@@ -287,6 +288,7 @@ TEST(Workspace, LeavesFilesOfOthersAlone) {
         editor.AnswerFileDialog(named);
         editor.Answer(kUnsaved, L"", IDNO);
         ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == 2; })) << "both files, in spite of the bracket";
+        EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); })) << "keys go into the text";
         EXPECT_TRUE(editor.Status(kPartCompiler).starts_with(L"KVXB64"));
         editor.Do(IDM_FILE_CLOSE_ALL);
         EXPECT_EQ(editor.Close(), 0u);
