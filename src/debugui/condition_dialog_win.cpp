@@ -7,6 +7,7 @@
 #include "debugui/breakpoint_rules.h"
 #include "files/file_io.h"
 #include "resources/ids.h"
+#include "ui/chrome.h"
 #include "ui/dialog_theme.h"
 #include "ui/ui_state.h"
 
@@ -48,7 +49,7 @@ bool ShowProblem(HWND dialog) {
 
 INT_PTR ColourOfProblem(HDC dc, HWND control) {
     if (GetDlgCtrlID(control) != IDC_CONDITION_PROBLEM) return FALSE;
-    SetTextColor(dc, RGB(176, 0, 0));
+    SetTextColor(dc, ThemeIsDark() ? ThemeCurrentChrome().error : RGB(176, 0, 0));
     SetBkMode(dc, TRANSPARENT);
     return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_BTNFACE));
 }

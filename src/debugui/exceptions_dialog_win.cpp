@@ -7,6 +7,7 @@
 #include "debugger/exception_rules.h"
 #include "resources/ids.h"
 #include "settings/settings_state.h"
+#include "ui/dialog_theme.h"
 #include "ui/ui_state.h"
 
 #include <algorithm>
@@ -145,6 +146,7 @@ INT_PTR CALLBACK ExceptionsDlgProc(HWND dialog, UINT message, WPARAM wParam, LPA
         case WM_INITDIALOG:
             SetWindowLongPtrW(dialog, DWLP_USER, lParam);
             FillDialog(dialog);
+            DialogApplyTheme(dialog);
             return FALSE;  // the focus is set already
         case WM_COMMAND: OnExceptionsCommand(dialog, LOWORD(wParam), HIWORD(wParam)); return TRUE;
         default: return FALSE;

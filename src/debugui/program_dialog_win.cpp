@@ -6,6 +6,7 @@
 #include "documents/file_commands.h"
 #include "resources/ids.h"
 #include "settings/settings_state.h"
+#include "ui/dialog_theme.h"
 #include "ui/ui_state.h"
 #include "ui/window_text.h"
 
@@ -39,7 +40,10 @@ void AcceptProgramDialog(HWND dialog) {
 
 INT_PTR CALLBACK ProgramDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
     switch (message) {
-        case WM_INITDIALOG: FillProgramDialog(dialog); return TRUE;
+        case WM_INITDIALOG:
+            FillProgramDialog(dialog);
+            DialogApplyTheme(dialog);
+            return TRUE;
         case WM_COMMAND:
             if (LOWORD(wParam) == IDOK) AcceptProgramDialog(dialog);
             if (LOWORD(wParam) == IDCANCEL) EndDialog(dialog, IDCANCEL);

@@ -161,12 +161,14 @@ TEST(View, TheDarkThemeReachesMenusDialogsAndHeaders) {
         EXPECT_TRUE(fits(editor.main, 12, caption + 3)) << "menu bar, first item";
         EXPECT_TRUE(fits(header, Width(editor, header) - 4, 5)) << "after the last column";
         EXPECT_TRUE(fits(header, 70, 4)) << "first column";
-        for (const auto& [command, title] :
-             {std::pair{IDM_EDIT_GOTO, L"Go To Line"}, {IDM_HELP_ABOUT, kProgramTitle}}) {
+        for (const auto& [command, title] : {std::pair{IDM_EDIT_GOTO, L"Go To Line"},
+                                             {IDM_DEBUG_EXCEPTIONS, L"Exceptions"},
+                                             {IDM_DEBUG_PROGRAM, L"Program Arguments"},
+                                             {IDM_HELP_ABOUT, kProgramTitle}}) {
             editor.Post(command);
             const Dialog dialog = editor.AwaitDialog(title);
             EXPECT_TRUE(fits(dialog.window, 12, caption + 6)) << Utf8(title);
-            editor.Press(dialog, command == IDM_EDIT_GOTO ? IDCANCEL : IDOK);
+            editor.Press(dialog, command == IDM_HELP_ABOUT ? IDOK : IDCANCEL);
         }
     }
 }
