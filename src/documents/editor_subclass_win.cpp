@@ -6,6 +6,7 @@
 #include "documents/editor_pane.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
+#include "ui/menu_draw.h"
 #include "ui/ui_state.h"
 
 #include <commctrl.h>
@@ -164,6 +165,14 @@ LRESULT OnPaneReturnKey(HWND pane, WPARAM wParam, LPARAM lParam) {
     return result;
 }
 
+// Scintilla shows a menu of its own, and the pane is its owner.
+LRESULT ShowPaneMenu(HWND pane, WPARAM wParam, LPARAM lParam) {
+    MenuDrawAttach(pane);
+    const LRESULT result = DefSubclassProc(pane, WM_CONTEXTMENU, wParam, lParam);
+    MenuDrawDetach(pane);
+    return result;
+}
+
 LRESULT OnPaneDestroy(HWND pane, UINT message, WPARAM wParam, LPARAM lParam);
 
 LRESULT CALLBACK EditorPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
@@ -181,6 +190,7 @@ LRESULT CALLBACK EditorPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
             return 1;
         case WM_SETFOCUS: TakeFocus(pane); break;
         case WM_KILLFOCUS: OnPaneKillFocus(pane); break;
+        case WM_CONTEXTMENU: return ShowPaneMenu(pane, wParam, lParam);
         case WM_MOUSEACTIVATE: return OnPaneMouseActivate(pane, wParam, lParam);
         case WM_LBUTTONDOWN:
         case WM_RBUTTONDOWN:

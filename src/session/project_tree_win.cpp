@@ -19,6 +19,7 @@
 #include "ui/fonts.h"
 #include "ui/menu.h"
 #include "ui/message.h"
+#include "ui/paint.h"
 #include "ui/redraw.h"
 #include "ui/ui_state.h"
 
@@ -262,6 +263,18 @@ void ProjectTreePopulate() {
     if (!root.empty()) OpenTreeFolder(InsertTreeItem(TVI_ROOT, TVI_FIRST, TreeRootLabel(root), NodeKind::FolderUnread));
 }
 
+// In the dark theme the system's light bar of a selection without the focus would hide the light text on it.
+static LRESULT ColourTreeItem(NMTVCUSTOMDRAW& draw) {
+    if (!ThemeIsDark()) return CDRF_DODEFAULT;
+    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
+    if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT || (draw.nmcd.uItemState & CDIS_SELECTED) == 0)
+        return CDRF_DODEFAULT;
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    draw.clrText = chrome.paneText;
+    draw.clrTextBk = GetFocus() == Tree() ? MixColours(chrome.paneBack, chrome.accent, 30) : chrome.hover;
+    return CDRF_DODEFAULT;
+}
+
 bool ProjectTreeHandleNotify(const NMHDR& header, LRESULT* result) {
     if (Tree() == nullptr || header.hwndFrom != Tree()) return false;
     *result = 0;
@@ -273,6 +286,9 @@ bool ProjectTreeHandleNotify(const NMHDR& header, LRESULT* result) {
                 StartReading(expanding.itemNew.hItem);
             return true;
         }
+        case NM_CUSTOMDRAW:
+            *result = ColourTreeItem(*reinterpret_cast<NMTVCUSTOMDRAW*>(const_cast<NMHDR*>(&header)));
+            return true;
         case NM_DBLCLK: OpenTreeItem(selected); return true;
         case NM_RETURN:
             if (TreeEnterOn(KindIfAny(selected)) == TreeEnter::Toggle) TreeView_Expand(Tree(), selected, TVE_TOGGLE);

@@ -195,15 +195,26 @@ void PaintBarRest(HWND window) {
     ReleaseDC(window, dc);
 }
 
-// The item with the mnemonic. The system looks only at texts that it draws itself.
+bool HasMnemonic(const std::wstring& name, wchar_t key) {
+    for (std::size_t at = name.find(L'&'); at != std::wstring::npos && at + 1 < name.size();
+         at = name.find(L'&', at + 2))
+        if (std::towupper(name[at + 1]) == std::towupper(key)) return true;
+    return false;
+}
+
+// The item with the mnemonic. The system looks only at texts that it draws itself. Of several, the next one is selected.
 LRESULT ItemOfMnemonic(HMENU menu, wchar_t key) {
-    for (int i = 0; i < GetMenuItemCount(menu); ++i) {
-        const std::wstring name = TextOf({menu, static_cast<UINT>(i)}).name;
-        for (std::size_t at = name.find(L'&'); at != std::wstring::npos && at + 1 < name.size();
-             at = name.find(L'&', at + 2))
-            if (std::towupper(name[at + 1]) == std::towupper(key)) return MAKELRESULT(i, MNC_EXECUTE);
+    const int count = GetMenuItemCount(menu);
+    int selected = -1, found = -1, matches = 0;
+    for (int i = 0; i < count; ++i)
+        if ((GetMenuState(menu, static_cast<UINT>(i), MF_BYPOSITION) & MF_HILITE) != 0) selected = i;
+    for (int step = 1; step <= count; ++step) {
+        const int i = (selected + step) % count;
+        if (!HasMnemonic(TextOf({menu, static_cast<UINT>(i)}).name, key)) continue;
+        if (matches++ == 0) found = i;
     }
-    return MAKELRESULT(0, MNC_IGNORE);
+    if (matches == 0) return MAKELRESULT(0, MNC_IGNORE);
+    return MAKELRESULT(found, matches == 1 ? MNC_EXECUTE : MNC_SELECT);
 }
 
 LRESULT CALLBACK MenuDrawProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
