@@ -93,6 +93,7 @@ bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create) {
     RestoreSplitterRatio();
     MainWindow_Layout();  // hides the panes and bars that the settings switch off
     MainWindow_UpdateTitle();
+    ToolbarApplyState(CurrentCommandView());  // a box of the start may come before the message loop does it
     return true;
 }
 
