@@ -31,7 +31,10 @@ CodePlace FindCode(const std::wstring& path, int line) {
 }
 
 PlantResult PlantInSession(std::uint32_t fileId, int line) {
-    if (DebugSetBreakpointIn(&g_debugger, fileId, line)) return PlantResult::Planted;
+    if (DebugSetBreakpointIn(&g_debugger, fileId, line)) {
+        CodeBreakpointYield(g_debugger.map.imageBase + SdbgFileLineToRva(&g_debugger.map, fileId, line));
+        return PlantResult::Planted;
+    }
     return g_debugger.breakpointCount >= kMaxBreakpoints ? PlantResult::TableFull : PlantResult::NotWritable;
 }
 
@@ -203,6 +206,8 @@ void BreakpointRemove(std::size_t index) {
 void BreakpointRemoveAll() {
     TakeOverMarkers();
     while (!g_list.empty()) RemoveAt(g_list.size() - 1);
+    CodeBreakpointsRemoveAll();
+    DebugPaneInvalidate();
 }
 
 void BreakpointEnable(std::size_t index, bool enabled) {
@@ -250,7 +255,7 @@ void BreakpointsPlantAll(DebuggerState*) {
 void BreakpointsDropStart(DebuggerState* state) {
     if (state->startAddress == 0 || state->currentAddress != state->startAddress) return;
     TakeOverMarkers();
-    if (BreakpointAtAddress(&g_list, state->startAddress) == nullptr) DebugRemoveBreakpoint(state, state->startAddress);
+    if (!CodeBreakpointIsSet(state->startAddress)) DebugRemoveBreakpoint(state, state->startAddress);
     state->startAddress = 0;
 }
 

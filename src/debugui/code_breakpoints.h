@@ -11,4 +11,7 @@ void CodeBreakpointToggle(std::uint64_t address);
 bool CodeBreakpointIsSet(std::uint64_t address);
 // Addresses of those of instructions, in the order in which they were made.
 const std::vector<std::uint64_t>& CodeBreakpoints();
+// A breakpoint of a source line was planted there. It takes the place of the instruction's.
+void CodeBreakpointYield(std::uint64_t address);
+void CodeBreakpointsRemoveAll();
 void CodeBreakpointsForget();  // at the end of a session

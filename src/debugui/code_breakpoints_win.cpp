@@ -43,4 +43,11 @@ bool CodeBreakpointIsSet(std::uint64_t address) {
 
 const std::vector<std::uint64_t>& CodeBreakpoints() { return g_addresses; }
 
+void CodeBreakpointYield(std::uint64_t address) { std::erase(g_addresses, address); }
+
+void CodeBreakpointsRemoveAll() {
+    for (const std::uint64_t address : g_addresses) DebugRemoveBreakpoint(&g_debugger, address);
+    g_addresses.clear();
+}
+
 void CodeBreakpointsForget() { g_addresses.clear(); }

@@ -17,7 +17,7 @@ namespace {
 
 enum Column : int { kPlace, kCondition, kHits, kState };
 constexpr std::array<ListColumn, 4> kColumns = {
-    {{L"Line", 16, 13, false}, {L"Condition", 12, 7, true}, {L"Hits", 5, 4, true}, {L"State", 34, 8, false}}};
+    {{L"Line", 16, 13, false}, {L"Condition", 12, 7, true}, {L"Hits", 8, 6, true}, {L"State", 34, 8, false}}};
 
 enum MenuCommand : UINT { kGo = 1, kToggle, kEditCondition, kEditHits, kRemove, kRemoveAll };
 
@@ -134,8 +134,11 @@ void SwitchBreakpointOfRow(int row) {
 }
 
 void RemoveBreakpointOfRow(int row) {
-    if (BreakpointAtRow(row) != nullptr) BreakpointRemove(static_cast<std::size_t>(row));
-    if (const std::uint64_t address = CodeAddressAtRow(row); address != 0) CodeBreakpointToggle(address);
+    // Both are read first, because a removed breakpoint moves the rows after it up.
+    const bool ofLine = BreakpointAtRow(row) != nullptr;
+    const std::uint64_t address = CodeAddressAtRow(row);
+    if (ofLine) BreakpointRemove(static_cast<std::size_t>(row));
+    if (address != 0) CodeBreakpointToggle(address);
     DebugPaneInvalidate();
 }
 

@@ -21,7 +21,9 @@ void FillCallStack(PaneContent& content) {
         const DebugFrame& frame = g_frames[i];
         ListRow row;
         row.mark = i == 0 ? ListMark::Current : ListMark::None;
-        const std::wstring place = PanePlaceText(frame.address);
+        // A return address can be the first instruction of the next line. Its call ends one byte before it.
+        const std::uint64_t back = i > 0 && frame.line != 0 ? 1 : 0;
+        const std::wstring place = PanePlaceText(frame.address - back);
         const std::wstring source = PaneSourceLine(frame.fileId, frame.line);
         row.cells = {std::to_wstring(i), HexText(frame.address, PaneAddressDigits(x64, frame.address)),
                      source.empty() ? place : place + L"  " + source};

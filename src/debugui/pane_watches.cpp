@@ -132,7 +132,9 @@ bool WatchSetExpression(std::vector<Watch>& watches, std::size_t row, std::wstri
     expression = TrimmedExpression(expression);
     if (row >= watches.size()) {
         if (expression.empty()) return false;
-        watches.push_back({std::wstring(expression), WatchKind::Long, {}, {}});
+        // "[RSP+8]" asks for what is in memory there; "RSP+8" is an address.
+        const WatchKind kind = expression.back() == L']' ? WatchKind::Value : WatchKind::Long;
+        watches.push_back({std::wstring(expression), kind, {}, {}});
         return true;
     }
     if (watches[row].expression == expression) return false;

@@ -115,6 +115,9 @@ TEST(Watches, ExpressionsAddChangeAndRemove) {
     EXPECT_TRUE(WatchSetExpression(list, 0, L""));
     ASSERT_EQ(list.size(), 1U);
     EXPECT_EQ(list[0].expression, L"0x10");
+    EXPECT_EQ(list[0].kind, WatchKind::Long);
+    EXPECT_TRUE(WatchSetExpression(list, 1, L"WORD [RSP+8]"));
+    EXPECT_EQ(list[1].kind, WatchKind::Value) << "its value, not what is at the address it gives";
 }
 
 TEST(Watches, WhatIsEditedOfAShownValue) {

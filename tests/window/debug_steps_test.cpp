@@ -125,11 +125,16 @@ TEST(DebugSession, GoesOnRestartsAndTellsTheLastOutput) {
     session.Select(kBreakpoints);
     EXPECT_TRUE(session.Await(L"Instruction at part.inc:3")) << Utf8(session.All());
     EXPECT_NE(session.All().find(address.substr(address.find_first_not_of(L'0'))), std::wstring::npos);
+    session.SelectRow(0);
+    editor.Keys({VK_DELETE});
+    EXPECT_TRUE(WaitFor([&] { return session.All().find(L"main.kxa:5") == std::wstring::npos; }));
+    EXPECT_NE(session.All().find(L"Instruction at part.inc:3"), std::wstring::npos) << Utf8(session.All());
+    editor.Do(IDM_DEBUG_REMOVE_BREAKPOINTS);
+    EXPECT_TRUE(WaitFor([&] { return session.All().find(L"Instruction") == std::wstring::npos; }));
 
     editor.Do(IDM_DEBUG_RESTART);
     awaitStatus(L"Stopped at main.kxa:2");
     EXPECT_EQ(editor.Output().find(L"Build started"), editor.Output().rfind(L"Build started"));
-    editor.Do(IDM_DEBUG_REMOVE_BREAKPOINTS);
     editor.Do(IDM_DEBUG_CONTINUE);
     awaitStatus(L"Exited with code 10");
     EXPECT_TRUE(editor.AwaitOutput(L"[Debug] The program's last output:\n"));
