@@ -24,4 +24,5 @@ void BuildLogWrite(BuildLog& log, std::wstring_view text);
 std::wstring CommandLogNew();
 // Called when the process of that log has ended. A log that is not `needed` is deleted; other paths are ignored.
 void CommandLogDone(const std::wstring& path, bool needed);
-void CommandLogsDelete();  // those that were needed
+// Deletes those that were needed. One that is open in a tab stays, because the next start opens it again.
+void CommandLogsDelete();

@@ -1,6 +1,7 @@
 #include "compile/build_log.h"
 
 #include "base/wide_format.h"
+#include "documents/document_row.h"
 #include "files/file_io.h"
 
 #include <set>
@@ -54,6 +55,7 @@ void CommandLogDone(const std::wstring& path, bool needed) {
 }
 
 void CommandLogsDelete() {
-    for (const std::wstring& path : g_commandLogs) DeleteFileW(path.c_str());
+    for (const std::wstring& path : g_commandLogs)
+        if (TabBarFindPath(path.c_str()) < 0) DeleteFileW(path.c_str());
     g_commandLogs.clear();
 }
