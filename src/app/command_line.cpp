@@ -134,6 +134,10 @@ std::vector<CommandLineStep> ParseCommandLineSteps(std::span<const std::wstring>
 
 FilePlace ParseFilePlace(std::wstring_view text) {
     FilePlace place;
+    if (text.ends_with(L":0")) {  // tools that count columns from 0 name the start of the line so
+        std::wstring_view line = text.substr(0, text.size() - 2);
+        if (TakeNumber(line) > 0) text.remove_suffix(2);
+    }
     const int last = TakeNumber(text);
     const int before = last > 0 ? TakeNumber(text) : 0;
     place.line = before > 0 ? before : last;

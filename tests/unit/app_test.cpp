@@ -41,7 +41,8 @@ TEST(CommandLine, WordsThatAreNoOptionsAreFilesWithAPlace) {
                  {L"C:12:3", L"C:12", 3, 0},   {L"a:0", L"a:0", 0, 0},
                  {L"aa:", L"aa:", 0, 0},       {L"aa:3:", L"aa:3:", 0, 0},
                  {L"aa:3x:4", L"aa:3x", 4, 0}, {L"aa:9999999999", L"aa:9999999999", 0, 0},
-                 {L"aa:1:2:3", L"aa:1", 2, 3}, {L":4", L":4", 0, 0}};
+                 {L"aa:1:2:3", L"aa:1", 2, 3}, {L":4", L":4", 0, 0},
+                 {L"aa:7:0", L"aa", 7, 0}};
     for (const auto& c : cases) {
         const FilePlace place = ParseFilePlace(c.text);
         EXPECT_TRUE(place.path == c.path && place.line == c.line && place.column == c.column)
