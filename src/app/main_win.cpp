@@ -9,6 +9,7 @@
 #include "documents/caret_place.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
+#include "documents/file_work.h"
 #include "files/file_io.h"
 #include "files/libraries.h"
 #include "resources/ids.h"
@@ -103,7 +104,8 @@ void RunStep(const CommandLineStep& step) {
 }
 
 void ParseCommandLine(const char* raw) {
-    for (const CommandLineStep& step : ParseCommandLineSteps(Arguments(raw))) RunStep(step);
+    for (const CommandLineStep& step : ParseCommandLineSteps(Arguments(raw)))
+        if (step.action != CommandLineAction::Open || !FileWorkCloseIsQueued()) RunStep(step);
 }
 
 void InitControls() {

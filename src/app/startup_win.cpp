@@ -71,7 +71,8 @@ void OfferSessionRestore() {
 void OpenRecentFiles() {
     // The oldest first, so that the tabs stand as they were opened and the newest file is shown.
     for (int i = std::min<int>(kRecentFilesAtStart, g_app.settings.mruCount) - 1; i >= 0; --i)
-        if (FileExists(g_app.settings.mruFiles[i])) FileShow(g_app.settings.mruFiles[i], false);
+        if (!FileWorkCloseIsQueued() && FileExists(g_app.settings.mruFiles[i]))
+            FileShow(g_app.settings.mruFiles[i], false);
 }
 
 void OpenStartupWorkspace() {
@@ -106,6 +107,12 @@ void MainWnd_OnStartup() {
     AppLogMsg(L"DBG WM_USER+200 ENTER");
     StartupStep step = StartupStep::OfferSession;
     while (step != StartupStep::Done) {
+        if (FileWorkCloseIsQueued()) {
+            // A box would swallow the close of a user who has ended the program while a large file was opened. The
+            // rest of the start comes after the close, if the program still runs then.
+            PostMessageW(g_app.hMainWnd, MSG_STARTUP, 0, 0);
+            return;
+        }
         RunStartupStep(step);
         step = StartupStepAfter(step, TabCount() > 0, g_app.settings.restoreLastSession != 0);
     }

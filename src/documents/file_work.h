@@ -23,6 +23,8 @@ bool FileWorkRun(const FileWork& work);
 bool FileWorkRuns();
 // Asks the work that runs to stop. `close`: the user wants to close the main window, which gets WM_CLOSE afterwards.
 void FileWorkCancel(bool close);
+// True between the end of work that the user left by closing the main window and that close: nothing is to be begun.
+bool FileWorkCloseIsQueued();
 
 // --- file_work.cpp: pure
 std::wstring FileWorkText(const wchar_t* verb, const wchar_t* label, const FileProgress& progress);

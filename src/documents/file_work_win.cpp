@@ -84,6 +84,11 @@ bool FileWorkRun(const FileWork& work) {
     return ended;
 }
 
+bool FileWorkCloseIsQueued() {
+    MSG message = {};
+    return PeekMessageW(&message, g_ui.hMainWnd, WM_CLOSE, WM_CLOSE, PM_NOREMOVE) != FALSE;
+}
+
 bool FileWorkRuns() { return g_wait.progress != nullptr; }
 
 void FileWorkCancel(bool close) {

@@ -10,6 +10,7 @@
 #include "documents/caret_place.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
+#include "documents/file_work.h"
 #include "documents/margins.h"
 #include "documents/recent_files.h"
 #include "files/file_io.h"
@@ -160,7 +161,8 @@ void ApplySession(const std::vector<SessionItem>& items) {
 
 // Asks once about all files that could not be opened.
 void AskAboutMissing() {
-    if (g_session.missing.empty()) return;
+    // A program that is being closed keeps them all; a box would swallow the close.
+    if (g_session.missing.empty() || FileWorkCloseIsQueued()) return;
     const Answer answer = AskUser({.caption = L"Restore Session",
                                    .text = MissingFilesQuestion(g_session.missing).c_str(),
                                    .buttons = AskButtons::YesNo,
