@@ -145,6 +145,7 @@ void TellDocumentForm(int index) {
 
 void TabBarSyncActiveEditor() {
     const HWND previous = g_documents.hEditor;
+    const HWND focus = GetFocus();
     g_documents.hEditor = IsTabIndex(g_documents.activeTab) ? TabAt(g_documents.activeTab).editor : nullptr;
     // The new editor is shown above the old one before the old one is hidden, so that nothing else is visible in
     // between.
@@ -153,7 +154,9 @@ void TabBarSyncActiveEditor() {
         g_events.layoutWanted();
         ShowWindow(g_documents.hEditor, SW_SHOWNA);
     }
-    const bool hadFocus = previous != nullptr && previous != g_documents.hEditor && GetFocus() == previous;
+    // Without a document the frame keeps the focus for the next one.
+    const bool hadFocus = focus != nullptr && previous != g_documents.hEditor &&
+                          focus == (previous != nullptr ? previous : g_ui.hMainWnd);
     if (hadFocus) SetFocus(g_documents.hEditor != nullptr ? g_documents.hEditor : g_ui.hMainWnd);
     HideOtherEditors();
     if (g_documents.hEditor != nullptr) {
