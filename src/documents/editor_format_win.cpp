@@ -63,7 +63,10 @@ void EditorFormat(HWND editor, bool selectionOnly) {
                                                    [&work](double share) { return work.GoesOn(share / 2); });
     const std::string_view text =
         std::string_view(all).substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start));
-    if (formatted == text && !work.Stopped()) return;
+    if (formatted == text && !work.Stopped()) {
+        if (work.Shown()) g_events.statusText(L"Formatted");
+        return;
+    }
     const LRESULT caret = PaneSend(editor, SCI_GETCURRENTPOS);
     const LRESULT anchor = PaneSend(editor, SCI_GETANCHOR);
     const LRESULT caretLine = PaneSend(editor, SCI_LINEFROMPOSITION, caret);

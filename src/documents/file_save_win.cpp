@@ -178,6 +178,8 @@ int SaveAsBound(DocumentId document, FileBinding binding) {
         return 0;
     }
     if (tab < 0) return 0;
+    // What the status bar says of this document is no longer true: the recovery copy is gone, the form is chosen.
+    if (TabAt(tab).mustSave || SaveAsksAboutForm(TabAt(tab))) g_events.statusText(L"");
     binding.form.inexact = false;  // the file now holds what the text says
     static_cast<FileBinding&>(TabAt(tab)) = binding;
     TabAt(tab).modified = false;

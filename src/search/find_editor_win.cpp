@@ -91,6 +91,9 @@ ReplaceAllResult ReplaceAllInScope(HWND editor, const FindQuery& query, std::str
                                                                [&](double share) { return half(0, share); });
     if (found.empty() || result.stopped) return result;
     const bool alike = ReplacesAllAlike(query, replacement);
+    const LRESULT anchor = SciSend(editor, SCI_GETANCHOR);
+    const LRESULT caret = SciSend(editor, SCI_GETCURRENTPOS);
+    const LRESULT topLine = SciSend(editor, SCI_GETFIRSTVISIBLELINE);
     SciSend(editor, SCI_BEGINUNDOACTION);
     for (auto edit = found.rbegin(); edit != found.rend(); ++edit) {
         const std::string_view text = alike ? replacement : std::string_view{edit->text};
@@ -101,6 +104,8 @@ ReplaceAllResult ReplaceAllInScope(HWND editor, const FindQuery& query, std::str
     }
     SciSend(editor, SCI_ENDUNDOACTION);
     if (!result.stopped) return result;
-    SciSend(editor, SCI_UNDO);
+    SciSend(editor, SCI_UNDO);  // moves the caret to the last edit
+    SciSend(editor, SCI_SETSEL, static_cast<WPARAM>(anchor), caret);
+    SciSend(editor, SCI_SETFIRSTVISIBLELINE, static_cast<WPARAM>(topLine));
     return {.stopped = true};
 }

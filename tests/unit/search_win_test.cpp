@@ -143,6 +143,7 @@ TEST_F(FindEngine, EscStopsAndLeavesTheTextAsItWas) {
     for (int i = 0; i < 3000; ++i) text += "one two\n";
     for (const int steps : {0, 3000, 4500}) {  // before Esc: while finding, and after some were replaced
         SetText(text);
+        SciSend(editor_, SCI_SETSEL, 9, 2);
         LongWork work(L"Replacing", [](const wchar_t*) { ++shown; });
         int asked = 0;
         const auto goesOn = [&](double share) {
@@ -153,6 +154,8 @@ TEST_F(FindEngine, EscStopsAndLeavesTheTextAsItWas) {
         EXPECT_TRUE(result.stopped && LongWorkRuns()) << steps;
         EXPECT_EQ(result.count, 0u);
         EXPECT_EQ(Text(), text) << steps;
+        EXPECT_EQ(SciSend(editor_, SCI_GETCURRENTPOS), 2) << steps;
+        EXPECT_EQ(SciSend(editor_, SCI_GETANCHOR), 9) << steps;
         EXPECT_EQ(asked, steps + 1);
     }
     EXPECT_GE(shown, 3);
