@@ -19,17 +19,20 @@ bool IsTrail(unsigned unit) { return (unit & 0xFC00u) == 0xDC00u; }
 // True for a control character that a text does not hold. DOS ends texts with 1A.
 bool IsForeign(unsigned unit) { return unit < 0x20 && !(unit >= 0x09 && unit <= 0x0D) && unit != 0x1A; }
 
+// True for what the line breaks of other files look like: neither 0A00 nor 0A0D is a character.
+bool IsBreakOfBytes(unsigned unit) { return unit == 0x0A00 || unit == 0x0A0D; }
+
 // Whether the bytes read like a text in that order of bytes.
 bool ReadsLikeText(std::string_view head, Utf16Order order) {
     std::size_t ascii = 0;
     bool afterLead = false;
     for (std::size_t at = 0; at < head.size(); at += 2) {
         const unsigned unit = UnitAt(head, at, order);
-        if (IsForeign(unit) || IsTrail(unit) != afterLead || unit >= 0xFFFE) return false;
+        if (IsForeign(unit) || IsBreakOfBytes(unit) || IsTrail(unit) != afterLead || unit >= 0xFFFE) return false;
         afterLead = IsLead(unit);
         if (unit < 0x80) ++ascii;
     }
-    return ascii * 8 >= head.size() / 2;
+    return ascii * 4 >= head.size() / 2;
 }
 
 void AppendUtf8(char32_t code, std::string& out) {

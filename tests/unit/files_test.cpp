@@ -145,8 +145,8 @@ TEST(Files, Utf16IsReadAndWrittenBack) {
             }
         }
     }
-    for (const std::string_view bytes :
-         {""sv, "a"sv, "plain"sv, "a\0\0b\r\n\0"sv, "MZ\x90\0\3\0\0\0"sv, "a\0b\0c"sv, "\0\xD8z\0"sv, "\1\0\2\0"sv})
+    for (const std::string_view bytes : {""sv, "a"sv, "plain"sv, "a\0\0b\r\n\0"sv, "MZ\x90\0\3\0\0\0"sv, "a\0b\0c"sv,
+                                         "a\0b\nc\rd\r\ne\0\n"sv, "ab\r\nc\0"sv, "\0\xD8z\0"sv, "\1\0\2\0"sv})
         EXPECT_EQ(Utf16KindOf(bytes).order, Utf16Order::None) << bytes;
     std::string ignored;
     for (const std::string_view half : {"a"sv, "\0\xD8"sv,
