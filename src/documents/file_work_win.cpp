@@ -3,6 +3,7 @@
 
 #include "base/events.h"
 #include "base/worker.h"
+#include "ui/busy_input.h"
 #include "ui/ui_state.h"
 
 #include <windows.h>
@@ -21,25 +22,6 @@ WorkWait g_wait;
 
 void RunWork(std::function<void()>& work, const WorkerCancel&) { work(); }
 
-void PumpPaints() {
-    constexpr int kMostPaints = 32;  // a window that does not validate its area would be sent WM_PAINT for ever
-    MSG message = {};
-    for (int i = 0; i < kMostPaints && PeekMessageW(&message, nullptr, WM_PAINT, WM_PAINT, PM_REMOVE); ++i)
-        DispatchMessageW(&message);
-}
-
-// Keys and clicks are dropped once the user has been told: they belong to what was there before.
-void PumpInput() {
-    MSG message = {};
-    while (PeekMessageW(&message, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE))
-        if (message.message == WM_KEYDOWN && (message.wParam == VK_ESCAPE || message.wParam == VK_CANCEL))
-            FileWorkCancel(false);
-    while (PeekMessageW(&message, nullptr, WM_MOUSEFIRST, WM_MOUSELAST, PM_REMOVE)) continue;
-    while (PeekMessageW(&message, nullptr, WM_NCMOUSEMOVE, WM_NCXBUTTONDBLCLK, PM_REMOVE))
-        if (message.message == WM_NCLBUTTONDOWN && message.wParam == HTCLOSE) FileWorkCancel(true);
-    while (PeekMessageW(&message, g_ui.hMainWnd, WM_CLOSE, WM_CLOSE, PM_REMOVE)) FileWorkCancel(true);
-}
-
 // Waits until the worker has ended, or hangs after it was cancelled.
 bool WaitForWorker(const Worker& worker, const FileWork& work) {
     const ULONGLONG began = GetTickCount64();
@@ -48,10 +30,10 @@ bool WaitForWorker(const Worker& worker, const FileWork& work) {
     while (!WorkerWait(worker, 0)) {
         const HANDLE thread = worker.thread->Get();
         MsgWaitForMultipleObjects(1, &thread, FALSE, kStepMs, QS_SENDMESSAGE | QS_PAINT);
-        PumpPaints();  // handles the messages that other threads have sent, too
+        PaintWhileBusy();
         const ULONGLONG now = GetTickCount64();
         if (now - began >= kQuietMs) {
-            PumpInput();
+            if (const BusyInput input = TakeBusyInput(); input.stop) FileWorkCancel(input.close);
             g_events.statusText(FileWorkText(work.verb, work.label, *work.progress).c_str());
             told = true;
         }

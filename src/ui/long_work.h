@@ -1,6 +1,5 @@
-// A command that may take long. After a second it shows its progress, and Esc or Ctrl+Break stops it. Meanwhile windows
-// are painted; other keys, clicks and commands are dropped, because they are meant for a text that is about to change.
-// UI thread only.
+// A command that may take long. After a second it shows its progress, and Esc, Ctrl+Break or closing the window stops it
+// (ui/busy_input.h). UI thread only.
 #pragma once
 
 inline constexpr double kLongWorkMs = 1000;

@@ -2,39 +2,20 @@
 
 #include "base/clock.h"
 #include "base/wide_format.h"
-
-#include <windows.h>
+#include "ui/busy_input.h"
+#include "ui/ui_state.h"
 
 #include <algorithm>
+#include <utility>
 
 double g_longWorkAfterMs = kLongWorkMs;
 
 namespace {
 
-constexpr double kLooks = 10;    // at the message queue in each g_longWorkAfterMs
-constexpr int kMostPaints = 32;  // a window that does not validate its area would be sent WM_PAINT for ever
+constexpr double kLooks = 10;  // at the message queue in each g_longWorkAfterMs
 
 int g_longWorks = 0;
-
-void DropMessages(UINT first, UINT last) {
-    MSG message = {};
-    while (PeekMessageW(&message, nullptr, first, last, PM_REMOVE) != FALSE) {}
-}
-
-// Takes the keys out of the queue. Returns true when one of them stops the work.
-bool StopKeyCame() {
-    bool stop = false;
-    MSG message = {};
-    while (PeekMessageW(&message, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE) != FALSE)
-        stop = stop || (message.message == WM_KEYDOWN && (message.wParam == VK_ESCAPE || message.wParam == VK_CANCEL));
-    return stop;
-}
-
-void PaintWindows() {
-    MSG message = {};
-    for (int i = 0; i < kMostPaints && PeekMessageW(&message, nullptr, WM_PAINT, WM_PAINT, PM_REMOVE) != FALSE; ++i)
-        DispatchMessageW(&message);
-}
+bool g_closeAfterwards = false;
 
 }  // namespace
 
@@ -43,20 +24,23 @@ LongWork::LongWork(const wchar_t* what, void (*show)(const wchar_t* text))
     ++g_longWorks;
 }
 
-LongWork::~LongWork() { --g_longWorks; }
+LongWork::~LongWork() {
+    if (--g_longWorks > 0 || !std::exchange(g_closeAfterwards, false)) return;
+    PostMessageW(g_ui.hMainWnd, WM_CLOSE, 0, 0);
+}
 
 bool LongWork::GoesOn(double share) {
     const double now = ClockMs();
     if (stopped_ || now - began_ < g_longWorkAfterMs) return !stopped_;
     if (Shown() && now - looked_ < g_longWorkAfterMs / kLooks) return true;
     looked_ = now;
-    stopped_ = StopKeyCame();
-    DropMessages(WM_MOUSEFIRST, WM_MOUSELAST);
-    DropMessages(WM_NCMOUSEMOVE, WM_NCXBUTTONDBLCLK);
+    const BusyInput input = TakeBusyInput();
+    stopped_ = input.stop;
+    g_closeAfterwards = g_closeAfterwards || input.close;
     const int percent = static_cast<int>(std::clamp(share, 0.0, 1.0) * 100);
     show_(stopped_ ? FormatW(L"%s: stopping...", what_).c_str()
                    : FormatW(L"%s: %d %% (Esc stops)", what_, percent).c_str());
-    PaintWindows();
+    PaintWhileBusy();
     return !stopped_;
 }
 
