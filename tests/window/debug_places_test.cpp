@@ -27,7 +27,7 @@ std::string Record(std::uint32_t file, std::uint32_t line) {
 struct Calls : Session {
     explicit Calls(const std::string& source = Numbered(9), const std::string& from = "", const std::string& to = "")
         : Session(L"steps.bas", source, L"kvxa64") {
-        folder.FakeCompiler("print ok\n");
+        folder.FakeCompiler("renew " + Utf8(folder.File(L"steps.exe")) + "\nprint ok\n");
         std::string program = ReadBytes(Wide(KVX_DEBUGGEES_DIR) + L"\\calls64.exe").value_or("");
         EXPECT_EQ(from.size(), to.size());
         const std::size_t at = program.find(from);
@@ -97,11 +97,8 @@ TEST(DebugPlaces, AFileThatCannotBeShownIsToldOfOnceAndWithoutABox) {
 TEST(DebugPlaces, AFileInNoTabThatIsNewerIsToldOfAtItsStop) {
     const Calls calls;
     calls.folder.Write(L"calls_part.inc", kPart);
-    const HANDLE program = CreateFileW(calls.folder.File(L"steps.exe").c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ,
-                                       nullptr, OPEN_EXISTING, 0, nullptr);
-    const FILETIME old = {0, 0x01D00000};  // years before the sources
-    ASSERT_TRUE(SetFileTime(program, nullptr, nullptr, &old));
-    CloseHandle(program);
+    // Later than the program, which the build renews.
+    for (const wchar_t* file : {L"steps.bas", L"calls_part.inc"}) WrittenFromNow(calls.folder.File(file), 5);
     const auto said = [&](const std::wstring& file) {
         return Count(calls.editor.Output(), L"[Debug] " + file + L" is newer than the program");
     };

@@ -63,21 +63,6 @@ void ExpectStopAt(const Editor& editor, int line, const std::wstring& file = L"s
     EXPECT_EQ(editor.Line(), line);
 }
 
-void SetWriteTime(const std::wstring& path, FILETIME time) {
-    const HANDLE file = CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                    OPEN_EXISTING, 0, nullptr);
-    ASSERT_NE(file, INVALID_HANDLE_VALUE) << Utf8(path);
-    EXPECT_TRUE(SetFileTime(file, nullptr, nullptr, &time));
-    CloseHandle(file);
-}
-// A minute later, or earlier.
-FILETIME Moved(FILETIME time, int minutes) {
-    constexpr LONGLONG kMinute = 60 * 10000000LL;
-    ULARGE_INTEGER whole = {{time.dwLowDateTime, time.dwHighDateTime}};
-    whole.QuadPart += static_cast<ULONGLONG>(minutes * kMinute);
-    return {whole.LowPart, whole.HighPart};
-}
-
 bool AwaitProcesses(int count) {
     return WaitFor([count] { return CountProcesses(L"steps.exe") == count; });
 }
@@ -409,16 +394,14 @@ TEST(Debug, OnlyABuildThatSucceedsIsDebugged) {
 TEST(Debug, SourcesNewerThanTheProgramAreToldOf) {
     const ReadyFolder folder(L"calls64.exe");  // of two files; the first is not there by its name: the source it is
     const std::wstring part = folder.Write(L"calls_part.inc", "SUB Twice\r\n");
-    WIN32_FILE_ATTRIBUTE_DATA program{};
-    ASSERT_TRUE(GetFileAttributesExW(folder.File(L"steps.exe").c_str(), GetFileExInfoStandard, &program));
     Editor editor(folder, OpenArgument(part) + folder.Arguments());
     const struct {
         int source, part;  // minutes by which they are newer
     } cases[] = {{1, -1}, {0, 1}, {-1, 0}, {1, 1}};
     for (const auto& c : cases) {
         SCOPED_TRACE(std::to_string(c.source) + ", " + std::to_string(c.part));
-        SetWriteTime(folder.source, Moved(program.ftLastWriteTime, c.source));
-        SetWriteTime(part, Moved(program.ftLastWriteTime, c.part));
+        WrittenFromNow(folder.source, c.source);  // the build renews the program a moment later
+        WrittenFromNow(part, c.part);
         editor.Do(IDM_DEBUG_BUILD_START);
         ASSERT_TRUE(AwaitStatus(editor, L"Stopped at steps.bas:3", kBuildDeadline));
         ASSERT_TRUE(editor.AwaitOutput(L"[Debug] Stopped at steps.bas:3\n"));
@@ -470,7 +453,7 @@ TEST(Debug, TheEndOfTheSystemIsTheEndOfTheProgram) {
 
 TEST(Debug, ADoubleClickOnStartIsOneStart) {
     const ReadyFolder folder(L"early64.exe");
-    folder.Write(L"KVXA64\\fake.txt", "tally builds.txt\nsleep 300\n");
+    folder.FakeCompiler("renew " + Utf8(folder.File(L"steps.exe")) + "\ntally builds.txt\nsleep 300\n");
     folder.Write(L"go.txt", "");
     Editor editor(folder, folder.Arguments());
     const HWND bar = editor.Child(IDC_TOOLBAR);

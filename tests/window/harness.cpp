@@ -44,6 +44,20 @@ std::wstring Wide(std::string_view utf8) {
 bool Exists(const std::wstring& path) { return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
 // Not to be polled for a save: the program cannot write what another has open.
+void WrittenFromNow(const std::wstring& path, int minutes) {
+    constexpr LONGLONG kMinute = 60 * 10000000LL;  // in units of FILETIME
+    FILETIME now = {};
+    GetSystemTimeAsFileTime(&now);
+    ULARGE_INTEGER whole = {{now.dwLowDateTime, now.dwHighDateTime}};
+    whole.QuadPart += static_cast<ULONGLONG>(minutes * kMinute);
+    const FILETIME time = {whole.LowPart, whole.HighPart};
+    const HANDLE file = CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                    OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(file, INVALID_HANDLE_VALUE) << Utf8(path);
+    EXPECT_TRUE(SetFileTime(file, nullptr, nullptr, &time));
+    CloseHandle(file);
+}
+
 std::optional<std::string> ReadBytes(const std::wstring& path) {
     const DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING, 0, nullptr);

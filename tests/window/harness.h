@@ -35,6 +35,7 @@ std::string Utf8(std::wstring_view text);
 std::wstring Wide(std::string_view utf8);
 bool Exists(const std::wstring& path);
 std::optional<std::string> ReadBytes(const std::wstring& path);  // nothing when it cannot be opened
+void WrittenFromNow(const std::wstring& path, int minutes);      // sets the time of the last write
 void WriteBytes(const std::wstring& path, std::string_view bytes);
 std::wstring Variable(const wchar_t* name);  // environment, empty when unset; a Unix path comes back as a Windows one
 int CountProcesses(std::wstring_view fileName);       // running executables of that name, without regard to case
