@@ -20,7 +20,6 @@ namespace {
 constexpr std::size_t kCodeBytes = std::size_t{5} << 20;
 constexpr std::size_t kBudget = 20000;
 constexpr std::string_view kSource = "FUNCTION PBMAIN () AS LONG\r\n  PRINT 1\r\nEND FUNCTION\r\n";
-constexpr int kListingLines = 20000;
 constexpr int kLinesShown = 24000;  // three parts of 8,000 lines
 constexpr double kLimitMs = 120000;
 constexpr DWORD kPauseMs = 5;  // between two messages to a program that is busy
@@ -62,17 +61,16 @@ Rendering RenderOnce(const pe_bytes::Bytes& file) {
     return result;
 }
 
-std::string LongListing() {
-    std::string text;
-    for (int i = 0; i < kListingLines; ++i) text += "  0000000140001000  48 8B 45 F0\tmov rax, [rbp-16]\r\n";
-    return text;
-}
-
 // Sends messages until the pane has so many lines. Returns the milliseconds of the slowest answer.
 double FillPane(HWND window, int lines) {
     double slowest = 0;
     const double start = NowMs();
-    while (Ask(GetDlgItem(window, IDC_ASM), EM_GETLINECOUNT) < lines) {
+    const auto linesShown = [window] {  // the editor may replace the pane between the two calls
+        DWORD_PTR count = 0;
+        SendMessageTimeoutW(GetDlgItem(window, IDC_ASM), EM_GETLINECOUNT, 0, 0, SMTO_NORMAL, 60000, &count);
+        return static_cast<int>(count);
+    };
+    while (linesShown() < lines) {
         const double question = NowMs();
         Ask(window, WM_NULL);
         slowest = std::max(slowest, NowMs() - question);
@@ -96,7 +94,6 @@ void MeasurePane(const pe_bytes::Bytes& program) {
     FillPane(window, 300);
     editor.SettledMemory();
     WriteText(folder.Path() + L"main.exe", {reinterpret_cast<const char*>(program.data()), program.size()});
-    WriteText(folder.Path() + L"main.asm", LongListing());
     Ask(window, WM_COMMAND, IDM_VIEW_ASM);
     const double start = NowMs();
     Ask(window, WM_COMMAND, IDM_VIEW_ASM);

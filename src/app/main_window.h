@@ -73,3 +73,4 @@ bool MainWnd_StartsMaximised();          // known once the place was restored
 void MainWnd_NotePlace(HWND window);     // keeps the window's place for the settings file
 // refresh_win.cpp
 void MainWnd_RunPendingRefresh();  // refreshes toolbar and position; called when the message queue is empty
+void MainWnd_OnPositionTimer();

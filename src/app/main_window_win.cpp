@@ -56,6 +56,7 @@ void RouteTimer(HWND window, UINT_PTR id) {
         case TIMER_FOCUS: FocusOnTimer(); break;
         case TIMER_OUTPUT: MainWnd_OnOutputTimer(); break;
         case TIMER_BUILD: BuildOnTimer(); break;
+        case TIMER_POSITION: MainWnd_OnPositionTimer(); break;
         default: break;
     }
 }

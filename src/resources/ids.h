@@ -234,4 +234,5 @@
 #define TIMER_DEBUG 5   // polls the debuggee for its next event
 // Looks for the console of a program that was just started under the debugger.
 #define TIMER_DEBUG_CONSOLE 6
+#define TIMER_POSITION 7  // shows the caret's place in the status bar
 #define TIMER_FOCUS 32770
