@@ -7,30 +7,34 @@
 #include "commands/toolbar.h"
 #include "resources/ids.h"
 
+#include <utility>
+
 namespace {
 
 constexpr ULONGLONG kPositionMs = 100;  // between two updates of the caret's place
 
 struct Refresh {
     bool wanted = false;
-    ULONGLONG positionAt = 0;  // GetTickCount64 value of the last update of the place
+    ULONGLONG positionAt = 0;    // GetTickCount64 value of the last update of the place
+    bool positionWaits = false;  // TIMER_POSITION runs
 };
 Refresh g_refresh;
 
 void ShowPosition() {
-    KillTimer(g_app.hMainWnd, TIMER_POSITION);
+    if (std::exchange(g_refresh.positionWaits, false)) KillTimer(g_app.hMainWnd, TIMER_POSITION);
     g_refresh.positionAt = GetTickCount64();
     StatusBarUpdatePosition();
 }
 
-// The first change is shown at once. While keys come one after the other, the status bar follows at intervals, because
-// each paint of it reaches the screen together with the caret's line: a flush of all between the two takes longer than
-// the key.
+// The first change is shown at once. While keys come one after the other, the status bar follows at intervals. The caret's
+// line and the status bar would otherwise be copied to the screen together with all that lies between them, which takes
+// longer than the key. The timer is armed once, because arming it costs a system call.
 void FollowPosition() {
     const ULONGLONG since = GetTickCount64() - g_refresh.positionAt;
-    if (since >= kPositionMs ||
-        SetTimer(g_app.hMainWnd, TIMER_POSITION, static_cast<UINT>(kPositionMs - since), nullptr) == 0)
-        ShowPosition();
+    if (since < kPositionMs && !g_refresh.positionWaits)
+        g_refresh.positionWaits =
+            SetTimer(g_app.hMainWnd, TIMER_POSITION, static_cast<UINT>(kPositionMs - since), nullptr) != 0;
+    if (!g_refresh.positionWaits || since >= kPositionMs) ShowPosition();
 }
 
 }  // namespace
