@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::size_t kCodeBytes = std::size_t{5} << 20;
 constexpr std::size_t kBudget = 20000;
-constexpr std::string_view kSource = "FUNCTION PBMAIN () AS LONG\r\n  PRINT 1\r\nEND FUNCTION\r\n";
+constexpr int kStatements = 8000;   // enough for a listing of over 8,000 lines
 constexpr int kLinesShown = 24000;  // three parts of 8,000 lines
 constexpr double kLimitMs = 120000;
 constexpr DWORD kPauseMs = 5;  // between two messages to a program that is busy
@@ -36,6 +36,12 @@ pe_bytes::Bytes ProgramOfCode() {
     while (code.size() < kCodeBytes) code.insert(code.end(), text->data.begin(), text->data.end());
     code.resize(kCodeBytes);
     return pe_bytes::Build({.sections = {{".text", 0x1000, code}}});
+}
+
+std::string SourceOfManyLines() {
+    std::string text = "FUNCTION PBMAIN () AS LONG\r\n";
+    for (int i = 0; i < kStatements; ++i) text += "  PRINT 1\r\n";
+    return text + "END FUNCTION\r\n";
 }
 
 struct Rendering {
@@ -83,9 +89,10 @@ double FillPane(HWND window, int lines) {
 void MeasurePane(const pe_bytes::Bytes& program) {
     const Folder folder;
     const std::wstring file = folder.Path() + L"main.bas";
-    WriteText(file, kSource);
+    const std::string source = SourceOfManyLines();
+    WriteText(file, source);
     Program editor(Kind::Editor, folder, file);
-    editor.AwaitReady(kSource.size());
+    editor.AwaitReady(source.size());
     editor.SettledMemory();
     const HWND window = editor.Main();
     Ask(window, WM_COMMAND, IDM_USE_KVXB64);
