@@ -84,7 +84,21 @@ void GoTo(HWND pane, const Place& place) {
     AwaitQuiet(pane);
 }
 
-void TypeTurn(HWND pane, int turn, std::vector<double>* times) {
+// Brings the program to the front and waits for the focus in its pane. A window behind another one paints nothing, and
+// a pane without the focus has no caret to draw, so that its keys cost less than a person's.
+void BringToFront(const Program& program) {
+    SetForegroundWindow(program.Main());
+    const double start = NowMs();
+    while (Ask(program.Sci(), SCI_GETFOCUS) == 0 || GetForegroundWindow() != program.Main()) {
+        if (NowMs() - start > kKeyLimitMs) Die("a program does not come to the front");
+        Pause(kLookEveryMs);
+    }
+    AwaitQuiet(program.Sci());
+}
+
+void TypeTurn(const Program& program, int turn, std::vector<double>* times) {
+    BringToFront(program);
+    const HWND pane = program.Sci();
     for (int i = 0; i < kKeysOfTurn; ++i) times->push_back(TypeOne(pane, turn * kKeysOfTurn + i));
 }
 
@@ -105,8 +119,8 @@ void MeasureKeys() {
             GoTo(floor.Sci(), place);
             GoTo(editor.Sci(), place);
             for (int turn = 0; turn < kTurns; ++turn) {
-                TypeTurn(floor.Sci(), turn, &bare);
-                TypeTurn(editor.Sci(), turn, &keys);
+                TypeTurn(floor, turn, &bare);
+                TypeTurn(editor, turn, &keys);
             }
             char note[128];
             std::snprintf(note, sizeof(note), "of %d keys: median %.2f, %.2fx, max %.2f; floor's %.2f, %.2f",
