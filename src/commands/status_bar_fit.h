@@ -14,6 +14,10 @@ enum StatusPart : int {
     kStatusPartCount
 };
 
-// The right ends of the parts for a bar of `width` pixels, in pixels. The message gets the rest of the width. When that
-// is too little, parts get the width 0: first selection, then progress, line ending and encoding.
-std::array<int, kStatusPartCount> FitStatusParts(int width, int dpi);
+// Each part's value in pixels.
+using StatusWidths = std::array<int, kStatusPartCount>;
+
+// The right ends of the parts for a bar of `width` pixels. `wanted` holds the widths of the parts; that of the message is
+// the least it gets, and it takes the rest of the bar. When that is too little, parts get the width 0: first selection,
+// then progress, line ending and encoding.
+StatusWidths FitStatusParts(int width, const StatusWidths& wanted);

@@ -31,10 +31,60 @@ std::array<std::wstring, kStatusPartCount> g_texts;
 // stays invalid and is painted when the message queue is empty.
 bool g_takesText = false;
 
+constexpr const wchar_t* kLineEndings[] = {L"CRLF", L"LF", L"CR"};
+constexpr int kMinimumMessage = 140;  // at 96 dpi, like the next two
+constexpr int kBeforeText = 8;
+constexpr int kAfterText = 4;
+
+struct StatusSizes {
+    StatusWidths wanted = {};
+    StatusWidths longest = {};  // characters of the longest text measured
+    int width = 0;              // of the bar
+};
+StatusSizes g_sizes;
+
+void ShareStatusWidth() {
+    StatusWidths ends = FitStatusParts(g_sizes.width, g_sizes.wanted);
+    ends.back() = -1;  // SB_SETPARTS: to the right edge
+    SendMessageW(g_commands.hStatusBar, SB_SETPARTS, kStatusPartCount, reinterpret_cast<LPARAM>(ends.data()));
+    InvalidateRect(g_commands.hStatusBar, nullptr, FALSE);
+}
+
+// Makes a part wide enough for a text. Returns false when it was so already.
+bool WidenStatusPart(std::size_t part, const std::wstring& text) {
+    const int length = static_cast<int>(text.size());
+    if (part == kMessage || length <= g_sizes.longest[part]) return false;
+    g_sizes.longest[part] = length;
+    const int width = UiScaled(kBeforeText) + UiTextWidth(text.c_str(), length) + UiScaled(kAfterText);
+    if (width <= g_sizes.wanted[part]) return false;
+    g_sizes.wanted[part] = width;
+    return true;
+}
+
+// The parts are as wide as the texts that they usually show, so that nothing moves when another document is shown.
+void MeasureStatusParts() {
+    g_sizes.longest = {};
+    g_sizes.wanted = {UiScaled(kMinimumMessage)};
+    const auto measure = [](std::size_t part, const std::wstring& text) {
+        g_sizes.longest[part] = 0;  // the longest is not always the widest
+        WidenStatusPart(part, text);
+    };
+    measure(kProgress, L"\\ 88:88");
+    measure(kPosition, L"Ln 888888, Col 888");
+    measure(kSelection, L"88888 selected");
+    for (const Utf16Order order : {Utf16Order::None, Utf16Order::Little, Utf16Order::Big})
+        for (const TextEncoding encoding : {TextEncoding::Utf8, TextEncoding::Ansi})
+            measure(kEncoding, EncodingName(encoding, {.utf16 = order}));
+    for (const wchar_t* lineEnding : kLineEndings) measure(kLineEnding, lineEnding);
+    for (std::uint32_t id = 0; id < kCompilerCount; ++id) measure(kCompiler, CompilerLabel(id, false));
+    for (std::size_t part = 0; part < kStatusPartCount; ++part) WidenStatusPart(part, g_texts[part]);
+}
+
 void SetStatusPart(int part, const std::wstring& text) {
     std::wstring& shown = g_texts[static_cast<std::size_t>(part)];
     if (g_commands.hStatusBar == nullptr || text == shown) return;
     shown = text;
+    if (WidenStatusPart(static_cast<std::size_t>(part), text)) ShareStatusWidth();
     g_takesText = true;
     SendMessageW(g_commands.hStatusBar, SB_SETTEXTW, static_cast<WPARAM>(part | SBT_NOBORDERS),
                  reinterpret_cast<LPARAM>(text.c_str()));
@@ -45,8 +95,8 @@ void PaintStatusPart(HDC dc, int part, const RECT& area, const ThemeChrome& chro
     if (area.right <= area.left) return;
     const std::wstring& text = g_texts[static_cast<std::size_t>(part)];
     RECT inner = area;
-    inner.left += UiScaled(8);
-    inner.right -= UiScaled(4);
+    inner.left += UiScaled(kBeforeText);
+    if (part == kMessage) inner.right -= UiScaled(kAfterText);
     SetTextColor(dc, part == kProgress ? chrome.accent : chrome.statusText);
     DrawTextW(dc, text.c_str(), -1, &inner, DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | DT_NOPREFIX);
     if (part != kMessage && part != kProgress) {
@@ -119,15 +169,14 @@ int StatusBarHeight() { return UiScaled(24); }
 
 void StatusBarLayout(int width) {
     if (g_commands.hStatusBar == nullptr) return;
-    std::array<int, kStatusPartCount> ends = FitStatusParts(width, g_ui.dpi);
-    ends.back() = -1;  // SB_SETPARTS: to the right edge
-    SendMessageW(g_commands.hStatusBar, SB_SETPARTS, kStatusPartCount, reinterpret_cast<LPARAM>(ends.data()));
-    InvalidateRect(g_commands.hStatusBar, nullptr, FALSE);
+    g_sizes.width = width;
+    ShareStatusWidth();
 }
 
 void StatusBarApplyTheme() {
     SendMessageW(g_commands.hStatusBar, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
-    InvalidateRect(g_commands.hStatusBar, nullptr, FALSE);
+    MeasureStatusParts();
+    ShareStatusWidth();
 }
 
 void StatusBarSetText(const wchar_t* text) { SetStatusPart(kMessage, text != nullptr ? text : L""); }
@@ -148,7 +197,6 @@ void StatusBarUpdatePosition() {
     const LRESULT position = SciSend(tab.editor, SCI_GETCURRENTPOS);
     const LRESULT line = SciSend(tab.editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(position));
     const LRESULT column = SciSend(tab.editor, SCI_GETCOLUMN, static_cast<WPARAM>(position));
-    constexpr const wchar_t* kLineEndings[] = {L"CRLF", L"LF", L"CR"};
     SetStatusPart(kPosition, FormatW(L"Ln %d, Col %d", static_cast<int>(line + 1), static_cast<int>(column + 1)));
     SetStatusPart(kSelection, SelectionText(tab.editor));
     SetStatusPart(kEncoding, EncodingName(tab.encoding, tab.form));
