@@ -11,6 +11,7 @@
 #include "compile/child_process.h"
 #include "compile/compile_state.h"
 #include "compile/program_input.h"
+#include "compile/program_run.h"
 #include "output/line_colours.h"
 #include "output/output_credits.h"
 #include "output/output_feed.h"
@@ -188,6 +189,7 @@ void BuildOnFinished(DWORD exitCode) {
 void BuildOnTimer() {
     ShowBuildProgress();
     ProgramInputPump();
+    ProgramWatchInput();
 }
 
 bool BuildOnShown(bool allShown) {

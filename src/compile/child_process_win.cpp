@@ -29,14 +29,14 @@ HANDLE CreateEndingJob() {
 }
 
 // Creates a pipe whose end in the editor allows overlapped reads or writes, which the pipe of CreatePipe does not. The
-// other end is inheritable.
+// other end is inheritable. The pipe of an input has no buffer, so a write is over when the child has read it.
 bool CreateChildPipe(bool childWrites, UniqueHandle* own, UniqueHandle* childEnd) {
     static std::atomic<unsigned> serial = 0;
     const std::wstring name = FormatW(L"\\\\.\\pipe\\kvx-editor-%lu-%u", GetCurrentProcessId(), serial.fetch_add(1));
     const DWORD access = childWrites ? PIPE_ACCESS_INBOUND : PIPE_ACCESS_OUTBOUND;
     own->Reset(CreateNamedPipeW(name.c_str(), access | FILE_FLAG_OVERLAPPED | FILE_FLAG_FIRST_PIPE_INSTANCE,
-                                PIPE_TYPE_BYTE | PIPE_WAIT | PIPE_REJECT_REMOTE_CLIENTS, 1, kPipeBytes, kPipeBytes, 0,
-                                nullptr));
+                                PIPE_TYPE_BYTE | PIPE_WAIT | PIPE_REJECT_REMOTE_CLIENTS, 1, 0,
+                                childWrites ? kPipeBytes : 0, 0, nullptr));
     if (!*own) return false;
     SECURITY_ATTRIBUTES inheritable = {.nLength = sizeof(SECURITY_ATTRIBUTES), .bInheritHandle = TRUE};
     childEnd->Reset(CreateFileW(name.c_str(), childWrites ? GENERIC_WRITE : GENERIC_READ, 0, &inheritable,

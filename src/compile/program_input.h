@@ -15,5 +15,7 @@ bool ProgramInputSend(std::wstring_view text);
 void ProgramInputEnd();
 // Goes on writing what waits. Called on TIMER_BUILD.
 void ProgramInputPump();
+// True once for each program: it has left its input unread for two seconds.
+bool ProgramInputIsDoubtful();
 // Drops what waits and closes the pipe.
 void ProgramInputClose();

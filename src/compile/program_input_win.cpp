@@ -8,6 +8,7 @@
 namespace {
 
 constexpr std::size_t kMostWaiting = 1024 * 1024;  // bytes
+constexpr ULONGLONG kPatienceMs = 2000;
 
 struct ProgramInput {
     UniqueHandle pipe;
@@ -16,6 +17,8 @@ struct ProgramInput {
     std::string going;    // the bytes of the pending write
     std::string waiting;  // the bytes after it
     bool pending = false;
+    ULONGLONG began = 0;  // tick count of the pending write
+    bool doubted = false;
     bool ends = false;  // nothing more is accepted, and the pipe is closed after `waiting`
 };
 ProgramInput g_input;
@@ -39,6 +42,7 @@ void StartWrite() {
     if (g_input.going.empty()) g_input.going = std::exchange(g_input.waiting, {});
     g_input.write = {};
     g_input.write.hEvent = g_input.written.Get();
+    g_input.began = GetTickCount64();
     g_input.pending = WriteFile(g_input.pipe.Get(), g_input.going.data(), static_cast<DWORD>(g_input.going.size()),
                                 nullptr, &g_input.write) != FALSE ||
                       GetLastError() == ERROR_IO_PENDING;
@@ -85,6 +89,12 @@ void ProgramInputPump() {
         }
         StartWrite();
     }
+}
+
+bool ProgramInputIsDoubtful() {
+    if (!g_input.pending || g_input.doubted || GetTickCount64() - g_input.began < kPatienceMs) return false;
+    g_input.doubted = true;
+    return true;
 }
 
 void ProgramInputClose() {

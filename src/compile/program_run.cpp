@@ -2,10 +2,39 @@
 
 #include "base/hex_text.h"
 
+#include <algorithm>
+#include <string_view>
+
+static constexpr std::wstring_view kUseConsole = L"stop it (Ctrl+Break) and use Build & Run (F5).\r\n";
+
 std::wstring RunDoubt(const BuildRecord& last, bool sourceModified) {
     if (!last.source.empty() && !last.programWritten)
         return L"The last build wrote no program; this one is of an earlier build.\r\n";
     return sourceModified ? L"The source was changed after this program was built.\r\n" : L"";
+}
+
+std::wstring ConsoleKeysText(const PeImage& program) {
+    constexpr std::string_view kReadKeys[] = {"ReadConsoleInputA",
+                                              "ReadConsoleInputW",
+                                              "PeekConsoleInputA",
+                                              "PeekConsoleInputW",
+                                              "_getch",
+                                              "_getche",
+                                              "_getwch",
+                                              "_getwche",
+                                              "_kbhit"};
+    const bool reads = std::ranges::any_of(program.imports, [&](const auto& slot) {
+        const std::string_view name = slot.second;
+        return std::ranges::count(kReadKeys, name.substr(name.find('!') + 1)) != 0;
+    });
+    if (!reads) return {};
+    return L"This program can wait for single keys, which do not reach it in the output pane. If it does: " +
+           std::wstring(kUseConsole);
+}
+
+std::wstring UnreadInputText() {
+    return L"The program has not read this input. If it reads the console itself, no input reaches it here: " +
+           std::wstring(kUseConsole);
 }
 
 std::wstring ProgramEndText(const StageResult& result) {

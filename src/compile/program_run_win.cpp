@@ -8,6 +8,7 @@
 #include "compile/child_process.h"
 #include "compile/compile_state.h"
 #include "compile/file_stamp.h"
+#include "compile/program_input.h"
 #include "compile/terminal.h"
 #include "documents/document_row.h"
 #include "files/file_io.h"
@@ -22,7 +23,11 @@
 #include <commctrl.h>
 #include <shellapi.h>
 
+#include <utility>
+
 namespace {
+
+constexpr std::size_t kMostFile = 16 << 20;  // reading more would be felt
 
 std::wstring ProgramToRun() {
     if (!LastBuild().output.empty()) return LastBuild().output;
@@ -39,6 +44,15 @@ bool SourceIsModified(const std::wstring& program) {
     FileStamp written, built;
     return (IsTabIndex(tab) && TabAt(tab).modified) ||
            (ReadFileStamp(source, &written) && ReadFileStamp(program, &built) && written.written > built.written);
+}
+
+// Said again only after another program ran, because it is true of each run.
+void SayConsoleKeys(const std::wstring& program) {
+    static std::wstring last;
+    std::string bytes;
+    if (std::exchange(last, program) == program || !ReadSharedFile(program, kMostFile, &bytes)) return;
+    const PeImage image = PeImageRead({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+    OutputPaneAppend(ConsoleKeysText(image).c_str(), kLineYellow);
 }
 
 void SetTerminalCue(const wchar_t* cue) {
@@ -73,6 +87,7 @@ void RunInOutputPane() {
     }
     OutputPaneAppend((L"--- Running: " + program + L" ---\r\n").c_str(), 0);
     OutputPaneAppend(RunDoubt(LastBuild(), SourceIsModified(program)).c_str(), kLineYellow);
+    SayConsoleKeys(program);
     const std::wstring folder = FolderOf(program);
     OutputFeedBegin({.diagnostics = false});  // what a program prints may look like a diagnostic
     DWORD error = 0;
@@ -87,6 +102,10 @@ void RunInOutputPane() {
     SetTerminalCue(L"Input of the program: Enter sends a line, Ctrl+Z ends the input");
     SetFocus(g_compile.hTerminal);
     g_events.statusText(L"Program runs in the output pane");
+}
+
+void ProgramWatchInput() {
+    if (ProgramInputIsDoubtful()) OutputFeedMessage(UnreadInputText(), kLineYellow);
 }
 
 void RunBuiltProgram(const std::wstring& program) {

@@ -206,6 +206,11 @@ TEST(BuildSequence, AnOldProgramIsNoNewOne) {
     EXPECT_NE(RunDoubt(last, true), L"");
     last.programWritten = false;
     EXPECT_NE(RunDoubt(last, true), RunDoubt({}, true));
+    PeImage program;
+    program.imports[0x2000] = "kernel32!ReadConsoleW";
+    EXPECT_EQ(ConsoleKeysText(program), L"") << "runtimes import it for ordinary input";
+    program.imports[0x2008] = "msvcrt!_getch";
+    EXPECT_NE(ConsoleKeysText(program), L"");
     EXPECT_EQ(Narrow(ProgramEndText({.exitCode = 0xC0000005})), "--- Program ended (exit code 0xC0000005) ---\n");
 }
 

@@ -81,6 +81,8 @@ TEST(BuildGuards, AProgramRunsInTheOutputPane) {
     EXPECT_EQ(CountProcesses(L"kvxpane.exe"), 0);
     folder.Write(L"fake.txt", "await " + Utf8(folder.File(L"go")) + "\n");
     editor.Do(IDM_RUN_IN_OUTPUT);
+    TypeInTerminal(editor, L"unread");
+    EXPECT_TRUE(editor.AwaitOutput(L"unread\nThe program has not read this input.")) << Utf8(editor.Output());
     SendMessageW(terminal, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"not"));
     folder.Write(L"go", "");
     EXPECT_TRUE(editor.AwaitOutput(L"--- Program ended (exit code 0) ---\n")) << Utf8(editor.Output());
