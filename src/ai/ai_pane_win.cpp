@@ -4,6 +4,7 @@
 #include "ai/ai_state.h"
 #include "output/output_pane.h"
 #include "resources/ids.h"
+#include "ui/control_theme.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
 #include "ui/rich_lines.h"
@@ -32,8 +33,10 @@ HWND AiPaneCreate(HWND parent, int controlId) {
 void AiPaneApplyTheme() {
     PaneApplyFontAndTheme(g_ai.hAiChat);
     RichScrollToLeft(g_ai.hAiChat);
-    for (HWND child : {g_ai.hAiInput, g_ai.hAiSend})
+    for (HWND child : {g_ai.hAiInput, g_ai.hAiSend}) {
         SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), TRUE);
+        ControlApplyTheme(child);
+    }
 }
 
 std::vector<PanePart> AiPaneParts(const PaneRect& area) {

@@ -12,7 +12,9 @@
 #include "output/output_pane.h"
 #include "resources/ids.h"
 #include "session/project_tree.h"
+#include "ui/control_theme.h"
 #include "ui/dpi.h"
+#include "ui/fonts.h"
 #include "ui/rich_lines.h"
 
 #include <commctrl.h>
@@ -41,8 +43,12 @@ HWND CreateTerminal(HWND parent, int controlId) {
                         parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_app.hInstance, nullptr);
     if (line == nullptr) return nullptr;
     SetWindowSubclass(line, TerminalSubclassProc, 1, 0);
-    SendMessageW(line, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
     return line;
+}
+
+void ApplyTerminalTheme() {
+    SendMessageW(g_app.hTerminal, WM_SETFONT, reinterpret_cast<WPARAM>(UiStockFont()), FALSE);
+    ControlApplyTheme(g_app.hTerminal);
 }
 
 void FocusTerminal() { SetFocus(g_app.hTerminal); }  // it was opened to type a command
@@ -91,6 +97,7 @@ constexpr PaneSpec kPanes[] = {
      .controlId = IDC_TERMINAL,
      .window = &g_app.hTerminal,
      .create = CreateTerminal,
+     .applyTheme = ApplyTerminalTheme,
      .setting = &Settings::showTerminal,
      .command = IDM_VIEW_TERMINAL,
      .onShown = FocusTerminal},

@@ -10,6 +10,7 @@
 #include "resources/ids.h"
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
+#include "ui/control_theme.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
 #include "ui/paint.h"
@@ -252,6 +253,7 @@ void ToolbarApplyTheme() {
     SendMessageW(g_commands.hToolbar, TB_SETINDENT, static_cast<WPARAM>(UiScaled(kBarPadding)), 0);
     SendMessageW(g_commands.hToolbar, TB_SETBUTTONSIZE, 0, MAKELPARAM(UiScaled(kButtonSize), UiScaled(kButtonSize)));
     SendMessageW(g_commands.hToolbar, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
+    TooltipApplyTheme(reinterpret_cast<HWND>(SendMessageW(g_commands.hToolbar, TB_GETTOOLTIPS, 0, 0)));
     ToolbarUpdateCompiler();
     SizeButtons();
     FitButtons();

@@ -7,6 +7,7 @@
 #include "documents/document_row.h"
 #include "resources/ids.h"
 #include "ui/chrome.h"
+#include "ui/control_theme.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
 #include "ui/paint.h"
@@ -333,6 +334,7 @@ void DebugPaneApplyTheme() {
     if (g_frame.pane == nullptr) return;
     InlineEditCancel();
     SendMessageW(g_frame.address, WM_SETFONT, reinterpret_cast<WPARAM>(UiFixedFont()), FALSE);
+    ControlApplyTheme(g_frame.address);
     TabRowApplyTheme(g_frame.tabs);
     ListViewApplyTheme(g_frame.list);
     PaneMemoryApplyTheme();

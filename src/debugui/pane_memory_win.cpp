@@ -10,11 +10,11 @@
 #include "resources/ids.h"
 #include "ui/chrome.h"
 #include "ui/clipboard.h"
+#include "ui/control_theme.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
 #include "ui/paint.h"
 
-#include <uxtheme.h>
 #include <windowsx.h>
 
 #include <algorithm>
@@ -293,7 +293,7 @@ HWND PaneMemoryCreate(HWND parent) {
 int PaneMemoryLineHeight() { return UiSizes().fixedHeight + UiScaled(kRowBlank); }
 
 void PaneMemoryApplyTheme() {
-    SetWindowTheme(g_memory.window, ThemeIsDark() ? L"DarkMode_Explorer" : L"Explorer", nullptr);
+    ScrollBarsApplyTheme(g_memory.window);
     RECT client = {};
     GetClientRect(g_memory.window, &client);
     OnMemorySize(client.right, client.bottom);

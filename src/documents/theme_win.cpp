@@ -13,11 +13,10 @@
 #include "scintilla/scintilla_library.h"
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
+#include "ui/control_theme.h"
 #include "ui/dpi.h"
 #include "ui/theme_table.h"
 #include "ui/ui_state.h"
-
-#include <uxtheme.h>
 
 #include <cstring>
 #include <string>
@@ -97,8 +96,7 @@ void SyntaxThemeApply(HWND editor, std::uint32_t compilerId, const wchar_t* path
     DefineDot(editor, kMarkFolded, theme.chrome.error, theme.palette.margin);
     SendAll(editor, MarginMessages(folding, theme.dpi));
     if (folding) SendAll(editor, FoldMessages(theme));
-    // Colours the scroll bars. A system without this dark theme keeps its own scroll bars.
-    SetWindowTheme(editor, ThemeIsDark() ? L"DarkMode_Explorer" : L"Explorer", nullptr);
+    ScrollBarsApplyTheme(editor);
 }
 
 void SyntaxThemeApplyDefault(HWND editor, std::uint32_t compilerId) {

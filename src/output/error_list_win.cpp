@@ -6,12 +6,12 @@
 #include "output/output_state.h"
 #include "resources/ids.h"
 #include "ui/chrome.h"
+#include "ui/control_theme.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
 #include "ui/list_header.h"
 
 #include <commctrl.h>
-#include <uxtheme.h>
 
 #include <array>
 #include <iterator>
@@ -60,7 +60,7 @@ void ApplyTheme(HWND list) {
     SendMessageW(list, LVM_SETTEXTBKCOLOR, 0, static_cast<LPARAM>(chrome.paneBack));
     SendMessageW(list, LVM_SETTEXTCOLOR, 0, static_cast<LPARAM>(chrome.paneText));
     SendMessageW(list, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
-    SetWindowTheme(list, ThemeIsDark() ? L"DarkMode_Explorer" : L"Explorer", nullptr);
+    ScrollBarsApplyTheme(list);
     ListHeaderApplyTheme(list);
 }
 

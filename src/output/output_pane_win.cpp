@@ -6,6 +6,7 @@
 #include "output/show_timer.h"
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
+#include "ui/control_theme.h"
 #include "ui/dpi.h"
 #include "ui/menu.h"
 #include "ui/rich_lines.h"
@@ -88,6 +89,7 @@ void FormatPane(HWND pane) {
     SendMessageW(pane, EM_SETMARGINS, EC_LEFTMARGIN | EC_RIGHTMARGIN, MAKELPARAM(margin, margin));
     SendMessageW(pane, EM_SETBKGNDCOLOR, 0, static_cast<LPARAM>(ThemeCurrentChrome().paneBack));
     SetFormat(pane, SCF_DEFAULT);
+    ScrollBarsApplyTheme(pane);
 }
 
 // Empties the pane. A pane with a long text is replaced, so `g_output.hOutput` may be another window afterwards.

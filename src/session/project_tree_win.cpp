@@ -15,6 +15,7 @@
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
 #include "ui/clipboard.h"
+#include "ui/control_theme.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
 #include "ui/menu.h"
@@ -314,6 +315,7 @@ void ProjectTreeApplyTheme() {
         g_tree.icons = icons;
     }
     TreeView_SetItemHeight(Tree(), UiScaled(22));
+    ScrollBarsApplyTheme(Tree());
     InvalidateRect(Tree(), nullptr, TRUE);
 }
 

@@ -6,6 +6,7 @@
 #include "documents/document_row.h"
 #include "tabs/tab_bar_internal.h"
 #include "tabs/tabs_state.h"
+#include "ui/control_theme.h"
 #include "ui/fonts.h"
 #include "ui/ui_state.h"
 
@@ -76,6 +77,7 @@ void TabBarInit(HWND tabControl) {
     if (!TabBarInstallSubclass(tabControl)) AppLogMsg(L"FAIL: TabBarInit: no subclass");
     ApplyTabFont();
     TabBarUpdateWidths();
+    TooltipApplyTheme(g_tabBar.tooltip);
 }
 
 void TabBarOnOpened(DocumentId document) {

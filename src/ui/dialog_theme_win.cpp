@@ -2,12 +2,10 @@
 
 #include "files/libraries.h"
 #include "ui/chrome.h"
-#include "ui/dpi.h"
-#include "ui/fonts.h"
+#include "ui/control_theme.h"
 #include "ui/paint.h"
 
 #include <commctrl.h>
-#include <uxtheme.h>
 
 #include <iterator>
 
@@ -23,67 +21,8 @@ bool IsOfClass(HWND window, const wchar_t* name) {
     return lstrcmpiW(found, name) == 0;
 }
 
-LONG_PTR ButtonType(HWND button) { return GetWindowLongPtrW(button, GWL_STYLE) & BS_TYPEMASK; }
-bool IsPushButton(HWND button) { return ButtonType(button) == BS_PUSHBUTTON || ButtonType(button) == BS_DEFPUSHBUTTON; }
-
-// ---------------------------------------------------------------------------------------------------- push buttons
-
-void PaintButton(HWND button) {
-    const ThemeChrome& chrome = ThemeCurrentChrome();
-    const BufferedPaint paint(button);
-    const LRESULT state = SendMessageW(button, BM_GETSTATE, 0, 0);
-    const bool on = IsWindowEnabled(button) != FALSE;
-    const bool focused = (state & BST_FOCUS) != 0;
-    const bool down = (state & BST_PUSHED) != 0;
-    RECT area = paint.Client();
-    FillArea(paint.Dc(), area, down ? chrome.line : chrome.hover);
-    FrameArea(paint.Dc(), area,
-              on && (focused || ButtonType(button) == BS_DEFPUSHBUTTON) ? chrome.accent : chrome.line);
-    wchar_t text[128] = {};
-    GetWindowTextW(button, text, static_cast<int>(std::size(text)));
-    const auto font = reinterpret_cast<HFONT>(SendMessageW(button, WM_GETFONT, 0, 0));
-    const HGDIOBJ oldFont = SelectObject(paint.Dc(), font != nullptr ? font : UiFont());
-    SetBkMode(paint.Dc(), TRANSPARENT);
-    SetTextColor(paint.Dc(), on ? chrome.paneText : ThemeQuietText());
-    const bool hidesKeys = (SendMessageW(button, WM_QUERYUISTATE, 0, 0) & UISF_HIDEACCEL) != 0;
-    DrawTextW(paint.Dc(), text, -1, &area, DT_CENTER | DT_VCENTER | DT_SINGLELINE | (hidesKeys ? DT_HIDEPREFIX : 0U));
-    SelectObject(paint.Dc(), oldFont);
-    InflateRect(&area, -UiScaled(3), -UiScaled(3));
-    if (focused && (SendMessageW(button, WM_QUERYUISTATE, 0, 0) & UISF_HIDEFOCUS) == 0)
-        DrawFocusRect(paint.Dc(), &area);
-}
-
-LRESULT CALLBACK ButtonProc(HWND button, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
-    if (message == WM_NCDESTROY) RemoveWindowSubclass(button, ButtonProc, id);
-    if (!ThemeIsDark()) return DefSubclassProc(button, message, wParam, lParam);
-    switch (message) {
-        case WM_ERASEBKGND: return 1;
-        case WM_PAINT: PaintButton(button); return 0;
-        case BM_SETSTATE:
-        case BM_SETSTYLE:
-        case WM_SETFOCUS:
-        case WM_KILLFOCUS:
-        case WM_ENABLE:
-        case WM_SETTEXT:
-        case WM_UPDATEUISTATE: {  // the control may draw itself at once
-            const LRESULT result = DefSubclassProc(button, message, wParam, lParam);
-            InvalidateRect(button, nullptr, FALSE);
-            return result;
-        }
-        default: return DefSubclassProc(button, message, wParam, lParam);
-    }
-}
-
-// --------------------------------------------------------------------------------------------------------- dialogs
-
 BOOL CALLBACK ThemeChild(HWND child, LPARAM) {
-    const bool dark = ThemeIsDark();
-    if (IsOfClass(child, WC_BUTTONW)) {
-        if (IsPushButton(child))
-            SetWindowSubclass(child, ButtonProc, kSubclassId, 0);
-        else  // a check box with a theme ignores the colour of the text
-            SetWindowTheme(child, dark ? L"" : nullptr, dark ? L"" : nullptr);
-    }
+    ControlApplyTheme(child);
     return TRUE;
 }
 
@@ -145,7 +84,7 @@ BOOL CALLBACK RenewWindow(HWND window, LPARAM) {
     const auto kind = reinterpret_cast<DWORD_PTR>(GetPropW(window, kKindProperty));
     if (kind == 0) return TRUE;
     ThemeDialog(window, static_cast<DialogKind>(kind));
-    RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+    RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
     return TRUE;
 }
 

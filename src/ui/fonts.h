@@ -1,4 +1,4 @@
-// The two fonts of the frame and its panes, and their sizes. Callers must not delete the fonts. UI thread only.
+// The fonts of the frame and its panes, and their sizes. Callers must not delete the fonts. UI thread only.
 #pragma once
 
 #include <windows.h>
@@ -7,6 +7,8 @@
 HFONT UiFont();
 // The fixed-pitch font of the setting OutputFont at the current DPI.
 HFONT UiFixedFont();
+// DEFAULT_GUI_FONT at the current DPI.
+HFONT UiStockFont();
 
 // In pixels.
 struct UiFontSizes {
@@ -17,7 +19,7 @@ struct UiFontSizes {
 };
 const UiFontSizes& UiSizes();
 
-// Makes both fonts anew, after a change of the DPI, of the system's font or of the setting. The old fonts stay valid
+// Makes the fonts anew, after a change of the DPI, of the system's font or of the setting. The old fonts stay valid
 // until the next call, because windows use them until they get the new ones.
 void UiFontsRenew();
 

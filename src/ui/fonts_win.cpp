@@ -10,9 +10,10 @@
 namespace {
 
 struct UiFonts {
-    UniqueFont text, fixed;
+    UniqueFont text, fixed, stock;
     UiFontSizes sizes;
 };
+constexpr int kStockFontPoints = 8;  // its height may be that of another DPI
 UiFonts g_fonts;
 UiFonts g_oldFonts;  // windows may still use them
 
@@ -27,6 +28,13 @@ HFONT MakeFixedFont() {
     return CreateFontW(UiFontHeight(g_settings.outputFontSize), 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE,
                        DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY,
                        FIXED_PITCH | FF_MODERN, g_settings.outputFont);
+}
+
+HFONT MakeStockFont() {
+    LOGFONTW description = {};
+    GetObjectW(GetStockObject(DEFAULT_GUI_FONT), sizeof(description), &description);
+    description.lfHeight = UiFontHeight(kStockFontPoints);
+    return CreateFontIndirectW(&description);
 }
 
 void MeasureFont(HDC dc, HFONT font, int* width, int* height) {
@@ -60,10 +68,15 @@ HFONT UiFont() { return Fonts().text.Get(); }
 
 HFONT UiFixedFont() { return Fonts().fixed.Get(); }
 
+HFONT UiStockFont() {
+    if (!g_fonts.stock) g_fonts.stock.Reset(MakeStockFont());
+    return g_fonts.stock.Get();
+}
+
 const UiFontSizes& UiSizes() { return Fonts().sizes; }
 
 void UiFontsRenew() {
-    if (g_fonts.text) g_oldFonts = std::exchange(g_fonts, {});
+    if (g_fonts.text || g_fonts.stock) g_oldFonts = std::exchange(g_fonts, {});
 }
 
 int UiTextWidth(const wchar_t* text, int length) {

@@ -3,6 +3,7 @@
 #include "base/events.h"
 #include "base/log.h"
 #include "ui/chrome.h"
+#include "ui/control_theme.h"
 #include "ui/fonts.h"
 #include "ui/paint.h"
 #include "ui/ui_state.h"
@@ -102,6 +103,7 @@ void InlineEditBegin(HWND list, const RECT& cell, const std::wstring& text, bool
     g_edit = {edit, std::move(commit), append ? std::wstring{} : text, false};
     SendMessageW(edit, WM_SETFONT, reinterpret_cast<WPARAM>(UiFixedFont()), FALSE);
     SetWindowSubclass(edit, InlineEditProc, kSubclassId, 0);
+    ControlApplyTheme(edit);
     SendMessageW(edit, EM_SETSEL, append ? text.size() : 0, append ? static_cast<LPARAM>(text.size()) : -1);
     SetFocus(edit);
 }

@@ -2,13 +2,12 @@
 #include "ui/list_view.h"
 
 #include "ui/chrome.h"
+#include "ui/control_theme.h"
 #include "ui/dpi.h"
 #include "ui/fit.h"
 #include "ui/fonts.h"
 #include "ui/list_internal.h"
 #include "ui/redraw.h"
-
-#include <uxtheme.h>
 
 #include <algorithm>
 
@@ -166,7 +165,7 @@ void ListViewApplyTheme(ListView& list) {
     ListViewSend(list, LVM_SETTEXTBKCOLOR, 0, static_cast<LPARAM>(chrome.paneBack));
     ListViewSend(list, LVM_SETTEXTCOLOR, 0, static_cast<LPARAM>(chrome.paneText));
     ListViewSend(list, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
-    SetWindowTheme(list.window, ThemeIsDark() ? L"DarkMode_Explorer" : L"Explorer", nullptr);
+    ScrollBarsApplyTheme(list.window);
     const int line = std::max(UiSizes().textHeight, UiSizes().fixedHeight) + UiScaled(kRowBlank);
     const HIMAGELIST height = ImageList_Create(1, line, ILC_COLOR, 1, 1);
     if (height == nullptr) return;

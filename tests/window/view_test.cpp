@@ -168,6 +168,10 @@ TEST(View, TheDarkThemeReachesMenusDialogsAndHeaders) {
             editor.Post(command);
             const Dialog dialog = editor.AwaitDialog(title);
             EXPECT_TRUE(fits(dialog.window, 12, caption + 6)) << Utf8(title);
+            if (command == IDM_DEBUG_EXCEPTIONS) {
+                EXPECT_TRUE(fits(GetDlgItem(dialog.window, IDC_EXCEPTIONS_CODE), 0, 5)) << "frame of a field";
+                EXPECT_TRUE(fits(GetDlgItem(dialog.window, IDC_EXCEPTIONS_PASS), 6, 10)) << "box of a check box";
+            }
             editor.Press(dialog, command == IDM_HELP_ABOUT ? IDOK : IDCANCEL);
         }
     }

@@ -1,0 +1,13 @@
+// The dark theme of the system's own controls: frames, scroll bars, buttons, boxes and arrows. In the light theme the
+// system draws all of them. UI thread only.
+#pragma once
+
+#include <windows.h>
+
+// Gives a control the looks of the present theme. Called once after its creation and after each change of the theme. A
+// control of another class keeps its looks.
+void ControlApplyTheme(HWND control);
+// Asks the system for scroll bars of the present theme. Older systems have no dark ones and keep the light ones.
+void ScrollBarsApplyTheme(HWND window);
+// Null is no tooltip.
+void TooltipApplyTheme(HWND tooltip);

@@ -1,0 +1,221 @@
+#include "ui/control_theme.h"
+
+#include "ui/chrome.h"
+#include "ui/dpi.h"
+#include "ui/fonts.h"
+#include "ui/paint.h"
+#include "ui/window_text.h"
+
+#include <commctrl.h>
+#include <uxtheme.h>
+
+#include <algorithm>
+#include <iterator>
+#include <string>
+
+namespace {
+
+constexpr UINT_PTR kSubclassId = 0x4B43;
+constexpr int kBoxSize = 13;  // at 96 dpi, like the next one
+constexpr int kBoxGap = 5;
+// What the program draws of a control. The frame of kFramed belongs to its non-client area; kCombo has one of its own.
+enum ControlKind : DWORD_PTR { kPushButton, kBox, kCombo, kFramed, kOther };
+
+ControlKind KindOfButton(HWND button) {
+    switch (GetWindowLongPtrW(button, GWL_STYLE) & BS_TYPEMASK) {
+        case BS_PUSHBUTTON:
+        case BS_DEFPUSHBUTTON: return kPushButton;
+        case BS_CHECKBOX:
+        case BS_AUTOCHECKBOX: return kBox;
+        default: return kOther;
+    }
+}
+
+ControlKind KindOfControl(HWND control) {
+    wchar_t name[32] = {};
+    GetClassNameW(control, name, static_cast<int>(std::size(name)));
+    if (lstrcmpiW(name, WC_BUTTONW) == 0) return KindOfButton(control);
+    if (lstrcmpiW(name, WC_COMBOBOXW) == 0) return kCombo;
+    const bool framed = (GetWindowLongPtrW(control, GWL_STYLE) & WS_BORDER) != 0 ||
+                        (GetWindowLongPtrW(control, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) != 0;
+    const bool isField = lstrcmpiW(name, WC_EDITW) == 0 || lstrcmpiW(name, WC_LISTBOXW) == 0 ||
+                         lstrcmpiW(name, L"ComboLBox") == 0;  // the list of a combo box
+    return framed && isField ? kFramed : kOther;
+}
+
+bool HasFocus(HWND control) {
+    const HWND focus = GetFocus();
+    return focus == control || (focus != nullptr && GetParent(focus) == control);
+}
+
+// ---------------------------------------------------------------------------------------------------------- drawing
+
+// The text of a button, and the focus rectangle within `focusArea`.
+void DrawButtonText(HWND button, HDC dc, RECT area, UINT format, const RECT& focusArea) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    const auto font = reinterpret_cast<HFONT>(SendMessageW(button, WM_GETFONT, 0, 0));
+    const LRESULT hidden = SendMessageW(button, WM_QUERYUISTATE, 0, 0);
+    const HGDIOBJ oldFont = SelectObject(dc, font != nullptr ? font : UiFont());
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, IsWindowEnabled(button) ? chrome.paneText : ThemeQuietText());
+    DrawTextW(dc, WindowText(button).c_str(), -1, &area,
+              DT_VCENTER | DT_SINGLELINE | format | ((hidden & UISF_HIDEACCEL) != 0 ? DT_HIDEPREFIX : 0U));
+    if (HasFocus(button) && (hidden & UISF_HIDEFOCUS) == 0) DrawFocusRect(dc, &focusArea);
+    SelectObject(dc, oldFont);
+}
+
+void PaintPushButton(HWND button) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    const BufferedPaint paint(button);
+    const bool isDefault = (GetWindowLongPtrW(button, GWL_STYLE) & BS_TYPEMASK) == BS_DEFPUSHBUTTON;
+    const bool accent = IsWindowEnabled(button) && (isDefault || HasFocus(button));
+    const bool down = (SendMessageW(button, BM_GETSTATE, 0, 0) & BST_PUSHED) != 0;
+    const RECT& area = paint.Client();
+    FillArea(paint.Dc(), area, down ? chrome.line : chrome.hover);
+    FrameArea(paint.Dc(), area, accent ? chrome.accent : chrome.line);
+    RECT inner = area;
+    InflateRect(&inner, -UiScaled(3), -UiScaled(3));
+    DrawButtonText(button, paint.Dc(), area, DT_CENTER, inner);
+}
+
+void DrawTick(HDC dc, const RECT& box, COLORREF colour) {
+    const int size = box.right - box.left;
+    const auto at = [&](int x, int y) { return POINT{box.left + size * x / 13, box.top + size * y / 13}; };
+    const POINT corners[] = {at(3, 6), at(5, 9), at(10, 3)};
+    DrawPolyline(dc, corners, colour, UiScaled(2));
+}
+
+void PaintBox(HWND button) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    const BufferedPaint paint(button);
+    const LRESULT state = SendMessageW(button, BM_GETSTATE, 0, 0);
+    const RECT& area = paint.Client();
+    const int size = UiScaled(kBoxSize);
+    const int top = (area.bottom - size) / 2;
+    const RECT box = {0, top, size, top + size};
+    FillArea(paint.Dc(), area, chrome.windowBack);
+    FillArea(paint.Dc(), box, (state & BST_PUSHED) != 0 ? chrome.hover : chrome.paneBack);
+    FrameArea(paint.Dc(), box, HasFocus(button) ? chrome.accent : ThemeQuietText());
+    if ((state & BST_CHECKED) != 0)
+        DrawTick(paint.Dc(), box, IsWindowEnabled(button) ? chrome.accent : ThemeQuietText());
+    const RECT text = {size + UiScaled(kBoxGap), 0, area.right, area.bottom};
+    const RECT focusArea = {text.left - UiScaled(2), 0, area.right, area.bottom};
+    DrawButtonText(button, paint.Dc(), text, DT_LEFT, focusArea);
+}
+
+// The field within is a window of its own, which WS_CLIPCHILDREN leaves alone.
+void PaintCombo(HWND combo) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    COMBOBOXINFO info = {};
+    info.cbSize = sizeof(info);
+    GetComboBoxInfo(combo, &info);
+    const BufferedPaint paint(combo);
+    RECT area = paint.Client();
+    FillArea(paint.Dc(), area, chrome.paneBack);
+    FrameArea(paint.Dc(), area, HasFocus(combo) ? chrome.accent : chrome.line);
+    DrawDropArrow(paint.Dc(), info.rcButton, info.rcButton.right - info.rcButton.left, chrome.paneText);
+}
+
+// Draws the frame over that of the system, which has drawn the scroll bars too.
+void DrawFrame(HWND control) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    const bool sunken = (GetWindowLongPtrW(control, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) != 0;
+    const HDC dc = GetWindowDC(control);
+    if (dc == nullptr) return;
+    RECT frame = {};
+    GetWindowRect(control, &frame);
+    OffsetRect(&frame, -frame.left, -frame.top);
+    FrameArea(dc, frame, HasFocus(control) ? chrome.accent : chrome.line);
+    for (int edge = sunken ? GetSystemMetrics(SM_CXEDGE) : GetSystemMetrics(SM_CXBORDER); edge > 1; --edge) {
+        InflateRect(&frame, -1, -1);
+        FrameArea(dc, frame, chrome.paneBack);
+    }
+    ReleaseDC(control, dc);
+}
+
+// ----------------------------------------------------------------------------------------------------- the subclass
+
+void PaintControl(HWND control, ControlKind kind) {
+    switch (kind) {
+        case kPushButton: PaintPushButton(control); break;
+        case kBox: PaintBox(control); break;
+        default: PaintCombo(control); break;
+    }
+}
+
+// Whether the control may draw itself at this message, without a WM_PAINT.
+bool DrawsAtOnce(UINT message, ControlKind kind) {
+    switch (message) {
+        case BM_SETSTATE:
+        case BM_SETSTYLE:
+        case BM_SETCHECK:
+        case WM_SETFOCUS:
+        case WM_KILLFOCUS:
+        case WM_ENABLE:
+        case WM_SETTEXT:
+        case WM_UPDATEUISTATE: return true;
+        case WM_COMMAND:  // the focus of the field within
+        case WM_LBUTTONDOWN:
+        case WM_LBUTTONUP:
+        case WM_MOUSEMOVE:
+        case WM_CAPTURECHANGED:
+        case CB_SHOWDROPDOWN: return kind == kCombo;
+        default: return false;
+    }
+}
+
+LRESULT PassAndRepaint(HWND control, UINT message, WPARAM wParam, LPARAM lParam, ControlKind kind) {
+    const LRESULT result = DefSubclassProc(control, message, wParam, lParam);
+    if (kind == kFramed)
+        DrawFrame(control);
+    else
+        InvalidateRect(control, nullptr, FALSE);
+    return result;
+}
+
+LRESULT CALLBACK ControlProc(HWND control, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR data) {
+    const auto kind = static_cast<ControlKind>(data);
+    if (message == WM_NCDESTROY) RemoveWindowSubclass(control, ControlProc, id);
+    if (!ThemeIsDark()) return DefSubclassProc(control, message, wParam, lParam);
+    if (message == WM_NCPAINT && kind == kFramed) return PassAndRepaint(control, message, wParam, lParam, kind);
+    if (DrawsAtOnce(message, kind)) return PassAndRepaint(control, message, wParam, lParam, kind);
+    if (kind == kFramed) return DefSubclassProc(control, message, wParam, lParam);
+    switch (message) {
+        case WM_ERASEBKGND: return 1;
+        case WM_PAINT: PaintControl(control, kind); return 0;
+        default: return DefSubclassProc(control, message, wParam, lParam);
+    }
+}
+
+void ThemeCombo(HWND combo) {
+    SetWindowLongPtrW(combo, GWL_STYLE, GetWindowLongPtrW(combo, GWL_STYLE) | WS_CLIPCHILDREN);
+    COMBOBOXINFO info = {};
+    info.cbSize = sizeof(info);
+    if (GetComboBoxInfo(combo, &info) && info.hwndList != nullptr) ControlApplyTheme(info.hwndList);
+}
+
+}  // namespace
+
+void ControlApplyTheme(HWND control) {
+    if (control == nullptr) return;
+    const ControlKind kind = KindOfControl(control);
+    if (kind == kOther) return;
+    SetWindowSubclass(control, ControlProc, kSubclassId, kind);  // setting it again changes nothing
+    if (kind == kCombo) ThemeCombo(control);
+    if (kind == kFramed) ScrollBarsApplyTheme(control);
+    RedrawWindow(control, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_ERASE);
+}
+
+void ScrollBarsApplyTheme(HWND window) {
+    if (window != nullptr) SetWindowTheme(window, ThemeIsDark() ? L"DarkMode_Explorer" : L"Explorer", nullptr);
+}
+
+// A tooltip with a visual style would not take the colours.
+void TooltipApplyTheme(HWND tooltip) {
+    if (tooltip == nullptr) return;
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    const bool dark = ThemeIsDark();
+    SetWindowTheme(tooltip, dark ? L"" : nullptr, dark ? L"" : nullptr);
+    SendMessageW(tooltip, TTM_SETTIPBKCOLOR, dark ? chrome.paneBack : GetSysColor(COLOR_INFOBK), 0);
+    SendMessageW(tooltip, TTM_SETTIPTEXTCOLOR, dark ? chrome.paneText : GetSysColor(COLOR_INFOTEXT), 0);
+}
