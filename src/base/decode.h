@@ -2,6 +2,10 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
+
+// The bytes with which characters of two bytes begin in a code page, for WholeDoubleBytes. Empty for most code pages.
+std::string LeadBytesOf(unsigned codePage);
 
 // Decodes the bytes as UTF-8, as the ANSI or as the OEM code page: the first one of these that can decode every byte is
 // taken. If none can, the ANSI code page is taken, with replacements. NUL bytes are left out, because the text after

@@ -31,6 +31,13 @@ wchar_t* Decode(const char* bytes, std::size_t count, std::span<const UINT> code
 
 }  // namespace
 
+std::string LeadBytesOf(unsigned codePage) {
+    std::string bytes;
+    for (int byte = 0x80; byte <= 0xFF; ++byte)
+        if (IsDBCSLeadByteEx(codePage, static_cast<BYTE>(byte)) != FALSE) bytes += static_cast<char>(byte);
+    return bytes;
+}
+
 wchar_t* DecodeCompilerText(const char* bytes, std::size_t count) {
     constexpr UINT codePages[] = {CP_UTF8, CP_ACP, CP_OEMCP};
     return Decode(bytes, count, codePages);

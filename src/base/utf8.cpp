@@ -117,6 +117,17 @@ std::wstring Utf8ToWideText(std::string_view utf8) {
     return out;
 }
 
+std::size_t WholeDoubleBytes(std::string_view bytes, std::string_view leadBytes) {
+    if (leadBytes.empty()) return bytes.size();
+    std::size_t at = 0;
+    while (at < bytes.size()) {
+        const std::size_t width = leadBytes.find(bytes[at]) != std::string_view::npos ? 2 : 1;
+        if (width > bytes.size() - at) break;
+        at += width;
+    }
+    return at;
+}
+
 char* WideToUtf8(const wchar_t* wide) { return wide == nullptr ? nullptr : TerminatedBlock(ToUtf8(wide)); }
 
 wchar_t* Utf8ToWide(const char* utf8) { return utf8 == nullptr ? nullptr : TerminatedBlock(Utf8ToWideText(utf8)); }

@@ -14,7 +14,10 @@ std::wstring Utf8ToWideText(std::string_view utf8);
 // character whose other bytes come with the next piece.
 std::size_t WholeCharacters(std::string_view bytes);
 
-// The same for terminated text. They return a new block that the caller frees with free(), or null for null and when
+// The same for a code page in which some characters have two bytes; `leadBytes` are the first bytes of these.
+std::size_t WholeDoubleBytes(std::string_view bytes, std::string_view leadBytes);
+
+// ToUtf8 and Utf8ToWideText for terminated text. They return a new block that the caller frees with free(), or null for null and when
 // memory runs out.
 char* WideToUtf8(const wchar_t* wide);
 wchar_t* Utf8ToWide(const char* utf8);

@@ -42,7 +42,8 @@ struct Reader {
     ReadCourse course;
     UniqueHandle readDone;  // event
     BuildLog log;
-    std::string held;  // the start of a character, which waits for its other bytes
+    std::string leadBytes;  // of the code page of the output
+    std::string held;       // the start of a character, which waits for its other bytes
 };
 
 DWORD MsLeft(const Reader& reader) { return ReadMsLeft(reader.course, GetTickCount64()); }
@@ -55,7 +56,7 @@ void PostText(const Reader& reader, HeapBlock<wchar_t> text, LPARAM colour) {
 // Posts the bytes read, for which a credit was taken. With `last`, nothing is held back.
 void PostBytes(Reader& reader, std::string_view bytes, bool last) {
     reader.held += bytes;
-    const std::size_t count = last ? reader.held.size() : ReadDecodable(reader.held);
+    const std::size_t count = last ? reader.held.size() : ReadDecodable(reader.held, reader.leadBytes);
     HeapBlock<wchar_t> text(StageIsOfBuild(reader.request.stage) ? DecodeCompilerText(reader.held.data(), count)
                                                                  : DecodeConsoleText(reader.held.data(), count));
     reader.held.erase(0, count);
@@ -250,6 +251,7 @@ void CompilerThread(ReaderRequest& request, const WorkerCancel& cancel) {
     }
     if (request.limitMs != INFINITE) reader.course.deadline = GetTickCount64() + request.limitMs;
     if (request.stage == BuildStage::Compile) reader.course.silenceMs = request.limitMs;
+    reader.leadBytes = LeadBytesOf(StageIsOfBuild(request.stage) ? CP_ACP : CP_OEMCP);
     reader.readDone.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     reader.log = BuildLogOpen(request.logPath);
     BuildLogWrite(reader.log, request.logHeader);

@@ -4,6 +4,7 @@
 #include "compile/build_plan.h"
 #include "documents/document_row.h"
 #include "files/file_io.h"
+#include "files/file_turn.h"
 #include "files/session_file.h"
 #include "files/user_folder.h"
 
@@ -17,6 +18,7 @@ namespace {
 constexpr std::size_t kMostNotes = 8 * 1024 * 1024;         // bytes of the notes
 constexpr std::uint64_t kLongestCopied = 16 * 1024 * 1024;  // bytes of a file that is copied before a build
 constexpr int kKeptNames = 9;
+constexpr wchar_t kNotesTurn[] = L"Products";
 
 struct WatchedFile {
     std::wstring path;
@@ -30,7 +32,8 @@ std::wstring NotesPath() {
     return folder.empty() ? folder : folder + L"Products.txt";
 }
 
-// The notes are read anew each time, because another editor may have built something.
+// The notes are read anew each time, because another editor may have built something. Who writes them afterwards reads
+// them within a FileTurn.
 std::vector<Product> ReadNotes() {
     std::string text;
     const std::wstring path = NotesPath();
@@ -104,6 +107,7 @@ ProductGuard ProductsBeforeBuild(const ProductPaths& paths) {
 
 std::vector<std::wstring> ProductsAfterBuild() {
     std::vector<std::wstring> lines;
+    const FileTurn turn(kNotesTurn);
     std::vector<Product> products = ReadNotes();
     bool changed = false;
     for (const WatchedFile& file : std::exchange(g_watched, {})) {
@@ -128,6 +132,7 @@ std::vector<std::wstring> ProductsAfterBuild() {
 void ProductNoteNow(const std::wstring& path) {
     const std::optional<FileStamp> now = StampNow(path);
     if (!now) return;
+    const FileTurn turn(kNotesTurn);
     std::vector<Product> products = ReadNotes();
     ProductNote(products, path, *now);
     WriteNotes(products);

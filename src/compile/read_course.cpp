@@ -29,9 +29,9 @@ ReadStep ReadPieceCame(ReadCourse& course, std::size_t bytes, ReadStep step, std
     return course.lateBytes > kReadLateBytes ? ReadStep::PipeEnd : ReadStep::Go;
 }
 
-std::size_t ReadDecodable(std::string_view bytes) {
+std::size_t ReadDecodable(std::string_view bytes, std::string_view leadBytes) {
     const std::size_t whole = WholeCharacters(bytes);
-    return IsValidUtf8Bytes(bytes.data(), whole) ? whole : bytes.size();
+    return IsValidUtf8Bytes(bytes.data(), whole) ? whole : WholeDoubleBytes(bytes, leadBytes);
 }
 
 BuildEnd ReadEndOf(ReadStep step) {

@@ -34,8 +34,9 @@ ReadStep ReadNothingCame(const ReadCourse& course, std::uint64_t now);
 ReadStep ReadPieceCame(ReadCourse& course, std::size_t bytes, ReadStep step, std::uint64_t now);
 
 // How many of the bytes read so far can be decoded now. The start of a UTF-8 character at their end waits for its other
-// bytes. It does not wait after bytes that are no UTF-8, because it is then a character of a code page.
-std::size_t ReadDecodable(std::string_view bytes);
+// bytes. In bytes that are no UTF-8 the first byte of a character of the code page waits for the second one; `leadBytes`
+// are the bytes with which such characters begin.
+std::size_t ReadDecodable(std::string_view bytes, std::string_view leadBytes);
 
 BuildEnd ReadEndOf(ReadStep step);
 // Whether the process is left running: a command that exceeded its time limit is, a compiler is ended.

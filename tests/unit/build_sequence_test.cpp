@@ -351,7 +351,11 @@ TEST(ReadCourse, APipeThatOthersHoldOpenIsLeft) {
     EXPECT_EQ(ReadMsLeft({}, 1), 0xFFFFFFFEU) << "no limit is no endless wait";
     for (const auto& [bytes, count] :
          {std::pair{"ab\xE2\x82", 2}, {"\xC3\xA9", 2}, {"\xC3", 0}, {"\xE9t\xE9", 3}, {"", 0}})
-        EXPECT_EQ(ReadDecodable(bytes), static_cast<std::size_t>(count)) << bytes;
+        EXPECT_EQ(ReadDecodable(bytes, ""), static_cast<std::size_t>(count)) << bytes;
+    // Code page 932, in which the second byte may look like a first one or like a letter.
+    for (const auto& [bytes, count] :
+         {std::pair{"a\x83", 1}, {"a\x83\x5C", 3}, {"\x83\x83\x83", 2}, {"\xE0\x83\x9F\xFC\xFC", 4}, {"\xB1\x83", 1}})
+        EXPECT_EQ(ReadDecodable(bytes, "\x81\x82\x83\x9F\xE0\xFC"), static_cast<std::size_t>(count)) << bytes;
     EXPECT_TRUE(ReadLeavesRunning(BuildStage::PostBuild, ReadEndOf(ReadStep::TimedOut)));
     EXPECT_FALSE(ReadLeavesRunning(BuildStage::Compile, ReadEndOf(ReadStep::TimedOut)));
     EXPECT_FALSE(ReadLeavesRunning(BuildStage::PreBuild, ReadEndOf(ReadStep::Stopped)));

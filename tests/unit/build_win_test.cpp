@@ -3,6 +3,7 @@
 #include "base/decode.h"
 #include "base/handles.h"
 #include "base/path.h"
+#include "compile/products.h"
 #include "compile/staging.h"
 #include "disasm/asm_feed.h"
 #include "files/file_io.h"
@@ -15,8 +16,11 @@
 #include <gtest/gtest.h>
 
 #include <deque>
+#include <filesystem>
+#include <fstream>
 #include <limits>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -24,6 +28,29 @@ namespace {
 std::wstring Decoded(std::string_view bytes) {
     const HeapBlock<wchar_t> text(DecodeCompilerText(bytes.data(), bytes.size()));
     return text ? text.get() : L"(none)";
+}
+
+// Two editors note their products at the same time.
+TEST(Products, TwoEditorsKeepEachOthersNotes) {
+    const TempFolder folder;
+    wchar_t before[1024] = {};
+    GetEnvironmentVariableW(L"LOCALAPPDATA", before, 1024);
+    SetEnvironmentVariableW(L"LOCALAPPDATA", folder.path.c_str());
+    const auto nameOf = [&](int editor, int i) {
+        return (folder.path / (std::to_wstring(editor) + L"-" + std::to_wstring(i))).wstring();
+    };
+    const auto build = [&](int editor) {
+        for (int i = 0; i < 25; ++i) {
+            std::ofstream(std::filesystem::path(nameOf(editor, i))) << i;
+            ProductNoteNow(nameOf(editor, i));
+        }
+    };
+    std::thread other(build, 1);
+    build(2);
+    other.join();
+    for (const int editor : {1, 2})
+        for (int i = 0; i < 25; ++i) EXPECT_TRUE(IsBuildProduct(nameOf(editor, i))) << editor << " " << i;
+    SetEnvironmentVariableW(L"LOCALAPPDATA", before);
 }
 
 TEST(DecodeCompilerText, EachChunkByItself) {
