@@ -1,9 +1,15 @@
-// The folder of the settings file, of the session and of the default workspace: that of the program, or the user's own
-// ("KVX-Editor" under the local application data) when the program's folder takes no files, as under "Program Files".
-// UI thread only.
+// The folder of the settings file, of the session and of the default workspace: that of the program, or one of the user's
+// own when the program's folder takes no files, as under "Program Files". It is in "KVX-Editor" under the local
+// application data, and each installation has its own there. Earlier versions kept the settings of all installations in
+// "KVX-Editor" itself: an installation begins with copies of these. UI thread only.
 #pragma once
 
 #include <string>
+#include <string_view>
+
+// The name of the folder of an installation: the last part of the program's folder and a number made of its path. Letter
+// case and trailing backslashes do not count. Pure (settings_place.cpp).
+std::wstring InstallationFolderName(std::wstring_view programFolder);
 
 // The folder in use, with its trailing backslash.
 std::wstring SettingsFolder();

@@ -24,23 +24,46 @@ std::wstring ProgramFolder() {
     return folder;
 }
 
+// With its trailing backslash, whether it exists or not. Empty when the user has no application data.
+std::wstring InstallationFolder() {
+    const std::wstring all = UserFolderPath();
+    return all.empty() ? all : all + InstallationFolderName(ProgramFolder()) + L"\\";
+}
+
+bool MakeInstallationFolder(const std::wstring& folder) {
+    return !UserFolder().empty() && EnsureFolder(folder.substr(0, folder.size() - 1));
+}
+
+bool HasSettings(const std::wstring& folder) { return FileExists((folder + L"Editor.ini").c_str()); }
+
+// The settings file is the last, so that a copying that breaks off is done again at the next start.
+bool CopySharedSettings(const std::wstring& from, const std::wstring& to) {
+    for (const wchar_t* name : {L"Editor.ini_autosave.kvxsess", L"workspace.json"})
+        CopyFileW(PathForSystem((from + name).c_str()).c_str(), PathForSystem((to + name).c_str()).c_str(), FALSE);
+    return CopyFileW(PathForSystem((from + L"Editor.ini").c_str()).c_str(),
+                     PathForSystem((to + L"Editor.ini").c_str()).c_str(), TRUE) != FALSE;
+}
+
 }  // namespace
 
 std::wstring SettingsFolder() { return g_place.userFolder.empty() ? ProgramFolder() : g_place.userFolder; }
 
 void SettingsChooseFolder() {
-    const std::wstring own = UserFolderPath();
-    if (!g_place.userFolder.empty() || own.empty() || !FileExists((own + L"Editor.ini").c_str())) return;
+    const std::wstring own = InstallationFolder();
+    const std::wstring shared = UserFolderPath();
+    if (!g_place.userFolder.empty() || own.empty() || (!HasSettings(own) && !HasSettings(shared))) return;
     if (FolderTakesFiles(ProgramFolder())) return;
-    g_place.userFolder = own;
-    AppLogMsg(L"Settings are in %s", own.c_str());
+    const bool ready = HasSettings(own) || (MakeInstallationFolder(own) && CopySharedSettings(shared, own));
+    g_place.userFolder = ready ? own : shared;
+    AppLogMsg(L"Settings are in %s", g_place.userFolder.c_str());
 }
 
 bool SettingsLeaveFolder(unsigned long error) {
     if (!g_place.userFolder.empty() || (error != ERROR_ACCESS_DENIED && error != ERROR_WRITE_PROTECT)) return false;
-    if (FolderTakesFiles(ProgramFolder())) return false;
-    g_place.userFolder = UserFolder();
-    return !g_place.userFolder.empty();
+    const std::wstring own = InstallationFolder();
+    if (own.empty() || FolderTakesFiles(ProgramFolder()) || !MakeInstallationFolder(own)) return false;
+    g_place.userFolder = own;
+    return true;
 }
 
 bool FolderTakesFiles(const std::wstring& folder) {

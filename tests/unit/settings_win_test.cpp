@@ -253,9 +253,20 @@ TEST_F(SettingsWin, AProgramFolderThatCannotBeWrittenGivesWayToTheUsersOwn) {
         EXPECT_EQ(g_app.settings.tabWidth, width == 5 ? 4 : 5);
         g_app.settings.tabWidth = width;
         EXPECT_EQ(SettingsSave(L"Editor.ini"), 1);
-        EXPECT_EQ(SettingsFolder(), root_.wstring() + L"\\KVX-Editor\\");
+        EXPECT_EQ(SettingsFolder(), root_.wstring() + L"\\KVX-Editor\\" + InstallationFolderName(L"z:\\sys") + L"\\");
     }
     EXPECT_EQ(g_notices, 1) << "said when the folder changes, and not at each start";
+    // Settings that an earlier version kept for all installations. Each begins with them and keeps its own.
+    const std::wstring shared = root_.wstring() + L"\\KVX-Editor\\Editor.ini";
+    fs::copy(SettingsFolder() + L"Editor.ini", shared);
+    for (const auto& [other, width] : {std::pair{L"Z:\\proc\\", 6}, {L"Z:\\sys\\fs\\", 6}, {L"Z:\\proc\\", 7}}) {
+        SettingsFolderForTest(other);
+        SettingsLoad(nullptr);
+        EXPECT_EQ(g_app.settings.tabWidth, width) << SettingsFolder().c_str();
+        g_app.settings.tabWidth = 7;
+        EXPECT_EQ(SettingsSave(L"Editor.ini"), 1);
+    }
+    EXPECT_EQ(GetPrivateProfileIntW(L"Editor", L"TabWidth", 0, shared.c_str()), 6U) << "of the earlier version";
     SettingsFolderForTest(root_.wstring() + L"\\");
     SettingsLoad(nullptr);
     EXPECT_EQ(g_app.settings.tabWidth, 4) << "a program in a folder of its own does not read the user's folder";
