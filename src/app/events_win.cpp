@@ -24,8 +24,9 @@
 
 namespace {
 
-void OnDocumentActivated(DocumentId) {
+void OnDocumentActivated(DocumentId document) {
     TabBarOnActivated();
+    StatusBarForgetOthers(document);
     MainWindow_UpdateTitle();
     StatusBarUpdatePosition();
     MenuUpdateState();
@@ -45,9 +46,9 @@ void OnTextArrived(DocumentId document) {
     DebugRestoreLocation(document);
 }
 
-void OnDocumentNotice(const wchar_t* notice) {
+void OnDocumentNotice(DocumentId document, const wchar_t* notice) {
     OutputPaneAppend(FormatW(L"[File] %s\r\n", notice).c_str(), kLineYellow);
-    StatusBarSetText(notice);
+    StatusBarSetDocumentText(document, notice);
 }
 
 void OnProgramBuilt(const wchar_t* source, const wchar_t* listing) {
@@ -71,6 +72,7 @@ void MainWnd_ConnectEvents() {
     g_events.buildEnded = DebugOnBuildEnd;
     g_events.debuggerChanged = DebugPaneInvalidate;
     g_events.statusText = StatusBarSetText;
+    g_events.documentStatus = StatusBarSetDocumentText;
     g_events.statusProgress = StatusBarSetProgress;
     g_events.noticeWanted = MainWnd_OnNoticeWanted;
     g_events.layoutWanted = MainWindow_Layout;

@@ -28,10 +28,10 @@ struct Events {
     Event<int, int> documentMoved;          // the index in the row before and after
     Event<DocumentId> documentSaved;        // its text has been saved to its file
     Event<DocumentId, int> documentClosed;  // its record is gone; the index that it had in the row
-    Event<DocumentId> textLeaving;         // its text is about to be discarded by a reload or because its editor closes
-    Event<DocumentId> textArrived;         // its text has been loaded, for the first time or again
-    Event<const wchar_t*> documentNotice;  // something unusual about a file that was opened, as a sentence
-    Event<const wchar_t*> folderChosen;    // the user opened a file in this folder (with its trailing backslash)
+    Event<DocumentId> textLeaving;  // its text is about to be discarded by a reload or because its editor closes
+    Event<DocumentId> textArrived;  // its text has been loaded, for the first time or again
+    Event<DocumentId, const wchar_t*> documentNotice;  // something unusual about its file, as a sentence
+    Event<const wchar_t*> folderChosen;  // the user opened a file in this folder (with its trailing backslash)
 
     Event<const Settings&> settingsChanged;  // the settings as they were before the change
 
@@ -42,7 +42,10 @@ struct Events {
     Event<> debuggerChanged;  // a debug session began or ended, or its program stopped or continued
 
     // --- What the frame shows for everyone
-    Event<const wchar_t*> statusText;      // first part of the status bar; shown until the next text
+    Event<const wchar_t*> statusText;  // first part of the status bar; shown until the next text
+    // The same for a text about one document: it goes when another one is shown. An empty text takes back only a text
+    // about that document.
+    Event<DocumentId, const wchar_t*> documentStatus;
     Event<const wchar_t*> statusProgress;  // elapsed time and moving mark of a running build; empty: none runs
     Event<const wchar_t*> noticeWanted;    // what the user must be told in a message box, once none is open
     Event<> layoutWanted;                  // panes were shown, hidden or resized and must be placed at once

@@ -32,6 +32,8 @@ std::uint32_t EditorConditions() {
     add(SciSend(tab.editor, SCI_CANUNDO) != 0, kCanUndo);
     add(SciSend(tab.editor, SCI_CANREDO) != 0, kCanRedo);
     add(SciSend(tab.editor, SCI_GETSELECTIONEMPTY) == 0, kHasSelection);
+    add(TabCount() > 1, kHasOtherTabs);
+    add(g_documents.activeTab + 1 < TabCount(), kHasTabsRight);
     add(tab.hasFile, kHasFile);
     add(LexerFromExtension(tab.path) == Language::Basic, kBasicSource);
     return conditions;

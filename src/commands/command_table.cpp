@@ -135,8 +135,8 @@ constexpr CommandRow kCommands[] = {
     {IDM_PREVIOUS_TAB, kHasTab},
     {IDM_NAV_BACK, kHasTab},
     {IDM_NAV_FORWARD, kHasTab},
-    {IDM_TAB_CLOSE_OTHERS, kHasTab},
-    {IDM_TAB_CLOSE_RIGHT, kHasTab},
+    {IDM_TAB_CLOSE_OTHERS, kHasTab | kHasOtherTabs},
+    {IDM_TAB_CLOSE_RIGHT, kHasTab | kHasTabsRight},
     {IDM_TAB_COPY_PATH, kHasFile},
 };
 

@@ -12,7 +12,9 @@ enum CommandCondition : std::uint32_t {
     kCanUndo = 1u << 1,
     kCanRedo = 1u << 2,
     kHasSelection = 1u << 3,
-    kHasFile = 1u << 5,  // the active document has a file
+    kHasOtherTabs = 1u << 4,
+    kHasFile = 1u << 5,       // the active document has a file
+    kHasTabsRight = 1u << 6,  // of the active one
     kAnyModified = 1u << 7,
     kIdle = 1u << 8,      // no build runs
     kBuilding = 1u << 9,  // a build runs, or processes that a finished one started

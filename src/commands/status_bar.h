@@ -2,6 +2,8 @@
 // texts, so that other programs can read them; the painting follows the theme. UI thread only.
 #pragma once
 
+#include "base/events.h"
+
 #include <windows.h>
 
 HWND StatusBarCreate(HWND parent, int controlId);  // null when it cannot be made
@@ -10,6 +12,11 @@ void StatusBarLayout(int width);                   // sets the widths of the par
 void StatusBarApplyTheme();                        // sets the font and repaints
 // Sets the message ("Building...", for example), which stays until the next one. Null: empty.
 void StatusBarSetText(const wchar_t* text);
+// The same for a text about one document, which goes when another is shown. An empty text takes back only a text about
+// that document.
+void StatusBarSetDocumentText(DocumentId document, const wchar_t* text);
+// Takes back a text about another document than this one.
+void StatusBarForgetOthers(DocumentId document);
 // Sets the progress of a build (BuildProgressText). Null or empty: nothing runs.
 void StatusBarSetProgress(const wchar_t* text);
 // Shows line, column, selection, encoding and line ending of the active document.

@@ -27,6 +27,9 @@ namespace {
 // message to the control takes longer.
 std::array<std::wstring, kStatusPartCount> g_texts;
 
+// The document that the message is about; 0: about none.
+DocumentId g_textAbout = 0;
+
 // True while the control takes a text. It then asks for a paint at once, which would delay the keys that wait: the part
 // stays invalid and is painted when the message queue is empty.
 bool g_takesText = false;
@@ -179,7 +182,21 @@ void StatusBarApplyTheme() {
     ShareStatusWidth();
 }
 
-void StatusBarSetText(const wchar_t* text) { SetStatusPart(kMessage, text != nullptr ? text : L""); }
+void StatusBarSetText(const wchar_t* text) {
+    g_textAbout = 0;
+    SetStatusPart(kMessage, text != nullptr ? text : L"");
+}
+
+void StatusBarSetDocumentText(DocumentId document, const wchar_t* text) {
+    const bool empty = text == nullptr || text[0] == L'\0';
+    if (empty && g_textAbout != document) return;
+    StatusBarSetText(text);
+    if (!empty) g_textAbout = document;
+}
+
+void StatusBarForgetOthers(DocumentId document) {
+    if (g_textAbout != 0 && g_textAbout != document) StatusBarSetText(L"");
+}
 
 void StatusBarSetProgress(const wchar_t* text) { SetStatusPart(kProgress, text != nullptr ? text : L""); }
 

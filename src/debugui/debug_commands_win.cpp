@@ -113,7 +113,7 @@ void ToggleBreakpoint() {
 void SwitchBreakpoint() {
     const int index = BreakpointAt(ActiveDocumentId(), CaretLineFromOne(), false);
     if (index < 0) {
-        g_events.statusText(L"No breakpoint on this line (F9 sets one)");
+        g_events.documentStatus(ActiveDocumentId(), L"No breakpoint on this line (F9 sets one)");
         return;
     }
     BreakpointEnable(static_cast<std::size_t>(index), !BreakpointList()[static_cast<std::size_t>(index)].enabled);

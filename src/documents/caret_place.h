@@ -16,6 +16,10 @@ LRESULT CaretPositionOfFileColumn(const DocumentTab& document, LRESULT line, LRE
 // Opens the folded blocks that hide the line. Does not scroll.
 void CaretUncoverLine(HWND editor, LRESULT line);
 
+// Moves a caret that stands on a hidden line to the first line of the folded block around it, which is shown. For the
+// moment after a block was folded.
+void CaretLeaveHiddenLine(HWND editor);
+
 // Moves the caret to a position, or selects from `anchor` to `caret`, uncovers the place and scrolls to it.
 void CaretGoTo(HWND editor, LRESULT position);
 void CaretSelect(HWND editor, LRESULT anchor, LRESULT caret);

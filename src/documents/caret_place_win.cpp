@@ -46,6 +46,18 @@ void CaretUncoverLine(HWND editor, LRESULT line) {
     if (PaneSend(editor, SCI_GETLINEVISIBLE, line) == 0) PaneSend(editor, SCI_ENSUREVISIBLE, line);
 }
 
+void CaretLeaveHiddenLine(HWND editor) {
+    const LRESULT caret = PaneSend(editor, SCI_GETCURRENTPOS);
+    LRESULT line = PaneSend(editor, SCI_LINEFROMPOSITION, caret);
+    if (PaneSend(editor, SCI_GETLINEVISIBLE, line) != 0) return;
+    while (line > 0 && PaneSend(editor, SCI_GETLINEVISIBLE, line) == 0) {
+        const LRESULT parent = PaneSend(editor, SCI_GETFOLDPARENT, line);
+        line = parent >= 0 && parent < line ? parent : line - 1;
+    }
+    PaneSend(editor, SCI_SETEMPTYSELECTION,
+             PaneSend(editor, SCI_FINDCOLUMN, line, PaneSend(editor, SCI_GETCOLUMN, caret)));
+}
+
 void CaretGoTo(HWND editor, LRESULT position) {
     const LRESULT at = CaretPositionAt(editor, position);
     CaretUncoverLine(editor, PaneSend(editor, SCI_LINEFROMPOSITION, at));

@@ -2,6 +2,8 @@
 #include "documents/editor_format.h"
 
 #include "base/events.h"
+#include "documents/document_row.h"
+#include "documents/editor_pane.h"
 #include "documents/pane_state.h"
 #include "language/format.h"
 #include "language/format_range.h"
@@ -42,7 +44,11 @@ void ReplaceLines(HWND editor, LRESULT start, const std::vector<TextReplacement>
         if (!work.GoesOn((1 + ++done / static_cast<double>(replacements.size())) / 2)) break;
     }
     PaneSend(editor, SCI_ENDUNDOACTION);
-    if (work.Stopped()) PaneSend(editor, SCI_UNDO);
+    if (work.Stopped()) EditorPaneTakeBack(editor);
+}
+
+void TellFormatted(HWND editor, bool stopped) {
+    g_events.documentStatus(DocumentOfEditor(editor), stopped ? L"Stopped: nothing was formatted" : L"Formatted");
 }
 
 }  // namespace
@@ -64,7 +70,7 @@ void EditorFormat(HWND editor, bool selectionOnly) {
     const std::string_view text =
         std::string_view(all).substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start));
     if (formatted == text && !work.Stopped()) {
-        if (work.Shown()) g_events.statusText(L"Formatted");
+        if (work.Shown()) TellFormatted(editor, false);
         return;
     }
     const LRESULT caret = PaneSend(editor, SCI_GETCURRENTPOS);
@@ -72,7 +78,7 @@ void EditorFormat(HWND editor, bool selectionOnly) {
     const LRESULT caretLine = PaneSend(editor, SCI_LINEFROMPOSITION, caret);
     const LRESULT topLine = PaneSend(editor, SCI_GETFIRSTVISIBLELINE);
     if (!work.Stopped()) ReplaceLines(editor, start, LineReplacements(text, formatted), work);
-    if (work.Shown()) g_events.statusText(work.Stopped() ? L"Stopped: nothing was formatted" : L"Formatted");
+    if (work.Shown()) TellFormatted(editor, work.Stopped());
     if (work.Stopped())
         PaneSend(editor, SCI_SETSEL, anchor, caret);
     else

@@ -57,6 +57,10 @@ void MarkModifiedLine(HWND editor, int line);  // marks a line (0-based) as chan
 void ApplyVirtualSpace(HWND editor, bool on);
 void EditorPaneClearChangeMarks(HWND editor);
 
+// Undoes the last step because the user has stopped the work that made it. Redo does not bring it back: half of what was
+// wanted is nothing that anyone wants.
+void EditorPaneTakeBack(HWND editor);
+
 // Shows the nearest line above the caret that opens a procedure or a type in the label window.
 void UpdateStickyHeader(HWND editor, HWND label);
 // Draws the label for its WM_DRAWITEM. False when the item is not the label.

@@ -3,6 +3,7 @@
 #include "documents/pane_state.h"
 
 #include "base/log.h"
+#include "documents/caret_place.h"
 #include "documents/editor_pane.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
@@ -124,6 +125,7 @@ LRESULT OnPaneButtonDown(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) 
     if (PaneState* state = PaneStateOf(pane); state != nullptr) state->pressing = true;
     if (message == WM_LBUTTONDOWN) TakeFocus(pane);
     const LRESULT result = DefSubclassProc(pane, message, wParam, lParam);
+    CaretLeaveHiddenLine(pane);  // the press may have folded a block
     if (PaneState* state = PaneStateOf(pane); state != nullptr) state->pressing = false;
     return result;
 }

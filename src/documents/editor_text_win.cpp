@@ -30,6 +30,17 @@ std::string EditorPaneTextBetween(HWND editor, LRESULT start, LRESULT end) {
     return text;
 }
 
+void EditorPaneTakeBack(HWND editor) {
+    PaneSend(editor, SCI_UNDO);
+    if (PaneSend(editor, SCI_CANUNDO) == 0 && PaneSend(editor, SCI_GETMODIFY) == 0) {
+        PaneSend(editor, SCI_EMPTYUNDOBUFFER);
+        return;
+    }
+    // Scintilla forgets what could be redone when a step is added. This one changes nothing, forwards and backwards.
+    PaneSend(editor, SCI_ADDUNDOACTION, 0, UNDO_NONE);
+    PaneSend(editor, SCI_UNDO);
+}
+
 void EditorPaneSetText(HWND editor, const char* utf8) {
     if (utf8 == nullptr) return;
     EditorPaneSetBytes(editor, {utf8, std::strlen(utf8)});

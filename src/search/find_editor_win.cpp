@@ -2,6 +2,7 @@
 #include "search/find_editor.h"
 
 #include "documents/caret_place.h"
+#include "documents/editor_pane.h"
 #include "scintilla/sci.h"
 
 namespace {
@@ -104,7 +105,7 @@ ReplaceAllResult ReplaceAllInScope(HWND editor, const FindQuery& query, std::str
     }
     SciSend(editor, SCI_ENDUNDOACTION);
     if (!result.stopped) return result;
-    SciSend(editor, SCI_UNDO);  // moves the caret to the last edit
+    EditorPaneTakeBack(editor);  // moves the caret to the last edit
     SciSend(editor, SCI_SETSEL, static_cast<WPARAM>(anchor), caret);
     SciSend(editor, SCI_SETFIRSTVISIBLELINE, static_cast<WPARAM>(topLine));
     return {.stopped = true};

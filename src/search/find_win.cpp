@@ -46,7 +46,7 @@ void ShowFindStatus(const wchar_t* text) {
     if (g_search.hFindDialog != nullptr)
         SetDlgItemTextW(g_search.hFindDialog, IDC_FIND_STATUS, text);
     else
-        g_events.statusText(text);
+        g_events.documentStatus(ActiveDocumentId(), text);
 }
 
 std::wstring FindFieldText(int control) {

@@ -4,6 +4,7 @@
 #include "base/utf8.h"
 #include "documents/margins.h"
 #include "settings/settings_schema.h"
+#include "ui/box_text.h"
 
 #include <Scintilla.h>
 
@@ -93,7 +94,8 @@ void SessionApplyHeader(const SessionItem& item, Settings& settings, SessionFram
 std::wstring MissingFilesQuestion(std::span<const SessionFile> missing) {
     constexpr std::size_t kShown = 12;
     std::wstring text = L"These files of the session could not be opened:\n";
-    for (std::size_t i = 0; i < std::min(missing.size(), kShown); ++i) text += L"\n" + Utf8ToWideText(missing[i].path);
+    for (std::size_t i = 0; i < std::min(missing.size(), kShown); ++i)
+        text += L"\n" + ShortenedPath(Utf8ToWideText(missing[i].path));
     if (missing.size() > kShown) text += L"\nand " + std::to_wstring(missing.size() - kShown) + L" more";
     return text + L"\n\nKeep them in the session, so that they are opened once they are there again?";
 }

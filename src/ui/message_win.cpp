@@ -2,10 +2,13 @@
 
 #include "base/log.h"
 #include "base/wide_format.h"
+#include "ui/box_text.h"
 #include "ui/dialog_theme.h"
 #include "ui/ui_state.h"
 
 #include <windows.h>
+
+#include <string>
 
 bool g_selftestTabsMode = false;
 Answer (*g_answerInstead)(const UserQuestion& question) = nullptr;
@@ -20,7 +23,8 @@ constexpr UINT kIconFlags[] = {0, MB_ICONINFORMATION, MB_ICONQUESTION, MB_ICONWA
 Answer ShowMessageBox(const UserQuestion& question) {
     const UINT flags =
         kButtonFlags[static_cast<std::size_t>(question.buttons)] | kIconFlags[static_cast<std::size_t>(question.icon)];
-    switch (ThemedMessageBox(g_ui.hMainWnd, question.text, question.caption, flags)) {
+    const std::wstring text = BreakLongWords(question.text);
+    switch (ThemedMessageBox(g_ui.hMainWnd, text.c_str(), question.caption, flags)) {
         case IDOK:
         case IDYES: return Answer::Yes;
         case IDNO: return Answer::No;

@@ -99,7 +99,7 @@ constexpr std::uint32_t kText = kHasTab | kIdle | kNoSession;
 constexpr Moment kMoments[] = {
     {'n', kIdle | kNoSession},  // no document
     {'u', kText | kBasicSource},
-    {'e', kText | kBasicSource | kCanUndo | kCanRedo | kAnyModified},  // edited
+    {'e', kText | kBasicSource | kCanUndo | kCanRedo | kAnyModified | kHasOtherTabs | kHasTabsRight},  // edited
     {'s', kText | kBasicSource | kHasSelection},
     {'f', kText | kHasFile},  // saved, but not BASIC
     {'x', kText | kHasFile | kHasErrors},

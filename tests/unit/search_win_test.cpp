@@ -1,6 +1,7 @@
 // Find and replace in a real editing component.
 #include "search/find_editor.h"
 
+#include "documents/editor_pane.h"
 #include "scintilla/sci.h"
 #include "ui/long_work.h"
 
@@ -157,7 +158,21 @@ TEST_F(FindEngine, EscStopsAndLeavesTheTextAsItWas) {
         EXPECT_EQ(SciSend(editor_, SCI_GETCURRENTPOS), 2) << steps;
         EXPECT_EQ(SciSend(editor_, SCI_GETANCHOR), 9) << steps;
         EXPECT_EQ(asked, steps + 1);
+        SciSend(editor_, SCI_REDO);
+        EXPECT_EQ(Text(), text) << "a stopped half comes back by nothing";
+        EXPECT_EQ(SciSend(editor_, SCI_GETMODIFY), 0);
     }
+    SetText(text);
+    SciSend(editor_, SCI_INSERTTEXT, 0, reinterpret_cast<LPARAM>("typed "));
+    SciSend(editor_, SCI_BEGINUNDOACTION);
+    SciSend(editor_, SCI_DELETERANGE, 0, 100);
+    SciSend(editor_, SCI_ENDUNDOACTION);
+    EditorPaneTakeBack(editor_);
+    SciSend(editor_, SCI_REDO);
+    EXPECT_EQ(Text(), "typed " + text);
+    SciSend(editor_, SCI_UNDO);
+    SciSend(editor_, SCI_UNDO);
+    EXPECT_EQ(Text(), text) << "what was done before can still be undone";
     EXPECT_GE(shown, 3);
     EXPECT_FALSE(LongWorkRuns());
     g_longWorkAfterMs = kLongWorkMs;

@@ -2,6 +2,7 @@
 #include "ai/ai_pane_layout.h"
 #include "commands/status_bar_fit.h"
 #include "ui/block_size.h"
+#include "ui/box_text.h"
 #include "ui/fit.h"
 #include "ui/scale.h"
 #include "ui/wheel.h"
@@ -9,6 +10,22 @@
 #include <gtest/gtest.h>
 
 namespace {
+
+TEST(BoxText, NoWordIsWiderThanTheScreen) {
+    EXPECT_EQ(BreakLongWords(L"a\n\nbc d", 3), L"a\n\nbc d");
+    EXPECT_EQ(BreakLongWords(L"C:\\ab\\cd\\ef.bas:", 8), L"C:\\ab\\\ncd\\ef.ba\ns:");
+    EXPECT_EQ(BreakLongWords(L"xxxxxxxx C:\\1234567", 5), L"xxxxx\nxxx C:\\\n12345\n67");
+    EXPECT_EQ(BreakLongWords(L"\x6587\x6587\x6587", 4), L"\x6587\x6587\n\x6587");
+    EXPECT_EQ(ShortenedPath(L"C:\\a.bas", 8), L"C:\\a.bas");
+    EXPECT_EQ(ShortenedPath(L"C:\\one\\two\\three.bas", 15), L"C:\\on...ree.bas");
+    EXPECT_EQ(ShortenedPath(L"", 15), L"");
+    const std::wstring face = L"\xD83D\xDE00";  // two halves that stay together
+    for (std::size_t most = 2; most < 12; ++most) {
+        const std::wstring broken = BreakLongWords(face + face + face + L"x", most);
+        for (std::size_t at = broken.find(L'\n'); at != std::wstring::npos; at = broken.find(L'\n', at + 1))
+            EXPECT_NE(broken[at + 1] & 0xFC00, 0xDC00) << most;
+    }
+}
 
 TEST(Columns, ShrinkInProportion) {
     const std::vector<ColumnRoom> columns = {{100, 60}, {50, 50}, {200, 80}};

@@ -334,6 +334,10 @@ TEST(Files, Utf16AndSecondNames) {
     EXPECT_EQ(editor.Text(), "a\xE2\x82\xAC\r\n");
     EXPECT_EQ(editor.Status(kPartEncoding), L"UTF-16 LE");
     EXPECT_TRUE(editor.AwaitOutput(L"[File] u.bas is UTF-16 text."));
+    EXPECT_TRUE(editor.Status(kPartMessage).starts_with(L"u.bas is UTF-16 text."));
+    editor.Do(IDM_FILE_NEW);
+    EXPECT_EQ(editor.Status(kPartMessage), L"") << "that was about the other document";
+    editor.Do(IDM_FILE_CLOSE);
     editor.Type("x");
     editor.Send(editor.main, WM_TIMER, TIMER_AUTO_SAVE);  // asks nothing by itself
     editor.Post(IDM_FILE_SAVE);
