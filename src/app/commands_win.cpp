@@ -65,7 +65,7 @@ void SendToText(int command) {
 
 void GoToBookmark(int command) {
     if (!BookmarkGo(g_app.hEditor, command == IDM_BOOKMARK_NEXT))
-        StatusBarSetText(L"No bookmarks in this document (Ctrl+F2 sets one)");
+        StatusBarSetDocumentText(ActiveDocumentId(), L"No bookmarks in this document (Ctrl+F2 sets one)");
 }
 
 void ChooseProjectFolder() {
@@ -105,7 +105,9 @@ void OpenWorkspace() {
     if (!GetOpenFileNameW(&dialog)) return;
     switch (WorkspaceFileAt(path)) {
         case WorkspaceFile::Ours:  // it fails when the user keeps a document open
-            if (WorkspaceLoad(path) != 0) StatusBarSetText(L"Workspace opened");
+            if (WorkspaceLoad(path) == 0) break;
+            EnsureEditableStartupTab();  // all its files may be away
+            StatusBarSetText(L"Workspace opened");
             break;
         case WorkspaceFile::Foreign:
             ErrorMessage(L"Failed to open workspace: %s\n\nThe file is not a workspace of this program.", path);

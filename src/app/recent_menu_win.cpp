@@ -2,11 +2,13 @@
 #include "app/recent_menu.h"
 
 #include "app/app_state.h"
+#include "app/main_window.h"
 #include "app/recent_text.h"
 #include "base/wide_format.h"
 #include "commands/status_bar.h"
 #include "documents/file_commands.h"
 #include "files/file_io.h"
+#include "files/share_probe.h"
 #include "resources/ids.h"
 #include "session/session.h"
 #include "settings/settings_store.h"
@@ -71,7 +73,7 @@ void RemoveRow(const RecentList& list, int row) {
 
 // False when the file is gone: asks whether its row is to go, too.
 bool IsThere(const RecentList& list, int row, const std::wstring& path) {
-    if (FileExists(path.c_str())) return true;
+    if (PathAnswers(path.c_str()) && FileExists(path.c_str())) return true;
     const std::wstring text =
         FormatW(L"This file is not there at the moment:\n%s\n\nRemove it from the list?", path.c_str());
     if (AskUser({.caption = kProgramCaption,
@@ -91,6 +93,7 @@ void OpenSession(const std::wstring& path) {
     }
     // A document that the user wanted to keep open stops it, and that needs no message.
     if (SessionLoad(path.c_str(), g_app.hMainWnd) == 0) return;
+    EnsureEditableStartupTab();  // all its files may be away
     SafeCopyW(g_app.sessionPath, path);
     StatusBarSetText(L"Session opened");
 }

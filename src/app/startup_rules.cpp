@@ -1,7 +1,5 @@
 #include "app/startup_rules.h"
 
-#include <algorithm>
-
 StartupStep StartupStepAfter(StartupStep step, bool anyDocument, bool restoreLastSession) {
     if (anyDocument) return StartupStep::Done;
     switch (step) {
@@ -12,11 +10,4 @@ StartupStep StartupStepAfter(StartupStep step, bool anyDocument, bool restoreLas
         case StartupStep::Done: break;
     }
     return StartupStep::Done;
-}
-
-DocumentId NextToAskAbout(std::span<const RowEntry> row, std::span<const DocumentId> asked) {
-    const auto next = std::ranges::find_if(row, [&](const RowEntry& document) {
-        return document.modified && std::ranges::find(asked, document.id) == asked.end();
-    });
-    return next != row.end() ? next->id : 0;
 }

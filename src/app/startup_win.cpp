@@ -15,6 +15,7 @@
 #include "documents/file_work.h"
 #include "documents/save_rules.h"
 #include "files/file_io.h"
+#include "files/share_probe.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "session/session.h"
@@ -71,7 +72,8 @@ void OfferSessionRestore() {
 void OpenRecentFiles() {
     // The oldest first, so that the tabs stand as they were opened and the newest file is shown.
     for (int i = std::min<int>(kRecentFilesAtStart, g_app.settings.mruCount) - 1; i >= 0; --i)
-        if (!FileWorkCloseIsQueued() && FileExists(g_app.settings.mruFiles[i]))
+        if (!FileWorkCloseIsQueued() && PathAnswers(g_app.settings.mruFiles[i]) &&
+            FileExists(g_app.settings.mruFiles[i]))
             FileShow(g_app.settings.mruFiles[i], false);
 }
 
@@ -162,16 +164,10 @@ void MainWnd_OnAutoSaveTimer() {
     }
 }
 
+static bool AnyIsModified() { return std::ranges::any_of(g_app.tabs, &DocumentTab::modified); }
+
 // Asks about every modified document before anything is given up; one "Cancel" keeps the program running.
-static bool ConfirmUnsavedDocuments() {
-    std::vector<DocumentId> asked;
-    while (const DocumentId document = NextToAskAbout(DocumentRowEntries(), asked)) {
-        asked.push_back(document);
-        TabBarSelect(TabBarFindDocument(document));
-        if (FileConfirmClose(TabBarFindDocument(document)) == 0) return false;
-    }
-    return true;
-}
+static bool ConfirmUnsavedDocuments() { return FileConfirmCloseAll({}) != 0; }
 
 // True when everything was saved.
 static bool SaveOnClose() {
@@ -221,7 +217,7 @@ void MainWnd_OnClose(HWND window) {
 
 bool MainWnd_OnQueryEndSession() {
     // The user has a question before him already; without his answer nothing that is unsaved may be given up.
-    if (BoxIsOpen()) return NextToAskAbout(DocumentRowEntries(), {}) == 0;
+    if (BoxIsOpen()) return !AnyIsModified();
     g_sessionEnds = ConfirmUnsavedDocuments();
     return g_sessionEnds;
 }

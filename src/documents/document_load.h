@@ -1,20 +1,14 @@
 // Reads a file for a document: a small one at once, a large one piece by piece on a worker, with progress, into a
-// Scintilla document of its own that the editor takes over when all is there. UI thread only.
+// Scintilla document of its own that the editor takes over when all is there. A file on the network is read on a worker
+// whatever its size, because a share that went away answers after many seconds. UI thread only.
 #pragma once
 
 #include "base/handles.h"
 #include "documents/document.h"
 #include "documents/load_rules.h"
-
-#include <ILoader.h>
+#include "scintilla/document_loader.h"
 
 #include <cstddef>
-#include <memory>
-
-struct LoaderRelease {
-    void operator()(Scintilla::ILoader* loader) const { loader->Release(); }
-};
-using LoaderOwner = std::unique_ptr<Scintilla::ILoader, LoaderRelease>;
 
 // A file that has been read and is not shown yet.
 struct LoadedFile {
@@ -25,10 +19,11 @@ struct LoadedFile {
     HeapBlock<char> bytes;  // of a small file; null: `loader` has the text
     std::size_t length = 0;
     LoaderOwner loader;
+    FileIdentity identity;
 };
 
-// Reads the file. `label` is its name for the progress, `editor` the pane that will show it, which is not changed.
-LoadEnd DocumentRead(HWND editor, const wchar_t* path, const wchar_t* label, LoadedFile* file);
+// Reads the file. `label` is its name for the progress.
+LoadEnd DocumentRead(const wchar_t* path, const wchar_t* label, LoadedFile* file);
 // Replaces the text of `tab.editor` by what was read, and sets what the record says about the file. False when the
 // editor does not hold all of it; its text is then undefined.
 bool DocumentShow(DocumentTab& tab, LoadedFile file);

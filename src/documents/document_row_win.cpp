@@ -7,6 +7,7 @@
 #include "documents/editor_pane.h"
 #include "documents/row_rules.h"
 #include "documents/save_rules.h"
+#include "files/share_probe.h"
 #include "language/lexer_table.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
@@ -80,6 +81,7 @@ int TabBarFindPath(const wchar_t* path) {
 int TabBarFindFile(const wchar_t* path) {
     const int named = TabBarFindPath(path);
     if (named >= 0 || path == nullptr || path[0] == L'\0') return named;
+    if (!PathAnswers(path)) return -1;  // a file without a share has no second name that matters
     const FileIdentity identity = FileIdentityOf(path);
     if (!identity.IsKnown()) return -1;
     // The document's own file is asked again, because it may have been replaced since it was read.
@@ -114,7 +116,7 @@ int TabBarAdd(const wchar_t* path, const wchar_t* label, LoadEnd* why) {
     ++g_nextEditorId;
     if (tab.hasFile) {
         LoadedFile file;
-        LoadEnd end = DocumentRead(tab.editor, tab.path, tab.label, &file);
+        LoadEnd end = DocumentRead(tab.path, tab.label, &file);
         if (end == LoadEnd::Done && !DocumentShow(tab, std::move(file))) end = LoadEnd::NoMemory;
         if (why != nullptr) *why = end;
         if (end != LoadEnd::Done) {
@@ -123,7 +125,6 @@ int TabBarAdd(const wchar_t* path, const wchar_t* label, LoadEnd* why) {
         }
     }
     tab.id = g_nextDocument++;
-    if (tab.hasFile) tab.identity = FileIdentityOf(tab.path);
 
     g_documents.tabs.push_back(tab);
     const int index = TabCount() - 1;
@@ -139,8 +140,9 @@ int TabBarAdd(const wchar_t* path, const wchar_t* label, LoadEnd* why) {
 void TellDocumentForm(int index) {
     if (!IsTabIndex(index)) return;
     const std::wstring notice = FormNotice(TabAt(index));
-    if (!notice.empty()) g_events.documentNotice(notice.c_str());
-    if (EditorPaneIsPlain(TabAt(index).editor)) g_events.documentNotice(PlainNotice(TabAt(index).label).c_str());
+    if (!notice.empty()) g_events.documentNotice(TabAt(index).id, notice.c_str());
+    if (EditorPaneIsPlain(TabAt(index).editor))
+        g_events.documentNotice(TabAt(index).id, PlainNotice(TabAt(index).label).c_str());
 }
 
 void TabBarSyncActiveEditor() {

@@ -7,6 +7,7 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <vector>
 
 int FileNew();                      // 0 when no document could be added
 int FileOpen(const wchar_t* path);  // null: asks with the open dialog; shows a file that is open already
@@ -25,8 +26,11 @@ int FileClose(int tab);   // 0 when the user cancelled or the save failed
 // Asks as FileClose does, but does not close: 1 when the document is unmodified or saved, or the user does not want its
 // changes.
 int FileConfirmClose(int tab);
-// Closes several documents, each as FileClose does. Stops and returns 0 when one of them stays open. Otherwise shows
-// `kept` at the end. With CloseRange::All `kept` is 0.
+// Asks about each modified one of these documents (empty: of all) as FileConfirmClose does, and shows it. Closes nothing.
+// Returns 0 at the first answer that keeps a document open. With `refused` it goes on, and that gets these documents.
+int FileConfirmCloseAll(const std::vector<DocumentId>& documents, std::vector<DocumentId>* refused = nullptr);
+// Closes several documents. All questions come first: returns 0, and closes nothing, when one of the answers keeps a
+// document open. Otherwise shows `kept` at the end. With CloseRange::All `kept` is 0.
 int FileCloseDocuments(CloseRange range, DocumentId kept);
 int FileCloseAll();
 

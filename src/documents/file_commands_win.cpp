@@ -16,6 +16,7 @@
 #include "documents/recent_files.h"
 #include "documents/save_rules.h"
 #include "files/file_io.h"
+#include "files/share_probe.h"
 #include "scintilla/sci.h"
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
@@ -101,7 +102,6 @@ bool ShowReloaded(int tab, LoadedFile file) {
     const ViewPosition view = CaptureView(document.editor);
     g_events.textLeaving(document.id);
     const bool whole = DocumentShow(document, std::move(file));
-    document.identity = FileIdentityOf(document.path);
     TabBarUpdateLineEnding(tab);
     if (newDocument) {
         EditorPaneInit(document.editor, document.compilerId);
@@ -185,6 +185,8 @@ int FileAdd(const wchar_t* path) {
     if (!ResolveInputPath(path, file, kPathCapacity, true)) return -1;
     const int existing = TabBarFindPath(file);
     if (existing >= 0) return existing;
+    // One share that went away would keep the user waiting for each of its files.
+    if (!PathAnswers(file)) return -1;
     wchar_t label[kLabelCapacity];
     PathGetFile(file, label, kLabelCapacity);
     const int tab = TabBarAdd(file, label);
@@ -213,7 +215,7 @@ int FileReload(int tab) {
     if (!mayDiscard || tab < 0 || !TabAt(tab).hasFile) return 0;
     const std::wstring path{TabAt(tab).path};
     LoadedFile file;
-    LoadEnd end = DocumentRead(TabAt(tab).editor, path.c_str(), std::wstring{TabAt(tab).label}.c_str(), &file);
+    LoadEnd end = DocumentRead(path.c_str(), std::wstring{TabAt(tab).label}.c_str(), &file);
     tab = TabBarFindDocument(id);
     if (tab < 0 || end == LoadEnd::Cancelled) return 0;
     if (end == LoadEnd::Done && !ShowReloaded(tab, std::move(file))) {
@@ -252,13 +254,23 @@ int FileClose(int tab) {
     return 1;
 }
 
-int FileCloseDocuments(CloseRange range, DocumentId kept) {
-    for (const DocumentId document : DocumentsToClose(DocumentRowEntries(), range, kept)) {
-        const int tab = TabBarFindDocument(document);
-        if (tab < 0) continue;                       // was closed while a question was open
-        if (TabAt(tab).modified) TabBarSelect(tab);  // shows what the question is about
-        if (FileClose(tab) == 0) return 0;
+int FileConfirmCloseAll(const std::vector<DocumentId>& documents, std::vector<DocumentId>* refused) {
+    std::vector<DocumentId> asked;
+    while (const DocumentId document = NextToAskAbout(DocumentRowEntries(), documents, asked)) {
+        asked.push_back(document);
+        TabBarSelect(TabBarFindDocument(document));  // shows what the question is about
+        if (FileConfirmClose(TabBarFindDocument(document)) != 0 || TabBarFindDocument(document) < 0) continue;
+        if (refused == nullptr) return 0;
+        refused->push_back(document);
     }
+    return refused == nullptr || refused->empty() ? 1 : 0;
+}
+
+int FileCloseDocuments(CloseRange range, DocumentId kept) {
+    const std::vector<DocumentId> documents = DocumentsToClose(DocumentRowEntries(), range, kept);
+    if (!documents.empty() && FileConfirmCloseAll(documents) == 0) return 0;
+    TabBarSelect(std::max(TabBarFindDocument(kept), 0));  // otherwise each close would show a neighbour
+    for (const DocumentId document : documents) TabBarRemove(TabBarFindDocument(document));
     TabBarActivate(TabBarFindDocument(kept));
     return 1;
 }

@@ -46,13 +46,12 @@ private:
     bool entered_;
 };
 
-void BackUp(const wchar_t* path) {
-    if (!SaveMakesBackup(g_settings.backupOnSave != 0, FileExists(path), RecoveryHasKept(path))) return;
+// On the worker. Returns the system's error. The save goes on after one, because the new text matters more than the copy
+// of the old one.
+DWORD BackUp(const wchar_t* path, bool wanted) {
+    if (!SaveMakesBackup(wanted, FileExists(path), RecoveryHasKept(path))) return 0;
     const std::wstring backup = std::wstring{path} + L".bak";
-    if (CopyFileW(PathExtended(path).c_str(), PathExtended(backup).c_str(), FALSE) == FALSE) {
-        // The save goes on, because the new text matters more than the copy of the old one.
-        AppLogMsg(L"FAIL: FileSave backup error=%lu path=%s", GetLastError(), backup.c_str());
-    }
+    return CopyFileW(PathExtended(path).c_str(), PathExtended(backup).c_str(), FALSE) != FALSE ? 0 : GetLastError();
 }
 
 Answer AskAboutAnsi(const wchar_t* label) {
@@ -87,12 +86,12 @@ std::wstring SystemText(DWORD error) {
     return text;
 }
 
-void TellFailedSave(const wchar_t* path, const SaveReport& report) {
+void TellFailedSave(DocumentId document, const wchar_t* path, const SaveReport& report) {
     const std::wstring copy = RecoveryLastPath();
     AppLogMsg(L"FAIL: FileSave end=%d error=%lu path=%s", static_cast<int>(report.end), report.error, path);
     if (!copy.empty()) {
         AppLogMsg(L"FAIL: FileSave, the new text is kept in %s", copy.c_str());
-        g_events.statusText(FormatW(L"Not saved. The text is kept in %s", copy.c_str()).c_str());
+        g_events.documentStatus(document, FormatW(L"Not saved. The text is kept in %s", copy.c_str()).c_str());
     }
     const std::wstring reason = report.error != 0 ? SystemText(report.error) : std::wstring{};
     ErrorMessage(L"%s", FailedSaveText(path, report, reason, copy).c_str());
@@ -128,23 +127,39 @@ struct SaveJob {
     FileBinding binding;
     std::shared_ptr<FileProgress> progress = std::make_shared<FileProgress>();
     SaveReport report;
+    FileIdentity identity;  // of the file that was written
+    bool backUp = false;    // the setting
+    DWORD backUpError = 0;
 };
 
+void SaveOnWorker(SaveJob& job) {
+    const FileBinding& to = job.binding;
+    job.backUpError = BackUp(to.path, job.backUp);
+    WriteSourceFileFromEditor(to.path, job.text.bytes.get(), job.text.length, to.encoding, to.lineEnding, to.form,
+                              &job.report, job.progress.get());
+    if (job.report.end == SaveEnd::Saved) job.identity = FileIdentityOf(to.path);
+}
+
 // Writes the text on a worker. The document cannot be changed meanwhile, so that what was written is what it shows.
-SaveReport WriteOnWorker(DocumentId document, EditorText text, const FileBinding& binding) {
+// `began`: when the command did. Null: the worker hangs and was left behind, and nothing is written.
+std::shared_ptr<const SaveJob> WriteOnWorker(DocumentId document, EditorText text, const FileBinding& binding,
+                                             ULONGLONG began) {
     const auto job = std::make_shared<SaveJob>();
+    job->backUp = g_settings.backupOnSave != 0;
     job->text = std::move(text);
     job->binding = binding;
     const HWND editor = TabAt(TabBarFindDocument(document)).editor;
     SciSend(editor, SCI_SETREADONLY, TRUE);
-    const bool ended =
-        FileWorkRun({.verb = L"Saving", .label = binding.label, .progress = job->progress, .work = [job] {
-                         const FileBinding& to = job->binding;
-                         WriteSourceFileFromEditor(to.path, job->text.bytes.get(), job->text.length, to.encoding,
-                                                   to.lineEnding, to.form, &job->report, job->progress.get());
-                     }});
+    const bool ended = FileWorkRun({.verb = L"Saving",
+                                    .label = binding.label,
+                                    .progress = job->progress,
+                                    .work = [job] { SaveOnWorker(*job); },
+                                    .began = began});
     if (TabBarFindEditor(editor) >= 0) SciSend(editor, SCI_SETREADONLY, FALSE);
-    return ended ? job->report : SaveReport{.end = SaveEnd::Cancelled};
+    if (!ended) return nullptr;
+    if (job->backUpError != 0)
+        AppLogMsg(L"FAIL: FileSave backup error=%lu path=%s.bak", job->backUpError, binding.path);
+    return job;
 }
 
 // Writes the document to the file of `binding`, then binds the document to that file. When the save fails, the document
@@ -153,7 +168,7 @@ int SaveAsBound(DocumentId document, FileBinding binding) {
     const FormChoice choice = AskForm(document, binding);
     if (choice != FormChoice::Save || TabBarFindDocument(document) < 0)
         return choice == FormChoice::OtherName ? SaveUnderNewName(document) : 0;
-    BackUp(binding.path);
+    ULONGLONG began = GetTickCount64();
     EditorText text = TakeText(document);
     if (!text.bytes) return 0;
     bool asked = false;
@@ -163,28 +178,31 @@ int SaveAsBound(DocumentId document, FileBinding binding) {
             return AskAboutAnsi(binding.label);
         });
     // Messages were handled while the box was open: the document may be gone or changed.
+    if (asked) began = GetTickCount64();
     if (asked) text = TakeText(document);
     if (!encoding || !text.bytes) return 0;
     binding.encoding = *encoding;
-    const SaveReport report = WriteOnWorker(document, std::move(text), binding);
+    const std::shared_ptr<const SaveJob> job = WriteOnWorker(document, std::move(text), binding, began);
+    const SaveReport report = job != nullptr ? job->report : SaveReport{.end = SaveEnd::Cancelled};
     const int tab = TabBarFindDocument(document);
     if (report.end == SaveEnd::Cancelled) {
-        g_events.statusText(FormatW(L"Saving %s was cancelled; the file is as it was", binding.label).c_str());
+        g_events.documentStatus(document,
+                                FormatW(L"Saving %s was cancelled; the file is as it was", binding.label).c_str());
         return 0;
     }
     if (report.end != SaveEnd::Saved) {
         MarkUnsaved(tab, binding.path);
-        TellFailedSave(binding.path, report);
+        TellFailedSave(document, binding.path, report);
         return 0;
     }
     if (tab < 0) return 0;
     // What the status bar says of this document is no longer true: the recovery copy is gone, the form is chosen.
-    if (TabAt(tab).mustSave || SaveAsksAboutForm(TabAt(tab))) g_events.statusText(L"");
+    if (TabAt(tab).mustSave || SaveAsksAboutForm(TabAt(tab))) g_events.documentStatus(document, L"");
     binding.form.inexact = false;  // the file now holds what the text says
     static_cast<FileBinding&>(TabAt(tab)) = binding;
     TabAt(tab).modified = false;
     TabAt(tab).mustSave = false;
-    TabAt(tab).identity = FileIdentityOf(binding.path);
+    TabAt(tab).identity = job->identity;
     const HWND editor = TabAt(tab).editor;
     SciSend(editor, SCI_SETSAVEPOINT);
     EditorPaneClearChangeMarks(editor);

@@ -5,6 +5,7 @@
 
 #include "files/file_progress.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -14,6 +15,7 @@ struct FileWork {
     const wchar_t* label;
     std::shared_ptr<FileProgress> progress;
     std::function<void()> work;  // on the worker; what it uses it must own or share
+    std::uint64_t began = 0;     // tick count when the command began, from which the second counts; 0: now
 };
 
 // Returns true when the work has ended, also when it was cancelled. False: it was cancelled and hangs, on a share that

@@ -24,7 +24,7 @@ void RunWork(std::function<void()>& work, const WorkerCancel&) { work(); }
 
 // Waits until the worker has ended, or hangs after it was cancelled.
 bool WaitForWorker(const Worker& worker, const FileWork& work) {
-    const ULONGLONG began = GetTickCount64();
+    const ULONGLONG began = work.began != 0 ? work.began : GetTickCount64();
     ULONGLONG cancelled = 0;
     bool told = false;
     while (!WorkerWait(worker, 0)) {

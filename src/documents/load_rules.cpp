@@ -1,6 +1,11 @@
 // What can be opened. Pure.
 #include "documents/load_rules.h"
 
+LoadWay LoadWayOf(std::int64_t size, bool remote) {
+    if (size > static_cast<std::int64_t>(kLargestText)) return LoadWay::Refused;
+    return remote || size >= kLargeFile ? LoadWay::Worker : LoadWay::Direct;
+}
+
 LoadEnd LoadEndOf(PiecesEnd end) {
     switch (end) {
         case PiecesEnd::Done: return LoadEnd::Done;

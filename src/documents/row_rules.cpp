@@ -34,6 +34,19 @@ std::vector<DocumentId> DocumentsToClose(std::span<const RowEntry> row, CloseRan
     return ids;
 }
 
+DocumentId NextToAskAbout(std::span<const RowEntry> row, std::span<const DocumentId> candidates,
+                          std::span<const DocumentId> asked) {
+    const auto isNext = [&](const RowEntry& entry) {
+        return entry.modified && std::ranges::find(asked, entry.id) == asked.end();
+    };
+    for (const DocumentId candidate : candidates) {
+        const auto entry = std::ranges::find(row, candidate, &RowEntry::id);
+        if (entry != row.end() && isNext(*entry)) return candidate;
+    }
+    const auto next = candidates.empty() ? std::ranges::find_if(row, isNext) : row.end();
+    return next != row.end() ? next->id : 0;
+}
+
 std::vector<DocumentId> DocumentsToSave(std::span<const RowEntry> row, bool withFile) {
     std::vector<DocumentId> ids;
     for (const RowEntry& entry : row)

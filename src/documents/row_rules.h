@@ -32,5 +32,11 @@ enum class CloseRange : std::uint8_t { All, Others, Right };
 // empty when `kept` is not in the row.
 std::vector<DocumentId> DocumentsToClose(std::span<const RowEntry> row, CloseRange range, DocumentId kept);
 
+// The next document to ask about before several are given up: the first of `candidates` (empty: of the row) that has
+// changes and is not among those asked already. 0: none is left. A question may close, save or change other documents, so the row
+// is read again after each.
+DocumentId NextToAskAbout(std::span<const RowEntry> row, std::span<const DocumentId> candidates,
+                          std::span<const DocumentId> asked);
+
 // The modified documents with a file (`withFile`) or without one, from left to right.
 std::vector<DocumentId> DocumentsToSave(std::span<const RowEntry> row, bool withFile);

@@ -66,6 +66,8 @@ std::shared_ptr<Question> Ask(const std::wstring& root, ShareProbe probe) {
 
 }  // namespace
 
+bool PathIsRemote(const wchar_t* path) { return !RemoteRootOf(path).empty(); }
+
 bool PathAnswers(const wchar_t* path) {
     const std::wstring root = RemoteRootOf(path);
     if (root.empty()) return true;

@@ -5,6 +5,7 @@
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "files/file_io.h"
+#include "files/share_probe.h"
 #include "output/diagnostics.h"
 #include "output/error_places.h"
 #include "output/kept_lines.h"
@@ -39,7 +40,7 @@ bool ShowFileOfError(const CompilerError& error) {
     if (places.empty()) return false;
     for (const std::wstring& place : places) {
         if (const int tab = TabBarFindPath(place.c_str()); tab >= 0) return TabBarSelect(tab) != 0;
-        if (FileExists(place.c_str())) return FileShow(place.c_str(), false) != 0;
+        if (PathAnswers(place.c_str()) && FileExists(place.c_str())) return FileShow(place.c_str(), false) != 0;
     }
     return FileShow(places.front().c_str(), false) != 0;  // says that there is no such file
 }

@@ -9,7 +9,7 @@ struct RestoreScope {
     RestoreScope& operator=(const RestoreScope&) = delete;
 };
 
-// Closes every document and asks about each modified one. A document that the user does not want to close is closed
-// too, because a session starts without documents, but its text is first written to a recovery copy and the user is
-// told where. False when a copy could not be written; that document stays open, and the session must not be loaded.
+// Asks about each modified document, and then closes all. A document that the user does not want to close is closed too,
+// because a session starts without documents, but its text is first written to a recovery copy and the user is told
+// where. False when a copy could not be written: nothing is closed then, and the session must not be loaded.
 bool CloseEveryTab();

@@ -10,6 +10,7 @@
 #include "ui/message.h"
 
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -29,21 +30,19 @@ bool KeepText(const DocumentTab& document, std::wstring& kept) {
 }  // namespace
 
 bool CloseEveryTab() {
+    std::vector<DocumentId> refused;
+    FileConfirmCloseAll({}, &refused);
     std::wstring kept;
-    while (TabCount() > 0) {
-        const DocumentId id = TabAt(0).id;
-        if (FileClose(0) != 0) continue;
+    for (const DocumentId id : refused) {
         const int tab = TabBarFindDocument(id);
-        if (tab < 0) continue;  // it was closed while the question was open
-        const DocumentTab& document = TabAt(tab);
-        if (document.modified && !KeepText(document, kept)) {
-            AppLogMsg(L"FAIL: SessionLoad could not keep the text of %s", document.label);
-            ErrorMessage(L"The session was not loaded: the unsaved changes of %s could not be kept anywhere.",
-                         document.label);
-            return false;
-        }
-        TabBarRemove(tab);
+        if (tab < 0 || !TabAt(tab).modified || KeepText(TabAt(tab), kept)) continue;
+        AppLogMsg(L"FAIL: SessionLoad could not keep the text of %s", TabAt(tab).label);
+        ErrorMessage(L"The session was not loaded: the unsaved changes of %s could not be kept anywhere.",
+                     TabAt(tab).label);
+        return false;
     }
+    TabBarSelect(0);  // otherwise each close would show a neighbour
+    while (TabCount() > 0) TabBarRemove(TabCount() - 1);
     if (!kept.empty()) {
         InfoMessage(L"The session replaces all open documents. Changes that you did not save are kept here:%s",
                     kept.c_str());

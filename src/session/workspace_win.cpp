@@ -11,6 +11,7 @@
 #include "documents/file_commands.h"
 #include "files/file_io.h"
 #include "files/session_file.h"
+#include "files/share_probe.h"
 #include "scintilla/sci.h"
 #include "session/session_close.h"
 #include "session/session_state.h"
@@ -55,15 +56,18 @@ void ApplyWorkspaceCompiler(const Workspace& workspace) {
 bool CloseAllTabs() { return FileCloseAll() != 0 && TabCount() == 0; }
 
 void KeepMissing(const WorkspaceTab& file) {
+    const std::string path = ToUtf8(file.path);
+    if (std::ranges::find(g_session.missing, path, &SessionFile::path) != g_session.missing.end()) return;
     const auto cursor = static_cast<std::uint64_t>(std::max(file.cursor, 0));
-    g_session.missing.push_back({.path = ToUtf8(file.path), .hasEditor = true, .cursor = cursor});
+    g_session.missing.push_back({.path = path, .hasEditor = true, .cursor = cursor});
 }
 
 // Missing files are passed over in silence, and stay in the workspace.
 void OpenWorkspaceFiles(const Workspace& workspace) {
     int number = 0;
     for (const WorkspaceTab& file : workspace.files) {
-        const bool opens = number < kWorkspaceMaxFiles && FileExists(file.path.c_str());
+        const bool opens =
+            number < kWorkspaceMaxFiles && PathAnswers(file.path.c_str()) && FileExists(file.path.c_str());
         if (opens && FileAdd(file.path.c_str()) < 0)
             AppLogMsg(L"FAIL: WorkspaceLoad FileOpen failed for file[%d]=%s", number, file.path.c_str());
         if (TabBarFindPath(file.path.c_str()) < 0 && !file.path.empty()) KeepMissing(file);
@@ -149,7 +153,8 @@ int WorkspaceLoad(const wchar_t* path) {
         AppLogMsg(L"FAIL: WorkspaceLoad could not close existing tab index=%d", TabCount() - 1);
         return 0;
     }
-    g_session.missing.clear();
+    // At the start the workspace follows a session whose files are all away, and these stay in both.
+    if (!g_session.starting) g_session.missing.clear();
     ApplyWorkspaceCompiler(workspace);
     OpenWorkspaceFiles(workspace);
     TabBarActivate(IsTabIndex(workspace.activeFile) ? workspace.activeFile : TabCount() - 1);

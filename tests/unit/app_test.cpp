@@ -135,20 +135,6 @@ std::vector<PaneRect> Visible(const PaneLayout& l) {
     return all;
 }
 
-TEST(Startup, TheEndAsksOnceAboutEveryDocumentThatHasChanges) {
-    std::vector<RowEntry> row = {{1, false, true}, {2, true, false}, {3, true, true}};
-    std::vector<DocumentId> asked;
-    EXPECT_EQ(NextToAskAbout(row, asked), 2);
-    asked.push_back(2);
-    row = {{3, true, true}, {2, true, false}, {4, true, false}};  // moved, closed and opened while the box was up
-    EXPECT_EQ(NextToAskAbout(row, asked), 3);
-    asked.push_back(3);
-    EXPECT_EQ(NextToAskAbout(row, asked), 4);
-    row.pop_back();
-    EXPECT_EQ(NextToAskAbout(row, asked), 0) << "the user gave up what is in 2 and 3";
-    EXPECT_EQ(NextToAskAbout({}, {}), 0);
-}
-
 TEST(Notifications, OfLinesAndOfTheMouse) {
     EXPECT_EQ(LineBeforeMoved(5, 2, true), 4) << "the line moves with what was inserted above its text";
     EXPECT_EQ(LineBeforeMoved(5, 2, false), 5);

@@ -5,6 +5,7 @@
 #include "documents/file_column.h"
 #include "documents/file_dialog_texts.h"
 #include "documents/goto_line.h"
+#include "documents/load_rules.h"
 #include "documents/open_directory.h"
 #include "documents/recent_files.h"
 #include "documents/row_rules.h"
@@ -122,6 +123,28 @@ TEST(DocumentRow, CommandsOnSeveralTakeThemInTheirOrder) {
     EXPECT_EQ(DocumentsToClose(row, CloseRange::Others, 5), Ids{}) << "the one to keep is gone: nothing is closed";
     EXPECT_EQ(DocumentsToSave(row, true), (Ids{7, 4}));
     EXPECT_EQ(DocumentsToSave(row, false), Ids{9});
+}
+
+TEST(Documents, WhatMayTakeLongIsReadOnAWorker) {
+    EXPECT_EQ(LoadWayOf(kLargeFile - 1, false), LoadWay::Direct);
+    EXPECT_EQ(LoadWayOf(-1, false), LoadWay::Direct) << "a file that is not there";
+    for (const auto& [size, remote] :
+         {std::pair{kLargeFile, false}, {std::int64_t{10}, true}, {std::int64_t{-1}, true}})
+        EXPECT_EQ(LoadWayOf(size, remote), LoadWay::Worker) << size;
+    EXPECT_EQ(LoadWayOf(std::int64_t{kLargestText} + 1, true), LoadWay::Refused);
+}
+
+TEST(Documents, EachWithChangesIsAskedAboutOnce) {
+    std::vector<RowEntry> row = {{1, false, true}, {2, true, false}, {3, true, true}};
+    std::vector<DocumentId> asked;
+    EXPECT_EQ(NextToAskAbout(row, {}, asked), 2);
+    asked.push_back(2);
+    row = {{3, true, true}, {2, true, false}, {4, true, false}};  // moved, closed and opened while the box was up
+    EXPECT_EQ(NextToAskAbout(row, {}, asked), 3);
+    EXPECT_EQ(NextToAskAbout(row, std::vector<DocumentId>{7, 4, 3}, asked), 4) << "in the order of the candidates";
+    asked.push_back(3);
+    asked.push_back(4);
+    EXPECT_EQ(NextToAskAbout(row, {}, asked), 0) << "the user gave up what is in 2, 3 and 4";
 }
 
 TEST(SaveRules, NothingIsReplacedOrOverwrittenUnasked) {

@@ -112,6 +112,10 @@ TEST_F(DocumentsWin, PlacesFromOutsideSplitNoCharacter) {
     CaretGoTo(editor, 8);
     EXPECT_EQ(SciSend(editor, SCI_GETCURRENTPOS), 7);
     EXPECT_NE(SciSend(editor, SCI_GETLINEVISIBLE, 1), 0) << "a folded block opens";
+    SciSend(editor, SCI_GOTOPOS, 9);
+    SciSend(editor, SCI_FOLDLINE, 0, SC_FOLDACTION_CONTRACT);
+    CaretLeaveHiddenLine(editor);
+    EXPECT_EQ(SciSend(editor, SCI_GETCURRENTPOS), 1) << "beside its column, on the line that is shown";
 }
 
 // A line of megabytes is shown plain, whatever the name and the settings say; a longer one is refused while it is read.
@@ -187,13 +191,15 @@ TEST_F(DocumentsWin, ClosingSeveralKeepsTheRestAndEndsAtCancel) {
     EXPECT_EQ(FileCloseDocuments(CloseRange::Right, ids[2]), 1);
     EXPECT_EQ(TabCount(), 3);
     EXPECT_EQ(ActiveDocumentId(), ids[2]);
-    TabAt(TabBarFindDocument(ids[0])).modified = true;
-    g_answerInstead = [](const UserQuestion&) { return Answer::Cancel; };
+    for (const DocumentId id : {ids[0], ids[2]}) TabAt(TabBarFindDocument(id)).modified = true;
+    static int asked;
+    asked = 0;
+    g_answerInstead = [](const UserQuestion&) { return ++asked == 2 ? Answer::Cancel : Answer::No; };
     EXPECT_EQ(FileCloseDocuments(CloseRange::Others, ids[1]), 0);
-    EXPECT_EQ(TabCount(), 2) << "the one right of it was closed before the question";
+    EXPECT_EQ(TabCount(), 3) << "nothing is closed before the last question is answered";
     EXPECT_EQ(ActiveDocumentId(), ids[0]) << "the user sees what the question was about";
-    g_answerInstead = [](const UserQuestion&) { return Answer::No; };
     EXPECT_EQ(FileCloseDocuments(CloseRange::Others, ids[1]), 1);
+    EXPECT_EQ(asked, 4);
     EXPECT_EQ(TabCount(), 1);
     EXPECT_EQ(ActiveDocumentId(), ids[1]);
     g_answerInstead = nullptr;

@@ -366,7 +366,7 @@ TEST(View, TabsByMouseAndKeyboard) {
     for (const auto& [answer, left, shown] : {std::tuple{IDCANCEL, L"cad", "xd.bas"}, {IDNO, L"c", "c.bas"}}) {
         editor.Do(IDM_NEXT_TAB);  // from the last to the first
         EXPECT_EQ(editor.Text(), "c.bas");
-        editor.Post(IDM_TAB_CLOSE_OTHERS);  // from the right, up to a refusal
+        editor.Post(IDM_TAB_CLOSE_OTHERS);  // all or, after a refusal, none
         editor.Answer(kUnsaved, L"Save changes to d.bas?", answer);
         EXPECT_TRUE(WaitFor([&] { return order() == left && editor.Text() == shown; })) << Utf8(order());
     }
