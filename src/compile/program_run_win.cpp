@@ -17,6 +17,7 @@
 #include "output/output_feed.h"
 #include "output/output_pane.h"
 #include "settings/compiler_table.h"
+#include "settings/settings_state.h"
 #include "ui/panes.h"
 #include "ui/ui_state.h"
 
@@ -35,6 +36,10 @@ std::wstring ProgramToRun() {
     wchar_t output[kPathCapacity] = {};
     CompilerMakeOutputPath(TabAt(g_documents.activeTab).path, output, kPathCapacity);
     return output;
+}
+
+std::wstring StartFolder(const std::wstring& program) {
+    return g_settings.programFolder[0] != L'\0' ? g_settings.programFolder : FolderOf(program);
 }
 
 // Whether the source has changes that the program cannot have, saved or not.
@@ -85,14 +90,17 @@ void RunInOutputPane() {
         SayRunProblem(L"Run failed. " + LongProgramText(program) + L"\r\n");
         return;
     }
-    OutputPaneAppend((L"--- Running: " + program + L" ---\r\n").c_str(), 0);
+    const std::wstring arguments = g_settings.programArguments;
+    OutputPaneAppend((L"--- Running: " + program + (arguments.empty() ? L"" : L" ") + arguments + L" ---\r\n").c_str(),
+                     0);
     OutputPaneAppend(RunDoubt(LastBuild(), SourceIsModified(program)).c_str(), kLineYellow);
     SayConsoleKeys(program);
-    const std::wstring folder = FolderOf(program);
+    const std::wstring folder = StartFolder(program);
     OutputFeedBegin({.diagnostics = false});  // what a program prints may look like a diagnostic
     DWORD error = 0;
-    if (!StageStart({.stage = BuildStage::Program, .commandLine = L'"' + program + L'"', .directory = folder},
-                    &error)) {
+    if (!StageStart(
+            {.stage = BuildStage::Program, .commandLine = ProgramCommandLine(program, arguments), .directory = folder},
+            &error)) {
         OutputFeedBegin({});
         SayRunProblem(L"Run failed (Win32 error " + std::to_wstring(error) + L"): " + ChildStartProblem(error, folder) +
                       L"\r\n");
@@ -113,8 +121,9 @@ void RunBuiltProgram(const std::wstring& program) {
         SayRunProblem(L"Run failed. " + LongProgramText(program) + L"\r\n");
         return;
     }
-    const auto result = reinterpret_cast<INT_PTR>(
-        ShellExecuteW(g_ui.hMainWnd, L"open", program.c_str(), nullptr, FolderOf(program).c_str(), SW_SHOWNORMAL));
+    const auto result =
+        reinterpret_cast<INT_PTR>(ShellExecuteW(g_ui.hMainWnd, L"open", program.c_str(), g_settings.programArguments,
+                                                StartFolder(program).c_str(), SW_SHOWNORMAL));
     if (result <= 32) SayRunProblem(RunErrorLine(program, static_cast<long>(result)));
 }
 

@@ -58,9 +58,8 @@ void SayLaunchFailed(DWORD error) {
 }
 
 bool Launch(const wchar_t* executable, DebuggerState* state) {
-    std::wstring commandLine = L"\"" + std::wstring(executable) + L"\"";
-    if (!g_launch.arguments.empty()) commandLine += L" " + g_launch.arguments;
     const std::wstring path = executable;
+    std::wstring commandLine = ProgramCommandLine(path, g_launch.arguments);
     const std::size_t slash = path.find_last_of(L"\\/");
     const std::wstring own = slash == std::wstring::npos ? std::wstring() : path.substr(0, slash + 1);
     const std::wstring directory = g_launch.folder.empty() ? own : g_launch.folder;

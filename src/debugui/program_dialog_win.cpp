@@ -1,4 +1,4 @@
-// The dialog for the arguments and the folder of a program that is debugged. Modal, UI thread only.
+// The dialog for the arguments and the folder of a program that is debugged or run. Modal, UI thread only.
 #include "debugui/program_dialog.h"
 
 #include "base/bounded_text.h"

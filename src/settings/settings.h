@@ -82,7 +82,7 @@ struct Settings {
     std::int32_t searchHistoryCount;
     wchar_t searchHistory[kSearchHistoryCapacity][256];
     std::int32_t backupOnSave;
-    wchar_t programArguments[1024];        // of a program that is started under the debugger
+    wchar_t programArguments[1024];        // of a program that is debugged or run
     wchar_t programFolder[kPathCapacity];  // in which it starts; empty: its own
     std::int32_t stepsFollowProgram;       // the debugger's steps; 0: to the next line by address
     std::int32_t backupSettings;

@@ -47,8 +47,9 @@ TEST(BuildGuards, EachDiagnosticOfABatchHasItsOwnFolder) {
 
 TEST(BuildGuards, AProgramRunsInTheOutputPane) {
     FakeFolder folder("make\n");
+    folder.SetIni(L"Editor", L"ProgramArguments", L"-a \"b c\"");
     Editor editor(folder, OpenArgument(folder.Write(L"kvxpane.bas", kHello)) + L" --compiler kvxa64");
-    folder.Write(L"fake.txt", "raw Name? \necho\nexit 259\n");  // for the program
+    folder.Write(L"fake.txt", "args\nraw Name? \necho\nexit 259\n");  // for the program
     editor.Do(IDM_RUN_IN_OUTPUT);
     EXPECT_TRUE(Has(editor.Output(), L"Nothing to run: build a program first (Ctrl+B).\n"));
     Build(editor);
@@ -57,6 +58,7 @@ TEST(BuildGuards, AProgramRunsInTheOutputPane) {
     EXPECT_TRUE(IsWindowVisible(terminal));
     EXPECT_EQ(editor.Focus(), terminal);
     ASSERT_TRUE(editor.AwaitOutput(L"Name? ")) << editor.Describe();
+    EXPECT_TRUE(Has(editor.Output(), L"kvxpane.exe\" -a \"b c\"\n")) << Utf8(editor.Output());
     TypeInTerminal(editor, L"Bob");
     TypeInTerminal(editor, L"");
     EXPECT_TRUE(editor.AwaitOutput(L"\nName? Bob\n")) << Utf8(editor.Output());
