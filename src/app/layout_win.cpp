@@ -19,9 +19,7 @@
 
 namespace {
 
-constexpr int kStickyHeight = 22;   // at 96 dpi
-constexpr int kMinimumWidth = 480;  // of the whole window, at 96 dpi
-constexpr int kMinimumHeight = 320;
+constexpr int kStickyHeight = 22;  // at 96 dpi
 
 LayoutRatios g_ratios;
 

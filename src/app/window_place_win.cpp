@@ -68,8 +68,10 @@ void ApplyStoredPlace(HWND window, const StoredPlace& stored) {
     const int anywhere = std::clamp(left, work->left, std::max(work->left, work->right - 1));
     SetWindowPos(window, nullptr, anywhere, work->top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
     g_app.dpi = static_cast<int>(GetDpiForWindow(window));
-    const int width = MulDiv(oldWidth, g_app.dpi, stored.dpi);
-    const int height = MulDiv(std::min<int>(stored.height, kFarAway), g_app.dpi, stored.dpi);
+    // The window would not become smaller than its least size, and would then not be where it was fitted in.
+    const int width = std::max(MulDiv(oldWidth, g_app.dpi, stored.dpi), UiScaled(kMinimumWidth));
+    const int height =
+        std::max(MulDiv(std::min<int>(stored.height, kFarAway), g_app.dpi, stored.dpi), UiScaled(kMinimumHeight));
     const PaneRect place = PlaceForReturn({left, top, left + width, top + height}, *work, captionHeight);
     SetWindowPos(window, nullptr, place.left, place.top, place.width(), place.height(), SWP_NOZORDER | SWP_NOACTIVATE);
 }

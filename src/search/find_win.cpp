@@ -265,8 +265,17 @@ void PlaceFindDialog(HWND dialog, HWND owner) {
     GetWindowRect(owner, &frame);
     GetWindowRect(dialog, &size);
     const int margin = UiScaled(24);
-    const LONG left = std::max(frame.left, frame.right - (size.right - size.left) - margin);
-    SetWindowPos(dialog, nullptr, left, frame.top + 4 * margin, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    const LONG width = size.right - size.left, height = size.bottom - size.top;
+    LONG left = std::max(frame.left, frame.right - width - margin);
+    LONG top = frame.top + 4 * margin;
+    MONITORINFO monitor = {};
+    monitor.cbSize = sizeof(monitor);
+    if (GetMonitorInfoW(MonitorFromWindow(owner, MONITOR_DEFAULTTONEAREST), &monitor)) {
+        const RECT& work = monitor.rcWork;  // a part of the owner may be outside of it
+        left = std::max(work.left, std::min(left, work.right - width));
+        top = std::max(work.top, std::min(top, work.bottom - height));
+    }
+    SetWindowPos(dialog, nullptr, left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void OnFindCommand(HWND dialog, int command) {
