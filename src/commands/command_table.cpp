@@ -133,6 +133,8 @@ constexpr CommandRow kCommands[] = {
     {IDM_HELP_ABOUT, kAlways},
     {IDM_NEXT_TAB, kHasTab},
     {IDM_PREVIOUS_TAB, kHasTab},
+    {IDM_NEXT_PANE, kAlways},
+    {IDM_PREVIOUS_PANE, kAlways},
     {IDM_NAV_BACK, kHasTab},
     {IDM_NAV_FORWARD, kHasTab},
     {IDM_TAB_CLOSE_OTHERS, kHasTab | kHasOtherTabs},
@@ -164,7 +166,7 @@ constexpr auto kAllCommands = AllCommands(std::make_index_sequence<kCompilerCoun
 // Virtual key numbers, defined here because this file includes no <windows.h>.
 constexpr std::uint16_t kCancel = 0x03, kTab = 0x09, kLeft = 0x25, kRight = 0x27, kZero = 0x30, kNumpad0 = 0x60,
                         kNumpadAdd = 0x6B, kNumpadSubtract = 0x6D, kF2 = 0x71, kF3 = 0x72, kF4 = 0x73, kF5 = 0x74,
-                        kF8 = 0x77, kF9 = 0x78, kF10 = 0x79, kF7 = 0x76, kF11 = 0x7A, kBackquote = 0xC0,
+                        kF8 = 0x77, kF9 = 0x78, kF10 = 0x79, kF6 = 0x75, kF7 = 0x76, kF11 = 0x7A, kBackquote = 0xC0,
                         kOemPlus = 0xBB, kOemMinus = 0xBD;
 
 constexpr ExtraKey kExtraKeys[] = {
@@ -202,6 +204,8 @@ constexpr ExtraKey kExtraKeys[] = {
     {kF2, true, true, false, IDM_BOOKMARKS_CLEAR},
     {kF2, false, false, true, IDM_TOOLBAR_MORE},
     {kF7, true, false, false, IDM_NEXT_COMPILER},
+    {kF6, false, false, false, IDM_NEXT_PANE},
+    {kF6, false, true, false, IDM_PREVIOUS_PANE},
     {kBackquote, true, false, false, IDM_VIEW_TERMINAL},
     {'E', true, true, false, IDM_VIEW_TREE},
     {'M', true, true, false, IDM_VIEW_ERROR_LIST},

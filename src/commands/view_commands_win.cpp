@@ -12,6 +12,8 @@
 
 #include <commdlg.h>
 
+#include <vector>
+
 namespace {
 
 template <std::int32_t Settings::*setting>
@@ -64,6 +66,24 @@ void TogglePane(int command) {
     PaneShow(pane.id, !seen);
 }
 
+// Gives the keyboard to the next pane that is shown, or to the one before; the editor is one of them.
+void FocusPaneBeside(int command) {
+    std::vector<HWND> stops = {g_documents.hEditor};
+    std::size_t at = 0;
+    const PaneSpec* current = PaneOfWindow(GetFocus());
+    for (const PaneSpec& pane : Panes()) {
+        if (!IsWindowVisible(*pane.window)) continue;
+        if (&pane == current) at = stops.size();
+        stops.push_back(*pane.window);
+    }
+    const std::size_t step = command == IDM_NEXT_PANE ? 1 : stops.size() - 1;
+    const HWND next = stops[(at + step) % stops.size()];
+    if (next == g_documents.hEditor)
+        FocusCurrentEditor();
+    else
+        SetFocus(next);
+}
+
 constexpr CommandHandler kViewHandlers[] = {
     {IDM_VIEW_TOOLBAR, ToggleSetting<&Settings::showToolbar>},
     {IDM_VIEW_STATUS_BAR, ToggleSetting<&Settings::showStatusbar>},
@@ -74,6 +94,8 @@ constexpr CommandHandler kViewHandlers[] = {
     {IDM_VIEW_TREE, TogglePane},
     {IDM_VIEW_TERMINAL, TogglePane},
     {IDM_VIEW_ERROR_LIST, TogglePane},
+    {IDM_NEXT_PANE, FocusPaneBeside},
+    {IDM_PREVIOUS_PANE, FocusPaneBeside},
     {IDM_VIEW_WHITESPACE, ToggleSetting<&Settings::showWhitespace>},
     {IDM_VIEW_WORD_WRAP, ToggleSetting<&Settings::wordWrap>},
     // Only the active editor zooms here. Its SCN_ZOOM changes the setting, which zooms the other editors.

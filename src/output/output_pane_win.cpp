@@ -1,6 +1,7 @@
 // The output pane's window: font and colours, keys, context menu. The feed (output_feed.h) supplies its text.
 #include "output/output_pane.h"
 
+#include "documents/document_row.h"
 #include "output/output_feed.h"
 #include "output/output_state.h"
 #include "output/show_timer.h"
@@ -60,6 +61,7 @@ LRESULT CALLBACK OutputPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
                 OutputPaneNavigateError();
                 return 0;
             }
+            if (wParam == VK_ESCAPE) FocusCurrentEditor();
             break;
         case WM_CONTEXTMENU:
             ShowContextMenu(pane, {static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))});

@@ -134,6 +134,8 @@
 // --- Internal commands
 #define IDM_NEXT_TAB 1950
 #define IDM_PREVIOUS_TAB 1951
+#define IDM_NEXT_PANE 1985
+#define IDM_PREVIOUS_PANE 1986
 #define IDM_NAV_BACK 1952
 #define IDM_NAV_FORWARD 1953
 #define IDM_FIND_NEXT 1954

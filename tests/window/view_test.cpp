@@ -205,6 +205,16 @@ TEST(View, BookmarksRecentFilesAndPanesAreWithinReach) {
     editor.Do(IDM_VIEW_TERMINAL);
     EXPECT_TRUE(IsWindowVisible(editor.Child(IDC_TERMINAL)));
     EXPECT_EQ(editor.Focus(), editor.Child(IDC_TERMINAL));
+    editor.Foreground();
+    for (const int pane : {IDC_PROJECT_TREE, 0, IDC_OUTPUT, IDC_ERROR_LIST}) {  // after the last pane the first
+        const HWND wanted = pane == 0 ? editor.Sci() : editor.Child(pane);
+        editor.Keys({VK_F6});
+        EXPECT_TRUE(WaitFor([&] { return editor.Focus() == wanted; })) << pane;
+    }
+    editor.Keys({VK_SHIFT, VK_F6});
+    EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Child(IDC_OUTPUT); }));
+    editor.Keys({VK_ESCAPE});
+    EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
 
     editor.Do(IDM_RECENT_FILE_FIRST + 1);
     EXPECT_EQ(editor.TabLabel(editor.ActiveTab()), L"two.bas");
