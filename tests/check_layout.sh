@@ -96,6 +96,9 @@ own_header_first() {
     done < <(find src -type f -name '*.cpp' | sort)
 }
 
+# The system's subclassing costs two system calls at each message (ui/subclass.h).
+one_subclassing() { sources | xargs -r grep -nHE '\b(Set|Remove)WindowSubclass *\(|\bDefSubclassProc *\(' || true; }
+
 pragma_once() {
     find src -type f -name '*.h' | sort | xargs -r grep -L '^#pragma once' | sed 's/$/: no #pragma once/' || true
 }
@@ -116,6 +119,7 @@ check "the global record" global_record
 check "pure files" pure_files
 check "files too long" file_length
 check "own header first" own_header_first
+check "one kind of subclassing" one_subclassing
 check "#pragma once" pragma_once
 check "references to documents outside the repository" outside_references
 case "$(clang-format --version 2>/dev/null)" in

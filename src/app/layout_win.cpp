@@ -40,9 +40,19 @@ LayoutInput LayoutInputOf(int width, int height) {
             .debugWidth = g_app.debugPaneWidth};
 }
 
+// True when the window is where it should be: moving it there once more would cost several system calls.
+bool IsPlaced(HWND child, const PaneRect& area) {
+    const bool visible = (GetWindowLongW(child, GWL_STYLE) & WS_VISIBLE) != 0;
+    if (area.empty() || !visible) return area.empty() && !visible;
+    RECT now = {};
+    GetWindowRect(child, &now);
+    MapWindowPoints(nullptr, g_app.hMainWnd, reinterpret_cast<POINT*>(&now), 2);
+    return now.left == area.left && now.top == area.top && now.right == area.right && now.bottom == area.bottom;
+}
+
 // Moves one child window; an empty rectangle hides it. DeferWindowPos lets a resize repaint only once.
 void PlaceChild(HDWP& moves, HWND child, const PaneRect& area) {
-    if (child == nullptr || moves == nullptr) return;
+    if (child == nullptr || moves == nullptr || IsPlaced(child, area)) return;
     const UINT flags = area.empty() ? SWP_HIDEWINDOW | SWP_NOMOVE | SWP_NOSIZE : SWP_SHOWWINDOW;
     moves = DeferWindowPos(moves, child, nullptr, area.left, area.top, area.width(), area.height(),
                            flags | SWP_NOZORDER | SWP_NOACTIVATE);

@@ -38,9 +38,8 @@ HWND CreateChild(const wchar_t* className, const wchar_t* text, DWORD exStyle, D
 
 void CreateChildren(HWND window) {
     g_app.hToolbar = ToolbarCreate(window, IDC_TOOLBAR);
-    g_app.hTabCtrl =
-        CreateChild(WC_TABCONTROLW, nullptr, 0,
-                    WS_VISIBLE | TCS_OWNERDRAWFIXED | TCS_FIXEDWIDTH | TCS_FOCUSNEVER | TCS_TOOLTIPS, IDC_TABS);
+    g_app.hTabCtrl = CreateChild(WC_TABCONTROLW, nullptr, 0,
+                                 WS_VISIBLE | TCS_OWNERDRAWFIXED | TCS_FIXEDWIDTH | TCS_FOCUSNEVER, IDC_TABS);
     TabBarInit(g_app.hTabCtrl);
     g_app.hStickyHeader = CreateChild(WC_STATICW, nullptr, 0, WS_VISIBLE | SS_OWNERDRAW, IDC_STICKY_HEADER);
     for (const int splitter : {IDC_SPLIT_OUTPUT, IDC_SPLIT_ASM, IDC_SPLIT_DEBUG, IDC_SPLIT_TREE})

@@ -16,6 +16,7 @@
 #include "ui/dpi.h"
 #include "ui/fonts.h"
 #include "ui/rich_lines.h"
+#include "ui/subclass.h"
 
 #include <commctrl.h>
 
@@ -42,7 +43,7 @@ HWND CreateTerminal(HWND parent, int controlId) {
         CreateWindowExW(WS_EX_CLIENTEDGE, WC_EDITW, nullptr, WS_CHILD | WS_CLIPSIBLINGS | ES_AUTOHSCROLL, 0, 0, 0, 0,
                         parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_app.hInstance, nullptr);
     if (line == nullptr) return nullptr;
-    SetWindowSubclass(line, TerminalSubclassProc, 1, 0);
+    SubclassAdd(line, TerminalSubclassProc);
     return line;
 }
 

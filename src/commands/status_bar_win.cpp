@@ -14,6 +14,7 @@
 #include "ui/dpi.h"
 #include "ui/fonts.h"
 #include "ui/paint.h"
+#include "ui/subclass.h"
 
 #include <commctrl.h>
 
@@ -129,16 +130,15 @@ void PaintStatusBar(HWND window) {
     SelectObject(dc, oldFont);
 }
 
-LRESULT CALLBACK StatusBarProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+LRESULT CALLBACK StatusBarProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
     switch (message) {
         case WM_ERASEBKGND: return 1;
         case WM_PAINT:
             if (!g_takesText) PaintStatusBar(window);
             return 0;
-        case WM_NCDESTROY: RemoveWindowSubclass(window, StatusBarProc, 1); break;
         default: break;
     }
-    return DefSubclassProc(window, message, wParam, lParam);
+    return SubclassNext(window, message, wParam, lParam);
 }
 
 std::wstring SelectionText(HWND editor) {
@@ -161,7 +161,7 @@ HWND StatusBarCreate(HWND parent, int controlId) {
         0, STATUSCLASSNAMEW, nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | CCS_NORESIZE | CCS_NOPARENTALIGN, 0, 0,
         0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_ui.hInstance, nullptr);
     if (bar == nullptr) return nullptr;
-    SetWindowSubclass(bar, StatusBarProc, 1, 0);
+    SubclassAdd(bar, StatusBarProc);
     // The parts must exist before a text is set. StatusBarLayout sets their widths.
     int ends[kStatusPartCount] = {};
     SendMessageW(bar, SB_SETPARTS, kStatusPartCount, reinterpret_cast<LPARAM>(ends));

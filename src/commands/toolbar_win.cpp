@@ -14,6 +14,7 @@
 #include "ui/dpi.h"
 #include "ui/fonts.h"
 #include "ui/paint.h"
+#include "ui/subclass.h"
 
 #include <commctrl.h>
 
@@ -37,6 +38,7 @@ constexpr int kFirstGap = 1;     // id of the first gap; the ids of commands are
 
 HIMAGELIST g_images = nullptr;
 HIMAGELIST g_disabledImages = nullptr;
+HWND g_tooltip = nullptr;  // null until the toolbar has made it
 std::optional<CommandView> g_applied;     // the state that the buttons show; no value: not known
 std::uint32_t g_conditions = kNoSession;  // the conditions by which buttons are shown
 std::vector<HiddenButton> g_hidden;       // the buttons without room
@@ -58,11 +60,13 @@ int ButtonId(const ButtonRow& row) {
     return row.command != 0 ? row.command : kFirstGap + static_cast<int>(&row - kToolbarButtons);
 }
 
+// All at once, because the control lays out all its buttons at each message.
 void AddButtons(HWND bar) {
     int image = 0;
     const std::wstring compilerText = ToolbarCompilerText();
+    std::vector<TBBUTTON> buttons;
     for (const ButtonRow& row : kToolbarButtons) {
-        TBBUTTON button = {};
+        TBBUTTON& button = buttons.emplace_back();
         button.fsState = TBSTATE_ENABLED;
         button.idCommand = ButtonId(row);
         if (row.command == 0) {
@@ -77,8 +81,8 @@ void AddButtons(HWND bar) {
             button.fsStyle = opens ? BTNS_DROPDOWN : row.showsState ? BTNS_CHECK : BTNS_BUTTON;
             button.iBitmap = image++;
         }
-        SendMessageW(bar, TB_ADDBUTTONSW, 1, reinterpret_cast<LPARAM>(&button));
     }
+    SendMessageW(bar, TB_ADDBUTTONSW, buttons.size(), reinterpret_cast<LPARAM>(buttons.data()));
 }
 
 int CompilerTextWidth() {
@@ -95,15 +99,18 @@ int ButtonWidth(const ButtonRow& row) {
     }
 }
 
-// Sets the width of each button, because the control makes all buttons as wide as the one with text.
+// Sets the width of each button, because the control makes all buttons as wide as the one with text. A width that is
+// right already is left alone: setting one repaints the whole bar.
 void SizeButtons() {
     for (const ButtonRow& row : kToolbarButtons) {
+        const auto id = static_cast<WPARAM>(ButtonId(row));
         TBBUTTONINFOW info = {};
         info.cbSize = sizeof(info);
         info.dwMask = TBIF_SIZE;
-        info.cx = static_cast<WORD>(ButtonWidth(row));
-        SendMessageW(g_commands.hToolbar, TB_SETBUTTONINFOW, static_cast<WPARAM>(ButtonId(row)),
-                     reinterpret_cast<LPARAM>(&info));
+        SendMessageW(g_commands.hToolbar, TB_GETBUTTONINFOW, id, reinterpret_cast<LPARAM>(&info));
+        const auto wanted = static_cast<WORD>(ButtonWidth(row));
+        if (std::exchange(info.cx, wanted) != wanted)
+            SendMessageW(g_commands.hToolbar, TB_SETBUTTONINFOW, id, reinterpret_cast<LPARAM>(&info));
     }
 }
 
@@ -212,7 +219,7 @@ LRESULT EraseBar(HWND bar, HDC dc) {
     return 1;
 }
 
-LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
     switch (message) {
         case WM_ERASEBKGND: return EraseBar(window, reinterpret_cast<HDC>(wParam));
         case WM_LBUTTONDBLCLK:
@@ -220,10 +227,9 @@ LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
             break;
         case WM_LBUTTONUP: g_applied.reset(); break;  // because a click changes a check button's state
         case WM_SIZE: FitButtons(); break;
-        case WM_NCDESTROY: RemoveWindowSubclass(window, ToolbarProc, 1); break;
         default: break;
     }
-    return DefSubclassProc(window, message, wParam, lParam);
+    return SubclassNext(window, message, wParam, lParam);
 }
 
 }  // namespace
@@ -237,7 +243,7 @@ HWND ToolbarCreate(HWND parent, int controlId) {
     if (bar == nullptr) return nullptr;
     SendMessageW(bar, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
     SendMessageW(bar, TB_SETEXTENDEDSTYLE, 0, TBSTYLE_EX_MIXEDBUTTONS | TBSTYLE_EX_DOUBLEBUFFER);
-    SetWindowSubclass(bar, ToolbarProc, 1, 0);
+    SubclassAdd(bar, ToolbarProc);
     AddButtons(bar);
     return bar;
 }
@@ -253,7 +259,7 @@ void ToolbarApplyTheme() {
     SendMessageW(g_commands.hToolbar, TB_SETINDENT, static_cast<WPARAM>(UiScaled(kBarPadding)), 0);
     SendMessageW(g_commands.hToolbar, TB_SETBUTTONSIZE, 0, MAKELPARAM(UiScaled(kButtonSize), UiScaled(kButtonSize)));
     SendMessageW(g_commands.hToolbar, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
-    TooltipApplyTheme(reinterpret_cast<HWND>(SendMessageW(g_commands.hToolbar, TB_GETTOOLTIPS, 0, 0)));
+    TooltipApplyTheme(g_tooltip);
     ToolbarUpdateCompiler();
     SizeButtons();
     FitButtons();
@@ -269,6 +275,7 @@ void ToolbarDestroyImages() {
 }
 
 void ToolbarUpdateCompiler() {
+    if (g_images == nullptr) return;  // not complete: ToolbarApplyTheme comes later
     const std::wstring text = ToolbarCompilerText();
     wchar_t shown[128] = {};
     TBBUTTONINFOW info = {};
@@ -331,6 +338,11 @@ bool ToolbarHandleNotify(const NMHDR& header, LRESULT* result) {
     // The answer goes into the notification's own record.
     if (header.code == TTN_GETDISPINFOW)
         return FillToolbarTip(*reinterpret_cast<NMTTDISPINFOW*>(const_cast<NMHDR*>(&header)));
+    if (header.code == NM_TOOLTIPSCREATED && header.idFrom == IDC_TOOLBAR) {
+        g_tooltip = reinterpret_cast<const NMTOOLTIPSCREATED&>(header).hwndToolTips;
+        TooltipApplyTheme(g_tooltip);
+        return true;
+    }
     if (header.hwndFrom != g_commands.hToolbar || g_commands.hToolbar == nullptr) return false;
     if (header.code == NM_CUSTOMDRAW) {
         *result = DrawBar(reinterpret_cast<const NMTBCUSTOMDRAW&>(header));

@@ -3,8 +3,7 @@
 
 #include <windows.h>
 
-LRESULT CALLBACK TerminalSubclassProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                      DWORD_PTR data);
+LRESULT CALLBACK TerminalSubclassProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR data);
 
 // A program that got its input from the line has ended. Returns whether the line holds text that was typed for it. The
 // next Enter does not run that text as a command.

@@ -15,6 +15,7 @@
 #include "output/line_colours.h"
 #include "output/output_feed.h"
 #include "output/output_pane.h"
+#include "ui/subclass.h"
 
 #include <commctrl.h>
 
@@ -149,7 +150,7 @@ bool TerminalProgramEnded() {
     return g_typedForProgram;
 }
 
-LRESULT CALLBACK TerminalSubclassProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
+LRESULT CALLBACK TerminalSubclassProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
     switch (message) {
         case WM_KEYDOWN:
             if (OnTerminalKey(window, wParam)) return 0;
@@ -160,8 +161,7 @@ LRESULT CALLBACK TerminalSubclassProc(HWND window, UINT message, WPARAM wParam, 
             if (wParam == kCtrlZ && StageIsProgram() && GetWindowTextLengthW(window) == 0) return 0;
             break;
         case WM_KILLFOCUS: g_typedForProgram = false; break;
-        case WM_NCDESTROY: RemoveWindowSubclass(window, TerminalSubclassProc, id); break;
         default: break;
     }
-    return DefSubclassProc(window, message, wParam, lParam);
+    return SubclassNext(window, message, wParam, lParam);
 }

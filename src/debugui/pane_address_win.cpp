@@ -2,13 +2,12 @@
 #include "debugui/pane_internal.h"
 
 #include "resources/ids.h"
+#include "ui/subclass.h"
 #include "ui/ui_state.h"
 
 #include <commctrl.h>
 
 namespace {
-
-constexpr UINT_PTR kSubclassId = 1;
 
 bool OnAddressKey(HWND box, WPARAM key) {
     if (PaneHandleFocusKey(box, key)) return true;
@@ -22,7 +21,7 @@ bool OnAddressKey(HWND box, WPARAM key) {
     return true;
 }
 
-LRESULT CALLBACK AddressProc(HWND box, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
+LRESULT CALLBACK AddressProc(HWND box, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
     switch (message) {
         case WM_KEYDOWN:
             if (OnAddressKey(box, wParam)) return 0;
@@ -30,10 +29,9 @@ LRESULT CALLBACK AddressProc(HWND box, UINT message, WPARAM wParam, LPARAM lPara
         case WM_CHAR:
             if (wParam == VK_RETURN || wParam == VK_TAB || wParam == VK_ESCAPE) return 0;  // no beep
             break;
-        case WM_NCDESTROY: RemoveWindowSubclass(box, AddressProc, id); break;
         default: break;
     }
-    return DefSubclassProc(box, message, wParam, lParam);
+    return SubclassNext(box, message, wParam, lParam);
 }
 
 }  // namespace
@@ -42,6 +40,6 @@ HWND PaneAddressCreate(HWND parent) {
     const HWND box = CreateWindowExW(
         0, WC_EDITW, nullptr, WS_CHILD | WS_CLIPSIBLINGS | WS_TABSTOP | WS_BORDER | ES_AUTOHSCROLL, 0, 0, 0, 0, parent,
         reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_DEBUG_ADDRESS)), g_ui.hInstance, nullptr);
-    if (box != nullptr) SetWindowSubclass(box, AddressProc, kSubclassId, 0);
+    if (box != nullptr) SubclassAdd(box, AddressProc);
     return box;
 }

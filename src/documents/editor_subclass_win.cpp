@@ -8,6 +8,7 @@
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "ui/menu_draw.h"
+#include "ui/subclass.h"
 #include "ui/ui_state.h"
 
 #include <commctrl.h>
@@ -20,7 +21,6 @@
 
 namespace {
 
-constexpr UINT_PTR kSubclassId = 1;
 constexpr int kClassNameLength = 48;
 
 // All panes. A vector is searched faster than a window property is read, because there are few panes and each key looks
@@ -99,11 +99,11 @@ bool IsUnwantedCharacter(WPARAM character) {
 
 LRESULT PaintPane(HWND pane, WPARAM wParam, LPARAM lParam) {
     const PaneState* state = PaneStateOf(pane);
-    if (state != nullptr && state->emptyPaint) return DefSubclassProc(pane, WM_PAINT, wParam, lParam);
+    if (state != nullptr && state->emptyPaint) return SubclassNext(pane, WM_PAINT, wParam, lParam);
     EditorPaneCheckLineMargin(pane);
     const bool colours = EditorColourBeforePaint(pane);
     EditorPaneMarkInlineRegions(pane);
-    const LRESULT result = DefSubclassProc(pane, WM_PAINT, wParam, lParam);
+    const LRESULT result = SubclassNext(pane, WM_PAINT, wParam, lParam);
     if (colours) EditorColourAfterPaint(pane);
     return result;
 }
@@ -112,7 +112,7 @@ LRESULT PaintPane(HWND pane, WPARAM wParam, LPARAM lParam) {
 LRESULT OnPaneMouseActivate(HWND pane, WPARAM wParam, LPARAM lParam) {
     LogPaneMouse(pane, WM_MOUSEACTIVATE, wParam, lParam);
     if (PaneState* state = PaneStateOf(pane); state != nullptr) state->pressing = LOWORD(lParam) == HTCLIENT;
-    return DefSubclassProc(pane, WM_MOUSEACTIVATE, wParam, lParam);
+    return SubclassNext(pane, WM_MOUSEACTIVATE, wParam, lParam);
 }
 
 // A press that never came, of a button that Scintilla does not know.
@@ -124,7 +124,7 @@ LRESULT OnPaneButtonDown(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) 
     LogPaneMouse(pane, message, wParam, lParam);
     if (PaneState* state = PaneStateOf(pane); state != nullptr) state->pressing = true;
     if (message == WM_LBUTTONDOWN) TakeFocus(pane);
-    const LRESULT result = DefSubclassProc(pane, message, wParam, lParam);
+    const LRESULT result = SubclassNext(pane, message, wParam, lParam);
     CaretLeaveHiddenLine(pane);  // the press may have folded a block
     if (PaneState* state = PaneStateOf(pane); state != nullptr) state->pressing = false;
     return result;
@@ -148,7 +148,7 @@ bool ContinuesWord(WPARAM character) {
 LRESULT OnPaneCharacter(HWND pane, WPARAM wParam, LPARAM lParam) {
     if (IsUnwantedCharacter(wParam)) return 0;
     const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
-    const LRESULT result = DefSubclassProc(pane, WM_CHAR, wParam, lParam);
+    const LRESULT result = SubclassNext(pane, WM_CHAR, wParam, lParam);
     const LRESULT after = SciSend(pane, SCI_GETCURRENTPOS);
     if (!ContinuesWord(wParam) && after == before + 1) EditorPaneUpperKeywordBefore(pane, before);
     return result;
@@ -158,7 +158,7 @@ LRESULT OnPaneReturnKey(HWND pane, WPARAM wParam, LPARAM lParam) {
     const LRESULT lines = SciSend(pane, SCI_GETLINECOUNT);
     const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
     SciSend(pane, SCI_BEGINUNDOACTION);  // one undo step for the line break and the indentation
-    const LRESULT result = DefSubclassProc(pane, WM_KEYDOWN, wParam, lParam);
+    const LRESULT result = SubclassNext(pane, WM_KEYDOWN, wParam, lParam);
     if (SciSend(pane, SCI_GETLINECOUNT) == lines + 1) {
         EditorPaneUpperKeywordBefore(pane, before);
         EditorPaneAfterNewLine(pane);
@@ -170,14 +170,14 @@ LRESULT OnPaneReturnKey(HWND pane, WPARAM wParam, LPARAM lParam) {
 // Scintilla shows a menu of its own, and the pane is its owner.
 LRESULT ShowPaneMenu(HWND pane, WPARAM wParam, LPARAM lParam) {
     MenuDrawAttach(pane);
-    const LRESULT result = DefSubclassProc(pane, WM_CONTEXTMENU, wParam, lParam);
+    const LRESULT result = SubclassNext(pane, WM_CONTEXTMENU, wParam, lParam);
     MenuDrawDetach(pane);
     return result;
 }
 
 LRESULT OnPaneDestroy(HWND pane, UINT message, WPARAM wParam, LPARAM lParam);
 
-LRESULT CALLBACK EditorPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+LRESULT CALLBACK EditorPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
     switch (message) {
         case WM_PAINT: return PaintPane(pane, wParam, lParam);
         case WM_CHAR: return OnPaneCharacter(pane, wParam, lParam);
@@ -203,15 +203,15 @@ LRESULT CALLBACK EditorPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
         case WM_DESTROY: return OnPaneDestroy(pane, message, wParam, lParam);
         default: LogPaneMouse(pane, message, wParam, lParam); break;
     }
-    return DefSubclassProc(pane, message, wParam, lParam);
+    return SubclassNext(pane, message, wParam, lParam);
 }
 
 LRESULT OnPaneDestroy(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
     EditorColourStop(pane);
     SciDetach(pane);
     std::erase_if(g_panes, [pane](const PaneEntry& entry) { return entry.editor == pane; });
-    RemoveWindowSubclass(pane, EditorPaneProc, kSubclassId);
-    return DefSubclassProc(pane, message, wParam, lParam);
+    SubclassRemove(pane, EditorPaneProc);
+    return SubclassNext(pane, message, wParam, lParam);
 }
 
 }  // namespace
@@ -224,7 +224,7 @@ PaneState* PaneStateOf(HWND editor) {
 
 bool EditorPaneInstallSubclass(HWND editor) {
     auto state = std::make_unique<PaneState>();
-    if (!SetWindowSubclass(editor, EditorPaneProc, kSubclassId, 0)) return false;
+    if (!SubclassAdd(editor, EditorPaneProc)) return false;
     g_panes.push_back({editor, std::move(state)});
     SciAttach(editor);
     return true;

@@ -11,6 +11,7 @@
 #include "ui/dpi.h"
 #include "ui/menu.h"
 #include "ui/rich_lines.h"
+#include "ui/subclass.h"
 
 #include <commctrl.h>
 #include <richedit.h>
@@ -49,10 +50,10 @@ void ShowContextMenu(HWND pane, POINT at) {
     }
 }
 
-LRESULT CALLBACK OutputPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
+LRESULT CALLBACK OutputPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
     switch (message) {
         case WM_LBUTTONDBLCLK: {
-            const LRESULT result = DefSubclassProc(pane, message, wParam, lParam);  // puts the caret on the line
+            const LRESULT result = SubclassNext(pane, message, wParam, lParam);  // puts the caret on the line
             OutputPaneNavigateError();
             return result;
         }
@@ -66,10 +67,9 @@ LRESULT CALLBACK OutputPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
         case WM_CONTEXTMENU:
             ShowContextMenu(pane, {static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))});
             return 0;
-        case WM_NCDESTROY: RemoveWindowSubclass(pane, OutputPaneProc, id); break;
         default: break;
     }
-    return DefSubclassProc(pane, message, wParam, lParam);
+    return SubclassNext(pane, message, wParam, lParam);
 }
 
 void SetFormat(HWND pane, WPARAM scope) {
@@ -111,7 +111,7 @@ void OutputPaneInit(HWND pane) {
     SendMessageW(pane, EM_SETUNDOLIMIT, 0, 0);
     SendMessageW(pane, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
     SendMessageW(pane, EM_SETTARGETDEVICE, 0, 1);  // no wrapping: a line of output is a line of the pane
-    SetWindowSubclass(pane, OutputPaneProc, 1, 0);
+    SubclassAdd(pane, OutputPaneProc);
 }
 
 void OutputPaneAppend(const wchar_t* text, COLORREF colour) {

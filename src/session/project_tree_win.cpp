@@ -22,6 +22,7 @@
 #include "ui/message.h"
 #include "ui/paint.h"
 #include "ui/redraw.h"
+#include "ui/subclass.h"
 #include "ui/ui_state.h"
 
 #include <windows.h>
@@ -36,8 +37,6 @@
 #include <vector>
 
 namespace {
-
-constexpr UINT_PTR kSubclassId = 1;
 
 enum MenuCommand : UINT { kMenuOpen = 1, kMenuCopyPath, kMenuRefresh };
 
@@ -207,7 +206,7 @@ void OnTreeDestroy(HWND window) {
     g_tree = {};
 }
 
-LRESULT CALLBACK ProjectTreeSubclassProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+LRESULT CALLBACK ProjectTreeSubclassProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
     switch (message) {
         case MSG_TREE_ITEMS: {
             OnTreeListing(*WorkerTake<TreeListingPtr>(wParam));
@@ -221,18 +220,15 @@ LRESULT CALLBACK ProjectTreeSubclassProc(HWND window, UINT message, WPARAM wPara
             }
             break;
         case WM_WINDOWPOSCHANGED: {
-            const LRESULT moved = DefSubclassProc(window, message, wParam, lParam);
+            const LRESULT moved = SubclassNext(window, message, wParam, lParam);
             const bool shown = (reinterpret_cast<const WINDOWPOS*>(lParam)->flags & SWP_SHOWWINDOW) != 0;
             if (shown && g_tree.stale) ProjectTreePopulate();
             return moved;
         }
-        case WM_NCDESTROY:
-            OnTreeDestroy(window);
-            RemoveWindowSubclass(window, ProjectTreeSubclassProc, kSubclassId);
-            break;
+        case WM_NCDESTROY: OnTreeDestroy(window); break;
         default: break;
     }
-    return DefSubclassProc(window, message, wParam, lParam);
+    return SubclassNext(window, message, wParam, lParam);
 }
 
 }  // namespace
@@ -245,8 +241,7 @@ HWND ProjectTreeCreate(HWND parent, int controlId) {
         AppLogMsg(L"FAIL: ProjectTreeCreate error=%lu", GetLastError());
         return nullptr;
     }
-    if (SetWindowSubclass(window, ProjectTreeSubclassProc, kSubclassId, 0) == FALSE)
-        AppLogMsg(L"FAIL: ProjectTreeCreate could not subclass");
+    if (SubclassAdd(window, ProjectTreeSubclassProc) == FALSE) AppLogMsg(L"FAIL: ProjectTreeCreate could not subclass");
     return window;
 }
 

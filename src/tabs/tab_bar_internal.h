@@ -32,5 +32,5 @@ void TabBarPaintScroller(HDC dc, const RECT& client, bool pressedLeft, bool pres
 // Places the control's own arrows at the right end and subclasses them for painting. Does nothing while all tabs fit.
 void TabBarPlaceScroller(HWND tabControl);
 
-// Subclasses the control for pointer and painting, and creates the tooltip. False when the subclass could not be set.
+// Subclasses the control for pointer and painting. False when the subclass could not be set.
 bool TabBarInstallSubclass(HWND tabControl);

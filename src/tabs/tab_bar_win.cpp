@@ -77,7 +77,6 @@ void TabBarInit(HWND tabControl) {
     if (!TabBarInstallSubclass(tabControl)) AppLogMsg(L"FAIL: TabBarInit: no subclass");
     ApplyTabFont();
     TabBarUpdateWidths();
-    TooltipApplyTheme(g_tabBar.tooltip);
 }
 
 void TabBarOnOpened(DocumentId document) {
@@ -132,4 +131,5 @@ bool TabBarHandleNotify(const NMHDR& header) {
 void TabBarApplyTheme() {
     ApplyTabFont();
     TabBarUpdateWidths();
+    TooltipApplyTheme(g_tabBar.tooltip);
 }

@@ -6,8 +6,10 @@
 #include "documents/document_row.h"
 #include "resources/ids.h"
 #include "tabs/tabs_state.h"
+#include "ui/control_theme.h"
 #include "ui/menu.h"
 #include "ui/paint.h"
+#include "ui/subclass.h"
 #include "ui/ui_state.h"
 
 #include <commctrl.h>
@@ -18,8 +20,6 @@
 TabBarState g_tabBar;
 
 namespace {
-
-constexpr UINT_PTR kSubclassId = 1;
 
 void RepaintStrip() { InvalidateRect(g_tabs.hTabCtrl, nullptr, FALSE); }
 
@@ -78,12 +78,29 @@ void CaptureForDrag(HWND strip) {
 
 LRESULT OnStripPressed(HWND strip, WPARAM wParam, POINT at) {
     if (OnTabPressed(strip, at)) return 0;
-    DefSubclassProc(strip, WM_LBUTTONDOWN, wParam, MAKELPARAM(at.x, at.y));
+    SubclassNext(strip, WM_LBUTTONDOWN, wParam, MAKELPARAM(at.x, at.y));
     CaptureForDrag(strip);
     return 0;
 }
 
+// The tooltip is made when the pointer first comes over the strip, because most starts end without one.
+void CreateTabTip(HWND strip) {
+    g_tabBar.tooltip =
+        CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, CW_USEDEFAULT,
+                        CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, strip, nullptr, g_ui.hInstance, nullptr);
+    if (g_tabBar.tooltip == nullptr) return;
+    TTTOOLINFOW tool = {};
+    tool.cbSize = sizeof tool;
+    tool.uFlags = TTF_SUBCLASS | TTF_IDISHWND;
+    tool.hwnd = strip;  // gets the WM_NOTIFY that asks for the text
+    tool.uId = reinterpret_cast<UINT_PTR>(strip);
+    tool.lpszText = LPSTR_TEXTCALLBACKW;
+    SendMessageW(g_tabBar.tooltip, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+    TooltipApplyTheme(g_tabBar.tooltip);
+}
+
 void OnTabPointer(HWND strip, POINT at) {
+    if (g_tabBar.tooltip == nullptr) CreateTabTip(strip);
     TabPointer& pointer = g_tabBar.pointer;
     const int from = TabBarFindDocument(pointer.dragDocument);
     const int to = TabPointerDragTo(pointer, TabBarMetrics(), TabBarRects(), from, at.x);
@@ -140,14 +157,13 @@ void PaintScroller(HWND scroller) {
     TabBarPaintScroller(paint.Dc(), client, pressed && left, pressed && !left);
 }
 
-LRESULT CALLBACK ScrollerProc(HWND scroller, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
+LRESULT CALLBACK ScrollerProc(HWND scroller, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
     switch (message) {
         case WM_ERASEBKGND: return 1;
         case WM_PAINT: PaintScroller(scroller); return 0;
-        case WM_NCDESTROY: RemoveWindowSubclass(scroller, ScrollerProc, id); break;
         default: break;
     }
-    return DefSubclassProc(scroller, message, wParam, lParam);
+    return SubclassNext(scroller, message, wParam, lParam);
 }
 
 // The second of two quick clicks. On a tab it is a click like any other, because the close button under the pointer may
@@ -165,13 +181,13 @@ void OnStripLeft(HWND strip) {
 
 void OnStripDestroyed(HWND strip);
 
-LRESULT CALLBACK StripProc(HWND strip, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+LRESULT CALLBACK StripProc(HWND strip, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
     const POINT at = {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
     switch (message) {
         case WM_ERASEBKGND: return 1;
         case WM_PAINT: PaintStrip(strip); return 0;
         case WM_SIZE:
-            DefSubclassProc(strip, message, wParam, lParam);
+            SubclassNext(strip, message, wParam, lParam);
             TabBarUpdateWidths();
             return 0;
         case WM_LBUTTONDOWN: return OnStripPressed(strip, wParam, at);
@@ -189,27 +205,13 @@ LRESULT CALLBACK StripProc(HWND strip, UINT message, WPARAM wParam, LPARAM lPara
         case WM_DESTROY: OnStripDestroyed(strip); break;
         default: break;
     }
-    return DefSubclassProc(strip, message, wParam, lParam);
+    return SubclassNext(strip, message, wParam, lParam);
 }
 
 void OnStripDestroyed(HWND strip) {
-    RemoveWindowSubclass(strip, StripProc, kSubclassId);
+    SubclassRemove(strip, StripProc);
     if (g_tabBar.tooltip != nullptr) DestroyWindow(g_tabBar.tooltip);
     g_tabBar = {};
-}
-
-void CreateTabTip(HWND strip) {
-    g_tabBar.tooltip =
-        CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, CW_USEDEFAULT,
-                        CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, strip, nullptr, g_ui.hInstance, nullptr);
-    if (g_tabBar.tooltip == nullptr) return;
-    TTTOOLINFOW tool = {};
-    tool.cbSize = sizeof tool;
-    tool.uFlags = TTF_SUBCLASS | TTF_IDISHWND;
-    tool.hwnd = strip;  // gets the WM_NOTIFY that asks for the text
-    tool.uId = reinterpret_cast<UINT_PTR>(strip);
-    tool.lpszText = LPSTR_TEXTCALLBACKW;
-    SendMessageW(g_tabBar.tooltip, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
 }
 
 }  // namespace
@@ -217,7 +219,7 @@ void CreateTabTip(HWND strip) {
 void TabBarPlaceScroller(HWND tabControl) {
     HWND scroller = FindWindowExW(tabControl, nullptr, UPDOWN_CLASSW, nullptr);
     if (scroller == nullptr) return;
-    SetWindowSubclass(scroller, ScrollerProc, kSubclassId, 0);  // setting it again changes nothing
+    SubclassAdd(scroller, ScrollerProc);  // setting it again changes nothing
     RECT client = {};
     GetClientRect(tabControl, &client);
     const TabRect place = TabScrollerRect(TabBarMetrics(), static_cast<int>(client.right));
@@ -230,8 +232,4 @@ void TabBarPlaceScroller(HWND tabControl) {
                  SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-bool TabBarInstallSubclass(HWND tabControl) {
-    if (!SetWindowSubclass(tabControl, StripProc, kSubclassId, 0)) return false;
-    CreateTabTip(tabControl);
-    return true;
-}
+bool TabBarInstallSubclass(HWND tabControl) { return SubclassAdd(tabControl, StripProc); }

@@ -4,6 +4,7 @@
 #include "ui/dpi.h"
 #include "ui/fonts.h"
 #include "ui/paint.h"
+#include "ui/subclass.h"
 #include "ui/window_text.h"
 
 #include <commctrl.h>
@@ -15,7 +16,6 @@
 
 namespace {
 
-constexpr UINT_PTR kSubclassId = 0x4B43;
 constexpr int kBoxSize = 13;  // at 96 dpi, like the next one
 constexpr int kBoxGap = 5;
 // What the program draws of a control. The frame of kFramed belongs to its non-client area; kCombo has one of its own.
@@ -165,7 +165,7 @@ bool DrawsAtOnce(UINT message, ControlKind kind) {
 }
 
 LRESULT PassAndRepaint(HWND control, UINT message, WPARAM wParam, LPARAM lParam, ControlKind kind) {
-    const LRESULT result = DefSubclassProc(control, message, wParam, lParam);
+    const LRESULT result = SubclassNext(control, message, wParam, lParam);
     if (kind == kFramed)
         DrawFrame(control);
     else
@@ -173,17 +173,16 @@ LRESULT PassAndRepaint(HWND control, UINT message, WPARAM wParam, LPARAM lParam,
     return result;
 }
 
-LRESULT CALLBACK ControlProc(HWND control, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR data) {
+LRESULT CALLBACK ControlProc(HWND control, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR data) {
     const auto kind = static_cast<ControlKind>(data);
-    if (message == WM_NCDESTROY) RemoveWindowSubclass(control, ControlProc, id);
-    if (!ThemeIsDark()) return DefSubclassProc(control, message, wParam, lParam);
+    if (!ThemeIsDark()) return SubclassNext(control, message, wParam, lParam);
     if (message == WM_NCPAINT && kind == kFramed) return PassAndRepaint(control, message, wParam, lParam, kind);
     if (DrawsAtOnce(message, kind)) return PassAndRepaint(control, message, wParam, lParam, kind);
-    if (kind == kFramed) return DefSubclassProc(control, message, wParam, lParam);
+    if (kind == kFramed) return SubclassNext(control, message, wParam, lParam);
     switch (message) {
         case WM_ERASEBKGND: return 1;
         case WM_PAINT: PaintControl(control, kind); return 0;
-        default: return DefSubclassProc(control, message, wParam, lParam);
+        default: return SubclassNext(control, message, wParam, lParam);
     }
 }
 
@@ -200,7 +199,7 @@ void ControlApplyTheme(HWND control) {
     if (control == nullptr) return;
     const ControlKind kind = KindOfControl(control);
     if (kind == kOther) return;
-    SetWindowSubclass(control, ControlProc, kSubclassId, kind);  // setting it again changes nothing
+    SubclassAdd(control, ControlProc, kind);  // setting it again changes nothing
     if (kind == kCombo) ThemeCombo(control);
     if (kind == kFramed) ScrollBarsApplyTheme(control);
     RedrawWindow(control, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_ERASE);

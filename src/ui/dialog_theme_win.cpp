@@ -4,6 +4,7 @@
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
 #include "ui/paint.h"
+#include "ui/subclass.h"
 
 #include <commctrl.h>
 
@@ -11,7 +12,6 @@
 
 namespace {
 
-constexpr UINT_PTR kSubclassId = 0x4454;
 constexpr wchar_t kKindProperty[] = L"KvxDialogKind";  // of a dialog that has been themed
 enum DialogKind : DWORD_PTR { kOwnDialog = 1, kMessageBox };
 
@@ -30,7 +30,7 @@ BOOL CALLBACK ThemeChild(HWND child, LPARAM) {
 LRESULT ColoursOfControl(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     const auto dc = reinterpret_cast<HDC>(wParam);
     const ThemeChrome& chrome = ThemeCurrentChrome();
-    DefSubclassProc(dialog, message, wParam, lParam);
+    SubclassNext(dialog, message, wParam, lParam);
     const COLORREF chosen = GetTextColor(dc);
     const bool own = chosen != GetSysColor(COLOR_WINDOWTEXT) && chosen != GetSysColor(COLOR_BTNTEXT);
     const bool field = message == WM_CTLCOLOREDIT || message == WM_CTLCOLORLISTBOX;
@@ -51,12 +51,9 @@ void PaintNothing(HWND dialog) {
     EndPaint(dialog, &paint);
 }
 
-LRESULT CALLBACK DialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR kind) {
-    if (message == WM_NCDESTROY) {
-        RemovePropW(dialog, kKindProperty);
-        RemoveWindowSubclass(dialog, DialogProc, id);
-    }
-    if (!ThemeIsDark()) return DefSubclassProc(dialog, message, wParam, lParam);
+LRESULT CALLBACK DialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR kind) {
+    if (message == WM_NCDESTROY) RemovePropW(dialog, kKindProperty);
+    if (!ThemeIsDark()) return SubclassNext(dialog, message, wParam, lParam);
     switch (message) {
         case WM_CTLCOLORDLG:
         case WM_CTLCOLORSTATIC:
@@ -70,11 +67,11 @@ LRESULT CALLBACK DialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lPa
             return 0;
         default: break;
     }
-    return DefSubclassProc(dialog, message, wParam, lParam);
+    return SubclassNext(dialog, message, wParam, lParam);
 }
 
 void ThemeDialog(HWND dialog, DialogKind kind) {
-    SetWindowSubclass(dialog, DialogProc, kSubclassId, kind);
+    SubclassAdd(dialog, DialogProc, kind);
     SetPropW(dialog, kKindProperty, reinterpret_cast<HANDLE>(static_cast<DWORD_PTR>(kind)));
     EnumChildWindows(dialog, ThemeChild, 0);
     FrameApplyTheme(dialog);

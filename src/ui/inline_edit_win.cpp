@@ -6,6 +6,7 @@
 #include "ui/control_theme.h"
 #include "ui/fonts.h"
 #include "ui/paint.h"
+#include "ui/subclass.h"
 #include "ui/ui_state.h"
 #include "ui/window_text.h"
 
@@ -14,8 +15,6 @@
 #include <utility>
 
 namespace {
-
-constexpr UINT_PTR kSubclassId = 1;
 
 struct InlineEditState {
     HWND edit = nullptr;
@@ -67,7 +66,7 @@ void OnInlineEditLeft() {
     InlineEditCancel();
 }
 
-LRESULT CALLBACK InlineEditProc(HWND edit, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
+LRESULT CALLBACK InlineEditProc(HWND edit, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
     switch (message) {
         case WM_KEYDOWN:
             if (OnInlineEditKey(wParam)) return 0;
@@ -77,16 +76,15 @@ LRESULT CALLBACK InlineEditProc(HWND edit, UINT message, WPARAM wParam, LPARAM l
             break;
         case WM_GETDLGCODE: return DLGC_WANTALLKEYS;
         case WM_KILLFOCUS:
-            DefSubclassProc(edit, message, wParam, lParam);
+            SubclassNext(edit, message, wParam, lParam);
             OnInlineEditLeft();
             return 0;
         case WM_NCDESTROY:
-            RemoveWindowSubclass(edit, InlineEditProc, id);
             if (g_edit.edit == edit) g_edit.edit = nullptr;  // destroyed together with its list
             break;
         default: break;
     }
-    return DefSubclassProc(edit, message, wParam, lParam);
+    return SubclassNext(edit, message, wParam, lParam);
 }
 
 }  // namespace
@@ -102,7 +100,7 @@ void InlineEditBegin(HWND list, const RECT& cell, const std::wstring& text, bool
     }
     g_edit = {edit, std::move(commit), append ? std::wstring{} : text, false};
     SendMessageW(edit, WM_SETFONT, reinterpret_cast<WPARAM>(UiFixedFont()), FALSE);
-    SetWindowSubclass(edit, InlineEditProc, kSubclassId, 0);
+    SubclassAdd(edit, InlineEditProc);
     ControlApplyTheme(edit);
     SendMessageW(edit, EM_SETSEL, append ? text.size() : 0, append ? static_cast<LPARAM>(text.size()) : -1);
     SetFocus(edit);

@@ -4,6 +4,7 @@
 #include "ui/dpi.h"
 #include "ui/fonts.h"
 #include "ui/paint.h"
+#include "ui/subclass.h"
 
 #include <commctrl.h>
 
@@ -11,7 +12,6 @@
 
 namespace {
 
-constexpr UINT_PTR kSubclassId = 0x4C48;
 constexpr int kPadding = 6;  // at 96 dpi
 
 void DrawHeaderItem(const NMCUSTOMDRAW& draw) {
@@ -56,20 +56,19 @@ LRESULT DrawHeader(const NMCUSTOMDRAW& draw) {
     return draw.dwDrawStage == CDDS_PREPAINT ? CDRF_NOTIFYITEMDRAW | CDRF_NOTIFYPOSTPAINT : CDRF_DODEFAULT;
 }
 
-LRESULT CALLBACK HeaderOwnerProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
-    if (message == WM_NCDESTROY) RemoveWindowSubclass(list, HeaderOwnerProc, id);
+LRESULT CALLBACK HeaderOwnerProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
     if (message == WM_NOTIFY) {
         const auto& header = *reinterpret_cast<const NMHDR*>(lParam);
         if (header.code == NM_CUSTOMDRAW &&
             header.hwndFrom == reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0)))
             return DrawHeader(*reinterpret_cast<const NMCUSTOMDRAW*>(lParam));
     }
-    return DefSubclassProc(list, message, wParam, lParam);
+    return SubclassNext(list, message, wParam, lParam);
 }
 
 }  // namespace
 
 void ListHeaderApplyTheme(HWND list) {
-    SetWindowSubclass(list, HeaderOwnerProc, kSubclassId, 0);  // setting it again changes nothing
+    SubclassAdd(list, HeaderOwnerProc);  // setting it again changes nothing
     InvalidateRect(reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0)), nullptr, TRUE);
 }

@@ -2,6 +2,7 @@
 #include "ui/list_internal.h"
 
 #include "ui/clipboard.h"
+#include "ui/subclass.h"
 #include "ui/ui_state.h"
 
 #include <windowsx.h>
@@ -116,7 +117,7 @@ void OnListDestroyed(ListView& list) {
 
 }  // namespace
 
-LRESULT CALLBACK ListViewProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR data) {
+LRESULT CALLBACK ListViewProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR data) {
     ListView& list = *reinterpret_cast<ListView*>(data);
     LRESULT result = 0;
     switch (message) {
@@ -134,16 +135,13 @@ LRESULT CALLBACK ListViewProc(HWND window, UINT message, WPARAM wParam, LPARAM l
         case WM_SETFOCUS:
         case WM_KILLFOCUS: InvalidateRect(window, nullptr, FALSE); break;
         case WM_SIZE:
-            result = DefSubclassProc(window, message, wParam, lParam);
+            result = SubclassNext(window, message, wParam, lParam);
             ListViewFitColumns(list);
             return result;
-        case WM_NCDESTROY:
-            RemoveWindowSubclass(window, ListViewProc, id);
-            OnListDestroyed(list);
-            break;
+        case WM_NCDESTROY: OnListDestroyed(list); break;
         default: break;
     }
-    return DefSubclassProc(window, message, wParam, lParam);
+    return SubclassNext(window, message, wParam, lParam);
 }
 
 bool ListViewHandleNotify(ListView& list, const NMHDR& header, LRESULT* result) {

@@ -13,7 +13,7 @@ const ListRow* ListViewRow(const ListView& list, int row);  // null for an index
 void ListViewFitColumns(ListView& list);                    // to the width of the window
 
 // --- list_input_win.cpp: the window's messages
-LRESULT CALLBACK ListViewProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR data);
+LRESULT CALLBACK ListViewProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR data);
 
 // --- list_draw_win.cpp
 LRESULT ListViewDrawItem(const ListView& list, const NMLVCUSTOMDRAW& draw);

@@ -8,12 +8,12 @@
 #include "ui/fonts.h"
 #include "ui/list_internal.h"
 #include "ui/redraw.h"
+#include "ui/subclass.h"
 
 #include <algorithm>
 
 namespace {
 
-constexpr UINT_PTR kSubclassId = 1;
 constexpr int kRowBlank = 5;  // height of a row beyond its text, at 96 dpi
 
 int ListColumnCount(const ListView& list) {
@@ -116,7 +116,7 @@ bool ListViewCreate(ListView& list, HWND parent, int controlId) {
     if (list.window == nullptr) return false;
     ListViewSend(list, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_INFOTIP);
     ListViewSend(list, LVM_SETCALLBACKMASK, LVIS_STATEIMAGEMASK);
-    SetWindowSubclass(list.window, ListViewProc, kSubclassId, reinterpret_cast<DWORD_PTR>(&list));
+    SubclassAdd(list.window, ListViewProc, reinterpret_cast<DWORD_PTR>(&list));
     return true;
 }
 

@@ -5,6 +5,7 @@
 #include "ui/dpi.h"
 #include "ui/fonts.h"
 #include "ui/paint.h"
+#include "ui/subclass.h"
 
 #include <commctrl.h>
 
@@ -14,7 +15,6 @@
 
 namespace {
 
-constexpr UINT_PTR kSubclassId = 0x4D44;
 constexpr int kGutter = 28;  // left of the text, for marks and pictures; this and the next ones at 96 dpi
 constexpr int kRight = 26;   // right of the text, for the arrow of a submenu
 constexpr int kKeyGap = 24;  // between text and key
@@ -62,7 +62,8 @@ HBRUSH BackBrush() {
 }
 
 // Makes the items owner-drawn, or gives them back to the system.
-void PrepareMenu(HMENU menu, bool dark) {
+// Returns whether an item was changed.
+bool PrepareMenu(HMENU menu, bool dark) {
     bool changed = false;
     for (int i = 0; i < GetMenuItemCount(menu); ++i) {
         const ItemPlace place = {menu, static_cast<UINT>(i)};
@@ -74,12 +75,13 @@ void PrepareMenu(HMENU menu, bool dark) {
         SetMenuItemInfoW(menu, place.position, TRUE, &info);
         changed = true;
     }
-    if (!changed) return;
+    if (!changed) return false;
     MENUINFO background = {};
     background.cbSize = sizeof(background);
     background.fMask = MIM_BACKGROUND;
     background.hbrBack = dark ? BackBrush() : nullptr;
     SetMenuInfo(menu, &background);
+    return true;
 }
 
 int NameWidth(std::wstring name) {
@@ -217,9 +219,8 @@ LRESULT ItemOfMnemonic(HMENU menu, wchar_t key) {
     return MAKELRESULT(found, matches == 1 ? MNC_EXECUTE : MNC_SELECT);
 }
 
-LRESULT CALLBACK MenuDrawProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
-    if (message == WM_NCDESTROY) RemoveWindowSubclass(window, MenuDrawProc, id);
-    return MenuDrawAround(window, message, wParam, lParam, DefSubclassProc);
+LRESULT CALLBACK MenuDrawProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
+    return MenuDrawAround(window, message, wParam, lParam, SubclassNext);
 }
 
 }  // namespace
@@ -257,15 +258,14 @@ LRESULT MenuDrawAround(HWND window, UINT message, WPARAM wParam, LPARAM lParam, 
     return next(window, message, wParam, lParam);
 }
 
-void MenuDrawAttach(HWND window) { SetWindowSubclass(window, MenuDrawProc, kSubclassId, 0); }
+void MenuDrawAttach(HWND window) { SubclassAdd(window, MenuDrawProc); }
 
-void MenuDrawDetach(HWND window) { RemoveWindowSubclass(window, MenuDrawProc, kSubclassId); }
+void MenuDrawDetach(HWND window) { SubclassRemove(window, MenuDrawProc); }
 
 void MenuDrawPrepare(HMENU menu) { PrepareMenu(menu, ThemeIsDark()); }
 
 void MenuBarApplyTheme(HWND window) {
     HMENU menu = GetMenu(window);
     if (menu == nullptr) return;
-    PrepareMenu(menu, ThemeIsDark());
-    DrawMenuBar(window);
+    if (PrepareMenu(menu, ThemeIsDark())) DrawMenuBar(window);
 }

@@ -5,6 +5,7 @@
 #include "ui/fonts.h"
 #include "ui/menu.h"
 #include "ui/paint.h"
+#include "ui/subclass.h"
 
 #include <commctrl.h>
 
@@ -13,7 +14,6 @@
 
 namespace {
 
-constexpr UINT_PTR kSubclassId = 1;
 constexpr int kRowHeight = 26;                     // at 96 dpi
 constexpr int kTabHeight = 22;                     // at 96 dpi, for the control
 constexpr int kLeastBlank = 6, kWidestBlank = 14;  // at 96 dpi, on either side of a title
@@ -78,7 +78,7 @@ bool OnTabRowKey(const TabRow& row, WPARAM key) {
     return true;
 }
 
-LRESULT CALLBACK TabRowProc(HWND tabs, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR data) {
+LRESULT CALLBACK TabRowProc(HWND tabs, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR data) {
     TabRow& row = *reinterpret_cast<TabRow*>(data);
     switch (message) {
         case WM_PAINT: PaintTabRow(row); return 0;
@@ -90,10 +90,9 @@ LRESULT CALLBACK TabRowProc(HWND tabs, UINT message, WPARAM wParam, LPARAM lPara
             if (OnTabRowKey(row, wParam)) return 0;
             break;
         case WM_CHAR: return 0;  // the control would beep
-        case WM_NCDESTROY: RemoveWindowSubclass(tabs, TabRowProc, id); break;
         default: break;
     }
-    return DefSubclassProc(tabs, message, wParam, lParam);
+    return SubclassNext(tabs, message, wParam, lParam);
 }
 
 HWND CreateTabRowChild(HWND parent, const wchar_t* className, const wchar_t* text, DWORD style, int id) {
@@ -107,7 +106,7 @@ bool TabRowCreate(TabRow& row, HWND parent, int tabsId, int moreId) {
     row.more = CreateTabRowChild(parent, WC_BUTTONW, L"More Views", BS_OWNERDRAW, moreId);
     row.tabs = CreateTabRowChild(parent, WC_TABCONTROLW, nullptr, WS_VISIBLE | WS_TABSTOP | TCS_OWNERDRAWFIXED, tabsId);
     if (row.tabs == nullptr || row.more == nullptr) return false;
-    SetWindowSubclass(row.tabs, TabRowProc, kSubclassId, reinterpret_cast<DWORD_PTR>(&row));
+    SubclassAdd(row.tabs, TabRowProc, reinterpret_cast<DWORD_PTR>(&row));
     for (int i = 0; i < TitleCount(row); ++i) {
         TCITEMW item = {};
         item.mask = TCIF_TEXT;
