@@ -90,6 +90,11 @@ private:
     HWND sci_ = nullptr;
 };
 
+// Sleeps for less than 1 ms, the shortest time of Sleep. Polling without a pause would take a processor from the
+// measured work, and under Wine also keep its server busy.
+void Pause(double ms);
+inline constexpr double kLookMs = 0.1;         // a pause between two looks at a window
+void AwaitPainted(HWND window, double limit);  // until the window has nothing to paint; `limit` is a value of NowMs()
 LRESULT Ask(HWND window, UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
 // Runs floor.exe with these arguments and returns the number that it prints.
 double RunFloor(const std::wstring& arguments);

@@ -20,10 +20,15 @@ namespace {
 
 constexpr int kSteps = 500;
 constexpr int kRounds = 5;
-constexpr int kStatements = kSteps + 100;
+constexpr int kStatements = kSteps + 300;
 constexpr int kFirstLine = 1;  // line of PBMAIN's heading, which has the first record
 constexpr DWORD kEventLimitMs = 10000;
 constexpr double kWindowLimitMs = 60000;
+// Between two looks at the window. Each is answered by the thread that steps, and without a pause the looks would take
+// more of its time than the steps.
+constexpr DWORD kLookEveryMs = 5;
+constexpr int kSingleSteps = 200;
+constexpr double kKeyRepeatMs = 33;  // of a held key
 constexpr DWORD kContinue = 0x00010002;
 constexpr std::uint8_t kTrap = 0xCC;
 
@@ -119,7 +124,7 @@ private:
 };
 
 struct Times {
-    std::vector<double> start, steps, plant;
+    std::vector<double> start, steps, plant, window, single;
 };
 
 void MeasureBare(const Debuggee& debuggee, Times* times) {
@@ -163,11 +168,21 @@ int MarkedLine(HWND sci) { return static_cast<int>(Ask(sci, SCI_MARKERNEXT, 0, 1
 
 void AwaitMark(HWND sci, int line) {
     const double limit = NowMs() + kWindowLimitMs;
-    while (MarkedLine(sci) != line)
+    while (MarkedLine(sci) != line) {
         if (NowMs() > limit) Die("the window does not show line " + std::to_string(line));
+        Sleep(kLookEveryMs);
+    }
 }
 
-double MeasureWindow(const Folder& folder, const Debuggee& debuggee) {
+void AwaitMarkPainted(HWND sci, int line) {
+    const double limit = NowMs() + kWindowLimitMs;
+    for (; MarkedLine(sci) != line; Pause(kLookMs))
+        if (NowMs() > limit) Die("the window does not show line " + std::to_string(line));
+    AwaitPainted(sci, limit);
+    Ask(sci, WM_NULL);  // answered after the painting
+}
+
+void MeasureWindow(const Folder& folder, const Debuggee& debuggee, Times* times) {
     const HANDLE file = CreateFileW(debuggee.source.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                     OPEN_EXISTING, 0, nullptr);
     const auto length = static_cast<std::size_t>(GetFileSize(file, nullptr));
@@ -177,14 +192,19 @@ double MeasureWindow(const Folder& folder, const Debuggee& debuggee) {
     Ask(editor.Main(), WM_COMMAND, IDM_USE_KVXA64);
     Ask(editor.Main(), WM_COMMAND, IDM_DEBUG_START);
     AwaitMark(editor.Sci(), kFirstLine);
-    const int before = MarkedLine(editor.Sci());
+    int line = MarkedLine(editor.Sci()) + 1;  // the declaration after the heading has no code
     const double begun = NowMs();
-    for (int i = 0; i < kSteps; ++i) PostMessageW(editor.Main(), WM_COMMAND, IDM_DEBUG_STEP_OVER, 0);
-    // The declaration after the heading has no code.
-    AwaitMark(editor.Sci(), before + 1 + kSteps);
-    const double took = NowMs() - begun;
+    const auto step = [&] { PostMessageW(editor.Main(), WM_COMMAND, IDM_DEBUG_STEP_OVER, 0); };
+    for (int i = 0; i < kSteps; ++i) step();
+    AwaitMark(editor.Sci(), line += kSteps);
+    times->window.push_back(NowMs() - begun);
+    for (int i = 0; i < kSingleSteps; ++i) {
+        const double pressed = NowMs();
+        step();
+        AwaitMarkPainted(editor.Sci(), ++line);
+        times->single.push_back(NowMs() - pressed);
+    }
     Ask(editor.Main(), WM_COMMAND, IDM_DEBUG_STOP);
-    return took;
 }
 
 }  // namespace
@@ -197,6 +217,7 @@ void MeasureDebugger() {
     for (int i = 0; i < kRounds; ++i) {
         MeasureBare(debuggee, &bare);
         MeasureSession(debuggee, &session);
+        MeasureWindow(folder, debuggee, &session);
     }
     const std::string rounds = "median of " + std::to_string(kRounds);
     Report({.work = "debugger: start to the first line",
@@ -211,9 +232,13 @@ void MeasureDebugger() {
             .note = rounds});
     Report({.work = "debugger: 500 steps in the window, shown",
             .floor = Median(bare.steps),
-            .program = MeasureWindow(folder, debuggee),
+            .program = Median(session.window),
             .maxRatio = 2,
-            .note = "posted commands, until the last line is marked"});
+            .note = rounds + ", posted commands, until the last line is marked"});
+    Report({.work = "debugger: a step shown and painted, 95 of 100 within",
+            .program = Quantile(session.single, 0.95),
+            .maxValue = kKeyRepeatMs,
+            .note = "median " + std::to_string(Median(session.single)) + ", each after the one before"});
     Report(
         {.work = "debugger: 64 breakpoints planted", .program = Median(session.plant), .maxValue = 50, .note = rounds});
 }

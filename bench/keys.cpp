@@ -14,33 +14,8 @@ constexpr int kTurns = 10;
 constexpr int kKeysOfTurn = 40;
 constexpr int kNewLineEvery = 40;
 constexpr double kKeyLimitMs = 20000;
-constexpr double kLookEveryMs = 0.1;
 constexpr DWORD kQuietMs = 20;
 constexpr std::string_view kTyped = "total = total + 12 ' sum ";
-
-bool NeedsPaint(HWND window) {
-    RECT rect = {};
-    return GetUpdateRect(window, &rect, FALSE) != FALSE;
-}
-
-// Sleeps for less than 1 ms, the shortest time of Sleep. Polling without a pause would take a processor from the
-// measured work, and under Wine also keep its server busy.
-void Pause(double ms) {
-    using Delay = LONG(WINAPI*)(BOOLEAN alertable, const LARGE_INTEGER* interval);
-    static const auto delay = reinterpret_cast<Delay>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtDelayExecution")));
-    if (delay == nullptr) Die("ntdll.dll has no NtDelayExecution");
-    LARGE_INTEGER interval = {};
-    interval.QuadPart = -static_cast<LONGLONG>(ms * 10000);  // negative: relative, in units of 100 ns
-    delay(FALSE, &interval);
-}
-
-void AwaitPainted(HWND window, double limit) {
-    while (NeedsPaint(window)) {
-        if (NowMs() > limit) Die("a window is not painted");
-        Pause(kLookEveryMs);
-    }
-}
 
 // Waits until the window has had nothing to paint for a while, because after a jump the program may have more to do.
 void AwaitQuiet(HWND window) {
@@ -91,7 +66,7 @@ void BringToFront(const Program& program) {
     const double start = NowMs();
     while (Ask(program.Sci(), SCI_GETFOCUS) == 0 || GetForegroundWindow() != program.Main()) {
         if (NowMs() - start > kKeyLimitMs) Die("a program does not come to the front");
-        Pause(kLookEveryMs);
+        Pause(kLookMs);
     }
     AwaitQuiet(program.Sci());
 }

@@ -222,6 +222,28 @@ Memory Program::SettledMemory() const {
     return {static_cast<double>(counters.WorkingSetSize) / kMb, static_cast<double>(counters.PeakWorkingSetSize) / kMb};
 }
 
+void Pause(double ms) {
+    using Delay = LONG(WINAPI*)(BOOLEAN alertable, const LARGE_INTEGER* interval);
+    static const auto delay = reinterpret_cast<Delay>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtDelayExecution")));
+    if (delay == nullptr) Die("ntdll.dll has no NtDelayExecution");
+    LARGE_INTEGER interval = {};
+    interval.QuadPart = -static_cast<LONGLONG>(ms * 10000);  // negative: relative, in units of 100 ns
+    delay(FALSE, &interval);
+}
+
+static bool NeedsPaint(HWND window) {
+    RECT rect = {};
+    return GetUpdateRect(window, &rect, FALSE) != FALSE;
+}
+
+void AwaitPainted(HWND window, double limit) {
+    while (NeedsPaint(window)) {
+        if (NowMs() > limit) Die("a window is not painted");
+        Pause(kLookMs);
+    }
+}
+
 LRESULT Ask(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     DWORD_PTR result = 0;
     if (!SendMessageTimeoutW(window, message, wParam, lParam, SMTO_NORMAL, kAnswerLimitMs, &result))
