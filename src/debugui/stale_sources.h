@@ -6,5 +6,5 @@
 // At the start of a session: warns in the output pane of every open file of the program that is newer than it or has
 // unsaved changes. Closed files are checked at a stop in them, because a program may have thousands.
 void WarnOfStaleSources(const BuildRecord& program);
-// At a stop: the same for the file of the stop. Each warning comes once a session.
+// At a stop: the same for the file of the stop, whose time is looked at once a second. Each warning comes once a session.
 void WarnOfStaleStop();

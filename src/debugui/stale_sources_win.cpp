@@ -10,6 +10,8 @@
 #include "files/share_probe.h"
 #include "program/debug_say.h"
 
+#include <algorithm>
+
 namespace {
 
 StaleWarnings g_warnings;  // of this session
@@ -22,19 +24,21 @@ bool WriteTimeOf(const std::wstring& path, FILETIME* time) {
     return true;
 }
 
-SourceAge AgeOf(const std::wstring& path, const FILETIME& built) {
-    FILETIME written = {};
-    SourceAge age;
-    age.newer = WriteTimeOf(path, &written) && CompareFileTime(&written, &built) > 0;
-    for (const DocumentTab& tab : g_documents.tabs)
-        age.unsaved = age.unsaved || (tab.modified && tab.hasFile && PathEqualsIgnoreCase(tab.path, path));
-    return age;
+bool IsUnsaved(const std::wstring& path) {
+    return std::ranges::any_of(
+        g_documents.tabs,
+        [&](const DocumentTab& tab) { return tab.modified && tab.hasFile && PathEqualsIgnoreCase(tab.path, path); });
 }
 
-void WarnOfStaleSource(const std::wstring& path, const FILETIME& built) {
+bool IsNewer(const std::wstring& path, const FILETIME& built) {
+    FILETIME written = {};
+    return WriteTimeOf(path, &written) && CompareFileTime(&written, &built) > 0;
+}
+
+void SayStale(const std::wstring& path, SourceAge age) {
     wchar_t name[kPathCapacity] = {};
     PathGetFile(path.c_str(), name, kPathCapacity);
-    for (const std::wstring& text : NewStaleWarnings(&g_warnings, name, AgeOf(path, built)))
+    for (const std::wstring& text : NewStaleWarnings(&g_warnings, name, age))
         DebugSay(kDebugOrange, L"%s", text.c_str());
 }
 
@@ -45,11 +49,16 @@ void WarnOfStaleSources(const BuildRecord& program) {
     FILETIME built = {};
     if (!WriteTimeOf(program.output, &built)) return;
     for (const DocumentTab& tab : g_documents.tabs)
-        if (tab.hasFile && DebugFileIdOfPath(&g_debugger, tab.path) != 0) WarnOfStaleSource(tab.path, built);
+        if (tab.hasFile && DebugFileIdOfPath(&g_debugger, tab.path) != 0)
+            SayStale(tab.path, {.newer = IsNewer(tab.path, built), .unsaved = tab.modified});
 }
 
 void WarnOfStaleStop() {
     const std::wstring path = DebugFilePath(&g_debugger, g_debugger.currentFileId);
+    if (path.empty()) return;
+    SourceAge age = {.newer = false, .unsaved = IsUnsaved(path)};
     FILETIME built = {};
-    if (!path.empty() && WriteTimeOf(LastBuild().output, &built)) WarnOfStaleSource(path, built);
+    if (TakeStaleLook(&g_warnings, path, GetTickCount64()) && WriteTimeOf(LastBuild().output, &built))
+        age.newer = IsNewer(path, built);
+    SayStale(path, age);
 }

@@ -19,6 +19,14 @@ std::wstring StopPlaceText(const std::wstring& fileName, int line, bool ofCaller
     return ofCaller ? code + L", called from " + place : place;
 }
 
+bool TakeStaleLook(StaleWarnings* warnings, const std::wstring& path, std::uint64_t now) {
+    constexpr std::uint64_t kBetweenLooksMs = 1000;
+    if (path == warnings->lookedAt && now - warnings->lookedAtTime < kBetweenLooksMs) return false;
+    warnings->lookedAt = path;
+    warnings->lookedAtTime = now;
+    return true;
+}
+
 std::vector<std::wstring> NewStaleWarnings(StaleWarnings* warnings, const std::wstring& fileName, SourceAge age) {
     std::vector<std::wstring> news;
     const auto say = [&](const wchar_t* what) {

@@ -30,6 +30,11 @@ struct SourceAge {
 // The warnings of this session, each said once.
 struct StaleWarnings {
     std::vector<std::wstring> said;
+    std::wstring lookedAt;           // path of the file whose time was asked for last
+    std::uint64_t lookedAtTime = 0;  // GetTickCount64 value
 };
+// True when the time of the file must be asked for at a stop in it: at the first of some stops, then once a second,
+// because the system takes longer for the answer than the program for a step. The look then counts as taken.
+bool TakeStaleLook(StaleWarnings* warnings, const std::wstring& path, std::uint64_t now);
 // Warnings about a source for the output pane, without those that were given in this session; they then count as given.
 std::vector<std::wstring> NewStaleWarnings(StaleWarnings* warnings, const std::wstring& fileName, SourceAge age);
