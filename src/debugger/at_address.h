@@ -9,6 +9,10 @@
 // is shown there from now on. False: the program is not stopped, the thread is in foreign code (inside a call that has
 // to return first), the address has no line, or the thread refuses.
 bool DebugSetNextStatement(DebuggerState* state, std::uint64_t address);
+// True when the next instruction of the stopped thread is the one at the address.
+bool DebugNextIsAt(const DebuggerState* state, std::uint64_t address);
+// True when the stopped thread is on a line of a procedure whose own frame does not stand there yet, or no longer.
+bool DebugFrameIsMissing(const DebuggerState* state);
 // Runs to an address of code, past the program's own traps. False: not stopped, no code there, or the table is full.
 bool DebugRunToAddress(DebuggerState* state, std::uint64_t address);
 // Sets a breakpoint that stays, as those of lines do. False: no code there, the table is full, or the memory cannot be

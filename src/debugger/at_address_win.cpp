@@ -1,7 +1,9 @@
 // What the user does with a single address of a stopped program. UI thread only.
 #include "debugger/at_address.h"
 
+#include "debugger/debug_inspect.h"
 #include "debugger/debug_process.h"
+#include "debugger/stack_walk.h"
 
 bool DebugSetNextStatement(DebuggerState* state, std::uint64_t address) {
     std::uint64_t ip = 0;
@@ -19,6 +21,17 @@ bool DebugSetNextStatement(DebuggerState* state, std::uint64_t address) {
     state->currentFileId = place.fileId;
     ++state->stopSerial;
     return true;
+}
+
+bool DebugNextIsAt(const DebuggerState* state, std::uint64_t address) {
+    return DebugIsActive(state) && DebugStandsOn(*state, address);
+}
+
+bool DebugFrameIsMissing(const DebuggerState* state) {
+    RegisterSet registers;
+    if (!DebugGetRegisters(state, 0, &registers)) return false;
+    if (PlaceInImage(state->map, state->imageSize, registers.ip).line == 0) return false;
+    return ReturnAddressWithoutFrame(registers, DebugMemory(*state).read).has_value();
 }
 
 bool DebugRunToAddress(DebuggerState* state, std::uint64_t address) {

@@ -41,13 +41,6 @@ SourcePlace PlaceAtAddress(const DebuggerState& state, std::uint64_t address) {
     return PlaceInImage(state.map, state.imageSize, address);
 }
 
-ProgramMemory MemoryOfProgram(const DebuggerState& state) {
-    return {.read = [&state](std::uint64_t address, void* out,
-                             std::size_t count) { return DebugReadMem(&state, address, out, count); },
-            .readSome = [&state](std::uint64_t address, void* out,
-                                 std::size_t count) { return DebugReadSome(&state, address, out, count); }};
-}
-
 StepInstruction InstructionAt(const DebuggerState& state, std::uint64_t address) {
     std::array<std::uint8_t, kInstructionBytes> bytes = {};
     const std::size_t count = DebugReadSome(&state, address, bytes.data(), bytes.size());
@@ -76,14 +69,14 @@ bool ReadView(const DebuggerState& state, std::uint32_t threadId, FollowView* vi
 std::optional<ReturnPlace> ReturnOf(const DebuggerState& state, std::uint32_t threadId) {
     RegisterSet registers;
     if (!DebugGetRegisters(&state, threadId, &registers)) return std::nullopt;
-    const auto place = ReturnPlaceOf(registers, MemoryOfProgram(state).read);
+    const auto place = ReturnPlaceOf(registers, DebugMemory(state).read);
     return place && DebugIsExecutable(&state, place->address) ? place : std::nullopt;
 }
 
 std::optional<ReturnPlace> CallerWithSource(const DebuggerState& state, std::uint32_t threadId) {
     RegisterSet registers;
     if (!DebugGetRegisters(&state, threadId, &registers)) return std::nullopt;
-    return NearestCaller(registers, MemoryOfProgram(state),
+    return NearestCaller(registers, DebugMemory(state),
                          [&](std::uint64_t address) { return PlaceAtAddress(state, address).line != 0; });
 }
 

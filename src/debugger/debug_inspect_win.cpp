@@ -61,13 +61,6 @@ void ReadContext32(const WOW64_CONTEXT& context, RegisterSet* out) {
     ReadSavedXmm(context.ExtendedRegisters, 8, out);
 }
 
-ProgramMemory MemoryOf(const DebuggerState* state) {
-    return {.read = [state](std::uint64_t address, void* out,
-                            std::size_t count) { return DebugReadMem(state, address, out, count); },
-            .readSome = [state](std::uint64_t address, void* out,
-                                std::size_t count) { return DebugReadSome(state, address, out, count); }};
-}
-
 ProgramImage ImageOf(const DebuggerState* state) { return {.map = &state->map, .size = state->imageSize}; }
 
 }  // namespace
@@ -113,7 +106,7 @@ wchar_t* DebugWalkStack(const DebuggerState* state) {
     if (!DebugIsActive(state)) return nullptr;
     const bool x64 = state->isX64 != 0;
     if (x64 && !DebugGetContext(state, &context)) return nullptr;
-    return HeapText(CallStackText(state->map, x64 ? context.Rbp : 0, x64 ? context.Rip : 0, MemoryOf(state).read),
+    return HeapText(CallStackText(state->map, x64 ? context.Rbp : 0, x64 ? context.Rip : 0, DebugMemory(*state).read),
                     kStackCapacity);
 }
 
@@ -142,7 +135,7 @@ std::uint64_t DebugEvaluate(const DebuggerState* state, const char* expression) 
 wchar_t* DebugWatchValue(const DebuggerState* state, std::uint64_t address, int kind) {
     if (!DebugIsActive(state)) return nullptr;
     const auto write = [](double value) { return FormatW(L"%.15g", value); };
-    return HeapText(WatchValueText(kind, address, MemoryOf(state), write), kWatchCapacity);
+    return HeapText(WatchValueText(kind, address, DebugMemory(*state), write), kWatchCapacity);
 }
 
 bool DebugLineAt(const DebuggerState* state, std::uint64_t address, std::uint32_t* fileId, std::uint32_t* line) {
@@ -157,7 +150,7 @@ bool DebugLineAt(const DebuggerState* state, std::uint64_t address, std::uint32_
 std::vector<DebugFrame> DebugFrames(const DebuggerState* state, std::uint32_t threadId) {
     RegisterSet registers;
     if (!DebugGetRegisters(state, threadId, &registers)) return {};
-    return FramesWithLines(ImageOf(state), registers, MemoryOf(state));
+    return FramesWithLines(ImageOf(state), registers, DebugMemory(*state));
 }
 
 bool DebugCallerOfLibrary(const DebuggerState* state, std::uint64_t* returnAddress) {
@@ -170,7 +163,7 @@ bool DebugCallerOfLibrary(const DebuggerState* state, std::uint64_t* returnAddre
 bool DebugPlaceInProgram(const DebuggerState* state, std::uint32_t threadId, std::uint64_t* address) {
     RegisterSet registers;
     if (!DebugGetRegisters(state, threadId, &registers)) return false;
-    const auto found = AddressInProgram(ImageOf(state), registers, MemoryOf(state));
+    const auto found = AddressInProgram(ImageOf(state), registers, DebugMemory(*state));
     *address = found.value_or(registers.ip);
     return found.has_value();
 }

@@ -1,4 +1,5 @@
 // Memory of the program. UI thread only.
+#include "debugger/debug_inspect.h"
 #include "debugger/debug_process.h"
 
 #include <algorithm>
@@ -10,6 +11,15 @@ namespace {
 std::size_t WithinPage(std::uint64_t address, std::size_t count) {
     constexpr std::uint64_t kPage = 4096;
     return static_cast<std::size_t>(std::min<std::uint64_t>(count, kPage - address % kPage));
+}
+
+// The system reserves the address space of a module as a whole.
+std::uint64_t ModuleBaseOf(const DebuggerState& state, std::uint64_t address) {
+    MEMORY_BASIC_INFORMATION info = {};
+    const void* place = reinterpret_cast<const void*>(address);
+    const bool ofModule = VirtualQueryEx(state.process, place, &info, sizeof(info)) != 0 && info.State == MEM_COMMIT &&
+                          info.Type == MEM_IMAGE;
+    return ofModule ? reinterpret_cast<std::uint64_t>(info.AllocationBase) : 0;
 }
 
 }  // namespace
@@ -54,6 +64,14 @@ bool DebugWriteMem(DebuggerState* state, std::uint64_t address, const void* byte
         if ((armed >> i & 1) != 0)
             DebugWriteRaw(*state, state->breakpoints[static_cast<std::size_t>(i)].address, &kTrapByte, 1);
     return true;
+}
+
+ProgramMemory DebugMemory(const DebuggerState& state) {
+    return {.read = [&state](std::uint64_t address, void* out,
+                             std::size_t count) { return DebugReadMem(&state, address, out, count); },
+            .readSome = [&state](std::uint64_t address, void* out,
+                                 std::size_t count) { return DebugReadSome(&state, address, out, count); },
+            .moduleBase = [&state](std::uint64_t address) { return ModuleBaseOf(state, address); }};
 }
 
 bool DebugIsExecutable(const DebuggerState* state, std::uint64_t address) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "debugger/debug_session.h"
+#include "debugger/stack_walk.h"
 
 // DBG_CONTINUE, for every event, and for every exception that is not passed to the program.
 inline constexpr DWORD kContinueStatus = 0x00010002;
@@ -12,6 +13,9 @@ inline bool DebugIsActive(const DebuggerState* state) { return state != nullptr 
 // Bytes as they stand in the program, trap bytes of breakpoints included. False unless the whole count was moved.
 bool DebugReadRaw(const DebuggerState& state, std::uint64_t address, void* out, std::size_t count);
 bool DebugWriteRaw(const DebuggerState& state, std::uint64_t address, const void* bytes, std::size_t count);
+
+// The program's memory and modules, for the pure rules. `state` must outlive the result.
+ProgramMemory DebugMemory(const DebuggerState& state);
 
 // Handle of a thread of the program, owned by the state, or null.
 HANDLE DebugThreadHandle(const DebuggerState& state, std::uint32_t threadId);

@@ -1,16 +1,16 @@
 // The decisions of steps that follow the program. Must not know a process.
 #include "debugger/follow_rules.h"
 
+#include "debugger/unwind.h"
+
 #include <algorithm>
 #include <array>
-#include <vector>
 
 namespace {
 
 using Act = FollowMove::Act;
 
-constexpr std::size_t kSearchedStack = 8192;  // bytes that are searched for a caller
-constexpr std::uint64_t kFlagsRoom = 16;      // bytes that PUSHF may take
+constexpr std::uint64_t kFlagsRoom = 16;  // bytes that PUSHF may take
 
 bool SamePlace(SourcePlace a, SourcePlace b) { return a.line == b.line && a.fileId == b.fileId; }
 
@@ -103,15 +103,8 @@ std::optional<ReturnPlace> ReturnPlaceOf(const RegisterSet& registers, const Mem
 
 std::optional<ReturnPlace> NearestCaller(const RegisterSet& registers, const ProgramMemory& memory,
                                          const std::function<bool(std::uint64_t)>& hasLine) {
-    const std::uint64_t word = WordBytesOf(registers);
-    const std::uint64_t sp = registers.general[kSp];
-    std::vector<std::uint8_t> stack(kSearchedStack);
-    stack.resize(memory.readSome(sp, stack.data(), stack.size()));
-    const auto found = FindReturnAddress(stack, word, [&](std::uint64_t address) {
-        std::array<std::uint8_t, kLongestCall> before = {};
-        return hasLine(address - 1) && memory.read(address - kLongestCall, before.data(), before.size()) &&
-               EndsWithCall(before);
-    });
+    const auto found = NearestReturnToLine(registers, memory, hasLine);
     if (!found) return std::nullopt;
-    return ReturnPlace{.address = found->value, .leastSp = sp + found->offset + word};
+    return ReturnPlace{.address = found->address,
+                       .leastSp = registers.general[kSp] + found->offset + WordBytesOf(registers)};
 }

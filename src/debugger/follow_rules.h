@@ -71,7 +71,6 @@ FollowMove FollowArrived(Follow* follow, const FollowView& view);
 // the word found there is no address behind a call.
 std::optional<ReturnPlace> ReturnPlaceOf(const RegisterSet& registers, const MemoryReader& read);
 
-// The place where the nearest caller that has source goes on: the first word of the stack that is an address behind a
-// call on a line of the program.
+// The place where the nearest caller that has source goes on (NearestReturnToLine).
 std::optional<ReturnPlace> NearestCaller(const RegisterSet& registers, const ProgramMemory& memory,
                                          const std::function<bool(std::uint64_t)>& hasLine);

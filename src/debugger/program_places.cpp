@@ -2,44 +2,44 @@
 #include "debugger/program_places.h"
 
 #include "debugger/stop_rules.h"
+#include "debugger/unwind.h"
 
 #include <algorithm>
-#include <array>
 
 namespace {
-
-constexpr std::size_t kStackBytes = 8192;  // of the stack that are searched
 
 bool HasLine(const ProgramImage& image, std::uint64_t address) {
     return PlaceInImage(*image.map, image.size, address).line != 0;
 }
 
-// The nearest return address on the stack that belongs to a line; its offset counts from the stack pointer.
-std::optional<StackWord> ReturnToLine(const ProgramImage& image, const RegisterSet& registers,
-                                      const ProgramMemory& memory) {
-    const auto returnsToLine = [&](std::uint64_t address) {
-        std::array<std::uint8_t, kLongestCall> before = {};
-        return HasLine(image, address - 1) && memory.read(address - kLongestCall, before.data(), before.size()) &&
-               EndsWithCall(before);
-    };
-    std::vector<std::uint8_t> stack(kStackBytes);
-    stack.resize(memory.readSome(registers.general[kSp], stack.data(), stack.size()));
-    return FindReturnAddress(stack, registers.x64 ? sizeof(std::uint64_t) : sizeof(std::uint32_t), returnsToLine);
+std::optional<NearestReturn> ReturnToLine(const ProgramImage& image, const RegisterSet& registers,
+                                          const ProgramMemory& memory) {
+    return NearestReturnToLine(
+        registers, memory, [&](std::uint64_t address) { return HasLine(image, address); });
+}
+
+// From code without a line: the libraries between it and the program are left out.
+std::vector<FrameLink> LinksFromLibrary(const ProgramImage& image, const RegisterSet& registers,
+                                        const ProgramMemory& memory) {
+    std::vector<FrameLink> chain = WalkFrames(registers, memory.read);
+    const auto nearest = ReturnToLine(image, registers, memory);
+    if (!nearest) return chain;
+    const bool inChain = std::ranges::find(chain, nearest->address, &FrameLink::address) != chain.end();
+    if (inChain && !nearest->framePointer) return chain;
+    // A library may use the frame pointer for something else. Above the return address it can be that of the program.
+    const std::uint64_t framePointer = registers.general[kBp];
+    const bool above = framePointer > registers.general[kSp] + nearest->offset;
+    return WalkFrames(registers, memory.read,
+                      FrameLink{.address = nearest->address,
+                                .framePointer = nearest->framePointer.value_or(above ? framePointer : 0)});
 }
 
 std::vector<FrameLink> FrameLinks(const ProgramImage& image, const RegisterSet& registers,
                                   const ProgramMemory& memory) {
-    const std::uint64_t framePointer = registers.general[kBp];
-    if (const auto caller = ReturnAddressWithoutFrame(registers, memory.read))
-        return WalkFrames(registers, memory.read, FrameLink{.address = *caller, .framePointer = framePointer});
-    std::vector<FrameLink> chain = WalkFrames(registers, memory.read);
-    if (HasLine(image, registers.ip)) return chain;
-    const auto nearest = ReturnToLine(image, registers, memory);
-    if (!nearest || std::ranges::find(chain, nearest->value, &FrameLink::address) != chain.end()) return chain;
-    // A library may use the frame pointer for something else. Above the return address it can be that of the program.
-    const bool above = framePointer > registers.general[kSp] + nearest->offset;
-    return WalkFrames(registers, memory.read,
-                      FrameLink{.address = nearest->value, .framePointer = above ? framePointer : 0});
+    if (!HasLine(image, registers.ip)) return LinksFromLibrary(image, registers, memory);
+    const auto caller = ReturnAddressWithoutFrame(registers, memory.read);
+    if (!caller) return WalkFrames(registers, memory.read);
+    return WalkFrames(registers, memory.read, FrameLink{.address = *caller, .framePointer = registers.general[kBp]});
 }
 
 }  // namespace
@@ -63,5 +63,5 @@ std::optional<std::uint64_t> AddressInProgram(const ProgramImage& image, const R
                                               const ProgramMemory& memory) {
     if (HasLine(image, registers.ip)) return registers.ip;
     const auto nearest = ReturnToLine(image, registers, memory);
-    return nearest ? std::optional(nearest->value) : std::nullopt;
+    return nearest ? std::optional(nearest->address) : std::nullopt;
 }

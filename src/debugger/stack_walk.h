@@ -21,6 +21,8 @@ struct ProgramMemory {
     MemoryReader read;
     // Reads as many of the bytes as can be read from the start, and answers how many.
     std::function<std::size_t(std::uint64_t address, void* out, std::size_t count)> readSome;
+    // Where the module begins that has the address; 0: none. Null: not known.
+    std::function<std::uint64_t(std::uint64_t address)> moduleBase = nullptr;
 };
 
 struct FrameLink {

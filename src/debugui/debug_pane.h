@@ -14,6 +14,8 @@ void DebugPaneSelect(DebugTab tab);
 // Call this when what the pane shows may be out of date (a stop, a resume, an end, a changed breakpoint). The visible
 // view then reads the program once, when the message queue is empty, however often this was called.
 void DebugPaneInvalidate();
+// True while the disassembly has the keyboard, so that Step Over and Step Into mean instructions.
+bool DebugPaneStepsInstructions();
 // F9 while the disassembly has the keyboard: makes or removes the breakpoint of the selected instruction. False: another
 // window has it.
 bool DebugPaneToggleBreakpoint();

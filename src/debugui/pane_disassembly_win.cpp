@@ -191,8 +191,12 @@ const PaneView kDisassemblyView = {.title = L"Disassembly",
                                    .fill = FillDisassembly,
                                    .addressCue = L"The current instruction"};
 
+bool DebugPaneStepsInstructions() {
+    return &PaneCurrentView() == &kDisassemblyView && PaneList().window != nullptr && GetFocus() == PaneList().window;
+}
+
 bool DebugPaneToggleBreakpoint() {
-    if (&PaneCurrentView() != &kDisassemblyView || GetFocus() != PaneList().window) return false;
+    if (!DebugPaneStepsInstructions()) return false;
     const CodeRow* code = CodeRowAt(ListViewSelected(PaneList()));
     if (code != nullptr && code->address != 0 && PaneProgramNow().stopped) CodeBreakpointToggle(code->address);
     return true;

@@ -79,6 +79,12 @@ WatchBytes WideTextBytes(std::string_view utf8, std::size_t room) {
     return {bytes, {}};
 }
 
+// The kind of a watch for which the user has chosen none. "[RSP+8]" asks for what is in memory there; "RSP+8" is an
+// address.
+WatchKind OwnKindOf(std::wstring_view expression) {
+    return expression.ends_with(L']') ? WatchKind::Value : WatchKind::Long;
+}
+
 std::size_t BytesOfWhole(WatchKind kind) {
     switch (kind) {
         case WatchKind::Byte: return 1;
@@ -132,16 +138,16 @@ bool WatchSetExpression(std::vector<Watch>& watches, std::size_t row, std::wstri
     expression = TrimmedExpression(expression);
     if (row >= watches.size()) {
         if (expression.empty()) return false;
-        // "[RSP+8]" asks for what is in memory there; "RSP+8" is an address.
-        const WatchKind kind = expression.back() == L']' ? WatchKind::Value : WatchKind::Long;
-        watches.push_back({std::wstring(expression), kind, {}, {}});
+        watches.push_back({std::wstring(expression), OwnKindOf(expression), {}, {}});
         return true;
     }
-    if (watches[row].expression == expression) return false;
+    Watch& watch = watches[row];
+    if (watch.expression == expression) return false;
+    const bool chosen = watch.kind != OwnKindOf(watch.expression);  // by the user
     if (expression.empty())
         watches.erase(watches.begin() + static_cast<std::ptrdiff_t>(row));
     else
-        watches[row] = {std::wstring(expression), watches[row].kind, {}, {}};
+        watch = {std::wstring(expression), chosen ? watch.kind : OwnKindOf(expression), {}, {}};
     return true;
 }
 

@@ -21,7 +21,7 @@ struct Watch {
 };
 
 // Sets the expression of a row: the row after the last adds a watch, an empty text removes one. Blanks around it are
-// dropped. True when the list has changed.
+// dropped. A kind that the user has not chosen follows the expression. True when the list has changed.
 bool WatchSetExpression(std::vector<Watch>& watches, std::size_t row, std::wstring_view expression);
 
 // Text of the edit field for a value that is shown as "42 (0x0000002A)" or in quotation marks.

@@ -5,15 +5,15 @@
 #include "debugger/at_address.h"
 #include "debugger/debug_follow.h"
 #include "debugger/debug_session.h"
+#include "debugui/debug_pane.h"
 #include "debugui/debug_run.h"
 #include "debugui/location.h"
-#include "disasm/renderer.h"
+#include "debugui/next_statement.h"
 #include "documents/document_row.h"
 #include "program/debug_say.h"
 #include "scintilla/sci.h"
 #include "settings/settings_state.h"
 
-#include <algorithm>
 #include <string>
 
 namespace {
@@ -36,28 +36,11 @@ void Step(FollowKind kind, bool (*byAddress)(DebuggerState*), const wchar_t* suf
     AfterStep(FollowsProgram() ? DebugFollowStep(&g_debugger, kind) : byAddress(&g_debugger), suffix);
 }
 
-constexpr int kMostLinesBetween = 20000;  // that are searched for a heading
-
-std::string LineOf(HWND editor, int line) {
+std::string LineOfEditor(int line) {
     const auto index = static_cast<WPARAM>(line - 1);
-    std::string text(static_cast<std::size_t>(SciSend(editor, SCI_LINELENGTH, index)), '\0');
-    SciSend(editor, SCI_GETLINE, index, reinterpret_cast<LPARAM>(text.data()));
+    std::string text(static_cast<std::size_t>(SciSend(g_documents.hEditor, SCI_LINELENGTH, index)), '\0');
+    SciSend(g_documents.hEditor, SCI_GETLINE, index, reinterpret_cast<LPARAM>(text.data()));
     return text;
-}
-
-// True when the heading of a procedure stands between two lines (from 1), the higher one included.
-bool HeadingBetween(HWND editor, int a, int b) {
-    const auto [low, high] = std::minmax(a, b);
-    if (high - low > kMostLinesBetween) return true;
-    for (int line = low + 1; line <= high; ++line)
-        if (!DisasmProcedureName(LineOf(editor, line)).empty()) return true;
-    return false;
-}
-
-// Going on in another procedure would use the stack of this one.
-bool IsInOtherProcedure(std::uint32_t fileId, int line) {
-    if (fileId != g_debugger.currentFileId) return true;
-    return g_debugger.currentLine > 0 && HeadingBetween(g_documents.hEditor, g_debugger.currentLine, line);
 }
 
 }  // namespace
@@ -73,8 +56,17 @@ void DebugFollowResumed(bool resumed, const wchar_t* suffix) {
     g_events.statusText(IsBreakpointTableFull() ? kTableFull : kNoStep);
 }
 
-void CommandStepOver(int) { Step(FollowKind::Over, DebugStepOver, L""); }
-void CommandStepInto(int) { Step(FollowKind::Into, DebugStepInto, L" (step into)"); }
+// In the disassembly the keys of the two steps go from instruction to instruction, as the rows do.
+void CommandStepOver(int command) {
+    if (DebugPaneStepsInstructions()) return CommandStepOverInstruction(command);
+    Step(FollowKind::Over, DebugStepOver, L"");
+}
+
+void CommandStepInto(int command) {
+    if (DebugPaneStepsInstructions()) return CommandStepInstruction(command);
+    Step(FollowKind::Into, DebugStepInto, L" (step into)");
+}
+
 void CommandStepOut(int) { Step(FollowKind::Out, DebugStepOut, L" (step out)"); }
 
 void CommandStepInstruction(int) {
@@ -109,13 +101,18 @@ void CommandSetNextStatement(int) {
     const int line =
         static_cast<int>(SciSend(g_documents.hEditor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(caret))) + 1;
     const std::uint32_t rva = fileId != 0 ? SdbgFileLineToRva(&g_debugger.map, fileId, line) : 0;
-    if (rva == 0)
-        DebugSay(kDebugOrange, L"[Debug] No code on line %d.\n", line);
-    else if (IsInOtherProcedure(fileId, line))
-        DebugSay(kDebugOrange, L"[Debug] Line %d is in another procedure; the next statement stays in this one.\n",
-                 line);
+    const std::uint64_t address = g_debugger.map.imageBase + rva;
+    const std::wstring problem = NextStatementProblem({.from = g_debugger.currentLine,
+                                                       .to = line,
+                                                       .otherFile = fileId != g_debugger.currentFileId,
+                                                       .hasCode = rva != 0,
+                                                       .standsThere = DebugNextIsAt(&g_debugger, address),
+                                                       .frameMissing = DebugFrameIsMissing(&g_debugger)},
+                                                      LineOfEditor);
+    if (problem.empty())
+        DebugMoveNextStatement(address);
     else
-        DebugMoveNextStatement(g_debugger.map.imageBase + rva);
+        DebugSay(kDebugOrange, L"%s", problem.c_str());
 }
 
 void CommandStepsFollowProgram(int) {

@@ -207,6 +207,69 @@ TEST(ProgramPlaces, AThreadInTheSystemIsWhereItWillReturnTo) {
     EXPECT_EQ(place(0x77000000, {}), std::nullopt);
 }
 
+// A library of two procedures at 0x70000000: one pushes RBX and takes 32 bytes; the other pushes RBP, takes 1 kB and
+// lets RBP point 16 bytes above the end of it.
+std::string Library() {
+    std::string bytes(0x3000, '\x90');
+    const auto put = [&](std::size_t at, const std::string& what) { bytes.replace(at, what.size(), what); };
+    const auto words = [](std::initializer_list<std::uint32_t> values) {
+        std::string text;
+        for (const std::uint32_t value : values) text += Bytes(value);
+        return text;
+    };
+    put(60, Bytes<std::uint32_t>(0x80));
+    put(0x80 + 24, "\x0B\x02");
+    put(0x80 + 160, words({0x1000, 24}));
+    put(0x1000, words({0x2000, 0x2040, 0x1100, 0x2100, 0x2200, 0x1120}));
+    put(0x1100, std::string("\x01\x05\x02\0\x05\x32\x01\x30", 8));
+    put(0x1120, std::string("\x01\x10\x04\x15\x10\x03\x08\x01\x80\0\x01\x50", 12));
+    put(0x2030, "\x48\x83\xC4\x20\x5B\xC3");
+    return bytes;
+}
+
+// The stack of a library may hold a return address of an earlier call, above the stack pointer and below the true one.
+TEST(ProgramPlaces, LibrariesAreUnwound) {
+    const Program program;
+    constexpr std::uint64_t kOld = 0x401022, kTrue = 0x401016;  // of lines 9 and 7
+    std::string image(0x1100, '\x90');
+    for (const std::uint64_t after : {kOld, kTrue}) image[after - 0x400000 - 5] = '\xE8';
+    Stretch stack = {.base = 0x8000, .bytes = {}};
+    for (const std::uint64_t word :
+         {std::uint64_t{0x70002020}, kOld, kOld, kOld, kOld, std::uint64_t{5}, std::uint64_t{0x70002180}})
+        stack.bytes += Bytes(word);
+    for (int i = 0; i < 128; ++i) stack.bytes += Bytes(kOld);
+    for (const std::uint64_t word : {std::uint64_t{0x8480}, kTrue, kOld, kOld}) stack.bytes += Bytes(word);
+    stack.bytes += std::string(0x8480 - 0x8458, '\0') + Bytes<std::uint64_t>(0) + Bytes(kOld);
+    const Stretch parts[] = {{.base = 0x70000000, .bytes = Library()}, {.base = 0x400000, .bytes = image}, stack};
+    const auto some = [&](std::uint64_t at, void* out, std::size_t count) {
+        std::size_t most = 0;
+        for (const Stretch& part : parts) most = std::max(most, part.ReadSome(at, out, count));
+        return most;
+    };
+    const ProgramMemory memory = {
+        .read = [&](std::uint64_t at, void* out, std::size_t count) { return some(at, out, count) == count; },
+        .readSome = some,
+        .moduleBase = [](std::uint64_t at) { return std::uint64_t{at >> 16 == 0x7000 ? 0x70000000U : 0U}; }};
+    RegisterSet registers;
+    registers.general[kBp] = 0x8038 + 16;
+    const auto from = [&](std::uint64_t ip, std::uint64_t sp) {
+        registers.ip = ip;
+        registers.general[kSp] = sp;
+        return AddressInProgram(program.Image(), registers, memory);
+    };
+    EXPECT_EQ(from(0x70002800, 0x8000), kTrue) << "a procedure without a record";
+    EXPECT_EQ(from(0x70002020, 0x8008), kTrue) << "in the body";
+    EXPECT_EQ(from(0x70002001, 0x8028), kTrue) << "behind the first instruction of the prologue";
+    EXPECT_EQ(from(0x70002034, 0x8028), kTrue) << "in the epilogue";
+    EXPECT_EQ(from(0x70002150, 0x8000), kTrue) << "with a frame pointer";
+    const auto frames = FramesWithLines(program.Image(), registers, memory);
+    ASSERT_EQ(frames.size(), 3U);
+    EXPECT_EQ(frames[1].line, 7U);
+    EXPECT_EQ(frames[1].framePointer, 0x8480U) << "the library has kept it on the stack";
+    EXPECT_EQ(frames[2].line, 9U);
+    EXPECT_EQ(from(0x60000000, 0x8000), kOld) << "in no module the stack is searched";
+}
+
 // Watches over values that a test sets.
 struct WatchedProgram {
     WatchProgram program = {.session = true, .stopped = true, .serial = 1, .evaluate = {}, .read = {}};

@@ -1,6 +1,7 @@
 // Breakpoints as data, conditions, texts and scrolling of a stop.
 #include "debugui/breakpoint_rules.h"
 #include "debugui/breakpoints.h"
+#include "debugui/next_statement.h"
 #include "debugui/stop_view.h"
 
 #include <gtest/gtest.h>
@@ -231,6 +232,34 @@ TEST(Stop, WarnsOnceOfASourceThatDoesNotMatchTheProgram) {
         std::vector<std::wstring>{L"[Debug] a.bas has changes that are not saved: the program runs without them.\n"});
     EXPECT_TRUE(NewStaleWarnings(&warnings, L"a.bas", {.newer = true, .unsaved = true}).empty());
     EXPECT_EQ(NewStaleWarnings(&warnings, L"b.bas", {.newer = true}).size(), 1U);
+    const auto looks = [&](const wchar_t* path, std::uint64_t now) { return TakeStaleLook(&warnings, path, now); };
+    EXPECT_TRUE(looks(L"a", 5000) && !looks(L"a", 5999) && looks(L"a", 6000) && looks(L"b", 6001) && looks(L"a", 6002));
+}
+
+TEST(NextStatement, StaysInItsProcedureWithItsFrame) {
+    const std::vector<std::string> source = {"SUB First", " a = 1", " a = 2", "END SUB", "SUB Second", " b = 1"};
+    const auto text = [&](int line) { return source[static_cast<std::size_t>(line - 1)]; };
+    constexpr wchar_t kOther[] = L"is in another procedure", kNoFrame[] = L"(F10) first", kSetsUp[] = L"sets up";
+    const struct {
+        const char* name;
+        NextStatement wanted;
+        const wchar_t* problem;  // a part of it; empty: none
+    } cases[] = {
+        {"within", {.from = 3, .to = 2, .hasCode = true}, L""},
+        {"no code", {.from = 3, .to = 4}, L"No code on line 4."},
+        {"the next procedure", {.from = 3, .to = 6, .hasCode = true}, kOther},
+        {"the one before", {.from = 6, .to = 2, .hasCode = true}, kOther},
+        {"another file", {.from = 3, .to = 2, .otherFile = true, .hasCode = true}, kOther},
+        {"from a heading", {.from = 1, .to = 2, .hasCode = true}, kNoFrame},
+        {"from a return", {.from = 4, .to = 2, .hasCode = true, .frameMissing = true}, kNoFrame},
+        {"to a heading", {.from = 2, .to = 1, .hasCode = true}, kSetsUp},
+        {"where it stands", {.from = 1, .to = 1, .hasCode = true, .standsThere = true, .frameMissing = true}, L""},
+    };
+    for (const auto& each : cases) {
+        const std::wstring problem = NextStatementProblem(each.wanted, text);
+        EXPECT_EQ(problem.empty(), *each.problem == L'\0') << each.name;
+        EXPECT_NE(problem.find(each.problem), std::wstring::npos) << each.name;
+    }
 }
 
 }  // namespace

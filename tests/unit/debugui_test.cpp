@@ -118,6 +118,13 @@ TEST(Watches, ExpressionsAddChangeAndRemove) {
     EXPECT_EQ(list[0].kind, WatchKind::Long);
     EXPECT_TRUE(WatchSetExpression(list, 1, L"WORD [RSP+8]"));
     EXPECT_EQ(list[1].kind, WatchKind::Value) << "its value, not what is at the address it gives";
+    EXPECT_TRUE(WatchSetExpression(list, 0, L"[RSP+8]"));
+    EXPECT_EQ(list[0].kind, WatchKind::Value) << "nothing else was chosen for the address";
+    EXPECT_TRUE(WatchSetExpression(list, 0, L"RSP+8"));
+    EXPECT_EQ(list[0].kind, WatchKind::Long);
+    list[0].kind = WatchKind::Text;
+    EXPECT_TRUE(WatchSetExpression(list, 0, L"[RSP+8]"));
+    EXPECT_EQ(list[0].kind, WatchKind::Text) << "the text that a pointer leads to";
 }
 
 TEST(Watches, WhatIsEditedOfAShownValue) {

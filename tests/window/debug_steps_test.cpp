@@ -112,6 +112,11 @@ TEST(DebugSession, GoesOnRestartsAndTellsTheLastOutput) {
     EXPECT_EQ(editor.Tabs(), 2);
     session.CaretTo(3);
     editor.Do(IDM_DEBUG_SET_NEXT);
+    EXPECT_TRUE(editor.AwaitOutput(L"The frame of the procedure does not stand here")) << Utf8(editor.Output());
+    editor.Do(IDM_DEBUG_STEP_OVER);
+    awaitStatus(L"Stopped at part.inc:2");
+    session.CaretTo(3);
+    editor.Do(IDM_DEBUG_SET_NEXT);
     awaitStatus(L"Stopped at part.inc:3");
 
     session.Select(kDisassembly);
@@ -121,7 +126,8 @@ TEST(DebugSession, GoesOnRestartsAndTellsTheLastOutput) {
     editor.Foreground();
     SetFocus(nullptr);
     editor.Click(session.List(), session.Place(row, 1));
-    editor.Keys({VK_F9});
+    editor.Keys({VK_F9, VK_F10});
+    EXPECT_TRUE(editor.AwaitOutput(L"Stopped at part.inc:3 (instruction)\n")) << "the disassembly has the keyboard";
     session.Select(kBreakpoints);
     EXPECT_TRUE(session.Await(L"Instruction at part.inc:3")) << Utf8(session.All());
     EXPECT_NE(session.All().find(address.substr(address.find_first_not_of(L'0'))), std::wstring::npos);
