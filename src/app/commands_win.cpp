@@ -3,6 +3,7 @@
 #include "app/main_window.h"
 #include "app/recent_menu.h"
 #include "commands/command_state.h"
+#include "commands/edit_target.h"
 #include "commands/status_bar.h"
 #include "commands/view_commands.h"
 #include "compile/build.h"
@@ -40,27 +41,16 @@ void SaveAndBuildIfAsked() {
     if (document.hasFile) StartCompilerBuild(false, false);
 }
 
-// Edit commands go to the text field that has the keyboard when that is not the editor.
-void SendToText(int command) {
+// Edit commands go to the window that has the keyboard when that takes them instead of the editor.
+void EditText(int command) {
     static constexpr struct {
         int command;
         UINT scintilla;
-        UINT field;
-        WPARAM wParam;
-        LPARAM lParam;
-    } kRows[] = {
-        {IDM_EDIT_UNDO, SCI_UNDO, WM_UNDO, 0, 0},    {IDM_EDIT_REDO, SCI_REDO, 0, 0, 0},
-        {IDM_EDIT_CUT, SCI_CUT, WM_CUT, 0, 0},       {IDM_EDIT_COPY, SCI_COPY, WM_COPY, 0, 0},
-        {IDM_EDIT_PASTE, SCI_PASTE, WM_PASTE, 0, 0}, {IDM_EDIT_SELECT_ALL, SCI_SELECTALL, EM_SETSEL, 0, -1},
-    };
-    for (const auto& row : kRows) {
-        if (row.command != command) continue;
-        if (HWND field = FocusedTextField()) {
-            if (row.field != 0) SendMessageW(field, row.field, row.wParam, row.lParam);
-        } else {
-            SciSend(g_app.hEditor, row.scintilla);
-        }
-    }
+    } kRows[] = {{IDM_EDIT_UNDO, SCI_UNDO}, {IDM_EDIT_REDO, SCI_REDO},   {IDM_EDIT_CUT, SCI_CUT},
+                 {IDM_EDIT_COPY, SCI_COPY}, {IDM_EDIT_PASTE, SCI_PASTE}, {IDM_EDIT_SELECT_ALL, SCI_SELECTALL}};
+    if (const HWND target = EditTargetNow(); target != nullptr) return EditTargetDo(target, command);
+    for (const auto& row : kRows)
+        if (row.command == command) SciSend(g_app.hEditor, row.scintilla);
 }
 
 void GoToBookmark(int command) {
@@ -145,12 +135,12 @@ constexpr CommandHandler kFrameHandlers[] = {
     {IDM_TAB_CLOSE_OTHERS, [](int) { FileCloseDocuments(CloseRange::Others, ActiveDocumentId()); }},
     {IDM_TAB_CLOSE_RIGHT, [](int) { FileCloseDocuments(CloseRange::Right, ActiveDocumentId()); }},
     {IDM_TAB_COPY_PATH, [](int) { ClipboardPutText(g_app.hMainWnd, TabAt(g_app.activeTab).path); }},
-    {IDM_EDIT_UNDO, SendToText},
-    {IDM_EDIT_REDO, SendToText},
-    {IDM_EDIT_CUT, SendToText},
-    {IDM_EDIT_COPY, SendToText},
-    {IDM_EDIT_PASTE, SendToText},
-    {IDM_EDIT_SELECT_ALL, SendToText},
+    {IDM_EDIT_UNDO, EditText},
+    {IDM_EDIT_REDO, EditText},
+    {IDM_EDIT_CUT, EditText},
+    {IDM_EDIT_COPY, EditText},
+    {IDM_EDIT_PASTE, EditText},
+    {IDM_EDIT_SELECT_ALL, EditText},
     {IDM_EDIT_FIND, [](int) { FindDialogShow(g_app.hMainWnd, false); }},
     {IDM_EDIT_REPLACE, [](int) { FindDialogShow(g_app.hMainWnd, true); }},
     {IDM_FIND_NEXT, [](int) { FindNext(true); }},

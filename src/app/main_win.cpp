@@ -134,6 +134,11 @@ bool TranslateExtraKey(const MSG& message) {
     return true;
 }
 
+// True after a key or a button of the mouse, by which a field may have got a selection, or another window the keyboard.
+bool IsEndOfInput(UINT message) {
+    return message == WM_KEYUP || message == WM_SYSKEYUP || message == WM_LBUTTONUP || message == WM_RBUTTONUP;
+}
+
 int RunMessageLoop() {
     HACCEL accelerators = LoadAcceleratorsW(g_app.hInstance, MAKEINTRESOURCEW(IDR_ACCELERATORS));
     MSG message = {};
@@ -145,6 +150,8 @@ int RunMessageLoop() {
         if (TranslateExtraKey(message) || FindDialogIsMessage(&message)) continue;
         TranslateMessage(&message);
         DispatchMessageW(&message);
+        // An editor tells of its selection and its text itself, at each change.
+        if (IsEndOfInput(message.message) && message.hwnd != g_app.hEditor) MainWindow_RequestStateRefresh();
     }
 }
 

@@ -10,9 +10,6 @@
 #include <string_view>
 
 CommandView CurrentCommandView();
-// The window with the keyboard focus when it is a text pane or an input line and so takes the Edit commands instead of
-// the editor. Null for any other window.
-HWND FocusedTextField();
 // Enables and checks every command of the main menu and the toolbar by the current state.
 void MenuUpdateState();
 // Enables and checks the items of a menu that is about to open.

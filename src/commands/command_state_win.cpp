@@ -2,13 +2,10 @@
 // thread.
 #include "commands/command_state.h"
 
-#include "ai/ai_state.h"
+#include "commands/edit_target.h"
 #include "commands/toolbar.h"
 #include "compile/build.h"
-#include "compile/compile_state.h"
 #include "debugui/debug_run.h"
-#include "debugui/debugui_state.h"
-#include "disasm/disasm_state.h"
 #include "documents/document_row.h"
 #include "language/lexer_table.h"
 #include "output/output_state.h"
@@ -23,20 +20,20 @@
 
 namespace {
 
+std::uint32_t BitIf(bool holds, std::uint32_t conditions) { return holds ? conditions : 0; }
+
 std::uint32_t EditorConditions() {
     const DocumentTab& tab = TabAt(g_documents.activeTab);
-    std::uint32_t conditions = kHasTab;
-    const auto add = [&](bool holds, CommandCondition condition) {
-        conditions |= holds ? static_cast<std::uint32_t>(condition) : 0U;
-    };
-    add(SciSend(tab.editor, SCI_CANUNDO) != 0, kCanUndo);
-    add(SciSend(tab.editor, SCI_CANREDO) != 0, kCanRedo);
-    add(SciSend(tab.editor, SCI_GETSELECTIONEMPTY) == 0, kHasSelection);
-    add(TabCount() > 1, kHasOtherTabs);
-    add(g_documents.activeTab + 1 < TabCount(), kHasTabsRight);
-    add(tab.hasFile, kHasFile);
-    add(LexerFromExtension(tab.path) == Language::Basic, kBasicSource);
-    return conditions;
+    return kHasTab | BitIf(SciSend(tab.editor, SCI_GETSELECTIONEMPTY) == 0, kHasSelection) |
+           BitIf(TabCount() > 1, kHasOtherTabs) | BitIf(g_documents.activeTab + 1 < TabCount(), kHasTabsRight) |
+           BitIf(tab.hasFile, kHasFile) | BitIf(LexerFromExtension(tab.path) == Language::Basic, kBasicSource);
+}
+
+// Of the Edit commands, when they go to the editor.
+std::uint32_t EditConditionsOfEditor(std::uint32_t conditions) {
+    const HWND editor = TabAt(g_documents.activeTab).editor;
+    return kCanPaste | kCanSelectAll | BitIf((conditions & kHasSelection) != 0, kCanCut | kCanCopy) |
+           BitIf(SciSend(editor, SCI_CANUNDO) != 0, kCanUndo) | BitIf(SciSend(editor, SCI_CANREDO) != 0, kCanRedo);
 }
 
 std::uint32_t DebugConditions() {
@@ -49,18 +46,14 @@ std::uint32_t DebugConditions() {
 
 }  // namespace
 
-HWND FocusedTextField() {
-    HWND focus = GetFocus();
-    for (HWND field : {g_output.hOutput, g_disasm.hAsmPane, g_ai.hAiChat, g_ai.hAiInput, g_compile.hTerminal})
-        if (focus != nullptr && focus == field) return field;
-    return focus != nullptr && IsChild(g_debugUi.hDebugPane, focus) ? focus : nullptr;
-}
-
 CommandView CurrentCommandView() {
     CommandView view;
-    // Undo, Redo, Cut and Copy are always enabled for such a field, because asking it would slow down every key.
-    if (FocusedTextField() != nullptr) view.conditions |= kCanUndo | kCanRedo | kHasSelection;
-    if (IsTabIndex(g_documents.activeTab)) view.conditions |= EditorConditions();
+    const bool hasTab = IsTabIndex(g_documents.activeTab);
+    if (hasTab) view.conditions |= EditorConditions();
+    if (const HWND target = EditTargetNow(); target != nullptr)
+        view.conditions |= EditTargetConditions(target);
+    else if (hasTab)
+        view.conditions |= EditConditionsOfEditor(view.conditions);
     if (std::ranges::any_of(g_documents.tabs, &DocumentTab::modified)) view.conditions |= kAnyModified;
     if (BuildCanBeStopped()) view.conditions |= kBuilding;
     if (!CompilerIsBuilding()) view.conditions |= kIdle;

@@ -11,7 +11,7 @@ enum CommandCondition : std::uint32_t {
     kHasTab = 1u << 0,  // a document is open
     kCanUndo = 1u << 1,
     kCanRedo = 1u << 2,
-    kHasSelection = 1u << 3,
+    kHasSelection = 1u << 3,  // in the editor
     kHasOtherTabs = 1u << 4,
     kHasFile = 1u << 5,       // the active document has a file
     kHasTabsRight = 1u << 6,  // of the active one
@@ -24,6 +24,11 @@ enum CommandCondition : std::uint32_t {
     kSession = 1u << 13,         // a program is debugged or about to be debugged
     kProgramStopped = 1u << 14,  // the debugged program is stopped
     kProgramRunning = 1u << 15,
+    // These, kCanUndo and kCanRedo are of the window that has the keyboard.
+    kCanCut = 1u << 16,
+    kCanCopy = 1u << 17,
+    kCanPaste = 1u << 18,
+    kCanSelectAll = 1u << 19,
     kNever = 1u << 31,  // never set, so the command stays disabled: not in this version
 };
 

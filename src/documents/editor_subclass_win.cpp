@@ -2,6 +2,7 @@
 // colouring before a paint. Keeps the PaneState of each pane. UI thread.
 #include "documents/pane_state.h"
 
+#include "base/events.h"
 #include "base/log.h"
 #include "documents/caret_place.h"
 #include "documents/editor_pane.h"
@@ -118,6 +119,7 @@ LRESULT OnPaneMouseActivate(HWND pane, WPARAM wParam, LPARAM lParam) {
 // A press that never came, of a button that Scintilla does not know.
 void OnPaneKillFocus(HWND pane) {
     if (PaneState* state = PaneStateOf(pane); state != nullptr) state->pressing = false;
+    g_events.refreshWanted();  // the Edit commands go elsewhere now
 }
 
 LRESULT OnPaneButtonDown(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -190,7 +192,10 @@ LRESULT CALLBACK EditorPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
             SetCursor(LoadCursorW(nullptr, IDC_IBEAM));
             LogForcedCursor(pane);
             return 1;
-        case WM_SETFOCUS: TakeFocus(pane); break;
+        case WM_SETFOCUS:
+            TakeFocus(pane);
+            g_events.refreshWanted();
+            break;
         case WM_KILLFOCUS: OnPaneKillFocus(pane); break;
         case WM_CONTEXTMENU: return ShowPaneMenu(pane, wParam, lParam);
         case WM_MOUSEACTIVATE: return OnPaneMouseActivate(pane, wParam, lParam);

@@ -1,6 +1,7 @@
 // The commands as the user meets them: menu, table and keys agree, and each command is enabled and checked when it
 // should be. Reads src/resources/app.rc.
 #include "commands/command_table.h"
+#include "commands/edit_fields.h"
 #include "resources/ids.h"
 #include "support/golden_file.h"
 #include "ui/pane_id.h"
@@ -95,18 +96,18 @@ struct Moment {
     char letter;
     std::uint32_t conditions;
 };
-constexpr std::uint32_t kText = kHasTab | kIdle | kNoSession;
+constexpr std::uint32_t kText = kHasTab | kCanPaste | kCanSelectAll | kIdle | kNoSession;
 constexpr Moment kMoments[] = {
     {'n', kIdle | kNoSession},  // no document
     {'u', kText | kBasicSource},
     {'e', kText | kBasicSource | kCanUndo | kCanRedo | kAnyModified | kHasOtherTabs | kHasTabsRight},  // edited
-    {'s', kText | kBasicSource | kHasSelection},
+    {'s', kText | kBasicSource | kHasSelection | kCanCut | kCanCopy},
     {'f', kText | kHasFile},  // saved, but not BASIC
     {'x', kText | kHasFile | kHasErrors},
-    {'b', kHasTab | kHasFile | kBuilding | kNoSession},
-    {'l', kHasTab | kHasFile | kIdle | kSession},  // a program is launched
-    {'p', kHasTab | kHasFile | kIdle | kSession | kProgramStopped},
-    {'r', kHasTab | kHasFile | kIdle | kSession | kProgramRunning},
+    {'b', kHasTab | kCanPaste | kCanSelectAll | kHasFile | kBuilding | kNoSession},
+    {'l', kHasTab | kCanPaste | kCanSelectAll | kHasFile | kIdle | kSession},  // a program is launched
+    {'p', kHasTab | kCanPaste | kCanSelectAll | kHasFile | kIdle | kSession | kProgramStopped},
+    {'r', kHasTab | kCanPaste | kCanSelectAll | kHasFile | kIdle | kSession | kProgramRunning},
 };
 
 struct Mark {
@@ -207,6 +208,24 @@ TEST(Commands, MenuTableAndKeysAgree) {
         const int shown = item.command == IDM_DEBUG_START ? IDM_BUILD_RUN : item.command;
         EXPECT_EQ(key->second, shown) << item.text << " shows " << item.key;
     }
+}
+
+TEST(EditFields, OfferWhatTheyCanDo) {
+    using Kind = EditFieldKind;
+    const struct {
+        const char* name;
+        EditField field;
+        std::uint32_t conditions;
+    } cases[] = {
+        {"an empty line", {.kind = Kind::Line}, kCanSelectAll | kCanPaste},
+        {"a line", {Kind::Line, false, true, true}, kCanSelectAll | kCanPaste | kCanCut | kCanCopy | kCanUndo},
+        {"a pane of text", {Kind::Rich, true, true, true, true}, kCanSelectAll | kCanCopy},
+        {"a list", {Kind::Rows, false, true, true}, kCanCopy},
+        {"an empty list", {.kind = Kind::Rows}, 0},
+        {"tabs", {Kind::Other, false, true, true}, 0},
+    };
+    for (const auto& each : cases) EXPECT_EQ(EditConditionsOf(each.field), each.conditions) << each.name;
+    EXPECT_EQ(EditFieldKindOf(L"RichEdit50W"), Kind::Rich);
 }
 
 }  // namespace
