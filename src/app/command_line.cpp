@@ -79,7 +79,8 @@ bool TakeArgument(CommandLineStep& step, const std::wstring& argument) {
     switch (step.action) {
         case CommandLineAction::SetCompiler: step.number = CompilerIdFromName(argument); return step.number >= 0;
         case CommandLineAction::SetFontSize:
-            step.number = WholeNumber(argument);
+            step.number = DecimalNumber(
+                std::wstring_view(argument).substr(std::min(argument.find_first_not_of(L" \t"), argument.size())));
             return step.number >= 6 && step.number <= 72;
         default: step.text = argument; return true;
     }

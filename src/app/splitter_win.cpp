@@ -91,6 +91,7 @@ HWND CreateSplitter(HWND parent, int id) {
         description.lpfnWndProc = SplitterProc;
         description.hInstance = g_app.hInstance;
         description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+        description.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNSHADOW + 1);  // EraseSplitter fills the bar
         description.lpszClassName = kSplitterClass;
         return RegisterClassExW(&description);
     }();

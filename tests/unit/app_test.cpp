@@ -54,8 +54,8 @@ TEST(CommandLine, FontSizeLimits) {
     const struct {
         const wchar_t* value;
         bool taken;
-    } cases[] = {{L"5", false}, {L"6", true},     {L"72", true}, {L"73", false},
-                 {L"x", false}, {L"12pt", false}, {L"-8", false}};
+    } cases[] = {{L"5", false},   {L"6", true},  {L"72", true},  {L"73", false}, {L"x", false},
+                 {L"12pt", true}, {L" 8", true}, {L"-8", false}, {L"", false}};
     for (const auto& c : cases)
         EXPECT_EQ(Steps({L"--fontsize", c.value}).size(), c.taken ? 1U : 0U)
             << std::string(c.value, c.value + wcslen(c.value));
