@@ -6,15 +6,8 @@
 
 #include <windows.h>
 
-#include <string>
-#include <string_view>
-
 CommandView CurrentCommandView();
 // Enables and checks every command of the main menu and the toolbar by the current state.
 void MenuUpdateState();
 // Enables and checks the items of a menu that is about to open.
 void MenuApplyState(HMENU menu, const CommandView& view);
-
-// A tooltip from a menu text: "Save A&ll\tCtrl+Shift+S" -> "Save All (Ctrl+Shift+S)". Removes dots at the end of the
-// name.
-std::wstring CommandTipFromMenuText(std::wstring_view menuText);

@@ -97,15 +97,3 @@ void MenuUpdateState() {
     if (HMENU menu = GetMenu(g_ui.hMainWnd); menu != nullptr) ApplyToMenuTree(menu, view);
     ToolbarApplyState(view);
 }
-
-std::wstring CommandTipFromMenuText(std::wstring_view menuText) {
-    const std::size_t tab = menuText.find(L'\t');
-    std::wstring tip;
-    for (std::size_t i = 0; i < std::min(tab, menuText.size()); ++i) {
-        if (menuText[i] == L'&' && i + 1 < menuText.size()) ++i;  // leaves out the mnemonic's mark; "&&" gives one &
-        tip += menuText[i];
-    }
-    while (tip.ends_with(L'.')) tip.pop_back();
-    if (tab != std::wstring_view::npos) tip.append(L" (").append(menuText.substr(tab + 1)).append(L")");
-    return tip;
-}

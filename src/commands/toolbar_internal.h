@@ -2,19 +2,12 @@
 #pragma once
 
 #include "commands/icons.h"
+#include "commands/toolbar_rules.h"
 
 #include <windows.h>
 
 #include <span>
 #include <string>
-
-// A button for which there is no room.
-struct HiddenButton {
-    int command = 0;  // 0: a gap between groups
-    Icon icon = Icon::New;
-    bool showsState = false;  // has a check mark
-    std::wstring tip;         // "Save (Ctrl+S)"
-};
 
 std::wstring ToolbarCompilerText();  // text of the compiler button
 // Show a menu below a button and post the chosen command to the main window. `button` is in client coordinates of the
@@ -26,4 +19,3 @@ void ToolbarShowHiddenMenu(HWND bar, const RECT& button, std::span<const HiddenB
 enum class PictureUse : std::uint8_t { ImageList, Menu };
 // A 32-bit bitmap of `size` x `size` pixels with opacity, which the caller deletes; null when there is no memory.
 HBITMAP ToolbarPicture(Icon icon, int size, const IconInks& inks, PictureUse use);
-IconInks ToolbarInks(bool dark, bool enabled);

@@ -26,25 +26,7 @@ void ShowMenuBelow(HWND bar, const RECT& button, std::span<const MenuItem> items
     if (chosen != 0) PostMessageW(g_ui.hMainWnd, WM_COMMAND, chosen, 0);
 }
 
-// "Save (Ctrl+S)" -> "Save\tCtrl+S".
-std::wstring MenuTextOfTip(std::wstring tip) {
-    const std::size_t key = tip.rfind(L" (");
-    if (key == std::wstring::npos || !tip.ends_with(L')')) return tip;
-    tip.pop_back();
-    return tip.replace(key, 2, L"\t");
-}
-
 }  // namespace
-
-IconInks ToolbarInks(bool dark, bool enabled) {
-    if (!enabled) {
-        const std::uint32_t grey = dark ? 0x5C6068 : 0xB4BAC6;
-        const std::uint32_t fill = dark ? 0x2A2D33 : 0xF1F3F9;
-        return {.line = grey, .accent = grey, .go = grey, .stop = grey, .fill = fill};
-    }
-    if (dark) return {.line = 0xC8CCD4, .accent = 0x6CB2F5, .go = 0x6CC77A, .stop = 0xF07470, .fill = 0x33373E};
-    return {.line = 0x4A5468, .accent = 0x1F6FD0, .go = 0x238A3A, .stop = 0xCC3A33, .fill = 0xFFFFFF};
-}
 
 HBITMAP ToolbarPicture(Icon icon, int size, const IconInks& inks, PictureUse use) {
     std::vector<std::uint32_t> pixels = RenderIcon(icon, size, inks);

@@ -63,7 +63,7 @@ inline constexpr ButtonRow kToolbarButtons[] = {
     {IDM_VIEW_OUTPUT, Icon::Output, kPanes, true},
     {IDM_VIEW_ASM, Icon::AsmPane, kPanes, true},
     {IDM_VIEW_AI, Icon::Ai, kPanes, true},
-    {IDM_TOOLBAR_MORE, Icon::More, kStays, false, L"More Buttons (Ctrl+F2)"},
+    {IDM_TOOLBAR_MORE, Icon::More, kStays, false, L"More Buttons (Alt+F2)"},
 };
 
 // The conditions that show and hide buttons. A change of another condition does not fit the buttons again.

@@ -38,7 +38,7 @@ constexpr int kFirstGap = 1;     // id of the first gap; the ids of commands are
 
 HIMAGELIST g_images = nullptr;
 HIMAGELIST g_disabledImages = nullptr;
-HWND g_tooltip = nullptr;  // null until the toolbar has made it
+HWND g_tooltip = nullptr;                 // null until the toolbar has made it
 std::optional<CommandView> g_applied;     // the state that the buttons show; no value: not known
 std::uint32_t g_conditions = kNoSession;  // the conditions by which buttons are shown
 std::vector<HiddenButton> g_hidden;       // the buttons without room
@@ -114,11 +114,6 @@ void SizeButtons() {
     }
 }
 
-bool IsButtonWanted(const ButtonRow& row) {
-    return row.shownWhen == kShownAlways ||
-           ((g_conditions & row.shownWhen) != 0 && (g_conditions & row.hiddenWhen) == 0);
-}
-
 void ShowButton(const ButtonRow& row, bool shown) {
     const auto id = static_cast<WPARAM>(ButtonId(row));
     const bool now = SendMessageW(g_commands.hToolbar, TB_ISBUTTONHIDDEN, id, 0) == 0;
@@ -138,21 +133,11 @@ void FitButtons() {
     RECT client = {};
     GetClientRect(g_commands.hToolbar, &client);
     if (client.right <= 0) return;  // not placed yet
-    std::vector<BarItem> items;
-    for (const ButtonRow& row : kToolbarButtons)
-        if (row.command != IDM_TOOLBAR_MORE)
-            items.push_back({ButtonWidth(row), row.rank, IsButtonWanted(row), row.command == 0});
-    const BarFit fit = FitToolbar(items, client.right - 2 * UiScaled(kBarPadding), UiScaled(kMoreSize));
-    g_hidden.clear();
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        const ButtonRow& row = kToolbarButtons[i];
-        ShowButton(row, fit.shown[i]);
-        if (row.command == 0 && !g_hidden.empty() && g_hidden.back().command != 0) g_hidden.emplace_back();
-        if (items[i].wanted && !items[i].gap && !fit.shown[i])
-            g_hidden.push_back({row.command, row.icon, row.showsState, ButtonTip(row)});
-    }
-    if (!g_hidden.empty() && g_hidden.back().command == 0) g_hidden.pop_back();
-    ShowButton(std::end(kToolbarButtons)[-1], fit.more);
+    ToolbarShare share =
+        ShareToolbar(kToolbarButtons, g_conditions, client.right - 2 * UiScaled(kBarPadding), ButtonWidth, ButtonTip);
+    for (std::size_t i = 0; i < share.shown.size(); ++i) ShowButton(kToolbarButtons[i], share.shown[i]);
+    ShowButton(std::end(kToolbarButtons)[-1], share.more);
+    g_hidden = std::move(share.hidden);
 }
 
 void ShowMenuOf(int command) {

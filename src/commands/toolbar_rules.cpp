@@ -1,0 +1,59 @@
+#include "commands/toolbar_rules.h"
+
+#include <algorithm>
+
+namespace {
+
+bool IsButtonWanted(const ButtonRow& row, std::uint32_t conditions) {
+    return row.shownWhen == kShownAlways || ((conditions & row.shownWhen) != 0 && (conditions & row.hiddenWhen) == 0);
+}
+
+}  // namespace
+
+ToolbarShare ShareToolbar(std::span<const ButtonRow> rows, std::uint32_t conditions, int room,
+                          const std::function<int(const ButtonRow&)>& width,
+                          const std::function<std::wstring(const ButtonRow&)>& tip) {
+    const std::span<const ButtonRow> buttons = rows.first(rows.size() - 1);
+    std::vector<BarItem> items;
+    for (const ButtonRow& row : buttons)
+        items.push_back({width(row), row.rank, IsButtonWanted(row, conditions), row.command == 0});
+    const BarFit fit = FitToolbar(items, room, width(rows.back()));
+    ToolbarShare share = {.shown = fit.shown, .more = fit.more, .hidden = {}};
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const ButtonRow& row = buttons[i];
+        if (row.command == 0 && !share.hidden.empty() && share.hidden.back().command != 0) share.hidden.emplace_back();
+        if (items[i].wanted && !items[i].gap && !fit.shown[i])
+            share.hidden.push_back({row.command, row.icon, row.showsState, tip(row)});
+    }
+    if (!share.hidden.empty() && share.hidden.back().command == 0) share.hidden.pop_back();
+    return share;
+}
+
+std::wstring CommandTipFromMenuText(std::wstring_view menuText) {
+    const std::size_t tab = menuText.find(L'\t');
+    std::wstring tip;
+    for (std::size_t i = 0; i < std::min(tab, menuText.size()); ++i) {
+        if (menuText[i] == L'&' && i + 1 < menuText.size()) ++i;  // leaves out the mnemonic's mark; "&&" gives one &
+        tip += menuText[i];
+    }
+    while (tip.ends_with(L'.')) tip.pop_back();
+    if (tab != std::wstring_view::npos) tip.append(L" (").append(menuText.substr(tab + 1)).append(L")");
+    return tip;
+}
+
+std::wstring MenuTextOfTip(std::wstring tip) {
+    const std::size_t key = tip.rfind(L" (");
+    if (key == std::wstring::npos || !tip.ends_with(L')')) return tip;
+    tip.pop_back();
+    return tip.replace(key, 2, L"\t");
+}
+
+IconInks ToolbarInks(bool dark, bool enabled) {
+    if (!enabled) {
+        const std::uint32_t grey = dark ? 0x5C6068 : 0xB4BAC6;
+        const std::uint32_t fill = dark ? 0x2A2D33 : 0xF1F3F9;
+        return {.line = grey, .accent = grey, .go = grey, .stop = grey, .fill = fill};
+    }
+    if (dark) return {.line = 0xC8CCD4, .accent = 0x6CB2F5, .go = 0x6CC77A, .stop = 0xF07470, .fill = 0x33373E};
+    return {.line = 0x4A5468, .accent = 0x1F6FD0, .go = 0x238A3A, .stop = 0xCC3A33, .fill = 0xFFFFFF};
+}

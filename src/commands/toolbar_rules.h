@@ -1,0 +1,39 @@
+// What the toolbar shows: which buttons have room, their tips and the colours of their pictures. Pure.
+#pragma once
+
+#include "commands/icons.h"
+#include "commands/toolbar_table.h"
+
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// A button for which there is no room.
+struct HiddenButton {
+    int command = 0;  // 0: a gap between groups
+    Icon icon = Icon::New;
+    bool showsState = false;  // has a check mark
+    std::wstring tip;         // "Save (Ctrl+S)"
+};
+
+struct ToolbarShare {
+    std::vector<bool> shown;           // for each row but the last, which is the button for the hidden ones
+    bool more = false;                 // that button is shown
+    std::vector<HiddenButton> hidden;  // in the order of the rows, with a gap between groups
+};
+
+// `rows` ends with the button for the hidden ones. `width` gives a row's width; `room` is that of the bar. Pixels.
+ToolbarShare ShareToolbar(std::span<const ButtonRow> rows, std::uint32_t conditions, int room,
+                          const std::function<int(const ButtonRow&)>& width,
+                          const std::function<std::wstring(const ButtonRow&)>& tip);
+
+// A tooltip from a menu text: "Save A&ll\tCtrl+Shift+S" -> "Save All (Ctrl+Shift+S)". Removes dots at the end of the
+// name.
+std::wstring CommandTipFromMenuText(std::wstring_view menuText);
+// "Save (Ctrl+S)" -> "Save\tCtrl+S".
+std::wstring MenuTextOfTip(std::wstring tip);
+
+IconInks ToolbarInks(bool dark, bool enabled);
