@@ -169,34 +169,3 @@ int DraggedSplitter(Splitter bar, int start, int movedX, int movedY, int dpi) {
     }
     return ClampSideWidth(start - unscaled(movedX));
 }
-
-double RatioOf(int position, int start, int end) {
-    return end > start ? static_cast<double>(position - start) / (end - start) : 0.0;
-}
-
-int PositionAt(double ratio, int start, int end) {
-    return start + static_cast<int>(std::lround(ratio * (end - start)));
-}
-
-static int FitEdge(int edge, int extent, int workStart, int workEnd) {
-    if (edge < workStart) return workStart;
-    if (edge > workEnd) return std::max(workStart, workEnd - extent);
-    return edge;
-}
-
-PaneRect FitToWorkArea(const PaneRect& window, const PaneRect& work) {
-    const int left = FitEdge(window.left, window.width(), work.left, work.right);
-    const int top = FitEdge(window.top, window.height(), work.top, work.bottom);
-    return {left, top, left + window.width(), top + window.height()};
-}
-
-PaneRect PlaceForReturn(const PaneRect& window, const PaneRect& work, int captionHeight) {
-    const int x = window.left + window.width() / 2;
-    const int y = window.top + captionHeight / 2;
-    if (x >= work.left && x < work.right && y >= work.top && y < work.bottom) return window;
-    const int width = std::min(window.width(), work.width());
-    const int height = std::min(window.height(), work.height());
-    const int left = std::clamp(window.left, work.left, work.right - width);
-    const int top = std::clamp(window.top, work.top, work.bottom - height);
-    return {left, top, left + width, top + height};
-}

@@ -71,18 +71,3 @@ enum class Splitter : std::uint8_t { Output, Side, Tree, Debug };
 int DraggedSplitter(Splitter bar, int start, int movedX, int movedY, int dpi);
 // A side width (at 96 dpi) within 150..600.
 int ClampSideWidth(int width);
-
-// The places of the bars as ratios of the area that they divide, so that the ratios stay when the window changes size.
-struct LayoutRatios {
-    double output = 0.0;  // (split - top) / (bottom - top); 0: not captured yet
-    double side = 0.0;    // side width / client width
-};
-double RatioOf(int position, int start, int end);
-int PositionAt(double ratio, int start, int end);
-
-// Moves a window's rectangle so that its left top corner is in the work area; keeps its size.
-PaneRect FitToWorkArea(const PaneRect& window, const PaneRect& work);
-
-// Where a window comes back to on the monitor with this work area: where it was, when the middle of its caption is
-// there, because then the user can move it. Otherwise it is made small enough for the work area and put wholly inside.
-PaneRect PlaceForReturn(const PaneRect& window, const PaneRect& work, int captionHeight);

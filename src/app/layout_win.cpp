@@ -5,6 +5,7 @@
 #include "app/app_state.h"
 #include "app/main_window.h"
 #include "app/panes.h"
+#include "app/split_ratios.h"
 #include "commands/status_bar.h"
 #include "commands/toolbar.h"
 #include "documents/document_row.h"
@@ -13,7 +14,6 @@
 #include "ui/dpi.h"
 #include "ui/panes.h"
 
-#include <cmath>
 #include <iterator>
 #include <vector>
 
@@ -21,7 +21,7 @@ namespace {
 
 constexpr int kStickyHeight = 22;  // at 96 dpi
 
-LayoutRatios g_ratios;
+SplitRatios g_ratios;
 
 LayoutInput LayoutInputOf(int width, int height) {
     const Settings& settings = g_app.settings;
@@ -93,58 +93,26 @@ void MainWindow_Layout() {
     if (focused != nullptr && IsWindowVisible(*focused->window) == FALSE) FocusCurrentEditor();
 }
 
-// Top and bottom of the part of the client area that the output bar divides, in pixels.
-static void OutputSpan(int height, int* top, int* bottom) {
+// What the bars divide in a client area of this size.
+static BarArea BarAreaOf(int width, int height) {
     const Settings& settings = g_app.settings;
-    *top = (settings.showToolbar != 0 ? ToolbarHeight() : 0) + TabBarHeight();
-    *bottom = height - (settings.showStatusbar != 0 ? StatusBarHeight() : 0);
+    return {.top = (settings.showToolbar != 0 ? ToolbarHeight() : 0) + TabBarHeight(),
+            .bottom = height - (settings.showStatusbar != 0 ? StatusBarHeight() : 0),
+            .width = width,
+            .dpi = g_app.dpi};
 }
 
-// Keeps the ratios in the settings, together with the values in pixels that they now stand for.
-static void StoreRatios() {
-    Settings& settings = g_app.settings;
-    settings.splitterRatio = {static_cast<std::int32_t>(std::lround(g_ratios.output * kFullRatio)), settings.splitter};
-    settings.sidebarRatio = {static_cast<std::int32_t>(std::lround(g_ratios.side * kFullRatio)),
-                             settings.aiSidebarWidth};
-}
-
-void CaptureSplitterRatio() {
+static BarArea BarAreaNow() {
     RECT client = {};
-    if (!GetClientRect(g_app.hMainWnd, &client) || client.right <= 0) return;
-    int top = 0;
-    int bottom = 0;
-    OutputSpan(client.bottom, &top, &bottom);
-    g_app.settings.splitter = ClampSplitter(bottom, top, g_app.settings.splitter);
-    g_ratios.output = RatioOf(g_app.settings.splitter, top, bottom);
-    g_ratios.side = RatioOf(UiScaled(g_app.settings.aiSidebarWidth), 0, client.right);
-    StoreRatios();
+    GetClientRect(g_app.hMainWnd, &client);
+    return BarAreaOf(static_cast<int>(client.right), static_cast<int>(client.bottom));
 }
 
-void RestoreSplitterRatio() {
-    const auto known = [](const StoredRatio& stored, std::int32_t setting) {
-        return stored.ratio > 0 && stored.of == setting;
-    };
-    const Settings& settings = g_app.settings;
-    const bool output = known(settings.splitterRatio, settings.splitter);
-    const bool side = known(settings.sidebarRatio, settings.aiSidebarWidth);
-    const double outputRatio = static_cast<double>(settings.splitterRatio.ratio) / kFullRatio;
-    const double sideRatio = static_cast<double>(settings.sidebarRatio.ratio) / kFullRatio;
-    CaptureSplitterRatio();
-    if (output) g_ratios.output = outputRatio;
-    if (side) g_ratios.side = sideRatio;
-    RECT client = {};
-    if (GetClientRect(g_app.hMainWnd, &client)) ApplyLayoutRatios(client.right, client.bottom);
-}
+void CaptureSplitterRatio() { RatiosCapture(g_ratios, g_app.settings, BarAreaNow()); }
 
-void ApplyLayoutRatios(int width, int height) {
-    if (g_ratios.output <= 0.0) return;
-    int top = 0;
-    int bottom = 0;
-    OutputSpan(height, &top, &bottom);
-    if (bottom > top) g_app.settings.splitter = ClampSplitter(bottom, top, PositionAt(g_ratios.output, top, bottom));
-    g_app.settings.aiSidebarWidth = ClampSideWidth(UiUnscaled(PositionAt(g_ratios.side, 0, width)));
-    StoreRatios();
-}
+void RestoreSplitterRatio() { RatiosRestore(g_ratios, g_app.settings, BarAreaNow()); }
+
+void ApplyLayoutRatios(int width, int height) { RatiosApply(g_ratios, g_app.settings, BarAreaOf(width, height)); }
 
 void MainWnd_OnSize(WPARAM kind, int width, int height) {
     if (kind != SIZE_MINIMIZED) ApplyLayoutRatios(width, height);

@@ -3,13 +3,16 @@
 #include "app/layout.h"
 #include "app/notify_rules.h"
 #include "app/recent_text.h"
+#include "app/split_ratios.h"
 #include "app/startup_rules.h"
+#include "app/window_place.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 
 #include <algorithm>
+#include <climits>
 #include <string>
 #include <vector>
 
@@ -278,6 +281,28 @@ TEST(WindowPlacement, ComesBackWhereAMonitorStillIs) {
         const PaneRect place = PlaceForReturn(c.window, work, 30);
         EXPECT_TRUE(place == c.place) << c.name << ": " << place.left << "," << place.top << " to " << place.right
                                       << "," << place.bottom;
+    }
+}
+
+TEST(WindowPlacement, TheStoredSizeFollowsTheDpiAndIsNeverTooSmall) {
+    const PaneRect doubled = StoredRectAt({.left = 10, .top = 20, .width = 800, .height = 600, .dpi = 96}, 192);
+    EXPECT_TRUE((doubled == PaneRect{10, 20, 1610, 1220}));
+    const PaneRect tiny = StoredRectAt({.left = 0, .top = 0, .width = 200, .height = 100, .dpi = 96}, 96);
+    EXPECT_TRUE((tiny == PaneRect{0, 0, kMinimumWidth, kMinimumHeight}));
+    const PaneRect forged = FarRect(INT_MIN, INT_MAX, INT_MAX, INT_MIN);
+    EXPECT_TRUE(forged.width() > 0 && forged.height() == 0);
+}
+
+TEST(Layout, ABarThatWasMovedByHandInTheFileCountsItself) {
+    Settings settings = {};
+    settings.aiSidebarWidth = 200;
+    for (const int splitter : {400, 300}) {  // the ratio was stored for 400
+        settings.splitter = splitter;
+        settings.splitterRatio = {5000, 400};
+        SplitRatios ratios;
+        RatiosRestore(ratios, settings, {.top = 100, .bottom = 900, .width = 1000, .dpi = 96});
+        EXPECT_EQ(settings.splitter, splitter == 400 ? 500 : 300);
+        EXPECT_EQ(settings.splitterRatio.of, settings.splitter);
     }
 }
 

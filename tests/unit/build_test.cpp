@@ -4,6 +4,7 @@
 #include "compile/staging.h"
 #include "output/diagnostics.h"
 #include "output/error_places.h"
+#include "output/feed_course.h"
 #include "output/kept_lines.h"
 #include "output/line_colours.h"
 #include "output/output_filter.h"
@@ -225,6 +226,37 @@ TEST(OutputLines, LookingThroughAFloodIsLimited) {
     int shown = 0;
     while (OutputLinesNext(lines, errors, Never, &line, &chunks)) ++shown;
     EXPECT_EQ(shown, 2000) << "and at the end all of them come";
+}
+
+TEST(FeedCourse, AnIncompleteLineIsShownLateAndReplaced) {
+    OutputFeed feed;
+    CompilerErrors errors;
+    double now = 1000;
+    std::string shown;
+    const FeedPane pane = {.clock = [&] { return now; },
+                           .append =
+                               [&](std::span<const PaneLine> lines, std::int32_t from) {
+                                   if (from >= 0) shown += "<";
+                                   for (const PaneLine& line : lines)
+                                       shown += Narrow(line.text) + (line.lineBreak ? "|" : "");
+                                   return 7;
+                               },
+                           .chunksDone = [](int) {}};
+    FeedAddChunk(feed, {.text = L"one\nName?", .kind = ChunkKind::Stream});
+    const auto showAt = [&](double time) {
+        now = time;
+        FeedShowBlock(feed, errors, pane);
+    };
+    showAt(1000);
+    showAt(1001);
+    showAt(1050);
+    EXPECT_EQ(shown, "one|");
+    showAt(1070);
+    EXPECT_EQ(shown, "one|Name?");
+    FeedAddChunk(feed, {.text = L" Bob\n", .kind = ChunkKind::Stream});
+    showAt(1071);
+    EXPECT_EQ(shown, "one|Name?<Name? Bob|");
+    EXPECT_TRUE(FeedIsEmpty(feed) && !FeedIsRevealed(feed));
 }
 
 TEST(ErrorPlaces, WhatAPrintedNameMayMean) {
