@@ -14,6 +14,7 @@
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "files/file_io.h"
+#include "files/libraries.h"
 #include "files/start_path.h"
 #include "output/last_build.h"
 #include "output/line_colours.h"
@@ -25,6 +26,7 @@
 #include "ui/ui_state.h"
 
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -107,12 +109,6 @@ std::wstring FlagsOfRun() {
                          .debugFlags = CompilerDebugFlags(g_runner.compilerId)});
 }
 
-std::wstring SystemFolder() {
-    wchar_t system[MAX_PATH] = {};
-    const UINT length = GetSystemDirectoryW(system, MAX_PATH);
-    return length > 0 && length < MAX_PATH ? system : L"";
-}
-
 // Starts a pre- or post-build command in the folder of the source. A program that the system does not find is looked for
 // there. Returns false with the reason for the user.
 bool StartCommandStage(BuildStage stage, const wchar_t* command, std::wstring* reason) {
@@ -150,16 +146,16 @@ bool StartCompilerStage() {
                          wantListing) != 0;
 }
 
-// Starts the stage that the step names, and returns the next step.
-BuildStep StartStageOf(BuildNext next) {
-    const BuildStage stage = next == BuildNext::PreBuild  ? BuildStage::PreBuild
-                             : next == BuildNext::Compile ? BuildStage::Compile
-                                                          : BuildStage::PostBuild;
-    const wchar_t* command = stage == BuildStage::PreBuild ? g_settings.preBuildCmd : g_settings.postBuildCmd;
-    std::wstring reason;
-    const bool started =
-        stage == BuildStage::Compile ? StartCompilerStage() : StartCommandStage(stage, command, &reason);
-    return started ? BuildStarted(g_runner.run, stage) : BuildNotStarted(g_runner.run, stage, reason);
+bool StartStageOfBuild(BuildStage stage, std::wstring* reason) {
+    if (stage == BuildStage::Compile) return StartCompilerStage();
+    const bool before = stage == BuildStage::PreBuild;
+    return StartCommandStage(stage, before ? g_settings.preBuildCmd : g_settings.postBuildCmd, reason);
+}
+
+void ShowStep(const BuildStep& step) {
+    BuildApplyStep(step);
+    MarkBuiltDocument(step.verdict);
+    if (step.programBuilt) g_events.programBuilt(LastBuild().source.c_str(), LastBuild().listing.c_str());
 }
 
 // Ends the build and starts the action after it.
@@ -175,28 +171,15 @@ void EndBuild() {
     }
 }
 
-// Carries out steps until a stage runs or the build is over. Returns true when the build has begun.
 bool FollowSteps(BuildStep step) {
-    for (;;) {
-        BuildApplyStep(step);
-        MarkBuiltDocument(step.verdict);
-        if (step.programBuilt) g_events.programBuilt(LastBuild().source.c_str(), LastBuild().listing.c_str());
-        switch (step.next) {
-            case BuildNext::Refused: return false;
-            case BuildNext::Wait: return true;
-            case BuildNext::PreBuild:
-            case BuildNext::Compile:
-            case BuildNext::PostBuild: step = StartStageOf(step.next); break;
-            case BuildNext::SideLogs:
-                SideLogsShow(g_runner.source, LastBuild().startTime);
-                step = BuildReport(g_runner.run, PrintedByCompiler(), g_settings.postBuildCmd);
-                break;
-            case BuildNext::Report:
-                step = BuildReport(g_runner.run, PrintedByCompiler(), g_settings.postBuildCmd);
-                break;
-            case BuildNext::End: EndBuild(); return true;
-        }
-    }
+    static const BuildHost kHost = {
+        .show = ShowStep,
+        .start = StartStageOfBuild,
+        .showSideLogs = [] { SideLogsShow(g_runner.source, LastBuild().startTime); },
+        .printed = PrintedByCompiler,
+        .end = EndBuild,
+    };
+    return BuildFollow(g_runner.run, std::move(step), kHost, g_settings.postBuildCmd);
 }
 
 void AppendLines(const std::vector<std::wstring>& lines, COLORREF colour) {

@@ -184,3 +184,26 @@ AfterBuild BuildFollowUp(const BuildRun& run) {
     const bool runs = run.success && run.unwritten.empty();
     return run.order.after == AfterBuild::RunProgram && !runs ? AfterBuild::Nothing : run.order.after;
 }
+
+bool BuildFollow(BuildRun& run, BuildStep step, const BuildHost& host, std::wstring_view postBuildCommand) {
+    const auto startStage = [&](BuildStage stage) {
+        std::wstring reason;
+        return host.start(stage, &reason) ? BuildStarted(run, stage) : BuildNotStarted(run, stage, reason);
+    };
+    for (;;) {
+        host.show(step);
+        switch (step.next) {
+            case BuildNext::Refused: return false;
+            case BuildNext::Wait: return true;
+            case BuildNext::PreBuild: step = startStage(BuildStage::PreBuild); break;
+            case BuildNext::Compile: step = startStage(BuildStage::Compile); break;
+            case BuildNext::PostBuild: step = startStage(BuildStage::PostBuild); break;
+            case BuildNext::SideLogs:
+                host.showSideLogs();
+                step = BuildReport(run, host.printed(), postBuildCommand);
+                break;
+            case BuildNext::Report: step = BuildReport(run, host.printed(), postBuildCommand); break;
+            case BuildNext::End: host.end(); return true;
+        }
+    }
+}

@@ -6,6 +6,7 @@
 #include "compile/file_stamp.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -109,3 +110,16 @@ BuildStep BuildReport(BuildRun& run, const BuildPrinted& printed, std::wstring_v
 
 // The action after the build. A program that was not built is not run.
 AfterBuild BuildFollowUp(const BuildRun& run);
+
+// --- Carrying out the steps
+
+struct BuildHost {
+    std::function<void(const BuildStep& step)> show;  // its lines, status text, mark of the document and news
+    // Starts a stage. Returns false with the reason for the user.
+    std::function<bool(BuildStage stage, std::wstring* reason)> start;
+    std::function<void()> showSideLogs;
+    std::function<BuildPrinted()> printed;
+    std::function<void()> end;  // the build is over
+};
+// Carries out steps until a stage runs or the build is over. Returns true when the build has begun.
+bool BuildFollow(BuildRun& run, BuildStep step, const BuildHost& host, std::wstring_view postBuildCommand);

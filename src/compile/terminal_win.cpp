@@ -12,6 +12,7 @@
 #include "compile/terminal_text.h"
 #include "documents/document_row.h"
 #include "files/file_io.h"
+#include "files/libraries.h"
 #include "output/line_colours.h"
 #include "output/output_feed.h"
 #include "output/output_pane.h"
@@ -45,12 +46,6 @@ std::wstring TerminalFolder() {
     wchar_t own[kPathCapacity] = {};
     AppExeDirectory(own, kPathCapacity);
     return own;
-}
-
-std::wstring SystemFolder() {
-    wchar_t system[MAX_PATH] = {};
-    const UINT length = GetSystemDirectoryW(system, MAX_PATH);
-    return length > 0 && length < MAX_PATH ? system : L"";
 }
 
 std::wstring TypedText(HWND window) {

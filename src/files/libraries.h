@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include <string>
+
 // Limits every search for a DLL in this process to the program's folder and the system's, also for delay-loaded
 // libraries and for those that other libraries load by name. Called once, before anything is loaded. False when the
 // system refuses.
@@ -11,3 +13,5 @@ bool LibrariesLimitSearch();
 // Load `name` from the program's folder, or from the system's. Null on failure, with the reason in GetLastError().
 HMODULE LoadProgramLibrary(const wchar_t* name);
 HMODULE LoadSystemLibrary(const wchar_t* name);
+// The system's own folder, without a backslash at its end. Empty when it is not known.
+std::wstring SystemFolder();

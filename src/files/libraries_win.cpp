@@ -22,3 +22,9 @@ HMODULE LoadProgramLibrary(const wchar_t* name) {
 }
 
 HMODULE LoadSystemLibrary(const wchar_t* name) { return LoadLibraryExW(name, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32); }
+
+std::wstring SystemFolder() {
+    wchar_t system[MAX_PATH] = {};
+    const UINT length = GetSystemDirectoryW(system, MAX_PATH);
+    return length > 0 && length < MAX_PATH ? system : L"";
+}

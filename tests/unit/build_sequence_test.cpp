@@ -51,40 +51,41 @@ std::string Said(const BuildStep& step) {
 std::string Course(const BuildOrder& order, const wchar_t* preBuild, const wchar_t* postBuild,
                    std::deque<Happening> happenings) {
     BuildRun run = {.order = order};
-    BuildStep step = BuildFirst(run, preBuild);
     BuildStage stage = BuildStage::Idle;
     BuildPrinted printed = {.lines = 0, .errors = 1, .warnings = 2};
     Happening now;
     std::string text;
-    for (;;) {
-        text += Said(step);
-        switch (step.next) {
-            case BuildNext::Refused: return text + "refused";
-            case BuildNext::PreBuild:
-            case BuildNext::Compile:
-            case BuildNext::PostBuild:
-                stage = step.next == BuildNext::PreBuild  ? BuildStage::PreBuild
-                        : step.next == BuildNext::Compile ? BuildStage::Compile
-                                                          : BuildStage::PostBuild;
-                if (happenings.empty()) return text + "one stage too many";
+    bool ended = false;
+    const BuildHost host = {
+        .show = [&](const BuildStep& step) { text += Said(step); },
+        .start =
+            [&](BuildStage next, std::wstring* reason) {
+                text += happenings.empty() ? "one stage too many\n"
+                                           : "start " + std::to_string(static_cast<int>(next)) + "\n";
+                if (happenings.empty()) return false;
+                stage = next;
                 now = happenings.front();
                 happenings.pop_front();
-                text += "start " + std::to_string(static_cast<int>(stage)) + "\n";
-                step = now.starts ? BuildStarted(run, stage) : BuildNotStarted(run, stage, now.reason);
-                break;
-            case BuildNext::Wait:
-                printed.lines = now.lines;
-                run.unwritten = now.unwritten;
-                step = BuildAfterStage(run, {.stage = stage, .end = now.end, .exitCode = now.exitCode, .seconds = 2.04},
-                                       printed);
-                break;
-            case BuildNext::SideLogs: text += "side logs\n"; [[fallthrough]];
-            case BuildNext::Report: step = BuildReport(run, printed, postBuild); break;
-            case BuildNext::End:
-                return text + "end: " + Narrow(run.finalStatus) + (run.success ? " +" : " -") +
-                       std::to_string(static_cast<int>(BuildFollowUp(run)));
-        }
+                *reason = now.reason;
+                return now.starts;
+            },
+        .showSideLogs = [&] { text += "side logs\n"; },
+        .printed = [&] { return printed; },
+        .end =
+            [&] {
+                text += "end: " + Narrow(run.finalStatus) + (run.success ? " +" : " -") +
+                        std::to_string(static_cast<int>(BuildFollowUp(run)));
+                ended = true;
+            },
+    };
+    if (!BuildFollow(run, BuildFirst(run, preBuild), host, postBuild)) return text + "refused";
+    while (!ended) {
+        printed.lines = now.lines;
+        run.unwritten = now.unwritten;
+        const StageResult result = {.stage = stage, .end = now.end, .exitCode = now.exitCode, .seconds = 2.04};
+        BuildFollow(run, BuildAfterStage(run, result, printed), host, postBuild);
     }
+    return text;
 }
 
 TEST(BuildSequence, EveryCourse) {
@@ -506,6 +507,37 @@ TEST(Products, OnlyWhatABuildMadeIsKnown) {
     for (std::size_t i = 0; i < kMostProducts; ++i) ProductNote(products, L"n" + std::to_wstring(i), {});
     EXPECT_EQ(products.size(), kMostProducts);
     EXPECT_EQ(Narrow(products.back().path), "n" + std::to_string(kMostProducts - 1));
+}
+
+// Files by name, with their time as the stamp.
+TEST(Products, WhatTheUserHasIsCopiedOrLeftAlone) {
+    std::map<std::wstring, std::uint64_t> files = {{L"C:\\x.lst", 5}, {L"C:\\x.asm", 6}, {L"C:\\x.log", 7}};
+    const ProductDisk disk = {.stamp =
+                                  [&](const std::wstring& path, FileStamp* stamp) {
+                                      if (!files.contains(path)) return false;
+                                      *stamp = {.written = files[path], .length = 1};
+                                      return true;
+                                  },
+                              .isBuildLog = [](const std::wstring&) { return false; },
+                              .copyNew =
+                                  [&](const std::wstring& from, const std::wstring& to) {
+                                      return files.insert({to, files[from]}).second;
+                                  },
+                              .remove = [&](const std::wstring& path) { files.erase(path); },
+                              .isOpen = [](const std::wstring& path) { return path.ends_with(L".err"); }};
+    std::vector<Product> known = {{.path = L"C:\\x.log", .stamp = {.written = 7, .length = 1}}};
+    std::vector<WatchedFile> watched;
+    const ProductGuard guard = ProductsGuard({L"C:\\x.bas", L"C:\\x.exe", L"C:\\x.asm"}, known, disk, &watched);
+    EXPECT_TRUE(guard.log && !guard.listing && guard.lines.size() == 1);
+    EXPECT_TRUE(files.contains(L"C:\\x.lst.kvx-kept1") && !files.contains(L"C:\\x.log.kvx-kept1"));
+    files[L"C:\\x.exe"] = 9;
+    files[L"C:\\x.err"] = 9;
+    files[L"C:\\x.lst"] = 9;
+    bool changed = false;
+    EXPECT_EQ(ProductsTakeUp(watched, known, disk, &changed).size(), 1U) << "the user's x.lst was overwritten";
+    EXPECT_TRUE(changed && ProductIsMadeHere(known, L"C:\\x.exe", disk));
+    EXPECT_FALSE(ProductIsMadeHere(known, L"C:\\x.err", disk)) << "saved by the user meanwhile";
+    EXPECT_TRUE(files.contains(L"C:\\x.lst.kvx-kept1"));
 }
 
 }  // namespace
