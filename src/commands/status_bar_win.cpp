@@ -1,10 +1,9 @@
 // The status bar: its texts and its painting. UI thread.
 #include "commands/status_bar.h"
 
-#include "base/wide_format.h"
 #include "commands/command_state.h"
 #include "commands/commands_state.h"
-#include "commands/status_bar_fit.h"
+#include "commands/status_bar_text.h"
 #include "documents/document_row.h"
 #include "scintilla/sci.h"
 #include "settings/compiler_presence.h"
@@ -19,7 +18,6 @@
 #include <commctrl.h>
 
 #include <array>
-#include <iterator>
 #include <string>
 
 namespace {
@@ -35,7 +33,6 @@ DocumentId g_textAbout = 0;
 // stays invalid and is painted when the message queue is empty.
 bool g_takesText = false;
 
-constexpr const wchar_t* kLineEndings[] = {L"CRLF", L"LF", L"CR"};
 constexpr int kMinimumMessage = 140;  // at 96 dpi, like the next two
 constexpr int kBeforeText = 8;
 constexpr int kAfterText = 4;
@@ -65,22 +62,13 @@ bool WidenStatusPart(std::size_t part, const std::wstring& text) {
     return true;
 }
 
-// The parts are as wide as the texts that they usually show, so that nothing moves when another document is shown.
 void MeasureStatusParts() {
     g_sizes.longest = {};
     g_sizes.wanted = {UiScaled(kMinimumMessage)};
-    const auto measure = [](std::size_t part, const std::wstring& text) {
+    for (const auto& [part, text] : StatusSamples()) {
         g_sizes.longest[part] = 0;  // the longest is not always the widest
         WidenStatusPart(part, text);
-    };
-    measure(kProgress, L"\\ 88:88");
-    measure(kPosition, L"Ln 888888, Col 888");
-    measure(kSelection, L"88888 selected");
-    for (const Utf16Order order : {Utf16Order::None, Utf16Order::Little, Utf16Order::Big})
-        for (const TextEncoding encoding : {TextEncoding::Utf8, TextEncoding::Ansi})
-            measure(kEncoding, EncodingName(encoding, {.utf16 = order}));
-    for (const wchar_t* lineEnding : kLineEndings) measure(kLineEnding, lineEnding);
-    for (std::uint32_t id = 0; id < kCompilerCount; ++id) measure(kCompiler, CompilerLabel(id, false));
+    }
     for (std::size_t part = 0; part < kStatusPartCount; ++part) WidenStatusPart(part, g_texts[part]);
 }
 
@@ -141,17 +129,17 @@ LRESULT CALLBACK StatusBarProc(HWND window, UINT message, WPARAM wParam, LPARAM 
     return SubclassNext(window, message, wParam, lParam);
 }
 
-std::wstring SelectionText(HWND editor) {
-    const LRESULT selections = SciSend(editor, SCI_GETSELECTIONS);
-    if (selections > 1) return FormatW(L"%d selections", static_cast<int>(selections));
+SelectionFacts SelectionOf(HWND editor) {
+    SelectionFacts facts = {.selections = SciSend(editor, SCI_GETSELECTIONS)};
     const LRESULT start = SciSend(editor, SCI_GETSELECTIONSTART);
     const LRESULT end = SciSend(editor, SCI_GETSELECTIONEND);
-    if (start == end) return L"";
-    const LRESULT first = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(start));
-    const LRESULT last = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(end));
-    if (first != last) return FormatW(L"%d lines selected", static_cast<int>(last - first + 1));
-    return FormatW(L"%d selected",
-                   static_cast<int>(SciSend(editor, SCI_COUNTCHARACTERS, static_cast<WPARAM>(start), end)));
+    if (start == end) return facts;
+    const auto lineOf = [&](LRESULT at) { return SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(at)); };
+    facts.lines = lineOf(end) - lineOf(start) + 1;
+    // Bytes where nobody is told the number: counting the characters of a large selection takes long.
+    facts.characters =
+        facts.lines > 1 ? end - start : SciSend(editor, SCI_COUNTCHARACTERS, static_cast<WPARAM>(start), end);
+    return facts;
 }
 
 }  // namespace
@@ -214,8 +202,8 @@ void StatusBarUpdatePosition() {
     const LRESULT position = SciSend(tab.editor, SCI_GETCURRENTPOS);
     const LRESULT line = SciSend(tab.editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(position));
     const LRESULT column = SciSend(tab.editor, SCI_GETCOLUMN, static_cast<WPARAM>(position));
-    SetStatusPart(kPosition, FormatW(L"Ln %d, Col %d", static_cast<int>(line + 1), static_cast<int>(column + 1)));
-    SetStatusPart(kSelection, SelectionText(tab.editor));
+    SetStatusPart(kPosition, PositionText(line + 1, column + 1));
+    SetStatusPart(kSelection, SelectionText(SelectionOf(tab.editor)));
     SetStatusPart(kEncoding, EncodingName(tab.encoding, tab.form));
-    SetStatusPart(kLineEnding, kLineEndings[static_cast<std::size_t>(tab.lineEnding) % std::size(kLineEndings)]);
+    SetStatusPart(kLineEnding, LineEndingName(static_cast<int>(tab.lineEnding)));
 }

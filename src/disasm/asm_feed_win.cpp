@@ -2,7 +2,7 @@
 
 #include "base/worker.h"
 #include "base/worker_queue.h"
-#include "disasm/asm_text.h"
+#include "disasm/asm_writer.h"
 #include "files/file_io.h"
 
 #include <atomic>
@@ -16,48 +16,28 @@ struct AsmFeed {
     WorkerQueue<std::wstring> pieces;
     std::atomic<int> place = -1;
 
-    // Used by the worker's thread only: its request to end, the number of lines delivered, and the current part.
-    const WorkerCancel* cancel = nullptr;
-    int delivered = 0;
-    AsmPart part;
+    AsmWriter writer;  // used by the worker's thread only
 };
 
 namespace {
 
 constexpr std::size_t kMostListing = std::size_t{256} << 20;
-constexpr std::size_t kPieceBytes = 64 * 1024;
-
-void DeliverText(AsmFeed& feed, std::string_view text) {
-    if (text.empty()) return;
-    feed.delivered += AsmLinesIn(text);
-    feed.pieces.Put(Utf8ToWideText(text));
-}
-
-void PutListingText(AsmFeed& feed, std::string_view listing) {
-    AsmFeedBeginPart(feed, "");
-    while (!listing.empty())
-        if (!AsmFeedPut(feed, AsmTakePiece(&listing, kPieceBytes))) return;
-}
-
 void PutAllParts(AsmFeed& feed) {
     std::string listing;
     const bool found = ReadSharedFile(feed.request.listing, kMostListing, &listing);
-    if (found)
-        PutListingText(feed, listing);
-    else
-        DeliverText(feed,
-                    "(No compiler ASMOUT file was found. Enable ASM output and use /ASMOUT:{asm} for "
-                    "KeldorBasic/KVXA32.)\r\n");
+    const std::string_view text = listing;
+    AsmWriteListing(feed.writer, found ? &text : nullptr);
     feed.renderer(feed, feed.request, found ? &listing : nullptr);
 }
 
 void MakeAsmText(AsmFeedPtr& shared, const WorkerCancel& cancel) {
     AsmFeed& feed = *shared;
-    feed.cancel = &cancel;
+    feed.writer.cancelled = [&cancel] { return cancel.Asked(); };
+    feed.writer.deliver = [&feed](std::string_view text) { feed.pieces.Put(Utf8ToWideText(text)); };
     try {
         PutAllParts(feed);
     } catch (const std::bad_alloc&) {
-        DeliverText(feed, "(Not enough memory.)\r\n");  // the memory in use before is free again
+        AsmWrite(feed.writer, "(Not enough memory.)\r\n");  // the memory in use before is free again
     }
     feed.pieces.Finish();
 }
@@ -87,17 +67,10 @@ void AsmFeedEnd(AsmFeed& feed, unsigned milliseconds) {
 }
 
 int AsmFeedPlace(const AsmFeed& feed) { return feed.place; }
-void AsmFeedMarkPlace(AsmFeed& feed) { feed.place = feed.delivered; }
+void AsmFeedMarkPlace(AsmFeed& feed) { feed.place = feed.writer.lines; }
 
-bool AsmFeedIsCancelled(const AsmFeed& feed) { return feed.cancel->Asked(); }
+bool AsmFeedIsCancelled(const AsmFeed& feed) { return feed.writer.cancelled(); }
 
-void AsmFeedBeginPart(AsmFeed& feed, std::string_view heading) {
-    feed.part = {};
-    DeliverText(feed, heading);
-}
+void AsmFeedBeginPart(AsmFeed& feed, std::string_view heading) { AsmWriteHeading(feed.writer, heading); }
 
-bool AsmFeedPut(AsmFeed& feed, std::string_view text) {
-    if (feed.part.full || AsmFeedIsCancelled(feed)) return false;
-    DeliverText(feed, AsmPartTake(feed.part, text));
-    return !feed.part.full;
-}
+bool AsmFeedPut(AsmFeed& feed, std::string_view text) { return AsmWritePart(feed.writer, text); }

@@ -2,7 +2,7 @@
 // thread only.
 #include "output/output_pane.h"
 
-#include "base/wide_format.h"
+#include "output/error_columns.h"
 #include "output/output_state.h"
 #include "resources/ids.h"
 #include "ui/chrome.h"
@@ -13,45 +13,16 @@
 
 #include <commctrl.h>
 
-#include <array>
-#include <iterator>
+#include <string>
 
 namespace {
-
-enum Column : int { kSeverity, kMessage, kFile, kLine, kColumn };
-
-struct ColumnSpec {
-    const wchar_t* title;
-    int width;  // pixels at 96 dpi
-    int format;
-};
-constexpr std::array<ColumnSpec, 5> kColumns = {{
-    {L"Severity", 80, LVCFMT_LEFT},
-    {L"Message", 420, LVCFMT_LEFT},
-    {L"File", 320, LVCFMT_LEFT},
-    {L"Line", 60, LVCFMT_RIGHT},
-    {L"Column", 60, LVCFMT_RIGHT},
-}};
-
-void CellText(const CompilerError& error, int column, wchar_t* out, int capacity) {
-    const std::span<wchar_t> cell(out, static_cast<std::size_t>(capacity));
-    switch (column) {
-        case kSeverity: FormatBufferW(cell, L"%s", error.severity == 0 ? L"Error" : L"Warning"); break;
-        case kMessage: FormatBufferW(cell, L"%s", error.message); break;
-        case kFile: FormatBufferW(cell, L"%s", error.file); break;
-        case kLine: FormatBufferW(cell, L"%d", error.line); break;
-        case kColumn:
-            if (error.column >= 1) FormatBufferW(cell, L"%d", error.column);
-            break;
-        default: break;
-    }
-}
 
 void FillCell(LVITEMW& item) {
     if ((item.mask & LVIF_TEXT) == 0 || item.cchTextMax <= 0) return;
     item.pszText[0] = L'\0';
     if (item.iItem >= 0 && item.iItem < g_output.errors.count)
-        CellText(g_output.errors.items[item.iItem], item.iSubItem, item.pszText, item.cchTextMax);
+        lstrcpynW(item.pszText, ErrorCellText(g_output.errors.items[item.iItem], item.iSubItem).c_str(),
+                  item.cchTextMax);
 }
 
 void ApplyTheme(HWND list) {
@@ -74,12 +45,12 @@ HWND ErrorListCreate(HWND parent, int controlId) {
                                 g_ui.hInstance, nullptr);
     if (list == nullptr) return nullptr;
     SendMessageW(list, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_INFOTIP);
-    for (std::size_t i = 0; i < kColumns.size(); ++i) {
-        std::wstring title = kColumns[i].title;
+    for (std::size_t i = 0; i < kErrorColumns.size(); ++i) {
+        std::wstring title = kErrorColumns[i].title;
         LVCOLUMNW column = {};
         column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
-        column.fmt = kColumns[i].format;
-        column.cx = UiScaled(kColumns[i].width);
+        column.fmt = kErrorColumns[i].alignRight ? LVCFMT_RIGHT : LVCFMT_LEFT;
+        column.cx = UiScaled(kErrorColumns[i].width);
         column.pszText = title.data();
         SendMessageW(list, LVM_INSERTCOLUMNW, i, reinterpret_cast<LPARAM>(&column));
     }

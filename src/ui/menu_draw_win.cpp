@@ -4,14 +4,17 @@
 #include "ui/chrome.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
+#include "ui/menu_text.h"
 #include "ui/paint.h"
 #include "ui/subclass.h"
 
 #include <commctrl.h>
 
 #include <algorithm>
-#include <cwctype>
+#include <iterator>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace {
 
@@ -29,16 +32,10 @@ struct ItemPlace {
 ULONG_PTR Packed(ItemPlace place) { return reinterpret_cast<ULONG_PTR>(place.menu) << 16 | (place.position & 0xFFFF); }
 ItemPlace Unpacked(ULONG_PTR data) { return {reinterpret_cast<HMENU>(data >> 16), static_cast<UINT>(data & 0xFFFF)}; }
 
-struct ItemText {
-    std::wstring name, key;  // "&Save", "Ctrl+S"
-};
-
-ItemText TextOf(ItemPlace place) {
+MenuItemText TextOf(ItemPlace place) {
     wchar_t buffer[256] = {};
     GetMenuStringW(place.menu, place.position, buffer, static_cast<int>(std::size(buffer)), MF_BYPOSITION);
-    const std::wstring text = buffer;
-    const std::size_t tab = text.find(L'\t');
-    return {text.substr(0, tab), tab == std::wstring::npos ? L"" : text.substr(tab + 1)};
+    return SplitMenuText(buffer);
 }
 
 MENUITEMINFOW InfoOf(ItemPlace place) {
@@ -84,14 +81,14 @@ bool PrepareMenu(HMENU menu, bool dark) {
     return true;
 }
 
-int NameWidth(std::wstring name) {
-    std::erase(name, L'&');
-    return UiTextWidth(name.c_str(), static_cast<int>(name.size()));
+int NameWidth(std::wstring_view name) {
+    const std::wstring shown = MenuNameShown(name);
+    return UiTextWidth(shown.c_str(), static_cast<int>(shown.size()));
 }
 
 void MeasureItem(HWND window, MEASUREITEMSTRUCT& item) {
     const ItemPlace place = Unpacked(item.itemData);
-    const ItemText text = TextOf(place);
+    const MenuItemText text = TextOf(place);
     if (place.menu == GetMenu(window)) {  // the system adds the space around the items of a bar
         item.itemWidth = static_cast<UINT>(NameWidth(text.name));
         item.itemHeight = static_cast<UINT>(UiSizes().textHeight);
@@ -143,7 +140,7 @@ void DrawPopupItem(const DRAWITEMSTRUCT& draw, ItemPlace place, COLORREF colour,
         DrawTick(draw.hDC, area, colour);
     else if (info.hbmpItem != nullptr)
         DrawPicture(draw.hDC, area, info.hbmpItem);
-    const ItemText text = TextOf(place);
+    const MenuItemText text = TextOf(place);
     area.left += UiScaled(kGutter);
     area.right -= UiScaled(kRight);
     DrawTextW(draw.hDC, text.name.c_str(), -1, &area, format);
@@ -197,26 +194,17 @@ void PaintBarRest(HWND window) {
     ReleaseDC(window, dc);
 }
 
-bool HasMnemonic(const std::wstring& name, wchar_t key) {
-    for (std::size_t at = name.find(L'&'); at != std::wstring::npos && at + 1 < name.size();
-         at = name.find(L'&', at + 2))
-        if (std::towupper(name[at + 1]) == std::towupper(key)) return true;
-    return false;
-}
-
-// The item with the mnemonic. The system looks only at texts that it draws itself. Of several, the next one is selected.
+// The item with the mnemonic. The system looks only at texts that it draws itself.
 LRESULT ItemOfMnemonic(HMENU menu, wchar_t key) {
-    const int count = GetMenuItemCount(menu);
-    int selected = -1, found = -1, matches = 0;
-    for (int i = 0; i < count; ++i)
+    std::vector<std::wstring> names;
+    int selected = -1;
+    for (int i = 0; i < GetMenuItemCount(menu); ++i) {
         if ((GetMenuState(menu, static_cast<UINT>(i), MF_BYPOSITION) & MF_HILITE) != 0) selected = i;
-    for (int step = 1; step <= count; ++step) {
-        const int i = (selected + step) % count;
-        if (!HasMnemonic(TextOf({menu, static_cast<UINT>(i)}).name, key)) continue;
-        if (matches++ == 0) found = i;
+        names.push_back(TextOf({menu, static_cast<UINT>(i)}).name);
     }
-    if (matches == 0) return MAKELRESULT(0, MNC_IGNORE);
-    return MAKELRESULT(found, matches == 1 ? MNC_EXECUTE : MNC_SELECT);
+    const MenuMnemonic found = FindMenuMnemonic(names, selected, key);
+    if (found.item < 0) return MAKELRESULT(0, MNC_IGNORE);
+    return MAKELRESULT(found.item, found.alone ? MNC_EXECUTE : MNC_SELECT);
 }
 
 LRESULT CALLBACK MenuDrawProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {

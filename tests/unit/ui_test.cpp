@@ -1,13 +1,17 @@
 // Layout that windows share: columns and tabs in too little room, lengths by DPI, the parts of bars and panes.
 #include "ai/ai_pane_layout.h"
-#include "commands/status_bar_fit.h"
+#include "commands/status_bar_text.h"
 #include "ui/block_size.h"
 #include "ui/box_text.h"
 #include "ui/fit.h"
+#include "ui/menu_text.h"
 #include "ui/scale.h"
 #include "ui/wheel.h"
 
 #include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -79,6 +83,30 @@ TEST(Scale, RoundsToTheNearestPixelOnBothSidesOfZero) {
     EXPECT_EQ(ScaledTo(5, 144), 8);
     EXPECT_EQ(ScaledTo(-5, 144), -8);
     EXPECT_EQ(ScaledTo(3, 120), 4);
+}
+
+TEST(MenuText, AMnemonicOfSeveralItemsGoesOnToTheNext) {
+    const std::vector<std::wstring> names = {L"&Save", L"Save &As", L"R&&D", L"&Sort", L"&Dark"};
+    const struct {
+        int selected;
+        wchar_t key;
+        int item;
+        bool alone;
+    } cases[] = {{-1, L's', 0, false}, {0, L'S', 3, false}, {3, L's', 0, false},
+                 {2, L'a', 1, true},   {-1, L'd', 4, true}, {-1, L'&', -1, false}};
+    for (const auto& c : cases) {
+        const MenuMnemonic found = FindMenuMnemonic(names, c.selected, c.key);
+        EXPECT_TRUE(found.item == c.item && found.alone == c.alone) << c.selected << static_cast<char>(c.key);
+    }
+    EXPECT_EQ(SplitMenuText(L"&Save\tCtrl+S").key, L"Ctrl+S");
+    EXPECT_EQ(SplitMenuText(L"Clean").key, L"");
+}
+
+TEST(StatusBar, WhatIsSelected) {
+    EXPECT_EQ(SelectionText({.selections = 3, .characters = 4}), L"3 selections");
+    EXPECT_EQ(SelectionText({}), L"");
+    EXPECT_EQ(SelectionText({.lines = 2, .characters = 9}), L"2 lines selected");
+    EXPECT_EQ(SelectionText({.characters = 9}), L"9 selected");
 }
 
 TEST(StatusBar, TheMessageKeepsItsRoomAndTheLeastNeededPartsGo) {

@@ -1,0 +1,38 @@
+#include "ui/menu_text.h"
+
+#include <algorithm>
+#include <cwctype>
+
+MenuItemText SplitMenuText(std::wstring_view text) {
+    const std::size_t tab = std::min(text.find(L'\t'), text.size());
+    return {std::wstring(text.substr(0, tab)), std::wstring(text.substr(std::min(tab + 1, text.size())))};
+}
+
+std::wstring MenuNameShown(std::wstring_view name) {
+    std::wstring shown(name);
+    std::erase(shown, L'&');
+    return shown;
+}
+
+bool MenuHasMnemonic(std::wstring_view name, wchar_t key) {
+    const auto upper = [](wchar_t letter) { return std::towupper(static_cast<std::wint_t>(letter)); };
+    for (std::size_t at = name.find(L'&'); at != std::wstring_view::npos && at + 1 < name.size();
+         at = name.find(L'&', at + 2))  // "&&" is no mnemonic
+        if (name[at + 1] != L'&' && upper(name[at + 1]) == upper(key)) return true;
+    return false;
+}
+
+MenuMnemonic FindMenuMnemonic(std::span<const std::wstring> names, int selected, wchar_t key) {
+    const int count = static_cast<int>(names.size());
+    MenuMnemonic found;
+    for (int step = 1; step <= count; ++step) {
+        const int item = (selected + step) % count;
+        if (!MenuHasMnemonic(names[static_cast<std::size_t>(item)], key)) continue;
+        if (found.item >= 0) {
+            found.alone = false;
+            return found;
+        }
+        found = {.item = item, .alone = true};
+    }
+    return found;
+}
