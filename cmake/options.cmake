@@ -70,7 +70,7 @@ endfunction()
 # Aligns the file's sections to memory pages, so that the loader can map them and only used pages become resident. Wine
 # reads other sections into memory as a whole: 3.3 MB for Lexilla.dll, most of it lexers of other languages.
 function(kvx_page_aligned target)
-    target_link_options(${target} PRIVATE -Wl,--file-alignment=4096)
+    target_link_options(${target} PRIVATE -Wl,--file-alignment=4096 -Wl,--gc-sections)
 endfunction()
 
 # Keeps the executable small: its symbols are moved to NAME.debug in the build folder, where gdb finds them.

@@ -58,7 +58,7 @@ CommandView CurrentCommandView() {
     if (BuildCanBeStopped()) view.conditions |= kBuilding;
     if (!CompilerIsBuilding()) view.conditions |= kIdle;
     view.conditions |= DebugConditions();
-    if (g_output.errors.count > 0) view.conditions |= kHasErrors;
+    if (ErrorCount(g_output.errors) > 0) view.conditions |= kHasErrors;
     const Settings& settings = g_settings;
     view.toolbar = settings.showToolbar != 0;
     view.statusBar = settings.showStatusbar != 0;

@@ -23,11 +23,12 @@ struct CompilerError {
 
 // The diagnostics of one build, or of the builds of a batch, in the order printed. UI thread only.
 struct CompilerErrors {
-    CompilerError items[kMaxCompilerErrors] = {};
-    int count = 0;
+    std::vector<CompilerError> items;  // kMaxCompilerErrors at most
     int current = 0;
     std::vector<BuildRecord> builds;  // what the printed file names are relative to
 };
+
+inline int ErrorCount(const CompilerErrors& errors) { return static_cast<int>(errors.items.size()); }
 
 bool IsErrorLine(std::wstring_view line);    // contains " error:" or " fatal error:"
 bool IsWarningLine(std::wstring_view line);  // contains " warning:"

@@ -20,8 +20,9 @@ namespace {
 void FillCell(LVITEMW& item) {
     if ((item.mask & LVIF_TEXT) == 0 || item.cchTextMax <= 0) return;
     item.pszText[0] = L'\0';
-    if (item.iItem >= 0 && item.iItem < g_output.errors.count)
-        lstrcpynW(item.pszText, ErrorCellText(g_output.errors.items[item.iItem], item.iSubItem).c_str(),
+    if (item.iItem >= 0 && item.iItem < ErrorCount(g_output.errors))
+        lstrcpynW(item.pszText,
+                  ErrorCellText(g_output.errors.items[static_cast<std::size_t>(item.iItem)], item.iSubItem).c_str(),
                   item.cchTextMax);
 }
 
@@ -55,7 +56,7 @@ HWND ErrorListCreate(HWND parent, int controlId) {
         SendMessageW(list, LVM_INSERTCOLUMNW, i, reinterpret_cast<LPARAM>(&column));
     }
     ApplyTheme(list);
-    SendMessageW(list, LVM_SETITEMCOUNT, static_cast<WPARAM>(g_output.errors.count), 0);
+    SendMessageW(list, LVM_SETITEMCOUNT, static_cast<WPARAM>(ErrorCount(g_output.errors)), 0);
     return list;
 }
 
@@ -63,13 +64,13 @@ void ErrorListRefresh() {
     HWND list = g_output.hErrorList;
     if (list == nullptr) return;
     ApplyTheme(list);
-    SendMessageW(list, LVM_SETITEMCOUNT, static_cast<WPARAM>(g_output.errors.count), LVSICF_NOSCROLL);
+    SendMessageW(list, LVM_SETITEMCOUNT, static_cast<WPARAM>(ErrorCount(g_output.errors)), LVSICF_NOSCROLL);
     InvalidateRect(list, nullptr, TRUE);
 }
 
 void ErrorListShowCurrent() {
     HWND list = g_output.hErrorList;
-    if (list == nullptr || g_output.errors.current >= g_output.errors.count) return;
+    if (list == nullptr || g_output.errors.current >= ErrorCount(g_output.errors)) return;
     LVITEMW state = {};
     state.state = LVIS_SELECTED | LVIS_FOCUSED;
     state.stateMask = state.state;

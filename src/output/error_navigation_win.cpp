@@ -102,11 +102,11 @@ void CompilerClearErrors() {
 }
 
 void CompilerNavigateToError(int index) {
-    if (index < 0 || index >= g_output.errors.count) return;
+    if (index < 0 || index >= ErrorCount(g_output.errors)) return;
     g_output.errors.current = index;
     ErrorListShowCurrent();
     // The record is copied because opening a file may clear the list.
-    const CompilerError error = g_output.errors.items[index];
+    const CompilerError error = g_output.errors.items[static_cast<std::size_t>(index)];
     GoToDiagnostic(error);
 }
 

@@ -50,8 +50,8 @@ std::vector<std::wstring> PlacesOfDiagnostic(const CompilerErrors& errors, const
 
 int FindDiagnostic(const CompilerErrors& errors, const CompilerError& wanted, int before) {
     int found = -1;
-    for (int i = 0; i < errors.count && before >= 0; ++i)
-        if (SameDiagnostic(errors.items[i], wanted)) {
+    for (int i = 0; i < ErrorCount(errors) && before >= 0; ++i)
+        if (SameDiagnostic(errors.items[static_cast<std::size_t>(i)], wanted)) {
             found = i;
             --before;
         }
@@ -60,12 +60,14 @@ int FindDiagnostic(const CompilerErrors& errors, const CompilerError& wanted, in
 
 int CountDiagnostic(const CompilerErrors& errors, const CompilerError& wanted) {
     return static_cast<int>(std::count_if(
-        errors.items, errors.items + errors.count,
+        errors.items.begin(), errors.items.end(),
         [&](const CompilerError& error) { return SameDiagnostic(error, wanted); }));
 }
 
-int NextErrorIndex(const CompilerErrors& errors) { return errors.count > 0 ? (errors.current + 1) % errors.count : -1; }
+int NextErrorIndex(const CompilerErrors& errors) {
+    return ErrorCount(errors) > 0 ? (errors.current + 1) % ErrorCount(errors) : -1;
+}
 
 int PreviousErrorIndex(const CompilerErrors& errors) {
-    return errors.count > 0 ? (errors.current + errors.count - 1) % errors.count : -1;
+    return ErrorCount(errors) > 0 ? (errors.current + ErrorCount(errors) - 1) % ErrorCount(errors) : -1;
 }

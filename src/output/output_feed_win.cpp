@@ -53,7 +53,7 @@ void OutputFeedMessage(std::wstring text, COLORREF colour) {
 
 void OutputFeedShowNext() {
     const double started = ClockMs();
-    const int errors = g_output.errors.count;
+    const int errors = ErrorCount(g_output.errors);
     bool more = true;
     while (more && ClockMs() - started < kFeedShowMs) {
         more = FeedShowBlock(g_feed, g_output.errors, PaneOfFeed());
@@ -61,7 +61,7 @@ void OutputFeedShowNext() {
         if (HIWORD(GetQueueStatus(QS_INPUT | QS_SENDMESSAGE)) != 0) break;
     }
     if (FeedWantsReveal(g_feed, ClockMs())) OutputFeedReveal();
-    if (g_output.errors.count != errors) ErrorListRefresh();
+    if (ErrorCount(g_output.errors) != errors) ErrorListRefresh();
 }
 
 void OutputFeedReveal() {

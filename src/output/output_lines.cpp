@@ -12,12 +12,11 @@ namespace {
 constexpr int kClockEvery = 256;  // the time is checked after so many lines
 
 void RecordDiagnostic(CompilerErrors& errors, const std::wstring& line, const OutputLines& lines) {
-    if (errors.count >= kMaxCompilerErrors) return;
-    CompilerError& next = errors.items[errors.count];
-    if (ParseErrorLine(line, &next) == 0) return;
+    CompilerError next = {};
+    if (ErrorCount(errors) >= kMaxCompilerErrors || ParseErrorLine(line, &next) == 0) return;
     next.compilerId = lines.compilerId;
     next.build = lines.build;
-    ++errors.count;
+    errors.items.push_back(next);
 }
 
 // The line's number in the log of its process; 0 for a line of the editor.

@@ -31,7 +31,7 @@ void ShowContextMenu(HWND pane, POINT at) {
     }
     CHARRANGE selection = {};
     SendMessageW(pane, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&selection));
-    const bool errors = g_output.errors.count > 0;
+    const bool errors = ErrorCount(g_output.errors) > 0;
     const MenuItem items[] = {{.id = kCopy, .text = L"&Copy\tCtrl+C", .enabled = selection.cpMin != selection.cpMax},
                               {.id = kSelectAll, .text = L"Select &All\tCtrl+A"},
                               {},

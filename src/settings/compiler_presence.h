@@ -1,5 +1,5 @@
-// Which compilers are installed, as far as was last seen. The disk is asked on another thread, because a path may lead
-// to a share that answers after half a minute, and the toolbar shows the answer at every step of a resize. UI thread.
+// Which compilers are installed, as far as was last seen. The toolbar shows the answer at every step of a resize, and a
+// path may lead to a share that answers after half a minute: shares are asked on another thread. UI thread.
 #pragma once
 
 #include <windows.h>

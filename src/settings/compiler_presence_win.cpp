@@ -2,6 +2,7 @@
 
 #include "base/path.h"
 #include "base/worker.h"
+#include "files/share_probe.h"
 #include "settings/compiler_table.h"
 #include "settings/settings.h"
 
@@ -26,10 +27,12 @@ struct LookRequest {
 CompilerSights g_seen;
 Worker g_look;
 
-void LookWork(LookRequest& request, const WorkerCancel&) {
+void Look(LookRequest& request) {
     for (CompilerSight& compiler : *request.compilers) compiler.found = IsCompilerPathValid(compiler.path.c_str());
     WorkerPost(request.window, request.message, std::move(request.compilers));
 }
+
+void LookWork(LookRequest& request, const WorkerCancel&) { Look(request); }
 
 std::wstring ResolvedPath(std::uint32_t id) {
     wchar_t path[kPathCapacity] = {};
@@ -45,11 +48,19 @@ bool CompilerSeemsInstalled(std::uint32_t id) {
     return seen.path == path ? seen.found : !path.empty();
 }
 
+// A look at a local disk takes less time than the start of a thread, which every start of the program would wait for.
 void CompilersLook(HWND window, UINT message) {
     if (!WorkerWait(g_look, 0)) return;
-    auto wanted = std::make_unique<CompilerSights>();
-    for (std::uint32_t id = 0; id < kCompilerCount; ++id) (*wanted)[id].path = ResolvedPath(id);
-    g_look = WorkerStart<LookWork>(LookRequest{window, message, std::move(wanted)});
+    LookRequest request{window, message, std::make_unique<CompilerSights>()};
+    bool remote = false;
+    for (std::uint32_t id = 0; id < kCompilerCount; ++id) {
+        const std::wstring& path = (*request.compilers)[id].path = ResolvedPath(id);
+        remote = remote || PathIsRemote(path.c_str());
+    }
+    if (remote)
+        g_look = WorkerStart<LookWork>(std::move(request));
+    else
+        Look(request);
 }
 
 bool CompilersOnLooked(WPARAM wParam) {

@@ -186,7 +186,7 @@ TEST(OutputLines, AreFilteredColouredCountedAndRecorded) {
     EXPECT_EQ(lines.counts.lines, 4) << "of the process, not blank, not repeated";
     EXPECT_EQ(lines.counts.errors, 2);
     EXPECT_EQ(lines.counts.warnings, 1);
-    ASSERT_EQ(errors.count, 3);
+    ASSERT_EQ(ErrorCount(errors), 3);
     EXPECT_EQ(errors.items[1].severity, 1);
     EXPECT_EQ(errors.items[1].compilerId, 4U);
     EXPECT_FALSE(OutputLinesWait(lines));
@@ -194,7 +194,7 @@ TEST(OutputLines, AreFilteredColouredCountedAndRecorded) {
     // The list is full after 64 errors; the rest is shown all the same.
     for (int i = 0; i < 70; ++i) put(L"d(1,1): error: more\n", ChunkKind::Stream);
     while (OutputLinesNext(lines, errors, Never, &line, &chunks)) EXPECT_EQ(line.colour, kLineRed);
-    EXPECT_EQ(errors.count, kMaxCompilerErrors);
+    EXPECT_EQ(ErrorCount(errors), kMaxCompilerErrors);
     EXPECT_EQ(lines.counts.errors, 72);
 
     // Lines that are shown again come before those that still wait.
@@ -303,14 +303,14 @@ TEST(ErrorPlaces, TheNextAfterTheLastIsTheFirst) {
     EXPECT_EQ(NextErrorIndex(errors), -1);
     EXPECT_EQ(PreviousErrorIndex(errors), -1);
     for (const wchar_t* line : {L"a(1,2): error: x", L"a(1,2): warning: x", L"b(1,2): error: x"})
-        ASSERT_EQ(ParseErrorLine(line, &errors.items[errors.count++]), 1);
+        ASSERT_EQ(ParseErrorLine(line, &errors.items.emplace_back()), 1);
     EXPECT_EQ(PreviousErrorIndex(errors), 2);
     errors.current = 2;
     EXPECT_EQ(NextErrorIndex(errors), 0);
     CompilerError wanted = errors.items[1];
     wanted.compilerId = 9;
     EXPECT_EQ(FindDiagnostic(errors, wanted, 0), 1) << "the one of its severity";
-    errors.items[errors.count++] = errors.items[1];
+    errors.items.push_back(CompilerError{errors.items[1]});
     EXPECT_EQ(FindDiagnostic(errors, wanted, 1), 3) << "of the next build";
     wanted.column = 3;
     EXPECT_EQ(FindDiagnostic(errors, wanted, 0), -1);
