@@ -41,7 +41,6 @@ FollowMove StepFrom(Follow* follow, const FollowView& view) {
 // The thread has just entered a procedure.
 FollowMove AfterCall(Follow* follow, const FollowView& view) {
     if (follow->kind != FollowKind::Into) return RunTo(follow->after, follow->callerSp);
-    if (view.place.line == 0) return RunTo(follow->after, follow->callerSp);
     if (view.lineBegins && !follow->traps) return {};
     return RunTo(follow->after, follow->callerSp, view.nextLine);
 }

@@ -53,6 +53,35 @@ TEST_P(DebugFollows, ARecursionDoesNotStopDeeper) {
     EXPECT_EQ(state.breakpointCount, 3) << "nothing of the steps is left: the start's and the two of this test";
 }
 
+// twists.c says what its lines are.
+TEST_P(DebugFollows, OddCodeIsFollowed) {
+    ASSERT_TRUE(Start("twists"));
+    EXPECT_EQ(Steps(FollowKind::Over, 3), (Lines{4, 5, 6}));
+    const std::uint64_t repeated = Registers().ip;
+    EXPECT_EQ(Go(FollowKind::Instruction), 6);
+    EXPECT_EQ(Registers().ip, repeated + 2) << "all repetitions";
+    EXPECT_EQ(Go(FollowKind::Over), 7);
+    EXPECT_EQ(Steps(FollowKind::Into, 2), (Lines{12, 7})) << "by way of code without lines";
+    EXPECT_EQ(Go(FollowKind::InstructionOver), 7) << "one instruction";
+    EXPECT_EQ(Steps(FollowKind::Into, 2), (Lines{8, 14}));
+    EXPECT_EQ(Count(), 3u);
+    EXPECT_EQ(Go(FollowKind::Into), 14);
+    EXPECT_EQ(Count(), 2u) << "the same line, but deeper";
+    EXPECT_EQ(Go(FollowKind::Into), 14);
+    const std::uint64_t sp = Sp();
+    EXPECT_EQ(Go(FollowKind::Over), 14);
+    EXPECT_GT(Sp(), sp) << "the same line, but in the caller";
+    ASSERT_TRUE(DebugSetBreakpoint(&state, 9));
+    EXPECT_EQ(Steps(FollowKind::Over, 3), (Lines{14, 8, 9}));
+    EXPECT_EQ(state.breakpoints[static_cast<std::size_t>(DebugFindBp(&state, AddressOf(9)))].hits, 1u);
+    ContinueToTheEnd(3u);
+
+    ASSERT_TRUE(Start("breaks"));
+    ASSERT_TRUE(DebugContinue(&state));
+    ASSERT_EQ(Arrive(), 0) << "the library's trap";
+    EXPECT_EQ(Steps(FollowKind::Over, 2), (Lines{3, 4}));
+}
+
 TEST_P(DebugFollows, IntoAndOutAtTheFirstInstructionOfAProcedure) {
     ASSERT_TRUE(Start("calls"));
     EXPECT_EQ(Steps(FollowKind::Into, 2), (Lines{4, 2}));
@@ -62,6 +91,9 @@ TEST_P(DebugFollows, IntoAndOutAtTheFirstInstructionOfAProcedure) {
     EXPECT_EQ(Go(FollowKind::Out), 5) << "the line that begins behind the call";
     EXPECT_EQ(state.currentFileId, 1u);
     EXPECT_EQ(Steps(FollowKind::Into, 3), (Lines{6, -2})) << "a system call has no lines";
+    ASSERT_TRUE(Start("calls"));
+    EXPECT_EQ(Steps(FollowKind::Into, 2), (Lines{4, 2}));
+    EXPECT_EQ(Go(FollowKind::Out), 5) << "out of the first instruction, where no frame stands";
 }
 
 // Four threads pass the line of a false condition at once, while the main thread steps over its wait.
