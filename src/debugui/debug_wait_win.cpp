@@ -2,6 +2,7 @@
 #include "debugui/debug_wait.h"
 
 #include "debugger/debug_state.h"
+#include "debugui/wait_keys.h"
 #include "documents/documents_state.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
@@ -9,7 +10,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <span>
 #include <utility>
 #include <vector>
 
@@ -30,21 +30,9 @@ bool IsWaitOver() { return GetTickCount64() >= g_wait.end; }
 
 bool IsHeld(int key) { return GetKeyState(key) < 0; }
 
-bool IsStopKey(const MSG& message) {
-    if (message.message != WM_KEYDOWN) return false;
-    return message.wParam == VK_ESCAPE || message.wParam == VK_CANCEL || (message.wParam == VK_F5 && IsHeld(VK_SHIFT));
-}
-
-bool IsOneOf(std::span<const WPARAM> keys, WPARAM key) { return std::ranges::find(keys, key) != keys.end(); }
-
-// Keys by which any line of text is edited. Control and Shift belong to them.
-constexpr WPARAM kFieldKeys[] = {VK_LEFT, VK_RIGHT, VK_HOME, VK_END, VK_BACK, VK_DELETE, VK_INSERT};
-constexpr WPARAM kEditorKeys[] = {VK_UP, VK_DOWN, VK_PRIOR, VK_NEXT};
-constexpr WPARAM kBreakKeys[] = {VK_RETURN, VK_TAB};
-constexpr WPARAM kModifiers[] = {VK_CONTROL, VK_SHIFT, VK_MENU, VK_LWIN, VK_RWIN, VK_CAPITAL, VK_NUMLOCK, VK_SCROLL};
-
+// The editor's commands with Control.
 struct EditingCommand {
-    WPARAM key;  // with Control
+    WPARAM key;
     UINT message;
 };
 constexpr EditingCommand kEditingCommands[] = {{'A', SCI_SELECTALL}, {'C', SCI_COPY}, {'V', SCI_PASTE},
@@ -58,28 +46,23 @@ bool IsField(HWND window) {
     return _wcsicmp(name, L"Edit") == 0;
 }
 
-// True for a key whose WM_CHAR is text.
-bool BringsText(WPARAM key) {
+WaitKey WaitKeyOf(const MSG& message) {
     constexpr UINT kFirstCharacter = 32;
-    const bool altGr = IsHeld(VK_CONTROL) && IsHeld(VK_MENU);
-    if ((IsHeld(VK_CONTROL) || IsHeld(VK_MENU)) && !altGr) return false;
-    return key == VK_PACKET || MapVirtualKeyW(static_cast<UINT>(key), MAPVK_VK_TO_CHAR) >= kFirstCharacter;
+    const auto key = static_cast<std::uint32_t>(message.wParam);
+    return {.key = key,
+            .system = message.message == WM_SYSKEYDOWN,
+            .control = IsHeld(VK_CONTROL),
+            .shift = IsHeld(VK_SHIFT),
+            .alt = IsHeld(VK_MENU),
+            .inEditor = IsEditor(message.hwnd),
+            .inField = IsField(message.hwnd),
+            .makesCharacter = MapVirtualKeyW(key, MAPVK_VK_TO_CHAR) >= kFirstCharacter,
+            .earlierKeyWaits = !g_wait.late.empty()};
 }
 
-bool IsEditingKey(const MSG& message) {
-    const WPARAM key = message.wParam;
-    if (message.message != WM_KEYDOWN || IsHeld(VK_MENU)) return false;
-    if (IsOneOf(kFieldKeys, key)) return IsEditor(message.hwnd) || IsField(message.hwnd);
-    return IsEditor(message.hwnd) && (IsOneOf(kEditorKeys, key) || (IsOneOf(kBreakKeys, key) && !IsHeld(VK_CONTROL)));
-}
-
-// Cut, paste and the like in the editor, where they were meant.
-bool RunEditingCommand(const MSG& message) {
-    if (!IsEditor(message.hwnd) || !IsHeld(VK_CONTROL) || IsHeld(VK_SHIFT) || IsHeld(VK_MENU)) return false;
-    const auto command = std::ranges::find(kEditingCommands, message.wParam, &EditingCommand::key);
-    if (command == std::end(kEditingCommands)) return false;
-    SciSend(g_documents.hEditor, command->message);
-    return true;
+void RunEditingCommand(WPARAM key) {
+    const auto command = std::ranges::find(kEditingCommands, key, &EditingCommand::key);
+    if (command != std::end(kEditingCommands)) SciSend(g_documents.hEditor, command->message);
 }
 
 // Puts a key off until the wait is over. Its modifiers are noted, because they may be up by then.
@@ -89,39 +72,33 @@ void PutOff(const MSG& message) {
     g_wait.late.push_back({.hwnd = g_ui.hMainWnd, .message = MSG_LATE_KEY, .wParam = message.wParam, .lParam = held});
 }
 
-// Text for a field waits when an earlier key for a field does, because that may have been Enter.
 void TakeCharacter(const MSG& message) {
-    constexpr WPARAM kFirstCharacter = 32;
-    if (message.wParam < kFirstCharacter) return;
-    if (IsEditor(message.hwnd) || (IsField(message.hwnd) && g_wait.late.empty()))
-        DispatchMessageW(&message);
-    else if (IsField(message.hwnd))
-        g_wait.late.push_back(message);
+    const auto character = static_cast<std::uint32_t>(message.wParam);
+    switch (ActionOfWaitCharacter(character, IsEditor(message.hwnd), IsField(message.hwnd), !g_wait.late.empty())) {
+        case WaitCharacter::Handle: DispatchMessageW(&message); break;
+        case WaitCharacter::PutOff: g_wait.late.push_back(message); break;
+        case WaitCharacter::Drop: break;
+    }
 }
 
 // Text goes into the editor at once, because it would otherwise arrive after the stop has moved the caret. Keys of
 // commands wait.
-void TakeKey(const MSG& message) {
-    if (message.message == WM_CHAR) {
-        TakeCharacter(message);
-    } else if (message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN) {
-        if (RunEditingCommand(message) || IsOneOf(kModifiers, message.wParam)) return;
-        if (IsEditingKey(message) && (IsEditor(message.hwnd) || g_wait.late.empty()))
-            DispatchMessageW(&message);
-        else if (BringsText(message.wParam))
-            TranslateMessage(&message);  // its WM_CHAR is the next key message
-        else
-            PutOff(message);
+void TakeKey(DebugFlow* flow, const MSG& message) {
+    if (message.message == WM_CHAR) return TakeCharacter(message);
+    if (message.message != WM_KEYDOWN && message.message != WM_SYSKEYDOWN) return;
+    switch (ActionOfWaitKey(WaitKeyOf(message))) {
+        case WaitKeyAction::Stop: FlowWantStop(flow, false); break;
+        case WaitKeyAction::EditorCommand: RunEditingCommand(message.wParam); break;
+        case WaitKeyAction::Handle: DispatchMessageW(&message); break;
+        case WaitKeyAction::Translate: TranslateMessage(&message); break;  // its WM_CHAR is the next key message
+        case WaitKeyAction::PutOff: PutOff(message); break;
+        case WaitKeyAction::Drop: break;
     }
 }
 
 void PumpMessages(DebugFlow* flow) {
     MSG message = {};
-    while (PeekMessageW(&message, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE))
-        if (IsStopKey(message))
-            FlowWantStop(flow, false);
-        else
-            TakeKey(message);
+    while (PeekMessageW(&message, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE)) TakeKey(flow, message);
     // The toolbar turns clicks into commands; the main window accepts only Stop now.
     const HWND toolbar = GetDlgItem(g_ui.hMainWnd, IDC_TOOLBAR);
     while (toolbar != nullptr && PeekMessageW(&message, toolbar, WM_MOUSEFIRST, WM_MOUSELAST, PM_REMOVE))

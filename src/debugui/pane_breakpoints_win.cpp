@@ -1,21 +1,18 @@
 // The breakpoints view: the user's list, whether a program runs or not. UI thread only.
+#include "debugui/pane_breakpoints.h"
 #include "debugui/breakpoint_list.h"
 #include "debugui/code_breakpoints.h"
 #include "debugui/pane_internal.h"
 
-#include "base/hex_text.h"
-#include "base/path.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_session.h"
 #include "debugui/breakpoint_rules.h"
 #include "files/file_io.h"
-#include "settings/settings.h"
 
 #include <array>
 
 namespace {
 
-enum Column : int { kPlace, kCondition, kHits, kState };
 constexpr std::array<ListColumn, 4> kColumns = {
     {{L"Line", 16, 13, false}, {L"Condition", 12, 7, true}, {L"Hits", 8, 6, true}, {L"State", 34, 8, false}}};
 
@@ -32,55 +29,19 @@ const UserBreakpoint* BreakpointAtRow(int row) {
     return row >= 0 && row < static_cast<int>(list.size()) ? &list[static_cast<std::size_t>(row)] : nullptr;
 }
 
-std::wstring BreakpointPlaceText(const UserBreakpoint& breakpoint) {
-    wchar_t name[kPathCapacity] = {};
-    PathGetFile(breakpoint.path.c_str(), name, kPathCapacity);
-    return (*name != L'\0' ? std::wstring(name) : L"Untitled") + L":" + std::to_wstring(breakpoint.line);
-}
-
-std::wstring BreakpointStateText(const UserBreakpoint& breakpoint) {
-    switch (breakpoint.status) {
-        case BreakpointStatus::Planted: return L"Active";
-        case BreakpointStatus::NoCode: return breakpoint.reason.empty() ? L"No code on this line" : breakpoint.reason;
-        case BreakpointStatus::Refused: return breakpoint.reason.empty() ? L"Refused" : breakpoint.reason;
-        case BreakpointStatus::Disabled: return L"Disabled";
-        case BreakpointStatus::Idle: break;
-    }
-    return breakpoint.enabled ? L"Waits for a program" : L"Disabled";
-}
-
-// "3", or "3 of 5" for one that stops from the fifth hit on.
-std::wstring HitsText(std::uint32_t hits, std::uint32_t stopFrom) {
-    if (stopFrom > 1) return std::to_wstring(hits) + L" of " + std::to_wstring(stopFrom);
-    return hits != 0 ? std::to_wstring(hits) : std::wstring{};
-}
-
-void AddCodeBreakpoints(PaneContent& content) {
+std::vector<CodeBreakpointView> CodeBreakpointViews() {
+    std::vector<CodeBreakpointView> views;
     for (const std::uint64_t address : CodeBreakpoints()) {
         const int index = DebugFindBp(&g_debugger, address);
         const std::uint32_t hits = index < 0 ? 0 : g_debugger.breakpoints[static_cast<std::size_t>(index)].hits;
-        const std::wstring place = PanePlaceText(address);
-        ListRow row;
-        row.cells = {L"0x" + HexText(address, 1), L"", HitsText(hits, 0),
-                     place.empty() ? L"Instruction" : L"Instruction at " + place};
-        row.mark = ListMark::Breakpoint;
-        content.rows.push_back(std::move(row));
+        views.push_back({.address = address, .hits = hits, .place = PanePlaceText(address)});
     }
+    return views;
 }
 
 void FillBreakpoints(PaneContent& content) {
     BreakpointsUpdate();
-    for (const UserBreakpoint& breakpoint : BreakpointList()) {
-        ListRow row;
-        row.cells = {BreakpointPlaceText(breakpoint), Utf8ToWideText(breakpoint.condition),
-                     HitsText(breakpoint.hits, breakpoint.stopFrom), BreakpointStateText(breakpoint)};
-        row.mark = breakpoint.enabled ? ListMark::Checked : ListMark::Unchecked;
-        const bool refused =
-            breakpoint.status == BreakpointStatus::NoCode || breakpoint.status == BreakpointStatus::Refused;
-        row.tone = !breakpoint.enabled ? ListTone::Quiet : refused ? ListTone::Problem : ListTone::Normal;
-        content.rows.push_back(std::move(row));
-    }
-    AddCodeBreakpoints(content);
+    content.rows = BreakpointRows(BreakpointList(), CodeBreakpointViews());
     content.hint = content.rows.empty() ? L"No breakpoints. F9 sets one on the caret's line." : L"";
 }
 
@@ -106,20 +67,20 @@ std::wstring CommitStopFrom(int row, const std::wstring& text) {
 void EditStopFrom(int row) {
     const UserBreakpoint* breakpoint = BreakpointAtRow(row);
     if (breakpoint == nullptr) return;
-    ListViewEditCell(PaneList(), row, kHits, breakpoint->stopFrom > 1 ? std::to_wstring(breakpoint->stopFrom) : L"",
-                     false, [row](const std::wstring& text) { return CommitStopFrom(row, text); });
+    ListViewEditCell(PaneList(), row, kBreakpointHits, StopFromEditText(*breakpoint), false,
+                     [row](const std::wstring& text) { return CommitStopFrom(row, text); });
 }
 
 void EditBreakpoint(int row, int column) {
-    if (column == kHits) return EditStopFrom(row);
+    if (column == kBreakpointHits) return EditStopFrom(row);
     const UserBreakpoint* breakpoint = BreakpointAtRow(row);
-    if (breakpoint == nullptr || (column != -1 && column != kCondition)) return;
-    ListViewEditCell(PaneList(), row, kCondition, Utf8ToWideText(breakpoint->condition), false,
+    if (breakpoint == nullptr || (column != -1 && column != kBreakpointCondition)) return;
+    ListViewEditCell(PaneList(), row, kBreakpointCondition, Utf8ToWideText(breakpoint->condition), false,
                      [row](const std::wstring& text) { return CommitBreakpointCondition(row, text); });
 }
 
 void GoToBreakpoint(int row, int column) {
-    if (BreakpointAtRow(row) != nullptr && column != kCondition && column != kHits)
+    if (BreakpointAtRow(row) != nullptr && column != kBreakpointCondition && column != kBreakpointHits)
         BreakpointJump(static_cast<std::size_t>(row));
     std::uint32_t fileId = 0;
     std::uint32_t line = 0;

@@ -8,6 +8,8 @@
 namespace {
 
 constexpr std::size_t kShownBytes = 6;
+constexpr std::uint64_t kBytesBefore = 400;
+constexpr std::size_t kBytesRead = kBytesBefore + kInstructionsShown * kLongestInstruction;
 
 // The instructions from `start` up to the target; none when one of them crosses the target.
 std::vector<DisasmInstruction> LeadingTo(std::span<const std::uint8_t> bytes, std::uint64_t address,
@@ -46,7 +48,61 @@ std::vector<DisasmInstruction> Before(std::span<const std::uint8_t> bytes, std::
     return {};
 }
 
+ListRow SourceRow(const CodeView::Place& place, const CodeView& view) {
+    ListRow row;
+    row.tone = ListTone::Source;
+    row.cells = {std::to_wstring(place.line) + L": " + view.sourceLine(place.fileId, place.line), L"", L""};
+    return row;
+}
+
+std::wstring InstructionText(const DisasmInstruction& instruction, const CodeView& view) {
+    std::wstring text(instruction.text.begin(), instruction.text.end());
+    if (!instruction.isBranch) return text;
+    const std::wstring target = view.placeText(instruction.target);
+    return target.empty() ? text : text + L"  ; " + target;
+}
+
+ListRow InstructionRow(const CodeBytes& code, const DisasmInstruction& instruction, const CodeView& view) {
+    const auto bytes = std::span(code.bytes).subspan(static_cast<std::size_t>(instruction.address - code.address));
+    ListRow row;
+    row.cells = {HexText(instruction.address, PaneAddressDigits(view.x64, instruction.address)),
+                 CodeBytesText(bytes.first(std::min<std::size_t>(instruction.length, bytes.size()))),
+                 InstructionText(instruction, view)};
+    if (view.hasBreakpoint(instruction.address)) row.mark = ListMark::Breakpoint;
+    if (instruction.address == view.current) row.mark = ListMark::Current;
+    return row;
+}
+
 }  // namespace
+
+CodeBytes ReadCodeAround(std::uint64_t target, const CodeReader& readSome) {
+    const std::uint64_t wanted = target - std::min(target, kBytesBefore);
+    const std::uint64_t page = target & ~std::uint64_t{0xFFF};
+    for (const std::uint64_t start : {wanted, std::max(wanted, page), target}) {
+        CodeBytes code{start, std::vector<std::uint8_t>(kBytesRead)};
+        code.bytes.resize(readSome(start, code.bytes.data(), code.bytes.size()));
+        if (code.bytes.size() > target - start) return code;
+    }
+    return {};
+}
+
+CodeRows RowsOfCode(const CodeBytes& code, const std::vector<DisasmInstruction>& list, std::uint64_t target,
+                    const CodeView& view) {
+    CodeRows made;
+    CodeView::Place last;
+    for (const DisasmInstruction& instruction : list) {
+        const CodeView::Place place = view.placeAt(instruction.address);
+        if (place.line != 0 && place != last) {
+            made.rows.push_back(SourceRow(place, view));
+            made.meanings.push_back({.place = place});
+        }
+        last = place;
+        if (instruction.address == target) made.target = static_cast<int>(made.rows.size());
+        made.rows.push_back(InstructionRow(code, instruction, view));
+        made.meanings.push_back({.place = place, .address = instruction.address});
+    }
+    return made;
+}
 
 std::vector<DisasmInstruction> DisasmAround(std::span<const std::uint8_t> bytes, std::uint64_t address,
                                             std::uint64_t target, bool x64, std::span<const std::uint64_t> lineStarts,

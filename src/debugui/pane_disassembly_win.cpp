@@ -16,41 +16,13 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace {
 
 constexpr std::array<ListColumn, 3> kColumns = {
     {{L"Address", 13, 12, true}, {L"Bytes", 20, 12, true}, {L"Instruction", 30, 18, true}}};
-constexpr std::uint64_t kBytesBefore = 400;
-constexpr std::size_t kBytesRead = kBytesBefore + kInstructionsShown * kLongestInstruction;
-
-struct Place {
-    std::uint32_t fileId = 0, line = 0;
-    bool operator==(const Place&) const = default;
-};
-struct CodeRow {
-    Place place;
-    std::uint64_t address = 0;  // of the instruction; 0: a row of source
-};
 std::vector<CodeRow> g_rows;
-
-struct Code {
-    std::uint64_t address = 0;
-    std::vector<std::uint8_t> bytes;
-};
-
-// Reads memory around an address. When a part before it is unreadable, starts at the address's page, or at the address
-// itself.
-Code ReadAround(std::uint64_t target) {
-    const std::uint64_t wanted = target - std::min(target, kBytesBefore);
-    const std::uint64_t page = target & ~std::uint64_t{0xFFF};
-    for (const std::uint64_t start : {wanted, std::max(wanted, page), target}) {
-        Code code{start, std::vector<std::uint8_t>(kBytesRead)};
-        code.bytes.resize(DebugReadSome(&g_debugger, start, code.bytes.data(), code.bytes.size()));
-        if (code.bytes.size() > target - start) return code;
-    }
-    return {};
-}
 
 std::vector<std::uint64_t> LineStarts(std::uint64_t from, std::uint64_t to) {
     const SdbgMap& map = g_debugger.map;
@@ -63,47 +35,14 @@ std::vector<std::uint64_t> LineStarts(std::uint64_t from, std::uint64_t to) {
     return starts;
 }
 
-Place PlaceAt(std::uint64_t address) {
-    Place place;
+CodeView::Place CodePlaceAt(std::uint64_t address) {
+    CodeView::Place place;
     if (!DebugLineAt(&g_debugger, address, &place.fileId, &place.line)) return {};
     return place;
 }
 
-void AddSourceRow(PaneContent& content, const Place& place) {
-    ListRow row;
-    row.tone = ListTone::Source;
-    row.cells = {std::to_wstring(place.line) + L": " + PaneSourceLine(place.fileId, place.line), L"", L""};
-    content.rows.push_back(std::move(row));
-    g_rows.push_back({.place = place});
-}
-
-std::wstring InstructionText(const DisasmInstruction& instruction) {
-    std::wstring text(instruction.text.begin(), instruction.text.end());
-    if (!instruction.isBranch) return text;
-    const std::wstring target = PanePlaceText(instruction.target);
-    return target.empty() ? text : text + L"  ; " + target;
-}
-
-void AddRows(PaneContent& content, const Code& code, const std::vector<DisasmInstruction>& list, std::uint64_t target) {
-    const bool x64 = g_debugger.isX64 != 0;
-    const std::uint64_t current = PaneProgramNow().registers ? PaneProgramNow().registers->ip : 0;
-    Place last;
-    for (const DisasmInstruction& instruction : list) {
-        const Place place = PlaceAt(instruction.address);
-        if (place.line != 0 && place != last) AddSourceRow(content, place);
-        last = place;
-        const auto offset = static_cast<std::size_t>(instruction.address - code.address);
-        const auto bytes = std::span(code.bytes).subspan(offset);
-        ListRow row;
-        row.cells = {HexText(instruction.address, PaneAddressDigits(x64, instruction.address)),
-                     CodeBytesText(bytes.first(std::min<std::size_t>(instruction.length, bytes.size()))),
-                     InstructionText(instruction)};
-        if (CodeBreakpointIsSet(instruction.address)) row.mark = ListMark::Breakpoint;
-        if (instruction.address == current) row.mark = ListMark::Current;
-        if (instruction.address == target) content.reveal = static_cast<int>(content.rows.size());
-        content.rows.push_back(std::move(row));
-        g_rows.push_back({.place = place, .address = instruction.address});
-    }
+std::size_t ReadCode(std::uint64_t address, void* out, std::size_t count) {
+    return DebugReadSome(&g_debugger, address, out, count);
 }
 
 struct Shown {
@@ -127,10 +66,19 @@ void FillDisassembly(PaneContent& content) {
         content.problem = address.problem;
         target = address.value.value_or(target);
     }
-    const Code code = ReadAround(target);
+    const CodeBytes code = ReadCodeAround(target, ReadCode);
     const auto list = DisasmAround(code.bytes, code.address, target, g_debugger.isX64 != 0,
                                    LineStarts(code.address, target), PaneSymbolAt);
-    AddRows(content, code, list, target);
+    CodeRows made = RowsOfCode(code, list, target,
+                               {.x64 = g_debugger.isX64 != 0,
+                                .current = program.registers->ip,
+                                .placeAt = CodePlaceAt,
+                                .sourceLine = PaneSourceLine,
+                                .placeText = PanePlaceText,
+                                .hasBreakpoint = CodeBreakpointIsSet});
+    content.rows = std::move(made.rows);
+    content.reveal = made.target;
+    g_rows = std::move(made.meanings);
     if (content.rows.empty()) content.hint = L"No memory can be read at " + HexText(target, 1);
     // A refresh with nothing new does not scroll the list, because the user may have scrolled it.
     const Shown shown = {program.serial, target, program.thread};

@@ -3,6 +3,7 @@
 #include "debugui/breakpoints.h"
 #include "debugui/next_statement.h"
 #include "debugui/stop_view.h"
+#include "debugui/wait_keys.h"
 
 #include <gtest/gtest.h>
 
@@ -260,6 +261,36 @@ TEST(NextStatement, StaysInItsProcedureWithItsFrame) {
         EXPECT_EQ(problem.empty(), *each.problem == L'\0') << each.name;
         EXPECT_NE(problem.find(each.problem), std::wstring::npos) << each.name;
     }
+}
+
+TEST(WaitKeys, TextGoesOnAndCommandsComeAfterwards) {
+    using Action = WaitKeyAction;
+    constexpr std::uint32_t kEscape = 0x1B, kEnter = 0x0D, kUp = 0x26, kDelete = 0x2E, kF5 = 0x74, kF10 = 0x79;
+    const struct {
+        const char* name;
+        WaitKey key;
+        Action action;
+    } cases[] = {
+        {"Escape", {.key = kEscape, .inField = true}, Action::Stop},
+        {"Shift+F5", {.key = kF5, .shift = true}, Action::Stop},
+        {"F5", {.key = kF5}, Action::PutOff},
+        {"F10", {.key = kF10, .system = true, .inEditor = true}, Action::PutOff},
+        {"a letter", {.key = 'A', .inEditor = true, .makesCharacter = true}, Action::Translate},
+        {"AltGr", {.key = 'Q', .control = true, .alt = true, .makesCharacter = true}, Action::Translate},
+        {"Ctrl+V", {.key = 'V', .control = true, .inEditor = true, .makesCharacter = true}, Action::EditorCommand},
+        {"Ctrl+V elsewhere", {.key = 'V', .control = true, .makesCharacter = true}, Action::PutOff},
+        {"Ctrl+B", {.key = 'B', .control = true, .inEditor = true, .makesCharacter = true}, Action::PutOff},
+        {"Up", {.key = kUp, .inEditor = true}, Action::Handle},
+        {"Up in a field", {.key = kUp, .inField = true}, Action::PutOff},
+        {"Enter in a field", {.key = kEnter, .inField = true, .makesCharacter = false}, Action::PutOff},
+        {"Delete in a field", {.key = kDelete, .inField = true}, Action::Handle},
+        {"Delete after Enter", {.key = kDelete, .inField = true, .earlierKeyWaits = true}, Action::PutOff},
+        {"Control", {.key = 0x11}, Action::Drop},
+    };
+    for (const auto& each : cases) EXPECT_EQ(ActionOfWaitKey(each.key), each.action) << each.name;
+    EXPECT_EQ(ActionOfWaitCharacter('a', true, false, true), WaitCharacter::Handle);
+    EXPECT_EQ(ActionOfWaitCharacter('a', false, true, true), WaitCharacter::PutOff) << "an Enter may come first";
+    EXPECT_EQ(ActionOfWaitCharacter('a', false, false, false), WaitCharacter::Drop) << "no list searches by it";
 }
 
 }  // namespace
