@@ -3,6 +3,7 @@
 
 #include "base/handles.h"
 #include "base/path.h"
+#include "files/save_errors.h"
 #include "files/whole_file.h"
 
 #include <algorithm>
@@ -38,12 +39,6 @@ bool ReadInto(const OpenedFile& file, char* buffer, std::size_t* taken) {
     if (ReadFile(file.handle.Get(), buffer, static_cast<DWORD>(file.size), &read, nullptr) == FALSE) return false;
     *taken = read;
     return true;
-}
-
-// True for the refusals of a file that another program has open, mostly for a moment only: a scanner, an indexer, a
-// compiler.
-bool IsHeldElsewhere(DWORD error) {
-    return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION || error == ERROR_USER_MAPPED_FILE;
 }
 
 UniqueHandle OpenToWrite(const std::wstring& systemPath, const WriteHow& how) {

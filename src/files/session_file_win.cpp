@@ -1,6 +1,7 @@
 #include "files/session_file.h"
 
 #include "files/file_io.h"
+#include "files/save_errors.h"
 #include "files/whole_file.h"
 
 #include <string>
@@ -27,13 +28,6 @@ bool ReplaceFileWhole(const wchar_t* path, std::string_view bytes) {
     DeleteFileW(systemBeside.c_str());  // there may be none
     SetLastError(error);
     return false;
-}
-
-// A folder that takes no new file, or not under this name, may still have a file that can be written. Only these errors
-// mean that. After any other one, a full disk (three errors mean it) or a broken one, writing in place would cost the
-// old content as well.
-static bool MayWriteInPlace(DWORD error) {
-    return error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION || error == ERROR_FILENAME_EXCED_RANGE;
 }
 
 bool ReplaceFileWithText(const wchar_t* path, std::string_view bytes) {

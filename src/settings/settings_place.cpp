@@ -1,4 +1,4 @@
-// The name of an installation's folder. Pure.
+// Which folder the settings are in. Pure.
 #include "settings/settings_place.h"
 
 #include "base/path.h"
@@ -18,4 +18,20 @@ std::wstring InstallationFolderName(std::wstring_view programFolder) {
     name += L'-';
     for (int shift = 60; shift >= 32; shift -= 4) name += L"0123456789abcdef"[(hash >> shift) & 15];
     return name;
+}
+
+std::wstring FolderAtStart(const SettingsFolders& folders, const SettingsFolderSteps& steps) {
+    if (folders.own.empty()) return {};
+    const bool own = steps.hasSettings(folders.own);
+    if (!own && !steps.hasSettings(folders.shared)) return {};
+    // A portable copy of the program elsewhere has its settings beside it.
+    if (steps.takesFiles(folders.program)) return {};
+    const bool ready = own || (steps.make(folders.own) && steps.copy(folders.shared, folders.own));
+    return ready ? folders.own : folders.shared;
+}
+
+std::wstring FolderAfterFailure(const SettingsFolders& folders, const SettingsFolderSteps& steps, unsigned long error) {
+    constexpr unsigned long kAccessDenied = 5, kWriteProtect = 19;  // errors of the system
+    if (folders.own.empty() || (error != kAccessDenied && error != kWriteProtect)) return {};
+    return !steps.takesFiles(folders.program) && steps.make(folders.own) ? folders.own : std::wstring{};
 }

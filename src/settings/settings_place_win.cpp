@@ -24,10 +24,11 @@ std::wstring ProgramFolder() {
     return folder;
 }
 
-// With its trailing backslash, whether it exists or not. Empty when the user has no application data.
-std::wstring InstallationFolder() {
+SettingsFolders FoldersNow() {
     const std::wstring all = UserFolderPath();
-    return all.empty() ? all : all + InstallationFolderName(ProgramFolder()) + L"\\";
+    const std::wstring program = ProgramFolder();
+    return {
+        .program = program, .own = all.empty() ? all : all + InstallationFolderName(program) + L"\\", .shared = all};
 }
 
 bool MakeInstallationFolder(const std::wstring& folder) {
@@ -44,26 +45,27 @@ bool CopySharedSettings(const std::wstring& from, const std::wstring& to) {
                      PathForSystem((to + L"Editor.ini").c_str()).c_str(), TRUE) != FALSE;
 }
 
+SettingsFolderSteps StepsOnDisk() {
+    return {.hasSettings = HasSettings,
+            .takesFiles = FolderTakesFiles,
+            .make = MakeInstallationFolder,
+            .copy = CopySharedSettings};
+}
+
 }  // namespace
 
 std::wstring SettingsFolder() { return g_place.userFolder.empty() ? ProgramFolder() : g_place.userFolder; }
 
 void SettingsChooseFolder() {
-    const std::wstring own = InstallationFolder();
-    const std::wstring shared = UserFolderPath();
-    if (!g_place.userFolder.empty() || own.empty() || (!HasSettings(own) && !HasSettings(shared))) return;
-    if (FolderTakesFiles(ProgramFolder())) return;
-    const bool ready = HasSettings(own) || (MakeInstallationFolder(own) && CopySharedSettings(shared, own));
-    g_place.userFolder = ready ? own : shared;
-    AppLogMsg(L"Settings are in %s", g_place.userFolder.c_str());
+    if (!g_place.userFolder.empty()) return;
+    g_place.userFolder = FolderAtStart(FoldersNow(), StepsOnDisk());
+    if (!g_place.userFolder.empty()) AppLogMsg(L"Settings are in %s", g_place.userFolder.c_str());
 }
 
 bool SettingsLeaveFolder(unsigned long error) {
-    if (!g_place.userFolder.empty() || (error != ERROR_ACCESS_DENIED && error != ERROR_WRITE_PROTECT)) return false;
-    const std::wstring own = InstallationFolder();
-    if (own.empty() || FolderTakesFiles(ProgramFolder()) || !MakeInstallationFolder(own)) return false;
-    g_place.userFolder = own;
-    return true;
+    if (!g_place.userFolder.empty()) return false;
+    g_place.userFolder = FolderAfterFailure(FoldersNow(), StepsOnDisk(), error);
+    return !g_place.userFolder.empty();
 }
 
 bool FolderTakesFiles(const std::wstring& folder) {

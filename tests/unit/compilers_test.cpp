@@ -7,6 +7,7 @@
 #include "session/workspace_text.h"
 #include "settings/compiler_table.h"
 #include "settings/file_type_table.h"
+#include "settings/shell_entries.h"
 #include "settings/version.h"
 #include "support/golden_file.h"
 
@@ -158,6 +159,23 @@ TEST(FileTypes, KnowSourceNames) {
         EXPECT_NE(FileTypeOfPath(name), nullptr) << Narrow(name);
     for (const wchar_t* name : {L"bas", L"a.ba", L"a.bas.bak", L"a.", L"", L"a.sx", L"a.txt", L"C:\\a.bas\\x"})
         EXPECT_EQ(FileTypeOfPath(name), nullptr) << Narrow(name);
+}
+
+TEST(FileTypes, WhatTheShellIsTold) {
+    std::string text;
+    const auto add = [&](const std::vector<ShellKey>& keys) {
+        for (const ShellKey& key : keys)
+            text += Narrow(key.path.substr(17)) + " " + "-=!"[static_cast<int>(key.value)] + Narrow(key.text) + "\n";
+    };
+    const std::wstring command = ShellOpenCommand(L"C:\\E.exe");
+    add(OpenWithKeys(Profile(kCompilerKvxb64), command));
+    add(OpenWithKeys(Profile(kCompilerKvxc64), command));
+    add(DefaultProgramKeys(L"kxc", L"D", L"I.ico", command));
+    EXPECT_EQ(text,
+              ".kxb -\n.b64 -\n.c -\n.h -\nKVXB64.Source\\shell\\open\\command =\"C:\\E.exe\" \"%1\"\n"
+              ".kxb\\OpenWithProgids !KVXB64.Source\n.b64\\OpenWithProgids !KVXB64.Source\n"
+              "KVXE.kxc =D\nKVXE.kxc\\DefaultIcon =\"I.ico\",0\n"
+              "KVXE.kxc\\shell\\open\\command =\"C:\\E.exe\" \"%1\"\n.kxc =KVXE.kxc\n");
 }
 
 // The manifest cannot include the header with the version.

@@ -4,6 +4,7 @@
 #include "base/utf8.h"
 #include "files/recovery.h"
 #include "files/safe_save.h"
+#include "files/save_errors.h"
 #include "files/text_encoding.h"
 #include "files/utf16.h"
 
@@ -127,6 +128,15 @@ TEST(Files, ASaveNeverLeavesTheUserWithoutOldAndNewText) {
 }
 
 // A text with every kind of character, cut at every byte; and files that must not be taken for UTF-16.
+// 112, 39 and 1295 are a full disk, 1117 a broken one: writing in place would cost the old content as well.
+TEST(Files, OnlyAFolderThatTakesNoFileIsAReasonToWriteInPlace) {
+    for (const unsigned long error : {112UL, 39UL, 1295UL, 1117UL, 1223UL, 0UL}) {
+        EXPECT_FALSE(MayWriteInPlace(error)) << error;
+        EXPECT_FALSE(IsHeldElsewhere(error)) << error;
+    }
+    for (const unsigned long error : {5UL, 32UL, 206UL}) EXPECT_TRUE(MayWriteInPlace(error)) << error;
+}
+
 TEST(Files, Utf16IsReadAndWrittenBack) {
     const std::string utf8 = "PRINT \"\xC3\xA9 \xE4\xB8\x80 \xE2\x82\xAC \xF0\x9F\x98\x80\"\r\n";
     for (const Utf16Order order : {Utf16Order::Little, Utf16Order::Big}) {

@@ -5,6 +5,7 @@
 #include "settings/secret_text.h"
 #include "settings/settings_effects.h"
 #include "settings/settings_file.h"
+#include "settings/settings_place.h"
 #include "settings/settings_schema.h"
 
 #include <gtest/gtest.h>
@@ -149,6 +150,29 @@ TEST(Settings, StoredValuesComeBackUnchanged) {
     }
     // In a value written by hand, what is no escape sequence stays as it is.
     EXPECT_EQ(DecodeIniValue(L"[ESC]a\\q\\x1\\xZZ\\"), L"a\\q\\x1\\xZZ\\");
+}
+
+TEST(Settings, AreInTheFolderThatTakesThem) {
+    // o, s: there are settings in the own, the shared folder; w: the program's folder takes files; m, c: the own folder
+    // cannot be made, nothing can be copied.
+    const struct {
+        std::wstring state, atStart, afterFailure;
+    } cases[] = {{L"", L"", L"own"},      {L"o", L"own", L"own"}, {L"s", L"own", L"own"}, {L"sc", L"shared", L"own"},
+                 {L"sm", L"shared", L""}, {L"osw", L"", L""},     {L"w", L"", L""}};
+    for (const auto& test : cases) {
+        const auto has = [&](wchar_t letter) { return test.state.find(letter) != std::wstring::npos; };
+        const SettingsFolderSteps steps = {
+            .hasSettings = [&](const std::wstring& folder) { return has(folder == L"own" ? L'o' : L's'); },
+            .takesFiles = [&](const std::wstring&) { return has(L'w'); },
+            .make = [&](const std::wstring&) { return !has(L'm'); },
+            .copy = [&](const std::wstring&, const std::wstring&) { return !has(L'c'); }};
+        const SettingsFolders folders = {.program = L"program", .own = L"own", .shared = L"shared"};
+        EXPECT_EQ(FolderAtStart(folders, steps), test.atStart) << test.state.c_str();
+        EXPECT_EQ(FolderAfterFailure(folders, steps, 5), test.afterFailure) << test.state.c_str();
+        EXPECT_EQ(FolderAfterFailure(folders, steps, 112), L"") << "a full disk is full elsewhere, too";
+    }
+    EXPECT_EQ(InstallationFolderName(L"C:\\Tools\\KVX\\"), InstallationFolderName(L"c:\\TOOLS\\KVX"));
+    EXPECT_NE(InstallationFolderName(L"C:\\Tools\\KVX"), InstallationFolderName(L"D:\\Tools\\KVX"));
 }
 
 TEST(Settings, LinesOfASection) {
