@@ -11,6 +11,7 @@
 #include "documents/editor_pane.h"
 #include "documents/file_dialogs.h"
 #include "documents/file_work.h"
+#include "documents/load_rules.h"
 #include "documents/save_rules.h"
 #include "documents/theme.h"
 #include "files/file_io.h"
@@ -22,6 +23,8 @@
 
 #include <cwchar>
 #include <iterator>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -130,7 +133,26 @@ struct SaveJob {
     FileIdentity identity;  // of the file that was written
     bool backUp = false;    // the setting
     DWORD backUpError = 0;
+    bool ansiHolds = true;  // the ANSI code page has all characters
 };
+
+void LookAtCharacters(SaveJob& job) { job.ansiHolds = AnsiCanHold(job.text.View()); }
+
+// Whether the text can be written with the encoding of the binding. A long one is looked at on a worker. False when the
+// user has cancelled.
+bool LookAtText(const std::shared_ptr<SaveJob>& job, ULONGLONG began) {
+    if (job->binding.encoding != TextEncoding::Ansi) return true;
+    if (static_cast<std::int64_t>(job->text.length) < kLargeFile) {
+        LookAtCharacters(*job);
+        return true;
+    }
+    const bool ended = FileWorkRun({.verb = L"Saving",
+                                    .label = std::wstring{job->binding.label}.c_str(),
+                                    .progress = job->progress,
+                                    .work = [job] { LookAtCharacters(*job); },
+                                    .began = began});
+    return ended && !job->progress->cancel;
+}
 
 void SaveOnWorker(SaveJob& job) {
     const FileBinding& to = job.binding;
@@ -141,25 +163,43 @@ void SaveOnWorker(SaveJob& job) {
 }
 
 // Writes the text on a worker. The document cannot be changed meanwhile, so that what was written is what it shows.
-// `began`: when the command did. Null: the worker hangs and was left behind, and nothing is written.
-std::shared_ptr<const SaveJob> WriteOnWorker(DocumentId document, EditorText text, const FileBinding& binding,
-                                             ULONGLONG began) {
-    const auto job = std::make_shared<SaveJob>();
+// False: the worker hangs and was left behind, and nothing is written.
+bool WriteOnWorker(DocumentId document, const std::shared_ptr<SaveJob>& job, ULONGLONG began) {
     job->backUp = g_settings.backupOnSave != 0;
-    job->text = std::move(text);
-    job->binding = binding;
     const HWND editor = TabAt(TabBarFindDocument(document)).editor;
     SciSend(editor, SCI_SETREADONLY, TRUE);
     const bool ended = FileWorkRun({.verb = L"Saving",
-                                    .label = binding.label,
+                                    .label = std::wstring{job->binding.label}.c_str(),
                                     .progress = job->progress,
                                     .work = [job] { SaveOnWorker(*job); },
                                     .began = began});
     if (TabBarFindEditor(editor) >= 0) SciSend(editor, SCI_SETREADONLY, FALSE);
-    if (!ended) return nullptr;
-    if (job->backUpError != 0)
-        AppLogMsg(L"FAIL: FileSave backup error=%lu path=%s.bak", job->backUpError, binding.path);
-    return job;
+    if (ended && job->backUpError != 0)
+        AppLogMsg(L"FAIL: FileSave backup error=%lu path=%s.bak", job->backUpError, job->binding.path);
+    return ended;
+}
+
+int TellCancelledSave(DocumentId document, const FileBinding& binding) {
+    g_events.documentStatus(document,
+                            FormatW(L"Saving %s was cancelled; the file is as it was", binding.label).c_str());
+    return 0;
+}
+
+// After a save: the document belongs to the file, and is as it is there.
+void NoteSaved(int tab, FileBinding binding, const FileIdentity& identity) {
+    const DocumentId document = TabAt(tab).id;
+    // What the status bar says of this document is no longer true: the recovery copy is gone, the form is chosen.
+    if (TabAt(tab).mustSave || SaveAsksAboutForm(TabAt(tab))) g_events.documentStatus(document, L"");
+    binding.form.inexact = false;  // the file now holds what the text says
+    static_cast<FileBinding&>(TabAt(tab)) = binding;
+    TabAt(tab).modified = false;
+    TabAt(tab).mustSave = false;
+    TabAt(tab).identity = identity;
+    const HWND editor = TabAt(tab).editor;
+    SciSend(editor, SCI_SETSAVEPOINT);
+    EditorPaneClearChangeMarks(editor);
+    TabBarUpdateTitle(tab);
+    g_events.documentSaved(document);
 }
 
 // Writes the document to the file of `binding`, then binds the document to that file. When the save fails, the document
@@ -169,45 +209,31 @@ int SaveAsBound(DocumentId document, FileBinding binding) {
     if (choice != FormChoice::Save || TabBarFindDocument(document) < 0)
         return choice == FormChoice::OtherName ? SaveUnderNewName(document) : 0;
     ULONGLONG began = GetTickCount64();
-    EditorText text = TakeText(document);
-    if (!text.bytes) return 0;
+    const auto job = std::make_shared<SaveJob>();
+    job->binding = binding;
+    job->text = TakeText(document);
+    if (!job->text.bytes) return 0;
+    if (!LookAtText(job, began)) return TellCancelledSave(document, binding);
     bool asked = false;
-    const std::optional<TextEncoding> encoding =
-        EncodingToSave(binding.encoding, binding.encoding != TextEncoding::Ansi || AnsiCanHold(text.View()), [&] {
-            asked = true;
-            return AskAboutAnsi(binding.label);
-        });
+    const std::optional<TextEncoding> encoding = EncodingToSave(binding.encoding, job->ansiHolds, [&] {
+        asked = true;
+        return AskAboutAnsi(binding.label);
+    });
     // Messages were handled while the box was open: the document may be gone or changed.
     if (asked) began = GetTickCount64();
-    if (asked) text = TakeText(document);
-    if (!encoding || !text.bytes) return 0;
-    binding.encoding = *encoding;
-    const std::shared_ptr<const SaveJob> job = WriteOnWorker(document, std::move(text), binding, began);
-    const SaveReport report = job != nullptr ? job->report : SaveReport{.end = SaveEnd::Cancelled};
+    if (asked) job->text = TakeText(document);
+    if (!encoding || !job->text.bytes) return 0;
+    job->binding.encoding = binding.encoding = *encoding;
+    const bool ended = WriteOnWorker(document, job, began);
     const int tab = TabBarFindDocument(document);
-    if (report.end == SaveEnd::Cancelled) {
-        g_events.documentStatus(document,
-                                FormatW(L"Saving %s was cancelled; the file is as it was", binding.label).c_str());
-        return 0;
-    }
-    if (report.end != SaveEnd::Saved) {
+    if (!ended || job->report.end == SaveEnd::Cancelled) return TellCancelledSave(document, binding);
+    if (job->report.end != SaveEnd::Saved) {
         MarkUnsaved(tab, binding.path);
-        TellFailedSave(document, binding.path, report);
+        TellFailedSave(document, binding.path, job->report);
         return 0;
     }
     if (tab < 0) return 0;
-    // What the status bar says of this document is no longer true: the recovery copy is gone, the form is chosen.
-    if (TabAt(tab).mustSave || SaveAsksAboutForm(TabAt(tab))) g_events.documentStatus(document, L"");
-    binding.form.inexact = false;  // the file now holds what the text says
-    static_cast<FileBinding&>(TabAt(tab)) = binding;
-    TabAt(tab).modified = false;
-    TabAt(tab).mustSave = false;
-    TabAt(tab).identity = job->identity;
-    const HWND editor = TabAt(tab).editor;
-    SciSend(editor, SCI_SETSAVEPOINT);
-    EditorPaneClearChangeMarks(editor);
-    TabBarUpdateTitle(tab);
-    g_events.documentSaved(document);
+    NoteSaved(tab, binding, job->identity);
     return 1;
 }
 

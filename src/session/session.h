@@ -1,6 +1,8 @@
 // Session files (open documents and view state) and the workspace file. UI thread only.
 #pragma once
 
+#include "session/workspace_text.h"
+
 #include <windows.h>
 
 #include <string>
@@ -26,8 +28,6 @@ void SessionAutoSavePath(wchar_t* out, size_t capacity);
 // Puts a session file first in the list of recent sessions.
 void SessionMRUAdd(const wchar_t* path);
 
-// A file counts as a workspace of ours when it has the members that WorkspaceSave writes.
-enum class WorkspaceFile { Missing, Ours, Foreign, Unreadable };  // Missing: also an empty file
 WorkspaceFile WorkspaceFileAt(const wchar_t* path);
 std::wstring WorkspaceDefaultPath();
 // Null: the current workspace, else the default one. Returns 0 when the file could not be written or is not ours. Without

@@ -18,6 +18,7 @@
 #include "scintilla/sci.h"
 #include "session/project_tree.h"
 #include "session/session_close.h"
+#include "session/session_restore.h"
 #include "session/session_state.h"
 #include "session/session_text.h"
 #include "session/session_view.h"
@@ -31,6 +32,7 @@
 #include <limits>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -114,48 +116,23 @@ void SendFitting(HWND editor, const EditorMessage& message) {
     }
 }
 
-// Applies the lines of the file sections in turn.
-class FileSections {
-public:
-    // The number of the file section decides which document gets the values, not the document that its "Path" opened.
-    // When a file is gone, the values of the later sections therefore go to other documents.
-    void Apply(const SessionItem& item) {
-        if (item.key == SessionKey::Path && !item.text.empty()) OpenFile(item);
-        if (item.file == missingSection_) SessionTakeItem(g_session.missing.back(), item);
-        if (item.key == SessionKey::Path || !IsTabIndex(item.file)) return;
-        const HWND editor = TabAt(item.file).editor;
-        if (item.key == SessionKey::BreakpointRule)
-            ApplyBreakpointRule(TabAt(item.file).id, SessionParseRule(item.text));
-        for (const EditorMessage& message : SessionEditorMessages(item)) SendFitting(editor, message);
-    }
-
-private:
-    void OpenFile(const SessionItem& item) {
-        missingSection_ = -1;
-        if (FileAdd(Utf8ToWideText(item.text).c_str()) < 0) {
-            g_session.missing.emplace_back();
-            missingSection_ = item.file;
-        } else if (!IsTabIndex(g_documents.activeTab)) {
-            TabBarSelect(0);  // the others get their size from it
-        }
-    }
-    int missingSection_ = -1;  // the section of the last missing file while its lines follow
-};
+// Opens a file of the session. The first one is shown, because the others get their size from it.
+bool OpenSessionFile(const std::string& path) {
+    if (FileAdd(Utf8ToWideText(path).c_str()) < 0) return false;
+    if (!IsTabIndex(g_documents.activeTab)) TabBarSelect(0);
+    return true;
+}
 
 void ApplySession(const std::vector<SessionItem>& items) {
     const SettingsEdit edit;
     SessionFrame frame = CaptureFrame();
-    frame.activeTab = 0;
-    FileSections sections;
-    for (const SessionItem& item : items) {
-        if (item.file < 0) {
-            const SessionFrame before = frame;
-            SessionApplyHeader(item, g_settings, frame);
-            if (frame != before) ApplyFrame(frame);
-        } else {
-            sections.Apply(item);
-        }
-    }
+    const SessionTarget target = {
+        .open = OpenSessionFile,
+        .has = IsTabIndex,
+        .send = [](int tab, const EditorMessage& message) { SendFitting(TabAt(tab).editor, message); },
+        .setRule = [](int tab, const SessionBreakpoint& rule) { ApplyBreakpointRule(TabAt(tab).id, rule); },
+        .showFrame = ApplyFrame};
+    g_session.missing = SessionRestore(items, target, g_settings, frame);
     TabBarActivate(IsTabIndex(frame.activeTab) ? frame.activeTab : TabCount() - 1);
 }
 
@@ -194,9 +171,9 @@ int SessionSave(const wchar_t* path) {
     std::vector<SessionFile> files;
     for (const DocumentTab& tab : g_documents.tabs)
         if (tab.path[0] != L'\0') files.push_back(CaptureFile(tab));
-    // At the end, so that the places of the open files keep their tabs while the missing ones stay away.
-    for (const SessionFile& missing : g_session.missing)
-        if (TabBarFindPath(Utf8ToWideText(missing.path).c_str()) < 0) files.push_back(missing);
+    files = SessionFilesToSave(std::move(files), g_session.missing, [](const std::string& missing) {
+        return TabBarFindPath(Utf8ToWideText(missing).c_str()) >= 0;
+    });
     return ReplaceFileWithText(path, SessionCompose(SessionHeaderOf(g_settings, CaptureFrame()), files)) ? 1 : 0;
 }
 
@@ -204,7 +181,6 @@ int SessionLoad(const wchar_t* path, HWND) {
     const std::optional<std::string> text = ReadSession(path);
     const RestoreScope restore;
     if (!text || !CloseEveryTab()) return 0;
-    g_session.missing.clear();
     ApplySession(SessionParse(*text));
     g_events.layoutWanted();
     g_events.refreshWanted();

@@ -170,6 +170,20 @@ bool WorkspaceIsOurs(const wchar_t* text) {
     return (entries || empty) && others;
 }
 
+WorkspaceFile WorkspaceFileOf(bool exists, const wchar_t* text) {
+    if (!exists) return WorkspaceFile::Missing;
+    if (text == nullptr) return WorkspaceFile::Unreadable;
+    if (*text == L'\0') return WorkspaceFile::Missing;
+    return WorkspaceIsOurs(text) ? WorkspaceFile::Ours : WorkspaceFile::Foreign;
+}
+
+WorkspaceSaveStep WorkspaceSaveStepOf(WorkspaceFile file, std::span<const WorkspaceTab> tabs, bool isDefaultFile) {
+    if (file == WorkspaceFile::Foreign || file == WorkspaceFile::Unreadable) return WorkspaceSaveStep::Refuse;
+    if (std::ranges::any_of(tabs, [](const WorkspaceTab& tab) { return !tab.path.empty(); }))
+        return WorkspaceSaveStep::Write;
+    return file == WorkspaceFile::Ours && isDefaultFile ? WorkspaceSaveStep::DeleteFile : WorkspaceSaveStep::LeaveFile;
+}
+
 Workspace WorkspaceParse(const wchar_t* text) {
     struct FileList {
         wchar_t paths[kWorkspaceMaxListed][kPathCapacity];

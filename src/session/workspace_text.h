@@ -50,6 +50,16 @@ std::wstring WorkspacePathFor(std::wstring_view given, std::wstring_view current
 // other members. Other programs write JSON files with a list of that name, too.
 bool WorkspaceIsOurs(const wchar_t* text);
 
+// A file counts as a workspace of ours when it has the members that WorkspaceCompose writes. Missing: also an empty file,
+// which holds nothing to lose.
+enum class WorkspaceFile : std::uint8_t { Missing, Ours, Foreign, Unreadable };
+// `text`: the content of the file; null when it cannot be read.
+WorkspaceFile WorkspaceFileOf(bool exists, const wchar_t* text);
+
+// What a save does. An empty workspace has no file, but one that the user has named is not deleted behind his back.
+enum class WorkspaceSaveStep : std::uint8_t { Refuse, Write, DeleteFile, LeaveFile };
+WorkspaceSaveStep WorkspaceSaveStepOf(WorkspaceFile file, std::span<const WorkspaceTab> tabs, bool isDefaultFile);
+
 // The values of a workspace file.
 struct Workspace {
     std::vector<WorkspaceTab> files;  // at most kWorkspaceMaxListed

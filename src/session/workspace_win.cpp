@@ -99,32 +99,10 @@ std::wstring WorkspaceDefaultPath() {
 
 WorkspaceFile WorkspaceFileAt(const wchar_t* path) {
     if (!FileExists(path)) return WorkspaceFile::Missing;
-    const HeapBlock<wchar_t> text = ReadWorkspace(path);
-    if (!text) return WorkspaceFile::Unreadable;
-    if (text.get()[0] == L'\0') return WorkspaceFile::Missing;  // an empty file, which holds nothing to lose
-    return WorkspaceIsOurs(text.get()) ? WorkspaceFile::Ours : WorkspaceFile::Foreign;
+    return WorkspaceFileOf(true, ReadWorkspace(path).get());
 }
 
-// What a save does without an open file. An empty workspace has no file, but a workspace that the user has named is not
-// deleted behind his back.
-static void RemoveEmptyWorkspace(const std::wstring& target) {
-    if (!PathEqualsIgnoreCase(target, WorkspaceDefaultPath())) return;
-    if (DeleteFileW(PathExtended(target).c_str()) == FALSE)
-        AppLogMsg(L"FAIL: WorkspaceSave could not delete error=%lu path=%s", GetLastError(), target.c_str());
-}
-
-int WorkspaceSave(const wchar_t* path) {
-    const std::wstring target = TargetFor(path);
-    const WorkspaceFile file = WorkspaceFileAt(target.c_str());
-    if (file == WorkspaceFile::Foreign || file == WorkspaceFile::Unreadable) {
-        AppLogMsg(L"FAIL: WorkspaceSave leaves a file that is not a workspace: %s", target.c_str());
-        return 0;
-    }
-    const std::vector<WorkspaceTab> tabs = CaptureTabs();
-    if (std::ranges::all_of(tabs, [](const WorkspaceTab& tab) { return tab.path.empty(); })) {
-        if (file == WorkspaceFile::Ours) RemoveEmptyWorkspace(target);
-        return 1;
-    }
+static int WriteWorkspace(const std::wstring& target, const std::vector<WorkspaceTab>& tabs) {
     const auto compiler = static_cast<std::uint32_t>(g_settings.activeCompiler);
     const std::size_t row = compiler < kCompilerCount ? compiler : 0;
     const std::wstring text = WorkspaceCompose(tabs, g_documents.activeTab, compiler, g_settings.compilers[row].flags);
@@ -134,6 +112,24 @@ int WorkspaceSave(const wchar_t* path) {
     }
     SafeCopyW(g_session.workspacePath, target);
     return 1;
+}
+
+int WorkspaceSave(const wchar_t* path) {
+    const std::wstring target = TargetFor(path);
+    const std::vector<WorkspaceTab> tabs = CaptureTabs();
+    switch (WorkspaceSaveStepOf(WorkspaceFileAt(target.c_str()), tabs,
+                                PathEqualsIgnoreCase(target, WorkspaceDefaultPath()))) {
+        case WorkspaceSaveStep::Refuse:
+            AppLogMsg(L"FAIL: WorkspaceSave leaves a file that is not a workspace: %s", target.c_str());
+            return 0;
+        case WorkspaceSaveStep::DeleteFile:
+            if (DeleteFileW(PathExtended(target).c_str()) == FALSE)
+                AppLogMsg(L"FAIL: WorkspaceSave could not delete error=%lu path=%s", GetLastError(), target.c_str());
+            return 1;
+        case WorkspaceSaveStep::LeaveFile: return 1;
+        case WorkspaceSaveStep::Write: break;
+    }
+    return WriteWorkspace(target, tabs);
 }
 
 int WorkspaceLoad(const wchar_t* path) {

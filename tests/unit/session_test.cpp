@@ -1,5 +1,6 @@
 // Session and workspace files as text, and what the project tree shows.
 #include "documents/margins.h"
+#include "session/session_restore.h"
 #include "session/session_text.h"
 #include "session/session_view.h"
 #include "session/tree_actions.h"
@@ -191,6 +192,44 @@ TEST(SessionView, LinesBecomeMessagesToTheEditor) {
     EXPECT_EQ(SessionEditorMessages({0, SessionKey::Path, 0, "x"}), Messages{});
 }
 
+TEST(SessionRestore, AMissingFileShiftsThePlacesOfLaterOnes) {
+    std::vector<std::string> open;
+    std::string sent;
+    int frames = 0;
+    const SessionTarget target = {.open =
+                                      [&](const std::string& path) {
+                                          if (path != "gone") open.push_back(path);
+                                          return path != "gone";
+                                      },
+                                  .has = [&](int index) { return index >= 0 && index < static_cast<int>(open.size()); },
+                                  .send =
+                                      [&](int index, const EditorMessage& message) {
+                                          sent += std::to_string(index) + ":" + std::to_string(message.wParam) + " ";
+                                      },
+                                  .setRule =
+                                      [&](int index, const SessionBreakpoint& rule) {
+                                          sent += std::to_string(index) + "!" + std::to_string(rule.line) + " ";
+                                      },
+                                  .showFrame = [&](const SessionFrame&) { ++frames; }};
+    Settings settings = {};
+    SessionFrame frame = {.activeTab = 9, .showOutput = true};
+    const std::vector<SessionFile> missing = SessionRestore(
+        SessionParse("[Session]\nShowOutput=1\nShowAsmPane=1\nWordWrap=1\n[File1]\nPath=a\nCursor=1\n"
+                     "[File2]\nPath=gone\nCursor=2\nBookmarks=7\nBreakpointRule=5,0,\n[File3]\nPath=b\nCursor=3\n"
+                     "[File2]\nCursor=4\nBreakpointRule=6,0,\n"),
+        target, settings, frame);
+    EXPECT_EQ(sent, "0:1 1:4 1!6 ") << "the third section has no third document";
+    EXPECT_EQ(frames, 1);
+    EXPECT_TRUE(frame.showAsmPane && settings.wordWrap == 1 && frame.activeTab == 0);
+    ASSERT_EQ(missing.size(), 1U);
+    EXPECT_EQ(missing[0].path, "gone");
+    EXPECT_EQ(missing[0].cursor, 2U) << "not that of a section of the same number, after the next file";
+    EXPECT_TRUE(missing[0].bookmarks.size() == 1 && missing[0].rules.size() == 1);
+    for (const bool back : {false, true})
+        EXPECT_EQ(SessionFilesToSave({{.path = "a"}}, missing, [back](const std::string&) { return back; }).size(),
+                  back ? 1U : 2U);
+}
+
 TEST(SessionText, OffersOnlySessionsWithFiles) {
     EXPECT_FALSE(SessionListsFiles("[Session]\r\nTabCount=0\r\n"));
     EXPECT_FALSE(SessionListsFiles("[File1]\r\nPath=\r\n"));
@@ -276,6 +315,21 @@ TEST(WorkspaceText, IsToldFromOtherFilesByItsMembers) {
           L"{\"x\": \"files\", \"y\": [{\"path\": \"a\"}], \"activeFile\": 1}",
           L"{\"files\": [{\"name\": \"a\"}], \"path\": 1, \"activeFile\": 1}", L"{\"files\": [{\"path\": \"a\""})
         EXPECT_FALSE(WorkspaceIsOurs(other)) << std::string(other, other + std::wcslen(other));
+}
+
+TEST(WorkspaceText, ASaveTouchesOnlyItsOwnFile) {
+    const std::vector<WorkspaceTab> none = {{.path = L""}}, one = {{.path = L""}, {.path = L"C:\\a.bas"}};
+    using enum WorkspaceFile;
+    using Step = WorkspaceSaveStep;
+    for (const WorkspaceFile file : {Foreign, Unreadable})
+        for (const bool isDefault : {false, true}) EXPECT_EQ(WorkspaceSaveStepOf(file, one, isDefault), Step::Refuse);
+    for (const WorkspaceFile file : {Missing, Ours}) EXPECT_EQ(WorkspaceSaveStepOf(file, one, false), Step::Write);
+    EXPECT_EQ(WorkspaceSaveStepOf(Ours, none, true), Step::DeleteFile);
+    EXPECT_EQ(WorkspaceSaveStepOf(Ours, none, false), Step::LeaveFile) << "the user has named it";
+    EXPECT_EQ(WorkspaceSaveStepOf(Missing, none, true), Step::LeaveFile);
+    EXPECT_EQ(WorkspaceFileOf(true, nullptr), Unreadable);
+    EXPECT_EQ(WorkspaceFileOf(true, L""), Missing);
+    EXPECT_EQ(WorkspaceFileOf(true, L"{}"), Foreign);
 }
 
 TEST(WorkspaceText, ReadsAsAWhole) {
