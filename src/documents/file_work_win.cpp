@@ -11,6 +11,7 @@
 namespace {
 
 constexpr DWORD kStepMs = 30;
+constexpr ULONGLONG kPaintAfterMs = 100;  // a file of a few megabytes is there before the window would be painted twice
 constexpr ULONGLONG kQuietMs = 1000;  // no word about what takes less; typed keys wait until then
 constexpr ULONGLONG kHangsMs = 2000;  // a worker that does not end within this time after it was cancelled hangs
 
@@ -22,16 +23,23 @@ WorkWait g_wait;
 
 void RunWork(std::function<void()>& work, const WorkerCancel&) { work(); }
 
+// Waits for the worker or a message, for a short time. Messages that were sent are handled.
+void WaitStep(const Worker& worker, bool paints) {
+    const HANDLE thread = worker.thread->Get();
+    MsgWaitForMultipleObjects(1, &thread, FALSE, kStepMs, QS_SENDMESSAGE | (paints ? QS_PAINT : 0U));
+    MSG message = {};
+    PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
+    if (paints) PaintWhileBusy();
+}
+
 // Waits until the worker has ended, or hangs after it was cancelled.
 bool WaitForWorker(const Worker& worker, const FileWork& work) {
     const ULONGLONG began = work.began != 0 ? work.began : GetTickCount64();
     ULONGLONG cancelled = 0;
     bool told = false;
     while (!WorkerWait(worker, 0)) {
-        const HANDLE thread = worker.thread->Get();
-        MsgWaitForMultipleObjects(1, &thread, FALSE, kStepMs, QS_SENDMESSAGE | QS_PAINT);
-        PaintWhileBusy();
         const ULONGLONG now = GetTickCount64();
+        WaitStep(worker, now - began >= kPaintAfterMs);
         if (now - began >= kQuietMs) {
             if (const BusyInput input = TakeBusyInput(); input.stop) FileWorkCancel(input.close);
             g_events.statusText(FileWorkText(work.verb, work.label, *work.progress).c_str());
