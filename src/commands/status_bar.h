@@ -17,7 +17,7 @@ void StatusBarSetText(const wchar_t* text);
 void StatusBarSetDocumentText(DocumentId document, const wchar_t* text);
 // Takes back a text about another document than this one.
 void StatusBarForgetOthers(DocumentId document);
-// Sets the progress of a build (BuildProgressText). Null or empty: nothing runs.
+// Sets the progress of a build ("/ 0:07"). Null or empty: nothing runs.
 void StatusBarSetProgress(const wchar_t* text);
 // Shows line, column, selection, encoding and line ending of the active document.
 void StatusBarUpdatePosition();

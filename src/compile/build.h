@@ -36,6 +36,3 @@ bool BuildOnShown(bool allShown);
 
 // Ends a running build and waits at most a few seconds for its reader thread. Called at shutdown.
 void BuildShutdown();
-
-// The time ("0:07") and a moving sign for the status bar while a build runs; empty text otherwise.
-const wchar_t* BuildProgressText();

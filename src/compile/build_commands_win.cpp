@@ -103,8 +103,7 @@ void DeleteProduct(const std::wstring& path) {
                             : !IsBuildProduct(path)           ? L" (no build of this editor has made it)"
                                                               : nullptr;
     if (reason == nullptr && DeleteFileW(PathForSystem(path.c_str()).c_str())) return;
-    OutputPaneAppend(FormatW(L"Not deleted: %s%s\r\n", path.c_str(), reason != nullptr ? reason : L"").c_str(),
-                     kLineRed);
+    OutputPaneAppend(NotDeletedLine(path, reason != nullptr ? reason : L"").c_str(), kLineRed);
 }
 
 void CleanProducts() {
@@ -139,15 +138,9 @@ void UseCompilerOfMenu(int command) {
     SettingsSave(nullptr);
 }
 
-// Passes over compilers that are not installed, unless none is.
 void UseNextCompiler(int) {
-    auto id = static_cast<std::uint32_t>(g_settings.activeCompiler);
-    for (std::uint32_t step = 0; step < kCompilerCount; ++step) {
-        id = CompilerNext(id);
-        if (CompilerSeemsInstalled(id)) break;
-    }
-    if (!CompilerSeemsInstalled(id)) id = CompilerNext(static_cast<std::uint32_t>(g_settings.activeCompiler));
-    UseCompilerOfMenu(CompilerEntry(id).command);
+    const auto active = static_cast<std::uint32_t>(g_settings.activeCompiler);
+    UseCompilerOfMenu(CompilerEntry(CompilerNextInstalled(active, CompilerSeemsInstalled)).command);
 }
 
 void UseBuildProfile(int command) {

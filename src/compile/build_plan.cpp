@@ -15,6 +15,15 @@ std::wstring BuildFlagsOf(const FlagChoice& choice) {
     return flags;
 }
 
+LaunchRequest LaunchRequestOf(const CompilerProfile& profile, const CompilerSettings& settings) {
+    return {.compilerId = profile.id,
+            .style = profile.commandStyle,
+            .compilerName = profile.name,
+            .includeSwitch = profile.includeSwitch,
+            .includePath = settings.includePath,
+            .listingTemplate = settings.asmFlag[0] != L'\0' ? settings.asmFlag : profile.asmFlag};
+}
+
 std::wstring LaunchObstacle(const LaunchRequest& request) {
     if (request.compiler.empty() || request.source.empty() || request.output.empty())
         return L"Build launch failed: missing compiler, source, or output path.\r\n";
@@ -45,6 +54,17 @@ CommandProblem PlanLaunch(const LaunchRequest& request, std::wstring_view compil
     const std::wstring log = ReplaceExtension(request.source, L".buildlog");
     plan->logPath = !request.wantLog || SamePathText(log, request.source) ? std::wstring() : log;
     return CommandProblem::None;
+}
+
+BuildRecord LaunchRecord(const LaunchRequest& request, const LaunchPlan& plan, std::wstring_view staged,
+                         std::uint64_t startTime) {
+    return {.source = std::wstring(request.source),
+            .output = std::wstring(request.output),
+            .staged = std::wstring(staged),
+            .listing = std::wstring(request.listing),
+            .workingDirectory = plan.workingDirectory,
+            .compilerId = request.compilerId,
+            .startTime = startTime};
 }
 
 std::wstring CommandBeside(std::wstring_view command, std::wstring_view folder, std::wstring_view systemFolder,
@@ -86,6 +106,10 @@ std::wstring StagedElsewhereLine(std::wstring_view target) {
 std::wstring LeftoverLine(std::wstring_view target, std::wstring_view aside) {
     return L"An earlier build was cut off: your own text of " + std::wstring(target) + L" is in " +
            std::wstring(aside) + L"\r\n";
+}
+
+std::wstring NotDeletedLine(std::wstring_view path, std::wstring_view reason) {
+    return L"Not deleted: " + std::wstring(path) + std::wstring(reason) + L"\r\n";
 }
 
 std::wstring RunErrorLine(std::wstring_view program, long error) {

@@ -2,7 +2,9 @@
 #pragma once
 
 #include "compile/command_line.h"
+#include "output/last_build.h"
 #include "settings/compiler_table.h"
+#include "settings/settings.h"
 
 #include <cstdint>
 #include <functional>
@@ -38,6 +40,9 @@ struct LaunchRequest {
     bool wantLog = true;  // the build log
 };
 
+// The request for a compiler with its settings; the paths of the build are still to be filled in.
+LaunchRequest LaunchRequestOf(const CompilerProfile& profile, const CompilerSettings& settings);
+
 struct LaunchPlan {
     std::wstring commandLine;
     std::wstring workingDirectory;
@@ -49,6 +54,10 @@ struct LaunchPlan {
 std::wstring LaunchObstacle(const LaunchRequest& request);
 // `compiled` is the path that the compiler reads: the source or its staged copy.
 CommandProblem PlanLaunch(const LaunchRequest& request, std::wstring_view compiled, LaunchPlan* plan);
+
+// The record of a build that starts now. `staged`: the copy that the compiler reads; empty when it reads the source.
+BuildRecord LaunchRecord(const LaunchRequest& request, const LaunchPlan& plan, std::wstring_view staged,
+                         std::uint64_t startTime);
 
 // The command with the full path of its program, when `folder` has that program under the name that the command gives,
 // or under this name with ".exe", ".com", ".bat" or ".cmd". The system looks for a bare name everywhere but in the
@@ -62,6 +71,7 @@ std::wstring LaunchErrorLine(std::uint32_t error, std::wstring_view systemMessag
 std::wstring NotStagedLine(std::wstring_view target);
 std::wstring StagedElsewhereLine(std::wstring_view target);
 std::wstring LeftoverLine(std::wstring_view target, std::wstring_view aside);
+std::wstring NotDeletedLine(std::wstring_view path, std::wstring_view reason);
 std::wstring RunErrorLine(std::wstring_view program, long error);
 
 // The files that a compiler may write beside the source without being asked to, without the source itself.

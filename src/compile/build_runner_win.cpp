@@ -231,14 +231,11 @@ void RecordLaunch(const LaunchRequest& request, const StagedSource& staged, cons
                   const FILETIME& startTime) {
     const BuildRecord& last = LastBuild();
     const bool keptProgram = g_runner.run.order.syntaxOnly && SamePathText(last.source, request.source);
-    LastBuildBegin({.source = std::wstring(request.source),
-                    .output = std::wstring(request.output),
-                    .staged = staged.copied ? staged.path : std::wstring(),
-                    .listing = std::wstring(request.listing),
-                    .workingDirectory = plan.workingDirectory,
-                    .compilerId = request.compilerId,
-                    .startTime = std::uint64_t{startTime.dwHighDateTime} << 32 | startTime.dwLowDateTime,
-                    .programWritten = keptProgram && last.programWritten});
+    BuildRecord record =
+        LaunchRecord(request, plan, staged.copied ? std::wstring_view(staged.path) : std::wstring_view(),
+                     std::uint64_t{startTime.dwHighDateTime} << 32 | startTime.dwLowDateTime);
+    record.programWritten = keptProgram && last.programWritten;
+    LastBuildBegin(std::move(record));
     OutputFeedBeginBuild(LastBuild());
     const BuildLock lock;
     SafeCopyW(g_buildState.sourcePath, request.source);
@@ -279,24 +276,18 @@ int CompilerBuild(std::uint32_t id, const wchar_t* source, const wchar_t* output
     CompilerPathResolved(id, compiler, kPathCapacity);
     wchar_t listing[kPathCapacity] = {};
     if (source != nullptr) CompilerMakeAsmPath(source, listing, kPathCapacity);
-    const wchar_t* asmFlag = g_settings.compilers[profile.id].asmFlag;
     const ProductGuard guard = ProductsBeforeBuild({.source = source != nullptr ? source : L"",
                                                     .output = output != nullptr ? output : L"",
                                                     .listing = wantListing ? listing : L""});
     AppendLines(guard.lines, kLineTeal);
-    const LaunchRequest request = {.compilerId = profile.id,
-                                   .style = profile.commandStyle,
-                                   .compilerName = CompilerName(id),
-                                   .compiler = compiler,
-                                   .source = source != nullptr ? source : L"",
-                                   .output = output != nullptr ? output : L"",
-                                   .flags = flags,
-                                   .includeSwitch = profile.includeSwitch,
-                                   .includePath = CompilerIncludePath(id),
-                                   .listingTemplate = asmFlag[0] != L'\0' ? asmFlag : profile.asmFlag,
-                                   .listing = listing,
-                                   .wantListing = guard.listing,
-                                   .wantLog = guard.log};
+    LaunchRequest request = LaunchRequestOf(profile, g_settings.compilers[profile.id]);
+    request.compiler = compiler;
+    request.source = source != nullptr ? source : L"";
+    request.output = output != nullptr ? output : L"";
+    request.flags = flags;
+    request.listing = listing;
+    request.wantListing = guard.listing;
+    request.wantLog = guard.log;
     StagedSource staged;
     LaunchPlan plan;
     if (!PrepareLaunch(request, &staged, &plan)) {

@@ -185,6 +185,14 @@ AfterBuild BuildFollowUp(const BuildRun& run) {
     return run.order.after == AfterBuild::RunProgram && !runs ? AfterBuild::Nothing : run.order.after;
 }
 
+std::wstring StageProgressText(std::uint64_t elapsed) {
+    constexpr std::wstring_view kSigns = L"|/-\\";
+    const std::uint64_t seconds = elapsed / 1000;
+    const std::wstring rest = std::to_wstring(seconds % 60);
+    return std::wstring(1, kSigns[elapsed / kProgressIntervalMs % kSigns.size()]) + L" " +
+           std::to_wstring(seconds / 60) + (rest.size() < 2 ? L":0" : L":") + rest;
+}
+
 bool BuildFollow(BuildRun& run, BuildStep step, const BuildHost& host, std::wstring_view postBuildCommand) {
     const auto startStage = [&](BuildStage stage) {
         std::wstring reason;

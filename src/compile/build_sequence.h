@@ -111,6 +111,10 @@ BuildStep BuildReport(BuildRun& run, const BuildPrinted& printed, std::wstring_v
 // The action after the build. A program that was not built is not run.
 AfterBuild BuildFollowUp(const BuildRun& run);
 
+// The time of a stage and a moving sign ("/ 0:07"), `elapsed` milliseconds after its start.
+inline constexpr std::uint32_t kProgressIntervalMs = 250;
+std::wstring StageProgressText(std::uint64_t elapsed);
+
 // --- Carrying out the steps
 
 struct BuildHost {

@@ -3,11 +3,11 @@
 #include "base/events.h"
 #include "base/handles.h"
 #include "base/log.h"
-#include "base/wide_format.h"
 #include "base/worker.h"
 #include "compile/build.h"
 #include "compile/build_log.h"
 #include "compile/build_reader.h"
+#include "compile/build_sequence.h"
 #include "compile/child_process.h"
 #include "compile/compile_state.h"
 #include "compile/program_input.h"
@@ -20,13 +20,11 @@
 #include "ui/ui_state.h"
 
 #include <algorithm>
-#include <iterator>
 
 CRITICAL_SECTION g_buildCs;
 
 namespace {
 
-constexpr UINT kProgressIntervalMs = 250;
 constexpr std::size_t kLinesBesideReplaced = 3000;  // the replaced pane is destroyed at last after so many lines
 constexpr DWORD kStopWaitMs = 150;                  // Stop waits so long at most; a slower reader thread ends later
 constexpr DWORD kEndWaitMs = 2000;  // longest wait from MSG_BUILD_FINISHED until the reader thread has cleaned up
@@ -73,7 +71,10 @@ void StopReading() {
     ReaderEndProcesses();
 }
 
-void ShowBuildProgress() { g_events.statusProgress(BuildProgressText()); }
+void ShowBuildProgress() {
+    const bool runs = g_stage.stage != BuildStage::Idle;
+    g_events.statusProgress(runs ? StageProgressText(GetTickCount64() - g_stage.started).c_str() : L"");
+}
 
 // Reports the end of the stage when all its output is shown.
 void DeliverStageEnd() {
@@ -207,16 +208,4 @@ void BuildShutdown() {
     ProgramInputClose();
     CommandLogsDelete();
     g_stage = {};
-}
-
-const wchar_t* BuildProgressText() {
-    static wchar_t text[32];
-    text[0] = L'\0';
-    if (g_stage.stage == BuildStage::Idle) return text;
-    constexpr wchar_t marks[] = {L'|', L'/', L'-', L'\\'};
-    const ULONGLONG elapsed = GetTickCount64() - g_stage.started;
-    const auto seconds = static_cast<unsigned>(elapsed / 1000);
-    FormatBufferW(text, L"%c %u:%02u", marks[elapsed / kProgressIntervalMs % std::size(marks)], seconds / 60,
-                  seconds % 60);
-    return text;
 }

@@ -1,52 +1,42 @@
 #include "compile/program_input.h"
 
 #include "base/handles.h"
+#include "compile/input_queue.h"
 
 #include <string>
-#include <utility>
 
 namespace {
-
-constexpr std::size_t kMostWaiting = 1024 * 1024;  // bytes
-constexpr ULONGLONG kPatienceMs = 2000;
 
 struct ProgramInput {
     UniqueHandle pipe;
     UniqueHandle written;  // event of the pending write
     OVERLAPPED write = {};
-    std::string going;    // the bytes of the pending write
-    std::string waiting;  // the bytes after it
-    bool pending = false;
-    ULONGLONG began = 0;  // tick count of the pending write
-    bool doubted = false;
-    bool ends = false;  // nothing more is accepted, and the pipe is closed after `waiting`
+    InputQueue queue;
 };
 ProgramInput g_input;
 
-// Whether the pending write is over. After a failed one the program has closed its input, and the rest is dropped.
-bool WriteIsOver() {
-    DWORD count = 0;
-    if (!g_input.pending) return true;
-    if (GetOverlappedResult(g_input.pipe.Get(), &g_input.write, &count, FALSE)) {
-        g_input.going.erase(0, count);
-    } else {
-        if (GetLastError() == ERROR_IO_INCOMPLETE) return false;
-        g_input.going.clear();
-        g_input.waiting.clear();
-    }
-    g_input.pending = false;
-    return true;
-}
-
-void StartWrite() {
-    if (g_input.going.empty()) g_input.going = std::exchange(g_input.waiting, {});
+bool StartWrite(std::string_view bytes) {
     g_input.write = {};
     g_input.write.hEvent = g_input.written.Get();
-    g_input.began = GetTickCount64();
-    g_input.pending = WriteFile(g_input.pipe.Get(), g_input.going.data(), static_cast<DWORD>(g_input.going.size()),
-                                nullptr, &g_input.write) != FALSE ||
-                      GetLastError() == ERROR_IO_PENDING;
-    if (!g_input.pending) g_input.going.clear();
+    return WriteFile(g_input.pipe.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), nullptr, &g_input.write) !=
+               FALSE ||
+           GetLastError() == ERROR_IO_PENDING;
+}
+
+InputWrite ResultOfWrite(std::size_t* bytes) {
+    DWORD count = 0;
+    if (!GetOverlappedResult(g_input.pipe.Get(), &g_input.write, &count, FALSE))
+        return GetLastError() == ERROR_IO_INCOMPLETE ? InputWrite::Pending : InputWrite::Failed;
+    *bytes = count;
+    return InputWrite::Done;
+}
+
+const InputPipe& ThePipe() {
+    static const InputPipe kPipe = {.clock = [] { return static_cast<std::uint64_t>(GetTickCount64()); },
+                                    .write = StartWrite,
+                                    .result = ResultOfWrite,
+                                    .close = [] { g_input.pipe.Reset(); }};
+    return kPipe;
 }
 
 std::string ConsoleBytes(std::wstring_view text) {
@@ -65,40 +55,27 @@ void ProgramInputOpen(HANDLE pipe) {
     g_input.written.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
 }
 
-bool ProgramInputIsOpen() { return g_input.pipe && !g_input.ends; }
+bool ProgramInputIsOpen() { return g_input.pipe && !g_input.queue.ends; }
 
 bool ProgramInputSend(std::wstring_view text) {
-    const std::string bytes = ConsoleBytes(text);
-    if (!ProgramInputIsOpen() || g_input.waiting.size() + bytes.size() > kMostWaiting) return false;
-    g_input.waiting += bytes;
+    if (!g_input.pipe || !InputAdd(g_input.queue, ConsoleBytes(text))) return false;
     ProgramInputPump();
     return true;
 }
 
 void ProgramInputEnd() {
-    g_input.ends = true;
+    g_input.queue.ends = true;
     ProgramInputPump();
 }
 
 void ProgramInputPump() {
-    if (!g_input.pipe) return;
-    while (WriteIsOver()) {
-        if (g_input.going.empty() && g_input.waiting.empty()) {
-            if (g_input.ends) g_input.pipe.Reset();
-            return;
-        }
-        StartWrite();
-    }
+    if (g_input.pipe) InputPump(g_input.queue, ThePipe());
 }
 
-bool ProgramInputIsDoubtful() {
-    if (!g_input.pending || g_input.doubted || GetTickCount64() - g_input.began < kPatienceMs) return false;
-    g_input.doubted = true;
-    return true;
-}
+bool ProgramInputIsDoubtful() { return InputIsDoubtful(g_input.queue, GetTickCount64()); }
 
 void ProgramInputClose() {
-    if (g_input.pending) {
+    if (g_input.queue.pending) {
         CancelIo(g_input.pipe.Get());
         DWORD count = 0;
         GetOverlappedResult(g_input.pipe.Get(), &g_input.write, &count, TRUE);  // the bytes are in use until then

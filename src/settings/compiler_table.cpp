@@ -36,6 +36,13 @@ std::wstring CompilerLabel(std::uint32_t id, bool installed) {
 
 std::uint32_t CompilerNext(std::uint32_t id) { return id < kCompilerCount ? (id + 1) % kCompilerCount : 0; }
 
+std::uint32_t CompilerNextInstalled(std::uint32_t id, const CompilerProbe& exists) {
+    std::uint32_t next = id;
+    for (std::uint32_t step = 0; step < kCompilerCount; ++step)
+        if (next = CompilerNext(next); exists(next)) return next;
+    return CompilerNext(id);
+}
+
 // The markers may be anywhere in the path: a folder named LIB64 matches.
 std::uint32_t PickCompilerForFile(std::wstring_view path, std::uint32_t activeCompiler, const CompilerProbe& exists) {
     const std::size_t dot = path.rfind(L'.');

@@ -24,6 +24,8 @@ using CompilerProbe = std::function<bool(std::uint32_t id)>;  // whether the com
 std::uint32_t PickCompilerForFile(std::wstring_view path, std::uint32_t activeCompiler, const CompilerProbe& exists);
 // The next id, with the first one after the last; 0 for an unknown id.
 std::uint32_t CompilerNext(std::uint32_t id);
+// The next one that is installed; when none is, CompilerNext.
+std::uint32_t CompilerNextInstalled(std::uint32_t id, const CompilerProbe& exists);
 // The path of the first of a compiler's candidates that exists, relative to the executable's folder. Empty when none
 // exists, and for an unknown id.
 std::wstring FindCompiler(std::uint32_t id, const wchar_t* exeDirectory,

@@ -2,6 +2,7 @@
 #include "compile/build_sequence.h"
 #include "compile/build_batch.h"
 #include "compile/build_plan.h"
+#include "compile/input_queue.h"
 #include "compile/products.h"
 #include "compile/program_run.h"
 #include "compile/read_course.h"
@@ -507,6 +508,44 @@ TEST(Products, OnlyWhatABuildMadeIsKnown) {
     for (std::size_t i = 0; i < kMostProducts; ++i) ProductNote(products, L"n" + std::to_wstring(i), {});
     EXPECT_EQ(products.size(), kMostProducts);
     EXPECT_EQ(Narrow(products.back().path), "n" + std::to_string(kMostProducts - 1));
+}
+
+TEST(InputQueue, TheProgramReadsLateOrNever) {
+    InputQueue queue;
+    std::string read;
+    bool closed = false;
+    std::uint64_t now = 0;
+    InputWrite result = InputWrite::Pending;
+    std::string_view going;
+    const InputPipe pipe = {.clock = [&] { return now; },
+                            .write =
+                                [&](std::string_view bytes) {
+                                    going = bytes;
+                                    return true;
+                                },
+                            .result =
+                                [&](std::size_t* bytes) {
+                                    if (result == InputWrite::Done) read += going;
+                                    *bytes = going.size();
+                                    return std::exchange(result, InputWrite::Pending);
+                                },
+                            .close = [&] { closed = true; }};
+    EXPECT_TRUE(InputAdd(queue, "one\n"));
+    InputPump(queue, pipe);
+    EXPECT_TRUE(InputAdd(queue, "two\n"));
+    queue.ends = true;
+    InputPump(queue, pipe);
+    EXPECT_FALSE(InputIsDoubtful(queue, 1999));
+    EXPECT_TRUE(InputIsDoubtful(queue, 2000));
+    EXPECT_FALSE(InputIsDoubtful(queue, 9999)) << "said once";
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_FALSE(closed) << "before all is read";
+        result = InputWrite::Done;
+        InputPump(queue, pipe);
+    }
+    EXPECT_EQ(read, "one\ntwo\n");
+    EXPECT_TRUE(closed);
+    EXPECT_FALSE(InputAdd(queue, "late")) << "after the end";
 }
 
 // Files by name, with their time as the stamp.
