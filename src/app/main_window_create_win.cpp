@@ -41,10 +41,17 @@ void CreateChildren(HWND window) {
     g_app.hTabCtrl = CreateChild(WC_TABCONTROLW, nullptr, 0,
                                  WS_VISIBLE | TCS_OWNERDRAWFIXED | TCS_FIXEDWIDTH | TCS_FOCUSNEVER, IDC_TABS);
     TabBarInit(g_app.hTabCtrl);
+    ConnectPanes();
+    CreateSplitter(window, IDC_SPLIT_OUTPUT);
+    CreatePaneOf(PaneId::Output);
+    CreateSplitter(window, IDC_SPLIT_ASM);
+    CreatePaneOf(PaneId::Asm);
+    CreatePaneOf(PaneId::Ai);
     g_app.hStickyHeader = CreateChild(WC_STATICW, nullptr, 0, WS_VISIBLE | SS_OWNERDRAW, IDC_STICKY_HEADER);
-    for (const int splitter : {IDC_SPLIT_OUTPUT, IDC_SPLIT_ASM, IDC_SPLIT_DEBUG, IDC_SPLIT_TREE})
-        CreateSplitter(window, splitter);
-    CreatePanes();
+    CreatePaneOf(PaneId::Terminal);
+    CreateSplitter(window, IDC_SPLIT_DEBUG);
+    CreateSplitter(window, IDC_SPLIT_TREE);
+    CreatePaneOf(PaneId::Tree);
     g_app.hStatusBar = StatusBarCreate(window, IDC_STATUS_BAR);
 }
 

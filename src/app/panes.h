@@ -9,9 +9,10 @@
 #include <array>
 #include <vector>
 
-void CreatePanes();        // connects the table and creates the panes that are not lazy
-void CreateWantedPanes();  // creates the lazy panes that are shown and have no window yet
-void ThemePanes();         // applies colours and fonts to all panes
+void ConnectPanes();           // before the next ones
+void CreatePaneOf(PaneId id);  // of a pane that is not lazy
+void CreateWantedPanes();      // creates the lazy panes that are shown and have no window yet
+void ThemePanes();             // applies colours and fonts to all panes
 std::array<PaneWish, kPaneCount> PaneWishes();
 std::vector<PanePart> PaneParts(const PaneLayout& layout);  // the windows of all panes; some may be null
 bool NotifyPanes(const NMHDR& header, LRESULT* result);     // WM_NOTIFY; true: handled

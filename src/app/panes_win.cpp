@@ -156,11 +156,9 @@ void CreatePane(const PaneSpec& pane) {
 
 }  // namespace
 
-void CreatePanes() {
-    PanesConnect(kPanes);
-    for (const PaneSpec& pane : Panes())
-        if (!pane.lazy) CreatePane(pane);
-}
+void ConnectPanes() { PanesConnect(kPanes); }
+
+void CreatePaneOf(PaneId id) { CreatePane(kPanes[PaneIndex(id)]); }
 
 void CreateWantedPanes() {
     for (const PaneSpec& pane : Panes())
