@@ -255,15 +255,11 @@ int FileClose(int tab) {
 }
 
 int FileConfirmCloseAll(const std::vector<DocumentId>& documents, std::vector<DocumentId>* refused) {
-    std::vector<DocumentId> asked;
-    while (const DocumentId document = NextToAskAbout(DocumentRowEntries(), documents, asked)) {
-        asked.push_back(document);
+    const auto confirm = [](DocumentId document) {
         TabBarSelect(TabBarFindDocument(document));  // shows what the question is about
-        if (FileConfirmClose(TabBarFindDocument(document)) != 0 || TabBarFindDocument(document) < 0) continue;
-        if (refused == nullptr) return 0;
-        refused->push_back(document);
-    }
-    return refused == nullptr || refused->empty() ? 1 : 0;
+        return FileConfirmClose(TabBarFindDocument(document)) != 0;
+    };
+    return ConfirmClosing(documents, DocumentRowEntries, confirm, refused) ? 1 : 0;
 }
 
 int FileCloseDocuments(CloseRange range, DocumentId kept) {

@@ -29,4 +29,14 @@ void FileWorkCancel(bool close);
 bool FileWorkCloseIsQueued();
 
 // --- file_work.cpp: pure
+inline constexpr std::uint64_t kQuietMs = 1000;  // no word about what takes less; typed keys wait until then
+inline constexpr std::uint64_t kHangsMs = 2000;  // work that does not end within this time after it was cancelled hangs
+// What whoever waits for work does next. Times are tick counts in milliseconds.
+struct WorkWatch {
+    std::uint64_t began = 0;
+    std::uint64_t cancelled = 0;  // when it was first seen to be cancelled; 0: it is not
+};
+bool WorkIsShown(const WorkWatch& watch, std::uint64_t now);
+// True when the work hangs and is left behind. Work that may no longer be cancelled is waited for.
+bool WorkHangs(WorkWatch& watch, const FileProgress& progress, std::uint64_t now);
 std::wstring FileWorkText(const wchar_t* verb, const wchar_t* label, const FileProgress& progress);

@@ -12,8 +12,6 @@ namespace {
 
 constexpr DWORD kStepMs = 30;
 constexpr ULONGLONG kPaintAfterMs = 100;  // a file of a few megabytes is there before the window would be painted twice
-constexpr ULONGLONG kQuietMs = 1000;  // no word about what takes less; typed keys wait until then
-constexpr ULONGLONG kHangsMs = 2000;  // a worker that does not end within this time after it was cancelled hangs
 
 struct WorkWait {
     FileProgress* progress = nullptr;  // of the present wait
@@ -34,20 +32,17 @@ void WaitStep(const Worker& worker, bool paints) {
 
 // Waits until the worker has ended, or hangs after it was cancelled.
 bool WaitForWorker(const Worker& worker, const FileWork& work) {
-    const ULONGLONG began = work.began != 0 ? work.began : GetTickCount64();
-    ULONGLONG cancelled = 0;
+    WorkWatch watch = {.began = work.began != 0 ? work.began : GetTickCount64()};
     bool told = false;
     while (!WorkerWait(worker, 0)) {
         const ULONGLONG now = GetTickCount64();
-        WaitStep(worker, now - began >= kPaintAfterMs);
-        if (now - began >= kQuietMs) {
+        WaitStep(worker, now - watch.began >= kPaintAfterMs);
+        if (WorkIsShown(watch, now)) {
             if (const BusyInput input = TakeBusyInput(); input.stop) FileWorkCancel(input.close);
             g_events.statusText(FileWorkText(work.verb, work.label, *work.progress).c_str());
             told = true;
         }
-        if (!work.progress->cancel || !work.progress->mayCancel) continue;
-        if (cancelled == 0) cancelled = now;
-        if (now - cancelled >= kHangsMs) return false;
+        if (WorkHangs(watch, *work.progress, now)) return false;
     }
     if (told) g_events.statusText(L"");
     return true;

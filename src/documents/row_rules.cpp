@@ -47,6 +47,24 @@ DocumentId NextToAskAbout(std::span<const RowEntry> row, std::span<const Documen
     return next != row.end() ? next->id : 0;
 }
 
+static bool IsInRow(std::span<const RowEntry> row, DocumentId document) {
+    return std::ranges::find(row, document, &RowEntry::id) != row.end();
+}
+
+bool ConfirmClosing(std::span<const DocumentId> candidates, const std::function<std::vector<RowEntry>()>& row,
+                    const std::function<bool(DocumentId)>& confirm, std::vector<DocumentId>* refused) {
+    std::vector<DocumentId> asked;
+    bool all = true;
+    while (const DocumentId document = NextToAskAbout(row(), candidates, asked)) {
+        asked.push_back(document);
+        if (confirm(document) || !IsInRow(row(), document)) continue;
+        all = false;
+        if (refused == nullptr) break;
+        refused->push_back(document);
+    }
+    return all;
+}
+
 std::vector<DocumentId> DocumentsToSave(std::span<const RowEntry> row, bool withFile) {
     std::vector<DocumentId> ids;
     for (const RowEntry& entry : row)

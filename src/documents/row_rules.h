@@ -5,6 +5,7 @@
 #include "base/events.h"
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <vector>
 
@@ -37,6 +38,12 @@ std::vector<DocumentId> DocumentsToClose(std::span<const RowEntry> row, CloseRan
 // is read again after each.
 DocumentId NextToAskAbout(std::span<const RowEntry> row, std::span<const DocumentId> candidates,
                           std::span<const DocumentId> asked);
+
+// Asks about each of them in turn. `row` gives the row of this moment, `confirm` asks about one document: false when it
+// stays open. Returns false at the first of these; with `refused` (may be null) it goes on, and that gets all of them. A
+// document that is gone after its question counts as closed.
+bool ConfirmClosing(std::span<const DocumentId> candidates, const std::function<std::vector<RowEntry>()>& row,
+                    const std::function<bool(DocumentId)>& confirm, std::vector<DocumentId>* refused);
 
 // The modified documents with a file (`withFile`) or without one, from left to right.
 std::vector<DocumentId> DocumentsToSave(std::span<const RowEntry> row, bool withFile);

@@ -6,6 +6,7 @@
 #include "base/path.h"
 #include "files/recovery.h"
 #include "files/safe_save.h"
+#include "files/source_text.h"
 #include "files/utf16.h"
 #include "files/whole_file.h"
 
@@ -16,7 +17,6 @@
 namespace {
 
 constexpr std::size_t kVerifyChunk = 1 << 20;
-constexpr std::size_t kSniffed = 64 << 10;  // bytes that are looked at for UTF-16
 constexpr DWORD kSavePatienceMs = 600;
 
 struct WideBlock {
@@ -84,23 +84,6 @@ ByteBlock BlockOf(std::string_view text) {
     std::memcpy(block.bytes.get(), text.data(), text.size());
     block.bytes.get()[text.size()] = '\0';
     return block;
-}
-
-// The text of a UTF-16 file; without a block when the bytes are none.
-ByteBlock FromUtf16(std::string_view raw, DiskForm* form) {
-    const Utf16Kind kind = Utf16KindOf(raw.substr(0, kSniffed));
-    std::string text;
-    if (kind.order == Utf16Order::None || !AppendUtf16AsUtf8(raw.substr(kind.mark ? 2 : 0), kind.order, text))
-        return {};
-    form->utf16 = kind.order;
-    form->mark = kind.mark;
-    return BlockOf(text);
-}
-
-ByteBlock FromAnsi(std::string_view raw, DiskForm* form) {
-    const WideBlock wide = ToWide(CP_ACP, raw.data(), raw.size());
-    form->inexact = !GivesBack(CP_ACP, wide, raw);
-    return FromWide(CP_UTF8, wide);
 }
 
 struct FoundTarget {
@@ -217,25 +200,21 @@ char* ReadSourceFileForEditor(const wchar_t* path, std::size_t* length, TextEnco
     std::size_t rawLength = 0;
     HeapBlock<char> raw{ReadFileUtf8(path, &rawLength)};
     if (!raw) return nullptr;
-    const std::string_view bytes{raw.get(), rawLength};
-    if (lineEnding != nullptr) *lineEnding = DetectLineEnding(raw.get(), rawLength);
-    TextEncoding found = TextEncoding::Utf8;
-    DiskForm foundForm;
-    ByteBlock text = FromUtf16(bytes, &foundForm);
-    if (text.bytes) {
-        if (lineEnding != nullptr) *lineEnding = DetectLineEnding(text.bytes.get(), text.length);
-    } else if (IsValidUtf8Bytes(raw.get(), rawLength)) {
-        text = {std::move(raw), rawLength};
-    } else {
-        found = TextEncoding::Ansi;
-        text = FromAnsi(bytes, &foundForm);
-        if (!text.bytes) return nullptr;
-    }
-    foundForm.keepBreaks = std::string_view{text.bytes.get(), text.length}.find('\0') != std::string_view::npos;
-    if (encoding != nullptr) *encoding = found;
-    if (form != nullptr) *form = foundForm;
-    if (length != nullptr) *length = text.length;
-    return text.bytes.release();
+    SourceText text;
+    const bool decoded = DecodeSource(
+        {raw.get(), rawLength},
+        [](std::string_view bytes, std::string* utf8, bool* exact) {
+            return DecodeCodePage(CP_ACP, bytes, utf8, exact);
+        },
+        &text);
+    if (lineEnding != nullptr) *lineEnding = text.lineEnding;
+    if (!decoded) return nullptr;
+    ByteBlock block = text.asItIs ? ByteBlock{std::move(raw), rawLength} : BlockOf(text.utf8);
+    if (!block.bytes) return nullptr;
+    if (encoding != nullptr) *encoding = text.encoding;
+    if (form != nullptr) *form = text.form;
+    if (length != nullptr) *length = block.length;
+    return block.bytes.release();
 }
 
 bool DecodeCodePage(unsigned codePage, std::string_view bytes, std::string* utf8, bool* exact) {

@@ -4,6 +4,7 @@
 #include "documents/file_binding.h"
 #include "documents/file_column.h"
 #include "documents/file_dialog_texts.h"
+#include "documents/file_work.h"
 #include "documents/goto_line.h"
 #include "documents/load_rules.h"
 #include "documents/open_directory.h"
@@ -132,6 +133,21 @@ TEST(Documents, WhatMayTakeLongIsReadOnAWorker) {
          {std::pair{kLargeFile, false}, {std::int64_t{10}, true}, {std::int64_t{-1}, true}})
         EXPECT_EQ(LoadWayOf(size, remote), LoadWay::Worker) << size;
     EXPECT_EQ(LoadWayOf(std::int64_t{kLargestText} + 1, true), LoadWay::Refused);
+}
+
+TEST(Documents, WorkThatHangsIsLeftBehindOnlyWhileItMayStop) {
+    WorkWatch watch = {.began = 1000};
+    FileProgress progress;
+    EXPECT_FALSE(WorkIsShown(watch, 1000 + kQuietMs - 1));
+    EXPECT_TRUE(WorkIsShown(watch, 1000 + kQuietMs));
+    EXPECT_FALSE(WorkHangs(watch, progress, 100000)) << "slow, but nobody wants it to stop";
+    progress.cancel = true;
+    progress.mayCancel = false;
+    EXPECT_FALSE(WorkHangs(watch, progress, 200000)) << "half a file would be left";
+    progress.mayCancel = true;
+    EXPECT_FALSE(WorkHangs(watch, progress, 300000));
+    EXPECT_FALSE(WorkHangs(watch, progress, 300000 + kHangsMs - 1));
+    EXPECT_TRUE(WorkHangs(watch, progress, 300000 + kHangsMs));
 }
 
 TEST(Documents, EachWithChangesIsAskedAboutOnce) {

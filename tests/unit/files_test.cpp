@@ -5,6 +5,7 @@
 #include "files/recovery.h"
 #include "files/safe_save.h"
 #include "files/save_errors.h"
+#include "files/source_text.h"
 #include "files/text_encoding.h"
 #include "files/utf16.h"
 
@@ -165,6 +166,29 @@ TEST(Files, Utf16IsReadAndWrittenBack) {
                                         "\0\xDC"sv})
         EXPECT_FALSE(AppendUtf16AsUtf8(half, Utf16Order::Little, ignored)) << half;
     EXPECT_EQ(Utf8AsUtf16("a\xFF", Utf16Order::Big, false), "\0a\xFF\xFD"sv);
+}
+
+TEST(Files, BytesAreTextOfTheFirstEncodingThatFits) {
+    const auto ansi = [](std::string_view bytes, std::string* utf8, bool* exact) {
+        *exact = bytes.find('\xE9') == std::string_view::npos;
+        *utf8 = "ansi";
+        return bytes != "\xFF"sv;
+    };
+    SourceText text;
+    ASSERT_TRUE(DecodeSource("a\0\n"sv, ansi, &text));
+    EXPECT_TRUE(text.asItIs && text.form.keepBreaks && text.lineEnding == LineEnding::Lf);
+    ASSERT_TRUE(
+        DecodeSource("\xFF\xFE"
+                     "a\0\r\0\n\0"sv,
+                     ansi, &text));
+    EXPECT_TRUE(text.utf8 == "a\r\n" && text.form.utf16 == Utf16Order::Little && text.form.mark);
+    EXPECT_TRUE(text.lineEnding == LineEnding::CrLf && text.encoding == TextEncoding::Utf8 && !text.form.keepBreaks);
+    for (const bool exact : {false, true}) {
+        ASSERT_TRUE(DecodeSource(exact ? "\xFCx\r" : "\xE9x\r", ansi, &text));
+        EXPECT_TRUE(text.utf8 == "ansi" && text.encoding == TextEncoding::Ansi && text.form.inexact == !exact);
+        EXPECT_EQ(text.lineEnding, LineEnding::Cr);
+    }
+    EXPECT_FALSE(DecodeSource("\xFF", ansi, &text));
 }
 
 TEST(Files, FindsTheFirstCharacterThatIsRefused) {
