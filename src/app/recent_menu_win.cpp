@@ -62,12 +62,7 @@ void FillList(HMENU menu, const RecentList& list) {
 }
 
 void RemoveRow(const RecentList& list, int row) {
-    SettingsChange([&](Settings& settings) {
-        auto& rows = settings.*list.rows;
-        std::int32_t& count = settings.*list.count;
-        for (int i = row; i + 1 < count; ++i) SafeCopyW(rows[i], rows[i + 1]);
-        if (row < count) --count;
-    });
+    SettingsChange([&](Settings& settings) { RecentRowRemove(settings.*list.rows, settings.*list.count, row); });
     SettingsSave(nullptr);
 }
 

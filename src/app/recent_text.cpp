@@ -1,5 +1,7 @@
 #include "app/recent_text.h"
 
+#include "base/bounded_text.h"
+
 namespace {
 
 constexpr std::size_t kLongest = 70;  // characters of a path in the menu
@@ -23,4 +25,9 @@ std::wstring RecentMenuText(int index, std::wstring_view path) {
     std::wstring text = index == 9 ? L"1&0 " : L"&" + std::to_wstring(index + 1) + L" ";
     for (const wchar_t c : Shortened(path)) text.append(c == L'&' ? 2 : 1, c);  // a single & would be a mnemonic
     return text;
+}
+
+void RecentRowRemove(wchar_t (&rows)[kMruCapacity][kPathCapacity], std::int32_t& count, int row) {
+    for (int i = row; i + 1 < count; ++i) SafeCopyW(rows[i], rows[i + 1]);
+    if (row < count) --count;
 }

@@ -2,54 +2,59 @@
 #include "tabs/tab_bar_internal.h"
 
 #include "documents/document_row.h"
+#include "tabs/tab_look.h"
 #include "ui/chrome.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
 #include "ui/paint.h"
 
 #include <algorithm>
-#include <cwchar>
 
 namespace {
 
+constexpr int kArm = 4;  // of the cross and the arrows, at 96 dpi
+
 RECT ToRect(const TabRect& rect) { return {rect.left, rect.top, rect.right, rect.bottom}; }
 
-int StrokeWidth() { return std::max(UiScaled(1), 1); }
-
-void DrawCross(HDC dc, const TabRect& box, COLORREF colour) {
-    const int arm = UiScaled(4);
-    const int x = (box.left + box.right) / 2;
-    const int y = (box.top + box.bottom) / 2;
-    const POINT lines[][2] = {{{x - arm, y - arm}, {x + arm + 1, y + arm + 1}},
-                              {{x - arm, y + arm}, {x + arm + 1, y - arm - 1}}};
-    DrawStrokes(dc, lines, colour, StrokeWidth());
-}
-
-TabRect ShrunkTo(const TabRect& box, int size) {
-    const int left = (box.left + box.right - size) / 2;
-    const int top = (box.top + box.bottom - size) / 2;
-    return {left, top, left + size, top + size};
-}
-
-bool HasCloseButton(const DocumentTab& tab, int index) {
-    return tab.modified || index == g_documents.activeTab ||
-           (index == g_tabBar.pointer.hoverTab && !g_tabBar.pointer.dragging);
-}
-
-// Paints the close button. A modified document has a dot there while the pointer is not on it.
-void PaintCloseButton(HDC dc, const DocumentTab& tab, int index, const TabRect& rect, COLORREF textColour) {
+COLORREF ColourOf(TabColour colour) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
-    const TabMetrics metrics = TabBarMetrics();
-    const TabRect box = TabCloseRect(metrics, rect);
-    const bool hovered = g_tabBar.pointer.hoverTab == index && !g_tabBar.pointer.dragging;
-    const bool over = hovered && g_tabBar.pointer.hoverClose;
-    if (tab.modified && !over) {
-        FillDot(dc, ToRect(ShrunkTo(box, metrics.markSize)), chrome.modified);
-        return;
+    switch (colour) {
+        case TabColour::Back: return chrome.tabBack;
+        case TabColour::ActiveBack: return chrome.tabActiveBack;
+        case TabColour::Hover: return chrome.hover;
+        case TabColour::Accent: return chrome.accent;
+        case TabColour::Line: return chrome.line;
+        case TabColour::Text: return chrome.tabText;
+        case TabColour::ActiveText: return chrome.tabActiveText;
+        case TabColour::Modified: return chrome.modified;
+        case TabColour::Error: return chrome.error;
+        case TabColour::Success: break;
     }
-    if (!HasCloseButton(tab, index)) return;
-    if (over) FillArea(dc, ToRect(box), chrome.line);
-    DrawCross(dc, box, over ? chrome.tabActiveText : textColour);
+    return chrome.success;
+}
+
+void DrawLook(HDC dc, const TabLook& look, const wchar_t* label) {
+    for (const TabPart& part : look.parts) {
+        RECT place = ToRect(part.place);
+        switch (part.shape) {
+            case TabShape::Area: FillArea(dc, place, ColourOf(part.colour)); break;
+            case TabShape::Dot: FillDot(dc, place, ColourOf(part.colour)); break;
+            case TabShape::Label:
+                SetBkMode(dc, TRANSPARENT);
+                SetTextColor(dc, ColourOf(part.colour));
+                DrawTextW(dc, label, -1, &place, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
+                break;
+        }
+    }
+    for (const TabStroke& stroke : look.strokes) {
+        const POINT line[][2] = {{{stroke.fromX, stroke.fromY}, {stroke.toX, stroke.toY}}};
+        DrawStrokes(dc, line, ColourOf(look.strokeColour), std::max(UiScaled(1), 1));
+    }
+}
+
+TabMark MarkOf(BuildMark mark) {
+    if (mark == BuildMark::None) return TabMark::None;
+    return mark == BuildMark::Error ? TabMark::Error : TabMark::Success;
 }
 
 }  // namespace
@@ -57,32 +62,14 @@ void PaintCloseButton(HDC dc, const DocumentTab& tab, int index, const TabRect& 
 void TabBarPaintTab(HDC dc, int index, const TabRect& rect) {
     if (!IsTabIndex(index)) return;
     const DocumentTab& tab = TabAt(index);
-    const ThemeChrome& chrome = ThemeCurrentChrome();
-    const TabMetrics metrics = TabBarMetrics();
-    const bool active = index == g_documents.activeTab;
-    const bool hovered = index == g_tabBar.pointer.hoverTab;
-
-    RECT body = ToRect(rect);
-    FillArea(dc, body, active ? chrome.tabActiveBack : hovered ? chrome.hover : chrome.tabBack);
-    if (active)
-        FillArea(dc, {rect.left, rect.top, rect.right, rect.top + metrics.accent}, chrome.accent);
-    else
-        FillArea(dc, {rect.left, rect.bottom - 1, rect.right, rect.bottom}, chrome.line);
-    // A thin line between tabs. At the active tab it has the full height.
-    const int inset = active ? 0 : metrics.padding * 4 / 5;
-    FillArea(dc, {rect.right - 1, rect.top + inset, rect.right, rect.bottom - (active ? 0 : inset)}, chrome.line);
-
-    const bool hasMark = tab.buildMark != BuildMark::None;
-    if (hasMark)
-        FillDot(dc, ToRect(TabMarkRect(metrics, rect)),
-                tab.buildMark == BuildMark::Error ? chrome.error : chrome.success);
-    const COLORREF textColour = active ? chrome.tabActiveText : chrome.tabText;
-    RECT text = ToRect(TabTextRect(metrics, rect, hasMark, HasCloseButton(tab, index)));
-    SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, textColour);
-    DrawTextW(dc, tab.label, static_cast<int>(std::wcslen(tab.label)), &text,
-              DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
-    PaintCloseButton(dc, tab, index, rect, textColour);
+    const TabPointer& pointer = g_tabBar.pointer;
+    const TabFacts facts = {.active = index == g_documents.activeTab,
+                            .modified = tab.modified,
+                            .mark = MarkOf(tab.buildMark),
+                            .pointed = index == pointer.hoverTab,
+                            .onClose = pointer.hoverClose,
+                            .dragging = pointer.dragging};
+    DrawLook(dc, TabLookOf(facts, TabBarMetrics(), rect, UiScaled(kArm)), tab.label);
 }
 
 void TabBarPaint(HDC dc, const RECT& client) {
@@ -98,18 +85,7 @@ void TabBarPaint(HDC dc, const RECT& client) {
 }
 
 void TabBarPaintScroller(HDC dc, const RECT& client, bool pressedLeft, bool pressedRight) {
-    const ThemeChrome& chrome = ThemeCurrentChrome();
-    FillArea(dc, client, chrome.tabBack);
-    const int middle = (client.left + client.right) / 2;
-    if (pressedLeft) FillArea(dc, {client.left, client.top, middle, client.bottom}, chrome.hover);
-    if (pressedRight) FillArea(dc, {middle, client.top, client.right, client.bottom}, chrome.hover);
-    const int arm = UiScaled(4);
-    const int y = (client.top + client.bottom) / 2;
-    const int left = (client.left + middle) / 2;
-    const int right = (middle + client.right) / 2;
-    const POINT lines[][2] = {{{left + arm / 2, y - arm}, {left - arm / 2, y}},
-                              {{left - arm / 2, y}, {left + arm / 2 + 1, y + arm + 1}},
-                              {{right - arm / 2, y - arm}, {right + arm / 2, y}},
-                              {{right + arm / 2, y}, {right - arm / 2 - 1, y + arm + 1}}};
-    DrawStrokes(dc, lines, chrome.tabText, StrokeWidth());
+    const TabRect area = {static_cast<int>(client.left), static_cast<int>(client.top), static_cast<int>(client.right),
+                          static_cast<int>(client.bottom)};
+    DrawLook(dc, ScrollerLookOf(area, pressedLeft, pressedRight, UiScaled(kArm)), L"");
 }

@@ -1,11 +1,13 @@
 // Geometry of the tab bar, indexes in the row of documents, what the pointer does.
 #include "documents/row_rules.h"
 #include "tabs/tab_bar_layout.h"
+#include "tabs/tab_look.h"
 #include "tabs/tab_pointer.h"
 
 #include <gtest/gtest.h>
 
 #include <numeric>
+#include <string>
 #include <vector>
 
 namespace {
@@ -117,6 +119,23 @@ TEST(TabPointer, ClosesOnReleaseOverTheSameButtonAndDragsPastTheThreshold) {
     EXPECT_FALSE(pointer.dragging);
     EXPECT_TRUE(TabPointerHover(pointer, metrics, row, false, 160, 5));
     EXPECT_EQ(pointer.hoverTab, -1);
+}
+
+TEST(TabLook, TheCloseButtonAndTheDotTakeTurns) {
+    const TabMetrics metrics = TabMetricsForDpi(96);
+    const auto drawn = [&](const TabFacts& facts) {  // dots, and whether the cross is there
+        const TabLook look = TabLookOf(facts, metrics, {0, 0, 180, metrics.height}, 4);
+        std::string text;
+        for (const TabPart& part : look.parts)
+            if (part.shape == TabShape::Dot) text += part.colour == TabColour::Modified ? "m" : "b";
+        return text + (look.strokes.empty() ? "" : "x");
+    };
+    EXPECT_EQ(drawn({}), "");
+    EXPECT_EQ(drawn({.active = true}), "x");
+    EXPECT_EQ(drawn({.pointed = true}), "x");
+    EXPECT_EQ(drawn({.pointed = true, .dragging = true}), "");
+    EXPECT_EQ(drawn({.active = true, .modified = true, .mark = TabMark::Error}), "bm");
+    EXPECT_EQ(drawn({.modified = true, .pointed = true, .onClose = true}), "x");
 }
 
 }  // namespace
