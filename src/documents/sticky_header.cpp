@@ -59,6 +59,20 @@ void StickyLearn(StickyCache& cache, std::int64_t line, const StickyScan& scan) 
     cache = {continued ? before.anchor : line, kStickyNone, scan.reached};
 }
 
+bool StickyLookUp(StickyCache& cache, std::int64_t line, std::ptrdiff_t budget, const StickySource& source) {
+    const StickyRange wanted = StickyWanted(cache, line);
+    if (wanted.first > wanted.last) return true;
+    const std::ptrdiff_t end = source.lineEnd(wanted.last);
+    std::ptrdiff_t start = source.lineStart(wanted.first);
+    if (end - start > budget)
+        start = source.lineStart(std::clamp(source.lineAt(end - budget) + 1, wanted.first, wanted.last));
+    const std::optional<std::string_view> text = source.text(start, end - start);
+    if (!text) return true;
+    StickyLearn(cache, line, StickyScanUp(*text, wanted.last));
+    const StickyRange left = StickyWanted(cache, line);
+    return left.first > left.last;
+}
+
 void StickyForget(StickyCache& cache, std::int64_t line, std::int64_t linesAdded) {
     if (cache.anchor < 0 || line > cache.anchor) return;
 

@@ -5,6 +5,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string_view>
 
 // In bytes. Longer lines are never headers.
@@ -43,6 +45,18 @@ StickyScan StickyScanUp(std::string_view text, std::int64_t last);
 
 // Adds the result of a scan of StickyWanted's range, or of its lower part, to the cache.
 void StickyLearn(StickyCache& cache, std::int64_t line, const StickyScan& scan);
+
+// The text as the cache reads it. Positions are bytes.
+struct StickySource {
+    std::function<std::ptrdiff_t(std::int64_t line)> lineStart;
+    std::function<std::ptrdiff_t(std::int64_t line)> lineEnd;  // before the line break
+    std::function<std::int64_t(std::ptrdiff_t position)> lineAt;
+    // Valid until the next call; no value when there is no memory for it.
+    std::function<std::optional<std::string_view>(std::ptrdiff_t start, std::ptrdiff_t length)> text;
+};
+// Reads at most `budget` bytes of the lines that the cache needs for `line`, but one line at least. True when the cache
+// then has the answer.
+bool StickyLookUp(StickyCache& cache, std::int64_t line, std::ptrdiff_t budget, const StickySource& source);
 
 // Updates the cache after a change of the text that begins on `line` and adds `linesAdded` lines (negative: removes).
 void StickyForget(StickyCache& cache, std::int64_t line, std::int64_t linesAdded);

@@ -10,13 +10,14 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <optional>
 #include <string>
 
 namespace {
 
 constexpr UINT_PTR kTimer = 0x4B53;
 constexpr UINT kTimerMs = 10;
-constexpr LRESULT kBudget = 4 << 20;  // bytes read at a time, which takes a few milliseconds
+constexpr std::ptrdiff_t kBudget = 4 << 20;  // bytes read at a time, which takes a few milliseconds
 
 void CALLBACK OnStickyTimer(HWND editor, UINT, UINT_PTR timer, DWORD) {
     KillTimer(editor, timer);
@@ -27,27 +28,18 @@ LRESULT LineStart(HWND editor, std::int64_t line) {
     return SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line), 0);
 }
 
-// Reads at most `budget` bytes of the lines that the cache needs for `line`. True when the cache then has the answer.
-bool LookUp(HWND editor, StickyCache& cache, std::int64_t line, LRESULT budget) {
-    const StickyRange wanted = StickyWanted(cache, line);
-    if (wanted.first > wanted.last) return true;
-    const LRESULT end = SciSend(editor, SCI_GETLINEENDPOSITION, static_cast<WPARAM>(wanted.last), 0);
-    LRESULT start = LineStart(editor, wanted.first);
-    if (end - start > budget) {
-        const LRESULT cut = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(end - budget), 0);
-        start = LineStart(editor, std::clamp<std::int64_t>(cut + 1, wanted.first, wanted.last));
-    }
-    // SCI_GETRANGEPOINTER gives Scintilla's own buffer. After typing, the text before the caret is in one piece there,
-    // so no text is moved.
-    const LRESULT length = end - start;
-    const char* text =
-        length > 0
-            ? reinterpret_cast<const char*>(SciSend(editor, SCI_GETRANGEPOINTER, static_cast<WPARAM>(start), length))
-            : "";
-    if (text == nullptr) return true;
-    StickyLearn(cache, line, StickyScanUp({text, static_cast<std::size_t>(length)}, wanted.last));
-    const StickyRange left = StickyWanted(cache, line);
-    return left.first > left.last;
+StickySource SourceOf(HWND editor) {
+    return {.lineStart = [editor](std::int64_t line) { return LineStart(editor, line); },
+            .lineEnd = [editor](std::int64_t line) { return PaneSend(editor, SCI_GETLINEENDPOSITION, line); },
+            .lineAt = [editor](std::ptrdiff_t position) { return PaneSend(editor, SCI_LINEFROMPOSITION, position); },
+            // SCI_GETRANGEPOINTER gives Scintilla's own buffer. After typing, the text before the caret is in one piece
+            // there, so no text is moved.
+            .text = [editor](std::ptrdiff_t start, std::ptrdiff_t length) -> std::optional<std::string_view> {
+                if (length <= 0) return std::string_view{};
+                const LRESULT text = PaneSend(editor, SCI_GETRANGEPOINTER, start, length);
+                if (text == 0) return std::nullopt;
+                return std::string_view{reinterpret_cast<const char*>(text), static_cast<std::size_t>(length)};
+            }};
 }
 
 // Line of the header above the caret, or kStickyNone. With `whole` the search reads on to the top; otherwise it stops
@@ -58,8 +50,9 @@ std::int64_t HeaderLine(HWND editor, bool whole, bool* finished) {
     StickyCache& cache = state != nullptr ? state->sticky : local;
     const LRESULT caret = SciSend(editor, SCI_GETCURRENTPOS, 0, 0);
     const LRESULT line = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(caret), 0);
-    *finished = LookUp(editor, cache, line, kBudget);
-    while (whole && !*finished) *finished = LookUp(editor, cache, line, kBudget);
+    const StickySource source = SourceOf(editor);
+    *finished = StickyLookUp(cache, line, kBudget, source);
+    while (whole && !*finished) *finished = StickyLookUp(cache, line, kBudget, source);
     return *finished && cache.header != kStickyNone && cache.header <= line ? cache.header : kStickyNone;
 }
 

@@ -91,6 +91,16 @@ void SessionApplyHeader(const SessionItem& item, Settings& settings, SessionFram
     if (item.key == SessionKey::ProjectRoot) SafeCopyW(settings.projectRoot, Utf8ToWideText(item.text));
 }
 
+std::vector<SessionBreakpoint> SessionRulesOf(std::span<const UserBreakpoint> breakpoints, DocumentId document) {
+    std::vector<SessionBreakpoint> rules;
+    for (const UserBreakpoint& breakpoint : breakpoints)
+        if (breakpoint.document == document &&
+            (!breakpoint.enabled || !breakpoint.condition.empty() || breakpoint.stopFrom > 1))
+            rules.push_back({breakpoint.line - 1, breakpoint.enabled, breakpoint.condition,
+                             static_cast<std::int32_t>(breakpoint.stopFrom)});
+    return rules;
+}
+
 std::wstring MissingFilesQuestion(std::span<const SessionFile> missing) {
     constexpr std::size_t kShown = 12;
     std::wstring text = L"These files of the session could not be opened:\n";

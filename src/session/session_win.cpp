@@ -50,17 +50,6 @@ std::vector<std::int32_t> MarkedLines(HWND editor, int marker) {
 
 std::uint64_t Position(HWND editor, UINT message) { return static_cast<std::uint64_t>(SciSend(editor, message)); }
 
-std::vector<SessionBreakpoint> BreakpointRulesOf(DocumentId document) {
-    std::vector<SessionBreakpoint> rules;
-    BreakpointsUpdate();
-    for (const UserBreakpoint& breakpoint : BreakpointList())
-        if (breakpoint.document == document &&
-            (!breakpoint.enabled || !breakpoint.condition.empty() || breakpoint.stopFrom > 1))
-            rules.push_back({breakpoint.line - 1, breakpoint.enabled, breakpoint.condition,
-                             static_cast<std::int32_t>(breakpoint.stopFrom)});
-    return rules;
-}
-
 // Applies the rule to the breakpoint on its line. Does nothing when the line has none. A condition with a fault is left
 // out.
 void ApplyBreakpointRule(DocumentId document, const SessionBreakpoint& rule) {
@@ -73,6 +62,7 @@ void ApplyBreakpointRule(DocumentId document, const SessionBreakpoint& rule) {
     BreakpointEnable(static_cast<std::size_t>(index), rule.enabled);
 }
 
+// BreakpointsUpdate() has been called.
 SessionFile CaptureFile(const DocumentTab& tab) {
     SessionFile file;
     file.path = ToUtf8(tab.path);
@@ -84,7 +74,7 @@ SessionFile CaptureFile(const DocumentTab& tab) {
         file.selectionEnd = Position(tab.editor, SCI_GETSELECTIONEND);
         file.bookmarks = MarkedLines(tab.editor, kMarkBookmark);
         file.breakpoints = MarkedLines(tab.editor, kMarkBreakpoint);
-        file.rules = BreakpointRulesOf(tab.id);
+        file.rules = SessionRulesOf(BreakpointList(), tab.id);
     }
     return file;
 }
@@ -169,6 +159,7 @@ void SessionStartupDone() { g_session.starting = false; }
 int SessionSave(const wchar_t* path) {
     if (path == nullptr || path[0] == L'\0') return 0;
     std::vector<SessionFile> files;
+    BreakpointsUpdate();  // once for all documents, because it looks at each of them
     for (const DocumentTab& tab : g_documents.tabs)
         if (tab.path[0] != L'\0') files.push_back(CaptureFile(tab));
     files = SessionFilesToSave(std::move(files), g_session.missing, [](const std::string& missing) {

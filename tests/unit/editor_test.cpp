@@ -163,20 +163,33 @@ std::int64_t NaiveHeader(const std::vector<std::string>& lines, std::int64_t lin
     return kStickyNone;
 }
 
-// Looks a header up as the editor does, but in a string; `budget` lines a look. Counts the lines that were read.
+// Looks a header up as the editor does, but in a string; `budget` bytes a look. Counts the lines that were read.
 std::int64_t CachedHeader(StickyCache& cache, const std::vector<std::string>& lines, std::int64_t line,
-                          std::int64_t budget, std::int64_t* looked) {
-    for (;;) {
-        const StickyRange wanted = StickyWanted(cache, line);
-        if (wanted.first > wanted.last) break;
-        const std::int64_t first = std::max(wanted.first, wanted.last - budget + 1);
-        std::string text;
-        for (std::int64_t i = first; i < wanted.last; ++i) text += lines[static_cast<std::size_t>(i)];
-        text += WithoutEnd(lines[static_cast<std::size_t>(wanted.last)]);
-        const StickyScan scan = StickyScanUp(text, wanted.last);
-        *looked += wanted.last - scan.reached + 1;
-        StickyLearn(cache, line, scan);
+                          std::ptrdiff_t budget, std::int64_t* looked) {
+    std::vector<std::ptrdiff_t> starts;
+    std::string all;
+    for (const std::string& each : lines) {
+        starts.push_back(static_cast<std::ptrdiff_t>(all.size()));
+        all += each;
     }
+    const auto at = [](std::int64_t number) { return static_cast<std::size_t>(number); };
+    const StickySource source = {
+        .lineStart = [&](std::int64_t number) { return starts[at(number)]; },
+        .lineEnd =
+            [&](std::int64_t number) {
+                return starts[at(number)] + static_cast<std::ptrdiff_t>(WithoutEnd(lines[at(number)]).size());
+            },
+        .lineAt =
+            [&](std::ptrdiff_t position) {
+                return std::int64_t{std::upper_bound(starts.begin(), starts.end(), position) - starts.begin() - 1};
+            },
+        .text =
+            [&](std::ptrdiff_t start, std::ptrdiff_t length) {
+                const std::string_view part = std::string_view{all}.substr(at(start), at(length));
+                *looked += 1 + std::ranges::count(part, '\n');
+                return std::optional{part};
+            }};
+    while (!StickyLookUp(cache, line, budget, source)) continue;
     return cache.header != kStickyNone && cache.header <= line ? cache.header : kStickyNone;
 }
 
@@ -224,7 +237,7 @@ TEST(StickyHeader, TypingAndMovingInADocumentWithoutHeadersLooksAtFewLines) {
     const std::vector<std::string> lines(kLines, "x = 1\n");
     StickyCache cache;
     std::int64_t looked = 0;
-    EXPECT_EQ(CachedHeader(cache, lines, kLines - 1, 1000, &looked), kStickyNone);
+    EXPECT_EQ(CachedHeader(cache, lines, kLines - 1, 6000, &looked), kStickyNone);
     EXPECT_EQ(looked, kLines) << "the first look is a whole one";
 
     looked = 0;
