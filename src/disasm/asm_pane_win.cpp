@@ -74,6 +74,24 @@ void AppendInPlace(const std::vector<PaneLine>& block) {
     if (before == g_asm.scroll.top) g_asm.scroll.top = SendMessageW(pane, EM_GETFIRSTVISIBLELINE, 0, 0);
 }
 
+// What of the pane's text is visible: lines from 0, the last one perhaps in part.
+struct Sight {
+    LRESULT first;
+    LRESULT last;
+    LRESULT lines;  // in the pane
+};
+
+Sight PresentSight() {
+    HWND pane = g_disasm.hAsmPane;
+    RECT client = {};
+    GetClientRect(pane, &client);
+    POINTL bottom = {0, client.bottom};
+    const LRESULT character = SendMessageW(pane, EM_CHARFROMPOS, 0, reinterpret_cast<LPARAM>(&bottom));
+    return {.first = SendMessageW(pane, EM_GETFIRSTVISIBLELINE, 0, 0),
+            .last = SendMessageW(pane, EM_EXLINEFROMCHAR, 0, character),
+            .lines = SendMessageW(pane, EM_GETLINECOUNT, 0, 0)};
+}
+
 }  // namespace
 
 void AsmPaneClear() {
@@ -113,10 +131,16 @@ void AsmPaneShowNext() {
         block.push_back({.text = std::move(line.text), .lineBreak = line.lineBreak});
     if (block.empty()) return;
     const double started = ClockMs();
+    const Sight before = PresentSight();
     AppendInPlace(block);
     BlockSizeLearn(g_asm.block, block.size(), ClockMs() - started);
-    // The frame is redrawn too, because a scroll bar that appeared while redrawing was off is not painted yet.
-    RedrawWindow(g_disasm.hAsmPane, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME);
+    // The frame is redrawn in any case, because a scroll bar that appeared while redrawing was off is not painted yet.
+    // Text below what is visible changes only the scroll bar, and painting the text takes as long as the block.
+    const bool below = before.last + 1 < before.lines && before.first == PresentSight().first;
+    RECT client = {};
+    GetClientRect(g_disasm.hAsmPane, &client);
+    const RECT scrollBar = {client.right, 0, client.right + GetSystemMetrics(SM_CXVSCROLL), client.bottom};
+    RedrawWindow(g_disasm.hAsmPane, below ? &scrollBar : nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME);
 }
 
 bool AsmPaneIsEmpty() { return g_asm.queue.chunks.empty() && g_asm.feed == nullptr; }
