@@ -12,7 +12,6 @@
 #include "ui/ui_state.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <vector>
 
@@ -50,29 +49,15 @@ std::wstring ToolbarCompilerText() {
 }
 
 void ToolbarShowCompilerMenu(HWND bar, const RECT& button) {
-    std::array<std::wstring, kCompilerCount> names;
+    const std::vector<CompilerMenuRow> rows =
+        CompilerMenuRows(g_settings.activeCompiler, g_settings.profile,
+                         CommandStateOf(IDM_BUILD_ALL, CurrentCommandView()).enabled, CompilerSeemsInstalled);
     std::vector<MenuItem> items;
-    for (std::uint32_t id = 0; id < kCompilerCount; ++id) {
-        names[id] = CompilerLabel(id, CompilerSeemsInstalled(id));
-        items.push_back({.id = static_cast<UINT>(CompilerEntry(id).command),
-                         .text = names[id].c_str(),
-                         .checked = static_cast<int>(id) == g_settings.activeCompiler});
-    }
-    items.emplace_back();
-    constexpr struct {
-        int command;
-        const wchar_t* text;
-    } kProfiles[] = {{IDM_PROFILE_DEBUG, L"Profile: Debug"},
-                     {IDM_PROFILE_RELEASE, L"Profile: Release"},
-                     {IDM_PROFILE_FAST, L"Profile: Fast"}};
-    for (const auto& profile : kProfiles)
-        items.push_back({.id = static_cast<UINT>(profile.command),
-                         .text = profile.text,
-                         .checked = profile.command - IDM_PROFILE_DEBUG == g_settings.profile});
-    items.emplace_back();
-    items.push_back({.id = IDM_BUILD_ALL,
-                     .text = L"Build All Open Sources",
-                     .enabled = CommandStateOf(IDM_BUILD_ALL, CurrentCommandView()).enabled});
+    for (const CompilerMenuRow& row : rows)
+        items.push_back({.id = static_cast<UINT>(row.command),
+                         .text = row.text.c_str(),
+                         .enabled = row.enabled,
+                         .checked = row.checked});
     ShowMenuBelow(bar, button, items, TPM_LEFTALIGN);
 }
 

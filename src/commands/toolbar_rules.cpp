@@ -57,3 +57,19 @@ IconInks ToolbarInks(bool dark, bool enabled) {
     if (dark) return {.line = 0xC8CCD4, .accent = 0x6CB2F5, .go = 0x6CC77A, .stop = 0xF07470, .fill = 0x33373E};
     return {.line = 0x4A5468, .accent = 0x1F6FD0, .go = 0x238A3A, .stop = 0xCC3A33, .fill = 0xFFFFFF};
 }
+
+std::vector<CompilerMenuRow> CompilerMenuRows(int activeCompiler, int profile, bool canBuildAll,
+                                              const CompilerProbe& installed) {
+    std::vector<CompilerMenuRow> rows;
+    for (std::uint32_t id = 0; id < kCompilerCount; ++id)
+        rows.push_back({.command = Profile(id).command,
+                        .text = CompilerLabel(id, installed(id)),
+                        .checked = static_cast<int>(id) == activeCompiler});
+    rows.emplace_back();
+    constexpr const wchar_t* kProfiles[] = {L"Profile: Debug", L"Profile: Release", L"Profile: Fast"};
+    for (int i = 0; i < 3; ++i)
+        rows.push_back({.command = IDM_PROFILE_DEBUG + i, .text = kProfiles[i], .checked = i == profile});
+    rows.emplace_back();
+    rows.push_back({.command = IDM_BUILD_ALL, .text = L"Build All Open Sources", .enabled = canBuildAll});
+    return rows;
+}

@@ -3,6 +3,7 @@
 
 #include "commands/icons.h"
 #include "commands/toolbar_table.h"
+#include "settings/compiler_table.h"
 
 #include <cstdint>
 #include <functional>
@@ -37,3 +38,13 @@ std::wstring CommandTipFromMenuText(std::wstring_view menuText);
 std::wstring MenuTextOfTip(std::wstring tip);
 
 IconInks ToolbarInks(bool dark, bool enabled);
+
+// The menu of the compiler button.
+struct CompilerMenuRow {
+    int command = 0;  // 0: a separator
+    std::wstring text;
+    bool enabled = true;
+    bool checked = false;
+};
+std::vector<CompilerMenuRow> CompilerMenuRows(int activeCompiler, int profile, bool canBuildAll,
+                                              const CompilerProbe& installed);

@@ -4,6 +4,7 @@
 #include "ui/chrome.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
+#include "ui/list_looks.h"
 #include "ui/paint.h"
 
 #include <algorithm>
@@ -14,7 +15,21 @@ constexpr int kCellPadding = 6;  // at 96 dpi, left of a cell's text
 constexpr int kMarkWidth = 18;
 constexpr UINT kCellText = DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS;
 
-bool IsArrow(ListMark mark) { return mark == ListMark::Current || mark == ListMark::Chosen; }
+COLORREF ColourOf(ListColour colour) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    switch (colour) {
+        case ListColour::Back: return chrome.paneBack;
+        case ListColour::SelectedBack: return MixColours(chrome.paneBack, chrome.accent, 28);
+        case ListColour::QuietBack: return chrome.hover;
+        case ListColour::StopBack: return MixColours(chrome.paneBack, chrome.modified, 18);
+        case ListColour::Text: return chrome.paneText;
+        case ListColour::Quiet: return ThemeQuietText();
+        case ListColour::Accent: return chrome.accent;
+        case ListColour::Error: return chrome.error;
+        case ListColour::Arrow: break;
+    }
+    return chrome.modified;
+}
 
 void DrawBox(HDC dc, int left, int middle, bool ticked, COLORREF colour) {
     const int half = UiScaled(6);
@@ -31,42 +46,15 @@ void DrawListMark(HDC dc, ListMark mark, const RECT& cell, COLORREF colour) {
     const int middle = (cell.top + cell.bottom) / 2;
     const int left = cell.left + UiScaled(5);
     const int arm = UiScaled(4);
-    if (IsArrow(mark))
-        DrawTriangle(dc, {{left, middle - arm}, {left, middle + arm}, {left + arm + UiScaled(1), middle}}, colour,
-                     mark == ListMark::Current);
-    else if (mark == ListMark::Breakpoint)
-        FillDot(dc, {left, middle - arm, left + 2 * arm + 1, middle + arm + 1}, colour);
-    else if (mark != ListMark::None)
-        DrawBox(dc, left, middle, mark == ListMark::Checked, colour);
-}
-
-COLORREF RowBack(const ListRow& row, bool stale, bool selected, bool focused) {
-    const ThemeChrome& chrome = ThemeCurrentChrome();
-    if (selected && focused) return MixColours(chrome.paneBack, chrome.accent, 28);
-    if (selected) return chrome.hover;
-    if (row.mark == ListMark::Current && !stale) return MixColours(chrome.paneBack, chrome.modified, 18);
-    return chrome.paneBack;
-}
-
-COLORREF MarkColour(const ListRow& row, bool stale) {
-    if (stale || row.tone == ListTone::Quiet) return ThemeQuietText();
-    if (row.mark == ListMark::Breakpoint) return ThemeCurrentChrome().error;
-    return IsArrow(row.mark) ? ThemeCurrentChrome().modified : ThemeCurrentChrome().paneText;
-}
-
-COLORREF CellColour(const ListRow& row, bool stale, int column, bool lastColumn) {
-    const ThemeChrome& chrome = ThemeCurrentChrome();
-    if (stale || row.tone == ListTone::Quiet) return ThemeQuietText();
-    if (row.tone == ListTone::Source) return chrome.accent;
-    if (row.tone == ListTone::Problem && lastColumn) return chrome.error;
-    return (row.changed >> column & 1) != 0 ? chrome.error : chrome.paneText;
-}
-
-// The last cell with text. Its text is drawn over the empty cells after it.
-int LastFilledCell(const ListRow& row) {
-    int last = static_cast<int>(row.cells.size()) - 1;
-    while (last > 0 && row.cells[static_cast<std::size_t>(last)].empty()) --last;
-    return last;
+    switch (MarkShapeOf(mark)) {
+        case MarkShape::None: break;
+        case MarkShape::Arrow:
+            DrawTriangle(dc, {{left, middle - arm}, {left, middle + arm}, {left + arm + UiScaled(1), middle}}, colour,
+                         mark == ListMark::Current);
+            break;
+        case MarkShape::Dot: FillDot(dc, {left, middle - arm, left + 2 * arm + 1, middle + arm + 1}, colour); break;
+        case MarkShape::Box: DrawBox(dc, left, middle, mark == ListMark::Checked, colour); break;
+    }
 }
 
 void DrawCells(const ListView& list, HDC dc, int index, const ListRow& row, int right) {
@@ -80,7 +68,7 @@ void DrawCells(const ListView& list, HDC dc, int index, const ListRow& row, int 
         cell.left += ListViewCellPadding();
         cell.right = (i == last ? right : static_cast<int>(cell.right)) - UiScaled(2);
         SelectObject(dc, columns[static_cast<std::size_t>(i)].fixedPitch ? UiFixedFont() : UiFont());
-        SetTextColor(dc, CellColour(row, list.content->stale, i, i == count - 1));
+        SetTextColor(dc, ColourOf(CellColourOf(row, list.content->stale, i, i == count - 1)));
         DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &cell, kCellText);
     }
     SelectObject(dc, oldFont);
@@ -100,11 +88,11 @@ void DrawListRow(const ListView& list, HDC dc, int index) {
     line.top = bounds.top;
     line.bottom = bounds.bottom;
     const bool focused = GetFocus() == list.window;
-    FillArea(dc, line, RowBack(row, list.content->stale, selected, focused));
+    FillArea(dc, line, ColourOf(RowBackOf(row, list.content->stale, selected, focused)));
     if (selected && focused)
         FillArea(dc, {line.left, line.top, line.left + UiScaled(2), line.bottom}, ThemeCurrentChrome().accent);
     SetBkMode(dc, TRANSPARENT);
-    if (list.kind->hasMarks) DrawListMark(dc, row.mark, bounds, MarkColour(row, list.content->stale));
+    if (list.kind->hasMarks) DrawListMark(dc, row.mark, bounds, ColourOf(MarkColourOf(row, list.content->stale)));
     DrawCells(list, dc, index, row, line.right);
 }
 
