@@ -5,6 +5,7 @@
 #include "debugui/pane_rows.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -117,4 +118,84 @@ void MemoryReshape(MemoryPlace& place, const MemoryShape& shape) {
     const std::uint64_t rest = std::min((caret - place.top) % RowBytes(place), caret);
     place.caretRow = caret - rest;
     place.caret.index = static_cast<int>(rest);
+}
+
+// --- What has been read
+
+namespace {
+
+std::size_t RowLength(const MemoryContent& content) { return static_cast<std::size_t>(content.shape.bytes); }
+
+std::size_t VisibleBytes(const MemoryContent& content) {
+    return static_cast<std::size_t>(content.rows) * RowLength(content);
+}
+
+}  // namespace
+
+void MemoryTakeProgram(MemoryContent& content, std::uint32_t processId, bool x64) {
+    if (processId != content.processId) {
+        content.filled = false;
+        content.bytes.clear();
+    }
+    content.processId = processId;
+    content.x64 = x64;
+}
+
+void MemoryTakeStop(MemoryContent& content, std::uint64_t serial, std::uint64_t base) {
+    if (serial != content.serial) {
+        content.before = std::move(content.bytes);
+        content.beforeTop = content.top;
+    }
+    if (!content.filled || base != content.base) {
+        content.top = base;
+        content.caretRow = base;
+        content.caret = {};
+    }
+    content.base = base;
+    content.serial = serial;
+    content.filled = true;
+}
+
+void MemoryReadVisible(MemoryContent& content, const MemoryPart& readSome) {
+    const std::uint64_t end = content.top + VisibleBytes(content);
+    const int digits = PaneAddressDigits(content.x64, std::max(content.top, end));
+    const MemoryShape shape = MemoryShapeThatFits(digits, content.characters);
+    if (shape != content.shape) MemoryReshape(content, shape);
+    content.bytes = MemoryReadBytes(content.top, VisibleBytes(content), readSome);
+}
+
+std::vector<MemoryByte> MemoryReadBytes(std::uint64_t address, std::size_t count, const MemoryPart& readSome) {
+    constexpr std::uint64_t kPage = 4096;
+    std::vector<MemoryByte> bytes(count);
+    std::vector<std::uint8_t> part(kPage);
+    for (std::size_t done = 0; done < count;) {
+        const std::uint64_t at = address + done;
+        const auto want = static_cast<std::size_t>(std::min<std::uint64_t>(count - done, kPage - at % kPage));
+        const std::size_t got = readSome(at, part.data(), want);
+        std::copy_n(part.begin(), got, bytes.begin() + static_cast<std::ptrdiff_t>(done));
+        done += want;
+    }
+    return bytes;
+}
+
+bool MemoryHasChanged(const MemoryContent& content, std::uint64_t address, const MemoryByte& now) {
+    const std::uint64_t offset = address - content.beforeTop;
+    return offset < content.before.size() && content.before[static_cast<std::size_t>(offset)] != now;
+}
+
+std::span<const MemoryByte> MemoryRowBytes(const MemoryContent& content, std::size_t row) {
+    const std::size_t first = row * RowLength(content);
+    if (first + RowLength(content) > content.bytes.size()) return {};
+    return std::span(content.bytes).subspan(first, RowLength(content));
+}
+
+std::wstring MemoryVisibleText(const MemoryContent& content) {
+    std::wstring text;
+    for (std::size_t row = 0; row < static_cast<std::size_t>(content.rows); ++row) {
+        const std::span<const MemoryByte> bytes = MemoryRowBytes(content, row);
+        if (bytes.empty()) continue;
+        if (!text.empty()) text += L"\r\n";
+        text += MemoryRowText(content.top + row * RowLength(content), content.shape, bytes);
+    }
+    return text;
 }

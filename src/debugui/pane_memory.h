@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // How a row is made up.
 struct MemoryShape {
@@ -56,3 +58,31 @@ std::int64_t MemoryMoveCaretBy(MemoryPlace& place, std::int64_t bytes);
 std::int64_t MemoryStepCaretBy(MemoryPlace& place, int step);
 // Changes the length of rows. The caret stays on its byte, which gets another place in its row.
 void MemoryReshape(MemoryPlace& place, const MemoryShape& shape);
+
+// --- What has been read
+// Reads as many of the bytes as can be read from the start, and answers how many.
+using MemoryPart = std::function<std::size_t(std::uint64_t address, void* out, std::size_t count)>;
+
+struct MemoryContent : MemoryPlace {
+    bool filled = false;            // something has been read in this session
+    std::uint64_t base = 0;         // the address of the address box
+    int characters = 80;            // that fit into a row
+    std::uint32_t processId = 0;    // of the shown program
+    std::uint64_t serial = 0;       // of the shown stop
+    std::vector<MemoryByte> bytes;  // from `top` on
+    std::uint64_t beforeTop = 0;    // `top` and `bytes` of the previous stop
+    std::vector<MemoryByte> before;
+};
+// The program that is shown from now on; what was read of another one is forgotten.
+void MemoryTakeProgram(MemoryContent& content, std::uint32_t processId, bool x64);
+// The stop and the address that are shown from now on. Of another stop than the last, what was shown is kept as
+// `before`. Another address moves the first row there.
+void MemoryTakeStop(MemoryContent& content, std::uint64_t serial, std::uint64_t base);
+// Reads what is visible, in rows as long as the window allows.
+void MemoryReadVisible(MemoryContent& content, const MemoryPart& readSome);
+// Reads bytes; unreadable pages are skipped, so that those after them show.
+std::vector<MemoryByte> MemoryReadBytes(std::uint64_t address, std::size_t count, const MemoryPart& readSome);
+bool MemoryHasChanged(const MemoryContent& content, std::uint64_t address, const MemoryByte& now);
+// The bytes of a visible row; empty when they were not read.
+std::span<const MemoryByte> MemoryRowBytes(const MemoryContent& content, std::size_t row);
+std::wstring MemoryVisibleText(const MemoryContent& content);  // every visible row

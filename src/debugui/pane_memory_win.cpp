@@ -77,18 +77,16 @@ void DrawMemoryCaret(HDC dc, int x, int y) {
 
 void DrawMemoryRow(HDC dc, int index, int x, int y) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
-    const auto length = static_cast<std::size_t>(g_memory.shape.bytes);
-    const std::size_t first = static_cast<std::size_t>(index) * length;
-    if (first + length > g_memory.bytes.size()) return;
-    const auto bytes = std::span(g_memory.bytes).subspan(first, length);
-    const std::uint64_t address = g_memory.top + first;
+    const std::span<const MemoryByte> bytes = MemoryRowBytes(g_memory, static_cast<std::size_t>(index));
+    if (bytes.empty()) return;
+    const std::uint64_t address = g_memory.top + static_cast<std::uint64_t>(index) * bytes.size();
     const std::wstring row = MemoryRowText(address, g_memory.shape, bytes);
     if (address == g_memory.caretRow) DrawMemoryCaret(dc, x, y);
     const COLORREF plain = IsStale() ? ThemeQuietText() : chrome.paneText;
     DrawCharacters(dc, x, y, row, 0, g_memory.shape.digits, IsStale() ? ThemeQuietText() : chrome.tabText);
     for (int i = 0; i < g_memory.shape.bytes; ++i) {
         const MemoryByte& byte = bytes[static_cast<std::size_t>(i)];
-        const bool changed = !IsStale() && MemoryChanged(address + static_cast<std::uint64_t>(i), byte);
+        const bool changed = !IsStale() && MemoryHasChanged(g_memory, address + static_cast<std::uint64_t>(i), byte);
         const COLORREF colour = changed ? chrome.error : byte ? plain : ThemeQuietText();
         DrawCharacters(dc, x, y, row, MemoryHexColumn(g_memory.shape, i), 2, colour);
         DrawCharacters(dc, x, y, row, MemoryTextColumn(g_memory.shape, i), 1, colour);
@@ -243,7 +241,7 @@ void ShowMemoryMenu(POINT at) {
 
 LRESULT CopyMemoryText(int capacity, wchar_t* out) {
     if (capacity < 1) return 0;
-    lstrcpynW(out, MemoryText().c_str(), capacity);
+    lstrcpynW(out, MemoryVisibleText(g_memory).c_str(), capacity);
     return lstrlenW(out);
 }
 
@@ -265,7 +263,7 @@ LRESULT CALLBACK MemoryProc(HWND window, UINT message, WPARAM wParam, LPARAM lPa
         case WM_CHAR: OnMemoryCharacter(static_cast<wchar_t>(wParam)); return 0;
         case WM_SETFOCUS:
         case WM_KILLFOCUS: RepaintMemory(); break;
-        case WM_GETTEXTLENGTH: return static_cast<LRESULT>(MemoryText().size());
+        case WM_GETTEXTLENGTH: return static_cast<LRESULT>(MemoryVisibleText(g_memory).size());
         case WM_GETTEXT: return CopyMemoryText(static_cast<int>(wParam), reinterpret_cast<wchar_t*>(lParam));
         case WM_NCDESTROY: g_memory = {}; break;
         default: break;
