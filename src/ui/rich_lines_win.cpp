@@ -88,7 +88,10 @@ void RichScrollToLeft(HWND pane) { SendMessageW(pane, WM_HSCROLL, MAKEWPARAM(SB_
 
 void RichLinesReveal(HWND pane) {
     if (pane == nullptr) return;
-    RichScrollToEnd(pane);
+    {
+        const RedrawPause pause(pane);  // on its way to the end the pane may scroll sideways
+        RichScrollToEnd(pane);
+    }
     // With its frame: a scroll bar that came while the pane was not drawn is not there to be seen.
     RedrawWindow(pane, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME);
 }
