@@ -38,3 +38,18 @@ TabBlank FitTabBlank(int room, int titles, int count, int least, int widest) {
     const int blank = count > 0 ? (room - titles) / (2 * count) : widest;
     return {std::clamp(blank, least, widest), blank >= least};
 }
+
+TabRowWidth FitTabRow(int width, int titles, int count, const TabRowLimits& limits) {
+    const TabBlank blank = FitTabBlank(width - limits.edges, titles, count, limits.leastBlank, limits.widestBlank);
+    return {blank, blank.all ? width : 2 * (titles + 2 * count * limits.leastBlank)};
+}
+
+TabRowSpot PlaceTabRow(int width, const TabRowWidth& fitted, std::span<const TabExtent> tabs, int selected, int first,
+                       const TabRowLimits& limits) {
+    std::vector<int> widths;
+    for (const TabExtent& tab : tabs) widths.push_back(tab.right - tab.left);
+    const int room = fitted.blank.all ? fitted.control : width - limits.more;
+    const TabSpan shown = FitTabs(widths, room, std::max(selected, 0), first);
+    const int left = shown.first > 0 ? tabs[static_cast<std::size_t>(shown.first)].left : 0;
+    return {shown, left, std::min(tabs[static_cast<std::size_t>(shown.end) - 1].right - left, room)};
+}

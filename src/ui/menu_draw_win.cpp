@@ -18,12 +18,6 @@
 
 namespace {
 
-constexpr int kGutter = 28;  // left of the text, for marks and pictures; this and the next ones at 96 dpi
-constexpr int kRight = 26;   // right of the text, for the arrow of a submenu
-constexpr int kKeyGap = 24;  // between text and key
-constexpr int kItemBlank = 8;
-constexpr int kSeparator = 7;
-
 // An item as the system names it in WM_MEASUREITEM and WM_DRAWITEM: menu and position in one number.
 struct ItemPlace {
     HMENU menu;
@@ -94,13 +88,11 @@ void MeasureItem(HWND window, MEASUREITEMSTRUCT& item) {
         item.itemHeight = static_cast<UINT>(UiSizes().textHeight);
         return;
     }
-    if ((InfoOf(place).fType & MFT_SEPARATOR) != 0) {
-        item.itemHeight = static_cast<UINT>(UiScaled(kSeparator));
-        return;
-    }
-    const int key = text.key.empty() ? 0 : UiScaled(kKeyGap) + NameWidth(text.key);
-    item.itemWidth = static_cast<UINT>(UiScaled(kGutter + kRight) + NameWidth(text.name) + key);
-    item.itemHeight = static_cast<UINT>(UiSizes().textHeight + UiScaled(kItemBlank));
+    const MenuItemSize size =
+        MenuItemSizeOf((InfoOf(place).fType & MFT_SEPARATOR) != 0, NameWidth(text.name),
+                       text.key.empty() ? 0 : NameWidth(text.key), UiSizes().textHeight, g_ui.dpi);
+    item.itemWidth = static_cast<UINT>(size.width);
+    item.itemHeight = static_cast<UINT>(size.height);
 }
 
 void DrawTick(HDC dc, const RECT& item, COLORREF colour) {
@@ -115,7 +107,7 @@ void DrawPicture(HDC dc, const RECT& item, HBITMAP picture) {
     if (GetObjectW(picture, sizeof(size), &size) == 0) return;
     const UniqueMemoryDc memory(CreateCompatibleDC(dc));
     const HGDIOBJ old = SelectObject(memory.Get(), picture);
-    const int left = item.left + (UiScaled(kGutter) - static_cast<int>(size.bmWidth)) / 2;
+    const int left = item.left + (UiScaled(kMenuGutter) - static_cast<int>(size.bmWidth)) / 2;
     const int top = (item.top + item.bottom - static_cast<int>(size.bmHeight)) / 2;
     GdiAlphaBlend(dc, left, top, size.bmWidth, size.bmHeight, memory.Get(), 0, 0, size.bmWidth, size.bmHeight,
                   {AC_SRC_OVER, 0, 255, AC_SRC_ALPHA});
@@ -141,8 +133,8 @@ void DrawPopupItem(const DRAWITEMSTRUCT& draw, ItemPlace place, COLORREF colour,
     else if (info.hbmpItem != nullptr)
         DrawPicture(draw.hDC, area, info.hbmpItem);
     const MenuItemText text = TextOf(place);
-    area.left += UiScaled(kGutter);
-    area.right -= UiScaled(kRight);
+    area.left += UiScaled(kMenuGutter);
+    area.right -= UiScaled(kMenuRight);
     DrawTextW(draw.hDC, text.name.c_str(), -1, &area, format);
     DrawTextW(draw.hDC, text.key.c_str(), -1, &area, format | DT_RIGHT | DT_NOPREFIX);
     if (info.hSubMenu != nullptr) DrawSubmenuArrow(draw.hDC, draw.rcItem, colour);

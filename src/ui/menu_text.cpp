@@ -1,5 +1,7 @@
 #include "ui/menu_text.h"
 
+#include "ui/scale.h"
+
 #include <algorithm>
 #include <cwctype>
 
@@ -35,4 +37,13 @@ MenuMnemonic FindMenuMnemonic(std::span<const std::wstring> names, int selected,
         found = {.item = item, .alone = true};
     }
     return found;
+}
+
+MenuItemSize MenuItemSizeOf(bool separator, int name, int key, int lineHeight, int dpi) {
+    constexpr int kKeyGap = 24;  // between text and key
+    constexpr int kItemBlank = 8;
+    constexpr int kSeparator = 7;
+    if (separator) return {0, ScaledTo(kSeparator, dpi)};
+    const int keyRoom = key > 0 ? ScaledTo(kKeyGap, dpi) + key : 0;
+    return {ScaledTo(kMenuGutter + kMenuRight, dpi) + name + keyRoom, lineHeight + ScaledTo(kItemBlank, dpi)};
 }

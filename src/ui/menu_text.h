@@ -20,3 +20,13 @@ struct MenuMnemonic {
 };
 // The item that a typed key means, after the selected one (-1: none).
 MenuMnemonic FindMenuMnemonic(std::span<const std::wstring> names, int selected, wchar_t key);
+
+// The size of an item in a pop-up menu, in pixels.
+struct MenuItemSize {
+    int width = 0, height = 0;
+};
+// `name` and `key` are the widths of the texts; 0: there is no key.
+MenuItemSize MenuItemSizeOf(bool separator, int name, int key, int lineHeight, int dpi);
+// Lengths at 96 dpi that the drawing of an item uses too.
+inline constexpr int kMenuGutter = 28;  // left of the text, for marks and pictures
+inline constexpr int kMenuRight = 26;   // right of the text, for the arrow of a submenu

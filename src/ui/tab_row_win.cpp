@@ -129,29 +129,25 @@ void TabRowPlace(TabRow& row, int width) {
     const TabRow::Fitted fitted = {width, TitlesWidth(row), TabRowSelected(row)};
     if (fitted == row.fitted) return;
     row.fitted = fitted;
-    const int count = TitleCount(row);
     const int height = TabRowHeight();
-    // The control needs a few pixels beside its tabs. Without them it shows arrows of its own.
-    const TabBlank blank = FitTabBlank(width - UiScaled(kControlEdges), fitted.titles, count, UiScaled(kLeastBlank),
-                                       UiScaled(kWidestBlank));
-    SendMessageW(row.tabs, TCM_SETPADDING, 0, MAKELPARAM(blank.pixels, 0));
+    const TabRowLimits limits = {.leastBlank = UiScaled(kLeastBlank),
+                                 .widestBlank = UiScaled(kWidestBlank),
+                                 .edges = UiScaled(kControlEdges),
+                                 .more = UiScaled(kMoreWidth)};
+    const TabRowWidth whole = FitTabRow(width, fitted.titles, TitleCount(row), limits);
+    SendMessageW(row.tabs, TCM_SETPADDING, 0, MAKELPARAM(whole.blank.pixels, 0));
     SendMessageW(row.tabs, TCM_SETITEMSIZE, 0, MAKELPARAM(0, UiScaled(kTabHeight)));
-    // The control is always as wide as all its tabs, so tabs without room lie beyond the edges of the pane.
-    const int whole = blank.all ? width : 2 * (fitted.titles + 2 * count * UiScaled(kLeastBlank));
-    SetWindowPos(row.tabs, nullptr, 0, 0, whole, height, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-    std::vector<int> widths;
-    for (int i = 0; i < count; ++i) {
+    SetWindowPos(row.tabs, nullptr, 0, 0, whole.control, height, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    std::vector<TabExtent> tabs;
+    for (int i = 0; i < TitleCount(row); ++i) {
         const RECT title = TitleRect(row, i);
-        widths.push_back(static_cast<int>(title.right - title.left));
+        tabs.push_back({static_cast<int>(title.left), static_cast<int>(title.right)});
     }
-    const int room = blank.all ? whole : width - UiScaled(kMoreWidth);
-    row.shown = FitTabs(widths, room, std::max(fitted.selected, 0), row.shown.first);
-    const int left = row.shown.first > 0 ? static_cast<int>(TitleRect(row, row.shown.first).left) : 0;
-    SetWindowPos(row.tabs, nullptr, -left, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_SHOWWINDOW);
-    // The button covers the rest of the row, and with it the tab that would be cut.
-    const int end = std::min(static_cast<int>(TitleRect(row, row.shown.end - 1).right) - left, room);
-    SetWindowPos(row.more, HWND_TOP, end, 0, std::max(width - end, 0), height,
-                 SWP_NOACTIVATE | (blank.all ? SWP_HIDEWINDOW : SWP_SHOWWINDOW));
+    const TabRowSpot place = PlaceTabRow(width, whole, tabs, fitted.selected, row.shown.first, limits);
+    row.shown = place.shown;
+    SetWindowPos(row.tabs, nullptr, -place.left, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_SHOWWINDOW);
+    SetWindowPos(row.more, HWND_TOP, place.end, 0, std::max(width - place.end, 0), height,
+                 SWP_NOACTIVATE | (whole.blank.all ? SWP_HIDEWINDOW : SWP_SHOWWINDOW));
     InvalidateRect(row.tabs, nullptr, FALSE);
     InvalidateRect(row.more, nullptr, FALSE);
 }
