@@ -325,6 +325,8 @@ bool ToolbarHandleNotify(const NMHDR& header, LRESULT* result) {
         return FillToolbarTip(*reinterpret_cast<NMTTDISPINFOW*>(const_cast<NMHDR*>(&header)));
     if (header.code == NM_TOOLTIPSCREATED && header.idFrom == IDC_TOOLBAR) {
         g_tooltip = reinterpret_cast<const NMTOOLTIPSCREATED&>(header).hwndToolTips;
+        // Otherwise "Build & Run" would lose its ampersand.
+        SetWindowLongPtrW(g_tooltip, GWL_STYLE, GetWindowLongPtrW(g_tooltip, GWL_STYLE) | TTS_NOPREFIX);
         TooltipApplyTheme(g_tooltip);
         return true;
     }

@@ -100,12 +100,20 @@ void CreateTabTip(HWND strip) {
 }
 
 void OnTabPointer(HWND strip, POINT at) {
-    if (g_tabBar.tooltip == nullptr) CreateTabTip(strip);
+    const bool first = g_tabBar.tooltip == nullptr;
+    if (first) CreateTabTip(strip);
     TabPointer& pointer = g_tabBar.pointer;
     const int from = TabBarFindDocument(pointer.dragDocument);
     const int to = TabPointerDragTo(pointer, TabBarMetrics(), TabBarRects(), from, at.x);
     if (to >= 0) TabBarMove(from, to);
     UpdateTabHover(strip, at, true);
+    if (!first) return;
+    // This message came before the tooltip listened.
+    MSG message = {};
+    message.hwnd = strip;
+    message.message = WM_MOUSEMOVE;
+    message.lParam = MAKELPARAM(at.x, at.y);
+    SendMessageW(g_tabBar.tooltip, TTM_RELAYEVENT, 0, reinterpret_cast<LPARAM>(&message));
 }
 
 void OnTabReleased(HWND strip, POINT at) {
