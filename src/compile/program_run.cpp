@@ -37,6 +37,14 @@ std::wstring UnreadInputText() {
            std::wstring(kUseConsole);
 }
 
+std::wstring RunningText(const std::wstring& program, const std::wstring& arguments) {
+    return L"--- Running: " + program + (arguments.empty() ? L"" : L" ") + arguments + L" ---\r\n";
+}
+
+std::wstring RunFailedText(std::uint32_t error, const std::wstring& reason) {
+    return L"Run failed (Win32 error " + std::to_wstring(error) + L"): " + reason + L"\r\n";
+}
+
 std::wstring ProgramEndText(const StageResult& result) {
     if (result.end == BuildEnd::Stopped) return L"--- Program stopped ---\r\n";
     // The codes of a crash are known by their hexadecimal form.

@@ -25,4 +25,6 @@ std::wstring RunDoubt(const BuildRecord& last, bool sourceModified);
 std::wstring ConsoleKeysText(const PeImage& program);
 // For a program that leaves its input unread.
 std::wstring UnreadInputText();
+std::wstring RunningText(const std::wstring& program, const std::wstring& arguments);
+std::wstring RunFailedText(std::uint32_t error, const std::wstring& reason);
 std::wstring ProgramEndText(const StageResult& result);

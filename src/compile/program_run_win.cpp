@@ -91,8 +91,7 @@ void RunInOutputPane() {
         return;
     }
     const std::wstring arguments = g_settings.programArguments;
-    OutputPaneAppend((L"--- Running: " + program + (arguments.empty() ? L"" : L" ") + arguments + L" ---\r\n").c_str(),
-                     0);
+    OutputPaneAppend(RunningText(program, arguments).c_str(), 0);
     OutputPaneAppend(RunDoubt(LastBuild(), SourceIsModified(program)).c_str(), kLineYellow);
     SayConsoleKeys(program);
     const std::wstring folder = StartFolder(program);
@@ -102,8 +101,7 @@ void RunInOutputPane() {
             {.stage = BuildStage::Program, .commandLine = ProgramCommandLine(program, arguments), .directory = folder},
             &error)) {
         OutputFeedBegin({});
-        SayRunProblem(L"Run failed (Win32 error " + std::to_wstring(error) + L"): " + ChildStartProblem(error, folder) +
-                      L"\r\n");
+        SayRunProblem(RunFailedText(error, ChildStartProblem(error, folder)));
         return;
     }
     PaneShow(PaneId::Terminal, true);

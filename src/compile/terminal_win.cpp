@@ -17,6 +17,7 @@
 #include "output/output_feed.h"
 #include "output/output_pane.h"
 #include "ui/subclass.h"
+#include "ui/window_text.h"
 
 #include <commctrl.h>
 
@@ -48,19 +49,12 @@ std::wstring TerminalFolder() {
     return own;
 }
 
-std::wstring TypedText(HWND window) {
-    const int length = GetWindowTextLengthW(window);
-    std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
-    text.resize(static_cast<std::size_t>(GetWindowTextW(window, text.data(), length + 1)));
-    return text;
-}
-
 // Shows what a program gets as its input, after the prompt that it has printed.
 void EchoInput(const std::wstring& text) { OutputFeedStream(_wcsdup((text + L"\r\n").c_str()), 0); }
 
 // The running program gets the line, also an empty one.
 void SendToProgram(HWND window) {
-    const std::wstring text = TypedText(window);
+    const std::wstring text = WindowText(window);
     if (!ProgramInputSend(text + L"\r\n")) {
         g_events.statusText(L"The program does not read its input.");
         return;
@@ -83,7 +77,7 @@ void RunTerminalCommand(HWND window) {
         SendToProgram(window);
         return;
     }
-    const std::wstring command = TypedText(window);
+    const std::wstring command = WindowText(window);
     if (std::exchange(g_typedForProgram, false) && !command.empty()) {
         g_events.statusText(L"The program has ended. Enter again runs this line as a command.");
         SendMessageW(window, EM_SETSEL, 0, -1);

@@ -16,6 +16,4 @@ std::wstring LongFolderText(const std::wstring& folder);
 std::wstring LongProgramText(const std::wstring& program);
 
 // The command line of a program; `arguments` may be empty.
-inline std::wstring ProgramCommandLine(const std::wstring& program, const std::wstring& arguments) {
-    return L'"' + program + (arguments.empty() ? L"\"" : L"\" " + arguments);
-}
+std::wstring ProgramCommandLine(const std::wstring& program, const std::wstring& arguments);

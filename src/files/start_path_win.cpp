@@ -22,17 +22,3 @@ std::wstring WorkingFolderOf(const std::wstring& folder) {
     const std::wstring brief = PathShortForm(folder);
     return brief.size() <= kLongestStartPath ? brief : std::wstring();
 }
-
-bool ProgramCanBeStarted(const std::wstring& program) { return program.size() <= kLongestStartPath; }
-
-static std::wstring LongText(const wchar_t* what, const std::wstring& path) {
-    return what + (L" of more than " + std::to_wstring(kLongestStartPath)) + L" characters: " + path;
-}
-
-std::wstring LongFolderText(const std::wstring& folder) {
-    return LongText(L"Nothing can be run in a folder with a path", folder);
-}
-
-std::wstring LongProgramText(const std::wstring& program) {
-    return LongText(L"The system starts no program with a path", program);
-}
