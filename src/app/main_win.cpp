@@ -12,6 +12,7 @@
 #include "documents/file_work.h"
 #include "files/file_io.h"
 #include "files/libraries.h"
+#include "files/share_probe.h"
 #include "resources/ids.h"
 #include "search/find.h"
 #include "settings/compiler_table.h"
@@ -78,7 +79,8 @@ void SelectCompiler(int id) {
 
 // Opens a file of the command line, at the place that may follow its name.
 void OpenFromCommandLine(const std::wstring& text) {
-    const FilePlace place = FileExists(text.c_str()) ? FilePlace{.path = text} : ParseFilePlace(text);
+    const bool whole = PathAnswers(text.c_str()) && FileExists(text.c_str());
+    const FilePlace place = whole ? FilePlace{.path = text} : ParseFilePlace(text);
     if (FileOpen(place.path.c_str()) == 0 || place.line == 0) return;
     const DocumentTab& document = TabAt(g_app.activeTab);
     CaretGoTo(document.editor, CaretPositionOfFileColumn(document, place.line - 1, std::max(place.column - 1, 0)));

@@ -217,7 +217,11 @@ int FileReload(int tab) {
     LoadedFile file;
     LoadEnd end = DocumentRead(path.c_str(), std::wstring{TabAt(tab).label}.c_str(), &file);
     tab = TabBarFindDocument(id);
-    if (tab < 0 || end == LoadEnd::Cancelled) return 0;
+    if (tab < 0) return 0;
+    if (end == LoadEnd::Cancelled) {
+        g_events.documentStatus(id, FormatW(L"Reloading %s was cancelled", TabAt(tab).label).c_str());
+        return 0;
+    }
     if (end == LoadEnd::Done && !ShowReloaded(tab, std::move(file))) {
         end = LoadEnd::NoMemory;
         UnbindCutDocument(tab);

@@ -21,6 +21,7 @@
 #include "ui/message.h"
 #include "ui/ui_state.h"
 
+#include <atomic>
 #include <cwchar>
 #include <iterator>
 #include <memory>
@@ -130,8 +131,9 @@ struct SaveJob {
     FileBinding binding;
     std::shared_ptr<FileProgress> progress = std::make_shared<FileProgress>();
     SaveReport report;
-    FileIdentity identity;  // of the file that was written
-    bool backUp = false;    // the setting
+    std::atomic<bool> written = false;  // the file is saved, and `report` says so
+    FileIdentity identity;              // of the file that was written; asked last, and a share may never answer
+    bool backUp = false;                // the setting
     DWORD backUpError = 0;
     bool ansiHolds = true;  // the ANSI code page has all characters
 };
@@ -159,11 +161,14 @@ void SaveOnWorker(SaveJob& job) {
     job.backUpError = BackUp(to.path, job.backUp);
     WriteSourceFileFromEditor(to.path, job.text.bytes.get(), job.text.length, to.encoding, to.lineEnding, to.form,
                               &job.report, job.progress.get());
-    if (job.report.end == SaveEnd::Saved) job.identity = FileIdentityOf(to.path);
+    if (job.report.end != SaveEnd::Saved) return;
+    job.written = true;
+    job.progress->mayCancel = true;  // no half a file is left any more
+    job.identity = FileIdentityOf(to.path);
 }
 
 // Writes the text on a worker. The document cannot be changed meanwhile, so that what was written is what it shows.
-// False: the worker hangs and was left behind, and nothing is written.
+// False: the worker hangs and was left behind; nothing more is written then.
 bool WriteOnWorker(DocumentId document, const std::shared_ptr<SaveJob>& job, ULONGLONG began) {
     job->backUp = g_settings.backupOnSave != 0;
     const HWND editor = TabAt(TabBarFindDocument(document)).editor;
@@ -226,14 +231,15 @@ int SaveAsBound(DocumentId document, FileBinding binding) {
     job->binding.encoding = binding.encoding = *encoding;
     const bool ended = WriteOnWorker(document, job, began);
     const int tab = TabBarFindDocument(document);
-    if (!ended || job->report.end == SaveEnd::Cancelled) return TellCancelledSave(document, binding);
+    if ((!ended && !job->written) || (ended && job->report.end == SaveEnd::Cancelled))
+        return TellCancelledSave(document, binding);
     if (job->report.end != SaveEnd::Saved) {
         MarkUnsaved(tab, binding.path);
         TellFailedSave(document, binding.path, job->report);
         return 0;
     }
     if (tab < 0) return 0;
-    NoteSaved(tab, binding, job->identity);
+    NoteSaved(tab, binding, ended ? job->identity : FileIdentity{});
     return 1;
 }
 

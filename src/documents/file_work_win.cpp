@@ -34,7 +34,8 @@ void WaitStep(const Worker& worker, bool paints) {
 bool WaitForWorker(const Worker& worker, const FileWork& work) {
     WorkWatch watch = {.began = work.began != 0 ? work.began : GetTickCount64()};
     bool told = false;
-    while (!WorkerWait(worker, 0)) {
+    bool hangs = false;
+    while (!hangs && !WorkerWait(worker, 0)) {
         const ULONGLONG now = GetTickCount64();
         WaitStep(worker, now - watch.began >= kPaintAfterMs);
         if (WorkIsShown(watch, now)) {
@@ -42,10 +43,10 @@ bool WaitForWorker(const Worker& worker, const FileWork& work) {
             g_events.statusText(FileWorkText(work.verb, work.label, *work.progress).c_str());
             told = true;
         }
-        if (WorkHangs(watch, *work.progress, now)) return false;
+        hangs = WorkHangs(watch, *work.progress, now);
     }
     if (told) g_events.statusText(L"");
-    return true;
+    return !hangs;
 }
 
 }  // namespace
