@@ -9,6 +9,7 @@
 #include <SciLexer.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
