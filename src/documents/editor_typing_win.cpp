@@ -79,14 +79,9 @@ void EditorPaneUpperKeywordBefore(HWND editor, LRESULT position) {
     if (lineEnd - lineStart > kLongestLine) return;
     const std::string text = EditorPaneTextBetween(editor, lineStart, lineEnd);
     const bool inAssembly = EditorPaneInAssembly(editor, lineStart);
-    const std::string capitals = KeywordsInCapitals(text, inAssembly);
-    // Only the last word of END ASM makes a line of assembly a line of BASIC, so both words change then.
-    const bool endsAssembly = inAssembly && AssemblyOfLine(text, true).kind == AssemblyKind::BlockEnd;
-    const LRESULT from = endsAssembly ? lineStart : start;
-    const auto at = static_cast<std::size_t>(from - lineStart);
-    const auto count = static_cast<std::size_t>(position - from);
-    if (capitals.compare(at, count, text, at, count) == 0) return;
-    if (!IsKeywordStyle(FreshStyleAt(editor, start, lineEnd))) return;
-    PaneSend(editor, SCI_SETTARGETRANGE, from, position);
-    SciSend(editor, SCI_REPLACETARGET, count, reinterpret_cast<LPARAM>(capitals.data() + at));
+    const std::optional<KeywordEdit> edit = KeywordEditOf(text, inAssembly, static_cast<std::size_t>(start - lineStart),
+                                                          static_cast<std::size_t>(position - lineStart));
+    if (!edit || !IsKeywordStyle(FreshStyleAt(editor, start, lineEnd))) return;
+    PaneSend(editor, SCI_SETTARGETRANGE, lineStart + static_cast<LRESULT>(edit->from), position);
+    SciSend(editor, SCI_REPLACETARGET, edit->text.size(), reinterpret_cast<LPARAM>(edit->text.data()));
 }

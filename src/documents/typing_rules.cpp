@@ -1,6 +1,9 @@
 // What a pane does while the user types. Pure.
 #include "documents/typing_rules.h"
 
+#include "language/format.h"
+#include "language/inline_regions.h"
+
 #include <SciLexer.h>
 
 std::optional<std::ptrdiff_t> IndentationAfterBreak(const BrokenLine& broken) {
@@ -29,4 +32,14 @@ std::ptrdiff_t BraceAtCaret(std::ptrdiff_t caret, char before, char after) {
 BracePair BracesToShow(std::span<const StyledByte> text, std::ptrdiff_t start, std::ptrdiff_t brace) {
     const std::ptrdiff_t partner = MatchBrace(text, static_cast<std::size_t>(brace - start));
     return partner >= 0 ? BracePair{brace, start + partner} : BracePair{};
+}
+
+std::optional<KeywordEdit> KeywordEditOf(const std::string& line, bool inAssembly, std::size_t start, std::size_t end) {
+    const std::string capitals = KeywordsInCapitals(line, inAssembly);
+    // Only the last word of END ASM makes a line of assembly a line of BASIC, so both words change then.
+    const bool endsAssembly = inAssembly && AssemblyOfLine(line, true).kind == AssemblyKind::BlockEnd;
+    const std::size_t from = endsAssembly ? 0 : start;
+    const std::size_t count = end - from;
+    if (capitals.compare(from, count, line, from, count) == 0) return std::nullopt;
+    return KeywordEdit{.from = from, .text = capitals.substr(from, count)};
 }

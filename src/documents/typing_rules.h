@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <optional>
 #include <span>
+#include <string>
 
 // --- A new line, just broken at the caret. Indentations are in columns.
 struct BrokenLine {
@@ -23,6 +24,14 @@ inline constexpr std::ptrdiff_t kLongestKeyword = 16;
 bool HasKeywordLength(std::ptrdiff_t length);
 // A style that the BASIC lexer gives to keywords.
 bool IsKeywordStyle(std::ptrdiff_t style);
+
+// What is written in place of the end of a line when a word from `start` to `end` (bytes of the line) was typed: keywords
+// in capitals. Nothing when it is written so already.
+struct KeywordEdit {
+    std::size_t from;  // up to `end`
+    std::string text;
+};
+std::optional<KeywordEdit> KeywordEditOf(const std::string& line, bool inAssembly, std::size_t start, std::size_t end);
 
 // --- Brackets
 // The position of the bracket at the caret: the one before it, else the one after it. -1 without one.

@@ -250,6 +250,17 @@ TEST(StickyHeader, TypingAndMovingInADocumentWithoutHeadersLooksAtFewLines) {
     EXPECT_LE(looked, 200) << "one line a key";
 }
 
+TEST(Typing, AWordThatEndsABlockTakesItsWholeLine) {
+    const auto edit = [](const std::string& line, bool inAssembly, std::size_t start) {
+        const auto found = KeywordEditOf(line, inAssembly, start, line.size());
+        return found ? std::to_string(found->from) + found->text : "";
+    };
+    EXPECT_EQ(edit("x = a and", false, 6), "6AND");
+    EXPECT_EQ(edit("  end asm", true, 6), "0  END ASM");
+    EXPECT_EQ(edit("  END ASM", true, 6), "");
+    EXPECT_EQ(edit("and", true, 0), "") << "an instruction";
+}
+
 TEST(BraceMatch, FindsThePartnerOfTheSameStyle) {
     // `styles` gives the style of each byte.
     const struct {
