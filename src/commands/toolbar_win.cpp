@@ -243,6 +243,7 @@ void ToolbarApplyTheme() {
     SendMessageW(g_commands.hToolbar, TB_SETDISABLEDIMAGELIST, 0, reinterpret_cast<LPARAM>(g_disabledImages));
     SendMessageW(g_commands.hToolbar, TB_SETINDENT, static_cast<WPARAM>(UiScaled(kBarPadding)), 0);
     SendMessageW(g_commands.hToolbar, TB_SETBUTTONSIZE, 0, MAKELPARAM(UiScaled(kButtonSize), UiScaled(kButtonSize)));
+    SendMessageW(g_commands.hToolbar, TB_SETBUTTONWIDTH, 0, MAKELPARAM(UiScaled(kButtonSize), UiScaled(kButtonSize)));
     SendMessageW(g_commands.hToolbar, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
     TooltipApplyTheme(g_tooltip);
     ToolbarUpdateCompiler();
