@@ -228,6 +228,7 @@ std::optional<RegisterSet> UnwindInTable(const RegisterSet& frame, const Procedu
 struct Unwound {
     RegisterSet frame;
     bool onLine = false;
+    bool ended = false;  // the stack ends there: no caller is on a line
 };
 
 // Unwinds to the first frame on a line, or to where the tables end: code of the program without tables. Nothing when the
@@ -238,6 +239,7 @@ std::optional<Unwound> UnwindLibraries(const RegisterSet& registers, const Progr
     RegisterSet frame = registers;
     for (int i = 0; i < kMostUnwound; ++i) {
         if (i > 0 && hasLine(frame.ip - 1)) return Unwound{.frame = frame, .onLine = true};
+        if (i > 0 && frame.ip == 0) return Unwound{.frame = frame, .ended = true};
         const std::uint64_t base = memory.moduleBase(frame.ip);
         if (base == 0) return std::nullopt;
         const ProcedureTable table = TableOfModule(base, memory);
@@ -259,6 +261,7 @@ std::optional<NearestReturn> NearestReturnToLine(const RegisterSet& registers, c
         return NearestReturn{.address = unwound->frame.ip,
                              .offset = unwound->frame.general[kSp] - sp - kWord,
                              .framePointer = unwound->frame.general[kBp]};
+    if (unwound && unwound->ended) return std::nullopt;
     const std::uint64_t from = unwound ? unwound->frame.general[kSp] : sp;
     std::vector<std::uint8_t> stack(kSearchedStack);
     stack.resize(memory.readSome(from, stack.data(), stack.size()));
