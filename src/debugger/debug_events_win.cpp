@@ -133,12 +133,15 @@ int OnPlantedBreakpoint(DebuggerState* state, const DEBUG_EVENT& event, int inde
     const SourcePlace lastPlace = {static_cast<std::uint32_t>(state->currentLine), state->currentFileId};
     const std::uint64_t lastAddress = state->currentAddress;
     SetPlace(state, address, PlaceInImage(state->map, state->imageSize, address));
-    // A start and a step stop at their line whether the condition there holds or not.
     const bool ofStart = state->awaits != DebugAwaits::Nothing && address == state->startAddress;
-    const bool mustStop = ofStart || address == state->stepTarget || !moved;
-    const bool holds = hit.condition[0] == '\0' || DebugCheckCondition(state, hit.condition);
-    if (hit.temporary == 0 && (holds || mustStop)) ++HitEntry(state, index).hits;
-    if (!mustStop && (!holds || hit.hits + 1 < hit.stopFrom)) {
+    const HitVerdict verdict =
+        VerdictOfHit({.mustStop = ofStart || address == state->stepTarget || !moved,
+                      .holds = hit.condition[0] == '\0' || DebugCheckCondition(state, hit.condition),
+                      .temporary = hit.temporary != 0,
+                      .hits = hit.hits,
+                      .stopFrom = hit.stopFrom});
+    if (verdict.counts) ++HitEntry(state, index).hits;
+    if (!verdict.stops) {
         DebugStepOffAndResume(state);
         SetPlace(state, lastAddress, lastPlace);
         return kGoOn;

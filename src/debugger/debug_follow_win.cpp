@@ -47,22 +47,12 @@ StepInstruction InstructionAt(const DebuggerState& state, std::uint64_t address)
     return StepInstructionAt(std::span(bytes).first(count), state.isX64 != 0);
 }
 
-// Fills what the line map says about the instruction.
-void ReadLines(const DebuggerState& state, FollowView* view) {
-    std::uint32_t rva = 0;
-    if (view->place.line == 0 || !RvaOf(view->ip, state.map.imageBase, &rva)) return;
-    const std::int32_t record = SdbgFindRecord(&state.map, rva);
-    view->lineBegins = record >= 0 && state.map.lines[record].rva == rva;
-    const std::int32_t next = SdbgNextStop(&state.map, rva, 0, 0);
-    if (next >= 0) view->nextLine = state.map.imageBase + state.map.lines[next].rva;
-}
-
 bool ReadView(const DebuggerState& state, std::uint32_t threadId, FollowView* view) {
     ThreadPlace place;
     if (!ReadThreadPlace(state, threadId, &place)) return false;
-    *view = {.ip = place.ip, .sp = place.sp, .place = PlaceAtAddress(state, place.ip)};
+    *view = {.ip = place.ip, .sp = place.sp};
     view->instruction = InstructionAt(state, place.ip);
-    ReadLines(state, view);
+    FollowReadLines(state.map, state.imageSize, view);
     return true;
 }
 

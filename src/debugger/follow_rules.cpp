@@ -60,6 +60,16 @@ FollowMove AtLine(Follow* follow, const FollowView& view) {
 
 }  // namespace
 
+void FollowReadLines(const SdbgMap& map, std::uint32_t imageSize, FollowView* view) {
+    view->place = PlaceInImage(map, imageSize, view->ip);
+    std::uint32_t rva = 0;
+    if (view->place.line == 0 || !RvaOf(view->ip, map.imageBase, &rva)) return;
+    const std::int32_t record = SdbgFindRecord(&map, rva);
+    view->lineBegins = record >= 0 && map.lines[record].rva == rva;
+    const std::int32_t next = SdbgNextStop(&map, rva, 0, 0);
+    if (next >= 0) view->nextLine = map.imageBase + map.lines[next].rva;
+}
+
 FollowMove FollowBegin(Follow* follow, const FollowView& view) {
     if (follow->kind == FollowKind::None) return {};
     if (follow->kind == FollowKind::Instruction || follow->kind == FollowKind::InstructionOver)

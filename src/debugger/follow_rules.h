@@ -62,6 +62,8 @@ struct FollowMove {
     ReturnPlace to;
     std::uint64_t firstLine = 0;  // of Run: a procedure's first line, where it also stops below `to.leastSp`; 0: none
 };
+// Fills what the line map says about the place where the thread stands. `imageSize` 0: not known.
+void FollowReadLines(const SdbgMap& map, std::uint32_t imageSize, FollowView* view);
 // The first move of a step of `follow->kind`; `from`, `thread` and `traps` are set. Stop: no step is possible.
 FollowMove FollowBegin(Follow* follow, const FollowView& view);
 // The next move, after a single step or at the end of a run.

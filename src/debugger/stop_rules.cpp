@@ -87,6 +87,11 @@ SourcePlace PlaceOfTrap(const SdbgMap& map, std::uint64_t address) {
     return {};
 }
 
+HitVerdict VerdictOfHit(const BreakpointHit& hit) {
+    return {.counts = !hit.temporary && (hit.holds || hit.mustStop),
+            .stops = hit.mustStop || (hit.holds && hit.hits + 1 >= hit.stopFrom)};
+}
+
 bool IsRepeatedTrap(const SdbgMap& map, SourcePlace place, std::uint64_t address, std::int32_t lastLine,
                     std::uint64_t lastAddress) {
     return map.nativeTrapMap != 0 && place.line != 0 && static_cast<std::int64_t>(place.line) == lastLine &&

@@ -71,6 +71,21 @@ struct PausePlace {
 };
 PausePlace PlaceOfPause(const SdbgMap& map, std::uint32_t imageSize, std::uint64_t address, bool standsThere);
 
+// --- Breakpoints that were hit
+struct BreakpointHit {
+    bool mustStop = false;  // at the line of a start, at the target of a step, or because the thread cannot go on
+    bool holds = true;      // its condition
+    bool temporary = false;
+    std::uint32_t hits = 0;  // before this one
+    std::uint32_t stopFrom = 0;
+};
+struct HitVerdict {
+    bool counts = false;
+    bool stops = false;
+};
+// A start and a step stop at their line whether the condition there holds or not.
+HitVerdict VerdictOfHit(const BreakpointHit& hit);
+
 // --- Traps of the program's own
 // True for a further trap on the line of the last stop, because a run of trap bytes on one statement stops once.
 bool IsRepeatedTrap(const SdbgMap& map, SourcePlace place, std::uint64_t address, std::int32_t lastLine,

@@ -97,15 +97,13 @@ void ShowPaneContent() {
 void FillPaneContent(PaneContent& content) {
     const PaneProgram& program = PaneProgramNow();
     const PaneView& view = PaneCurrentView();
+    const PaneShows shows = PaneShowsNow(program, view.ofStop, content.processId);
     content.reveal = -1;
-    content.stale = view.ofStop && program.session && !program.stopped;
-    if (view.ofStop && !program.session) {
+    content.stale = shows == PaneShows::Stale;
+    if (shows == PaneShows::NoSession || shows == PaneShows::Running) {
         content = {};
-        content.hint = kNoSession;
-    } else if (content.stale && content.processId != program.processId) {
-        content = {};
-        content.hint = kRunning;
-    } else if (!content.stale) {
+        content.hint = shows == PaneShows::Running ? kRunning : kNoSession;
+    } else if (shows == PaneShows::Now) {
         content.processId = program.processId;
         content.rows.clear();
         content.hint.clear();

@@ -36,6 +36,13 @@ void NoteStop(PaneProgram* program, const PaneSession& session, const RegisterRe
 
 }  // namespace
 
+PaneShows PaneShowsNow(const PaneProgram& program, bool ofStop, std::uint32_t readOf) {
+    if (!ofStop) return PaneShows::Now;
+    if (!program.session) return PaneShows::NoSession;
+    if (program.stopped) return PaneShows::Now;
+    return readOf == program.processId ? PaneShows::Stale : PaneShows::Running;
+}
+
 bool PaneProgramFollow(PaneProgram* program, const PaneSession& session, const RegisterReader& read) {
     const bool other = !session.active || session.processId != program->processId;
     if (other) ForgetProgram(program);

@@ -37,6 +37,16 @@ using RegisterReader = std::function<std::optional<RegisterSet>(std::uint32_t th
 // than before, or none any more, and whatever else was read of the old one is void.
 bool PaneProgramFollow(PaneProgram* program, const PaneSession& session, const RegisterReader& read);
 
+// What a view shows now.
+enum class PaneShows : std::uint8_t {
+    NoSession,  // a hint, because there is no program
+    Running,    // a hint, because nothing was read of this program yet
+    Stale,      // what was read at the last stop
+    Now,        // what is read now
+};
+// `ofStop`: the view shows a stopped program and nothing else; `readOf` is the process that its rows were read from.
+PaneShows PaneShowsNow(const PaneProgram& program, bool ofStop, std::uint32_t readOf);
+
 // --- Source
 // A text in UTF-8 and where its lines begin.
 struct SourceLines {

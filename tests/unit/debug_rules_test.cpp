@@ -308,4 +308,23 @@ TEST(DebugRegisters, AreShownInTheirWidthAndOrder) {
     EXPECT_EQ(shown(L"RAX"), L"none");
 }
 
+TEST(BreakpointHits, StopByConditionCountAndStep) {
+    const struct {
+        const char* name;
+        BreakpointHit hit;
+        bool counts, stops;
+    } cases[] = {{"plain", {}, true, true},
+                 {"a false condition", {.holds = false}, false, false},
+                 {"a step's target whose condition is false", {.mustStop = true, .holds = false}, true, true},
+                 {"of a step", {.temporary = true}, false, true},
+                 {"the second of three", {.hits = 1, .stopFrom = 3}, true, false},
+                 {"the third", {.hits = 2, .stopFrom = 3}, true, true},
+                 {"a step's target before the third", {.mustStop = true, .hits = 1, .stopFrom = 3}, true, true}};
+    for (const auto& each : cases) {
+        const HitVerdict verdict = VerdictOfHit(each.hit);
+        EXPECT_EQ(verdict.counts, each.counts) << each.name;
+        EXPECT_EQ(verdict.stops, each.stops) << each.name;
+    }
+}
+
 }  // namespace
