@@ -17,8 +17,10 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
 #include <array>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -51,32 +53,42 @@ void ShareStatusWidth() {
     InvalidateRect(g_commands.hStatusBar, nullptr, FALSE);
 }
 
-// Makes a part wide enough for a text. Returns false when it was so already.
-bool WidenStatusPart(std::size_t part, const std::wstring& text) {
-    const int length = static_cast<int>(text.size());
-    if (part == kMessage || length <= g_sizes.longest[part]) return false;
-    g_sizes.longest[part] = length;
-    const int width = UiScaled(kBeforeText) + UiTextWidth(text.c_str(), length) + UiScaled(kAfterText);
+// Makes a part wide enough for a text whose width is known.
+bool WidenStatusPart(std::size_t part, int textWidth) {
+    const int width = UiScaled(kBeforeText) + textWidth + UiScaled(kAfterText);
     if (width <= g_sizes.wanted[part]) return false;
     g_sizes.wanted[part] = width;
     return true;
 }
 
+// Returns false when the part is wide enough already. A text that is no longer than one before is taken to be so.
+bool WidenForText(std::size_t part, const std::wstring& text) {
+    const int length = static_cast<int>(text.size());
+    if (part == kMessage || length <= g_sizes.longest[part]) return false;
+    g_sizes.longest[part] = length;
+    return WidenStatusPart(part, UiTextWidth(text.c_str(), length));
+}
+
 void MeasureStatusParts() {
     g_sizes.longest = {};
     g_sizes.wanted = {UiScaled(kMinimumMessage)};
-    for (const auto& [part, text] : StatusSamples()) {
-        g_sizes.longest[part] = 0;  // the longest is not always the widest
-        WidenStatusPart(part, text);
+    std::vector<std::wstring> texts;
+    const auto samples = StatusSamples();
+    for (const auto& sample : samples) texts.push_back(sample.second);
+    const std::vector<int> widths = UiTextWidths(texts);
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        int& longest = g_sizes.longest[samples[i].first];
+        longest = std::max(longest, static_cast<int>(texts[i].size()));
+        WidenStatusPart(samples[i].first, widths[i]);
     }
-    for (std::size_t part = 0; part < kStatusPartCount; ++part) WidenStatusPart(part, g_texts[part]);
+    for (std::size_t part = 0; part < kStatusPartCount; ++part) WidenForText(part, g_texts[part]);
 }
 
 void SetStatusPart(int part, const std::wstring& text) {
     std::wstring& shown = g_texts[static_cast<std::size_t>(part)];
     if (g_commands.hStatusBar == nullptr || text == shown) return;
     shown = text;
-    if (WidenStatusPart(static_cast<std::size_t>(part), text)) ShareStatusWidth();
+    if (WidenForText(static_cast<std::size_t>(part), text)) ShareStatusWidth();
     g_takesText = true;
     SendMessageW(g_commands.hStatusBar, SB_SETTEXTW, static_cast<WPARAM>(part | SBT_NOBORDERS),
                  reinterpret_cast<LPARAM>(text.c_str()));

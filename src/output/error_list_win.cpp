@@ -12,6 +12,7 @@
 #include "ui/list_header.h"
 
 #include <commctrl.h>
+#include <uxtheme.h>
 
 #include <string>
 
@@ -55,6 +56,7 @@ HWND ErrorListCreate(HWND parent, int controlId) {
         column.pszText = title.data();
         SendMessageW(list, LVM_INSERTCOLUMNW, i, reinterpret_cast<LPARAM>(&column));
     }
+    SetWindowTheme(list, L"Explorer", nullptr);  // the looks of its rows
     ApplyTheme(list);
     SendMessageW(list, LVM_SETITEMCOUNT, static_cast<WPARAM>(ErrorCount(g_output.errors)), 0);
     return list;

@@ -206,7 +206,10 @@ void ControlApplyTheme(HWND control) {
 }
 
 void ScrollBarsApplyTheme(HWND window) {
-    if (window != nullptr) SetWindowTheme(window, ThemeIsDark() ? L"DarkMode_Explorer" : L"Explorer", nullptr);
+    static bool everDark = false;  // until then the system's are right, and asking for them costs time at the start
+    everDark = everDark || ThemeIsDark();
+    if (window != nullptr && everDark)
+        SetWindowTheme(window, ThemeIsDark() ? L"DarkMode_Explorer" : L"Explorer", nullptr);
 }
 
 // A tooltip with a visual style would not take the colours.

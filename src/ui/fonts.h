@@ -3,6 +3,10 @@
 
 #include <windows.h>
 
+#include <span>
+#include <string>
+#include <vector>
+
 // The message font of the system at the current DPI.
 HFONT UiFont();
 // The fixed-pitch font of the setting OutputFont at the current DPI.
@@ -24,3 +28,4 @@ const UiFontSizes& UiSizes();
 void UiFontsRenew();
 
 int UiTextWidth(const wchar_t* text, int length);  // pixels, in UiFont; `length` characters
+std::vector<int> UiTextWidths(std::span<const std::wstring> texts);

@@ -79,12 +79,21 @@ void UiFontsRenew() {
     if (g_fonts.text || g_fonts.stock) g_oldFonts = std::exchange(g_fonts, {});
 }
 
-int UiTextWidth(const wchar_t* text, int length) {
+std::vector<int> UiTextWidths(std::span<const std::wstring> texts) {
+    std::vector<int> widths;
     const HDC dc = GetDC(nullptr);
     const HGDIOBJ old = SelectObject(dc, UiFont());
-    SIZE size = {};
-    GetTextExtentPoint32W(dc, text, length, &size);
+    for (const std::wstring& text : texts) {
+        SIZE size = {};
+        GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
+        widths.push_back(static_cast<int>(size.cx));
+    }
     SelectObject(dc, old);
     ReleaseDC(nullptr, dc);
-    return static_cast<int>(size.cx);
+    return widths;
+}
+
+int UiTextWidth(const wchar_t* text, int length) {
+    const std::wstring one(text, static_cast<std::size_t>(length));
+    return UiTextWidths({&one, 1}).front();
 }
