@@ -71,6 +71,8 @@ TEST(DebugMenus, TheSelectedRowIsCopied) {
         const std::wstring text = Copied([&] { session.editor.Keys({VK_CONTROL, 'C'}); });
         EXPECT_EQ(Utf8(text), Utf8(expected));
         EXPECT_EQ(Count(text, L"\t"), c.columns - 1);
+        const auto lit = [&](int command) { return session.editor.ButtonWorks(command); };
+        EXPECT_TRUE(WaitFor([&] { return lit(IDM_EDIT_COPY) && !lit(IDM_EDIT_CUT) && !lit(IDM_EDIT_UNDO); }));
         EXPECT_EQ(Copied([&] { session.editor.Do(IDM_EDIT_COPY); }), text) << "by the Edit menu";
     }
     session.Select(kMemory);
