@@ -2,6 +2,7 @@
 #include "app/app_state.h"
 #include "app/main_window.h"
 #include "app/recent_menu.h"
+#include "app/settings_dialog.h"
 #include "commands/command_state.h"
 #include "commands/edit_target.h"
 #include "commands/status_bar.h"
@@ -156,6 +157,7 @@ constexpr CommandHandler kFrameHandlers[] = {
     {IDM_BOOKMARK_NEXT, GoToBookmark},
     {IDM_BOOKMARK_PREVIOUS, GoToBookmark},
     {IDM_BOOKMARKS_CLEAR, [](int) { BookmarksClear(g_app.hEditor); }},
+    {IDM_PROJECT_SETTINGS, [](int) { SettingsDialogShow(g_app.hMainWnd); }},
     {IDM_PROJECT_FOLDER, [](int) { ChooseProjectFolder(); }},
     {IDM_WORKSPACE_NEW, [](int) { WorkspaceNew(); }},
     {IDM_WORKSPACE_OPEN, [](int) { OpenWorkspace(); }},

@@ -93,7 +93,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_PROFILE_FAST, kAlways, [](const CommandView& v) { return v.profile == 2; }},
     {IDM_ERROR_NEXT, kHasErrors},
     {IDM_ERROR_PREVIOUS, kHasErrors},
-    {IDM_PROJECT_SETTINGS, kNever},
+    {IDM_PROJECT_SETTINGS, kAlways},
     {IDM_WORKSPACE_NEW, kAlways},
     {IDM_WORKSPACE_OPEN, kAlways},
     {IDM_WORKSPACE_SAVE, kAlways},
@@ -167,7 +167,7 @@ constexpr auto kAllCommands = AllCommands(std::make_index_sequence<kCompilerCoun
 constexpr std::uint16_t kCancel = 0x03, kTab = 0x09, kLeft = 0x25, kRight = 0x27, kZero = 0x30, kNumpad0 = 0x60,
                         kNumpadAdd = 0x6B, kNumpadSubtract = 0x6D, kF2 = 0x71, kF3 = 0x72, kF4 = 0x73, kF5 = 0x74,
                         kF8 = 0x77, kF9 = 0x78, kF10 = 0x79, kF6 = 0x75, kF7 = 0x76, kF11 = 0x7A, kBackquote = 0xC0,
-                        kOemPlus = 0xBB, kOemMinus = 0xBD;
+                        kOemPlus = 0xBB, kOemMinus = 0xBD, kComma = 0xBC;
 
 constexpr ExtraKey kExtraKeys[] = {
     {kCancel, true, false, false, IDM_BUILD_STOP},
@@ -206,6 +206,7 @@ constexpr ExtraKey kExtraKeys[] = {
     {kF7, true, false, false, IDM_NEXT_COMPILER},
     {kF6, false, false, false, IDM_NEXT_PANE},
     {kF6, false, true, false, IDM_PREVIOUS_PANE},
+    {kComma, true, false, false, IDM_PROJECT_SETTINGS},
     {kBackquote, true, false, false, IDM_VIEW_TERMINAL},
     {'E', true, true, false, IDM_VIEW_TREE},
     {'M', true, true, false, IDM_VIEW_ERROR_LIST},

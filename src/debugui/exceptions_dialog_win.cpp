@@ -68,14 +68,6 @@ void AddCode(HWND dialog) {
     SetFocus(ListOf(dialog));
 }
 
-void Accept(HWND dialog) {
-    SettingsChange([&](Settings& settings) {
-        SafeCopyW(settings.exceptionRules, std::size(settings.exceptionRules), ExceptionSettingOf(RulesOf(dialog)));
-    });
-    SettingsSave(nullptr);
-    EndDialog(dialog, IDOK);
-}
-
 void OnExceptionsCommand(HWND dialog, int control, int notification) {
     switch (control) {
         case IDC_EXCEPTIONS_LIST:
@@ -89,7 +81,8 @@ void OnExceptionsCommand(HWND dialog, int control, int notification) {
             FillList(dialog, 0);
             break;
         case IDOK:  // Enter in the field of the code adds it
-            GetFocus() == GetDlgItem(dialog, IDC_EXCEPTIONS_CODE) ? AddCode(dialog) : Accept(dialog);
+            GetFocus() == GetDlgItem(dialog, IDC_EXCEPTIONS_CODE) ? AddCode(dialog)
+                                                                  : static_cast<void>(EndDialog(dialog, IDOK));
             break;
         case IDCANCEL: EndDialog(dialog, IDCANCEL); break;
         default: break;
@@ -118,9 +111,19 @@ INT_PTR CALLBACK ExceptionsDlgProc(HWND dialog, UINT message, WPARAM wParam, LPA
 
 }  // namespace
 
+bool EditExceptionRules(HWND owner, std::wstring& setting) {
+    ExceptionRows rules = ExceptionRowsOf(setting);
+    const INT_PTR answer = DialogBoxParamW(g_ui.hInstance, MAKEINTRESOURCEW(IDD_EXCEPTIONS), owner, ExceptionsDlgProc,
+                                           reinterpret_cast<LPARAM>(&rules));
+    if (answer == -1) AppLogMsg(L"FAIL: EditExceptionRules error=%lu", GetLastError());
+    if (answer != IDOK) return false;
+    setting = ExceptionSettingOf(rules);
+    return true;
+}
+
 void AskExceptionRules(HWND owner) {
-    ExceptionRows rules = ExceptionRowsOf(g_settings.exceptionRules);
-    if (DialogBoxParamW(g_ui.hInstance, MAKEINTRESOURCEW(IDD_EXCEPTIONS), owner, ExceptionsDlgProc,
-                        reinterpret_cast<LPARAM>(&rules)) == -1)
-        AppLogMsg(L"FAIL: AskExceptionRules error=%lu", GetLastError());
+    std::wstring rules = g_settings.exceptionRules;
+    if (!EditExceptionRules(owner, rules)) return;
+    SettingsChange([&](Settings& settings) { SafeCopyW(settings.exceptionRules, rules); });
+    SettingsSave(nullptr);
 }

@@ -174,6 +174,20 @@
 // The first editor. Each tab that is ever opened gets the next number.
 #define IDC_EDITOR_FIRST 5000
 
+// --- Controls of the settings dialog
+#define IDC_SETTINGS_SEARCH 2700
+#define IDC_SETTINGS_PAGES 2701
+#define IDC_SETTINGS_APPLY 2702
+#define IDC_SETTINGS_EXPORT 2703
+#define IDC_SETTINGS_IMPORT 2704
+#define IDC_SETTINGS_RESET 2705
+#define IDC_SETTINGS_SEARCH_LABEL 2706
+#define IDC_SETTINGS_NOTHING 2707
+#define IDC_SETTINGS_PAGE_FIRST 2750  // one for each page, in their order
+// Controls of a page: SETTINGS_PARTS numbers for each item, of which the first is its field.
+#define IDC_SETTINGS_ITEM_FIRST 6000
+#define SETTINGS_PARTS 8
+
 // --- Controls of the go-to-line dialog
 #define IDC_GOTO_LINE 3151
 #define IDC_GOTO_LINE_COUNT 3152
@@ -222,6 +236,8 @@
 #define MSG_DEBUG_LAUNCH (0x8000 + 11)     // starts the program of a finished debug build under the debugger
 #define MSG_COMPILERS_SEEN (0x8000 + 24)   // wParam: what CompilersLook found, for CompilersOnLooked
 #define MSG_TREE_ITEMS (0x8000 + 10)       // to the project tree; wParam: TreeListing*, deleted by the receiver
+#define MSG_SETTINGS_LOOKED (0x8000 + 40)  // to the settings dialog; wParam: PathSight*, deleted by the receiver
+#define MSG_SETTINGS_TESTED (0x8000 + 41)  // to the settings dialog; wParam: CompilerReply*, deleted by the receiver
 // A key that was put off while a debugged program started. wParam: virtual key, lParam: LATE_KEY bits
 #define MSG_LATE_KEY (0x8000 + 31)
 #define LATE_KEY_CONTROL 1

@@ -5,6 +5,8 @@
 #include "settings/settings.h"
 
 #include <cstddef>
+#include <string>
+#include <vector>
 
 // The full path of the settings file. Without `overridePath` (null or empty) it is "Editor.ini" in the executable's
 // folder. An absolute path is taken as it is; any other is joined to the executable's folder. The user's own folder takes
@@ -27,9 +29,11 @@ bool WriteIniText(const wchar_t* iniPath, const wchar_t* section, const wchar_t*
 void SessionMRULoad(const wchar_t* overridePath = nullptr);
 void SessionMRUSave(const wchar_t* overridePath = nullptr);
 
-// Operations for a settings dialog; nothing calls them until there is one. Export and import return true on success. A
-// failed import leaves the file and the record unchanged. Import and reset raise settingsChanged.
+// Export and import return true on success. Import and reset raise settingsChanged. An import takes what the file gives
+// and leaves every other setting as it is (settings/settings_import.h); the settings from before are in "Editor.ini.bak".
+// `notUnderstood` gets the keys of the file that mean nothing here. An import that fails leaves file and record
+// unchanged, and a file without any setting of this program fails.
 bool SettingsExport(const wchar_t* target);
-bool SettingsImport(const wchar_t* source);
+bool SettingsImport(const wchar_t* source, std::vector<std::wstring>* notUnderstood = nullptr);
 // Deletes the file and resets the record with SettingsReset.
 void SettingsResetAll();

@@ -15,6 +15,7 @@
 #include "settings/secret_text.h"
 #include "settings/secrets.h"
 #include "settings/settings_file.h"
+#include "settings/settings_import.h"
 #include "settings/settings_place.h"
 #include "settings/settings_state.h"
 
@@ -22,6 +23,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -144,6 +146,22 @@ bool WriteSettings(const wchar_t* ini, std::string_view bytes) {
     return written;
 }
 
+// The sections of an INI file. One that is too long for the buffer is cut; this program writes none of that length.
+std::vector<IniSectionText> SectionsOf(const wchar_t* path) {
+    constexpr DWORD kLongest = 1U << 18U;  // characters
+    std::vector<IniSectionText> sections;
+    std::wstring names(kLongest, L'\0');
+    std::wstring lines(kLongest, L'\0');
+    names.resize(GetPrivateProfileSectionNamesW(names.data(), kLongest, path));
+    for (std::size_t at = 0; at < names.size();) {
+        const std::wstring name = names.c_str() + at;
+        at += name.size() + 1;
+        const DWORD length = GetPrivateProfileSectionW(name.c_str(), lines.data(), kLongest, path);
+        if (!name.empty()) sections.push_back({.name = name, .lines = lines.substr(0, length)});
+    }
+    return sections;
+}
+
 bool IsDefaultFile(const wchar_t* overridePath) { return overridePath == nullptr || !PathIsAbsolute(overridePath); }
 
 void TellUnreadable(const wchar_t* ini) {
@@ -243,14 +261,22 @@ bool SettingsExport(const wchar_t* target) {
     return target != nullptr && CopySettings(ini, target);
 }
 
-bool SettingsImport(const wchar_t* source) {
+bool SettingsImport(const wchar_t* source, std::vector<std::wstring>* notUnderstood) {
+    if (source == nullptr) return false;
     wchar_t ini[kPathCapacity] = {};
     GetIniPath(nullptr, ini, kPathCapacity);
+    ImportFinding finding = LookAtImport(SectionsOf(source));
+    if (finding.given.empty()) return false;  // not a file of settings
+    if (FileExists(ini) && !CopySettings(ini, (std::wstring{ini} + L".bak").c_str()))
+        AppLogMsg(L"FAIL: SettingsImport backup error=%lu", GetLastError());
     // A copy that breaks off does not change the settings, because it is made beside them.
-    if (source == nullptr || !CopySettings(source, ini)) return false;
+    if (!CopySettings(source, ini)) return false;
     const SettingsEdit edit;
+    const auto before = std::make_unique<Settings>(g_settings);  // 150 kB, too much for the stack
     SettingsLoad(nullptr);
-    return true;
+    KeepWhatImportLacks(finding, *before, g_settings);
+    if (notUnderstood != nullptr) *notUnderstood = std::move(finding.notUnderstood);
+    return SettingsSave(nullptr) != 0;
 }
 
 void SettingsResetAll() {

@@ -103,7 +103,19 @@ void PaintBox(HWND button) {
     DrawButtonText(button, paint.Dc(), text, DT_LEFT, focusArea);
 }
 
-// The field within is a window of its own, which WS_CLIPCHILDREN leaves alone.
+// The chosen text of a combo box whose field is not a window of its own.
+void DrawChosenText(HWND combo, HDC dc, RECT area) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    const auto font = reinterpret_cast<HFONT>(SendMessageW(combo, WM_GETFONT, 0, 0));
+    const HGDIOBJ oldFont = SelectObject(dc, font != nullptr ? font : UiFont());
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, IsWindowEnabled(combo) ? chrome.paneText : ThemeQuietText());
+    area.left += UiScaled(4);
+    DrawTextW(dc, WindowText(combo).c_str(), -1, &area, DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
+    SelectObject(dc, oldFont);
+}
+
+// A field that is a window of its own is left alone because of WS_CLIPCHILDREN.
 void PaintCombo(HWND combo) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     COMBOBOXINFO info = {};
@@ -113,6 +125,8 @@ void PaintCombo(HWND combo) {
     RECT area = paint.Client();
     FillArea(paint.Dc(), area, chrome.paneBack);
     FrameArea(paint.Dc(), area, HasFocus(combo) ? chrome.accent : chrome.line);
+    if (info.hwndItem == nullptr || info.hwndItem == combo)
+        DrawChosenText(combo, paint.Dc(), {area.left, area.top, info.rcButton.left, area.bottom});
     DrawDropArrow(paint.Dc(), info.rcButton, info.rcButton.right - info.rcButton.left, chrome.paneText);
 }
 
@@ -159,6 +173,10 @@ bool DrawsAtOnce(UINT message, ControlKind kind) {
         case WM_LBUTTONUP:
         case WM_MOUSEMOVE:
         case WM_CAPTURECHANGED:
+        case WM_KEYDOWN:
+        case WM_CHAR:
+        case WM_MOUSEWHEEL:
+        case CB_SETCURSEL:
         case CB_SHOWDROPDOWN: return kind == kCombo;
         default: return false;
     }

@@ -11,8 +11,11 @@ MenuItemText SplitMenuText(std::wstring_view text) {
 }
 
 std::wstring MenuNameShown(std::wstring_view name) {
-    std::wstring shown(name);
-    std::erase(shown, L'&');
+    std::wstring shown;
+    for (std::size_t at = 0; at < name.size(); ++at) {
+        if (name[at] == L'&' && ++at == name.size()) break;  // "&&" is one that is shown
+        shown += name[at];
+    }
     return shown;
 }
 

@@ -20,11 +20,18 @@ constexpr std::size_t kMessageCapacity = 2048;
 constexpr UINT kButtonFlags[] = {MB_OK, MB_YESNO, MB_YESNOCANCEL};                                     // by AskButtons
 constexpr UINT kIconFlags[] = {0, MB_ICONINFORMATION, MB_ICONQUESTION, MB_ICONWARNING, MB_ICONERROR};  // by AskIcon
 
+// The main window, or the dialog that keeps it waiting.
+HWND DialogOwner() {
+    if (g_ui.hMainWnd == nullptr || IsWindowEnabled(g_ui.hMainWnd)) return g_ui.hMainWnd;
+    const HWND dialog = GetLastActivePopup(g_ui.hMainWnd);
+    return IsWindowVisible(dialog) && IsWindowEnabled(dialog) ? dialog : g_ui.hMainWnd;
+}
+
 Answer ShowMessageBox(const UserQuestion& question) {
     const UINT flags =
         kButtonFlags[static_cast<std::size_t>(question.buttons)] | kIconFlags[static_cast<std::size_t>(question.icon)];
     const std::wstring text = BreakLongWords(question.text);
-    switch (ThemedMessageBox(g_ui.hMainWnd, text.c_str(), question.caption, flags)) {
+    switch (ThemedMessageBox(DialogOwner(), text.c_str(), question.caption, flags)) {
         case IDOK:
         case IDYES: return Answer::Yes;
         case IDNO: return Answer::No;

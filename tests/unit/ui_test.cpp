@@ -100,6 +100,7 @@ TEST(MenuText, AMnemonicOfSeveralItemsGoesOnToTheNext) {
     }
     EXPECT_EQ(SplitMenuText(L"&Save\tCtrl+S").key, L"Ctrl+S");
     EXPECT_EQ(SplitMenuText(L"Clean").key, L"");
+    EXPECT_EQ(MenuNameShown(L"Build && &Run"), L"Build & Run");
 }
 
 TEST(StatusBar, WhatIsSelected) {

@@ -1,0 +1,382 @@
+// The controls of the settings dialog: one kind for each kind of setting. UI thread only.
+#include "app/settings_dialog_internal.h"
+
+#include "app/settings_preview.h"
+#include "base/bounded_text.h"
+#include "debugui/exceptions_dialog.h"
+#include "settings/settings_state.h"
+#include "ui/chrome.h"
+#include "ui/control_theme.h"
+#include "ui/dpi.h"
+#include "ui/fonts.h"
+#include "ui/paint.h"
+#include "ui/subclass.h"
+#include "ui/theme_table.h"
+#include "ui/window_text.h"
+
+#include <commctrl.h>
+#include <commdlg.h>
+#include <objbase.h>
+#include <shlobj.h>
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+
+namespace {
+
+using enum SettingControl;
+
+struct ControlMaker {
+    HWND parent;
+    FormPlace place;
+
+    HWND Make(const wchar_t* kind, const wchar_t* text, DWORD style, SettingsPart part, DWORD edge = 0) const {
+        const auto id = IDC_SETTINGS_ITEM_FIRST + static_cast<INT_PTR>(place.item) * SETTINGS_PARTS + part;
+        const HWND control = CreateWindowExW(edge, kind, text, WS_CHILD | style, 0, 0, 10, 10, parent,
+                                             reinterpret_cast<HMENU>(id), g_ui.hInstance, nullptr);
+        SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
+        return control;
+    }
+    HWND Edit(DWORD style) const { return Make(WC_EDITW, L"", WS_TABSTOP | style, kPartField, WS_EX_CLIENTEDGE); }
+    HWND Button(const wchar_t* text, SettingsPart part, DWORD style = BS_PUSHBUTTON) const {
+        return Make(WC_BUTTONW, text, WS_TABSTOP | BS_NOTIFY | style, part);
+    }
+};
+
+// The wheel scrolls the page; it changes a list only while that is open.
+LRESULT CALLBACK ListWheelProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
+    if (message == WM_MOUSEWHEEL && SendMessageW(list, CB_GETDROPPEDSTATE, 0, 0) == 0)
+        return SendMessageW(GetParent(list), message, wParam, lParam);
+    return SubclassNext(list, message, wParam, lParam);
+}
+
+HWND MakeList(const ControlMaker& maker, DWORD style) {
+    const HWND list = maker.Make(WC_COMBOBOXW, L"", WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST | style, kPartField);
+    SubclassAdd(list, ListWheelProc);
+    return list;
+}
+
+HWND MakeKeyList(const ControlMaker& maker) {
+    const HWND list =
+        maker.Make(WC_LISTBOXW, L"", WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_USETABSTOPS | LBS_NOINTEGRALHEIGHT,
+                   kPartField, WS_EX_CLIENTEDGE);
+    const UINT tab = 220;  // dialog units of the list's font
+    SendMessageW(list, LB_SETTABSTOPS, 1, reinterpret_cast<LPARAM>(&tab));
+    for (const std::wstring& line : SettingsKeyLines())
+        SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(line.c_str()));
+    return list;
+}
+
+HWND MakeField(const ControlMaker& maker, const SettingItem& item, const std::wstring& label) {
+    constexpr DWORD kLines = ES_MULTILINE | ES_AUTOVSCROLL | WS_VSCROLL;
+    switch (item.control) {
+        case Check:
+        case FixedFonts: return maker.Button(label.c_str(), kPartField, BS_AUTOCHECKBOX);
+        case Choice: {
+            const HWND list = MakeList(maker, 0);
+            for (const wchar_t* const choice : item.choices)
+                SendMessageW(list, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(choice));
+            return list;
+        }
+        case Font: return MakeList(maker, CBS_SORT);
+        case LongText: return maker.Edit(kLines | ES_WANTRETURN);
+        case CommandPreview: return maker.Edit(kLines | ES_READONLY);
+        case FontPreview: return maker.Make(WC_STATICW, L"", SS_OWNERDRAW, kPartField);
+        case Secret: return maker.Edit(ES_AUTOHSCROLL | ES_PASSWORD);
+        case Exceptions: return maker.Edit(ES_AUTOHSCROLL | ES_READONLY);
+        case CompilerTest:
+        case Detect: return maker.Button(label.c_str(), kPartField);
+        case Keys: return MakeKeyList(maker);
+        default: return maker.Edit(ES_AUTOHSCROLL);
+    }
+}
+
+HWND MakeButton(const ControlMaker& maker, SettingControl control) {
+    switch (control) {
+        case File:
+        case SettingControl::Folder: return maker.Button(L"Browse...", kPartButton);
+        case Secret: return maker.Button(L"Show", kPartButton);
+        case Exceptions: return maker.Button(L"Change...", kPartButton);
+        case Colour: return maker.Button(L"Choose a colour", kPartButton, BS_OWNERDRAW);
+        default: return nullptr;
+    }
+}
+
+bool HasLabel(SettingControl control) {
+    return control != Check && control != FixedFonts && control != Keys && control != CompilerTest && control != Detect;
+}
+
+// --------------------------------------------------------------------------------------------------------- choosing
+
+void PutText(SettingsDialog& dialog, FormPlace place, const std::wstring& text) {
+    TextAt(dialog, place) = text;
+    dialog.filling = true;
+    SettingsFieldShow(dialog, place);
+    dialog.filling = false;
+    SettingsItemChanged(dialog, place);
+}
+
+void BrowseForFile(SettingsDialog& dialog, FormPlace place) {
+    wchar_t path[kPathCapacity] = {};
+    OPENFILENAMEW request = {};
+    request.lStructSize = sizeof(request);
+    request.hwndOwner = dialog.window;
+    request.lpstrFilter = L"Programs (*.exe)\0*.exe\0All Files (*.*)\0*.*\0";
+    request.lpstrFile = path;
+    request.nMaxFile = static_cast<DWORD>(kPathCapacity);
+    request.Flags = OFN_HIDEREADONLY | OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST | OFN_NOCHANGEDIR;
+    if (GetOpenFileNameW(&request) != FALSE) PutText(dialog, place, path);
+}
+
+void BrowseForFolder(SettingsDialog& dialog, FormPlace place) {
+    BROWSEINFOW request = {};
+    request.hwndOwner = dialog.window;
+    request.lpszTitle = ItemAt(place).label;
+    request.ulFlags = BIF_RETURNONLYFSDIRS;
+    LPITEMIDLIST chosen = SHBrowseForFolderW(&request);
+    if (chosen == nullptr) return;  // cancelled
+    wchar_t folder[MAX_PATH] = {};
+    if (SHGetPathFromIDListW(chosen, folder) != FALSE) PutText(dialog, place, folder);
+    CoTaskMemFree(chosen);
+}
+
+void ChooseColour(SettingsDialog& dialog, FormPlace place) {
+    static COLORREF ownColours[16] = {};  // of the system's dialog, as the user left them
+    CHOOSECOLORW request = {};
+    request.lStructSize = sizeof(request);
+    request.hwndOwner = dialog.window;
+    request.rgbResult = static_cast<COLORREF>(ColourOfText(TextAt(dialog, place)).value_or(0x808080));
+    request.lpCustColors = ownColours;
+    request.Flags = CC_RGBINIT | CC_FULLOPEN;
+    if (ChooseColorW(&request) == FALSE) return;
+    constexpr COLORREF kNearlyBlack = 0x010101;  // black means that there is no colour
+    const COLORREF colour = request.rgbResult != 0 ? request.rgbResult : kNearlyBlack;
+    PutText(dialog, place, ColourText(static_cast<std::int32_t>(colour)));
+}
+
+void ShowOrHideSecret(SettingsDialog& dialog, FormPlace place) {
+    const ItemWindows& windows = WindowsAt(dialog, place);
+    const bool hidden = SendMessageW(windows.parts[kPartField], EM_GETPASSWORDCHAR, 0, 0) != 0;
+    SendMessageW(windows.parts[kPartField], EM_SETPASSWORDCHAR, hidden ? 0 : L'\u25CF', 0);
+    InvalidateRect(windows.parts[kPartField], nullptr, TRUE);
+    SetWindowTextW(windows.parts[kPartButton], hidden ? L"Hide" : L"Show");
+}
+
+void ChangeExceptions(SettingsDialog& dialog, FormPlace place) {
+    std::wstring rules = TextAt(dialog, place);
+    if (EditExceptionRules(dialog.window, rules)) PutText(dialog, place, rules);
+}
+
+// --------------------------------------------------------------------------------------------------------- previews
+
+// The settings as they would be with the texts of the dialog.
+std::unique_ptr<Settings> DraftOf(const SettingsDialog& dialog) {
+    auto draft = std::make_unique<Settings>(g_settings);  // 150 kB, too much for the stack
+    FormPut(dialog.form, *draft);
+    return draft;
+}
+
+int FontHeightOf(const Settings& draft) { return UiFontHeight(std::clamp(draft.fontSize, 6, 72)); }
+
+struct SamplePiece {
+    TextRole role;
+    const wchar_t* text;
+};
+// Lines of a sample; a null text ends one.
+constexpr SamplePiece kSample[] = {
+    {TextRole::Preprocessor, L"#COMPILE EXE"},
+    {TextRole::Text, nullptr},
+    {TextRole::Keyword, L"FOR "},
+    {TextRole::Identifier, L"i"},
+    {TextRole::Operator, L" = "},
+    {TextRole::Number, L"1"},
+    {TextRole::Keyword, L" TO "},
+    {TextRole::Number, L"10"},
+    {TextRole::Comment, L"  ' 0O1lI"},
+    {TextRole::Text, nullptr},
+    {TextRole::Keyword, L"  PRINT "},
+    {TextRole::String, L"\"Hello\""},
+    {TextRole::Text, nullptr},
+};
+
+COLORREF ColourOfRole(const Settings& draft, const EditorPalette& palette, TextRole role) {
+    for (std::size_t i = 0; i < std::size(kOverriddenRoles); ++i)
+        if (kOverriddenRoles[i] == role && draft.colors[i] != 0) return static_cast<COLORREF>(draft.colors[i]);
+    return ThemeColorRef(palette.text[static_cast<std::size_t>(role)]);
+}
+
+void DrawSample(SettingsDialog& dialog, const DRAWITEMSTRUCT& draw) {
+    const auto draft = DraftOf(dialog);
+    const EditorPalette& palette = ThemePalette(draft->editorStylePreset, draft->theme != 0);
+    dialog.preview.Reset(CreateFontW(FontHeightOf(*draft), 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
+                                     OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, DEFAULT_PITCH,
+                                     draft->fontName));
+    FillArea(draw.hDC, draw.rcItem, ThemeColorRef(palette.back));
+    FrameArea(draw.hDC, draw.rcItem, ThemeCurrentChrome().line);
+    const HGDIOBJ old = SelectObject(draw.hDC, dialog.preview.Get());
+    SetBkMode(draw.hDC, TRANSPARENT);
+    TEXTMETRICW metrics = {};
+    GetTextMetricsW(draw.hDC, &metrics);
+    const int left = draw.rcItem.left + UiScaled(8);
+    RECT at = {left, draw.rcItem.top + UiScaled(6), draw.rcItem.right - 1, draw.rcItem.bottom - 1};
+    for (const SamplePiece& piece : kSample) {
+        if (piece.text == nullptr) {
+            at.left = left;
+            at.top += metrics.tmHeight;
+            continue;
+        }
+        SIZE size = {};
+        const int length = lstrlenW(piece.text);
+        GetTextExtentPoint32W(draw.hDC, piece.text, length, &size);
+        SetTextColor(draw.hDC, ColourOfRole(*draft, palette, piece.role));
+        ExtTextOutW(draw.hDC, at.left, at.top, ETO_CLIPPED, &at, piece.text, static_cast<UINT>(length), nullptr);
+        at.left += size.cx;
+    }
+    SelectObject(draw.hDC, old);
+}
+
+// The button of a colour shows it: the user's own, or that of the style.
+void DrawColour(const SettingsDialog& dialog, FormPlace place, const DRAWITEMSTRUCT& draw) {
+    const auto draft = DraftOf(dialog);
+    const auto index = (ItemAt(place).row->offset - offsetof(Settings, colors)) / sizeof(std::int32_t);
+    const EditorPalette& palette = ThemePalette(draft->editorStylePreset, draft->theme != 0);
+    RECT area = draw.rcItem;
+    FillArea(draw.hDC, area, ThemeColorRef(palette.back));
+    FrameArea(draw.hDC, area,
+              (draw.itemState & ODS_FOCUS) != 0 ? ThemeCurrentChrome().accent : ThemeCurrentChrome().line);
+    InflateRect(&area, -UiScaled(4), -UiScaled(4));
+    FillArea(draw.hDC, area, ColourOfRole(*draft, palette, kOverriddenRoles[index]));
+    if ((draw.itemState & ODS_FOCUS) != 0) DrawFocusRect(draw.hDC, &area);
+}
+
+struct FontSearch {
+    HWND list;
+    bool fixedOnly;
+};
+
+int CALLBACK AddFont(const LOGFONTW* font, const TEXTMETRICW*, DWORD, LPARAM parameter) {
+    const auto& search = *reinterpret_cast<const FontSearch*>(parameter);
+    const bool fits = !search.fixedOnly || (font->lfPitchAndFamily & 0x3U) == FIXED_PITCH;
+    if (fits && font->lfFaceName[0] != L'@' &&  // those with '@' are for vertical text
+        SendMessageW(search.list, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
+                     reinterpret_cast<LPARAM>(font->lfFaceName)) == CB_ERR)
+        SendMessageW(search.list, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(font->lfFaceName));
+    return 1;
+}
+
+void FillFonts(HWND list, bool fixedOnly) {
+    const FontSearch search{list, fixedOnly};
+    LOGFONTW any = {};
+    any.lfCharSet = DEFAULT_CHARSET;
+    SendMessageW(list, WM_SETREDRAW, FALSE, 0);
+    SendMessageW(list, CB_RESETCONTENT, 0, 0);
+    const HDC dc = GetDC(list);
+    EnumFontFamiliesExW(dc, &any, AddFont, reinterpret_cast<LPARAM>(&search), 0);
+    ReleaseDC(list, dc);
+    SendMessageW(list, WM_SETREDRAW, TRUE, 0);
+}
+
+// Chooses a text; one that is not in the list, such as a font that is not installed here, is added.
+void ChooseText(HWND list, const std::wstring& text) {
+    const auto parameter = reinterpret_cast<LPARAM>(text.c_str());
+    LRESULT at = SendMessageW(list, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), parameter);
+    if (at == CB_ERR) at = SendMessageW(list, CB_ADDSTRING, 0, parameter);
+    SendMessageW(list, CB_SETCURSEL, static_cast<WPARAM>(at), 0);
+}
+
+int NumberOf(const std::wstring& text) { return static_cast<int>(std::wcstol(text.c_str(), nullptr, 10)); }
+
+void SetTextIfOther(HWND control, const std::wstring& text) {
+    if (WindowText(control) != text) SetWindowTextW(control, text.c_str());
+}
+
+}  // namespace
+
+void SettingsFieldMake(SettingsDialog& dialog, FormPlace place, HWND parent, const std::wstring& label) {
+    const SettingItem& item = ItemAt(place);
+    const ControlMaker maker{parent, place};
+    HWND* const parts = WindowsAt(dialog, place).parts;
+    // In the order of the Tab key. A label gives the keyboard to the control after it.
+    if (item.heading != nullptr) {
+        parts[kPartHeading] = maker.Make(WC_STATICW, item.heading, SS_NOPREFIX, kPartHeading);
+        SendMessageW(parts[kPartHeading], WM_SETFONT, reinterpret_cast<WPARAM>(dialog.bold.Get()), FALSE);
+    }
+    if (HasLabel(item.control)) parts[kPartLabel] = maker.Make(WC_STATICW, label.c_str(), SS_ENDELLIPSIS, kPartLabel);
+    parts[kPartField] = MakeField(maker, item, label);
+    parts[kPartButton] = MakeButton(maker, item.control);
+    parts[kPartNote] = maker.Make(WC_STATICW, item.help, SS_NOPREFIX, kPartNote);
+    if (item.row != nullptr) SendMessageW(parts[kPartField], EM_SETLIMITTEXT, SettingItemLongest(item), 0);
+    for (HWND const part : WindowsAt(dialog, place).parts) ControlApplyTheme(part);
+}
+
+void SettingsFieldShow(SettingsDialog& dialog, FormPlace place) {
+    const HWND field = WindowsAt(dialog, place).parts[kPartField];
+    const std::wstring& text = TextAt(dialog, place);
+    switch (ItemAt(place).control) {
+        case Check: SendMessageW(field, BM_SETCHECK, NumberOf(text) != 0 ? BST_CHECKED : BST_UNCHECKED, 0); break;
+        case FixedFonts: SendMessageW(field, BM_SETCHECK, dialog.fixedFonts ? BST_CHECKED : BST_UNCHECKED, 0); break;
+        case Choice: {
+            const int last = static_cast<int>(ItemAt(place).choices.size()) - 1;
+            SendMessageW(field, CB_SETCURSEL, static_cast<WPARAM>(std::clamp(NumberOf(text), 0, last)), 0);
+            break;
+        }
+        case Font: ChooseText(field, text); break;
+        case Exceptions:
+            SetTextIfOther(field, text.empty() ? L"As they come: none is passed, none stops" : text);
+            break;
+        case CommandPreview:
+            SetTextIfOther(field, CommandPreviewOf(static_cast<std::uint32_t>(SettingsPages()[place.page].compiler),
+                                                   *DraftOf(dialog)));
+            break;
+        case FontPreview: InvalidateRect(field, nullptr, FALSE); break;
+        case CompilerTest:
+        case Detect:
+        case Keys: break;
+        default: SetTextIfOther(field, text); break;
+    }
+    const HWND button = WindowsAt(dialog, place).parts[kPartButton];
+    if (ItemAt(place).control == Colour) InvalidateRect(button, nullptr, FALSE);
+}
+
+std::wstring SettingsFieldText(SettingsDialog& dialog, FormPlace place) {
+    const HWND field = WindowsAt(dialog, place).parts[kPartField];
+    switch (ItemAt(place).control) {
+        case Check: return SendMessageW(field, BM_GETCHECK, 0, 0) == BST_CHECKED ? L"1" : L"0";
+        case Choice: return std::to_wstring(SendMessageW(field, CB_GETCURSEL, 0, 0));
+        case Font: {
+            wchar_t name[LF_FACESIZE * 2] = {};
+            const LRESULT at = SendMessageW(field, CB_GETCURSEL, 0, 0);
+            const LRESULT length = SendMessageW(field, CB_GETLBTEXTLEN, static_cast<WPARAM>(at), 0);
+            if (length > 0 && length < static_cast<LRESULT>(std::size(name)))
+                SendMessageW(field, CB_GETLBTEXT, static_cast<WPARAM>(at), reinterpret_cast<LPARAM>(name));
+            return name;
+        }
+        case Exceptions: return TextAt(dialog, place);
+        default: return WindowText(field);
+    }
+}
+
+void SettingsFieldPress(SettingsDialog& dialog, FormPlace place) {
+    switch (ItemAt(place).control) {
+        case File: return BrowseForFile(dialog, place);
+        case SettingControl::Folder: return BrowseForFolder(dialog, place);
+        case Colour: return ChooseColour(dialog, place);
+        case Secret: return ShowOrHideSecret(dialog, place);
+        case Exceptions: return ChangeExceptions(dialog, place);
+        case CompilerTest: return SettingsTestCompiler(dialog, place);
+        case Detect: return SettingsDetectCompilers(dialog, place);
+        default: return;
+    }
+}
+
+void SettingsFieldDraw(SettingsDialog& dialog, FormPlace place, const DRAWITEMSTRUCT& draw) {
+    if (ItemAt(place).control == Colour) return DrawColour(dialog, place, draw);
+    DrawSample(dialog, draw);
+}
+
+void SettingsFontsFill(SettingsDialog& dialog, std::size_t page) {
+    for (std::size_t i = 0; i < dialog.pages[page].items.size(); ++i)
+        if (ItemAt({page, i}).control == Font)
+            FillFonts(dialog.pages[page].items[i].parts[kPartField], dialog.fixedFonts);
+}

@@ -1,0 +1,303 @@
+// A page of the settings dialog: a window with the controls of its items, which scrolls when they need more room. UI
+// thread only.
+#include "app/settings_dialog_internal.h"
+
+#include "ui/chrome.h"
+#include "ui/control_theme.h"
+#include "ui/dpi.h"
+#include "ui/fonts.h"
+#include "ui/form_layout.h"
+#include "ui/window_text.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr wchar_t kPageClass[] = L"KvxSettingsPage";
+constexpr wchar_t kTakenLetters[] = L"SXIRA";  // by the controls of the frame
+
+SettingsDialog* DialogOfPage(HWND window) {
+    return reinterpret_cast<SettingsDialog*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+}
+
+std::size_t NumberOfPage(HWND window) {
+    return static_cast<std::size_t>(GetDlgCtrlID(window) - IDC_SETTINGS_PAGE_FIRST);
+}
+
+FormField FieldOf(SettingControl control) {
+    switch (control) {
+        case SettingControl::Check:
+        case SettingControl::FixedFonts: return FormField::Check;
+        case SettingControl::Number:
+        case SettingControl::Colour: return FormField::Short;
+        case SettingControl::Choice:
+        case SettingControl::Font: return FormField::Middle;
+        case SettingControl::LongText:
+        case SettingControl::FontPreview:
+        case SettingControl::CommandPreview: return FormField::Tall;
+        case SettingControl::Keys: return FormField::Fill;
+        case SettingControl::CompilerTest:
+        case SettingControl::Detect: return FormField::Button;
+        default: return FormField::Long;
+    }
+}
+
+int HeightOfText(HWND window, const std::wstring& text, int width) {
+    const HDC dc = GetDC(window);
+    const HGDIOBJ old = SelectObject(dc, UiFont());
+    RECT area = {0, 0, width, 0};
+    DrawTextW(dc, text.c_str(), -1, &area, DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
+    SelectObject(dc, old);
+    ReleaseDC(window, dc);
+    return area.bottom;
+}
+
+std::wstring NoteText(SettingsDialog& dialog, FormPlace place, NoteKind* kind) {
+    const SettingItem& item = ItemAt(place);
+    const ItemWindows& windows = WindowsAt(dialog, place);
+    *kind = NoteKind::Bad;
+    if (FormItemIsEdited(dialog.form, place)) {
+        std::wstring problem = SettingItemProblem(item, TextAt(dialog, place));
+        if (!problem.empty()) return problem;
+    }
+    *kind = windows.seen.empty() ? NoteKind::Help : windows.seenKind;
+    return windows.seen.empty() ? item.help : windows.seen;
+}
+
+FormPlan PlanOf(SettingsDialog& dialog, std::size_t page, SIZE room) {
+    const PageWindow& target = dialog.pages[page];
+    std::vector<FormRow> rows;
+    for (std::size_t i = 0; i < target.items.size(); ++i) {
+        const SettingItem& item = ItemAt({page, i});
+        rows.push_back({.field = FieldOf(item.control),
+                        .heading = item.heading != nullptr,
+                        .button = target.items[i].parts[kPartButton] != nullptr,
+                        .shown = target.items[i].shown,
+                        .hasNote = !WindowText(target.items[i].parts[kPartNote]).empty()});
+    }
+    const auto noteHeight = [&](std::size_t row, int width) {
+        return HeightOfText(target.window, WindowText(target.items[row].parts[kPartNote]), width);
+    };
+    const auto plan = [&](int width) {
+        return FormLayout(rows, {width, room.cy, g_ui.dpi, UiSizes().textHeight}, noteHeight);
+    };
+    FormPlan whole = plan(room.cx);
+    return whole.height <= room.cy ? whole : plan(room.cx - GetSystemMetrics(SM_CXVSCROLL));
+}
+
+void PlacePart(HDWP& moves, HWND part, const FormRect& at, int scroll) {
+    if (part == nullptr || moves == nullptr) return;
+    const bool shown = at.right > at.left;
+    const UINT flags = SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS | (shown ? SWP_SHOWWINDOW : SWP_HIDEWINDOW);
+    moves =
+        DeferWindowPos(moves, part, nullptr, at.left, at.top - scroll, at.right - at.left, at.bottom - at.top, flags);
+}
+
+void ScrollPage(SettingsDialog& dialog, std::size_t page, int position) {
+    PageWindow& target = dialog.pages[page];
+    RECT client = {};
+    GetClientRect(target.window, &client);
+    position = std::max(0, std::min<int>(position, target.height - client.bottom));
+    if (position == target.scroll) return;
+    ScrollWindowEx(target.window, 0, target.scroll - position, nullptr, nullptr, nullptr, nullptr,
+                   SW_SCROLLCHILDREN | SW_INVALIDATE | SW_ERASE);
+    target.scroll = position;
+    SetScrollPos(target.window, SB_VERT, position, TRUE);
+    UpdateWindow(target.window);
+}
+
+void OnPageScroll(SettingsDialog& dialog, std::size_t page, int request) {
+    PageWindow& target = dialog.pages[page];
+    SCROLLINFO info = {.cbSize = sizeof(SCROLLINFO), .fMask = SIF_ALL};
+    GetScrollInfo(target.window, SB_VERT, &info);
+    const int line = UiScaled(30);
+    switch (request) {
+        case SB_LINEUP: return ScrollPage(dialog, page, target.scroll - line);
+        case SB_LINEDOWN: return ScrollPage(dialog, page, target.scroll + line);
+        case SB_PAGEUP: return ScrollPage(dialog, page, target.scroll - static_cast<int>(info.nPage));
+        case SB_PAGEDOWN: return ScrollPage(dialog, page, target.scroll + static_cast<int>(info.nPage));
+        case SB_THUMBTRACK:
+        case SB_THUMBPOSITION: return ScrollPage(dialog, page, info.nTrackPos);
+        default: return;
+    }
+}
+
+void OnItemCommand(SettingsDialog& dialog, FormPlace place, int part, int notification) {
+    const SettingItem& item = ItemAt(place);
+    const bool isButton =
+        part == kPartButton || item.control == SettingControl::CompilerTest || item.control == SettingControl::Detect;
+    const bool isCheck = item.control == SettingControl::Check || item.control == SettingControl::FixedFonts;
+    const bool focused =
+        isButton || isCheck ? notification == BN_SETFOCUS : notification == EN_SETFOCUS || notification == CBN_SETFOCUS;
+    if (focused) return SettingsPageReveal(dialog, place);
+    if (dialog.filling) return;
+    if (isButton) {
+        if (notification == BN_CLICKED) SettingsFieldPress(dialog, place);
+        return;
+    }
+    const bool isList = item.control == SettingControl::Choice || item.control == SettingControl::Font;
+    const bool changed = isCheck  ? notification == BN_CLICKED
+                         : isList ? notification == CBN_SELCHANGE
+                                  : notification == EN_CHANGE;
+    if (!changed || part != kPartField) return;
+    if (item.row != nullptr) TextAt(dialog, place) = SettingsFieldText(dialog, place);
+    SettingsItemChanged(dialog, place);
+}
+
+LRESULT CALLBACK SettingsPageProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    SettingsDialog* const dialog = DialogOfPage(window);
+    if (dialog == nullptr) return DefWindowProcW(window, message, wParam, lParam);
+    const std::size_t page = NumberOfPage(window);
+    const auto itemOf = [](int id) {
+        return static_cast<std::size_t>((id - IDC_SETTINGS_ITEM_FIRST) / SETTINGS_PARTS);
+    };
+    switch (message) {
+        case WM_COMMAND:
+            if (LOWORD(wParam) >= IDC_SETTINGS_ITEM_FIRST)
+                OnItemCommand(*dialog, {page, itemOf(LOWORD(wParam))},
+                              (LOWORD(wParam) - IDC_SETTINGS_ITEM_FIRST) % SETTINGS_PARTS, HIWORD(wParam));
+            return 0;
+        case WM_DRAWITEM:
+            SettingsFieldDraw(*dialog, {page, itemOf(static_cast<int>(wParam))},
+                              *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+            return TRUE;
+        case WM_VSCROLL: OnPageScroll(*dialog, page, LOWORD(wParam)); return 0;
+        case WM_MOUSEWHEEL:
+            ScrollPage(*dialog, page,
+                       dialog->pages[page].scroll - GET_WHEEL_DELTA_WPARAM(wParam) * UiScaled(60) / WHEEL_DELTA);
+            return 0;
+        case WM_CTLCOLORSTATIC:
+        case WM_CTLCOLORBTN:
+        case WM_CTLCOLOREDIT:
+        case WM_CTLCOLORLISTBOX: return SendMessageW(dialog->window, message, wParam, lParam);
+        case WM_ERASEBKGND: {
+            RECT client = {};
+            GetClientRect(window, &client);
+            const LRESULT brush =
+                SendMessageW(dialog->window, WM_CTLCOLORDLG, wParam, reinterpret_cast<LPARAM>(window));
+            FillRect(reinterpret_cast<HDC>(wParam), &client, reinterpret_cast<HBRUSH>(brush));
+            return 1;
+        }
+        case WM_CLOSE:  // Esc in a field of several lines
+            PostMessageW(dialog->window, WM_COMMAND, IDCANCEL, 0);
+            return 0;
+        default: return DefWindowProcW(window, message, wParam, lParam);
+    }
+}
+
+void RegisterPageClass(HINSTANCE instance) {
+    WNDCLASSEXW window = {};
+    window.cbSize = sizeof(window);
+    window.lpfnWndProc = SettingsPageProc;
+    window.hInstance = instance;
+    window.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+    window.lpszClassName = kPageClass;
+    RegisterClassExW(&window);  // fails when it was registered before
+}
+
+}  // namespace
+
+COLORREF SettingsNoteColour(NoteKind kind) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    switch (kind) {
+        case NoteKind::Good: return chrome.success;
+        case NoteKind::Bad: return chrome.error;
+        default: return ThemeQuietText();
+    }
+}
+
+bool SettingsPageMake(SettingsDialog& dialog, std::size_t page) {
+    PageWindow& target = dialog.pages[page];
+    if (target.window != nullptr) return true;
+    RegisterPageClass(g_ui.hInstance);
+    target.window = CreateWindowExW(
+        WS_EX_CONTROLPARENT, kPageClass, nullptr, WS_CHILD | WS_CLIPCHILDREN | WS_VSCROLL, 0, 0, 0, 0, dialog.window,
+        reinterpret_cast<HMENU>(IDC_SETTINGS_PAGE_FIRST + static_cast<INT_PTR>(page)), g_ui.hInstance, nullptr);
+    if (target.window == nullptr) return false;
+    const std::vector<SettingItem>& items = SettingsPages()[page].items;
+    target.items.resize(items.size());
+    std::vector<const wchar_t*> labels;
+    for (const SettingItem& item : items) labels.push_back(item.label);
+    const std::vector<std::wstring> marked = WithMnemonics(labels, kTakenLetters);
+    dialog.filling = true;
+    for (std::size_t i = 0; i < items.size(); ++i) SettingsFieldMake(dialog, {page, i}, target.window, marked[i]);
+    SettingsFontsFill(dialog, page);
+    SetWindowLongPtrW(target.window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&dialog));
+    for (std::size_t i = 0; i < items.size(); ++i) SettingsFieldShow(dialog, {page, i});
+    dialog.filling = false;
+    // After the list of pages in the order of the Tab key.
+    SetWindowPos(target.window, GetDlgItem(dialog.window, IDC_SETTINGS_PAGES), 0, 0, 0, 0,
+                 SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    ScrollBarsApplyTheme(target.window);
+    return true;
+}
+
+void SettingsPagePlace(SettingsDialog& dialog, std::size_t page) {
+    PageWindow& target = dialog.pages[page];
+    if (target.window == nullptr) return;
+    RECT frame = {};
+    GetWindowRect(target.window, &frame);
+    const SIZE room = {frame.right - frame.left, frame.bottom - frame.top};
+    const FormPlan plan = PlanOf(dialog, page, room);
+    target.height = plan.height;
+    target.scroll = std::max(0, std::min<int>(target.scroll, plan.height - room.cy));
+    HDWP moves = BeginDeferWindowPos(static_cast<int>(target.items.size() * kPartCount));
+    for (std::size_t i = 0; i < target.items.size(); ++i) {
+        HWND const* const parts = target.items[i].parts;
+        const FormPlaceOfRow& at = plan.rows[i];
+        PlacePart(moves, parts[kPartHeading], at.heading, target.scroll);
+        PlacePart(moves, parts[kPartLabel], at.label, target.scroll);
+        // The list of a combo box drops below it; its height counts as the window's.
+        FormRect field = at.field;
+        if (FieldOf(ItemAt({page, i}).control) == FormField::Middle && field.right > field.left)
+            field.bottom += UiScaled(240);
+        PlacePart(moves, parts[kPartField], field, target.scroll);
+        PlacePart(moves, parts[kPartButton], at.button, target.scroll);
+        PlacePart(moves, parts[kPartNote], at.note, target.scroll);
+    }
+    if (moves != nullptr) EndDeferWindowPos(moves);
+    const SCROLLINFO info = {.cbSize = sizeof(SCROLLINFO),
+                             .fMask = SIF_RANGE | SIF_PAGE | SIF_POS,
+                             .nMin = 0,
+                             .nMax = plan.height - 1,
+                             .nPage = static_cast<UINT>(room.cy),
+                             .nPos = target.scroll,
+                             .nTrackPos = 0};
+    SetScrollInfo(target.window, SB_VERT, &info, TRUE);
+    InvalidateRect(target.window, nullptr, TRUE);
+}
+
+void SettingsPageReveal(SettingsDialog& dialog, FormPlace place) {
+    const PageWindow& target = dialog.pages[place.page];
+    RECT seen = {};
+    bool first = true;
+    for (HWND const part : target.items[place.item].parts) {
+        if (part == nullptr || (GetWindowLongPtrW(part, GWL_STYLE) & WS_VISIBLE) == 0) continue;
+        RECT area = {};
+        GetWindowRect(part, &area);
+        MapWindowPoints(nullptr, target.window, reinterpret_cast<POINT*>(&area), 2);
+        if (first)
+            seen = area;
+        else
+            UnionRect(&seen, &seen, &area);
+        first = false;
+    }
+    if (first) return;
+    RECT client = {};
+    GetClientRect(target.window, &client);
+    ScrollPage(dialog, place.page,
+               FormScrollTo(target.scroll, target.scroll + seen.top - UiScaled(6),
+                            target.scroll + seen.bottom + UiScaled(6), client.bottom, target.height));
+}
+
+void SettingsNoteRenew(SettingsDialog& dialog, FormPlace place) {
+    if (dialog.pages[place.page].window == nullptr) return;
+    ItemWindows& windows = WindowsAt(dialog, place);
+    const std::wstring text = NoteText(dialog, place, &windows.noteKind);
+    const HWND note = windows.parts[kPartNote];
+    if (WindowText(note) != text) {
+        SetWindowTextW(note, text.c_str());
+        SettingsPagePlace(dialog, place.page);
+    }
+    InvalidateRect(note, nullptr, TRUE);
+}

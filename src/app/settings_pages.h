@@ -1,0 +1,57 @@
+// The pages of the settings dialog: for each setting its page, its control, its texts and its limits. The dialog is laid
+// out from this table, so a setting that gets a line here appears by itself. Pure.
+#pragma once
+
+#include "settings/settings_schema.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+enum class SettingControl : std::uint8_t {
+    Check,
+    Number,
+    Text,
+    LongText,  // of several lines
+    Choice,    // one of `choices`; the setting holds its number
+    File,      // a path, with a button that browses and a mark that tells whether it is there
+    Folder,
+    Command,  // a command line
+    Font,     // a list of the fonts that are installed
+    Colour,   // "#RRGGBB", or empty
+    Secret,   // hidden until the user asks to see it
+    Url,
+    Exceptions,  // the rules of the dialog for exceptions
+    // What shows no setting:
+    FixedFonts,   // a mark: the lists of fonts have only those of fixed pitch
+    FontPreview,  // a text in the font and colours that are chosen
+    CommandPreview,
+    CompilerTest,  // runs the compiler
+    Detect,        // searches for the compilers
+    Keys,          // the list of all keys
+};
+
+struct SettingItem {
+    const SettingRow* row = nullptr;   // null: shows no setting
+    const wchar_t* heading = nullptr;  // begins a group of that name
+    SettingControl control = SettingControl::Text;
+    const wchar_t* label = L"";
+    const wchar_t* help = L"";
+    std::int32_t low = 0, high = 0;  // Number: what the user may type
+    std::span<const wchar_t* const> choices;
+};
+
+inline constexpr int kNoCompiler = -1;
+struct SettingsPage {
+    const wchar_t* title = L"";
+    int compiler = kNoCompiler;  // CompilerId of a sub-page
+    std::vector<SettingItem> items;
+};
+
+// In the order of the dialog. Built at the first call; UI thread.
+const std::vector<SettingsPage>& SettingsPages();
+
+// The settings that are on no page, because the program itself keeps them or because nothing uses them yet.
+bool SettingIsKeptByProgram(const SettingRow& row);

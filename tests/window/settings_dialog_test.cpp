@@ -1,0 +1,225 @@
+// The settings dialog of the real program, by keys and messages.
+#include "harness.h"
+
+#include <commctrl.h>
+
+#include "app/settings_pages.h"
+#include "resources/ids.h"
+
+namespace {
+
+struct SettingsWindow {
+    const Editor& editor;
+    HWND window = nullptr;
+
+    explicit SettingsWindow(const Editor& program) : editor(program) {
+        editor.Post(IDM_PROJECT_SETTINGS);
+        window = editor.AwaitDialog(L"Settings").window;
+    }
+    HWND Control(int id) const { return GetDlgItem(window, id); }
+    static std::size_t PageOf(std::wstring_view title) {
+        const auto& pages = SettingsPages();
+        for (std::size_t i = 0; i < pages.size(); ++i)
+            if (title == pages[i].title) return i;
+        return 0;
+    }
+    void Go(std::wstring_view title) const {
+        editor.Send(Control(IDC_SETTINGS_PAGES), LB_SETCURSEL, PageOf(title));
+        editor.Send(window, WM_COMMAND, MAKEWPARAM(IDC_SETTINGS_PAGES, LBN_SELCHANGE),
+                    reinterpret_cast<LPARAM>(Control(IDC_SETTINGS_PAGES)));
+    }
+    // A control of the item with this label; `part`: 0 its field, 2 its button, 3 its note.
+    HWND Of(std::wstring_view title, std::wstring_view label, int part = 0) const {
+        const std::size_t page = PageOf(title);
+        const auto& items = SettingsPages()[page].items;
+        for (std::size_t i = 0; i < items.size(); ++i)
+            if (label == items[i].label)
+                return GetDlgItem(Control(IDC_SETTINGS_PAGE_FIRST + static_cast<int>(page)),
+                                  IDC_SETTINGS_ITEM_FIRST + static_cast<int>(i) * SETTINGS_PARTS + part);
+        return nullptr;
+    }
+    void Set(HWND field, const std::wstring& text) const {
+        editor.Send(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+    }
+    void Choose(HWND list, WPARAM row) const {
+        editor.Send(list, CB_SETCURSEL, row);
+        editor.Send(GetParent(list), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(list), CBN_SELCHANGE),
+                    reinterpret_cast<LPARAM>(list));
+    }
+    void Press(int id) const { editor.Send(Control(id), BM_CLICK); }
+    // To the control that has the keyboard, through the dialog.
+    void Key(WPARAM key) const { PostMessageW(editor.Focus(), WM_KEYDOWN, key, 0); }
+    void Mnemonic(WPARAM letter) const { PostMessageW(editor.Focus(), WM_SYSCHAR, letter, 1L << 29); }
+    bool AwaitFocus(HWND control) const {
+        return WaitFor([&] { return editor.Focus() == control; });
+    }
+    void PostPress(int id) const { PostMessageW(Control(id), BM_CLICK, 0, 0); }
+    std::wstring Note(std::wstring_view title, std::wstring_view label) const {
+        return editor.TextOf(Of(title, label, 3));
+    }
+    bool Gone() const {
+        return WaitFor([&] { return !IsWindow(window); });
+    }
+};
+
+}  // namespace
+
+TEST(SettingsDialog, ChangesApplyAtOnceAndStayAndCancelChangesNothing) {
+    ProgramFolder folder(kCompilers);
+    folder.KeepNoSession();
+    Editor editor(folder);
+    editor.Foreground();
+    editor.Keys({VK_CONTROL, VK_OEM_COMMA});
+    const SettingsWindow byKey{editor};  // the command does not open a second one
+    EXPECT_EQ(std::ranges::count(editor.Dialogs(), L"Settings", &Dialog::caption), 1);
+    byKey.Set(byKey.Of(L"Editor", L"Tab width"), L"7");
+    byKey.Key(VK_ESCAPE);
+    ASSERT_TRUE(byKey.Gone()) << editor.Describe();
+    EXPECT_EQ(editor.Sci(SCI_GETTABWIDTH), 4);
+
+    const SettingsWindow dialog{editor};
+    const HWND apply = dialog.Control(IDC_SETTINGS_APPLY);
+    EXPECT_FALSE(IsWindowEnabled(apply));
+    dialog.Set(dialog.Of(L"Editor", L"Tab width"), L"6");
+    EXPECT_TRUE(IsWindowEnabled(apply));
+    editor.Send(dialog.Of(L"Editor", L"Show line numbers"), BM_CLICK);
+    dialog.Go(L"Appearance");
+    dialog.Choose(dialog.Of(L"Appearance", L"Theme"), 1);
+    dialog.Go(L"KVXB64");
+    dialog.Set(dialog.Of(L"KVXB64", L"Flags"), L"--own \"a b\"");
+    EXPECT_NE(editor.TextOf(dialog.Of(L"KVXB64", L"Result")).find(L"--own \"a b\" --debug"), std::wstring::npos);
+    EXPECT_EQ(dialog.Note(L"KVXB64", L"Program"), L"Found.");
+    editor.Send(dialog.Of(L"KVXB64", L"Test"), BM_CLICK);
+    EXPECT_TRUE(WaitFor([&] { return dialog.Note(L"KVXB64", L"Test").find(L"KVXB64") != std::wstring::npos; }))
+        << Utf8(dialog.Note(L"KVXB64", L"Test"));
+    dialog.Set(dialog.Of(L"KVXB64", L"Program"), folder.File(L"gone.exe"));
+    EXPECT_EQ(dialog.Note(L"KVXB64", L"Program"), L"Not found: there is no such file.");
+    dialog.Set(dialog.Of(L"KVXB64", L"Program"), folder.File(L"KVXB64\\KVXB64.exe"));
+    dialog.Press(IDC_SETTINGS_APPLY);
+    EXPECT_FALSE(IsWindowEnabled(apply));
+    EXPECT_EQ(editor.Sci(SCI_GETTABWIDTH), 6) << "without a restart";
+    EXPECT_EQ(editor.Sci(SCI_GETMARGINWIDTHN, 0), 0);
+    EXPECT_LT(editor.Sci(SCI_STYLEGETBACK, STYLE_DEFAULT) & 0xFF, 0x60) << "dark";
+    EXPECT_EQ(folder.Ini(L"Editor", L"TabWidth"), L"6");
+    EXPECT_EQ(folder.Ini(L"Editor", L"Theme"), L"1");
+    EXPECT_EQ(folder.Ini(L"KVXB64", L"Flags"), L"--own \"a b\"");
+
+    // A value that cannot be taken: nothing closes, its page and its field are shown, with the reason.
+    dialog.Go(L"Editor");
+    dialog.Set(dialog.Of(L"Editor", L"Tab width"), L"0");
+    dialog.Go(L"AI General");
+    dialog.Press(IDOK);
+    EXPECT_TRUE(IsWindow(dialog.window));
+    EXPECT_TRUE(dialog.AwaitFocus(dialog.Of(L"Editor", L"Tab width"))) << editor.Describe();
+    EXPECT_EQ(dialog.Note(L"Editor", L"Tab width"), L"A whole number from 1 to 32.");
+    dialog.Set(dialog.Of(L"Editor", L"Tab width"), L"5");
+    EXPECT_EQ(dialog.Note(L"Editor", L"Tab width"), L"Columns from one tab stop to the next.");
+    dialog.Press(IDOK);
+    ASSERT_TRUE(dialog.Gone());
+    EXPECT_EQ(editor.Sci(SCI_GETTABWIDTH), 5);
+    EXPECT_TRUE(IsWindowEnabled(editor.main));
+    EXPECT_EQ(editor.Close(), 0u);
+    EXPECT_EQ(folder.Ini(L"Editor", L"ShowLineNumbers"), L"0");
+}
+
+TEST(SettingsDialog, IsSearchedAndWorkedByKeysAlone) {
+    ProgramFolder folder;
+    folder.KeepNoSession();
+    folder.SetIni(L"AI", L"OpenAIKey", L"sk-marker-0123456789");
+    Editor editor(folder);
+    editor.ShowAt(144, 1000, 700);
+    const SettingsWindow dialog{editor};
+    const HWND pages = dialog.Control(IDC_SETTINGS_PAGES);
+    ASSERT_TRUE(dialog.AwaitFocus(pages)) << editor.Describe();
+    // Every page is made, and none of its fields is cut off at the right.
+    for (std::size_t page = 0; page < SettingsPages().size(); ++page) {
+        HWND shown = nullptr;  // made when it is first shown
+        ASSERT_TRUE(WaitFor([&] {
+            shown = dialog.Control(IDC_SETTINGS_PAGE_FIRST + static_cast<int>(page));
+            return IsWindowVisible(shown) != FALSE;
+        })) << page;
+        RECT client{};
+        GetClientRect(shown, &client);
+        for (HWND child = GetWindow(shown, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+            RECT at{};
+            GetWindowRect(child, &at);
+            MapWindowPoints(nullptr, shown, reinterpret_cast<POINT*>(&at), 2);
+            EXPECT_LE(at.right, client.right) << page << " " << GetDlgCtrlID(child);
+        }
+        dialog.Key(VK_DOWN);
+    }
+    dialog.Mnemonic(L's');
+    ASSERT_TRUE(dialog.AwaitFocus(dialog.Control(IDC_SETTINGS_SEARCH)));
+    dialog.Set(dialog.Control(IDC_SETTINGS_SEARCH), L"openaikey");
+    EXPECT_EQ(editor.Send(pages, LB_GETCOUNT), 1);
+    const HWND key = dialog.Of(L"OAI", L"Key");
+    EXPECT_TRUE(IsWindowVisible(key));
+    EXPECT_FALSE(IsWindowVisible(dialog.Of(L"OAI", L"Address"))) << "it does not match";
+    dialog.Key(VK_RETURN);
+    EXPECT_TRUE(dialog.AwaitFocus(key)) << "Enter goes to what was found";
+    EXPECT_NE(editor.Send(key, EM_GETPASSWORDCHAR), 0) << "hidden";
+    editor.Send(dialog.Of(L"OAI", L"Key", 2), BM_CLICK);
+    EXPECT_EQ(editor.Send(key, EM_GETPASSWORDCHAR), 0) << "shown on demand";
+    EXPECT_EQ(editor.TextOf(key), L"sk-marker-0123456789");
+    dialog.Set(dialog.Control(IDC_SETTINGS_SEARCH), L"nobody has this");
+    EXPECT_TRUE(IsWindowVisible(dialog.Control(IDC_SETTINGS_NOTHING)));
+    dialog.Mnemonic(L's');
+    ASSERT_TRUE(dialog.AwaitFocus(dialog.Control(IDC_SETTINGS_SEARCH)));
+    dialog.Key(VK_ESCAPE);
+    EXPECT_TRUE(WaitFor([&] {
+        return editor.Send(pages, LB_GETCOUNT) == static_cast<LRESULT>(SettingsPages().size());
+    })) << "the first Esc ends the search";
+    dialog.Key(VK_ESCAPE);
+    EXPECT_TRUE(dialog.Gone());
+    EXPECT_EQ(editor.Log().find(L"sk-marker"), std::wstring::npos);
+}
+
+TEST(SettingsDialog, ExportsImportsAndResets) {
+    ProgramFolder folder;
+    folder.KeepNoSession();
+    folder.SetIni(L"Editor", L"TabWidth", L"3");
+    folder.SetIni(L"Editor", L"BackupOnSave", L"1");
+    Editor editor(folder);
+    const SettingsWindow dialog{editor};
+    dialog.PostPress(IDC_SETTINGS_EXPORT);
+    editor.AnswerFileDialog(folder.File(L"out.ini"));
+    editor.Answer(L"Export", L"Settings exported successfully.", IDOK);
+    EXPECT_TRUE(Exists(folder.File(L"out.ini")));
+
+    // A file that is no settings file, and one that broke off.
+    const std::string before = folder.Read(L"Editor.ini");
+    const std::wstring foreign = folder.Write(L"foreign.ini", "MZ\x90 no settings\r\n[x]\r\na=1\r\n");
+    const std::wstring broken = folder.Write(L"broken.ini", "[Editor]\r\nTabWidth=9\r\nFontSize=1000\r\nBackupOnS");
+    dialog.PostPress(IDC_SETTINGS_IMPORT);
+    editor.AnswerFileDialog(foreign);
+    editor.Answer(L"Import", L"Import failed.", IDOK);
+    EXPECT_EQ(folder.Read(L"Editor.ini"), before);
+    dialog.PostPress(IDC_SETTINGS_IMPORT);
+    editor.AnswerFileDialog(broken);
+    editor.Answer(
+        L"Import",
+        L"Settings imported successfully. Restart dialog to see changes.\n\nNot understood, so your own settings "
+        L"stay:\n[Editor] FontSize\n[Editor] BackupOnS",
+        IDOK);
+    EXPECT_EQ(editor.Sci(SCI_GETTABWIDTH), 9);
+    EXPECT_EQ(editor.TextOf(dialog.Of(L"Editor", L"Tab width")), L"9");
+    EXPECT_EQ(folder.Ini(L"Editor", L"TabWidth"), L"9");
+    EXPECT_EQ(folder.Ini(L"Editor", L"FontSize"), L"12");
+    EXPECT_EQ(folder.Ini(L"Editor", L"BackupOnSave"), L"1") << "not in the file, so it stays";
+    EXPECT_EQ(folder.Read(L"Editor.ini.bak"), before);
+
+    constexpr wchar_t kQuestion[] =
+        L"Reset ALL settings to factory defaults?\n\nThis will clear all compiler paths, AI keys, and preferences.";
+    dialog.PostPress(IDC_SETTINGS_RESET);
+    editor.Answer(L"Reset All Settings", kQuestion, IDNO);
+    EXPECT_TRUE(IsWindow(dialog.window));
+    EXPECT_EQ(editor.Sci(SCI_GETTABWIDTH), 9);
+    dialog.PostPress(IDC_SETTINGS_RESET);
+    editor.Answer(L"Reset All Settings", kQuestion, IDYES);
+    editor.Answer(L"Reset Complete", L"Settings reset. Please restart the editor.", IDOK);
+    EXPECT_TRUE(dialog.Gone());
+    EXPECT_EQ(editor.Sci(SCI_GETTABWIDTH), 4);
+    EXPECT_EQ(editor.Sci(SCI_GETUSETABS), 1);
+    EXPECT_EQ(editor.Close(), 0u);
+    EXPECT_EQ(folder.Ini(L"Editor", L"FontSize"), L"11");
+}
