@@ -1,0 +1,113 @@
+#include "ai/ai_rules.h"
+
+#include "base/utf8.h"
+#include "settings/settings.h"
+
+namespace {
+
+constexpr std::size_t kServiceTextShown = 160;  // characters
+
+// Why no reply came, by the error number of WinHTTP; null for others.
+const wchar_t* TransferProblem(std::uint32_t error) {
+    switch (error) {
+        case 12002: return L"no answer came in time";
+        case 12005:
+        case 12006: return L"the URL in the settings is not valid";
+        case 12007: return L"the server's name cannot be resolved";
+        case 12029: return L"nothing answers at that address";
+        case 12030: return L"the connection was closed";
+        case 12152: return L"the server's answer is no HTTP";
+        case 12175: return L"no secure connection could be made";
+        default: return nullptr;
+    }
+}
+
+const wchar_t* StatusProblem(std::uint32_t status) {
+    if (status == 401 || status == 403) return L"the API key was not accepted";
+    if (status == 404) return L"the URL or the model is not known";
+    if (status == 429) return L"too many requests, or the quota is used up";
+    if (status >= 300 && status < 400) return L"the URL has moved";
+    if (status >= 500) return L"the server has a fault";
+    return L"the reply holds no text";
+}
+
+std::wstring FailureReason(const AiEnd& end) {
+    if (end.httpStatus == 0) {
+        const wchar_t* problem = TransferProblem(end.error);
+        return problem != nullptr ? problem : L"error " + std::to_wstring(end.error);
+    }
+    std::wstring reason = L"HTTP " + std::to_wstring(end.httpStatus) + L", " + StatusProblem(end.httpStatus);
+    std::wstring text = Utf8ToWideText(end.serviceText);
+    if (text.empty()) return reason;
+    for (wchar_t& c : text)
+        if (c < L' ') c = L' ';
+    if (text.size() > kServiceTextShown) text = text.substr(0, kServiceTextShown) + L"...";
+    return reason + L": " + text;
+}
+
+std::wstring Elapsed(std::uint32_t seconds) {
+    const std::wstring rest = std::to_wstring(seconds % 60);
+    return std::to_wstring(seconds / 60) + (rest.size() < 2 ? L":0" : L":") + rest;
+}
+
+bool OpenAiIsReady(const Settings& settings) {
+    return settings.primaryAi == 0 && settings.openAIEnabled != 0 && settings.openAIKey[0] != L'\0';
+}
+
+}  // namespace
+
+const wchar_t* AiServiceName(AiService service) { return service == AiService::LmStudio ? L"LM-Studio" : L"OpenAI"; }
+
+const wchar_t* AskProblem(AiService service, const Settings& settings, bool hasSelection) {
+    if (service == AiService::OpenAi) {
+        if (settings.openAIEnabled == 0) return L"OpenAI is not enabled. Enable it in Settings > AI.";
+        if (settings.openAIKey[0] == L'\0') return L"OpenAI API key is missing. Set it in Settings > OAI.";
+    } else if (settings.lmStudioEnabled == 0) {
+        return L"LM-Studio is not enabled. Enable it in Settings > AI.";
+    }
+    return hasSelection ? nullptr : L"Please select some text in the editor first.";
+}
+
+AiService SendService(const Settings& settings) {
+    if (OpenAiIsReady(settings)) return AiService::OpenAi;
+    return settings.lmStudioEnabled != 0 ? AiService::LmStudio : AiService::None;
+}
+
+const wchar_t* AiDoProblem(const Settings& settings) {
+    const bool enabled = settings.primaryAi == 0   ? settings.openAIEnabled != 0
+                         : settings.primaryAi == 1 ? settings.lmStudioEnabled != 0
+                                                   : true;
+    return enabled ? nullptr : L"Selected primary AI is not enabled. Enable it in Settings > AI.";
+}
+
+AiService AiDoService(const Settings& settings) {
+    return OpenAiIsReady(settings) ? AiService::OpenAi : AiService::LmStudio;
+}
+
+AiReplyPath AiReplyPathOf(std::int64_t status, bool hasReply) {
+    if (static_cast<std::int32_t>(status) != 0) return AiReplyPath::Result;
+    if (hasReply) return AiReplyPath::Chat;
+    return status != 0 ? AiReplyPath::Failure : AiReplyPath::Nothing;
+}
+
+std::wstring AiProgressText(AiService service, std::uint32_t seconds, std::uint64_t received) {
+    std::wstring text = std::wstring(AiServiceName(service)) + L": waiting, " + Elapsed(seconds);
+    if (received >= 1024) text += L", " + std::to_wstring(received / 1024) + L" KB received";
+    return text;
+}
+
+std::wstring AiEndText(AiService service, std::uint32_t seconds, const AiEnd& end) {
+    const std::wstring name = AiServiceName(service);
+    switch (end.outcome) {
+        case AiOutcome::Answered: return name + L" answered after " + Elapsed(seconds);
+        case AiOutcome::Cancelled: return name + L": the request was cancelled";
+        default: return name + L": the request failed: " + FailureReason(end);
+    }
+}
+
+std::string WithoutKey(std::string text, std::string_view key) {
+    for (std::size_t at = key.empty() ? std::string::npos : text.find(key); at != std::string::npos;
+         at = text.find(key))
+        text.replace(at, key.size(), "");
+    return text;
+}

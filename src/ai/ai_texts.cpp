@@ -1,0 +1,78 @@
+#include "ai/ai_texts.h"
+
+#include "base/heap_text.h"
+#include "base/utf8.h"
+#include "settings/compilers.h"
+
+#include <cwchar>
+
+namespace {
+
+constexpr std::string_view kFence = "```";
+constexpr std::string_view kWhite = "\n\r \t";
+
+std::string_view TrimmedEnd(std::string_view text) { return text.substr(0, text.find_last_not_of(kWhite) + 1); }
+
+std::string_view TrimmedText(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(kWhite);
+    return first == std::string_view::npos ? std::string_view() : TrimmedEnd(text.substr(first));
+}
+
+// The text inside the first pair of fences; the whole text without a pair.
+std::string_view CodeIn(std::string_view reply) {
+    const std::size_t fence = reply.find(kFence);
+    if (fence == std::string_view::npos) return TrimmedText(reply);
+    std::size_t start = fence + kFence.size();
+    const std::size_t lineEnd = reply.find('\n', start);
+    if (lineEnd != std::string_view::npos) start = lineEnd + 1;
+    const std::size_t end = reply.find(kFence, start);
+    return end == std::string_view::npos ? TrimmedText(reply) : TrimmedEnd(reply.substr(start, end - start));
+}
+
+}  // namespace
+
+std::string SystemPromptText(const AiPromptSettings& settings) {
+    if (settings.description.empty()) return kBasePrompt;
+    const std::uint32_t compiler = settings.compiler < kCompilerCount ? settings.compiler : 0;
+    return std::string(kBasePrompt) + "\n\nYou are assisting with the " + ToUtf8(g_compilers[compiler].name) +
+           " compiler.\nHere is the detailed syntax description for this compiler:\n" + ToUtf8(settings.description);
+}
+
+std::string AiDoSystemPrompt(std::string_view description) {
+    if (description.empty()) return {};
+    return std::string(description) +
+           "\n\nYou are a coding assistant. Modify the provided code according to the user's instruction. Return ONLY "
+           "the modified code. No explanations, no markdown fences.";
+}
+
+std::string AiDoMessage(std::string_view instruction, std::string_view error, std::string_view code) {
+    std::string message = std::string("Instruction: ").append(instruction).append("\n\n");
+    if (!error.empty()) message.append("Last compiler error for the selected compiler:\n").append(error).append("\n\n");
+    return message.append("Code:\n").append(code);
+}
+
+char* AiApiExtractCode(const char* reply) {
+    if (reply == nullptr) return nullptr;
+    const std::string code(CodeIn(reply));
+    return TrimmedText(reply).empty() ? nullptr : HeapText(code.c_str());
+}
+
+std::string WithLineEnds(std::string_view text, std::string_view lineEnd) {
+    std::string out;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool pair = text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n';
+        if (text[i] != '\r' && text[i] != '\n')
+            out += text[i];
+        else
+            out += lineEnd;
+        if (pair) ++i;
+    }
+    return out;
+}
+
+void StripChatEndpoint(wchar_t* url) {
+    if (url == nullptr) return;
+    if (wchar_t* path = std::wcsstr(url, L"/chat/completions"); path != nullptr) *path = L'\0';
+    const std::size_t length = std::wcslen(url);
+    if (length > 0 && url[length - 1] == L'/') url[length - 1] = L'\0';
+}

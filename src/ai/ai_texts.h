@@ -1,0 +1,30 @@
+// The texts that the assistant sends, the code in what it answers, and the trimming of addresses. Byte texts are UTF-8.
+// Pure; any thread.
+#pragma once
+
+#include "ai/prompt_settings.h"
+
+#include <string>
+#include <string_view>
+
+// --- What is sent
+inline constexpr char kBasePrompt[] = "You are a helpful coding assistant.";
+// The base prompt and, when the compiler has a description, that. An index beyond the compilers counts as 0.
+std::string SystemPromptText(const AiPromptSettings& settings);
+
+// Of an AI Do request: the description followed by the instruction to return code only. Empty without a description.
+std::string AiDoSystemPrompt(std::string_view description);
+inline constexpr char kAiDoPrompt[] = "You are a coding assistant. Return ONLY code.";  // without a description
+// An empty `error` leaves its block out.
+std::string AiDoMessage(std::string_view instruction, std::string_view error, std::string_view code);
+
+// --- What comes back
+// The first fenced block of a reply, else the whole reply, without white space around it: a new block that the caller
+// frees with free(). Null for a null reply, for one of white space only, and when memory runs out.
+char* AiApiExtractCode(const char* reply);
+// The same text with all its line ends as `lineEnd`.
+std::string WithLineEnds(std::string_view text, std::string_view lineEnd);
+
+// --- Addresses
+// Cuts the address in place at "/chat/completions" and then drops one slash from its end. Null and empty stay.
+void StripChatEndpoint(wchar_t* url);

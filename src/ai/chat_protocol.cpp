@@ -1,0 +1,87 @@
+#include "ai/chat_protocol.h"
+
+#include "base/heap_text.h"
+
+#include <cJSON.h>
+
+#include <memory>
+
+namespace {
+
+constexpr std::size_t kHeaderCapacity = 1024;  // wide characters, terminator included
+constexpr double kMaxTokens = 2048;
+constexpr double kTemperature = 0.7;
+
+struct JsonDeleter {
+    void operator()(cJSON* item) const { cJSON_Delete(item); }
+};
+using Json = std::unique_ptr<cJSON, JsonDeleter>;
+
+struct JsonTextDeleter {
+    void operator()(char* text) const { cJSON_free(text); }
+};
+
+bool HasText(const char* text) { return text != nullptr && text[0] != '\0'; }
+
+bool AddChatMessage(cJSON* messages, const char* role, const char* content) {
+    Json message(cJSON_CreateObject());
+    if (message == nullptr || cJSON_AddStringToObject(message.get(), "role", role) == nullptr ||
+        cJSON_AddStringToObject(message.get(), "content", content) == nullptr)
+        return false;
+    return cJSON_AddItemToArray(messages, message.release()) != 0;
+}
+
+bool FillChatRequest(cJSON* request, const char* model, const char* systemPrompt, const char* message) {
+    if (cJSON_AddStringToObject(request, "model", model != nullptr ? model : kDefaultChatModel) == nullptr)
+        return false;
+    cJSON* messages = cJSON_AddArrayToObject(request, "messages");
+    if (messages == nullptr) return false;
+    if (HasText(systemPrompt) && !AddChatMessage(messages, "system", systemPrompt)) return false;
+    return AddChatMessage(messages, "user", message) &&
+           cJSON_AddNumberToObject(request, "max_tokens", kMaxTokens) != nullptr &&
+           cJSON_AddNumberToObject(request, "temperature", kTemperature) != nullptr;
+}
+
+const char* StringOf(const cJSON* item) { return cJSON_IsString(item) != 0 ? item->valuestring : nullptr; }
+
+std::wstring CutHeaders(std::wstring headers) {
+    if (headers.size() >= kHeaderCapacity) headers.resize(kHeaderCapacity - 1);
+    return headers;
+}
+
+std::wstring AuthorizationLine(const wchar_t* apiKey) {
+    if (apiKey == nullptr || apiKey[0] == L'\0') return {};
+    return std::wstring(L"Authorization: Bearer ").append(apiKey).append(L"\r\n");
+}
+
+}  // namespace
+
+std::string ChatRequestJson(const char* model, const char* systemPrompt, const char* message) {
+    const Json request(cJSON_CreateObject());
+    if (request == nullptr || !FillChatRequest(request.get(), model, systemPrompt, message)) return {};
+    const std::unique_ptr<char, JsonTextDeleter> text(cJSON_PrintUnformatted(request.get()));
+    return text != nullptr ? std::string(text.get()) : std::string();
+}
+
+char* ChatReplyText(const char* body) {
+    const Json root(body != nullptr ? cJSON_Parse(body) : nullptr);
+    const cJSON* choices = cJSON_GetObjectItemCaseSensitive(root.get(), "choices");
+    if (cJSON_IsArray(choices) == 0) return nullptr;
+    const cJSON* message = cJSON_GetObjectItemCaseSensitive(cJSON_GetArrayItem(choices, 0), "message");
+    const char* content = StringOf(cJSON_GetObjectItemCaseSensitive(message, "content"));
+    return content != nullptr ? HeapText(content) : nullptr;
+}
+
+std::string ChatErrorText(const char* body) {
+    const Json root(body != nullptr ? cJSON_Parse(body) : nullptr);
+    const cJSON* error = cJSON_GetObjectItemCaseSensitive(root.get(), "error");
+    const char* text = StringOf(error);
+    if (text == nullptr) text = StringOf(cJSON_GetObjectItemCaseSensitive(error, "message"));
+    return text != nullptr ? text : "";
+}
+
+std::wstring ChatHeaders(const wchar_t* apiKey) {
+    return CutHeaders(L"Content-Type: application/json\r\n" + AuthorizationLine(apiKey));
+}
+
+std::wstring ModelListHeaders(const wchar_t* apiKey) { return CutHeaders(AuthorizationLine(apiKey)); }

@@ -1,0 +1,20 @@
+// The JSON of chat requests and of what a service answers, in the form that OpenAI and LM Studio share. Texts are UTF-8.
+// Pure; any thread.
+#pragma once
+
+#include <string>
+
+// The body of a chat request. A null model means kDefaultChatModel; a null or empty system prompt leaves that message
+// out. Empty when memory runs out.
+std::string ChatRequestJson(const char* model, const char* systemPrompt, const char* message);
+inline constexpr char kDefaultChatModel[] = "gpt-4o-mini";
+
+// The text of the first choice: a new block that the caller frees with free(). Null when the body has none.
+char* ChatReplyText(const char* body);
+// What the service says of an error: "error.message", or "error" when that is a text. Empty when the body has neither.
+std::string ChatErrorText(const char* body);
+
+// Header blocks, cut to 1,023 characters. A null or empty key leaves its line out; the header block of a model list is
+// empty then.
+std::wstring ChatHeaders(const wchar_t* apiKey);
+std::wstring ModelListHeaders(const wchar_t* apiKey);

@@ -1,0 +1,161 @@
+// The HTTP client and the chat requests against a real server on the loopback address, with all that a server can do
+// wrong.
+#include "ai/ai_api.h"
+#include "support/http_server.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr char kGood[] = R"({"choices":[{"message":{"content":"fine"}}]})";
+
+std::string ChatWith(const HttpReply& reply, HttpExtras* extras, std::string* request = nullptr,
+                     std::string* serviceText = nullptr) {
+    HttpServer server([&reply](const std::string&) { return reply; });
+    char* text = nullptr;
+    AiApiChat(server.Url(L"/v1/chat/completions").c_str(), L"sk-secret", "m", "s", "u", &text, extras, serviceText);
+    const HeapBlock<char> owned(text);
+    if (request != nullptr && !server.Requests().empty()) *request = server.Requests().front();
+    return owned != nullptr ? owned.get() : "(none)";
+}
+
+TEST(AiHttp, RequestsAsTheServerSeesThem) {
+    HttpExtras extras;
+    std::string request;
+    EXPECT_EQ(ChatWith(HttpAnswer(200, kGood), &extras, &request), "fine");
+    EXPECT_EQ(extras.status, 200U);
+    EXPECT_TRUE(request.starts_with("POST /v1/chat/completions HTTP/1.1\r\n")) << request;
+    for (const char* part :
+         {"User-Agent: KVXE-Editor/1.0\r\n", "Content-Type: application/json\r\n",
+          "Authorization: Bearer sk-secret\r\n",
+          "\r\n\r\n{\"model\":\"m\",\"messages\":[{\"role\":\"system\",\"content\":\"s\"},{\"role\":\"user\","
+          "\"content\":\"u\"}],\"max_tokens\":2048,\"temperature\":0.7}"})
+        EXPECT_NE(request.find(part), std::string::npos) << part << " in " << request;
+
+    HttpServer server([](const std::string&) { return HttpAnswer(200, R"({"data":[{"id":"b"},{"id":"a"}]})"); });
+    AiModelList list;
+    ASSERT_EQ(AiApiFetchModels(server.Url(L"/v1").c_str(), L"", false, &list), 1);
+    EXPECT_EQ(list.count, 2);
+    EXPECT_STREQ(list.names[0], "a");
+    AiApiFreeModelList(&list);
+    DWORD status = 7;
+    HttpResponseBuffer buffer;
+    ASSERT_EQ(WinHttpPostRaw(server.Url(L"/raw").c_str(), nullptr, "a\0b", 3, &buffer, &status), 1);
+    std::free(buffer.data);
+    EXPECT_EQ(status, 0U);
+    ASSERT_EQ(server.Requests().size(), 2U);
+    EXPECT_TRUE(server.Requests()[0].starts_with("GET /v1/models HTTP/1.1\r\n"));
+    EXPECT_EQ(server.Requests()[0].find("Authorization"), std::string::npos);
+    EXPECT_TRUE(server.Requests()[1].ends_with(std::string("\r\n\r\na\0b", 7)));
+}
+
+TEST(AiHttp, RepliesOfEveryKind) {
+    std::string chunked = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
+    for (const char c : std::string(kGood)) chunked += "1\r\n" + std::string(1, c) + "\r\n";
+    chunked += "0\r\n\r\n";
+    HttpReply slow = HttpAnswer(200, kGood);
+    slow.piece = 1;
+    HttpReply half = HttpAnswer(200, kGood);
+    half.bytes.resize(half.bytes.size() - 10);
+    const std::string large(5 << 20, 'x');
+    const struct {
+        const char* name;
+        HttpReply reply;
+        std::string text;
+        DWORD status;
+    } cases[] = {
+        {"chunked", {.bytes = chunked}, "fine", 200},
+        {"byte by byte", slow, "fine", 200},
+        {"without a length", {.bytes = std::string("HTTP/1.1 200 OK\r\n\r\n") + kGood}, "fine", 200},
+        {"5 MB", HttpAnswer(200, R"({"choices":[{"message":{"content":")" + large + "\"}}]}"), large, 200},
+        {"empty", HttpAnswer(200, ""), "(none)", 200},
+        {"no JSON", HttpAnswer(200, "<html>"), "(none)", 200},
+        {"a NUL", HttpAnswer(200, std::string("{\0}", 3)), "(none)", 200},
+        {"401", HttpAnswer(401, R"({"error":{"message":"no key"}})"), "(none)", 401},
+        {"429 without body", HttpAnswer(429, ""), "(none)", 429},
+        {"500 with a reply", HttpAnswer(500, kGood), "fine", 500},
+        {"closed half-way", half, "(none)", 200},
+        {"closed at once", {}, "(none)", 0},
+        {"no HTTP", {.bytes = "SSH-2.0-x\r\n\r\n"}, "(none)", 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        HttpExtras extras;
+        std::string serviceText;
+        const std::string text = ChatWith(c.reply, &extras, nullptr, &serviceText);
+        EXPECT_TRUE(text == c.text) << text.substr(0, 100);
+        EXPECT_EQ(extras.status, c.status) << "error " << extras.error;
+        EXPECT_EQ(serviceText, c.status == 401 ? "no key" : "");
+        if (c.status != 0) EXPECT_EQ(AiApiLastHttpStatus(), c.status);
+    }
+    CaptureHttpStatus(nullptr);
+    EXPECT_EQ(AiApiLastHttpStatus(), 0U);
+}
+
+TEST(AiHttp, TheKeyGoesNowhereElse) {
+    HttpServer other([](const std::string&) { return HttpAnswer(200, kGood); });
+    HttpServer server([&other](const std::string&) {
+        const std::wstring url = other.Url(L"/x");
+        return HttpAnswer(302, "", "Location: " + std::string(url.begin(), url.end()) + "\r\n");
+    });
+    char* reply = nullptr;
+    HttpExtras extras;
+    EXPECT_EQ(AiApiChat(server.Url(L"/").c_str(), L"sk-secret", "m", "", "u", &reply, &extras), 0);
+    EXPECT_EQ(extras.status, 302U);
+    EXPECT_TRUE(other.Requests().empty());
+}
+
+TEST(AiHttp, PlacesWhereNobodyAnswers) {
+    std::wstring gone;
+    {
+        gone = HttpServer([](const std::string&) { return HttpReply{}; }).Url(L"/");
+    }
+    const struct {
+        std::wstring url;
+        DWORD error;
+    } cases[] = {{gone, ERROR_WINHTTP_CANNOT_CONNECT},
+                 {L"http://no-such-host.invalid/", ERROR_WINHTTP_NAME_NOT_RESOLVED},
+                 {L"no address", ERROR_WINHTTP_UNRECOGNIZED_SCHEME},
+                 {L"ftp://127.0.0.1/", ERROR_WINHTTP_UNRECOGNIZED_SCHEME}};
+    for (const auto& c : cases) {
+        HttpExtras extras;
+        HttpResponseBuffer buffer;
+        EXPECT_EQ(WinHttpGet(c.url.c_str(), nullptr, &buffer, &extras), 0);
+        EXPECT_EQ(extras.error, c.error) << std::string(c.url.begin(), c.url.end());
+        EXPECT_EQ(buffer.data, nullptr);
+    }
+}
+
+struct HungCall {
+    std::wstring url;
+    HttpExtras* extras;
+};
+void CallHungServer(HungCall& call, const WorkerCancel& cancel) {
+    call.extras->cancel = &cancel;
+    HttpResponseBuffer buffer;
+    WinHttpPost(call.url.c_str(), nullptr, "x", &buffer, call.extras);
+    call.extras->cancel = nullptr;
+}
+
+// Before its header, in its body.
+TEST(AiHttp, ACallToASilentServerIsCancelledAtOnce) {
+    for (const char* begun : {"", "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nab"}) {
+        SCOPED_TRACE(begun);
+        HttpServer server([begun](const std::string&) { return HttpReply{.bytes = begun, .keepsOpen = true}; });
+        HttpExtras extras;
+        std::atomic<std::uint64_t> received = 0;
+        extras.received = &received;
+        const Worker worker = WorkerStart<CallHungServer>(HungCall{server.Url(L"/"), &extras});
+        const ULONGLONG limit = GetTickCount64() + 10000;
+        while ((server.Requests().empty() || received != (begun[0] != '\0' ? 2U : 0U)) && GetTickCount64() < limit)
+            Sleep(5);
+        EXPECT_FALSE(WorkerWait(worker, 50));
+        const ULONGLONG start = GetTickCount64();
+        WorkerAskToEnd(worker);
+        ASSERT_TRUE(WorkerWait(worker, 5000));
+        EXPECT_LT(GetTickCount64() - start, 2000U);
+        EXPECT_EQ(extras.error, static_cast<DWORD>(ERROR_CANCELLED));
+    }
+}
+
+}  // namespace
