@@ -5,9 +5,19 @@
 
 #include <windows.h>
 
+#include <string>
 #include <vector>
 
 HWND AiPaneCreate(HWND parent, int controlId);  // returns the chat's window; null when it cannot be made
 void AiPaneApplyTheme();
 // The windows of the pane with their places in `area`.
 std::vector<PanePart> AiPaneParts(const PaneRect& area);
+
+// Appends the text to the chat as it is, and scrolls to its end. False when there is no chat.
+bool AiChatAppend(const std::wstring& text);
+std::wstring AiInputText();
+void AiPaneFocusInput();
+// The button cancels while requests run and nothing is typed, otherwise it sends; its text says which. Called after a
+// change of either.
+void AiPaneUpdateSend();
+bool AiSendCancels();

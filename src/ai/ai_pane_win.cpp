@@ -1,32 +1,73 @@
 #include "ai/ai_pane.h"
 
 #include "ai/ai_pane_layout.h"
+#include "ai/ai_requests.h"
 #include "ai/ai_state.h"
+#include "ai/chat_lines.h"
+#include "documents/document_row.h"
 #include "output/output_pane.h"
 #include "resources/ids.h"
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
 #include "ui/rich_lines.h"
+#include "ui/subclass.h"
 
 #include <commctrl.h>
+#include <richedit.h>
+
+#include <cwchar>
+#include <iterator>
 
 namespace {
 
 constexpr wchar_t kGreeting[] =
     L"AI Chat\r\n========\r\nType a message below and click Send, or use Tools > OpenAI / LM-Studio.\r\n";
+constexpr WPARAM kInputLimit = 4095;  // characters; longer messages are not read
 
 HWND CreateAiControl(HWND parent, const wchar_t* className, const wchar_t* text, DWORD exStyle, DWORD style, int id) {
     return CreateWindowExW(exStyle, className, text, WS_CHILD | WS_CLIPSIBLINGS | WS_TABSTOP | style, 0, 0, 0, 0,
                            parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), g_ui.hInstance, nullptr);
 }
 
+LRESULT CALLBACK AiInputProc(HWND input, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
+    if (message == WM_KEYDOWN && wParam == VK_RETURN) {
+        // An empty line sends nothing, and cancels nothing either: Esc does that.
+        if (GetWindowTextLengthW(input) > 0) PostMessageW(g_ui.hMainWnd, WM_COMMAND, IDC_AI_SEND, 0);
+        return 0;
+    }
+    if (message == WM_KEYDOWN && wParam == VK_ESCAPE) {
+        if (AiRequestsRun())
+            AiRequestsCancel();
+        else
+            FocusCurrentEditor();
+        return 0;
+    }
+    if (message == WM_CHAR && (wParam == L'\r' || wParam == 0x1B)) return 0;  // an edit field would beep
+    return SubclassNext(input, message, wParam, lParam);
+}
+
+// The chat can be read with the keys; what is typed there is meant for the line below it.
+LRESULT CALLBACK AiChatProc(HWND chat, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
+    if (message == WM_KEYDOWN && wParam == VK_ESCAPE) FocusCurrentEditor();
+    if (message == WM_KEYDOWN && wParam == VK_TAB) AiPaneFocusInput();
+    if (message == WM_CHAR && wParam > L' ') {
+        AiPaneFocusInput();
+        return SendMessageW(g_ai.hAiInput, message, wParam, lParam);
+    }
+    return SubclassNext(chat, message, wParam, lParam);
+}
+
 }  // namespace
 
 HWND AiPaneCreate(HWND parent, int controlId) {
     const HWND chat = RichPaneCreate(parent, controlId, kGreeting, true);
+    SubclassAdd(chat, AiChatProc);
+    SendMessageW(chat, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
     g_ai.hAiInput = CreateAiControl(parent, WC_EDITW, nullptr, WS_EX_CLIENTEDGE, ES_AUTOHSCROLL, IDC_AI_INPUT);
-    g_ai.hAiSend = CreateAiControl(parent, WC_BUTTONW, L"Send", 0, BS_PUSHBUTTON | WS_DISABLED, IDC_AI_SEND);
+    SendMessageW(g_ai.hAiInput, EM_LIMITTEXT, kInputLimit, 0);
+    SubclassAdd(g_ai.hAiInput, AiInputProc);
+    g_ai.hAiSend = CreateAiControl(parent, WC_BUTTONW, L"Send", 0, BS_PUSHBUTTON, IDC_AI_SEND);
     return chat;
 }
 
@@ -42,4 +83,29 @@ void AiPaneApplyTheme() {
 std::vector<PanePart> AiPaneParts(const PaneRect& area) {
     const AiPaneLayout layout = LayOutAiPane(area, g_ui.dpi);
     return {{g_ai.hAiChat, layout.chat}, {g_ai.hAiInput, layout.input}, {g_ai.hAiSend, layout.send}};
+}
+
+bool AiChatAppend(const std::wstring& text) {
+    if (g_ai.hAiChat == nullptr) return false;
+    RichLinesAppend(g_ai.hAiChat, ChatLines(text));
+    RichLinesReveal(g_ai.hAiChat);
+    return true;
+}
+
+std::wstring AiInputText() {
+    std::wstring text(kInputLimit + 1, L'\0');
+    const int length = GetWindowTextW(g_ai.hAiInput, text.data(), static_cast<int>(text.size()));
+    text.resize(static_cast<std::size_t>(length));
+    return text;
+}
+
+void AiPaneFocusInput() { SetFocus(g_ai.hAiInput); }
+
+bool AiSendCancels() { return AiRequestsRun() && GetWindowTextLengthW(g_ai.hAiInput) == 0; }
+
+void AiPaneUpdateSend() {
+    const wchar_t* wanted = AiSendCancels() ? L"Cancel" : L"Send";
+    wchar_t shown[16] = {};
+    GetWindowTextW(g_ai.hAiSend, shown, static_cast<int>(std::size(shown)));
+    if (std::wcscmp(shown, wanted) != 0) SetWindowTextW(g_ai.hAiSend, wanted);
 }

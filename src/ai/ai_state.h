@@ -1,12 +1,37 @@
-// The windows of the AI chat pane. UI thread only.
+// The assistant's windows and what it holds between a request and what the user does with the reply. UI thread only.
 #pragma once
 
+#include "base/events.h"
+
 #include <windows.h>
+
+#include <cstddef>
+#include <string>
+
+// The text that a request was made of, so that a reply replaces nothing else.
+struct AiTarget {
+    DocumentId document = 0;  // 0: the request was made of no document
+    std::size_t start = 0;    // byte positions of the selection; equal: the whole document was sent
+    std::size_t end = 0;
+    std::string sent;  // the bytes from `start` to `end`, or all
+};
+
+// A replacement that waits to be accepted or undone.
+struct AiReplacement {
+    AiTarget target;
+    std::size_t start = 0;  // byte position
+    std::string code;       // what stands there now
+};
 
 struct AiState {
     HWND hAiChat = nullptr;  // Rich Edit
     HWND hAiInput = nullptr;
     HWND hAiSend = nullptr;
+    bool aiDoPending = false;  // a replacement waits
+    AiReplacement aiReplacement;
+    AiTarget aiDoTarget;      // of the last AI Do request
+    AiTarget aiReplyTarget;   // of the request that was answered last
+    std::string aiReplyText;  // its reply; empty: none yet
 };
 // A part of `g_app` (app/app_state.h).
 extern AiState& g_ai;

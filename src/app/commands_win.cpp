@@ -1,4 +1,6 @@
 // Commands, from menu, toolbar and keys, to whoever carries them out. UI thread only.
+#include "ai/ai_commands.h"
+#include "ai/ai_pane.h"
 #include "app/app_state.h"
 #include "app/main_window.h"
 #include "app/recent_menu.h"
@@ -171,15 +173,16 @@ std::vector<CommandHandler> AllCommandHandlers() {
     std::vector<CommandHandler> all;
     for (const std::span<const CommandHandler> area :
          {std::span<const CommandHandler>(kFrameHandlers), RecentCommandHandlers(), ViewCommandHandlers(),
-          BuildCommandHandlers(), DebugCommandHandlers()})
+          BuildCommandHandlers(), DebugCommandHandlers(), AiCommandHandlers()})
         all.insert(all.end(), area.begin(), area.end());
     return all;
 }
 
 void MainWnd_OnCommand(int command, int notification, HWND control) {
-    const bool fromControl = control != nullptr && control != g_app.hToolbar;
-    if (fromControl) return;  // notifications of edit fields; no control of ours but the toolbar sends commands
-    (void)notification;
+    if (control != nullptr && control == g_app.hAiInput && notification == EN_CHANGE) AiPaneUpdateSend();
+    // Other notifications of controls are of no interest: only the toolbar and the Send button send commands.
+    const bool isSend = control == g_app.hAiSend && notification == BN_CLICKED;
+    if (control != nullptr && control != g_app.hToolbar && !isSend) return;
     if (DebugIsWaiting()) {  // nothing may lead back into a session that is inside a wait
         if (command == IDM_DEBUG_STOP || command == IDM_DEBUG_BUTTON_STOP) DebugStopWaiting(false);
         return;
@@ -190,7 +193,8 @@ void MainWnd_OnCommand(int command, int notification, HWND control) {
     // A key or a posted command may come when the command is not possible; the table decides, not the sender.
     if (!CommandStateOf(command, CurrentCommandView()).enabled) return;
     if (RunCommandHandler(kFrameHandlers, command) || RunCommandHandler(RecentCommandHandlers(), command) ||
-        RunCommandHandler(ViewCommandHandlers(), command) || CmdHandle_Build(command) || CmdHandle_Debug(command))
+        RunCommandHandler(ViewCommandHandlers(), command) || CmdHandle_Build(command) || CmdHandle_Debug(command) ||
+        CmdHandle_AI(command))
         MainWindow_RequestStateRefresh();
 }
 

@@ -6,6 +6,7 @@
 #include "base/wide_format.h"
 #include "commands/command_state.h"
 #include "commands/status_bar.h"
+#include "commands/toolbar.h"
 #include "compile/build.h"
 #include "debugui/breakpoint_list.h"
 #include "debugui/debug_commands.h"
@@ -70,6 +71,7 @@ void MainWnd_ConnectEvents() {
     g_events.settingsChanged = MainWnd_OnSettingsChanged;
     g_events.programBuilt = OnProgramBuilt;
     g_events.buildEnded = DebugOnBuildEnd;
+    g_events.aiReplacementChanged = ToolbarUpdateAiDo;
     g_events.debuggerChanged = DebugPaneInvalidate;
     g_events.statusText = StatusBarSetText;
     g_events.documentStatus = StatusBarSetDocumentText;

@@ -1,6 +1,8 @@
 // The main window's class, its procedure, which routes messages to their handlers, and its caption. UI thread.
 #include "app/main_window.h"
 
+#include "ai/ai_commands.h"
+#include "ai/ai_requests.h"
 #include "app/app_state.h"
 #include "base/wide_format.h"
 #include "commands/command_state.h"
@@ -36,6 +38,8 @@ bool RouteOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case MSG_COMPILERS_SEEN:
             if (CompilersOnLooked(wParam)) MainWindow_UpdateCompilerSelection();
             return true;
+        case MSG_AI_REPLY: AiOnReply(wParam, lParam); return true;
+        case MSG_AI_ENDED: AiOnRequestEnded(WorkerTake<AiRequestEndPtr>(wParam)); return true;
         case MSG_DEBUG_LAUNCH: DebugOnBuilt(); return true;
         case MSG_LATE_KEY: MainWnd_OnLateKey(static_cast<std::uint32_t>(wParam), lParam); return true;
         case MSG_STARTUP: MainWnd_OnStartup(); return true;
@@ -56,6 +60,7 @@ void RouteTimer(HWND window, UINT_PTR id) {
         case TIMER_FOCUS: FocusOnTimer(); break;
         case TIMER_OUTPUT: MainWnd_OnOutputTimer(); break;
         case TIMER_BUILD: BuildOnTimer(); break;
+        case TIMER_AI: AiOnTimer(); break;
         case TIMER_POSITION: MainWnd_OnPositionTimer(); break;
         default: break;
     }

@@ -129,6 +129,7 @@ constexpr PaneSpec kPanes[] = {
      .applyTheme = AiPaneApplyTheme,
      .setting = &Settings::showAiSidebar,
      .command = IDM_VIEW_AI,
+     .onShown = AiPaneFocusInput,
      .parts = AiPaneParts},
     {.id = PaneId::Tree,
      .title = L"Project",

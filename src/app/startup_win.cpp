@@ -1,4 +1,5 @@
 // How the editor comes up once its window stands, and how it goes down. UI thread only.
+#include "ai/ai_requests.h"
 #include "app/app_state.h"
 #include "app/main_window.h"
 #include "app/startup_rules.h"
@@ -210,6 +211,7 @@ void MainWnd_OnClose(HWND window) {
     } else {
         AppLogMsg(L"DBG WM_CLOSE: skipped session/settings save during self-test");
     }
+    AiShutdown();
     DebugShutdown();
     for (int tab = TabCount() - 1; tab >= 0; --tab) TabBarRemove(tab);
     DestroyWindow(window);

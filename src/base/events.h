@@ -39,6 +39,8 @@ struct Events {
     Event<const wchar_t*, const wchar_t*> programBuilt;  // paths of source and listing; before the post-build command
     Event<bool, bool> buildEnded;                        // whether it succeeded, and whether it was a debug build
 
+    Event<> aiReplacementChanged;  // a replacement by the assistant waits, or no longer does
+
     Event<> debuggerChanged;  // a debug session began or ended, or its program stopped or continued
 
     // --- What the frame shows for everyone

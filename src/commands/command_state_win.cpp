@@ -2,6 +2,7 @@
 // thread.
 #include "commands/command_state.h"
 
+#include "ai/ai_requests.h"
 #include "commands/edit_target.h"
 #include "commands/toolbar.h"
 #include "compile/build.h"
@@ -58,6 +59,8 @@ CommandView CurrentCommandView() {
     if (BuildCanBeStopped()) view.conditions |= kBuilding;
     if (!CompilerIsBuilding()) view.conditions |= kIdle;
     view.conditions |= DebugConditions();
+    view.conditions |= BitIf(AiRequestsRun(), kAiRunning) | BitIf(g_ai.aiDoPending, kAiPending) |
+                       BitIf(g_ai.aiReplyTarget.document != 0, kAiReply);
     if (ErrorCount(g_output.errors) > 0) view.conditions |= kHasErrors;
     const Settings& settings = g_settings;
     view.toolbar = settings.showToolbar != 0;

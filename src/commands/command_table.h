@@ -29,7 +29,11 @@ enum CommandCondition : std::uint32_t {
     kCanCopy = 1u << 17,
     kCanPaste = 1u << 18,
     kCanSelectAll = 1u << 19,
-    kNever = 1u << 31,  // never set, so the command stays disabled: not in this version
+    // Of the assistant.
+    kAiRunning = 1u << 20,  // a request runs
+    kAiReply = 1u << 21,    // a reply about text of a document has come
+    kAiPending = 1u << 22,  // a replacement waits to be accepted or undone
+    kNever = 1u << 31,      // never set, so the command stays disabled: not in this version
 };
 
 // The state on which enabled and checked depend.

@@ -13,6 +13,7 @@ void ToolbarDestroyImages();  // when the window is destroyed
 
 void ToolbarUpdateCompiler();  // sets the compiler button's text
 void ToolbarUpdateAi();        // sets the check mark of the AI pane's button
+void ToolbarUpdateAiDo();      // shows the buttons of an AI replacement while one waits
 void ToolbarShowMore();        // shows the menu of the buttons without room, if any
 void ToolbarApplyState(const CommandView& view);
 

@@ -63,6 +63,8 @@ inline constexpr ButtonRow kToolbarButtons[] = {
     {IDM_VIEW_OUTPUT, Icon::Output, kPanes, true},
     {IDM_VIEW_ASM, Icon::AsmPane, kPanes, true},
     {IDM_VIEW_AI, Icon::Ai, kPanes, true},
+    {IDM_AI_DO, Icon::Ai, kRunning, false, nullptr, kAiPending},
+    {IDM_AI_UNDO, Icon::Undo, kRunning, false, nullptr, kAiPending},
     {IDM_TOOLBAR_MORE, Icon::More, kStays, false, L"More Buttons (Alt+F2)"},
 };
 

@@ -286,6 +286,8 @@ void ToolbarUpdateAi() {
     SendMessageW(g_commands.hToolbar, TB_CHECKBUTTON, IDM_VIEW_AI, MAKELPARAM(g_settings.showAiSidebar, 0));
 }
 
+void ToolbarUpdateAiDo() { ToolbarApplyState(CurrentCommandView()); }
+
 void ToolbarApplyState(const CommandView& view) {
     // This is called at every key, and TB_GETSTATE for each button takes longer than the key itself.
     if (g_applied == view) return;

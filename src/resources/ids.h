@@ -130,6 +130,12 @@
 // --- Tools, Help
 #define IDM_AI_OPENAI 1701
 #define IDM_AI_LMSTUDIO 1702
+#define IDM_AI_TRANSCRIBE 1703
+#define IDM_AI_DO 1279    // accepts a replacement that waits
+#define IDM_AI_UNDO 1280  // takes it back
+#define IDM_AI_EDIT 1962
+#define IDM_AI_APPLY 1963
+#define IDM_AI_CANCEL 1964
 #define IDM_HELP_ABOUT 1601
 // --- Internal commands
 #define IDM_NEXT_TAB 1950
@@ -233,6 +239,7 @@
 #define MSG_REINIT_EDITOR (0x0400 + 201)   // wParam: tab index, lParam: id of its document or 0
 #define MSG_FOCUS_EDITOR (0x8000 + 1)      // gives the active editor the focus
 #define MSG_AI_REPLY (0x8000 + 3)          // wParam: heap UTF-8 reply or null, lParam: chat or replacement
+#define MSG_AI_ENDED (0x8000 + 34)         // wParam: AiRequestEnd*, deleted by the receiver
 #define MSG_DEBUG_LAUNCH (0x8000 + 11)     // starts the program of a finished debug build under the debugger
 #define MSG_COMPILERS_SEEN (0x8000 + 24)   // wParam: what CompilersLook found, for CompilersOnLooked
 #define MSG_TREE_ITEMS (0x8000 + 10)       // to the project tree; wParam: TreeListing*, deleted by the receiver
@@ -253,4 +260,5 @@
 // Looks for the console of a program that was just started under the debugger.
 #define TIMER_DEBUG_CONSOLE 6
 #define TIMER_POSITION 7  // shows the caret's place in the status bar
+#define TIMER_AI 8        // shows the progress of the assistant's requests in the status bar
 #define TIMER_FOCUS 32770

@@ -1,0 +1,231 @@
+#include "ai/ai_commands.h"
+
+#include "ai/ai_api.h"
+#include "ai/ai_pane.h"
+#include "ai/ai_replace.h"
+#include "ai/ai_requests.h"
+#include "ai/ai_texts.h"
+#include "ai/chat_lines.h"
+#include "base/heap_text.h"
+#include "base/utf8.h"
+#include "base/wide_format.h"
+#include "documents/documents_state.h"
+#include "output/output_pane.h"
+#include "output/output_state.h"
+#include "resources/ids.h"
+#include "settings/settings_state.h"
+#include "ui/message.h"
+#include "ui/panes.h"
+
+#include <cwchar>
+
+namespace {
+
+constexpr COLORREF kAiProgress = RGB(0, 128, 0);
+constexpr COLORREF kAiFailure = RGB(180, 0, 0);
+
+template <typename Job>
+Job JobFor(AiService service) {
+    const Settings& settings = g_settings;
+    const bool cloud = service == AiService::OpenAi;
+    Job job;
+    SafeCopyW(job.url, cloud ? settings.openAIUrl : settings.lmStudioUrl);
+    SafeCopyW(job.apiKey, cloud ? settings.openAIKey : settings.lmStudioKey);
+    job.link = AiLinkNew();
+    return job;
+}
+
+// Starts a worker. False when there is none; `tag` names the command in the line that tells so, null: no line.
+template <auto work, typename Job>
+bool StartRequest(AiService service, Job job, AiTarget target, const wchar_t* tag) {
+    const AiLink link = job.link;
+    const Worker worker = WorkerStart<work>(std::move(job));
+    if (worker) {
+        AiRequestStarted(service, worker, link, std::move(target));
+        return true;
+    }
+    if (tag != nullptr) OutputPaneAppend(FormatW(L"[%s] Out of memory.\n", tag).c_str(), kAiFailure);
+    return false;
+}
+
+bool StartChat(AiService service, HeapBlock<char> message, AiTarget target, const wchar_t* tag) {
+    auto job = JobFor<AiChatJob>(service);
+    job.cloud = service == AiService::OpenAi ? 1 : 0;
+    job.settings = PromptSettingsNow();
+    SafeCopyW(job.model, job.cloud != 0 ? job.settings.codeModel : job.settings.localModel);
+    job.message = std::move(message);
+    return StartRequest<AiWorkerThread>(service, std::move(job), std::move(target), tag);
+}
+
+// The reply comes there. The editor keeps the keyboard.
+void ShowChat() {
+    if (PaneIsShown(PaneId::Ai)) return;
+    PaneSetShown(PaneId::Ai, true);
+    g_events.layoutWanted();
+}
+
+void AskAboutSelection(int command) {
+    const AiService service = command == IDM_AI_OPENAI ? AiService::OpenAi : AiService::LmStudio;
+    HeapBlock<char> selection(AiApiGetSelectedText(g_documents.hEditor));
+    if (const wchar_t* problem = AskProblem(service, g_settings, selection != nullptr); problem != nullptr) {
+        InfoMessage(L"%s", problem);
+        return;
+    }
+    OutputPaneClear();
+    OutputPaneAppend(FormatW(L"[%s] Thinking...\n", AiServiceName(service)).c_str(), kAiProgress);
+    ShowChat();
+    AiTarget target = AiTargetNow(false, selection.get());
+    StartChat(service, std::move(selection), std::move(target), AiServiceName(service));
+}
+
+void TellTranscription(int) {
+    if (g_settings.aiEnabled == 0)
+        InfoMessage(L"AI features are disabled. Enable them in Settings > AI General.");
+    else if (g_settings.openAIKey[0] != L'\0')
+        InfoMessage(L"Transcription not yet implemented. Model: %s", g_settings.openAITranscriptionModel);
+    else
+        InfoMessage(L"OpenAI API key is missing. Set it in Settings > OpenAI.");
+}
+
+void SendChat() {
+    if (g_ai.hAiChat == nullptr || g_ai.hAiInput == nullptr) return;
+    const std::wstring typed = AiInputText();
+    if (typed.empty()) return;
+    AiChatAppend(FormatW(L"[You]: %s\r\n", typed.c_str()));
+    SetWindowTextW(g_ai.hAiInput, L"");
+    if (GetFocus() == g_ai.hAiSend) SetFocus(g_ai.hAiInput);  // for the next message
+    if (g_settings.openAIEnabled == 0 && g_settings.lmStudioEnabled == 0) {
+        AiChatAppend(L"[AI]: AI features are disabled. Enable them in Settings > AI.\r\n");
+        return;
+    }
+    HeapBlock<char> message(WideToUtf8(typed.c_str()));
+    if (message == nullptr) return;
+    OutputPaneAppend(L"[AI] Thinking...\n", kAiProgress);
+    const AiService service = SendService(g_settings);
+    if (service == AiService::None)
+        g_events.statusText(L"No AI service is ready: look at its key and at the primary AI in the settings");
+    else
+        StartChat(service, std::move(message), {}, nullptr);
+}
+
+void SendOrCancel(int) {
+    if (AiSendCancels())
+        AiRequestsCancel();
+    else
+        SendChat();
+}
+
+// The last error of the selected compiler, when it is to be sent.
+std::string LastErrorToSend() {
+    const std::vector<CompilerError>& errors = g_output.errors.items;
+    const auto last = std::find_if(errors.rbegin(), errors.rend(), [](const auto& e) { return e.severity == 0; });
+    if (g_settings.appendLastError == 0 || last == errors.rend() ||
+        last->compilerId != static_cast<std::uint32_t>(g_settings.activeCompiler))
+        return {};
+    return ToUtf8(FormatW(L"%s(%d): %s", last->file, last->line, last->message));
+}
+
+// The typed text in place of a spoken one.
+void EditAsTyped(int) {
+    const std::wstring instruction = AiInputText();
+    if (instruction.empty()) {
+        ShowChat();
+        AiPaneFocusInput();
+        g_events.statusText(L"Type what is to be done with the code, then choose Edit Code as Typed again");
+        return;
+    }
+    AiDoStart(instruction);
+}
+
+void ApplyReply(int) {
+    const HeapBlock<char> code(AiApiExtractCode(g_ai.aiReplyText.c_str()));
+    if (code != nullptr && code.get()[0] != '\0') AiReplace(g_ai.aiReplyTarget, code.get());
+}
+
+void ShowAiResult(const HeapBlock<char>& reply) {
+    if (reply == nullptr || reply.get()[0] == '\0') {
+        OutputPaneAppend(L"[AI Do] No response received.\n", kAiFailure);
+        return;
+    }
+    const HeapBlock<char> code(AiApiExtractCode(reply.get()));
+    if (code == nullptr || code.get()[0] == '\0')  // nothing in place of the user's code would be no edit
+        OutputPaneAppend(L"[AI Do] Could not extract code from response.\n", kAiFailure);
+    else
+        AiReplace(g_ai.aiDoTarget, code.get());
+}
+
+void ShowChatReply(const char* reply) {
+    std::wstring text = Utf8ToWideText(reply);
+    if (text.size() > kShownReply && AiNewDocument(reply)) {
+        text.resize(kShownReply);
+        text += L"...\r\n[AI]: The whole reply is in a new document.\r\n";
+    }
+    if (!AiChatAppend(text)) OutputPaneAppend(text.c_str(), 0);
+}
+
+constexpr CommandHandler kAiHandlers[] = {
+    {IDM_AI_OPENAI, AskAboutSelection},
+    {IDM_AI_LMSTUDIO, AskAboutSelection},
+    {IDM_AI_TRANSCRIBE, TellTranscription},
+    {IDC_AI_SEND, SendOrCancel},
+    {IDM_AI_DO, [](int) { AiReplacementAccept(); }},
+    {IDM_AI_UNDO, [](int) { AiReplacementUndo(); }},
+    {IDM_AI_EDIT, EditAsTyped},
+    {IDM_AI_APPLY, ApplyReply},
+    {IDM_AI_CANCEL, [](int) { AiRequestsCancel(); }},
+};
+
+}  // namespace
+
+std::span<const CommandHandler> AiCommandHandlers() { return kAiHandlers; }
+
+bool CmdHandle_AI(int command) { return RunCommandHandler(kAiHandlers, command); }
+
+void AiDoStart(const std::wstring& instruction) {
+    if (const wchar_t* problem = AiDoProblem(g_settings); problem != nullptr) {
+        InfoMessage(L"%s", problem);
+        return;
+    }
+    const HWND editor = g_documents.hEditor;
+    if (editor == nullptr) {
+        InfoMessage(L"No active editor.");
+        return;
+    }
+    HeapBlock<char> code(AiApiGetSelectedText(editor));
+    if (code == nullptr) code.reset(AiApiGetFullText(editor));
+    if (code == nullptr || code.get()[0] == '\0') {
+        InfoMessage(L"Editor is empty.");
+        return;
+    }
+    const std::string system = AiDoSystemPrompt(ToUtf8(PromptSettingsNow().description));
+    OutputPaneClear();
+    OutputPaneAppend(L"[AI Do] Sending request...\n", kAiProgress);
+    ShowChat();
+    const AiService service = AiDoService(g_settings);
+    auto job = JobFor<AiDoJob>(service);
+    job.message.reset(HeapText(AiDoMessage(ToUtf8(instruction), LastErrorToSend(), code.get())));
+    if (!system.empty()) job.systemPrompt.reset(HeapText(system));
+    g_ai.aiDoTarget = AiTargetNow(true, code.get());
+    job.editor = editor;
+    job.tabId = g_ai.aiDoTarget.document;
+    job.selStart = static_cast<std::int64_t>(g_ai.aiDoTarget.start);
+    job.selEnd = static_cast<std::int64_t>(g_ai.aiDoTarget.end);
+    job.hadSelection = job.selStart != job.selEnd ? 1 : 0;
+    if (StartRequest<AiDoWorkerThread>(service, std::move(job), g_ai.aiDoTarget, L"AI Do"))
+        SetWindowTextW(g_ai.hAiInput, L"");
+}
+
+void AiOnReply(WPARAM wParam, LPARAM status) {
+    const auto reply = WorkerTake<HeapBlock<char>>(wParam);
+    switch (AiReplyPathOf(status, reply != nullptr)) {
+        case AiReplyPath::Result: ShowAiResult(reply); return;
+        case AiReplyPath::Chat: ShowChatReply(reply.get()); break;
+        case AiReplyPath::Failure: {
+            const std::wstring text = FormatW(L"[AI]: Request failed (HTTP %d).\r\n", static_cast<int>(status));
+            if (!AiChatAppend(text)) OutputPaneAppend(text.c_str(), kAiFailure);
+            break;
+        }
+        case AiReplyPath::Nothing: break;
+    }
+    AiReplacementForget();
+}

@@ -1,0 +1,17 @@
+// Puts the code of a reply into the document that it was asked about, and takes it out again. UI thread only.
+#pragma once
+
+#include "ai/ai_state.h"
+
+// The text of the editor that a request is about: the selection, or all with `orAll`. `sent` is what was sent of it.
+AiTarget AiTargetNow(bool orAll, const char* sent);
+
+// Replaces what was sent by the code, as one step of undo, and tells so. When the document no longer holds what was
+// sent, or is closed, nothing is replaced: the code goes into a new document.
+void AiReplace(const AiTarget& target, const char* code);
+// The replacement stays, or goes again; both tell so. They do nothing when none waits.
+void AiReplacementAccept();
+void AiReplacementUndo();
+void AiReplacementForget();  // it stays, without a message and without an event
+// A document of that text beside the others, which is not shown. False when there is no memory or window for it.
+bool AiNewDocument(const char* utf8);

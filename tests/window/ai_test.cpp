@@ -1,0 +1,153 @@
+// The assistant as the user meets it: what its commands say, send and show, against a real server on the loopback
+// address.
+#include "support/http_server.h"
+
+#include "harness.h"
+
+#include "resources/ids.h"
+
+namespace {
+
+std::string ChatAnswer(const std::string& content) {
+    return R"({"choices":[{"message":{"content":")" + content + "\"}}]}";
+}
+
+struct AiFolder : ProgramFolder {
+    AiFolder(bool openAi, bool local, const wchar_t* key, const std::wstring& url = L"http://127.0.0.1:9/") {
+        KeepNoSession();
+        SetIni(L"AI", L"OpenAIEnabled", openAi ? L"1" : L"0");
+        SetIni(L"AI", L"LMStudioEnabled", local ? L"1" : L"0");
+        SetIni(L"AI", L"OpenAIKey", key);
+        SetIni(L"AI", L"PrimaryAi", local && !openAi ? L"1" : L"0");
+        SetIni(L"AI", L"OpenAIUrl", url);
+        SetIni(L"AI", L"LMStudioUrl", url);
+    }
+};
+
+std::wstring Chat(const Editor& editor) { return editor.TextOf(editor.Child(IDC_AI_CHAT)); }
+
+bool AwaitChat(const Editor& editor, std::wstring_view part) {
+    return WaitFor([&] { return Chat(editor).find(part) != std::wstring::npos; });
+}
+
+void TypeInChat(const Editor& editor, const wchar_t* text) {
+    editor.Send(editor.Child(IDC_AI_INPUT), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text));
+}
+
+void ExpectMessage(const Editor& editor, int command, const wchar_t* text) {
+    editor.Post(command);
+    editor.Answer(kProgramTitle, text, IDOK);
+}
+
+}  // namespace
+
+TEST(Assistant, SaysWhatIsMissing) {
+    constexpr wchar_t kNoOpenAi[] = L"OpenAI is not enabled. Enable it in Settings > AI.";
+    constexpr wchar_t kNoLocal[] = L"LM-Studio is not enabled. Enable it in Settings > AI.";
+    constexpr wchar_t kNoSelection[] = L"Please select some text in the editor first.";
+    const struct {
+        bool openAi, local;
+        const wchar_t *key, *askOpenAi, *askLocal, *transcribe, *edit;
+    } cases[] = {
+        {false, false, L"", kNoOpenAi, kNoLocal, L"AI features are disabled. Enable them in Settings > AI General.",
+         L"Selected primary AI is not enabled. Enable it in Settings > AI."},
+        {true, false, L"", L"OpenAI API key is missing. Set it in Settings > OAI.", kNoLocal,
+         L"OpenAI API key is missing. Set it in Settings > OpenAI.", L"Editor is empty."},
+        {true, true, L"sk-0123456789", kNoSelection, kNoSelection,
+         L"Transcription not yet implemented. Model: whisper-1", L"Editor is empty."},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(&c - cases);
+        AiFolder folder(c.openAi, c.local, c.key);
+        Editor editor(folder);
+        ExpectMessage(editor, IDM_AI_OPENAI, c.askOpenAi);
+        ExpectMessage(editor, IDM_AI_LMSTUDIO, c.askLocal);
+        ExpectMessage(editor, IDM_AI_TRANSCRIBE, c.transcribe);
+        TypeInChat(editor, L"shorter");
+        ExpectMessage(editor, IDM_AI_EDIT, c.edit);
+        if (c.openAi) continue;
+        const std::wstring before = Chat(editor);
+        editor.Do(IDC_AI_SEND);
+        EXPECT_EQ(Chat(editor), before +
+                                    L"[You]: shorter\r\n[AI]: AI features are disabled. Enable them in Settings > "
+                                    L"AI.\r\n");
+        editor.Do(IDC_AI_SEND);
+        EXPECT_EQ(Count(Chat(editor), L"[You]"), 1) << "an empty line sends nothing";
+        editor.Do(IDM_AI_UNDO);
+        EXPECT_TRUE(editor.Dialogs().empty()) << "without a replacement nothing is undone";
+    }
+}
+
+TEST(Assistant, AReplyIsAppliedOnceAndOnlyToWhatWasSent) {
+    HttpServer server(
+        [](const std::string&) { return HttpAnswer(200, ChatAnswer("So:\\n```basic\\nPRINT 2\\nEND\\n```")); });
+    AiFolder folder(false, true, L"", server.Url(L"/v1/chat/completions"));
+    Editor editor(folder);
+    editor.Type("REM a\r\nPRINT 1\r\nREM b");
+    editor.Sci(SCI_SETSEL, 7, 14);
+    editor.Do(IDM_AI_LMSTUDIO);
+    EXPECT_TRUE(editor.AwaitOutput(L"[LM-Studio] Thinking..."));
+    ASSERT_TRUE(AwaitChat(editor, L"END\r\n```")) << editor.Describe();
+    EXPECT_NE(server.Requests()[0].find(R"({"role":"user","content":"PRINT 1"}],"max_tokens":2048)"),
+              std::string::npos);
+    ASSERT_TRUE(WaitFor([&] { return editor.Status().starts_with(L"LM-Studio answered"); }));
+    constexpr wchar_t kApplied[] = L"AI replacement applied. Click AI Do again to accept, or AI Undo to revert.";
+    ExpectMessage(editor, IDM_AI_APPLY, kApplied);
+    EXPECT_EQ(editor.Text(), "REM a\r\nPRINT 2\r\nEND\r\nREM b");
+    EXPECT_TRUE(editor.ButtonShown(IDM_AI_UNDO));
+    editor.Sci(SCI_DOCUMENTEND);
+    editor.Type("!");  // one step later, elsewhere
+    ExpectMessage(editor, IDM_AI_UNDO, L"AI replacement undone.");
+    EXPECT_EQ(editor.Text(), "REM a\r\nPRINT 1\r\nREM b!");
+    ExpectMessage(editor, IDM_AI_APPLY, kApplied);
+    ExpectMessage(editor, IDM_AI_DO, L"AI replacement accepted.");
+    EXPECT_TRUE(WaitFor([&] { return !editor.ButtonShown(IDM_AI_UNDO); }));
+    ExpectMessage(editor, IDM_AI_APPLY, L"The text is no longer as it was sent");
+    EXPECT_EQ(editor.Text(), "REM a\r\nPRINT 2\r\nEND\r\nREM b!");
+    EXPECT_EQ(editor.Tabs(), 2) << "the code is not lost";
+
+    TypeInChat(editor, L"shorter");
+    editor.Do(IDM_AI_EDIT);
+    ASSERT_TRUE(WaitFor([&] { return server.Requests().size() == 2; }));
+    EXPECT_NE(server.Requests()[1].find("\"model\":\"gpt-4o-mini\""), std::string::npos);
+    EXPECT_NE(server.Requests()[1].find(R"("Instruction: shorter\n\nCode:\nREM a\r\nPRINT 2\r\nEND\r\nREM b!")"),
+              std::string::npos);
+}
+
+TEST(Assistant, FailuresAreToldAndSilentServersCancelled) {
+    HttpServer server([](const std::string& request) {
+        if (request.find("refuse") != std::string::npos)
+            return HttpAnswer(401, R"({"error":{"message":"Incorrect key sk-0123456789"}})");
+        if (request.find("hello") != std::string::npos) return HttpAnswer(200, ChatAnswer("hi"));
+        return HttpReply{.keepsOpen = true};
+    });
+    AiFolder folder(true, false, L"sk-0123456789", server.Url(L"/"));
+    Editor editor(folder);
+    const std::wstring greeting = Chat(editor);
+    TypeInChat(editor, L"hello");
+    editor.Do(IDC_AI_SEND);
+    ASSERT_TRUE(AwaitChat(editor, L"[You]: hello\r\nhi"));
+    TypeInChat(editor, L"refuse");
+    editor.Do(IDC_AI_SEND);
+    EXPECT_TRUE(editor.AwaitOutput(L"[AI Do] No response received."));
+    EXPECT_EQ(Count(editor.Output(), L"[AI] Thinking..."), 2) << "the pane is not cleared by the chat";
+    EXPECT_TRUE(WaitFor([&] { return editor.Status().find(L"HTTP 401") != std::wstring::npos; }));
+    EXPECT_EQ(editor.Status().find(L"sk-0123"), std::wstring::npos) << "the key is nowhere to be read";
+    EXPECT_EQ(editor.Log().find(L"sk-0123"), std::wstring::npos);
+
+    TypeInChat(editor, L"wait");
+    editor.Do(IDC_AI_SEND);
+    ASSERT_TRUE(WaitFor([&] { return server.Requests().size() == 3; }));
+    EXPECT_EQ(editor.TextOf(editor.Child(IDC_AI_SEND)), L"Cancel");
+    editor.Send(editor.main, WM_COMMAND, IDC_AI_SEND, reinterpret_cast<LPARAM>(editor.Child(IDC_AI_SEND)));
+    EXPECT_TRUE(AwaitChat(editor, L"[AI]: Cancelled."));
+    EXPECT_EQ(editor.TextOf(editor.Child(IDC_AI_SEND)), L"Send");
+    EXPECT_EQ(Chat(editor), greeting + L"[You]: hello\r\nhi[You]: refuse\r\n[You]: wait\r\n[AI]: Cancelled.\r\n");
+
+    TypeInChat(editor, L"wait");
+    editor.Do(IDC_AI_SEND);
+    ASSERT_TRUE(WaitFor([&] { return server.Requests().size() == 4; }));
+    const ULONGLONG start = GetTickCount64();
+    EXPECT_EQ(editor.Close(), 0U);
+    EXPECT_LT(GetTickCount64() - start, 5000U) << "nobody waits for a silent server at the end";
+}
