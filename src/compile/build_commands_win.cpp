@@ -176,7 +176,7 @@ constexpr CommandHandler kBuildHandlers[] = {
     {IDM_PROFILE_DEBUG, UseBuildProfile},
     {IDM_PROFILE_RELEASE, UseBuildProfile},
     {IDM_PROFILE_FAST, UseBuildProfile},
-    {IDM_ERROR_NEXT, [](int) { CompilerNextError(); }},
+    {IDM_ERROR_NEXT, [](int) { CompilerVisitNextError(); }},
     {IDM_ERROR_PREVIOUS, [](int) { CompilerPrevError(); }},
 };
 

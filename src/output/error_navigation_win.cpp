@@ -104,6 +104,7 @@ void CompilerClearErrors() {
 void CompilerNavigateToError(int index) {
     if (index < 0 || index >= ErrorCount(g_output.errors)) return;
     g_output.errors.current = index;
+    g_output.errors.visited = true;
     ErrorListShowCurrent();
     // The record is copied because opening a file may clear the list.
     const CompilerError error = g_output.errors.items[static_cast<std::size_t>(index)];
@@ -111,6 +112,8 @@ void CompilerNavigateToError(int index) {
 }
 
 void CompilerNextError() { CompilerNavigateToError(NextErrorIndex(g_output.errors)); }
+
+void CompilerVisitNextError() { CompilerNavigateToError(NextErrorToVisit(g_output.errors)); }
 
 void CompilerPrevError() { CompilerNavigateToError(PreviousErrorIndex(g_output.errors)); }
 

@@ -68,6 +68,10 @@ int NextErrorIndex(const CompilerErrors& errors) {
     return ErrorCount(errors) > 0 ? (errors.current + 1) % ErrorCount(errors) : -1;
 }
 
+int NextErrorToVisit(const CompilerErrors& errors) {
+    return errors.visited || errors.items.empty() ? NextErrorIndex(errors) : errors.current;
+}
+
 int PreviousErrorIndex(const CompilerErrors& errors) {
     return ErrorCount(errors) > 0 ? (errors.current + ErrorCount(errors) - 1) % ErrorCount(errors) : -1;
 }

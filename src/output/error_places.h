@@ -29,4 +29,6 @@ int CountDiagnostic(const CompilerErrors& errors, const CompilerError& wanted);
 
 // The index after or before `current`, wrapping at the ends of the list; -1 when the list is empty.
 int NextErrorIndex(const CompilerErrors& errors);
+// The same for the command: as long as none has been visited it is the current one, so that the first comes first.
+int NextErrorToVisit(const CompilerErrors& errors);
 int PreviousErrorIndex(const CompilerErrors& errors);

@@ -21,6 +21,7 @@ void OutputPaneNavigateError();
 void CompilerClearErrors();
 void CompilerNavigateToError(int index);
 void CompilerNextError();
+void CompilerVisitNextError();  // the command: the first record first
 void CompilerPrevError();
 
 // Creates the error list (a list view); null on failure. It shows the records of `g_output.errors`.

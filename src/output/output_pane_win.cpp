@@ -43,7 +43,7 @@ void ShowContextMenu(HWND pane, POINT at) {
     switch (command) {
         case kCopy: SendMessageW(pane, WM_COPY, 0, 0); break;
         case kSelectAll: SendMessageW(pane, EM_SETSEL, 0, -1); break;
-        case kNextError: CompilerNextError(); break;
+        case kNextError: CompilerVisitNextError(); break;
         case kPreviousError: CompilerPrevError(); break;
         case kClear: OutputPaneClear(); break;
         default: break;

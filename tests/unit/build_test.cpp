@@ -305,6 +305,9 @@ TEST(ErrorPlaces, TheNextAfterTheLastIsTheFirst) {
     for (const wchar_t* line : {L"a(1,2): error: x", L"a(1,2): warning: x", L"b(1,2): error: x"})
         ASSERT_EQ(ParseErrorLine(line, &errors.items.emplace_back()), 1);
     EXPECT_EQ(PreviousErrorIndex(errors), 2);
+    EXPECT_EQ(NextErrorToVisit(errors), 0) << "the first after a build";
+    errors.visited = true;
+    EXPECT_EQ(NextErrorToVisit(errors), 1);
     errors.current = 2;
     EXPECT_EQ(NextErrorIndex(errors), 0);
     CompilerError wanted = errors.items[1];

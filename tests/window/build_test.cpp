@@ -396,7 +396,7 @@ TEST(Build, ErrorsOfACopyLeadToItsSource) {
         folder.Script(std::string("print ") + copy + "(2,1): error: by name\nprint " + Utf8(folder.File(Wide(copy))) +
                       "(3,1): error: by path\nexit 1\n");
         Build(editor);
-        for (const int line : {3, 2}) {
+        for (const int line : {2, 3}) {
             editor.Do(IDM_ERROR_NEXT);
             EXPECT_TRUE(WaitFor([&] { return editor.Line() == line; })) << editor.Line();
             EXPECT_EQ(editor.TabLabel(editor.ActiveTab()), source);
