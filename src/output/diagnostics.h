@@ -25,7 +25,7 @@ struct CompilerError {
 struct CompilerErrors {
     std::vector<CompilerError> items;  // kMaxCompilerErrors at most
     int current = 0;
-    bool visited = false;  // the user has been led to one of them
+    bool visited = false;             // the user has been led to one of them
     std::vector<BuildRecord> builds;  // what the printed file names are relative to
 };
 
