@@ -3,8 +3,10 @@
 
 #include "app/settings_preview.h"
 #include "base/bounded_text.h"
+#include "debugger/exception_rules.h"
 #include "debugui/exceptions_dialog.h"
 #include "settings/settings_state.h"
+#include "settings/settings_store.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
@@ -84,6 +86,7 @@ HWND MakeField(const ControlMaker& maker, const SettingItem& item, const std::ws
         case CommandPreview: return maker.Edit(kLines | ES_READONLY);
         case FontPreview: return maker.Make(WC_STATICW, L"", SS_OWNERDRAW, kPartField);
         case Secret: return maker.Edit(ES_AUTOHSCROLL | ES_PASSWORD);
+        case SettingsFile:
         case Exceptions: return maker.Edit(ES_AUTOHSCROLL | ES_READONLY);
         case CompilerTest:
         case Detect: return maker.Button(label.c_str(), kPartField);
@@ -287,6 +290,18 @@ void ChooseText(HWND list, const std::wstring& text) {
 
 int NumberOf(const std::wstring& text) { return static_cast<int>(std::wcstol(text.c_str(), nullptr, 10)); }
 
+std::wstring ExceptionsSummary(const std::wstring& rules) {
+    const std::size_t count = ParseExceptionRules(rules).size();
+    if (count == 0) return L"None is passed, none stops";
+    return std::to_wstring(count) + (count == 1 ? L" rule of your own" : L" rules of your own");
+}
+
+std::wstring SettingsFilePath() {
+    wchar_t path[kPathCapacity] = {};
+    GetIniPath(nullptr, path, kPathCapacity);
+    return path;
+}
+
 void SetTextIfOther(HWND control, const std::wstring& text) {
     if (WindowText(control) != text) SetWindowTextW(control, text.c_str());
 }
@@ -322,9 +337,8 @@ void SettingsFieldShow(SettingsDialog& dialog, FormPlace place) {
             break;
         }
         case Font: ChooseText(field, text); break;
-        case Exceptions:
-            SetTextIfOther(field, text.empty() ? L"As they come: none is passed, none stops" : text);
-            break;
+        case Exceptions: SetTextIfOther(field, ExceptionsSummary(text)); break;
+        case SettingsFile: SetTextIfOther(field, SettingsFilePath()); break;
         case CommandPreview:
             SetTextIfOther(field, CommandPreviewOf(static_cast<std::uint32_t>(SettingsPages()[place.page].compiler),
                                                    *DraftOf(dialog)));

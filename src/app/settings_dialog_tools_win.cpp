@@ -4,6 +4,7 @@
 
 #include "base/decode.h"
 #include "base/path.h"
+#include "commands/command_table.h"
 #include "compile/child_process.h"
 #include "documents/file_commands.h"
 #include "files/file_io.h"
@@ -101,6 +102,17 @@ void TestCompiler(TestRequest& request, const WorkerCancel& cancel) {
 
 // ------------------------------------------------------------------------------------------------------------- keys
 
+// The key that the menu shows, and those that it does not.
+std::wstring KeysOf(UINT command, std::wstring keys) {
+    const std::wstring shown = keys;
+    for (const ExtraKey& extra : ExtraKeys()) {
+        const std::wstring name = NameOfExtraKey(extra);
+        if (extra.command != static_cast<int>(command) || name == shown) continue;
+        keys += (keys.empty() ? L"" : L", ") + name;
+    }
+    return keys;
+}
+
 void AddMenuKeys(HMENU menu, const std::wstring& path, std::vector<std::wstring>& lines) {
     for (int i = 0; i < GetMenuItemCount(menu); ++i) {
         wchar_t text[128] = {};
@@ -110,8 +122,8 @@ void AddMenuKeys(HMENU menu, const std::wstring& path, std::vector<std::wstring>
         while (name.ends_with(L'.')) name.pop_back();
         if (const HMENU submenu = GetSubMenu(menu, i); submenu != nullptr)
             AddMenuKeys(submenu, path + name + L" > ", lines);
-        else if (!item.key.empty())
-            lines.push_back(path + name + L"\t" + item.key);
+        else if (const std::wstring keys = KeysOf(GetMenuItemID(menu, i), item.key); !keys.empty())
+            lines.push_back(path + name + L"\t" + keys);
     }
 }
 

@@ -180,7 +180,12 @@ void ShowAllTexts(SettingsDialog& dialog) {
 }
 
 void EnableApply(const SettingsDialog& dialog) {
-    EnableWindow(GetDlgItem(dialog.window, IDC_SETTINGS_APPLY), FormIsEdited(dialog.form) ? TRUE : FALSE);
+    const HWND apply = GetDlgItem(dialog.window, IDC_SETTINGS_APPLY);
+    const bool edited = FormIsEdited(dialog.form);
+    // A window that is disabled keeps the keyboard, and takes no key.
+    if (!edited && GetFocus() == apply)
+        SendMessageW(dialog.window, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(dialog.window, IDOK)), TRUE);
+    EnableWindow(apply, edited ? TRUE : FALSE);
 }
 
 // ---------------------------------------------------------------------------------------------------------- buttons
@@ -254,7 +259,8 @@ void ResetSettings(const SettingsDialog& dialog) {
                          L"preferences.",
                  .buttons = AskButtons::YesNo,
                  .icon = AskIcon::Warning,
-                 .inSelftest = Answer::No}) != Answer::Yes)
+                 .inSelftest = Answer::No,
+                 .enterIsNo = true}) != Answer::Yes)
         return;
     SettingsResetAll();
     EndDialog(dialog.window, IDOK);

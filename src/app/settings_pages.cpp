@@ -128,6 +128,7 @@ constexpr Line kFileLines[] = {
     {FIELD(autoSaveEnabled), Check, L"Keep the session every five minutes",
      L"Open files, carets and bookmarks; it is offered at the next start."},
     {FIELD(restoreLastSession), Check, L"Keep the workspace", L"It is loaded at the start and saved at the end."},
+    {kNone, SettingsFile, L"Settings file", L"Sessions and the workspace are kept in the same folder.", L"Place"},
 };
 
 constexpr Line kAiLines[] = {

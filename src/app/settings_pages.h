@@ -30,6 +30,7 @@ enum class SettingControl : std::uint8_t {
     CommandPreview,
     CompilerTest,  // runs the compiler
     Detect,        // searches for the compilers
+    SettingsFile,  // where the settings are kept
     Keys,          // the list of all keys
 };
 

@@ -40,5 +40,6 @@ std::wstring LineOf(std::uint32_t compiler, const Settings& settings, bool synta
 }  // namespace
 
 std::wstring CommandPreviewOf(std::uint32_t compiler, const Settings& settings) {
-    return LineOf(compiler, settings, false) + L"\r\n\r\n" + LineOf(compiler, settings, true);
+    return L"Build: " + LineOf(compiler, settings, false) + L"\r\n\r\nSyntax check: " +
+           LineOf(compiler, settings, true);
 }

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -239,6 +240,24 @@ CommandState CommandStateOf(int id, const CommandView& view) {
 }
 
 std::span<const ExtraKey> ExtraKeys() { return kExtraKeys; }
+
+std::wstring NameOfExtraKey(const ExtraKey& key) {
+    static constexpr struct {
+        std::uint16_t key;
+        const wchar_t* name;
+    } kNames[] = {{kCancel, L"Break"},        {kTab, L"Tab"},      {kLeft, L"Left"},
+                  {kRight, L"Right"},         {kNumpad0, L"Num0"}, {kNumpadAdd, L"Num+"},
+                  {kNumpadSubtract, L"Num-"}, {kOemPlus, L"+"},    {kOemMinus, L"-"},
+                  {kBackquote, L"`"},         {kComma, L","}};
+    std::wstring name = key.control ? L"Ctrl+" : L"";
+    if (key.alt) name += L"Alt+";
+    if (key.shift) name += L"Shift+";
+    const auto* const named = std::ranges::find(kNames, key.key, [](const auto& row) { return row.key; });
+    constexpr int kBeforeF1 = 0x6F;
+    if (named != std::end(kNames)) return name + named->name;
+    if (key.key > kBeforeF1 && key.key <= kF11 + 1) return name + L"F" + std::to_wstring(key.key - kBeforeF1);
+    return name + static_cast<wchar_t>(key.key);
+}
 
 int CommandOfExtraKey(std::uint32_t key, bool control, bool shift, bool alt, bool inEditor) {
     for (const ExtraKey& extra : kExtraKeys)

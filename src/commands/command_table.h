@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 
 // Conditions of the program's state, as bits.
 enum CommandCondition : std::uint32_t {
@@ -81,5 +82,6 @@ struct ExtraKey {
     bool editorOnly = false;  // a list or a tree that has the keyboard uses the key itself
 };
 std::span<const ExtraKey> ExtraKeys();
+std::wstring NameOfExtraKey(const ExtraKey& key);  // as menus write it: "Ctrl+Shift+F5"
 // The command of a key, or 0. `key` is a virtual key; `inEditor`: an editor has the keyboard.
 int CommandOfExtraKey(std::uint32_t key, bool control, bool shift, bool alt, bool inEditor);

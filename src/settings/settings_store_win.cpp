@@ -9,6 +9,7 @@
 #include "base/wide_format.h"
 #include "files/file_io.h"
 #include "files/session_file.h"
+#include "files/share_probe.h"
 #include "settings/compilers.h"
 #include "settings/ini_reader.h"
 #include "settings/ini_value.h"
@@ -146,6 +147,14 @@ bool WriteSettings(const wchar_t* ini, std::string_view bytes) {
     return written;
 }
 
+// The INI functions read a file whole, each time.
+bool IsTooLarge(const wchar_t* path) {
+    constexpr DWORD kLargest = 4U << 20U;  // bytes; the settings take at most a tenth of it
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    return GetFileAttributesExW(path, GetFileExInfoStandard, &data) == FALSE || data.nFileSizeHigh != 0 ||
+           data.nFileSizeLow > kLargest;
+}
+
 // The sections of an INI file. One that is too long for the buffer is cut; this program writes none of that length.
 std::vector<IniSectionText> SectionsOf(const wchar_t* path) {
     constexpr DWORD kLongest = 1U << 18U;  // characters
@@ -258,11 +267,11 @@ int SettingsSave(const wchar_t* overridePath) {
 bool SettingsExport(const wchar_t* target) {
     wchar_t ini[kPathCapacity] = {};
     GetIniPath(nullptr, ini, kPathCapacity);
-    return target != nullptr && CopySettings(ini, target);
+    return target != nullptr && PathAnswers(target) && CopySettings(ini, target);
 }
 
 bool SettingsImport(const wchar_t* source, std::vector<std::wstring>* notUnderstood) {
-    if (source == nullptr) return false;
+    if (source == nullptr || !PathAnswers(source) || IsTooLarge(source)) return false;
     wchar_t ini[kPathCapacity] = {};
     GetIniPath(nullptr, ini, kPathCapacity);
     ImportFinding finding = LookAtImport(SectionsOf(source));

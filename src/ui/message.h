@@ -14,7 +14,8 @@ struct UserQuestion {
     const wchar_t* text;
     AskButtons buttons;
     AskIcon icon;
-    Answer inSelftest;  // the answer in a self-test run, in which no box is shown
+    Answer inSelftest;       // the answer in a self-test run, in which no box is shown
+    bool enterIsNo = false;  // the second button is the one that Enter presses
 };
 Answer AskUser(const UserQuestion& question);
 void TellUser(const wchar_t* caption, const wchar_t* text, AskIcon icon);

@@ -28,8 +28,8 @@ HWND DialogOwner() {
 }
 
 Answer ShowMessageBox(const UserQuestion& question) {
-    const UINT flags =
-        kButtonFlags[static_cast<std::size_t>(question.buttons)] | kIconFlags[static_cast<std::size_t>(question.icon)];
+    const UINT flags = kButtonFlags[static_cast<std::size_t>(question.buttons)] |
+                       kIconFlags[static_cast<std::size_t>(question.icon)] | (question.enterIsNo ? MB_DEFBUTTON2 : 0U);
     const std::wstring text = BreakLongWords(question.text);
     switch (ThemedMessageBox(DialogOwner(), text.c_str(), question.caption, flags)) {
         case IDOK:

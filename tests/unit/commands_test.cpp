@@ -72,20 +72,15 @@ Resources ReadResources() {
     return resources;
 }
 
-std::string NameOfExtraKey(const ExtraKey& key) {
-    static const std::map<int, std::string> names = {{0x03, "Break"}, {0x09, "Tab"},  {0x25, "Left"}, {0x27, "Right"},
-                                                     {0x60, "Num0"},  {0x6B, "Num+"}, {0x6D, "Num-"}, {0xBB, "+"},
-                                                     {0xBD, "-"},     {0xC0, "`"},    {0xBC, ","}};
-    const auto found = names.find(key.key);
-    std::string name = found != names.end() ? found->second : std::string(1, static_cast<char>(key.key));
-    if (key.key >= 0x70 && key.key <= 0x7B) name = "F" + std::to_string(key.key - 0x6F);
-    return std::string(key.control ? "Ctrl+" : "") + (key.alt ? "Alt+" : "") + (key.shift ? "Shift+" : "") + name;
+std::string NarrowName(const ExtraKey& key) {
+    const std::wstring name = NameOfExtraKey(key);
+    return {name.begin(), name.end()};
 }
 
 // The keys of both tables.
 std::multimap<std::string, int> AllKeys(const Resources& resources) {
     std::multimap<std::string, int> keys(resources.accelerators.begin(), resources.accelerators.end());
-    for (const ExtraKey& key : ExtraKeys()) keys.emplace(NameOfExtraKey(key), key.command);
+    for (const ExtraKey& key : ExtraKeys()) keys.emplace(NarrowName(key), key.command);
     return keys;
 }
 

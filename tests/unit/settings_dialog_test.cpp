@@ -155,11 +155,12 @@ TEST(SettingsPreview, ShowsTheCommandLinesOfTheBuild) {
     SafeCopyW(own.flags, L"-v");
     SafeCopyW(own.includePath, L"C:\\inc");
     settings->profile = 1;
-    EXPECT_EQ(Narrow(CommandPreviewOf(kCompilerKvxb64, *settings)),
-              R"("C:\b.exe" -o "C:\Sources\program.exe" -v -O2 -I"C:\inc" --asm:"C:\Sources\program.asm" )"
-              R"("C:\Sources\program.bas")"
-              "\r\n\r\n"
-              R"("C:\b.exe" -o "C:\Sources\program.exe" --syntax-only -I"C:\inc" "C:\Sources\program.bas")");
+    EXPECT_EQ(
+        Narrow(CommandPreviewOf(kCompilerKvxb64, *settings)),
+        R"(Build: "C:\b.exe" -o "C:\Sources\program.exe" -v -O2 -I"C:\inc" --asm:"C:\Sources\program.asm" )"
+        R"("C:\Sources\program.bas")"
+        "\r\n\r\n"
+        R"(Syntax check: "C:\b.exe" -o "C:\Sources\program.exe" --syntax-only -I"C:\inc" "C:\Sources\program.bas")");
 }
 
 TEST(FormLayout, RowsNeitherOverlapNorLeaveThePage) {

@@ -95,8 +95,9 @@ TEST(SettingsDialog, ChangesApplyAtOnceAndStayAndCancelChangesNothing) {
     dialog.Set(dialog.Of(L"KVXB64", L"Program"), folder.File(L"gone.exe"));
     EXPECT_EQ(dialog.Note(L"KVXB64", L"Program"), L"Not found: there is no such file.");
     dialog.Set(dialog.Of(L"KVXB64", L"Program"), folder.File(L"KVXB64\\KVXB64.exe"));
-    dialog.Press(IDC_SETTINGS_APPLY);
-    EXPECT_FALSE(IsWindowEnabled(apply));
+    dialog.Mnemonic(L'a');
+    EXPECT_TRUE(WaitFor([&] { return !IsWindowEnabled(apply); }));
+    EXPECT_TRUE(dialog.AwaitFocus(dialog.Control(IDOK))) << "a disabled button would swallow all keys";
     EXPECT_EQ(editor.Sci(SCI_GETTABWIDTH), 6) << "without a restart";
     EXPECT_EQ(editor.Sci(SCI_GETMARGINWIDTHN, 0), 0);
     EXPECT_LT(editor.Sci(SCI_STYLEGETBACK, STYLE_DEFAULT) & 0xFF, 0x60) << "dark";
