@@ -27,13 +27,15 @@ void FillCell(LVITEMW& item) {
                   item.cchTextMax);
 }
 
+constexpr wchar_t kRowLooks[] = L"Explorer";
+
 void ApplyTheme(HWND list) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     SendMessageW(list, LVM_SETBKCOLOR, 0, static_cast<LPARAM>(chrome.paneBack));
     SendMessageW(list, LVM_SETTEXTBKCOLOR, 0, static_cast<LPARAM>(chrome.paneBack));
     SendMessageW(list, LVM_SETTEXTCOLOR, 0, static_cast<LPARAM>(chrome.paneText));
     SendMessageW(list, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
-    ScrollBarsApplyTheme(list);
+    ScrollBarsApplyTheme(list, kRowLooks);
     ListHeaderApplyTheme(list);
 }
 
@@ -56,7 +58,7 @@ HWND ErrorListCreate(HWND parent, int controlId) {
         column.pszText = title.data();
         SendMessageW(list, LVM_INSERTCOLUMNW, i, reinterpret_cast<LPARAM>(&column));
     }
-    SetWindowTheme(list, L"Explorer", nullptr);  // the looks of its rows
+    SetWindowTheme(list, kRowLooks, nullptr);
     ApplyTheme(list);
     SendMessageW(list, LVM_SETITEMCOUNT, static_cast<WPARAM>(ErrorCount(g_output.errors)), 0);
     return list;

@@ -8,6 +8,7 @@
 // control of another class keeps its looks.
 void ControlApplyTheme(HWND control);
 // Asks the system for scroll bars of the present theme. Older systems have no dark ones and keep the light ones.
-void ScrollBarsApplyTheme(HWND window);
+// `light` names the looks in the light theme, those with which the window was created; null means the system's own.
+void ScrollBarsApplyTheme(HWND window, const wchar_t* light = nullptr);
 // Null is no tooltip.
 void TooltipApplyTheme(HWND tooltip);

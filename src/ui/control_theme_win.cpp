@@ -223,11 +223,10 @@ void ControlApplyTheme(HWND control) {
     RedrawWindow(control, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_ERASE);
 }
 
-void ScrollBarsApplyTheme(HWND window) {
+void ScrollBarsApplyTheme(HWND window, const wchar_t* light) {
     static bool everDark = false;  // until then the system's are right, and asking for them costs time at the start
     everDark = everDark || ThemeIsDark();
-    if (window != nullptr && everDark)
-        SetWindowTheme(window, ThemeIsDark() ? L"DarkMode_Explorer" : L"Explorer", nullptr);
+    if (window != nullptr && everDark) SetWindowTheme(window, ThemeIsDark() ? L"DarkMode_Explorer" : light, nullptr);
 }
 
 // A tooltip with a visual style would not take the colours.

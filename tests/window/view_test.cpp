@@ -139,6 +139,7 @@ TEST(View, TheDarkThemeReachesMenusDialogsAndHeaders) {
     ProgramFolder folder;
     folder.SetIni(L"Editor", L"ShowErrorList", L"1");
     folder.SetIni(L"Editor", L"Theme", L"1");
+    folder.SetIni(L"Project", L"ShowProjectTree", L"1");
     Editor editor(folder, OpenArgument(folder.Write(L"a.bas", "")));  // whose name goes into the caption
     const auto brightness = [](HWND window, int x, int y) {  // of the screen, at a place in the window; 0 to 255
         RECT rect{};
@@ -161,6 +162,10 @@ TEST(View, TheDarkThemeReachesMenusDialogsAndHeaders) {
         EXPECT_TRUE(fits(editor.main, 12, caption + 3)) << "menu bar, first item";
         EXPECT_TRUE(fits(header, Width(editor, header) - 4, 5)) << "after the last column";
         EXPECT_TRUE(fits(header, 70, 4)) << "first column";
+        // A system theme may fill the tree in a colour of its own.
+        const HWND tree = editor.Child(IDC_PROJECT_TREE), list = editor.Child(IDC_ERROR_LIST);
+        EXPECT_TRUE(fits(tree, 4, 60) && fits(list, 100, 40));
+        EXPECT_TRUE(WaitFor([&] { return brightness(tree, 4, 60) == brightness(list, 100, 40); })) << "tree's ground";
         for (const auto& [command, title] : {std::pair{IDM_EDIT_GOTO, L"Go To Line"},
                                              {IDM_DEBUG_EXCEPTIONS, L"Exceptions"},
                                              {IDM_DEBUG_PROGRAM, L"Program Arguments"},
