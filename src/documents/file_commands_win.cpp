@@ -137,7 +137,7 @@ Opened ShowDocument(const wchar_t* file, bool quiet) {
     const int tab = TabBarAdd(file, label, &why);
     if (tab < 0) {
         if (why == LoadEnd::Cancelled)
-            g_events.statusText(FormatW(L"Opening %s was cancelled", label).c_str());
+            g_events.documentStatus(ActiveDocumentId(), FormatW(L"Opening %s was cancelled", label).c_str());
         else if (!quiet)
             ErrorMessage(L"Failed to open file: %s%s", file, LoadFailureText(why).c_str());
         return Opened::Failed;
