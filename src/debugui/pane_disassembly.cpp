@@ -68,8 +68,11 @@ ListRow InstructionRow(const CodeBytes& code, const DisasmInstruction& instructi
     row.cells = {HexText(instruction.address, PaneAddressDigits(view.x64, instruction.address)),
                  CodeBytesText(bytes.first(std::min<std::size_t>(instruction.length, bytes.size()))),
                  InstructionText(instruction, view)};
-    if (view.hasBreakpoint(instruction.address)) row.mark = ListMark::Breakpoint;
-    if (instruction.address == view.current) row.mark = ListMark::Current;
+    const bool current = instruction.address == view.current;
+    if (view.hasBreakpoint(instruction.address))
+        row.mark = current ? ListMark::CurrentBreakpoint : ListMark::Breakpoint;
+    else if (current)
+        row.mark = ListMark::Current;
     return row;
 }
 

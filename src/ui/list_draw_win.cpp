@@ -53,6 +53,15 @@ void DrawListMark(HDC dc, ListMark mark, const RECT& cell, COLORREF colour) {
                          mark == ListMark::Current);
             break;
         case MarkShape::Dot: FillDot(dc, {left, middle - arm, left + 2 * arm + 1, middle + arm + 1}, colour); break;
+        case MarkShape::ArrowOnDot: {
+            const int round = arm + UiScaled(1);
+            FillDot(dc, {left - UiScaled(1), middle - round, left + 2 * arm + UiScaled(1) + 1, middle + round + 1},
+                    colour);
+            const int tail = left + UiScaled(2);
+            DrawTriangle(dc, {{tail, middle - UiScaled(3)}, {tail, middle + UiScaled(3)}, {tail + arm, middle}},
+                         ColourOf(ListColour::Back), true);
+            break;
+        }
         case MarkShape::Box: DrawBox(dc, left, middle, mark == ListMark::Checked, colour); break;
     }
 }

@@ -6,6 +6,7 @@ MarkShape MarkShapeOf(ListMark mark) {
         case ListMark::Current:
         case ListMark::Chosen: return MarkShape::Arrow;
         case ListMark::Breakpoint: return MarkShape::Dot;
+        case ListMark::CurrentBreakpoint: return MarkShape::ArrowOnDot;
         case ListMark::Unchecked:
         case ListMark::Checked: break;
     }
@@ -14,13 +15,18 @@ MarkShape MarkShapeOf(ListMark mark) {
 
 ListColour RowBackOf(const ListRow& row, bool stale, bool selected, bool focused) {
     if (selected) return focused ? ListColour::SelectedBack : ListColour::QuietBack;
-    return row.mark == ListMark::Current && !stale ? ListColour::StopBack : ListColour::Back;
+    const bool current = row.mark == ListMark::Current || row.mark == ListMark::CurrentBreakpoint;
+    return current && !stale ? ListColour::StopBack : ListColour::Back;
 }
 
 ListColour MarkColourOf(const ListRow& row, bool stale) {
     if (stale || row.tone == ListTone::Quiet) return ListColour::Quiet;
-    if (row.mark == ListMark::Breakpoint) return ListColour::Error;
-    return MarkShapeOf(row.mark) == MarkShape::Arrow ? ListColour::Arrow : ListColour::Text;
+    switch (MarkShapeOf(row.mark)) {
+        case MarkShape::Dot:
+        case MarkShape::ArrowOnDot: return ListColour::Error;
+        case MarkShape::Arrow: return ListColour::Arrow;
+        default: return ListColour::Text;
+    }
 }
 
 ListColour CellColourOf(const ListRow& row, bool stale, int column, bool lastColumn) {
