@@ -281,6 +281,21 @@ TEST(Disassembly, BeginsWhereDecodingLeadsToTheTarget) {
     EXPECT_EQ(DisasmAround(kCode, base, base, true, {}).front().address, base);
 }
 
+TEST(Disassembly, ABreakpointShowsWhereTheProgramStandsToo) {
+    const CodeBytes code = {0x1000, {0x90, 0x90, 0x90, 0x90}};
+    const auto none = [](auto&&...) { return std::wstring(); };
+    const CodeView view = {.current = 0x1001,
+                           .placeAt = [](std::uint64_t) { return CodeView::Place{}; },
+                           .sourceLine = none,
+                           .placeText = none,
+                           .hasBreakpoint = [](std::uint64_t address) { return address < 0x1002; }};
+    auto rows = RowsOfCode(code, DisasmAround(code.bytes, 0x1000, 0x1000, true, {}), 0x1000, view).rows;
+    ASSERT_GE(rows.size(), 3U);
+    EXPECT_EQ(rows[0].mark, ListMark::Breakpoint);
+    EXPECT_EQ(rows[1].mark, ListMark::CurrentBreakpoint);
+    EXPECT_EQ(rows[2].mark, ListMark::None);
+}
+
 TEST(Disassembly, ShowsALimitedNumber) {
     const std::vector<std::uint8_t> nops(1000, 0x90);
     const auto list = DisasmAround(nops, 0x1000, 0x1000 + 500, true, {});
