@@ -54,7 +54,7 @@ LRESULT CALLBACK ListWheelProc(HWND list, UINT message, WPARAM wParam, LPARAM lP
 }
 
 HWND MakeList(const ControlMaker& maker, DWORD style) {
-    const HWND list = maker.Make(WC_COMBOBOXW, L"", WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST | style, kPartField);
+    const HWND list = maker.Make(WC_COMBOBOXW, L"", WS_TABSTOP | WS_VSCROLL | style, kPartField);
     SubclassAdd(list, ListWheelProc);
     return list;
 }
@@ -76,12 +76,17 @@ HWND MakeField(const ControlMaker& maker, const SettingItem& item, const std::ws
         case Check:
         case FixedFonts: return maker.Button(label.c_str(), kPartField, BS_AUTOCHECKBOX);
         case Choice: {
-            const HWND list = MakeList(maker, 0);
+            const HWND list = MakeList(maker, CBS_DROPDOWNLIST);
             for (const wchar_t* const choice : item.choices)
                 SendMessageW(list, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(choice));
             return list;
         }
-        case Font: return MakeList(maker, CBS_SORT);
+        case Font: return MakeList(maker, CBS_DROPDOWNLIST | CBS_SORT);
+        case Model: {
+            const HWND list = MakeList(maker, CBS_DROPDOWN | CBS_AUTOHSCROLL);
+            SendMessageW(list, CB_LIMITTEXT, SettingItemLongest(item), 0);
+            return list;
+        }
         case LongText: return maker.Edit(kLines | ES_WANTRETURN);
         case CommandPreview: return maker.Edit(kLines | ES_READONLY);
         case FontPreview: return maker.Make(WC_STATICW, L"", SS_OWNERDRAW, kPartField);
@@ -100,6 +105,7 @@ HWND MakeButton(const ControlMaker& maker, SettingControl control) {
         case File:
         case SettingControl::Folder: return maker.Button(L"Browse...", kPartButton);
         case Secret: return maker.Button(L"Show", kPartButton);
+        case Model: return maker.Button(L"Fetch", kPartButton);
         case Exceptions: return maker.Button(L"Change...", kPartButton);
         case Colour: return maker.Button(L"Choose a colour", kPartButton, BS_OWNERDRAW);
         default: return nullptr;
@@ -288,6 +294,15 @@ void ChooseText(HWND list, const std::wstring& text) {
     SendMessageW(list, CB_SETCURSEL, static_cast<WPARAM>(at), 0);
 }
 
+std::wstring ChosenLine(HWND list) {
+    const auto at = static_cast<WPARAM>(SendMessageW(list, CB_GETCURSEL, 0, 0));
+    const LRESULT length = SendMessageW(list, CB_GETLBTEXTLEN, at, 0);
+    if (length <= 0) return {};
+    std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
+    text.resize(static_cast<std::size_t>(SendMessageW(list, CB_GETLBTEXT, at, reinterpret_cast<LPARAM>(text.data()))));
+    return text;
+}
+
 int NumberOf(const std::wstring& text) { return static_cast<int>(std::wcstol(text.c_str(), nullptr, 10)); }
 
 std::wstring ExceptionsSummary(const std::wstring& rules) {
@@ -353,19 +368,13 @@ void SettingsFieldShow(SettingsDialog& dialog, FormPlace place) {
     if (ItemAt(place).control == Colour) InvalidateRect(button, nullptr, FALSE);
 }
 
-std::wstring SettingsFieldText(SettingsDialog& dialog, FormPlace place) {
+std::wstring SettingsFieldText(SettingsDialog& dialog, FormPlace place, bool chosen) {
     const HWND field = WindowsAt(dialog, place).parts[kPartField];
     switch (ItemAt(place).control) {
         case Check: return SendMessageW(field, BM_GETCHECK, 0, 0) == BST_CHECKED ? L"1" : L"0";
         case Choice: return std::to_wstring(SendMessageW(field, CB_GETCURSEL, 0, 0));
-        case Font: {
-            wchar_t name[LF_FACESIZE * 2] = {};
-            const LRESULT at = SendMessageW(field, CB_GETCURSEL, 0, 0);
-            const LRESULT length = SendMessageW(field, CB_GETLBTEXTLEN, static_cast<WPARAM>(at), 0);
-            if (length > 0 && length < static_cast<LRESULT>(std::size(name)))
-                SendMessageW(field, CB_GETLBTEXT, static_cast<WPARAM>(at), reinterpret_cast<LPARAM>(name));
-            return name;
-        }
+        case Font: return ChosenLine(field);
+        case Model: return chosen ? ChosenLine(field) : WindowText(field);
         case Exceptions: return TextAt(dialog, place);
         default: return WindowText(field);
     }
@@ -378,6 +387,7 @@ void SettingsFieldPress(SettingsDialog& dialog, FormPlace place) {
         case Colour: return ChooseColour(dialog, place);
         case Secret: return ShowOrHideSecret(dialog, place);
         case Exceptions: return ChangeExceptions(dialog, place);
+        case Model: return SettingsFetchModels(dialog, place);
         case CompilerTest: return SettingsTestCompiler(dialog, place);
         case Detect: return SettingsDetectCompilers(dialog, place);
         default: return;

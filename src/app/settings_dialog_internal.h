@@ -41,8 +41,9 @@ struct SettingsDialog {
     bool filling = false;  // controls get texts: their notifications are no changes of the user
     bool fixedFonts = true;
     UniqueFont bold, preview;
-    Worker look;  // for a path on the network
-    Worker test;  // runs a compiler
+    Worker look;   // for a path on the network
+    Worker test;   // runs a compiler
+    Worker fetch;  // asks a service for its models
 };
 
 inline const SettingItem& ItemAt(FormPlace place) { return SettingsPages()[place.page].items[place.item]; }
@@ -62,7 +63,8 @@ COLORREF SettingsNoteColour(NoteKind kind);
 // --- settings_dialog_fields_win.cpp
 void SettingsFieldMake(SettingsDialog& dialog, FormPlace place, HWND parent, const std::wstring& label);
 void SettingsFieldShow(SettingsDialog& dialog, FormPlace place);  // the text of the form in its control
-std::wstring SettingsFieldText(SettingsDialog& dialog, FormPlace place);
+// `chosen`: the user has just taken a line of its list.
+std::wstring SettingsFieldText(SettingsDialog& dialog, FormPlace place, bool chosen);
 void SettingsFieldPress(SettingsDialog& dialog, FormPlace place);  // the button beside it
 void SettingsFieldDraw(SettingsDialog& dialog, FormPlace place, const DRAWITEMSTRUCT& draw);
 void SettingsFontsFill(SettingsDialog& dialog, std::size_t page);  // the lists of fonts of a page
@@ -81,6 +83,15 @@ void SettingsLookForPath(SettingsDialog& dialog, FormPlace place);  // ends in S
 void SettingsOnLooked(SettingsDialog& dialog, const PathSight& sight);
 void SettingsTestCompiler(SettingsDialog& dialog, FormPlace place);  // ends in MSG_SETTINGS_TESTED
 void SettingsOnTested(SettingsDialog& dialog, const CompilerReply& reply);
+struct ModelsReply {
+    FormPlace place;
+    bool fetched = false;
+    unsigned status = 0;  // of HTTP; 0: no reply came
+    std::vector<std::wstring> names;
+};
+void SettingsFetchModels(SettingsDialog& dialog, FormPlace place);  // ends in MSG_SETTINGS_MODELS
+void SettingsOnModels(SettingsDialog& dialog, const ModelsReply& reply);
+void SettingsNoteTell(SettingsDialog& dialog, FormPlace place, const std::wstring& text, NoteKind kind);
 void SettingsDetectCompilers(SettingsDialog& dialog, FormPlace place);
 std::vector<std::wstring> SettingsKeyLines();  // "Save\tCtrl+S"
 // --- settings_dialog_win.cpp

@@ -42,6 +42,10 @@ FormField FieldOf(SettingControl control) {
     }
 }
 
+bool IsList(SettingControl control) {
+    return control == SettingControl::Choice || control == SettingControl::Font || control == SettingControl::Model;
+}
+
 int HeightOfText(HWND window, const std::wstring& text, int width) {
     const HDC dc = GetDC(window);
     const HGDIOBJ old = SelectObject(dc, UiFont());
@@ -135,12 +139,12 @@ void OnItemCommand(SettingsDialog& dialog, FormPlace place, int part, int notifi
         if (notification == BN_CLICKED) SettingsFieldPress(dialog, place);
         return;
     }
-    const bool isList = item.control == SettingControl::Choice || item.control == SettingControl::Font;
+    const bool isList = IsList(item.control);
     const bool changed = isCheck  ? notification == BN_CLICKED
-                         : isList ? notification == CBN_SELCHANGE
+                         : isList ? notification == CBN_SELCHANGE || notification == CBN_EDITCHANGE
                                   : notification == EN_CHANGE;
     if (!changed || part != kPartField) return;
-    if (item.row != nullptr) TextAt(dialog, place) = SettingsFieldText(dialog, place);
+    if (item.row != nullptr) TextAt(dialog, place) = SettingsFieldText(dialog, place, notification == CBN_SELCHANGE);
     SettingsItemChanged(dialog, place);
 }
 
@@ -249,8 +253,7 @@ void SettingsPagePlace(SettingsDialog& dialog, std::size_t page) {
         PlacePart(moves, parts[kPartLabel], at.label, target.scroll);
         // The list of a combo box drops below it; its height counts as the window's.
         FormRect field = at.field;
-        if (FieldOf(ItemAt({page, i}).control) == FormField::Middle && field.right > field.left)
-            field.bottom += UiScaled(240);
+        if (IsList(ItemAt({page, i}).control) && field.right > field.left) field.bottom += UiScaled(240);
         PlacePart(moves, parts[kPartField], field, target.scroll);
         PlacePart(moves, parts[kPartButton], at.button, target.scroll);
         PlacePart(moves, parts[kPartNote], at.note, target.scroll);

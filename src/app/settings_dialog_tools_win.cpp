@@ -127,19 +127,19 @@ void AddMenuKeys(HMENU menu, const std::wstring& path, std::vector<std::wstring>
     }
 }
 
-void Tell(SettingsDialog& dialog, FormPlace place, const std::wstring& text, NoteKind kind) {
+}  // namespace
+
+void SettingsNoteTell(SettingsDialog& dialog, FormPlace place, const std::wstring& text, NoteKind kind) {
     if (dialog.pages[place.page].window == nullptr) return;
     WindowsAt(dialog, place).seen = text;
     WindowsAt(dialog, place).seenKind = kind;
     SettingsNoteRenew(dialog, place);
 }
 
-}  // namespace
-
 void SettingsLookForPath(SettingsDialog& dialog, FormPlace place) {
     const std::wstring& text = TextAt(dialog, place);
     if (text.empty() || !SettingItemProblem(ItemAt(place), text).empty())
-        return Tell(dialog, place, L"", NoteKind::Help);
+        return SettingsNoteTell(dialog, place, L"", NoteKind::Help);
     wchar_t path[kPathCapacity] = {};
     ResolveExeRelative(text.c_str(), path, kPathCapacity);
     auto sight = std::make_unique<PathSight>(PathSight{.place = place, .text = text});
@@ -157,7 +157,8 @@ void SettingsOnLooked(SettingsDialog& dialog, const PathSight& sight) {
     const bool folder = ItemAt(sight.place).control == SettingControl::Folder;
     const wchar_t* const missing =
         folder ? L"Not found: there is no such folder." : L"Not found: there is no such file.";
-    Tell(dialog, sight.place, sight.found ? L"Found." : missing, sight.found ? NoteKind::Good : NoteKind::Bad);
+    SettingsNoteTell(dialog, sight.place, sight.found ? L"Found." : missing,
+                     sight.found ? NoteKind::Good : NoteKind::Bad);
 }
 
 void SettingsTestCompiler(SettingsDialog& dialog, FormPlace place) {
@@ -165,16 +166,16 @@ void SettingsTestCompiler(SettingsDialog& dialog, FormPlace place) {
     const FormPlace path{place.page, 0};  // the first item of the page of a compiler
     wchar_t program[kPathCapacity] = {};
     ResolveExeRelative(TextAt(dialog, path).c_str(), program, kPathCapacity);
-    if (program[0] == L'\0') return Tell(dialog, place, L"There is no program to test.", NoteKind::Bad);
-    Tell(dialog, place, L"Running...", NoteKind::Help);
+    if (program[0] == L'\0') return SettingsNoteTell(dialog, place, L"There is no program to test.", NoteKind::Bad);
+    SettingsNoteTell(dialog, place, L"Running...", NoteKind::Help);
     TestRequest request{dialog.window, program, std::make_unique<CompilerReply>()};
     request.reply->place = place;
     dialog.test = WorkerStart<TestCompiler>(std::move(request));
-    if (!dialog.test) Tell(dialog, place, L"It cannot be started.", NoteKind::Bad);
+    if (!dialog.test) SettingsNoteTell(dialog, place, L"It cannot be started.", NoteKind::Bad);
 }
 
 void SettingsOnTested(SettingsDialog& dialog, const CompilerReply& reply) {
-    Tell(dialog, reply.place, reply.text, reply.good ? NoteKind::Good : NoteKind::Bad);
+    SettingsNoteTell(dialog, reply.place, reply.text, reply.good ? NoteKind::Good : NoteKind::Bad);
 }
 
 // Only compilers whose path leads nowhere are searched for, as at a start.
@@ -199,7 +200,7 @@ void SettingsDetectCompilers(SettingsDialog& dialog, FormPlace place) {
     const std::wstring told = found == 0   ? L"No further compiler was found."
                               : found == 1 ? L"One compiler was found."
                                            : std::to_wstring(found) + L" compilers were found.";
-    Tell(dialog, place, told, found != 0 ? NoteKind::Good : NoteKind::Help);
+    SettingsNoteTell(dialog, place, told, found != 0 ? NoteKind::Good : NoteKind::Help);
 }
 
 std::vector<std::wstring> SettingsKeyLines() {

@@ -327,12 +327,13 @@ void OpenSettings(HWND window, SettingsDialog& dialog) {
 
 void CloseSettings(SettingsDialog& dialog) {
     g_lastPage = dialog.page;
-    for (const Worker& worker : {dialog.look, dialog.test}) {
+    for (const Worker& worker : {dialog.look, dialog.test, dialog.fetch}) {
         WorkerAskToEnd(worker);
         WorkerWait(worker, kEndMs);
     }
     WorkerDropPosts<std::unique_ptr<PathSight>>(dialog.window, MSG_SETTINGS_LOOKED);
     WorkerDropPosts<std::unique_ptr<CompilerReply>>(dialog.window, MSG_SETTINGS_TESTED);
+    WorkerDropPosts<std::unique_ptr<ModelsReply>>(dialog.window, MSG_SETTINGS_MODELS);
 }
 
 // The colour of a note. Zero for every other control, which keeps the colours of the dialog.
@@ -368,6 +369,9 @@ INT_PTR CALLBACK SettingsDlgProc(HWND window, UINT message, WPARAM wParam, LPARA
             return TRUE;
         case MSG_SETTINGS_TESTED:
             SettingsOnTested(dialog, *WorkerTake<std::unique_ptr<CompilerReply>>(wParam));
+            return TRUE;
+        case MSG_SETTINGS_MODELS:
+            SettingsOnModels(dialog, *WorkerTake<std::unique_ptr<ModelsReply>>(wParam));
             return TRUE;
         case WM_DESTROY:
             g_openDialog = nullptr;
@@ -411,7 +415,8 @@ void SettingsDialogShow(HWND owner) {
                           .bold = {},
                           .preview = {},
                           .look = {},
-                          .test = {}};
+                          .test = {},
+                          .fetch = {}};
     if (DialogBoxParamW(g_ui.hInstance, MAKEINTRESOURCEW(IDD_SETTINGS), owner, SettingsDlgProc,
                         reinterpret_cast<LPARAM>(&dialog)) == -1)
         AppLogMsg(L"FAIL: SettingsDialogShow error=%lu", GetLastError());

@@ -147,8 +147,9 @@ constexpr Line kOpenAiLines[] = {
     {FIELD(openAIEnabled), Check, L"Use OpenAI"},
     {FIELD(openAIUrl), Url, L"Address", L"Of chat completions, with http:// or https:// in front.", L"Connection"},
     {FIELD(openAIKey), Secret, L"Key", L"On the disk only this Windows account can read it."},
-    {FIELD(openAICodeModel), Text, L"Model", L"", L"Models"},
-    {FIELD(openAITranscriptionModel), Text, L"Transcription model", L"For what is spoken."},
+    {FIELD(openAICodeModel), Model, L"Model",
+     L"Fetch asks the service which models it has, with the address and the key above.", L"Models"},
+    {FIELD(openAITranscriptionModel), Model, L"Transcription model", L"For what is spoken."},
 };
 
 constexpr Line kLmStudioLines[] = {
@@ -156,7 +157,8 @@ constexpr Line kLmStudioLines[] = {
     {FIELD(lmStudioUrl), Url, L"Address", L"Of chat completions, with http:// or https:// in front.", L"Connection"},
     {FIELD(lmStudioKey), Secret, L"Key",
      L"Most local servers need none. On the disk only this Windows account can read it."},
-    {FIELD(lmStudioModel), Text, L"Model", L"", L"Models"},
+    {FIELD(lmStudioModel), Model, L"Model",
+     L"Fetch asks the service which models it has, with the address and the key above.", L"Models"},
 };
 
 constexpr Line kProjectLines[] = {

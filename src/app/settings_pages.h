@@ -23,6 +23,7 @@ enum class SettingControl : std::uint8_t {
     Colour,   // "#RRGGBB", or empty
     Secret,   // hidden until the user asks to see it
     Url,
+    Model,       // a text, with a list that the service of the page is asked for
     Exceptions,  // the rules of the dialog for exceptions
     // What shows no setting:
     FixedFonts,   // a mark: the lists of fonts have only those of fixed pitch

@@ -244,6 +244,7 @@
 #define MSG_COMPILERS_SEEN (0x8000 + 24)   // wParam: what CompilersLook found, for CompilersOnLooked
 #define MSG_TREE_ITEMS (0x8000 + 10)       // to the project tree; wParam: TreeListing*, deleted by the receiver
 #define MSG_SETTINGS_LOOKED (0x8000 + 40)  // to the settings dialog; wParam: PathSight*, deleted by the receiver
+#define MSG_SETTINGS_MODELS (0x8000 + 42)  // to the settings dialog; wParam: ModelsReply*, deleted by the receiver
 #define MSG_SETTINGS_TESTED (0x8000 + 41)  // to the settings dialog; wParam: CompilerReply*, deleted by the receiver
 // A key that was put off while a debugged program started. wParam: virtual key, lParam: LATE_KEY bits
 #define MSG_LATE_KEY (0x8000 + 31)

@@ -1,4 +1,6 @@
 // The settings dialog of the real program, by keys and messages.
+#include "support/http_server.h"
+
 #include "harness.h"
 
 #include <commctrl.h>
@@ -223,4 +225,33 @@ TEST(SettingsDialog, ExportsImportsAndResets) {
     EXPECT_EQ(editor.Sci(SCI_GETUSETABS), 1);
     EXPECT_EQ(editor.Close(), 0u);
     EXPECT_EQ(folder.Ini(L"Editor", L"FontSize"), L"11");
+}
+
+TEST(SettingsDialog, TheServiceIsAskedForItsModels) {
+    std::atomic<int> status = 401;
+    HttpServer server([&](const std::string& request) {
+        const bool base = request.starts_with("GET /v1/models ");
+        if (base && status == 200) return HttpAnswer(200, R"({"data":[{"id":"zeta"},{"id":"alpha"}]})");
+        return HttpAnswer(base ? status.load() : 404, "{}");
+    });
+    ProgramFolder folder;
+    folder.KeepNoSession();
+    folder.SetIni(L"AI", L"LMStudioUrl", server.Url(L"/v1/chat/completions"));
+    Editor editor(folder);
+    const SettingsWindow dialog{editor};
+    dialog.Go(L"LM-Studio");
+    const HWND model = dialog.Of(L"LM-Studio", L"Model");
+    for (const auto& [answer, note] : {std::pair{401, L"401: API key required"},
+                                       {500, L"Failed to fetch models. Check URL and API key."},
+                                       {200, L"The service answers. Models in the list: 2."}}) {
+        status = answer;
+        editor.Send(dialog.Of(L"LM-Studio", L"Model", 2), BM_CLICK);
+        EXPECT_TRUE(WaitFor([&] { return dialog.Note(L"LM-Studio", L"Model") == note; }))
+            << Utf8(dialog.Note(L"LM-Studio", L"Model"));
+    }
+    EXPECT_EQ(editor.TextOf(model), L"local") << "what was chosen stays";
+    dialog.Choose(model, 1);
+    dialog.Press(IDOK);
+    ASSERT_TRUE(dialog.Gone());
+    EXPECT_EQ(folder.Ini(L"AI", L"LMStudioModel"), L"zeta");
 }
