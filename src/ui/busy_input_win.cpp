@@ -5,9 +5,11 @@
 BusyInput TakeBusyInput() {
     BusyInput input;
     MSG message = {};
-    while (PeekMessageW(&message, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE) != FALSE)
+    while (PeekMessageW(&message, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE) != FALSE) {
         if (message.message == WM_KEYDOWN && (message.wParam == VK_ESCAPE || message.wParam == VK_CANCEL))
             input.stop = true;
+        if (message.message == WM_SYSKEYDOWN && message.wParam == VK_F4) input.close = true;  // Alt+F4
+    }
     while (PeekMessageW(&message, nullptr, WM_MOUSEFIRST, WM_MOUSELAST, PM_REMOVE) != FALSE) continue;
     while (PeekMessageW(&message, nullptr, WM_NCMOUSEMOVE, WM_NCXBUTTONDBLCLK, PM_REMOVE) != FALSE)
         if (message.message == WM_NCLBUTTONDOWN && message.wParam == HTCLOSE && message.hwnd == g_ui.hMainWnd)

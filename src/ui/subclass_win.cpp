@@ -77,7 +77,9 @@ void SubclassRemove(HWND window, SubclassProc proc) {
     Chain* chain = ChainOf(window);
     if (chain == nullptr) return;
     const auto link = FindLink(*chain, proc);
-    if (link != chain->links.end()) chain->links.erase(link);
+    if (link == chain->links.end()) return;
+    if (static_cast<std::size_t>(link - chain->links.begin()) < chain->remaining) --chain->remaining;
+    chain->links.erase(link);
 }
 
 LRESULT CALLBACK SubclassNext(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
