@@ -87,7 +87,8 @@ void AiReplace(const AiTarget& target, const char* code) {
     }
     if (ActiveDocumentId() != target.document) TabBarSelect(tab);
     const HWND editor = TabAt(tab).editor;
-    AiReplacement made = {.target = target, .start = target.start, .code = ValidText(code, editor)};
+    AiReplacement made = {
+        .target = target, .start = target.start, .code = ValidText(CodeInPlaceOf(target.sent, code).c_str(), editor)};
     ReplaceRange(editor, made.start, target.sent.size(), made.code);
     g_ai.aiReplacement = std::move(made);
     SetAiPending(true);

@@ -57,6 +57,11 @@ char* AiApiExtractCode(const char* reply) {
     return TrimmedText(reply).empty() ? nullptr : HeapText(code.c_str());
 }
 
+std::string CodeInPlaceOf(std::string_view sent, std::string_view code) {
+    const auto endsLine = [](std::string_view text) { return text.ends_with('\n') || text.ends_with('\r'); };
+    return std::string(code) + (endsLine(sent) && !endsLine(code) ? "\n" : "");
+}
+
 std::string WithLineEnds(std::string_view text, std::string_view lineEnd) {
     std::string out;
     for (std::size_t i = 0; i < text.size(); ++i) {

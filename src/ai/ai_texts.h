@@ -22,6 +22,9 @@ std::string AiDoMessage(std::string_view instruction, std::string_view error, st
 // The first fenced block of a reply, else the whole reply, without white space around it: a new block that the caller
 // frees with free(). Null for a null reply, for one of white space only, and when memory runs out.
 char* AiApiExtractCode(const char* reply);
+// The code as it stands in place of `sent`: extracting cut its last line break, without which the line after it would
+// be joined to it.
+std::string CodeInPlaceOf(std::string_view sent, std::string_view code);
 // The same text with all its line ends as `lineEnd`.
 std::string WithLineEnds(std::string_view text, std::string_view lineEnd);
 

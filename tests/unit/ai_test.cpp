@@ -101,6 +101,8 @@ TEST(AiTexts, CodeIsTakenFromTheFirstBlock) {
     };
     for (const auto& c : cases) EXPECT_EQ(Taken(AiApiExtractCode(c.reply)), c.code) << c.reply;
     EXPECT_EQ(AiApiExtractCode(nullptr), nullptr);
+    EXPECT_EQ(CodeInPlaceOf("a\r\n", "b"), "b\n");
+    EXPECT_EQ(CodeInPlaceOf("a", "b") + CodeInPlaceOf("a\n", "b\n"), "bb\n");
     EXPECT_EQ(WithLineEnds("a\nb\r\nc\rd\n\n", "\r\n"), "a\r\nb\r\nc\r\nd\r\n\r\n");
 }
 
