@@ -17,7 +17,7 @@ if(WIN32)
     target_compile_definitions(kvx_windows INTERFACE
         UNICODE _UNICODE STRICT WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0A00)
     target_link_libraries(kvx_windows INTERFACE
-        comctl32 comdlg32 shlwapi shell32 uxtheme dwmapi imm32 winhttp crypt32 ole32 oleaut32 uuid
+        comctl32 comdlg32 shlwapi shell32 uxtheme dwmapi imm32 winhttp winmm crypt32 ole32 oleaut32 uuid
         advapi32 gdi32 user32)
     # The program needs no runtime DLL.
     add_link_options(-static)
@@ -46,7 +46,7 @@ if(KVX_SANITIZE)
     endif()
 endif()
 
-# Libraries for file dialogs and protected settings are loaded at the first call, because few runs need them. Loaded at
+# Libraries for file dialogs, protected settings, the network and sound are loaded at the first call, because few runs need them. Loaded at
 # the start, they and their own libraries took a sixth of the resident memory of an editor with a small file under Wine.
 # cmake/delay/NAME.def lists the functions that are called. Any other function becomes a plain import, and its library
 # is then loaded at the start.

@@ -12,8 +12,9 @@
 std::span<const CommandHandler> AiCommandHandlers();
 bool CmdHandle_AI(int command);  // false when it is none of them
 
-// Asks the primary service to edit the selection, or the whole document when nothing is selected.
-void AiDoStart(const std::wstring& instruction);
+// Asks the primary service to edit the selection, or the whole document when nothing is selected. False: nothing was
+// sent, and the user was told why.
+bool AiDoStart(const std::wstring& instruction);
 
 // MSG_AI_REPLY: takes over the block in wParam. See AiReplyPathOf for what `status` means.
 void AiOnReply(WPARAM reply, LPARAM status);

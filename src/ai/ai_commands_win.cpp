@@ -6,6 +6,8 @@
 #include "ai/ai_requests.h"
 #include "ai/ai_texts.h"
 #include "ai/chat_lines.h"
+#include "ai/recording_dialog.h"
+#include "ai/wav.h"
 #include "base/heap_text.h"
 #include "base/utf8.h"
 #include "base/wide_format.h"
@@ -16,6 +18,7 @@
 #include "settings/settings_state.h"
 #include "ui/message.h"
 #include "ui/panes.h"
+#include "ui/ui_state.h"
 
 #include <cwchar>
 
@@ -134,7 +137,7 @@ void EditAsTyped(int) {
         g_events.statusText(L"Type what is to be done with the code, then choose Edit Code as Typed again");
         return;
     }
-    AiDoStart(instruction);
+    if (AiDoStart(instruction)) SetWindowTextW(g_ai.hAiInput, L"");
 }
 
 void ApplyReply(int) {
@@ -163,12 +166,23 @@ void ShowChatReply(const char* reply) {
     if (!AiChatAppend(text)) OutputPaneAppend(text.c_str(), 0);
 }
 
+// The instruction is spoken.
+void AiDoOrAccept(int) {
+    if (g_ai.aiDoPending) return AiReplacementAccept();
+    if (const wchar_t* problem = AiDoProblem(g_settings); problem != nullptr) {
+        InfoMessage(L"%s", problem);
+        return;
+    }
+    const std::wstring heard = RecordingDialogShow(g_ui.hMainWnd);
+    if (IsTranscription(heard)) AiDoStart(heard);
+}
+
 constexpr CommandHandler kAiHandlers[] = {
     {IDM_AI_OPENAI, AskAboutSelection},
     {IDM_AI_LMSTUDIO, AskAboutSelection},
     {IDM_AI_TRANSCRIBE, TellTranscription},
     {IDC_AI_SEND, SendOrCancel},
-    {IDM_AI_DO, [](int) { AiReplacementAccept(); }},
+    {IDM_AI_DO, AiDoOrAccept},
     {IDM_AI_UNDO, [](int) { AiReplacementUndo(); }},
     {IDM_AI_EDIT, EditAsTyped},
     {IDM_AI_APPLY, ApplyReply},
@@ -181,21 +195,21 @@ std::span<const CommandHandler> AiCommandHandlers() { return kAiHandlers; }
 
 bool CmdHandle_AI(int command) { return RunCommandHandler(kAiHandlers, command); }
 
-void AiDoStart(const std::wstring& instruction) {
+bool AiDoStart(const std::wstring& instruction) {
     if (const wchar_t* problem = AiDoProblem(g_settings); problem != nullptr) {
         InfoMessage(L"%s", problem);
-        return;
+        return false;
     }
     const HWND editor = g_documents.hEditor;
     if (editor == nullptr) {
         InfoMessage(L"No active editor.");
-        return;
+        return false;
     }
     HeapBlock<char> code(AiApiGetSelectedText(editor));
     if (code == nullptr) code.reset(AiApiGetFullText(editor));
     if (code == nullptr || code.get()[0] == '\0') {
         InfoMessage(L"Editor is empty.");
-        return;
+        return false;
     }
     const std::string system = AiDoSystemPrompt(ToUtf8(PromptSettingsNow().description));
     OutputPaneClear();
@@ -211,8 +225,7 @@ void AiDoStart(const std::wstring& instruction) {
     job.selStart = static_cast<std::int64_t>(g_ai.aiDoTarget.start);
     job.selEnd = static_cast<std::int64_t>(g_ai.aiDoTarget.end);
     job.hadSelection = job.selStart != job.selEnd ? 1 : 0;
-    if (StartRequest<AiDoWorkerThread>(service, std::move(job), g_ai.aiDoTarget, L"AI Do"))
-        SetWindowTextW(g_ai.hAiInput, L"");
+    return StartRequest<AiDoWorkerThread>(service, std::move(job), g_ai.aiDoTarget, L"AI Do");
 }
 
 void AiOnReply(WPARAM wParam, LPARAM status) {

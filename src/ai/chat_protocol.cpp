@@ -80,6 +80,12 @@ std::string ChatErrorText(const char* body) {
     return text != nullptr ? text : "";
 }
 
+std::string SpokenText(const char* body) {
+    const Json root(body != nullptr ? cJSON_Parse(body) : nullptr);
+    const char* text = StringOf(cJSON_GetObjectItemCaseSensitive(root.get(), "text"));
+    return text != nullptr ? text : "";
+}
+
 std::wstring ChatHeaders(const wchar_t* apiKey) {
     return CutHeaders(L"Content-Type: application/json\r\n" + AuthorizationLine(apiKey));
 }

@@ -14,6 +14,9 @@ char* ChatReplyText(const char* body);
 // What the service says of an error: "error.message", or "error" when that is a text. Empty when the body has neither.
 std::string ChatErrorText(const char* body);
 
+// "text" of a transcription; empty when the body has none.
+std::string SpokenText(const char* body);
+
 // Header blocks, cut to 1,023 characters. A null or empty key leaves its line out; the header block of a model list is
 // empty then.
 std::wstring ChatHeaders(const wchar_t* apiKey);

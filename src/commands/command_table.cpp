@@ -135,7 +135,7 @@ constexpr CommandRow kCommands[] = {
     {IDC_AI_SEND, kAlways, nullptr, Internal},
     {IDM_AI_EDIT, kAlways},
     {IDM_AI_APPLY, kAiReply},
-    {IDM_AI_DO, kAiPending},
+    {IDM_AI_DO, kAlways},
     {IDM_AI_UNDO, kAiPending},
     {IDM_AI_CANCEL, kAiRunning},
     {IDM_HELP_ABOUT, kAlways},

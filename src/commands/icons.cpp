@@ -126,6 +126,16 @@ constexpr Shape kAi[] = {
     {Kind::Disc, Ink::Accent, 2, {{10.6F, 7.2F}, {1.F, 0.F}}},
 };
 
+constexpr Shape kDictate[] = {
+    {Kind::Stroke, Ink::Accent, 2, {{8.F, 3.6F}, {8.F, 7.2F}}, 4.2F},
+    {Kind::Stroke,
+     Ink::Line,
+     6,
+     {{3.6F, 6.5F}, {4.2F, 9.4F}, {6.6F, 11.2F}, {9.4F, 11.2F}, {11.8F, 9.4F}, {12.4F, 6.5F}}},
+    {Kind::Stroke, Ink::Line, 2, {{8.F, 11.4F}, {8.F, 14.F}}},
+    {Kind::Stroke, Ink::Line, 2, {{5.F, 14.2F}, {11.F, 14.2F}}},
+};
+
 constexpr Shape kDebugStart[] = {
     {Kind::Area, Ink::Go, 3, {{6.5F, 2.F}, {14.8F, 7.5F}, {6.5F, 13.F}}},
     {Kind::Disc, Ink::Stop, 2, {{4.F, 11.8F}, {3.F, 0.F}}},
@@ -175,11 +185,11 @@ constexpr Shape kMore[] = {
     {Kind::Stroke, Ink::Line, 3, {{8.5F, 4.5F}, {12.F, 8.F}, {8.5F, 11.5F}}, 1.5F},
 };
 
-constexpr std::span<const Shape> kIcons[] = {kNew,      kOpen,       kSave,          kSaveAll,     kUndo,     kRedo,
-                                             kCut,      kCopy,       kPaste,         kFind,        kBuild,    kRun,
-                                             kStop,     kSyntax,     kPreviousError, kNextError,   kAsm,      kOutput,
-                                             kAi,       kDebugStart, kBreakpoint,    kDebugStop,   kContinue, kPause,
-                                             kStepOver, kStepInto,   kStepOut,       kRunToCursor, kMore};
+constexpr std::span<const Shape> kIcons[] = {kNew,   kOpen,     kSave,          kSaveAll,    kUndo,        kRedo,
+                                             kCut,   kCopy,     kPaste,         kFind,       kBuild,       kRun,
+                                             kStop,  kSyntax,   kPreviousError, kNextError,  kAsm,         kOutput,
+                                             kAi,    kDictate,  kDebugStart,    kBreakpoint, kDebugStop,   kContinue,
+                                             kPause, kStepOver, kStepInto,      kStepOut,    kRunToCursor, kMore};
 static_assert(std::size(kIcons) == static_cast<std::size_t>(Icon::Count));
 
 // Squares of lengths, because roots cost most of the time in which a toolbar is drawn.

@@ -24,6 +24,7 @@ enum class Icon : std::uint8_t {
     AsmPane,
     Output,
     Ai,
+    Dictate,
     DebugStart,
     Breakpoint,
     DebugStop,

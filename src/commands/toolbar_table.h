@@ -60,11 +60,11 @@ inline constexpr ButtonRow kToolbarButtons[] = {
     {IDM_DEBUG_BUTTON_STEP_OUT, Icon::StepOut, kRunning, false, L"Step Out (Shift+F11)", kSession},
     {IDM_DEBUG_RUN_TO_CURSOR, Icon::RunToCursor, kRunning, false, nullptr, kSession},
     {0},
+    {IDM_AI_DO, Icon::Dictate, kPanes},
+    {IDM_AI_UNDO, Icon::Undo, kRunning, false, nullptr, kAiPending},
     {IDM_VIEW_OUTPUT, Icon::Output, kPanes, true},
     {IDM_VIEW_ASM, Icon::AsmPane, kPanes, true},
     {IDM_VIEW_AI, Icon::Ai, kPanes, true},
-    {IDM_AI_DO, Icon::Ai, kRunning, false, nullptr, kAiPending},
-    {IDM_AI_UNDO, Icon::Undo, kRunning, false, nullptr, kAiPending},
     {IDM_TOOLBAR_MORE, Icon::More, kStays, false, L"More Buttons (Alt+F2)"},
 };
 

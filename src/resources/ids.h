@@ -12,6 +12,7 @@
 #define IDD_CONDITION 3140
 #define IDD_EXCEPTIONS 3170
 #define IDD_PROGRAM 3160
+#define IDD_RECORDING 3210
 
 // --- Commands: File
 #define IDM_FILE_NEW 1001
@@ -131,7 +132,7 @@
 #define IDM_AI_OPENAI 1701
 #define IDM_AI_LMSTUDIO 1702
 #define IDM_AI_TRANSCRIBE 1703
-#define IDM_AI_DO 1279    // accepts a replacement that waits
+#define IDM_AI_DO 1279    // records an instruction, or accepts a replacement that waits
 #define IDM_AI_UNDO 1280  // takes it back
 #define IDM_AI_EDIT 1962
 #define IDM_AI_APPLY 1963
@@ -231,6 +232,11 @@
 #define IDC_PROGRAM_ARGUMENTS 3161
 #define IDC_PROGRAM_FOLDER 3162
 #define IDC_PROGRAM_PROBLEM 3163
+
+// --- Controls of the dialog that records
+#define IDC_RECORDING_STATE 3211
+#define IDC_RECORDING_TIME 3212
+#define IDC_RECORDING_LEVEL 3213
 
 // --- Messages of the main window (WM_USER = 0x0400, WM_APP = 0x8000). The receiver frees a heap block in wParam.
 #define MSG_BUILD_OUTPUT (0x0400 + 100)    // wParam: heap wide text, lParam: colour (0 = default)

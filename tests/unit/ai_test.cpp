@@ -3,6 +3,7 @@
 #include "ai/ai_texts.h"
 #include "ai/chat_protocol.h"
 #include "ai/model_list.h"
+#include "ai/wav.h"
 #include "settings/settings.h"
 
 #include <gtest/gtest.h>
@@ -128,6 +129,25 @@ TEST(AiTexts, PromptsAndAddresses) {
         StripChatEndpoint(edited);
         EXPECT_STREQ(edited, base);
     }
+}
+
+TEST(AiSound, IsSentAsAWavFileInAForm) {
+    const std::int16_t samples[] = {1, -2};
+    const std::string wav = WavFile(samples);
+    EXPECT_EQ(
+        wav,
+        std::string("RIFF\x28\0\0\0WAVEfmt \x10\0\0\0\1\0\1\0\x80\x3E\0\0\0\x7D\0\0\2\0\x10\0data\4\0\0\0\1\0\xFE\xFF",
+                    48));
+    EXPECT_EQ(
+        TranscriptionForm("W", "m", "B"),
+        "--B\r\nContent-Disposition: form-data; name=\"model\"\r\n\r\nm\r\n--B\r\nContent-Disposition: form-data; "
+        "name=\"file\"; filename=\"audio.wav\"\r\nContent-Type: audio/wav\r\n\r\nW\r\n--B--\r\n");
+    EXPECT_EQ(FormBoundary("x KVX-Editor-form-").find("KVX-Editor-form--"), 0U);
+    for (const auto& [sample, level] : {std::pair<std::int16_t, int>{0, 0}, {1, 0}, {1036, 49}, {-32768, 100}})
+        EXPECT_EQ(SoundLevel(std::vector<std::int16_t>(100, sample)), level);
+    EXPECT_EQ(TranscriptionText(R"({"text":"\u00C4"})"), L"\u00C4");
+    for (const char* bad : {"", "{}", R"({"text":""})", R"({"text":[]})"})
+        EXPECT_FALSE(IsTranscription(TranscriptionText(bad))) << bad;
 }
 
 TEST(AiRules, TheServiceAndWhatIsMissing) {

@@ -1,8 +1,18 @@
 // The HTTP client and the chat requests against a real server on the loopback address, with all that a server can do
 // wrong.
 #include "ai/ai_api.h"
+#include "ai/recording_dialog.h"
+#include "ai/sound_input.h"
+#include "ai/wav.h"
+#include "base/bounded_text.h"
+#include "resources/ids.h"
+#include "settings/settings_state.h"
 #include "support/http_server.h"
 
+#include "ui/message.h"
+#include "ui/ui_state.h"
+
+#include <commctrl.h>
 #include <gtest/gtest.h>
 
 namespace {
@@ -156,6 +166,78 @@ TEST(AiHttp, ACallToASilentServerIsCancelledAtOnce) {
         EXPECT_LT(GetTickCount64() - start, 2000U);
         EXPECT_EQ(extras.error, static_cast<DWORD>(ERROR_CANCELLED));
     }
+}
+
+// --- The dialog that records, with an input in place of the microphone
+int g_stops = 0;
+bool g_hasInput = true;
+constexpr SoundInput kSynthetic = {
+    [](std::wstring* problem) {
+        *problem = L"none";
+        return g_hasInput;
+    },
+    [](std::vector<std::int16_t>* samples) { samples->insert(samples->end(), 1600, 1000); }, [] { ++g_stops; }};
+
+int g_buttons[2] = {};  // to press, once there is sound, and once the service was asked
+
+void CALLBACK PressButtons(HWND, UINT, UINT_PTR, DWORD) {
+    const HWND dialog = GetActiveWindow();
+    wchar_t state[64] = {};
+    if (dialog == nullptr || GetDlgItemTextW(dialog, IDC_RECORDING_STATE, state, 64) == 0) return;
+    const bool recording = std::wstring_view(state) == L"Recording...";
+    wchar_t time[16] = {};
+    GetDlgItemTextW(dialog, IDC_RECORDING_TIME, time, 16);
+    if (recording && std::wstring_view(time) == L"0:00") return;
+    if (recording) EXPECT_GT(SendDlgItemMessageW(dialog, IDC_RECORDING_LEVEL, PBM_GETPOS, 0, 0), 0);
+    const int button = std::exchange(g_buttons[recording ? 0 : 1], 0);
+    if (button != 0) SendMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(button), 0);
+}
+
+TEST(AiRecording, LeavesTheTextOrSaysWhyNot) {
+    InitCommonControls();
+    g_ui.hInstance = GetModuleHandleW(nullptr);
+    g_soundInput = &kSynthetic;
+    SafeCopyW(g_settings.openAIKey, L"sk-1");
+    SafeCopyW(g_settings.openAITranscriptionModel, L"whisper-1");
+    const UINT_PTR timer = SetTimer(nullptr, 0, 20, PressButtons);
+    const struct {
+        const char* name;
+        HttpReply reply;
+        int first, second;
+        const wchar_t* heard;
+        std::size_t requests;
+    } cases[] = {
+        {"heard", HttpAnswer(200, R"({"text":"make it shorter"})"), IDOK, 0, L"make it shorter", 1},
+        {"refused", HttpAnswer(500, "{}"), IDOK, 0, kTranscriptionFailed, 1},
+        {"closed", {}, IDOK, 0, kTranscriptionEmpty, 1},
+        {"cancelled", {}, IDCANCEL, 0, L"", 0},
+        {"cancelled later", {.bytes = "", .keepsOpen = true}, IDOK, IDCANCEL, L"", 1},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        HttpServer server([&c](const std::string&) { return c.reply; });
+        SafeCopyW(g_settings.openAIUrl, server.Url(L"/v1/chat/completions"));
+        g_buttons[0] = c.first, g_buttons[1] = c.second;
+        g_stops = 0;
+        EXPECT_EQ(RecordingDialogShow(nullptr), c.heard);
+        EXPECT_EQ(g_stops, 1);
+        for (int i = 0; i < 200 && server.Requests().size() < c.requests; ++i) Sleep(10);
+        ASSERT_EQ(server.Requests().size(), c.requests);
+        if (c.requests == 0) continue;
+        const std::string request = server.Requests()[0];
+        EXPECT_TRUE(request.starts_with("POST /v1/audio/transcriptions HTTP/1.1\r\n"));
+        EXPECT_NE(request.find("Authorization: Bearer sk-1\r\n"), std::string::npos);
+        EXPECT_NE(request.find("\r\n\r\nwhisper-1\r\n--"), std::string::npos);
+        EXPECT_NE(request.find("\r\n\r\nRIFF"), std::string::npos);
+    }
+    KillTimer(nullptr, timer);
+    g_hasInput = false;
+    g_answerInstead = [](const UserQuestion& question) {
+        EXPECT_STREQ(question.text, L"none");
+        return Answer::Yes;
+    };
+    EXPECT_EQ(RecordingDialogShow(nullptr), L"");
+    g_answerInstead = nullptr;
 }
 
 }  // namespace

@@ -66,6 +66,7 @@ TEST(Assistant, SaysWhatIsMissing) {
         TypeInChat(editor, L"shorter");
         ExpectMessage(editor, IDM_AI_EDIT, c.edit);
         if (c.openAi) continue;
+        ExpectMessage(editor, IDM_AI_DO, c.edit);  // asked before anything is recorded
         const std::wstring before = Chat(editor);
         editor.Do(IDC_AI_SEND);
         EXPECT_EQ(Chat(editor), before +
