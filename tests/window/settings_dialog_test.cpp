@@ -164,6 +164,13 @@ TEST(SettingsDialog, IsSearchedAndWorkedByKeysAlone) {
     editor.Send(dialog.Of(L"OAI", L"Key", 2), BM_CLICK);
     EXPECT_EQ(editor.Send(key, EM_GETPASSWORDCHAR), 0) << "shown on demand";
     EXPECT_EQ(editor.TextOf(key), L"sk-marker-0123456789");
+    // A text of several lines is not selected, so that a letter does not replace it.
+    dialog.Set(dialog.Control(IDC_SETTINGS_SEARCH), L"description");
+    const HWND text = dialog.Of(L"KVXA64", L"Description");
+    editor.Send(dialog.window, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(text), TRUE);
+    ASSERT_TRUE(dialog.AwaitFocus(text));
+    const auto selected = static_cast<DWORD>(editor.Send(text, EM_GETSEL));
+    EXPECT_EQ(LOWORD(selected), HIWORD(selected));
     dialog.Set(dialog.Control(IDC_SETTINGS_SEARCH), L"nobody has this");
     EXPECT_TRUE(IsWindowVisible(dialog.Control(IDC_SETTINGS_NOTHING)));
     dialog.Mnemonic(L's');
