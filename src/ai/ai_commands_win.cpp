@@ -11,6 +11,7 @@
 #include "base/heap_text.h"
 #include "base/utf8.h"
 #include "base/wide_format.h"
+#include "documents/document_row.h"
 #include "documents/documents_state.h"
 #include "output/output_pane.h"
 #include "output/output_state.h"
@@ -166,6 +167,17 @@ void ShowChatReply(const char* reply) {
     if (!AiChatAppend(text)) OutputPaneAppend(text.c_str(), 0);
 }
 
+// An instruction was spoken, but meanwhile its document is no longer the one in front or a replacement waits. What was
+// said is kept.
+void KeepInstruction(const std::wstring& heard) {
+    const std::wstring typed = AiInputText();
+    ShowChat();
+    SetWindowTextW(g_ai.hAiInput, (typed.empty() ? heard : typed + L" " + heard).c_str());
+    InfoMessage(
+        L"The document or its AI replacement has changed while you were speaking, so nothing was sent. Your "
+        L"instruction is in the AI sidebar; Tools > Edit Code as Typed in AI Sidebar sends it.");
+}
+
 // The instruction is spoken.
 void AiDoOrAccept(int) {
     if (g_ai.aiDoPending) return AiReplacementAccept();
@@ -173,8 +185,13 @@ void AiDoOrAccept(int) {
         InfoMessage(L"%s", problem);
         return;
     }
+    const DocumentId document = ActiveDocumentId();
     const std::wstring heard = RecordingDialogShow(g_ui.hMainWnd);
-    if (IsTranscription(heard)) AiDoStart(heard);
+    if (!IsTranscription(heard)) return;
+    if (g_ai.aiDoPending || ActiveDocumentId() != document)
+        KeepInstruction(heard);
+    else
+        AiDoStart(heard);
 }
 
 constexpr CommandHandler kAiHandlers[] = {

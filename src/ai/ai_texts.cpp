@@ -81,3 +81,12 @@ void StripChatEndpoint(wchar_t* url) {
     const std::size_t length = std::wcslen(url);
     if (length > 0 && url[length - 1] == L'/') url[length - 1] = L'\0';
 }
+
+std::wstring HostOfUrl(std::wstring_view url) {
+    const std::size_t scheme = url.find(L"://");
+    if (scheme == std::wstring_view::npos) return {};
+    std::wstring_view host = url.substr(scheme + 3);
+    host = host.substr(0, host.find_first_of(L"/?#"));
+    const std::size_t user = host.rfind(L'@');
+    return std::wstring(user == std::wstring_view::npos ? host : host.substr(user + 1));
+}

@@ -31,3 +31,5 @@ std::string WithLineEnds(std::string_view text, std::string_view lineEnd);
 // --- Addresses
 // Cuts the address in place at "/chat/completions" and then drops one slash from its end. Null and empty stay.
 void StripChatEndpoint(wchar_t* url);
+// The name or address of the server with its port, if the URL tells one; without a user's name. Empty: none was found.
+std::wstring HostOfUrl(std::wstring_view url);

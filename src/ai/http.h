@@ -20,6 +20,7 @@ struct HttpResponseBuffer {
 struct HttpExtras {
     const WorkerCancel* cancel = nullptr;
     std::atomic<std::uint64_t>* received = nullptr;  // bytes of the body so far
+    int replyMs = 0;                                 // longest wait for the reply; 0: the limit of WinHTTP
     DWORD status = 0;                                // out: of this reply; 0: none came
     DWORD error = 0;  // out: why the call failed (an error of WinHTTP); ERROR_CANCELLED: it was cancelled
 };

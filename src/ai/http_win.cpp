@@ -134,11 +134,18 @@ bool AddHeaders(HINTERNET request, const wchar_t* headers) {
     return WinHttpAddRequestHeaders(request, headers, static_cast<DWORD>(-1), WINHTTP_ADDREQ_FLAG_ADD) != FALSE;
 }
 
+// A system that does not know one of the options keeps its own limit.
+void LimitReplyTime(HINTERNET request, DWORD milliseconds) {
+    for (const DWORD option : {WINHTTP_OPTION_RECEIVE_TIMEOUT, WINHTTP_OPTION_RECEIVE_RESPONSE_TIMEOUT})
+        WinHttpSetOption(request, option, &milliseconds, sizeof(milliseconds));
+}
+
 bool Exchange(HINTERNET request, const HttpCall& call, const SharedTransfer& transfer, HttpExtras& extras) {
     if (!ShareTransfer(request, transfer) || !AddHeaders(request, call.headers)) {
         extras.error = GetLastError();
         return false;
     }
+    if (extras.replyMs > 0) LimitReplyTime(request, static_cast<DWORD>(extras.replyMs));
     const auto length = static_cast<DWORD>(transfer->toSend.size());
     void* body = length > 0 ? transfer->toSend.data() : WINHTTP_NO_REQUEST_DATA;
     if (!StepEnds(WinHttpSendRequest(request, WINHTTP_NO_ADDITIONAL_HEADERS, 0, body, length, length,

@@ -5,6 +5,6 @@
 
 #include <string>
 
-// The spoken text; kTranscriptionFailed or kTranscriptionEmpty (ai/wav.h) when the service gave none; empty when the user
-// cancelled, said nothing or has no microphone, which is told in a box.
+// The spoken text; kTranscriptionFailed or kTranscriptionEmpty (ai/wav.h) when the service gave none and the user did not
+// try again with success; empty when the user cancelled or has no microphone, which is told in a box.
 std::wstring RecordingDialogShow(HWND owner);

@@ -2,13 +2,13 @@
 #include "ai/sound_input.h"
 
 #include "ai/wav.h"
-#include "base/log.h"
 
 #include <windows.h>
 
 #include <mmsystem.h>
 
 #include <array>
+#include <memory>
 
 namespace {
 
@@ -17,40 +17,52 @@ constexpr std::size_t kBlocks = 20;  // two seconds, the longest time between tw
 
 struct Microphone {
     HWAVEIN device = nullptr;
-    std::array<std::array<std::int16_t, kBlockSamples>, kBlocks> samples;
-    std::array<WAVEHDR, kBlocks> headers;
+    std::array<std::array<std::int16_t, kBlockSamples>, kBlocks> samples = {};
+    std::array<WAVEHDR, kBlocks> headers = {};
     std::size_t next = 0;  // the block that is filled next
 };
-Microphone g_microphone;
 
-void StopMicrophone() {
-    if (g_microphone.device == nullptr) return;
-    waveInReset(g_microphone.device);
-    for (WAVEHDR& header : g_microphone.headers) waveInUnprepareHeader(g_microphone.device, &header, sizeof(header));
-    waveInClose(g_microphone.device);
-    g_microphone.device = nullptr;
+// Appends the next block if it has been handed back by the driver.
+bool TakeBlock(Microphone& microphone, std::vector<std::int16_t>* out) {
+    WAVEHDR& header = microphone.headers[microphone.next];
+    if ((header.dwFlags & WHDR_DONE) == 0) return false;
+    const auto& block = microphone.samples[microphone.next];
+    out->insert(out->end(), block.begin(), block.begin() + header.dwBytesRecorded / sizeof(std::int16_t));
+    header.dwBytesRecorded = 0;  // because a block that the driver does not take again keeps WHDR_DONE
+    microphone.next = (microphone.next + 1) % kBlocks;
+    return true;
 }
 
-bool StartBlocks() {
+void StopMicrophone(void* input, std::vector<std::int16_t>* out) {
+    const std::unique_ptr<Microphone> microphone(static_cast<Microphone*>(input));
+    waveInReset(microphone->device);  // hands back the block that is half full, too
+    for (std::size_t looked = 0; looked < kBlocks && TakeBlock(*microphone, out); ++looked) {}
+    for (WAVEHDR& header : microphone->headers) waveInUnprepareHeader(microphone->device, &header, sizeof(header));
+    waveInClose(microphone->device);
+}
+
+bool GiveBlock(Microphone& microphone, WAVEHDR& header) {
+    return waveInAddBuffer(microphone.device, &header, sizeof(header)) == MMSYSERR_NOERROR;
+}
+
+bool StartBlocks(Microphone& microphone) {
     for (std::size_t i = 0; i < kBlocks; ++i) {
-        WAVEHDR& header = g_microphone.headers[i];
-        header = {};
-        header.lpData = reinterpret_cast<LPSTR>(g_microphone.samples[i].data());
-        header.dwBufferLength = sizeof(g_microphone.samples[i]);
-        if (waveInPrepareHeader(g_microphone.device, &header, sizeof(header)) != MMSYSERR_NOERROR ||
-            waveInAddBuffer(g_microphone.device, &header, sizeof(header)) != MMSYSERR_NOERROR)
+        WAVEHDR& header = microphone.headers[i];
+        header.lpData = reinterpret_cast<LPSTR>(microphone.samples[i].data());
+        header.dwBufferLength = sizeof(microphone.samples[i]);
+        if (waveInPrepareHeader(microphone.device, &header, sizeof(header)) != MMSYSERR_NOERROR ||
+            !GiveBlock(microphone, header))
             return false;
     }
-    g_microphone.next = 0;
-    return waveInStart(g_microphone.device) == MMSYSERR_NOERROR;
+    return waveInStart(microphone.device) == MMSYSERR_NOERROR;
 }
 
-bool StartMicrophone(std::wstring* problem) {
+void* StartMicrophone(std::wstring* problem) {
     if (waveInGetNumDevs() == 0) {
         *problem =
             L"No microphone was found. Connect one, or type the instruction into the AI sidebar and choose Tools > "
             L"Edit Code as Typed in AI Sidebar.";
-        return false;
+        return nullptr;
     }
     WAVEFORMATEX format = {};
     format.wFormatTag = WAVE_FORMAT_PCM;
@@ -59,26 +71,27 @@ bool StartMicrophone(std::wstring* problem) {
     format.wBitsPerSample = 16;
     format.nBlockAlign = sizeof(std::int16_t);
     format.nAvgBytesPerSec = kSamplesPerSecond * sizeof(std::int16_t);
-    const MMRESULT opened = waveInOpen(&g_microphone.device, WAVE_MAPPER, &format, 0, 0, CALLBACK_NULL);
-    if (opened == MMSYSERR_NOERROR && StartBlocks()) return true;
-    AppLogMsg(L"FAIL: StartMicrophone error=%u", opened);
-    if (opened != MMSYSERR_NOERROR) g_microphone.device = nullptr;
-    StopMicrophone();
+    auto microphone = std::make_unique<Microphone>();
+    const MMRESULT opened = waveInOpen(&microphone->device, WAVE_MAPPER, &format, 0, 0, CALLBACK_NULL);
+    if (opened == MMSYSERR_NOERROR && StartBlocks(*microphone)) return microphone.release();
+    if (opened == MMSYSERR_NOERROR) {
+        std::vector<std::int16_t> unused;
+        StopMicrophone(microphone.release(), &unused);
+    }
     *problem =
         L"The microphone cannot be used. Another program may be using it, or the system's privacy settings may "
         L"keep programs from it.";
-    return false;
+    return nullptr;
 }
 
-void ReadMicrophone(std::vector<std::int16_t>* out) {
-    for (std::size_t looked = 0; looked < kBlocks && g_microphone.device != nullptr; ++looked) {
-        WAVEHDR& header = g_microphone.headers[g_microphone.next];
-        if ((header.dwFlags & WHDR_DONE) == 0) return;
-        const auto& block = g_microphone.samples[g_microphone.next];
-        out->insert(out->end(), block.begin(), block.begin() + header.dwBytesRecorded / sizeof(std::int16_t));
-        waveInAddBuffer(g_microphone.device, &header, sizeof(header));
-        g_microphone.next = (g_microphone.next + 1) % kBlocks;
+bool ReadMicrophone(void* input, std::vector<std::int16_t>* out) {
+    auto& microphone = *static_cast<Microphone*>(input);
+    for (std::size_t looked = 0; looked < kBlocks; ++looked) {
+        WAVEHDR& header = microphone.headers[microphone.next];
+        if (!TakeBlock(microphone, out)) return true;
+        if (!GiveBlock(microphone, header)) return false;  // the device was removed
     }
+    return true;
 }
 
 constexpr SoundInput kMicrophone = {StartMicrophone, ReadMicrophone, StopMicrophone};

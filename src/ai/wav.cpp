@@ -10,7 +10,9 @@ namespace {
 
 constexpr std::uint16_t kPcm = 1;
 constexpr std::uint16_t kSampleBytes = 2;
-constexpr double kQuietest = -60;  // dB
+constexpr std::size_t kWavHeaderBytes = 44;
+constexpr std::size_t kFormTextBytes = 1024;  // enough for what surrounds the file
+constexpr double kQuietest = -60;             // dB
 
 template <typename Number>
 void AppendLe(std::string& out, Number value) {
@@ -21,7 +23,9 @@ void AppendLe(std::string& out, Number value) {
 
 std::string WavFile(std::span<const std::int16_t> samples) {
     const auto bytes = static_cast<std::uint32_t>(samples.size() * kSampleBytes);
-    std::string wav = "RIFF";
+    std::string wav;
+    wav.reserve(kWavHeaderBytes + bytes);
+    wav += "RIFF";
     AppendLe(wav, bytes + 36U);
     wav += "WAVEfmt ";
     AppendLe(wav, std::uint32_t{16});
@@ -48,7 +52,9 @@ int SoundLevel(std::span<const std::int16_t> samples) {
 
 std::string TranscriptionForm(std::string_view wav, std::string_view model, std::string_view boundary) {
     const std::string line = std::string("--").append(boundary);
-    std::string form = line + "\r\nContent-Disposition: form-data; name=\"model\"\r\n\r\n";
+    std::string form;
+    form.reserve(wav.size() + kFormTextBytes);
+    form.append(line).append("\r\nContent-Disposition: form-data; name=\"model\"\r\n\r\n");
     form.append(model).append("\r\n" + line);
     form +=
         "\r\nContent-Disposition: form-data; name=\"file\"; filename=\"audio.wav\"\r\nContent-Type: audio/wav\r\n\r\n";
@@ -67,10 +73,11 @@ std::wstring TranscriptionHeaders(std::string_view boundary, const wchar_t* apiK
 }
 
 bool IsTranscription(std::wstring_view text) {
-    return !text.empty() && text != kTranscriptionFailed && text != kTranscriptionEmpty;
+    return text.find_first_not_of(L" \t\r\n") != std::wstring_view::npos && text != kTranscriptionFailed &&
+           text != kTranscriptionEmpty;
 }
 
 std::wstring TranscriptionText(const char* body) {
-    const std::string text = SpokenText(body);
-    return text.empty() ? kTranscriptionFailed : Utf8ToWideText(text);
+    std::wstring text = Utf8ToWideText(SpokenText(body));
+    return IsTranscription(text) ? text : kTranscriptionFailed;
 }

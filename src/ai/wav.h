@@ -26,6 +26,6 @@ std::wstring TranscriptionHeaders(std::string_view boundary, const wchar_t* apiK
 // What the dialog leaves when it has no text.
 inline constexpr wchar_t kTranscriptionFailed[] = L"[Transcription failed]";
 inline constexpr wchar_t kTranscriptionEmpty[] = L"[Transcription failed - no response]";
-bool IsTranscription(std::wstring_view text);  // neither empty nor one of these
+bool IsTranscription(std::wstring_view text);  // neither blank nor one of these
 // The spoken text of a reply; kTranscriptionFailed when the body has none.
 std::wstring TranscriptionText(const char* body);

@@ -237,6 +237,7 @@
 #define IDC_RECORDING_STATE 3211
 #define IDC_RECORDING_TIME 3212
 #define IDC_RECORDING_LEVEL 3213
+#define IDC_RECORDING_HOST 3214
 
 // --- Messages of the main window (WM_USER = 0x0400, WM_APP = 0x8000). The receiver frees a heap block in wParam.
 #define MSG_BUILD_OUTPUT (0x0400 + 100)    // wParam: heap wide text, lParam: colour (0 = default)

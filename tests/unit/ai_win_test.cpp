@@ -169,28 +169,45 @@ TEST(AiHttp, ACallToASilentServerIsCancelledAtOnce) {
 }
 
 // --- The dialog that records, with an input in place of the microphone
-int g_stops = 0;
-bool g_hasInput = true;
-constexpr SoundInput kSynthetic = {
-    [](std::wstring* problem) {
-        *problem = L"none";
-        return g_hasInput;
-    },
-    [](std::vector<std::int16_t>* samples) { samples->insert(samples->end(), 1600, 1000); }, [] { ++g_stops; }};
+std::atomic<int> g_stops = 0;
+std::atomic<bool> g_hasInput = true;
+std::atomic<int> g_reads = 0;  // that give sound; none after them
+std::atomic<std::size_t> g_samplesOfRead = 0;
+std::atomic<bool> g_lost = false;  // the device is gone after them
+constexpr SoundInput kSynthetic = {[](std::wstring* problem) -> void* {
+                                       *problem = L"none";
+                                       return g_hasInput ? &g_stops : nullptr;
+                                   },
+                                   [](void*, std::vector<std::int16_t>* samples) {
+                                       if (g_reads > 0) samples->insert(samples->end(), g_samplesOfRead, 1000);
+                                       return g_reads-- > 0 || !g_lost;
+                                   },
+                                   [](void*, std::vector<std::int16_t>* samples) {
+                                       samples->insert(samples->end(), 16, 77);  // the block that was half full
+                                       ++g_stops;
+                                   }};
 
-int g_buttons[2] = {};  // to press, once there is sound, and once the service was asked
+// Presses a button once the dialog says the text.
+struct Press {
+    std::wstring_view state;
+    int button;
+};
+std::vector<Press> g_presses;
 
 void CALLBACK PressButtons(HWND, UINT, UINT_PTR, DWORD) {
     const HWND dialog = GetActiveWindow();
-    wchar_t state[64] = {};
-    if (dialog == nullptr || GetDlgItemTextW(dialog, IDC_RECORDING_STATE, state, 64) == 0) return;
+    wchar_t state[200] = {};
+    wchar_t host[200] = {};
+    if (dialog == nullptr || GetDlgItemTextW(dialog, IDC_RECORDING_STATE, state, 200) == 0 || g_presses.empty()) return;
+    if (!std::wstring_view(state).starts_with(g_presses.front().state)) return;
     const bool recording = std::wstring_view(state) == L"Recording...";
-    wchar_t time[16] = {};
-    GetDlgItemTextW(dialog, IDC_RECORDING_TIME, time, 16);
-    if (recording && std::wstring_view(time) == L"0:00") return;
-    if (recording) EXPECT_GT(SendDlgItemMessageW(dialog, IDC_RECORDING_LEVEL, PBM_GETPOS, 0, 0), 0);
-    const int button = std::exchange(g_buttons[recording ? 0 : 1], 0);
-    if (button != 0) SendMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(button), 0);
+    if (recording && SendDlgItemMessageW(dialog, IDC_RECORDING_LEVEL, PBM_GETPOS, 0, 0) == 0) return;
+    GetDlgItemTextW(dialog, IDC_RECORDING_HOST, host, 200);
+    EXPECT_NE(std::wstring_view(host).find(L"127.0.0.1:"), std::wstring_view::npos);
+    const int button = g_presses.front().button;
+    g_presses.erase(g_presses.begin());
+    if (IsWindowEnabled(GetDlgItem(dialog, button)) == FALSE) ADD_FAILURE() << "disabled";
+    SendMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(button), 0);
 }
 
 TEST(AiRecording, LeavesTheTextOrSaysWhyNot) {
@@ -200,35 +217,59 @@ TEST(AiRecording, LeavesTheTextOrSaysWhyNot) {
     SafeCopyW(g_settings.openAIKey, L"sk-1");
     SafeCopyW(g_settings.openAITranscriptionModel, L"whisper-1");
     const UINT_PTR timer = SetTimer(nullptr, 0, 20, PressButtons);
+    const HttpReply good = HttpAnswer(200, R"({"text":"make it shorter"})");
+    const HttpReply refused = HttpAnswer(500, R"({"error":"key sk-1 is bad"})");
+    constexpr Press kStop = {L"Recording...", IDOK};
+    constexpr Press kGiveUp = {L"OpenAI: the request failed", IDCANCEL};
+    constexpr Press kTryAgain = {L"OpenAI: the request failed", IDOK};
     const struct {
         const char* name;
-        HttpReply reply;
-        int first, second;
+        std::vector<HttpReply> replies;
+        std::vector<Press> presses;
         const wchar_t* heard;
-        std::size_t requests;
+        int reads = 1000;
+        bool lost = false;
+        std::size_t samplesOfRead = 1600;
     } cases[] = {
-        {"heard", HttpAnswer(200, R"({"text":"make it shorter"})"), IDOK, 0, L"make it shorter", 1},
-        {"refused", HttpAnswer(500, "{}"), IDOK, 0, kTranscriptionFailed, 1},
-        {"closed", {}, IDOK, 0, kTranscriptionEmpty, 1},
-        {"cancelled", {}, IDCANCEL, 0, L"", 0},
-        {"cancelled later", {.bytes = "", .keepsOpen = true}, IDOK, IDCANCEL, L"", 1},
+        {"heard", {good}, {kStop}, L"make it shorter"},
+        {"refused",
+         {refused},
+         {kStop, {L"OpenAI: the request failed: HTTP 500, the server has a fault: key  is bad", IDCANCEL}},
+         kTranscriptionFailed},
+        {"blank",
+         {HttpAnswer(200, R"({"text":" \n"})")},
+         {kStop, {L"The service returned no text", IDCANCEL}},
+         kTranscriptionFailed},
+        {"closed", {{}}, {kStop, kGiveUp}, kTranscriptionEmpty},
+        {"tried again", {refused, {}, good}, {kStop, kTryAgain, kTryAgain}, L"make it shorter"},
+        {"cancelled", {}, {{L"Recording...", IDCANCEL}}, L""},
+        {"cancelled later", {{.bytes = "", .keepsOpen = true}}, {kStop, {L"Transcribing...", IDCANCEL}}, L""},
+        {"removed", {good}, {{L"The microphone was removed. What", IDOK}}, L"make it shorter", 3, true},
+        {"silent device", {good}, {{L"No more sound comes from the microphone. What", IDOK}}, L"make it shorter", 3},
+        {"limit", {}, {{L"The recording has reached ten minutes", IDCANCEL}}, L"", 2, false, kMostSamples / 2},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        HttpServer server([&c](const std::string&) { return c.reply; });
+        std::atomic<std::size_t> served = 0;
+        HttpServer server([&](const std::string&) { return c.replies[std::min(served++, c.replies.size() - 1)]; });
         SafeCopyW(g_settings.openAIUrl, server.Url(L"/v1/chat/completions"));
-        g_buttons[0] = c.first, g_buttons[1] = c.second;
-        g_stops = 0;
+        g_presses = c.presses;
+        g_stops = 0, g_reads = c.reads, g_lost = c.lost, g_samplesOfRead = c.samplesOfRead;
         EXPECT_EQ(RecordingDialogShow(nullptr), c.heard);
+        for (int i = 0; i < 200 && (g_stops == 0 || server.Requests().size() < c.replies.size()); ++i) Sleep(10);
         EXPECT_EQ(g_stops, 1);
-        for (int i = 0; i < 200 && server.Requests().size() < c.requests; ++i) Sleep(10);
-        ASSERT_EQ(server.Requests().size(), c.requests);
-        if (c.requests == 0) continue;
-        const std::string request = server.Requests()[0];
-        EXPECT_TRUE(request.starts_with("POST /v1/audio/transcriptions HTTP/1.1\r\n"));
-        EXPECT_NE(request.find("Authorization: Bearer sk-1\r\n"), std::string::npos);
-        EXPECT_NE(request.find("\r\n\r\nwhisper-1\r\n--"), std::string::npos);
-        EXPECT_NE(request.find("\r\n\r\nRIFF"), std::string::npos);
+        EXPECT_TRUE(g_presses.empty());
+        const std::vector<std::string> requests = server.Requests();
+        ASSERT_EQ(requests.size(), c.replies.size());
+        for (const std::string& request : requests) {
+            EXPECT_TRUE(request.starts_with("POST /v1/audio/transcriptions HTTP/1.1\r\n"));
+            EXPECT_NE(request.find("Authorization: Bearer sk-1\r\n"), std::string::npos);
+            EXPECT_NE(request.find("\r\n\r\nwhisper-1\r\n--"), std::string::npos);
+            EXPECT_NE(request.find("\r\n\r\nRIFF"), std::string::npos);
+            EXPECT_NE(request.find(std::string("\x4D\0\x4D\0\r\n--", 8)),
+                      std::string::npos);  // with the last block
+            EXPECT_EQ(request.substr(request.find("RIFF")), requests[0].substr(requests[0].find("RIFF")));
+        }
     }
     KillTimer(nullptr, timer);
     g_hasInput = false;
