@@ -159,6 +159,29 @@ void ShowListed(SettingsDialog& dialog) {
         ShowPage(dialog, dialog.listed[static_cast<std::size_t>(at)]);
 }
 
+// To the next or the previous page of the list, as Ctrl+Tab goes through the tabs of the editor.
+void StepPage(SettingsDialog& dialog, bool back) {
+    if (dialog.listed.empty()) return;
+    const HWND list = PageList(dialog);
+    const auto count = static_cast<LRESULT>(dialog.listed.size());
+    const LRESULT at = (SendMessageW(list, LB_GETCURSEL, 0, 0) + (back ? count - 1 : 1)) % count;
+    // The field that had the keyboard is hidden with its page.
+    SendMessageW(dialog.window, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(list), TRUE);
+    SendMessageW(list, LB_SETCURSEL, static_cast<WPARAM>(at), 0);
+    ShowListed(dialog);
+}
+
+// Sees the keys of the dialog before IsDialogMessage, which takes Ctrl+Tab for Tab.
+LRESULT CALLBACK PageKeysHook(int code, WPARAM wParam, LPARAM lParam) {
+    const MSG& message = *reinterpret_cast<const MSG*>(lParam);
+    const bool own = code == MSGF_DIALOGBOX && message.message == WM_KEYDOWN && g_openDialog != nullptr &&
+                     GetAncestor(message.hwnd, GA_ROOT) == g_openDialog;
+    if (!own || message.wParam != VK_TAB || GetKeyState(VK_CONTROL) >= 0)
+        return CallNextHookEx(nullptr, code, wParam, lParam);
+    StepPage(DialogOf(g_openDialog), GetKeyState(VK_SHIFT) < 0);
+    return 1;
+}
+
 void GoToItem(SettingsDialog& dialog, FormPlace place) {
     SetDlgItemTextW(dialog.window, IDC_SETTINGS_SEARCH, L"");  // lists all pages
     dialog.page = place.page;
@@ -318,6 +341,10 @@ void OpenSettings(HWND window, SettingsDialog& dialog) {
     for (HWND child = GetWindow(window, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT))
         SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
     SendMessageW(PageList(dialog), LB_SETITEMHEIGHT, 0, UiSizes().textHeight + UiScaled(5));
+    // Without one a dialog whose size can change shows an icon of the system.
+    const HANDLE icon = LoadImageW(g_ui.hInstance, MAKEINTRESOURCEW(IDI_APP), IMAGE_ICON, GetSystemMetrics(SM_CXSMICON),
+                                   GetSystemMetrics(SM_CYSMICON), LR_SHARED);
+    SendMessageW(window, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(icon));
     DialogApplyTheme(window);
     PlaceDialog(window);
     ListPages(dialog);
@@ -361,6 +388,9 @@ INT_PTR CALLBACK SettingsDlgProc(HWND window, UINT message, WPARAM wParam, LPARA
         case WM_SIZE: PlaceFrame(dialog); return TRUE;
         case WM_GETMINMAXINFO:
             reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {UiScaled(kLeastWidth), UiScaled(kLeastHeight)};
+            return TRUE;
+        case WM_CLOSE:  // the caption's X, which unlike Esc never means the search
+            EndDialog(window, IDCANCEL);
             return TRUE;
         case WM_CTLCOLORSTATIC:
             return NoteColour(dialog, reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
@@ -417,7 +447,9 @@ void SettingsDialogShow(HWND owner) {
                           .look = {},
                           .test = {},
                           .fetch = {}};
+    const HHOOK keys = SetWindowsHookExW(WH_MSGFILTER, PageKeysHook, nullptr, GetCurrentThreadId());
     if (DialogBoxParamW(g_ui.hInstance, MAKEINTRESOURCEW(IDD_SETTINGS), owner, SettingsDlgProc,
                         reinterpret_cast<LPARAM>(&dialog)) == -1)
         AppLogMsg(L"FAIL: SettingsDialogShow error=%lu", GetLastError());
+    if (keys != nullptr) UnhookWindowsHookEx(keys);
 }
