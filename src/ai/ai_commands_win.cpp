@@ -6,6 +6,7 @@
 #include "ai/ai_requests.h"
 #include "ai/ai_texts.h"
 #include "ai/chat_lines.h"
+#include "ai/error_question.h"
 #include "ai/recording_dialog.h"
 #include "ai/wav.h"
 #include "base/heap_text.h"
@@ -16,6 +17,8 @@
 #include "output/output_pane.h"
 #include "output/output_state.h"
 #include "resources/ids.h"
+#include "scintilla/sci.h"
+#include "settings/compilers.h"
 #include "settings/settings_state.h"
 #include "ui/message.h"
 #include "ui/panes.h"
@@ -80,6 +83,65 @@ void AskAboutSelection(int command) {
     ShowChat();
     AiTarget target = AiTargetNow(false, selection.get());
     StartChat(service, std::move(selection), std::move(target), AiServiceName(service));
+}
+
+AskedError AskedErrorOf(const CompilerError& error) {
+    const std::wstring_view file(error.file);
+    return {.compiler = ToUtf8(g_compilers[error.compilerId < kCompilerCount ? error.compilerId : 0].name),
+            .file = ToUtf8(file.substr(file.find_last_of(L"\\/") + 1)),
+            .line = error.line,
+            .message = ToUtf8(error.message),
+            .warning = error.severity != 0};
+}
+
+// The lines of the active document around a line (from 0). `sent` is empty when there is no such line.
+AiTarget TargetAround(int line, int* firstLine) {
+    const HWND editor = g_documents.hEditor;
+    const LineRange lines =
+        LinesAroundError(line, static_cast<int>(SciSend(editor, SCI_GETLINECOUNT)), [editor](int at) {
+            return static_cast<std::size_t>(SciSend(editor, SCI_LINELENGTH, static_cast<WPARAM>(at)));
+        });
+    *firstLine = lines.first + 1;
+    AiTarget target = {.document = DocumentOfEditor(editor)};
+    target.start = static_cast<std::size_t>(SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(lines.first)));
+    target.end = static_cast<std::size_t>(SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(lines.end)));
+    const std::size_t length = target.end - target.start;
+    if (const auto* bytes = reinterpret_cast<const char*>(
+            SciSend(editor, SCI_GETRANGEPOINTER, target.start, static_cast<LPARAM>(length)));
+        bytes != nullptr && length > 0)
+        target.sent.assign(bytes, length);
+    return target;
+}
+
+// Explains or corrects the chosen diagnostic. The output pane is not cleared, because the diagnostics stand in it.
+void AskAboutError(int command) {
+    AiService service = SendService(g_settings);
+    if (service == AiService::None) service = g_settings.primaryAi == 0 ? AiService::OpenAi : AiService::LmStudio;
+    if (const wchar_t* problem = AskProblem(service, g_settings, true); problem != nullptr) {
+        InfoMessage(L"%s", problem);
+        return;
+    }
+    CompilerError error = {};
+    if (!CompilerShowChosenError(&error)) return;
+    const bool fix = command == IDM_AI_FIX;
+    int firstLine = 0;
+    AiTarget target = TargetAround(error.line - 1, &firstLine);
+    if (fix && target.sent.empty()) {
+        InfoMessage(L"The document has no such line, or the line is too long to be sent.");
+        return;
+    }
+    const AskedError asked = AskedErrorOf(error);
+    HeapBlock<char> message(
+        HeapText(fix ? FixQuestion(asked, target.sent, firstLine) : ExplainQuestion(asked, target.sent, firstLine)));
+    OutputPaneAppend(FormatW(L"[%s] Thinking...\n", AiServiceName(service)).c_str(), kAiProgress);
+    if (fix)
+        OutputPaneAppend(L"Tools > Apply Code of Last Reply puts the answer in place of the lines sent.\n",
+                         kAiProgress);
+    ShowChat();
+    AiChatAppend(FormatW(L"[You]: %s this error: %s\r\n", fix ? L"Fix" : L"Explain",
+                         Utf8ToWideText(AskedErrorLine(asked)).c_str()));
+    // An explanation is not to be put in place of the code.
+    StartChat(service, std::move(message), fix ? std::move(target) : AiTarget{}, AiServiceName(service));
 }
 
 void TellTranscription(int) {
@@ -204,6 +266,8 @@ constexpr CommandHandler kAiHandlers[] = {
     {IDM_AI_EDIT, EditAsTyped},
     {IDM_AI_APPLY, ApplyReply},
     {IDM_AI_CANCEL, [](int) { AiRequestsCancel(); }},
+    {IDM_AI_EXPLAIN, AskAboutError},
+    {IDM_AI_FIX, AskAboutError},
 };
 
 }  // namespace

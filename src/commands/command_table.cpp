@@ -138,6 +138,8 @@ constexpr CommandRow kCommands[] = {
     {IDM_AI_DO, kAlways},
     {IDM_AI_UNDO, kAiPending},
     {IDM_AI_CANCEL, kAiRunning},
+    {IDM_AI_EXPLAIN, kHasErrors},
+    {IDM_AI_FIX, kHasErrors},
     {IDM_HELP_ABOUT, kAlways},
     {IDM_NEXT_TAB, kHasTab},
     {IDM_PREVIOUS_TAB, kHasTab},

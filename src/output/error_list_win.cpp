@@ -10,6 +10,9 @@
 #include "ui/dpi.h"
 #include "ui/fonts.h"
 #include "ui/list_header.h"
+#include "ui/menu.h"
+#include "ui/subclass.h"
+#include "ui/ui_state.h"
 
 #include <commctrl.h>
 #include <uxtheme.h>
@@ -39,6 +42,33 @@ void ApplyTheme(HWND list) {
     ListHeaderApplyTheme(list);
 }
 
+void ShowListMenu(HWND list, POINT at) {
+    const int row = ErrorListSelected();
+    if (at.x == -1 && at.y == -1) {  // from the keyboard
+        RECT place = {.left = LVIR_LABEL};
+        SendMessageW(list, LVM_GETITEMRECT, static_cast<WPARAM>(row < 0 ? 0 : row), reinterpret_cast<LPARAM>(&place));
+        at = {place.left, place.bottom};
+        ClientToScreen(list, &at);
+    }
+    const bool chosen = row >= 0;
+    constexpr UINT kGoTo = 1;
+    const MenuItem items[] = {{.id = kGoTo, .text = L"&Go to Source\tEnter", .enabled = chosen},
+                              {},
+                              {.id = IDM_AI_EXPLAIN, .text = L"E&xplain This Error", .enabled = chosen},
+                              {.id = IDM_AI_FIX, .text = L"&Fix This Error", .enabled = chosen}};
+    const UINT command = ShowPopupMenu(list, items, at);
+    if (command == kGoTo)
+        CompilerNavigateToError(ErrorListSelected());
+    else if (command != 0)
+        PostMessageW(g_ui.hMainWnd, WM_COMMAND, command, 0);
+}
+
+LRESULT CALLBACK ErrorListProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
+    if (message != WM_CONTEXTMENU) return SubclassNext(list, message, wParam, lParam);
+    ShowListMenu(list, {static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))});
+    return 0;
+}
+
 }  // namespace
 
 HWND ErrorListCreate(HWND parent, int controlId) {
@@ -48,6 +78,7 @@ HWND ErrorListCreate(HWND parent, int controlId) {
                                 0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)),
                                 g_ui.hInstance, nullptr);
     if (list == nullptr) return nullptr;
+    SubclassAdd(list, ErrorListProc);
     SendMessageW(list, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_INFOTIP);
     for (std::size_t i = 0; i < kErrorColumns.size(); ++i) {
         std::wstring title = kErrorColumns[i].title;
@@ -62,6 +93,11 @@ HWND ErrorListCreate(HWND parent, int controlId) {
     ApplyTheme(list);
     SendMessageW(list, LVM_SETITEMCOUNT, static_cast<WPARAM>(ErrorCount(g_output.errors)), 0);
     return list;
+}
+
+int ErrorListSelected() {
+    if (g_output.hErrorList == nullptr) return -1;
+    return static_cast<int>(SendMessageW(g_output.hErrorList, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
 }
 
 void ErrorListRefresh() {
@@ -91,10 +127,7 @@ bool ErrorListHandleNotify(const NMHDR& header) {
             FillCell(reinterpret_cast<NMLVDISPINFOW*>(const_cast<NMHDR*>(&header))->item);
             return true;
         case NM_DBLCLK:
-        case NM_RETURN:
-            CompilerNavigateToError(static_cast<int>(
-                SendMessageW(g_output.hErrorList, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED)));
-            return true;
+        case NM_RETURN: CompilerNavigateToError(ErrorListSelected()); return true;
         default: return false;
     }
 }

@@ -52,8 +52,19 @@ void GoToPlace(LRESULT line, LRESULT column) {
     FocusCurrentEditor();
 }
 
-void GoToDiagnostic(const CompilerError& error) {
-    if (ShowFileOfError(error)) GoToPlace(error.line, error.column);
+bool GoToDiagnostic(const CompilerError& error) {
+    if (!ShowFileOfError(error)) return false;
+    GoToPlace(error.line, error.column);
+    return true;
+}
+
+bool GoToRecord(int index) {
+    g_output.errors.current = index;
+    g_output.errors.visited = true;
+    ErrorListShowCurrent();
+    // The record is copied because opening a file may clear the list.
+    const CompilerError error = g_output.errors.items[static_cast<std::size_t>(index)];
+    return GoToDiagnostic(error);
 }
 
 void GoToLog(const LogPlace& place) {
@@ -94,6 +105,27 @@ int CountAbove(HWND pane, const std::wstring& text) {
     return count;
 }
 
+// The record of a diagnostic that the pane's current line, `text`, tells; -1: the list was full when it came.
+int IndexOfPaneLine(const std::wstring& text, const CompilerError& error) {
+    const bool several = CountDiagnostic(g_output.errors, error) > 1;
+    return FindDiagnostic(g_output.errors, error, several ? CountAbove(g_output.hOutput, text) : 0);
+}
+
+// The record that the keyboard is on, in the list or in the pane; else the current one. -1: none.
+int ChosenRecord() {
+    const int count = ErrorCount(g_output.errors);
+    int chosen = -1;
+    if (const HWND focus = GetFocus(); focus != nullptr && focus == g_output.hErrorList) {
+        chosen = ErrorListSelected();
+    } else if (focus != nullptr && focus == g_output.hOutput) {
+        const std::wstring text = LineAtPaneCaret(focus);
+        CompilerError error = {};
+        if (ParseErrorLine(text, &error) != 0) chosen = IndexOfPaneLine(text, error);
+    }
+    if (chosen < 0 || chosen >= count) chosen = g_output.errors.current;
+    return chosen < count ? chosen : -1;
+}
+
 }  // namespace
 
 void CompilerClearErrors() {
@@ -102,13 +134,7 @@ void CompilerClearErrors() {
 }
 
 void CompilerNavigateToError(int index) {
-    if (index < 0 || index >= ErrorCount(g_output.errors)) return;
-    g_output.errors.current = index;
-    g_output.errors.visited = true;
-    ErrorListShowCurrent();
-    // The record is copied because opening a file may clear the list.
-    const CompilerError error = g_output.errors.items[static_cast<std::size_t>(index)];
-    GoToDiagnostic(error);
+    if (index >= 0 && index < ErrorCount(g_output.errors)) GoToRecord(index);
 }
 
 void CompilerNextError() { CompilerNavigateToError(NextErrorIndex(g_output.errors)); }
@@ -126,10 +152,15 @@ void OutputPaneNavigateError() {
     }
     CompilerError error = {};
     if (ParseErrorLine(text, &error) == 0) return;
-    const bool several = CountDiagnostic(g_output.errors, error) > 1;
-    const int before = several ? CountAbove(g_output.hOutput, text) : 0;
-    if (const int index = FindDiagnostic(g_output.errors, error, before); index >= 0)
+    if (const int index = IndexOfPaneLine(text, error); index >= 0)
         CompilerNavigateToError(index);
     else
         GoToDiagnostic(error);  // the list was full when this diagnostic came
+}
+
+bool CompilerShowChosenError(CompilerError* error) {
+    const int chosen = ChosenRecord();
+    if (chosen < 0) return false;
+    *error = g_output.errors.items[static_cast<std::size_t>(chosen)];
+    return GoToRecord(chosen);
 }

@@ -1,6 +1,8 @@
 // The output pane (Rich Edit, read-only), the diagnostics in it and their list. UI thread only.
 #pragma once
 
+#include "output/diagnostics.h"
+
 #include <windows.h>
 
 void OutputPaneInit(HWND pane);
@@ -23,9 +25,13 @@ void CompilerNavigateToError(int index);
 void CompilerNextError();
 void CompilerVisitNextError();  // the command: the first record first
 void CompilerPrevError();
+// Goes to the diagnostic that the keyboard is on, in the error list or in the pane, else to the current one, and copies
+// it. False: there is none, or its file could not be opened, which the user was told.
+bool CompilerShowChosenError(CompilerError* error);
 
 // Creates the error list (a list view); null on failure. It shows the records of `g_output.errors`.
 HWND ErrorListCreate(HWND parent, int controlId);
 void ErrorListRefresh();
+int ErrorListSelected();      // row from 0; -1: none
 void ErrorListShowCurrent();  // selects the current record's row
 bool ErrorListHandleNotify(const NMHDR& header);

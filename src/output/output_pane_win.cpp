@@ -5,6 +5,7 @@
 #include "output/output_feed.h"
 #include "output/output_state.h"
 #include "output/show_timer.h"
+#include "resources/ids.h"
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
@@ -12,6 +13,7 @@
 #include "ui/menu.h"
 #include "ui/rich_lines.h"
 #include "ui/subclass.h"
+#include "ui/ui_state.h"
 
 #include <commctrl.h>
 #include <richedit.h>
@@ -24,19 +26,32 @@ constexpr int kMargin = 6;  // left and right of a pane's text, at 96 dpi
 
 enum MenuCommand : UINT { kCopy = 1, kSelectAll, kClear, kNextError, kPreviousError };
 
+// The commands for a diagnostic mean the line that was clicked.
+void PutCaretAt(HWND pane, POINT screen) {
+    ScreenToClient(pane, &screen);
+    POINTL at = {screen.x, screen.y};
+    const LRESULT character = SendMessageW(pane, EM_CHARFROMPOS, 0, reinterpret_cast<LPARAM>(&at));
+    SendMessageW(pane, EM_SETSEL, static_cast<WPARAM>(character), character);
+    SetFocus(pane);
+}
+
 void ShowContextMenu(HWND pane, POINT at) {
-    if (at.x == -1 && at.y == -1) {  // from the keyboard
+    const bool byMouse = at.x != -1 || at.y != -1;
+    if (!byMouse) {
         at = {0, 0};
         ClientToScreen(pane, &at);
     }
     CHARRANGE selection = {};
     SendMessageW(pane, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&selection));
+    if (byMouse && selection.cpMin == selection.cpMax) PutCaretAt(pane, at);
     const bool errors = ErrorCount(g_output.errors) > 0;
     const MenuItem items[] = {{.id = kCopy, .text = L"&Copy\tCtrl+C", .enabled = selection.cpMin != selection.cpMax},
                               {.id = kSelectAll, .text = L"Select &All\tCtrl+A"},
                               {},
                               {.id = kNextError, .text = L"&Next Error", .enabled = errors},
                               {.id = kPreviousError, .text = L"&Previous Error", .enabled = errors},
+                              {.id = IDM_AI_EXPLAIN, .text = L"E&xplain This Error", .enabled = errors},
+                              {.id = IDM_AI_FIX, .text = L"&Fix This Error", .enabled = errors},
                               {},
                               {.id = kClear, .text = L"C&lear"}};
     const UINT command = ShowPopupMenu(pane, items, at);
@@ -45,6 +60,8 @@ void ShowContextMenu(HWND pane, POINT at) {
         case kSelectAll: SendMessageW(pane, EM_SETSEL, 0, -1); break;
         case kNextError: CompilerVisitNextError(); break;
         case kPreviousError: CompilerPrevError(); break;
+        case IDM_AI_EXPLAIN:
+        case IDM_AI_FIX: PostMessageW(g_ui.hMainWnd, WM_COMMAND, command, 0); break;
         case kClear: OutputPaneClear(); break;
         default: break;
     }

@@ -137,6 +137,8 @@
 #define IDM_AI_EDIT 1962
 #define IDM_AI_APPLY 1963
 #define IDM_AI_CANCEL 1964
+#define IDM_AI_EXPLAIN 1965
+#define IDM_AI_FIX 1966
 #define IDM_HELP_ABOUT 1601
 // --- Internal commands
 #define IDM_NEXT_TAB 1950

@@ -2,6 +2,7 @@
 #include "ai/ai_rules.h"
 #include "ai/ai_texts.h"
 #include "ai/chat_protocol.h"
+#include "ai/error_question.h"
 #include "ai/model_list.h"
 #include "ai/wav.h"
 #include "settings/settings.h"
@@ -36,6 +37,30 @@ TEST(AiProtocol, RequestsAreTheSameByteForByte) {
     EXPECT_EQ(ChatHeaders(L""), L"Content-Type: application/json\r\n");
     EXPECT_EQ(ModelListHeaders(nullptr), L"");
     EXPECT_EQ(ChatHeaders(std::wstring(2000, L'k').c_str()).size(), 1023U);
+}
+
+TEST(AiTexts, QuestionsAboutADiagnostic) {
+    const struct {
+        int line, lines;
+        std::size_t bytes;
+        int first, end;
+    } cases[] = {{0, 1, 5, 0, 1},  {30, 100, 5, 10, 51},    {98, 100, 5, 78, 100}, {3, 3, 5, 0, 0},
+                 {-1, 3, 5, 0, 0}, {30, 100, 3000, 28, 33}, {1, 3, 16001, 0, 0}};
+    for (const auto& c : cases) {
+        const LineRange range = LinesAroundError(c.line, c.lines, [&](int) { return c.bytes; });
+        EXPECT_EQ(range.first, c.first) << c.line << " of " << c.lines;
+        EXPECT_EQ(range.end, c.end) << c.line << " of " << c.lines;
+    }
+    const AskedError error = {.compiler = "KVXA64", .file = "x.bas", .line = 10, .message = "bad"};
+    EXPECT_EQ(ExplainQuestion(error, "a\r\n\r\nc", 9),
+              "Explain this error of the KVXA64 compiler, and say how to correct it:\nx.bas(10): error: bad\n\n"
+              "The source around it (> marks the line):\n  9: a\n> 10: \n  11: c\n");
+    EXPECT_TRUE(ExplainQuestion(error, "", 1).ends_with("bad\n")) << "no source, no heading";
+    EXPECT_EQ(
+        FixQuestion({.compiler = "C", .file = "y", .line = 2, .message = "odd", .warning = true}, "a\nb\n", 1),
+        "Correct this warning of the C compiler:\ny(2): warning: odd\n\nLine 2 is:\nb\n\nThe code below is lines 1 "
+        "to 2 of the file. Return ONLY these lines with the error corrected, all of them, in one fenced code block. "
+        "No explanations, no line numbers.\n\nCode:\na\nb\n");
 }
 
 TEST(AiProtocol, RepliesOfEveryShape) {

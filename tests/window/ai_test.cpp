@@ -2,7 +2,7 @@
 // address.
 #include "support/http_server.h"
 
-#include "harness.h"
+#include "build_driver.h"
 
 #include "resources/ids.h"
 
@@ -151,4 +151,32 @@ TEST(Assistant, FailuresAreToldAndSilentServersCancelled) {
     const ULONGLONG start = GetTickCount64();
     EXPECT_EQ(editor.Close(), 0U);
     EXPECT_LT(GetTickCount64() - start, 5000U) << "nobody waits for a silent server at the end";
+}
+
+TEST(Assistant, ExplainsAndFixesADiagnostic) {
+    HttpServer server(
+        [](const std::string&) { return HttpAnswer(200, ChatAnswer("```basic\\nREM a\\nPRINT 2\\nREM b\\n```")); });
+    AiFolder folder(false, true, L"", server.Url(L"/"));
+    const std::wstring file = folder.File(L"x.bas");
+    folder.Write(L"x.bas", "REM a\r\nPRNT 1\r\nREM b");
+    folder.FakeCompiler("print " + Utf8(file) + "(1,1): warning: odd\nprint " + Utf8(file) +
+                        "(2,1): error: unknown PRNT\nexit 1\n");
+    Editor editor(folder, OpenArgument(file) + L" --compiler kvxa64");
+    Build(editor);
+    editor.Do(IDM_ERROR_NEXT);
+    editor.Do(IDM_ERROR_NEXT);
+    editor.Do(IDM_AI_EXPLAIN);
+    ASSERT_TRUE(AwaitChat(editor, L"[You]: Explain this error: x.bas(2): error: unknown PRNT\r\n"));
+    ASSERT_TRUE(WaitFor([&] { return editor.Status().starts_with(L"LM-Studio answered"); }));
+    EXPECT_NE(server.Requests()[0].find(R"(  1: REM a\n> 2: PRNT 1\n  3: REM b\n")"), std::string::npos);
+    EXPECT_NE(editor.Output().find(L"unknown PRNT"), std::wstring::npos) << "the diagnostics stay in the pane";
+    editor.Do(IDM_AI_APPLY);
+    EXPECT_EQ(editor.Text(), "REM a\r\nPRNT 1\r\nREM b") << "an explanation replaces nothing";
+    editor.Do(IDM_AI_FIX);
+    ASSERT_TRUE(WaitFor([&] { return server.Requests().size() == 2; }));
+    EXPECT_NE(server.Requests()[1].find(R"(Code:\nREM a\r\nPRNT 1\r\nREM b")"), std::string::npos);
+    ASSERT_TRUE(WaitFor([&] { return Count(Chat(editor), L"PRINT 2") == 2; }));
+    ASSERT_TRUE(WaitFor([&] { return editor.Status().starts_with(L"LM-Studio answered"); }));
+    ExpectMessage(editor, IDM_AI_APPLY, L"AI replacement applied. Click AI Do again to accept, or AI Undo to revert.");
+    EXPECT_EQ(editor.Text(), "REM a\r\nPRINT 2\r\nREM b");
 }
