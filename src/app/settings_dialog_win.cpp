@@ -86,19 +86,30 @@ void PlaceFrame(SettingsDialog& dialog) {
 }
 
 // In the middle of its owner, on the owner's monitor, no larger than that.
-void PlaceDialog(HWND window) {
+RECT WorkAreaOf(HWND window) {
     MONITORINFO monitor = {};
     monitor.cbSize = sizeof(monitor);
+    GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor);
+    return monitor.rcWork;
+}
+
+void PlaceDialog(HWND window) {
     const HWND owner = GetWindow(window, GW_OWNER);
-    GetMonitorInfoW(MonitorFromWindow(owner, MONITOR_DEFAULTTONEAREST), &monitor);
     RECT frame = {};
     GetWindowRect(owner, &frame);
-    const RECT& work = monitor.rcWork;
+    const RECT work = WorkAreaOf(owner);
     const int width = std::min<int>(UiScaled(kWidth), work.right - work.left);
     const int height = std::min<int>(UiScaled(kHeight), work.bottom - work.top);
     const int left = std::clamp<int>((frame.left + frame.right - width) / 2, work.left, work.right - width);
     const int top = std::clamp<int>((frame.top + frame.bottom - height) / 2, work.top, work.bottom - height);
     SetWindowPos(window, nullptr, left, top, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+// At a large scaling the least size may be more than the screen has.
+void LimitSize(HWND window, MINMAXINFO& info) {
+    const RECT work = WorkAreaOf(GetWindow(window, GW_OWNER));
+    info.ptMinTrackSize = {std::min<LONG>(UiScaled(kLeastWidth), work.right - work.left),
+                           std::min<LONG>(UiScaled(kLeastHeight), work.bottom - work.top)};
 }
 
 // ------------------------------------------------------------------------------------------------------------ pages
@@ -386,9 +397,7 @@ INT_PTR CALLBACK SettingsDlgProc(HWND window, UINT message, WPARAM wParam, LPARA
     switch (message) {
         case WM_COMMAND: OnSettingsCommand(dialog, LOWORD(wParam), HIWORD(wParam)); return TRUE;
         case WM_SIZE: PlaceFrame(dialog); return TRUE;
-        case WM_GETMINMAXINFO:
-            reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {UiScaled(kLeastWidth), UiScaled(kLeastHeight)};
-            return TRUE;
+        case WM_GETMINMAXINFO: LimitSize(window, *reinterpret_cast<MINMAXINFO*>(lParam)); return TRUE;
         case WM_CLOSE:  // the caption's X, which unlike Esc never means the search
             EndDialog(window, IDCANCEL);
             return TRUE;
