@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr ULONGLONG kPositionMs = 100;  // between two updates of the caret's place
+constexpr ULONGLONG kPositionMs = 150;  // between two updates of the caret's place
 
 struct Refresh {
     bool wanted = false;

@@ -275,7 +275,7 @@ TEST_P(DebugSession, AHundredSessionsLeaveNoHandle) {
     const int before = OpenHandles();
     ASSERT_GT(before, 0);
     for (int i = 0; i < 100 && !HasFailure(); ++i) session(i);
-    EXPECT_EQ(OpenHandles(), before);
+    EXPECT_LE(OpenHandles(), before);
 }
 
 // Stands for a program whose end does not come in time: it stays attached until its events are continued.
