@@ -68,7 +68,8 @@ function(kvx_delay_load target)
 endfunction()
 
 # Aligns the file's sections to memory pages, so that the loader can map them and only used pages become resident. Wine
-# reads other sections into memory as a whole: 3.3 MB for Lexilla.dll, most of it lexers of other languages.
+# reads other sections into memory as a whole: 3.3 MB for Lexilla.dll, most of it lexers of other languages. The linker
+# also leaves out sections that nothing refers to.
 function(kvx_page_aligned target)
     target_link_options(${target} PRIVATE -Wl,--file-alignment=4096 -Wl,--gc-sections)
 endfunction()

@@ -11,7 +11,8 @@
 namespace {
 
 constexpr DWORD kStepMs = 30;
-constexpr ULONGLONG kPaintAfterMs = 100;  // a file of a few megabytes is there before the window would be painted twice
+// A shorter wait is over before the window is painted, so that it is painted once.
+constexpr ULONGLONG kPaintAfterMs = 100;
 
 struct WorkWait {
     FileProgress* progress = nullptr;  // of the present wait
