@@ -130,6 +130,7 @@ void AskAboutError(int command) {
         InfoMessage(L"The document has no such line, or the line is too long to be sent.");
         return;
     }
+    if (fix) target.firstLine = firstLine;
     const AskedError asked = AskedErrorOf(error);
     HeapBlock<char> message(
         HeapText(fix ? FixQuestion(asked, target.sent, firstLine) : ExplainQuestion(asked, target.sent, firstLine)));
@@ -205,7 +206,10 @@ void EditAsTyped(int) {
 
 void ApplyReply(int) {
     const HeapBlock<char> code(AiApiExtractCode(g_ai.aiReplyText.c_str()));
-    if (code != nullptr && code.get()[0] != '\0') AiReplace(g_ai.aiReplyTarget, code.get());
+    if (code == nullptr || code.get()[0] == '\0')
+        InfoMessage(L"The last reply holds no code.");
+    else
+        AiReplace(g_ai.aiReplyTarget, code.get());
 }
 
 void ShowAiResult(const HeapBlock<char>& reply) {

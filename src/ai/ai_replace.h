@@ -2,16 +2,21 @@
 #pragma once
 
 #include "ai/ai_state.h"
+#include "scintilla/sci.h"
 
 // The text of the editor that a request is about: the selection, or all with `orAll`. `sent` is what was sent of it.
 AiTarget AiTargetNow(bool orAll, const char* sent);
 
-// Replaces what was sent by the code, as one step of undo, and tells so. When the document no longer holds what was
-// sent, or is closed, nothing is replaced: the code goes into a new document.
+// Replaces what was sent by the code, as one step of undo, shows what is different and tells so. When the document no
+// longer holds what was sent, or is closed, nothing is replaced: a new document is offered for the code.
 void AiReplace(const AiTarget& target, const char* code);
 // The replacement stays, or goes again; both tell so. They do nothing when none waits.
 void AiReplacementAccept();
 void AiReplacementUndo();
 void AiReplacementForget();  // it stays, without a message and without an event
+// The text of a document was edited. What was sent of it, and a replacement in it, are found again.
+void AiOnTextEdited(DocumentId document, const SCNotification& change);
+void AiOnTextLeaving(DocumentId document);  // a replacement in it no longer waits
+void AiOnMarksTimer();                      // TIMER_AI_MARKS
 // A document of that text beside the others, which is not shown. False when there is no memory or window for it.
 bool AiNewDocument(const char* utf8);

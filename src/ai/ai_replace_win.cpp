@@ -1,15 +1,21 @@
 #include "ai/ai_replace.h"
 
+#include "ai/ai_requests.h"
 #include "ai/ai_texts.h"
+#include "ai/pending_marks.h"
 #include "base/utf8.h"
 #include "documents/document_row.h"
+#include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "ui/message.h"
+#include "ui/ui_state.h"
 
 #include <cstring>
 #include <utility>
 
 namespace {
+
+constexpr UINT kMarksMs = 150;  // from the last edit to marks that are right again
 
 bool RangeHolds(HWND editor, std::size_t start, std::string_view text) {
     if (start + text.size() > static_cast<std::size_t>(SciSend(editor, SCI_GETLENGTH))) return false;
@@ -18,9 +24,14 @@ bool RangeHolds(HWND editor, std::size_t start, std::string_view text) {
     return text.empty() || (bytes != nullptr && std::memcmp(bytes, text.data(), text.size()) == 0);
 }
 
-bool TargetIsUnchanged(HWND editor, const AiTarget& target) {
-    if (SciSend(editor, SCI_GETREADONLY) != 0 || !RangeHolds(editor, target.start, target.sent)) return false;
-    return target.start != target.end || static_cast<std::size_t>(SciSend(editor, SCI_GETLENGTH)) == target.sent.size();
+// Why the code cannot take the place of what was sent; null when it can.
+const wchar_t* ReplaceProblem(int tab, const AiTarget& target) {
+    if (!IsTabIndex(tab)) return L"The document is closed";
+    const HWND editor = TabAt(tab).editor;
+    if (SciSend(editor, SCI_GETREADONLY) != 0) return L"The document is read-only";
+    const bool holds = RangeHolds(editor, target.start, target.sent) &&
+                       (!target.all || static_cast<std::size_t>(SciSend(editor, SCI_GETLENGTH)) == target.sent.size());
+    return holds ? nullptr : L"The text is no longer as it was sent";
 }
 
 void ReplaceRange(HWND editor, std::size_t start, std::size_t length, std::string_view text) {
@@ -44,26 +55,67 @@ std::string ValidText(const char* utf8, HWND editor) {
     return WithLineEnds(ToUtf8(Utf8ToWideText(utf8)), LineEndOf(editor));
 }
 
-void SetAiPending(bool pending) {
-    if (g_ai.aiDoPending == pending) return;
-    g_ai.aiDoPending = pending;
-    if (!pending) g_ai.aiReplacement = {};
+// From here on nothing waits. The text stays as it is.
+void EndPending() {
+    if (!g_ai.aiDoPending) return;
+    g_ai.aiDoPending = false;
+    KillTimer(g_ui.hMainWnd, TIMER_AI_MARKS);
+    const AiReplacement made = std::exchange(g_ai.aiReplacement, {});
+    if (const int tab = TabBarFindDocument(made.target.document); IsTabIndex(tab))
+        PendingMarksHide(TabAt(tab).editor, made.range);
+}
+
+void EndPendingAndTell() {
+    EndPending();
     g_events.aiReplacementChanged();
+}
+
+void ShowMarks(HWND editor, bool first) {
+    const ReplacementMarks marks =
+        PendingMarksShow(editor, g_ai.aiReplacement.range, g_ai.aiReplacement.target.sent, first);
+    g_events.statusText(MarksSummary(marks).c_str());
 }
 
 // Takes the replacement back. False when it was edited and cannot be told from what the user wrote.
 bool TakeReplacementBack(HWND editor, const AiReplacement& made) {
-    if (!RangeHolds(editor, made.start, made.code)) return false;
+    if (!RangeHolds(editor, made.range.start, made.code)) return false;
     const LRESULT length = SciSend(editor, SCI_GETLENGTH);
     const auto change = static_cast<LRESULT>(made.code.size()) - static_cast<LRESULT>(made.target.sent.size());
     SciSend(editor, SCI_UNDO);
     // The last step may have been another one, elsewhere in the document.
-    if (SciSend(editor, SCI_GETLENGTH) == length - change && RangeHolds(editor, made.start, made.target.sent))
+    if (SciSend(editor, SCI_GETLENGTH) == length - change && RangeHolds(editor, made.range.start, made.target.sent))
         return true;
     SciSend(editor, SCI_REDO);
-    if (!RangeHolds(editor, made.start, made.code)) return false;
-    ReplaceRange(editor, made.start, made.code.size(), made.target.sent);
+    if (!RangeHolds(editor, made.range.start, made.code)) return false;
+    ReplaceRange(editor, made.range.start, made.code.size(), made.target.sent);
     return true;
+}
+
+// A document of that text at the end of the row; its index, or -1.
+int AddReplyDocument(const char* utf8) {
+    const int tab = TabBarAdd(nullptr, L"AI reply");
+    if (tab < 0) return -1;
+    const HWND editor = TabAt(tab).editor;
+    const std::string text = ValidText(utf8, editor);
+    SciSend(editor, SCI_APPENDTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
+    return tab;
+}
+
+void OfferNewDocument(const wchar_t* problem, const char* code) {
+    const std::wstring text = std::wstring(problem) + L", so nothing was replaced. Put the code into a new document?";
+    const UserQuestion question = {.caption = kProgramCaption,
+                                   .text = text.c_str(),
+                                   .buttons = AskButtons::YesNo,
+                                   .icon = AskIcon::Warning,
+                                   .inSelftest = Answer::Yes};
+    if (AskUser(question) == Answer::Yes) TabBarSelect(AddReplyDocument(code));
+}
+
+void MoveTarget(AiTarget& target, DocumentId document, const TextEdit& edit) {
+    if (target.document != document || target.all) return;
+    const ByteRange range = RangeAfterEdit({target.start, target.end - target.start}, edit, target.sent.size());
+    target.start = range.start;
+    target.end = range.start + range.length;
 }
 
 }  // namespace
@@ -73,31 +125,36 @@ AiTarget AiTargetNow(bool orAll, const char* sent) {
     AiTarget target = {.document = DocumentOfEditor(editor), .sent = sent};
     target.start = static_cast<std::size_t>(SciSend(editor, SCI_GETSELECTIONSTART));
     target.end = static_cast<std::size_t>(SciSend(editor, SCI_GETSELECTIONEND));
-    if (orAll && target.start == target.end) target.start = target.end = 0;
+    target.all = orAll && target.start == target.end;
+    if (target.all) target.start = target.end = 0;
     return target;
 }
 
 void AiReplace(const AiTarget& target, const char* code) {
     const int tab = target.document != 0 ? TabBarFindDocument(target.document) : -1;
-    if (!IsTabIndex(tab) || !TargetIsUnchanged(TabAt(tab).editor, target)) {
-        if (AiNewDocument(code))
-            InfoMessage(
-                L"The text is no longer as it was sent, so nothing was replaced. The code is in a new document.");
+    if (const wchar_t* problem = ReplaceProblem(tab, target); problem != nullptr) {
+        OfferNewDocument(problem, code);
         return;
     }
+    EndPending();  // an earlier one stays
     if (ActiveDocumentId() != target.document) TabBarSelect(tab);
     const HWND editor = TabAt(tab).editor;
     AiReplacement made = {
-        .target = target, .start = target.start, .code = ValidText(CodeInPlaceOf(target.sent, code).c_str(), editor)};
-    ReplaceRange(editor, made.start, target.sent.size(), made.code);
+        .target = target,
+        .code = ValidText(CodeInPlaceOf(target.sent, WithoutLineNumbers(code, target.sent, target.firstLine)).c_str(),
+                          editor)};
+    made.range = {target.start, made.code.size()};
+    ReplaceRange(editor, target.start, target.sent.size(), made.code);
     g_ai.aiReplacement = std::move(made);
-    SetAiPending(true);
+    g_ai.aiDoPending = true;
+    ShowMarks(editor, true);
+    g_events.aiReplacementChanged();
     InfoMessage(L"AI replacement applied. Click AI Do again to accept, or AI Undo to revert.");
 }
 
 void AiReplacementAccept() {
     if (!g_ai.aiDoPending) return;
-    SetAiPending(false);
+    EndPendingAndTell();
     InfoMessage(L"AI replacement accepted.");
 }
 
@@ -105,23 +162,46 @@ void AiReplacementUndo() {
     if (!g_ai.aiDoPending) return;
     const AiReplacement made = g_ai.aiReplacement;
     const int tab = TabBarFindDocument(made.target.document);
+    EndPending();
     const bool undone = IsTabIndex(tab) && TakeReplacementBack(TabAt(tab).editor, made);
-    SetAiPending(false);
+    g_events.aiReplacementChanged();
     InfoMessage(undone ? L"AI replacement undone."
                        : L"The AI replacement has been edited since, so it was left as it is. Edit > Undo takes back "
                          L"one step at a time.");
 }
 
-void AiReplacementForget() {
-    g_ai.aiDoPending = false;
-    g_ai.aiReplacement = {};
+void AiReplacementForget() { EndPending(); }
+
+void AiOnTextEdited(DocumentId document, const SCNotification& change) {
+    if ((change.modificationType & (SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT)) == 0) return;
+    const TextEdit edit = {.position = static_cast<std::size_t>(change.position),
+                           .length = static_cast<std::size_t>(change.length),
+                           .inserted = (change.modificationType & SC_MOD_INSERTTEXT) != 0,
+                           .undone = (change.modificationType & (SC_PERFORMED_UNDO | SC_PERFORMED_REDO)) != 0};
+    MoveTarget(g_ai.aiDoTarget, document, edit);
+    MoveTarget(g_ai.aiReplyTarget, document, edit);
+    AiRequestsForTargets([&](AiTarget& target) { MoveTarget(target, document, edit); });
+    AiReplacement& made = g_ai.aiReplacement;
+    if (!g_ai.aiDoPending || made.target.document != document) return;
+    if (EditTouches(made.range, edit)) SetTimer(g_ui.hMainWnd, TIMER_AI_MARKS, kMarksMs, nullptr);
+    made.range = RangeAfterEdit(made.range, edit, made.code.size());
 }
 
-bool AiNewDocument(const char* utf8) {
-    const int tab = TabBarAdd(nullptr, L"AI reply");
-    if (tab < 0) return false;
-    const HWND editor = TabAt(tab).editor;
-    const std::string text = ValidText(utf8, editor);
-    SciSend(editor, SCI_APPENDTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
-    return true;
+void AiOnTextLeaving(DocumentId document) {
+    if (g_ai.aiDoPending && g_ai.aiReplacement.target.document == document) EndPendingAndTell();
 }
+
+void AiOnMarksTimer() {
+    KillTimer(g_ui.hMainWnd, TIMER_AI_MARKS);
+    const AiReplacement& made = g_ai.aiReplacement;
+    const int tab = g_ai.aiDoPending ? TabBarFindDocument(made.target.document) : -1;
+    if (!IsTabIndex(tab)) return;
+    const HWND editor = TabAt(tab).editor;
+    const bool takenBack = made.code != made.target.sent && made.range.length == made.target.sent.size() &&
+                           RangeHolds(editor, made.range.start, made.target.sent);
+    if (!takenBack) return ShowMarks(editor, false);
+    EndPendingAndTell();
+    g_events.statusText(L"The AI replacement was undone");
+}
+
+bool AiNewDocument(const char* utf8) { return AddReplyDocument(utf8) >= 0; }

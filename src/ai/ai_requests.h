@@ -6,11 +6,14 @@
 
 #include <windows.h>
 
+#include <functional>
+
 // For a new job.
 AiLink AiLinkNew();
 // Notes a job whose worker was started. `target` is the text that its message was made of.
 void AiRequestStarted(AiService service, const Worker& worker, const AiLink& link, AiTarget target);
 bool AiRequestsRun();
+void AiRequestsForTargets(const std::function<void(AiTarget&)>& use);
 void AiRequestsCancel();                     // all of them; each says so when its worker has ended
 void AiOnRequestEnded(AiRequestEndPtr end);  // MSG_AI_ENDED
 void AiOnTimer();                            // TIMER_AI

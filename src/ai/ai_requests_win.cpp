@@ -49,6 +49,10 @@ void AiRequestStarted(AiService service, const Worker& worker, const AiLink& lin
 
 bool AiRequestsRun() { return !g_running.empty(); }
 
+void AiRequestsForTargets(const std::function<void(AiTarget&)>& use) {
+    for (RunningRequest& request : g_running) use(request.target);
+}
+
 void AiRequestsCancel() {
     for (const RunningRequest& request : g_running) WorkerAskToEnd(request.worker);
 }

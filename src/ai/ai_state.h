@@ -1,6 +1,7 @@
 // The assistant's windows and what it holds between a request and what the user does with the reply. UI thread only.
 #pragma once
 
+#include "ai/replacement_marks.h"
 #include "base/events.h"
 
 #include <windows.h>
@@ -11,16 +12,18 @@
 // The text that a request was made of, so that a reply replaces nothing else.
 struct AiTarget {
     DocumentId document = 0;  // 0: the request was made of no document
-    std::size_t start = 0;    // byte positions of the selection; equal: the whole document was sent
+    std::size_t start = 0;    // byte positions of the selection, which follow edits elsewhere in the document
     std::size_t end = 0;
-    std::string sent;  // the bytes from `start` to `end`, or all
+    std::string sent;   // the bytes from `start` to `end`, or all
+    bool all = false;   // the whole document was sent; `start` and `end` are 0
+    int firstLine = 0;  // of `sent`, from 1, when the request told the lines' numbers; else 0
 };
 
 // A replacement that waits to be accepted or undone.
 struct AiReplacement {
     AiTarget target;
-    std::size_t start = 0;  // byte position
-    std::string code;       // what stands there now
+    ByteRange range;   // where it stands, which follows edits
+    std::string code;  // what was put there
 };
 
 struct AiState {

@@ -1,10 +1,13 @@
 #include "ai/ai_texts.h"
 
+#include "ai/line_diff.h"
 #include "base/heap_text.h"
 #include "base/utf8.h"
 #include "settings/compilers.h"
 
+#include <algorithm>
 #include <cwchar>
+#include <optional>
 
 namespace {
 
@@ -27,6 +30,19 @@ std::string_view CodeIn(std::string_view reply) {
     if (lineEnd != std::string_view::npos) start = lineEnd + 1;
     const std::size_t end = reply.find(kFence, start);
     return end == std::string_view::npos ? TrimmedText(reply) : TrimmedEnd(reply.substr(start, end - start));
+}
+
+// What follows the number, a colon or a bar and one space at the start of the line; nothing when it starts otherwise.
+std::optional<std::string_view> AfterNumber(std::string_view line, int number) {
+    line.remove_prefix(std::min(line.find_first_not_of(" \t>"), line.size()));
+    const std::string digits = std::to_string(number);
+    if (!line.starts_with(digits)) return {};
+    line.remove_prefix(digits.size());
+    line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));
+    if (!line.starts_with(':') && !line.starts_with('|')) return {};
+    line.remove_prefix(1);
+    if (line.starts_with(' ')) line.remove_prefix(1);
+    return line;
 }
 
 }  // namespace
@@ -58,8 +74,23 @@ char* AiApiExtractCode(const char* reply) {
 }
 
 std::string CodeInPlaceOf(std::string_view sent, std::string_view code) {
-    const auto endsLine = [](std::string_view text) { return text.ends_with('\n') || text.ends_with('\r'); };
-    return std::string(code) + (endsLine(sent) && !endsLine(code) ? "\n" : "");
+    const std::string_view white = sent.substr(TrimmedEnd(sent).size());
+    const std::size_t lineEnd = white.find_first_of("\r\n");
+    return std::string(TrimmedEnd(code))
+        .append(lineEnd == std::string_view::npos ? std::string_view() : white.substr(lineEnd));
+}
+
+std::string WithoutLineNumbers(std::string_view code, std::string_view sent, int firstLine) {
+    const std::string whole(code);
+    if (firstLine <= 0 || AfterNumber(LinesOf(sent)[0], firstLine).has_value()) return whole;
+    std::string text;
+    int number = firstLine;
+    for (const std::string_view line : LinesOf(code)) {
+        const auto rest = AfterNumber(line, number);
+        if (!rest.has_value()) return whole;
+        text.append(number++ > firstLine ? "\n" : "").append(*rest);
+    }
+    return text;
 }
 
 std::string WithLineEnds(std::string_view text, std::string_view lineEnd) {

@@ -22,9 +22,12 @@ std::string AiDoMessage(std::string_view instruction, std::string_view error, st
 // The first fenced block of a reply, else the whole reply, without white space around it: a new block that the caller
 // frees with free(). Null for a null reply, for one of white space only, and when memory runs out.
 char* AiApiExtractCode(const char* reply);
-// The code as it stands in place of `sent`: extracting cut its last line break, without which the line after it would
-// be joined to it.
+// The code as it stands in place of `sent`: extracting cut its last line breaks, without which the line after it would
+// be joined to it, and blank lines before that would be gone.
 std::string CodeInPlaceOf(std::string_view sent, std::string_view code);
+// The code without the numbers of its lines, when each line begins with its number (from `firstLine` on) and a colon or a
+// bar, and `sent` did not. A `firstLine` of 0: the code as it is.
+std::string WithoutLineNumbers(std::string_view code, std::string_view sent, int firstLine);
 // The same text with all its line ends as `lineEnd`.
 std::string WithLineEnds(std::string_view text, std::string_view lineEnd);
 

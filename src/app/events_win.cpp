@@ -1,6 +1,7 @@
 // Connects the events (base/events.h) with the functions that handle them. UI thread.
 #include "app/main_window.h"
 
+#include "ai/ai_replace.h"
 #include "app/app_state.h"
 #include "base/events.h"
 #include "base/wide_format.h"
@@ -42,6 +43,11 @@ void OnDocumentChanged(DocumentId document) {
 
 void OnDocumentClosed(DocumentId, int index) { TabBarOnClosed(index); }
 
+void OnTextLeaving(DocumentId document) {
+    BreakpointsKeepLines(document);
+    AiOnTextLeaving(document);
+}
+
 void OnTextArrived(DocumentId document) {
     BreakpointsRestoreMarkers(document);
     DebugRestoreLocation(document);
@@ -64,7 +70,7 @@ void MainWnd_ConnectEvents() {
     g_events.documentChanged = OnDocumentChanged;
     g_events.documentMoved = TabBarOnMoved;
     g_events.documentClosed = OnDocumentClosed;
-    g_events.textLeaving = BreakpointsKeepLines;
+    g_events.textLeaving = OnTextLeaving;
     g_events.textArrived = OnTextArrived;
     g_events.documentNotice = OnDocumentNotice;
     g_events.folderChosen = ProjectTreeOfferRoot;

@@ -2,6 +2,7 @@
 #include "app/main_window.h"
 
 #include "ai/ai_commands.h"
+#include "ai/ai_replace.h"
 #include "ai/ai_requests.h"
 #include "app/app_state.h"
 #include "base/wide_format.h"
@@ -61,6 +62,7 @@ void RouteTimer(HWND window, UINT_PTR id) {
         case TIMER_OUTPUT: MainWnd_OnOutputTimer(); break;
         case TIMER_BUILD: BuildOnTimer(); break;
         case TIMER_AI: AiOnTimer(); break;
+        case TIMER_AI_MARKS: AiOnMarksTimer(); break;
         case TIMER_POSITION: MainWnd_OnPositionTimer(); break;
         default: break;
     }

@@ -1,4 +1,5 @@
 // Notifications of the child controls, sorted to their areas. UI thread only.
+#include "ai/ai_replace.h"
 #include "app/app_state.h"
 #include "app/main_window.h"
 #include "app/notify_rules.h"
@@ -110,6 +111,7 @@ void OnEditorNotification(const SCNotification& notification) {
         case SCN_MODIFIED:
             EditorPaneOnModified(editor, notification);
             OnLinesMoved(editor, document, notification);
+            AiOnTextEdited(document, notification);
             break;
         case SCN_PAINTED: BreakpointsOnPainted(document); break;
         case SCN_SAVEPOINTLEFT: OnSavePoint(tab, true); break;

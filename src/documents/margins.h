@@ -1,4 +1,4 @@
-// The numbers of the margins and markers that every editor has. Pure.
+// The numbers of the margins, markers and styles that every editor has, beside those of its lexer. Pure.
 #pragma once
 
 inline constexpr int kMarginNumbers = 0;
@@ -18,3 +18,7 @@ inline constexpr int kMarkDisabled = 7;     // the breakpoint is switched off
 inline constexpr int kMarkConditional = 8;  // the breakpoint has a condition
 inline constexpr int kMarkCurrentLine = 9;  // background of the line at which the program stopped
 inline constexpr int kMarkFolded = 10;      // first line of a folded block with breakpoints in it
+inline constexpr int kMarkNewLine = 11;     // background of a line of a replacement that waits to be accepted
+
+// No lexer uses numbers from 192 on.
+inline constexpr int kStyleRemovedLine = 200;  // annotation with the lines that such a replacement has removed

@@ -62,6 +62,7 @@ EditorMessages FrameStyleMessages(const ThemeInputs& theme) {
         {SCI_STYLESETSIZE, STYLE_LINENUMBER, std::max(theme.fontSize - 1, 6)},
         {SCI_STYLESETFORE, STYLE_INDENTGUIDE, ColourOf(palette.guide)},
         {SCI_STYLESETBACK, STYLE_BRACELIGHT, ColourOf(palette.braceBack)},
+        {SCI_STYLESETBACK, kStyleRemovedLine, ColourOf(palette.errorBack)},
         {SCI_STYLESETFORE, STYLE_BRACEBAD, RoleColour(theme, TextRole::Error)},
         {SCI_SETCARETFORE, static_cast<std::intptr_t>(CaretColourOn(ThemeColorRef(palette.back)))},
         {SCI_SETELEMENTCOLOUR, SC_ELEMENT_CARET_LINE_BACK, OpaqueColour(palette.caretLine)},
@@ -90,18 +91,21 @@ EditorMessages MarkerMessages(const ThemeInputs& theme) {
     DefineMarker(out, kMarkDisabled, SC_MARK_CIRCLE, palette.lineNumber, palette.lineNumber);
     DefineMarker(out, kMarkConditional, SC_MARK_PLUS, palette.margin, palette.margin);
     DefineMarker(out, kMarkCurrentLine, SC_MARK_BACKGROUND, chrome.stopLine, chrome.stopLine);
+    DefineMarker(out, kMarkNewLine, SC_MARK_BACKGROUND, chrome.success, chrome.success);
     // SC_LAYER_UNDER_TEXT, because as a plain background it would be hidden by the background of the caret's line.
+    for (const int marker : {kMarkCurrentLine, kMarkNewLine})
+        out.push_back({SCI_MARKERSETLAYER, marker, SC_LAYER_UNDER_TEXT});
     out.push_back({SCI_MARKERSETALPHA, kMarkCurrentLine, ThemeStopLineAlpha(theme.dark)});
-    out.push_back({SCI_MARKERSETLAYER, kMarkCurrentLine, SC_LAYER_UNDER_TEXT});
+    out.push_back({SCI_MARKERSETALPHA, kMarkNewLine, kNewLineAlpha});
     return out;
 }
 
 EditorMessages MarginMessages(bool folding, int dpi) {
-    // kMarkCurrentLine is in the mask because Scintilla draws a background marker only when a margin has it. In the
-    // margin itself it draws nothing.
+    // The markers of backgrounds are in the mask because Scintilla draws them only when a margin has them. In the margin
+    // itself it draws nothing.
     constexpr int kSymbolMask = 1 << kMarkBookmark | 1 << kMarkBreakpoint | 1 << kMarkError | 1 << kMarkCurrent |
                                 1 << kMarkHollow | 1 << kMarkDisabled | 1 << kMarkConditional | 1 << kMarkCurrentLine |
-                                1 << kMarkFolded;
+                                1 << kMarkFolded | 1 << kMarkNewLine;
     return {
         {SCI_SETMARGINTYPEN, kMarginNumbers, SC_MARGIN_NUMBER},
         {SCI_SETMARGINTYPEN, kMarginSymbols, SC_MARGIN_SYMBOL},

@@ -37,7 +37,7 @@ struct EditorPalette {
     Rgb margin;     // background of line numbers, symbols and folding marks
     Rgb guide;      // indentation guides, visible whitespace, folding marks
     Rgb braceBack;  // background of a matching pair
-    Rgb errorBack;  // line of the current error
+    Rgb errorBack;  // lines that a replacement has removed
     bool boldKeywords;
     bool italicComments;
 };
@@ -80,6 +80,8 @@ inline constexpr TextRole kOverriddenRoles[] = {TextRole::Keyword,   TextRole::S
 
 // The opacity of `stopLine`, 0..255.
 constexpr int ThemeStopLineAlpha(bool dark) { return dark ? 0x2C : 0x60; }
+// The opacity of `success` over a new line of a replacement that waits.
+inline constexpr int kNewLineAlpha = 0x2E;
 // Blends `over` with the opacity `alpha`, 0..255, over `under`.
 Rgb ThemeBlend(Rgb over, Rgb under, int alpha);
 

@@ -127,8 +127,15 @@ TEST(AiTexts, CodeIsTakenFromTheFirstBlock) {
     };
     for (const auto& c : cases) EXPECT_EQ(Taken(AiApiExtractCode(c.reply)), c.code) << c.reply;
     EXPECT_EQ(AiApiExtractCode(nullptr), nullptr);
-    EXPECT_EQ(CodeInPlaceOf("a\r\n", "b"), "b\n");
-    EXPECT_EQ(CodeInPlaceOf("a", "b") + CodeInPlaceOf("a\n", "b\n"), "bb\n");
+    EXPECT_EQ(CodeInPlaceOf("a\n \r\n", "b"), "b\n \r\n");
+    EXPECT_EQ(CodeInPlaceOf("a \t", "b") + CodeInPlaceOf("a\n", "b\n"), "bb\n");
+    EXPECT_EQ(WithoutLineNumbers("  9: a\n> 10:  b\r\n11 |", "a\n b\n\n", 9), "a\n b\n");
+    for (const auto& [code, sent, first] : {std::tuple{"9: a\n10: b", "a", 0},
+                                            {"9: a\n10: b", "a", 8},
+                                            {"9: a\n11: b", "a", 9},
+                                            {"10 a", "a", 10},
+                                            {"10: a\n11: b", "10: x\n11: b", 10}})
+        EXPECT_EQ(WithoutLineNumbers(code, sent, first), code);
     EXPECT_EQ(WithLineEnds("a\nb\r\nc\rd\n\n", "\r\n"), "a\r\nb\r\nc\r\nd\r\n\r\n");
 }
 

@@ -31,15 +31,16 @@ TEST(Theme, EveryTextColourIsReadable) {
                 EXPECT_GE(ThemeContrast(text, palette.back), kReadable) << name << " role " << role;
                 EXPECT_GE(ThemeContrast(text, palette.caretLine), kReadable) << name << " caret line, role " << role;
             }
-            for (const Rgb under : {palette.back, palette.caretLine}) {
-                const Rgb line = ThemeBlend(ThemeChromePalette(dark).stopLine, under, ThemeStopLineAlpha(dark));
-                for (const Rgb text : palette.text)
-                    EXPECT_GE(ThemeContrast(text, line), 3.3)
-                        << name << " where a program stands, " << std::hex << text;
-                EXPECT_GE(ThemeContrast(palette.text[0], line), kReadable) << name << " where a program stands";
-            }
+            const ChromePalette& chrome = ThemeChromePalette(dark);
+            for (const Rgb under : {palette.back, palette.caretLine})
+                for (const Rgb line : {ThemeBlend(chrome.stopLine, under, ThemeStopLineAlpha(dark)),
+                                       ThemeBlend(chrome.success, under, kNewLineAlpha)}) {
+                    for (const Rgb text : palette.text)
+                        EXPECT_GE(ThemeContrast(text, line), 3.3) << name << " on " << std::hex << line << ", " << text;
+                    EXPECT_GE(ThemeContrast(palette.text[0], line), kReadable) << name << " on " << std::hex << line;
+                }
             EXPECT_GE(ThemeContrast(palette.text[0], palette.selection), kReadable) << name << " selection";
-            EXPECT_GE(ThemeContrast(palette.text[0], palette.errorBack), kReadable) << name << " error line";
+            EXPECT_GE(ThemeContrast(palette.text[0], palette.errorBack), kReadable) << name << " removed lines";
             EXPECT_GE(ThemeContrast(palette.lineNumber, palette.margin), kReadable) << name << " line numbers";
             EXPECT_EQ(ThemeContrast(palette.back, 0x000000) < ThemeContrast(palette.back, 0xFFFFFF), dark) << name;
         }

@@ -4,6 +4,7 @@
 
 #include "build_driver.h"
 
+#include "documents/margins.h"
 #include "resources/ids.h"
 
 namespace {
@@ -37,6 +38,23 @@ void TypeInChat(const Editor& editor, const wchar_t* text) {
 void ExpectMessage(const Editor& editor, int command, const wchar_t* text) {
     editor.Post(command);
     editor.Answer(kProgramTitle, text, IDOK);
+}
+
+// The marks of a replacement that waits: "1[removed lines] +2", the line below which they stand and each new line.
+std::string Marks(const Editor& editor) {
+    std::string marks;
+    const bool shown = editor.Sci(SCI_ANNOTATIONGETVISIBLE) != ANNOTATION_HIDDEN;
+    for (WPARAM line = 0; line < static_cast<WPARAM>(editor.Sci(SCI_GETLINECOUNT)); ++line) {
+        const auto space = marks.empty() ? "" : " ";
+        if ((editor.Sci(SCI_MARKERGET, line) & 1 << kMarkNewLine) != 0) marks += space + ("+" + std::to_string(line));
+        if (!shown || editor.Sci(SCI_ANNOTATIONGETLINES, line) == 0) continue;
+        struct Buffer {
+            char text[200] = {};
+        };
+        const Buffer removed = editor.Ask<Buffer>(editor.Sci(), SCI_ANNOTATIONGETTEXT, line);
+        marks += space + std::to_string(line) + "[" + removed.text + "]";
+    }
+    return marks;
 }
 
 }  // namespace
@@ -96,22 +114,43 @@ TEST(Assistant, AReplyIsAppliedOnceAndOnlyToWhatWasSent) {
     ExpectMessage(editor, IDM_AI_APPLY, kApplied);
     EXPECT_EQ(editor.Text(), "REM a\r\nPRINT 2\r\nEND\r\nREM b");
     EXPECT_TRUE(editor.ButtonShown(IDM_AI_UNDO));
+    EXPECT_EQ(Marks(editor), "0[PRINT 1] +1 +2");
+    editor.Sci(SCI_SETSEL, 0, 0);
+    editor.Type("!\r\n");  // two steps later, elsewhere
     editor.Sci(SCI_DOCUMENTEND);
-    editor.Type("!");  // one step later, elsewhere
+    editor.Type("!");
+    EXPECT_EQ(Marks(editor), "1[PRINT 1] +2 +3");
     ExpectMessage(editor, IDM_AI_UNDO, L"AI replacement undone.");
-    EXPECT_EQ(editor.Text(), "REM a\r\nPRINT 1\r\nREM b!");
+    EXPECT_EQ(editor.Text(), "!\r\nREM a\r\nPRINT 1\r\nREM b!");
+    EXPECT_EQ(Marks(editor), "");
+    ExpectMessage(editor, IDM_AI_APPLY, kApplied);
+    editor.Sci(SCI_LINEDELETE);  // the caret is on the first new line
+    EXPECT_TRUE(WaitFor([&] { return Marks(editor) == "1[PRINT 1] +2"; })) << Marks(editor);
+    editor.Sci(SCI_UNDO);
+    EXPECT_TRUE(WaitFor([&] { return Marks(editor) == "1[PRINT 1] +2 +3"; })) << Marks(editor);
+    editor.Sci(SCI_UNDO);
+    EXPECT_EQ(editor.Text(), "!\r\nREM a\r\nPRINT 1\r\nREM b!") << "one step";
+    EXPECT_TRUE(WaitFor([&] { return !editor.ButtonShown(IDM_AI_UNDO); })) << "nothing waits any more";
+    EXPECT_EQ(Marks(editor), "");
     ExpectMessage(editor, IDM_AI_APPLY, kApplied);
     ExpectMessage(editor, IDM_AI_DO, L"AI replacement accepted.");
+    EXPECT_EQ(Marks(editor), "");
     EXPECT_TRUE(WaitFor([&] { return !editor.ButtonShown(IDM_AI_UNDO); }));
-    ExpectMessage(editor, IDM_AI_APPLY, L"The text is no longer as it was sent");
-    EXPECT_EQ(editor.Text(), "REM a\r\nPRINT 2\r\nEND\r\nREM b!");
-    EXPECT_EQ(editor.Tabs(), 2) << "the code is not lost";
+    for (const int answer : {IDNO, IDYES}) {
+        editor.Post(IDM_AI_APPLY);
+        editor.Answer(kProgramTitle, L"The text is no longer as it was sent, so nothing was replaced.", answer);
+        EXPECT_EQ(editor.Tabs(), answer == IDYES ? 2 : 1);
+    }
+    EXPECT_EQ(editor.Text(), "PRINT 2\r\nEND") << "the code is not lost";
+    editor.Post(IDM_FILE_CLOSE);
+    editor.Answer(kUnsaved, L"", IDNO);
+    EXPECT_EQ(editor.Text(), "!\r\nREM a\r\nPRINT 2\r\nEND\r\nREM b!");
 
     TypeInChat(editor, L"shorter");
     editor.Do(IDM_AI_EDIT);
     ASSERT_TRUE(WaitFor([&] { return server.Requests().size() == 2; }));
     EXPECT_NE(server.Requests()[1].find("\"model\":\"gpt-4o-mini\""), std::string::npos);
-    EXPECT_NE(server.Requests()[1].find(R"("Instruction: shorter\n\nCode:\nREM a\r\nPRINT 2\r\nEND\r\nREM b!")"),
+    EXPECT_NE(server.Requests()[1].find(R"("Instruction: shorter\n\nCode:\n!\r\nREM a\r\nPRINT 2\r\nEND\r\nREM b!")"),
               std::string::npos);
 }
 
