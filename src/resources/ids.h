@@ -269,7 +269,7 @@
 #define TIMER_DEBUG 5   // polls the debuggee for its next event
 // Looks for the console of a program that was just started under the debugger.
 #define TIMER_DEBUG_CONSOLE 6
-#define TIMER_POSITION 7  // shows the caret's place in the status bar
-#define TIMER_AI 8        // shows the progress of the assistant's requests in the status bar
+#define TIMER_POSITION 7   // shows the caret's place in the status bar
+#define TIMER_AI 8         // shows the progress of the assistant's requests in the status bar
 #define TIMER_AI_MARKS 21  // updates the marks of a replacement that waits
 #define TIMER_FOCUS 32770
