@@ -96,6 +96,18 @@ std::wstring PathKey(std::wstring_view path) {
     return key;
 }
 
+wchar_t OtherCase(wchar_t character) {
+    const auto c = static_cast<int>(character);
+    for (const CaseRange& range : kCaseRanges) {
+        const bool isUpper = range.first <= c && c <= range.last && (c - range.first) % range.step == 0;
+        if (isUpper) return static_cast<wchar_t>(c + range.delta);
+        const int upper = c - range.delta;
+        if (range.first <= upper && upper <= range.last && (upper - range.first) % range.step == 0)
+            return static_cast<wchar_t>(upper);
+    }
+    return character;
+}
+
 bool PathIsAbsolute(std::wstring_view path) {
     return (path.size() > 1 && path[1] == L':') || path.starts_with(L"\\\\");
 }

@@ -22,6 +22,8 @@ void StripTrailingSlash(wchar_t* path);
 bool PathEqualsIgnoreCase(std::wstring_view a, std::wstring_view b);
 // The key to look a path up by. Paths that are equal by PathEqualsIgnoreCase have the same key.
 std::wstring PathKey(std::wstring_view path);
+// The same letter in the other case by these pairs; the character itself when it is no such letter.
+wchar_t OtherCase(wchar_t character);
 
 // True for "C:..." and "\\server...". Any other path is relative to a folder.
 bool PathIsAbsolute(std::wstring_view path);

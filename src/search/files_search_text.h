@@ -1,0 +1,77 @@
+// Searching the bytes of one file, or the text of one document, and the lines that are shown of it. Pure; any thread.
+#pragma once
+
+#include "files/source_text.h"
+#include "search/files_search_needle.h"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct FilesQuery {
+    std::string text;  // UTF-8
+    bool matchCase = false;
+    bool wholeWord = false;
+    bool regex = false;
+
+    bool operator==(const FilesQuery&) const = default;
+};
+
+inline constexpr std::size_t kMaxHits = 100'000;  // of one search; it ends there
+inline constexpr std::size_t kShownBytes = 240;   // of a line
+
+// A match. Positions are bytes of the text as the editor holds it.
+struct FileHit {
+    std::uint32_t start = 0;
+    std::uint32_t length = 0;
+    std::uint32_t line = 0;        // from 0
+    std::uint16_t markStart = 0;   // the match within `shown`
+    std::uint16_t markLength = 0;  // of a match that is longer than what is shown, its beginning
+    std::string shown;             // the line without blanks at its start, or the part of a long line around the match
+
+    bool operator==(const FileHit&) const = default;
+};
+
+// Asked between pieces of about a megabyte: true ends the search.
+using SearchStopped = std::function<bool()>;
+
+struct TextSpan {
+    std::size_t start = 0;
+    std::size_t length = 0;
+};
+
+// What is searched for, ready to search. Not for several threads at once.
+class TextMatcher {
+public:
+    // Null when the query cannot be searched for; `fault` (may be null) then gets a sentence for the user.
+    static std::optional<TextMatcher> Of(const FilesQuery& query, std::wstring* fault);
+    // The first match at `from` or after it. Nothing when there is none, and when the search was stopped.
+    std::optional<TextSpan> Next(std::string_view text, std::size_t from, const SearchStopped& stopped) const;
+    // Whether a match of these bytes is one in every encoding of a file, so that they need not be decoded to know that
+    // there is none.
+    bool FindsInBytes() const { return needle_->IsAscii(); }
+
+private:
+    std::optional<TextNeedle> needle_;
+};
+
+enum class FileKind : std::uint8_t { Text, Binary, NotDecoded };
+
+struct FileHits {
+    FileKind kind = FileKind::Text;
+    std::vector<FileHit> hits;  // in order
+    bool more = false;          // there were more than were wanted
+};
+
+// The hits in a text, at most `most`.
+FileHits HitsInText(std::string_view utf8, const TextMatcher& matcher, std::size_t most, const SearchStopped& stopped);
+// The hits in a file of these bytes, decoded as the editor does it. A file with a NUL near its start that is no UTF-16 is
+// binary.
+FileHits HitsInBytes(std::string_view bytes, const TextMatcher& matcher, const AnsiDecoder& ansi, std::size_t most,
+                     const SearchStopped& stopped);
+
+// The line around a place as it is shown, for a hit whose text has changed: sets the marks and the text of `hit`.
+void ShowLineOfHit(std::string_view text, FileHit& hit);

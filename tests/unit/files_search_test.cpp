@@ -1,0 +1,184 @@
+// Which files a search takes, and what it finds in a text.
+#include "base/path.h"
+#include "base/utf8.h"
+#include "search/file_walk.h"
+#include "search/files_search_text.h"
+#include "search/ignore_rules.h"
+
+#include <gtest/gtest.h>
+
+#include <iterator>
+#include <random>
+#include <string>
+
+namespace {
+
+TEST(IgnoreRules, MatchAsGitDoes) {
+    const struct {
+        const char* rules;
+        const wchar_t *ignored, *taken;  // paths with blanks between them; a backslash at the end is a folder
+    } cases[] = {
+        {"*.o\r\n", L"a.o src\\b.O x.o\\", L"a.obj o"},
+        {"\xEF\xBB\xBF# note\n\nbuild/", L"build\\ src\\Build\\", L"build src\\build"},
+        {"/build\n", L"build build\\", L"src\\build"},
+        {"src/gen", L"src\\gen src\\gen\\", L"a\\src\\gen gen"},
+        {"*.log\n!keep.log\n", L"a.log x\\b.log", L"keep.log x\\keep.log"},
+        {"!a\n*", L"a", L""},
+        {"**/foo", L"foo a\\foo a\\b\\foo", L"foo2 a\\foo\\x"},
+        {"foo/**", L"foo\\a foo\\a\\b", L"foo foo\\ b\\foo\\a"},
+        {"a/**/b", L"a\\b a\\x\\b a\\x\\y\\b", L"a\\xb x\\a\\b"},
+        {"a**b/c", L"ab\\c axxb\\c", L"a\\x\\b\\c"},
+        {"doc/*.txt", L"doc\\a.txt", L"doc\\x\\a.txt"},
+        {"f?o[a-c]\n[!x]y", L"fooa f1oC ay", L"food fooab xy f\\oa"},
+        {"\\#a\n\\!b\nc\\ \nd  ", L"#a !b d", L"c a b"},
+        {"[ab", L"[ab", L"a"},
+        {"[]x]", L"] x", L"[ a"},
+        {"***/**/**/x/", L"x\\ a\\x\\", L"x"},
+        {"/\n//\n", L"", L"a a\\"},
+        {"a/*/c\n", L"a\\b\\c", L"a\\c a\\b\\d\\c"},
+    };
+    const auto check = [](const char* rules, std::wstring_view paths, bool expected) {
+        const IgnoreScope scope{nullptr, 3, IgnoreRulesOf(rules)};
+        while (!paths.empty()) {
+            std::wstring path{paths.substr(0, paths.find(L' '))};
+            paths.remove_prefix(std::min(path.size() + 1, paths.size()));
+            const bool folder = path.ends_with(L'\\');
+            if (folder) path.pop_back();
+            EXPECT_EQ(IsIgnored(&scope, PathKey(L"C:\\" + path), folder), expected)
+                << rules << " " << std::string(path.begin(), path.end());
+        }
+    };
+    for (const auto& test : cases) {
+        check(test.rules, test.ignored, true);
+        check(test.rules, test.taken, false);
+    }
+    // What takes exponential time where every star is tried again.
+    check("*a*a*a*a*a*a*a*a*a*a*a*b\n**/a/**/a/**/a/**/a/**/a/**/b", std::wstring(300, L'a'), false);
+
+    const auto outer = std::make_shared<IgnoreScope>(IgnoreScope{nullptr, 3, IgnoreRulesOf("*.a\n*.b")});
+    const IgnoreScope inner{outer, 6, IgnoreRulesOf("!*.a")};
+    EXPECT_FALSE(IsIgnored(&inner, L"c:\\x\\1.a", false)) << "the inner file decides";
+    EXPECT_TRUE(IsIgnored(&inner, L"c:\\x\\1.b", false)) << "where it says nothing, the outer one does";
+}
+
+TEST(FileWalk, TakesWhatTheRulesSay) {
+    const struct {
+        const wchar_t *only, *except, *name;
+        bool folder, hidden, taken;
+    } cases[] = {
+        {L"*.bas; *.inc", L"", L"A.BAS", false, false, true},
+        {L"*.bas,*.inc", L"", L"a.c", false, false, false},
+        {L"*.bas", L"", L"lib", true, false, true},
+        {L".bas", L"", L"a.bas", false, false, true},
+        {L"*.*", L"", L"makefile", false, false, true},
+        {L"src\\*.bas", L"", L"a.bas", false, false, true},
+        {L"other/**", L"", L"a.bas", false, false, false},
+        {L"", L"bin;*.o", L"bin", true, false, false},
+        {L"", L"bin\\", L"bin", false, false, true},
+        {L"", L"*.o", L"a.o", false, false, false},
+        {L"", L"", L".git", true, false, false},
+        {L"", L"", L"a", false, true, false},
+    };
+    for (const auto& test : cases) {
+        const WalkRules rules{L"C:\\p", NameListRules(test.only), NameListRules(test.except)};
+        const WalkEntry entry{test.name, test.folder, test.hidden};
+        EXPECT_EQ(WalkTakes(rules, L"C:\\p\\src\\", entry, nullptr), test.taken)
+            << testing::PrintToString(std::wstring{test.only}) << testing::PrintToString(std::wstring{test.name});
+    }
+    EXPECT_TRUE(WalkTakes({.root = L"C:\\", .hidden = true}, L"C:\\", {L".a", true, true}, nullptr));
+    EXPECT_FALSE(WalkTakes({.root = L"C:\\", .subfolders = false}, L"C:\\", {L"a", true, false}, nullptr));
+}
+
+TEST(FilesSearch, FindsWhatALookAtEveryPlaceFinds) {
+    std::mt19937 random{10};
+    const auto pick = [&](std::size_t count) {
+        return std::uniform_int_distribution<std::size_t>{0, count - 1}(random);
+    };
+    const std::string_view characters[] = {"a", "A", "b", "B", "_", " ", "\n", "\r", "$", "\xC3\xA4", "\xC3\x84"};
+    const auto text = [&](std::size_t length, std::size_t kinds) {
+        std::string made;
+        for (std::size_t i = 0; i < length; ++i) made += characters[pick(kinds)];
+        return made;
+    };
+    const auto folded = [](std::string_view utf8) { return ToUtf8(PathKey(Utf8ToWideText(utf8))); };
+    for (int round = 0; round < 4'000; ++round) {
+        const std::size_t kinds = 1 + pick(std::size(characters));
+        const std::string hay = text(pick(90), kinds);
+        const FilesQuery query{text(1 + pick(4), kinds), pick(2) == 0, pick(2) == 0};
+        std::string found, expected;
+        const auto matcher = TextMatcher::Of(query, nullptr);
+        for (const FileHit& hit : HitsInText(hay, *matcher, 1000, nullptr).hits)
+            found += std::to_string(hit.start) + ":" + std::to_string(hit.line) + " ";
+        std::size_t line = 0;
+        for (std::size_t at = 0, next = 0; at < hay.size(); ++at) {
+            const std::string part = hay.substr(at, query.text.size());
+            const bool same = query.matchCase ? part == query.text : folded(part) == folded(query.text);
+            if (at >= next && same && (!query.wholeWord || IsWholeWord(hay, at, at + part.size()))) {
+                expected += std::to_string(at) + ":" + std::to_string(line) + " ";
+                next = at + part.size();
+            }
+            line += hay[at] == '\n' || (hay[at] == '\r' && (at + 1 == hay.size() || hay[at + 1] != '\n'));
+        }
+        ASSERT_EQ(found, expected) << testing::PrintToString(hay) << " " << testing::PrintToString(query.text);
+    }
+}
+
+TEST(FilesSearch, ReadsEncodingsAsTheEditor) {
+    const AnsiDecoder latin = [](std::string_view bytes, std::string* utf8, bool*) {
+        for (const char c : bytes) *utf8 += ToUtf8(std::wstring(1, static_cast<unsigned char>(c)));
+        return true;
+    };
+    const auto find = [&](std::string_view bytes, const char* what) {
+        const FileHits found = HitsInBytes(bytes, *TextMatcher::Of({what}, nullptr), latin, 10, nullptr);
+        if (found.kind != FileKind::Text) return std::string{"no text"};
+        std::string places;
+        for (const FileHit& hit : found.hits)
+            places += std::to_string(hit.line) + ":" + std::to_string(hit.start) + "=" + hit.shown + " ";
+        return places;
+    };
+    using namespace std::string_view_literals;
+    EXPECT_EQ(find("a\n\tb \xC3\xA4"sv, "\xC3\x84"), "1:5=b \xC3\xA4 ");
+    EXPECT_EQ(find("\xE4\r\nb\xE4"sv, "b"), "1:4=b\xC3\xA4 ") << "ANSI: the place in the decoded text";
+    EXPECT_EQ(find("b\xE4"sv, "\xC3\xA4"), "0:1=b\xC3\xA4 ");
+    EXPECT_EQ(find("\xEF\xBB\xBFx"sv, "x"), "0:3=\xEF\xBB\xBFx ") << "the mark stays in the text";
+    EXPECT_EQ(find("\xFF\xFEx\0\xE4\0"sv, "\xC3\xA4"), "0:1=x\xC3\xA4 ");
+    EXPECT_EQ(find("\0a\0\n\0x"sv, "X"), "1:2=x ") << "UTF-16 without a mark";
+    EXPECT_EQ(find("MZ\x90\0x"sv, "x"), "no text");
+    EXPECT_EQ(find(""sv, "x"), "");
+}
+
+TEST(FilesSearch, BoundsWhatItShowsAndFinds) {
+    const auto first = [](const std::string& text, const char* what) {
+        return HitsInText(text, *TextMatcher::Of({what}, nullptr), 1, nullptr).hits.at(0);
+    };
+    const std::string umlauts = [] {
+        std::string text;
+        for (int i = 0; i < 500; ++i) text += "\xC3\xA4";
+        return text;
+    }();
+    const FileHit inside = first(umlauts + "needle" + umlauts, "needle");
+    EXPECT_EQ(inside.shown.substr(inside.markStart, inside.markLength), "needle");
+    EXPECT_LE(inside.shown.size(), kShownBytes);
+    EXPECT_TRUE(IsValidUtf8Bytes(inside.shown.data(), inside.shown.size()));
+    const FileHit longer = first(umlauts, umlauts.c_str());
+    EXPECT_EQ(longer.markLength, longer.shown.size());
+    EXPECT_EQ(longer.length, umlauts.size());
+
+    const std::string many(3 << 20, 'x');
+    const auto matcher = TextMatcher::Of({"x"}, nullptr);
+    const FileHits some = HitsInText(many, *matcher, 7, nullptr);
+    EXPECT_EQ(some.hits.size(), 7U);
+    EXPECT_TRUE(some.more);
+    EXPECT_FALSE(HitsInText("xx", *matcher, 2, nullptr).more);
+    int asked = 0;
+    const auto absent = TextMatcher::Of({"y"}, nullptr);
+    EXPECT_TRUE(HitsInText(many + "y", *absent, 7, [&] { return ++asked == 2; }).hits.empty());
+    EXPECT_EQ(asked, 2) << "a search ends within a piece";
+    const std::string across = std::string((1 << 20) + 1, ' ') + "word" + std::string(1 << 20, ' ');
+    for (std::size_t shift = 0; shift < 8; ++shift)
+        EXPECT_EQ(
+            HitsInText(across.substr(shift), *TextMatcher::Of({"word", true, true}, nullptr), 9, nullptr).hits.size(),
+            1U);
+}
+
+}  // namespace
