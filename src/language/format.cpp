@@ -4,8 +4,8 @@
 // they are. Pure.
 #include "language/format.h"
 
-#include "language/inline_regions.h"
-#include "language/lexer_table.h"
+#include "language/basic_words.h"
+#include "language/scanner.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -71,6 +71,9 @@ constexpr BlockWord kBlockWords[] = {
 constexpr std::string_view kPrefixes[] = {"STATIC", "PRIVATE", "PUBLIC",   "CALLBACK",  "THREAD",
                                           "EXPORT", "INLINE",  "OVERRIDE", "THREADSAFE"};
 
+bool IsBasicKeyword(std::string_view word) {
+    return LookUpWord(word).kind > WordClass::None && LookUpWord(word).kind != WordClass::Preprocessor;
+}
 bool IsSourceBlank(char c) { return c == ' ' || c == '\t'; }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c & 0x80) != 0; }

@@ -5,24 +5,6 @@
 
 namespace {
 
-bool IsAsmBlank(char c) { return c == ' ' || c == '\t'; }
-
-std::size_t SkipAsmBlanks(std::string_view line, std::size_t at) {
-    while (at < line.size() && IsAsmBlank(line[at])) ++at;
-    return at;
-}
-
-// Whether the line has the word `upper`, which is in upper case, at `at`. The letter case of the line does not count.
-bool WordAt(std::string_view line, std::size_t at, std::string_view upper) {
-    if (line.size() < at + upper.size()) return false;
-    for (std::size_t i = 0; i < upper.size(); ++i) {
-        const char c = line[at + i];
-        if ((c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c) != upper[i]) return false;
-    }
-    const std::size_t end = at + upper.size();
-    return end == line.size() || IsAsmBlank(line[end]) || line[end] == '\'' || line[end] == ':';
-}
-
 struct AssemblyEdge {
     std::size_t start;  // of its line
     bool opens;
@@ -52,18 +34,6 @@ void SearchStretch(AssemblyAbove& above, std::ptrdiff_t start, std::string_view 
 }
 
 }  // namespace
-
-AssemblyLine AssemblyOfLine(std::string_view line, bool inBlock) {
-    const std::size_t first = SkipAsmBlanks(line, 0);
-    if (WordAt(line, first, "ENDASM") ||
-        (WordAt(line, first, "END") && WordAt(line, SkipAsmBlanks(line, first + 3), "ASM")))
-        return {.kind = AssemblyKind::BlockEnd};
-    if (inBlock || (first < line.size() && line[first] == '!')) return {AssemblyKind::Instruction, first};
-    if (!WordAt(line, first, "ASM")) return {};
-    const std::size_t rest = SkipAsmBlanks(line, first + 3);
-    if (rest == line.size() || line[rest] == '\'' || line[rest] == ':') return {.kind = AssemblyKind::BlockStart};
-    return {AssemblyKind::Instruction, rest};
-}
 
 std::vector<TextRange> InlineAssemblyRanges(std::string_view text, bool inBlock) {
     std::vector<TextRange> ranges;

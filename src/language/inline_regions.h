@@ -1,6 +1,8 @@
-// Finds inline assembly in BASIC source: lines that begin with "!" or "ASM", and blocks from a lone ASM to END ASM or
-// ENDASM. The colours, the formatter and the capitals while typing all follow these rules. Pure.
+// Finds inline assembly in BASIC source without scanning it from the top: its ranges in a stretch of text, and whether a
+// place is inside a block that begins far above it. What a line is says AssemblyOfLine (language/scanner.h). Pure.
 #pragma once
+
+#include "language/scanner.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -14,19 +16,6 @@ struct TextRange {
     std::size_t start = 0;  // bytes
     std::size_t length = 0;
 };
-
-enum class AssemblyKind : std::uint8_t {
-    None,         // BASIC
-    Instruction,  // a line of a block, or one that begins with "!" or "ASM"
-    BlockStart,   // a lone ASM
-    BlockEnd,
-};
-struct AssemblyLine {
-    AssemblyKind kind = AssemblyKind::None;
-    std::size_t text = 0;  // Instruction: where the assembly begins
-};
-// What a line is, with or without its leading blanks and without its break.
-AssemblyLine AssemblyOfLine(std::string_view line, bool inBlock);
 
 // The ranges of the lines that are assembly, each without its leading blanks, its end and the word ASM. `text` must
 // begin at the start of a line; `inBlock` says whether that line is inside a block.

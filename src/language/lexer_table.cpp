@@ -2,13 +2,11 @@
 #include "language/lexer_table.h"
 
 #include "base/path.h"
-#include "settings/compiler_id.h"
+#include "language/basic_words.h"
 
 #include <SciLexer.h>
 
-#include <algorithm>
 #include <array>
-#include <unordered_set>
 
 namespace {
 
@@ -65,43 +63,6 @@ constexpr LanguageLexer kLexers[] = {
     {"vb", kBasicStyles}, {"cpp", kCStyles}, {"asm", kAssemblyStyles}, {"as", kAssemblyStyles}, {nullptr, {}},
 };
 
-constexpr std::string_view kBasicStatements =
-    "alias and any as assert byref byval call callback case class const continue data declare decr default dim do "
-    "else elseif end eqv erase error event exit export fastproc for function get global gosub goto if imp implements "
-    "import in incr inherit inline instance interface is isfalse istrue iterate let lib local loop macro macrotemp "
-    "method mod my new next not nothing object off on opt optional option or override persist preserve private "
-    "property public randomize read redim register rem reset resume return select set shared static step stop sub "
-    "swap then thread threaded to try catch finally type union until using wend while with xor asm end "
-    "enum threadsafe endif endselect endwhile endtry endwith endtype endunion endenum endmacro endclass endinterface "
-    "endsub "
-    "endfunction endmethod endproperty endfastproc endasm print input line open close put seek write append output "
-    "random binary kill name mkdir rmdir chdir cls color "
-    "locate beep sleep delay shell";
-constexpr std::string_view kBasicTypes =
-    "asciiz asciz bit bool boolean byte byt cur currency cux currencyx cwstr decimal double dwd dword ext extended "
-    "field float guid int integer int8 int16 int32 int64 lng long longint pointer ptr qud quad sng single "
-    "string stringz uint uint8 uint16 uint32 uint64 variant vrnt void word wrd wstring wstringz zstr";
-constexpr std::string_view kBasicFunctions =
-    "abs acos array asc asin atn bin build ceil chr cint clng cos cqud csng cdbl command codeptr cvl cvq cvs cvd date "
-    "dir environ eof erl err exp extract fix format frac freefile hex hiword iif instr join lbound lcase "
-    "left len lo lof log log10 log2 loword lset ltrim max mcase mid min mki mkl mks mkd oct parse parsecount peek "
-    "poke remain remove repeat replace retain right rnd round rset rtrim sgn sin sizeof space spc sqr str strdelete "
-    "strinsert strptr strreverse switch tab tally tan time timer trim ubound ucase val varptr verify";
-
-// The words that the dialect of a compiler adds to the common sets.
-struct DialectRow {
-    std::uint32_t compilerId;
-    std::string_view words;
-};
-constexpr DialectRow kDialects[] = {
-    {kCompilerKvxa64, "pbmain winmain unlock namespace endnamespace foreach"},
-    {kCompilerKvxb64, "pbmain winmain namespace endnamespace foreach defer"},
-    {kCompilerKvxa32, "pbmain winmain libmain prefix"},
-    {kCompilerKeldorBasic, "pbmain winmain libmain"},
-    {kCompilerKvxc64, "pbmain winmain namespace endnamespace foreach lambda"},
-};
-static_assert(std::size(kDialects) == kCompilerCount, "each compiler has a dialect");
-
 constexpr std::string_view kCKeywords =
     "alignas alignof asm auto break case catch class const const_cast constexpr continue default delete do "
     "dynamic_cast else enum explicit extern false final for friend goto if inline mutable namespace new noexcept "
@@ -156,29 +117,15 @@ constexpr std::string_view kAsmExtended =
     "psrld "
     "psubd pxor shufps sqrtpd sqrtps sqrtsd sqrtss subpd subps subsd subss ucomisd ucomiss unpcklps xorpd xorps";
 
-void AddWords(std::unordered_set<std::string_view>& set, std::string_view words) {
-    while (!words.empty()) {
-        const std::size_t end = std::min(words.find(' '), words.size());
-        set.insert(words.substr(0, end));
-        words.remove_prefix(std::min(end + 1, words.size()));
+// The four sets that the lexer of BASIC takes.
+std::string BasicWords(const Dialect& dialect, int set) {
+    switch (set) {
+        case 0: return WordsOf(WordClass::Statement, dialect) + " " + WordsOf(WordClass::Operator, dialect);
+        case 1: return WordsOf(WordClass::Type, dialect);
+        case 2: return WordsOf(WordClass::Function, dialect);
+        case 3: return WordsOf(WordClass::Entry, dialect);
+        default: return {};
     }
-}
-
-// The keywords of BASIC in every dialect, in lower case. A set, because the formatter asks for every word of a document.
-const std::unordered_set<std::string_view>& BasicKeywords() {
-    static const std::unordered_set<std::string_view> set = [] {
-        std::unordered_set<std::string_view> all;
-        for (const std::string_view words : {kBasicStatements, kBasicTypes, kBasicFunctions}) AddWords(all, words);
-        for (const DialectRow& row : kDialects) AddWords(all, row.words);
-        return all;
-    }();
-    return set;
-}
-
-std::string_view DialectWords(std::uint32_t compilerId) {
-    for (const DialectRow& row : kDialects)
-        if (row.compilerId == compilerId) return row.words;
-    return {};
 }
 
 }  // namespace
@@ -196,20 +143,10 @@ std::string LexerKeywords(Language language, std::uint32_t compilerId, int set) 
     constexpr std::array<std::string_view, 2> kC = {kCKeywords, kCTypes};
     constexpr std::array<std::string_view, 6> kAssembly = {kAsmInstructions, kAsmMath,     kAsmRegisters,
                                                            kAsmDirectives,   kAsmOperands, kAsmExtended};
-    const std::array<std::string_view, 4> basic = {kBasicStatements, kBasicTypes, kBasicFunctions,
-                                                   DialectWords(compilerId)};
+    if (language == Language::Basic) return BasicWords(DialectOf(compilerId), set);
     std::span<const std::string_view> sets;
-    if (language == Language::Basic) sets = basic;
     if (language == Language::C) sets = kC;
     if (language == Language::Assembly || language == Language::GnuAssembly) sets = kAssembly;
     return set >= 0 && static_cast<std::size_t>(set) < sets.size() ? std::string(sets[static_cast<std::size_t>(set)])
                                                                    : std::string();
-}
-
-bool IsBasicKeyword(std::string_view word) {
-    char lower[32];
-    if (word.empty() || word.size() > sizeof lower) return false;
-    std::transform(word.begin(), word.end(), lower,
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    return BasicKeywords().contains({lower, word.size()});
 }

@@ -29,6 +29,3 @@ const LanguageLexer& LexerOf(Language language);
 // dialect. Empty for a set that the language does not have.
 inline constexpr int kKeywordSets = 6;
 std::string LexerKeywords(Language language, std::uint32_t compilerId, int set);
-
-// Whether a word is a keyword of BASIC in any dialect, without regard to case.
-bool IsBasicKeyword(std::string_view word);

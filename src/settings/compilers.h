@@ -1,5 +1,5 @@
 // The table of compilers. A row holds everything that the program knows of a compiler, except for the keywords of its
-// dialect (language/lexer_table.cpp) and its file types (settings/file_type_table.cpp). Names, sections, search,
+// dialect (language/basic_words.cpp) and its file types (settings/file_type_table.cpp). Names, sections, search,
 // reports, option names and shell classes are derived from it. Only the texts of the menu are repeated, in
 // resources/app.rc, and a test compares them. Pure, constant; any thread.
 #pragma once
