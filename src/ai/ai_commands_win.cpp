@@ -8,6 +8,7 @@
 #include "ai/chat_lines.h"
 #include "ai/error_question.h"
 #include "ai/recording_dialog.h"
+#include "ai/send_consent.h"
 #include "ai/wav.h"
 #include "base/heap_text.h"
 #include "base/utf8.h"
@@ -31,12 +32,16 @@ namespace {
 constexpr COLORREF kAiProgress = RGB(0, 128, 0);
 constexpr COLORREF kAiFailure = RGB(180, 0, 0);
 
+const wchar_t* UrlOfService(AiService service) {
+    return service == AiService::OpenAi ? g_settings.openAIUrl : g_settings.lmStudioUrl;
+}
+
 template <typename Job>
 Job JobFor(AiService service) {
     const Settings& settings = g_settings;
     const bool cloud = service == AiService::OpenAi;
     Job job;
-    SafeCopyW(job.url, cloud ? settings.openAIUrl : settings.lmStudioUrl);
+    SafeCopyW(job.url, UrlOfService(service));
     SafeCopyW(job.apiKey, cloud ? settings.openAIKey : settings.lmStudioKey);
     job.link = AiLinkNew();
     return job;
@@ -78,10 +83,13 @@ void AskAboutSelection(int command) {
         InfoMessage(L"%s", problem);
         return;
     }
+    AiTarget target = AiTargetNow(false, selection.get());
+    if (!SendIsAllowed(UrlOfService(service), target,
+                       target.sent.size() + SystemPromptText(PromptSettingsNow()).size()))
+        return;
     OutputPaneClear();
     OutputPaneAppend(FormatW(L"[%s] Thinking...\n", AiServiceName(service)).c_str(), kAiProgress);
     ShowChat();
-    AiTarget target = AiTargetNow(false, selection.get());
     StartChat(service, std::move(selection), std::move(target), AiServiceName(service));
 }
 
@@ -233,12 +241,16 @@ void ShowChatReply(const char* reply) {
     if (!AiChatAppend(text)) OutputPaneAppend(text.c_str(), 0);
 }
 
-// An instruction was spoken, but meanwhile its document is no longer the one in front or a replacement waits. What was
-// said is kept.
+// What was said is kept when it was not sent.
 void KeepInstruction(const std::wstring& heard) {
     const std::wstring typed = AiInputText();
     ShowChat();
     SetWindowTextW(g_ai.hAiInput, (typed.empty() ? heard : typed + L" " + heard).c_str());
+}
+
+// While the user spoke, another document came to the front, or a replacement that waits.
+void RefuseInstruction(const std::wstring& heard) {
+    KeepInstruction(heard);
     InfoMessage(
         L"The document or its AI replacement has changed while you were speaking, so nothing was sent. Your "
         L"instruction is in the AI sidebar; Tools > Edit Code as Typed in AI Sidebar sends it.");
@@ -255,9 +267,9 @@ void AiDoOrAccept(int) {
     const std::wstring heard = RecordingDialogShow(g_ui.hMainWnd);
     if (!IsTranscription(heard)) return;
     if (g_ai.aiDoPending || ActiveDocumentId() != document)
+        RefuseInstruction(heard);
+    else if (!AiDoStart(heard))
         KeepInstruction(heard);
-    else
-        AiDoStart(heard);
 }
 
 constexpr CommandHandler kAiHandlers[] = {
@@ -297,14 +309,17 @@ bool AiDoStart(const std::wstring& instruction) {
         return false;
     }
     const std::string system = AiDoSystemPrompt(ToUtf8(PromptSettingsNow().description));
+    const std::string message = AiDoMessage(ToUtf8(instruction), LastErrorToSend(), code.get());
+    const AiService service = AiDoService(g_settings);
+    AiTarget target = AiTargetNow(true, code.get());
+    if (!SendIsAllowed(UrlOfService(service), target, message.size() + system.size())) return false;
     OutputPaneClear();
     OutputPaneAppend(L"[AI Do] Sending request...\n", kAiProgress);
     ShowChat();
-    const AiService service = AiDoService(g_settings);
     auto job = JobFor<AiDoJob>(service);
-    job.message.reset(HeapText(AiDoMessage(ToUtf8(instruction), LastErrorToSend(), code.get())));
+    job.message.reset(HeapText(message));
     if (!system.empty()) job.systemPrompt.reset(HeapText(system));
-    g_ai.aiDoTarget = AiTargetNow(true, code.get());
+    g_ai.aiDoTarget = std::move(target);
     job.editor = editor;
     job.tabId = g_ai.aiDoTarget.document;
     job.selStart = static_cast<std::int64_t>(g_ai.aiDoTarget.start);

@@ -10,4 +10,5 @@ void DialogApplyTheme(HWND dialog);
 // Shows the new theme in all dialogs that are open.
 void DialogsRenewTheme();
 // Runs MessageBoxW, and colours the box.
-int ThemedMessageBox(HWND owner, const wchar_t* text, const wchar_t* caption, UINT flags);
+int ThemedMessageBox(HWND owner, const wchar_t* text, const wchar_t* caption, UINT flags,
+                     const wchar_t* okText = nullptr);

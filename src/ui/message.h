@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-enum class AskButtons : std::uint8_t { Ok, YesNo, YesNoCancel };
+enum class AskButtons : std::uint8_t { Ok, YesNo, YesNoCancel, OkCancel };
 enum class AskIcon : std::uint8_t { None, Information, Question, Warning, Error };
 // The ids of the system's buttons. The button OK gives Yes.
 enum class Answer : std::uint8_t { Cancel = 2, Yes = 6, No = 7 };
@@ -14,8 +14,9 @@ struct UserQuestion {
     const wchar_t* text;
     AskButtons buttons;
     AskIcon icon;
-    Answer inSelftest;       // the answer in a self-test run, in which no box is shown
-    bool enterIsNo = false;  // the second button is the one that Enter presses
+    Answer inSelftest;                // the answer in a self-test run, in which no box is shown
+    bool enterIsNo = false;           // the second button is the one that Enter presses
+    const wchar_t* okText = nullptr;  // on the button OK, when it is to say more
 };
 Answer AskUser(const UserQuestion& question);
 void TellUser(const wchar_t* caption, const wchar_t* text, AskIcon icon);

@@ -17,7 +17,7 @@ const wchar_t kProgramCaption[] = L"KVXE - Unified Compiler Editor";
 namespace {
 
 constexpr std::size_t kMessageCapacity = 2048;
-constexpr UINT kButtonFlags[] = {MB_OK, MB_YESNO, MB_YESNOCANCEL};                                     // by AskButtons
+constexpr UINT kButtonFlags[] = {MB_OK, MB_YESNO, MB_YESNOCANCEL, MB_OKCANCEL};                        // by AskButtons
 constexpr UINT kIconFlags[] = {0, MB_ICONINFORMATION, MB_ICONQUESTION, MB_ICONWARNING, MB_ICONERROR};  // by AskIcon
 
 // The main window, or the dialog that keeps it waiting.
@@ -31,7 +31,7 @@ Answer ShowMessageBox(const UserQuestion& question) {
     const UINT flags = kButtonFlags[static_cast<std::size_t>(question.buttons)] |
                        kIconFlags[static_cast<std::size_t>(question.icon)] | (question.enterIsNo ? MB_DEFBUTTON2 : 0U);
     const std::wstring text = BreakLongWords(question.text);
-    switch (ThemedMessageBox(DialogOwner(), text.c_str(), question.caption, flags)) {
+    switch (ThemedMessageBox(DialogOwner(), text.c_str(), question.caption, flags, question.okText)) {
         case IDOK:
         case IDYES: return Answer::Yes;
         case IDNO: return Answer::No;

@@ -4,6 +4,7 @@
 #include "ai/chat_protocol.h"
 #include "ai/error_question.h"
 #include "ai/model_list.h"
+#include "ai/send_size.h"
 #include "ai/wav.h"
 #include "settings/settings.h"
 
@@ -161,6 +162,19 @@ TEST(AiTexts, PromptsAndAddresses) {
         StripChatEndpoint(edited);
         EXPECT_STREQ(edited, base);
     }
+}
+
+TEST(AiTexts, TheSizeIsToldOfDocumentsAndLargeParts) {
+    EXPECT_EQ(
+        SizeQuestion({.document = L"a.bas", .whole = true, .source = 1000000, .message = 1234567, .host = L"h:1"}),
+        L"a.bas is about to be sent as a whole to h:1: 1,234,567 bytes with the instructions, about 308,600 "
+        L"tokens.\n\nUntil the program ends you are asked only once for this server.");
+    EXPECT_TRUE(SizeQuestion({.document = L"a.bas", .source = 20001, .message = 999, .host = L"h"})
+                    .starts_with(L"20,001 bytes of a.bas are about to be sent to h. The message has 999 bytes with the "
+                                 L"instructions, about 250 tokens."));
+    EXPECT_TRUE(IsSizeTold({.whole = true, .source = 1}));
+    EXPECT_TRUE(IsSizeTold({.source = kLargePart + 1}));
+    EXPECT_FALSE(IsSizeTold({.source = kLargePart}));
 }
 
 TEST(AiSound, IsSentAsAWavFileInAForm) {

@@ -144,14 +144,22 @@ TEST(Assistant, AReplyIsAppliedOnceAndOnlyToWhatWasSent) {
     EXPECT_EQ(editor.Text(), "PRINT 2\r\nEND") << "the code is not lost";
     editor.Post(IDM_FILE_CLOSE);
     editor.Answer(kUnsaved, L"", IDNO);
+    ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == 1 && editor.Sci() != nullptr; }));
     EXPECT_EQ(editor.Text(), "!\r\nREM a\r\nPRINT 2\r\nEND\r\nREM b!");
 
     TypeInChat(editor, L"shorter");
-    editor.Do(IDM_AI_EDIT);
+    for (const int answer : {IDCANCEL, IDOK}) {  // a whole document: asked before it goes to that server
+        editor.Post(IDM_AI_EDIT);
+        editor.Answer(kProgramTitle, L"Untitled is about to be sent as a whole to 127.0.0.1:", answer);
+        if (answer == IDCANCEL) EXPECT_EQ(editor.Status(), L"Nothing was sent");
+    }
     ASSERT_TRUE(WaitFor([&] { return server.Requests().size() == 2; }));
     EXPECT_NE(server.Requests()[1].find("\"model\":\"gpt-4o-mini\""), std::string::npos);
     EXPECT_NE(server.Requests()[1].find(R"("Instruction: shorter\n\nCode:\n!\r\nREM a\r\nPRINT 2\r\nEND\r\nREM b!")"),
               std::string::npos);
+    editor.Sci(SCI_SELECTALL);
+    editor.Do(IDM_AI_LMSTUDIO);
+    EXPECT_TRUE(WaitFor([&] { return server.Requests().size() == 3; })) << "asked once";
 }
 
 TEST(Assistant, FailuresAreToldAndSilentServersCancelled) {
