@@ -27,10 +27,7 @@
 #include "ui/clipboard.h"
 #include "ui/long_work.h"
 #include "ui/message.h"
-
-#include <commdlg.h>
-#include <objbase.h>
-#include <shlobj.h>
+#include "ui/path_dialog.h"
 
 #include <span>
 #include <vector>
@@ -62,19 +59,8 @@ void GoToBookmark(int command) {
 }
 
 void ChooseProjectFolder() {
-    BROWSEINFOW dialog = {};
-    dialog.hwndOwner = g_app.hMainWnd;
-    dialog.lpszTitle = L"Choose the folder that the project tree shows";
-    dialog.ulFlags = BIF_RETURNONLYFSDIRS;
-    LPITEMIDLIST chosen = SHBrowseForFolderW(&dialog);
-    if (chosen == nullptr) return;  // cancelled
-    wchar_t folder[MAX_PATH] = {};
-    const bool named = SHGetPathFromIDListW(chosen, folder) != FALSE;
-    CoTaskMemFree(chosen);
-    if (!named) {
-        ErrorMessage(L"This folder cannot be used as project folder.");
-        return;
-    }
+    std::wstring folder = g_app.settings.projectRoot;
+    if (!AskFolderPath(g_app.hMainWnd, L"Choose the folder that the project tree shows", folder)) return;
     SettingsChange([&](Settings& settings) {
         SafeCopyW(settings.projectRoot, folder);
         settings.showProjectTree = 1;
@@ -87,25 +73,19 @@ void SelectTabBeside(int command) {
 }
 
 void OpenWorkspace() {
-    wchar_t path[kPathCapacity] = {};
-    OPENFILENAMEW dialog = {};
-    dialog.lStructSize = sizeof(dialog);
-    dialog.hwndOwner = g_app.hMainWnd;
-    dialog.lpstrFilter = L"Workspace (*.json)\0*.json\0All Files (*.*)\0*.*\0";
-    dialog.lpstrFile = path;
-    dialog.nMaxFile = static_cast<DWORD>(kPathCapacity);
-    dialog.Flags = OFN_HIDEREADONLY | OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST | OFN_NOCHANGEDIR;
-    if (!GetOpenFileNameW(&dialog)) return;
-    switch (WorkspaceFileAt(path)) {
+    std::wstring path;
+    if (!AskFilePath({.owner = g_app.hMainWnd, .filter = L"Workspace (*.json)\0*.json\0All Files (*.*)\0*.*\0"}, path))
+        return;
+    switch (WorkspaceFileAt(path.c_str())) {
         case WorkspaceFile::Ours:  // it fails when the user keeps a document open
-            if (WorkspaceLoad(path) == 0) break;
+            if (WorkspaceLoad(path.c_str()) == 0) break;
             EnsureEditableStartupTab();  // all its files may be away
             StatusBarSetText(L"Workspace opened");
             break;
         case WorkspaceFile::Foreign:
-            ErrorMessage(L"Failed to open workspace: %s\n\nThe file is not a workspace of this program.", path);
+            ErrorMessage(L"Failed to open workspace: %s\n\nThe file is not a workspace of this program.", path.c_str());
             break;
-        default: ErrorMessage(L"Failed to open workspace: %s", path); break;
+        default: ErrorMessage(L"Failed to open workspace: %s", path.c_str()); break;
     }
 }
 

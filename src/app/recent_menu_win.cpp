@@ -13,8 +13,7 @@
 #include "session/session.h"
 #include "settings/settings_store.h"
 #include "ui/message.h"
-
-#include <commdlg.h>
+#include "ui/path_dialog.h"
 
 #include <algorithm>
 #include <array>
@@ -106,21 +105,15 @@ void SaveSession(const std::wstring& path) {
 
 // Empty when the user cancelled.
 std::wstring AskSessionPath(bool save) {
-    std::wstring path(kPathCapacity, L'\0');
-    if (save) SafeCopyW(path.data(), kPathCapacity, g_app.sessionPath);
-    OPENFILENAMEW dialog = {};
-    dialog.lStructSize = sizeof(dialog);
-    dialog.hwndOwner = g_app.hMainWnd;
-    dialog.lpstrFilter = L"Sessions (*.kvxsess)\0*.kvxsess\0All Files (*.*)\0*.*\0";
-    dialog.lpstrFile = path.data();
-    dialog.nMaxFile = static_cast<DWORD>(kPathCapacity);
-    dialog.lpstrDefExt = L"kvxsess";
+    std::wstring path = save ? g_app.sessionPath : L"";
     wchar_t folder[kPathCapacity] = {};
-    if (FileOpenResolveInitialDirectory(folder, kPathCapacity) != 0) dialog.lpstrInitialDir = folder;
-    dialog.Flags = OFN_HIDEREADONLY | OFN_PATHMUSTEXIST | OFN_NOCHANGEDIR |
-                   static_cast<DWORD>(save ? OFN_OVERWRITEPROMPT : OFN_FILEMUSTEXIST);
-    const BOOL chosen = save ? GetSaveFileNameW(&dialog) : GetOpenFileNameW(&dialog);
-    return chosen != FALSE ? std::wstring(path.c_str()) : std::wstring();
+    FileOpenResolveInitialDirectory(folder, kPathCapacity);
+    const PathQuestion question = {.owner = g_app.hMainWnd,
+                                   .filter = L"Sessions (*.kvxsess)\0*.kvxsess\0All Files (*.*)\0*.*\0",
+                                   .extension = L"kvxsess",
+                                   .folder = folder,
+                                   .save = save};
+    return AskFilePath(question, path) ? path : std::wstring();
 }
 
 void OpenRecentFile(int command) {

@@ -156,12 +156,12 @@ int FileNew() {
 }
 
 int FileOpen(const wchar_t* path) {
-    wchar_t chosen[kPathCapacity] = {};
+    std::wstring chosen;
     if (path == nullptr) {
         wchar_t directory[kPathCapacity] = {};
         FileOpenResolveInitialDirectory(directory, kPathCapacity);
-        if (!AskOpenPath(chosen, kPathCapacity, directory)) return 0;
-        path = chosen;
+        if (!AskOpenPath(chosen, directory)) return 0;
+        path = chosen.c_str();
     }
     wchar_t file[kPathCapacity] = {};
     if (!ResolveInputPath(path, file, kPathCapacity, false)) return 0;

@@ -1,7 +1,5 @@
 #include "documents/file_dialog_texts.h"
 
-#include "base/bounded_text.h"
-#include "base/path.h"
 #include "settings/file_type_table.h"
 
 std::wstring FileDialogFilter() {
@@ -12,10 +10,4 @@ std::wstring FileDialogFilter() {
     }
     text.push_back(L'\0');
     return text;
-}
-
-std::array<std::wstring, 3> FileDialogNames(const std::wstring& path) {
-    wchar_t file[kPathCapacity];
-    PathGetFile(path.c_str(), file, kPathCapacity);
-    return {path, file, L""};
 }

@@ -1,10 +1,9 @@
 // The system's open and save dialogs with this program's file types. UI thread only.
 #pragma once
 
-#include <cstddef>
+#include <string>
 
-// `path` holds the suggested name (empty: none) and gets the chosen one. `capacity` is in characters. `directory` is
-// where the dialog starts. False when the user cancelled, and when the dialog failed (the path is too long for the
-// buffer, for example); a failure is shown to the user.
-bool AskOpenPath(wchar_t* path, std::size_t capacity, const wchar_t* directory);
-bool AskSavePath(wchar_t* path, std::size_t capacity, const wchar_t* directory);
+// `path` is the suggested name (empty: none) and becomes the chosen one. `folder` is where the dialog starts. False when
+// the user cancelled, and when the dialog failed, which the user is told.
+bool AskOpenPath(std::wstring& path, const wchar_t* folder);
+bool AskSavePath(std::wstring& path, const wchar_t* folder);

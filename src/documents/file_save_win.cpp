@@ -245,11 +245,10 @@ int SaveAsBound(DocumentId document, FileBinding binding) {
 
 // Asks for the new name. False when the user cancelled, the path does not fit, or another document has that file.
 bool AskNewPath(DocumentId document, wchar_t* out, std::size_t capacity) {
-    wchar_t chosen[kPathCapacity];
-    SafeCopyW(chosen, TabAt(TabBarFindDocument(document)).path);
+    std::wstring chosen = TabAt(TabBarFindDocument(document)).path;
     wchar_t directory[kPathCapacity] = {};
     FileOpenResolveInitialDirectory(directory, kPathCapacity);
-    if (!AskSavePath(chosen, kPathCapacity, directory) || !PathNormalizeInput(chosen, out, capacity)) return false;
+    if (!AskSavePath(chosen, directory) || !PathNormalizeInput(chosen.c_str(), out, capacity)) return false;
     const int other = TabBarFindFile(out);
     if (other >= 0 && TabAt(other).id != document) {
         ErrorMessage(L"%s is open in another tab. Close it there first, or choose another name.", out);

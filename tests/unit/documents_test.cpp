@@ -13,6 +13,7 @@
 #include "documents/save_rules.h"
 #include "documents/text_pieces.h"
 #include "files/utf16.h"
+#include "ui/path_dialog_names.h"
 
 #include <gtest/gtest.h>
 
