@@ -8,18 +8,17 @@
 #include "settings/settings_state.h"
 #include "settings/settings_store.h"
 #include "ui/chrome.h"
+#include "ui/clipboard.h"
 #include "ui/control_theme.h"
-#include "ui/dpi.h"
-#include "ui/fonts.h"
 #include "ui/paint.h"
+#include "ui/path_dialog.h"
 #include "ui/subclass.h"
 #include "ui/theme_table.h"
+#include "ui/ui_state.h"
 #include "ui/window_text.h"
 
 #include <commctrl.h>
 #include <commdlg.h>
-#include <objbase.h>
-#include <shlobj.h>
 
 #include <algorithm>
 #include <iterator>
@@ -31,13 +30,14 @@ using enum SettingControl;
 
 struct ControlMaker {
     HWND parent;
+    HFONT font;
     FormPlace place;
 
     HWND Make(const wchar_t* kind, const wchar_t* text, DWORD style, SettingsPart part, DWORD edge = 0) const {
         const auto id = IDC_SETTINGS_ITEM_FIRST + static_cast<INT_PTR>(place.item) * SETTINGS_PARTS + part;
         const HWND control = CreateWindowExW(edge, kind, text, WS_CHILD | style, 0, 0, 10, 10, parent,
                                              reinterpret_cast<HMENU>(id), g_ui.hInstance, nullptr);
-        SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
+        SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
         return control;
     }
     HWND Edit(DWORD style) const { return Make(WC_EDITW, L"", WS_TABSTOP | style, kPartField, WS_EX_CLIENTEDGE); }
@@ -45,6 +45,29 @@ struct ControlMaker {
         return Make(WC_BUTTONW, text, WS_TABSTOP | BS_NOTIFY | style, part);
     }
 };
+
+std::wstring LineOf(HWND list, int line) {
+    const LRESULT length = SendMessageW(list, LB_GETTEXTLEN, static_cast<WPARAM>(line), 0);
+    if (length <= 0) return {};
+    std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
+    SendMessageW(list, LB_GETTEXT, static_cast<WPARAM>(line), reinterpret_cast<LPARAM>(text.data()));
+    text.resize(static_cast<std::size_t>(length));
+    return text;
+}
+
+// Returns how many lines there were.
+int CopyLines(HWND list, bool onlyChosen) {
+    std::wstring text;
+    int copied = 0;
+    const int count = static_cast<int>(SendMessageW(list, LB_GETCOUNT, 0, 0));
+    for (int line = 0; line < count; ++line) {
+        if (onlyChosen && SendMessageW(list, LB_GETSEL, static_cast<WPARAM>(line), 0) <= 0) continue;
+        text += LineOf(list, line) + L"\r\n";
+        ++copied;
+    }
+    if (copied != 0) ClipboardPutText(g_ui.hMainWnd, text);
+    return copied;
+}
 
 // The wheel scrolls the page; it changes a list only while that is open.
 LRESULT CALLBACK ListWheelProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
@@ -71,14 +94,20 @@ HWND MakeList(const ControlMaker& maker, DWORD style) {
     return list;
 }
 
+// Ctrl+C takes the chosen lines.
+LRESULT CALLBACK KeyListProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
+    constexpr WPARAM kCtrlC = 3;
+    if (message != WM_CHAR || wParam != kCtrlC) return SubclassNext(list, message, wParam, lParam);
+    CopyLines(list, true);
+    return 0;
+}
+
 HWND MakeKeyList(const ControlMaker& maker) {
     const HWND list =
-        maker.Make(WC_LISTBOXW, L"", WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_USETABSTOPS | LBS_NOINTEGRALHEIGHT,
+        maker.Make(WC_LISTBOXW, L"",
+                   WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_USETABSTOPS | LBS_NOINTEGRALHEIGHT | LBS_EXTENDEDSEL,
                    kPartField, WS_EX_CLIENTEDGE);
-    const UINT tab = 220;  // dialog units of the list's font
-    SendMessageW(list, LB_SETTABSTOPS, 1, reinterpret_cast<LPARAM>(&tab));
-    for (const std::wstring& line : SettingsKeyLines())
-        SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(line.c_str()));
+    SubclassAdd(list, KeyListProc);
     return list;
 }
 
@@ -105,7 +134,9 @@ HWND MakeField(const ControlMaker& maker, const SettingItem& item, const std::ws
         case SettingsFile:
         case Exceptions: return maker.Edit(ES_AUTOHSCROLL | ES_READONLY);
         case CompilerTest:
-        case Detect: return maker.Button(label.c_str(), kPartField);
+        case Detect:
+        case ConnectionTest:
+        case CopyKeys: return maker.Button(label.c_str(), kPartField);
         case Keys: return MakeKeyList(maker);
         default: return maker.Edit(ES_AUTOHSCROLL);
     }
@@ -124,7 +155,7 @@ HWND MakeButton(const ControlMaker& maker, SettingControl control) {
 }
 
 bool HasLabel(SettingControl control) {
-    return control != Check && control != FixedFonts && control != Keys && control != CompilerTest && control != Detect;
+    return control != Check && control != FixedFonts && control != Keys && !SettingIsButton(control);
 }
 
 // --------------------------------------------------------------------------------------------------------- choosing
@@ -137,28 +168,22 @@ void PutText(SettingsDialog& dialog, FormPlace place, const std::wstring& text) 
     SettingsItemChanged(dialog, place);
 }
 
-void BrowseForFile(SettingsDialog& dialog, FormPlace place) {
+// The path as the program takes it.
+std::wstring ResolvedText(SettingsDialog& dialog, FormPlace place) {
     wchar_t path[kPathCapacity] = {};
-    OPENFILENAMEW request = {};
-    request.lStructSize = sizeof(request);
-    request.hwndOwner = dialog.window;
-    request.lpstrFilter = L"Programs (*.exe)\0*.exe\0All Files (*.*)\0*.*\0";
-    request.lpstrFile = path;
-    request.nMaxFile = static_cast<DWORD>(kPathCapacity);
-    request.Flags = OFN_HIDEREADONLY | OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST | OFN_NOCHANGEDIR;
-    if (GetOpenFileNameW(&request) != FALSE) PutText(dialog, place, path);
+    ResolveExeRelative(TextAt(dialog, place).c_str(), path, kPathCapacity);
+    return path;
+}
+
+void BrowseForFile(SettingsDialog& dialog, FormPlace place) {
+    std::wstring path = ResolvedText(dialog, place);  // the dialog starts in its folder
+    if (AskFilePath({.owner = dialog.window, .filter = L"Programs (*.exe)\0*.exe\0All Files (*.*)\0*.*\0"}, path))
+        PutText(dialog, place, path);
 }
 
 void BrowseForFolder(SettingsDialog& dialog, FormPlace place) {
-    BROWSEINFOW request = {};
-    request.hwndOwner = dialog.window;
-    request.lpszTitle = ItemAt(place).label;
-    request.ulFlags = BIF_RETURNONLYFSDIRS;
-    LPITEMIDLIST chosen = SHBrowseForFolderW(&request);
-    if (chosen == nullptr) return;  // cancelled
-    wchar_t folder[MAX_PATH] = {};
-    if (SHGetPathFromIDListW(chosen, folder) != FALSE) PutText(dialog, place, folder);
-    CoTaskMemFree(chosen);
+    std::wstring folder = ResolvedText(dialog, place);
+    if (AskFolderPath(dialog.window, ItemAt(place).label, folder)) PutText(dialog, place, folder);
 }
 
 void ChooseColour(SettingsDialog& dialog, FormPlace place) {
@@ -188,6 +213,14 @@ void ChangeExceptions(SettingsDialog& dialog, FormPlace place) {
     if (EditExceptionRules(dialog.window, rules)) PutText(dialog, place, rules);
 }
 
+void CopyKeyList(SettingsDialog& dialog, FormPlace place) {
+    for (std::size_t i = 0; i < dialog.pages[place.page].items.size(); ++i) {
+        if (ItemAt({place.page, i}).control != Keys) continue;
+        const int lines = CopyLines(WindowsAt(dialog, {place.page, i}).parts[kPartField], false);
+        SettingsNoteTell(dialog, place, L"Lines copied: " + std::to_wstring(lines) + L".", NoteKind::Good);
+    }
+}
+
 // --------------------------------------------------------------------------------------------------------- previews
 
 // The settings as they would be with the texts of the dialog.
@@ -197,7 +230,9 @@ std::unique_ptr<Settings> DraftOf(const SettingsDialog& dialog) {
     return draft;
 }
 
-int FontHeightOf(const Settings& draft) { return UiFontHeight(std::clamp(draft.fontSize, 6, 72)); }
+int FontHeightOf(const SettingsDialog& dialog, const Settings& draft) {
+    return -MulDiv(std::clamp(draft.fontSize, 6, 72), dialog.dpi, 72);
+}
 
 struct SamplePiece {
     TextRole role;
@@ -229,17 +264,17 @@ COLORREF ColourOfRole(const Settings& draft, const EditorPalette& palette, TextR
 void DrawSample(SettingsDialog& dialog, const DRAWITEMSTRUCT& draw) {
     const auto draft = DraftOf(dialog);
     const EditorPalette& palette = ThemePalette(draft->editorStylePreset, draft->theme != 0);
-    dialog.preview.Reset(CreateFontW(FontHeightOf(*draft), 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
-                                     OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, DEFAULT_PITCH,
-                                     draft->fontName));
+    dialog.preview.Reset(CreateFontW(FontHeightOf(dialog, *draft), 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE,
+                                     DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY,
+                                     DEFAULT_PITCH, draft->fontName));
     FillArea(draw.hDC, draw.rcItem, ThemeColorRef(palette.back));
     FrameArea(draw.hDC, draw.rcItem, ThemeCurrentChrome().line);
     const HGDIOBJ old = SelectObject(draw.hDC, dialog.preview.Get());
     SetBkMode(draw.hDC, TRANSPARENT);
     TEXTMETRICW metrics = {};
     GetTextMetricsW(draw.hDC, &metrics);
-    const int left = draw.rcItem.left + UiScaled(8);
-    RECT at = {left, draw.rcItem.top + UiScaled(6), draw.rcItem.right - 1, draw.rcItem.bottom - 1};
+    const int left = draw.rcItem.left + dialog.Px(8);
+    RECT at = {left, draw.rcItem.top + dialog.Px(6), draw.rcItem.right - 1, draw.rcItem.bottom - 1};
     for (const SamplePiece& piece : kSample) {
         if (piece.text == nullptr) {
             at.left = left;
@@ -265,7 +300,7 @@ void DrawColour(const SettingsDialog& dialog, FormPlace place, const DRAWITEMSTR
     FillArea(draw.hDC, area, ThemeColorRef(palette.back));
     FrameArea(draw.hDC, area,
               (draw.itemState & ODS_FOCUS) != 0 ? ThemeCurrentChrome().accent : ThemeCurrentChrome().line);
-    InflateRect(&area, -UiScaled(4), -UiScaled(4));
+    InflateRect(&area, -dialog.Px(4), -dialog.Px(4));
     FillArea(draw.hDC, area, ColourOfRole(*draft, palette, kOverriddenRoles[index]));
     if ((draw.itemState & ODS_FOCUS) != 0) DrawFocusRect(draw.hDC, &area);
 }
@@ -341,7 +376,7 @@ void SetTextIfOther(HWND control, const std::wstring& text) {
 
 void SettingsFieldMake(SettingsDialog& dialog, FormPlace place, HWND parent, const std::wstring& label) {
     const SettingItem& item = ItemAt(place);
-    const ControlMaker maker{parent, place};
+    const ControlMaker maker{parent, dialog.font.Get(), place};
     HWND* const parts = WindowsAt(dialog, place).parts;
     // In the order of the Tab key. A label gives the keyboard to the control after it.
     if (item.heading != nullptr) {
@@ -352,8 +387,26 @@ void SettingsFieldMake(SettingsDialog& dialog, FormPlace place, HWND parent, con
     parts[kPartField] = MakeField(maker, item, label);
     parts[kPartButton] = MakeButton(maker, item.control);
     parts[kPartNote] = maker.Make(WC_STATICW, item.help, SS_NOPREFIX, kPartNote);
+    SettingsFieldScale(dialog, place);
     if (item.row != nullptr) SendMessageW(parts[kPartField], EM_SETLIMITTEXT, SettingItemLongest(item), 0);
     for (HWND const part : WindowsAt(dialog, place).parts) ControlApplyTheme(part);
+}
+
+void SettingsFieldScale(SettingsDialog& dialog, FormPlace place) {
+    const HWND field = WindowsAt(dialog, place).parts[kPartField];
+    if (ItemAt(place).control != Keys) return;
+    const UINT tab = 220;  // dialog units of the list's font
+    SendMessageW(field, LB_SETTABSTOPS, 1, reinterpret_cast<LPARAM>(&tab));
+}
+
+void SettingsKeysFill(SettingsDialog& dialog, FormPlace place) {
+    const HWND list = WindowsAt(dialog, place).parts[kPartField];
+    SendMessageW(list, WM_SETREDRAW, FALSE, 0);
+    SendMessageW(list, LB_RESETCONTENT, 0, 0);
+    for (const std::wstring& line : SettingsKeysFound(dialog, place.page))
+        SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(line.c_str()));
+    SendMessageW(list, WM_SETREDRAW, TRUE, 0);
+    InvalidateRect(list, nullptr, TRUE);
 }
 
 void SettingsFieldShow(SettingsDialog& dialog, FormPlace place) {
@@ -377,6 +430,8 @@ void SettingsFieldShow(SettingsDialog& dialog, FormPlace place) {
         case FontPreview: InvalidateRect(field, nullptr, FALSE); break;
         case CompilerTest:
         case Detect:
+        case ConnectionTest:
+        case CopyKeys:
         case Keys: break;
         default: SetTextIfOther(field, text); break;
     }
@@ -403,8 +458,10 @@ void SettingsFieldPress(SettingsDialog& dialog, FormPlace place) {
         case Colour: return ChooseColour(dialog, place);
         case Secret: return ShowOrHideSecret(dialog, place);
         case Exceptions: return ChangeExceptions(dialog, place);
-        case Model: return SettingsFetchModels(dialog, place);
+        case Model: return SettingsAskService(dialog, place);
         case CompilerTest: return SettingsTestCompiler(dialog, place);
+        case ConnectionTest: return SettingsAskService(dialog, place);
+        case CopyKeys: return CopyKeyList(dialog, place);
         case Detect: return SettingsDetectCompilers(dialog, place);
         default: return;
     }

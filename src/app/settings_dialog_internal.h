@@ -5,6 +5,7 @@
 #include "base/handles.h"
 #include "base/worker.h"
 #include "resources/ids.h"
+#include "ui/scale.h"
 
 #include <windows.h>
 
@@ -38,12 +39,18 @@ struct SettingsDialog {
     std::size_t page = 0;             // the one that is shown
     std::vector<std::size_t> listed;  // the pages in the list, which match the search
     std::wstring query;
-    bool filling = false;  // controls get texts: their notifications are no changes of the user
+    std::vector<std::wstring> keyLines;  // SettingsKeyLines, once they are needed
+    bool filling = false;                // controls get texts: their notifications are no changes of the user
     bool fixedFonts = true;
-    UniqueFont bold, preview;
-    Worker look;   // for a path on the network
-    Worker test;   // runs a compiler
-    Worker fetch;  // asks a service for its models
+    int dpi = 96;        // of the monitor on which the dialog is
+    int textHeight = 1;  // of a line in `font`, in pixels
+    UniqueFont font, bold, preview;
+    Worker look;          // for a path on the network
+    Worker test;          // runs a compiler
+    Worker fetch;         // asks a service for its models
+    bool asking = false;  // and its reply has not come
+
+    int Px(int length) const { return ScaledTo(length, dpi); }  // a length at 96 dpi in pixels
 };
 
 inline const SettingItem& ItemAt(FormPlace place) { return SettingsPages()[place.page].items[place.item]; }
@@ -59,14 +66,18 @@ bool SettingsPageMake(SettingsDialog& dialog, std::size_t page);   // once; fals
 void SettingsPagePlace(SettingsDialog& dialog, std::size_t page);  // its controls, by its size and the search
 void SettingsPageReveal(SettingsDialog& dialog, FormPlace place);  // scrolls until the item is seen
 void SettingsNoteRenew(SettingsDialog& dialog, FormPlace place);
+// Of the text in the dialog's font, in pixels; broken at that width, or 0: of one line.
+SIZE SettingsTextSize(const SettingsDialog& dialog, const std::wstring& text, int width);
 COLORREF SettingsNoteColour(NoteKind kind);
 // --- settings_dialog_fields_win.cpp
 void SettingsFieldMake(SettingsDialog& dialog, FormPlace place, HWND parent, const std::wstring& label);
-void SettingsFieldShow(SettingsDialog& dialog, FormPlace place);  // the text of the form in its control
+void SettingsFieldScale(SettingsDialog& dialog, FormPlace place);  // what WM_SETFONT does not scale
+void SettingsFieldShow(SettingsDialog& dialog, FormPlace place);   // the text of the form in its control
 // `chosen`: the user has just taken a line of its list.
 std::wstring SettingsFieldText(SettingsDialog& dialog, FormPlace place, bool chosen);
 void SettingsFieldPress(SettingsDialog& dialog, FormPlace place);  // the button beside it
 void SettingsFieldDraw(SettingsDialog& dialog, FormPlace place, const DRAWITEMSTRUCT& draw);
+void SettingsKeysFill(SettingsDialog& dialog, FormPlace place);    // the list of keys, by the search
 void SettingsFontsFill(SettingsDialog& dialog, std::size_t page);  // the lists of fonts of a page
 // --- settings_dialog_tools_win.cpp
 struct PathSight {
@@ -87,12 +98,30 @@ struct ModelsReply {
     FormPlace place;
     bool fetched = false;
     unsigned status = 0;  // of HTTP; 0: no reply came
+    unsigned error = 0;   // why none came, an error of WinHTTP
     std::vector<std::wstring> names;
 };
-void SettingsFetchModels(SettingsDialog& dialog, FormPlace place);  // ends in MSG_SETTINGS_MODELS
+// Asks the service of the page for its models, for their list or only to see whether it answers; ends in
+// MSG_SETTINGS_MODELS.
+void SettingsAskService(SettingsDialog& dialog, FormPlace place);
 void SettingsOnModels(SettingsDialog& dialog, const ModelsReply& reply);
 void SettingsNoteTell(SettingsDialog& dialog, FormPlace place, const std::wstring& text, NoteKind kind);
 void SettingsDetectCompilers(SettingsDialog& dialog, FormPlace place);
-std::vector<std::wstring> SettingsKeyLines();  // "Save\tCtrl+S"
+// All commands, as "File > Save\tCtrl+S". Those of the page that match the search, or all when it means the page.
+std::vector<std::wstring> SettingsKeyLines();
+std::vector<std::wstring> SettingsKeysFound(const SettingsDialog& dialog, std::size_t page);
+// --- settings_dialog_place_win.cpp
+void SettingsScaleSet(SettingsDialog& dialog, int dpi);  // fonts and heights; places nothing
+void SettingsFramePlace(SettingsDialog& dialog);         // everything, by the size of the dialog
+void SettingsShownPagePlace(SettingsDialog& dialog);     // only the page
+void SettingsDialogPlace(const SettingsDialog& dialog);  // in the middle of its owner, no larger than the monitor
+void SettingsDialogLimit(const SettingsDialog& dialog, MINMAXINFO& info);
+void SettingsDialogRescale(SettingsDialog& dialog, int dpi, const RECT& suggested);
+// --- settings_dialog_file_win.cpp
+void SettingsDialogExport(const SettingsDialog& dialog);
+void SettingsDialogImport(SettingsDialog& dialog);
+void SettingsDialogReset(const SettingsDialog& dialog);
 // --- settings_dialog_win.cpp
 void SettingsItemChanged(SettingsDialog& dialog, FormPlace place);  // its text in the form has changed
+void SettingsShowAllTexts(SettingsDialog& dialog);                  // after the settings have changed
+void SettingsApplyEnable(const SettingsDialog& dialog);

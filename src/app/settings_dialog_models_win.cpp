@@ -1,5 +1,7 @@
-// The list of models of the settings dialog: asks the service for it on another thread. UI thread only.
+// What the settings dialog asks a service, on another thread: its list of models, or only whether it answers. UI thread
+// only.
 #include "ai/ai_api.h"
+#include "ai/ai_rules.h"
 #include "ai/ai_texts.h"
 #include "app/settings_dialog_internal.h"
 #include "base/bounded_text.h"
@@ -24,6 +26,7 @@ bool FetchFrom(const std::wstring& url, const FetchRequest& request, const Worke
     for (int i = 0; i < list.count; ++i) request.reply->names.push_back(Utf8ToWideText(list.names[i]));
     AiApiFreeModelList(&list);
     request.reply->status = extras.status;
+    request.reply->error = extras.error;
     return fetched;
 }
 
@@ -45,41 +48,65 @@ std::wstring TextOfKind(SettingsDialog& dialog, std::size_t page, SettingControl
     return {};
 }
 
+bool IsPageOfLmStudio(std::size_t page) {
+    for (const SettingItem& item : SettingsPages()[page].items)
+        if (item.row != nullptr && item.row->offset == offsetof(Settings, lmStudioUrl)) return true;
+    return false;
+}
+
+// The list drops the names; what is typed or chosen in its field stays.
+void FillModelList(SettingsDialog& dialog, FormPlace place, const std::vector<std::wstring>& names) {
+    const HWND list = WindowsAt(dialog, place).parts[kPartField];
+    const std::wstring text = TextAt(dialog, place);
+    std::size_t bytes = 0;
+    for (const std::wstring& name : names) bytes += (name.size() + 1) * sizeof(wchar_t);
+    dialog.filling = true;
+    SendMessageW(list, WM_SETREDRAW, FALSE, 0);
+    SendMessageW(list, CB_RESETCONTENT, 0, 0);
+    SendMessageW(list, CB_INITSTORAGE, names.size(), static_cast<LPARAM>(bytes));
+    for (const std::wstring& name : names) SendMessageW(list, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name.c_str()));
+    SendMessageW(list, WM_SETREDRAW, TRUE, 0);
+    SetWindowTextW(list, text.c_str());
+    InvalidateRect(list, nullptr, TRUE);
+    dialog.filling = false;
+}
+
+std::wstring ProblemOf(const ModelsReply& reply, bool onlyTest, AiService service) {
+    constexpr unsigned kUnauthorised = 401;
+    if (onlyTest)
+        return AiEndText(
+            service, 0,
+            {.outcome = AiOutcome::Failed, .httpStatus = reply.status, .error = reply.error, .serviceText = {}});
+    return reply.status == kUnauthorised ? L"401: API key required" : L"Failed to fetch models. Check URL and API key.";
+}
+
 }  // namespace
 
-void SettingsFetchModels(SettingsDialog& dialog, FormPlace place) {
-    if (!WorkerWait(dialog.fetch, 0)) return;
-    const bool local = ItemAt(place).row->offset == offsetof(Settings, lmStudioModel);
+void SettingsAskService(SettingsDialog& dialog, FormPlace place) {
+    if (dialog.asking) return SettingsNoteTell(dialog, place, L"Another question is still on its way.", NoteKind::Help);
     FetchRequest request{.dialog = dialog.window,
                          .url = TextOfKind(dialog, place.page, SettingControl::Url),
                          .key = TextOfKind(dialog, place.page, SettingControl::Secret),
-                         .filter = !local,
+                         .filter = !IsPageOfLmStudio(place.page),
                          .reply = std::make_unique<ModelsReply>()};
     request.reply->place = place;
     SettingsNoteTell(dialog, place, L"Asking the service...", NoteKind::Help);
+    dialog.asking = true;
     dialog.fetch = WorkerStart<FetchModels>(std::move(request));
     if (!dialog.fetch) SettingsOnModels(dialog, {.place = place, .names = {}});
 }
 
 void SettingsOnModels(SettingsDialog& dialog, const ModelsReply& reply) {
-    constexpr unsigned kUnauthorised = 401;
-    if (!reply.fetched)
-        return SettingsNoteTell(dialog, reply.place,
-                                reply.status == kUnauthorised ? L"401: API key required"
-                                                              : L"Failed to fetch models. Check URL and API key.",
-                                NoteKind::Bad);
-    const HWND list = WindowsAt(dialog, reply.place).parts[kPartField];
-    const std::wstring text = TextAt(dialog, reply.place);
-    dialog.filling = true;
-    SendMessageW(list, WM_SETREDRAW, FALSE, 0);
-    SendMessageW(list, CB_RESETCONTENT, 0, 0);
-    for (const std::wstring& name : reply.names)
-        SendMessageW(list, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name.c_str()));
-    SendMessageW(list, WM_SETREDRAW, TRUE, 0);
-    SetWindowTextW(list, text.c_str());
-    InvalidateRect(list, nullptr, TRUE);
-    dialog.filling = false;
+    const bool onlyTest = ItemAt(reply.place).control == SettingControl::ConnectionTest;
+    dialog.asking = false;
+    if (!reply.fetched) {
+        const AiService service = IsPageOfLmStudio(reply.place.page) ? AiService::LmStudio : AiService::OpenAi;
+        return SettingsNoteTell(dialog, reply.place, ProblemOf(reply, onlyTest, service), NoteKind::Bad);
+    }
+    const std::wstring count = std::to_wstring(reply.names.size());
+    if (!onlyTest) FillModelList(dialog, reply.place, reply.names);
     SettingsNoteTell(dialog, reply.place,
-                     L"The service answers. Models in the list: " + std::to_wstring(reply.names.size()) + L".",
+                     onlyTest ? L"The service answers. It offers models: " + count + L"."
+                              : L"The service answers. Models in the list: " + count + L".",
                      NoteKind::Good);
 }

@@ -4,9 +4,8 @@
 
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
-#include "ui/dpi.h"
-#include "ui/fonts.h"
 #include "ui/form_layout.h"
+#include "ui/ui_state.h"
 #include "ui/window_text.h"
 
 #include <algorithm>
@@ -36,24 +35,12 @@ FormField FieldOf(SettingControl control) {
         case SettingControl::FontPreview:
         case SettingControl::CommandPreview: return FormField::Tall;
         case SettingControl::Keys: return FormField::Fill;
-        case SettingControl::CompilerTest:
-        case SettingControl::Detect: return FormField::Button;
-        default: return FormField::Long;
+        default: return SettingIsButton(control) ? FormField::Button : FormField::Long;
     }
 }
 
 bool IsList(SettingControl control) {
     return control == SettingControl::Choice || control == SettingControl::Font || control == SettingControl::Model;
-}
-
-int HeightOfText(HWND window, const std::wstring& text, int width) {
-    const HDC dc = GetDC(window);
-    const HGDIOBJ old = SelectObject(dc, UiFont());
-    RECT area = {0, 0, width, 0};
-    DrawTextW(dc, text.c_str(), -1, &area, DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
-    SelectObject(dc, old);
-    ReleaseDC(window, dc);
-    return area.bottom;
 }
 
 std::wstring NoteText(SettingsDialog& dialog, FormPlace place, NoteKind* kind) {
@@ -80,10 +67,10 @@ FormPlan PlanOf(SettingsDialog& dialog, std::size_t page, SIZE room) {
                         .hasNote = !WindowText(target.items[i].parts[kPartNote]).empty()});
     }
     const auto noteHeight = [&](std::size_t row, int width) {
-        return HeightOfText(target.window, WindowText(target.items[row].parts[kPartNote]), width);
+        return static_cast<int>(SettingsTextSize(dialog, WindowText(target.items[row].parts[kPartNote]), width).cy);
     };
     const auto plan = [&](int width) {
-        return FormLayout(rows, {width, room.cy, g_ui.dpi, UiSizes().textHeight}, noteHeight);
+        return FormLayout(rows, {width, room.cy, dialog.dpi, dialog.textHeight}, noteHeight);
     };
     FormPlan whole = plan(room.cx);
     return whole.height <= room.cy ? whole : plan(room.cx - GetSystemMetrics(SM_CXVSCROLL));
@@ -114,7 +101,7 @@ void OnPageScroll(SettingsDialog& dialog, std::size_t page, int request) {
     PageWindow& target = dialog.pages[page];
     SCROLLINFO info = {.cbSize = sizeof(SCROLLINFO), .fMask = SIF_ALL};
     GetScrollInfo(target.window, SB_VERT, &info);
-    const int line = UiScaled(30);
+    const int line = dialog.Px(30);
     switch (request) {
         case SB_LINEUP: return ScrollPage(dialog, page, target.scroll - line);
         case SB_LINEDOWN: return ScrollPage(dialog, page, target.scroll + line);
@@ -128,8 +115,7 @@ void OnPageScroll(SettingsDialog& dialog, std::size_t page, int request) {
 
 void OnItemCommand(SettingsDialog& dialog, FormPlace place, int part, int notification) {
     const SettingItem& item = ItemAt(place);
-    const bool isButton =
-        part == kPartButton || item.control == SettingControl::CompilerTest || item.control == SettingControl::Detect;
+    const bool isButton = part == kPartButton || SettingIsButton(item.control);
     const bool isCheck = item.control == SettingControl::Check || item.control == SettingControl::FixedFonts;
     const bool focused =
         isButton || isCheck ? notification == BN_SETFOCUS : notification == EN_SETFOCUS || notification == CBN_SETFOCUS;
@@ -168,7 +154,7 @@ LRESULT CALLBACK SettingsPageProc(HWND window, UINT message, WPARAM wParam, LPAR
         case WM_VSCROLL: OnPageScroll(*dialog, page, LOWORD(wParam)); return 0;
         case WM_MOUSEWHEEL:
             ScrollPage(*dialog, page,
-                       dialog->pages[page].scroll - GET_WHEEL_DELTA_WPARAM(wParam) * UiScaled(60) / WHEEL_DELTA);
+                       dialog->pages[page].scroll - GET_WHEEL_DELTA_WPARAM(wParam) * dialog->Px(60) / WHEEL_DELTA);
             return 0;
         case WM_CTLCOLORSTATIC:
         case WM_CTLCOLORBTN:
@@ -208,6 +194,17 @@ COLORREF SettingsNoteColour(NoteKind kind) {
         case NoteKind::Bad: return chrome.error;
         default: return ThemeQuietText();
     }
+}
+
+SIZE SettingsTextSize(const SettingsDialog& dialog, const std::wstring& text, int width) {
+    const HDC dc = GetDC(dialog.window);
+    const HGDIOBJ old = SelectObject(dc, dialog.font.Get());
+    RECT area = {0, 0, width, 0};
+    DrawTextW(dc, text.c_str(), -1, &area,
+              DT_CALCRECT | DT_NOPREFIX | static_cast<UINT>(width > 0 ? DT_WORDBREAK : DT_SINGLELINE));
+    SelectObject(dc, old);
+    ReleaseDC(dialog.window, dc);
+    return {area.right, area.bottom};
 }
 
 bool SettingsPageMake(SettingsDialog& dialog, std::size_t page) {
@@ -253,7 +250,7 @@ void SettingsPagePlace(SettingsDialog& dialog, std::size_t page) {
         PlacePart(moves, parts[kPartLabel], at.label, target.scroll);
         // The list of a combo box drops below it; its height counts as the window's.
         FormRect field = at.field;
-        if (IsList(ItemAt({page, i}).control) && field.right > field.left) field.bottom += UiScaled(240);
+        if (IsList(ItemAt({page, i}).control) && field.right > field.left) field.bottom += dialog.Px(240);
         PlacePart(moves, parts[kPartField], field, target.scroll);
         PlacePart(moves, parts[kPartButton], at.button, target.scroll);
         PlacePart(moves, parts[kPartNote], at.note, target.scroll);
@@ -289,8 +286,8 @@ void SettingsPageReveal(SettingsDialog& dialog, FormPlace place) {
     RECT client = {};
     GetClientRect(target.window, &client);
     ScrollPage(dialog, place.page,
-               FormScrollTo(target.scroll, target.scroll + seen.top - UiScaled(6),
-                            target.scroll + seen.bottom + UiScaled(6), client.bottom, target.height));
+               FormScrollTo(target.scroll, target.scroll + seen.top - dialog.Px(6),
+                            target.scroll + seen.bottom + dialog.Px(6), client.bottom, target.height));
 }
 
 void SettingsNoteRenew(SettingsDialog& dialog, FormPlace place) {

@@ -113,6 +113,12 @@ std::wstring KeysOf(UINT command, std::wstring keys) {
     return keys;
 }
 
+// Not a recent file or session, nor the line that stands there for none.
+bool IsListed(UINT command) {
+    const CommandRow* const row = FindCommand(static_cast<int>(command));
+    return row != nullptr && row->place == CommandPlace::Menu && row->needs != kNever;
+}
+
 void AddMenuKeys(HMENU menu, const std::wstring& path, std::vector<std::wstring>& lines) {
     for (int i = 0; i < GetMenuItemCount(menu); ++i) {
         wchar_t text[128] = {};
@@ -122,8 +128,8 @@ void AddMenuKeys(HMENU menu, const std::wstring& path, std::vector<std::wstring>
         while (name.ends_with(L'.')) name.pop_back();
         if (const HMENU submenu = GetSubMenu(menu, i); submenu != nullptr)
             AddMenuKeys(submenu, path + name + L" > ", lines);
-        else if (const std::wstring keys = KeysOf(GetMenuItemID(menu, i), item.key); !keys.empty())
-            lines.push_back(path + name + L"\t" + keys);
+        else if (const UINT command = GetMenuItemID(menu, i); IsListed(command))
+            lines.push_back(path + name + L"\t" + KeysOf(command, item.key));
     }
 }
 
@@ -206,5 +212,13 @@ void SettingsDetectCompilers(SettingsDialog& dialog, FormPlace place) {
 std::vector<std::wstring> SettingsKeyLines() {
     std::vector<std::wstring> lines;
     AddMenuKeys(GetMenu(g_ui.hMainWnd), L"", lines);
+    lines.push_back(L"Toolbar > Buttons without room\t" + KeysOf(IDM_TOOLBAR_MORE, L""));
     return lines;
+}
+
+std::vector<std::wstring> SettingsKeysFound(const SettingsDialog& dialog, std::size_t page) {
+    for (const SettingItem& item : SettingsPages()[page].items)
+        if (item.control == SettingControl::Keys && SettingItemMatches(SettingsPages()[page], item, dialog.query))
+            return dialog.keyLines;
+    return LinesFound(dialog.keyLines, dialog.query);
 }

@@ -2,35 +2,19 @@
 #include "app/settings_dialog.h"
 
 #include "app/settings_dialog_internal.h"
-#include "base/bounded_text.h"
 #include "base/log.h"
 #include "settings/settings_state.h"
 #include "settings/settings_store.h"
-#include "ui/chrome.h"
-#include "ui/control_theme.h"
 #include "ui/dialog_theme.h"
-#include "ui/dpi.h"
-#include "ui/fonts.h"
 #include "ui/message.h"
-#include "ui/paint.h"
-#include "ui/redraw.h"
+#include "ui/ui_state.h"
 #include "ui/window_text.h"
 
-#include <commdlg.h>
-
 #include <algorithm>
-#include <iterator>
 #include <memory>
 
 namespace {
 
-// Lengths at 96 dpi.
-constexpr int kWidth = 800, kHeight = 600;
-constexpr int kLeastWidth = 620, kLeastHeight = 400;
-constexpr int kGap = 10;
-constexpr int kListWidth = 160;
-constexpr int kButtonWidth = 84, kButtonHeight = 26;
-constexpr int kSearchHeight = 23;
 constexpr DWORD kEndMs = 500;  // that a worker gets at the end
 
 HWND g_openDialog = nullptr;
@@ -40,87 +24,26 @@ SettingsDialog& DialogOf(HWND window) {
     return *reinterpret_cast<SettingsDialog*>(GetWindowLongPtrW(window, DWLP_USER));
 }
 
-// ----------------------------------------------------------------------------------------------------------- layout
-
-void Place(HWND dialog, int id, int left, int top, int width, int height) {
-    SetWindowPos(GetDlgItem(dialog, id), nullptr, left, top, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
-void PlacePage(SettingsDialog& dialog) {
-    RECT client = {};
-    GetClientRect(dialog.window, &client);
-    const int gap = UiScaled(kGap);
-    const int left = gap + UiScaled(kListWidth) + gap;
-    const int bottom = client.bottom - 2 * gap - UiScaled(kButtonHeight);
-    const HWND page = dialog.pages[dialog.page].window;
-    const bool none = dialog.listed.empty();
-    Place(dialog.window, IDC_SETTINGS_NOTHING, left + gap, gap, client.right - left - 2 * gap, UiSizes().textHeight);
-    ShowWindow(GetDlgItem(dialog.window, IDC_SETTINGS_NOTHING), none ? SW_SHOW : SW_HIDE);
-    SetWindowPos(page, nullptr, left, gap / 2, client.right - left, bottom - gap / 2, SWP_NOZORDER | SWP_NOACTIVATE);
-    SettingsPagePlace(dialog, dialog.page);
-    ShowWindow(page, none ? SW_HIDE : SW_SHOW);
-}
-
-void PlaceFrame(SettingsDialog& dialog) {
-    RECT client = {};
-    GetClientRect(dialog.window, &client);
-    const int gap = UiScaled(kGap), width = UiScaled(kButtonWidth), height = UiScaled(kButtonHeight);
-    const int label = UiTextWidth(L"Search:", 7) + UiScaled(6), search = UiScaled(kSearchHeight);
-    const int list = UiScaled(kListWidth), bottom = client.bottom - gap - height;
-    Place(dialog.window, IDC_SETTINGS_SEARCH_LABEL, gap, gap + (search - UiSizes().textHeight) / 2, label,
-          UiSizes().textHeight);
-    Place(dialog.window, IDC_SETTINGS_SEARCH, gap + label, gap, list - label, search);
-    Place(dialog.window, IDC_SETTINGS_PAGES, gap, gap + search + gap, list, bottom - 3 * gap - search);
-    int left = gap;
-    for (const int id : {IDC_SETTINGS_EXPORT, IDC_SETTINGS_IMPORT, IDC_SETTINGS_RESET}) {
-        Place(dialog.window, id, left, bottom, width, height);
-        left += width + UiScaled(6);
-    }
-    left = client.right - gap - width;
-    for (const int id : {IDC_SETTINGS_APPLY, IDCANCEL, IDOK}) {
-        Place(dialog.window, id, left, bottom, width, height);
-        left -= width + UiScaled(6);
-    }
-    PlacePage(dialog);
-    InvalidateRect(dialog.window, nullptr, TRUE);
-}
-
-// In the middle of its owner, on the owner's monitor, no larger than that.
-RECT WorkAreaOf(HWND window) {
-    MONITORINFO monitor = {};
-    monitor.cbSize = sizeof(monitor);
-    GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor);
-    return monitor.rcWork;
-}
-
-void PlaceDialog(HWND window) {
-    const HWND owner = GetWindow(window, GW_OWNER);
-    RECT frame = {};
-    GetWindowRect(owner, &frame);
-    const RECT work = WorkAreaOf(owner);
-    const int width = std::min<int>(UiScaled(kWidth), work.right - work.left);
-    const int height = std::min<int>(UiScaled(kHeight), work.bottom - work.top);
-    const int left = std::clamp<int>((frame.left + frame.right - width) / 2, work.left, work.right - width);
-    const int top = std::clamp<int>((frame.top + frame.bottom - height) / 2, work.top, work.bottom - height);
-    SetWindowPos(window, nullptr, left, top, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
-// At a large scaling the least size may be more than the screen has.
-void LimitSize(HWND window, MINMAXINFO& info) {
-    const RECT work = WorkAreaOf(GetWindow(window, GW_OWNER));
-    info.ptMinTrackSize = {std::min<LONG>(UiScaled(kLeastWidth), work.right - work.left),
-                           std::min<LONG>(UiScaled(kLeastHeight), work.bottom - work.top)};
-}
-
 // ------------------------------------------------------------------------------------------------------------ pages
 
 HWND PageList(const SettingsDialog& dialog) { return GetDlgItem(dialog.window, IDC_SETTINGS_PAGES); }
 
+// The list of keys also matches by its lines, and its button goes with it.
+bool MatchesByKeys(const SettingsDialog& dialog, std::size_t page) {
+    const auto isKeys = [](const SettingItem& item) { return item.control == SettingControl::Keys; };
+    return std::ranges::any_of(SettingsPages()[page].items, isKeys) && !SettingsKeysFound(dialog, page).empty();
+}
+
 void MarkMatches(SettingsDialog& dialog) {
     const SettingsPage& page = SettingsPages()[dialog.page];
     PageWindow& target = dialog.pages[dialog.page];
-    for (std::size_t i = 0; i < target.items.size(); ++i)
-        target.items[i].shown = SettingItemMatches(page, page.items[i], dialog.query);
+    const bool byKeys = MatchesByKeys(dialog, dialog.page);
+    for (std::size_t i = 0; i < target.items.size(); ++i) {
+        const SettingControl control = page.items[i].control;
+        const bool ofKeys = control == SettingControl::Keys || control == SettingControl::CopyKeys;
+        target.items[i].shown = ofKeys ? byKeys : SettingItemMatches(page, page.items[i], dialog.query);
+        if (control == SettingControl::Keys) SettingsKeysFill(dialog, {dialog.page, i});
+    }
 }
 
 void LookForPaths(SettingsDialog& dialog, std::size_t page) {
@@ -140,9 +63,10 @@ void ShowPage(SettingsDialog& dialog, std::size_t page) {
     if (page != dialog.page && dialog.pages[dialog.page].window != nullptr)
         ShowWindow(dialog.pages[dialog.page].window, SW_HIDE);
     dialog.page = page;
+    if (dialog.keyLines.empty() && page + 1 == dialog.pages.size()) dialog.keyLines = SettingsKeyLines();
     if (isNew) LookForPaths(dialog, page);
     MarkMatches(dialog);
-    PlacePage(dialog);
+    SettingsShownPagePlace(dialog);
 }
 
 // Fills the list with the pages that match the search, and shows the one from before if it is among them.
@@ -152,12 +76,12 @@ void ListPages(SettingsDialog& dialog) {
     dialog.listed.clear();
     SendMessageW(list, LB_RESETCONTENT, 0, 0);
     for (std::size_t i = 0; i < pages.size(); ++i) {
-        if (!SettingsPageMatches(pages[i], dialog.query)) continue;
+        if (!SettingsPageMatches(pages[i], dialog.query) && !MatchesByKeys(dialog, i)) continue;
         const std::wstring name = std::wstring(pages[i].compiler != kNoCompiler ? L"      " : L"") + pages[i].title;
         SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name.c_str()));
         dialog.listed.push_back(i);
     }
-    if (dialog.listed.empty()) return PlacePage(dialog);
+    if (dialog.listed.empty()) return SettingsShownPagePlace(dialog);
     auto chosen = std::ranges::find(dialog.listed, dialog.page);
     if (chosen == dialog.listed.end()) chosen = dialog.listed.begin();
     SendMessageW(list, LB_SETCURSEL, static_cast<WPARAM>(chosen - dialog.listed.begin()), 0);
@@ -202,7 +126,9 @@ void GoToItem(SettingsDialog& dialog, FormPlace place) {
     SendMessageW(dialog.window, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(field), TRUE);
 }
 
-void ShowAllTexts(SettingsDialog& dialog) {
+}  // namespace
+
+void SettingsShowAllTexts(SettingsDialog& dialog) {
     dialog.filling = true;
     for (std::size_t page = 0; page < dialog.pages.size(); ++page)
         for (std::size_t i = 0; i < dialog.pages[page].items.size(); ++i) SettingsFieldShow(dialog, {page, i});
@@ -213,7 +139,7 @@ void ShowAllTexts(SettingsDialog& dialog) {
     }
 }
 
-void EnableApply(const SettingsDialog& dialog) {
+void SettingsApplyEnable(const SettingsDialog& dialog) {
     const HWND apply = GetDlgItem(dialog.window, IDC_SETTINGS_APPLY);
     const bool edited = FormIsEdited(dialog.form);
     // A window that is disabled keeps the keyboard, and takes no key.
@@ -221,6 +147,8 @@ void EnableApply(const SettingsDialog& dialog) {
         SendMessageW(dialog.window, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(dialog.window, IDOK)), TRUE);
     EnableWindow(apply, edited ? TRUE : FALSE);
 }
+
+namespace {
 
 // ---------------------------------------------------------------------------------------------------------- buttons
 
@@ -241,64 +169,9 @@ bool ApplySettings(SettingsDialog& dialog) {
             L"The settings are in force, but the settings file could not be written. They last until the editor "
             L"closes.");
     dialog.form = FormOf(g_settings);
-    ShowAllTexts(dialog);
-    EnableApply(dialog);
+    SettingsShowAllTexts(dialog);
+    SettingsApplyEnable(dialog);
     return true;
-}
-
-bool AskIniPath(const SettingsDialog& dialog, bool save, wchar_t (&path)[kPathCapacity]) {
-    OPENFILENAMEW request = {};
-    request.lStructSize = sizeof(request);
-    request.hwndOwner = dialog.window;
-    request.lpstrFilter = L"INI Files (*.ini)\0*.ini\0";
-    request.lpstrFile = path;
-    request.nMaxFile = static_cast<DWORD>(std::size(path));
-    request.lpstrDefExt = L"ini";
-    request.Flags = OFN_HIDEREADONLY | OFN_PATHMUSTEXIST | OFN_NOCHANGEDIR |
-                    (save ? OFN_OVERWRITEPROMPT : static_cast<DWORD>(OFN_FILEMUSTEXIST));
-    return (save ? GetSaveFileNameW(&request) : GetOpenFileNameW(&request)) != FALSE;
-}
-
-void ExportSettings(const SettingsDialog& dialog) {
-    wchar_t path[kPathCapacity] = {};
-    if (!AskIniPath(dialog, true, path)) return;
-    SettingsSave(nullptr);  // the file that is copied may lack what has changed without a save
-    if (!SettingsExport(path)) return TellUser(L"Export", L"Export failed.", AskIcon::Error);
-    std::wstring text = L"Settings exported successfully.";
-    if (g_settings.openAIKey[0] != L'\0' || g_settings.lmStudioKey[0] != L'\0')
-        text += L"\n\nThe file holds the AI keys, protected: only this Windows account can read them.";
-    if (FormIsEdited(dialog.form)) text += L"\n\nWhat was changed here and not applied yet is not in it.";
-    TellUser(L"Export", text.c_str(), AskIcon::Information);
-}
-
-void ImportSettings(SettingsDialog& dialog) {
-    constexpr std::size_t kMostNamed = 12;
-    wchar_t path[kPathCapacity] = {};
-    if (!AskIniPath(dialog, false, path)) return;
-    std::vector<std::wstring> strange;
-    if (!SettingsImport(path, &strange)) return TellUser(L"Import", L"Import failed.", AskIcon::Error);
-    FormRenew(dialog.form, g_settings);
-    ShowAllTexts(dialog);
-    EnableApply(dialog);
-    std::wstring text = L"Settings imported successfully. Restart dialog to see changes.";
-    if (!strange.empty()) text += L"\n\nNot understood, so your own settings stay:";
-    for (std::size_t i = 0; i < std::min(strange.size(), kMostNamed); ++i) text += L"\n" + strange[i].substr(0, 80);
-    if (strange.size() > kMostNamed) text += L"\nand " + std::to_wstring(strange.size() - kMostNamed) + L" more";
-    TellUser(L"Import", text.c_str(), strange.empty() ? AskIcon::Information : AskIcon::Warning);
-}
-
-void ResetSettings(const SettingsDialog& dialog) {
-    if (AskUser({.caption = L"Reset All Settings",
-                 .text = L"Reset ALL settings to factory defaults?\n\nThis will clear all compiler paths, AI keys, and "
-                         L"preferences.",
-                 .buttons = AskButtons::YesNo,
-                 .icon = AskIcon::Warning,
-                 .inSelftest = Answer::No,
-                 .enterIsNo = true}) != Answer::Yes)
-        return;
-    SettingsResetAll();
-    EndDialog(dialog.window, IDOK);
-    TellUser(L"Reset Complete", L"Settings reset. Please restart the editor.", AskIcon::Information);
 }
 
 // Esc in the search, and Enter there, mean the search first.
@@ -321,15 +194,16 @@ void OnSettingsCommand(SettingsDialog& dialog, int id, int notification) {
         case IDC_SETTINGS_SEARCH:
             if (notification != EN_CHANGE) break;
             dialog.query = WindowText(GetDlgItem(dialog.window, id));
+            if (dialog.keyLines.empty()) dialog.keyLines = SettingsKeyLines();
             ListPages(dialog);
             break;
         case IDC_SETTINGS_PAGES:
             if (notification == LBN_SELCHANGE) ShowListed(dialog);
             break;
         case IDC_SETTINGS_APPLY: ApplySettings(dialog); break;
-        case IDC_SETTINGS_EXPORT: ExportSettings(dialog); break;
-        case IDC_SETTINGS_IMPORT: ImportSettings(dialog); break;
-        case IDC_SETTINGS_RESET: ResetSettings(dialog); break;
+        case IDC_SETTINGS_EXPORT: SettingsDialogExport(dialog); break;
+        case IDC_SETTINGS_IMPORT: SettingsDialogImport(dialog); break;
+        case IDC_SETTINGS_RESET: SettingsDialogReset(dialog); break;
         case IDOK:
             if (!SearchTakes(dialog, IDOK) && ApplySettings(dialog)) EndDialog(dialog.window, IDOK);
             break;
@@ -345,21 +219,15 @@ void OnSettingsCommand(SettingsDialog& dialog, int id, int notification) {
 void OpenSettings(HWND window, SettingsDialog& dialog) {
     SetWindowLongPtrW(window, DWLP_USER, reinterpret_cast<LONG_PTR>(&dialog));
     dialog.window = window;
-    LOGFONTW font = {};
-    GetObjectW(UiFont(), sizeof(font), &font);
-    font.lfWeight = FW_BOLD;
-    dialog.bold.Reset(CreateFontIndirectW(&font));
-    for (HWND child = GetWindow(window, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT))
-        SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
-    SendMessageW(PageList(dialog), LB_SETITEMHEIGHT, 0, UiSizes().textHeight + UiScaled(5));
+    SettingsScaleSet(dialog, g_ui.dpi);
     // Without one a dialog whose size can change shows an icon of the system.
     const HANDLE icon = LoadImageW(g_ui.hInstance, MAKEINTRESOURCEW(IDI_APP), IMAGE_ICON, GetSystemMetrics(SM_CXSMICON),
                                    GetSystemMetrics(SM_CYSMICON), LR_SHARED);
     SendMessageW(window, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(icon));
     DialogApplyTheme(window);
-    PlaceDialog(window);
+    SettingsDialogPlace(dialog);
     ListPages(dialog);
-    PlaceFrame(dialog);
+    SettingsFramePlace(dialog);
     SetFocus(PageList(dialog));
 }
 
@@ -396,8 +264,11 @@ INT_PTR CALLBACK SettingsDlgProc(HWND window, UINT message, WPARAM wParam, LPARA
     SettingsDialog& dialog = DialogOf(window);
     switch (message) {
         case WM_COMMAND: OnSettingsCommand(dialog, LOWORD(wParam), HIWORD(wParam)); return TRUE;
-        case WM_SIZE: PlaceFrame(dialog); return TRUE;
-        case WM_GETMINMAXINFO: LimitSize(window, *reinterpret_cast<MINMAXINFO*>(lParam)); return TRUE;
+        case WM_SIZE: SettingsFramePlace(dialog); return TRUE;
+        case WM_GETMINMAXINFO: SettingsDialogLimit(dialog, *reinterpret_cast<MINMAXINFO*>(lParam)); return TRUE;
+        case WM_DPICHANGED:  // TRUE keeps the system from scaling the controls once more
+            SettingsDialogRescale(dialog, HIWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
+            return TRUE;
         case WM_CLOSE:  // the caption's X, which unlike Esc never means the search
             EndDialog(window, IDCANCEL);
             return TRUE;
@@ -438,7 +309,7 @@ void SettingsItemChanged(SettingsDialog& dialog, FormPlace place) {
     if (changed.control == SettingControl::File || changed.control == SettingControl::Folder)
         SettingsLookForPath(dialog, place);
     SettingsNoteRenew(dialog, place);
-    EnableApply(dialog);
+    SettingsApplyEnable(dialog);
 }
 
 void SettingsDialogShow(HWND owner) {
@@ -451,6 +322,8 @@ void SettingsDialogShow(HWND owner) {
                           .page = g_lastPage,
                           .listed = {},
                           .query = {},
+                          .keyLines = {},
+                          .font = {},
                           .bold = {},
                           .preview = {},
                           .look = {},

@@ -77,6 +77,16 @@ bool Holds(std::wstring_view text, std::wstring_view word) {
     return std::search(text.begin(), text.end(), word.begin(), word.end(), same) != text.end();
 }
 
+template <typename Test>
+bool EveryWord(std::wstring_view query, Test test) {
+    for (query = Trimmed(query); !query.empty(); query = Trimmed(query)) {
+        const std::wstring_view word = query.substr(0, query.find(L' '));
+        if (!test(word)) return false;
+        query.remove_prefix(word.size());
+    }
+    return true;
+}
+
 template <typename Visit>
 void ForEachPlace(Visit visit) {
     const std::vector<SettingsPage>& pages = SettingsPages();
@@ -149,16 +159,20 @@ std::size_t SettingItemLongest(const SettingItem& item) {
 }
 
 bool SettingItemMatches(const SettingsPage& page, const SettingItem& item, std::wstring_view query) {
-    while (!Trimmed(query).empty()) {
-        query = Trimmed(query);
-        const std::wstring_view word = query.substr(0, query.find(L' '));
-        query.remove_prefix(word.size());
-        bool found = Holds(page.title, word) || Holds(item.label, word) || Holds(item.help, word) ||
-                     (item.row != nullptr && Holds(item.row->key, word));
-        for (const wchar_t* const choice : item.choices) found = found || Holds(choice, word);
-        if (!found) return false;
-    }
-    return true;
+    return EveryWord(
+        query,
+        [&](std::wstring_view word) {
+            const auto holds = [&](const wchar_t* text) { return Holds(text, word); };
+            return holds(page.title) || holds(item.label) || holds(item.help) ||
+                   (item.row != nullptr && holds(item.row->key)) || std::ranges::any_of(item.choices, holds);
+        });
+}
+
+std::vector<std::wstring> LinesFound(const std::vector<std::wstring>& lines, std::wstring_view query) {
+    std::vector<std::wstring> found;
+    for (const std::wstring& line : lines)
+        if (EveryWord(query, [&](std::wstring_view word) { return Holds(line, word); })) found.push_back(line);
+    return found;
 }
 
 bool SettingsPageMatches(const SettingsPage& page, std::wstring_view query) {

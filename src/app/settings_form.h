@@ -21,6 +21,8 @@ std::size_t SettingItemLongest(const SettingItem& item);
 // Whether all words of the query are in the page's title or in the item's texts and key. Letter case does not count. An
 // empty query matches everything.
 bool SettingItemMatches(const SettingsPage& page, const SettingItem& item, std::wstring_view query);
+// The lines that hold all words of the query.
+std::vector<std::wstring> LinesFound(const std::vector<std::wstring>& lines, std::wstring_view query);
 bool SettingsPageMatches(const SettingsPage& page, std::wstring_view query);  // any of its items
 
 // The texts by page and item.

@@ -147,6 +147,8 @@ constexpr Line kOpenAiLines[] = {
     {FIELD(openAIEnabled), Check, L"Use OpenAI"},
     {FIELD(openAIUrl), Url, L"Address", L"Of chat completions, with http:// or https:// in front.", L"Connection"},
     {FIELD(openAIKey), Secret, L"Key", L"On the disk only this Windows account can read it."},
+    {kNone, ConnectionTest, L"Test Connection",
+     L"Asks the service whether it answers, with the address and the key above."},
     {FIELD(openAICodeModel), Model, L"Model",
      L"Fetch asks the service which models it has, with the address and the key above.", L"Models"},
     {FIELD(openAITranscriptionModel), Model, L"Transcription model", L"For what is spoken."},
@@ -157,6 +159,8 @@ constexpr Line kLmStudioLines[] = {
     {FIELD(lmStudioUrl), Url, L"Address", L"Of chat completions, with http:// or https:// in front.", L"Connection"},
     {FIELD(lmStudioKey), Secret, L"Key",
      L"Most local servers need none. On the disk only this Windows account can read it."},
+    {kNone, ConnectionTest, L"Test Connection",
+     L"Asks the service whether it answers, with the address and the key above."},
     {FIELD(lmStudioModel), Model, L"Model",
      L"Fetch asks the service which models it has, with the address and the key above.", L"Models"},
 };
@@ -168,7 +172,10 @@ constexpr Line kProjectLines[] = {
 };
 
 constexpr Line kKeyLines[] = {
-    {kNone, Keys, L"Keys", L"The keys are fixed. What an editor does with a key is not listed."},
+    {kNone, CopyKeys, L"Copy List",
+     L"Copies the lines that are listed, each a command and its keys. The search above finds commands and keys, too."},
+    {kNone, Keys, L"Keys",
+     L"The keys are fixed. What an editor does with a key is not listed. Ctrl+C copies the chosen lines."},
 };
 
 #define OWN(name) offsetof(CompilerSettings, name)

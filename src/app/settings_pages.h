@@ -29,11 +29,19 @@ enum class SettingControl : std::uint8_t {
     FixedFonts,   // a mark: the lists of fonts have only those of fixed pitch
     FontPreview,  // a text in the font and colours that are chosen
     CommandPreview,
-    CompilerTest,  // runs the compiler
-    Detect,        // searches for the compilers
-    SettingsFile,  // where the settings are kept
-    Keys,          // the list of all keys
+    CompilerTest,    // runs the compiler
+    Detect,          // searches for the compilers
+    ConnectionTest,  // asks the service of the page whether it answers
+    CopyKeys,        // copies the list of all keys
+    SettingsFile,    // where the settings are kept
+    Keys,            // the list of all keys
 };
+
+// A button that does something and holds no value.
+constexpr bool SettingIsButton(SettingControl control) {
+    return control == SettingControl::CompilerTest || control == SettingControl::Detect ||
+           control == SettingControl::ConnectionTest || control == SettingControl::CopyKeys;
+}
 
 struct SettingItem {
     const SettingRow* row = nullptr;   // null: shows no setting

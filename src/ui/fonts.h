@@ -27,5 +27,9 @@ const UiFontSizes& UiSizes();
 // until the next call, because windows use them until they get the new ones.
 void UiFontsRenew();
 
+// For a window whose monitor has another DPI than the main window's.
+HFONT UiMakeTextFont(int dpi);   // the message font of the system; the caller deletes it
+int UiTextHeightOf(HFONT font);  // of a line, in pixels
+
 int UiTextWidth(const wchar_t* text, int length);  // pixels, in UiFont; `length` characters
 std::vector<int> UiTextWidths(std::span<const std::wstring> texts);

@@ -17,13 +17,6 @@ constexpr int kStockFontPoints = 8;  // its height may be that of another DPI
 UiFonts g_fonts;
 UiFonts g_oldFonts;  // windows may still use them
 
-HFONT MakeTextFont() {
-    NONCLIENTMETRICSW metrics = {};
-    metrics.cbSize = sizeof(metrics);
-    SystemParametersInfoForDpi(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0, static_cast<UINT>(g_ui.dpi));
-    return CreateFontIndirectW(&metrics.lfMessageFont);
-}
-
 HFONT MakeFixedFont() {
     return CreateFontW(UiFontHeight(g_settings.outputFontSize), 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE,
                        DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY,
@@ -52,7 +45,7 @@ void MeasureFont(HDC dc, HFONT font, int* width, int* height) {
 
 const UiFonts& Fonts() {
     if (g_fonts.text && g_fonts.fixed) return g_fonts;
-    g_fonts.text.Reset(MakeTextFont());
+    g_fonts.text.Reset(UiMakeTextFont(g_ui.dpi));
     g_fonts.fixed.Reset(MakeFixedFont());
     UiFontSizes& sizes = g_fonts.sizes;
     const HDC dc = GetDC(nullptr);
@@ -74,6 +67,21 @@ HFONT UiStockFont() {
 }
 
 const UiFontSizes& UiSizes() { return Fonts().sizes; }
+
+HFONT UiMakeTextFont(int dpi) {
+    NONCLIENTMETRICSW metrics = {};
+    metrics.cbSize = sizeof(metrics);
+    SystemParametersInfoForDpi(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0, static_cast<UINT>(dpi));
+    return CreateFontIndirectW(&metrics.lfMessageFont);
+}
+
+int UiTextHeightOf(HFONT font) {
+    int width = 0, height = 0;
+    const HDC dc = GetDC(nullptr);
+    MeasureFont(dc, font, &width, &height);
+    ReleaseDC(nullptr, dc);
+    return height;
+}
 
 void UiFontsRenew() {
     if (g_fonts.text || g_fonts.stock) g_oldFonts = std::exchange(g_fonts, {});

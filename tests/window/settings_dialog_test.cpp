@@ -171,6 +171,15 @@ TEST(SettingsDialog, IsSearchedAndWorkedByKeysAlone) {
     ASSERT_TRUE(dialog.AwaitFocus(text));
     const auto selected = static_cast<DWORD>(editor.Send(text, EM_GETSEL));
     EXPECT_EQ(LOWORD(selected), HIWORD(selected));
+    // The keys are found by their command, and by themselves.
+    for (const wchar_t* const query : {L"toggle bookmark", L"alt+f2"}) {
+        dialog.Set(dialog.Control(IDC_SETTINGS_SEARCH), query);
+        EXPECT_EQ(editor.Send(pages, LB_GETCOUNT), 1);
+        EXPECT_EQ(editor.Send(dialog.Of(L"Keyboard", L"Keys"), LB_GETCOUNT), 1) << Utf8(query);
+    }
+    ClipboardEmpty();
+    editor.Send(dialog.Of(L"Keyboard", L"Copy List"), BM_CLICK);
+    EXPECT_EQ(ClipboardText(), L"Toolbar > Buttons without room\tAlt+F2\r\n");
     dialog.Set(dialog.Control(IDC_SETTINGS_SEARCH), L"nobody has this");
     EXPECT_TRUE(IsWindowVisible(dialog.Control(IDC_SETTINGS_NOTHING)));
     dialog.Mnemonic(L's');
@@ -179,6 +188,17 @@ TEST(SettingsDialog, IsSearchedAndWorkedByKeysAlone) {
     EXPECT_TRUE(WaitFor([&] {
         return editor.Send(pages, LB_GETCOUNT) == static_cast<LRESULT>(SettingsPages().size());
     })) << "the first Esc ends the search";
+    // On a monitor of another scale all of it grows, the pages that are not shown, too.
+    const auto height = [](HWND control) {
+        RECT at{};
+        GetWindowRect(control, &at);
+        return at.bottom - at.top;
+    };
+    EXPECT_EQ(height(dialog.Of(L"Project", L"Width of the tree")), 35);
+    editor.Ask(dialog.window, WM_DPICHANGED, MAKEWPARAM(192, 192), RECT{0, 0, 1240, 880});
+    dialog.Go(L"Project");
+    EXPECT_EQ(height(dialog.Of(L"Project", L"Width of the tree")), 46);
+    EXPECT_EQ(height(dialog.Control(IDOK)), 52);
     dialog.Set(dialog.Control(IDC_SETTINGS_SEARCH), L"tab");
     PostMessageW(dialog.window, WM_SYSCOMMAND, SC_CLOSE, 0);
     EXPECT_TRUE(dialog.Gone()) << "the X of the caption closes it during a search";
@@ -256,6 +276,14 @@ TEST(SettingsDialog, TheServiceIsAskedForItsModels) {
         editor.Send(dialog.Of(L"LM-Studio", L"Model", 2), BM_CLICK);
         EXPECT_TRUE(WaitFor([&] { return dialog.Note(L"LM-Studio", L"Model") == note; }))
             << Utf8(dialog.Note(L"LM-Studio", L"Model"));
+    }
+    for (const auto& [answer, note] :
+         {std::pair{403, L"LM-Studio: the request failed: HTTP 403, the API key was not accepted"},
+          {200, L"The service answers. It offers models: 2."}}) {
+        status = answer;
+        editor.Send(dialog.Of(L"LM-Studio", L"Test Connection"), BM_CLICK);
+        EXPECT_TRUE(WaitFor([&] { return dialog.Note(L"LM-Studio", L"Test Connection") == note; }))
+            << Utf8(dialog.Note(L"LM-Studio", L"Test Connection"));
     }
     EXPECT_EQ(editor.TextOf(model), L"local") << "what was chosen stays";
     dialog.Choose(model, 1);
