@@ -102,7 +102,7 @@ TEST(ReplacementMarks, StandWhereLinesWereChanged) {
 }
 
 TEST(ReplacementMarks, TheRangeFollowsEdits) {
-    constexpr ByteRange kRange = {10, 5};
+    static constexpr ByteRange kRange = {10, 5};
     const struct {
         const char* name;
         TextEdit edit;
