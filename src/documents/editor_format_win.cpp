@@ -47,6 +47,29 @@ void ReplaceLines(HWND editor, LRESULT start, const std::vector<TextReplacement>
     if (work.Stopped()) EditorPaneTakeBack(editor);
 }
 
+// A place in the text that keeps to its character while the line is formatted.
+struct KeptPlace {
+    LRESULT line = 0;
+    std::string before;
+    std::size_t place = 0;
+};
+
+std::string TextOfLine(HWND editor, LRESULT line) {
+    return EditorPaneTextBetween(editor, PaneSend(editor, SCI_POSITIONFROMLINE, line),
+                                 PaneSend(editor, SCI_GETLINEENDPOSITION, line));
+}
+
+KeptPlace KeepPlace(HWND editor, LRESULT position) {
+    const LRESULT line = PaneSend(editor, SCI_LINEFROMPOSITION, position);
+    const LRESULT start = PaneSend(editor, SCI_POSITIONFROMLINE, line);
+    return {line, TextOfLine(editor, line), static_cast<std::size_t>(position - start)};
+}
+
+LRESULT PositionOf(HWND editor, const KeptPlace& kept) {
+    const std::size_t place = SamePlaceInLine(kept.before, TextOfLine(editor, kept.line), kept.place);
+    return PaneSend(editor, SCI_POSITIONFROMLINE, kept.line) + static_cast<LRESULT>(place);
+}
+
 void TellFormatted(HWND editor, bool stopped) {
     g_events.documentStatus(DocumentOfEditor(editor), stopped ? L"Stopped: nothing was formatted" : L"Formatted");
 }
@@ -62,7 +85,8 @@ void EditorFormat(HWND editor, bool selectionOnly) {
     const std::string all = EditorPaneTextBetween(editor, 0, StartOfLine(editor, lines.last + 1 + kContinuation));
     const FormatOptions options = {.indentWidth = std::max(1, static_cast<int>(g_settings.tabWidth)),
                                    .useTabs = g_settings.useTabs != 0,
-                                   .upperKeywords = g_settings.autoUpperKeywords != 0};
+                                   .upperKeywords = g_settings.autoUpperKeywords != 0,
+                                   .dialect = &EditorPaneDialect(editor)};
     LongWork work(
         L"Formatting", [](const wchar_t* progress) { g_events.statusText(progress); });
     const std::string formatted = FormatBasicLines(all, options, lines.first, lines.last,
@@ -73,15 +97,11 @@ void EditorFormat(HWND editor, bool selectionOnly) {
         if (work.Shown()) TellFormatted(editor, false);
         return;
     }
-    const LRESULT caret = PaneSend(editor, SCI_GETCURRENTPOS);
-    const LRESULT anchor = PaneSend(editor, SCI_GETANCHOR);
-    const LRESULT caretLine = PaneSend(editor, SCI_LINEFROMPOSITION, caret);
+    const KeptPlace caret = KeepPlace(editor, PaneSend(editor, SCI_GETCURRENTPOS));
+    const KeptPlace anchor = KeepPlace(editor, PaneSend(editor, SCI_GETANCHOR));
     const LRESULT topLine = PaneSend(editor, SCI_GETFIRSTVISIBLELINE);
     if (!work.Stopped()) ReplaceLines(editor, start, LineReplacements(text, formatted), work);
     if (work.Shown()) TellFormatted(editor, work.Stopped());
-    if (work.Stopped())
-        PaneSend(editor, SCI_SETSEL, anchor, caret);
-    else
-        PaneSend(editor, SCI_GOTOPOS, PaneSend(editor, SCI_GETLINEINDENTPOSITION, caretLine));
+    PaneSend(editor, SCI_SETSEL, PositionOf(editor, anchor), PositionOf(editor, caret));
     PaneSend(editor, SCI_SETFIRSTVISIBLELINE, topLine);
 }

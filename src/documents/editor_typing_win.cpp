@@ -78,9 +78,10 @@ void EditorPaneUpperKeywordBefore(HWND editor, LRESULT position) {
     const LRESULT lineEnd = PaneSend(editor, SCI_GETLINEENDPOSITION, line);
     if (lineEnd - lineStart > kLongestLine) return;
     const std::string text = EditorPaneTextBetween(editor, lineStart, lineEnd);
-    const bool inAssembly = EditorPaneInAssembly(editor, lineStart);
-    const std::optional<KeywordEdit> edit = KeywordEditOf(text, inAssembly, static_cast<std::size_t>(start - lineStart),
-                                                          static_cast<std::size_t>(position - lineStart));
+    const ScanState scanned = EditorPaneInAssembly(editor, lineStart) ? kScanAssembly : 0;
+    const std::optional<KeywordEdit> edit =
+        KeywordEditOf(text, scanned, EditorPaneDialect(editor), static_cast<std::size_t>(start - lineStart),
+                      static_cast<std::size_t>(position - lineStart));
     if (!edit || !IsKeywordStyle(FreshStyleAt(editor, start, lineEnd))) return;
     PaneSend(editor, SCI_SETTARGETRANGE, lineStart + static_cast<LRESULT>(edit->from), position);
     SciSend(editor, SCI_REPLACETARGET, edit->text.size(), reinterpret_cast<LPARAM>(edit->text.data()));

@@ -82,5 +82,7 @@ void EditorPaneMarkInlineRegions(HWND editor);
 bool EditorPaneInAssembly(HWND editor, LRESULT position);
 // Called after a change of the text on `line` (0-based).
 void EditorPaneForgetAssembly(HWND editor, LRESULT line);
+// The dialect of BASIC in which the pane's document is written: that of its compiler.
+const Dialect& EditorPaneDialect(HWND editor);
 // The text of a part of the document.
 std::string EditorPaneTextBetween(HWND editor, LRESULT start, LRESULT end);

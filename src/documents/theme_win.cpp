@@ -73,6 +73,12 @@ void SetProperty(HWND editor, const char* key, const char* value) {
 
 }  // namespace
 
+const Dialect& EditorPaneDialect(HWND editor) {
+    for (const DocumentTab& tab : g_documents.tabs)
+        if (tab.editor == editor) return DialectOf(tab.compilerId);
+    return AnyDialect();
+}
+
 COLORREF ThemeAssemblyColour() { return RoleColourRef(CurrentTheme(), TextRole::Assembly); }
 
 void SyntaxThemeApply(HWND editor, std::uint32_t compilerId, const wchar_t* path) {

@@ -2,7 +2,6 @@
 #include "documents/typing_rules.h"
 
 #include "language/format.h"
-#include "language/inline_regions.h"
 
 #include <SciLexer.h>
 
@@ -34,8 +33,10 @@ BracePair BracesToShow(std::span<const StyledByte> text, std::ptrdiff_t start, s
     return partner >= 0 ? BracePair{brace, start + partner} : BracePair{};
 }
 
-std::optional<KeywordEdit> KeywordEditOf(const std::string& line, bool inAssembly, std::size_t start, std::size_t end) {
-    const std::string capitals = KeywordsInCapitals(line, inAssembly);
+std::optional<KeywordEdit> KeywordEditOf(const std::string& line, ScanState state, const Dialect& dialect,
+                                         std::size_t start, std::size_t end) {
+    const std::string capitals = KeywordsInCapitals(line, state, dialect);
+    const bool inAssembly = (state & kScanAssembly) != 0;
     // Only the last word of END ASM makes a line of assembly a line of BASIC, so both words change then.
     const bool endsAssembly = inAssembly && AssemblyOfLine(line, true).kind == AssemblyKind::BlockEnd;
     const std::size_t from = endsAssembly ? 0 : start;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "documents/brace_match.h"
+#include "language/scanner.h"
 
 #include <cstddef>
 #include <optional>
@@ -31,7 +32,8 @@ struct KeywordEdit {
     std::size_t from;  // up to `end`
     std::string text;
 };
-std::optional<KeywordEdit> KeywordEditOf(const std::string& line, bool inAssembly, std::size_t start, std::size_t end);
+std::optional<KeywordEdit> KeywordEditOf(const std::string& line, ScanState state, const Dialect& dialect,
+                                         std::size_t start, std::size_t end);
 
 // --- Brackets
 // The position of the bracket at the caret: the one before it, else the one after it. -1 without one.

@@ -17,10 +17,12 @@ constexpr std::uint8_t kBits64 = kEvery & ~kBits32;
 
 // By id. KVXB64 and KVXC64 also take C sources, and their BASIC has comments over several lines.
 constexpr Dialect kDialects[] = {
-    {kCompilerKvxa64, false},      {kCompilerKvxb64, true}, {kCompilerKvxa32, false},
-    {kCompilerKeldorBasic, false}, {kCompilerKvxc64, true},
+    {DialectBit(kCompilerKvxa64), false}, {DialectBit(kCompilerKvxb64), true},
+    {DialectBit(kCompilerKvxa32), false}, {DialectBit(kCompilerKeldorBasic), false},
+    {DialectBit(kCompilerKvxc64), true},
 };
 static_assert(std::size(kDialects) == kCompilerCount, "each compiler has a dialect");
+constexpr Dialect kAnyDialect = {kEvery, false};
 
 // Words in lower case, separated by blanks, with the dialects that know them.
 struct WordRow {
@@ -224,29 +226,25 @@ WordTable MakeTable() {
     return table;
 }
 
-WordInfo LookUp(std::string_view name, std::uint8_t dialects) {
-    static const WordTable table = MakeTable();
-    if (name.size() < 2 || name.size() > kLongestWord) return {};
-    const Entry& entry = table[FindPlace(table, name)];
-    return (entry.dialects & dialects) != 0 ? WordInfo{entry.kind, entry.id} : WordInfo{};
-}
-
 }  // namespace
 
 const Dialect& DialectOf(std::uint32_t compilerId) {
     return kDialects[compilerId < kCompilerCount ? compilerId : kDefaultCompiler];
 }
 
-WordInfo LookUpWord(std::string_view name, const Dialect& dialect) {
-    return LookUp(name, DialectBit(dialect.compilerId));
-}
+const Dialect& AnyDialect() { return kAnyDialect; }
 
-WordInfo LookUpWord(std::string_view name) { return LookUp(name, kEvery); }
+WordInfo LookUpWord(std::string_view name, const Dialect& dialect) {
+    static const WordTable table = MakeTable();
+    if (name.size() < 2 || name.size() > kLongestWord) return {};
+    const Entry& entry = table[FindPlace(table, name)];
+    return (entry.dialects & dialect.words) != 0 ? WordInfo{entry.kind, entry.id} : WordInfo{};
+}
 
 std::string WordsOf(WordClass kind, const Dialect& dialect) {
     std::string words;
     for (const WordRow& row : kWords)
-        if (row.kind == kind && (row.dialects & DialectBit(dialect.compilerId)) != 0)
+        if (row.kind == kind && (row.dialects & dialect.words) != 0)
             words.append(words.empty() ? "" : " ").append(row.words);
     return words;
 }

@@ -9,11 +9,13 @@
 
 // A dialect of BASIC: what the scanner must know of it besides its words.
 struct Dialect {
-    std::uint32_t compilerId = 0;
+    std::uint8_t words = 0;      // which words of the table it has
     bool blockComments = false;  // from /' to '/, over any number of lines
 };
 // The dialect of a compiler; an unknown id gets that of the default compiler.
 const Dialect& DialectOf(std::uint32_t compilerId);
+// All words of all dialects, for text whose compiler is not known.
+const Dialect& AnyDialect();
 
 enum class WordClass : std::uint8_t {
     None,  // no keyword: a name
@@ -129,8 +131,6 @@ struct WordInfo {
 // What a word is in a dialect, without regard to case. `name` is without a type suffix. A word that is both a keyword
 // and the word of a metastatement (IF) has the class of the keyword.
 WordInfo LookUpWord(std::string_view name, const Dialect& dialect);
-// The same over all dialects, for text whose compiler is not known.
-WordInfo LookUpWord(std::string_view name);
 
 // The words of a class in a dialect, in lower case and separated by blanks: the common ones, then the dialect's own.
 std::string WordsOf(WordClass kind, const Dialect& dialect);

@@ -1,5 +1,8 @@
-// The formatter indents BASIC source by its block structure. Pure.
+// The formatter: indents BASIC source by its blocks, writes keywords in capitals, and puts blanks around operators. The
+// tokens stay as they are, but for the case of keywords. Pure.
 #pragma once
+
+#include "language/scanner.h"
 
 #include <functional>
 #include <string>
@@ -9,6 +12,7 @@ struct FormatOptions {
     int indentWidth = 4;  // columns
     bool useTabs = false;
     bool upperKeywords = true;  // keywords become upper case; strings and comments do not change
+    const Dialect* dialect = &AnyDialect();
 };
 
 // Formats whole lines of UTF-8 and keeps their ends.
@@ -21,6 +25,6 @@ std::string FormatBasicSource(std::string_view text, const FormatOptions& option
 std::string FormatBasicLines(std::string_view text, const FormatOptions& options, int first, int last,
                              const std::function<bool(double share)>& goesOn = {});
 
-// A line as the formatter writes its keywords, in capitals; all else stays, so it is as long as before. `inAssembly`: the
-// line is inside a block of inline assembly.
-std::string KeywordsInCapitals(std::string_view line, bool inAssembly);
+// A line as the formatter writes its keywords, in capitals; all else stays, so it is as long as before. `state` is that
+// of the line.
+std::string KeywordsInCapitals(std::string_view line, ScanState state, const Dialect& dialect);

@@ -1,6 +1,10 @@
 // Which lines the formatter takes, and what it replaces in them. Pure.
 #include "language/format_range.h"
 
+#include "base/scan_text.h"
+
+#include <algorithm>
+
 namespace {
 
 std::vector<std::string_view> LinesWithBreaks(std::string_view text) {
@@ -38,6 +42,22 @@ std::string_view WithoutBreak(std::string_view line) { return line.substr(0, lin
 
 LineRange LinesOfSelection(int startLine, int endLine, bool endsAtLineStart) {
     return {startLine, endsAtLineStart && endLine > startLine ? endLine - 1 : endLine};
+}
+
+std::size_t SamePlaceInLine(std::string_view before, std::string_view after, std::size_t place) {
+    place = std::min(place, before.size());
+    const bool atCharacter = place < before.size() && !IsBlank(before[place]);
+    std::size_t blanks = 0;  // just before the place
+    while (blanks < place && IsBlank(before[place - blanks - 1])) ++blanks;
+    std::size_t passed = 0;
+    for (const char c : before.substr(0, place)) passed += IsBlank(c) ? 0 : 1;
+    std::size_t at = 0;
+    for (; at < after.size() && passed > 0; ++at) passed -= IsBlank(after[at]) ? 0 : 1;
+    while (at < after.size() && IsBlank(after[at]) && (atCharacter || blanks > 0)) {
+        ++at;
+        if (blanks > 0) --blanks;
+    }
+    return at;
 }
 
 std::vector<TextReplacement> LineReplacements(std::string_view before, std::string_view after) {

@@ -14,6 +14,10 @@ struct LineRange {
 // The whole lines of a selection. A selection that ends at the start of a line does not take that line.
 LineRange LinesOfSelection(int startLine, int endLine, bool endsAtLineStart);
 
+// The place in a formatted line of the character that was at `place` (bytes): as many characters that are no blanks stand
+// before it. Of a place among blanks, as near to the character before as it was.
+std::size_t SamePlaceInLine(std::string_view before, std::string_view after, std::size_t place);
+
 struct TextReplacement {
     std::size_t start = 0;  // in the text as the replacements before this one have left it
     std::size_t length = 0;

@@ -95,7 +95,8 @@ std::uint8_t PassSuffix(Scan& scan) {
     if (std::string_view("%&!#@$?").find(mark) == std::string_view::npos) return 0;
     int length = 1;
     while (length < longest && scan.Peek(length) == mark) ++length;
-    if (IsNameByte(scan.Peek(length))) return 0;
+    const bool lone = scan.Peek(length) == '_' && !IsNameByte(scan.Peek(length + 1));
+    if (IsNameByte(scan.Peek(length)) && !lone) return 0;
     scan.at += length;
     return static_cast<std::uint8_t>(length);
 }
@@ -173,7 +174,8 @@ bool IsLabel(Scan scan, const char* from) {
     ++scan.at;
     PassBlanks(scan);
     if (apart && !scan.Ends() && *scan.at != '\'') return false;
-    return LookUpWord({from, static_cast<std::size_t>(after - from)}).kind == WordClass::None;
+    const WordClass kind = LookUpWord({from, static_cast<std::size_t>(after - from)}, AnyDialect()).kind;
+    return kind == WordClass::None || kind == WordClass::Preprocessor;
 }
 
 void ScanWord(Scan& scan, std::uint8_t flags) {

@@ -1,6 +1,10 @@
-// Any bytes as a BASIC source: the index made once answers as the questions asked one by one, and no statement of PBMAIN
-// is a comment.
+// Any bytes as a BASIC source. The index of lines made once answers as the questions asked one by one, and no statement
+// of PBMAIN is a comment. Each line scanned alone has the tokens that it has in the whole. Formatting keeps the tokens and
+// changes nothing the second time.
 #include "program/basic_lines.h"
+#include "language/format.h"
+#include "settings/compiler_id.h"
+#include "support/token_stream.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -34,13 +38,17 @@ std::string Expanded(std::string_view bytes) {
                                            "\n#",          "x = 1\n",
                                            "\n",           "\n  ",
                                            "END",          "\r\n",
-                                           "else'\n",      "REM\t"};
+                                           "else'\n",      "REM\t",
+                                           " _\n",         "asm",
+                                           "If a Then ",   "For ",
+                                           "#If ",         "#EndIf",
+                                           "Select Case ", "case "};
     std::string text;
     for (const char c : bytes)
         if (static_cast<std::uint8_t>(c) < 0x80)
             text += c;
         else
-            text += kWords[static_cast<std::uint8_t>(c) % 16];
+            text += kWords[static_cast<std::uint8_t>(c) % 24];
     return text;
 }
 
@@ -72,11 +80,43 @@ void Check(std::string_view source) {
     Require(PreviousPbmainLine(index, 0) == 0 && PreviousPbmainLine(index, beyond + 9) == previous);
 }
 
+void CheckScanning(std::string_view source, const Dialect& dialect) {
+    LineReader reader{.text = source, .dialect = &dialect};
+    std::vector<Token> tokens;
+    while (ReadLine(reader)) {
+        const std::string line = std::string(reader.line).append(reader.ending);
+        Require(ScanLine(line, 0, reader.before, dialect, tokens).state == reader.state);
+        Require(tokens.size() == reader.tokens.size());
+        std::uint32_t end = 0;
+        for (std::size_t i = 0; i < tokens.size(); ++i) {
+            Require(tokens[i].start == reader.tokens[i].start && tokens[i].End() == reader.tokens[i].End());
+            Require(tokens[i].kind == reader.tokens[i].kind && tokens[i].flags == reader.tokens[i].flags);
+            for (std::uint32_t at = end; at < tokens[i].start; ++at) Require(line[at] == ' ' || line[at] == '\t');
+            Require(tokens[i].length > 0 && tokens[i].length > tokens[i].suffix);
+            end = tokens[i].End();
+        }
+        Require(end <= reader.line.size());
+    }
+}
+
+void CheckFormat(std::string_view source, const Dialect& dialect) {
+    const FormatOptions options{.dialect = &dialect};
+    const std::string once = FormatBasicSource(source, options);
+    Require(TokenStream(once, dialect) == TokenStream(source, dialect));
+    Require(FormatBasicSource(once, options) == once);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view bytes{reinterpret_cast<const char*>(data), size};
-    Check(bytes);
-    Check(Expanded(bytes));
+    const std::string expanded = Expanded(bytes);
+    for (const std::string_view source : {bytes, std::string_view(expanded)}) {
+        Check(source);
+        for (const std::uint32_t compiler : {kCompilerKeldorBasic, kCompilerKvxc64}) {
+            CheckScanning(source, DialectOf(compiler));
+            CheckFormat(source, DialectOf(compiler));
+        }
+    }
     return 0;
 }

@@ -128,6 +128,33 @@ x
 '=== numbers and suffixes
 a& = &hFOR + 10if
 b$ = LEFT$(c$, 1)
+'=== operators get blanks, signs and doubtful marks do not
+x = a + b * -1 - c ^ 2
+s$ = a$&b$ + "x"
+aligned   =  1
+show -1, a, b,, -c
+x = a% \ b& - &hff:y = .5 - 1e-3
+IF a <= b AND-c <> d THEN
+END IF
+DEFINT a-z
+FOR i = -1 TO n - 1:NEXT
+DATA 1,2=3
+p->x = TIMER - t:PRINT 1 - 1;-2
+total = total + _
+    (a - b) _ 'more
+    *2
+'=== a metastatement stays in the first column
+SUB a
+#DEBUG PRINT "a=b"
+    #IF NOT %def(%a)
+    x = 1
+#ENDIF
+END SUB
+'=== labels and one-line ifs
+SUB a
+    again: x = 1
+    IF x THEN y = 1: FOR i = 1 TO 2
+END SUB
 '=== a whole program
 #COMPILE exe
 #INCLUDE "part.inc"
@@ -160,13 +187,13 @@ CALLBACK FUNCTION back() AS LONG
     ENDIF
 END FUNCTION
 THREADSAFE THREAD FUNCTION work(x AS DWORD) AS DWORD
-    #IFDEF debug
+#IFDEF debug
     WHILE x
-    #ELSEIF other
+#ELSEIF other
     WHILE y
-    #ELSE
+#ELSE
     WHILE z
-    #ENDIF
+#ENDIF
         DECR x
     WEND
     ASM

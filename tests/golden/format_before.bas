@@ -128,6 +128,33 @@ x
 '=== numbers and suffixes
 a& = &hFOR + 10if
 b$ = left$(c$, 1)
+'=== operators get blanks, signs and doubtful marks do not
+x=a+b*-1-c^2
+s$=a$&b$+"x"
+aligned   =  1
+show -1,a ,b,,-c
+x=a% \b&-&hff:y=.5-1e-3
+if a<=b and-c<>d then
+end if
+defint a-z
+for i=-1 to n-1:next
+data 1,2=3
+p->x=timer-t:print 1-1;-2
+total=total+_
+(a-b)_ 'more
+*2
+'=== a metastatement stays in the first column
+sub a
+#debug print "a=b"
+  #if not %def(%a)
+x=1
+#endif
+end sub
+'=== labels and one-line ifs
+sub a
+again: x=1
+if x then y=1: for i=1 to 2
+end sub
 '=== a whole program
 #compile exe
 #include "part.inc"

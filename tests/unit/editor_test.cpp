@@ -252,7 +252,7 @@ TEST(StickyHeader, TypingAndMovingInADocumentWithoutHeadersLooksAtFewLines) {
 
 TEST(Typing, AWordThatEndsABlockTakesItsWholeLine) {
     const auto edit = [](const std::string& line, bool inAssembly, std::size_t start) {
-        const auto found = KeywordEditOf(line, inAssembly, start, line.size());
+        const auto found = KeywordEditOf(line, inAssembly ? kScanAssembly : 0, AnyDialect(), start, line.size());
         return found ? std::to_string(found->from) + found->text : "";
     };
     EXPECT_EQ(edit("x = a and", false, 6), "6AND");

@@ -5,6 +5,7 @@
 #include "language/lexer_table.h"
 #include "settings/compilers.h"
 #include "support/golden_file.h"
+#include "support/token_stream.h"
 #include "ui/theme_table.h"
 
 #include <gtest/gtest.h>
@@ -191,11 +192,11 @@ TEST(InlineAssembly, IsKnownWithoutReadingFromTheTop) {
 // As they are typed: what the formatter leaves alone stays.
 TEST(Format, CapitalsOfOneLine) {
     for (const char* line : {"! and eax, not", "asm and eax, 1", "x = %name + $end", "a.type = \"if"})
-        EXPECT_EQ(KeywordsInCapitals(line, false), line);
-    EXPECT_EQ(KeywordsInCapitals(" and eax, 1", true), " and eax, 1");
-    EXPECT_EQ(KeywordsInCapitals("end asm ' and", true), "END ASM ' and");
-    EXPECT_EQ(KeywordsInCapitals("  data if: and if", false), "  DATA if: and if");
-    EXPECT_EQ(KeywordsInCapitals("threadsafe sub a: endsub", false), "THREADSAFE SUB a: ENDSUB");
+        EXPECT_EQ(KeywordsInCapitals(line, 0, AnyDialect()), line);
+    EXPECT_EQ(KeywordsInCapitals(" and eax, 1", kScanAssembly, AnyDialect()), " and eax, 1");
+    EXPECT_EQ(KeywordsInCapitals("end asm ' and", kScanAssembly, AnyDialect()), "END ASM ' and");
+    EXPECT_EQ(KeywordsInCapitals("  data if: and if", 0, AnyDialect()), "  DATA if: and if");
+    EXPECT_EQ(KeywordsInCapitals("threadsafe sub a: endsub", 0, AnyDialect()), "THREADSAFE SUB a: ENDSUB");
 }
 
 // The cases that a text file cannot hold; the others are in tests/golden/format_before.bas.
@@ -268,22 +269,13 @@ TEST(Format, ASelectionGetsWhatItHasInTheWhole) {
     EXPECT_EQ(FormatBasicLines("select case a\ncase 1\ncase 2\nx\n", {}, 2, 2), "    CASE 2\n");
 }
 
-// What formatting must not change: everything but blanks and the case of letters.
-std::string Essence(const std::string& text) {
-    std::string essence;
-    for (const char c : text) {
-        if (c == ' ' || c == '\t') continue;
-        essence.push_back(c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c);
-    }
-    return essence;
-}
-
-TEST(Format, NeverChangesMoreThanBlanksAndCase) {
+TEST(Format, KeepsEveryToken) {
     // Random sequences of pieces of programs: formatting must neither lose nor double anything.
     const char* const pieces[] = {"if ", "then",  "\n",          "\r\n",  "\r",   " _\n",     "\"",  "'",
                                   ":",   "for i", "next",        "sub a", "end ", "function", "asm", "! x",
                                   "#if", "#else", "select case", "case ", "rem",  "\t",       " ",   "x=1",
-                                  "&h",  ".",     "label:",      "_",     "data", "\xC3\xA4", "10 ", "end asm"};
+                                  "&h",  ".",     "label:",      "_",     "data", "\xC3\xA4", "10 ", "end asm",
+                                  "=",   "-",     "+",           "&",     ",",    "%a",       "a$",  "1e"};
     unsigned state = 12345;
     const auto next = [&state] {
         state = state * 1664525u + 1013904223u;
@@ -293,7 +285,8 @@ TEST(Format, NeverChangesMoreThanBlanksAndCase) {
         std::string text;
         for (unsigned i = 0, n = next() % 40; i < n; ++i) text += pieces[next() % std::size(pieces)];
         const std::string once = FormatBasicSource(text, {});
-        ASSERT_EQ(Essence(once), Essence(text)) << "round " << round << ":\n" << text;
+        ASSERT_EQ(TokenStream(once, AnyDialect()), TokenStream(text, AnyDialect())) << "round " << round << ":\n"
+                                                                                    << text;
         ASSERT_EQ(FormatBasicSource(once, {}), once) << "round " << round << ": a second time\n" << text;
         if (round % 10 == 0 && text.find('\r') == std::string::npos) ExpectSelectionsLikeTheWhole(text);
     }
@@ -323,6 +316,24 @@ TEST(FormatRange, ReplacesOnlyTheLinesThatDiffer) {
         << "the break stays, and with it the marks of the line";
     for (const std::string_view wanted : {"\xC3\xA8", "\xC4\xA9"})  // the first or the last byte is the same
         EXPECT_EQ(LineReplacements("\xC3\xA9", wanted), (std::vector<TextReplacement>{{0, 2, wanted}}));
+}
+
+TEST(FormatRange, TheCaretStaysOnItsToken) {
+    const std::string before = "  x=\ta+  \"a  b\" ", after = "    x = \ta +  \"a  b\"";
+    for (const auto& [place, wanted] : {std::pair{0, 0},
+                                        {1, 1},
+                                        {2, 4},
+                                        {3, 6},
+                                        {4, 7},
+                                        {5, 9},
+                                        {6, 11},
+                                        {7, 12},
+                                        {11, 16},
+                                        {14, 19},
+                                        {15, 20},
+                                        {99, 20}})
+        EXPECT_EQ(SamePlaceInLine(before, after, static_cast<std::size_t>(place)), static_cast<std::size_t>(wanted))
+            << place;
 }
 
 TEST(FormatRange, TakesWholeLines) {

@@ -68,11 +68,11 @@ TEST(Scanner, TokensOfEveryKind) {
 }
 
 TEST(Scanner, WordsOfTheDialects) {
-    EXPECT_EQ(LookUpWord("eNdIf").word, BasicWord::EndIf);
-    EXPECT_EQ(LookUpWord("Mod").kind, WordClass::Operator);
-    EXPECT_EQ(LookUpWord("if").kind, WordClass::Statement) << "not that of #IF";
+    EXPECT_EQ(LookUpWord("eNdIf", AnyDialect()).word, BasicWord::EndIf);
+    EXPECT_EQ(LookUpWord("Mod", AnyDialect()).kind, WordClass::Operator);
+    EXPECT_EQ(LookUpWord("if", AnyDialect()).kind, WordClass::Statement) << "not that of #IF";
     for (const char* name : {"i", "els", "elsee", "i\x66\xC3", "bloatt", "aVeryLongNameIndeed", ""})
-        EXPECT_EQ(LookUpWord(name).kind, WordClass::None) << name;
+        EXPECT_EQ(LookUpWord(name, AnyDialect()).kind, WordClass::None) << name;
     EXPECT_EQ(LookUpWord("foreach", DialectOf(kCompilerKvxa64)).word, BasicWord::ForEach);
     EXPECT_EQ(LookUpWord("foreach", DialectOf(kCompilerKeldorBasic)).kind, WordClass::None);
 }
