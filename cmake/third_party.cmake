@@ -1,8 +1,9 @@
-# The four libraries, built from the sources that scripts/setup fetched or from copies named by cache variables:
+# The five libraries, built from the sources that scripts/setup fetched or from copies named by cache variables:
 #   third_party_scintilla    headers of Scintilla and Lexilla (the program loads the DLLs at run time)
 #   third_party_editing_dlls builds Scintilla.dll and Lexilla.dll, or copies installed ones, into KVX_DIST_DIR
 #   third_party_cjson        cJSON, static:  #include <cJSON.h>
 #   third_party_zydis        Zydis, static:  #include <Zydis/Zydis.h>
+#   third_party_pcre2        PCRE2, static:  #include <pcre2.h> after PCRE2_CODE_UNIT_WIDTH is defined as 8
 # These libraries are built without warnings and without the undefined-behaviour checks, because their code is not
 # changed here.
 
@@ -15,6 +16,8 @@ set(KVX_CJSON_DIR "${fetched}/cjson" CACHE PATH
     "cJSON: its source tree, or a prefix with include/cjson/cJSON.h and lib/libcjson.a")
 set(KVX_ZYDIS_DIR "${fetched}/zydis" CACHE PATH
     "Zydis: its source tree, or a prefix with include/Zydis/Zydis.h and lib/libZydis.a")
+set(KVX_PCRE2_DIR "${fetched}/pcre2" CACHE PATH
+    "PCRE2: its source tree, or a prefix with include/pcre2.h and lib/libpcre2-8.a (with Unicode, and JIT for speed)")
 set(KVX_ZYCORE_INCLUDE_DIR "/usr/include" CACHE PATH "Folder that holds Zycore/Types.h")
 
 set(third_party_options -w)
@@ -60,6 +63,31 @@ else()
     target_compile_definitions(third_party_zydis INTERFACE ZYDIS_STATIC_BUILD ZYCORE_STATIC_BUILD)
     target_link_libraries(third_party_zydis INTERFACE
         "${KVX_ZYDIS_DIR}/lib/libZydis.a" "${KVX_ZYDIS_DIR}/lib/libZycore.a")
+endif()
+
+# --- PCRE2 ---
+if(EXISTS "${KVX_PCRE2_DIR}/src/pcre2_match.c")
+    # The tree brings its public header, its limits and its character tables under names that are to be changed.
+    set(pcre2_include "${CMAKE_BINARY_DIR}/pcre2_include")
+    configure_file("${KVX_PCRE2_DIR}/src/pcre2.h.generic" "${pcre2_include}/pcre2.h" COPYONLY)
+    configure_file("${KVX_PCRE2_DIR}/src/config.h.generic" "${pcre2_include}/config.h" COPYONLY)
+    configure_file("${KVX_PCRE2_DIR}/src/pcre2_chartables.c.dist" "${pcre2_include}/pcre2_chartables.c" COPYONLY)
+    file(GLOB pcre2_sources "${KVX_PCRE2_DIR}/src/pcre2_*.c")
+    # Tools, and files that others include.
+    list(FILTER pcre2_sources EXCLUDE REGEX
+        "pcre2_(dftables|fuzzsupport|jit_match|jit_misc|jit_test|printint|ucptables)[.]c$")
+    add_library(third_party_pcre2 STATIC ${pcre2_sources} "${pcre2_include}/pcre2_chartables.c")
+    target_include_directories(third_party_pcre2 SYSTEM PUBLIC "${pcre2_include}" PRIVATE "${KVX_PCRE2_DIR}/src")
+    target_compile_definitions(third_party_pcre2 PUBLIC PCRE2_STATIC PRIVATE
+        HAVE_CONFIG_H HAVE_MEMMOVE HAVE_STDINT_H HAVE_INTTYPES_H HAVE_STDLIB_H HAVE_STRING_H
+        PCRE2_CODE_UNIT_WIDTH=8 SUPPORT_PCRE2_8 SUPPORT_UNICODE SUPPORT_JIT)
+    target_compile_options(third_party_pcre2 PRIVATE ${third_party_options})
+else()
+    kvx_require("${KVX_PCRE2_DIR}/include/pcre2.h" "PCRE2")
+    add_library(third_party_pcre2 INTERFACE)
+    target_include_directories(third_party_pcre2 SYSTEM INTERFACE "${KVX_PCRE2_DIR}/include")
+    target_compile_definitions(third_party_pcre2 INTERFACE PCRE2_STATIC)
+    target_link_libraries(third_party_pcre2 INTERFACE "${KVX_PCRE2_DIR}/lib/libpcre2-8.a")
 endif()
 
 # --- Scintilla, Lexilla ---
