@@ -22,7 +22,7 @@ struct RegexCode {
 
 namespace {
 
-constexpr std::ptrdiff_t kFewStarts = 64;        // in the first call after a start that needed more text than a piece
+constexpr std::ptrdiff_t kFewStarts = 4;         // in the first call after a start that needed more text than a piece
 constexpr double kSlowCall = 20, kFastCall = 2;  // milliseconds
 
 // The limits of one start of a match. Catastrophic expressions reach the first after about a tenth of a second.
@@ -182,6 +182,8 @@ void RegexSearch::Begin(const RegexText& text, FindSpan scope, bool notEmptyHere
     ended_ = scope_.start > scope_.end;
     seen_ = 0;
     starts_ = text_->piece;
+    slowStarts_ = 0;
+    startsCost_ = false;
     groups_.clear();
 }
 
@@ -232,12 +234,19 @@ void RegexSearch::TakeMatch(const Piece& piece) {
     notEmptyHere_ = true;
 }
 
-// Keeps a call short where each start of a match looks at much text.
-void RegexSearch::Adapt(const Piece& piece, double milliseconds) {
-    if (milliseconds > kSlowCall)
-        starts_ = std::max<std::ptrdiff_t>(1, std::min(starts_, piece.starts - at_) / 4);
-    else if (milliseconds < kFastCall)
-        starts_ = std::min(starts_ * 4, std::max(text_->piece, piece.end - at_));
+// Keeps a call short where each start of a match looks at much text. Where a call is slow because of one look at all of
+// it, more starts cost nothing more.
+void RegexSearch::Adapt(std::ptrdiff_t starts, double milliseconds) {
+    if (milliseconds > kSlowCall) {
+        const bool costly = slowStarts_ > 0 && starts >= 2 * slowStarts_ && milliseconds > 1.5 * slowMs_;
+        startsCost_ = startsCost_ || costly;
+        slowStarts_ = starts;
+        slowMs_ = milliseconds;
+    }
+    if (milliseconds > kSlowCall && startsCost_)
+        starts_ = std::max<std::ptrdiff_t>(1, starts / 4);
+    else if (milliseconds > kSlowCall || milliseconds < kFastCall)
+        starts_ = std::min<std::ptrdiff_t>(starts_ * 4, text_->length + 1);
 }
 
 RegexResult RegexSearch::Next() {
@@ -265,7 +274,7 @@ RegexResult RegexSearch::Next() {
         }
         if (found != PCRE2_ERROR_NOMATCH) return ends(RegexResult::TooComplex);
         if (piece.last && piece.starts == piece.end) break;
-        Adapt(piece, NowMs() - began);
+        Adapt(piece.starts - at_, NowMs() - began);
         if (piece.starts > at_) notEmptyHere_ = false;
         at_ = piece.starts;
     }

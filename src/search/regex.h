@@ -74,7 +74,7 @@ private:
     Piece NextPiece() const;
     int MatchIn(const Piece& piece);
     void TakeMatch(const Piece& piece);
-    void Adapt(const Piece& piece, double milliseconds);
+    void Adapt(std::ptrdiff_t starts, double milliseconds);
 
     RegexHandle code_;
     std::unique_ptr<Engine> engine_;
@@ -86,5 +86,9 @@ private:
     bool ended_ = false;
     std::ptrdiff_t seen_ = 0;    // the next piece shows the text at least up to here, for a match that needs it
     std::ptrdiff_t starts_ = 0;  // bytes at which a match may begin in the next piece
+    // The last slow call, and whether such calls are slow because of the number of starts.
+    std::ptrdiff_t slowStarts_ = 0;
+    double slowMs_ = 0;
+    bool startsCost_ = false;
     std::vector<std::optional<FindSpan>> groups_;
 };
