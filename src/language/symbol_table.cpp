@@ -1,0 +1,198 @@
+// The table of symbols: made from the pieces of a text, and asked by name and by line. Pure.
+#include "language/symbols.h"
+
+#include "base/scan_text.h"
+#include "language/symbol_parts.h"
+
+#include <algorithm>
+
+namespace {
+
+std::string_view TextAt(const SymbolTable& table, std::size_t start, std::size_t length) {
+    return std::string_view(table.arena).substr(start, length);
+}
+
+// The table on its way: the symbols whose bodies are open.
+struct Joining {
+    SymbolTable& table;
+    std::vector<std::uint32_t> open;
+};
+
+void CloseBody(Joining& joining, std::uint32_t line) {
+    if (joining.open.empty()) return;
+    Symbol& symbol = joining.table.symbols[joining.open.back()];
+    symbol.endLine = std::max(line, symbol.line);
+    symbol.next = static_cast<std::uint32_t>(joining.table.symbols.size());
+    joining.open.pop_back();
+}
+
+void JoinSymbol(Joining& joining, const Symbol& found, std::uint32_t firstLine, std::uint32_t texts) {
+    const std::uint32_t line = firstLine + found.line;
+    if (found.kind == kBodyEnds) {
+        for (std::uint32_t i = 0; i < found.next; ++i) CloseBody(joining, line - std::min(line, found.column));
+        return;
+    }
+    const auto index = static_cast<std::uint32_t>(joining.table.symbols.size());
+    Symbol symbol = found;
+    symbol.line = symbol.endLine = line;
+    symbol.container = joining.open.empty() ? kNoSymbol : joining.open.back();
+    symbol.next = index + 1;
+    symbol.texts += texts;
+    joining.table.symbols.push_back(symbol);
+    if (found.next == kHasBody) joining.open.push_back(index);
+}
+
+// The first bytes of a name in upper case: most names differ there, and numbers are compared faster than texts.
+std::uint64_t SortKey(std::string_view name) {
+    std::uint64_t key = 0;
+    for (std::size_t i = 0; i < sizeof(key); ++i)
+        key = (key << 8) | (i < name.size() ? static_cast<std::uint8_t>(UpperAscii(name[i])) : 0u);
+    return key;
+}
+
+void SortByName(SymbolTable& table) {
+    struct Key {
+        std::uint64_t start;
+        std::uint32_t index;
+    };
+    std::vector<Key> keys;
+    keys.reserve(table.symbols.size());
+    for (std::uint32_t i = 0; i < table.symbols.size(); ++i)
+        keys.push_back({SortKey(SymbolName(table, table.symbols[i])), i});
+    std::ranges::sort(keys, [&table](const Key& a, const Key& b) {
+        if (a.start != b.start) return a.start < b.start;
+        const bool whole = (a.start & 0xFF) == 0;  // shorter than the key
+        const int order =
+            whole ? 0
+                  : CompareNames(SymbolName(table, table.symbols[a.index]), SymbolName(table, table.symbols[b.index]));
+        return order != 0 ? order < 0 : a.index < b.index;
+    });
+    table.byName.reserve(keys.size());
+    for (const Key& key : keys) table.byName.push_back(key.index);
+}
+
+// The symbols for which `compare(name)` is 0; the names are sorted by it.
+template <typename Compare>
+std::span<const std::uint32_t> EqualNames(const SymbolTable& table, Compare compare) {
+    const auto name = [&table](std::uint32_t index) { return SymbolName(table, table.symbols[index]); };
+    const auto first = std::partition_point(
+        table.byName.begin(), table.byName.end(), [&](std::uint32_t index) { return compare(name(index)) < 0; });
+    const auto last =
+        std::partition_point(first, table.byName.end(), [&](std::uint32_t index) { return compare(name(index)) == 0; });
+    return {first, last};
+}
+
+// The last symbol that begins on or before the line; kNoSymbol: none.
+std::uint32_t LastUpTo(const SymbolTable& table, std::uint32_t line) {
+    const auto after = std::ranges::upper_bound(table.symbols, line, {}, &Symbol::line);
+    return after == table.symbols.begin() ? kNoSymbol : static_cast<std::uint32_t>(after - table.symbols.begin()) - 1;
+}
+
+bool HoldsNames(const Symbol& symbol) { return IsProcedure(symbol.kind) || symbol.kind == SymbolKind::Macro; }
+
+bool IsInside(const SymbolTable& table, std::uint32_t index, std::uint32_t container) {
+    return container != kNoSymbol && index > container && index < table.symbols[container].next;
+}
+
+// Whether a name outside procedures may mean the symbol.
+bool IsMeantOutside(const Symbol& symbol) {
+    switch (symbol.kind) {
+        case SymbolKind::Local:
+        case SymbolKind::Parameter:
+        case SymbolKind::Member:
+        case SymbolKind::Include: return false;
+        case SymbolKind::Label: return symbol.container == kNoSymbol;
+        default: return true;
+    }
+}
+
+}  // namespace
+
+std::string_view SymbolName(const SymbolTable& table, const Symbol& symbol) {
+    return TextAt(table, symbol.texts, symbol.nameLength);
+}
+
+std::string_view SymbolType(const SymbolTable& table, const Symbol& symbol) {
+    return TextAt(table, symbol.texts + symbol.nameLength, symbol.typeLength);
+}
+
+std::string_view SymbolDetail(const SymbolTable& table, const Symbol& symbol) {
+    return TextAt(table, symbol.texts + symbol.nameLength + symbol.typeLength, symbol.detailLength);
+}
+
+int CompareNames(std::string_view a, std::string_view b) {
+    const std::size_t common = std::min(a.size(), b.size());
+    for (std::size_t i = 0; i < common; ++i)
+        if (const int order = static_cast<std::uint8_t>(UpperAscii(a[i])) - static_cast<std::uint8_t>(UpperAscii(b[i]));
+            order != 0)
+            return order;
+    return a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
+}
+
+std::span<const std::uint32_t> SymbolsNamed(const SymbolTable& table, std::string_view name) {
+    return EqualNames(
+        table, [name](std::string_view other) { return CompareNames(other, name); });
+}
+
+std::span<const std::uint32_t> SymbolsWithPrefix(const SymbolTable& table, std::string_view prefix) {
+    return EqualNames(
+        table, [prefix](std::string_view other) { return CompareNames(other.substr(0, prefix.size()), prefix); });
+}
+
+std::uint32_t ProcedureAtLine(const SymbolTable& table, std::uint32_t line) {
+    return SymbolAround(
+        table, LastUpTo(table, line),
+        [line](const Symbol& symbol) { return HoldsNames(symbol) && symbol.endLine >= line; });
+}
+
+std::uint32_t SymbolAtLine(const SymbolTable& table, std::uint32_t line) {
+    std::uint32_t index = LastUpTo(table, line);
+    while (index != kNoSymbol && table.symbols[index].line == line && IsVariable(table.symbols[index].kind))
+        index = index == 0 ? kNoSymbol : index - 1;
+    return SymbolAround(table, index, [line](const Symbol& symbol) {
+        return !IsVariable(symbol.kind) && symbol.line <= line && symbol.endLine >= line;
+    });
+}
+
+std::vector<std::uint32_t> SymbolsMeantAt(const SymbolTable& table, std::uint32_t line, std::string_view name) {
+    const std::uint32_t procedure = ProcedureAtLine(table, line);
+    const std::uint32_t object =
+        SymbolAround(table, procedure, [](const Symbol& symbol) { return symbol.kind == SymbolKind::Class; });
+    std::vector<std::uint32_t> own, ofClass, outside;
+    for (const std::uint32_t index : SymbolsNamed(table, name)) {
+        const Symbol& symbol = table.symbols[index];
+        const bool local = IsVariable(symbol.kind) || symbol.kind == SymbolKind::Label;
+        if (local && symbol.kind != SymbolKind::Global && IsInside(table, index, procedure))
+            own.push_back(index);
+        else if (symbol.kind == SymbolKind::Member && symbol.container == object && object != kNoSymbol)
+            ofClass.push_back(index);
+        else if (IsMeantOutside(symbol))
+            outside.push_back(index);
+    }
+    if (!own.empty()) return own;
+    if (!ofClass.empty()) return ofClass;
+    std::stable_partition(outside.begin(), outside.end(),
+                          [&](std::uint32_t i) { return !table.symbols[i].Is(kSymbolDeclare); });
+    return outside;
+}
+
+SymbolTable JoinSymbols(std::span<const std::shared_ptr<const SymbolPiece>> pieces) {
+    SymbolTable table;
+    std::size_t symbols = 0, texts = 0;
+    for (const auto& piece : pieces) {
+        symbols += piece->symbols.size();
+        texts += piece->arena.size();
+    }
+    table.symbols.reserve(symbols);
+    table.arena.reserve(texts);
+    Joining joining{table, {}};
+    for (const auto& piece : pieces) {
+        const auto start = static_cast<std::uint32_t>(table.arena.size());
+        for (const Symbol& symbol : piece->symbols) JoinSymbol(joining, symbol, table.lines, start);
+        table.arena += piece->arena;
+        table.lines += piece->lines;
+    }
+    while (!joining.open.empty()) CloseBody(joining, table.lines - std::min(table.lines, 1u));
+    SortByName(table);
+    return table;
+}
