@@ -17,7 +17,10 @@ const wchar_t* TransferProblem(std::uint32_t error) {
         case 12029: return L"nothing answers at that address";
         case 12030: return L"the connection was closed";
         case 12152: return L"the server's answer is no HTTP";
-        case 12175: return L"no secure connection could be made";
+        case 12157:  // what WinHTTP reports for a certificate differs from system to system
+        case 12175:
+            return L"no secure connection could be made, because the server's certificate is not trusted, has expired "
+                   L"or is for another server";
         default: return nullptr;
     }
 }
