@@ -108,3 +108,4 @@ void MeasureStop();
 void MeasureCode();
 void MeasureMaps();
 void MeasureDebugger();
+void MeasureAi();

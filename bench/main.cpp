@@ -1,4 +1,4 @@
-// Measures KVX-Editor and the floor program:  bench [start] [keys] [edits] [output] [stop] [debugger] [maps] [code]
+// Measures KVX-Editor and the floor program:  bench [start] [keys] [edits] [output] [stop] [debugger] [maps] [code] [ai]
 // Without a name all are measured.
 #include "bench.h"
 
@@ -13,8 +13,9 @@ struct Measurement {
     void (*run)();
 };
 constexpr Measurement kMeasurements[] = {
-    {"start", MeasureStart}, {"keys", MeasureKeys},         {"edits", MeasureEdits}, {"output", MeasureOutput},
-    {"stop", MeasureStop},   {"debugger", MeasureDebugger}, {"maps", MeasureMaps},   {"code", MeasureCode}};
+    {"start", MeasureStart},   {"keys", MeasureKeys}, {"edits", MeasureEdits},
+    {"output", MeasureOutput}, {"stop", MeasureStop}, {"debugger", MeasureDebugger},
+    {"maps", MeasureMaps},     {"code", MeasureCode}, {"ai", MeasureAi}};
 
 bool Wanted(int argc, char** argv, const std::string& name) {
     for (int i = 1; i < argc; ++i)
@@ -31,7 +32,7 @@ int main(int argc, char** argv) {
         if (!known) {
             std::fprintf(stderr,
                          "bench: there is no measurement \"%s\"; there are start, keys, edits, output, stop, debugger, "
-                         "maps, code\n",
+                         "maps, code, ai\n",
                          argv[i]);
             return 2;
         }
