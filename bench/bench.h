@@ -109,3 +109,4 @@ void MeasureCode();
 void MeasureMaps();
 void MeasureDebugger();
 void MeasureAi();
+void MeasureFiles();

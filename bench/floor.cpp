@@ -4,6 +4,9 @@
 //                             replaces each "total" or indents each line; prints the milliseconds of that or its undo
 //   floor.exe --output LINES  a Rich Edit fed that many lines, a tenth of them coloured, as RTF blocks of 1,000;
 //                             prints the milliseconds and ends
+//   floor.exe --search FOLDER TEXT
+//                             reads every file below the folder and looks for the text on two threads; prints the
+//                             milliseconds
 // Uses no code of the editor. Scintilla.dll is loaded from the folder above the one of this executable.
 #include <windows.h>
 
@@ -12,10 +15,16 @@
 
 #include <Scintilla.h>
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <thread>
+#include <utility>
+#include <vector>
 
 #include "support/flood_lines.h"
 
@@ -215,6 +224,89 @@ int EditFile(bool indent, bool undo, const wchar_t* path) {
     return 0;
 }
 
+// --- Searching files
+
+struct SearchFloor {
+    std::wstring folder;
+    std::string text;
+    std::mutex mutex;  // guards `files` and `walked`
+    std::vector<std::wstring> files;
+    bool walked = false;
+    std::atomic<int> hits{0};
+};
+
+void WalkFolder(SearchFloor& search, const std::wstring& folder) {
+    WIN32_FIND_DATAW found;
+    const HANDLE find = FindFirstFileExW((folder + L"\\*").c_str(), FindExInfoBasic, &found, FindExSearchNameMatch,
+                                         nullptr, FIND_FIRST_EX_LARGE_FETCH);
+    if (find == INVALID_HANDLE_VALUE) return;
+    do {
+        const std::wstring path = folder + L"\\" + found.cFileName;
+        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+            const std::lock_guard lock(search.mutex);
+            search.files.push_back(path);
+        } else if (found.cFileName[0] != L'.') {
+            WalkFolder(search, path);
+        }
+    } while (FindNextFileW(find, &found));
+    FindClose(find);
+}
+
+void SearchBytes(SearchFloor& search, const char* at, std::size_t size) {
+    const std::size_t length = search.text.size();
+    const char* const end = at + size;
+    while (static_cast<std::size_t>(end - at) >= length) {
+        at = static_cast<const char*>(std::memchr(at, search.text[0], static_cast<std::size_t>(end - at) - length + 1));
+        if (at == nullptr) return;
+        if (std::memcmp(at, search.text.data(), length) == 0) ++search.hits;
+        ++at;
+    }
+}
+
+void SearchFiles(SearchFloor& search) {
+    for (;;) {
+        std::wstring path;
+        bool walked = false;
+        {
+            const std::lock_guard lock(search.mutex);
+            walked = search.walked;
+            if (!search.files.empty()) {
+                path = std::move(search.files.back());
+                search.files.pop_back();
+            }
+        }
+        if (path.empty() && walked) return;
+        if (path.empty()) {
+            Sleep(1);
+            continue;
+        }
+        const FileBytes file = ReadWhole(path.c_str());
+        if (file.read) SearchBytes(search, file.bytes.get(), file.size);
+    }
+}
+
+int SearchFolder(const wchar_t* folder, const wchar_t* text) {
+    SearchFloor search;
+    search.folder = folder;
+    for (; *text != L'\0'; ++text) search.text += static_cast<char>(*text);
+    LARGE_INTEGER frequency, start, end;
+    QueryPerformanceFrequency(&frequency);
+    QueryPerformanceCounter(&start);
+    std::thread other([&search] { SearchFiles(search); });
+    WalkFolder(search, search.folder);
+    {
+        const std::lock_guard lock(search.mutex);
+        search.walked = true;
+    }
+    SearchFiles(search);
+    other.join();
+    QueryPerformanceCounter(&end);
+    if (search.hits == 0) return Fail("the text was not found");
+    std::printf("%.1f\n",
+                1000.0 * static_cast<double>(end.QuadPart - start.QuadPart) / static_cast<double>(frequency.QuadPart));
+    return 0;
+}
+
 }  // namespace
 
 int main() {
@@ -225,7 +317,10 @@ int main() {
     const bool indent = count == 4 && wcscmp(arguments[1], L"--indent") == 0;
     if (indent || (count == 4 && wcscmp(arguments[1], L"--replace") == 0))
         return EditFile(indent, wcscmp(arguments[2], L"undo") == 0, arguments[3]);
+    if (count == 4 && wcscmp(arguments[1], L"--search") == 0) return SearchFolder(arguments[2], arguments[3]);
     if (count == 2) return ShowFile(arguments[1]);
-    std::fprintf(stderr, "usage: floor FILE | floor --output LINES | floor --replace|--indent edit|undo FILE\n");
+    std::fprintf(stderr,
+                 "usage: floor FILE | floor --output LINES | floor --search FOLDER TEXT | floor --replace|--indent "
+                 "edit|undo FILE\n");
     return 2;
 }

@@ -1,4 +1,5 @@
 // Measures KVX-Editor and the floor program:  bench [start] [keys] [edits] [output] [stop] [debugger] [maps] [code] [ai]
+//   [files]
 // Without a name all are measured.
 #include "bench.h"
 
@@ -13,9 +14,9 @@ struct Measurement {
     void (*run)();
 };
 constexpr Measurement kMeasurements[] = {
-    {"start", MeasureStart},   {"keys", MeasureKeys}, {"edits", MeasureEdits},
-    {"output", MeasureOutput}, {"stop", MeasureStop}, {"debugger", MeasureDebugger},
-    {"maps", MeasureMaps},     {"code", MeasureCode}, {"ai", MeasureAi}};
+    {"start", MeasureStart}, {"keys", MeasureKeys},         {"edits", MeasureEdits}, {"output", MeasureOutput},
+    {"stop", MeasureStop},   {"debugger", MeasureDebugger}, {"maps", MeasureMaps},   {"code", MeasureCode},
+    {"ai", MeasureAi},       {"files", MeasureFiles}};
 
 bool Wanted(int argc, char** argv, const std::string& name) {
     for (int i = 1; i < argc; ++i)
@@ -32,7 +33,7 @@ int main(int argc, char** argv) {
         if (!known) {
             std::fprintf(stderr,
                          "bench: there is no measurement \"%s\"; there are start, keys, edits, output, stop, debugger, "
-                         "maps, code, ai\n",
+                         "maps, code, ai, files\n",
                          argv[i]);
             return 2;
         }

@@ -21,6 +21,7 @@
 #include "output/output_pane.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
+#include "search/files_search.h"
 #include "search/find.h"
 #include "session/session.h"
 #include "settings/version.h"
@@ -153,7 +154,7 @@ std::vector<CommandHandler> AllCommandHandlers() {
     std::vector<CommandHandler> all;
     for (const std::span<const CommandHandler> area :
          {std::span<const CommandHandler>(kFrameHandlers), RecentCommandHandlers(), ViewCommandHandlers(),
-          BuildCommandHandlers(), DebugCommandHandlers(), AiCommandHandlers()})
+          BuildCommandHandlers(), DebugCommandHandlers(), AiCommandHandlers(), FilesSearchCommandHandlers()})
         all.insert(all.end(), area.begin(), area.end());
     return all;
 }
@@ -174,7 +175,7 @@ void MainWnd_OnCommand(int command, int notification, HWND control) {
     if (!CommandStateOf(command, CurrentCommandView()).enabled) return;
     if (RunCommandHandler(kFrameHandlers, command) || RunCommandHandler(RecentCommandHandlers(), command) ||
         RunCommandHandler(ViewCommandHandlers(), command) || CmdHandle_Build(command) || CmdHandle_Debug(command) ||
-        CmdHandle_AI(command))
+        CmdHandle_AI(command) || RunCommandHandler(FilesSearchCommandHandlers(), command))
         MainWindow_RequestStateRefresh();
 }
 

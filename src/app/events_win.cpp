@@ -20,6 +20,7 @@
 #include "output/output_feed.h"
 #include "output/output_pane.h"
 #include "output/show_timer.h"
+#include "search/files_search.h"
 #include "session/project_tree.h"
 #include "tabs/tab_bar.h"
 #include "ui/panes.h"
@@ -46,11 +47,13 @@ void OnDocumentClosed(DocumentId, int index) { TabBarOnClosed(index); }
 void OnTextLeaving(DocumentId document) {
     BreakpointsKeepLines(document);
     AiOnTextLeaving(document);
+    FilesSearchOnTextLeaving(document);
 }
 
 void OnTextArrived(DocumentId document) {
     BreakpointsRestoreMarkers(document);
     DebugRestoreLocation(document);
+    FilesSearchOnTextArrived(document);
 }
 
 void OnDocumentNotice(DocumentId document, const wchar_t* notice) {

@@ -14,6 +14,7 @@
 #include "files/libraries.h"
 #include "files/share_probe.h"
 #include "resources/ids.h"
+#include "search/files_search.h"
 #include "search/find.h"
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
@@ -149,7 +150,7 @@ int RunMessageLoop() {
         if (!PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE)) MainWnd_RunPendingRefresh();
         if (GetMessageW(&message, nullptr, 0, 0) <= 0) return static_cast<int>(message.wParam);
         if (accelerators != nullptr && TranslateAcceleratorW(g_app.hMainWnd, accelerators, &message) != 0) continue;
-        if (TranslateExtraKey(message) || FindDialogIsMessage(&message)) continue;
+        if (TranslateExtraKey(message) || FindDialogIsMessage(&message) || FilesDialogIsMessage(&message)) continue;
         TranslateMessage(&message);
         DispatchMessageW(&message);
         // An editor tells of its selection and its text itself, at each change.

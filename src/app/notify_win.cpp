@@ -17,6 +17,7 @@
 #include "files/file_io.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
+#include "search/files_search.h"
 #include "settings/settings_state.h"
 #include "tabs/tab_bar.h"
 
@@ -57,6 +58,12 @@ void OnLinesMoved(HWND editor, DocumentId document, const SCNotification& change
     const bool atLineStart = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line - 1)) == change.position;
     BreakpointsOnLinesMoved(document, LineBeforeMoved(line, change.linesAdded, atLineStart),
                             static_cast<int>(change.linesAdded));
+}
+
+void TellSearch(DocumentId document, const SCNotification& change) {
+    const bool inserted = (change.modificationType & SC_MOD_INSERTTEXT) != 0;
+    if (inserted || (change.modificationType & SC_MOD_DELETETEXT) != 0)
+        FilesSearchOnEdit(document, change.position, inserted ? change.length : 0, inserted ? 0 : change.length);
 }
 
 void OnMarginClick(HWND editor, DocumentId document, const SCNotification& click) {
@@ -111,6 +118,7 @@ void OnEditorNotification(const SCNotification& notification) {
         case SCN_MODIFIED:
             EditorPaneOnModified(editor, notification);
             OnLinesMoved(editor, document, notification);
+            TellSearch(document, notification);
             AiOnTextEdited(document, notification);
             break;
         case SCN_PAINTED: BreakpointsOnPainted(document); break;

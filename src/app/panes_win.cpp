@@ -11,6 +11,7 @@
 #include "output/last_build.h"
 #include "output/output_pane.h"
 #include "resources/ids.h"
+#include "search/files_search.h"
 #include "session/project_tree.h"
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
@@ -141,6 +142,16 @@ constexpr PaneSpec kPanes[] = {
      .setting = &Settings::showProjectTree,
      .command = IDM_VIEW_TREE,
      .handleNotify = ProjectTreeHandleNotify},
+    {.id = PaneId::FilesResults,
+     .title = L"Search Results",
+     .area = PaneArea::Bottom,
+     .controlId = IDC_FILES_PANE,
+     .window = &g_app.hFilesPane,
+     .create = FilesPaneCreate,
+     .lazy = true,
+     .applyTheme = FilesPaneApplyTheme,
+     .command = IDM_VIEW_FILES_RESULTS,
+     .onShown = FilesPaneFocus},
 };
 
 constexpr bool PanesAreInOrder() {

@@ -50,6 +50,10 @@ constexpr CommandRow kCommands[] = {
     {IDM_EDIT_GOTO, kEdits},
     {IDM_FIND_NEXT, kEdits},
     {IDM_FIND_PREVIOUS, kEdits},
+    {IDM_FILES_FIND, kAlways},
+    {IDM_FILES_REPLACE, kAlways},
+    {IDM_FILES_NEXT, kAlways},  // says why there is none
+    {IDM_FILES_PREVIOUS, kAlways},
     {IDM_BOOKMARK_TOGGLE, kHasTab},
     {IDM_BOOKMARK_NEXT, kHasTab},
     {IDM_BOOKMARK_PREVIOUS, kHasTab},
@@ -64,6 +68,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_VIEW_TREE, kAlways, ShowsPane<PaneId::Tree>},
     {IDM_VIEW_TERMINAL, kAlways, ShowsPane<PaneId::Terminal>},
     {IDM_VIEW_ERROR_LIST, kAlways, ShowsPane<PaneId::ErrorList>},
+    {IDM_VIEW_FILES_RESULTS, kAlways, ShowsPane<PaneId::FilesResults>},
     {IDM_VIEW_WHITESPACE, kAlways, [](const CommandView& v) { return v.whitespace; }},
     {IDM_VIEW_WORD_WRAP, kAlways, [](const CommandView& v) { return v.wrap; }},
     {IDM_VIEW_ZOOM_IN, kAlways},
@@ -223,6 +228,10 @@ constexpr ExtraKey kExtraKeys[] = {
     {'R', true, false, false, IDM_FILE_RELOAD},
     {'C', false, true, true, IDM_TAB_COPY_PATH},
     {L'R', true, true, false, IDM_RUN_IN_OUTPUT},
+    {'H', true, true, false, IDM_FILES_FIND},
+    {'J', true, true, false, IDM_FILES_REPLACE},
+    {kF8, true, false, false, IDM_FILES_NEXT},
+    {kF8, true, true, false, IDM_FILES_PREVIOUS},
 };
 
 }  // namespace

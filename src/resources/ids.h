@@ -13,6 +13,7 @@
 #define IDD_EXCEPTIONS 3170
 #define IDD_PROGRAM 3160
 #define IDD_RECORDING 3210
+#define IDD_FILES_SEARCH 3300
 
 // --- Commands: File
 #define IDM_FILE_NEW 1001
@@ -47,7 +48,12 @@
 #define IDM_BOOKMARKS_CLEAR 1043
 #define IDM_EDIT_FORMAT_DOCUMENT 1230
 #define IDM_EDIT_FORMAT_SELECTION 1231
+#define IDM_FILES_FIND 1070
+#define IDM_FILES_REPLACE 1071
+#define IDM_FILES_NEXT 1072
+#define IDM_FILES_PREVIOUS 1073
 // --- View
+#define IDM_VIEW_FILES_RESULTS 1074
 #define IDM_VIEW_TOOLBAR 1201
 #define IDM_VIEW_STATUS_BAR 1202
 #define IDM_VIEW_OUTPUT 1203
@@ -174,6 +180,12 @@
 #define IDC_ERROR_LIST 2305
 #define IDC_PROJECT_TREE 2306
 #define IDC_DEBUG_PANE 2307
+#define IDC_FILES_PANE 2330
+// Children of the pane with the results of a search over files.
+#define IDC_FILES_LIST 2331
+#define IDC_FILES_AGAIN 2332  // stops the search while it runs
+#define IDC_FILES_REPLACE_NOW 2333
+#define IDC_FILES_UNREADABLE 2334
 // Children of the debug pane.
 #define IDC_DEBUG_TABS 2401
 #define IDC_DEBUG_LIST 2402     // list view, for all views but the memory
@@ -217,6 +229,26 @@
 #define IDC_FIND_WITH_LABEL 3111
 #define IDC_FIND_SELECTION 3112
 
+// --- Controls of the dialog of a search over files
+#define IDC_FILES_WHAT 3301
+#define IDC_FILES_WITH 3302
+#define IDC_FILES_WITH_LABEL 3303
+#define IDC_FILES_CASE 3304
+#define IDC_FILES_WORD 3305
+#define IDC_FILES_REGEX 3306
+#define IDC_FILES_SCOPE 3307
+#define IDC_FILES_FOLDER 3308
+#define IDC_FILES_BROWSE 3309
+#define IDC_FILES_ONLY 3310
+#define IDC_FILES_EXCEPT 3311
+#define IDC_FILES_SUBFOLDERS 3312
+#define IDC_FILES_GITIGNORE 3313
+#define IDC_FILES_HIDDEN 3314
+#define IDC_FILES_RECENT 3315
+#define IDC_FILES_STATUS 3316
+#define IDC_FILES_REPLACING 3317
+#define IDC_FILES_FOLDER_LABEL 3318
+
 // --- Controls of the conditional-breakpoint dialog
 #define IDC_CONDITION_TEXT 3141
 #define IDC_CONDITION_PLACE 3142
@@ -255,6 +287,9 @@
 #define MSG_SETTINGS_LOOKED (0x8000 + 40)  // to the settings dialog; wParam: PathSight*, deleted by the receiver
 #define MSG_SETTINGS_MODELS (0x8000 + 42)  // to the settings dialog; wParam: ModelsReply*, deleted by the receiver
 #define MSG_SETTINGS_TESTED (0x8000 + 41)  // to the settings dialog; wParam: CompilerReply*, deleted by the receiver
+#define MSG_FILES_ENDED (0x8000 + 70)      // to the pane of results; wParam: the number of the search that has ended
+#define MSG_FILES_TEXTS (0x8000 + 71)      // to the pane of results: copy more of the open documents for a search
+#define MSG_FILES_REPLACED (0x8000 + 72)   // to the pane of results: the files that are not open have been replaced in
 // A key that was put off while a debugged program started. wParam: virtual key, lParam: LATE_KEY bits
 #define MSG_LATE_KEY (0x8000 + 31)
 #define LATE_KEY_CONTROL 1

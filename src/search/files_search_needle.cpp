@@ -31,13 +31,9 @@ __m128i EqualsEither(__m128i bytes, __m128i one, __m128i other) {
 
 unsigned MaskOf(__m128i bytes) { return static_cast<unsigned>(_mm_movemask_epi8(bytes)); }
 
-enum class ByteClass : unsigned char { Space, Word, Mark };
-ByteClass ClassOf(char byte) {
+bool IsWordByte(char byte) {
     const auto c = static_cast<unsigned char>(byte);
-    if (c <= ' ' || c == 0x7F) return ByteClass::Space;
-    const bool isWord =
-        c >= 0x80 || c == '_' || (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-    return isWord ? ByteClass::Word : ByteClass::Mark;
+    return c >= 0x80 || c == '_' || (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
 // The character in the other case, when that has as many bytes.
@@ -109,10 +105,9 @@ std::size_t TextNeedle::Find(std::string_view text, std::size_t from) const {
 
 bool IsWholeWord(std::string_view text, std::size_t start, std::size_t end) {
     if (start >= end) return false;
-    const ByteClass first = ClassOf(text[start]);
-    const ByteClass last = ClassOf(text[end - 1]);
-    if (first == ByteClass::Space || last == ByteClass::Space) return false;
-    return (start == 0 || ClassOf(text[start - 1]) != first) && (end == text.size() || ClassOf(text[end]) != last);
+    const bool goesOnBefore = start > 0 && IsWordByte(text[start - 1]) && IsWordByte(text[start]);
+    const bool goesOnAfter = end < text.size() && IsWordByte(text[end - 1]) && IsWordByte(text[end]);
+    return !goesOnBefore && !goesOnAfter;
 }
 
 std::size_t FindNul(std::string_view bytes) {

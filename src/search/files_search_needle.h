@@ -29,7 +29,7 @@ private:
     bool isAscii_ = true;
 };
 
-// Whether a word, as the editor selects one, begins or ends exactly at these bounds.
+// Whether no word goes on before the first byte or behind the last one. All characters beyond ASCII belong to words.
 bool IsWholeWord(std::string_view text, std::size_t start, std::size_t end);
 
 // The place of the first NUL, or npos.

@@ -1,5 +1,6 @@
 #include "search/files_search_text.h"
 
+#include "base/utf8.h"
 #include "files/utf16.h"
 
 #include <algorithm>
@@ -59,32 +60,84 @@ void ShowLineOfHit(std::string_view text, FileHit& hit) {
 }
 
 std::optional<TextMatcher> TextMatcher::Of(const FilesQuery& query, std::wstring* fault) {
-    if (query.text.empty()) {
-        if (fault != nullptr) *fault = L"Nothing to find";
-        return std::nullopt;
-    }
     TextMatcher matcher;
-    matcher.needle_.emplace(query.text, query.matchCase, query.wholeWord);
+    if (query.regex || query.text.empty()) {
+        const FindOptions options{query.matchCase, query.wholeWord, query.regex};
+        RegexFault why;
+        RegexHandle code = RegexCompile(query.text, options, why);
+        if (code == nullptr) {
+            if (fault != nullptr)
+                *fault = why.text + (why.position > 0 ? L", at character " + std::to_wstring(why.position + 1) : L"");
+            return std::nullopt;
+        }
+        matcher.expression_ = std::make_unique<RegexSearch>(std::move(code));
+    } else {
+        matcher.needle_.emplace(query.text, query.matchCase, query.wholeWord);
+    }
+    matcher.with_ = query.with;
     return matcher;
 }
 
-std::optional<TextSpan> TextMatcher::Next(std::string_view text, std::size_t from, const SearchStopped& stopped) const {
+void TextMatcher::Begin(std::string_view text, SearchStopped stopped) {
+    text_ = text;
+    stopped_ = std::move(stopped);
+    from_ = 0;
+    tooComplex_ = false;
+    if (expression_ == nullptr) return;
+    expressionText_ = std::make_unique<RegexText>(RegexTextOf(text));
+    expression_->Begin(*expressionText_, {0, static_cast<std::ptrdiff_t>(text.size())}, false,
+                       [this](std::ptrdiff_t) { return stopped_ == nullptr || !stopped_(); });
+}
+
+std::optional<TextSpan> TextMatcher::Next() { return needle_ ? NextText() : NextOfExpression(); }
+
+std::optional<TextSpan> TextMatcher::NextText() {
     const std::size_t length = needle_->Length();
     for (;;) {
         // A whole word needs the byte after it, so the piece has one more; a match that touches its end is found again.
-        const std::size_t end = std::min(text.size(), from + kPiece + length + 1);
-        const std::size_t at = needle_->Find(text.substr(0, end), from);
-        if (at != std::string_view::npos && (end == text.size() || at + length < end)) return TextSpan{at, length};
-        if (end == text.size() || (stopped != nullptr && stopped())) return std::nullopt;
-        from = end - length;
+        const std::size_t end = std::min(text_.size(), from_ + kPiece + length + 1);
+        const std::size_t at = needle_->Find(text_.substr(0, end), from_);
+        if (at != std::string_view::npos && (end == text_.size() || at + length < end)) {
+            from_ = at + length;
+            return TextSpan{at, length};
+        }
+        if (end == text_.size() || (stopped_ != nullptr && stopped_())) return std::nullopt;
+        from_ = end - length;
     }
 }
 
-FileHits HitsInText(std::string_view utf8, const TextMatcher& matcher, std::size_t most, const SearchStopped& stopped) {
+std::optional<TextSpan> TextMatcher::NextOfExpression() {
+    const RegexResult result = expression_->Next();
+    tooComplex_ = result == RegexResult::TooComplex;
+    if (result != RegexResult::Match) return std::nullopt;
+    const FindSpan match = expression_->Match();
+    return TextSpan{static_cast<std::size_t>(match.start), static_cast<std::size_t>(match.end - match.start)};
+}
+
+std::string TextMatcher::Preview() const {
+    if (expression_ == nullptr || !with_) return {};
+    std::string text = Replacement(*with_, " ");
+    if (text.size() > kShownBytes) text.resize(WholeCharacters(std::string_view{text}.substr(0, kShownBytes)));
+    return text;
+}
+
+std::string TextMatcher::Replacement(std::string_view with, std::string_view breaks) const {
+    if (expression_ == nullptr) return std::string{with};
+    const std::string expanded = ExpandReplacement(with, [this](int group) { return expression_->GroupText(group); });
+    std::string text;
+    for (const char c : expanded)
+        if (c == '\n')
+            text += breaks;
+        else
+            text += c;
+    return text;
+}
+
+FileHits HitsInText(std::string_view utf8, TextMatcher& matcher, std::size_t most, const SearchStopped& stopped) {
     FileHits found;
     std::size_t counted = 0, line = 0;
-    std::size_t from = 0;
-    while (const std::optional<TextSpan> match = matcher.Next(utf8, from, stopped)) {
+    matcher.Begin(utf8, stopped);
+    while (const std::optional<TextSpan> match = matcher.Next()) {
         if (found.hits.size() == most) {
             found.more = true;
             break;
@@ -96,20 +149,23 @@ FileHits HitsInText(std::string_view utf8, const TextMatcher& matcher, std::size
         hit.length = static_cast<std::uint32_t>(match->length);
         hit.line = static_cast<std::uint32_t>(line);
         ShowLineOfHit(utf8, hit);
+        hit.preview = matcher.Preview();
         found.hits.push_back(std::move(hit));
-        from = match->start + std::max<std::size_t>(match->length, 1);
-        if (match->length == 0) from = CharacterFrom(utf8, from, utf8.size());
-        if (from > utf8.size() || (stopped != nullptr && stopped())) break;
+        if (stopped != nullptr && stopped()) break;
     }
+    if (matcher.TooComplex()) found.kind = FileKind::TooComplex;
     return found;
 }
 
-FileHits HitsInBytes(std::string_view bytes, const TextMatcher& matcher, const AnsiDecoder& ansi, std::size_t most,
+FileHits HitsInBytes(std::string_view bytes, TextMatcher& matcher, const AnsiDecoder& ansi, std::size_t most,
                      const SearchStopped& stopped) {
     const bool marked = bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
     if (!marked && FindNul(bytes.substr(0, kSniffed)) == std::string_view::npos) {
         // Most files are decoded as they are, or have no match.
-        if (matcher.FindsInBytes() && !matcher.Next(bytes, 0, stopped)) return {};
+        if (matcher.FindsInBytes()) {
+            matcher.Begin(bytes, stopped);
+            if (!matcher.Next()) return {};
+        }
         if (IsValidUtf8Bytes(bytes.data(), bytes.size())) return HitsInText(bytes, matcher, most, stopped);
     }
     SourceText text;

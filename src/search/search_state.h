@@ -4,6 +4,7 @@
 #include <windows.h>
 
 struct SearchState {
+    HWND hFilesPane = nullptr;   // results of a search over files; null until it was shown
     HWND hFindDialog = nullptr;  // modeless; null while closed
 };
 // A part of `g_app` (app/app_state.h).

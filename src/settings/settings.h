@@ -9,6 +9,7 @@
 
 inline constexpr int kMruCapacity = 10;
 inline constexpr int kSearchHistoryCapacity = 20;
+inline constexpr int kFilesSearchCapacity = 12;
 inline constexpr int kColorOverrides = 7;
 
 struct CompilerSettings {
@@ -81,6 +82,8 @@ struct Settings {
     std::int32_t colors[kColorOverrides];  // COLORREF of each kOverriddenRoles; 0: that of the style
     std::int32_t searchHistoryCount;
     wchar_t searchHistory[kSearchHistoryCapacity][256];
+    std::int32_t filesSearchCount;
+    wchar_t filesSearches[kFilesSearchCapacity][1024];  // with all options (search/files_options.h), newest first
     std::int32_t backupOnSave;
     wchar_t programArguments[1024];        // of a program that is debugged or run
     wchar_t programFolder[kPathCapacity];  // in which it starts; empty: its own

@@ -133,6 +133,7 @@ constexpr SettingLimits Else(std::int32_t low, std::int32_t high, std::int32_t o
     return {low, high, other, other};
 }
 constexpr SettingLimits kSearchHistoryLimits = {.high = kSearchHistoryCapacity, .above = kSearchHistoryCapacity};
+constexpr SettingLimits kFilesSearchLimits = {.high = kFilesSearchCapacity, .above = kFilesSearchCapacity};
 
 #define FIELD(name) offsetof(Settings, name)
 constexpr SettingRow kOtherRows[] = {
@@ -183,6 +184,8 @@ constexpr SettingRow kOtherRows[] = {
     ColorRow(L"Identifier", 6),
     IntRow(kEditor, L"SearchHistoryCount", FIELD(searchHistoryCount), 0, kSearchHistoryLimits),
     ListRow(kEditor, L"SearchHistory%d", FIELD(searchHistory), FIELD(searchHistoryCount), kSearchHistoryCapacity, 256),
+    IntRow(kEditor, L"FilesSearchCount", FIELD(filesSearchCount), 0, kFilesSearchLimits),
+    ListRow(kEditor, L"FilesSearch%d", FIELD(filesSearches), FIELD(filesSearchCount), kFilesSearchCapacity, 1024),
     BoolRow(kEditor, L"BackupOnSave", FIELD(backupOnSave), 0),
     BoolRow(kEditor, L"BackupSettings", FIELD(backupSettings), 0),
     BoolRow(kEditor, L"StepsFollowProgram", FIELD(stepsFollowProgram), 0),

@@ -2,6 +2,9 @@
 #include "base/path.h"
 #include "base/utf8.h"
 #include "search/file_walk.h"
+#include "search/files_options.h"
+#include "search/files_replace.h"
+#include "search/files_results.h"
 #include "search/files_search_text.h"
 #include "search/ignore_rules.h"
 
@@ -106,7 +109,7 @@ TEST(FilesSearch, FindsWhatALookAtEveryPlaceFinds) {
         const std::string hay = text(pick(90), kinds);
         const FilesQuery query{text(1 + pick(4), kinds), pick(2) == 0, pick(2) == 0};
         std::string found, expected;
-        const auto matcher = TextMatcher::Of(query, nullptr);
+        auto matcher = TextMatcher::Of(query, nullptr);
         for (const FileHit& hit : HitsInText(hay, *matcher, 1000, nullptr).hits)
             found += std::to_string(hit.start) + ":" + std::to_string(hit.line) + " ";
         std::size_t line = 0;
@@ -129,7 +132,8 @@ TEST(FilesSearch, ReadsEncodingsAsTheEditor) {
         return true;
     };
     const auto find = [&](std::string_view bytes, const char* what) {
-        const FileHits found = HitsInBytes(bytes, *TextMatcher::Of({what}, nullptr), latin, 10, nullptr);
+        auto matcher = TextMatcher::Of({what}, nullptr);
+        const FileHits found = HitsInBytes(bytes, *matcher, latin, 10, nullptr);
         if (found.kind != FileKind::Text) return std::string{"no text"};
         std::string places;
         for (const FileHit& hit : found.hits)
@@ -149,7 +153,8 @@ TEST(FilesSearch, ReadsEncodingsAsTheEditor) {
 
 TEST(FilesSearch, BoundsWhatItShowsAndFinds) {
     const auto first = [](const std::string& text, const char* what) {
-        return HitsInText(text, *TextMatcher::Of({what}, nullptr), 1, nullptr).hits.at(0);
+        auto matcher = TextMatcher::Of({what}, nullptr);
+        return HitsInText(text, *matcher, 1, nullptr).hits.at(0);
     };
     const std::string umlauts = [] {
         std::string text;
@@ -165,20 +170,122 @@ TEST(FilesSearch, BoundsWhatItShowsAndFinds) {
     EXPECT_EQ(longer.length, umlauts.size());
 
     const std::string many(3 << 20, 'x');
-    const auto matcher = TextMatcher::Of({"x"}, nullptr);
+    auto matcher = TextMatcher::Of({"x"}, nullptr);
     const FileHits some = HitsInText(many, *matcher, 7, nullptr);
     EXPECT_EQ(some.hits.size(), 7U);
     EXPECT_TRUE(some.more);
     EXPECT_FALSE(HitsInText("xx", *matcher, 2, nullptr).more);
     int asked = 0;
-    const auto absent = TextMatcher::Of({"y"}, nullptr);
+    auto absent = TextMatcher::Of({"y"}, nullptr);
     EXPECT_TRUE(HitsInText(many + "y", *absent, 7, [&] { return ++asked == 2; }).hits.empty());
     EXPECT_EQ(asked, 2) << "a search ends within a piece";
     const std::string across = std::string((1 << 20) + 1, ' ') + "word" + std::string(1 << 20, ' ');
+    auto word = TextMatcher::Of({"word", true, true}, nullptr);
     for (std::size_t shift = 0; shift < 8; ++shift)
-        EXPECT_EQ(
-            HitsInText(across.substr(shift), *TextMatcher::Of({"word", true, true}, nullptr), 9, nullptr).hits.size(),
-            1U);
+        EXPECT_EQ(HitsInText(across.substr(shift), *word, 9, nullptr).hits.size(), 1U) << shift;
+}
+
+TEST(FilesSearch, FindsAndReplacesByExpressions) {
+    FilesQuery query{"^(\\w+)=$|b*", true, false, true, "<\\1\\n>"};
+    auto matcher = TextMatcher::Of(query, nullptr);
+    const std::string text = "ab=\r\nbb";
+    std::string found;
+    for (const FileHit& hit : HitsInText(text, *matcher, 99, nullptr).hits)
+        found += std::to_string(hit.start) + "+" + std::to_string(hit.length) + ":" + hit.preview + " ";
+    EXPECT_EQ(found, "0+3:<ab > 5+2:< > ") << "an empty match right after a match does not count";
+    const std::size_t starts[] = {0, 5, 6};
+    EXPECT_EQ(ReplacedText(text, ReplacementsAt(text, query, "\r\n", starts)), "<ab\r\n>\r\n<\r\n>");
+    std::wstring fault;
+    query.text = "a(b";
+    EXPECT_FALSE(TextMatcher::Of(query, &fault));
+    EXPECT_NE(fault.find(L"character 4"), std::wstring::npos);
+    query.text = "";
+    EXPECT_FALSE(TextMatcher::Of(query, &fault));
+
+    const FilesQuery plain{"a", false, false, false, "\\1"};
+    auto plainMatcher = TextMatcher::Of(plain, nullptr);
+    const std::vector<FileHit> hits = HitsInText("a1A", *plainMatcher, 9, nullptr).hits;
+    EXPECT_TRUE(HasSameHits("a1A", plain, hits));
+    EXPECT_FALSE(HasSameHits("a1Aa", plain, hits)) << "one more";
+    EXPECT_FALSE(HasSameHits("a2A", plain, hits)) << "in another line";
+    const std::size_t second[] = {2};
+    EXPECT_EQ(ReplacedText("a1A", ReplacementsAt("a1A", plain, "\n", second)), "a1\\1") << "a plain text has no groups";
+}
+
+TEST(FilesResults, KeepRowsInOrder) {
+    const auto file = [](const wchar_t* key, std::size_t hits) {
+        return ResultFile{
+            .path = key, .key = key, .hits = std::vector<FileHit>(hits), .ticked = std::vector<bool>(hits, true)};
+    };
+    FilesResults results;
+    results.Add({file(L"c", 1), file(L"a", 2)});
+    results.Add({file(L"b", 1)});
+    const auto rows = [&] {
+        std::wstring text;
+        for (std::size_t i = 0; i < results.RowCount(); ++i) {
+            const ResultRow row = results.RowAt(i);
+            EXPECT_EQ(results.IndexOf(row), i);
+            text += row.hit ? std::to_wstring(*row.hit) : results.files[row.file].key;
+        }
+        return text;
+    };
+    EXPECT_EQ(rows(), L"a01b0c0");
+    std::wstring walked;
+    for (auto row = results.Beside(std::nullopt, true); row; row = results.Beside(row, true))
+        walked += results.files[row->file].key + std::to_wstring(*row->hit);
+    for (auto row = results.Beside(std::nullopt, false); row; row = results.Beside(row, false))
+        walked += results.files[row->file].key + std::to_wstring(*row->hit);
+    EXPECT_EQ(walked, L"a0a1b0c0c0b0a1a0");
+    results.files[0].folded = true;
+    results.Remove({1, 0});
+    EXPECT_EQ(rows(), L"ac0") << "a file goes with its last hit";
+    results.files[0].ticked[0] = false;
+    results.files[0].folded = false;
+    results.RemoveTicked(0);
+    results.RemoveTicked(1);
+    EXPECT_EQ(rows(), L"a0");
+    EXPECT_EQ(PathBelow(L"C:\\P\\x.bas", L"c:\\p\\"), L"x.bas");
+    EXPECT_EQ(PathBelow(L"C:\\Pq\\x.bas", L"C:\\P"), L"C:\\Pq\\x.bas");
+}
+
+TEST(FilesResults, PlacesFollowEdits) {
+    std::mt19937 random{7};
+    const auto pick = [&](std::ptrdiff_t most) {
+        return std::uniform_int_distribution<std::ptrdiff_t>{0, most}(random);
+    };
+    for (int round = 0; round < 300; ++round) {
+        std::vector<std::ptrdiff_t> places;
+        for (std::ptrdiff_t at = pick(5); places.size() < 20; at += pick(4))
+            places.insert(places.end(), {at, at += 1 + pick(3)});
+        MovedPlaces moved(places);
+        for (int edit = 0; edit < 30; ++edit) {
+            const std::ptrdiff_t position = pick(60), length = 1 + pick(5);
+            const bool removes = pick(1) == 0;
+            const std::vector<std::ptrdiff_t> before = places;
+            for (std::size_t i = 0; i < places.size(); ++i) {
+                const bool isEmpty = before[i & ~1U] == before[i | 1U];
+                if (removes)
+                    places[i] = before[i] <= position ? before[i] : std::max(before[i] - length, position);
+                else if (before[i] > position || (before[i] == position && i % 2 == 0 && !isEmpty))
+                    places[i] += length;
+            }
+            if (removes)
+                moved.Removed(position, length);
+            else
+                moved.Inserted(position, length);
+            for (std::size_t i = 0; i < places.size(); ++i) ASSERT_EQ(moved.At(i), places[i]) << round << " " << i;
+        }
+    }
+}
+
+TEST(FilesOptions, RecentSearchesBringBackAllOptions) {
+    FilesOptions all{L"a|b\\ ", L" ",  true, true, true, FilesScope::Folder, L"C:\\x|", L"*.bas",
+                     L"",       false, true, true, true};
+    EXPECT_EQ(RecentSearchOf(RecentSearchText(all)), all);
+    const FilesOptions some{.what = L"\u00e4"};
+    EXPECT_EQ(RecentSearchOf(RecentSearchText(some)), some);
+    for (const wchar_t* foreign : {L"", L"x", L"P|", L"Pc||||||", L"Q|a|||||", L"P|a||||||"})
+        EXPECT_EQ(RecentSearchOf(foreign), std::nullopt) << testing::PrintToString(std::wstring{foreign});
 }
 
 }  // namespace

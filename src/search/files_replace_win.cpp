@@ -1,0 +1,248 @@
+// Replacing in files: open documents on the UI thread, each as one undo step, and then the other files on a worker, each
+// by a safe save.
+#include "search/files_replace.h"
+
+#include "base/path.h"
+#include "base/worker.h"
+#include "documents/document_row.h"
+#include "documents/save_rules.h"
+#include "files/file_io.h"
+#include "files/recovery.h"
+#include "resources/ids.h"
+#include "scintilla/sci.h"
+#include "search/files_internal.h"
+#include "ui/long_work.h"
+#include "ui/message.h"
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t kMostTold = 10;  // files with a fault
+
+struct ReplaceTask {
+    std::wstring path, key;
+    std::vector<FileHit> hits;
+    std::vector<bool> ticked;
+};
+
+struct ReplaceOutcome {
+    std::wstring path, key;
+    std::size_t replaced = 0;
+    std::wstring fault;  // a sentence; empty: it was written
+};
+using ReplaceOutcomes = std::vector<ReplaceOutcome>;
+
+struct ReplaceRequest {
+    HWND window = nullptr;
+    FilesQuery query;
+    std::vector<ReplaceTask> tasks;
+};
+
+struct ReplaceCourse {
+    Worker worker;
+    ReplaceOutcomes outcomes;  // of the open documents, and then of all
+};
+ReplaceCourse g_replace;
+
+std::string_view BreaksOf(LineEnding ending) {
+    return ending == LineEnding::Lf ? "\n" : ending == LineEnding::Cr ? "\r" : "\r\n";
+}
+
+std::vector<std::size_t> TickedStarts(const ReplaceTask& task) {
+    std::vector<std::size_t> starts;
+    for (std::size_t i = 0; i < task.hits.size(); ++i)
+        if (task.ticked[i]) starts.push_back(task.hits[i].start);
+    return starts;
+}
+
+// --- On the worker
+
+std::wstring SaveFault(const std::wstring& path, const SaveReport& report) {
+    const std::wstring copy = RecoveryLastPath();
+    std::wstring text = FailedSaveText(path.c_str(), report, {}, copy);
+    text.erase(0, text.find(L"\n\n") + 2);                                    // the line before names the file
+    if (copy.empty()) text.erase(std::min(text.find(L"\n\n"), text.size()));  // no window has the text
+    std::ranges::replace(text, L'\n', L' ');
+    return text;
+}
+
+std::wstring ReplaceInFile(const ReplaceTask& task, const FilesQuery& query, std::size_t* replaced) {
+    const DWORD attributes = GetFileAttributesW(PathExtended(task.path).c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0)
+        return L"the file is read-only";
+    std::vector<char> bytes;
+    std::size_t length = 0;
+    std::wstring fault = ReadSearchedFile(task.path, 0, false, nullptr, &bytes, &length);
+    if (!fault.empty()) return fault;
+    SourceText text;
+    if (!DecodeSource({bytes.data(), length}, SystemAnsiDecoder(), &text)) return L"its text cannot be decoded";
+    const std::string_view utf8 = text.asItIs ? std::string_view{bytes.data(), length} : std::string_view{text.utf8};
+    if (!HasSameHits(utf8, query, task.hits)) return L"it has changed since the search";
+    if (text.form.inexact) return L"it has bytes that saving would not give back";
+    const std::vector<TextReplacement> replacements =
+        ReplacementsAt(utf8, query, BreaksOf(text.lineEnding), TickedStarts(task));
+    const auto holds = [](const TextReplacement& each) { return AnsiCanHold(each.text); };
+    if (text.encoding == TextEncoding::Ansi && !std::ranges::all_of(replacements, holds))
+        return L"its encoding cannot hold the new text";
+    const std::string changed = ReplacedText(utf8, replacements);
+    DiskForm form = text.form;
+    form.keepBreaks = true;  // only the hits change, also in a file with mixed line breaks
+    SaveReport report;
+    if (!WriteSourceFileFromEditor(task.path.c_str(), changed.data(), changed.size(), text.encoding, text.lineEnding,
+                                   form, &report))
+        return SaveFault(task.path, report);
+    *replaced = replacements.size();
+    return {};
+}
+
+void ReplaceOnWorker(ReplaceRequest& request, const WorkerCancel& cancel) {
+    auto outcomes = std::make_unique<ReplaceOutcomes>();
+    for (const ReplaceTask& task : request.tasks) {
+        ReplaceOutcome outcome{task.path, task.key, 0, {}};
+        try {
+            outcome.fault = cancel.Asked() ? L"stopped" : ReplaceInFile(task, request.query, &outcome.replaced);
+        } catch (const std::bad_alloc&) {
+            outcome.fault = L"not enough memory";
+        }
+        outcomes->push_back(std::move(outcome));
+    }
+    WorkerPost(request.window, MSG_FILES_REPLACED, std::move(outcomes));
+}
+
+// --- Open documents
+
+ReplaceOutcome ReplaceInDocument(const ResultFile& file, const DocumentTab& tab, const FilesQuery& query) {
+    ReplaceOutcome outcome{file.path.empty() ? file.label : file.path, file.key, 0, {}};
+    if (SciSend(tab.editor, SCI_GETREADONLY) != 0) {
+        outcome.fault = L"the document is read-only";
+        return outcome;
+    }
+    std::vector<std::size_t> starts;
+    for (std::size_t i = 0; i < file.hits.size(); ++i)
+        if (file.ticked[i]) starts.push_back(static_cast<std::size_t>(file.places.At(2 * i)));
+    const LRESULT length = SciSend(tab.editor, SCI_GETLENGTH);
+    const auto* bytes = reinterpret_cast<const char*>(SciSend(tab.editor, SCI_GETRANGEPOINTER, 0, length));
+    const std::vector<TextReplacement> replacements =
+        ReplacementsAt({bytes, static_cast<std::size_t>(length)}, query, BreaksOf(tab.lineEnding), starts);
+    outcome.replaced = replacements.size();
+    SciSend(tab.editor, SCI_BEGINUNDOACTION);
+    for (auto each = replacements.rbegin(); each != replacements.rend(); ++each) {
+        SciSend(tab.editor, SCI_SETTARGETRANGE, each->span.start,
+                static_cast<LPARAM>(each->span.start + each->span.length));
+        SciSend(tab.editor, SCI_REPLACETARGET, each->text.size(), reinterpret_cast<LPARAM>(each->text.data()));
+    }
+    SciSend(tab.editor, SCI_ENDUNDOACTION);
+    if (outcome.replaced < starts.size()) outcome.fault = L"some hits have changed since the search and stay";
+    return outcome;
+}
+
+void ShowReplaceProgress(const wchar_t* text) { g_events.statusText(text); }
+
+void ReplaceInDocuments(const FilesQuery& query) {
+    LongWork work(L"Replacing", ShowReplaceProgress);
+    const std::vector<ResultFile>& files = g_files.results.files;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const int tab = files[i].document != 0 ? TabBarFindDocument(files[i].document) : -1;
+        if (tab < 0 || std::ranges::count(files[i].ticked, true) == 0) continue;
+        if (work.GoesOn(static_cast<double>(i) / static_cast<double>(files.size())))
+            g_replace.outcomes.push_back(ReplaceInDocument(files[i], TabAt(tab), query));
+        else
+            g_replace.outcomes.push_back({files[i].path, files[i].key, 0, L"stopped"});
+    }
+}
+
+// --- The end
+
+std::wstring CountText(std::size_t count, const wchar_t* one, const wchar_t* several) {
+    return std::to_wstring(count) + (count == 1 ? one : several);
+}
+
+void TellOutcome() {
+    std::size_t replaced = 0, files = 0, faults = 0;
+    std::wstring text;
+    for (const ReplaceOutcome& each : g_replace.outcomes) {
+        replaced += each.replaced;
+        if (each.replaced > 0) ++files;
+        if (each.fault.empty()) continue;
+        if (++faults <= kMostTold) text += L"\n" + each.path + L": " + each.fault;
+    }
+    if (faults > kMostTold) text += L"\n... and " + std::to_wstring(faults - kMostTold) + L" more";
+    const std::wstring done =
+        L"Replaced " + CountText(replaced, L" hit in ", L" hits in ") + CountText(files, L" file", L" files");
+    g_files.note = done + (faults > 0 ? L"; not in " + CountText(faults, L" file", L" files") : L"");
+    g_events.statusText(g_files.note.c_str());
+    FilesPaneUpdate();
+    if (faults > 0) TellUser(L"Replace in Files", (done + L". Not everywhere:\n" + text).c_str(), AskIcon::Warning);
+}
+
+// Takes away what was replaced. What was not stays for another try.
+void EndReplacing() {
+    g_files.current.reset();
+    for (const ReplaceOutcome& each : g_replace.outcomes) {
+        const std::size_t index = g_files.results.FindFile(each.key);
+        if (each.replaced == 0 || index >= g_files.results.files.size()) continue;
+        const DocumentId document = g_files.results.files[index].document;
+        g_files.results.RemoveTicked(index);
+        if (document != 0 && g_files.results.FindFile(each.key) >= g_files.results.files.size())
+            g_files.linked.erase(document);
+    }
+    g_files.replaceRuns = false;
+    TellOutcome();
+    g_replace = {};
+}
+
+bool UserAgrees(std::size_t hits, std::size_t files, std::size_t closed) {
+    std::wstring text =
+        L"Replace " + CountText(hits, L" hit in ", L" hits in ") + CountText(files, L" file?", L" files?");
+    if (closed > 0)
+        text +=
+            L"\n\n" +
+            (closed == files ? std::wstring{L"These files are"} : CountText(closed, L" of them is", L" of them are")) +
+            L" not open in the editor. They are changed on the disk at once, which Undo does not take back.";
+    if (g_files.tally.limited || g_files.stopped)
+        text += L"\n\nThe search did not come to its end, so there may be further hits, which stay.";
+    return AskUser({.caption = L"Replace in Files",
+                    .text = text.c_str(),
+                    .buttons = AskButtons::YesNo,
+                    .icon = AskIcon::Question,
+                    .inSelftest = Answer::No}) == Answer::Yes;
+}
+
+}  // namespace
+
+void FilesReplaceTicked() {
+    if (g_files.running || g_files.replaceRuns || !g_files.options.replacing) return;
+    ReplaceRequest request{FilesPaneWindow(), QueryOf(g_files.options), {}};
+    std::size_t hits = 0, files = 0;
+    for (const ResultFile& file : g_files.results.files) {
+        const auto ticked = static_cast<std::size_t>(std::ranges::count(file.ticked, true));
+        if (ticked == 0) continue;
+        hits += ticked;
+        ++files;
+        if (FilesEditorOf(file) == nullptr) request.tasks.push_back({file.path, file.key, file.hits, file.ticked});
+    }
+    if (hits == 0 || !UserAgrees(hits, files, request.tasks.size())) return;
+    g_files.replaceRuns = true;
+    ReplaceInDocuments(request.query);
+    // A document may have been closed or a file opened while the question was shown.
+    std::erase_if(request.tasks, [](const ReplaceTask& task) { return TabBarFindPath(task.path.c_str()) >= 0; });
+    if (request.tasks.empty()) return EndReplacing();
+    g_files.note = L"Replacing in " + CountText(request.tasks.size(), L" file...", L" files...");
+    FilesPaneUpdate();
+    g_replace.worker = WorkerStart<ReplaceOnWorker>(std::move(request));
+    if (g_replace.worker) return;
+    g_replace.outcomes.push_back({L"(all files that are not open)", {}, 0, L"the work could not be started"});
+    EndReplacing();
+}
+
+void FilesReplaceStop() { WorkerAskToEnd(g_replace.worker); }
+
+void FilesOnReplaced(WPARAM result) {
+    const auto outcomes = WorkerTake<std::unique_ptr<ReplaceOutcomes>>(result);
+    std::ranges::move(*outcomes, std::back_inserter(g_replace.outcomes));
+    EndReplacing();
+}

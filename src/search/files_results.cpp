@@ -1,0 +1,153 @@
+#include "search/files_results.h"
+
+#include "base/path.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+void MovedPlaces::MoveStep(std::size_t to) {
+    for (; step_ < to; ++step_) places_[step_] += delta_;
+    while (step_ > to) places_[--step_] -= delta_;
+}
+
+template <typename Stays>
+std::size_t MovedPlaces::FirstMoved(const Stays& stays) const {
+    std::size_t low = 0, high = places_.size();
+    while (low < high) {
+        const std::size_t middle = (low + high) / 2;
+        if (stays(middle))
+            low = middle + 1;
+        else
+            high = middle;
+    }
+    return low;
+}
+
+void MovedPlaces::Removed(std::ptrdiff_t position, std::ptrdiff_t length) {
+    MoveStep(FirstMoved([&](std::size_t i) { return At(i) <= position; }));
+    for (std::size_t i = step_; i < places_.size() && At(i) < position + length; ++i)
+        places_[i] = position + length - delta_;
+    delta_ -= length;
+}
+
+// What is inserted at a place comes before a start and after an end, so that a hit does not grow. A hit of which nothing
+// is left stays before it.
+void MovedPlaces::Inserted(std::ptrdiff_t position, std::ptrdiff_t length) {
+    MoveStep(FirstMoved([&](std::size_t i) {
+        return At(i) < position || (At(i) == position && (i % 2 == 1 || At(i + 1) == position));
+    }));
+    delta_ += length;
+}
+
+void FilesResults::Recount() {
+    ends_.clear();
+    hits_ = 0;
+    std::size_t row = 0;
+    for (const ResultFile& file : files) {
+        row += 1 + (file.folded ? 0 : file.hits.size());
+        hits_ += file.hits.size();
+        ends_.push_back(row);
+    }
+}
+
+void FilesResults::Add(std::vector<ResultFile> found) {
+    const auto before = [](const ResultFile& a, const ResultFile& b) { return a.key < b.key; };
+    std::ranges::stable_sort(found, before);
+    const auto middle = static_cast<std::ptrdiff_t>(files.size());
+    std::ranges::move(found, std::back_inserter(files));
+    std::inplace_merge(files.begin(), files.begin() + middle, files.end(), before);
+    Recount();
+}
+
+void FilesResults::Clear() {
+    files.clear();
+    Recount();
+}
+
+void FilesResults::Remove(ResultRow row) {
+    if (row.file >= files.size()) return;
+    ResultFile& file = files[row.file];
+    if (row.hit && *row.hit < file.hits.size() && file.hits.size() > 1) {
+        std::vector<std::ptrdiff_t> places;
+        for (std::size_t i = 0; i < file.places.Count(); ++i)
+            if (i / 2 != *row.hit) places.push_back(file.places.At(i));
+        file.places = MovedPlaces(std::move(places));
+        file.hits.erase(file.hits.begin() + static_cast<std::ptrdiff_t>(*row.hit));
+        file.ticked.erase(file.ticked.begin() + static_cast<std::ptrdiff_t>(*row.hit));
+    } else {
+        files.erase(files.begin() + static_cast<std::ptrdiff_t>(row.file));
+    }
+    Recount();
+}
+
+void FilesResults::RemoveTicked(std::size_t index) {
+    ResultFile& file = files[index];
+    std::vector<FileHit> hits;
+    std::vector<std::ptrdiff_t> places;
+    for (std::size_t i = 0; i < file.hits.size(); ++i) {
+        if (file.ticked[i]) continue;
+        hits.push_back(std::move(file.hits[i]));
+        for (std::size_t end = 2 * i; end < std::min(2 * i + 2, file.places.Count()); ++end)
+            places.push_back(file.places.At(end));
+    }
+    file.hits = std::move(hits);
+    file.ticked.assign(file.hits.size(), false);
+    file.places = MovedPlaces(std::move(places));
+    if (file.hits.empty()) files.erase(files.begin() + static_cast<std::ptrdiff_t>(index));
+    Recount();
+}
+
+ResultRow FilesResults::RowAt(std::size_t index) const {
+    const auto file = static_cast<std::size_t>(std::ranges::upper_bound(ends_, index) - ends_.begin());
+    const std::size_t within = index - (file == 0 ? 0 : ends_[file - 1]);
+    return {file, within == 0 ? std::nullopt : std::optional{within - 1}};
+}
+
+std::size_t FilesResults::IndexOf(ResultRow row) const {
+    const std::size_t first = row.file == 0 ? 0 : ends_[row.file - 1];
+    return first + (row.hit && !files[row.file].folded ? *row.hit + 1 : 0);
+}
+
+std::optional<ResultRow> FilesResults::Beside(std::optional<ResultRow> from, bool forward) const {
+    if (files.empty()) return std::nullopt;
+    const auto lastOf = [this](std::size_t file) { return ResultRow{file, files[file].hits.size() - 1}; };
+    if (!from) return forward ? ResultRow{0, 0} : lastOf(files.size() - 1);
+    const std::size_t file = from->file;
+    if (forward) {
+        const std::size_t next = from->hit ? *from->hit + 1 : 0;
+        if (next < files[file].hits.size()) return ResultRow{file, next};
+        return file + 1 < files.size() ? std::optional{ResultRow{file + 1, 0}} : std::nullopt;
+    }
+    if (from->hit && *from->hit > 0) return ResultRow{file, *from->hit - 1};
+    return file > 0 ? std::optional{lastOf(file - 1)} : std::nullopt;
+}
+
+std::size_t FilesResults::FindFile(std::wstring_view key) const {
+    const auto found = std::ranges::lower_bound(files, key, {}, &ResultFile::key);
+    return found != files.end() && found->key == key ? static_cast<std::size_t>(found - files.begin())
+                                                     : std::wstring_view::npos;
+}
+
+std::wstring PathBelow(std::wstring_view path, std::wstring_view root) {
+    while (root.ends_with(L'\\')) root.remove_suffix(1);
+    const bool below = !root.empty() && path.size() > root.size() + 1 && path[root.size()] == L'\\' &&
+                       PathEqualsIgnoreCase(path.substr(0, root.size()), root);
+    return std::wstring{below ? path.substr(root.size() + 1) : path};
+}
+
+static std::wstring Counted(std::size_t count, const wchar_t* one, const wchar_t* several) {
+    return std::to_wstring(count) + (count == 1 ? one : several);
+}
+
+std::wstring FilesSummaryText(const FilesSummary& summary) {
+    std::wstring text = summary.hits == 0 ? std::wstring{L"No hits"}
+                                          : Counted(summary.hits, L" hit in ", L" hits in ") +
+                                                Counted(summary.files, L" file", L" files");
+    text += L"; " + Counted(summary.searched, L" file searched", L" files searched");
+    if (summary.binary > 0) text += L", " + std::to_wstring(summary.binary) + L" binary left out";
+    if (summary.unreadable > 0) text += L", " + std::to_wstring(summary.unreadable) + L" unreadable";
+    if (summary.running) return L"Searching... " + text;
+    if (summary.limited) return L"Ended at the limit of " + std::to_wstring(kMaxHits) + L" hits: " + text;
+    return summary.stopped ? L"Stopped: " + text : text;
+}

@@ -1,0 +1,26 @@
+// Find in Files and Replace in Files: the dialog, the pane of results, and the commands. UI thread only.
+#pragma once
+
+#include "base/command_handler.h"
+#include "base/events.h"
+
+#include <windows.h>
+
+#include <span>
+
+std::span<const CommandHandler> FilesSearchCommandHandlers();
+// Opens the dialog or activates the open one.
+void FilesDialogShow(HWND owner, bool replace);
+// Handles a message for the open dialog. True when it was handled; the message loop then leaves it alone.
+bool FilesDialogIsMessage(MSG* message);
+
+// --- The pane of results; null until it was shown
+HWND FilesPaneCreate(HWND parent, int controlId);
+void FilesPaneApplyTheme();
+void FilesPaneFocus();
+
+// --- What the results follow. They cost nothing while there are none.
+// At `position`, so many bytes were inserted into the document's text or removed from it.
+void FilesSearchOnEdit(DocumentId document, std::ptrdiff_t position, std::ptrdiff_t inserted, std::ptrdiff_t removed);
+void FilesSearchOnTextArrived(DocumentId document);
+void FilesSearchOnTextLeaving(DocumentId document);
