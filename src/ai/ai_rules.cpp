@@ -35,7 +35,7 @@ const wchar_t* StatusProblem(std::uint32_t status) {
 }
 
 std::wstring FailureReason(const AiEnd& end) {
-    if (end.httpStatus == 0) {
+    if (end.httpStatus == 0 || end.error != 0) {
         const wchar_t* problem = TransferProblem(end.error);
         return problem != nullptr ? problem : L"error " + std::to_wstring(end.error);
     }

@@ -103,13 +103,23 @@ bool ReadBody(HINTERNET request, Transfer& transfer, HttpExtras& extras) {
     return true;
 }
 
-DWORD StatusOfReply(HINTERNET request) {
-    DWORD status = 0;
-    DWORD size = sizeof(status);
-    return WinHttpQueryHeaders(request, WINHTTP_QUERY_STATUS_CODE | WINHTTP_QUERY_FLAG_NUMBER,
-                               WINHTTP_HEADER_NAME_BY_INDEX, &status, &size, WINHTTP_NO_HEADER_INDEX) != FALSE
-               ? status
+// A header with a number; 0 when the reply has none.
+DWORD NumberOfReply(HINTERNET request, DWORD header) {
+    DWORD number = 0;
+    DWORD size = sizeof(number);
+    return WinHttpQueryHeaders(request, header | WINHTTP_QUERY_FLAG_NUMBER, WINHTTP_HEADER_NAME_BY_INDEX, &number,
+                               &size, WINHTTP_NO_HEADER_INDEX) != FALSE
+               ? number
                : 0;
+}
+
+DWORD StatusOfReply(HINTERNET request) { return NumberOfReply(request, WINHTTP_QUERY_STATUS_CODE); }
+
+// WinHTTP takes a connection that is closed in the middle of the body for its end on some systems.
+bool BodyIsWhole(HINTERNET request, const Transfer& transfer, HttpExtras& extras) {
+    if (transfer.length >= NumberOfReply(request, WINHTTP_QUERY_CONTENT_LENGTH)) return true;
+    extras.error = ERROR_WINHTTP_CONNECTION_ERROR;
+    return false;
 }
 
 // From here on the request's handle shares the transfer.
@@ -155,7 +165,7 @@ bool Exchange(HINTERNET request, const HttpCall& call, const SharedTransfer& tra
         return false;
     extras.status = StatusOfReply(request);
     if (call.capturesStatus) CaptureHttpStatus(request);
-    return ReadBody(request, *transfer, extras);
+    return ReadBody(request, *transfer, extras) && BodyIsWhole(request, *transfer, extras);
 }
 
 bool OpenAndExchange(const HttpCall& call, const SharedTransfer& transfer, HttpExtras& extras) {

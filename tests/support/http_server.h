@@ -79,7 +79,7 @@ private:
     }
     static std::string Receive(SOCKET connection) {
         std::string request;
-        char block[4096];
+        char block[64 << 10];  // Wine takes minutes for 20 MB in small pieces
         std::size_t wanted = ~0ULL;
         while (request.size() < wanted) {
             const int count = recv(connection, block, sizeof(block), 0);

@@ -238,6 +238,8 @@ TEST(AiRules, RepliesGoByTheLowHalfOfTheirStatus) {
     EXPECT_EQ(AiReplyPathOf(1LL << 32, true), AiReplyPath::Chat);
     EXPECT_EQ(AiReplyPathOf(1LL << 32, false), AiReplyPath::Failure);
     EXPECT_EQ(AiReplyPathOf(0, false), AiReplyPath::Nothing);
+    EXPECT_EQ(AiEndText(AiService::OpenAi, 0, {.httpStatus = 200, .error = 12030}),
+              L"OpenAI: the request failed: the connection was closed");
     const AiEnd refused = {.httpStatus = 401, .serviceText = "bad\nkey"};
     EXPECT_EQ(AiEndText(AiService::OpenAi, 75, refused),
               L"OpenAI: the request failed: HTTP 401, the API key was not accepted: bad key");

@@ -67,6 +67,8 @@ TEST(AiHttp, RepliesOfEveryKind) {
     slow.piece = 1;
     HttpReply half = HttpAnswer(200, kGood);
     half.bytes.resize(half.bytes.size() - 10);
+    HttpReply shorter = HttpAnswer(200, std::string(kGood) + "    ");
+    shorter.bytes.resize(shorter.bytes.size() - 4);
     const std::string large(5 << 20, 'x');
     const struct {
         const char* name;
@@ -85,6 +87,7 @@ TEST(AiHttp, RepliesOfEveryKind) {
         {"429 without body", HttpAnswer(429, ""), "(none)", 429},
         {"500 with a reply", HttpAnswer(500, kGood), "fine", 500},
         {"closed half-way", half, "(none)", 200},
+        {"closed after whole JSON", shorter, "(none)", 200},
         {"closed at once", {}, "(none)", 0},
         {"no HTTP", {.bytes = "SSH-2.0-x\r\n\r\n"}, "(none)", 0},
     };
