@@ -5,7 +5,10 @@
 #include "ai/ai_replace.h"
 #include "ai/ai_requests.h"
 #include "ai/ai_texts.h"
-#include "ai/chat_lines.h"
+#include "ai/chat_code.h"
+#include "ai/chat_history.h"
+#include "ai/chat_log.h"
+#include "ai/chat_view.h"
 #include "ai/error_question.h"
 #include "ai/recording_dialog.h"
 #include "ai/send_consent.h"
@@ -25,6 +28,7 @@
 #include "ui/panes.h"
 #include "ui/ui_state.h"
 
+#include <cstring>
 #include <cwchar>
 
 namespace {
@@ -60,12 +64,16 @@ bool StartRequest(AiService service, Job job, AiTarget target, const wchar_t* ta
     return false;
 }
 
-bool StartChat(AiService service, HeapBlock<char> message, AiTarget target, const wchar_t* tag) {
+bool StartChat(AiService service, HeapBlock<char> message, AiTarget target, const wchar_t* tag,
+               std::vector<ChatTurn> earlier = {}) {
     auto job = JobFor<AiChatJob>(service);
     job.cloud = service == AiService::OpenAi ? 1 : 0;
     job.settings = PromptSettingsNow();
     SafeCopyW(job.model, job.cloud != 0 ? job.settings.codeModel : job.settings.localModel);
     job.message = std::move(message);
+    job.earlier = std::move(earlier);
+    job.link.question = job.message.get();
+    if (g_settings.aiStream != 0) job.link.pieces = std::make_shared<AiPieces>();
     return StartRequest<AiWorkerThread>(service, std::move(job), std::move(target), tag);
 }
 
@@ -167,6 +175,7 @@ void SendChat() {
     const std::wstring typed = AiInputText();
     if (typed.empty()) return;
     AiChatAppend(FormatW(L"[You]: %s\r\n", typed.c_str()));
+    ChatViewScrollToEnd();
     SetWindowTextW(g_ai.hAiInput, L"");
     if (GetFocus() == g_ai.hAiSend) SetFocus(g_ai.hAiInput);  // for the next message
     if (g_settings.openAIEnabled == 0 && g_settings.lmStudioEnabled == 0) {
@@ -180,7 +189,7 @@ void SendChat() {
     if (service == AiService::None)
         g_events.statusText(L"No AI service is ready: look at its key and at the primary AI in the settings");
     else
-        StartChat(service, std::move(message), {}, nullptr);
+        StartChat(service, std::move(message), {}, nullptr, ChatHistoryToSend());
 }
 
 void SendOrCancel(int) {
@@ -232,13 +241,16 @@ void ShowAiResult(const HeapBlock<char>& reply) {
         AiReplace(g_ai.aiDoTarget, code.get());
 }
 
+// A reply that came piece by piece is there already.
 void ShowChatReply(const char* reply) {
-    std::wstring text = Utf8ToWideText(reply);
-    if (text.size() > kShownReply && AiNewDocument(reply)) {
-        text.resize(kShownReply);
-        text += L"...\r\n[AI]: The whole reply is in a new document.\r\n";
-    }
-    if (!AiChatAppend(text)) OutputPaneAppend(text.c_str(), 0);
+    AiTakePieces();
+    const int request = ChatViewRequestOf(reply);
+    if (request != 0)
+        ChatViewPiecesEnd(request);
+    else if (!ChatViewReply(reply))
+        return OutputPaneAppend(Utf8ToWideText(reply).c_str(), 0);
+    if (ChatShownPart(reply).size() < std::strlen(reply) && AiNewDocument(reply))
+        AiChatAppend(L"...\r\n[AI]: The whole reply is in a new document.\r\n");
 }
 
 // What was said is kept when it was not sent.
@@ -284,6 +296,9 @@ constexpr CommandHandler kAiHandlers[] = {
     {IDM_AI_CANCEL, [](int) { AiRequestsCancel(); }},
     {IDM_AI_EXPLAIN, AskAboutError},
     {IDM_AI_FIX, AskAboutError},
+    {IDM_AI_COPY_CODE, [](int) { ChatCopyCode(); }},
+    {IDM_AI_INSERT_CODE, [](int) { ChatInsertCode(); }},
+    {IDM_AI_NEW_CHAT, [](int) { ChatBeginNew(); }},
 };
 
 }  // namespace

@@ -3,10 +3,12 @@
 #pragma once
 
 #include "ai/ai_rules.h"
+#include "ai/chat_protocol.h"
 #include "ai/prompt_settings.h"
 #include "base/events.h"
 #include "base/handles.h"
 #include "base/worker.h"
+#include "base/worker_queue.h"
 
 #include <windows.h>
 
@@ -14,19 +16,28 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
+
+// Pieces of a streamed reply on their way to the chat.
+struct AiPieces {
+    WorkerQueue<std::string> queue;
+    std::atomic<bool> told = false;  // MSG_AI_PIECES was posted and the queue not emptied since
+};
 
 // What a job and the list of running requests share.
 struct AiLink {
     HWND window = nullptr;                                 // gets the messages
     int request = 0;                                       // number of the request
     std::shared_ptr<std::atomic<std::uint64_t>> received;  // bytes of the reply so far
+    std::shared_ptr<AiPieces> pieces;                      // null: the reply is shown when it is whole
+    std::string question;                                  // that the chat remembers with its answer; empty: none
 };
 
 // The block of MSG_AI_ENDED.
 struct AiRequestEnd {
     int request = 0;
     AiEnd end;
-    std::string reply;  // empty unless it was answered
+    std::string reply;  // empty unless it was answered with a whole reply
 };
 using AiRequestEndPtr = std::unique_ptr<AiRequestEnd>;
 
@@ -37,6 +48,7 @@ struct AiChatJob {
     HeapBlock<char> message;   // UTF-8
     std::uint32_t cloud = 0;   // 1: OpenAI, 0: LM Studio
     AiPromptSettings settings;
+    std::vector<ChatTurn> earlier;  // what was said before, sent with the message
     AiLink link;
 };
 

@@ -13,7 +13,7 @@ void AiPaneApplyTheme();
 // The windows of the pane with their places in `area`.
 std::vector<PanePart> AiPaneParts(const PaneRect& area);
 
-// Appends the text to the chat as it is, and scrolls to its end. False when there is no chat.
+// Appends a line of the program or of the user to the chat. False when there is no chat.
 bool AiChatAppend(const std::wstring& text);
 std::wstring AiInputText();
 void AiPaneFocusInput();

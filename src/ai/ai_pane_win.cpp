@@ -3,9 +3,9 @@
 #include "ai/ai_pane_layout.h"
 #include "ai/ai_requests.h"
 #include "ai/ai_state.h"
-#include "ai/chat_lines.h"
+#include "ai/chat_view.h"
+#include "ai/chat_window.h"
 #include "documents/document_row.h"
-#include "output/output_pane.h"
 #include "resources/ids.h"
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
@@ -14,15 +14,12 @@
 #include "ui/subclass.h"
 
 #include <commctrl.h>
-#include <richedit.h>
 
 #include <cwchar>
 #include <iterator>
 
 namespace {
 
-constexpr wchar_t kGreeting[] =
-    L"AI Chat\r\n========\r\nType a message below and click Send, or use Tools > OpenAI / LM-Studio.\r\n";
 constexpr WPARAM kInputLimit = 4095;  // characters; longer messages are not read
 
 HWND CreateAiControl(HWND parent, const wchar_t* className, const wchar_t* text, DWORD exStyle, DWORD style, int id) {
@@ -47,23 +44,11 @@ LRESULT CALLBACK AiInputProc(HWND input, UINT message, WPARAM wParam, LPARAM lPa
     return SubclassNext(input, message, wParam, lParam);
 }
 
-// The chat can be read with the keys; what is typed there is meant for the line below it.
-LRESULT CALLBACK AiChatProc(HWND chat, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
-    if (message == WM_KEYDOWN && wParam == VK_ESCAPE) FocusCurrentEditor();
-    if (message == WM_KEYDOWN && wParam == VK_TAB) AiPaneFocusInput();
-    if (message == WM_CHAR && wParam > L' ') {
-        AiPaneFocusInput();
-        return SendMessageW(g_ai.hAiInput, message, wParam, lParam);
-    }
-    return SubclassNext(chat, message, wParam, lParam);
-}
-
 }  // namespace
 
 HWND AiPaneCreate(HWND parent, int controlId) {
-    const HWND chat = RichPaneCreate(parent, controlId, kGreeting, true);
-    SubclassAdd(chat, AiChatProc);
-    SendMessageW(chat, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
+    const HWND chat = RichPaneCreate(parent, controlId, kChatGreeting, true);
+    ChatWindowInit(chat);
     g_ai.hAiInput = CreateAiControl(parent, WC_EDITW, nullptr, WS_EX_CLIENTEDGE, ES_AUTOHSCROLL, IDC_AI_INPUT);
     SendMessageW(g_ai.hAiInput, EM_LIMITTEXT, kInputLimit, 0);
     SubclassAdd(g_ai.hAiInput, AiInputProc);
@@ -72,8 +57,7 @@ HWND AiPaneCreate(HWND parent, int controlId) {
 }
 
 void AiPaneApplyTheme() {
-    PaneApplyFontAndTheme(g_ai.hAiChat);
-    RichScrollToLeft(g_ai.hAiChat);
+    ChatViewApplyLook();
     for (HWND child : {g_ai.hAiInput, g_ai.hAiSend}) {
         SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), TRUE);
         ControlApplyTheme(child);
@@ -85,12 +69,7 @@ std::vector<PanePart> AiPaneParts(const PaneRect& area) {
     return {{g_ai.hAiChat, layout.chat}, {g_ai.hAiInput, layout.input}, {g_ai.hAiSend, layout.send}};
 }
 
-bool AiChatAppend(const std::wstring& text) {
-    if (g_ai.hAiChat == nullptr) return false;
-    RichLinesAppend(g_ai.hAiChat, ChatLines(text));
-    RichLinesReveal(g_ai.hAiChat);
-    return true;
-}
+bool AiChatAppend(const std::wstring& text) { return ChatViewLine(text); }
 
 std::wstring AiInputText() {
     std::wstring text(kInputLimit + 1, L'\0');

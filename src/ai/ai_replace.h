@@ -7,6 +7,9 @@
 // The text of the editor that a request is about: the selection, or all with `orAll`. `sent` is what was sent of it.
 AiTarget AiTargetNow(bool orAll, const char* sent);
 
+// The text as the document takes it: its line ends, and no bytes that are not UTF-8.
+std::string ValidText(const char* utf8, HWND editor);
+
 // Replaces what was sent by the code, as one step of undo, shows what is different and tells so. When the document no
 // longer holds what was sent, or is closed, nothing is replaced: a new document is offered for the code.
 void AiReplace(const AiTarget& target, const char* code);

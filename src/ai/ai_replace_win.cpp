@@ -50,11 +50,6 @@ const char* LineEndOf(HWND editor) {
     }
 }
 
-// Line ends as the document has them, and no bytes that are not UTF-8.
-std::string ValidText(const char* utf8, HWND editor) {
-    return WithLineEnds(ToUtf8(Utf8ToWideText(utf8)), LineEndOf(editor));
-}
-
 // From here on nothing waits. The text stays as it is.
 void EndPending() {
     if (!g_ai.aiDoPending) return;
@@ -119,6 +114,10 @@ void MoveTarget(AiTarget& target, DocumentId document, const TextEdit& edit) {
 }
 
 }  // namespace
+
+std::string ValidText(const char* utf8, HWND editor) {
+    return WithLineEnds(ToUtf8(Utf8ToWideText(utf8)), LineEndOf(editor));
+}
 
 AiTarget AiTargetNow(bool orAll, const char* sent) {
     const HWND editor = g_documents.hEditor;

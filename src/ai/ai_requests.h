@@ -14,8 +14,12 @@ AiLink AiLinkNew();
 void AiRequestStarted(AiService service, const Worker& worker, const AiLink& link, AiTarget target);
 bool AiRequestsRun();
 void AiRequestsForTargets(const std::function<void(AiTarget&)>& use);
+void AiRequestsDrop();                       // all of them, without a word: their chat is gone
 void AiRequestsCancel();                     // all of them; each says so when its worker has ended
 void AiOnRequestEnded(AiRequestEndPtr end);  // MSG_AI_ENDED
 void AiOnTimer();                            // TIMER_AI
+void AiOnPieces();                           // MSG_AI_PIECES
+void AiOnPiecesTimer();                      // TIMER_AI_PIECES
+void AiTakePieces();                         // shows what has come of streamed replies
 // Before the main window is destroyed: cancels everything, waits a moment and frees the replies that wait.
 void AiShutdown();

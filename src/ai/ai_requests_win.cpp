@@ -1,17 +1,21 @@
 #include "ai/ai_requests.h"
 
 #include "ai/ai_pane.h"
+#include "ai/chat_history.h"
+#include "ai/chat_view.h"
 #include "base/log.h"
 #include "resources/ids.h"
 #include "ui/ui_state.h"
 
 #include <algorithm>
+#include <deque>
 #include <utility>
 #include <vector>
 
 namespace {
 
 constexpr UINT kProgressMs = 1000;
+constexpr UINT kPiecesMs = 50;       // between two updates of the chat
 constexpr DWORD kShutdownMs = 1000;  // for all workers together; they notice the cancelling at once
 
 struct RunningRequest {
@@ -19,7 +23,8 @@ struct RunningRequest {
     Worker worker;
     AiLink link;
     AiTarget target;
-    ULONGLONG began;  // tick count
+    ULONGLONG began;       // tick count
+    bool unheard = false;  // its reply is of no interest any more
 };
 std::vector<RunningRequest> g_running;
 int g_lastRequest = 0;
@@ -29,6 +34,26 @@ std::uint32_t SecondsSince(ULONGLONG began) { return static_cast<std::uint32_t>(
 void ShowAiProgress() {
     const RunningRequest& newest = g_running.back();
     g_events.statusText(AiProgressText(newest.service, SecondsSince(newest.began), *newest.link.received).c_str());
+}
+
+// False: nothing has come since the last time. What comes after a cancel is dropped.
+bool TakePiecesOf(const RunningRequest& request) {
+    if (request.link.pieces == nullptr) return false;
+    request.link.pieces->told = false;  // before the queue is emptied, so that no piece is left untold
+    std::deque<std::string> pieces;
+    request.link.pieces->queue.TakeAll(&pieces);
+    std::string text;
+    for (const std::string& piece : pieces) text += piece;
+    if (!text.empty() && !request.worker.cancel->Asked()) ChatViewPiece(request.link.request, text);
+    return !pieces.empty();
+}
+
+// What the chat holds of a request that has ended, and what it says of its end.
+void EndInChat(const RunningRequest& request, const AiRequestEnd& ended) {
+    const std::string pieces = ChatViewPiecesEnd(request.link.request);
+    if (request.unheard) return;
+    if (const std::wstring line = AiReplyEndLine(ended.end); !line.empty()) AiChatAppend(line);
+    ChatHistoryAdd(request.link.question, pieces.empty() ? ended.reply : pieces);
 }
 
 }  // namespace
@@ -57,17 +82,25 @@ void AiRequestsCancel() {
     for (const RunningRequest& request : g_running) WorkerAskToEnd(request.worker);
 }
 
+void AiRequestsDrop() {
+    AiRequestsCancel();
+    for (RunningRequest& request : g_running) request.unheard = true;
+}
+
 void AiOnRequestEnded(AiRequestEndPtr ended) {
     const auto found = std::ranges::find(g_running, ended->request,
                                          [](const RunningRequest& request) { return request.link.request; });
     if (found == g_running.end()) return;
+    TakePiecesOf(*found);
     const RunningRequest request = std::move(*found);
     g_running.erase(found);
     if (g_running.empty()) KillTimer(g_ui.hMainWnd, TIMER_AI);
-    if (ended->end.outcome == AiOutcome::Cancelled) AiChatAppend(L"[AI]: Cancelled.\r\n");
+    EndInChat(request, *ended);
     if (!ended->reply.empty()) {
         g_ai.aiReplyText = std::move(ended->reply);
         g_ai.aiReplyTarget = request.target;
+    } else if (ended->end.outcome == AiOutcome::Answered) {
+        g_ai.aiReplyTarget = {};  // half a reply is not to be put in place of anything
     }
     const std::wstring text = AiEndText(request.service, SecondsSince(request.began), ended->end);
     if (ended->end.outcome == AiOutcome::Failed) AppLogMsg(L"FAIL: AI request: %s", text.c_str());
@@ -78,6 +111,18 @@ void AiOnRequestEnded(AiRequestEndPtr ended) {
 
 void AiOnTimer() {
     if (!g_running.empty()) ShowAiProgress();
+}
+
+void AiTakePieces() {
+    for (const RunningRequest& request : g_running) TakePiecesOf(request);
+}
+
+void AiOnPieces() { SetTimer(g_ui.hMainWnd, TIMER_AI_PIECES, kPiecesMs, nullptr); }
+
+void AiOnPiecesTimer() {
+    bool any = false;
+    for (const RunningRequest& request : g_running) any = TakePiecesOf(request) || any;
+    if (!any) KillTimer(g_ui.hMainWnd, TIMER_AI_PIECES);
 }
 
 void AiShutdown() {

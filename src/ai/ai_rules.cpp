@@ -34,18 +34,23 @@ const wchar_t* StatusProblem(std::uint32_t status) {
     return L"the reply holds no text";
 }
 
+// What the service says, as one line.
+std::wstring ServiceTextLine(const AiEnd& end) {
+    std::wstring text = Utf8ToWideText(end.serviceText);
+    for (wchar_t& c : text)
+        if (c < L' ') c = L' ';
+    if (text.size() > kServiceTextShown) text = text.substr(0, kServiceTextShown) + L"...";
+    return text;
+}
+
 std::wstring FailureReason(const AiEnd& end) {
     if (end.httpStatus == 0 || end.error != 0) {
         const wchar_t* problem = TransferProblem(end.error);
         return problem != nullptr ? problem : L"error " + std::to_wstring(end.error);
     }
     std::wstring reason = L"HTTP " + std::to_wstring(end.httpStatus) + L", " + StatusProblem(end.httpStatus);
-    std::wstring text = Utf8ToWideText(end.serviceText);
-    if (text.empty()) return reason;
-    for (wchar_t& c : text)
-        if (c < L' ') c = L' ';
-    if (text.size() > kServiceTextShown) text = text.substr(0, kServiceTextShown) + L"...";
-    return reason + L": " + text;
+    const std::wstring text = ServiceTextLine(end);
+    return text.empty() ? reason : reason + L": " + text;
 }
 
 std::wstring Elapsed(std::uint32_t seconds) {
@@ -102,9 +107,22 @@ std::wstring AiProgressText(AiService service, std::uint32_t seconds, std::uint6
 std::wstring AiEndText(AiService service, std::uint32_t seconds, const AiEnd& end) {
     const std::wstring name = AiServiceName(service);
     switch (end.outcome) {
-        case AiOutcome::Answered: return name + L" answered after " + Elapsed(seconds);
+        case AiOutcome::Answered:
+            return name + (end.replyEnd == ReplyEnd::Whole ? L" answered after " : L": the reply ended early, after ") +
+                   Elapsed(seconds);
         case AiOutcome::Cancelled: return name + L": the request was cancelled";
         default: return name + L": the request failed: " + FailureReason(end);
+    }
+}
+
+std::wstring AiReplyEndLine(const AiEnd& end) {
+    if (end.outcome == AiOutcome::Cancelled) return L"[AI]: Cancelled.\r\n";
+    if (end.outcome != AiOutcome::Answered) return {};
+    switch (end.replyEnd) {
+        case ReplyEnd::Cut: return L"[AI]: The connection was lost before the reply was complete.\r\n";
+        case ReplyEnd::AtLimit: return L"[AI]: The reply has reached its longest length and is not complete.\r\n";
+        case ReplyEnd::Refused: return L"[AI]: The service has ended the reply: " + ServiceTextLine(end) + L"\r\n";
+        default: return {};
     }
 }
 

@@ -2,6 +2,8 @@
 // and what the user is told about a request that has ended. Pure.
 #pragma once
 
+#include "ai/chat_stream.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -32,13 +34,16 @@ enum class AiOutcome : std::uint8_t { Answered, Failed, Cancelled };
 // How a request ended.
 struct AiEnd {
     AiOutcome outcome = AiOutcome::Failed;
-    std::uint32_t httpStatus = 0;  // 0: no reply came
-    std::uint32_t error = 0;       // of WinHTTP, when no reply came
-    std::string serviceText;       // what the service said about its error
+    std::uint32_t httpStatus = 0;         // 0: no reply came
+    std::uint32_t error = 0;              // of WinHTTP, when no reply came
+    ReplyEnd replyEnd = ReplyEnd::Whole;  // of a reply that came piece by piece
+    std::string serviceText;              // what the service said about its error
 };
 // For the status bar: "OpenAI: waiting, 0:12, 34 KB received".
 std::wstring AiProgressText(AiService service, std::uint32_t seconds, std::uint64_t received);
 // For the status bar: "OpenAI answered after 0:12.", "LM-Studio: the request failed: nothing answers at ...".
 std::wstring AiEndText(AiService service, std::uint32_t seconds, const AiEnd& end);
+// The line of the chat below a reply that is not whole; empty below one that is.
+std::wstring AiReplyEndLine(const AiEnd& end);
 // The text without the key, if that is in it.
 std::string WithoutKey(std::string text, std::string_view key);

@@ -1,5 +1,6 @@
 #include "ai/ai_texts.h"
 
+#include "ai/code_fence.h"
 #include "ai/line_diff.h"
 #include "base/heap_text.h"
 #include "base/utf8.h"
@@ -11,25 +12,19 @@
 
 namespace {
 
-constexpr std::string_view kFence = "```";
 constexpr std::string_view kWhite = "\n\r \t";
-
-std::string_view TrimmedEnd(std::string_view text) { return text.substr(0, text.find_last_not_of(kWhite) + 1); }
 
 std::string_view TrimmedText(std::string_view text) {
     const std::size_t first = text.find_first_not_of(kWhite);
-    return first == std::string_view::npos ? std::string_view() : TrimmedEnd(text.substr(first));
+    return first == std::string_view::npos ? std::string_view()
+                                           : text.substr(first, text.find_last_not_of(kWhite) + 1 - first);
 }
 
 // The text inside the first pair of fences; the whole text without a pair.
 std::string_view CodeIn(std::string_view reply) {
-    const std::size_t fence = reply.find(kFence);
-    if (fence == std::string_view::npos) return TrimmedText(reply);
-    std::size_t start = fence + kFence.size();
-    const std::size_t lineEnd = reply.find('\n', start);
-    if (lineEnd != std::string_view::npos) start = lineEnd + 1;
-    const std::size_t end = reply.find(kFence, start);
-    return end == std::string_view::npos ? TrimmedText(reply) : TrimmedEnd(reply.substr(start, end - start));
+    const std::optional<CodeFence> fence = NextCodeFence(reply);
+    if (!fence || fence->close == std::string_view::npos) return TrimmedText(reply);
+    return reply.substr(fence->start, fence->end - fence->start);
 }
 
 // What follows the number, a colon or a bar and one space at the start of the line; nothing when it starts otherwise.
@@ -91,6 +86,10 @@ std::string WithoutLineNumbers(std::string_view code, std::string_view sent, int
         text.append(number++ > firstLine ? "\n" : "").append(*rest);
     }
     return text;
+}
+
+std::string CodeAtPlace(std::string_view code, const CodePlace& place) {
+    return std::string(code) + (place.atLineStart && place.endsAtLineStart && !place.restIsEmpty ? "\n" : "");
 }
 
 std::string WithLineEnds(std::string_view text, std::string_view lineEnd) {

@@ -31,18 +31,35 @@ bool AddChatMessage(cJSON* messages, const char* role, const char* content) {
     return cJSON_AddItemToArray(messages, message.release()) != 0;
 }
 
-bool FillChatRequest(cJSON* request, const char* model, const char* systemPrompt, const char* message) {
+bool AddTurns(cJSON* messages, std::span<const ChatTurn> turns) {
+    for (const ChatTurn& turn : turns)
+        if (!AddChatMessage(messages, "user", turn.question.c_str()) ||
+            !AddChatMessage(messages, "assistant", turn.answer.c_str()))
+            return false;
+    return true;
+}
+
+bool FillChatRequest(cJSON* request, const char* model, const char* systemPrompt, std::span<const ChatTurn> earlier,
+                     const char* message, bool stream) {
     if (cJSON_AddStringToObject(request, "model", model != nullptr ? model : kDefaultChatModel) == nullptr)
         return false;
     cJSON* messages = cJSON_AddArrayToObject(request, "messages");
     if (messages == nullptr) return false;
     if (HasText(systemPrompt) && !AddChatMessage(messages, "system", systemPrompt)) return false;
-    return AddChatMessage(messages, "user", message) &&
+    return AddTurns(messages, earlier) && AddChatMessage(messages, "user", message) &&
            cJSON_AddNumberToObject(request, "max_tokens", kMaxTokens) != nullptr &&
-           cJSON_AddNumberToObject(request, "temperature", kTemperature) != nullptr;
+           cJSON_AddNumberToObject(request, "temperature", kTemperature) != nullptr &&
+           (!stream || cJSON_AddTrueToObject(request, "stream") != nullptr);
 }
 
 const char* StringOf(const cJSON* item) { return cJSON_IsString(item) != 0 ? item->valuestring : nullptr; }
+
+std::string ErrorTextOf(const cJSON* root) {
+    const cJSON* error = cJSON_GetObjectItemCaseSensitive(root, "error");
+    const char* text = StringOf(error);
+    if (text == nullptr) text = StringOf(cJSON_GetObjectItemCaseSensitive(error, "message"));
+    return text != nullptr ? text : "";
+}
 
 std::wstring CutHeaders(std::wstring headers) {
     if (headers.size() >= kHeaderCapacity) headers.resize(kHeaderCapacity - 1);
@@ -57,10 +74,25 @@ std::wstring AuthorizationLine(const wchar_t* apiKey) {
 }  // namespace
 
 std::string ChatRequestJson(const char* model, const char* systemPrompt, const char* message) {
+    return ChatRequestJson(model, systemPrompt, {}, message, false);
+}
+
+std::string ChatRequestJson(const char* model, const char* systemPrompt, std::span<const ChatTurn> earlier,
+                            const char* message, bool stream) {
     const Json request(cJSON_CreateObject());
-    if (request == nullptr || !FillChatRequest(request.get(), model, systemPrompt, message)) return {};
+    if (request == nullptr || !FillChatRequest(request.get(), model, systemPrompt, earlier, message, stream)) return {};
     const std::unique_ptr<char, JsonTextDeleter> text(cJSON_PrintUnformatted(request.get()));
     return text != nullptr ? std::string(text.get()) : std::string();
+}
+
+std::span<const ChatTurn> NewestTurns(std::span<const ChatTurn> turns, std::size_t bytes) {
+    std::size_t count = 0;
+    for (std::size_t used = 0; count < turns.size(); ++count) {
+        const ChatTurn& turn = turns[turns.size() - 1 - count];
+        used += turn.question.size() + turn.answer.size();
+        if (used > bytes) break;
+    }
+    return turns.last(count);
 }
 
 char* ChatReplyText(const char* body) {
@@ -74,10 +106,20 @@ char* ChatReplyText(const char* body) {
 
 std::string ChatErrorText(const char* body) {
     const Json root(body != nullptr ? cJSON_Parse(body) : nullptr);
-    const cJSON* error = cJSON_GetObjectItemCaseSensitive(root.get(), "error");
-    const char* text = StringOf(error);
-    if (text == nullptr) text = StringOf(cJSON_GetObjectItemCaseSensitive(error, "message"));
-    return text != nullptr ? text : "";
+    return ErrorTextOf(root.get());
+}
+
+ChatDelta ChatDeltaOf(const char* event) {
+    const Json root(event != nullptr ? cJSON_Parse(event) : nullptr);
+    const cJSON* choices = cJSON_GetObjectItemCaseSensitive(root.get(), "choices");
+    const cJSON* choice = cJSON_IsArray(choices) != 0 ? cJSON_GetArrayItem(choices, 0) : nullptr;
+    const cJSON* delta = cJSON_GetObjectItemCaseSensitive(choice, "delta");
+    const char* text = StringOf(cJSON_GetObjectItemCaseSensitive(delta, "content"));
+    const char* finish = StringOf(cJSON_GetObjectItemCaseSensitive(choice, "finish_reason"));
+    return {.text = text != nullptr ? text : "",
+            .error = ErrorTextOf(root.get()),
+            .ends = finish != nullptr,
+            .atLimit = finish != nullptr && std::string_view(finish) == "length"};
 }
 
 std::string SpokenText(const char* body) {

@@ -9,6 +9,8 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
+#include <string_view>
 
 // The body of a reply. The caller frees `data` with free(), also after a failure, which may leave a part of the body.
 struct HttpResponseBuffer {
@@ -20,9 +22,11 @@ struct HttpResponseBuffer {
 struct HttpExtras {
     const WorkerCancel* cancel = nullptr;
     std::atomic<std::uint64_t>* received = nullptr;  // bytes of the body so far
-    int replyMs = 0;                                 // longest wait for the reply; 0: the limit of WinHTTP
-    DWORD status = 0;                                // out: of this reply; 0: none came
-    DWORD error = 0;  // out: why the call failed (an error of WinHTTP); ERROR_CANCELLED: it was cancelled
+    // Gets each piece of the body when it has come, on the thread of the call. True: the piece was used, and is not kept.
+    std::function<bool(std::string_view)> arrived;
+    int replyMs = 0;   // longest wait for the reply; 0: the limit of WinHTTP
+    DWORD status = 0;  // out: of this reply; 0: none came
+    DWORD error = 0;   // out: why the call failed (an error of WinHTTP); ERROR_CANCELLED: it was cancelled
 };
 
 // Return 1 when a reply was transferred, whatever its status, else 0. `headers` and `extras` may be null. A request with

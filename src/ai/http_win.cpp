@@ -96,8 +96,9 @@ bool ReadBody(HINTERNET request, Transfer& transfer, HttpExtras& extras) {
         if (!StepEnds(WinHttpReadData(request, transfer.body.get() + transfer.length, available, nullptr), transfer,
                       extras))
             return false;
-        transfer.length += transfer.count;
-        if (extras.received != nullptr) *extras.received = transfer.length;
+        const std::string_view piece(transfer.body.get() + transfer.length, transfer.count);
+        if (extras.received != nullptr) *extras.received += piece.size();
+        if (!extras.arrived || !extras.arrived(piece)) transfer.length += piece.size();
     } while (transfer.count > 0);
     transfer.body.get()[transfer.length] = '\0';
     return true;
@@ -200,6 +201,7 @@ int RunHttpCall(const HttpCall& call, std::string_view body, HttpResponseBuffer*
     HttpExtras unused;
     HttpExtras& extras = wanted != nullptr ? *wanted : unused;
     extras.status = extras.error = 0;
+    if (extras.received != nullptr) *extras.received = 0;
     *out = {};
     const auto transfer = std::make_shared<Transfer>();
     if (call.url == nullptr || !transfer->stepEnded || body.size() > MAXDWORD) {

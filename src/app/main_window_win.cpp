@@ -40,6 +40,7 @@ bool RouteOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             if (CompilersOnLooked(wParam)) MainWindow_UpdateCompilerSelection();
             return true;
         case MSG_AI_REPLY: AiOnReply(wParam, lParam); return true;
+        case MSG_AI_PIECES: AiOnPieces(); return true;
         case MSG_AI_ENDED: AiOnRequestEnded(WorkerTake<AiRequestEndPtr>(wParam)); return true;
         case MSG_DEBUG_LAUNCH: DebugOnBuilt(); return true;
         case MSG_LATE_KEY: MainWnd_OnLateKey(static_cast<std::uint32_t>(wParam), lParam); return true;
@@ -63,6 +64,7 @@ void RouteTimer(HWND window, UINT_PTR id) {
         case TIMER_BUILD: BuildOnTimer(); break;
         case TIMER_AI: AiOnTimer(); break;
         case TIMER_AI_MARKS: AiOnMarksTimer(); break;
+        case TIMER_AI_PIECES: AiOnPiecesTimer(); break;
         case TIMER_POSITION: MainWnd_OnPositionTimer(); break;
         default: break;
     }

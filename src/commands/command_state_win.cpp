@@ -3,6 +3,7 @@
 #include "commands/command_state.h"
 
 #include "ai/ai_requests.h"
+#include "ai/chat_view.h"
 #include "commands/edit_target.h"
 #include "commands/toolbar.h"
 #include "compile/build.h"
@@ -60,7 +61,7 @@ CommandView CurrentCommandView() {
     if (!CompilerIsBuilding()) view.conditions |= kIdle;
     view.conditions |= DebugConditions();
     view.conditions |= BitIf(AiRequestsRun(), kAiRunning) | BitIf(g_ai.aiDoPending, kAiPending) |
-                       BitIf(g_ai.aiReplyTarget.document != 0, kAiReply);
+                       BitIf(g_ai.aiReplyTarget.document != 0, kAiReply) | BitIf(ChatViewHasCode(), kAiCode);
     if (ErrorCount(g_output.errors) > 0) view.conditions |= kHasErrors;
     const Settings& settings = g_settings;
     view.toolbar = settings.showToolbar != 0;

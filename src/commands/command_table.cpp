@@ -145,6 +145,9 @@ constexpr CommandRow kCommands[] = {
     {IDM_AI_CANCEL, kAiRunning},
     {IDM_AI_EXPLAIN, kHasErrors},
     {IDM_AI_FIX, kHasErrors},
+    {IDM_AI_COPY_CODE, kAiCode},
+    {IDM_AI_INSERT_CODE, kAiCode | kHasTab},
+    {IDM_AI_NEW_CHAT, kAlways},
     {IDM_HELP_ABOUT, kAlways},
     {IDM_NEXT_TAB, kHasTab},
     {IDM_PREVIOUS_TAB, kHasTab},
@@ -232,6 +235,8 @@ constexpr ExtraKey kExtraKeys[] = {
     {'J', true, true, false, IDM_FILES_REPLACE},
     {kF8, true, false, false, IDM_FILES_NEXT},
     {kF8, true, true, false, IDM_FILES_PREVIOUS},
+    {'C', true, true, false, IDM_AI_COPY_CODE},
+    {'I', true, true, false, IDM_AI_INSERT_CODE},
 };
 
 }  // namespace

@@ -145,6 +145,9 @@
 #define IDM_AI_CANCEL 1964
 #define IDM_AI_EXPLAIN 1965
 #define IDM_AI_FIX 1966
+#define IDM_AI_COPY_CODE 1967
+#define IDM_AI_INSERT_CODE 1968
+#define IDM_AI_NEW_CHAT 1969
 #define IDM_HELP_ABOUT 1601
 // --- Internal commands
 #define IDM_NEXT_TAB 1950
@@ -280,6 +283,7 @@
 #define MSG_REINIT_EDITOR (0x0400 + 201)   // wParam: tab index, lParam: id of its document or 0
 #define MSG_FOCUS_EDITOR (0x8000 + 1)      // gives the active editor the focus
 #define MSG_AI_REPLY (0x8000 + 3)          // wParam: heap UTF-8 reply or null, lParam: chat or replacement
+#define MSG_AI_PIECES (0x8000 + 60)        // pieces of a streamed reply wait
 #define MSG_AI_ENDED (0x8000 + 34)         // wParam: AiRequestEnd*, deleted by the receiver
 #define MSG_DEBUG_LAUNCH (0x8000 + 11)     // starts the program of a finished debug build under the debugger
 #define MSG_COMPILERS_SEEN (0x8000 + 24)   // wParam: what CompilersLook found, for CompilersOnLooked
@@ -307,4 +311,5 @@
 #define TIMER_POSITION 7   // shows the caret's place in the status bar
 #define TIMER_AI 8         // shows the progress of the assistant's requests in the status bar
 #define TIMER_AI_MARKS 21  // updates the marks of a replacement that waits
+#define TIMER_AI_PIECES 9  // shows what has come of streamed replies
 #define TIMER_FOCUS 32770

@@ -121,6 +121,8 @@ struct Settings {
     wchar_t lmStudioModel[64];
     wchar_t transcribeTestText[1024];
     std::int32_t appendLastError;
+    std::int32_t aiStream;     // replies are asked for piece by piece
+    std::int32_t aiHistoryKb;  // earlier questions and answers that go with a message of the chat; 0: none
 
     // Recent files and sessions, newest first
     std::int32_t mruCount;

@@ -210,6 +210,8 @@ constexpr SettingRow kOtherRows[] = {
     TextRow(kAi, L"LMStudioModel", FIELD(lmStudioModel), 64, L"local"),
     TextRow(kAi, L"TranscribeTestText", FIELD(transcribeTestText), 1024, L""),
     BoolRow(kAi, L"AppendLastError", FIELD(appendLastError), 1),
+    BoolRow(kAi, L"AiStream", FIELD(aiStream), 1),
+    IntRow(kAi, L"AiHistoryKB", FIELD(aiHistoryKb), 32, Within(0, 1000)),
 
     IntRow(kRecent, L"Count", FIELD(mruCount), 0, Within(0, kMruCapacity)),
     ListRow(kRecent, L"File%d", FIELD(mruFiles), FIELD(mruCount), kMruCapacity, kPathCapacity),

@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <span>
+#include <string_view>
 
 // Creates a read-only pane, hidden and without a size. Returns null on failure. With `wrap`, long lines are folded at
 // the width of the pane; without it, the pane scrolls sideways.
@@ -17,6 +18,11 @@ HWND RichPaneCreate(HWND parent, int controlId, const wchar_t* text, bool wrap);
 // Appends the lines with one insertion and without painting, in place of the text from the character `from` on. A
 // negative `from`: nothing is replaced. Returns the character at which the lines begin. A selection of the user stays.
 LONG RichLinesAppend(HWND pane, std::span<const PaneLine> lines, LONG from = -1);
+// Puts a block of RTF in place of the characters from `from` to `to`, without painting. `lineBreak`: the block ends with
+// one. Returns how many characters stand there now. Selection and caret of the user stay where they are in the text.
+LONG RichRtfReplace(HWND pane, LONG from, LONG to, std::string_view rtf, bool lineBreak);
+LONG RichLength(HWND pane);   // characters
+bool RichIsAtEnd(HWND pane);  // whether the end of the text can be seen
 // Scrolls to the start of the last line.
 void RichScrollToEnd(HWND pane);
 // Scrolls to the start of the lines. A pane that has no size yet scrolls sideways to its caret, because its view has no

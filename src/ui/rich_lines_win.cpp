@@ -2,6 +2,7 @@
 
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
+#include "ui/fonts.h"
 #include "ui/redraw.h"
 #include "ui/ui_state.h"
 
@@ -39,6 +40,24 @@ void SelectInRich(HWND pane, LONG from, LONG to) {
     SendMessageW(pane, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
 }
 
+void StreamRtfIn(HWND pane, std::string_view rtf) {
+    EDITSTREAM stream = {.dwCookie = reinterpret_cast<DWORD_PTR>(&rtf), .pfnCallback = ReadFromView};
+    SendMessageW(pane, EM_STREAMIN, SF_RTF | SFF_SELECTION, reinterpret_cast<LPARAM>(&stream));
+}
+
+// Some versions of the control swallow the last line break of a block.
+void PutSwallowedBreak(HWND pane) {
+    const LRESULT lineStart = SendMessageW(pane, EM_LINEINDEX, static_cast<WPARAM>(-1), 0);
+    if (RichSelection(pane).cpMax != lineStart)
+        SendMessageW(pane, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L"\r\n"));
+}
+
+// Where a place in the text is after the characters from `from` to `to` have become `length` characters.
+LONG MovedPlace(LONG place, LONG from, LONG to, LONG length) {
+    if (place <= from) return place;
+    return place >= to ? place + length - (to - from) : std::min(place, from + length);
+}
+
 }  // namespace
 
 HWND RichPaneCreate(HWND parent, int controlId, const wchar_t* text, bool wrap) {
@@ -57,8 +76,6 @@ LONG RichLinesAppend(HWND pane, std::span<const PaneLine> lines, LONG from) {
                          .points = g_settings.outputFontSize,
                          .textColour = chrome.paneText,
                          .darkBack = ThemeIsDark() ? std::optional(chrome.paneBack) : std::nullopt});
-    std::string_view rest = rtf;
-    EDITSTREAM stream = {.dwCookie = reinterpret_cast<DWORD_PTR>(&rest), .pfnCallback = ReadFromView};
     const CHARRANGE before = RichSelection(pane);
     const RedrawPause pause(pane);
     SelectInRich(pane, LONG_MAX, LONG_MAX);
@@ -68,13 +85,37 @@ LONG RichLinesAppend(HWND pane, std::span<const PaneLine> lines, LONG from) {
         SelectInRich(pane, start, end);
         SendMessageW(pane, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L""));
     }
-    if (!lines.empty()) SendMessageW(pane, EM_STREAMIN, SF_RTF | SFF_SELECTION, reinterpret_cast<LPARAM>(&stream));
-    // Some versions of the control swallow the last line break of a block.
-    const LRESULT lineStart = SendMessageW(pane, EM_LINEINDEX, static_cast<WPARAM>(-1), 0);
-    if (!lines.empty() && lines.back().lineBreak && RichSelection(pane).cpMax != lineStart)
-        SendMessageW(pane, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L"\r\n"));
+    if (!lines.empty()) StreamRtfIn(pane, rtf);
+    if (!lines.empty() && lines.back().lineBreak) PutSwallowedBreak(pane);
     if (before.cpMin != before.cpMax) SelectInRich(pane, before.cpMin, before.cpMax);
     return start;
+}
+
+LONG RichRtfReplace(HWND pane, LONG from, LONG to, std::string_view rtf, bool lineBreak) {
+    const CHARRANGE before = RichSelection(pane);
+    const RedrawPause pause(pane);
+    const LONG lengthBefore = RichLength(pane);
+    SelectInRich(pane, from, to);
+    if (from < to) SendMessageW(pane, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L""));
+    StreamRtfIn(pane, rtf);
+    if (lineBreak) PutSwallowedBreak(pane);
+    const LONG length = RichLength(pane) - lengthBefore + to - from;
+    SelectInRich(pane, MovedPlace(before.cpMin, from, to, length), MovedPlace(before.cpMax, from, to, length));
+    return length;
+}
+
+LONG RichLength(HWND pane) {
+    GETTEXTLENGTHEX wanted = {.flags = GTL_NUMCHARS | GTL_PRECISE, .codepage = 1200};  // UTF-16; a line break is one
+    return static_cast<LONG>(SendMessageW(pane, EM_GETTEXTLENGTHEX, reinterpret_cast<WPARAM>(&wanted), 0));
+}
+
+bool RichIsAtEnd(HWND pane) {
+    SCROLLINFO info = {};
+    info.cbSize = sizeof(info);
+    info.fMask = SIF_RANGE | SIF_PAGE | SIF_POS;
+    if (GetScrollInfo(pane, SB_VERT, &info) == FALSE || info.nPage == 0) return true;  // all of it is shown
+    const int line = UiSizes().fixedHeight;
+    return info.nPos + static_cast<int>(info.nPage) + 2 * line >= info.nMax;
 }
 
 void RichScrollToEnd(HWND pane) {

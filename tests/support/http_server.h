@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -18,12 +19,23 @@
 struct HttpReply {
     std::string bytes;          // with the header, see HttpAnswer
     std::size_t piece = ~0ULL;  // bytes sent at a time
+    int pauseMs = 0;            // between two pieces
     bool keepsOpen = false;     // never closes the connection by itself
 };
 
 inline HttpReply HttpAnswer(int status, const std::string& body, const std::string& headers = "") {
     return {.bytes = "HTTP/1.1 " + std::to_string(status) + " Status\r\nContent-Length: " +
                      std::to_string(body.size()) + "\r\nConnection: close\r\n" + headers + "\r\n" + body};
+}
+
+// A reply that is sent as events, each with a piece of the text as JSON writes it. Without `end`, the connection closes
+// before the reply is complete.
+inline HttpReply HttpEvents(const std::vector<std::string>& pieces, const std::string& end = "data: [DONE]\n\n") {
+    HttpReply reply = {.bytes = "HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\nConnection: close\r\n\r\n"};
+    for (const std::string& piece : pieces)
+        reply.bytes += R"(data: {"choices":[{"delta":{"content":")" + piece + "\"}}]}\n\n";
+    reply.bytes += end;
+    return reply;
 }
 
 class HttpServer {
@@ -104,6 +116,7 @@ private:
             const int sent = send(connection, reply.bytes.data() + at, static_cast<int>(count), 0);
             if (sent <= 0) break;
             at += static_cast<std::size_t>(sent);
+            if (reply.pauseMs > 0) std::this_thread::sleep_for(std::chrono::milliseconds(reply.pauseMs));
         }
         char rest[256];
         while (reply.keepsOpen && recv(connection, rest, sizeof(rest), 0) > 0) {}

@@ -7,6 +7,8 @@
 #include "documents/margins.h"
 #include "resources/ids.h"
 
+#include <richedit.h>
+
 namespace {
 
 std::string ChatAnswer(const std::string& content) {
@@ -170,7 +172,7 @@ TEST(Assistant, FailuresAreToldAndSilentServersCancelled) {
     HttpServer server([](const std::string& request) {
         if (request.find("refuse") != std::string::npos)
             return HttpAnswer(401, R"({"error":{"message":"Incorrect key sk-0123456789"}})");
-        if (request.find("hello") != std::string::npos) return HttpAnswer(200, ChatAnswer("hi"));
+        if (request.find(R"("hello"}],)") != std::string::npos) return HttpAnswer(200, ChatAnswer("hi"));
         return HttpReply{.keepsOpen = true};
     });
     AiFolder folder(true, false, L"sk-0123456789", server.Url(L"/"));
@@ -194,7 +196,7 @@ TEST(Assistant, FailuresAreToldAndSilentServersCancelled) {
     editor.Send(editor.main, WM_COMMAND, IDC_AI_SEND, reinterpret_cast<LPARAM>(editor.Child(IDC_AI_SEND)));
     EXPECT_TRUE(AwaitChat(editor, L"[AI]: Cancelled."));
     EXPECT_EQ(editor.TextOf(editor.Child(IDC_AI_SEND)), L"Send");
-    EXPECT_EQ(Chat(editor), greeting + L"[You]: hello\r\nhi[You]: refuse\r\n[You]: wait\r\n[AI]: Cancelled.\r\n");
+    EXPECT_EQ(Chat(editor), greeting + L"[You]: hello\r\nhi\r\n[You]: refuse\r\n[You]: wait\r\n[AI]: Cancelled.\r\n");
 
     TypeInChat(editor, L"wait");
     editor.Do(IDC_AI_SEND);
@@ -230,4 +232,101 @@ TEST(Assistant, ExplainsAndFixesADiagnostic) {
     ASSERT_TRUE(WaitFor([&] { return editor.Status().starts_with(L"LM-Studio answered"); }));
     ExpectMessage(editor, IDM_AI_APPLY, L"AI replacement applied. Click AI Do again to accept, or AI Undo to revert.");
     EXPECT_EQ(editor.Text(), "REM a\r\nPRINT 2\r\nREM b");
+}
+
+struct CharLook {
+    COLORREF back;
+    bool bold;
+};
+
+// How the chat shows the character at which the text stands.
+CharLook LookOf(const Editor& editor, std::wstring_view text) {
+    std::wstring chat = Chat(editor);
+    std::erase(chat, L'\r');  // a line break is one character of the control
+    const std::size_t at = chat.find(text);
+    const HWND pane = editor.Child(IDC_AI_CHAT);
+    editor.Send(pane, EM_SETSEL, at, static_cast<LPARAM>(at + 1));
+    CHARFORMAT2W format = {};
+    format.cbSize = sizeof(format);
+    format = editor.Ask(pane, EM_GETCHARFORMAT, SCF_SELECTION, format);
+    return {(format.dwEffects & CFE_AUTOBACKCOLOR) != 0 ? CLR_NONE : format.crBackColor,
+            (format.dwEffects & CFE_BOLD) != 0};
+}
+
+TEST(Assistant, StreamsIntoTheChatAndHandsOutItsCode) {
+    HttpServer server([](const std::string& request) {
+        HttpReply reply =
+            HttpEvents({"a **b**:\\n```ba", "sic\\nPRINT 1\\n", "PRINT \xC3\xA4\\n```\\nand:\\n```\\nEND\\n```"});
+        if (request.find(R"("content":"lost"}],)") != std::string::npos) reply = HttpEvents({"half ", "of it"}, "");
+        if (request.find(R"("content":"wait"}],)") != std::string::npos) {
+            reply = HttpEvents({"only this"}, "");
+            reply.keepsOpen = true;
+        } else {
+            reply.piece = 40;
+            reply.pauseMs = 40;
+        }
+        return reply;
+    });
+    AiFolder folder(false, true, L"", server.Url(L"/"));
+    folder.SetIni(L"AI", L"ShowAISidebar", L"1");
+    folder.Write(L"x.bas", "REM a\nREM b\n");
+    Editor editor(folder, OpenArgument(folder.File(L"x.bas")));
+    TypeInChat(editor, L"one");
+    editor.Do(IDC_AI_SEND);
+    EXPECT_TRUE(AwaitChat(editor, L"PRINT 1"));
+    EXPECT_EQ(editor.TextOf(editor.Child(IDC_AI_SEND)), L"Cancel") << "the rest is still to come";
+    ASSERT_TRUE(WaitFor([&] { return editor.Status().starts_with(L"LM-Studio answered"); }));
+    const std::wstring shown =
+        L"[You]: one\r\na **b**:\r\n```basic\r\nPRINT 1\r\nPRINT \xE4\r\n```\r\nand:\r\n```\r\nEND\r\n```";
+    EXPECT_TRUE(Chat(editor).ends_with(shown)) << Utf8(Chat(editor));
+    EXPECT_TRUE(server.Requests()[0].ends_with(R"("temperature":0.7,"stream":true})"));
+
+    const COLORREF ground = LookOf(editor, L"PRINT 1").back;
+    EXPECT_NE(ground, CLR_NONE);
+    EXPECT_EQ(LookOf(editor, L"and:").back, CLR_NONE);
+    EXPECT_TRUE(LookOf(editor, L"b**:").bold);
+    editor.Do(IDM_VIEW_DARK_THEME);
+    EXPECT_TRUE(Chat(editor).ends_with(shown));
+    EXPECT_NE(LookOf(editor, L"PRINT 1").back, ground) << "the ground of the other theme";
+    EXPECT_NE(LookOf(editor, L"PRINT 1").back, CLR_NONE);
+
+    // The last block, or the one at the caret.
+    ClipboardEmpty();
+    editor.Do(IDM_AI_COPY_CODE);
+    EXPECT_EQ(ClipboardText(), L"END");
+    editor.Foreground();
+    editor.Do(IDM_VIEW_AI);
+    editor.Do(IDM_VIEW_AI);
+    editor.Click(editor.Child(IDC_AI_CHAT), {20, 10});
+    ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Child(IDC_AI_CHAT); }));
+    LookOf(editor, L"PRINT \xE4");
+    editor.Do(IDM_AI_COPY_CODE);
+    EXPECT_EQ(ClipboardText(), L"PRINT 1\r\nPRINT \xE4");
+    editor.Sci(SCI_SETSEL, 6, 6);
+    editor.Do(IDM_AI_INSERT_CODE);
+    EXPECT_EQ(editor.Text(), "REM a\nPRINT 1\nPRINT \xC3\xA4\nREM b\n");
+    EXPECT_EQ(editor.Line(), 4);
+    editor.Sci(SCI_UNDO);
+    EXPECT_EQ(editor.Text(), "REM a\nREM b\n") << "one step";
+    EXPECT_FALSE(editor.Modified());
+    editor.Sci(SCI_SETREADONLY, 1);
+    ExpectMessage(editor, IDM_AI_INSERT_CODE, L"The document is read-only, so nothing was inserted.");
+
+    TypeInChat(editor, L"lost");
+    editor.Do(IDC_AI_SEND);
+    EXPECT_TRUE(AwaitChat(editor, L"[You]: lost\r\nhalf of it\r\n[AI]: The connection was lost"));
+    EXPECT_NE(server.Requests()[1].find(R"({"role":"user","content":"one"},{"role":"assistant","content":"a **b**:)"),
+              std::string::npos);
+    TypeInChat(editor, L"wait");
+    editor.Do(IDC_AI_SEND);
+    EXPECT_TRUE(AwaitChat(editor, L"[You]: wait\r\nonly this"));
+    editor.Do(IDM_AI_CANCEL);
+    EXPECT_TRUE(AwaitChat(editor, L"only this\r\n[AI]: Cancelled.\r\n"));
+    editor.Do(IDM_AI_NEW_CHAT);
+    EXPECT_EQ(Chat(editor).find(L"You]"), std::wstring::npos);
+    EXPECT_TRUE(Chat(editor).starts_with(L"AI Chat\r\n========\r\n"));
+    TypeInChat(editor, L"lost");
+    editor.Do(IDC_AI_SEND);
+    ASSERT_TRUE(WaitFor([&] { return server.Requests().size() == 4; }));
+    EXPECT_EQ(server.Requests()[3].find("assistant\""), std::string::npos) << "a new chat remembers nothing";
 }

@@ -1,0 +1,7 @@
+// The window of the chat: its keys and its context menu. UI thread only.
+#pragma once
+
+#include <windows.h>
+
+// For a control that was just created.
+void ChatWindowInit(HWND chat);
