@@ -14,10 +14,11 @@ namespace {
 
 constexpr std::string_view kWhite = "\n\r \t";
 
+std::string_view TrimmedEnd(std::string_view text) { return text.substr(0, text.find_last_not_of(kWhite) + 1); }
+
 std::string_view TrimmedText(std::string_view text) {
     const std::size_t first = text.find_first_not_of(kWhite);
-    return first == std::string_view::npos ? std::string_view()
-                                           : text.substr(first, text.find_last_not_of(kWhite) + 1 - first);
+    return first == std::string_view::npos ? std::string_view() : TrimmedEnd(text.substr(first));
 }
 
 // The text inside the first pair of fences; the whole text without a pair.
