@@ -30,6 +30,7 @@ struct Transfer {
     std::string toSend;
     HeapBlock<char> body;
     std::size_t length = 0, capacity = 0;  // of `body`, bytes
+    std::uint64_t came = 0;                // bytes, those that were used at once too
 };
 using SharedTransfer = std::shared_ptr<Transfer>;
 
@@ -97,7 +98,8 @@ bool ReadBody(HINTERNET request, Transfer& transfer, HttpExtras& extras) {
                       extras))
             return false;
         const std::string_view piece(transfer.body.get() + transfer.length, transfer.count);
-        if (extras.received != nullptr) *extras.received += piece.size();
+        transfer.came += piece.size();
+        if (extras.received != nullptr) *extras.received = transfer.came;
         if (!extras.arrived || !extras.arrived(piece)) transfer.length += piece.size();
     } while (transfer.count > 0);
     transfer.body.get()[transfer.length] = '\0';
@@ -118,7 +120,7 @@ DWORD StatusOfReply(HINTERNET request) { return NumberOfReply(request, WINHTTP_Q
 
 // WinHTTP takes a connection that is closed in the middle of the body for its end on some systems.
 bool BodyIsWhole(HINTERNET request, const Transfer& transfer, HttpExtras& extras) {
-    if (transfer.length >= NumberOfReply(request, WINHTTP_QUERY_CONTENT_LENGTH)) return true;
+    if (transfer.came >= NumberOfReply(request, WINHTTP_QUERY_CONTENT_LENGTH)) return true;
     extras.error = ERROR_WINHTTP_CONNECTION_ERROR;
     return false;
 }
@@ -201,7 +203,6 @@ int RunHttpCall(const HttpCall& call, std::string_view body, HttpResponseBuffer*
     HttpExtras unused;
     HttpExtras& extras = wanted != nullptr ? *wanted : unused;
     extras.status = extras.error = 0;
-    if (extras.received != nullptr) *extras.received = 0;
     *out = {};
     const auto transfer = std::make_shared<Transfer>();
     if (call.url == nullptr || !transfer->stepEnded || body.size() > MAXDWORD) {
