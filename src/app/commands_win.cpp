@@ -129,6 +129,7 @@ constexpr CommandHandler kFrameHandlers[] = {
     {IDM_EDIT_REPLACE, [](int) { FindDialogShow(g_app.hMainWnd, true); }},
     {IDM_FIND_NEXT, [](int) { FindNext(true); }},
     {IDM_FIND_PREVIOUS, [](int) { FindNext(false); }},
+    {IDM_SEARCH_CLEAR_MARKS, [](int) { FindMarksClear(); }},
     {IDM_EDIT_GOTO, [](int) { GotoLineDialogShow(g_app.hMainWnd); }},
     {IDM_EDIT_FORMAT_DOCUMENT, [](int) { EditorFormat(g_app.hEditor, false); }},
     {IDM_EDIT_FORMAT_SELECTION, [](int) { EditorFormat(g_app.hEditor, true); }},

@@ -254,15 +254,26 @@ SettingsPage CompilersPage() {
 
 // The program keeps these: lists, places of windows and what is derived.
 constexpr std::size_t kOwnFields[] = {
-    FIELD(searchHistoryCount), FIELD(searchHistory),
-    FIELD(filesSearchCount),   FIELD(filesSearches),
-    FIELD(mruCount),           FIELD(mruFiles),
-    FIELD(splitter),           FIELD(place.left),
-    FIELD(place.top),          FIELD(place.width),
-    FIELD(place.height),       FIELD(place.maximised),
-    FIELD(place.dpi),          FIELD(splitterRatio.ratio),
-    FIELD(splitterRatio.of),   FIELD(sidebarRatio.ratio),
-    FIELD(sidebarRatio.of),    FIELD(aiEnabled),
+    FIELD(replaceHistoryCount),
+    FIELD(replaceHistory),
+    FIELD(searchHistoryCount),
+    FIELD(searchHistory),
+    FIELD(filesSearchCount),
+    FIELD(filesSearches),
+    FIELD(mruCount),
+    FIELD(mruFiles),
+    FIELD(splitter),
+    FIELD(place.left),
+    FIELD(place.top),
+    FIELD(place.width),
+    FIELD(place.height),
+    FIELD(place.maximised),
+    FIELD(place.dpi),
+    FIELD(splitterRatio.ratio),
+    FIELD(splitterRatio.of),
+    FIELD(sidebarRatio.ratio),
+    FIELD(sidebarRatio.of),
+    FIELD(aiEnabled),
 };
 // Nothing in the program asks for these.
 constexpr std::size_t kUnusedFields[] = {

@@ -50,6 +50,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_EDIT_GOTO, kEdits},
     {IDM_FIND_NEXT, kEdits},
     {IDM_FIND_PREVIOUS, kEdits},
+    {IDM_SEARCH_CLEAR_MARKS, kEdits},
     {IDM_FILES_FIND, kAlways},
     {IDM_FILES_REPLACE, kAlways},
     {IDM_FILES_NEXT, kAlways},  // says why there is none

@@ -13,3 +13,6 @@ bool FindDialogIsMessage(MSG* message);
 // the first search the selection is searched for, or else the newest text of the history; without these the dialog
 // opens.
 void FindNext(bool forward);
+
+// Takes away the marks of Mark All in the active document.
+void FindMarksClear();

@@ -5,18 +5,19 @@
 
 #include <windows.h>
 
-// The editor's text with Scintilla's search. Valid as long as the editor exists.
-FindText FindTextOf(HWND editor);
+// The editor's text as it is now. Valid until the text changes.
+RegexText EditorTextOf(HWND editor);
+FindSpan EditorSelection(HWND editor);
+const char* EditorLineBreak(HWND editor);  // that new lines of the document get
 
-// Replaces the selection when it is a match in the scope, and puts the caret after the new text. False when it is no
-// match.
-bool ReplaceSelection(HWND editor, const FindQuery& query, std::string_view replacement, FindSpan scope);
+// Replaces `match` when it is a match in the scope, and puts the caret after the new text. False when it is none.
+bool ReplaceMatch(HWND editor, const FindQuery& query, const ReplaceForm& form, FindSpan match, FindSpan scope);
 
 // Replaces every match in the scope as one undo step. The matches are found before the first change.
 struct ReplaceAllResult {
-    std::size_t count = 0;     // matches replaced
-    std::ptrdiff_t grown = 0;  // change of the scope's length, bytes
-    bool stopped = false;      // by `goesOn`; the text is then as it was before
+    std::size_t count = 0;                   // matches replaced
+    std::ptrdiff_t grown = 0;                // change of the scope's length, bytes
+    RegexResult end = RegexResult::NoMatch;  // else the text is as it was before
 };
-ReplaceAllResult ReplaceAllInScope(HWND editor, const FindQuery& query, std::string_view replacement, FindSpan scope,
+ReplaceAllResult ReplaceAllInScope(HWND editor, const FindQuery& query, const ReplaceForm& form, FindSpan scope,
                                    const FindGoesOn& goesOn = {});

@@ -1,177 +1,150 @@
 // Finds the next match, and the text that replaces each match. Pure.
 #include "search/find_engine.h"
 
-#include "files/text_encoding.h"
-#include "search/regex_check.h"
-
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace {
 
-constexpr std::ptrdiff_t kSearchPiece = 1 << 20;  // bytes
+constexpr std::ptrdiff_t kFirstBlock = 16 * 1024;  // bytes that a search backwards takes first
 
-// The nearest match of all alternatives. When two begin at the same place, that of the first alternative.
-std::optional<FindSpan> NearestMatch(const FindText& text, const FindQuery& query, FindSpan range) {
-    const bool forward = range.start <= range.end;
-    std::optional<FindSpan> best;
-    for (const std::string& pattern : query.patterns) {
-        FindSpan part = range;
-        if (best && forward)  // a match that begins after this line cannot be nearer
-            part.end = std::min(range.end, text.lineEnd(best->start));
-        else if (best)
-            part.end = std::max(range.end, best->start);
-        const std::optional<FindSpan> match = text.search(query.options, pattern, part);
-        if (match && (!best || (forward ? match->start < best->start : match->start > best->start))) best = match;
+// The start of the line of a position, but not before `least`.
+std::ptrdiff_t LineStart(const RegexText& text, std::ptrdiff_t position, std::ptrdiff_t least) {
+    constexpr std::ptrdiff_t kLook = 4096;
+    for (std::ptrdiff_t end = position; end > least;) {
+        const std::ptrdiff_t from = std::max(least, end - kLook);
+        const std::string_view part(text.bytes(from, end), static_cast<std::size_t>(end - from));
+        const std::size_t breakAt = part.find_last_of("\r\n");
+        if (breakAt != part.npos) return from + static_cast<std::ptrdiff_t>(breakAt) + 1;
+        end = from;
     }
-    return best;
+    return least;
 }
 
-// Walks over the matches of a scope from its start. An alternative is searched again only after its last match is
-// passed.
-class MatchWalk {
-public:
-    MatchWalk(const FindText& text, const FindQuery& query, FindSpan scope, const FindGoesOn& goesOn)
-        : text_(text), query_(query), scope_(scope), goesOn_(goesOn), at_(scope.start), next_(query.patterns.size()) {}
+RegexGoesOn GoesOnIn(FindSpan scope, const FindGoesOn& goesOn) {
+    if (goesOn == nullptr) return {};
+    const auto length = static_cast<double>(std::max<std::ptrdiff_t>(scope.end - scope.start, 1));
+    return
+        [scope, length, &goesOn](std::ptrdiff_t at) { return goesOn(static_cast<double>(at - scope.start) / length); };
+}
 
-    // The next match, or nothing at the end or when the walk is to stop. `pattern` gets the index of the alternative that matched.
-    std::optional<FindSpan> Next(std::size_t& pattern) {
-        while (at_ <= scope_.end && GoesOn(at_)) {
-            std::optional<FindSpan> best;
-            for (std::size_t i = 0; i < next_.size(); ++i) {
-                Refresh(i);
-                if (next_[i].match && (!best || next_[i].match->start < best->start)) {
-                    best = next_[i].match;
-                    pattern = i;
-                }
-            }
-            if (!best) return {};
-            const bool isEmpty = best->start == best->end;
-            const bool touchesLast =
-                isEmpty && best->start == lastEnd_;  // an empty match right after a match does not count
-            lastEnd_ = best->end;
-            at_ = isEmpty ? Beyond(best->end) : best->end;
-            if (!touchesLast) return best;
-        }
-        return {};
-    }
-
-private:
-    struct Candidate {
-        bool searched = false;
-        std::optional<FindSpan> match;
-    };
-
-    // The position after the next character. At the end of the text a position after the scope, which ends the walk.
-    std::ptrdiff_t Beyond(std::ptrdiff_t position) const {
-        const std::ptrdiff_t after = text_.beside(position, true);
-        return after > position ? after : scope_.end + 1;
-    }
-
-    void Refresh(std::size_t index) {
-        Candidate& candidate = next_[index];
-        if (candidate.searched && (!candidate.match || candidate.match->start >= at_)) return;
-        candidate = {.searched = true, .match = SearchInPieces(query_.patterns[index])};
-    }
-
-    bool GoesOn(std::ptrdiff_t position) const {
-        const auto length = static_cast<double>(std::max<std::ptrdiff_t>(scope_.end - scope_.start, 1));
-        return goesOn_ == nullptr || goesOn_(static_cast<double>(position - scope_.start) / length);
-    }
-
-    // Searches whole lines at a time, so that a long search can be stopped. A match never goes beyond a line.
-    std::optional<FindSpan> SearchInPieces(const std::string& pattern) const {
-        for (std::ptrdiff_t from = at_;;) {
-            const bool last = scope_.end - from <= kSearchPiece;
-            const std::ptrdiff_t end = last ? scope_.end : std::min(scope_.end, text_.lineEnd(from + kSearchPiece));
-            const std::optional<FindSpan> match = text_.search(query_.options, pattern, {from, end});
-            if (match || end >= scope_.end || !GoesOn(end)) return match;
-            from = end;
-        }
-    }
-
-    const FindText& text_;
-    const FindQuery& query_;
-    FindSpan scope_;
-    const FindGoesOn& goesOn_;
-    std::ptrdiff_t at_;
-    std::ptrdiff_t lastEnd_ = -1;
-    std::vector<Candidate> next_;
+struct LastMatch {
+    RegexResult end = RegexResult::NoMatch;
+    std::optional<FindSpan> match;
 };
 
-// `match` must be the match that `text.search` found last, because the groups are those of that search. Nothing when a
-// group holds only a part of a character: expressions match single bytes, and the part would break the text's encoding.
-std::optional<std::string> ReplacementFor(const FindText& text, const FindQuery& query, std::string_view replacement,
-                                          FindSpan match) {
-    if (!query.options.regex) return std::string{replacement};
-    std::string expanded =
-        ExpandReplacement(replacement, [&](int group) { return group == 0 ? text.part(match) : text.group(group); });
-    if (!IsValidUtf8Bytes(expanded.data(), expanded.size())) return std::nullopt;
-    return expanded;
+// The last match that begins in `starts` and ends by `limit`. An empty match at `limit` counts with `emptyAtLimit`.
+LastMatch LastMatchIn(const RegexText& text, RegexSearch& search, FindSpan starts, std::ptrdiff_t limit,
+                      bool emptyAtLimit, const RegexGoesOn& goesOn) {
+    LastMatch last;
+    bool beyond = false;  // a match that begins later is of no interest, so the walk ends there
+    search.Begin(text, {starts.start, limit}, false, [&](std::ptrdiff_t at) {
+        beyond = at > starts.end;
+        return !beyond && (goesOn == nullptr || goesOn(at));
+    });
+    while ((last.end = search.Next()) == RegexResult::Match) {
+        const FindSpan match = search.Match();
+        if (match.start > starts.end || (match.start == limit && !emptyAtLimit)) break;
+        last.match = match;
+    }
+    if (last.end == RegexResult::Match || beyond) last.end = RegexResult::NoMatch;
+    if (last.end != RegexResult::NoMatch) last.match.reset();
+    return last;
+}
+
+// Searches blocks of whole lines, from the end of the scope to its start. Each block is twice as long as the last one.
+LastMatch FindBackward(const RegexText& text, const FindQuery& query, FindSpan scope, bool emptyAtLimit,
+                       const RegexGoesOn& goesOn) {
+    RegexSearch search(query.code);
+    std::ptrdiff_t end = scope.end;
+    for (std::ptrdiff_t size = kFirstBlock;; size *= 2) {
+        const std::ptrdiff_t start = LineStart(text, std::max(scope.start, end - size), scope.start);
+        const LastMatch last = LastMatchIn(text, search, {start, end}, scope.end, emptyAtLimit, goesOn);
+        if (last.match || last.end != RegexResult::NoMatch || start <= scope.start) return last;
+        end = start - 1;
+    }
+}
+
+// One search without continuing at the other end. `range` goes from its end to its start for a search backwards.
+FindResult FindOnce(const RegexText& text, const FindQuery& query, FindSpan range, bool wrapped, bool forward,
+                    const RegexGoesOn& goesOn) {
+    if (!forward) {
+        const LastMatch last = FindBackward(text, query, {range.end, range.start}, wrapped, goesOn);
+        return {wrapped, last.match, last.end};
+    }
+    RegexSearch search(query.code);
+    search.Begin(text, range, !wrapped, goesOn);
+    const RegexResult end = search.Next();
+    return {wrapped, end == RegexResult::Match ? std::optional{search.Match()} : std::nullopt, end};
 }
 
 }  // namespace
 
-const wchar_t* PrepareQuery(std::string_view text, const FindOptions& options, FindQuery& query) {
-    query.options = options;
-    query.patterns.clear();
-    if (!options.regex) {
-        query.patterns.emplace_back(text);
-        return text.empty() ? L"Nothing to find" : nullptr;
-    }
-    if (!SplitAlternatives(text, query.patterns)) return L"The | of alternatives cannot stand inside parentheses";
-    for (const std::string& pattern : query.patterns) {
-        const wchar_t* fault = RegexFault(pattern);
-        if (fault != nullptr) return fault;
-    }
-    return query.patterns.empty() ? L"Nothing to find" : nullptr;
+bool PrepareQuery(std::string_view text, const FindOptions& options, FindQuery& query, RegexFault& fault) {
+    query = {options, RegexCompile(text, options, fault)};
+    return query.code != nullptr;
 }
 
-FindResult FindInScope(const FindText& text, const FindQuery& query, FindSpan scope, bool forward) {
-    const FindSpan selection = text.selection();
-    const FindPlan plan = PlanFind(selection, scope, forward);
-    std::optional<FindSpan> match = NearestMatch(text, query, plan.first);
-    const bool isHere = match && match->start == match->end && *match == selection;
-    if (isHere) {
-        const std::ptrdiff_t next = text.beside(plan.first.start, forward);
-        const bool atEnd = next == plan.first.start || (forward ? next > scope.end : next < scope.start);
-        match = atEnd ? std::nullopt : NearestMatch(text, query, {next, plan.first.end});
-    }
-    if (match) return {.wrapped = false, .match = match};
-    return {.wrapped = true, .match = NearestMatch(text, query, plan.wrapped)};
+FindResult FindInScope(const RegexText& text, const FindQuery& query, FindSpan selection, FindSpan scope, FindWay way,
+                       const FindGoesOn& goesOn) {
+    const FindPlan plan = PlanFind(selection, scope, way.forward);
+    const RegexGoesOn stop = GoesOnIn(scope, goesOn);
+    const FindResult first = FindOnce(text, query, plan.first, false, way.forward, stop);
+    if (first.match || first.end != RegexResult::NoMatch || !way.wrap) return first;
+    return FindOnce(text, query, plan.wrapped, true, way.forward, stop);
 }
 
-std::optional<Replacement> ReplacementForSelection(const FindText& text, const FindQuery& query,
-                                                   std::string_view replacement, FindSpan scope) {
-    const FindSpan selection = text.selection();
-    const FindSpan range{selection.start, scope.end};
+RegexResult ForEachMatch(const RegexText& text, const FindQuery& query, FindSpan scope,
+                         const std::function<bool(const RegexSearch&)>& found, const FindGoesOn& goesOn) {
+    RegexSearch search(query.code);
+    search.Begin(text, scope, false, GoesOnIn(scope, goesOn));
+    RegexResult result = search.Next();
+    while (result == RegexResult::Match && found(search)) result = search.Next();
+    return result;
+}
+
+std::optional<Replacement> ReplacementForSelection(const RegexText& text, const FindQuery& query,
+                                                   const ReplaceForm& form, FindSpan selection, FindSpan scope) {
     if (selection.start < scope.start || selection.end > scope.end) return std::nullopt;
-    if (NearestMatch(text, query, range) != selection) return std::nullopt;
-    // The alternative that matches is searched again, because the groups are those of the last search.
-    const auto matches = [&](const std::string& pattern) {
-        return text.search(query.options, pattern, range) == selection;
-    };
-    if (query.options.regex) static_cast<void>(std::ranges::find_if(query.patterns, matches));
-    std::optional<std::string> expanded = ReplacementFor(text, query, replacement, selection);
-    if (!expanded) return std::nullopt;
-    return Replacement{selection, std::move(*expanded)};
+    RegexSearch search(query.code);
+    search.Begin(text, {selection.start, scope.end}, false, [&](std::ptrdiff_t at) { return at <= selection.end; });
+    if (search.Next() != RegexResult::Match || search.Match() != selection) return std::nullopt;
+    return Replacement{selection, ReplaceExpand(form, search)};
 }
 
-bool ReplacesAllAlike(const FindQuery& query, std::string_view replacement) {
-    return !query.options.regex || replacement.find('\\') == std::string_view::npos;
-}
-
-std::vector<Replacement> ReplacementsInScope(const FindText& text, const FindQuery& query, std::string_view replacement,
-                                             FindSpan scope, const FindGoesOn& goesOn) {
+std::vector<Replacement> ReplacementsInScope(const RegexText& text, const FindQuery& query, const ReplaceForm& form,
+                                             FindSpan scope, const FindGoesOn& goesOn, RegexResult& end) {
     std::vector<Replacement> replacements;
-    MatchWalk walk{text, query, scope, goesOn};
-    const bool alike = ReplacesAllAlike(query, replacement);
-    std::size_t pattern = 0;
-    while (const std::optional<FindSpan> match = walk.Next(pattern)) {
-        // Searches again for the groups, because the walk may have searched another alternative last.
-        if (!alike) text.search(query.options, query.patterns[pattern], {match->start, scope.end});
-        std::optional<std::string> expanded = alike ? std::string{} : ReplacementFor(text, query, replacement, *match);
-        if (expanded) replacements.push_back({*match, std::move(*expanded)});
-    }
+    const auto add = [&](const RegexSearch& search) {
+        replacements.push_back({search.Match(), form.alike ? std::string{} : ReplaceExpand(form, search)});
+        return true;
+    };
+    end = ForEachMatch(text, query, scope, add, goesOn);
     return replacements;
+}
+
+const wchar_t* EndOfSearchText(RegexResult end) {
+    switch (end) {
+        case RegexResult::TooComplex: return L"The expression is too complex for this text";
+        case RegexResult::Stopped: return L"Stopped";
+        default: return L"Not found";
+    }
+}
+
+std::wstring FindStatusOf(const FindResult& result, bool forward) {
+    if (!result.match) return EndOfSearchText(result.end);
+    if (!result.wrapped) return L"";
+    return forward ? L"Continued from the start" : L"Continued from the end";
+}
+
+std::wstring ReplaceStatusOf(RegexResult end, std::size_t count) {
+    if (end != RegexResult::NoMatch) return EndOfSearchText(end) + std::wstring(L": nothing was replaced");
+    if (count == 0) return L"Not found: nothing replaced";
+    return std::to_wstring(count) + (count == 1 ? L" replacement" : L" replacements");
+}
+
+std::wstring MatchCountText(std::size_t count) {
+    if (count == 0) return L"No matches";
+    return std::to_wstring(count) + (count == 1 ? L" match" : L" matches");
 }

@@ -94,7 +94,7 @@ RegexHandle RegexCompile(std::string_view text, const FindOptions& options, Rege
     const bool literal = !options.regex && !options.wholeWord;
     const std::string expression = options.wholeWord && !options.regex ? WholeWordExpression(text) : std::string(text);
     std::uint32_t bits = PCRE2_UTF | PCRE2_MATCH_INVALID_UTF | PCRE2_USE_OFFSET_LIMIT;
-    bits |= literal ? PCRE2_LITERAL : PCRE2_UCP | PCRE2_MULTILINE | PCRE2_NEVER_BACKSLASH_C;
+    bits |= literal ? PCRE2_LITERAL : PCRE2_UCP | PCRE2_MULTILINE | PCRE2_ALT_CIRCUMFLEX | PCRE2_NEVER_BACKSLASH_C;
     if (!options.matchCase) bits |= PCRE2_CASELESS;
 
     const std::unique_ptr<pcre2_compile_context, decltype(&pcre2_compile_context_free)> context(
@@ -130,6 +130,31 @@ std::optional<int> RegexGroupNumber(const RegexCode& code, std::string_view name
     const int number =
         pcre2_substring_number_from_name(code.compiled, reinterpret_cast<PCRE2_SPTR>(std::string(name).c_str()));
     return number > 0 ? std::optional{number} : std::nullopt;
+}
+
+std::string ChangeCase(std::string_view utf8, bool capitals) {
+    const bool ascii = std::ranges::all_of(utf8, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    std::string out(utf8);
+    if (ascii) {
+        const char first = capitals ? 'a' : 'A';
+        for (char& c : out)
+            if (c >= first && c < first + 26) c = static_cast<char>(c ^ 0x20);
+        return out;
+    }
+    // PCRE2 knows the letters of all languages, but gives them only to its own replacing.
+    int error = 0;
+    PCRE2_SIZE offset = 0;
+    const auto text = [](std::string_view bytes) { return reinterpret_cast<PCRE2_SPTR>(bytes.data()); };
+    pcre2_code* all = pcre2_compile(text("(?s).+"), PCRE2_ZERO_TERMINATED, PCRE2_UTF, &error, &offset, nullptr);
+    PCRE2_SIZE length = 3 * utf8.size() + 1;  // no letter grows more
+    out.resize(length);
+    const int replaced = pcre2_substitute(all, text(utf8), utf8.size(), 0, PCRE2_SUBSTITUTE_EXTENDED, nullptr, nullptr,
+                                          text(capitals ? "\\U$0" : "\\L$0"), PCRE2_ZERO_TERMINATED,
+                                          reinterpret_cast<PCRE2_UCHAR*>(out.data()), &length);
+    pcre2_code_free(all);
+    if (replaced < 0) return std::string(utf8);
+    out.resize(length);
+    return out;
 }
 
 RegexText RegexTextOf(std::string_view bytes) {
@@ -196,6 +221,7 @@ RegexSearch::Piece RegexSearch::NextPiece() const {
     // A few bytes more show whether the end is inside a character or a line break, and whether a line ends there.
     const std::ptrdiff_t shown = std::min(piece.end + kLongestCharacter, text_->length);
     piece.bytes = text_->bytes(piece.from, shown);
+    if (piece.bytes == nullptr) piece.bytes = "";  // of an empty text
     if (!piece.last) {
         piece.end = WholeAt(piece.bytes, piece.from, piece.end, at_, std::min(shown, scope_.end));
         piece.last = piece.end == scope_.end;
@@ -214,8 +240,10 @@ int RegexSearch::MatchIn(const Piece& piece) {
     std::uint32_t bits = piece.last ? 0 : PCRE2_PARTIAL_HARD;
     if (piece.last && !piece.endOfLine) bits |= PCRE2_NOTEOL;
     if (notEmptyHere_) bits |= PCRE2_NOTEMPTY_ATSTART;
-    // A match may begin at the end of the last piece only, because that of another is the start of the next one.
-    const bool limited = !piece.last || piece.starts < piece.end;
+    // A match may begin at the end of the last piece only, because that of another is the start of the next one. Where the
+    // scope ends within a line or before the next one, an empty match there belongs to what follows.
+    const bool limited = !piece.last || piece.starts < piece.end || !piece.endOfLine;
+    if (limited && piece.starts <= at_) return PCRE2_ERROR_NOMATCH;
     pcre2_set_offset_limit(engine_->context,
                            limited ? static_cast<PCRE2_SIZE>(piece.starts - 1 - piece.from) : PCRE2_UNSET);
     return pcre2_match(code_->compiled, reinterpret_cast<PCRE2_SPTR>(piece.bytes),

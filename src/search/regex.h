@@ -28,6 +28,9 @@ RegexHandle RegexCompile(std::string_view text, const FindOptions& options, Rege
 int RegexGroupCount(const RegexCode& code);                                         // without the whole match
 std::optional<int> RegexGroupNumber(const RegexCode& code, std::string_view name);  // of a named group
 
+// The text in capitals or in small letters, in any language. A text that is no UTF-8 stays as it is.
+std::string ChangeCase(std::string_view utf8, bool capitals);
+
 // The text to search. `bytes` gives the bytes from `from` to before `to`, which stay valid until it is called again.
 struct RegexText {
     std::ptrdiff_t length = 0;

@@ -82,6 +82,8 @@ struct Settings {
     std::int32_t colors[kColorOverrides];  // COLORREF of each kOverriddenRoles; 0: that of the style
     std::int32_t searchHistoryCount;
     wchar_t searchHistory[kSearchHistoryCapacity][256];
+    std::int32_t replaceHistoryCount;
+    wchar_t replaceHistory[kSearchHistoryCapacity][256];
     std::int32_t filesSearchCount;
     wchar_t filesSearches[kFilesSearchCapacity][1024];  // with all options (search/files_options.h), newest first
     std::int32_t backupOnSave;

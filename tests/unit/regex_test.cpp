@@ -49,6 +49,8 @@ TEST(Regex, FindsInPiecesAsInOne) {
         {"look-behind and look-ahead", "10 eur 20 usd", "(?<=\\d\\d )\\w+(?= 2)", kRegex, "3-6 "},
         {"look-behind before the scope", "abab", "(?<=a)b", kRegex, "1-2 ", {1, 3}},
         {"an end of the scope is no end of a line", "aa\naa", "a$", kRegex, "1-2 ", {0, 4}},
+        {"the start of the line behind the scope", "aa\naa", "^", kRegex, "0-0 ", {0, 3}},
+        {"the start of a last line without text", "aa\n", "^", kRegex, "0-0 3-3 "},
         {"the end of a line at the end of the scope", "aa\r\naa", "a$", kRegex, "1-2 ", {0, 2}},
         {"no empty match right behind a match", "baaac", "a*", kRegex, "0-0 1-4 5-5 "},
         {"bytes that are no UTF-8",

@@ -1,7 +1,7 @@
 // Rules of find and replace.
 #include "search/find_engine.h"
 #include "search/find_rules.h"
-#include "search/regex_check.h"
+#include "search/replacement.h"
 
 #include <gtest/gtest.h>
 
@@ -10,68 +10,45 @@
 
 namespace {
 
-TEST(FindRules, SplitsAlternatives) {
-    // Each alternative with a blank after it.
-    const auto split = [](const char* pattern) {
-        std::vector<std::string> found;
-        std::string text;
-        if (!SplitAlternatives(pattern, found)) return std::string("impossible");
-        for (const std::string& each : found) text += each + " ";
-        return text;
-    };
+TEST(Replacement, ExpandsWhatIsWritten) {
     const struct {
-        const char *pattern, *alternatives;
+        const char *replacement, *expected;
+        bool preserveCase = false;
     } cases[] = {
-        {"SUB|FUNC", "SUB FUNC "}, {"a\\|b", "a\\|b "},     {"a\\\\|b", "a\\\\ b "}, {"[a|b]|c", "[a|b] c "},
-        {"[]|]|c", "[]|] c "},     {"[^]|]|c", "[^]|] c "}, {"[a|b", "[a|b "},       {"[-]|]|c", "[-]|] c "},
-        {"[\\]|]|c", "[\\]|] c "}, {"(a)|(b)", "(a) (b) "}, {"\\(a|b", "\\(a b "},   {"(a|b)", "impossible"},
-        {"ab|a||", "ab a "},       {"|ab||", "ab "},
+        {"plain", "plain"},
+        {"$1 = \\2", "one = two"},
+        {"\\0|$0|$&|${1}|${last}", "one.two|one.two|one.two|one|two"},
+        {"$10$1x", "one0onex"},
+        {"a\\nb\\tc\\r \\r\\n", "a\r\nb\tc\r \r\n"},
+        {"\\\\1 \\. a$ $$1 ${ $x \\$1", "\\1 . a$ $1 ${ $x $1"},
+        {"\\U$1\\E-$1-\\u$2-\\U\\l$2", "ONE-one-Two-tWO"},
+        {"\\L\\u\xC3\x84\xC3\x96", "\xC3\x84\xC3\xB6"},
+        {"end\\", "end\\"},
+        {"", ""},
     };
-    for (const auto& test : cases) EXPECT_EQ(split(test.pattern), test.alternatives) << test.pattern;
-    for (const std::string alone : {"abc", "a\\", "["}) EXPECT_EQ(split(alone.c_str()), alone + " ");
-    for (const char* nothing : {"|", ""}) EXPECT_EQ(split(nothing), "") << nothing;
-}
-
-TEST(FindRules, TellsFaultyExpressions) {
-    const struct {
-        const wchar_t* part;  // of the sentence; empty: no fault
-        std::vector<const char*> patterns;
-    } cases[] = {
-        {L"", {"^SUB +([a-z]+)$", "a\\(b\\*", "[]*+(]x*", "(a)(b\\1)", "\xC3\xA4x*"}},
-        {L"repeated", {"\xC3\xA4+x"}},
-        {L"ASCII characters can stand", {"[\xC3\xA4]"}},
-        {L"[ is not closed", {"[a"}},
-        {L"( is not closed", {"(a"}},
-        {L"has no (", {"a)"}},
-        {L"empty", {"()"}},
-        {L"nothing that", {"*a", "^*", "(a)*", "\\<*"}},
-        {L"between", {"\\<\\>"}},
-        {L"no group", {"(a\\1)", "\\2"}},
-        {L"more than 9", {"(a)(a)(a)(a)(a)(a)(a)(a)(a)(a)"}},
-    };
+    RegexFault fault;
+    const FindOptions find{.regex = true};
+    RegexSearch search(RegexCompile("(\\w+)\\.(?<last>\\w+)(x)?", find, fault));
+    const RegexText text = RegexTextOf("<one.two>");
+    search.Begin(text, {0, text.length});
+    ASSERT_EQ(search.Next(), RegexResult::Match);
+    ReplaceForm form;
     for (const auto& test : cases) {
-        for (const char* pattern : test.patterns) {
-            const wchar_t* fault = RegexFault(pattern);
-            EXPECT_EQ(fault != nullptr, test.part[0] != L'\0') << pattern;
-            EXPECT_TRUE(fault == nullptr || std::wstring{fault}.find(test.part) != std::wstring::npos) << pattern;
-        }
+        EXPECT_TRUE(ReplaceParse(test.replacement, search.Code(), find, {.lineBreak = "\r\n"}, form, fault));
+        EXPECT_EQ(ReplaceExpand(form, search), test.expected) << test.replacement;
     }
-}
-
-TEST(FindRules, ExpandsReplacements) {
-    const auto group = [](int number) { return "<" + std::to_string(number) + ">"; };
-    struct Case {
-        const char* replacement;
-        const char* expected;
-    };
-    const Case cases[] = {
-        {"plain", "plain"}, {"\\1 = \\2", "<1> = <2>"},
-        {"\\0!", "<0>!"},   {"a\\nb\\tc\\r", "a\nb\tc\r"},
-        {"\\\\1", "\\1"},   {"\\.", "."},
-        {"end\\", "end\\"}, {"", ""},
-    };
-    for (const Case& test : cases)
-        EXPECT_EQ(ExpandReplacement(test.replacement, group), test.expected) << test.replacement;
+    EXPECT_TRUE(ReplaceParse("$1\\n", search.Code(), {}, {}, form, fault));
+    EXPECT_EQ(ReplaceExpand(form, search), "$1\\n") << "plain for a plain search";
+    for (const char* bad : {"abc$4", "abc\\9", "abc${none}"}) {
+        EXPECT_FALSE(ReplaceParse(bad, search.Code(), find, {}, form, fault)) << bad;
+        EXPECT_EQ(fault.position, 3) << bad;
+        EXPECT_NE(fault.text.find(L"no group"), std::wstring::npos);
+    }
+    const struct {
+        const char *matched, *with;
+    } cased[] = {{"ABC", "NEW WORD"}, {"abc", "new word"}, {"Abc", "New Word"},      {"aBC", "new Word"},
+                 {"A", "New Word"},   {"12", "new Word"},  {"\xC3\x84X", "NEW WORD"}};
+    for (const auto& test : cased) EXPECT_EQ(WithCaseOf(test.matched, "new Word"), test.with) << test.matched;
 }
 
 TEST(FindRules, PlansAroundSelectionAndScope) {
@@ -108,9 +85,9 @@ TEST(FindRules, TakesOneLineOfASelection) {
     EXPECT_EQ(TextToFindNext(L"last", L"selected", L"newest"), L"last");
     EXPECT_EQ(TextToFindNext(L"", L"selected", L"newest"), L"selected");
     EXPECT_EQ(TextToFindNext(L"", L"", L"newest"), L"newest");
-    EXPECT_EQ(ReplacementCountText(0), L"Not found: nothing replaced");
-    EXPECT_EQ(ReplacementCountText(1), L"1 replacement");
-    EXPECT_EQ(ReplacementCountText(12), L"12 replacements");
+    EXPECT_EQ(ReplaceStatusOf(RegexResult::NoMatch, 0), L"Not found: nothing replaced");
+    EXPECT_EQ(ReplaceStatusOf(RegexResult::NoMatch, 12), L"12 replacements");
+    EXPECT_EQ(ReplaceStatusOf(RegexResult::Stopped, 0), L"Stopped: nothing was replaced");
 }
 
 }  // namespace

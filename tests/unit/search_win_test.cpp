@@ -42,7 +42,8 @@ protected:
     std::vector<std::string> Walk(const FindQuery& query, bool forward, int steps) {
         std::vector<std::string> found;
         for (int i = 0; i < steps; ++i) {
-            const FindResult result = FindInScope(FindTextOf(editor_), query, All(), forward);
+            const FindResult result =
+                FindInScope(EditorTextOf(editor_), query, EditorSelection(editor_), All(), {.forward = forward});
             if (!result.match) {
                 found.emplace_back("none");
                 break;
@@ -60,8 +61,16 @@ protected:
 
 FindQuery Prepared(const std::string& text, const FindOptions& options) {
     FindQuery query;
-    EXPECT_EQ(PrepareQuery(text, options, query), nullptr) << text;
+    RegexFault fault;
+    EXPECT_TRUE(PrepareQuery(text, options, query, fault)) << text;
     return query;
+}
+
+ReplaceForm With(const FindQuery& query, const char* replacement) {
+    ReplaceForm form;
+    RegexFault fault;
+    EXPECT_TRUE(ReplaceParse(replacement, *query.code, query.options, {}, form, fault)) << replacement;
+    return form;
 }
 
 constexpr FindOptions kPlain{.matchCase = true};
@@ -115,19 +124,19 @@ TEST_F(FindEngine, ReplacesAllThatMatchedBefore) {
         {"every line start, once", "a\nb\n", "^", "> ", kRegex, 3, "> a\n> b\n> "},
         {"what moves up to the line start is not matched again", "aaa\naab", "^a", "", kRegex, 2, "aa\nab"},
         {"line ends", "a\nb", "$", ";", kRegex, 2, "a;\nb;"},
-        {"empty matches before characters", "ab", "x*", "-", kRegex, 2, "-a-b"},
-        {"no empty match right behind a match", "aab", "a*", "-", kRegex, 1, "-b"},
+        {"empty matches before characters", "ab", "x*", "-", kRegex, 3, "-a-b-"},
+        {"no empty match right behind a match", "aab", "a*", "-", kRegex, 2, "-b-"},
         {"groups", "k=v\nx=y", "([a-z])=([a-z])", "\\2:\\1 (\\0)", kRegex, 2, "v:k (k=v)\ny:x (x=y)"},
-        {"groups of the alternative that matched", "a1 b2", "a([0-9])|b([0-9])", "<\\1>", kRegex, 2, "<1> <2>"},
-        {"multi-byte characters", "\xC3\xA4\xE2\x82\xAC", "x*", ".", kRegex, 2, ".\xC3\xA4.\xE2\x82\xAC"},
-        {"a group that splits a character", "\xC3\xA9=1 b=1", "(.)=1", "<\\1>", kRegex, 1, "\xC3\xA9=1 <b>"},
+        {"groups of the alternative that matched", "a1 b2", "a([0-9])|b([0-9])", "<\\1$2>", kRegex, 2, "<1> <2>"},
+        {"multi-byte characters", "\xC3\xA4\xE2\x82\xAC", "x*", ".", kRegex, 3, ".\xC3\xA4.\xE2\x82\xAC."},
+        {"over lines", "a\r\nb\r\nc", "\\R", "$0$0", kRegex, 2, "a\r\n\r\nb\r\n\r\nc"},
         {"nothing", "abc", "x", "y", kPlain, 0, "abc"},
     };
     for (const Case& test : cases) {
         SetText(test.text);
         const auto before = static_cast<std::ptrdiff_t>(std::string{test.text}.size());
-        const ReplaceAllResult result =
-            ReplaceAllInScope(editor_, Prepared(test.pattern, test.options), test.replacement, All());
+        const FindQuery query = Prepared(test.pattern, test.options);
+        const ReplaceAllResult result = ReplaceAllInScope(editor_, query, With(query, test.replacement), All());
         EXPECT_EQ(result.count, test.count) << test.name;
         EXPECT_EQ(Text(), test.expected) << test.name;
         EXPECT_EQ(result.grown, SciSend(editor_, SCI_GETLENGTH) - before) << test.name;
@@ -142,6 +151,7 @@ TEST_F(FindEngine, EscStopsAndLeavesTheTextAsItWas) {
     shown = 0;
     std::string text;
     for (int i = 0; i < 3000; ++i) text += "one two\n";
+    const FindQuery one = Prepared("one", kPlain);
     for (const int steps : {0, 3000, 4500}) {  // before Esc: while finding, and after some were replaced
         SetText(text);
         SciSend(editor_, SCI_SETSEL, 9, 2);
@@ -151,8 +161,8 @@ TEST_F(FindEngine, EscStopsAndLeavesTheTextAsItWas) {
             if (asked++ == steps) PostMessageW(editor_, WM_KEYDOWN, VK_ESCAPE, 0);
             return work.GoesOn(share);
         };
-        const ReplaceAllResult result = ReplaceAllInScope(editor_, Prepared("one", kPlain), "1", All(), goesOn);
-        EXPECT_TRUE(result.stopped && LongWorkRuns()) << steps;
+        const ReplaceAllResult result = ReplaceAllInScope(editor_, one, With(one, "1"), All(), goesOn);
+        EXPECT_TRUE(result.end == RegexResult::Stopped && LongWorkRuns()) << steps;
         EXPECT_EQ(result.count, 0u);
         EXPECT_EQ(Text(), text) << steps;
         EXPECT_EQ(SciSend(editor_, SCI_GETCURRENTPOS), 2) << steps;
@@ -180,35 +190,34 @@ TEST_F(FindEngine, EscStopsAndLeavesTheTextAsItWas) {
 
 TEST_F(FindEngine, KeepsToTheScope) {
     SetText("ab ab ab");
-    EXPECT_EQ(ReplaceAllInScope(editor_, Prepared("ab", kPlain), "x", {2, 6}).count, 1U);
+    const FindQuery query = Prepared("ab", kPlain);
+    const ReplaceForm form = With(query, "x");
+    EXPECT_EQ(ReplaceAllInScope(editor_, query, form, {2, 6}).count, 1U);
     EXPECT_EQ(Text(), "ab x ab");
 
     SetText("ab ab ab");
-    SciSend(editor_, SCI_SETSEL, 0, 2);
-    EXPECT_FALSE(ReplaceSelection(editor_, Prepared("ab", kPlain), "x", {2, 8}));
-    EXPECT_TRUE(ReplaceSelection(editor_, Prepared("ab", kPlain), "x", All()));
-    EXPECT_FALSE(ReplaceSelection(editor_, Prepared("ab", kPlain), "x", All()));  // nothing is selected now
+    EXPECT_FALSE(ReplaceMatch(editor_, query, form, {0, 2}, {2, 8}));
+    EXPECT_FALSE(ReplaceMatch(editor_, query, form, {1, 3}, All()));
+    EXPECT_TRUE(ReplaceMatch(editor_, query, form, {0, 2}, All()));
     EXPECT_EQ(Text(), "x ab ab");
 }
 
-// Scintilla answers a faulty expression like a missing match, so each expression that it refuses must be recognised
-// before.
-TEST_F(FindEngine, KnowsWhatTheComponentRefuses) {
-    SetText("aaa(b)[c]*d^e$\\1<>");
-    FindQuery query;
-    for (const char* pattern : {"", "|", "(a|b)", "[a"})
-        EXPECT_NE(PrepareQuery(pattern, kRegex, query), nullptr) << pattern;
-    for (const char* pattern :
-         {"a**", "[]]", "[-]]*x?", "\\(b\\)", "a+\\(", "\\<d?", "e\\$", "\\\\1", "[c]]\\*", "(a)\\1"}) {
-        query = Prepared(pattern, kRegex);
-        EXPECT_TRUE(FindInScope(FindTextOf(editor_), query, All(), true).match) << pattern;
-    }
+// A search backwards takes blocks of lines: a match is found in whichever it is, and the nearest one.
+TEST_F(FindEngine, SearchesBackwardsThroughALongText) {
+    std::string text = "needle\n";
+    for (int i = 0; i < 20000; ++i) text += "some other line\n";
+    SetText(text + "needle needle\n" + std::string(50000, 'x') + "\n");
+    SciSend(editor_, SCI_GOTOPOS, static_cast<WPARAM>(All().end));
+    const auto at = [&](std::size_t offset) {
+        return std::to_string(text.size() + offset) + "-" + std::to_string(text.size() + offset + 6);
+    };
+    EXPECT_EQ(Walk(Prepared("ne+dle", kRegex), false, 4), (std::vector<std::string>{at(7), at(0), "0-6", "w" + at(7)}));
 }
 
 // A long line, with an expression for which backtracking engines recurse once a character.
 TEST_F(FindEngine, LongLinesAreSafe) {
     SetText(std::string(1 << 20, 'a') + "b");
-    const FindResult result = FindInScope(FindTextOf(editor_), Prepared("a.*b", kRegex), All(), true);
+    const FindResult result = FindInScope(EditorTextOf(editor_), Prepared("a.*b", kRegex), {}, All(), {});
     ASSERT_TRUE(result.match);
     EXPECT_EQ(*result.match, All());
 }

@@ -95,10 +95,18 @@ TEST(Find, ExpressionsInASelection) {
     const FindDialog replace(editor, IDM_EDIT_REPLACE, L"Find and Replace");
     EXPECT_NE(editor.Send(GetDlgItem(replace.window, IDC_FIND_SELECTION), BM_GETCHECK), 0) << "more than one line";
     replace.Tick(IDC_FIND_REGEX);
-    EXPECT_FALSE(IsWindowEnabled(GetDlgItem(replace.window, IDC_FIND_WORD)));
-    replace.Set(IDC_FIND_WHAT, L"(b|c");
+    replace.Set(IDC_FIND_WHAT, L"\u00e4(b|c");
     replace.Press(IDC_FIND_REPLACE_ALL);
-    EXPECT_EQ(replace.Status(), L"The | of alternatives cannot stand inside parentheses");
+    EXPECT_EQ(replace.Status(), L"Missing closing parenthesis");
+    const auto caret = [&](int control) {
+        return LOWORD(editor.Send(GetDlgItem(replace.window, control), CB_GETEDITSEL));
+    };
+    EXPECT_EQ(caret(IDC_FIND_WHAT), 5) << "the caret is where it is missing";
+    replace.Set(IDC_FIND_WHAT, L"(a+)+=");
+    replace.Set(IDC_FIND_WITH, L"x$2");
+    replace.Press(IDC_FIND_REPLACE_ALL);
+    EXPECT_EQ(replace.Status(), L"There is no group 2");
+    EXPECT_EQ(caret(IDC_FIND_WITH), 1);
     replace.Set(IDC_FIND_WHAT, L"^([a-z])=([0-9])");
     replace.Set(IDC_FIND_WITH, L"\\2 <- \\1");
     replace.Press(IDC_FIND_REPLACE_ALL);
@@ -108,6 +116,27 @@ TEST(Find, ExpressionsInASelection) {
     replace.Set(IDC_FIND_WITH, L";");
     replace.Press(IDC_FIND_REPLACE_ALL);
     EXPECT_EQ(editor.Text(), "a=1\r\n2 <- b;\r\n3 <- c;\r\nd=4\r\n") << "the range has grown with its text";
+    editor.Do(IDM_EDIT_UNDO);
+    replace.Set(IDC_FIND_WHAT, L"(?<n>\\d) <- (\\w)\\R");
+    replace.Set(IDC_FIND_WITH, L"\\U$2\\E=${n}\\n");
+    replace.Press(IDC_FIND_REPLACE_ALL);
+    EXPECT_EQ(editor.Text(), "a=1\r\nB=2\r\nC=3\r\nd=4\r\n") << "over line breaks, with the document's own";
+    editor.Do(IDM_EDIT_UNDO);
+    EXPECT_EQ(editor.Text(), "a=1\r\n2 <- b\r\n3 <- c\r\nd=4\r\n") << "one step";
+    replace.Tick(IDC_FIND_SELECTION);
+    replace.Set(IDC_FIND_WHAT, L"\\d");
+    replace.Press(IDC_FIND_COUNT);
+    EXPECT_EQ(replace.Status(), L"4 matches");
+    const auto marked = [&](WPARAM at) { return editor.Sci(SCI_INDICATORALLONFOR, at) != 0; };
+    replace.Press(IDC_FIND_MARK_ALL);
+    EXPECT_TRUE(marked(2) && marked(5) && !marked(3));
+    editor.Do(IDM_SEARCH_CLEAR_MARKS);
+    EXPECT_FALSE(marked(2));
+    editor.Sci(SCI_GOTOPOS, 23);
+    replace.Tick(IDC_FIND_WRAP);
+    replace.Press(IDC_FIND_NEXT);
+    replace.Press(IDC_FIND_NEXT);
+    EXPECT_EQ(replace.Status(), L"Not found") << "it does not go on at the start";
     replace.Press(IDCANCEL);
 }
 
