@@ -2,6 +2,7 @@
 
 #include "base/utf8.h"
 #include "files/utf16.h"
+#include "search/replacement.h"
 
 #include <algorithm>
 
@@ -65,7 +66,8 @@ std::optional<TextMatcher> TextMatcher::Of(const FilesQuery& query, std::wstring
         const FindOptions options{query.matchCase, query.wholeWord, query.regex};
         RegexFault why;
         RegexHandle code = RegexCompile(query.text, options, why);
-        if (code == nullptr) {
+        ReplaceForm form;
+        if (code == nullptr || (query.with && !ReplaceParse(*query.with, *code, options, {}, form, why))) {
             if (fault != nullptr)
                 *fault = why.text + (why.position > 0 ? L", at character " + std::to_wstring(why.position + 1) : L"");
             return std::nullopt;
@@ -123,14 +125,10 @@ std::string TextMatcher::Preview() const {
 
 std::string TextMatcher::Replacement(std::string_view with, std::string_view breaks) const {
     if (expression_ == nullptr) return std::string{with};
-    const std::string expanded = ExpandReplacement(with, [this](int group) { return expression_->GroupText(group); });
-    std::string text;
-    for (const char c : expanded)
-        if (c == '\n')
-            text += breaks;
-        else
-            text += c;
-    return text;
+    ReplaceForm form;
+    RegexFault fault;
+    ReplaceParse(with, expression_->Code(), {.regex = true}, {.lineBreak = breaks}, form, fault);
+    return ReplaceExpand(form, *expression_);
 }
 
 FileHits HitsInText(std::string_view utf8, TextMatcher& matcher, std::size_t most, const SearchStopped& stopped) {
