@@ -103,6 +103,7 @@ double RunFloor(const std::wstring& arguments);
 void MeasureStart();
 void MeasureKeys();
 void MeasureEdits();
+void MeasureColour();
 void MeasureOutput();
 void MeasureStop();
 void MeasureCode();

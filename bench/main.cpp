@@ -1,5 +1,4 @@
-// Measures KVX-Editor and the floor program:  bench [start] [keys] [edits] [output] [stop] [debugger] [maps] [code] [ai]
-//   [files]
+// Measures KVX-Editor and the floor program:  bench [name of a measurement...]
 // Without a name all are measured.
 #include "bench.h"
 
@@ -14,9 +13,10 @@ struct Measurement {
     void (*run)();
 };
 constexpr Measurement kMeasurements[] = {
-    {"start", MeasureStart}, {"keys", MeasureKeys},         {"edits", MeasureEdits}, {"output", MeasureOutput},
-    {"stop", MeasureStop},   {"debugger", MeasureDebugger}, {"maps", MeasureMaps},   {"code", MeasureCode},
-    {"ai", MeasureAi},       {"files", MeasureFiles}};
+    {"start", MeasureStart},   {"keys", MeasureKeys}, {"edits", MeasureEdits},       {"colour", MeasureColour},
+    {"output", MeasureOutput}, {"stop", MeasureStop}, {"debugger", MeasureDebugger}, {"maps", MeasureMaps},
+    {"code", MeasureCode},     {"ai", MeasureAi},     {"files", MeasureFiles},
+};
 
 bool Wanted(int argc, char** argv, const std::string& name) {
     for (int i = 1; i < argc; ++i)
@@ -31,10 +31,9 @@ int main(int argc, char** argv) {
         bool known = false;
         for (const Measurement& m : kMeasurements) known = known || std::string(m.name) == argv[i];
         if (!known) {
-            std::fprintf(stderr,
-                         "bench: there is no measurement \"%s\"; there are start, keys, edits, output, stop, debugger, "
-                         "maps, code, ai, files\n",
-                         argv[i]);
+            std::fprintf(stderr, "bench: there is no measurement \"%s\"; there are", argv[i]);
+            for (const Measurement& m : kMeasurements) std::fprintf(stderr, " %s", m.name);
+            std::fprintf(stderr, "\n");
             return 2;
         }
     }

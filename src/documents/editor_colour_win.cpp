@@ -11,8 +11,9 @@
 namespace {
 
 constexpr UINT_PTR kTimer = 0x4B43;
-constexpr UINT kQuietMs = 150;  // nobody types for this long: idle
-constexpr UINT kSliceMs = 10;   // the shortest timer there is
+constexpr UINT kQuietMs = 150;          // nobody types for this long: idle
+constexpr UINT kSliceMs = 10;           // the shortest timer there is
+constexpr LRESULT kLittle = 128 << 10;  // bytes coloured for a question: a few milliseconds
 
 // Without a lexer Scintilla asks the parent window for colours; there are none to give.
 bool HasLexer(HWND editor) { return SciSend(editor, SCI_GETLEXER, 0, 0) != 0; }
@@ -138,9 +139,22 @@ bool EditorColourBeforePaint(HWND editor) {
             return true;
         case PaintColours::VisibleOnly: break;
     }
+    EditorPaneFindAssembly(editor, visible.start);
     SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(visible.start), visible.end);
     ClaimColoured(editor);
     return false;
+}
+
+bool EditorColourUpTo(HWND editor, LRESULT position) {
+    PaneState* state = PaneStateOf(editor);
+    if (state == nullptr || !HasLexer(editor)) return false;
+    NoticeReset(editor, *state, SciSend(editor, SCI_GETLENGTH));
+    if (position <= state->coloured) return true;
+    if (position - state->coloured > kLittle) return false;
+    SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(state->coloured), position);
+    ClaimColoured(editor);
+    state->coloured = position;
+    return true;
 }
 
 void EditorColourAfterPaint(HWND editor) {

@@ -103,7 +103,6 @@ LRESULT PaintPane(HWND pane, WPARAM wParam, LPARAM lParam) {
     if (state != nullptr && state->emptyPaint) return SubclassNext(pane, WM_PAINT, wParam, lParam);
     EditorPaneCheckLineMargin(pane);
     const bool colours = EditorColourBeforePaint(pane);
-    EditorPaneMarkInlineRegions(pane);
     const LRESULT result = SubclassNext(pane, WM_PAINT, wParam, lParam);
     if (colours) EditorColourAfterPaint(pane);
     return result;

@@ -5,11 +5,9 @@
 #include "documents/pane_rules.h"
 #include "documents/pane_state.h"
 #include "documents/typing_rules.h"
-#include "language/format.h"
+#include "language/basic_lexer.h"
 #include "scintilla/sci.h"
 #include "settings/settings_state.h"
-
-#include <SciLexer.h>
 
 #include <algorithm>
 #include <optional>
@@ -19,15 +17,6 @@
 namespace {
 
 constexpr LRESULT kLongestLine = 16 << 10;  // bytes; what is longer was not typed, and every key would look through it
-
-// The style that the lexer gives to a position of the caret's line, which may not have been painted yet.
-LRESULT FreshStyleAt(HWND editor, LRESULT position, LRESULT upTo) {
-    const LRESULT line = PaneSend(editor, SCI_LINEFROMPOSITION, position);
-    const LRESULT start = PaneSend(editor, SCI_POSITIONFROMLINE, line);
-    PaneSend(editor, SCI_COLOURISE, start, upTo);
-    PaneSend(editor, SCI_STARTSTYLING, PaneSend(editor, SCI_GETLENGTH));  // as editor_colour_win.cpp wants it
-    return PaneSend(editor, SCI_GETSTYLEAT, position);
-}
 
 LRESULT BraceAtCaretOf(HWND editor) {
     const LRESULT caret = PaneSend(editor, SCI_GETCURRENTPOS);
@@ -69,7 +58,7 @@ void EditorPaneAfterNewLine(HWND editor) {
 }
 
 void EditorPaneUpperKeywordBefore(HWND editor, LRESULT position) {
-    if (!g_settings.autoUpperKeywords || PaneSend(editor, SCI_GETLEXER) != SCLEX_VB) return;
+    if (!g_settings.autoUpperKeywords || PaneSend(editor, SCI_GETLEXER) != kBasicLexer) return;
     const LRESULT start = PaneSend(editor, SCI_WORDSTARTPOSITION, position, TRUE);
     const LRESULT length = position - start;
     if (!HasKeywordLength(length)) return;
@@ -78,11 +67,11 @@ void EditorPaneUpperKeywordBefore(HWND editor, LRESULT position) {
     const LRESULT lineEnd = PaneSend(editor, SCI_GETLINEENDPOSITION, line);
     if (lineEnd - lineStart > kLongestLine) return;
     const std::string text = EditorPaneTextBetween(editor, lineStart, lineEnd);
-    const ScanState scanned = EditorPaneInAssembly(editor, lineStart) ? kScanAssembly : 0;
+    const ScanState scanned = EditorPaneLineState(editor, line) & kScanStateMask;
     const std::optional<KeywordEdit> edit =
         KeywordEditOf(text, scanned, EditorPaneDialect(editor), static_cast<std::size_t>(start - lineStart),
                       static_cast<std::size_t>(position - lineStart));
-    if (!edit || !IsKeywordStyle(FreshStyleAt(editor, start, lineEnd))) return;
+    if (!edit) return;
     PaneSend(editor, SCI_SETTARGETRANGE, lineStart + static_cast<LRESULT>(edit->from), position);
     SciSend(editor, SCI_REPLACETARGET, edit->text.size(), reinterpret_cast<LPARAM>(edit->text.data()));
 }

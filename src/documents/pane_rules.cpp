@@ -51,24 +51,6 @@ ColourStep NextColourStep(std::ptrdiff_t coloured, std::ptrdiff_t length, bool p
 
 bool IsUnseen(PaneSpan slice, PaneSpan visible) { return slice.start >= visible.end || slice.end <= visible.start; }
 
-std::vector<MarkedRun> MarkedRuns(std::span<const TextRange> ranges, std::ptrdiff_t origin, PaneSpan view) {
-    std::vector<MarkedRun> runs;
-    const auto add = [&runs](std::ptrdiff_t start, std::ptrdiff_t end, bool on) {
-        if (end > start) runs.push_back({{start, end}, on});
-    };
-    std::ptrdiff_t at = view.start;
-    for (const TextRange& range : ranges) {
-        const std::ptrdiff_t from = origin + static_cast<std::ptrdiff_t>(range.start);
-        const std::ptrdiff_t to = from + static_cast<std::ptrdiff_t>(range.length);
-        if (to <= view.start) continue;
-        add(at, from, false);
-        add(from, to, true);
-        at = to;
-    }
-    add(at, view.end, false);
-    return runs;
-}
-
 std::vector<std::uint8_t> MarkerDot(int size, double radius, double ring, std::uint32_t discColour,
                                     std::uint32_t ringColour) {
     const double middle = size / 2;

@@ -1,11 +1,8 @@
 // Decisions of an editing pane about memory, colouring, markers and typing. Positions are bytes. Pure.
 #pragma once
 
-#include "language/inline_regions.h"
-
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <vector>
 
 // --- Text
@@ -55,15 +52,6 @@ ColourStep NextColourStep(std::ptrdiff_t coloured, std::ptrdiff_t length, bool p
 
 // A slice of which nothing can be seen: the repaint that Scintilla asks for after it is for nothing.
 bool IsUnseen(PaneSpan slice, PaneSpan visible);
-
-// The view as runs, in order, each with `on` for inline assembly. `ranges` are the ranges of inline assembly, with
-// starts relative to `origin`.
-struct MarkedRun {
-    PaneSpan span;
-    bool on;
-    bool operator==(const MarkedRun&) const = default;
-};
-std::vector<MarkedRun> MarkedRuns(std::span<const TextRange> ranges, std::ptrdiff_t origin, PaneSpan view);
 
 // A disc of `radius` pixels with a ring of `ring` pixels around it, in a square of `size` pixels. Returns 4 bytes
 // (RGBA) for each pixel. Colours are 0xRRGGBB.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "documents/sticky_header.h"
+#include "language/blocks.h"
 #include "language/inline_regions.h"
 #include "scintilla/sci.h"
 #include "ui/wheel.h"
@@ -26,7 +27,6 @@ struct PaneState {
     bool pressing = false;        // a mouse button that goes down on the pane is being handled
     WheelRest zoomWheel;          // movements with Ctrl that do not make a notch yet
     bool bracesShown = false;     // a bracket and its partner are marked
-    bool inlineShown = false;     // some text is marked as inline assembly
     AssemblyAbove assembly;       // knowledge about blocks of inline assembly above the view
     StickyCache sticky;           // knowledge about the procedure lines above the caret
     LineMarginBasis lineMargin;   // the values for which the margin was last measured
@@ -59,6 +59,8 @@ void EditorColourRestart(HWND editor, LRESULT position);
 // called.
 bool EditorColourBeforePaint(HWND editor);
 void EditorColourAfterPaint(HWND editor);
+// Colours what is missing before `position` when that is little. False when it is too much.
+bool EditorColourUpTo(HWND editor, LRESULT position);
 // Stops idle colouring, before the window is destroyed.
 void EditorColourStop(HWND editor);
 
@@ -73,13 +75,14 @@ void StickyHeaderForget(HWND editor, int line, int linesAdded);
 
 // Called after a line break was typed at the caret. Gives the new line the indentation of the line above it.
 void EditorPaneAfterNewLine(HWND editor);
-// Puts the BASIC keyword that ends at `position` (bytes) into capitals, unless it is in a string or a comment.
+// Puts the BASIC keyword that ends at `position` (bytes) into capitals, unless it is in a string, a comment or assembly.
 void EditorPaneUpperKeywordBefore(HWND editor, LRESULT position);
-// Gives inline assembly in the visible text its own colour. Called before every paint.
-void EditorPaneMarkInlineRegions(HWND editor);
-// Whether the line that starts at `position` (bytes) is inside a block of inline assembly, as far as is known: false
-// while the start of a far longer block is still being searched.
-bool EditorPaneInAssembly(HWND editor, LRESULT position);
+// What the BASIC of `line` (0-based) must know of the lines above it. Far below what is coloured it says only whether the
+// line is inside a block of inline assembly, as far as is known. 0 for other languages.
+LineState EditorPaneLineState(HWND editor, LRESULT line);
+// Tells the lexer, before it colours from `position` (bytes, start of a line) on without the lines above, whether that is
+// inside a block of inline assembly.
+void EditorPaneFindAssembly(HWND editor, LRESULT position);
 // Called after a change of the text on `line` (0-based).
 void EditorPaneForgetAssembly(HWND editor, LRESULT line);
 // The dialect of BASIC in which the pane's document is written: that of its compiler.

@@ -6,9 +6,6 @@
 
 #include <cstdint>
 
-// The text colour of inline assembly in BASIC source.
-COLORREF ThemeAssemblyColour();
-
 // Sets the lexer, keywords, colours, font and margins of one editor by the compiler's dialect, the current theme, the
 // style preset and the font settings. The extension of `path` decides the lexer (BASIC, C, assembly, none); null or
 // empty: BASIC.

@@ -8,6 +8,7 @@
 #include "documents/pane_rules.h"
 #include "documents/pane_state.h"
 #include "documents/theme_messages.h"
+#include "language/basic_lexer.h"
 #include "language/lexer_table.h"
 #include "scintilla/sci.h"
 #include "scintilla/scintilla_library.h"
@@ -50,25 +51,32 @@ void DefineDot(HWND editor, int marker, Rgb colour, Rgb ring) {
     SciSend(editor, SCI_MARKERDEFINERGBAIMAGE, static_cast<WPARAM>(marker), reinterpret_cast<LPARAM>(pixels.data()));
 }
 
-// Sets the lexer and its keywords. False when there is no lexer. A lexer is set only when the language changes, because
-// SCI_SETILEXER discards the colours of the whole document.
+void SetProperty(HWND editor, const char* key, const char* value) {
+    SciSend(editor, SCI_SETPROPERTY, reinterpret_cast<WPARAM>(key), reinterpret_cast<LPARAM>(value));
+}
+
+Scintilla::ILexer5* NewLexer(Language language) {
+    return language == Language::Basic ? CreateBasicLexer() : ScintillaCreateLexer(LexerOf(language).name);
+}
+
+// Sets the lexer and its words. False when there is no lexer: without Lexilla all is plain text, BASIC too. A lexer is set
+// only when the language changes, because SCI_SETILEXER discards the colours of the whole document.
 bool ApplyLexer(HWND editor, Language language, std::uint32_t compilerId) {
     const LanguageLexer& lexer = LexerOf(language);
+    const bool none = lexer.name == nullptr || g_scintilla.createLexer == nullptr;
     char current[32] = "";
     if (SciSend(editor, SCI_GETLEXER, 0, 0) != 0 && SciSend(editor, SCI_GETLEXERLANGUAGE, 0, 0) < 32)
         SciSend(editor, SCI_GETLEXERLANGUAGE, 0, reinterpret_cast<LPARAM>(current));
-    if (std::strcmp(current, lexer.name != nullptr ? lexer.name : "") != 0)
-        SciSend(editor, SCI_SETILEXER, 0, reinterpret_cast<LPARAM>(ScintillaCreateLexer(lexer.name)));
-    if (lexer.name == nullptr || g_scintilla.createLexer == nullptr) return false;
+    if (std::strcmp(current, none ? "" : lexer.name) != 0)
+        SciSend(editor, SCI_SETILEXER, 0, reinterpret_cast<LPARAM>(none ? nullptr : NewLexer(language)));
+    if (none) return false;
+    if (language == Language::Basic) SetProperty(editor, "dialect", std::to_string(compilerId).c_str());
     for (int set = 0; set < kKeywordSets; ++set) {
-        const std::string words = LexerKeywords(language, compilerId, set);
-        SciSend(editor, SCI_SETKEYWORDS, static_cast<WPARAM>(set), reinterpret_cast<LPARAM>(words.c_str()));
+        const std::string words = LexerKeywords(language, set);
+        if (!words.empty())
+            SciSend(editor, SCI_SETKEYWORDS, static_cast<WPARAM>(set), reinterpret_cast<LPARAM>(words.c_str()));
     }
     return true;
-}
-
-void SetProperty(HWND editor, const char* key, const char* value) {
-    SciSend(editor, SCI_SETPROPERTY, reinterpret_cast<WPARAM>(key), reinterpret_cast<LPARAM>(value));
 }
 
 }  // namespace
@@ -78,8 +86,6 @@ const Dialect& EditorPaneDialect(HWND editor) {
         if (tab.editor == editor) return DialectOf(tab.compilerId);
     return AnyDialect();
 }
-
-COLORREF ThemeAssemblyColour() { return RoleColourRef(CurrentTheme(), TextRole::Assembly); }
 
 void SyntaxThemeApply(HWND editor, std::uint32_t compilerId, const wchar_t* path) {
     if (editor == nullptr) return;

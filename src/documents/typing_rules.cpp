@@ -3,8 +3,6 @@
 
 #include "language/format.h"
 
-#include <SciLexer.h>
-
 std::optional<std::ptrdiff_t> IndentationAfterBreak(const BrokenLine& broken) {
     if (broken.selections != 1 || broken.line < 1) return std::nullopt;
     if (broken.own != 0 || broken.above <= 0) return std::nullopt;
@@ -12,16 +10,6 @@ std::optional<std::ptrdiff_t> IndentationAfterBreak(const BrokenLine& broken) {
 }
 
 bool HasKeywordLength(std::ptrdiff_t length) { return length >= 2 && length <= kLongestKeyword; }
-
-bool IsKeywordStyle(std::ptrdiff_t style) {
-    switch (style) {
-        case SCE_B_KEYWORD:
-        case SCE_B_KEYWORD2:
-        case SCE_B_KEYWORD3:
-        case SCE_B_KEYWORD4: return true;
-        default: return false;
-    }
-}
 
 std::ptrdiff_t BraceAtCaret(std::ptrdiff_t caret, char before, char after) {
     if (caret > 0 && IsBrace(before)) return caret - 1;

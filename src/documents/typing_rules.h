@@ -23,8 +23,6 @@ std::optional<std::ptrdiff_t> IndentationAfterBreak(const BrokenLine& broken);
 // --- Keywords
 inline constexpr std::ptrdiff_t kLongestKeyword = 16;
 bool HasKeywordLength(std::ptrdiff_t length);
-// A style that the BASIC lexer gives to keywords.
-bool IsKeywordStyle(std::ptrdiff_t style);
 
 // What is written in place of the end of a line when a word from `start` to `end` (bytes of the line) was typed: keywords
 // in capitals. Nothing when it is written so already.

@@ -1,5 +1,7 @@
-// Finds inline assembly line by line, and the blocks that begin above. Pure.
+// Finds blocks of inline assembly that begin above. Pure.
 #include "language/inline_regions.h"
+
+#include "language/scanner.h"
 
 #include <algorithm>
 
@@ -34,20 +36,6 @@ void SearchStretch(AssemblyAbove& above, std::ptrdiff_t start, std::string_view 
 }
 
 }  // namespace
-
-std::vector<TextRange> InlineAssemblyRanges(std::string_view text, bool inBlock) {
-    std::vector<TextRange> ranges;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t stop = std::min(text.find_first_of("\r\n", at), text.size());
-        const AssemblyLine line = AssemblyOfLine(text.substr(at, stop - at), inBlock);
-        if (line.kind == AssemblyKind::BlockStart) inBlock = true;
-        if (line.kind == AssemblyKind::BlockEnd) inBlock = false;
-        if (line.kind == AssemblyKind::Instruction && at + line.text < stop)
-            ranges.push_back({at + line.text, stop - at - line.text});
-        at = stop + 1;
-    }
-    return ranges;
-}
 
 std::optional<bool> AssemblySearch(AssemblyAbove& above, std::ptrdiff_t position, const AssemblySource& source,
                                    int stretches) {

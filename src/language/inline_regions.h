@@ -1,27 +1,12 @@
-// Finds inline assembly in BASIC source without scanning it from the top: its ranges in a stretch of text, and whether a
-// place is inside a block that begins far above it. What a line is says AssemblyOfLine (language/scanner.h). Pure.
+// Finds whether a place in BASIC source is inside a block of inline assembly that begins far above it, without scanning
+// from the top. Positions are bytes and are starts of lines. Pure.
 #pragma once
 
-#include "language/scanner.h"
-
 #include <cstddef>
-#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
 
-struct TextRange {
-    std::size_t start = 0;  // bytes
-    std::size_t length = 0;
-};
-
-// The ranges of the lines that are assembly, each without its leading blanks, its end and the word ASM. `text` must
-// begin at the start of a line; `inBlock` says whether that line is inside a block.
-std::vector<TextRange> InlineAssemblyRanges(std::string_view text, bool inBlock = false);
-
-// --- Blocks that begin above the text at hand. Positions are bytes and are starts of lines.
 // What was found out about the text above a place: the last line in `from` to `to` that begins or ends a block, or that
 // there is none.
 struct AssemblyAbove {

@@ -1,5 +1,5 @@
-// What the program knows about Lexilla's lexers: which one colours a file, with which keywords, and what its styles
-// mean. Pure.
+// What the program knows about lexers: which one colours a file, with which keywords, and what its styles mean. That of
+// BASIC is the program's own (language/basic_lexer.h), the others are Lexilla's. Pure.
 #pragma once
 
 #include "settings/file_type_table.h"
@@ -20,12 +20,12 @@ struct StyleRole {
 };
 
 struct LanguageLexer {
-    const char* name;                   // the lexer's name in Lexilla; null for plain text
+    const char* name;                   // null for plain text
     std::span<const StyleRole> styles;  // a style that is not listed is plain text
 };
 const LanguageLexer& LexerOf(Language language);
 
-// The lexer's keyword set 0, 1, 2..., in lower case and separated by blanks. For BASIC it depends on the compiler's
-// dialect. Empty for a set that the language does not have.
+// The keyword set 0, 1, 2... of one of Lexilla's lexers, in lower case and separated by blanks. Empty for a set that the
+// language does not have.
 inline constexpr int kKeywordSets = 6;
-std::string LexerKeywords(Language language, std::uint32_t compilerId, int set);
+std::string LexerKeywords(Language language, int set);

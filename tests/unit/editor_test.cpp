@@ -118,16 +118,7 @@ TEST(PaneRules, ColoursWhatIsSeenFirstInSlicesThatTakeAFewMilliseconds) {
     EXPECT_TRUE(IsUnseen({200, 300}, {100, 200}));
 }
 
-TEST(PaneRules, MarksTheRunsOfAView) {
-    const std::vector<TextRange> ranges = {{0, 5}, {20, 10}, {35, 5}};
-    EXPECT_EQ(
-        MarkedRuns(ranges, 100, {110, 150}),
-        (std::vector<MarkedRun>{
-            {{110, 120}, false}, {{120, 130}, true}, {{130, 135}, false}, {{135, 140}, true}, {{140, 150}, false}}));
-    EXPECT_EQ(MarkedRuns(ranges, 100, {102, 110})[0], (MarkedRun{{100, 105}, true})) << "begun above the view";
-    EXPECT_EQ(MarkedRuns({}, 0, {3, 9}), (std::vector<MarkedRun>{{{3, 9}, false}}));
-    EXPECT_EQ(BraceReach(5, 10), (PaneSpan{0, 10}));
-}
+TEST(PaneRules, BracesAreSearchedWithinTheText) { EXPECT_EQ(BraceReach(5, 10), (PaneSpan{0, 10})); }
 
 TEST(StickyHeader, IsAPlainPrefixTest) {
     const struct {
@@ -307,10 +298,6 @@ TEST(Typing, OnlyKeywordsOfTheirLengthAndStyleGoToCapitals) {
     EXPECT_TRUE(HasKeywordLength(2));
     EXPECT_TRUE(HasKeywordLength(kLongestKeyword));
     EXPECT_FALSE(HasKeywordLength(kLongestKeyword + 1));
-    for (const int style : {SCE_B_KEYWORD, SCE_B_KEYWORD2, SCE_B_KEYWORD3, SCE_B_KEYWORD4})
-        EXPECT_TRUE(IsKeywordStyle(style)) << style;
-    for (const int style : {SCE_B_DEFAULT, SCE_B_COMMENT, SCE_B_STRING, SCE_B_IDENTIFIER})
-        EXPECT_FALSE(IsKeywordStyle(style)) << style;
 }
 
 TEST(Typing, TheBracketBeforeTheCaretCountsFirst) {

@@ -1,24 +1,24 @@
-// The real lexers with the program's keywords.
-#include "language/lexer_table.h"
+// The lexer of BASIC in a real editor.
+#include "language/basic_lexer.h"
 #include "scintilla/sci.h"
-#include "scintilla/scintilla_library.h"
 #include "settings/compilers.h"
 #include "support/golden_file.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 namespace {
 
 class LexedText {
 public:
-    LexedText(Language language, std::uint32_t compiler, const std::string& text) {
+    LexedText(std::uint32_t compiler, const std::string& text) {
         window_ = CreateWindowExW(0, L"Scintilla", L"", WS_POPUP, 0, 0, 400, 300, nullptr, nullptr, nullptr, nullptr);
-        SciSend(window_, SCI_SETILEXER, 0, reinterpret_cast<LPARAM>(ScintillaCreateLexer(LexerOf(language).name)));
-        for (int set = 0; set < kKeywordSets; ++set)
-            SciSend(window_, SCI_SETKEYWORDS, static_cast<WPARAM>(set),
-                    reinterpret_cast<LPARAM>(LexerKeywords(language, compiler, set).c_str()));
+        SciSend(window_, SCI_SETILEXER, 0, reinterpret_cast<LPARAM>(CreateBasicLexer()));
+        Set("dialect", std::to_string(compiler).c_str());
+        Set("fold", "1");
         SciSend(window_, SCI_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
         length_ = text.size();
     }
@@ -37,7 +37,22 @@ public:
         SciSend(window_, SCI_COLOURISE, static_cast<WPARAM>(from), static_cast<LPARAM>(to));
     }
 
+    // The level of each line, with "+" where a fold begins.
+    std::vector<std::string> Folds() const {
+        std::vector<std::string> folds;
+        const LRESULT lines = SciSend(window_, SCI_GETLINECOUNT);
+        for (LRESULT line = 0; line < lines; ++line) {
+            const LRESULT level = SciSend(window_, SCI_GETFOLDLEVEL, static_cast<WPARAM>(line));
+            folds.push_back(std::to_string((level & SC_FOLDLEVELNUMBERMASK) - SC_FOLDLEVELBASE) +
+                            ((level & SC_FOLDLEVELHEADERFLAG) != 0 ? "+" : " "));
+        }
+        return folds;
+    }
+
 private:
+    void Set(const char* key, const char* value) const {
+        SciSend(window_, SCI_SETPROPERTY, reinterpret_cast<WPARAM>(key), reinterpret_cast<LPARAM>(value));
+    }
     HWND window_ = nullptr;
     std::size_t length_ = 0;
 };
@@ -57,30 +72,26 @@ std::string Interleaved(const std::string& text, const std::string& styles) {
 
 TEST(Styling, OfASampleInTwoDialects) {
     const HMODULE scintilla = LoadLibraryW(L"" KVX_DIST_DIR "/Scintilla.dll");
-    const HMODULE lexilla = LoadLibraryW(L"" KVX_DIST_DIR "/Lexilla.dll");
-    ASSERT_TRUE(scintilla != nullptr && lexilla != nullptr) << "not in " KVX_DIST_DIR;
-    g_scintilla.createLexer =
-        reinterpret_cast<CreateLexerFunction>(reinterpret_cast<void*>(GetProcAddress(lexilla, "CreateLexer")));
+    ASSERT_NE(scintilla, nullptr) << "not in " KVX_DIST_DIR;
     std::string text = GoldenText("styled.bas");
     std::erase(text, '\r');
     std::string found;
     for (const std::uint32_t compiler : {kCompilerKvxa64, kCompilerKeldorBasic}) {
-        const LexedText whole(Language::Basic, compiler, text);
+        const LexedText whole(compiler, text);
         whole.Colour(0, text.size());
         const std::wstring wide = g_compilers[compiler].name;
         const std::string name(wide.begin(), wide.end());
         found += "=== " + name + "\n" + Interleaved(text, whole.Styles());
         // Colours line by line, as typing does: a line's colours must depend only on the lines above it.
-        const LexedText pieces(Language::Basic, compiler, text);
+        const LexedText pieces(compiler, text);
         for (std::size_t start = 0; start < text.size();) {
             const std::size_t end = std::min(text.find('\n', start), text.size() - 1) + 1;
             pieces.Colour(start, end);
             start = end;
         }
         EXPECT_EQ(pieces.Styles(), whole.Styles()) << name << " line by line";
+        EXPECT_EQ(pieces.Folds(), whole.Folds()) << name << " line by line";
     }
     ExpectGolden("styled.txt", found);
-    g_scintilla.createLexer = nullptr;
-    FreeLibrary(lexilla);
     FreeLibrary(scintilla);
 }
