@@ -90,9 +90,11 @@ bool PathEqualsIgnoreCase(std::wstring_view a, std::wstring_view b) {
     return true;
 }
 
+wchar_t PathFoldedCharacter(wchar_t character) { return static_cast<wchar_t>(FoldCase(character)); }
+
 std::wstring PathKey(std::wstring_view path) {
     std::wstring key{path};
-    for (wchar_t& character : key) character = static_cast<wchar_t>(FoldCase(character));
+    for (wchar_t& character : key) character = PathFoldedCharacter(character);
     return key;
 }
 

@@ -20,6 +20,8 @@ void StripTrailingSlash(wchar_t* path);
 // Compares names as the file system does: Latin, Greek, Cyrillic and Armenian letters by their simple case pairs,
 // whatever the locale. Any other character equals only itself.
 bool PathEqualsIgnoreCase(std::wstring_view a, std::wstring_view b);
+// The same for one character: its lower-case partner, or the character itself.
+wchar_t PathFoldedCharacter(wchar_t character);
 // The key to look a path up by. Paths that are equal by PathEqualsIgnoreCase have the same key.
 std::wstring PathKey(std::wstring_view path);
 // The same letter in the other case by these pairs; the character itself when it is no such letter.
