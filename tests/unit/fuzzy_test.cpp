@@ -1,5 +1,6 @@
 // Rankings of the file finder and the command palette.
 #include "search/fuzzy_index.h"
+#include "search/quick_query.h"
 
 #include <gtest/gtest.h>
 
@@ -168,6 +169,37 @@ TEST(Fuzzy, BearsOddInput) {
     EXPECT_FALSE(FuzzyAdd(&index, std::wstring(70'000, L'a'), 0));
     std::vector<std::wstring> many(3000, L"a");
     EXPECT_FALSE(FuzzySearch(IndicesOf(many), L"a", nullptr, 10, [] { return false; }).whole);
+}
+
+TEST(QuickQuery, TellsListPatternAndPlace) {
+    const struct {
+        const wchar_t* typed;
+        QuickQuery query;
+    } cases[] = {
+        {L"", {}},
+        {L" find rules ", {L'\0', L"find rules"}},
+        {L"find:", {L'\0', L"find"}},
+        {L"find:12", {L'\0', L"find", 12}},
+        {L"find:12:", {L'\0', L"find", 12}},
+        {L"find:12:5", {L'\0', L"find", 12, 5}},
+        {L"a.bas(12)", {L'\0', L"a.bas", 12}},
+        {L"a.bas(12,3)", {L'\0', L"a.bas", 12, 3}},
+        {L"a.bas(12", {L'\0', L"a.bas", 12}},
+        {L"C:\\a\\b.bas", {L'\0', L"C:\\a\\b.bas"}},
+        {L"C:\\a\\b.bas:7", {L'\0', L"C:\\a\\b.bas", 7}},
+        {L"a2", {L'\0', L"a2"}},
+        {L"a:99999999999999999999", {L'\0', L"a", 999999999}},
+        {L">", {L'>', L""}},
+        {L"> tool bar", {L'>', L"tool bar"}},
+        {L">a:1", {L'>', L"a:1"}},
+        {L":", {L':', L""}},
+        {L":120", {L':', L"120", 120}},
+        {L":120,4", {L':', L"120,4", 120, 4}},
+        {L":120:4", {L':', L"120:4", 120, 4}},
+        {L":x", {L':', L"x"}},
+        {L"#a", {L'\0', L"#a"}},
+    };
+    for (const auto& test : cases) EXPECT_EQ(QuickQueryOf(test.typed, L">:@"), test.query) << Shown(test.typed);
 }
 
 }  // namespace
