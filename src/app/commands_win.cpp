@@ -7,6 +7,7 @@
 #include "app/settings_dialog.h"
 #include "commands/command_state.h"
 #include "commands/edit_target.h"
+#include "commands/quick_open.h"
 #include "commands/status_bar.h"
 #include "commands/view_commands.h"
 #include "compile/build.h"
@@ -155,7 +156,8 @@ std::vector<CommandHandler> AllCommandHandlers() {
     std::vector<CommandHandler> all;
     for (const std::span<const CommandHandler> area :
          {std::span<const CommandHandler>(kFrameHandlers), RecentCommandHandlers(), ViewCommandHandlers(),
-          BuildCommandHandlers(), DebugCommandHandlers(), AiCommandHandlers(), FilesSearchCommandHandlers()})
+          QuickOpenCommandHandlers(), BuildCommandHandlers(), DebugCommandHandlers(), AiCommandHandlers(),
+          FilesSearchCommandHandlers()})
         all.insert(all.end(), area.begin(), area.end());
     return all;
 }
@@ -170,13 +172,15 @@ void MainWnd_OnCommand(int command, int notification, HWND control) {
         return;
     }
     if (LongWorkRuns() || FileWorkRuns()) return;
+    if (command != IDM_QUICK_OPEN && command != IDM_COMMAND_PALETTE) QuickOpenClose();
     // F5 is the key of Build & Run; while a program stands, it is expected to go on.
     if (command == IDM_BUILD_RUN && FlowIsStopped(DebugFlowNow())) command = IDM_DEBUG_CONTINUE;
     // A key or a posted command may come when the command is not possible; the table decides, not the sender.
     if (!CommandStateOf(command, CurrentCommandView()).enabled) return;
     if (RunCommandHandler(kFrameHandlers, command) || RunCommandHandler(RecentCommandHandlers(), command) ||
-        RunCommandHandler(ViewCommandHandlers(), command) || CmdHandle_Build(command) || CmdHandle_Debug(command) ||
-        CmdHandle_AI(command) || RunCommandHandler(FilesSearchCommandHandlers(), command))
+        RunCommandHandler(ViewCommandHandlers(), command) || RunCommandHandler(QuickOpenCommandHandlers(), command) ||
+        CmdHandle_Build(command) || CmdHandle_Debug(command) || CmdHandle_AI(command) ||
+        RunCommandHandler(FilesSearchCommandHandlers(), command))
         MainWindow_RequestStateRefresh();
 }
 

@@ -6,6 +6,7 @@
 #include "app/main_window.h"
 #include "app/panes.h"
 #include "app/split_ratios.h"
+#include "commands/quick_open.h"
 #include "commands/status_bar.h"
 #include "commands/toolbar.h"
 #include "documents/document_row.h"
@@ -89,6 +90,7 @@ void MainWindow_Layout() {
     CreateWantedPanes();
     const PaneSpec* focused = PaneOfWindow(GetFocus());
     PlaceChildren(ComputePaneLayout(LayoutInputOf(client.right, client.bottom)));
+    QuickOpenPlace();
     // A hidden pane would keep the keyboard focus.
     if (focused != nullptr && IsWindowVisible(*focused->window) == FALSE) FocusCurrentEditor();
 }

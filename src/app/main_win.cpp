@@ -5,6 +5,7 @@
 #include "app/main_window.h"
 #include "base/log.h"
 #include "commands/command_table.h"
+#include "commands/quick_open.h"
 #include "compile/build.h"
 #include "documents/caret_place.h"
 #include "documents/document_row.h"
@@ -149,6 +150,7 @@ int RunMessageLoop() {
         // One refresh for all that happened since the queue was empty the last time.
         if (!PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE)) MainWnd_RunPendingRefresh();
         if (GetMessageW(&message, nullptr, 0, 0) <= 0) return static_cast<int>(message.wParam);
+        if (QuickOpenIsMessage(message)) continue;
         if (accelerators != nullptr && TranslateAcceleratorW(g_app.hMainWnd, accelerators, &message) != 0) continue;
         if (TranslateExtraKey(message) || FindDialogIsMessage(&message) || FilesDialogIsMessage(&message)) continue;
         TranslateMessage(&message);

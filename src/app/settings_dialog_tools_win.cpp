@@ -4,7 +4,7 @@
 
 #include "base/decode.h"
 #include "base/path.h"
-#include "commands/command_table.h"
+#include "commands/menu_commands.h"
 #include "compile/child_process.h"
 #include "documents/file_commands.h"
 #include "files/file_io.h"
@@ -12,7 +12,6 @@
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
 #include "settings/settings_store.h"
-#include "ui/menu_text.h"
 #include "ui/ui_state.h"
 
 #include <algorithm>
@@ -100,39 +99,6 @@ void TestCompiler(TestRequest& request, const WorkerCancel& cancel) {
     WorkerPost(request.dialog, MSG_SETTINGS_TESTED, std::move(request.reply));
 }
 
-// ------------------------------------------------------------------------------------------------------------- keys
-
-// The key that the menu shows, and those that it does not.
-std::wstring KeysOf(UINT command, std::wstring keys) {
-    const std::wstring shown = keys;
-    for (const ExtraKey& extra : ExtraKeys()) {
-        const std::wstring name = NameOfExtraKey(extra);
-        if (extra.command != static_cast<int>(command) || name == shown) continue;
-        keys += (keys.empty() ? L"" : L", ") + name;
-    }
-    return keys;
-}
-
-// Not a recent file or session, nor the line that stands there for none.
-bool IsListed(UINT command) {
-    const CommandRow* const row = FindCommand(static_cast<int>(command));
-    return row != nullptr && row->place == CommandPlace::Menu && row->needs != kNever;
-}
-
-void AddMenuKeys(HMENU menu, const std::wstring& path, std::vector<std::wstring>& lines) {
-    for (int i = 0; i < GetMenuItemCount(menu); ++i) {
-        wchar_t text[128] = {};
-        GetMenuStringW(menu, static_cast<UINT>(i), text, static_cast<int>(std::size(text)), MF_BYPOSITION);
-        const MenuItemText item = SplitMenuText(text);
-        std::wstring name = MenuNameShown(item.name);
-        while (name.ends_with(L'.')) name.pop_back();
-        if (const HMENU submenu = GetSubMenu(menu, i); submenu != nullptr)
-            AddMenuKeys(submenu, path + name + L" > ", lines);
-        else if (const UINT command = GetMenuItemID(menu, i); IsListed(command))
-            lines.push_back(path + name + L"\t" + KeysOf(command, item.key));
-    }
-}
-
 }  // namespace
 
 void SettingsNoteTell(SettingsDialog& dialog, FormPlace place, const std::wstring& text, NoteKind kind) {
@@ -211,8 +177,9 @@ void SettingsDetectCompilers(SettingsDialog& dialog, FormPlace place) {
 
 std::vector<std::wstring> SettingsKeyLines() {
     std::vector<std::wstring> lines;
-    AddMenuKeys(GetMenu(g_ui.hMainWnd), L"", lines);
-    lines.push_back(L"Toolbar > Buttons without room\t" + KeysOf(IDM_TOOLBAR_MORE, L""));
+    for (const MenuCommand& command : MenuCommands(GetMenu(g_ui.hMainWnd)))
+        lines.push_back(command.path + command.name + L"\t" + command.keys);
+    lines.push_back(L"Toolbar > Buttons without room\t" + CommandKeys(IDM_TOOLBAR_MORE));
     return lines;
 }
 

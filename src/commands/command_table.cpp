@@ -55,6 +55,8 @@ constexpr CommandRow kCommands[] = {
     {IDM_FILES_REPLACE, kAlways},
     {IDM_FILES_NEXT, kAlways},  // says why there is none
     {IDM_FILES_PREVIOUS, kAlways},
+    {IDM_QUICK_OPEN, kAlways},
+    {IDM_COMMAND_PALETTE, kAlways},
     {IDM_BOOKMARK_TOGGLE, kHasTab},
     {IDM_BOOKMARK_NEXT, kHasTab},
     {IDM_BOOKMARK_PREVIOUS, kHasTab},
@@ -238,6 +240,8 @@ constexpr ExtraKey kExtraKeys[] = {
     {kF8, true, true, false, IDM_FILES_PREVIOUS},
     {'C', true, true, false, IDM_AI_COPY_CODE},
     {'I', true, true, false, IDM_AI_INSERT_CODE},
+    {'P', true, false, false, IDM_QUICK_OPEN},
+    {'P', true, true, false, IDM_COMMAND_PALETTE},
 };
 
 }  // namespace

@@ -18,7 +18,8 @@ struct DocumentTab : FileBinding {
     HWND editor = nullptr;         // Scintilla window, child of the main window; TabBarRemove destroys it
     std::uint32_t compilerId = 0;  // the compiler whose dialect decides the colours
     bool modified = false;
-    bool mustSave = false;  // its file may not hold its text, so only a save makes it unmodified
-    FileIdentity identity;  // of its file, when it was last read or written
+    bool mustSave = false;        // its file may not hold its text, so only a save makes it unmodified
+    std::uint64_t lastShown = 0;  // counts the documents that were shown; 0: never
+    FileIdentity identity;        // of its file, when it was last read or written
     BuildMark buildMark = BuildMark::None;
 };

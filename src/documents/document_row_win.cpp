@@ -152,6 +152,7 @@ void TabBarSyncActiveEditor() {
     // The new editor is shown above the old one before the old one is hidden, so that nothing else is visible in
     // between.
     if (g_documents.hEditor != nullptr) {
+        TabAt(g_documents.activeTab).lastShown = ++g_documents.timesShown;
         SetWindowPos(g_documents.hEditor, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
         g_events.layoutWanted();
         ShowWindow(g_documents.hEditor, SW_SHOWNA);

@@ -12,6 +12,7 @@
 struct DocumentsState {
     std::vector<DocumentTab> tabs;              // in the order of the tabs
     int activeTab = -1;                         // index into tabs, -1 with none
+    std::uint64_t timesShown = 0;               // for DocumentTab.lastShown
     DocumentId returnTo = 0;                    // shown after the active one is closed; 0: its neighbour is shown
     HWND hEditor = nullptr;                     // editor of the active tab, null with none
     HWND hStickyHeader = nullptr;               // label above the editor (sticky_label_win.cpp)

@@ -165,6 +165,8 @@
 #define IDM_FILE_RELOAD 1959
 #define IDM_TOOLBAR_MORE 1960
 #define IDM_TAB_CLOSE_RIGHT 1961
+#define IDM_QUICK_OPEN 1075
+#define IDM_COMMAND_PALETTE 1076
 
 // --- Child controls of the main window
 #define IDC_TABS 2001
@@ -280,6 +282,15 @@
 #define IDC_RECORDING_TIME 3212
 #define IDC_RECORDING_LEVEL 3213
 #define IDC_RECORDING_HOST 3214
+
+// --- The window of the file finder and of the command palette
+#define IDC_QUICK_OPEN 3400
+#define IDC_QUICK_FIELD 3401
+#define IDC_QUICK_LIST 3402
+#define TIMER_QUICK_PREVIEW 13           // shows what the selected row is about
+#define MSG_QUICK_FILES (0x8000 + 75)    // wParam: a block for ProjectFilesOnBlock
+#define MSG_QUICK_FOUND (0x8000 + 76)    // wParam: QuickFound*, deleted by the receiver
+#define MSG_QUICK_PREVIEW (0x8000 + 77)  // wParam: QuickPreviewText*, deleted by the receiver
 
 // --- Messages of the main window (WM_USER = 0x0400, WM_APP = 0x8000). The receiver frees a heap block in wParam.
 #define MSG_BUILD_OUTPUT (0x0400 + 100)    // wParam: heap wide text, lParam: colour (0 = default)

@@ -9,6 +9,8 @@
 
 // The message font of the system at the current DPI.
 HFONT UiFont();
+// The same, bold.
+HFONT UiBoldFont();
 // The fixed-pitch font of the setting OutputFont at the current DPI.
 HFONT UiFixedFont();
 // DEFAULT_GUI_FONT at the current DPI.

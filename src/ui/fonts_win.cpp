@@ -10,12 +10,19 @@
 namespace {
 
 struct UiFonts {
-    UniqueFont text, fixed, stock;
+    UniqueFont text, bold, fixed, stock;
     UiFontSizes sizes;
 };
 constexpr int kStockFontPoints = 8;  // its height may be that of another DPI
 UiFonts g_fonts;
 UiFonts g_oldFonts;  // windows may still use them
+
+HFONT MakeBoldFont() {
+    LOGFONTW description = {};
+    GetObjectW(UiFont(), sizeof(description), &description);
+    description.lfWeight = FW_BOLD;
+    return CreateFontIndirectW(&description);
+}
 
 HFONT MakeFixedFont() {
     return CreateFontW(UiFontHeight(g_settings.outputFontSize), 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE,
@@ -58,6 +65,12 @@ const UiFonts& Fonts() {
 }  // namespace
 
 HFONT UiFont() { return Fonts().text.Get(); }
+
+HFONT UiBoldFont() {
+    Fonts();  // so that a change of the fonts renews this one too
+    if (!g_fonts.bold) g_fonts.bold.Reset(MakeBoldFont());
+    return g_fonts.bold.Get();
+}
 
 HFONT UiFixedFont() { return Fonts().fixed.Get(); }
 

@@ -91,19 +91,7 @@ struct Session {
     // As another program would do it: the control tells its owner.
     void Select(Tab tab) const { editor.Send(Tabs(), TCM_SETCURFOCUS, static_cast<WPARAM>(tab)); }
     int Rows() const { return IsWindowVisible(List()) ? static_cast<int>(editor.Send(List(), LVM_GETITEMCOUNT)) : 0; }
-    std::wstring Cell(int row, int column) const {
-        const RemoteBlock block(editor.process, sizeof(LVITEMW) + 1024);
-        LVITEMW item = {};
-        item.iSubItem = column;
-        item.cchTextMax = 500;
-        item.pszText = reinterpret_cast<wchar_t*>(block.At(sizeof(item)));
-        block.Put(&item, sizeof(item));
-        const auto length =
-            static_cast<std::size_t>(editor.Send(List(), LVM_GETITEMTEXTW, static_cast<WPARAM>(row), block.At()));
-        wchar_t text[512] = {};
-        block.Get(text, 1000, sizeof(item));
-        return {text, std::min<std::size_t>(length, 500)};
-    }
+    std::wstring Cell(int row, int column) const { return editor.CellOf(List(), row, column); }
     std::wstring All() const {
         std::wstring text;
         for (int row = 0; row < Rows(); ++row)

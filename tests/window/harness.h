@@ -123,6 +123,7 @@ struct Editor {
         return record;
     }
     std::wstring TextOf(HWND window) const;
+    std::wstring CellOf(HWND list, int row, int column) const;  // of a list view
     std::wstring Title() const { return TextOf(main); }
     std::wstring Log() const;
     std::wstring Status(int part = kPartMessage) const;

@@ -299,6 +299,19 @@ void Editor::Foreground() const {
     })) << "the window does not come to the foreground";
 }
 
+std::wstring Editor::CellOf(HWND list, int row, int column) const {
+    const RemoteBlock block(process, sizeof(LVITEMW) + 1024);
+    LVITEMW item = {};
+    item.iSubItem = column;
+    item.cchTextMax = 500;
+    item.pszText = reinterpret_cast<wchar_t*>(block.At(sizeof(item)));
+    block.Put(&item, sizeof(item));
+    const auto length = static_cast<std::size_t>(Send(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), block.At()));
+    wchar_t text[512] = {};
+    block.Get(text, 1000, sizeof(item));
+    return {text, std::min<std::size_t>(length, 500)};
+}
+
 // The last one with the others held. Wine lets go of held keys when the X focus moves, as it does a moment after a dialog
 // has gone: only keys that stayed down for a while count, and until then nothing is typed.
 void Editor::Keys(std::initializer_list<int> keys) const {
