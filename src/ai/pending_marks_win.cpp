@@ -68,11 +68,16 @@ void SetAnnotations(HWND editor, const EditorLines& lines, const std::vector<Rem
     }
 }
 
-void SetLineMarkers(HWND editor, const std::vector<AddedLines>& added) {
-    SciSend(editor, SCI_MARKERDELETEALL, kMarkNewLine);
-    for (const AddedLines& lines : added)
-        for (int line = lines.first; line < lines.end; ++line)
-            AskAt(editor, SCI_MARKERADD, static_cast<std::size_t>(line), kMarkNewLine);
+// As above: each marker that changes costs a repaint.
+void SetLineMarkers(HWND editor, const EditorLines& lines, const std::vector<AddedLines>& added) {
+    auto next = added.begin();
+    const EditorLines around = LinesAround(editor, lines);
+    for (std::size_t line = around.first; line <= around.last; ++line) {
+        while (next != added.end() && static_cast<std::size_t>(next->end) <= line) ++next;
+        const bool wanted = next != added.end() && static_cast<std::size_t>(next->first) <= line;
+        const bool has = (AskAt(editor, SCI_MARKERGET, line) & 1 << kMarkNewLine) != 0;
+        if (wanted != has) AskAt(editor, wanted ? SCI_MARKERADD : SCI_MARKERDELETE, line, kMarkNewLine);
+    }
 }
 
 // The line in the first row of the view stays there, although rows above it come or go.
@@ -108,7 +113,7 @@ ReplacementMarks PendingMarksShow(HWND editor, const ByteRange& range, std::stri
         SetAnnotations(editor, lines, marks.removed);
         SciSend(editor, SCI_ANNOTATIONSETVISIBLE, ANNOTATION_STANDARD);
     });
-    SetLineMarkers(editor, marks.added);
+    SetLineMarkers(editor, lines, marks.added);
     if (first) GoToFirstMark(editor, marks);
     return marks;
 }

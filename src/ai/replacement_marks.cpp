@@ -6,6 +6,8 @@
 
 namespace {
 
+constexpr int kFewLines = 10;  // new lines under which the removed ones are still found
+
 bool IsContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
 
 // As an annotation can show it: Scintilla draws no tabs there, and an empty line would not be coloured.
@@ -93,10 +95,10 @@ ReplacementMarks MarksOfReplacement(std::string_view oldText, std::string_view n
         const int above = firstLine + hunk.newFirst - 1;
         if (above >= 0)
             AddRemoved(marks.removed, above, std::move(text));
-        else if (hunk.newEnd > hunk.newFirst)
+        else if (hunk.newEnd > hunk.newFirst && hunk.newEnd - hunk.newFirst <= kFewLines)
             AddRemoved(marks.removed, hunk.newEnd - 1, std::move(text));
         else
-            AddRemoved(marks.removed, 0, "(removed before this line)\n" + text);
+            AddRemoved(marks.removed, 0, "(removed above this line)\n" + text);
     }
     return marks;
 }

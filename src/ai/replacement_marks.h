@@ -43,7 +43,8 @@ struct ReplacementMarks {
     int addedCount = 0, removedCount = 0;
 };
 // The differences of two texts of whole lines. `firstLine` (from 0) is the line of the document at which both begin.
-// Removed lines stand above the new ones, or below them at the document's first line, above which nothing can stand.
+// Removed lines stand above the new ones. At the document's first line, above which nothing can stand, they stand below
+// the new ones, or below the first when the new ones are many.
 ReplacementMarks MarksOfReplacement(std::string_view oldText, std::string_view newText, int firstLine, int tabWidth);
 
 // What is shown at most; the rest is counted.

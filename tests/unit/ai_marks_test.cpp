@@ -73,9 +73,10 @@ TEST(ReplacementMarks, StandWhereLinesWereChanged) {
         {"a\nb", "a\r\nb", 0, ""},
         {"a\nb", "x\nb", 0, "+0-1 0[a]"},  // below, because nothing can stand above
         {"a\nb", "x\nb", 3, "+3-4 2[a]"},
-        {"a\nb", "b", 0, "0[(removed before this line)\na]"},
-        {"a\nb\nc\nd", "b\nd", 0, "0[(removed before this line)\na\nc]"},
+        {"a\nb", "b", 0, "0[(removed above this line)\na]"},
+        {"a\nb\nc\nd", "b\nd", 0, "0[(removed above this line)\na\nc]"},
         {"\tx\ty\n\n", "", 1, "0[    x   y\n ]"},  // the last of three lines is the one left
+        {"a\nb", "1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\nb", 0, "+0-11 0[(removed above this line)\na]"},
         {"a\x01\n", "b\n", 1, "+1-2 0[a?]"},
     };
     for (const auto& c : cases) EXPECT_EQ(Described(MarksOfReplacement(c.before, c.now, c.firstLine, 4)), c.marks);
