@@ -111,3 +111,4 @@ void MeasureMaps();
 void MeasureDebugger();
 void MeasureAi();
 void MeasureFiles();
+void MeasureFinder();

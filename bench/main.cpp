@@ -15,7 +15,7 @@ struct Measurement {
 constexpr Measurement kMeasurements[] = {
     {"start", MeasureStart},   {"keys", MeasureKeys}, {"edits", MeasureEdits},       {"colour", MeasureColour},
     {"output", MeasureOutput}, {"stop", MeasureStop}, {"debugger", MeasureDebugger}, {"maps", MeasureMaps},
-    {"code", MeasureCode},     {"ai", MeasureAi},     {"files", MeasureFiles},
+    {"code", MeasureCode},     {"ai", MeasureAi},     {"files", MeasureFiles},       {"finder", MeasureFinder},
 };
 
 bool Wanted(int argc, char** argv, const std::string& name) {

@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t kBlockFiles = 8192;
 constexpr ULONGLONG kBlockMs = 150;      // a block is posted after this time, so that the first files are soon there
-constexpr ULONGLONG kFreshMs = 5000;     // a list that was finished within this time is not made again
+constexpr ULONGLONG kFreshMs = 5000;     // a list is not made again within this time, or five times what it took
 constexpr std::size_t kMostWorkers = 4;  // each may hang on a share that is gone
 constexpr wchar_t kNotText[] =
     L"*.exe;*.dll;*.obj;*.o;*.a;*.lib;*.pdb;*.ilk;*.exp;*.res;*.com;*.sys;*.ocx;*.pch;*.gch;*.class;*.pyc;*.zip;*.7z;"
@@ -46,8 +46,8 @@ struct FilesState {
     FuzzyIndices next;  // while a list that is shown is made again
     bool replaces = false;
     unsigned request = 0;
-    ULONGLONG finished = 0;
-    std::vector<Worker> workers;  // the last one, and others that have not ended yet
+    ULONGLONG began = 0, finished = 0;  // the last list
+    std::vector<Worker> workers;        // the last one, and others that have not ended yet
 };
 FilesState g_files;
 
@@ -114,6 +114,13 @@ void StartListing(HWND window, UINT message) {
     if (g_files.replaces) WorkerLowerPriority(worker);
     g_files.workers.push_back(std::move(worker));
     g_files.now.reading = true;
+    g_files.began = GetTickCount64();
+}
+
+bool IsFresh() {
+    if (g_files.finished < g_files.began) return false;  // it was not finished
+    const ULONGLONG took = g_files.finished - g_files.began;
+    return GetTickCount64() - g_files.finished < std::max(kFreshMs, 5 * took);
 }
 
 }  // namespace
@@ -125,7 +132,7 @@ void ProjectFilesWant(HWND window, UINT message, const std::wstring& root) {
     std::wstring folder = root;
     if (!folder.empty() && !folder.ends_with(L'\\')) folder += L'\\';
     const bool same = PathEqualsIgnoreCase(now.root, folder);
-    if (same && (now.reading || GetTickCount64() - g_files.finished < kFreshMs)) return;
+    if (same && (now.reading || IsFresh())) return;
     if (!same) now = {.root = folder, .files = {}, .generation = now.generation + 1};
     if (!folder.empty()) StartListing(window, message);
 }
