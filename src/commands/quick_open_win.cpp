@@ -392,6 +392,7 @@ void ShowQuick(const wchar_t* typed) {
     if (QuickSearchNow().source == nullptr) OnTyped();  // the field was empty before
     PlaceQuick();
     ShowWindow(g_quick.window, SW_SHOWNA);
+    FocusRetryEnd();  // it would take the keyboard from the field, and so close the window
     SetFocus(g_quick.field);
 }
 

@@ -61,3 +61,5 @@ void FocusCurrentEditor();
 // The same after the messages that are waiting, repeated by TIMER_FOCUS for up to 2 s until the editor has the focus.
 void QueueFocusCurrentEditor();
 void FocusOnTimer();  // TIMER_FOCUS
+// Gives up the repetitions, because the user wants the keyboard elsewhere by now.
+void FocusRetryEnd();

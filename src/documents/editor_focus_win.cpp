@@ -28,3 +28,5 @@ void FocusOnTimer() {
     FocusCurrentEditor();
     if (++g_focusTicks >= kRetries || GetFocus() == g_documents.hEditor) KillTimer(g_ui.hMainWnd, TIMER_FOCUS);
 }
+
+void FocusRetryEnd() { KillTimer(g_ui.hMainWnd, TIMER_FOCUS); }
