@@ -249,8 +249,9 @@ void ShowChatReply(const char* reply) {
         ChatViewPiecesEnd(request);
     else if (!ChatViewReply(reply))
         return OutputPaneAppend(Utf8ToWideText(reply).c_str(), 0);
-    if (ChatShownPart(reply).size() < std::strlen(reply) && AiNewDocument(reply))
-        AiChatAppend(L"...\r\n[AI]: The whole reply is in a new document.\r\n");
+    if (ChatShownPart(reply).size() == std::strlen(reply) || !AiNewDocument(reply)) return;
+    AiChatAppend(L"...\r\n");
+    AiChatAppend(L"[AI]: The whole reply is in a new document.\r\n");
 }
 
 // What was said is kept when it was not sent.

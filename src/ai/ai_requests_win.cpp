@@ -110,6 +110,17 @@ void AiOnRequestEnded(AiRequestEndPtr ended) {
 }
 
 void AiOnTimer() {
+    // A worker may be inside a call that does not end by cancelling. Its request ends for the user all the same, and what
+    // it still posts is dropped.
+    std::vector<int> late;
+    for (const RunningRequest& request : g_running)
+        if (request.worker.cancel->Asked()) late.push_back(request.link.request);
+    for (const int request : late) {
+        auto end = std::make_unique<AiRequestEnd>();
+        end->request = request;
+        end->end.outcome = AiOutcome::Cancelled;
+        AiOnRequestEnded(std::move(end));
+    }
     if (!g_running.empty()) ShowAiProgress();
 }
 

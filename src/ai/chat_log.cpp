@@ -25,10 +25,14 @@ std::string CodeOf(std::string_view reply, const CodeFence& fence) {
 }  // namespace
 
 std::string_view ChatShownPart(std::string_view reply, bool coming) {
-    std::string_view part = reply.substr(0, kShownReply);
-    std::size_t lines = 0;
-    for (std::size_t at = part.find('\n'); at != std::string_view::npos; at = part.find('\n', at + 1))
-        if (++lines == kShownLines) part = part.substr(0, at + 1);
+    const std::string_view most = reply.substr(0, kShownReply);
+    std::size_t end = 0;
+    for (std::size_t lines = 0; end < most.size() && lines < kShownLines; ++lines) {
+        const std::size_t length = std::min(most.find('\n', end), most.size() - 1) + 1 - end;
+        end += std::min(length, kShownLine);
+        if (length > kShownLine) break;
+    }
+    const std::string_view part = most.substr(0, end);
     return coming || part.size() < reply.size() ? part.substr(0, WholeCharacters(part)) : part;
 }
 

@@ -33,10 +33,11 @@ struct ChatUpdate {
     ChatPlace settled;
 };
 
-// The part of a reply that the chat shows: at most so many bytes and lines of it. The rest would take the pane seconds
-// to lay out. A reply that is cut, or that is still coming, is cut between two characters.
+// The part of a reply that the chat shows: at most so many bytes and lines of it, and nothing after a line that is too
+// long. The rest would take the pane seconds to lay out, a long line with each piece that comes. A reply that is cut, or that is still coming, is cut between two characters.
 inline constexpr std::size_t kShownReply = 100000;
 inline constexpr std::size_t kShownLines = 3000;
+inline constexpr std::size_t kShownLine = 8000;
 std::string_view ChatShownPart(std::string_view reply, bool coming = false);
 
 // Adds an entry at the end, which is not shown yet. The reference is valid until the next one is added.

@@ -46,7 +46,8 @@ std::string ChatRtf(std::span<const ChatRun> runs, const ChatFonts& fonts, const
     rtf += ";}}{\\colortbl;";
     for (const std::uint32_t colour : {colours.text, colours.tag, colours.quiet, colours.codeBack})
         AppendColourEntry(rtf, colour);
-    rtf += "}\\f0\\fs" + std::to_string(fonts.points * 2);
+    // Without \plain the look of the character before would go on.
+    rtf += "}\\plain\\f0\\fs" + std::to_string(fonts.points * 2);
     for (const ChatRun& run : runs) {
         // The blank ends the last control word and is not part of the text.
         rtf += "{" + LookWords(run.look) + ' ';

@@ -172,7 +172,9 @@ bool ChatViewPiece(int request, std::string_view piece) {
     if (index < 0) return AddToChat(std::string(piece), true, request);
     ChatEntry& entry = g_chat.entries[static_cast<std::size_t>(index)];
     const bool hadCode = entry.hasCode;
+    const std::size_t shown = ChatShownPart(entry.text, true).size();
     ChatEntryGrow(entry, piece);
+    if (ChatShownPart(entry.text, true).size() == shown) return true;
     if (GetCapture() == g_ai.hAiChat) return true;  // the user selects; the next piece shows this one too
     const ChatScroll scroll = ChatScrollNow();
     ShowEntry(static_cast<std::size_t>(index));

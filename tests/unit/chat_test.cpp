@@ -113,11 +113,18 @@ TEST(Chat, FindsTheCodeAtACharacter) {
 }
 
 TEST(Chat, IsBounded) {
-    EXPECT_EQ(ChatShownPart(std::string(99999, 'x') + "\xC3\xA4").size(), 99999U);
+    const std::string line = std::string(999, 'x') + "\n";
+    std::string lines;
+    for (int i = 0; i < 100; ++i) lines += line;
+    EXPECT_EQ(ChatShownPart(lines + "rest").size(), lines.size());
+    EXPECT_EQ(ChatShownPart(lines.substr(0, 99999) + "\xC3\xA4").size(), 99999U);
     EXPECT_EQ(ChatShownPart(std::string(5000, '\n')).size(), 3000U);
+    EXPECT_EQ(ChatShownPart(line + std::string(9000, 'x')).size(), line.size() + 8000);
+    EXPECT_EQ(ChatShownPart("x\xC3").size(), 2U);
+    EXPECT_EQ(ChatShownPart("x\xC3", true).size(), 1U) << "the rest of the character comes";
     ChatLog log;
     for (int i = 0; i < 9; ++i) {
-        ChatLogAdd(log, std::string(30000, 'x'), true, i == 6 ? 1 : 0);
+        ChatLogAdd(log, lines.substr(0, 30000), true, i == 6 ? 1 : 0);
         Show(log, log.entries.size() - 1);
         EXPECT_EQ(ChatLogSurplus(log), i < 6 ? 0U : static_cast<std::size_t>(i - 3 > 6 ? 6 : i - 2)) << i;
     }
