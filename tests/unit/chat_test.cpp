@@ -122,11 +122,12 @@ TEST(Chat, IsBounded) {
     EXPECT_EQ(ChatShownPart(line + std::string(9000, 'x')).size(), line.size() + 8000);
     EXPECT_EQ(ChatShownPart("x\xC3").size(), 2U);
     EXPECT_EQ(ChatShownPart("x\xC3", true).size(), 1U) << "the rest of the character comes";
+    constexpr std::size_t kSurplus[] = {0, 0, 0, 0, 0, 0, 3, 5, 6};
     ChatLog log;
     for (int i = 0; i < 9; ++i) {
         ChatLogAdd(log, lines.substr(0, 30000), true, i == 6 ? 1 : 0);
         Show(log, log.entries.size() - 1);
-        EXPECT_EQ(ChatLogSurplus(log), i < 6 ? 0U : static_cast<std::size_t>(i - 3 > 6 ? 6 : i - 2)) << i;
+        EXPECT_EQ(ChatLogSurplus(log), kSurplus[i]) << i;
     }
     log.entries[0].request = 2;
     EXPECT_EQ(ChatLogSurplus(log), 0U) << "a reply that is coming stays, and what is below it";

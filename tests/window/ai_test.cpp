@@ -259,11 +259,12 @@ TEST(Assistant, StreamsIntoTheChatAndHandsOutItsCode) {
             HttpEvents({"a **b**:\\n```ba", "sic\\nPRINT 1\\n", "PRINT \xC3\xA4\\n```\\nand:\\n```\\nEND\\n```"});
         if (request.find(R"("content":"lost"}],)") != std::string::npos) reply = HttpEvents({"half ", "of it"}, "");
         if (request.find(R"("content":"wait"}],)") != std::string::npos) {
-            // After a chunk, some versions of WinHTTP wait for the next one within a call that nothing ends.
+            // Some versions of WinHTTP hand out a chunk only when the next one begins, for which they wait in a call that
+            // cancelling does not end.
             reply = {.bytes =
                          "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n39\r\n"
                          R"(data: {"choices":[{"delta":{"content":"only this"}}]})"
-                         "  \n\n\r\n",
+                         "  \n\n\r\n4\r\n: \n\n\r\n",
                      .keepsOpen = true};
         } else {
             reply.piece = 40;
