@@ -54,15 +54,11 @@ std::string EditorPart(HWND editor, std::ptrdiff_t start, std::ptrdiff_t end) {
 
 // --- Starting
 
-// The folder of the search without a backslash at its end; a fault when there is none.
+// Finds the folder of the search, without a backslash at its end. Returns a sentence when there is none.
 std::wstring RootOf(const FilesOptions& options, std::wstring* root) {
-    std::wstring wanted = options.folder;
-    if (options.scope == FilesScope::Project) {
-        wanted = g_settings.projectRoot;
-        if (wanted.empty() && IsTabIndex(g_documents.activeTab) && TabAt(g_documents.activeTab).hasFile)
-            wanted = FolderOf(TabAt(g_documents.activeTab).path);
-        if (wanted.empty()) return L"There is no project folder (Project > Choose Project Folder)";
-    }
+    const std::wstring wanted = FilesFolderWanted(options);
+    if (wanted.empty() && options.scope == FilesScope::Project)
+        return L"There is no project folder (Project > Choose Project Folder)";
     wchar_t full[kPathCapacity] = {};
     if (!PathNormalizeInput(wanted.c_str(), full, kPathCapacity)) return L"Name a folder to search in";
     if (!PathAnswers(full)) return std::wstring{L"The share does not answer: "} + full;
@@ -193,6 +189,14 @@ ResultFile ResultOf(FoundFile found) {
 
 }  // namespace
 
+std::wstring FilesFolderWanted(const FilesOptions& options) {
+    if (options.scope == FilesScope::OpenDocuments) return {};
+    if (options.scope == FilesScope::Folder) return options.folder;
+    if (g_settings.projectRoot[0] != L'\0') return g_settings.projectRoot;
+    const bool hasFile = IsTabIndex(g_documents.activeTab) && TabAt(g_documents.activeTab).hasFile;
+    return hasFile ? FolderOf(TabAt(g_documents.activeTab).path) : std::wstring{};
+}
+
 std::wstring FilesSearchBegin(const FilesOptions& options) {
     std::wstring fault, root;
     if (!TextMatcher::Of(QueryOf(options), &fault)) return fault;
@@ -256,7 +260,8 @@ void FilesSearchTakeMore() {
     if (g_files.current) current = g_files.results.files[g_files.current->file].key;
     if (!files.empty()) FilesPaneAdd(std::move(files));
     if (current) g_files.current->file = g_files.results.FindFile(*current);
-    if (!more) {
+    // After its last hit the threads end with the files at hand, for which nobody needs to wait.
+    if (!more || (g_files.tally.limited && found.empty())) {
         g_files.running = false;
         g_files.search = nullptr;
         g_files.edits.clear();

@@ -28,6 +28,7 @@ constexpr int kLongestPath = 1000;  // of the folder
 struct FilesDialog {
     HWND window = nullptr;
     std::vector<FilesOptions> recent;  // as the list shows them
+    std::wstring folder;               // as it was typed; the field shows it for FilesScope::Folder only
 };
 FilesDialog g_filesDialog;
 
@@ -66,6 +67,7 @@ FilesOptions ReadFields() {
         options.*box.option = IsDlgButtonChecked(g_filesDialog.window, box.control) == BST_CHECKED;
     for (const TextOption& field : kFields) options.*field.option = WindowText(Control(field.control));
     options.scope = static_cast<FilesScope>(std::max<LRESULT>(Ask(IDC_FILES_SCOPE, CB_GETCURSEL), 0));
+    if (IsWindowEnabled(Control(IDC_FILES_FOLDER)) == FALSE) options.folder = g_filesDialog.folder;
     return options;
 }
 
@@ -75,11 +77,13 @@ void EnableFields() {
     const auto enable = [](int control, bool on) { EnableWindow(Control(control), on ? TRUE : FALSE); };
     const bool walks = options.scope != FilesScope::OpenDocuments;
     enable(IDC_FILES_WITH, options.replacing);
+    g_filesDialog.folder = options.folder;
     for (const int control : {IDC_FILES_FOLDER, IDC_FILES_BROWSE, IDC_FILES_FOLDER_LABEL})
         enable(control, options.scope == FilesScope::Folder);
     for (const int control :
          {IDC_FILES_ONLY, IDC_FILES_EXCEPT, IDC_FILES_SUBFOLDERS, IDC_FILES_GITIGNORE, IDC_FILES_HIDDEN})
         enable(control, walks);
+    SetDlgItemTextW(g_filesDialog.window, IDC_FILES_FOLDER, FilesFolderWanted(options).c_str());
     SetWindowTextW(g_filesDialog.window, options.replacing ? L"Replace in Files" : L"Find in Files");
     SetDlgItemTextW(g_filesDialog.window, IDOK, options.replacing ? L"&Find and Preview" : L"&Find All");
 }
@@ -87,6 +91,8 @@ void EnableFields() {
 void ShowFields(const FilesOptions& options) {
     for (const BoxOption& box : kBoxes)
         CheckDlgButton(g_filesDialog.window, box.control, options.*box.option ? BST_CHECKED : BST_UNCHECKED);
+    g_filesDialog.folder = options.folder;
+    EnableWindow(Control(IDC_FILES_FOLDER), TRUE);
     for (const TextOption& field : kFields)
         SetDlgItemTextW(g_filesDialog.window, field.control, (options.*field.option).c_str());
     Ask(IDC_FILES_SCOPE, CB_SETCURSEL, static_cast<WPARAM>(options.scope));

@@ -37,6 +37,9 @@ extern FilesState g_files;
 // --- files_course_win.cpp: the search and what its results belong to
 // Starts a search and shows the pane. Returns a sentence for the user when it cannot be started, else an empty text.
 std::wstring FilesSearchBegin(const FilesOptions& options);
+// The folder that the options mean; for the project, that of the active document when there is no project folder. Empty:
+// none.
+std::wstring FilesFolderWanted(const FilesOptions& options);
 void FilesSearchEnd();                   // stops it
 void FilesSearchTakeMore();              // shows what was found meanwhile
 void FilesTextsGoOn();                   // MSG_FILES_TEXTS
@@ -59,4 +62,5 @@ void FilesPaneRepaintSoon();
 // --- files_replace_win.cpp
 void FilesReplaceTicked();            // asks first
 void FilesReplaceStop();              // after the file at hand
+void FilesReplaceFinish();            // before the pane goes: waits until the file at hand is written, for at most 5 s
 void FilesOnReplaced(WPARAM result);  // MSG_FILES_REPLACED

@@ -120,7 +120,6 @@ void DrawResultRow(HDC dc, int index) {
     SendMessageW(g_filesPane.list, LVM_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&bounds));
     RECT client = {};
     GetClientRect(g_filesPane.list, &client);
-    bounds.left = 0;
     bounds.right = client.right;
     const ThemeChrome& chrome = ThemeCurrentChrome();
     const bool selected =

@@ -57,6 +57,7 @@ void SelectIndex(std::size_t index) {
 // --- Layout
 
 std::size_t TickedCount() {
+    if (!g_files.options.replacing) return 0;
     std::size_t count = 0;
     for (const ResultFile& file : g_files.results.files)
         count += static_cast<std::size_t>(std::ranges::count(file.ticked, true));
@@ -374,6 +375,7 @@ LRESULT CALLBACK FilesButtonProc(HWND window, UINT message, WPARAM wParam, LPARA
 void OnFilesPaneDestroyed() {
     if (g_filesPane.heightOnly != nullptr) ImageList_Destroy(g_filesPane.heightOnly);
     FilesSearchStop(g_files.search);
+    FilesReplaceFinish();
     g_filesPane = {};
 }
 

@@ -74,13 +74,12 @@ std::wstring ReplaceInFile(const ReplaceTask& task, const FilesQuery& query, std
     const DWORD attributes = GetFileAttributesW(PathExtended(task.path).c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0)
         return L"the file is read-only";
-    std::vector<char> bytes;
-    std::size_t length = 0;
-    std::wstring fault = ReadSearchedFile(task.path, 0, false, nullptr, &bytes, &length);
+    ReadBuffer bytes;
+    const std::wstring fault = ReadSearchedFile(task.path, 0, false, nullptr, &bytes);
     if (!fault.empty()) return fault;
     SourceText text;
-    if (!DecodeSource({bytes.data(), length}, SystemAnsiDecoder(), &text)) return L"its text cannot be decoded";
-    const std::string_view utf8 = text.asItIs ? std::string_view{bytes.data(), length} : std::string_view{text.utf8};
+    if (!DecodeSource(bytes.Text(), SystemAnsiDecoder(), &text)) return L"its text cannot be decoded";
+    const std::string_view utf8 = text.asItIs ? bytes.Text() : std::string_view{text.utf8};
     if (!HasSameHits(utf8, query, task.hits)) return L"it has changed since the search";
     if (text.form.inexact) return L"it has bytes that saving would not give back";
     const std::vector<TextReplacement> replacements =
@@ -240,6 +239,15 @@ void FilesReplaceTicked() {
 }
 
 void FilesReplaceStop() { WorkerAskToEnd(g_replace.worker); }
+
+void FilesReplaceFinish() {
+    constexpr DWORD kMostMs = 5000;
+    if (!g_replace.worker) return;
+    WorkerAskToEnd(g_replace.worker);
+    WorkerWait(g_replace.worker, kMostMs);
+    WorkerDropPosts<std::unique_ptr<ReplaceOutcomes>>(FilesPaneWindow(), MSG_FILES_REPLACED);
+    g_replace = {};
+}
 
 void FilesOnReplaced(WPARAM result) {
     const auto outcomes = WorkerTake<std::unique_ptr<ReplaceOutcomes>>(result);

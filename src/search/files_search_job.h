@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/events.h"
+#include "base/handles.h"
 #include "base/worker_queue.h"
 #include "search/file_walk.h"
 #include "search/files_search_text.h"
@@ -58,8 +59,15 @@ void FilesSearchStop(const FilesSearchHandle& search);
 // Replaces `found` by what was found since the last call. Returns false when nothing came and nothing will.
 bool FilesSearchTake(const FilesSearchHandle& search, std::deque<FoundFile>* found, FilesTally* tally);
 
-// Reads a file whole for a search. Returns a sentence without a full stop when that fails, else an empty text. `bytes`
-// keeps its memory between calls.
+// Memory for one file after the other. It is not cleared, because clearing takes longer than reading what is cached.
+struct ReadBuffer {
+    HeapBlock<char> bytes;
+    std::size_t capacity = 0;
+    std::size_t length = 0;  // of the file
+
+    std::string_view Text() const { return {bytes.get(), length}; }
+};
+// Reads a file whole for a search. Returns a sentence without a full stop when that fails, else an empty text.
 std::wstring ReadSearchedFile(const std::wstring& path, std::uint64_t size, bool sizeKnown,
-                              const SearchStopped& stopped, std::vector<char>* bytes, std::size_t* length);
+                              const SearchStopped& stopped, ReadBuffer* buffer);
 AnsiDecoder SystemAnsiDecoder();

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdlib>
 #include <mutex>
 #include <new>
 #include <unordered_set>
@@ -42,7 +43,8 @@ namespace {
 
 constexpr DWORD kPiece = 8 << 20;              // bytes read at once
 constexpr std::size_t kKeptBuffer = 32 << 20;  // a larger buffer is freed after its file
-constexpr std::size_t kTaken = 8;              // files that a thread takes at once
+constexpr std::size_t kLeastBuffer = 256 << 10;
+constexpr std::size_t kTaken = 8;  // files that a thread takes at once
 
 std::wstring WhyUnreadable(DWORD error) {
     switch (error) {
@@ -59,7 +61,7 @@ struct SearchThread {
     FilesSearchCourse& course;
     TextMatcher matcher;
     SearchStopped stopped;
-    std::vector<char> buffer;
+    ReadBuffer buffer;
     FilesTally tally;  // of this thread, since the last Report
     std::deque<WalkedFile> mine;
 };
@@ -104,16 +106,13 @@ void SearchOneFile(SearchThread& thread, const WalkedFile& file) {
         ++thread.tally.files;
         return;
     }
-    std::size_t length = 0;
-    const std::wstring fault =
-        ReadSearchedFile(file.path, file.size, file.sizeKnown, thread.stopped, &thread.buffer, &length);
+    const std::wstring fault = ReadSearchedFile(file.path, file.size, file.sizeKnown, thread.stopped, &thread.buffer);
     if (thread.course.stop) return;
     if (!fault.empty()) return NoteUnreadable(thread, file.path, fault);
     static const AnsiDecoder kAnsi = SystemAnsiDecoder();
-    TakeHits(
-        thread, file.path, 0,
-        HitsInBytes({thread.buffer.data(), length}, thread.matcher, kAnsi, HitsWanted(thread.course), thread.stopped));
-    if (thread.buffer.size() > kKeptBuffer) thread.buffer = {};
+    TakeHits(thread, file.path, 0,
+             HitsInBytes(thread.buffer.Text(), thread.matcher, kAnsi, HitsWanted(thread.course), thread.stopped));
+    if (thread.buffer.capacity > kKeptBuffer) thread.buffer = {};
 }
 
 // A file may be too large for the memory that is left.
@@ -213,9 +212,21 @@ AnsiDecoder SystemAnsiDecoder() {
     };
 }
 
+// Grows the buffer and keeps what was read into it. False when memory runs out.
+static bool Reserve(ReadBuffer* buffer, std::size_t wanted) {
+    if (wanted <= buffer->capacity) return true;
+    const std::size_t capacity = std::max(wanted, kLeastBuffer);
+    char* const grown = static_cast<char*>(std::realloc(buffer->bytes.get(), capacity));
+    if (grown == nullptr) return false;
+    static_cast<void>(buffer->bytes.release());  // realloc has freed or moved it
+    buffer->bytes.reset(grown);
+    buffer->capacity = capacity;
+    return true;
+}
+
 std::wstring ReadSearchedFile(const std::wstring& path, std::uint64_t size, bool sizeKnown,
-                              const SearchStopped& stopped, std::vector<char>* bytes, std::size_t* length) {
-    *length = 0;
+                              const SearchStopped& stopped, ReadBuffer* buffer) {
+    buffer->length = 0;
     const UniqueHandle file{CreateFileW(PathExtended(path).c_str(), GENERIC_READ,
                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
                                         FILE_FLAG_SEQUENTIAL_SCAN, nullptr)};
@@ -227,17 +238,17 @@ std::wstring ReadSearchedFile(const std::wstring& path, std::uint64_t size, bool
         size = static_cast<std::uint64_t>(real.QuadPart);
     }
     for (;;) {
-        if (size >= kLargestSearched || *length >= kLargestSearched) return L"larger than 1 GB";
+        if (size >= kLargestSearched || buffer->length >= kLargestSearched) return L"larger than 1 GB";
         // One byte more than the size, so that the read tells the file's end, or that it has grown.
-        const std::size_t wanted = std::max<std::size_t>(static_cast<std::size_t>(size), *length) + 1;
-        if (bytes->size() < wanted) bytes->resize(wanted);
-        const DWORD piece = static_cast<DWORD>(std::min<std::size_t>(wanted - *length, kPiece));
+        const std::size_t wanted = std::max<std::size_t>(static_cast<std::size_t>(size), buffer->length) + 1;
+        if (!Reserve(buffer, wanted)) return L"not enough memory";
+        const DWORD piece = static_cast<DWORD>(std::min<std::size_t>(wanted - buffer->length, kPiece));
         DWORD read = 0;
-        if (ReadFile(file.Get(), bytes->data() + *length, piece, &read, nullptr) == FALSE)
+        if (ReadFile(file.Get(), buffer->bytes.get() + buffer->length, piece, &read, nullptr) == FALSE)
             return WhyUnreadable(GetLastError());
-        *length += read;
+        buffer->length += read;
         if (read < piece || (stopped != nullptr && stopped())) return {};
-        if (*length > size) size = 2 * static_cast<std::uint64_t>(*length);
+        if (buffer->length > size) size = 2 * static_cast<std::uint64_t>(buffer->length);
     }
 }
 

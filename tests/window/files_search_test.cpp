@@ -25,11 +25,12 @@ struct FilesSearch {
         const auto set = [&](int control, const std::wstring& text) {
             editor.Send(GetDlgItem(dialog, control), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
         };
+        editor.Send(GetDlgItem(dialog, IDC_FILES_SCOPE), CB_SETCURSEL, folder.empty() ? 1 : 2);
+        editor.Send(dialog, WM_COMMAND, MAKEWPARAM(IDC_FILES_SCOPE, CBN_SELCHANGE));
         set(IDC_FILES_WHAT, what);
         set(IDC_FILES_WITH, with);
         set(IDC_FILES_FOLDER, folder);
         if (regex) editor.Send(GetDlgItem(dialog, IDC_FILES_REGEX), BM_CLICK);
-        editor.Send(GetDlgItem(dialog, IDC_FILES_SCOPE), CB_SETCURSEL, folder.empty() ? 1 : 2);
         editor.Send(dialog, WM_COMMAND, IDOK);
     }
     bool Ended() const {
