@@ -56,6 +56,7 @@ void EndPending() {
     g_ai.aiDoPending = false;
     KillTimer(g_ui.hMainWnd, TIMER_AI_MARKS);
     const AiReplacement made = std::exchange(g_ai.aiReplacement, {});
+    g_events.documentStatus(made.target.document, L"");
     if (const int tab = TabBarFindDocument(made.target.document); IsTabIndex(tab))
         PendingMarksHide(TabAt(tab).editor, made.range);
 }
@@ -68,7 +69,7 @@ void EndPendingAndTell() {
 void ShowMarks(HWND editor, bool first) {
     const ReplacementMarks marks =
         PendingMarksShow(editor, g_ai.aiReplacement.range, g_ai.aiReplacement.target.sent, first);
-    g_events.statusText(MarksSummary(marks).c_str());
+    g_events.documentStatus(g_ai.aiReplacement.target.document, MarksSummary(marks).c_str());
 }
 
 // Takes the replacement back. False when it was edited and cannot be told from what the user wrote.
