@@ -142,8 +142,8 @@ constexpr Line kAiLines[] = {
     {FIELD(aiStream), Check, L"Show replies as they come",
      L"The service is asked to send them piece by piece. Switch it off for a service that does not know this.",
      L"Chat"},
-    Numbered(FIELD(aiHistoryKb), L"Earlier messages sent with a new one", 0, 1000,
-             L"In KB, the newest ones. 0 sends each message of the chat alone."),
+    Numbered(FIELD(aiHistoryKb), L"Earlier messages", 0, 1000,
+             L"The newest ones that go with a new one, in KB. 0 sends each message of the chat alone."),
     {FIELD(showAiSidebar), Check, L"Show the side bar", L"", L"Side bar"},
     Numbered(FIELD(aiSidebarWidth), L"Width of the side bar", 150, 600, L"In pixels at 100 %."),
 };
