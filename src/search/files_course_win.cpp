@@ -74,7 +74,8 @@ void CollectTexts(const FilesOptions& options, FilesJob* job) {
     for (const DocumentTab& tab : g_documents.tabs) {
         const bool fromFile = tab.hasFile && !tab.modified;
         if (all && fromFile) job->files.emplace_back(tab.path);
-        if (!fromFile && (tab.hasFile || all))
+        const bool below = tab.hasFile && PathBelow(tab.path, g_files.root) != tab.path;
+        if (!fromFile && (all || below))
             job->texts.push_back({tab.id, tab.hasFile ? std::wstring{tab.path} : std::wstring{}, {}});
     }
 }
@@ -342,7 +343,9 @@ FileHit FilesHitNow(const ResultFile& file, std::size_t hit, bool* gone) {
     now.start = static_cast<std::uint32_t>(start);
     now.line = static_cast<std::uint32_t>(SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(start)));
     const FileHit& then = file.hits[hit];
-    *gone = now.shown.substr(now.markStart, now.markLength) != then.shown.substr(then.markStart, then.markLength);
+    const std::size_t seen = std::min(now.markLength, then.markLength);  // a long match is cut where its line is
+    *gone =
+        now.length != then.length || now.shown.substr(now.markStart, seen) != then.shown.substr(then.markStart, seen);
     return now;
 }
 

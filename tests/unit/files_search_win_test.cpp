@@ -1,11 +1,15 @@
-// The walk over real folders.
+// The walk over real folders, and the threads of a search.
+#include "base/handles.h"
 #include "search/file_walk.h"
+#include "search/files_search_job.h"
 #include "support/deep_folder.h"
 #include "support/temp_files.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <deque>
+#include <iterator>
 
 namespace {
 
@@ -48,6 +52,40 @@ TEST(FileWalk, FindsFilesOfRealFolders) {
     CloseHandle(CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
     EXPECT_NE(Walked({.root = root / "repo"}).find(L"\\long.bas "), std::wstring::npos);
     DeleteFileW(file.c_str());
+}
+
+TEST(FilesSearch, NamesWhatCannotBeReadAndReadsTheRest) {
+    const TempFolder temp;
+    std::filesystem::create_directories(temp.path / "sub");
+    WriteBytes(temp.path / "a.bas", "needle");
+    WriteBytes(temp.path / "held.bas", "needle");
+    WriteBytes(temp.path / "open.bas", "needle needle");
+    WriteBytes(temp.path / "b.bin", std::string_view("\0needle", 7));
+    WriteBytes(temp.path / "sub/large.bas", std::string(20 << 20, 'x') + "\nneedle");
+    const UniqueHandle held{
+        CreateFileW((temp.path / "held.bas").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr)};
+    FilesJob job{.query = {.text = "needle"}, .walk = WalkRules{.root = temp.path}};
+    job.texts = {{7, temp.path / "open.bas", "needle in the editor"}, {8, L"", "a needle without a file"}};
+    const FilesSearchHandle search = FilesSearchStart(job, nullptr, WM_NULL, 0, nullptr);
+    ASSERT_NE(search, nullptr);
+    std::wstring found;
+    FilesTally tally;
+    std::vector<FoundFile> all;
+    std::deque<FoundFile> some;
+    for (const ULONGLONG start = GetTickCount64(); FilesSearchTake(search, &some, &tally); Sleep(5)) {
+        ASSERT_LT(GetTickCount64() - start, 20'000U);
+        std::ranges::move(some, std::back_inserter(all));
+    }
+    std::ranges::sort(all, {}, &FoundFile::path);
+    for (const FoundFile& file : all)
+        found += std::filesystem::path(file.path).filename().wstring() + L":" + std::to_wstring(file.document) + L":" +
+                 std::to_wstring(file.hits.size()) + L":" + std::to_wstring(file.hits[0].line) + L" ";
+    EXPECT_EQ(found, L":8:1:0 a.bas:0:1:0 open.bas:7:1:0 large.bas:0:1:1 ") << "a text in place of its file";
+    EXPECT_EQ(tally.files, 4U);
+    EXPECT_EQ(tally.hits, 4U);
+    EXPECT_EQ(tally.binary, 1U);
+    ASSERT_EQ(tally.unreadable, 1U);
+    EXPECT_EQ(tally.unreadableNames.at(0), (temp.path / "held.bas").wstring() + L" - in use by another program");
 }
 
 }  // namespace
