@@ -24,6 +24,7 @@
 #include "scintilla/sci.h"
 #include "search/files_search.h"
 #include "search/find.h"
+#include "search/find_bar.h"
 #include "session/session.h"
 #include "settings/version.h"
 #include "ui/clipboard.h"
@@ -130,6 +131,7 @@ constexpr CommandHandler kFrameHandlers[] = {
     {IDM_EDIT_REPLACE, [](int) { FindDialogShow(g_app.hMainWnd, true); }},
     {IDM_FIND_NEXT, [](int) { FindNext(true); }},
     {IDM_FIND_PREVIOUS, [](int) { FindNext(false); }},
+    {IDM_SEARCH_INCREMENTAL, [](int) { FindBarShow(); }},
     {IDM_SEARCH_CLEAR_MARKS, [](int) { FindMarksClear(); }},
     {IDM_EDIT_GOTO, [](int) { GotoLineDialogShow(g_app.hMainWnd); }},
     {IDM_EDIT_FORMAT_DOCUMENT, [](int) { EditorFormat(g_app.hEditor, false); }},

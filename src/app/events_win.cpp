@@ -21,6 +21,7 @@
 #include "output/output_pane.h"
 #include "output/show_timer.h"
 #include "search/files_search.h"
+#include "search/find_bar.h"
 #include "session/project_tree.h"
 #include "tabs/tab_bar.h"
 #include "ui/panes.h"
@@ -29,6 +30,7 @@ namespace {
 
 void OnDocumentActivated(DocumentId document) {
     TabBarOnActivated();
+    FindBarOnActivated(document);
     StatusBarForgetOthers(document);
     MainWindow_UpdateTitle();
     StatusBarUpdatePosition();

@@ -153,6 +153,11 @@ PaneLayout ComputePaneLayout(const LayoutInput& input) {
         layout.sticky = AreaOf(left, right, document.top, document.top + input.stickyHeight);
         document.top = layout.sticky.bottom;
     }
+    if (input.findBarHeight > 0) {
+        layout.findBar =
+            AreaOf(left, right, document.top, std::min(document.bottom, document.top + input.findBarHeight));
+        document.top = layout.findBar.bottom;
+    }
     layout.editor = document;
     return layout;
 }

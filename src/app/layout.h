@@ -21,6 +21,7 @@ struct LayoutInput {
     int statusHeight = 0;   // 0: hidden
     int tabHeight = 0;
     int stickyHeight = 0;                    // 0: no sticky header
+    int findBarHeight = 0;                   // 0: closed
     std::array<PaneWish, kPaneCount> panes;  // by PaneId
     int outputSplit = 0;                     // wanted y of the bar above the bottom
     int sideWidth = 0;                       // wanted width of one pane on the right
@@ -30,7 +31,7 @@ struct LayoutInput {
 
 // Every rectangle of a hidden pane is empty. No two visible ones overlap, and all lie in the client area.
 struct PaneLayout {
-    PaneRect toolbar, status, tabs, sticky, editor;
+    PaneRect toolbar, status, tabs, sticky, findBar, editor;
     PaneRect treeSplitter, sideSplitter, outputSplitter, debugSplitter;
     std::array<PaneRect, kPaneCount> panes;  // by PaneId
     int outputSplit = 0;                     // these three: after the limits

@@ -11,6 +11,7 @@
 #include "commands/toolbar.h"
 #include "documents/document_row.h"
 #include "resources/ids.h"
+#include "search/find_bar.h"
 #include "tabs/tab_bar.h"
 #include "ui/dpi.h"
 #include "ui/panes.h"
@@ -34,6 +35,7 @@ LayoutInput LayoutInputOf(int width, int height) {
             .tabHeight = TabBarHeight(),
             // Always shown, because the editor would jump if the header were hidden while it has no text.
             .stickyHeight = UiScaled(kStickyHeight),
+            .findBarHeight = FindBarHeight(),
             .panes = PaneWishes(),
             .outputSplit = settings.splitter,
             .sideWidth = UiScaled(settings.aiSidebarWidth),
@@ -66,6 +68,7 @@ void PlaceChildren(const PaneLayout& layout) {
         {g_app.hToolbar, toolbar},
         {g_app.hTabCtrl, layout.tabs},
         {g_app.hStickyHeader, layout.sticky},
+        {FindBarWindow(), layout.findBar},
         {GetDlgItem(g_app.hMainWnd, IDC_SPLIT_OUTPUT), layout.outputSplitter},
         {GetDlgItem(g_app.hMainWnd, IDC_SPLIT_DEBUG), layout.debugSplitter},
         {GetDlgItem(g_app.hMainWnd, IDC_SPLIT_ASM), layout.sideSplitter},

@@ -17,6 +17,7 @@
 #include "resources/ids.h"
 #include "search/files_search.h"
 #include "search/find.h"
+#include "search/find_bar.h"
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
 #include "settings/settings_store.h"
@@ -152,7 +153,9 @@ int RunMessageLoop() {
         if (GetMessageW(&message, nullptr, 0, 0) <= 0) return static_cast<int>(message.wParam);
         if (QuickOpenIsMessage(message)) continue;
         if (accelerators != nullptr && TranslateAcceleratorW(g_app.hMainWnd, accelerators, &message) != 0) continue;
-        if (TranslateExtraKey(message) || FindDialogIsMessage(&message) || FilesDialogIsMessage(&message)) continue;
+        if (TranslateExtraKey(message) || FindDialogIsMessage(&message) || FindBarIsMessage(&message) ||
+            FilesDialogIsMessage(&message))
+            continue;
         TranslateMessage(&message);
         DispatchMessageW(&message);
         // An editor tells of its selection and its text itself, at each change.

@@ -16,6 +16,7 @@
 #include "documents/theme.h"
 #include "files/file_io.h"
 #include "resources/ids.h"
+#include "search/find_bar.h"
 #include "session/project_tree.h"
 #include "settings/compiler_table.h"
 #include "settings/file_types.h"
@@ -74,6 +75,7 @@ void MainWnd_ApplyTheme() {
     TabBarApplyTheme();
     StatusBarApplyTheme();
     ThemePanes();
+    FindBarApplyTheme();
     FrameApplyTheme(g_app.hMainWnd);
     MenuBarApplyTheme(g_app.hMainWnd);
     DialogsRenewTheme();

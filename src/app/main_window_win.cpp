@@ -13,6 +13,7 @@
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
 #include "resources/ids.h"
+#include "search/find_bar.h"
 #include "session/session.h"
 #include "settings/compiler_presence.h"
 #include "tabs/tab_bar.h"
@@ -65,6 +66,7 @@ void RouteTimer(HWND window, UINT_PTR id) {
         case TIMER_AI: AiOnTimer(); break;
         case TIMER_AI_MARKS: AiOnMarksTimer(); break;
         case TIMER_AI_PIECES: AiOnPiecesTimer(); break;
+        case TIMER_FIND: FindBarOnTimer(); break;
         case TIMER_POSITION: MainWnd_OnPositionTimer(); break;
         default: break;
     }

@@ -18,6 +18,7 @@
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "search/files_search.h"
+#include "search/find_bar.h"
 #include "settings/settings_state.h"
 #include "tabs/tab_bar.h"
 
@@ -120,11 +121,13 @@ void OnEditorNotification(const SCNotification& notification) {
             OnLinesMoved(editor, document, notification);
             TellSearch(document, notification);
             AiOnTextEdited(document, notification);
+            FindBarOnModified(editor, notification.modificationType);
             break;
         case SCN_PAINTED: BreakpointsOnPainted(document); break;
         case SCN_SAVEPOINTLEFT: OnSavePoint(tab, true); break;
         case SCN_SAVEPOINTREACHED: OnSavePoint(tab, false); break;
         case SCN_UPDATEUI:
+            FindBarOnView(editor, notification.updated);
             if (editor == g_app.hEditor && (notification.updated & (SC_UPDATE_CONTENT | SC_UPDATE_SELECTION)) != 0)
                 OnCaretOrSelection();
             break;

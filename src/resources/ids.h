@@ -42,6 +42,7 @@
 #define IDM_EDIT_FIND 1107
 #define IDM_EDIT_REPLACE 1108
 #define IDM_EDIT_GOTO 1109
+#define IDM_SEARCH_INCREMENTAL 1063
 #define IDM_SEARCH_CLEAR_MARKS 1064
 #define IDM_BOOKMARK_TOGGLE 1040
 #define IDM_BOOKMARK_NEXT 1041
@@ -186,6 +187,16 @@
 #define IDC_ERROR_LIST 2305
 #define IDC_PROJECT_TREE 2306
 #define IDC_DEBUG_PANE 2307
+#define IDC_FIND_BAR 2320
+// Children of the search bar.
+#define IDC_BAR_FIELD 2321
+#define IDC_BAR_CASE 2322
+#define IDC_BAR_WORD 2323
+#define IDC_BAR_REGEX 2324
+#define IDC_BAR_COUNT 2325
+#define IDC_BAR_PREVIOUS 2326
+#define IDC_BAR_NEXT 2327
+#define IDC_BAR_CLOSE 2328
 #define IDC_FILES_PANE 2330
 // Children of the pane with the results of a search over files.
 #define IDC_FILES_LIST 2331
@@ -328,4 +339,5 @@
 #define TIMER_AI 8         // shows the progress of the assistant's requests in the status bar
 #define TIMER_AI_MARKS 21  // updates the marks of a replacement that waits
 #define TIMER_AI_PIECES 9  // shows what has come of streamed replies
+#define TIMER_FIND 12  // goes on with what the search bar looks for
 #define TIMER_FOCUS 32770

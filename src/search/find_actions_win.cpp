@@ -41,19 +41,6 @@ bool PrepareFind(FindQuery& query) {
     return g_documents.hEditor != nullptr;
 }
 
-void FindAndShow(const FindQuery& query, bool forward) {
-    LongWork work(L"Searching", ShowFindStatus);
-    const HWND editor = g_documents.hEditor;
-    const FindResult result =
-        FindInScope(EditorTextOf(editor), query, FindCurrentMatch(), CurrentScope(),
-                    {.forward = forward, .wrap = g_find.wrap}, [&work](double share) { return work.GoesOn(share); });
-    if (result.match)
-        FindShowMatch(*result.match);
-    else
-        MessageBeep(MB_OK);
-    ShowFindStatus(FindStatusOf(result, forward).c_str());
-}
-
 void RememberReplacement() {
     if (g_find.with.empty() || (g_settings.replaceHistoryCount > 0 && g_find.with == g_settings.replaceHistory[0]))
         return;
@@ -101,6 +88,19 @@ void WalkMatches(const wchar_t* work, const Found& found, std::wstring (*text)(s
 
 }  // namespace
 
+void FindStep(const FindQuery& query, bool forward) {
+    LongWork work(L"Searching", ShowFindStatus);
+    const HWND editor = g_documents.hEditor;
+    const FindResult result =
+        FindInScope(EditorTextOf(editor), query, FindCurrentMatch(), CurrentScope(),
+                    {.forward = forward, .wrap = g_find.wrap}, [&work](double share) { return work.GoesOn(share); });
+    if (result.match)
+        FindShowMatch(*result.match);
+    else
+        MessageBeep(MB_OK);
+    ShowFindStatus(FindStatusOf(result, forward).c_str());
+}
+
 FindSpan FindCurrentMatch() {
     const FindSpan selection = EditorSelection(g_documents.hEditor);
     const bool shown = g_find.shownDocument == ActiveDocumentId() && g_find.shownSelection == selection;
@@ -143,7 +143,7 @@ void FindReplaceNext() {
     const std::ptrdiff_t before = WholeDocument().end;
     ReplaceMatch(g_documents.hEditor, query, form, FindCurrentMatch(), CurrentScope());
     g_find.scope.end += WholeDocument().end - before;
-    FindAndShow(query, true);
+    FindStep(query, true);
 }
 
 void FindReplaceAll() {
@@ -195,5 +195,5 @@ void FindNext(bool forward) {
         }
     }
     FindQuery query;
-    if (PrepareFind(query)) FindAndShow(query, forward);
+    if (PrepareFind(query)) FindStep(query, forward);
 }

@@ -36,7 +36,8 @@ void FillFindHistories();
 void UncoverMatch(FindSpan match);  // moves the dialog when it covers the match
 
 // --- Searching (find_actions_win.cpp)
-void FindTakeScope();  // makes the selection the scope
+void FindStep(const FindQuery& query, bool forward);  // selects the next match and says where it went on
+void FindTakeScope();                                 // makes the selection the scope
 void FindReplaceNext();
 void FindReplaceAll();
 void FindCount();

@@ -13,6 +13,7 @@
 struct RegexCode {
     pcre2_code* compiled = nullptr;
     std::ptrdiff_t lookBehind = 0;  // bytes before the start of a match that can matter
+    bool namesBreaks = false;       // has a CR or LF of its own
 
     explicit RegexCode(pcre2_code* code) : compiled(code) {}
     ~RegexCode() { pcre2_code_free(compiled); }
@@ -114,6 +115,9 @@ RegexHandle RegexCompile(std::string_view text, const FindOptions& options, Rege
     auto code = std::make_shared<RegexCode>(compiled);
     std::uint32_t characters = 0;
     pcre2_pattern_info(compiled, PCRE2_INFO_MAXLOOKBEHIND, &characters);
+    std::uint32_t namesBreaks = 0;
+    pcre2_pattern_info(compiled, PCRE2_INFO_HASCRORLF, &namesBreaks);
+    code->namesBreaks = namesBreaks != 0;
     code->lookBehind = kLongestCharacter * (static_cast<std::ptrdiff_t>(characters) + 2);
     // Where the system gives no memory for machine code, the expression is interpreted, which is only slower.
     pcre2_jit_compile(compiled, PCRE2_JIT_COMPLETE | PCRE2_JIT_PARTIAL_HARD);
@@ -251,6 +255,13 @@ int RegexSearch::MatchIn(const Piece& piece) {
                        engine_->data, engine_->context);
 }
 
+// Whether the match begins between CR and LF. PCRE2 goes on after both by itself, but not where the last start is limited.
+bool RegexSearch::SplitsBreak(const Piece& piece) const {
+    const auto start = static_cast<std::ptrdiff_t>(pcre2_get_startchar(engine_->data));
+    return !code_->namesBreaks && piece.from + start > at_ && piece.from + start < piece.end &&
+           piece.bytes[start - 1] == '\r' && piece.bytes[start] == '\n';
+}
+
 void RegexSearch::TakeMatch(const Piece& piece) {
     const PCRE2_SIZE* offsets = pcre2_get_ovector_pointer(engine_->data);
     groups_.assign(pcre2_get_ovector_count(engine_->data), std::nullopt);
@@ -288,6 +299,11 @@ RegexResult RegexSearch::Next() {
         const Piece piece = NextPiece();
         const double began = NowMs();
         const int found = MatchIn(piece);
+        if (found > 0 && SplitsBreak(piece)) {
+            at_ = piece.from + static_cast<std::ptrdiff_t>(pcre2_get_startchar(engine_->data)) + 1;
+            notEmptyHere_ = false;
+            continue;
+        }
         if (found > 0) {
             TakeMatch(piece);
             return RegexResult::Match;

@@ -76,6 +76,7 @@ private:
     struct Piece;
     Piece NextPiece() const;
     int MatchIn(const Piece& piece);
+    bool SplitsBreak(const Piece& piece) const;
     void TakeMatch(const Piece& piece);
     void Adapt(std::ptrdiff_t starts, double milliseconds);
 

@@ -43,6 +43,7 @@ TEST(Regex, FindsInPiecesAsInOne) {
         {"whole word of an expression", "ab abc b", "a?b", {.wholeWord = true, .regex = true}, "0-2 7-8 "},
         {"alternatives in a group", "cat cow cup", "c(at|up)\\b", kRegex, "0-3 8-11 "},
         {"starts of lines of all kinds", "a\r\nb\nc\rd", "^.", kRegex, "0-1 3-4 5-6 7-8 "},
+        {"starts of lines without text", "a\r\n\r\nb", "^", kRegex, "0-0 3-3 5-5 "},
         {"ends of lines", "a\r\nb\n\r\n", "$", kRegex, "1-1 4-4 5-5 7-7 "},
         {"line breaks", "a\r\nb\nc\r", "\\R", kRegex, "1-3 4-5 6-7 "},
         {"over lines", "x {\r\n a\r\n} {b}", "\\{[^}]*\\}", kRegex, "2-10 11-14 "},

@@ -140,6 +140,57 @@ TEST(Find, ExpressionsInASelection) {
     replace.Press(IDCANCEL);
 }
 
+// The search bar by keyboard alone.
+TEST(FindBar, FindsWhileTypingAndGoesBack) {
+    ProgramFolder folder;
+    std::string text = "start\r\n";
+    for (int i = 0; i < 300; ++i) text += "word " + std::to_string(i) + "\r\n";
+    Editor editor(folder, OpenArgument(folder.Write(L"a.bas", text)));
+    editor.Foreground();
+    editor.Sci(SCI_GOTOPOS, 3);
+    const auto bar = [&] { return editor.Child(IDC_FIND_BAR); };
+    const auto part = [&](int id) { return GetDlgItem(bar(), id); };
+    const auto says = [&](const std::wstring& count) {
+        return WaitFor([&] { return editor.TextOf(part(IDC_BAR_COUNT)) == count; });
+    };
+    const auto type = [&](const wchar_t* keys) {
+        for (; *keys != L'\0'; ++keys) editor.Send(part(IDC_BAR_FIELD), WM_CHAR, static_cast<WPARAM>(*keys));
+    };
+    const auto marked = [&](WPARAM at) { return editor.Sci(SCI_INDICATORVALUEAT, 21, static_cast<LPARAM>(at)) != 0; };
+
+    editor.Keys({VK_CONTROL, 'I'});
+    ASSERT_TRUE(WaitFor([&] { return bar() != nullptr && editor.Focus() == part(IDC_BAR_FIELD); }));
+    type(L"word 29");
+    EXPECT_TRUE(says(L"1 of 11")) << "29 and 290 to 299";
+    EXPECT_EQ(editor.Line(), 31);
+    EXPECT_TRUE(marked(static_cast<WPARAM>(editor.Sci(SCI_GETSELECTIONSTART))));
+    editor.Keys({VK_RETURN});
+    EXPECT_TRUE(says(L"2 of 11"));
+    EXPECT_EQ(editor.Line(), 292);
+    editor.Keys({VK_SHIFT, VK_RETURN});
+    editor.Keys({VK_SHIFT, VK_RETURN});
+    EXPECT_TRUE(says(L"11 of 11")) << "before the first comes the last";
+    type(L"(");
+    EXPECT_TRUE(says(L"No matches"));
+    editor.Keys({VK_MENU, 'X'});
+    EXPECT_TRUE(says(L"Missing closing parenthesis"));
+    type(L"8|9)$");
+    EXPECT_TRUE(says(L"1 of 2")) << "298 and 299, as an expression";
+    EXPECT_EQ(editor.Line(), 300);
+    editor.Do(IDM_FIND_NEXT);
+    EXPECT_EQ(editor.Line(), 301) << "F3 goes on with it";
+    editor.Keys({VK_ESCAPE});
+    EXPECT_TRUE(WaitFor([&] { return bar() == nullptr && editor.Focus() == editor.Sci(); }));
+    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 3) << "where it began";
+    EXPECT_FALSE(marked(static_cast<WPARAM>(editor.Sci(SCI_POSITIONFROMLINE, 299))));
+
+    editor.Keys({VK_CONTROL, 'I'});
+    ASSERT_TRUE(WaitFor([&] { return bar() != nullptr; }));
+    editor.Keys({VK_CONTROL, VK_RETURN});
+    EXPECT_TRUE(WaitFor([&] { return bar() == nullptr; }));
+    EXPECT_EQ(editor.Line(), 300) << "stays at the match of the last text";
+}
+
 TEST(GotoLine, ShowsThePlaceAndGoes) {
     ProgramFolder folder;
     const std::wstring path = folder.Write(L"a.bas", "SUB Main\r\n\tPRINT 1\r\nEND SUB\r\n");
