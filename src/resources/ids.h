@@ -339,5 +339,5 @@
 #define TIMER_AI 8         // shows the progress of the assistant's requests in the status bar
 #define TIMER_AI_MARKS 21  // updates the marks of a replacement that waits
 #define TIMER_AI_PIECES 9  // shows what has come of streamed replies
-#define TIMER_FIND 12  // goes on with what the search bar looks for
+#define TIMER_FIND 12      // goes on with what the search bar looks for
 #define TIMER_FOCUS 32770
