@@ -168,6 +168,7 @@ TEST(FindBar, FindsWhileTypingAndGoesBack) {
     EXPECT_TRUE(says(L"2 of 11"));
     EXPECT_EQ(editor.Line(), 292);
     editor.Keys({VK_SHIFT, VK_RETURN});
+    EXPECT_TRUE(says(L"1 of 11"));
     editor.Keys({VK_SHIFT, VK_RETURN});
     EXPECT_TRUE(says(L"11 of 11")) << "before the first comes the last";
     type(L"(");
