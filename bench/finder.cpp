@@ -130,6 +130,8 @@ void MeasureWindow() {
     const std::wstring root = folder.Path() + L"project\\";
     std::filesystem::create_directories(root);
     MakeProject(root);
+    if (!WritePrivateProfileStringW(L"Project", L"Root", root.c_str(), (folder.Path() + L"Editor.ini").c_str()))
+        Die("the project folder cannot be set");
     Program editor(Kind::Editor, folder, root + L"src.bas");
     editor.AwaitReady(kSource.size());
     const double start = NowMs();

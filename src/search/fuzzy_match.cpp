@@ -13,14 +13,14 @@ namespace {
 constexpr int kLetter = 16;
 constexpr int kRightCase = 1;
 constexpr int kInName = 6;
-constexpr int kNameStart = 14;
+constexpr int kNameStart = 18;
 constexpr int kPartStart = 10;  // after a separator of folders, or at the start of the text
 constexpr int kWordStart = 8;   // after a blank or a sign, or a capital after a small letter
 constexpr int kDigitStart = 6;
 constexpr int kWordEnd = 3;  // of the last letter
-constexpr int kFollows = 10;
+constexpr int kFollows = 9;
 constexpr int kGap = 4;  // of one character; each further one takes 1
-constexpr int kGapMost = 12;
+constexpr int kGapMost = 7;
 constexpr int kGapAtOnce = kGap - 2;  // what a gap takes beyond the distance of its letters
 
 constexpr int kNone = -1'000'000;  // no way leads here
@@ -33,12 +33,21 @@ wchar_t FoldLetter(wchar_t letter) {
 
 enum class LetterKind : std::uint8_t { Sign, Separator, Small, Capital, Digit };
 
+constexpr LetterKind KindOfAscii(int letter) {
+    if (letter >= 'a' && letter <= 'z') return LetterKind::Small;
+    if (letter >= 'A' && letter <= 'Z') return LetterKind::Capital;
+    if (letter >= '0' && letter <= '9') return LetterKind::Digit;
+    return letter == '\\' || letter == '/' ? LetterKind::Separator : LetterKind::Sign;
+}
+
+constexpr auto kAsciiKinds = [] {
+    std::array<LetterKind, 128> kinds = {};
+    for (int letter = 0; letter < 128; ++letter) kinds[static_cast<std::size_t>(letter)] = KindOfAscii(letter);
+    return kinds;
+}();
+
 LetterKind KindOfLetter(wchar_t letter) {
-    if (letter >= L'a' && letter <= L'z') return LetterKind::Small;
-    if (letter >= L'A' && letter <= L'Z') return LetterKind::Capital;
-    if (letter >= L'0' && letter <= L'9') return LetterKind::Digit;
-    if (letter == L'\\' || letter == L'/') return LetterKind::Separator;
-    if (static_cast<std::uint32_t>(letter) < 128) return LetterKind::Sign;
+    if (static_cast<std::uint32_t>(letter) < 128) return kAsciiKinds[static_cast<std::size_t>(letter)];
     return PathFoldedCharacter(letter) != letter ? LetterKind::Capital : LetterKind::Small;
 }
 
@@ -81,13 +90,15 @@ std::uint64_t LettersEqual(const FuzzyWord& word, wchar_t character) {
     return equal;
 }
 
-// The best ways so far that end with one letter of the word. Scores, each with the place where the way ends.
+// The best ways so far that end with one letter of the word. Scores, each with the place where the way ends. Without
+// initial values, because 64 of them would be set for each text.
 struct LetterWays {
-    int last = kNone;  // ends at the last place of the letter
-    int lead = kNone;  // the best score plus place: counts for gaps whose cost grows with their length
-    int far = kNone;   // the best score: counts for gaps that cost the most
-    std::uint32_t lastAt = 0, leadAt = 0, farAt = 0;
+    int last;  // ends at the last place of the letter
+    int lead;  // the best score plus place: counts for gaps whose cost grows with their length
+    int far;   // the best score: counts for gaps that cost the most
+    std::uint32_t lastAt, leadAt, farAt;
 };
+constexpr LetterWays kNoWays = {kNone, kNone, kNone, 0, 0, 0};
 
 void NoteWay(LetterWays& ways, int score, std::uint32_t at) {
     const int lead = score + static_cast<int>(at);
@@ -120,48 +131,72 @@ struct Way {
     std::uint32_t end = 0;
 };
 
-bool Occurs(const FuzzyWord& word, std::wstring_view text) {
-    std::uint64_t wanted = 1;
-    const std::uint64_t end = word.letters.size() < 64 ? std::uint64_t{1} << word.letters.size() : 0;
-    for (const wchar_t character : text) {
-        if ((LettersEqual(word, character) & wanted) == 0) continue;
-        wanted <<= 1;
-        if (wanted == end) return true;
-    }
-    return false;
-}
+// A character of the text that equals letters of the word.
+struct Spot {
+    std::uint32_t at;
+    std::uint64_t equal;
+};
 
-// The best way through the whole word. Each character of the text is looked at once.
-Way BestWay(const FuzzyWord& word, const FuzzyText& text, Trail* trail) {
-    if (!Occurs(word, text.text)) return {};
-    const std::size_t count = word.folded.size();
-    std::array<LetterWays, kFuzzyMaxLetters> ways;
+// The search of the best way through a word.
+struct WaySearch {
+    const FuzzyWord& word;
+    const FuzzyText& text;
+    Trail* trail;             // may be null
     std::size_t reached = 0;  // letters that have been found in their order
     Way best;
-    for (std::uint32_t at = 0; at < text.text.size(); ++at) {
-        std::uint64_t equal = LettersEqual(word, text.text[at]);
-        if (equal == 0) continue;
-        const int place = PlaceScore(text, at);
+    std::array<LetterWays, kFuzzyMaxLetters> ways;  // each is set when its letter is reached
+
+    WaySearch(const FuzzyWord& ofWord, const FuzzyText& inText, Trail* keep)
+        : word(ofWord), text(inText), trail(keep) {}
+
+    void Visit(Spot spot) {
+        const std::size_t count = word.letters.size();
+        const int place = PlaceScore(text, spot.at);
         // From the last letter to the first, so that a character is not used for two letters.
-        while (equal != 0) {
-            const auto i = static_cast<std::size_t>(std::bit_width(equal)) - 1;
-            equal ^= std::uint64_t{1} << i;
+        while (spot.equal != 0) {
+            const auto i = static_cast<std::size_t>(std::bit_width(spot.equal)) - 1;
+            spot.equal ^= std::uint64_t{1} << i;
             if (i > reached) continue;
-            const Step step = i == 0 ? Step{} : BestStep(ways[i - 1], at);
+            const Step step = i == 0 ? Step{} : BestStep(ways[i - 1], spot.at);
             const bool last = i + 1 == count;
             int score = step.score + place;
-            if (text.text[at] == word.letters[i]) score += kRightCase;
-            if (last && IsWordEnd(text, at)) score += kWordEnd;
+            if (text.text[spot.at] == word.letters[i]) score += kRightCase;
+            if (last && IsWordEnd(text, spot.at)) score += kWordEnd;
             if (i == reached) {
-                ways[i] = {};
+                ways[i] = kNoWays;
                 ++reached;
             }
-            NoteWay(ways[i], score, at);
-            if (trail != nullptr) trail->from[i * text.text.size() + at] = step.from;
-            if (last && score > best.score) best = {score, at};
+            NoteWay(ways[i], score, spot.at);
+            if (trail != nullptr) trail->from[i * text.text.size() + spot.at] = step.from;
+            if (last && score > best.score) best = {score, spot.at};
         }
     }
-    return best;
+};
+
+// The best way through the whole word. Each character of the text is looked at once; the ways are only followed when all
+// letters occur in their order.
+Way BestWay(const FuzzyWord& word, const FuzzyText& text, Trail* trail) {
+    std::array<Spot, 128> spots;
+    std::size_t count = 0;
+    std::uint64_t wanted = 1;  // the next letter, as a bit
+    const std::uint64_t end = word.letters.size() < 64 ? std::uint64_t{1} << word.letters.size() : 0;
+    WaySearch search(word, text, trail);
+    const auto visitAll = [&] {
+        for (std::size_t i = 0; i < count; ++i) search.Visit(spots[i]);
+        count = 0;
+    };
+    const auto length = static_cast<std::uint32_t>(text.text.size());
+    for (std::uint32_t at = 0; at < length; ++at) {
+        // Without branches, which the processor could not predict.
+        const std::uint64_t equal = LettersEqual(word, text.text[at]);
+        spots[count] = {at, equal};
+        count += equal != 0 ? 1 : 0;
+        wanted <<= (equal & wanted) != 0 ? 1 : 0;
+        if (count == spots.size()) visitAll();
+    }
+    if (wanted != end) return {};
+    visitAll();
+    return search.best;
 }
 
 FuzzyWord WordOf(std::wstring_view typed) {

@@ -48,6 +48,7 @@ TEST(Fuzzy, BestMatchFirstAsPeopleExpect) {
         {L"fn", {L"FindNext.bas", L"Function.bas", L"a\\often.bas"}},
         {L"fn", {L"fnord.bas", L"FindNext.bas"}},
         {L"frw", {L"find_rules_win.cpp", L"firewall.cpp"}},
+        {L"drw", {L"debug_run_win.cpp", L"list_draw_win.cpp", L"redrawn.cpp"}, {L"row.cpp"}},
         {L"nhw", {L"nav_history_win.cpp", L"NavHistoryWide.cpp", L"unhewn.cpp"}},
         {L"xp", {L"XMLParser.bas", L"explore.bas"}},
         {L"dt", {L"debug_table.bas", L"width.bas"}},
