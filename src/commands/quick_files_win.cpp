@@ -47,7 +47,8 @@ std::wstring ShownPath(const std::wstring& path) {
 void AddKnown(FuzzyIndex& index, const KnownFile& file, const wchar_t* label) {
     if (!file.path.empty() && !g_finder.knownKeys.insert(PathKey(file.path)).second) return;
     const std::wstring text = file.path.empty() ? label : ShownPath(file.path);
-    const int boost = std::max(kMostBoost - static_cast<int>(g_finder.known.size()), 1);
+    const int later = std::max(kMostBoost - static_cast<int>(g_finder.known.size()), 1);
+    const int boost = file.document != 0 && file.document == ActiveDocumentId() ? 0 : later;
     if (!FuzzyAdd(&index, text, file.path.empty() ? 0 : text.rfind(L'\\') + 1, boost)) return;
     g_finder.known.push_back(file);
 }
@@ -102,9 +103,11 @@ KnownFile FileOf(const QuickItem& item) {
     return {0, PathIsAbsolute(text) ? text : g_finder.root + text};
 }
 
-// The known files that stand among those of the project, too. Each block of these is in the order of the paths.
-std::size_t KnownInProject() {
-    std::size_t count = 0;
+// The texts that are no files beside others: the known files that stand among those of the project, too, and the typed
+// path. Each block of the project is in the order of the paths.
+std::size_t CountedTwice() {
+    const bool typed = g_finder.texts.size() > 1 + ProjectFilesNow().files.size();
+    std::size_t count = typed ? 1 : 0;
     for (const KnownFile& file : g_finder.known) {
         const std::wstring path = ShownPath(file.path);
         for (const auto& block : ProjectFilesNow().files) {
@@ -165,7 +168,7 @@ const QuickSource kQuickFiles = {
     .texts = FileTexts,
     .generation = [] { return ProjectFilesNow().generation + g_finder.typedPaths; },
     .hides = StandsAmongKnown,
-    .hidden = KnownInProject,
+    .hidden = CountedTwice,
     .extra = ExtraOfFile,
     .status = FilesStatus,
     .preview = PreviewOfFile,
