@@ -136,6 +136,8 @@ constexpr CommandHandler kFrameHandlers[] = {
     {IDM_EDIT_GOTO, [](int) { GotoLineDialogShow(g_app.hMainWnd); }},
     {IDM_EDIT_FORMAT_DOCUMENT, [](int) { EditorFormat(g_app.hEditor, false); }},
     {IDM_EDIT_FORMAT_SELECTION, [](int) { EditorFormat(g_app.hEditor, true); }},
+    {IDM_EDIT_COMMENT, [](int) { EditorToggleComment(g_app.hEditor); }},
+    {IDM_EDIT_MATCH, [](int) { EditorPaneGoToMatch(g_app.hEditor); }},
     {IDM_NAV_BACK, [](int) { NavHistoryBack(); }},
     {IDM_NAV_FORWARD, [](int) { NavHistoryForward(); }},
     {IDM_NEXT_TAB, SelectTabBeside},

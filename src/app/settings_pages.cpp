@@ -57,6 +57,8 @@ constexpr Line kEditorLines[] = {
     Numbered(FIELD(tabWidth), L"Tab width", 1, 32, L"Columns from one tab stop to the next.", L"Typing"),
     {FIELD(useTabs), Check, L"Indent with tab characters", L"Otherwise with blanks."},
     {FIELD(autoUpperKeywords), Check, L"Write BASIC keywords in capitals", L"While typing, and in the formatter."},
+    {FIELD(autoCloseBlocks), Check, L"Close a block when it is opened",
+     L"Return behind IF ... THEN, FOR, SUB and others adds END IF, NEXT, END SUB below."},
     {FIELD(enableVirtualSpace), Check, L"Let the caret go beyond the end of a line"},
     {FIELD(wordWrap), Check, L"Wrap long lines", L"", L"View"},
     {FIELD(showWhitespace), Check, L"Show white space"},

@@ -2,11 +2,14 @@
 #include "documents/editor_format.h"
 
 #include "base/events.h"
+#include "documents/comment_toggle.h"
 #include "documents/document_row.h"
+#include "documents/documents_state.h"
 #include "documents/editor_pane.h"
 #include "documents/pane_state.h"
 #include "language/format.h"
 #include "language/format_range.h"
+#include "language/lexer_table.h"
 #include "settings/settings_state.h"
 #include "ui/long_work.h"
 
@@ -34,10 +37,10 @@ LRESULT StartOfLine(HWND editor, int line) {
 }
 
 // What is marked on a line stays on it, also when this is undone. Undoes everything when the user stops the work.
-void ReplaceLines(HWND editor, LRESULT start, const std::vector<TextReplacement>& replacements, LongWork& work) {
+void ReplaceLines(HWND editor, LRESULT start, const std::vector<LineReplacement>& replacements, LongWork& work) {
     PaneSend(editor, SCI_BEGINUNDOACTION);
     double done = 0;
-    for (const TextReplacement& each : replacements) {
+    for (const LineReplacement& each : replacements) {
         const LRESULT from = start + static_cast<LRESULT>(each.start);
         PaneSend(editor, SCI_SETTARGETRANGE, from, from + static_cast<LRESULT>(each.length));
         SciSend(editor, SCI_REPLACETARGET, each.text.size(), reinterpret_cast<LPARAM>(each.text.data()));
@@ -104,4 +107,19 @@ void EditorFormat(HWND editor, bool selectionOnly) {
     if (work.Shown()) TellFormatted(editor, work.Stopped());
     PaneSend(editor, SCI_SETSEL, PositionOf(editor, anchor), PositionOf(editor, caret));
     PaneSend(editor, SCI_SETFIRSTVISIBLELINE, topLine);
+}
+
+void EditorToggleComment(HWND editor) {
+    if (editor == nullptr) return;
+    const DocumentTab* tab = nullptr;
+    for (const DocumentTab& each : g_documents.tabs)
+        if (each.editor == editor) tab = &each;
+    const std::string_view mark = LineCommentMark(LexerFromExtension(tab != nullptr ? tab->path : L""));
+    if (mark.empty()) return;
+    const LineRange lines = LinesToFormat(editor, true);
+    const LRESULT start = StartOfLine(editor, lines.first);
+    const std::string text = EditorPaneTextBetween(editor, start, StartOfLine(editor, lines.last + 1));
+    const std::string toggled = ToggleLineComments(text, mark);
+    LongWork work(L"Commenting", [](const wchar_t* progress) { g_events.statusText(progress); });
+    ReplaceLines(editor, start, LineReplacements(text, toggled), work);
 }

@@ -69,8 +69,11 @@ bool StickyHeaderDraw(const DRAWITEMSTRUCT& item);
 // its length in characters.
 std::size_t EditorPaneProcedureLine(HWND editor, wchar_t* out, std::size_t capacity);
 
-// Marks the bracket at the caret and its partner. Called after every move of the caret.
+// Marks the bracket at the caret and its partner, and the words of the block at the caret. Called after every move of the
+// caret.
 void EditorPaneUpdateBraces(HWND editor);
+// Moves the caret to the bracket that belongs to the one at the caret, or between the words of a block (IF, END IF).
+void EditorPaneGoToMatch(HWND editor);
 
 // Updates the change marks, the colouring and the sticky header after a change of the text. The main window calls it
 // for SCN_MODIFIED of every document's editor.

@@ -1,5 +1,5 @@
-// What a pane does while the user types: indents a new line like the one above, puts BASIC keywords in capitals, shows the
-// bracket that belongs to the one at the caret. UI thread.
+// What a pane does while the user types: puts BASIC keywords in capitals, shows the bracket that belongs to the one at the
+// caret. UI thread.
 #include "documents/editor_pane.h"
 
 #include "documents/pane_rules.h"
@@ -9,7 +9,6 @@
 #include "scintilla/sci.h"
 #include "settings/settings_state.h"
 
-#include <algorithm>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,35 +25,25 @@ LRESULT BraceAtCaretOf(HWND editor) {
 
 }  // namespace
 
+BracePair EditorPaneBracesAtCaret(HWND editor) {
+    const LRESULT brace = BraceAtCaretOf(editor);
+    if (brace < 0) return {};
+    const PaneSpan reach = BraceReach(brace, PaneSend(editor, SCI_GETLENGTH));
+    std::vector<StyledByte> text(static_cast<std::size_t>(reach.end - reach.start) + 1);  // two NUL bytes are added
+    Sci_TextRangeFull range = {{reach.start, reach.end}, reinterpret_cast<char*>(text.data())};
+    SciSend(editor, SCI_GETSTYLEDTEXTFULL, 0, reinterpret_cast<LPARAM>(&range));
+    text.pop_back();
+    return BracesToShow(text, reach.start, brace);
+}
+
 void EditorPaneUpdateBraces(HWND editor) {
     PaneState* state = PaneStateOf(editor);
     if (state == nullptr) return;
-    const LRESULT brace = BraceAtCaretOf(editor);
-    BracePair shown;
-    if (brace >= 0) {
-        const PaneSpan reach = BraceReach(brace, PaneSend(editor, SCI_GETLENGTH));
-        std::vector<StyledByte> text(static_cast<std::size_t>(reach.end - reach.start) + 1);  // two NUL bytes are added
-        Sci_TextRangeFull range = {{reach.start, reach.end}, reinterpret_cast<char*>(text.data())};
-        SciSend(editor, SCI_GETSTYLEDTEXTFULL, 0, reinterpret_cast<LPARAM>(&range));
-        text.pop_back();
-        shown = BracesToShow(text, reach.start, brace);
-    } else if (!state->bracesShown) {
-        return;
-    }
+    EditorPaneUpdateBlockWords(editor);
+    const BracePair shown = EditorPaneBracesAtCaret(editor);
+    if (shown == BracePair{} && !state->bracesShown) return;
     state->bracesShown = shown != BracePair{};
     PaneSend(editor, SCI_BRACEHIGHLIGHT, shown.first, shown.second);
-}
-
-void EditorPaneAfterNewLine(HWND editor) {
-    const LRESULT line = PaneSend(editor, SCI_LINEFROMPOSITION, PaneSend(editor, SCI_GETCURRENTPOS));
-    const std::optional<LRESULT> indentation =
-        IndentationAfterBreak({.selections = PaneSend(editor, SCI_GETSELECTIONS),
-                               .line = line,
-                               .own = PaneSend(editor, SCI_GETLINEINDENTATION, line),
-                               .above = PaneSend(editor, SCI_GETLINEINDENTATION, line - 1)});
-    if (!indentation) return;
-    PaneSend(editor, SCI_SETLINEINDENTATION, line, *indentation);
-    PaneSend(editor, SCI_GOTOPOS, PaneSend(editor, SCI_GETLINEINDENTPOSITION, line));
 }
 
 void EditorPaneUpperKeywordBefore(HWND editor, LRESULT position) {

@@ -1,7 +1,9 @@
 // The state of one Scintilla pane, and the functions that the pane's files share. Private to this folder. UI thread.
 #pragma once
 
+#include "documents/pane_rules.h"
 #include "documents/sticky_header.h"
+#include "documents/typing_rules.h"
 #include "language/blocks.h"
 #include "language/inline_regions.h"
 #include "scintilla/sci.h"
@@ -11,6 +13,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 // The values on which the width of the line-number margin depends.
 struct LineMarginBasis {
@@ -23,18 +26,19 @@ struct LineMarginBasis {
 };
 
 struct PaneState {
-    bool emptyPaint = false;      // a paint of an empty area runs, which needs no preparation
-    bool pressing = false;        // a mouse button that goes down on the pane is being handled
-    WheelRest zoomWheel;          // movements with Ctrl that do not make a notch yet
-    bool bracesShown = false;     // a bracket and its partner are marked
-    AssemblyAbove assembly;       // knowledge about blocks of inline assembly above the view
-    StickyCache sticky;           // knowledge about the procedure lines above the caret
-    LineMarginBasis lineMargin;   // the values for which the margin was last measured
-    LRESULT coloured = 0;         // everything before this position (bytes) is coloured
-    bool plain = false;           // EditorPaneSetPlain
-    bool colouring = false;       // the timer for idle colouring runs
-    ULONGLONG changedAt = 0;      // tick count of the last change of the text
-    std::size_t colourChunk = 0;  // bytes that one idle slice colours
+    bool emptyPaint = false;           // a paint of an empty area runs, which needs no preparation
+    bool pressing = false;             // a mouse button that goes down on the pane is being handled
+    WheelRest zoomWheel;               // movements with Ctrl that do not make a notch yet
+    bool bracesShown = false;          // a bracket and its partner are marked
+    std::vector<PaneSpan> blockWords;  // the words of a block that are marked
+    AssemblyAbove assembly;            // knowledge about blocks of inline assembly above the view
+    StickyCache sticky;                // knowledge about the procedure lines above the caret
+    LineMarginBasis lineMargin;        // the values for which the margin was last measured
+    LRESULT coloured = 0;              // everything before this position (bytes) is coloured
+    bool plain = false;                // EditorPaneSetPlain
+    bool colouring = false;            // the timer for idle colouring runs
+    ULONGLONG changedAt = 0;           // tick count of the last change of the text
+    std::size_t colourChunk = 0;       // bytes that one idle slice colours
 };
 
 // The state of a pane; null for a window that is no Scintilla pane (the Rich Edit fallback). The pane owns it.
@@ -73,7 +77,7 @@ void EditorPaneCheckLineMargin(HWND editor);
 // The sticky header looks at the changed lines again.
 void StickyHeaderForget(HWND editor, int line, int linesAdded);
 
-// Called after a line break was typed at the caret. Gives the new line the indentation of the line above it.
+// Called after a line break was typed at the caret. Indents the new line by the blocks above it, or like the line above.
 void EditorPaneAfterNewLine(HWND editor);
 // Puts the BASIC keyword that ends at `position` (bytes) into capitals, unless it is in a string, a comment or assembly.
 void EditorPaneUpperKeywordBefore(HWND editor, LRESULT position);
@@ -85,6 +89,12 @@ LineState EditorPaneLineState(HWND editor, LRESULT line);
 void EditorPaneFindAssembly(HWND editor, LRESULT position);
 // Called after a change of the text on `line` (0-based).
 void EditorPaneForgetAssembly(HWND editor, LRESULT line);
+// The sets of blocks that the LineStates of a BASIC document refer to; null for other languages.
+BlockTable* EditorPaneBlockTable(HWND editor);
+// Marks the words of the block to which the word at the caret belongs.
+void EditorPaneUpdateBlockWords(HWND editor);
+// The bracket at the caret and its partner.
+BracePair EditorPaneBracesAtCaret(HWND editor);
 // The dialect of BASIC in which the pane's document is written: that of its compiler.
 const Dialect& EditorPaneDialect(HWND editor);
 // The text of a part of the document.

@@ -1,12 +1,31 @@
 // What a pane does while the user types. Pure.
 #include "documents/typing_rules.h"
 
+#include "base/scan_text.h"
 #include "language/format.h"
+
+#include <algorithm>
 
 std::optional<std::ptrdiff_t> IndentationAfterBreak(const BrokenLine& broken) {
     if (broken.selections != 1 || broken.line < 1) return std::nullopt;
     if (broken.own != 0 || broken.above <= 0) return std::nullopt;
     return broken.above;
+}
+
+std::ptrdiff_t IndentationBelow(const LineAbove& above, std::ptrdiff_t step) {
+    if (above.continues) return above.continued ? above.own : above.indentation + step;
+    return std::max<std::ptrdiff_t>(above.indentation + step * (above.depthAfter - above.depth), 0);
+}
+
+std::optional<std::ptrdiff_t> IndentationOfCloser(const LineAbove& above, std::ptrdiff_t own, int depth,
+                                                  std::ptrdiff_t step) {
+    if (above.continues || depth >= above.depthAfter || own != IndentationBelow(above, step)) return std::nullopt;
+    return std::max<std::ptrdiff_t>(above.indentation + step * (depth - above.depth), 0);
+}
+
+bool WritesCapitals(std::string_view line) {
+    const auto letter = std::ranges::find_if(line, [](char c) { return UpperAscii(c) >= 'A' && UpperAscii(c) <= 'Z'; });
+    return letter != line.end() && *letter == UpperAscii(*letter);
 }
 
 bool HasKeywordLength(std::ptrdiff_t length) { return length >= 2 && length <= kLongestKeyword; }

@@ -9,6 +9,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 
 // --- A new line, just broken at the caret. Indentations are in columns.
 struct BrokenLine {
@@ -19,6 +20,24 @@ struct BrokenLine {
 };
 // The indentation that the line gets; nothing: it stays as it is.
 std::optional<std::ptrdiff_t> IndentationAfterBreak(const BrokenLine& broken);
+
+// The line above a new one, in BASIC.
+struct LineAbove {
+    std::ptrdiff_t indentation = 0;  // of the first line of its statement
+    std::ptrdiff_t own = 0;          // of the line itself
+    int depth = 0;                   // blocks by which the statement is indented
+    int depthAfter = 0;              // blocks that are open behind the line
+    bool continues = false;          // the statement goes on in the new line
+    bool continued = false;          // it began above the line
+};
+// `step`: columns for a block.
+std::ptrdiff_t IndentationBelow(const LineAbove& above, std::ptrdiff_t step);
+// The indentation of a line that closes or divides blocks, so that it is indented by `depth` of them. Nothing when it
+// closes none, or was not left (`own`) where a new line puts it.
+std::optional<std::ptrdiff_t> IndentationOfCloser(const LineAbove& above, std::ptrdiff_t own, int depth,
+                                                  std::ptrdiff_t step);
+// Whether the first letter of the line is a capital one.
+bool WritesCapitals(std::string_view line);
 
 // --- Keywords
 inline constexpr std::ptrdiff_t kLongestKeyword = 16;

@@ -65,9 +65,7 @@ enum Step : std::uint32_t {
     kNext,        // NEXT: each comma closes one more
     kNamed,
 };
-constexpr int kStepBits = 6;
 static_assert(kNamed + static_cast<std::uint32_t>(Count) <= 1u << kStepBits);
-constexpr int kSetShift = kScanStateBits + kStepBits;
 constexpr std::uint32_t kMostSets = 1u << 18;
 static_assert(kMostSets < 1u << (32 - kSetShift));
 constexpr std::uint16_t kDeepest = 1000;

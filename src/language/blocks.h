@@ -54,6 +54,8 @@ const BlockRow& BlockRowOf(BlockKind kind);
 // --- The state of a line: that of the scanner, with what is known of an unfinished statement and the open blocks.
 using LineState = std::uint32_t;
 inline constexpr LineState kScanStateMask = (1u << kScanStateBits) - 1;
+inline constexpr int kStepBits = 6;                           // of the unfinished statement
+inline constexpr int kSetShift = kScanStateBits + kStepBits;  // of the number of the set
 
 // The sets of open blocks that a text has had between two lines. A LineState holds the number of one; equal sets have
 // equal numbers. It only grows; when it is full, further blocks are not counted.

@@ -25,7 +25,7 @@ std::vector<std::string_view> LinesWithBreaks(std::string_view text) {
 bool IsInsideCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
 
 // The part in which two lines differ.
-TextReplacement DifferentPart(std::size_t start, std::string_view old, std::string_view wanted) {
+LineReplacement DifferentPart(std::size_t start, std::string_view old, std::string_view wanted) {
     const std::size_t least = std::min(old.size(), wanted.size());
     std::size_t front = 0;
     while (front < least && old[front] == wanted[front]) ++front;
@@ -60,11 +60,11 @@ std::size_t SamePlaceInLine(std::string_view before, std::string_view after, std
     return at;
 }
 
-std::vector<TextReplacement> LineReplacements(std::string_view before, std::string_view after) {
+std::vector<LineReplacement> LineReplacements(std::string_view before, std::string_view after) {
     const std::vector<std::string_view> old = LinesWithBreaks(before);
     const std::vector<std::string_view> wanted = LinesWithBreaks(after);
     if (old.size() != wanted.size()) return {{0, before.size(), after}};
-    std::vector<TextReplacement> replacements;
+    std::vector<LineReplacement> replacements;
     std::size_t start = 0;
     for (std::size_t i = 0; i < old.size(); ++i) {
         if (old[i] != wanted[i])

@@ -18,12 +18,12 @@ LineRange LinesOfSelection(int startLine, int endLine, bool endsAtLineStart);
 // before it. Of a place among blanks, as near to the character before as it was.
 std::size_t SamePlaceInLine(std::string_view before, std::string_view after, std::size_t place);
 
-struct TextReplacement {
+struct LineReplacement {
     std::size_t start = 0;  // in the text as the replacements before this one have left it
     std::size_t length = 0;
     std::string_view text;  // part of `after`
-    bool operator==(const TextReplacement&) const = default;
+    bool operator==(const LineReplacement&) const = default;
 };
 // What makes `after` out of `before`: in each line that differs, the part that differs. A break is never replaced, because
 // a line that loses its break for a moment gives its marks to the next one. One replacement of all when the number of lines differs.
-std::vector<TextReplacement> LineReplacements(std::string_view before, std::string_view after);
+std::vector<LineReplacement> LineReplacements(std::string_view before, std::string_view after);

@@ -1,5 +1,6 @@
 // Caret colour, navigation history, colouring of a pane, sticky header, brackets.
 #include "documents/brace_match.h"
+#include "documents/comment_toggle.h"
 #include "documents/nav_history.h"
 #include "documents/pane_rules.h"
 #include "documents/sticky_header.h"
@@ -291,6 +292,44 @@ TEST(Typing, ANewLineIsIndentedLikeTheOneAbove) {
         {"several carets", {.selections = 2, .line = 3, .own = 0, .above = 8}, std::nullopt},
     };
     for (const auto& each : cases) EXPECT_EQ(IndentationAfterBreak(each.line), each.indentation) << each.name;
+}
+
+TEST(Typing, ANewLineIsIndentedByTheBlocksAboveIt) {
+    const struct {
+        const char* name;
+        LineAbove above;
+        std::ptrdiff_t below;
+    } cases[] = {
+        {"opens", {.indentation = 4, .own = 4, .depth = 1, .depthAfter = 2}, 8},
+        {"closes", {.indentation = 4, .own = 4, .depth = 1, .depthAfter = 1}, 4},
+        {"closes what is indented otherwise", {.indentation = 0, .own = 0, .depth = 2, .depthAfter = 1}, 0},
+        {"goes on", {.indentation = 4, .own = 4, .depth = 1, .depthAfter = 1, .continues = true}, 8},
+        {"goes on again", {4, 11, 1, 1, true, true}, 11},
+        {"the last line of IF a _ b THEN", {4, 11, 1, 2, false, true}, 8},
+    };
+    for (const auto& each : cases) EXPECT_EQ(IndentationBelow(each.above, 4), each.below) << each.name;
+    const LineAbove inside{.indentation = 8, .own = 8, .depth = 2, .depthAfter = 2};
+    EXPECT_EQ(IndentationOfCloser(inside, 8, 1, 4), 4);
+    EXPECT_EQ(IndentationOfCloser(inside, 8, 2, 4), std::nullopt) << "closes nothing";
+    EXPECT_EQ(IndentationOfCloser(inside, 6, 1, 4), std::nullopt) << "placed by hand";
+    EXPECT_TRUE(WritesCapitals("  \t'If") && !WritesCapitals("  iF") && !WritesCapitals("12"));
+}
+
+TEST(CommentToggle, MarksAllLinesOrTakesTheMarksAway) {
+    const struct {
+        const char *name, *lines, *toggled, *back;
+    } cases[] = {
+        {"at the least indentation", "    a\r\n\r\n      b\r\n", "    ' a\r\n\r\n    '   b\r\n",
+         "    a\r\n\r\n      b\r\n"},
+        {"a comment among code becomes one twice", "a\n' b\n", "' a\n' ' b\n", "a\n' b\n"},
+        {"without a break", "a", "' a", "a"},
+        {"blank lines only", " \n\n", " \n\n", " \n\n"},
+    };
+    for (const auto& each : cases) {
+        EXPECT_EQ(ToggleLineComments(each.lines, "'"), each.toggled) << each.name;
+        EXPECT_EQ(ToggleLineComments(each.toggled, "'"), each.back) << each.name;
+    }
+    EXPECT_EQ(ToggleLineComments("//a\n //  b\n", LineCommentMark(Language::C)), "a\n  b\n");
 }
 
 TEST(Typing, OnlyKeywordsOfTheirLengthAndStyleGoToCapitals) {

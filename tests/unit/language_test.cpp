@@ -296,17 +296,17 @@ TEST(FormatRange, ReplacesOnlyTheLinesThatDiffer) {
         {"all of nothing", "", "a", 1},
     };
     for (const auto& each : cases) {
-        const std::vector<TextReplacement> replacements = LineReplacements(each.before, each.after);
+        const std::vector<LineReplacement> replacements = LineReplacements(each.before, each.after);
         EXPECT_EQ(replacements.size(), each.replacements) << each.name;
         std::string text(each.before);
-        for (const TextReplacement& one : replacements) text.replace(one.start, one.length, one.text);
+        for (const LineReplacement& one : replacements) text.replace(one.start, one.length, one.text);
         EXPECT_EQ(text, each.after) << each.name;
     }
     const std::string_view before = "a\r\n b\r\n";
-    EXPECT_EQ(LineReplacements(before, "a\r\nb\r\n"), (std::vector<TextReplacement>{{3, 1, ""}}))
+    EXPECT_EQ(LineReplacements(before, "a\r\nb\r\n"), (std::vector<LineReplacement>{{3, 1, ""}}))
         << "the break stays, and with it the marks of the line";
     for (const std::string_view wanted : {"\xC3\xA8", "\xC4\xA9"})  // the first or the last byte is the same
-        EXPECT_EQ(LineReplacements("\xC3\xA9", wanted), (std::vector<TextReplacement>{{0, 2, wanted}}));
+        EXPECT_EQ(LineReplacements("\xC3\xA9", wanted), (std::vector<LineReplacement>{{0, 2, wanted}}));
 }
 
 TEST(FormatRange, TheCaretStaysOnItsToken) {

@@ -1,6 +1,7 @@
-// The scanner of BASIC, and the words of the dialects.
+// The scanner of BASIC, the words of the dialects, and the blocks.
 #include "language/scanner.h"
 
+#include "language/block_words.h"
 #include "settings/compiler_id.h"
 
 #include <gtest/gtest.h>
@@ -153,6 +154,74 @@ TEST(Scanner, AfterEditsEqualsTheWhole) {
             ASSERT_EQ(lineByLine, shown) << round;
         }
     }
+}
+
+// --- Blocks
+
+// The words of the block at "|", joined by commas; "?" when it is not closed.
+std::string BlockWordsShown(std::string text) {
+    const std::size_t place = text.find('|');
+    text.erase(place, 1);
+    BlockTable table;
+    const Dialect& dialect = AnyDialect();
+    LineReader reader{.text = text, .dialect = &dialect};
+    BlockLine blocks;
+    std::vector<std::pair<std::size_t, LineState>> lines;  // start and state of each
+    BlockWords own;
+    for (LineState state = 0; ReadLine(reader);) {
+        lines.emplace_back(reader.start, state);
+        if (place >= reader.start && place <= reader.start + reader.line.size())
+            own = BlockWordsAt(BlockWordsOfLine(table, dialect, reader.line, state), place - reader.start);
+        state = ScanBlocks(table, reader.line, reader.tokens, state, reader.state, dialect, blocks);
+    }
+    if (own.id == 0) return "none";
+    std::size_t first = lines.size();
+    while (first-- > 0)
+        if (lines[first].first <= place &&
+            (own.kind == BlockEvent::Kind::Open || !IsBlockOpen(table, lines[first].second, own.id)))
+            break;
+    const BlockSearch found =
+        FindBlockWords(table, dialect, std::string_view(text).substr(lines[first].first), lines[first].second, own.id);
+    std::string shown;
+    for (const BlockWords& words : found.words)
+        shown.append(shown.empty() ? "" : ",")
+            .append(text.substr(lines[first].first + words.start, words.end - words.start));
+    return shown + (found.closed ? "" : "?");
+}
+
+TEST(Blocks, TheWordsOfABlock) {
+    const struct {
+        const char *text, *words;
+    } cases[] = {
+        {"if a then\n if b then\n else\n end if\nel|se\nend if", "if,else,end if"},
+        {"if a then\n|if b then\nelse\nend if\nelse\nend if", "if,else,end if"},
+        {"if a then b = 1 els|e c", "none"},
+        {"select case a\ncase 1\nx\ncase else|\nend select", "select,case,case,end select"},
+        {"static sub| a\nif b then\nend sub", "sub,end sub"},
+        {"for i = 1 to 2\nfor j = 1 to 2\nnext j, i|", "none"},
+        {"fo|r i = 1 to 2\nfor j = 1 to 2\nnext j, i", "for,next j,"},
+        {"do\nloop: d|o\nx\nloop", "do,loop"},
+        {"#if a\n#if b\n#endif\n#else\n#end|if", "#if,#else,#endif"},
+        {"asm|\nend sub\nend asm", "asm,end asm"},
+        {"sub| a\nsub b\nend sub", "sub?"},
+        {"x\nend if|", "none"},
+        {"s = \"if| a then\"", "none"},
+    };
+    for (const auto& test : cases) EXPECT_EQ(BlockWordsShown(test.text), test.words) << test.text;
+}
+
+// Whatever the text: the states are those of a scan of the whole, and the tables stay small.
+TEST(Blocks, HostileNestingStaysBounded) {
+    std::string deep;
+    for (int i = 0; i < 50000; ++i) deep += i % 2 == 0 ? "FOR i = 1 TO 2\n#IF a\n" : "SELECT CASE a\nCASE 1\n";
+    BlockTable table;
+    LineReader reader{.text = deep, .dialect = &AnyDialect()};
+    BlockLine blocks;
+    LineState state = 0;
+    while (ReadLine(reader))
+        state = ScanBlocks(table, reader.line, reader.tokens, state, reader.state, AnyDialect(), blocks);
+    EXPECT_LE(DepthOf(table, state), 1000);
+    EXPECT_LT(table.sets.size(), std::size_t{1} << 18);
 }
 
 }  // namespace

@@ -1,0 +1,149 @@
+// What Return does in a pane: indents the new line by the blocks above it, takes a line that closes a block back to the
+// line that opened it, and closes a new block when the settings say so. UI thread.
+#include "documents/pane_state.h"
+#include "documents/typing_rules.h"
+#include "language/basic_lexer.h"
+#include "language/block_words.h"
+#include "scintilla/sci.h"
+#include "settings/settings_state.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+
+namespace {
+
+constexpr LRESULT kLongestLine = 4 << 10;     // bytes; a longer one is not looked at
+constexpr LRESULT kStatementLines = 64;       // of one statement, and blank lines between two
+constexpr LRESULT kSearchedBelow = 64 << 10;  // bytes in which the end of a block is searched
+
+std::string TextOfLine(HWND editor, LRESULT line) {
+    const LRESULT start = PaneSend(editor, SCI_POSITIONFROMLINE, line);
+    const LRESULT end = PaneSend(editor, SCI_GETLINEENDPOSITION, line);
+    return end - start > kLongestLine ? std::string() : EditorPaneTextBetween(editor, start, end);
+}
+
+LRESULT IndentOf(HWND editor, LRESULT line) { return PaneSend(editor, SCI_GETLINEINDENTATION, line); }
+
+bool IsBlank(HWND editor, LRESULT line) {
+    return PaneSend(editor, SCI_GETLINEINDENTPOSITION, line) == PaneSend(editor, SCI_GETLINEENDPOSITION, line);
+}
+
+// A line with its blocks, and the statement that it ends or goes on with.
+struct LineWithBlocks {
+    LineAbove above;
+    LineState after = 0;
+    BlockLine blocks;  // of the line itself
+    std::string text;
+};
+
+LineWithBlocks LookAtLine(HWND editor, LRESULT line, BlockTable& table) {
+    LRESULT first = line;
+    while (first > 0 && line - first < kStatementLines && (EditorPaneLineState(editor, first) & kScanContinues) != 0)
+        --first;
+    LineWithBlocks look;
+    std::vector<Token> tokens;
+    const Dialect& dialect = EditorPaneDialect(editor);
+    look.after = EditorPaneLineState(editor, first);
+    for (LRESULT at = first; at <= line; ++at) {
+        look.text = TextOfLine(editor, at);
+        const ScannedLine scanned = ScanLine(look.text, 0, look.after & kScanStateMask, dialect, tokens);
+        look.after = ScanBlocks(table, look.text, tokens, look.after, scanned.state, dialect, look.blocks);
+        if (at == first) look.above.depth = look.blocks.depth;
+    }
+    look.above.indentation = IndentOf(editor, first);
+    look.above.own = IndentOf(editor, line);
+    look.above.depthAfter = DepthOf(table, look.after);
+    look.above.continues = (look.after & kScanContinues) != 0;
+    look.above.continued = first != line;
+    return look;
+}
+
+// The nearest line above that is not blank; -1 without one.
+LRESULT LineAboveWithText(HWND editor, LRESULT line) {
+    const LRESULT last = std::max<LRESULT>(line - kStatementLines, 0);
+    for (--line; line >= last; --line)
+        if (!IsBlank(editor, line)) return line;
+    return -1;
+}
+
+// Takes a line such as END IF back to the indentation of its block.
+void IndentClosingLine(HWND editor, LRESULT line, LineWithBlocks& look, BlockTable& table, LRESULT step) {
+    const LRESULT above = LineAboveWithText(editor, line);
+    if (above < 0 || look.above.continued) return;
+    const LineWithBlocks before = LookAtLine(editor, above, table);
+    const std::optional<std::ptrdiff_t> wanted =
+        IndentationOfCloser(before.above, look.above.own, look.above.depth, step);
+    if (!wanted) return;
+    PaneSend(editor, SCI_SETLINEINDENTATION, line, *wanted);
+    look.above.indentation = look.above.own = *wanted;
+}
+
+// Whether the block that a line with this indentation has opened is closed below `line`. A line that is indented less
+// closes a block around it.
+bool IsClosedBelow(HWND editor, LRESULT line, const LineWithBlocks& opener, std::uint32_t id, BlockTable& table) {
+    const LRESULT start = PaneSend(editor, SCI_POSITIONFROMLINE, line);
+    const LRESULT length = PaneSend(editor, SCI_GETLENGTH);
+    const LRESULT end = std::min(start + kSearchedBelow, length);
+    const std::string text = EditorPaneTextBetween(editor, start, end);
+    const Dialect& dialect = EditorPaneDialect(editor);
+    LineReader reader{.text = text, .dialect = &dialect, .state = opener.after & kScanStateMask};
+    BlockLine blocks;
+    for (LineState state = opener.after; ReadLine(reader); ++line) {
+        state = ScanBlocks(table, reader.line, reader.tokens, state, reader.state, dialect, blocks);
+        const auto closes = [id](const BlockEvent& event) {
+            return event.id == id && event.kind == BlockEvent::Kind::Close;
+        };
+        if (std::ranges::any_of(blocks.events, closes)) return IndentOf(editor, line) >= opener.above.indentation;
+        if (!IsBlockOpen(table, state, id)) return false;
+    }
+    return end < length;  // too far to know
+}
+
+void CloseNewBlock(HWND editor, LRESULT line, const LineWithBlocks& opener, BlockTable& table) {
+    if (g_settings.autoCloseBlocks == 0 || opener.above.depthAfter != opener.above.depth + 1) return;
+    if (opener.blocks.events.empty() || opener.blocks.events.back().kind != BlockEvent::Kind::Open) return;
+    const BlockEvent& event = opener.blocks.events.back();
+    const std::string_view closing = BlockRowOf(event.block).closing;
+    if (closing.empty() || IsClosedBelow(editor, line + 1, opener, event.id, table)) return;
+    std::string inserted = PaneSend(editor, SCI_GETEOLMODE) == SC_EOL_LF   ? "\n"
+                           : PaneSend(editor, SCI_GETEOLMODE) == SC_EOL_CR ? "\r"
+                                                                           : "\r\n";
+    const bool capitals = g_settings.autoUpperKeywords != 0 || WritesCapitals(opener.text);
+    for (const char c : closing) inserted += capitals || c < 'A' || c > 'Z' ? c : static_cast<char>(c + 32);
+    const LRESULT caret = PaneSend(editor, SCI_GETCURRENTPOS);
+    SciSend(editor, SCI_INSERTTEXT, static_cast<WPARAM>(caret), reinterpret_cast<LPARAM>(inserted.c_str()));
+    PaneSend(editor, SCI_SETLINEINDENTATION, line + 1, opener.above.indentation);
+    PaneSend(editor, SCI_GOTOPOS, caret);
+}
+
+void AfterNewLineInBasic(HWND editor, LRESULT line, BlockTable& table) {
+    const LRESULT indent = PaneSend(editor, SCI_GETINDENT);
+    const LRESULT step = indent > 0 ? indent : PaneSend(editor, SCI_GETTABWIDTH);
+    LineWithBlocks look = LookAtLine(editor, line - 1, table);
+    IndentClosingLine(editor, line - 1, look, table, step);
+    if (IndentOf(editor, line) != 0) return;  // what was right of the caret has brought some
+    const bool empty = IsBlank(editor, line);
+    PaneSend(editor, SCI_SETLINEINDENTATION, line, IndentationBelow(look.above, step));
+    PaneSend(editor, SCI_GOTOPOS, PaneSend(editor, SCI_GETLINEINDENTPOSITION, line));
+    if (empty) CloseNewBlock(editor, line, look, table);
+}
+
+}  // namespace
+
+void EditorPaneAfterNewLine(HWND editor) {
+    const LRESULT line = PaneSend(editor, SCI_LINEFROMPOSITION, PaneSend(editor, SCI_GETCURRENTPOS));
+    const BrokenLine broken{.selections = PaneSend(editor, SCI_GETSELECTIONS),
+                            .line = line,
+                            .own = IndentOf(editor, line),
+                            .above = line > 0 ? IndentOf(editor, line - 1) : 0};
+    BlockTable* table = EditorPaneBlockTable(editor);
+    if (table != nullptr && broken.selections == 1 && line > 0 && !IsBlank(editor, line - 1)) {
+        AfterNewLineInBasic(editor, line, *table);
+        return;
+    }
+    const std::optional<std::ptrdiff_t> indentation = IndentationAfterBreak(broken);
+    if (!indentation) return;
+    PaneSend(editor, SCI_SETLINEINDENTATION, line, *indentation);
+    PaneSend(editor, SCI_GOTOPOS, PaneSend(editor, SCI_GETLINEINDENTPOSITION, line));
+}
