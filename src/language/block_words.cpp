@@ -60,8 +60,10 @@ BlockSearch FindBlockWords(BlockTable& table, const Dialect& dialect, std::strin
                 if (words.id != id) continue;
                 words.start += reader.start;
                 words.end += reader.start;
-                // The first line may close a block like this one before it opens it.
-                if (words.kind == BlockEvent::Kind::Open && first) search.words.clear();
+                // The first line may close a block like this one before it opens it. Below, the next one of its kind
+                // ends it: a procedure without its end.
+                if (words.kind == BlockEvent::Kind::Open && !first) return search;
+                if (words.kind == BlockEvent::Kind::Open) search.words.clear();
                 search.words.push_back(words);
                 search.closed = words.kind == BlockEvent::Kind::Close;
                 if (search.closed && !first) return search;

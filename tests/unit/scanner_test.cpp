@@ -196,7 +196,7 @@ TEST(Blocks, TheWordsOfABlock) {
         {"if a then\n if b then\n else\n end if\nel|se\nend if", "if,else,end if"},
         {"if a then\n|if b then\nelse\nend if\nelse\nend if", "if,else,end if"},
         {"if a then b = 1 els|e c", "none"},
-        {"select case a\ncase 1\nx\ncase else|\nend select", "select,case,case,end select"},
+        {"select case a\ncase 1\nx\ncase| else\nend select", "select,case,case,end select"},
         {"static sub| a\nif b then\nend sub", "sub,end sub"},
         {"for i = 1 to 2\nfor j = 1 to 2\nnext j, i|", "none"},
         {"fo|r i = 1 to 2\nfor j = 1 to 2\nnext j, i", "for,next j,"},
