@@ -176,7 +176,10 @@ void OnBarCommand(int id, int notification) {
             break;
         case IDC_BAR_CASE:
         case IDC_BAR_WORD:
-        case IDC_BAR_REGEX: BarSearch(); break;
+        case IDC_BAR_REGEX:
+            BarSearch();
+            SetFocus(Control(IDC_BAR_FIELD));  // to go on typing
+            break;
         case IDOK:
         case IDC_BAR_NEXT: BarGo(true); break;
         case IDC_BAR_PREVIOUS: BarGo(false); break;

@@ -41,7 +41,7 @@ void FillFindHistory(int control, const wchar_t (&history)[kSearchHistoryCapacit
     for (int i = 0; i < std::min(count, kSearchHistoryCapacity); ++i)
         SendMessageW(combo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(history[i]));
     SetWindowTextW(combo, text.c_str());
-    SendMessageW(combo, CB_SETEDITSEL, 0, MAKELPARAM(0, -1));
+    if (control == IDC_FIND_WHAT) SendMessageW(combo, CB_SETEDITSEL, 0, MAKELPARAM(0, -1));
 }
 
 // Shows or hides the controls for replacing. The controls below them move, and the dialog's height changes by as much.

@@ -175,6 +175,7 @@ TEST(FindBar, FindsWhileTypingAndGoesBack) {
     EXPECT_TRUE(says(L"No matches"));
     editor.Keys({VK_MENU, 'X'});
     EXPECT_TRUE(says(L"Missing closing parenthesis"));
+    EXPECT_EQ(editor.Focus(), part(IDC_BAR_FIELD)) << "to go on typing";
     type(L"8|9)$");
     EXPECT_TRUE(says(L"1 of 2")) << "298 and 299, as an expression";
     EXPECT_EQ(editor.Line(), 300);
