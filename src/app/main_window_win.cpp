@@ -73,8 +73,9 @@ void RouteTimer(HWND window, UINT_PTR id) {
 }
 
 void MainWnd_OnActivate(HWND window, bool active) {
-    if (!active) return;
+    if (!active) return FindBarOnLeft();
     FocusCurrentEditor();
+    FindBarOnEntered();
     CompilersLook(window, MSG_COMPILERS_SEEN);  // the user may have installed or removed one meanwhile
 }
 

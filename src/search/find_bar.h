@@ -17,6 +17,11 @@ void FindBarApplyTheme();
 // Handles a message for the bar, and Esc in the editor, which closes it. True when it was handled.
 bool FindBarIsMessage(MSG* message);
 
+// The main window is left, and comes back. The bar that had the keyboard gets it again, because what the user goes on
+// typing would otherwise replace the match in the document.
+void FindBarOnLeft();
+void FindBarOnEntered();
+
 // --- What happens to the editors. These do nothing while the bar is closed.
 void FindBarOnActivated(DocumentId document);       // another document is shown; 0: none
 void FindBarOnView(HWND editor, int updated);       // SCN_UPDATEUI

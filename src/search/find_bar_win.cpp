@@ -54,6 +54,7 @@ static_assert(std::size(kControls) == kFindBarParts);
 struct FindBarState {
     bool filling = false;  // the field is filled by the program
     bool fault = false;    // the count shows why there is nothing
+    bool left = false;     // it had the keyboard when the main window was left
     FindBarWalk walk;
     // Where the bar was opened.
     DocumentId document = 0;
@@ -312,6 +313,12 @@ bool FindBarIsMessage(MSG* message) {
         return true;
     }
     return IsDialogMessageW(g_search.hFindBar, message) != FALSE;
+}
+
+void FindBarOnLeft() { g_bar.left = g_search.hFindBar != nullptr && IsInBar(GetFocus()); }
+
+void FindBarOnEntered() {
+    if (std::exchange(g_bar.left, false)) SetFocus(Control(IDC_BAR_FIELD));
 }
 
 void FindBarOnActivated(DocumentId document) {
