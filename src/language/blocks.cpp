@@ -378,7 +378,8 @@ FoldLevel FoldLevelOf(const BlockTable& table, LineState before, LineState after
         return DepthOf(table, state) + ConditionsOf(table, state) + ((state & kScanComment) != 0 ? 1 : 0);
     };
     const int start = total(before);
-    const int lowest = std::min(line.lowest, start);
+    const bool inComment = (before & after & kScanComment) != 0;
+    const int lowest = std::min(line.lowest + (inComment ? 1 : 0), start);
     const bool header = total(after) > lowest;
     return {header ? lowest : start, header};
 }

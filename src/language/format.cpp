@@ -78,7 +78,7 @@ bool IsSpacedOperator(const Spacing& spacing, std::size_t at) {
     if (!spacing.operators || token.kind != TokenKind::Operator || at == 0 || at + 1 == spacing.tokens.size())
         return false;
     const std::string_view text = TokenText(spacing.line, token);
-    if (text == "&" || text == "->" || !EndsOperand(spacing, at - 1)) return false;
+    if (text == "&" || text == "->" || text == "++" || text == "--" || !EndsOperand(spacing, at - 1)) return false;
     if (text == "+" || text == "-") return !spacing.HasBlankBefore(at) || spacing.HasBlankBefore(at + 1);
     return true;
 }

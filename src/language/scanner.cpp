@@ -232,8 +232,8 @@ bool ScanDirective(Scan& scan) {
 
 // One byte, or two that belong together.
 void ScanOperator(Scan& scan) {
-    static constexpr std::string_view kPairs[] = {
-        "<>", "<=", ">=", "=<", "=>", "><", "+=", "-=", "*=", "/=", "\\=", "^=", "&=", "<<", ">>", "->", "=="};
+    static constexpr std::string_view kPairs[] = {"<>",  "<=", ">=", "=<", "=>", "><", "+=", "-=", "*=", "/=",
+                                                  "\\=", "^=", "&=", "<<", ">>", "->", "==", "++", "--"};
     const char* from = scan.at;
     const char pair[2] = {*from, scan.Peek(1)};
     bool paired = false;

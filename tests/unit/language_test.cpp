@@ -4,6 +4,7 @@
 #include "language/inline_regions.h"
 #include "language/lexer_table.h"
 #include "settings/compilers.h"
+#include "support/dialect_sources.h"
 #include "support/golden_file.h"
 #include "support/token_stream.h"
 #include "ui/theme_table.h"
@@ -258,6 +259,18 @@ TEST(Format, ASelectionGetsWhatItHasInTheWhole) {
     std::string many(2000, '\n');
     EXPECT_LT(FormatBasicLines(many, {}, 0, 2000, [](double share) { return share < 0.5; }).size(), 1300u) << "stopped";
     EXPECT_EQ(FormatBasicLines("select case a\ncase 1\ncase 2\nx\n", {}, 2, 2), "    CASE 2\n");
+}
+
+TEST(Format, AProgramInEachDialect) {
+    for (const DialectSource& source : kDialectSources) {
+        const Dialect& dialect = DialectOf(source.compiler);
+        std::string text = GoldenText(source.name);
+        std::erase(text, '\r');
+        const std::string once = FormatBasicSource(text, {.dialect = &dialect});
+        ExpectGolden(std::string(source.name) + ".formatted", once);
+        EXPECT_EQ(TokenStream(once, dialect), TokenStream(text, dialect)) << source.name;
+        EXPECT_EQ(FormatBasicSource(once, {.dialect = &dialect}), once) << source.name;
+    }
 }
 
 TEST(Format, KeepsEveryToken) {

@@ -1,7 +1,7 @@
 // The lexer of BASIC in a real editor.
 #include "language/basic_lexer.h"
 #include "scintilla/sci.h"
-#include "settings/compilers.h"
+#include "support/dialect_sources.h"
 #include "support/golden_file.h"
 
 #include <gtest/gtest.h>
@@ -57,41 +57,48 @@ private:
     std::size_t length_ = 0;
 };
 
-// Each line with the styles of its characters below it.
-std::string Interleaved(const std::string& text, const std::string& styles) {
+// Each line behind its fold level, with the styles of its characters below it.
+std::string Interleaved(const std::string& text, const std::string& styles, const std::vector<std::string>& folds) {
     std::string out;
+    std::size_t line = 0;
     for (std::size_t start = 0; start < text.size();) {
         const std::size_t end = std::min(text.find('\n', start), text.size());
-        out += text.substr(start, end - start) + "\n" + styles.substr(start, end - start) + "\n";
+        const std::string& fold = folds.at(line++);
+        out += fold + " " + text.substr(start, end - start) + "\n";
+        out += std::string(fold.size() + 1, ' ') + styles.substr(start, end - start) + "\n";
         start = end + 1;
     }
     return out;
 }
 
+// Colours and folds, also line by line, as typing makes them: they must depend only on the lines above.
+std::string Styled(const std::string& text, std::uint32_t compiler) {
+    const LexedText whole(compiler, text);
+    whole.Colour(0, text.size());
+    const LexedText pieces(compiler, text);
+    for (std::size_t start = 0; start < text.size();) {
+        const std::size_t end = std::min(text.find('\n', start), text.size() - 1) + 1;
+        pieces.Colour(start, end);
+        start = end;
+    }
+    EXPECT_EQ(pieces.Styles(), whole.Styles()) << compiler << " line by line";
+    EXPECT_EQ(pieces.Folds(), whole.Folds()) << compiler << " line by line";
+    return Interleaved(text, whole.Styles(), whole.Folds());
+}
+
 }  // namespace
 
-TEST(Styling, OfASampleInTwoDialects) {
+TEST(Styling, OfAProgramInEachDialect) {
     const HMODULE scintilla = LoadLibraryW(L"" KVX_DIST_DIR "/Scintilla.dll");
     ASSERT_NE(scintilla, nullptr) << "not in " KVX_DIST_DIR;
     std::string text = GoldenText("styled.bas");
     std::erase(text, '\r');
-    std::string found;
-    for (const std::uint32_t compiler : {kCompilerKvxa64, kCompilerKeldorBasic}) {
-        const LexedText whole(compiler, text);
-        whole.Colour(0, text.size());
-        const std::wstring wide = g_compilers[compiler].name;
-        const std::string name(wide.begin(), wide.end());
-        found += "=== " + name + "\n" + Interleaved(text, whole.Styles());
-        // Colours line by line, as typing does: a line's colours must depend only on the lines above it.
-        const LexedText pieces(compiler, text);
-        for (std::size_t start = 0; start < text.size();) {
-            const std::size_t end = std::min(text.find('\n', start), text.size() - 1) + 1;
-            pieces.Colour(start, end);
-            start = end;
-        }
-        EXPECT_EQ(pieces.Styles(), whole.Styles()) << name << " line by line";
-        EXPECT_EQ(pieces.Folds(), whole.Folds()) << name << " line by line";
+    ExpectGolden("styled.txt", "=== KVXA64\n" + Styled(text, kCompilerKvxa64) + "=== KeldorBasic\n" +
+                                   Styled(text, kCompilerKeldorBasic));
+    for (const DialectSource& source : kDialectSources) {
+        text = GoldenText(source.name);
+        std::erase(text, '\r');
+        ExpectGolden(std::string(source.name) + ".styled", Styled(text, source.compiler));
     }
-    ExpectGolden("styled.txt", found);
     FreeLibrary(scintilla);
 }
