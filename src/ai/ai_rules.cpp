@@ -1,6 +1,7 @@
 #include "ai/ai_rules.h"
 
 #include "base/utf8.h"
+#include "settings/secret_text.h"
 #include "settings/settings.h"
 
 namespace {
@@ -58,8 +59,13 @@ std::wstring Elapsed(std::uint32_t seconds) {
     return std::to_wstring(seconds / 60) + (rest.size() < 2 ? L":0" : L":") + rest;
 }
 
+// A key that could not be unprotected is kept in the settings as it is stored. No service takes that.
+bool HasOpenAiKey(const Settings& settings) {
+    return settings.openAIKey[0] != L'\0' && !IsSecretText(settings.openAIKey);
+}
+
 bool OpenAiIsReady(const Settings& settings) {
-    return settings.primaryAi == 0 && settings.openAIEnabled != 0 && settings.openAIKey[0] != L'\0';
+    return settings.primaryAi == 0 && settings.openAIEnabled != 0 && HasOpenAiKey(settings);
 }
 
 }  // namespace
@@ -69,7 +75,7 @@ const wchar_t* AiServiceName(AiService service) { return service == AiService::L
 const wchar_t* AskProblem(AiService service, const Settings& settings, bool hasSelection) {
     if (service == AiService::OpenAi) {
         if (settings.openAIEnabled == 0) return L"OpenAI is not enabled. Enable it in Settings > AI.";
-        if (settings.openAIKey[0] == L'\0') return L"OpenAI API key is missing. Set it in Settings > OAI.";
+        if (!HasOpenAiKey(settings)) return L"OpenAI API key is missing. Set it in Settings > OAI.";
     } else if (settings.lmStudioEnabled == 0) {
         return L"LM-Studio is not enabled. Enable it in Settings > AI.";
     }

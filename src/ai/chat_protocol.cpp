@@ -1,6 +1,7 @@
 #include "ai/chat_protocol.h"
 
 #include "base/heap_text.h"
+#include "settings/secret_text.h"
 
 #include <cJSON.h>
 
@@ -67,7 +68,7 @@ std::wstring CutHeaders(std::wstring headers) {
 }
 
 std::wstring AuthorizationLine(const wchar_t* apiKey) {
-    if (apiKey == nullptr || apiKey[0] == L'\0') return {};
+    if (apiKey == nullptr || apiKey[0] == L'\0' || IsSecretText(apiKey)) return {};  // protected text is no key
     return std::wstring(L"Authorization: Bearer ").append(apiKey).append(L"\r\n");
 }
 

@@ -58,6 +58,7 @@ void CreateChildren(HWND window) {
 
 void LoadSettings() {
     SettingsLoad(nullptr);
+    SettingsTellLockedKeys();
     wchar_t ini[kPathCapacity] = {};
     GetIniPath(nullptr, ini, kPathCapacity);  // after the load, which may choose another folder
     SettingsAutoDetectCompilers();

@@ -10,6 +10,7 @@
 #include "ui/chrome.h"
 #include "ui/clipboard.h"
 #include "ui/control_theme.h"
+#include "ui/form_layout.h"
 #include "ui/paint.h"
 #include "ui/path_dialog.h"
 #include "ui/subclass.h"
@@ -394,9 +395,14 @@ void SettingsFieldMake(SettingsDialog& dialog, FormPlace place, HWND parent, con
 
 void SettingsFieldScale(SettingsDialog& dialog, FormPlace place) {
     const HWND field = WindowsAt(dialog, place).parts[kPartField];
-    if (ItemAt(place).control != Keys) return;
-    const UINT tab = 220;  // dialog units of the list's font
-    SendMessageW(field, LB_SETTABSTOPS, 1, reinterpret_cast<LPARAM>(&tab));
+    const SettingControl control = ItemAt(place).control;
+    if (control == Keys) {
+        const UINT tab = 220;  // dialog units of the list's font
+        SendMessageW(field, LB_SETTABSTOPS, 1, reinterpret_cast<LPARAM>(&tab));
+    } else if (control == Choice || control == Font || control == Model) {
+        constexpr int kFrame = 6;  // pixels of a combo box around its line
+        SendMessageW(field, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), dialog.Px(kFormFieldHeight) - kFrame);
+    }
 }
 
 void SettingsKeysFill(SettingsDialog& dialog, FormPlace place) {

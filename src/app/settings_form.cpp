@@ -3,6 +3,7 @@
 #include "base/bounded_text.h"
 #include "base/decimal.h"
 #include "base/hex_digit.h"
+#include "settings/secret_text.h"
 
 #include <algorithm>
 #include <cwctype>
@@ -64,6 +65,7 @@ std::wstring UrlProblem(std::wstring_view text) {
 
 std::wstring SecretProblem(const SettingItem& item, std::wstring_view text) {
     if (text.empty()) return {};
+    if (IsSecretText(text)) return L"This is no key. Clear the field, then enter the key.";
     const std::size_t shortest =
         item.row->offset == offsetof(Settings, openAIKey) ? kShortestOpenAiKey : kShortestLmStudioKey;
     if (text.size() < shortest) return L"A key has at least " + std::to_wstring(shortest) + L" characters.";

@@ -1,6 +1,7 @@
 #include "settings/settings_import.h"
 
 #include "base/path.h"
+#include "files/utf16.h"
 #include "settings/ini_value.h"
 #include "settings/secret_text.h"
 
@@ -36,8 +37,16 @@ bool IsOtherKey(std::wstring_view section, std::wstring_view key) {
            std::ranges::any_of(kPlace, [&](std::wstring_view name) { return Same(key, name); });
 }
 
+std::wstring_view Unquoted(std::wstring_view value) {
+    const bool quoted =
+        value.size() > 1 && value.front() == value.back() && (value.front() == L'"' || value.front() == L'\'');
+    return quoted ? value.substr(1, value.size() - 2) : value;
+}
+
 bool TakesValue(const SettingRow& row, std::wstring_view value) {
-    if (row.type == SettingType::Text || row.type == SettingType::List) return true;
+    if ((row.flags & kSettingSecret) != 0) return true;  // its text continues in further keys
+    if (row.type == SettingType::Text) return DecodeIniValue(Unquoted(value)).size() < row.capacity;
+    if (row.type == SettingType::List) return true;
     int number = 0;
     if (!ParsePlainNumber(value, &number)) return false;
     return row.type == SettingType::Bool || ApplyLimits(row.limits, number) == number;
@@ -86,6 +95,22 @@ bool IsOfNoUse(const SettingRow& row, const Settings& now) {
 }
 
 }  // namespace
+
+std::optional<std::string> IniBytesAsUtf16(std::string_view bytes) {
+    constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+    const Utf16Kind kind = Utf16KindOf(bytes);
+    if (kind.order == Utf16Order::Little && kind.mark) return std::nullopt;
+    if (kind.order != Utf16Order::None) {
+        std::string utf8;
+        AppendUtf16AsUtf8(bytes.substr(kind.mark ? 2 : 0), kind.order, utf8);  // half a character at the end is dropped
+        return Utf8AsUtf16(utf8, Utf16Order::Little, true);
+    }
+    const bool mark = bytes.starts_with(kUtf8Mark);
+    const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+    if (!mark && (std::ranges::all_of(bytes, isAscii) || !IsValidUtf8Bytes(bytes.data(), bytes.size())))
+        return std::nullopt;
+    return Utf8AsUtf16(bytes.substr(mark ? kUtf8Mark.size() : 0), Utf16Order::Little, true);
+}
 
 ImportFinding LookAtImport(std::span<const IniSectionText> sections) {
     ImportFinding finding;

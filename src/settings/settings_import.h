@@ -4,9 +4,16 @@
 
 #include "settings/settings_schema.h"
 
+#include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
+
+// The INI functions read UTF-16 that begins with its little-endian mark, and anything else by the system's code page. The
+// bytes of a file that is in UTF-8 or in another UTF-16, as an editor may have saved it, as what they read; nothing when
+// the file is right as it is.
+std::optional<std::string> IniBytesAsUtf16(std::string_view bytes);
 
 // As GetPrivateProfileSection returns it: lines "key=value", each ended by a NUL.
 struct IniSectionText {

@@ -33,6 +33,9 @@ void SessionMRUSave(const wchar_t* overridePath = nullptr);
 // and leaves every other setting as it is (settings/settings_import.h); the settings from before are in "Editor.ini.bak".
 // `notUnderstood` gets the keys of the file that mean nothing here. An import that fails leaves file and record
 // unchanged, and a file without any setting of this program fails.
+// Tells the user, once a run, which keys of the loaded file could not be unprotected: they belong to another account or
+// are damaged. They are kept.
+void SettingsTellLockedKeys();
 bool SettingsExport(const wchar_t* target);
 bool SettingsImport(const wchar_t* source, std::vector<std::wstring>* notUnderstood = nullptr);
 // Deletes the file and resets the record with SettingsReset.

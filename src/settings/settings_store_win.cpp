@@ -21,6 +21,7 @@
 #include "settings/settings_state.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -147,12 +148,13 @@ bool WriteSettings(const wchar_t* ini, std::string_view bytes) {
     return written;
 }
 
+constexpr DWORD kLargestIni = 4U << 20U;  // bytes; the settings take at most a tenth of it
+
 // The INI functions read a file whole, each time.
 bool IsTooLarge(const wchar_t* path) {
-    constexpr DWORD kLargest = 4U << 20U;  // bytes; the settings take at most a tenth of it
     WIN32_FILE_ATTRIBUTE_DATA data = {};
     return GetFileAttributesExW(path, GetFileExInfoStandard, &data) == FALSE || data.nFileSizeHigh != 0 ||
-           data.nFileSizeLow > kLargest;
+           data.nFileSizeLow > kLargestIni;
 }
 
 // The sections of an INI file. One that is too long for the buffer is cut; this program writes none of that length.
@@ -170,6 +172,28 @@ std::vector<IniSectionText> SectionsOf(const wchar_t* path) {
     }
     return sections;
 }
+
+// A copy of a settings file in the encoding that the INI functions read right. The destructor deletes it.
+struct ImportCopy {
+    std::wstring path;  // empty: the file itself can be read
+    bool failed = false;
+
+    ImportCopy(const wchar_t* source, const wchar_t* ini) {
+        std::string bytes;
+        failed = !ReadSharedFile(source, kLargestIni, &bytes);
+        const std::optional<std::string> converted = failed ? std::nullopt : IniBytesAsUtf16(bytes);
+        if (!converted) return;
+        path = std::wstring{ini} + L"." + std::to_wstring(GetCurrentProcessId()) + L".import";
+        failed = !ReplaceFileWhole(path.c_str(), *converted);
+    }
+    ~ImportCopy() {
+        if (path.empty()) return;
+        WritePrivateProfileStringW(nullptr, nullptr, nullptr, path.c_str());  // drops what is cached of it
+        DeleteFileW(path.c_str());
+    }
+    ImportCopy(const ImportCopy&) = delete;
+    ImportCopy& operator=(const ImportCopy&) = delete;
+};
 
 bool IsDefaultFile(const wchar_t* overridePath) { return overridePath == nullptr || !PathIsAbsolute(overridePath); }
 
@@ -239,6 +263,20 @@ void SettingsLoad(const wchar_t* overridePath) {
         g_settings.sessionMruCount = 0;
 }
 
+void SettingsTellLockedKeys() {
+    std::wstring names;
+    for (const SettingRow& row : SettingRows())
+        if ((row.flags & kSettingSecret) != 0 && IsSecretText(SettingText(g_settings, row)))
+            names += (names.empty() ? L"" : L", ") + std::wstring{row.key};
+    if (names.empty()) return;
+    AppLogMsg(L"FAIL: SettingsLoad cannot unprotect %s", names.c_str());
+    g_events.noticeWanted(FormatW(L"The settings file holds a key that cannot be read here: %s.\n\nIt was protected by "
+                                  L"another Windows account, or it is damaged. It is kept as it is and sent to nobody. "
+                                  L"To use the service, enter the key anew in the settings.",
+                                  names.c_str())
+                              .c_str());
+}
+
 int SettingsSave(const wchar_t* overridePath) {
     Settings& settings = g_settings;
     wchar_t ini[kPathCapacity] = {};
@@ -274,6 +312,9 @@ bool SettingsImport(const wchar_t* source, std::vector<std::wstring>* notUnderst
     if (source == nullptr || !PathAnswers(source) || IsTooLarge(source)) return false;
     wchar_t ini[kPathCapacity] = {};
     GetIniPath(nullptr, ini, kPathCapacity);
+    const ImportCopy readable{source, ini};
+    if (readable.failed) return false;
+    if (!readable.path.empty()) source = readable.path.c_str();
     ImportFinding finding = LookAtImport(SectionsOf(source));
     if (finding.given.empty()) return false;  // not a file of settings
     if (FileExists(ini) && !CopySettings(ini, (std::wstring{ini} + L".bak").c_str()))

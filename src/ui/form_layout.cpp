@@ -9,7 +9,6 @@ namespace {
 // Lengths at 96 dpi.
 constexpr int kEdge = 14;         // around the page
 constexpr int kLabelWidth = 140;  // of the column of labels, with its gap
-constexpr int kFieldHeight = 23;
 constexpr int kCheckHeight = 19;
 constexpr int kTallHeight = 84;
 constexpr int kShortWidth = 84;
@@ -37,7 +36,7 @@ int FieldHeight(FormField field, int dpi, int rest) {
         case FormField::Check: return ScaledTo(kCheckHeight, dpi);
         case FormField::Tall: return ScaledTo(kTallHeight, dpi);
         case FormField::Fill: return std::max(rest, ScaledTo(kLeastFill, dpi));
-        default: return ScaledTo(kFieldHeight, dpi);
+        default: return ScaledTo(kFormFieldHeight, dpi);
     }
 }
 

@@ -35,6 +35,8 @@ struct FormPlaceOfRow {
     FormRect heading, label, field, button, note;
 };
 
+inline constexpr int kFormFieldHeight = 23;  // of a field of one line, at 96 dpi
+
 struct FormSize {
     int width = 0, height = 0;  // of the page, in pixels
     int dpi = 96;

@@ -3,8 +3,10 @@
 #include "base/events.h"
 #include "base/handles.h"
 #include "base/path.h"
+#include "base/utf8.h"
 #include "base/wide_format.h"
 #include "files/file_io.h"
+#include "files/utf16.h"
 #include "settings/compiler_table.h"
 #include "settings/secrets.h"
 #include "settings/settings_place.h"
@@ -191,6 +193,32 @@ TEST_F(SettingsWin, KeysStandInClearTextInNoFile) {
     }
     Load();
     EXPECT_EQ(g_app.settings.lmStudioKey, key);
+}
+
+// A settings file as other editors save it.
+TEST_F(SettingsWin, AnImportIsReadInEveryEncoding) {
+    const std::wstring text = L"; by hand\r\n[Editor]\r\nTabWidth=9\r\nFont=\u0416\u00F6\r\nOutputFont=" +
+                              std::wstring(32000, L'x') + L"\r\n";
+    const std::string utf8 = ToUtf8(text);
+    const std::string cases[] = {utf8, "\xEF\xBB\xBF" + utf8, Utf8AsUtf16(utf8, Utf16Order::Little, true),
+                                 Utf8AsUtf16(utf8, Utf16Order::Big, true) + "\r",
+                                 Utf8AsUtf16(utf8, Utf16Order::Little, false)};
+    SettingsFolderForTest(root_.wstring() + L"\\");
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
+        SCOPED_TRACE(i);
+        SettingsDefaults(g_app.settings);
+        Save();
+        const std::wstring file = (root_ / L"foreign.ini").wstring();
+        WriteBytes(file, cases[i]);
+        std::vector<std::wstring> strange;
+        EXPECT_TRUE(SettingsImport(file.c_str(), &strange));
+        EXPECT_EQ(g_app.settings.tabWidth, 9);
+        EXPECT_STREQ(g_app.settings.fontName, L"\u0416\u00F6");
+        EXPECT_STREQ(g_app.settings.outputFont, L"Consolas") << "a value that is too long is not taken in part";
+        EXPECT_EQ(strange, std::vector<std::wstring>{L"[Editor] OutputFont"});
+    }
+    EXPECT_EQ(FilesBeside(), 3) << "Editor.ini, its copy and the imported file";
+    SettingsFolderForTest(L"");
 }
 
 int g_notices = 0;
