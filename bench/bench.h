@@ -112,3 +112,4 @@ void MeasureDebugger();
 void MeasureAi();
 void MeasureFiles();
 void MeasureFinder();
+void MeasureSettings();

@@ -13,9 +13,10 @@ struct Measurement {
     void (*run)();
 };
 constexpr Measurement kMeasurements[] = {
-    {"start", MeasureStart},   {"keys", MeasureKeys}, {"edits", MeasureEdits},       {"colour", MeasureColour},
-    {"output", MeasureOutput}, {"stop", MeasureStop}, {"debugger", MeasureDebugger}, {"maps", MeasureMaps},
-    {"code", MeasureCode},     {"ai", MeasureAi},     {"files", MeasureFiles},       {"finder", MeasureFinder},
+    {"start", MeasureStart},       {"keys", MeasureKeys}, {"edits", MeasureEdits},       {"colour", MeasureColour},
+    {"output", MeasureOutput},     {"stop", MeasureStop}, {"debugger", MeasureDebugger}, {"maps", MeasureMaps},
+    {"code", MeasureCode},         {"ai", MeasureAi},     {"files", MeasureFiles},       {"finder", MeasureFinder},
+    {"settings", MeasureSettings},
 };
 
 bool Wanted(int argc, char** argv, const std::string& name) {

@@ -52,6 +52,7 @@ TEST(Secrets, AKeyIsShownAndWrittenNowhere) {
         ASSERT_TRUE(WaitFor([&] { return editor.Status().find(L"401") != std::wstring::npos; })) << editor.Describe();
         std::wstring shown =
             editor.Title() + editor.Status() + editor.Output() + editor.TextOf(editor.Child(IDC_AI_CHAT));
+        EXPECT_EQ(shown.find(L"MARKER"), std::wstring::npos) << Utf8(shown);
         // The settings dialog asks the service, too, and exports.
         editor.Post(IDM_PROJECT_SETTINGS);
         const HWND dialog = editor.AwaitDialog(L"Settings").window;
