@@ -2,7 +2,9 @@
 #include "app/settings_dialog.h"
 
 #include "app/settings_dialog_internal.h"
+#include "base/bounded_text.h"
 #include "base/log.h"
+#include "base/system_error.h"
 #include "settings/settings_state.h"
 #include "settings/settings_store.h"
 #include "ui/dialog_theme.h"
@@ -164,10 +166,16 @@ bool ApplySettings(SettingsDialog& dialog) {
         FormPut(dialog.form, settings);
         UpdateAssistantEnabled(settings);
     });
-    if (SettingsSave(nullptr) == 0)
+    if (SettingsSave(nullptr) == 0) {
+        const std::wstring reason = SystemErrorText(GetLastError());
+        wchar_t ini[kPathCapacity] = {};
+        GetIniPath(nullptr, ini, kPathCapacity);
         ErrorMessage(
-            L"The settings are in force, but the settings file could not be written. They last until the editor "
-            L"closes.");
+            L"The settings are in force, but the settings file could not be written, so it is as it "
+            L"was:\n\n%s\n\n%s\n\n"
+            L"It is written again after the next change and when the editor closes.",
+            ini, reason.c_str());
+    }
     dialog.form = FormOf(g_settings);
     SettingsShowAllTexts(dialog);
     SettingsApplyEnable(dialog);

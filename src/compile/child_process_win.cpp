@@ -1,6 +1,7 @@
 #include "compile/child_process.h"
 
 #include "base/handles.h"
+#include "base/system_error.h"
 #include "base/wide_format.h"
 #include "files/start_path.h"
 
@@ -113,12 +114,7 @@ bool ReleaseIntoJob(ChildProcess* child) {
 
 std::wstring ChildStartProblem(DWORD error, const std::wstring& directory) {
     if (error == ERROR_FILENAME_EXCED_RANGE && directory.size() > kLongestStartPath) return LongFolderText(directory);
-    wchar_t text[512] = {};
-    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0, text,
-                   static_cast<DWORD>(std::size(text)), nullptr);
-    std::wstring message = text;
-    while (message.ends_with(L'\r') || message.ends_with(L'\n')) message.pop_back();
-    return message;
+    return SystemErrorText(error);
 }
 
 bool ChildStart(std::wstring commandLine, const std::wstring& directory, ChildProcess* child, DWORD* error,

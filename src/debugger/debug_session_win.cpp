@@ -6,6 +6,7 @@
 
 #include "base/handles.h"
 #include "base/log.h"
+#include "base/system_error.h"
 #include "files/file_io.h"
 #include "files/start_path.h"
 
@@ -50,11 +51,7 @@ ImageKind KindOf(const wchar_t* executable) {
 void SayLaunchFailed(DWORD error) {
     AppLogMsg(L"FAIL: DebugStart CreateProcess error=%lu", error);
     DebugSay(kDebugRed, L"[Debug] Failed to launch process.\n");
-    wchar_t text[512] = {};
-    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0, text,
-                   static_cast<DWORD>(std::size(text)), nullptr);
-    text[wcscspn(text, L"\r\n")] = L'\0';
-    DebugSay(kDebugRed, L"[Debug] Win32 error %lu: %s\n", error, text);
+    DebugSay(kDebugRed, L"[Debug] Win32 error %lu: %s\n", error, SystemErrorText(error).c_str());
 }
 
 bool Launch(const wchar_t* executable, DebuggerState* state) {

@@ -6,6 +6,7 @@
 #include "base/handles.h"
 #include "base/log.h"
 #include "base/path.h"
+#include "base/system_error.h"
 #include "base/wide_format.h"
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
@@ -82,14 +83,6 @@ EditorText TakeText(DocumentId document) {
     return text;
 }
 
-std::wstring SystemText(DWORD error) {
-    wchar_t text[512] = {};
-    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0, text,
-                   static_cast<DWORD>(std::size(text)), nullptr);
-    text[std::wcscspn(text, L"\r\n")] = L'\0';
-    return text;
-}
-
 void TellFailedSave(DocumentId document, const wchar_t* path, const SaveReport& report) {
     const std::wstring copy = RecoveryLastPath();
     AppLogMsg(L"FAIL: FileSave end=%d error=%lu path=%s", static_cast<int>(report.end), report.error, path);
@@ -97,7 +90,7 @@ void TellFailedSave(DocumentId document, const wchar_t* path, const SaveReport& 
         AppLogMsg(L"FAIL: FileSave, the new text is kept in %s", copy.c_str());
         g_events.documentStatus(document, FormatW(L"Not saved. The text is kept in %s", copy.c_str()).c_str());
     }
-    const std::wstring reason = report.error != 0 ? SystemText(report.error) : std::wstring{};
+    const std::wstring reason = report.error != 0 ? SystemErrorText(report.error) : std::wstring{};
     ErrorMessage(L"%s", FailedSaveText(path, report, reason, copy).c_str());
 }
 

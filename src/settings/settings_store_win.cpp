@@ -277,6 +277,7 @@ void SettingsTellLockedKeys() {
                               .c_str());
 }
 
+// After a 0, GetLastError() tells why the file could not be written.
 int SettingsSave(const wchar_t* overridePath) {
     Settings& settings = g_settings;
     wchar_t ini[kPathCapacity] = {};
@@ -292,7 +293,11 @@ int SettingsSave(const wchar_t* overridePath) {
     if (settings.backupSettings == 0 && FileHolds(ini, bytes))
         return 1;  // unchanged, as when the newest recent file is opened again
     if (WriteSettings(ini, bytes)) return 1;
-    if (!IsDefaultFile(overridePath) || !SettingsLeaveFolder(GetLastError())) return 0;
+    const DWORD error = GetLastError();
+    if (!IsDefaultFile(overridePath) || !SettingsLeaveFolder(error)) {
+        SetLastError(error);
+        return 0;
+    }
     GetIniPath(overridePath, ini, kPathCapacity);
     g_events.noticeWanted(
         FormatW(L"The program's folder cannot be written. Settings and sessions are kept in your own folder instead:"

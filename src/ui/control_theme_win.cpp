@@ -19,7 +19,7 @@ namespace {
 constexpr int kBoxSize = 13;  // at 96 dpi, like the next one
 constexpr int kBoxGap = 5;
 // What the program draws of a control. The frame of kFramed belongs to its non-client area; kCombo has one of its own.
-enum ControlKind : DWORD_PTR { kPushButton, kBox, kCombo, kFramed, kOther };
+enum ControlKind : DWORD_PTR { kPushButton, kBox, kCombo, kFramed, kProgress, kOther };
 
 ControlKind KindOfButton(HWND button) {
     switch (GetWindowLongPtrW(button, GWL_STYLE) & BS_TYPEMASK) {
@@ -36,6 +36,7 @@ ControlKind KindOfControl(HWND control) {
     GetClassNameW(control, name, static_cast<int>(std::size(name)));
     if (lstrcmpiW(name, WC_BUTTONW) == 0) return KindOfButton(control);
     if (lstrcmpiW(name, WC_COMBOBOXW) == 0) return kCombo;
+    if (lstrcmpiW(name, PROGRESS_CLASSW) == 0) return kProgress;
     const bool framed = (GetWindowLongPtrW(control, GWL_STYLE) & WS_BORDER) != 0 ||
                         (GetWindowLongPtrW(control, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) != 0;
     const bool isField = lstrcmpiW(name, WC_EDITW) == 0 || lstrcmpiW(name, WC_LISTBOXW) == 0 ||
@@ -211,11 +212,21 @@ void ThemeCombo(HWND combo) {
     if (GetComboBoxInfo(combo, &info) && info.hwndList != nullptr) ControlApplyTheme(info.hwndList);
 }
 
+// A bar with a visual style would not take the colours. " " names a style that there is not; Wine ignores an empty name.
+void ThemeProgress(HWND bar) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    const bool dark = ThemeIsDark();
+    SetWindowTheme(bar, dark ? L" " : nullptr, dark ? L" " : nullptr);
+    SendMessageW(bar, PBM_SETBKCOLOR, 0, static_cast<LPARAM>(dark ? chrome.line : CLR_DEFAULT));
+    SendMessageW(bar, PBM_SETBARCOLOR, 0, static_cast<LPARAM>(dark ? chrome.accent : CLR_DEFAULT));
+}
+
 }  // namespace
 
 void ControlApplyTheme(HWND control) {
     if (control == nullptr) return;
     const ControlKind kind = KindOfControl(control);
+    if (kind == kProgress) return ThemeProgress(control);
     if (kind == kOther) return;
     SubclassAdd(control, ControlProc, kind);  // setting it again changes nothing
     if (kind == kCombo) ThemeCombo(control);

@@ -4,7 +4,9 @@
 
 #include "build_driver.h"
 
+#include <mmsystem.h>
 #include "documents/margins.h"
+
 #include "resources/ids.h"
 
 #include <richedit.h>
@@ -204,6 +206,24 @@ TEST(Assistant, FailuresAreToldAndSilentServersCancelled) {
     const ULONGLONG start = GetTickCount64();
     EXPECT_EQ(editor.Close(), 0U);
     EXPECT_LT(GetTickCount64() - start, 5000U) << "nobody waits for a silent server at the end";
+}
+
+TEST(Assistant, TheVoiceCommandSaysThatThereIsNoMicrophone) {
+    HttpServer server([](const std::string&) { return HttpAnswer(200, R"({"text":"never"})"); });
+    AiFolder folder(true, false, L"sk-0123456789", server.Url(L"/"));
+    Editor editor(folder, OpenArgument(folder.Write(L"x.bas", "PRINT 1\r\n")));
+    editor.Post(IDM_AI_DO);
+    if (waveInGetNumDevs() == 0) {
+        editor.Answer(kProgramTitle, L"No microphone was found. Connect one, or type the instruction", IDOK);
+    } else {  // a machine with one: it records, and Cancel ends it
+        const Dialog dialog = editor.AwaitDialog(L"AI Do: Say What to Change");
+        EXPECT_NE(dialog.text.find(L"127.0.0.1:"), std::wstring::npos) << "said before anything is recorded";
+        editor.Press(dialog, IDCANCEL);
+    }
+    EXPECT_TRUE(WaitFor([&] { return editor.Dialogs().empty(); })) << editor.Describe();
+    EXPECT_TRUE(server.Requests().empty());
+    EXPECT_EQ(editor.Text(), "PRINT 1\r\n");
+    EXPECT_TRUE(IsWindowEnabled(editor.main));
 }
 
 TEST(Assistant, ExplainsAndFixesADiagnostic) {

@@ -149,13 +149,28 @@ bool Editor::AwaitMenu(bool open) const {
     return came;
 }
 
+namespace {
+
+// A dialog may close while it is looked at, and its texts are empty then.
+std::wstring TextIfThere(HWND window) {
+    std::wstring text(8192, L'\0');
+    DWORD_PTR got = 0;
+    const auto place = reinterpret_cast<LPARAM>(text.data());
+    const LRESULT answered = SendMessageTimeoutW(window, WM_GETTEXT, text.size(), place, SMTO_NORMAL, kDeadline, &got);
+    EXPECT_TRUE(answered != 0 || !IsWindow(window)) << "a dialog does not answer";
+    text.resize(answered != 0 ? got : 0);
+    return text;
+}
+
+}  // namespace
+
 std::vector<Dialog> Editor::Dialogs() const {
     std::vector<Dialog> found;
     for (HWND window : WindowsOf(pid)) {
         if (ClassOf(window) != L"#32770") continue;
-        Dialog dialog{window, TextOf(window), L""};
+        Dialog dialog{window, TextIfThere(window), L""};
         for (HWND child : Descendants(window))
-            if (ClassOf(child) == L"Static") dialog.text += TextOf(child);
+            if (ClassOf(child) == L"Static") dialog.text += TextIfThere(child);
         found.push_back(dialog);
     }
     return found;
