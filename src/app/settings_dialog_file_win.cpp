@@ -1,6 +1,7 @@
 // Export, import and reset of the settings dialog. UI thread only.
 #include "app/settings_dialog_internal.h"
 
+#include "base/system_error.h"
 #include "settings/settings_state.h"
 #include "settings/settings_store.h"
 #include "ui/message.h"
@@ -15,13 +16,19 @@ bool AskIniPath(const SettingsDialog& dialog, bool save, std::wstring& path) {
         {.owner = dialog.window, .filter = L"INI Files (*.ini)\0*.ini\0", .extension = L"ini", .save = save}, path);
 }
 
+void TellFailure(const wchar_t* caption, const wchar_t* text, DWORD error) {
+    const std::wstring reason =
+        error == ERROR_INVALID_DATA ? L"The file holds no setting of this editor." : SystemErrorText(error);
+    TellUser(caption, (std::wstring{text} + (reason.empty() ? L"" : L"\n\n") + reason).c_str(), AskIcon::Error);
+}
+
 }  // namespace
 
 void SettingsDialogExport(const SettingsDialog& dialog) {
     std::wstring path;
     if (!AskIniPath(dialog, true, path)) return;
     SettingsSave(nullptr);  // the file that is copied may lack what has changed without a save
-    if (!SettingsExport(path.c_str())) return TellUser(L"Export", L"Export failed.", AskIcon::Error);
+    if (!SettingsExport(path.c_str())) return TellFailure(L"Export", L"Export failed.", GetLastError());
     std::wstring text = L"Settings exported successfully.";
     if (g_settings.openAIKey[0] != L'\0' || g_settings.lmStudioKey[0] != L'\0')
         text += L"\n\nThe file holds the AI keys, protected: only this Windows account can read them.";
@@ -34,7 +41,7 @@ void SettingsDialogImport(SettingsDialog& dialog) {
     std::wstring path;
     if (!AskIniPath(dialog, false, path)) return;
     std::vector<std::wstring> strange;
-    if (!SettingsImport(path.c_str(), &strange)) return TellUser(L"Import", L"Import failed.", AskIcon::Error);
+    if (!SettingsImport(path.c_str(), &strange)) return TellFailure(L"Import", L"Import failed.", GetLastError());
     FormRenew(dialog.form, g_settings);
     SettingsShowAllTexts(dialog);
     SettingsApplyEnable(dialog);

@@ -32,11 +32,12 @@ void SessionMRUSave(const wchar_t* overridePath = nullptr);
 // Export and import return true on success. Import and reset raise settingsChanged. An import takes what the file gives
 // and leaves every other setting as it is (settings/settings_import.h); the settings from before are in "Editor.ini.bak".
 // `notUnderstood` gets the keys of the file that mean nothing here. An import that fails leaves file and record
-// unchanged, and a file without any setting of this program fails.
+// unchanged; a file without any setting of this program fails with ERROR_INVALID_DATA. After a failure of either,
+// GetLastError() tells why.
+bool SettingsExport(const wchar_t* target);
+bool SettingsImport(const wchar_t* source, std::vector<std::wstring>* notUnderstood = nullptr);
 // Tells the user, once a run, which keys of the loaded file could not be unprotected: they belong to another account or
 // are damaged. They are kept.
 void SettingsTellLockedKeys();
-bool SettingsExport(const wchar_t* target);
-bool SettingsImport(const wchar_t* source, std::vector<std::wstring>* notUnderstood = nullptr);
 // Deletes the file and resets the record with SettingsReset.
 void SettingsResetAll();

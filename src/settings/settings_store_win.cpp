@@ -188,12 +188,19 @@ struct ImportCopy {
     }
     ~ImportCopy() {
         if (path.empty()) return;
+        const DWORD error = GetLastError();                                   // of the import
         WritePrivateProfileStringW(nullptr, nullptr, nullptr, path.c_str());  // drops what is cached of it
         DeleteFileW(path.c_str());
+        SetLastError(error);
     }
     ImportCopy(const ImportCopy&) = delete;
     ImportCopy& operator=(const ImportCopy&) = delete;
 };
+
+bool FailWith(DWORD error) {
+    SetLastError(error);
+    return false;
+}
 
 bool IsDefaultFile(const wchar_t* overridePath) { return overridePath == nullptr || !PathIsAbsolute(overridePath); }
 
@@ -310,18 +317,21 @@ int SettingsSave(const wchar_t* overridePath) {
 bool SettingsExport(const wchar_t* target) {
     wchar_t ini[kPathCapacity] = {};
     GetIniPath(nullptr, ini, kPathCapacity);
-    return target != nullptr && PathAnswers(target) && CopySettings(ini, target);
+    if (target == nullptr || !PathAnswers(target)) return FailWith(ERROR_BAD_NETPATH);
+    return CopySettings(ini, target);
 }
 
 bool SettingsImport(const wchar_t* source, std::vector<std::wstring>* notUnderstood) {
-    if (source == nullptr || !PathAnswers(source) || IsTooLarge(source)) return false;
+    if (source == nullptr || !PathAnswers(source)) return FailWith(ERROR_BAD_NETPATH);
+    if (!FileExists(source)) return FailWith(ERROR_FILE_NOT_FOUND);
+    if (IsTooLarge(source)) return FailWith(ERROR_FILE_TOO_LARGE);
     wchar_t ini[kPathCapacity] = {};
     GetIniPath(nullptr, ini, kPathCapacity);
     const ImportCopy readable{source, ini};
     if (readable.failed) return false;
     if (!readable.path.empty()) source = readable.path.c_str();
     ImportFinding finding = LookAtImport(SectionsOf(source));
-    if (finding.given.empty()) return false;  // not a file of settings
+    if (finding.given.empty()) return FailWith(ERROR_INVALID_DATA);
     if (FileExists(ini) && !CopySettings(ini, (std::wstring{ini} + L".bak").c_str()))
         AppLogMsg(L"FAIL: SettingsImport backup error=%lu", GetLastError());
     // A copy that breaks off does not change the settings, because it is made beside them.

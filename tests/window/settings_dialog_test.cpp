@@ -223,7 +223,7 @@ TEST(SettingsDialog, ExportsImportsAndResets) {
     const std::wstring broken = folder.Write(L"broken.ini", "[Editor]\r\nTabWidth=9\r\nFontSize=1000\r\nBackupOnS");
     dialog.PostPress(IDC_SETTINGS_IMPORT);
     editor.AnswerFileDialog(foreign);
-    editor.Answer(L"Import", L"Import failed.", IDOK);
+    editor.Answer(L"Import", L"Import failed.\n\nThe file holds no setting of this editor.", IDOK);
     EXPECT_EQ(folder.Read(L"Editor.ini"), before);
     dialog.PostPress(IDC_SETTINGS_IMPORT);
     editor.AnswerFileDialog(broken);
