@@ -20,7 +20,7 @@
 #include <deque>
 #include <utility>
 
-FilesState g_files;
+FilesSearchState g_files;
 
 namespace {
 
@@ -110,14 +110,14 @@ std::size_t CopyMore(OpenText& text, bool whole) {
 // --- Results
 
 // The places of the hits in the document, which has been edited since they were found.
-MovedPlaces PlacesAfter(const std::vector<FileHit>& hits, const std::vector<TextEdit>& edits) {
+MovedPlaces PlacesAfter(const std::vector<FileHit>& hits, const std::vector<FollowedEdit>& edits) {
     std::vector<std::ptrdiff_t> places;
     for (const FileHit& hit : hits) {
         places.push_back(hit.start);
         places.push_back(static_cast<std::ptrdiff_t>(hit.start) + hit.length);
     }
     MovedPlaces moved(std::move(places));
-    for (const TextEdit& edit : edits) {
+    for (const FollowedEdit& edit : edits) {
         if (edit.removed > 0) moved.Removed(edit.position, edit.removed);
         if (edit.inserted > 0) moved.Inserted(edit.position, edit.inserted);
     }
@@ -127,7 +127,7 @@ MovedPlaces PlacesAfter(const std::vector<FileHit>& hits, const std::vector<Text
 void LinkFile(ResultFile& file, DocumentId document) {
     file.document = document;
     const auto edits = g_files.edits.find(document);
-    file.places = PlacesAfter(file.hits, edits != g_files.edits.end() ? edits->second : std::vector<TextEdit>{});
+    file.places = PlacesAfter(file.hits, edits != g_files.edits.end() ? edits->second : std::vector<FollowedEdit>{});
     g_files.linked[document] = file.key;
 }
 
@@ -284,7 +284,7 @@ void FilesSearchOnEdit(DocumentId document, std::ptrdiff_t position, std::ptrdif
             texts[g_texts.next].utf8.clear();
             ++g_texts.restarts;
         }
-        std::vector<TextEdit>& edits = g_files.edits[document];
+        std::vector<FollowedEdit>& edits = g_files.edits[document];
         if (edits.size() < kMostEdits) edits.push_back({position, inserted, removed});
     }
     ResultFile* file = LinkedFile(document);

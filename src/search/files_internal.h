@@ -11,11 +11,11 @@
 #include <string>
 #include <vector>
 
-struct TextEdit {
+struct FollowedEdit {
     std::ptrdiff_t position, inserted, removed;
 };
 
-struct FilesState {
+struct FilesSearchState {
     FilesOptions options;  // of the last search
     std::wstring root;     // of its folder, without the backslash; empty: none
     FilesResults results;
@@ -29,10 +29,10 @@ struct FilesState {
     // Private to files_course_win.cpp.
     WPARAM number = 0;  // of the last search
     FilesSearchHandle search;
-    std::map<DocumentId, std::vector<TextEdit>> edits;  // since their texts were taken; while the search runs
-    std::map<DocumentId, std::wstring> linked;          // documents with hits: the key of their file
+    std::map<DocumentId, std::vector<FollowedEdit>> edits;  // since their texts were taken; while the search runs
+    std::map<DocumentId, std::wstring> linked;              // documents with hits: the key of their file
 };
-extern FilesState g_files;
+extern FilesSearchState g_files;
 
 // --- files_course_win.cpp: the search and what its results belong to
 // Starts a search and shows the pane. Returns a sentence for the user when it cannot be started, else an empty text.

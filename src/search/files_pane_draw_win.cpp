@@ -87,6 +87,14 @@ std::wstring PreviewOf(const FileHit& hit) {
     return text;
 }
 
+// The text before a match, without its beginning where the match would be out of sight.
+std::wstring BeforeInSight(std::wstring before, std::size_t match, const RECT& area) {
+    const auto room = static_cast<std::size_t>(std::max<LONG>(area.right - area.left, 0) / UiSizes().fixedWidth);
+    const std::size_t kept = room / 3;
+    if (before.size() + match <= room || before.size() <= kept) return before;
+    return L"\u2026" + before.substr(before.size() - kept);
+}
+
 void DrawHitRow(RowPaint row, const ResultFile& file, std::size_t index, const FilesRowPlaces& places) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     bool gone = false;
@@ -101,8 +109,8 @@ void DrawHitRow(RowPaint row, const ResultFile& file, std::size_t index, const F
     DrawPiece(row, number + L"  ", ThemeQuietText());
     const std::string_view shown = hit.shown;
     const COLORREF plain = gone ? ThemeQuietText() : chrome.paneText;
-    DrawPiece(row, Utf8ToWideText(shown.substr(0, hit.markStart)), plain);
     const std::wstring match = Utf8ToWideText(shown.substr(hit.markStart, hit.markLength));
+    DrawPiece(row, BeforeInSight(Utf8ToWideText(shown.substr(0, hit.markStart)), match.size(), row.area), plain);
     if (gone) {
         DrawPiece(row, match, plain);
     } else if (g_files.options.replacing && file.ticked[index]) {

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-std::vector<TextReplacement> ReplacementsAt(std::string_view utf8, const FilesQuery& query, std::string_view breaks,
-                                            std::span<const std::size_t> starts) {
-    std::vector<TextReplacement> replacements;
+std::vector<HitReplacement> ReplacementsAt(std::string_view utf8, const FilesQuery& query, std::string_view breaks,
+                                           std::span<const std::size_t> starts) {
+    std::vector<HitReplacement> replacements;
     auto matcher = TextMatcher::Of(query, nullptr);
     if (!matcher || !query.with) return replacements;
     // The text is searched from its start, as it was when the hits were found: a match may depend on the one before it.
@@ -15,10 +15,10 @@ std::vector<TextReplacement> ReplacementsAt(std::string_view utf8, const FilesQu
     return replacements;
 }
 
-std::string ReplacedText(std::string_view utf8, const std::vector<TextReplacement>& replacements) {
+std::string ReplacedText(std::string_view utf8, const std::vector<HitReplacement>& replacements) {
     std::string text;
     std::size_t at = 0;
-    for (const TextReplacement& each : replacements) {
+    for (const HitReplacement& each : replacements) {
         text += utf8.substr(at, each.span.start - at);
         text += each.text;
         at = each.span.start + each.span.length;

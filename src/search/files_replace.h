@@ -9,17 +9,17 @@
 #include <string_view>
 #include <vector>
 
-struct TextReplacement {
+struct HitReplacement {
     TextSpan span;
     std::string text;
 };
 
 // The replacements by `query.with` of those hits that begin at `starts` (ascending), in order. Hits of which the text
 // no longer has one are left out. `breaks`: what a line break in the replacement becomes in this text.
-std::vector<TextReplacement> ReplacementsAt(std::string_view utf8, const FilesQuery& query, std::string_view breaks,
-                                            std::span<const std::size_t> starts);
+std::vector<HitReplacement> ReplacementsAt(std::string_view utf8, const FilesQuery& query, std::string_view breaks,
+                                           std::span<const std::size_t> starts);
 // The text with them.
-std::string ReplacedText(std::string_view utf8, const std::vector<TextReplacement>& replacements);
+std::string ReplacedText(std::string_view utf8, const std::vector<HitReplacement>& replacements);
 
 // True when the text has the same hits as those that were found in it, and no others.
 bool HasSameHits(std::string_view utf8, const FilesQuery& query, std::span<const FileHit> hits);

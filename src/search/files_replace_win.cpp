@@ -82,9 +82,9 @@ std::wstring ReplaceInFile(const ReplaceTask& task, const FilesQuery& query, std
     const std::string_view utf8 = text.asItIs ? bytes.Text() : std::string_view{text.utf8};
     if (!HasSameHits(utf8, query, task.hits)) return L"it has changed since the search";
     if (text.form.inexact) return L"it has bytes that saving would not give back";
-    const std::vector<TextReplacement> replacements =
+    const std::vector<HitReplacement> replacements =
         ReplacementsAt(utf8, query, BreaksOf(text.lineEnding), TickedStarts(task));
-    const auto holds = [](const TextReplacement& each) { return AnsiCanHold(each.text); };
+    const auto holds = [](const HitReplacement& each) { return AnsiCanHold(each.text); };
     if (text.encoding == TextEncoding::Ansi && !std::ranges::all_of(replacements, holds))
         return L"its encoding cannot hold the new text";
     const std::string changed = ReplacedText(utf8, replacements);
@@ -125,7 +125,7 @@ ReplaceOutcome ReplaceInDocument(const ResultFile& file, const DocumentTab& tab,
         if (file.ticked[i]) starts.push_back(static_cast<std::size_t>(file.places.At(2 * i)));
     const LRESULT length = SciSend(tab.editor, SCI_GETLENGTH);
     const auto* bytes = reinterpret_cast<const char*>(SciSend(tab.editor, SCI_GETRANGEPOINTER, 0, length));
-    const std::vector<TextReplacement> replacements =
+    const std::vector<HitReplacement> replacements =
         ReplacementsAt({bytes, static_cast<std::size_t>(length)}, query, BreaksOf(tab.lineEnding), starts);
     outcome.replaced = replacements.size();
     SciSend(tab.editor, SCI_BEGINUNDOACTION);
