@@ -1,4 +1,5 @@
 // Rules of find and replace.
+#include "search/find_bar_rules.h"
 #include "search/find_engine.h"
 #include "search/find_rules.h"
 #include "search/replacement.h"
@@ -88,6 +89,29 @@ TEST(FindRules, TakesOneLineOfASelection) {
     EXPECT_EQ(ReplaceStatusOf(RegexResult::NoMatch, 0), L"Not found: nothing replaced");
     EXPECT_EQ(ReplaceStatusOf(RegexResult::NoMatch, 12), L"12 replacements");
     EXPECT_EQ(ReplaceStatusOf(RegexResult::Stopped, 0), L"Stopped: nothing was replaced");
+}
+
+TEST(FindBarRules, PlacesWhatHasRoomAndCounts) {
+    const FindBarSizes sizes{.height = 30, .gap = 5, .controlHeight = 20, .widths = {100, 50, 50, 50, 80, 60, 40, 45}};
+    for (int width = 0; width <= 1200; width += 7) {
+        FindBarPlace places[kFindBarParts];
+        PlaceFindBar(sizes, width, places);
+        int right = 0;
+        for (const FindBarPlace& place : places) {
+            if (place.width == 0) continue;
+            EXPECT_GE(place.left, right + sizes.gap) << width;
+            right = place.left + place.width;
+        }
+        EXPECT_LE(right, width) << "nothing is cut off";
+        EXPECT_TRUE(places[0].width >= 100 || width < 110) << "the field stays to the last: " << width;
+        if (width > 600) EXPECT_GE(right, width - 2 * sizes.gap) << "the room is used";
+    }
+    EXPECT_EQ(FindBarCountText({.current = 3, .total = 120}), L"3 of 120");
+    EXPECT_EQ(FindBarCountText({.current = 3, .total = 120, .counting = true}), L"3 of 120...");
+    EXPECT_EQ(FindBarCountText({.total = 1}), L"1 match");
+    EXPECT_EQ(FindBarCountText({.total = 1000000, .capped = true}), L"more than 1000000 matches");
+    EXPECT_EQ(FindBarCountText({.counting = true}), L"Searching...");
+    EXPECT_EQ(FindBarCountText({}), L"No matches");
 }
 
 }  // namespace
