@@ -409,15 +409,24 @@ TEST(View, KeysReachEditorAndCommands) {
     editor.Keys({VK_SHIFT, 'I'});
     for (const int key :
          {int{VK_RETURN}, int{'A'}, int{'S'}, int{'M'}, int{VK_RETURN}, int{'A'}, int{'N'}, int{'D'}, int{VK_SPACE},
-          int{VK_RETURN}, int{'E'}, int{'N'}, int{'D'}, int{VK_SPACE}, int{'A'}, int{'S'}, int{'M'}, int{VK_SPACE}})
+          int{VK_RETURN}, int{'E'}, int{'N'}, int{'D'}, int{VK_SPACE}, int{'A'}, int{'S'}, int{'M'}, int{VK_RETURN}})
         editor.Keys({key});
-    // Indented like the line above, and keywords in capitals, but not in assembly.
-    const std::string typed = "  x = 1\r\n  h IF I\r\n  ASM\r\n  and \r\n  END ASM ";
+    // Indented by the blocks above, END ASM taken back, and keywords in capitals, but not in assembly.
+    const std::string typed = "  x = 1\r\n  h IF I\r\n  ASM\r\n      and \r\n  END ASM\r\n  ";
     EXPECT_TRUE(WaitFor([&] { return editor.Text() == typed; })) << editor.Text();
+    const auto opening = static_cast<LRESULT>(typed.find("ASM"));
+    editor.Sci(SCI_GOTOPOS, typed.find("END"));
+    editor.Keys({VK_CONTROL, 'M'});
+    EXPECT_TRUE(WaitFor([&] { return editor.Sci(SCI_GETCURRENTPOS) == opening; })) << "to the word that opens";
+    editor.Keys({VK_CONTROL, 'Q'});
+    EXPECT_TRUE(WaitFor([&] { return editor.Text().find("  ' ASM\r\n") != std::string::npos; })) << editor.Text();
+    editor.Keys({VK_CONTROL, 'Q'});
+    EXPECT_TRUE(WaitFor([&] { return editor.Text() == typed; })) << editor.Text();
+    editor.Sci(SCI_DOCUMENTEND);
     editor.Keys({VK_CONTROL, 'S'});
     EXPECT_TRUE(WaitFor([&] { return !editor.Modified(); }));
     EXPECT_EQ(folder.Read(L"a.bas"), typed);
-    EXPECT_TRUE(WaitFor([&] { return editor.Status(kPartPosition) == L"Ln 5, Col 11"; }))
+    EXPECT_TRUE(WaitFor([&] { return editor.Status(kPartPosition) == L"Ln 6, Col 3"; }))
         << Utf8(editor.Status(kPartPosition));
     editor.Keys({VK_CONTROL, 'N'});
     EXPECT_TRUE(WaitFor([&] { return editor.Tabs() == 2; }));
@@ -425,6 +434,19 @@ TEST(View, KeysReachEditorAndCommands) {
     EXPECT_TRUE(WaitFor([&] { return editor.Sci(SCI_GETZOOM) == 1; }));
     editor.Keys({VK_CONTROL, '0'});
     EXPECT_TRUE(WaitFor([&] { return editor.Sci(SCI_GETZOOM) == 0; }));
+}
+
+TEST(View, ABlockIsClosedWhenItIsOpened) {
+    ProgramFolder folder;
+    folder.SetIni(L"Editor", L"AutoCloseBlocks", L"1");
+    Editor editor(folder, OpenArgument(folder.Write(L"a.bas", "sub a\r\n\r\nend sub\r\n")));
+    editor.Foreground();
+    ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
+    editor.Sci(SCI_GOTOPOS, 5);
+    editor.Keys({VK_RETURN});  // this block is closed already
+    for (const int key : {int{'D'}, int{'O'}, int{VK_RETURN}, int{'X'}}) editor.Keys({key});
+    const char* typed = "sub a\r\n    DO\r\n        x\r\n    LOOP\r\n\r\nend sub\r\n";
+    EXPECT_TRUE(WaitFor([&] { return editor.Text() == typed; })) << editor.Text();
 }
 
 TEST(View, AClickMeansWhatTheViewShows) {
