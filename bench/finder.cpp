@@ -93,11 +93,12 @@ struct Finder {
     explicit Finder(const Program& editor) : program(editor) {
         PostMessageW(program.Main(), WM_COMMAND, IDM_QUICK_OPEN, 0);
         const double start = NowMs();
-        while (GetDlgItem(program.Main(), IDC_QUICK_OPEN) == nullptr) {
+        HWND window = nullptr;
+        while (window == nullptr || IsWindowVisible(window) == FALSE) {  // shown when all of it is made
             if (NowMs() - start > kLimitMs) Die("the file finder does not open");
             Sleep(1);
+            window = GetDlgItem(program.Main(), IDC_QUICK_OPEN);
         }
-        const HWND window = GetDlgItem(program.Main(), IDC_QUICK_OPEN);
         field = GetDlgItem(window, IDC_QUICK_FIELD);
         list = GetDlgItem(window, IDC_QUICK_LIST);
         block = VirtualAllocEx(program.Process(), nullptr, 4096, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
