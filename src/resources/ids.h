@@ -50,6 +50,12 @@
 #define IDM_BOOKMARKS_CLEAR 1043
 #define IDM_EDIT_MATCH 1090
 #define IDM_EDIT_COMMENT 1091
+#define IDM_SYMBOL_DEFINITION 1080
+#define IDM_SYMBOL_REFERENCES 1081
+#define IDM_SYMBOL_RENAME 1082
+#define IDM_SYMBOL_IN_DOCUMENT 1083
+#define IDM_SYMBOL_IN_PROJECT 1084
+#define IDM_VIEW_OUTLINE 1085
 #define IDM_EDIT_FORMAT_DOCUMENT 1230
 #define IDM_EDIT_FORMAT_SELECTION 1231
 #define IDM_FILES_FIND 1070
@@ -315,6 +321,9 @@
 #define MSG_AI_PIECES (0x8000 + 60)        // pieces of a streamed reply wait
 #define MSG_AI_ENDED (0x8000 + 34)         // wParam: AiRequestEnd*, deleted by the receiver
 #define MSG_DEBUG_LAUNCH (0x8000 + 11)     // starts the program of a finished debug build under the debugger
+#define MSG_SYMBOLS_SCANNED (0x8000 + 78)  // wParam: symbols of a document, for SymbolsOnScanned
+#define MSG_SYMBOLS_FILES (0x8000 + 79)    // wParam: symbols of files, for SymbolsOnFilesScanned
+#define MSG_SYMBOLS_PLACES (0x8000 + 80)   // wParam: places of a name, for ReferencesOnFound
 #define MSG_COMPILERS_SEEN (0x8000 + 24)   // wParam: what CompilersLook found, for CompilersOnLooked
 #define MSG_TREE_ITEMS (0x8000 + 10)       // to the project tree; wParam: TreeListing*, deleted by the receiver
 #define MSG_SETTINGS_LOOKED (0x8000 + 40)  // to the settings dialog; wParam: PathSight*, deleted by the receiver
@@ -339,6 +348,7 @@
 #define TIMER_DEBUG_CONSOLE 6
 #define TIMER_POSITION 7   // shows the caret's place in the status bar
 #define TIMER_AI 8         // shows the progress of the assistant's requests in the status bar
+#define TIMER_SYMBOLS 14   // scans edited documents for their symbols in pauses of the typing
 #define TIMER_AI_MARKS 21  // updates the marks of a replacement that waits
 #define TIMER_AI_PIECES 9  // shows what has come of streamed replies
 #define TIMER_FIND 12      // goes on with what the search bar looks for
