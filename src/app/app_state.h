@@ -15,6 +15,7 @@
 #include "search/search_state.h"
 #include "session/session_state.h"
 #include "settings/settings_state.h"
+#include "symbols/outline_state.h"
 #include "tabs/tabs_state.h"
 #include "ui/message.h"
 #include "ui/ui_state.h"
@@ -31,6 +32,7 @@ struct AppState : SettingsState,
                   DebugUiState,
                   SessionState,
                   SearchState,
+                  OutlineState,
                   AiState,
                   CommandsState {};
 

@@ -27,6 +27,7 @@
 #include "search/find_bar.h"
 #include "session/session.h"
 #include "settings/version.h"
+#include "symbols/symbol_commands.h"
 #include "ui/clipboard.h"
 #include "ui/long_work.h"
 #include "ui/message.h"
@@ -161,7 +162,7 @@ std::vector<CommandHandler> AllCommandHandlers() {
     for (const std::span<const CommandHandler> area :
          {std::span<const CommandHandler>(kFrameHandlers), RecentCommandHandlers(), ViewCommandHandlers(),
           QuickOpenCommandHandlers(), BuildCommandHandlers(), DebugCommandHandlers(), AiCommandHandlers(),
-          FilesSearchCommandHandlers()})
+          FilesSearchCommandHandlers(), SymbolCommandHandlers()})
         all.insert(all.end(), area.begin(), area.end());
     return all;
 }
@@ -184,7 +185,7 @@ void MainWnd_OnCommand(int command, int notification, HWND control) {
     if (RunCommandHandler(kFrameHandlers, command) || RunCommandHandler(RecentCommandHandlers(), command) ||
         RunCommandHandler(ViewCommandHandlers(), command) || RunCommandHandler(QuickOpenCommandHandlers(), command) ||
         CmdHandle_Build(command) || CmdHandle_Debug(command) || CmdHandle_AI(command) ||
-        RunCommandHandler(FilesSearchCommandHandlers(), command))
+        RunCommandHandler(FilesSearchCommandHandlers(), command) || RunCommandHandler(SymbolCommandHandlers(), command))
         MainWindow_RequestStateRefresh();
 }
 

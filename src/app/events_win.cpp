@@ -23,10 +23,18 @@
 #include "search/files_search.h"
 #include "search/find_bar.h"
 #include "session/project_tree.h"
+#include "symbols/document_symbols.h"
+#include "symbols/outline_pane.h"
+#include "symbols/symbol_commands.h"
 #include "tabs/tab_bar.h"
 #include "ui/panes.h"
 
 namespace {
+
+void OnDocumentOpened(DocumentId document) {
+    TabBarOnOpened(document);
+    DefinitionLinksAttach(TabAt(TabBarFindDocument(document)).editor);
+}
 
 void OnDocumentActivated(DocumentId document) {
     TabBarOnActivated();
@@ -35,6 +43,7 @@ void OnDocumentActivated(DocumentId document) {
     MainWindow_UpdateTitle();
     StatusBarUpdatePosition();
     MenuUpdateState();
+    OutlineOnActivated(document);
 }
 
 void OnDocumentChanged(DocumentId document) {
@@ -44,7 +53,10 @@ void OnDocumentChanged(DocumentId document) {
     MainWindow_RequestStateRefresh();
 }
 
-void OnDocumentClosed(DocumentId, int index) { TabBarOnClosed(index); }
+void OnDocumentClosed(DocumentId document, int index) {
+    TabBarOnClosed(index);
+    SymbolsOnClosed(document);
+}
 
 void OnTextLeaving(DocumentId document) {
     BreakpointsKeepLines(document);
@@ -56,6 +68,7 @@ void OnTextArrived(DocumentId document) {
     BreakpointsRestoreMarkers(document);
     DebugRestoreLocation(document);
     FilesSearchOnTextArrived(document);
+    SymbolsOnTextArrived(document);
 }
 
 void OnDocumentNotice(DocumentId document, const wchar_t* notice) {
@@ -70,7 +83,7 @@ void OnProgramBuilt(const wchar_t* source, const wchar_t* listing) {
 }  // namespace
 
 void MainWnd_ConnectEvents() {
-    g_events.documentOpened = TabBarOnOpened;
+    g_events.documentOpened = OnDocumentOpened;
     g_events.documentActivated = OnDocumentActivated;
     g_events.documentChanged = OnDocumentChanged;
     g_events.documentMoved = TabBarOnMoved;

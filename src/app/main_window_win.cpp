@@ -16,6 +16,7 @@
 #include "search/find_bar.h"
 #include "session/session.h"
 #include "settings/compiler_presence.h"
+#include "symbols/references.h"
 #include "tabs/tab_bar.h"
 #include "ui/chrome.h"
 #include "ui/menu_draw.h"
@@ -44,6 +45,9 @@ bool RouteOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case MSG_AI_PIECES: AiOnPieces(); return true;
         case MSG_AI_ENDED: AiOnRequestEnded(WorkerTake<AiRequestEndPtr>(wParam)); return true;
         case MSG_DEBUG_LAUNCH: DebugOnBuilt(); return true;
+        case MSG_SYMBOLS_SCANNED: SymbolsOnScanned(wParam); return true;
+        case MSG_SYMBOLS_FILES: SymbolsOnFilesScanned(wParam); return true;
+        case MSG_SYMBOLS_PLACES: ReferencesOnFound(wParam); return true;
         case MSG_LATE_KEY: MainWnd_OnLateKey(static_cast<std::uint32_t>(wParam), lParam); return true;
         case MSG_STARTUP: MainWnd_OnStartup(); return true;
         case MSG_REINIT_EDITOR:
@@ -67,6 +71,7 @@ void RouteTimer(HWND window, UINT_PTR id) {
         case TIMER_AI_MARKS: AiOnMarksTimer(); break;
         case TIMER_AI_PIECES: AiOnPiecesTimer(); break;
         case TIMER_FIND: FindBarOnTimer(); break;
+        case TIMER_SYMBOLS: SymbolsOnTimer(); break;
         case TIMER_POSITION: MainWnd_OnPositionTimer(); break;
         default: break;
     }

@@ -20,6 +20,7 @@
 #include "search/files_search.h"
 #include "search/find_bar.h"
 #include "settings/settings_state.h"
+#include "symbols/document_symbols.h"
 #include "tabs/tab_bar.h"
 
 #include <shellapi.h>
@@ -122,6 +123,7 @@ void OnEditorNotification(const SCNotification& notification) {
             TellSearch(document, notification);
             AiOnTextEdited(document, notification);
             FindBarOnModified(editor, notification.modificationType);
+            SymbolsOnModified(document, notification);
             break;
         case SCN_PAINTED: BreakpointsOnPainted(document); break;
         case SCN_SAVEPOINTLEFT: OnSavePoint(tab, true); break;

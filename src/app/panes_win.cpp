@@ -13,6 +13,7 @@
 #include "resources/ids.h"
 #include "search/files_search.h"
 #include "session/project_tree.h"
+#include "symbols/outline_pane.h"
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
@@ -152,6 +153,17 @@ constexpr PaneSpec kPanes[] = {
      .applyTheme = FilesPaneApplyTheme,
      .command = IDM_VIEW_FILES_RESULTS,
      .onShown = FilesPaneFocus},
+    {.id = PaneId::Outline,
+     .title = L"Outline",
+     .area = PaneArea::Left,
+     .controlId = IDC_OUTLINE_PANE,
+     .window = &g_app.hOutline,
+     .create = OutlinePaneCreate,
+     .lazy = true,
+     .applyTheme = OutlinePaneApplyTheme,
+     .setting = &Settings::showOutline,
+     .command = IDM_VIEW_OUTLINE,
+     .onShown = OutlinePaneFocus},
 };
 
 constexpr bool PanesAreInOrder() {

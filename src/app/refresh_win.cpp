@@ -6,6 +6,7 @@
 #include "commands/status_bar.h"
 #include "commands/toolbar.h"
 #include "resources/ids.h"
+#include "symbols/outline_pane.h"
 
 #include <utility>
 
@@ -24,6 +25,7 @@ void ShowPosition() {
     if (std::exchange(g_refresh.positionWaits, false)) KillTimer(g_app.hMainWnd, TIMER_POSITION);
     g_refresh.positionAt = GetTickCount64();
     StatusBarUpdatePosition();
+    OutlineOnCaret();
 }
 
 // The first change is shown at once. While keys come one after the other, the status bar follows at intervals. The caret's

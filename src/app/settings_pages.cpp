@@ -175,6 +175,7 @@ constexpr Line kLmStudioLines[] = {
 constexpr Line kProjectLines[] = {
     {FIELD(projectRoot), Folder, L"Project folder", L"The folder that the project tree shows."},
     {FIELD(showProjectTree), Check, L"Show the project tree"},
+    {FIELD(showOutline), Check, L"Show the outline", L"The symbols of the document, below the project tree."},
     Numbered(FIELD(projectTreeWidth), L"Width of the tree", 100, 200, L"In pixels at 100 %."),
 };
 

@@ -21,6 +21,7 @@
 #include "scintilla/sci.h"
 #include "session/session.h"
 #include "settings/settings_store.h"
+#include "symbols/references.h"
 #include "ui/long_work.h"
 #include "ui/message.h"
 
@@ -236,6 +237,9 @@ void MainWnd_OnEndSession(bool ending) {
 }
 
 void MainWnd_OnDestroy(HWND window) {
+    SymbolsDropScans();
+    SymbolsDropFiles();
+    ReferencesDrop();
     KillTimer(window, TIMER_FOCUS);
     KillTimer(window, TIMER_SESSION);
     ToolbarDestroyImages();

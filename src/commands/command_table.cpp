@@ -58,6 +58,9 @@ constexpr CommandRow kCommands[] = {
     {IDM_FILES_PREVIOUS, kAlways},
     {IDM_QUICK_OPEN, kAlways},
     {IDM_COMMAND_PALETTE, kAlways},
+    {IDM_SYMBOL_DEFINITION, kHasTab},
+    {IDM_SYMBOL_REFERENCES, kHasTab},
+    {IDM_SYMBOL_RENAME, kHasTab},
     {IDM_BOOKMARK_TOGGLE, kHasTab},
     {IDM_BOOKMARK_NEXT, kHasTab},
     {IDM_BOOKMARK_PREVIOUS, kHasTab},
@@ -75,6 +78,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_VIEW_TERMINAL, kAlways, ShowsPane<PaneId::Terminal>},
     {IDM_VIEW_ERROR_LIST, kAlways, ShowsPane<PaneId::ErrorList>},
     {IDM_VIEW_FILES_RESULTS, kAlways, ShowsPane<PaneId::FilesResults>},
+    {IDM_VIEW_OUTLINE, kAlways, ShowsPane<PaneId::Outline>},
     {IDM_VIEW_WHITESPACE, kAlways, [](const CommandView& v) { return v.whitespace; }},
     {IDM_VIEW_WORD_WRAP, kAlways, [](const CommandView& v) { return v.wrap; }},
     {IDM_VIEW_ZOOM_IN, kAlways},
@@ -190,8 +194,8 @@ constexpr auto kAllCommands = AllCommands(std::make_index_sequence<kCompilerCoun
 // Virtual key numbers, defined here because this file includes no <windows.h>.
 constexpr std::uint16_t kCancel = 0x03, kTab = 0x09, kLeft = 0x25, kRight = 0x27, kZero = 0x30, kNumpad0 = 0x60,
                         kNumpadAdd = 0x6B, kNumpadSubtract = 0x6D, kF2 = 0x71, kF3 = 0x72, kF4 = 0x73, kF5 = 0x74,
-                        kF8 = 0x77, kF9 = 0x78, kF10 = 0x79, kF6 = 0x75, kF7 = 0x76, kF11 = 0x7A, kBackquote = 0xC0,
-                        kOemPlus = 0xBB, kOemMinus = 0xBD, kComma = 0xBC;
+                        kF8 = 0x77, kF9 = 0x78, kF10 = 0x79, kF6 = 0x75, kF7 = 0x76, kF11 = 0x7A, kF12 = 0x7B,
+                        kBackquote = 0xC0, kOemPlus = 0xBB, kOemMinus = 0xBD, kComma = 0xBC;
 
 constexpr ExtraKey kExtraKeys[] = {
     {kCancel, true, false, false, IDM_BUILD_STOP},
@@ -240,6 +244,10 @@ constexpr ExtraKey kExtraKeys[] = {
     {'I', true, false, false, IDM_SEARCH_INCREMENTAL},
     {'C', false, true, true, IDM_TAB_COPY_PATH},
     {L'R', true, true, false, IDM_RUN_IN_OUTPUT},
+    {kF12, false, false, false, IDM_SYMBOL_DEFINITION},
+    {kF12, false, true, false, IDM_SYMBOL_REFERENCES},
+    {'R', false, true, true, IDM_SYMBOL_RENAME},
+    {'O', false, true, true, IDM_VIEW_OUTLINE},
     {'H', true, true, false, IDM_FILES_FIND},
     {'J', true, true, false, IDM_FILES_REPLACE},
     {kF8, true, false, false, IDM_FILES_NEXT},
@@ -282,7 +290,7 @@ std::wstring NameOfExtraKey(const ExtraKey& key) {
     const auto* const named = std::ranges::find(kNames, key.key, [](const auto& row) { return row.key; });
     constexpr int kBeforeF1 = 0x6F;
     if (named != std::end(kNames)) return name + named->name;
-    if (key.key > kBeforeF1 && key.key <= kF11 + 1) return name + L"F" + std::to_wstring(key.key - kBeforeF1);
+    if (key.key > kBeforeF1 && key.key <= kF12) return name + L"F" + std::to_wstring(key.key - kBeforeF1);
     return name + static_cast<wchar_t>(key.key);
 }
 

@@ -95,6 +95,7 @@ constexpr CommandHandler kViewHandlers[] = {
     {IDM_VIEW_TERMINAL, TogglePane},
     {IDM_VIEW_ERROR_LIST, TogglePane},
     {IDM_VIEW_FILES_RESULTS, TogglePane},
+    {IDM_VIEW_OUTLINE, TogglePane},
     {IDM_NEXT_PANE, FocusPaneBeside},
     {IDM_PREVIOUS_PANE, FocusPaneBeside},
     {IDM_VIEW_WHITESPACE, ToggleSetting<&Settings::showWhitespace>},

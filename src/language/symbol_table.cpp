@@ -147,10 +147,14 @@ std::uint32_t ProcedureAtLine(const SymbolTable& table, std::uint32_t line) {
 
 std::uint32_t SymbolAtLine(const SymbolTable& table, std::uint32_t line) {
     std::uint32_t index = LastUpTo(table, line);
-    while (index != kNoSymbol && table.symbols[index].line == line && IsVariable(table.symbols[index].kind))
+    const auto ofProcedure = [&table](std::uint32_t i) {
+        return table.symbols[i].kind == SymbolKind::Local || table.symbols[i].kind == SymbolKind::Parameter;
+    };
+    while (index != kNoSymbol && table.symbols[index].line == line && ofProcedure(index))
         index = index == 0 ? kNoSymbol : index - 1;
-    return SymbolAround(table, index, [line](const Symbol& symbol) {
-        return !IsVariable(symbol.kind) && symbol.line <= line && symbol.endLine >= line;
+    return SymbolAround(table, index, [&](const Symbol& symbol) {
+        const auto i = static_cast<std::uint32_t>(&symbol - table.symbols.data());
+        return !ofProcedure(i) && symbol.line <= line && symbol.endLine >= line;
     });
 }
 

@@ -100,7 +100,7 @@ std::span<const std::uint32_t> SymbolsWithPrefix(const SymbolTable& table, std::
 
 // The innermost procedure or macro with a body that contains the line; kNoSymbol: none.
 std::uint32_t ProcedureAtLine(const SymbolTable& table, std::uint32_t line);
-// The last symbol that is not a variable and begins on or before the line and whose body, if it has one, reaches it;
+// The symbol on the line, else the innermost one whose body holds the line, variables of procedures not counted;
 // kNoSymbol: none.
 std::uint32_t SymbolAtLine(const SymbolTable& table, std::uint32_t line);
 // The innermost symbol around another, or itself, of which the predicate is true; kNoSymbol: none.

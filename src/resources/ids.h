@@ -12,6 +12,7 @@
 #define IDD_CONDITION 3140
 #define IDD_EXCEPTIONS 3170
 #define IDD_PROGRAM 3160
+#define IDD_RENAME 3180
 #define IDD_RECORDING 3210
 #define IDD_FILES_SEARCH 3300
 
@@ -205,6 +206,10 @@
 #define IDC_BAR_PREVIOUS 2326
 #define IDC_BAR_NEXT 2327
 #define IDC_BAR_CLOSE 2328
+#define IDC_OUTLINE_PANE 2340
+#define IDC_OUTLINE_FILTER 2341
+#define IDC_OUTLINE_ORDER 2342  // by place or by name
+#define IDC_OUTLINE_LIST 2343
 #define IDC_FILES_PANE 2330
 // Children of the pane with the results of a search over files.
 #define IDC_FILES_LIST 2331
@@ -259,6 +264,11 @@
 #define IDC_FIND_MARK_ALL 3116
 
 // --- Controls of the dialog of a search over files
+// --- Rename symbol
+#define IDC_RENAME_WHAT 2344
+#define IDC_RENAME_PLACES 2345
+#define IDC_RENAME_NAME 2346
+#define IDC_RENAME_PROBLEM 2347
 #define IDC_FILES_WHAT 3301
 #define IDC_FILES_WITH 3302
 #define IDC_FILES_WITH_LABEL 3303

@@ -188,6 +188,21 @@ ResultFile ResultOf(FoundFile found) {
     return file;
 }
 
+// What was found before goes.
+void BeginResults(const FilesOptions& options, const std::wstring& root) {
+    FilesSearchEnd();
+    ++g_files.number;
+    g_files.options = options;
+    g_files.root = root;
+    g_files.results.Clear();
+    g_files.tally = {};
+    g_files.current.reset();
+    g_files.note.clear();
+    g_files.edits.clear();
+    g_files.linked.clear();
+    g_files.stopped = false;
+}
+
 }  // namespace
 
 std::wstring FilesFolderWanted(const FilesOptions& options) {
@@ -203,17 +218,7 @@ std::wstring FilesSearchBegin(const FilesOptions& options) {
     if (!TextMatcher::Of(QueryOf(options), &fault)) return fault;
     if (options.scope != FilesScope::OpenDocuments) fault = RootOf(options, &root);
     if (!fault.empty()) return fault;
-    FilesSearchEnd();
-    ++g_files.number;
-    g_files.options = options;
-    g_files.root = root;
-    g_files.results.Clear();
-    g_files.tally = {};
-    g_files.current.reset();
-    g_files.note.clear();
-    g_files.edits.clear();
-    g_files.linked.clear();
-    g_files.stopped = false;
+    BeginResults(options, root);
     PaneShow(PaneId::FilesResults, true);
     if (FilesPaneWindow() == nullptr) return L"The pane of results could not be made";
     g_files.running = true;
@@ -223,6 +228,23 @@ std::wstring FilesSearchBegin(const FilesOptions& options) {
     FilesPaneStarted();
     FilesTextsGoOn();
     return {};
+}
+
+void FilesShowFound(const std::wstring& note, const std::string& text, std::vector<FoundFile> found) {
+    FilesOptions options;
+    options.what = Utf8ToWideText(text);
+    options.wholeWord = true;
+    std::wstring root = g_settings.projectRoot;
+    while (root.size() > 3 && root.ends_with(L'\\')) root.pop_back();
+    BeginResults(options, root);
+    PaneShow(PaneId::FilesResults, true);
+    if (FilesPaneWindow() == nullptr) return;
+    std::vector<ResultFile> files;
+    for (FoundFile& each : found) files.push_back(ResultOf(std::move(each)));
+    FilesPaneAdd(std::move(files));
+    g_files.note = note;
+    FilesPaneUpdate();
+    FilesPaneFocus();
 }
 
 void FilesTextsGoOn() {

@@ -7,6 +7,8 @@
 #include <windows.h>
 
 #include <span>
+#include <string>
+#include <vector>
 
 std::span<const CommandHandler> FilesSearchCommandHandlers();
 // Opens the dialog or activates the open one.
@@ -18,6 +20,11 @@ bool FilesDialogIsMessage(MSG* message);
 HWND FilesPaneCreate(HWND parent, int controlId);
 void FilesPaneApplyTheme();
 void FilesPaneFocus();
+
+// Shows hits that were found in another way, in place of the results that are there. `note` says what they are. A new
+// search for `text` as a whole word takes their place when the user searches again.
+struct FoundFile;
+void FilesShowFound(const std::wstring& note, const std::string& text, std::vector<FoundFile> found);
 
 // --- What the results follow. They cost nothing while there are none.
 // At `position`, so many bytes were inserted into the document's text or removed from it.

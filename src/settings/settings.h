@@ -106,6 +106,7 @@ struct Settings {
     // Project
     wchar_t projectRoot[kPathCapacity];
     std::int32_t showProjectTree;
+    std::int32_t showOutline;
     std::int32_t projectTreeWidth;  // pixels at 96 dpi
 
     // Assistant. The keys are clear text in memory and protected on disk.

@@ -158,6 +158,7 @@ constexpr SettingRow kOtherRows[] = {
     Affects(kEffectLayout, IntRow(kSideBar, L"AISidebarWidth", FIELD(aiSidebarWidth), 300, Within(150, 600))),
     Affects(kEffectProject, TextRow(kProject, L"Root", FIELD(projectRoot), kPathCapacity, L"")),
     Affects(kEffectLayout, BoolRow(kProject, L"ShowProjectTree", FIELD(showProjectTree), 0)),
+    Affects(kEffectLayout, BoolRow(kProject, L"ShowOutline", FIELD(showOutline), 0)),
     Affects(kEffectLayout, IntRow(kProject, L"ProjectTreeWidth", FIELD(projectTreeWidth), 200, Within(100, 200))),
     Affects(kEffectFrame, TextRow(kEditor, L"OutputFont", FIELD(outputFont), 64, L"Consolas")),
     Affects(kEffectFrame, IntRow(kEditor, L"OutputFontSize", FIELD(outputFontSize), 9, Within(4, 72))),

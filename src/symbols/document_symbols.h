@@ -33,3 +33,4 @@ void SymbolsOnTextArrived(DocumentId document);
 void SymbolsOnClosed(DocumentId document);
 void SymbolsOnTimer();                 // TIMER_SYMBOLS
 void SymbolsOnScanned(WPARAM wParam);  // MSG_SYMBOLS_SCANNED
+void SymbolsDropScans();               // the main window is about to go

@@ -41,12 +41,12 @@ struct Wish {
     std::function<void()> ready;
 };
 
-struct SymbolsState {
+struct WatchState {
     std::vector<std::unique_ptr<Watched>> watched;
     Wish wish;
     bool timerRuns = false;
 };
-SymbolsState g_symbols;
+WatchState g_symbols;
 
 struct ScanRequest {
     HWND window = nullptr;
@@ -266,3 +266,5 @@ void SymbolsOnScanned(WPARAM wParam) {
     else
         GoOn(*watched);
 }
+
+void SymbolsDropScans() { WorkerDropPosts<std::unique_ptr<ScanResult>>(g_ui.hMainWnd, MSG_SYMBOLS_SCANNED); }

@@ -28,3 +28,4 @@ void SymbolsWhenProjectKnown(std::function<void()> ready);
 bool SymbolsProjectLimited();  // the project is larger than what is kept of it
 
 void SymbolsOnFilesScanned(WPARAM wParam);  // MSG_SYMBOLS_FILES
+void SymbolsDropFiles();                    // the main window is about to go

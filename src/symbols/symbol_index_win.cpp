@@ -3,6 +3,7 @@
 
 #include "base/path.h"
 #include "documents/document_row.h"
+#include "resources/ids.h"
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
 #include "symbols/file_scan.h"
@@ -205,4 +206,10 @@ void SymbolsOnFilesScanned(WPARAM wParam) {
     group->foundAt = GetTickCount64();
     KeepKnown();
     if (const std::function<void()> ready = std::exchange(group->ready, {}); ready) ready();
+}
+
+void SymbolsDropFiles() {
+    WorkerAskToEnd(g_index.project.worker);
+    for (const FileGroup& group : g_index.groups) WorkerAskToEnd(group.worker);
+    WorkerDropPosts<std::unique_ptr<FileScanResult>>(g_ui.hMainWnd, MSG_SYMBOLS_FILES);
 }

@@ -42,12 +42,18 @@ SymbolSpot SpotOf(const ReachedText& text, std::uint32_t symbol) {
 
 void SymbolGoTo(const SymbolSpot& spot) {
     RememberCaret();
+    const NavHistory left = g_documents.navigation;
     if (!ShowSpotDocument(spot)) return;
     const HWND editor = g_documents.hEditor;
     const LRESULT start = Ask(editor, SCI_POSITIONFROMLINE, spot.line);
     const LRESULT position = start < 0 ? Ask(editor, SCI_GETLENGTH) : start + static_cast<LRESULT>(spot.column);
     CaretGoTo(editor, CaretPositionAt(editor, position));
+    // The place at which the document came up is none that the user was at.
+    NavHistory& history = g_documents.navigation;
+    history = left;
     RememberCaret();
+    history.navLastTab = g_documents.activeTab;
+    history.navLastLine = static_cast<std::int32_t>(spot.line);
     FocusCurrentEditor();
 }
 

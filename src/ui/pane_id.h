@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
-enum class PaneId : std::uint8_t { Output, ErrorList, Terminal, Debug, Asm, Ai, Tree, FilesResults };
-inline constexpr int kPaneCount = 8;
+enum class PaneId : std::uint8_t { Output, ErrorList, Terminal, Debug, Asm, Ai, Tree, FilesResults, Outline };
+inline constexpr int kPaneCount = 9;
 constexpr std::size_t PaneIndex(PaneId id) { return static_cast<std::size_t>(id); }
 // One bit for each pane.
 constexpr std::uint32_t PaneBit(PaneId id) { return 1U << static_cast<unsigned>(id); }
