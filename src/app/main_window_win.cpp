@@ -7,6 +7,7 @@
 #include "app/app_state.h"
 #include "base/wide_format.h"
 #include "commands/command_state.h"
+#include "commands/quick_symbols.h"
 #include "commands/toolbar.h"
 #include "compile/build.h"
 #include "debugui/debug_commands.h"
@@ -47,7 +48,9 @@ bool RouteOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case MSG_DEBUG_LAUNCH: DebugOnBuilt(); return true;
         case MSG_SYMBOLS_SCANNED: SymbolsOnScanned(wParam); return true;
         case MSG_SYMBOLS_FILES: SymbolsOnFilesScanned(wParam); return true;
-        case MSG_SYMBOLS_PLACES: ReferencesOnFound(wParam); return true;
+        case MSG_SYMBOLS_PLACES:
+            lParam == kSymbolNamesBuilt ? QuickSymbolsOnBuilt(wParam) : ReferencesOnFound(wParam);
+            return true;
         case MSG_LATE_KEY: MainWnd_OnLateKey(static_cast<std::uint32_t>(wParam), lParam); return true;
         case MSG_STARTUP: MainWnd_OnStartup(); return true;
         case MSG_REINIT_EDITOR:

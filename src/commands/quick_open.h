@@ -12,6 +12,8 @@ std::span<const CommandHandler> QuickOpenCommandHandlers();
 // True when the message is a key for the open window, which then has handled it: the program's own keys do not count
 // there.
 bool QuickOpenIsMessage(const MSG& message);
+// Searches again in the open window, because a source has other texts now.
+void QuickOpenRenew();
 // Places the open window anew, above the editor.
 void QuickOpenPlace();
 // Closes the open window. The keyboard goes back to where it was.

@@ -185,12 +185,16 @@ void OnNewRows(bool found) {
     if (g_quick.acceptWhenFound) AcceptSelected();
 }
 
-void OnProjectFiles(WPARAM block) {
-    if (!ProjectFilesOnBlock(block) || !g_quick.open || QuickSearchNow().source != &kQuickFiles) return;
+// The texts of the list have become others.
+void SearchAgain() {
     const bool wanted = g_quick.acceptWhenFound;
     const std::wstring kept = QuickListSelected() > 0 ? SelectedText() : std::wstring{};
     if (QuickSearchType(g_quick.window, WindowText(g_quick.field))) ShowRows(kept);
     g_quick.acceptWhenFound = wanted && QuickSearchNow().running;
+}
+
+void OnProjectFiles(WPARAM block) {
+    if (ProjectFilesOnBlock(block) && g_quick.open && QuickSearchNow().source == &kQuickFiles) SearchAgain();
 }
 
 void SetTyped(const wchar_t* text) {
@@ -399,6 +403,8 @@ void ShowQuick(const wchar_t* typed) {
 constexpr CommandHandler kQuickOpenHandlers[] = {
     {IDM_QUICK_OPEN, [](int) { ShowQuick(L""); }},
     {IDM_COMMAND_PALETTE, [](int) { ShowQuick(L">"); }},
+    {IDM_SYMBOL_IN_DOCUMENT, [](int) { ShowQuick(L"@"); }},
+    {IDM_SYMBOL_IN_PROJECT, [](int) { ShowQuick(L"#"); }},
 };
 
 }  // namespace
@@ -411,6 +417,10 @@ bool QuickOpenIsMessage(const MSG& message) {
     TranslateMessage(&message);
     DispatchMessageW(&message);
     return true;
+}
+
+void QuickOpenRenew() {
+    if (g_quick.open) SearchAgain();
 }
 
 void QuickOpenPlace() {

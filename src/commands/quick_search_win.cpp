@@ -12,7 +12,8 @@ namespace {
 
 constexpr std::size_t kAtOnce = 5000;  // so many texts take about a millisecond
 
-constexpr const QuickSource* kSources[] = {&kQuickFiles, &kQuickCommands, &kQuickLine};
+constexpr const QuickSource* kSources[] = {&kQuickFiles, &kQuickCommands, &kQuickLine, &kQuickDocumentSymbols,
+                                            &kQuickProjectSymbols};
 
 struct QuickFound {
     unsigned request = 0;
