@@ -420,7 +420,9 @@ bool QuickOpenIsMessage(const MSG& message) {
 }
 
 void QuickOpenRenew() {
-    if (g_quick.open) SearchAgain();
+    if (!g_quick.open) return;
+    SearchAgain();
+    PlaceQuick();  // the list has as many rows as there are
 }
 
 void QuickOpenPlace() {
