@@ -152,5 +152,6 @@ bool HasDefinition(LRESULT position, LRESULT* start, LRESULT* end) {
     if (!word) return false;
     *start = word->position;
     *end = word->position + static_cast<LRESULT>(word->word.name.size());
-    return word->word.isInclude || !CandidatesIn(SymbolsInReach(word->document), *word).places.empty();
+    const bool declared = !CandidatesIn(SymbolsInReach(word->document), *word).places.empty();
+    return declared || word->word.isInclude || !SymbolsReachIsKnown(word->document);
 }

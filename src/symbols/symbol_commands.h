@@ -12,7 +12,7 @@ std::span<const CommandHandler> SymbolCommandHandlers();
 // Goes to the definition of the word at a position of the active editor (bytes; -1: the caret's), once the symbols that
 // it needs are known. The status bar tells when there is none.
 void GoToDefinition(LRESULT position);
-// Whether GoToDefinition() would find one, as far as is known now; `*start` and `*end` become the word's place.
+// Whether GoToDefinition() may find one in what the document reaches; `*start` and `*end` become the word's place.
 bool HasDefinition(LRESULT position, LRESULT* start, LRESULT* end);
 
 // Underlines the word under the mouse while Ctrl is held, and takes the click on it. For a new editor.

@@ -18,6 +18,8 @@ struct ReachedText {
 // The document itself, then what it includes, directly or through other files, as far as it is known now. Asks for what
 // is not known yet, or may have changed.
 std::vector<ReachedText> SymbolsInReach(DocumentId document);
+// Whether these are all that the text includes now.
+bool SymbolsReachIsKnown(DocumentId document);
 // Calls `ready` once SymbolsInReach() holds what the document's text and the files on the disk say now. A later call of
 // this or of the next function takes the place of one that still waits.
 void SymbolsWhenReached(DocumentId document, std::function<void()> ready);

@@ -174,6 +174,11 @@ std::vector<ReachedText> SymbolsInReach(DocumentId document) {
     return texts;
 }
 
+bool SymbolsReachIsKnown(DocumentId document) {
+    const FileGroup* group = FindGroup(document);
+    return document != 0 && group != nullptr && SymbolsAreCurrent(document) && IncludesAreKnown(*group);
+}
+
 void SymbolsWhenReached(DocumentId document, std::function<void()> ready) {
     SymbolsWhenCurrent(
         document,
