@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t kAtOnce = 5000;  // so many texts take about a millisecond
 
 constexpr const QuickSource* kSources[] = {&kQuickFiles, &kQuickCommands, &kQuickLine, &kQuickDocumentSymbols,
-                                            &kQuickProjectSymbols};
+                                           &kQuickProjectSymbols};
 
 struct QuickFound {
     unsigned request = 0;

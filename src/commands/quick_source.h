@@ -56,9 +56,9 @@ struct QuickSource {
     void (*accept)(const QuickItem& item, const QuickQuery& query) = nullptr;
 };
 
-extern const QuickSource kQuickFiles;     // quick_files_win.cpp
-extern const QuickSource kQuickCommands;  // quick_commands_win.cpp
-extern const QuickSource kQuickLine;      // quick_line_win.cpp
+extern const QuickSource kQuickFiles;                                  // quick_files_win.cpp
+extern const QuickSource kQuickCommands;                               // quick_commands_win.cpp
+extern const QuickSource kQuickLine;                                   // quick_line_win.cpp
 extern const QuickSource kQuickDocumentSymbols, kQuickProjectSymbols;  // quick_symbols_win.cpp
 
 // The table of the sources.
