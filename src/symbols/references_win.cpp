@@ -9,6 +9,7 @@
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
 #include "files/file_io.h"
+#include "language/lexer_table.h"
 #include "resources/ids.h"
 #include "symbols/file_scan.h"
 #include "ui/ui_state.h"
@@ -117,7 +118,7 @@ std::vector<ReferenceText> TextsToSearch(const References& references) {
     if (references.target.scope == ReferenceScope::Procedure) return texts;
     std::set<std::wstring> seen{PathKey(own.path)};
     for (const DocumentTab& tab : g_documents.tabs)
-        if (tab.id != own.id && !SymbolsOfDocument(tab.id)->symbols.empty()) {
+        if (tab.id != own.id && LexerFromExtension(tab.path) == Language::Basic) {
             texts.push_back(TextOfDocument(tab));
             seen.insert(PathKey(tab.path));
         }

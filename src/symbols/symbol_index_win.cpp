@@ -191,8 +191,13 @@ std::vector<ReachedText> SymbolsInProject() {
     Refresh(g_index.project);
     std::vector<ReachedText> texts;
     for (const DocumentTab& tab : g_documents.tabs) texts.push_back(Reached(tab));
-    for (const FileSymbolsPtr& file : g_index.project.files)
-        if (TabBarFindPath(file->path.c_str()) < 0) texts.push_back({file->path, 0, file->table});
+    for (const FileSymbolsPtr& file : g_index.project.files) {
+        const int tab = TabBarFindPath(file->path.c_str());
+        if (tab < 0)
+            texts.push_back({file->path, 0, file->table});
+        else  // until the document was scanned itself
+            texts[static_cast<std::size_t>(tab)] = Reached(*file);
+    }
     return texts;
 }
 
