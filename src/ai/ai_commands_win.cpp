@@ -35,6 +35,7 @@ namespace {
 
 constexpr COLORREF kAiProgress = RGB(0, 128, 0);
 constexpr COLORREF kAiFailure = RGB(180, 0, 0);
+constexpr wchar_t kHowToApply[] = L"Tools > Apply Code of Last Reply puts the answer in place of %s sent.\n";
 
 const wchar_t* UrlOfService(AiService service) {
     return service == AiService::OpenAi ? g_settings.openAIUrl : g_settings.lmStudioUrl;
@@ -151,9 +152,7 @@ void AskAboutError(int command) {
     HeapBlock<char> message(
         HeapText(fix ? FixQuestion(asked, target.sent, firstLine) : ExplainQuestion(asked, target.sent, firstLine)));
     OutputPaneAppend(FormatW(L"[%s] Thinking...\n", AiServiceName(service)).c_str(), kAiProgress);
-    if (fix)
-        OutputPaneAppend(L"Tools > Apply Code of Last Reply puts the answer in place of the lines sent.\n",
-                         kAiProgress);
+    if (fix) OutputPaneAppend(FormatW(kHowToApply, L"the lines").c_str(), kAiProgress);
     ShowChat();
     AiChatAppend(FormatW(L"[You]: %s this error: %s\r\n", fix ? L"Fix" : L"Explain",
                          Utf8ToWideText(AskedErrorLine(asked)).c_str()));
@@ -331,6 +330,7 @@ bool AiDoStart(const std::wstring& instruction) {
     if (!SendIsAllowed(UrlOfService(service), target, message.size() + system.size())) return false;
     OutputPaneClear();
     OutputPaneAppend(L"[AI Do] Sending request...\n", kAiProgress);
+    OutputPaneAppend(FormatW(kHowToApply, L"the code").c_str(), kAiProgress);
     ShowChat();
     auto job = JobFor<AiDoJob>(service);
     job.message.reset(HeapText(message));
@@ -356,5 +356,9 @@ void AiOnReply(WPARAM wParam, LPARAM status) {
         }
         case AiReplyPath::Nothing: break;
     }
+    if (g_ai.aiDoPending)
+        OutputPaneAppend(
+            L"The AI replacement is accepted, because another reply has come. Edit > Undo takes it back.\n",
+            kAiProgress);
     AiReplacementForget();
 }

@@ -40,8 +40,25 @@ LRESULT CALLBACK AiInputProc(HWND input, UINT message, WPARAM wParam, LPARAM lPa
             FocusCurrentEditor();
         return 0;
     }
-    if (message == WM_CHAR && (wParam == L'\r' || wParam == 0x1B)) return 0;  // an edit field would beep
+    if (message == WM_KEYDOWN && wParam == VK_TAB) {
+        SetFocus(GetKeyState(VK_SHIFT) < 0 ? g_ai.hAiChat : g_ai.hAiSend);
+        return 0;
+    }
+    // An edit field would beep.
+    if (message == WM_CHAR && (wParam == L'\r' || wParam == L'\t' || wParam == 0x1B)) return 0;
     return SubclassNext(input, message, wParam, lParam);
+}
+
+LRESULT CALLBACK AiSendProc(HWND send, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
+    if (message == WM_KEYDOWN && wParam == VK_TAB)
+        SetFocus(GetKeyState(VK_SHIFT) < 0 ? g_ai.hAiInput : g_ai.hAiChat);
+    else if (message == WM_KEYDOWN && wParam == VK_RETURN)
+        PostMessageW(g_ui.hMainWnd, WM_COMMAND, IDC_AI_SEND, 0);
+    else if (message == WM_KEYDOWN && wParam == VK_ESCAPE)
+        AiPaneFocusInput();
+    else
+        return SubclassNext(send, message, wParam, lParam);
+    return 0;
 }
 
 }  // namespace
@@ -53,6 +70,7 @@ HWND AiPaneCreate(HWND parent, int controlId) {
     SendMessageW(g_ai.hAiInput, EM_LIMITTEXT, kInputLimit, 0);
     SubclassAdd(g_ai.hAiInput, AiInputProc);
     g_ai.hAiSend = CreateAiControl(parent, WC_BUTTONW, L"Send", 0, BS_PUSHBUTTON, IDC_AI_SEND);
+    SubclassAdd(g_ai.hAiSend, AiSendProc);
     return chat;
 }
 

@@ -29,6 +29,7 @@ const wchar_t* ReplaceProblem(int tab, const AiTarget& target) {
     if (!IsTabIndex(tab)) return L"The document is closed";
     const HWND editor = TabAt(tab).editor;
     if (SciSend(editor, SCI_GETREADONLY) != 0) return L"The document is read-only";
+    if (target.several) return L"Several selections were sent";
     const bool holds = RangeHolds(editor, target.start, target.sent) &&
                        (!target.all || static_cast<std::size_t>(SciSend(editor, SCI_GETLENGTH)) == target.sent.size());
     return holds ? nullptr : L"The text is no longer as it was sent";
@@ -104,7 +105,7 @@ void OfferNewDocument(const wchar_t* problem, const char* code) {
                                    .buttons = AskButtons::YesNo,
                                    .icon = AskIcon::Warning,
                                    .inSelftest = Answer::Yes};
-    if (AskUser(question) == Answer::Yes) TabBarSelect(AddReplyDocument(code));
+    if (AskUser(question) == Answer::Yes) TabBarActivate(AddReplyDocument(code));
 }
 
 void MoveTarget(AiTarget& target, DocumentId document, const TextEdit& edit) {
@@ -127,6 +128,7 @@ AiTarget AiTargetNow(bool orAll, const char* sent) {
     target.end = static_cast<std::size_t>(SciSend(editor, SCI_GETSELECTIONEND));
     target.all = orAll && target.start == target.end;
     if (target.all) target.start = target.end = 0;
+    target.several = !target.all && SciSend(editor, SCI_GETSELECTIONS) > 1;
     return target;
 }
 

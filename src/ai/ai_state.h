@@ -14,9 +14,10 @@ struct AiTarget {
     DocumentId document = 0;  // 0: the request was made of no document
     std::size_t start = 0;    // byte positions of the selection, which follow edits elsewhere in the document
     std::size_t end = 0;
-    std::string sent;   // the bytes from `start` to `end`, or all
-    bool all = false;   // the whole document was sent; `start` and `end` are 0
-    int firstLine = 0;  // of `sent`, from 1, when the request told the lines' numbers; else 0
+    std::string sent;      // the bytes from `start` to `end`, or all
+    bool all = false;      // the whole document was sent; `start` and `end` are 0
+    bool several = false;  // more than one selection was sent, so that no one range holds the text
+    int firstLine = 0;     // of `sent`, from 1, when the request told the lines' numbers; else 0
 };
 
 // A replacement that waits to be accepted or undone.

@@ -73,7 +73,7 @@ LRESULT CALLBACK ChatWindowProc(HWND chat, UINT message, WPARAM wParam, LPARAM l
     switch (message) {
         case WM_KEYDOWN:
             if (wParam == VK_ESCAPE) FocusCurrentEditor();
-            if (wParam == VK_TAB) AiPaneFocusInput();
+            if (wParam == VK_TAB) SetFocus(GetKeyState(VK_SHIFT) < 0 ? g_ai.hAiSend : g_ai.hAiInput);
             break;
         case WM_CHAR:
             if (wParam <= L' ') break;

@@ -84,6 +84,7 @@ void OpenWorkspace() {
         case WorkspaceFile::Ours:  // it fails when the user keeps a document open
             if (WorkspaceLoad(path.c_str()) == 0) break;
             EnsureEditableStartupTab();  // all its files may be away
+            FocusCurrentEditor();
             StatusBarSetText(L"Workspace opened");
             break;
         case WorkspaceFile::Foreign:
@@ -109,9 +110,17 @@ void ShowAbout(int) {
         L"Editor " KVX_VERSION L"\n\nA source editor for BASIC, C and assembly: write, build, go to the error, run.");
 }
 
+// Leads the keyboard to the document that came to the front. Without one, it stays where it is.
+template <typename Work>
+void ToAnotherDocument(Work work) {
+    const DocumentId before = ActiveDocumentId();
+    work();
+    if (ActiveDocumentId() != before) FocusCurrentEditor();
+}
+
 constexpr CommandHandler kFrameHandlers[] = {
-    {IDM_FILE_NEW, [](int) { FileNew(); }},
-    {IDM_FILE_OPEN, [](int) { FileOpen(nullptr); }},
+    {IDM_FILE_NEW, [](int) { ToAnotherDocument([] { FileNew(); }); }},
+    {IDM_FILE_OPEN, [](int) { ToAnotherDocument([] { FileOpen(nullptr); }); }},
     {IDM_FILE_SAVE, [](int) { SaveAndBuildIfAsked(); }},
     {IDM_FILE_SAVE_AS, [](int) { FileSaveAs(g_app.activeTab); }},
     {IDM_FILE_SAVE_ALL, [](int) { FileSaveAll(); }},

@@ -23,6 +23,11 @@
 #include "ui/menu_draw.h"
 #include "ui/paint.h"
 
+#include <commctrl.h>
+
+#include <iterator>
+#include <utility>
+
 namespace {
 
 constexpr wchar_t kMainClass[] = L"KVXEEditorWnd";
@@ -80,9 +85,29 @@ void RouteTimer(HWND window, UINT_PTR id) {
     }
 }
 
+// The field in which the user was typing when another window came to the front; null: none.
+HWND g_fieldLeft = nullptr;
+
+HWND FocusedField(HWND window) {
+    const HWND focus = GetFocus();
+    wchar_t name[8] = {};
+    if (focus == nullptr || IsChild(window, focus) == FALSE) return nullptr;
+    GetClassNameW(focus, name, static_cast<int>(std::size(name)));
+    return lstrcmpiW(name, WC_EDITW) == 0 ? focus : nullptr;
+}
+
+// What the user types on after a message box or another program is meant for the same field, not for the document.
 void MainWnd_OnActivate(HWND window, bool active) {
-    if (!active) return FindBarOnLeft();
-    FocusCurrentEditor();
+    if (!active) {
+        g_fieldLeft = FocusedField(window);
+        return FindBarOnLeft();
+    }
+    HWND field = std::exchange(g_fieldLeft, nullptr);
+    if (field == nullptr) field = FocusedField(window);  // the message can come twice
+    if (IsChild(window, field) != FALSE && IsWindowVisible(field) != FALSE)
+        SetFocus(field);
+    else
+        FocusCurrentEditor();
     FindBarOnEntered();
     CompilersLook(window, MSG_COMPILERS_SEEN);  // the user may have installed or removed one meanwhile
 }

@@ -6,6 +6,7 @@
 #include "app/recent_text.h"
 #include "base/wide_format.h"
 #include "commands/status_bar.h"
+#include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "files/file_io.h"
 #include "files/share_probe.h"
@@ -89,6 +90,7 @@ void OpenSession(const std::wstring& path) {
     if (SessionLoad(path.c_str(), g_app.hMainWnd) == 0) return;
     EnsureEditableStartupTab();  // all its files may be away
     SafeCopyW(g_app.sessionPath, path);
+    FocusCurrentEditor();
     StatusBarSetText(L"Session opened");
 }
 

@@ -180,6 +180,17 @@ TEST(Assistant, FailuresAreToldAndSilentServersCancelled) {
     AiFolder folder(true, false, L"sk-0123456789", server.Url(L"/"));
     Editor editor(folder);
     const std::wstring greeting = Chat(editor);
+    editor.Foreground();
+    const HWND field = editor.Child(IDC_AI_INPUT);
+    editor.Do(IDM_AI_EDIT);  // nothing is typed yet
+    ExpectMessage(editor, IDM_AI_OPENAI, L"Please select some text in the editor first.");
+    EXPECT_TRUE(WaitFor([&] { return editor.Focus() == field; })) << "what is typed on is no text of the document";
+    for (const int next : {IDC_AI_SEND, IDC_AI_CHAT, IDC_AI_INPUT}) {
+        editor.Send(editor.Focus(), WM_KEYDOWN, VK_TAB);
+        EXPECT_EQ(editor.Focus(), editor.Child(next));
+    }
+    editor.Do(IDM_FILE_NEW);
+    EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
     TypeInChat(editor, L"hello");
     editor.Do(IDC_AI_SEND);
     ASSERT_TRUE(AwaitChat(editor, L"[You]: hello\r\nhi"));
