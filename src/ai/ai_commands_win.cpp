@@ -221,11 +221,16 @@ void EditAsTyped(int) {
 }
 
 void ApplyReply(int) {
-    const HeapBlock<char> code(AiApiExtractCode(g_ai.aiReplyText.c_str()));
+    const AiLastReply& last = g_ai.aiReply;
+    if (const wchar_t* problem = ApplyProblem(last.state, last.target.document != 0); problem != nullptr) {
+        InfoMessage(L"%s", problem);
+        return;
+    }
+    const HeapBlock<char> code(AiApiExtractCode(last.text.c_str()));
     if (code == nullptr || code.get()[0] == '\0')
         InfoMessage(L"The last reply holds no code.");
     else
-        AiReplace(g_ai.aiReplyTarget, code.get());
+        AiReplace(last.target, code.get());
 }
 
 void ShowAiResult(const HeapBlock<char>& reply) {

@@ -6,6 +6,8 @@
 #include "base/utf8.h"
 #include "resources/ids.h"
 
+#include <cstring>
+
 namespace {
 
 constexpr char kAiDoModel[] = "gpt-4o-mini";  // whichever service was chosen, by design
@@ -29,6 +31,7 @@ void PostReply(const AiLink& link, const wchar_t* key, AiCall& call, const Worke
                 .httpStatus = call.extras.status,
                 .error = call.extras.error,
                 .replyEnd = call.replyEnd,
+                .blank = call.reply != nullptr && call.reply.get()[std::strspn(call.reply.get(), " \t\r\n")] == '\0',
                 .serviceText = WithoutKey(call.serviceText, ToUtf8(key))};
     if (end->end.outcome != AiOutcome::Cancelled) {
         if (call.reply != nullptr && call.replyEnd == ReplyEnd::Whole) end->reply = call.reply.get();

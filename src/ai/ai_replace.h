@@ -21,5 +21,6 @@ void AiReplacementForget();  // it stays, without a message and without an event
 void AiOnTextEdited(DocumentId document, const SCNotification& change);
 void AiOnTextLeaving(DocumentId document);  // a replacement in it no longer waits
 void AiOnMarksTimer();                      // TIMER_AI_MARKS
+void AiOnTextBack();                        // MSG_AI_TEXT_BACK
 // A document of that text beside the others, which is not shown. False when there is no memory or window for it.
 bool AiNewDocument(const char* utf8);

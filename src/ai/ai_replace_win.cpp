@@ -4,6 +4,7 @@
 #include "ai/ai_texts.h"
 #include "ai/pending_marks.h"
 #include "base/utf8.h"
+#include "documents/caret_place.h"
 #include "documents/document_row.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
@@ -67,6 +68,19 @@ void EndPendingAndTell() {
     g_events.aiReplacementChanged();
 }
 
+// The text is as it was before the replacement, and so is the selection.
+void AfterTakingBack(HWND editor, AiReplacement made) {
+    made.range.length = made.code.size();
+    made.whole = static_cast<std::size_t>(SciSend(editor, SCI_GETLENGTH)) + made.code.size() - made.target.sent.size();
+    const auto before = [&made](std::size_t place) {
+        return static_cast<LRESULT>(place < made.target.start ? place : place - made.target.start + made.range.start);
+    };
+    CaretSelect(editor, before(made.anchor), before(made.caret));
+    SciSend(editor, SCI_SETFIRSTVISIBLELINE, static_cast<WPARAM>(made.topRow));
+    SciSend(editor, SCI_SCROLLCARET);
+    g_ai.aiTakenBack = std::move(made);
+}
+
 void ShowMarks(HWND editor, bool first) {
     const ReplacementMarks marks =
         PendingMarksShow(editor, g_ai.aiReplacement.range, g_ai.aiReplacement.target.sent, first);
@@ -80,11 +94,12 @@ bool TakeReplacementBack(HWND editor, const AiReplacement& made) {
     const auto change = static_cast<LRESULT>(made.code.size()) - static_cast<LRESULT>(made.target.sent.size());
     SciSend(editor, SCI_UNDO);
     // The last step may have been another one, elsewhere in the document.
-    if (SciSend(editor, SCI_GETLENGTH) == length - change && RangeHolds(editor, made.range.start, made.target.sent))
-        return true;
-    SciSend(editor, SCI_REDO);
-    if (!RangeHolds(editor, made.range.start, made.code)) return false;
-    ReplaceRange(editor, made.range.start, made.code.size(), made.target.sent);
+    if (SciSend(editor, SCI_GETLENGTH) != length - change || !RangeHolds(editor, made.range.start, made.target.sent)) {
+        SciSend(editor, SCI_REDO);
+        if (!RangeHolds(editor, made.range.start, made.code)) return false;
+        ReplaceRange(editor, made.range.start, made.code.size(), made.target.sent);
+    }
+    AfterTakingBack(editor, made);
     return true;
 }
 
@@ -106,6 +121,32 @@ void OfferNewDocument(const wchar_t* problem, const char* code) {
                                    .icon = AskIcon::Warning,
                                    .inSelftest = Answer::Yes};
     if (AskUser(question) == Answer::Yes) TabBarActivate(AddReplyDocument(code));
+}
+
+// The user has undone the replacement that waits.
+bool IsTakenBack(HWND editor, const AiReplacement& made) {
+    return made.code != made.target.sent && made.range.length == made.target.sent.size() &&
+           RangeHolds(editor, made.range.start, made.target.sent);
+}
+
+void EndTakenBack() {
+    const DocumentId document = g_ai.aiReplacement.target.document;
+    EndPendingAndTell();
+    g_events.documentStatus(document, L"The AI replacement was undone");
+}
+
+// The user has redone a replacement that was undone: it waits again.
+void WaitAgain(HWND editor) {
+    g_ai.aiReplacement = std::exchange(g_ai.aiTakenBack, {});
+    g_ai.aiDoPending = true;
+    ShowMarks(editor, true);
+    g_events.aiReplacementChanged();
+}
+
+// A fresh edit leaves nothing to redo.
+void ForgetTakenBack() {
+    g_events.documentStatus(g_ai.aiTakenBack.target.document, L"");
+    g_ai.aiTakenBack = {};
 }
 
 void MoveTarget(AiTarget& target, DocumentId document, const TextEdit& edit) {
@@ -146,6 +187,10 @@ void AiReplace(const AiTarget& target, const char* code) {
         .code = ValidText(CodeInPlaceOf(target.sent, WithoutLineNumbers(code, target.sent, target.firstLine)).c_str(),
                           editor)};
     made.range = {target.start, made.code.size()};
+    made.anchor = static_cast<std::size_t>(SciSend(editor, SCI_GETANCHOR));
+    made.caret = static_cast<std::size_t>(SciSend(editor, SCI_GETCURRENTPOS));
+    made.topRow = SciSend(editor, SCI_GETFIRSTVISIBLELINE);
+    g_ai.aiTakenBack = {};
     ReplaceRange(editor, target.start, target.sent.size(), made.code);
     g_ai.aiReplacement = std::move(made);
     g_ai.aiDoPending = true;
@@ -181,16 +226,26 @@ void AiOnTextEdited(DocumentId document, const SCNotification& change) {
                            .inserted = (change.modificationType & SC_MOD_INSERTTEXT) != 0,
                            .undone = (change.modificationType & (SC_PERFORMED_UNDO | SC_PERFORMED_REDO)) != 0};
     MoveTarget(g_ai.aiDoTarget, document, edit);
-    MoveTarget(g_ai.aiReplyTarget, document, edit);
+    MoveTarget(g_ai.aiReply.target, document, edit);
     AiRequestsForTargets([&](AiTarget& target) { MoveTarget(target, document, edit); });
+    // Scintilla sets its caret after this notification.
+    const bool stepEnds = edit.undone && (change.modificationType & SC_LASTSTEPINUNDOREDO) != 0;
+    if (g_ai.aiTakenBack.target.document == document) {
+        if (!edit.undone)
+            ForgetTakenBack();
+        else if (stepEnds && (change.modificationType & SC_PERFORMED_REDO) != 0)
+            PostMessageW(g_ui.hMainWnd, MSG_AI_TEXT_BACK, 0, 0);
+    }
     AiReplacement& made = g_ai.aiReplacement;
     if (!g_ai.aiDoPending || made.target.document != document) return;
+    if (stepEnds) PostMessageW(g_ui.hMainWnd, MSG_AI_TEXT_BACK, 0, 0);
     if (EditTouches(made.range, edit)) SetTimer(g_ui.hMainWnd, TIMER_AI_MARKS, kMarksMs, nullptr);
     made.range = RangeAfterEdit(made.range, edit, made.code.size());
 }
 
 void AiOnTextLeaving(DocumentId document) {
     if (g_ai.aiDoPending && g_ai.aiReplacement.target.document == document) EndPendingAndTell();
+    if (g_ai.aiTakenBack.target.document == document) g_ai.aiTakenBack = {};
 }
 
 void AiOnMarksTimer() {
@@ -199,11 +254,25 @@ void AiOnMarksTimer() {
     const int tab = g_ai.aiDoPending ? TabBarFindDocument(made.target.document) : -1;
     if (!IsTabIndex(tab)) return;
     const HWND editor = TabAt(tab).editor;
-    const bool takenBack = made.code != made.target.sent && made.range.length == made.target.sent.size() &&
-                           RangeHolds(editor, made.range.start, made.target.sent);
-    if (!takenBack) return ShowMarks(editor, false);
-    EndPendingAndTell();
-    g_events.statusText(L"The AI replacement was undone");
+    if (IsTakenBack(editor, made))
+        EndTakenBack();
+    else
+        ShowMarks(editor, false);
+}
+
+void AiOnTextBack() {
+    const AiReplacement made = g_ai.aiDoPending ? g_ai.aiReplacement : g_ai.aiTakenBack;
+    const int tab = TabBarFindDocument(made.target.document);
+    if (!IsTabIndex(tab)) return;
+    const HWND editor = TabAt(tab).editor;
+    if (g_ai.aiDoPending) {
+        if (!IsTakenBack(editor, made)) return;
+        EndTakenBack();
+        AfterTakingBack(editor, made);
+    } else if (static_cast<std::size_t>(SciSend(editor, SCI_GETLENGTH)) == made.whole &&
+               RangeHolds(editor, made.range.start, made.code)) {
+        WaitAgain(editor);
+    }
 }
 
 bool AiNewDocument(const char* utf8) { return AddReplyDocument(utf8) >= 0; }

@@ -23,8 +23,9 @@ struct RunningRequest {
     Worker worker;
     AiLink link;
     AiTarget target;
-    ULONGLONG began;       // tick count
-    bool unheard = false;  // its reply is of no interest any more
+    ULONGLONG began;        // tick count
+    bool replying = false;  // text of a streamed reply has come
+    bool unheard = false;   // its reply is of no interest any more
 };
 std::vector<RunningRequest> g_running;
 int g_lastRequest = 0;
@@ -33,18 +34,26 @@ std::uint32_t SecondsSince(ULONGLONG began) { return static_cast<std::uint32_t>(
 
 void ShowAiProgress() {
     const RunningRequest& newest = g_running.back();
-    g_events.statusText(AiProgressText(newest.service, SecondsSince(newest.began), *newest.link.received).c_str());
+    const std::uint64_t received = *newest.link.received;
+    const AiProgress progress = {.seconds = SecondsSince(newest.began),
+                                 .received = received,
+                                 .replying = newest.link.pieces != nullptr ? newest.replying : received > 0,
+                                 .others = g_running.size() - 1};
+    g_events.statusText(AiProgressText(newest.service, progress).c_str());
 }
 
 // False: nothing has come since the last time. What comes after a cancel is dropped.
-bool TakePiecesOf(const RunningRequest& request) {
+bool TakePiecesOf(RunningRequest& request) {
     if (request.link.pieces == nullptr) return false;
     request.link.pieces->told = false;  // before the queue is emptied, so that no piece is left untold
     std::deque<std::string> pieces;
     request.link.pieces->queue.TakeAll(&pieces);
     std::string text;
     for (const std::string& piece : pieces) text += piece;
-    if (!text.empty() && !request.worker.cancel->Asked()) ChatViewPiece(request.link.request, text);
+    if (!text.empty() && !request.worker.cancel->Asked()) {
+        ChatViewPiece(request.link.request, text);
+        if (!std::exchange(request.replying, true)) ShowAiProgress();
+    }
     return !pieces.empty();
 }
 
@@ -54,6 +63,16 @@ void EndInChat(const RunningRequest& request, const AiRequestEnd& ended) {
     if (request.unheard) return;
     if (const std::wstring line = AiReplyEndLine(ended.end); !line.empty()) AiChatAppend(line);
     ChatHistoryAdd(request.link.question, pieces.empty() ? ended.reply : pieces);
+}
+
+void KeepReply(const RunningRequest& request, AiRequestEnd& ended) {
+    const AiReplyState state = AiReplyStateAfter({.request = request.link.request,
+                                                  .about = request.target.document != 0,
+                                                  .outcome = ended.end.outcome,
+                                                  .whole = !ended.reply.empty()},
+                                                 g_ai.aiReply.request);
+    if (state != AiReplyState::None)
+        g_ai.aiReply = {state, request.link.request, request.target, std::move(ended.reply)};
 }
 
 }  // namespace
@@ -96,12 +115,7 @@ void AiOnRequestEnded(AiRequestEndPtr ended) {
     g_running.erase(found);
     if (g_running.empty()) KillTimer(g_ui.hMainWnd, TIMER_AI);
     EndInChat(request, *ended);
-    if (!ended->reply.empty()) {
-        g_ai.aiReplyText = std::move(ended->reply);
-        g_ai.aiReplyTarget = request.target;
-    } else if (ended->end.outcome == AiOutcome::Answered) {
-        g_ai.aiReplyTarget = {};  // half a reply is not to be put in place of anything
-    }
+    KeepReply(request, *ended);
     const std::wstring text = AiEndText(request.service, SecondsSince(request.began), ended->end);
     if (ended->end.outcome == AiOutcome::Failed) AppLogMsg(L"FAIL: AI request: %s", text.c_str());
     g_events.statusText(text.c_str());
@@ -125,14 +139,14 @@ void AiOnTimer() {
 }
 
 void AiTakePieces() {
-    for (const RunningRequest& request : g_running) TakePiecesOf(request);
+    for (RunningRequest& request : g_running) TakePiecesOf(request);
 }
 
 void AiOnPieces() { SetTimer(g_ui.hMainWnd, TIMER_AI_PIECES, kPiecesMs, nullptr); }
 
 void AiOnPiecesTimer() {
     bool any = false;
-    for (const RunningRequest& request : g_running) any = TakePiecesOf(request) || any;
+    for (RunningRequest& request : g_running) any = TakePiecesOf(request) || any;
     if (!any) KillTimer(g_ui.hMainWnd, TIMER_AI_PIECES);
 }
 
@@ -141,8 +155,10 @@ void AiShutdown() {
     const ULONGLONG limit = GetTickCount64() + kShutdownMs;
     for (const RunningRequest& request : g_running) {
         const ULONGLONG now = GetTickCount64();
+        // Some versions of WinHTTP wait for the rest of a chunk in a call that nothing ends. The worker owns all that it
+        // uses, so it may end with the process.
         if (!WorkerWait(request.worker, now < limit ? static_cast<DWORD>(limit - now) : 0))
-            AppLogMsg(L"FAIL: an AI request did not end in time");
+            AppLogMsg(L"DBG AI request %d is left in a call of WinHTTP", request.link.request);
     }
     g_running.clear();
     WorkerDropPosts<HeapBlock<char>>(g_ui.hMainWnd, MSG_AI_REPLY);

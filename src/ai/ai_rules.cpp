@@ -104,9 +104,11 @@ AiReplyPath AiReplyPathOf(std::int64_t status, bool hasReply) {
     return status != 0 ? AiReplyPath::Failure : AiReplyPath::Nothing;
 }
 
-std::wstring AiProgressText(AiService service, std::uint32_t seconds, std::uint64_t received) {
-    std::wstring text = std::wstring(AiServiceName(service)) + L": waiting, " + Elapsed(seconds);
-    if (received >= 1024) text += L", " + std::to_wstring(received / 1024) + L" KB received";
+std::wstring AiProgressText(AiService service, const AiProgress& progress) {
+    std::wstring text = AiServiceName(service);
+    text += (progress.replying ? L": replying, " : L": waiting, ") + Elapsed(progress.seconds);
+    if (progress.received >= 1024) text += L", " + std::to_wstring(progress.received / 1024) + L" KB received";
+    if (progress.others > 0) text += L" (and " + std::to_wstring(progress.others) + L" more)";
     return text;
 }
 
@@ -123,13 +125,35 @@ std::wstring AiEndText(AiService service, std::uint32_t seconds, const AiEnd& en
 
 std::wstring AiReplyEndLine(const AiEnd& end) {
     if (end.outcome == AiOutcome::Cancelled) return L"[AI]: Cancelled.\r\n";
-    if (end.outcome != AiOutcome::Answered) return {};
+    if (end.outcome == AiOutcome::Failed) return L"[AI]: The request failed: " + FailureReason(end) + L"\r\n";
     switch (end.replyEnd) {
         case ReplyEnd::Cut: return L"[AI]: The connection was lost before the reply was complete.\r\n";
         case ReplyEnd::AtLimit: return L"[AI]: The reply has reached its longest length and is not complete.\r\n";
         case ReplyEnd::Refused: return L"[AI]: The service has ended the reply: " + ServiceTextLine(end) + L"\r\n";
-        default: return {};
+        default: return end.blank ? L"[AI]: The reply is empty.\r\n" : L"";
     }
+}
+
+AiReplyState AiReplyStateAfter(const AiEnded& ended, int held) {
+    const bool answered = ended.outcome == AiOutcome::Answered;
+    if (!ended.about && (!answered || ended.request < held)) return AiReplyState::None;
+    if (!answered) return AiReplyState::Missing;
+    return ended.whole ? AiReplyState::Whole : AiReplyState::Cut;
+}
+
+const wchar_t* ApplyProblem(AiReplyState state, bool about) {
+    switch (state) {
+        case AiReplyState::None: return L"No reply has come yet.";
+        case AiReplyState::Missing:
+            return L"The last request about code of a document was not answered, so there is nothing to apply.";
+        case AiReplyState::Cut:
+            return L"The last reply is not complete, so its code is not put in place of yours. Tools > Insert Code at "
+                   L"Caret takes what has come of it.";
+        case AiReplyState::Whole: break;
+    }
+    return about ? nullptr
+                 : L"No code was sent that the last reply could take the place of. Tools > Insert Code at Caret puts "
+                   L"code of the chat into the document.";
 }
 
 std::string WithoutKey(std::string text, std::string_view key) {

@@ -4,6 +4,7 @@
 
 #include "ai/chat_stream.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -37,13 +38,34 @@ struct AiEnd {
     std::uint32_t httpStatus = 0;         // 0: no reply came
     std::uint32_t error = 0;              // of WinHTTP, when no reply came
     ReplyEnd replyEnd = ReplyEnd::Whole;  // of a reply that came piece by piece
+    bool blank = false;                   // nothing can be seen of the reply
     std::string serviceText;              // what the service said about its error
 };
-// For the status bar: "OpenAI: waiting, 0:12, 34 KB received".
-std::wstring AiProgressText(AiService service, std::uint32_t seconds, std::uint64_t received);
+// A request that runs.
+struct AiProgress {
+    std::uint32_t seconds = 0;   // since it began
+    std::uint64_t received = 0;  // bytes
+    bool replying = false;       // text of the reply has come
+    std::size_t others = 0;      // requests that run beside it
+};
+// For the status bar: "OpenAI: replying, 0:12, 34 KB received".
+std::wstring AiProgressText(AiService service, const AiProgress& progress);
 // For the status bar: "OpenAI answered after 0:12.", "LM-Studio: the request failed: nothing answers at ...".
 std::wstring AiEndText(AiService service, std::uint32_t seconds, const AiEnd& end);
-// The line of the chat below a reply that is not whole; empty below one that is.
+// The line of the chat in place of a reply that did not come, or below one that is not whole; empty below one that is.
 std::wstring AiReplyEndLine(const AiEnd& end);
+// What the last reply is to code that it could replace.
+enum class AiReplyState : std::uint8_t { None, Whole, Cut, Missing };
+// How a request has ended. `about`: code was sent that the reply could replace.
+struct AiEnded {
+    int request = 0;  // numbers go up
+    bool about = false;
+    AiOutcome outcome = AiOutcome::Failed;
+    bool whole = false;
+};
+// What takes the place of the reply to the request `held`; None: that stays. A talk that began before it does not count.
+AiReplyState AiReplyStateAfter(const AiEnded& ended, int held);
+// Why nothing can be applied; null when `state` and `about` allow it.
+const wchar_t* ApplyProblem(AiReplyState state, bool about);
 // The text without the key, if that is in it.
 std::string WithoutKey(std::string text, std::string_view key);

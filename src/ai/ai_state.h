@@ -1,12 +1,14 @@
 // The assistant's windows and what it holds between a request and what the user does with the reply. UI thread only.
 #pragma once
 
+#include "ai/ai_rules.h"
 #include "ai/replacement_marks.h"
 #include "base/events.h"
 
 #include <windows.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 // The text that a request was made of, so that a reply replaces nothing else.
@@ -23,8 +25,19 @@ struct AiTarget {
 // A replacement that waits to be accepted or undone.
 struct AiReplacement {
     AiTarget target;
-    ByteRange range;   // where it stands, which follows edits
-    std::string code;  // what was put there
+    ByteRange range;                    // where it stands, which follows edits
+    std::string code;                   // what was put there
+    std::size_t anchor = 0, caret = 0;  // of the selection before it
+    std::intptr_t topRow = 0;           // of the view before it
+    std::size_t whole = 0;              // bytes of the document with it; known when it was undone
+};
+
+// The reply that can be applied, or why there is none.
+struct AiLastReply {
+    AiReplyState state = AiReplyState::None;
+    int request = 0;
+    AiTarget target;   // of the request
+    std::string text;  // empty unless the state is Whole
 };
 
 struct AiState {
@@ -33,9 +46,9 @@ struct AiState {
     HWND hAiSend = nullptr;
     bool aiDoPending = false;  // a replacement waits
     AiReplacement aiReplacement;
-    AiTarget aiDoTarget;      // of the last AI Do request
-    AiTarget aiReplyTarget;   // of the request that was answered last
-    std::string aiReplyText;  // its reply; empty: none yet
+    AiReplacement aiTakenBack;  // undone; redo may bring it back. Its document is 0 when there is none
+    AiTarget aiDoTarget;        // of the last AI Do request
+    AiLastReply aiReply;
 };
 // A part of `g_app` (app/app_state.h).
 extern AiState& g_ai;

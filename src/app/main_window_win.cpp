@@ -49,6 +49,7 @@ bool RouteOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return true;
         case MSG_AI_REPLY: AiOnReply(wParam, lParam); return true;
         case MSG_AI_PIECES: AiOnPieces(); return true;
+        case MSG_AI_TEXT_BACK: AiOnTextBack(); return true;
         case MSG_AI_ENDED: AiOnRequestEnded(WorkerTake<AiRequestEndPtr>(wParam)); return true;
         case MSG_DEBUG_LAUNCH: DebugOnBuilt(); return true;
         case MSG_SYMBOLS_SCANNED: SymbolsOnScanned(wParam); return true;
@@ -190,9 +191,8 @@ HWND MainWindow_Init(HINSTANCE instance, int showCommand) {
 }
 
 void MainWindow_UpdateTitle() {
-    const bool named = IsTabIndex(g_app.activeTab) && TabAt(g_app.activeTab).hasFile;
-    const std::wstring title =
-        named ? FormatW(L"%s - KVXE Editor", TabAt(g_app.activeTab).label) : std::wstring(L"Untitled - KVXE Editor");
+    const std::wstring title = IsTabIndex(g_app.activeTab) ? FormatW(L"%s - KVXE Editor", TabAt(g_app.activeTab).label)
+                                                           : std::wstring(L"Untitled - KVXE Editor");
     wchar_t shown[kLabelCapacity + 32] = {};
     GetWindowTextW(g_app.hMainWnd, shown, static_cast<int>(std::size(shown)));
     if (title != shown) SetWindowTextW(g_app.hMainWnd, title.c_str());

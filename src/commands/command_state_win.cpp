@@ -61,7 +61,7 @@ CommandView CurrentCommandView() {
     if (!CompilerIsBuilding()) view.conditions |= kIdle;
     view.conditions |= DebugConditions();
     view.conditions |= BitIf(AiRequestsRun(), kAiRunning) | BitIf(g_ai.aiDoPending, kAiPending) |
-                       BitIf(g_ai.aiReplyTarget.document != 0, kAiReply) | BitIf(ChatViewHasCode(), kAiCode);
+                       BitIf(g_ai.aiReply.state != AiReplyState::None, kAiReply) | BitIf(ChatViewHasCode(), kAiCode);
     if (ErrorCount(g_output.errors) > 0) view.conditions |= kHasErrors;
     const Settings& settings = g_settings;
     view.toolbar = settings.showToolbar != 0;

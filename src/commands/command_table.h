@@ -32,7 +32,7 @@ enum CommandCondition : std::uint32_t {
     kCanSelectAll = 1u << 19,
     // Of the assistant.
     kAiRunning = 1u << 20,  // a request runs
-    kAiReply = 1u << 21,    // a reply about text of a document has come
+    kAiReply = 1u << 21,    // a reply has come, or a request about text of a document has ended
     kAiPending = 1u << 22,  // a replacement waits to be accepted or undone
     kAiCode = 1u << 23,     // the chat holds code
     kNever = 1u << 31,      // never set, so the command stays disabled: not in this version

@@ -243,8 +243,21 @@ TEST(AiRules, RepliesGoByTheLowHalfOfTheirStatus) {
     const AiEnd refused = {.httpStatus = 401, .serviceText = "bad\nkey"};
     EXPECT_EQ(AiEndText(AiService::OpenAi, 75, refused),
               L"OpenAI: the request failed: HTTP 401, the API key was not accepted: bad key");
+    EXPECT_EQ(AiReplyEndLine({.outcome = AiOutcome::Answered, .blank = true}), L"[AI]: The reply is empty.\r\n");
     EXPECT_EQ(AiEndText(AiService::LmStudio, 75, {.outcome = AiOutcome::Answered}), L"LM-Studio answered after 1:15");
-    EXPECT_EQ(AiProgressText(AiService::OpenAi, 5, 2048), L"OpenAI: waiting, 0:05, 2 KB received");
+    EXPECT_EQ(AiProgressText(AiService::OpenAi, {5, 2048, false, 0}), L"OpenAI: waiting, 0:05, 2 KB received");
+    EXPECT_EQ(AiProgressText(AiService::OpenAi, {5, 3, true, 1}), L"OpenAI: replying, 0:05 (and 1 more)");
+    constexpr auto kAnswered = AiOutcome::Answered, kFailed = AiOutcome::Failed;
+    const struct {
+        AiEnded ended;
+        int held;
+        AiReplyState state;
+    } ends[] = {
+        {{2, true, kAnswered, true}, 1, AiReplyState::Whole},  {{1, true, kAnswered, true}, 2, AiReplyState::Whole},
+        {{2, true, kAnswered, false}, 1, AiReplyState::Cut},   {{2, true, kFailed, false}, 1, AiReplyState::Missing},
+        {{2, false, kAnswered, true}, 1, AiReplyState::Whole}, {{1, false, kAnswered, true}, 2, AiReplyState::None},
+        {{2, false, kFailed, false}, 1, AiReplyState::None}};
+    for (const auto& c : ends) EXPECT_EQ(AiReplyStateAfter(c.ended, c.held), c.state) << &c - ends;
     EXPECT_EQ(WithoutKey("a sk-1 b sk-1", "sk-1"), "a  b ");
 }
 

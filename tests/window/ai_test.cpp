@@ -109,14 +109,18 @@ TEST(Assistant, AReplyIsAppliedOnceAndOnlyToWhatWasSent) {
     HttpServer server(
         [](const std::string&) { return HttpAnswer(200, ChatAnswer("So:\\n```basic\\nPRINT 2\\nEND\\n```")); });
     AiFolder folder(false, true, L"", server.Url(L"/v1/chat/completions"));
+    folder.SetIni(L"AI", L"AiStream", L"0");
     Editor editor(folder);
     editor.Type("REM a\r\nPRINT 1\r\nREM b");
     editor.Sci(SCI_SETSEL, 7, 14);
     editor.Do(IDM_AI_LMSTUDIO);
     EXPECT_TRUE(editor.AwaitOutput(L"[LM-Studio] Thinking..."));
     ASSERT_TRUE(AwaitChat(editor, L"END\r\n```")) << editor.Describe();
-    EXPECT_NE(server.Requests()[0].find(R"({"role":"user","content":"PRINT 1"}],"max_tokens":2048)"),
-              std::string::npos);
+    EXPECT_TRUE(server.Requests()[0].ends_with(
+        "\r\n\r\n"
+        R"({"model":"local","messages":[{"role":"system","content":"You are a helpful coding assistant."},)"
+        R"({"role":"user","content":"PRINT 1"}],"max_tokens":2048,"temperature":0.7})"))
+        << server.Requests()[0];
     ASSERT_TRUE(WaitFor([&] { return editor.Status().starts_with(L"LM-Studio answered"); }));
     constexpr wchar_t kApplied[] = L"AI replacement applied. Click AI Do again to accept, or AI Undo to revert.";
     ExpectMessage(editor, IDM_AI_APPLY, kApplied);
@@ -131,6 +135,8 @@ TEST(Assistant, AReplyIsAppliedOnceAndOnlyToWhatWasSent) {
     ExpectMessage(editor, IDM_AI_UNDO, L"AI replacement undone.");
     EXPECT_EQ(editor.Text(), "!\r\nREM a\r\nPRINT 1\r\nREM b!");
     EXPECT_EQ(Marks(editor), "");
+    EXPECT_EQ(editor.Sci(SCI_GETANCHOR), 10) << "the selection is back, too";
+    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 17);
     ExpectMessage(editor, IDM_AI_APPLY, kApplied);
     editor.Sci(SCI_LINEDELETE);  // the caret is on the first new line
     EXPECT_TRUE(WaitFor([&] { return Marks(editor) == "1[PRINT 1] +2"; })) << Marks(editor);
@@ -140,7 +146,12 @@ TEST(Assistant, AReplyIsAppliedOnceAndOnlyToWhatWasSent) {
     EXPECT_EQ(editor.Text(), "!\r\nREM a\r\nPRINT 1\r\nREM b!") << "one step";
     EXPECT_TRUE(WaitFor([&] { return !editor.ButtonShown(IDM_AI_UNDO); })) << "nothing waits any more";
     EXPECT_EQ(Marks(editor), "");
-    ExpectMessage(editor, IDM_AI_APPLY, kApplied);
+    EXPECT_EQ(editor.Sci(SCI_GETANCHOR), 10);
+    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 17);
+    EXPECT_EQ(editor.Status(), L"The AI replacement was undone");
+    editor.Sci(SCI_REDO);
+    EXPECT_TRUE(WaitFor([&] { return Marks(editor) == "1[PRINT 1] +2 +3"; })) << "it waits again";
+    EXPECT_EQ(editor.Status(), L"AI replacement: 2 lines new, 1 removed");
     ExpectMessage(editor, IDM_AI_DO, L"AI replacement accepted.");
     EXPECT_EQ(Marks(editor), "");
     EXPECT_TRUE(WaitFor([&] { return !editor.ButtonShown(IDM_AI_UNDO); }));
@@ -149,6 +160,7 @@ TEST(Assistant, AReplyIsAppliedOnceAndOnlyToWhatWasSent) {
         editor.Answer(kProgramTitle, L"The text is no longer as it was sent, so nothing was replaced.", answer);
         EXPECT_EQ(editor.Tabs(), answer == IDYES ? 2 : 1);
     }
+    EXPECT_TRUE(WaitFor([&] { return editor.TextOf(editor.main) == L"AI reply - KVXE Editor"; }));
     EXPECT_EQ(editor.Text(), "PRINT 2\r\nEND") << "the code is not lost";
     editor.Post(IDM_FILE_CLOSE);
     editor.Answer(kUnsaved, L"", IDNO);
@@ -209,7 +221,9 @@ TEST(Assistant, FailuresAreToldAndSilentServersCancelled) {
     editor.Send(editor.main, WM_COMMAND, IDC_AI_SEND, reinterpret_cast<LPARAM>(editor.Child(IDC_AI_SEND)));
     EXPECT_TRUE(AwaitChat(editor, L"[AI]: Cancelled."));
     EXPECT_EQ(editor.TextOf(editor.Child(IDC_AI_SEND)), L"Send");
-    EXPECT_EQ(Chat(editor), greeting + L"[You]: hello\r\nhi\r\n[You]: refuse\r\n[You]: wait\r\n[AI]: Cancelled.\r\n");
+    EXPECT_EQ(Chat(editor), greeting +
+                                L"[You]: hello\r\nhi\r\n[You]: refuse\r\n[AI]: The request failed: HTTP 401, the API "
+                                L"key was not accepted: Incorrect key \r\n[You]: wait\r\n[AI]: Cancelled.\r\n");
 
     TypeInChat(editor, L"wait");
     editor.Do(IDC_AI_SEND);
@@ -254,7 +268,7 @@ TEST(Assistant, ExplainsAndFixesADiagnostic) {
     ASSERT_TRUE(WaitFor([&] { return editor.Status().starts_with(L"LM-Studio answered"); }));
     EXPECT_NE(server.Requests()[0].find(R"(  1: REM a\n> 2: PRNT 1\n  3: REM b\n")"), std::string::npos);
     EXPECT_NE(editor.Output().find(L"unknown PRNT"), std::wstring::npos) << "the diagnostics stay in the pane";
-    editor.Do(IDM_AI_APPLY);
+    ExpectMessage(editor, IDM_AI_APPLY, L"No code was sent that the last reply could take the place of.");
     EXPECT_EQ(editor.Text(), "REM a\r\nPRNT 1\r\nREM b") << "an explanation replaces nothing";
     editor.Do(IDM_AI_FIX);
     ASSERT_TRUE(WaitFor([&] { return server.Requests().size() == 2; }));
@@ -311,6 +325,7 @@ TEST(Assistant, StreamsIntoTheChatAndHandsOutItsCode) {
     editor.Do(IDC_AI_SEND);
     EXPECT_TRUE(AwaitChat(editor, L"PRINT 1"));
     EXPECT_EQ(editor.TextOf(editor.Child(IDC_AI_SEND)), L"Cancel") << "the rest is still to come";
+    EXPECT_TRUE(editor.Status().starts_with(L"LM-Studio: replying")) << Utf8(editor.Status());
     ASSERT_TRUE(WaitFor([&] { return editor.Status().starts_with(L"LM-Studio answered"); }));
     const std::wstring shown =
         L"[You]: one\r\na **b**:\r\n```basic\r\nPRINT 1\r\nPRINT \xE4\r\n```\r\nand:\r\n```\r\nEND\r\n```";
@@ -366,4 +381,11 @@ TEST(Assistant, StreamsIntoTheChatAndHandsOutItsCode) {
     editor.Do(IDC_AI_SEND);
     ASSERT_TRUE(WaitFor([&] { return server.Requests().size() == 4; }));
     EXPECT_EQ(server.Requests()[3].find("assistant\""), std::string::npos) << "a new chat remembers nothing";
+    ASSERT_TRUE(AwaitChat(editor, L"[AI]: The connection was lost"));
+    ExpectMessage(editor, IDM_AI_APPLY, L"The last reply is not complete");
+    TypeInChat(editor, L"wait");
+    editor.Do(IDC_AI_SEND);
+    EXPECT_TRUE(AwaitChat(editor, L"[You]: wait\r\nonly this"));
+    EXPECT_EQ(editor.Close(), 0U);
+    EXPECT_EQ(editor.Log().find(L"FAIL"), std::wstring::npos) << "a call that is left is no failure";
 }
