@@ -90,7 +90,7 @@ HWND MakeLongText(const ControlMaker& maker, DWORD style) {
 }
 
 HWND MakeList(const ControlMaker& maker, DWORD style) {
-    const HWND list = maker.Make(WC_COMBOBOXW, L"", WS_TABSTOP | WS_VSCROLL | style, kPartField);
+    const HWND list = maker.Make(WC_COMBOBOXW, L"", WS_TABSTOP | WS_VSCROLL | WS_CLIPCHILDREN | style, kPartField);
     SubclassAdd(list, ListWheelProc);
     return list;
 }
@@ -375,9 +375,15 @@ void SetTextIfOther(HWND control, const std::wstring& text) {
 
 }  // namespace
 
-void SettingsFieldMake(SettingsDialog& dialog, FormPlace place, HWND parent, const std::wstring& label) {
+bool SettingsHasButton(SettingControl control) {
+    return control == File || control == SettingControl::Folder || control == Secret || control == Model ||
+           control == Exceptions || control == Colour;
+}
+
+void SettingsFieldMake(SettingsDialog& dialog, FormPlace place) {
     const SettingItem& item = ItemAt(place);
-    const ControlMaker maker{parent, dialog.font.Get(), place};
+    const ControlMaker maker{dialog.pages[place.page].window, dialog.font.Get(), place};
+    const std::wstring& label = dialog.pages[place.page].labels[place.item];
     HWND* const parts = WindowsAt(dialog, place).parts;
     // In the order of the Tab key. A label gives the keyboard to the control after it.
     if (item.heading != nullptr) {
@@ -387,10 +393,14 @@ void SettingsFieldMake(SettingsDialog& dialog, FormPlace place, HWND parent, con
     if (HasLabel(item.control)) parts[kPartLabel] = maker.Make(WC_STATICW, label.c_str(), SS_ENDELLIPSIS, kPartLabel);
     parts[kPartField] = MakeField(maker, item, label);
     parts[kPartButton] = MakeButton(maker, item.control);
-    parts[kPartNote] = maker.Make(WC_STATICW, item.help, SS_NOPREFIX, kPartNote);
     SettingsFieldScale(dialog, place);
     if (item.row != nullptr) SendMessageW(parts[kPartField], EM_SETLIMITTEXT, SettingItemLongest(item), 0);
     for (HWND const part : WindowsAt(dialog, place).parts) ControlApplyTheme(part);
+}
+
+void SettingsNoteMake(SettingsDialog& dialog, FormPlace place) {
+    const ControlMaker maker{dialog.pages[place.page].window, dialog.font.Get(), place};
+    WindowsAt(dialog, place).parts[kPartNote] = maker.Make(WC_STATICW, L"", SS_NOPREFIX, kPartNote);
 }
 
 void SettingsFieldScale(SettingsDialog& dialog, FormPlace place) {
@@ -407,6 +417,7 @@ void SettingsFieldScale(SettingsDialog& dialog, FormPlace place) {
 
 void SettingsKeysFill(SettingsDialog& dialog, FormPlace place) {
     const HWND list = WindowsAt(dialog, place).parts[kPartField];
+    if (list == nullptr) return;
     SendMessageW(list, WM_SETREDRAW, FALSE, 0);
     SendMessageW(list, LB_RESETCONTENT, 0, 0);
     for (const std::wstring& line : SettingsKeysFound(dialog, place.page))
@@ -480,9 +491,13 @@ void SettingsFieldDraw(SettingsDialog& dialog, FormPlace place, const DRAWITEMST
 
 void SettingsFontsFill(SettingsDialog& dialog, std::size_t page) {
     std::vector<std::wstring> names;  // looked for when the page has a list of fonts
+    const bool before = dialog.filling;
+    dialog.filling = true;
     for (std::size_t i = 0; i < dialog.pages[page].items.size(); ++i) {
         if (ItemAt({page, i}).control != Font) continue;
         if (names.empty()) names = FontNames(dialog.fixedFonts);
         FillFontList(dialog.pages[page].items[i].parts[kPartField], names);
+        SettingsFieldShow(dialog, {page, i});
     }
+    dialog.filling = before;
 }

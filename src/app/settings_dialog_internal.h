@@ -28,8 +28,11 @@ struct ItemWindows {
 struct PageWindow {
     HWND window = nullptr;  // made when the page is first shown
     std::vector<ItemWindows> items;
-    int scroll = 0;  // pixels
-    int height = 0;  // of everything on it, in pixels
+    std::vector<std::wstring> labels;  // of the items, with their mnemonics
+    std::size_t made = 0;              // so many items have their controls: those that are in view, at first
+    bool complete = false;             // all have them, and the lists of fonts are filled
+    int scroll = 0;                    // pixels
+    int height = 0;                    // of everything on it, in pixels
 };
 
 struct SettingsDialog {
@@ -62,7 +65,9 @@ inline std::wstring& TextAt(SettingsDialog& dialog, FormPlace place) {
 }
 
 // --- settings_dialog_page_win.cpp
-bool SettingsPageMake(SettingsDialog& dialog, std::size_t page);   // once; false when the window cannot be made
+bool SettingsPageMake(SettingsDialog& dialog, std::size_t page);  // once; false when the window cannot be made
+// What a page can do without while it is painted for the first time; a timer of the page asks for it afterwards.
+void SettingsPageComplete(SettingsDialog& dialog, std::size_t page);
 void SettingsPagePlace(SettingsDialog& dialog, std::size_t page);  // its controls, by its size and the search
 void SettingsPageReveal(SettingsDialog& dialog, FormPlace place);  // scrolls until the item is seen
 void SettingsNoteRenew(SettingsDialog& dialog, FormPlace place);
@@ -70,7 +75,9 @@ void SettingsNoteRenew(SettingsDialog& dialog, FormPlace place);
 SIZE SettingsTextSize(const SettingsDialog& dialog, const std::wstring& text, int width);
 COLORREF SettingsNoteColour(NoteKind kind);
 // --- settings_dialog_fields_win.cpp
-void SettingsFieldMake(SettingsDialog& dialog, FormPlace place, HWND parent, const std::wstring& label);
+void SettingsFieldMake(SettingsDialog& dialog, FormPlace place);
+bool SettingsHasButton(SettingControl control);                    // beside its field
+void SettingsNoteMake(SettingsDialog& dialog, FormPlace place);    // of an item that has none yet
 void SettingsFieldScale(SettingsDialog& dialog, FormPlace place);  // what WM_SETFONT does not scale
 void SettingsFieldShow(SettingsDialog& dialog, FormPlace place);   // the text of the form in its control
 // `chosen`: the user has just taken a line of its list.

@@ -62,16 +62,17 @@ std::wstring NoteText(SettingsDialog& dialog, FormPlace place, NoteKind* kind) {
 FormPlan PlanOf(SettingsDialog& dialog, std::size_t page, SIZE room) {
     const PageWindow& target = dialog.pages[page];
     std::vector<FormRow> rows;
+    NoteKind kind = NoteKind::Help;
     for (std::size_t i = 0; i < target.items.size(); ++i) {
         const SettingItem& item = ItemAt({page, i});
         rows.push_back({.field = FieldOf(item.control),
                         .heading = item.heading != nullptr,
-                        .button = target.items[i].parts[kPartButton] != nullptr,
+                        .button = SettingsHasButton(item.control),
                         .shown = target.items[i].shown,
-                        .hasNote = !WindowText(target.items[i].parts[kPartNote]).empty()});
+                        .hasNote = !NoteText(dialog, {page, i}, &kind).empty()});
     }
     const auto noteHeight = [&](std::size_t row, int width) {
-        return static_cast<int>(SettingsTextSize(dialog, WindowText(target.items[row].parts[kPartNote]), width).cy);
+        return static_cast<int>(SettingsTextSize(dialog, NoteText(dialog, {page, row}, &kind), width).cy);
     };
     const auto plan = [&](int width) {
         return FormLayout(rows, {width, room.cy, dialog.dpi, dialog.textHeight}, noteHeight);
@@ -80,15 +81,27 @@ FormPlan PlanOf(SettingsDialog& dialog, std::size_t page, SIZE room) {
     return whole.height <= room.cy ? whole : plan(room.cx - GetSystemMetrics(SM_CXVSCROLL));
 }
 
-void PlacePart(HDWP& moves, HWND part, const FormRect& at, int scroll) {
+// The height of a list counts as that of its drop-down, too.
+bool StandsAt(HWND part, const FormRect& at, int scroll, bool isList) {
+    RECT is = {};
+    GetWindowRect(part, &is);
+    MapWindowPoints(nullptr, GetParent(part), reinterpret_cast<POINT*>(&is), 2);
+    return is.left == at.left && is.top == at.top - scroll && is.right == at.right &&
+           (isList || is.bottom == at.bottom - scroll);
+}
+
+void PlacePart(HDWP& moves, HWND part, const FormRect& at, int scroll, bool isList = false) {
     if (part == nullptr || moves == nullptr) return;
     const bool shown = at.right > at.left;
+    const bool isShown = (GetWindowLongPtrW(part, GWL_STYLE) & WS_VISIBLE) != 0;
+    if (shown == isShown && (!shown || StandsAt(part, at, scroll, isList))) return;
     const UINT flags = SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS | (shown ? SWP_SHOWWINDOW : SWP_HIDEWINDOW);
     moves =
         DeferWindowPos(moves, part, nullptr, at.left, at.top - scroll, at.right - at.left, at.bottom - at.top, flags);
 }
 
 void ScrollPage(SettingsDialog& dialog, std::size_t page, int position) {
+    SettingsPageComplete(dialog, page);
     PageWindow& target = dialog.pages[page];
     RECT client = {};
     GetClientRect(target.window, &client);
@@ -155,6 +168,10 @@ LRESULT CALLBACK SettingsPageProc(HWND window, UINT message, WPARAM wParam, LPAR
             SettingsFieldDraw(*dialog, {page, itemOf(static_cast<int>(wParam))},
                               *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
             return TRUE;
+        case WM_TIMER:
+            KillTimer(window, wParam);
+            SettingsPageComplete(*dialog, page);
+            return 0;
         case WM_VSCROLL: OnPageScroll(*dialog, page, LOWORD(wParam)); return 0;
         case WM_MOUSEWHEEL:
             ScrollPage(*dialog, page,
@@ -177,6 +194,32 @@ LRESULT CALLBACK SettingsPageProc(HWND window, UINT message, WPARAM wParam, LPAR
             return 0;
         default: return DefWindowProcW(window, message, wParam, lParam);
     }
+}
+
+void MakeItem(SettingsDialog& dialog, FormPlace place) {
+    const bool before = dialog.filling;
+    dialog.filling = true;
+    SettingsFieldMake(dialog, place);
+    SettingsFieldShow(dialog, place);
+    if (ItemAt(place).control == SettingControl::Keys) SettingsKeysFill(dialog, place);
+    dialog.filling = before;
+    ItemWindows& windows = WindowsAt(dialog, place);
+    const std::wstring note = NoteText(dialog, place, &windows.noteKind);
+    if (note.empty()) return;
+    SettingsNoteMake(dialog, place);
+    SetWindowTextW(windows.parts[kPartNote], note.c_str());
+}
+
+// Up to the item, which gives the controls the order of the Tab key.
+void MakeItemsTo(SettingsDialog& dialog, std::size_t page, std::size_t last) {
+    PageWindow& target = dialog.pages[page];
+    while (target.made <= last && target.made < target.items.size()) MakeItem(dialog, {page, target.made++});
+}
+
+void MakeItemsInView(SettingsDialog& dialog, std::size_t page, const FormPlan& plan, int height) {
+    const int end = dialog.pages[page].scroll + height;
+    for (std::size_t i = dialog.pages[page].made; i < plan.rows.size(); ++i)
+        if (dialog.pages[page].items[i].shown && plan.rows[i].field.top < end) MakeItemsTo(dialog, page, i);
 }
 
 void RegisterPageClass(HINSTANCE instance) {
@@ -223,18 +266,24 @@ bool SettingsPageMake(SettingsDialog& dialog, std::size_t page) {
     target.items.resize(items.size());
     std::vector<const wchar_t*> labels;
     for (const SettingItem& item : items) labels.push_back(item.label);
-    const std::vector<std::wstring> marked = WithMnemonics(labels, kTakenLetters);
-    dialog.filling = true;
-    for (std::size_t i = 0; i < items.size(); ++i) SettingsFieldMake(dialog, {page, i}, target.window, marked[i]);
-    SettingsFontsFill(dialog, page);
+    target.labels = WithMnemonics(labels, kTakenLetters);
     SetWindowLongPtrW(target.window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&dialog));
-    for (std::size_t i = 0; i < items.size(); ++i) SettingsFieldShow(dialog, {page, i});
-    dialog.filling = false;
     // After the list of pages in the order of the Tab key.
     SetWindowPos(target.window, GetDlgItem(dialog.window, IDC_SETTINGS_PAGES), 0, 0, 0, 0,
                  SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     ScrollBarsApplyTheme(target.window);
+    constexpr UINT kSoonMs = 1;  // a timer comes after the painting
+    SetTimer(target.window, 1, kSoonMs, nullptr);
     return true;
+}
+
+void SettingsPageComplete(SettingsDialog& dialog, std::size_t page) {
+    PageWindow& target = dialog.pages[page];
+    if (target.complete || target.window == nullptr) return;
+    target.complete = true;
+    MakeItemsTo(dialog, page, target.items.size());
+    SettingsFontsFill(dialog, page);
+    SettingsPagePlace(dialog, page);
 }
 
 void SettingsPagePlace(SettingsDialog& dialog, std::size_t page) {
@@ -246,6 +295,7 @@ void SettingsPagePlace(SettingsDialog& dialog, std::size_t page) {
     const FormPlan plan = PlanOf(dialog, page, room);
     target.height = plan.height;
     target.scroll = std::max(0, std::min<int>(target.scroll, plan.height - room.cy));
+    MakeItemsInView(dialog, page, plan, static_cast<int>(room.cy));
     HDWP moves = BeginDeferWindowPos(static_cast<int>(target.items.size() * kPartCount));
     for (std::size_t i = 0; i < target.items.size(); ++i) {
         HWND const* const parts = target.items[i].parts;
@@ -255,7 +305,7 @@ void SettingsPagePlace(SettingsDialog& dialog, std::size_t page) {
         // The list of a combo box drops below it; its height counts as the window's.
         FormRect field = at.field;
         if (IsList(ItemAt({page, i}).control) && field.right > field.left) field.bottom += dialog.Px(240);
-        PlacePart(moves, parts[kPartField], field, target.scroll);
+        PlacePart(moves, parts[kPartField], field, target.scroll, field.bottom != at.field.bottom);
         PlacePart(moves, parts[kPartButton], at.button, target.scroll);
         PlacePart(moves, parts[kPartNote], at.note, target.scroll);
     }
@@ -272,6 +322,7 @@ void SettingsPagePlace(SettingsDialog& dialog, std::size_t page) {
 }
 
 void SettingsPageReveal(SettingsDialog& dialog, FormPlace place) {
+    SettingsPageComplete(dialog, place.page);
     const PageWindow& target = dialog.pages[place.page];
     RECT seen = {};
     bool first = true;
@@ -295,9 +346,13 @@ void SettingsPageReveal(SettingsDialog& dialog, FormPlace place) {
 }
 
 void SettingsNoteRenew(SettingsDialog& dialog, FormPlace place) {
-    if (dialog.pages[place.page].window == nullptr) return;
+    if (place.item >= dialog.pages[place.page].made) return;
     ItemWindows& windows = WindowsAt(dialog, place);
     const std::wstring text = NoteText(dialog, place, &windows.noteKind);
+    if (windows.parts[kPartNote] == nullptr) {
+        if (text.empty()) return;
+        SettingsNoteMake(dialog, place);
+    }
     const HWND note = windows.parts[kPartNote];
     if (WindowText(note) != text) {
         SetWindowTextW(note, text.c_str());

@@ -66,6 +66,7 @@ void SettingsShownPagePlace(SettingsDialog& dialog) {
     const bool none = dialog.listed.empty();
     PlaceItem(dialog, IDC_SETTINGS_NOTHING, left + gap, gap, client.right - left - 2 * gap, dialog.textHeight);
     ShowWindow(GetDlgItem(dialog.window, IDC_SETTINGS_NOTHING), none ? SW_SHOW : SW_HIDE);
+    if (page == nullptr) return;
     SetWindowPos(page, nullptr, left, gap / 2, client.right - left, bottom - gap / 2, SWP_NOZORDER | SWP_NOACTIVATE);
     SettingsPagePlace(dialog, dialog.page);
     ShowWindow(page, none ? SW_HIDE : SW_SHOW);

@@ -123,8 +123,8 @@ void GoToItem(SettingsDialog& dialog, FormPlace place) {
     SetDlgItemTextW(dialog.window, IDC_SETTINGS_SEARCH, L"");  // lists all pages
     dialog.page = place.page;
     ListPages(dialog);
-    const HWND field = WindowsAt(dialog, place).parts[kPartField];
     SettingsPageReveal(dialog, place);
+    const HWND field = WindowsAt(dialog, place).parts[kPartField];
     SendMessageW(dialog.window, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(field), TRUE);
 }
 
@@ -234,8 +234,8 @@ void OpenSettings(HWND window, SettingsDialog& dialog) {
     SendMessageW(window, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(icon));
     DialogApplyTheme(window);
     SettingsDialogPlace(dialog);
-    ListPages(dialog);
     SettingsFramePlace(dialog);
+    ListPages(dialog);
     SetFocus(PageList(dialog));
 }
 
@@ -309,8 +309,7 @@ void SettingsItemChanged(SettingsDialog& dialog, FormPlace place) {
     for (std::size_t i = 0; i < dialog.pages[place.page].items.size(); ++i) {
         const SettingControl control = ItemAt({place.page, i}).control;
         const bool follows = control == SettingControl::FontPreview || control == SettingControl::CommandPreview ||
-                             control == SettingControl::Colour ||
-                             (control == SettingControl::Font && changed.control == SettingControl::FixedFonts);
+                             control == SettingControl::Colour;
         if (follows || i == place.item) SettingsFieldShow(dialog, {place.page, i});
     }
     dialog.filling = false;

@@ -206,7 +206,8 @@ LRESULT CALLBACK ControlProc(HWND control, UINT message, WPARAM wParam, LPARAM l
 }
 
 void ThemeCombo(HWND combo) {
-    SetWindowLongPtrW(combo, GWL_STYLE, GetWindowLongPtrW(combo, GWL_STYLE) | WS_CLIPCHILDREN);
+    const LONG_PTR style = GetWindowLongPtrW(combo, GWL_STYLE);
+    if ((style & WS_CLIPCHILDREN) == 0) SetWindowLongPtrW(combo, GWL_STYLE, style | WS_CLIPCHILDREN);
     COMBOBOXINFO info = {};
     info.cbSize = sizeof(info);
     if (GetComboBoxInfo(combo, &info) && info.hwndList != nullptr) ControlApplyTheme(info.hwndList);
@@ -231,7 +232,8 @@ void ControlApplyTheme(HWND control) {
     SubclassAdd(control, ControlProc, kind);  // setting it again changes nothing
     if (kind == kCombo) ThemeCombo(control);
     if (kind == kFramed) ScrollBarsApplyTheme(control);
-    RedrawWindow(control, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_ERASE);
+    // All of a hidden control is painted when it is shown.
+    if (IsWindowVisible(control)) RedrawWindow(control, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_ERASE);
 }
 
 void ScrollBarsApplyTheme(HWND window, const wchar_t* light) {
