@@ -60,6 +60,17 @@ PaneRect StoredRectAt(const StoredPlace& stored, int dpi) {
     return {is.left, is.top, is.left + width, is.top + height};
 }
 
+PaneRect PlaceForReturnAt(const StoredPlace& stored, int dpi, const PaneRect& work, int captionHeight) {
+    const PaneRect was = StoredRect(stored), is = StoredRectAt(stored, dpi);
+    const bool grown = is.width() > was.width() || is.height() > was.height();
+    return grown ? PutInside(is, is.width(), is.height(), work) : PlaceForReturn(is, work, captionHeight);
+}
+
+bool LiesInside(const PaneRect& window, const PaneRect& work) {
+    return window.left >= work.left && window.top >= work.top && window.right <= work.right &&
+           window.bottom <= work.bottom;
+}
+
 PaneRect FirstPlace(const PaneRect& is, const PaneRect& work, int dpi) {
     return PutInside(is, ScaledTo(kWidth, dpi), ScaledTo(kHeight, dpi), work);
 }

@@ -10,6 +10,9 @@ PaneRect FitToWorkArea(const PaneRect& window, const PaneRect& work);
 // Where a window comes back to on the monitor with this work area: where it was, when the middle of its caption is
 // there, because then the user can move it. Otherwise it is made small enough for the work area and put wholly inside.
 PaneRect PlaceForReturn(const PaneRect& window, const PaneRect& work, int captionHeight);
+// The same for a window of the settings at another DPI: what has grown is made to fit into the work area, too.
+PaneRect PlaceForReturnAt(const StoredPlace& stored, int dpi, const PaneRect& work, int captionHeight);
+bool LiesInside(const PaneRect& window, const PaneRect& work);
 
 // The rectangle of the settings, at the DPI at which it was stored, without numbers that overflow a sum.
 PaneRect StoredRect(const StoredPlace& stored);

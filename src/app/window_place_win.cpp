@@ -60,14 +60,16 @@ void ApplyStoredPlace(HWND window, const StoredPlace& stored) {
     const int anywhere = std::clamp(was.left, work->left, std::max(work->left, work->right - 1));
     SetWindowPos(window, nullptr, anywhere, work->top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
     g_app.dpi = static_cast<int>(GetDpiForWindow(window));
-    PlaceWindow(window, PlaceForReturn(StoredRectAt(stored, g_app.dpi), *work, captionHeight));
+    PlaceWindow(window, PlaceForReturnAt(stored, g_app.dpi, *work, captionHeight));
 }
 
-// The window was created with the default size in pixels, which is too small on a screen of high resolution.
+// The window was created with the default size in pixels, which is too small on a screen of high resolution and may be
+// too large on a small one.
 void ApplyDefaultSize(HWND window) {
     RECT is = {};
-    if (g_app.dpi == 96 || GetWindowRect(window, &is) == FALSE) return;
-    if (const auto work = WorkAreaOf(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST)))
+    const auto work = WorkAreaOf(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST));
+    if (!work || GetWindowRect(window, &is) == FALSE) return;
+    if (g_app.dpi != 96 || !LiesInside(RectOf(is), *work))
         PlaceWindow(window, FirstPlace(RectOf(is), *work, g_app.dpi));
 }
 

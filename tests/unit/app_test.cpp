@@ -287,6 +287,13 @@ TEST(WindowPlacement, ComesBackWhereAMonitorStillIs) {
 TEST(WindowPlacement, TheStoredSizeFollowsTheDpiAndIsNeverTooSmall) {
     const PaneRect doubled = StoredRectAt({.left = 10, .top = 20, .width = 800, .height = 600, .dpi = 96}, 192);
     EXPECT_TRUE((doubled == PaneRect{10, 20, 1610, 1220}));
+    // A window that fitted at 96 dpi does not leave a screen of 150 %; one that is as it was may reach beyond the edge.
+    const PaneRect screen = {0, 0, 1280, 900};
+    const StoredPlace stored = {.left = 20, .top = 10, .width = 863, .height = 700, .dpi = 96};
+    const PaneRect grown = PlaceForReturnAt(stored, 144, screen, 30);
+    EXPECT_EQ(grown.width(), 1280);
+    EXPECT_TRUE(LiesInside(grown, screen));
+    EXPECT_FALSE(LiesInside(PlaceForReturnAt({700, 10, 863, 700, 0, 96}, 96, screen, 30), screen));
     const PaneRect tiny = StoredRectAt({.left = 0, .top = 0, .width = 200, .height = 100, .dpi = 96}, 96);
     EXPECT_TRUE((tiny == PaneRect{0, 0, kMinimumWidth, kMinimumHeight}));
     const PaneRect forged = FarRect(INT_MIN, INT_MAX, INT_MAX, INT_MIN);

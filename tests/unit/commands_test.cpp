@@ -205,6 +205,32 @@ TEST(Commands, MenuTableAndKeysAgree) {
     }
 }
 
+// The letters of each menu's items. `twice` gets those that stand in one menu twice.
+void TakeMnemonic(const std::string& item, std::map<char, std::string>& letters, std::set<std::string>& twice) {
+    const std::size_t mark = std::regex_replace(item, std::regex("&&"), "  ").find('&');
+    if (mark == std::string::npos) return;
+    const char letter = static_cast<char>(std::toupper(static_cast<unsigned char>(item[mark + 1])));
+    const auto [first, isNew] = letters.emplace(letter, item);
+    if (!isNew) twice.insert(first->second + " | " + item);
+}
+
+TEST(Commands, MnemonicsOfAMenuDiffer) {
+    std::istringstream lines(ReadBytes(std::string(KVX_ROOT_DIR) + "/src/resources/app.rc"));
+    const std::regex item(R"rx(^ *(POPUP|MENUITEM) "([^"\\]*))rx");
+    std::vector<std::map<char, std::string>> menus;  // that are open, the innermost last
+    std::set<std::string> twice;
+    std::smatch found;
+    for (std::string line; std::getline(lines, line) && !line.starts_with("IDR_ACCELERATORS");) {
+        if (line.ends_with("BEGIN")) menus.emplace_back();
+        if (line.ends_with("END")) menus.pop_back();
+        if (std::regex_search(line, found, item)) TakeMnemonic(found[2], menus.back(), twice);
+    }
+    // These texts are fixed. The letter goes from one to the other, and Enter takes it.
+    const std::set<std::string> known = {"&Redo | &Replace...", "&Status Bar | AI &Sidebar", "&Output Pane | Zoom &Out",
+                                         "&Whitespace | &Word Wrap"};
+    EXPECT_EQ(twice, known);
+}
+
 TEST(EditFields, OfferWhatTheyCanDo) {
     using Kind = EditFieldKind;
     const struct {
