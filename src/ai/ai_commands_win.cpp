@@ -337,6 +337,7 @@ bool AiDoStart(const std::wstring& instruction) {
     OutputPaneAppend(L"[AI Do] Sending request...\n", kAiProgress);
     OutputPaneAppend(FormatW(kHowToApply, L"the code").c_str(), kAiProgress);
     ShowChat();
+    AiChatAppend(L"[You]: " + instruction + L"\r\n");
     auto job = JobFor<AiDoJob>(service);
     job.message.reset(HeapText(message));
     if (!system.empty()) job.systemPrompt.reset(HeapText(system));

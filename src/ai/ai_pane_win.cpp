@@ -41,7 +41,10 @@ LRESULT CALLBACK AiInputProc(HWND input, UINT message, WPARAM wParam, LPARAM lPa
         return 0;
     }
     if (message == WM_KEYDOWN && wParam == VK_TAB) {
-        SetFocus(GetKeyState(VK_SHIFT) < 0 ? g_ai.hAiChat : g_ai.hAiSend);
+        if (GetKeyState(VK_SHIFT) < 0)
+            ChatWindowFocus();
+        else
+            SetFocus(g_ai.hAiSend);
         return 0;
     }
     // An edit field would beep.
@@ -50,8 +53,10 @@ LRESULT CALLBACK AiInputProc(HWND input, UINT message, WPARAM wParam, LPARAM lPa
 }
 
 LRESULT CALLBACK AiSendProc(HWND send, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
-    if (message == WM_KEYDOWN && wParam == VK_TAB)
-        SetFocus(GetKeyState(VK_SHIFT) < 0 ? g_ai.hAiInput : g_ai.hAiChat);
+    if (message == WM_KEYDOWN && wParam == VK_TAB && GetKeyState(VK_SHIFT) < 0)
+        AiPaneFocusInput();
+    else if (message == WM_KEYDOWN && wParam == VK_TAB)
+        ChatWindowFocus();
     else if (message == WM_KEYDOWN && wParam == VK_RETURN)
         PostMessageW(g_ui.hMainWnd, WM_COMMAND, IDC_AI_SEND, 0);
     else if (message == WM_KEYDOWN && wParam == VK_ESCAPE)

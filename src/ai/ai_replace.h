@@ -20,6 +20,7 @@ void AiReplacementForget();  // it stays, without a message and without an event
 // The text of a document was edited. What was sent of it, and a replacement in it, are found again.
 void AiOnTextEdited(DocumentId document, const SCNotification& change);
 void AiOnTextLeaving(DocumentId document);  // a replacement in it no longer waits
+void AiRenewMarks();                        // the editor has another width, or wraps
 void AiOnMarksTimer();                      // TIMER_AI_MARKS
 void AiOnTextBack();                        // MSG_AI_TEXT_BACK
 // A document of that text beside the others, which is not shown. False when there is no memory or window for it.

@@ -84,7 +84,8 @@ void AfterTakingBack(HWND editor, AiReplacement made) {
 void ShowMarks(HWND editor, bool first) {
     const ReplacementMarks marks =
         PendingMarksShow(editor, g_ai.aiReplacement.range, g_ai.aiReplacement.target.sent, first);
-    g_events.documentStatus(g_ai.aiReplacement.target.document, MarksSummary(marks).c_str());
+    if (const DocumentId document = g_ai.aiReplacement.target.document; document == ActiveDocumentId())
+        g_events.documentStatus(document, MarksSummary(marks).c_str());
 }
 
 // Takes the replacement back. False when it was edited and cannot be told from what the user wrote.
@@ -246,6 +247,10 @@ void AiOnTextEdited(DocumentId document, const SCNotification& change) {
 void AiOnTextLeaving(DocumentId document) {
     if (g_ai.aiDoPending && g_ai.aiReplacement.target.document == document) EndPendingAndTell();
     if (g_ai.aiTakenBack.target.document == document) g_ai.aiTakenBack = {};
+}
+
+void AiRenewMarks() {
+    if (g_ai.aiDoPending) SetTimer(g_ui.hMainWnd, TIMER_AI_MARKS, kMarksMs, nullptr);
 }
 
 void AiOnMarksTimer() {

@@ -6,6 +6,7 @@
 #include "documents/document_row.h"
 #include "resources/ids.h"
 #include "ui/menu.h"
+#include "ui/rich_lines.h"
 #include "ui/subclass.h"
 #include "ui/ui_state.h"
 
@@ -94,4 +95,19 @@ void ChatWindowInit(HWND chat) {
     SubclassAdd(chat, ChatWindowProc);
     SendMessageW(chat, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
     SendMessageW(chat, EM_SETUNDOLIMIT, 0, 0);
+}
+
+void ChatWindowFocus() {
+    const HWND chat = g_ai.hAiChat;
+    POINTL at = {};
+    SendMessageW(chat, EM_POSFROMCHAR, reinterpret_cast<WPARAM>(&at), ChatSelection(chat).cpMin);
+    RECT area = {};
+    GetClientRect(chat, &area);
+    if (at.y < area.top || at.y >= area.bottom) {
+        const LRESULT top = SendMessageW(chat, EM_GETFIRSTVISIBLELINE, 0, 0);
+        const LRESULT place =
+            RichIsAtEnd(chat) ? RichLength(chat) : SendMessageW(chat, EM_LINEINDEX, static_cast<WPARAM>(top), 0);
+        SendMessageW(chat, EM_SETSEL, static_cast<WPARAM>(place), place);
+    }
+    SetFocus(chat);
 }

@@ -28,6 +28,20 @@ std::string TextBetween(HWND editor, std::size_t start, std::size_t end) {
     return bytes != nullptr ? std::string(bytes, end - start) : std::string();
 }
 
+// Scintilla does not wrap annotations, and without a scroll bar their ends could not be seen.
+void WrapAsText(HWND editor, ReplacementMarks& marks) {
+    if (SciSend(editor, SCI_GETWRAPMODE) == SC_WRAP_NONE) return;
+    RECT area = {};
+    GetClientRect(editor, &area);
+    LRESULT width = area.right;
+    for (WPARAM margin = 0; margin < static_cast<WPARAM>(SciSend(editor, SCI_GETMARGINS)); ++margin)
+        width -= SciSend(editor, SCI_GETMARGINWIDTHN, margin);
+    width -= SciSend(editor, SCI_GETMARGINLEFT) + SciSend(editor, SCI_GETMARGINRIGHT);
+    WrapRemoved(marks, [editor, width](const std::string& part) {
+        return SciSend(editor, SCI_TEXTWIDTH, kStyleRemovedLine, reinterpret_cast<LPARAM>(part.c_str())) <= width;
+    });
+}
+
 ReplacementMarks MarksNow(HWND editor, const ByteRange& range, const EditorLines& lines, std::string_view before) {
     const auto lineStart = static_cast<std::size_t>(AskAt(editor, SCI_POSITIONFROMLINE, lines.first));
     const auto lineEnd = static_cast<std::size_t>(AskAt(editor, SCI_GETLINEENDPOSITION, lines.last));
@@ -36,8 +50,10 @@ ReplacementMarks MarksNow(HWND editor, const ByteRange& range, const EditorLines
     // A range can begin and end within a line.
     const std::string old =
         TextBetween(editor, lineStart, range.start).append(before) + TextBetween(editor, end, lineEnd);
-    return MarksOfReplacement(old, now, static_cast<int>(lines.first),
-                              static_cast<int>(SciSend(editor, SCI_GETTABWIDTH)));
+    ReplacementMarks marks =
+        MarksOfReplacement(old, now, static_cast<int>(lines.first), static_cast<int>(SciSend(editor, SCI_GETTABWIDTH)));
+    WrapAsText(editor, marks);
+    return marks;
 }
 
 std::string AnnotationOf(HWND editor, std::size_t line) {

@@ -48,6 +48,40 @@ std::string ShownLines(const std::vector<std::string_view>& lines, const LineHun
                : text;
 }
 
+// The longest part of the line that fits, of whole characters; at least one character. Bytes.
+std::size_t FittingPart(const std::string& line, const std::function<bool(const std::string&)>& fits) {
+    std::size_t low = 1;
+    std::size_t high = line.size();
+    while (low < high) {
+        const std::size_t middle = (low + high + 1) / 2;
+        if (fits(line.substr(0, middle)))
+            low = middle;
+        else
+            high = middle - 1;
+    }
+    while (low > 1 && low < line.size() && IsContinuation(line[low])) --low;
+    while (low < line.size() && IsContinuation(line[low])) ++low;
+    return low;
+}
+
+std::string WrappedText(std::string_view text, const std::function<bool(const std::string&)>& fits) {
+    std::string wrapped;
+    for (std::size_t at = 0; at <= text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        std::string line(text.substr(at, end - at));
+        while (line.size() > 1 && !fits(line)) {
+            const std::size_t part = FittingPart(line, fits);
+            if (part == line.size()) break;
+            wrapped += line.substr(0, part) + '\n';
+            line.erase(0, part);
+        }
+        wrapped += line;
+        if (end < text.size()) wrapped += '\n';
+        at = end + 1;
+    }
+    return wrapped;
+}
+
 void AddRemoved(std::vector<RemovedLines>& removed, int below, std::string text) {
     if (!removed.empty() && removed.back().below == below)
         removed.back().text += "\n" + text;
@@ -101,6 +135,10 @@ ReplacementMarks MarksOfReplacement(std::string_view oldText, std::string_view n
             AddRemoved(marks.removed, 0, "(removed above this line)\n" + text);
     }
     return marks;
+}
+
+void WrapRemoved(ReplacementMarks& marks, const std::function<bool(const std::string& part)>& fits) {
+    for (RemovedLines& removed : marks.removed) removed.text = WrappedText(removed.text, fits);
 }
 
 std::wstring MarksSummary(const ReplacementMarks& marks) {

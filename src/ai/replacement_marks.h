@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,6 +47,9 @@ struct ReplacementMarks {
 // Removed lines stand above the new ones. At the document's first line, above which nothing can stand, they stand below
 // the new ones, or below the first when the new ones are many.
 ReplacementMarks MarksOfReplacement(std::string_view oldText, std::string_view newText, int firstLine, int tabWidth);
+
+// The removed lines with a break where `fits` says that no more of a line can be seen.
+void WrapRemoved(ReplacementMarks& marks, const std::function<bool(const std::string& part)>& fits);
 
 // What is shown at most; the rest is counted.
 inline constexpr int kShownRemoved = 40;             // lines in one place

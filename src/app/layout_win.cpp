@@ -2,6 +2,7 @@
 // thread.
 #include "app/layout.h"
 
+#include "ai/ai_replace.h"
 #include "app/app_state.h"
 #include "app/main_window.h"
 #include "app/panes.h"
@@ -94,6 +95,7 @@ void MainWindow_Layout() {
     const PaneSpec* focused = PaneOfWindow(GetFocus());
     PlaceChildren(ComputePaneLayout(LayoutInputOf(client.right, client.bottom)));
     QuickOpenPlace();
+    AiRenewMarks();
     // A hidden pane would keep the keyboard focus.
     if (focused != nullptr && IsWindowVisible(*focused->window) == FALSE) FocusCurrentEditor();
 }

@@ -1,6 +1,7 @@
 // Applies a change of settings to windows, timers and file types. UI thread.
 #include "app/main_window.h"
 
+#include "ai/ai_replace.h"
 #include "app/app_state.h"
 #include "commands/toolbar.h"
 #include "documents/editor_pane.h"
@@ -30,6 +31,7 @@ void MainWnd_OnSettingsChanged(const Settings& before) {
         SettingsApplyToEditor();
     else if ((effects & kEffectView) != 0)
         for (const DocumentTab& tab : g_app.tabs) EditorPaneApplySettings(tab.editor);
+    if ((effects & (kEffectEditors | kEffectView)) != 0) AiRenewMarks();
     if ((effects & kEffectFrame) != 0) MainWnd_ApplyTheme();
     if ((effects & kEffectCompiler) != 0) {
         MainWindow_UpdateCompilerSelection();

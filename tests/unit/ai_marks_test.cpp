@@ -100,6 +100,14 @@ TEST(ReplacementMarks, StandWhereLinesWereChanged) {
                                  .removed[0]
                                  .text;
     EXPECT_EQ(wide, std::string(299, 'a') + "\xC3\xA9...") << "cut between characters";
+    const auto wrapped = [](const char* text, std::size_t most) {
+        ReplacementMarks narrow = {.removed = {{0, text}}};
+        WrapRemoved(narrow, [most](const std::string& part) { return part.size() <= most; });
+        return narrow.removed[0].text;
+    };
+    EXPECT_EQ(wrapped("abcdefg\n\nxyz", 3), "abc\ndef\ng\n\nxyz");
+    EXPECT_EQ(wrapped("ab\xC3\xA9\xC3\xA9", 3), "ab\n\xC3\xA9\n\xC3\xA9");
+    EXPECT_EQ(wrapped("\xC3\xA9\xC3\xA9", 0), "\xC3\xA9\n\xC3\xA9");
 }
 
 TEST(ReplacementMarks, TheRangeFollowsEdits) {
