@@ -222,8 +222,9 @@ HWND QuickListCreate(HWND parent, int id, QuickListRow (*rowOf)(int row)) {
 }
 
 void QuickListSetCount(int count) {
+    if (count != g_list.count)  // the control counts its scroll bar again for each call, which takes a millisecond
+        ListSend(LVM_SETITEMCOUNT, static_cast<WPARAM>(count), LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL);
     g_list.count = count;
-    ListSend(LVM_SETITEMCOUNT, static_cast<WPARAM>(count), LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL);
     RECT client = {};
     GetClientRect(g_list.window, &client);  // without the scroll bar
     ListSend(LVM_SETCOLUMNWIDTH, 0, MAKELPARAM(client.right, 0));

@@ -3,6 +3,7 @@
 
 #include "base/worker.h"
 #include "resources/ids.h"
+#include "search/fuzzy_crew.h"
 
 #include <algorithm>
 #include <iterator>
@@ -15,36 +16,14 @@ constexpr std::size_t kAtOnce = 5000;  // so many texts take about a millisecond
 constexpr const QuickSource* kSources[] = {&kQuickFiles, &kQuickCommands, &kQuickLine, &kQuickDocumentSymbols,
                                            &kQuickProjectSymbols};
 
-struct QuickFound {
-    unsigned request = 0;
-    std::shared_ptr<const FuzzyResult> result;
-};
-using QuickFoundPtr = std::unique_ptr<QuickFound>;
-
-struct SearchRequest {
-    HWND window;
-    unsigned number;
-    FuzzyIndices texts;
-    std::wstring pattern;
-    std::shared_ptr<const FuzzyResult> before;
-};
-
 struct SearchState {
     QuickSearch now;
     unsigned generation = 0;  // of the source, for `now.found`
     unsigned request = 0;
-    FuzzyIndices asked;  // the texts of the request
-    Worker worker;
+    FuzzyIndices asked;                                 // the texts of the request
+    decltype(FuzzyCrewStart()) crew{nullptr, nullptr};  // started with the first search over many texts
 };
 SearchState g_search;
-
-void SearchTexts(SearchRequest& request, const WorkerCancel& cancel) {
-    auto result = std::make_shared<FuzzyResult>(FuzzySearch(request.texts, request.pattern, request.before.get(),
-                                                            kMostQuickRows, [&cancel] { return !cancel.Asked(); }));
-    if (!result->whole) return;
-    auto found = std::make_unique<QuickFound>(QuickFound{request.number, std::move(result)});
-    WorkerPost(request.window, MSG_QUICK_FOUND, std::move(found));
-}
 
 QuickItem ItemOf(const FuzzyIndices& texts, std::uint32_t number) {
     const FuzzyPlace place = FuzzyPlaceOf(texts, number);
@@ -102,39 +81,43 @@ bool QuickSearchType(HWND window, std::wstring_view typed) {
         now.source = &source;
         if (source.begin != nullptr) source.begin(window);
     }
-    if (g_search.worker) WorkerAskToEnd(g_search.worker);
+    if (g_search.crew) FuzzyCrewStop(*g_search.crew);
     ++g_search.request;
     const FuzzyIndices& texts = source.texts(now.query);
     const unsigned generation = source.generation != nullptr ? source.generation() : 0;
     if (generation != g_search.generation || !source.filters) now.found = nullptr;
     g_search.generation = generation;
     const std::wstring pattern = source.filters ? now.query.pattern : L"";
-    SearchRequest request{window, g_search.request, texts, pattern, now.found};
-    if (FuzzyCount(texts) > kAtOnce && !pattern.empty()) {
+    FuzzyPlan plan = FuzzyPlanOf(texts, pattern, now.found, kMostQuickRows);
+    if (plan.places > kAtOnce && !g_search.crew) g_search.crew = FuzzyCrewStart();
+    now.running = plan.places > kAtOnce && g_search.crew;
+    if (now.running) {
         g_search.asked = texts;
-        g_search.worker = WorkerStart<SearchTexts>(request);
-        now.running = static_cast<bool>(g_search.worker);
-        if (now.running) return false;
+        FuzzyCrewSearch(*g_search.crew, window, MSG_QUICK_FOUND, g_search.request, std::move(plan));
+    } else {
+        TakeFound(std::make_shared<const FuzzyResult>(FuzzySearch(plan)), texts);
     }
-    TakeFound(std::make_shared<const FuzzyResult>(FuzzySearch(texts, pattern, now.found.get(), kMostQuickRows)), texts);
-    return true;
+    return !now.running;
 }
 
 bool QuickSearchOnFound(HWND, WPARAM posted) {
-    const QuickFoundPtr found = WorkerTake<QuickFoundPtr>(posted);
+    const FuzzyFoundPtr found = WorkerTake<FuzzyFoundPtr>(posted);
     if (found->request != g_search.request || !g_search.now.running) return false;
     TakeFound(found->result, std::exchange(g_search.asked, {}));
     return true;
 }
 
 void QuickSearchForget() {
-    if (g_search.worker) WorkerAskToEnd(g_search.worker);
-    g_search = {.now = {}, .generation = 0, .request = g_search.request + 1, .asked = {}, .worker = {}};
+    g_search.now = {};
+    g_search.generation = 0;
+    ++g_search.request;
+    g_search.asked = {};
+    g_search.crew.reset();
 }
 
 void QuickSearchDrop(HWND window) {
     QuickSearchForget();
-    WorkerDropPosts<QuickFoundPtr>(window, MSG_QUICK_FOUND);
+    WorkerDropPosts<FuzzyFoundPtr>(window, MSG_QUICK_FOUND);
 }
 
 std::wstring QuickSearchStatus() {

@@ -318,7 +318,7 @@
 #define IDC_QUICK_LIST 3402
 #define TIMER_QUICK_PREVIEW 13           // shows what the selected row is about
 #define MSG_QUICK_FILES (0x8000 + 75)    // wParam: a block for ProjectFilesOnBlock
-#define MSG_QUICK_FOUND (0x8000 + 76)    // wParam: QuickFound*, deleted by the receiver
+#define MSG_QUICK_FOUND (0x8000 + 76)    // wParam: FuzzyFound*, deleted by the receiver
 #define MSG_QUICK_PREVIEW (0x8000 + 77)  // wParam: QuickPreviewText*, deleted by the receiver
 
 // --- Messages of the main window (WM_USER = 0x0400, WM_APP = 0x8000). The receiver frees a heap block in wParam.

@@ -7,15 +7,9 @@
 
 namespace {
 
-constexpr std::size_t kLooks = 1024;  // texts between two questions whether the search goes on
+constexpr std::size_t kPartTexts = 2048;  // about half a millisecond
 
-// A text that matches. The key orders by score, then by the length of the name, then by that of the text.
-struct Hit {
-    std::uint64_t key = 0;
-    std::uint32_t number = 0;
-};
-
-bool IsBetter(const Hit& a, const Hit& b) { return a.key != b.key ? a.key > b.key : a.number < b.number; }
+bool IsBetter(const FuzzyHit& a, const FuzzyHit& b) { return a.key != b.key ? a.key > b.key : a.number < b.number; }
 
 std::uint64_t KeyOf(int score, const FuzzyText& text) {
     constexpr std::int64_t kBias = std::int64_t{1} << 30;  // keeps a negative score in order
@@ -24,45 +18,17 @@ std::uint64_t KeyOf(int score, const FuzzyText& text) {
            shorter(text.text.size());
 }
 
-struct Search {
-    const FuzzyIndices& indices;
-    FuzzyQuery query;
-    const FuzzyGoesOn& goesOn;
-    std::size_t looks = 0;
-    std::vector<Hit> hits;
-
-    // False: the search is to stop.
-    bool Look(const FuzzyIndex& index, std::size_t entry, std::uint32_t number) {
-        if (++looks % kLooks == 0 && goesOn && !goesOn()) return false;
-        const FuzzyIndex::Entry& row = index.entries[entry];
-        if ((row.mask & query.mask) != query.mask) return true;
-        const FuzzyText text = FuzzyTextOf(index, entry);
-        if (const std::optional<int> score = FuzzyScore(query, text))
-            hits.push_back({KeyOf(*score + row.boost, text), number});
-        return true;
-    }
-};
-
-// Looks at those of `numbers` (ascending), and at all from `covered` on. False: it was stopped.
-bool LookAt(Search& search, std::span<const std::uint32_t> numbers, std::size_t covered) {
-    std::size_t first = 0;
-    for (const auto& index : search.indices) {
-        const std::size_t end = first + index->entries.size();
-        for (; !numbers.empty() && numbers.front() < end; numbers = numbers.subspan(1))
-            if (!search.Look(*index, numbers.front() - first, numbers.front())) return false;
-        for (std::size_t number = std::max(first, covered); number < end; ++number)
-            if (!search.Look(*index, number - first, static_cast<std::uint32_t>(number))) return false;
-        first = end;
-    }
-    return true;
+// The number of the text at a place of the search: first what matched before, then what is new.
+std::uint32_t NumberAt(const FuzzyPlan& plan, std::size_t at) {
+    const std::size_t earlier = plan.narrows ? plan.before->matching.size() : 0;
+    if (at < earlier) return plan.before->matching[at];
+    return static_cast<std::uint32_t>((plan.narrows ? plan.before->covered : 0) + (at - earlier));
 }
 
-void TakeBest(std::vector<Hit>& hits, std::size_t most, FuzzyResult* result) {
-    result->matching.reserve(hits.size());
-    for (const Hit& hit : hits) result->matching.push_back(hit.number);
+void KeepBest(std::vector<FuzzyHit>& hits, std::size_t most) {
     const auto end = hits.begin() + static_cast<std::ptrdiff_t>(std::min(most, hits.size()));
     std::partial_sort(hits.begin(), end, hits.end(), IsBetter);
-    for (auto hit = hits.begin(); hit != end; ++hit) result->best.push_back(hit->number);
+    hits.erase(end, hits.end());
 }
 
 }  // namespace
@@ -96,22 +62,68 @@ std::size_t FuzzyCount(const FuzzyIndices& indices) {
         [](std::size_t sum, const auto& index) { return sum + index->entries.size(); });
 }
 
-FuzzyResult FuzzySearch(const FuzzyIndices& indices, std::wstring_view typed, const FuzzyResult* before,
-                        std::size_t most, const FuzzyGoesOn& goesOn) {
+FuzzyPlan FuzzyPlanOf(FuzzyIndices indices, std::wstring_view typed, std::shared_ptr<const FuzzyResult> before,
+                      std::size_t most) {
+    FuzzyPlan plan{.indices = std::move(indices),
+                   .typed = std::wstring(typed),
+                   .query = FuzzyQueryOf(typed),
+                   .before = std::move(before),
+                   .narrows = false,
+                   .most = most,
+                   .covered = 0,
+                   .places = 0,
+                   .parts = 0};
+    plan.covered = FuzzyCount(plan.indices);
+    if (plan.query.words.empty()) return plan;
+    plan.narrows = plan.before != nullptr && plan.before->whole && plan.before->covered <= plan.covered &&
+                   !FuzzyQueryOf(plan.before->typed).words.empty() && typed.starts_with(plan.before->typed);
+    plan.places = plan.narrows ? plan.before->matching.size() + plan.covered - plan.before->covered : plan.covered;
+    plan.parts = (plan.places + kPartTexts - 1) / kPartTexts;
+    return plan;
+}
+
+FuzzyPart FuzzySearchPart(const FuzzyPlan& plan, std::size_t part) {
+    FuzzyPart found;
+    const std::size_t end = std::min((part + 1) * kPartTexts, plan.places);
+    std::size_t first = 0, index = 0;  // the index that holds the text, and the number of its first one
+    for (std::size_t at = part * kPartTexts; at < end; ++at) {
+        const std::uint32_t number = NumberAt(plan, at);
+        while (number - first >= plan.indices[index]->entries.size()) first += plan.indices[index++]->entries.size();
+        const FuzzyIndex& texts = *plan.indices[index];
+        const FuzzyIndex::Entry& row = texts.entries[number - first];
+        if ((row.mask & plan.query.mask) != plan.query.mask) continue;
+        const FuzzyText text = FuzzyTextOf(texts, number - first);
+        const std::optional<int> score = FuzzyScore(plan.query, text);
+        if (!score) continue;
+        found.matching.push_back(number);
+        found.best.push_back({KeyOf(*score + row.boost, text), number});
+    }
+    KeepBest(found.best, plan.most);
+    return found;
+}
+
+FuzzyResult FuzzyJoin(const FuzzyPlan& plan, std::span<const FuzzyPart> parts) {
     FuzzyResult result;
-    result.typed = typed;
-    result.covered = FuzzyCount(indices);
-    Search search{indices, FuzzyQueryOf(typed), goesOn, 0, {}};
-    if (search.query.words.empty()) {  // all, in their order; `matching` stays empty and stands for all
-        result.best.resize(std::min(most, result.covered));
+    result.typed = plan.typed;
+    result.covered = plan.covered;
+    result.whole = parts.size() == plan.parts;
+    if (plan.query.words.empty()) {  // all, in their order; `matching` stays empty and stands for all
+        result.best.resize(std::min(plan.most, plan.covered));
         std::iota(result.best.begin(), result.best.end(), 0U);
         return result;
     }
-    const bool narrows = before != nullptr && before->whole && !FuzzyQueryOf(before->typed).words.empty() &&
-                         typed.starts_with(before->typed);
-    const std::span<const std::uint32_t> numbers =
-        narrows ? std::span<const std::uint32_t>(before->matching) : std::span<const std::uint32_t>();
-    result.whole = LookAt(search, numbers, narrows ? before->covered : 0);
-    TakeBest(search.hits, most, &result);
+    std::vector<FuzzyHit> best;
+    for (const FuzzyPart& part : parts) {
+        result.matching.insert(result.matching.end(), part.matching.begin(), part.matching.end());
+        best.insert(best.end(), part.best.begin(), part.best.end());
+    }
+    KeepBest(best, plan.most);
+    for (const FuzzyHit& hit : best) result.best.push_back(hit.number);
     return result;
+}
+
+FuzzyResult FuzzySearch(const FuzzyPlan& plan) {
+    std::vector<FuzzyPart> parts;
+    for (std::size_t part = 0; part < plan.parts; ++part) parts.push_back(FuzzySearchPart(plan, part));
+    return FuzzyJoin(plan, parts);
 }

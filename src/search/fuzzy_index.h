@@ -6,7 +6,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -47,11 +46,35 @@ struct FuzzyResult {
     bool whole = true;                    // false: it was stopped
 };
 
-// Asked from time to time. False: the search is to stop.
-using FuzzyGoesOn = std::function<bool()>;
+// One search, in parts that several threads can look at in any order. It is not changed once it is made.
+struct FuzzyPlan {
+    FuzzyIndices indices;
+    std::wstring typed;
+    FuzzyQuery query;
+    std::shared_ptr<const FuzzyResult> before;
+    bool narrows = false;  // only what matched before, and what has come since, is looked at
+    std::size_t most = 0;
+    std::size_t covered = 0;  // texts in all
+    std::size_t places = 0;   // texts to look at
+    std::size_t parts = 0;
+};
+// At most `most` texts are in `best`: those with the highest score, of equal ones those with the shorter name, then the
+// shorter text, then the first. With nothing typed all match, in their order. `before` (may be null) is an earlier result
+// of the same indices: when its text is the beginning of `typed`, only what matched then is looked at.
+FuzzyPlan FuzzyPlanOf(FuzzyIndices indices, std::wstring_view typed, std::shared_ptr<const FuzzyResult> before,
+                      std::size_t most);
 
-// Searches all texts. At most `most` are in `best`: those with the highest score, of equal ones those with the shorter
-// name, then the shorter text, then the first. With nothing typed all match, in their order. `before` (may be null) is
-// an earlier result of the same indices: when its text is the beginning of `typed`, only what matched then is looked at.
-FuzzyResult FuzzySearch(const FuzzyIndices& indices, std::wstring_view typed, const FuzzyResult* before,
-                        std::size_t most, const FuzzyGoesOn& goesOn = {});
+// A text that matches. The key orders by score and lengths.
+struct FuzzyHit {
+    std::uint64_t key = 0;
+    std::uint32_t number = 0;
+};
+struct FuzzyPart {
+    std::vector<FuzzyHit> best;
+    std::vector<std::uint32_t> matching;  // ascending
+};
+FuzzyPart FuzzySearchPart(const FuzzyPlan& plan, std::size_t part);
+// Joins the parts, in their order. When some are missing the result is not `whole`.
+FuzzyResult FuzzyJoin(const FuzzyPlan& plan, std::span<const FuzzyPart> parts);
+// All parts, one after the other.
+FuzzyResult FuzzySearch(const FuzzyPlan& plan);

@@ -23,9 +23,14 @@ FuzzyIndices IndicesOf(const std::vector<std::wstring>& texts, int firstBoost = 
 
 std::string Shown(std::wstring_view text) { return {text.begin(), text.end()}; }
 
+FuzzyResult Search(const FuzzyIndices& indices, std::wstring_view typed, std::size_t most,
+                   std::shared_ptr<const FuzzyResult> before = nullptr) {
+    return FuzzySearch(FuzzyPlanOf(indices, typed, std::move(before), most));
+}
+
 std::string Ranked(const FuzzyIndices& indices, std::wstring_view typed) {
     std::string ranked;
-    for (const std::uint32_t number : FuzzySearch(indices, typed, nullptr, 10).best) {
+    for (const std::uint32_t number : Search(indices, typed, 10).best) {
         const FuzzyPlace place = FuzzyPlaceOf(indices, number);
         ranked += Shown(FuzzyTextOf(*indices[place.index], place.entry).text) + " ";
     }
@@ -122,11 +127,11 @@ TEST(Fuzzy, AgreesWithTryingAllWays) {
     const FuzzyIndices indices = IndicesOf(texts);
     for (int round = 0; round < 40; ++round) {
         const std::wstring typed = letters(4) + L" " + letters(3);
-        FuzzyResult before;
+        std::shared_ptr<const FuzzyResult> before;
         for (std::size_t length = 1; length <= typed.size(); ++length)
-            before = FuzzySearch(indices, typed.substr(0, length), length > 1 ? &before : nullptr, texts.size());
-        const FuzzyResult found = FuzzySearch(indices, typed, nullptr, texts.size());
-        EXPECT_EQ(before.best, found.best) << Shown(typed) << ": narrowed letter by letter";
+            before = std::make_shared<FuzzyResult>(Search(indices, typed.substr(0, length), texts.size(), before));
+        const FuzzyResult found = Search(indices, typed, texts.size());
+        EXPECT_EQ(before->best, found.best) << Shown(typed) << ": narrowed letter by letter";
         const FuzzyQuery query = FuzzyQueryOf(typed);
         if (query.words.empty()) continue;
         std::vector<std::uint32_t> matching;
@@ -163,13 +168,13 @@ TEST(Fuzzy, TellsTheLettersThatMatch) {
 TEST(Fuzzy, BearsOddInput) {
     const std::wstring longWord(1000, L'a');
     const FuzzyIndices indices = IndicesOf({longWord, L"", L"a"});
-    EXPECT_EQ(FuzzySearch(indices, longWord, nullptr, 10).best, std::vector<std::uint32_t>{0});
-    EXPECT_EQ(FuzzySearch(indices, L"a", nullptr, 1).best.size(), 1u) << "at most so many";
-    EXPECT_EQ(FuzzySearch(indices, L"a", nullptr, 1).matching.size(), 2u);
+    EXPECT_EQ(Search(indices, longWord, 10).best, std::vector<std::uint32_t>{0});
+    EXPECT_EQ(Search(indices, L"a", 1).best.size(), 1u) << "at most so many";
+    EXPECT_EQ(Search(indices, L"a", 1).matching.size(), 2u);
     FuzzyIndex index;
     EXPECT_FALSE(FuzzyAdd(&index, std::wstring(70'000, L'a'), 0));
-    std::vector<std::wstring> many(3000, L"a");
-    EXPECT_FALSE(FuzzySearch(IndicesOf(many), L"a", nullptr, 10, [] { return false; }).whole);
+    const FuzzyPlan plan = FuzzyPlanOf(IndicesOf(std::vector<std::wstring>(3000, L"a")), L"a", nullptr, 10);
+    EXPECT_FALSE(FuzzyJoin(plan, std::vector{FuzzySearchPart(plan, 0)}).whole) << "the second part is missing";
 }
 
 TEST(QuickQuery, TellsListPatternAndPlace) {
