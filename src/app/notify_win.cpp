@@ -5,7 +5,6 @@
 #include "app/notify_rules.h"
 #include "app/panes.h"
 #include "base/bounded_text.h"
-#include "base/handles.h"
 #include "commands/toolbar.h"
 #include "debugui/breakpoint_list.h"
 #include "debugui/debug_commands.h"
@@ -21,6 +20,7 @@
 #include "search/find_bar.h"
 #include "settings/settings_state.h"
 #include "symbols/document_symbols.h"
+#include "symbols/tips.h"
 #include "tabs/tab_bar.h"
 
 #include <shellapi.h>
@@ -99,16 +99,26 @@ std::wstring RegisterTip(HWND editor, Sci_Position position) {
 
 void OnDwell(HWND editor, DocumentId document, const SCNotification& dwell) {
     if (DebugIsWaiting()) return;
-    const LRESULT place = SciSend(editor, SCI_POSITIONFROMPOINT, static_cast<WPARAM>(dwell.x), dwell.y);
+    LRESULT place = SciSend(editor, SCI_POSITIONFROMPOINT, static_cast<WPARAM>(dwell.x), dwell.y);
     std::wstring tip;
     switch (DwellPlaceOf(IsInSymbolMargin(editor, dwell.x), dwell.position)) {
         case DwellPlace::SymbolMargin: tip = BreakpointTip(document, LineOf(editor, place)); break;
         case DwellPlace::Text: tip = RegisterTip(editor, dwell.position); break;
         case DwellPlace::Nothing: break;
     }
+    if (tip.empty() && dwell.position >= 0) {
+        const std::string known = HoverTextAt(document, dwell.position, &place);
+        return known.empty() ? void() : HoverShow(editor, place, known);
+    }
     if (tip.empty()) return;
-    const HeapBlock<char> utf8(WideToUtf8(tip.c_str()));
-    if (utf8) SciSend(editor, SCI_CALLTIPSHOW, static_cast<WPARAM>(place), reinterpret_cast<LPARAM>(utf8.get()));
+    HoverShow(editor, place, ToUtf8(tip.c_str()));
+}
+
+void OnViewOrText(HWND editor, int updated) {
+    FindBarOnView(editor, updated);
+    if (editor == g_app.hEditor && (updated & (SC_UPDATE_CONTENT | SC_UPDATE_SELECTION)) != 0) OnCaretOrSelection();
+    HoverOnView(editor, (updated & SC_UPDATE_CONTENT) != 0);
+    CallTipOnView(editor);
 }
 
 void OnEditorNotification(const SCNotification& notification) {
@@ -128,15 +138,15 @@ void OnEditorNotification(const SCNotification& notification) {
         case SCN_PAINTED: BreakpointsOnPainted(document); break;
         case SCN_SAVEPOINTLEFT: OnSavePoint(tab, true); break;
         case SCN_SAVEPOINTREACHED: OnSavePoint(tab, false); break;
-        case SCN_UPDATEUI:
-            FindBarOnView(editor, notification.updated);
-            if (editor == g_app.hEditor && (notification.updated & (SC_UPDATE_CONTENT | SC_UPDATE_SELECTION)) != 0)
-                OnCaretOrSelection();
-            break;
+        case SCN_UPDATEUI: OnViewOrText(editor, notification.updated); break;
+        case SCN_CHARADDED: CallTipOnCharacter(editor, notification.ch); break;
+        case SCN_CALLTIPCLICK: CallTipOnClick(editor, static_cast<int>(notification.position)); break;
+        case SCN_AUTOCCANCELLED:
+        case SCN_AUTOCCOMPLETED: CallTipOnListClosed(editor); break;
         case SCN_ZOOM: OnZoom(editor); break;
         case SCN_MARGINCLICK: OnMarginClick(editor, document, notification); break;
         case SCN_DWELLSTART: OnDwell(editor, document, notification); break;
-        case SCN_DWELLEND: SciSend(editor, SCI_CALLTIPCANCEL); break;
+        case SCN_DWELLEND: HoverEnd(editor); break;
         default: break;
     }
 }

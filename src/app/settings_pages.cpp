@@ -59,6 +59,8 @@ constexpr Line kEditorLines[] = {
     {FIELD(autoUpperKeywords), Check, L"Write BASIC keywords in capitals", L"While typing, and in the formatter."},
     {FIELD(autoCloseBlocks), Check, L"Close a block when it is opened",
      L"Return behind IF ... THEN, FOR, SUB and others adds END IF, NEXT, END SUB below."},
+    {FIELD(showCallTips), Check, L"Show the parameters of what is called",
+     L"After ( and , in a tip at the call; Ctrl+Shift+Space shows it at any time."},
     {FIELD(enableVirtualSpace), Check, L"Let the caret go beyond the end of a line"},
     {FIELD(wordWrap), Check, L"Wrap long lines", L"", L"View"},
     {FIELD(showWhitespace), Check, L"Show white space"},

@@ -63,6 +63,8 @@ constexpr CommandRow kCommands[] = {
     {IDM_SYMBOL_RENAME, kHasTab},
     {IDM_SYMBOL_IN_DOCUMENT, kHasTab},
     {IDM_SYMBOL_IN_PROJECT, kAlways},
+    {IDM_PARAMETER_INFO, kHasTab},
+    {IDM_SHOW_DECLARATION, kHasTab},
     {IDM_BOOKMARK_TOGGLE, kHasTab},
     {IDM_BOOKMARK_NEXT, kHasTab},
     {IDM_BOOKMARK_PREVIOUS, kHasTab},
@@ -194,10 +196,10 @@ constexpr auto AllCommands(std::index_sequence<ids...>) {
 constexpr auto kAllCommands = AllCommands(std::make_index_sequence<kCompilerCount>());
 
 // Virtual key numbers, defined here because this file includes no <windows.h>.
-constexpr std::uint16_t kCancel = 0x03, kTab = 0x09, kLeft = 0x25, kRight = 0x27, kZero = 0x30, kNumpad0 = 0x60,
-                        kNumpadAdd = 0x6B, kNumpadSubtract = 0x6D, kF2 = 0x71, kF3 = 0x72, kF4 = 0x73, kF5 = 0x74,
-                        kF8 = 0x77, kF9 = 0x78, kF10 = 0x79, kF6 = 0x75, kF7 = 0x76, kF11 = 0x7A, kF12 = 0x7B,
-                        kBackquote = 0xC0, kOemPlus = 0xBB, kOemMinus = 0xBD, kComma = 0xBC;
+constexpr std::uint16_t kCancel = 0x03, kTab = 0x09, kSpace = 0x20, kLeft = 0x25, kRight = 0x27, kZero = 0x30,
+                        kNumpad0 = 0x60, kNumpadAdd = 0x6B, kNumpadSubtract = 0x6D, kF2 = 0x71, kF3 = 0x72, kF4 = 0x73,
+                        kF5 = 0x74, kF8 = 0x77, kF9 = 0x78, kF10 = 0x79, kF6 = 0x75, kF7 = 0x76, kF11 = 0x7A,
+                        kF12 = 0x7B, kBackquote = 0xC0, kOemPlus = 0xBB, kOemMinus = 0xBD, kComma = 0xBC;
 
 constexpr ExtraKey kExtraKeys[] = {
     {kCancel, true, false, false, IDM_BUILD_STOP},
@@ -252,6 +254,8 @@ constexpr ExtraKey kExtraKeys[] = {
     {'O', false, true, true, IDM_VIEW_OUTLINE},
     {'T', true, false, false, IDM_SYMBOL_IN_DOCUMENT},
     {'T', true, true, false, IDM_SYMBOL_IN_PROJECT},
+    {kSpace, true, true, false, IDM_PARAMETER_INFO},
+    {kF12, true, false, false, IDM_SHOW_DECLARATION},
     {'H', true, true, false, IDM_FILES_FIND},
     {'J', true, true, false, IDM_FILES_REPLACE},
     {kF8, true, false, false, IDM_FILES_NEXT},
@@ -284,10 +288,9 @@ std::wstring NameOfExtraKey(const ExtraKey& key) {
     static constexpr struct {
         std::uint16_t key;
         const wchar_t* name;
-    } kNames[] = {{kCancel, L"Break"},        {kTab, L"Tab"},      {kLeft, L"Left"},
-                  {kRight, L"Right"},         {kNumpad0, L"Num0"}, {kNumpadAdd, L"Num+"},
-                  {kNumpadSubtract, L"Num-"}, {kOemPlus, L"+"},    {kOemMinus, L"-"},
-                  {kBackquote, L"`"},         {kComma, L","}};
+    } kNames[] = {{kCancel, L"Break"}, {kTab, L"Tab"},      {kSpace, L"Space"},    {kLeft, L"Left"},
+                  {kRight, L"Right"},  {kNumpad0, L"Num0"}, {kNumpadAdd, L"Num+"}, {kNumpadSubtract, L"Num-"},
+                  {kOemPlus, L"+"},    {kOemMinus, L"-"},   {kBackquote, L"`"},    {kComma, L","}};
     std::wstring name = key.control ? L"Ctrl+" : L"";
     if (key.alt) name += L"Alt+";
     if (key.shift) name += L"Shift+";

@@ -69,6 +69,7 @@ EditorMessages FrameStyleMessages(const ThemeInputs& theme) {
         {SCI_SETELEMENTCOLOUR, SC_ELEMENT_WHITE_SPACE, OpaqueColour(palette.guide)},
         {SCI_CALLTIPSETBACK, ColourOf(theme.chrome.paneBack)},
         {SCI_CALLTIPSETFORE, ColourOf(theme.chrome.paneText)},
+        {SCI_CALLTIPSETFOREHLT, ColourOf(theme.chrome.accent)},
         {SCI_SETFOLDMARGINCOLOUR, 1, ColourOf(palette.margin)},
         {SCI_SETFOLDMARGINHICOLOUR, 1, ColourOf(palette.margin)},
     };

@@ -73,6 +73,7 @@ struct Settings {
     std::int32_t autoCompleteTrigger;  // characters typed before completion opens
     std::int32_t autoUpperKeywords;
     std::int32_t autoCloseBlocks;  // Return behind a line that opens a block adds the line that closes it
+    std::int32_t showCallTips;     // "(" and "," tell the parameters of what is called
     std::int32_t showIndentGuides;
     std::int32_t showTerminal;
     std::int32_t showEdgeLine;

@@ -193,6 +193,7 @@ constexpr SettingRow kOtherRows[] = {
     BoolRow(kEditor, L"BackupOnSave", FIELD(backupOnSave), 0),
     BoolRow(kEditor, L"BackupSettings", FIELD(backupSettings), 0),
     BoolRow(kEditor, L"AutoCloseBlocks", FIELD(autoCloseBlocks), 0),
+    BoolRow(kEditor, L"ShowCallTips", FIELD(showCallTips), 1),
     BoolRow(kEditor, L"StepsFollowProgram", FIELD(stepsFollowProgram), 0),
     TextRow(kEditor, L"ProgramArguments", FIELD(programArguments), 1024, L""),
     TextRow(kEditor, L"ProgramFolder", FIELD(programFolder), kPathCapacity, L""),

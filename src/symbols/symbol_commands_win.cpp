@@ -8,6 +8,7 @@
 #include "symbols/outline_pane.h"
 #include "symbols/references.h"
 #include "symbols/rename_dialog.h"
+#include "symbols/tips.h"
 #include "ui/panes.h"
 
 #include <string>
@@ -42,6 +43,8 @@ constexpr CommandHandler kHandlers[] = {
     {IDM_SYMBOL_DEFINITION, [](int) { GoToDefinition(-1); }},
     {IDM_SYMBOL_REFERENCES, FindAllReferences},
     {IDM_SYMBOL_RENAME, RenameAtCaret},
+    {IDM_PARAMETER_INFO, [](int) { CallTipShow(); }},
+    {IDM_SHOW_DECLARATION, [](int) { HoverShowAtCaret(); }},
 };
 
 }  // namespace
