@@ -28,6 +28,7 @@ HWND CreateAiControl(HWND parent, const wchar_t* className, const wchar_t* text,
 }
 
 LRESULT CALLBACK AiInputProc(HWND input, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
+    if (message == WM_SETFOCUS) FocusRetryEnd();  // which would give the keyboard back to the editor
     if (message == WM_KEYDOWN && wParam == VK_RETURN) {
         // An empty line sends nothing, and cancels nothing either: Esc does that.
         if (GetWindowTextLengthW(input) > 0) PostMessageW(g_ui.hMainWnd, WM_COMMAND, IDC_AI_SEND, 0);

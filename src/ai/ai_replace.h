@@ -22,6 +22,6 @@ void AiOnTextEdited(DocumentId document, const SCNotification& change);
 void AiOnTextLeaving(DocumentId document);  // a replacement in it no longer waits
 void AiRenewMarks();                        // the editor has another width, or wraps
 void AiOnMarksTimer();                      // TIMER_AI_MARKS
-void AiOnTextBack();                        // MSG_AI_TEXT_BACK
+void AiOnTextBack(bool accepted);           // MSG_AI_TEXT_BACK
 // A document of that text beside the others, which is not shown. False when there is no memory or window for it.
 bool AiNewDocument(const char* utf8);

@@ -69,15 +69,19 @@ void EndPendingAndTell() {
 }
 
 // The text is as it was before the replacement, and so is the selection.
-void AfterTakingBack(HWND editor, AiReplacement made) {
-    made.range.length = made.code.size();
-    made.whole = static_cast<std::size_t>(SciSend(editor, SCI_GETLENGTH)) + made.code.size() - made.target.sent.size();
+void SelectAsBefore(HWND editor, const AiReplacement& made) {
     const auto before = [&made](std::size_t place) {
         return static_cast<LRESULT>(place < made.target.start ? place : place - made.target.start + made.range.start);
     };
     CaretSelect(editor, before(made.anchor), before(made.caret));
     SciSend(editor, SCI_SETFIRSTVISIBLELINE, static_cast<WPARAM>(made.topRow));
     SciSend(editor, SCI_SCROLLCARET);
+}
+
+void AfterTakingBack(HWND editor, AiReplacement made) {
+    SelectAsBefore(editor, made);
+    made.range.length = made.code.size();
+    made.whole = static_cast<std::size_t>(SciSend(editor, SCI_GETLENGTH)) + made.code.size() - made.target.sent.size();
     g_ai.aiTakenBack = std::move(made);
 }
 
@@ -139,6 +143,7 @@ void EndTakenBack() {
 // The user has redone a replacement that was undone: it waits again.
 void WaitAgain(HWND editor) {
     g_ai.aiReplacement = std::exchange(g_ai.aiTakenBack, {});
+    g_ai.aiReplacement.whole += g_ai.aiReplacement.target.sent.size() - g_ai.aiReplacement.code.size();
     g_ai.aiDoPending = true;
     ShowMarks(editor, true);
     g_events.aiReplacementChanged();
@@ -148,6 +153,18 @@ void WaitAgain(HWND editor) {
 void ForgetTakenBack() {
     g_events.documentStatus(g_ai.aiTakenBack.target.document, L"");
     g_ai.aiTakenBack = {};
+}
+
+// It stays, and nothing waits. When it is undone later, the selection comes back all the same.
+void KeepReplacement() {
+    g_ai.aiAccepted = g_ai.aiReplacement;
+    g_ai.aiAccepted.range.start = g_ai.aiAccepted.target.start;
+    EndPending();
+}
+
+bool IsAcceptedUndone(HWND editor, const AiReplacement& made) {
+    return static_cast<std::size_t>(SciSend(editor, SCI_GETLENGTH)) == made.whole &&
+           RangeHolds(editor, made.target.start, made.target.sent);
 }
 
 void MoveTarget(AiTarget& target, DocumentId document, const TextEdit& edit) {
@@ -191,7 +208,8 @@ void AiReplace(const AiTarget& target, const char* code) {
     made.anchor = static_cast<std::size_t>(SciSend(editor, SCI_GETANCHOR));
     made.caret = static_cast<std::size_t>(SciSend(editor, SCI_GETCURRENTPOS));
     made.topRow = SciSend(editor, SCI_GETFIRSTVISIBLELINE);
-    g_ai.aiTakenBack = {};
+    made.whole = static_cast<std::size_t>(SciSend(editor, SCI_GETLENGTH));
+    g_ai.aiTakenBack = g_ai.aiAccepted = {};
     ReplaceRange(editor, target.start, target.sent.size(), made.code);
     g_ai.aiReplacement = std::move(made);
     g_ai.aiDoPending = true;
@@ -202,7 +220,8 @@ void AiReplace(const AiTarget& target, const char* code) {
 
 void AiReplacementAccept() {
     if (!g_ai.aiDoPending) return;
-    EndPendingAndTell();
+    KeepReplacement();
+    g_events.aiReplacementChanged();
     InfoMessage(L"AI replacement accepted.");
 }
 
@@ -218,7 +237,9 @@ void AiReplacementUndo() {
                          L"one step at a time.");
 }
 
-void AiReplacementForget() { EndPending(); }
+void AiReplacementForget() {
+    if (g_ai.aiDoPending) KeepReplacement();
+}
 
 void AiOnTextEdited(DocumentId document, const SCNotification& change) {
     if ((change.modificationType & (SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT)) == 0) return;
@@ -237,6 +258,8 @@ void AiOnTextEdited(DocumentId document, const SCNotification& change) {
         else if (stepEnds && (change.modificationType & SC_PERFORMED_REDO) != 0)
             PostMessageW(g_ui.hMainWnd, MSG_AI_TEXT_BACK, 0, 0);
     }
+    if (stepEnds && g_ai.aiAccepted.target.document == document && (change.modificationType & SC_PERFORMED_UNDO) != 0)
+        PostMessageW(g_ui.hMainWnd, MSG_AI_TEXT_BACK, 1, 0);
     AiReplacement& made = g_ai.aiReplacement;
     if (!g_ai.aiDoPending || made.target.document != document) return;
     if (stepEnds) PostMessageW(g_ui.hMainWnd, MSG_AI_TEXT_BACK, 0, 0);
@@ -246,7 +269,8 @@ void AiOnTextEdited(DocumentId document, const SCNotification& change) {
 
 void AiOnTextLeaving(DocumentId document) {
     if (g_ai.aiDoPending && g_ai.aiReplacement.target.document == document) EndPendingAndTell();
-    if (g_ai.aiTakenBack.target.document == document) g_ai.aiTakenBack = {};
+    for (AiReplacement* made : {&g_ai.aiTakenBack, &g_ai.aiAccepted})
+        if (made->target.document == document) *made = {};
 }
 
 void AiRenewMarks() {
@@ -265,7 +289,13 @@ void AiOnMarksTimer() {
         ShowMarks(editor, false);
 }
 
-void AiOnTextBack() {
+void AiOnTextBack(bool accepted) {
+    if (accepted) {
+        const int tab = TabBarFindDocument(g_ai.aiAccepted.target.document);
+        if (IsTabIndex(tab) && IsAcceptedUndone(TabAt(tab).editor, g_ai.aiAccepted))
+            SelectAsBefore(TabAt(tab).editor, std::exchange(g_ai.aiAccepted, {}));
+        return;
+    }
     const AiReplacement made = g_ai.aiDoPending ? g_ai.aiReplacement : g_ai.aiTakenBack;
     const int tab = TabBarFindDocument(made.target.document);
     if (!IsTabIndex(tab)) return;

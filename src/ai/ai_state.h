@@ -29,7 +29,7 @@ struct AiReplacement {
     std::string code;                   // what was put there
     std::size_t anchor = 0, caret = 0;  // of the selection before it
     std::intptr_t topRow = 0;           // of the view before it
-    std::size_t whole = 0;              // bytes of the document with it; known when it was undone
+    std::size_t whole = 0;              // bytes of the document before it; after it was undone: with it
 };
 
 // The reply that can be applied, or why there is none.
@@ -47,6 +47,7 @@ struct AiState {
     bool aiDoPending = false;  // a replacement waits
     AiReplacement aiReplacement;
     AiReplacement aiTakenBack;  // undone; redo may bring it back. Its document is 0 when there is none
+    AiReplacement aiAccepted;   // the last one, as it was made; likewise
     AiTarget aiDoTarget;        // of the last AI Do request
     AiLastReply aiReply;
 };

@@ -49,7 +49,7 @@ bool RouteOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return true;
         case MSG_AI_REPLY: AiOnReply(wParam, lParam); return true;
         case MSG_AI_PIECES: AiOnPieces(); return true;
-        case MSG_AI_TEXT_BACK: AiOnTextBack(); return true;
+        case MSG_AI_TEXT_BACK: AiOnTextBack(wParam != 0); return true;
         case MSG_AI_ENDED: AiOnRequestEnded(WorkerTake<AiRequestEndPtr>(wParam)); return true;
         case MSG_DEBUG_LAUNCH: DebugOnBuilt(); return true;
         case MSG_SYMBOLS_SCANNED: SymbolsOnScanned(wParam); return true;

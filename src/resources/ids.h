@@ -331,7 +331,7 @@
 #define MSG_FOCUS_EDITOR (0x8000 + 1)      // gives the active editor the focus
 #define MSG_AI_REPLY (0x8000 + 3)          // wParam: heap UTF-8 reply or null, lParam: chat or replacement
 #define MSG_AI_PIECES (0x8000 + 60)        // pieces of a streamed reply wait
-#define MSG_AI_TEXT_BACK (0x8000 + 63)     // undo or redo has changed a text that the assistant has replaced
+#define MSG_AI_TEXT_BACK (0x8000 + 63)     // undo or redo has changed a replaced text; wParam: it was accepted
 #define MSG_AI_ENDED (0x8000 + 34)         // wParam: AiRequestEnd*, deleted by the receiver
 #define MSG_DEBUG_LAUNCH (0x8000 + 11)     // starts the program of a finished debug build under the debugger
 #define MSG_SYMBOLS_SCANNED (0x8000 + 78)  // wParam: symbols of a document, for SymbolsOnScanned

@@ -166,6 +166,11 @@ TEST(Assistant, AReplyIsAppliedOnceAndOnlyToWhatWasSent) {
     editor.Answer(kUnsaved, L"", IDNO);
     ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == 1 && editor.Sci() != nullptr; }));
     EXPECT_EQ(editor.Text(), "!\r\nREM a\r\nPRINT 2\r\nEND\r\nREM b!");
+    editor.Sci(SCI_GOTOPOS, 0);
+    editor.Sci(SCI_UNDO);
+    EXPECT_TRUE(WaitFor([&] { return editor.Sci(SCI_GETANCHOR) == 10; })) << "after it was accepted, too";
+    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 17);
+    editor.Sci(SCI_REDO);
 
     TypeInChat(editor, L"shorter");
     for (const int answer : {IDCANCEL, IDOK}) {  // a whole document: asked before it goes to that server
