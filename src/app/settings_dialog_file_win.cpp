@@ -49,6 +49,7 @@ void SettingsDialogImport(SettingsDialog& dialog) {
     if (!strange.empty()) text += L"\n\nNot understood, so your own settings stay:";
     for (std::size_t i = 0; i < std::min(strange.size(), kMostNamed); ++i) text += L"\n" + strange[i].substr(0, 80);
     if (strange.size() > kMostNamed) text += L"\nand " + std::to_wstring(strange.size() - kMostNamed) + L" more";
+    if (FormIsEdited(dialog.form)) text += L"\n\nWhat was changed here and not applied yet stays as you left it.";
     TellUser(L"Import", text.c_str(), strange.empty() ? AskIcon::Information : AskIcon::Warning);
 }
 

@@ -6,6 +6,7 @@
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
 #include "ui/form_layout.h"
+#include "ui/paint.h"
 #include "ui/ui_state.h"
 #include "ui/window_text.h"
 
@@ -239,7 +240,8 @@ COLORREF SettingsNoteColour(NoteKind kind) {
     switch (kind) {
         case NoteKind::Good: return chrome.success;
         case NoteKind::Bad: return chrome.error;
-        default: return ThemeQuietText();
+        default:  // help is to be read: a contrast of 4.5 at least, which quiet text has not
+            return MixColours(chrome.paneText, chrome.paneBack, 28);
     }
 }
 
