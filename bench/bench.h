@@ -102,6 +102,7 @@ double RunFloor(const std::wstring& arguments);
 // --- The measurements
 void MeasureStart();
 void MeasureKeys();
+void MeasureCompletion();
 void MeasureEdits();
 void MeasureColour();
 void MeasureOutput();

@@ -13,10 +13,13 @@ struct Measurement {
     void (*run)();
 };
 constexpr Measurement kMeasurements[] = {
-    {"start", MeasureStart},       {"keys", MeasureKeys}, {"edits", MeasureEdits},       {"colour", MeasureColour},
-    {"output", MeasureOutput},     {"stop", MeasureStop}, {"debugger", MeasureDebugger}, {"maps", MeasureMaps},
-    {"code", MeasureCode},         {"ai", MeasureAi},     {"files", MeasureFiles},       {"finder", MeasureFinder},
-    {"settings", MeasureSettings},
+    {"start", MeasureStart},       {"keys", MeasureKeys},
+    {"edits", MeasureEdits},       {"colour", MeasureColour},
+    {"output", MeasureOutput},     {"stop", MeasureStop},
+    {"debugger", MeasureDebugger}, {"maps", MeasureMaps},
+    {"code", MeasureCode},         {"ai", MeasureAi},
+    {"files", MeasureFiles},       {"finder", MeasureFinder},
+    {"settings", MeasureSettings}, {"completion", MeasureCompletion},
 };
 
 bool Wanted(int argc, char** argv, const std::string& name) {

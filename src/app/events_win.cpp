@@ -23,6 +23,7 @@
 #include "search/files_search.h"
 #include "search/find_bar.h"
 #include "session/project_tree.h"
+#include "symbols/completion.h"
 #include "symbols/document_symbols.h"
 #include "symbols/outline_pane.h"
 #include "symbols/symbol_commands.h"
@@ -34,6 +35,7 @@ namespace {
 void OnDocumentOpened(DocumentId document) {
     TabBarOnOpened(document);
     DefinitionLinksAttach(TabAt(TabBarFindDocument(document)).editor);
+    CompletionAttach(TabAt(TabBarFindDocument(document)).editor);
 }
 
 void OnDocumentActivated(DocumentId document) {

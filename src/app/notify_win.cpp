@@ -19,6 +19,7 @@
 #include "search/files_search.h"
 #include "search/find_bar.h"
 #include "settings/settings_state.h"
+#include "symbols/completion.h"
 #include "symbols/document_symbols.h"
 #include "symbols/tips.h"
 #include "tabs/tab_bar.h"
@@ -98,7 +99,7 @@ std::wstring RegisterTip(HWND editor, Sci_Position position) {
 }
 
 void OnDwell(HWND editor, DocumentId document, const SCNotification& dwell) {
-    if (DebugIsWaiting()) return;
+    if (DebugIsWaiting() || SciSend(editor, SCI_AUTOCACTIVE) != 0) return;  // a tip would close the list
     LRESULT place = SciSend(editor, SCI_POSITIONFROMPOINT, static_cast<WPARAM>(dwell.x), dwell.y);
     std::wstring tip;
     switch (DwellPlaceOf(IsInSymbolMargin(editor, dwell.x), dwell.position)) {
@@ -149,6 +150,7 @@ void OnEditorNotification(const SCNotification& notification) {
         case SCN_DWELLEND: HoverEnd(editor); break;
         default: break;
     }
+    CompletionOnNotify(editor, notification);
 }
 
 bool IsEditor(int controlId) { return controlId >= IDC_EDITOR_FIRST; }

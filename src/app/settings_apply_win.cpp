@@ -10,6 +10,7 @@
 #include "settings/compiler_presence.h"
 #include "settings/file_types.h"
 #include "settings/settings_effects.h"
+#include "symbols/completion.h"
 
 static void SetTimerOrStop(HWND window, UINT_PTR timer, UINT interval) {
     if (interval > 0)
@@ -26,6 +27,7 @@ void MainWnd_ApplyTimers(HWND window) {
 
 void MainWnd_OnSettingsChanged(const Settings& before) {
     const std::uint32_t effects = SettingsEffectsOf(before, g_app.settings);
+    if (effects != 0) CompletionClose();  // its colours and its rows are those of the settings before
     // A new theme makes Scintilla style all text again, so a change of zoom or wrapping must not set it.
     if ((effects & kEffectEditors) != 0)
         SettingsApplyToEditor();

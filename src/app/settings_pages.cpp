@@ -61,6 +61,9 @@ constexpr Line kEditorLines[] = {
      L"Return behind IF ... THEN, FOR, SUB and others adds END IF, NEXT, END SUB below."},
     {FIELD(showCallTips), Check, L"Show the parameters of what is called",
      L"After ( and , in a tip at the call; Ctrl+Shift+Space shows it at any time."},
+    {FIELD(enableAutoComplete), Check, L"Complete words while typing",
+     L"A list of names, keywords and snippets. Ctrl+Space shows it at any time."},
+    Numbered(FIELD(autoCompleteTrigger), L"Letters before the list comes up", 1, 10),
     {FIELD(enableVirtualSpace), Check, L"Let the caret go beyond the end of a line"},
     {FIELD(wordWrap), Check, L"Wrap long lines", L"", L"View"},
     {FIELD(showWhitespace), Check, L"Show white space"},
@@ -282,8 +285,9 @@ constexpr std::size_t kOwnFields[] = {
 };
 // Nothing in the program asks for these.
 constexpr std::size_t kUnusedFields[] = {
-    FIELD(includePath),         FIELD(edgeColumn),         FIELD(enableAutoComplete),
-    FIELD(autoCompleteTrigger), FIELD(transcribeTestText),
+    FIELD(includePath),
+    FIELD(edgeColumn),
+    FIELD(transcribeTestText),
 };
 
 std::vector<SettingsPage> BuildPages() {

@@ -1,12 +1,14 @@
 // The editing pane of a document: a Scintilla window. UI thread only.
 #pragma once
 
+#include "language/blocks.h"
 #include "scintilla/sci.h"
 
 #include <windows.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 // Creates a hidden pane: a Scintilla window, or a Rich Edit when that fails. Null when both fail. The parent destroys
@@ -23,6 +25,14 @@ void EditorPaneApplySettings(HWND editor);
 // A new NUL-terminated UTF-8 copy of the document that the caller frees with free(); null when memory runs out.
 // `length` (may be null) gets the number of bytes without the terminator. The text may hold NUL bytes.
 char* EditorPaneGetText(HWND editor, std::size_t* length);
+
+// The text of a part of the document, by positions in bytes.
+std::string EditorPaneTextBetween(HWND editor, LRESULT start, LRESULT end);
+// What the BASIC of `line` (0-based) must know of the lines above it. Far below what is coloured it says only whether the
+// line is inside a block of inline assembly, as far as is known. 0 for other languages.
+LineState EditorPaneLineState(HWND editor, LRESULT line);
+// The dialect of BASIC in which the pane's document is written: that of its compiler.
+const Dialect& EditorPaneDialect(HWND editor);
 
 // Replaces the whole text. Afterwards the document is unmodified and has nothing to undo. EditorPaneSetText takes a
 // NUL-terminated text; EditorPaneSetBytes takes any bytes, NULs included.

@@ -1,6 +1,7 @@
 // The state of one Scintilla pane, and the functions that the pane's files share. Private to this folder. UI thread.
 #pragma once
 
+#include "documents/editor_pane.h"
 #include "documents/pane_rules.h"
 #include "documents/sticky_header.h"
 #include "documents/typing_rules.h"
@@ -81,9 +82,6 @@ void StickyHeaderForget(HWND editor, int line, int linesAdded);
 void EditorPaneAfterNewLine(HWND editor);
 // Puts the BASIC keyword that ends at `position` (bytes) into capitals, unless it is in a string, a comment or assembly.
 void EditorPaneUpperKeywordBefore(HWND editor, LRESULT position);
-// What the BASIC of `line` (0-based) must know of the lines above it. Far below what is coloured it says only whether the
-// line is inside a block of inline assembly, as far as is known. 0 for other languages.
-LineState EditorPaneLineState(HWND editor, LRESULT line);
 // Tells the lexer, before it colours from `position` (bytes, start of a line) on without the lines above, whether that is
 // inside a block of inline assembly.
 void EditorPaneFindAssembly(HWND editor, LRESULT position);
@@ -95,7 +93,3 @@ BlockTable* EditorPaneBlockTable(HWND editor);
 void EditorPaneUpdateBlockWords(HWND editor);
 // The bracket at the caret and its partner.
 BracePair EditorPaneBracesAtCaret(HWND editor);
-// The dialect of BASIC in which the pane's document is written: that of its compiler.
-const Dialect& EditorPaneDialect(HWND editor);
-// The text of a part of the document.
-std::string EditorPaneTextBetween(HWND editor, LRESULT start, LRESULT end);

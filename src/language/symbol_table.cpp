@@ -71,15 +71,20 @@ void SortByName(SymbolTable& table) {
     for (const Key& key : keys) table.byName.push_back(key.index);
 }
 
-// The symbols for which `compare(name)` is 0; the names are sorted by it.
+// Those of the sorted symbols for which `compare(name)` is 0; their names are sorted by it.
 template <typename Compare>
-std::span<const std::uint32_t> EqualNames(const SymbolTable& table, Compare compare) {
+std::span<const std::uint32_t> EqualNames(const SymbolTable& table, const std::vector<std::uint32_t>& sorted,
+                                          Compare compare) {
     const auto name = [&table](std::uint32_t index) { return SymbolName(table, table.symbols[index]); };
     const auto first = std::partition_point(
-        table.byName.begin(), table.byName.end(), [&](std::uint32_t index) { return compare(name(index)) < 0; });
+        sorted.begin(), sorted.end(), [&](std::uint32_t index) { return compare(name(index)) < 0; });
     const auto last =
-        std::partition_point(first, table.byName.end(), [&](std::uint32_t index) { return compare(name(index)) == 0; });
+        std::partition_point(first, sorted.end(), [&](std::uint32_t index) { return compare(name(index)) == 0; });
     return {first, last};
+}
+
+auto BeginsWith(std::string_view prefix) {
+    return [prefix](std::string_view name) { return CompareNames(name.substr(0, prefix.size()), prefix); };
 }
 
 // The last symbol that begins on or before the line; kNoSymbol: none.
@@ -103,6 +108,19 @@ bool IsMeantOutside(const Symbol& symbol) {
         case SymbolKind::Include: return false;
         case SymbolKind::Label: return symbol.container == kNoSymbol;
         default: return true;
+    }
+}
+
+void ListOutside(SymbolTable& table) {
+    std::string_view last;
+    for (const std::uint32_t index : table.byName) {
+        const Symbol& symbol = table.symbols[index];
+        const bool method = symbol.kind >= SymbolKind::Method && symbol.kind <= SymbolKind::PropertySet;
+        if (method || !IsMeantOutside(symbol)) continue;
+        const std::string_view name = SymbolName(table, symbol);
+        if (!table.outside.empty() && CompareNames(name, last) == 0) continue;
+        table.outside.push_back(index);
+        last = name;
     }
 }
 
@@ -131,12 +149,15 @@ int CompareNames(std::string_view a, std::string_view b) {
 
 std::span<const std::uint32_t> SymbolsNamed(const SymbolTable& table, std::string_view name) {
     return EqualNames(
-        table, [name](std::string_view other) { return CompareNames(other, name); });
+        table, table.byName, [name](std::string_view other) { return CompareNames(other, name); });
 }
 
 std::span<const std::uint32_t> SymbolsWithPrefix(const SymbolTable& table, std::string_view prefix) {
-    return EqualNames(
-        table, [prefix](std::string_view other) { return CompareNames(other.substr(0, prefix.size()), prefix); });
+    return EqualNames(table, table.byName, BeginsWith(prefix));
+}
+
+std::span<const std::uint32_t> OutsideWithPrefix(const SymbolTable& table, std::string_view prefix) {
+    return EqualNames(table, table.outside, BeginsWith(prefix));
 }
 
 std::uint32_t ProcedureAtLine(const SymbolTable& table, std::uint32_t line) {
@@ -198,5 +219,6 @@ SymbolTable JoinSymbols(std::span<const std::shared_ptr<const SymbolPiece>> piec
     }
     while (!joining.open.empty()) CloseBody(joining, table.lines - std::min(table.lines, 1u));
     SortByName(table);
+    ListOutside(table);
     return table;
 }

@@ -77,8 +77,9 @@ struct Symbol {
 struct SymbolTable {
     std::vector<Symbol> symbols;
     std::string arena;
-    std::vector<std::uint32_t> byName;  // all symbols, sorted by CompareNames, then by place
-    std::uint32_t lines = 0;            // of the text
+    std::vector<std::uint32_t> byName;   // all symbols, sorted by CompareNames, then by place
+    std::vector<std::uint32_t> outside;  // of each name that has a meaning outside procedures the first, sorted by name
+    std::uint32_t lines = 0;             // of the text
 };
 
 // The name as it is written, without a type suffix: "Print", "%LIMIT" with its mark, "win32.inc" without quotes.
@@ -97,6 +98,8 @@ int CompareNames(std::string_view a, std::string_view b);
 std::span<const std::uint32_t> SymbolsNamed(const SymbolTable& table, std::string_view name);
 // The symbols whose names begin so, sorted by name.
 std::span<const std::uint32_t> SymbolsWithPrefix(const SymbolTable& table, std::string_view prefix);
+// Those of SymbolTable::outside: each name once.
+std::span<const std::uint32_t> OutsideWithPrefix(const SymbolTable& table, std::string_view prefix);
 
 // The innermost procedure or macro with a body that contains the line; kNoSymbol: none.
 std::uint32_t ProcedureAtLine(const SymbolTable& table, std::uint32_t line);

@@ -24,8 +24,12 @@ bool SymbolsAreCurrent(DocumentId document);
 // of an earlier one that still waits. Not called when the document is closed or edited on and on.
 void SymbolsWhenCurrent(DocumentId document, std::function<void()> ready);
 
-// Called after a document has got a new table.
-extern void (*g_symbolsChanged)(DocumentId document);
+// The line (from 0) in the table that stands where `line` of the text was when the table was made.
+std::uint32_t SymbolsTableLine(DocumentId document, std::uint32_t line);
+
+// `changed` is called after a document has got a new table, or other tables of the files that it includes.
+void SymbolsListen(void (*changed)(DocumentId document));
+void SymbolsTellChanged(DocumentId document);
 
 // --- For the frame
 void SymbolsOnModified(DocumentId document, const SCNotification& change);  // SCN_MODIFIED

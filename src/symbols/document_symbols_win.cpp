@@ -15,13 +15,17 @@
 #include <utility>
 #include <vector>
 
-void (*g_symbolsChanged)(DocumentId document) = [](DocumentId) {};
-
 namespace {
 
 constexpr ULONGLONG kPause = 250;  // ms without an edit before a scan begins
 constexpr UINT kTimerMs = 100;
 constexpr LRESULT kSliceBytes = 1 << 20;  // copied at once, which takes less than a millisecond
+constexpr std::size_t kMostShifts = 64;   // what comes after them is only nearly right until the next scan
+
+struct LineShift {
+    std::uint32_t line = 0;  // those below it have moved
+    std::int64_t added = 0;  // lines; removed: less than 0
+};
 
 struct Watched {
     DocumentId document = 0;
@@ -33,7 +37,8 @@ struct Watched {
     std::uint64_t known = ~0ull;  // `edits` when the text of the table was taken
     ULONGLONG editedAt = 0;       // tick count
     LRESULT slice = kSliceBytes;
-    bool scanning = false;  // a worker has its text
+    bool scanning = false;          // a worker has its text
+    std::vector<LineShift> shifts;  // of the text since the table's
 };
 
 struct Wish {
@@ -45,6 +50,7 @@ struct WatchState {
     std::vector<std::unique_ptr<Watched>> watched;
     Wish wish;
     bool timerRuns = false;
+    std::vector<void (*)(DocumentId)> listeners;
 };
 WatchState g_symbols;
 
@@ -97,8 +103,9 @@ bool IsCurrent(const Watched& watched) { return watched.known == watched.edits; 
 void TakeTable(Watched& watched, SymbolTablePtr table) {
     watched.table = std::move(table);
     watched.known = watched.edits;
+    watched.shifts.clear();
     const DocumentId document = watched.document;
-    g_symbolsChanged(document);
+    SymbolsTellChanged(document);
     if (g_symbols.wish.document != document || !g_symbols.wish.ready) return;
     const Wish wish = std::exchange(g_symbols.wish, {});
     wish.ready();
@@ -165,7 +172,18 @@ void Reset(Watched& watched, const DocumentTab& document) {
     watched.compilerId = document.compilerId;
     watched.basic = HasSymbols(document);
     watched.pieces = {};
+    watched.shifts.clear();
     ++watched.edits;
+}
+
+// Typed lines come one below the other, so that most shifts go into the last one.
+void NoteShift(Watched& watched, std::uint32_t line, std::int64_t added) {
+    if (added == 0) return;
+    LineShift* last = watched.shifts.empty() ? nullptr : &watched.shifts.back();
+    if (last != nullptr && added > 0 && last->added > 0 && line >= last->line && line <= last->line + last->added)
+        last->added += added;
+    else if (watched.shifts.size() < kMostShifts)
+        watched.shifts.push_back({line, added});
 }
 
 // Null for a document that is closed.
@@ -206,6 +224,24 @@ void SymbolsWhenCurrent(DocumentId document, std::function<void()> ready) {
     GoOn(*watched);
 }
 
+std::uint32_t SymbolsTableLine(DocumentId document, std::uint32_t line) {
+    const Watched* watched = FindWatched(document);
+    if (watched == nullptr) return line;
+    std::int64_t at = line;
+    for (auto shift = watched->shifts.rbegin(); shift != watched->shifts.rend(); ++shift)
+        if (at > shift->line) at = std::max<std::int64_t>(at - shift->added, shift->line);
+    return static_cast<std::uint32_t>(at);
+}
+
+void SymbolsListen(void (*changed)(DocumentId document)) {
+    if (std::ranges::find(g_symbols.listeners, changed) == g_symbols.listeners.end())
+        g_symbols.listeners.push_back(changed);
+}
+
+void SymbolsTellChanged(DocumentId document) {
+    for (std::size_t i = 0; i < g_symbols.listeners.size(); ++i) g_symbols.listeners[i](document);
+}
+
 void SymbolsOnModified(DocumentId document, const SCNotification& change) {
     if ((change.modificationType & (SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT)) == 0 || g_symbols.watched.empty()) return;
     Watched* watched = FindWatched(document);
@@ -215,6 +251,7 @@ void SymbolsOnModified(DocumentId document, const SCNotification& change) {
     const auto line =
         SciSend(static_cast<HWND>(change.nmhdr.hwndFrom), SCI_LINEFROMPOSITION, static_cast<WPARAM>(change.position));
     PiecesForget(watched->pieces, static_cast<std::uint32_t>(line), change.linesAdded);
+    NoteShift(*watched, static_cast<std::uint32_t>(line), change.linesAdded);
     StartTimer();
 }
 

@@ -233,7 +233,7 @@ HWND OutlinePaneCreate(HWND parent, int controlId) {
         if (g_outline.pane != nullptr) DestroyWindow(g_outline.pane);
         return nullptr;
     }
-    g_symbolsChanged = OutlineOnSymbols;
+    SymbolsListen(OutlineOnSymbols);
     OutlinePaneApplyTheme();
     return g_outline.pane;
 }

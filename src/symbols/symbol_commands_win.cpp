@@ -5,10 +5,12 @@
 #include "base/wide_format.h"
 #include "resources/ids.h"
 #include "search/files_search.h"
+#include "symbols/completion.h"
 #include "symbols/outline_pane.h"
 #include "symbols/references.h"
 #include "symbols/rename_dialog.h"
 #include "symbols/tips.h"
+#include "symbols/user_snippets.h"
 #include "ui/panes.h"
 
 #include <string>
@@ -45,6 +47,8 @@ constexpr CommandHandler kHandlers[] = {
     {IDM_SYMBOL_RENAME, RenameAtCaret},
     {IDM_PARAMETER_INFO, [](int) { CallTipShow(); }},
     {IDM_SHOW_DECLARATION, [](int) { HoverShowAtCaret(); }},
+    {IDM_EDIT_COMPLETE, [](int) { CompletionShowWanted(); }},
+    {IDM_EDIT_SNIPPETS, [](int) { SnippetsEdit(); }},
 };
 
 }  // namespace

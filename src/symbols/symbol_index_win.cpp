@@ -215,7 +215,9 @@ void SymbolsOnFilesScanned(WPARAM wParam) {
     group->limited = result->limited;
     group->foundAt = GetTickCount64();
     KeepKnown();
-    if (const std::function<void()> ready = std::exchange(group->ready, {}); ready) ready();
+    const std::function<void()> ready = std::exchange(group->ready, {});
+    if (result->document != 0) SymbolsTellChanged(result->document);
+    if (ready) ready();
 }
 
 void SymbolsDropFiles() {

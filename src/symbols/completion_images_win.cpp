@@ -1,0 +1,129 @@
+// Draws the images of the completion list: a letter on a coloured square, at the size of the editor's text. UI thread.
+#include "symbols/completion_images.h"
+
+#include "base/handles.h"
+#include "scintilla/sci.h"
+#include "symbols/completion_rows.h"
+#include "ui/theme_table.h"
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+constexpr int kFine = 4;  // each pixel is the mean of so many by so many
+
+struct KindLook {
+    wchar_t letter;
+    Rgb colour;
+};
+constexpr KindLook kLooks[] = {
+    {L'K', 0x6E7781},  // Keyword
+    {L'f', 0x8250DF},  // Function
+    {L'T', 0x2DA44E},  // BasicType
+    {L'S', 0xBF3989},  // Snippet
+    {L'P', 0x8250DF},  // Procedure
+    {L'M', 0xA475F9},  // Macro
+    {L'T', 0x1A7F37},  // Type
+    {L'm', 0x0969DA},  // Member
+    {L'C', 0xBC4C00},  // Constant
+    {L'G', 0x0969DA},  // Variable
+    {L'L', 0x1B7C83},  // Local
+    {L':', 0x9A6700},  // Label
+    {L'a', 0xCF222E},  // Instruction
+    {L'r', 0xA40E26},  // Register
+    {L'n', 0x8C959F},  // Name
+};
+static_assert(std::size(kLooks) == static_cast<std::size_t>(RowKind::Count));
+
+struct PreparedEditor {
+    HWND editor;
+    int size;
+};
+std::vector<PreparedEditor> g_prepared;
+
+// A bitmap of 32 bits in memory.
+struct Canvas {
+    HDC dc = CreateCompatibleDC(nullptr);
+    HBITMAP bitmap = nullptr;
+    HGDIOBJ before = nullptr;
+    std::uint32_t* pixels = nullptr;
+
+    explicit Canvas(int size) {
+        BITMAPINFO info = {};
+        info.bmiHeader = {sizeof(BITMAPINFOHEADER), size, -size, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+        bitmap = CreateDIBSection(dc, &info, DIB_RGB_COLORS, reinterpret_cast<void**>(&pixels), nullptr, 0);
+        if (bitmap != nullptr) before = SelectObject(dc, bitmap);
+    }
+    ~Canvas() {
+        if (before != nullptr) SelectObject(dc, before);
+        if (bitmap != nullptr) DeleteObject(bitmap);
+        DeleteDC(dc);
+    }
+    Canvas(const Canvas&) = delete;
+    Canvas& operator=(const Canvas&) = delete;
+};
+
+void DrawLetter(const Canvas& canvas, int size, wchar_t letter) {
+    RECT area = {0, 0, size, size};
+    FillRect(canvas.dc, &area, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
+    SetBkMode(canvas.dc, TRANSPARENT);
+    SetTextColor(canvas.dc, RGB(255, 255, 255));
+    DrawTextW(canvas.dc, &letter, 1, &area, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
+    GdiFlush();
+}
+
+// Whether a point of the fine grid is inside the square, whose corners are round.
+bool IsInside(int x, int y, int size) {
+    const int margin = size / 16, radius = size / 5;
+    const int low = margin + radius, high = size - 1 - margin - radius;
+    if (x < margin || y < margin || x > size - 1 - margin || y > size - 1 - margin) return false;
+    const int dx = x < low ? low - x : x > high ? x - high : 0;
+    const int dy = y < low ? low - y : y > high ? y - high : 0;
+    return dx * dx + dy * dy <= radius * radius;
+}
+
+// The pixels of an image as red, green, blue, opacity.
+std::vector<unsigned char> ImageOf(const KindLook& look, const Canvas& canvas, int size) {
+    DrawLetter(canvas, size * kFine, look.letter);
+    std::vector<unsigned char> image;
+    image.reserve(static_cast<std::size_t>(size) * static_cast<std::size_t>(size) * 4);
+    for (int y = 0; y < size; ++y)
+        for (int x = 0; x < size; ++x) {
+            int inside = 0, white = 0;
+            for (int part = 0; part < kFine * kFine; ++part) {
+                const int fineX = x * kFine + part % kFine, fineY = y * kFine + part / kFine;
+                inside += IsInside(fineX, fineY, size * kFine) ? 1 : 0;
+                white += static_cast<int>(canvas.pixels[fineY * size * kFine + fineX] & 0xFF);
+            }
+            const Rgb colour = ThemeBlend(0xFFFFFF, look.colour, white / (kFine * kFine));
+            for (const int shift : {16, 8, 0}) image.push_back(static_cast<unsigned char>(colour >> shift & 0xFF));
+            image.push_back(static_cast<unsigned char>(inside * 255 / (kFine * kFine)));
+        }
+    return image;
+}
+
+}  // namespace
+
+void CompletionImagesPrepare(HWND editor) {
+    const int size = std::max(static_cast<int>(SciSend(editor, SCI_TEXTHEIGHT)) - 2, 8);
+    const auto known = std::ranges::find(g_prepared, editor, &PreparedEditor::editor);
+    if (known != g_prepared.end() && known->size == size) return;
+    std::erase_if(g_prepared,
+                  [editor](const PreparedEditor& row) { return row.editor == editor || !IsWindow(row.editor); });
+    const Canvas canvas(size * kFine);
+    if (canvas.pixels == nullptr) return;
+    const HFONT font = CreateFontW(-size * kFine * 3 / 4, 0, 0, 0, FW_BOLD, FALSE, FALSE, FALSE, DEFAULT_CHARSET, 0, 0,
+                                   ANTIALIASED_QUALITY, 0, L"Segoe UI");
+    const HGDIOBJ fontBefore = SelectObject(canvas.dc, font);
+    SciSend(editor, SCI_CLEARREGISTEREDIMAGES);
+    SciSend(editor, SCI_RGBAIMAGESETWIDTH, static_cast<WPARAM>(size));
+    SciSend(editor, SCI_RGBAIMAGESETHEIGHT, static_cast<WPARAM>(size));
+    for (std::size_t kind = 0; kind < std::size(kLooks); ++kind)
+        SciSend(editor, SCI_REGISTERRGBAIMAGE, kind,
+                reinterpret_cast<LPARAM>(ImageOf(kLooks[kind], canvas, size).data()));
+    SelectObject(canvas.dc, fontBefore);
+    DeleteObject(font);
+    g_prepared.push_back({editor, size});
+}

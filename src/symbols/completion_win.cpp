@@ -1,0 +1,405 @@
+// The completion list: when it comes up, what it shows, what choosing a row does. The list itself is Scintilla's; it is
+// shown anew when its rows change. UI thread.
+#include "symbols/completion.h"
+
+#include "documents/document_row.h"
+#include "documents/editor_pane.h"
+#include "documents/typing_rules.h"
+#include "language/basic_lexer.h"
+#include "settings/settings_state.h"
+#include "symbols/completion_images.h"
+#include "symbols/completion_rows.h"
+#include "symbols/snippet_fields.h"
+#include "symbols/symbol_index.h"
+#include "symbols/symbol_place.h"
+#include "symbols/user_snippets.h"
+#include "ui/chrome.h"
+#include "ui/subclass.h"
+
+#include <algorithm>
+#include <deque>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr LRESULT kLookedAbove = 16 << 10;  // bytes before the caret's line whose names count at once
+constexpr LRESULT kLookedBelow = 8 << 10;   // and after it
+constexpr std::size_t kMostNearby = 200;    // names near the caret
+constexpr std::size_t kMostAccepted = 48;   // that are remembered
+constexpr int kRowsShown = 12;
+constexpr char kRowSeparator = '\n', kKindSeparator = '\t';
+
+struct ListState {
+    HWND editor = nullptr;  // null: no list is open
+    DocumentId document = 0;
+    LRESULT start = 0;  // of the word, bytes
+    std::string prefix;
+    bool wanted = false;  // by the command, not by typing
+    bool moved = false;   // the user has chosen a row by a key
+    std::vector<CompletionRow> rows;
+    SnippetList snippets;  // which rows point to
+};
+ListState g_list;
+
+// A place where nothing was found while symbols were still being read.
+struct WaitingPlace {
+    HWND editor = nullptr;  // null: none
+    LRESULT caret = 0;
+    bool wanted = false;
+};
+WaitingPlace g_waiting;
+std::deque<std::string> g_accepted;  // words that were chosen in this run, the last one first
+bool g_dropCharacter = false;        // the key down was taken, its character is to be dropped
+
+LRESULT Ask(HWND editor, UINT message, LRESULT wParam = 0, LRESULT lParam = 0) {
+    return SciSend(editor, message, static_cast<WPARAM>(wParam), lParam);
+}
+
+void CloseList() {
+    if (g_list.editor != nullptr && Ask(g_list.editor, SCI_AUTOCACTIVE) != 0) Ask(g_list.editor, SCI_AUTOCCANCEL);
+    g_list = {};
+}
+
+bool IsNameByte(LRESULT c) {
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || (c & 0xFF) >= 0x80;
+}
+
+// --- What stands around the caret
+
+struct Look {
+    HWND editor = nullptr;
+    int tab = -1;
+    LRESULT first = 0;  // position at which `text` begins, the start of a line
+    std::string text;
+    std::size_t caret = 0;  // bytes of `text`
+    LRESULT firstLine = 0, caretLine = 0;
+    ScanState state = 0;
+    CompletionContext context;
+
+    std::string_view Before() const { return std::string_view(text).substr(0, caret); }
+};
+
+// Whether words can be completed there at all.
+bool CanComplete(HWND editor) {
+    return Ask(editor, SCI_GETLEXER) == kBasicLexer && Ask(editor, SCI_GETREADONLY) == 0 &&
+           Ask(editor, SCI_GETSELECTIONS) == 1 && Ask(editor, SCI_GETSELECTIONEMPTY) != 0 &&
+           Ask(editor, SCI_SELECTIONISRECTANGLE) == 0 && !EditorPaneIsPlain(editor);
+}
+
+std::optional<Look> LookAround(HWND editor) {
+    Look look{.editor = editor, .tab = TabBarFindEditor(editor)};
+    if (look.tab < 0 || !CanComplete(editor)) return std::nullopt;
+    const LRESULT caret = Ask(editor, SCI_GETCURRENTPOS);
+    look.caretLine = Ask(editor, SCI_LINEFROMPOSITION, caret);
+    const LRESULT lineStart = Ask(editor, SCI_POSITIONFROMLINE, look.caretLine);
+    if (caret - lineStart > kLookedAbove) return std::nullopt;  // nobody has typed such a line
+    const LRESULT wanted = std::max<LRESULT>(lineStart - kLookedAbove, 0);
+    look.firstLine = Ask(editor, SCI_LINEFROMPOSITION, wanted);
+    look.first = Ask(editor, SCI_POSITIONFROMLINE, look.firstLine);
+    if (look.first < wanted) look.first = Ask(editor, SCI_POSITIONFROMLINE, ++look.firstLine);
+    const LRESULT end = std::min(caret + kLookedBelow, Ask(editor, SCI_GETLENGTH));
+    look.text = EditorPaneTextBetween(editor, look.first, end);
+    look.caret = static_cast<std::size_t>(caret - look.first);
+    look.state = EditorPaneLineState(editor, look.firstLine) & kScanStateMask;
+    look.context = CompletionContextAt(look.Before(), look.state, EditorPaneDialect(editor));
+    return look;
+}
+
+// --- Rows
+
+// The tables of what a document reaches, and the caret's lines in the first of them. While the document's table is
+// behind its text, what stands around the caret has one of its own, so that a name can be used as soon as it is typed.
+struct Tables {
+    std::vector<SymbolTablePtr> tables;
+    std::vector<std::uint32_t> lines;
+};
+Tables TablesOf(const Look& look) {
+    const DocumentId document = TabAt(look.tab).id;
+    Tables found;
+    const std::vector<ReachedText> reached = SymbolsInReach(document);
+    if (!SymbolsAreCurrent(document)) {
+        const SymbolPiece piece =
+            ScanSymbols(look.text, look.state, EditorPaneDialect(look.editor), look.text.size(), true);
+        const auto shared = std::make_shared<const SymbolPiece>(piece);
+        found.tables.push_back(std::make_shared<SymbolTable>(JoinSymbols(std::span(&shared, 1))));
+        found.lines.push_back(static_cast<std::uint32_t>(look.caretLine - look.firstLine));
+    }
+    for (const ReachedText& text : reached) found.tables.push_back(text.table);
+    found.lines.push_back(SymbolsTableLine(document, static_cast<std::uint32_t>(look.caretLine)));
+    return found;
+}
+
+std::vector<CompletionRow> RowsOf(const Look& look, const SnippetList& snippets) {
+    const Dialect& dialect = EditorPaneDialect(look.editor);
+    const Tables tables = TablesOf(look);
+    const std::vector<std::string> names =
+        look.context.prefix.empty()
+            ? std::vector<std::string>()
+            : NamesInText(look.text, look.state, dialect, look.context.prefix, look.context.start, kMostNearby);
+    const BlockKind innermost = look.context.place == CompletionPlace::BlockWord
+                                    ? InnermostBlockAt(look.Before(), look.state, dialect)
+                                    : BlockKind::Count;
+    return CompletionRowsOf(look.context, {.tables = tables.tables,
+                                           .lines = tables.lines,
+                                           .names = names,
+                                           .snippets = *snippets,
+                                           .dialect = &dialect,
+                                           .innermost = innermost,
+                                           .accepted = &g_accepted,
+                                           .capitals = g_settings.autoUpperKeywords != 0});
+}
+
+// Whether the list comes up, or stays, without being asked for.
+bool OpensByItself(const Look& look) {
+    const CompletionPlace place = look.context.place;
+    if (g_settings.enableAutoComplete == 0 || place == CompletionPlace::NewName) return false;
+    if (IsNameByte(Ask(look.editor, SCI_GETCHARAT, look.first + static_cast<LRESULT>(look.caret)))) return false;
+    const auto letters = static_cast<int>(CompletionLetters(look.context.prefix));
+    return place == CompletionPlace::Member || letters >= std::clamp(g_settings.autoCompleteTrigger, 1, 10);
+}
+
+bool SameRows(const std::vector<CompletionRow>& a, const std::vector<CompletionRow>& b) {
+    return std::ranges::equal(
+        a, b, [](const CompletionRow& x, const CompletionRow& y) { return x.text == y.text && x.kind == y.kind; });
+}
+
+// --- The list
+
+std::intptr_t Opaque(COLORREF colour) { return static_cast<std::intptr_t>(colour) | 0xFF000000; }
+
+void PrepareList(HWND editor) {
+    const ThemeChrome& chrome = ThemeCurrentChrome();
+    const std::pair<int, COLORREF> colours[] = {{SC_ELEMENT_LIST, chrome.paneText},
+                                                {SC_ELEMENT_LIST_BACK, chrome.paneBack},
+                                                {SC_ELEMENT_LIST_SELECTED, chrome.paneText},
+                                                {SC_ELEMENT_LIST_SELECTED_BACK, chrome.hover}};
+    for (const auto& [element, colour] : colours) Ask(editor, SCI_SETELEMENTCOLOUR, element, Opaque(colour));
+    const std::pair<UINT, LRESULT> settings[] = {
+        {SCI_AUTOCSETSEPARATOR, kRowSeparator}, {SCI_AUTOCSETTYPESEPARATOR, kKindSeparator},
+        {SCI_AUTOCSETIGNORECASE, TRUE},         {SCI_AUTOCSETORDER, SC_ORDER_CUSTOM},
+        {SCI_AUTOCSETMAXHEIGHT, kRowsShown},    {SCI_AUTOCSETAUTOHIDE, FALSE},
+        {SCI_AUTOCSETCANCELATSTART, FALSE},     {SCI_AUTOCSETOPTIONS, SC_AUTOCOMPLETE_FIXED_SIZE}};
+    for (const auto& [message, value] : settings) Ask(editor, message, value);
+    CompletionImagesPrepare(editor);
+}
+
+void SelectFirst() {
+    SciSend(g_list.editor, SCI_AUTOCSELECT, 0, reinterpret_cast<LPARAM>(g_list.rows[0].text.c_str()));
+}
+
+void ShowList() {
+    std::string list;
+    for (const CompletionRow& row : g_list.rows) {
+        if (!list.empty()) list += kRowSeparator;
+        list.append(row.text).append(1, kKindSeparator).append(std::to_string(static_cast<int>(row.kind)));
+    }
+    PrepareList(g_list.editor);
+    SciSend(g_list.editor, SCI_AUTOCSHOW, g_list.prefix.size(), reinterpret_cast<LPARAM>(list.c_str()));
+    SelectFirst();
+}
+
+// --- Choosing
+
+void RememberAccepted(const std::string& text) {
+    std::erase_if(g_accepted, [&text](const std::string& known) { return CompareNames(known, text) == 0; });
+    g_accepted.push_front(text);
+    if (g_accepted.size() > kMostAccepted) g_accepted.pop_back();
+}
+
+// The whole word under the caret: it may go on behind it.
+LRESULT EndOfWord(HWND editor) {
+    LRESULT end = Ask(editor, SCI_GETCURRENTPOS);
+    while (IsNameByte(Ask(editor, SCI_GETCHARAT, end))) ++end;
+    return end;
+}
+
+void Accept(std::size_t index) {
+    const ListState list = std::exchange(g_list, {});
+    if (index >= list.rows.size()) return;
+    const CompletionRow& row = list.rows[index];
+    const HWND editor = list.editor;
+    const LRESULT end = EndOfWord(editor);
+    RememberAccepted(row.text);
+    if (row.snippet != nullptr) {
+        const bool lower = g_settings.autoUpperKeywords == 0 && !list.prefix.empty() && !WritesCapitals(list.prefix);
+        SnippetInsert(editor, list.start, end, *row.snippet, lower);
+        return;
+    }
+    const LRESULT caret = list.start + static_cast<LRESULT>(row.text.size());
+    if (EditorPaneTextBetween(editor, list.start, end) != row.text) {
+        Ask(editor, SCI_BEGINUNDOACTION);
+        Ask(editor, SCI_SETTARGETRANGE, list.start, end);
+        SciSend(editor, SCI_REPLACETARGET, row.text.size(), reinterpret_cast<LPARAM>(row.text.data()));
+        Ask(editor, SCI_ENDUNDOACTION);
+    }
+    Ask(editor, SCI_SETEMPTYSELECTION, caret);
+    Ask(editor, SCI_SCROLLCARET);
+    Ask(editor, SCI_CHOOSECARETX);
+}
+
+// --- Updating
+
+void Update(HWND editor, bool wanted) {
+    g_waiting = {};
+    const std::optional<Look> look = LookAround(editor);
+    const bool goesOn =
+        g_list.editor == editor && look && g_list.start == look->first + static_cast<LRESULT>(look->context.start);
+    const bool asked = wanted || (goesOn && g_list.wanted);
+    if (!look || !look->context.inCode || (!asked && !OpensByItself(*look))) return CloseList();
+    SnippetList snippets = goesOn ? g_list.snippets : SnippetsKnown();
+    std::vector<CompletionRow> rows = RowsOf(*look, snippets);
+    const bool isWritten = rows.size() == 1 && rows[0].fit == NameFit::Equal && rows[0].snippet == nullptr;
+    const bool mayCome = asked || look->context.place == CompletionPlace::Member;
+    if (rows.empty() && mayCome && !SymbolsReachIsKnown(TabAt(look->tab).id))
+        g_waiting = {editor, Ask(editor, SCI_GETCURRENTPOS), asked};
+    if (rows.empty() || (isWritten && !asked)) return CloseList();
+    const bool same = goesOn && Ask(editor, SCI_AUTOCACTIVE) != 0 && SameRows(rows, g_list.rows);
+    g_list.editor = editor;
+    g_list.document = TabAt(look->tab).id;
+    g_list.start = look->first + static_cast<LRESULT>(look->context.start);
+    g_list.prefix = look->context.prefix;
+    g_list.wanted = asked;
+    g_list.moved = false;
+    g_list.rows = std::move(rows);
+    g_list.snippets = std::move(snippets);
+    if (same)
+        SelectFirst();
+    else
+        ShowList();
+}
+
+void OnCharacter(HWND editor, WPARAM character) {
+    if (g_list.editor == nullptr && g_settings.enableAutoComplete == 0) return;
+    if (character == L'.' || (character < 0x10000 && IsNameByte(static_cast<LRESULT>(character))))
+        Update(editor, false);
+    else if (g_list.editor != nullptr)
+        CloseList();
+}
+
+// What was typed is a row already: Enter is a new line then, as without the list. Tab expands a snippet of that name.
+bool TakeWrittenWord(WPARAM key) {
+    const std::size_t index = static_cast<std::size_t>(Ask(g_list.editor, SCI_AUTOCGETCURRENT));
+    if (g_list.moved || index >= g_list.rows.size() || g_list.rows[index].fit != NameFit::Equal) return false;
+    const auto snippet = std::ranges::find_if(
+        g_list.rows, [](const CompletionRow& row) { return row.snippet != nullptr && row.fit == NameFit::Equal; });
+    const bool expands = key == VK_TAB && snippet != g_list.rows.end();
+    const HWND editor = g_list.editor;
+    const std::size_t chosen = expands ? static_cast<std::size_t>(snippet - g_list.rows.begin()) : index;
+    if (!expands && g_list.rows[index].snippet != nullptr) return false;
+    ListState list = std::exchange(g_list, {});
+    Ask(editor, SCI_AUTOCCANCEL);
+    g_list = std::move(list);
+    Accept(chosen);
+    return expands;
+}
+
+bool IsPlainKey() { return GetKeyState(VK_CONTROL) >= 0 && GetKeyState(VK_MENU) >= 0 && GetKeyState(VK_SHIFT) >= 0; }
+
+// True: the key has been taken.
+bool OnKeyDown(HWND editor, WPARAM key) {
+    const bool open = g_list.editor == editor && Ask(editor, SCI_AUTOCACTIVE) != 0;
+    if (!open) return SnippetTakesKey(editor, key);
+    switch (key) {
+        case VK_UP:
+        case VK_DOWN:
+        case VK_PRIOR:
+        case VK_NEXT: g_list.moved = true; return false;
+        case VK_ESCAPE: CloseList(); return true;
+        case VK_TAB:
+        case VK_RETURN: return IsPlainKey() && TakeWrittenWord(key);
+        default: return false;
+    }
+}
+
+LRESULT CALLBACK CompletionProc(HWND editor, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
+    switch (message) {
+        case WM_KEYDOWN:
+            g_dropCharacter = OnKeyDown(editor, wParam);
+            if (g_dropCharacter) return 0;
+            break;
+        case WM_CHAR: {
+            if (std::exchange(g_dropCharacter, false) && wParam < L' ') return 0;
+            const LRESULT result = SubclassNext(editor, message, wParam, lParam);
+            OnCharacter(editor, wParam);
+            return result;
+        }
+        case WM_NCDESTROY:
+            if (g_list.editor == editor) g_list = {};
+            if (g_waiting.editor == editor) g_waiting = {};
+            SnippetForget(editor);
+            break;
+        default: break;
+    }
+    return SubclassNext(editor, message, wParam, lParam);
+}
+
+// The tables have changed while the list is open, or files have been read that it waits for.
+void OnSymbols(DocumentId document) {
+    if (document == g_list.document && g_list.editor != nullptr && !g_list.moved) Update(g_list.editor, g_list.wanted);
+    const WaitingPlace waiting = g_waiting;
+    if (waiting.editor != nullptr && DocumentOfEditor(waiting.editor) == document) {
+        if (g_list.editor == nullptr && Ask(waiting.editor, SCI_GETCURRENTPOS) == waiting.caret)
+            Update(waiting.editor, waiting.wanted);
+        else
+            g_waiting = {};
+    }
+    // The includes are read as soon as they are known, so that the next word finds them.
+    if (g_settings.enableAutoComplete != 0 && document == ActiveDocumentId()) SymbolsInReach(document);
+}
+
+void OnCaret(HWND editor) {
+    const LRESULT caret = Ask(editor, SCI_GETCURRENTPOS);
+    if (caret < g_list.start || caret > g_list.start + static_cast<LRESULT>(g_list.prefix.size())) CloseList();
+}
+
+void OnListNotify(HWND editor, const SCNotification& notification) {
+    switch (notification.nmhdr.code) {
+        case SCN_AUTOCSELECTION: {
+            const auto index = static_cast<std::size_t>(Ask(editor, SCI_AUTOCGETCURRENT));
+            ListState list = std::exchange(g_list, {});
+            Ask(editor, SCI_AUTOCCANCEL);  // the row is written here, not by Scintilla
+            g_list = std::move(list);
+            Accept(index);
+            break;
+        }
+        case SCN_AUTOCCANCELLED: g_list = {}; break;
+        case SCN_AUTOCCHARDELETED: Update(editor, false); break;
+        case SCN_ZOOM: CloseList(); break;
+        case SCN_MODIFIED:
+            if ((notification.modificationType & (SC_PERFORMED_UNDO | SC_PERFORMED_REDO)) != 0) g_list.start = -1;
+            break;
+        case SCN_UPDATEUI:
+            if ((notification.updated & (SC_UPDATE_SELECTION | SC_UPDATE_CONTENT)) != 0) OnCaret(editor);
+            break;
+        default: break;
+    }
+}
+
+}  // namespace
+
+void CompletionAttach(HWND editor) {
+    SubclassAdd(editor, CompletionProc);
+    SymbolsListen(OnSymbols);
+}
+
+void CompletionOnNotify(HWND editor, const SCNotification& notification) {
+    SnippetOnNotify(editor, notification);
+    if (g_list.editor == editor) OnListNotify(editor, notification);
+}
+
+void CompletionClose() { CloseList(); }
+
+void CompletionShowWanted() {
+    const HWND editor = g_documents.hEditor;
+    if (editor == nullptr) return;
+    Update(editor, true);
+    if (g_list.editor == nullptr) return TellSymbolStatus(L"Nothing to complete here");
+    if (g_list.rows.size() != 1 || g_list.prefix.empty()) return;
+    ListState list = std::exchange(g_list, {});
+    Ask(editor, SCI_AUTOCCANCEL);
+    g_list = std::move(list);
+    Accept(0);
+}
