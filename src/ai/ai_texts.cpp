@@ -1,7 +1,7 @@
 #include "ai/ai_texts.h"
 
 #include "ai/code_fence.h"
-#include "ai/line_diff.h"
+#include "base/line_diff.h"
 #include "base/heap_text.h"
 #include "base/utf8.h"
 #include "settings/compilers.h"

@@ -1,6 +1,6 @@
 #include "ai/replacement_marks.h"
 
-#include "ai/line_diff.h"
+#include "base/line_diff.h"
 
 #include <algorithm>
 

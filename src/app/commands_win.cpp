@@ -22,6 +22,7 @@
 #include "output/output_pane.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
+#include "recovery/recovery.h"
 #include "search/files_search.h"
 #include "search/find.h"
 #include "search/find_bar.h"
@@ -131,6 +132,7 @@ constexpr CommandHandler kFrameHandlers[] = {
     {IDM_TAB_CLOSE_OTHERS, [](int) { FileCloseDocuments(CloseRange::Others, ActiveDocumentId()); }},
     {IDM_TAB_CLOSE_RIGHT, [](int) { FileCloseDocuments(CloseRange::Right, ActiveDocumentId()); }},
     {IDM_TAB_COPY_PATH, [](int) { ClipboardPutText(g_app.hMainWnd, TabAt(g_app.activeTab).path); }},
+    {IDM_FILE_RECOVERED, [](int) { ToAnotherDocument(RecoveryShow); }},
     {IDM_EDIT_UNDO, EditText},
     {IDM_EDIT_REDO, EditText},
     {IDM_EDIT_CUT, EditText},

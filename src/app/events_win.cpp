@@ -20,6 +20,7 @@
 #include "output/output_feed.h"
 #include "output/output_pane.h"
 #include "output/show_timer.h"
+#include "recovery/snapshots.h"
 #include "search/files_search.h"
 #include "search/find_bar.h"
 #include "session/project_tree.h"
@@ -50,6 +51,7 @@ void OnDocumentActivated(DocumentId document) {
 
 void OnDocumentChanged(DocumentId document) {
     TabBarOnChanged(document);
+    SnapshotsOnChanged(document);
     if (document != ActiveDocumentId()) return;
     MainWindow_UpdateTitle();
     MainWindow_RequestStateRefresh();
@@ -58,6 +60,7 @@ void OnDocumentChanged(DocumentId document) {
 void OnDocumentClosed(DocumentId document, int index) {
     TabBarOnClosed(index);
     SymbolsOnClosed(document);
+    SnapshotsOnClosed(document);
 }
 
 void OnTextLeaving(DocumentId document) {
@@ -71,6 +74,7 @@ void OnTextArrived(DocumentId document) {
     DebugRestoreLocation(document);
     FilesSearchOnTextArrived(document);
     SymbolsOnTextArrived(document);
+    SnapshotsOnTextArrived(document);
 }
 
 void OnDocumentNotice(DocumentId document, const wchar_t* notice) {

@@ -14,6 +14,7 @@
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
 #include "resources/ids.h"
+#include "recovery/snapshots.h"
 #include "search/find_bar.h"
 #include "session/session.h"
 #include "settings/compiler_presence.h"
@@ -52,6 +53,7 @@ bool RouteOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case MSG_AI_TEXT_BACK: AiOnTextBack(wParam != 0); return true;
         case MSG_AI_ENDED: AiOnRequestEnded(WorkerTake<AiRequestEndPtr>(wParam)); return true;
         case MSG_DEBUG_LAUNCH: DebugOnBuilt(); return true;
+        case MSG_SNAPSHOT_WRITTEN: SnapshotsOnWritten(wParam); return true;
         case MSG_SYMBOLS_SCANNED: SymbolsOnScanned(wParam); return true;
         case MSG_SYMBOLS_FILES: SymbolsOnFilesScanned(wParam); return true;
         case MSG_SYMBOLS_PLACES:
@@ -80,6 +82,7 @@ void RouteTimer(HWND window, UINT_PTR id) {
         case TIMER_AI_MARKS: AiOnMarksTimer(); break;
         case TIMER_AI_PIECES: AiOnPiecesTimer(); break;
         case TIMER_FIND: FindBarOnTimer(); break;
+        case TIMER_SNAPSHOTS: SnapshotsOnTimer(); break;
         case TIMER_SYMBOLS: SymbolsOnTimer(); break;
         case TIMER_POSITION: MainWnd_OnPositionTimer(); break;
         default: break;

@@ -16,6 +16,7 @@
 #include "files/file_io.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
+#include "recovery/snapshots.h"
 #include "search/files_search.h"
 #include "search/find_bar.h"
 #include "settings/settings_state.h"
@@ -135,6 +136,7 @@ void OnEditorNotification(const SCNotification& notification) {
             AiOnTextEdited(document, notification);
             FindBarOnModified(editor, notification.modificationType);
             SymbolsOnModified(document, notification);
+            SnapshotsOnModified(document, notification);
             break;
         case SCN_PAINTED: BreakpointsOnPainted(document); break;
         case SCN_SAVEPOINTLEFT: OnSavePoint(tab, true); break;

@@ -17,6 +17,8 @@
 #include "documents/save_rules.h"
 #include "files/file_io.h"
 #include "files/share_probe.h"
+#include "recovery/recovery.h"
+#include "recovery/snapshots.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "session/session.h"
@@ -27,6 +29,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -135,6 +138,7 @@ void MainWnd_OnStartup() {
     AppLogMsg(L"DBG WM_USER+200 EXIT tabCount=%d activeTab=%d hSci=%p", TabCount(), g_app.activeTab,
               static_cast<void*>(g_app.hEditor));
     LogFlush();
+    RecoveryOffer();
 }
 
 void MainWnd_CommandLineDone() {
@@ -209,6 +213,7 @@ void MainWnd_OnClose(HWND window) {
         AsmPaneShutdown();
         if (!SaveOnClose()) TellNotSaved();
         MainWnd_ShowNotices();  // those of the save
+        RecoveryEnd();          // every document is saved, or the user does not want its changes
     } else {
         AppLogMsg(L"DBG WM_CLOSE: skipped session/settings save during self-test");
     }
@@ -221,19 +226,23 @@ void MainWnd_OnClose(HWND window) {
 bool MainWnd_OnQueryEndSession() {
     // The user has a question before him already; without his answer nothing that is unsaved may be given up.
     if (BoxIsOpen()) return !AnyIsModified();
+    // First, because the system ends the process when the user takes too long to answer.
+    SnapshotsWriteNow();
     g_sessionEnds = ConfirmUnsavedDocuments();
     return g_sessionEnds;
 }
 
 // The process may be gone once this returns, and the system waits five seconds at most.
 void MainWnd_OnEndSession(bool ending) {
-    g_sessionEnds = ending;
+    const bool decided = std::exchange(g_sessionEnds, ending);
     if (!ending) return;
-    LogFlush();  // because the system may end the process at any moment from here on
+    if (!decided) SnapshotsWriteNow();  // nobody was asked
+    LogFlush();                         // because the system may end the process at any moment from here on
     DebugShutdown();
     if (g_selftestTabsMode) return;
     CompilerKill();
     SaveOnClose();  // a failure is in the log; there is no time for a box
+    if (decided) RecoveryEnd();
 }
 
 void MainWnd_OnDestroy(HWND window) {

@@ -144,6 +144,10 @@ bool SamePathText(std::wstring_view a, std::wstring_view b) {
     return PathEqualsIgnoreCase(backslashed(a), backslashed(b));
 }
 
+std::wstring_view FileNameOf(std::wstring_view path) {
+    return path.substr(path.find_last_of(L"\\/") + 1);  // npos + 1 is 0
+}
+
 std::wstring FolderOf(std::wstring_view path) {
     const std::size_t slash = path.find_last_of(L"\\/");
     if (slash == std::wstring_view::npos) return {};

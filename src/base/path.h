@@ -42,5 +42,7 @@ std::wstring_view FileExtension(std::wstring_view path);  // with its dot, empty
 // True when the paths differ at most in letter case and in the direction of slashes.
 bool SamePathText(std::wstring_view a, std::wstring_view b);
 
+// What follows the last slash of either kind; the whole text when there is none.
+std::wstring_view FileNameOf(std::wstring_view path);
 // The folder of a path, without its trailing backslash unless it is the root of a drive. Empty when there is none.
 std::wstring FolderOf(std::wstring_view path);

@@ -39,6 +39,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_SESSION_SAVE, kHasTab},
     {IDM_SESSION_SAVE_AS, kHasTab},
     {IDM_RECENT_SESSIONS_NONE, kNever},
+    {IDM_FILE_RECOVERED, kAlways},  // says when there are none
     {IDM_EDIT_UNDO, kCanUndo},
     {IDM_EDIT_REDO, kCanRedo},
     {IDM_EDIT_CUT, kCanCut},

@@ -2,6 +2,7 @@
 // to match. UI thread, but for the worker.
 #include "commands/quick_symbols.h"
 
+#include "base/path.h"
 #include "base/utf8.h"
 #include "base/worker.h"
 #include "commands/quick_open.h"
@@ -54,7 +55,7 @@ bool IsListed(SymbolKind kind) {
 void AddNames(const ReachedText& text, bool withFile, SymbolNames* names) {
     auto index = std::make_shared<FuzzyIndex>();
     std::vector<std::uint32_t> symbols;
-    const std::wstring file = withFile ? text.path.substr(text.path.find_last_of(L'\\') + 1) + L" " : L"";
+    const std::wstring file = withFile ? std::wstring(FileNameOf(text.path)) + L" " : L"";
     const SymbolTable& table = *text.table;
     for (std::uint32_t i = 0; i < table.symbols.size(); ++i) {
         const Symbol& symbol = table.symbols[i];

@@ -42,6 +42,21 @@ std::wstring RecoveryCopyName(std::wstring_view targetPath, std::uint32_t proces
     return result;
 }
 
+std::uint32_t RecoveryCopyWriter(std::wstring_view name) {
+    const std::size_t open = name.rfind(L" ["), close = name.rfind(L']');
+    if (open == std::wstring_view::npos || close == std::wstring_view::npos || close < open) return 0;
+    const std::wstring_view tag = name.substr(open + 2, close - open - 2);
+    const std::size_t first = tag.find(L'-'), second = tag.rfind(L'-');
+    if (first == std::wstring_view::npos || second == first || second - first > 9) return 0;
+    std::uint32_t writer = 0;
+    for (const wchar_t digit : tag.substr(first + 1, second - first - 1)) {
+        const std::size_t value = std::wstring_view(L"0123456789abcdef").find(digit);
+        if (value == std::wstring_view::npos) return 0;
+        writer = writer * 16 + static_cast<std::uint32_t>(value);
+    }
+    return writer;
+}
+
 std::vector<RecoveryCopy> KeptCopies::Take(std::wstring_view target) {
     std::vector<RecoveryCopy> taken;
     std::erase_if(kept_, [&](const Kept& kept) {

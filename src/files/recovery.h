@@ -17,6 +17,9 @@ struct FileProgress;
 // id of the process and a number.
 std::wstring RecoveryCopyName(std::wstring_view targetPath, std::uint32_t processId, std::uint32_t number);
 
+// The id of the process that wrote a copy of that name, with or without a folder. 0: it is none of ours.
+std::uint32_t RecoveryCopyWriter(std::wstring_view name);
+
 struct RecoveryCopy {
     std::wstring path;      // the copy; empty when there is none
     std::wstring notePath;  // the ".path" file; empty for a copy beside its target

@@ -14,6 +14,7 @@
 #define IDD_PROGRAM 3160
 #define IDD_RENAME 3180
 #define IDD_RECORDING 3210
+#define IDD_RECOVERY 3220
 #define IDD_FILES_SEARCH 3300
 
 // --- Commands: File
@@ -32,6 +33,7 @@
 #define IDM_SESSION_SAVE 1023
 #define IDM_SESSION_SAVE_AS 1024
 #define IDM_RECENT_SESSIONS_NONE 1025
+#define IDM_FILE_RECOVERED 1044        // lists what earlier runs and failed saves have left
 #define IDM_RECENT_SESSION_FIRST 1030  // one for each recent session, newest first, up to 1039
 // --- Edit
 #define IDM_EDIT_UNDO 1101
@@ -315,6 +317,20 @@
 #define IDC_RECORDING_TIME 3212
 #define IDC_RECORDING_LEVEL 3213
 #define IDC_RECORDING_HOST 3214
+
+// --- Controls of the list of recovered files
+#define IDC_RECOVERY_WHAT 3221
+#define IDC_RECOVERY_LIST 3222
+#define IDC_RECOVERY_DIFFERENCE 3223
+#define IDC_RECOVERY_RESTORE 3224
+#define IDC_RECOVERY_BESIDE 3225
+#define IDC_RECOVERY_DISCARD 3226
+#define IDC_RECOVERY_DIFFERENCE_LABEL 3227
+
+#define TIMER_SNAPSHOTS 22                  // of the main window: copies the text of unsaved documents
+#define MSG_SNAPSHOT_WRITTEN (0x8000 + 90)  // to the main window; wParam: SnapshotEnd*, deleted by the receiver
+// To the list of recovered files. wParam: Comparison*, deleted by the receiver.
+#define MSG_RECOVERY_COMPARED (0x8000 + 91)
 
 // --- The window of the file finder and of the command palette
 #define IDC_QUICK_OPEN 3400

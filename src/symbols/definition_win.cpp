@@ -66,7 +66,7 @@ POINT BelowWord(const WordInDocument& word) {
 
 std::wstring PlaceText(const ReachedText& text, const Symbol& symbol) {
     const int tab = TabBarFindDocument(text.document);
-    const std::wstring name = tab >= 0 ? TabAt(tab).label : text.path.substr(text.path.find_last_of(L'\\') + 1);
+    const std::wstring name = tab >= 0 ? TabAt(tab).label : std::wstring(FileNameOf(text.path));
     return FormatW(L"\t%s, line %u", name.c_str(), symbol.line + 1);
 }
 

@@ -31,7 +31,7 @@ struct Renaming {
 
 std::wstring FileLabel(const FoundFile& file) {
     const int tab = TabBarFindDocument(file.document);
-    return tab >= 0 ? std::wstring(TabAt(tab).label) : file.path.substr(file.path.find_last_of(L'\\') + 1);
+    return tab >= 0 ? std::wstring(TabAt(tab).label) : std::wstring(FileNameOf(file.path));
 }
 
 std::wstring CountOf(std::size_t count, const wchar_t* one, const wchar_t* many) {

@@ -125,7 +125,7 @@ LRESULT CALLBACK ListViewProc(HWND window, UINT message, WPARAM wParam, LPARAM l
             if (OnHeaderNotify(list, *reinterpret_cast<const NMHDR*>(lParam), &result)) return result;
             break;
         case WM_CTLCOLOREDIT: return InlineEditColours(reinterpret_cast<HDC>(wParam));
-        case WM_GETDLGCODE: return DLGC_WANTALLKEYS;
+        case WM_GETDLGCODE: return list.inDialog ? DLGC_WANTARROWS | DLGC_WANTCHARS : DLGC_WANTALLKEYS;
         case WM_KEYDOWN:
             if (OnListKey(list, wParam)) return 0;
             break;

@@ -39,6 +39,7 @@ struct ListView {
     HWND window = nullptr;
     // Called first for each key; returns true when it has handled the key. May be null.
     bool (*handleKey)(HWND from, WPARAM key) = nullptr;
+    bool inDialog = false;  // Tab, Enter and Esc belong to the dialog
 
     // The fields below are private to the list.
     struct Place {

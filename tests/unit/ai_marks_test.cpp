@@ -1,6 +1,6 @@
 // What a replacement by the assistant has changed, how that is marked, and where it is after further edits.
-#include "ai/line_diff.h"
 #include "ai/replacement_marks.h"
+#include "base/line_diff.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "ai/line_diff.h"
+#include "base/line_diff.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,0 +1,140 @@
+#include "recovery/leftovers.h"
+
+#include "base/bounded_text.h"
+#include "base/handles.h"
+#include "base/path.h"
+#include "files/file_io.h"
+#include "files/recovery.h"
+#include "files/user_folder.h"
+#include "recovery/run_folder.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace {
+
+constexpr wchar_t kPathEnd[] = L".path";          // of the file beside the copy of a save that failed
+constexpr std::size_t kLargestNote = 1 << 16;     // bytes
+constexpr std::size_t kLargestText = 0x7FFF0000;  // bytes
+
+std::vector<RunFolder> g_leftFolders;
+
+std::vector<WIN32_FIND_DATAW> FilesIn(const std::wstring& folder, const wchar_t* pattern) {
+    std::vector<WIN32_FIND_DATAW> files;
+    WIN32_FIND_DATAW found = {};
+    const UniqueFind search{FindFirstFileW(PathForSystem((folder + pattern).c_str()).c_str(), &found)};
+    if (!search) return files;
+    do {
+        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) files.push_back(found);
+    } while (FindNextFileW(search.Get(), &found) != FALSE);
+    return files;
+}
+
+std::uint64_t SizeOf(const WIN32_FIND_DATAW& file) {
+    return (std::uint64_t{file.nFileSizeHigh} << 32U) | file.nFileSizeLow;
+}
+
+bool HasEnd(const wchar_t* name, std::wstring_view end) {
+    return PathEqualsIgnoreCase(std::wstring_view{name}.substr(std::wstring_view{name}.size() -
+                                                               std::min(end.size(), std::wstring_view{name}.size())),
+                                end);
+}
+
+std::string ReadNote(const std::wstring& path) {
+    std::string text;
+    if (!ReadSharedFile(path, kLargestNote, &text)) text.clear();
+    return text;
+}
+
+// The texts that a run has left. A ".new" file is a text that was not whole when the run ended.
+void AddSnapshots(const std::wstring& folder, std::vector<Leftover>& left) {
+    for (const WIN32_FIND_DATAW& file : FilesIn(folder, L"*")) {
+        if (HasEnd(file.cFileName, kSnapshotNoteEnd) || HasEnd(file.cFileName, L".new") ||
+            PathEqualsIgnoreCase(file.cFileName, L"owner"))
+            continue;
+        Leftover one;
+        one.text = folder + file.cFileName;
+        one.files = {one.text, one.text + kSnapshotNoteEnd};
+        one.note = ParseSnapshotNote(ReadNote(one.files[1]));
+        if (one.note.label.empty()) one.note.label = file.cFileName;
+        one.time = file.ftLastWriteTime;
+        one.size = SizeOf(file);
+        left.push_back(std::move(one));
+    }
+}
+
+// Deletes what belongs to no text: a run ended between two steps.
+void DeleteStrays(const std::wstring& folder) {
+    for (const WIN32_FIND_DATAW& file : FilesIn(folder, L"*")) {
+        const std::wstring path = folder + file.cFileName;
+        const bool lonely = HasEnd(file.cFileName, kSnapshotNoteEnd) &&
+                            !FileExists(path.substr(0, path.size() - std::size(kSnapshotNoteEnd) + 1).c_str());
+        if (lonely || HasEnd(file.cFileName, L".new")) DeleteFileW(PathForSystem(path.c_str()).c_str());
+    }
+}
+
+// Whether another copy of the program, which still runs, has written it and may remove it.
+bool WriterRuns(const wchar_t* name) {
+    const DWORD writer = RecoveryCopyWriter(name);
+    if (writer == 0 || writer == GetCurrentProcessId()) return false;
+    const UniqueHandle process{OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, writer)};
+    wchar_t theirs[kPathCapacity] = {}, ours[kPathCapacity] = {};
+    DWORD length = kPathCapacity;
+    return process && QueryFullProcessImageNameW(process.Get(), 0, theirs, &length) != FALSE &&
+           GetModuleFileNameW(nullptr, ours, kPathCapacity) != 0 &&
+           PathEqualsIgnoreCase(FileNameOf(theirs), FileNameOf(ours));
+}
+
+void AddFailedSaves(const std::wstring& folder, std::vector<Leftover>& left) {
+    for (const WIN32_FIND_DATAW& file : FilesIn(folder, L"*.path")) {
+        Leftover one;
+        one.text = folder + file.cFileName;
+        one.text.resize(one.text.size() - std::size(kPathEnd) + 1);
+        one.files = {one.text, folder + file.cFileName};
+        WIN32_FILE_ATTRIBUTE_DATA copy = {};
+        if (WriterRuns(file.cFileName) ||
+            GetFileAttributesExW(PathForSystem(one.text.c_str()).c_str(), GetFileExInfoStandard, &copy) == FALSE)
+            continue;
+        const std::wstring target = Utf8ToWideText(ReadNote(one.files[1]));
+        one.note.label = FileNameOf(target);
+        if (target.find(L'\\') != std::wstring::npos) one.note.path = target;  // otherwise the label of an untitled one
+        one.asWritten = true;
+        one.time = copy.ftLastWriteTime;
+        one.size = (std::uint64_t{copy.nFileSizeHigh} << 32U) | copy.nFileSizeLow;
+        left.push_back(std::move(one));
+    }
+}
+
+}  // namespace
+
+std::vector<Leftover> LeftoversFind() {
+    std::vector<Leftover> left;
+    const std::wstring user = UserFolderPath();
+    if (user.empty()) return left;
+    std::ranges::move(RunFoldersLeft(), std::back_inserter(g_leftFolders));
+    for (const RunFolder& folder : g_leftFolders) {
+        DeleteStrays(folder.path);
+        AddSnapshots(folder.path, left);
+    }
+    AddFailedSaves(user + L"Recovery\\", left);
+    std::ranges::sort(left, [](const Leftover& a, const Leftover& b) { return CompareFileTime(&a.time, &b.time) > 0; });
+    return left;
+}
+
+bool LeftoverRead(const Leftover& leftover, std::string* utf8) {
+    if (!leftover.asWritten) return ReadSharedFile(leftover.text, kLargestText, utf8);
+    std::size_t length = 0;
+    const HeapBlock<char> text{ReadSourceFileForEditor(leftover.text.c_str(), &length, nullptr, nullptr)};
+    if (text) utf8->assign(text.get(), length);
+    return text != nullptr;
+}
+
+void LeftoverDelete(const Leftover& leftover) {
+    for (const std::wstring& file : leftover.files) DeleteFileW(PathForSystem(file.c_str()).c_str());
+}
+
+void LeftoversEnd() {
+    for (RunFolder& folder : g_leftFolders) RunFolderRelease(folder);
+    g_leftFolders.clear();
+}

@@ -1,0 +1,129 @@
+// What a kill leaves, and how the next start gives it back.
+#include "window/harness.h"
+
+#include "resources/ids.h"
+
+#include <filesystem>
+#include <set>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr wchar_t kRecovered[] = L"Recovered Files";
+
+fs::path RecoveryOf(const ProgramFolder& folder) { return folder.File(L"local\\KVX-Editor\\Recovery"); }
+
+// The texts that are kept at the moment.
+std::set<std::string> KeptTexts(const ProgramFolder& folder) {
+    std::set<std::string> texts;
+    std::error_code none;
+    for (const auto& entry : fs::recursive_directory_iterator(RecoveryOf(folder), none)) {
+        const std::wstring name = entry.path().filename().wstring();
+        if (!entry.is_regular_file(none) || name.ends_with(L".note") || name.ends_with(L".path") || name == L"owner")
+            continue;
+        if (const auto bytes = ReadBytes(entry.path().wstring())) texts.insert(*bytes);
+    }
+    return texts;
+}
+
+bool AwaitKept(const ProgramFolder& folder, const std::set<std::string>& texts) {
+    return WaitFor([&] { return KeptTexts(folder) == texts; });
+}
+
+std::set<std::string> OpenTexts(const Editor& editor) {
+    std::set<std::string> texts;
+    for (int tab = 0; tab < editor.Tabs(); ++tab) {
+        texts.insert(editor.Text());
+        editor.Do(IDM_NEXT_TAB);
+    }
+    return texts;
+}
+
+void Kill(Editor& editor) {
+    TerminateProcess(editor.process, 9);
+    EXPECT_TRUE(editor.ExitCode());
+}
+
+}  // namespace
+
+TEST(Recovery, AKillLosesNothing) {
+    ProgramFolder folder;
+    folder.KeepNoSession();
+    const std::wstring kept = folder.Write(L"kept.bas", "one\ntwo\n"), gone = folder.Write(L"gone.bas", "three\n");
+    const std::set<std::string> texts = {"kept\none\ntwo\n", "gone\nthree\n", "new \xC3\xA9"};
+    {
+        Editor editor(folder, OpenArgument(kept) + OpenArgument(gone));
+        editor.Type("gone\n");
+        editor.Do(IDM_PREVIOUS_TAB);
+        editor.Type("kept\n");
+        editor.Do(IDM_FILE_NEW);
+        editor.Type("new \xC3\xA9 and more");
+        ASSERT_TRUE(WaitFor([&] { return KeptTexts(folder).contains("new \xC3\xA9 and more"); }));
+        editor.Sci(SCI_DELETERANGE, 6, 9);  // the next text takes the place of the last
+        ASSERT_TRUE(AwaitKept(folder, texts));
+        Editor other(folder);  // what a living copy keeps is not offered
+        EXPECT_TRUE(other.Dialogs().empty());
+        EXPECT_EQ(other.Close(), 0u);
+        Kill(editor);
+    }
+    fs::remove(gone);
+    {
+        Editor editor(folder, OpenArgument(kept));
+        const Dialog list = editor.AwaitDialog(kRecovered);
+        editor.Press(list, IDCANCEL);  // later
+        EXPECT_EQ(KeptTexts(folder), texts);
+        EXPECT_EQ(editor.Text(), "one\ntwo\n");
+        editor.Post(IDM_FILE_RECOVERED);
+        editor.Press(editor.AwaitDialog(kRecovered), IDC_RECOVERY_RESTORE);
+        ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == 3; }));
+        EXPECT_EQ(OpenTexts(editor), texts);
+        EXPECT_TRUE(AwaitKept(folder, texts)) << "a second kill would lose nothing either";
+        ASSERT_TRUE(WaitFor([&] { return std::distance(fs::directory_iterator(RecoveryOf(folder)), {}) == 2; }));
+        editor.Do(IDM_FILE_SAVE_ALL);
+        for (const Dialog& box : editor.Dialogs()) editor.Press(box, IDCANCEL);  // the name of the new one
+        Kill(editor);
+    }
+}
+
+TEST(Recovery, WhatIsSavedOrRefusedIsGone) {
+    ProgramFolder folder;
+    folder.KeepNoSession();
+    const std::wstring a = folder.Write(L"a.bas", "a\n"), b = folder.Write(L"b.bas", "b\n");
+    // A save of an earlier run failed.
+    folder.Write(L"local\\KVX-Editor\\Recovery\\c [1-fffffff0-1].bas", "c");
+    folder.Write(L"local\\KVX-Editor\\Recovery\\c [1-fffffff0-1].bas.path", Utf8(folder.File(L"c.bas")));
+    // A kill in the middle of writing, and a file of somebody else.
+    folder.Write(L"local\\KVX-Editor\\Recovery\\Run 1-1\\half [1].bas.new", "hal");
+    folder.Write(L"local\\KVX-Editor\\Recovery\\Run 1-1\\half [1].bas.note", "\xFF\xFE garbage");
+    {
+        Editor editor(folder, OpenArgument(a) + OpenArgument(b));
+        const Dialog list = editor.AwaitDialog(kRecovered);
+        EXPECT_EQ(editor.CellOf(GetDlgItem(list.window, IDC_RECOVERY_LIST), 0, 0), L"c.bas");
+        EXPECT_EQ(editor.Send(GetDlgItem(list.window, IDC_RECOVERY_LIST), LVM_GETITEMCOUNT), 1);
+        PostMessageW(list.window, WM_COMMAND, IDC_RECOVERY_DISCARD, 0);
+        editor.Answer(kRecovered, L"Discard this text?", IDYES);
+        ASSERT_TRUE(WaitFor([&] { return KeptTexts(folder).empty(); }));
+
+        editor.Type("x");
+        editor.Do(IDM_PREVIOUS_TAB);
+        editor.Type("y");
+        ASSERT_TRUE(AwaitKept(folder, {"xb\n", "ya\n"}));
+        editor.Do(IDM_FILE_SAVE);
+        EXPECT_TRUE(AwaitKept(folder, {"xb\n"}));
+        editor.Do(IDM_NEXT_TAB);
+        editor.Do(IDM_EDIT_UNDO);
+        EXPECT_TRUE(AwaitKept(folder, {})) << "the file has the text";
+        editor.Type("z");
+        ASSERT_TRUE(AwaitKept(folder, {"zb\n"}));
+        editor.Send(editor.main, WM_ENDSESSION, TRUE);  // unasked: all is kept
+        EXPECT_EQ(KeptTexts(folder), std::set<std::string>{"zb\n"});
+        PostMessageW(editor.main, WM_CLOSE, 0, 0);
+        editor.Answer(kUnsaved, L"Save changes to b.bas?", IDNO);
+        EXPECT_EQ(editor.ExitCode(), 0u);
+        EXPECT_TRUE(fs::is_empty(RecoveryOf(folder)));
+    }
+    Editor editor(folder);
+    EXPECT_TRUE(editor.Dialogs().empty());
+    EXPECT_EQ(editor.Close(), 0u);
+}
