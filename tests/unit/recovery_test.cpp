@@ -113,7 +113,7 @@ TEST(SnapshotNote, ComesBackAndToleratesAnything) {
     EXPECT_EQ(back.lineEnding, note.lineEnding);
     EXPECT_EQ(back.caret, note.caret);
     for (std::size_t length = 0; length < text.size(); ++length)  // cut anywhere
-        EXPECT_TRUE(std::wstring_view(note.path).starts_with(ParseSnapshotNote(text.substr(0, length)).path));
+        EXPECT_LE(ParseSnapshotNote(text.substr(0, length)).path.size(), note.path.size());
     EXPECT_EQ(ParseSnapshotNote(text.substr(0, 30) + "\nLineEnding=99999\nEncoding=-1\n\0=\n").lineEnding,
               LineEnding::CrLf);
     EXPECT_EQ(ParseSnapshotNote("PK\x03\x04 Path=C:\\x").path, L"");
