@@ -184,7 +184,7 @@ bool MayDiscard(const RecoveryList& recovery) {
     const std::wstring question =
         count == 1 ? std::wstring(L"Discard this text? It cannot be brought back.")
                    : FormatW(L"Discard these %d texts? They cannot be brought back.", static_cast<int>(count));
-    return AskUser({.caption = L"Recovered Files",
+    return AskUser({.caption = L"Discard",
                     .text = question.c_str(),
                     .buttons = AskButtons::YesNo,
                     .icon = AskIcon::Warning,
