@@ -14,6 +14,7 @@
 #include "files/file_io.h"
 #include "files/libraries.h"
 #include "files/share_probe.h"
+#include "recovery/crash.h"
 #include "resources/ids.h"
 #include "search/files_search.h"
 #include "search/find.h"
@@ -187,6 +188,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR commandLine, int showCom
     AppExeDirectory(directory, kPathCapacity);
     OpenLog(directory);
     if (!limited) AppLogMsg(L"FAIL: SetDefaultDllDirectories");
+    CrashWatch();
     CompilerBridgeInit();
     BuildInit();
     if (MainWindow_Init(instance, showCommand) == nullptr) {

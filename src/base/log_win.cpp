@@ -92,9 +92,10 @@ LONG WINAPI FlushAtCrash(EXCEPTION_POINTERS* exception) {
     return g_nextFilter != nullptr ? g_nextFilter(exception) : EXCEPTION_CONTINUE_SEARCH;
 }
 
+// Once, because a log that is opened again would otherwise put itself before whoever calls this filter as the next.
 void WatchForCrashes() {
-    const LPTOP_LEVEL_EXCEPTION_FILTER before = SetUnhandledExceptionFilter(FlushAtCrash);
-    if (before != FlushAtCrash) g_nextFilter = before;
+    static const LPTOP_LEVEL_EXCEPTION_FILTER before = SetUnhandledExceptionFilter(FlushAtCrash);
+    g_nextFilter = before;
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "documents/text_change.h"
 #include "files/file_io.h"
 #include "files/share_probe.h"
+#include "recovery/crash.h"
 #include "recovery/leftovers.h"
 #include "recovery/recovery_dialog.h"
 #include "recovery/snapshots.h"
@@ -108,6 +109,7 @@ void CarryOut(const std::vector<Leftover>& leftovers, const std::vector<Recovery
 
 void RecoveryOffer() {
     if (g_selftestTabsMode) return;
+    if (const std::wstring crash = CrashNotice(); !crash.empty()) g_events.noticeWanted(crash.c_str());
     const std::vector<Leftover> leftovers = LeftoversFind();
     if (!leftovers.empty()) CarryOut(leftovers, RecoveryDialogShow(leftovers));
 }

@@ -125,3 +125,39 @@ TEST(Recovery, WhatIsSavedOrRefusedIsGone) {
     EXPECT_TRUE(editor.Dialogs().empty());
     EXPECT_EQ(editor.Close(), 0u);
 }
+
+TEST(Recovery, ACrashLeavesItsReportAndTheText) {
+    ProgramFolder folder;
+    folder.KeepNoSession();
+    const std::wstring a = folder.Write(L"a.bas", "PRINT \"of the file\"\n");
+    const std::string text = "' SECRET-TEXT\nPRINT \"of the file\"\n";
+    {
+        Editor editor(folder, OpenArgument(a));
+        editor.Type("' SECRET-TEXT\n");  // crashes before the first snapshot is due
+        const DWORD threadId = GetWindowThreadProcessId(editor.main, nullptr);
+        const HANDLE thread = OpenThread(THREAD_ALL_ACCESS, FALSE, threadId);
+        CONTEXT context = {};
+        context.ContextFlags = CONTEXT_FULL;
+        SuspendThread(thread);
+        ASSERT_TRUE(GetThreadContext(thread, &context));
+        context.Rip = 16;  // no code is there
+        ASSERT_TRUE(SetThreadContext(thread, &context));
+        ResumeThread(thread);
+        CloseHandle(thread);
+        PostMessageW(editor.main, WM_NULL, 0, 0);
+        EXPECT_TRUE(editor.ExitCode());
+        EXPECT_EQ(KeptTexts(folder), std::set<std::string>{text});
+    }
+    int reports = 0;
+    for (const auto& entry : fs::directory_iterator(folder.File(L"local\\KVX-Editor\\Crashes"))) {
+        const std::string bytes = ReadBytes(entry.path().wstring()).value_or("");
+        EXPECT_EQ(bytes.find("SECRET-TEXT"), std::string::npos) << entry.path();
+        EXPECT_FALSE(bytes.empty()) << entry.path();
+        ++reports;
+    }
+    EXPECT_EQ(reports, 3) << "a report, a dump, the name of the latest";
+    Editor editor(folder);
+    editor.Press(editor.AwaitDialog(kRecovered), IDC_RECOVERY_RESTORE);
+    editor.Answer(kProgramTitle, L"The editor ended because of a fault the last time.", IDOK);
+    EXPECT_TRUE(WaitFor([&] { return OpenTexts(editor).contains(text); }));
+}
