@@ -22,6 +22,7 @@
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
 #include "settings/settings_store.h"
+#include "symbols/peek_window.h"
 #include "ui/message.h"
 
 #include <commctrl.h>
@@ -152,7 +153,7 @@ int RunMessageLoop() {
         // One refresh for all that happened since the queue was empty the last time.
         if (!PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE)) MainWnd_RunPendingRefresh();
         if (GetMessageW(&message, nullptr, 0, 0) <= 0) return static_cast<int>(message.wParam);
-        if (QuickOpenIsMessage(message)) continue;
+        if (QuickOpenIsMessage(message) || PeekIsMessage(message)) continue;
         if (accelerators != nullptr && TranslateAcceleratorW(g_app.hMainWnd, accelerators, &message) != 0) continue;
         if (TranslateExtraKey(message) || FindDialogIsMessage(&message) || FindBarIsMessage(&message) ||
             FilesDialogIsMessage(&message))

@@ -11,6 +11,7 @@
 #include "settings/file_types.h"
 #include "settings/settings_effects.h"
 #include "symbols/completion.h"
+#include "symbols/peek_window.h"
 
 static void SetTimerOrStop(HWND window, UINT_PTR timer, UINT interval) {
     if (interval > 0)
@@ -34,6 +35,7 @@ void MainWnd_OnSettingsChanged(const Settings& before) {
     else if ((effects & kEffectView) != 0)
         for (const DocumentTab& tab : g_app.tabs) EditorPaneApplySettings(tab.editor);
     if ((effects & (kEffectEditors | kEffectView)) != 0) AiRenewMarks();
+    if ((effects & (kEffectEditors | kEffectView)) != 0) PeekApplySettings();
     if ((effects & kEffectFrame) != 0) MainWnd_ApplyTheme();
     if ((effects & kEffectCompiler) != 0) {
         MainWindow_UpdateCompilerSelection();

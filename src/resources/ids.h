@@ -63,6 +63,8 @@
 #define IDM_VIEW_OUTLINE 1085
 #define IDM_PARAMETER_INFO 1096
 #define IDM_SHOW_DECLARATION 1097
+#define IDM_PEEK_DEFINITION 1098
+#define IDM_PEEK_CALLERS 1099
 #define IDM_EDIT_FORMAT_DOCUMENT 1230
 #define IDM_EDIT_FORMAT_SELECTION 1231
 #define IDM_FILES_FIND 1070
@@ -333,12 +335,16 @@
 #define MSG_RECOVERY_COMPARED (0x8000 + 91)
 
 // --- The window of the file finder and of the command palette
+#define IDC_PEEK 3420
+#define IDC_PEEK_TEXT 3421
+#define IDC_PEEK_LIST 3422
 #define IDC_QUICK_OPEN 3400
 #define IDC_QUICK_FIELD 3401
 #define IDC_QUICK_LIST 3402
 #define TIMER_QUICK_PREVIEW 13           // shows what the selected row is about
 #define MSG_QUICK_FILES (0x8000 + 75)    // wParam: a block for ProjectFilesOnBlock
 #define MSG_QUICK_FOUND (0x8000 + 76)    // wParam: FuzzyFound*, deleted by the receiver
+#define MSG_PEEK_TEXT (0x8000 + 100)     // to the peek; wParam: PeekFileText*, deleted by the receiver
 #define MSG_QUICK_PREVIEW (0x8000 + 77)  // wParam: QuickPreviewText*, deleted by the receiver
 
 // --- Messages of the main window (WM_USER = 0x0400, WM_APP = 0x8000). The receiver frees a heap block in wParam.

@@ -104,6 +104,7 @@ struct FollowedCall {
     StatementText statement;
     CallContext call;
     Callee callee;
+    bool anyCall = false;  // there are calls, perhaps of what is not known yet
 };
 
 // The innermost call at the caret that is one.
@@ -111,10 +112,11 @@ std::optional<FollowedCall> CallAtCaret(const DocumentTab& document) {
     const LRESULT caret = Ask(document.editor, SCI_GETCURRENTPOS);
     std::optional<StatementText> statement = EditorPaneStatementTo(document.editor, caret);
     if (!statement) return std::nullopt;
-    FollowedCall followed{std::move(*statement), {}, {}};
+    FollowedCall followed{std::move(*statement), {}, {}, false};
     const auto line = static_cast<std::uint32_t>(Ask(document.editor, SCI_LINEFROMPOSITION, caret));
     const Dialect& dialect = DialectOf(document.compilerId);
     for (CallContext& call : CallsAround(followed.statement.text, followed.statement.state, dialect)) {
+        followed.anyCall = true;
         const LRESULT nameAt = followed.statement.start + static_cast<LRESULT>(call.nameStart);
         const bool same = nameAt == g_callTip.nameAt && call.name == g_callTip.name && !g_callTip.signatures.empty();
         followed.callee = same ? Callee{g_callTip.signatures} : CalleeOf(document, call, line);
@@ -183,15 +185,18 @@ void Follow() {
     const int tab = TabBarFindEditor(editor);
     if (tab < 0 || editor != g_documents.hEditor) return EndTip();
     const std::optional<FollowedCall> followed = CallAtCaret(TabAt(tab));
+    if (!followed && g_callTip.byCommand) TellSymbolStatus(L"There is no call at the caret");
     if (!followed || (g_callTip.statement >= 0 && followed->statement.start != g_callTip.statement)) return EndTip();
     g_callTip.statement = followed->statement.start;
     if (!followed->callee.signatures.empty()) return ShowFollowed(*followed);
     HideTip();
     g_callTip.signatures.clear();
-    if (MayStillCome(TabAt(tab)))
+    if (followed->anyCall && MayStillCome(TabAt(tab))) {
         SetTimer(editor, kLookAgain, kLookAgainMs, OnLookAgain);
-    else
-        EndTip();
+        return;
+    }
+    if (g_callTip.byCommand) TellSymbolStatus(L"There is no call at the caret");
+    EndTip();
 }
 
 void Begin(HWND editor, bool byCommand) {
@@ -281,5 +286,4 @@ void CallTipShow() {
     if (editor == nullptr) return;
     EndTip();
     Begin(editor, true);
-    if (g_callTip.editor == nullptr) TellSymbolStatus(L"There is no call at the caret");
 }

@@ -11,7 +11,7 @@
 #include "scintilla/sci.h"
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
-#include "symbols/definitions.h"
+#include "symbols/definition_search.h"
 #include "symbols/include_paths.h"
 #include "symbols/symbol_place.h"
 #include "ui/menu.h"
@@ -25,11 +25,6 @@ namespace {
 
 constexpr std::size_t kMostCandidates = 24;  // that a menu has room for
 
-struct Candidates {
-    std::vector<ReachedText> texts;
-    std::vector<SymbolPlace> places;
-};
-
 std::vector<SymbolTablePtr> TablesOf(const std::vector<ReachedText>& texts) {
     std::vector<SymbolTablePtr> tables;
     for (const ReachedText& text : texts) tables.push_back(text.table);
@@ -39,12 +34,6 @@ std::vector<SymbolTablePtr> TablesOf(const std::vector<ReachedText>& texts) {
 bool IsThePlaceItself(const WordInDocument& word, const Candidates& found, const SymbolPlace& place) {
     const Symbol& symbol = found.texts[place.text].table->symbols[place.symbol];
     return place.text == 0 && symbol.line == word.line && symbol.column == word.word.start;
-}
-
-Candidates CandidatesIn(std::vector<ReachedText> texts, const WordInDocument& word) {
-    Candidates found{std::move(texts), {}};
-    if (!found.texts.empty()) found.places = DefinitionsOf(word.word, word.line, TablesOf(found.texts));
-    return found;
 }
 
 // The document first, then the project.
@@ -65,9 +54,7 @@ POINT BelowWord(const WordInDocument& word) {
 }
 
 std::wstring PlaceText(const ReachedText& text, const Symbol& symbol) {
-    const int tab = TabBarFindDocument(text.document);
-    const std::wstring name = tab >= 0 ? TabAt(tab).label : std::wstring(FileNameOf(text.path));
-    return FormatW(L"\t%s, line %u", name.c_str(), symbol.line + 1);
+    return FormatW(L"\t%s, line %u", NameOfText(text).c_str(), symbol.line + 1);
 }
 
 // "&" would underline the next letter of a menu's text.
@@ -108,15 +95,6 @@ void ShowCandidates(const WordInDocument& word, Candidates found) {
         ChooseCandidate(word, found);
 }
 
-void SearchProject(const WordInDocument& word) {
-    SymbolsWhenProjectKnown([word] {
-        if (TabBarFindDocument(word.document) < 0) return;
-        Candidates found = CandidatesIn(ProjectFrom(word.document), word);
-        if (!found.places.empty()) return ShowCandidates(word, std::move(found));
-        TellSymbolStatus(FormatW(L"No definition of %s was found", Utf8ToWideText(word.word.name).c_str()));
-    });
-}
-
 void GoToInclude(const WordInDocument& word) {
     const DocumentTab& document = TabAt(TabBarFindDocument(word.document));
     std::vector<std::wstring> folders = IncludeFolders(CompilerIncludePath(document.compilerId));
@@ -134,16 +112,36 @@ void GoToInclude(const WordInDocument& word) {
 
 }  // namespace
 
+Candidates CandidatesIn(std::vector<ReachedText> texts, const WordInDocument& word) {
+    Candidates found{std::move(texts), {}};
+    if (!found.texts.empty()) found.places = DefinitionsOf(word.word, word.line, TablesOf(found.texts));
+    return found;
+}
+
+void FindDefinitions(const WordInDocument& word, std::function<void(Candidates)> ready) {
+    SymbolsWhenReached(
+        word.document,
+        [word, ready = std::move(ready)] {
+            Candidates found = CandidatesIn(SymbolsInReach(word.document), word);
+            if (!found.places.empty()) return ready(std::move(found));
+            SymbolsWhenProjectKnown([word, ready] {
+                if (TabBarFindDocument(word.document) >= 0) ready(CandidatesIn(ProjectFrom(word.document), word));
+            });
+        });
+}
+
+std::wstring NameOfText(const ReachedText& text) {
+    const int tab = TabBarFindDocument(text.document);
+    return tab >= 0 ? TabAt(tab).label : std::wstring(FileNameOf(text.path));
+}
+
 void GoToDefinition(LRESULT position) {
     const std::optional<WordInDocument> word = WordAtPlace(position);
     if (!word) return TellSymbolStatus(L"There is no name at the caret");
     if (word->word.isInclude) return GoToInclude(*word);
-    SymbolsWhenReached(word->document, [word = *word] {
-        Candidates found = CandidatesIn(SymbolsInReach(word.document), word);
-        if (found.places.empty())
-            SearchProject(word);
-        else
-            ShowCandidates(word, std::move(found));
+    FindDefinitions(*word, [word = *word](Candidates found) {
+        if (!found.places.empty()) return ShowCandidates(word, std::move(found));
+        TellSymbolStatus(FormatW(L"No definition of %s was found", Utf8ToWideText(word.word.name).c_str()));
     });
 }
 

@@ -6,6 +6,7 @@
 #include "documents/document_row.h"
 #include "documents/statement_text.h"
 #include "symbols/call_tip.h"
+#include "symbols/definition_search.h"
 #include "symbols/hover_text.h"
 #include "symbols/symbol_place.h"
 #include "ui/dpi.h"
@@ -64,9 +65,11 @@ PlaceKind KindOfPlace(const StatementText& line, std::size_t column, const Diale
     return PlaceKind::Code;
 }
 
-std::string NameOf(const ReachedText& text) {
-    const int tab = TabBarFindDocument(text.document);
-    return ToUtf8(tab >= 0 ? TabAt(tab).label : text.path.substr(text.path.find_last_of(L'\\') + 1).c_str());
+// A variable that another line gives its bounds.
+bool IsDeclaredAbove(const std::vector<SymbolTablePtr>& tables, const std::vector<SymbolPlace>& places,
+                     std::size_t at) {
+    const Symbol& symbol = tables[places[at].text]->symbols[places[at].symbol];
+    return at > 0 && IsVariable(symbol.kind) && symbol.typeLength == 0;
 }
 
 std::string TextOfDeclarations(const DocumentTab& document, const SymbolWord& word, std::uint32_t line) {
@@ -76,9 +79,11 @@ std::string TextOfDeclarations(const DocumentTab& document, const SymbolWord& wo
     const std::vector<SymbolPlace> places = DefinitionsOf(word, line, tables);
     std::string all;
     for (std::size_t i = 0; i < places.size() && i < kMostDeclarations; ++i) {
+        if (IsDeclaredAbove(tables, places, i)) continue;
         const SymbolPlace& place = places[i];
         const std::uint32_t at = tables[place.text]->symbols[place.symbol].line + 1;
-        const std::string where = place.text == 0 ? "" : NameOf(texts[place.text]) + ":" + std::to_string(at);
+        const std::string where =
+            place.text == 0 ? "" : ToUtf8(NameOfText(texts[place.text])) + ":" + std::to_string(at);
         const std::string text = HoverTextOf(tables, place, where, DialectOf(document.compilerId));
         if (all.find(text) != std::string::npos) continue;
         if (!all.empty()) all += '\n';

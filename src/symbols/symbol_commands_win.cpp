@@ -7,6 +7,7 @@
 #include "search/files_search.h"
 #include "symbols/completion.h"
 #include "symbols/outline_pane.h"
+#include "symbols/peek_commands.h"
 #include "symbols/references.h"
 #include "symbols/rename_dialog.h"
 #include "symbols/tips.h"
@@ -46,6 +47,8 @@ constexpr CommandHandler kHandlers[] = {
     {IDM_SYMBOL_REFERENCES, FindAllReferences},
     {IDM_SYMBOL_RENAME, RenameAtCaret},
     {IDM_PARAMETER_INFO, [](int) { CallTipShow(); }},
+    {IDM_PEEK_DEFINITION, [](int) { PeekDefinition(); }},
+    {IDM_PEEK_CALLERS, [](int) { PeekCallers(); }},
     {IDM_SHOW_DECLARATION, [](int) { HoverShowAtCaret(); }},
     {IDM_EDIT_COMPLETE, [](int) { CompletionShowWanted(); }},
     {IDM_EDIT_SNIPPETS, [](int) { SnippetsEdit(); }},

@@ -7,6 +7,7 @@
 #include "symbols/call_tip.h"
 #include "symbols/constant_value.h"
 #include "symbols/hover_text.h"
+#include "symbols/peek.h"
 
 #include <gtest/gtest.h>
 
@@ -222,6 +223,32 @@ TEST(Hover, DeclarationsAndValues) {
         {"k", "local STATIC k AS LONG (SUB Draw)"},
     };
     for (const auto& test : cases) EXPECT_EQ(about(test.name), test.text);
+}
+
+TEST(Peek, PagesPlaceAndText) {
+    PeekPages pages;
+    for (const wchar_t* title : {L"a", L"b", L"c"}) PeekPush(pages, {.title = title, .places = {{}}});
+    EXPECT_TRUE(PeekStep(pages, -1) && PeekStep(pages, -1) && !PeekStep(pages, -1));
+    EXPECT_EQ(pages.pages[pages.at].title, L"a");
+    PeekPush(pages, {.title = L"d", .places = {{}}});
+    EXPECT_FALSE(PeekStep(pages, 1)) << "b and c are gone";
+    EXPECT_TRUE(PeekStep(pages, -1));
+    for (int i = 0; i < 200; ++i) PeekPush(pages, {.title = L"e", .places = {{}}});
+    EXPECT_EQ(pages.at, 49u);
+
+    EXPECT_EQ(PeekSpanOf(400, 100, 120, 200), (PeekSpan{120, 200}));
+    EXPECT_EQ(PeekSpanOf(400, 300, 320, 200), (PeekSpan{100, 200})) << "above, beside the row";
+    EXPECT_EQ(PeekSpanOf(100, 60, 80, 200), (PeekSpan{0, 60}));
+    EXPECT_EQ(PeekSpanOf(100, -40, -20, 46), (PeekSpan{0, 46})) << "the caret is out of view";
+    EXPECT_EQ(PeekSpanOf(100, 500, 520, 46), (PeekSpan{54, 46}));
+
+    std::string large;
+    for (int i = 0; i < 300000; ++i) large += "line " + std::to_string(i) + "\n";
+    const std::string part = PeekText(large, 200000);
+    EXPECT_LT(part.size(), std::size_t{1} << 20);
+    std::size_t at = 0;
+    for (int i = 0; i < 200000; ++i) at = part.find('\n', at) + 1;
+    EXPECT_EQ(part.substr(at, 12), "line 200000\n") << "its number is that of the whole text";
 }
 
 }  // namespace

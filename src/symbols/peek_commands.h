@@ -1,0 +1,5 @@
+// The commands of the peek. UI thread only.
+#pragma once
+
+void PeekDefinition();
+void PeekCallers();
