@@ -4,6 +4,7 @@
 #include "documents/pane_state.h"
 
 #include "documents/pane_rules.h"
+#include "language/basic_lexer.h"
 #include "scintilla/sci.h"
 
 #include <algorithm>
@@ -41,7 +42,21 @@ void ClaimColoured(HWND editor) {
 }
 
 void NoticeReset(HWND editor, PaneState& state, LRESULT length) {
-    state.coloured = ColouredAfterReset(state.coloured, SciSend(editor, SCI_GETENDSTYLED), length);
+    const LRESULT styled = SciSend(editor, SCI_GETENDSTYLED);
+    if (styled < length) ColourMarksOnReset(&state.colours, styled);
+}
+
+// The start of the line that is `after` lines behind that of `position`.
+LRESULT LineStartAfter(HWND editor, LRESULT position, LRESULT after) {
+    const LRESULT line = PaneSend(editor, SCI_LINEFROMPOSITION, position) + after;
+    const LRESULT start = PaneSend(editor, SCI_POSITIONFROMLINE, line);
+    return start < 0 ? PaneSend(editor, SCI_GETLENGTH) + 1 : start;  // never reached when there is no such line
+}
+
+// The lexer has come to `to`.
+void NotePass(HWND editor, PaneState& state, LRESULT to) {
+    const bool same = PaneSend(editor, SCI_PRIVATELEXERCALL, kStateIsAsBefore) != 0;
+    ColourMarksOnPass(&state.colours, to, same, LineStartAfter(editor, to - 1, 2));
 }
 
 // SCI_COLOURISE asks for a repaint of everything, even when nothing that can be seen has changed. Validating the window is
@@ -57,11 +72,11 @@ void CancelRepaint(HWND editor, PaneState& state) {
 bool ColourSlice(HWND editor, PaneState& state) {
     const LRESULT length = SciSend(editor, SCI_GETLENGTH);
     NoticeReset(editor, state, length);
-    const LRESULT from = state.coloured;
+    const LRESULT from = state.colours.coloured;
     const ColourStep step = NextColourStep(from, length, GetUpdateRect(editor, nullptr, FALSE) != FALSE);
     if (step != ColourStep::Slice) return step == ColourStep::Wait;
 
-    const LRESULT wanted = std::min(from + static_cast<LRESULT>(state.colourChunk), length);
+    const LRESULT wanted = ColourSliceWanted(state.colours, static_cast<LRESULT>(state.colourChunk), length);
     const LRESULT lastLine = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(wanted), 0);
     const LRESULT lineStart = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(lastLine), 0);
     const LRESULT to = ColourSliceEnd(from, wanted, lineStart, length);
@@ -70,10 +85,10 @@ bool ColourSlice(HWND editor, PaneState& state) {
     const PaneSpan visible = VisiblePart(editor);
     SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(from), to);
     ClaimColoured(editor);
-    state.coloured = to;
+    NotePass(editor, state, to);
     if (IsUnseen({from, to}, visible)) CancelRepaint(editor, state);
     state.colourChunk = NextColourChunk(state.colourChunk, Seconds() - began);
-    return to < length;
+    return state.colours.coloured < length;
 }
 
 // How long the text must still stay unchanged until it counts as quiet. 0: it is.
@@ -101,19 +116,35 @@ void StartColourTimer(HWND editor, PaneState& state) {
     state.colouring = SetTimer(editor, kTimer, kQuietMs, OnColourTimer) != 0;
 }
 
-}  // namespace
-
-void EditorColourRestart(HWND editor, LRESULT position) {
-    PaneState* state = PaneStateOf(editor);
-    if (state == nullptr || !HasLexer(editor)) return;
-    const LRESULT line = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(position), 0);
-    const LRESULT start = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line), 0);
-    state->coloured = std::min(state->coloured, start);
+void ColourLater(HWND editor, PaneState& state) {
     ClaimColoured(editor);
-    state->changedAt = GetTickCount64();
+    state.changedAt = GetTickCount64();
     // The timer is armed once, because arming it costs more than the rest of a change, of which a command may make
     // 200,000. A timer that runs already waits longer (OnColourTimer).
-    if (!state->colouring) StartColourTimer(editor, *state);
+    if (!state.colouring) StartColourTimer(editor, state);
+}
+
+}  // namespace
+
+void EditorColourRestart(HWND editor) {
+    PaneState* state = PaneStateOf(editor);
+    if (state == nullptr || !HasLexer(editor)) return;
+    ColourMarksOnReset(&state->colours, 0);
+    ColourLater(editor, *state);
+}
+
+void EditorColourOnChange(HWND editor, LRESULT position, LRESULT inserted, LRESULT deleted) {
+    PaneState* state = PaneStateOf(editor);
+    if (state == nullptr || !HasLexer(editor)) return;
+    // Scintilla itself takes back its mark to `position`.
+    if (const LRESULT styled = SciSend(editor, SCI_GETENDSTYLED); styled < position)
+        ColourMarksOnReset(&state->colours, styled);
+    ColourMarksOnChange(&state->colours, {.position = position,
+                                          .inserted = inserted,
+                                          .deleted = deleted,
+                                          .lineStart = LineStartAfter(editor, position, 0),
+                                          .settles = LineStartAfter(editor, position + inserted, 2)});
+    ColourLater(editor, *state);
 }
 
 void EditorColourStop(HWND editor) { KillTimer(editor, kTimer); }
@@ -127,20 +158,21 @@ bool EditorColourBeforePaint(HWND editor) {
     }
     const LRESULT length = SciSend(editor, SCI_GETLENGTH);
     NoticeReset(editor, *state, length);
-    if (state->coloured >= length) return false;
+    if (state->colours.coloured >= length) return false;
     if (!state->colouring) StartColourTimer(editor, *state);
 
     const PaneSpan visible = VisiblePart(editor);
-    switch (ColoursForPaint(state->coloured, visible)) {
+    switch (ColoursForPaint(state->colours.coloured, visible)) {
         case PaintColours::Ready: return false;
         case PaintColours::FromMark:
             // The paint itself colours from the mark on, and repaints no more than what changed.
-            SciSend(editor, SCI_STARTSTYLING, static_cast<WPARAM>(state->coloured), 0);
+            SciSend(editor, SCI_STARTSTYLING, static_cast<WPARAM>(state->colours.coloured), 0);
             return true;
         case PaintColours::VisibleOnly: break;
     }
     EditorPaneFindAssembly(editor, visible.start);
     SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(visible.start), visible.end);
+    ColourMarksOnView(&state->colours, LineStartAfter(editor, visible.end - 1, 2));
     ClaimColoured(editor);
     return false;
 }
@@ -149,17 +181,19 @@ bool EditorColourUpTo(HWND editor, LRESULT position) {
     PaneState* state = PaneStateOf(editor);
     if (state == nullptr || !HasLexer(editor)) return false;
     NoticeReset(editor, *state, SciSend(editor, SCI_GETLENGTH));
-    if (position <= state->coloured) return true;
-    if (position - state->coloured > kLittle) return false;
-    SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(state->coloured), position);
+    const LRESULT from = state->colours.coloured;
+    if (position <= from) return true;
+    if (position - from > kLittle) return false;
+    SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(from), position);
     ClaimColoured(editor);
-    state->coloured = position;
+    NotePass(editor, *state, position);
     return true;
 }
 
 void EditorColourAfterPaint(HWND editor) {
     PaneState* state = PaneStateOf(editor);
     if (state == nullptr) return;
-    state->coloured = std::max(state->coloured, SciSend(editor, SCI_GETENDSTYLED));
+    const LRESULT styled = SciSend(editor, SCI_GETENDSTYLED);
+    if (styled > state->colours.coloured) NotePass(editor, *state, styled);
     ClaimColoured(editor);
 }

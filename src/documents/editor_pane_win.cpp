@@ -70,7 +70,7 @@ HWND EditorPaneCreate(HINSTANCE instance, HWND parent, int controlId) {
 void EditorPaneInit(HWND editor, std::uint32_t compilerId) {
     if (editor == nullptr) return;
     SyntaxThemeApplyDefault(editor, compilerId);
-    EditorColourRestart(editor, 0);
+    EditorColourRestart(editor);
     EditorPaneEnsureCaretVisible(editor);
 }
 
@@ -159,5 +159,6 @@ void EditorPaneOnModified(HWND editor, const SCNotification& change) {
         MarkModifiedLine(editor, line);
     StickyHeaderForget(editor, line, static_cast<int>(change.linesAdded));
     EditorPaneForgetAssembly(editor, line);
-    EditorColourRestart(editor, change.position);
+    const bool inserts = (change.modificationType & SC_MOD_INSERTTEXT) != 0;
+    EditorColourOnChange(editor, change.position, inserts ? change.length : 0, inserts ? 0 : change.length);
 }

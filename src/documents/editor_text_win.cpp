@@ -90,6 +90,6 @@ void EditorPaneEndLoad(HWND editor) {
         state->sticky = {};
         state->assembly = {};
         EditorPaneUpdateLineMargin(editor);
-        EditorColourRestart(editor, 0);
+        EditorColourRestart(editor);
     }
 }

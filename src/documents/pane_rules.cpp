@@ -40,10 +40,6 @@ PaintColours ColoursForPaint(std::ptrdiff_t coloured, PaneSpan visible) {
     return visible.start - coloured <= kNearEnough ? PaintColours::FromMark : PaintColours::VisibleOnly;
 }
 
-std::ptrdiff_t ColouredAfterReset(std::ptrdiff_t coloured, std::ptrdiff_t styled, std::ptrdiff_t length) {
-    return styled < length ? std::min(coloured, styled) : coloured;
-}
-
 ColourStep NextColourStep(std::ptrdiff_t coloured, std::ptrdiff_t length, bool paintIsDue) {
     if (coloured >= length) return ColourStep::Done;
     return paintIsDue ? ColourStep::Wait : ColourStep::Slice;

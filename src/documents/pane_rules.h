@@ -38,10 +38,6 @@ enum class PaintColours : std::uint8_t {
 };
 PaintColours ColoursForPaint(std::ptrdiff_t coloured, PaneSpan visible);
 
-// The mark up to which everything has its colours, once Scintilla says that it has lost them after `styled`: a new lexer,
-// other keywords, another property.
-std::ptrdiff_t ColouredAfterReset(std::ptrdiff_t coloured, std::ptrdiff_t styled, std::ptrdiff_t length);
-
 // What idle time is used for.
 enum class ColourStep : std::uint8_t {
     Done,   // all is coloured

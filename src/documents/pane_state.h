@@ -1,6 +1,7 @@
 // The state of one Scintilla pane, and the functions that the pane's files share. Private to this folder. UI thread.
 #pragma once
 
+#include "documents/colour_marks.h"
 #include "documents/editor_pane.h"
 #include "documents/pane_rules.h"
 #include "documents/sticky_header.h"
@@ -35,7 +36,7 @@ struct PaneState {
     AssemblyAbove assembly;            // knowledge about blocks of inline assembly above the view
     StickyCache sticky;                // knowledge about the procedure lines above the caret
     LineMarginBasis lineMargin;        // the values for which the margin was last measured
-    LRESULT coloured = 0;              // everything before this position (bytes) is coloured
+    ColourMarks colours;               // which part has its colours
     bool plain = false;                // EditorPaneSetPlain
     bool colouring = false;            // the timer for idle colouring runs
     ULONGLONG changedAt = 0;           // tick count of the last change of the text
@@ -56,9 +57,10 @@ void EditorPaneSetUp(HWND editor);
 // Subclasses a new Scintilla pane and makes its state. False when the subclass could not be set.
 bool EditorPaneInstallSubclass(HWND editor);
 
-// Called after the text from `position` (bytes) on has changed. That text is coloured again: what is visible before the
-// next paint, the rest in idle time.
-void EditorColourRestart(HWND editor, LRESULT position);
+// The whole text is coloured again: what is visible before the next paint, the rest in idle time.
+void EditorColourRestart(HWND editor);
+// The same after `inserted` or `deleted` bytes at `position`, as far down as colours may have become others.
+void EditorColourOnChange(HWND editor, LRESULT position, LRESULT inserted, LRESULT deleted);
 // Called before and after a paint. The first colours the text that is about to be visible, also when text above it is
 // not coloured yet. When it returns true, the paint itself does the colouring, and EditorColourAfterPaint must be
 // called.

@@ -75,6 +75,7 @@ public:
     void SCI_METHOD Lex(Sci_PositionU start, Sci_Position length, int, Scintilla::IDocument* document) override;
     void SCI_METHOD Fold(Sci_PositionU, Sci_Position, int, Scintilla::IDocument*) override {}
     void* SCI_METHOD PrivateCall(int operation, void*) override {
+        if (operation == kStateIsAsBefore) return stateIsAsBefore_ ? this : nullptr;
         return operation == kGetBlockTable ? &table_ : nullptr;
     }
     int SCI_METHOD LineEndTypesSupported() override { return SC_LINE_END_TYPE_DEFAULT; }
@@ -109,6 +110,7 @@ private:
     std::string text_;
     std::string styles_;
     LineState state_ = 0;
+    bool stateIsAsBefore_ = false;
 };
 
 Sci_Position BasicLexer::PropertySet(const char* key, const char* value) {
@@ -145,7 +147,8 @@ void BasicLexer::StylePiece(Scintilla::IDocument& document, Sci_Position line) {
         const LineState before = state_;
         StyleLine(reader_);
         state_ = ScanBlocks(table_, reader_.line, reader_.tokens, before, reader_.state, *dialect_, blocks_);
-        document.SetLineState(line, static_cast<int>(state_));
+        const auto state = static_cast<int>(state_);
+        stateIsAsBefore_ = document.SetLineState(line, state) == state;
         if (!folds_) continue;
         const FoldLevel fold = FoldLevelOf(table_, before, state_, blocks_);
         document.SetLevel(

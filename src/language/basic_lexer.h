@@ -18,3 +18,5 @@ Scintilla::ILexer5* CreateBasicLexer();
 
 // SCI_PRIVATELEXERCALL returns the document's BlockTable, which the LineStates refer to. The lexer owns it.
 inline constexpr int kGetBlockTable = 1;
+// The same way: not null when the last line that was coloured has the state that it had before.
+inline constexpr int kStateIsAsBefore = 2;

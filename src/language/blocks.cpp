@@ -91,10 +91,15 @@ std::uint32_t NumberOfSet(BlockTable& table, std::uint32_t nest, std::uint32_t o
     return row->second;
 }
 
-std::uint32_t NestInside(BlockTable& table, std::uint32_t parent, BlockKind kind) {
+// The block of that kind inside another one, but not `other`, which may have the same place.
+std::uint32_t NestInside(BlockTable& table, std::uint32_t parent, BlockKind kind, std::uint32_t other) {
     if (table.nests[parent].depth == kDeepest) return parent;
+    constexpr std::uint32_t kTwin = 1U << 8;
     const auto next = static_cast<std::uint32_t>(table.nests.size());
-    const auto [row, isNew] = table.nestNumbers.try_emplace(KeyOf(parent, static_cast<std::uint32_t>(kind)), next);
+    std::uint64_t key = KeyOf(parent, static_cast<std::uint32_t>(kind));
+    const auto known = table.nestNumbers.find(key);
+    if (known != table.nestNumbers.end() && known->second == other) key |= kTwin;
+    const auto [row, isNew] = table.nestNumbers.try_emplace(key, next);
     if (isNew) table.nests.push_back({parent, kind, static_cast<std::uint16_t>(table.nests[parent].depth + 1)});
     return row->second;
 }
@@ -148,18 +153,20 @@ void DivideBlock(Walk& walk, BlockKind kind, std::uint32_t last) {
     if (walk.firstStatement) walk.out.depth = std::max(walk.Depth() - 1, 0);
 }
 
-// What is open around a new procedure, but for containers, was left open by mistake and must not indent the rest.
-void CloseProcedures(Walk& walk) {
+// What is open around a new procedure, but for containers, was left open by mistake and must not indent the rest. Returns
+// the outermost such block; 0 without one.
+std::uint32_t CloseProcedures(Walk& walk) {
     std::uint32_t outermost = 0;
     for (std::uint32_t nest = walk.nest; nest != 0; nest = walk.table.nests[nest].parent)
         if (BlockRowOf(walk.table.nests[nest].kind).role != BlockRow::Container) outermost = nest;
     if (outermost != 0) walk.nest = walk.table.nests[outermost].parent;
     NoteClosed(walk, walk.Depth());
+    return outermost;
 }
 
 void OpenBlock(Walk& walk, BlockKind kind, std::uint32_t last) {
-    if (BlockRowOf(kind).role == BlockRow::Procedure) CloseProcedures(walk);
-    walk.nest = NestInside(walk.table, walk.nest, kind);
+    const std::uint32_t left = BlockRowOf(kind).role == BlockRow::Procedure ? CloseProcedures(walk) : 0;
+    walk.nest = NestInside(walk.table, walk.nest, kind, left);
     AddEvent(walk, BlockEvent::Kind::Open, kind, last, walk.nest);
 }
 

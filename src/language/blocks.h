@@ -72,7 +72,7 @@ struct BlockTable {
     };
     std::vector<Nest> nests{{}};  // [0]: nothing is open
     std::vector<Set> sets{{}};
-    std::unordered_map<std::uint64_t, std::uint32_t> nestNumbers;  // by parent and kind
+    std::unordered_map<std::uint64_t, std::uint32_t> nestNumbers;  // by parent and kind; a second one for a twin
     std::unordered_map<std::uint64_t, std::uint32_t> setNumbers;   // by nest and outer
 };
 int DepthOf(const BlockTable& table, LineState state);            // blocks that are open, conditions not counted

@@ -4,7 +4,9 @@
 #include "documents/editor_pane.h"
 #include "documents/file_commands.h"
 #include "documents/file_work.h"
+#include "documents/pane_state.h"
 #include "documents/text_pieces.h"
+#include "language/basic_lexer.h"
 #include "scintilla/sci.h"
 #include "ui/message.h"
 #include "ui/ui_state.h"
@@ -16,7 +18,9 @@
 #include <atomic>
 #include <filesystem>
 #include <memory>
+#include <random>
 #include <string>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -203,6 +207,74 @@ TEST_F(DocumentsWin, ClosingSeveralKeepsTheRestAndEndsAtCancel) {
     EXPECT_EQ(TabCount(), 1);
     EXPECT_EQ(ActiveDocumentId(), ids[1]);
     g_answerInstead = nullptr;
+}
+
+// All that the lexer has left: styles, line states, fold levels.
+std::vector<LRESULT> LexerMarks(HWND editor) {
+    std::vector<LRESULT> marks;
+    const LRESULT length = SciSend(editor, SCI_GETLENGTH), lines = SciSend(editor, SCI_GETLINECOUNT);
+    for (LRESULT at = 0; at < length; ++at) marks.push_back(PaneSend(editor, SCI_GETSTYLEAT, at));
+    for (LRESULT line = 0; line < lines; ++line) {
+        marks.push_back(PaneSend(editor, SCI_GETLINESTATE, line));
+        marks.push_back(PaneSend(editor, SCI_GETFOLDLEVEL, line) & (SC_FOLDLEVELNUMBERMASK | SC_FOLDLEVELHEADERFLAG));
+    }
+    return marks;
+}
+
+// Colours end where the lines agree again; what is left alone must be what colouring all of the text would give.
+TEST_F(DocumentsWin, ColoursAfterEditsAreThoseOfTheWholeText) {
+    static constexpr const char* kPieces[] = {
+        "SUB a\n", "END SUB\n", "IF x THEN\n", "END IF\n", "x = 1 _\n", "ASM\n",    "END ASM\n",
+        "/'",      "'/",        "' c",         "\"",       "#IF 1\n",   "#ENDIF\n", "! mov eax, 1\n",
+        "\n",      "\r",        "y",           " ",        "TYPE t\n",  "END",      "FOR i = 1 TO 2: NEXT\n"};
+    const HWND editor = EditorPaneCreate(nullptr, g_ui.hMainWnd, 1);
+    ShowWindow(g_ui.hMainWnd, SW_SHOWNA);
+    SetWindowPos(editor, nullptr, 0, 0, 400, 300, SWP_SHOWWINDOW);
+    SciSend(editor, SCI_SETILEXER, 0, reinterpret_cast<LPARAM>(CreateBasicLexer()));
+    SciSend(editor, SCI_SETPROPERTY, reinterpret_cast<WPARAM>("fold"), reinterpret_cast<LPARAM>("1"));
+    std::string code;
+    while (code.size() < 2000) code += "SUB a\n  DO\n    x = y + 1 ' c\n  LOOP\n  IF x THEN\n  END IF\nEND SUB\n";
+    std::string text = code;  // then so much that the end can be coloured before what is above it
+    while (text.size() < 40'000) text += "'" + std::string(4000, '-') + "\n";
+    text += code;
+    SciSend(editor, SCI_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+    EditorColourRestart(editor);
+    std::mt19937 random(3);
+    const auto below = [&random](LRESULT end) { return static_cast<LRESULT>(random() % static_cast<unsigned>(end)); };
+    const auto lineStart = [&] {
+        return PaneSend(editor, SCI_POSITIONFROMLINE, below(SciSend(editor, SCI_GETLINECOUNT)));
+    };
+    for (int round = 0, settled = 0; round < 600 || settled < 50; ++round) {
+        ASSERT_LT(round, 1200) << "colouring ends early only " << settled << " times";
+        const LRESULT length = SciSend(editor, SCI_GETLENGTH);
+        SCNotification change = {};
+        change.position = std::min(lineStart() + below(12), length);
+        if (random() % 3 == 0) {
+            change.modificationType = SC_MOD_DELETETEXT;
+            change.length = std::min<LRESULT>(below(random() % 4 == 0 ? 300 : 8), length - change.position);
+            PaneSend(editor, SCI_DELETERANGE, change.position, change.length);
+        } else {
+            const char* piece = kPieces[random() % std::size(kPieces)];
+            change.modificationType = SC_MOD_INSERTTEXT;
+            change.length = static_cast<Sci_Position>(std::string_view(piece).size());
+            PaneSend(editor, SCI_INSERTTEXT, change.position, reinterpret_cast<LPARAM>(piece));
+        }
+        EditorPaneOnModified(editor, change);
+        const LRESULT end = SciSend(editor, SCI_GETLENGTH);
+        if (random() % 2 == 0) PaneSend(editor, SCI_SETFIRSTVISIBLELINE, below(SciSend(editor, SCI_GETLINECOUNT)));
+        if (random() % 3 != 0) RedrawWindow(editor, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+        if (random() % 3 == 0) EditorColourUpTo(editor, lineStart());
+        settled += PaneStateOf(editor)->colours.coloured == end ? 1 : 0;
+        if (random() % 16 != 0) continue;
+        for (LRESULT line = 0; line < SciSend(editor, SCI_GETLINECOUNT); line += 1 + below(3))
+            EditorColourUpTo(editor, PaneSend(editor, SCI_POSITIONFROMLINE, line));
+        ASSERT_TRUE(EditorColourUpTo(editor, end));
+        const std::vector<LRESULT> marks = LexerMarks(editor);
+        SciSend(editor, SCI_COLOURISE, 0, -1);
+        ASSERT_EQ(marks == LexerMarks(editor), true) << "round " << round;
+        EditorColourRestart(editor);
+        ASSERT_TRUE(EditorColourUpTo(editor, end));
+    }
 }
 
 }  // namespace

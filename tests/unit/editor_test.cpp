@@ -106,10 +106,6 @@ TEST(PaneRules, ColoursWhatIsSeenFirstInSlicesThatTakeAFewMilliseconds) {
     EXPECT_EQ(ColourSliceEnd(0, 100, 0, 200), 100) << "a line longer than a slice";
     EXPECT_EQ(ColourSliceEnd(0, 200, 190, 200), 200) << "the last line has no end";
 
-    EXPECT_EQ(ColouredAfterReset(50, 20, 100), 20) << "another lexer";
-    EXPECT_EQ(ColouredAfterReset(10, 20, 100), 10);
-    EXPECT_EQ(ColouredAfterReset(50, 100, 100), 50) << "the claim that all is coloured";
-    EXPECT_EQ(ColouredAfterReset(150, 100, 100), 150) << "a text that became shorter has lost no colours";
     EXPECT_EQ(NextColourStep(99, 100, false), ColourStep::Slice);
     EXPECT_EQ(NextColourStep(99, 100, true), ColourStep::Wait) << "its repaint must not be cancelled";
     EXPECT_EQ(NextColourStep(100, 100, true), ColourStep::Done);

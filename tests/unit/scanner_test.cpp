@@ -204,6 +204,7 @@ TEST(Blocks, TheWordsOfABlock) {
         {"#if a\n#if b\n#endif\n#else\n#end|if", "#if,#else,#endif"},
         {"asm|\nend sub\nend asm", "asm,end asm"},
         {"sub| a\nsub b\nend sub", "sub?"},
+        {"sub a\nsub b\nsub c\nend sub|", "sub,end sub"},
         {"x\nend if|", "none"},
         {"s = \"if| a then\"", "none"},
     };
