@@ -25,8 +25,10 @@
 
 namespace {
 
-// Bytes. A larger document is not folded, because folding needs a pass of its own over the text.
+// Bytes. A larger document is not folded: in most languages because that needs a pass of its own over the text. The
+// lexer of BASIC needs none, but the levels take 4 bytes for each line (12 MB of a document of 100 MB).
 constexpr LRESULT kLargestFolded = 4 << 20;
+constexpr LRESULT kLargestFoldedBasic = 32 << 20;
 
 ThemeInputs CurrentTheme() {
     const bool dark = ThemeIsDark();
@@ -93,7 +95,8 @@ void SyntaxThemeApply(HWND editor, std::uint32_t compilerId, const wchar_t* path
     const Language language = plain ? Language::None : LexerFromExtension(path != nullptr ? path : L"");
     const ThemeInputs theme = CurrentTheme();
     const bool lexed = ApplyLexer(editor, language, compilerId);
-    const bool folding = lexed && SciSend(editor, SCI_GETLENGTH, 0, 0) <= kLargestFolded;
+    const bool folding =
+        lexed && (language == Language::Basic || SciSend(editor, SCI_GETLENGTH, 0, 0) <= kLargestFolded);
     SetProperty(editor, "fold", folding ? "1" : "0");
     SetProperty(editor, "fold.compact", "0");
 
