@@ -16,8 +16,10 @@ constexpr int kNewLineEvery = 40;
 constexpr double kKeyLimitMs = 20000;
 constexpr DWORD kQuietMs = 20;
 constexpr std::string_view kTyped = "total = total + 12 ' sum ";
-// With names that all 200,000 declarations begin like, or many, or few.
-constexpr std::string_view kTypedNames = "na12 = name3456 + nam(na7) - name1 na ";
+// With beginnings of names that all 200,000 declarations have, or many, or few. A line is as long as a new line needs it,
+// so that no list is open then.
+constexpr std::string_view kTypedNames = "na12 = name3456 + nam(na7) - name12 + 1 ";
+static_assert(kTypedNames.size() == kNewLineEvery);
 
 // Waits until the window has had nothing to paint for a while, because after a jump the program may have more to do.
 void AwaitQuiet(HWND window) {

@@ -100,7 +100,7 @@ std::wstring RegisterTip(HWND editor, Sci_Position position) {
 }
 
 void OnDwell(HWND editor, DocumentId document, const SCNotification& dwell) {
-    if (DebugIsWaiting() || SciSend(editor, SCI_AUTOCACTIVE) != 0) return;  // a tip would close the list
+    if (DebugIsWaiting() || g_app.wordListOpen) return;  // a tip would cover the list
     LRESULT place = SciSend(editor, SCI_POSITIONFROMPOINT, static_cast<WPARAM>(dwell.x), dwell.y);
     std::wstring tip;
     switch (DwellPlaceOf(IsInSymbolMargin(editor, dwell.x), dwell.position)) {
@@ -144,8 +144,6 @@ void OnEditorNotification(const SCNotification& notification) {
         case SCN_UPDATEUI: OnViewOrText(editor, notification.updated); break;
         case SCN_CHARADDED: CallTipOnCharacter(editor, notification.ch); break;
         case SCN_CALLTIPCLICK: CallTipOnClick(editor, static_cast<int>(notification.position)); break;
-        case SCN_AUTOCCANCELLED:
-        case SCN_AUTOCCOMPLETED: CallTipOnListClosed(editor); break;
         case SCN_ZOOM: OnZoom(editor); break;
         case SCN_MARGINCLICK: OnMarginClick(editor, document, notification); break;
         case SCN_DWELLSTART: OnDwell(editor, document, notification); break;

@@ -18,6 +18,7 @@ struct DocumentsState {
     HWND hStickyHeader = nullptr;               // label above the editor (sticky_label_win.cpp)
     wchar_t lastDirectory[kPathCapacity] = {};  // folder of the file last opened or saved under a new name
     NavHistory navigation;
+    bool wordListOpen = false;  // a list of words at the caret takes Enter, Escape and the arrows before the editor
 };
 // A part of `g_app` (app/app_state.h).
 extern DocumentsState& g_documents;

@@ -156,7 +156,6 @@ LRESULT OnPaneCharacter(HWND pane, WPARAM wParam, LPARAM lParam) {
 }
 
 LRESULT OnPaneReturnKey(HWND pane, WPARAM wParam, LPARAM lParam) {
-    if (SciSend(pane, SCI_AUTOCACTIVE) != 0) return SubclassNext(pane, WM_KEYDOWN, wParam, lParam);  // chooses a row
     const LRESULT lines = SciSend(pane, SCI_GETLINECOUNT);
     const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
     SciSend(pane, SCI_BEGINUNDOACTION);  // one undo step for the line break and the indentation

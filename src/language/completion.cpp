@@ -329,6 +329,7 @@ std::size_t CompletionLetters(std::string_view prefix) {
 namespace {
 
 bool IsUpper(char c) { return c >= 'A' && c <= 'Z'; }
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsLetter(char c) { return IsUpper(UpperAscii(c)); }
 
 // Whether a part of the name begins at `at`.
@@ -336,6 +337,7 @@ bool BeginsPart(std::string_view name, std::size_t at) {
     if (at == 0) return true;
     const char c = name[at], before = name[at - 1];
     if (!IsLetter(before) && IsLetter(c)) return true;
+    if (IsDigit(c) && !IsDigit(before)) return true;
     return IsUpper(c) && !IsUpper(before);
 }
 

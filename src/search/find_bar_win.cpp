@@ -300,7 +300,7 @@ bool FindBarIsMessage(MSG* message) {
     if (g_search.hFindBar == nullptr) return false;
     const bool isKey = message->message == WM_KEYDOWN;
     if (isKey && message->wParam == VK_ESCAPE && message->hwnd == g_documents.hEditor &&
-        SciSend(message->hwnd, SCI_AUTOCACTIVE) == 0 && SciSend(message->hwnd, SCI_CALLTIPACTIVE) == 0) {
+        !g_documents.wordListOpen && SciSend(message->hwnd, SCI_CALLTIPACTIVE) == 0) {
         FindBarClose(false);
         return true;
     }

@@ -165,8 +165,8 @@ void ShowFollowed(const FollowedCall& followed) {
         g_callTip.chosen = false;
     }
     if (!g_callTip.chosen) g_callTip.shown = BestSignature(g_callTip.signatures, call);
-    // Scintilla has room for one of the two.
-    if (Ask(editor, SCI_AUTOCACTIVE) != 0) return;
+    // There is room for one of the two.
+    if (g_documents.wordListOpen) return;
     if (!CaretIsInView(editor)) return HideTip();
     const LRESULT arguments = followed.statement.start + static_cast<LRESULT>(call.argumentsStart);
     Draw(TipTextOf(g_callTip.signatures, g_callTip.shown, call, TipColumns(editor)),
@@ -275,7 +275,7 @@ void CallTipOnClick(HWND editor, int arrow) {
 }
 
 void CallTipOnListClosed(HWND editor) {
-    // Scintilla tells it just before.
+    // The word that was chosen comes just after.
     if (g_callTip.editor == editor && editor != nullptr) SetTimer(editor, kLookAgain, USER_TIMER_MINIMUM, OnLookAgain);
 }
 

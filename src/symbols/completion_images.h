@@ -1,7 +1,9 @@
 // The small images before the rows of the completion list. UI thread only.
 #pragma once
 
+#include "symbols/completion_rows.h"
+
 #include <windows.h>
 
-// Gives the editor one image for each RowKind, as high as its text; the image's number is that of the kind.
-void CompletionImagesPrepare(HWND editor);
+// Draws the image of a kind as a square of `size` pixels, on a background of that colour.
+void CompletionImageDraw(HDC dc, POINT at, int size, RowKind kind, COLORREF back);

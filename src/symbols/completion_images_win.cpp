@@ -2,12 +2,10 @@
 #include "symbols/completion_images.h"
 
 #include "base/handles.h"
-#include "scintilla/sci.h"
-#include "symbols/completion_rows.h"
 #include "ui/theme_table.h"
 
-#include <algorithm>
-#include <cstring>
+#include <cstdint>
+#include <iterator>
 #include <vector>
 
 namespace {
@@ -37,11 +35,12 @@ constexpr KindLook kLooks[] = {
 };
 static_assert(std::size(kLooks) == static_cast<std::size_t>(RowKind::Count));
 
-struct PreparedEditor {
-    HWND editor;
-    int size;
+// The pixels of all kinds at one size, each as red, green, blue, opacity.
+struct ImageSet {
+    int size = 0;
+    std::vector<unsigned char> images[std::size(kLooks)];
 };
-std::vector<PreparedEditor> g_prepared;
+ImageSet g_images;
 
 // A bitmap of 32 bits in memory.
 struct Canvas {
@@ -104,26 +103,33 @@ std::vector<unsigned char> ImageOf(const KindLook& look, const Canvas& canvas, i
     return image;
 }
 
-}  // namespace
-
-void CompletionImagesPrepare(HWND editor) {
-    const int size = std::max(static_cast<int>(SciSend(editor, SCI_TEXTHEIGHT)) - 2, 8);
-    const auto known = std::ranges::find(g_prepared, editor, &PreparedEditor::editor);
-    if (known != g_prepared.end() && known->size == size) return;
-    std::erase_if(g_prepared,
-                  [editor](const PreparedEditor& row) { return row.editor == editor || !IsWindow(row.editor); });
+void MakeImages(int size) {
     const Canvas canvas(size * kFine);
     if (canvas.pixels == nullptr) return;
-    const HFONT font = CreateFontW(-size * kFine * 3 / 4, 0, 0, 0, FW_BOLD, FALSE, FALSE, FALSE, DEFAULT_CHARSET, 0, 0,
-                                   ANTIALIASED_QUALITY, 0, L"Segoe UI");
-    const HGDIOBJ fontBefore = SelectObject(canvas.dc, font);
-    SciSend(editor, SCI_CLEARREGISTEREDIMAGES);
-    SciSend(editor, SCI_RGBAIMAGESETWIDTH, static_cast<WPARAM>(size));
-    SciSend(editor, SCI_RGBAIMAGESETHEIGHT, static_cast<WPARAM>(size));
+    const UniqueFont font(CreateFontW(-size * kFine * 3 / 4, 0, 0, 0, FW_BOLD, FALSE, FALSE, FALSE, DEFAULT_CHARSET, 0,
+                                      0, ANTIALIASED_QUALITY, 0, L"Segoe UI"));
+    const HGDIOBJ before = SelectObject(canvas.dc, font.Get());
     for (std::size_t kind = 0; kind < std::size(kLooks); ++kind)
-        SciSend(editor, SCI_REGISTERRGBAIMAGE, kind,
-                reinterpret_cast<LPARAM>(ImageOf(kLooks[kind], canvas, size).data()));
-    SelectObject(canvas.dc, fontBefore);
-    DeleteObject(font);
-    g_prepared.push_back({editor, size});
+        g_images.images[kind] = ImageOf(kLooks[kind], canvas, size);
+    SelectObject(canvas.dc, before);
+    g_images.size = size;
+}
+
+}  // namespace
+
+void CompletionImageDraw(HDC dc, POINT at, int size, RowKind kind, COLORREF back) {
+    if (size <= 0) return;
+    if (g_images.size != size) MakeImages(size);
+    if (g_images.size != size) return;
+    const std::vector<unsigned char>& image = g_images.images[static_cast<std::size_t>(kind)];
+    const Rgb under = static_cast<Rgb>(GetRValue(back) << 16 | GetGValue(back) << 8 | GetBValue(back));
+    std::vector<std::uint32_t> pixels(image.size() / 4);
+    for (std::size_t i = 0; i < pixels.size(); ++i) {
+        const unsigned char* from = &image[i * 4];
+        pixels[i] = ThemeBlend(static_cast<Rgb>(from[0] << 16 | from[1] << 8 | from[2]), under, from[3]);
+    }
+    BITMAPINFO info = {};
+    info.bmiHeader = {sizeof(BITMAPINFOHEADER), size, -size, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    const auto side = static_cast<DWORD>(size);
+    SetDIBitsToDevice(dc, at.x, at.y, side, side, 0, 0, 0, side, pixels.data(), &info, DIB_RGB_COLORS);
 }

@@ -3,6 +3,7 @@
 
 #include "base/scan_text.h"
 #include "language/asm_words.h"
+#include "language/builtins.h"
 
 #include <algorithm>
 #include <unordered_set>
@@ -33,10 +34,12 @@ std::string UpperName(std::string_view name) {
 
 bool IsFull(const Collecting& collecting) { return collecting.rows.size() >= kMostCompletionRows * 2; }
 
-void Offer(Collecting& collecting, std::string_view name, RowKind kind, std::uint8_t nearness) {
+// Whether the name fits and was not offered yet.
+bool Offer(Collecting& collecting, std::string_view name, RowKind kind, std::uint8_t nearness) {
     const NameFit fit = FitOfName(collecting.context.prefix, name);
-    if (fit == NameFit::None || name.empty() || !collecting.seen.insert(UpperName(name)).second) return;
-    collecting.rows.push_back({std::string(name), kind, nearness, fit, nullptr});
+    if (fit == NameFit::None || name.empty() || !collecting.seen.insert(UpperName(name)).second) return false;
+    collecting.rows.push_back({.text = std::string(name), .kind = kind, .nearness = nearness, .fit = fit});
+    return true;
 }
 
 RowKind KindOfSymbol(const Symbol& symbol) {
@@ -64,7 +67,9 @@ RowKind KindOfSymbol(const Symbol& symbol) {
 
 void OfferSymbol(Collecting& collecting, const SymbolTable& table, std::uint32_t index, std::uint8_t nearness) {
     const Symbol& symbol = table.symbols[index];
-    Offer(collecting, SymbolName(table, symbol), KindOfSymbol(symbol), nearness);
+    if (!Offer(collecting, SymbolName(table, symbol), KindOfSymbol(symbol), nearness)) return;
+    collecting.rows.back().table = &table;
+    collecting.rows.back().symbol = index;
 }
 
 bool IsNamedType(SymbolKind kind) { return kind >= SymbolKind::Type && kind <= SymbolKind::Interface; }
@@ -184,13 +189,21 @@ void ForEachWord(std::string_view words, Visit visit) {
     }
 }
 
+// LEFT$ for "left": the words of a dialect are without their suffix.
+std::string NameOfFunction(std::string_view word, const Dialect& dialect) {
+    const std::vector<const Builtin*> known = BuiltinsNamed(word, dialect);
+    return std::string(known.empty() ? word : BuiltinName(*known.front()));
+}
+
 void OfferWords(Collecting& collecting, std::string_view words, RowKind kind, std::uint8_t nearness) {
     const bool assembly = kind == RowKind::Instruction || kind == RowKind::Register;
     ForEachWord(words, [&](std::string_view word) {
         const std::string& prefix = collecting.context.prefix;
         // All words begin in the same place, so that the spelling is made for those that fit only.
         if (CompareNames(word.substr(0, prefix.size()), prefix) != 0) return;
-        Offer(collecting, SpelledKeyword(word, prefix, collecting.sources.capitals && !assembly), kind, nearness);
+        const std::string name =
+            kind == RowKind::Function ? NameOfFunction(word, *collecting.sources.dialect) : std::string(word);
+        Offer(collecting, SpelledKeyword(name, prefix, collecting.sources.capitals && !assembly), kind, nearness);
     });
 }
 
@@ -206,7 +219,7 @@ void OfferSnippets(Collecting& collecting) {
         // The user's own takes the place of the program's of the same name.
         if ((fit != NameFit::Equal && fit != NameFit::Prefix) || !taken.insert(UpperName(snippet.name)).second)
             continue;
-        collecting.rows.push_back({snippet.name, RowKind::Snippet, kSnippets, fit, &snippet});
+        collecting.rows.push_back({snippet.name, RowKind::Snippet, kSnippets, fit, &snippet, nullptr, 0});
     }
 }
 
@@ -299,7 +312,27 @@ void SortRows(std::vector<CompletionRow>& rows, const CompletionContext& context
     for (auto& [key, row] : keyed) rows.push_back(std::move(row));
 }
 
+constexpr std::size_t kLongestDetail = 80;
+
+std::string DetailOfSymbol(const SymbolTable& table, const Symbol& symbol) {
+    std::string detail(SymbolDetail(table, symbol).substr(0, kLongestDetail));
+    const std::string_view type = SymbolType(table, symbol);
+    if (KindOfSymbol(symbol) == RowKind::Constant) return detail.empty() ? detail : "= " + detail;
+    if (!type.empty()) detail.append(detail.empty() ? "AS " : " AS ").append(type);
+    return detail;
+}
+
 }  // namespace
+
+std::string CompletionDetail(const CompletionRow& row, const Dialect& dialect) {
+    if (row.snippet != nullptr) return "snippet";
+    if (row.table != nullptr) return DetailOfSymbol(*row.table, row.table->symbols[row.symbol]);
+    if (row.kind != RowKind::Function) return {};
+    std::string_view name = row.text;
+    if (name.ends_with('$')) name.remove_suffix(1);
+    const std::vector<const Builtin*> known = BuiltinsNamed(name, dialect);
+    return known.empty() ? std::string() : std::string(known[0]->signature.substr(BuiltinName(*known[0]).size()));
+}
 
 std::vector<CompletionRow> CompletionRowsOf(const CompletionContext& context, const CompletionSources& sources) {
     Collecting collecting{.context = context, .sources = sources, .rows = {}, .seen = {}};

@@ -38,6 +38,8 @@ struct CompletionRow {
     std::uint8_t nearness = 0;  // smaller: more likely
     NameFit fit = NameFit::Prefix;
     const Snippet* snippet = nullptr;
+    const SymbolTable* table = nullptr;  // of the symbol, if it is one
+    std::uint32_t symbol = 0;
 };
 
 struct CompletionSources {
@@ -53,5 +55,8 @@ struct CompletionSources {
 
 // More rows help nobody, and each costs time.
 inline constexpr std::size_t kMostCompletionRows = 500;
+
+// What is shown beside a row: parameters, a type, a value. May be empty.
+std::string CompletionDetail(const CompletionRow& row, const Dialect& dialect);
 
 std::vector<CompletionRow> CompletionRowsOf(const CompletionContext& context, const CompletionSources& sources);

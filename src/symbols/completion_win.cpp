@@ -1,19 +1,19 @@
-// The completion list: when it comes up, what it shows, what choosing a row does. The list itself is Scintilla's; it is
-// shown anew when its rows change. UI thread.
+// The completion list: when it comes up, what it shows, what choosing a row does. UI thread.
 #include "symbols/completion.h"
 
+#include "base/utf8.h"
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
 #include "documents/typing_rules.h"
 #include "language/basic_lexer.h"
 #include "settings/settings_state.h"
-#include "symbols/completion_images.h"
+#include "symbols/completion_list.h"
 #include "symbols/completion_rows.h"
 #include "symbols/snippet_fields.h"
 #include "symbols/symbol_index.h"
 #include "symbols/symbol_place.h"
+#include "symbols/tips.h"
 #include "symbols/user_snippets.h"
-#include "ui/chrome.h"
 #include "ui/subclass.h"
 
 #include <algorithm>
@@ -29,18 +29,18 @@ constexpr LRESULT kLookedAbove = 16 << 10;  // bytes before the caret's line who
 constexpr LRESULT kLookedBelow = 8 << 10;   // and after it
 constexpr std::size_t kMostNearby = 200;    // names near the caret
 constexpr std::size_t kMostAccepted = 48;   // that are remembered
-constexpr int kRowsShown = 12;
-constexpr char kRowSeparator = '\n', kKindSeparator = '\t';
 
 struct ListState {
     HWND editor = nullptr;  // null: no list is open
     DocumentId document = 0;
     LRESULT start = 0;  // of the word, bytes
     std::string prefix;
-    bool wanted = false;  // by the command, not by typing
-    bool moved = false;   // the user has chosen a row by a key
+    bool wanted = false;    // by the command, not by typing
+    bool moved = false;     // the user has chosen a row by a key
+    LRESULT firstLine = 0;  // of the view
     std::vector<CompletionRow> rows;
-    SnippetList snippets;  // which rows point to
+    SnippetList snippets;                // to which rows point
+    std::vector<SymbolTablePtr> tables;  // and these
 };
 ListState g_list;
 
@@ -58,9 +58,18 @@ LRESULT Ask(HWND editor, UINT message, LRESULT wParam = 0, LRESULT lParam = 0) {
     return SciSend(editor, message, static_cast<WPARAM>(wParam), lParam);
 }
 
+// Ends the list, and gives what it was.
+ListState TakeList() {
+    ListState list = std::exchange(g_list, {});
+    g_documents.wordListOpen = false;
+    if (list.editor == nullptr) return list;
+    WordListHide();
+    CallTipOnListClosed(list.editor);
+    return list;
+}
+
 void CloseList() {
-    if (g_list.editor != nullptr && Ask(g_list.editor, SCI_AUTOCACTIVE) != 0) Ask(g_list.editor, SCI_AUTOCCANCEL);
-    g_list = {};
+    if (g_list.editor != nullptr) TakeList();
 }
 
 bool IsNameByte(LRESULT c) {
@@ -132,9 +141,8 @@ Tables TablesOf(const Look& look) {
     return found;
 }
 
-std::vector<CompletionRow> RowsOf(const Look& look, const SnippetList& snippets) {
+std::vector<CompletionRow> RowsOf(const Look& look, const SnippetList& snippets, const Tables& tables) {
     const Dialect& dialect = EditorPaneDialect(look.editor);
-    const Tables tables = TablesOf(look);
     const std::vector<std::string> names =
         look.context.prefix.empty()
             ? std::vector<std::string>()
@@ -161,46 +169,6 @@ bool OpensByItself(const Look& look) {
     return place == CompletionPlace::Member || letters >= std::clamp(g_settings.autoCompleteTrigger, 1, 10);
 }
 
-bool SameRows(const std::vector<CompletionRow>& a, const std::vector<CompletionRow>& b) {
-    return std::ranges::equal(
-        a, b, [](const CompletionRow& x, const CompletionRow& y) { return x.text == y.text && x.kind == y.kind; });
-}
-
-// --- The list
-
-std::intptr_t Opaque(COLORREF colour) { return static_cast<std::intptr_t>(colour) | 0xFF000000; }
-
-void PrepareList(HWND editor) {
-    const ThemeChrome& chrome = ThemeCurrentChrome();
-    const std::pair<int, COLORREF> colours[] = {{SC_ELEMENT_LIST, chrome.paneText},
-                                                {SC_ELEMENT_LIST_BACK, chrome.paneBack},
-                                                {SC_ELEMENT_LIST_SELECTED, chrome.paneText},
-                                                {SC_ELEMENT_LIST_SELECTED_BACK, chrome.hover}};
-    for (const auto& [element, colour] : colours) Ask(editor, SCI_SETELEMENTCOLOUR, element, Opaque(colour));
-    const std::pair<UINT, LRESULT> settings[] = {
-        {SCI_AUTOCSETSEPARATOR, kRowSeparator}, {SCI_AUTOCSETTYPESEPARATOR, kKindSeparator},
-        {SCI_AUTOCSETIGNORECASE, TRUE},         {SCI_AUTOCSETORDER, SC_ORDER_CUSTOM},
-        {SCI_AUTOCSETMAXHEIGHT, kRowsShown},    {SCI_AUTOCSETAUTOHIDE, FALSE},
-        {SCI_AUTOCSETCANCELATSTART, FALSE},     {SCI_AUTOCSETOPTIONS, SC_AUTOCOMPLETE_FIXED_SIZE}};
-    for (const auto& [message, value] : settings) Ask(editor, message, value);
-    CompletionImagesPrepare(editor);
-}
-
-void SelectFirst() {
-    SciSend(g_list.editor, SCI_AUTOCSELECT, 0, reinterpret_cast<LPARAM>(g_list.rows[0].text.c_str()));
-}
-
-void ShowList() {
-    std::string list;
-    for (const CompletionRow& row : g_list.rows) {
-        if (!list.empty()) list += kRowSeparator;
-        list.append(row.text).append(1, kKindSeparator).append(std::to_string(static_cast<int>(row.kind)));
-    }
-    PrepareList(g_list.editor);
-    SciSend(g_list.editor, SCI_AUTOCSHOW, g_list.prefix.size(), reinterpret_cast<LPARAM>(list.c_str()));
-    SelectFirst();
-}
-
 // --- Choosing
 
 void RememberAccepted(const std::string& text) {
@@ -217,11 +185,12 @@ LRESULT EndOfWord(HWND editor) {
 }
 
 void Accept(std::size_t index) {
-    const ListState list = std::exchange(g_list, {});
+    const ListState list = TakeList();
     if (index >= list.rows.size()) return;
     const CompletionRow& row = list.rows[index];
     const HWND editor = list.editor;
-    const LRESULT end = EndOfWord(editor);
+    LRESULT end = EndOfWord(editor);
+    if (row.text.ends_with('$') && Ask(editor, SCI_GETCHARAT, end) == '$') ++end;
     RememberAccepted(row.text);
     if (row.snippet != nullptr) {
         const bool lower = g_settings.autoUpperKeywords == 0 && !list.prefix.empty() && !WritesCapitals(list.prefix);
@@ -242,33 +211,46 @@ void Accept(std::size_t index) {
 
 // --- Updating
 
+void ShowRows() {
+    WordListContent content{
+        .count = g_list.rows.size(),
+        .text = [](std::size_t row) { return Utf8ToWideText(g_list.rows[row].text); },
+        .detail =
+            [](std::size_t row) {
+                return Utf8ToWideText(CompletionDetail(g_list.rows[row], EditorPaneDialect(g_list.editor)));
+            },
+        .kind = [](std::size_t row) { return g_list.rows[row].kind; },
+        .chosen = Accept};
+    Ask(g_list.editor, SCI_CALLTIPCANCEL);  // it would cover the list
+    g_documents.wordListOpen = WordListShow(g_list.editor, g_list.start, std::move(content));
+    if (!g_documents.wordListOpen) g_list = {};
+}
+
 void Update(HWND editor, bool wanted) {
     g_waiting = {};
     const std::optional<Look> look = LookAround(editor);
-    const bool goesOn =
-        g_list.editor == editor && look && g_list.start == look->first + static_cast<LRESULT>(look->context.start);
+    const LRESULT start = look ? look->first + static_cast<LRESULT>(look->context.start) : -1;
+    const bool goesOn = look && g_list.editor == editor && g_list.start == start;
     const bool asked = wanted || (goesOn && g_list.wanted);
     if (!look || !look->context.inCode || (!asked && !OpensByItself(*look))) return CloseList();
     SnippetList snippets = goesOn ? g_list.snippets : SnippetsKnown();
-    std::vector<CompletionRow> rows = RowsOf(*look, snippets);
+    Tables tables = TablesOf(*look);
+    std::vector<CompletionRow> rows = RowsOf(*look, snippets, tables);
     const bool isWritten = rows.size() == 1 && rows[0].fit == NameFit::Equal && rows[0].snippet == nullptr;
     const bool mayCome = asked || look->context.place == CompletionPlace::Member;
     if (rows.empty() && mayCome && !SymbolsReachIsKnown(TabAt(look->tab).id))
         g_waiting = {editor, Ask(editor, SCI_GETCURRENTPOS), asked};
     if (rows.empty() || (isWritten && !asked)) return CloseList();
-    const bool same = goesOn && Ask(editor, SCI_AUTOCACTIVE) != 0 && SameRows(rows, g_list.rows);
-    g_list.editor = editor;
-    g_list.document = TabAt(look->tab).id;
-    g_list.start = look->first + static_cast<LRESULT>(look->context.start);
-    g_list.prefix = look->context.prefix;
-    g_list.wanted = asked;
-    g_list.moved = false;
-    g_list.rows = std::move(rows);
-    g_list.snippets = std::move(snippets);
-    if (same)
-        SelectFirst();
-    else
-        ShowList();
+    g_list = {.editor = editor,
+              .document = TabAt(look->tab).id,
+              .start = start,
+              .prefix = look->context.prefix,
+              .wanted = asked,
+              .firstLine = Ask(editor, SCI_GETFIRSTVISIBLELINE),
+              .rows = std::move(rows),
+              .snippets = std::move(snippets),
+              .tables = std::move(tables.tables)};
+    ShowRows();
 }
 
 void OnCharacter(HWND editor, WPARAM character) {
@@ -279,55 +261,87 @@ void OnCharacter(HWND editor, WPARAM character) {
         CloseList();
 }
 
-// What was typed is a row already: Enter is a new line then, as without the list. Tab expands a snippet of that name.
+// What was typed is a row already: Enter is a new line then, as without the list, and Tab expands a snippet of that name.
+// True: the key has been taken.
 bool TakeWrittenWord(WPARAM key) {
-    const std::size_t index = static_cast<std::size_t>(Ask(g_list.editor, SCI_AUTOCGETCURRENT));
-    if (g_list.moved || index >= g_list.rows.size() || g_list.rows[index].fit != NameFit::Equal) return false;
     const auto snippet = std::ranges::find_if(
         g_list.rows, [](const CompletionRow& row) { return row.snippet != nullptr && row.fit == NameFit::Equal; });
     const bool expands = key == VK_TAB && snippet != g_list.rows.end();
-    const HWND editor = g_list.editor;
-    const std::size_t chosen = expands ? static_cast<std::size_t>(snippet - g_list.rows.begin()) : index;
-    if (!expands && g_list.rows[index].snippet != nullptr) return false;
-    ListState list = std::exchange(g_list, {});
-    Ask(editor, SCI_AUTOCCANCEL);
-    g_list = std::move(list);
-    Accept(chosen);
+    Accept(expands ? static_cast<std::size_t>(snippet - g_list.rows.begin()) : 0);
     return expands;
 }
 
-bool IsPlainKey() { return GetKeyState(VK_CONTROL) >= 0 && GetKeyState(VK_MENU) >= 0 && GetKeyState(VK_SHIFT) >= 0; }
+bool TakeChoosingKey(WPARAM key) {
+    if (g_list.rows.empty()) return false;
+    const CompletionRow& first = g_list.rows[0];
+    if (!g_list.moved && first.fit == NameFit::Equal && first.snippet == nullptr) return TakeWrittenWord(key);
+    Accept(WordListSelected());
+    return true;
+}
+
+bool MoveInList(int rows) {
+    g_list.moved = true;
+    WordListMove(rows);
+    return true;
+}
 
 // True: the key has been taken.
-bool OnKeyDown(HWND editor, WPARAM key) {
-    const bool open = g_list.editor == editor && Ask(editor, SCI_AUTOCACTIVE) != 0;
-    if (!open) return SnippetTakesKey(editor, key);
+bool OnListKey(WPARAM key) {
+    const bool held = GetKeyState(VK_CONTROL) < 0 || GetKeyState(VK_MENU) < 0;
+    const bool shift = GetKeyState(VK_SHIFT) < 0;
     switch (key) {
-        case VK_UP:
-        case VK_DOWN:
-        case VK_PRIOR:
-        case VK_NEXT: g_list.moved = true; return false;
+        case VK_UP: return !held && !shift && MoveInList(-1);
+        case VK_DOWN: return !held && !shift && MoveInList(1);
+        case VK_PRIOR: return !held && !shift && MoveInList(-WordListPage());
+        case VK_NEXT: return !held && !shift && MoveInList(WordListPage());
         case VK_ESCAPE: CloseList(); return true;
         case VK_TAB:
-        case VK_RETURN: return IsPlainKey() && TakeWrittenWord(key);
+        case VK_RETURN:
+            if (!held && !shift) return TakeChoosingKey(key);
+            CloseList();
+            return false;
+        case VK_LEFT:
+        case VK_RIGHT:
+        case VK_HOME:
+        case VK_END:
+        case VK_DELETE: CloseList(); return false;
         default: return false;
     }
 }
 
+bool OnKeyDown(HWND editor, WPARAM key) {
+    if (g_list.editor == editor) return OnListKey(key);
+    return SnippetTakesKey(editor, key);
+}
+
+LRESULT OnCharacterMessage(HWND editor, WPARAM wParam, LPARAM lParam) {
+    if (std::exchange(g_dropCharacter, false) && wParam < L' ') return 0;
+    const LRESULT result = SubclassNext(editor, WM_CHAR, wParam, lParam);
+    if (wParam != VK_BACK) OnCharacter(editor, wParam);
+    return result;
+}
+
+LRESULT OnKeyMessage(HWND editor, WPARAM wParam, LPARAM lParam) {
+    g_dropCharacter = OnKeyDown(editor, wParam);
+    if (g_dropCharacter) return 0;
+    const LRESULT result = SubclassNext(editor, WM_KEYDOWN, wParam, lParam);
+    if (wParam == VK_BACK && g_list.editor == editor) Update(editor, false);
+    return result;
+}
+
 LRESULT CALLBACK CompletionProc(HWND editor, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
     switch (message) {
-        case WM_KEYDOWN:
-            g_dropCharacter = OnKeyDown(editor, wParam);
-            if (g_dropCharacter) return 0;
+        case WM_KEYDOWN: return OnKeyMessage(editor, wParam, lParam);
+        case WM_CHAR: return OnCharacterMessage(editor, wParam, lParam);
+        case WM_KILLFOCUS:
+        case WM_SYSKEYDOWN:
+        case WM_LBUTTONDOWN:
+        case WM_RBUTTONDOWN:
+        case WM_MBUTTONDOWN:
+            if (g_list.editor == editor) CloseList();
             break;
-        case WM_CHAR: {
-            if (std::exchange(g_dropCharacter, false) && wParam < L' ') return 0;
-            const LRESULT result = SubclassNext(editor, message, wParam, lParam);
-            OnCharacter(editor, wParam);
-            return result;
-        }
         case WM_NCDESTROY:
-            if (g_list.editor == editor) g_list = {};
+            if (g_list.editor == editor) CloseList();
             if (g_waiting.editor == editor) g_waiting = {};
             SnippetForget(editor);
             break;
@@ -350,32 +364,11 @@ void OnSymbols(DocumentId document) {
     if (g_settings.enableAutoComplete != 0 && document == ActiveDocumentId()) SymbolsInReach(document);
 }
 
-void OnCaret(HWND editor) {
+// The caret has left the word, or the view has moved.
+void OnView(HWND editor) {
     const LRESULT caret = Ask(editor, SCI_GETCURRENTPOS);
-    if (caret < g_list.start || caret > g_list.start + static_cast<LRESULT>(g_list.prefix.size())) CloseList();
-}
-
-void OnListNotify(HWND editor, const SCNotification& notification) {
-    switch (notification.nmhdr.code) {
-        case SCN_AUTOCSELECTION: {
-            const auto index = static_cast<std::size_t>(Ask(editor, SCI_AUTOCGETCURRENT));
-            ListState list = std::exchange(g_list, {});
-            Ask(editor, SCI_AUTOCCANCEL);  // the row is written here, not by Scintilla
-            g_list = std::move(list);
-            Accept(index);
-            break;
-        }
-        case SCN_AUTOCCANCELLED: g_list = {}; break;
-        case SCN_AUTOCCHARDELETED: Update(editor, false); break;
-        case SCN_ZOOM: CloseList(); break;
-        case SCN_MODIFIED:
-            if ((notification.modificationType & (SC_PERFORMED_UNDO | SC_PERFORMED_REDO)) != 0) g_list.start = -1;
-            break;
-        case SCN_UPDATEUI:
-            if ((notification.updated & (SC_UPDATE_SELECTION | SC_UPDATE_CONTENT)) != 0) OnCaret(editor);
-            break;
-        default: break;
-    }
+    const bool inside = caret >= g_list.start && caret <= g_list.start + static_cast<LRESULT>(g_list.prefix.size());
+    if (!inside || Ask(editor, SCI_GETFIRSTVISIBLELINE) != g_list.firstLine) CloseList();
 }
 
 }  // namespace
@@ -387,7 +380,14 @@ void CompletionAttach(HWND editor) {
 
 void CompletionOnNotify(HWND editor, const SCNotification& notification) {
     SnippetOnNotify(editor, notification);
-    if (g_list.editor == editor) OnListNotify(editor, notification);
+    if (g_list.editor != editor) return;
+    const UINT code = notification.nmhdr.code;
+    const bool undone =
+        code == SCN_MODIFIED && (notification.modificationType & (SC_PERFORMED_UNDO | SC_PERFORMED_REDO)) != 0;
+    if (code == SCN_ZOOM || undone)
+        CloseList();
+    else if (code == SCN_UPDATEUI)
+        OnView(editor);
 }
 
 void CompletionClose() { CloseList(); }
@@ -397,9 +397,5 @@ void CompletionShowWanted() {
     if (editor == nullptr) return;
     Update(editor, true);
     if (g_list.editor == nullptr) return TellSymbolStatus(L"Nothing to complete here");
-    if (g_list.rows.size() != 1 || g_list.prefix.empty()) return;
-    ListState list = std::exchange(g_list, {});
-    Ask(editor, SCI_AUTOCCANCEL);
-    g_list = std::move(list);
-    Accept(0);
+    if (g_list.rows.size() == 1 && !g_list.prefix.empty()) Accept(0);
 }

@@ -150,7 +150,7 @@ std::string HoverTextAt(DocumentId document, LRESULT position, LRESULT* start) {
 }
 
 void HoverShow(HWND editor, LRESULT position, const std::string& utf8) {
-    if (CallTipIsShown() || Ask(editor, SCI_AUTOCACTIVE) != 0) return;
+    if (CallTipIsShown() || g_documents.wordListOpen) return;
     g_hover = ViewOf(editor);
     Ask(editor, SCI_CALLTIPSHOW, TipPlace(editor, position, utf8), reinterpret_cast<LPARAM>(utf8.c_str()));
     Ask(editor, SCI_CALLTIPSETHLT, 0, 0);

@@ -150,6 +150,7 @@ TEST(Completion, FitAndSpelling) {
         {"%wc", "%WM_CLOSE", NameFit::Humps},
         {"wc", "%WM_CLOSE", NameFit::None},
         {"a_b", "a_long_b", NameFit::Humps},
+        {"nl4", "nameOfLine42", NameFit::Humps},
     };
     for (const auto& row : cases) EXPECT_EQ(FitOfName(row.typed, row.name), row.fit) << row.typed << " " << row.name;
     EXPECT_EQ(SpelledKeyword("print", "pr", true), "PRINT");
@@ -214,7 +215,7 @@ TEST(Completion, RowsInOrder) {
     EXPECT_EQ(Rows("x = %"), "%COUNT_MAX/C");
     EXPECT_EQ(Rows("x = %cm"), "%COUNT_MAX/C");
     EXPECT_EQ(Rows("END f"), "FUNCTION/K FASTPROC/K FOR/K");
-    EXPECT_EQ(Rows("FOR"), "FOR/K for/S forlocal/S FORMAT/f") << "a keyword before the snippet of its name";
+    EXPECT_EQ(Rows("FOR"), "FOR/K for/S forlocal/S FORMAT$/f") << "a keyword before the snippet of its name";
     EXPECT_EQ(Rows("SUB a("), "BYCOPY/K BYREF/K BYVAL/K OPTIONAL/K");
     EXPECT_EQ(Rows("! mov eb"), "ebp/r ebx/r");
     EXPECT_EQ(Rows("#incl"), "INCLUDE/K");

@@ -20,7 +20,10 @@ struct Typist {
     void Press(std::string_view capitals) const {
         for (const char c : capitals) editor.Keys({c});
     }
-    bool IsOpen() const { return editor.Sci(SCI_AUTOCACTIVE) != 0; }
+    bool IsOpen() const {
+        const HWND list = FindWindowW(L"KVXEWordList", nullptr);
+        return list != nullptr && IsWindowVisible(list) != FALSE;
+    }
     void AwaitList(const char* when) const {
         EXPECT_TRUE(WaitFor([&] { return IsOpen(); })) << when << "\n" << editor.Text();
     }
@@ -93,7 +96,7 @@ TEST(Completion, NamesMembersAndSnippets) {
     typist.Press("SELE");
     typist.AwaitList("SELECT");
     editor.Keys({VK_ESCAPE});
-    EXPECT_FALSE(typist.IsOpen());
+    EXPECT_TRUE(WaitFor([&] { return !typist.IsOpen(); }));
     typist.AwaitLines(8, "        sele\r\n    NEXT", "Escape changes nothing");
 }
 
