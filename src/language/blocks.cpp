@@ -232,7 +232,9 @@ Step StepAtStart(Walk& walk, BasicWord word, std::uint32_t index) {
 Step StepAfterNamed(Walk& walk, BlockKind kind, const Token& token, BasicWord word, std::uint32_t index) {
     if (kind == Class && word == BasicWord::Method)
         return static_cast<Step>(kNamed + static_cast<std::uint32_t>(Method));
-    const bool named = token.kind == TokenKind::Word && !(kind == Type && word == BasicWord::Set);
+    // "TYPE SET" is a statement, and "type AS LONG" a member.
+    const bool named =
+        token.kind == TokenKind::Word && word != BasicWord::As && !(kind == Type && word == BasicWord::Set);
     if (!named) return kPassive;
     if (kind == Macro) return kMacro;
     OpenBlock(walk, kind, index);
@@ -268,6 +270,14 @@ Step NextStep(Walk& walk, const Token& token, std::uint32_t index) {
     }
 }
 
+// A lone TYPE or UNION inside another one has no name.
+bool OpensNameless(const Walk& walk) {
+    const BlockKind around = walk.table.nests[walk.nest].kind;
+    const bool isMember = around == Type || around == Union;
+    return isMember && (walk.step == kNamed + static_cast<std::uint32_t>(Type) ||
+                        walk.step == kNamed + static_cast<std::uint32_t>(Union));
+}
+
 // The end of a statement, at a colon or at the end of its line.
 Step StepAfterStatement(Walk& walk, std::uint32_t last) {
     switch (walk.step) {
@@ -275,7 +285,9 @@ Step StepAfterStatement(Walk& walk, std::uint32_t last) {
         case kIf: return kRestOfLine;
         case kIfThen: OpenBlock(walk, If, last); return kStart;
         case kMacro: OpenBlock(walk, Macro, last); return kStart;
-        default: return kStart;
+        default:
+            if (OpensNameless(walk)) OpenBlock(walk, static_cast<BlockKind>(walk.step - kNamed), last);
+            return kStart;
     }
 }
 

@@ -179,16 +179,21 @@ std::uint32_t SymbolAtLine(const SymbolTable& table, std::uint32_t line) {
     });
 }
 
+// DIM of an array without a type, which may be declared elsewhere.
+static bool OnlyGivesBounds(const Symbol& symbol) {
+    return symbol.kind == SymbolKind::Local && symbol.Is(kSymbolArray) && symbol.typeLength == 0;
+}
+
 std::vector<std::uint32_t> SymbolsMeantAt(const SymbolTable& table, std::uint32_t line, std::string_view name) {
     const std::uint32_t procedure = ProcedureAtLine(table, line);
     const std::uint32_t object =
         SymbolAround(table, procedure, [](const Symbol& symbol) { return symbol.kind == SymbolKind::Class; });
-    std::vector<std::uint32_t> own, ofClass, outside;
+    std::vector<std::uint32_t> own, bounds, ofClass, outside;
     for (const std::uint32_t index : SymbolsNamed(table, name)) {
         const Symbol& symbol = table.symbols[index];
         const bool local = IsVariable(symbol.kind) || symbol.kind == SymbolKind::Label;
         if (local && symbol.kind != SymbolKind::Global && IsInside(table, index, procedure))
-            own.push_back(index);
+            (OnlyGivesBounds(symbol) ? bounds : own).push_back(index);
         else if (symbol.kind == SymbolKind::Member && symbol.container == object && object != kNoSymbol)
             ofClass.push_back(index);
         else if (IsMeantOutside(symbol))
@@ -196,6 +201,8 @@ std::vector<std::uint32_t> SymbolsMeantAt(const SymbolTable& table, std::uint32_
     }
     if (!own.empty()) return own;
     if (!ofClass.empty()) return ofClass;
+    const bool array = std::ranges::any_of(outside, [&](std::uint32_t i) { return table.symbols[i].Is(kSymbolArray); });
+    if (!bounds.empty() && !array) return bounds;
     std::stable_partition(outside.begin(), outside.end(),
                           [&](std::uint32_t i) { return !table.symbols[i].Is(kSymbolDeclare); });
     return outside;

@@ -205,6 +205,7 @@ TEST(Blocks, TheWordsOfABlock) {
         {"asm|\nend sub\nend asm", "asm,end asm"},
         {"sub| a\nsub b\nend sub", "sub?"},
         {"sub a\nsub b\nsub c\nend sub|", "sub,end sub"},
+        {"type a\nunion\ntype\ntype as long\nend type\nend union\nend t|ype", "type,end type"},
         {"x\nend if|", "none"},
         {"s = \"if| a then\"", "none"},
     };

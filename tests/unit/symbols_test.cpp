@@ -2,6 +2,7 @@
 #include "language/symbol_pieces.h"
 
 #include "settings/compiler_id.h"
+#include "support/dialect_sources.h"
 #include "support/golden_file.h"
 
 #include <gtest/gtest.h>
@@ -44,13 +45,17 @@ std::string Shown(const SymbolTable& table) {
 
 TEST(Symbols, GoldenFiles) {
     ExpectGolden("symbols.txt", Shown(SymbolsOfText(GoldenText("symbols.bas"), DialectOf(kDefaultCompiler))));
+    for (const DialectSource& source : kDialectSources)
+        ExpectGolden(std::string(source.name) + ".symbols",
+                     Shown(SymbolsOfText(GoldenText(source.name), DialectOf(source.compiler))));
 }
 
 TEST(Symbols, WhatANameMeans) {
     const std::string text =
         "GLOBAL x AS LONG\nDECLARE SUB Go(a AS LONG)\nSUB Go(a AS LONG)\nLOCAL x AS BYTE\nhere:\n"
         "END SUB\nFUNCTION X2()\nhere:\nEND FUNCTION\nTYPE T\nx AS WORD\nEND TYPE\n%x = 1\n"
-        "CLASS C\nINSTANCE n AS LONG\nMETHOD M()\nEND METHOD\nEND CLASS\n";
+        "CLASS C\nINSTANCE n AS LONG\nMETHOD M()\nEND METHOD\nEND CLASS\n"
+        "GLOBAL list() AS LONG\nSUB Fill\nDIM list(9), other(9)\nEND SUB\n";
     const SymbolTable table = SymbolsOfText(text, DialectOf(kDefaultCompiler));
     const auto meant = [&table](std::uint32_t line, std::string_view name) {
         std::string lines;
@@ -67,6 +72,8 @@ TEST(Symbols, WhatANameMeans) {
     EXPECT_EQ(meant(0, "%X"), "12");
     EXPECT_EQ(meant(15, "n"), "14");
     EXPECT_EQ(meant(4, "n"), "");
+    EXPECT_EQ(meant(20, "list"), "18") << "DIM gives it bounds";
+    EXPECT_EQ(meant(20, "other"), "20");
     EXPECT_EQ(SymbolsWithPrefix(table, "X").size(), 4u);
     EXPECT_EQ(SymbolsNamed(table, "").size(), 0u);
     const auto nameAt = [&table](std::uint32_t line) {
@@ -77,7 +84,7 @@ TEST(Symbols, WhatANameMeans) {
     EXPECT_EQ(nameAt(4), "here");
     EXPECT_EQ(nameAt(10), "x");
     EXPECT_EQ(nameAt(11), "T");
-    EXPECT_EQ(nameAt(18), "");
+    EXPECT_EQ(nameAt(22), "");
     EXPECT_EQ(nameAt(0), "x");
 }
 
