@@ -42,7 +42,8 @@ void JoinSymbol(Joining& joining, const Symbol& found, std::uint32_t firstLine, 
     if (found.next == kHasBody) joining.open.push_back(index);
 }
 
-// The first bytes of a name in upper case: most names differ there, and numbers are compared faster than texts.
+// Eight bytes of a name in upper case, because numbers are compared faster than texts. The last one is 0 when the name
+// ends before it.
 std::uint64_t SortKey(std::string_view name) {
     std::uint64_t key = 0;
     for (std::size_t i = 0; i < sizeof(key); ++i)
@@ -50,25 +51,45 @@ std::uint64_t SortKey(std::string_view name) {
     return key;
 }
 
-void SortByName(SymbolTable& table) {
-    struct Key {
-        std::uint64_t start;
-        std::uint32_t index;
+struct NameKey {
+    std::uint64_t part;
+    std::uint32_t index;
+};
+
+// Sorts by what the names have from `offset` on, eight bytes after the other; equal names by their places.
+void SortNames(const SymbolTable& table, std::span<NameKey> keys, std::size_t offset) {
+    constexpr std::size_t kInParts = 64;
+    const auto rest = [&](std::uint32_t index) {
+        const std::string_view name = SymbolName(table, table.symbols[index]);
+        return name.substr(std::min(offset, name.size()));
     };
-    std::vector<Key> keys;
-    keys.reserve(table.symbols.size());
-    for (std::uint32_t i = 0; i < table.symbols.size(); ++i)
-        keys.push_back({SortKey(SymbolName(table, table.symbols[i])), i});
-    std::ranges::sort(keys, [&table](const Key& a, const Key& b) {
-        if (a.start != b.start) return a.start < b.start;
-        const bool whole = (a.start & 0xFF) == 0;  // shorter than the key
-        const int order =
-            whole ? 0
-                  : CompareNames(SymbolName(table, table.symbols[a.index]), SymbolName(table, table.symbols[b.index]));
-        return order != 0 ? order < 0 : a.index < b.index;
+    if (offset == kInParts) {
+        std::ranges::sort(keys, [&](const NameKey& a, const NameKey& b) {
+            const int order = CompareNames(rest(a.index), rest(b.index));
+            return order != 0 ? order < 0 : a.index < b.index;
+        });
+        return;
+    }
+    for (NameKey& key : keys) key.part = SortKey(rest(key.index));
+    std::ranges::sort(keys, [](const NameKey& a, const NameKey& b) {
+        return a.part != b.part ? a.part < b.part : a.index < b.index;
     });
+    while (!keys.empty()) {
+        const std::uint64_t part = keys.front().part;
+        std::size_t same = 1;
+        while (same < keys.size() && keys[same].part == part) ++same;
+        if (same > 1 && (part & 0xFF) != 0) SortNames(table, keys.first(same), offset + sizeof(part));
+        keys = keys.subspan(same);
+    }
+}
+
+void SortByName(SymbolTable& table) {
+    std::vector<NameKey> keys;
+    keys.reserve(table.symbols.size());
+    for (std::uint32_t i = 0; i < table.symbols.size(); ++i) keys.push_back({0, i});
+    SortNames(table, keys, 0);
     table.byName.reserve(keys.size());
-    for (const Key& key : keys) table.byName.push_back(key.index);
+    for (const NameKey& key : keys) table.byName.push_back(key.index);
 }
 
 // Those of the sorted symbols for which `compare(name)` is 0; their names are sorted by it.
@@ -118,7 +139,7 @@ void ListOutside(SymbolTable& table) {
         const bool method = symbol.kind >= SymbolKind::Method && symbol.kind <= SymbolKind::PropertySet;
         if (method || !IsMeantOutside(symbol)) continue;
         const std::string_view name = SymbolName(table, symbol);
-        if (!table.outside.empty() && CompareNames(name, last) == 0) continue;
+        if (!table.outside.empty() && name.size() == last.size() && CompareNames(name, last) == 0) continue;
         table.outside.push_back(index);
         last = name;
     }
