@@ -25,8 +25,9 @@ constexpr ULONGLONG kWaitForSymbols = 4000;  // ms
 
 struct CallTip {
     HWND editor = nullptr;  // null: no call is followed
-    LRESULT statement = 0;  // position where its statement begins
-    LRESULT nameAt = -1;    // position of the name of what is called; -1: not known yet
+    // The first line of its statement, -1: not known yet. No position, because typing at several carets moves it.
+    LRESULT statementLine = -1;
+    std::size_t nameAt = 0;  // bytes from there to the name of what is called
     std::string name;
     bool byCommand = false;
     std::vector<Signature> signatures;
@@ -117,8 +118,8 @@ std::optional<FollowedCall> CallAtCaret(const DocumentTab& document) {
     const Dialect& dialect = DialectOf(document.compilerId);
     for (CallContext& call : CallsAround(followed.statement.text, followed.statement.state, dialect)) {
         followed.anyCall = true;
-        const LRESULT nameAt = followed.statement.start + static_cast<LRESULT>(call.nameStart);
-        const bool same = nameAt == g_callTip.nameAt && call.name == g_callTip.name && !g_callTip.signatures.empty();
+        const bool same =
+            call.nameStart == g_callTip.nameAt && call.name == g_callTip.name && !g_callTip.signatures.empty();
         followed.callee = same ? Callee{g_callTip.signatures} : CalleeOf(document, call, line);
         if (!same && !IsWorthShowing(followed.callee, call)) continue;
         followed.call = std::move(call);
@@ -157,9 +158,8 @@ bool CaretIsInView(HWND editor) {
 void ShowFollowed(const FollowedCall& followed) {
     const HWND editor = g_callTip.editor;
     const CallContext& call = followed.call;
-    const LRESULT nameAt = followed.statement.start + static_cast<LRESULT>(call.nameStart);
-    if (nameAt != g_callTip.nameAt || call.name != g_callTip.name || g_callTip.signatures.empty()) {
-        g_callTip.nameAt = nameAt;
+    if (call.nameStart != g_callTip.nameAt || call.name != g_callTip.name || g_callTip.signatures.empty()) {
+        g_callTip.nameAt = call.nameStart;
         g_callTip.name = call.name;
         g_callTip.signatures = followed.callee.signatures;
         g_callTip.chosen = false;
@@ -168,6 +168,7 @@ void ShowFollowed(const FollowedCall& followed) {
     // There is room for one of the two.
     if (g_documents.wordListOpen) return;
     if (!CaretIsInView(editor)) return HideTip();
+    const LRESULT nameAt = followed.statement.start + static_cast<LRESULT>(call.nameStart);
     const LRESULT arguments = followed.statement.start + static_cast<LRESULT>(call.argumentsStart);
     Draw(TipTextOf(g_callTip.signatures, g_callTip.shown, call, TipColumns(editor)),
          call.parentheses ? arguments : nameAt, arguments);
@@ -186,8 +187,10 @@ void Follow() {
     if (tab < 0 || editor != g_documents.hEditor) return EndTip();
     const std::optional<FollowedCall> followed = CallAtCaret(TabAt(tab));
     if (!followed && g_callTip.byCommand) TellSymbolStatus(L"There is no call at the caret");
-    if (!followed || (g_callTip.statement >= 0 && followed->statement.start != g_callTip.statement)) return EndTip();
-    g_callTip.statement = followed->statement.start;
+    if (!followed) return EndTip();
+    const LRESULT line = Ask(editor, SCI_LINEFROMPOSITION, followed->statement.start);
+    if (g_callTip.statementLine >= 0 && line != g_callTip.statementLine) return EndTip();
+    g_callTip.statementLine = line;
     if (!followed->callee.signatures.empty()) return ShowFollowed(*followed);
     HideTip();
     g_callTip.signatures.clear();
@@ -203,7 +206,6 @@ void Begin(HWND editor, bool byCommand) {
     if (g_callTip.editor != editor) EndTip();
     if (g_callTip.editor == nullptr) {
         g_callTip.editor = editor;
-        g_callTip.statement = -1;
         SubclassAdd(editor, CallTipKeys);
     }
     g_callTip.byCommand = g_callTip.byCommand || byCommand;

@@ -252,6 +252,8 @@ void OnListSelected() {
     if (static_cast<std::size_t>(row) == Page().selected) return;
     Page().selected = static_cast<std::size_t>(row);
     InvalidateRect(g_peek.window, nullptr, FALSE);
+    // The control redraws the rows, but not the mark at the left edge.
+    InvalidateRect(g_peek.list.window, nullptr, FALSE);
     ShowPlaceText();
 }
 
