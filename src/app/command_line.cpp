@@ -31,10 +31,15 @@ struct OptionRow {
     bool takesArgument;
 };
 constexpr OptionRow kOptions[] = {
-    {L"--open", CommandLineAction::Open, true},      {L"--compiler", CommandLineAction::SetCompiler, true},
-    {L"--font", CommandLineAction::SetFont, true},   {L"--fontsize", CommandLineAction::SetFontSize, true},
-    {L"--detect", CommandLineAction::Detect, false}, {L"--log", CommandLineAction::Log, false},
-    {L"--help", CommandLineAction::Help, false},     {L"-h", CommandLineAction::Help, false},
+    {L"--open", CommandLineAction::Open, true},
+    {L"--goto", CommandLineAction::Open, true},
+    {L"--compiler", CommandLineAction::SetCompiler, true},
+    {L"--font", CommandLineAction::SetFont, true},
+    {L"--fontsize", CommandLineAction::SetFontSize, true},
+    {L"--detect", CommandLineAction::Detect, false},
+    {L"--log", CommandLineAction::Log, false},
+    {L"--help", CommandLineAction::Help, false},
+    {L"-h", CommandLineAction::Help, false},
 };
 
 // The first accepted name of each compiler.

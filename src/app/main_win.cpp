@@ -2,18 +2,15 @@
 #include "app/app_state.h"
 #include "app/command_line.h"
 #include "app/detect_report.h"
+#include "app/handover.h"
 #include "app/main_window.h"
 #include "base/log.h"
 #include "commands/command_table.h"
 #include "commands/quick_open.h"
 #include "compile/build.h"
-#include "documents/caret_place.h"
-#include "documents/document_row.h"
-#include "documents/file_commands.h"
 #include "documents/file_work.h"
 #include "files/file_io.h"
 #include "files/libraries.h"
-#include "files/share_probe.h"
 #include "recovery/crash.h"
 #include "resources/ids.h"
 #include "search/files_search.h"
@@ -65,6 +62,14 @@ int RunTestMode(const char* module) {
     return kExitNoSelfTest;
 }
 
+bool GivesToRunningCopy(const char* raw) {
+    if (g_selftestTabsMode) return false;
+    wchar_t folder[kPathCapacity] = {};
+    if (GetCurrentDirectoryW(kPathCapacity, folder) == 0) return false;
+    const auto files = FilesToHandOver(Arguments(raw), std::wstring(folder) + L'\\');
+    return files && HandOver(*files);
+}
+
 [[noreturn]] void EndProcess(int code) {
     CloseLog();
     ExitProcess(static_cast<UINT>(code));
@@ -82,18 +87,9 @@ void SelectCompiler(int id) {
     SettingsChange([id](Settings& settings) { OverrideCompiler(g_app.overrides, settings, id); });
 }
 
-// Opens a file of the command line, at the place that may follow its name.
-void OpenFromCommandLine(const std::wstring& text) {
-    const bool whole = PathAnswers(text.c_str()) && FileExists(text.c_str());
-    const FilePlace place = whole ? FilePlace{.path = text} : ParseFilePlace(text);
-    if (FileOpen(place.path.c_str()) == 0 || place.line == 0) return;
-    const DocumentTab& document = TabAt(g_app.activeTab);
-    CaretGoTo(document.editor, CaretPositionOfFileColumn(document, place.line - 1, std::max(place.column - 1, 0)));
-}
-
 void RunStep(const CommandLineStep& step) {
     switch (step.action) {
-        case CommandLineAction::Open: OpenFromCommandLine(step.text); break;
+        case CommandLineAction::Open: OpenPlace(step.text); break;
         case CommandLineAction::SetCompiler: SelectCompiler(step.number); break;
         case CommandLineAction::SetFont:
             SettingsChange([&](Settings& settings) { OverrideFont(g_app.overrides, settings, step.text); });
@@ -172,6 +168,8 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR commandLine, int showCom
     g_app.hInstance = instance;
     ParseCommandLineEarly(commandLine);
     if (g_testMode) return RunTestMode(g_testModule.c_str());
+    StartTurn turn;
+    if (GivesToRunningCopy(commandLine)) return 0;
     SettingsDefaults(g_app.settings);
     InitControls();
     HMODULE richEdit = LoadSystemLibrary(L"Msftedit.dll");
@@ -196,6 +194,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR commandLine, int showCom
         ScintillaUnload(g_app.scintilla.scintilla, g_app.scintilla.lexilla);
         return unloadAndFail();
     }
+    turn.End();
     AppLogMsg(L"=== KVX-Editor Startup ===");
     AppLogMsg(L"EXE dir: %s", directory);
     ParseCommandLine(commandLine);

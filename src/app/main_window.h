@@ -13,6 +13,8 @@
 
 struct Settings;
 
+inline constexpr wchar_t kMainClass[] = L"KVXEEditorWnd";
+
 // Registers the window class, creates and shows the window, and lets it accept dropped files. Null on failure.
 HWND MainWindow_Init(HINSTANCE instance, int showCommand);
 LRESULT CALLBACK MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

@@ -5,6 +5,7 @@
 #include "ai/ai_replace.h"
 #include "ai/ai_requests.h"
 #include "app/app_state.h"
+#include "app/handover.h"
 #include "base/wide_format.h"
 #include "commands/command_state.h"
 #include "commands/quick_symbols.h"
@@ -17,6 +18,7 @@
 #include "resources/ids.h"
 #include "search/find_bar.h"
 #include "session/session.h"
+#include "session/session_owner.h"
 #include "settings/compiler_presence.h"
 #include "symbols/references.h"
 #include "tabs/tab_bar.h"
@@ -31,7 +33,6 @@
 
 namespace {
 
-constexpr wchar_t kMainClass[] = L"KVXEEditorWnd";
 constexpr wchar_t kCaption[] = L"KVXE - Unified Compiler Editor";
 constexpr COLORREF kBackground = RGB(235, 239, 250);
 
@@ -72,7 +73,10 @@ bool RouteOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 void RouteTimer(HWND window, UINT_PTR id) {
     switch (id) {
         case TIMER_AUTO_SAVE: MainWnd_OnAutoSaveTimer(); break;
-        case TIMER_SESSION: SessionAutoSave(window); break;
+        case TIMER_SESSION:
+            SessionTakePlace();  // the copy that had it may have ended
+            SessionAutoSave(window);
+            break;
         case TIMER_DEBUG: DebugOnTimer(); break;
         case TIMER_DEBUG_CONSOLE: DebugOnConsoleTimer(); break;
         case TIMER_FOCUS: FocusOnTimer(); break;
@@ -155,6 +159,7 @@ static LRESULT CALLBACK RouteMainMessage(HWND window, UINT message, WPARAM wPara
         case WM_CTLCOLORSTATIC:
         case WM_CTLCOLOREDIT: return ChildColours(reinterpret_cast<HDC>(wParam));
         case WM_ERASEBKGND: return EraseFrame(window, reinterpret_cast<HDC>(wParam));
+        case WM_COPYDATA: return HandoverTake(*reinterpret_cast<const COPYDATASTRUCT*>(lParam)) ? TRUE : FALSE;
         case WM_DROPFILES: MainWnd_OnDropFiles(reinterpret_cast<HDROP>(wParam)); return 0;
         case WM_TIMER: RouteTimer(window, wParam); return 0;
         case WM_CLOSE: MainWnd_OnClose(window); return 0;

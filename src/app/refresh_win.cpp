@@ -2,6 +2,7 @@
 #include "app/main_window.h"
 
 #include "app/app_state.h"
+#include "app/handover.h"
 #include "commands/command_state.h"
 #include "commands/status_bar.h"
 #include "commands/toolbar.h"
@@ -47,6 +48,7 @@ void MainWnd_OnPositionTimer() { ShowPosition(); }
 
 void MainWnd_RunPendingRefresh() {
     MainWnd_ShowNotices();
+    HandoverOpenWaiting();
     if (!g_refresh.wanted || g_app.hToolbar == nullptr) return;
     g_refresh.wanted = false;
     FollowPosition();

@@ -22,6 +22,7 @@
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "session/session.h"
+#include "session/session_owner.h"
 #include "settings/settings_store.h"
 #include "symbols/references.h"
 #include "ui/long_work.h"
@@ -59,6 +60,7 @@ void ShowOpenedFile(const OpenedFile& file) {
 
 void OfferSessionRestore() {
     wchar_t path[kPathCapacity] = {};
+    if (!SessionIsOurs()) return;  // another copy has it open
     SessionAutoSavePath(path, kPathCapacity);
     SessionCheckAutoSave();
     if (!FileExists(path) || SessionHasFiles(path) == 0) return;
@@ -121,7 +123,7 @@ void MainWnd_OnStartup() {
             return;
         }
         RunStartupStep(step);
-        step = StartupStepAfter(step, TabCount() > 0, g_app.settings.restoreLastSession != 0);
+        step = StartupStepAfter(step, TabCount() > 0, g_app.settings.restoreLastSession != 0 && SessionIsOurs());
     }
     if (TabCount() == 0) {
         AppLogMsg(L"DBG WM_USER+200: calling FileNew()");
@@ -180,7 +182,8 @@ static bool SaveOnClose() {
     bool saved = SessionAutoSave(g_app.hMainWnd) != 0;
     if (SessionSavesAllowed()) {
         if (g_app.sessionPath[0] != L'\0') saved = SessionSave(g_app.sessionPath) != 0 && saved;
-        if (g_app.settings.restoreLastSession != 0) WorkspaceSave(nullptr);  // its failures are in the log
+        if (g_app.settings.restoreLastSession != 0 && SessionIsOurs())
+            WorkspaceSave(nullptr);  // its failures are in the log
     }
     return SettingsSave(L"Editor.ini") != 0 && saved;
 }

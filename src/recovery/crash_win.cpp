@@ -81,7 +81,8 @@ LONG WINAPI OnCrash(EXCEPTION_POINTERS* exception) {
         WriteReport(exception);
         if (GetCurrentThreadId() == g_watchingThread) SnapshotsWriteNow();
     }
-    return g_nextFilter != nullptr ? g_nextFilter(exception) : EXCEPTION_CONTINUE_SEARCH;
+    if (g_nextFilter != nullptr) g_nextFilter(exception);  // the log's
+    return EXCEPTION_EXECUTE_HANDLER;                      // ends the process: all that can be said is written
 }
 
 void OnTerminate() { RaiseException(kTerminated, EXCEPTION_NONCONTINUABLE, 0, nullptr); }

@@ -18,6 +18,7 @@
 #include "scintilla/sci.h"
 #include "session/project_tree.h"
 #include "session/session_close.h"
+#include "session/session_owner.h"
 #include "session/session_restore.h"
 #include "session/session_state.h"
 #include "session/session_text.h"
@@ -197,7 +198,8 @@ void SessionAutoSavePath(wchar_t* out, std::size_t capacity) {
 }
 
 int SessionAutoSave(HWND) {
-    if (g_selftestTabsMode || g_settings.autoSaveEnabled == 0 || g_session.autoSaveLost || !SessionSavesAllowed())
+    if (g_selftestTabsMode || g_settings.autoSaveEnabled == 0 || g_session.autoSaveLost || !SessionSavesAllowed() ||
+        !SessionIsOurs())
         return 1;
     wchar_t path[kPathCapacity] = {};
     SessionAutoSavePath(path, kPathCapacity);

@@ -8,6 +8,7 @@
 #include "base/path.h"
 #include "base/wide_format.h"
 #include "files/file_io.h"
+#include "files/file_turn.h"
 #include "files/session_file.h"
 #include "files/share_probe.h"
 #include "settings/compilers.h"
@@ -17,9 +18,11 @@
 #include "settings/secrets.h"
 #include "settings/settings_file.h"
 #include "settings/settings_import.h"
+#include "settings/settings_merge.h"
 #include "settings/settings_place.h"
 #include "settings/settings_state.h"
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
@@ -33,6 +36,10 @@ struct SettingsStore {
     StoredKeys keys;
     std::wstring unread;       // a settings file that was there but could not be read; it is not written in this run
     std::wstring unprotected;  // keys of the file that the user was told about
+    std::wstring read;         // the file that the mark is of
+    SettingsMark mark;
+    FILETIME written = {};  // of the file when the mark was made
+    bool shared = false;    // others have written the file since it was loaded
 };
 SettingsStore g_store;
 
@@ -63,6 +70,11 @@ OpenIni OpenIniFile(const wchar_t* path) {
         if (attempt == kTries) return {.state = IniState::Unreadable, .handle = {}};
         Sleep(kPause);
     }
+}
+
+FILETIME WrittenAt(const wchar_t* path) {
+    WIN32_FILE_ATTRIBUTE_DATA data = {};
+    return GetFileAttributesExW(path, GetFileExInfoStandard, &data) != FALSE ? data.ftLastWriteTime : FILETIME{};
 }
 
 // Deletes the files beside the settings that saves have left when their process was killed. They are never read. A file
@@ -238,6 +250,17 @@ bool WriteIniText(const wchar_t* iniPath, const wchar_t* section, const wchar_t*
     return WritePrivateProfileStringW(section, key, EncodeIniValue(text).c_str(), iniPath) != FALSE;
 }
 
+static SettingsSource SourceOf(IniReader& reader, bool read, const wchar_t* programFolder) {
+    return {
+        .text = [&reader, read](auto section, auto key,
+                                auto value) { return read ? reader.Text(section, key, value) : std::wstring{value}; },
+        .number = [&reader, read](auto section, auto key,
+                                  auto value) { return read ? reader.Number(section, key, value) : value; },
+        .unprotect = [](auto stored, auto out, auto capacity) { return DecryptString(stored, out, capacity) != 0; },
+        .fileExists = FileExists,
+        .programFolder = programFolder};
+}
+
 void SettingsLoad(const wchar_t* overridePath) {
     if (IsDefaultFile(overridePath)) SettingsChooseFolder();
     wchar_t ini[kPathCapacity] = {};
@@ -250,24 +273,49 @@ void SettingsLoad(const wchar_t* overridePath) {
     // The reader of a file that cannot be read gets no path: all defaults are better than a part of the settings.
     IniReader reader{ini};
     const bool read = open.state != IniState::Unreadable;
-    const auto text = [&](auto section, auto key, auto value) {
-        return read ? reader.Text(section, key, value) : std::wstring{value};
-    };
-    const wchar_t* const first = g_compilers[kCompilerKvxa64].section;
-    AppLogMsg(L"SettingsLoad: KVXA64 Path = '%s'", DecodeIniValue(text(first, L"Path", L"")).c_str());
     wchar_t folder[kPathCapacity] = {};
     AppExeDirectory(folder, kPathCapacity);
-    const SettingsSource source = {
-        .text = text,
-        .number = [&](auto section, auto key, auto value) { return read ? reader.Number(section, key, value) : value; },
-        .unprotect = [](auto stored, auto out, auto capacity) { return DecryptString(stored, out, capacity) != 0; },
-        .fileExists = FileExists,
-        .programFolder = folder};
+    const SettingsSource source = SourceOf(reader, read, folder);
+    const wchar_t* const first = g_compilers[kCompilerKvxa64].section;
+    AppLogMsg(L"SettingsLoad: KVXA64 Path = '%s'", DecodeIniValue(source.text(first, L"Path", L"")).c_str());
     ParseSettings(source, g_settings, g_store.keys);
     if (read)
         SessionMRULoad(overridePath);
     else
         g_settings.sessionMruCount = 0;
+    g_store.read = read ? ini : L"";
+    g_store.mark = MarkOf(g_settings);
+    g_store.written = WrittenAt(ini);
+    g_store.shared = false;
+}
+
+// Others may have written the file since it was read: what this run has not changed is taken from it.
+static void MergeWithFile(const wchar_t* ini, Settings& settings) {
+    if (g_store.read != ini || !FileExists(ini)) return;
+    const FILETIME now = WrittenAt(ini);
+    g_store.shared = g_store.shared || CompareFileTime(&now, &g_store.written) != 0;
+    if (!g_store.shared || OpenIniFile(ini).state != IniState::Readable) return;
+    WritePrivateProfileStringW(nullptr, nullptr, nullptr, ini);  // drops what is cached of the old file
+    const auto theirs = std::make_unique<Settings>(settings);    // 150 kB, too much for the stack
+    StoredKeys keys;
+    wchar_t folder[kPathCapacity] = {};
+    AppExeDirectory(folder, kPathCapacity);
+    IniReader reader{ini};
+    ParseSettings(SourceOf(reader, true, folder), *theirs, keys);
+    theirs->sessionMruCount = std::clamp(reader.Number(L"Session", L"MRUCount", 0), 0, kMruCapacity);
+    for (int i = 0; i < theirs->sessionMruCount; ++i)
+        SafeCopyW(theirs->sessionMruFiles[i],
+                  DecodeIniValue(reader.Text(L"Session", FormatW(L"MRU%d", i).c_str(), L"")));
+    MergeSettings(settings, g_store.mark, *theirs);
+    // A key of theirs is written as they have protected it.
+    for (const StoredKey& key : keys)
+        if (key.row != nullptr && key.held == SettingText(settings, *key.row))
+            for (StoredKey& place : g_store.keys)
+                if (place.row == key.row || place.row == nullptr) {
+                    place = key;
+                    break;
+                }
+    CopyRecentLists(g_settings, settings);
 }
 
 void SettingsTellLockedKeys() {
@@ -284,6 +332,16 @@ void SettingsTellLockedKeys() {
                               .c_str());
 }
 
+// What this run has now is what its next changes are told by. Always 1, the result of a save.
+static int NoteWritten(const wchar_t* ini) {
+    const auto now = std::make_unique<Settings>(g_settings);  // 150 kB, too much for the stack
+    RestoreStored(g_overrides, *now);
+    g_store.read = ini;
+    g_store.mark = MarkOf(*now);
+    g_store.written = WrittenAt(ini);
+    return 1;
+}
+
 // After a 0, GetLastError() tells why the file could not be written.
 int SettingsSave(const wchar_t* overridePath) {
     Settings& settings = g_settings;
@@ -293,13 +351,15 @@ int SettingsSave(const wchar_t* overridePath) {
     UpdateAssistantEnabled(settings);
     const auto stored = std::make_unique<Settings>(settings);  // 150 kB, too much for the stack
     RestoreStored(g_overrides, *stored);
+    const FileTurn turn(L"Settings");
+    MergeWithFile(ini, *stored);
     wchar_t folder[kPathCapacity] = {};
     AppExeDirectory(folder, kPathCapacity);
     const std::string bytes = ComposeSettings(
         *stored, g_store.keys, {.protect = ProtectKey, .programFolder = folder, .windowPlace = g_windowPlace});
     if (settings.backupSettings == 0 && FileHolds(ini, bytes))
-        return 1;  // unchanged, as when the newest recent file is opened again
-    if (WriteSettings(ini, bytes)) return 1;
+        return NoteWritten(ini);  // unchanged, as when the newest recent file is opened again
+    if (WriteSettings(ini, bytes)) return NoteWritten(ini);
     const DWORD error = GetLastError();
     if (!IsDefaultFile(overridePath) || !SettingsLeaveFolder(error)) {
         SetLastError(error);
@@ -311,7 +371,7 @@ int SettingsSave(const wchar_t* overridePath) {
                 L"\n\n%s",
                 SettingsFolder().c_str())
             .c_str());
-    return WriteSettings(ini, bytes) ? 1 : 0;
+    return WriteSettings(ini, bytes) ? NoteWritten(ini) : 0;
 }
 
 bool SettingsExport(const wchar_t* target) {

@@ -5,6 +5,7 @@
 #include "settings/secret_text.h"
 #include "settings/settings_effects.h"
 #include "settings/settings_file.h"
+#include "settings/settings_merge.h"
 #include "settings/settings_place.h"
 #include "settings/settings_schema.h"
 
@@ -370,4 +371,43 @@ TEST(SecretText, BytesComeBackAndNothingElseIsTaken) {
     for (const wchar_t* stored : {L"", L"plain", L"000AF0FF", L"[DPAPI]", L"[DPAPI]0", L"[DPAPI]000", L"[DPAPI]0G",
                                   L"[DPAPI]G0", L"[dpapi]00", L" [DPAPI]00", L"[DPAPI]00 "})
         EXPECT_TRUE(SecretBytes(stored).empty()) << std::string(stored, stored + std::wcslen(stored));
+}
+
+// Two editors share a file: each save writes what its run has changed, and leaves what the other has.
+TEST(Settings, ASaveLeavesWhatOthersHaveChanged) {
+    const auto base = std::make_unique<Settings>(), ours = std::make_unique<Settings>(),
+               theirs = std::make_unique<Settings>();
+    SettingsApplyDefaults(*base);
+    const auto setFiles = [](Settings& settings, std::initializer_list<const wchar_t*> files) {
+        settings.mruCount = 0;
+        for (const wchar_t* const file : files) SafeCopyW(settings.mruFiles[settings.mruCount++], file);
+    };
+    const auto files = [](const Settings& settings) {
+        std::wstring all;
+        for (int i = 0; i < settings.mruCount; ++i) all += settings.mruFiles[i];
+        return all;
+    };
+    setFiles(*base, {L"a", L"b", L"c"});
+    *ours = *base;
+    *theirs = *base;
+    const SettingsMark mark = MarkOf(*base);
+    ours->theme = 1;
+    ours->tabWidth = 8;
+    setFiles(*ours, {L"n", L"a", L"c"});  // opened n, took b out
+    theirs->fontSize = 20;
+    theirs->tabWidth = 3;
+    SafeCopyW(theirs->fontName, L"Other");
+    setFiles(*theirs, {L"x", L"b", L"a", L"c"});
+    MergeSettings(*ours, mark, *theirs);
+    EXPECT_EQ(ours->theme, 1);
+    EXPECT_EQ(ours->tabWidth, 8) << "changed by both: whoever saves last";
+    EXPECT_EQ(ours->fontSize, 20);
+    EXPECT_STREQ(ours->fontName, L"Other");
+    EXPECT_EQ(files(*ours), L"nacx");
+    *ours = *base;
+    MergeSettings(*ours, mark, *theirs);
+    EXPECT_EQ(files(*ours), L"xbac") << "nothing of ours has changed";
+    setFiles(*ours, {});  // cleared
+    MergeSettings(*ours, mark, *theirs);
+    EXPECT_EQ(files(*ours), L"x");
 }

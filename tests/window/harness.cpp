@@ -238,7 +238,7 @@ Editor::Editor(const ProgramFolder& programFolder, const std::wstring& arguments
     limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
     SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof(limits));
 
-    const std::wstring line = L"\"" + folder.File(L"KVX-Editor.exe") + L"\" " + arguments;
+    const std::wstring line = L"\"" + folder.File(L"KVX-Editor.exe") + L"\" --new " + arguments;
     PROCESS_INFORMATION started{};
     if (!StartProcess(line, &started, {.flags = CREATE_SUSPENDED, .folder = folder.path.c_str()})) {
         ADD_FAILURE() << "cannot start " << Utf8(line) << ", error " << GetLastError();

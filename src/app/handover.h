@@ -1,0 +1,42 @@
+// A second start hands its files to the copy that runs already, which comes to the front. UI thread only.
+#pragma once
+
+#include <windows.h>
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+// --- handover.cpp: pure
+// The files of a command line that a running copy can open instead, as absolute as `folder`, the current one with its
+// backslash, makes them; possibly none. Nothing when this start needs a window of its own: "--new", and whatever is more
+// than files.
+std::optional<std::vector<std::wstring>> FilesToHandOver(std::span<const std::wstring> arguments,
+                                                         const std::wstring& folder);
+std::wstring HandoverText(std::span<const std::wstring> files);
+std::vector<std::wstring> FilesOfHandover(std::wstring_view text);
+
+// --- handover_win.cpp
+// While it lives, other starts of this program wait until this one has its window, so that ten files that are opened at
+// once from a folder come into one window.
+class StartTurn {
+public:
+    StartTurn();
+    ~StartTurn() { End(); }
+    StartTurn(const StartTurn&) = delete;
+    StartTurn& operator=(const StartTurn&) = delete;
+    void End();
+
+private:
+    HANDLE mutex_ = nullptr;
+};
+// True when a running copy of the same executable has taken the files: this start is done.
+bool HandOver(const std::vector<std::wstring>& files);
+
+// In the running copy: WM_COPYDATA. Returns whether it was a handover. The files are opened when no box is open.
+bool HandoverTake(const COPYDATASTRUCT& data);
+// Opens a file as the command line names it, at the place that may follow its name: "path", "path:line:column".
+void OpenPlace(const std::wstring& text);
+// Opens what waits. Called when the message queue is empty.
+void HandoverOpenWaiting();
