@@ -3,21 +3,9 @@
 
 #include <windows.h>
 
-#include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
-// --- handover.cpp: pure
-// The files of a command line that a running copy can open instead, as absolute as `folder`, the current one with its
-// backslash, makes them; possibly none. Nothing when this start needs a window of its own: "--new", and whatever is more
-// than files.
-std::optional<std::vector<std::wstring>> FilesToHandOver(std::span<const std::wstring> arguments,
-                                                         const std::wstring& folder);
-std::wstring HandoverText(std::span<const std::wstring> files);
-std::vector<std::wstring> FilesOfHandover(std::wstring_view text);
-
-// --- handover_win.cpp
 // While it lives, other starts of this program wait until this one has its window, so that ten files that are opened at
 // once from a folder come into one window.
 class StartTurn {

@@ -1,6 +1,7 @@
 #include "app/handover.h"
 #include "app/app_state.h"
 #include "app/command_line.h"
+#include "app/handover_files.h"
 #include "app/main_window.h"
 #include "base/handles.h"
 #include "base/path.h"

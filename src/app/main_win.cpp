@@ -3,6 +3,7 @@
 #include "app/command_line.h"
 #include "app/detect_report.h"
 #include "app/handover.h"
+#include "app/handover_files.h"
 #include "app/main_window.h"
 #include "base/log.h"
 #include "commands/command_table.h"

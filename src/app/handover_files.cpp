@@ -1,4 +1,4 @@
-#include "app/handover.h"
+#include "app/handover_files.h"
 
 #include "app/command_line.h"
 #include "base/path.h"
