@@ -29,6 +29,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -127,6 +128,9 @@ void LogCommandLineResult() {
 
 bool IsDown(int key) { return GetKeyState(key) < 0; }
 
+// A command was given by Alt and a key, and Alt is still down.
+bool g_altIsUsed = false;
+
 // Sends the command of a key that is not in the accelerator table (ExtraKeys). False for any other message.
 bool TranslateExtraKey(const MSG& message) {
     if (message.message != WM_KEYDOWN && message.message != WM_SYSKEYDOWN) return false;
@@ -134,8 +138,17 @@ bool TranslateExtraKey(const MSG& message) {
     const int command = CommandOfExtraKey(static_cast<std::uint32_t>(message.wParam), IsDown(VK_CONTROL),
                                           IsDown(VK_SHIFT), IsDown(VK_MENU), message.hwnd == g_app.hEditor);
     if (command == 0) return false;
+    g_altIsUsed = IsDown(VK_MENU);
     SendMessageW(g_app.hMainWnd, WM_COMMAND, MAKEWPARAM(command, 1), 0);
     return true;
+}
+
+// The end of Alt, which would open the menu although the key with it was a command.
+bool IsEndOfUsedAlt(const MSG& message) {
+    if (message.wParam != VK_MENU) return false;
+    const bool up = message.message == WM_SYSKEYUP || message.message == WM_KEYUP;
+    const bool pressed = message.message == WM_SYSKEYDOWN && (HIWORD(message.lParam) & KF_REPEAT) == 0;
+    return (up || pressed) && std::exchange(g_altIsUsed, false) && up;
 }
 
 // True after a key or a button of the mouse, by which a field may have got a selection, or another window the keyboard.
@@ -150,7 +163,7 @@ int RunMessageLoop() {
         // One refresh for all that happened since the queue was empty the last time.
         if (!PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE)) MainWnd_RunPendingRefresh();
         if (GetMessageW(&message, nullptr, 0, 0) <= 0) return static_cast<int>(message.wParam);
-        if (QuickOpenIsMessage(message) || PeekIsMessage(message)) continue;
+        if (IsEndOfUsedAlt(message) || QuickOpenIsMessage(message) || PeekIsMessage(message)) continue;
         if (accelerators != nullptr && TranslateAcceleratorW(g_app.hMainWnd, accelerators, &message) != 0) continue;
         if (TranslateExtraKey(message) || FindDialogIsMessage(&message) || FindBarIsMessage(&message) ||
             FilesDialogIsMessage(&message))

@@ -59,11 +59,20 @@ PeekPlace PlaceOf(const ReachedText& text, std::uint32_t index) {
             .text = SymbolDeclaration(*text.table, symbol)};
 }
 
+bool IsSamePlace(const PeekPlace& a, const PeekPlace& b) {
+    return a.document == b.document && a.path == b.path && a.line == b.line && a.column == b.column;
+}
+
 bool ShowDefinitions(const std::wstring& name, const Candidates& found) {
     PeekPage page{.title = name, .places = {}};
     for (const SymbolPlace& place : found.places)
         if (page.places.size() < kMostPlaces) page.places.push_back(PlaceOf(found.texts[place.text], place.symbol));
     if (page.places.empty()) return false;
+    const std::optional<PeekCaret> peek = PeekCaretNow();
+    if (peek && page.places.size() == 1 && IsSamePlace(page.places.front(), peek->place)) {
+        TellSymbolStatus(FormatW(L"This is the definition of %s", name.c_str()));
+        return true;
+    }
     if (page.places.size() == 1) page.title = page.places.front().text;
     PeekShowPage(std::move(page));
     return true;

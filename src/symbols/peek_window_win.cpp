@@ -104,6 +104,7 @@ void ShowText(const std::string& text) {
     EditorPaneApplySettings(editor);
     Ask(editor, SCI_SETREADONLY, TRUE);
     Ask(editor, SCI_SETMOUSEDWELLTIME, static_cast<LRESULT>(SC_TIME_FOREVER));
+    Ask(editor, SCI_SETSCROLLWIDTH, 1);  // it follows the lines that are seen
     MarkName(Place());
 }
 
