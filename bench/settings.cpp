@@ -5,8 +5,8 @@
 #include "bench.h"
 
 #include "ai/http.h"
-#include "app/settings_pages.h"
 #include "resources/ids.h"
+#include "settingsui/settings_pages.h"
 
 #include <cstdlib>
 #include <string>

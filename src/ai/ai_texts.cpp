@@ -1,8 +1,8 @@
 #include "ai/ai_texts.h"
 
 #include "ai/code_fence.h"
-#include "base/line_diff.h"
 #include "base/heap_text.h"
+#include "base/line_diff.h"
 #include "base/utf8.h"
 #include "settings/compilers.h"
 

@@ -299,8 +299,8 @@ void FindBarApplyTheme() {
 bool FindBarIsMessage(MSG* message) {
     if (g_search.hFindBar == nullptr) return false;
     const bool isKey = message->message == WM_KEYDOWN;
-    if (isKey && message->wParam == VK_ESCAPE && message->hwnd == g_documents.hEditor &&
-        !g_documents.wordListOpen && SciSend(message->hwnd, SCI_CALLTIPACTIVE) == 0) {
+    if (isKey && message->wParam == VK_ESCAPE && message->hwnd == g_documents.hEditor && !g_documents.wordListOpen &&
+        SciSend(message->hwnd, SCI_CALLTIPACTIVE) == 0) {
         FindBarClose(false);
         return true;
     }

@@ -1,9 +1,9 @@
 // The settings dialog without its window: every setting has its place, its limits and its letters; texts are checked and
 // put into the settings; rows are placed; what an import takes.
-#include "app/settings_form.h"
-#include "app/settings_preview.h"
 #include "settings/compiler_id.h"
 #include "settings/settings_import.h"
+#include "settingsui/settings_form.h"
+#include "settingsui/settings_preview.h"
 #include "ui/form_layout.h"
 
 #include <gtest/gtest.h>

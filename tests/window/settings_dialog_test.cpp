@@ -5,8 +5,8 @@
 
 #include <commctrl.h>
 
-#include "app/settings_pages.h"
 #include "resources/ids.h"
+#include "settingsui/settings_pages.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "app/settings_form.h"
+#include "settingsui/settings_form.h"
 
 #include "base/bounded_text.h"
 #include "base/decimal.h"

@@ -1,10 +1,10 @@
 // What the files of the settings dialog share. UI thread only.
 #pragma once
 
-#include "app/settings_form.h"
 #include "base/handles.h"
 #include "base/worker.h"
 #include "resources/ids.h"
+#include "settingsui/settings_form.h"
 #include "ui/scale.h"
 
 #include <windows.h>

@@ -1,6 +1,6 @@
 // A page of the settings dialog: a window with the controls of its items, which scrolls when they need more room. UI
 // thread only.
-#include "app/settings_dialog_internal.h"
+#include "settingsui/settings_dialog_internal.h"
 
 #include "settings/secret_text.h"
 #include "ui/chrome.h"

@@ -1,6 +1,6 @@
 // What the settings dialog asks the machine: whether a path is there, what a compiler answers, which keys there are. UI
 // thread only; what may take long is asked on another thread.
-#include "app/settings_dialog_internal.h"
+#include "settingsui/settings_dialog_internal.h"
 
 #include "base/decode.h"
 #include "base/path.h"

@@ -1,5 +1,5 @@
 // The command lines that the settings of a compiler lead to. Pure.
-#include "app/settings_preview.h"
+#include "settingsui/settings_preview.h"
 
 #include "base/bounded_text.h"
 #include "compile/build_plan.h"

@@ -1,12 +1,12 @@
 // The controls of the settings dialog: one kind for each kind of setting. UI thread only.
-#include "app/settings_dialog_internal.h"
+#include "settingsui/settings_dialog_internal.h"
 
-#include "app/settings_preview.h"
 #include "base/bounded_text.h"
 #include "debugger/exception_rules.h"
 #include "debugui/exceptions_dialog.h"
 #include "settings/settings_state.h"
 #include "settings/settings_store.h"
+#include "settingsui/settings_preview.h"
 #include "ui/chrome.h"
 #include "ui/clipboard.h"
 #include "ui/control_theme.h"

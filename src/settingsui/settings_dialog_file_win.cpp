@@ -1,5 +1,5 @@
 // Export, import and reset of the settings dialog. UI thread only.
-#include "app/settings_dialog_internal.h"
+#include "settingsui/settings_dialog_internal.h"
 
 #include "base/system_error.h"
 #include "settings/settings_state.h"

@@ -1,12 +1,12 @@
 // The frame of the settings dialog: the search, the list of pages, the buttons, and what OK and Apply do. UI thread only.
-#include "app/settings_dialog.h"
+#include "settingsui/settings_dialog.h"
 
-#include "app/settings_dialog_internal.h"
 #include "base/bounded_text.h"
 #include "base/log.h"
 #include "base/system_error.h"
 #include "settings/settings_state.h"
 #include "settings/settings_store.h"
+#include "settingsui/settings_dialog_internal.h"
 #include "ui/dialog_theme.h"
 #include "ui/message.h"
 #include "ui/ui_state.h"

@@ -3,9 +3,9 @@
 #include "ai/ai_api.h"
 #include "ai/ai_rules.h"
 #include "ai/ai_texts.h"
-#include "app/settings_dialog_internal.h"
 #include "base/bounded_text.h"
 #include "base/utf8.h"
+#include "settingsui/settings_dialog_internal.h"
 
 #include <memory>
 

@@ -2,7 +2,7 @@
 // a colour. Every change and every check is made on these texts. Pure.
 #pragma once
 
-#include "app/settings_pages.h"
+#include "settingsui/settings_pages.h"
 
 #include <cstddef>
 #include <optional>

@@ -1,6 +1,6 @@
 // The places of everything in the settings dialog, and its scale, which is that of the monitor on which the dialog is.
 // UI thread only.
-#include "app/settings_dialog_internal.h"
+#include "settingsui/settings_dialog_internal.h"
 
 #include "ui/fonts.h"
 

@@ -1,4 +1,4 @@
-#include "app/settings_pages.h"
+#include "settingsui/settings_pages.h"
 
 #include "settings/compilers.h"
 #include "ui/theme_table.h"
