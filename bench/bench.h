@@ -103,6 +103,8 @@ double RunFloor(const std::wstring& arguments);
 void MeasureStart();
 void MeasureKeys();
 void MeasureCompletion();
+void MeasureSymbols();
+void MeasureKeysWithSymbols();  // a part of MeasureSymbols
 void MeasureEdits();
 void MeasureColour();
 void MeasureOutput();

@@ -96,6 +96,44 @@ std::string SourceWithNames() {
     return text;
 }
 
+// The editor with the setting off takes the place of the floor.
+void MeasureKeysWith(const char* what, const wchar_t* section, const wchar_t* setting, std::string_view typed) {
+    const std::string text = SourceWithNames();
+    const std::wstring file = RunFolder() + L"names.bas";
+    WriteText(file, text);
+    const Folder without, with;
+    WritePrivateProfileStringW(section, setting, L"0", (without.Path() + L"Editor.ini").c_str());
+    WritePrivateProfileStringW(section, setting, L"1", (with.Path() + L"Editor.ini").c_str());
+    Program bare(Kind::Editor, without, file);
+    bare.AwaitReady(text.size());
+    Program editor(Kind::Editor, with, file);
+    editor.AwaitReady(text.size());
+    for (const Place& place : kPlaces) {
+        std::vector<double> off, on;
+        GoTo(bare.Sci(), place);
+        GoTo(editor.Sci(), place);
+        for (int turn = 0; turn < kTurns; ++turn) {
+            TypeTurn(bare, turn, typed, &off);
+            TypeTurn(editor, turn, typed, &on);
+        }
+        char note[160];
+        std::snprintf(note, sizeof(note), "of %d keys: median %.2f, that is %.2f more; max %.2f; without: %.2f, %.2f",
+                      kTurns * kKeysOfTurn, Median(on), Median(on) - Median(off), Quantile(on, 1), Median(off),
+                      Quantile(off, 1));
+        Report({.work = std::string("key with ") + what + " at the " + place.name + " of 10 MB, 95 of 100 within",
+                .floor = Quantile(off, 0.95),
+                .program = Quantile(on, 0.95),
+                .maxValue = 5.0,
+                .note = note});
+    }
+    const Memory off = bare.SettledMemory(), on = editor.SettledMemory();
+    Report({.work = std::string("memory with ") + what + " of 10 MB: resident",
+            .floor = off.residentMb,
+            .program = on.residentMb,
+            .unit = "MB",
+            .note = "floor: without"});
+}
+
 }  // namespace
 
 void MeasureKeys() {
@@ -129,34 +167,5 @@ void MeasureKeys() {
     }
 }
 
-// The editor without completion takes the place of the floor.
-void MeasureCompletion() {
-    const std::string text = SourceWithNames();
-    const std::wstring file = RunFolder() + L"names.bas";
-    WriteText(file, text);
-    const Folder without, with;
-    WritePrivateProfileStringW(L"Editor", L"EnableAutoComplete", L"0", (without.Path() + L"Editor.ini").c_str());
-    WritePrivateProfileStringW(L"Editor", L"EnableAutoComplete", L"1", (with.Path() + L"Editor.ini").c_str());
-    Program bare(Kind::Editor, without, file);
-    bare.AwaitReady(text.size());
-    Program editor(Kind::Editor, with, file);
-    editor.AwaitReady(text.size());
-    for (const Place& place : kPlaces) {
-        std::vector<double> off, on;
-        GoTo(bare.Sci(), place);
-        GoTo(editor.Sci(), place);
-        for (int turn = 0; turn < kTurns; ++turn) {
-            TypeTurn(bare, turn, kTypedNames, &off);
-            TypeTurn(editor, turn, kTypedNames, &on);
-        }
-        char note[160];
-        std::snprintf(note, sizeof(note), "of %d keys: median %.2f, that is %.2f more; max %.2f; without: %.2f, %.2f",
-                      kTurns * kKeysOfTurn, Median(on), Median(on) - Median(off), Quantile(on, 1), Median(off),
-                      Quantile(off, 1));
-        Report({.work = std::string("key with completion at the ") + place.name + " of 10 MB, 95 of 100 within",
-                .floor = Quantile(off, 0.95),
-                .program = Quantile(on, 0.95),
-                .maxValue = 5.0,
-                .note = note});
-    }
-}
+void MeasureCompletion() { MeasureKeysWith("completion", L"Editor", L"EnableAutoComplete", kTypedNames); }
+void MeasureKeysWithSymbols() { MeasureKeysWith("symbols", L"Project", L"ShowOutline", kTyped); }
