@@ -97,6 +97,7 @@ void MainWnd_ConnectEvents() {
     g_events.textLeaving = OnTextLeaving;
     g_events.textArrived = OnTextArrived;
     g_events.documentNotice = OnDocumentNotice;
+    g_events.variableAsked = SymbolsOnVariableAsked;
     g_events.folderChosen = ProjectTreeOfferRoot;
     g_events.settingsChanged = MainWnd_OnSettingsChanged;
     g_events.programBuilt = OnProgramBuilt;

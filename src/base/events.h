@@ -3,6 +3,8 @@
 // area to its right, it posts a command to the main window. There is no third way. UI thread only.
 #pragma once
 
+#include <string_view>
+
 // Identifies an open document. A number is not used again during the run. 0: no document.
 using DocumentId = int;
 
@@ -31,6 +33,8 @@ struct Events {
     Event<DocumentId> textLeaving;  // its text is about to be discarded by a reload or because its editor closes
     Event<DocumentId> textArrived;  // its text has been loaded, for the first time or again
     Event<DocumentId, const wchar_t*> documentNotice;  // something unusual about its file, as a sentence
+    // Whether the word names a variable at that line (from 0) of the document; the listener sets the flag if it does.
+    Event<DocumentId, int, std::string_view, bool*> variableAsked;
     Event<const wchar_t*> folderChosen;  // the user opened a file in this folder (with its trailing backslash)
 
     Event<const Settings&> settingsChanged;  // the settings as they were before the change

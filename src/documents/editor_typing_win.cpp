@@ -2,6 +2,8 @@
 // caret. UI thread.
 #include "documents/editor_pane.h"
 
+#include "base/events.h"
+#include "documents/documents_state.h"
 #include "documents/pane_rules.h"
 #include "documents/pane_state.h"
 #include "documents/typing_rules.h"
@@ -11,6 +13,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -46,6 +49,14 @@ void EditorPaneUpdateBraces(HWND editor) {
     PaneSend(editor, SCI_BRACEHIGHLIGHT, shown.first, shown.second);
 }
 
+// NAME and RIGHT are keywords, and programs have variables of that name.
+static bool NamesVariable(HWND editor, LRESULT line, std::string_view word) {
+    bool isVariable = false;
+    for (const DocumentTab& tab : g_documents.tabs)
+        if (tab.editor == editor) g_events.variableAsked(tab.id, static_cast<int>(line), word, &isVariable);
+    return isVariable;
+}
+
 void EditorPaneUpperKeywordBefore(HWND editor, LRESULT position) {
     if (!g_settings.autoUpperKeywords || PaneSend(editor, SCI_GETLEXER) != kBasicLexer) return;
     const LRESULT start = PaneSend(editor, SCI_WORDSTARTPOSITION, position, TRUE);
@@ -60,7 +71,10 @@ void EditorPaneUpperKeywordBefore(HWND editor, LRESULT position) {
     const std::optional<KeywordEdit> edit =
         KeywordEditOf(text, scanned, EditorPaneDialect(editor), static_cast<std::size_t>(start - lineStart),
                       static_cast<std::size_t>(position - lineStart));
-    if (!edit) return;
+    if (!edit || NamesVariable(editor, line,
+                               std::string_view(text).substr(static_cast<std::size_t>(start - lineStart),
+                                                             static_cast<std::size_t>(length))))
+        return;
     PaneSend(editor, SCI_SETTARGETRANGE, lineStart + static_cast<LRESULT>(edit->from), position);
     SciSend(editor, SCI_REPLACETARGET, edit->text.size(), reinterpret_cast<LPARAM>(edit->text.data()));
 }

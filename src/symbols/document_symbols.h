@@ -32,6 +32,8 @@ void SymbolsListen(void (*changed)(DocumentId document));
 void SymbolsTellChanged(DocumentId document);
 
 // --- For the frame
+// Sets the flag when the name is that of a variable or parameter. Of a document that nobody asks about nothing is known.
+void SymbolsOnVariableAsked(DocumentId document, int line, std::string_view name, bool* isVariable);
 void SymbolsOnModified(DocumentId document, const SCNotification& change);  // SCN_MODIFIED
 void SymbolsOnTextArrived(DocumentId document);
 void SymbolsOnClosed(DocumentId document);

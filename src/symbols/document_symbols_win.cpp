@@ -233,6 +233,15 @@ std::uint32_t SymbolsTableLine(DocumentId document, std::uint32_t line) {
     return static_cast<std::uint32_t>(at);
 }
 
+void SymbolsOnVariableAsked(DocumentId document, int line, std::string_view name, bool* isVariable) {
+    const Watched* watched = FindWatched(document);
+    if (watched == nullptr) return;
+    const SymbolTable& table = *watched->table;
+    const std::uint32_t tableLine = SymbolsTableLine(document, static_cast<std::uint32_t>(line));
+    for (const std::uint32_t index : SymbolsMeantAt(table, tableLine, name))
+        if (IsVariable(table.symbols[index].kind)) *isVariable = true;
+}
+
 void SymbolsListen(void (*changed)(DocumentId document)) {
     if (std::ranges::find(g_symbols.listeners, changed) == g_symbols.listeners.end())
         g_symbols.listeners.push_back(changed);

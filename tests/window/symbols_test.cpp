@@ -121,20 +121,25 @@ TEST(Symbols, OutlineFollowsTheDocument) {
     shows(L"inc\\types.inc|total|Fill(p AS Point)|PBMAIN()|");
     // An edit shows up, and the row of the caret is chosen.
     PutCaret(editor, 6, 1);
-    editor.Type("SUB Late()\r\nEND SUB\r\n");
-    shows(L"inc\\types.inc|total|Fill(p AS Point)|Late()|PBMAIN()|");
+    editor.Type("SUB Late(name AS LONG)\r\n\r\nEND SUB\r\n");
+    shows(L"inc\\types.inc|total|Fill(p AS Point)|Late(name AS LONG)|PBMAIN()|");
+    // A keyword that names a variable is not put into capitals.
+    PutCaret(editor, 7, 1);
+    for (const char c : std::string_view("name = let ")) editor.Send(editor.Sci(), WM_CHAR, static_cast<WPARAM>(c));
+    EXPECT_TRUE(WaitFor([&] { return editor.Text().find("\r\nname = LET \r\n") != std::string::npos; }))
+        << editor.Text();
     PutCaret(editor, 4, 1);
     EXPECT_TRUE(
         WaitFor([&] { return editor.Send(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED) == 2; }));
     // Filter, Enter, Escape.
     editor.Send(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"la"));
-    shows(L"Late()|");
+    shows(L"Late(name AS LONG)|");
     editor.Send(field, WM_KEYDOWN, VK_RETURN);
     AwaitPlace(editor, L"main.bas", 6, 5);
     EXPECT_EQ(editor.Focus(), editor.Sci());
     editor.Send(field, WM_KEYDOWN, VK_ESCAPE);
     editor.Send(pane, WM_COMMAND, MAKEWPARAM(IDC_OUTLINE_ORDER, BN_CLICKED));
-    shows(L"Fill(p AS Point)|inc\\types.inc|Late()|PBMAIN()|total|");
+    shows(L"Fill(p AS Point)|inc\\types.inc|Late(name AS LONG)|PBMAIN()|total|");
 
     // The list of the document's symbols.
     editor.Foreground();
@@ -143,7 +148,7 @@ TEST(Symbols, OutlineFollowsTheDocument) {
     editor.Keys({'P'});
     editor.Keys({'B'});
     editor.Keys({VK_RETURN});
-    AwaitPlace(editor, L"main.bas", 8, 10);
+    AwaitPlace(editor, L"main.bas", 9, 10);
 }
 
 }  // namespace
