@@ -11,6 +11,7 @@
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "search/files_internal.h"
+#include "search/find_editor.h"
 #include "ui/long_work.h"
 #include "ui/message.h"
 
@@ -128,13 +129,12 @@ ReplaceOutcome ReplaceInDocument(const ResultFile& file, const DocumentTab& tab,
     const std::vector<HitReplacement> replacements =
         ReplacementsAt({bytes, static_cast<std::size_t>(length)}, query, BreaksOf(tab.lineEnding), starts);
     outcome.replaced = replacements.size();
-    SciSend(tab.editor, SCI_BEGINUNDOACTION);
+    const EditorEdits edits(tab.editor);
     for (auto each = replacements.rbegin(); each != replacements.rend(); ++each) {
         SciSend(tab.editor, SCI_SETTARGETRANGE, each->span.start,
                 static_cast<LPARAM>(each->span.start + each->span.length));
         SciSend(tab.editor, SCI_REPLACETARGET, each->text.size(), reinterpret_cast<LPARAM>(each->text.data()));
     }
-    SciSend(tab.editor, SCI_ENDUNDOACTION);
     if (outcome.replaced < starts.size()) outcome.fault = L"some hits have changed since the search and stay";
     return outcome;
 }

@@ -33,6 +33,16 @@ const char* EditorLineBreak(HWND editor) {
     return mode == SC_EOL_LF ? "\n" : mode == SC_EOL_CR ? "\r" : "\r\n";
 }
 
+EditorEdits::EditorEdits(HWND editor) : editor_(editor), pause_(std::in_place, editor) {
+    SciSend(editor, SCI_BEGINUNDOACTION);
+}
+
+EditorEdits::~EditorEdits() {
+    SciSend(editor_, SCI_ENDUNDOACTION);
+    pause_.reset();
+    InvalidateRect(editor_, nullptr, FALSE);
+}
+
 bool ReplaceMatch(HWND editor, const FindQuery& query, const ReplaceForm& form, FindSpan match, FindSpan scope) {
     const std::optional<Replacement> found = ReplacementForSelection(EditorTextOf(editor), query, form, match, scope);
     if (!found) return false;
@@ -51,17 +61,18 @@ ReplaceAllResult ReplaceAllInScope(HWND editor, const FindQuery& query, const Re
     const LRESULT anchor = SciSend(editor, SCI_GETANCHOR);
     const LRESULT caret = SciSend(editor, SCI_GETCURRENTPOS);
     const LRESULT topLine = SciSend(editor, SCI_GETFIRSTVISIBLELINE);
-    SciSend(editor, SCI_BEGINUNDOACTION);
-    for (auto edit = found.rbegin(); edit != found.rend(); ++edit) {
-        const std::string_view text = form.alike ? form.text : edit->text;
-        ReplaceSpan(editor, edit->span, text);
-        result.grown += static_cast<std::ptrdiff_t>(text.size()) - (edit->span.end - edit->span.start);
-        ++result.count;
-        if (half(1, static_cast<double>(result.count) / static_cast<double>(found.size()))) continue;
-        result.end = RegexResult::Stopped;
-        break;
+    {
+        const EditorEdits edits(editor);
+        for (auto edit = found.rbegin(); edit != found.rend(); ++edit) {
+            const std::string_view text = form.alike ? form.text : edit->text;
+            ReplaceSpan(editor, edit->span, text);
+            result.grown += static_cast<std::ptrdiff_t>(text.size()) - (edit->span.end - edit->span.start);
+            ++result.count;
+            if (half(1, static_cast<double>(result.count) / static_cast<double>(found.size()))) continue;
+            result.end = RegexResult::Stopped;
+            break;
+        }
     }
-    SciSend(editor, SCI_ENDUNDOACTION);
     if (result.end != RegexResult::Stopped) return result;
     EditorPaneTakeBack(editor);  // moves the caret to the last edit
     SciSend(editor, SCI_SETSEL, static_cast<WPARAM>(anchor), caret);

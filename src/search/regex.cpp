@@ -54,6 +54,43 @@ std::string WholeWordExpression(std::string_view text) {
     return expression;
 }
 
+// The place of the "]" that ends the class beginning at `start`, or the end of the expression.
+std::size_t EndOfClass(std::string_view expression, std::size_t start) {
+    std::size_t at = start + 1;
+    if (at < expression.size() && expression[at] == '^') ++at;
+    if (at < expression.size() && expression[at] == ']') ++at;  // a letter of the class
+    for (; at < expression.size() && expression[at] != ']'; ++at)
+        if (expression[at] == '\\')
+            ++at;
+        else if (expression.substr(at, 2) == "[:")
+            at = std::min(expression.find(":]", at), expression.size()) + 1;
+    return at;
+}
+
+// Makes \n any line break, because it would miss, or tear apart, those of CR LF. It stays in a class and after \r, and in a
+// look behind, whose length must be fixed. The length stays, so that the place of a fault is right.
+std::string WithLineBreaks(std::string expression) {
+    std::vector<bool> lookBehind = {false};  // of the open groups
+    for (std::size_t at = 0; at < expression.size(); ++at) {
+        const std::string_view before = std::string_view(expression).substr(0, at);
+        const std::string_view rest = std::string_view(expression).substr(at);
+        if (rest.starts_with("\\Q")) {
+            at = std::min(expression.find("\\E", at), expression.size());
+        } else if (rest[0] == '\\') {
+            const bool afterCr = before.ends_with("\\r") || before.ends_with("\\r?") || before.ends_with("\\r*");
+            if (rest.starts_with("\\n") && !lookBehind.back() && !afterCr) expression[at + 1] = 'R';
+            ++at;
+        } else if (rest[0] == '[') {
+            at = EndOfClass(expression, at);
+        } else if (rest[0] == '(') {
+            lookBehind.push_back(lookBehind.back() || rest.starts_with("(?<=") || rest.starts_with("(?<!"));
+        } else if (rest[0] == ')' && lookBehind.size() > 1) {
+            lookBehind.pop_back();
+        }
+    }
+    return expression;
+}
+
 std::wstring MessageOf(int error) {
     PCRE2_UCHAR message[256] = {};
     pcre2_get_error_message(error, message, sizeof message);
@@ -93,7 +130,9 @@ RegexHandle RegexCompile(std::string_view text, const FindOptions& options, Rege
         return nullptr;
     }
     const bool literal = !options.regex && !options.wholeWord;
-    const std::string expression = options.wholeWord && !options.regex ? WholeWordExpression(text) : std::string(text);
+    const std::string expression = literal         ? std::string(text)
+                                   : options.regex ? WithLineBreaks(std::string(text))
+                                                   : WholeWordExpression(text);
     std::uint32_t bits = PCRE2_UTF | PCRE2_MATCH_INVALID_UTF | PCRE2_USE_OFFSET_LIMIT;
     bits |= literal ? PCRE2_LITERAL : PCRE2_UCP | PCRE2_MULTILINE | PCRE2_ALT_CIRCUMFLEX | PCRE2_NEVER_BACKSLASH_C;
     if (!options.matchCase) bits |= PCRE2_CASELESS;
