@@ -86,7 +86,7 @@ void TakeHits(SearchThread& thread, const std::wstring& path, DocumentId documen
     if (found.kind == FileKind::NotDecoded) NoteUnreadable(thread, path, L"its text cannot be decoded");
     if (found.kind == FileKind::TooComplex) NoteUnreadable(thread, path, L"the expression takes too long in it");
     if (found.kind == FileKind::Text) ++thread.tally.files;
-    if (found.hits.empty()) return;
+    if (found.hits.empty() && !found.more) return;
     const std::size_t before = course.hits.fetch_add(found.hits.size());
     const std::size_t room = before < kMaxHits ? kMaxHits - before : 0;
     if (found.more || found.hits.size() > room) {

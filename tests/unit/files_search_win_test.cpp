@@ -28,6 +28,16 @@ std::wstring Walked(const WalkRules& rules, std::wstring* unreadable = nullptr) 
     return text;
 }
 
+std::vector<FoundFile> TakenToTheEnd(const FilesSearchHandle& search, FilesTally* tally) {
+    std::vector<FoundFile> all;
+    std::deque<FoundFile> some;
+    const ULONGLONG start = GetTickCount64();
+    for (; FilesSearchTake(search, &some, tally) && GetTickCount64() - start < 20'000; Sleep(5))
+        std::ranges::move(some, std::back_inserter(all));
+    EXPECT_TRUE(tally->ended);
+    return all;
+}
+
 TEST(FileWalk, FindsFilesOfRealFolders) {
     const TempFolder temp;
     const std::filesystem::path& root = temp.path;
@@ -70,12 +80,7 @@ TEST(FilesSearch, NamesWhatCannotBeReadAndReadsTheRest) {
     ASSERT_NE(search, nullptr);
     std::wstring found;
     FilesTally tally;
-    std::vector<FoundFile> all;
-    std::deque<FoundFile> some;
-    for (const ULONGLONG start = GetTickCount64(); FilesSearchTake(search, &some, &tally); Sleep(5)) {
-        ASSERT_LT(GetTickCount64() - start, 20'000U);
-        std::ranges::move(some, std::back_inserter(all));
-    }
+    std::vector<FoundFile> all = TakenToTheEnd(search, &tally);
     std::ranges::sort(all, {}, &FoundFile::path);
     for (const FoundFile& file : all)
         found += std::filesystem::path(file.path).filename().wstring() + L":" + std::to_wstring(file.document) + L":" +
@@ -86,6 +91,17 @@ TEST(FilesSearch, NamesWhatCannotBeReadAndReadsTheRest) {
     EXPECT_EQ(tally.binary, 1U);
     ASSERT_EQ(tally.unreadable, 1U);
     EXPECT_EQ(tally.unreadableNames.at(0), (temp.path / "held.bas").wstring() + L" - in use by another program");
+}
+
+TEST(FilesSearch, SaysThatThereAreMoreHitsThanItKeeps) {
+    FilesJob job{.query = {.text = "x"}, .texts = {{7, L"", std::string(kMaxHits, 'x')}, {8, L"", "no hit"}}};
+    FilesTally tally;
+    EXPECT_EQ(TakenToTheEnd(FilesSearchStart(job, nullptr, WM_NULL, 0, nullptr), &tally).size(), 1U);
+    EXPECT_FALSE(tally.limited);
+    job.texts.push_back({9, L"", "x"});
+    TakenToTheEnd(FilesSearchStart(job, nullptr, WM_NULL, 0, nullptr), &tally);
+    EXPECT_TRUE(tally.limited);
+    EXPECT_EQ(tally.hits, kMaxHits);
 }
 
 }  // namespace
