@@ -101,17 +101,14 @@ std::wstring RegisterTip(HWND editor, Sci_Position position) {
 
 void OnDwell(HWND editor, DocumentId document, const SCNotification& dwell) {
     if (DebugIsWaiting() || g_app.wordListOpen) return;  // a tip would cover the list
-    LRESULT place = SciSend(editor, SCI_POSITIONFROMPOINT, static_cast<WPARAM>(dwell.x), dwell.y);
+    const LRESULT place = SciSend(editor, SCI_POSITIONFROMPOINT, static_cast<WPARAM>(dwell.x), dwell.y);
     std::wstring tip;
     switch (DwellPlaceOf(IsInSymbolMargin(editor, dwell.x), dwell.position)) {
         case DwellPlace::SymbolMargin: tip = BreakpointTip(document, LineOf(editor, place)); break;
         case DwellPlace::Text: tip = RegisterTip(editor, dwell.position); break;
         case DwellPlace::Nothing: break;
     }
-    if (tip.empty() && dwell.position >= 0) {
-        const std::string known = HoverTextAt(document, dwell.position, &place);
-        return known.empty() ? void() : HoverShow(editor, place, known);
-    }
+    if (tip.empty() && dwell.position >= 0) return HoverAtMouse(editor, document, dwell.position);
     if (tip.empty()) return;
     HoverShow(editor, place, ToUtf8(tip.c_str()));
 }
@@ -147,7 +144,7 @@ void OnEditorNotification(const SCNotification& notification) {
         case SCN_ZOOM: OnZoom(editor); break;
         case SCN_MARGINCLICK: OnMarginClick(editor, document, notification); break;
         case SCN_DWELLSTART: OnDwell(editor, document, notification); break;
-        case SCN_DWELLEND: HoverEnd(editor); break;
+        case SCN_DWELLEND: HoverMouseMoved(editor); break;
         default: break;
     }
     CompletionOnNotify(editor, notification);

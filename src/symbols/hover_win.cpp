@@ -26,6 +26,13 @@ struct Hover {
 };
 Hover g_hover;
 
+// Where the mouse rests; editor null: it moves.
+struct Rest {
+    HWND editor = nullptr;
+    LRESULT position = 0;
+};
+Rest g_rest;
+
 LRESULT Ask(HWND editor, UINT message, LRESULT wParam = 0, LPARAM lParam = 0) {
     return SciSend(editor, message, static_cast<WPARAM>(wParam), lParam);
 }
@@ -154,6 +161,25 @@ void HoverShow(HWND editor, LRESULT position, const std::string& utf8) {
     g_hover = ViewOf(editor);
     Ask(editor, SCI_CALLTIPSHOW, TipPlace(editor, position, utf8), reinterpret_cast<LPARAM>(utf8.c_str()));
     Ask(editor, SCI_CALLTIPSETHLT, 0, 0);
+}
+
+void HoverAtMouse(HWND editor, DocumentId document, LRESULT position) {
+    const auto show = [editor, document, position] {
+        LRESULT start = position;
+        const std::string text = HoverTextAt(document, position, &start);
+        if (!text.empty()) HoverShow(editor, start, text);
+        return !text.empty();
+    };
+    g_rest = {editor, position};
+    if (show() || SymbolsReachIsKnown(document)) return;
+    SymbolsWhenReached(document, [editor, position, show] {
+        if (g_rest.editor == editor && g_rest.position == position) show();
+    });
+}
+
+void HoverMouseMoved(HWND editor) {
+    g_rest = {};
+    HoverEnd(editor);
 }
 
 void HoverEnd(HWND editor) {

@@ -21,11 +21,14 @@ bool CallTipIsShown();
 // --- A text at a word
 // Shows a text in lines at a position (bytes), until the mouse, the caret or the view moves.
 void HoverShow(HWND editor, LRESULT position, const std::string& utf8);
-void HoverEnd(HWND editor);                  // SCN_DWELLEND
+void HoverEnd(HWND editor);
+void HoverMouseMoved(HWND editor);           // SCN_DWELLEND
 void HoverOnView(HWND editor, bool edited);  // SCN_UPDATEUI
 
 // What is known of the word at a position of a document; empty: nothing. `*start` becomes the word's position.
 std::string HoverTextAt(DocumentId document, LRESULT position, LRESULT* start);
+// Shows it for the word at which the mouse rests, as soon as the symbols are known.
+void HoverAtMouse(HWND editor, DocumentId document, LRESULT position);
 // The command: shows that text for the word at the caret, or tells that nothing is known.
 void HoverShowAtCaret();
 

@@ -78,6 +78,14 @@ TEST(Tips, APeekShowsAndGoes) {
     const Shapes shapes;
     Editor editor(shapes.folder, OpenArgument(shapes.main));
     EXPECT_EQ(editor.Child(IDC_PEEK), nullptr) << "a start does not pay for it";
+    // The mouse rests on a name before anything was asked of the symbols.
+    editor.Foreground();
+    const auto name = static_cast<WPARAM>(PlaceOf(editor, "Area(1"));
+    editor.Click(editor.Sci(),
+                 {static_cast<LONG>(editor.Sci(SCI_POINTXFROMPOSITION, 0, static_cast<LPARAM>(name))) + 3,
+                  static_cast<LONG>(editor.Sci(SCI_POINTYFROMPOSITION, 0, static_cast<LPARAM>(name))) + 5},
+                 MOUSEEVENTF_LEFTDOWN, 0);
+    EXPECT_TRUE(AwaitTip(editor, true));
     const LRESULT caret = PlaceOf(editor, "Area(1");
     editor.Sci(SCI_GOTOPOS, static_cast<WPARAM>(caret));
     editor.Do(IDM_PEEK_DEFINITION);
