@@ -295,6 +295,7 @@
 #define IDC_FILES_STATUS 3316
 #define IDC_FILES_REPLACING 3317
 #define IDC_FILES_FOLDER_LABEL 3318
+#define IDC_FILES_PRESERVE 3319
 
 // --- Controls of the conditional-breakpoint dialog
 #define IDC_CONDITION_TEXT 3141

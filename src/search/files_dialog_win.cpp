@@ -40,7 +40,7 @@ constexpr BoxOption kBoxes[] = {
     {IDC_FILES_CASE, &FilesOptions::matchCase},      {IDC_FILES_WORD, &FilesOptions::wholeWord},
     {IDC_FILES_REGEX, &FilesOptions::regex},         {IDC_FILES_SUBFOLDERS, &FilesOptions::subfolders},
     {IDC_FILES_GITIGNORE, &FilesOptions::gitIgnore}, {IDC_FILES_HIDDEN, &FilesOptions::hidden},
-    {IDC_FILES_REPLACING, &FilesOptions::replacing},
+    {IDC_FILES_REPLACING, &FilesOptions::replacing}, {IDC_FILES_PRESERVE, &FilesOptions::preserveCase},
 };
 struct TextOption {
     int control;
@@ -77,6 +77,7 @@ void EnableFields() {
     const auto enable = [](int control, bool on) { EnableWindow(Control(control), on ? TRUE : FALSE); };
     const bool walks = options.scope != FilesScope::OpenDocuments;
     enable(IDC_FILES_WITH, options.replacing);
+    enable(IDC_FILES_PRESERVE, options.replacing);
     g_filesDialog.folder = options.folder;
     for (const int control : {IDC_FILES_FOLDER, IDC_FILES_BROWSE, IDC_FILES_FOLDER_LABEL})
         enable(control, options.scope == FilesScope::Folder);

@@ -15,7 +15,7 @@ struct Letter {
 constexpr Letter kLetters[] = {{L'c', &FilesOptions::matchCase}, {L'w', &FilesOptions::wholeWord},
                                {L'x', &FilesOptions::regex},     {L's', &FilesOptions::subfolders},
                                {L'g', &FilesOptions::gitIgnore}, {L'h', &FilesOptions::hidden},
-                               {L'r', &FilesOptions::replacing}};
+                               {L'r', &FilesOptions::replacing}, {L'p', &FilesOptions::preserveCase}};
 constexpr std::wstring FilesOptions::*kTexts[] = {&FilesOptions::what, &FilesOptions::with, &FilesOptions::folder,
                                                   &FilesOptions::only, &FilesOptions::except};
 constexpr std::wstring_view kScopes = L"POF";  // by FilesScope
@@ -74,6 +74,7 @@ std::wstring RecentSearchLabel(const FilesOptions& options) {
 FilesQuery QueryOf(const FilesOptions& options) {
     FilesQuery query{ToUtf8(options.what), options.matchCase, options.wholeWord, options.regex, {}};
     if (options.replacing) query.with = ToUtf8(options.with);
+    query.preserveCase = options.replacing && options.preserveCase;
     return query;
 }
 

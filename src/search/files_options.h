@@ -25,6 +25,7 @@ struct FilesOptions {
     bool gitIgnore = true;
     bool hidden = false;
     bool replacing = false;
+    bool preserveCase = false;  // of the replacement
 
     bool operator==(const FilesOptions&) const = default;
 };

@@ -81,7 +81,8 @@ void DrawFileRow(RowPaint row, const ResultFile& file, const FilesRowPlaces& pla
 
 // What a replacement puts there.
 std::wstring PreviewOf(const FileHit& hit) {
-    std::wstring text = g_files.options.regex ? Utf8ToWideText(hit.preview) : g_files.options.with;
+    std::wstring text =
+        g_files.options.regex || g_files.options.preserveCase ? Utf8ToWideText(hit.preview) : g_files.options.with;
     std::ranges::replace_if(
         text, [](wchar_t c) { return c < L' '; }, L' ');
     return text;

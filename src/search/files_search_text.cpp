@@ -62,8 +62,10 @@ void ShowLineOfHit(std::string_view text, FileHit& hit) {
 
 std::optional<TextMatcher> TextMatcher::Of(const FilesQuery& query, std::wstring* fault) {
     TextMatcher matcher;
-    if (query.regex || query.text.empty()) {
-        const FindOptions options{query.matchCase, query.wholeWord, query.regex};
+    matcher.find_ = {query.matchCase, query.wholeWord, query.regex};
+    matcher.preserveCase_ = query.preserveCase;
+    if (query.regex || query.text.empty() || query.preserveCase) {
+        const FindOptions& options = matcher.find_;
         RegexFault why;
         RegexHandle code = RegexCompile(query.text, options, why);
         ReplaceForm form;
@@ -127,7 +129,7 @@ std::string TextMatcher::Replacement(std::string_view with, std::string_view bre
     if (expression_ == nullptr) return std::string{with};
     ReplaceForm form;
     RegexFault fault;
-    ReplaceParse(with, expression_->Code(), {.regex = true}, {.lineBreak = breaks}, form, fault);
+    ReplaceParse(with, expression_->Code(), find_, {.preserveCase = preserveCase_, .lineBreak = breaks}, form, fault);
     return ReplaceExpand(form, *expression_);
 }
 

@@ -19,6 +19,7 @@ struct FilesQuery {
     bool wholeWord = false;
     bool regex = false;
     std::optional<std::string> with;  // the replacement; hits then get a preview where it differs from hit to hit
+    bool preserveCase = false;        // the replacement takes the case of what it replaces
 
     bool operator==(const FilesQuery&) const = default;
 };
@@ -74,6 +75,8 @@ private:
     std::unique_ptr<RegexSearch> expression_;
     std::unique_ptr<RegexText> expressionText_;
     std::optional<std::string> with_;
+    FindOptions find_;
+    bool preserveCase_ = false;
     std::string_view text_;
     SearchStopped stopped_;
     std::size_t from_ = 0;

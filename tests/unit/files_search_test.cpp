@@ -210,6 +210,10 @@ TEST(FilesSearch, FindsAndReplacesByExpressions) {
     EXPECT_FALSE(HasSameHits("a2A", plain, hits)) << "in another line";
     const std::size_t second[] = {2};
     EXPECT_EQ(ReplacedText("a1A", ReplacementsAt("a1A", plain, "\n", second)), "a1\\1") << "a plain text has no groups";
+    const FilesQuery alike{"on.e", false, false, false, "t\\1wo", true};
+    const std::size_t all[] = {0, 5, 10};
+    EXPECT_EQ(ReplacedText("On.e on.e ON.E", ReplacementsAt("On.e on.e ON.E", alike, "\n", all)),
+              "T\\1wo t\\1wo T\\1WO");
 }
 
 TEST(FilesResults, KeepRowsInOrder) {
