@@ -88,6 +88,16 @@ TEST(Symbols, WhatANameMeans) {
     EXPECT_EQ(nameAt(0), "x");
 }
 
+TEST(Symbols, NamesThatBeginAlikeAreInOrder) {
+    const std::string many(70, 'n');
+    const SymbolTable table =
+        SymbolsOfText("GLOBAL longNameB, LongName, longnameA2, longNamea, " + many + "2, " + many + "1 AS LONG\n",
+                      DialectOf(kDefaultCompiler));
+    std::string names;
+    for (const std::uint32_t i : table.byName) names += std::string(SymbolName(table, table.symbols[i])) + " ";
+    EXPECT_EQ(names, "LongName longNamea longnameA2 longNameB " + many + "1 " + many + "2 ");
+}
+
 // --- After edits
 
 struct EditedText {
