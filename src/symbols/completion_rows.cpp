@@ -175,7 +175,13 @@ void OfferNames(Collecting& collecting) {
     for (std::size_t text = 0; text < sources.tables.size(); ++text)
         OfferOutside(collecting, *sources.tables[text], text < sources.lines.size() ? kOfDocument : kIncluded);
     if (collecting.context.place == CompletionPlace::Type || collecting.context.place == CompletionPlace::Label) return;
-    for (const std::string& name : sources.names) Offer(collecting, name, RowKind::Name, kNearby);
+    // What the document declares was offered, or belongs to another procedure.
+    const auto declared = [&sources](const std::string& name) {
+        return std::ranges::any_of(sources.tables.first(std::min(sources.tables.size(), sources.lines.size())),
+                                   [&name](const auto& table) { return !SymbolsNamed(*table, name).empty(); });
+    };
+    for (const std::string& name : sources.names)
+        if (!declared(name)) Offer(collecting, name, RowKind::Name, kNearby);
 }
 
 // --- Words

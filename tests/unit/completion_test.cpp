@@ -183,7 +183,7 @@ std::string Rows(const std::string& typed, std::size_t most = 99, const std::deq
         std::make_shared<SymbolTable>(SymbolsOfText(kMain, dialect)),
         std::make_shared<SymbolTable>(SymbolsOfText(kInclude, dialect))};
     const std::uint32_t lines[] = {6};
-    const std::string names[] = {"countdown"};
+    const std::string names[] = {"countdown", "countless"};
     const CompletionContext context = CompletionContextAt(typed, 0, dialect);
     std::string shown;
     for (const CompletionRow& row : CompletionRowsOf(context, {.tables = tables,
