@@ -24,6 +24,7 @@
 #include "search/files_search.h"
 #include "search/find_bar.h"
 #include "session/project_tree.h"
+#include "session/session.h"
 #include "symbols/completion.h"
 #include "symbols/document_symbols.h"
 #include "symbols/outline_pane.h"
@@ -33,14 +34,11 @@
 
 namespace {
 
-void OnDocumentOpened(DocumentId document) {
-    TabBarOnOpened(document);
-    DefinitionLinksAttach(TabAt(TabBarFindDocument(document)).editor);
-    CompletionAttach(TabAt(TabBarFindDocument(document)).editor);
-}
+void OnDocumentOpened(DocumentId document) { TabBarOnOpened(document); }
 
 void OnDocumentActivated(DocumentId document) {
     TabBarOnActivated();
+    SessionOnShown(document);
     FindBarOnActivated(document);
     StatusBarForgetOthers(document);
     MainWindow_UpdateTitle();
@@ -61,6 +59,7 @@ void OnDocumentClosed(DocumentId document, int index) {
     TabBarOnClosed(index);
     SymbolsOnClosed(document);
     SnapshotsOnClosed(document);
+    SessionOnClosed(document);
 }
 
 void OnTextLeaving(DocumentId document) {
@@ -70,7 +69,11 @@ void OnTextLeaving(DocumentId document) {
 }
 
 void OnTextArrived(DocumentId document) {
+    const HWND editor = TabAt(TabBarFindDocument(document)).editor;
+    DefinitionLinksAttach(editor);  // once: each knows what it is attached to
+    CompletionAttach(editor);
     BreakpointsRestoreMarkers(document);
+    SessionOnTextArrived(document);
     DebugRestoreLocation(document);
     FilesSearchOnTextArrived(document);
     SymbolsOnTextArrived(document);

@@ -92,7 +92,8 @@ bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create) {
     CreateChildren(window);
     LoadSettings();
     MainWnd_RestorePlace(window);
-    for (const DocumentTab& tab : g_app.tabs) EditorPaneApplySettings(tab.editor);
+    for (const DocumentTab& tab : g_app.tabs)
+        if (tab.editor != nullptr) EditorPaneApplySettings(tab.editor);
     MainWnd_ApplyTheme();  // sets the fonts of the panes
     ToolbarUpdateAi();
     MainWnd_ApplyTimers(window);

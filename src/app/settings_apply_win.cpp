@@ -33,7 +33,8 @@ void MainWnd_OnSettingsChanged(const Settings& before) {
     if ((effects & kEffectEditors) != 0)
         SettingsApplyToEditor();
     else if ((effects & kEffectView) != 0)
-        for (const DocumentTab& tab : g_app.tabs) EditorPaneApplySettings(tab.editor);
+        for (const DocumentTab& tab : g_app.tabs)
+            if (tab.editor != nullptr) EditorPaneApplySettings(tab.editor);
     if ((effects & (kEffectEditors | kEffectView)) != 0) AiRenewMarks();
     if ((effects & (kEffectEditors | kEffectView)) != 0) PeekApplySettings();
     if ((effects & kEffectFrame) != 0) MainWnd_ApplyTheme();

@@ -222,7 +222,7 @@ void MainWnd_OnClose(HWND window) {
     }
     AiShutdown();
     DebugShutdown();
-    for (int tab = TabCount() - 1; tab >= 0; --tab) TabBarRemove(tab);
+    TabBarRemoveAll();
     DestroyWindow(window);
 }
 

@@ -101,9 +101,10 @@ void QuickPreviewSelect(HWND window, const QuickPreview& what) {
     ++g_preview.request;
     KillTimer(window, TIMER_QUICK_PREVIEW);
     const int tab = TabBarFindDocument(what.document);
-    if (tab >= 0)
+    if (tab >= 0 && TabAt(tab).editor == nullptr) g_preview.what.path = TabAt(tab).path;  // is read when it is shown
+    if (tab >= 0 && TabAt(tab).editor != nullptr)
         g_preview.text = LinesOfDocument(TabAt(tab), what.line);
-    else if (what.path.empty())
+    else if (g_preview.what.path.empty())
         g_preview.text = {};
     else
         SetTimer(window, TIMER_QUICK_PREVIEW, kPauseMs, nullptr);  // until then the former text stays

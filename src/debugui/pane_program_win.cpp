@@ -111,7 +111,8 @@ std::wstring PaneSourceLine(std::uint32_t fileId, std::uint32_t line) {
     const std::wstring path = DebugFilePath(State(), fileId);
     if (path.empty() || line == 0) return {};
     for (const DocumentTab& tab : g_documents.tabs)
-        if (tab.path[0] != L'\0' && PathEqualsIgnoreCase(tab.path, path)) return EditorLine(tab.editor, line);
+        if (tab.editor != nullptr && tab.path[0] != L'\0' && PathEqualsIgnoreCase(tab.path, path))
+            return EditorLine(tab.editor, line);
     return SourceLineText(FileOf(path), line);
 }
 

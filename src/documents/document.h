@@ -15,7 +15,9 @@ enum class BuildMark : std::uint8_t { None, Error, Ok };  // result of the last 
 
 struct DocumentTab : FileBinding {
     DocumentId id = 0;             // unique; not used again during the run
-    HWND editor = nullptr;         // Scintilla window, child of the main window; TabBarRemove destroys it
+    // Scintilla window, child of the main window; TabBarRemove destroys it. Null: the file of a session, which is read
+    // when it is first shown (TabBarRead).
+    HWND editor = nullptr;
     std::uint32_t compilerId = 0;  // the compiler whose dialect decides the colours
     bool modified = false;
     bool mustSave = false;        // its file may not hold its text, so only a save makes it unmodified

@@ -32,6 +32,12 @@ std::vector<RowEntry> DocumentRowEntries();
 // the reading ended, when there was a file to read. Reading a large file handles paints and Esc meanwhile.
 int TabBarAdd(const wchar_t* path, const wchar_t* label, LoadEnd* why = nullptr);
 
+// Adds the document of a file that is read when it is first shown. Returns its index.
+int TabBarAddUnread(const wchar_t* path, const wchar_t* label);
+// Reads the file of such a document, for whoever needs its text or its editor before it is shown. True when the document
+// has its editor. When the file cannot be read a message says so, and the document stays unread.
+bool TabBarRead(int index);
+
 // Shows a document. Returns 1, or 0 for an index out of range.
 int TabBarSelect(int index);
 // TabBarSelect, then moves the keyboard focus to the editor.
@@ -43,6 +49,8 @@ void TabBarSyncActiveEditor();
 
 // Removes the document and destroys its editor, without asking. Returns 1, or 0 for an index out of range.
 int TabBarRemove(int index);
+// Removes all documents, those first that are not shown, so that no other is shown, or read, meanwhile.
+void TabBarRemoveAll();
 // Moves a document to another place in the row. Returns 1, or 0 for an index out of range.
 int TabBarMove(int from, int to);
 

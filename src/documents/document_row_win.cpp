@@ -14,6 +14,7 @@
 #include "scintilla/scintilla_library.h"
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
+#include "ui/message.h"
 #include "ui/ui_state.h"
 
 #include <algorithm>
@@ -39,7 +40,7 @@ constexpr int ScintillaEol(LineEnding ending) {
 // again. The message carries the id and the index, because the row may change before it arrives.
 void CheckLanguage(int index) {
     const DocumentTab& tab = TabAt(index);
-    if (!tab.hasFile || g_scintilla.createLexer == nullptr) return;
+    if (!tab.hasFile || tab.editor == nullptr || g_scintilla.createLexer == nullptr) return;
     const bool plain = EditorPaneIsPlain(tab.editor);
     const LanguageLexer& wanted = LexerOf(plain ? Language::None : LexerFromExtension(tab.path));
     char current[64] = "";
@@ -55,9 +56,20 @@ int FindTab(Matches matches) {
     return found == g_documents.tabs.end() ? -1 : static_cast<int>(found - g_documents.tabs.begin());
 }
 
+// Gives an editor that is not shown the place of the one that is, because the first visible line and wrapping depend on
+// the size. The layout places only the active editor.
+void PlaceLikeActive(HWND editor) {
+    RECT place = {};
+    if (g_documents.hEditor == nullptr || GetWindowRect(g_documents.hEditor, &place) == FALSE) return;
+    MapWindowPoints(nullptr, g_ui.hMainWnd, reinterpret_cast<POINT*>(&place), 2);
+    SetWindowPos(editor, nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 void HideOtherEditors() {
     for (const DocumentTab& tab : g_documents.tabs)
-        if (tab.editor != g_documents.hEditor && (GetWindowLongPtrW(tab.editor, GWL_STYLE) & WS_VISIBLE) != 0)
+        if (tab.editor != nullptr && tab.editor != g_documents.hEditor &&
+            (GetWindowLongPtrW(tab.editor, GWL_STYLE) & WS_VISIBLE) != 0)
             ShowWindow(tab.editor, SW_HIDE);
 }
 
@@ -104,37 +116,80 @@ std::vector<RowEntry> DocumentRowEntries() {
 
 DocumentId ActiveDocumentId() { return IsTabIndex(g_documents.activeTab) ? TabAt(g_documents.activeTab).id : 0; }
 
-int TabBarAdd(const wchar_t* path, const wchar_t* label, LoadEnd* why) {
+// Makes the editor of a document, with the text of its file when it has one.
+static LoadEnd MakeEditor(DocumentTab& tab) {
+    tab.editor = EditorPaneCreate(g_ui.hInstance, g_ui.hMainWnd, g_nextEditorId);
+    if (tab.editor == nullptr) return LoadEnd::NoMemory;
+    ++g_nextEditorId;
+    PlaceLikeActive(tab.editor);
+    if (!tab.hasFile) return LoadEnd::Done;
+    LoadedFile file;
+    LoadEnd end = DocumentRead(tab.path, tab.label, &file);
+    if (end == LoadEnd::Done && !DocumentShow(tab, std::move(file))) end = LoadEnd::NoMemory;
+    if (end != LoadEnd::Done) DestroyWindow(std::exchange(tab.editor, nullptr));
+    return end;
+}
+
+static DocumentTab NewDocument(const wchar_t* path, const wchar_t* label) {
     DocumentTab tab;
     tab.hasFile = path != nullptr && path[0] != L'\0';
     if (tab.hasFile) SafeCopyW(tab.path, path);
     SafeCopyW(tab.label, label != nullptr ? label : L"");
     tab.compilerId =
         tab.hasFile ? CompilerDefaultForFile(tab.path) : static_cast<std::uint32_t>(g_settings.activeCompiler);
-    tab.editor = EditorPaneCreate(g_ui.hInstance, g_ui.hMainWnd, g_nextEditorId);
-    if (tab.editor == nullptr) return -1;
-    ++g_nextEditorId;
-    if (tab.hasFile) {
-        LoadedFile file;
-        LoadEnd end = DocumentRead(tab.path, tab.label, &file);
-        if (end == LoadEnd::Done && !DocumentShow(tab, std::move(file))) end = LoadEnd::NoMemory;
-        if (why != nullptr) *why = end;
-        if (end != LoadEnd::Done) {
-            DestroyWindow(tab.editor);
-            return -1;
-        }
-    }
+    return tab;
+}
+
+// The document is in the row and has its text.
+static void SetUpEditor(int index) {
+    const DocumentTab& tab = TabAt(index);
+    TabBarUpdateLineEnding(index);
+    EditorPaneInit(tab.editor, tab.compilerId);
+    EditorPaneApplySettings(tab.editor);
+}
+
+int TabBarAdd(const wchar_t* path, const wchar_t* label, LoadEnd* why) {
+    DocumentTab tab = NewDocument(path, label);
+    const LoadEnd end = MakeEditor(tab);
+    if (why != nullptr) *why = end;
+    if (end != LoadEnd::Done) return -1;
     tab.id = g_nextDocument++;
 
     g_documents.tabs.push_back(tab);
     const int index = TabCount() - 1;
-    TabBarUpdateLineEnding(index);
-    EditorPaneInit(tab.editor, tab.compilerId);
-    EditorPaneApplySettings(tab.editor);
+    SetUpEditor(index);
     g_events.documentOpened(tab.id);
     g_events.textArrived(tab.id);
     TellDocumentForm(index);
     return index;
+}
+
+int TabBarAddUnread(const wchar_t* path, const wchar_t* label) {
+    DocumentTab tab = NewDocument(path, label);
+    tab.id = g_nextDocument++;
+    g_documents.tabs.push_back(tab);
+    g_events.documentOpened(tab.id);
+    return TabCount() - 1;
+}
+
+bool TabBarRead(int index) {
+    if (!IsTabIndex(index)) return false;
+    if (TabAt(index).editor != nullptr) return true;
+    DocumentTab tab = TabAt(index);  // a copy: reading a large file handles messages
+    const LoadEnd end = MakeEditor(tab);
+    index = TabBarFindDocument(tab.id);
+    if (end != LoadEnd::Done || index < 0) {
+        if (tab.editor != nullptr) DestroyWindow(tab.editor);
+        if (end != LoadEnd::Cancelled && index >= 0)
+            ErrorMessage(L"Failed to open file: %s%s", tab.path, LoadFailureText(end).c_str());
+        return false;
+    }
+    TabAt(index) = tab;
+    SetUpEditor(index);
+    g_events.textArrived(tab.id);
+    g_events.documentChanged(tab.id);
+    TellDocumentForm(index);
+    return true;
 }
 
 void TellDocumentForm(int index) {
@@ -146,6 +201,7 @@ void TellDocumentForm(int index) {
 }
 
 void TabBarSyncActiveEditor() {
+    if (IsTabIndex(g_documents.activeTab)) TabBarRead(g_documents.activeTab);
     const HWND previous = g_documents.hEditor;
     const HWND focus = GetFocus();
     g_documents.hEditor = IsTabIndex(g_documents.activeTab) ? TabAt(g_documents.activeTab).editor : nullptr;
@@ -205,8 +261,14 @@ int TabBarRemove(int index) {
     g_events.documentClosed(document, index);
     TabBarSyncActiveEditor();
     if (hadFocus) SetFocus(g_documents.hEditor != nullptr ? g_documents.hEditor : g_ui.hMainWnd);
-    DestroyWindow(editor);
+    if (editor != nullptr) DestroyWindow(editor);
     return 1;
+}
+
+void TabBarRemoveAll() {
+    for (int tab = TabCount() - 1; tab >= 0; --tab)
+        if (tab != g_documents.activeTab) TabBarRemove(tab);
+    while (TabCount() > 0) TabBarRemove(0);
 }
 
 int TabBarMove(int from, int to) {

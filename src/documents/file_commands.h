@@ -18,6 +18,8 @@ int FileShow(const wchar_t* path, bool quiet);
 // Opens a file without showing it, for a command that opens many. Shows no message box. Returns the index of its document,
 // also when it was open already, or -1.
 int FileAdd(const wchar_t* path);
+// The same for a file that is read when its document is first shown. -1: there is no such file.
+int FileAddUnread(const wchar_t* path);
 int FileSave(int tab);
 int FileSaveAs(int tab);
 int FileSaveAll();        // 0 when a modified document was not saved

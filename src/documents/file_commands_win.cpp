@@ -112,16 +112,6 @@ bool ShowReloaded(int tab, LoadedFile file) {
     return whole;
 }
 
-// Gives an editor that is not shown the place of the one that is, because the first visible line and wrapping depend on
-// the size. The layout places only the active editor.
-void PlaceLikeActive(HWND editor) {
-    RECT place = {};
-    if (g_documents.hEditor == nullptr || GetWindowRect(g_documents.hEditor, &place) == FALSE) return;
-    MapWindowPoints(nullptr, g_ui.hMainWnd, reinterpret_cast<POINT*>(&place), 2);
-    SetWindowPos(editor, nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
-                 SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
 enum class Opened { Failed, WasOpen, New };
 
 // Shows the document of the file at an absolute path, and opens it when it is not open.
@@ -180,7 +170,9 @@ int FileShow(const wchar_t* path, bool quiet) {
     return ResolveInputPath(path, file, kPathCapacity, quiet) && ShowDocument(file, quiet) != Opened::Failed ? 1 : 0;
 }
 
-int FileAdd(const wchar_t* path) {
+// Adds the document of a file with `add`, unless it is open. -1: the path is none, or its share does not answer.
+template <typename Add>
+static int AddFile(const wchar_t* path, Add add) {
     wchar_t file[kPathCapacity] = {};
     if (!ResolveInputPath(path, file, kPathCapacity, true)) return -1;
     const int existing = TabBarFindPath(file);
@@ -189,9 +181,17 @@ int FileAdd(const wchar_t* path) {
     if (!PathAnswers(file)) return -1;
     wchar_t label[kLabelCapacity];
     PathGetFile(file, label, kLabelCapacity);
-    const int tab = TabBarAdd(file, label);
-    if (tab >= 0) PlaceLikeActive(TabAt(tab).editor);
-    return tab;
+    return add(file, label);
+}
+
+int FileAdd(const wchar_t* path) {
+    const int tab = AddFile(path, [](auto file, auto label) { return TabBarAdd(file, label); });
+    return tab >= 0 && TabBarRead(tab) ? tab : -1;
+}
+
+int FileAddUnread(const wchar_t* path) {
+    return AddFile(
+        path, [](auto file, auto label) { return FileExists(file) ? TabBarAddUnread(file, label) : -1; });
 }
 
 int FileOpenResolveInitialDirectory(wchar_t* out, std::size_t capacity) {
@@ -269,6 +269,10 @@ int FileConfirmCloseAll(const std::vector<DocumentId>& documents, std::vector<Do
 int FileCloseDocuments(CloseRange range, DocumentId kept) {
     const std::vector<DocumentId> documents = DocumentsToClose(DocumentRowEntries(), range, kept);
     if (!documents.empty() && FileConfirmCloseAll(documents) == 0) return 0;
+    if (range == CloseRange::All) {
+        TabBarRemoveAll();
+        return 1;
+    }
     TabBarSelect(std::max(TabBarFindDocument(kept), 0));  // otherwise each close would show a neighbour
     for (const DocumentId document : documents) TabBarRemove(TabBarFindDocument(document));
     TabBarActivate(TabBarFindDocument(kept));

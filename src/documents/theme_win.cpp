@@ -122,10 +122,12 @@ void SyntaxThemeApplyDefault(HWND editor, std::uint32_t compilerId) {
 }
 
 void SyntaxThemeApplyAll() {
-    for (const DocumentTab& tab : g_documents.tabs) SyntaxThemeApply(tab.editor, tab.compilerId, tab.path);
+    for (const DocumentTab& tab : g_documents.tabs)
+        if (tab.editor != nullptr) SyntaxThemeApply(tab.editor, tab.compilerId, tab.path);
 }
 
 void SettingsApplyToEditor() {
     SyntaxThemeApplyAll();
-    for (const DocumentTab& tab : g_documents.tabs) EditorPaneApplySettings(tab.editor);
+    for (const DocumentTab& tab : g_documents.tabs)
+        if (tab.editor != nullptr) EditorPaneApplySettings(tab.editor);
 }

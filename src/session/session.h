@@ -1,6 +1,8 @@
 // Session files (open documents and view state) and the workspace file. UI thread only.
 #pragma once
 
+#include "base/events.h"
+#include "documents/document.h"
 #include "session/workspace_text.h"
 
 #include <windows.h>
@@ -27,6 +29,14 @@ void SessionCheckAutoSave();
 void SessionAutoSavePath(wchar_t* out, size_t capacity);
 // Puts a session file first in the list of recent sessions.
 void SessionMRUAdd(const wchar_t* path);
+
+// A restore opens the files when they are first shown. What the session says of them is applied then: marks when the text
+// is there, places when the editor has its size.
+void SessionOnTextArrived(DocumentId document);
+void SessionOnShown(DocumentId document);
+void SessionOnClosed(DocumentId document);
+// Where the caret is, or will be when the document is first shown. Bytes.
+std::uint64_t SessionCaretOf(const DocumentTab& tab);
 
 WorkspaceFile WorkspaceFileAt(const wchar_t* path);
 std::wstring WorkspaceDefaultPath();

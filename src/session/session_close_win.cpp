@@ -41,8 +41,7 @@ bool CloseEveryTab() {
                      TabAt(tab).label);
         return false;
     }
-    TabBarSelect(0);  // otherwise each close would show a neighbour
-    while (TabCount() > 0) TabBarRemove(TabCount() - 1);
+    TabBarRemoveAll();
     if (!kept.empty()) {
         InfoMessage(L"The session replaces all open documents. Changes that you did not save are kept here:%s",
                     kept.c_str());

@@ -14,7 +14,7 @@ void ApplyFileItem(const SessionItem& item, const SessionTarget& target, std::ve
         }
     }
     if (item.file == missingSection) SessionTakeItem(missing.back(), item);
-    if (item.key == SessionKey::Path || !target.has(item.file)) return;
+    if (item.key == SessionKey::Path || !target.has(item.file) || target.keep(item.file, item)) return;
     if (item.key == SessionKey::BreakpointRule) target.setRule(item.file, SessionParseRule(item.text));
     for (const EditorMessage& message : SessionEditorMessages(item)) target.send(item.file, message);
 }

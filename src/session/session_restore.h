@@ -12,6 +12,8 @@
 struct SessionTarget {
     std::function<bool(const std::string& path)> open;  // opens a file (UTF-8) without showing it; false: not possible
     std::function<bool(int index)> has;
+    // Takes a line of a document whose file is read later; false: the document has its text.
+    std::function<bool(int index, const SessionItem& item)> keep;
     std::function<void(int index, const EditorMessage& message)> send;
     std::function<void(int index, const SessionBreakpoint& rule)> setRule;  // of a breakpoint
     std::function<void(const SessionFrame& frame)> showFrame;               // after a value of the frame has changed

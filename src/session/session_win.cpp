@@ -63,16 +63,27 @@ void ApplyBreakpointRule(DocumentId document, const SessionBreakpoint& rule) {
     BreakpointEnable(static_cast<std::size_t>(index), rule.enabled);
 }
 
+bool IsMark(SessionKey key) {
+    return key == SessionKey::Bookmarks || key == SessionKey::Breakpoints || key == SessionKey::BreakpointRule;
+}
+
 // BreakpointsUpdate() has been called.
 SessionFile CaptureFile(const DocumentTab& tab) {
     SessionFile file;
     file.path = ToUtf8(tab.path);
-    file.hasEditor = tab.editor != nullptr;
-    if (file.hasEditor) {
+    const auto unshown = g_session.unshown.find(tab.id);
+    const bool isShown = unshown == g_session.unshown.end();
+    file.hasEditor = !isShown || tab.editor != nullptr;
+    if (!isShown)
+        for (const SessionItem& item : unshown->second)
+            if (tab.editor == nullptr || !IsMark(item.key)) SessionTakeItem(file, item);
+    if (isShown && tab.editor != nullptr) {
         file.cursor = Position(tab.editor, SCI_GETCURRENTPOS);
         file.scroll = Position(tab.editor, SCI_GETFIRSTVISIBLELINE);
         file.selectionStart = Position(tab.editor, SCI_GETSELECTIONSTART);
         file.selectionEnd = Position(tab.editor, SCI_GETSELECTIONEND);
+    }
+    if (tab.editor != nullptr) {
         file.bookmarks = MarkedLines(tab.editor, kMarkBookmark);
         file.breakpoints = MarkedLines(tab.editor, kMarkBreakpoint);
         file.rules = SessionRulesOf(BreakpointList(), tab.id);
@@ -107,10 +118,21 @@ void SendFitting(HWND editor, const EditorMessage& message) {
     }
 }
 
-// Opens a file of the session. The first one is shown, because the others get their size from it.
-bool OpenSessionFile(const std::string& path) {
-    if (FileAdd(Utf8ToWideText(path).c_str()) < 0) return false;
-    if (!IsTabIndex(g_documents.activeTab)) TabBarSelect(0);
+void ApplyItem(int tab, const SessionItem& item) {
+    if (item.key == SessionKey::BreakpointRule) return ApplyBreakpointRule(TabAt(tab).id, SessionParseRule(item.text));
+    for (const EditorMessage& message : SessionEditorMessages(item)) SendFitting(TabAt(tab).editor, message);
+}
+
+bool OpenSessionFile(const std::string& path) { return FileAddUnread(Utf8ToWideText(path).c_str()) >= 0; }
+
+// A document with breakpoints is read at once, because the debugger must know them.
+bool KeepForLater(int tab, const SessionItem& item) {
+    if (TabAt(tab).editor != nullptr && !g_session.unshown.contains(TabAt(tab).id)) return false;
+    const DocumentId document = TabAt(tab).id;
+    const bool wasRead = TabAt(tab).editor != nullptr;
+    g_session.unshown[document].push_back(item);
+    if (wasRead && IsMark(item.key)) ApplyItem(tab, item);
+    if (!wasRead && (item.key == SessionKey::Breakpoints || item.key == SessionKey::BreakpointRule)) TabBarRead(tab);
     return true;
 }
 
@@ -120,6 +142,7 @@ void ApplySession(const std::vector<SessionItem>& items) {
     const SessionTarget target = {
         .open = OpenSessionFile,
         .has = IsTabIndex,
+        .keep = KeepForLater,
         .send = [](int tab, const EditorMessage& message) { SendFitting(TabAt(tab).editor, message); },
         .setRule = [](int tab, const SessionBreakpoint& rule) { ApplyBreakpointRule(TabAt(tab).id, rule); },
         .showFrame = ApplyFrame};
@@ -152,6 +175,32 @@ std::optional<std::string> ReadSession(const wchar_t* path) {
 RestoreScope::RestoreScope() { ++g_session.restores; }
 
 RestoreScope::~RestoreScope() { --g_session.restores; }
+
+void SessionOnTextArrived(DocumentId document) {
+    const auto unshown = g_session.unshown.find(document);
+    if (unshown == g_session.unshown.end()) return;
+    for (const SessionItem& item : unshown->second)
+        if (IsMark(item.key)) ApplyItem(TabBarFindDocument(document), item);
+}
+
+void SessionOnShown(DocumentId document) {
+    const int tab = TabBarFindDocument(document);
+    if (g_session.unshown.empty() || tab < 0 || TabAt(tab).editor == nullptr) return;
+    const auto unshown = g_session.unshown.extract(document);
+    if (unshown.empty()) return;
+    for (const SessionItem& item : unshown.mapped())
+        if (!IsMark(item.key)) ApplyItem(tab, item);
+}
+
+void SessionOnClosed(DocumentId document) { g_session.unshown.erase(document); }
+
+std::uint64_t SessionCaretOf(const DocumentTab& tab) {
+    const auto unshown = g_session.unshown.find(tab.id);
+    if (unshown == g_session.unshown.end()) return Position(tab.editor, SCI_GETCURRENTPOS);
+    SessionFile file;
+    for (const SessionItem& item : unshown->second) SessionTakeItem(file, item);
+    return file.cursor;
+}
 
 bool SessionSavesAllowed() { return !g_session.starting && g_session.restores == 0; }
 

@@ -35,7 +35,7 @@ std::wstring TargetFor(const wchar_t* path) {
 std::vector<WorkspaceTab> CaptureTabs() {
     std::vector<WorkspaceTab> tabs;
     for (const DocumentTab& tab : g_documents.tabs)
-        tabs.push_back({.path = tab.path, .cursor = static_cast<std::int32_t>(SciSend(tab.editor, SCI_GETCURRENTPOS))});
+        tabs.push_back({.path = tab.path, .cursor = static_cast<std::int32_t>(SessionCaretOf(tab))});
     for (const SessionFile& missing : g_session.missing) {
         const std::wstring path = Utf8ToWideText(missing.path);
         if (TabBarFindPath(path.c_str()) < 0)

@@ -189,7 +189,7 @@ void NoteShift(Watched& watched, std::uint32_t line, std::int64_t added) {
 // Null for a document that is closed.
 Watched* Watch(DocumentId document) {
     const int tab = TabBarFindDocument(document);
-    if (tab < 0) return nullptr;
+    if (tab < 0 || TabAt(tab).editor == nullptr) return nullptr;
     Watched* watched = FindWatched(document);
     if (watched == nullptr) {
         g_symbols.watched.push_back(std::make_unique<Watched>());

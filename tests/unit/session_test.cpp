@@ -202,6 +202,7 @@ TEST(SessionRestore, AMissingFileShiftsThePlacesOfLaterOnes) {
                                           return path != "gone";
                                       },
                                   .has = [&](int index) { return index >= 0 && index < static_cast<int>(open.size()); },
+                                  .keep = [](int, const SessionItem&) { return false; },
                                   .send =
                                       [&](int index, const EditorMessage& message) {
                                           sent += std::to_string(index) + ":" + std::to_string(message.wParam) + " ";

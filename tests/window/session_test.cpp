@@ -95,6 +95,39 @@ TEST(Session, KeepsPlacesAndMarks) {
     EXPECT_NE(folder.Read(kSessionFile).find(kRules), std::string::npos);
 }
 
+TEST(Session, FilesThatWereNotShownKeepTheirPlaces) {
+    ProgramFolder folder;
+    std::string session = "[Session]\r\nVersion=1\r\nActiveTab=2\r\nTabCount=3";
+    for (int i = 1; i <= 3; ++i)
+        session += "\r\n\r\n[File" + std::to_string(i) +
+                   "]\r\nPath=" + Utf8(folder.Write(L"f" + std::to_wstring(i) + L".bas", Lines(90))) +
+                   "\r\nCursor=300\r\nScroll=20\r\nSelectionStart=290\r\nSelectionEnd=300\r\nBookmarks=4,7";
+    session += "\r\n";
+    folder.Write(kSessionFile, session);
+    {
+        Editor editor(folder, L"", Until::Started);
+        editor.Answer(kRestore, L"", IDYES);
+        ASSERT_TRUE(editor.AwaitReady());
+        EXPECT_EQ(editor.TabLabel(editor.ActiveTab()), L"f3.bas");
+        EXPECT_EQ(editor.Close(), 0u);
+        EXPECT_EQ(FileSections(folder.Read(kSessionFile)), FileSections(session));
+    }
+    Editor editor(folder, L"", Until::Started);
+    editor.Answer(kRestore, L"", IDYES);
+    ASSERT_TRUE(editor.AwaitReady());
+    DeleteFileW(folder.File(L"f1.bas").c_str());
+    editor.Do(IDM_PREVIOUS_TAB);
+    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 300);
+    EXPECT_EQ(editor.Sci(SCI_GETFIRSTVISIBLELINE), 20);
+    EXPECT_EQ(editor.Sci(SCI_MARKERNEXT, 5, 1 << kMarkBookmark), 7);
+    editor.Post(IDM_PREVIOUS_TAB);  // its file has gone meanwhile: said, and nothing breaks
+    editor.Answer(kProgramTitle, L"Failed to open file: ", IDOK);
+    editor.Do(IDM_NEXT_TAB);
+    EXPECT_EQ(editor.Text(), Lines(90));
+    EXPECT_EQ(editor.Close(), 0u);
+    EXPECT_EQ(FileSections(folder.Read(kSessionFile)), FileSections(session));
+}
+
 TEST(Session, AMissingFileShiftsLaterPlaces) {
     ProgramFolder folder;
     const std::wstring a = folder.Write(L"a.bas", "' caf\xC3\xA9s"), c = folder.Write(L"c.bas", Lines(20));
