@@ -14,7 +14,7 @@
 enum class BuildMark : std::uint8_t { None, Error, Ok };  // result of the last build of this document
 
 struct DocumentTab : FileBinding {
-    DocumentId id = 0;             // unique; not used again during the run
+    DocumentId id = 0;  // unique; not used again during the run
     // Scintilla window, child of the main window; TabBarRemove destroys it. Null: the file of a session, which is read
     // when it is first shown (TabBarRead).
     HWND editor = nullptr;
