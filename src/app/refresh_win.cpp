@@ -7,6 +7,7 @@
 #include "commands/status_bar.h"
 #include "commands/toolbar.h"
 #include "resources/ids.h"
+#include "symbols/completion.h"
 #include "symbols/outline_pane.h"
 
 #include <utility>
@@ -49,6 +50,7 @@ void MainWnd_OnPositionTimer() { ShowPosition(); }
 void MainWnd_RunPendingRefresh() {
     MainWnd_ShowNotices();
     HandoverOpenWaiting();
+    CompletionGoOn();
     if (!g_refresh.wanted || g_app.hToolbar == nullptr) return;
     g_refresh.wanted = false;
     FollowPosition();

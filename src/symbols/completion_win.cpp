@@ -51,6 +51,7 @@ struct WaitingPlace {
     bool wanted = false;
 };
 WaitingPlace g_waiting;
+HWND g_typedIn = nullptr;            // the editor whose list is to follow what was typed; null: none
 std::deque<std::string> g_accepted;  // words that were chosen in this run, the last one first
 bool g_dropCharacter = false;        // the key down was taken, its character is to be dropped
 
@@ -228,6 +229,7 @@ void ShowRows() {
 
 void Update(HWND editor, bool wanted) {
     g_waiting = {};
+    g_typedIn = nullptr;
     const std::optional<Look> look = LookAround(editor);
     const LRESULT start = look ? look->first + static_cast<LRESULT>(look->context.start) : -1;
     const bool goesOn = look && g_list.editor == editor && g_list.start == start;
@@ -253,12 +255,20 @@ void Update(HWND editor, bool wanted) {
     ShowRows();
 }
 
+// The list follows once the typed character is painted.
+void UpdateLater(HWND editor) { g_typedIn = editor; }
+
+void UpdateNow() {
+    const HWND editor = std::exchange(g_typedIn, nullptr);
+    if (editor != nullptr && editor == g_documents.hEditor) Update(editor, false);
+}
+
 void OnCharacter(HWND editor, WPARAM character) {
     if (g_list.editor == nullptr && g_settings.enableAutoComplete == 0) return;
     if (character == L'.' || (character < 0x10000 && IsNameByte(static_cast<LRESULT>(character))))
-        Update(editor, false);
-    else if (g_list.editor != nullptr)
-        CloseList();
+        return UpdateLater(editor);
+    g_typedIn = nullptr;
+    CloseList();
 }
 
 // What was typed is a row already: Enter is a new line then, as without the list, and Tab expands a snippet of that name.
@@ -310,6 +320,9 @@ bool OnListKey(WPARAM key) {
 }
 
 bool OnKeyDown(HWND editor, WPARAM key) {
+    // A key that comes before the list has followed is meant for the list that the user expects.
+    const bool types = (key >= 'A' && key <= 'Z') || (key >= '0' && key <= '9') || key == VK_SHIFT;
+    if (!types) UpdateNow();
     if (g_list.editor == editor) return OnListKey(key);
     return SnippetTakesKey(editor, key);
 }
@@ -325,7 +338,7 @@ LRESULT OnKeyMessage(HWND editor, WPARAM wParam, LPARAM lParam) {
     g_dropCharacter = OnKeyDown(editor, wParam);
     if (g_dropCharacter) return 0;
     const LRESULT result = SubclassNext(editor, WM_KEYDOWN, wParam, lParam);
-    if (wParam == VK_BACK && g_list.editor == editor) Update(editor, false);
+    if (wParam == VK_BACK && g_list.editor == editor) UpdateLater(editor);
     return result;
 }
 
@@ -338,11 +351,13 @@ LRESULT CALLBACK CompletionProc(HWND editor, UINT message, WPARAM wParam, LPARAM
         case WM_LBUTTONDOWN:
         case WM_RBUTTONDOWN:
         case WM_MBUTTONDOWN:
+            g_typedIn = nullptr;
             if (g_list.editor == editor) CloseList();
             break;
         case WM_NCDESTROY:
             if (g_list.editor == editor) CloseList();
             if (g_waiting.editor == editor) g_waiting = {};
+            if (g_typedIn == editor) g_typedIn = nullptr;
             SnippetForget(editor);
             break;
         default: break;
@@ -366,6 +381,7 @@ void OnSymbols(DocumentId document) {
 
 // The caret has left the word, or the view has moved.
 void OnView(HWND editor) {
+    if (g_typedIn == editor) return;  // the list follows
     const LRESULT caret = Ask(editor, SCI_GETCURRENTPOS);
     const bool inside = caret >= g_list.start && caret <= g_list.start + static_cast<LRESULT>(g_list.prefix.size());
     if (!inside || Ask(editor, SCI_GETFIRSTVISIBLELINE) != g_list.firstLine) CloseList();
@@ -390,7 +406,12 @@ void CompletionOnNotify(HWND editor, const SCNotification& notification) {
         OnView(editor);
 }
 
-void CompletionClose() { CloseList(); }
+void CompletionClose() {
+    g_typedIn = nullptr;
+    CloseList();
+}
+
+void CompletionGoOn() { UpdateNow(); }
 
 void CompletionShowWanted() {
     const HWND editor = g_documents.hEditor;
