@@ -11,6 +11,7 @@
 #include "disasm/disasm_state.h"
 #include "documents/documents_state.h"
 #include "output/output_state.h"
+#include "project/project_state.h"
 #include "scintilla/scintilla_library.h"
 #include "search/search_state.h"
 #include "session/session_state.h"
@@ -30,6 +31,7 @@ struct AppState : SettingsState,
                   DisasmState,
                   DebuggerArea,
                   DebugUiState,
+                  ProjectState,
                   SessionState,
                   SearchState,
                   OutlineState,

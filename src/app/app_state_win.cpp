@@ -20,6 +20,7 @@ DisasmState& g_disasm = g_app;
 DebuggerState& g_debugger = g_app.debugger;
 DebugFlags& g_debug = g_app.debug;
 DebugUiState& g_debugUi = g_app;
+ProjectState& g_project = g_app;
 SessionState& g_session = g_app;
 SearchState& g_search = g_app;
 AiState& g_ai = g_app;

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "files/file_identity.h"
-#include "search/ignore_rules.h"
+#include "files/ignore_rules.h"
 
 #include <atomic>
 #include <cstdint>

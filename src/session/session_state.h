@@ -1,17 +1,14 @@
-// The project tree's window, and the session and workspace in use. UI thread only.
+// The session and workspace in use. UI thread only.
 #pragma once
 
 #include "base/bounded_text.h"
 #include "base/events.h"
 #include "session/session_text.h"
 
-#include <windows.h>
-
 #include <map>
 #include <vector>
 
 struct SessionState {
-    HWND hProjectTree = nullptr;
     wchar_t sessionPath[kPathCapacity] = {};    // current named session; empty: none
     wchar_t workspacePath[kPathCapacity] = {};  // current workspace; empty: the default beside the executable
     bool splitHorizontal = false;               // saved and restored with sessions

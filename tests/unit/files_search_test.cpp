@@ -1,12 +1,12 @@
 // Which files a search takes, and what it finds in a text.
 #include "base/path.h"
 #include "base/utf8.h"
+#include "files/ignore_rules.h"
 #include "search/file_walk.h"
 #include "search/files_options.h"
 #include "search/files_replace.h"
 #include "search/files_results.h"
 #include "search/files_search_text.h"
-#include "search/ignore_rules.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 // Session and workspace files as text, and what the project tree shows.
 #include "documents/margins.h"
+#include "project/tree_actions.h"
+#include "project/tree_rules.h"
 #include "session/session_restore.h"
 #include "session/session_text.h"
 #include "session/session_view.h"
-#include "session/tree_actions.h"
-#include "session/tree_rules.h"
 #include "session/workspace_text.h"
 
 #include <Scintilla.h>

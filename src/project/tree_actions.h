@@ -1,7 +1,7 @@
 // What the project tree is waiting for, and what can be done with an item. Pure.
 #pragma once
 
-#include "session/tree_rules.h"
+#include "project/tree_rules.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,5 +1,5 @@
 // Draws the small pictures of the project tree. UI thread.
-#include "session/tree_icons.h"
+#include "project/tree_icons.h"
 
 #include "base/handles.h"
 #include "ui/chrome.h"

@@ -1,5 +1,5 @@
 // What the project tree is waiting for, and what can be done with an item. Pure.
-#include "session/tree_actions.h"
+#include "project/tree_actions.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Decides what the project tree shows of a folder. Pure.
-#include "session/tree_rules.h"
+#include "project/tree_rules.h"
 
 #include "settings/file_type_table.h"
 

@@ -2,7 +2,7 @@
 // and the window must not wait for it.
 #pragma once
 
-#include "session/tree_rules.h"
+#include "project/tree_rules.h"
 
 #include <windows.h>
 

@@ -1,6 +1,6 @@
 // Patterns of names. No match takes longer than the length of the pattern times that of the path, because an ignore file
 // may come from anywhere.
-#include "search/ignore_rules.h"
+#include "files/ignore_rules.h"
 
 #include "base/lines.h"
 #include "base/path.h"

@@ -1,6 +1,6 @@
 // Reads one folder for the project tree in a worker, which uses no window and no global state except to post the
 // listing.
-#include "session/tree_reader.h"
+#include "project/tree_reader.h"
 
 #include "base/handles.h"
 #include "base/path.h"

@@ -1,17 +1,17 @@
 // The project tree: a tree view whose folders are read, each when it is first opened, by a reader thread. Knows files
 // only by their names; opening one is a file command. UI thread.
-#include "session/project_tree.h"
+#include "project/project_tree.h"
 
 #include "base/log.h"
 #include "base/worker.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
+#include "project/project_state.h"
+#include "project/tree_actions.h"
+#include "project/tree_icons.h"
+#include "project/tree_reader.h"
+#include "project/tree_rules.h"
 #include "resources/ids.h"
-#include "session/session_state.h"
-#include "session/tree_actions.h"
-#include "session/tree_icons.h"
-#include "session/tree_reader.h"
-#include "session/tree_rules.h"
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
 #include "ui/clipboard.h"
@@ -49,7 +49,7 @@ struct TreeState {
 };
 TreeState g_tree;
 
-HWND Tree() { return g_session.hProjectTree; }
+HWND Tree() { return g_project.hProjectTree; }
 
 std::wstring ItemText(HTREEITEM item) {
     wchar_t text[MAX_PATH + 1] = {};
@@ -315,7 +315,7 @@ void ProjectTreeApplyTheme() {
 }
 
 void ProjectTreeOfferRoot(const wchar_t* folder) {
-    if (g_selftestTabsMode || g_settings.projectRoot[0] != L'\0' || g_session.hProjectTree == nullptr) return;
+    if (g_selftestTabsMode || g_settings.projectRoot[0] != L'\0' || g_project.hProjectTree == nullptr) return;
     SettingsChange([folder](Settings& settings) {
         SafeCopyW(settings.projectRoot, folder);
         settings.projectTreeWidth = TreeFirstWidth(settings.projectTreeWidth);
