@@ -12,6 +12,7 @@
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
+#include "ui/list_view.h"
 #include "ui/menu.h"
 #include "ui/message.h"
 #include "ui/paint.h"
@@ -319,6 +320,7 @@ LRESULT OnListNotify(const NMHDR& header) {
             FillDisplay(reinterpret_cast<NMLVDISPINFOW*>(const_cast<NMHDR*>(&header))->item);
             return 0;
         case NM_CUSTOMDRAW: return FilesDrawItem(reinterpret_cast<const NMLVCUSTOMDRAW&>(header));
+        case LVN_ITEMCHANGED: ListRowRepaint(reinterpret_cast<const NMLISTVIEW&>(header)); return 0;
         case NM_CLICK: OnRowClick(reinterpret_cast<const NMITEMACTIVATE&>(header).ptAction, false); return 0;
         case NM_DBLCLK: OnRowClick(reinterpret_cast<const NMITEMACTIVATE&>(header).ptAction, true); return 0;
         default: return 0;

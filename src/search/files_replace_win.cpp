@@ -63,6 +63,8 @@ std::vector<std::size_t> TickedStarts(const ReplaceTask& task) {
 // --- On the worker
 
 std::wstring SaveFault(const std::wstring& path, const SaveReport& report) {
+    // The next start would offer the text, but nothing is lost while the file is as it was.
+    if (report.end == SaveEnd::NotOpened || report.end == SaveEnd::NoRoom) RecoveryDiscard(path.c_str(), {});
     const std::wstring copy = RecoveryLastPath();
     std::wstring text = FailedSaveText(path.c_str(), report, {}, copy);
     text.erase(0, text.find(L"\n\n") + 2);                                    // the line before names the file
@@ -75,6 +77,7 @@ std::wstring ReplaceInFile(const ReplaceTask& task, const FilesQuery& query, std
     const DWORD attributes = GetFileAttributesW(PathExtended(task.path).c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0)
         return L"the file is read-only";
+    if (RecoveryHasKept(task.path.c_str())) return L"a save of it has failed, and its text is still kept";
     ReadBuffer bytes;
     const std::wstring fault = ReadSearchedFile(task.path, 0, false, nullptr, &bytes);
     if (!fault.empty()) return fault;

@@ -127,6 +127,18 @@ int ListViewMarkWidth(const ListKind& kind, int column) {
     return column == 0 && kind.hasMarks ? UiScaled(kMarkWidth) : 0;
 }
 
+void ListRowRepaint(const NMLISTVIEW& changed) {
+    RECT row = {.left = LVIR_BOUNDS};
+    RECT client = {};
+    GetClientRect(changed.hdr.hwndFrom, &client);
+    if (SendMessageW(changed.hdr.hwndFrom, LVM_GETITEMRECT, static_cast<WPARAM>(changed.iItem),
+                     reinterpret_cast<LPARAM>(&row)) == FALSE)
+        row = client;  // all rows have changed
+    row.left = client.left;
+    row.right = client.right;
+    InvalidateRect(changed.hdr.hwndFrom, &row, FALSE);
+}
+
 LRESULT ListViewDrawItem(const ListView& list, const NMLVCUSTOMDRAW& draw) {
     if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
     if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT || list.kind == nullptr) return CDRF_DODEFAULT;

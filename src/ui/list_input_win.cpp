@@ -158,6 +158,7 @@ bool ListViewHandleNotify(ListView& list, const NMHDR& header, LRESULT* result) 
         case NM_DBLCLK: OnListDoubleClick(list, reinterpret_cast<const NMITEMACTIVATE&>(header)); return true;
         case LVN_GETINFOTIPW: FillTip(list, reinterpret_cast<const NMLVGETINFOTIPW&>(header)); return true;
         case LVN_BEGINSCROLL: InlineEditCancel(); return true;
+        case LVN_ITEMCHANGED: ListRowRepaint(reinterpret_cast<const NMLISTVIEW&>(header)); return false;
         default: return false;
     }
 }

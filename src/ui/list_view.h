@@ -64,6 +64,10 @@ void ListViewApplyTheme(ListView& list);
 // Handles WM_NOTIFY. Returns true when the notification was for the list; `result` is then the answer if there is one.
 bool ListViewHandleNotify(ListView& list, const NMHDR& header, LRESULT* result);
 
+// For LVN_ITEMCHANGED of a list view whose rows are drawn up to its edges: the control itself leaves out the edge, where
+// a selection that has moved on would stay.
+void ListRowRepaint(const NMLISTVIEW& changed);
+
 int ListViewSelected(const ListView& list);  // -1: none
 void ListViewSelect(const ListView& list, int row);
 RECT ListViewCell(const ListView& list, int row, int column);  // in client coordinates, without the mark
