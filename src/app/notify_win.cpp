@@ -18,6 +18,7 @@
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "search/files_search.h"
+#include "search/find.h"
 #include "search/find_bar.h"
 #include "settings/settings_state.h"
 #include "symbols/completion.h"
@@ -65,9 +66,11 @@ void OnLinesMoved(HWND editor, DocumentId document, const SCNotification& change
 }
 
 void TellSearch(DocumentId document, const SCNotification& change) {
-    const bool inserted = (change.modificationType & SC_MOD_INSERTTEXT) != 0;
-    if (inserted || (change.modificationType & SC_MOD_DELETETEXT) != 0)
-        FilesSearchOnEdit(document, change.position, inserted ? change.length : 0, inserted ? 0 : change.length);
+    const bool insertion = (change.modificationType & SC_MOD_INSERTTEXT) != 0;
+    if (!insertion && (change.modificationType & SC_MOD_DELETETEXT) == 0) return;
+    const Sci_Position inserted = insertion ? change.length : 0, removed = insertion ? 0 : change.length;
+    FindOnEdit(document, change.position, inserted, removed);
+    FilesSearchOnEdit(document, change.position, inserted, removed);
 }
 
 void OnMarginClick(HWND editor, DocumentId document, const SCNotification& click) {

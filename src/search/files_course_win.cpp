@@ -219,6 +219,7 @@ std::wstring FilesSearchBegin(const FilesOptions& options) {
     if (options.scope != FilesScope::OpenDocuments) fault = RootOf(options, &root);
     if (!fault.empty()) return fault;
     BeginResults(options, root);
+    g_files.byUser = true;
     PaneShow(PaneId::FilesResults, true);
     if (FilesPaneWindow() == nullptr) return L"The pane of results could not be made";
     g_files.running = true;
@@ -237,6 +238,7 @@ void FilesShowFound(const std::wstring& note, const std::string& text, std::vect
     std::wstring root = g_settings.projectRoot;
     while (root.size() > 3 && root.ends_with(L'\\')) root.pop_back();
     BeginResults(options, root);
+    g_files.byUser = false;
     PaneShow(PaneId::FilesResults, true);
     if (FilesPaneWindow() == nullptr) return;
     std::vector<ResultFile> files;

@@ -224,7 +224,7 @@ void CentreOver(HWND dialog, HWND owner) {
 
 // What the dialog shows first: the last search of this run, else the newest one of the list.
 FilesOptions FirstOptions() {
-    if (g_files.number != 0) return g_files.options;
+    if (g_files.byUser) return g_files.options;
     const std::vector<FilesOptions> recent = RecentSearches();
     return recent.empty() ? FilesOptions{} : recent.front();
 }

@@ -17,6 +17,7 @@ struct FollowedEdit {
 
 struct FilesSearchState {
     FilesOptions options;  // of the last search
+    bool byUser = false;   // the user has set these options; else they are those of FilesShowFound
     std::wstring root;     // of its folder, without the backslash; empty: none
     FilesResults results;
     FilesTally tally;

@@ -29,6 +29,17 @@ FindSpan CurrentScope() {
     return ScopeWithin(inSelection ? std::optional{g_find.scope} : std::nullopt, WholeDocument().end);
 }
 
+// Whether the search may begin: "in selection" means what is selected now, unless that is a match or within one line.
+bool ScopeIsKnown() {
+    if (!FindInSelection() || g_documents.hEditor == nullptr) return true;
+    const FindSpan now = EditorSelection(g_documents.hEditor);
+    const bool same = g_find.scopeDocument == ActiveDocumentId();
+    if (same && (!FindSelectionSpansLines() || now == g_find.scopeSelection || now == g_find.shownSelection))
+        return true;
+    FindTakeScope();
+    return FindInSelection();
+}
+
 // Makes the query. False when it cannot be searched for; then the status says why. Also false without a document.
 bool PrepareFind(FindQuery& query) {
     ReadFindDialog();
@@ -38,7 +49,7 @@ bool PrepareFind(FindQuery& query) {
         return false;
     }
     FindRemember();
-    return g_documents.hEditor != nullptr;
+    return g_documents.hEditor != nullptr && ScopeIsKnown();
 }
 
 void RememberReplacement() {
@@ -130,19 +141,33 @@ void FindRemember() {
 void FindTakeScope() {
     g_find.scopeDocument = ActiveDocumentId();
     g_find.scope = EditorSelection(g_documents.hEditor);
+    g_find.scopeSelection = g_find.scope;
     if (g_find.scope.start != g_find.scope.end) return;
     g_find.scopeDocument = 0;
     FindLeaveSelection();
     ShowFindStatus(L"Select the text to search in first");
 }
 
+bool FindSelectionSpansLines() {
+    const auto line = [](UINT message) {
+        return SciSend(g_documents.hEditor, SCI_LINEFROMPOSITION,
+                       static_cast<WPARAM>(SciSend(g_documents.hEditor, message)));
+    };
+    return line(SCI_GETSELECTIONSTART) != line(SCI_GETSELECTIONEND);
+}
+
+void FindOnEdit(DocumentId document, std::ptrdiff_t position, std::ptrdiff_t inserted, std::ptrdiff_t removed) {
+    if (document == 0 || document != g_find.scopeDocument) return;
+    const std::optional<FindSpan> scope = ScopeAfterEdit(g_find.scope, position, inserted, removed);
+    g_find.scope = scope.value_or(FindSpan{});
+    if (!scope) g_find.scopeDocument = 0;  // the next search asks for a selection
+}
+
 void FindReplaceNext() {
     FindQuery query;
     ReplaceForm form;
     if (!PrepareReplacing(query, form)) return;
-    const std::ptrdiff_t before = WholeDocument().end;
     ReplaceMatch(g_documents.hEditor, query, form, FindCurrentMatch(), CurrentScope());
-    g_find.scope.end += WholeDocument().end - before;
     FindStep(query, true);
 }
 
@@ -155,7 +180,7 @@ void FindReplaceAll() {
     const ReplaceAllResult result = ReplaceAllInScope(g_documents.hEditor, query, form, CurrentScope(),
                                                       [&work](double share) { return work.GoesOn(share); });
     SetCursor(before);
-    g_find.scope.end += result.grown;
+    g_find.scopeSelection = EditorSelection(g_documents.hEditor);
     ShowFindStatus(ReplaceStatusOf(result.end, result.count).c_str());
 }
 

@@ -33,7 +33,6 @@ bool ReplaceMatch(HWND editor, const FindQuery& query, const ReplaceForm& form, 
 // Replaces every match in the scope as one undo step. The matches are found before the first change.
 struct ReplaceAllResult {
     std::size_t count = 0;                   // matches replaced
-    std::ptrdiff_t grown = 0;                // change of the scope's length, bytes
     RegexResult end = RegexResult::NoMatch;  // else the text is as it was before
 };
 ReplaceAllResult ReplaceAllInScope(HWND editor, const FindQuery& query, const ReplaceForm& form, FindSpan scope,

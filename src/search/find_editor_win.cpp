@@ -66,7 +66,6 @@ ReplaceAllResult ReplaceAllInScope(HWND editor, const FindQuery& query, const Re
         for (auto edit = found.rbegin(); edit != found.rend(); ++edit) {
             const std::string_view text = form.alike ? form.text : edit->text;
             ReplaceSpan(editor, edit->span, text);
-            result.grown += static_cast<std::ptrdiff_t>(text.size()) - (edit->span.end - edit->span.start);
             ++result.count;
             if (half(1, static_cast<double>(result.count) / static_cast<double>(found.size()))) continue;
             result.end = RegexResult::Stopped;

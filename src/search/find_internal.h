@@ -19,7 +19,8 @@ struct FindState {
     bool preserveCase = false;
     bool replacing = false;        // the dialog shows the controls for replacing
     DocumentId scopeDocument = 0;  // document of `scope`, 0: none
-    FindSpan scope;                // the selection when "in selection" was ticked
+    FindSpan scope;                // the selection when "in selection" was ticked; follows the edits since
+    FindSpan scopeSelection;       // the selection that is known; another one becomes the scope
     // The match that is shown, and what was selected for it: whole characters and line breaks around it.
     DocumentId shownDocument = 0;
     FindSpan shown, shownSelection;
@@ -38,6 +39,7 @@ void UncoverMatch(FindSpan match);  // moves the dialog when it covers the match
 // --- Searching (find_actions_win.cpp)
 void FindStep(const FindQuery& query, bool forward);  // selects the next match and says where it went on
 void FindTakeScope();                                 // makes the selection the scope
+bool FindSelectionSpansLines();
 void FindReplaceNext();
 void FindReplaceAll();
 void FindCount();

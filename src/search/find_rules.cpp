@@ -31,6 +31,19 @@ FindSpan ScopeWithin(std::optional<FindSpan> taken, std::ptrdiff_t documentLengt
     return {std::min(taken->start, end), end};
 }
 
+std::optional<FindSpan> ScopeAfterEdit(FindSpan scope, std::ptrdiff_t position, std::ptrdiff_t inserted,
+                                       std::ptrdiff_t removed) {
+    const std::ptrdiff_t removedTo = position + removed;
+    const bool more = position < scope.start || removedTo > scope.end;
+    if (removed > 0 && more && position <= scope.start && removedTo >= scope.end) return std::nullopt;
+    const auto without = [&](std::ptrdiff_t place) {
+        return place <= position ? place : std::max(position, place - removed);
+    };
+    const FindSpan left{without(scope.start), without(scope.end)};
+    return FindSpan{left.start + (position < left.start ? inserted : 0),
+                    left.end + (position <= left.end ? inserted : 0)};
+}
+
 std::wstring TextToFindNext(const std::wstring& last, const std::wstring& selected, const std::wstring& newest) {
     if (!last.empty()) return last;
     return selected.empty() ? newest : selected;

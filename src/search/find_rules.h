@@ -34,6 +34,11 @@ std::string_view SearchTextFromSelection(std::string_view selection);
 // The range of "in selection", cut to the length of the document (bytes); without a range the whole document.
 FindSpan ScopeWithin(std::optional<FindSpan> taken, std::ptrdiff_t documentLength);
 
+// The scope after an edit at `position`. What is inserted at its start or end belongs to it. Nothing when it was removed
+// with text around it: nobody can tell then where it would come back.
+std::optional<FindSpan> ScopeAfterEdit(FindSpan scope, std::ptrdiff_t position, std::ptrdiff_t inserted,
+                                       std::ptrdiff_t removed);
+
 // The text that "find next" searches for while the dialog is closed: the last search text, else the selection, else the
 // newest text of the history. Empty when there is none.
 std::wstring TextToFindNext(const std::wstring& last, const std::wstring& selected, const std::wstring& newest);

@@ -69,19 +69,11 @@ void SetReplacing(HWND dialog, bool replacing) {
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-bool SelectionSpansLines() {
-    const auto line = [](UINT message) {
-        return SciSend(g_documents.hEditor, SCI_LINEFROMPOSITION,
-                       static_cast<WPARAM>(SciSend(g_documents.hEditor, message)));
-    };
-    return line(SCI_GETSELECTIONSTART) != line(SCI_GETSELECTIONEND);
-}
-
 // Fills the fields each time the dialog is opened or activated.
 void FillFindFields(HWND dialog) {
     const std::wstring selected = FindSelectedText();
     if (!selected.empty()) SetDlgItemTextW(dialog, IDC_FIND_WHAT, selected.c_str());
-    const bool spansLines = SelectionSpansLines();
+    const bool spansLines = FindSelectionSpansLines();
     CheckDlgButton(dialog, IDC_FIND_SELECTION, spansLines ? BST_CHECKED : BST_UNCHECKED);
     if (spansLines) FindTakeScope();
     SetDlgItemTextW(dialog, IDC_FIND_STATUS, L"");

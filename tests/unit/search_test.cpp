@@ -72,6 +72,12 @@ TEST(FindRules, ScopeAndDialogKeepToWhatIsThere) {
     EXPECT_EQ(ScopeWithin(std::nullopt, 50), (FindSpan{0, 50}));
     EXPECT_EQ(ScopeWithin(FindSpan{10, 90}, 50), (FindSpan{10, 50})) << "the document became shorter";
     EXPECT_EQ(ScopeWithin(FindSpan{60, 90}, 50), (FindSpan{50, 50}));
+    EXPECT_EQ(ScopeAfterEdit({10, 20}, 4, 3, 0), (FindSpan{13, 23}));
+    EXPECT_EQ(ScopeAfterEdit({10, 20}, 20, 3, 0), (FindSpan{10, 23}));
+    EXPECT_EQ(ScopeAfterEdit({10, 20}, 8, 0, 4), (FindSpan{8, 16}));
+    EXPECT_EQ(ScopeAfterEdit({10, 20}, 10, 0, 10), (FindSpan{10, 10})) << "a match that is all of it";
+    EXPECT_EQ(ScopeAfterEdit({10, 20}, 5, 0, 40), std::nullopt);
+    EXPECT_EQ(ScopeAfterEdit({10, 20}, 10, 0, 11), std::nullopt);
     EXPECT_EQ(DialogTopBesideMatch(100, 120, 200, 0, 900), 120) << "below";
     EXPECT_EQ(DialogTopBesideMatch(800, 820, 200, 0, 900), 600) << "above";
     EXPECT_EQ(DialogTopBesideMatch(100, 120, 200, 30, 300), 30) << "neither: at the top of the work area";

@@ -123,6 +123,16 @@ TEST(Find, ExpressionsInASelection) {
     EXPECT_EQ(editor.Text(), "a=1\r\nB=2\r\nC=3\r\nd=4\r\n") << "over line breaks, with the document's own";
     editor.Do(IDM_EDIT_UNDO);
     EXPECT_EQ(editor.Text(), "a=1\r\n2 <- b\r\n3 <- c\r\nd=4\r\n") << "one step";
+    const RemoteBlock text(editor.process, 8);
+    text.Put("'1\r\n", 5);
+    editor.Sci(SCI_INSERTTEXT, 0, text.At());
+    replace.Set(IDC_FIND_WHAT, L"\\d");
+    replace.Press(IDC_FIND_COUNT);
+    EXPECT_EQ(replace.Status(), L"2 matches") << "the range has moved with its text";
+    editor.Sci(SCI_SETSEL, 0, 6);
+    replace.Press(IDC_FIND_COUNT);
+    EXPECT_EQ(replace.Status(), L"1 match") << "of what was selected last";
+    editor.Do(IDM_EDIT_UNDO);
     replace.Tick(IDC_FIND_SELECTION);
     replace.Set(IDC_FIND_WHAT, L"\\d");
     replace.Press(IDC_FIND_COUNT);
