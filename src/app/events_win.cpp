@@ -16,6 +16,7 @@
 #include "disasm/asm_pane.h"
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
+#include "documents/outside.h"
 #include "output/line_colours.h"
 #include "output/output_feed.h"
 #include "output/output_pane.h"
@@ -34,7 +35,10 @@
 
 namespace {
 
-void OnDocumentOpened(DocumentId document) { TabBarOnOpened(document); }
+void OnDocumentOpened(DocumentId document) {
+    TabBarOnOpened(document);
+    OutsideOnDocuments();
+}
 
 void OnDocumentActivated(DocumentId document) {
     TabBarOnActivated();
@@ -45,6 +49,7 @@ void OnDocumentActivated(DocumentId document) {
     StatusBarUpdatePosition();
     MenuUpdateState();
     OutlineOnActivated(document);
+    OutsideOnDocumentActive();
 }
 
 void OnDocumentChanged(DocumentId document) {
@@ -60,7 +65,10 @@ void OnDocumentClosed(DocumentId document, int index) {
     SymbolsOnClosed(document);
     SnapshotsOnClosed(document);
     SessionOnClosed(document);
+    OutsideOnDocuments();
 }
+
+void OnDocumentSaved(DocumentId) { OutsideOnDocuments(); }
 
 void OnTextLeaving(DocumentId document) {
     BreakpointsKeepLines(document);
@@ -96,6 +104,7 @@ void MainWnd_ConnectEvents() {
     g_events.documentActivated = OnDocumentActivated;
     g_events.documentChanged = OnDocumentChanged;
     g_events.documentMoved = TabBarOnMoved;
+    g_events.documentSaved = OnDocumentSaved;
     g_events.documentClosed = OnDocumentClosed;
     g_events.textLeaving = OnTextLeaving;
     g_events.textArrived = OnTextArrived;

@@ -54,7 +54,8 @@ std::vector<CommandHandler> AllCommandHandlers();  // the tables of all areas
 void MainWnd_OnLateKey(std::uint32_t key, LPARAM bits);  // MSG_LATE_KEY
 // notices_win.cpp
 void MainWnd_OnNoticeWanted(const wchar_t* text);
-void MainWnd_ShowNotices();  // in message boxes, one after the other
+void MainWnd_ShowNotices();    // in message boxes, one after the other
+void MainWnd_AskAboutFiles();  // that other programs have changed, when the user can be asked; called as the one above
 // settings_apply_win.cpp
 void MainWnd_OnSettingsChanged(const Settings& before);
 void MainWnd_ApplyTimers(HWND window);  // starts or stops the timers for automatic saving by the settings

@@ -14,6 +14,7 @@
 #include "debugui/debug_commands.h"
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
+#include "documents/outside.h"
 #include "recovery/snapshots.h"
 #include "resources/ids.h"
 #include "search/find_bar.h"
@@ -54,6 +55,7 @@ bool RouteOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case MSG_AI_TEXT_BACK: AiOnTextBack(wParam != 0); return true;
         case MSG_AI_ENDED: AiOnRequestEnded(WorkerTake<AiRequestEndPtr>(wParam)); return true;
         case MSG_DEBUG_LAUNCH: DebugOnBuilt(); return true;
+        case MSG_OUTSIDE_SEEN: OutsideOnSeen(wParam); return true;
         case MSG_SNAPSHOT_WRITTEN: SnapshotsOnWritten(wParam); return true;
         case MSG_SYMBOLS_SCANNED: SymbolsOnScanned(wParam); return true;
         case MSG_SYMBOLS_FILES: SymbolsOnFilesScanned(wParam); return true;
@@ -86,6 +88,7 @@ void RouteTimer(HWND window, UINT_PTR id) {
         case TIMER_AI_MARKS: AiOnMarksTimer(); break;
         case TIMER_AI_PIECES: AiOnPiecesTimer(); break;
         case TIMER_FIND: FindBarOnTimer(); break;
+        case TIMER_OUTSIDE: OutsideOnTimer(); break;
         case TIMER_SNAPSHOTS: SnapshotsOnTimer(); break;
         case TIMER_SYMBOLS: SymbolsOnTimer(); break;
         case TIMER_POSITION: MainWnd_OnPositionTimer(); break;
@@ -117,6 +120,7 @@ void MainWnd_OnActivate(HWND window, bool active) {
     else
         FocusCurrentEditor();
     FindBarOnEntered();
+    OutsideOnProgramActive();
     CompilersLook(window, MSG_COMPILERS_SEEN);  // the user may have installed or removed one meanwhile
 }
 

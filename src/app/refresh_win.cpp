@@ -51,6 +51,7 @@ void MainWnd_RunPendingRefresh() {
     MainWnd_ShowNotices();
     HandoverOpenWaiting();
     CompletionGoOn();
+    MainWnd_AskAboutFiles();
     if (!g_refresh.wanted || g_app.hToolbar == nullptr) return;
     g_refresh.wanted = false;
     FollowPosition();

@@ -14,7 +14,7 @@
 #include "documents/editor_pane.h"
 #include "documents/file_commands.h"
 #include "documents/file_work.h"
-#include "documents/save_rules.h"
+#include "documents/outside.h"
 #include "files/file_io.h"
 #include "files/share_probe.h"
 #include "recovery/recovery.h"
@@ -168,7 +168,7 @@ void MainWnd_OnAutoSaveTimer() {
     for (const DocumentId document : DocumentsToSave(DocumentRowEntries(), true)) {
         const int tab = TabBarFindDocument(document);  // a box about the one before may have closed or saved this one
         // A question that comes by itself would take the keys that the user types into the text.
-        if (tab >= 0 && TabAt(tab).hasFile && TabAt(tab).modified && !SaveAsksAboutForm(TabAt(tab))) FileSave(tab);
+        if (tab >= 0 && TabAt(tab).hasFile && TabAt(tab).modified) FileSaveUnasked(tab);
     }
 }
 
@@ -221,6 +221,7 @@ void MainWnd_OnClose(HWND window) {
         AppLogMsg(L"DBG WM_CLOSE: skipped session/settings save during self-test");
     }
     AiShutdown();
+    OutsideEnd();
     DebugShutdown();
     TabBarRemoveAll();
     DestroyWindow(window);

@@ -7,6 +7,7 @@
 namespace {
 
 constexpr std::size_t kMostCompared = 4 << 20;  // bytes of either text that are compared line by line
+constexpr int kMostPairs = 20000;               // lines of one difference that are changed one by one
 
 // The end of the line that begins at `start`, behind its line end.
 std::size_t LineEndAfter(std::string_view text, std::size_t start) {
@@ -47,6 +48,24 @@ std::size_t CommonEnd(std::string_view oldText, std::string_view newText) {
     return same;
 }
 
+bool IsInCharacter(std::string_view text, std::size_t at) {
+    return at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80;
+}
+
+// Adds the change of a line to another, without the characters that both have at their start and at their end.
+void AddLineChange(std::vector<LineEdit>& edits, std::size_t start, std::string_view oldLine,
+                   std::string_view newLine) {
+    if (oldLine == newLine) return;
+    auto before = static_cast<std::size_t>(std::ranges::mismatch(oldLine, newLine).in1 - oldLine.begin());
+    while (before > 0 && (IsInCharacter(oldLine, before) || IsInCharacter(newLine, before))) --before;
+    const std::size_t most = std::min(oldLine.size(), newLine.size()) - before;
+    std::size_t after = 0;
+    while (after < most && oldLine[oldLine.size() - 1 - after] == newLine[newLine.size() - 1 - after]) ++after;
+    while (after > 0 && IsInCharacter(oldLine, oldLine.size() - after)) --after;
+    edits.push_back(
+        {start + before, start + oldLine.size() - after, newLine.substr(before, newLine.size() - before - after)});
+}
+
 }  // namespace
 
 std::vector<LineEdit> LineEdits(std::string_view oldText, std::string_view newText) {
@@ -65,7 +84,13 @@ std::vector<LineEdit> LineEdits(std::string_view oldText, std::string_view newTe
         return index < lines.size() ? static_cast<std::size_t>(lines[index].data() - text.data()) : text.size();
     };
     std::vector<LineEdit> edits;
-    for (const LineHunk& hunk : LineDiff(oldLines, newLines)) {
+    for (LineHunk hunk : LineDiff(oldLines, newLines)) {
+        const int pairs = std::min(hunk.oldEnd - hunk.oldFirst, hunk.newEnd - hunk.newFirst);
+        for (int i = 0; i < pairs && pairs <= kMostPairs; ++i, ++hunk.oldFirst, ++hunk.newFirst)
+            AddLineChange(edits, first + startOf(oldLines, oldRest, hunk.oldFirst),
+                          oldLines[static_cast<std::size_t>(hunk.oldFirst)],
+                          newLines[static_cast<std::size_t>(hunk.newFirst)]);
+        if (hunk.oldFirst == hunk.oldEnd && hunk.newFirst == hunk.newEnd) continue;
         const std::size_t from = startOf(newLines, newRest, hunk.newFirst),
                           to = startOf(newLines, newRest, hunk.newEnd);
         edits.push_back({first + startOf(oldLines, oldRest, hunk.oldFirst),

@@ -12,6 +12,6 @@ struct LineEdit {
     std::string_view text;  // borrowed from the new text
 };
 
-// In the order of their places, which are those in the old text. Line ends count: a line with another line end differs.
+// A line in the place of another is an edit of its own, without what the two have in common at their ends. In the order of their places, which are those in the old text. Line ends count: a line with another line end differs.
 // Texts that differ over more than a few megabytes are told apart as one piece.
 std::vector<LineEdit> LineEdits(std::string_view oldText, std::string_view newText);

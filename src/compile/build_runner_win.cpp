@@ -55,6 +55,7 @@ std::vector<BuildLine> SaveOtherDocuments() {
     for (const DocumentId document : DocumentsToSave(DocumentRowEntries(), true)) {
         const int tab = TabBarFindDocument(document);  // a box about the one before may have closed or saved this one
         if (tab < 0 || !TabAt(tab).hasFile || !TabAt(tab).modified) continue;
+        if (TabAt(tab).outside.kind == OutsideKind::Gone) continue;  // the user has deleted it, or another program
         const std::wstring path = TabAt(tab).path;
         lines.push_back(SavedLine(path, SaveBeforeBuild(tab)));
     }

@@ -5,7 +5,8 @@
 
 #include "base/events.h"
 #include "documents/file_binding.h"
-#include "files/file_identity.h"
+#include "documents/outside_rules.h"
+#include "files/disk_file.h"
 
 #include <windows.h>
 
@@ -22,6 +23,8 @@ struct DocumentTab : FileBinding {
     bool modified = false;
     bool mustSave = false;        // its file may not hold its text, so only a save makes it unmodified
     std::uint64_t lastShown = 0;  // counts the documents that were shown; 0: never
-    FileIdentity identity;        // of its file, when it was last read or written
+    FileState onDisk;             // its file, when it was last read or written; unknown: it is not compared
+    OutsideChange outside;        // what another program has done to its file since
+    std::uint32_t askedIn = 0;  // the stay in the program (documents/outside.h) in which the user was asked; 0: not yet
     BuildMark buildMark = BuildMark::None;
 };

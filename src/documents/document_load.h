@@ -19,11 +19,13 @@ struct LoadedFile {
     HeapBlock<char> bytes;  // of a small file; null: `loader` has the text
     std::size_t length = 0;
     LoaderOwner loader;
-    FileIdentity identity;
+    FileState onDisk;
 };
 
 // Reads the file. `label` is its name for the progress.
 LoadEnd DocumentRead(const wchar_t* path, const wchar_t* label, LoadedFile* file);
+// Sets what the record says about the file.
+void DocumentNoteRead(DocumentTab& tab, const LoadedFile& file);
 // Replaces the text of `tab.editor` by what was read, and sets what the record says about the file. False when the
 // editor does not hold all of it; its text is then undefined.
 bool DocumentShow(DocumentTab& tab, LoadedFile file);

@@ -6,6 +6,7 @@
 #include "documents/editor_pane.h"
 #include "documents/file_work.h"
 #include "documents/pane_rules.h"
+#include "files/file_handle.h"
 #include "files/file_io.h"
 #include "files/share_probe.h"
 #include "scintilla/sci.h"
@@ -33,7 +34,8 @@ std::int64_t SizeOf(const wchar_t* path) {
 }
 
 LoadEnd ReadSmall(const wchar_t* path, LoadedFile* file) {
-    file->bytes.reset(ReadSourceFileForEditor(path, &file->length, &file->encoding, &file->lineEnding, &file->form));
+    file->bytes.reset(
+        ReadSourceFileForEditor(path, &file->length, &file->encoding, &file->lineEnding, &file->form, &file->onDisk));
     if (!file->bytes) return LoadEnd::Unreadable;
     LongestLine longest;
     longest.Look({file->bytes.get(), file->length});
@@ -43,12 +45,14 @@ LoadEnd ReadSmall(const wchar_t* path, LoadedFile* file) {
 
 // --- On the worker
 
-PiecesResult MoveIntoLoader(HANDLE file, PieceCode code, FileProgress& progress, Scintilla::ILoader& loader) {
+PiecesResult MoveIntoLoader(HANDLE file, PieceCode code, FileProgress& progress, Scintilla::ILoader& loader,
+                            ContentHasher& hasher) {
     const auto read = [&](char* out, std::size_t capacity) -> std::optional<std::size_t> {
         DWORD taken = 0;
         if (progress.cancel || ReadFile(file, out, static_cast<DWORD>(capacity), &taken, nullptr) == FALSE)
             return std::nullopt;
         progress.done += taken;
+        hasher.Add({out, taken});
         return taken;
     };
     const auto append = [&](std::string_view piece) {
@@ -76,7 +80,10 @@ LoadEnd ReadAs(LoadJob& job, PieceCode code, PiecesResult* result) {
     // Room for many megabytes takes seconds, because the system gives each page of it.
     job.file.loader = DocumentLoaderNew(bytes + RoomBeyondText(bytes), bytes <= kLargestColoured);
     if (!job.file.loader) return LoadEnd::NoMemory;
-    *result = MoveIntoLoader(file.Get(), code, *job.progress, *job.file.loader);
+    ContentHasher hasher;
+    *result = MoveIntoLoader(file.Get(), code, *job.progress, *job.file.loader, hasher);
+    job.file.onDisk = FileStateOfHandle(file.Get());  // nobody can write while it is open
+    job.file.onDisk.hash = hasher.Value();
     return LoadEndOf(result->end);
 }
 
@@ -104,7 +111,6 @@ void ReadOnWorker(LoadJob& job) {
         case LoadWay::Direct: job.end = ReadSmall(job.path.c_str(), &job.file); break;
         case LoadWay::Worker: job.end = ReadLarge(job); break;
     }
-    if (job.end == LoadEnd::Done) job.file.identity = FileIdentityOf(job.path.c_str());
 }
 
 }  // namespace
@@ -113,11 +119,7 @@ LoadEnd DocumentRead(const wchar_t* path, const wchar_t* label, LoadedFile* file
     const bool remote = PathIsRemote(path);
     const LoadWay way = LoadWayOf(remote ? -1 : SizeOf(path), remote);
     if (way == LoadWay::Refused) return LoadEnd::TooLarge;
-    if (way == LoadWay::Direct) {
-        const LoadEnd end = ReadSmall(path, file);
-        if (end == LoadEnd::Done) file->identity = FileIdentityOf(path);
-        return end;
-    }
+    if (way == LoadWay::Direct) return ReadSmall(path, file);
     if (!DocumentLoaderPrepare()) return LoadEnd::NoMemory;
     const auto job = std::make_shared<LoadJob>();
     job->path = path;
@@ -128,12 +130,17 @@ LoadEnd DocumentRead(const wchar_t* path, const wchar_t* label, LoadedFile* file
     return job->end;
 }
 
-bool DocumentShow(DocumentTab& tab, LoadedFile file) {
+void DocumentNoteRead(DocumentTab& tab, const LoadedFile& file) {
     tab.encoding = file.encoding;
     tab.lineEnding = file.lineEnding;
     tab.form = file.form;
     tab.formConfirmed = false;
-    tab.identity = file.identity;
+    tab.onDisk = file.onDisk;
+    tab.outside = {};
+}
+
+bool DocumentShow(DocumentTab& tab, LoadedFile file) {
+    DocumentNoteRead(tab, file);
     EditorPaneSetPlain(tab.editor, file.plain);
     if (file.bytes)
         EditorPaneSetBytes(tab.editor, {file.bytes.get(), file.length});

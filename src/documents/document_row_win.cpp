@@ -98,7 +98,7 @@ int TabBarFindFile(const wchar_t* path) {
     if (!identity.IsKnown()) return -1;
     // The document's own file is asked again, because it may have been replaced since it was read.
     return FindTab([&identity](const DocumentTab& tab) {
-        return tab.hasFile && tab.identity == identity && FileIdentityOf(tab.path) == identity;
+        return tab.hasFile && tab.onDisk.identity == identity && FileIdentityOf(tab.path) == identity;
     });
 }
 

@@ -21,6 +21,8 @@ int FileAdd(const wchar_t* path);
 // The same for a file that is read when its document is first shown. -1: there is no such file.
 int FileAddUnread(const wchar_t* path);
 int FileSave(int tab);
+// The same for a save that comes by itself: asks nothing. 0, with nothing written, when it would have to ask.
+int FileSaveUnasked(int tab);
 int FileSaveAs(int tab);
 int FileSaveAll();        // 0 when a modified document was not saved
 int FileReload(int tab);  // asks before unsaved changes are lost

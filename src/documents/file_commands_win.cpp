@@ -45,26 +45,6 @@ void SelectCompilerFor(const wchar_t* path) {
     SettingsChange([compiler](Settings& settings) { settings.activeCompiler = compiler; });
 }
 
-// Caret and first visible line of an editor, kept while its text is replaced. The caret's place is a line and a column
-// on the screen, because a byte position means another place once the text above it has changed.
-struct ViewPosition {
-    LRESULT line;
-    LRESULT column;
-    LRESULT firstLine;
-};
-
-ViewPosition CaptureView(HWND editor) {
-    const auto caret = static_cast<WPARAM>(SciSend(editor, SCI_GETCURRENTPOS));
-    return {SciSend(editor, SCI_LINEFROMPOSITION, caret), SciSend(editor, SCI_GETCOLUMN, caret),
-            SciSend(editor, SCI_GETFIRSTVISIBLELINE)};
-}
-
-void RestoreView(HWND editor, const ViewPosition& view) {
-    const auto line = static_cast<WPARAM>(std::min(view.line, SciSend(editor, SCI_GETLINECOUNT) - 1));
-    CaretGoTo(editor, SciSend(editor, SCI_FINDCOLUMN, line, view.column));
-    SciSend(editor, SCI_SETFIRSTVISIBLELINE, static_cast<WPARAM>(view.firstLine));
-}
-
 // A self-test run saves nothing.
 Answer AskSaveChanges(const wchar_t* label) {
     return AskUser({.caption = L"Unsaved Changes",
@@ -72,44 +52,6 @@ Answer AskSaveChanges(const wchar_t* label) {
                     .buttons = AskButtons::YesNoCancel,
                     .icon = AskIcon::Question,
                     .inSelftest = Answer::No});
-}
-
-// Asks before unsaved changes are lost, because a reload cannot be undone.
-bool MayDiscardChanges(const DocumentTab& document) {
-    if (!document.modified) return true;
-    return AskUser({.caption = L"Unsaved Changes",
-                    .text = ReloadQuestion(document.label).c_str(),
-                    .buttons = AskButtons::YesNo,
-                    .icon = AskIcon::Question,
-                    .inSelftest = Answer::Yes}) == Answer::Yes;
-}
-
-// For an editor that had no memory for the whole text. Removes the document's file name, so that no later save (the
-// auto-save timer's, for example) cuts the file too.
-void UnbindCutDocument(int tab) {
-    DocumentTab& document = TabAt(tab);
-    document.path[0] = L'\0';
-    document.hasFile = false;
-    document.modified = true;
-    document.mustSave = true;
-    TabBarUpdateTitle(tab);
-}
-
-// Puts what was read from its file into a document of the row. False when the editor does not hold all of it.
-bool ShowReloaded(int tab, LoadedFile file) {
-    DocumentTab& document = TabAt(tab);
-    const bool newDocument = file.bytes == nullptr || file.plain != EditorPaneIsPlain(document.editor);
-    const ViewPosition view = CaptureView(document.editor);
-    g_events.textLeaving(document.id);
-    const bool whole = DocumentShow(document, std::move(file));
-    TabBarUpdateLineEnding(tab);
-    if (newDocument) {
-        EditorPaneInit(document.editor, document.compilerId);
-        EditorPaneApplySettings(document.editor);
-    }
-    g_events.textArrived(document.id);
-    if (whole) RestoreView(document.editor, view);
-    return whole;
 }
 
 enum class Opened { Failed, WasOpen, New };
@@ -205,36 +147,6 @@ int FileOpenResolveInitialDirectory(wchar_t* out, std::size_t capacity) {
     const OpenDirectoryInputs inputs{
         .activeFile = activeFile, .lastDirectory = g_documents.lastDirectory, .exeDirectory = exeDirectory};
     return ResolveOpenDirectory(inputs, DirectoryExists, out, capacity) ? 1 : 0;
-}
-
-int FileReload(int tab) {
-    if (!IsTabIndex(tab) || !TabAt(tab).hasFile) return 0;
-    const DocumentId id = TabAt(tab).id;
-    const bool mayDiscard = MayDiscardChanges(TabAt(tab));
-    tab = TabBarFindDocument(id);  // messages were handled while the box was open
-    if (!mayDiscard || tab < 0 || !TabAt(tab).hasFile) return 0;
-    const std::wstring path{TabAt(tab).path};
-    LoadedFile file;
-    LoadEnd end = DocumentRead(path.c_str(), std::wstring{TabAt(tab).label}.c_str(), &file);
-    tab = TabBarFindDocument(id);
-    if (tab < 0) return 0;
-    if (end == LoadEnd::Cancelled) {
-        g_events.documentStatus(id, FormatW(L"Reloading %s was cancelled", TabAt(tab).label).c_str());
-        return 0;
-    }
-    if (end == LoadEnd::Done && !ShowReloaded(tab, std::move(file))) {
-        end = LoadEnd::NoMemory;
-        UnbindCutDocument(tab);
-    }
-    if (end != LoadEnd::Done) {
-        ErrorMessage(L"Failed to reload file: %s%s", path.c_str(), LoadFailureText(end).c_str());
-        return 0;
-    }
-    TabAt(tab).modified = false;
-    TabAt(tab).mustSave = false;
-    TabBarUpdateTitle(tab);
-    TellDocumentForm(tab);
-    return 1;
 }
 
 int FileConfirmClose(int tab) {

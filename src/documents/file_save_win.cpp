@@ -13,6 +13,7 @@
 #include "documents/file_dialogs.h"
 #include "documents/file_work.h"
 #include "documents/load_rules.h"
+#include "documents/outside.h"
 #include "documents/save_rules.h"
 #include "documents/theme.h"
 #include "files/file_io.h"
@@ -96,10 +97,12 @@ void TellFailedSave(DocumentId document, const wchar_t* path, const SaveReport& 
 
 // After a failed save of the document's own file, which may be damaged now. Undoing all changes does not make the
 // document equal to its file, so it stays modified until a save succeeds.
-void MarkUnsaved(int tab, const wchar_t* path) {
+void MarkUnsaved(int tab, const wchar_t* path, SaveEnd end) {
     if (tab < 0 || !PathEqualsIgnoreCase(TabAt(tab).path, path)) return;
     TabAt(tab).modified = true;
     TabAt(tab).mustSave = true;
+    // What the file is now comes from this save, so it is not compared.
+    if (end == SaveEnd::NotWritten || end == SaveEnd::Different) TabAt(tab).onDisk = {};
     TabBarUpdateTitle(tab);
 }
 
@@ -125,7 +128,10 @@ struct SaveJob {
     std::shared_ptr<FileProgress> progress = std::make_shared<FileProgress>();
     SaveReport report;
     std::atomic<bool> written = false;  // the file is saved, and `report` says so
-    FileIdentity identity;              // of the file that was written; asked last, and a share may never answer
+    FileState expected;                 // the file, which is overwritten only while it is this; unknown: in any case
+    FileState found;                    // what it was instead, when `refused`
+    bool unasked = false;               // the save comes by itself
+    bool refused = false;               // another program has changed the file, so nothing was written
     bool backUp = false;                // the setting
     DWORD backUpError = 0;
     bool ansiHolds = true;  // the ANSI code page has all characters
@@ -151,13 +157,17 @@ bool LookAtText(const std::shared_ptr<SaveJob>& job, ULONGLONG began) {
 
 void SaveOnWorker(SaveJob& job) {
     const FileBinding& to = job.binding;
+    if (job.expected.presence != FilePresence::Unknown) {
+        job.found = FileStateToCompare(to.path, job.expected, [&job] { return job.progress->cancel.load(); });
+        if (job.progress->cancel) job.report.end = SaveEnd::Cancelled;
+        if (job.progress->cancel) return;
+        job.refused = SaveMeetsChange(job.expected, job.found, job.unasked);
+        if (job.refused) return;
+    }
     job.backUpError = BackUp(to.path, job.backUp);
     WriteSourceFileFromEditor(to.path, job.text.bytes.get(), job.text.length, to.encoding, to.lineEnding, to.form,
                               &job.report, job.progress.get());
-    if (job.report.end != SaveEnd::Saved) return;
-    job.written = true;
-    job.progress->mayCancel = true;  // no half a file is left any more
-    job.identity = FileIdentityOf(to.path);
+    job.written = job.report.end == SaveEnd::Saved;
 }
 
 // Writes the text on a worker. The document cannot be changed meanwhile, so that what was written is what it shows.
@@ -184,7 +194,7 @@ int TellCancelledSave(DocumentId document, const FileBinding& binding) {
 }
 
 // After a save: the document belongs to the file, and is as it is there.
-void NoteSaved(int tab, FileBinding binding, const FileIdentity& identity) {
+void NoteSaved(int tab, FileBinding binding, const FileState& onDisk) {
     const DocumentId document = TabAt(tab).id;
     // What the status bar says of this document is no longer true: the recovery copy is gone, the form is chosen.
     if (TabAt(tab).mustSave || SaveAsksAboutForm(TabAt(tab))) g_events.documentStatus(document, L"");
@@ -192,7 +202,8 @@ void NoteSaved(int tab, FileBinding binding, const FileIdentity& identity) {
     static_cast<FileBinding&>(TabAt(tab)) = binding;
     TabAt(tab).modified = false;
     TabAt(tab).mustSave = false;
-    TabAt(tab).identity = identity;
+    TabAt(tab).onDisk = onDisk;
+    TabAt(tab).outside = {};
     const HWND editor = TabAt(tab).editor;
     SciSend(editor, SCI_SETSAVEPOINT);
     EditorPaneClearChangeMarks(editor);
@@ -200,40 +211,90 @@ void NoteSaved(int tab, FileBinding binding, const FileIdentity& identity) {
     g_events.documentSaved(document);
 }
 
-// Writes the document to the file of `binding`, then binds the document to that file. When the save fails, the document
-// keeps its old binding, so that the next save does not take an unfinished file for its own. Returns 1 or 0.
-int SaveAsBound(DocumentId document, FileBinding binding) {
-    const FormChoice choice = AskForm(document, binding);
-    if (choice != FormChoice::Save || TabBarFindDocument(document) < 0)
-        return choice == FormChoice::OtherName ? SaveUnderNewName(document) : 0;
-    ULONGLONG began = GetTickCount64();
-    const auto job = std::make_shared<SaveJob>();
+// How a save came about. Unasked: by itself, so it asks nothing and leaves out a document about which it would have to.
+enum class SaveManner : std::uint8_t { Asked, Unasked };
+
+// The file that a save expects under its name. A name that the user has just chosen may lead to any file.
+FileState ExpectedFile(DocumentId document, const FileBinding& binding) {
+    const DocumentTab& tab = TabAt(TabBarFindDocument(document));
+    return tab.hasFile && PathEqualsIgnoreCase(tab.path, binding.path) ? tab.onDisk : FileState{};
+}
+
+// Takes the text and settles in which encoding it is written. Null when the user cancelled, or there is no text.
+std::shared_ptr<SaveJob> PrepareSave(DocumentId document, FileBinding& binding, SaveManner manner, ULONGLONG* began) {
+    auto job = std::make_shared<SaveJob>();
     job->binding = binding;
+    job->unasked = manner == SaveManner::Unasked;
     job->text = TakeText(document);
-    if (!job->text.bytes) return 0;
-    if (!LookAtText(job, began)) return TellCancelledSave(document, binding);
+    if (!job->text.bytes) return nullptr;
+    if (!LookAtText(job, *began)) {
+        TellCancelledSave(document, binding);
+        return nullptr;
+    }
     bool asked = false;
     const std::optional<TextEncoding> encoding = EncodingToSave(binding.encoding, job->ansiHolds, [&] {
         asked = true;
-        return AskAboutAnsi(binding.label);
+        return job->unasked ? Answer::Cancel : AskAboutAnsi(binding.label);
     });
     // Messages were handled while the box was open: the document may be gone or changed.
-    if (asked) began = GetTickCount64();
+    if (asked) *began = GetTickCount64();
     if (asked) job->text = TakeText(document);
-    if (!encoding || !job->text.bytes) return 0;
+    if (!encoding || !job->text.bytes) return nullptr;
     job->binding.encoding = binding.encoding = *encoding;
-    const bool ended = WriteOnWorker(document, job, began);
+    return job;
+}
+
+OutsideAnswer AskAboutChange(DocumentId document) {
+    const DocumentTab& tab = TabAt(TabBarFindDocument(document));
+    OutsideQuestion question{.caption = kProgramCaption,
+                             .text = OutsideSaveText(tab.label),
+                             .first = L"&Overwrite",
+                             .second = L"&Save As...",
+                             .later = L"Cancel",
+                             .enterIsLater = true,
+                             .inSelftest = OutsideAnswer::First,
+                             .rows = {}};
+    question.rows.push_back({.document = document, .label = tab.label, .path = tab.path, .what = {}});
+    return OutsideDialogShow(question);
+}
+
+// After the file was written, or not. Returns 1 or 0.
+int EndSave(DocumentId document, const SaveJob& job, const FileBinding& binding, bool ended) {
     const int tab = TabBarFindDocument(document);
-    if ((!ended && !job->written) || (ended && job->report.end == SaveEnd::Cancelled))
+    if (job.refused) return 0;  // and the document is gone
+    if ((!ended && !job.written) || (ended && job.report.end == SaveEnd::Cancelled))
         return TellCancelledSave(document, binding);
-    if (job->report.end != SaveEnd::Saved) {
-        MarkUnsaved(tab, binding.path);
-        TellFailedSave(document, binding.path, job->report);
+    if (job.report.end != SaveEnd::Saved) {
+        MarkUnsaved(tab, binding.path, job.report.end);
+        TellFailedSave(document, binding.path, job.report);
         return 0;
     }
     if (tab < 0) return 0;
-    NoteSaved(tab, binding, ended ? job->identity : FileIdentity{});
+    NoteSaved(tab, binding, job.report.state);
     return 1;
+}
+
+// Writes the document to the file of `binding`, then binds the document to that file. When the save fails, the document
+// keeps its old binding, so that the next save does not take an unfinished file for its own. Returns 1 or 0.
+int SaveAsBound(DocumentId document, FileBinding binding, SaveManner manner) {
+    const FormChoice choice = AskForm(document, binding);
+    if (choice != FormChoice::Save || TabBarFindDocument(document) < 0)
+        return choice == FormChoice::OtherName ? SaveUnderNewName(document) : 0;
+    FileState expected = ExpectedFile(document, binding);
+    for (;;) {
+        ULONGLONG began = GetTickCount64();
+        const auto job = PrepareSave(document, binding, manner, &began);
+        if (job == nullptr || TabBarFindDocument(document) < 0) return 0;
+        job->expected = expected;
+        const bool ended = WriteOnWorker(document, job, began);
+        if (!ended || !job->refused || TabBarFindDocument(document) < 0) return EndSave(document, *job, binding, ended);
+        OutsideMark(TabBarFindDocument(document), job->found, manner == SaveManner::Asked);
+        if (manner == SaveManner::Unasked) return 0;
+        const OutsideAnswer answer = AskAboutChange(document);
+        if (TabBarFindDocument(document) < 0 || answer == OutsideAnswer::Later) return 0;
+        if (answer == OutsideAnswer::Second) return SaveUnderNewName(document);
+        expected = job->found;  // what the user has said may be overwritten, and nothing newer
+    }
 }
 
 // Asks for the new name. False when the user cancelled, the path does not fit, or another document has that file.
@@ -256,7 +317,8 @@ int SaveUnderNewName(DocumentId document) {
         TabBarFindDocument(document) < 0)
         return 0;
     PathGetDir(path, g_documents.lastDirectory, kPathCapacity);
-    if (SaveAsBound(document, BindingForNewName(path, TabAt(TabBarFindDocument(document)))) == 0) return 0;
+    if (SaveAsBound(document, BindingForNewName(path, TabAt(TabBarFindDocument(document))), SaveManner::Asked) == 0)
+        return 0;
     const int tab = TabBarFindDocument(document);
     TabBarUpdateLineEnding(tab);
     const DocumentTab& saved = TabAt(tab);
@@ -271,7 +333,15 @@ int FileSave(int tab) {
     if (!guard.Entered() || !IsTabIndex(tab)) return 0;
     const DocumentTab& document = TabAt(tab);
     const bool named = document.hasFile && document.path[0] != L'\0';
-    return named ? SaveAsBound(document.id, document) : SaveUnderNewName(document.id);
+    return named ? SaveAsBound(document.id, document, SaveManner::Asked) : SaveUnderNewName(document.id);
+}
+
+int FileSaveUnasked(int tab) {
+    const SaveGuard guard;
+    if (!guard.Entered() || !IsTabIndex(tab)) return 0;
+    const DocumentTab& document = TabAt(tab);
+    if (!document.hasFile || SaveAsksAboutForm(document) || document.outside.kind != OutsideKind::None) return 0;
+    return SaveAsBound(document.id, document, SaveManner::Unasked);
 }
 
 int FileSaveAs(int tab) {

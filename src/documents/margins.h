@@ -19,6 +19,7 @@ inline constexpr int kMarkConditional = 8;  // the breakpoint has a condition
 inline constexpr int kMarkCurrentLine = 9;  // background of the line at which the program stopped
 inline constexpr int kMarkFolded = 10;      // first line of a folded block with breakpoints in it
 inline constexpr int kMarkNewLine = 11;     // background of a line of a replacement that waits to be accepted
+inline constexpr int kMarkPlace = 12;       // never drawn: keeps a line while the text is replaced
 
 // No lexer uses numbers from 192 on.
 inline constexpr int kStyleRemovedLine = 200;  // annotation with the lines that such a replacement has removed

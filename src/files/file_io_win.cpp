@@ -3,6 +3,7 @@
 
 #include "base/handles.h"
 #include "base/path.h"
+#include "files/file_handle.h"
 #include "files/save_errors.h"
 #include "files/whole_file.h"
 
@@ -81,7 +82,9 @@ bool FileExists(const wchar_t* path) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
-char* ReadFileUtf8(const wchar_t* path, std::size_t* length) {
+char* ReadFileUtf8(const wchar_t* path, std::size_t* length) { return ReadWholeFile(path, length, nullptr); }
+
+char* ReadWholeFile(const wchar_t* path, std::size_t* length, FileState* state) {
     if (path == nullptr || length == nullptr) return nullptr;
     *length = 0;
     const OpenedFile file = OpenDiskFile(path, FILE_SHARE_READ);
@@ -89,6 +92,10 @@ char* ReadFileUtf8(const wchar_t* path, std::size_t* length) {
     HeapBlock<char> buffer{static_cast<char*>(std::malloc(static_cast<std::size_t>(file.size) + 1))};
     if (!buffer || !ReadInto(file, buffer.get(), length)) return nullptr;
     buffer.get()[*length] = '\0';
+    if (state != nullptr) {  // nobody can write while the file is open
+        *state = FileStateOfHandle(file.handle.Get());
+        state->hash = ContentHashOf({buffer.get(), *length});
+    }
     return buffer.release();
 }
 

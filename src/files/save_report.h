@@ -1,6 +1,8 @@
 // How a save ended, and why. Pure.
 #pragma once
 
+#include "files/disk_file.h"
+
 #include <cstdint>
 
 enum class SaveEnd : std::uint8_t {
@@ -18,4 +20,5 @@ enum class SaveEnd : std::uint8_t {
 struct SaveReport {
     SaveEnd end = SaveEnd::NotEncoded;
     unsigned long error = 0;  // the system's error code for NoCopy, NotOpened and NotWritten; 0: not known
+    FileState state;          // what was written, as it was found when it was read back; unknown without that
 };

@@ -4,6 +4,7 @@
 
 #include "base/handles.h"
 #include "base/path.h"
+#include "files/file_handle.h"
 #include "files/recovery.h"
 #include "files/safe_save.h"
 #include "files/source_text.h"
@@ -120,13 +121,15 @@ bool VolumeHasRoom(const wchar_t* path, const SaveTarget& target, std::size_t le
     return length - target.size <= available.QuadPart;
 }
 
-SaveCheck CompareWithFile(const std::wstring& systemPath, const char* bytes, std::size_t length,
-                          FileProgress& progress) {
+SaveCheck CompareWithFile(const std::wstring& systemPath, const char* bytes, std::size_t length, FileProgress& progress,
+                          FileState* state) {
     const UniqueHandle file{CreateFileW(systemPath.c_str(), GENERIC_READ,
                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
                                         FILE_FLAG_SEQUENTIAL_SCAN, nullptr)};
     const HeapBlock<char> chunk{static_cast<char*>(std::malloc(kVerifyChunk))};
     if (!file || !chunk) return SaveCheck::Unreadable;
+    // Taken before the bytes are compared: what another program writes from now on is not what was written here.
+    *state = FileStateOfHandle(file.Get());
     for (std::size_t offset = 0;;) {
         DWORD read = 0;
         if (ReadFile(file.Get(), chunk.get(), static_cast<DWORD>(kVerifyChunk), &read, nullptr) == FALSE)
@@ -169,9 +172,10 @@ SaveReport SaveBytes(const wchar_t* path, const char* bytes, std::size_t length,
                                [&] {
                                    return noteError(WriteWholeFile(systemPath, {bytes, length}, how));
                                },
-                           .check = [&] { return CompareWithFile(systemPath, bytes, length, progress); },
+                           .check = [&] { return CompareWithFile(systemPath, bytes, length, progress, &report.state); },
                            .discardCopy = [&] { RecoveryDiscard(path, copy); },
                            .keepCopy = [&] { RecoveryKeep(path, copy); }});
+    report.state.hash = ContentHashOf({bytes, length});
     if (report.end == SaveEnd::NotWritten && !opened) report.end = SaveEnd::NotOpened;
     return report;
 }
@@ -196,9 +200,9 @@ ByteBlock Encode(const char* utf8, std::size_t length, TextEncoding encoding, Li
 }  // namespace
 
 char* ReadSourceFileForEditor(const wchar_t* path, std::size_t* length, TextEncoding* encoding, LineEnding* lineEnding,
-                              DiskForm* form) {
+                              DiskForm* form, FileState* state) {
     std::size_t rawLength = 0;
-    HeapBlock<char> raw{ReadFileUtf8(path, &rawLength)};
+    HeapBlock<char> raw{ReadWholeFile(path, &rawLength, state)};
     if (!raw) return nullptr;
     SourceText text;
     const bool decoded = DecodeSource(

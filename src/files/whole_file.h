@@ -1,6 +1,7 @@
-// Writes a file whole, for the functions of this folder that save. Private to this folder; any thread.
+// Reads and writes a file whole, for the functions of this folder. Private to this folder; any thread.
 #pragma once
 
+#include "files/disk_file.h"
 #include "files/file_progress.h"
 
 #include <windows.h>
@@ -22,3 +23,6 @@ struct WriteHow {
 // Returns true when all bytes were written; 4 GiB and more are refused. After a failed write GetLastError() tells the
 // reason. `systemPath` has the form that PathForSystem returns.
 bool WriteWholeFile(const std::wstring& systemPath, std::string_view bytes, const WriteHow& how);
+
+// ReadFileUtf8, which also tells what the file was when it was read, with its hash.
+char* ReadWholeFile(const wchar_t* path, std::size_t* length, FileState* state);

@@ -1,13 +1,13 @@
 // The list of recovered files: what was left, and how each differs from its file. Modal. UI thread.
 #include "recovery/recovery_dialog.h"
 
+#include "base/difference.h"
 #include "base/log.h"
 #include "base/path.h"
 #include "base/wide_format.h"
 #include "base/worker.h"
 #include "files/file_io.h"
 #include "files/share_probe.h"
-#include "recovery/difference.h"
 #include "resources/ids.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"

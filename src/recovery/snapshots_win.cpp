@@ -197,6 +197,24 @@ void Forget(DocumentId document) {
         });
 }
 
+Kept& KeptFrom(DocumentId document) {
+    if (Kept* const kept = KeptOf(document); kept != nullptr) return *kept;
+    Kept& added = *g_snapshots.kept.emplace_back(std::make_unique<Kept>());
+    added.document = document;
+    added.number = g_snapshots.next++;
+    return added;
+}
+
+// The text is another than the one that is kept.
+void NoteEdit(Kept& kept) {
+    const ULONGLONG now = GetTickCount64();
+    // An edit behind the copied part of a text that is being copied is in the copy, too.
+    if (kept.edits == std::max(kept.written, kept.writing)) kept.times.firstEdit = now;
+    kept.times.lastEdit = now;
+    ++kept.edits;
+    if (g_snapshots.timer == 0) SetSnapshotTimer(kWaitMs);
+}
+
 bool IsKept(const Kept& kept) { return kept.written == kept.edits; }
 
 }  // namespace
@@ -205,29 +223,21 @@ void SnapshotsOnModified(DocumentId document, const SCNotification& change) {
     const bool inserted = (change.modificationType & SC_MOD_INSERTTEXT) != 0;
     if (!inserted && (change.modificationType & SC_MOD_DELETETEXT) == 0) return;
     if (g_selftestTabsMode) return;
-    Kept* kept = KeptOf(document);
-    if (kept == nullptr) {
-        g_snapshots.kept.push_back(std::make_unique<Kept>());
-        kept = g_snapshots.kept.back().get();
-        kept->document = document;
-        kept->number = g_snapshots.next++;
-    }
-    const ULONGLONG now = GetTickCount64();
-    if (kept->copying && inserted)
-        kept->copy.Inserted(static_cast<std::size_t>(change.position),
-                            {change.text, static_cast<std::size_t>(change.length)});
-    else if (kept->copying)
-        kept->copy.Removed(static_cast<std::size_t>(change.position), static_cast<std::size_t>(change.length));
-    // An edit behind the copied part of a text that is being copied is in the copy, too.
-    if (kept->edits == std::max(kept->written, kept->writing)) kept->times.firstEdit = now;
-    kept->times.lastEdit = now;
-    ++kept->edits;
-    if (g_snapshots.timer == 0) SetSnapshotTimer(kWaitMs);
+    Kept& kept = KeptFrom(document);
+    if (kept.copying && inserted)
+        kept.copy.Inserted(static_cast<std::size_t>(change.position),
+                           {change.text, static_cast<std::size_t>(change.length)});
+    else if (kept.copying)
+        kept.copy.Removed(static_cast<std::size_t>(change.position), static_cast<std::size_t>(change.length));
+    NoteEdit(kept);
 }
 
 void SnapshotsOnChanged(DocumentId document) {
     const int tab = TabBarFindDocument(document);
-    if (tab >= 0 && !TabAt(tab).modified) Forget(document);
+    if (tab < 0) return;
+    if (!TabAt(tab).modified) return Forget(document);
+    // The text may be nowhere else, although nobody has typed: its file was deleted, or a save of it failed.
+    if (TabAt(tab).mustSave && !g_selftestTabsMode && KeptOf(document) == nullptr) NoteEdit(KeptFrom(document));
 }
 
 void SnapshotsOnTextArrived(DocumentId document) { Forget(document); }

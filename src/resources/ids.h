@@ -15,6 +15,7 @@
 #define IDD_RENAME 3180
 #define IDD_RECORDING 3210
 #define IDD_RECOVERY 3220
+#define IDD_OUTSIDE 3230
 #define IDD_FILES_SEARCH 3300
 
 // --- Commands: File
@@ -329,6 +330,19 @@
 #define IDC_RECOVERY_BESIDE 3225
 #define IDC_RECOVERY_DISCARD 3226
 #define IDC_RECOVERY_DIFFERENCE_LABEL 3227
+
+// --- Controls of the question about files that other programs have changed
+#define IDC_OUTSIDE_WHAT 3231
+#define IDC_OUTSIDE_LIST 3232
+#define IDC_OUTSIDE_DIFFERENCE_LABEL 3233
+#define IDC_OUTSIDE_DIFFERENCE 3234
+#define IDC_OUTSIDE_FIRST 3235
+#define IDC_OUTSIDE_SECOND 3236
+#define IDC_OUTSIDE_COMPARE 3237
+
+#define TIMER_OUTSIDE 23                    // of the main window: renews what is watched, waits to ask about changes
+#define MSG_OUTSIDE_SEEN (0x8000 + 92)      // to the main window; wParam: FileWatchReport*, deleted by the receiver
+#define MSG_OUTSIDE_COMPARED (0x8000 + 93)  // to the question; wParam: a block with a difference
 
 #define TIMER_SNAPSHOTS 22                  // of the main window: copies the text of unsaved documents
 #define MSG_SNAPSHOT_WRITTEN (0x8000 + 90)  // to the main window; wParam: SnapshotEnd*, deleted by the receiver

@@ -93,7 +93,8 @@ struct Settings {
     wchar_t programFolder[kPathCapacity];  // in which it starts; empty: its own
     std::int32_t stepsFollowProgram;       // the debugger's steps; 0: to the next line by address
     std::int32_t backupSettings;
-    std::int32_t autoSaveEnabled;  // whether the session is saved on a timer
+    std::int32_t reloadChangedFiles;  // without a question, documents without unsaved edits
+    std::int32_t autoSaveEnabled;     // whether the session is saved on a timer
 
     // Build
     std::int32_t profile;             // 0 Debug, 1 Release, 2 Fast

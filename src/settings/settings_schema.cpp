@@ -192,6 +192,7 @@ constexpr SettingRow kOtherRows[] = {
     ListRow(kEditor, L"FilesSearch%d", FIELD(filesSearches), FIELD(filesSearchCount), kFilesSearchCapacity, 1024),
     BoolRow(kEditor, L"BackupOnSave", FIELD(backupOnSave), 0),
     BoolRow(kEditor, L"BackupSettings", FIELD(backupSettings), 0),
+    BoolRow(kEditor, L"ReloadChangedFiles", FIELD(reloadChangedFiles), 0),
     BoolRow(kEditor, L"AutoCloseBlocks", FIELD(autoCloseBlocks), 0),
     BoolRow(kEditor, L"ShowCallTips", FIELD(showCallTips), 1),
     BoolRow(kEditor, L"StepsFollowProgram", FIELD(stepsFollowProgram), 0),

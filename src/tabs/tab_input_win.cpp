@@ -7,6 +7,7 @@
 #include "resources/ids.h"
 #include "tabs/tabs_state.h"
 #include "ui/control_theme.h"
+#include "ui/dpi.h"
 #include "ui/menu.h"
 #include "ui/paint.h"
 #include "ui/subclass.h"
@@ -16,10 +17,13 @@
 #include <windowsx.h>
 
 #include <algorithm>
+#include <string>
 
 TabBarState g_tabBar;
 
 namespace {
+
+constexpr int kTipWidth = 700;  // at 96 dpi
 
 void RepaintStrip() { InvalidateRect(g_tabs.hTabCtrl, nullptr, FALSE); }
 
@@ -96,6 +100,7 @@ void CreateTabTip(HWND strip) {
     tool.uId = reinterpret_cast<UINT_PTR>(strip);
     tool.lpszText = LPSTR_TEXTCALLBACKW;
     SendMessageW(g_tabBar.tooltip, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+    SendMessageW(g_tabBar.tooltip, TTM_SETMAXTIPWIDTH, 0, UiScaled(kTipWidth));  // so that it may have two lines
     TooltipApplyTheme(g_tabBar.tooltip);
 }
 
@@ -144,13 +149,15 @@ void PaintStrip(HWND strip) {
 // for another notification.
 bool FillTabTip(NMHDR& header) {
     if (header.hwndFrom != g_tabBar.tooltip || header.code != TTN_GETDISPINFOW) return false;
-    static wchar_t text[kPathCapacity];
-    text[0] = L'\0';
+    static std::wstring text;
+    text.clear();
     if (IsTabIndex(g_tabBar.pointer.hoverTab)) {
         const DocumentTab& tab = TabAt(g_tabBar.pointer.hoverTab);
-        SafeCopyW(text, tab.hasFile ? tab.path : tab.label);
+        text = tab.hasFile ? tab.path : tab.label;
+        const std::wstring news = OutsideTipText(tab.outside, tab.onDisk.readOnly);
+        if (!news.empty()) text += L"\n" + news;
     }
-    reinterpret_cast<NMTTDISPINFOW&>(header).lpszText = text;
+    reinterpret_cast<NMTTDISPINFOW&>(header).lpszText = text.data();
     return true;
 }
 

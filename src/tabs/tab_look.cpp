@@ -30,6 +30,20 @@ void AddCloseButton(TabLook& look, const TabFacts& facts, const TabMetrics& metr
     look.strokeColour = over || facts.active ? TabColour::ActiveText : TabColour::Text;
 }
 
+// A ring: other content. A ring that is struck through: no file. A lock: read-only.
+void AddFileMark(TabLook& look, TabFileMark mark, const TabRect& box) {
+    if (mark == TabFileMark::ReadOnly) {
+        const int middle = (box.top + box.bottom) / 2, inset = box.Width() / 4;
+        AddArea(look, {box.left, middle, box.right, box.bottom}, TabColour::Outside);
+        look.markStrokes = {{box.left + inset, middle, box.left + inset, box.top},
+                            {box.left + inset, box.top, box.right - inset - 1, box.top},
+                            {box.right - inset - 1, box.top, box.right - inset - 1, middle}};
+        return;
+    }
+    look.parts.push_back({TabShape::Ring, box, TabColour::Outside});
+    if (mark == TabFileMark::Gone) look.markStrokes = {{box.left, box.bottom - 1, box.right, box.top - 1}};
+}
+
 }  // namespace
 
 TabLook TabLookOf(const TabFacts& facts, const TabMetrics& metrics, const TabRect& rect, int arm) {
@@ -42,8 +56,10 @@ TabLook TabLookOf(const TabFacts& facts, const TabMetrics& metrics, const TabRec
     // A thin line between tabs. At the active tab it has the full height.
     const int inset = facts.active ? 0 : metrics.padding * 4 / 5;
     AddArea(look, {rect.right - 1, rect.top + inset, rect.right, rect.bottom - inset}, TabColour::Line);
-    const bool hasMark = facts.mark != TabMark::None;
-    if (hasMark)
+    const bool hasMark = facts.mark != TabMark::None || facts.fileMark != TabFileMark::None;
+    if (facts.fileMark != TabFileMark::None)
+        AddFileMark(look, facts.fileMark, TabMarkRect(metrics, rect));
+    else if (hasMark)
         look.parts.push_back({TabShape::Dot, TabMarkRect(metrics, rect),
                               facts.mark == TabMark::Error ? TabColour::Error : TabColour::Success});
     look.parts.push_back({TabShape::Label, TabTextRect(metrics, rect, hasMark, HasCloseButton(facts)),

@@ -17,9 +17,10 @@ enum class TabColour : std::uint8_t {
     ActiveText,
     Modified,
     Error,
-    Success
+    Success,
+    Outside
 };
-enum class TabShape : std::uint8_t { Area, Dot, Label };
+enum class TabShape : std::uint8_t { Area, Dot, Label, Ring };
 struct TabPart {
     TabShape shape;
     TabRect place;
@@ -32,13 +33,17 @@ struct TabLook {
     std::vector<TabPart> parts;
     std::vector<TabStroke> strokes;  // drawn last
     TabColour strokeColour = TabColour::Text;
+    std::vector<TabStroke> markStrokes;  // the same, in TabColour::Outside
 };
 
 enum class TabMark : std::uint8_t { None, Error, Success };
+// What stands with its file. It takes the place of the mark of the build.
+enum class TabFileMark : std::uint8_t { None, Changed, Gone, ReadOnly };
 struct TabFacts {
     bool active = false;
     bool modified = false;
     TabMark mark = TabMark::None;
+    TabFileMark fileMark = TabFileMark::None;
     bool pointed = false;  // the pointer is on the tab
     bool onClose = false;  // and on its close button
     bool dragging = false;

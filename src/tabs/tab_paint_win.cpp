@@ -9,6 +9,9 @@
 #include "ui/paint.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
 
 namespace {
 
@@ -28,9 +31,28 @@ COLORREF ColourOf(TabColour colour) {
         case TabColour::ActiveText: return chrome.tabActiveText;
         case TabColour::Modified: return chrome.modified;
         case TabColour::Error: return chrome.error;
+        case TabColour::Outside: return chrome.modified;
         case TabColour::Success: break;
     }
     return chrome.success;
+}
+
+void DrawRing(HDC dc, const RECT& place, COLORREF colour) {
+    std::array<POINT, 25> points = {};
+    const double radius = (place.right - place.left - 1) / 2.0;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const double angle = 2 * std::numbers::pi * static_cast<double>(i) / (points.size() - 1);
+        points[i] = {std::lround(place.left + radius + radius * std::cos(angle)),
+                     std::lround(place.top + radius + radius * std::sin(angle))};
+    }
+    DrawPolyline(dc, points, colour, std::max(UiScaled(2), 1));
+}
+
+void DrawTabStrokes(HDC dc, const std::vector<TabStroke>& strokes, TabColour colour) {
+    for (const TabStroke& stroke : strokes) {
+        const POINT line[][2] = {{{stroke.fromX, stroke.fromY}, {stroke.toX, stroke.toY}}};
+        DrawStrokes(dc, line, ColourOf(colour), std::max(UiScaled(1), 1));
+    }
 }
 
 void DrawLook(HDC dc, const TabLook& look, const wchar_t* label) {
@@ -39,6 +61,7 @@ void DrawLook(HDC dc, const TabLook& look, const wchar_t* label) {
         switch (part.shape) {
             case TabShape::Area: FillArea(dc, place, ColourOf(part.colour)); break;
             case TabShape::Dot: FillDot(dc, place, ColourOf(part.colour)); break;
+            case TabShape::Ring: DrawRing(dc, place, ColourOf(part.colour)); break;
             case TabShape::Label:
                 SetBkMode(dc, TRANSPARENT);
                 SetTextColor(dc, ColourOf(part.colour));
@@ -46,15 +69,24 @@ void DrawLook(HDC dc, const TabLook& look, const wchar_t* label) {
                 break;
         }
     }
-    for (const TabStroke& stroke : look.strokes) {
-        const POINT line[][2] = {{{stroke.fromX, stroke.fromY}, {stroke.toX, stroke.toY}}};
-        DrawStrokes(dc, line, ColourOf(look.strokeColour), std::max(UiScaled(1), 1));
-    }
+    DrawTabStrokes(dc, look.markStrokes, TabColour::Outside);
+    DrawTabStrokes(dc, look.strokes, look.strokeColour);
 }
 
 TabMark MarkOf(BuildMark mark) {
     if (mark == BuildMark::None) return TabMark::None;
     return mark == BuildMark::Error ? TabMark::Error : TabMark::Success;
+}
+
+TabFileMark FileMarkOf(const DocumentTab& tab) {
+    switch (tab.outside.kind) {
+        case OutsideKind::Changed:
+        case OutsideKind::Replaced: return TabFileMark::Changed;
+        case OutsideKind::Gone:
+        case OutsideKind::Moved: return TabFileMark::Gone;
+        case OutsideKind::None: break;
+    }
+    return tab.onDisk.readOnly ? TabFileMark::ReadOnly : TabFileMark::None;
 }
 
 }  // namespace
@@ -66,6 +98,7 @@ void TabBarPaintTab(HDC dc, int index, const TabRect& rect) {
     const TabFacts facts = {.active = index == g_documents.activeTab,
                             .modified = tab.modified,
                             .mark = MarkOf(tab.buildMark),
+                            .fileMark = FileMarkOf(tab),
                             .pointed = index == pointer.hoverTab,
                             .onClose = pointer.hoverClose,
                             .dragging = pointer.dragging};

@@ -1,7 +1,7 @@
 // What keeps unsaved text: the copy that is taken while the user types, the edits by lines, notes and times.
 #include "files/recovery.h"
+#include "base/difference.h"
 #include "base/line_edits.h"
-#include "recovery/difference.h"
 #include "recovery/snapshot_note.h"
 #include "recovery/text_snapshot.h"
 
@@ -76,10 +76,13 @@ TEST(LineEdits, TurnOneTextIntoTheOther) {
         LineEdits("one\r\ntwo\r\nthree\r\nfour\r\n", "one\r\n2\r\nthree\r\nfour\r\nfive");
     ASSERT_EQ(edits.size(), 2U);
     EXPECT_EQ(edits[0].start, 5U);
-    EXPECT_EQ(edits[0].end, 10U);
-    EXPECT_EQ(edits[0].text, "2\r\n");
+    EXPECT_EQ(edits[0].end, 8U);
+    EXPECT_EQ(edits[0].text, "2");
     EXPECT_EQ(edits[1].text, "five");
-    EXPECT_EQ(LineEdits("a\nb\n", "a\r\nb\r\n").size(), 1U);  // other line ends are a change
+    EXPECT_EQ(LineEdits("a\nb\n", "a\r\nb\r\n").size(), 2U);  // other line ends are a change
+    const std::vector<LineEdit> within = LineEdits("caf\xC3\xA9 1\n", "caf\xC3\xA8 1\n");  // whole characters
+    ASSERT_EQ(within.size(), 1U);
+    EXPECT_EQ(within[0].text, "\xC3\xA8");
     // Beyond the limit it is one piece, at once.
     const std::string large(5 << 20, 'x');
     EXPECT_EQ(applied("a\n" + large, "a\ny" + large), "a\ny" + large);

@@ -1,4 +1,4 @@
-#include "recovery/difference.h"
+#include "base/difference.h"
 
 #include "base/line_diff.h"
 #include "base/utf8.h"

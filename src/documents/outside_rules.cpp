@@ -1,0 +1,110 @@
+// Decisions about files that other programs change, and their texts. Pure.
+#include "documents/outside_rules.h"
+
+OutsideKind OutsideKindOf(FileChange change, bool moved) {
+    switch (change) {
+        case FileChange::Changed: return OutsideKind::Changed;
+        case FileChange::Replaced: return OutsideKind::Replaced;
+        case FileChange::Gone: return moved ? OutsideKind::Moved : OutsideKind::Gone;
+        case FileChange::None:
+        case FileChange::Touched:
+        case FileChange::ReadOnly: break;
+    }
+    return OutsideKind::None;
+}
+
+OutsideNews OutsideNewsOf(const FileState& known, const FileState& now, const OutsideChange& shown) {
+    switch (FileChangeOf(known, now)) {
+        case FileChange::None:
+            return shown.kind != OutsideKind::None && FileLooksSame(known, now) && now.presence == FilePresence::There
+                       ? OutsideNews::AsBefore
+                       : OutsideNews::Nothing;
+        case FileChange::Touched: return OutsideNews::AsBefore;
+        case FileChange::ReadOnly: return OutsideNews::ReadOnly;
+        case FileChange::Changed:
+        case FileChange::Replaced:
+        case FileChange::Gone: break;
+    }
+    return OutsideNews::Marked;
+}
+
+OutsideStep OutsideStepOf(OutsideKind kind, bool modified, bool reloads) {
+    switch (kind) {
+        case OutsideKind::Changed:
+        case OutsideKind::Replaced: return reloads && !modified ? OutsideStep::Reload : OutsideStep::AskReload;
+        case OutsideKind::Gone: return OutsideStep::Tell;
+        case OutsideKind::Moved: return OutsideStep::AskName;
+        case OutsideKind::None: break;
+    }
+    return OutsideStep::None;
+}
+
+bool SaveMeetsChange(const FileState& known, const FileState& now, bool unasked) {
+    switch (FileChangeOf(known, now)) {
+        case FileChange::Changed:
+        case FileChange::Replaced: return true;
+        case FileChange::Gone: return unasked;  // nothing is overwritten
+        case FileChange::None: return unasked && known.presence == FilePresence::Missing;
+        case FileChange::Touched:
+        case FileChange::ReadOnly: break;
+    }
+    return false;
+}
+
+std::wstring OutsideKindText(OutsideKind kind) {
+    switch (kind) {
+        case OutsideKind::Changed: return L"changed";
+        case OutsideKind::Replaced: return L"replaced";
+        case OutsideKind::Gone: return L"deleted";
+        case OutsideKind::Moved: return L"renamed";
+        case OutsideKind::None: break;
+    }
+    return {};
+}
+
+std::wstring OutsideTipText(const OutsideChange& change, bool readOnly) {
+    switch (change.kind) {
+        case OutsideKind::Changed: return L"Changed by another program since it was read";
+        case OutsideKind::Replaced: return L"Replaced by another file since it was read";
+        case OutsideKind::Gone: return L"The file was deleted; its text is only here";
+        case OutsideKind::Moved: return L"Renamed by another program to " + change.movedTo;
+        case OutsideKind::None: break;
+    }
+    return readOnly ? L"The file is read-only" : std::wstring{};
+}
+
+std::wstring OutsideReloadText(const std::wstring& label, OutsideKind kind, bool modified) {
+    return label +
+           (kind == OutsideKind::Replaced ? L" was replaced by another program."
+                                          : L" was changed by another program.") +
+           (modified ? L" It also has unsaved changes here, which a reload takes away; Undo brings them back."
+                     : L" It has no unsaved changes here.") +
+           L"\n\nReload it from the disk?";
+}
+
+std::wstring OutsideListText(std::size_t count) {
+    return std::to_wstring(count) +
+           L" open files were changed by other programs. The ticked ones are reloaded; the others stay as they are "
+           L"here. "
+           L"Undo takes a reload back.";
+}
+
+std::wstring OutsideGoneText(const std::wstring& label) {
+    return label + L" was deleted by another program. Its text is still here; a save writes the file again.";
+}
+
+std::wstring OutsideMovedText(const std::wstring& label, const std::wstring& newLabel) {
+    return label + L" was renamed to " + newLabel +
+           L" by another program.\n\nUse the new name for this document?\n\nYes: it is " + newLabel +
+           L" from now on\nNo: it keeps its name, and a save writes the file again";
+}
+
+std::wstring OutsideReadOnlyText(const std::wstring& label) {
+    return label + L" was made read-only by another program. It can be edited, but not saved under this name.";
+}
+
+std::wstring OutsideSaveText(const std::wstring& label) {
+    return label +
+           L" was changed by another program since it was read or saved here. Saving overwrites these changes.\n\n"
+           L"Overwrite the file?";
+}
