@@ -86,6 +86,7 @@ void OnTextArrived(DocumentId document) {
     FilesSearchOnTextArrived(document);
     SymbolsOnTextArrived(document);
     SnapshotsOnTextArrived(document);
+    OutsideOnDocuments();
 }
 
 void OnDocumentNotice(DocumentId document, const wchar_t* notice) {

@@ -2,6 +2,7 @@
 // queue is empty, so no other box is open then. UI thread.
 #include "app/main_window.h"
 #include "compile/build.h"
+#include "compile/products.h"
 #include "debugui/debug_commands.h"
 #include "documents/file_work.h"
 #include "documents/outside.h"
@@ -31,5 +32,5 @@ void MainWnd_AskAboutFiles() {
     if (!OutsideWantsToAsk() || IsWindowEnabled(g_ui.hMainWnd) == FALSE) return;
     // A build saves, and moves files aside; what it has done is seen once it has ended.
     if (LongWorkRuns() || FileWorkRuns() || CompilerIsBuilding() || DebugIsWaiting() || !SessionSavesAllowed()) return;
-    OutsideAsk();
+    OutsideAsk(IsBuildProduct);
 }

@@ -14,9 +14,10 @@ void OutsideOnTimer();              // TIMER_OUTSIDE
 void OutsideOnSeen(WPARAM wParam);  // MSG_OUTSIDE_SEEN
 void OutsideOnProgramActive();
 void OutsideOnDocumentActive();
-// True when the user is to be asked now. The frame calls OutsideAsk then, if nothing else is open.
+// True when the user is to be asked now. The frame calls OutsideAsk then, if nothing else is open. `isOwn`: whether a build
+// of this editor made the file at that path, which is read again without a question.
 bool OutsideWantsToAsk();
-void OutsideAsk();
+void OutsideAsk(bool (*isOwn)(const std::wstring& path));
 void OutsideEnd();
 
 // A save has met a change of the file that is at `now`: shows it on the tab.

@@ -218,11 +218,11 @@ std::vector<DocumentId> TakePending() {
     return documents;
 }
 
-// What the setting lets reload without a question is done here.
-bool WasReloaded(DocumentId document) {
+// What is reloaded without a question.
+bool WasReloaded(DocumentId document, bool (*isOwn)(const std::wstring& path)) {
     const DocumentTab& tab = TabAt(TabBarFindDocument(document));
-    if (OutsideStepOf(tab.outside.kind, tab.modified, g_settings.reloadChangedFiles != 0) != OutsideStep::Reload)
-        return false;
+    if (OutsideStepOf(tab.outside.kind, tab.modified, true) != OutsideStep::Reload) return false;
+    if (g_settings.reloadChangedFiles == 0 && !isOwn(tab.path)) return false;
     TabAt(TabBarFindDocument(document)).askedIn = 0;  // it was not asked about
     ReloadFromDisk(document, ReloadFailure::Status);
     return true;
@@ -285,10 +285,10 @@ bool OutsideWantsToAsk() {
     return IsTabIndex(g_documents.activeTab) && IsPending(TabAt(g_documents.activeTab));
 }
 
-void OutsideAsk() {
+void OutsideAsk(bool (*isOwn)(const std::wstring& path)) {
     g_outside.returned = false;
     std::vector<DocumentId> documents = TakePending();
-    std::erase_if(documents, WasReloaded);
+    std::erase_if(documents, [isOwn](DocumentId document) { return WasReloaded(document, isOwn); });
     if (documents.size() == 1)
         AskAboutOne(TabAt(TabBarFindDocument(documents.front())));
     else if (!documents.empty())
