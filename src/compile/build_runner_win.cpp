@@ -55,7 +55,9 @@ std::vector<BuildLine> SaveOtherDocuments() {
     for (const DocumentId document : DocumentsToSave(DocumentRowEntries(), true)) {
         const int tab = TabBarFindDocument(document);  // a box about the one before may have closed or saved this one
         if (tab < 0 || !TabAt(tab).hasFile || !TabAt(tab).modified) continue;
-        if (TabAt(tab).outside.kind == OutsideKind::Gone) continue;  // the user has deleted it, or another program
+        const OutsideKind outside = TabAt(tab).outside.kind;
+        if (outside == OutsideKind::Gone || outside == OutsideKind::Moved)
+            continue;  // it is not to come back by itself
         const std::wstring path = TabAt(tab).path;
         lines.push_back(SavedLine(path, SaveBeforeBuild(tab)));
     }

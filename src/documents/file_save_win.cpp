@@ -78,7 +78,7 @@ struct EditorText {
 EditorText TakeText(DocumentId document) {
     EditorText text;
     const int tab = TabBarFindDocument(document);
-    if (tab < 0) return text;
+    if (tab < 0 || TabAt(tab).editor == nullptr) return text;  // a file that could not be read has no text here
     text.bytes.reset(EditorPaneGetText(TabAt(tab).editor, &text.length));
     if (!text.bytes) AppLogMsg(L"FAIL: FileSave no memory for the text");
     return text;
@@ -326,11 +326,17 @@ int SaveUnderNewName(DocumentId document) {
     return 1;
 }
 
+// False for a file that cannot be read: the document has no text that could be saved. Tries again, which tells the user.
+bool HasText(int tab) {
+    if (IsTabIndex(tab) && TabAt(tab).editor == nullptr) TabBarSelect(tab);
+    return IsTabIndex(tab) && TabAt(tab).editor != nullptr;
+}
+
 }  // namespace
 
 int FileSave(int tab) {
     const SaveGuard guard;
-    if (!guard.Entered() || !IsTabIndex(tab)) return 0;
+    if (!guard.Entered() || !HasText(tab)) return 0;
     const DocumentTab& document = TabAt(tab);
     const bool named = document.hasFile && document.path[0] != L'\0';
     return named ? SaveAsBound(document.id, document, SaveManner::Asked) : SaveUnderNewName(document.id);
@@ -346,7 +352,7 @@ int FileSaveUnasked(int tab) {
 
 int FileSaveAs(int tab) {
     const SaveGuard guard;
-    return guard.Entered() && IsTabIndex(tab) ? SaveUnderNewName(TabAt(tab).id) : 0;
+    return guard.Entered() && HasText(tab) ? SaveUnderNewName(TabAt(tab).id) : 0;
 }
 
 int FileSaveAll() {

@@ -9,6 +9,7 @@
 #include "documents/reload.h"
 #include "documents/theme.h"
 #include "files/file_watch.h"
+#include "files/share_probe.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "settings/settings_state.h"
@@ -81,7 +82,11 @@ void MarkChange(DocumentTab& tab, const FileState& now, const std::wstring& move
     tab.outside.asked = tab.outside.again = tab.askedIn == g_outside.stay;
     g_outside.lastSeen = GetTickCount64();
     if (!std::exchange(g_outside.pending, true)) g_outside.firstSeen = g_outside.lastSeen;
-    if (kind != OutsideKind::Gone && kind != OutsideKind::Moved) return;
+    if (kind != OutsideKind::Gone && kind != OutsideKind::Moved) {
+        // It is there again, so the document is not unsaved because of that any more.
+        if (std::exchange(tab.outside.madeUnsaved, false)) SetUnsaved(tab, false);
+        return;
+    }
     // Nothing else has the text now, so closing the document has to ask.
     tab.onDisk.presence = FilePresence::Missing;
     tab.outside.madeUnsaved = tab.outside.madeUnsaved || !tab.mustSave;
@@ -220,10 +225,12 @@ std::vector<DocumentId> TakePending() {
 
 // What is reloaded without a question.
 bool WasReloaded(DocumentId document, bool (*isOwn)(const std::wstring& path)) {
-    const DocumentTab& tab = TabAt(TabBarFindDocument(document));
+    const int index = TabBarFindDocument(document);
+    if (index < 0) return true;  // closed while another one was read
+    DocumentTab& tab = TabAt(index);
     if (OutsideStepOf(tab.outside.kind, tab.modified, true) != OutsideStep::Reload) return false;
-    if (g_settings.reloadChangedFiles == 0 && !isOwn(tab.path)) return false;
-    TabAt(TabBarFindDocument(document)).askedIn = 0;  // it was not asked about
+    if (g_settings.reloadChangedFiles == 0 && !(PathAnswers(tab.path) && isOwn(tab.path))) return false;
+    tab.askedIn = 0;  // it was not asked about
     ReloadFromDisk(document, ReloadFailure::Status);
     return true;
 }
@@ -288,7 +295,9 @@ bool OutsideWantsToAsk() {
 void OutsideAsk(bool (*isOwn)(const std::wstring& path)) {
     g_outside.returned = false;
     std::vector<DocumentId> documents = TakePending();
-    std::erase_if(documents, [isOwn](DocumentId document) { return WasReloaded(document, isOwn); });
+    std::erase_if(
+        documents, [isOwn](DocumentId document) { return WasReloaded(document, isOwn); });
+    std::erase_if(documents, [](DocumentId document) { return TabBarFindDocument(document) < 0; });
     if (documents.size() == 1)
         AskAboutOne(TabAt(TabBarFindDocument(documents.front())));
     else if (!documents.empty())

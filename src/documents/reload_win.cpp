@@ -65,10 +65,9 @@ void UnbindCutDocument(int tab) {
     TabBarUpdateTitle(tab);
 }
 
-// Whether the lines of the file can take the place of those in the editor. Another encoding or form is another document.
+// Whether the lines of the file can take the place of those in the editor, which has UTF-8 whatever the file has.
 bool MayChangeLines(const DocumentTab& document, const LoadedFile& file) {
     return file.bytes != nullptr && !file.plain && !EditorPaneIsPlain(document.editor) &&
-           file.encoding == document.encoding && file.form.utf16 == document.form.utf16 &&
            SciSend(document.editor, SCI_GETREADONLY) == 0;
 }
 
@@ -124,12 +123,17 @@ bool ShowReloaded(int tab, LoadedFile file) {
 int FileReload(int tab) {
     if (!IsTabIndex(tab) || !TabAt(tab).hasFile) return 0;
     const DocumentId id = TabAt(tab).id;
+    if (TabAt(tab).editor == nullptr) {  // it could not be read before
+        TabBarSelect(tab);
+        tab = TabBarFindDocument(id);
+        return tab >= 0 && TabAt(tab).editor != nullptr ? 1 : 0;
+    }
     return MayDiscardChanges(TabAt(tab)) ? ReloadFromDisk(id, ReloadFailure::Box) : 0;
 }
 
 int ReloadFromDisk(DocumentId id, ReloadFailure failure) {
     int tab = TabBarFindDocument(id);  // messages may have been handled while a box was open
-    if (tab < 0 || !TabAt(tab).hasFile) return 0;
+    if (tab < 0 || !TabAt(tab).hasFile || TabAt(tab).editor == nullptr) return 0;
     const std::wstring path{TabAt(tab).path};
     LoadedFile file;
     LoadEnd end = DocumentRead(path.c_str(), std::wstring{TabAt(tab).label}.c_str(), &file);

@@ -99,9 +99,12 @@ std::optional<SeenFile> LookAt(FileUnderWatch& watched, bool folderTells, const 
     watched.due = time + (folderTells ? kRareMs : kPollMs);
     if (watched.remote && !PathAnswers(file.path.c_str())) return std::nullopt;
     FileState now = FileStateOf(file.path.c_str());
-    if (now.presence == FilePresence::Unknown) {
+    if (now.presence == FilePresence::Unknown) {  // for a moment, while the system deletes it
         if (watched.settling.began == 0) return std::nullopt;
-        watched.due = time + kAgainMs;
+        if (time - watched.settling.began < kRestlessMs)
+            watched.due = time + kAgainMs;
+        else
+            watched.settling = {};
         return std::nullopt;
     }
     if (FileLooksSame(file.known, now)) {
@@ -198,12 +201,13 @@ DWORD TimeUntilDue(const WatchThread& watch) {
     return watch.files.empty() ? INFINITE : due > now ? static_cast<DWORD>(due - now) : 0;
 }
 
-// A folder has told: its files are looked at. False: its notification is no longer of use.
+// A folder has told: its files are looked at, but not more often than it pays while something writes there all the time.
 void OnFolderChanged(WatchThread& watch, const std::wstring& folder) {
     UniqueNotification& notification = watch.folders[folder];
     if (FindNextChangeNotification(notification.Get()) == FALSE) notification.Reset();
+    const ULONGLONG soon = GetTickCount64() + kAgainMs;
     for (FileUnderWatch& file : watch.files)
-        if (file.folder == folder) file.due = 0;
+        if (file.folder == folder) file.due = std::min(file.due, soon);
 }
 
 void WatchWork(WatchThread& watch, const WorkerCancel& cancel) {
@@ -219,7 +223,10 @@ void WatchWork(WatchThread& watch, const WorkerCancel& cancel) {
             }
         const DWORD signalled =
             WaitForMultipleObjects(static_cast<DWORD>(handles.size()), handles.data(), FALSE, TimeUntilDue(watch));
-        if (signalled == WAIT_FAILED) Sleep(kAgainMs);  // one of them was closed by its drive
+        if (signalled == WAIT_FAILED) {  // one of them is of no use any more; the poll does without them
+            for (auto& [folder, notification] : watch.folders) notification.Reset();
+            Sleep(kAgainMs);
+        }
         if (signalled >= WAIT_OBJECT_0 + 2 && signalled < WAIT_OBJECT_0 + handles.size())
             OnFolderChanged(watch, *folders[signalled - WAIT_OBJECT_0 - 2]);
     }

@@ -125,13 +125,13 @@ TEST(Outside, EveryKindIsNoticedAndSaidOnce) {
     EXPECT_TRUE(WaitFor([&] { return editor.TabLabel(1) == L"c.bas"; }));
     editor.Type("y");
     editor.Do(IDM_FILE_SAVE);
-    EXPECT_EQ(folder.Read(L"c.bas"), "ynew\n");
+    EXPECT_EQ(folder.Read(L"c.bas"), "nyew\n") << "the caret kept its column";
 
     fs::remove(folder.File(L"c.bas"));
     editor.Answer(kProgramTitle, L"c.bas was deleted", IDOK);
     editor.Post(IDM_FILE_CLOSE);
     editor.Answer(kUnsaved, L"Save changes to c.bas?", IDCANCEL);
-    folder.Write(L"c.bas", "ynew\n");  // the same text is no change any more
+    folder.Write(L"c.bas", "nyew\n");  // the same text is no change any more
     EXPECT_TRUE(WaitFor([&] {
         editor.Post(IDM_FILE_CLOSE);
         if (WaitFor([&] { return editor.Tabs() == 1; }, 1000)) return true;
