@@ -5,6 +5,7 @@
 #include "base/bounded_text.h"
 #include "base/heap_text.h"
 #include "base/utf8.h"
+#include "compile/build_source.h"
 #include "documents/editor_pane.h"
 #include "scintilla/sci.h"
 #include "settings/compiler_id.h"
@@ -54,7 +55,7 @@ int AiApiFetchModels(const wchar_t* baseUrl, const wchar_t* apiKey, bool filter,
 }
 
 AiPromptSettings PromptSettingsNow() {
-    const auto compiler = static_cast<std::uint32_t>(g_settings.activeCompiler);
+    const std::uint32_t compiler = CompilerNow();
     return {.codeModel = g_settings.openAICodeModel,
             .localModel = g_settings.lmStudioModel,
             .compiler = compiler,

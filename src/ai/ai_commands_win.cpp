@@ -16,6 +16,7 @@
 #include "base/heap_text.h"
 #include "base/utf8.h"
 #include "base/wide_format.h"
+#include "compile/build_source.h"
 #include "documents/document_row.h"
 #include "documents/documents_state.h"
 #include "output/output_pane.h"
@@ -202,9 +203,7 @@ void SendOrCancel(int) {
 std::string LastErrorToSend() {
     const std::vector<CompilerError>& errors = g_output.errors.items;
     const auto last = std::find_if(errors.rbegin(), errors.rend(), [](const auto& e) { return e.severity == 0; });
-    if (g_settings.appendLastError == 0 || last == errors.rend() ||
-        last->compilerId != static_cast<std::uint32_t>(g_settings.activeCompiler))
-        return {};
+    if (g_settings.appendLastError == 0 || last == errors.rend() || last->compilerId != CompilerNow()) return {};
     return ToUtf8(FormatW(L"%s(%d): %s", last->file, last->line, last->message));
 }
 

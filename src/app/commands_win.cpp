@@ -19,6 +19,7 @@
 #include "documents/file_commands.h"
 #include "documents/file_work.h"
 #include "output/output_pane.h"
+#include "project/project.h"
 #include "recovery/recovery.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
@@ -173,7 +174,7 @@ std::vector<CommandHandler> AllCommandHandlers() {
     for (const std::span<const CommandHandler> area :
          {std::span<const CommandHandler>(kFrameHandlers), RecentCommandHandlers(), ViewCommandHandlers(),
           QuickOpenCommandHandlers(), BuildCommandHandlers(), DebugCommandHandlers(), AiCommandHandlers(),
-          FilesSearchCommandHandlers(), SymbolCommandHandlers()})
+          FilesSearchCommandHandlers(), SymbolCommandHandlers(), ProjectCommandHandlers()})
         all.insert(all.end(), area.begin(), area.end());
     return all;
 }
@@ -196,7 +197,8 @@ void MainWnd_OnCommand(int command, int notification, HWND control) {
     if (RunCommandHandler(kFrameHandlers, command) || RunCommandHandler(RecentCommandHandlers(), command) ||
         RunCommandHandler(ViewCommandHandlers(), command) || RunCommandHandler(QuickOpenCommandHandlers(), command) ||
         CmdHandle_Build(command) || CmdHandle_Debug(command) || CmdHandle_AI(command) ||
-        RunCommandHandler(FilesSearchCommandHandlers(), command) || RunCommandHandler(SymbolCommandHandlers(), command))
+        RunCommandHandler(FilesSearchCommandHandlers(), command) ||
+        RunCommandHandler(SymbolCommandHandlers(), command) || RunCommandHandler(ProjectCommandHandlers(), command))
         MainWindow_RequestStateRefresh();
 }
 

@@ -9,6 +9,7 @@
 #include "commands/status_bar.h"
 #include "commands/toolbar.h"
 #include "compile/build.h"
+#include "compile/build_source.h"
 #include "debugui/breakpoint_list.h"
 #include "debugui/debug_commands.h"
 #include "debugui/debug_pane.h"
@@ -21,6 +22,7 @@
 #include "output/output_feed.h"
 #include "output/output_pane.h"
 #include "output/show_timer.h"
+#include "project/project.h"
 #include "project/project_tree.h"
 #include "recovery/snapshots.h"
 #include "search/files_search.h"
@@ -47,6 +49,7 @@ void OnDocumentActivated(DocumentId document) {
     StatusBarForgetOthers(document);
     MainWindow_UpdateTitle();
     StatusBarUpdatePosition();
+    if (BuildProjectNow()) MainWindow_UpdateCompilerSelection();  // a file that is not of the project has its own
     MenuUpdateState();
     OutlineOnActivated(document);
     OutsideOnDocumentActive();
@@ -68,7 +71,10 @@ void OnDocumentClosed(DocumentId document, int index) {
     OutsideOnDocuments();
 }
 
-void OnDocumentSaved(DocumentId) { OutsideOnDocuments(); }
+void OnDocumentSaved(DocumentId document) {
+    OutsideOnDocuments();
+    ProjectOnSaved(document);
+}
 
 void OnTextLeaving(DocumentId document) {
     BreakpointsKeepLines(document);
@@ -94,6 +100,13 @@ void OnDocumentNotice(DocumentId document, const wchar_t* notice) {
     StatusBarSetDocumentText(document, notice);
 }
 
+void OnProjectChosen(const wchar_t* path, bool* open) { *open = ProjectOpenFile(path); }
+
+void OnProjectChanged() {
+    StatusBarSetProject(ProjectName());
+    MainWindow_UpdateCompilerSelection();
+}
+
 void OnProgramBuilt(const wchar_t* source, const wchar_t* listing) {
     if (PaneIsShown(PaneId::Asm)) AsmPaneLoad(source, listing);
 }
@@ -112,6 +125,8 @@ void MainWnd_ConnectEvents() {
     g_events.documentNotice = OnDocumentNotice;
     g_events.variableAsked = SymbolsOnVariableAsked;
     g_events.folderChosen = ProjectTreeOfferRoot;
+    g_events.projectChosen = OnProjectChosen;
+    g_events.projectChanged = OnProjectChanged;
     g_events.settingsChanged = MainWnd_OnSettingsChanged;
     g_events.programBuilt = OnProgramBuilt;
     g_events.buildEnded = DebugOnBuildEnd;

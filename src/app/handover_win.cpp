@@ -106,7 +106,9 @@ void HandoverOpenWaiting() {
 void OpenPlace(const std::wstring& text) {
     const bool whole = PathAnswers(text.c_str()) && FileExists(text.c_str());
     const FilePlace place = whole ? FilePlace{.path = text} : ParseFilePlace(text);
-    if (FileOpen(place.path.c_str()) == 0 || place.line == 0) return;
+    const bool asText = place.line > 0 && FileIsProject(place.path.c_str());
+    const int opened = asText ? FileShow(place.path.c_str(), false) : FileOpen(place.path.c_str());
+    if (opened == 0 || place.line == 0) return;
     const DocumentTab& document = TabAt(g_app.activeTab);
     CaretGoTo(document.editor, CaretPositionOfFileColumn(document, place.line - 1, std::max(place.column - 1, 0)));
 }

@@ -15,6 +15,7 @@
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
 #include "documents/outside.h"
+#include "project/project.h"
 #include "recovery/snapshots.h"
 #include "resources/ids.h"
 #include "search/find_bar.h"
@@ -56,6 +57,7 @@ bool RouteOwnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case MSG_AI_ENDED: AiOnRequestEnded(WorkerTake<AiRequestEndPtr>(wParam)); return true;
         case MSG_DEBUG_LAUNCH: DebugOnBuilt(); return true;
         case MSG_OUTSIDE_SEEN: OutsideOnSeen(wParam); return true;
+        case MSG_PROJECT_SEEN: ProjectOnSeen(wParam); return true;
         case MSG_SNAPSHOT_WRITTEN: SnapshotsOnWritten(wParam); return true;
         case MSG_SYMBOLS_SCANNED: SymbolsOnScanned(wParam); return true;
         case MSG_SYMBOLS_FILES: SymbolsOnFilesScanned(wParam); return true;

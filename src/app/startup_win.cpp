@@ -17,6 +17,7 @@
 #include "documents/outside.h"
 #include "files/file_io.h"
 #include "files/share_probe.h"
+#include "project/project.h"
 #include "recovery/recovery.h"
 #include "recovery/snapshots.h"
 #include "resources/ids.h"
@@ -130,6 +131,7 @@ void MainWnd_OnStartup() {
         FileNew();
         AppLogMsg(L"DBG WM_USER+200: FileNew() returned tabCount=%d", TabCount());
     }
+    ProjectRestore();
     SessionStartupDone();
     EnsureEditableStartupTab();
     MainWindow_Layout();
@@ -250,6 +252,7 @@ void MainWnd_OnEndSession(bool ending) {
 }
 
 void MainWnd_OnDestroy(HWND window) {
+    ProjectShutdown(window);
     SymbolsDropScans();
     SymbolsDropFiles();
     ReferencesDrop();

@@ -36,6 +36,9 @@ struct Events {
     // Whether the word names a variable at that line (from 0) of the document; the listener sets the flag if it does.
     Event<DocumentId, int, std::string_view, bool*> variableAsked;
     Event<const wchar_t*> folderChosen;  // the user opened a file in this folder (with its trailing backslash)
+    // The user opened this project file, an absolute path. The listener sets the flag when the project is open then.
+    Event<const wchar_t*, bool*> projectChosen;
+    Event<> projectChanged;  // a project was opened or closed, or what it gives to builds has changed
 
     Event<const Settings&> settingsChanged;  // the settings as they were before the change
 

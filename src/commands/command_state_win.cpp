@@ -7,10 +7,12 @@
 #include "commands/edit_target.h"
 #include "commands/toolbar.h"
 #include "compile/build.h"
+#include "compile/build_source.h"
 #include "debugui/debug_run.h"
 #include "documents/document_row.h"
 #include "language/lexer_table.h"
 #include "output/output_state.h"
+#include "project/project.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "settings/settings_state.h"
@@ -58,6 +60,7 @@ CommandView CurrentCommandView() {
         view.conditions |= EditConditionsOfEditor(view.conditions);
     if (std::ranges::any_of(g_documents.tabs, &DocumentTab::modified)) view.conditions |= kAnyModified;
     if (BuildCanBeStopped()) view.conditions |= kBuilding;
+    view.conditions |= BitIf(!ProjectFilePath().empty(), kProjectOpen) | BitIf(!BuildSourceNow().empty(), kCanBuild);
     if (!CompilerIsBuilding()) view.conditions |= kIdle;
     view.conditions |= DebugConditions();
     view.conditions |= BitIf(AiRequestsRun(), kAiRunning) | BitIf(g_ai.aiDoPending, kAiPending) |
@@ -72,7 +75,7 @@ CommandView CurrentCommandView() {
     view.stepsFollow = settings.stepsFollowProgram != 0;
     view.theme = ThemeIsDark() ? 1 : 0;
     view.style = settings.editorStylePreset;
-    view.compiler = settings.activeCompiler;
+    view.compiler = static_cast<int>(CompilerNow());
     view.profile = settings.profile;
     return view;
 }

@@ -106,7 +106,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_BUILD, kAlways},
     {IDM_BUILD_RUN, kAlways},
     {IDM_BUILD_STOP, kBuilding},
-    {IDM_BUILD_CLEAN, kHasFile | kIdle},
+    {IDM_BUILD_CLEAN, kCanBuild | kIdle},
     {IDM_RUN_IN_OUTPUT, kAlways},  // says why nothing can be run
     {IDM_BUILD_SYNTAX, kAlways},
     {IDM_BUILD_ALL, kAlways},
@@ -123,6 +123,12 @@ constexpr CommandRow kCommands[] = {
     {IDM_WORKSPACE_OPEN, kAlways},
     {IDM_WORKSPACE_SAVE, kAlways},
     {IDM_PROJECT_FOLDER, kAlways},
+    {IDM_PROJECT_NEW, kAlways},
+    {IDM_PROJECT_OPEN, kAlways},
+    {IDM_PROJECT_CLOSE, kProjectOpen},
+    {IDM_PROJECT_EDIT, kProjectOpen},
+    {IDM_PROJECT_SET_MAIN, kProjectOpen | kHasFile},
+    {IDM_PROJECT_KEEP_ARGUMENTS, kProjectOpen, nullptr, Internal},
     {IDM_DEBUG_START, kAlways},  // in a session it ends the session
     {IDM_DEBUG_BUILD_START, kNoSession, nullptr, Internal},
     {IDM_DEBUG_STOP, kSession},

@@ -35,7 +35,9 @@ enum CommandCondition : std::uint32_t {
     kAiReply = 1u << 21,    // a reply has come, or a request about text of a document has ended
     kAiPending = 1u << 22,  // a replacement waits to be accepted or undone
     kAiCode = 1u << 23,     // the chat holds code
-    kNever = 1u << 31,      // never set, so the command stays disabled: not in this version
+    kProjectOpen = 1u << 24,
+    kCanBuild = 1u << 25,  // the active document has a file, or the project has one to build
+    kNever = 1u << 31,     // never set, so the command stays disabled: not in this version
 };
 
 // The state on which enabled and checked depend.

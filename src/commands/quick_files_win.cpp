@@ -143,7 +143,9 @@ std::wstring FilesStatus(bool none) {
 void OpenFound(const QuickItem& item, const QuickQuery& query) {
     const KnownFile file = FileOf(item);
     const int index = TabBarFindDocument(file.document);
-    const bool shown = index >= 0 ? TabBarActivate(index) != 0 : !file.path.empty() && FileOpen(file.path.c_str()) != 0;
+    const bool asText = query.line > 0 && FileIsProject(file.path.c_str());
+    const auto open = [&] { return asText ? FileShow(file.path.c_str(), false) : FileOpen(file.path.c_str()); };
+    const bool shown = index >= 0 ? TabBarActivate(index) != 0 : !file.path.empty() && open() != 0;
     if (shown && query.line > 0) {
         const DocumentTab& document = TabAt(g_documents.activeTab);
         CaretGoTo(document.editor, CaretPositionOfFileColumn(document, query.line - 1, std::max(query.column - 1, 0)));

@@ -22,3 +22,4 @@ void StatusBarSetProgress(const wchar_t* text);
 // Shows line, column, selection, encoding and line ending of the active document.
 void StatusBarUpdatePosition();
 void StatusBarUpdateCompiler();
+void StatusBarSetProject(const std::wstring& name);  // empty: no project is open

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-static constexpr StatusPart kGiveUpOrder[] = {kSelection, kProgress, kLineEnding, kEncoding};
+static constexpr StatusPart kGiveUpOrder[] = {kSelection, kProgress, kProject, kLineEnding, kEncoding};
 
 StatusWidths FitStatusParts(int width, const StatusWidths& wanted) {
     StatusWidths widths = wanted;

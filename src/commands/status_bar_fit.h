@@ -11,6 +11,7 @@ enum StatusPart : int {
     kEncoding,
     kLineEnding,
     kCompiler,
+    kProject,  // empty, and of no width, while no project is open
     kStatusPartCount
 };
 
@@ -19,5 +20,5 @@ using StatusWidths = std::array<int, kStatusPartCount>;
 
 // The right ends of the parts for a bar of `width` pixels. `wanted` holds the widths of the parts; that of the message is
 // the least it gets, and it takes the rest of the bar. When that is too little, parts get the width 0: first selection,
-// then progress, line ending and encoding.
+// then progress, project, line ending and encoding.
 StatusWidths FitStatusParts(int width, const StatusWidths& wanted);

@@ -36,3 +36,10 @@ std::vector<std::pair<StatusPart, std::wstring>> StatusSamples() {
     for (std::uint32_t id = 0; id < kCompilerCount; ++id) samples.emplace_back(kCompiler, CompilerLabel(id, false));
     return samples;
 }
+
+std::wstring ProjectPartText(std::wstring_view name) {
+    constexpr std::size_t kLongest = 32;  // characters
+    if (name.empty()) return {};
+    const bool cut = name.size() > kLongest;
+    return L"Project: " + std::wstring(name.substr(0, cut ? kLongest - 3 : kLongest)) + (cut ? L"..." : L"");
+}

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -20,6 +21,8 @@ std::wstring SelectionText(const SelectionFacts& facts);
 
 // `lineEnding` as in DocumentTab.
 const wchar_t* LineEndingName(int lineEnding);
+
+std::wstring ProjectPartText(std::wstring_view name);  // empty: no project is open
 
 // Long texts that the parts usually show. The parts are as wide, so that nothing moves when another document is shown.
 std::vector<std::pair<StatusPart, std::wstring>> StatusSamples();

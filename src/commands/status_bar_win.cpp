@@ -4,6 +4,7 @@
 #include "commands/command_state.h"
 #include "commands/commands_state.h"
 #include "commands/status_bar_text.h"
+#include "compile/build_source.h"
 #include "documents/document_row.h"
 #include "scintilla/sci.h"
 #include "settings/compiler_presence.h"
@@ -64,9 +65,16 @@ bool WidenStatusPart(std::size_t part, int textWidth) {
 // Returns false when the part is wide enough already. A text that is no longer than one before is taken to be so.
 bool WidenForText(std::size_t part, const std::wstring& text) {
     const int length = static_cast<int>(text.size());
-    if (part == kMessage || length <= g_sizes.longest[part]) return false;
+    if (part == kMessage || part == kProject || length <= g_sizes.longest[part]) return false;
     g_sizes.longest[part] = length;
     return WidenStatusPart(part, UiTextWidth(text.c_str(), length));
+}
+
+// As wide as its text, because another project is rarely opened, and most people have none.
+void MeasureProjectPart() {
+    const std::wstring& text = g_texts[kProject];
+    g_sizes.wanted[kProject] = 0;
+    if (!text.empty()) WidenStatusPart(kProject, UiTextWidth(text.c_str(), static_cast<int>(text.size())));
 }
 
 void MeasureStatusParts() {
@@ -82,6 +90,7 @@ void MeasureStatusParts() {
         WidenStatusPart(samples[i].first, widths[i]);
     }
     for (std::size_t part = 0; part < kStatusPartCount; ++part) WidenForText(part, g_texts[part]);
+    MeasureProjectPart();
 }
 
 void SetStatusPart(int part, const std::wstring& text) {
@@ -201,8 +210,14 @@ void StatusBarForgetOthers(DocumentId document) {
 void StatusBarSetProgress(const wchar_t* text) { SetStatusPart(kProgress, text != nullptr ? text : L""); }
 
 void StatusBarUpdateCompiler() {
-    const auto id = static_cast<std::uint32_t>(g_settings.activeCompiler);
+    const std::uint32_t id = CompilerNow();
     SetStatusPart(kCompiler, CompilerLabel(id, CompilerSeemsInstalled(id)));
+}
+
+void StatusBarSetProject(const std::wstring& name) {
+    SetStatusPart(kProject, ProjectPartText(name));
+    MeasureProjectPart();
+    ShareStatusWidth();
 }
 
 void StatusBarUpdatePosition() {

@@ -3,6 +3,7 @@
 
 #include "base/handles.h"
 #include "commands/command_state.h"
+#include "compile/build_source.h"
 #include "resources/ids.h"
 #include "settings/compiler_presence.h"
 #include "settings/compiler_table.h"
@@ -44,13 +45,13 @@ HBITMAP ToolbarPicture(Icon icon, int size, const IconInks& inks, PictureUse use
 }
 
 std::wstring ToolbarCompilerText() {
-    const auto id = static_cast<std::uint32_t>(g_settings.activeCompiler);
+    const std::uint32_t id = CompilerNow();
     return CompilerLabel(id, CompilerSeemsInstalled(id));
 }
 
 void ToolbarShowCompilerMenu(HWND bar, const RECT& button) {
     const std::vector<CompilerMenuRow> rows =
-        CompilerMenuRows(g_settings.activeCompiler, g_settings.profile,
+        CompilerMenuRows(static_cast<int>(CompilerNow()), g_settings.profile,
                          CommandStateOf(IDM_BUILD_ALL, CurrentCommandView()).enabled, CompilerSeemsInstalled);
     std::vector<MenuItem> items;
     for (const CompilerMenuRow& row : rows)

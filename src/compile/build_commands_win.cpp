@@ -9,6 +9,7 @@
 #include "compile/build_plan.h"
 #include "compile/build_reader.h"
 #include "compile/build_runner.h"
+#include "compile/build_source.h"
 #include "compile/build_stage.h"
 #include "compile/products.h"
 #include "compile/program_run.h"
@@ -55,7 +56,7 @@ void BuildNextOfBatch() {
         TabBarSelect(tab);
         const std::wstring progress = BatchProgressText(g_batch, TabAt(tab).label);
         OutputPaneAppend((progress + L"\r\n").c_str(), 0);
-        const int started = BuildStart({.keepPane = true, .after = AfterBuild::NextOfBatch});
+        const int started = BuildStart({.keepPane = true, .documentOnly = true, .after = AfterBuild::NextOfBatch});
         if (started != 0)
             g_events.statusText(progress.c_str());
         else if (g_batch.running)
@@ -82,6 +83,10 @@ void BuildAllDocuments() {
 }
 
 void BuildAndRunDocument() {
+    if (BuildProjectAtHand()) {
+        BuildStart({.after = AfterBuild::RunProgram});
+        return;
+    }
     const DocumentTab* tab = DocumentToBuild();
     if (tab != nullptr && !tab->hasFile) {
         FileSave(g_documents.activeTab);  // asks the user for a name
@@ -107,17 +112,17 @@ void DeleteProduct(const std::wstring& path) {
 }
 
 void CleanProducts() {
-    const DocumentTab* tab = DocumentToBuild();
-    if (tab == nullptr || !tab->hasFile) {
+    const std::wstring source = BuildSourceNow();
+    if (source.empty()) {
         OutputPaneAppend(L"Clean cancelled: save the active tab to a source file first.\r\n", kLineRed);
         g_events.statusText(L"Clean cancelled");
         return;
     }
     wchar_t output[kPathCapacity] = {};
     wchar_t listing[kPathCapacity] = {};
-    CompilerMakeOutputPath(tab->path, output, kPathCapacity);
-    CompilerMakeAsmPath(tab->path, listing, kPathCapacity);
-    for (const std::wstring& target : CleanTargets(tab->path, output, listing)) DeleteProduct(target);
+    CompilerMakeOutputPath(source.c_str(), output, kPathCapacity);
+    CompilerMakeAsmPath(source.c_str(), listing, kPathCapacity);
+    for (const std::wstring& target : CleanTargets(source, output, listing)) DeleteProduct(target);
     OutputPaneAppend(L"Cleaned build outputs.\r\n", 0);
 }
 
@@ -134,13 +139,13 @@ void StopBuild() {
 
 void UseCompilerOfMenu(int command) {
     const auto id = static_cast<std::int32_t>(CompilerOfCommand(command)->id);
+    if (BuildChooseCompilerOfProject(static_cast<std::uint32_t>(id))) return;
     SettingsChange([id](Settings& settings) { settings.activeCompiler = id; });
     SettingsSave(nullptr);
 }
 
 void UseNextCompiler(int) {
-    const auto active = static_cast<std::uint32_t>(g_settings.activeCompiler);
-    UseCompilerOfMenu(CompilerEntry(CompilerNextInstalled(active, CompilerSeemsInstalled)).command);
+    UseCompilerOfMenu(CompilerEntry(CompilerNextInstalled(CompilerNow(), CompilerSeemsInstalled)).command);
 }
 
 void UseBuildProfile(int command) {

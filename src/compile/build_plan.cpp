@@ -12,7 +12,9 @@ std::wstring BuildFlagsOf(const FlagChoice& choice) {
     SafeCopyW(flags, choice.syntaxOnly ? choice.syntaxFlags : choice.buildFlags);
     if (choice.debug) AppendBuildFlag(flags, choice.debugFlags);
     if (!choice.syntaxOnly) AppendBuildFlag(flags, ProfileFlags(choice.profile, choice.debugFlags));
-    return flags;
+    std::wstring all = flags;
+    if (!choice.projectFlags.empty()) all += (all.empty() ? L"" : L" ") + std::wstring(choice.projectFlags);
+    return all;
 }
 
 LaunchRequest LaunchRequestOf(const CompilerProfile& profile, const CompilerSettings& settings) {
@@ -20,6 +22,7 @@ LaunchRequest LaunchRequestOf(const CompilerProfile& profile, const CompilerSett
             .style = profile.commandStyle,
             .compilerName = profile.name,
             .includeSwitch = profile.includeSwitch,
+            .includeFolders = {},
             .includePath = settings.includePath,
             .listingTemplate = settings.asmFlag[0] != L'\0' ? settings.asmFlag : profile.asmFlag};
 }
@@ -40,6 +43,7 @@ CommandProblem PlanLaunch(const LaunchRequest& request, std::wstring_view compil
                                                         .compiler = request.compiler,
                                                         .flags = request.flags,
                                                         .includeSwitch = request.includeSwitch,
+                                                        .includeFolders = request.includeFolders,
                                                         .includePath = request.includePath,
                                                         .listingTemplate = request.listingTemplate,
                                                         .listing = listable ? request.listing : std::wstring_view(),
@@ -63,6 +67,7 @@ BuildRecord LaunchRecord(const LaunchRequest& request, const LaunchPlan& plan, s
             .staged = std::wstring(staged),
             .listing = std::wstring(request.listing),
             .workingDirectory = plan.workingDirectory,
+            .includeFolders = request.includeFolders,
             .compilerId = request.compilerId,
             .startTime = startTime};
 }

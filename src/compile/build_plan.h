@@ -20,8 +20,9 @@ struct FlagChoice {
     std::wstring_view buildFlags;   // from the settings
     std::wstring_view syntaxFlags;  // used instead of `buildFlags` for a syntax check
     std::wstring_view debugFlags;
+    std::wstring_view projectFlags;  // come last, as they are
 };
-// At most kFlagsCapacity - 1 characters; a flag that does not fit is left out.
+// At most kFlagsCapacity - 1 characters and those of the project; another flag that does not fit is left out.
 std::wstring BuildFlagsOf(const FlagChoice& choice);
 
 struct LaunchRequest {
@@ -33,6 +34,7 @@ struct LaunchRequest {
     std::wstring_view output;
     std::wstring_view flags;
     std::wstring_view includeSwitch;
+    std::vector<std::wstring> includeFolders;  // of the project
     std::wstring_view includePath;
     std::wstring_view listingTemplate;
     std::wstring_view listing;  // path of the listing, used with `wantListing`

@@ -4,6 +4,7 @@
 #include "base/path.h"
 #include "compile/build.h"
 #include "compile/build_plan.h"
+#include "compile/build_source.h"
 #include "compile/build_stage.h"
 #include "compile/child_process.h"
 #include "compile/compile_state.h"
@@ -15,6 +16,7 @@
 #include "documents/file_commands.h"
 #include "files/file_io.h"
 #include "files/libraries.h"
+#include "files/share_probe.h"
 #include "files/start_path.h"
 #include "output/last_build.h"
 #include "output/line_colours.h"
@@ -36,6 +38,8 @@ struct BuildRunner {
     std::uint32_t compilerId = 0;
     std::wstring source;
     std::wstring output;
+    std::optional<BuildProject> project;     // whose main source it is, as it was at the start
+    std::wstring which;                      // behind the status texts of results while a project is open; else empty
     std::optional<FileStamp> programBefore;  // of `output` before the compiler was started
     bool saving = false;                     // saving the source has opened a dialog
 };
@@ -77,6 +81,32 @@ bool SaveSourceToBuild(std::wstring* source) {
     return !source->empty();
 }
 
+// Saves what a build of the project always needs: its main source, and the active document if it belongs to it. Others
+// are saved as for any build.
+BuildRefusal SaveProjectToBuild(const BuildProject& project) {
+    const int active = g_documents.activeTab;
+    if (IsTabIndex(active) && TabAt(active).hasFile && TabAt(active).modified && !SaveBeforeBuild(active))
+        return BuildRefusal::NotSaved;
+    if (project.source.empty()) return BuildRefusal::NoMainSource;
+    const bool there = PathAnswers(project.source.c_str()) && FileExists(project.source.c_str());
+    const int tab = TabBarFindPath(project.source.c_str());
+    if (!IsTabIndex(tab)) return there ? BuildRefusal::None : BuildRefusal::NoMainSource;
+    const bool needed = TabBarRead(tab) && BuildNeedsSave(TabAt(tab).modified, TabAt(tab).hasFile, there);
+    return !needed || SaveBeforeBuild(tab) ? BuildRefusal::None : BuildRefusal::NotSaved;
+}
+
+// Saves the source of the build and gives its path.
+BuildRefusal SaveAndFindSource(const BuildOrder& order, std::wstring* source) {
+    // A copy, because saving may open a box, behind which the project can be read again.
+    const std::optional<BuildProject> project = order.documentOnly ? std::nullopt : BuildProjectAtHand();
+    if (!project) {
+        if (!IsTabIndex(g_documents.activeTab)) return BuildRefusal::NoDocument;
+        return SaveSourceToBuild(source) ? BuildRefusal::None : BuildRefusal::NotSaved;
+    }
+    *source = project->source;
+    return SaveProjectToBuild(*project);
+}
+
 void ClearErrorMarks() {
     for (DocumentTab& tab : g_documents.tabs) {
         if (tab.buildMark != BuildMark::Error) continue;
@@ -104,12 +134,14 @@ BuildPrinted PrintedByCompiler() {
 
 std::wstring FlagsOfRun() {
     const BuildOrder& order = g_runner.run.order;
-    return BuildFlagsOf({.syntaxOnly = order.syntaxOnly,
-                         .debug = order.debug,
-                         .profile = g_settings.profile,
-                         .buildFlags = CompilerFlags(g_runner.compilerId),
-                         .syntaxFlags = CompilerSyntaxFlags(g_runner.compilerId),
-                         .debugFlags = CompilerDebugFlags(g_runner.compilerId)});
+    return BuildFlagsOf(
+        {.syntaxOnly = order.syntaxOnly,
+         .debug = order.debug,
+         .profile = g_settings.profile,
+         .buildFlags = CompilerFlags(g_runner.compilerId),
+         .syntaxFlags = CompilerSyntaxFlags(g_runner.compilerId),
+         .debugFlags = CompilerDebugFlags(g_runner.compilerId),
+         .projectFlags = g_runner.project ? std::wstring_view(g_runner.project->flags) : std::wstring_view()});
 }
 
 // Starts a pre- or post-build command in the folder of the source. A program that the system does not find is looked for
@@ -155,7 +187,8 @@ bool StartStageOfBuild(BuildStage stage, std::wstring* reason) {
     return StartCommandStage(stage, before ? g_settings.preBuildCmd : g_settings.postBuildCmd, reason);
 }
 
-void ShowStep(const BuildStep& step) {
+void ShowStep(BuildStep step) {
+    if (!step.status.empty() && !step.status.ends_with(L"...")) step.status += g_runner.which;
     BuildApplyStep(step);
     MarkBuiltDocument(step.verdict);
     if (step.programBuilt) g_events.programBuilt(LastBuild().source.c_str(), LastBuild().listing.c_str());
@@ -165,7 +198,7 @@ void ShowStep(const BuildStep& step) {
 void EndBuild() {
     const BuildRun run = g_runner.run;  // copied, because a receiver of these events may start the next build
     const std::wstring program = g_runner.output;
-    if (!run.finalStatus.empty()) g_events.statusText(run.finalStatus.c_str());
+    if (!run.finalStatus.empty()) g_events.statusText((run.finalStatus + g_runner.which).c_str());
     g_events.buildEnded(run.success && run.unwritten.empty(), run.order.debug);
     switch (BuildFollowUp(run)) {
         case AfterBuild::NextOfBatch: BatchOnBuildEnd(run.success); break;
@@ -248,8 +281,10 @@ void RecordLaunch(const LaunchRequest& request, const StagedSource& staged, cons
     g_buildState.compilerId = request.compilerId;
 }
 
-// The compiler of the setting "ActiveCompiler"; when that is none, the one for the file's extension.
-std::uint32_t CompilerToUse(const std::wstring& source) {
+// The project's compiler for its main source. Otherwise that of the setting "ActiveCompiler"; when that is none, the one
+// for the file's extension.
+std::uint32_t CompilerToUse(const std::wstring& source, const std::optional<BuildProject>& project) {
+    if (project) return project->compiler;
     const std::int32_t active = g_settings.activeCompiler;
     return active >= 0 && active < static_cast<std::int32_t>(kCompilerCount) ? static_cast<std::uint32_t>(active)
                                                                              : CompilerDefaultForFile(source.c_str());
@@ -288,6 +323,8 @@ int CompilerBuild(std::uint32_t id, const wchar_t* source, const wchar_t* output
     request.source = source != nullptr ? source : L"";
     request.output = output != nullptr ? output : L"";
     request.flags = flags;
+    if (g_runner.project && source != nullptr && g_runner.source == source)
+        request.includeFolders = g_runner.project->includes;
     request.listing = listing;
     request.wantListing = guard.listing;
     request.wantLog = guard.log;
@@ -334,16 +371,20 @@ int BuildStart(const BuildOrder& order) {
     StageSettle(!order.keepPane);
     if (BuildRefusalOf(order, BuildSituationNow()) == BuildRefusal::Running)
         return RefuseBuild(BuildRefusal::StillRunning);
-    if (!IsTabIndex(g_documents.activeTab)) return RefuseBuild(BuildRefusal::NoDocument);
     std::wstring source;
-    if (!SaveSourceToBuild(&source)) return RefuseBuild(BuildRefusal::NotSaved);
+    if (const BuildRefusal why = SaveAndFindSource(order, &source); why != BuildRefusal::None) {
+        const std::wstring name = BuildProjectNow() ? BuildProjectNow()->name : L"";
+        BuildApplyStep(BuildRefused(why, name, source));
+        return 0;
+    }
     const std::vector<BuildLine> saved = SaveOtherDocuments();
     ClearErrorMarks();
     if (!order.keepPane) {
         OutputPaneClear();
         CompilerClearErrors();
     }
-    const std::uint32_t id = CompilerToUse(source);
+    const std::optional<BuildProject> project = BuildProjectOfSource(source);
+    const std::uint32_t id = CompilerToUse(source, project);
     OutputFeedReset(id);
     BuildApplyStep({.lines = saved});
     if (!CompilerExists(id)) return RefuseWithoutCompiler(id);
@@ -351,7 +392,13 @@ int BuildStart(const BuildOrder& order) {
     CompilerMakeOutputPath(source.c_str(), output, kPathCapacity);
     // What a pre-build command prints is relative to its folder.
     OutputFeedBeginBuild({.source = source, .output = output, .workingDirectory = FolderOf(source)});
-    g_runner = {.run = {.order = order}, .compilerId = id, .source = source, .output = output};
+    g_runner = {
+        .run = {.order = order},
+        .compilerId = id,
+        .source = source,
+        .output = output,
+        .project = project,
+        .which = BuildProjectNow() ? BuiltWhichText(BuildProjectNow()->name, source, project.has_value()) : L""};
     return FollowSteps(BuildFirst(g_runner.run, g_settings.preBuildCmd)) ? 1 : 0;
 }
 

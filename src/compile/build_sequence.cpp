@@ -99,7 +99,7 @@ BuildLine SavedLine(std::wstring_view path, bool saved) {
     return {L"Not saved, so the build takes what is on the disk: " + std::wstring(path) + L"\r\n", kLineRed};
 }
 
-BuildStep BuildRefused(BuildRefusal refusal, std::wstring_view compiler, std::wstring_view path) {
+BuildStep BuildRefused(BuildRefusal refusal, std::wstring_view name, std::wstring_view path) {
     switch (refusal) {
         case BuildRefusal::None:
         case BuildRefusal::Saving:
@@ -119,11 +119,19 @@ BuildStep BuildRefused(BuildRefusal refusal, std::wstring_view compiler, std::ws
             return {.lines = {{L"Build cancelled: save the active tab to a source file first.\r\n", kLineRed}},
                     .status = L"Build cancelled"};
         case BuildRefusal::NoCompiler:
-            return {.lines = {{L"Compiler not found: " + std::wstring(compiler) + L"\r\nConfigured path: " +
+            return {.lines = {{L"Compiler not found: " + std::wstring(name) + L"\r\nConfigured path: " +
                                    (path.empty() ? L"(empty)" : std::wstring(path)) +
                                    L"\r\nOpen Project > Settings and run Auto-Detect or browse to the compiler.\r\n",
                                kLineRed}},
                     .status = L"Compiler not found"};
+        case BuildRefusal::NoMainSource:
+            return {.lines = {{L"Build cancelled: the project " + std::wstring(name) +
+                                   (path.empty() ? L" names no main source (Project > Set as Main Source).\r\n"
+                                                 : L" has no file " + std::wstring(path) +
+                                                       L" (Project > Set as Main Source).\r\n"),
+                               kLineRed}},
+                    .status = L"Build cancelled",
+                    .clearsPane = true};
     }
     return {};
 }

@@ -24,6 +24,7 @@ enum class BuildRefusal : std::uint8_t {
     NoDocument,
     NotSaved,
     NoCompiler,
+    NoMainSource,  // of the project
 };
 
 struct BuildSituation {
@@ -75,8 +76,9 @@ struct BuildStep {
     bool programBuilt = false;  // g_events.programBuilt is to be called
 };
 
-// The message for a refusal. `compiler` and `path` are used for NoCompiler only.
-BuildStep BuildRefused(BuildRefusal refusal, std::wstring_view compiler = {}, std::wstring_view path = {});
+// The message for a refusal. `name` and `path` are the compiler's for NoCompiler, the project's and its main source's (empty:
+// it names none) for NoMainSource, and unused otherwise.
+BuildStep BuildRefused(BuildRefusal refusal, std::wstring_view name = {}, std::wstring_view path = {});
 
 // The state of a running build.
 struct BuildRun {

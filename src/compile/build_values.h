@@ -26,7 +26,8 @@ enum class AfterBuild : std::uint8_t { Nothing, RunProgram, NextOfBatch };
 struct BuildOrder {
     bool syntaxOnly = false;
     bool debug = false;
-    bool keepPane = false;  // the output is added to the pane instead of replacing its text
+    bool keepPane = false;      // the output is added to the pane instead of replacing its text
+    bool documentOnly = false;  // the active document, also while a project is open
     AfterBuild after = AfterBuild::Nothing;
 };
 

@@ -99,6 +99,9 @@ std::wstring_view ProfileFlags(int profile, std::wstring_view debugFlags) {
 CommandProblem AssembleCommandLine(const CommandParts& parts, std::wstring* commandLine) {
     wchar_t arguments[kArgumentsCapacity] = {};
     if (!AppendArgSafe(arguments, kArgumentsCapacity, parts.flags)) return CommandProblem::FlagsTooLong;
+    for (const std::wstring& folder : parts.includeFolders)
+        if (!AppendSwitchPathSafe(arguments, kArgumentsCapacity, parts.includeSwitch, folder))
+            return CommandProblem::IncludeTooLong;
     if (!AppendSwitchPathSafe(arguments, kArgumentsCapacity, parts.includeSwitch, parts.includePath))
         return CommandProblem::IncludeTooLong;
     wchar_t listing[kListingArgCapacity] = {};

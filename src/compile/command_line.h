@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -37,7 +38,8 @@ struct CommandParts {
     std::wstring_view compiler;
     std::wstring_view flags;
     std::wstring_view includeSwitch;
-    std::wstring_view includePath;  // empty: none
+    std::span<const std::wstring> includeFolders;  // of the project; they come first
+    std::wstring_view includePath;                 // of the settings; empty: none
     std::wstring_view listingTemplate;
     std::wstring_view listing;  // empty: no listing wanted
     std::wstring_view source;   // the staged copy or the source itself

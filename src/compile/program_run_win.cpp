@@ -4,6 +4,7 @@
 #include "base/path.h"
 #include "compile/build_plan.h"
 #include "compile/build_runner.h"
+#include "compile/build_source.h"
 #include "compile/build_stage.h"
 #include "compile/child_process.h"
 #include "compile/compile_state.h"
@@ -31,15 +32,21 @@ namespace {
 constexpr std::size_t kMostFile = 16 << 20;  // reading more would be felt
 
 std::wstring ProgramToRun() {
-    if (!LastBuild().output.empty()) return LastBuild().output;
-    if (!IsTabIndex(g_documents.activeTab) || !TabAt(g_documents.activeTab).hasFile) return {};
+    const std::optional<BuildProject> project = BuildProjectAtHand();
+    const bool other = project && !SamePathText(project->source, LastBuild().source);
+    if (!LastBuild().output.empty() && !other) return LastBuild().output;
+    const std::wstring source = BuildSourceNow();
+    if (source.empty()) return {};
     wchar_t output[kPathCapacity] = {};
-    CompilerMakeOutputPath(TabAt(g_documents.activeTab).path, output, kPathCapacity);
+    CompilerMakeOutputPath(source.c_str(), output, kPathCapacity);
     return output;
 }
 
-std::wstring StartFolder(const std::wstring& program) {
-    return g_settings.programFolder[0] != L'\0' ? g_settings.programFolder : FolderOf(program);
+// How a program is started: as the project says whose program it is, else as the settings do.
+ProgramStart StartOf(const std::wstring& program) {
+    ProgramStart start = ProgramStartOf(program);
+    if (start.folder.empty()) start.folder = FolderOf(program);
+    return start;
 }
 
 // Whether the source has changes that the program cannot have, saved or not.
@@ -90,11 +97,11 @@ void RunInOutputPane() {
         SayRunProblem(L"Run failed. " + LongProgramText(program) + L"\r\n");
         return;
     }
-    const std::wstring arguments = g_settings.programArguments;
+    const auto [arguments, folder] = StartOf(program);
     OutputPaneAppend(RunningText(program, arguments).c_str(), 0);
-    OutputPaneAppend(RunDoubt(LastBuild(), SourceIsModified(program)).c_str(), kLineYellow);
+    if (SamePathText(LastBuild().output, program))
+        OutputPaneAppend(RunDoubt(LastBuild(), SourceIsModified(program)).c_str(), kLineYellow);
     SayConsoleKeys(program);
-    const std::wstring folder = StartFolder(program);
     OutputFeedBegin({.diagnostics = false});  // what a program prints may look like a diagnostic
     DWORD error = 0;
     if (!StageStart(
@@ -119,9 +126,9 @@ void RunBuiltProgram(const std::wstring& program) {
         SayRunProblem(L"Run failed. " + LongProgramText(program) + L"\r\n");
         return;
     }
-    const auto result =
-        reinterpret_cast<INT_PTR>(ShellExecuteW(g_ui.hMainWnd, L"open", program.c_str(), g_settings.programArguments,
-                                                StartFolder(program).c_str(), SW_SHOWNORMAL));
+    const ProgramStart start = StartOf(program);
+    const auto result = reinterpret_cast<INT_PTR>(ShellExecuteW(
+        g_ui.hMainWnd, L"open", program.c_str(), start.arguments.c_str(), start.folder.c_str(), SW_SHOWNORMAL));
     if (result <= 32) SayRunProblem(RunErrorLine(program, static_cast<long>(result)));
 }
 

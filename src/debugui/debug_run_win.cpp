@@ -4,6 +4,7 @@
 
 #include "base/events.h"
 #include "base/wide_format.h"
+#include "compile/build_source.h"
 #include "compile/compile_state.h"
 #include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
@@ -205,7 +206,8 @@ void DebugRunStart() {
     if (program.output.empty()) return;
     DebugSetSourcePath(program.source.c_str());
     DebugRememberSource(program.source);
-    DebugSetLaunch(g_settings.programArguments, g_settings.programFolder);
+    const ProgramStart start = ProgramStartOf(program.output);
+    DebugSetLaunch(start.arguments.c_str(), start.folder.c_str());
     DebugForgetFiles();
     FlowStart(&g_flow, GetTickCount64());
     PublishSession(true);

@@ -3,6 +3,7 @@
 
 #include "base/bounded_text.h"
 #include "base/log.h"
+#include "compile/build_source.h"
 #include "documents/file_commands.h"
 #include "resources/ids.h"
 #include "settings/settings_state.h"
@@ -18,8 +19,12 @@ namespace {
 void FillProgramDialog(HWND dialog) {
     SendDlgItemMessageW(dialog, IDC_PROGRAM_ARGUMENTS, EM_SETLIMITTEXT, std::size(g_settings.programArguments) - 1, 0);
     SendDlgItemMessageW(dialog, IDC_PROGRAM_FOLDER, EM_SETLIMITTEXT, std::size(g_settings.programFolder) - 1, 0);
-    SetDlgItemTextW(dialog, IDC_PROGRAM_ARGUMENTS, g_settings.programArguments);
-    SetDlgItemTextW(dialog, IDC_PROGRAM_FOLDER, g_settings.programFolder);
+    const std::optional<BuildProject> project = BuildProjectAtHand();
+    const ProgramStart start =
+        project ? ProgramStartOfProject(*project) : ProgramStart{g_settings.programArguments, g_settings.programFolder};
+    SetDlgItemTextW(dialog, IDC_PROGRAM_ARGUMENTS, start.arguments.c_str());
+    SetDlgItemTextW(dialog, IDC_PROGRAM_FOLDER, start.folder.c_str());
+    if (project) SetDlgItemTextW(dialog, IDC_PROGRAM_PROBLEM, (L"Of the project " + project->name).c_str());
 }
 
 void AcceptProgramDialog(HWND dialog) {
@@ -28,6 +33,12 @@ void AcceptProgramDialog(HWND dialog) {
     if (!folder.empty() && !DirectoryExists(folder.c_str())) {
         SetDlgItemTextW(dialog, IDC_PROGRAM_PROBLEM, L"There is no such folder.");
         SetFocus(GetDlgItem(dialog, IDC_PROGRAM_FOLDER));
+        return;
+    }
+    if (BuildProjectAtHand()) {
+        BuildSetStartOfProject({arguments, folder});
+        PostMessageW(g_ui.hMainWnd, WM_COMMAND, IDM_PROJECT_KEEP_ARGUMENTS, 0);
+        EndDialog(dialog, IDOK);
         return;
     }
     SettingsChange([&](Settings& settings) {

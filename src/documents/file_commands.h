@@ -9,8 +9,10 @@
 #include <cstddef>
 #include <vector>
 
-int FileNew();                      // 0 when no document could be added
-int FileOpen(const wchar_t* path);  // null: asks with the open dialog; shows a file that is open already
+int FileNew();  // 0 when no document could be added
+// Null: asks with the open dialog. Shows a file that is open already. A project file is not shown: it opens its project.
+int FileOpen(const wchar_t* path);
+bool FileIsProject(const wchar_t* path);  // by its name
 // Shows a file on behalf of another command (a debugger stop, an error line, a session), and opens it when it is not
 // open. Leaves the active compiler, the recent files and the last folder as they are. `quiet`: a failure shows no
 // message box.

@@ -97,6 +97,11 @@ int FileOpen(const wchar_t* path) {
     }
     wchar_t file[kPathCapacity] = {};
     if (!ResolveInputPath(path, file, kPathCapacity, false)) return 0;
+    if (FileIsProject(file)) {
+        bool open = false;
+        g_events.projectChosen(file, &open);
+        return open ? 1 : 0;
+    }
     const Opened opened = ShowDocument(file, false);
     if (opened == Opened::New) {
         SelectCompilerFor(file);
@@ -106,6 +111,8 @@ int FileOpen(const wchar_t* path) {
     }
     return opened == Opened::Failed ? 0 : 1;
 }
+
+bool FileIsProject(const wchar_t* path) { return PathEqualsIgnoreCase(FileExtension(path), L".kvxproj"); }
 
 int FileShow(const wchar_t* path, bool quiet) {
     wchar_t file[kPathCapacity] = {};

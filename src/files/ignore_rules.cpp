@@ -210,3 +210,29 @@ bool IsIgnored(const IgnoreScope* scope, std::wstring_view key, bool isFolder) {
     }
     return false;
 }
+
+NameRule FolderRule(std::wstring_view written) {
+    std::wstring pattern(written);
+    std::ranges::replace(pattern, L'\\', L'/');
+    while (pattern.starts_with(L"./")) pattern.erase(0, 2);
+    while (pattern.ends_with(L'/')) pattern.pop_back();
+    NameRule rule = RuleOfPattern(pattern);
+    rule.foldersOnly = true;
+    return rule;
+}
+
+bool IsExcludedFolder(const ExcludedFolders& excluded, std::wstring_view key) {
+    return !excluded.rules.empty() && key.size() > excluded.root.size() && key.starts_with(excluded.root) &&
+           AnyRuleMatches(excluded.rules, key.substr(excluded.root.size()), true);
+}
+
+bool IsInExcludedFolder(const ExcludedFolders& excluded, std::wstring_view path, bool isFolder) {
+    if (excluded.rules.empty()) return false;
+    std::wstring key = PathKey(path);
+    while (key.ends_with(L'\\')) key.pop_back();
+    if (!key.starts_with(excluded.root)) return false;
+    for (std::size_t end = key.find(L'\\', excluded.root.size()); end != std::wstring::npos;
+         end = key.find(L'\\', end + 1))
+        if (IsExcludedFolder(excluded, std::wstring_view(key).substr(0, end))) return true;
+    return isFolder && IsExcludedFolder(excluded, key);
+}

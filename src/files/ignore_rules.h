@@ -27,6 +27,18 @@ std::vector<NameRule> NameListRules(std::wstring_view list);
 bool NameRuleMatches(const NameRule& rule, std::wstring_view path, bool isFolder);
 bool AnyRuleMatches(const std::vector<NameRule>& rules, std::wstring_view path, bool isFolder);
 
+// Folders that a project leaves out.
+struct ExcludedFolders {
+    std::wstring root;  // of the project, absolute with a backslash at its end, folded by PathKey; empty: no project
+    std::vector<NameRule> rules;
+};
+// A folder as a user writes it, with either slash: a name means every folder of that name, a path the one at that place.
+NameRule FolderRule(std::wstring_view written);
+// Whether the folder itself is left out. `key` is its absolute path, folded by PathKey.
+bool IsExcludedFolder(const ExcludedFolders& excluded, std::wstring_view key);
+// Whether the file or folder is in a folder that is left out, or is one. Any absolute path.
+bool IsInExcludedFolder(const ExcludedFolders& excluded, std::wstring_view path, bool isFolder);
+
 // The ignore rules that hold in a folder: its own and those of the folders around it.
 struct IgnoreScope {
     std::shared_ptr<const IgnoreScope> outer;

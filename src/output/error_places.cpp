@@ -23,7 +23,10 @@ std::vector<std::wstring> ErrorPlaces(std::wstring_view printed, const BuildReco
     const std::wstring name(printed);
     std::vector<std::wstring> places;
     if (NeedsFolder(name)) {
-        for (const std::wstring& folder : {FolderOf(build.source), FolderOf(build.output), build.workingDirectory})
+        std::vector<std::wstring> folders = {FolderOf(build.source), FolderOf(build.output)};
+        folders.insert(folders.end(), build.includeFolders.begin(), build.includeFolders.end());
+        folders.push_back(build.workingDirectory);
+        for (const std::wstring& folder : folders)
             if (!folder.empty()) places.push_back(whole(folder + L"\\" + name));
     } else {
         places.push_back(whole(name));

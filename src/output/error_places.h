@@ -13,7 +13,8 @@
 using PathWhole = std::function<std::wstring(const std::wstring& path)>;
 
 // The paths that a printed name may mean, likeliest first. A compiler prints names relative to the source, to the
-// output or to its working directory, which comes last because it is often the compiler's own folder. It prints the
+// output, to an include folder or to its working directory, which comes last because it is often the compiler's own
+// folder. It prints the
 // name of the staged copy for the source, and that copy has been deleted.
 std::vector<std::wstring> ErrorPlaces(std::wstring_view printed, const BuildRecord& build, const PathWhole& whole);
 // The same for a record: the paths of its own build. The record of no known build gets those of all builds, the latest

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 // Empty texts and zeros before the first build.
 struct BuildRecord {
@@ -11,6 +12,7 @@ struct BuildRecord {
     std::wstring staged;   // the copy that the compiler read; empty when it read the source itself
     std::wstring listing;  // path of the assembly listing, which need not exist
     std::wstring workingDirectory;
+    std::vector<std::wstring> includeFolders;  // of the project, absolute
     std::uint32_t compilerId = 0;
     std::uint64_t startTime = 0;  // of the compiler: system time in units of 100 ns, as in FILETIME
     bool success = false;         // the compiler's; false while it runs

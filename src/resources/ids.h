@@ -16,6 +16,7 @@
 #define IDD_RECORDING 3210
 #define IDD_RECOVERY 3220
 #define IDD_OUTSIDE 3230
+#define IDD_PROJECT_NEW 3240
 #define IDD_FILES_SEARCH 3300
 
 // --- Commands: File
@@ -122,6 +123,12 @@
 #define IDM_WORKSPACE_OPEN 1403
 #define IDM_WORKSPACE_SAVE 1404
 #define IDM_PROJECT_FOLDER 1062
+#define IDM_PROJECT_NEW 1405
+#define IDM_PROJECT_OPEN 1406
+#define IDM_PROJECT_CLOSE 1407
+#define IDM_PROJECT_EDIT 1408            // shows the project file as text
+#define IDM_PROJECT_SET_MAIN 1409        // the active file becomes the main source
+#define IDM_PROJECT_KEEP_ARGUMENTS 1430  // writes the program's arguments into the project file
 // --- Debug
 #define IDM_DEBUG_START 1902
 #define IDM_DEBUG_STOP 1903
@@ -322,6 +329,14 @@
 #define IDC_RECORDING_LEVEL 3213
 #define IDC_RECORDING_HOST 3214
 
+// --- Controls of the dialog for a new project
+#define IDC_PROJECT_NAME 3241
+#define IDC_PROJECT_FOLDER 3242
+#define IDC_PROJECT_BROWSE 3243
+#define IDC_PROJECT_COMPILER 3244
+#define IDC_PROJECT_SAMPLE 3245
+#define IDC_PROJECT_RESULT 3246
+
 // --- Controls of the list of recovered files
 #define IDC_RECOVERY_WHAT 3221
 #define IDC_RECOVERY_LIST 3222
@@ -345,6 +360,7 @@
 #define MSG_OUTSIDE_COMPARED (0x8000 + 93)  // to the question; wParam: a block with a difference
 
 #define TIMER_SNAPSHOTS 22                  // of the main window: copies the text of unsaved documents
+#define MSG_PROJECT_SEEN (0x8000 + 125)     // to the main window; wParam: ProjectSight*, deleted by the receiver
 #define MSG_SNAPSHOT_WRITTEN (0x8000 + 90)  // to the main window; wParam: SnapshotEnd*, deleted by the receiver
 // To the list of recovered files. wParam: Comparison*, deleted by the receiver.
 #define MSG_RECOVERY_COMPARED (0x8000 + 91)

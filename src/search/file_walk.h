@@ -20,6 +20,7 @@ struct WalkRules {
     bool subfolders = true;
     bool hidden = false;  // hidden and system files and folders too, and names that begin with a dot
     bool gitIgnore = true;
+    ExcludedFolders excluded;  // of the open project
 };
 
 // --- file_walk.cpp: pure

@@ -9,6 +9,7 @@
 #include "documents/file_commands.h"
 #include "files/file_io.h"
 #include "files/share_probe.h"
+#include "project/project.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "settings/settings_state.h"
@@ -225,6 +226,7 @@ std::wstring FilesSearchBegin(const FilesOptions& options) {
     g_files.running = true;
     g_texts = {.job = {.query = QueryOf(options)}};
     if (!root.empty()) g_texts.job.walk = WalkRulesOf(options, root);
+    if (g_texts.job.walk && options.scope == FilesScope::Project) g_texts.job.walk->excluded = ProjectExcludedFolders();
     CollectTexts(options, &g_texts.job);
     FilesPaneStarted();
     FilesTextsGoOn();

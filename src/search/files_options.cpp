@@ -84,5 +84,6 @@ WalkRules WalkRulesOf(const FilesOptions& options, std::wstring root) {
             .except = NameListRules(options.except),
             .subfolders = options.subfolders,
             .hidden = options.hidden,
-            .gitIgnore = options.gitIgnore};
+            .gitIgnore = options.gitIgnore,
+            .excluded = {}};
 }

@@ -6,6 +6,7 @@
 #include "base/path.h"
 #include "base/worker.h"
 #include "files/share_probe.h"
+#include "project/project.h"
 #include "search/file_walk.h"
 
 #include <algorithm>
@@ -39,6 +40,7 @@ struct FilesRequest {
     UINT message;
     unsigned number;
     std::wstring root;
+    ExcludedFolders excluded;
 };
 
 struct FilesState {
@@ -65,7 +67,8 @@ bool PostFiles(const FilesRequest& request, std::vector<std::wstring>* paths, Fi
 }
 
 void ListProjectFiles(FilesRequest& request, const WorkerCancel& cancel) {
-    FileWalk walk({.root = request.root, .only = {}, .except = NameListRules(kNotText)});
+    FileWalk walk(
+        {.root = request.root, .only = {}, .except = NameListRules(kNotText), .excluded = std::move(request.excluded)});
     std::vector<std::wstring> paths;
     std::vector<WalkedFile> found;
     auto end = std::make_unique<FilesBlock>();
@@ -106,7 +109,8 @@ void StartListing(HWND window, UINT message) {
     if (g_files.workers.size() >= kMostWorkers) return;
     g_files.replaces = !g_files.now.files.empty();
     g_files.next.clear();
-    Worker worker = WorkerStart<ListProjectFiles>(FilesRequest{window, message, ++g_files.request, g_files.now.root});
+    Worker worker = WorkerStart<ListProjectFiles>(
+        FilesRequest{window, message, ++g_files.request, g_files.now.root, ProjectExcludedFolders()});
     if (!worker) {
         AppLogMsg(L"FAIL: ProjectFiles could not start a worker, error=%lu", GetLastError());
         return;

@@ -107,6 +107,7 @@ struct Settings {
 
     // Project
     wchar_t projectRoot[kPathCapacity];
+    wchar_t projectFile[kPathCapacity];  // of the open project; empty: none
     std::int32_t showProjectTree;
     std::int32_t showOutline;
     std::int32_t projectTreeWidth;  // pixels at 96 dpi

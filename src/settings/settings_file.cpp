@@ -106,6 +106,7 @@ void ComposeRow(IniText& ini, const SettingRow& row, const Settings& settings, S
                 const SettingsTarget& target) {
     switch (row.type) {
         case SettingType::Text:
+            if ((row.flags & kSettingUnlessEmpty) != 0 && SettingText(settings, row)[0] == L'\0') break;
             if ((row.flags & kSettingSecret) != 0) {
                 ComposeSecret(ini, row, SettingText(settings, row), keys, target);
             } else if ((row.flags & kSettingExeRelative) != 0) {

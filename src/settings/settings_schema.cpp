@@ -157,6 +157,7 @@ constexpr SettingRow kOtherRows[] = {
     Affects(kEffectLayout, BoolRow(kSideBar, L"ShowAISidebar", FIELD(showAiSidebar), 0)),
     Affects(kEffectLayout, IntRow(kSideBar, L"AISidebarWidth", FIELD(aiSidebarWidth), 300, Within(150, 600))),
     Affects(kEffectProject, TextRow(kProject, L"Root", FIELD(projectRoot), kPathCapacity, L"")),
+    TextRow(kProject, L"File", FIELD(projectFile), kPathCapacity, L"", kSettingUnlessEmpty),
     Affects(kEffectLayout, BoolRow(kProject, L"ShowProjectTree", FIELD(showProjectTree), 0)),
     Affects(kEffectLayout, BoolRow(kProject, L"ShowOutline", FIELD(showOutline), 0)),
     Affects(kEffectLayout, IntRow(kProject, L"ProjectTreeWidth", FIELD(projectTreeWidth), 200, Within(100, 200))),

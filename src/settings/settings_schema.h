@@ -29,12 +29,13 @@ enum class SettingGroup : std::uint8_t {
 };
 
 enum SettingFlags : std::uint8_t {
-    kSettingLoadOnly = 1,     // read, never written; a save drops it
-    kSettingSaveOnly = 2,     // written, never read
-    kSettingSecret = 4,       // protected on disk
-    kSettingExeRelative = 8,  // a path, stored relative to the executable's folder
-    kSettingLateSave = 16,    // written after the recent files
-    kSettingLateClamp = 32,   // its limits are applied after everything is loaded
+    kSettingLoadOnly = 1,      // read, never written; a save drops it
+    kSettingSaveOnly = 2,      // written, never read
+    kSettingSecret = 4,        // protected on disk
+    kSettingExeRelative = 8,   // a path, stored relative to the executable's folder
+    kSettingLateSave = 16,     // written after the recent files
+    kSettingLateClamp = 32,    // its limits are applied after everything is loaded
+    kSettingUnlessEmpty = 64,  // a text that is written only when it is not empty
 };
 
 // A value below `low` becomes `below`, one above `high` becomes `above`.

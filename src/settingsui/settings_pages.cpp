@@ -264,6 +264,7 @@ SettingsPage CompilersPage() {
 
 // The program keeps these: lists, places of windows and what is derived.
 constexpr std::size_t kOwnFields[] = {
+    FIELD(projectFile),
     FIELD(replaceHistoryCount),
     FIELD(replaceHistory),
     FIELD(searchHistoryCount),

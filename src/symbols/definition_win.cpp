@@ -8,6 +8,7 @@
 #include "documents/document_row.h"
 #include "files/file_io.h"
 #include "files/share_probe.h"
+#include "project/project.h"
 #include "scintilla/sci.h"
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
@@ -100,6 +101,7 @@ void GoToInclude(const WordInDocument& word) {
     std::vector<std::wstring> folders = IncludeFolders(CompilerIncludePath(document.compilerId));
     const std::vector<std::wstring> all = IncludeFolders(g_settings.includePath);
     folders.insert(folders.end(), all.begin(), all.end());
+    ProjectAddIncludeFolders(document.path, &folders);
     const std::wstring name = Utf8ToWideText(word.word.name);
     const std::wstring folder = document.hasFile ? FolderOf(document.path) : L"";
     for (const std::wstring& place : IncludePlaces(name, folder, folders)) {

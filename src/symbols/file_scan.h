@@ -4,6 +4,7 @@
 
 #include "base/events.h"
 #include "base/worker.h"
+#include "files/ignore_rules.h"
 #include "language/symbols.h"
 
 #include <cstdint>
@@ -37,6 +38,7 @@ struct FileScanRequest {
     std::shared_ptr<const SymbolTable> table;
     std::vector<std::wstring> includeFolders;
     std::wstring root;  // of the project; not empty when `document` is 0
+    ExcludedFolders excluded;
     std::shared_ptr<const FileSymbolsMap> known;
     std::map<std::wstring, std::shared_ptr<const SymbolTable>> open;  // by PathKey: open documents, whose text counts
 };

@@ -123,6 +123,7 @@ std::uint32_t CompilerOfFile(const std::wstring& path, std::uint32_t fallback) {
 void ScanProject(FileScan& scan) {
     WalkRules rules;
     rules.root = scan.request.root;
+    rules.excluded = scan.request.excluded;
     FileWalk walk(std::move(rules));
     std::vector<WalkedFile> files;
     std::wstring unreadable;

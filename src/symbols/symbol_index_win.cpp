@@ -2,7 +2,9 @@
 #include "symbols/symbol_index.h"
 
 #include "base/path.h"
+#include "compile/build_source.h"
 #include "documents/document_row.h"
+#include "project/project.h"
 #include "resources/ids.h"
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
@@ -75,7 +77,7 @@ void StartScan(FileGroup& group) {
     FileScanRequest request{.window = g_ui.hMainWnd,
                             .document = group.document,
                             .number = ++g_index.lastNumber,
-                            .compilerId = static_cast<std::uint32_t>(g_settings.activeCompiler),
+                            .compilerId = CompilerNow(),
                             .known = g_index.known,
                             .open = OpenTables()};
     if (group.document != 0) {
@@ -86,8 +88,10 @@ void StartScan(FileGroup& group) {
         request.includeFolders = IncludeFolders(CompilerIncludePath(document.compilerId));
         const std::vector<std::wstring> all = IncludeFolders(g_settings.includePath);
         request.includeFolders.insert(request.includeFolders.end(), all.begin(), all.end());
+        ProjectAddIncludeFolders(document.path, &request.includeFolders);
     } else {
         request.root = group.root = g_settings.projectRoot;
+        request.excluded = ProjectExcludedFolders();
     }
     WorkerAskToEnd(group.worker);
     group.asked = request.table;

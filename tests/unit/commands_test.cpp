@@ -97,12 +97,12 @@ constexpr Moment kMoments[] = {
     {'u', kText | kBasicSource},
     {'e', kText | kBasicSource | kCanUndo | kCanRedo | kAnyModified | kHasOtherTabs | kHasTabsRight},  // edited
     {'s', kText | kBasicSource | kHasSelection | kCanCut | kCanCopy},
-    {'f', kText | kHasFile},  // saved, but not BASIC
-    {'x', kText | kHasFile | kHasErrors},
-    {'b', kHasTab | kCanPaste | kCanSelectAll | kHasFile | kBuilding | kNoSession},
-    {'l', kHasTab | kCanPaste | kCanSelectAll | kHasFile | kIdle | kSession},  // a program is launched
-    {'p', kHasTab | kCanPaste | kCanSelectAll | kHasFile | kIdle | kSession | kProgramStopped},
-    {'r', kHasTab | kCanPaste | kCanSelectAll | kHasFile | kIdle | kSession | kProgramRunning},
+    {'f', kText | kHasFile | kCanBuild},  // saved, but not BASIC
+    {'x', kText | kHasFile | kCanBuild | kHasErrors},
+    {'b', kHasTab | kCanPaste | kCanSelectAll | kHasFile | kCanBuild | kBuilding | kNoSession},
+    {'l', kHasTab | kCanPaste | kCanSelectAll | kHasFile | kCanBuild | kIdle | kSession},  // a program is launched
+    {'p', kHasTab | kCanPaste | kCanSelectAll | kHasFile | kCanBuild | kIdle | kSession | kProgramStopped},
+    {'r', kHasTab | kCanPaste | kCanSelectAll | kHasFile | kCanBuild | kIdle | kSession | kProgramRunning},
 };
 
 struct Mark {

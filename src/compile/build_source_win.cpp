@@ -1,0 +1,78 @@
+#include "compile/build_source.h"
+
+#include "base/events.h"
+#include "base/path.h"
+#include "documents/document_row.h"
+#include "settings/compiler_table.h"
+#include "settings/settings_state.h"
+
+#include <utility>
+
+namespace {
+
+std::optional<BuildProject> g_buildProject;
+
+const DocumentTab* ActiveDocument() {
+    return IsTabIndex(g_documents.activeTab) ? &TabAt(g_documents.activeTab) : nullptr;
+}
+
+bool IsAtHand() {
+    if (!g_buildProject) return false;
+    const DocumentTab* document = ActiveDocument();
+    return document == nullptr || !document->hasFile || ProjectHoldsFile(*g_buildProject, document->path);
+}
+
+}  // namespace
+
+void BuildUseProject(std::optional<BuildProject> project) {
+    g_buildProject = std::move(project);
+    g_events.projectChanged();
+}
+
+const std::optional<BuildProject>& BuildProjectNow() { return g_buildProject; }
+
+std::optional<BuildProject> BuildProjectAtHand() { return IsAtHand() ? g_buildProject : std::nullopt; }
+
+std::optional<BuildProject> BuildProjectOfSource(std::wstring_view source) {
+    const bool its = g_buildProject && !source.empty() && SamePathText(g_buildProject->source, source);
+    return its ? g_buildProject : std::nullopt;
+}
+
+std::wstring BuildSourceNow() {
+    if (IsAtHand()) return g_buildProject->source;
+    const DocumentTab* document = ActiveDocument();
+    return document != nullptr && document->hasFile ? document->path : L"";
+}
+
+std::uint32_t CompilerNow() {
+    return IsAtHand() ? g_buildProject->compiler : static_cast<std::uint32_t>(g_settings.activeCompiler);
+}
+
+bool BuildChooseCompilerOfProject(std::uint32_t id) {
+    if (!IsAtHand()) return false;
+    g_buildProject->compiler = id;
+    g_events.projectChanged();
+    g_events.statusText((std::wstring(CompilerName(id)) + L" builds " + g_buildProject->name +
+                         L" until it is closed; the project file stays as it is")
+                            .c_str());
+    return true;
+}
+
+ProgramStart ProgramStartOfProject(const BuildProject& project) {
+    return {project.arguments.value_or(g_settings.programArguments), project.folder.value_or(g_settings.programFolder)};
+}
+
+ProgramStart ProgramStartOf(std::wstring_view program) {
+    if (g_buildProject && !g_buildProject->source.empty()) {
+        wchar_t output[kPathCapacity] = {};
+        CompilerMakeOutputPath(g_buildProject->source.c_str(), output, kPathCapacity);
+        if (SamePathText(output, program)) return ProgramStartOfProject(*g_buildProject);
+    }
+    return {g_settings.programArguments, g_settings.programFolder};
+}
+
+void BuildSetStartOfProject(const ProgramStart& start) {
+    if (!g_buildProject) return;
+    g_buildProject->arguments = start.arguments;
+    g_buildProject->folder = start.folder;
+}
