@@ -60,9 +60,11 @@ void AddNames(const ReachedText& text, bool withFile, SymbolNames* names) {
     for (std::uint32_t i = 0; i < table.symbols.size(); ++i) {
         const Symbol& symbol = table.symbols[i];
         if (!IsListed(symbol.kind) || (withFile && symbol.kind == SymbolKind::Label)) continue;
-        const std::wstring before = file + SymbolKindText(symbol.kind) + L" ";
-        if (FuzzyAdd(index.get(), before + Utf8ToWideText(SymbolName(table, symbol)), before.size()))
-            symbols.push_back(i);
+        // Of two names that match alike the one with a body comes first.
+        const bool declares = symbol.Is(kSymbolDeclare);
+        const std::wstring before = file + (declares ? L"DECLARE " : L"") + SymbolKindText(symbol.kind) + L" ";
+        const std::wstring name = Utf8ToWideText(SymbolName(table, symbol));
+        if (FuzzyAdd(index.get(), before + name, before.size(), declares ? -1 : 0)) symbols.push_back(i);
     }
     names->texts.push_back(text);
     names->indices.push_back(std::move(index));

@@ -20,6 +20,7 @@ using SymbolTablePtr = std::shared_ptr<const SymbolTable>;
 // scan has ended. Asks for a scan when one is needed.
 SymbolTablePtr SymbolsOfDocument(DocumentId document);
 bool SymbolsAreCurrent(DocumentId document);
+bool SymbolsWereScanned(DocumentId document);  // at least once
 // Calls `ready` once the table is that of the text: at once, or as soon as the worker has it. A later call takes the place
 // of an earlier one that still waits. Not called when the document is closed or edited on and on.
 void SymbolsWhenCurrent(DocumentId document, std::function<void()> ready);

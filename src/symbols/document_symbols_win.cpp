@@ -216,6 +216,11 @@ bool SymbolsAreCurrent(DocumentId document) {
     return watched != nullptr && IsCurrent(*watched);
 }
 
+bool SymbolsWereScanned(DocumentId document) {
+    const Watched* watched = FindWatched(document);
+    return watched != nullptr && watched->known != ~0ull;
+}
+
 void SymbolsWhenCurrent(DocumentId document, std::function<void()> ready) {
     Watched* watched = Watch(document);
     if (watched == nullptr) return;

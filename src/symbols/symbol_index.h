@@ -26,6 +26,7 @@ void SymbolsWhenReached(DocumentId document, std::function<void()> ready);
 
 // The sources of the project folder and the open documents. Empty but for these until the project has been read once.
 std::vector<ReachedText> SymbolsInProject();
+// Calls `ready` once the project was read, and each open document at least once.
 void SymbolsWhenProjectKnown(std::function<void()> ready);
 bool SymbolsProjectLimited();  // the project is larger than what is kept of it
 

@@ -4,6 +4,7 @@
 #include "base/path.h"
 #include "compile/build_source.h"
 #include "documents/document_row.h"
+#include "language/lexer_table.h"
 #include "project/project.h"
 #include "resources/ids.h"
 #include "settings/compiler_table.h"
@@ -174,7 +175,9 @@ std::vector<ReachedText> SymbolsInReach(DocumentId document) {
     FileGroup& group = GroupOf(document);
     if (SymbolsAreCurrent(document)) Refresh(group);
     std::vector<ReachedText> texts{Reached(TabAt(tab))};
-    for (const FileSymbolsPtr& file : group.files) texts.push_back(Reached(*file));
+    for (const FileSymbolsPtr& file : group.files)
+        if (ReachedText text = Reached(*file); text.document != document)  // what it includes may include it again
+            texts.push_back(std::move(text));
     return texts;
 }
 
@@ -205,7 +208,13 @@ std::vector<ReachedText> SymbolsInProject() {
     return texts;
 }
 
-void SymbolsWhenProjectKnown(std::function<void()> ready) { CallWhenFresh(g_index.project, std::move(ready)); }
+void SymbolsWhenProjectKnown(std::function<void()> ready) {
+    const auto unscanned = std::ranges::find_if(g_documents.tabs, [](const DocumentTab& tab) {
+        return tab.editor != nullptr && LexerFromExtension(tab.path) == Language::Basic && !SymbolsWereScanned(tab.id);
+    });
+    if (unscanned == g_documents.tabs.end()) return CallWhenFresh(g_index.project, std::move(ready));
+    SymbolsWhenCurrent(unscanned->id, [ready = std::move(ready)] { SymbolsWhenProjectKnown(ready); });
+}
 
 bool SymbolsProjectLimited() { return g_index.project.limited; }
 

@@ -18,7 +18,7 @@ constexpr char kMain[] =
     "    Fill here\r\n"
     "    Faraway\r\n"
     "END FUNCTION\r\n";
-constexpr char kTypes[] = "' types\r\nTYPE Point\r\n    x AS LONG\r\nEND TYPE\r\n";
+constexpr char kTypes[] = "' types\r\nTYPE Point\r\n    x AS LONG\r\nEND TYPE\r\n#INCLUDE \"..\\main.bas\"\r\n";
 constexpr char kOther[] = "SUB Faraway()\r\n    total = 1\r\nEND SUB\r\n";
 
 struct Shop {
@@ -80,6 +80,11 @@ TEST(Symbols, DefinitionsReferencesAndRenaming) {
     editor.Do(IDM_SYMBOL_DEFINITION);
     AwaitPlace(editor, L"other.bas", 1, 5);
     editor.Do(IDM_NAV_BACK);
+    AwaitPlace(editor, L"main.bas", 9, 8);
+    PutCaret(editor, 3, 6);
+    editor.Do(IDM_SYMBOL_DEFINITION);
+    EXPECT_TRUE(WaitFor([&] { return editor.Status() == L"This is the definition of Fill"; }))
+        << "once, though the document is among the files that its include includes";
 
     // The unsaved text counts, and the file of the project that is not open.
     PutCaret(editor, 1, 1);
