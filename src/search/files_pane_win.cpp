@@ -69,7 +69,7 @@ std::size_t TickedCount() {
 std::wstring ButtonText(int id) {
     switch (id) {
         case IDC_FILES_AGAIN:
-            return g_files.number == 0 ? L"" : g_files.running || g_files.replaceRuns ? L"Stop" : L"Search Again";
+            return !g_files.byUser ? L"" : g_files.running || g_files.replaceRuns ? L"Stop" : L"Search Again";
         case IDC_FILES_UNREADABLE:
             return g_files.tally.unreadable == 0 ? L"" : std::to_wstring(g_files.tally.unreadable) + L" Unreadable...";
         default:
@@ -237,7 +237,7 @@ void ShowResultsMenu(POINT at) {
         {.id = kFold, .text = L"&Fold All", .enabled = any},
         {.id = kUnfold, .text = L"&Unfold All", .enabled = any},
         {},
-        {.id = kAgain, .text = g_files.running ? L"&Stop" : L"&Search Again", .enabled = g_files.number != 0},
+        {.id = kAgain, .text = g_files.running ? L"&Stop" : L"&Search Again", .enabled = g_files.byUser},
         {.id = kEdit, .text = L"&Edit Search..."},
         {.id = kUnreadable, .text = L"U&nreadable Files...", .enabled = g_files.tally.unreadable > 0}};
     switch (ShowPopupMenu(g_filesPane.list, items, at)) {

@@ -18,6 +18,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <memory>
+#include <utility>
 
 namespace {
 
@@ -136,6 +138,45 @@ void RenameAll(Renaming& renaming) {
                              Utf8ToWideText(renaming.newName).c_str(), PlacesText(references).c_str()));
 }
 
+// --- Whether the new name is used without a declaration
+
+// Renames, but asks when the new name already stands where the renamed one would be meant.
+void RenameOrAsk(Renaming& renaming, const References& used) {
+    const References& old = renaming.references;
+    std::wstring first;
+    std::size_t places = 0;
+    for (const FoundFile& file : used.found)
+        for (const FileHit& hit : file.hits) {
+            const bool inside = file.document == old.word.document && hit.line >= old.target.firstLine &&
+                                hit.line <= old.target.lastLine;
+            if (old.target.scope == ReferenceScope::Procedure && !inside) continue;
+            if (places++ == 0) first = FormatW(L"%s, line %u", FileLabel(file).c_str(), hit.line + 1);
+        }
+    const std::wstring text = FormatW(
+        L"%s is declared nowhere, but it is used at %s, the first in %s. Afterwards nothing would tell these from what "
+        L"is renamed.\n\nRename nevertheless?",
+        Utf8ToWideText(renaming.newName).c_str(), CountOf(places, L"place", L"places").c_str(), first.c_str());
+    TellSymbolStatus(L"");
+    if (places == 0 || AskUser({.caption = L"Name in Use",
+                                .text = text.c_str(),
+                                .buttons = AskButtons::YesNo,
+                                .icon = AskIcon::Warning,
+                                .inSelftest = Answer::No,
+                                .enterIsNo = true}) == Answer::Yes)
+        RenameAll(renaming);
+}
+
+// A member is meant by its type, whatever else has the name.
+void RenameOnceLookedUp(Renaming renaming) {
+    const bool capitals = CompareNames(renaming.newName, renaming.references.name) == 0;
+    if (capitals || renaming.references.target.scope == ReferenceScope::Member) return RenameAll(renaming);
+    WordInDocument word = renaming.references.word;
+    word.word = {};
+    word.word.name = renaming.newName;
+    const auto shared = std::make_shared<Renaming>(std::move(renaming));
+    FindReferences(word, [shared](const References& used) { RenameOrAsk(*shared, used); });
+}
+
 // --- The dialog
 
 Renaming& RenamingOf(HWND dialog) { return *reinterpret_cast<Renaming*>(GetWindowLongPtrW(dialog, DWLP_USER)); }
@@ -197,6 +238,19 @@ void OnRenameCommand(HWND dialog, int control, int notification) {
     }
 }
 
+void TellUndeclared(const References& references) {
+    const std::wstring name = Utf8ToWideText(references.name);
+    TellSymbolStatus(L"");
+    const WordClass kind = LookUpWord(references.name, DialectOf(references.word.compilerId)).kind;
+    if (kind != WordClass::None && kind != WordClass::Preprocessor)
+        return InfoMessage(L"%s belongs to the language and cannot be renamed.", name.c_str());
+    InfoMessage(
+        L"%s cannot be renamed, because it is declared nowhere: not in this document, not in what it includes, not in "
+        L"the project. Nothing tells which of its %s mean the same.\n\n"
+        L"Declare it first, or replace it as a whole word.",
+        name.c_str(), PlacesText(references).c_str());
+}
+
 INT_PTR ColourOfRenameProblem(HDC dc, HWND control) {
     if (GetDlgCtrlID(control) != IDC_RENAME_PROBLEM) return FALSE;
     SetTextColor(dc, ThemeIsDark() ? ThemeCurrentChrome().error : RGB(176, 0, 0));
@@ -222,8 +276,7 @@ INT_PTR CALLBACK RenameDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM 
 
 void RenameDialogShow(References references) {
     const std::wstring name = Utf8ToWideText(references.name);
-    if (!references.definition)
-        return TellSymbolStatus(FormatW(L"No declaration of %s was found, so it cannot be renamed", name.c_str()));
+    if (!references.definition) return TellUndeclared(references);
     if (references.limited || SymbolsProjectLimited())
         return TellSymbolStatus(FormatW(L"%s has too many places to be renamed", name.c_str()));
     if (!references.unreadable.empty())
@@ -234,5 +287,5 @@ void RenameDialogShow(References references) {
     const INT_PTR answer = DialogBoxParamW(g_ui.hInstance, MAKEINTRESOURCEW(IDD_RENAME), g_ui.hMainWnd, RenameDlgProc,
                                            reinterpret_cast<LPARAM>(&renaming));
     if (answer == -1) AppLogMsg(L"FAIL: RenameDialogShow error=%lu", GetLastError());
-    if (answer == IDOK) RenameAll(renaming);
+    if (answer == IDOK) RenameOnceLookedUp(std::move(renaming));
 }

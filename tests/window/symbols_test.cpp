@@ -19,7 +19,7 @@ constexpr char kMain[] =
     "    Faraway\r\n"
     "END FUNCTION\r\n";
 constexpr char kTypes[] = "' types\r\nTYPE Point\r\n    x AS LONG\r\nEND TYPE\r\n#INCLUDE \"..\\main.bas\"\r\n";
-constexpr char kOther[] = "SUB Faraway()\r\n    total = 1\r\nEND SUB\r\n";
+constexpr char kOther[] = "SUB Faraway()\r\n    total = loose\r\nEND SUB\r\n";
 
 struct Shop {
     ProgramFolder folder;
@@ -97,12 +97,18 @@ TEST(Symbols, DefinitionsReferencesAndRenaming) {
     EXPECT_EQ(editor.Send(results, LVM_GETITEMCOUNT), 5);
 
     editor.Post(IDM_SYMBOL_RENAME);
-    const Dialog dialog = editor.AwaitDialog(L"Rename Symbol");
+    Dialog dialog = editor.AwaitDialog(L"Rename Symbol");
     const auto type = [&](const wchar_t* name) {
         editor.Send(GetDlgItem(dialog.window, IDC_RENAME_NAME), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name));
     };
     type(L"Fill");
     EXPECT_EQ(IsWindowEnabled(GetDlgItem(dialog.window, IDOK)), FALSE) << "it is a SUB already";
+    type(L"loose");
+    editor.Press(dialog, IDOK);
+    editor.Press(editor.AwaitDialog(L"Name in Use"), IDNO);
+    EXPECT_NE(editor.Text().find("p.x = total"), std::string::npos) << "nothing would tell it from the other one";
+    editor.Post(IDM_SYMBOL_RENAME);
+    dialog = editor.AwaitDialog(L"Rename Symbol");
     type(L"sum");
     editor.Press(dialog, IDOK);
     ASSERT_TRUE(WaitFor([&] { return editor.Status() == L"Renamed total to sum: 3 places in 2 files"; }))
