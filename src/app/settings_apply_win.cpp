@@ -8,6 +8,7 @@
 #include "project/project_tree.h"
 #include "resources/ids.h"
 #include "settings/compiler_presence.h"
+#include "settings/compiler_table.h"
 #include "settings/file_types.h"
 #include "settings/settings_effects.h"
 #include "symbols/completion.h"
@@ -24,6 +25,15 @@ void MainWnd_ApplyTimers(HWND window) {
     constexpr UINT kSessionInterval = 300000;  // ms
     SetTimerOrStop(window, TIMER_AUTO_SAVE, AutoSaveInterval(g_app.settings.autoSaveInterval));
     SetTimerOrStop(window, TIMER_SESSION, g_app.settings.autoSaveEnabled != 0 ? kSessionInterval : 0);
+}
+
+static void ApplyFileTypes(const Settings& before) {
+    for (const CompilerProfile& compiler : g_compilers)
+        if (before.compilers[compiler.id].registerExtension != 0 &&
+            g_app.settings.compilers[compiler.id].registerExtension == 0)
+            UnregisterFileExtensions(compiler.id);
+    RegisterFileExtensions();
+    FileExtNotifyShell();
 }
 
 void MainWnd_OnSettingsChanged(const Settings& before) {
@@ -43,7 +53,7 @@ void MainWnd_OnSettingsChanged(const Settings& before) {
         CompilersLook(g_app.hMainWnd, MSG_COMPILERS_SEEN);
     }
     if ((effects & kEffectTimers) != 0) MainWnd_ApplyTimers(g_app.hMainWnd);
-    if ((effects & kEffectShell) != 0) RegisterFileExtensions();
+    if ((effects & kEffectShell) != 0) ApplyFileTypes(before);
     if ((effects & kEffectLayout) != 0) {
         ToolbarUpdateAi();
         // The next resize puts the bars where the ratios say, so they follow a bar that a session or an import has moved.

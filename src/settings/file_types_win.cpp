@@ -41,6 +41,15 @@ std::wstring OpenCommand() {
     return length > 0 && length < 4096 ? ShellOpenCommand({executable, length}) : std::wstring{};
 }
 
+// The default value of a key; empty when there is none.
+std::wstring DefaultValue(HKEY root, const std::wstring& path) {
+    wchar_t text[4096] = {};
+    DWORD size = sizeof(text);
+    return RegGetValueW(root, path.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, text, &size) == ERROR_SUCCESS
+               ? std::wstring(text)
+               : std::wstring{};
+}
+
 }  // namespace
 
 void RegisterFileExtensions() {
@@ -49,6 +58,13 @@ void RegisterFileExtensions() {
     for (const CompilerProfile& compiler : g_compilers)
         if (g_settings.compilers[compiler.id].registerExtension != 0)
             for (const ShellKey& key : OpenWithKeys(compiler, command)) WriteShellKey(key);
+}
+
+void UnregisterFileExtensions(std::uint32_t id) {
+    const CompilerProfile& compiler = Profile(id);
+    for (const ShellKey& key : OpenWithKeys(compiler, {}))
+        if (key.value == ShellValue::Mark) RegDeleteKeyValueW(HKEY_CURRENT_USER, key.path.c_str(), key.text.c_str());
+    SHDeleteKeyW(HKEY_CURRENT_USER, OpenWithClassKey(compiler).c_str());
 }
 
 int RegisterFileExt(const wchar_t* extension, const wchar_t* description, const wchar_t* iconFile) {
@@ -72,6 +88,24 @@ int FileExtRegisterCompiler(std::uint32_t id) {
 
 void FileExtUnregisterCompiler(std::uint32_t id) {
     if (const FileType* type = OwnFileType(id)) UnregisterFileExt(std::wstring(type->extension.substr(1)).c_str());
+}
+
+bool FileExtIsRegistered(std::uint32_t id) {
+    const FileType* type = OwnFileType(id);
+    if (type == nullptr) return false;
+    // As they would be written now: another copy of the editor is another program.
+    const auto keys = DefaultProgramKeys(type->extension.substr(1), {}, {}, OpenCommand());
+    return std::ranges::all_of(keys.begin() + 2, keys.end(), [](const ShellKey& key) {
+        return DefaultValue(HKEY_CURRENT_USER, key.path) == key.text;
+    });
+}
+
+std::wstring FileExtClass(std::uint32_t id) {
+    const FileType* type = OwnFileType(id);
+    if (type == nullptr) return {};
+    const std::wstring extension(type->extension);
+    const std::wstring own = DefaultValue(HKEY_CURRENT_USER, L"Software\\Classes\\" + extension);
+    return !own.empty() ? own : DefaultValue(HKEY_CLASSES_ROOT, extension);  // of all users
 }
 
 void FileExtNotifyShell() { SHChangeNotify(SHCNE_ASSOCCHANGED, SHCNF_IDLIST, nullptr, nullptr); }

@@ -13,12 +13,14 @@ std::wstring Joined(std::initializer_list<std::wstring_view> parts) {
     return text;
 }
 
+std::wstring OpenWithClass(const CompilerProfile& compiler) { return Joined({compiler.name, L".Source"}); }
+
 }  // namespace
 
 std::wstring ShellOpenCommand(std::wstring_view executable) { return Joined({L"\"", executable, L"\" \"%1\""}); }
 
 std::vector<ShellKey> OpenWithKeys(const CompilerProfile& compiler, std::wstring_view command) {
-    const std::wstring progId = Joined({compiler.name, L".Source"});
+    const std::wstring progId = OpenWithClass(compiler);
     std::vector<ShellKey> keys;
     std::vector<ShellKey> marks;
     for (const FileType& type : FileTypes()) {
@@ -35,6 +37,8 @@ std::vector<ShellKey> OpenWithKeys(const CompilerProfile& compiler, std::wstring
     keys.insert(keys.end(), marks.begin(), marks.end());
     return keys;
 }
+
+std::wstring OpenWithClassKey(const CompilerProfile& compiler) { return Joined({kClasses, OpenWithClass(compiler)}); }
 
 std::vector<ShellKey> DefaultProgramKeys(std::wstring_view extension, std::wstring_view description,
                                          std::wstring_view iconFile, std::wstring_view command) {

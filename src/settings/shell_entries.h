@@ -25,6 +25,8 @@ std::wstring ShellOpenCommand(std::wstring_view executable);
 // The start-up registration of one compiler, in the order in which it is written. Empty for a compiler without types that
 // the shell knows.
 std::vector<ShellKey> OpenWithKeys(const CompilerProfile& compiler, std::wstring_view command);
+// The key of the class that the marks among them name.
+std::wstring OpenWithClassKey(const CompilerProfile& compiler);
 
 // The keys that make the editor the default program of an extension, which has no dot, and those that take it back.
 std::vector<ShellKey> DefaultProgramKeys(std::wstring_view extension, std::wstring_view description,

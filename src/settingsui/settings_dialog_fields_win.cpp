@@ -135,6 +135,7 @@ HWND MakeField(const ControlMaker& maker, const SettingItem& item, const std::ws
         case SettingsFile:
         case Exceptions: return maker.Edit(ES_AUTOHSCROLL | ES_READONLY);
         case CompilerTest:
+        case DefaultProgram:
         case Detect:
         case ConnectionTest:
         case CopyKeys: return maker.Button(label.c_str(), kPartField);
@@ -445,6 +446,11 @@ void SettingsFieldShow(SettingsDialog& dialog, FormPlace place) {
                                                    *DraftOf(dialog)));
             break;
         case FontPreview: InvalidateRect(field, nullptr, FALSE); break;
+        case DefaultProgram: {
+            ItemWindows& windows = WindowsAt(dialog, place);
+            windows.seen = SettingsDefaultProgram(place, &windows.seenKind);
+            break;
+        }
         case CompilerTest:
         case Detect:
         case ConnectionTest:
@@ -477,6 +483,7 @@ void SettingsFieldPress(SettingsDialog& dialog, FormPlace place) {
         case Exceptions: return ChangeExceptions(dialog, place);
         case Model: return SettingsAskService(dialog, place);
         case CompilerTest: return SettingsTestCompiler(dialog, place);
+        case DefaultProgram: return SettingsChangeDefaultProgram(dialog, place);
         case ConnectionTest: return SettingsAskService(dialog, place);
         case CopyKeys: return CopyKeyList(dialog, place);
         case Detect: return SettingsDetectCompilers(dialog, place);

@@ -114,6 +114,9 @@ void SettingsAskService(SettingsDialog& dialog, FormPlace place);
 void SettingsOnModels(SettingsDialog& dialog, const ModelsReply& reply);
 void SettingsNoteTell(SettingsDialog& dialog, FormPlace place, const std::wstring& text, NoteKind kind);
 void SettingsDetectCompilers(SettingsDialog& dialog, FormPlace place);
+// What opens the files of the page's compiler, and changing it: at once, not with OK.
+std::wstring SettingsDefaultProgram(FormPlace place, NoteKind* kind);
+void SettingsChangeDefaultProgram(SettingsDialog& dialog, FormPlace place);
 // All commands, as "File > Save\tCtrl+S". Those of the page that match the search, or all when it means the page.
 std::vector<std::wstring> SettingsKeyLines();
 std::vector<std::wstring> SettingsKeysFound(const SettingsDialog& dialog, std::size_t page);

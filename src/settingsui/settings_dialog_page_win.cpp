@@ -274,7 +274,7 @@ bool SettingsPageMake(SettingsDialog& dialog, std::size_t page) {
     SetWindowPos(target.window, GetDlgItem(dialog.window, IDC_SETTINGS_PAGES), 0, 0, 0, 0,
                  SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     ScrollBarsApplyTheme(target.window);
-    constexpr UINT kSoonMs = 1;  // a timer comes after the painting
+    constexpr UINT kSoonMs = 30;  // what is in view stands on the screen by then
     SetTimer(target.window, 1, kSoonMs, nullptr);
     return true;
 }

@@ -10,8 +10,11 @@
 #include "files/file_io.h"
 #include "files/share_probe.h"
 #include "settings/compiler_table.h"
+#include "settings/file_type_table.h"
+#include "settings/file_types.h"
 #include "settings/settings_state.h"
 #include "settings/settings_store.h"
+#include "ui/message.h"
 #include "ui/ui_state.h"
 
 #include <algorithm>
@@ -148,6 +151,43 @@ void SettingsTestCompiler(SettingsDialog& dialog, FormPlace place) {
 
 void SettingsOnTested(SettingsDialog& dialog, const CompilerReply& reply) {
     SettingsNoteTell(dialog, reply.place, reply.text, reply.good ? NoteKind::Good : NoteKind::Bad);
+}
+
+std::wstring SettingsDefaultProgram(FormPlace place, NoteKind* kind) {
+    const auto compiler = static_cast<std::uint32_t>(SettingsPages()[place.page].compiler);
+    const FileType* type = OwnFileType(compiler);
+    const std::wstring files = L"Files " + std::wstring(type != nullptr ? type->extension : L"");
+    const std::wstring owner = FileExtClass(compiler);
+    *kind = NoteKind::Help;
+    if (owner.empty()) return files + L" are opened by no program yet.";
+    if (!FileExtIsRegistered(compiler)) return files + L" are opened by another program (" + owner + L").";
+    *kind = NoteKind::Good;
+    return files + L" are opened by this editor.";
+}
+
+void SettingsChangeDefaultProgram(SettingsDialog& dialog, FormPlace place) {
+    NoteKind kind = NoteKind::Help;
+    const auto compiler = static_cast<std::uint32_t>(SettingsPages()[place.page].compiler);
+    const bool ours = FileExtIsRegistered(compiler);
+    if (ours || !FileExtClass(compiler).empty()) {
+        const std::wstring now = SettingsDefaultProgram(place, &kind);
+        const std::wstring text =
+            now + (ours ? L"\n\nRemove that? Windows then knows no program for them." : L"\n\nOpen them here instead?");
+        if (AskUser({.caption = L"Default Program",
+                     .text = text.c_str(),
+                     .buttons = AskButtons::YesNo,
+                     .icon = AskIcon::Question,
+                     .inSelftest = Answer::No}) != Answer::Yes)
+            return;
+    }
+    const bool done = ours || FileExtRegisterCompiler(compiler) != 0;
+    if (ours) {
+        FileExtUnregisterCompiler(compiler);
+        RegisterFileExtensions();  // the "Open with" list was below the same key
+    }
+    FileExtNotifyShell();
+    const std::wstring now = SettingsDefaultProgram(place, &kind);
+    SettingsNoteTell(dialog, place, done ? now : L"The registry refuses it.", done ? kind : NoteKind::Bad);
 }
 
 // Only compilers whose path leads nowhere are searched for, as at a start.

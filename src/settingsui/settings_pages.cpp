@@ -207,7 +207,8 @@ constexpr Line kCompilerLines[] = {
     {OWN(description), LongText, L"Description",
      L"Told to the assistant when it is asked about a source of this compiler.", L"More"},
     {OWN(registerExtension), Check, L"Offer the editor for this compiler's files",
-     L"In the \"Open with\" list of Windows. Switched off, entries that are there stay."},
+     L"In the \"Open with\" list of Windows."},
+    {kNone, DefaultProgram, L"Default Program", L"Decides whether a double click opens its files here."},
 };
 #undef OWN
 

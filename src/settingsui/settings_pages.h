@@ -30,6 +30,7 @@ enum class SettingControl : std::uint8_t {
     FontPreview,  // a text in the font and colours that are chosen
     CommandPreview,
     CompilerTest,    // runs the compiler
+    DefaultProgram,  // makes the editor the one that opens the compiler's files, or takes that back
     Detect,          // searches for the compilers
     ConnectionTest,  // asks the service of the page whether it answers
     CopyKeys,        // copies the list of all keys
@@ -39,8 +40,9 @@ enum class SettingControl : std::uint8_t {
 
 // A button that does something and holds no value.
 constexpr bool SettingIsButton(SettingControl control) {
-    return control == SettingControl::CompilerTest || control == SettingControl::Detect ||
-           control == SettingControl::ConnectionTest || control == SettingControl::CopyKeys;
+    return control == SettingControl::CompilerTest || control == SettingControl::DefaultProgram ||
+           control == SettingControl::Detect || control == SettingControl::ConnectionTest ||
+           control == SettingControl::CopyKeys;
 }
 
 struct SettingItem {

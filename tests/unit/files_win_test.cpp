@@ -300,8 +300,17 @@ TEST(FileTypes, OpenWithListsAndDefaultPrograms) {
         EXPECT_FALSE(HasKey(L".c\\OpenWithProgids") || HasKey(L".h\\OpenWithProgids"));
     }
     compilers[kCompilerKvxb64].registerExtension = 0;
+    UnregisterFileExtensions(kCompilerKvxb64);
+    EXPECT_FALSE(HasKey(L"KVXB64.Source"));
+    EXPECT_NE(RegGetValueW(HKEY_CURRENT_USER, L"Software\\Classes\\.kxb\\OpenWithProgids", L"KVXB64.Source", RRF_RT_ANY,
+                           nullptr, nullptr, nullptr),
+              ERROR_SUCCESS);
+    EXPECT_TRUE(HasKey(L".kxb")) << "others may use it";
 
+    EXPECT_FALSE(FileExtIsRegistered(kCompilerKvxa32));
     EXPECT_EQ(FileExtRegisterCompiler(kCompilerKvxa32), 1);
+    EXPECT_TRUE(FileExtIsRegistered(kCompilerKvxa32));
+    EXPECT_EQ(FileExtClass(kCompilerKvxa32), L"KVXE.ka32");
     EXPECT_EQ(ReadDefault(L".ka32"), L"KVXE.ka32");
     EXPECT_EQ(ReadDefault(L"KVXE.ka32"), L"KVXA32 Source File");
     EXPECT_EQ(ReadDefault(L"KVXE.ka32\\DefaultIcon"), L"\"KA32.ico\",0");

@@ -1,9 +1,11 @@
 // The settings dialog of the real program, by keys and messages.
 #include "support/http_server.h"
+#include "support/start_process.h"
 
 #include "harness.h"
 
 #include <commctrl.h>
+#include <shlwapi.h>
 
 #include "resources/ids.h"
 #include "settingsui/settings_pages.h"
@@ -30,14 +32,18 @@ struct SettingsWindow {
         editor.Send(window, WM_COMMAND, MAKEWPARAM(IDC_SETTINGS_PAGES, LBN_SELCHANGE),
                     reinterpret_cast<LPARAM>(Control(IDC_SETTINGS_PAGES)));
     }
-    // A control of the item with this label; `part`: 0 its field, 2 its button, 3 its note.
+    // A control of the item with this label; `part`: 0 its field, 2 its button, 3 its note. Null: it has none. What is not
+    // in view is made after the page is shown; the last field of a page comes last.
     HWND Of(std::wstring_view title, std::wstring_view label, int part = 0) const {
         const std::size_t page = PageOf(title);
         const auto& items = SettingsPages()[page].items;
+        const HWND shown = Control(IDC_SETTINGS_PAGE_FIRST + static_cast<int>(page));
+        const auto partOf = [&](std::size_t item, int which) {
+            return GetDlgItem(shown, IDC_SETTINGS_ITEM_FIRST + static_cast<int>(item) * SETTINGS_PARTS + which);
+        };
+        EXPECT_TRUE(WaitFor([&] { return partOf(items.size() - 1, 0) != nullptr; })) << page;
         for (std::size_t i = 0; i < items.size(); ++i)
-            if (label == items[i].label)
-                return GetDlgItem(Control(IDC_SETTINGS_PAGE_FIRST + static_cast<int>(page)),
-                                  IDC_SETTINGS_ITEM_FIRST + static_cast<int>(i) * SETTINGS_PARTS + part);
+            if (label == items[i].label) return partOf(i, part);
         return nullptr;
     }
     void Set(HWND field, const std::wstring& text) const {
@@ -290,4 +296,39 @@ TEST(SettingsDialog, TheServiceIsAskedForItsModels) {
     dialog.Press(IDOK);
     ASSERT_TRUE(dialog.Gone());
     EXPECT_EQ(folder.Ini(L"AI", L"LMStudioModel"), L"zeta");
+}
+
+TEST(SettingsDialog, ADoubleClickOpensTheFilesOfTheEditorHere) {
+    ProgramFolder folder;
+    folder.KeepNoSession();
+    const std::wstring source = folder.Write(L"a \xE9.ka32", "a\n");
+    SHDeleteKeyW(HKEY_CURRENT_USER, L"Software\\Classes\\.ka32");
+    Editor editor(folder);
+    const auto tells = [&](const SettingsWindow& settings, const wchar_t* text) {
+        return WaitFor([&] { return settings.Note(L"KVXA32", L"Default Program") == text; });
+    };
+    {
+        const SettingsWindow settings(editor);
+        settings.Go(L"KVXA32");
+        PostMessageW(settings.Of(L"KVXA32", L"Default Program"), BM_CLICK, 0, 0);
+        EXPECT_TRUE(tells(settings, L"Files .ka32 are opened by this editor."));
+        settings.Key(VK_ESCAPE);
+        ASSERT_TRUE(settings.Gone());
+    }
+    // As the shell does; Wine's knows no types of a user.
+    wchar_t text[MAX_PATH] = {};
+    DWORD size = sizeof(text);
+    RegGetValueW(HKEY_CURRENT_USER, L"Software\\Classes\\KVXE.ka32\\shell\\open\\command", nullptr, RRF_RT_REG_SZ,
+                 nullptr, text, &size);
+    std::wstring line = text;
+    ASSERT_NE(line.find(L"%1"), std::wstring::npos) << Utf8(line);
+    PROCESS_INFORMATION started{};
+    ASSERT_TRUE(StartProcess(line.replace(line.find(L"%1"), 2, source), &started, {.flags = 0}));
+    CloseHandle(started.hThread);
+    CloseHandle(started.hProcess);
+    EXPECT_TRUE(WaitFor([&] { return editor.Text() == "a\n"; })) << editor.Describe();
+    const SettingsWindow settings(editor);
+    PostMessageW(settings.Of(L"KVXA32", L"Default Program"), BM_CLICK, 0, 0);
+    editor.Answer(L"Default Program", L"Files .ka32 are opened by this editor.", IDYES);
+    EXPECT_TRUE(tells(settings, L"Files .ka32 are opened by no program yet."));
 }
