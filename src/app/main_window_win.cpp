@@ -6,6 +6,7 @@
 #include "ai/ai_requests.h"
 #include "app/app_state.h"
 #include "app/handover.h"
+#include "app/jump_list.h"
 #include "base/wide_format.h"
 #include "commands/command_state.h"
 #include "commands/quick_symbols.h"
@@ -157,6 +158,9 @@ static LRESULT CALLBACK RouteMainMessage(HWND window, UINT message, WPARAM wPara
             MainWnd_OnDpiChanged(window, HIWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
             return 0;
         case WM_ACTIVATE: MainWnd_OnActivate(window, LOWORD(wParam) != WA_INACTIVE); return 0;
+        case WM_ACTIVATEAPP:
+            if (wParam == FALSE) JumpListOnInactive();
+            return 0;
         case WM_SETFOCUS: FocusCurrentEditor(); return 0;
         case WM_COMMAND: MainWnd_OnCommand(LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam)); return 0;
         case WM_NOTIFY: return MainWnd_OnNotify(*reinterpret_cast<const NMHDR*>(lParam));

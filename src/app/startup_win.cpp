@@ -1,6 +1,7 @@
 // How the editor comes up once its window stands, and how it goes down. UI thread only.
 #include "ai/ai_requests.h"
 #include "app/app_state.h"
+#include "app/jump_list.h"
 #include "app/main_window.h"
 #include "app/startup_rules.h"
 #include "base/log.h"
@@ -259,5 +260,6 @@ void MainWnd_OnDestroy(HWND window) {
     KillTimer(window, TIMER_FOCUS);
     KillTimer(window, TIMER_SESSION);
     ToolbarDestroyImages();
+    JumpListEnd();
     PostQuitMessage(0);
 }
