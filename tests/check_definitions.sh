@@ -11,13 +11,20 @@
 set -euo pipefail
 
 build="${1:?the folder of a build}"
+root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 
 work="$(mktemp -d)"
 trap 'rm -rf "$work"' EXIT
 
 # The object files of this project. Their path names the target that they belong to.
+# An object stays in the build folder when its source is moved or deleted; it is in no program then.
 find "$build" \( -name '*.cpp.o' -o -name '*.cpp.obj' \) -path '*.dir/*' ! -path '*/third_party/*' ! -path '*/gtest/*' |
-    sort >"$work/objects"
+    sort | while read -r object; do
+    source="$(sed -E 's#.*/CMakeFiles/[^/]+\.dir/##; s#\.(o|obj)$##' <<<"$object")"
+    folder="${object%/CMakeFiles/*}"
+    folder="${folder#"$build"}"
+    if [ -f "$root/${folder#/}/$source" ]; then echo "$object"; fi
+done >"$work/objects"
 [ -s "$work/objects" ] || { echo "definitions: no object files in $build" >&2; exit 1; }
 
 # Prints "target symbol place name" for each definition that is visible outside its file and is in this project's
