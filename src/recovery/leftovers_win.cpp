@@ -98,7 +98,10 @@ void AddFailedSaves(const std::wstring& folder, std::vector<Leftover>& left) {
             continue;
         const std::wstring target = Utf8ToWideText(ReadNote(one.files[1]));
         one.note.label = FileNameOf(target);
-        if (target.find(L'\\') != std::wstring::npos) one.note.path = target;  // otherwise the label of an untitled one
+        if (one.note.label.empty())  // a note that is damaged
+            one.note.label = FileNameOf(one.text);
+        else if (target.find(L'\\') != std::wstring::npos)
+            one.note.path = target;  // otherwise it is the label of an untitled one
         one.asWritten = true;
         one.time = copy.ftLastWriteTime;
         one.size = (std::uint64_t{copy.nFileSizeHigh} << 32U) | copy.nFileSizeLow;

@@ -1,31 +1,11 @@
 // What a kill leaves, and how the next start gives it back.
-#include "window/harness.h"
+#include "window/recovery_driver.h"
 
 #include "resources/ids.h"
-
-#include <filesystem>
-#include <set>
 
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr wchar_t kRecovered[] = L"Recovered Files";
-
-fs::path RecoveryOf(const ProgramFolder& folder) { return folder.File(L"local\\KVX-Editor\\Recovery"); }
-
-// The texts that are kept at the moment.
-std::set<std::string> KeptTexts(const ProgramFolder& folder) {
-    std::set<std::string> texts;
-    std::error_code none;
-    for (const auto& entry : fs::recursive_directory_iterator(RecoveryOf(folder), none)) {
-        const std::wstring name = entry.path().filename().wstring();
-        if (!entry.is_regular_file(none) || name.ends_with(L".note") || name.ends_with(L".path") || name == L"owner")
-            continue;
-        if (const auto bytes = ReadBytes(entry.path().wstring())) texts.insert(*bytes);
-    }
-    return texts;
-}
 
 bool AwaitKept(const ProgramFolder& folder, const std::set<std::string>& texts) {
     return WaitFor([&] { return KeptTexts(folder) == texts; });
@@ -38,11 +18,6 @@ std::set<std::string> OpenTexts(const Editor& editor) {
         editor.Do(IDM_NEXT_TAB);
     }
     return texts;
-}
-
-void Kill(Editor& editor) {
-    TerminateProcess(editor.process, 9);
-    EXPECT_TRUE(editor.ExitCode());
 }
 
 }  // namespace
