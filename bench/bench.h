@@ -66,7 +66,7 @@ struct Memory {
 // A started program. The destructor terminates it.
 class Program {
 public:
-    Program(Kind kind, const Folder& folder, const std::wstring& file);
+    Program(Kind kind, const Folder& folder, const std::wstring& file);  // empty: without a file
     ~Program();
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
@@ -116,3 +116,4 @@ void MeasureAi();
 void MeasureFiles();
 void MeasureFinder();
 void MeasureSettings();
+void MeasureSessions();

@@ -20,7 +20,7 @@ constexpr Measurement kMeasurements[] = {
     {"code", MeasureCode},         {"ai", MeasureAi},
     {"files", MeasureFiles},       {"finder", MeasureFinder},
     {"settings", MeasureSettings}, {"completion", MeasureCompletion},
-    {"symbols", MeasureSymbols},
+    {"symbols", MeasureSymbols},   {"sessions", MeasureSessions},
 };
 
 bool Wanted(int argc, char** argv, const std::string& name) {

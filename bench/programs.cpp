@@ -169,9 +169,9 @@ Folder::~Folder() {
 Program::Program(Kind kind, const Folder& folder, const std::wstring& file) {
     // The program's files for the user go into the folder too.
     SetEnvironmentVariableW(L"LOCALAPPDATA", (folder.Path() + L"local").c_str());
-    const std::wstring line = L"\"" + folder.Path() +
-                              (kind == Kind::Floor ? L"bench\\floor.exe\" \"" : L"KVX-Editor.exe\" --open \"") + file +
-                              L"\"";
+    const bool isFloor = kind == Kind::Floor;
+    std::wstring line = L"\"" + folder.Path() + (isFloor ? L"bench\\floor.exe\"" : L"KVX-Editor.exe\"");
+    if (!file.empty()) line += (isFloor ? L" \"" : L" --open \"") + file + L"\"";
     PROCESS_INFORMATION process = {};
     if (!StartProcess(line, &process,
                       {.folder = folder.Path().c_str(), .beforeEachTry = [this] { started_ = NowMs(); }}))

@@ -1,0 +1,168 @@
+// Measures what keeps work safe, and what brings it back: a session of many files, its saving, and the copying of unsaved
+// text.
+#include "bench.h"
+
+#include "resources/ids.h"
+
+#include <Scintilla.h>
+
+#include <filesystem>
+#include <string>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kFiles = 300;
+constexpr int kStarts = 5;
+constexpr int kSaves = 20;
+constexpr double kLimitMs = 20000;
+
+template <typename Condition>
+void AwaitOrDie(const char* what, Condition condition) {
+    const double end = NowMs() + kLimitMs;
+    while (!condition()) {
+        if (NowMs() > end) Die(what);
+        Pause(kLookMs);
+    }
+}
+
+// The auto-saved session of so many files of 50 kB, of which the middle one is active.
+std::wstring WriteSession(const Folder& folder, int files, std::size_t* size) {
+    const std::wstring source = SourceOfSize(50'000, size);
+    std::string text = "[Session]\r\nVersion=1\r\nActiveTab=" + std::to_string(files / 2) +
+                       "\r\nTabCount=" + std::to_string(files) + "\r\n";
+    for (int i = 0; i < files; ++i) {
+        const std::wstring copy = folder.Path() + L"file" + std::to_wstring(i) + L".bas";
+        fs::copy_file(source, copy, fs::copy_options::overwrite_existing);
+        text += "\r\n[File" + std::to_string(i + 1) + "]\r\nPath=" + Narrow(copy) + "\r\nCursor=10\r\n";
+    }
+    WriteText(folder.Path() + L"Editor.ini_autosave.kvxsess", text);
+    return folder.Path() + L"file0.bas";
+}
+
+HWND FindQuestion(DWORD pid) {
+    for (HWND box = nullptr; (box = FindWindowExW(nullptr, box, L"#32770", L"Restore Session")) != nullptr;) {
+        DWORD owner = 0;
+        GetWindowThreadProcessId(box, &owner);
+        if (owner == pid && IsWindowVisible(box)) return box;
+    }
+    return nullptr;
+}
+
+// Until the active file of the session is there, its question answered as soon as it is asked.
+double RestoreOnce(int files) {
+    const Folder folder;
+    std::size_t size = 0;
+    WriteSession(folder, files, &size);
+    Program editor(Kind::Editor, folder, L"");
+    HWND box = nullptr;
+    AwaitOrDie("no question about the session", [&] {
+        box = FindQuestion(GetProcessId(editor.Process()));
+        return box != nullptr;
+    });
+    PostMessageW(box, WM_COMMAND, IDYES, 0);
+    return editor.AwaitReady(size);
+}
+
+double StartOnce() {
+    const Folder folder;
+    std::size_t size = 0;
+    const std::wstring file = SourceOfSize(50'000, &size);
+    Program editor(Kind::Editor, folder, file);
+    return editor.AwaitReady(size);
+}
+
+void MeasureRestore() {
+    std::vector<double> one, many;
+    RestoreOnce(kFiles);  // into the system's cache
+    for (int i = 0; i < kStarts; ++i) {
+        one.push_back(StartOnce());
+        many.push_back(RestoreOnce(kFiles));
+    }
+    Report({.work = "session of " + std::to_string(kFiles) + " files, start to its active file",
+            .floor = Median(one),
+            .program = Median(many),
+            .maxRatio = 2.0,
+            .note = "median of " + std::to_string(kStarts) + "; floor: the editor's start with one file"});
+}
+
+void MeasureAutoSave() {
+    const Folder folder;
+    std::size_t size = 0;
+    WriteSession(folder, kFiles, &size);
+    Program editor(Kind::Editor, folder, L"");
+    HWND box = nullptr;
+    AwaitOrDie("no question about the session", [&] {
+        box = FindQuestion(GetProcessId(editor.Process()));
+        return box != nullptr;
+    });
+    PostMessageW(box, WM_COMMAND, IDYES, 0);
+    editor.AwaitReady(size);
+    for (int tab = 0; tab < kFiles; ++tab) Ask(editor.Main(), WM_COMMAND, IDM_NEXT_TAB);  // all are read
+    editor.SettledMemory();
+    std::vector<double> times;
+    for (int i = 0; i < kSaves; ++i) {
+        Ask(editor.Main(), WM_COMMAND, IDM_NEXT_TAB);  // another session than the last
+        const double start = NowMs();
+        Ask(editor.Main(), WM_TIMER, TIMER_SESSION);
+        times.push_back(NowMs() - start);
+    }
+    Report({.work = "session of " + std::to_string(kFiles) + " open files saved",
+            .program = Quantile(times, 1),
+            .maxValue = 50,
+            .note = "on the window's thread; slowest of " + std::to_string(kSaves)});
+}
+
+std::size_t KeptBytes(const Folder& folder) {
+    std::size_t most = 0;
+    std::error_code fault;
+    fs::recursive_directory_iterator at(folder.Path() + L"local\\KVX-Editor\\Recovery", fault), end;
+    for (; !fault && at != end; at.increment(fault)) {
+        const auto size = at->file_size(fault);
+        if (!fault && at->path().extension() == L".bas") most = std::max<std::size_t>(most, size);
+        fault.clear();
+    }
+    return most;
+}
+
+void MeasureSnapshots() {
+    const Folder folder;
+    std::size_t size = 0;
+    const std::wstring file = SourceOfSize(10'000'000, &size);
+    Program editor(Kind::Editor, folder, file);
+    editor.AwaitReady(size);
+    editor.SettledMemory();
+    std::vector<double> ticks, kept;
+    for (int i = 0; i < 5; ++i) {
+        const double typed = NowMs();
+        PostMessageW(editor.Sci(), WM_CHAR, 'x', 1);
+        ++size;
+        // The timer of the window goes on beside these, so that some of its ticks are not seen, but none is other.
+        while (KeptBytes(folder) != size) {
+            if (NowMs() - typed > kLimitMs) Die("unsaved text is not kept");
+            const double start = NowMs();
+            Ask(editor.Main(), WM_TIMER, TIMER_SNAPSHOTS);
+            ticks.push_back(NowMs() - start);
+            Sleep(100);
+        }
+        kept.push_back(NowMs() - typed);
+    }
+    Report({.work = "unsaved 10 MB copied for recovery, a piece of it",
+            .program = Quantile(ticks, 1),
+            .maxValue = 2,
+            .note = "on the window's thread; slowest of " + std::to_string(ticks.size()) + ", median " +
+                    std::to_string(Median(ticks))});
+    Report({.work = "- from a key until it stands on the disk",
+            .program = Quantile(kept, 1),
+            .maxValue = 7000,
+            .note = "slowest of 5"});
+}
+
+}  // namespace
+
+void MeasureSessions() {
+    MeasureRestore();
+    MeasureAutoSave();
+    MeasureSnapshots();
+}
