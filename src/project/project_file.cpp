@@ -45,7 +45,7 @@ bool SameWord(std::string_view a, std::string_view b) {
 }
 
 struct LineParts {
-    enum Kind { Empty, Section, Value, Broken } kind = Empty;
+    enum Kind { Empty, Section, Value, Broken, NotText, Control } kind = Empty;
     std::string_view key;  // or the section's name
     std::string_view value;
 };
@@ -53,6 +53,9 @@ struct LineParts {
 LineParts PartsOfLine(std::string_view line) {
     line = Trimmed(line);
     if (line.empty() || line.front() == ';' || line.front() == '#') return {};
+    if (ToUtf8(Utf8ToWideText(line)) != line) return {LineParts::NotText, {}, {}};
+    if (std::ranges::any_of(line, [](char c) { return static_cast<unsigned char>(c) < ' ' && c != '\t'; }))
+        return {LineParts::Control, {}, {}};
     if (line.front() == '[')
         return {line.ends_with(']') && line.size() > 2 ? LineParts::Section : LineParts::Broken,
                 Trimmed(line.substr(1, line.size() - std::min<std::size_t>(line.size(), 2))),
@@ -219,10 +222,6 @@ void TakeValue(Reading& reading, std::string_view section, const LineParts& part
 
 void TakeLine(Reading& reading, std::string_view line, std::string* section) {
     const LineParts parts = PartsOfLine(line);
-    if (parts.kind == LineParts::Empty) return;
-    if (ToUtf8(Utf8ToWideText(line)) != line) return AddFault(reading, L"the line is not UTF-8");
-    if (std::ranges::any_of(line, [](char c) { return static_cast<unsigned char>(c) < ' ' && c != '\t'; }))
-        return AddFault(reading, L"the line has a control character");
     switch (parts.kind) {
         case LineParts::Section: *section = parts.key; break;
         case LineParts::Value:
@@ -236,6 +235,8 @@ void TakeLine(Reading& reading, std::string_view line, std::string* section) {
                                   ? L"a section is written as [Name]"
                                   : L"neither a [Section] nor Key=Value nor a ;comment");
             break;
+        case LineParts::NotText: AddFault(reading, L"the line is not UTF-8"); break;
+        case LineParts::Control: AddFault(reading, L"the line has a control character"); break;
         case LineParts::Empty: break;
     }
 }

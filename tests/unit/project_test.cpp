@@ -99,6 +99,8 @@ TEST(ProjectFile, WritingChangesOneValueAndKeepsTheRest) {
         {"; x", "; x\r\n\r\n[Project]\r\nMain=a/b.bas\r\n"},
         {"[PROJECT]\n main =old ; text\n[X]\ny=1", "[PROJECT]\n main =a/b.bas\n[X]\ny=1"},
         {"[Project]\nName=A\n\n; about X\n[X]\nMain=no", "[Project]\nName=A\nMain=a/b.bas\n\n; about X\n[X]\nMain=no"},
+        // What is no text is no section for the writer, too.
+        {"[Project]\n[\xBA]\nMain=x", "[Project]\n[\xBA]\nMain=a/b.bas"},
         {"\xEF\xBB\xBF[Project]", "\xEF\xBB\xBF[Project]\r\nMain=a/b.bas\r\n"},
     };
     for (const auto& row : kRows) {
