@@ -21,6 +21,8 @@ FindState g_find;
 
 namespace {
 
+constexpr std::size_t kMostMarksOfLine = 1000;  // Scintilla draws all marks of a line, however few of them are in sight
+
 FindSpan WholeDocument() { return {0, SciSend(g_documents.hEditor, SCI_GETLENGTH)}; }
 
 // The range to search: the scope when "in selection" is ticked for this document, else the whole document.
@@ -81,8 +83,8 @@ bool PrepareReplacing(FindQuery& query, ReplaceForm& form) {
 }
 
 // Walks over all matches with the progress of a long command. The status gets `text` of their number, or why it ended.
-template <typename Found>
-void WalkMatches(const wchar_t* work, const Found& found, std::wstring (*text)(std::size_t count)) {
+template <typename Found, typename Text>
+void WalkMatches(const wchar_t* work, const Found& found, const Text& text) {
     FindQuery query;
     if (!PrepareFind(query)) return;
     LongWork progress(work, ShowFindStatus);
@@ -193,8 +195,23 @@ void FindMarkAll() {
     const HWND editor = g_documents.hEditor;
     FindMarksClear();
     FindMarksPrepare(editor, FindMarks::All);
-    WalkMatches(
-        L"Marking", [editor](FindSpan match) { FindMark(editor, FindMarks::All, match); }, MatchCountText);
+    std::ptrdiff_t lineEnd = -1;
+    std::size_t inLine = 0, unmarked = 0;
+    const auto mark = [&](FindSpan match) {
+        if (match.start > lineEnd) {
+            const LRESULT line = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(match.start));
+            lineEnd = SciSend(editor, SCI_GETLINEENDPOSITION, static_cast<WPARAM>(line));
+            inLine = 0;
+        }
+        if (++inLine <= kMostMarksOfLine)
+            FindMark(editor, FindMarks::All, match);
+        else
+            ++unmarked;
+    };
+    WalkMatches(L"Marking", mark, [&](std::size_t count) {
+        const std::wstring most = std::to_wstring(kMostMarksOfLine);
+        return MatchCountText(count) + (unmarked > 0 ? L"; the first " + most + L" of each line are marked" : L"");
+    });
 }
 
 void FindMarksClear() { FindUnmark(g_documents.hEditor, FindMarks::All, WholeDocument()); }

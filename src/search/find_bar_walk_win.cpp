@@ -7,13 +7,15 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace {
 
-constexpr std::size_t kMostCounted = 1'000'000;   // matches; their starts are kept
-constexpr std::ptrdiff_t kAboveView = 4 * 1024;   // bytes above the view in which a match in sight may begin
-constexpr std::ptrdiff_t kMostView = 256 * 1024;  // bytes of very long lines that get marks
-constexpr int kMostMarks = 5000;
+constexpr std::size_t kMostCounted = 1'000'000;  // matches; their starts are kept
+constexpr std::ptrdiff_t kAboveView = 4 * 1024;  // bytes above the view in which a match in sight may begin
+constexpr std::ptrdiff_t kMostView = 16 * 1024;  // bytes in sight that are searched in whole lines
+constexpr int kMostMarks = 5000;                 // of a part
 constexpr double kMarkMs = 30;
 
 // One part of looking for the match to show. False when the time is over.
@@ -49,16 +51,45 @@ bool CountPart(FindBarWalk& walk, const RegexText& text, const RegexGoesOn& inTi
     return true;
 }
 
-// The text in sight, in whole lines.
-FindSpan VisibleText(HWND editor) {
-    const auto lineShown = [editor](LRESULT visible) {
-        return SciSend(editor, SCI_DOCLINEFROMVISIBLE, static_cast<WPARAM>(visible));
+// The text in sight: in whole lines, or only the parts of lines when these are long.
+std::vector<FindSpan> VisibleText(HWND editor) {
+    const auto ask = [editor](UINT message, LRESULT wParam = 0, LRESULT lParam = 0) {
+        return SciSend(editor, message, static_cast<WPARAM>(wParam), lParam);
     };
-    const LRESULT top = SciSend(editor, SCI_GETFIRSTVISIBLELINE);
-    const LRESULT first = lineShown(top), last = lineShown(top + SciSend(editor, SCI_LINESONSCREEN) + 1);
-    const FindSpan span{SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(first)),
-                        SciSend(editor, SCI_GETLINEENDPOSITION, static_cast<WPARAM>(last))};
-    return {span.start, std::min(span.end, span.start + kMostView)};
+    const auto textOf = [&](LRESULT from, LRESULT to) {
+        return FindSpan{ask(SCI_POSITIONFROMLINE, from), ask(SCI_GETLINEENDPOSITION, to)};
+    };
+    const LRESULT top = ask(SCI_GETFIRSTVISIBLELINE), bottom = top + ask(SCI_LINESONSCREEN) + 1;
+    const FindSpan whole = textOf(ask(SCI_DOCLINEFROMVISIBLE, top), ask(SCI_DOCLINEFROMVISIBLE, bottom));
+    if (whole.end - whole.start <= kMostView) return {whole};
+    RECT client = {};
+    GetClientRect(editor, &client);
+    if (ask(SCI_GETWRAPMODE) != SC_WRAP_NONE)
+        return {{ask(SCI_POSITIONFROMPOINT, 0, 0), ask(SCI_POSITIONFROMPOINT, client.right, client.bottom)}};
+    std::vector<FindSpan> parts;
+    for (LRESULT row = top, before = -1; row <= bottom; ++row) {
+        const LRESULT line = ask(SCI_DOCLINEFROMVISIBLE, row);
+        if (line == std::exchange(before, line)) continue;
+        const FindSpan text = textOf(line, line);
+        const LRESULT y = ask(SCI_POINTYFROMPOSITION, 0, text.start);
+        parts.push_back(
+            {std::clamp<std::ptrdiff_t>(ask(SCI_POSITIONFROMPOINT, 0, y), text.start, text.end),
+             std::clamp<std::ptrdiff_t>(ask(SCI_POSITIONFROMPOINT, client.right, y), text.start, text.end)});
+    }
+    return parts;
+}
+
+// Marks the matches in a part of the text. Returns what was searched.
+FindSpan MarkPart(const FindBarWalk& walk, FindSpan part, const RegexGoesOn& inTime) {
+    const LRESULT above = SciSend(walk.editor, SCI_LINEFROMPOSITION,
+                                  static_cast<WPARAM>(std::max<std::ptrdiff_t>(0, part.start - kAboveView)));
+    const std::ptrdiff_t from = std::max<std::ptrdiff_t>(
+        SciSend(walk.editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(above)), part.start - 2 * kAboveView);
+    RegexSearch search(walk.query.code);
+    search.Begin(EditorTextOf(walk.editor), {from, part.end}, false, inTime);
+    for (int marks = 0; marks < kMostMarks && search.Next() == RegexResult::Match; ++marks)
+        if (search.Match().end > part.start) FindMark(walk.editor, FindMarks::Bar, search.Match());
+    return {from, part.end};
 }
 
 }  // namespace
@@ -100,18 +131,13 @@ void WalkMarkVisible(FindBarWalk& walk) {
     FindUnmark(walk.editor, FindMarks::Bar, walk.marked);
     walk.marked = {};
     if (walk.query.code == nullptr) return;
-    const FindSpan view = VisibleText(walk.editor);
     const double until = ClockMs() + kMarkMs;
-    const RegexText text = EditorTextOf(walk.editor);
-    const LRESULT above = SciSend(walk.editor, SCI_LINEFROMPOSITION,
-                                  static_cast<WPARAM>(std::max<std::ptrdiff_t>(0, view.start - kAboveView)));
-    const std::ptrdiff_t from = std::max<std::ptrdiff_t>(
-        SciSend(walk.editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(above)), view.start - 2 * kAboveView);
-    RegexSearch search(walk.query.code);
-    search.Begin(text, {from, view.end}, false, [until](std::ptrdiff_t) { return ClockMs() < until; });
-    for (int marks = 0; marks < kMostMarks && search.Next() == RegexResult::Match; ++marks)
-        if (search.Match().end > view.start) FindMark(walk.editor, FindMarks::Bar, search.Match());
-    walk.marked = {from, view.end};
+    const RegexGoesOn inTime = [until](std::ptrdiff_t) { return ClockMs() < until; };
+    const std::vector<FindSpan> view = VisibleText(walk.editor);
+    for (const FindSpan& part : view) {
+        const FindSpan searched = MarkPart(walk, part, inTime);
+        walk.marked = &part == &view.front() ? searched : FindSpan{walk.marked.start, searched.end};
+    }
 }
 
 FindBarCount WalkCount(const FindBarWalk& walk, FindSpan shown) {

@@ -337,7 +337,7 @@ void FindBarOnActivated(DocumentId document) {
 
 void FindBarOnView(HWND editor, int updated) {
     if (g_search.hFindBar == nullptr || editor != g_bar.walk.editor) return;
-    if ((updated & (SC_UPDATE_V_SCROLL | SC_UPDATE_CONTENT)) != 0) WalkMarkVisible(g_bar.walk);
+    if ((updated & (SC_UPDATE_V_SCROLL | SC_UPDATE_H_SCROLL | SC_UPDATE_CONTENT)) != 0) WalkMarkVisible(g_bar.walk);
     if ((updated & SC_UPDATE_SELECTION) != 0 && !g_bar.walk.finding && !g_bar.fault) ShowBarCount();
 }
 

@@ -25,7 +25,7 @@
 namespace {
 
 constexpr wchar_t kClass[] = L"KVXEOutlinePane";
-constexpr int kBarHeight = 30, kFieldHeight = 24, kGap = 4, kButtonWidth = 40;  // at 96 dpi
+constexpr int kBarHeight = 30, kFieldRoom = 8, kGap = 4, kButtonWidth = 40;  // at 96 dpi
 constexpr int kFilterCapacity = 128;
 
 struct OutlinePane {
@@ -154,7 +154,8 @@ void ToggleOrder() {
 void LayOut() {
     RECT client = {};
     GetClientRect(g_outline.pane, &client);
-    const int bar = UiScaled(kBarHeight), height = UiScaled(kFieldHeight), gap = UiScaled(kGap);
+    const int bar = UiScaled(kBarHeight), gap = UiScaled(kGap);
+    const int height = UiSizes().textHeight + UiScaled(kFieldRoom);  // a field shows its text at the top of its room
     const int button = UiScaled(kButtonWidth), right = static_cast<int>(client.right);
     const int top = (bar - height) / 2;
     const UINT flags = SWP_NOZORDER | SWP_NOACTIVATE;

@@ -203,6 +203,27 @@ TEST(FindBar, FindsWhileTypingAndGoesBack) {
     EXPECT_EQ(editor.Line(), 300) << "stays at the match of the last text";
 }
 
+TEST(FindBar, LongLinesGetFewMarks) {
+    ProgramFolder folder;
+    std::string text;
+    for (int i = 0; i < 20000; ++i) text += "word ";
+    Editor editor(folder, OpenArgument(folder.Write(L"a.bas", text + "\r\nword\r\n")));
+    const auto marked = [&](int indicator, LPARAM at) {
+        return editor.Sci(SCI_INDICATORVALUEAT, static_cast<WPARAM>(indicator), at) != 0;
+    };
+    editor.Sci(SCI_SETSEL, 0, 4);
+    const FindDialog find(editor, IDM_EDIT_FIND, L"Find");
+    find.Press(IDC_FIND_MARK_ALL);
+    EXPECT_EQ(find.Status(), L"20001 matches; the first 1000 of each line are marked");
+    EXPECT_TRUE(marked(20, 4995) && !marked(20, 5000) && marked(20, 100002));
+    find.Press(IDCANCEL);
+    editor.Do(IDM_SEARCH_INCREMENTAL);
+    EXPECT_TRUE(WaitFor([&] { return marked(21, 5) && marked(21, 100002); })) << "what is in sight";
+    EXPECT_FALSE(marked(21, 50000));
+    editor.Sci(SCI_GOTOPOS, 99999);
+    EXPECT_TRUE(WaitFor([&] { return marked(21, 99990) && !marked(21, 5); }));
+}
+
 TEST(GotoLine, ShowsThePlaceAndGoes) {
     ProgramFolder folder;
     const std::wstring path = folder.Write(L"a.bas", "SUB Main\r\n\tPRINT 1\r\nEND SUB\r\n");
