@@ -67,10 +67,9 @@ void EditorPaneUpperKeywordBefore(HWND editor, LRESULT position) {
     const LRESULT lineEnd = PaneSend(editor, SCI_GETLINEENDPOSITION, line);
     if (lineEnd - lineStart > kLongestLine) return;
     const std::string text = EditorPaneTextBetween(editor, lineStart, lineEnd);
-    const ScanState scanned = EditorPaneLineState(editor, line) & kScanStateMask;
-    const std::optional<KeywordEdit> edit =
-        KeywordEditOf(text, scanned, EditorPaneDialect(editor), static_cast<std::size_t>(start - lineStart),
-                      static_cast<std::size_t>(position - lineStart));
+    const std::optional<KeywordEdit> edit = KeywordEditOf(
+        text, EditorPaneLineState(editor, line), EditorPaneDialect(editor), static_cast<std::size_t>(start - lineStart),
+        static_cast<std::size_t>(position - lineStart), EditorPaneBlockTable(editor));
     if (!edit || NamesVariable(editor, line,
                                std::string_view(text).substr(static_cast<std::size_t>(start - lineStart),
                                                              static_cast<std::size_t>(length))))

@@ -8,9 +8,17 @@
 
 std::optional<std::ptrdiff_t> IndentationAfterBreak(const BrokenLine& broken) {
     if (broken.selections != 1 || broken.line < 1) return std::nullopt;
-    if (broken.own != 0 || broken.above <= 0) return std::nullopt;
-    return broken.above;
+    if (broken.own != 0 || broken.above + broken.step <= 0) return std::nullopt;
+    return broken.above + broken.step;
 }
+
+bool OpensBrace(std::string_view line) {
+    line = line.substr(0, line.find("//"));
+    const std::size_t last = line.find_last_not_of(" \t");
+    return last != std::string_view::npos && line[last] == '{';
+}
+
+bool IsClosingBrace(std::string_view line) { return WithoutLeadingBlanks(line) == "}"; }
 
 std::ptrdiff_t IndentationBelow(const LineAbove& above, std::ptrdiff_t step) {
     if (above.continues) return above.continued ? above.own : above.indentation + step;
@@ -40,10 +48,10 @@ BracePair BracesToShow(std::span<const StyledByte> text, std::ptrdiff_t start, s
     return partner >= 0 ? BracePair{brace, start + partner} : BracePair{};
 }
 
-std::optional<KeywordEdit> KeywordEditOf(const std::string& line, ScanState state, const Dialect& dialect,
-                                         std::size_t start, std::size_t end) {
-    const std::string capitals = KeywordsInCapitals(line, state, dialect);
-    const bool inAssembly = (state & kScanAssembly) != 0;
+std::optional<KeywordEdit> KeywordEditOf(const std::string& line, LineState before, const Dialect& dialect,
+                                         std::size_t start, std::size_t end, BlockTable* table) {
+    const std::string capitals = KeywordsInCapitals(line, before, dialect, table);
+    const bool inAssembly = (before & kScanAssembly) != 0;
     // Only the last word of END ASM makes a line of assembly a line of BASIC, so both words change then.
     const bool endsAssembly = inAssembly && AssemblyOfLine(line, true).kind == AssemblyKind::BlockEnd;
     const std::size_t from = endsAssembly ? 0 : start;

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "documents/brace_match.h"
-#include "language/scanner.h"
+#include "language/blocks.h"
 
 #include <cstddef>
 #include <optional>
@@ -17,9 +17,14 @@ struct BrokenLine {
     std::ptrdiff_t line = 0;  // of the caret, from 0
     std::ptrdiff_t own = 0;   // its indentation: what was right of the caret may have brought some
     std::ptrdiff_t above = 0;
+    std::ptrdiff_t step = 0;  // more than the line above, which ends with an open brace
 };
 // The indentation that the line gets; nothing: it stays as it is.
 std::optional<std::ptrdiff_t> IndentationAfterBreak(const BrokenLine& broken);
+
+// In C. Whether a line ends with an open brace, and whether it is a closing one and nothing else.
+bool OpensBrace(std::string_view line);
+bool IsClosingBrace(std::string_view line);
 
 // The line above a new one, in BASIC.
 struct LineAbove {
@@ -44,13 +49,13 @@ inline constexpr std::ptrdiff_t kLongestKeyword = 16;
 bool HasKeywordLength(std::ptrdiff_t length);
 
 // What is written in place of the end of a line when a word from `start` to `end` (bytes of the line) was typed: keywords
-// in capitals. Nothing when it is written so already.
+// in capitals. Nothing when it is written so already. `before` and `table`: as KeywordsInCapitals takes them.
 struct KeywordEdit {
     std::size_t from;  // up to `end`
     std::string text;
 };
-std::optional<KeywordEdit> KeywordEditOf(const std::string& line, ScanState state, const Dialect& dialect,
-                                         std::size_t start, std::size_t end);
+std::optional<KeywordEdit> KeywordEditOf(const std::string& line, LineState before, const Dialect& dialect,
+                                         std::size_t start, std::size_t end, BlockTable* table = nullptr);
 
 // --- Brackets
 // The position of the bracket at the caret: the one before it, else the one after it. -1 without one.

@@ -145,8 +145,8 @@ void BasicLexer::StylePiece(Scintilla::IDocument& document, Sci_Position line) {
     reader_.next = 0;
     for (; ReadLine(reader_); ++line) {
         const LineState before = state_;
-        StyleLine(reader_);
         state_ = ScanBlocks(table_, reader_.line, reader_.tokens, before, reader_.state, *dialect_, blocks_);
+        StyleLine(reader_);  // after ScanBlocks, which knows names
         const auto state = static_cast<int>(state_);
         stateIsAsBefore_ = document.SetLineState(line, state) == state;
         if (!folds_) continue;

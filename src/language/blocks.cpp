@@ -350,6 +350,34 @@ void WalkToken(Walk& walk, std::uint32_t index) {
     walk.step = NextStep(walk, token, index);
 }
 
+// Whether the statement that a word begins in a list of names is no such name. Until AS is typed, END is not.
+bool BelongsToList(BasicWord word) {
+    switch (word) {
+        case BasicWord::End:
+        case BasicWord::EndType:
+        case BasicWord::EndUnion:
+        case BasicWord::EndEnum:
+        case BasicWord::Type:
+        case BasicWord::Union:
+        case BasicWord::Enum: return true;
+        default: return false;
+    }
+}
+
+void MarkListedNames(std::string_view line, std::span<Token> tokens, const Dialect& dialect) {
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        Token& token = tokens[i];
+        if (token.kind != TokenKind::Word || !token.Is(kTokenStarts) || token.Is(kTokenAssembly)) continue;
+        const bool last = i + 1 == tokens.size() || tokens[i + 1].kind == TokenKind::Separator ||
+                          tokens[i + 1].kind == TokenKind::Comment;
+        const std::string_view next = last ? std::string_view() : TokenText(line, tokens[i + 1]);
+        const bool as = !last && LookUpWord(next, dialect).word == BasicWord::As;
+        const bool named = last || next == "(" || next == "=";
+        if (as || (named && !BelongsToList(LookUpWord(TokenName(line, token), dialect).word)))
+            token.flags |= kTokenName;
+    }
+}
+
 }  // namespace
 
 const BlockRow& BlockRowOf(BlockKind kind) { return kRows[static_cast<std::size_t>(kind)]; }
@@ -372,9 +400,11 @@ std::vector<BlockKind> OpenBlocks(const BlockTable& table, LineState state) {
     return open;
 }
 
-LineState ScanBlocks(BlockTable& table, std::string_view line, std::span<const Token> tokens, LineState before,
+LineState ScanBlocks(BlockTable& table, std::string_view line, std::span<Token> tokens, LineState before,
                      ScanState scanned, const Dialect& dialect, BlockLine& out) {
     const BlockTable::Set set = table.sets[SetOf(before)];
+    const BlockKind innermost = table.nests[set.nest].kind;
+    if (innermost == Type || innermost == Union || innermost == Enum) MarkListedNames(line, tokens, dialect);
     out.events.clear();
     Walk walk{table, dialect, line, tokens, out, set.nest, set.outer, StepOf(before)};
     out.depth = walk.Depth();

@@ -95,8 +95,9 @@ struct BlockLine {
     std::vector<BlockEvent> events;
 };
 // Takes a line into account that was scanned from `before`. `scanned`: the state that ScanLine returned. Returns the
-// state of the next line.
-LineState ScanBlocks(BlockTable& table, std::string_view line, std::span<const Token> tokens, LineState before,
+// state of the next line. The names that a TYPE, a UNION or an ENUM lists become kTokenName, because they may read as
+// keywords ("next AS Node PTR").
+LineState ScanBlocks(BlockTable& table, std::string_view line, std::span<Token> tokens, LineState before,
                      ScanState scanned, const Dialect& dialect, BlockLine& out);
 
 // Scintilla's fold level of a line: its number, and whether it begins a fold.

@@ -3,7 +3,6 @@
 #include "language/format.h"
 
 #include "base/scan_text.h"
-#include "language/blocks.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -58,15 +57,29 @@ struct Spacing {
     bool HasBlankBefore(std::size_t at) const { return at > 0 && tokens[at - 1].End() < tokens[at].start; }
 };
 
+// Keywords at which an operator may stand: FUNCTION = 1, CASE IS > 1, AS STRING * 20.
+bool TakesOperator(const WordInfo& info, std::string_view name) {
+    switch (info.word) {
+        case BasicWord::Function:
+        case BasicWord::Method:
+        case BasicWord::Property:
+        case BasicWord::Macro: return true;
+        default: break;
+    }
+    return info.kind == WordClass::Function || info.kind == WordClass::Type ||
+           (name.size() == 2 && UpperAscii(name[0]) == 'I' && UpperAscii(name[1]) == 'S');
+}
+
 bool EndsOperand(const Spacing& spacing, std::size_t at) {
     const Token& token = spacing.tokens[at];
+    const std::string_view name = TokenName(spacing.line, token);
     switch (token.kind) {
         case TokenKind::Number:
         case TokenKind::String:
         case TokenKind::Equate: return true;
         case TokenKind::Word:
             return !IsKeywordToken(spacing.line, token, spacing.dialect) ||
-                   LookUpWord(TokenName(spacing.line, token), spacing.dialect).kind == WordClass::Function;
+                   TakesOperator(LookUpWord(name, spacing.dialect), name);
         default: return spacing.IsMark(at, ")]}");
     }
 }
@@ -157,7 +170,7 @@ struct Formatter {
 };
 
 // Takes the blocks of a line into account.
-void PassLine(Formatter& formatter, const LineReader& reader) {
+void PassLine(Formatter& formatter, LineReader& reader) {
     const bool continues = (reader.before & kScanContinues) != 0;
     formatter.state = ScanBlocks(formatter.table, reader.line, reader.tokens, formatter.state, reader.state,
                                  *formatter.options.dialect, formatter.blocks);
@@ -208,10 +221,12 @@ std::string FormatBasicLines(std::string_view text, const FormatOptions& options
     return out;
 }
 
-std::string KeywordsInCapitals(std::string_view line, ScanState state, const Dialect& dialect) {
+std::string KeywordsInCapitals(std::string_view line, LineState before, const Dialect& dialect, BlockTable* table) {
     std::vector<Token> tokens;
-    ScanLine(line, 0, state, dialect, tokens);
-    if (IsKept(state, tokens)) return std::string(line);
+    const ScannedLine scanned = ScanLine(line, 0, before & kScanStateMask, dialect, tokens);
+    if (IsKept(before & kScanStateMask, tokens)) return std::string(line);
+    BlockLine blocks;
+    if (table != nullptr) ScanBlocks(*table, line, tokens, before, scanned.state, dialect, blocks);
     std::string out;
     const FormatOptions options{.dialect = &dialect};
     for (const Token& token : tokens) {

@@ -2,7 +2,7 @@
 // tokens stay as they are, but for the case of keywords. Pure.
 #pragma once
 
-#include "language/scanner.h"
+#include "language/blocks.h"
 
 #include <functional>
 #include <string>
@@ -25,6 +25,7 @@ std::string FormatBasicSource(std::string_view text, const FormatOptions& option
 std::string FormatBasicLines(std::string_view text, const FormatOptions& options, int first, int last,
                              const std::function<bool(double share)>& goesOn = {});
 
-// A line as the formatter writes its keywords, in capitals; all else stays, so it is as long as before. `state` is that
-// of the line.
-std::string KeywordsInCapitals(std::string_view line, ScanState state, const Dialect& dialect);
+// A line as the formatter writes its keywords, in capitals; all else stays, so it is as long as before. `before` is the
+// state above the line, of which `table` holds the blocks. Without a table no block is open.
+std::string KeywordsInCapitals(std::string_view line, LineState before, const Dialect& dialect,
+                               BlockTable* table = nullptr);

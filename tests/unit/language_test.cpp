@@ -200,6 +200,9 @@ TEST(Format, LineEndsAndBlanksAtThem) {
         {"line ends stay", "do\r\nx\rloop\ny", "DO\r\n    x\rLOOP\ny"},
         {"empty", "", ""},
         {"blank lines", "sub a\n   \nend sub\n", "SUB a\n\nEND SUB\n"},
+        {"names in a TYPE", "type a\nnext as a ptr\nname(3) as string*20\nend type\nfunction=1",
+         "TYPE a\n    next AS a PTR\n    name(3) AS STRING * 20\nEND TYPE\nFUNCTION = 1"},
+        {"names in an ENUM", "enum b\nstop\nnew=2\nend enum", "ENUM b\n    stop\n    new = 2\nEND ENUM"},
     };
     for (const auto& test : cases) {
         const std::string once = FormatBasicSource(test.in, {});
