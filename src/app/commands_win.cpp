@@ -29,6 +29,7 @@
 #include "session/session.h"
 #include "settings/version.h"
 #include "settingsui/settings_dialog.h"
+#include "symbols/completion.h"
 #include "symbols/symbol_commands.h"
 #include "ui/clipboard.h"
 #include "ui/long_work.h"
@@ -190,6 +191,7 @@ void MainWnd_OnCommand(int command, int notification, HWND control) {
     }
     if (LongWorkRuns() || FileWorkRuns()) return;
     if (command != IDM_QUICK_OPEN && command != IDM_COMMAND_PALETTE) QuickOpenClose();
+    if (command != IDM_EDIT_COMPLETE) CompletionClose();
     // F5 is the key of Build & Run; while a program stands, it is expected to go on.
     if (command == IDM_BUILD_RUN && FlowIsStopped(DebugFlowNow())) command = IDM_DEBUG_CONTINUE;
     // A key or a posted command may come when the command is not possible; the table decides, not the sender.

@@ -23,6 +23,7 @@
 #include "session/session.h"
 #include "session/session_owner.h"
 #include "settings/compiler_presence.h"
+#include "symbols/completion.h"
 #include "symbols/references.h"
 #include "tabs/tab_bar.h"
 #include "ui/chrome.h"
@@ -152,7 +153,10 @@ static LRESULT CALLBACK RouteMainMessage(HWND window, UINT message, WPARAM wPara
     switch (message) {
         case WM_CREATE: return MainWnd_OnCreate(window, *reinterpret_cast<const CREATESTRUCTW*>(lParam)) ? 0 : -1;
         case WM_SIZE: MainWnd_OnSize(wParam, LOWORD(lParam), HIWORD(lParam)); return 0;
-        case WM_MOVE: MainWnd_NotePlace(window); return 0;
+        case WM_MOVE:
+            CompletionClose();  // the list would stay behind
+            MainWnd_NotePlace(window);
+            return 0;
         case WM_GETMINMAXINFO: MainWnd_OnMinMaxInfo(*reinterpret_cast<MINMAXINFO*>(lParam)); return 0;
         case WM_DPICHANGED:
             MainWnd_OnDpiChanged(window, HIWORD(wParam), *reinterpret_cast<const RECT*>(lParam));

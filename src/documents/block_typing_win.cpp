@@ -1,11 +1,15 @@
 // What Return does in a pane: indents the new line by the blocks above it, takes a line that closes a block back to the
 // line that opened it, and closes a new block when the settings say so. UI thread.
+#include "base/scan_text.h"
+#include "documents/margins.h"
 #include "documents/pane_state.h"
 #include "documents/typing_rules.h"
 #include "language/basic_lexer.h"
 #include "language/block_words.h"
 #include "scintilla/sci.h"
 #include "settings/settings_state.h"
+
+#include <SciLexer.h>
 
 #include <algorithm>
 #include <optional>
@@ -114,29 +118,81 @@ void CloseNewBlock(HWND editor, LRESULT line, const LineWithBlocks& opener, Bloc
     const LRESULT caret = PaneSend(editor, SCI_GETCURRENTPOS);
     SciSend(editor, SCI_INSERTTEXT, static_cast<WPARAM>(caret), reinterpret_cast<LPARAM>(inserted.c_str()));
     PaneSend(editor, SCI_SETLINEINDENTATION, line + 1, opener.above.indentation);
+    PaneSend(editor, SCI_MARKERDEFINE, kMarkOwnCloser, SC_MARK_EMPTY);
+    PaneSend(editor, SCI_MARKERADD, line + 1, kMarkOwnCloser);
     PaneSend(editor, SCI_GOTOPOS, caret);
 }
 
-void AfterNewLineInBasic(HWND editor, LRESULT line, BlockTable& table) {
+// Who types the end of a block by habit finds it there already: the one that came by itself, below `line`, goes.
+void DropOwnCloser(HWND editor, LRESULT line, const LineWithBlocks& typed, BlockTable& table) {
+    if ((PaneSend(editor, SCI_MARKERGET, line + 1) & 1 << kMarkOwnCloser) == 0 || typed.blocks.events.empty()) return;
+    if (IndentOf(editor, line + 1) != typed.above.indentation) return;
+    const LineWithBlocks own = LookAtLine(editor, line + 1, table);
+    const BlockEvent& event = typed.blocks.events.back();
+    const std::string_view closing = BlockRowOf(event.block).closing;
+    const std::string_view text = WithoutLeadingBlanks(own.text);
+    if (event.kind != BlockEvent::Kind::Close || text.size() != closing.size()) return;
+    if (!std::ranges::equal(text, closing, [](char a, char b) { return UpperAscii(a) == b; })) return;
+    PaneSend(editor, SCI_MARKERDELETE, line + 1, kMarkOwnCloser);
+    const LRESULT from = PaneSend(editor, SCI_GETLINEENDPOSITION, line);
+    PaneSend(editor, SCI_DELETERANGE, from, PaneSend(editor, SCI_GETLINEENDPOSITION, line + 1) - from);
+}
+
+LRESULT StepOf(HWND editor) {
     const LRESULT indent = PaneSend(editor, SCI_GETINDENT);
-    const LRESULT step = indent > 0 ? indent : PaneSend(editor, SCI_GETTABWIDTH);
+    return indent > 0 ? indent : PaneSend(editor, SCI_GETTABWIDTH);
+}
+
+void AfterNewLineInBasic(HWND editor, LRESULT line, BlockTable& table) {
+    const LRESULT step = StepOf(editor);
     LineWithBlocks look = LookAtLine(editor, line - 1, table);
     IndentClosingLine(editor, line - 1, look, table, step);
     if (IndentOf(editor, line) != 0) return;  // what was right of the caret has brought some
     const bool empty = IsBlank(editor, line);
     PaneSend(editor, SCI_SETLINEINDENTATION, line, IndentationBelow(look.above, step));
     PaneSend(editor, SCI_GOTOPOS, PaneSend(editor, SCI_GETLINEINDENTPOSITION, line));
-    if (empty) CloseNewBlock(editor, line, look, table);
+    if (!empty) return;
+    DropOwnCloser(editor, line, look, table);
+    CloseNewBlock(editor, line, look, table);
+}
+
+bool OpensBraceAbove(HWND editor, LRESULT line) {
+    return line > 0 && PaneSend(editor, SCI_GETLEXER) == SCLEX_CPP && OpensBrace(TextOfLine(editor, line - 1));
 }
 
 }  // namespace
+
+void EditorPaneAfterClosingBrace(HWND editor) {
+    const LRESULT caret = PaneSend(editor, SCI_GETCURRENTPOS);
+    const LRESULT line = PaneSend(editor, SCI_LINEFROMPOSITION, caret);
+    if (PaneSend(editor, SCI_GETLEXER) != SCLEX_CPP || !IsClosingBrace(TextOfLine(editor, line))) return;
+    if (!EditorColourUpTo(editor, caret)) return;  // brackets of one style belong together
+    const LRESULT partner = EditorPaneBracesAtCaret(editor).second;
+    if (partner < 0) return;
+    const LRESULT opener = PaneSend(editor, SCI_LINEFROMPOSITION, partner);
+    PaneSend(editor, SCI_SETLINEINDENTATION, line, IndentOf(editor, opener));
+}
+
+void EditorPaneAfterLeaving(HWND editor) {
+    BlockTable* table = EditorPaneBlockTable(editor);
+    if (table == nullptr) return;
+    const LRESULT caret = PaneSend(editor, SCI_GETCURRENTPOS);
+    const LRESULT line = PaneSend(editor, SCI_LINEFROMPOSITION, caret);
+    PaneSend(editor, SCI_BEGINUNDOACTION);
+    EditorPaneUpperKeywordBefore(editor, caret);
+    LineWithBlocks look = LookAtLine(editor, line, *table);
+    IndentClosingLine(editor, line, look, *table, StepOf(editor));
+    DropOwnCloser(editor, line, look, *table);
+    PaneSend(editor, SCI_ENDUNDOACTION);
+}
 
 void EditorPaneAfterNewLine(HWND editor) {
     const LRESULT line = PaneSend(editor, SCI_LINEFROMPOSITION, PaneSend(editor, SCI_GETCURRENTPOS));
     const BrokenLine broken{.selections = PaneSend(editor, SCI_GETSELECTIONS),
                             .line = line,
                             .own = IndentOf(editor, line),
-                            .above = line > 0 ? IndentOf(editor, line - 1) : 0};
+                            .above = line > 0 ? IndentOf(editor, line - 1) : 0,
+                            .step = OpensBraceAbove(editor, line) ? StepOf(editor) : 0};
     BlockTable* table = EditorPaneBlockTable(editor);
     if (table != nullptr && broken.selections == 1 && line > 0 && !IsBlank(editor, line - 1)) {
         AfterNewLineInBasic(editor, line, *table);

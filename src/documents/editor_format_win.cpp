@@ -121,5 +121,9 @@ void EditorToggleComment(HWND editor) {
     const std::string text = EditorPaneTextBetween(editor, start, StartOfLine(editor, lines.last + 1));
     const std::string toggled = ToggleLineComments(text, mark);
     LongWork work(L"Commenting", [](const wchar_t* progress) { g_events.statusText(progress); });
+    // Only the front of a line changes, so the caret keeps its distance from the end.
+    const LRESULT fromEnd = PaneSend(editor, SCI_GETLENGTH) - PaneSend(editor, SCI_GETCURRENTPOS);
+    const bool oneLine = lines.first == lines.last && PaneSend(editor, SCI_GETSELECTIONEMPTY) != 0;
     ReplaceLines(editor, start, LineReplacements(text, toggled), work);
+    if (oneLine) PaneSend(editor, SCI_SETEMPTYSELECTION, std::max(start, PaneSend(editor, SCI_GETLENGTH) - fromEnd));
 }

@@ -121,9 +121,17 @@ void OnPaneKillFocus(HWND pane) {
     g_events.refreshWanted();  // the Edit commands go elsewhere now
 }
 
+// Whether the caret still stands behind a word that was being typed. True once.
+bool TakeTypedWord(HWND pane) {
+    PaneState* state = PaneStateOf(pane);
+    return state != nullptr && std::exchange(state->typedAt, -1) == SciSend(pane, SCI_GETCURRENTPOS) &&
+           SciSend(pane, SCI_GETSELECTIONS) == 1 && SciSend(pane, SCI_GETSELECTIONEMPTY) != 0;
+}
+
 LRESULT OnPaneButtonDown(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
     LogPaneMouse(pane, message, wParam, lParam);
     if (PaneState* state = PaneStateOf(pane); state != nullptr) state->pressing = true;
+    if (message == WM_LBUTTONDOWN && TakeTypedWord(pane)) EditorPaneAfterLeaving(pane);
     if (message == WM_LBUTTONDOWN) TakeFocus(pane);
     const LRESULT result = SubclassNext(pane, message, wParam, lParam);
     CaretLeaveHiddenLine(pane);  // the press may have folded a block
@@ -152,6 +160,23 @@ LRESULT OnPaneCharacter(HWND pane, WPARAM wParam, LPARAM lParam) {
     const LRESULT result = SubclassNext(pane, WM_CHAR, wParam, lParam);
     const LRESULT after = SciSend(pane, SCI_GETCURRENTPOS);
     if (!ContinuesWord(wParam) && after == before + 1) EditorPaneUpperKeywordBefore(pane, before);
+    if (wParam == L'}' && after == before + 1) EditorPaneAfterClosingBrace(pane);
+    if (PaneState* state = PaneStateOf(pane); state != nullptr)
+        state->typedAt = ContinuesWord(wParam) && after > before ? after : -1;
+    return result;
+}
+
+// The keys that lead out of a line.
+bool LeavesLine(WPARAM key) {
+    const bool document = GetKeyState(VK_CONTROL) < 0 && (key == VK_HOME || key == VK_END);
+    return document || key == VK_UP || key == VK_DOWN || key == VK_PRIOR || key == VK_NEXT;
+}
+
+LRESULT OnPaneTabKey(HWND pane, WPARAM wParam, LPARAM lParam) {
+    const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
+    const bool typed = TakeTypedWord(pane);
+    const LRESULT result = SubclassNext(pane, WM_KEYDOWN, wParam, lParam);
+    if (typed && SciSend(pane, SCI_GETCURRENTPOS) > before) EditorPaneUpperKeywordBefore(pane, before);
     return result;
 }
 
@@ -184,6 +209,8 @@ LRESULT CALLBACK EditorPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
         case WM_CHAR: return OnPaneCharacter(pane, wParam, lParam);
         case WM_KEYDOWN:
             if (wParam == VK_RETURN) return OnPaneReturnKey(pane, wParam, lParam);
+            if (wParam == VK_TAB) return OnPaneTabKey(pane, wParam, lParam);
+            if (LeavesLine(wParam) && TakeTypedWord(pane)) EditorPaneAfterLeaving(pane);
             break;
         case WM_SETCURSOR:
             LogPaneMouse(pane, message, wParam, lParam);

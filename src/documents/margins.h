@@ -20,6 +20,7 @@ inline constexpr int kMarkCurrentLine = 9;  // background of the line at which t
 inline constexpr int kMarkFolded = 10;      // first line of a folded block with breakpoints in it
 inline constexpr int kMarkNewLine = 11;     // background of a line of a replacement that waits to be accepted
 inline constexpr int kMarkPlace = 12;       // never drawn: keeps a line while the text is replaced
+inline constexpr int kMarkOwnCloser = 13;   // nothing to see: END IF and the like that the editor has added itself
 
 // No lexer uses numbers from 192 on.
 inline constexpr int kStyleRemovedLine = 200;  // annotation with the lines that such a replacement has removed

@@ -30,6 +30,7 @@ struct LineMarginBasis {
 struct PaneState {
     bool emptyPaint = false;           // a paint of an empty area runs, which needs no preparation
     bool pressing = false;             // a mouse button that goes down on the pane is being handled
+    LRESULT typedAt = -1;              // the caret behind the last typed character, when that is of a word
     WheelRest zoomWheel;               // movements with Ctrl that do not make a notch yet
     bool bracesShown = false;          // a bracket and its partner are marked
     std::vector<PaneSpan> blockWords;  // the words of a block that are marked
@@ -82,6 +83,10 @@ void StickyHeaderForget(HWND editor, int line, int linesAdded);
 
 // Called after a line break was typed at the caret. Indents the new line by the blocks above it, or like the line above.
 void EditorPaneAfterNewLine(HWND editor);
+// Called after "}" was typed: in C, a line of nothing else goes to the indentation of the line with its partner.
+void EditorPaneAfterClosingBrace(HWND editor);
+// Called when the caret is about to leave the line in which a word was just typed: does what Return would do to it.
+void EditorPaneAfterLeaving(HWND editor);
 // Puts the BASIC keyword that ends at `position` (bytes) into capitals, unless it is in a string, a comment or assembly.
 void EditorPaneUpperKeywordBefore(HWND editor, LRESULT position);
 // Tells the lexer, before it colours from `position` (bytes, start of a line) on without the lines above, whether that is

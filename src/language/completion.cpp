@@ -380,7 +380,9 @@ std::vector<std::string> NamesInText(std::string_view text, ScanState state, con
                 reader.start + token.start == except)
                 continue;
             const std::string_view name = TokenName(reader.line, token);
-            if (name.size() < 3 || CompareNames(name.substr(0, prefix.size()), prefix) != 0) continue;
+            // A short name is no help to type, but Enter behind it must not write another word.
+            if (CompareNames(name.substr(0, prefix.size()), prefix) != 0) continue;
+            if (name.size() < 3 && name.size() != prefix.size()) continue;
             const bool member = i > 0 && TokenText(reader.line, reader.tokens[i - 1]) == ".";
             if (member || LookUpWord(name, dialect).kind != WordClass::None) continue;
             if (token.Is(kTokenAssembly)) continue;

@@ -130,9 +130,36 @@ void Scroll(int rows) {
     InvalidateRect(g_wordList.window, nullptr, FALSE);
 }
 
+// A click takes a row and hides the list. The second press of who double-clicks would go to whatever is below, so it is
+// dropped.
+struct ListClick {
+    HHOOK hook = nullptr;
+    DWORD time = 0;
+    POINT place = {};
+};
+ListClick g_listClick;
+
+bool IsSecondPress(const POINT& place) {
+    return GetTickCount() - g_listClick.time <= GetDoubleClickTime() &&
+           std::abs(place.x - g_listClick.place.x) <= GetSystemMetrics(SM_CXDOUBLECLK) &&
+           std::abs(place.y - g_listClick.place.y) <= GetSystemMetrics(SM_CYDOUBLECLK);
+}
+
+LRESULT CALLBACK SecondPressHook(int code, WPARAM message, LPARAM info) {
+    if (code != HC_ACTION || (message != WM_LBUTTONDOWN && message != WM_NCLBUTTONDOWN))
+        return CallNextHookEx(nullptr, code, message, info);
+    UnhookWindowsHookEx(std::exchange(g_listClick.hook, nullptr));
+    return IsSecondPress(reinterpret_cast<const MOUSEHOOKSTRUCT*>(info)->pt) ? 1 : 0;
+}
+
 void OnListClick(int y) {
     const std::size_t row = g_wordList.top + static_cast<std::size_t>(std::max(y - 1, 0) / g_wordList.rowHeight);
-    if (row < g_wordList.content.count) g_wordList.content.chosen(row);
+    if (row >= g_wordList.content.count) return;
+    g_listClick.time = GetTickCount();
+    GetCursorPos(&g_listClick.place);
+    if (g_listClick.hook == nullptr)
+        g_listClick.hook = SetWindowsHookExW(WH_MOUSE, SecondPressHook, nullptr, GetCurrentThreadId());
+    g_wordList.content.chosen(row);
 }
 
 LRESULT CALLBACK WordListProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {

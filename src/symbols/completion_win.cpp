@@ -271,14 +271,16 @@ void OnCharacter(HWND editor, WPARAM character) {
     CloseList();
 }
 
-// What was typed is a row already: Enter is a new line then, as without the list, and Tab expands a snippet of that name.
-// True: the key has been taken.
+// What was typed is a row already: Enter is a new line then, as without the list. Tab expands a snippet of that name, or
+// goes to the next field of the snippet around, or only takes the word. True: the key has been taken.
 bool TakeWrittenWord(WPARAM key) {
+    const HWND editor = g_list.editor;
     const auto snippet = std::ranges::find_if(
         g_list.rows, [](const CompletionRow& row) { return row.snippet != nullptr && row.fit == NameFit::Equal; });
     const bool expands = key == VK_TAB && snippet != g_list.rows.end();
     Accept(expands ? static_cast<std::size_t>(snippet - g_list.rows.begin()) : 0);
-    return expands;
+    if (key == VK_TAB && !expands) SnippetTakesKey(editor, key);
+    return key == VK_TAB;
 }
 
 bool TakeChoosingKey(WPARAM key) {
@@ -323,7 +325,7 @@ bool OnKeyDown(HWND editor, WPARAM key) {
     // A key that comes before the list has followed is meant for the list that the user expects.
     const bool types = (key >= 'A' && key <= 'Z') || (key >= '0' && key <= '9') || key == VK_SHIFT;
     if (!types) UpdateNow();
-    if (g_list.editor == editor) return OnListKey(key);
+    if (g_list.editor == editor && OnListKey(key)) return true;
     return SnippetTakesKey(editor, key);
 }
 

@@ -74,6 +74,10 @@ TEST(Completion, NamesMembersAndSnippets) {
     typist.Press("ID");
     typist.AwaitLines(5, "    FOR id = 1 TO 10\r\n        \r\n    NEXT id\r\n", "linked fields");
     editor.Keys({VK_TAB});
+    typist.Press("LOG");
+    typist.AwaitList("LOG, which is written whole, and LOG10");
+    editor.Keys({VK_TAB});  // to the next field
+    editor.Keys({VK_SHIFT, VK_TAB});
     typist.Press("7");
     editor.Keys({VK_RETURN});
     typist.Press("HI");

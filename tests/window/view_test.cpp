@@ -445,8 +445,18 @@ TEST(View, ABlockIsClosedWhenItIsOpened) {
     editor.Sci(SCI_GOTOPOS, 5);
     editor.Keys({VK_RETURN});  // this block is closed already
     for (const int key : {int{'D'}, int{'O'}, int{VK_RETURN}, int{'X'}}) editor.Keys({key});
-    const char* typed = "sub a\r\n    DO\r\n        x\r\n    LOOP\r\n\r\nend sub\r\n";
-    EXPECT_TRUE(WaitFor([&] { return editor.Text() == typed; })) << editor.Text();
+    const auto await = [&](const std::string& text) {
+        EXPECT_TRUE(WaitFor([&] { return editor.Text() == text; })) << editor.Text();
+    };
+    await("sub a\r\n    DO\r\n        x\r\n    LOOP\r\n\r\nend sub\r\n");
+    for (const int key : {int{VK_RETURN}, int{'L'}, int{'O'}, int{'O'}, int{'P'}, int{VK_RETURN}}) editor.Keys({key});
+    await("sub a\r\n    DO\r\n        x\r\n    LOOP\r\n    \r\n\r\nend sub\r\n");  // not a second LOOP
+    // Names in a TYPE are no keywords, and leaving the line does to its last word what Return does.
+    editor.Sci(SCI_DOCUMENTEND);
+    for (const char key : std::string("TYPE T\rNAME AS DOUBLE")) editor.Keys({key});
+    editor.Keys({VK_DOWN});
+    await(
+        "sub a\r\n    DO\r\n        x\r\n    LOOP\r\n    \r\n\r\nend sub\r\nTYPE t\r\n    name AS DOUBLE\r\nEND TYPE");
 }
 
 TEST(View, AClickMeansWhatTheViewShows) {
