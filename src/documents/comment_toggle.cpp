@@ -52,6 +52,11 @@ std::string_view LineCommentMark(Language language) {
 std::string ToggleLineComments(std::string_view lines, std::string_view mark) {
     const CommentLook look = LookAt(lines, mark);
     std::string out;
+    std::string_view below = lines;
+    if (IsBlankLine(TakeLine(&below)) && below.empty()) {  // one line: a comment is about to be written
+        const std::size_t at = std::min(lines.find_first_of("\r\n"), lines.size());
+        return out.append(lines.substr(0, at)).append(mark).append(" ").append(lines.substr(at));
+    }
     while (!lines.empty()) {
         const std::string_view line = TakeLine(&lines);
         if (IsBlankLine(line)) {

@@ -350,8 +350,9 @@ void WalkToken(Walk& walk, std::uint32_t index) {
     walk.step = NextStep(walk, token, index);
 }
 
-// Whether the statement that a word begins in a list of names is no such name. Until AS is typed, END is not.
-bool BelongsToList(BasicWord word) {
+// Words that are no names in a list, unless AS follows: they end it, or begin what comes behind a list that is not closed
+// yet.
+bool IsNoListedName(BasicWord word) {
     switch (word) {
         case BasicWord::End:
         case BasicWord::EndType:
@@ -359,9 +360,16 @@ bool BelongsToList(BasicWord word) {
         case BasicWord::EndEnum:
         case BasicWord::Type:
         case BasicWord::Union:
-        case BasicWord::Enum: return true;
-        default: return false;
+        case BasicWord::Enum:
+        case BasicWord::Declare:
+        case BasicWord::Dim:
+        case BasicWord::Global:
+        case BasicWord::Local:
+        case BasicWord::Macro: return true;
+        default: break;
     }
+    const BlockRow* row = RowOpenedBy(word);
+    return row != nullptr && row->role != BlockRow::Inner;
 }
 
 void MarkListedNames(std::string_view line, std::span<Token> tokens, const Dialect& dialect) {
@@ -373,7 +381,7 @@ void MarkListedNames(std::string_view line, std::span<Token> tokens, const Diale
         const std::string_view next = last ? std::string_view() : TokenText(line, tokens[i + 1]);
         const bool as = !last && LookUpWord(next, dialect).word == BasicWord::As;
         const bool named = last || next == "(" || next == "=";
-        if (as || (named && !BelongsToList(LookUpWord(TokenName(line, token), dialect).word)))
+        if (as || (named && !IsNoListedName(LookUpWord(TokenName(line, token), dialect).word)))
             token.flags |= kTokenName;
     }
 }

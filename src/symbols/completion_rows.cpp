@@ -285,7 +285,8 @@ void OfferForPlace(Collecting& collecting) {
 // Those of the accepted words that fit at all, because most do not.
 std::vector<std::string_view> FittingAccepted(const CompletionContext& context, const CompletionSources& sources) {
     std::vector<std::string_view> fitting;
-    if (sources.accepted == nullptr) return fitting;
+    // After END the block that is open counts, not the word that was taken last.
+    if (sources.accepted == nullptr || context.place == CompletionPlace::BlockWord) return fitting;
     for (const std::string& name : *sources.accepted)
         if (FitOfName(context.prefix, name) != NameFit::None) fitting.push_back(name);
     return fitting;

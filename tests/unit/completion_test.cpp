@@ -214,7 +214,8 @@ TEST(Completion, RowsInOrder) {
     EXPECT_EQ(Rows("GOTO "), "again/:");
     EXPECT_EQ(Rows("x = %"), "%COUNT_MAX/C");
     EXPECT_EQ(Rows("x = %cm"), "%COUNT_MAX/C");
-    EXPECT_EQ(Rows("END f"), "FUNCTION/K FASTPROC/K FOR/K");
+    const std::deque<std::string> blocks = {"FOR"};
+    EXPECT_EQ(Rows("END f", 99, &blocks), "FUNCTION/K FASTPROC/K FOR/K") << "the open block before the last word";
     EXPECT_EQ(Rows("FOR"), "FOR/K for/S forlocal/S FORMAT$/f") << "a keyword before the snippet of its name";
     EXPECT_EQ(Rows("SUB a("), "BYCOPY/K BYREF/K BYVAL/K OPTIONAL/K");
     EXPECT_EQ(Rows("! mov eb"), "ebp/r ebx/r");

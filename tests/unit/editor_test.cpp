@@ -319,6 +319,7 @@ TEST(CommentToggle, MarksAllLinesOrTakesTheMarksAway) {
          "    a\r\n\r\n      b\r\n"},
         {"a comment among code becomes one twice", "a\n' b\n", "' a\n' ' b\n", "a\n' b\n"},
         {"without a break", "a", "' a", "a"},
+        {"one blank line", "  \r\n", "  ' \r\n", "  \r\n"},
         {"blank lines only", " \n\n", " \n\n", " \n\n"},
     };
     for (const auto& each : cases) {
