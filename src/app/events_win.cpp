@@ -102,6 +102,11 @@ void OnDocumentNotice(DocumentId document, const wchar_t* notice) {
 
 void OnProjectChosen(const wchar_t* path, bool* open) { *open = ProjectOpenFile(path); }
 
+// The files of a project are built with its compiler.
+void OnCompilerChoiceAsked(const wchar_t* path, bool* stays) {
+    *stays = BuildProjectNow() && ProjectHoldsFile(*BuildProjectNow(), path);
+}
+
 void OnProjectChanged() {
     StatusBarSetProject(ProjectName());
     MainWindow_UpdateCompilerSelection();
@@ -126,6 +131,7 @@ void MainWnd_ConnectEvents() {
     g_events.variableAsked = SymbolsOnVariableAsked;
     g_events.folderChosen = ProjectTreeOfferRoot;
     g_events.projectChosen = OnProjectChosen;
+    g_events.compilerChoiceAsked = OnCompilerChoiceAsked;
     g_events.projectChanged = OnProjectChanged;
     g_events.settingsChanged = MainWnd_OnSettingsChanged;
     g_events.programBuilt = OnProgramBuilt;

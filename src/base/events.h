@@ -38,6 +38,8 @@ struct Events {
     Event<const wchar_t*> folderChosen;  // the user opened a file in this folder (with its trailing backslash)
     // The user opened this project file, an absolute path. The listener sets the flag when the project is open then.
     Event<const wchar_t*, bool*> projectChosen;
+    // Whether the user's choice of a compiler stays when he opens this file; the listener sets the flag if it does.
+    Event<const wchar_t*, bool*> compilerChoiceAsked;
     Event<> projectChanged;  // a project was opened or closed, or what it gives to builds has changed
 
     Event<const Settings&> settingsChanged;  // the settings as they were before the change

@@ -39,8 +39,11 @@ bool ResolveInputPath(const wchar_t* input, wchar_t* out, std::size_t capacity, 
     return false;
 }
 
-// Makes the compiler for the file's extension the active one.
+// Makes the compiler for the file's extension the active one, unless something else says how the file is built.
 void SelectCompilerFor(const wchar_t* path) {
+    bool stays = false;
+    g_events.compilerChoiceAsked(path, &stays);
+    if (stays) return;
     const auto compiler = static_cast<std::int32_t>(CompilerDefaultForFile(path));
     SettingsChange([compiler](Settings& settings) { settings.activeCompiler = compiler; });
 }

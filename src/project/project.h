@@ -26,7 +26,7 @@ const std::wstring& ProjectName();
 const std::wstring& ProjectRoot();  // absolute, with a backslash at its end; empty when the file could not be read yet
 
 // Whether a file or folder is in a folder that the project leaves out, or is one.
-bool ProjectExcludes(const std::wstring& path, bool isFolder);
+bool ProjectExcludes(const std::wstring& path, bool isFolder = true);
 const ExcludedFolders& ProjectExcludedFolders();  // for a walk over folders
 // Puts the project's include folders before those of the settings, for a document that belongs to the project.
 void ProjectAddIncludeFolders(const wchar_t* document, std::vector<std::wstring>* folders);

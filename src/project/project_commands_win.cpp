@@ -55,6 +55,7 @@ void KeepArguments() {
     const std::wstring folder = ProgramStartOfProject(*BuildProjectNow()).folder;  // as the file has it
     if (!SamePathText(folder, start.folder))
         ProjectChangeFile("Run", "Folder", ProjectWrittenPath(ProjectRoot(), start.folder));
+    g_events.statusText((L"The arguments are kept in " + std::wstring(FileNameOf(ProjectFilePath()))).c_str());
 }
 
 constexpr CommandHandler kProjectHandlers[] = {

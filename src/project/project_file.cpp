@@ -243,10 +243,10 @@ void TakeLine(Reading& reading, std::string_view line, std::string* section) {
 
 // Of a file that cannot be a project file at all; empty for others.
 std::wstring TextProblem(std::string_view bytes) {
-    if (bytes.size() > kMostProjectBytes) return L"the file is larger than 256 KB, so it is no project file";
+    if (bytes.size() > kMostProjectBytes) return L"The file is larger than 256 KB, so it is no project file";
     if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF"))
-        return L"the file is UTF-16; a project file is UTF-8";
-    if (bytes.find('\0') != std::string_view::npos) return L"the file is not text";
+        return L"The file is UTF-16; a project file is UTF-8";
+    if (bytes.find('\0') != std::string_view::npos) return L"The file is not text";
     return {};
 }
 

@@ -139,6 +139,7 @@ int UseProjectBytes(std::string bytes, bool notes) {
     // A compiler that the user has chosen since stays, unless the file now names another one.
     const bool sameFile = before && SamePathText(before->file, project.file);
     if (sameFile && g_opened.file.compiler.text == file.compiler.text) project.compiler = before->compiler;
+    std::ranges::stable_sort(file.faults, {}, &ProjectFault::line);
     g_opened.file = std::move(file);
     BuildUseProject(std::move(project));
     return SayFaults(g_opened.file, notes);
@@ -186,7 +187,7 @@ bool ProjectOpenFile(const wchar_t* path) {
     if (!ReadProjectBytes(path, &bytes)) return FailToOpen(path, L"The file cannot be read.");
     if (const ProjectFile file = ProjectParse(bytes); !file.readable) {
         const ProjectFault& fault = file.faults.front();
-        return FailToOpen(path, FormatW(L"Line %d: %s.", fault.line, fault.text.c_str()));
+        return FailToOpen(path, fault.line == 1 ? fault.text : FormatW(L"Line %d: %s", fault.line, fault.text.c_str()));
     }
     const bool another = !SamePathText(g_opened.path, path);
     g_opened = {.path = path};

@@ -243,6 +243,9 @@ TEST(BuildPlan, FlagsOfEachKindOfBuild) {
     EXPECT_EQ(flags(false, true, 1), "-q --debug -O2");
     EXPECT_EQ(flags(false, false, 2), "-q -O0");
     EXPECT_EQ(flags(true, false, 1), "-S") << "a profile is none of a syntax check's";
+    const std::wstring many = L"-O0 -q " + std::wstring(2000, L'x');
+    EXPECT_EQ(BuildFlagsOf({.profile = 1, .buildFlags = L"-q", .projectFlags = many}), L"-q -O2 " + many)
+        << "the project's last, whole";
 }
 
 TEST(BuildPlan, WhatTheCompilerIsStartedWith) {

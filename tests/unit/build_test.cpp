@@ -414,6 +414,11 @@ TEST(CommandLine, BothStylesWithAndWithoutArguments) {
     parts.listing = L"";
     EXPECT_EQ(AssembleCommandLine(parts, &line), CommandProblem::None);
     EXPECT_EQ(Narrow(line), R"("C:\my tools\c.exe" "C:\a b\x.pb" -O2 /I"D:\.")");
+    const std::vector<std::wstring> ofProject = {L"C:\\p\\inc", L"C:\\p b"};
+    parts.includeFolders = ofProject;
+    EXPECT_EQ(AssembleCommandLine(parts, &line), CommandProblem::None);
+    EXPECT_EQ(Narrow(line), R"("C:\my tools\c.exe" "C:\a b\x.pb" -O2 /I"C:\p\inc" /I"C:\p b" /I"D:\.")");
+    parts.includeFolders = {};
     parts.flags = parts.includePath = L"";
     EXPECT_EQ(AssembleCommandLine(parts, &line), CommandProblem::None);
     EXPECT_EQ(Narrow(line), R"("C:\my tools\c.exe" "C:\a b\x.pb")");

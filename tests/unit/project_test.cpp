@@ -68,9 +68,9 @@ TEST(ProjectFile, NamesEachFaultWithItsLine) {
         {"[Build]\n\n;x\nFlags=" + std::string(3000, 'x'), "4 the flags are longer tha|"},
         {before + "Main=\xFF.bas", "3 the line is not UTF-8|"},
         {before + "Main=a\x01.bas", "3 the line has a control c|"},
-        {before + std::string("Main=a\0b", 8), "3 the file is not text|"},
-        {"\xFF\xFE[\0", "1 the file is UTF-16; a pr|"},
-        {std::string(kMostProjectBytes + 1, ';'), "1 the file is larger than |"},
+        {before + std::string("Main=a\0b", 8), "3 The file is not text|"},
+        {"\xFF\xFE[\0", "1 The file is UTF-16; a pr|"},
+        {std::string(kMostProjectBytes + 1, ';'), "1 The file is larger than |"},
     };
     for (const auto& row : kRows) {
         // The texts are compared as far as 24 characters.

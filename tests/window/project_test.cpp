@@ -24,9 +24,11 @@ struct DemoFolder : FakeFolder {
 
 TEST(Project, BuildsItsMainSourceFromAnyOfItsFiles) {
     const DemoFolder folder;
-    const Editor editor(folder, OpenArgument(folder.other) + OpenArgument(folder.file) + OpenArgument(folder.part));
+    const std::wstring c = folder.Write(L"p\\inc\\extra.c", "");  // opened alone, it would choose another compiler
+    const Editor editor(
+        folder, OpenArgument(folder.other) + OpenArgument(folder.file) + OpenArgument(c) + OpenArgument(folder.part));
     ASSERT_NE(editor.main, nullptr);
-    ASSERT_EQ(editor.Tabs(), 3) << "the main source was opened with the project, the project file was not";
+    ASSERT_EQ(editor.Tabs(), 4) << "the main source was opened with the project, the project file was not";
     EXPECT_EQ(editor.Status(kPartProject), L"Project: demo");
     EXPECT_EQ(editor.Status(kPartCompiler), L"KVXA64");
     editor.Type("' typed\r\n");
