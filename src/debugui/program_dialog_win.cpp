@@ -24,7 +24,8 @@ void FillProgramDialog(HWND dialog) {
         project ? ProgramStartOfProject(*project) : ProgramStart{g_settings.programArguments, g_settings.programFolder};
     SetDlgItemTextW(dialog, IDC_PROGRAM_ARGUMENTS, start.arguments.c_str());
     SetDlgItemTextW(dialog, IDC_PROGRAM_FOLDER, start.folder.c_str());
-    if (project) SetDlgItemTextW(dialog, IDC_PROGRAM_PROBLEM, (L"Kept in the file of the project " + project->name).c_str());
+    if (project)
+        SetDlgItemTextW(dialog, IDC_PROGRAM_PROBLEM, (L"Kept in the file of the project " + project->name).c_str());
 }
 
 void AcceptProgramDialog(HWND dialog) {
