@@ -78,6 +78,18 @@ Outline OutlineOf(const SymbolTable& table, const OutlineWish& wish) {
     return outline;
 }
 
+int OutlineBestRow(const SymbolTable& table, const Outline& outline, std::wstring_view filter) {
+    const std::string typed = ToUtf8(filter);
+    const auto farness = [&](std::uint32_t index) {
+        const Symbol& symbol = table.symbols[index];
+        std::string_view name = SymbolName(table, symbol);
+        name.remove_prefix(std::min(name.find_first_not_of("%$"), name.size()));
+        const int start = !Holds(name.substr(0, typed.size()), typed) ? 2 : name.size() > typed.size() ? 1 : 0;
+        return 2 * start + (symbol.Is(kSymbolDeclare) ? 1 : 0);
+    };
+    return static_cast<int>(std::ranges::min_element(outline.symbols, {}, farness) - outline.symbols.begin());
+}
+
 int OutlineRowAtLine(const SymbolTable& table, const Outline& outline, std::uint32_t line) {
     const std::uint32_t wanted = SymbolAround(table, SymbolAtLine(table, line), [&](const Symbol& symbol) {
         const auto index = static_cast<std::uint32_t>(&symbol - table.symbols.data());

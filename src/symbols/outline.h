@@ -21,6 +21,9 @@ struct Outline {
 inline constexpr std::size_t kMostOutlineRows = 5000;
 
 Outline OutlineOf(const SymbolTable& table, const OutlineWish& wish);
+// The row that Enter is to go to after the filter was typed: a name that begins with it before one that holds it, the
+// whole name before a longer one, a body before its DECLARE. 0 without rows.
+int OutlineBestRow(const SymbolTable& table, const Outline& outline, std::wstring_view filter);
 // The row of the symbol at a line (from 0), or the last one before it that is around that line; -1: none.
 int OutlineRowAtLine(const SymbolTable& table, const Outline& outline, std::uint32_t line);
 

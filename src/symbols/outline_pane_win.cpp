@@ -83,13 +83,24 @@ constexpr ListKind kOutlineList = {.columns = kColumns, .activate = GoToRow};
 
 // --- The field and the button
 
+void MoveInList(int rows) {
+    const auto count = static_cast<int>(g_outline.outline.content.rows.size());
+    const int row = std::clamp(ListViewSelected(g_outline.list) + rows, 0, std::max(count - 1, 0));
+    ListViewSelect(g_outline.list, row);
+    SendMessageW(g_outline.list.window, LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
+}
+
 void TakeFilter() {
     wchar_t text[kFilterCapacity] = {};
     GetWindowTextW(g_outline.field, text, kFilterCapacity);
     if (g_outline.wish.filter == text) return;
     g_outline.wish.filter = text;
     ShowRows();
-    ListViewSelect(g_outline.list, 0);
+    const int row = g_outline.wish.filter.empty()
+                        ? RowOfCaret()
+                        : OutlineBestRow(*g_outline.table, g_outline.outline, g_outline.wish.filter);
+    ListViewSelect(g_outline.list, std::max(row, 0));
+    MoveInList(0);
 }
 
 // Esc empties the field first, then gives the keyboard back.
@@ -104,13 +115,6 @@ bool OnListKey(HWND, WPARAM key) {
     if (key == VK_ESCAPE) FocusCurrentEditor();
     if (key == VK_TAB) SetFocus(GetKeyState(VK_SHIFT) < 0 ? g_outline.button : g_outline.field);
     return key == VK_ESCAPE || key == VK_TAB;
-}
-
-void MoveInList(int rows) {
-    const auto count = static_cast<int>(g_outline.outline.content.rows.size());
-    const int row = std::clamp(ListViewSelected(g_outline.list) + rows, 0, std::max(count - 1, 0));
-    ListViewSelect(g_outline.list, row);
-    SendMessageW(g_outline.list.window, LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
 }
 
 LRESULT CALLBACK FieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {

@@ -136,6 +136,11 @@ TEST(Outline, RowsByPlaceByNameAndFiltered) {
     EXPECT_EQ(OutlineRowAtLine(table, outline, 9), 5) << "the procedure around the line";
     EXPECT_EQ(OutlineRowAtLine(table, outline, 4), 4);
     EXPECT_EQ(OutlineRowAtLine(table, OutlineOf(table, {.filter = L"Colour"}), 4), 0) << "what contains it";
+    const auto best = [&table](const wchar_t* filter) {
+        return OutlineBestRow(table, OutlineOf(table, {.filter = filter}), filter);
+    };
+    EXPECT_EQ(best(L"dr"), 1) << "the body, not the DECLARE";
+    EXPECT_EQ(best(L"o"), 1) << "Other, which begins with it, not Colour";
     std::string many;
     for (std::size_t i = 0; i < kMostOutlineRows + 7; ++i) many += "%C" + std::to_string(i) + " = 1\n";
     const SymbolTable large = SymbolsOfText(many, Keldor());
