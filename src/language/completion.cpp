@@ -5,6 +5,8 @@
 #include "language/symbols.h"
 
 #include <algorithm>
+#include <unordered_set>
+#include <utility>
 
 namespace {
 
@@ -372,6 +374,7 @@ NameFit FitOfName(std::string_view typed, std::string_view name) {
 std::vector<std::string> NamesInText(std::string_view text, ScanState state, const Dialect& dialect,
                                      std::string_view prefix, std::size_t except, std::size_t most) {
     std::vector<std::string> names;
+    std::unordered_set<std::string> known;  // in capitals
     LineReader reader{.text = text, .dialect = &dialect, .state = state};
     while (names.size() < most && ReadLine(reader))
         for (std::size_t i = 0; i < reader.tokens.size(); ++i) {
@@ -380,15 +383,13 @@ std::vector<std::string> NamesInText(std::string_view text, ScanState state, con
                 reader.start + token.start == except)
                 continue;
             const std::string_view name = TokenName(reader.line, token);
-            // A short name is no help to type, but Enter behind it must not write another word.
             if (CompareNames(name.substr(0, prefix.size()), prefix) != 0) continue;
-            if (name.size() < 3 && name.size() != prefix.size()) continue;
             const bool member = i > 0 && TokenText(reader.line, reader.tokens[i - 1]) == ".";
             if (member || LookUpWord(name, dialect).kind != WordClass::None) continue;
             if (token.Is(kTokenAssembly)) continue;
-            if (std::ranges::none_of(names,
-                                     [name](const std::string& known) { return CompareNames(known, name) == 0; }))
-                names.emplace_back(name);
+            std::string upper(name);
+            std::ranges::transform(upper, upper.begin(), UpperAscii);
+            if (known.insert(std::move(upper)).second) names.emplace_back(name);
         }
     return names;
 }

@@ -44,6 +44,25 @@ struct ListState {
 };
 ListState g_list;
 
+// The tables of what a document reaches, and the caret's lines in the first of them. While the document's table is
+// behind its text, what stands around the caret has one of its own, so that a name can be used as soon as it is typed.
+struct Tables {
+    std::vector<SymbolTablePtr> tables;
+    std::vector<std::uint32_t> lines;
+};
+
+// What stands around a word. It stays the same while only the word grows.
+struct WordNearby {
+    HWND editor = nullptr;  // null: nothing is known
+    LRESULT start = 0;      // of the word, bytes
+    LRESULT first = 0;      // of the text
+    std::size_t rest = 0;   // bytes of the text, without the word
+    Tables tables;
+    std::string prefix;              // of `names`
+    std::vector<std::string> names;  // that are used there
+};
+WordNearby g_nearby;
+
 // A place where nothing was found while symbols were still being read.
 struct WaitingPlace {
     HWND editor = nullptr;  // null: none
@@ -62,6 +81,7 @@ LRESULT Ask(HWND editor, UINT message, LRESULT wParam = 0, LRESULT lParam = 0) {
 // Ends the list, and gives what it was.
 ListState TakeList() {
     ListState list = std::exchange(g_list, {});
+    g_nearby = {};
     g_documents.wordListOpen = false;
     if (list.editor == nullptr) return list;
     WordListHide();
@@ -120,12 +140,6 @@ std::optional<Look> LookAround(HWND editor) {
 
 // --- Rows
 
-// The tables of what a document reaches, and the caret's lines in the first of them. While the document's table is
-// behind its text, what stands around the caret has one of its own, so that a name can be used as soon as it is typed.
-struct Tables {
-    std::vector<SymbolTablePtr> tables;
-    std::vector<std::uint32_t> lines;
-};
 Tables TablesOf(const Look& look) {
     const DocumentId document = TabAt(look.tab).id;
     Tables found;
@@ -142,12 +156,38 @@ Tables TablesOf(const Look& look) {
     return found;
 }
 
-std::vector<CompletionRow> RowsOf(const Look& look, const SnippetList& snippets, const Tables& tables) {
+void LookNearby(const Look& look) {
+    const std::string& prefix = look.context.prefix;
+    const LRESULT start = look.first + static_cast<LRESULT>(look.context.start);
+    const std::size_t rest = look.text.size() - prefix.size();
+    const bool same = g_nearby.editor == look.editor && g_nearby.start == start && g_nearby.first == look.first &&
+                      g_nearby.rest == rest;
+    if (!same)
+        g_nearby = {.editor = look.editor,
+                    .start = start,
+                    .first = look.first,
+                    .rest = rest,
+                    .tables = TablesOf(look),
+                    .prefix = {},
+                    .names = {}};
+    const bool grows = !g_nearby.prefix.empty() && g_nearby.names.size() < kMostNearby &&
+                       CompareNames(prefix.substr(0, g_nearby.prefix.size()), g_nearby.prefix) == 0;
+    if (prefix.empty() || grows) return;
+    g_nearby.prefix = prefix;
+    g_nearby.names =
+        NamesInText(look.text, look.state, EditorPaneDialect(look.editor), prefix, look.context.start, kMostNearby);
+}
+
+std::vector<CompletionRow> RowsOf(const Look& look, const SnippetList& snippets) {
     const Dialect& dialect = EditorPaneDialect(look.editor);
-    const std::vector<std::string> names =
-        look.context.prefix.empty()
-            ? std::vector<std::string>()
-            : NamesInText(look.text, look.state, dialect, look.context.prefix, look.context.start, kMostNearby);
+    const Tables& tables = g_nearby.tables;
+    std::vector<std::string> names;
+    const std::string& prefix = look.context.prefix;
+    // A short name is no help to type, but Enter behind it must not write another word.
+    for (const std::string& name : prefix.empty() ? names : g_nearby.names)
+        if ((name.size() >= 3 || name.size() == prefix.size()) &&
+            CompareNames(std::string_view(name).substr(0, prefix.size()), prefix) == 0)
+            names.push_back(name);
     const BlockKind innermost = look.context.place == CompletionPlace::BlockWord
                                     ? InnermostBlockAt(look.Before(), look.state, dialect)
                                     : BlockKind::Count;
@@ -168,6 +208,14 @@ bool OpensByItself(const Look& look) {
     if (IsNameByte(Ask(look.editor, SCI_GETCHARAT, look.first + static_cast<LRESULT>(look.caret)))) return false;
     const auto letters = static_cast<int>(CompletionLetters(look.context.prefix));
     return place == CompletionPlace::Member || letters >= std::clamp(g_settings.autoCompleteTrigger, 1, 10);
+}
+
+// Whether the next letter may bring the list up. What it needs is looked up while the user is not yet waiting for it.
+bool MayOpenSoon(const Look& look) {
+    const CompletionContext& context = look.context;
+    return g_settings.enableAutoComplete != 0 && context.inCode && context.place != CompletionPlace::NewName &&
+           CompletionLetters(context.prefix) == 1 &&
+           !IsNameByte(Ask(look.editor, SCI_GETCHARAT, look.first + static_cast<LRESULT>(look.caret)));
 }
 
 // --- Choosing
@@ -234,10 +282,14 @@ void Update(HWND editor, bool wanted) {
     const LRESULT start = look ? look->first + static_cast<LRESULT>(look->context.start) : -1;
     const bool goesOn = look && g_list.editor == editor && g_list.start == start;
     const bool asked = wanted || (goesOn && g_list.wanted);
-    if (!look || !look->context.inCode || (!asked && !OpensByItself(*look))) return CloseList();
+    if (!look || !look->context.inCode || (!asked && !OpensByItself(*look))) {
+        CloseList();
+        if (look && MayOpenSoon(*look)) LookNearby(*look);
+        return;
+    }
     SnippetList snippets = goesOn ? g_list.snippets : SnippetsKnown();
-    Tables tables = TablesOf(*look);
-    std::vector<CompletionRow> rows = RowsOf(*look, snippets, tables);
+    LookNearby(*look);
+    std::vector<CompletionRow> rows = RowsOf(*look, snippets);
     const bool isWritten = rows.size() == 1 && rows[0].fit == NameFit::Equal && rows[0].snippet == nullptr;
     const bool mayCome = asked || look->context.place == CompletionPlace::Member;
     if (rows.empty() && mayCome && !SymbolsReachIsKnown(TabAt(look->tab).id))
@@ -251,7 +303,7 @@ void Update(HWND editor, bool wanted) {
               .firstLine = Ask(editor, SCI_GETFIRSTVISIBLELINE),
               .rows = std::move(rows),
               .snippets = std::move(snippets),
-              .tables = std::move(tables.tables)};
+              .tables = g_nearby.tables.tables};
     ShowRows();
 }
 
@@ -360,6 +412,7 @@ LRESULT CALLBACK CompletionProc(HWND editor, UINT message, WPARAM wParam, LPARAM
             if (g_list.editor == editor) CloseList();
             if (g_waiting.editor == editor) g_waiting = {};
             if (g_typedIn == editor) g_typedIn = nullptr;
+            g_nearby = {};
             SnippetForget(editor);
             break;
         default: break;
@@ -369,6 +422,7 @@ LRESULT CALLBACK CompletionProc(HWND editor, UINT message, WPARAM wParam, LPARAM
 
 // The tables have changed while the list is open, or files have been read that it waits for.
 void OnSymbols(DocumentId document) {
+    g_nearby = {};
     if (document == g_list.document && g_list.editor != nullptr && !g_list.moved) Update(g_list.editor, g_list.wanted);
     const WaitingPlace waiting = g_waiting;
     if (waiting.editor != nullptr && DocumentOfEditor(waiting.editor) == document) {
@@ -396,8 +450,18 @@ void CompletionAttach(HWND editor) {
     SymbolsListen(OnSymbols);
 }
 
+// Only typing at the word leaves what stands around it as it was.
+static void ForgetNearby(HWND editor, const SCNotification& notification) {
+    const bool changed = notification.nmhdr.code == SCN_MODIFIED &&
+                         (notification.modificationType & (SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT)) != 0;
+    if (!changed || g_nearby.editor != editor) return;
+    if (notification.length != 1 || notification.linesAdded != 0 || notification.position < g_nearby.start)
+        g_nearby = {};
+}
+
 void CompletionOnNotify(HWND editor, const SCNotification& notification) {
     SnippetOnNotify(editor, notification);
+    ForgetNearby(editor, notification);
     if (g_list.editor != editor) return;
     const UINT code = notification.nmhdr.code;
     const bool undone =
