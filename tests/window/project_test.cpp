@@ -24,11 +24,9 @@ struct DemoFolder : FakeFolder {
 
 TEST(Project, BuildsItsMainSourceFromAnyOfItsFiles) {
     const DemoFolder folder;
-    const std::wstring c = folder.Write(L"p\\inc\\extra.c", "");  // opened alone, it would choose another compiler
-    const Editor editor(
-        folder, OpenArgument(folder.other) + OpenArgument(folder.file) + OpenArgument(c) + OpenArgument(folder.part));
+    const Editor editor(folder, OpenArgument(folder.other) + OpenArgument(folder.file) + OpenArgument(folder.part));
     ASSERT_NE(editor.main, nullptr);
-    ASSERT_EQ(editor.Tabs(), 4) << "the main source was opened with the project, the project file was not";
+    ASSERT_EQ(editor.Tabs(), 3) << "the main source was opened with the project, the project file was not";
     EXPECT_EQ(editor.Status(kPartProject), L"Project: demo");
     EXPECT_EQ(editor.Status(kPartCompiler), L"KVXA64");
     editor.Type("' typed\r\n");
@@ -70,7 +68,8 @@ TEST(Project, BuildsItsMainSourceFromAnyOfItsFiles) {
 TEST(Project, IsReadAgainAndComesBack) {
     const DemoFolder folder;
     {
-        Editor editor(folder, OpenArgument(folder.file));
+        folder.SetIni(L"Editor", L"ActiveCompiler", L"4");
+        Editor editor(folder, OpenArgument(folder.file) + OpenArgument(folder.part));
         ASSERT_NE(editor.main, nullptr);
         editor.Do(IDM_PROJECT_EDIT);
         editor.Type("Broken\r\n");
@@ -83,8 +82,9 @@ TEST(Project, IsReadAgainAndComesBack) {
         EXPECT_TRUE(editor.AwaitOutput(folder.file + L"(3,1): error: there is no file"));
         EXPECT_NE(Build(editor).find(L"Build cancelled: the project Changed has no file"), std::wstring::npos);
         editor.Do(IDM_PROJECT_SET_MAIN);
-        EXPECT_EQ(folder.Read(L"p\\demo.kvxproj"), "[Project]\nName=Changed\nMain=src/main.bas\n");
+        EXPECT_EQ(folder.Read(L"p\\demo.kvxproj"), "[Project]\nName=Changed\nMain=inc/part.inc\n");
         EXPECT_EQ(editor.Close(), 0u);
+        EXPECT_EQ(folder.Ini(L"Editor", L"ActiveCompiler"), L"4") << "neither the project nor its files choose";
     }
     DeleteFileW(folder.file.c_str());
     const Editor editor(folder);
