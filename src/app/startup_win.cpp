@@ -81,8 +81,9 @@ void OfferSessionRestore() {
 void OpenRecentFiles() {
     // The oldest first, so that the tabs stand as they were opened and the newest file is shown.
     for (int i = std::min<int>(kRecentFilesAtStart, g_app.settings.mruCount) - 1; i >= 0; --i)
-        if (!FileWorkCloseIsQueued() && PathAnswers(g_app.settings.mruFiles[i]) &&
-            FileExists(g_app.settings.mruFiles[i]))
+        // A project that is to come back does so by itself.
+        if (!FileWorkCloseIsQueued() && !FileIsProject(g_app.settings.mruFiles[i]) &&
+            PathAnswers(g_app.settings.mruFiles[i]) && FileExists(g_app.settings.mruFiles[i]))
             FileShow(g_app.settings.mruFiles[i], false);
 }
 

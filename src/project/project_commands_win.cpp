@@ -18,7 +18,7 @@ namespace {
 
 void NewProject() {
     std::wstring file;
-    if (AskNewProject(g_ui.hMainWnd, &file)) ProjectOpenFile(file.c_str());
+    if (AskNewProject(g_ui.hMainWnd, &file) && ProjectOpenFile(file.c_str())) FocusCurrentEditor();
 }
 
 void OpenProjectAsked() {
@@ -28,8 +28,9 @@ void OpenProjectAsked() {
     if (AskFilePath({.owner = g_ui.hMainWnd,
                      .filter = L"Projects (*.kvxproj)\0*.kvxproj\0All Files (*.*)\0*.*\0",
                      .folder = folder},
-                    path))
-        ProjectOpenFile(path.c_str());
+                    path) &&
+        ProjectOpenFile(path.c_str()))
+        FocusCurrentEditor();
 }
 
 void EditProjectFile() {

@@ -164,12 +164,12 @@ void KeepProject(bool showTree) {
     SettingsSave(nullptr);
 }
 
+// Unless one of its files is shown already.
 void ShowMainSource() {
     const std::optional<BuildProject>& project = BuildProjectNow();
     if (!project || project->source.empty()) return;
-    const bool hasOne = std::ranges::any_of(g_documents.tabs, [&](const DocumentTab& tab) {
-        return tab.hasFile && ProjectHoldsFile(*project, tab.path) && !SamePathText(tab.path, project->file);
-    });
+    const int active = g_documents.activeTab;
+    const bool hasOne = IsTabIndex(active) && TabAt(active).hasFile && ProjectHoldsFile(*project, TabAt(active).path);
     if (!hasOne && PathAnswers(project->source.c_str()) && FileExists(project->source.c_str()))
         FileShow(project->source.c_str(), true);
 }

@@ -75,7 +75,8 @@ void CollectTexts(const FilesOptions& options, FilesJob* job) {
     for (const DocumentTab& tab : g_documents.tabs) {
         const bool fromFile = tab.hasFile && !tab.modified;
         if (all && fromFile) job->files.emplace_back(tab.path);
-        const bool below = tab.hasFile && PathBelow(tab.path, g_files.root) != tab.path;
+        const bool left = job->walk && IsInExcludedFolder(job->walk->excluded, tab.path, false);
+        const bool below = tab.hasFile && !left && PathBelow(tab.path, g_files.root) != tab.path;
         if (!fromFile && (all || below))
             job->texts.push_back({tab.id, tab.hasFile ? std::wstring{tab.path} : std::wstring{}, {}});
     }
