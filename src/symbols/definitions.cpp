@@ -112,6 +112,8 @@ ReferenceTarget TargetOf(const SymbolTable& table, std::uint32_t symbol) {
     });
     if (IsOwn(target) && procedure != kNoSymbol)
         return {ReferenceScope::Procedure, table.symbols[procedure].line, table.symbols[procedure].endLine};
+    if (target.kind == SymbolKind::Label)
+        return {.scope = ReferenceScope::Procedure, .lastLine = table.lines, .betweenProcedures = true};
     // The members of a class are also used without a dot, in its methods.
     const bool ofType = target.kind == SymbolKind::Member && target.container != kNoSymbol &&
                         table.symbols[target.container].kind != SymbolKind::Class;
@@ -138,7 +140,8 @@ std::vector<NamePlace> PlacesOfTarget(const ReferenceTarget& target, std::string
         bool meant = false;
         switch (target.scope) {
             case ReferenceScope::Procedure:
-                meant = !place.isMember && place.line >= target.firstLine && place.line <= target.lastLine;
+                meant = !place.isMember && place.line >= target.firstLine && place.line <= target.lastLine &&
+                        !(target.betweenProcedures && ProcedureAtLine(table, place.line) != kNoSymbol);
                 break;
             case ReferenceScope::Member: meant = place.isMember || memberDeclared; break;
             case ReferenceScope::Outside: {

@@ -33,13 +33,14 @@ std::vector<SymbolPlace> TypesOfQualifier(std::span<const std::string> names, st
 
 // What of a name's places is meant.
 enum class ReferenceScope : std::uint8_t {
-    Procedure,  // the places in one procedure of the first text
+    Procedure,  // the places in one procedure of the first text, or in all of it that is in none
     Outside,    // all places but those where a procedure has an own meaning for the name
     Member,     // the places after a dot, and the declarations
 };
 struct ReferenceTarget {
     ReferenceScope scope = ReferenceScope::Outside;
     std::uint32_t firstLine = 0, lastLine = 0;  // Procedure: its lines
+    bool betweenProcedures = false;             // Procedure: the lines of these are left out
     bool afterDot = false;                      // Outside: also places after a dot
 };
 ReferenceTarget TargetOf(const SymbolTable& table, std::uint32_t symbol);

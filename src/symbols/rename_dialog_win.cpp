@@ -277,6 +277,9 @@ INT_PTR CALLBACK RenameDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM 
 void RenameDialogShow(References references) {
     const std::wstring name = Utf8ToWideText(references.name);
     if (!references.definition) return TellUndeclared(references);
+    const bool ofProcedure = references.target.scope == ReferenceScope::Procedure;
+    if (ofProcedure && references.definition->document != references.word.document)
+        return InfoMessage(L"%s is a label of another file and cannot be renamed from here.", name.c_str());
     if (references.limited || SymbolsProjectLimited())
         return TellSymbolStatus(FormatW(L"%s has too many places to be renamed", name.c_str()));
     if (!references.unreadable.empty())

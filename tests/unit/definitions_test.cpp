@@ -106,6 +106,17 @@ TEST(Definitions, ReferencesMeanTheSame) {
     EXPECT_EQ(places("x", 1, 1, 0), "8:8 8:26 9:4 9:23 ") << "the member: after dots";
     EXPECT_EQ(places("x", 1, 1, 1), "1:2 ") << "and its declaration";
     EXPECT_EQ(places("Red", 0, 4, 0), "4:2 9:15 ");
+    const char* labels = "GOTO top\ntop:\nSUB A()\ntop:\nGOTO top\nEND SUB\nGOSUB top\n";
+    const SymbolTable jumps = SymbolsOfText(labels, Keldor());
+    const std::span<const std::uint32_t> tops = SymbolsNamed(jumps, "top");
+    ASSERT_EQ(tops.size(), 2U);
+    for (const auto& [label, lines] : {std::pair{tops[0], "0 1 6 "}, {tops[1], "3 4 "}}) {
+        std::string found;
+        for (const NamePlace& place :
+             PlacesOfTarget(TargetOf(jumps, label), "top", PlacesOfName(labels, "top", Keldor(), 99), jumps))
+            found += std::to_string(place.line) + " ";
+        EXPECT_EQ(found, lines) << "a label, between the procedures and in one";
+    }
     for (const char* name : {"newName", "n1", "\xC3\xA4rger"}) EXPECT_TRUE(IsNewName(name, "old", Keldor())) << name;
     for (const char* name : {"", "1a", "a b", "a$", "%a", "LOOP", "a.b", "a'", "\"a\"", "a\n"})
         EXPECT_FALSE(IsNewName(name, "old", Keldor())) << name;
