@@ -38,7 +38,7 @@ std::vector<std::pair<StatusPart, std::wstring>> StatusSamples() {
 }
 
 std::wstring ProjectPartText(std::wstring_view name) {
-    constexpr std::size_t kLongest = 32;  // characters
+    constexpr std::size_t kLongest = 20;  // characters
     if (name.empty()) return {};
     const bool cut = name.size() > kLongest;
     return L"Project: " + std::wstring(name.substr(0, cut ? kLongest - 3 : kLongest)) + (cut ? L"..." : L"");

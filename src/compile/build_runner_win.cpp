@@ -91,7 +91,8 @@ BuildRefusal SaveProjectToBuild(const BuildProject& project) {
     const bool there = PathAnswers(project.source.c_str()) && FileExists(project.source.c_str());
     const int tab = TabBarFindPath(project.source.c_str());
     if (!IsTabIndex(tab)) return there ? BuildRefusal::None : BuildRefusal::NoMainSource;
-    const bool needed = TabBarRead(tab) && BuildNeedsSave(TabAt(tab).modified, TabAt(tab).hasFile, there);
+    if (TabAt(tab).editor == nullptr) return there ? BuildRefusal::None : BuildRefusal::NoMainSource;  // not read yet
+    const bool needed = BuildNeedsSave(TabAt(tab).modified, TabAt(tab).hasFile, there);
     return !needed || SaveBeforeBuild(tab) ? BuildRefusal::None : BuildRefusal::NotSaved;
 }
 

@@ -11,6 +11,6 @@ bool ProjectHoldsFile(const BuildProject& project, std::wstring_view path) {
 
 std::wstring BuiltWhichText(std::wstring_view project, std::wstring_view source, bool ofProject) {
     const std::wstring file(FileNameOf(source));
-    return ofProject ? L" - project " + std::wstring(project) + L": " + file
-                     : L" - " + file + L", not part of project " + std::wstring(project);
+    return ofProject ? L" - " + std::wstring(project) + L": " + file
+                     : L" - " + file + L", not of " + std::wstring(project);
 }

@@ -35,7 +35,7 @@ TEST(Project, BuildsItsMainSourceFromAnyOfItsFiles) {
                          L" " + Quoted(folder.File(L"p\\src\\main.bas"))),
               std::wstring::npos)
         << Utf8(built);
-    EXPECT_NE(editor.Status().find(L" - project demo: main.bas"), std::wstring::npos) << Utf8(editor.Status());
+    EXPECT_NE(editor.Status().find(L" - demo: main.bas"), std::wstring::npos) << Utf8(editor.Status());
     EXPECT_EQ(folder.Read(L"p\\inc\\part.inc"), "' typed\r\n' part\r\n' 2\r\n");
     editor.Do(IDM_PREVIOUS_TAB);
     editor.Do(IDM_ERROR_NEXT);
@@ -53,7 +53,7 @@ TEST(Project, BuildsItsMainSourceFromAnyOfItsFiles) {
     EXPECT_EQ(editor.Status(kPartCompiler), L"KVXA64");
     const std::wstring alone = Build(editor);
     EXPECT_EQ(alone.find(L"-DX=1"), std::wstring::npos) << Utf8(alone);
-    EXPECT_NE(editor.Status().find(L" - other.bas, not part of project demo"), std::wstring::npos);
+    EXPECT_NE(editor.Status().find(L" - other.bas, not of demo"), std::wstring::npos);
     EXPECT_EQ(folder.Ini(L"Editor", L"ActiveCompiler"), L"0");
 
     editor.Do(IDM_PROJECT_CLOSE);
@@ -62,7 +62,7 @@ TEST(Project, BuildsItsMainSourceFromAnyOfItsFiles) {
     editor.Do(IDM_PREVIOUS_TAB);
     const std::wstring after = Build(editor);
     EXPECT_NE(after.find(L"Source: " + folder.part), std::wstring::npos) << Utf8(after);
-    EXPECT_EQ(Count(editor.Status(), L"project"), 0);
+    EXPECT_EQ(Count(editor.Status(), L"demo"), 0);
 }
 
 TEST(Project, IsReadAgainAndComesBack) {
