@@ -117,3 +117,4 @@ void MeasureFiles();
 void MeasureFinder();
 void MeasureSettings();
 void MeasureSessions();
+void MeasureTree();

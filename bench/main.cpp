@@ -21,6 +21,7 @@ constexpr Measurement kMeasurements[] = {
     {"files", MeasureFiles},       {"finder", MeasureFinder},
     {"settings", MeasureSettings}, {"completion", MeasureCompletion},
     {"symbols", MeasureSymbols},   {"sessions", MeasureSessions},
+    {"tree", MeasureTree},
 };
 
 bool Wanted(int argc, char** argv, const std::string& name) {

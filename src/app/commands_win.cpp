@@ -20,6 +20,7 @@
 #include "documents/file_work.h"
 #include "output/output_pane.h"
 #include "project/project.h"
+#include "project/project_tree.h"
 #include "recovery/recovery.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
@@ -162,6 +163,7 @@ constexpr CommandHandler kFrameHandlers[] = {
     {IDM_BOOKMARKS_CLEAR, [](int) { BookmarksClear(g_app.hEditor); }},
     {IDM_PROJECT_SETTINGS, [](int) { SettingsDialogShow(g_app.hMainWnd); }},
     {IDM_PROJECT_FOLDER, [](int) { ChooseProjectFolder(); }},
+    {IDM_TREE_REVEAL, [](int) { ProjectTreeRevealActive(); }},
     {IDM_WORKSPACE_NEW, [](int) { WorkspaceNew(); }},
     {IDM_WORKSPACE_OPEN, [](int) { OpenWorkspace(); }},
     {IDM_WORKSPACE_SAVE, SaveWorkspace},

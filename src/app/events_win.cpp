@@ -52,6 +52,7 @@ void OnDocumentActivated(DocumentId document) {
     if (BuildProjectNow()) MainWindow_UpdateCompilerSelection();  // a file that is not of the project has its own
     MenuUpdateState();
     OutlineOnActivated(document);
+    ProjectTreeOnActive();
     OutsideOnDocumentActive();
 }
 
@@ -60,6 +61,7 @@ void OnDocumentChanged(DocumentId document) {
     SnapshotsOnChanged(document);
     if (document != ActiveDocumentId()) return;
     MainWindow_UpdateTitle();
+    ProjectTreeOnRenamed();
     MainWindow_RequestStateRefresh();
 }
 
@@ -133,6 +135,7 @@ void MainWnd_ConnectEvents() {
     g_events.projectChosen = OnProjectChosen;
     g_events.compilerChoiceAsked = OnCompilerChoiceAsked;
     g_events.projectChanged = OnProjectChanged;
+    g_events.searchFolderWanted = [](const wchar_t* folder) { FilesDialogShowFolder(g_app.hMainWnd, folder); };
     g_events.settingsChanged = MainWnd_OnSettingsChanged;
     g_events.programBuilt = OnProgramBuilt;
     g_events.buildEnded = DebugOnBuildEnd;

@@ -40,7 +40,8 @@ struct Events {
     Event<const wchar_t*, bool*> projectChosen;
     // Whether the user's choice of a compiler stays when he opens this file; the listener sets the flag if it does.
     Event<const wchar_t*, bool*> compilerChoiceAsked;
-    Event<> projectChanged;  // a project was opened or closed, or what it gives to builds has changed
+    Event<> projectChanged;                    // a project was opened or closed, or what it gives to builds has changed
+    Event<const wchar_t*> searchFolderWanted;  // the user wants to search in the files of this folder
 
     Event<const Settings&> settingsChanged;  // the settings as they were before the change
 

@@ -110,6 +110,18 @@ wchar_t OtherCase(wchar_t character) {
     return character;
 }
 
+bool PathIsWithin(std::wstring_view folder, std::wstring_view path) {
+    while (folder.ends_with(L'\\')) folder.remove_suffix(1);
+    return !folder.empty() && path.size() >= folder.size() &&
+           PathEqualsIgnoreCase(path.substr(0, folder.size()), folder) &&
+           (path.size() == folder.size() || path[folder.size()] == L'\\');
+}
+
+std::wstring PathAfterMove(std::wstring_view path, std::wstring_view from, std::wstring_view to) {
+    if (!PathIsWithin(from, path)) return std::wstring{path};
+    return std::wstring{to} + std::wstring{path.substr(from.size())};
+}
+
 bool PathIsAbsolute(std::wstring_view path) {
     return (path.size() > 1 && path[1] == L':') || path.starts_with(L"\\\\");
 }

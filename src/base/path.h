@@ -27,6 +27,11 @@ std::wstring PathKey(std::wstring_view path);
 // The same letter in the other case by these pairs; the character itself when it is no such letter.
 wchar_t OtherCase(wchar_t character);
 
+// Whether the path is the folder or below it; a backslash at the folder's end does not count.
+bool PathIsWithin(std::wstring_view folder, std::wstring_view path);
+// The path after what was at `from`, a file or a folder, has got the name `to`. Unchanged when it is not within `from`.
+std::wstring PathAfterMove(std::wstring_view path, std::wstring_view from, std::wstring_view to);
+
 // True for "C:..." and "\\server...". Any other path is relative to a folder.
 bool PathIsAbsolute(std::wstring_view path);
 

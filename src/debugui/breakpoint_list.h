@@ -44,3 +44,5 @@ void BreakpointsOnLinesMoved(DocumentId document, int line, int added);
 // text (again).
 void BreakpointsKeepLines(DocumentId document);
 void BreakpointsRestoreMarkers(DocumentId document);
+// A file, or a folder with files, has got another name; the open documents of it have it already.
+void BreakpointsFollowRename(const std::wstring& from, const std::wstring& to);

@@ -2,6 +2,7 @@
 // markers decide: every update first takes over what edits did to them. UI thread only.
 #include "debugui/breakpoint_list.h"
 
+#include "base/path.h"
 #include "debugger/at_address.h"
 #include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
@@ -295,6 +296,12 @@ void BreakpointsKeepLines(DocumentId document) {
     TakeOverMarkers();
     DetachDocument(&g_list, document, SessionTarget());
     FoldSignsForget(document);
+}
+
+void BreakpointsFollowRename(const std::wstring& from, const std::wstring& to) {
+    for (UserBreakpoint& breakpoint : g_list) breakpoint.path = PathAfterMove(breakpoint.path, from, to);
+    SortBreakpoints(&g_list);
+    DebugPaneInvalidate();
 }
 
 void BreakpointsRestoreMarkers(DocumentId document) {

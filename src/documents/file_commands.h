@@ -7,6 +7,7 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 int FileNew();  // 0 when no document could be added
@@ -42,6 +43,10 @@ int FileCloseAll();
 
 // The folder in which the open dialog starts. 0 when there is none.
 int FileOpenResolveInitialDirectory(wchar_t* out, std::size_t capacity);
+
+// A file, or a folder with files, has got another name on the disk: its documents and the recent files follow. Their texts
+// stay as they are.
+void FilesFollowRename(const std::wstring& from, const std::wstring& to);
 
 // Puts a file first in the recent-file list and saves the settings.
 void MruAddFile(const wchar_t* path);

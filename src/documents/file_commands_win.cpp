@@ -13,6 +13,7 @@
 #include "documents/editor_pane.h"
 #include "documents/file_dialogs.h"
 #include "documents/open_directory.h"
+#include "documents/outside.h"
 #include "documents/recent_files.h"
 #include "documents/save_rules.h"
 #include "files/file_io.h"
@@ -202,6 +203,27 @@ int FileCloseDocuments(CloseRange range, DocumentId kept) {
 }
 
 int FileCloseAll() { return FileCloseDocuments(CloseRange::All, 0); }
+
+void FilesFollowRename(const std::wstring& from, const std::wstring& to) {
+    for (int i = 0; i < TabCount(); ++i) {
+        DocumentTab& tab = TabAt(i);
+        if (!tab.hasFile || !PathIsWithin(from, tab.path)) continue;
+        const std::wstring path = PathAfterMove(tab.path, from, to);
+        if (path.size() >= kPathCapacity) continue;
+        SafeCopyW(tab.path, path);
+        PathGetFile(tab.path, tab.label, kLabelCapacity);
+        TabBarUpdateTitle(i);
+        OutsideOnDocuments();
+    }
+    const auto isRecent = [&](const wchar_t(&file)[kPathCapacity]) { return PathIsWithin(from, file); };
+    if (std::none_of(g_settings.mruFiles, g_settings.mruFiles + g_settings.mruCount, isRecent)) return;
+    SettingsChange([&](Settings& settings) {
+        for (int i = 0; i < settings.mruCount; ++i)
+            if (const std::wstring path = PathAfterMove(settings.mruFiles[i], from, to); path.size() < kPathCapacity)
+                SafeCopyW(settings.mruFiles[i], path);
+    });
+    SettingsSave(nullptr);
+}
 
 void MruAddFile(const wchar_t* path) {
     if (path == nullptr || path[0] == L'\0') return;

@@ -95,8 +95,8 @@ void MarkChange(DocumentTab& tab, const FileState& now, const std::wstring& move
 
 void TakeSeen(const SeenFile& seen) {
     const int index = TabBarFindDocument(seen.id);
-    // The file may have been read or saved since.
-    if (index < 0 || TabAt(index).onDisk != seen.known) return;
+    // The file may have been read, saved or renamed here since.
+    if (index < 0 || TabAt(index).onDisk != seen.known || !PathEqualsIgnoreCase(TabAt(index).path, seen.path)) return;
     DocumentTab& tab = TabAt(index);
     const OutsideNews news = OutsideNewsOf(tab.onDisk, seen.now, tab.outside);
     switch (news) {

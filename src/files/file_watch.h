@@ -24,6 +24,7 @@ struct SeenFile {
     FileState known;  // what `now` was compared with
     FileState now;
     std::wstring movedTo;  // the path of a file that is gone and has another name in its folder; empty: it has none
+    std::wstring path;     // that was looked at
 };
 
 struct FileWatchReport {

@@ -110,7 +110,7 @@ std::optional<SeenFile> LookAt(FileUnderWatch& watched, bool folderTells, const 
     if (FileLooksSame(file.known, now)) {
         watched.settling = {};
         if (!std::exchange(watched.reported, std::nullopt)) return std::nullopt;
-        return SeenFile{file.id, file.known, file.known, {}};
+        return SeenFile{file.id, file.known, file.known, {}, file.path};
     }
     if (watched.reported && FileLooksSame(*watched.reported, now)) {
         watched.settling = {};
@@ -124,7 +124,7 @@ std::optional<SeenFile> LookAt(FileUnderWatch& watched, bool folderTells, const 
     now = FileStateToCompare(file.path.c_str(), file.known, StopOf(cancel));
     watched.reported = now;
     const bool gone = now.presence == FilePresence::Missing && !watched.remote;
-    return SeenFile{file.id, file.known, now, gone ? NewNameOf(file, watched.folder) : std::wstring{}};
+    return SeenFile{file.id, file.known, now, gone ? NewNameOf(file, watched.folder) : std::wstring{}, file.path};
 }
 
 // Opens what tells of the changes in the folders of the files, and closes the rest.

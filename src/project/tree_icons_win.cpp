@@ -1,62 +1,177 @@
-// Draws the small pictures of the project tree. UI thread.
+// Draws the small pictures of the project tree, four times as large, and makes them smaller with soft edges, so that they
+// are crisp at every resolution and on every ground. UI thread.
 #include "project/tree_icons.h"
 
 #include "base/handles.h"
-#include "ui/chrome.h"
 #include "ui/scale.h"
 
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <initializer_list>
 #include <iterator>
+#include <vector>
 
 namespace {
 
-constexpr COLORREF kFolderColour = RGB(0xD9, 0xA6, 0x3A);  // visible on a light and on a dark pane
+constexpr int kSamples = 4;                    // in each direction, for a pixel
+constexpr COLORREF kNothing = RGB(1, 254, 2);  // what is not drawn on
 
-struct Pictures {
-    HDC dc;
-    int side;  // pixels of one picture
-
-    // A coordinate of the 16 x 16 grid in pixels.
-    int At(int unit) const { return MulDiv(unit, side, 16); }
+struct TreePalette {
+    COLORREF folder, folderEdge, paper, edge, basic, include, c, assembly, resource, quiet;
 };
 
-void FillShape(const Pictures& pictures, int picture, const POINT* grid, int count, COLORREF fill, COLORREF edge) {
-    POINT points[8];
-    for (int i = 0; i < count; ++i)
-        points[i] = {picture * pictures.side + pictures.At(grid[i].x), pictures.At(grid[i].y)};
-    SetDCBrushColor(pictures.dc, fill);
-    SetDCPenColor(pictures.dc, edge);
-    Polygon(pictures.dc, points, count);
+TreePalette PaletteOf(const ThemeChrome& chrome, bool dark) {
+    return {.folder = dark ? RGB(0xDC, 0xB6, 0x67) : RGB(0xE8, 0xBC, 0x5A),
+            .folderEdge = dark ? RGB(0xB8, 0x8F, 0x3C) : RGB(0xB9, 0x85, 0x1E),
+            .paper = chrome.paneBack,
+            .edge = dark ? RGB(0x9A, 0xA3, 0xAD) : RGB(0x6B, 0x74, 0x80),
+            .basic = dark ? RGB(0x5A, 0xA9, 0xF5) : RGB(0x1A, 0x64, 0xC8),
+            .include = dark ? RGB(0xC5, 0x8A, 0xF0) : RGB(0x80, 0x3C, 0xB4),
+            .c = dark ? RGB(0x4F, 0xC3, 0xB0) : RGB(0x0B, 0x7A, 0x6B),
+            .assembly = dark ? RGB(0xF0, 0x86, 0x64) : RGB(0xC0, 0x44, 0x1E),
+            .resource = dark ? RGB(0x8C, 0xC8, 0x5A) : RGB(0x3F, 0x82, 0x14),
+            .quiet = dark ? RGB(0x86, 0x8E, 0x98) : RGB(0x8A, 0x92, 0x9C)};
 }
 
-void DrawPictures(const Pictures& pictures, const ThemeChrome& chrome) {
-    const RECT all = {0, 0, pictures.side * 3, pictures.side};
-    SetDCBrushColor(pictures.dc, chrome.paneBack);
-    FillRect(pictures.dc, &all, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
-    SelectObject(pictures.dc, GetStockObject(DC_BRUSH));
-    SelectObject(pictures.dc, GetStockObject(DC_PEN));
+// Draws on a grid of 160 x 160 for one picture.
+struct Canvas {
+    HDC dc;
+    int left;  // of the picture
+    int side;
 
-    constexpr POINT kFolder[] = {{1, 3}, {6, 3}, {8, 5}, {14, 5}, {14, 13}, {1, 13}};
-    FillShape(pictures, kTreeIconFolder, kFolder, static_cast<int>(std::size(kFolder)), kFolderColour, kFolderColour);
-    constexpr POINT kSheet[] = {{3, 1}, {10, 1}, {13, 4}, {13, 14}, {3, 14}};
-    FillShape(pictures, kTreeIconFile, kSheet, static_cast<int>(std::size(kSheet)), chrome.paneBack, chrome.paneText);
-    constexpr POINT kCorner[] = {{10, 1}, {13, 4}, {10, 4}};
-    FillShape(pictures, kTreeIconFile, kCorner, static_cast<int>(std::size(kCorner)), chrome.accent, chrome.paneText);
+    int At(int unit) const { return MulDiv(unit, side, 160); }
+    void Shape(std::initializer_list<POINT> grid, COLORREF fill) const {
+        std::vector<POINT> points;
+        for (const POINT& point : grid) points.push_back({left + At(point.x), At(point.y)});
+        SetDCBrushColor(dc, fill);
+        SetDCPenColor(dc, fill);
+        Polygon(dc, points.data(), static_cast<int>(points.size()));
+    }
+    void Bar(int x, int y, int right, int bottom, COLORREF fill) const {
+        const RECT area = {left + At(x), At(y), left + At(right), At(bottom)};
+        SetDCBrushColor(dc, fill);
+        FillRect(dc, &area, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
+    }
+};
+
+void DrawFolder(const Canvas& at, const TreePalette& colours, bool open) {
+    at.Shape({{10, 30}, {60, 30}, {75, 45}, {150, 45}, {150, 135}, {10, 135}}, colours.folderEdge);
+    if (!open) return at.Shape({{20, 60}, {140, 60}, {140, 125}, {20, 125}}, colours.folder);
+    at.Shape({{20, 40}, {56, 40}, {72, 58}, {136, 58}, {136, 74}, {20, 74}}, colours.paper);
+    at.Shape({{34, 74}, {158, 74}, {140, 134}, {12, 134}}, colours.folder);
+}
+
+void DrawSheet(const Canvas& at, const TreePalette& colours) {
+    at.Shape({{30, 10}, {100, 10}, {130, 40}, {130, 150}, {30, 150}}, colours.edge);
+    at.Shape({{40, 20}, {94, 20}, {120, 46}, {120, 140}, {40, 140}}, colours.paper);
+    at.Shape({{92, 14}, {126, 48}, {92, 48}}, colours.edge);
+}
+
+// A sheet with the letter of a language, which is made of bars on 6 x 7 fields, each a pixel at 96 dpi.
+void DrawLetter(const Canvas& at, const TreePalette& colours, COLORREF ink, const std::array<const char*, 7>& letter) {
+    DrawSheet(at, colours);
+    for (int row = 0; row < 7; ++row)
+        for (int column = 0; column < 6; ++column)
+            if (letter[static_cast<std::size_t>(row)][column] != ' ')
+                at.Bar(50 + column * 10, 60 + row * 10, 60 + column * 10, 70 + row * 10, ink);
+}
+
+void DrawLines(const Canvas& at, const TreePalette& colours, COLORREF ink) {
+    DrawSheet(at, colours);
+    for (const int y : {60, 80, 100, 120}) at.Bar(50, y, y == 120 ? 90 : 110, y + 10, ink);
+}
+
+void DrawPicture(const Canvas& at, TreePicture picture, const TreePalette& colours) {
+    switch (picture) {
+        case TreePicture::Folder: DrawFolder(at, colours, false); break;
+        case TreePicture::FolderOpen: DrawFolder(at, colours, true); break;
+        case TreePicture::Basic:
+            DrawLetter(at, colours, colours.basic,
+                       {"##### ", "##  ##", "##  ##", "##### ", "##  ##", "##  ##", "##### "});
+            break;
+        case TreePicture::Include:
+            DrawLetter(at, colours, colours.include,
+                       {"######", "  ##  ", "  ##  ", "  ##  ", "  ##  ", "  ##  ", "######"});
+            break;
+        case TreePicture::C:
+            DrawLetter(at, colours, colours.c, {" #### ", "##  ##", "##    ", "##    ", "##    ", "##  ##", " #### "});
+            break;
+        case TreePicture::Assembly:
+            DrawLetter(at, colours, colours.assembly,
+                       {"  ##  ", " #### ", "##  ##", "##  ##", "######", "##  ##", "##  ##"});
+            break;
+        case TreePicture::Resource:
+            DrawSheet(at, colours);
+            at.Shape({{80, 52}, {110, 88}, {80, 124}, {50, 88}}, colours.resource);
+            break;
+        case TreePicture::Text: DrawLines(at, colours, colours.quiet); break;
+        case TreePicture::Other:
+            DrawSheet(at, colours);
+            for (const int x : {50, 75, 100}) at.Bar(x, 100, x + 10, 110, colours.quiet);
+            break;
+        case TreePicture::None: break;
+    }
+}
+
+// A pixel of the image list: the mean of the samples that were drawn on, multiplied by their share.
+std::uint32_t PixelOf(const std::uint32_t* samples, std::size_t stride) {
+    constexpr std::uint32_t kEmpty = 0x01FE02;  // kNothing, with red in front
+    std::uint32_t sum[3] = {};
+    std::uint32_t covered = 0;
+    for (std::size_t y = 0; y < kSamples; ++y)
+        for (std::size_t x = 0; x < kSamples; ++x) {
+            const std::uint32_t sample = samples[y * stride + x] & 0xFFFFFF;
+            if (sample == kEmpty) continue;
+            ++covered;
+            for (unsigned i = 0; i < 3; ++i) sum[i] += sample >> (8 * i) & 0xFF;
+        }
+    constexpr std::uint32_t kAll = kSamples * kSamples;
+    return covered * 255 / kAll << 24 | sum[2] / kAll << 16 | sum[1] / kAll << 8 | sum[0] / kAll;
+}
+
+// A picture of 32 bits for each pixel, top row first.
+UniqueBitmap NewPixels(int width, int height, std::uint32_t** pixels) {
+    BITMAPINFO info = {};
+    info.bmiHeader = {.biSize = sizeof(BITMAPINFOHEADER),
+                      .biWidth = width,
+                      .biHeight = -height,
+                      .biPlanes = 1,
+                      .biBitCount = 32,
+                      .biCompression = BI_RGB};
+    return UniqueBitmap{CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, reinterpret_cast<void**>(pixels), nullptr, 0)};
+}
+
+void DrawLarge(HDC dc, int side, const TreePalette& colours) {
+    const RECT all = {0, 0, side * kTreePictures, side};
+    SetDCBrushColor(dc, kNothing);
+    FillRect(dc, &all, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));
+    SelectObject(dc, GetStockObject(DC_BRUSH));
+    SelectObject(dc, GetStockObject(DC_PEN));
+    for (int i = 0; i < kTreePictures; ++i) DrawPicture({dc, i * side, side}, static_cast<TreePicture>(i), colours);
+    GdiFlush();
 }
 
 }  // namespace
 
 HIMAGELIST TreeIconsCreate(int dpi, const ThemeChrome& chrome) {
     const int side = ScaledTo(16, dpi);
-    const HIMAGELIST list = ImageList_Create(side, side, ILC_COLOR24 | ILC_MASK, 3, 0);
-    const HDC screen = GetDC(nullptr);
-    const UniqueBitmap bitmap{CreateCompatibleBitmap(screen, side * 3, side)};
-    const UniqueMemoryDc dc{CreateCompatibleDC(screen)};
-    ReleaseDC(nullptr, screen);
-    if (list != nullptr && dc && bitmap) {
-        const HGDIOBJ before = SelectObject(dc.Get(), bitmap.Get());
-        DrawPictures({dc.Get(), side}, chrome);
-        SelectObject(dc.Get(), before);
-        ImageList_AddMasked(list, bitmap.Get(), chrome.paneBack);
-    }
+    const int width = side * kTreePictures;
+    std::uint32_t* large = nullptr;
+    std::uint32_t* small = nullptr;
+    const UniqueBitmap drawn = NewPixels(width * kSamples, side * kSamples, &large);
+    const UniqueBitmap shown = NewPixels(width, side, &small);
+    const UniqueMemoryDc dc{CreateCompatibleDC(nullptr)};
+    const HIMAGELIST list = ImageList_Create(side, side, ILC_COLOR32, kTreePictures, 0);
+    if (!drawn || !shown || !dc || list == nullptr) return list;
+    const HGDIOBJ before = SelectObject(dc.Get(), drawn.Get());
+    DrawLarge(dc.Get(), side * kSamples, PaletteOf(chrome, ThemeIsDark()));
+    SelectObject(dc.Get(), before);
+    const auto stride = static_cast<std::size_t>(width) * kSamples;
+    for (std::size_t y = 0; y < static_cast<std::size_t>(side); ++y)
+        for (std::size_t x = 0; x < static_cast<std::size_t>(width); ++x)
+            small[y * static_cast<std::size_t>(width) + x] =
+                PixelOf(large + y * kSamples * stride + x * kSamples, stride);
+    ImageList_Add(list, shown.Get(), nullptr);
     return list;
 }

@@ -13,5 +13,7 @@
 using TreeListingPtr = std::unique_ptr<TreeListing>;
 
 // Starts the read. The worker posts the listing to `window` as `message`; take it with WorkerTake<TreeListingPtr>.
-// `request` comes back in the listing. False when no thread could be started.
-bool TreeReaderStart(HWND window, UINT message, std::uint64_t request, const std::wstring& folder);
+// `request` comes back in the listing. A read that takes longer is shown in part first (TreeListing::more). False when
+// no thread could be started.
+bool TreeReaderStart(HWND window, UINT message, std::uint64_t request, const std::wstring& folder,
+                     const TreeFilter& filter);

@@ -86,6 +86,7 @@
 #define IDM_VIEW_ZOOM_OUT 1262
 #define IDM_VIEW_ZOOM_RESET 1263
 #define IDM_VIEW_TREE 1050
+#define IDM_TREE_REVEAL 1410
 #define IDM_VIEW_TERMINAL 1051
 #define IDM_VIEW_ERROR_LIST 1052
 #define IDM_VIEW_LIGHT_THEME 1277
@@ -394,6 +395,9 @@
 #define MSG_SYMBOLS_PLACES (0x8000 + 80)   // wParam: places of a name, for ReferencesOnFound
 #define MSG_COMPILERS_SEEN (0x8000 + 24)   // wParam: what CompilersLook found, for CompilersOnLooked
 #define MSG_TREE_ITEMS (0x8000 + 10)       // to the project tree; wParam: TreeListing*, deleted by the receiver
+#define MSG_TREE_CHANGED (0x8000 + 120)    // to the project tree; wParam: TreeChanges*, deleted by the receiver
+#define MSG_TREE_SETTLE (0x8000 + 121)     // to the project tree: something has changed in it
+#define MSG_TREE_NAMED (0x8000 + 122)      // to the project tree: the user has ended the change of a name
 #define MSG_SETTINGS_LOOKED (0x8000 + 40)  // to the settings dialog; wParam: PathSight*, deleted by the receiver
 #define MSG_SETTINGS_MODELS (0x8000 + 42)  // to the settings dialog; wParam: ModelsReply*, deleted by the receiver
 #define MSG_SETTINGS_TESTED (0x8000 + 41)  // to the settings dialog; wParam: CompilerReply*, deleted by the receiver

@@ -63,7 +63,6 @@ private:
     bool List(const Folder& folder, std::vector<WalkedFile>* files, std::vector<Folder>* folders,
               const std::atomic<bool>* cancel);
     bool MayFollow(const std::wstring& folder, const std::wstring& link);
-    std::shared_ptr<const IgnoreScope> ScopeAround(const std::wstring& root) const;
 
     const WalkRules rules_;
     std::size_t rootLength_ = 0;  // characters, with the backslash

@@ -3,7 +3,7 @@
 
 #include "base/handles.h"
 #include "base/path.h"
-#include "files/file_io.h"
+#include "files/ignore_scope.h"
 
 #include <windows.h>
 
@@ -12,10 +12,6 @@
 #include <utility>
 
 namespace {
-
-constexpr std::size_t kIgnoreFileLimit = 1 << 20;  // bytes
-constexpr wchar_t kIgnoreFile[] = L".gitignore";
-constexpr wchar_t kRepository[] = L".git";
 
 struct FoundEntry : WalkEntry {
     bool isLink = false;
@@ -47,18 +43,6 @@ bool ListFolder(const std::wstring& folder, const std::atomic<bool>* cancel, std
         if (cancel != nullptr && *cancel) return true;
     } while (FindNextFileW(find.Get(), &found) != FALSE);
     return GetLastError() == ERROR_NO_MORE_FILES;
-}
-
-// The scope for a folder with that ignore file; `outer` when it cannot be read.
-std::shared_ptr<const IgnoreScope> ScopeOfFile(std::shared_ptr<const IgnoreScope> outer, const std::wstring& folder,
-                                               const std::wstring& file) {
-    std::string bytes;
-    if (!ReadSharedFile(file, kIgnoreFileLimit, &bytes)) return outer;
-    return std::make_shared<const IgnoreScope>(IgnoreScope{std::move(outer), folder.size(), IgnoreRulesOf(bytes)});
-}
-
-bool PathIsThere(const std::wstring& path) {
-    return GetFileAttributesW(PathExtended(path).c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
 // The real path of a folder, without links. Empty when the system does not tell it.
@@ -94,23 +78,6 @@ FileWalk::FileWalk(WalkRules rules) : rules_(std::move(rules)) {
     folders_.push_back({std::move(root), nullptr});
 }
 
-// The rules of the repository's folders around the root, from the repository's own folder inwards.
-std::shared_ptr<const IgnoreScope> FileWalk::ScopeAround(const std::wstring& root) const {
-    std::vector<std::wstring> around;  // from the root outwards, up to the repository's own folder
-    std::wstring folder = root;
-    while (!PathIsThere(folder + kRepository)) {
-        const std::wstring parent = FolderOf(std::wstring_view{folder}.substr(0, folder.size() - 1));
-        if (parent.empty() || parent.size() + 1 >= folder.size()) return nullptr;
-        folder = parent.ends_with(L'\\') ? parent : parent + L'\\';
-        around.push_back(folder);
-    }
-    std::shared_ptr<const IgnoreScope> scope =
-        ScopeOfFile(nullptr, folder, folder + std::wstring{kRepository} + L"\\info\\exclude");
-    for (auto each = around.rbegin(); each != around.rend(); ++each)
-        if (PathIsThere(*each + kIgnoreFile)) scope = ScopeOfFile(std::move(scope), *each, *each + kIgnoreFile);
-    return scope;
-}
-
 // A link is not followed to a folder around it, to one in which another link has led, or to one that the walk reaches
 // anyway: a loop would not end, and files would be found twice.
 bool FileWalk::MayFollow(const std::wstring& folder, const std::wstring& link) {
@@ -143,7 +110,7 @@ bool FileWalk::List(const Folder& folder, std::vector<WalkedFile>* files, std::v
             return std::ranges::any_of(entries, [name](const FoundEntry& entry) { return entry.name == name; });
         };
         if (folder.path.size() > rootLength_ && has(kRepository)) scope = nullptr;  // a repository inside another one
-        if (has(kIgnoreFile)) scope = ScopeOfFile(std::move(scope), folder.path, folder.path + kIgnoreFile);
+        if (has(kIgnoreFile)) scope = IgnoreScopeInside(std::move(scope), folder.path);
     }
     for (const FoundEntry& entry : entries) {
         if (!WalkTakes(rules_, folder.path, entry, scope.get())) continue;
@@ -168,7 +135,7 @@ WalkStep FileWalk::Next(std::vector<WalkedFile>* files, std::wstring* unreadable
         first = !std::exchange(started_, true);
         ++listing_;
     }
-    if (first && rules_.gitIgnore) folder.ignore = ScopeAround(folder.path);
+    if (first && rules_.gitIgnore) folder.ignore = IgnoreScopeAround(folder.path);
     std::vector<Folder> inner;
     if (!List(folder, files, &inner, cancel)) *unreadable = folder.path;
     const std::lock_guard lock(mutex_);

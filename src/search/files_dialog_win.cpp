@@ -249,6 +249,15 @@ void FilesDialogShow(HWND owner, bool replace) {
     Ask(IDC_FILES_WHAT, CB_SETEDITSEL, 0, MAKELPARAM(0, -1));
 }
 
+void FilesDialogShowFolder(HWND owner, const std::wstring& folder) {
+    FilesDialogShow(owner, false);
+    if (g_filesDialog.window == nullptr) return;
+    FilesOptions options = ReadFields();
+    options.scope = FilesScope::Folder;
+    options.folder = folder;
+    ShowFields(options);
+}
+
 bool FilesDialogIsMessage(MSG* message) {
     const HWND dialog = g_filesDialog.window;
     if (dialog == nullptr || (message->hwnd != dialog && IsChild(dialog, message->hwnd) == FALSE)) return false;

@@ -13,6 +13,8 @@
 std::span<const CommandHandler> FilesSearchCommandHandlers();
 // Opens the dialog or activates the open one.
 void FilesDialogShow(HWND owner, bool replace);
+// The same for what is below this folder.
+void FilesDialogShowFolder(HWND owner, const std::wstring& folder);
 // Handles a message for the open dialog. True when it was handled; the message loop then leaves it alone.
 bool FilesDialogIsMessage(MSG* message);
 

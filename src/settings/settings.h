@@ -111,6 +111,12 @@ struct Settings {
     std::int32_t showProjectTree;
     std::int32_t showOutline;
     std::int32_t projectTreeWidth;  // pixels at 96 dpi
+    // What the project tree shows, and whether it goes to the file of the active tab.
+    std::int32_t treeSourcesOnly;
+    std::int32_t treeHidden;
+    std::int32_t treeBinaries;
+    std::int32_t treeGitIgnore;
+    std::int32_t treeFollowsTab;
 
     // Assistant. The keys are clear text in memory and protected on disk.
     std::int32_t showAiSidebar;

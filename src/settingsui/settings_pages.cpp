@@ -184,6 +184,12 @@ constexpr Line kProjectLines[] = {
     {FIELD(showProjectTree), Check, L"Show the project tree"},
     {FIELD(showOutline), Check, L"Show the outline", L"The symbols of the document, below the project tree."},
     Numbered(FIELD(projectTreeWidth), L"Width of the tree", 100, 200, L"In pixels at 100 %."),
+    {FIELD(treeSourcesOnly), Check, L"Only source files", L"", L"What the tree shows"},
+    {FIELD(treeHidden), Check, L"Hidden files and folders", L"Also those whose names begin with a dot."},
+    {FIELD(treeBinaries), Check, L"Programs, libraries, pictures and archives",
+     L"When it does not show source files only."},
+    {FIELD(treeGitIgnore), Check, L"Leave out what .gitignore names"},
+    {FIELD(treeFollowsTab), Check, L"Follow the active tab", L"Opens the folders down to the file that is shown."},
 };
 
 constexpr Line kKeyLines[] = {

@@ -1,7 +1,5 @@
-// Session and workspace files as text, and what the project tree shows.
+// Session and workspace files as text.
 #include "documents/margins.h"
-#include "project/tree_actions.h"
-#include "project/tree_rules.h"
 #include "session/session_restore.h"
 #include "session/session_text.h"
 #include "session/session_view.h"
@@ -366,113 +364,6 @@ TEST(WorkspaceText, EscapingStopsInTime) {
     EXPECT_STREQ(out, L"abcd");
     JsonEscape(L"\\\\\\\\", out, 6);
     EXPECT_STREQ(out, L"\\\\\\\\");
-}
-
-TEST(TreeRules, ShowsAndSorts) {
-    EXPECT_TRUE(TreeShows(L"src", true, false));
-    EXPECT_TRUE(TreeShows(L"a.BAS", false, false));
-    EXPECT_FALSE(TreeShows(L"a.exe", false, false));
-    EXPECT_FALSE(TreeShows(L"..", true, false));
-    EXPECT_FALSE(TreeShows(L".git", true, false));
-    EXPECT_FALSE(TreeShows(L"a.bas", false, true));
-
-    std::vector<TreeEntry> entries = {{L"b.bas", false}, {L"Z", true}, {L"A.bas", false}, {L"y", true}};
-    TreeSort(entries);
-    std::wstring order;
-    for (const TreeEntry& entry : entries) order += entry.name + L" ";
-    EXPECT_EQ(order, L"y Z A.bas b.bas ");
-    EXPECT_EQ(TreeRootLabel(L"C:\\work\\demo\\"), L"demo");
-    EXPECT_EQ(TreeRootLabel(L"C:\\"), L"C:");
-    EXPECT_EQ(TreeRootLabel(L"\\"), L"\\");
-    EXPECT_EQ(TreeRootOf(L"C:\\work\\\\"), L"C:\\work");
-    EXPECT_EQ(TreeRootOf(L"C:\\"), L"C:\\");
-    EXPECT_EQ(TreeRootOf(L""), L"");
-    EXPECT_EQ(TreeFirstWidth(401), 200);
-    EXPECT_EQ(TreeFirstWidth(400), 400);
-}
-
-TEST(TreeRules, RowsOfAFolder) {
-    using Rows = std::vector<TreeRow>;
-    TreeListing listing{.readable = true, .entries = {{L"b.bas", false}, {L"sub", true}, {L"other", true}}};
-    TreeFinishListing(listing);
-    EXPECT_EQ(
-        TreeRowsOf(listing, L"C:\\", {L"C:\\sub"}),
-        (Rows{{L"other", NodeKind::FolderUnread}, {L"sub", NodeKind::FolderUnread, true}, {L"b.bas", NodeKind::File}}));
-    EXPECT_EQ(TreeRowsOf({}, L"C:\\x", {}), (Rows{{L"(cannot be read)", NodeKind::Note}}));
-    listing.entries.assign(kTreeMaxShown + 3, {L"f.bas", false});
-    TreeFinishListing(listing);
-    const Rows many = TreeRowsOf(listing, L"C:\\x", {});
-    EXPECT_EQ(many.size(), kTreeMaxShown + 1);
-    EXPECT_EQ(many.back(), (TreeRow{L"(3 more not shown)", NodeKind::Note}));
-}
-
-TEST(TreeActions, ListingsFindTheirFolderOnce) {
-    TreeRequests requests;
-    int folders[kTreeMaxPending] = {};
-    for (int& folder : folders) {
-        const auto number = TreeRequestNumber(requests);
-        ASSERT_TRUE(number);
-        requests.pending[*number] = &folder;
-    }
-    EXPECT_FALSE(TreeRequestNumber(requests)) << "each of these may hang";
-    EXPECT_EQ(TreeRequestTake(requests, 2), &folders[1]);
-    EXPECT_EQ(TreeRequestTake(requests, 2), nullptr) << "taken";
-    const auto next = TreeRequestNumber(requests);
-    EXPECT_EQ(next, kTreeMaxPending + 1) << "a number is not used again";
-    requests.pending.clear();  // a refresh
-    EXPECT_EQ(TreeRequestTake(requests, 3), nullptr);
-    EXPECT_NE(TreeRequestNumber(requests), next) << "not even that of a reading that did not start";
-}
-
-TEST(TreeActions, WhatIsOpenAndCanBeSeenIsOpenedAgain) {
-    struct Item {
-        const wchar_t* path;
-        bool open;
-        int child, next;  // indexes, -1: none
-    };
-    std::vector<Item> items = {{L"C:", true, 1, -1},
-                               {L"C:\\a", false, 2, 3},
-                               {L"C:\\a\\in", true, -1, -1},
-                               {L"C:\\b", true, 4, -1},
-                               {L"C:\\b\\c", true, -1, -1}};
-    const auto at = [&](int index) -> Item* { return index < 0 ? nullptr : &items[static_cast<std::size_t>(index)]; };
-    const auto of = [](TreeItemHandle item) { return static_cast<Item*>(item); };
-    const TreeWalk walk = {.firstChild = [&](TreeItemHandle item) { return at(of(item)->child); },
-                           .next = [&](TreeItemHandle item) { return at(of(item)->next); },
-                           .isOpen = [&](TreeItemHandle item) { return of(item)->open; },
-                           .path = [&](TreeItemHandle item) { return std::wstring(of(item)->path); }};
-    EXPECT_EQ(OpenTreeFolders(walk, items.data()), (std::set<std::wstring>{L"C:", L"C:\\b", L"C:\\b\\c"}));
-    EXPECT_TRUE(OpenTreeFolders(walk, nullptr).empty());
-
-    std::vector<std::wstring> paths;
-    items.clear();
-    for (std::size_t i = 0; i < kTreeMaxReopened + 5; ++i) paths.push_back(std::to_wstring(i));
-    for (std::size_t i = 0; i < paths.size(); ++i)
-        items.push_back({paths[i].c_str(), true, -1, i + 1 < paths.size() ? static_cast<int>(i) + 1 : -1});
-    EXPECT_EQ(OpenTreeFolders(walk, items.data()).size(), kTreeMaxReopened);
-}
-
-TEST(TreeActions, DependOnWhatTheItemIs) {
-    const struct {
-        std::optional<NodeKind> item;
-        TreeItemCommands can;
-        TreeEnter enter;
-    } cases[] = {
-        {std::nullopt, {false, false}, TreeEnter::Nothing},
-        {NodeKind::File, {true, true}, TreeEnter::OpenFile},
-        {NodeKind::FolderUnread, {false, true}, TreeEnter::Toggle},
-        {NodeKind::FolderReading, {false, true}, TreeEnter::Toggle},
-        {NodeKind::FolderRead, {false, true}, TreeEnter::Toggle},
-        {NodeKind::Note, {false, false}, TreeEnter::Toggle},
-    };
-    for (const auto& each : cases) {
-        const int kind = each.item ? static_cast<int>(*each.item) : -1;
-        EXPECT_EQ(TreeCommandsOf(each.item), each.can) << kind;
-        EXPECT_EQ(TreeEnterOn(each.item), each.enter) << kind;
-    }
-    EXPECT_FALSE(TreeFolderOpens({.readable = true, .entries = {}}));
-    EXPECT_TRUE(TreeFolderOpens({.readable = false, .entries = {}})) << "it holds the note that says so";
-    EXPECT_TRUE(TreeFolderOpens({.readable = true, .entries = {{L"a.bas", false}}}));
 }
 
 }  // namespace

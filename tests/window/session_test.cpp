@@ -1,7 +1,5 @@
-// Sessions, workspaces and the project tree: what is written when the program closes, and what comes back.
+// Sessions and workspaces: what is written when the program closes, and what comes back.
 #include "harness.h"
-
-#include <commctrl.h>
 
 #include "documents/margins.h"
 #include "resources/ids.h"
@@ -329,61 +327,6 @@ TEST(Workspace, LeavesFilesOfOthersAlone) {
     EXPECT_EQ(folder.Read(L"package.json"), kForeign);
     EXPECT_EQ(folder.Read(L"workspace.json"), kForeign);
     EXPECT_NE(folder.Read(L"named.json"), "") << "not deleted with the last document";
-}
-
-HTREEITEM Next(const Editor& editor, UINT relation, HTREEITEM item) {
-    return reinterpret_cast<HTREEITEM>(
-        editor.Send(editor.Child(IDC_PROJECT_TREE), TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
-}
-
-std::wstring Label(const Editor& editor, HTREEITEM item) {
-    constexpr std::size_t kTextAt = 256;
-    const RemoteBlock block(editor.process, kTextAt + 256);
-    TVITEMW wanted = {.mask = TVIF_TEXT, .hItem = item, .cchTextMax = 100};
-    wanted.pszText = reinterpret_cast<wchar_t*>(block.At(kTextAt));
-    block.Put(&wanted, sizeof(wanted));
-    wchar_t text[128] = {};
-    if (editor.Send(editor.Child(IDC_PROJECT_TREE), TVM_GETITEMW, 0, block.At())) block.Get(text, 200, kTextAt);
-    return text;
-}
-
-TEST(ProjectTree, FillsFoldersWhenOpenedAndOnlyInPart) {
-    ProgramFolder folder;
-    folder.SetIni(L"Project", L"ShowProjectTree", L"1");
-    const std::wstring a = folder.Write(L"demo\\a.bas", "a");
-    folder.Write(L"demo\\readme.txt", "not a source");
-    folder.Write(L"demo\\sub\\inner.bas", "inner text");
-    folder.Write(L"demo\\big\\f.bas", "");
-    for (int i = 1; i < 2050; ++i) {
-        const std::wstring path = folder.File(L"demo\\big\\f" + std::to_wstring(i) + L".bas");
-        CloseHandle(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
-    }
-    Editor editor(folder, OpenArgument(a));
-    const HWND tree = editor.Child(IDC_PROJECT_TREE);
-    const auto count = [&] { return editor.Send(tree, TVM_GETCOUNT); };
-    // The root and what lies in it: two folders, one source.
-    ASSERT_TRUE(WaitFor([&] { return count() == 4; })) << count();
-
-    const HTREEITEM root = Next(editor, TVGN_ROOT, nullptr);
-    const HTREEITEM big = Next(editor, TVGN_CHILD, root);
-    const HTREEITEM sub = Next(editor, TVGN_NEXT, big);
-    editor.Send(tree, TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(big));
-    EXPECT_TRUE(WaitFor([&] { return count() == 4 + 2000 + 1; })) << count() << ": the rest is one note";
-    editor.Send(tree, TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(sub));
-    // A folder that is being read holds a note meanwhile.
-    const auto child = [&] { return Next(editor, TVGN_CHILD, sub); };
-    ASSERT_TRUE(WaitFor([&] { return Label(editor, child()) == L"inner.bas"; })) << Utf8(Label(editor, child()));
-    EXPECT_EQ(count(), 4 + 2000 + 1 + 1);
-    editor.Send(tree, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(child()));
-    PostMessageW(tree, WM_KEYDOWN, VK_RETURN, 0);
-    ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == 2; })) << editor.Describe();
-    EXPECT_EQ(editor.Text(), "inner text");
-
-    // A refresh finds what is new and keeps open what was open.
-    folder.Write(L"demo\\sub\\later.bas", "");
-    PostMessageW(tree, WM_CHAR, 'R' - '@', 0);
-    EXPECT_TRUE(WaitFor([&] { return count() == 4 + 2000 + 1 + 2; })) << count();
-    EXPECT_EQ(editor.Close(), 0u);
 }
 
 }  // namespace
