@@ -6,6 +6,7 @@
 #include "documents/typing_rules.h"
 #include "language/basic_lexer.h"
 #include "language/block_words.h"
+#include "language/format.h"
 #include "scintilla/sci.h"
 #include "settings/settings_state.h"
 
@@ -39,6 +40,7 @@ struct LineWithBlocks {
     LineState after = 0;
     BlockLine blocks;  // of the line itself
     std::string text;
+    bool isLabel = false;  // it holds a label and nothing else
 };
 
 LineWithBlocks LookAtLine(HWND editor, LRESULT line, BlockTable& table) {
@@ -54,6 +56,7 @@ LineWithBlocks LookAtLine(HWND editor, LRESULT line, BlockTable& table) {
         const ScannedLine scanned = ScanLine(look.text, 0, look.after & kScanStateMask, dialect, tokens);
         look.after = ScanBlocks(table, look.text, tokens, look.after, scanned.state, dialect, look.blocks);
         if (at == first) look.above.depth = look.blocks.depth;
+        look.isLabel = at == first && IsLabelOnly(tokens);
     }
     look.above.indentation = IndentOf(editor, first);
     look.above.own = IndentOf(editor, line);
@@ -81,6 +84,20 @@ void IndentClosingLine(HWND editor, LRESULT line, LineWithBlocks& look, BlockTab
     if (!wanted) return;
     PaneSend(editor, SCI_SETLINEINDENTATION, line, *wanted);
     look.above.indentation = look.above.own = *wanted;
+}
+
+// Puts a label one step further left than what is around it, as the formatter does, and what is below the label not.
+void IndentLabel(HWND editor, LRESULT line, LineWithBlocks& look, BlockTable& table, LRESULT step) {
+    LRESULT above = line;
+    LineWithBlocks before = look;
+    while (before.isLabel && (above = LineAboveWithText(editor, above)) >= 0) before = LookAtLine(editor, above, table);
+    if (before.isLabel || before.above.continues || look.above.depth == 0) return;
+    const std::ptrdiff_t inside = IndentationBelow(before.above, step);
+    if (look.above.own == inside && inside >= step) {
+        look.above.own = look.above.indentation = inside - step;
+        PaneSend(editor, SCI_SETLINEINDENTATION, line, look.above.own);
+    }
+    if (look.above.own == inside - step) --look.above.depth;
 }
 
 // Whether the block that a line with this indentation has opened is closed below `line`. A line that is indented less
@@ -147,6 +164,7 @@ void AfterNewLineInBasic(HWND editor, LRESULT line, BlockTable& table) {
     const LRESULT step = StepOf(editor);
     LineWithBlocks look = LookAtLine(editor, line - 1, table);
     IndentClosingLine(editor, line - 1, look, table, step);
+    if (look.isLabel) IndentLabel(editor, line - 1, look, table, step);
     if (IndentOf(editor, line) != 0) return;  // what was right of the caret has brought some
     const bool empty = IsBlank(editor, line);
     PaneSend(editor, SCI_SETLINEINDENTATION, line, IndentationBelow(look.above, step));
@@ -182,6 +200,7 @@ void EditorPaneAfterLeaving(HWND editor) {
     EditorPaneUpperKeywordBefore(editor, caret);
     LineWithBlocks look = LookAtLine(editor, line, *table);
     IndentClosingLine(editor, line, look, *table, StepOf(editor));
+    if (look.isLabel) IndentLabel(editor, line, look, *table, StepOf(editor));
     DropOwnCloser(editor, line, look, *table);
     PaneSend(editor, SCI_ENDUNDOACTION);
 }

@@ -160,6 +160,9 @@ LRESULT OnPaneCharacter(HWND pane, WPARAM wParam, LPARAM lParam) {
     const LRESULT result = SubclassNext(pane, WM_CHAR, wParam, lParam);
     const LRESULT after = SciSend(pane, SCI_GETCURRENTPOS);
     if (!ContinuesWord(wParam) && after == before + 1) EditorPaneUpperKeywordBefore(pane, before);
+    // "print#" may be a variable, "print#1" is not.
+    if (ContinuesWord(wParam) && before > 0 && SciSend(pane, SCI_GETCHARAT, static_cast<WPARAM>(before - 1)) == '#')
+        EditorPaneUpperKeywordBefore(pane, before - 1);
     if (wParam == L'}' && after == before + 1) EditorPaneAfterClosingBrace(pane);
     if (PaneState* state = PaneStateOf(pane); state != nullptr)
         state->typedAt = ContinuesWord(wParam) && after > before ? after : -1;

@@ -139,14 +139,6 @@ void AppendIndent(std::string& out, int depth, const FormatOptions& options) {
         out.append(static_cast<std::size_t>(levels * std::max(options.indentWidth, 0)), ' ');
 }
 
-// A label alone on its line.
-bool IsLabelOnly(std::span<const Token> tokens) {
-    if (tokens.empty() || tokens.front().kind != TokenKind::Label) return false;
-    return std::ranges::all_of(tokens.subspan(1), [](const Token& token) {
-        return token.kind == TokenKind::Separator || token.kind == TokenKind::Comment;
-    });
-}
-
 // Inline assembly and the lines of a block comment are not touched.
 bool IsKept(ScanState before, std::span<const Token> tokens) {
     if ((before & kScanComment) != 0) return true;
@@ -201,6 +193,13 @@ void AppendLine(std::string& out, Formatter& formatter, const LineReader& reader
 }
 
 }  // namespace
+
+bool IsLabelOnly(std::span<const Token> tokens) {
+    if (tokens.empty() || tokens.front().kind != TokenKind::Label) return false;
+    return std::ranges::all_of(tokens.subspan(1), [](const Token& token) {
+        return token.kind == TokenKind::Separator || token.kind == TokenKind::Comment;
+    });
+}
 
 std::string FormatBasicSource(std::string_view text, const FormatOptions& options) {
     return FormatBasicLines(text, options, 0, std::numeric_limits<int>::max());

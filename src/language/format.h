@@ -5,6 +5,7 @@
 #include "language/blocks.h"
 
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -14,6 +15,9 @@ struct FormatOptions {
     bool upperKeywords = true;  // keywords become upper case; strings and comments do not change
     const Dialect* dialect = &AnyDialect();
 };
+
+// Whether a line holds a label and nothing else but a comment.
+bool IsLabelOnly(std::span<const Token> tokens);
 
 // Formats whole lines of UTF-8 and keeps their ends.
 std::string FormatBasicSource(std::string_view text, const FormatOptions& options);

@@ -441,7 +441,7 @@ TEST(View, ABlockIsClosedWhenItIsOpened) {
     folder.SetIni(L"Editor", L"AutoCloseBlocks", L"1");
     Editor editor(folder, OpenArgument(folder.Write(L"a.bas", "sub a\r\n\r\nend sub\r\n")));
     editor.Foreground();
-    ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
+    ASSERT_TRUE(WaitFor([&] { return editor.Sci() != nullptr && editor.Focus() == editor.Sci(); }));
     editor.Sci(SCI_GOTOPOS, 5);
     editor.Keys({VK_RETURN});  // this block is closed already
     for (const int key : {int{'D'}, int{'O'}, int{VK_RETURN}, int{'X'}}) editor.Keys({key});
@@ -451,12 +451,16 @@ TEST(View, ABlockIsClosedWhenItIsOpened) {
     await("sub a\r\n    DO\r\n        x\r\n    LOOP\r\n\r\nend sub\r\n");
     for (const int key : {int{VK_RETURN}, int{'L'}, int{'O'}, int{'O'}, int{'P'}, int{VK_RETURN}}) editor.Keys({key});
     await("sub a\r\n    DO\r\n        x\r\n    LOOP\r\n    \r\n\r\nend sub\r\n");  // not a second LOOP
+    for (const std::initializer_list<int>& keys : {std::initializer_list<int>{'H'}, {VK_SHIFT, VK_OEM_1}, {VK_RETURN}})
+        editor.Keys(keys);
+    await("sub a\r\n    DO\r\n        x\r\n    LOOP\r\nh:\r\n    \r\n\r\nend sub\r\n");
     // Names in a TYPE are no keywords, and leaving the line does to its last word what Return does.
     editor.Sci(SCI_DOCUMENTEND);
     for (const char key : std::string("TYPE T\rNAME AS DOUBLE")) editor.Keys({key});
     editor.Keys({VK_DOWN});
     await(
-        "sub a\r\n    DO\r\n        x\r\n    LOOP\r\n    \r\n\r\nend sub\r\nTYPE t\r\n    name AS DOUBLE\r\nEND TYPE");
+        "sub a\r\n    DO\r\n        x\r\n    LOOP\r\nh:\r\n    \r\n\r\nend sub\r\nTYPE t\r\n    name AS DOUBLE\r\nEND "
+        "TYPE");
 }
 
 TEST(View, AClickMeansWhatTheViewShows) {
