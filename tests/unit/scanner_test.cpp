@@ -206,7 +206,6 @@ TEST(Blocks, TheWordsOfABlock) {
         {"sub| a\nsub b\nend sub", "sub?"},
         {"sub a\nsub b\nsub c\nend sub|", "sub,end sub"},
         {"type a\nunion\ntype\ntype as long\nend type\nend union\nend t|ype", "type,end type"},
-        {"type a\nselect as long\nnext as a ptr\nend t|ype", "type,end type"},
         {"x\nend if|", "none"},
         {"s = \"if| a then\"", "none"},
     };
