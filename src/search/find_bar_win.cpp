@@ -253,14 +253,13 @@ void FindBarShow() {
     if (g_documents.hEditor == nullptr) return;
     const bool isNew = g_search.hFindBar == nullptr;
     if (isNew && !CreateBar()) return;
-    if (isNew || !IsInBar(GetFocus())) {
-        BarTakePlace();
-        FillBar();
-    }
+    const bool begins = isNew || !IsInBar(GetFocus());
+    if (begins) BarTakePlace();
     if (isNew) {
         FindBarApplyTheme();
         g_events.layoutWanted();
     }
+    if (begins) FillBar();  // a field without its width would show the end of its text
     SendMessageW(Control(IDC_BAR_FIELD), EM_SETSEL, 0, -1);
     SetFocus(Control(IDC_BAR_FIELD));
     BarSearch();

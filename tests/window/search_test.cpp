@@ -197,7 +197,8 @@ TEST(FindBar, FindsWhileTypingAndGoesBack) {
     EXPECT_FALSE(marked(static_cast<WPARAM>(editor.Sci(SCI_POSITIONFROMLINE, 299))));
 
     editor.Keys({VK_CONTROL, 'I'});
-    ASSERT_TRUE(WaitFor([&] { return bar() != nullptr; }));
+    ASSERT_TRUE(WaitFor([&] { return bar() != nullptr && editor.Focus() == part(IDC_BAR_FIELD); }));
+    EXPECT_GE(static_cast<short>(LOWORD(editor.Send(part(IDC_BAR_FIELD), EM_POSFROMCHAR, 0))), 0) << "its start shows";
     editor.Keys({VK_CONTROL, VK_RETURN});
     EXPECT_TRUE(WaitFor([&] { return bar() == nullptr; }));
     EXPECT_EQ(editor.Line(), 300) << "stays at the match of the last text";
