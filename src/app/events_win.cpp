@@ -121,6 +121,7 @@ void OnProgramBuilt(const wchar_t* source, const wchar_t* listing) {
 }  // namespace
 
 void MainWnd_ConnectEvents() {
+    g_events.documentsComing = TabBarOnComing;
     g_events.documentOpened = OnDocumentOpened;
     g_events.documentActivated = OnDocumentActivated;
     g_events.documentChanged = OnDocumentChanged;

@@ -25,6 +25,7 @@ struct Event {
 struct Events {
     // --- Documents. The record of the document exists while the listener runs, unless the event says otherwise.
     Event<DocumentId> documentOpened;       // a record with its editor and its text is in the row
+    Event<bool> documentsComing;            // true: many are about to be opened; false: they are in the row
     Event<DocumentId> documentActivated;    // its editor is now the one that is shown; 0: none is shown
     Event<DocumentId> documentChanged;      // its label, modified mark, build mark or encoding
     Event<int, int> documentMoved;          // the index in the row before and after

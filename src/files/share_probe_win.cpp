@@ -15,6 +15,7 @@ namespace {
 
 constexpr DWORD kWaitMs = 250;
 constexpr ULONGLONG kFreshMs = 5000;   // that an answer is trusted
+constexpr ULONGLONG kDriveMs = 2000;   // that the kind of a drive is trusted
 constexpr ULONGLONG kAgainMs = 30000;  // after which a share that did not answer is asked again
 
 void AskSystem(const wchar_t* root) { GetFileAttributesW(root); }
@@ -40,11 +41,27 @@ bool HasAnswered(const Question& question, DWORD milliseconds) {
     return WaitForSingleObject(question.answered.Get(), milliseconds) == WAIT_OBJECT_0;
 }
 
+// Asks the system once for many paths, because GetDriveTypeW takes up to 2 ms.
+bool DriveIsRemote(const wchar_t* root) {
+    struct Drive {
+        ULONGLONG asked = 0;
+        bool remote = false;
+    };
+    static std::mutex lock;
+    static std::map<wchar_t, Drive> drives;
+    const ULONGLONG now = GetTickCount64();
+    const std::scoped_lock hold(lock);
+    Drive& drive = drives[root[0]];
+    if (drive.asked == 0 || now - drive.asked > kDriveMs)
+        drive = {.asked = now, .remote = GetDriveTypeW(root) == DRIVE_REMOTE};
+    return drive.remote;
+}
+
 std::wstring RemoteRootOf(const wchar_t* path) {
     std::wstring root = ShareRootOf(path);
     if (!root.empty() || path[0] == L'\0' || path[1] != L':') return root;
     const wchar_t drive[] = {path[0], L':', L'\\', L'\0'};
-    return GetDriveTypeW(drive) == DRIVE_REMOTE ? drive : L"";
+    return DriveIsRemote(drive) ? drive : L"";
 }
 
 struct Asking {

@@ -21,7 +21,7 @@
 
 namespace {
 
-constexpr std::size_t kPiece = 1 << 20;  // bytes copied at once, which takes less than a millisecond
+constexpr std::size_t kPiece = 1 << 19;  // bytes copied at once, which takes less than half a millisecond
 constexpr UINT kWaitMs = 250, kCopyMs = 15;
 constexpr DWORD kEndMs = 3000;  // at the end of the program, for a text that is being written
 
@@ -253,6 +253,7 @@ void SnapshotsOnTimer() {
         if (tab < 0 || !TabAt(tab).modified || IsKept(*kept)) continue;
         waits = true;
         if (busy || (!kept->copying && !SnapshotIsDue(kept->times, now))) continue;
+        if (g_snapshots.folder.path.empty() && HaveFolder()) return SetSnapshotTimer(kCopyMs);  // takes its time, too
         if (!HaveFolder()) {
             kept->times = {.firstEdit = now, .lastEdit = now, .written = now, .failed = true};
             TellNotKept(GetLastError());

@@ -146,7 +146,9 @@ void ApplySession(const std::vector<SessionItem>& items) {
         .send = [](int tab, const EditorMessage& message) { SendFitting(TabAt(tab).editor, message); },
         .setRule = [](int tab, const SessionBreakpoint& rule) { ApplyBreakpointRule(TabAt(tab).id, rule); },
         .showFrame = ApplyFrame};
+    g_events.documentsComing(true);
     g_session.missing = SessionRestore(items, target, g_settings, frame);
+    g_events.documentsComing(false);
     TabBarActivate(IsTabIndex(frame.activeTab) ? frame.activeTab : TabCount() - 1);
 }
 

@@ -10,6 +10,7 @@
 void TabBarInit(HWND tabControl);
 
 // --- The events of the row (base/events.h). `index`, `from` and `to` are places in the row.
+void TabBarOnComing(bool coming);
 void TabBarOnOpened(DocumentId document);
 void TabBarOnActivated();
 void TabBarOnChanged(DocumentId document);

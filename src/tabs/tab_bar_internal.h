@@ -14,6 +14,7 @@ struct TabBarState {
     bool tracking = false;  // TrackMouseEvent was called and WM_MOUSELEAVE has not come yet
     HWND tooltip = nullptr;
     WheelRest wheel;
+    bool manyComing = false;  // between TabBarOnComing(true) and (false)
 };
 extern TabBarState g_tabBar;
 

@@ -8,11 +8,13 @@
 #include "tabs/tabs_state.h"
 #include "ui/control_theme.h"
 #include "ui/fonts.h"
+#include "ui/redraw.h"
 #include "ui/ui_state.h"
 
 #include <commctrl.h>
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -29,6 +31,15 @@ void SetTabItemText(int index) {
     item.mask = TCIF_TEXT;
     item.pszText = TabAt(index).label;
     SendMessageW(g_tabs.hTabCtrl, TCM_SETITEMW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
+}
+
+void SetTabSize(int width, int height) {
+    static int lastWidth = 0;
+    static int lastHeight = 0;
+    if (width == lastWidth && height == lastHeight) return;
+    lastWidth = width;
+    lastHeight = height;
+    SendMessageW(g_tabs.hTabCtrl, TCM_SETITEMSIZE, 0, MAKELPARAM(width, height));
 }
 
 void ApplyTabFont() { SendMessageW(g_tabs.hTabCtrl, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE); }
@@ -57,13 +68,7 @@ void TabBarUpdateWidths() {
     if (g_tabs.hTabCtrl == nullptr || !GetClientRect(g_tabs.hTabCtrl, &client)) return;
     const TabMetrics metrics = TabBarMetrics();
     const int width = TabWidthFor(metrics, client.right - metrics.padding / 2, TabCount());
-    static int lastWidth = 0;
-    static int lastHeight = 0;
-    if (width != lastWidth || metrics.height != lastHeight) {
-        lastWidth = width;
-        lastHeight = metrics.height;
-        SendMessageW(g_tabs.hTabCtrl, TCM_SETITEMSIZE, 0, MAKELPARAM(width, metrics.height));
-    }
+    SetTabSize(width, metrics.height);
     TabBarPlaceScroller(g_tabs.hTabCtrl);
     InvalidateRect(g_tabs.hTabCtrl, nullptr, FALSE);
 }
@@ -79,9 +84,20 @@ void TabBarInit(HWND tabControl) {
     TabBarUpdateWidths();
 }
 
+// Between the two the tabs are neither painted nor made to fit. They are so narrow that all fit, because the control places
+// its scroller at each new tab otherwise.
+void TabBarOnComing(bool coming) {
+    static std::optional<RedrawPause> pause;
+    pause.reset();
+    g_tabBar.manyComing = coming;
+    if (!coming) return TabBarUpdateWidths();
+    pause.emplace(g_tabs.hTabCtrl);
+    SetTabSize(1, TabBarHeight());
+}
+
 void TabBarOnOpened(DocumentId document) {
     InsertTabItem(TabBarFindDocument(document));
-    TabBarUpdateWidths();
+    if (!g_tabBar.manyComing) TabBarUpdateWidths();
 }
 
 void TabBarOnActivated() {
