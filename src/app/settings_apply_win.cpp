@@ -5,6 +5,7 @@
 #include "app/app_state.h"
 #include "commands/toolbar.h"
 #include "documents/editor_pane.h"
+#include "project/project.h"
 #include "project/project_tree.h"
 #include "resources/ids.h"
 #include "settings/compiler_presence.h"
@@ -62,5 +63,6 @@ void MainWnd_OnSettingsChanged(const Settings& before) {
         MainWindow_Layout();
     }
     if ((effects & kEffectProject) != 0) ProjectTreePopulate();
+    ProjectOnSettings();
     MainWindow_RequestStateRefresh();
 }

@@ -31,6 +31,8 @@ const ExcludedFolders& ProjectExcludedFolders();  // for a walk over folders
 // Puts the project's include folders before those of the settings, for a document that belongs to the project.
 void ProjectAddIncludeFolders(const wchar_t* document, std::vector<std::wstring>* folders);
 
+// Settings that were reset or imported do not close the open project.
+void ProjectOnSettings();
 void ProjectOnSaved(DocumentId document);
 void ProjectOnSeen(WPARAM sight);  // MSG_PROJECT_SEEN
 void ProjectShutdown(HWND window);

@@ -268,6 +268,11 @@ void ProjectAddIncludeFolders(const wchar_t* document, std::vector<std::wstring>
         folders->insert(folders->begin(), project->includes.begin(), project->includes.end());
 }
 
+void ProjectOnSettings() {
+    if (g_opened.path.empty() || g_opened.path == g_settings.projectFile) return;
+    SettingsChange([](Settings& settings) { SafeCopyW(settings.projectFile, g_opened.path); });
+}
+
 void ProjectOnSaved(DocumentId document) {
     const int tab = TabBarFindDocument(document);
     if (g_opened.path.empty() || tab < 0 || !SamePathText(TabAt(tab).path, g_opened.path)) return;
