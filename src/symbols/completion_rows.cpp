@@ -262,9 +262,10 @@ void OfferForPlace(Collecting& collecting) {
             return OfferClass(collecting, WordClass::Type, RowKind::BasicType, kSecondWords);
         case CompletionPlace::Label: return OfferNames(collecting);
         case CompletionPlace::Instruction:
-            for (const AsmClass kind : {AsmClass::Instruction, AsmClass::Math, AsmClass::Extended, AsmClass::Directive})
+            for (const AsmClass kind : {AsmClass::Instruction, AsmClass::Math, AsmClass::Extended})
                 OfferWords(collecting, AsmWordsOf(kind), RowKind::Instruction, kOwn);
-            return;
+            // MOV is wanted, not MODEL.
+            return OfferWords(collecting, AsmWordsOf(AsmClass::Directive), RowKind::Instruction, kFirstWords);
         case CompletionPlace::Operand:
             OfferWords(collecting, AsmWordsOf(AsmClass::Register), RowKind::Register, kOwn);
             OfferWords(collecting, AsmWordsOf(AsmClass::Operand), RowKind::Instruction, kFirstWords);
