@@ -172,6 +172,8 @@ HIMAGELIST TreeIconsCreate(int dpi, const ThemeChrome& chrome) {
         for (std::size_t x = 0; x < static_cast<std::size_t>(width); ++x)
             small[y * static_cast<std::size_t>(width) + x] =
                 PixelOf(large + y * kSamples * stride + x * kSamples, stride);
+    // A picture of which nothing is opaque would be drawn black, so the empty one has a spot that cannot be seen.
+    small[static_cast<std::size_t>(TreePicture::None) * static_cast<std::size_t>(side)] = 0x01000000;
     ImageList_Add(list, shown.Get(), nullptr);
     return list;
 }

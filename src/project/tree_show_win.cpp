@@ -310,11 +310,11 @@ void TreeOnListing(TreeListingPtr listing) {
 }
 
 void TreeShowNextPage(TreeNode& folder) {
-    const std::size_t last = folder.children.size() - 1;  // the row that stands for the rest
     folder.shown += kTreePage;
-    ApplyMerge(folder, TreeShowMore(folder, WantedName(folder)));
-    if (last < folder.children.size())
-        AskTree(TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(folder.children[last]->item));
+    const TreeMerge merge = TreeShowMore(folder, WantedName(folder));
+    ApplyMerge(folder, merge);
+    if (!merge.added.empty())
+        AskTree(TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(merge.added.front().node->item));
     TreeSettleSoon();
 }
 
