@@ -94,6 +94,9 @@ LRESULT CALLBACK ProjectTreeSubclassProc(HWND window, UINT message, WPARAM wPara
             return ControlColours(reinterpret_cast<HDC>(wParam), ThemeCurrentChrome().paneText,
                                   ThemeCurrentChrome().paneBack);
         case WM_MOUSEMOVE: TreeTipOnMouse({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); break;
+        case WM_NOTIFYFORMAT:  // the tree itself may tell the tooltip to ask for narrow text
+            if (g_tree.tip != nullptr && reinterpret_cast<HWND>(wParam) == g_tree.tip) return NFR_UNICODE;
+            break;
         case WM_NOTIFY:
             if (TreeTipText(*reinterpret_cast<NMHDR*>(lParam))) return 0;
             break;
