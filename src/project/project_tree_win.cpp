@@ -207,6 +207,7 @@ void ProjectTreeRevealActive() {
     if (TreeWindow() == nullptr) return;
     TreeEndEdit();
     TreeReveal(path, true);
+    FocusRetryEnd();
     SetFocus(TreeWindow());
 }
 

@@ -24,6 +24,7 @@ bool IsFolderNode(const TreeNode& node) {
 
 // Opens the field over the item. `text` is what it holds at first.
 void StartEdit(TreeNode& node, const std::wstring& text) {
+    FocusRetryEnd();  // it would end the edit
     SetFocus(TreeWindow());
     TreeView_EnsureVisible(TreeWindow(), TreeItemOf(node));
     TreeView_SelectItem(TreeWindow(), TreeItemOf(node));
