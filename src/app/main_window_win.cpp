@@ -124,7 +124,6 @@ void MainWnd_OnActivate(HWND window, bool active) {
     else
         FocusCurrentEditor();
     FindBarOnEntered();
-    OutsideOnProgramActive();
     CompilersLook(window, MSG_COMPILERS_SEEN);  // the user may have installed or removed one meanwhile
 }
 
@@ -162,8 +161,11 @@ static LRESULT CALLBACK RouteMainMessage(HWND window, UINT message, WPARAM wPara
             MainWnd_OnDpiChanged(window, HIWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
             return 0;
         case WM_ACTIVATE: MainWnd_OnActivate(window, LOWORD(wParam) != WA_INACTIVE); return 0;
-        case WM_ACTIVATEAPP:
-            if (wParam == FALSE) JumpListOnInactive();
+        case WM_ACTIVATEAPP:  // unlike WM_ACTIVATE it does not come when a box of this program closes
+            if (wParam == FALSE)
+                JumpListOnInactive();
+            else
+                OutsideOnProgramActive();
             return 0;
         case WM_SETFOCUS: FocusCurrentEditor(); return 0;
         case WM_COMMAND: MainWnd_OnCommand(LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam)); return 0;

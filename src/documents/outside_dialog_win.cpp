@@ -34,11 +34,12 @@ constexpr std::size_t kMostLines = 2000;         // of a difference that are sho
 constexpr std::size_t kMostCompared = 32 << 20;  // bytes of either text
 constexpr int kListUnits = 96;                   // height of the list with its gap, in dialog units
 constexpr int kDifferenceUnits = 126;            // the same of the difference with its label
+constexpr int kShorterTextUnits = 18;            // what the text above a list does not need
 
 constexpr std::array<ListColumn, 4> kColumns = {{{L"File", 30, 14, false},
-                                                 {L"What", 12, 9, false},
+                                                 {L"What", 22, 9, false},
                                                  {L"Unsaved changes", 16, 8, false},
-                                                 {L"Folder", 40, 10, false}}};
+                                                 {L"Folder", 30, 10, false}}};
 
 struct OutsideDialog {
     OutsideQuestion* question = nullptr;
@@ -135,8 +136,10 @@ void CompareChosen(OutsideDialog& outside) {
         what = L"The text is too large to be compared here.";
     } else {
         const auto* text = reinterpret_cast<const char*>(SciSend(editor, SCI_GETCHARACTERPOINTER));
+        const OutsideChange& change = TabAt(tab).outside;
+        const std::wstring file = change.kind == OutsideKind::Moved ? change.movedTo : std::wstring(TabAt(tab).path);
         if (!WorkerStart<CompareWithFile>(
-                FileComparisonWish{outside.dialog, outside.shown, TabAt(tab).path, std::string(text, length)}))
+                FileComparisonWish{outside.dialog, outside.shown, file, std::string(text, length)}))
             what = L"";
     }
     SetDlgItemTextW(outside.dialog, IDC_OUTSIDE_DIFFERENCE_LABEL, what);
@@ -152,8 +155,9 @@ void ShowOutsideRows(OutsideDialog& outside) {
                                                 : row.ticked ? ListMark::Checked
                                                              : ListMark::Unchecked});
     ListViewUpdate(outside.list, outside.content);
-    EnableWindow(GetDlgItem(outside.dialog, IDC_OUTSIDE_FIRST),
-                 std::ranges::any_of(outside.question->rows, &OutsideRow::ticked));
+    const bool any = std::ranges::any_of(outside.question->rows, &OutsideRow::ticked);
+    EnableWindow(GetDlgItem(outside.dialog, IDC_OUTSIDE_FIRST), any);
+    SendMessageW(outside.dialog, DM_SETDEFID, any ? IDC_OUTSIDE_FIRST : IDC_OUTSIDE_SECOND, 0);
 }
 
 void TickOutsideRow(int index) {
@@ -197,12 +201,21 @@ void MoveControl(HWND dialog, int control, int by) {
     SetWindowPos(window, nullptr, place.left, place.top + by, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-// Makes the dialog higher, or with a negative number lower; the buttons stay at its foot and its middle where it is.
+RECT WorkAreaOf(HWND dialog) {
+    MONITORINFO monitor = {.cbSize = sizeof(monitor)};
+    GetMonitorInfoW(MonitorFromWindow(dialog, MONITOR_DEFAULTTONEAREST), &monitor);
+    return monitor.rcWork;
+}
+
+// Makes the dialog higher, or with a negative number lower; the buttons stay at its foot, and its middle where it is as
+// far as the screen allows.
 void GrowDialog(HWND dialog, int by) {
     RECT place = {};
     GetWindowRect(dialog, &place);
-    SetWindowPos(dialog, nullptr, place.left, place.top - by / 2, place.right - place.left,
-                 place.bottom - place.top + by, SWP_NOZORDER | SWP_NOACTIVATE);
+    const RECT work = WorkAreaOf(dialog);
+    const LONG height = place.bottom - place.top + by;
+    const LONG top = std::max(work.top, std::min(place.top - by / 2, work.bottom - height));
+    SetWindowPos(dialog, nullptr, place.left, top, place.right - place.left, height, SWP_NOZORDER | SWP_NOACTIVATE);
     for (const int button : {IDC_OUTSIDE_FIRST, IDC_OUTSIDE_SECOND, IDC_OUTSIDE_COMPARE, IDCANCEL})
         MoveControl(dialog, button, by);
 }
@@ -217,7 +230,19 @@ void ShowDifferencePart(OutsideDialog& outside) {
     ScrollBarsApplyTheme(outside.difference);
     SubclassAdd(outside.difference, FileDifferenceProc, 0);
     ShowWindow(GetDlgItem(dialog, IDC_OUTSIDE_DIFFERENCE_LABEL), SW_SHOWNA);
-    GrowDialog(dialog, UnitsToPixels(dialog, kDifferenceUnits));
+    // On a low screen the difference takes the room that is left.
+    RECT place = {}, shown = {};
+    GetWindowRect(dialog, &place);
+    GetWindowRect(outside.difference, &shown);
+    const RECT work = WorkAreaOf(dialog);
+    const int wanted = UnitsToPixels(dialog, kDifferenceUnits);
+    const int room = static_cast<int>((work.bottom - work.top) - (place.bottom - place.top));
+    const int by = std::clamp(room, wanted / 3, wanted);
+    SetWindowPos(outside.difference, nullptr, 0, 0, shown.right - shown.left, shown.bottom - shown.top - (wanted - by),
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    GrowDialog(dialog, by);
+    // The buttons have come from under the new window, where nothing of them could be copied from.
+    RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
     CompareChosen(outside);
     EnableWindow(GetDlgItem(dialog, IDC_OUTSIDE_COMPARE), FALSE);
     SetFocus(IsList(outside) ? outside.list.window : outside.difference);
@@ -243,20 +268,24 @@ void FillOutsideDialog(HWND dialog, OutsideDialog& outside) {
     SetDlgItemTextW(dialog, IDCANCEL, question.later);
     ShowWindow(GetDlgItem(dialog, IDC_OUTSIDE_DIFFERENCE_LABEL), SW_HIDE);
     ShowWindow(GetDlgItem(dialog, IDC_OUTSIDE_DIFFERENCE), SW_HIDE);
-    int less = UnitsToPixels(dialog, kDifferenceUnits);
+    const int less = UnitsToPixels(dialog, kDifferenceUnits);
+    const int higher = UnitsToPixels(dialog, IsList(outside) ? kShorterTextUnits : kListUnits);
+    for (const int control : {IDC_OUTSIDE_LIST, IDC_OUTSIDE_DIFFERENCE_LABEL, IDC_OUTSIDE_DIFFERENCE})
+        MoveControl(dialog, control, -higher);
+    GrowDialog(dialog, -less - higher);
     if (IsList(outside)) {
+        RECT text = {};
+        GetClientRect(GetDlgItem(dialog, IDC_OUTSIDE_WHAT), &text);
+        SetWindowPos(GetDlgItem(dialog, IDC_OUTSIDE_WHAT), nullptr, 0, 0, text.right, text.bottom - higher,
+                     SWP_NOMOVE | SWP_NOZORDER);
         ShowListPart(outside);
-    } else {
-        const int list = UnitsToPixels(dialog, kListUnits);
-        ShowWindow(GetDlgItem(dialog, IDC_OUTSIDE_LIST), SW_HIDE);
-        MoveControl(dialog, IDC_OUTSIDE_DIFFERENCE_LABEL, -list);
-        MoveControl(dialog, IDC_OUTSIDE_DIFFERENCE, -list);
-        less += list;
+        SetFocus(outside.list.window);
+        return;
     }
-    GrowDialog(dialog, -less);
+    ShowWindow(GetDlgItem(dialog, IDC_OUTSIDE_LIST), SW_HIDE);
     const HWND first = GetDlgItem(dialog, question.enterIsLater ? IDCANCEL : IDC_OUTSIDE_FIRST);
     SendMessageW(dialog, DM_SETDEFID, static_cast<WPARAM>(GetDlgCtrlID(first)), 0);
-    SetFocus(IsList(outside) ? outside.list.window : first);
+    SetFocus(first);
 }
 
 void OnOutsideCommand(OutsideDialog& outside, int control) {

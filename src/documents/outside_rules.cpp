@@ -51,12 +51,12 @@ bool SaveMeetsChange(const FileState& known, const FileState& now, bool unasked)
     return false;
 }
 
-std::wstring OutsideKindText(OutsideKind kind) {
-    switch (kind) {
+std::wstring OutsideWhatText(const OutsideChange& change) {
+    switch (change.kind) {
         case OutsideKind::Changed: return L"changed";
         case OutsideKind::Replaced: return L"replaced";
         case OutsideKind::Gone: return L"deleted";
-        case OutsideKind::Moved: return L"renamed";
+        case OutsideKind::Moved: return L"renamed to " + change.movedTo.substr(change.movedTo.find_last_of(L'\\') + 1);
         case OutsideKind::None: break;
     }
     return {};
@@ -82,11 +82,10 @@ std::wstring OutsideReloadText(const std::wstring& label, OutsideKind kind, bool
            L"\n\nReload it from the disk?";
 }
 
-std::wstring OutsideListText(std::size_t count) {
-    return std::to_wstring(count) +
-           L" open files were changed by other programs. The ticked ones are reloaded; the others stay as they are "
-           L"here. "
-           L"Undo takes a reload back.";
+std::wstring OutsideListText(std::size_t count, bool anyMoved) {
+    return std::to_wstring(count) + L" open files were changed by other programs. The ticked ones are reloaded" +
+           (anyMoved ? L", or have their new name from now on" : L"") +
+           L"; the others stay as they are here. Undo takes a reload back.";
 }
 
 std::wstring OutsideGoneText(const std::wstring& label) {

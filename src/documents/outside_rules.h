@@ -43,10 +43,10 @@ OutsideStep OutsideStepOf(OutsideKind kind, bool modified, bool reloads);
 bool SaveMeetsChange(const FileState& known, const FileState& now, bool unasked);
 
 // --- Texts. `label`: of the document.
-std::wstring OutsideKindText(OutsideKind kind);                           // in a list: "changed"
+std::wstring OutsideWhatText(const OutsideChange& change);                // in a list: "changed"
 std::wstring OutsideTipText(const OutsideChange& change, bool readOnly);  // a sentence; empty: nothing to tell
 std::wstring OutsideReloadText(const std::wstring& label, OutsideKind kind, bool modified);
-std::wstring OutsideListText(std::size_t count);
+std::wstring OutsideListText(std::size_t count, bool anyMoved);
 std::wstring OutsideGoneText(const std::wstring& label);
 std::wstring OutsideMovedText(const std::wstring& label, const std::wstring& newLabel);
 std::wstring OutsideReadOnlyText(const std::wstring& label);

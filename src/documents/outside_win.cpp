@@ -6,6 +6,7 @@
 #include "base/worker.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
+#include "documents/file_work.h"
 #include "documents/reload.h"
 #include "documents/theme.h"
 #include "files/file_watch.h"
@@ -23,6 +24,8 @@
 namespace {
 
 constexpr UINT kTimerMs = 300;
+constexpr UINT kReloadTimerMs = 10;   // while documents wait to be reloaded
+constexpr ULONGLONG kReloadMs = 30;   // of reloads in a row, because each is on the UI thread and there may be hundreds
 constexpr ULONGLONG kFirstMs = 1500;  // after the first document was opened, so that the start is not slower
 // A question waits for a pause in the user's input, because it would take the keys that are meant for the text.
 constexpr DWORD kPauseMs = 1000, kPauseOnReturnMs = 400;
@@ -39,6 +42,8 @@ struct OutsideState {
     ULONGLONG lastSeen = 0;
     std::uint64_t look = 0;  // that was asked for when he came back; 0: it was answered
     std::uint32_t stay = 1;  // counts how often he came back
+    std::vector<DocumentId> toReload;
+    bool reloads = false;  // a reload handles messages
 };
 OutsideState g_outside;
 
@@ -48,6 +53,38 @@ void StartOutsideTimer() {
 }
 
 bool IsPending(const DocumentTab& tab) { return tab.outside.kind != OutsideKind::None && !tab.outside.asked; }
+
+// The documents were not modified when they were chosen. The one that the user sees comes first.
+void ReloadSoon(DocumentId document) {
+    if (document == ActiveDocumentId())
+        g_outside.toReload.insert(g_outside.toReload.begin(), document);
+    else
+        g_outside.toReload.push_back(document);
+    g_outside.timer = SetTimer(g_ui.hMainWnd, TIMER_OUTSIDE, kReloadTimerMs, nullptr) != 0;
+}
+
+void ReloadNext() {
+    const DocumentId document = g_outside.toReload.front();
+    g_outside.toReload.erase(g_outside.toReload.begin());
+    const int index = TabBarFindDocument(document);
+    if (index < 0 || OutsideStepOf(TabAt(index).outside.kind, TabAt(index).modified, true) == OutsideStep::None) return;
+    if (!TabAt(index).modified) {
+        ReloadFromDisk(document, ReloadFailure::Status);
+        return;
+    }
+    TabAt(index).outside.asked = false;  // edited since, so it is asked about
+    g_outside.pending = true;
+}
+
+void ReloadSome() {
+    if (g_outside.reloads || g_outside.toReload.empty() || FileWorkRuns()) return;
+    g_outside.reloads = true;
+    const ULONGLONG began = GetTickCount64();
+    do ReloadNext();
+    while (!g_outside.toReload.empty() && GetTickCount64() - began < kReloadMs);
+    g_outside.reloads = false;
+    if (g_outside.toReload.empty()) SetTimer(g_ui.hMainWnd, TIMER_OUTSIDE, kTimerMs, nullptr);
+}
 
 void RenewWatch() {
     std::vector<FileToWatch> files;
@@ -140,15 +177,23 @@ void UseNewName(int index) {
     MruAddFile(path.c_str());
 }
 
+bool MayUseNewName(const DocumentTab& tab) {
+    return tab.outside.kind == OutsideKind::Moved && tab.outside.movedTo.size() < kPathCapacity &&
+           TabBarFindPath(tab.outside.movedTo.c_str()) < 0;
+}
+
 OutsideRow RowOf(const DocumentTab& tab) {
     const bool changed = tab.outside.kind == OutsideKind::Changed || tab.outside.kind == OutsideKind::Replaced;
+    // Whether the user has edited it; a lost file makes a document unsaved, too.
+    const bool edited = tab.outside.madeUnsaved ? SciSend(tab.editor, SCI_GETMODIFY) != 0 : tab.modified;
+    const bool moved = MayUseNewName(tab);
     return {.document = tab.id,
             .label = tab.label,
             .path = tab.path,
-            .what = OutsideKindText(tab.outside.kind),
-            .modified = tab.modified,
-            .mayTick = changed,
-            .ticked = changed && !tab.modified};
+            .what = OutsideWhatText(tab.outside),
+            .modified = edited,
+            .mayTick = changed || moved,
+            .ticked = moved || (changed && !edited)};
 }
 
 void AskToReload(const DocumentTab& tab) {
@@ -170,15 +215,14 @@ void AskToReload(const DocumentTab& tab) {
 void AskAboutName(const DocumentTab& tab) {
     const DocumentId document = tab.id;
     const std::wstring path = tab.outside.movedTo;
-    if (TabBarFindPath(path.c_str()) >= 0 || path.size() >= kPathCapacity)
-        return TellUser(kProgramCaption, OutsideGoneText(tab.label).c_str(), AskIcon::Warning);
+    if (!MayUseNewName(tab)) return TellUser(kProgramCaption, OutsideGoneText(tab.label).c_str(), AskIcon::Warning);
     const Answer answer = AskUser({.caption = kProgramCaption,
                                    .text = OutsideMovedText(tab.label, std::wstring(FileNameOf(path))).c_str(),
                                    .buttons = AskButtons::YesNo,
                                    .icon = AskIcon::Question,
                                    .inSelftest = Answer::No});
     const int index = TabBarFindDocument(document);
-    if (answer == Answer::Yes && index >= 0 && TabAt(index).outside.movedTo == path && TabBarFindPath(path.c_str()) < 0)
+    if (answer == Answer::Yes && index >= 0 && TabAt(index).outside.movedTo == path && MayUseNewName(TabAt(index)))
         UseNewName(index);
 }
 
@@ -193,21 +237,32 @@ void AskAboutOne(const DocumentTab& tab) {
 }
 
 void AskAboutMany(const std::vector<DocumentId>& documents) {
+    std::vector<OutsideRow> rows;
+    bool anyMoved = false;
+    for (const DocumentId document : documents) {
+        const DocumentTab& tab = TabAt(TabBarFindDocument(document));
+        anyMoved = anyMoved || MayUseNewName(tab);
+        rows.push_back(RowOf(tab));
+    }
     OutsideQuestion question{.caption = kProgramCaption,
-                             .text = OutsideListText(documents.size()),
-                             .first = L"&Reload Ticked",
+                             .text = OutsideListText(documents.size(), anyMoved),
+                             .first = anyMoved ? L"&Take Ticked" : L"&Reload Ticked",
                              .second = L"&Keep All",
                              .later = L"&Later",
-                             .rows = {}};
-    for (const DocumentId document : documents) question.rows.push_back(RowOf(TabAt(TabBarFindDocument(document))));
+                             .rows = std::move(rows)};
     const OutsideAnswer answer = OutsideDialogShow(question);
     if (answer == OutsideAnswer::Later) return;
     for (const OutsideRow& row : question.rows) {
-        if (!row.mayTick) continue;
-        if (answer == OutsideAnswer::First && row.ticked)
+        const int index = TabBarFindDocument(row.document);
+        if (!row.mayTick || index < 0) continue;
+        if (answer == OutsideAnswer::First && row.ticked && MayUseNewName(TabAt(index)))
+            UseNewName(index);
+        else if (answer == OutsideAnswer::First && row.ticked && !TabAt(index).modified)
+            ReloadSoon(row.document);
+        else if (answer == OutsideAnswer::First && row.ticked)
             ReloadFromDisk(row.document, ReloadFailure::Status);
         else
-            KeepMine(TabBarFindDocument(row.document));
+            KeepMine(index);
     }
 }
 
@@ -226,12 +281,11 @@ std::vector<DocumentId> TakePending() {
 // What is reloaded without a question.
 bool WasReloaded(DocumentId document, bool (*isOwn)(const std::wstring& path)) {
     const int index = TabBarFindDocument(document);
-    if (index < 0) return true;  // closed while another one was read
     DocumentTab& tab = TabAt(index);
     if (OutsideStepOf(tab.outside.kind, tab.modified, true) != OutsideStep::Reload) return false;
     if (g_settings.reloadChangedFiles == 0 && !(PathAnswers(tab.path) && isOwn(tab.path))) return false;
     tab.askedIn = 0;  // it was not asked about
-    ReloadFromDisk(document, ReloadFailure::Status);
+    ReloadSoon(document);
     return true;
 }
 
@@ -251,9 +305,10 @@ void OutsideOnDocuments() {
 }
 
 void OutsideOnTimer() {
+    ReloadSome();
     if (g_outside.renewAt != 0 && GetTickCount64() >= g_outside.renewAt) RenewWatch();
-    const bool waits =
-        g_outside.renewAt != 0 || (g_outside.pending && std::ranges::any_of(g_documents.tabs, IsPending));
+    const bool waits = g_outside.renewAt != 0 || !g_outside.toReload.empty() ||
+                       (g_outside.pending && std::ranges::any_of(g_documents.tabs, IsPending));
     if (waits || !std::exchange(g_outside.timer, false)) return;
     KillTimer(g_ui.hMainWnd, TIMER_OUTSIDE);
     g_outside.pending = false;
@@ -279,6 +334,7 @@ void OutsideOnDocumentActive() {
     static DocumentId last = 0;
     const DocumentId now = ActiveDocumentId();
     if (std::exchange(last, now) == now || now == 0) return;
+    if (std::erase(g_outside.toReload, now) != 0) ReloadSoon(now);
     TabAt(g_documents.activeTab).askedIn = 0;
     AskAgain(TabAt(g_documents.activeTab));
 }
@@ -295,9 +351,7 @@ bool OutsideWantsToAsk() {
 void OutsideAsk(bool (*isOwn)(const std::wstring& path)) {
     g_outside.returned = false;
     std::vector<DocumentId> documents = TakePending();
-    std::erase_if(
-        documents, [isOwn](DocumentId document) { return WasReloaded(document, isOwn); });
-    std::erase_if(documents, [](DocumentId document) { return TabBarFindDocument(document) < 0; });
+    std::erase_if(documents, [isOwn](DocumentId document) { return WasReloaded(document, isOwn); });
     if (documents.size() == 1)
         AskAboutOne(TabAt(TabBarFindDocument(documents.front())));
     else if (!documents.empty())

@@ -38,8 +38,8 @@ bool HasMarker(const Editor& editor, int line, int marker) {
 
 // Both documents have been looked at when the program has been left and entered again.
 void ComeBack(const Editor& editor) {
-    editor.Send(editor.main, WM_ACTIVATE, WA_INACTIVE);
-    editor.Send(editor.main, WM_ACTIVATE, WA_ACTIVE);
+    editor.Send(editor.main, WM_ACTIVATEAPP, FALSE);
+    editor.Send(editor.main, WM_ACTIVATEAPP, TRUE);
 }
 
 }  // namespace
@@ -220,7 +220,8 @@ TEST(Outside, ManyFilesAreOneQuestion) {
     EXPECT_EQ(editor.Text(), "xold\n") << "unsaved changes are not ticked";
     for (int i = 0; i < kFiles; ++i) {
         editor.Do(IDM_NEXT_TAB);
-        EXPECT_EQ(editor.Text(), i == 0 ? "old\n" : i == kFiles - 1 ? "xold\n" : "new\n");
+        const std::string text = i == 0 ? "old\n" : i == kFiles - 1 ? "xold\n" : "new\n";
+        EXPECT_TRUE(WaitFor([&] { return editor.Text() == text; })) << editor.Text();
     }
     editor.Do(IDM_FILE_SAVE);
     EXPECT_EQ(folder.Read(L"f19.bas"), "xold\n");
