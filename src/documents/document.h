@@ -26,5 +26,6 @@ struct DocumentTab : FileBinding {
     FileState onDisk;             // its file, when it was last read or written; unknown: it is not compared
     OutsideChange outside;        // what another program has done to its file since
     std::uint32_t askedIn = 0;  // the stay in the program (documents/outside.h) in which the user was asked; 0: not yet
+    bool answered = false;      // and did not put it off
     BuildMark buildMark = BuildMark::None;
 };

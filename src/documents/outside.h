@@ -27,6 +27,7 @@ void OutsideMark(int tab, const FileState& now, bool asked);
 struct OutsideRow {
     DocumentId document = 0;
     std::wstring label, path, what;
+    FileState now;  // of the file, when the question came up
     bool modified = false;
     bool mayTick = false;
     bool ticked = false;

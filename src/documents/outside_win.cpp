@@ -111,12 +111,14 @@ void TakeBack(DocumentTab& tab, const FileState& now) {
     if (std::exchange(tab.outside, {}).madeUnsaved) SetUnsaved(tab, false);
 }
 
-void MarkChange(DocumentTab& tab, const FileState& now, const std::wstring& movedTo) {
+// Within a stay the user is asked again only about a change that came after his answer, and never about a file that is
+// being changed all the time.
+void MarkChange(DocumentTab& tab, const FileState& now, const std::wstring& movedTo, bool restless) {
     const OutsideKind kind = OutsideKindOf(FileChangeOf(tab.onDisk, now), !movedTo.empty());
     tab.outside.kind = kind;
     tab.outside.now = now;
     tab.outside.movedTo = movedTo;
-    tab.outside.asked = tab.outside.again = tab.askedIn == g_outside.stay;
+    tab.outside.asked = tab.outside.again = tab.askedIn == g_outside.stay && (restless || !tab.answered);
     g_outside.lastSeen = GetTickCount64();
     if (!std::exchange(g_outside.pending, true)) g_outside.firstSeen = g_outside.lastSeen;
     if (kind != OutsideKind::Gone && kind != OutsideKind::Moved) {
@@ -140,7 +142,7 @@ void TakeSeen(const SeenFile& seen) {
         case OutsideNews::Nothing: return;
         case OutsideNews::AsBefore:
         case OutsideNews::ReadOnly: TakeBack(tab, seen.now); break;
-        case OutsideNews::Marked: MarkChange(tab, seen.now, seen.movedTo); break;
+        case OutsideNews::Marked: MarkChange(tab, seen.now, seen.movedTo, seen.restless); break;
     }
     g_events.documentChanged(seen.id);
     if (news == OutsideNews::ReadOnly)
@@ -155,14 +157,15 @@ DWORD MillisecondsSinceInput() {
     return GetLastInputInfo(&input) != FALSE ? GetTickCount() - input.dwTime : kPauseMs;
 }
 
-// The text stays as it is here, and a save overwrites the file as the user has seen it.
-void KeepMine(int index) {
-    if (index < 0 || TabAt(index).outside.now.presence != FilePresence::There) return;
+// The text stays as it is here, and a save overwrites the file that was asked about, but nothing newer.
+void KeepMine(int index, const FileState& askedAbout) {
+    if (index < 0 || askedAbout.presence != FilePresence::There) return;
     DocumentTab& tab = TabAt(index);
-    tab.onDisk = tab.outside.now;
+    tab.onDisk = askedAbout;
     tab.outside = {};
     SetUnsaved(tab, true);
     TabBarUpdateTitle(index);
+    OutsideOnDocuments();
 }
 
 void UseNewName(int index) {
@@ -175,11 +178,16 @@ void UseNewName(int index) {
     SyntaxThemeApply(tab.editor, tab.compilerId, tab.path);
     TabBarUpdateTitle(index);
     MruAddFile(path.c_str());
+    OutsideOnDocuments();
 }
 
 bool MayUseNewName(const DocumentTab& tab) {
     return tab.outside.kind == OutsideKind::Moved && tab.outside.movedTo.size() < kPathCapacity &&
            TabBarFindPath(tab.outside.movedTo.c_str()) < 0;
+}
+
+void NoteAnswer(DocumentId document) {
+    if (const int index = TabBarFindDocument(document); index >= 0) TabAt(index).answered = true;
 }
 
 OutsideRow RowOf(const DocumentTab& tab) {
@@ -191,6 +199,7 @@ OutsideRow RowOf(const DocumentTab& tab) {
             .label = tab.label,
             .path = tab.path,
             .what = OutsideWhatText(tab.outside),
+            .now = tab.outside.now,
             .modified = edited,
             .mayTick = changed || moved,
             .ticked = moved || (changed && !edited)};
@@ -205,9 +214,11 @@ void AskToReload(const DocumentTab& tab) {
                              .later = L"&Later",
                              .enterIsLater = tab.modified,
                              .rows = {RowOf(tab)}};
-    switch (OutsideDialogShow(question)) {
+    const OutsideAnswer answer = OutsideDialogShow(question);
+    if (answer != OutsideAnswer::Later) NoteAnswer(document);
+    switch (answer) {
         case OutsideAnswer::First: ReloadFromDisk(document, ReloadFailure::Box); break;
-        case OutsideAnswer::Second: KeepMine(TabBarFindDocument(document)); break;
+        case OutsideAnswer::Second: KeepMine(TabBarFindDocument(document), question.rows.front().now); break;
         case OutsideAnswer::Later: break;
     }
 }
@@ -227,13 +238,15 @@ void AskAboutName(const DocumentTab& tab) {
 }
 
 void AskAboutOne(const DocumentTab& tab) {
+    const DocumentId document = tab.id;
     switch (OutsideStepOf(tab.outside.kind, tab.modified, false)) {
         case OutsideStep::AskReload: return AskToReload(tab);
-        case OutsideStep::AskName: return AskAboutName(tab);
-        case OutsideStep::Tell: return TellUser(kProgramCaption, OutsideGoneText(tab.label).c_str(), AskIcon::Warning);
+        case OutsideStep::AskName: AskAboutName(tab); break;
+        case OutsideStep::Tell: TellUser(kProgramCaption, OutsideGoneText(tab.label).c_str(), AskIcon::Warning); break;
         case OutsideStep::Reload:
         case OutsideStep::None: break;
     }
+    NoteAnswer(document);
 }
 
 void AskAboutMany(const std::vector<DocumentId>& documents) {
@@ -253,6 +266,7 @@ void AskAboutMany(const std::vector<DocumentId>& documents) {
     const OutsideAnswer answer = OutsideDialogShow(question);
     if (answer == OutsideAnswer::Later) return;
     for (const OutsideRow& row : question.rows) {
+        NoteAnswer(row.document);
         const int index = TabBarFindDocument(row.document);
         if (!row.mayTick || index < 0) continue;
         if (answer == OutsideAnswer::First && row.ticked && MayUseNewName(TabAt(index)))
@@ -262,7 +276,7 @@ void AskAboutMany(const std::vector<DocumentId>& documents) {
         else if (answer == OutsideAnswer::First && row.ticked)
             ReloadFromDisk(row.document, ReloadFailure::Status);
         else
-            KeepMine(index);
+            KeepMine(index, row.now);
     }
 }
 
@@ -273,6 +287,7 @@ std::vector<DocumentId> TakePending() {
         if (!IsPending(tab)) continue;
         tab.outside.asked = true;
         tab.askedIn = g_outside.stay;
+        tab.answered = false;
         documents.push_back(tab.id);
     }
     return documents;
@@ -362,7 +377,7 @@ void OutsideMark(int index, const FileState& now, bool asked) {
     if (!IsTabIndex(index)) return;
     DocumentTab& tab = TabAt(index);
     if (OutsideKindOf(FileChangeOf(tab.onDisk, now), false) == OutsideKind::None) return;
-    MarkChange(tab, now, {});
+    MarkChange(tab, now, {}, false);
     tab.outside.asked = tab.outside.asked || asked;
     g_events.documentChanged(tab.id);
     OutsideOnDocuments();

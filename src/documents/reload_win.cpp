@@ -21,6 +21,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -100,12 +101,28 @@ bool ReloadLines(int tab, const LoadedFile& file) {
     return true;
 }
 
+std::vector<LRESULT> BookmarksOf(HWND editor) {
+    std::vector<LRESULT> lines;
+    constexpr LPARAM kMask = 1 << kMarkBookmark;
+    for (LRESULT line = -1; (line = SciSend(editor, SCI_MARKERNEXT, static_cast<WPARAM>(line + 1), kMask)) >= 0;)
+        lines.push_back(line);
+    return lines;
+}
+
+void RestoreBookmarks(HWND editor, const std::vector<LRESULT>& lines) {
+    SciSend(editor, SCI_MARKERDELETEALL, kMarkBookmark);  // replacing the text has left all of them on the first line
+    for (const LRESULT line : lines)
+        if (line < SciSend(editor, SCI_GETLINECOUNT))
+            SciSend(editor, SCI_MARKERADD, static_cast<WPARAM>(line), kMarkBookmark);
+}
+
 // Puts what was read from its file into a document of the row. False when the editor does not hold all of it.
 bool ShowReloaded(int tab, LoadedFile file) {
     DocumentTab& document = TabAt(tab);
     if (MayChangeLines(document, file)) return ReloadLines(tab, file);
     const bool newDocument = file.bytes == nullptr || file.plain != EditorPaneIsPlain(document.editor);
     const ViewPosition view = CaptureView(document.editor);
+    const std::vector<LRESULT> bookmarks = BookmarksOf(document.editor);
     g_events.textLeaving(document.id);
     const bool whole = DocumentShow(document, std::move(file));
     TabBarUpdateLineEnding(tab);
@@ -114,6 +131,7 @@ bool ShowReloaded(int tab, LoadedFile file) {
         EditorPaneApplySettings(document.editor);
     }
     g_events.textArrived(document.id);
+    RestoreBookmarks(document.editor, bookmarks);
     if (whole) RestoreView(document.editor, view);
     return whole;
 }

@@ -25,8 +25,8 @@ FileState StateWithoutFile(const wchar_t* path, DWORD error) {
     const bool isFolder = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     const std::wstring root = std::wstring(path).substr(0, 3);
     const bool rootIsThere = root[1] != L':' || GetFileAttributesW(root.c_str()) != INVALID_FILE_ATTRIBUTES;
-    if (isFolder || error == ERROR_FILE_NOT_FOUND || (error == ERROR_PATH_NOT_FOUND && rootIsThere))
-        state.presence = FilePresence::Missing;
+    const bool notFound = error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+    if (isFolder || (notFound && rootIsThere)) state.presence = FilePresence::Missing;
     return state;
 }
 

@@ -23,8 +23,9 @@ struct SeenFile {
     int id = 0;
     FileState known;  // what `now` was compared with
     FileState now;
-    std::wstring movedTo;  // the path of a file that is gone and has another name in its folder; empty: it has none
-    std::wstring path;     // that was looked at
+    std::wstring movedTo;   // the path of a file that is gone and has another name in its folder; empty: it has none
+    std::wstring path;      // that was looked at
+    bool restless = false;  // it is being changed all the time
 };
 
 struct FileWatchReport {

@@ -110,7 +110,7 @@ std::optional<SeenFile> LookAt(FileUnderWatch& watched, bool folderTells, const 
     if (FileLooksSame(file.known, now)) {
         watched.settling = {};
         if (!std::exchange(watched.reported, std::nullopt)) return std::nullopt;
-        return SeenFile{file.id, file.known, file.known, {}, file.path};
+        return SeenFile{.id = file.id, .known = file.known, .now = file.known, .movedTo = {}, .path = file.path};
     }
     if (watched.reported && FileLooksSame(*watched.reported, now)) {
         watched.settling = {};
@@ -120,11 +120,17 @@ std::optional<SeenFile> LookAt(FileUnderWatch& watched, bool folderTells, const 
         watched.due = time + kAgainMs;
         return std::nullopt;
     }
+    const bool restless = time - watched.settling.lastMoved < kSettleMs;
     watched.settling = {};
     now = FileStateToCompare(file.path.c_str(), file.known, StopOf(cancel));
     watched.reported = now;
     const bool gone = now.presence == FilePresence::Missing && !watched.remote;
-    return SeenFile{file.id, file.known, now, gone ? NewNameOf(file, watched.folder) : std::wstring{}, file.path};
+    return SeenFile{.id = file.id,
+                    .known = file.known,
+                    .now = now,
+                    .movedTo = gone ? NewNameOf(file, watched.folder) : std::wstring{},
+                    .path = file.path,
+                    .restless = restless};
 }
 
 // Opens what tells of the changes in the folders of the files, and closes the rest.

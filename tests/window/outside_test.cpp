@@ -110,6 +110,16 @@ TEST(Outside, EveryKindIsNoticedAndSaidOnce) {
     editor.Do(IDM_FILE_SAVE);  // what the user has seen is overwritten without another question
     EXPECT_EQ(folder.Read(L"b.bas"), "xb\n");
 
+    WriteBytes(b, "put off\n");
+    AnswerQuestion(editor, L"b.bas was changed", IDCANCEL);
+    WriteBytes(b, "again\n");
+    EXPECT_FALSE(WaitFor([&] { return !editor.Dialogs().empty(); }, 4000)) << "asked again, although nobody came back";
+    ComeBack(editor);
+    AnswerQuestion(editor, L"b.bas was changed", IDC_OUTSIDE_SECOND);
+    WriteBytes(b, "newer than the answer\n");
+    AnswerQuestion(editor, L"b.bas was changed", IDC_OUTSIDE_SECOND);
+    editor.Do(IDM_FILE_SAVE);
+
     WrittenFromNow(b, -10);  // the time alone is no change
     folder.Write(L"new.tmp", "new\n");
     ASSERT_NE(MoveFileExW(folder.File(L"new.tmp").c_str(), b.c_str(), MOVEFILE_REPLACE_EXISTING), 0);
