@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::size_t kMostFolders = 60;     // WaitForMultipleObjects takes 64 handles
 constexpr ULONGLONG kPollMs = 3000;          // between two looks at a file whose folder does not tell
-constexpr ULONGLONG kRareMs = 30000;         // and at one whose folder does
+constexpr ULONGLONG kRareMs = 10000;         // and at one whose folder does
 constexpr ULONGLONG kAgainMs = 100;          // between two looks at a file that has not settled
 constexpr std::size_t kMostEntries = 20000;  // of a folder in which a renamed file is looked for
 constexpr DWORD kWhatTells = FILE_NOTIFY_CHANGE_FILE_NAME | FILE_NOTIFY_CHANGE_LAST_WRITE | FILE_NOTIFY_CHANGE_SIZE |
