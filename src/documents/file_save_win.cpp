@@ -18,6 +18,7 @@
 #include "documents/theme.h"
 #include "files/file_io.h"
 #include "files/recovery.h"
+#include "files/share_probe.h"
 #include "scintilla/sci.h"
 #include "settings/settings_state.h"
 #include "ui/message.h"
@@ -347,6 +348,8 @@ int FileSaveUnasked(int tab) {
     if (!guard.Entered() || !IsTabIndex(tab)) return 0;
     const DocumentTab& document = TabAt(tab);
     if (!document.hasFile || SaveAsksAboutForm(document) || document.outside.kind != OutsideKind::None) return 0;
+    // A share that went away would stop the user's work at every tick of the timer.
+    if (document.editor == nullptr || !PathAnswers(document.path)) return 0;
     return SaveAsBound(document.id, document, SaveManner::Unasked);
 }
 
