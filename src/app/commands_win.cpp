@@ -10,6 +10,8 @@
 #include "commands/status_bar.h"
 #include "commands/view_commands.h"
 #include "compile/build.h"
+#include "completion/completion.h"
+#include "completion/completion_commands.h"
 #include "debugui/debug_commands.h"
 #include "debugui/debug_run.h"
 #include "documents/bookmarks.h"
@@ -30,7 +32,6 @@
 #include "session/session.h"
 #include "settings/version.h"
 #include "settingsui/settings_dialog.h"
-#include "symbols/completion.h"
 #include "symbols/symbol_commands.h"
 #include "ui/clipboard.h"
 #include "ui/long_work.h"
@@ -177,7 +178,7 @@ std::vector<CommandHandler> AllCommandHandlers() {
     for (const std::span<const CommandHandler> area :
          {std::span<const CommandHandler>(kFrameHandlers), RecentCommandHandlers(), ViewCommandHandlers(),
           QuickOpenCommandHandlers(), BuildCommandHandlers(), DebugCommandHandlers(), AiCommandHandlers(),
-          FilesSearchCommandHandlers(), SymbolCommandHandlers(), ProjectCommandHandlers()})
+          FilesSearchCommandHandlers(), SymbolCommandHandlers(), CompletionCommandHandlers(), ProjectCommandHandlers()})
         all.insert(all.end(), area.begin(), area.end());
     return all;
 }
@@ -202,7 +203,8 @@ void MainWnd_OnCommand(int command, int notification, HWND control) {
         RunCommandHandler(ViewCommandHandlers(), command) || RunCommandHandler(QuickOpenCommandHandlers(), command) ||
         CmdHandle_Build(command) || CmdHandle_Debug(command) || CmdHandle_AI(command) ||
         RunCommandHandler(FilesSearchCommandHandlers(), command) ||
-        RunCommandHandler(SymbolCommandHandlers(), command) || RunCommandHandler(ProjectCommandHandlers(), command))
+        RunCommandHandler(SymbolCommandHandlers(), command) ||
+        RunCommandHandler(CompletionCommandHandlers(), command) || RunCommandHandler(ProjectCommandHandlers(), command))
         MainWindow_RequestStateRefresh();
 }
 

@@ -6,6 +6,8 @@
 #include "app/panes.h"
 #include "base/bounded_text.h"
 #include "commands/toolbar.h"
+#include "completion/completion.h"
+#include "completion/tips.h"
 #include "debugui/breakpoint_list.h"
 #include "debugui/debug_commands.h"
 #include "debugui/debug_pane.h"
@@ -21,9 +23,7 @@
 #include "search/find.h"
 #include "search/find_bar.h"
 #include "settings/settings_state.h"
-#include "symbols/completion.h"
 #include "symbols/document_symbols.h"
-#include "symbols/tips.h"
 #include "tabs/tab_bar.h"
 
 #include <shellapi.h>

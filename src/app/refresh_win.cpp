@@ -6,8 +6,8 @@
 #include "commands/command_state.h"
 #include "commands/status_bar.h"
 #include "commands/toolbar.h"
+#include "completion/completion.h"
 #include "resources/ids.h"
-#include "symbols/completion.h"
 #include "symbols/outline_pane.h"
 
 #include <utility>

@@ -4,6 +4,7 @@
 #include "ai/ai_replace.h"
 #include "app/app_state.h"
 #include "commands/toolbar.h"
+#include "completion/completion.h"
 #include "documents/editor_pane.h"
 #include "project/project.h"
 #include "project/project_tree.h"
@@ -12,7 +13,6 @@
 #include "settings/compiler_table.h"
 #include "settings/file_types.h"
 #include "settings/settings_effects.h"
-#include "symbols/completion.h"
 #include "symbols/peek_window.h"
 
 static void SetTimerOrStop(HWND window, UINT_PTR timer, UINT interval) {

@@ -5,13 +5,10 @@
 #include "base/wide_format.h"
 #include "resources/ids.h"
 #include "search/files_search.h"
-#include "symbols/completion.h"
 #include "symbols/outline_pane.h"
 #include "symbols/peek_commands.h"
 #include "symbols/references.h"
 #include "symbols/rename_dialog.h"
-#include "symbols/tips.h"
-#include "symbols/user_snippets.h"
 #include "ui/panes.h"
 
 #include <string>
@@ -46,12 +43,8 @@ constexpr CommandHandler kHandlers[] = {
     {IDM_SYMBOL_DEFINITION, [](int) { GoToDefinition(-1); }},
     {IDM_SYMBOL_REFERENCES, FindAllReferences},
     {IDM_SYMBOL_RENAME, RenameAtCaret},
-    {IDM_PARAMETER_INFO, [](int) { CallTipShow(); }},
     {IDM_PEEK_DEFINITION, [](int) { PeekDefinition(); }},
     {IDM_PEEK_CALLERS, [](int) { PeekCallers(); }},
-    {IDM_SHOW_DECLARATION, [](int) { HoverShowAtCaret(); }},
-    {IDM_EDIT_COMPLETE, [](int) { CompletionShowWanted(); }},
-    {IDM_EDIT_SNIPPETS, [](int) { SnippetsEdit(); }},
 };
 
 }  // namespace

@@ -1,12 +1,12 @@
 // Call tips and what is shown about a word: the calls around a place, the built-in functions, signatures, constants.
+#include "completion/call_tip.h"
+#include "completion/constant_value.h"
+#include "completion/hover_text.h"
 #include "language/builtins.h"
 #include "language/call_context.h"
 #include "settings/compiler_id.h"
 #include "support/dialect_sources.h"
 #include "support/golden_file.h"
-#include "symbols/call_tip.h"
-#include "symbols/constant_value.h"
-#include "symbols/hover_text.h"
 #include "symbols/peek.h"
 
 #include <gtest/gtest.h>

@@ -1,10 +1,10 @@
 // What is offered at a place of a text, in which order, and the snippets.
 #include "language/completion.h"
 
+#include "completion/completion_rows.h"
 #include "settings/compiler_id.h"
 #include "support/dialect_sources.h"
 #include "support/golden_file.h"
-#include "symbols/completion_rows.h"
 
 #include <gtest/gtest.h>
 

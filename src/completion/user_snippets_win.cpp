@@ -1,5 +1,5 @@
 // Reads the user's snippets. UI thread.
-#include "symbols/user_snippets.h"
+#include "completion/user_snippets.h"
 
 #include "base/handles.h"
 #include "base/utf8.h"

@@ -1,19 +1,19 @@
 // The completion list: when it comes up, what it shows, what choosing a row does. UI thread.
-#include "symbols/completion.h"
+#include "completion/completion.h"
 
 #include "base/utf8.h"
+#include "completion/completion_list.h"
+#include "completion/completion_rows.h"
+#include "completion/snippet_fields.h"
+#include "completion/tips.h"
+#include "completion/user_snippets.h"
 #include "documents/document_row.h"
 #include "documents/editor_pane.h"
 #include "documents/typing_rules.h"
 #include "language/basic_lexer.h"
 #include "settings/settings_state.h"
-#include "symbols/completion_list.h"
-#include "symbols/completion_rows.h"
-#include "symbols/snippet_fields.h"
 #include "symbols/symbol_index.h"
 #include "symbols/symbol_place.h"
-#include "symbols/tips.h"
-#include "symbols/user_snippets.h"
 #include "ui/subclass.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // The small images before the rows of the completion list. UI thread only.
 #pragma once
 
-#include "symbols/completion_rows.h"
+#include "completion/completion_rows.h"
 
 #include <windows.h>
 

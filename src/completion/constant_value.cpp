@@ -1,5 +1,5 @@
 // Computes constants. Pure.
-#include "symbols/constant_value.h"
+#include "completion/constant_value.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,6 +1,6 @@
 // The fields of the snippet that was inserted last. Fields of one number are selected together, so that Scintilla writes
 // into all of them; an edit anywhere else ends the walk. UI thread.
-#include "symbols/snippet_fields.h"
+#include "completion/snippet_fields.h"
 
 #include "documents/editor_pane.h"
 #include "ui/chrome.h"

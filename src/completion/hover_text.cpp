@@ -1,8 +1,8 @@
 // Texts about words. Pure.
-#include "symbols/hover_text.h"
+#include "completion/hover_text.h"
 
-#include "symbols/call_tip.h"
-#include "symbols/constant_value.h"
+#include "completion/call_tip.h"
+#include "completion/constant_value.h"
 
 #include <algorithm>
 

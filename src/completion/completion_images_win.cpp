@@ -1,5 +1,5 @@
 // Draws the images of the completion list: a letter on a coloured square, at the size of the editor's text. UI thread.
-#include "symbols/completion_images.h"
+#include "completion/completion_images.h"
 
 #include "base/handles.h"
 #include "ui/theme_table.h"

@@ -1,12 +1,12 @@
 // The call tip: appears when "(" or "," is typed or by its command, follows the caret through the arguments, and goes with
 // the call. Scintilla draws it; its own way of ending a tip ends only what is drawn, so each move of the caret asks
 // whether it still is in the call. UI thread.
-#include "symbols/tips.h"
+#include "completion/tips.h"
 
+#include "completion/call_tip.h"
 #include "documents/document_row.h"
 #include "documents/statement_text.h"
 #include "settings/settings_state.h"
-#include "symbols/call_tip.h"
 #include "symbols/definitions.h"
 #include "symbols/symbol_place.h"
 #include "ui/subclass.h"

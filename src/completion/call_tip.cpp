@@ -1,5 +1,5 @@
 // Makes signatures and the texts of call tips. Pure.
-#include "symbols/call_tip.h"
+#include "completion/call_tip.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,5 +1,5 @@
 // Collects and orders what fits at a place. Pure.
-#include "symbols/completion_rows.h"
+#include "completion/completion_rows.h"
 
 #include "base/scan_text.h"
 #include "language/asm_words.h"

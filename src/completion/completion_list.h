@@ -3,7 +3,7 @@
 // (under Wine 8 to 10 ms with Scintilla's own). UI thread only.
 #pragma once
 
-#include "symbols/completion_rows.h"
+#include "completion/completion_rows.h"
 
 #include <windows.h>
 

@@ -1,9 +1,9 @@
 // Draws the completion list. UI thread.
-#include "symbols/completion_list.h"
+#include "completion/completion_list.h"
 
 #include "base/log.h"
+#include "completion/completion_images.h"
 #include "scintilla/sci.h"
-#include "symbols/completion_images.h"
 #include "ui/chrome.h"
 #include "ui/dpi.h"
 #include "ui/paint.h"

@@ -1,13 +1,13 @@
 // The declaration of the word under the mouse or at the caret, in a tip of Scintilla's. UI thread.
-#include "symbols/tips.h"
+#include "completion/tips.h"
 
 #include "base/path.h"
 #include "base/utf8.h"
+#include "completion/call_tip.h"
+#include "completion/hover_text.h"
 #include "documents/document_row.h"
 #include "documents/statement_text.h"
-#include "symbols/call_tip.h"
 #include "symbols/definition_search.h"
-#include "symbols/hover_text.h"
 #include "symbols/symbol_place.h"
 #include "ui/dpi.h"
 
