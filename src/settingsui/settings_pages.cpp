@@ -63,7 +63,7 @@ constexpr Line kEditorLines[] = {
      L"After ( and , in a tip at the call; Ctrl+Shift+Space shows it at any time."},
     {FIELD(enableAutoComplete), Check, L"Complete words while typing",
      L"A list of names, keywords and snippets. Ctrl+Space shows it at any time."},
-    Numbered(FIELD(autoCompleteTrigger), L"Letters before the list comes up", 1, 10),
+    Numbered(FIELD(autoCompleteTrigger), L"Letters needed", 1, 10, L"Of a word, before the list comes up."),
     {FIELD(enableVirtualSpace), Check, L"Let the caret go beyond the end of a line"},
     {FIELD(wordWrap), Check, L"Wrap long lines", L"", L"View"},
     {FIELD(showWhitespace), Check, L"Show white space"},
