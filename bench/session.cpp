@@ -51,18 +51,22 @@ HWND FindQuestion(DWORD pid) {
     return nullptr;
 }
 
-// Until the active file of the session is there, its question answered as soon as it is asked.
-double RestoreOnce(int files) {
-    const Folder folder;
-    std::size_t size = 0;
-    WriteSession(folder, files, &size);
-    Program editor(Kind::Editor, folder, L"");
+void AnswerRestore(const Program& editor) {
     HWND box = nullptr;
     AwaitOrDie("no question about the session", [&] {
         box = FindQuestion(GetProcessId(editor.Process()));
         return box != nullptr;
     });
     PostMessageW(box, WM_COMMAND, IDYES, 0);
+}
+
+// Until the active file of the session is there, its question answered as soon as it is asked.
+double RestoreOnce(int files) {
+    const Folder folder;
+    std::size_t size = 0;
+    WriteSession(folder, files, &size);
+    Program editor(Kind::Editor, folder, L"");
+    AnswerRestore(editor);
     return editor.AwaitReady(size);
 }
 
@@ -93,12 +97,7 @@ void MeasureAutoSave() {
     std::size_t size = 0;
     WriteSession(folder, kFiles, &size);
     Program editor(Kind::Editor, folder, L"");
-    HWND box = nullptr;
-    AwaitOrDie("no question about the session", [&] {
-        box = FindQuestion(GetProcessId(editor.Process()));
-        return box != nullptr;
-    });
-    PostMessageW(box, WM_COMMAND, IDYES, 0);
+    AnswerRestore(editor);
     editor.AwaitReady(size);
     for (int tab = 0; tab < kFiles; ++tab) Ask(editor.Main(), WM_COMMAND, IDM_NEXT_TAB);  // all are read
     editor.SettledMemory();

@@ -2,6 +2,7 @@
 #include "completion/completion_rows.h"
 
 #include "base/scan_text.h"
+#include "base/words.h"
 #include "language/asm_words.h"
 #include "language/builtins.h"
 
@@ -185,15 +186,6 @@ void OfferNames(Collecting& collecting) {
 }
 
 // --- Words
-
-template <typename Visit>
-void ForEachWord(std::string_view words, Visit visit) {
-    while (!words.empty()) {
-        const std::size_t end = std::min(words.find(' '), words.size());
-        visit(words.substr(0, end));
-        words.remove_prefix(std::min(end + 1, words.size()));
-    }
-}
 
 // LEFT$ for "left": the words of a dialect are without their suffix.
 std::string NameOfFunction(std::string_view word, const Dialect& dialect) {

@@ -12,16 +12,11 @@
 #include "files/source_text.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
-#include "ui/chrome.h"
-#include "ui/control_theme.h"
+#include "ui/dialog_panes.h"
 #include "ui/dialog_theme.h"
 #include "ui/list_view.h"
 #include "ui/message.h"
-#include "ui/rich_lines.h"
-#include "ui/subclass.h"
 #include "ui/ui_state.h"
-
-#include <richedit.h>
 
 #include <algorithm>
 #include <array>
@@ -95,26 +90,10 @@ void CompareWithFile(FileComparisonWish& wish, const WorkerCancel&) {
     WorkerPost(wish.dialog, MSG_OUTSIDE_COMPARED, std::move(done));
 }
 
-std::uint32_t DifferenceColour(DifferenceKind kind) {
-    const ThemeChrome& chrome = ThemeCurrentChrome();
-    switch (kind) {
-        case DifferenceKind::Removed: return ThemeIsDark() ? chrome.error : RGB(176, 0, 0);
-        case DifferenceKind::Added: return ThemeIsDark() ? chrome.success : RGB(0, 112, 0);
-        case DifferenceKind::Place: return ThemeQuietText();
-        default: return 0;
-    }
-}
-
 void ShowFileComparison(OutsideDialog& outside, const FileComparison& comparison) {
     if (comparison.document != outside.shown) return;
     SetDlgItemTextW(outside.dialog, IDC_OUTSIDE_DIFFERENCE_LABEL, comparison.what.c_str());
-    std::vector<PaneLine> lines;
-    for (const DifferenceLine& line : comparison.lines) lines.push_back({line.text, DifferenceColour(line.kind)});
-    if (!lines.empty()) RichLinesAppend(outside.difference, lines, 0);
-    SendMessageW(outside.difference, EM_SETSEL, 0, 0);
-    RichScrollToLeft(outside.difference);
-    SendMessageW(outside.difference, WM_VSCROLL, SB_TOP, 0);
-    InvalidateRect(outside.difference, nullptr, TRUE);
+    DifferencePaneShow(outside.difference, comparison.lines);
 }
 
 DocumentId ChosenDocument(const OutsideDialog& outside) {
@@ -170,23 +149,6 @@ constexpr ListKind kOutsideList = {.columns = kColumns, .hasMarks = true, .check
 
 // --- The dialog
 
-// Leaves Tab, Enter and Esc to the dialog, which the control would keep.
-LRESULT CALLBACK FileDifferenceProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
-    return message == WM_GETDLGCODE ? DLGC_WANTARROWS : SubclassNext(window, message, wParam, lParam);
-}
-
-// Puts the window where the template has its placeholder.
-void ReplacePlaceholder(HWND dialog, int placeholder, HWND window) {
-    RECT place = {};
-    const HWND text = GetDlgItem(dialog, placeholder);
-    GetWindowRect(text, &place);
-    MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
-    SetWindowPos(window, text, place.left, place.top, place.right - place.left, place.bottom - place.top,
-                 SWP_SHOWWINDOW);
-    DestroyWindow(text);
-    SetWindowLongPtrW(window, GWL_STYLE, GetWindowLongPtrW(window, GWL_STYLE) | WS_TABSTOP | WS_BORDER);
-}
-
 int UnitsToPixels(HWND dialog, int units) {
     RECT area = {0, 0, 0, units};
     MapDialogRect(dialog, &area);
@@ -223,12 +185,8 @@ void GrowDialog(HWND dialog, int by) {
 void ShowDifferencePart(OutsideDialog& outside) {
     const HWND dialog = outside.dialog;
     if (outside.difference != nullptr) return;
-    outside.difference = RichPaneCreate(dialog, IDC_OUTSIDE_DIFFERENCE, L"", false);
+    outside.difference = DifferencePaneMake(dialog, IDC_OUTSIDE_DIFFERENCE);
     if (outside.difference == nullptr) return;
-    ReplacePlaceholder(dialog, IDC_OUTSIDE_DIFFERENCE, outside.difference);
-    SendMessageW(outside.difference, EM_SETBKGNDCOLOR, 0, static_cast<LPARAM>(ThemeCurrentChrome().paneBack));
-    ScrollBarsApplyTheme(outside.difference);
-    SubclassAdd(outside.difference, FileDifferenceProc, 0);
     ShowWindow(GetDlgItem(dialog, IDC_OUTSIDE_DIFFERENCE_LABEL), SW_SHOWNA);
     // On a low screen the difference takes the room that is left.
     RECT place = {}, shown = {};
@@ -251,7 +209,7 @@ void ShowDifferencePart(OutsideDialog& outside) {
 void ShowListPart(OutsideDialog& outside) {
     outside.list.inDialog = true;
     if (!ListViewCreate(outside.list, outside.dialog, IDC_OUTSIDE_LIST)) return;
-    ReplacePlaceholder(outside.dialog, IDC_OUTSIDE_LIST, outside.list.window);
+    DialogPutInPlace(outside.dialog, IDC_OUTSIDE_LIST, outside.list.window);
     ListViewApplyTheme(outside.list);
     ListViewShow(outside.list, kOutsideList);
     ShowOutsideRows(outside);

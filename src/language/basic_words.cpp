@@ -1,6 +1,7 @@
 // The words of the five BASIC dialects. Pure.
 #include "language/basic_words.h"
 
+#include "base/words.h"
 #include "settings/compiler_id.h"
 
 #include <algorithm>
@@ -200,16 +201,6 @@ std::size_t FindPlace(const WordTable& table, std::string_view word) {
     std::size_t place = PlaceOf(word);
     while (!table[place].word.empty() && !IsSameWord(table[place].word, word)) place = (place + 1) % kPlaces;
     return place;
-}
-
-// Calls `visit(word)` for each word of a row.
-template <typename Visit>
-void ForEachWord(std::string_view words, Visit visit) {
-    while (!words.empty()) {
-        const std::size_t end = std::min(words.find(' '), words.size());
-        visit(words.substr(0, end));
-        words.remove_prefix(std::min(end + 1, words.size()));
-    }
 }
 
 WordTable MakeTable() {

@@ -9,16 +9,11 @@
 #include "files/file_io.h"
 #include "files/share_probe.h"
 #include "resources/ids.h"
-#include "ui/chrome.h"
-#include "ui/control_theme.h"
+#include "ui/dialog_panes.h"
 #include "ui/dialog_theme.h"
 #include "ui/list_view.h"
 #include "ui/message.h"
-#include "ui/rich_lines.h"
-#include "ui/subclass.h"
 #include "ui/ui_state.h"
-
-#include <richedit.h>
 
 #include <algorithm>
 #include <array>
@@ -82,26 +77,10 @@ void CompareWork(ComparisonWish& wish, const WorkerCancel&) {
     WorkerPost(wish.dialog, MSG_RECOVERY_COMPARED, std::move(done));
 }
 
-std::uint32_t ColourOfKind(DifferenceKind kind) {
-    const ThemeChrome& chrome = ThemeCurrentChrome();
-    switch (kind) {
-        case DifferenceKind::Removed: return ThemeIsDark() ? chrome.error : RGB(176, 0, 0);
-        case DifferenceKind::Added: return ThemeIsDark() ? chrome.success : RGB(0, 112, 0);
-        case DifferenceKind::Place: return ThemeQuietText();
-        default: return 0;
-    }
-}
-
 void ShowComparison(RecoveryList& recovery, const Comparison& comparison) {
     if (comparison.index != recovery.shown) return;
     SetDlgItemTextW(recovery.dialog, IDC_RECOVERY_DIFFERENCE_LABEL, comparison.what.c_str());
-    std::vector<PaneLine> lines;
-    for (const DifferenceLine& line : comparison.lines) lines.push_back({line.text, ColourOfKind(line.kind)});
-    if (!lines.empty()) RichLinesAppend(recovery.difference, lines, 0);
-    SendMessageW(recovery.difference, EM_SETSEL, 0, 0);
-    RichScrollToLeft(recovery.difference);
-    SendMessageW(recovery.difference, WM_VSCROLL, SB_TOP, 0);
-    InvalidateRect(recovery.difference, nullptr, TRUE);
+    DifferencePaneShow(recovery.difference, comparison.lines);
 }
 
 // Compares the text of the selected row, on a worker, because its file may be large or far away.
@@ -194,39 +173,15 @@ bool MayDiscard(const RecoveryList& recovery) {
 
 // --- The dialog
 
-// Leaves Tab, Enter and Esc to the dialog, which the control would keep.
-LRESULT CALLBACK DifferenceProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
-    return message == WM_GETDLGCODE ? DLGC_WANTARROWS : SubclassNext(window, message, wParam, lParam);
-}
-
-// Puts the window where the template has its placeholder.
-void PutInPlace(HWND dialog, int placeholder, HWND window) {
-    RECT place = {};
-    const HWND text = GetDlgItem(dialog, placeholder);
-    GetWindowRect(text, &place);
-    MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
-    SetWindowPos(window, text, place.left, place.top, place.right - place.left, place.bottom - place.top,
-                 SWP_SHOWWINDOW);
-    DestroyWindow(text);
-}
-
 void FillRecoveryDialog(HWND dialog, RecoveryList& recovery) {
     recovery.dialog = dialog;
     SetDlgItemTextW(dialog, IDC_RECOVERY_WHAT,
                     L"These texts were not saved when the editor ended, or a save of them failed. Restored texts are "
                     L"opened as unsaved documents; no file is changed before you save it.");
-    recovery.difference = RichPaneCreate(dialog, IDC_RECOVERY_DIFFERENCE, L"", false);
-    if (recovery.difference != nullptr) {
-        PutInPlace(dialog, IDC_RECOVERY_DIFFERENCE, recovery.difference);
-        SendMessageW(recovery.difference, EM_SETBKGNDCOLOR, 0, static_cast<LPARAM>(ThemeCurrentChrome().paneBack));
-        ScrollBarsApplyTheme(recovery.difference);
-        SubclassAdd(recovery.difference, DifferenceProc, 0);
-    }
+    recovery.difference = DifferencePaneMake(dialog, IDC_RECOVERY_DIFFERENCE);
     recovery.list.inDialog = true;
     if (!ListViewCreate(recovery.list, dialog, IDC_RECOVERY_LIST)) return;
-    PutInPlace(dialog, IDC_RECOVERY_LIST, recovery.list.window);
-    for (const HWND window : {recovery.list.window, recovery.difference})
-        SetWindowLongPtrW(window, GWL_STYLE, GetWindowLongPtrW(window, GWL_STYLE) | WS_TABSTOP | WS_BORDER);
+    DialogPutInPlace(dialog, IDC_RECOVERY_LIST, recovery.list.window);
     ListViewApplyTheme(recovery.list);
     ListViewShow(recovery.list, kRecoveryList);
     ShowRows(recovery);
