@@ -139,16 +139,10 @@ void MeasureBare(const Debuggee& debuggee, Times* times) {
 // --- The editor's debugger, without its windows
 void MeasureSession(const Debuggee& debuggee, Times* times) {
     DebuggerState state;
-    static bool lost;
-    DebugSetSink([](const std::wstring& text, COLORREF) { lost |= text.find(kLostText) != std::wstring::npos; });
+    DebugSetSink([](const std::wstring&, COLORREF) {});
     DebugSetSourcePath(debuggee.source.c_str());
-    double begun = 0;
-    const auto start = [&] {
-        lost = false;
-        begun = NowMs();
-        return DebugStartForCompiler(debuggee.program.c_str(), 0, &state);
-    };
-    if (!StartAgainIfLost(start, [] { return lost; })) Die("no session");
+    const double begun = NowMs();
+    if (!DebugStartForCompiler(debuggee.program.c_str(), 0, &state)) Die("no session");
     const double stopped = NowMs();
     for (int i = 0; i < kSteps; ++i)
         if (!DebugStepOver(&state) || DebugWaitEvent(&state, kEventLimitMs) != kDebugStopped) Die("a step failed");

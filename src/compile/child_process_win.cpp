@@ -1,6 +1,7 @@
 #include "compile/child_process.h"
 
 #include "base/handles.h"
+#include "base/process_start.h"
 #include "base/system_error.h"
 #include "base/wide_format.h"
 #include "files/start_path.h"
@@ -97,8 +98,10 @@ bool CreateSuspended(std::wstring& commandLine, const std::wstring& directory, H
     start.lpAttributeList = inherited.Get();
     const DWORD flags =
         CREATE_SUSPENDED | CREATE_NO_WINDOW | (inherited.Get() != nullptr ? EXTENDED_STARTUPINFO_PRESENT : 0);
-    return CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, flags, nullptr,
-                          directory.empty() ? nullptr : directory.c_str(), &start.StartupInfo, process) != FALSE;
+    return StartAgainIfLost([&] {
+        return CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, flags, nullptr,
+                              directory.empty() ? nullptr : directory.c_str(), &start.StartupInfo, process) != FALSE;
+    });
 }
 
 // Puts the suspended process into the job, so that everything it starts is in the job too, and resumes it. Returns

@@ -6,6 +6,7 @@
 
 #include "base/handles.h"
 #include "base/log.h"
+#include "base/process_start.h"
 #include "base/system_error.h"
 #include "files/file_io.h"
 #include "files/start_path.h"
@@ -75,8 +76,11 @@ bool Launch(const wchar_t* executable, DebuggerState* state) {
     // A console of its own, because the editor has none to share.
     LogFlush();
     const DWORD flags = DEBUG_PROCESS | DEBUG_ONLY_THIS_PROCESS | CREATE_NEW_CONSOLE;
-    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, flags, nullptr,
-                        directory.empty() ? nullptr : directory.c_str(), &startup, &process)) {
+    const wchar_t* const folder = directory.empty() ? nullptr : directory.c_str();
+    if (!StartAgainIfLost([&] {
+            return CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, flags, nullptr, folder,
+                                  &startup, &process) != FALSE;
+        })) {
         SayLaunchFailed(GetLastError());
         return false;
     }

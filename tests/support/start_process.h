@@ -1,33 +1,11 @@
 // Starts programs, for tests and measurements.
 #pragma once
 
-#include <windows.h>
+#include "base/process_start.h"
 
-#include <cstdio>
 #include <functional>
 #include <optional>
 #include <string>
-
-// Once in thousands of starts Wine loses the new process before its first instruction, and CreateProcess fails with
-// ERROR_INTERNAL_ERROR. A second try hides no fault of the program, because none of its code has run. Any other failure
-// is final.
-inline constexpr int kStartTries = 4;
-inline constexpr DWORD kStartPauseMs = 250;
-// The text that the debugger reports for that failure.
-inline constexpr wchar_t kLostText[] = L"Win32 error 1359";
-
-// Calls `start` at most kStartTries times, until it returns true or `lost` returns false for the failure.
-template <typename Start, typename Lost>
-bool StartAgainIfLost(Start start, Lost lost) {
-    for (int tries = 1;; ++tries) {
-        if (start()) return true;
-        if (!lost() || tries == kStartTries) return false;
-        std::fprintf(stderr, "[start] Wine lost a program at its start (error %ld); try %d of %d\n",
-                     ERROR_INTERNAL_ERROR, tries + 1, kStartTries);
-        std::fflush(stderr);
-        Sleep(kStartPauseMs);
-    }
-}
 
 struct StartOptions {
     DWORD flags = 0;
@@ -47,17 +25,11 @@ inline bool StartProcess(std::wstring line, PROCESS_INFORMATION* started, const 
         startup.hStdOutput = options.output;
         startup.hStdError = options.errors;
     }
-    DWORD error = ERROR_SUCCESS;
-    const auto start = [&] {
+    return StartAgainIfLost([&] {
         if (options.beforeEachTry) options.beforeEachTry();
-        const BOOL done = CreateProcessW(nullptr, line.data(), nullptr, nullptr, options.output != nullptr,
-                                         options.flags, nullptr, options.folder, &startup, started);
-        error = done ? ERROR_SUCCESS : GetLastError();
-        return done != FALSE;
-    };
-    const bool done = StartAgainIfLost(start, [&] { return error == ERROR_INTERNAL_ERROR; });
-    SetLastError(error);
-    return done;
+        return CreateProcessW(nullptr, line.data(), nullptr, nullptr, options.output != nullptr, options.flags, nullptr,
+                              options.folder, &startup, started) != FALSE;
+    });
 }
 
 // Runs a program without a window. Returns its exit code, or nothing when it did not start or was ended after

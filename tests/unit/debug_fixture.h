@@ -8,7 +8,6 @@
 #include "debugger/debug_session.h"
 #include "program/debug_say.h"
 #include "program/line_map.h"
-#include "support/start_process.h"
 #include "support/temp_files.h"
 
 #include <gtest/gtest.h>
@@ -66,12 +65,7 @@ protected:
         return std::filesystem::path(KVX_DEBUGGEES_DIR) / (name + std::to_string(Bits()) + ".exe");
     }
     bool StartFile(const std::filesystem::path& program, std::uint32_t compilerId = 1) {
-        const auto start = [&, again = false]() mutable {
-            if (again) g_said.clear();
-            again = true;
-            return DebugStartForCompiler(program.c_str(), compilerId, &state);
-        };
-        const bool started = StartAgainIfLost(start, [] { return TimesSaid(kLostText) > 0; });
+        const bool started = DebugStartForCompiler(program.c_str(), compilerId, &state);
         if (!started)
             for (const Said& one : g_said) std::printf("not started: %ls", one.text.c_str());
         Watch();

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "harness.h"
-#include "support/start_process.h"
 
 #include "resources/ids.h"
 
@@ -21,17 +20,11 @@ inline bool Busy(const Editor& editor) { return editor.Status().ends_with(L"..."
 
 // Starts a build command and waits for its end; the pane's text.
 inline std::wstring Build(const Editor& editor, int command = IDM_BUILD) {
-    std::wstring text;
-    const auto build = [&] {
-        editor.Do(command);
-        EXPECT_TRUE(WaitFor([&] { return !Busy(editor); }, kBuildDeadline)) << "the build does not end\n"
-                                                                            << editor.Describe();
-        editor.Send(editor.main, WM_NULL);
-        text = editor.Output();
-        return text.find(kLostText) == std::wstring::npos;
-    };
-    StartAgainIfLost(build, [] { return true; });
-    return text;
+    editor.Do(command);
+    EXPECT_TRUE(WaitFor([&] { return !Busy(editor); }, kBuildDeadline)) << "the build does not end\n"
+                                                                        << editor.Describe();
+    editor.Send(editor.main, WM_NULL);
+    return editor.Output();
 }
 
 inline void TypeInTerminal(const Editor& editor, const std::wstring& text) {
