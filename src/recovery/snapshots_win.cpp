@@ -6,6 +6,7 @@
 #include "base/worker.h"
 #include "documents/document_row.h"
 #include "files/file_io.h"
+#include "files/session_file.h"
 #include "recovery/run_folder.h"
 #include "recovery/snapshot_note.h"
 #include "recovery/text_snapshot.h"
@@ -23,7 +24,8 @@ namespace {
 
 constexpr std::size_t kPiece = 1 << 18;  // bytes copied at once, which takes a fraction of a millisecond
 constexpr UINT kWaitMs = 250, kCopyMs = 15;
-constexpr DWORD kEndMs = 3000;  // at the end of the program, for a text that is being written
+constexpr unsigned kMoveMs = 1000;  // for a program that reads the text that is kept
+constexpr DWORD kEndMs = 3000;      // at the end of the program, for a text that is being written
 
 // What is kept of one document.
 struct Kept {
@@ -89,8 +91,7 @@ DWORD WriteSnapshot(const std::wstring& path, const std::string& note, const std
     const std::wstring fresh = path + L".new";
     DWORD error = WriteFlushed(path + kSnapshotNoteEnd, {note});
     if (error == 0) error = WriteFlushed(fresh, pieces);
-    if (error == 0 && MoveFileExW(PathForSystem(fresh.c_str()).c_str(), PathForSystem(path.c_str()).c_str(),
-                                  MOVEFILE_REPLACE_EXISTING) == FALSE)
+    if (error == 0 && !MoveInPlace(PathForSystem(fresh.c_str()), PathForSystem(path.c_str()), kMoveMs))
         error = GetLastError();
     if (error != 0) DeleteFileW(PathForSystem(fresh.c_str()).c_str());
     return error;

@@ -11,6 +11,17 @@ bool AwaitKept(const ProgramFolder& folder, const std::set<std::string>& texts) 
     return WaitFor([&] { return KeptTexts(folder) == texts; });
 }
 
+// The file that keeps the text, open for reading.
+HANDLE OpenKept(const ProgramFolder& folder, std::string_view text) {
+    for (const auto& file : fs::recursive_directory_iterator(RecoveryOf(folder)))
+        if (file.is_regular_file() && ReadBytes(file.path().wstring()) == text)
+            return CreateFileW(file.path().c_str(), GENERIC_READ,
+                               FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING, 0,
+                               nullptr);
+    ADD_FAILURE() << text << " is not kept";
+    return INVALID_HANDLE_VALUE;
+}
+
 std::set<std::string> OpenTexts(const Editor& editor) {
     std::set<std::string> texts;
     for (int tab = 0; tab < editor.Tabs(); ++tab) {
@@ -35,7 +46,12 @@ TEST(Recovery, AKillLosesNothing) {
         editor.Do(IDM_FILE_NEW);
         editor.Type("new \xC3\xA9 and more");
         ASSERT_TRUE(WaitFor([&] { return KeptTexts(folder).contains("new \xC3\xA9 and more"); }));
-        editor.Sci(SCI_DELETERANGE, 6, 9);  // the next text takes the place of the last
+        {  // the next text takes the place of the last, although another program reads that one at this moment
+            const HANDLE scanner = OpenKept(folder, "new \xC3\xA9 and more");
+            editor.Sci(SCI_DELETERANGE, 6, 9);
+            EXPECT_TRUE(WaitFor([&] { return KeptTexts(folder).contains("new \xC3\xA9"); }));  // beside it
+            CloseHandle(scanner);
+        }
         ASSERT_TRUE(AwaitKept(folder, texts));
         Editor other(folder);  // what a living copy keeps is not offered
         EXPECT_TRUE(other.Dialogs().empty());
