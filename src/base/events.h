@@ -30,6 +30,7 @@ struct Events {
     Event<DocumentId> documentChanged;      // its label, modified mark, build mark or encoding
     Event<int, int> documentMoved;          // the index in the row before and after
     Event<DocumentId> documentSaved;        // its text has been saved to its file
+    Event<DocumentId> documentClosing;      // its editor and its text are still there
     Event<DocumentId, int> documentClosed;  // its record is gone; the index that it had in the row
     Event<DocumentId> textLeaving;  // its text is about to be discarded by a reload or because its editor closes
     Event<DocumentId> textArrived;  // its text has been loaded, for the first time or again

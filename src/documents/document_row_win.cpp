@@ -253,6 +253,7 @@ int TabBarRemove(int index) {
     const HWND editor = TabAt(index).editor;
     const int wanted = TabBarFindDocument(std::exchange(g_documents.returnTo, 0));
     const bool hadFocus = GetFocus() == editor;
+    g_events.documentClosing(document);
     g_events.textLeaving(document);
     g_documents.activeTab = TabToShowAfterRemoval(g_documents.activeTab, index, TabCount(), wanted);
     g_documents.tabs.erase(g_documents.tabs.begin() + index);

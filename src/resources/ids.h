@@ -18,6 +18,7 @@
 #define IDD_OUTSIDE 3230
 #define IDD_PROJECT_NEW 3240
 #define IDD_FILES_SEARCH 3300
+#define IDD_CLOSE_MANY 3520
 
 // --- Commands: File
 #define IDM_FILE_NEW 1001
@@ -192,6 +193,16 @@
 #define IDM_FILE_RELOAD 1959
 #define IDM_TOOLBAR_MORE 1960
 #define IDM_TAB_CLOSE_RIGHT 1961
+#define IDM_TAB_REOPEN 1470       // opens the document that was closed last
+#define IDM_TAB_LIST 1471         // the list of all tabs
+#define IDM_TAB_RECENT 1472       // the tab that was shown before, with a list while Ctrl is held
+#define IDM_TAB_RECENT_BACK 1473  // the same from the other end
+#define IDM_TAB_PIN 1474          // pins the active tab, or takes the pin off
+#define IDM_TAB_CLOSE_SAVED 1475  // all without changes
+#define IDM_TAB_COPY_NAME 1476
+#define IDM_TAB_OPEN_FOLDER 1477
+#define IDM_TAB_NUMBER_FIRST 1480  // shows the first tab, and so on up to the ninth, 1488
+#define IDM_TAB_LAST 1489
 #define IDM_QUICK_OPEN 1075
 #define IDM_COMMAND_PALETTE 1076
 
@@ -212,6 +223,7 @@
 #define IDC_TERMINAL 2304
 #define IDC_ERROR_LIST 2305
 #define IDC_PROJECT_TREE 2306
+#define IDC_TAB_SWITCHER 3530  // the list of tabs while Ctrl is held
 #define IDC_DEBUG_PANE 2307
 #define IDC_FIND_BAR 2320
 // Children of the search bar.
@@ -356,6 +368,12 @@
 #define IDC_OUTSIDE_SECOND 3236
 #define IDC_OUTSIDE_COMPARE 3237
 
+// --- Controls of the question about the changes of several documents
+#define IDC_CLOSE_WHAT 3521
+#define IDC_CLOSE_LIST 3522
+#define IDC_CLOSE_SAVE 3523
+#define IDC_CLOSE_DISCARD 3524
+
 #define TIMER_OUTSIDE 23                    // of the main window: renews what is watched, waits to ask about changes
 #define MSG_OUTSIDE_SEEN (0x8000 + 92)      // to the main window; wParam: FileWatchReport*, deleted by the receiver
 #define MSG_OUTSIDE_COMPARED (0x8000 + 93)  // to the question; wParam: a block with a difference
@@ -418,10 +436,11 @@
 #define TIMER_DEBUG 5   // polls the debuggee for its next event
 // Looks for the console of a program that was just started under the debugger.
 #define TIMER_DEBUG_CONSOLE 6
-#define TIMER_POSITION 7   // shows the caret's place in the status bar
-#define TIMER_AI 8         // shows the progress of the assistant's requests in the status bar
-#define TIMER_SYMBOLS 14   // scans edited documents for their symbols in pauses of the typing
-#define TIMER_AI_MARKS 21  // updates the marks of a replacement that waits
-#define TIMER_AI_PIECES 9  // shows what has come of streamed replies
-#define TIMER_FIND 12      // goes on with what the search bar looks for
+#define TIMER_POSITION 7     // shows the caret's place in the status bar
+#define TIMER_AI 8           // shows the progress of the assistant's requests in the status bar
+#define TIMER_SYMBOLS 14     // scans edited documents for their symbols in pauses of the typing
+#define TIMER_AI_MARKS 21    // updates the marks of a replacement that waits
+#define TIMER_AI_PIECES 9    // shows what has come of streamed replies
+#define TIMER_TAB_SWITCH 32  // looks whether Ctrl is still held, and shows the list of tabs
+#define TIMER_FIND 12        // goes on with what the search bar looks for
 #define TIMER_FOCUS 32770
