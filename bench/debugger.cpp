@@ -3,7 +3,7 @@
 #include "bench.h"
 
 #include "debugger/debug_session.h"
-#include "documents/margins.h"
+#include "editor/margins.h"
 #include "program/debug_say.h"
 #include "program/line_map.h"
 #include "resources/ids.h"

@@ -9,7 +9,7 @@ cd "${1:-$root}"
 
 # A folder may include itself and the folders before it. So no folder can reach one to its right through any number of
 # headers, and no two folders can include each other. Every folder may include resources/ids.h.
-folders="base files settings ui scintilla language documents tabs output program compile disasm debugger debugui project session recovery search symbols completion ai commands settingsui selftest app"
+folders="base files settings ui scintilla language editor documents tabs output program compile disasm debugger debugui project session recovery search symbols completion ai commands settingsui selftest app"
 longest=600
 
 faults="$(mktemp)"

@@ -6,7 +6,7 @@
 #include "base/heap_text.h"
 #include "base/utf8.h"
 #include "compile/build_source.h"
-#include "documents/editor_pane.h"
+#include "editor/editor_pane.h"
 #include "scintilla/sci.h"
 #include "settings/compiler_id.h"
 #include "settings/settings_state.h"

@@ -1,6 +1,6 @@
 #include "ai/pending_marks.h"
 
-#include "documents/margins.h"
+#include "editor/margins.h"
 #include "scintilla/sci.h"
 
 #include <algorithm>

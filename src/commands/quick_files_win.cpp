@@ -3,9 +3,10 @@
 #include "commands/quick_source.h"
 
 #include "base/path.h"
-#include "documents/caret_place.h"
+#include "documents/document_place.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
+#include "editor/caret_place.h"
 #include "resources/ids.h"
 #include "search/project_files.h"
 #include "settings/settings_state.h"

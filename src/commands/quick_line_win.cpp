@@ -2,8 +2,9 @@
 #include "commands/quick_source.h"
 
 #include "base/wide_format.h"
-#include "documents/caret_place.h"
+#include "documents/document_place.h"
 #include "documents/document_row.h"
+#include "editor/caret_place.h"
 #include "scintilla/sci.h"
 
 #include <algorithm>

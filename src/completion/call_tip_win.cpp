@@ -5,7 +5,7 @@
 
 #include "completion/call_tip.h"
 #include "documents/document_row.h"
-#include "documents/statement_text.h"
+#include "editor/statement_text.h"
 #include "settings/settings_state.h"
 #include "symbols/definitions.h"
 #include "symbols/symbol_place.h"

@@ -6,7 +6,7 @@
 #include "completion/call_tip.h"
 #include "completion/hover_text.h"
 #include "documents/document_row.h"
-#include "documents/statement_text.h"
+#include "editor/statement_text.h"
 #include "symbols/definition_search.h"
 #include "symbols/symbol_place.h"
 #include "ui/dpi.h"

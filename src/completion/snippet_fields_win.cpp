@@ -2,7 +2,7 @@
 // into all of them; an edit anywhere else ends the walk. UI thread.
 #include "completion/snippet_fields.h"
 
-#include "documents/editor_pane.h"
+#include "editor/editor_pane.h"
 #include "ui/chrome.h"
 
 #include <algorithm>

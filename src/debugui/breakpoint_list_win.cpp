@@ -11,7 +11,7 @@
 #include "debugui/fold_signs.h"
 #include "debugui/location.h"
 #include "documents/document_row.h"
-#include "documents/margins.h"
+#include "editor/margins.h"
 #include "files/file_io.h"
 #include "scintilla/sci.h"
 

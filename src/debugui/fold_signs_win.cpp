@@ -3,7 +3,7 @@
 #include "debugui/fold_signs.h"
 
 #include "debugui/breakpoint_rules.h"
-#include "documents/margins.h"
+#include "editor/margins.h"
 #include "scintilla/sci.h"
 
 #include <algorithm>

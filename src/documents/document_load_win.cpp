@@ -3,9 +3,9 @@
 
 #include "base/decode.h"
 #include "base/utf8.h"
-#include "documents/editor_pane.h"
 #include "documents/file_work.h"
-#include "documents/pane_rules.h"
+#include "editor/editor_pane.h"
+#include "editor/pane_rules.h"
 #include "files/file_handle.h"
 #include "files/file_io.h"
 #include "files/share_probe.h"

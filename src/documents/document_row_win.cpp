@@ -4,9 +4,11 @@
 #include "base/events.h"
 #include "base/path.h"
 #include "documents/document_load.h"
-#include "documents/editor_pane.h"
+#include "documents/nav_history.h"
 #include "documents/row_rules.h"
 #include "documents/save_rules.h"
+#include "documents/sticky_label.h"
+#include "editor/editor_pane.h"
 #include "files/share_probe.h"
 #include "language/lexer_table.h"
 #include "resources/ids.h"
@@ -144,6 +146,7 @@ static DocumentTab NewDocument(const wchar_t* path, const wchar_t* label) {
 static void SetUpEditor(int index) {
     const DocumentTab& tab = TabAt(index);
     TabBarUpdateLineEnding(index);
+    EditorPaneSetFile(tab.editor, tab.id, tab.path);
     EditorPaneInit(tab.editor, tab.compilerId);
     EditorPaneApplySettings(tab.editor);
 }

@@ -1,4 +1,4 @@
-// The navigation history: visited places in all tabs, with steps back and forward. Pure.
+// The navigation history: visited places in all tabs, with steps back and forward. Pure but for the last four procedures.
 #pragma once
 
 #include <cstdint>
@@ -31,3 +31,9 @@ bool NavStepForward(NavHistory& history);
 // Called after the row of tabs has changed. Recorded places follow their documents; those of a removed tab get tab -1.
 void NavTabRemoved(NavHistory& history, std::int32_t tab);
 void NavTabMoved(NavHistory& history, std::int32_t from, std::int32_t to);
+
+// --- The history of the open documents. UI thread only.
+void NavHistoryAdd(int position, int tab);  // byte position, tab index
+void NavHistoryMaybeAdd();                  // adds the caret's place unless it is close to the last one
+void NavHistoryBack();
+void NavHistoryForward();

@@ -1,9 +1,9 @@
 // The navigation history applied to the open documents. UI thread.
 #include "documents/nav_history.h"
 
-#include "documents/caret_place.h"
 #include "documents/document_row.h"
-#include "documents/editor_pane.h"
+#include "editor/caret_place.h"
+#include "editor/editor_pane.h"
 #include "scintilla/sci.h"
 
 namespace {

@@ -8,7 +8,7 @@
 #include "documents/file_commands.h"
 #include "documents/file_work.h"
 #include "documents/reload.h"
-#include "documents/theme.h"
+#include "editor/theme.h"
 #include "files/file_watch.h"
 #include "files/share_probe.h"
 #include "resources/ids.h"

@@ -1,7 +1,8 @@
 // Draws the label above the editor that shows the sticky header. UI thread.
+#include "documents/sticky_label.h"
+
 #include "documents/documents_state.h"
-#include "documents/editor_pane.h"
-#include "documents/margins.h"
+#include "editor/margins.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "ui/chrome.h"

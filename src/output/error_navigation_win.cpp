@@ -1,9 +1,10 @@
 // Goes from a diagnostic to its place in the source. UI thread only.
 #include "output/output_pane.h"
 
-#include "documents/caret_place.h"
+#include "documents/document_place.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
+#include "editor/caret_place.h"
 #include "files/file_io.h"
 #include "files/share_probe.h"
 #include "output/diagnostics.h"

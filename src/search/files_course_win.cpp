@@ -4,9 +4,9 @@
 
 #include "base/path.h"
 #include "base/utf8.h"
-#include "documents/caret_place.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
+#include "editor/caret_place.h"
 #include "files/file_io.h"
 #include "files/share_probe.h"
 #include "project/project.h"

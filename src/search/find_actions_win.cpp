@@ -1,9 +1,9 @@
 // Searching, replacing, counting and marking in the active document, by the commands and the find dialog. UI thread.
 #include "base/events.h"
 #include "base/utf8.h"
-#include "documents/caret_place.h"
 #include "documents/document_row.h"
 #include "documents/recent_files.h"
+#include "editor/caret_place.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "search/find.h"

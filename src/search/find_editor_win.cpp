@@ -1,8 +1,8 @@
 // Finds and replaces in one editor. The rules are in find_engine. UI thread.
 #include "search/find_editor.h"
 
-#include "documents/caret_place.h"
-#include "documents/editor_pane.h"
+#include "editor/caret_place.h"
+#include "editor/editor_pane.h"
 #include "scintilla/sci.h"
 
 namespace {

@@ -4,8 +4,8 @@
 #include "base/handles.h"
 #include "base/log.h"
 #include "documents/document_row.h"
-#include "documents/editor_pane.h"
 #include "documents/file_commands.h"
+#include "editor/editor_pane.h"
 #include "files/recovery.h"
 #include "ui/message.h"
 

@@ -2,7 +2,7 @@
 #include "session/session_view.h"
 
 #include "base/utf8.h"
-#include "documents/margins.h"
+#include "editor/margins.h"
 #include "settings/settings_schema.h"
 #include "ui/box_text.h"
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "debugui/breakpoints.h"
-#include "documents/editor_message.h"
+#include "editor/editor_message.h"
 #include "session/session_text.h"
 #include "settings/settings.h"
 

@@ -3,7 +3,7 @@
 
 #include "base/worker.h"
 #include "documents/document_row.h"
-#include "documents/editor_pane.h"
+#include "editor/editor_pane.h"
 #include "language/lexer_table.h"
 #include "language/symbol_pieces.h"
 #include "resources/ids.h"

@@ -6,7 +6,7 @@
 #include "base/wide_format.h"
 #include "base/worker.h"
 #include "documents/document_row.h"
-#include "documents/editor_pane.h"
+#include "editor/editor_pane.h"
 #include "files/file_io.h"
 #include "files/share_probe.h"
 #include "resources/ids.h"

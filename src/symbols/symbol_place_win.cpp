@@ -2,10 +2,11 @@
 #include "symbols/symbol_place.h"
 
 #include "base/utf8.h"
-#include "documents/caret_place.h"
 #include "documents/document_row.h"
-#include "documents/editor_pane.h"
 #include "documents/file_commands.h"
+#include "documents/nav_history.h"
+#include "editor/caret_place.h"
+#include "editor/editor_pane.h"
 #include "scintilla/sci.h"
 
 #include <iterator>

@@ -1,10 +1,10 @@
 // Caret colour, navigation history, colouring of a pane, sticky header, brackets.
-#include "documents/brace_match.h"
-#include "documents/comment_toggle.h"
 #include "documents/nav_history.h"
-#include "documents/pane_rules.h"
-#include "documents/sticky_header.h"
-#include "documents/typing_rules.h"
+#include "editor/brace_match.h"
+#include "editor/comment_toggle.h"
+#include "editor/pane_rules.h"
+#include "editor/sticky_header.h"
+#include "editor/typing_rules.h"
 #include "language/caret_colour.h"
 
 #include <SciLexer.h>

@@ -1,7 +1,7 @@
 // Find and replace in a real editing component.
 #include "search/find_editor.h"
 
-#include "documents/editor_pane.h"
+#include "editor/editor_pane.h"
 #include "scintilla/sci.h"
 #include "ui/long_work.h"
 

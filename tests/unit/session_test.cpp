@@ -1,5 +1,5 @@
 // Session and workspace files as text.
-#include "documents/margins.h"
+#include "editor/margins.h"
 #include "session/session_restore.h"
 #include "session/session_text.h"
 #include "session/session_view.h"

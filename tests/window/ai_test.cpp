@@ -5,7 +5,7 @@
 #include "build_driver.h"
 
 #include <mmsystem.h>
-#include "documents/margins.h"
+#include "editor/margins.h"
 
 #include "resources/ids.h"
 

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "documents/margins.h"
+#include "editor/margins.h"
 #include "resources/ids.h"
 
 namespace debug_driver {

@@ -9,7 +9,7 @@
 #include <array>
 #include <utility>
 
-#include "documents/margins.h"
+#include "editor/margins.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "ui/theme_table.h"

@@ -2,7 +2,7 @@
 // changed in it, how it is worked by keys.
 #include "debug_driver.h"
 
-#include "documents/margins.h"
+#include "editor/margins.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Where a stop is shown when its file or its line is not what the program's map says.
 #include "debug_driver.h"
 
-#include "documents/margins.h"
+#include "editor/margins.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include <commctrl.h>
 
-#include "documents/margins.h"
+#include "editor/margins.h"
 #include "resources/ids.h"
 
 namespace {

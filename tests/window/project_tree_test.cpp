@@ -1,6 +1,6 @@
 // The project tree of the running program: what it shows, the files that it makes, renames and deletes, and what other
 // programs do meanwhile.
-#include "documents/margins.h"
+#include "editor/margins.h"
 #include "resources/ids.h"
 #include "window/harness.h"
 

@@ -1,7 +1,7 @@
 // Sessions and workspaces: what is written when the program closes, and what comes back.
 #include "harness.h"
 
-#include "documents/margins.h"
+#include "editor/margins.h"
 #include "resources/ids.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "documents/margins.h"
+#include "editor/margins.h"
 #include "resources/ids.h"
 
 namespace {

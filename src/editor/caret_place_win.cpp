@@ -1,0 +1,44 @@
+// Places in an editor that come from outside it. UI thread.
+#include "editor/caret_place.h"
+
+#include "editor/pane_state.h"
+#include "scintilla/sci.h"
+
+#include <algorithm>
+
+LRESULT CaretPositionAt(HWND editor, LRESULT position) {
+    const LRESULT at = std::clamp<LRESULT>(position, 0, PaneSend(editor, SCI_GETLENGTH));
+    // Scintilla steps over whole characters and over CR LF in one step.
+    const LRESULT before = PaneSend(editor, SCI_POSITIONBEFORE, at);
+    return PaneSend(editor, SCI_POSITIONAFTER, before) == at ? at : before;
+}
+
+void CaretUncoverLine(HWND editor, LRESULT line) {
+    // SCI_ENSUREVISIBLE on a visible line is not free: with word wrap on it wraps the whole document.
+    if (PaneSend(editor, SCI_GETLINEVISIBLE, line) == 0) PaneSend(editor, SCI_ENSUREVISIBLE, line);
+}
+
+void CaretLeaveHiddenLine(HWND editor) {
+    const LRESULT caret = PaneSend(editor, SCI_GETCURRENTPOS);
+    LRESULT line = PaneSend(editor, SCI_LINEFROMPOSITION, caret);
+    if (PaneSend(editor, SCI_GETLINEVISIBLE, line) != 0) return;
+    while (line > 0 && PaneSend(editor, SCI_GETLINEVISIBLE, line) == 0) {
+        const LRESULT parent = PaneSend(editor, SCI_GETFOLDPARENT, line);
+        line = parent >= 0 && parent < line ? parent : line - 1;
+    }
+    PaneSend(editor, SCI_SETEMPTYSELECTION,
+             PaneSend(editor, SCI_FINDCOLUMN, line, PaneSend(editor, SCI_GETCOLUMN, caret)));
+}
+
+void CaretGoTo(HWND editor, LRESULT position) {
+    const LRESULT at = CaretPositionAt(editor, position);
+    CaretUncoverLine(editor, PaneSend(editor, SCI_LINEFROMPOSITION, at));
+    PaneSend(editor, SCI_GOTOPOS, at);
+}
+
+void CaretSelect(HWND editor, LRESULT anchor, LRESULT caret) {
+    anchor = CaretPositionAt(editor, anchor);
+    caret = CaretPositionAt(editor, caret);
+    for (const LRESULT end : {anchor, caret}) CaretUncoverLine(editor, PaneSend(editor, SCI_LINEFROMPOSITION, end));
+    PaneSend(editor, SCI_SETSEL, anchor, caret);
+}

@@ -1,0 +1,265 @@
+// The subclass of every Scintilla pane: cursor, focus, typed characters, Return, zoom by the wheel, mouse log, and the
+// colouring before a paint. Keeps the PaneState of each pane. UI thread.
+#include "editor/pane_state.h"
+
+#include "base/events.h"
+#include "base/log.h"
+#include "editor/caret_place.h"
+#include "editor/editor_pane.h"
+#include "resources/ids.h"
+#include "scintilla/sci.h"
+#include "ui/menu_draw.h"
+#include "ui/subclass.h"
+#include "ui/ui_state.h"
+
+#include <commctrl.h>
+#include <windowsx.h>
+
+#include <cstdlib>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr int kClassNameLength = 48;
+
+// All panes. A vector is searched faster than a window property is read, because there are few panes and each key looks
+// one up.
+struct PaneEntry {
+    HWND editor;
+    std::unique_ptr<PaneState> state;
+};
+std::vector<PaneEntry> g_panes;
+
+struct MouseMessage {
+    UINT message;
+    const wchar_t* name;
+};
+constexpr MouseMessage kMouseMessages[] = {
+    {WM_LBUTTONDOWN, L"WM_LBUTTONDOWN"},     {WM_LBUTTONUP, L"WM_LBUTTONUP"},
+    {WM_LBUTTONDBLCLK, L"WM_LBUTTONDBLCLK"}, {WM_RBUTTONDOWN, L"WM_RBUTTONDOWN"},
+    {WM_RBUTTONUP, L"WM_RBUTTONUP"},         {WM_RBUTTONDBLCLK, L"WM_RBUTTONDBLCLK"},
+    {WM_MBUTTONDOWN, L"WM_MBUTTONDOWN"},     {WM_MBUTTONUP, L"WM_MBUTTONUP"},
+    {WM_MBUTTONDBLCLK, L"WM_MBUTTONDBLCLK"}, {WM_MOUSEMOVE, L"WM_MOUSEMOVE"},
+    {WM_MOUSEACTIVATE, L"WM_MOUSEACTIVATE"}, {WM_SETCURSOR, L"WM_SETCURSOR"},
+};
+
+const wchar_t* MouseMessageName(UINT message) {
+    for (const MouseMessage& row : kMouseMessages)
+        if (row.message == message) return row.name;
+    return nullptr;
+}
+
+bool IsPlainMove(UINT message, LPARAM lParam) {
+    return message == WM_MOUSEMOVE || (message == WM_SETCURSOR && HIWORD(lParam) == WM_MOUSEMOVE);
+}
+
+void LogPaneMouse(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (!LogIsOpen()) return;
+    const wchar_t* name = MouseMessageName(message);
+    if (name == nullptr) return;
+    if (IsPlainMove(message, lParam) && GetKeyState(VK_LBUTTON) >= 0) return;
+    POINT screen = {};
+    GetCursorPos(&screen);
+    const HWND under = WindowFromPoint(screen);
+    wchar_t paneClass[kClassNameLength] = {};
+    wchar_t underClass[kClassNameLength] = {};
+    GetClassNameW(pane, paneClass, kClassNameLength);
+    if (under != nullptr) GetClassNameW(under, underClass, kClassNameLength);
+    AppLogMsg(
+        L"DBG SCIMOUSE: sci=%p cls=%s msg=%s wp=0x%04x lp=(%d,%d) screen=(%d,%d) WindowFromPoint=%p cls=%s "
+        L"focus=%p",
+        pane, paneClass, name, static_cast<unsigned>(wParam), GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam),
+        static_cast<int>(screen.x), static_cast<int>(screen.y), under, underClass, GetFocus());
+}
+
+// Each move of the mouse asks for the cursor, and the same line a hundred times a second tells nothing new.
+void LogForcedCursor(HWND pane) {
+    static HWND lastPane = nullptr;
+    static HWND lastFocus = nullptr;
+    const HWND focus = GetFocus();
+    if (!LogIsOpen() || (pane == lastPane && focus == lastFocus)) return;
+    AppLogMsg(L"DBG SCIMOUSE: sci=%p msg=WM_SETCURSOR forced IDC_IBEAM focus=%p", pane, focus);
+    lastPane = pane;
+    lastFocus = focus;
+}
+
+// SetFocus sends WM_SETFOCUS, which calls TakeFocus again. The recursion ends there, because SetFocus does nothing for
+// the window that has the focus.
+void TakeFocus(HWND pane) {
+    SetFocus(pane);
+    SciSend(pane, SCI_SETFOCUS, TRUE, 0);
+    EditorPaneEnsureCaretVisible(pane);
+}
+
+// Ctrl with a letter that is no command would otherwise insert a control character.
+bool IsUnwantedCharacter(WPARAM character) {
+    return (character < 0x20 && character != L'\r' && character != L'\n' && character != L'\t') || character == 0x7F;
+}
+
+LRESULT PaintPane(HWND pane, WPARAM wParam, LPARAM lParam) {
+    const PaneState* state = PaneStateOf(pane);
+    if (state != nullptr && state->emptyPaint) return SubclassNext(pane, WM_PAINT, wParam, lParam);
+    EditorPaneCheckLineMargin(pane);
+    const bool colours = EditorColourBeforePaint(pane);
+    const LRESULT result = SubclassNext(pane, WM_PAINT, wParam, lParam);
+    if (colours) EditorColourAfterPaint(pane);
+    return result;
+}
+
+// WM_MOUSEACTIVATE comes before the focus does, and the message of the button after it.
+LRESULT OnPaneMouseActivate(HWND pane, WPARAM wParam, LPARAM lParam) {
+    LogPaneMouse(pane, WM_MOUSEACTIVATE, wParam, lParam);
+    if (PaneState* state = PaneStateOf(pane); state != nullptr) state->pressing = LOWORD(lParam) == HTCLIENT;
+    return SubclassNext(pane, WM_MOUSEACTIVATE, wParam, lParam);
+}
+
+// A press that never came, of a button that Scintilla does not know.
+void OnPaneKillFocus(HWND pane) {
+    if (PaneState* state = PaneStateOf(pane); state != nullptr) state->pressing = false;
+    g_events.refreshWanted();  // the Edit commands go elsewhere now
+}
+
+// Whether the caret still stands behind a word that was being typed. True once.
+bool TakeTypedWord(HWND pane) {
+    PaneState* state = PaneStateOf(pane);
+    return state != nullptr && std::exchange(state->typedAt, -1) == SciSend(pane, SCI_GETCURRENTPOS) &&
+           SciSend(pane, SCI_GETSELECTIONS) == 1 && SciSend(pane, SCI_GETSELECTIONEMPTY) != 0;
+}
+
+LRESULT OnPaneButtonDown(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
+    LogPaneMouse(pane, message, wParam, lParam);
+    if (PaneState* state = PaneStateOf(pane); state != nullptr) state->pressing = true;
+    if (message == WM_LBUTTONDOWN && TakeTypedWord(pane)) EditorPaneAfterLeaving(pane);
+    if (message == WM_LBUTTONDOWN) TakeFocus(pane);
+    const LRESULT result = SubclassNext(pane, message, wParam, lParam);
+    CaretLeaveHiddenLine(pane);  // the press may have folded a block
+    if (PaneState* state = PaneStateOf(pane); state != nullptr) state->pressing = false;
+    return result;
+}
+
+// Posts the zoom command instead of zooming this pane alone, because all editors share one zoom setting.
+LRESULT OnPaneZoomWheel(HWND pane, WPARAM wParam) {
+    PaneState* state = PaneStateOf(pane);
+    if (state == nullptr) return 0;
+    const int notches = WheelNotches(state->zoomWheel, GET_WHEEL_DELTA_WPARAM(wParam));
+    const WORD command = notches > 0 ? IDM_VIEW_ZOOM_IN : IDM_VIEW_ZOOM_OUT;
+    for (int i = 0; i < std::abs(notches); ++i) PostMessageW(g_ui.hMainWnd, WM_COMMAND, command, 0);
+    return 0;
+}
+
+bool ContinuesWord(WPARAM character) {
+    return character >= 0x80 || (character >= L'0' && character <= L'9') || (character >= L'A' && character <= L'Z') ||
+           (character >= L'a' && character <= L'z') || character == L'_';
+}
+
+LRESULT OnPaneCharacter(HWND pane, WPARAM wParam, LPARAM lParam) {
+    if (IsUnwantedCharacter(wParam)) return 0;
+    const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
+    const LRESULT result = SubclassNext(pane, WM_CHAR, wParam, lParam);
+    const LRESULT after = SciSend(pane, SCI_GETCURRENTPOS);
+    if (!ContinuesWord(wParam) && after == before + 1) EditorPaneUpperKeywordBefore(pane, before);
+    // "print#" may be a variable, "print#1" is not.
+    if (ContinuesWord(wParam) && before > 0 && SciSend(pane, SCI_GETCHARAT, static_cast<WPARAM>(before - 1)) == '#')
+        EditorPaneUpperKeywordBefore(pane, before - 1);
+    if (wParam == L'}' && after == before + 1) EditorPaneAfterClosingBrace(pane);
+    if (PaneState* state = PaneStateOf(pane); state != nullptr)
+        state->typedAt = ContinuesWord(wParam) && after > before ? after : -1;
+    return result;
+}
+
+// The keys that lead out of a line.
+bool LeavesLine(WPARAM key) {
+    const bool document = GetKeyState(VK_CONTROL) < 0 && (key == VK_HOME || key == VK_END);
+    return document || key == VK_UP || key == VK_DOWN || key == VK_PRIOR || key == VK_NEXT;
+}
+
+LRESULT OnPaneTabKey(HWND pane, WPARAM wParam, LPARAM lParam) {
+    const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
+    const bool typed = TakeTypedWord(pane);
+    const LRESULT result = SubclassNext(pane, WM_KEYDOWN, wParam, lParam);
+    if (typed && SciSend(pane, SCI_GETCURRENTPOS) > before) EditorPaneUpperKeywordBefore(pane, before);
+    return result;
+}
+
+LRESULT OnPaneReturnKey(HWND pane, WPARAM wParam, LPARAM lParam) {
+    const LRESULT lines = SciSend(pane, SCI_GETLINECOUNT);
+    const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
+    SciSend(pane, SCI_BEGINUNDOACTION);  // one undo step for the line break and the indentation
+    const LRESULT result = SubclassNext(pane, WM_KEYDOWN, wParam, lParam);
+    if (SciSend(pane, SCI_GETLINECOUNT) == lines + 1) {
+        EditorPaneUpperKeywordBefore(pane, before);
+        EditorPaneAfterNewLine(pane);
+    }
+    SciSend(pane, SCI_ENDUNDOACTION);
+    return result;
+}
+
+// Scintilla shows a menu of its own, and the pane is its owner.
+LRESULT ShowPaneMenu(HWND pane, WPARAM wParam, LPARAM lParam) {
+    MenuDrawAttach(pane);
+    const LRESULT result = SubclassNext(pane, WM_CONTEXTMENU, wParam, lParam);
+    MenuDrawDetach(pane);
+    return result;
+}
+
+LRESULT OnPaneDestroy(HWND pane, UINT message, WPARAM wParam, LPARAM lParam);
+
+LRESULT CALLBACK EditorPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
+    switch (message) {
+        case WM_PAINT: return PaintPane(pane, wParam, lParam);
+        case WM_CHAR: return OnPaneCharacter(pane, wParam, lParam);
+        case WM_KEYDOWN:
+            if (wParam == VK_RETURN) return OnPaneReturnKey(pane, wParam, lParam);
+            if (wParam == VK_TAB) return OnPaneTabKey(pane, wParam, lParam);
+            if (LeavesLine(wParam) && TakeTypedWord(pane)) EditorPaneAfterLeaving(pane);
+            break;
+        case WM_SETCURSOR:
+            LogPaneMouse(pane, message, wParam, lParam);
+            if (LOWORD(lParam) != HTCLIENT) break;
+            SetCursor(LoadCursorW(nullptr, IDC_IBEAM));
+            LogForcedCursor(pane);
+            return 1;
+        case WM_SETFOCUS:
+            TakeFocus(pane);
+            g_events.refreshWanted();
+            break;
+        case WM_KILLFOCUS: OnPaneKillFocus(pane); break;
+        case WM_CONTEXTMENU: return ShowPaneMenu(pane, wParam, lParam);
+        case WM_MOUSEACTIVATE: return OnPaneMouseActivate(pane, wParam, lParam);
+        case WM_LBUTTONDOWN:
+        case WM_RBUTTONDOWN:
+        case WM_MBUTTONDOWN: return OnPaneButtonDown(pane, message, wParam, lParam);
+        case WM_MOUSEWHEEL:
+            if (GET_KEYSTATE_WPARAM(wParam) & MK_CONTROL) return OnPaneZoomWheel(pane, wParam);
+            break;
+        case WM_DESTROY: return OnPaneDestroy(pane, message, wParam, lParam);
+        default: LogPaneMouse(pane, message, wParam, lParam); break;
+    }
+    return SubclassNext(pane, message, wParam, lParam);
+}
+
+LRESULT OnPaneDestroy(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
+    EditorColourStop(pane);
+    SciDetach(pane);
+    std::erase_if(g_panes, [pane](const PaneEntry& entry) { return entry.editor == pane; });
+    SubclassRemove(pane, EditorPaneProc);
+    return SubclassNext(pane, message, wParam, lParam);
+}
+
+}  // namespace
+
+PaneState* PaneStateOf(HWND editor) {
+    for (const PaneEntry& entry : g_panes)
+        if (entry.editor == editor) return entry.state.get();
+    return nullptr;
+}
+
+bool EditorPaneInstallSubclass(HWND editor) {
+    auto state = std::make_unique<PaneState>();
+    if (!SubclassAdd(editor, EditorPaneProc)) return false;
+    g_panes.push_back({editor, std::move(state)});
+    SciAttach(editor);
+    return true;
+}
