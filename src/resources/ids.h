@@ -19,6 +19,7 @@
 #define IDD_PROJECT_NEW 3240
 #define IDD_FILES_SEARCH 3300
 #define IDD_CLOSE_MANY 3520
+#define IDD_KEYS 3540
 
 // --- Commands: File
 #define IDM_FILE_NEW 1001
@@ -74,6 +75,49 @@
 #define IDM_FILES_REPLACE 1071
 #define IDM_FILES_NEXT 1072
 #define IDM_FILES_PREVIOUS 1073
+// --- Lines, letters and carets
+#define IDM_LINES_DUPLICATE 1520
+#define IDM_LINES_DELETE 1521
+#define IDM_LINES_UP 1522
+#define IDM_LINES_DOWN 1523
+#define IDM_LINES_JOIN 1524
+#define IDM_CASE_UPPER 1525
+#define IDM_CASE_LOWER 1526
+#define IDM_CASE_TITLE 1527
+#define IDM_LINES_SORT 1528
+#define IDM_LINES_SORT_DOWN 1529
+#define IDM_LINES_UNIQUE 1530
+#define IDM_LINES_TRIM 1531
+#define IDM_TABS_TO_BLANKS 1532
+#define IDM_BLANKS_TO_TABS 1533
+#define IDM_CARET_ABOVE 1534
+#define IDM_CARET_BELOW 1535
+#define IDM_SELECT_NEXT 1536  // the next place of what is selected, as a selection more
+#define IDM_SELECT_EACH 1537
+// --- Folding, at the caret and everywhere
+#define IDM_FOLD 1538
+#define IDM_UNFOLD 1539
+#define IDM_FOLD_ALL 1540
+#define IDM_UNFOLD_ALL 1541
+#define IDM_FOLD_LEVEL_FIRST 1542  // what is at least so deep, up to 1545
+// --- The form of the file, tabs
+#define IDM_ENCODE_UTF8 1546  // the next save writes it
+#define IDM_ENCODE_ANSI 1547
+#define IDM_ENCODE_UTF16_LE 1548
+#define IDM_ENCODE_UTF16_BE 1549
+#define IDM_REOPEN_UTF8 1550  // reads the file again as that
+#define IDM_REOPEN_ANSI 1551
+#define IDM_REOPEN_UTF16_LE 1552
+#define IDM_REOPEN_UTF16_BE 1553
+#define IDM_ENDING_CRLF 1554
+#define IDM_ENDING_LF 1555
+#define IDM_ENDING_CR 1556
+#define IDM_TAB_WIDTH_2 1557
+#define IDM_TAB_WIDTH_3 1558
+#define IDM_TAB_WIDTH_4 1559
+#define IDM_TAB_WIDTH_8 1560
+#define IDM_TAB_INSERTS_TAB 1561
+#define IDM_TAB_INSERTS_BLANKS 1562
 // --- View
 #define IDM_VIEW_FILES_RESULTS 1074
 #define IDM_VIEW_TOOLBAR 1201
@@ -178,6 +222,7 @@
 #define IDM_AI_INSERT_CODE 1968
 #define IDM_AI_NEW_CHAT 1969
 #define IDM_HELP_ABOUT 1601
+#define IDM_HELP_KEYS 1563
 // --- Internal commands
 #define IDM_NEXT_TAB 1950
 #define IDM_PREVIOUS_TAB 1951
@@ -273,6 +318,11 @@
 #define IDC_GOTO_LINE_COUNT 3152
 #define IDC_GOTO_COLUMN 3153
 #define IDC_GOTO_PROCEDURE 3155
+
+// --- Controls of the keyboard map
+#define IDC_KEYS_FILTER 3541
+#define IDC_KEYS_LIST 3542
+#define IDC_GOTO_SHOWN 3543  // of the go-to-line dialog: the caret's place as the status bar has it
 
 // --- Controls of the find dialog
 #define IDC_FIND_WHAT 3101

@@ -64,6 +64,7 @@ struct Settings {
     std::int32_t edgeColumn;
     std::int32_t showToolbar;
     std::int32_t showStatusbar;
+    std::int32_t statusHidden;  // bits of the fields of the status bar that are not shown (commands/status_bar_fit.h)
     wchar_t outputFont[64];
     std::int32_t outputFontSize;      // points
     std::int32_t restoreLastSession;  // whether workspace.json is loaded and saved

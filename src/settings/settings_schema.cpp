@@ -230,6 +230,7 @@ constexpr SettingRow kOtherRows[] = {
     ListRow(kRecent, L"File%d", FIELD(mruFiles), FIELD(mruCount), kMruCapacity, kPathCapacity),
 
     Affects(kEffectLayout, IntRow(kWindow, L"Splitter", FIELD(splitter), 400)),
+    Affects(kEffectLayout, IntRow(kWindow, L"StatusHidden", FIELD(statusHidden), 0)),
     IntRow(kWindow, L"PlaceLeft", FIELD(place.left), 0),
     IntRow(kWindow, L"PlaceTop", FIELD(place.top), 0),
     IntRow(kWindow, L"PlaceWidth", FIELD(place.width), 0),

@@ -291,6 +291,7 @@ constexpr std::size_t kOwnFields[] = {
     FIELD(splitterRatio.of),
     FIELD(sidebarRatio.ratio),
     FIELD(sidebarRatio.of),
+    FIELD(statusHidden),
     FIELD(aiEnabled),
 };
 // Nothing in the program asks for these.
