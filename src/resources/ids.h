@@ -20,6 +20,7 @@
 #define IDD_FILES_SEARCH 3300
 #define IDD_CLOSE_MANY 3520
 #define IDD_KEYS 3540
+#define IDD_NAME_PLACE 3560
 
 // --- Commands: File
 #define IDM_FILE_NEW 1001
@@ -207,6 +208,7 @@
 #define IDM_DEBUG_STEP_OVER_INSTRUCTION 1924
 #define IDM_DEBUG_EXCEPTIONS 1912
 #define IDM_DEBUG_PROGRAM 1925
+#define IDM_DEBUG_NAME_PLACE 1570  // gives a name to a place of the program's memory
 // --- Tools, Help
 #define IDM_AI_OPENAI 1701
 #define IDM_AI_LMSTUDIO 1702
@@ -385,6 +387,15 @@
 #define IDC_PROGRAM_ARGUMENTS 3161
 #define IDC_PROGRAM_FOLDER 3162
 #define IDC_PROGRAM_PROBLEM 3163
+
+// --- Controls of the dialog that names a place
+#define IDC_NAME_PLACE_WHERE 3561
+#define IDC_NAME_PLACE_NAME 3562
+#define IDC_NAME_PLACE_PLACE 3563
+#define IDC_NAME_PLACE_KIND 3564
+#define IDC_NAME_PLACE_VALUE 3565
+#define IDC_NAME_PLACE_PROBLEM 3566
+#define IDC_NAME_PLACE_REMOVE 3567
 
 // --- Controls of the dialog that records
 #define IDC_RECORDING_STATE 3211

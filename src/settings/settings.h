@@ -104,6 +104,7 @@ struct Settings {
     wchar_t postBuildCmd[1024];
 
     // Debugger
+    std::int32_t debugView;        // the view of the debug pane that was shown last (debugui/debug_pane.h)
     wchar_t exceptionRules[1024];  // which exceptions are passed to the program and which stop it; empty: none
 
     // Project

@@ -209,6 +209,7 @@ constexpr SettingRow kOtherRows[] = {
     TextRow(kBuild, L"PostBuildCmd", FIELD(postBuildCmd), 1024, L""),
     BoolRow(kBuild, L"SaveAllBeforeBuild", FIELD(saveAllBeforeBuild), 1),
     TextRow(kDebug, L"Exceptions", FIELD(exceptionRules), 1024, L""),
+    IntRow(kDebug, L"View", FIELD(debugView), 0, Else(0, 7, 0)),
 
     BoolRow(kAi, L"Enabled", FIELD(aiEnabled), 0, kSettingSaveOnly),
     BoolRow(kAi, L"OpenAIEnabled", FIELD(openAIEnabled), 0),

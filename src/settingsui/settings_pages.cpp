@@ -281,6 +281,7 @@ constexpr std::size_t kOwnFields[] = {
     FIELD(mruCount),
     FIELD(mruFiles),
     FIELD(splitter),
+    FIELD(debugView),
     FIELD(place.left),
     FIELD(place.top),
     FIELD(place.width),
