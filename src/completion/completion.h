@@ -8,5 +8,5 @@
 void CompletionAttach(HWND editor);  // for a new editor
 void CompletionOnNotify(HWND editor, const SCNotification& notification);
 void CompletionClose();       // the theme or another setting has changed
-void CompletionGoOn();        // once the message queue is empty: the list follows what was typed
+void CompletionGoOn();        // once the message queue is empty: an open list follows what was typed
 void CompletionShowWanted();  // the command: at the caret of the active editor

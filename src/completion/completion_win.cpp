@@ -70,6 +70,8 @@ struct WaitingPlace {
     bool wanted = false;
 };
 WaitingPlace g_waiting;
+constexpr UINT_PTR kOpenTimer = 0x4B56;  // of the editor
+constexpr UINT kOpenMs = 30;
 HWND g_typedIn = nullptr;            // the editor whose list is to follow what was typed; null: none
 std::deque<std::string> g_accepted;  // words that were chosen in this run, the last one first
 bool g_dropCharacter = false;        // the key down was taken, its character is to be dropped
@@ -307,12 +309,21 @@ void Update(HWND editor, bool wanted) {
     ShowRows();
 }
 
-// The list follows once the typed character is painted.
-void UpdateLater(HWND editor) { g_typedIn = editor; }
-
 void UpdateNow() {
     const HWND editor = std::exchange(g_typedIn, nullptr);
     if (editor != nullptr && editor == g_documents.hEditor) Update(editor, false);
+}
+
+void CALLBACK OnOpenTimer(HWND editor, UINT, UINT_PTR timer, DWORD) {
+    KillTimer(editor, timer);
+    if (g_typedIn == editor) UpdateNow();
+}
+
+// An open list follows once the typed character is painted. Another one opens in the first pause of the typing, because
+// nobody reads a list between two quick keys, and showing a window takes longer than all the rest of a key.
+void UpdateLater(HWND editor) {
+    g_typedIn = editor;
+    if (g_list.editor != editor) SetTimer(editor, kOpenTimer, kOpenMs, OnOpenTimer);
 }
 
 void OnCharacter(HWND editor, WPARAM character) {
@@ -477,7 +488,9 @@ void CompletionClose() {
     CloseList();
 }
 
-void CompletionGoOn() { UpdateNow(); }
+void CompletionGoOn() {
+    if (g_typedIn != nullptr && g_list.editor == g_typedIn) UpdateNow();
+}
 
 void CompletionShowWanted() {
     const HWND editor = g_documents.hEditor;
