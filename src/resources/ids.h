@@ -145,6 +145,10 @@
 #define IDM_STYLE_CLASSIC 1334
 #define IDM_STYLE_FONT 1335
 #define IDM_STYLE_OWN 1060
+#define IDM_VIEW_ERROR_TEXTS 1450  // behind the lines of the source
+#define IDM_VIEW_FOLD 1451         // folds the block at the caret, or unfolds it
+#define IDM_OUTPUT_COPY_ALL 1452   // of the output pane, or of the error list that has the keyboard
+#define IDM_OUTPUT_CLEAR 1453
 // --- Compiler
 #define IDM_BUILD 1301
 #define IDM_BUILD_RUN 1302
@@ -160,6 +164,7 @@
 #define IDM_NEXT_COMPILER 1061
 #define IDM_ERROR_NEXT 1310
 #define IDM_ERROR_PREVIOUS 1311
+#define IDM_ERROR_SOURCE 1454  // goes from a line of the output or of the error list to its source
 #define IDM_PROFILE_DEBUG 1312
 #define IDM_PROFILE_RELEASE 1313
 #define IDM_PROFILE_FAST 1314
@@ -435,6 +440,7 @@
 #define IDC_CLOSE_SAVE 3523
 #define IDC_CLOSE_DISCARD 3524
 
+#define TIMER_SOURCE_MARKS 30               // of the main window: marks the diagnostics of a build in the sources
 #define TIMER_OUTSIDE 23                    // of the main window: renews what is watched, waits to ask about changes
 #define MSG_OUTSIDE_SEEN (0x8000 + 92)      // to the main window; wParam: FileWatchReport*, deleted by the receiver
 #define MSG_OUTSIDE_COMPARED (0x8000 + 93)  // to the question; wParam: a block with a difference

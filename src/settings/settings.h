@@ -67,6 +67,8 @@ struct Settings {
     std::int32_t statusHidden;  // bits of the fields of the status bar that are not shown (commands/status_bar_fit.h)
     wchar_t outputFont[64];
     std::int32_t outputFontSize;      // points
+    std::int32_t readableOutput;      // errors and warnings of the output in colours with enough contrast
+    std::int32_t showErrorTexts;      // the text of each error behind its line of the source
     std::int32_t restoreLastSession;  // whether workspace.json is loaded and saved
     std::int32_t buildOnSave;
     std::int32_t autoSaveInterval;  // minutes; 0: off

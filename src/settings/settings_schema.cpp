@@ -168,6 +168,8 @@ constexpr SettingRow kOtherRows[] = {
     Affects(kEffectProject, BoolRow(kProject, L"TreeFollowsTab", FIELD(treeFollowsTab), 0)),
     Affects(kEffectFrame, TextRow(kEditor, L"OutputFont", FIELD(outputFont), 64, L"Consolas")),
     Affects(kEffectFrame, IntRow(kEditor, L"OutputFontSize", FIELD(outputFontSize), 9, Within(4, 72))),
+    Affects(kEffectFrame, BoolRow(kEditor, L"ReadableOutput", FIELD(readableOutput), 0)),
+    Affects(kEffectView, BoolRow(kEditor, L"ShowErrorTexts", FIELD(showErrorTexts), 0)),
     BoolRow(kEditor, L"RestoreLastSession", FIELD(restoreLastSession), 1),
     BoolRow(kEditor, L"BuildOnSave", FIELD(buildOnSave), 0),
     Affects(kEffectTimers, IntRow(kEditor, L"AutoSaveInterval", FIELD(autoSaveInterval), 0)),

@@ -71,6 +71,8 @@ constexpr Line kEditorLines[] = {
     {FIELD(showIndentGuides), Check, L"Show indentation guides"},
     {FIELD(showEdgeLine), Check, L"Show a line at column 80"},
     {FIELD(showChangeMargin), Check, L"Mark changed lines in the margin"},
+    {FIELD(showErrorTexts), Check, L"Show errors and warnings behind their lines",
+     L"Of the last build. The mouse over a marked place and the status bar tell them at any time."},
     Numbered(FIELD(editorZoom), L"Zoom", -10, 60,
              L"Points added to the size of the font. Ctrl++ and Ctrl+- change it, too."),
 };
@@ -91,6 +93,8 @@ constexpr Line kColourLines[] = {
 constexpr Line kWindowLines[] = {
     {FIELD(outputFont), Font, L"Output font", L"Of the output, the machine code and the terminal line.", L"Panes"},
     Numbered(FIELD(outputFontSize), L"Output font size", 4, 72, L"In points."),
+    {FIELD(readableOutput), Check, L"Readable colours in the output",
+     L"Darker red and yellow for errors and warnings. With the dark theme or a high contrast of Windows always."},
     {FIELD(showToolbar), Check, L"Show the toolbar"},
     {FIELD(showStatusbar), Check, L"Show the status bar"},
     {FIELD(showTerminal), Check, L"Show the terminal line"},

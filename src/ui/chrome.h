@@ -24,5 +24,9 @@ struct ThemeChrome {
 // The result stays valid, but the next call overwrites it.
 const ThemeChrome& ThemeCurrentChrome();
 bool ThemeIsDark();
+// The system's high-contrast mode is on.
+bool SystemHighContrast();
+// Lines of output get colours that can be read on their pane, instead of the usual ones.
+bool OutputIsReadable();
 // The colour of quiet text: hints, and what is disabled or out of date.
 COLORREF ThemeQuietText();

@@ -35,6 +35,15 @@ const ThemeChrome& ThemeCurrentChrome() {
     return chrome;
 }
 
+bool SystemHighContrast() {
+    HIGHCONTRASTW contrast = {};
+    contrast.cbSize = sizeof(contrast);
+    return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof(contrast), &contrast, 0) != FALSE &&
+           (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
+}
+
+bool OutputIsReadable() { return ThemeIsDark() || g_settings.readableOutput != 0 || SystemHighContrast(); }
+
 COLORREF ThemeQuietText() {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     return MixColours(chrome.paneText, chrome.paneBack, 38);

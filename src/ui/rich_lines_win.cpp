@@ -75,7 +75,7 @@ LONG RichLinesAppend(HWND pane, std::span<const PaneLine> lines, LONG from) {
         RtfBlock(lines, {.face = g_settings.outputFont,
                          .points = g_settings.outputFontSize,
                          .textColour = chrome.paneText,
-                         .darkBack = ThemeIsDark() ? std::optional(chrome.paneBack) : std::nullopt});
+                         .readableOn = OutputIsReadable() ? std::optional(chrome.paneBack) : std::nullopt});
     const CHARRANGE before = RichSelection(pane);
     const RedrawPause pause(pane);
     SelectInRich(pane, LONG_MAX, LONG_MAX);

@@ -32,8 +32,8 @@ void AppendColour(std::string& rtf, std::uint32_t colour) {
 
 std::uint32_t ShownColour(std::uint32_t colour, const RtfFont& font) {
     if (colour == 0) return font.textColour;
-    if (!font.darkBack) return colour;
-    return ThemeColorRef(ThemeReadableOn(ThemeColorRef(colour), ThemeColorRef(*font.darkBack)));
+    if (!font.readableOn) return colour;
+    return ThemeColorRef(ThemeReadableOn(ThemeColorRef(colour), ThemeColorRef(*font.readableOn)));
 }
 
 // The distinct colours of the lines. 0, the colour of the pane, is the first.

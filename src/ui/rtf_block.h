@@ -19,9 +19,9 @@ struct RtfFont {
     std::wstring_view face;
     int points = 9;
     std::uint32_t textColour = 0;  // 0x00BBGGRR; the colour that 0 stands for
-    // A dark background, 0x00BBGGRR: colours that cannot be read on it are made lighter. Without it, every colour is
-    // kept.
-    std::optional<std::uint32_t> darkBack = {};
+    // A background, 0x00BBGGRR: colours that cannot be read on it are made lighter or darker. Without it, every colour
+    // is kept.
+    std::optional<std::uint32_t> readableOn = {};
 };
 
 // Appends plain text as RTF. `\`, `{` and `}` are escaped, characters beyond ASCII become \uN, and control characters

@@ -219,6 +219,15 @@ Rgb Lighter(Rgb colour, int step) {
     return result;
 }
 
+// All channels shrink in proportion, down to black.
+Rgb Darker(Rgb colour, int step) {
+    Rgb result = 0;
+    for (const int shift : {0, 8, 16})
+        result |= (colour >> shift & 0xFF) * static_cast<Rgb>(kLightSteps - step) / static_cast<Rgb>(kLightSteps)
+                  << shift;
+    return result;
+}
+
 }  // namespace
 
 std::span<const EditorStyle> EditorStyles() { return kStyles; }
@@ -249,15 +258,18 @@ double ThemeContrast(Rgb a, Rgb b) {
 
 Rgb ThemeReadableOn(Rgb colour, Rgb back) {
     if (ThemeContrast(colour, back) >= kReadableContrast) return colour;
-    // Searches for the smallest step that is enough. The contrast falls at first when the colour is darker than its
-    // background, so a step must also be lighter than the background.
+    constexpr Rgb kWhite = 0xFFFFFF;
+    const bool lighten = ThemeContrast(kWhite, back) >= ThemeContrast(0, back);
+    const auto at = [colour, lighten](int step) { return lighten ? Lighter(colour, step) : Darker(colour, step); };
+    // Searches for the smallest step that is enough. The contrast falls at first when the colour is on the other side of
+    // its background, so a step must also be on the right side.
     int low = 0;
     int high = kLightSteps;
     while (high - low > 1) {
         const int middle = (low + high) / 2;
-        const Rgb lighter = Lighter(colour, middle);
-        const bool enough = Luminance(lighter) > Luminance(back) && ThemeContrast(lighter, back) >= kReadableContrast;
-        (enough ? high : low) = middle;
+        const Rgb next = at(middle);
+        const bool beyond = (Luminance(next) > Luminance(back)) == lighten;
+        (beyond && ThemeContrast(next, back) >= kReadableContrast ? high : low) = middle;
     }
-    return Lighter(colour, high);
+    return at(high);
 }

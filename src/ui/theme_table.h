@@ -89,6 +89,6 @@ Rgb ThemeBlend(Rgb over, Rgb under, int alpha);
 double ThemeContrast(Rgb a, Rgb b);
 // The contrast that text needs to its background.
 inline constexpr double kReadableContrast = 4.5;
-// A colour for text on a dark background: `colour` itself when it can be read there, else the darkest lighter colour of
-// its hue that can.
+// A colour for text on a background: `colour` itself when it can be read there, else the nearest colour of its hue that
+// can: a lighter one on a dark background, a darker one on a light background.
 Rgb ThemeReadableOn(Rgb colour, Rgb back);

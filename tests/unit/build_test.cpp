@@ -339,7 +339,8 @@ TEST(RtfBlock, TextIsEscapedAndColoursAreIndexed) {
     const std::vector<PaneLine> coloured = {{.text = L"a", .colour = 0x0000C8}, {.text = L"b", .colour = 0x00FF00}};
     for (const auto& [font, colours] :
          {std::pair{RtfFont{}, "\\red200\\green0\\blue0;\\red0\\green255\\blue0;}"},
-          std::pair{RtfFont{.darkBack = 0}, "\\red235\\green0\\blue0;\\red0\\green255\\blue0;}"}})
+          std::pair{RtfFont{.readableOn = 0}, "\\red235\\green0\\blue0;\\red0\\green255\\blue0;}"},
+          std::pair{RtfFont{.readableOn = 0xFFFFFF}, "\\red200\\green0\\blue0;\\red0\\green138\\blue0;}"}})
         EXPECT_NE(RtfBlock(coloured, font).find(colours), std::string::npos) << RtfBlock(coloured, font);
 }
 

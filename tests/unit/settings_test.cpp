@@ -311,6 +311,7 @@ TEST(SettingsEffects, FollowFromWhatDiffers) {
         {"last colour", [](Settings& s) { s.colors[kColorOverrides - 1] = 1; }, kEffectEditors},
         {"theme", [](Settings& s) { s.theme = 1; }, kEffectEditors | kEffectFrame},
         {"output font", [](Settings& s) { s.outputFontSize = 30; }, kEffectFrame},
+        {"colours of the output", [](Settings& s) { s.readableOutput = 1; }, kEffectFrame},
         {"splitter", [](Settings& s) { s.splitter = 1; }, kEffectLayout},
         {"compiler", [](Settings& s) { s.activeCompiler = 1; }, kEffectCompiler},
         {"path of a compiler", [](Settings& s) { s.compilers[4].path[0] = L'x'; }, kEffectCompiler},
