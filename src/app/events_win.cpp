@@ -20,6 +20,7 @@
 #include "documents/outside.h"
 #include "editor/editor_pane.h"
 #include "output/line_colours.h"
+#include "output/mark_view.h"
 #include "output/output_feed.h"
 #include "output/output_pane.h"
 #include "output/show_timer.h"
@@ -54,6 +55,7 @@ void OnDocumentActivated(DocumentId document) {
     OutlineOnActivated(document);
     ProjectTreeOnActive();
     OutsideOnDocumentActive();
+    SourceMarksOnCaret(document);
 }
 
 void OnDocumentChanged(DocumentId document) {
@@ -76,12 +78,14 @@ void OnDocumentClosed(DocumentId document, int index) {
 void OnDocumentSaved(DocumentId document) {
     OutsideOnDocuments();
     ProjectOnSaved(document);
+    SourceMarksOnSaved(document);
 }
 
 void OnTextLeaving(DocumentId document) {
     BreakpointsKeepLines(document);
     AiOnTextLeaving(document);
     FilesSearchOnTextLeaving(document);
+    SourceMarksOnTextLeaving(document);
 }
 
 void OnTextArrived(DocumentId document) {
@@ -94,6 +98,7 @@ void OnTextArrived(DocumentId document) {
     FilesSearchOnTextArrived(document);
     SymbolsOnTextArrived(document);
     SnapshotsOnTextArrived(document);
+    SourceMarksOnTextArrived(document);
     OutsideOnDocuments();
 }
 
@@ -118,6 +123,11 @@ void OnProgramBuilt(const wchar_t* source, const wchar_t* listing) {
     if (PaneIsShown(PaneId::Asm)) AsmPaneLoad(source, listing);
 }
 
+void OnBuildEnded(bool success, bool debug) {
+    SourceMarksOnBuildEnd();
+    DebugOnBuildEnd(success, debug);
+}
+
 }  // namespace
 
 void MainWnd_ConnectEvents() {
@@ -139,7 +149,7 @@ void MainWnd_ConnectEvents() {
     g_events.searchFolderWanted = [](const wchar_t* folder) { FilesDialogShowFolder(g_app.hMainWnd, folder); };
     g_events.settingsChanged = MainWnd_OnSettingsChanged;
     g_events.programBuilt = OnProgramBuilt;
-    g_events.buildEnded = DebugOnBuildEnd;
+    g_events.buildEnded = OnBuildEnded;
     g_events.aiReplacementChanged = ToolbarUpdateAiDo;
     g_events.debuggerChanged = DebugPaneInvalidate;
     g_events.statusText = StatusBarSetText;

@@ -16,6 +16,7 @@
 #include "editor/editor_pane.h"
 #include "editor/theme.h"
 #include "files/file_io.h"
+#include "output/mark_view.h"
 #include "project/project_tree.h"
 #include "resources/ids.h"
 #include "search/find_bar.h"
@@ -113,6 +114,7 @@ void MainWnd_OnDpiChanged(HWND window, int dpi, const RECT& suggested) {
     SetWindowPos(window, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
                  suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
     SyntaxThemeApplyAll();
+    SourceMarksRenew();
     MainWnd_ApplyTheme();
     MainWindow_Layout();
 }

@@ -9,6 +9,7 @@
 #include "app/jump_list.h"
 #include "base/wide_format.h"
 #include "commands/command_state.h"
+#include "commands/context_menus.h"
 #include "commands/quick_symbols.h"
 #include "commands/toolbar.h"
 #include "compile/build.h"
@@ -18,6 +19,8 @@
 #include "documents/outside.h"
 #include "documents/sticky_label.h"
 #include "editor/editor_pane.h"
+#include "output/mark_view.h"
+#include "output/output_pane.h"
 #include "project/project.h"
 #include "recovery/snapshots.h"
 #include "resources/ids.h"
@@ -32,6 +35,7 @@
 #include "ui/paint.h"
 
 #include <commctrl.h>
+#include <windowsx.h>
 
 #include <iterator>
 #include <utility>
@@ -88,6 +92,7 @@ void RouteTimer(HWND window, UINT_PTR id) {
         case TIMER_DEBUG_CONSOLE: DebugOnConsoleTimer(); break;
         case TIMER_FOCUS: FocusOnTimer(); break;
         case TIMER_OUTPUT: MainWnd_OnOutputTimer(); break;
+        case TIMER_SOURCE_MARKS: SourceMarksOnTimer(); break;
         case TIMER_BUILD: BuildOnTimer(); break;
         case TIMER_AI: AiOnTimer(); break;
         case TIMER_AI_MARKS: AiOnMarksTimer(); break;
@@ -161,6 +166,9 @@ static LRESULT CALLBACK RouteMainMessage(HWND window, UINT message, WPARAM wPara
         case WM_DPICHANGED:
             MainWnd_OnDpiChanged(window, HIWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
             return 0;
+        case WM_SETTINGCHANGE:
+            if (wParam == SPI_SETHIGHCONTRAST) OutputPaneApplyFont();  // it may take other colours now
+            return 0;
         case WM_ACTIVATE: MainWnd_OnActivate(window, LOWORD(wParam) != WA_INACTIVE); return 0;
         case WM_ACTIVATEAPP:  // unlike WM_ACTIVATE it does not come when a box of this program closes
             if (wParam == FALSE)
@@ -171,6 +179,9 @@ static LRESULT CALLBACK RouteMainMessage(HWND window, UINT message, WPARAM wPara
         case WM_SETFOCUS: FocusCurrentEditor(); return 0;
         case WM_COMMAND: MainWnd_OnCommand(LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam)); return 0;
         case WM_NOTIFY: return MainWnd_OnNotify(*reinterpret_cast<const NMHDR*>(lParam));
+        case WM_CONTEXTMENU:
+            if (ContextMenuShow(reinterpret_cast<HWND>(wParam), {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)})) return 0;
+            return DefWindowProcW(window, message, wParam, lParam);
         case WM_INITMENUPOPUP: MainWnd_OnInitMenuPopup(reinterpret_cast<HMENU>(wParam)); return 0;
         case WM_DRAWITEM: return DrawChild(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
         case WM_CTLCOLORSTATIC:

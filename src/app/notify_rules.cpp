@@ -1,6 +1,8 @@
 // What the notifications of an editor mean to the rest of the editor. Pure.
 #include "app/notify_rules.h"
 
+#include "editor/margins.h"
+
 namespace {
 
 constexpr std::ptrdiff_t kLongestRegisterName = 8;
@@ -15,7 +17,8 @@ int LineBeforeMoved(int line, std::ptrdiff_t linesAdded, bool atLineStart) {
     return linesAdded > 0 && atLineStart ? line - 1 : line;
 }
 
-DwellPlace DwellPlaceOf(bool inSymbolMargin, std::ptrdiff_t position) {
-    if (inSymbolMargin) return DwellPlace::SymbolMargin;
+DwellPlace DwellPlaceOf(int margin, std::ptrdiff_t position) {
+    if (margin == kMarginSymbols) return DwellPlace::SymbolMargin;
+    if (margin == kMarginProblems) return DwellPlace::ProblemMargin;
     return position >= 0 ? DwellPlace::Text : DwellPlace::Nothing;
 }

@@ -16,7 +16,9 @@ int LineBeforeMoved(int line, std::ptrdiff_t linesAdded, bool atLineStart);
 // What the mouse rests on.
 enum class DwellPlace : unsigned char {
     Nothing,
-    SymbolMargin,  // what is to be said of a breakpoint
-    Text,          // the value of a register, while a program stands
+    SymbolMargin,   // what is to be said of a breakpoint
+    ProblemMargin,  // the diagnostics of the line
+    Text,           // the value of a register, while a program stands
 };
-DwellPlace DwellPlaceOf(bool inSymbolMargin, std::ptrdiff_t position);
+// `margin` is the one under the mouse; -1: none.
+DwellPlace DwellPlaceOf(int margin, std::ptrdiff_t position);

@@ -18,6 +18,7 @@
 #include "editor/editor_pane.h"
 #include "editor/margins.h"
 #include "files/file_io.h"
+#include "output/mark_view.h"
 #include "recovery/snapshots.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
@@ -37,6 +38,7 @@ namespace {
 
 void OnSavePoint(int tab, bool modified) {
     TabAt(tab).modified = modified || TabAt(tab).mustSave;
+    if (!TabAt(tab).modified) SourceMarksOnSaved(TabAt(tab).id);  // the text is that of the file again
     TabBarUpdateTitle(tab);
     MainWindow_RequestStateRefresh();
 }
@@ -51,6 +53,7 @@ void OnCaretOrSelection() {
     UpdateStickyHeader(g_app.hEditor, g_app.hStickyHeader);
     EditorPaneUpdateBraces(g_app.hEditor);
     NavHistoryMaybeAdd();
+    SourceMarksOnCaret(ActiveDocumentId());
     MainWindow_RequestStateRefresh();
 }
 
@@ -92,9 +95,15 @@ std::wstring ShortWordAt(HWND editor, Sci_Position position) {
     return word;
 }
 
-bool IsInSymbolMargin(HWND editor, int x) {
-    const auto left = static_cast<int>(SciSend(editor, SCI_GETMARGINWIDTHN, kMarginNumbers));
-    return IsWithinMargin(x, left, static_cast<int>(SciSend(editor, SCI_GETMARGINWIDTHN, kMarginSymbols)));
+// The margin under the mouse; -1: none.
+int MarginAt(HWND editor, int x) {
+    int left = 0;
+    for (int margin = 0; margin < kMarginCount; ++margin) {
+        const auto width = static_cast<int>(SciSend(editor, SCI_GETMARGINWIDTHN, static_cast<WPARAM>(margin)));
+        if (IsWithinMargin(x, left, width)) return margin;
+        left += width;
+    }
+    return -1;
 }
 
 std::wstring RegisterTip(HWND editor, Sci_Position position) {
@@ -108,17 +117,21 @@ void OnDwell(HWND editor, DocumentId document, const SCNotification& dwell) {
     if (DebugIsWaiting() || g_app.wordListOpen) return;  // a tip would cover the list
     const LRESULT place = SciSend(editor, SCI_POSITIONFROMPOINT, static_cast<WPARAM>(dwell.x), dwell.y);
     std::wstring tip;
-    switch (DwellPlaceOf(IsInSymbolMargin(editor, dwell.x), dwell.position)) {
+    switch (DwellPlaceOf(MarginAt(editor, dwell.x), dwell.position)) {
         case DwellPlace::SymbolMargin: tip = BreakpointTip(document, LineOf(editor, place)); break;
-        case DwellPlace::Text: tip = RegisterTip(editor, dwell.position); break;
+        case DwellPlace::ProblemMargin: tip = SourceMarksTip(document, place, true); break;
+        case DwellPlace::Text:
+            tip = SourceMarksTip(document, dwell.position, false);
+            if (tip.empty()) tip = RegisterTip(editor, dwell.position);
+            break;
         case DwellPlace::Nothing: break;
     }
     if (tip.empty() && dwell.position >= 0) return HoverAtMouse(editor, document, dwell.position);
-    if (tip.empty()) return;
-    HoverShow(editor, place, ToUtf8(tip.c_str()));
+    if (!tip.empty()) HoverShowLines(editor, place, ToUtf8(tip.c_str()));
 }
 
 void OnViewOrText(HWND editor, int updated) {
+    SourceMarksOnView(DocumentOfEditor(editor));
     FindBarOnView(editor, updated);
     if (editor == g_app.hEditor && (updated & (SC_UPDATE_CONTENT | SC_UPDATE_SELECTION)) != 0) OnCaretOrSelection();
     HoverOnView(editor, (updated & SC_UPDATE_CONTENT) != 0);
@@ -135,6 +148,7 @@ void OnEditorNotification(const SCNotification& notification) {
             EditorPaneOnModified(editor, notification);
             OnLinesMoved(editor, document, notification);
             TellSearch(document, notification);
+            SourceMarksOnEdit(document, notification);
             AiOnTextEdited(document, notification);
             FindBarOnModified(editor, notification.modificationType);
             SymbolsOnModified(document, notification);

@@ -70,8 +70,6 @@ void LoadAsmPane() {
         AsmPaneLoad(last.source.c_str(), last.listing.c_str());
 }
 
-bool NotifyErrorList(const NMHDR& header, LRESULT*) { return ErrorListHandleNotify(header); }
-
 constexpr PaneSpec kPanes[] = {
     {.id = PaneId::Output,
      .title = L"Output",
@@ -89,11 +87,11 @@ constexpr PaneSpec kPanes[] = {
      .window = &g_app.hErrorList,
      .create = ErrorListCreate,
      .lazy = true,
-     .applyTheme = ErrorListRefresh,
+     .applyTheme = ErrorListApplyTheme,
      .setting = &Settings::showErrorList,
      .height = &Settings::errorListHeight,
      .command = IDM_VIEW_ERROR_LIST,
-     .handleNotify = NotifyErrorList},
+     .handleNotify = ErrorListHandleNotify},
     {.id = PaneId::Terminal,
      .title = L"Terminal",
      .area = PaneArea::BelowBottom,

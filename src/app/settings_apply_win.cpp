@@ -7,6 +7,7 @@
 #include "completion/completion.h"
 #include "documents/document_themes.h"
 #include "editor/editor_pane.h"
+#include "output/mark_view.h"
 #include "project/project.h"
 #include "project/project_tree.h"
 #include "resources/ids.h"
@@ -47,6 +48,7 @@ void MainWnd_OnSettingsChanged(const Settings& before) {
     else if ((effects & kEffectView) != 0)
         for (const DocumentTab& tab : g_app.tabs)
             if (tab.editor != nullptr) EditorPaneApplySettings(tab.editor);
+    if ((effects & (kEffectEditors | kEffectView)) != 0) SourceMarksRenew();
     if ((effects & (kEffectEditors | kEffectView)) != 0) AiRenewMarks();
     if ((effects & (kEffectEditors | kEffectView)) != 0) PeekApplySettings();
     if ((effects & kEffectFrame) != 0) MainWnd_ApplyTheme();

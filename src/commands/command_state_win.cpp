@@ -72,6 +72,7 @@ CommandView CurrentCommandView() {
     view.panes = PanesShown();
     view.whitespace = settings.showWhitespace != 0;
     view.wrap = settings.wordWrap != 0;
+    view.errorTexts = settings.showErrorTexts != 0;
     view.stepsFollow = settings.stepsFollowProgram != 0;
     view.theme = ThemeIsDark() ? 1 : 0;
     view.style = settings.editorStylePreset;

@@ -91,6 +91,8 @@ constexpr CommandRow kCommands[] = {
     {IDM_TREE_REVEAL, kHasFile},
     {IDM_VIEW_WHITESPACE, kAlways, [](const CommandView& v) { return v.whitespace; }},
     {IDM_VIEW_WORD_WRAP, kAlways, [](const CommandView& v) { return v.wrap; }},
+    {IDM_VIEW_ERROR_TEXTS, kAlways, [](const CommandView& v) { return v.errorTexts; }},
+    {IDM_VIEW_FOLD, kHasTab},  // says when no block is at the caret
     {IDM_VIEW_ZOOM_IN, kAlways},
     {IDM_VIEW_ZOOM_OUT, kAlways},
     {IDM_VIEW_ZOOM_RESET, kAlways},
@@ -119,6 +121,9 @@ constexpr CommandRow kCommands[] = {
     {IDM_PROFILE_FAST, kAlways, [](const CommandView& v) { return v.profile == 2; }},
     {IDM_ERROR_NEXT, kHasErrors},
     {IDM_ERROR_PREVIOUS, kHasErrors},
+    {IDM_ERROR_SOURCE, kAlways, nullptr, Internal},
+    {IDM_OUTPUT_COPY_ALL, kAlways, nullptr, Internal},
+    {IDM_OUTPUT_CLEAR, kAlways},
     {IDM_PROJECT_SETTINGS, kAlways},
     {IDM_WORKSPACE_NEW, kAlways},
     {IDM_WORKSPACE_OPEN, kAlways},

@@ -47,6 +47,7 @@ struct CommandView {
     std::uint32_t panes = 0;  // PaneBit of the panes that are shown (ui/pane_id.h)
     bool whitespace = false, wrap = false;
     bool stepsFollow = false;  // steps follow the program
+    bool errorTexts = false;   // diagnostics behind their lines
     int theme = 0;             // 0 light, 1 dark
     int style = 0;             // style preset, 0: none
     int compiler = 0;          // CompilerId

@@ -45,7 +45,8 @@ EditField FieldOf(HWND window) {
 HWND EditTargetNow() {
     const HWND focus = GetFocus();
     if (focus == nullptr) return nullptr;
-    for (const HWND field : {g_output.hOutput, g_disasm.hAsmPane, g_ai.hAiChat, g_ai.hAiInput, g_compile.hTerminal})
+    for (const HWND field :
+         {g_output.hOutput, g_output.hErrorList, g_disasm.hAsmPane, g_ai.hAiChat, g_ai.hAiInput, g_compile.hTerminal})
         if (focus == field) return field;
     return IsChild(g_debugUi.hDebugPane, focus) ? focus : nullptr;
 }

@@ -3,7 +3,9 @@
 
 #include "commands/toolbar.h"
 #include "documents/document_row.h"
+#include "editor/caret_place.h"
 #include "files/file_io.h"
+#include "output/output_pane.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "settings/settings_state.h"
@@ -84,6 +86,10 @@ void FocusPaneBeside(int command) {
         SetFocus(next);
 }
 
+void ToggleFold() {
+    if (!CaretToggleFold(g_documents.hEditor)) g_events.documentStatus(ActiveDocumentId(), L"No block to fold here");
+}
+
 constexpr CommandHandler kViewHandlers[] = {
     {IDM_VIEW_TOOLBAR, ToggleSetting<&Settings::showToolbar>},
     {IDM_VIEW_STATUS_BAR, ToggleSetting<&Settings::showStatusbar>},
@@ -100,6 +106,11 @@ constexpr CommandHandler kViewHandlers[] = {
     {IDM_PREVIOUS_PANE, FocusPaneBeside},
     {IDM_VIEW_WHITESPACE, ToggleSetting<&Settings::showWhitespace>},
     {IDM_VIEW_WORD_WRAP, ToggleSetting<&Settings::wordWrap>},
+    {IDM_VIEW_ERROR_TEXTS, ToggleSetting<&Settings::showErrorTexts>},
+    {IDM_VIEW_FOLD, [](int) { ToggleFold(); }},
+    {IDM_ERROR_SOURCE, [](int) { OutputGoToSource(); }},
+    {IDM_OUTPUT_COPY_ALL, [](int) { OutputCopyAll(); }},
+    {IDM_OUTPUT_CLEAR, [](int) { OutputPaneClear(); }},
     // Only the active editor zooms here. Its SCN_ZOOM changes the setting, which zooms the other editors.
     {IDM_VIEW_ZOOM_IN, [](int) { SciSend(g_documents.hEditor, SCI_ZOOMIN); }},
     {IDM_VIEW_ZOOM_OUT, [](int) { SciSend(g_documents.hEditor, SCI_ZOOMOUT); }},

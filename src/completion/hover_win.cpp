@@ -163,6 +163,10 @@ void HoverShow(HWND editor, LRESULT position, const std::string& utf8) {
     Ask(editor, SCI_CALLTIPSETHLT, 0, 0);
 }
 
+void HoverShowLines(HWND editor, LRESULT position, const std::string& utf8) {
+    HoverShow(editor, position, BrokenLines(utf8, TipColumns(editor), kMostLines));
+}
+
 void HoverAtMouse(HWND editor, DocumentId document, LRESULT position) {
     const auto show = [editor, document, position] {
         LRESULT start = position;

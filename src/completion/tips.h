@@ -21,6 +21,7 @@ bool CallTipIsShown();
 // --- A text at a word
 // Shows a text in lines at a position (bytes), until the mouse, the caret or the view moves.
 void HoverShow(HWND editor, LRESULT position, const std::string& utf8);
+void HoverShowLines(HWND editor, LRESULT position, const std::string& utf8);  // breaks lines that are too long
 void HoverEnd(HWND editor);
 void HoverMouseMoved(HWND editor);           // SCN_DWELLEND
 void HoverOnView(HWND editor, bool edited);  // SCN_UPDATEUI

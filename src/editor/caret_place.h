@@ -18,4 +18,9 @@ void CaretLeaveHiddenLine(HWND editor);
 
 // Moves the caret to a position, or selects from `anchor` to `caret`, uncovers the place and scrolls to it.
 void CaretGoTo(HWND editor, LRESULT position);
+// Folds the block at the caret's line, or the one around it, or unfolds it. False: there is none.
+bool CaretToggleFold(HWND editor);
+
+// Scrolls so that the caret's line is in the middle third of the view, when it is not.
+void CaretShowInMiddle(HWND editor);
 void CaretSelect(HWND editor, LRESULT anchor, LRESULT caret);

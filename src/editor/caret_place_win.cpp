@@ -36,6 +36,25 @@ void CaretGoTo(HWND editor, LRESULT position) {
     PaneSend(editor, SCI_GOTOPOS, at);
 }
 
+bool CaretToggleFold(HWND editor) {
+    LRESULT line = PaneSend(editor, SCI_LINEFROMPOSITION, PaneSend(editor, SCI_GETCURRENTPOS));
+    if ((PaneSend(editor, SCI_GETFOLDLEVEL, line) & SC_FOLDLEVELHEADERFLAG) == 0)
+        line = PaneSend(editor, SCI_GETFOLDPARENT, line);
+    if (line < 0) return false;
+    PaneSend(editor, SCI_TOGGLEFOLD, line);
+    CaretLeaveHiddenLine(editor);
+    return true;
+}
+
+void CaretShowInMiddle(HWND editor) {
+    const LRESULT caret = PaneSend(editor, SCI_GETCURRENTPOS);
+    const LRESULT rows = PaneSend(editor, SCI_LINESONSCREEN);
+    const LRESULT height = PaneSend(editor, SCI_TEXTHEIGHT);
+    const LRESULT row = PaneSend(editor, SCI_POINTYFROMPOSITION, 0, caret) / std::max<LRESULT>(height, 1);
+    if (row >= rows / 3 && row < rows - rows / 3) return;
+    PaneSend(editor, SCI_LINESCROLL, 0, row - rows / 2);
+}
+
 void CaretSelect(HWND editor, LRESULT anchor, LRESULT caret) {
     anchor = CaretPositionAt(editor, anchor);
     caret = CaretPositionAt(editor, caret);

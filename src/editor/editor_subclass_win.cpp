@@ -8,7 +8,6 @@
 #include "editor/editor_pane.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
-#include "ui/menu_draw.h"
 #include "ui/subclass.h"
 #include "ui/ui_state.h"
 
@@ -196,14 +195,6 @@ LRESULT OnPaneReturnKey(HWND pane, WPARAM wParam, LPARAM lParam) {
     return result;
 }
 
-// Scintilla shows a menu of its own, and the pane is its owner.
-LRESULT ShowPaneMenu(HWND pane, WPARAM wParam, LPARAM lParam) {
-    MenuDrawAttach(pane);
-    const LRESULT result = SubclassNext(pane, WM_CONTEXTMENU, wParam, lParam);
-    MenuDrawDetach(pane);
-    return result;
-}
-
 LRESULT OnPaneDestroy(HWND pane, UINT message, WPARAM wParam, LPARAM lParam);
 
 LRESULT CALLBACK EditorPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
@@ -226,7 +217,6 @@ LRESULT CALLBACK EditorPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
             g_events.refreshWanted();
             break;
         case WM_KILLFOCUS: OnPaneKillFocus(pane); break;
-        case WM_CONTEXTMENU: return ShowPaneMenu(pane, wParam, lParam);
         case WM_MOUSEACTIVATE: return OnPaneMouseActivate(pane, wParam, lParam);
         case WM_LBUTTONDOWN:
         case WM_RBUTTONDOWN:

@@ -5,7 +5,8 @@ inline constexpr int kMarginNumbers = 0;
 inline constexpr int kMarginSymbols = 1;
 inline constexpr int kMarginFolding = 2;
 inline constexpr int kMarginChanges = 3;
-inline constexpr int kMarginCount = 4;
+inline constexpr int kMarginProblems = 4;  // has a width only while the document shows diagnostics
+inline constexpr int kMarginCount = 5;
 
 inline constexpr int kMarkBookmark = 1;
 inline constexpr int kMarkBreakpoint = 2;
@@ -21,6 +22,14 @@ inline constexpr int kMarkFolded = 10;      // first line of a folded block with
 inline constexpr int kMarkNewLine = 11;     // background of a line of a replacement that waits to be accepted
 inline constexpr int kMarkPlace = 12;       // never drawn: keeps a line while the text is replaced
 inline constexpr int kMarkOwnCloser = 13;   // nothing to see: END IF and the like that the editor has added itself
+inline constexpr int kMarkWarningSign = 14;
+inline constexpr int kMarkErrorSign = 15;  // over that of a warning on the same line
+
+// Indicators: 8 marks the words of a block, 20 and 21 what a search has found, 24 to 26 names and snippet fields.
+inline constexpr int kIndicatorWarning = 16;
+inline constexpr int kIndicatorError = 17;
 
 // No lexer uses numbers from 192 on.
 inline constexpr int kStyleRemovedLine = 200;  // annotation with the lines that such a replacement has removed
+inline constexpr int kStyleErrorText = 201;    // message of a diagnostic behind its line
+inline constexpr int kStyleWarningText = 202;

@@ -36,7 +36,7 @@ const EditorMessages& PaneSetUpMessages() {
         {SCI_SETADDITIONALSELECTIONTYPING, 1},
         {SCI_SETMULTIPASTE, SC_MULTIPASTE_EACH},
         {SCI_SETTABINDENTS, 1},
-        {SCI_USEPOPUP, SC_POPUP_TEXT},
+        {SCI_USEPOPUP, SC_POPUP_NEVER},  // the main window has a menu for it
         {SCI_SETMOUSEDWELLTIME, kDwellTime},
     };
     return kMessages;

@@ -3,6 +3,7 @@
 
 #include "base/bounded_text.h"
 #include "output/last_build.h"
+#include "output/source_marks.h"
 
 #include <cstdint>
 #include <string_view>
@@ -27,6 +28,7 @@ struct CompilerErrors {
     int current = 0;
     bool visited = false;             // the user has been led to one of them
     std::vector<BuildRecord> builds;  // what the printed file names are relative to
+    SourceMarks marks;                // all diagnostics, for their marks in the texts
 };
 
 inline int ErrorCount(const CompilerErrors& errors) { return static_cast<int>(errors.items.size()); }

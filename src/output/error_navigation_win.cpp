@@ -8,9 +8,14 @@
 #include "files/file_io.h"
 #include "files/share_probe.h"
 #include "output/diagnostics.h"
+#include "output/error_path.h"
 #include "output/error_places.h"
 #include "output/kept_lines.h"
+#include "output/mark_view.h"
+#include "output/output_feed.h"
 #include "output/output_state.h"
+#include "ui/clipboard.h"
+#include "ui/ui_state.h"
 
 #include <commctrl.h>
 #include <commdlg.h>
@@ -21,23 +26,10 @@
 
 namespace {
 
-std::wstring WholePath(const std::wstring& path) {
-    wchar_t full[kPathCapacity] = {};
-    const DWORD length = GetFullPathNameW(path.c_str(), kPathCapacity, full, nullptr);
-    if (length == 0 || length >= kPathCapacity) return path;
-    // A compiler that was started in a folder by its short name (8.3) may print that.
-    wchar_t entire[kPathCapacity] = {};
-    const bool isShort = std::wstring_view(full).find(L'~') != std::wstring_view::npos;
-    const DWORD size = isShort ? GetLongPathNameW(PathForSystem(full).c_str(), entire, kPathCapacity) : 0;
-    if (size == 0 || size >= kPathCapacity) return full;
-    const std::wstring_view found(entire);
-    return std::wstring(found.starts_with(L"\\\\?\\") && !found.starts_with(L"\\\\?\\UNC") ? found.substr(4) : found);
-}
-
 // Selects or opens the document that a diagnostic names. Returns false when it could not be opened. FileShow leaves the
 // active compiler as it is.
 bool ShowFileOfError(const CompilerError& error) {
-    const std::vector<std::wstring> places = PlacesOfDiagnostic(g_output.errors, error, WholePath);
+    const std::vector<std::wstring> places = PlacesOfDiagnostic(g_output.errors, error, ErrorPathWhole);
     if (places.empty()) return false;
     for (const std::wstring& place : places) {
         if (const int tab = TabBarFindPath(place.c_str()); tab >= 0) return TabBarSelect(tab) != 0;
@@ -46,16 +38,27 @@ bool ShowFileOfError(const CompilerError& error) {
     return FileShow(places.front().c_str(), false) != 0;  // says that there is no such file
 }
 
+void GoToPosition(HWND editor, LRESULT position) {
+    CaretGoTo(editor, position);
+    CaretShowInMiddle(editor);
+    FocusCurrentEditor();
+    SourceMarksOnJump();
+}
+
 // Line and column of the active document's file, from 1.
 void GoToPlace(LRESULT line, LRESULT column) {
     const DocumentTab& document = TabAt(g_documents.activeTab);
-    CaretGoTo(document.editor, CaretPositionOfFileColumn(document, line - 1, column - 1));
-    FocusCurrentEditor();
+    GoToPosition(document.editor, CaretPositionOfFileColumn(document, line - 1, column - 1));
 }
 
+// To the place where the text of the diagnostic is now, when it has moved since.
 bool GoToDiagnostic(const CompilerError& error) {
     if (!ShowFileOfError(error)) return false;
-    GoToPlace(error.line, error.column);
+    const DocumentTab& document = TabAt(g_documents.activeTab);
+    if (const LRESULT position = SourceMarkPositionOf(document.id, error); position >= 0)
+        GoToPosition(document.editor, position);
+    else
+        GoToPlace(error.line, error.column);
     return true;
 }
 
@@ -63,6 +66,7 @@ bool GoToRecord(int index) {
     g_output.errors.current = index;
     g_output.errors.visited = true;
     ErrorListShowCurrent();
+    OutputPaneShowRecord(index);
     // The record is copied because opening a file may clear the list.
     const CompilerError error = g_output.errors.items[static_cast<std::size_t>(index)];
     return GoToDiagnostic(error);
@@ -112,24 +116,33 @@ int IndexOfPaneLine(const std::wstring& text, const CompilerError& error) {
     return FindDiagnostic(g_output.errors, error, several ? CountAbove(g_output.hOutput, text) : 0);
 }
 
-// The record that the keyboard is on, in the list or in the pane; else the current one. -1: none.
+// The diagnostic of the pane's line on which the keyboard is. False: it tells none.
+bool DiagnosticOfPane(CompilerError* error, std::wstring* text) {
+    if (g_output.hOutput == nullptr || GetFocus() != g_output.hOutput) return false;
+    *text = LineAtPaneCaret(g_output.hOutput);
+    *error = {};
+    return ParseErrorLine(*text, error) != 0;
+}
+
+bool ListHasKeyboard() { return g_output.hErrorList != nullptr && GetFocus() == g_output.hErrorList; }
+
+// The record that the keyboard is on in the list; else the current one. -1: none.
 int ChosenRecord() {
     const int count = ErrorCount(g_output.errors);
-    int chosen = -1;
-    if (const HWND focus = GetFocus(); focus != nullptr && focus == g_output.hErrorList) {
-        chosen = ErrorListSelected();
-    } else if (focus != nullptr && focus == g_output.hOutput) {
-        const std::wstring text = LineAtPaneCaret(focus);
-        CompilerError error = {};
-        if (ParseErrorLine(text, &error) != 0) chosen = IndexOfPaneLine(text, error);
-    }
-    if (chosen < 0 || chosen >= count) chosen = g_output.errors.current;
-    return chosen < count ? chosen : -1;
+    const int chosen = ListHasKeyboard() ? ErrorListSelected() : -1;
+    if (chosen >= 0 && chosen < count) return chosen;
+    return g_output.errors.current < count ? g_output.errors.current : -1;
+}
+
+// Of a diagnostic of the pane that the list has no room for.
+std::uint32_t CompilerOfLastBuild() {
+    return g_output.errors.builds.empty() ? 0 : g_output.errors.builds.back().compilerId;
 }
 
 }  // namespace
 
 void CompilerClearErrors() {
+    SourceMarksForget();
     g_output.errors = {};
     ErrorListRefresh();
 }
@@ -160,8 +173,39 @@ void OutputPaneNavigateError() {
 }
 
 bool CompilerShowChosenError(CompilerError* error) {
-    const int chosen = ChosenRecord();
+    // The keyboard is in the text, on a line with a diagnostic, which may be none of the list.
+    if (GetFocus() == g_documents.hEditor && SourceMarkAtCaret(error)) return true;
+    int chosen = ChosenRecord();
+    std::wstring text;
+    if (CompilerError told = {}; DiagnosticOfPane(&told, &text)) {
+        chosen = IndexOfPaneLine(text, told);
+        told.compilerId = CompilerOfLastBuild();
+        *error = told;
+        if (chosen < 0) return GoToDiagnostic(told);
+    }
     if (chosen < 0) return false;
     *error = g_output.errors.items[static_cast<std::size_t>(chosen)];
     return GoToRecord(chosen);
+}
+
+bool CompilerIsOnDiagnostic() {
+    CompilerError error = {};
+    std::wstring text;
+    if (ListHasKeyboard()) return ErrorListSelected() >= 0;
+    if (GetFocus() == g_documents.hEditor) return SourceMarkAtCaret(&error);
+    return DiagnosticOfPane(&error, &text) || !LogPlaceOf(text).path.empty();
+}
+
+void OutputGoToSource() {
+    if (ListHasKeyboard())
+        CompilerNavigateToError(ErrorListSelected());
+    else
+        OutputPaneNavigateError();
+}
+
+void OutputCopyAll() {
+    if (ListHasKeyboard()) return ErrorListCopyAll();
+    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(g_output.hOutput)) + 1, L'\0');
+    text.resize(static_cast<std::size_t>(GetWindowTextW(g_output.hOutput, text.data(), static_cast<int>(text.size()))));
+    ClipboardPutText(g_ui.hMainWnd, text);
 }

@@ -12,12 +12,12 @@ bool NeedsFolder(std::wstring_view path) {
     return !drive && !path.starts_with(L'\\') && !path.starts_with(L'/');
 }
 
+}  // namespace
+
 bool SameDiagnostic(const CompilerError& a, const CompilerError& b) {
     return a.line == b.line && a.column == b.column && a.severity == b.severity &&
            std::wstring_view(a.file) == b.file && std::wstring_view(a.message) == b.message;
 }
-
-}  // namespace
 
 std::vector<std::wstring> ErrorPlaces(std::wstring_view printed, const BuildRecord& build, const PathWhole& whole) {
     const std::wstring name(printed);
@@ -59,6 +59,12 @@ int FindDiagnostic(const CompilerErrors& errors, const CompilerError& wanted, in
             --before;
         }
     return found;
+}
+
+int EqualDiagnosticsBefore(const CompilerErrors& errors, int index) {
+    const auto at = errors.items.begin() + index;
+    return static_cast<int>(std::count_if(errors.items.begin(), at,
+                                          [&](const CompilerError& error) { return SameDiagnostic(error, *at); }));
 }
 
 int CountDiagnostic(const CompilerErrors& errors, const CompilerError& wanted) {

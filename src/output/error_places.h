@@ -22,9 +22,13 @@ std::vector<std::wstring> ErrorPlaces(std::wstring_view printed, const BuildReco
 std::vector<std::wstring> PlacesOfDiagnostic(const CompilerErrors& errors, const CompilerError& error,
                                              const PathWhole& whole);
 
+// The same file, line, column, severity and message.
+bool SameDiagnostic(const CompilerError& a, const CompilerError& b);
 // The index of a record with the same file, line, column, severity and message, or -1. Two builds of a batch may print
 // the same line: `before` equal lines stand above the wanted one.
 int FindDiagnostic(const CompilerErrors& errors, const CompilerError& wanted, int before);
+// The number of equal records above that of an index.
+int EqualDiagnosticsBefore(const CompilerErrors& errors, int index);
 // The number of such records.
 int CountDiagnostic(const CompilerErrors& errors, const CompilerError& wanted);
 

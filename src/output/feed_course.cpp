@@ -1,5 +1,6 @@
 #include "output/feed_course.h"
 
+#include "output/error_places.h"
 #include "output/line_colours.h"
 
 #include <iterator>
@@ -80,6 +81,19 @@ void FeedRevealed(OutputFeed& feed, double now) {
 
 bool FeedIsRevealed(const OutputFeed& feed) {
     return !feed.unpainted && !LinesAreHeld(feed.lines.kept) && OutputLinesUnfinished(feed.lines) == feed.unfinished;
+}
+
+std::int32_t FeedLineOf(const OutputFeed& feed, const CompilerError& wanted, int before) {
+    std::int32_t line = 0, found = -1;
+    for (const PaneLine& shown : feed.shown) {
+        CompilerError error = {};
+        const bool told = (shown.colour == kLineRed || shown.colour == kLineYellow) &&
+                          ParseErrorLine(shown.text, &error) != 0 && SameDiagnostic(error, wanted);
+        if (told) found = line;
+        if (told && before-- == 0) break;
+        line += shown.lineBreak;
+    }
+    return found;
 }
 
 void FeedAddChunk(OutputFeed& feed, OutputChunk chunk) { feed.lines.queue.chunks.push_back(std::move(chunk)); }

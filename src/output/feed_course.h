@@ -41,6 +41,9 @@ bool FeedWantsReveal(const OutputFeed& feed, double now);
 void FeedRevealed(OutputFeed& feed, double now);
 // Nothing waits for a repaint, and no line is held back or incomplete and not shown.
 bool FeedIsRevealed(const OutputFeed& feed);
+// The line of the pane (from 0) that tells a diagnostic, below `before` equal ones; -1: it is not in the pane. When earlier
+// lines were removed from the pane, the last equal one.
+std::int32_t FeedLineOf(const OutputFeed& feed, const CompilerError& wanted, int before);
 void FeedAddChunk(OutputFeed& feed, OutputChunk chunk);
 // Before a build: resets the filter and the counts. Later diagnostics are recorded for this compiler.
 void FeedReset(OutputFeed& feed, std::uint32_t compilerId);

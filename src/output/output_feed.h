@@ -32,6 +32,8 @@ void OutputFeedReset(std::uint32_t compilerId);
 // Later diagnostics belong to this build: their file names are relative to its folders.
 void OutputFeedBeginBuild(const BuildRecord& build);
 const OutputCounts& OutputFeedCounts();
+// The line of the pane that tells a record of `g_output.errors`; -1: it is not in the pane.
+std::int32_t OutputFeedLineOfRecord(int index);
 std::size_t OutputFeedLinesShown();  // number of lines in the pane
 bool OutputFeedLeftLinesOut();       // some lines of the present source are only in its log
 // Forgets the oldest lines when the pane has too many. Returns true when it must be emptied and shown again.

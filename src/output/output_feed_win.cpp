@@ -2,7 +2,9 @@
 
 #include "base/clock.h"
 #include "base/handles.h"
+#include "output/error_places.h"
 #include "output/feed_course.h"
+#include "output/mark_view.h"
 #include "output/output_credits.h"
 #include "output/output_pane.h"
 #include "output/output_state.h"
@@ -54,6 +56,7 @@ void OutputFeedMessage(std::wstring text, COLORREF colour) {
 void OutputFeedShowNext() {
     const double started = ClockMs();
     const int errors = ErrorCount(g_output.errors);
+    const int diagnostics = g_feed.lines.counts.errors + g_feed.lines.counts.warnings;
     bool more = true;
     while (more && ClockMs() - started < kFeedShowMs) {
         more = FeedShowBlock(g_feed, g_output.errors, PaneOfFeed());
@@ -62,6 +65,7 @@ void OutputFeedShowNext() {
     }
     if (FeedWantsReveal(g_feed, ClockMs())) OutputFeedReveal();
     if (ErrorCount(g_output.errors) != errors) ErrorListRefresh();
+    if (g_feed.lines.counts.errors + g_feed.lines.counts.warnings != diagnostics) SourceMarksWanted();
 }
 
 void OutputFeedReveal() {
@@ -81,6 +85,11 @@ void OutputFeedBeginBuild(const BuildRecord& build) {
 }
 
 const OutputCounts& OutputFeedCounts() { return g_feed.lines.counts; }
+
+std::int32_t OutputFeedLineOfRecord(int index) {
+    return FeedLineOf(g_feed, g_output.errors.items[static_cast<std::size_t>(index)],
+                      EqualDiagnosticsBefore(g_output.errors, index));
+}
 
 std::size_t OutputFeedLinesShown() { return g_feed.shown.size(); }
 

@@ -13,10 +13,11 @@ constexpr int kClockEvery = 256;  // the time is checked after so many lines
 
 void RecordDiagnostic(CompilerErrors& errors, const std::wstring& line, const OutputLines& lines) {
     CompilerError next = {};
-    if (ErrorCount(errors) >= kMaxCompilerErrors || ParseErrorLine(line, &next) == 0) return;
+    if (ParseErrorLine(line, &next) == 0) return;
     next.compilerId = lines.compilerId;
     next.build = lines.build;
-    errors.items.push_back(next);
+    SourceMarksAdd(errors.marks, next);
+    if (ErrorCount(errors) < kMaxCompilerErrors) errors.items.push_back(next);
 }
 
 // The line's number in the log of its process; 0 for a line of the editor.

@@ -20,18 +20,30 @@ void PaneApplyFontAndTheme(HWND richEdit);
 // diagnostic, or the log where it goes on with the lines that the pane leaves out.
 void OutputPaneNavigateError();
 
+// Selects the line of the pane that tells a record of `g_output.errors` and scrolls to it. Nothing when the line is not in
+// the pane.
+void OutputPaneShowRecord(int index);
+
+// Of the output pane, or of the error list when it has the keyboard: goes to the source of the chosen line, copies all.
+void OutputGoToSource();
+void OutputCopyAll();
+
 void CompilerClearErrors();
 void CompilerNavigateToError(int index);
 void CompilerNextError();
 void CompilerVisitNextError();  // the command: the first record first
 void CompilerPrevError();
-// Goes to the diagnostic that the keyboard is on, in the error list or in the pane, else to the current one, and copies
-// it. False: there is none, or its file could not be opened, which the user was told.
+// Goes to the diagnostic that the keyboard is on, in the text, in the error list or in the pane, else to the current
+// one, and copies it. False: there is none, or its file could not be opened, which the user was told.
 bool CompilerShowChosenError(CompilerError* error);
+// The keyboard is on a diagnostic, or on a line of the pane that leads to a log.
+bool CompilerIsOnDiagnostic();
 
 // Creates the error list (a list view); null on failure. It shows the records of `g_output.errors`.
 HWND ErrorListCreate(HWND parent, int controlId);
 void ErrorListRefresh();
+void ErrorListApplyTheme();
+void ErrorListCopyAll();
 int ErrorListSelected();      // row from 0; -1: none
 void ErrorListShowCurrent();  // selects the current record's row
-bool ErrorListHandleNotify(const NMHDR& header);
+bool ErrorListHandleNotify(const NMHDR& header, LRESULT* result);

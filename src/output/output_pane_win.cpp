@@ -5,18 +5,17 @@
 #include "output/output_feed.h"
 #include "output/output_state.h"
 #include "output/show_timer.h"
-#include "resources/ids.h"
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
-#include "ui/menu.h"
 #include "ui/rich_lines.h"
 #include "ui/subclass.h"
 #include "ui/ui_state.h"
 
 #include <commctrl.h>
 #include <richedit.h>
+#include <windowsx.h>
 
 #include <iterator>
 
@@ -24,47 +23,29 @@ namespace {
 
 constexpr int kMargin = 6;  // left and right of a pane's text, at 96 dpi
 
-enum MenuCommand : UINT { kCopy = 1, kSelectAll, kClear, kNextError, kPreviousError };
+LONG CharacterAt(HWND pane, POINT screen) {
+    ScreenToClient(pane, &screen);
+    POINTL at = {screen.x, screen.y};
+    return static_cast<LONG>(SendMessageW(pane, EM_CHARFROMPOS, 0, reinterpret_cast<LPARAM>(&at)));
+}
 
 // The commands for a diagnostic mean the line that was clicked.
 void PutCaretAt(HWND pane, POINT screen) {
-    ScreenToClient(pane, &screen);
-    POINTL at = {screen.x, screen.y};
-    const LRESULT character = SendMessageW(pane, EM_CHARFROMPOS, 0, reinterpret_cast<LPARAM>(&at));
+    const LONG character = CharacterAt(pane, screen);
     SendMessageW(pane, EM_SETSEL, static_cast<WPARAM>(character), character);
     SetFocus(pane);
 }
 
-void ShowContextMenu(HWND pane, POINT at) {
-    const bool byMouse = at.x != -1 || at.y != -1;
-    if (!byMouse) {
-        at = {0, 0};
-        ClientToScreen(pane, &at);
+// The main window shows the menu. A click outside the selection chooses its line first.
+LRESULT PassContextMenu(HWND pane, LPARAM where) {
+    const POINT at = {GET_X_LPARAM(where), GET_Y_LPARAM(where)};
+    if (at.x != -1 || at.y != -1) {
+        CHARRANGE selection = {};
+        SendMessageW(pane, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&selection));
+        const LONG character = CharacterAt(pane, at);
+        if (character < selection.cpMin || character >= selection.cpMax) PutCaretAt(pane, at);
     }
-    CHARRANGE selection = {};
-    SendMessageW(pane, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&selection));
-    if (byMouse && selection.cpMin == selection.cpMax) PutCaretAt(pane, at);
-    const bool errors = ErrorCount(g_output.errors) > 0;
-    const MenuItem items[] = {{.id = kCopy, .text = L"&Copy\tCtrl+C", .enabled = selection.cpMin != selection.cpMax},
-                              {.id = kSelectAll, .text = L"Select &All\tCtrl+A"},
-                              {},
-                              {.id = kNextError, .text = L"&Next Error", .enabled = errors},
-                              {.id = kPreviousError, .text = L"&Previous Error", .enabled = errors},
-                              {.id = IDM_AI_EXPLAIN, .text = L"E&xplain This Error", .enabled = errors},
-                              {.id = IDM_AI_FIX, .text = L"&Fix This Error", .enabled = errors},
-                              {},
-                              {.id = kClear, .text = L"C&lear"}};
-    const UINT command = ShowPopupMenu(pane, items, at);
-    switch (command) {
-        case kCopy: SendMessageW(pane, WM_COPY, 0, 0); break;
-        case kSelectAll: SendMessageW(pane, EM_SETSEL, 0, -1); break;
-        case kNextError: CompilerVisitNextError(); break;
-        case kPreviousError: CompilerPrevError(); break;
-        case IDM_AI_EXPLAIN:
-        case IDM_AI_FIX: PostMessageW(g_ui.hMainWnd, WM_COMMAND, command, 0); break;
-        case kClear: OutputPaneClear(); break;
-        default: break;
-    }
+    return SendMessageW(g_ui.hMainWnd, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(pane), where);
 }
 
 LRESULT CALLBACK OutputPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
@@ -81,9 +62,7 @@ LRESULT CALLBACK OutputPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
             }
             if (wParam == VK_ESCAPE) FocusCurrentEditor();
             break;
-        case WM_CONTEXTMENU:
-            ShowContextMenu(pane, {static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))});
-            return 0;
+        case WM_CONTEXTMENU: return PassContextMenu(pane, lParam);
         default: break;
     }
     return SubclassNext(pane, message, wParam, lParam);
@@ -150,6 +129,11 @@ void OutputPaneTrim() {
     if (!OutputFeedTrim()) return;
     EmptyPane();
     OutputFeedShowAgain();
+}
+
+void OutputPaneShowRecord(int index) {
+    if (g_output.hOutput == nullptr) return;
+    if (const std::int32_t line = OutputFeedLineOfRecord(index); line >= 0) RichSelectLine(g_output.hOutput, line);
 }
 
 void OutputPaneScrollToEnd() {

@@ -6,6 +6,7 @@
 #include "debugui/breakpoint_list.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
+#include "output/mark_view.h"
 #include "project/tree_actions.h"
 #include "project/tree_internal.h"
 #include "resources/ids.h"
@@ -100,6 +101,7 @@ void RenameTo(TreeNode& node, const std::wstring& name) {
     ShowNewName(node, name);
     FilesFollowRename(from, to);
     BreakpointsFollowRename(from, to);
+    SourceMarksFollowRename(from, to);
     EndEdited();
     ReadFolderAgain(folder);  // the filters may hide the new name
 }

@@ -6,6 +6,7 @@
 #include "ui/fonts.h"
 #include "ui/list_looks.h"
 #include "ui/paint.h"
+#include "ui/severity_paint.h"
 
 #include <algorithm>
 
@@ -13,6 +14,7 @@ namespace {
 
 constexpr int kCellPadding = 6;  // at 96 dpi, left of a cell's text
 constexpr int kMarkWidth = 18;
+constexpr int kSignSize = 13;
 constexpr UINT kCellText = DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS;
 
 COLORREF ColourOf(ListColour colour) {
@@ -62,6 +64,11 @@ void DrawListMark(HDC dc, ListMark mark, const RECT& cell, COLORREF colour) {
                          ColourOf(ListColour::Back), true);
             break;
         }
+        case MarkShape::Error:
+        case MarkShape::Warning:
+            DrawSeveritySign(dc, {cell.left + UiScaled(4), middle - UiScaled(kSignSize) / 2}, UiScaled(kSignSize),
+                             mark == ListMark::Error, colour, ColourOf(ListColour::Back));
+            break;
         case MarkShape::Box: DrawBox(dc, left, middle, mark == ListMark::Checked, colour); break;
     }
 }

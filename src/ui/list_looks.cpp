@@ -7,6 +7,8 @@ MarkShape MarkShapeOf(ListMark mark) {
         case ListMark::Chosen: return MarkShape::Arrow;
         case ListMark::Breakpoint: return MarkShape::Dot;
         case ListMark::CurrentBreakpoint: return MarkShape::ArrowOnDot;
+        case ListMark::Error: return MarkShape::Error;
+        case ListMark::Warning: return MarkShape::Warning;
         case ListMark::Unchecked:
         case ListMark::Checked: break;
     }
@@ -22,8 +24,10 @@ ListColour RowBackOf(const ListRow& row, bool stale, bool selected, bool focused
 ListColour MarkColourOf(const ListRow& row, bool stale) {
     if (stale || row.tone == ListTone::Quiet) return ListColour::Quiet;
     switch (MarkShapeOf(row.mark)) {
+        case MarkShape::Error:
         case MarkShape::Dot:
         case MarkShape::ArrowOnDot: return ListColour::Error;
+        case MarkShape::Warning:
         case MarkShape::Arrow: return ListColour::Arrow;
         default: return ListColour::Text;
     }

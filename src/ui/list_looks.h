@@ -19,7 +19,7 @@ ListColour RowBackOf(const ListRow& row, bool stale, bool selected, bool focused
 ListColour MarkColourOf(const ListRow& row, bool stale);
 ListColour CellColourOf(const ListRow& row, bool stale, int column, bool lastColumn);
 
-enum class MarkShape : std::uint8_t { None, Arrow, Dot, ArrowOnDot, Box };
+enum class MarkShape : std::uint8_t { None, Arrow, Dot, ArrowOnDot, Box, Error, Warning };
 MarkShape MarkShapeOf(ListMark mark);
 
 // The last cell with text. Its text is drawn over the empty cells after it.

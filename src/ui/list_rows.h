@@ -18,6 +18,8 @@ enum class ListMark : std::uint8_t {
     Current,  // a filled arrow: where the program stopped
     Chosen,   // the outline of an arrow: what the other views show
     Breakpoint,
+    Error,
+    Warning,
     CurrentBreakpoint,  // an arrow on the dot: the program stopped where a breakpoint is
 };
 

@@ -28,6 +28,8 @@ void RichScrollToEnd(HWND pane);
 // Scrolls to the start of the lines. A pane that has no size yet scrolls sideways to its caret, because its view has no
 // width.
 void RichScrollToLeft(HWND pane);
+// Selects a line (from 0) of a pane that does not wrap, which is seen without the keyboard, too, and scrolls to it.
+void RichSelectLine(HWND pane, LONG line);
 // Scrolls to the end and repaints. Painting takes longer the more lines a pane holds, so it is called once after
 // several blocks.
 void RichLinesReveal(HWND pane);

@@ -127,6 +127,23 @@ void RichScrollToEnd(HWND pane) {
 // EM_SETSCROLLPOS would set the vertical place too, and Windows documents its values as 16-bit.
 void RichScrollToLeft(HWND pane) { SendMessageW(pane, WM_HSCROLL, MAKEWPARAM(SB_THUMBPOSITION, 0), 0); }
 
+void RichSelectLine(HWND pane, LONG line) {
+    const auto start = static_cast<LONG>(SendMessageW(pane, EM_LINEINDEX, static_cast<WPARAM>(line), 0));
+    if (start < 0) return;
+    const auto length = static_cast<LONG>(SendMessageW(pane, EM_LINELENGTH, static_cast<WPARAM>(start), 0));
+    RECT client = {};
+    GetClientRect(pane, &client);
+    {
+        const RedrawPause pause(pane);
+        SelectInRich(pane, start, start + length);
+        const auto first = static_cast<LONG>(SendMessageW(pane, EM_GETFIRSTVISIBLELINE, 0, 0));
+        const LONG rows = std::max<LONG>(client.bottom / std::max(UiSizes().fixedHeight, 1), 1);
+        if (line < first || line + 1 >= first + rows) SendMessageW(pane, EM_LINESCROLL, 0, line - rows / 2 - first);
+        RichScrollToLeft(pane);
+    }
+    RedrawWindow(pane, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME);
+}
+
 void RichLinesReveal(HWND pane) {
     if (pane == nullptr) return;
     {

@@ -6,6 +6,7 @@
 #include "app/split_ratios.h"
 #include "app/startup_rules.h"
 #include "app/window_place.h"
+#include "editor/margins.h"
 
 #include <gtest/gtest.h>
 
@@ -147,9 +148,10 @@ TEST(Notifications, OfLinesAndOfTheMouse) {
     for (const int x : {10, 29}) EXPECT_TRUE(IsWithinMargin(x, 10, 20)) << x;
     for (const int x : {9, 30}) EXPECT_FALSE(IsWithinMargin(x, 10, 20)) << x;
     EXPECT_FALSE(IsWithinMargin(10, 10, 0)) << "a hidden one";
-    EXPECT_EQ(DwellPlaceOf(true, -1), DwellPlace::SymbolMargin);
-    EXPECT_EQ(DwellPlaceOf(false, 0), DwellPlace::Text);
-    EXPECT_EQ(DwellPlaceOf(false, -1), DwellPlace::Nothing);
+    EXPECT_EQ(DwellPlaceOf(kMarginSymbols, -1), DwellPlace::SymbolMargin);
+    EXPECT_EQ(DwellPlaceOf(kMarginProblems, 0), DwellPlace::ProblemMargin);
+    EXPECT_EQ(DwellPlaceOf(-1, 0), DwellPlace::Text);
+    EXPECT_EQ(DwellPlaceOf(-1, -1), DwellPlace::Nothing);
 }
 
 // Tries every combination of panes at every size: no panes overlap or leave the window, and the editor stays usable.

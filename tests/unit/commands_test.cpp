@@ -1,6 +1,7 @@
 // The commands as the user meets them: menu, table and keys agree, and each command is enabled and checked when it
 // should be. Reads src/resources/app.rc.
 #include "commands/command_table.h"
+#include "commands/context_menu.h"
 #include "commands/edit_fields.h"
 #include "resources/ids.h"
 #include "support/golden_file.h"
@@ -9,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cwctype>
 #include <map>
 #include <regex>
 #include <set>
@@ -120,7 +122,8 @@ std::vector<Mark> Marks() {
                                       {"status bar", &CommandView::statusBar},
                                       {"whitespace", &CommandView::whitespace},
                                       {"wrap", &CommandView::wrap},
-                                      {"steps follow", &CommandView::stepsFollow}})
+                                      {"steps follow", &CommandView::stepsFollow},
+                                      {"error texts", &CommandView::errorTexts}})
         add(name).*shown = true;
     for (const auto& [name, pane] :
          {std::pair{"output", PaneId::Output}, {"asm", PaneId::Asm}, {"debug pane", PaneId::Debug}, {"ai", PaneId::Ai}})
@@ -247,6 +250,36 @@ TEST(EditFields, OfferWhatTheyCanDo) {
     };
     for (const auto& each : cases) EXPECT_EQ(EditConditionsOf(each.field), each.conditions) << each.name;
     EXPECT_EQ(EditFieldKindOf(L"RichEdit50W"), Kind::Rich);
+}
+
+TEST(ContextMenus, OfferCommandsOfTheTableWithMnemonicsOfTheirOwn) {
+    for (const ContextPlace place :
+         {ContextPlace::Text, ContextPlace::Margin, ContextPlace::Output, ContextPlace::Errors}) {
+        std::set<wchar_t> mnemonics;
+        for (const ContextItem& item : ContextItemsOf(place)) {
+            if (item.command == 0) continue;
+            const std::wstring text = item.text;
+            EXPECT_NE(FindCommand(item.command), nullptr) << item.command;
+            ASSERT_NE(text.find(L'&'), std::wstring::npos) << item.command;
+            EXPECT_TRUE(
+                mnemonics.insert(static_cast<wchar_t>(std::towupper(static_cast<wint_t>(text[text.find(L'&') + 1]))))
+                    .second)
+                << "two items with one key: " << item.command;
+        }
+        for (const bool onDiagnostic : {false, true}) {
+            const std::vector<ContextItem> items = ContextItemsNow(place, onDiagnostic, IDM_AI_LMSTUDIO);
+            bool separator = true;  // none may stand first
+            int explain = 0;
+            for (const ContextItem& item : items) {
+                EXPECT_FALSE(separator && item.command == 0) << static_cast<int>(place);
+                separator = item.command == 0;
+                explain += item.command == IDM_AI_EXPLAIN;
+                EXPECT_NE(item.command, IDM_AI_OPENAI) << "the service that the settings name is asked";
+            }
+            EXPECT_FALSE(separator) << "at the end";
+            EXPECT_EQ(explain, onDiagnostic ? 1 : 0);
+        }
+    }
 }
 
 }  // namespace

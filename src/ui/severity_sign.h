@@ -1,0 +1,12 @@
+// The signs of errors and warnings, the same in the margin of an editor and in lists: an error is a rounded square with
+// a cross, a warning a triangle with an exclamation mark. Pure.
+#pragma once
+
+#include "ui/theme_table.h"
+
+#include <cstdint>
+#include <vector>
+
+// A picture of `size` x `size` pixels, 4 bytes (RGBA) for each, the colours not multiplied by the opacity. `inside` is the
+// colour of the cross and of the exclamation mark.
+std::vector<std::uint8_t> SeveritySign(int size, bool error, Rgb colour, Rgb inside);
