@@ -17,6 +17,7 @@
 #include "search/files_search.h"
 #include "search/find.h"
 #include "search/find_bar.h"
+#include "selftest/selftest.h"
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
 #include "settings/settings_store.h"
@@ -27,14 +28,11 @@
 #include <shellapi.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace {
-
-constexpr int kExitNoSelfTest = 2;
 
 bool g_testMode = false;
 std::string g_testModule;
@@ -55,13 +53,16 @@ void ParseCommandLineEarly(const char* raw) {
     const EarlyOptions early = ParseEarlyOptions(Arguments(raw));
     g_testMode = early.testMode || early.testList;
     g_testModule = early.testList ? "list" : early.testModule;
-    g_selftestTabsMode = early.selftestTabs;
+    g_selftestTabsMode = early.selftestTabs || SelfTestIsChild();
 }
 
-// The self-tests are not part of this version: says so on stderr and returns the exit code for that.
-int RunTestMode(const char* module) {
-    std::fprintf(stderr, "KVX-Editor: self-test '%s' is not available in this version\n", module);
-    return kExitNoSelfTest;
+// The options that begin with "--selftest". They run before a window of this process is made, because its start would
+// write to the user's settings, log and registry.
+std::vector<std::wstring> SelfTestOptions(const char* raw) {
+    std::vector<std::wstring> options;
+    for (const CommandLineStep& step : ParseCommandLineSteps(Arguments(raw)))
+        if (step.action == CommandLineAction::SelfTest) options.push_back(step.text);
+    return options;
 }
 
 bool GivesToRunningCopy(const char* raw) {
@@ -102,9 +103,7 @@ void RunStep(const CommandLineStep& step) {
         case CommandLineAction::Detect: ShowDetectReport(); EndProcess(0);
         case CommandLineAction::Log: ReopenLog(); break;
         case CommandLineAction::Help: TellUser(L"Editor Help", CommandLineHelp().c_str(), AskIcon::None); break;
-        case CommandLineAction::SelfTest:
-            AppLogMsg(L"FAIL: self-test '%s' is not available in this version", step.text.c_str());
-            EndProcess(kExitNoSelfTest);
+        case CommandLineAction::SelfTest: break;  // they have run
     }
 }
 
@@ -182,6 +181,8 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR commandLine, int showCom
     g_app.hInstance = instance;
     ParseCommandLineEarly(commandLine);
     if (g_testMode) return RunTestMode(g_testModule.c_str());
+    if (const std::vector<std::wstring> options = SelfTestOptions(commandLine); !options.empty())
+        return RunSelfTestOptions(options);
     StartTurn turn;
     if (GivesToRunningCopy(commandLine)) return 0;
     SettingsDefaults(g_app.settings);
@@ -214,7 +215,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR commandLine, int showCom
     ParseCommandLine(commandLine);
     LogCommandLineResult();
     MainWnd_CommandLineDone();
-    const int code = RunMessageLoop();
+    const int code = SelfTestEnd(RunMessageLoop());
     ScintillaUnload(g_app.scintilla.scintilla, g_app.scintilla.lexilla);
     if (richEdit != nullptr) FreeLibrary(richEdit);
     CloseLog();

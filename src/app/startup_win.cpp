@@ -23,6 +23,7 @@
 #include "recovery/snapshots.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
+#include "selftest/selftest.h"
 #include "session/session.h"
 #include "session/session_owner.h"
 #include "settings/settings_store.h"
@@ -117,6 +118,13 @@ void MainWnd_OnStartup() {
         return;
     }
     AppLogMsg(L"DBG WM_USER+200 ENTER");
+    if (SelfTestIsChild()) {
+        EnsureEditableStartupTab();
+        MainWindow_Layout();
+        FocusCurrentEditor();
+        SelfTestStart();
+        return;
+    }
     StartupStep step = StartupStep::OfferSession;
     while (step != StartupStep::Done) {
         if (FileWorkCloseIsQueued()) {

@@ -1,0 +1,45 @@
+#include "selftest/modules.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr SelfTestModule kModules[] = {
+    {"mouse", L"--selftest", "clicks, double clicks, drags and the wheel in the editor", "long.bas"},
+    {"tabs", L"--selftest-tabs", "switching, closing and selecting with three tabs", "one.bas two.bas three.bas"},
+    {"editor-all", L"--selftest-editor-all",
+     "typing, undo, find, close, a KVXB64 build, debug commands without a program", "hello.bas long.bas"},
+    {"toolbar", L"--selftest-toolbar", "buttons, their order and pictures, the compiler's name", "hello.bas"},
+    {"panes", L"", "each pane shown and hidden", "hello.bas"},
+    {"files", L"", "files with and without a mark, with CR LF and LF, saved in the form they had",
+     "utf8.bas marked.bas lines.bas ansi.bas"},
+    {"compilers", L"--selftest-compilers", "a build with each compiler that is installed", ""},
+    {"kb-debug", L"--selftest-kb-debug", "KeldorBasic: step by step through a program", ""},
+    {"kvxb64-debug", L"--selftest-kvxb64-debug", "KVXB64: step by step through IF and ELSE with DOUBLE", ""},
+    {"exit", L"--selftest-exit", "File > Exit closes the window", "hello.bas"},
+};
+
+}  // namespace
+
+std::span<const SelfTestModule> SelfTestModules() { return kModules; }
+
+const SelfTestModule* SelfTestModuleOf(std::string_view name) {
+    const auto* row = std::ranges::find(kModules, name, &SelfTestModule::name);
+    return row != std::end(kModules) ? row : nullptr;
+}
+
+const SelfTestModule* SelfTestModuleOfOption(std::wstring_view option) {
+    if (option.empty()) return nullptr;
+    const auto* row = std::ranges::find(kModules, option, &SelfTestModule::option);
+    return row != std::end(kModules) ? row : nullptr;
+}
+
+std::string SelfTestList() {
+    std::string text;
+    for (const SelfTestModule& module : kModules) {
+        std::string line{module.name};
+        line.resize(std::max<std::size_t>(line.size() + 1, 14), ' ');
+        text += line + std::string(module.about) + "\n";
+    }
+    return text;
+}

@@ -1,0 +1,69 @@
+// The self-test as a user calls it: from an installed program, with its output in a pipe.
+#include "harness.h"
+#include "support/start_process.h"
+
+#include <filesystem>
+#include <set>
+
+namespace {
+
+struct Ended {
+    std::optional<DWORD> code;
+    std::string output;
+};
+
+Ended RunProgram(const ProgramFolder& folder, const std::wstring& arguments) {
+    const std::wstring path = folder.File(L"output.txt");
+    SECURITY_ATTRIBUTES inherited = {
+        .nLength = sizeof(inherited), .lpSecurityDescriptor = nullptr, .bInheritHandle = TRUE};
+    const HANDLE file =
+        CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr);
+    PROCESS_INFORMATION started = {};
+    EXPECT_TRUE(StartProcess(L"\"" + folder.File(L"KVX-Editor.exe") + L"\" " + arguments, &started,
+                             {.folder = folder.path.c_str(), .output = file, .errors = file}));
+    CloseHandle(file);
+    const bool ended = WaitForSingleObject(started.hProcess, 300'000) == WAIT_OBJECT_0;
+    Ended run;
+    DWORD code = 0;
+    if (ended && GetExitCodeProcess(started.hProcess, &code)) run.code = code;
+    CloseHandle(started.hThread);
+    CloseHandle(started.hProcess);
+    run.output = folder.Read(L"output.txt");
+    DeleteFileW(path.c_str());
+    return run;
+}
+
+std::set<std::filesystem::path> FilesOf(const ProgramFolder& folder) {
+    std::set<std::filesystem::path> files;
+    for (const auto& file : std::filesystem::recursive_directory_iterator(folder.path)) files.insert(file.path());
+    return files;
+}
+
+}  // namespace
+
+TEST(SelfTestRun, ChecksAnInstallationAndTouchesNothing) {
+    const ProgramFolder folder(kCompilers);
+    folder.Write(L"Editor.ini", "[Editor]\r\nFontSize=17\r\n[KVXA64]\r\nFlags=\r\n");
+    const std::string settings = folder.Read(L"Editor.ini");
+    const auto before = FilesOf(folder);
+    const Ended all = RunProgram(folder, L"--test-all");
+    EXPECT_EQ(all.code, 0u) << all.output;
+    EXPECT_NE(all.output.find(" passed, 0 failed, "), std::string::npos) << all.output;
+    for (const char* check :
+         {"ok    tabs: ", "ok    kvxb64-debug: the steps go down the lines", "ok    exit: File > Exit"})
+        EXPECT_NE(all.output.find(check), std::string::npos) << check << "\n" << all.output;
+    EXPECT_EQ(folder.Read(L"Editor.ini"), settings);
+    EXPECT_EQ(FilesOf(folder), before);
+    EXPECT_EQ(CountProcesses(L"KVX-Editor.exe"), 0);
+}
+
+TEST(SelfTestRun, NamesWhatItCannotCheck) {
+    const ProgramFolder folder;
+    const Ended steps = RunProgram(folder, L"--selftest-kb-debug");
+    EXPECT_EQ(steps.code, 0u);
+    EXPECT_NE(steps.output.find("skip  kb-debug: steps with KeldorBasic (the compiler is not installed)"),
+              std::string::npos)
+        << steps.output;
+    EXPECT_EQ(RunProgram(folder, L"--test nothing").code, 2u);
+    EXPECT_NE(RunProgram(folder, L"--test-list").output.find("\nkvxb64-debug "), std::string::npos);
+}
