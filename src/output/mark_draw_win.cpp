@@ -3,6 +3,7 @@
 #include "output/mark_draw.h"
 
 #include "base/utf8.h"
+#include "documents/documents_state.h"
 #include "editor/margins.h"
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
@@ -68,8 +69,9 @@ void MarkDrawPrepare(HWND editor) {
 
 void MarkDrawMargin(HWND editor, bool shown) {
     const int width = shown ? UiScaled(kMarginWidth) : 0;
-    if (Ask(editor, SCI_GETMARGINWIDTHN, kMarginProblems) != width)
-        Ask(editor, SCI_SETMARGINWIDTHN, kMarginProblems, width);
+    if (Ask(editor, SCI_GETMARGINWIDTHN, kMarginProblems) == width) return;
+    Ask(editor, SCI_SETMARGINWIDTHN, kMarginProblems, width);
+    InvalidateRect(g_documents.hStickyHeader, nullptr, FALSE);  // its text begins where that of the editor does
 }
 
 void MarkDraw(HWND editor, const SourceMark& mark, LRESULT line) {

@@ -5,12 +5,11 @@
 
 namespace {
 
-constexpr std::size_t kMostRemovals = 64;  // kept of one place
+constexpr std::size_t kMostRemovals = 64;             // kept of one place
+constexpr std::ptrdiff_t kLongestCounted = 64 << 10;  // bytes, in which each place counts the line breaks
 constexpr std::string_view kBlanks = " \t\r\n";
 
 std::ptrdiff_t LengthOf(const MarkEdit& edit) { return static_cast<std::ptrdiff_t>(edit.text.size()); }
-
-std::size_t HashOf(const MarkEdit& edit) { return std::hash<std::string_view>{}(edit.text); }
 
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 
@@ -52,9 +51,11 @@ void TakeAway(MarkPlace& place, const MarkEdit& edit) {
     const std::ptrdiff_t offset = place.start - edit.position;
     place.removals.push_back({.offset = offset,
                               .length = LengthOf(edit),
-                              .lines = LineBreaks(edit.text),
-                              .lineOffset = LineBreaks(edit.text.substr(0, static_cast<std::size_t>(offset))),
-                              .hash = HashOf(edit),
+                              .lines = edit.lines,
+                              .lineOffset = offset > kLongestCounted
+                                                ? -1
+                                                : LineBreaks(edit.text.substr(0, static_cast<std::size_t>(offset))),
+                              .hash = edit.hash,
                               .blank = IsBlankText(edit.text),
                               .edit = edit.number,
                               .span = place.end - place.start});
@@ -62,7 +63,7 @@ void TakeAway(MarkPlace& place, const MarkEdit& edit) {
 }
 
 bool IsTextOf(const MarkRemoval& removal, const MarkEdit& edit) {
-    return removal.length == LengthOf(edit) && removal.hash == HashOf(edit);
+    return removal.length == LengthOf(edit) && removal.hash == edit.hash;
 }
 
 // The removed text is there again, at its place or, as lines that were moved, at another one.
@@ -83,7 +84,7 @@ bool ComesBack(MarkPlace& place, const MarkEdit& edit) {
 // Other text was put in place of the removed one at once: the line is there in another form.
 bool IsReplaced(MarkPlace& place, const MarkEdit& edit) {
     MarkRemoval& last = place.removals.back();
-    if (edit.number != last.edit + 1 || edit.position != place.start || LineBreaks(edit.text) != last.lines)
+    if (edit.number != last.edit + 1 || edit.position != place.start || edit.lines != last.lines || last.lineOffset < 0)
         return false;
     const std::size_t start = StartOfLine(edit.text, last.lineOffset);
     if (start == std::string_view::npos) return false;
@@ -101,7 +102,7 @@ bool GrowAgain(MarkPlace& place, const MarkEdit& edit) {
     if (!edit.undone || place.cuts.empty()) return false;
     const MarkCut cut = place.cuts.back();
     const std::ptrdiff_t edge = cut.before > 0 ? place.start : place.end;
-    if (edit.position != edge || cut.length != LengthOf(edit) || cut.hash != HashOf(edit)) return false;
+    if (edit.position != edge || cut.length != LengthOf(edit) || cut.hash != edit.hash) return false;
     if (cut.before > 0) {
         place.start = edit.position + cut.length - cut.before;
         place.end += cut.length;
@@ -132,14 +133,14 @@ bool IsCovered(const MarkPlace& place, std::ptrdiff_t from, std::ptrdiff_t to, b
 
 void KeepCut(MarkPlace& place, const MarkEdit& edit, std::ptrdiff_t before, std::ptrdiff_t behind) {
     if (place.cuts.size() >= kMostRemovals) place.cuts.erase(place.cuts.begin());
-    place.cuts.push_back({.length = LengthOf(edit), .hash = HashOf(edit), .before = before, .behind = behind});
+    place.cuts.push_back({.length = LengthOf(edit), .hash = edit.hash, .before = before, .behind = behind});
 }
 
 bool AfterRemoval(MarkPlace& place, const MarkEdit& edit) {
     const std::ptrdiff_t from = edit.position;
     const std::ptrdiff_t length = LengthOf(edit);
     const std::ptrdiff_t to = from + length;
-    const bool lines = LineBreaks(edit.text) > 0;
+    const bool lines = edit.lines > 0;
     const bool whole = place.removals.empty()
                            ? IsCovered(place, from, to, lines)
                            : from <= place.start && place.start <= to && (from < place.start || lines);
@@ -182,6 +183,12 @@ bool MarkIsGone(const MarkPlace& place) {
     for (auto removal = place.removals.rbegin(); removal != place.removals.rend() && !removal->replaced; ++removal)
         if (removal->lines > 0) return true;
     return false;
+}
+
+MarkEdit WholeEdit(MarkEdit edit) {
+    edit.lines = LineBreaks(edit.text);
+    edit.hash = std::hash<std::string_view>{}(edit.text);
+    return edit;
 }
 
 bool MoveMark(MarkPlace& place, const MarkEdit& edit) {

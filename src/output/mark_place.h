@@ -12,7 +12,7 @@ struct MarkRemoval {
     std::ptrdiff_t offset = 0;      // of the place in the removed text
     std::ptrdiff_t length = 0;      // of the removed text
     std::ptrdiff_t lines = 0;       // line breaks in it
-    std::ptrdiff_t lineOffset = 0;  // line breaks in it before the place
+    std::ptrdiff_t lineOffset = 0;  // line breaks in it before the place; negative: not counted, because it is long
     std::size_t hash = 0;           // of it
     bool blank = false;             // nothing but blanks and line breaks
     std::uint64_t edit = 0;         // MarkEdit::number
@@ -41,7 +41,12 @@ struct MarkEdit {
     std::ptrdiff_t position = 0;
     std::string_view text = {};  // what was inserted or removed
     std::uint64_t number = 0;    // counts the edits of the document
+    // Of the text, found once for all places of a document.
+    std::ptrdiff_t lines = 0;
+    std::size_t hash = 0;
 };
+// Completes the last two.
+MarkEdit WholeEdit(MarkEdit edit);
 
 // The line of the place was removed.
 bool MarkIsGone(const MarkPlace& place);

@@ -294,7 +294,9 @@ void SourceMarksOnEdit(DocumentId document, const SCNotification& change) {
                      .undone = (change.modificationType & (SC_PERFORMED_UNDO | SC_PERFORMED_REDO)) != 0,
                      .position = change.position};
     if ((!edit.inserted && (change.modificationType & SC_MOD_DELETETEXT) == 0) || change.text == nullptr) return;
+    if (!HasMarks(document)) return;
     edit.text = {change.text, static_cast<std::size_t>(change.length)};
+    edit = WholeEdit(edit);
     for (MarkedFile& file : Files()) {
         if (file.document != document) continue;
         edit.number = ++file.edits;
@@ -316,6 +318,10 @@ void SourceMarksOnCaret(DocumentId document) {
     const LRESULT line = Ask(tab->editor, SCI_LINEFROMPOSITION, caret);
     // What else the status bar tells, as the result of a build, stays until the caret comes to another line.
     const bool moved = g_view.caretIn != document || g_view.caretLine != line;
+    if (g_view.caretIn != document) {  // the status bar forgets what is about another document
+        g_view.told = 0;
+        g_view.text.clear();
+    }
     g_view.caretIn = document;
     g_view.caretLine = line;
     if (moved || g_view.told == document) TellInStatus(document, MarkTexts(MarksAt(*tab, caret, true), L"  |  "));

@@ -64,11 +64,11 @@ struct MarkedText {
             text.insert(at, what);
         else
             text.erase(at, what.size());
-        MoveMark(place, {.inserted = insert,
-                         .undone = undone,
-                         .position = static_cast<std::ptrdiff_t>(at),
-                         .text = what,
-                         .number = ++edits});
+        MoveMark(place, WholeEdit({.inserted = insert,
+                                   .undone = undone,
+                                   .position = static_cast<std::ptrdiff_t>(at),
+                                   .text = what,
+                                   .number = ++edits}));
     }
     // "+old|new": what is inserted before the first `old`; "-part": removed; "u": undoes the last edit.
     void Do(const std::string& order) {
