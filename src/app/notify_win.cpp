@@ -113,8 +113,15 @@ std::wstring RegisterTip(HWND editor, Sci_Position position) {
     return known ? text : L"";
 }
 
+// A tip would be shown over the menu.
+bool MenuIsOpen() {
+    GUITHREADINFO info = {};
+    info.cbSize = sizeof(info);
+    return GetGUIThreadInfo(GetCurrentThreadId(), &info) != FALSE && (info.flags & GUI_INMENUMODE) != 0;
+}
+
 void OnDwell(HWND editor, DocumentId document, const SCNotification& dwell) {
-    if (DebugIsWaiting() || g_app.wordListOpen) return;  // a tip would cover the list
+    if (DebugIsWaiting() || g_app.wordListOpen || MenuIsOpen()) return;  // a tip would cover the list
     const LRESULT place = SciSend(editor, SCI_POSITIONFROMPOINT, static_cast<WPARAM>(dwell.x), dwell.y);
     std::wstring tip;
     switch (DwellPlaceOf(MarginAt(editor, dwell.x), dwell.position)) {
