@@ -19,8 +19,8 @@ if(WIN32)
     target_link_libraries(kvx_windows INTERFACE
         comctl32 comdlg32 shlwapi shell32 uxtheme dwmapi imm32 winhttp winmm crypt32 ole32 oleaut32 uuid
         advapi32 gdi32 user32)
-    # The program needs no runtime DLL.
-    add_link_options(-static)
+    # The program needs no runtime DLL. The same sources give the same bytes, so no time is written into the files.
+    add_link_options(-static -Wl,--no-insert-timestamp)
 endif()
 
 # A check of the stack in procedures with arrays (src/base/stack_guard_win.cpp). The linker marks the program by itself
@@ -78,10 +78,12 @@ endfunction()
 function(kvx_split_debug_symbols target)
     if(CMAKE_OBJCOPY AND CMAKE_STRIP)
         set(symbols "${CMAKE_CURRENT_BINARY_DIR}/${target}.debug")
+        # These tools write the time of day into a file unless they are told one.
+        set(fixed "${CMAKE_COMMAND}" -E env SOURCE_DATE_EPOCH=0)
         add_custom_command(TARGET ${target} POST_BUILD
-            COMMAND ${CMAKE_OBJCOPY} --only-keep-debug "$<TARGET_FILE:${target}>" "${symbols}"
-            COMMAND ${CMAKE_STRIP} --strip-all "$<TARGET_FILE:${target}>"
-            COMMAND ${CMAKE_OBJCOPY} "--add-gnu-debuglink=${symbols}" "$<TARGET_FILE:${target}>"
+            COMMAND ${fixed} ${CMAKE_OBJCOPY} --only-keep-debug "$<TARGET_FILE:${target}>" "${symbols}"
+            COMMAND ${fixed} ${CMAKE_STRIP} --strip-all "$<TARGET_FILE:${target}>"
+            COMMAND ${fixed} ${CMAKE_OBJCOPY} "--add-gnu-debuglink=${symbols}" "$<TARGET_FILE:${target}>"
             VERBATIM)
     endif()
 endfunction()

@@ -19,6 +19,7 @@
 #include "search/find_bar.h"
 #include "selftest/selftest.h"
 #include "settings/compiler_table.h"
+#include "settings/file_types.h"
 #include "settings/settings_state.h"
 #include "settings/settings_store.h"
 #include "symbols/peek_window.h"
@@ -63,6 +64,26 @@ std::vector<std::wstring> SelfTestOptions(const char* raw) {
     for (const CommandLineStep& step : ParseCommandLineSteps(Arguments(raw)))
         if (step.action == CommandLineAction::SelfTest) options.push_back(step.text);
     return options;
+}
+
+// For the installer. "--register" switches the setting of the "Open with" list on for each compiler, "--unregister" takes
+// back every entry of this executable in the shell. False when neither is there.
+bool ChangesRegistration(const char* raw) {
+    const std::vector<std::wstring> words = Arguments(raw);
+    const bool on = std::ranges::find(words, L"--register") != words.end();
+    if (!on && std::ranges::find(words, L"--unregister") == words.end()) return false;
+    wchar_t ini[kPathCapacity] = {};
+    GetIniPath(nullptr, ini, kPathCapacity);
+    SettingsDefaults(g_app.settings);
+    for (const CompilerProfile& compiler : g_compilers) {
+        if (on) WriteIniText(ini, compiler.section, L"RegisterExtension", L"1");
+        g_app.settings.compilers[compiler.id].registerExtension = 1;
+        if (!on && FileExtIsRegistered(compiler.id)) FileExtUnregisterCompiler(compiler.id);
+        if (!on) UnregisterFileExtensions(compiler.id);
+    }
+    if (on) RegisterFileExtensions();
+    FileExtNotifyShell();
+    return true;
 }
 
 bool GivesToRunningCopy(const char* raw) {
@@ -183,6 +204,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR commandLine, int showCom
     if (g_testMode) return RunTestMode(g_testModule.c_str());
     if (const std::vector<std::wstring> options = SelfTestOptions(commandLine); !options.empty())
         return RunSelfTestOptions(options);
+    if (ChangesRegistration(commandLine)) return 0;
     StartTurn turn;
     if (GivesToRunningCopy(commandLine)) return 0;
     SettingsDefaults(g_app.settings);
