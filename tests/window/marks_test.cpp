@@ -116,6 +116,34 @@ TEST(Marks, FollowTheTextUntilTheNextBuild) {
     EXPECT_EQ(editor.Sci(SCI_GETMARGINWIDTHN, kMarginProblems), 0);
 }
 
+TEST(Marks, AreRightAfterDiscardedEditsAndUnderAnotherName) {
+    FakeFolder folder(kScript);
+    const Editor editor(folder, OpenArgument(folder.Write(L"main.bas", kSource)) + L" --compiler kvxa64");
+    Build(editor);
+    ExpectMarks(editor, "3emissing 5wunused", "after the build");
+    editor.Sci(SCI_GOTOPOS, 0);
+    editor.Type("' one\r\n' two\r\n");
+    ExpectMarks(editor, "5emissing 7wunused", "not saved yet");
+    editor.Post(IDM_FILE_CLOSE);
+    editor.Answer(kUnsaved, L"", IDNO);
+    editor.Do(IDM_ERROR_NEXT);
+    ExpectMarks(editor, "3emissing 5wunused", "the file never had the two lines");
+    EXPECT_EQ(editor.Line(), 3);
+
+    editor.Post(IDM_FILE_SAVE_AS);
+    editor.AnswerFileDialog(folder.File(L"other.bas"));
+    EXPECT_TRUE(WaitFor([&] { return editor.TabLabel(editor.ActiveTab()) == L"other.bas"; }));
+    editor.Sci(SCI_GOTOPOS, 0);
+    editor.Type("' one\r\n");
+    editor.Do(IDM_FILE_SAVE);
+    ExpectMarks(editor, "4emissing 6wunused", "under another name");
+    editor.Do(IDM_FILE_CLOSE);
+    editor.Post(IDM_FILE_OPEN);
+    editor.AnswerFileDialog(folder.File(L"other.bas"));
+    EXPECT_TRUE(WaitFor([&] { return editor.TabLabel(editor.ActiveTab()) == L"other.bas"; }));
+    ExpectMarks(editor, "4emissing 6wunused", "opened again under that name");
+}
+
 TEST(Marks, TwentyThousandDiagnosticsAreMarkedUpToALimit) {
     FakeFolder folder("errors 20000 main.bas\nexit 1\n");
     std::string text;
