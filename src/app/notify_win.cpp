@@ -106,7 +106,14 @@ int MarginAt(HWND editor, int x) {
     return -1;
 }
 
-std::wstring RegisterTip(HWND editor, Sci_Position position) {
+// Of a name that the user has given, with the declaration below it, or of a register.
+std::wstring ValueTip(HWND editor, DocumentId document, Sci_Position position) {
+    if (std::wstring tip = DebugNameTip(document, position); !tip.empty()) {
+        LRESULT start = position;
+        const std::string declared = HoverTextAt(document, position, &start);
+        return declared.empty() ? tip : tip + L"\n" + Utf8ToWideText(declared);
+    }
+
     wchar_t text[128] = {};
     const std::wstring word = ShortWordAt(editor, position);
     const bool known = !word.empty() && DebugRegisterTip(word.c_str(), text, static_cast<int>(std::size(text)));
@@ -129,7 +136,7 @@ void OnDwell(HWND editor, DocumentId document, const SCNotification& dwell) {
         case DwellPlace::ProblemMargin: tip = SourceMarksTip(document, place, true); break;
         case DwellPlace::Text:
             tip = SourceMarksTip(document, dwell.position, false);
-            if (tip.empty()) tip = RegisterTip(editor, dwell.position);
+            if (tip.empty()) tip = ValueTip(editor, document, dwell.position);
             break;
         case DwellPlace::Nothing: break;
     }

@@ -165,6 +165,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_DEBUG_STEP_OVER_INSTRUCTION, kProgramStopped},
     {IDM_DEBUG_EXCEPTIONS, kAlways},
     {IDM_DEBUG_PROGRAM, kAlways},
+    {IDM_DEBUG_NAME_PLACE, kHasTab},
     {IDM_AI_OPENAI, kAlways},  // says why nothing can be asked, as the next ones
     {IDM_AI_LMSTUDIO, kAlways},
     {IDM_AI_TRANSCRIBE, kAlways, nullptr, Internal},

@@ -3,13 +3,19 @@
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_process.h"
 #include "debugger/expressions.h"
+#include "debugger/named_places.h"
+#include "debugger/program_places.h"
 #include "debugger/registers.h"
+
+#include "base/utf8.h"
 
 #include <algorithm>
 #include <cstring>
 #include <string_view>
 
 namespace {
+
+DebugNamesHook g_namesHook = nullptr;
 
 DebugBreakpoint& EntryAt(DebuggerState* state, int index) {
     return state->breakpoints[static_cast<std::size_t>(index)];
@@ -40,6 +46,18 @@ int PlantAt(DebuggerState* state, std::uint64_t address, int line, bool temporar
 
 bool PlantRva(DebuggerState* state, std::uint32_t rva, int line, bool temporary) {
     return rva != 0 && PlantAt(state, state->map.imageBase + rva, line, temporary) >= 0;
+}
+
+bool NamedHolds(const DebuggerState& state, std::string_view condition, std::span<const NamedPlace> names,
+                const RegisterSet& innermost) {
+    const ProgramMemory memory = DebugMemory(state);
+    const RegisterSet registers = RegistersOfFrame(innermost, {}, 0, memory.read);
+    const NamedVerdict verdict =
+        NamedConditionHolds(condition, {.names = names, .registers = registers, .memory = memory});
+    if (!verdict.problem.empty())
+        DebugSay(kDebugOrange, L"[Debug] The condition %s cannot be told: %s.\n", Utf8ToWideText(condition).c_str(),
+                 verdict.problem.c_str());
+    return verdict.holds;
 }
 
 }  // namespace
@@ -139,13 +157,16 @@ void DebugForgetTemporaries(DebuggerState* state) {
     }
 }
 
+void DebugSetNamesHook(DebugNamesHook hook) { g_namesHook = hook; }
+
 bool DebugCheckCondition(DebuggerState* state, const char* condition) {
     if (condition == nullptr) return true;
     constexpr std::size_t kMostBytes = 127;
     const std::string_view text(condition, std::min(std::strlen(condition), kMostBytes));
-    const Condition parsed = ParseCondition(text);
-    if (parsed.op == Condition::Operator::None) return true;
     RegisterSet registers;
     const bool read = DebugGetRegisters(state, 0, &registers);
-    return ConditionHolds(parsed, read ? &registers : nullptr);
+    const auto names = g_namesHook != nullptr && read ? g_namesHook(*state) : std::span<const NamedPlace>{};
+    if (MentionsName(text, names)) return NamedHolds(*state, text, names, registers);
+    const Condition parsed = ParseCondition(text);
+    return parsed.op == Condition::Operator::None || ConditionHolds(parsed, read ? &registers : nullptr);
 }

@@ -71,7 +71,8 @@ ProgramMemory DebugMemory(const DebuggerState& state) {
                              std::size_t count) { return DebugReadMem(&state, address, out, count); },
             .readSome = [&state](std::uint64_t address, void* out,
                                  std::size_t count) { return DebugReadSome(&state, address, out, count); },
-            .moduleBase = [&state](std::uint64_t address) { return ModuleBaseOf(state, address); }};
+            .moduleBase = [&state](std::uint64_t address) { return ModuleBaseOf(state, address); },
+            .wordBytes = state.isX64 != 0 ? 8U : 4U};
 }
 
 bool DebugIsExecutable(const DebuggerState* state, std::uint64_t address) {

@@ -14,8 +14,6 @@ inline bool DebugIsActive(const DebuggerState* state) { return state != nullptr 
 bool DebugReadRaw(const DebuggerState& state, std::uint64_t address, void* out, std::size_t count);
 bool DebugWriteRaw(const DebuggerState& state, std::uint64_t address, const void* bytes, std::size_t count);
 
-// The program's memory and modules, for the pure rules. `state` must outlive the result.
-ProgramMemory DebugMemory(const DebuggerState& state);
 
 // Handle of a thread of the program, owned by the state, or null.
 HANDLE DebugThreadHandle(const DebuggerState& state, std::uint32_t threadId);

@@ -3,11 +3,13 @@
 #pragma once
 
 #include "debugger/debug_state.h"
+#include "debugger/named_places.h"
 #include "program/debug_say.h"
 
 #include <windows.h>
 
 #include <cstdint>
+#include <span>
 #include <string>
 
 // --- Waiting (debug_events_win.cpp)
@@ -34,6 +36,8 @@ int DebugWaitStart(DebuggerState* state, DWORD timeoutMs);
 // Called when the program is created and the breakpoint of its first line is planted, before the program runs.
 using DebugPlantHook = void (*)(DebuggerState* state);
 void DebugSetPlantHook(DebugPlantHook hook);
+// From now on a start that reaches its first line tells so in the log only, because the caller shows the stop.
+void DebugWindowSaysStart();
 // What the next start adds to the command line, and the folder that it starts in; empty: that of the executable.
 void DebugSetLaunch(const wchar_t* arguments, const wchar_t* folder);
 // Ends the program and the session; takes at most about two seconds.
@@ -62,6 +66,11 @@ bool DebugSetCondition(DebuggerState* state, std::uint64_t address, const char* 
 // True when the condition holds in the thread of the last stop. Null and a text without a comparison hold. Only the
 // first 127 bytes count.
 bool DebugCheckCondition(DebuggerState* state, const char* condition);
+// Tells which names the user has given to places of the procedure in which the program stands. A condition that mentions
+// one of them is read by NamedConditionHolds (named_places.h). The span is used before the hook is called again. Null:
+// there are none.
+using DebugNamesHook = std::span<const NamedPlace> (*)(const DebuggerState& state);
+void DebugSetNamesHook(DebugNamesHook hook);
 
 // --- Resuming (debug_steps_win.cpp). True when the program was resumed; the caller waits for its next stop.
 bool DebugStepOver(DebuggerState* state);
@@ -82,3 +91,5 @@ bool DebugWriteMem(DebuggerState* state, std::uint64_t address, const void* byte
 // Reads like DebugReadMem, but up to the first unreadable page. Returns the number of bytes read.
 std::size_t DebugReadSome(const DebuggerState* state, std::uint64_t address, void* out, std::size_t count);
 bool DebugIsExecutable(const DebuggerState* state, std::uint64_t address);
+// The three functions above, and where modules begin, for the pure parts. `state` must outlive it.
+ProgramMemory DebugMemory(const DebuggerState& state);

@@ -8,6 +8,7 @@
 #include "base/log.h"
 #include "base/process_start.h"
 #include "base/system_error.h"
+#include "base/wide_format.h"
 #include "files/file_io.h"
 #include "files/start_path.h"
 
@@ -23,6 +24,7 @@ constexpr DWORD kStopWaitMs = 100;
 constexpr DWORD kDrainMs = 10;
 
 DebugPlantHook g_plantHook = nullptr;
+bool g_windowSaysStart = false;
 
 struct LaunchOptions {
     std::wstring arguments;
@@ -93,10 +95,20 @@ bool Launch(const wchar_t* executable, DebuggerState* state) {
     return true;
 }
 
+// The window says where the program stands after its start, in one line with the file's name.
+void SayOfStart(const std::wstring& text) {
+    if (g_windowSaysStart)
+        AppLogMsg(L"DBG DebugStart: %s", text.substr(0, text.size() - 1).c_str());
+    else
+        DebugSay(0, L"%s", text.c_str());
+}
+
 // Says how the start ended.
 void SayStart(const DebuggerState& state, DebugAwaits awaits, int event) {
     const std::wstring text = StartText(awaits, event, state.currentLine);
-    if (!text.empty()) DebugSay(0, L"%s", text.c_str());
+    if (text.empty()) return;
+    const bool reached = event == kDebugStopped && state.currentLine > 0;
+    reached ? SayOfStart(text) : DebugSay(0, L"%s", text.c_str());
 }
 
 StartStop StartStopOf(const DebuggerState& state) {
@@ -117,7 +129,7 @@ void RunToFirstLine(DebuggerState* state) {
     const int line = static_cast<int>(state->map.lines[0].line);
     if (DebugSetBreakpoint(state, line)) state->startAddress = state->map.imageBase + SdbgLineToRva(&state->map, line);
     if (g_plantHook != nullptr) g_plantHook(state);
-    DebugSay(0, L"[Debug] Started. Breakpoint at line %d.\n", line);
+    SayOfStart(FormatW(L"[Debug] Started. Breakpoint at line %d.\n", line));
 }
 
 void RunToFirst(DebuggerState* state) {
@@ -158,6 +170,7 @@ void AwaitEnd(DebuggerState* state) {
 }  // namespace
 
 void DebugSetPlantHook(DebugPlantHook hook) { g_plantHook = hook; }
+void DebugWindowSaysStart() { g_windowSaysStart = true; }
 
 void DebugSetLaunch(const wchar_t* arguments, const wchar_t* folder) {
     g_launch = {.arguments = arguments, .folder = folder};

@@ -7,11 +7,19 @@
 
 namespace {
 
+constexpr std::string_view kTypeSuffixes = "%&!#$@?";
+
+// Bytes above ASCII are letters of other alphabets.
+bool IsNameCharacter(char c) {
+    return IsDigit(c) || (UpperAscii(c) >= 'A' && UpperAscii(c) <= 'Z') || c == '_' ||
+           static_cast<unsigned char>(c) > 127;
+}
+
 // Sums, products and brackets, read from left to right.
 class PaneParser {
 public:
-    PaneParser(const RegisterSet& registers, std::string_view text, const MemoryReader& read)
-        : registers_(registers), rest_(text), read_(read) {}
+    PaneParser(const RegisterSet& registers, std::string_view text, const MemoryReader& read, const NameReader& names)
+        : registers_(registers), rest_(text), read_(read), names_(names) {}
 
     Evaluation Run() {
         const std::uint64_t value = Sum();
@@ -101,21 +109,63 @@ private:
         if (!value) Fail(L"a number is missing");
         return value.value_or(0);
     }
+    // A name of the user, if need be without the suffix: "i&1" is no name with a suffix. Nothing: there is none.
+    std::optional<std::uint64_t> Given(std::string_view whole, bool place) {
+        if (!names_) return std::nullopt;
+        for (const std::string_view name : {whole, WithoutTypeSuffix(whole)}) {
+            const std::optional<Evaluation> found = names_(name, place);
+            if (!found) continue;
+            rest_.remove_prefix(name.size());
+            if (!found->value) Fail(found->problem);
+            return found->value.value_or(0);
+        }
+        return std::nullopt;
+    }
+    // VARPTR is taken.
+    std::uint64_t PlaceOfGiven() {
+        if (!Take('(')) Fail(L"a bracket is missing after VARPTR");
+        Skip();
+        const std::string_view name = NameAtStart(rest_);
+        const auto place = Given(name, true);
+        if (!place) Fail(Unknown(name));
+        if (!Take(')')) Fail(L"a bracket is not closed");
+        return place.value_or(0);
+    }
+    std::wstring Unknown(std::string_view name) const {
+        if (name.empty()) return L"not understood from here: " + Shown(rest_);
+        if (!names_) return L"no register: " + Shown(name);
+        return Shown(name) + L" is not known. The compilers write no names of variables: name its place, as " +
+               Shown(name) + (registers_.x64 ? L" = RBP-4, LONG" : L" = EBP-4, LONG");
+    }
+    // Why a register of this frame cannot be used; empty: it can.
+    std::wstring Lost(std::string_view name) const {
+        if (registers_.frame == FrameState::Whole) return {};
+        std::string upper;
+        for (const char c : name) upper += UpperAscii(c);
+        const bool framePointer = upper == "RBP" || upper == "EBP";
+        if (registers_.frame == FrameState::Coming)
+            return framePointer ? Shown(name) + L" does not belong to this procedure yet: step once" : L"";
+        const bool known = upper == "RIP" || upper == "EIP" || (framePointer && registers_.general[kBp] != 0) ||
+                           ((upper == "RSP" || upper == "ESP") && registers_.general[kSp] != 0);
+        return known ? L"" : Shown(name) + L" of a caller is not known";
+    }
     std::uint64_t Name() {
-        std::size_t length = 0;
-        const auto inName = [](char c) { return IsDigit(c) || (UpperAscii(c) >= 'A' && UpperAscii(c) <= 'Z'); };
-        while (length < rest_.size() && inName(rest_[length])) ++length;
-        const std::string_view name = rest_.substr(0, length);
-        rest_.remove_prefix(length);
+        const std::string_view whole = NameAtStart(rest_);
+        if (const auto given = Given(whole, false)) return *given;
+        const std::string_view name = WithoutTypeSuffix(whole);
+        rest_.remove_prefix(name.size());
+        if (std::string_view word = name; names_ && TakePrefix(&word, "VARPTR") && word.empty()) return PlaceOfGiven();
         if (const std::size_t bytes = SizeOfName(name); bytes != 0 && Take('[')) return Memory(bytes);
         const auto value = RegisterByName(registers_, name);
-        if (!value) Fail(name.empty() ? L"not understood from here: " + Shown(rest_) : L"no register: " + Shown(name));
+        if (!value) Fail(Unknown(name));
+        if (const std::wstring lost = Lost(name); value && !lost.empty()) Fail(lost);
         return value.value_or(0);
     }
 
     const RegisterSet& registers_;
     std::string_view rest_;
     const MemoryReader& read_;
+    const NameReader& names_;
     std::wstring problem_;
     int depth_ = 0;
 };
@@ -164,6 +214,19 @@ bool ConditionHolds(const Condition& condition, const RegisterSet* registers) {
     }
 }
 
-Evaluation EvaluatePaneExpression(const RegisterSet& registers, std::string_view text, const MemoryReader& read) {
-    return PaneParser(registers, text, read).Run();
+Evaluation EvaluatePaneExpression(const RegisterSet& registers, std::string_view text, const MemoryReader& read,
+                                  const NameReader& names) {
+    return PaneParser(registers, text, read, names).Run();
+}
+
+std::string_view NameAtStart(std::string_view text) {
+    std::size_t end = 0;
+    while (end < text.size() && IsNameCharacter(text[end])) ++end;
+    if (end > 0)
+        while (end < text.size() && kTypeSuffixes.find(text[end]) != std::string_view::npos) ++end;
+    return text.substr(0, end);
+}
+
+std::string_view WithoutTypeSuffix(std::string_view name) {
+    return name.substr(0, name.find_last_not_of(kTypeSuffixes) + 1);
 }

@@ -5,6 +5,7 @@
 #include "debugger/stack_walk.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -31,4 +32,12 @@ struct Evaluation {
     std::optional<std::uint64_t> value;
     std::wstring problem;
 };
-Evaluation EvaluatePaneExpression(const RegisterSet& registers, std::string_view text, const MemoryReader& read = {});
+// The value of a name that the user has given, or with `place` its address; nothing: there is no such name.
+using NameReader = std::function<std::optional<Evaluation>(std::string_view name, bool place)>;
+// With `names`, a name is its value, also where a part of a register has the same name, and VARPTR(name) is its address.
+Evaluation EvaluatePaneExpression(const RegisterSet& registers, std::string_view text, const MemoryReader& read = {},
+                                  const NameReader& names = {});
+// The name that `text` begins with: letters, digits and underscores, then type suffixes. Empty: none.
+std::string_view NameAtStart(std::string_view text);
+// The same without its type suffixes.
+std::string_view WithoutTypeSuffix(std::string_view name);

@@ -65,3 +65,22 @@ std::optional<std::uint64_t> AddressInProgram(const ProgramImage& image, const R
     const auto nearest = ReturnToLine(image, registers, memory);
     return nearest ? std::optional(nearest->address) : std::nullopt;
 }
+
+RegisterSet RegistersOfFrame(const RegisterSet& innermost, std::span<const DebugFrame> frames, std::size_t index,
+                             const MemoryReader& read) {
+    RegisterSet registers = innermost;
+    if (index == 0 || index >= frames.size()) {
+        if (ReturnAddressWithoutFrame(innermost, read)) registers.frame = FrameState::Coming;
+        return registers;
+    }
+    registers.frame = FrameState::OfCaller;
+    registers.general = {};
+    registers.general[kBp] = frames[index].framePointer;
+    registers.ip = frames[index].address;
+    // The call has pushed its return address, and the procedure then the frame pointer that it links to. The second
+    // frame may have been found without such a link.
+    const std::uint64_t callee = frames[index - 1].framePointer;
+    const std::uint64_t words = innermost.x64 ? 2 * sizeof(std::uint64_t) : 2 * sizeof(std::uint32_t);
+    if (callee != 0 && callee != registers.general[kBp]) registers.general[kSp] = callee + words;
+    return registers;
+}

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
 // The executable's image and its lines.
@@ -32,3 +33,7 @@ std::vector<DebugFrame> FramesWithLines(const ProgramImage& image, const Registe
 // to one. Nothing: neither.
 std::optional<std::uint64_t> AddressInProgram(const ProgramImage& image, const RegisterSet& registers,
                                               const ProgramMemory& memory);
+
+// The registers of the frame `index` of FramesWithLines. Those of a caller are what its frame gives; see FrameState.
+RegisterSet RegistersOfFrame(const RegisterSet& innermost, std::span<const DebugFrame> frames, std::size_t index,
+                             const MemoryReader& read);

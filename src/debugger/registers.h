@@ -9,6 +9,13 @@
 #include <string_view>
 #include <vector>
 
+// Which registers of a frame can be used.
+enum class FrameState : std::uint8_t {
+    Whole,
+    Coming,    // of the innermost procedure, whose own frame does not stand yet: the frame pointer is the caller's
+    OfCaller,  // only instruction, frame and stack pointer are known, the last two when they are not 0
+};
+
 struct RegisterSet {
     bool x64 = true;
     // RAX RBX RCX RDX RSI RDI RBP RSP R8..R15; for a 32-bit program the first eight are EAX..ESP, the rest 0.
@@ -17,6 +24,7 @@ struct RegisterSet {
     std::uint32_t flags = 0;
     std::array<std::uint64_t, 16> xmmLow{}, xmmHigh{};  // 8 of them in a 32-bit program
     std::array<std::uint16_t, 6> segments{};            // CS DS ES FS GS SS
+    FrameState frame = FrameState::Whole;
     bool operator==(const RegisterSet&) const = default;
 };
 

@@ -23,6 +23,7 @@ struct ProgramMemory {
     std::function<std::size_t(std::uint64_t address, void* out, std::size_t count)> readSome;
     // Where the module begins that has the address; 0: none. Null: not known.
     std::function<std::uint64_t(std::uint64_t address)> moduleBase = nullptr;
+    std::size_t wordBytes = 8;  // of the program's addresses: 8 or 4
 };
 
 struct FrameLink {

@@ -48,6 +48,33 @@ std::wstring QuotedWideText(std::uint64_t address, const ProgramMemory& memory) 
 
 }  // namespace
 
+const wchar_t* WatchKindName(WatchKind kind) {
+    switch (kind) {
+        case WatchKind::Long: return L"LONG";
+        case WatchKind::Quad: return L"QUAD";
+        case WatchKind::Text: return L"ASCIIZ";
+        case WatchKind::Double: return L"DOUBLE";
+        case WatchKind::Byte: return L"BYTE";
+        case WatchKind::Word: return L"WORD";
+        case WatchKind::Dword: return L"DWORD";
+        case WatchKind::Integer: return L"INTEGER";
+        case WatchKind::Single: return L"SINGLE";
+        case WatchKind::WideText: return L"Wide text";
+        case WatchKind::Value: return L"Value";
+        case WatchKind::TextPointer: return L"STRING";
+    }
+    return L"";
+}
+
+bool IsTextKind(WatchKind kind) {
+    return kind == WatchKind::Text || kind == WatchKind::WideText || kind == WatchKind::TextPointer;
+}
+
+std::optional<std::uint64_t> AddressOfText(std::uint64_t address, const ProgramMemory& memory) {
+    std::uint64_t value = 0;
+    return memory.read(address, &value, memory.wordBytes) ? std::optional(value) : std::nullopt;
+}
+
 std::wstring WatchValueText(int kind, std::uint64_t address, const ProgramMemory& memory, const DoubleWriter& write) {
     if (kind < 0 || kind >= kWatchKinds) return L"<unknown kind>";
     switch (static_cast<WatchKind>(kind)) {
@@ -64,6 +91,11 @@ std::wstring WatchValueText(int kind, std::uint64_t address, const ProgramMemory
         }
         case WatchKind::WideText: return QuotedWideText(address, memory);
         case WatchKind::Value: return std::to_wstring(address) + L" (0x" + HexText(address, 1) + L")";
+        case WatchKind::TextPointer: {
+            const auto text = AddressOfText(address, memory);
+            if (!text) return kUnreadableWatch;
+            return *text == 0 ? L"\"\"" : QuotedText(*text, memory);
+        }
         case WatchKind::Double: break;
     }
     const auto value = NumberAt<double>(address, memory);

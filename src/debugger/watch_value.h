@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 // In the numbers of DebugWatchValue.
@@ -19,16 +20,22 @@ enum class WatchKind : std::uint8_t {
     Dword,
     Integer,  // 16 bits
     Single,
-    WideText,  // UTF-16
-    Value,     // the address itself: what an expression comes to
+    WideText,     // UTF-16
+    Value,        // the address itself: what an expression comes to
+    TextPointer,  // the address of a text in UTF-8, in the width of the program; 0 is the empty text
 };
-inline constexpr int kWatchKinds = 11;
+inline constexpr int kWatchKinds = 12;
+const wchar_t* WatchKindName(WatchKind kind);  // "LONG", "STRING"
+bool IsTextKind(WatchKind kind);
 
 inline constexpr std::size_t kLongestWatchText = 127;  // bytes that are shown of a text
 inline constexpr wchar_t kUnreadableWatch[] = L"<unreadable>";
 
 // A number in 15 significant digits, as the C runtime of the program writes it.
 using DoubleWriter = std::function<std::wstring(double)>;
+
+// For TextPointer: where its text is, 0 for the empty text; nothing: the memory cannot be read.
+std::optional<std::uint64_t> AddressOfText(std::uint64_t address, const ProgramMemory& memory);
 
 // "-5 (0xFFFFFFFB)", "\"text\"" up to its NUL byte, "1.5"; a text in pointed brackets says why there is no value. `kind`
 // is the number of a WatchKind; any other number is an unknown kind.

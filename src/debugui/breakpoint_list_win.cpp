@@ -28,7 +28,9 @@ constexpr int kOverlays[] = {kMarkHollow, kMarkDisabled, kMarkConditional};
 CodePlace FindCode(const std::wstring& path, int line) {
     const std::uint32_t fileId = DebugFileIdOfPath(&g_debugger, path.c_str());
     const std::uint32_t rva = fileId != 0 ? SdbgFileLineToRva(&g_debugger.map, fileId, line) : 0;
-    return {.fileId = fileId, .address = rva != 0 ? g_debugger.map.imageBase + rva : 0};
+    return {.fileId = fileId,
+            .address = rva != 0 ? g_debugger.map.imageBase + rva : 0,
+            .untold = fileId != 0 && !SdbgCoversLine(&g_debugger.map, line)};
 }
 
 PlantResult PlantInSession(std::uint32_t fileId, int line) {

@@ -2,14 +2,32 @@
 #include "debugui/breakpoint_rules.h"
 
 #include "base/scan_text.h"
+#include "base/utf8.h"
 #include "debugger/expressions.h"
 #include "debugger/registers.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
 constexpr std::size_t kLongestCondition = 63;  // bytes that the engine keeps
+
+// Reads the condition with all places readable, which finds what no stop can make good.
+std::wstring NoticeOfNames(std::string_view condition, std::span<const NamedPlace> names) {
+    const ProgramMemory zeros = {
+        .read = [](std::uint64_t, void*, std::size_t) { return true; },
+        .readSome = [](std::uint64_t, void* out, std::size_t count) { return std::memset(out, 0, count), count; }};
+    std::wstring problem;
+    for (const bool x64 : {true, false}) {
+        RegisterSet ones;
+        ones.x64 = x64;
+        ones.general.fill(1);
+        problem = NamedConditionHolds(condition, {.names = names, .registers = ones, .memory = zeros}).problem;
+        if (problem.empty()) return {};
+    }
+    return L"It stops always: " + problem + L".";
+}
 
 }  // namespace
 
@@ -31,8 +49,9 @@ std::wstring StopFromProblem(std::string_view text, std::uint32_t* count) {
     return L"";
 }
 
-std::wstring ConditionNotice(std::string_view condition) {
+std::wstring ConditionNotice(std::string_view condition, std::span<const NamedPlace> names) {
     if (condition.empty()) return L"";
+    if (MentionsName(condition, names)) return NoticeOfNames(condition, names);
     const Condition parsed = ParseCondition(condition);
     if (parsed.op == Condition::Operator::None) return L"There is no comparison in it: it always stops.";
     // With all registers set to 1, a side that is not a number and evaluates to 0 names no register.
@@ -45,6 +64,9 @@ std::wstring ConditionNotice(std::string_view condition) {
         const std::string_view bare = side.substr(0, side.find_last_not_of(" \t") + 1);
         if (bare.size() != side.size() && EvaluateExpression(ones, bare) != 0)
             return L"A blank before the comparison makes the register count as 0.";
+        const bool couldBeVariable = PlaceNameProblem(bare).empty();
+        if (couldBeVariable && !RegisterByName({.x64 = true}, bare))
+            return Utf8ToWideText(bare) + L" has no place here and counts as 0. Name it: Debug > Name a Place.";
         return L"A side that is no number and no 64-bit register counts as 0.";
     }
     return L"";

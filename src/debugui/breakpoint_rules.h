@@ -1,6 +1,8 @@
 // Rules of conditions, of matching breakpoints with markers, and of scrolling to a stop. Pure.
 #pragma once
 
+#include "debugger/named_places.h"
+
 #include <cstdint>
 #include <span>
 #include <string>
@@ -11,8 +13,9 @@
 std::wstring ConditionProblem(std::string_view condition);
 // For a hit count that was typed: why it is refused, else empty and the count; an empty text is 0.
 std::wstring StopFromProblem(std::string_view text, std::uint32_t* count);
-// Warning about an accepted condition that does not do what it seems to say; empty: none.
-std::wstring ConditionNotice(std::string_view condition);
+// Warning about an accepted condition that does not do what it seems to say; empty: none. `names`: of the procedure of
+// the breakpoint.
+std::wstring ConditionNotice(std::string_view condition, std::span<const NamedPlace> names = {});
 
 // A marker of an open file, as the editor has it.
 struct MarkerPlace {

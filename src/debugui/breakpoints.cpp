@@ -42,6 +42,11 @@ void PlantBreakpoint(UserBreakpoints* list, UserBreakpoint* breakpoint, const Br
     Unplant(breakpoint, target);
     if (!target.IsThere() || !breakpoint->enabled) return;
     const CodePlace place = target.find(breakpoint->path, breakpoint->line);
+    if (place.untold) {
+        Refuse(breakpoint, BreakpointStatus::NoCode,
+               L"KeldorBasic tells the debugger the lines of PBMAIN only: never stops here.");
+        return;
+    }
     if (place.fileId == 0) {
         Refuse(breakpoint, BreakpointStatus::NoCode, L"This file is not part of the program.");
         return;

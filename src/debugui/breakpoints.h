@@ -39,6 +39,7 @@ using UserBreakpoints = std::vector<UserBreakpoint>;
 struct CodePlace {
     std::uint32_t fileId = 0;   // 0: the file is not part of the program
     std::uint64_t address = 0;  // 0: the line has no code
+    bool untold = false;        // the program does not tell where the lines of this part of the source are
 };
 
 enum class PlantResult : std::uint8_t { Planted, TableFull, NotWritable };

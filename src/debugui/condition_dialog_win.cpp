@@ -18,7 +18,12 @@ constexpr int kLongestCondition = 128;  // characters; the bytes are counted aft
 struct ConditionQuestion {
     const wchar_t* place;
     std::string* condition;
+    std::span<const NamedPlace> names;
 };
+
+const ConditionQuestion& QuestionOfDialog(HWND dialog) {
+    return *reinterpret_cast<const ConditionQuestion*>(GetWindowLongPtrW(dialog, DWLP_USER));
+}
 
 std::string ReadCondition(HWND dialog) {
     wchar_t text[kLongestCondition + 1] = {};
@@ -42,8 +47,9 @@ void FillConditionDialog(HWND dialog, const ConditionQuestion& question) {
 bool ShowProblem(HWND dialog) {
     const std::string condition = ReadCondition(dialog);
     const std::wstring problem = ConditionProblem(condition);
-    SetDlgItemTextW(dialog, IDC_CONDITION_PROBLEM,
-                    problem.empty() ? ConditionNotice(condition).c_str() : problem.c_str());
+    SetDlgItemTextW(
+        dialog, IDC_CONDITION_PROBLEM,
+        problem.empty() ? ConditionNotice(condition, QuestionOfDialog(dialog).names).c_str() : problem.c_str());
     return !problem.empty();
 }
 
@@ -58,8 +64,7 @@ void OnConditionCommand(HWND dialog, int control, int notification) {
     if (control == IDC_CONDITION_TEXT && notification == EN_CHANGE) {
         ShowProblem(dialog);
     } else if (control == IDOK && !ShowProblem(dialog)) {
-        *reinterpret_cast<const ConditionQuestion*>(GetWindowLongPtrW(dialog, DWLP_USER))->condition =
-            ReadCondition(dialog);
+        *QuestionOfDialog(dialog).condition = ReadCondition(dialog);
         EndDialog(dialog, IDOK);
     } else if (control == IDCANCEL) {
         EndDialog(dialog, IDCANCEL);
@@ -81,8 +86,8 @@ INT_PTR CALLBACK CondBpDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM 
 
 }  // namespace
 
-bool AskCondition(HWND owner, const wchar_t* place, std::string* condition) {
-    ConditionQuestion question{.place = place, .condition = condition};
+bool AskCondition(HWND owner, const wchar_t* place, std::span<const NamedPlace> names, std::string* condition) {
+    ConditionQuestion question{.place = place, .condition = condition, .names = names};
     const INT_PTR answer = DialogBoxParamW(g_ui.hInstance, MAKEINTRESOURCEW(IDD_CONDITION), owner, CondBpDlgProc,
                                            reinterpret_cast<LPARAM>(&question));
     if (answer == -1) AppLogMsg(L"FAIL: AskCondition error=%lu", GetLastError());

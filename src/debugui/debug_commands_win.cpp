@@ -15,8 +15,10 @@
 #include "debugui/debug_pane.h"
 #include "debugui/debug_run.h"
 #include "debugui/exceptions_dialog.h"
+#include "debugui/kept_names.h"
 #include "debugui/last_output.h"
 #include "debugui/location.h"
+#include "debugui/name_place_dialog.h"
 #include "debugui/program_dialog.h"
 #include "debugui/restart.h"
 #include "debugui/step_commands.h"
@@ -64,6 +66,9 @@ void RunToCursor() {
     const bool resumed = DebugRunToCaret(fileId, line);
     if (!resumed && IsBreakpointTableFull())
         DebugSay(kDebugOrange, L"[Debug] All 64 breakpoints are in use: the way to line %d needs one more.\n", line);
+    else if (!resumed && !SdbgCoversLine(&g_debugger.map, line))
+        DebugSay(kDebugOrange,
+                 L"[Debug] KeldorBasic tells the debugger the lines of PBMAIN only; line %d is outside.\n", line);
     else if (!resumed)
         DebugSay(kDebugOrange, L"[Debug] No code on line %d.\n", line);
     DebugFollowResumed(resumed, L" (run to cursor)");
@@ -101,7 +106,8 @@ void AskForCondition() {
     const int existing = BreakpointAt(document, line, false);
     std::string condition =
         existing >= 0 ? BreakpointList()[static_cast<std::size_t>(existing)].condition : std::string();
-    if (!AskCondition(g_ui.hMainWnd, place.c_str(), &condition)) return;
+    const NamedPlaces names = NamesAtLine(document, line);
+    if (!AskCondition(g_ui.hMainWnd, place.c_str(), names, &condition)) return;
     const int index = BreakpointAt(document, line, true);
     if (index >= 0) BreakpointSetCondition(static_cast<std::size_t>(index), condition);
 }
@@ -138,6 +144,7 @@ constexpr CommandHandler kDebugHandlers[] = {
     {IDM_DEBUG_SET_NEXT, CommandSetNextStatement},
     {IDM_DEBUG_RESTART, [](int) { DebugRestart(); }},
     {IDM_DEBUG_PROGRAM, [](int) { AskProgramArguments(g_ui.hMainWnd); }},
+    {IDM_DEBUG_NAME_PLACE, [](int) { AskNameOfPlace(g_ui.hMainWnd); }},
     // Toolbar buttons that repeat commands of the menu.
     {IDM_DEBUG_BUTTON_START, CommandBuildAndDebug},
     {IDM_DEBUG_BUTTON_STOP, CommandEndDebugging},
@@ -165,6 +172,8 @@ bool CmdHandle_Debug(int command) { return RunCommandHandler(kDebugHandlers, com
 void DebugUiInit() {
     DebugSetPlantHook(BreakpointsPlantAll);
     DebugSetExitHook(SayLastOutput);
+    DebugSetNamesHook(NamesAtStop);
+    DebugWindowSaysStart();
 }
 
 void DebugOnBuilt() {

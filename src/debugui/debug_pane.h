@@ -1,13 +1,17 @@
-// The debug pane: a row of tabs over one view - breakpoints, call stack, registers, watches, memory, threads,
+// The debug pane: a row of tabs over one view - breakpoints, call stack, registers, locals, watches, memory, threads,
 // disassembly. A window of its own; the frame places it. UI thread only.
 #pragma once
+
+#include "base/events.h"
 
 #include <windows.h>
 
 #include <cstdint>
+#include <string>
 
-enum class DebugTab : std::uint8_t { Breakpoints, CallStack, Registers, Watches, Memory, Threads, Disassembly };
-inline constexpr int kDebugTabCount = 7;
+// The settings keep the number of the view that was shown last.
+enum class DebugTab : std::uint8_t { Breakpoints, CallStack, Registers, Locals, Watches, Memory, Threads, Disassembly };
+inline constexpr int kDebugTabCount = 8;
 
 HWND DebugPaneCreate(HWND parent, int controlId);  // null when it cannot be made
 void DebugPaneSelect(DebugTab tab);
@@ -23,3 +27,6 @@ void DebugPaneApplyTheme();  // after a change of theme or DPI
 // Writes the tooltip for a register's name in an editor: "RAX = 000000000000002A (42)". `capacity` is in characters.
 // False: not a register's name, or no stopped program.
 bool DebugRegisterTip(const wchar_t* word, wchar_t* out, int capacity);
+// The tooltip for a name that the user has given to a place, at a position (bytes) of a document: "i = 42 (0x0000002A)
+// LONG at RBP-4". Empty: no such name there, or no program stopped in its procedure.
+std::wstring DebugNameTip(DocumentId document, LRESULT position);

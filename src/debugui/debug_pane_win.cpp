@@ -6,6 +6,7 @@
 #include "debugui/pane_internal.h"
 #include "documents/document_row.h"
 #include "resources/ids.h"
+#include "settings/settings_state.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
@@ -27,8 +28,9 @@ constexpr wchar_t kRunning[] = L"Running...";
 constexpr UINT_PTR kRefreshTimer = 1;
 constexpr int kAddressHeight = 30;  // at 96 dpi
 
-constexpr std::array<const PaneView*, kDebugTabCount> kViews = {
-    &kBreakpointsView, &kStackView, &kRegistersView, &kWatchesView, &kMemoryView, &kThreadsView, &kDisassemblyView};
+constexpr std::array<const PaneView*, kDebugTabCount> kViews = {&kBreakpointsView, &kStackView,      &kRegistersView,
+                                                                &kLocalsView,      &kWatchesView,    &kMemoryView,
+                                                                &kThreadsView,     &kDisassemblyView};
 
 struct DebugPaneFrame {
     HWND pane = nullptr, address = nullptr, memory = nullptr;
@@ -116,7 +118,10 @@ void RefreshPane() {
     KillTimer(g_frame.pane, kRefreshTimer);
     g_frame.waiting = false;
     ++g_frame.refreshes;
+    const std::uint64_t before = PaneProgramNow().serial;
     PaneProgramRead();
+    // A field over a value of the last stop would write to the place of this one.
+    if (PaneProgramNow().serial != before && g_frame.selected != DebugTab::Breakpoints) InlineEditCancel();
     FillPaneContent(ShownContent());
     if (!ShowsList() && ShownContent().hint.empty()) InvalidateRect(g_frame.memory, nullptr, FALSE);
     ShowPaneContent();
@@ -168,6 +173,8 @@ void SelectView(DebugTab tab) {
     if (PaneCurrentView().addressCue != nullptr)
         g_frame.addresses[static_cast<std::size_t>(g_frame.selected)] = PaneAddressText();
     g_frame.selected = tab;
+    if (g_settings.debugView != static_cast<int>(tab))
+        SettingsChange([tab](Settings& settings) { settings.debugView = static_cast<int>(tab); });
     TabRowSelect(g_frame.tabs, static_cast<int>(tab));
     SetWindowTextW(g_frame.address, g_frame.addresses[static_cast<std::size_t>(tab)].c_str());
     SendMessageW(g_frame.address, EM_SETCUEBANNER, FALSE, reinterpret_cast<LPARAM>(PaneCurrentView().addressCue));
@@ -177,6 +184,14 @@ void SelectView(DebugTab tab) {
         RefreshPane();  // at once, so that the rows of an earlier stop never show
     else
         ShowPaneContent();
+}
+
+// Shows a view with this text in its address box.
+void ShowAt(DebugTab tab, const std::wstring& address) {
+    g_frame.addresses[static_cast<std::size_t>(tab)] = address;
+    if (g_frame.selected == tab) SetWindowTextW(g_frame.address, address.c_str());
+    SelectView(tab);
+    PaneFocusView();
 }
 
 LRESULT OnPaneNotify(const NMHDR& header) {
@@ -268,6 +283,26 @@ ListView& PaneList() { return g_frame.list; }
 
 UINT PaneShowMenu(std::span<const MenuItem> items, POINT screen) { return ShowPopupMenu(g_frame.pane, items, screen); }
 
+void PaneCopyRows(UINT command) {
+    if (command == kPaneCopyRow || command == kPaneCopyAll) ListViewCopy(g_frame.list, command == kPaneCopyAll);
+}
+
+std::optional<WatchKind> PaneAskKind(int row, int column, WatchKind now) {
+    std::array<MenuItem, kWatchKinds> items;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const auto kind = static_cast<WatchKind>(i);
+        items[i] = {.id = static_cast<UINT>(i + 1), .text = WatchKindName(kind), .checked = kind == now};
+    }
+    const RECT cell = ListViewCell(g_frame.list, row, column);
+    POINT at = {cell.left, cell.bottom};
+    ClientToScreen(g_frame.list.window, &at);
+    const UINT chosen = PaneShowMenu(items, at);
+    return chosen != 0 ? std::optional(static_cast<WatchKind>(chosen - 1)) : std::nullopt;
+}
+
+void PaneShowMemory(const std::wstring& expression) { ShowAt(DebugTab::Memory, expression); }
+void PaneShowCode(const std::wstring& expression) { ShowAt(DebugTab::Disassembly, expression); }
+
 void PaneFocusView() {
     const HWND view = ViewWindow();
     SetFocus(view != nullptr && IsWindowVisible(view) != FALSE ? view : g_frame.tabs.tabs);
@@ -315,6 +350,7 @@ HWND DebugPaneCreate(HWND parent, int controlId) {
         return nullptr;
     }
     DebugPaneApplyTheme();
+    SelectView(static_cast<DebugTab>(g_settings.debugView));  // the view of the last run
     return g_frame.pane;
 }
 

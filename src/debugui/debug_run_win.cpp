@@ -11,6 +11,7 @@
 #include "debugui/breakpoint_list.h"
 #include "debugui/debug_commands.h"
 #include "debugui/debug_wait.h"
+#include "debugui/kept_names.h"
 #include "debugui/location.h"
 #include "debugui/restart.h"
 #include "debugui/stale_sources.h"
@@ -62,6 +63,7 @@ void EndSession(const std::wstring& status) {
     PublishSession(false);
     DebugClearLocation();
     DebugForgetFiles();
+    ScopesForget();
     BreakpointsOnSessionEnd();
     if (closesPane) PaneShow(PaneId::Debug, false);
     SetStatus(status);
@@ -162,7 +164,7 @@ bool HandleWait(int result) {
     switch (result) {
         case kDebugStopped: OnStopped(); return true;
         case kDebugExited:
-            DebugSay(kDebugRed, L"[Debug] Process exited.\n");
+            DebugSay(g_debugger.exitCode == 0 ? 0 : kDebugRed, L"[Debug] Process exited.\n");
             SayOtherSteps(true);
             EndSession(ExitStatus());
             return true;
@@ -209,6 +211,8 @@ void DebugRunStart() {
     const ProgramStart start = ProgramStartOf(program.output);
     DebugSetLaunch(start.arguments.c_str(), start.folder.c_str());
     DebugForgetFiles();
+    ScopesForget();
+    NamesReadAgain();
     FlowStart(&g_flow, GetTickCount64());
     PublishSession(true);
     SetStatus(kStarting);
@@ -223,7 +227,7 @@ void DebugRunStart() {
     }
     if (FlowOpensPane(&g_flow, PaneIsShown(PaneId::Debug))) PaneShow(PaneId::Debug, true);
     WarnOfStaleSources(program);
-    FlowResume(&g_flow, L"", GetTickCount64());
+    FlowResume(&g_flow, L" (start)", GetTickCount64());
     if (g_debugger.run == DebugRun::Stopped) {
         OnStopped();
         WatchForConsole();

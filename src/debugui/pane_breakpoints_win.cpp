@@ -50,7 +50,10 @@ std::wstring CommitBreakpointCondition(int row, const std::wstring& text) {
     std::wstring problem = ConditionProblem(condition);
     if (!problem.empty()) return problem;
     if (BreakpointAtRow(row) == nullptr) return {};
+    const UserBreakpoint& breakpoint = *BreakpointAtRow(row);
+    const std::wstring notice = ConditionNotice(condition, NamesAtLine(breakpoint.document, breakpoint.line));
     BreakpointSetCondition(static_cast<std::size_t>(row), condition);
+    if (!notice.empty()) g_events.statusText(notice.c_str());
     DebugPaneInvalidate();
     return {};
 }
@@ -114,14 +117,17 @@ void ShowBreakpointMenu(int row, POINT screen) {
     if (breakpoint == nullptr && CodeAddressAtRow(row) == 0) return;
     const bool ofLine = breakpoint != nullptr;
     const bool enabled = !ofLine || breakpoint->enabled;
-    const std::array<MenuItem, 7> items = {{{kGo, L"&Go to Source\tEnter"},
-                                            {kToggle, enabled ? L"&Disable\tSpace" : L"&Enable\tSpace", ofLine},
-                                            {kEditCondition, L"&Condition...\tF2", ofLine},
-                                            {kEditHits, L"&Hit Count...", ofLine},
-                                            {0, nullptr},
-                                            {kRemove, L"&Remove\tDel"},
-                                            {kRemoveAll, L"Remove &All"}}};
-    switch (PaneShowMenu(items, screen)) {
+    const std::array<MenuItem, 10> items = {{{kGo, L"&Go to Source\tEnter"},
+                                             {kToggle, enabled ? L"&Disable\tSpace" : L"&Enable\tSpace", ofLine},
+                                             {kEditCondition, L"&Condition...\tF2", ofLine},
+                                             {kEditHits, L"&Hit Count...", ofLine},
+                                             {0, nullptr},
+                                             {kPaneCopyRow, L"Co&py\tCtrl+C"},
+                                             {kPaneCopyAll, L"Copy A&ll"},
+                                             {0, nullptr},
+                                             {kRemove, L"&Remove\tDel"},
+                                             {kRemoveAll, L"Remove &All"}}};
+    switch (const UINT chosen = PaneShowMenu(items, screen); chosen) {
         case kGo: GoToBreakpoint(row, -1); break;
         case kToggle: SwitchBreakpointOfRow(row); break;
         case kEditCondition: EditBreakpoint(row, -1); break;
@@ -131,7 +137,7 @@ void ShowBreakpointMenu(int row, POINT screen) {
             BreakpointRemoveAll();
             DebugPaneInvalidate();
             break;
-        default: break;
+        default: PaneCopyRows(chosen); break;
     }
 }
 

@@ -62,7 +62,7 @@ void FillDisassembly(PaneContent& content) {
     std::uint64_t target = program.registers->ip;
     const std::wstring expression = PaneAddressText();
     if (!expression.empty()) {
-        const Evaluation address = PaneEvaluate(expression);
+        const Evaluation address = PaneEvaluatePlace(expression);
         content.problem = address.problem;
         target = address.value.value_or(target);
     }
@@ -113,15 +113,19 @@ void ShowInstructionMenu(int row, POINT screen) {
     const bool stopped = PaneProgramNow().stopped;
     const bool here = stopped && code->address != 0;
     const std::uint64_t address = code->address;  // the rows may change while the menu is open
-    const std::array<MenuItem, 7> items = {
+    const std::array<MenuItem, 10> items = {
         {{kGo, L"&Go to Source\tEnter", code->place.line != 0},
          {kRun, L"&Run to Here", here},
          {kSetNext, L"Set &Next Statement Here", here},
          {kBreakpoint, CodeBreakpointIsSet(address) ? L"Remove &Breakpoint\tF9" : L"Set &Breakpoint\tF9", here},
          {0, nullptr},
          {kStep, L"&Step Instruction\tCtrl+F11", stopped},
-         {kStepOver, L"Step &Over Instruction\tCtrl+Shift+F11", stopped}}};
+         {kStepOver, L"Step &Over Instruction\tCtrl+Shift+F11", stopped},
+         {0, nullptr},
+         {kPaneCopyRow, L"&Copy\tCtrl+C"},
+         {kPaneCopyAll, L"Copy A&ll"}}};
     const UINT chosen = PaneShowMenu(items, screen);
+    PaneCopyRows(chosen);
     if (chosen == kGo)
         GoToInstruction(row, -1);
     else if (PaneProgramNow().stopped)

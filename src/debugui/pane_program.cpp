@@ -19,12 +19,14 @@ void ForgetProgram(PaneProgram* program) {
     program->before.reset();
     program->serial = 0;
     program->chosenThread = 0;
+    program->chosenFrame = 0;
 }
 
 void NoteStop(PaneProgram* program, const PaneSession& session, const RegisterReader& read) {
     const bool newStop = session.serial != program->serial;
     if (newStop) program->chosenThread = 0;
     const std::uint32_t thread = ThreadToShow(*program, session);
+    if (newStop || thread != program->thread) program->chosenFrame = 0;
     if (thread != program->thread)
         program->before.reset();  // another thread's registers say nothing about a change
     else if (newStop)

@@ -18,6 +18,7 @@ struct PaneProgram {
     std::uint32_t processId = 0;
     std::uint32_t thread = 0;              // that the views show
     std::uint32_t chosenThread = 0;        // by the user, until the next stop; 0: the one that stopped
+    std::size_t chosenFrame = 0;           // of that thread's stack, by the user, until the next stop
     std::optional<RegisterSet> registers;  // of that thread
     std::optional<RegisterSet> before;     // at the stop before
 };

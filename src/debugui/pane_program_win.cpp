@@ -8,7 +8,9 @@
 #include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
 #include "debugger/expressions.h"
+#include "debugger/program_places.h"
 #include "debugui/location.h"
+#include "debugui/pane_watches.h"
 #include "documents/documents_state.h"
 #include "files/file_io.h"
 #include "files/share_probe.h"
@@ -16,6 +18,7 @@
 
 #include <psapi.h>
 
+#include <algorithm>
 #include <map>
 #include <optional>
 
@@ -76,6 +79,28 @@ std::wstring EditorLine(HWND editor, std::uint32_t line) {
     return ShownSource(bytes);
 }
 
+std::optional<PaneFrame> g_frame;  // of the refresh; nothing: not asked for yet
+
+PaneFrame ReadFrame() {
+    PaneFrame frame = {
+        .index = g_program.chosenFrame, .registers = *g_program.registers, .memory = DebugMemory(*State())};
+    DebugFrame place;
+    const std::uint64_t ip = frame.registers.ip;
+    if (frame.index != 0 || !DebugLineAt(State(), ip, &place.fileId, &place.line)) {
+        const std::vector<DebugFrame> frames = DebugFrames(State(), g_program.thread);
+        if (frame.index == 0) {
+            const auto onLine = std::ranges::find_if(frames, [](const DebugFrame& each) { return each.line != 0; });
+            if (onLine != frames.end()) frame.index = static_cast<std::size_t>(onLine - frames.begin());
+        }
+        if (frame.index < frames.size()) place = frames[frame.index];
+        frame.registers = RegistersOfFrame(frame.registers, frames, frame.index, frame.memory.read);
+    } else {
+        frame.registers = RegistersOfFrame(frame.registers, {}, 0, frame.memory.read);
+    }
+    frame.scope = ScopeOfLine(place.fileId, place.line <= kLastMapLine ? place.line : 0);
+    return frame;
+}
+
 }  // namespace
 
 const PaneProgram& PaneProgramNow() { return g_program; }
@@ -88,6 +113,7 @@ void PaneProgramRead() {
                                  .processId = state.processId,
                                  .stopThread = state.stopThreadId,
                                  .mainThread = state.mainThreadId};
+    g_frame.reset();
     if (!PaneProgramFollow(&g_program, session, RegistersOf)) return;
     g_modules.clear();
     g_sources.clear();
@@ -95,6 +121,7 @@ void PaneProgramRead() {
 
 void PaneChooseThread(std::uint32_t id) {
     g_program.chosenThread = id;
+    g_program.chosenFrame = 0;
     DebugPaneInvalidate();
 }
 
@@ -125,11 +152,60 @@ std::string PaneUtf8(const std::wstring& text) {
     return utf8 ? utf8.get() : "";
 }
 
+NameScope PaneFrame::Names() const {
+    return {.names = NamesOfProcedure(scope.file, scope.Name()), .registers = registers, .memory = memory};
+}
+
+const PaneFrame* PaneFrameNow() {
+    if (!g_program.stopped || !g_program.registers) return nullptr;
+    if (!g_frame) g_frame = ReadFrame();
+    return &*g_frame;
+}
+
+void PaneChooseFrame(std::size_t index) {
+    g_program.chosenFrame = index;
+    g_frame.reset();
+    DebugPaneInvalidate();
+}
+
 Evaluation PaneEvaluate(const std::wstring& expression) {
-    if (!g_program.registers) return {.value = {}, .problem = L"No stopped program"};
-    return EvaluatePaneExpression(
-        *g_program.registers, PaneUtf8(expression),
-        [](std::uint64_t address, void* out, std::size_t count) { return DebugReadMem(State(), address, out, count); });
+    const PaneFrame* const frame = PaneFrameNow();
+    if (frame == nullptr) return {.value = {}, .problem = L"No stopped program"};
+    return EvaluateWithNames(PaneUtf8(expression), frame->Names());
+}
+
+Evaluation PaneEvaluatePlace(const std::wstring& expression) {
+    const PaneFrame* const frame = PaneFrameNow();
+    if (frame == nullptr) return {.value = {}, .problem = L"No stopped program"};
+    const NameScope names = frame->Names();
+    const NamedPlace* const named = FindNamedPlace(names.names, PaneUtf8(expression));
+    return named != nullptr ? AddressOfName(*named, names) : PaneEvaluate(expression);
+}
+
+std::optional<WatchKind> PaneKindOf(const std::wstring& expression) {
+    const PaneFrame* const frame = PaneFrameNow();
+    if (frame == nullptr) return {};
+    const std::string text = PaneUtf8(expression);
+    const NameScope names = frame->Names();
+    if (const NamedPlace* named = FindNamedPlace(names.names, text); named != nullptr) return named->kind;
+    return MentionsName(text, names.names) ? std::optional(WatchKind::Value) : std::nullopt;
+}
+
+std::wstring PaneWriteValue(WatchKind kind, const Evaluation& address, const std::wstring& text) {
+    if (!g_program.stopped) return L"The program is not stopped";
+    if (!address.value) return address.problem;
+    const ProgramMemory memory = DebugMemory(g_debugger);
+    std::uint64_t at = *address.value;
+    if (kind == WatchKind::TextPointer) {
+        at = AddressOfText(at, memory).value_or(0);
+        if (at == 0) return L"There is no text that could be written over";
+        kind = WatchKind::Text;
+    }
+    const WatchBytes typed = WatchInput(kind, {.value = at, .problem = {}}, PaneUtf8(text), memory);
+    if (!typed.problem.empty()) return typed.problem;
+    if (!typed.bytes.empty() && !DebugWriteMem(&g_debugger, at, typed.bytes.data(), typed.bytes.size()))
+        return L"The memory cannot be written";
+    return {};
 }
 
 bool DebugRegisterTip(const wchar_t* word, wchar_t* out, int capacity) {

@@ -2,6 +2,7 @@
 #include "debugui/pane_internal.h"
 
 #include "debugger/debug_inspect.h"
+#include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
 #include "debugger/expressions.h"
 
@@ -58,7 +59,42 @@ void OnRegisterEdit(int row, int column) {
 
 void OnRegisterActivated(int row, int) { EditRegister(row); }
 
-constexpr ListKind kList = {.columns = kColumns, .activate = OnRegisterActivated, .edit = OnRegisterEdit};
+enum MenuCommand : UINT { kEdit = 1, kWatch, kMemory, kCode, kGo };
+
+void ShowRegisterMenu(int row, POINT screen) {
+    if (row < 0 || row >= static_cast<int>(g_rows.size())) return;
+    const PaneProgram& program = PaneProgramNow();
+    const std::wstring name = g_rows[static_cast<std::size_t>(row)].cells[kName];
+    const bool x64 = g_debugger.isX64 != 0;
+    const bool general = IsGeneralRegister(x64, name);
+    const bool pointer = name == L"RIP" || name == L"EIP";
+    const std::uint64_t value = program.registers ? RegisterByName(*program.registers, PaneUtf8(name)).value_or(0) : 0;
+    const bool code = (general || pointer) && program.stopped && DebugIsExecutable(&g_debugger, value);
+    std::uint32_t fileId = 0;
+    std::uint32_t line = 0;
+    const bool source = code && DebugLineAt(&g_debugger, value, &fileId, &line);
+    const std::array<MenuItem, 9> items = {
+        {{kEdit, L"&Edit Value\tEnter", general && program.stopped},
+         {kWatch, L"Add &Watch", general || pointer},
+         {kMemory, L"Show &Memory at Value", (general || pointer) && program.stopped},
+         {0, nullptr},
+         {kGo, L"&Go to Source of Value", source},
+         {kCode, L"Go to &Disassembly of Value", code},
+         {0, nullptr},
+         {kPaneCopyRow, L"&Copy\tCtrl+C"},
+         {kPaneCopyAll, L"Copy A&ll"}}};
+    switch (const UINT chosen = PaneShowMenu(items, screen); chosen) {
+        case kEdit: EditRegister(row); break;
+        case kWatch: PaneAddWatch(name); break;
+        case kMemory: PaneShowMemory(L"0x" + HexText(value, 1)); break;
+        case kCode: PaneShowCode(L"0x" + HexText(value, 1)); break;
+        case kGo: PaneGoTo(fileId, line); break;
+        default: PaneCopyRows(chosen); break;
+    }
+}
+
+constexpr ListKind kList = {
+    .columns = kColumns, .activate = OnRegisterActivated, .edit = OnRegisterEdit, .menu = ShowRegisterMenu};
 
 }  // namespace
 

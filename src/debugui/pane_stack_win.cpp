@@ -1,8 +1,10 @@
 // The call stack view: that of the shown thread. UI thread only.
 #include "debugui/pane_internal.h"
 
+#include "debugger/at_address.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_state.h"
+#include "debugui/step_commands.h"
 
 #include <array>
 
@@ -20,7 +22,7 @@ void FillCallStack(PaneContent& content) {
     for (std::size_t i = 0; i < g_frames.size(); ++i) {
         const DebugFrame& frame = g_frames[i];
         ListRow row;
-        row.mark = i == 0 ? ListMark::Current : ListMark::None;
+        row.mark = i == 0 ? ListMark::Current : i == program.chosenFrame ? ListMark::Chosen : ListMark::None;
         // A return address can be the first instruction of the next line. Its call ends one byte before it.
         const std::uint64_t back = i > 0 && frame.line != 0 ? 1 : 0;
         const std::wstring place = PanePlaceText(frame.address - back);
@@ -32,13 +34,35 @@ void FillCallStack(PaneContent& content) {
     if (content.rows.empty()) content.hint = L"The stack of this thread cannot be read.";
 }
 
+enum MenuCommand : UINT { kGo = 1, kCode, kRun };
+
+// Shows the frame's source, and its names in the other views.
 void GoToFrame(int row, int) {
     if (row < 0 || row >= static_cast<int>(g_frames.size())) return;
-    const DebugFrame& frame = g_frames[static_cast<std::size_t>(row)];
+    const DebugFrame frame = g_frames[static_cast<std::size_t>(row)];
+    if (PaneProgramNow().stopped) PaneChooseFrame(static_cast<std::size_t>(row));
     PaneGoTo(frame.fileId, frame.line);
 }
 
-constexpr ListKind kList = {.columns = kColumns, .hasMarks = true, .activate = GoToFrame};
+void ShowFrameMenu(int row, POINT screen) {
+    if (row < 0 || row >= static_cast<int>(g_frames.size())) return;
+    const DebugFrame frame = g_frames[static_cast<std::size_t>(row)];
+    const bool stopped = PaneProgramNow().stopped;
+    const std::array<MenuItem, 6> items = {{{kGo, L"&Go to Source\tEnter", frame.line != 0},
+                                            {kCode, L"Go to &Disassembly", stopped},
+                                            {kRun, L"&Run to This Frame", stopped && row > 0},
+                                            {0, nullptr},
+                                            {kPaneCopyRow, L"&Copy\tCtrl+C"},
+                                            {kPaneCopyAll, L"Copy A&ll"}}};
+    const UINT chosen = PaneShowMenu(items, screen);
+    if (chosen == kGo) GoToFrame(row, -1);
+    if (chosen == kCode && PaneProgramNow().stopped) PaneShowCode(L"0x" + HexText(frame.address, 1));
+    if (chosen == kRun && PaneProgramNow().stopped)
+        DebugFollowResumed(DebugRunToAddress(&g_debugger, frame.address), L" (run to frame)");
+    PaneCopyRows(chosen);
+}
+
+constexpr ListKind kList = {.columns = kColumns, .hasMarks = true, .activate = GoToFrame, .menu = ShowFrameMenu};
 
 }  // namespace
 

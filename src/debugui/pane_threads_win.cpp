@@ -40,7 +40,33 @@ void ChooseThreadOfRow(int row, int) {
     if (row >= 0 && row < static_cast<int>(g_ids.size())) PaneChooseThread(g_ids[static_cast<std::size_t>(row)]);
 }
 
-constexpr ListKind kList = {.columns = kColumns, .hasMarks = true, .activate = ChooseThreadOfRow};
+enum MenuCommand : UINT { kShow = 1, kGo, kCode };
+
+void ShowThreadMenu(int row, POINT screen) {
+    if (row < 0 || row >= static_cast<int>(g_ids.size())) return;
+    const std::uint32_t id = g_ids[static_cast<std::size_t>(row)];
+    const bool stopped = PaneProgramNow().stopped;
+    std::uint64_t place = 0;
+    std::uint32_t fileId = 0;
+    std::uint32_t line = 0;
+    const bool known = stopped && DebugPlaceInProgram(&g_debugger, id, &place);
+    const bool source = known && DebugLineAt(&g_debugger, place, &fileId, &line);
+    const std::array<MenuItem, 6> items = {{{kShow, L"&Show in the Other Views\tEnter", stopped},
+                                            {kGo, L"&Go to Source", source},
+                                            {kCode, L"Go to &Disassembly", stopped},
+                                            {0, nullptr},
+                                            {kPaneCopyRow, L"&Copy\tCtrl+C"},
+                                            {kPaneCopyAll, L"Copy A&ll"}}};
+    const UINT chosen = PaneShowMenu(items, screen);
+    PaneCopyRows(chosen);
+    if (!PaneProgramNow().stopped) return;
+    if (chosen == kShow || chosen == kCode) PaneChooseThread(id);
+    if (chosen == kGo) PaneGoTo(fileId, line);
+    if (chosen == kCode) PaneShowCode({});
+}
+
+constexpr ListKind kList = {
+    .columns = kColumns, .hasMarks = true, .activate = ChooseThreadOfRow, .menu = ShowThreadMenu};
 
 }  // namespace
 

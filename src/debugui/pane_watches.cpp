@@ -101,6 +101,7 @@ ListRow WatchRow(Watch& watch, const WatchProgram& program, bool newStop) {
     if (program.stopped) {
         const Evaluation address = program.evaluate(watch.expression);
         if (newStop) watch.before = watch.value;
+        watch.ofName = program.kindOf ? program.kindOf(watch.expression) : std::nullopt;
         watch.value = address.value ? program.read(watch, *address.value) : L"";
         shown = address.value ? watch.value : address.problem;
         if (!address.value || watch.value == kUnreadableWatch) row.tone = ListTone::Problem;
@@ -111,48 +112,41 @@ ListRow WatchRow(Watch& watch, const WatchProgram& program, bool newStop) {
         watch.value.clear();
         watch.before.clear();
     }
-    row.cells = {watch.expression, WatchKindName(watch.kind), shown};
+    row.cells = {watch.expression, WatchKindName(KindOfWatch(watch)), shown};
     return row;
 }
 
 }  // namespace
 
-const wchar_t* WatchKindName(WatchKind kind) {
-    switch (kind) {
-        case WatchKind::Long: return L"LONG";
-        case WatchKind::Quad: return L"QUAD";
-        case WatchKind::Text: return L"Text";
-        case WatchKind::Double: return L"DOUBLE";
-        case WatchKind::Byte: return L"BYTE";
-        case WatchKind::Word: return L"WORD";
-        case WatchKind::Dword: return L"DWORD";
-        case WatchKind::Integer: return L"INTEGER";
-        case WatchKind::Single: return L"SINGLE";
-        case WatchKind::WideText: return L"Wide text";
-        case WatchKind::Value: return L"Value";
-    }
-    return L"";
+WatchKind KindOfWatch(const Watch& watch) {
+    const bool own = !watch.chosen && watch.kind == OwnKindOf(watch.expression);
+    return own ? watch.ofName.value_or(watch.kind) : watch.kind;
 }
 
 bool WatchSetExpression(std::vector<Watch>& watches, std::size_t row, std::wstring_view expression) {
     expression = TrimmedExpression(expression);
     if (row >= watches.size()) {
         if (expression.empty()) return false;
-        watches.push_back({std::wstring(expression), OwnKindOf(expression), {}, {}});
+        watches.push_back(
+            {.expression = std::wstring(expression), .kind = OwnKindOf(expression), .value = {}, .before = {}});
         return true;
     }
     Watch& watch = watches[row];
     if (watch.expression == expression) return false;
-    const bool chosen = watch.kind != OwnKindOf(watch.expression);  // by the user
+    const bool chosen = watch.chosen || watch.kind != OwnKindOf(watch.expression);
     if (expression.empty())
         watches.erase(watches.begin() + static_cast<std::ptrdiff_t>(row));
     else
-        watch = {std::wstring(expression), chosen ? watch.kind : OwnKindOf(expression), {}, {}};
+        watch = {.expression = std::wstring(expression),
+                 .kind = chosen ? watch.kind : OwnKindOf(expression),
+                 .value = {},
+                 .before = {},
+                 .chosen = chosen};
     return true;
 }
 
 std::wstring WatchEditText(WatchKind kind, std::wstring_view shown) {
-    if (kind == WatchKind::Text || kind == WatchKind::WideText) {
+    if (IsTextKind(kind)) {
         if (shown.size() >= 2 && shown.front() == L'"' && shown.back() == L'"')
             shown = shown.substr(1, shown.size() - 2);
         return std::wstring(shown);
@@ -184,8 +178,8 @@ std::vector<ListRow> WatchRows(WatchList& list, const WatchProgram& program) {
     if (program.stopped) list.serial = program.serial;
     std::vector<ListRow> rows;
     for (Watch& watch : list.watches) rows.push_back(WatchRow(watch, program, newStop));
-    rows.push_back(
-        {.cells = {L"Type an address here: RSP+8, [RBP+16], 0x140002000", L"", L""}, .tone = ListTone::Quiet});
+    rows.push_back({.cells = {L"Type an address or a name here: RSP+8, [RBP+16], i = RBP-4, LONG", L"", L""},
+                    .tone = ListTone::Quiet});
     return rows;
 }
 

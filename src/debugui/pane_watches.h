@@ -7,18 +7,21 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-const wchar_t* WatchKindName(WatchKind kind);
-
 struct Watch {
     std::wstring expression;  // an address
     WatchKind kind = WatchKind::Long;
-    std::wstring value;   // as last shown, empty while it is unknown
-    std::wstring before;  // at the previous stop
+    std::wstring value;               // as last shown, empty while it is unknown
+    std::wstring before;              // at the previous stop
+    bool chosen = false;              // the kind, by the user
+    std::optional<WatchKind> ofName;  // the kind of the name that the expression is, at the last stop
 };
+// The kind in which the value is read: that of its name, unless the user has chosen one.
+WatchKind KindOfWatch(const Watch& watch);
 
 // Sets the expression of a row: the row after the last adds a watch, an empty text removes one. Blanks around it are
 // dropped. A kind that the user has not chosen follows the expression. True when the list has changed.
@@ -46,6 +49,7 @@ struct WatchProgram {
     bool stopped = false;
     std::uint64_t serial = 0;  // of the stop
     std::function<Evaluation(const std::wstring& expression)> evaluate;
+    std::function<std::optional<WatchKind>(const std::wstring& expression)> kindOf = nullptr;  // of a name
     std::function<std::wstring(const Watch& watch, std::uint64_t address)> read;
 };
 enum WatchColumn : int { kWatchExpression, kWatchKind, kWatchValue };

@@ -7,22 +7,25 @@
 #include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
 #include "debugui/pane_internal.h"
+#include "resources/ids.h"
+#include "ui/ui_state.h"
 
 #include <array>
+#include <vector>
 
 namespace {
 
 constexpr std::array<ListColumn, 3> kColumns = {
     {{L"Address", 22, 10, true}, {L"Kind", 9, 7, false}, {L"Value", 30, 14, true}}};
 
-enum MenuCommand : UINT { kEditExpression = 1, kEditValue, kRemove, kFirstKind };
+enum MenuCommand : UINT { kEditExpression = 1, kEditValue, kRemove, kRemoveAll, kName, kMemory, kFirstKind };
 
 WatchList g_list;
 
 Watch* WatchAtRow(int row) { return WatchAt(g_list.watches, row); }
 
 std::wstring ReadValue(const Watch& watch, std::uint64_t address) {
-    const HeapBlock<wchar_t> text(DebugWatchValue(&g_debugger, address, static_cast<int>(watch.kind)));
+    const HeapBlock<wchar_t> text(DebugWatchValue(&g_debugger, address, static_cast<int>(KindOfWatch(watch))));
     return text ? text.get() : L"";
 }
 
@@ -31,35 +34,37 @@ void FillWatches(PaneContent& content) {
     content.rows = WatchRows(g_list, {.session = program.session,
                                       .stopped = program.stopped,
                                       .serial = program.serial,
-                                      .evaluate = PaneEvaluate,
+                                      .evaluate = PaneEvaluatePlace,
+                                      .kindOf = PaneKindOf,
                                       .read = ReadValue});
     content.stale = program.session && !program.stopped;
 }
 
 void OnWatchesChanged() { DebugPaneInvalidate(); }
 
+// A definition, "i = RBP-4, LONG", gives the name and watches it.
+std::wstring CommitWatchExpression(int row, std::wstring typed) {
+    if (IsNamedDefinition(PaneUtf8(typed))) {
+        std::wstring problem = PaneNamePlace(typed, {}, WatchKind::Long);
+        if (!problem.empty()) return problem;
+        typed = typed.substr(0, typed.find(L'='));
+    }
+    if (WatchSetExpression(g_list.watches, static_cast<std::size_t>(row), typed)) OnWatchesChanged();
+    return {};
+}
+
 void EditWatchExpression(int row, const std::wstring& text, bool append) {
     ListViewEditCell(
         PaneList(), row, kWatchExpression, text, append,
-        [row](const std::wstring& typed) {
-            if (WatchSetExpression(g_list.watches, static_cast<std::size_t>(row), typed)) OnWatchesChanged();
-            return std::wstring{};
-        });
+        [row](const std::wstring& typed) { return CommitWatchExpression(row, typed); });
 }
 
 std::wstring CommitWatchValue(int row, const std::wstring& text) {
     const Watch* watch = WatchAtRow(row);
-    if (watch == nullptr || !PaneProgramNow().stopped) return L"The program is not stopped";
-    const Evaluation address = PaneEvaluate(watch->expression);
-    const WatchBytes typed = WatchInput(watch->kind, address, PaneUtf8(text),
-                                        {.read = {}, .readSome = [](std::uint64_t from, void* out, std::size_t count) {
-                                             return DebugReadSome(&g_debugger, from, out, count);
-                                         }});
-    if (!typed.problem.empty()) return typed.problem;
-    if (!typed.bytes.empty() && !DebugWriteMem(&g_debugger, *address.value, typed.bytes.data(), typed.bytes.size()))
-        return L"The memory cannot be written";
-    OnWatchesChanged();
-    return {};
+    if (watch == nullptr) return L"The watch is gone";
+    std::wstring problem = PaneWriteValue(KindOfWatch(*watch), PaneEvaluatePlace(watch->expression), text);
+    if (problem.empty()) OnWatchesChanged();
+    return problem;
 }
 
 bool HasWatchValue(const Watch* watch) { return WatchHasValue(watch, PaneProgramNow().stopped); }
@@ -67,14 +72,14 @@ bool HasWatchValue(const Watch* watch) { return WatchHasValue(watch, PaneProgram
 void EditWatchValue(int row) {
     const Watch* watch = WatchAtRow(row);
     if (!HasWatchValue(watch)) return;
-    ListViewEditCell(PaneList(), row, kWatchValue, WatchEditText(watch->kind, watch->value), false,
+    ListViewEditCell(PaneList(), row, kWatchValue, WatchEditText(KindOfWatch(*watch), watch->value), false,
                      [row](const std::wstring& text) { return CommitWatchValue(row, text); });
 }
 
 void SetWatchKind(int row, WatchKind kind) {
     Watch* watch = WatchAtRow(row);
-    if (watch == nullptr || watch->kind == kind) return;
-    *watch = {watch->expression, kind, {}, {}};
+    if (watch == nullptr || KindOfWatch(*watch) == kind) return;
+    *watch = {.expression = watch->expression, .kind = kind, .value = {}, .before = {}, .chosen = true};
     OnWatchesChanged();
 }
 
@@ -85,17 +90,7 @@ void RemoveWatch(int row) {
 void ShowKindMenu(int row) {
     const Watch* watch = WatchAtRow(row);
     if (watch == nullptr) return;
-    std::array<MenuItem, kWatchKinds> items;
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        const auto kind = static_cast<WatchKind>(i);
-        items[i] = {
-            .id = static_cast<UINT>(kFirstKind + i), .text = WatchKindName(kind), .checked = kind == watch->kind};
-    }
-    RECT cell = ListViewCell(PaneList(), row, kWatchKind);
-    POINT at = {cell.left, cell.bottom};
-    ClientToScreen(PaneList().window, &at);
-    const UINT chosen = PaneShowMenu(items, at);
-    if (chosen >= kFirstKind) SetWatchKind(row, static_cast<WatchKind>(chosen - kFirstKind));
+    if (const auto kind = PaneAskKind(row, kWatchKind, KindOfWatch(*watch))) SetWatchKind(row, *kind);
 }
 
 // One click selects; F2 edits the address.
@@ -129,26 +124,49 @@ bool OnWatchKey(int row, int key) {
     return false;
 }
 
+void DoWithWatch(UINT chosen, int row) {
+    switch (chosen) {
+        case kEditExpression: OnWatchEdit(row, -1); break;
+        case kEditValue: EditWatchValue(row); break;
+        case kMemory:
+            if (const Watch* watch = WatchAtRow(row); watch != nullptr) PaneShowMemory(watch->expression);
+            break;
+        case kName: PostMessageW(g_ui.hMainWnd, WM_COMMAND, IDM_DEBUG_NAME_PLACE, 0); break;
+        case kRemove: RemoveWatch(row); break;
+        case kRemoveAll:
+            g_list.watches.clear();
+            OnWatchesChanged();
+            break;
+        default: PaneCopyRows(chosen); break;
+    }
+}
+
 void ShowWatchMenu(int row, POINT screen) {
     const Watch* watch = WatchAtRow(row);
-    std::vector<MenuItem> items = {{kEditExpression, watch != nullptr ? L"&Edit Address\tF2" : L"&Add\tF2"},
+    const bool there = watch != nullptr;
+    const bool hasPlace = there && PaneProgramNow().stopped && PaneEvaluatePlace(watch->expression).value.has_value();
+    std::vector<MenuItem> items = {{kEditExpression, there ? L"&Edit Address\tF2" : L"&Add\tF2"},
                                    {kEditValue, L"Set &Value\tEnter", HasWatchValue(watch)},
                                    {0, nullptr}};
     for (int i = 0; i < kWatchKinds; ++i) {
         const auto kind = static_cast<WatchKind>(i);
-        items.push_back({static_cast<UINT>(kFirstKind + i), WatchKindName(kind), watch != nullptr,
-                         watch != nullptr && watch->kind == kind});
+        items.push_back(
+            {static_cast<UINT>(kFirstKind + i), WatchKindName(kind), there, there && KindOfWatch(*watch) == kind});
     }
-    items.push_back({0, nullptr});
-    items.push_back({kRemove, L"&Remove\tDel", watch != nullptr});
+    items.insert(items.end(), {{0, nullptr},
+                               {kName, L"&Name a Place..."},
+                               {kMemory, L"Show &Memory There", hasPlace},
+                               {0, nullptr},
+                               {kPaneCopyRow, L"&Copy\tCtrl+C"},
+                               {kPaneCopyAll, L"Copy A&ll"},
+                               {0, nullptr},
+                               {kRemove, L"&Remove\tDel", there},
+                               {kRemoveAll, L"Rem&ove All", !g_list.watches.empty()}});
     const UINT chosen = PaneShowMenu(items, screen);
-    if (chosen >= kFirstKind) return SetWatchKind(row, static_cast<WatchKind>(chosen - kFirstKind));
-    switch (chosen) {
-        case kEditExpression: OnWatchEdit(row, -1); break;
-        case kEditValue: EditWatchValue(row); break;
-        case kRemove: RemoveWatch(row); break;
-        default: break;
-    }
+    if (chosen >= kFirstKind && chosen < kFirstKind + kWatchKinds)
+        SetWatchKind(row, static_cast<WatchKind>(chosen - kFirstKind));
+    else if (chosen != 0)
+        DoWithWatch(chosen, row);
 }
 
 constexpr ListKind kList = {.columns = kColumns,
@@ -159,5 +177,10 @@ constexpr ListKind kList = {.columns = kColumns,
                             .menu = ShowWatchMenu};
 
 }  // namespace
+
+void PaneAddWatch(const std::wstring& expression) {
+    WatchSetExpression(g_list.watches, g_list.watches.size(), expression);
+    DebugPaneSelect(DebugTab::Watches);
+}
 
 const PaneView kWatchesView = {.title = L"Watches", .list = &kList, .ofStop = false, .fill = FillWatches};

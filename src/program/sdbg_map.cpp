@@ -72,6 +72,12 @@ void SdbgFree(SdbgMap* map) {
     map->ascending = 0;
 }
 
+bool SdbgCoversLine(const SdbgMap* map, std::int32_t line) {
+    if (map->nativeTrapMap == 0 || map->lineCount < 1) return true;
+    const auto wanted = static_cast<std::uint32_t>(line);
+    return line > 0 && wanted >= map->lines[0].line && wanted <= map->lines[map->lineCount - 1].line;
+}
+
 std::int32_t SdbgFindRecord(const SdbgMap* map, std::uint32_t rva) {
     std::int32_t found = -1;
     std::int32_t low = 0;

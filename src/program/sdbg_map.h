@@ -52,6 +52,9 @@ const char* SdbgFileIdToPath(const SdbgMap* map, std::uint32_t fileId);
 std::uint32_t SdbgLineToRva(const SdbgMap* map, std::int32_t line);
 // The RVA of the first record in map order with that file and line.
 std::uint32_t SdbgFileLineToRva(const SdbgMap* map, std::uint32_t fileId, std::int32_t line);
+// False for a line (from 1) outside the part of the source that the map of a program with traps of its own tells of. Its
+// lines are those of PBMAIN, in ascending order.
+bool SdbgCoversLine(const SdbgMap* map, std::int32_t line);
 // The index of the last record at or below the RVA, or -1. `textSize` is not applied.
 std::int32_t SdbgFindRecord(const SdbgMap* map, std::uint32_t rva);
 // The record where a step over ends: of the records that have a line and another line or file than the given ones, the

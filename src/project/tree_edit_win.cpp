@@ -4,6 +4,7 @@
 #include "base/path.h"
 #include "base/wide_format.h"
 #include "debugui/breakpoint_list.h"
+#include "debugui/kept_names.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "output/mark_view.h"
@@ -101,6 +102,7 @@ void RenameTo(TreeNode& node, const std::wstring& name) {
     ShowNewName(node, name);
     FilesFollowRename(from, to);
     BreakpointsFollowRename(from, to);
+    NamesFollowRename(from, to);
     SourceMarksFollowRename(from, to);
     EndEdited();
     ReadFolderAgain(folder);  // the filters may hide the new name

@@ -4,6 +4,7 @@
 #include "base/log.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
+#include "ui/dpi.h"
 #include "ui/fonts.h"
 #include "ui/paint.h"
 #include "ui/subclass.h"
@@ -16,13 +17,47 @@
 
 namespace {
 
+constexpr int kTipWidth = 420;  // at 96 dpi
+
 struct InlineEditState {
     HWND edit = nullptr;
     InlineCommit commit;
     std::wstring shown;    // the text at the beginning; empty with `append`
     bool refused = false;  // its present text was refused
+    HWND tip = nullptr;    // tells why, below the field
 };
 InlineEditState g_edit;
+
+void HideProblem() {
+    if (const HWND tip = std::exchange(g_edit.tip, nullptr); tip != nullptr) DestroyWindow(tip);
+}
+
+TTTOOLINFOW ToolOfProblem(std::wstring& problem) {
+    TTTOOLINFOW tool = {};
+    tool.cbSize = TTTOOLINFOW_V2_SIZE;
+    tool.uFlags = TTF_TRACK | TTF_ABSOLUTE | TTF_IDISHWND;
+    tool.hwnd = g_edit.edit;
+    tool.uId = reinterpret_cast<UINT_PTR>(g_edit.edit);
+    tool.lpszText = problem.data();
+    return tool;
+}
+
+// The status bar alone would be overlooked, because the eyes are at the field.
+void ShowProblemBelow(std::wstring problem) {
+    HideProblem();
+    g_edit.tip = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0,
+                                 0, 0, GetAncestor(g_edit.edit, GA_ROOT), nullptr, g_ui.hInstance, nullptr);
+    if (g_edit.tip == nullptr) return;
+    TTTOOLINFOW tool = ToolOfProblem(problem);
+    TooltipApplyTheme(g_edit.tip);
+    SendMessageW(g_edit.tip, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
+    SendMessageW(g_edit.tip, TTM_SETMAXTIPWIDTH, 0, UiScaled(kTipWidth));
+    SendMessageW(g_edit.tip, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+    RECT field = {};
+    GetWindowRect(g_edit.edit, &field);
+    SendMessageW(g_edit.tip, TTM_TRACKPOSITION, 0, MAKELPARAM(field.left, field.bottom + UiScaled(2)));
+    SendMessageW(g_edit.tip, TTM_TRACKACTIVATE, TRUE, reinterpret_cast<LPARAM>(&tool));
+}
 
 std::wstring OfferEditText() {
     const std::wstring text = WindowText(g_edit.edit);
@@ -37,6 +72,7 @@ bool CommitInlineEdit() {
         return true;
     }
     g_events.statusText(problem.c_str());
+    ShowProblemBelow(problem);
     g_edit.refused = true;
     InvalidateRect(g_edit.edit, nullptr, TRUE);
     MessageBeep(MB_ICONWARNING);
@@ -49,6 +85,7 @@ bool IsEndingKey(WPARAM key) { return key == VK_RETURN || key == VK_TAB || key =
 bool OnInlineEditKey(WPARAM key) {
     if (!IsEndingKey(key)) {
         g_edit.refused = false;
+        HideProblem();
         InvalidateRect(g_edit.edit, nullptr, FALSE);
         return false;
     }
@@ -81,6 +118,7 @@ LRESULT CALLBACK InlineEditProc(HWND edit, UINT message, WPARAM wParam, LPARAM l
             return 0;
         case WM_NCDESTROY:
             if (g_edit.edit == edit) g_edit.edit = nullptr;  // destroyed together with its list
+            if (g_edit.edit == nullptr) HideProblem();
             break;
         default: break;
     }
@@ -98,7 +136,7 @@ void InlineEditBegin(HWND list, const RECT& cell, const std::wstring& text, bool
         AppLogMsg(L"FAIL: InlineEditBegin error=%lu", GetLastError());
         return;
     }
-    g_edit = {edit, std::move(commit), append ? std::wstring{} : text, false};
+    g_edit = {edit, std::move(commit), append ? std::wstring{} : text, false, nullptr};
     SendMessageW(edit, WM_SETFONT, reinterpret_cast<WPARAM>(UiFixedFont()), FALSE);
     SubclassAdd(edit, InlineEditProc);
     ControlApplyTheme(edit);
@@ -109,6 +147,7 @@ void InlineEditBegin(HWND list, const RECT& cell, const std::wstring& text, bool
 void InlineEditCancel() {
     // The handle is cleared first, because DestroyWindow takes the focus from the field, which would commit its text.
     const HWND edit = std::exchange(g_edit.edit, nullptr);
+    HideProblem();
     if (edit == nullptr) return;
     const HWND list = GetParent(edit);
     const bool hadFocus = GetFocus() == edit;

@@ -31,12 +31,24 @@ void FillTip(const ListView& list, const NMLVGETINFOTIPW& tip) {
     lstrcpynW(tip.pszText, text.c_str(), tip.cchTextMax);
 }
 
+std::wstring RowAsText(const ListRow& row) {
+    std::wstring text;
+    for (const std::wstring& cell : row.cells) text += text.empty() ? cell : L"\t" + cell;
+    return text;
+}
+
 void CopySelectedRow(const ListView& list) {
     const ListRow* row = ListViewRow(list, ListViewSelected(list));
-    if (row == nullptr) return;
+    if (row != nullptr) ClipboardPutText(g_ui.hMainWnd, RowAsText(*row));
+}
+
+void CopyAllRows(const ListView& list) {
+    if (list.content == nullptr) return;
     std::wstring text;
-    for (const std::wstring& cell : row->cells) text += text.empty() ? cell : L"\t" + cell;
-    ClipboardPutText(g_ui.hMainWnd, text);
+    for (const ListColumn& column : list.kind->columns)
+        text += (text.empty() ? L"" : L"\t") + std::wstring(column.title);
+    for (const ListRow& row : list.content->rows) text += L"\r\n" + RowAsText(row);
+    ClipboardPutText(g_ui.hMainWnd, text + L"\r\n");
 }
 
 // --- Mouse and keyboard
@@ -116,6 +128,8 @@ void OnListDestroyed(ListView& list) {
 }
 
 }  // namespace
+
+void ListViewCopy(const ListView& list, bool all) { all ? CopyAllRows(list) : CopySelectedRow(list); }
 
 LRESULT CALLBACK ListViewProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR data) {
     ListView& list = *reinterpret_cast<ListView*>(data);

@@ -70,6 +70,10 @@ void ListRowRepaint(const NMLISTVIEW& changed);
 
 int ListViewSelected(const ListView& list);  // -1: none
 void ListViewSelect(const ListView& list, int row);
+// Copies the selected row, or all of them with the titles of the columns, as text with tabs.
+void ListViewCopy(const ListView& list, bool all);
 RECT ListViewCell(const ListView& list, int row, int column);  // in client coordinates, without the mark
 // Opens an edit field over the cell (ui/inline_edit.h).
 void ListViewEditCell(ListView& list, int row, int column, const std::wstring& text, bool append, InlineCommit commit);
+// The same over the whole row.
+void ListViewEditRow(ListView& list, int row, const std::wstring& text, bool append, InlineCommit commit);

@@ -195,12 +195,26 @@ RECT ListViewCell(const ListView& list, int row, int column) {
     return {left + mark, bounds.top, left + ListColumnWidth(list, column), bounds.bottom};
 }
 
-void ListViewEditCell(ListView& list, int row, int column, const std::wstring& text, bool append, InlineCommit commit) {
+namespace {
+
+// Opens the field from one cell to another.
+void EditCells(ListView& list, int row, int first, int last, const std::wstring& text, bool append,
+               InlineCommit commit) {
     InlineEditCancel();
     ListViewSend(list, LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
-    RECT cell = ListViewCell(list, row, column);
+    RECT cell = ListViewCell(list, row, first);
     RECT client = {};
     GetClientRect(list.window, &client);
-    cell.right = std::min(cell.right, client.right);
+    cell.right = std::min(ListViewCell(list, row, last).right, client.right);
     InlineEditBegin(list.window, cell, text, append, std::move(commit));
+}
+
+}  // namespace
+
+void ListViewEditCell(ListView& list, int row, int column, const std::wstring& text, bool append, InlineCommit commit) {
+    EditCells(list, row, column, column, text, append, std::move(commit));
+}
+
+void ListViewEditRow(ListView& list, int row, const std::wstring& text, bool append, InlineCommit commit) {
+    EditCells(list, row, 0, static_cast<int>(list.kind->columns.size()) - 1, text, append, std::move(commit));
 }

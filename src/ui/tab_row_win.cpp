@@ -107,6 +107,7 @@ bool TabRowCreate(TabRow& row, HWND parent, int tabsId, int moreId) {
     row.tabs = CreateTabRowChild(parent, WC_TABCONTROLW, nullptr, WS_VISIBLE | WS_TABSTOP | TCS_OWNERDRAWFIXED, tabsId);
     if (row.tabs == nullptr || row.more == nullptr) return false;
     SubclassAdd(row.tabs, TabRowProc, reinterpret_cast<DWORD_PTR>(&row));
+    SendMessageW(row.tabs, TCM_SETMINTABWIDTH, 0, 1);  // else short titles would be wider than FitTabRow reckons
     for (int i = 0; i < TitleCount(row); ++i) {
         TCITEMW item = {};
         item.mask = TCIF_TEXT;

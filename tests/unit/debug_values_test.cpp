@@ -67,6 +67,9 @@ TEST(WatchValue, IsReadInItsKind) {
         {"SINGLE", 8, Bytes(-0.5F), L"(-500)"},
         {"wide text", 9, std::string("a\0\xE9\0\0\0b\0", 8), L"\"a\u00E9\""},
         {"the address itself", 10, "", L"4096 (0x1000)"},
+        {"a text by its address", 11, Bytes(std::uint64_t{0x1008}) + "abc", L"\"abc\""},
+        {"no text", 11, Bytes(std::uint64_t{0}), L"\"\""},
+        {"an address of nothing", 11, Bytes(std::uint64_t{0x10}), L"<unreadable>"},
         {"after the last kind", kWatchKinds, "", L"<unknown kind>"},
         {"before the first", -1, "", L"<unknown kind>"},
     };

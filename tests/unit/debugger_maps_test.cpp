@@ -476,6 +476,9 @@ TEST(PbdMap, StatementsAndTrapsArePairedByOrder) {
     Map map;
     PbdParts parts;
     ASSERT_TRUE(PbdBuildMap(Bytes(program(13)), Bytes(side), source(10), &map, &parts));
+    const auto last = static_cast<std::int32_t>(map.lines[map.lineCount - 1].line);
+    EXPECT_TRUE(SdbgCoversLine(&map, static_cast<std::int32_t>(map.lines[0].line)) && SdbgCoversLine(&map, last));
+    EXPECT_FALSE(SdbgCoversLine(&map, 0) || SdbgCoversLine(&map, last + 1)) << "it tells of PBMAIN only";
     EXPECT_EQ(map.lineCount, 10);
     EXPECT_EQ(parts.lineCount, 10);
     EXPECT_EQ(parts.trapCount, 13);

@@ -33,10 +33,14 @@ TEST(Condition, WarnsOfWhatItDoesNotDo) {
         {"3 == RAX ", L"blank"},
         {"EAX==3", L"no number"},
         {"==3", L"no number"},
-        {"total>5", L"no number"},
+        {"total>5", L"total has no place here"},
+        {"i > 5", L""},
+        {"i > j", L"j is not known"},
+        {"i = \"a\"", L"cannot be compared"},
     };
+    const NamedPlaces names = {{.name = "i", .place = "EBP-4"}};
     for (const auto& c : cases) {
-        const std::wstring notice = ConditionNotice(c.condition);
+        const std::wstring notice = ConditionNotice(c.condition, names);
         EXPECT_EQ(notice.empty(), c.part[0] == L'\0') << c.condition;
         EXPECT_NE(notice.find(c.part), std::wstring::npos) << c.condition;
     }
@@ -154,6 +158,11 @@ TEST(Breakpoints, AreRefusedWhereTheProgramCannotTakeThem) {
     EXPECT_EQ(list[2].reason, L"Has the same code as line 3, which stops there.");
     EXPECT_EQ(BreakpointTipText(list[3], L""), L"No code on this line: never stops here.");
     EXPECT_EQ(BreakpointTipText(list[5], L""), L"This file is not part of the program.");
+    BreakpointTarget partly = program.Target();
+    partly.find = [](const std::wstring&, int) { return CodePlace{.fileId = 1, .untold = true}; };
+    UserBreakpoints outside = ListOf({3});
+    PlantAllBreakpoints(&outside, partly);
+    EXPECT_NE(outside[0].reason.find(L"lines of PBMAIN only"), std::wstring::npos);
     ReadHits(&list, program.Target());
     EXPECT_EQ(BreakpointTipText(list[0], L"RAX==1"), L"Stops if RAX==1. Hit 2 times.");
     EXPECT_EQ(list[2].hits, 0U);

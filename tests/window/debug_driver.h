@@ -15,7 +15,7 @@
 
 namespace debug_driver {
 
-enum Tab { kBreakpoints, kStack, kRegisters, kWatches, kMemory, kThreads, kDisassembly };
+enum Tab { kBreakpoints, kStack, kRegisters, kLocals, kWatches, kMemory, kThreads, kDisassembly };
 
 // Lines 1 to 5 of a source; a PBMAIN that calls it follows.
 inline constexpr char kTwice[] =

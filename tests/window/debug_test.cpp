@@ -84,9 +84,9 @@ TEST(Debug, StepsThroughASample) {
     EXPECT_TRUE(Marked(editor, 13, kMarkBreakpoint) && !Marked(editor, 33, kMarkBreakpoint));
 
     editor.Do(IDM_DEBUG_START);
-    ASSERT_TRUE(editor.AwaitOutput(L"[Debug] Started. Breakpoint at line 9.\n", kBuildDeadline)) << editor.Describe();
+    ASSERT_TRUE(editor.AwaitOutput(L"[Debug] Stopped at steps.bas:9 (start)\n", kBuildDeadline)) << editor.Describe();
     ExpectStopAt(editor, 9);
-    EXPECT_TRUE(editor.AwaitOutput(L"[Debug] Reached line 9.\n[Debug] Stopped at steps.bas:9\n"));
+    EXPECT_EQ(editor.Output().find(L"[Debug]"), editor.Output().rfind(L"[Debug]")) << "one line for one stop";
     EXPECT_EQ(CountProcesses(L"steps.exe"), 1);
     EXPECT_TRUE(Marked(editor, 11, kMarkHollow)) << "a comment has no code";
     EXPECT_FALSE(Marked(editor, 13, kMarkHollow));
@@ -282,7 +282,7 @@ TEST(Debug, StopIsHeardWhileAProgramStarts) {
     folder.Write(L"go.txt", "");
     ExpectStopAt(editor, 2);
     EXPECT_TRUE(WaitFor([&] { return IsIconic(editor.main) == FALSE; })) << "a stop wants to be seen";
-    EXPECT_TRUE(editor.AwaitOutput(L"[Debug] Reached line 2.\n"));
+    EXPECT_TRUE(editor.AwaitOutput(L":2 (start)\n"));
     editor.Do(IDM_DEBUG_STOP);
     stopped();
     DeleteFileW(folder.File(L"go.txt").c_str());
@@ -315,7 +315,7 @@ TEST(Debug, AFloodOfEventsLeavesTheWindowFree) {
     const ReadyFolder folder(L"flood64.exe");
     Editor editor(folder, folder.Arguments());
     editor.Do(IDM_DEBUG_BUILD_START);
-    ASSERT_TRUE(editor.AwaitOutput(L"[Debug] Reached line 2.\n", kBuildDeadline)) << editor.Describe();
+    ASSERT_TRUE(editor.AwaitOutput(L":2 (start)\n", kBuildDeadline)) << editor.Describe();
     editor.Do(IDM_DEBUG_CONTINUE);
     ASSERT_TRUE(AwaitStatus(editor, L"Running"));
     EXPECT_TRUE(WaitFor([&] { return editor.Output().find(L"again and again") != std::wstring::npos; }));

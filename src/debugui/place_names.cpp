@@ -1,0 +1,150 @@
+// Rules of the kept names. Must not know a window, a process or where the file is.
+#include "debugui/place_names.h"
+
+#include "base/path.h"
+#include "base/scan_text.h"
+#include "base/utf8.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::string_view kFile = "file ", kProcedure = "procedure";
+constexpr std::string_view kHeader =
+    "; Names that were given to places of programs while they were debugged, by source file and procedure.\r\n";
+
+bool SameProcedure(std::string_view a, std::string_view b) {
+    return std::ranges::equal(a, b, {}, UpperAscii, UpperAscii);
+}
+
+std::string_view LineOf(std::string_view* text) {
+    const std::size_t end = text->find('\n');
+    std::string_view line = text->substr(0, end);
+    text->remove_prefix(end == std::string_view::npos ? text->size() : end + 1);
+    while (!line.empty() && (line.back() == '\r' || IsBlank(line.back()))) line.remove_suffix(1);
+    return WithoutLeadingBlanks(line);
+}
+
+// Puts a class before a method: two classes may have methods of one name.
+std::string WholeName(const SymbolTable& table, const Symbol& symbol) {
+    std::string name(SymbolName(table, symbol));
+    for (std::uint32_t at = symbol.container; at != kNoSymbol; at = table.symbols[at].container)
+        if (table.symbols[at].kind == SymbolKind::Class)
+            name = std::string(SymbolName(table, table.symbols[at])) + "." + name;
+    return name;
+}
+
+}  // namespace
+
+const NamedProcedure* FindNamedProcedure(const PlaceNames& all, std::wstring_view file, std::string_view procedure) {
+    const auto found = std::ranges::find_if(all, [&](const NamedProcedure& each) {
+        return SameProcedure(each.procedure, procedure) && PathEqualsIgnoreCase(each.file, file);
+    });
+    return found == all.end() ? nullptr : &*found;
+}
+
+void SetPlaceNames(PlaceNames* all, NamedProcedure made) {
+    if (const NamedProcedure* old = FindNamedProcedure(*all, made.file, made.procedure); old != nullptr)
+        all->erase(all->begin() + (old - all->data()));
+    if (made.names.empty()) return;
+    all->insert(all->begin(), std::move(made));
+    if (all->size() > kMostNamedProcedures) all->resize(kMostNamedProcedures);
+}
+
+bool MovePlaceNames(PlaceNames* all, std::wstring_view from, std::wstring_view to) {
+    bool moved = false;
+    for (NamedProcedure& each : *all) {
+        std::wstring path = PathAfterMove(each.file, from, to);
+        moved = moved || path != each.file;
+        each.file = std::move(path);
+    }
+    return moved;
+}
+
+std::wstring PutName(NamedPlaces* names, const NamedPlace& named, std::string_view before) {
+    const NamedPlace* const old = before.empty() ? nullptr : FindNamedPlace(*names, before);
+    const NamedPlace* const same = FindNamedPlace(*names, named.name);
+    if (same != nullptr && same != old)
+        return Utf8ToWideText(same->name) + L" has a place already: " + Utf8ToWideText(same->place);
+    if (old != nullptr) {
+        (*names)[static_cast<std::size_t>(old - names->data())] = named;
+        return {};
+    }
+    if (names->size() >= kMostNamesOfProcedure) return L"This procedure has as many names as it can.";
+    names->push_back(named);
+    return {};
+}
+
+PlaceNames ReadPlaceNames(std::string_view utf8) {
+    PlaceNames all;
+    NamedProcedure made;
+    const auto keep = [&] {
+        const bool known = made.file.empty() || FindNamedProcedure(all, made.file, made.procedure) != nullptr;
+        if (!known && !made.names.empty() && all.size() < kMostNamedProcedures) all.push_back(made);
+        made.names.clear();
+    };
+    if (utf8.starts_with("\xEF\xBB\xBF")) utf8.remove_prefix(3);
+    while (!utf8.empty()) {
+        const std::string_view line = LineOf(&utf8);
+        if (IsNamedDefinition(line)) {
+            const NamedInput input = NamedPlaceOf(line, WatchKind::Long, {});
+            if (input.problem.empty()) PutName(&made.names, input.named, {});
+        } else if (line.starts_with(kFile)) {
+            keep();
+            made = {.file = Utf8ToWideText(line.substr(kFile.size())), .procedure = {}, .names = {}};
+        } else if (line.starts_with(kProcedure)) {
+            keep();
+            made.procedure = WithoutLeadingBlanks(line.substr(kProcedure.size()));
+        }
+    }
+    keep();
+    return all;
+}
+
+std::string PlaceNamesText(const PlaceNames& all) {
+    std::string text(kHeader);
+    for (const NamedProcedure& each : all) {
+        text += std::string(kFile) + ToUtf8(each.file) + "\r\n" + std::string(kProcedure);
+        text += (each.procedure.empty() ? "" : " " + each.procedure) + "\r\n";
+        for (const NamedPlace& named : each.names) text += "  " + NamedPlaceText(named) + "\r\n";
+    }
+    return text;
+}
+
+std::vector<SourceProcedure> ProceduresOf(const SymbolTable& table) {
+    std::vector<SourceProcedure> procedures;
+    for (std::uint32_t at = 0; at < table.symbols.size(); ++at) {
+        const Symbol& symbol = table.symbols[at];
+        if (!IsProcedure(symbol.kind) || symbol.Is(kSymbolDeclare)) continue;
+        SourceProcedure made = {
+            .name = WholeName(table, symbol), .first = symbol.line + 1, .last = symbol.endLine + 1, .variables = {}};
+        for (std::uint32_t inside = at + 1; inside < symbol.next; ++inside) {
+            const Symbol& variable = table.symbols[inside];
+            if ((variable.kind != SymbolKind::Local && variable.kind != SymbolKind::Parameter) ||
+                variable.container != at)
+                continue;
+            made.variables.push_back(
+                {std::string(SymbolName(table, variable)), std::string(SymbolType(table, variable))});
+        }
+        procedures.push_back(std::move(made));
+    }
+    return procedures;
+}
+
+const SourceProcedure* ProcedureOfLine(std::span<const SourceProcedure> procedures, std::uint32_t line) {
+    const SourceProcedure* found = nullptr;
+    for (const SourceProcedure& each : procedures)
+        if (each.first <= line && line <= each.last && (found == nullptr || each.first >= found->first)) found = &each;
+    return found;
+}
+
+const NamedProcedure* LostProcedure(const PlaceNames& all, std::wstring_view file,
+                                    std::span<const SourceProcedure> procedures) {
+    for (const NamedProcedure& each : all) {
+        if (each.procedure.empty() || !PathEqualsIgnoreCase(each.file, file)) continue;
+        const bool there = std::ranges::any_of(
+            procedures, [&](const SourceProcedure& one) { return SameProcedure(one.name, each.procedure); });
+        if (!there) return &each;
+    }
+    return nullptr;
+}
