@@ -109,13 +109,13 @@ private:
         if (!value) Fail(L"a number is missing");
         return value.value_or(0);
     }
-    // A name of the user, if need be without the suffix: "i&1" is no name with a suffix. Nothing: there is none.
+    // A name of the user, with the suffix or without it. Nothing: there is none.
     std::optional<std::uint64_t> Given(std::string_view whole, bool place) {
         if (!names_) return std::nullopt;
         for (const std::string_view name : {whole, WithoutTypeSuffix(whole)}) {
             const std::optional<Evaluation> found = names_(name, place);
             if (!found) continue;
-            rest_.remove_prefix(name.size());
+            rest_.remove_prefix(whole.size());
             if (!found->value) Fail(found->problem);
             return found->value.value_or(0);
         }

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstring>
 #include <map>
 #include <string>
@@ -61,7 +62,7 @@ Frame Filled(bool x64) {
     frame.Put(-4, std::int32_t{-5});
     frame.Put(-8, std::uint32_t{0xFFFFFFFE});
     frame.Put(-16, 2.5);
-    frame.Put(-32, "abc");
+    frame.Put(-32, std::array<char, 4>{'a', 'b', 'c', 0});
     if (x64)
         frame.Put(8, Frame::kFramePointer - 32);
     else
