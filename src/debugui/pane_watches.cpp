@@ -178,7 +178,7 @@ std::vector<ListRow> WatchRows(WatchList& list, const WatchProgram& program) {
     if (program.stopped) list.serial = program.serial;
     std::vector<ListRow> rows;
     for (Watch& watch : list.watches) rows.push_back(WatchRow(watch, program, newStop));
-    rows.push_back({.cells = {L"Type an address or a name here: RSP+8, [RBP+16], i = RBP-4, LONG", L"", L""},
+    rows.push_back({.cells = {L"Type an address here, or a name: RSP+8, [RBP+16], i = RBP-4, LONG", L"", L""},
                     .tone = ListTone::Quiet});
     return rows;
 }

@@ -63,9 +63,10 @@ TEST(DebugNames, OfAProcedureAreWorthTheirValuesUntilTheyAreRemoved) {
         EXPECT_TRUE(session.Await(L"|7 (0x00000007)")) << Utf8(session.All());
 
         session.Select(kWatches);
+        ASSERT_TRUE(session.Await(L"Type an address here"));
         session.AddWatch(L"n*2");
-        session.AddWatch(L"result");
         EXPECT_TRUE(session.Await(L"n*2|Value|14 (0xE)|")) << Utf8(session.All());
+        session.AddWatch(L"result");
         EXPECT_TRUE(session.Await(L"result is not known. The compilers write no names of variables"));
         session.AddWatch(L"m = " + std::wstring(each.wide) + L", BYTE");
         EXPECT_TRUE(session.Await(L"m|BYTE|7 (0x07)|")) << Utf8(session.All());
