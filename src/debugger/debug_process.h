@@ -14,7 +14,6 @@ inline bool DebugIsActive(const DebuggerState* state) { return state != nullptr 
 bool DebugReadRaw(const DebuggerState& state, std::uint64_t address, void* out, std::size_t count);
 bool DebugWriteRaw(const DebuggerState& state, std::uint64_t address, const void* bytes, std::size_t count);
 
-
 // Handle of a thread of the program, owned by the state, or null.
 HANDLE DebugThreadHandle(const DebuggerState& state, std::uint32_t threadId);
 // Sets the instruction pointer. `trapOnce` also sets the trap flag: a single-step event follows the next instruction.
