@@ -180,6 +180,7 @@ static LRESULT CALLBACK RouteMainMessage(HWND window, UINT message, WPARAM wPara
         case WM_COMMAND: MainWnd_OnCommand(LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam)); return 0;
         case WM_NOTIFY: return MainWnd_OnNotify(*reinterpret_cast<const NMHDR*>(lParam));
         case WM_CONTEXTMENU:
+            MainWnd_RunPendingRefresh();  // nothing is refreshed while the menu is open
             if (ContextMenuShow(reinterpret_cast<HWND>(wParam), {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)})) return 0;
             return DefWindowProcW(window, message, wParam, lParam);
         case WM_INITMENUPOPUP: MainWnd_OnInitMenuPopup(reinterpret_cast<HMENU>(wParam)); return 0;

@@ -27,12 +27,11 @@ LRESULT Ask(HWND editor, UINT message, LRESULT wParam = 0, LPARAM lParam = 0) {
 
 struct SeverityLooks {
     int indicator, style, marker, text;
-    Rgb ChromePalette::*colour;
 };
 // By CompilerError::severity. A warning differs in its shapes, too.
 constexpr SeverityLooks kLooks[] = {
-    {kIndicatorError, INDIC_SQUIGGLE, kMarkErrorSign, kStyleErrorText, &ChromePalette::error},
-    {kIndicatorWarning, INDIC_DASH, kMarkWarningSign, kStyleWarningText, &ChromePalette::modified},
+    {kIndicatorError, INDIC_SQUIGGLE, kMarkErrorSign, kStyleErrorText},
+    {kIndicatorWarning, INDIC_DASH, kMarkWarningSign, kStyleWarningText},
 };
 
 const SeverityLooks& LooksOf(const SourceMark& mark) { return kLooks[mark.severity == 0 ? 0 : 1]; }
@@ -48,7 +47,7 @@ void DefineSign(HWND editor, const SeverityLooks& looks, Rgb colour, Rgb inside)
 void DefineLooks(HWND editor, const SeverityLooks& looks) {
     const bool dark = ThemeIsDark();
     const EditorPalette& palette = ThemePalette(g_settings.editorStylePreset, dark);
-    const Rgb colour = ThemeReadableOn(ThemeChromePalette(dark).*looks.colour, palette.back);
+    const Rgb colour = SeverityColour(palette, ThemeChromePalette(dark), looks.marker == kMarkErrorSign);
     Ask(editor, SCI_INDICSETSTYLE, looks.indicator, looks.style);
     Ask(editor, SCI_INDICSETFORE, looks.indicator, static_cast<LPARAM>(ThemeColorRef(colour)));
     Ask(editor, SCI_INDICSETSTROKEWIDTH, looks.indicator, std::max(UiScaled(100), 100));  // in 1/100 pixel

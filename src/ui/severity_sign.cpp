@@ -32,6 +32,11 @@ bool InExclamation(double x, double y) {
 
 }  // namespace
 
+Rgb SeverityColour(const EditorPalette& palette, const ChromePalette& chrome, bool error) {
+    // Both backgrounds are dark or both are light, so what is changed for the second is no worse on the first.
+    return ThemeReadableOn(ThemeReadableOn(error ? chrome.error : chrome.modified, palette.back), palette.caretLine);
+}
+
 std::vector<std::uint8_t> SeveritySign(int size, bool error, Rgb colour, Rgb inside) {
     std::vector<std::uint8_t> pixels;
     pixels.reserve(static_cast<std::size_t>(size) * static_cast<std::size_t>(size) * 4);

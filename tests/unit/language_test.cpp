@@ -7,6 +7,7 @@
 #include "support/dialect_sources.h"
 #include "support/golden_file.h"
 #include "support/token_stream.h"
+#include "ui/severity_sign.h"
 #include "ui/theme_table.h"
 
 #include <gtest/gtest.h>
@@ -91,6 +92,17 @@ TEST(Theme, AColourIsChangedUntilItCanBeReadAndKeepsItsHue) {
         }
         EXPECT_GT(changed, 500) << dark;
     }
+}
+
+TEST(Theme, TextsOfDiagnosticsCanBeReadInEveryStyle) {
+    for (int style = 0; style < static_cast<int>(EditorStyles().size()); ++style)
+        for (const bool dark : {false, true})
+            for (const bool error : {false, true}) {
+                const EditorPalette& palette = ThemePalette(style, dark);
+                const Rgb shown = SeverityColour(palette, ThemeChromePalette(dark), error);
+                for (const Rgb back : {palette.back, palette.caretLine})
+                    EXPECT_GE(ThemeContrast(shown, back), kReadableContrast) << style << dark << error;
+            }
 }
 
 TEST(Lexer, IsChosenByTheExtension) {
