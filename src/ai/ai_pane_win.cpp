@@ -38,7 +38,7 @@ LRESULT CALLBACK AiInputProc(HWND input, UINT message, WPARAM wParam, LPARAM lPa
         if (AiRequestsRun())
             AiRequestsCancel();
         else
-            FocusCurrentEditor();
+            FocusEditorFromPane();
         return 0;
     }
     if (message == WM_KEYDOWN && wParam == VK_TAB) {

@@ -73,7 +73,7 @@ void ShowChatMenu(HWND chat, POINT at) {
 LRESULT CALLBACK ChatWindowProc(HWND chat, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
     switch (message) {
         case WM_KEYDOWN:
-            if (wParam == VK_ESCAPE) FocusCurrentEditor();
+            if (wParam == VK_ESCAPE) FocusEditorFromPane();
             if (wParam == VK_TAB) SetFocus(GetKeyState(VK_SHIFT) < 0 ? g_ai.hAiSend : g_ai.hAiInput);
             break;
         case WM_CHAR:

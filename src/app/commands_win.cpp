@@ -6,6 +6,7 @@
 #include "app/recent_menu.h"
 #include "commands/command_state.h"
 #include "commands/edit_target.h"
+#include "commands/editor_commands.h"
 #include "commands/quick_open.h"
 #include "commands/status_bar.h"
 #include "commands/view_commands.h"
@@ -153,7 +154,6 @@ constexpr CommandHandler kFrameHandlers[] = {
     {IDM_EDIT_GOTO, [](int) { GotoLineDialogShow(g_app.hMainWnd); }},
     {IDM_EDIT_FORMAT_DOCUMENT, [](int) { EditorFormat(g_app.hEditor, false); }},
     {IDM_EDIT_FORMAT_SELECTION, [](int) { EditorFormat(g_app.hEditor, true); }},
-    {IDM_EDIT_COMMENT, [](int) { EditorToggleComment(g_app.hEditor); }},
     {IDM_EDIT_MATCH, [](int) { EditorPaneGoToMatch(g_app.hEditor); }},
     {IDM_NAV_BACK, [](int) { NavHistoryBack(); }},
     {IDM_NAV_FORWARD, [](int) { NavHistoryForward(); }},
@@ -178,8 +178,9 @@ std::vector<CommandHandler> AllCommandHandlers() {
     std::vector<CommandHandler> all;
     for (const std::span<const CommandHandler> area :
          {std::span<const CommandHandler>(kFrameHandlers), RecentCommandHandlers(), ViewCommandHandlers(),
-          QuickOpenCommandHandlers(), BuildCommandHandlers(), DebugCommandHandlers(), AiCommandHandlers(),
-          FilesSearchCommandHandlers(), SymbolCommandHandlers(), CompletionCommandHandlers(), ProjectCommandHandlers()})
+          EditorCommandHandlers(), QuickOpenCommandHandlers(), BuildCommandHandlers(), DebugCommandHandlers(),
+          AiCommandHandlers(), FilesSearchCommandHandlers(), SymbolCommandHandlers(), CompletionCommandHandlers(),
+          ProjectCommandHandlers()})
         all.insert(all.end(), area.begin(), area.end());
     return all;
 }
@@ -201,9 +202,9 @@ void MainWnd_OnCommand(int command, int notification, HWND control) {
     // A key or a posted command may come when the command is not possible; the table decides, not the sender.
     if (!CommandStateOf(command, CurrentCommandView()).enabled) return;
     if (RunCommandHandler(kFrameHandlers, command) || RunCommandHandler(RecentCommandHandlers(), command) ||
-        RunCommandHandler(ViewCommandHandlers(), command) || RunCommandHandler(QuickOpenCommandHandlers(), command) ||
-        CmdHandle_Build(command) || CmdHandle_Debug(command) || CmdHandle_AI(command) ||
-        RunCommandHandler(FilesSearchCommandHandlers(), command) ||
+        RunCommandHandler(ViewCommandHandlers(), command) || RunCommandHandler(EditorCommandHandlers(), command) ||
+        RunCommandHandler(QuickOpenCommandHandlers(), command) || CmdHandle_Build(command) ||
+        CmdHandle_Debug(command) || CmdHandle_AI(command) || RunCommandHandler(FilesSearchCommandHandlers(), command) ||
         RunCommandHandler(SymbolCommandHandlers(), command) ||
         RunCommandHandler(CompletionCommandHandlers(), command) || RunCommandHandler(ProjectCommandHandlers(), command))
         MainWindow_RequestStateRefresh();
@@ -211,5 +212,6 @@ void MainWnd_OnCommand(int command, int notification, HWND control) {
 
 void MainWnd_OnInitMenuPopup(HMENU menu) {
     RecentMenuFill(menu);
+    MenuShowKeys(menu);
     MenuApplyState(menu, CurrentCommandView());
 }

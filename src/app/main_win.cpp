@@ -151,12 +151,20 @@ bool IsDown(int key) { return GetKeyState(key) < 0; }
 // A command was given by Alt and a key, and Alt is still down.
 bool g_altIsUsed = false;
 
+// The key, where the layout of the keyboard matters: the one left of the 1 counts as the backquote, which not every layout
+// has there or has at all.
+std::uint32_t KeyOfMessage(const MSG& message) {
+    constexpr unsigned kScanCodeLeftOfOne = 0x29;
+    const bool left = (static_cast<unsigned>(message.lParam) >> 16 & 0x1FF) == kScanCodeLeftOfOne;
+    return left && IsDown(VK_CONTROL) ? VK_OEM_3 : static_cast<std::uint32_t>(message.wParam);
+}
+
 // Sends the command of a key that is not in the accelerator table (ExtraKeys). False for any other message.
 bool TranslateExtraKey(const MSG& message) {
     if (message.message != WM_KEYDOWN && message.message != WM_SYSKEYDOWN) return false;
     if (message.hwnd != g_app.hMainWnd && !IsChild(g_app.hMainWnd, message.hwnd)) return false;
-    const int command = CommandOfExtraKey(static_cast<std::uint32_t>(message.wParam), IsDown(VK_CONTROL),
-                                          IsDown(VK_SHIFT), IsDown(VK_MENU), message.hwnd == g_app.hEditor);
+    const int command = CommandOfExtraKey(KeyOfMessage(message), IsDown(VK_CONTROL), IsDown(VK_SHIFT), IsDown(VK_MENU),
+                                          message.hwnd == g_app.hEditor);
     if (command == 0) return false;
     g_altIsUsed = IsDown(VK_MENU);
     SendMessageW(g_app.hMainWnd, WM_COMMAND, MAKEWPARAM(command, 1), 0);

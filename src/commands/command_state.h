@@ -9,5 +9,7 @@
 CommandView CurrentCommandView();
 // Enables and checks every command of the main menu and the toolbar by the current state.
 void MenuUpdateState();
+// Puts the keys of commands beside the items whose texts name none, of a menu that is about to open.
+void MenuShowKeys(HMENU menu);
 // Enables and checks the items of a menu that is about to open.
 void MenuApplyState(HMENU menu, const CommandView& view);

@@ -10,6 +10,7 @@
 #include "compile/build_source.h"
 #include "debugui/debug_run.h"
 #include "documents/document_row.h"
+#include "documents/file_form.h"
 #include "language/lexer_table.h"
 #include "output/output_state.h"
 #include "project/project.h"
@@ -21,6 +22,9 @@
 #include "ui/ui_state.h"
 
 #include <algorithm>
+#include <cwchar>
+#include <iterator>
+#include <string>
 
 namespace {
 
@@ -53,7 +57,12 @@ std::uint32_t DebugConditions() {
 CommandView CurrentCommandView() {
     CommandView view;
     const bool hasTab = IsTabIndex(g_documents.activeTab);
-    if (hasTab) view.conditions |= EditorConditions();
+    if (hasTab) {
+        const DocumentTab& tab = TabAt(g_documents.activeTab);
+        view.conditions |= EditorConditions();
+        view.fileForm = static_cast<int>(FileFormOf(tab));
+        view.lineEnding = static_cast<int>(tab.lineEnding);
+    }
     if (const HWND target = EditTargetNow(); target != nullptr)
         view.conditions |= EditTargetConditions(target);
     else if (hasTab)
@@ -73,6 +82,8 @@ CommandView CurrentCommandView() {
     view.whitespace = settings.showWhitespace != 0;
     view.wrap = settings.wordWrap != 0;
     view.errorTexts = settings.showErrorTexts != 0;
+    view.tabWidth = settings.tabWidth;
+    view.tabKeyInsertsTab = settings.useTabs != 0;
     view.stepsFollow = settings.stepsFollowProgram != 0;
     view.theme = ThemeIsDark() ? 1 : 0;
     view.style = settings.editorStylePreset;
@@ -90,6 +101,24 @@ void MenuApplyState(HMENU menu, const CommandView& view) {
         const CommandState state = CommandStateOf(static_cast<int>(id), view);
         EnableMenuItem(menu, static_cast<UINT>(i), MF_BYPOSITION | (state.enabled ? MF_ENABLED : MF_GRAYED));
         CheckMenuItem(menu, static_cast<UINT>(i), MF_BYPOSITION | (state.checked ? MF_CHECKED : MF_UNCHECKED));
+    }
+}
+
+void MenuShowKeys(HMENU menu) {
+    for (int i = 0; i < GetMenuItemCount(menu); ++i) {
+        const UINT id = GetMenuItemID(menu, i);
+        const std::wstring key = id != static_cast<UINT>(-1) ? FirstExtraKeyOf(static_cast<int>(id)) : std::wstring();
+        wchar_t text[256] = {};
+        if (key.empty() ||
+            GetMenuStringW(menu, static_cast<UINT>(i), text, static_cast<int>(std::size(text)), MF_BYPOSITION) == 0 ||
+            std::wcschr(text, L'\t') != nullptr)
+            continue;
+        std::wstring shown = std::wstring(text) + L"\t" + key;
+        MENUITEMINFOW info = {};
+        info.cbSize = sizeof(info);
+        info.fMask = MIIM_STRING;
+        info.dwTypeData = shown.data();
+        SetMenuItemInfoW(menu, static_cast<UINT>(i), TRUE, &info);
     }
 }
 

@@ -16,6 +16,21 @@ namespace {
 
 using enum CommandPlace;
 
+template <int form>
+bool IsForm(const CommandView& view) {
+    return view.fileForm == form;
+}
+
+template <int ending>
+bool IsEnding(const CommandView& view) {
+    return view.lineEnding == ending;
+}
+
+template <int width>
+bool IsTabWidth(const CommandView& view) {
+    return view.tabWidth == width;
+}
+
 template <PaneId id>
 bool ShowsPane(const CommandView& view) {
     return (view.panes & PaneBit(id)) != 0;
@@ -78,6 +93,50 @@ constexpr CommandRow kCommands[] = {
     {IDM_EDIT_MATCH, kHasTab},
     {IDM_EDIT_COMPLETE, kEdits},
     {IDM_EDIT_SNIPPETS, kAlways},
+    {IDM_LINES_DUPLICATE, kEdits},
+    {IDM_LINES_DELETE, kEdits},
+    {IDM_LINES_UP, kEdits},
+    {IDM_LINES_DOWN, kEdits},
+    {IDM_LINES_JOIN, kEdits},
+    {IDM_LINES_SORT, kEdits},
+    {IDM_LINES_SORT_DOWN, kEdits},
+    {IDM_LINES_UNIQUE, kEdits},
+    {IDM_LINES_TRIM, kEdits},
+    {IDM_TABS_TO_BLANKS, kEdits},
+    {IDM_BLANKS_TO_TABS, kEdits},
+    {IDM_CASE_UPPER, kEdits},
+    {IDM_CASE_LOWER, kEdits},
+    {IDM_CASE_TITLE, kEdits},
+    {IDM_CARET_ABOVE, kHasTab},
+    {IDM_CARET_BELOW, kHasTab},
+    {IDM_SELECT_NEXT, kHasTab},
+    {IDM_SELECT_EACH, kHasTab},
+    {IDM_FOLD, kHasTab},
+    {IDM_UNFOLD, kHasTab},
+    {IDM_FOLD_ALL, kHasTab},
+    {IDM_UNFOLD_ALL, kHasTab},
+    {IDM_FOLD_LEVEL_FIRST, kHasTab},
+    {IDM_FOLD_LEVEL_2, kHasTab},
+    {IDM_FOLD_LEVEL_3, kHasTab},
+    {IDM_FOLD_LEVEL_4, kHasTab},
+    // The forms in the order of FileForm, the endings in that of LineEnding.
+    {IDM_ENCODE_UTF8, kEdits, IsForm<0>},
+    {IDM_ENCODE_ANSI, kEdits, IsForm<1>},
+    {IDM_ENCODE_UTF16_LE, kEdits, IsForm<2>},
+    {IDM_ENCODE_UTF16_BE, kEdits, IsForm<3>},
+    {IDM_REOPEN_UTF8, kHasFile},
+    {IDM_REOPEN_ANSI, kHasFile},
+    {IDM_REOPEN_UTF16_LE, kHasFile},
+    {IDM_REOPEN_UTF16_BE, kHasFile},
+    {IDM_ENDING_CRLF, kEdits, IsEnding<0>},
+    {IDM_ENDING_LF, kEdits, IsEnding<1>},
+    {IDM_ENDING_CR, kEdits, IsEnding<2>},
+    {IDM_TAB_WIDTH_2, kAlways, IsTabWidth<2>},
+    {IDM_TAB_WIDTH_3, kAlways, IsTabWidth<3>},
+    {IDM_TAB_WIDTH_4, kAlways, IsTabWidth<4>},
+    {IDM_TAB_WIDTH_8, kAlways, IsTabWidth<8>},
+    {IDM_TAB_INSERTS_TAB, kAlways, [](const CommandView& v) { return v.tabKeyInsertsTab; }},
+    {IDM_TAB_INSERTS_BLANKS, kAlways, [](const CommandView& v) { return v.tabWidth != 0 && !v.tabKeyInsertsTab; }},
     {IDM_VIEW_TOOLBAR, kAlways, [](const CommandView& v) { return v.toolbar; }},
     {IDM_VIEW_STATUS_BAR, kAlways, [](const CommandView& v) { return v.statusBar; }},
     {IDM_VIEW_OUTPUT, kAlways, ShowsPane<PaneId::Output>},
@@ -181,6 +240,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_AI_INSERT_CODE, kAiCode | kHasTab},
     {IDM_AI_NEW_CHAT, kAlways},
     {IDM_HELP_ABOUT, kAlways},
+    {IDM_HELP_KEYS, kAlways},
     {IDM_NEXT_TAB, kHasTab},
     {IDM_PREVIOUS_TAB, kHasTab},
     {IDM_NEXT_PANE, kAlways},
@@ -214,10 +274,11 @@ constexpr auto AllCommands(std::index_sequence<ids...>) {
 constexpr auto kAllCommands = AllCommands(std::make_index_sequence<kCompilerCount>());
 
 // Virtual key numbers, defined here because this file includes no <windows.h>.
-constexpr std::uint16_t kCancel = 0x03, kTab = 0x09, kSpace = 0x20, kLeft = 0x25, kRight = 0x27, kZero = 0x30,
-                        kNumpad0 = 0x60, kNumpadAdd = 0x6B, kNumpadSubtract = 0x6D, kF2 = 0x71, kF3 = 0x72, kF4 = 0x73,
-                        kF5 = 0x74, kF8 = 0x77, kF9 = 0x78, kF10 = 0x79, kF6 = 0x75, kF7 = 0x76, kF11 = 0x7A,
-                        kF12 = 0x7B, kBackquote = 0xC0, kOemPlus = 0xBB, kOemMinus = 0xBD, kComma = 0xBC;
+constexpr std::uint16_t kCancel = 0x03, kTab = 0x09, kSpace = 0x20, kLeft = 0x25, kUp = 0x26, kRight = 0x27,
+                        kDown = 0x28, kNumpadDivide = 0x6F, kSlash = 0xBF, kOpenBracket = 0xDB, kCloseBracket = 0xDD,
+                        kZero = 0x30, kNumpad0 = 0x60, kNumpadAdd = 0x6B, kNumpadSubtract = 0x6D, kF2 = 0x71,
+                        kF3 = 0x72, kF4 = 0x73, kF5 = 0x74, kF8 = 0x77, kF9 = 0x78, kF10 = 0x79, kF6 = 0x75, kF7 = 0x76,
+                        kF11 = 0x7A, kF12 = 0x7B, kBackquote = 0xC0, kOemPlus = 0xBB, kOemMinus = 0xBD, kComma = 0xBC;
 
 constexpr ExtraKey kExtraKeys[] = {
     {kCancel, true, false, false, IDM_BUILD_STOP},
@@ -252,7 +313,28 @@ constexpr ExtraKey kExtraKeys[] = {
     {kF2, false, false, false, IDM_BOOKMARK_NEXT, true},
     {kF2, false, true, false, IDM_BOOKMARK_PREVIOUS, true},
     {kF2, true, true, false, IDM_BOOKMARKS_CLEAR},
+    {kSlash, true, false, false, IDM_EDIT_COMMENT, true},
+    {kNumpadDivide, true, false, false, IDM_EDIT_COMMENT, true},
     {'Q', true, false, false, IDM_EDIT_COMMENT, true},
+    {'D', true, false, false, IDM_LINES_DUPLICATE, true},
+    {'K', true, true, false, IDM_LINES_DELETE, true},
+    {kUp, false, false, true, IDM_LINES_UP, true},
+    {kDown, false, false, true, IDM_LINES_DOWN, true},
+    {'J', true, false, false, IDM_LINES_JOIN, true},
+    {'U', true, true, false, IDM_CASE_UPPER, true},
+    {'U', true, false, false, IDM_CASE_LOWER, true},
+    {kUp, true, false, true, IDM_CARET_ABOVE, true},
+    {kDown, true, false, true, IDM_CARET_BELOW, true},
+    {'D', true, true, false, IDM_SELECT_NEXT, true},
+    {'A', true, true, false, IDM_SELECT_EACH, true},
+    {kOpenBracket, true, true, false, IDM_FOLD, true},
+    {kCloseBracket, true, true, false, IDM_UNFOLD, true},
+    {kZero, false, false, true, IDM_FOLD_ALL, true},
+    {kZero, false, true, true, IDM_UNFOLD_ALL, true},
+    {'1', false, false, true, IDM_FOLD_LEVEL_FIRST, true},
+    {'2', false, false, true, IDM_FOLD_LEVEL_2, true},
+    {'3', false, false, true, IDM_FOLD_LEVEL_3, true},
+    {'4', false, false, true, IDM_FOLD_LEVEL_4, true},
     {'M', true, false, false, IDM_EDIT_MATCH, true},
     {kSpace, true, false, false, IDM_EDIT_COMPLETE, true},
     {kF2, false, false, true, IDM_TOOLBAR_MORE},
@@ -260,7 +342,8 @@ constexpr ExtraKey kExtraKeys[] = {
     {kF6, false, false, false, IDM_NEXT_PANE},
     {kF6, false, true, false, IDM_PREVIOUS_PANE},
     {kComma, true, false, false, IDM_PROJECT_SETTINGS},
-    {kBackquote, true, false, false, IDM_VIEW_TERMINAL},
+    {kBackquote, true, false, false, IDM_VIEW_OUTPUT},
+    {kBackquote, true, true, false, IDM_VIEW_TERMINAL},
     {'E', true, true, false, IDM_VIEW_TREE},
     {'M', true, true, false, IDM_VIEW_ERROR_LIST},
     {'R', true, false, false, IDM_FILE_RELOAD, true},
@@ -310,9 +393,11 @@ std::wstring NameOfExtraKey(const ExtraKey& key) {
     static constexpr struct {
         std::uint16_t key;
         const wchar_t* name;
-    } kNames[] = {{kCancel, L"Break"}, {kTab, L"Tab"},      {kSpace, L"Space"},    {kLeft, L"Left"},
-                  {kRight, L"Right"},  {kNumpad0, L"Num0"}, {kNumpadAdd, L"Num+"}, {kNumpadSubtract, L"Num-"},
-                  {kOemPlus, L"+"},    {kOemMinus, L"-"},   {kBackquote, L"`"},    {kComma, L","}};
+    } kNames[] = {{kCancel, L"Break"},  {kTab, L"Tab"},       {kSpace, L"Space"},       {kLeft, L"Left"},
+                  {kRight, L"Right"},   {kNumpad0, L"Num0"},  {kNumpadAdd, L"Num+"},    {kNumpadSubtract, L"Num-"},
+                  {kOemPlus, L"+"},     {kOemMinus, L"-"},    {kBackquote, L"`"},       {kComma, L","},
+                  {kUp, L"Up"},         {kDown, L"Down"},     {kNumpadDivide, L"Num/"}, {kSlash, L"/"},
+                  {kOpenBracket, L"["}, {kCloseBracket, L"]"}};
     std::wstring name = key.control ? L"Ctrl+" : L"";
     if (key.alt) name += L"Alt+";
     if (key.shift) name += L"Shift+";
@@ -321,6 +406,11 @@ std::wstring NameOfExtraKey(const ExtraKey& key) {
     if (named != std::end(kNames)) return name + named->name;
     if (key.key > kBeforeF1 && key.key <= kF12) return name + L"F" + std::to_wstring(key.key - kBeforeF1);
     return name + static_cast<wchar_t>(key.key);
+}
+
+std::wstring FirstExtraKeyOf(int command) {
+    const auto* const key = std::ranges::find(kExtraKeys, command, &ExtraKey::command);
+    return key != std::end(kExtraKeys) ? NameOfExtraKey(*key) : std::wstring();
 }
 
 int CommandOfExtraKey(std::uint32_t key, bool control, bool shift, bool alt, bool inEditor) {

@@ -52,6 +52,10 @@ struct CommandView {
     int style = 0;             // style preset, 0: none
     int compiler = 0;          // CompilerId
     int profile = 0;           // build profile: 0 debug, 1 release, 2 fast
+    int fileForm = -1;         // of the active document: FileForm; -1: there is none
+    int lineEnding = -1;       // LineEnding
+    int tabWidth = 0;
+    bool tabKeyInsertsTab = false;
     bool operator==(const CommandView&) const = default;
 };
 
@@ -87,5 +91,6 @@ struct ExtraKey {
 };
 std::span<const ExtraKey> ExtraKeys();
 std::wstring NameOfExtraKey(const ExtraKey& key);  // as menus write it: "Ctrl+Shift+F5"
+std::wstring FirstExtraKeyOf(int command);         // its name; empty: the command has none
 // The command of a key, or 0. `key` is a virtual key; `inEditor`: an editor has the keyboard.
 int CommandOfExtraKey(std::uint32_t key, bool control, bool shift, bool alt, bool inEditor);

@@ -15,5 +15,7 @@ struct MenuCommand {
 // Every command of the table that is in the menu, in its order: neither recent files and sessions, which stand in the menu
 // only from its first opening on, nor the line that is there for none.
 std::vector<MenuCommand> MenuCommands(HMENU menu);
+// The text of a command in the menu, with its key: "&Save\tCtrl+S". Empty: the menu has not the command.
+std::wstring CommandMenuText(HMENU menu, int command);
 // The keys of a command: the one that the menu shows, and those that it does not.
 std::wstring CommandKeys(int command, const std::wstring& shown = {});

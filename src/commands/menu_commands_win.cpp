@@ -36,6 +36,15 @@ std::vector<MenuCommand> MenuCommands(HMENU menu) {
     return commands;
 }
 
+std::wstring CommandMenuText(HMENU menu, int command) {
+    wchar_t text[256] = {};
+    GetMenuStringW(menu, static_cast<UINT>(command), text, static_cast<int>(std::size(text)), MF_BYCOMMAND);
+    const std::wstring key = FirstExtraKeyOf(command);
+    std::wstring shown = text;
+    if (!shown.empty() && !key.empty() && shown.find(L'\t') == std::wstring::npos) shown += L"\t" + key;
+    return shown;
+}
+
 std::wstring CommandKeys(int command, const std::wstring& shown) {
     std::wstring keys = shown;
     for (const ExtraKey& extra : ExtraKeys()) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/events.h"
+#include "commands/status_bar_fit.h"
 
 #include <windows.h>
 
@@ -22,4 +23,5 @@ void StatusBarSetProgress(const wchar_t* text);
 // Shows line, column, selection, encoding and line ending of the active document.
 void StatusBarUpdatePosition();
 void StatusBarUpdateCompiler();
+StatusWidths StatusBarEnds();                        // the right ends of the parts, in pixels of the bar
 void StatusBarSetProject(const std::wstring& name);  // empty: no project is open

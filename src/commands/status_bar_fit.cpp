@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-static constexpr StatusPart kGiveUpOrder[] = {kSelection, kProgress, kProject, kLineEnding, kEncoding};
+static constexpr StatusPart kGiveUpOrder[] = {kSelection, kZoom,       kTabWidth, kProgress,
+                                              kProject,   kLineEnding, kEncoding};
 
 StatusWidths FitStatusParts(int width, const StatusWidths& wanted) {
     StatusWidths widths = wanted;

@@ -4,6 +4,8 @@
 #include "commands/command_state.h"
 #include "commands/commands_state.h"
 #include "commands/status_bar_text.h"
+#include "commands/status_fields.h"
+#include "commands/status_fields_window.h"
 #include "compile/build_source.h"
 #include "documents/document_row.h"
 #include "scintilla/sci.h"
@@ -48,7 +50,11 @@ struct StatusSizes {
 StatusSizes g_sizes;
 
 void ShareStatusWidth() {
-    StatusWidths ends = FitStatusParts(g_sizes.width, g_sizes.wanted);
+    StatusWidths wanted = g_sizes.wanted;
+    for (int part = 0; part < kStatusPartCount; ++part)
+        if (StatusFieldIsHidden(g_settings.statusHidden, static_cast<StatusPart>(part)))
+            wanted[static_cast<std::size_t>(part)] = 0;
+    StatusWidths ends = FitStatusParts(g_sizes.width, wanted);
     ends.back() = -1;  // SB_SETPARTS: to the right edge
     SendMessageW(g_commands.hStatusBar, SB_SETPARTS, kStatusPartCount, reinterpret_cast<LPARAM>(ends.data()));
     InvalidateRect(g_commands.hStatusBar, nullptr, FALSE);
@@ -116,6 +122,12 @@ void PaintStatusPart(HDC dc, int part, const RECT& area, const ThemeChrome& chro
         RECT line = {area.left, area.top + UiScaled(5), area.left + 1, area.bottom - UiScaled(5)};
         FillArea(dc, line, chrome.line);
     }
+    if (part != StatusFieldWithKeyboard()) return;
+    const RECT frame = {area.left + 1, area.top + 1, area.right - 1, area.bottom - 1};
+    FillArea(dc, {frame.left, frame.top, frame.right, frame.top + 1}, chrome.accent);
+    FillArea(dc, {frame.left, frame.bottom - 1, frame.right, frame.bottom}, chrome.accent);
+    FillArea(dc, {frame.left, frame.top, frame.left + 1, frame.bottom}, chrome.accent);
+    FillArea(dc, {frame.right - 1, frame.top, frame.right, frame.bottom}, chrome.accent);
 }
 
 void PaintStatusBar(HWND window) {
@@ -145,21 +157,30 @@ LRESULT CALLBACK StatusBarProc(HWND window, UINT message, WPARAM wParam, LPARAM 
         case WM_PAINT:
             if (!g_takesText) PaintStatusBar(window);
             return 0;
-        default: break;
+        default:
+            if (StatusFieldsTake(window, message, wParam, lParam)) return 0;
+            break;
     }
     return SubclassNext(window, message, wParam, lParam);
 }
 
+// Counting the characters of a large selection takes long, so these are told in bytes.
 SelectionFacts SelectionOf(HWND editor) {
-    SelectionFacts facts = {.selections = SciSend(editor, SCI_GETSELECTIONS)};
-    const LRESULT start = SciSend(editor, SCI_GETSELECTIONSTART);
-    const LRESULT end = SciSend(editor, SCI_GETSELECTIONEND);
-    if (start == end) return facts;
+    constexpr LRESULT kCounted = 1 << 20;  // bytes
+    constexpr LRESULT kAdded = 2000;       // selections whose lengths are asked for
+    SelectionFacts facts = {.selections = SciSend(editor, SCI_GETSELECTIONS), .length = SciSend(editor, SCI_GETLENGTH)};
+    if (SciSend(editor, SCI_GETSELECTIONEMPTY) != 0) return facts;
     const auto lineOf = [&](LRESULT at) { return SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(at)); };
-    facts.lines = lineOf(end) - lineOf(start) + 1;
-    // Bytes where nobody is told the number: counting the characters of a large selection takes long.
-    facts.characters =
-        facts.lines > 1 ? end - start : SciSend(editor, SCI_COUNTCHARACTERS, static_cast<WPARAM>(start), end);
+    for (LRESULT i = 0; i < std::min<LRESULT>(facts.selections, kAdded); ++i) {
+        const auto index = static_cast<WPARAM>(i);
+        const LRESULT start = SciSend(editor, SCI_GETSELECTIONNSTART, index);
+        const LRESULT end = SciSend(editor, SCI_GETSELECTIONNEND, index);
+        facts.inBytes = facts.inBytes || end - start > kCounted;
+        facts.characters +=
+            facts.inBytes ? end - start : SciSend(editor, SCI_COUNTCHARACTERS, static_cast<WPARAM>(start), end);
+        if (facts.selections == 1) facts.lines = lineOf(end) - lineOf(start) + 1;
+    }
+    if (facts.selections > kAdded) facts.characters = 0;
     return facts;
 }
 
@@ -220,7 +241,19 @@ void StatusBarSetProject(const std::wstring& name) {
     ShareStatusWidth();
 }
 
+StatusWidths StatusBarEnds() {
+    StatusWidths ends = {};
+    SendMessageW(g_commands.hStatusBar, SB_GETPARTS, kStatusPartCount, reinterpret_cast<LPARAM>(ends.data()));
+    RECT client = {};
+    GetClientRect(g_commands.hStatusBar, &client);
+    for (int& end : ends)
+        if (end < 0) end = client.right;
+    return ends;
+}
+
 void StatusBarUpdatePosition() {
+    SetStatusPart(kTabWidth, TabText(g_settings.tabWidth, g_settings.useTabs != 0));
+    SetStatusPart(kZoom, ZoomText(g_settings.fontSize, g_settings.editorZoom));
     if (!IsTabIndex(g_documents.activeTab)) {
         for (const StatusPart part : {kPosition, kSelection, kEncoding, kLineEnding}) SetStatusPart(part, L"");
         return;

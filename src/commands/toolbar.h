@@ -14,7 +14,10 @@ void ToolbarDestroyImages();  // when the window is destroyed
 void ToolbarUpdateCompiler();  // sets the compiler button's text
 void ToolbarUpdateAi();        // sets the check mark of the AI pane's button
 void ToolbarUpdateAiDo();      // shows the buttons of an AI replacement while one waits
-void ToolbarShowMore();        // shows the menu of the buttons without room, if any
+// Shows the menu of the compiler button at a point of the screen, above it.
+void ToolbarShowCompilersAt(POINT screen);
+bool ToolbarShowMenuOf(int command);  // of a button that opens one; false: it opens none
+void ToolbarShowMore();               // shows the menu of the buttons without room, if any
 void ToolbarApplyState(const CommandView& view);
 
 // Pixels between the top of the strip and the toolbar window, so that the buttons are in the middle. They are measured,

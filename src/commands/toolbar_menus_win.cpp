@@ -3,6 +3,7 @@
 
 #include "base/handles.h"
 #include "commands/command_state.h"
+#include "commands/toolbar.h"
 #include "compile/build_source.h"
 #include "resources/ids.h"
 #include "settings/compiler_presence.h"
@@ -49,17 +50,30 @@ std::wstring ToolbarCompilerText() {
     return CompilerLabel(id, CompilerSeemsInstalled(id));
 }
 
-void ToolbarShowCompilerMenu(HWND bar, const RECT& button) {
-    const std::vector<CompilerMenuRow> rows =
-        CompilerMenuRows(static_cast<int>(CompilerNow()), g_settings.profile,
-                         CommandStateOf(IDM_BUILD_ALL, CurrentCommandView()).enabled, CompilerSeemsInstalled);
+static std::vector<CompilerMenuRow> CompilerRowsNow() {
+    return CompilerMenuRows(static_cast<int>(CompilerNow()), g_settings.profile,
+                            CommandStateOf(IDM_BUILD_ALL, CurrentCommandView()).enabled, CompilerSeemsInstalled);
+}
+
+static std::vector<MenuItem> ItemsOf(const std::vector<CompilerMenuRow>& rows) {
     std::vector<MenuItem> items;
     for (const CompilerMenuRow& row : rows)
         items.push_back({.id = static_cast<UINT>(row.command),
                          .text = row.text.c_str(),
                          .enabled = row.enabled,
                          .checked = row.checked});
-    ShowMenuBelow(bar, button, items, TPM_LEFTALIGN);
+    return items;
+}
+
+void ToolbarShowCompilerMenu(HWND bar, const RECT& button) {
+    const std::vector<CompilerMenuRow> rows = CompilerRowsNow();
+    ShowMenuBelow(bar, button, ItemsOf(rows), TPM_LEFTALIGN);
+}
+
+void ToolbarShowCompilersAt(POINT screen) {
+    const std::vector<CompilerMenuRow> rows = CompilerRowsNow();
+    const UINT chosen = ShowPopupMenu(g_ui.hMainWnd, ItemsOf(rows), screen, TPM_LEFTALIGN | TPM_BOTTOMALIGN);
+    if (chosen != 0) PostMessageW(g_ui.hMainWnd, WM_COMMAND, chosen, 0);
 }
 
 void ToolbarShowHiddenMenu(HWND bar, const RECT& button, std::span<const HiddenButton> buttons) {

@@ -29,7 +29,7 @@ ToolbarShare ShareToolbar(std::span<const ButtonRow> rows, std::uint32_t conditi
     return share;
 }
 
-std::wstring CommandTipFromMenuText(std::wstring_view menuText) {
+std::wstring CommandTip(std::wstring_view menuText, std::wstring_view key) {
     const std::size_t tab = menuText.find(L'\t');
     std::wstring tip;
     for (std::size_t i = 0; i < std::min(tab, menuText.size()); ++i) {
@@ -37,9 +37,12 @@ std::wstring CommandTipFromMenuText(std::wstring_view menuText) {
         tip += menuText[i];
     }
     while (tip.ends_with(L'.')) tip.pop_back();
-    if (tab != std::wstring_view::npos) tip.append(L" (").append(menuText.substr(tab + 1)).append(L")");
+    if (tab != std::wstring_view::npos) key = menuText.substr(tab + 1);
+    if (!key.empty()) tip.append(L" (").append(key).append(L")");
     return tip;
 }
+
+std::wstring NameOfTip(const std::wstring& tip) { return tip.ends_with(L')') ? tip.substr(0, tip.rfind(L" (")) : tip; }
 
 std::wstring MenuTextOfTip(std::wstring tip) {
     const std::size_t key = tip.rfind(L" (");

@@ -20,8 +20,9 @@ struct ButtonRow {
     int command;  // 0: a gap between groups
     Icon icon = Icon::New;
     int rank = kStays;
-    bool showsState = false;                 // has a check mark
-    const wchar_t* tip = nullptr;            // for commands without a menu text; null: from the menu text
+    bool showsState = false;       // has a check mark
+    const wchar_t* tip = nullptr;  // its name, for commands without a menu text; null: from the menu text
+    int twin = 0;  // the command of the menu that does the same, whose name and keys the button has; 0: its own
     std::uint32_t shownWhen = kShownAlways;  // shown while one of these conditions holds
     std::uint32_t hiddenWhen = 0;            // and none of these holds; only with `shownWhen`
 };
@@ -45,27 +46,28 @@ inline constexpr ButtonRow kToolbarButtons[] = {
     {IDM_BUILD_RUN, Icon::Run, kRunning},
     {IDM_BUILD_STOP, Icon::Stop, kRunning},
     {IDM_BUILD_SYNTAX, Icon::SyntaxCheck, kErrors},
-    {IDM_ERROR_PREVIOUS, Icon::PreviousError, kErrors, false, L"Previous Error (Shift+F4)"},
-    {IDM_ERROR_NEXT, Icon::NextError, kErrors, false, L"Next Error (F4)"},
+    {IDM_ERROR_PREVIOUS, Icon::PreviousError, kErrors},
+    {IDM_ERROR_NEXT, Icon::NextError, kErrors},
     {0},
-    // Only the debugger's buttons for the current state are shown. The step buttons stay while the program runs,
-    // because the bar would flicker if they were hidden and shown at every step.
-    {IDM_DEBUG_BUTTON_START, Icon::DebugStart, kRunning, false, L"Build and Debug", kNoSession},
-    {IDM_DEBUG_BREAKPOINT, Icon::Breakpoint, kRunning, false, nullptr, kNoSession},
-    {IDM_DEBUG_BUTTON_STOP, Icon::DebugStop, kRunning, false, L"Stop Debugging (Shift+F5)", kSession},
-    {IDM_DEBUG_CONTINUE, Icon::Continue, kRunning, false, nullptr, kSession, kProgramRunning},
-    {IDM_DEBUG_PAUSE, Icon::Pause, kRunning, false, nullptr, kProgramRunning},
-    {IDM_DEBUG_BUTTON_STEP_OVER, Icon::StepOver, kRunning, false, L"Step Over (F10)", kSession},
-    {IDM_DEBUG_BUTTON_STEP_INTO, Icon::StepInto, kRunning, false, L"Step Into (F11)", kSession},
-    {IDM_DEBUG_BUTTON_STEP_OUT, Icon::StepOut, kRunning, false, L"Step Out (Shift+F11)", kSession},
-    {IDM_DEBUG_RUN_TO_CURSOR, Icon::RunToCursor, kRunning, false, nullptr, kSession},
+    // The debugger's buttons have their places whether a program is debugged or not. One place is shared by what goes on:
+    // start, continue and pause.
+    {IDM_DEBUG_BUTTON_START, Icon::DebugStart, kRunning, false, L"Build and Debug", 0, kNoSession},
+    {IDM_DEBUG_CONTINUE, Icon::Continue, kRunning, false, nullptr, 0, kSession, kProgramRunning},
+    {IDM_DEBUG_PAUSE, Icon::Pause, kRunning, false, nullptr, 0, kProgramRunning},
+    {IDM_DEBUG_BUTTON_STOP, Icon::DebugStop, kRunning, false, nullptr, IDM_DEBUG_STOP},
+    {IDM_DEBUG_BUTTON_STEP_OVER, Icon::StepOver, kRunning, false, nullptr, IDM_DEBUG_STEP_OVER},
+    {IDM_DEBUG_BUTTON_STEP_INTO, Icon::StepInto, kRunning, false, nullptr, IDM_DEBUG_STEP_INTO},
+    {IDM_DEBUG_BUTTON_STEP_OUT, Icon::StepOut, kRunning, false, nullptr, IDM_DEBUG_STEP_OUT},
+    {IDM_DEBUG_RUN_TO_CURSOR, Icon::RunToCursor, kRunning},
+    {IDM_DEBUG_BREAKPOINT, Icon::Breakpoint, kRunning},
     {0},
     {IDM_AI_DO, Icon::Dictate, kPanes},
-    {IDM_AI_UNDO, Icon::Undo, kRunning, false, nullptr, kAiPending},
     {IDM_VIEW_OUTPUT, Icon::Output, kPanes, true},
     {IDM_VIEW_ASM, Icon::AsmPane, kPanes, true},
     {IDM_VIEW_AI, Icon::Ai, kPanes, true},
-    {IDM_TOOLBAR_MORE, Icon::More, kStays, false, L"More Buttons (Alt+F2)"},
+    // The last one, because it comes and goes.
+    {IDM_AI_UNDO, Icon::Undo, kRunning, false, nullptr, 0, kAiPending},
+    {IDM_TOOLBAR_MORE, Icon::More, kStays, false, L"More Buttons"},
 };
 
 // The conditions that show and hide buttons. A change of another condition does not fit the buttons again.

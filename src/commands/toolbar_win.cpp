@@ -5,6 +5,7 @@
 #include "commands/commands_state.h"
 #include "commands/toolbar_fit.h"
 #include "commands/toolbar_internal.h"
+#include "commands/toolbar_keys.h"
 #include "commands/toolbar_table.h"
 #include "debugui/debug_commands.h"
 #include "resources/ids.h"
@@ -42,6 +43,8 @@ HWND g_tooltip = nullptr;                 // null until the toolbar has made it
 std::optional<CommandView> g_applied;     // the state that the buttons show; no value: not known
 std::uint32_t g_conditions = kNoSession;  // the conditions by which buttons are shown
 std::vector<HiddenButton> g_hidden;       // the buttons without room
+int g_compilerWidth = 0;                  // of the longest text that the compiler button may have, in pixels
+int g_pressed = 0;                        // the command of the button that went down last
 
 HIMAGELIST RenderImages(bool enabled) {
     const int size = UiScaled(kIconSize);
@@ -60,22 +63,37 @@ int ButtonId(const ButtonRow& row) {
     return row.command != 0 ? row.command : kFirstGap + static_cast<int>(&row - kToolbarButtons);
 }
 
+// "Build & Run (F5)".
+std::wstring ButtonTip(const ButtonRow& row) {
+    const int command = row.twin != 0 ? row.twin : row.command;
+    wchar_t text[128] = {};
+    GetMenuStringW(GetMenu(g_ui.hMainWnd), static_cast<UINT>(command), text, static_cast<int>(std::size(text)),
+                   MF_BYCOMMAND);
+    return CommandTip(row.tip != nullptr ? row.tip : text, FirstExtraKeyOf(command));
+}
+
+// What screen readers say: the name without the key. Only the compiler button shows its text.
+std::wstring ButtonName(const ButtonRow& row) {
+    return row.command == IDM_COMPILER_MENU ? ToolbarCompilerText() : NameOfTip(ButtonTip(row));
+}
+
 // All at once, because the control lays out all its buttons at each message.
 void AddButtons(HWND bar) {
     int image = 0;
-    const std::wstring compilerText = ToolbarCompilerText();
+    std::vector<std::wstring> names;  // alive until the control has copied them
+    for (const ButtonRow& row : kToolbarButtons) names.push_back(row.command != 0 ? ButtonName(row) : L"");
     std::vector<TBBUTTON> buttons;
     for (const ButtonRow& row : kToolbarButtons) {
         TBBUTTON& button = buttons.emplace_back();
         button.fsState = TBSTATE_ENABLED;
         button.idCommand = ButtonId(row);
+        if (row.command != 0) button.iString = reinterpret_cast<INT_PTR>(names[buttons.size() - 1].c_str());
         if (row.command == 0) {
             button.fsStyle = BTNS_SEP;
             button.iBitmap = kGap;
         } else if (row.command == IDM_COMPILER_MENU) {
             button.fsStyle = BTNS_SHOWTEXT | BTNS_DROPDOWN;
             button.iBitmap = I_IMAGENONE;
-            button.iString = reinterpret_cast<INT_PTR>(compilerText.c_str());
         } else {
             const bool opens = row.command == IDM_TOOLBAR_MORE;  // opens a menu when the button goes down
             button.fsStyle = opens ? BTNS_DROPDOWN : row.showsState ? BTNS_CHECK : BTNS_BUTTON;
@@ -85,15 +103,17 @@ void AddButtons(HWND bar) {
     SendMessageW(bar, TB_ADDBUTTONSW, buttons.size(), reinterpret_cast<LPARAM>(buttons.data()));
 }
 
-int CompilerTextWidth() {
-    const std::wstring text = ToolbarCompilerText();
-    return UiTextWidth(text.c_str(), static_cast<int>(text.size()));
+// As wide as the longest text that can come, so that no button moves when another compiler is chosen.
+void MeasureCompilerButton() {
+    std::vector<std::wstring> texts;
+    for (std::uint32_t id = 0; id < kCompilerCount; ++id) texts.push_back(CompilerLabel(id, false));
+    g_compilerWidth = std::ranges::max(UiTextWidths(texts));
 }
 
 int ButtonWidth(const ButtonRow& row) {
     switch (row.command) {
         case 0: return UiScaled(kGap);
-        case IDM_COMPILER_MENU: return CompilerTextWidth() + UiScaled(kTextInset + kArrowWidth);
+        case IDM_COMPILER_MENU: return g_compilerWidth + UiScaled(kTextInset + kArrowWidth);
         case IDM_TOOLBAR_MORE: return UiScaled(kMoreSize);
         default: return UiScaled(kButtonSize);
     }
@@ -120,14 +140,6 @@ void ShowButton(const ButtonRow& row, bool shown) {
     if (shown != now) SendMessageW(g_commands.hToolbar, TB_HIDEBUTTON, id, MAKELPARAM(shown ? FALSE : TRUE, 0));
 }
 
-std::wstring ButtonTip(const ButtonRow& row) {
-    if (row.tip != nullptr) return row.tip;
-    wchar_t text[128] = {};
-    GetMenuStringW(GetMenu(g_ui.hMainWnd), static_cast<UINT>(row.command), text, static_cast<int>(std::size(text)),
-                   MF_BYCOMMAND);
-    return CommandTipFromMenuText(text);
-}
-
 // Shows the wanted buttons for which there is room, and keeps the others in g_hidden.
 void FitButtons() {
     RECT client = {};
@@ -138,15 +150,6 @@ void FitButtons() {
     for (std::size_t i = 0; i < share.shown.size(); ++i) ShowButton(kToolbarButtons[i], share.shown[i]);
     ShowButton(std::end(kToolbarButtons)[-1], share.more);
     g_hidden = std::move(share.hidden);
-}
-
-void ShowMenuOf(int command) {
-    RECT button = {};
-    SendMessageW(g_commands.hToolbar, TB_GETRECT, static_cast<WPARAM>(command), reinterpret_cast<LPARAM>(&button));
-    if (command == IDM_COMPILER_MENU) ToolbarShowCompilerMenu(g_commands.hToolbar, button);
-    // A copy, because g_hidden may change while the menu is open.
-    const std::vector<HiddenButton> hidden = g_hidden;
-    if (command == IDM_TOOLBAR_MORE && !hidden.empty()) ToolbarShowHiddenMenu(g_commands.hToolbar, button, hidden);
 }
 
 // Draws the text and the arrow of the compiler button, because the control draws the arrow black on any background.
@@ -184,14 +187,19 @@ LRESULT DrawBar(const NMTBCUSTOMDRAW& draw) {
     }
 }
 
-// True for a double-click on Stop. It was meant for Start: the first click started debugging, and Stop took Start's
-// place.
-bool IsSecondClickOnStop(HWND bar, LPARAM lParam) {
+// The command of the button at the point; 0: there is none.
+int CommandAt(HWND bar, LPARAM lParam) {
     POINT at = {static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
-    RECT stop = {};
-    return SendMessageW(bar, TB_GETRECT, IDM_DEBUG_BUTTON_STOP, reinterpret_cast<LPARAM>(&stop)) != 0 &&
-           PtInRect(&stop, at) != FALSE;
+    const LRESULT index = SendMessageW(bar, TB_HITTEST, 0, reinterpret_cast<LPARAM>(&at));
+    TBBUTTON button = {};
+    if (index < 0 ||
+        SendMessageW(bar, TB_GETBUTTON, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&button)) == 0)
+        return 0;
+    return button.idCommand;
 }
+
+// True for the second click of two when the first one has put another button in this place: it was meant for the first.
+bool IsClickOnNewButton(HWND bar, LPARAM lParam) { return CommandAt(bar, lParam) != g_pressed; }
 
 // Fills the background, because the control has no setting for its colour.
 LRESULT EraseBar(HWND bar, HDC dc) {
@@ -208,11 +216,14 @@ LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
     switch (message) {
         case WM_ERASEBKGND: return EraseBar(window, reinterpret_cast<HDC>(wParam));
         case WM_LBUTTONDBLCLK:
-            if (IsSecondClickOnStop(window, lParam)) return 0;
+            if (IsClickOnNewButton(window, lParam)) return 0;
             break;
+        case WM_LBUTTONDOWN: g_pressed = CommandAt(window, lParam); break;
         case WM_LBUTTONUP: g_applied.reset(); break;  // because a click changes a check button's state
         case WM_SIZE: FitButtons(); break;
-        default: break;
+        default:
+            if (ToolbarKeysTake(window, message, wParam)) return 0;
+            break;
     }
     return SubclassNext(window, message, wParam, lParam);
 }
@@ -246,6 +257,7 @@ void ToolbarApplyTheme() {
     SendMessageW(g_commands.hToolbar, TB_SETBUTTONWIDTH, 0, MAKELPARAM(UiScaled(kButtonSize), UiScaled(kButtonSize)));
     SendMessageW(g_commands.hToolbar, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
     TooltipApplyTheme(g_tooltip);
+    MeasureCompilerButton();
     ToolbarUpdateCompiler();
     SizeButtons();
     FitButtons();
@@ -273,13 +285,25 @@ void ToolbarUpdateCompiler() {
     if (text == shown) return;
     info.pszText = const_cast<wchar_t*>(text.c_str());
     SendMessageW(g_commands.hToolbar, TB_SETBUTTONINFOW, IDM_COMPILER_MENU, reinterpret_cast<LPARAM>(&info));
-    SizeButtons();
-    FitButtons();
+    SizeButtons();  // the control has given the button the width of its text
     InvalidateRect(g_commands.hToolbar, nullptr, TRUE);
 }
 
+bool ToolbarShowMenuOf(int command) {
+    if (command != IDM_COMPILER_MENU && command != IDM_TOOLBAR_MORE) return false;
+    // A menu runs a message loop, and while a program is started for debugging only Stop may run.
+    if (DebugIsWaiting()) return true;
+    RECT button = {};
+    SendMessageW(g_commands.hToolbar, TB_GETRECT, static_cast<WPARAM>(command), reinterpret_cast<LPARAM>(&button));
+    if (command == IDM_COMPILER_MENU) ToolbarShowCompilerMenu(g_commands.hToolbar, button);
+    // A copy, because g_hidden may change while the menu is open.
+    const std::vector<HiddenButton> hidden = g_hidden;
+    if (command == IDM_TOOLBAR_MORE && !hidden.empty()) ToolbarShowHiddenMenu(g_commands.hToolbar, button, hidden);
+    return true;
+}
+
 void ToolbarShowMore() {
-    if (!g_hidden.empty() && IsWindowVisible(g_commands.hToolbar) != FALSE) ShowMenuOf(IDM_TOOLBAR_MORE);
+    if (!g_hidden.empty() && IsWindowVisible(g_commands.hToolbar) != FALSE) ToolbarShowMenuOf(IDM_TOOLBAR_MORE);
 }
 
 void ToolbarUpdateAi() {
@@ -339,8 +363,7 @@ bool ToolbarHandleNotify(const NMHDR& header, LRESULT* result) {
         return true;
     }
     if (header.code == TBN_DROPDOWN) {
-        // A menu runs a message loop, and while a program is started for debugging only Stop may run.
-        if (!DebugIsWaiting()) ShowMenuOf(reinterpret_cast<const NMTOOLBARW&>(header).iItem);
+        ToolbarShowMenuOf(reinterpret_cast<const NMTOOLBARW&>(header).iItem);
         *result = TBDDRET_DEFAULT;
         return true;
     }

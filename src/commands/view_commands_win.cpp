@@ -1,6 +1,7 @@
 // The commands of the View menu: panes, bars, zoom, theme, style and font. UI thread.
 #include "commands/view_commands.h"
 
+#include "commands/commands_state.h"
 #include "commands/toolbar.h"
 #include "documents/document_row.h"
 #include "editor/caret_place.h"
@@ -68,15 +69,21 @@ void TogglePane(int command) {
     PaneShow(pane.id, !seen);
 }
 
-// Gives the keyboard to the next pane that is shown, or to the one before; the editor is one of them.
+// Gives the keyboard to the next pane that is shown, or to the one before; the editor and the two bars are among them.
 void FocusPaneBeside(int command) {
     std::vector<HWND> stops = {g_documents.hEditor};
     std::size_t at = 0;
-    const PaneSpec* current = PaneOfWindow(GetFocus());
+    const HWND focus = GetFocus();
+    const PaneSpec* current = PaneOfWindow(focus);
     for (const PaneSpec& pane : Panes()) {
         if (!IsWindowVisible(*pane.window)) continue;
         if (&pane == current) at = stops.size();
         stops.push_back(*pane.window);
+    }
+    for (const HWND bar : {g_commands.hStatusBar, g_commands.hToolbar}) {
+        if (!IsWindowVisible(bar)) continue;
+        if (bar == focus) at = stops.size();
+        stops.push_back(bar);
     }
     const std::size_t step = command == IDM_NEXT_PANE ? 1 : stops.size() - 1;
     const HWND next = stops[(at + step) % stops.size()];

@@ -16,6 +16,7 @@
 #include "output/output_credits.h"
 #include "output/output_feed.h"
 #include "resources/ids.h"
+#include "ui/progress.h"
 #include "ui/rich_lines.h"
 #include "ui/ui_state.h"
 
@@ -73,7 +74,7 @@ void StopReading() {
 
 void ShowBuildProgress() {
     const bool runs = g_stage.stage != BuildStage::Idle;
-    g_events.statusProgress(runs ? StageProgressText(GetTickCount64() - g_stage.started).c_str() : L"");
+    ProgressShow(ProgressOf::Build, runs ? StageProgressText(GetTickCount64() - g_stage.started) : L"");
 }
 
 // Reports the end of the stage when all its output is shown.

@@ -311,7 +311,7 @@ void PaneFocusView() {
 bool PaneHandleFocusKey(HWND from, WPARAM key) {
     const bool control = GetKeyState(VK_CONTROL) < 0;
     if (key == VK_ESCAPE) {
-        FocusCurrentEditor();
+        FocusEditorFromPane();
     } else if (control && (key == VK_NEXT || key == VK_PRIOR)) {
         const int step = key == VK_NEXT ? 1 : kDebugTabCount - 1;
         SelectView(static_cast<DebugTab>((static_cast<int>(g_frame.selected) + step) % kDebugTabCount));

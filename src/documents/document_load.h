@@ -22,8 +22,8 @@ struct LoadedFile {
     FileState onDisk;
 };
 
-// Reads the file. `label` is its name for the progress.
-LoadEnd DocumentRead(const wchar_t* path, const wchar_t* label, LoadedFile* file);
+// Reads the file as `code`. `label` is its name for the progress.
+LoadEnd DocumentRead(const wchar_t* path, const wchar_t* label, LoadedFile* file, SourceCode code = SourceCode::Guess);
 // Sets what the record says about the file.
 void DocumentNoteRead(DocumentTab& tab, const LoadedFile& file);
 // Replaces the text of `tab.editor` by what was read, and sets what the record says about the file. False when the

@@ -21,6 +21,7 @@ namespace {
 // What the worker and the window share. The last one to let go frees what is left.
 struct LoadJob {
     std::wstring path;
+    SourceCode code = SourceCode::Guess;
     std::shared_ptr<FileProgress> progress = std::make_shared<FileProgress>();
     LoadedFile file;
     LoadEnd end = LoadEnd::Unreadable;
@@ -33,9 +34,9 @@ std::int64_t SizeOf(const wchar_t* path) {
     return static_cast<std::int64_t>((static_cast<std::uint64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow);
 }
 
-LoadEnd ReadSmall(const wchar_t* path, LoadedFile* file) {
-    file->bytes.reset(
-        ReadSourceFileForEditor(path, &file->length, &file->encoding, &file->lineEnding, &file->form, &file->onDisk));
+LoadEnd ReadSmall(const wchar_t* path, LoadedFile* file, SourceCode code) {
+    file->bytes.reset(ReadSourceFileForEditor(path, &file->length, &file->encoding, &file->lineEnding, &file->form,
+                                              &file->onDisk, code));
     if (!file->bytes) return LoadEnd::Unreadable;
     LongestLine longest;
     longest.Look({file->bytes.get(), file->length});
@@ -88,10 +89,11 @@ LoadEnd ReadAs(LoadJob& job, PieceCode code, PiecesResult* result) {
 }
 
 LoadEnd ReadLarge(LoadJob& job) {
-    PieceCode code = PieceCode::Guess;
+    PieceCode code = PieceCodeOf(job.code);
     PiecesResult result;
     LoadEnd end = ReadAs(job, code, &result);
-    while (end == LoadEnd::Unreadable && result.end == PiecesEnd::OtherCode && code != PieceCode::Ansi) {
+    while (job.code == SourceCode::Guess && end == LoadEnd::Unreadable && result.end == PiecesEnd::OtherCode &&
+           code != PieceCode::Ansi) {
         code = NextPieceCode(result);
         end = ReadAs(job, code, &result);
     }
@@ -108,21 +110,22 @@ void ReadOnWorker(LoadJob& job) {
     const std::int64_t size = SizeOf(job.path.c_str());
     switch (LoadWayOf(size, false)) {
         case LoadWay::Refused: job.end = LoadEnd::TooLarge; break;
-        case LoadWay::Direct: job.end = ReadSmall(job.path.c_str(), &job.file); break;
+        case LoadWay::Direct: job.end = ReadSmall(job.path.c_str(), &job.file, job.code); break;
         case LoadWay::Worker: job.end = ReadLarge(job); break;
     }
 }
 
 }  // namespace
 
-LoadEnd DocumentRead(const wchar_t* path, const wchar_t* label, LoadedFile* file) {
+LoadEnd DocumentRead(const wchar_t* path, const wchar_t* label, LoadedFile* file, SourceCode code) {
     const bool remote = PathIsRemote(path);
     const LoadWay way = LoadWayOf(remote ? -1 : SizeOf(path), remote);
     if (way == LoadWay::Refused) return LoadEnd::TooLarge;
-    if (way == LoadWay::Direct) return ReadSmall(path, file);
+    if (way == LoadWay::Direct) return ReadSmall(path, file, code);
     if (!DocumentLoaderPrepare()) return LoadEnd::NoMemory;
     const auto job = std::make_shared<LoadJob>();
     job->path = path;
+    job->code = code;
     const bool ended = FileWorkRun(
         {.verb = L"Opening", .label = label, .progress = job->progress, .work = [job] { ReadOnWorker(*job); }});
     if (!ended || job->progress->cancel) return LoadEnd::Cancelled;

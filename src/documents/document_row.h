@@ -66,6 +66,8 @@ void TellDocumentForm(int index);
 // --- Focus
 // Moves the keyboard focus to the active editor when that is visible.
 void FocusCurrentEditor();
+// The same when the user leaves a pane: what is selected in the editor comes into view, because the next key replaces it.
+void FocusEditorFromPane();
 // The same after the messages that are waiting, repeated by TIMER_FOCUS for up to 2 s until the editor has the focus.
 void QueueFocusCurrentEditor();
 void FocusOnTimer();  // TIMER_FOCUS

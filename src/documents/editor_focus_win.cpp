@@ -1,7 +1,9 @@
 // Moves the keyboard focus to the active editor. UI thread.
 #include "documents/document_row.h"
 
+#include "editor/caret_place.h"
 #include "resources/ids.h"
+#include "scintilla/sci.h"
 #include "ui/ui_state.h"
 
 namespace {
@@ -16,6 +18,16 @@ int g_focusTicks = 0;
 void FocusCurrentEditor() {
     const HWND editor = g_documents.hEditor;
     if (editor != nullptr && IsWindowVisible(editor) && GetFocus() != editor) SetFocus(editor);
+}
+
+void FocusEditorFromPane() {
+    FocusCurrentEditor();
+    const HWND editor = g_documents.hEditor;
+    if (editor == nullptr || GetFocus() != editor || SciSend(editor, SCI_GETSELECTIONEMPTY) != 0) return;
+    const LRESULT anchor = SciSend(editor, SCI_GETANCHOR), caret = SciSend(editor, SCI_GETCURRENTPOS);
+    for (const LRESULT end : {anchor, caret})
+        CaretUncoverLine(editor, SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(end)));
+    SciSend(editor, SCI_SCROLLRANGE, static_cast<WPARAM>(anchor), caret);
 }
 
 void QueueFocusCurrentEditor() {

@@ -1,10 +1,7 @@
-// The formatter and the toggling of comments at work in an editor. UI thread only.
+// The formatter at work in an editor. UI thread only.
 #pragma once
 
 #include <windows.h>
 
 // Formats the document, or the lines of its selection, as one step of undo. Nothing without an editor.
 void EditorFormat(HWND editor, bool selectionOnly);
-
-// Makes the lines of the selection comments, or comments lines again, as one step of undo.
-void EditorToggleComment(HWND editor);

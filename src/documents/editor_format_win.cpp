@@ -4,12 +4,10 @@
 #include "base/events.h"
 #include "documents/document_row.h"
 #include "documents/documents_state.h"
-#include "editor/comment_toggle.h"
 #include "editor/editor_pane.h"
 #include "editor/pane_state.h"
 #include "language/format.h"
 #include "language/format_range.h"
-#include "language/lexer_table.h"
 #include "settings/settings_state.h"
 #include "ui/long_work.h"
 
@@ -107,23 +105,4 @@ void EditorFormat(HWND editor, bool selectionOnly) {
     if (work.Shown()) TellFormatted(editor, work.Stopped());
     PaneSend(editor, SCI_SETSEL, PositionOf(editor, anchor), PositionOf(editor, caret));
     PaneSend(editor, SCI_SETFIRSTVISIBLELINE, topLine);
-}
-
-void EditorToggleComment(HWND editor) {
-    if (editor == nullptr) return;
-    const DocumentTab* tab = nullptr;
-    for (const DocumentTab& each : g_documents.tabs)
-        if (each.editor == editor) tab = &each;
-    const std::string_view mark = LineCommentMark(LexerFromExtension(tab != nullptr ? tab->path : L""));
-    if (mark.empty()) return;
-    const LineRange lines = LinesToFormat(editor, true);
-    const LRESULT start = StartOfLine(editor, lines.first);
-    const std::string text = EditorPaneTextBetween(editor, start, StartOfLine(editor, lines.last + 1));
-    const std::string toggled = ToggleLineComments(text, mark);
-    LongWork work(L"Commenting", [](const wchar_t* progress) { g_events.statusText(progress); });
-    // Only the front of a line changes, so the caret keeps its distance from the end.
-    const LRESULT fromEnd = PaneSend(editor, SCI_GETLENGTH) - PaneSend(editor, SCI_GETCURRENTPOS);
-    const bool oneLine = lines.first == lines.last && PaneSend(editor, SCI_GETSELECTIONEMPTY) != 0;
-    ReplaceLines(editor, start, LineReplacements(text, toggled), work);
-    if (oneLine) PaneSend(editor, SCI_SETEMPTYSELECTION, std::max(start, PaneSend(editor, SCI_GETLENGTH) - fromEnd));
 }

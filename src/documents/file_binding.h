@@ -12,8 +12,11 @@ struct FileBinding {
     bool hasFile = false;  // `path` is a file on disk
     DiskForm form;
     bool formConfirmed = false;  // the user has said that the file stays UTF-16
+    bool chosen = false;         // the user has chosen encoding or line ending, so they go with the text to a new name
+    SourceCode readAs = SourceCode::Guess;  // as the user wants its bytes to be read
 };
 
-// The binding for a save under a new name: always ANSI with CRLF, whatever the document had before. What the text is
+// The binding for a save under a new name: always ANSI with CRLF, whatever the document had before, unless the user has
+// chosen another encoding or line ending for it. What the text is
 // on the disk beside that (UTF-16, NUL bytes) stays as `before` has it. Defined in save_rules.cpp.
 FileBinding BindingForNewName(const wchar_t* path, const FileBinding& before);

@@ -48,6 +48,9 @@ void FillGotoDialog(HWND dialog, GotoTarget& target) {
     SetGotoNumber(dialog, IDC_GOTO_LINE_COUNT, SciSend(g_documents.hEditor, SCI_GETLINECOUNT));
     target.shownColumn = SciSend(g_documents.hEditor, SCI_GETCOLUMN, static_cast<WPARAM>(caret));
     SetGotoNumber(dialog, IDC_GOTO_COLUMN, target.shownColumn);
+    // The status bar counts from 1.
+    SetDlgItemTextW(dialog, IDC_GOTO_SHOWN,
+                    FormatW(L"from 0 (shown as Col %ld)", static_cast<long>(target.shownColumn + 1)).c_str());
     wchar_t procedure[kProcedureCapacity];
     EditorPaneProcedureLine(g_documents.hEditor, procedure, kProcedureCapacity);
     SetDlgItemTextW(dialog, IDC_GOTO_PROCEDURE, procedure);

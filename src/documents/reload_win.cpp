@@ -154,7 +154,7 @@ int ReloadFromDisk(DocumentId id, ReloadFailure failure) {
     if (tab < 0 || !TabAt(tab).hasFile || TabAt(tab).editor == nullptr) return 0;
     const std::wstring path{TabAt(tab).path};
     LoadedFile file;
-    LoadEnd end = DocumentRead(path.c_str(), std::wstring{TabAt(tab).label}.c_str(), &file);
+    LoadEnd end = DocumentRead(path.c_str(), std::wstring{TabAt(tab).label}.c_str(), &file, TabAt(tab).readAs);
     tab = TabBarFindDocument(id);
     if (tab < 0) return 0;
     if (end == LoadEnd::Cancelled) {

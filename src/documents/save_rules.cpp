@@ -20,8 +20,9 @@ FileBinding BindingForNewName(const wchar_t* path, const FileBinding& before) {
     binding.formConfirmed = before.formConfirmed;
     SafeCopyW(binding.path, path);
     PathGetFile(path, binding.label, kLabelCapacity);
-    binding.encoding = TextEncoding::Ansi;
-    binding.lineEnding = LineEnding::CrLf;
+    binding.chosen = before.chosen;
+    binding.encoding = before.chosen ? before.encoding : TextEncoding::Ansi;
+    binding.lineEnding = before.chosen ? before.lineEnding : LineEnding::CrLf;
     binding.hasFile = true;
     return binding;
 }

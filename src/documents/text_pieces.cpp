@@ -12,9 +12,9 @@ namespace {
 constexpr std::size_t kLookedAt = 64 << 10;  // bytes that tell UTF-16
 constexpr std::size_t kMostKept = 3;         // bytes of an unfinished character
 
-// Takes the bytes for UTF-16 or UTF-8 by the first piece, and removes a byte-order mark of UTF-16.
-void Guess(std::string_view& first, PiecesResult& result) {
-    const Utf16Kind kind = Utf16KindOf(first.substr(0, kLookedAt));
+// Takes the bytes for UTF-16 or UTF-8, by the first piece or as the code says, and removes a byte-order mark of UTF-16.
+void Guess(std::string_view& first, PiecesResult& result, SourceCode code) {
+    const Utf16Kind kind = Utf16KindAs(first.substr(0, kLookedAt), code);
     result.form.utf16 = kind.order;
     result.form.mark = kind.mark;
     if (kind.mark) first.remove_prefix(2);
@@ -26,11 +26,11 @@ std::size_t WholePart(const TextSource& source, const PiecesResult& result, std:
 }
 
 // `*utf8` gets the piece as UTF-8: the bytes themselves or `buffer`. False when the bytes are not of that encoding.
-bool Decode(const TextSource& source, PiecesResult& result, std::string_view bytes, std::string& buffer,
+bool Decode(const TextSource& source, PieceCode code, PiecesResult& result, std::string_view bytes, std::string& buffer,
             std::string_view* utf8) {
     *utf8 = bytes;
     if (result.form.utf16 == Utf16Order::None && result.encoding == TextEncoding::Utf8)
-        return IsValidUtf8Bytes(bytes.data(), bytes.size());
+        return code == PieceCode::AnyUtf8 || IsValidUtf8Bytes(bytes.data(), bytes.size());
     buffer.clear();
     bool exact = true;
     const bool decoded = result.form.utf16 != Utf16Order::None ? AppendUtf16AsUtf8(bytes, result.form.utf16, buffer)
@@ -101,10 +101,12 @@ PiecesResult MoveTextPieces(const TextSource& source, PieceCode code, const Piec
         if (!read) return endWith(PiecesEnd::Failed);
         atEnd = *read == 0;
         std::string_view bytes{piece.get(), kept + *read};
-        if (first && code == PieceCode::Guess) Guess(bytes, result);
+        if (first && code == PieceCode::Guess) Guess(bytes, result, SourceCode::Guess);
+        if (first && code == PieceCode::Utf16Little) Guess(bytes, result, SourceCode::Utf16Little);
+        if (first && code == PieceCode::Utf16Big) Guess(bytes, result, SourceCode::Utf16Big);
         const std::string_view whole = atEnd ? bytes : bytes.substr(0, WholePart(source, result, bytes));
         std::string_view utf8;
-        if (!Decode(source, result, whole, buffer, &utf8)) return endWith(PiecesEnd::OtherCode);
+        if (!Decode(source, code, result, whole, buffer, &utf8)) return endWith(PiecesEnd::OtherCode);
         lineBreak.Look(utf8);
         longest.Look(utf8);
         result.form.keepBreaks = result.form.keepBreaks || utf8.find('\0') != std::string_view::npos;
@@ -116,6 +118,17 @@ PiecesResult MoveTextPieces(const TextSource& source, PieceCode code, const Piec
         std::copy_n(bytes.data() + whole.size(), kept, piece.get());
     }
     return endWith(PiecesEnd::Done);
+}
+
+PieceCode PieceCodeOf(SourceCode code) {
+    switch (code) {
+        case SourceCode::Utf8: return PieceCode::AnyUtf8;
+        case SourceCode::Ansi: return PieceCode::Ansi;
+        case SourceCode::Utf16Little: return PieceCode::Utf16Little;
+        case SourceCode::Utf16Big: return PieceCode::Utf16Big;
+        case SourceCode::Guess: break;
+    }
+    return PieceCode::Guess;
 }
 
 PieceCode NextPieceCode(const PiecesResult& result) {

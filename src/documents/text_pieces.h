@@ -23,8 +23,10 @@ struct TextSource {
     std::function<bool(std::string_view bytes, std::string* utf8, bool* exact)> decodeAnsi;
 };
 
-// What the bytes are taken for. Guess: UTF-16 when the first piece reads like it, otherwise UTF-8.
-enum class PieceCode : std::uint8_t { Guess, Utf8, Ansi };
+// What the bytes are taken for. Guess: UTF-16 when the first piece reads like it, otherwise UTF-8. AnyUtf8: UTF-8, and
+// what is not well formed stays as it is.
+enum class PieceCode : std::uint8_t { Guess, Utf8, Ansi, AnyUtf8, Utf16Little, Utf16Big };
+PieceCode PieceCodeOf(SourceCode code);
 
 // The most that is moved, in bytes of UTF-8.
 struct PiecesLimits {

@@ -2,20 +2,12 @@
 #include "editor/comment_toggle.h"
 
 #include "base/scan_text.h"
+#include "base/whole_lines.h"
 
 #include <algorithm>
 #include <limits>
 
 namespace {
-
-// Takes a line with its break off the text.
-std::string_view TakeLine(std::string_view* text) {
-    std::size_t end = std::min(text->find_first_of("\r\n"), text->size());
-    if (end < text->size()) end += text->substr(end).starts_with("\r\n") ? 2 : 1;
-    const std::string_view line = text->substr(0, end);
-    text->remove_prefix(end);
-    return line;
-}
 
 std::size_t IndentOf(std::string_view line) { return line.size() - WithoutLeadingBlanks(line).size(); }
 
@@ -29,7 +21,7 @@ struct CommentLook {
 CommentLook LookAt(std::string_view lines, std::string_view mark) {
     CommentLook look;
     while (!lines.empty()) {
-        const std::string_view line = TakeLine(&lines);
+        const std::string_view line = TakeWholeLine(lines).whole();
         if (IsBlankLine(line)) continue;
         look.indent = std::min(look.indent, IndentOf(line));
         look.allComments = look.allComments && line.substr(IndentOf(line)).starts_with(mark);
@@ -53,12 +45,12 @@ std::string ToggleLineComments(std::string_view lines, std::string_view mark) {
     const CommentLook look = LookAt(lines, mark);
     std::string out;
     std::string_view below = lines;
-    if (IsBlankLine(TakeLine(&below)) && below.empty()) {  // one line: a comment is about to be written
+    if (IsBlankLine(TakeWholeLine(below).whole()) && below.empty()) {  // one line: a comment is about to be written
         const std::size_t at = std::min(lines.find_first_of("\r\n"), lines.size());
         return out.append(lines.substr(0, at)).append(mark).append(" ").append(lines.substr(at));
     }
     while (!lines.empty()) {
-        const std::string_view line = TakeLine(&lines);
+        const std::string_view line = TakeWholeLine(lines).whole();
         if (IsBlankLine(line)) {
             out.append(line);
             continue;

@@ -190,6 +190,24 @@ bool EditorColourUpTo(HWND editor, LRESULT position) {
     return true;
 }
 
+bool EditorColourAll(HWND editor, const std::function<bool(double)>& goesOn) {
+    constexpr LRESULT kPiece = 128 << 10;  // bytes between two questions
+    PaneState* state = PaneStateOf(editor);
+    if (state == nullptr || !HasLexer(editor)) return true;
+    const LRESULT length = SciSend(editor, SCI_GETLENGTH);
+    NoticeReset(editor, *state, length);
+    while (state->colours.coloured < length) {
+        const LRESULT from = state->colours.coloured;
+        const LRESULT to = std::min(length, LineStartAfter(editor, from + kPiece, 1));
+        SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(from), to);
+        ClaimColoured(editor);
+        NotePass(editor, *state, to);
+        if (state->colours.coloured <= from) return true;  // no lexer after all
+        if (!goesOn(static_cast<double>(to) / static_cast<double>(length))) return false;
+    }
+    return true;
+}
+
 void EditorColourAfterPaint(HWND editor) {
     PaneState* state = PaneStateOf(editor);
     if (state == nullptr) return;

@@ -92,8 +92,9 @@ void TakeFocus(HWND pane) {
     EditorPaneEnsureCaretVisible(pane);
 }
 
-// Ctrl with a letter that is no command would otherwise insert a control character.
+// Ctrl with a letter that is no command would otherwise insert a control character, and with the space bar a blank.
 bool IsUnwantedCharacter(WPARAM character) {
+    if (character == L' ') return GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0;
     return (character < 0x20 && character != L'\r' && character != L'\n' && character != L'\t') || character == 0x7F;
 }
 

@@ -15,6 +15,8 @@ constexpr int kEdgeColumn = 80;
 constexpr std::intptr_t kEdgeColour = 0x808080;
 constexpr int kVirtualSpace = 7;  // rectangular selection, user accessible, no wrap at the line start
 
+constexpr std::intptr_t KeyOf(int key, int modifiers) { return key | modifiers << 16; }
+
 void Append(PaneSettings& out, const PaneSettings& more) { out.insert(out.end(), more.begin(), more.end()); }
 
 }  // namespace
@@ -38,6 +40,19 @@ const EditorMessages& PaneSetUpMessages() {
         {SCI_SETTABINDENTS, 1},
         {SCI_USEPOPUP, SC_POPUP_NEVER},  // the main window has a menu for it
         {SCI_SETMOUSEDWELLTIME, kDwellTime},
+        // Keys of commands of the program, for which Scintilla has another use.
+        {SCI_CLEARCMDKEY, KeyOf('/', SCMOD_CTRL)},
+        {SCI_CLEARCMDKEY, KeyOf('[', SCMOD_CTRL | SCMOD_SHIFT)},
+        {SCI_CLEARCMDKEY, KeyOf(']', SCMOD_CTRL | SCMOD_SHIFT)},
+        {SCI_CLEARCMDKEY, KeyOf(SCK_ADD, SCMOD_CTRL)},
+        {SCI_CLEARCMDKEY, KeyOf(SCK_SUBTRACT, SCMOD_CTRL)},
+        {SCI_CLEARCMDKEY, KeyOf(SCK_DIVIDE, SCMOD_CTRL)},
+        {SCI_CLEARCMDKEY, KeyOf('L', SCMOD_CTRL | SCMOD_SHIFT)},
+        {SCI_CLEARCMDKEY, KeyOf('T', SCMOD_CTRL)},
+        {SCI_CLEARCMDKEY, KeyOf('T', SCMOD_CTRL | SCMOD_SHIFT)},
+        {SCI_CLEARCMDKEY, KeyOf('D', SCMOD_CTRL)},
+        {SCI_CLEARCMDKEY, KeyOf('U', SCMOD_CTRL)},
+        {SCI_CLEARCMDKEY, KeyOf('U', SCMOD_CTRL | SCMOD_SHIFT)},
     };
     return kMessages;
 }

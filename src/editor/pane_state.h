@@ -14,6 +14,7 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -68,6 +69,9 @@ bool EditorColourBeforePaint(HWND editor);
 void EditorColourAfterPaint(HWND editor);
 // Colours what is missing before `position` when that is little. False when it is too much.
 bool EditorColourUpTo(HWND editor, LRESULT position);
+// Colours all that is missing, for a command that needs the levels of every line. `goesOn` is asked with the share that is
+// done (0 to 1). False when it stopped it. True also for a text without colours.
+bool EditorColourAll(HWND editor, const std::function<bool(double)>& goesOn);
 // Stops idle colouring, before the window is destroyed.
 void EditorColourStop(HWND editor);
 

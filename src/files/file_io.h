@@ -27,11 +27,12 @@ bool ReadSharedFile(const std::wstring& path, std::size_t most, std::string* byt
 // GiB or more.
 bool WriteFileUtf8(const wchar_t* path, const char* bytes, std::size_t length);
 
-// Reads a source file of either encoding as UTF-8, with a NUL at the end that `length` does not count. Returns a new
+// Reads a source file of any of the encodings as UTF-8, with a NUL at the end that `length` does not count. Returns a new
 // block that the caller frees with free(), or null when it cannot be read. Every out parameter may be null. `state`: the file as
 // it was read.
 char* ReadSourceFileForEditor(const wchar_t* path, std::size_t* length, TextEncoding* encoding, LineEnding* lineEnding,
-                              DiskForm* form = nullptr, FileState* state = nullptr);
+                              DiskForm* form = nullptr, FileState* state = nullptr,
+                              SourceCode code = SourceCode::Guess);
 // Appends the bytes of a code page to `utf8`. False when they cannot be converted, or when memory runs out. `*exact`
 // becomes false when the text does not give the same bytes back; otherwise it stays as it is.
 bool DecodeCodePage(unsigned codePage, std::string_view bytes, std::string* utf8, bool* exact);

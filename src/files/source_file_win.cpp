@@ -200,7 +200,7 @@ ByteBlock Encode(const char* utf8, std::size_t length, TextEncoding encoding, Li
 }  // namespace
 
 char* ReadSourceFileForEditor(const wchar_t* path, std::size_t* length, TextEncoding* encoding, LineEnding* lineEnding,
-                              DiskForm* form, FileState* state) {
+                              DiskForm* form, FileState* state, SourceCode code) {
     std::size_t rawLength = 0;
     HeapBlock<char> raw{ReadWholeFile(path, &rawLength, state)};
     if (!raw) return nullptr;
@@ -210,7 +210,7 @@ char* ReadSourceFileForEditor(const wchar_t* path, std::size_t* length, TextEnco
         [](std::string_view bytes, std::string* utf8, bool* exact) {
             return DecodeCodePage(CP_ACP, bytes, utf8, exact);
         },
-        &text);
+        &text, code);
     if (lineEnding != nullptr) *lineEnding = text.lineEnding;
     if (!decoded) return nullptr;
     ByteBlock block = text.asItIs ? ByteBlock{std::move(raw), rawLength} : BlockOf(text.utf8);

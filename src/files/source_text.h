@@ -17,5 +17,7 @@ struct SourceText {
 
 // Decodes a file. `ansi` appends the bytes of the system's code page as UTF-8; it clears `*exact` when the text does not
 // give them back, and returns false when they cannot be converted. Returns false then, with `lineEnding` set all the same.
+// Bytes that are taken for UTF-8 because `code` says so stay as they are, whatever they are.
 using AnsiDecoder = std::function<bool(std::string_view bytes, std::string* utf8, bool* exact)>;
-bool DecodeSource(std::string_view bytes, const AnsiDecoder& ansi, SourceText* text);
+bool DecodeSource(std::string_view bytes, const AnsiDecoder& ansi, SourceText* text,
+                  SourceCode code = SourceCode::Guess);

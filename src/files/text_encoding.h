@@ -18,6 +18,9 @@ struct DiskForm {
     bool keepBreaks = false;              // holds NUL bytes, so its line breaks are data and stay as they are
 };
 
+// As what the bytes of a file are read. Guess: as they look; the others whatever they look like.
+enum class SourceCode : std::uint8_t { Guess, Utf8, Ansi, Utf16Little, Utf16Big };
+
 // The name that the user sees.
 const wchar_t* EncodingName(TextEncoding encoding, const DiskForm& form);
 

@@ -80,6 +80,14 @@ Utf16Kind Utf16KindOf(std::string_view head) {
     return {};
 }
 
+Utf16Kind Utf16KindAs(std::string_view head, SourceCode code) {
+    if (code == SourceCode::Guess) return Utf16KindOf(head);
+    if (!IsUtf16(code)) return {};
+    const bool little = code == SourceCode::Utf16Little;
+    return {.order = little ? Utf16Order::Little : Utf16Order::Big,
+            .mark = head.starts_with(little ? "\xFF\xFE" : "\xFE\xFF")};
+}
+
 std::size_t WholeUtf16(std::string_view bytes, Utf16Order order) {
     const std::size_t whole = bytes.size() / 2 * 2;
     return whole >= 2 && IsLead(UnitAt(bytes, whole - 2, order)) ? whole - 2 : whole;

@@ -14,6 +14,9 @@ struct Utf16Kind {
     bool mark = false;
 };
 Utf16Kind Utf16KindOf(std::string_view head);
+// The same for a file that is read as `code`, where only the byte-order mark is a question.
+Utf16Kind Utf16KindAs(std::string_view head, SourceCode code);
+inline bool IsUtf16(SourceCode code) { return code == SourceCode::Utf16Little || code == SourceCode::Utf16Big; }
 
 // Length of the part of `bytes` that ends between two characters. The rest, at most three bytes, belongs to the next
 // piece.

@@ -60,7 +60,7 @@ LRESULT CALLBACK OutputPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
                 OutputPaneNavigateError();
                 return 0;
             }
-            if (wParam == VK_ESCAPE) FocusCurrentEditor();
+            if (wParam == VK_ESCAPE) FocusEditorFromPane();
             break;
         case WM_CONTEXTMENU: return PassContextMenu(pane, lParam);
         default: break;

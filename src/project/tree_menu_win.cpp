@@ -164,6 +164,7 @@ bool TreeOnKey(WPARAM key) {
         case VK_DELETE:
             if (!shift) TreeDelete(node);
             return true;
+        case VK_ESCAPE: FocusEditorFromPane(); return true;
         default: return false;
     }
 }

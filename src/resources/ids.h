@@ -100,7 +100,10 @@
 #define IDM_UNFOLD 1539
 #define IDM_FOLD_ALL 1540
 #define IDM_UNFOLD_ALL 1541
-#define IDM_FOLD_LEVEL_FIRST 1542  // what is at least so deep, up to 1545
+#define IDM_FOLD_LEVEL_FIRST 1542  // the blocks that are one deep
+#define IDM_FOLD_LEVEL_2 1543
+#define IDM_FOLD_LEVEL_3 1544
+#define IDM_FOLD_LEVEL_4 1545
 // --- The form of the file, tabs
 #define IDM_ENCODE_UTF8 1546  // the next save writes it
 #define IDM_ENCODE_ANSI 1547

@@ -16,6 +16,7 @@
 #include "ui/menu.h"
 #include "ui/message.h"
 #include "ui/paint.h"
+#include "ui/progress.h"
 #include "ui/redraw.h"
 #include "ui/subclass.h"
 
@@ -267,7 +268,7 @@ void FocusBeside(HWND from, bool back) {
 
 bool HandlePaneKey(HWND from, WPARAM key) {
     if (key == VK_ESCAPE)
-        FocusCurrentEditor();
+        FocusEditorFromPane();
     else if (key == VK_TAB && GetKeyState(VK_CONTROL) >= 0)
         FocusBeside(from, GetKeyState(VK_SHIFT) < 0);
     else
@@ -506,6 +507,7 @@ void FilesPaneAdd(std::vector<ResultFile> files) {
 }
 
 void FilesPaneUpdate() {
+    ProgressShow(ProgressOf::Search, g_files.running ? L"Searching " + std::to_wstring(g_files.tally.files) : L"");
     if (g_filesPane.pane == nullptr) return;
     const RedrawPause pause(g_filesPane.list);
     const std::size_t rows = g_files.results.RowCount();

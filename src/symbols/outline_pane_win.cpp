@@ -108,11 +108,11 @@ void OnEscape() {
     if (GetWindowTextLengthW(g_outline.field) > 0)
         SetWindowTextW(g_outline.field, L"");
     else
-        FocusCurrentEditor();
+        FocusEditorFromPane();
 }
 
 bool OnListKey(HWND, WPARAM key) {
-    if (key == VK_ESCAPE) FocusCurrentEditor();
+    if (key == VK_ESCAPE) FocusEditorFromPane();
     if (key == VK_TAB) SetFocus(GetKeyState(VK_SHIFT) < 0 ? g_outline.button : g_outline.field);
     return key == VK_ESCAPE || key == VK_TAB;
 }
@@ -135,7 +135,7 @@ LRESULT CALLBACK FieldProc(HWND window, UINT message, WPARAM wParam, LPARAM lPar
 
 LRESULT CALLBACK ButtonProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
     if (message == WM_KEYDOWN && wParam == VK_ESCAPE) {
-        FocusCurrentEditor();
+        FocusEditorFromPane();
         return 0;
     }
     if (message == WM_KEYDOWN && wParam == VK_TAB) {

@@ -3,14 +3,18 @@
 #include "commands/command_table.h"
 #include "commands/context_menu.h"
 #include "commands/edit_fields.h"
+#include "commands/keyboard_map_rows.h"
+#include "editor/pane_settings.h"
 #include "resources/ids.h"
 #include "support/golden_file.h"
 #include "ui/pane_id.h"
 
+#include <Scintilla.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cwctype>
+#include <filesystem>
 #include <map>
 #include <regex>
 #include <set>
@@ -208,7 +212,130 @@ TEST(Commands, MenuTableAndKeysAgree) {
     }
 }
 
-// The letters of each menu's items. `twice` gets those that stand in one menu twice.
+// The keys that the editing control has by itself, as the menus write them: "Ctrl+Shift+T".
+std::set<std::string> KeysOfControl() {
+    static const std::map<std::string, std::string> kModifiers = {
+        {"SCI_NORM", ""},           {"SCI_SHIFT", "Shift+"},           {"SCI_CTRL", "Ctrl+"},
+        {"SCI_CTRL_META", "Ctrl+"}, {"SCI_SCTRL_META", "Ctrl+Shift+"}, {"SCI_CSHIFT", "Ctrl+Shift+"},
+        {"SCI_ALT", "Alt+"},        {"SCI_ASHIFT", "Alt+Shift+"}};
+    static const std::map<std::string, std::string> kNames = {
+        {"Add", "Num+"},      {"Subtract", "Num-"},  {"Divide", "Num/"}, {"Prior", "PageUp"},
+        {"Next", "PageDown"}, {"Back", "Backspace"}, {"Delete", "Del"},  {"Insert", "Ins"}};
+    std::set<std::string> keys;
+    std::istringstream lines(ReadBytes(std::string(KVX_ROOT_DIR) + "/third_party/scite/scintilla/src/KeyMap.cxx"));
+    const std::regex row(R"rx(^\s*\{(?:Keys::(\w+)|Key\('(\\?.)'\)),\s*(SCI_\w+),)rx");
+    std::smatch found;
+    bool foreign = false;  // of another system
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with("#")) foreign = line.starts_with("#if OS_X");
+        if (foreign || !std::regex_search(line, found, row)) continue;
+        std::string key = found[1].matched ? found[1].str() : found[2].str();
+        if (key.starts_with('\\')) key.erase(0, 1);
+        if (const auto named = kNames.find(key); named != kNames.end()) key = named->second;
+        keys.insert(kModifiers.at(found[3]) + key);
+    }
+    return keys;
+}
+
+// The keys that panes take from the control, as they are in the messages that do so.
+std::set<std::string> KeysTaken() {
+    std::set<std::string> keys;
+    for (const EditorMessage& message : PaneSetUpMessages()) {
+        if (message.message != SCI_CLEARCMDKEY) continue;
+        const int modifiers = static_cast<int>(message.wParam >> 16), key = static_cast<int>(message.wParam & 0xFFFF);
+        std::string name = key == SCK_ADD        ? "Num+"
+                           : key == SCK_SUBTRACT ? "Num-"
+                           : key == SCK_DIVIDE   ? "Num/"
+                                                 : std::string(1, static_cast<char>(key));
+        if ((modifiers & SCMOD_SHIFT) != 0) name = "Shift+" + name;
+        if ((modifiers & SCMOD_ALT) != 0) name = "Alt+" + name;
+        if ((modifiers & SCMOD_CTRL) != 0) name = "Ctrl+" + name;
+        keys.insert(name);
+    }
+    return keys;
+}
+
+TEST(Commands, NoKeyMeansSomethingToTheEditingControlToo) {
+    const std::set<std::string> control = KeysOfControl(), taken = KeysTaken();
+    if (control.empty()) GTEST_SKIP() << "the sources of the control are not here";
+    ASSERT_TRUE(control.contains("Ctrl+Shift+L") && control.contains("Ctrl+\\") && control.size() > 60);
+    const Resources resources = ReadResources();
+    const std::multimap<std::string, int> ours = AllKeys(resources);
+    for (const auto& [key, command] : ours)
+        EXPECT_TRUE(!control.contains(key) || taken.contains(key))
+            << key << " is command " << command << " and a key of the editing control";
+    for (const std::string& key : taken)
+        EXPECT_TRUE(control.contains(key) && ours.contains(key)) << key << " is taken for nothing";
+    for (const EditorKey& key : EditorKeys()) {
+        const std::wstring name = key.keys;
+        const std::string narrow(name.begin(), name.end());
+        EXPECT_TRUE(control.contains(narrow) && !ours.contains(narrow)) << narrow << " does not do what the map says";
+    }
+}
+
+// Keys that lists, trees and lines handle themselves wherever they have the keyboard. A command may have one of them only
+// when that is for the editor alone.
+TEST(Commands, PanesKeepTheirOwnKeys) {
+    const std::set<std::string> own = {"F2",        "Ins",    "Shift+Ins", "Del",   "Enter",  "Tab",
+                                       "Shift+Tab", "Up",     "Down",      "Left",  "Right",  "PageUp",
+                                       "PageDown",  "Home",   "End",       "Space", "Ctrl+A", "Ctrl+C",
+                                       "Ctrl+R",    "Alt+Up", "Alt+Down",  "Esc"};
+    for (const ExtraKey& key : ExtraKeys())
+        EXPECT_TRUE(key.editorOnly || !own.contains(NarrowName(key))) << NarrowName(key) << " is a key of panes";
+}
+
+// The menus as docs/keyboard.md lists them.
+std::string KeyboardPage(const Resources& resources) {
+    const std::multimap<std::string, int> all = AllKeys(resources);
+    std::string page =
+        "# Keys\n\nMade from the tables of the program. Help > Keyboard Map shows the same, with a filter.\n\n"
+        "| keys | command |\n|---|---|\n";
+    for (const MenuItem& item : resources.items) {
+        std::string keys = item.key;
+        for (const auto& [key, command] : all)
+            if (command == item.command && key != item.key) keys += (keys.empty() ? "" : ", ") + key;
+        std::string name = std::regex_replace(item.text, std::regex("&(.)"), "$1");
+        while (name.ends_with('.')) name.pop_back();
+        if (!keys.empty()) page += "| " + keys + " | " + name + " |\n";
+    }
+    page += "\n## In the text\n\n| keys | what they do |\n|---|---|\n";
+    for (const EditorKey& key : EditorKeys()) {
+        const std::wstring keys = key.keys, what = key.what;
+        page += "| " + std::string(keys.begin(), keys.end()) + " | " + std::string(what.begin(), what.end()) + " |\n";
+    }
+    return page;
+}
+
+TEST(Commands, ThePageOfKeysIsThatOfTheTables) {
+    const std::string path = std::string(KVX_ROOT_DIR) + "/docs/keyboard.md";
+    const std::string page = KeyboardPage(ReadResources());
+    std::string shown = ReadBytes(path);
+    std::erase(shown, '\r');
+    if (shown == page) return;
+    WriteBytes(path + ".new", page);
+    ADD_FAILURE() << "docs/keyboard.md is out of date; see " << path << ".new";
+}
+
+TEST(KeyboardMap, AFilterFindsKeysAndWords) {
+    const std::vector<KeyMapRow> rows = {{1, L"Ctrl+D", L"Duplicate", L"Edit > Lines"},
+                                         {2, L"Ctrl+Shift+D", L"Select Next Occurrence", L"Edit"},
+                                         {3, L"F8, F4", L"Next Error", L"Compiler"},
+                                         {4, L"Ctrl++, Ctrl+Num+", L"Zoom In", L"View"}};
+    const auto found = [&rows](const wchar_t* filter) {
+        std::string numbers;
+        for (const KeyMapRow& row : FilteredKeyRows(rows, filter)) numbers += std::to_string(row.command);
+        return numbers;
+    };
+    EXPECT_EQ(found(L""), "1234");
+    EXPECT_EQ(found(L"ctrl+d"), "1") << "the whole key";
+    EXPECT_EQ(found(L"next"), "23");
+    EXPECT_EQ(found(L"next  edit"), "2");
+    EXPECT_EQ(found(L"F4"), "3");
+    EXPECT_EQ(found(L"ctrl+num+"), "4");
+    EXPECT_EQ(found(L"nothing"), "");
+}
+
+// The letters of the items of a menu or of the controls of a dialog. `twice` gets those that stand there twice.
 void TakeMnemonic(const std::string& item, std::map<char, std::string>& letters, std::set<std::string>& twice) {
     const std::size_t mark = std::regex_replace(item, std::regex("&&"), "  ").find('&');
     if (mark == std::string::npos) return;
@@ -217,21 +344,51 @@ void TakeMnemonic(const std::string& item, std::map<char, std::string>& letters,
     if (!isNew) twice.insert(first->second + " | " + item);
 }
 
-TEST(Commands, MnemonicsOfAMenuDiffer) {
-    std::istringstream lines(ReadBytes(std::string(KVX_ROOT_DIR) + "/src/resources/app.rc"));
-    const std::regex item(R"rx(^ *(POPUP|MENUITEM) "([^"\\]*))rx");
-    std::vector<std::map<char, std::string>> menus;  // that are open, the innermost last
+TEST(Commands, MnemonicsOfMenusAndDialogsDiffer) {
+    const std::regex item(
+        R"rx(^ *(POPUP|MENUITEM|LTEXT|RTEXT|CTEXT|AUTOCHECKBOX|AUTORADIOBUTTON|PUSHBUTTON|DEFPUSHBUTTON|GROUPBOX|CONTROL) +"([^"\\]*))rx");
     std::set<std::string> twice;
     std::smatch found;
-    for (std::string line; std::getline(lines, line) && !line.starts_with("IDR_ACCELERATORS");) {
-        if (line.ends_with("BEGIN")) menus.emplace_back();
-        if (line.ends_with("END")) menus.pop_back();
-        if (std::regex_search(line, found, item)) TakeMnemonic(found[2], menus.back(), twice);
+    int dialogs = 0;
+    for (const auto& file : std::filesystem::directory_iterator(std::string(KVX_ROOT_DIR) + "/src/resources")) {
+        if (file.path().extension() != ".rc") continue;
+        std::istringstream lines(ReadBytes(file.path().string()));
+        std::vector<std::map<char, std::string>> open;  // menus and dialogs, the innermost last
+        for (std::string line; std::getline(lines, line) && !line.starts_with("IDR_ACCELERATORS");) {
+            if (line.find(" DIALOGEX ") != std::string::npos) ++dialogs;
+            if (line.ends_with("BEGIN")) open.emplace_back();
+            if (line.ends_with("END") && !open.empty()) open.pop_back();
+            if (!open.empty() && std::regex_search(line, found, item)) TakeMnemonic(found[2], open.back(), twice);
+        }
     }
+    EXPECT_GT(dialogs, 10);
     // These texts are fixed. The letter goes from one to the other, and Enter takes it.
     const std::set<std::string> known = {"&Redo | &Replace...", "&Status Bar | AI &Sidebar", "&Output Pane | Zoom &Out",
                                          "&Whitespace | &Word Wrap"};
     EXPECT_EQ(twice, known);
+}
+
+// The pop-up menus that are written as lists in the sources, and the windows whose children are.
+TEST(Commands, MnemonicsOfOtherMenusDiffer) {
+    const std::regex list(R"rx((MenuItem>? \w+(\[\])?|MenuItem, \d+>\(|PaneShowMenu\(|kControls\[\]) ?=? ?\{)rx");
+    const std::regex choice(R"rx((\? L"[^"]*")\s*:\s*L"[^"]*")rx"), text(R"rx(L"([^"\\]*)[^"]*")rx");
+    int menus = 0;
+    for (const auto& file : std::filesystem::recursive_directory_iterator(std::string(KVX_ROOT_DIR) + "/src")) {
+        if (!file.path().string().ends_with("_win.cpp")) continue;
+        const std::string source = ReadBytes(file.path().string());
+        for (std::sregex_iterator at(source.begin(), source.end(), list), end; at != end; ++at) {
+            const auto begin = static_cast<std::size_t>(at->position());
+            const std::string body =
+                std::regex_replace(source.substr(begin, source.find("};", begin) - begin), choice, "$1");
+            std::map<char, std::string> letters;
+            std::set<std::string> twice;
+            for (std::sregex_iterator item(body.begin(), body.end(), text); item != end; ++item)
+                TakeMnemonic((*item)[1], letters, twice);
+            menus += letters.empty() ? 0 : 1;
+            EXPECT_TRUE(twice.empty()) << file.path().filename() << ": " << *twice.begin();
+        }
+    }
+    EXPECT_GE(menus, 7);
 }
 
 TEST(EditFields, OfferWhatTheyCanDo) {

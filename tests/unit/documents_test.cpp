@@ -4,6 +4,7 @@
 #include "documents/file_binding.h"
 #include "documents/file_column.h"
 #include "documents/file_dialog_texts.h"
+#include "documents/file_form.h"
 #include "documents/file_work.h"
 #include "documents/goto_line.h"
 #include "documents/load_rules.h"
@@ -196,6 +197,27 @@ TEST(SaveRules, NothingIsReplacedOrOverwrittenUnasked) {
     EXPECT_TRUE(binding.hasFile && binding.encoding == TextEncoding::Ansi && binding.lineEnding == LineEnding::CrLf);
 }
 
+TEST(FileForms, AreKeptOnceTheUserHasChosenThem) {
+    FileBinding file;
+    file.encoding = TextEncoding::Ansi;
+    file.readAs = SourceCode::Ansi;
+    EXPECT_FALSE(ChooseFileForm(file, FileForm::Ansi));
+    for (const FileForm form : {FileForm::Utf16Big, FileForm::Utf8, FileForm::Utf16Little, FileForm::Ansi}) {
+        EXPECT_TRUE(ChooseFileForm(file, form));
+        EXPECT_EQ(FileFormOf(file), form);
+        EXPECT_FALSE(SaveAsksAboutForm(file)) << "the choice is the answer";
+        EXPECT_EQ(file.form.mark, file.form.utf16 != Utf16Order::None);
+        EXPECT_EQ(FileFormOf(BindingForNewName(L"C:\\new.bas", file)), form);
+        EXPECT_EQ(file.readAs, SourceCode::Guess) << "the next save writes another file";
+    }
+    EXPECT_EQ(ChooseLineEnding(file, LineEnding::Lf), EndingChange::Changed);
+    EXPECT_EQ(ChooseLineEnding(file, LineEnding::Lf), EndingChange::Same);
+    EXPECT_EQ(BindingForNewName(L"C:\\new.bas", file).lineEnding, LineEnding::Lf);
+    file.form.keepBreaks = true;
+    EXPECT_EQ(ChooseLineEnding(file, LineEnding::Cr), EndingChange::Refused);
+    EXPECT_EQ(file.lineEnding, LineEnding::Lf);
+}
+
 TEST(SaveRules, AsksBeforeAFileChangesItsForm) {
     struct Case {
         bool inexact, utf16, sameFile;
@@ -300,6 +322,9 @@ TEST(TextPieces, TellsWhatIsNoUtf8) {
         EXPECT_EQ(MoveInPieces(text, 1, PieceCode::Utf8).result.end, PiecesEnd::OtherCode) << text;
         EXPECT_EQ(MoveInPieces(text, 100, PieceCode::Utf8).result.end, PiecesEnd::OtherCode) << text;
     }
+    EXPECT_EQ(MoveInPieces("a\x80z", 100, PieceCodeOf(SourceCode::Utf8)).text, "a\x80z") << "as the user says";
+    const MovedText wide = MoveInPieces(std::string_view("\xFE\xFF\0x", 4), 3, PieceCodeOf(SourceCode::Utf16Big));
+    EXPECT_TRUE(wide.text == "x" && wide.result.form.mark && wide.result.form.utf16 == Utf16Order::Big);
     EXPECT_EQ(MoveInPieces("", 100).result.end, PiecesEnd::Done);
     EXPECT_EQ(MoveInPieces("ends in CR\r", 100).result.lineEnding, LineEnding::Cr);
     PiecesResult failed =

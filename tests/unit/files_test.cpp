@@ -189,6 +189,15 @@ TEST(Files, BytesAreTextOfTheFirstEncodingThatFits) {
         EXPECT_EQ(text.lineEnding, LineEnding::Cr);
     }
     EXPECT_FALSE(DecodeSource("\xFF", ansi, &text));
+
+    // What the user says goes before what the bytes look like.
+    ASSERT_TRUE(DecodeSource("\xE9x", ansi, &text, SourceCode::Utf8));
+    EXPECT_TRUE(text.asItIs && text.encoding == TextEncoding::Utf8);
+    ASSERT_TRUE(DecodeSource("plain", ansi, &text, SourceCode::Ansi));
+    EXPECT_TRUE(text.utf8 == "ansi" && text.encoding == TextEncoding::Ansi);
+    ASSERT_TRUE(DecodeSource("\0x\0y"sv, ansi, &text, SourceCode::Utf16Big));
+    EXPECT_TRUE(text.utf8 == "xy" && text.form.utf16 == Utf16Order::Big && !text.form.mark);
+    EXPECT_FALSE(DecodeSource("odd", ansi, &text, SourceCode::Utf16Little));
 }
 
 TEST(Files, FindsTheFirstCharacterThatIsRefused) {

@@ -1,6 +1,7 @@
 // Layout that windows share: columns and tabs in too little room, lengths by DPI, the parts of bars and panes.
 #include "ai/ai_pane_layout.h"
 #include "commands/status_bar_text.h"
+#include "commands/status_fields.h"
 #include "ui/block_size.h"
 #include "ui/box_text.h"
 #include "ui/fit.h"
@@ -104,10 +105,33 @@ TEST(MenuText, AMnemonicOfSeveralItemsGoesOnToTheNext) {
 }
 
 TEST(StatusBar, WhatIsSelected) {
-    EXPECT_EQ(SelectionText({.selections = 3, .characters = 4}), L"3 selections");
-    EXPECT_EQ(SelectionText({}), L"");
-    EXPECT_EQ(SelectionText({.lines = 2, .characters = 9}), L"2 lines selected");
-    EXPECT_EQ(SelectionText({.characters = 9}), L"9 selected");
+    EXPECT_EQ(SelectionText({.selections = 3, .characters = 120}), L"3 selections, 120 characters");
+    EXPECT_EQ(SelectionText({.selections = 3}), L"3 selections");
+    EXPECT_EQ(SelectionText({.length = 1234567}), L"1,234,567 bytes in all");
+    EXPECT_EQ(SelectionText({.lines = 2, .characters = 1}), L"2 lines, 1 character");
+    EXPECT_EQ(SelectionText({.characters = 1000, .inBytes = true}), L"1,000 bytes");
+    EXPECT_EQ(ZoomText(12, 0), L"100 %");
+    EXPECT_EQ(ZoomText(12, -20), L"8 %");
+    EXPECT_EQ(ZoomText(11, 4), L"136 %");
+    EXPECT_EQ(TabText(4, false), L"Blanks 4");
+}
+
+TEST(StatusBar, TheKeyboardWalksOverWhatReactsAndIsShown) {
+    //                             message, progress, position, selection, encoding, ending, compiler, project, tab, zoom
+    constexpr StatusWidths kEnds = {100, 100, 200, 250, 300, 300, 400, 400, 450, 500};
+    const auto walk = [&](StatusPart from, bool next) { return StatusPartBeside(kEnds, from, next); };
+    EXPECT_EQ(walk(kMessage, true), kPosition) << "no progress is shown";
+    EXPECT_EQ(walk(kPosition, true), kEncoding) << "the selection does not react";
+    EXPECT_EQ(walk(kEncoding, true), kCompiler);
+    EXPECT_EQ(walk(kCompiler, true), kTabWidth);
+    EXPECT_EQ(walk(kZoom, true), kZoom);
+    EXPECT_EQ(walk(kPosition, false), kPosition);
+    EXPECT_EQ(StatusPartAt(kEnds, 99), kMessage);
+    EXPECT_EQ(StatusPartAt(kEnds, 100), kPosition);
+    EXPECT_EQ(StatusPartAt(kEnds, 600), kZoom);
+    EXPECT_TRUE(StatusFieldIsHidden(StatusFieldToggled(0, kZoom), kZoom));
+    EXPECT_FALSE(StatusFieldIsHidden(-1, kMessage)) << "always there";
+    EXPECT_EQ(StatusFieldToggled(StatusFieldToggled(4, kZoom), kZoom), 4);
 }
 
 TEST(StatusBar, TheMessageKeepsItsRoomAndTheLeastNeededPartsGo) {

@@ -76,7 +76,7 @@ const std::string kEndless =
 TEST(Debug, StepsThroughASample) {
     const DebugFolder folder;
     Editor editor(folder, folder.Arguments());
-    EXPECT_TRUE(editor.ButtonShown(IDM_DEBUG_BUTTON_START) && !editor.ButtonShown(IDM_DEBUG_BUTTON_STOP));
+    EXPECT_TRUE(editor.ButtonShown(IDM_DEBUG_BUTTON_START) && !editor.ButtonWorks(IDM_DEBUG_BUTTON_STOP));
     ToggleBreakpoint(editor, 13);
     ToggleBreakpoint(editor, 11);  // a comment
     ToggleBreakpoint(editor, 33);
@@ -469,9 +469,9 @@ TEST(Debug, ADoubleClickOnStartIsOneStart) {
         ASSERT_TRUE(AwaitProcesses(0));
         ASSERT_TRUE(WaitFor([&] { return editor.ButtonShown(IDM_DEBUG_BUTTON_START); }));
     };
-    // What the second click of a slow double-click is when Stop has come in the place of Start.
+    // What the second click of a slow double-click is when Continue has come in the place of Start.
     const auto secondClick = [&](const auto& give) {
-        const POINT at = editor.ButtonPlace(IDM_DEBUG_BUTTON_STOP);
+        const POINT at = editor.ButtonPlace(IDM_DEBUG_CONTINUE);
         give(bar, WM_LBUTTONDBLCLK, WPARAM{MK_LBUTTON}, MAKELPARAM(at.x, at.y));
         give(bar, WM_LBUTTONUP, WPARAM{0}, MAKELPARAM(at.x, at.y));
     };

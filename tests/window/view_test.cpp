@@ -212,7 +212,8 @@ TEST(View, BookmarksRecentFilesAndPanesAreWithinReach) {
     EXPECT_TRUE(IsWindowVisible(editor.Child(IDC_TERMINAL)));
     EXPECT_EQ(editor.Focus(), editor.Child(IDC_TERMINAL));
     editor.Foreground();
-    for (const int pane : {IDC_PROJECT_TREE, 0, IDC_OUTPUT, IDC_ERROR_LIST}) {  // after the last pane the first
+    for (const int pane :
+         {IDC_PROJECT_TREE, IDC_STATUS_BAR, IDC_TOOLBAR, 0, IDC_OUTPUT, IDC_ERROR_LIST}) {  // after the last the first
         const HWND wanted = pane == 0 ? editor.Sci() : editor.Child(pane);
         editor.Keys({VK_F6});
         EXPECT_TRUE(WaitFor([&] { return editor.Focus() == wanted; })) << pane;

@@ -1,0 +1,68 @@
+#include "commands/status_fields.h"
+
+#include "resources/ids.h"
+
+#include <iterator>
+
+namespace {
+
+constexpr int kProgressCommands[] = {IDM_BUILD_STOP};
+constexpr int kPositionCommands[] = {IDM_EDIT_GOTO};
+constexpr int kEncodingCommands[] = {IDM_ENCODE_UTF8, IDM_ENCODE_ANSI, IDM_ENCODE_UTF16_LE, IDM_ENCODE_UTF16_BE, 0,
+                                     IDM_REOPEN_UTF8, IDM_REOPEN_ANSI, IDM_REOPEN_UTF16_LE, IDM_REOPEN_UTF16_BE};
+constexpr int kEndingCommands[] = {IDM_ENDING_CRLF, IDM_ENDING_LF, IDM_ENDING_CR};
+// The menu of the toolbar's button, which is made from the table of compilers.
+constexpr int kCompilerCommands[] = {IDM_COMPILER_MENU};
+constexpr int kProjectCommands[] = {IDM_PROJECT_EDIT, IDM_PROJECT_SET_MAIN, 0, IDM_PROJECT_CLOSE};
+constexpr int kTabCommands[] = {IDM_TAB_WIDTH_2,     IDM_TAB_WIDTH_3,       IDM_TAB_WIDTH_4, IDM_TAB_WIDTH_8, 0,
+                                IDM_TAB_INSERTS_TAB, IDM_TAB_INSERTS_BLANKS};
+constexpr int kZoomCommands[] = {IDM_VIEW_ZOOM_IN, IDM_VIEW_ZOOM_OUT, 0, IDM_VIEW_ZOOM_RESET};
+
+constexpr StatusField kFields[] = {
+    {.name = L"Message", .canBeHidden = false},
+    {.name = L"Progress", .tip = L"Stop the build", .commands = kProgressCommands},
+    {.name = L"Position", .tip = L"Go to a line", .commands = kPositionCommands},
+    {.name = L"Selection and length"},
+    {.name = L"Encoding", .tip = L"Change the encoding", .commands = kEncodingCommands},
+    {.name = L"Line ending", .tip = L"Change the line ending", .commands = kEndingCommands},
+    {.name = L"Compiler", .tip = L"Choose compiler and build profile", .commands = kCompilerCommands},
+    {.name = L"Project", .tip = L"The open project", .commands = kProjectCommands},
+    {.name = L"Tab width", .tip = L"Change the tab width", .commands = kTabCommands},
+    {.name = L"Zoom", .tip = L"Change the zoom", .commands = kZoomCommands},
+};
+static_assert(std::size(kFields) == kStatusPartCount);
+
+std::int32_t BitOf(StatusPart part) { return std::int32_t{1} << part; }
+
+bool IsShown(const StatusWidths& ends, int part) {
+    const auto index = static_cast<std::size_t>(part);
+    return ends[index] > (index == 0 ? 0 : ends[index - 1]);
+}
+
+}  // namespace
+
+const StatusField& StatusFieldOf(StatusPart part) { return kFields[part]; }
+
+bool StatusFieldReacts(StatusPart part) { return !kFields[part].commands.empty(); }
+
+bool StatusFieldIsHidden(std::int32_t hidden, StatusPart part) {
+    return kFields[part].canBeHidden && (hidden & BitOf(part)) != 0;
+}
+
+std::int32_t StatusFieldToggled(std::int32_t hidden, StatusPart part) { return hidden ^ BitOf(part); }
+
+StatusPart StatusPartAt(const StatusWidths& ends, int x) {
+    for (int part = 0; part + 1 < kStatusPartCount; ++part)
+        if (x < ends[static_cast<std::size_t>(part)]) return static_cast<StatusPart>(part);
+    // What is right of the last field that has a width belongs to it.
+    int last = kStatusPartCount - 1;
+    while (last > 0 && !IsShown(ends, last)) --last;
+    return static_cast<StatusPart>(last);
+}
+
+StatusPart StatusPartBeside(const StatusWidths& ends, StatusPart from, bool next) {
+    for (int part = from + (next ? 1 : -1); part >= 0 && part < kStatusPartCount; part += next ? 1 : -1)
+        if (StatusFieldReacts(static_cast<StatusPart>(part)) && IsShown(ends, part))
+            return static_cast<StatusPart>(part);
+    return from;
+}

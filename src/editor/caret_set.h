@@ -1,0 +1,47 @@
+// The selections of an editor, of which there may be many or one of columns: as places that outlive an edit, and the
+// commands that add some. UI thread only.
+#pragma once
+
+#include "editor/line_changes.h"
+
+#include <windows.h>
+
+#include <cstddef>
+#include <vector>
+
+inline constexpr std::size_t kMostCarets = 5000;  // that a command makes
+
+// A place by its line and its column on the screen.
+struct KeptEnd {
+    LRESULT line = 0, column = 0;
+    bool atLineEnd = false;
+};
+struct KeptCaret {
+    KeptEnd anchor, caret;
+};
+struct KeptCarets {
+    std::vector<KeptCaret> carets;  // in the order in which the editor has them
+    std::size_t main = 0;
+    bool columns = false;  // a selection of columns; `anchor` and `caret` of the first one are its corners
+};
+KeptCarets CaretsKeep(HWND editor);
+// Selects the places again, each `shifts[i]` lines further down (negative: up); no shifts: where they were.
+void CaretsRestore(HWND editor, const KeptCarets& kept, const std::vector<LRESULT>& shifts);
+
+struct CaretSpan {
+    LRESULT anchor = 0, caret = 0;  // bytes
+    LRESULT start() const { return anchor < caret ? anchor : caret; }
+    LRESULT end() const { return anchor < caret ? caret : anchor; }
+};
+std::vector<CaretSpan> CaretSpans(HWND editor);
+void CaretsSelect(HWND editor, const std::vector<CaretSpan>& spans, std::size_t main);
+bool CaretsAreEmpty(HWND editor);  // nothing is selected
+
+// The whole lines of each selection. One that ends at the start of a line does not take that line; a folded block whose
+// first line is in it is in it.
+std::vector<LineBlock> CaretLines(HWND editor);
+
+void CaretAddBeside(HWND editor, bool above);  // a caret on the line above the first one, or below the last one
+// Selects the word at the caret, or one place more of what is selected.
+void CaretSelectNext(HWND editor);
+void CaretSelectEach(HWND editor);

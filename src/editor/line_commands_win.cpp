@@ -1,0 +1,465 @@
+// The commands for lines and letters at work in an editor. What they make of a text is in line_changes. UI thread.
+#include "editor/line_commands.h"
+
+#include "base/events.h"
+#include "base/utf8.h"
+#include "editor/caret_place.h"
+#include "editor/caret_set.h"
+#include "editor/comment_toggle.h"
+#include "editor/editor_pane.h"
+#include "editor/line_changes.h"
+#include "editor/margins.h"
+#include "editor/pane_state.h"
+#include "files/text_encoding.h"
+#include "language/format_range.h"
+#include "language/lexer_table.h"
+#include "resources/ids.h"
+#include "scintilla/sci.h"
+#include "ui/long_work.h"
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+// One step of undo, for as long as it lives.
+class UndoStep {
+public:
+    explicit UndoStep(HWND editor) : editor_(editor) { PaneSend(editor_, SCI_BEGINUNDOACTION); }
+    ~UndoStep() { PaneSend(editor_, SCI_ENDUNDOACTION); }
+    UndoStep(const UndoStep&) = delete;
+    UndoStep& operator=(const UndoStep&) = delete;
+
+private:
+    HWND editor_;
+};
+
+LRESULT LineCountOf(HWND editor) { return PaneSend(editor, SCI_GETLINECOUNT); }
+
+// The start of the line, or the end of the text behind its last line.
+LRESULT LineStart(HWND editor, LRESULT line) {
+    return line < LineCountOf(editor) ? PaneSend(editor, SCI_POSITIONFROMLINE, line) : PaneSend(editor, SCI_GETLENGTH);
+}
+
+std::string LinesText(HWND editor, const LineBlock& block) {
+    return EditorPaneTextBetween(editor, LineStart(editor, block.first), LineStart(editor, block.last + 1));
+}
+
+void Replace(HWND editor, LRESULT start, LRESULT end, std::string_view text) {
+    PaneSend(editor, SCI_SETTARGETRANGE, start, end);
+    SciSend(editor, SCI_REPLACETARGET, text.size(), reinterpret_cast<LPARAM>(text.data()));
+}
+
+std::string_view EolOf(HWND editor) {
+    switch (PaneSend(editor, SCI_GETEOLMODE)) {
+        case SC_EOL_LF: return "\n";
+        case SC_EOL_CR: return "\r";
+        default: return "\r\n";
+    }
+}
+
+void ShowStatus(const wchar_t* text) { g_events.statusText(text); }
+
+// --- Marks that go with their lines
+
+constexpr int kKeptMarks[] = {kMarkBookmark, kMarkBreakpoint};
+constexpr LRESULT kKeptMask = (1 << kMarkBookmark) | (1 << kMarkBreakpoint);
+
+// The marks of each line of a block, which are taken off. A deleted line would give them to its neighbour.
+std::vector<LRESULT> TakeMarks(HWND editor, const LineBlock& block) {
+    std::vector<LRESULT> marks(static_cast<std::size_t>(block.count()));
+    LRESULT line = PaneSend(editor, SCI_MARKERNEXT, block.first, kKeptMask);
+    for (; line >= 0 && line <= block.last; line = PaneSend(editor, SCI_MARKERNEXT, line + 1, kKeptMask)) {
+        marks[static_cast<std::size_t>(line - block.first)] = PaneSend(editor, SCI_MARKERGET, line) & kKeptMask;
+        for (const int mark : kKeptMarks) PaneSend(editor, SCI_MARKERDELETE, line, mark);
+    }
+    return marks;
+}
+
+void PutMarks(HWND editor, LRESULT line, LRESULT marks) {
+    for (const int mark : kKeptMarks)
+        if ((marks >> mark & 1) != 0) PaneSend(editor, SCI_MARKERADD, line, mark);
+}
+
+bool HasMarks(HWND editor, const LineBlock& block) {
+    const LRESULT line = PaneSend(editor, SCI_MARKERNEXT, block.first, kKeptMask);
+    return line >= 0 && line <= block.last;
+}
+
+// --- Which lines
+
+// The block of `blocks` in which the line is.
+std::size_t BlockOf(const std::vector<LineBlock>& blocks, std::ptrdiff_t line) {
+    const auto after = std::ranges::upper_bound(blocks, line, {}, &LineBlock::first);
+    return after == blocks.begin() ? 0 : static_cast<std::size_t>(after - blocks.begin()) - 1;
+}
+
+// For each selection, the value of the block that its lines belong to.
+std::vector<LRESULT> ForEachCaret(const std::vector<LineBlock>& own, const std::vector<LineBlock>& blocks,
+                                  const std::vector<LRESULT>& ofBlocks) {
+    std::vector<LRESULT> all;
+    for (const LineBlock& lines : own) all.push_back(ofBlocks[BlockOf(blocks, lines.first)]);
+    return all;
+}
+
+// The lines of the selections; without one, those of the whole document.
+std::vector<LineBlock> LinesOrAll(HWND editor) {
+    if (!CaretsAreEmpty(editor)) return MergedBlocks(CaretLines(editor));
+    return {{0, LineCountOf(editor) - 1}};
+}
+
+// --- Duplicate and delete
+
+bool EachSelectsWithinALine(HWND editor, const std::vector<CaretSpan>& spans) {
+    return std::ranges::all_of(
+        spans,
+        [editor](const CaretSpan& span) {
+            return span.start() < span.end() && PaneSend(editor, SCI_LINEFROMPOSITION, span.start()) ==
+                                                    PaneSend(editor, SCI_LINEFROMPOSITION, span.end());
+        });
+}
+
+// The indexes of the spans in the order of the text.
+std::vector<std::size_t> InOrder(const std::vector<CaretSpan>& spans) {
+    std::vector<std::size_t> order(spans.size());
+    for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
+    std::ranges::sort(order, {}, [&spans](std::size_t i) { return spans[i].start(); });
+    return order;
+}
+
+// Replaces the text of each span by `make` of it, and selects what came of it; with `behind` the old text stays, and what
+// was made stands behind it.
+void ChangeSpans(HWND editor, std::vector<CaretSpan> spans, std::vector<CaretSpan> selected, bool behind,
+                 const std::function<std::string(std::string_view)>& make) {
+    const auto main = static_cast<std::size_t>(PaneSend(editor, SCI_GETMAINSELECTION));
+    const UndoStep step(editor);
+    LRESULT moved = 0;
+    for (const std::size_t i : InOrder(spans)) {
+        CaretSpan& now = selected[i];
+        now.anchor += moved;
+        now.caret += moved;
+        const LRESULT start = spans[i].start() + moved, end = spans[i].end() + moved;
+        const std::string before = EditorPaneTextBetween(editor, start, end);
+        const std::string text = make(before);
+        const auto length = static_cast<LRESULT>(text.size());
+        if (behind) {
+            Replace(editor, end, end, text);
+            now.anchor += length;
+            now.caret += length;
+            moved += length;
+            continue;
+        }
+        if (text != before) Replace(editor, start, end, text);
+        const LRESULT grown = length - (end - start);
+        for (LRESULT* place : {&now.anchor, &now.caret})
+            if (*place >= end) *place += grown;
+        moved += grown;
+    }
+    CaretsSelect(editor, selected, main);
+}
+
+void DuplicateLines(HWND editor) {
+    const std::vector<LineBlock> own = CaretLines(editor);
+    const std::vector<LineBlock> blocks = MergedBlocks(own);
+    const KeptCarets carets = CaretsKeep(editor);
+    const UndoStep step(editor);
+    std::vector<LRESULT> shifts(blocks.size());
+    LRESULT shift = 0;
+    for (std::size_t i = 0; i < blocks.size(); ++i) shifts[i] = shift += blocks[i].count();
+    for (std::size_t i = blocks.size(); i-- > 0;) {
+        const std::string text = LinesText(editor, blocks[i]);
+        const LRESULT end = LineStart(editor, blocks[i].last + 1);
+        const bool lastLine = blocks[i].last + 1 == LineCountOf(editor);
+        Replace(editor, end, end, lastLine ? std::string(EolOf(editor)) + text : text);
+    }
+    CaretsRestore(editor, carets, ForEachCaret(own, blocks, shifts));
+}
+
+void Duplicate(HWND editor) {
+    const std::vector<CaretSpan> spans = CaretSpans(editor);
+    if (!EachSelectsWithinALine(editor, spans)) return DuplicateLines(editor);
+    ChangeSpans(editor, spans, spans, true, [](std::string_view text) { return std::string(text); });
+}
+
+void DeleteLines(HWND editor) {
+    const std::vector<LineBlock> blocks = MergedBlocks(CaretLines(editor));
+    const LRESULT column = PaneSend(editor, SCI_GETCOLUMN, PaneSend(editor, SCI_GETCURRENTPOS));
+    {
+        const UndoStep step(editor);
+        for (std::size_t i = blocks.size(); i-- > 0;) {
+            const LineBlock& block = blocks[i];
+            TakeMarks(editor, block);
+            // The line that becomes the last one loses its break, as the one that goes had none.
+            const bool last = block.last + 1 == LineCountOf(editor) && block.first > 0;
+            const LRESULT start =
+                last ? PaneSend(editor, SCI_GETLINEENDPOSITION, block.first - 1) : LineStart(editor, block.first);
+            Replace(editor, start, LineStart(editor, block.last + 1), {});
+        }
+    }
+    std::vector<CaretSpan> spans;
+    LRESULT gone = 0;
+    for (const LineBlock& block : blocks) {
+        const LRESULT line = std::min(block.first - gone, LineCountOf(editor) - 1);
+        const LRESULT place = PaneSend(editor, SCI_FINDCOLUMN, line, column);
+        spans.push_back({place, place});
+        gone += block.count();
+    }
+    CaretsSelect(editor, spans, 0);
+    CaretLeaveHiddenLine(editor);
+}
+
+// --- Move
+
+// The lines that a block passes on its way: one, with the folded block that hides below it. Empty at the end of the text.
+LineBlock LinesPassed(HWND editor, const LineBlock& block, bool up) {
+    LineBlock passed = up ? LineBlock{block.first - 1, block.first - 1} : LineBlock{block.last + 1, block.last + 1};
+    const LRESULT count = LineCountOf(editor);
+    if (passed.first < 0 || passed.last >= count) return {0, -1};
+    const auto hidden = [editor](LRESULT line) { return PaneSend(editor, SCI_GETLINEVISIBLE, line) == 0; };
+    while (up && passed.first > 0 && hidden(passed.first)) --passed.first;
+    while (!up && passed.last + 1 < count && hidden(passed.last + 1)) ++passed.last;
+    return passed;
+}
+
+// Lets two neighbours change places. Only one of them is taken out and put in again; the other one keeps its marks and what
+// is folded in it, so it is the one that has some.
+void SwapBlocks(HWND editor, const LineBlock& upper, const LineBlock& lower) {
+    const bool movesUpper = HasMarks(editor, lower) || !HasMarks(editor, upper);
+    const LineBlock& moved = movesUpper ? upper : lower;
+    const TextMove move = MoveOver(LinesText(editor, upper), LinesText(editor, lower), movesUpper);
+    const LRESULT start = LineStart(editor, upper.first);
+    const std::vector<LRESULT> marks = TakeMarks(editor, moved);
+    const auto at = [start](std::size_t offset) { return start + static_cast<LRESULT>(offset); };
+    Replace(editor, at(move.erased.start), at(move.erased.end), {});
+    Replace(editor, at(move.at), at(move.at), move.text);
+    const LRESULT first = movesUpper ? upper.first + lower.count() : upper.first;
+    for (std::size_t i = 0; i < marks.size(); ++i) PutMarks(editor, first + static_cast<LRESULT>(i), marks[i]);
+}
+
+void MoveLines(HWND editor, bool up) {
+    const std::vector<LineBlock> own = CaretLines(editor);
+    const std::vector<LineBlock> blocks = MergedBlocks(own);
+    const LineBlock& outer = up ? blocks.front() : blocks.back();
+    if (LinesPassed(editor, outer, up).count() <= 0) return;  // at the end of the text nothing moves
+    const KeptCarets carets = CaretsKeep(editor);
+    std::vector<LRESULT> shifts(blocks.size());
+    {
+        const UndoStep step(editor);
+        for (std::size_t n = 0; n < blocks.size(); ++n) {
+            const std::size_t i = up ? n : blocks.size() - 1 - n;
+            const LineBlock passed = LinesPassed(editor, blocks[i], up);
+            shifts[i] = up ? -passed.count() : passed.count();
+            up ? SwapBlocks(editor, passed, blocks[i]) : SwapBlocks(editor, blocks[i], passed);
+        }
+    }
+    CaretsRestore(editor, carets, ForEachCaret(own, blocks, shifts));
+    PaneSend(editor, SCI_SCROLLCARET);
+}
+
+// --- Changes of the text of lines
+
+// Replaces what differs in each line, so that marks and carets stay where they are.
+bool ReplaceInLines(HWND editor, const LineBlock& block, const std::function<std::string(std::string_view)>& change,
+                    LongWork& work) {
+    const std::string before = LinesText(editor, block);
+    const std::string after = change(before);
+    const LRESULT start = LineStart(editor, block.first);
+    const std::vector<LineReplacement> replacements = LineReplacements(before, after);
+    double done = 0;
+    for (const LineReplacement& each : replacements) {
+        const LRESULT from = start + static_cast<LRESULT>(each.start);
+        Replace(editor, from, from + static_cast<LRESULT>(each.length), each.text);
+        if (!work.GoesOn(++done / static_cast<double>(replacements.size()))) return false;
+    }
+    return true;
+}
+
+void ChangeLines(HWND editor, const wchar_t* what, const std::vector<LineBlock>& blocks,
+                 const std::function<std::string(std::string_view)>& change) {
+    LongWork work(what, ShowStatus);
+    {
+        const UndoStep step(editor);
+        for (std::size_t i = blocks.size(); i-- > 0;)
+            if (!ReplaceInLines(editor, blocks[i], change, work)) break;
+    }
+    if (work.Stopped()) EditorPaneTakeBack(editor);
+    if (work.Shown()) g_events.statusText(work.Stopped() ? L"Stopped: nothing was changed" : L"");
+}
+
+void RemoveRepeated(HWND editor) {
+    LongWork work(L"Removing", ShowStatus);
+    const std::vector<LineBlock> blocks = LinesOrAll(editor);
+    double removed = 0;
+    {
+        const UndoStep step(editor);
+        for (std::size_t i = blocks.size(); i-- > 0 && !work.Stopped();) {
+            const std::vector<TextSpan> spans = RepeatedLines(LinesText(editor, blocks[i]));
+            const LRESULT start = LineStart(editor, blocks[i].first);
+            const LRESULT lines = LineCountOf(editor);
+            for (std::size_t n = spans.size(); n-- > 0;) {
+                Replace(editor, start + static_cast<LRESULT>(spans[n].start),
+                        start + static_cast<LRESULT>(spans[n].end), {});
+                if (!work.GoesOn(1 - static_cast<double>(n) / static_cast<double>(spans.size()))) break;
+            }
+            removed += static_cast<double>(lines - LineCountOf(editor));
+        }
+    }
+    if (work.Stopped()) EditorPaneTakeBack(editor);
+    const std::wstring said = std::to_wstring(static_cast<long long>(removed)) + L" lines removed";
+    ShowStatus(work.Stopped() ? L"Stopped: nothing was changed" : said.c_str());
+}
+
+// What of each line of a selection of columns is selected; nothing for another selection.
+std::vector<SortKey> KeysOfColumns(HWND editor, const LineBlock& block) {
+    std::vector<SortKey> keys;
+    if (PaneSend(editor, SCI_GETSELECTIONMODE) != SC_SEL_RECTANGLE) return keys;
+    keys.resize(static_cast<std::size_t>(block.count()));
+    for (const CaretSpan& span : CaretSpans(editor)) {
+        const LRESULT line = PaneSend(editor, SCI_LINEFROMPOSITION, span.start());
+        if (line < block.first || line > block.last) continue;
+        keys[static_cast<std::size_t>(line - block.first)] = {
+            static_cast<std::size_t>(span.start() - PaneSend(editor, SCI_POSITIONFROMLINE, line)),
+            static_cast<std::size_t>(span.end() - span.start())};
+    }
+    return keys;
+}
+
+void SortBlock(HWND editor, const LineBlock& block, bool down, LongWork& work) {
+    const std::string before = LinesText(editor, block);
+    const SortedLines sorted =
+        SortLines(before, down, KeysOfColumns(editor, block), [&work](double share) { return work.GoesOn(share); });
+    if (sorted.stopped || sorted.text == before) return;
+    const std::vector<LRESULT> marks = TakeMarks(editor, block);
+    const LRESULT start = LineStart(editor, block.first);
+    Replace(editor, start, start + static_cast<LRESULT>(before.size()), sorted.text);
+    for (std::size_t i = 0; i < sorted.order.size(); ++i)
+        PutMarks(editor, block.first + static_cast<LRESULT>(i), marks[sorted.order[i]]);
+}
+
+void SortSelected(HWND editor, bool down) {
+    LongWork work(L"Sorting", ShowStatus);
+    const std::vector<LineBlock> blocks = LinesOrAll(editor);
+    const KeptCarets carets = CaretsKeep(editor);
+    {
+        const UndoStep step(editor);
+        for (std::size_t i = blocks.size(); i-- > 0 && !work.Stopped();) SortBlock(editor, blocks[i], down, work);
+    }
+    if (work.Stopped()) EditorPaneTakeBack(editor);
+    if (work.Shown()) g_events.statusText(work.Stopped() ? L"Stopped: nothing was sorted" : L"");
+    CaretsRestore(editor, carets, {});
+}
+
+// A caret alone joins its line with the next one.
+void JoinSelected(HWND editor) {
+    std::vector<LineBlock> blocks = CaretLines(editor);
+    const LRESULT last = LineCountOf(editor) - 1;
+    for (LineBlock& block : blocks)
+        if (block.first == block.last) block.last = std::min<std::ptrdiff_t>(block.last + 1, last);
+    blocks = MergedBlocks(blocks);
+    const UndoStep step(editor);
+    for (std::size_t i = blocks.size(); i-- > 0;) {
+        const std::string before = LinesText(editor, blocks[i]);
+        const std::string after = JoinLines(before);
+        if (after == before) continue;
+        TakeMarks(editor, {blocks[i].first + 1, blocks[i].last});
+        const LRESULT start = LineStart(editor, blocks[i].first);
+        // What stays at the front is not touched, so a caret in it stays.
+        const auto same = static_cast<std::size_t>(std::ranges::mismatch(before, after).in1 - before.begin());
+        Replace(editor, start + static_cast<LRESULT>(same), start + static_cast<LRESULT>(before.size()),
+                std::string_view(after).substr(same));
+    }
+}
+
+// --- Letters
+
+wchar_t UpperOf(wchar_t c) {
+    CharUpperBuffW(&c, 1);
+    return c;
+}
+
+wchar_t LowerOf(wchar_t c) {
+    CharLowerBuffW(&c, 1);
+    return c;
+}
+
+std::string InCase(std::string_view text, int command) {
+    if (!IsValidUtf8Bytes(text.data(), text.size())) return std::string(text);  // its bytes would not come back
+    std::wstring wide = Utf8ToWideText(text);
+    const auto length = static_cast<DWORD>(wide.size());
+    if (command == IDM_CASE_UPPER) CharUpperBuffW(wide.data(), length);
+    if (command == IDM_CASE_LOWER) CharLowerBuffW(wide.data(), length);
+    if (command == IDM_CASE_TITLE) wide = TitleCase(wide, UpperOf, LowerOf);
+    return ToUtf8(wide);
+}
+
+void ChangeCase(HWND editor, int command) {
+    const std::vector<CaretSpan> selected = CaretSpans(editor);
+    std::vector<CaretSpan> spans = selected;
+    for (CaretSpan& span : spans) {  // a caret alone means the word at it
+        if (span.start() != span.end()) continue;
+        span = {PaneSend(editor, SCI_WORDSTARTPOSITION, span.caret, TRUE),
+                PaneSend(editor, SCI_WORDENDPOSITION, span.caret, TRUE)};
+    }
+    for (const std::size_t i : InOrder(spans))  // two carets in one word
+        for (std::size_t n = 0; n < i; ++n)
+            if (spans[n].start() < spans[i].end() && spans[i].start() < spans[n].end())
+                spans[i].anchor = spans[i].caret;
+    ChangeSpans(editor, spans, selected, false, [command](std::string_view text) { return InCase(text, command); });
+}
+
+std::size_t TabWidthOf(HWND editor) {
+    return static_cast<std::size_t>(std::max<LRESULT>(1, PaneSend(editor, SCI_GETTABWIDTH)));
+}
+
+}  // namespace
+
+void EditorLineCommand(HWND editor, int command) {
+    if (editor == nullptr || PaneSend(editor, SCI_GETREADONLY) != 0) return;
+    const std::size_t width = TabWidthOf(editor);
+    switch (command) {
+        case IDM_LINES_DUPLICATE: return Duplicate(editor);
+        case IDM_LINES_DELETE: return DeleteLines(editor);
+        case IDM_LINES_UP:
+        case IDM_LINES_DOWN: return MoveLines(editor, command == IDM_LINES_UP);
+        case IDM_LINES_JOIN: return JoinSelected(editor);
+        case IDM_LINES_SORT:
+        case IDM_LINES_SORT_DOWN: return SortSelected(editor, command == IDM_LINES_SORT_DOWN);
+        case IDM_LINES_UNIQUE: return RemoveRepeated(editor);
+        case IDM_LINES_TRIM: return ChangeLines(editor, L"Trimming", LinesOrAll(editor), TrimLineEnds);
+        case IDM_TABS_TO_BLANKS:
+            return ChangeLines(editor, L"Converting", LinesOrAll(editor),
+                               [width](std::string_view text) { return TabsToBlanks(text, width); });
+        case IDM_BLANKS_TO_TABS:
+            return ChangeLines(editor, L"Converting", LinesOrAll(editor),
+                               [width](std::string_view text) { return BlanksToTabs(text, width); });
+        default: return ChangeCase(editor, command);
+    }
+}
+
+void EditorToggleComment(HWND editor) {
+    if (editor == nullptr || PaneSend(editor, SCI_GETREADONLY) != 0) return;
+    const PaneState* pane = PaneStateOf(editor);
+    const std::string_view mark = LineCommentMark(LexerFromExtension(pane != nullptr ? pane->path.c_str() : L""));
+    if (mark.empty()) return;
+    // A caret alone keeps its distance from the end of its line, because only the front changes.
+    std::vector<CaretSpan> spans = CaretSpans(editor);
+    std::vector<std::pair<LRESULT, LRESULT>> fromEnd;  // line, bytes
+    for (const CaretSpan& span : spans) {
+        const LRESULT line = PaneSend(editor, SCI_LINEFROMPOSITION, span.caret);
+        fromEnd.emplace_back(line, PaneSend(editor, SCI_GETLINEENDPOSITION, line) - span.caret);
+    }
+    const bool alone = CaretsAreEmpty(editor);
+    const auto main = static_cast<std::size_t>(PaneSend(editor, SCI_GETMAINSELECTION));
+    ChangeLines(editor, L"Commenting", MergedBlocks(CaretLines(editor)),
+                [mark](std::string_view text) { return ToggleLineComments(text, mark); });
+    if (!alone) return;
+    for (std::size_t i = 0; i < spans.size(); ++i) {
+        const auto& [line, bytes] = fromEnd[i];
+        const LRESULT start = PaneSend(editor, SCI_POSITIONFROMLINE, line);
+        spans[i].anchor = spans[i].caret = std::max(start, PaneSend(editor, SCI_GETLINEENDPOSITION, line) - bytes);
+    }
+    CaretsSelect(editor, spans, main);
+}

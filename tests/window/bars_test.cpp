@@ -1,0 +1,197 @@
+// The toolbar's places and names, the fields of the status bar, the commands for lines and carets in the real editor.
+#include "debug_driver.h"
+
+#include <commctrl.h>
+
+#include <map>
+
+#include "resources/ids.h"
+
+namespace {
+
+using namespace debug_driver;
+
+constexpr char kSource[] = "FUNCTION PBMAIN () AS LONG\r\n    FUNCTION = 1\r\nEND FUNCTION\r\n";
+
+std::wstring ButtonName(const Editor& editor, int command) {
+    const HWND bar = editor.Child(IDC_TOOLBAR);
+    wchar_t name[64] = {};
+    const RemoteBlock block(editor.process, sizeof(name));
+    if (editor.Send(bar, TB_GETBUTTONTEXTW, static_cast<WPARAM>(command), block.At()) <= 0) return L"";
+    block.Get(name, sizeof(name));
+    return name;
+}
+
+TEST(Bars, ButtonsHaveNamesAndKeepTheirPlaces) {
+    const Session session(L"bar.bas", kSource, L"kvxa64");
+    const Editor& editor = session.editor;
+    editor.ShowAt(96, 1200, 700);
+    for (const auto& [command, name] : std::map<int, const wchar_t*>{{IDM_BUILD_RUN, L"Build & Run"},
+                                                                     {IDM_FILE_SAVE_ALL, L"Save All"},
+                                                                     {IDM_DEBUG_BUTTON_STOP, L"Stop Debugging"},
+                                                                     {IDM_TOOLBAR_MORE, L"More Buttons"}})
+        EXPECT_EQ(ButtonName(editor, command), name);
+    const int places[] = {IDM_BUILD, IDM_DEBUG_BUTTON_STOP, IDM_DEBUG_BREAKPOINT, IDM_VIEW_AI};
+    const auto all = [&] {
+        std::string text;
+        for (const int command : places) text += std::to_string(editor.ButtonRect(command).left) + " ";
+        return text;
+    };
+    const std::string before = all();
+    for (const int compiler : {IDM_USE_KVXC64, IDM_USE_KELDORBASIC, IDM_USE_KVXA64}) {
+        editor.Do(compiler);
+        EXPECT_EQ(all(), before) << compiler;
+    }
+    ASSERT_TRUE(session.Start()) << editor.Describe();
+    EXPECT_EQ(all(), before) << "a program is debugged";
+    EXPECT_TRUE(editor.ButtonShown(IDM_DEBUG_CONTINUE) && !editor.ButtonShown(IDM_DEBUG_BUTTON_START));
+}
+
+void ClickField(const Editor& editor, int part) {
+    const HWND bar = editor.Child(IDC_STATUS_BAR);
+    editor.Click(bar, Centre(editor.Ask<RECT>(bar, SB_GETRECT, static_cast<WPARAM>(part))));
+}
+
+void Choose(const Editor& editor, int downs) {
+    ASSERT_TRUE(editor.AwaitMenu(true));
+    for (int i = 0; i < downs; ++i) editor.Keys({VK_DOWN});
+    editor.Keys({VK_RETURN});
+    ASSERT_TRUE(editor.AwaitMenu(false));
+}
+
+TEST(Bars, FieldsOfTheStatusBarReact) {
+    ProgramFolder folder;
+    const std::wstring file = folder.Write(L"form.bas", "a\xC3\xA9\r\nb\r\n");
+    Editor editor(folder, OpenArgument(file));
+    editor.Foreground();
+    ASSERT_EQ(editor.Status(kPartEncoding), L"UTF-8");
+    ClickField(editor, kPartEncoding);
+    Choose(editor, 3);  // Save as UTF-16 LE
+    EXPECT_TRUE(WaitFor([&] { return editor.Status(kPartEncoding) == L"UTF-16 LE"; }));
+    editor.Do(IDM_FILE_SAVE);
+    EXPECT_EQ(folder.Read(L"form.bas").substr(0, 6), std::string("\xFF\xFE"
+                                                                 "a\0\xE9\0",
+                                                                 6))
+        << "and nobody was asked";
+    // The same by the keyboard: to the bar, over two fields, and the menu of the line ending.
+    editor.Keys({VK_SHIFT, VK_F6});
+    EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Child(IDC_TOOLBAR); }));
+    editor.Keys({VK_SHIFT, VK_F6});
+    ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Child(IDC_STATUS_BAR); }));
+    for (const int key : {VK_RIGHT, VK_RIGHT, VK_RETURN}) editor.Keys({key});
+    Choose(editor, 2);  // LF
+    EXPECT_TRUE(WaitFor([&] { return editor.Status(kPartLineEnding) == L"LF"; }));
+    EXPECT_EQ(editor.Text(), "a\xC3\xA9\nb\n");
+    EXPECT_EQ(editor.Sci(SCI_GETEOLMODE), SC_EOL_LF);
+    editor.Keys({VK_ESCAPE});
+    EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
+    editor.Do(IDM_ENCODE_UTF8);
+    editor.Do(IDM_FILE_SAVE);
+    EXPECT_EQ(folder.Read(L"form.bas"), "a\xC3\xA9\nb\n");
+    editor.Do(IDM_REOPEN_ANSI);
+    EXPECT_TRUE(WaitFor([&] { return editor.Text() == "a\xC3\x83\xC2\xA9\nb\n"; })) << editor.Text();
+    EXPECT_TRUE(WaitFor([&] { return editor.Status(kPartEncoding) == L"ANSI"; }));
+    // A field that is not wanted, from the menu of the bar.
+    editor.Click(editor.Child(IDC_STATUS_BAR), {20, 10}, MOUSEEVENTF_RIGHTDOWN);
+    Choose(editor, 9);  // Zoom, the last one
+    EXPECT_TRUE(WaitFor([&] { return folder.Ini(L"Window", L"StatusHidden") == L"512"; }));
+    const RECT zoom = editor.Ask<RECT>(editor.Child(IDC_STATUS_BAR), SB_GETRECT, 9);
+    EXPECT_LE(zoom.right - zoom.left, 2);
+}
+
+struct LineStep {
+    const char* name;
+    std::vector<std::pair<int, int>> selections;  // anchor and caret, in bytes
+    int command;
+    const char* after;
+};
+
+TEST(Bars, LineCommandsWorkOnEverySelectionInOneStep) {
+    ProgramFolder folder;
+    const std::string text = "one\r\ntwo\r\nthree\r\nfour";  // at 0, 5, 10, 17
+    const std::wstring file = folder.Write(L"lines.txt", text);
+    Editor editor(folder, OpenArgument(file));
+    const LineStep steps[] = {
+        {"the last line goes up", {{18, 18}}, IDM_LINES_UP, "one\r\ntwo\r\nfour\r\nthree"},
+        {"the first line does not", {{1, 1}, {18, 18}}, IDM_LINES_UP, "one\r\ntwo\r\nthree\r\nfour"},
+        {"two blocks go down", {{1, 1}, {11, 12}}, IDM_LINES_DOWN, "two\r\none\r\nfour\r\nthree"},
+        {"the last line twice", {{17, 17}}, IDM_LINES_DUPLICATE, "one\r\ntwo\r\nthree\r\nfour\r\nfour"},
+        {"two selections twice", {{0, 1}, {5, 6}}, IDM_LINES_DUPLICATE, "oone\r\nttwo\r\nthree\r\nfour"},
+        {"the last line goes", {{18, 18}}, IDM_LINES_DELETE, "one\r\ntwo\r\nthree"},
+        {"two lines go", {{1, 1}, {11, 11}}, IDM_LINES_DELETE, "two\r\nfour"},
+        {"join with the next", {{1, 1}}, IDM_LINES_JOIN, "one two\r\nthree\r\nfour"},
+        {"join three", {{0, 12}}, IDM_LINES_JOIN, "one two three\r\nfour"},
+        {"sort all", {{3, 3}}, IDM_LINES_SORT, "four\r\none\r\nthree\r\ntwo"},
+        {"sort some down", {{5, 17}}, IDM_LINES_SORT_DOWN, "one\r\ntwo\r\nthree\r\nfour"},
+        {"words at two carets", {{1, 1}, {11, 11}}, IDM_CASE_UPPER, "ONE\r\ntwo\r\nTHREE\r\nfour"},
+        {"a part of a word", {{10, 12}}, IDM_CASE_TITLE, "one\r\ntwo\r\nThree\r\nfour"},
+    };
+    for (const LineStep& step : steps) {
+        for (std::size_t i = 0; i < step.selections.size(); ++i)
+            editor.Sci(i == 0 ? SCI_SETSELECTION : SCI_ADDSELECTION, static_cast<WPARAM>(step.selections[i].second),
+                       step.selections[i].first);
+        editor.Do(step.command);
+        EXPECT_EQ(editor.Text(), step.after) << step.name;
+        if (editor.Text() != text) editor.Do(IDM_EDIT_UNDO);
+        EXPECT_EQ(editor.Text(), text) << step.name << ", undone";
+    }
+    // Marks go with their lines, whether the line moves or is passed by another.
+    editor.Sci(SCI_GOTOLINE, 1);
+    editor.Do(IDM_BOOKMARK_TOGGLE);
+    editor.Do(IDM_LINES_DOWN);
+    EXPECT_EQ(editor.Sci(SCI_MARKERNEXT, 0, 2), 2);
+    editor.Sci(SCI_GOTOLINE, 1);
+    editor.Do(IDM_LINES_DOWN);
+    EXPECT_EQ(editor.Sci(SCI_MARKERNEXT, 0, 2), 1);
+    editor.Do(IDM_LINES_SORT);  // four, one, three, two
+    EXPECT_EQ(editor.Sci(SCI_MARKERNEXT, 0, 2), 3);
+    // Carets above one another, and each place of a word.
+    editor.Sci(SCI_GOTOPOS, 2);
+    editor.Foreground();
+    editor.Keys({VK_CONTROL, VK_MENU, VK_DOWN});
+    ASSERT_TRUE(WaitFor([&] { return editor.Sci(SCI_GETSELECTIONS) == 2; }));
+    editor.Keys({'X'});
+    EXPECT_TRUE(WaitFor([&] { return editor.Text().starts_with("foxur\r\nonxe\r\n"); })) << editor.Text();
+    editor.Sci(SCI_SETSEL, 0, 0);
+    editor.Do(IDM_SELECT_EACH);
+    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONS), 1) << "a whole word";
+    // A column, by which its lines are sorted.
+    editor.Sci(SCI_SETSEL, 0, -1);
+    editor.Type("1z\r\n2a\r\n3m\r\n");
+    editor.Sci(SCI_SETRECTANGULARSELECTIONANCHOR, 1);
+    editor.Sci(SCI_SETRECTANGULARSELECTIONCARET, 10);
+    editor.Do(IDM_LINES_SORT);
+    EXPECT_EQ(editor.Text(), "2a\r\n3m\r\n1z\r\n");
+    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONMODE), SC_SEL_RECTANGLE) << "the column is still selected";
+}
+
+TEST(Bars, BlocksAreFoldedByCommands) {
+    ProgramFolder folder;
+    const std::wstring file = folder.Write(
+        L"fold.bas", "SUB A\r\n  IF 1 THEN\r\n    x = 1\r\n  END IF\r\nEND SUB\r\nSUB B\r\n  y = 2\r\nEND SUB\r\n");
+    Editor editor(folder, OpenArgument(file));
+    const auto shown = [&] {
+        std::string lines;
+        for (WPARAM line = 0; line < 8; ++line) lines += editor.Sci(SCI_GETLINEVISIBLE, line) != 0 ? '1' : '.';
+        return lines;
+    };
+    ASSERT_TRUE(WaitFor([&] { return (editor.Sci(SCI_GETFOLDLEVEL, 5) & SC_FOLDLEVELHEADERFLAG) != 0; }));
+    for (const auto& [command, lines] : {std::pair{IDM_FOLD_ALL, "1....1.."},
+                                         {IDM_UNFOLD_ALL, "11111111"},
+                                         {IDM_FOLD_LEVEL_2, "11..1111"},
+                                         {IDM_FOLD_LEVEL_FIRST, "1....1.."},
+                                         {IDM_UNFOLD_ALL, "11111111"}}) {
+        editor.Do(command);
+        EXPECT_EQ(shown(), lines) << command;
+    }
+    editor.Sci(SCI_GOTOLINE, 2);
+    editor.Do(IDM_FOLD);
+    EXPECT_EQ(shown(), "11..1111");
+    EXPECT_EQ(editor.Line(), 2) << "the caret is not left where nobody sees it";
+    editor.Do(IDM_FOLD);
+    EXPECT_EQ(shown(), "1....111");
+    editor.Do(IDM_UNFOLD);
+    EXPECT_EQ(shown(), "11..1111");
+}
+
+}  // namespace
