@@ -42,8 +42,6 @@ std::wstring CommandTip(std::wstring_view menuText, std::wstring_view key) {
     return tip;
 }
 
-std::wstring NameOfTip(const std::wstring& tip) { return tip.ends_with(L')') ? tip.substr(0, tip.rfind(L" (")) : tip; }
-
 std::wstring MenuTextOfTip(std::wstring tip) {
     const std::size_t key = tip.rfind(L" (");
     if (key == std::wstring::npos || !tip.ends_with(L')')) return tip;

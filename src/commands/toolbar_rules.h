@@ -34,8 +34,6 @@ ToolbarShare ShareToolbar(std::span<const ButtonRow> rows, std::uint32_t conditi
 // A tooltip from a menu text: "Save A&ll\tCtrl+Shift+S" -> "Save All (Ctrl+Shift+S)". Removes dots at the end of the
 // name. `key` is shown when the text names none; it may be empty.
 std::wstring CommandTip(std::wstring_view menuText, std::wstring_view key);
-// "Save (Ctrl+S)" -> "Save".
-std::wstring NameOfTip(const std::wstring& tip);
 // "Save (Ctrl+S)" -> "Save\tCtrl+S".
 std::wstring MenuTextOfTip(std::wstring tip);
 

@@ -72,9 +72,9 @@ std::wstring ButtonTip(const ButtonRow& row) {
     return CommandTip(row.tip != nullptr ? row.tip : text, FirstExtraKeyOf(command));
 }
 
-// What screen readers say: the name without the key. Only the compiler button shows its text.
+// What screen readers say. Only the compiler button shows its text; the control shows that of the others as their tips.
 std::wstring ButtonName(const ButtonRow& row) {
-    return row.command == IDM_COMPILER_MENU ? ToolbarCompilerText() : NameOfTip(ButtonTip(row));
+    return row.command == IDM_COMPILER_MENU ? ToolbarCompilerText() : ButtonTip(row);
 }
 
 // All at once, because the control lays out all its buttons at each message.

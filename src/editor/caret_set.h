@@ -41,6 +41,8 @@ bool CaretsAreEmpty(HWND editor);  // nothing is selected
 // first line is in it is in it.
 std::vector<LineBlock> CaretLines(HWND editor);
 
+// A caret more at the position; one that is there already goes, unless it is the only one.
+void CaretToggleAt(HWND editor, std::vector<CaretSpan> spans, LRESULT position);
 void CaretAddBeside(HWND editor, bool above);  // a caret on the line above the first one, or below the last one
 // Selects the word at the caret, or one place more of what is selected.
 void CaretSelectNext(HWND editor);

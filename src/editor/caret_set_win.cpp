@@ -148,6 +148,16 @@ std::vector<LineBlock> CaretLines(HWND editor) {
     return blocks;
 }
 
+void CaretToggleAt(HWND editor, std::vector<CaretSpan> spans, LRESULT position) {
+    const auto there = std::ranges::find_if(
+        spans, [position](const CaretSpan& span) { return span.start() <= position && position <= span.end(); });
+    if (there == spans.end() && spans.size() < kMostCarets)
+        spans.push_back({position, position});
+    else if (there != spans.end() && spans.size() > 1)
+        spans.erase(there);
+    CaretsSelect(editor, spans, spans.size() - 1);
+}
+
 void CaretAddBeside(HWND editor, bool above) {
     if (editor == nullptr) return;
     const std::vector<CaretSpan> spans = CaretSpans(editor);

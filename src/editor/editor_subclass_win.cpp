@@ -6,6 +6,7 @@
 #include "base/log.h"
 #include "editor/caret_place.h"
 #include "editor/editor_pane.h"
+#include "editor/margins.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "ui/subclass.h"
@@ -128,14 +129,38 @@ bool TakeTypedWord(HWND pane) {
            SciSend(pane, SCI_GETSELECTIONS) == 1 && SciSend(pane, SCI_GETSELECTIONEMPTY) != 0;
 }
 
+bool OnlyAlt(WPARAM keys) { return GetKeyState(VK_MENU) < 0 && (keys & (MK_CONTROL | MK_SHIFT)) == 0; }
+
+bool IsInMargins(HWND pane, LPARAM point) {
+    LRESULT right = 0;
+    for (int margin = 0; margin < kMarginCount; ++margin)
+        right += SciSend(pane, SCI_GETMARGINWIDTHN, static_cast<WPARAM>(margin));
+    return GET_X_LPARAM(point) < right;
+}
+
 LRESULT OnPaneButtonDown(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
     LogPaneMouse(pane, message, wParam, lParam);
     if (PaneState* state = PaneStateOf(pane); state != nullptr) state->pressing = true;
     if (message == WM_LBUTTONDOWN && TakeTypedWord(pane)) EditorPaneAfterLeaving(pane);
+    if (PaneState* state = PaneStateOf(pane); state != nullptr && message == WM_LBUTTONDOWN)
+        state->beforePress =
+            OnlyAlt(wParam) && !IsInMargins(pane, lParam) ? CaretSpans(pane) : std::vector<CaretSpan>{};
     if (message == WM_LBUTTONDOWN) TakeFocus(pane);
     const LRESULT result = SubclassNext(pane, message, wParam, lParam);
     CaretLeaveHiddenLine(pane);  // the press may have folded a block
     if (PaneState* state = PaneStateOf(pane); state != nullptr) state->pressing = false;
+    return result;
+}
+
+// With Alt the mouse selects a column. When it has not moved, the click means a caret more.
+LRESULT OnPaneButtonUp(HWND pane, WPARAM wParam, LPARAM lParam) {
+    LogPaneMouse(pane, WM_LBUTTONUP, wParam, lParam);
+    const LRESULT result = SubclassNext(pane, WM_LBUTTONUP, wParam, lParam);
+    PaneState* state = PaneStateOf(pane);
+    if (state == nullptr || state->beforePress.empty()) return result;
+    std::vector<CaretSpan> spans = std::exchange(state->beforePress, {});
+    const bool moved = SciSend(pane, SCI_GETSELECTIONS) != 1 || SciSend(pane, SCI_GETSELECTIONEMPTY) == 0;
+    if (!moved) CaretToggleAt(pane, std::move(spans), SciSend(pane, SCI_GETCURRENTPOS));
     return result;
 }
 
@@ -219,6 +244,7 @@ LRESULT CALLBACK EditorPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
             break;
         case WM_KILLFOCUS: OnPaneKillFocus(pane); break;
         case WM_MOUSEACTIVATE: return OnPaneMouseActivate(pane, wParam, lParam);
+        case WM_LBUTTONUP: return OnPaneButtonUp(pane, wParam, lParam);
         case WM_LBUTTONDOWN:
         case WM_RBUTTONDOWN:
         case WM_MBUTTONDOWN: return OnPaneButtonDown(pane, message, wParam, lParam);

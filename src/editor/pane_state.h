@@ -1,6 +1,7 @@
 // The state of one Scintilla pane, and the functions that the pane's files share. Private to this folder. UI thread.
 #pragma once
 
+#include "editor/caret_set.h"
 #include "editor/colour_marks.h"
 #include "editor/editor_pane.h"
 #include "editor/pane_rules.h"
@@ -35,6 +36,7 @@ struct PaneState {
     std::optional<std::uint32_t> compilerId;  // whose dialect the text is in
     bool emptyPaint = false;                  // a paint of an empty area runs, which needs no preparation
     bool pressing = false;                    // a mouse button that goes down on the pane is being handled
+    std::vector<CaretSpan> beforePress;       // the selections before Alt and a press of the left button; empty: none
     LRESULT typedAt = -1;                     // the caret behind the last typed character, when that is of a word
     WheelRest zoomWheel;                      // movements with Ctrl that do not make a notch yet
     bool bracesShown = false;                 // a bracket and its partner are marked
