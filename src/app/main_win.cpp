@@ -148,7 +148,7 @@ void LogCommandLineResult() {
 
 bool IsDown(int key) { return GetKeyState(key) < 0; }
 
-// A command was given by Alt and a key, and Alt is still down.
+// A command was given by Alt and a key or a click, and Alt is still down.
 bool g_altIsUsed = false;
 
 // The key, where the layout of the keyboard matters: the one left of the 1 counts as the backquote, which not every layout
@@ -173,6 +173,7 @@ bool TranslateExtraKey(const MSG& message) {
 
 // The end of Alt, which would open the menu although the key with it was a command.
 bool IsEndOfUsedAlt(const MSG& message) {
+    if (message.message == WM_LBUTTONDOWN && IsDown(VK_MENU)) g_altIsUsed = true;  // a caret more, or a column
     if (message.wParam != VK_MENU) return false;
     const bool up = message.message == WM_SYSKEYUP || message.message == WM_KEYUP;
     const bool pressed = message.message == WM_SYSKEYDOWN && (HIWORD(message.lParam) & KF_REPEAT) == 0;

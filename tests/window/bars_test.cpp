@@ -26,10 +26,11 @@ TEST(Bars, ButtonsHaveNamesAndKeepTheirPlaces) {
     const Session session(L"bar.bas", kSource, L"kvxa64");
     const Editor& editor = session.editor;
     editor.ShowAt(96, 1200, 700);
-    for (const auto& [command, name] : std::map<int, const wchar_t*>{{IDM_BUILD_RUN, L"Build & Run (F5)"},
-                                                                     {IDM_FILE_SAVE_ALL, L"Save All (Ctrl+Shift+S)"},
-                                                                     {IDM_DEBUG_BUTTON_STOP, L"Stop Debugging (Shift+F5)"},
-                                                                     {IDM_TOOLBAR_MORE, L"More Buttons (Alt+F2)"}})
+    for (const auto& [command, name] :
+         std::map<int, const wchar_t*>{{IDM_BUILD_RUN, L"Build & Run (F5)"},
+                                       {IDM_FILE_SAVE_ALL, L"Save All (Ctrl+Shift+S)"},
+                                       {IDM_DEBUG_BUTTON_STOP, L"Stop Debugging (Shift+F5)"},
+                                       {IDM_TOOLBAR_MORE, L"More Buttons (Alt+F2)"}})
         EXPECT_EQ(ButtonName(editor, command), name);
     const int places[] = {IDM_BUILD, IDM_DEBUG_BUTTON_STOP, IDM_DEBUG_BREAKPOINT, IDM_VIEW_AI};
     const auto all = [&] {
