@@ -26,6 +26,8 @@ const SettingItem& ItemOf(std::wstring_view key, std::wstring_view section = L"E
     return SettingsPages()[0].items[0];
 }
 
+TEST(SettingsPages, TheReferenceIsThatOfTheTable) { ExpectFile("../docs/settings.md", SettingsReference()); }
+
 TEST(SettingsPages, EverySettingIsOnOnePageOrKeptByTheProgram) {
     for (const SettingRow& row : SettingRows()) {
         int places = SettingIsKeptByProgram(row) ? 1 : 0;
