@@ -1,6 +1,7 @@
 // Commands, from menu, toolbar and keys, to whoever carries them out. UI thread only.
 #include "ai/ai_commands.h"
 #include "ai/ai_pane.h"
+#include "app/about.h"
 #include "app/app_state.h"
 #include "app/main_window.h"
 #include "app/recent_menu.h"
@@ -32,7 +33,6 @@
 #include "search/find.h"
 #include "search/find_bar.h"
 #include "session/session.h"
-#include "settings/version.h"
 #include "settingsui/settings_dialog.h"
 #include "symbols/symbol_commands.h"
 #include "ui/clipboard.h"
@@ -111,12 +111,6 @@ void SaveWorkspace(int) {
     StatusBarSetText(WorkspaceSave(nullptr) != 0 ? L"Workspace saved" : L"Workspace could not be saved");
 }
 
-void ShowAbout(int) {
-    InfoMessage(
-        L"KVX-"
-        L"Editor " KVX_VERSION L"\n\nA source editor for BASIC, C and assembly: write, build, go to the error, run.");
-}
-
 // Leads the keyboard to the document that came to the front. Without one, it stays where it is.
 template <typename Work>
 void ToAnotherDocument(Work work) {
@@ -169,7 +163,7 @@ constexpr CommandHandler kFrameHandlers[] = {
     {IDM_WORKSPACE_NEW, [](int) { WorkspaceNew(); }},
     {IDM_WORKSPACE_OPEN, [](int) { OpenWorkspace(); }},
     {IDM_WORKSPACE_SAVE, SaveWorkspace},
-    {IDM_HELP_ABOUT, ShowAbout},
+    {IDM_HELP_ABOUT, [](int) { AboutShow(); }},
 };
 
 }  // namespace

@@ -4,6 +4,8 @@
 #include "settings/settings_import.h"
 #include "settingsui/settings_form.h"
 #include "settingsui/settings_preview.h"
+#include "settingsui/settings_reference.h"
+#include "support/golden_file.h"
 #include "ui/form_layout.h"
 
 #include <gtest/gtest.h>
