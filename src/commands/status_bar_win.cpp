@@ -3,6 +3,7 @@
 
 #include "commands/command_state.h"
 #include "commands/commands_state.h"
+#include "commands/focus_frame.h"
 #include "commands/status_bar_text.h"
 #include "commands/status_fields.h"
 #include "commands/status_fields_window.h"
@@ -123,11 +124,7 @@ void PaintStatusPart(HDC dc, int part, const RECT& area, const ThemeChrome& chro
         FillArea(dc, line, chrome.line);
     }
     if (part != StatusFieldWithKeyboard()) return;
-    const RECT frame = {area.left + 1, area.top + 1, area.right - 1, area.bottom - 1};
-    FillArea(dc, {frame.left, frame.top, frame.right, frame.top + 1}, chrome.accent);
-    FillArea(dc, {frame.left, frame.bottom - 1, frame.right, frame.bottom}, chrome.accent);
-    FillArea(dc, {frame.left, frame.top, frame.left + 1, frame.bottom}, chrome.accent);
-    FillArea(dc, {frame.right - 1, frame.top, frame.right, frame.bottom}, chrome.accent);
+    DrawFocusFrame(dc, {area.left + 1, area.top + 1, area.right - 1, area.bottom - 1});
 }
 
 void PaintStatusBar(HWND window) {

@@ -55,6 +55,8 @@ bool OnBarKey(HWND bar, WPARAM key) {
         case VK_RIGHT: GoToButton(bar, FindStop(bar, IndexNow(bar) + 1, 1)); return true;
         case VK_HOME: GoToButton(bar, FindStop(bar, 0, 1)); return true;
         case VK_END: GoToButton(bar, FindStop(bar, SendMessageW(bar, TB_BUTTONCOUNT, 0, 0) - 1, -1)); return true;
+        case VK_RETURN:
+        case VK_SPACE: return true;  // WM_CHAR presses the button; the control would press it once more
         case VK_DOWN: PressButton(bar); return true;
         case VK_ESCAPE: FocusEditorFromPane(); return true;
         default: return false;

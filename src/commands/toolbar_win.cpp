@@ -3,6 +3,7 @@
 
 #include "commands/command_state.h"
 #include "commands/commands_state.h"
+#include "commands/focus_frame.h"
 #include "commands/toolbar_fit.h"
 #include "commands/toolbar_internal.h"
 #include "commands/toolbar_keys.h"
@@ -172,6 +173,8 @@ LRESULT DrawButton(NMTBCUSTOMDRAW& draw) {
     draw.clrHighlightHotTrack = chrome.hover;
     if ((draw.nmcd.uItemState & (CDIS_CHECKED | CDIS_HOT | CDIS_SELECTED)) != 0)
         FillArea(draw.nmcd.hdc, draw.nmcd.rc, chrome.hover);
+    if (draw.nmcd.hdr.hwndFrom == GetFocus() && (draw.nmcd.uItemState & CDIS_HOT) != 0)
+        DrawFocusFrame(draw.nmcd.hdc, draw.nmcd.rc);
     if (draw.nmcd.dwItemSpec != IDM_COMPILER_MENU)
         return TBCDRF_NOBACKGROUND | TBCDRF_NOEDGES | TBCDRF_NOOFFSET | TBCDRF_USECDCOLORS;
     DrawCompilerButton(draw, chrome.statusText);

@@ -84,9 +84,11 @@ void PutMarks(HWND editor, LRESULT line, LRESULT marks) {
         if ((marks >> mark & 1) != 0) PaneSend(editor, SCI_MARKERADD, line, mark);
 }
 
-bool HasMarks(HWND editor, const LineBlock& block) {
-    const LRESULT line = PaneSend(editor, SCI_MARKERNEXT, block.first, kKeptMask);
-    return line >= 0 && line <= block.last;
+// Whether the lines have something that they would lose if they were taken out and put in again.
+bool HasMarksOrFolds(HWND editor, const LineBlock& block) {
+    const LRESULT marked = PaneSend(editor, SCI_MARKERNEXT, block.first, kKeptMask);
+    const LRESULT folded = PaneSend(editor, SCI_CONTRACTEDFOLDNEXT, block.first);
+    return (marked >= 0 && marked <= block.last) || (folded >= 0 && folded <= block.last);
 }
 
 // --- Which lines
@@ -227,7 +229,7 @@ LineBlock LinesPassed(HWND editor, const LineBlock& block, bool up) {
 // Lets two neighbours change places. Only one of them is taken out and put in again; the other one keeps its marks and what
 // is folded in it, so it is the one that has some.
 void SwapBlocks(HWND editor, const LineBlock& upper, const LineBlock& lower) {
-    const bool movesUpper = HasMarks(editor, lower) || !HasMarks(editor, upper);
+    const bool movesUpper = HasMarksOrFolds(editor, lower) || !HasMarksOrFolds(editor, upper);
     const LineBlock& moved = movesUpper ? upper : lower;
     const TextMove move = MoveOver(LinesText(editor, upper), LinesText(editor, lower), movesUpper);
     const LRESULT start = LineStart(editor, upper.first);

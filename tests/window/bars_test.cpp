@@ -76,7 +76,12 @@ TEST(Bars, FieldsOfTheStatusBarReact) {
         << "and nobody was asked";
     // The same by the keyboard: to the bar, over two fields, and the menu of the line ending.
     editor.Keys({VK_SHIFT, VK_F6});
-    EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Child(IDC_TOOLBAR); }));
+    ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Child(IDC_TOOLBAR); }));
+    editor.Keys({VK_RETURN});  // the first button
+    EXPECT_TRUE(WaitFor([&] { return editor.Tabs() == 2 && editor.Focus() == editor.Sci(); }));
+    editor.Do(IDM_FILE_CLOSE);
+    EXPECT_EQ(editor.Tabs(), 1) << "one new document for one key";
+    editor.Keys({VK_SHIFT, VK_F6});
     editor.Keys({VK_SHIFT, VK_F6});
     ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Child(IDC_STATUS_BAR); }));
     for (const int key : {VK_RIGHT, VK_RIGHT, VK_RETURN}) editor.Keys({key});
@@ -193,6 +198,11 @@ TEST(Bars, BlocksAreFoldedByCommands) {
     EXPECT_EQ(shown(), "1....111");
     editor.Do(IDM_UNFOLD);
     EXPECT_EQ(shown(), "11..1111");
+    // What is folded is passed as a whole, and stays folded.
+    editor.Sci(SCI_GOTOLINE, 4);
+    editor.Do(IDM_LINES_UP);
+    EXPECT_TRUE(editor.Text().starts_with("SUB A\r\nEND SUB\r\n  IF 1 THEN\r\n")) << editor.Text();
+    EXPECT_EQ(shown(), "111..111");
 }
 
 }  // namespace
