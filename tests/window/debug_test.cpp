@@ -459,8 +459,8 @@ TEST(Debug, ADoubleClickOnStartIsOneStart) {
     const HWND bar = editor.Child(IDC_TOOLBAR);
     const auto startedOnce = [&] {
         ASSERT_TRUE(AwaitStatus(editor, L"Stopped at steps.bas:2", kBuildDeadline));
-        ASSERT_TRUE(editor.AwaitOutput(L"[Debug] Stopped at steps.bas:2\n"));
-        EXPECT_EQ(Count(editor.Output(), L"[Debug] Started."), 1) << Utf8(editor.Output());
+        ASSERT_TRUE(editor.AwaitOutput(L"[Debug] Stopped at steps.bas:2 (start)\n"));
+        EXPECT_EQ(Count(editor.Output(), L"(start)"), 1) << Utf8(editor.Output());
         EXPECT_EQ(CountProcesses(L"steps.exe"), 1);
     };
     const auto stop = [&] {
