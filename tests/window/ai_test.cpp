@@ -266,8 +266,8 @@ TEST(Assistant, ExplainsAndFixesADiagnostic) {
                         "(2,1): error: unknown PRNT\nexit 1\n");
     Editor editor(folder, OpenArgument(file) + L" --compiler kvxa64");
     Build(editor);
-    editor.Do(IDM_ERROR_NEXT);
-    editor.Do(IDM_ERROR_NEXT);
+    editor.Sci(SCI_GRABFOCUS);
+    editor.Sci(SCI_GOTOLINE, 1);  // the diagnostic of the caret's line is meant, without a jump to it
     editor.Do(IDM_AI_EXPLAIN);
     ASSERT_TRUE(AwaitChat(editor, L"[You]: Explain this error: x.bas(2): error: unknown PRNT\r\n"));
     ASSERT_TRUE(WaitFor([&] { return editor.Status().starts_with(L"LM-Studio answered"); }));
