@@ -14,6 +14,7 @@ constexpr int kMaximumSideWidth = 600;
 constexpr int kMinimumTreeWidth = 100;
 constexpr int kMaximumTreeWidth = 200;    // for a drag; a setting may be larger
 constexpr int kMinimumBottomWidth = 160;  // of the bottom, and of the bottom right beside it
+constexpr int kLeastDebugHeight = 190;    // of the bottom right: a row of tabs, titles, and six rows
 
 PaneRect AreaOf(int left, int right, int top, int bottom) {
     return {left, top, std::max(left, right), std::max(top, bottom)};
@@ -75,12 +76,19 @@ void PlaceBottom(const LayoutInput& input, PaneRect area, PaneLayout& layout) {
     ShareArea(input, PaneArea::Bottom, area, true, layout);
 }
 
+// The lowest y at which the bottom right may begin: its views show some rows, and the editor keeps half of a small area.
+// The wish of the user for the bar counts again when the bottom right is closed.
+int LowestDebugTop(const PaneRect& document, int dpi) {
+    return document.bottom - std::min(ScaledTo(kLeastDebugHeight, dpi), document.height() / 2);
+}
+
 // Places all panes below the editor, with their bars. Returns the y at which the editor ends.
 int PlaceBelowEditor(const LayoutInput& input, const PaneRect& document, PaneLayout& layout) {
     const bool bottom = PanesIn(input, PaneArea::Bottom) > 0;
     if (!bottom && PanesIn(input, PaneArea::BottomRight) == 0) return document.bottom;
     layout.outputSplit = ClampSplitter(document.bottom, document.top, input.outputSplit);
-    const int end = std::clamp(layout.outputSplit, document.top, document.bottom);
+    int end = std::clamp(layout.outputSplit, document.top, document.bottom);
+    if (PanesIn(input, PaneArea::BottomRight) > 0) end = std::min(end, LowestDebugTop(document, input.dpi));
     layout.outputSplitter =
         AreaOf(document.left, document.right, end, std::min(document.bottom, end + kSplitterThickness));
     PaneRect below = AreaOf(document.left, document.right, layout.outputSplitter.bottom, document.bottom);

@@ -25,6 +25,7 @@ constexpr ContextItem kTextItems[] = {
     kSeparator,
     {IDM_DEBUG_BREAKPOINT, L"Toggle &Breakpoint"},
     {IDM_DEBUG_RUN_TO_CURSOR, L"Run to Cur&sor"},
+    {IDM_DEBUG_NAME_PLACE, L"Name a P&lace..."},
     kSeparator,
     {IDM_AI_OPENAI, L"Ask About Select&ion"},
 };

@@ -195,6 +195,12 @@ NameQuestion QuestionAtCaret(const DocumentTab& document) {
     return question;
 }
 
+void ShowNameDialog(HWND owner, NameQuestion question) {
+    if (DialogBoxParamW(g_ui.hInstance, MAKEINTRESOURCEW(IDD_NAME_PLACE), owner, NamePlaceDlgProc,
+                        reinterpret_cast<LPARAM>(&question)) == -1)
+        AppLogMsg(L"FAIL: AskNameOfPlace error=%lu", GetLastError());
+}
+
 }  // namespace
 
 void AskNameOfPlace(HWND owner) {
@@ -205,8 +211,15 @@ void AskNameOfPlace(HWND owner) {
         return;
     }
     PaneProgramRead();  // the pane may be hidden: it reads nothing then
-    NameQuestion question = QuestionAtCaret(TabAt(tab));
-    if (DialogBoxParamW(g_ui.hInstance, MAKEINTRESOURCEW(IDD_NAME_PLACE), owner, NamePlaceDlgProc,
-                        reinterpret_cast<LPARAM>(&question)) == -1)
-        AppLogMsg(L"FAIL: AskNameOfPlace error=%lu", GetLastError());
+    ShowNameDialog(owner, QuestionAtCaret(TabAt(tab)));
+}
+
+void AskNameOfPlaceAt(HWND owner, std::uint32_t fileId, std::uint32_t line, const std::string& place) {
+    const SourceScope scope = ScopeOfLine(fileId, line);
+    if (scope.file.empty()) return g_events.statusText(L"There is no source here that a name could belong to");
+    NameQuestion question = {
+        .file = scope.file, .procedure = scope.Name(), .named = {.name = {}, .place = place}, .before = {}};
+    for (const NamedPlace& known : NamesOfProcedure(question.file, question.procedure))
+        if (CompareNames(known.place, place) == 0) question = {question.file, question.procedure, known, known.name};
+    ShowNameDialog(owner, std::move(question));
 }

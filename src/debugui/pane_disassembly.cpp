@@ -89,6 +89,15 @@ CodeBytes ReadCodeAround(std::uint64_t target, const CodeReader& readSome) {
     return {};
 }
 
+std::string FramePlaceOf(std::string_view instruction) {
+    const std::size_t open = instruction.find('[');
+    const std::size_t close = instruction.find(']', open);
+    if (close == std::string_view::npos) return {};
+    const std::string_view place = instruction.substr(open + 1, close - open - 1);
+    const bool ofFrame = place.starts_with("rbp") || place.starts_with("ebp");
+    return ofFrame ? std::string(place) : std::string();
+}
+
 CodeRows RowsOfCode(const CodeBytes& code, const std::vector<DisasmInstruction>& list, std::uint64_t target,
                     const CodeView& view) {
     CodeRows made;
@@ -97,12 +106,13 @@ CodeRows RowsOfCode(const CodeBytes& code, const std::vector<DisasmInstruction>&
         const CodeView::Place place = view.placeAt(instruction.address);
         if (place.line != 0 && place != last) {
             made.rows.push_back(SourceRow(place, view));
-            made.meanings.push_back({.place = place});
+            made.meanings.push_back({.place = place, .variable = {}});
         }
         last = place;
         if (instruction.address == target) made.target = static_cast<int>(made.rows.size());
         made.rows.push_back(InstructionRow(code, instruction, view));
-        made.meanings.push_back({.place = place, .address = instruction.address});
+        made.meanings.push_back(
+            {.place = place, .address = instruction.address, .variable = FramePlaceOf(instruction.text)});
     }
     return made;
 }

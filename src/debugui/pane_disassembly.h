@@ -8,6 +8,7 @@
 #include <functional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 inline constexpr std::size_t kInstructionsBefore = 60;
@@ -48,7 +49,10 @@ struct CodeView {
 struct CodeRow {
     CodeView::Place place;
     std::uint64_t address = 0;  // of the instruction; 0: a row of source
+    std::string variable;       // "rbp-0x4": the place that it uses in the frame of its procedure; empty: none
 };
+// The place in the frame that an instruction uses, as the user can name it: "rbp-0x4". Empty: none.
+std::string FramePlaceOf(std::string_view instruction);
 struct CodeRows {
     std::vector<ListRow> rows;
     std::vector<CodeRow> meanings;  // one for each row

@@ -2,12 +2,14 @@
 // they come from. UI thread only.
 #include "debugui/pane_disassembly.h"
 
+#include "base/utf8.h"
 #include "debugger/at_address.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
 #include "debugger/expressions.h"
 #include "debugui/code_breakpoints.h"
+#include "debugui/name_place_dialog.h"
 #include "debugui/pane_internal.h"
 #include "debugui/pane_symbols.h"
 #include "debugui/step_commands.h"
@@ -94,7 +96,7 @@ void GoToInstruction(int row, int) {
     if (const CodeRow* code = CodeRowAt(row); code != nullptr) PaneGoTo(code->place.fileId, code->place.line);
 }
 
-enum MenuCommand : UINT { kGo = 1, kRun, kSetNext, kBreakpoint, kStep, kStepOver };
+enum MenuCommand : UINT { kGo = 1, kRun, kSetNext, kBreakpoint, kStep, kStepOver, kName };
 
 void DoWithInstruction(UINT command, std::uint64_t address) {
     switch (command) {
@@ -113,7 +115,10 @@ void ShowInstructionMenu(int row, POINT screen) {
     const bool stopped = PaneProgramNow().stopped;
     const bool here = stopped && code->address != 0;
     const std::uint64_t address = code->address;  // the rows may change while the menu is open
-    const std::array<MenuItem, 10> items = {
+    const CodeView::Place place = code->place;
+    const std::string variable = code->variable;
+    const std::wstring name = variable.empty() ? L"Na&me a Place..." : L"Na&me " + Utf8ToWideText(variable) + L"...";
+    const std::array<MenuItem, 12> items = {
         {{kGo, L"&Go to Source\tEnter", code->place.line != 0},
          {kRun, L"&Run to Here", here},
          {kSetNext, L"Set &Next Statement Here", here},
@@ -122,10 +127,13 @@ void ShowInstructionMenu(int row, POINT screen) {
          {kStep, L"&Step Instruction\tCtrl+F11", stopped},
          {kStepOver, L"Step &Over Instruction\tCtrl+Shift+F11", stopped},
          {0, nullptr},
+         {kName, name.c_str(), stopped && !variable.empty()},
+         {0, nullptr},
          {kPaneCopyRow, L"&Copy\tCtrl+C"},
          {kPaneCopyAll, L"Copy A&ll"}}};
     const UINT chosen = PaneShowMenu(items, screen);
     PaneCopyRows(chosen);
+    if (chosen == kName) AskNameOfPlaceAt(g_ui.hMainWnd, place.fileId, place.line, variable);
     if (chosen == kGo)
         GoToInstruction(row, -1);
     else if (PaneProgramNow().stopped)

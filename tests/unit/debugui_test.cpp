@@ -296,6 +296,13 @@ TEST(Disassembly, ABreakpointShowsWhereTheProgramStandsToo) {
     EXPECT_EQ(rows[2].mark, ListMark::None);
 }
 
+TEST(Disassembly, NamesThePlaceInTheFrameThatAnInstructionUses) {
+    EXPECT_EQ(FramePlaceOf("mov eax, [rbp-0x4]"), "rbp-0x4");
+    EXPECT_EQ(FramePlaceOf("add qword ptr [ebp+0x10], 1"), "ebp+0x10");
+    for (const char* none : {"mov eax, [rax]", "push rbp", "mov rax, [rip+0x2000]", "mov [rbp", ""})
+        EXPECT_EQ(FramePlaceOf(none), "") << none;
+}
+
 TEST(Disassembly, ShowsALimitedNumber) {
     const std::vector<std::uint8_t> nops(1000, 0x90);
     const auto list = DisasmAround(nops, 0x1000, 0x1000 + 500, true, {});
