@@ -9,6 +9,7 @@
 #include "debugui/code_breakpoints.h"
 #include "debugui/debug_pane.h"
 #include "debugui/fold_signs.h"
+#include "debugui/kept_names.h"
 #include "debugui/location.h"
 #include "documents/document_row.h"
 #include "editor/margins.h"
@@ -62,6 +63,20 @@ BreakpointTarget SessionTarget() {
             .setCondition = SetConditionInSession,
             .setStopFrom = SetStopFromInSession,
             .hits = HitsInSession};
+}
+
+// A condition that does not do what it seems to say would make a breakpoint pass in silence, as when its names belong to
+// a procedure that has another name now.
+void SayNoticesOfConditions() {
+    for (const UserBreakpoint& breakpoint : g_list) {
+        if (breakpoint.status != BreakpointStatus::Planted || breakpoint.condition.empty()) continue;
+        const std::uint32_t fileId = DebugFileIdOfPath(&g_debugger, breakpoint.path.c_str());
+        const SourceScope scope = ScopeOfLine(fileId, static_cast<std::uint32_t>(breakpoint.line));
+        const std::wstring notice = ConditionNotice(breakpoint.condition, NamesOfProcedure(scope.file, scope.Name()));
+        if (notice.empty()) continue;
+        DebugSay(kDebugOrange, L"[Debug] %s:%d only if %s: %s\n", std::wstring(FileNameOf(breakpoint.path)).c_str(),
+                 breakpoint.line, Utf8ToWideText(breakpoint.condition).c_str(), notice.c_str());
+    }
 }
 
 // --- In the editors
@@ -251,6 +266,7 @@ void BreakpointJump(std::size_t index) {
 void BreakpointsPlantAll(DebuggerState*) {
     TakeOverMarkers();
     PlantAllBreakpoints(&g_list, SessionTarget());
+    SayNoticesOfConditions();
     DrawAllLooks();
     DebugPaneInvalidate();
 }

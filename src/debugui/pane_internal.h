@@ -55,7 +55,8 @@ std::optional<WatchKind> PaneAskKind(int row, int column, WatchKind now);
 // Go to other views.
 void PaneShowMemory(const std::wstring& expression);
 void PaneShowCode(const std::wstring& expression);
-void PaneAddWatch(const std::wstring& expression);
+// Without a kind it is what the expression or its name asks for.
+void PaneAddWatch(const std::wstring& expression, std::optional<WatchKind> kind = {});
 // Gives the name "i = RBP-4, LONG" in the procedure of PaneFrameNow, or changes the name `before`. Without a kind it
 // gets `kind`. The problem, or empty.
 std::wstring PaneNamePlace(const std::wstring& definition, const std::string& before, WatchKind kind);

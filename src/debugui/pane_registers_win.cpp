@@ -85,7 +85,7 @@ void ShowRegisterMenu(int row, POINT screen) {
          {kPaneCopyAll, L"Copy A&ll"}}};
     switch (const UINT chosen = PaneShowMenu(items, screen); chosen) {
         case kEdit: EditRegister(row); break;
-        case kWatch: PaneAddWatch(name); break;
+        case kWatch: PaneAddWatch(name, WatchKind::Value); break;
         case kMemory: PaneShowMemory(L"0x" + HexText(value, 1)); break;
         case kCode: PaneShowCode(L"0x" + HexText(value, 1)); break;
         case kGo: PaneGoTo(fileId, line); break;

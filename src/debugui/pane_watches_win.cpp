@@ -178,8 +178,9 @@ constexpr ListKind kList = {.columns = kColumns,
 
 }  // namespace
 
-void PaneAddWatch(const std::wstring& expression) {
+void PaneAddWatch(const std::wstring& expression, std::optional<WatchKind> kind) {
     WatchSetExpression(g_list.watches, g_list.watches.size(), expression);
+    if (kind) SetWatchKind(static_cast<int>(g_list.watches.size()) - 1, *kind);
     DebugPaneSelect(DebugTab::Watches);
 }
 
