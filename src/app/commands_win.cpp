@@ -4,7 +4,10 @@
 #include "app/about.h"
 #include "app/app_state.h"
 #include "app/main_window.h"
+#include "app/pane_titles.h"
 #include "app/recent_menu.h"
+#include "app/splitters.h"
+#include "app/start_page.h"
 #include "commands/command_state.h"
 #include "commands/edit_target.h"
 #include "commands/editor_commands.h"
@@ -38,6 +41,7 @@
 #include "ui/clipboard.h"
 #include "ui/long_work.h"
 #include "ui/message.h"
+#include "ui/panes.h"
 #include "ui/path_dialog.h"
 
 #include <span>
@@ -111,6 +115,12 @@ void SaveWorkspace(int) {
     StatusBarSetText(WorkspaceSave(nullptr) != 0 ? L"Workspace saved" : L"Workspace could not be saved");
 }
 
+void CloseFocusedPane() {
+    const PaneSpec* pane = PaneOfWindow(GetFocus());
+    if (pane == nullptr) return StatusBarSetText(L"No pane has the keyboard (F6 goes to one)");
+    PaneShow(pane->id, false);
+}
+
 // Leads the keyboard to the document that came to the front. Without one, it stays where it is.
 template <typename Work>
 void ToAnotherDocument(Work work) {
@@ -160,6 +170,9 @@ constexpr CommandHandler kFrameHandlers[] = {
     {IDM_PROJECT_SETTINGS, [](int) { SettingsDialogShow(g_app.hMainWnd); }},
     {IDM_PROJECT_FOLDER, [](int) { ChooseProjectFolder(); }},
     {IDM_TREE_REVEAL, [](int) { ProjectTreeRevealActive(); }},
+    {IDM_PANE_RESIZE, [](int) { SplittersTakeKeys(); }},
+    {IDM_PANE_SIZES, [](int) { SplittersRestoreSizes(); }},
+    {IDM_PANE_CLOSE, [](int) { CloseFocusedPane(); }},
     {IDM_WORKSPACE_NEW, [](int) { WorkspaceNew(); }},
     {IDM_WORKSPACE_OPEN, [](int) { OpenWorkspace(); }},
     {IDM_WORKSPACE_SAVE, SaveWorkspace},
@@ -181,6 +194,7 @@ std::vector<CommandHandler> AllCommandHandlers() {
 
 void MainWnd_OnCommand(int command, int notification, HWND control) {
     if (control != nullptr && control == g_app.hAiInput && notification == EN_CHANGE) AiPaneUpdateSend();
+    if (PaneTitleOnCommand(control, notification)) return;
     // Other notifications of controls are of no interest: only the toolbar and the Send button send commands.
     const bool isSend = control == g_app.hAiSend && notification == BN_CLICKED;
     if (control != nullptr && control != g_app.hToolbar && !isSend) return;

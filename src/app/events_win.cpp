@@ -3,6 +3,7 @@
 
 #include "ai/ai_replace.h"
 #include "app/app_state.h"
+#include "app/start_page.h"
 #include "base/events.h"
 #include "base/wide_format.h"
 #include "commands/command_state.h"
@@ -56,11 +57,13 @@ void OnDocumentActivated(DocumentId document) {
     ProjectTreeOnActive();
     OutsideOnDocumentActive();
     SourceMarksOnCaret(document);
+    StartPageUpdate();
 }
 
 void OnDocumentChanged(DocumentId document) {
     TabBarOnChanged(document);
     SnapshotsOnChanged(document);
+    StartPageUpdate();
     if (document != ActiveDocumentId()) return;
     MainWindow_UpdateTitle();
     ProjectTreeOnRenamed();

@@ -13,8 +13,16 @@ constexpr int kMinimumSideWidth = 150;
 constexpr int kMaximumSideWidth = 600;
 constexpr int kMinimumTreeWidth = 100;
 constexpr int kMaximumTreeWidth = 200;    // for a drag; a setting may be larger
-constexpr int kMinimumBottomWidth = 160;  // of the bottom, and of the bottom right beside it
+constexpr int kMinimumBottomWidth = 160;  // of each pane of the bottom
 constexpr int kLeastDebugHeight = 190;    // of the bottom right: a row of tabs, titles, and six rows
+constexpr int kMinimumLeftHeight = 80;    // of each pane of the left
+constexpr int kMinimumListHeight = 40;    // of the error list
+constexpr int kMaximumListHeight = 2000;
+constexpr int kMaximumSecond = 4000;
+constexpr int kLeastStartPage = 160;  // its height below a document
+
+// A length in pixels as one at 96 dpi.
+int Unscaled(int pixels, int dpi) { return static_cast<int>(std::lround(pixels * 96.0 / dpi)); }
 
 PaneRect AreaOf(int left, int right, int top, int bottom) {
     return {left, top, std::max(left, right), std::max(top, bottom)};
@@ -22,20 +30,35 @@ PaneRect AreaOf(int left, int right, int top, int bottom) {
 
 bool IsIn(const PaneWish& pane, PaneArea area) { return pane.shown && pane.area == area; }
 
-// Divides an area evenly among its panes, beside each other or one below the other.
-void ShareArea(const LayoutInput& input, PaneArea area, const PaneRect& whole, bool beside, PaneLayout& layout) {
-    const int count = PanesIn(input, area);
-    int at = 0;
+// How two panes share an area, with a bar between them.
+struct Sharing {
+    bool beside = true;  // otherwise one below the other
+    int second = 0;      // wanted length of the second one in pixels, 0: half
+    int least = 0;       // of each, at 96 dpi
+};
+
+// Gives the whole area to its only pane, or divides it between its two panes. Returns the place of the bar.
+PaneRect ShareArea(const LayoutInput& input, PaneArea area, const PaneRect& whole, const Sharing& how,
+                   PaneLayout& layout) {
+    PaneRect bar;
+    PaneRect rest = whole;
+    int left = PanesIn(input, area);
     for (std::size_t i = 0; i < input.panes.size(); ++i) {
         if (!IsIn(input.panes[i], area)) continue;
-        PaneRect part = whole;
-        int& start = beside ? part.left : part.top;
-        int& end = beside ? part.right : part.bottom;
-        const int first = start, length = end - start;
-        start = first + length * at / count;
-        end = first + length * ++at / count;
+        PaneRect part = rest;
+        if (--left > 0) {
+            const int length = how.beside ? rest.width() : rest.height();
+            const int second = ClampSecondPane(length, how.second, how.least, input.dpi);
+            int& end = how.beside ? part.right : part.bottom;
+            end -= std::min(length, second + kSplitterThickness);
+            bar = rest;
+            (how.beside ? bar.left : bar.top) = end;
+            (how.beside ? rest.left : rest.top) = (how.beside ? rest.right : rest.bottom) - second;
+            (how.beside ? bar.right : bar.bottom) = how.beside ? rest.left : rest.top;
+        }
         layout.panes[i] = part;
     }
+    return bar;
 }
 
 // Places the panes of the right area from the right edge to the left, the last row of the table first. Returns the x at
@@ -57,10 +80,10 @@ int PlaceBottomRight(const LayoutInput& input, const PaneRect& below, PaneLayout
     if (PanesIn(input, PaneArea::BottomRight) == 0) return below.right;
     int start = below.left;
     if (PanesIn(input, PaneArea::Bottom) > 0) {
-        start = below.right - ClampDebugWidth(below.width(), input.debugWidth, input.dpi);
+        start = below.right - ClampSecondPane(below.width(), input.debugWidth, kMinimumBottomWidth, input.dpi);
         layout.debugSplitter = AreaOf(start - kSplitterThickness, start, below.top, below.bottom);
     }
-    ShareArea(input, PaneArea::BottomRight, AreaOf(start, below.right, below.top, below.bottom), true, layout);
+    ShareArea(input, PaneArea::BottomRight, AreaOf(start, below.right, below.top, below.bottom), {}, layout);
     return layout.debugSplitter.empty() ? below.left : layout.debugSplitter.left;
 }
 
@@ -69,11 +92,15 @@ int PlaceBottomRight(const LayoutInput& input, const PaneRect& below, PaneLayout
 void PlaceBottom(const LayoutInput& input, PaneRect area, PaneLayout& layout) {
     for (std::size_t i = input.panes.size(); i-- > 0;) {
         if (!IsIn(input.panes[i], PaneArea::BelowBottom)) continue;
-        const int height = std::min(input.panes[i].height, area.height() / 2);
+        const int height = std::max(0, std::min(input.panes[i].height, area.height() / 2));
         if (height > 0) layout.panes[i] = AreaOf(area.left, area.right, area.bottom - height, area.bottom);
-        area.bottom -= std::max(height, 0);
+        area.bottom -= height;
+        if (!input.panes[i].hasBar || height <= kSplitterThickness) continue;
+        layout.panes[i].top += kSplitterThickness;
+        layout.errorListSplitter = AreaOf(area.left, area.right, area.bottom, layout.panes[i].top);
     }
-    ShareArea(input, PaneArea::Bottom, area, true, layout);
+    layout.resultsSplitter =
+        ShareArea(input, PaneArea::Bottom, area, {.second = input.resultsWidth, .least = kMinimumBottomWidth}, layout);
 }
 
 // The lowest y at which the bottom right may begin: its views show some rows, and the editor keeps half of a small area.
@@ -97,6 +124,16 @@ int PlaceBelowEditor(const LayoutInput& input, const PaneRect& document, PaneLay
     return end;
 }
 
+// The title of a pane is the upper part of its place. A pane that would be nothing but its title has none.
+void TakeTitles(const LayoutInput& input, PaneLayout& layout) {
+    for (std::size_t i = 0; i < input.panes.size(); ++i) {
+        PaneRect& pane = layout.panes[i];
+        if (!input.panes[i].hasTitle || pane.empty() || pane.height() < 2 * input.titleHeight) continue;
+        layout.titles[i] = AreaOf(pane.left, pane.right, pane.top, pane.top + input.titleHeight);
+        pane.top = layout.titles[i].bottom;
+    }
+}
+
 }  // namespace
 
 int PanesIn(const LayoutInput& input, PaneArea area) {
@@ -114,10 +151,10 @@ int ClampSplitter(int total, int top, int split) {
 
 int SidePaneSplitBudget(int sides) { return sides * kSplitterThickness; }
 
-int ClampDebugWidth(int total, int wanted, int dpi) {
+int ClampSecondPane(int total, int wanted, int least, int dpi) {
     const int room = std::max(0, total - kSplitterThickness);
-    const int least = std::min(ScaledTo(kMinimumBottomWidth, dpi), room / 2);
-    return std::clamp(wanted > 0 ? wanted : room / 2, least, room - least);
+    const int kept = std::min(ScaledTo(least, dpi), room / 2);
+    return std::clamp(wanted > 0 ? wanted : room / 2, kept, room - kept);
 }
 
 void ConstrainSidePaneWidths(const LayoutInput& input, int* sideWidth, int* treeWidth) {
@@ -147,7 +184,9 @@ PaneLayout ComputePaneLayout(const LayoutInput& input) {
     ConstrainSidePaneWidths(input, &layout.sideWidth, &layout.treeWidth);
     int left = 0;
     if (PanesIn(input, PaneArea::Left) > 0) {
-        ShareArea(input, PaneArea::Left, AreaOf(0, layout.treeWidth, top, bottom), false, layout);
+        layout.outlineSplitter =
+            ShareArea(input, PaneArea::Left, AreaOf(0, layout.treeWidth, top, bottom),
+                      {.beside = false, .second = input.outlineHeight, .least = kMinimumLeftHeight}, layout);
         layout.treeSplitter = AreaOf(layout.treeWidth, layout.treeWidth + kSplitterThickness, top, bottom);
         left = layout.treeSplitter.right;
     }
@@ -166,17 +205,42 @@ PaneLayout ComputePaneLayout(const LayoutInput& input) {
             AreaOf(left, right, document.top, std::min(document.bottom, document.top + input.findBarHeight));
         document.top = layout.findBar.bottom;
     }
+    const int startHeight = document.height() - input.startPageBelow;
+    if (input.startPageBelow == 0 ||
+        (input.startPageBelow > 0 && startHeight >= ScaledTo(kLeastStartPage, input.dpi))) {
+        layout.startPage = AreaOf(left, right, document.top + input.startPageBelow, document.bottom);
+        document.bottom = layout.startPage.top;
+    }
     layout.editor = document;
+    TakeTitles(input, layout);
     return layout;
 }
 
 int ClampSideWidth(int width) { return std::clamp(width, kMinimumSideWidth, kMaximumSideWidth); }
 
+int SplitterValueOf(const PaneLayout& layout, Splitter bar, int dpi) {
+    switch (bar) {
+        case Splitter::Output: return layout.outputSplit;
+        case Splitter::Side: return Unscaled(layout.sideWidth, dpi);
+        case Splitter::Tree: return Unscaled(layout.treeWidth, dpi);
+        case Splitter::Debug: return Unscaled(layout.pane(PaneId::Debug).width(), dpi);
+        case Splitter::Results: return Unscaled(layout.pane(PaneId::FilesResults).width(), dpi);
+        case Splitter::Outline:
+            return Unscaled(layout.pane(PaneId::Outline).bottom - layout.outlineSplitter.bottom, dpi);
+        case Splitter::ErrorList: break;
+    }
+    return Unscaled(layout.pane(PaneId::ErrorList).bottom - layout.errorListSplitter.top, dpi);
+}
+
 int DraggedSplitter(Splitter bar, int start, int movedX, int movedY, int dpi) {
-    const auto unscaled = [dpi](int pixels) { return static_cast<int>(std::lround(pixels * 96.0 / dpi)); };
+    const auto unscaled = [dpi](int pixels) { return Unscaled(pixels, dpi); };
     switch (bar) {
         case Splitter::Output: return start + movedY;
-        case Splitter::Debug: return std::max(1, start - movedX);  // ComputePaneLayout applies the other limits
+        // ComputePaneLayout applies the other limits to the next three.
+        case Splitter::Debug:
+        case Splitter::Results: return std::clamp(start - unscaled(movedX), 1, kMaximumSecond);
+        case Splitter::Outline: return std::clamp(start - unscaled(movedY), 1, kMaximumSecond);
+        case Splitter::ErrorList: return std::clamp(start - unscaled(movedY), kMinimumListHeight, kMaximumListHeight);
         case Splitter::Tree: return std::clamp(start + unscaled(movedX), kMinimumTreeWidth, kMaximumTreeWidth);
         case Splitter::Side: break;
     }

@@ -5,12 +5,16 @@
 #include "ai/ai_replace.h"
 #include "app/app_state.h"
 #include "app/main_window.h"
+#include "app/pane_titles.h"
 #include "app/panes.h"
 #include "app/split_ratios.h"
+#include "app/splitters.h"
+#include "app/start_page.h"
 #include "commands/quick_open.h"
 #include "commands/status_bar.h"
 #include "commands/toolbar.h"
 #include "documents/document_row.h"
+#include "documents/sticky_label.h"
 #include "resources/ids.h"
 #include "search/find_bar.h"
 #include "tabs/tab_bar.h"
@@ -22,9 +26,8 @@
 
 namespace {
 
-constexpr int kStickyHeight = 22;  // at 96 dpi
-
 SplitRatios g_ratios;
+PaneLayout g_placed;  // by the last MainWindow_Layout
 
 LayoutInput LayoutInputOf(int width, int height) {
     const Settings& settings = g_app.settings;
@@ -34,14 +37,17 @@ LayoutInput LayoutInputOf(int width, int height) {
             .toolbarHeight = settings.showToolbar != 0 ? ToolbarHeight() : 0,
             .statusHeight = settings.showStatusbar != 0 ? StatusBarHeight() : 0,
             .tabHeight = TabBarHeight(),
-            // Always shown, because the editor would jump if the header were hidden while it has no text.
-            .stickyHeight = UiScaled(kStickyHeight),
+            .titleHeight = PaneTitleHeight(),
+            .startPageBelow = StartPageBelow(),
+            .stickyHeight = StickyHeaderHeight(),
             .findBarHeight = FindBarHeight(),
             .panes = PaneWishes(),
             .outputSplit = settings.splitter,
             .sideWidth = UiScaled(settings.aiSidebarWidth),
             .treeWidth = UiScaled(settings.projectTreeWidth),
-            .debugWidth = g_app.debugPaneWidth};
+            .debugWidth = UiScaled(settings.debugPaneWidth),
+            .resultsWidth = UiScaled(settings.resultsWidth),
+            .outlineHeight = UiScaled(settings.outlineHeight)};
 }
 
 // True when the window is where it should be: moving it there once more would cost several system calls.
@@ -70,15 +76,21 @@ void PlaceChildren(const PaneLayout& layout) {
         {g_app.hTabCtrl, layout.tabs},
         {g_app.hStickyHeader, layout.sticky},
         {FindBarWindow(), layout.findBar},
-        {GetDlgItem(g_app.hMainWnd, IDC_SPLIT_OUTPUT), layout.outputSplitter},
-        {GetDlgItem(g_app.hMainWnd, IDC_SPLIT_DEBUG), layout.debugSplitter},
-        {GetDlgItem(g_app.hMainWnd, IDC_SPLIT_ASM), layout.sideSplitter},
-        {GetDlgItem(g_app.hMainWnd, IDC_SPLIT_TREE), layout.treeSplitter},
+        {SplitterWindow(Splitter::Output, !layout.outputSplitter.empty()), layout.outputSplitter},
+        {SplitterWindow(Splitter::Debug, !layout.debugSplitter.empty()), layout.debugSplitter},
+        {SplitterWindow(Splitter::Side, !layout.sideSplitter.empty()), layout.sideSplitter},
+        {SplitterWindow(Splitter::Tree, !layout.treeSplitter.empty()), layout.treeSplitter},
+        {SplitterWindow(Splitter::ErrorList, !layout.errorListSplitter.empty()), layout.errorListSplitter},
+        {SplitterWindow(Splitter::Results, !layout.resultsSplitter.empty()), layout.resultsSplitter},
+        {SplitterWindow(Splitter::Outline, !layout.outlineSplitter.empty()), layout.outlineSplitter},
+        {g_app.hStartPage, layout.startPage},
         {g_app.hStatusBar, layout.status},
         // Only the active editor is visible; another one is placed when it is shown.
         {g_app.hEditor, layout.editor},
     };
-    const std::vector<PanePart> panes = PaneParts(layout);
+    std::vector<PanePart> panes = PaneParts(layout);
+    const std::vector<PanePart> titles = PaneTitleParts(layout);
+    panes.insert(panes.end(), titles.begin(), titles.end());
     HDWP moves = BeginDeferWindowPos(static_cast<int>(std::size(frame) + panes.size()));
     for (const PanePart& part : frame) PlaceChild(moves, part.window, part.area);
     for (const PanePart& part : panes) PlaceChild(moves, part.window, part.area);
@@ -92,13 +104,17 @@ void MainWindow_Layout() {
     RECT client = {};
     if (g_app.hMainWnd == nullptr || !GetClientRect(g_app.hMainWnd, &client) || IsIconic(g_app.hMainWnd)) return;
     CreateWantedPanes();
+    PanesRemember();
     const PaneSpec* focused = PaneOfWindow(GetFocus());
-    PlaceChildren(ComputePaneLayout(LayoutInputOf(client.right, client.bottom)));
+    g_placed = ComputePaneLayout(LayoutInputOf(client.right, client.bottom));
+    PlaceChildren(g_placed);
     QuickOpenPlace();
     AiRenewMarks();
     // A hidden pane would keep the keyboard focus.
     if (focused != nullptr && IsWindowVisible(*focused->window) == FALSE) FocusCurrentEditor();
 }
+
+const PaneLayout& MainWindow_Placed() { return g_placed; }
 
 // What the bars divide in a client area of this size.
 static BarArea BarAreaOf(int width, int height) {
@@ -113,6 +129,11 @@ static BarArea BarAreaNow() {
     RECT client = {};
     GetClientRect(g_app.hMainWnd, &client);
     return BarAreaOf(static_cast<int>(client.right), static_cast<int>(client.bottom));
+}
+
+int FirstOutputSplit() {
+    const BarArea area = BarAreaNow();
+    return PositionAt(kFirstOutputRatio, area.top, area.bottom);
 }
 
 void CaptureSplitterRatio() { RatiosCapture(g_ratios, g_app.settings, BarAreaNow()); }

@@ -5,6 +5,7 @@
 #include "app/handover.h"
 #include "app/handover_files.h"
 #include "app/main_window.h"
+#include "app/start_page.h"
 #include "base/log.h"
 #include "commands/command_table.h"
 #include "commands/quick_open.h"
@@ -194,8 +195,8 @@ int RunMessageLoop() {
         if (GetMessageW(&message, nullptr, 0, 0) <= 0) return static_cast<int>(message.wParam);
         if (IsEndOfUsedAlt(message) || QuickOpenIsMessage(message) || PeekIsMessage(message)) continue;
         if (accelerators != nullptr && TranslateAcceleratorW(g_app.hMainWnd, accelerators, &message) != 0) continue;
-        if (TranslateExtraKey(message) || FindDialogIsMessage(&message) || FindBarIsMessage(&message) ||
-            FilesDialogIsMessage(&message))
+        if (TranslateExtraKey(message) || StartPageIsMessage(message) || FindDialogIsMessage(&message) ||
+            FindBarIsMessage(&message) || FilesDialogIsMessage(&message))
             continue;
         TranslateMessage(&message);
         DispatchMessageW(&message);

@@ -40,9 +40,7 @@ void MainWnd_OnMinMaxInfo(MINMAXINFO& info);
 void ApplyLayoutRatios(int width, int height);  // sets the bars by the ratios for a client area of this size, in pixels
 void CaptureSplitterRatio();                    // keeps the ratios of the bars
 void RestoreSplitterRatio();                    // takes the ratios from the settings, and the bars where there are none
-// splitter_win.cpp
-HWND CreateSplitter(HWND parent, int id);  // null when it cannot be made
-LRESULT CALLBACK SplitterProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+int FirstOutputSplit();                         // where the output's bar is at a first start, in pixels
 // notify_win.cpp
 LRESULT MainWnd_OnNotify(const NMHDR& header);
 void MainWnd_OnDropFiles(HDROP drop);

@@ -2,7 +2,10 @@
 #include "app/main_window.h"
 
 #include "app/app_state.h"
+#include "app/layout.h"
 #include "app/panes.h"
+#include "app/splitters.h"
+#include "app/start_page.h"
 #include "commands/command_state.h"
 #include "commands/status_bar.h"
 #include "commands/toolbar.h"
@@ -27,6 +30,7 @@
 #include "ui/dialog_theme.h"
 #include "ui/fonts.h"
 #include "ui/menu_draw.h"
+#include "ui/panes.h"
 
 #include <commctrl.h>
 
@@ -45,21 +49,20 @@ void CreateChildren(HWND window) {
                                  WS_VISIBLE | TCS_OWNERDRAWFIXED | TCS_FIXEDWIDTH | TCS_FOCUSNEVER, IDC_TABS);
     TabBarInit(g_app.hTabCtrl);
     ConnectPanes();
-    CreateSplitter(window, IDC_SPLIT_OUTPUT);
+    SplitterWindow(Splitter::Output, true);
     CreatePaneOf(PaneId::Output);
-    CreateSplitter(window, IDC_SPLIT_ASM);
+    SplitterWindow(Splitter::Side, true);
     CreatePaneOf(PaneId::Asm);
     CreatePaneOf(PaneId::Ai);
     g_app.hStickyHeader = CreateChild(WC_STATICW, nullptr, 0, WS_VISIBLE | SS_OWNERDRAW, IDC_STICKY_HEADER);
     CreatePaneOf(PaneId::Terminal);
-    CreateSplitter(window, IDC_SPLIT_DEBUG);
-    CreateSplitter(window, IDC_SPLIT_TREE);
     CreatePaneOf(PaneId::Tree);
     g_app.hStatusBar = StatusBarCreate(window, IDC_STATUS_BAR);
 }
 
 void LoadSettings() {
     SettingsLoad(nullptr);
+    PanesRestore();
     SettingsTellLockedKeys();
     wchar_t ini[kPathCapacity] = {};
     GetIniPath(nullptr, ini, kPathCapacity);  // after the load, which may choose another folder
@@ -79,6 +82,7 @@ void MainWnd_ApplyTheme() {
     StatusBarApplyTheme();
     ThemePanes();
     FindBarApplyTheme();
+    StartPageApplyTheme();
     FrameApplyTheme(g_app.hMainWnd);
     MenuBarApplyTheme(g_app.hMainWnd);
     DialogsRenewTheme();

@@ -7,6 +7,8 @@
 #include "app/app_state.h"
 #include "app/handover.h"
 #include "app/jump_list.h"
+#include "app/pane_titles.h"
+#include "app/start_page.h"
 #include "base/wide_format.h"
 #include "commands/command_state.h"
 #include "commands/context_menus.h"
@@ -149,7 +151,7 @@ LRESULT EraseFrame(HWND window, HDC dc) {
 }
 
 LRESULT DrawChild(const DRAWITEMSTRUCT& item) {
-    return TabBarHandleDrawItem(item) || StickyHeaderDraw(item) ? TRUE : FALSE;
+    return TabBarHandleDrawItem(item) || StickyHeaderDraw(item) || PaneTitleDraw(item) ? TRUE : FALSE;
 }
 
 }  // namespace
@@ -176,7 +178,9 @@ static LRESULT CALLBACK RouteMainMessage(HWND window, UINT message, WPARAM wPara
             else
                 OutsideOnProgramActive();
             return 0;
-        case WM_SETFOCUS: FocusCurrentEditor(); return 0;
+        case WM_SETFOCUS:
+            if (!StartPageTakeFocus()) FocusCurrentEditor();
+            return 0;
         case WM_COMMAND: MainWnd_OnCommand(LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam)); return 0;
         case WM_NOTIFY: return MainWnd_OnNotify(*reinterpret_cast<const NMHDR*>(lParam));
         case WM_CONTEXTMENU:

@@ -148,6 +148,7 @@ void OnViewOrText(HWND editor, int updated) {
     SourceMarksOnView(DocumentOfEditor(editor));
     FindBarOnView(editor, updated);
     if (editor == g_app.hEditor && (updated & (SC_UPDATE_CONTENT | SC_UPDATE_SELECTION)) != 0) OnCaretOrSelection();
+    if (editor == g_app.hEditor && (updated & SC_UPDATE_V_SCROLL) != 0) StickyHeaderOnScroll(editor);
     HoverOnView(editor, (updated & SC_UPDATE_CONTENT) != 0);
     CallTipOnView(editor);
 }

@@ -78,7 +78,8 @@ constexpr PaneSpec kPanes[] = {
      .window = &g_app.hOutput,
      .create = CreateOutput,
      .applyTheme = ApplyOutputTheme,
-     .shownAtStart = true,
+     .hasTitle = true,
+     .comesBack = true,
      .command = IDM_VIEW_OUTPUT},
     {.id = PaneId::ErrorList,
      .title = L"Error List",
@@ -89,6 +90,8 @@ constexpr PaneSpec kPanes[] = {
      .lazy = true,
      .applyTheme = ErrorListApplyTheme,
      .setting = &Settings::showErrorList,
+     .hasTitle = true,
+     .comesBack = true,
      .height = &Settings::errorListHeight,
      .command = IDM_VIEW_ERROR_LIST,
      .handleNotify = ErrorListHandleNotify},
@@ -110,6 +113,8 @@ constexpr PaneSpec kPanes[] = {
      .create = DebugPaneCreate,
      .lazy = true,
      .applyTheme = DebugPaneApplyTheme,
+     .hasTitle = true,
+     .comesBack = true,
      .command = IDM_VIEW_DEBUG_PANE},
     {.id = PaneId::Asm,
      .title = L"ASM",
@@ -118,6 +123,8 @@ constexpr PaneSpec kPanes[] = {
      .window = &g_app.hAsmPane,
      .create = CreateAsmPane,
      .applyTheme = ApplyAsmTheme,
+     .hasTitle = true,
+     .comesBack = true,
      .command = IDM_VIEW_ASM,
      .onShown = LoadAsmPane},
     {.id = PaneId::Ai,
@@ -128,6 +135,7 @@ constexpr PaneSpec kPanes[] = {
      .create = AiPaneCreate,
      .applyTheme = AiPaneApplyTheme,
      .setting = &Settings::showAiSidebar,
+     .hasTitle = true,
      .command = IDM_VIEW_AI,
      .onShown = AiPaneFocusInput,
      .parts = AiPaneParts},
@@ -139,6 +147,7 @@ constexpr PaneSpec kPanes[] = {
      .create = ProjectTreeCreate,
      .applyTheme = ProjectTreeApplyTheme,
      .setting = &Settings::showProjectTree,
+     .hasTitle = true,
      .command = IDM_VIEW_TREE,
      .handleNotify = ProjectTreeHandleNotify},
     {.id = PaneId::FilesResults,
@@ -149,6 +158,7 @@ constexpr PaneSpec kPanes[] = {
      .create = FilesPaneCreate,
      .lazy = true,
      .applyTheme = FilesPaneApplyTheme,
+     .hasTitle = true,
      .command = IDM_VIEW_FILES_RESULTS,
      .onShown = FilesPaneFocus},
     {.id = PaneId::Outline,
@@ -160,6 +170,7 @@ constexpr PaneSpec kPanes[] = {
      .lazy = true,
      .applyTheme = OutlinePaneApplyTheme,
      .setting = &Settings::showOutline,
+     .hasTitle = true,
      .command = IDM_VIEW_OUTLINE,
      .onShown = OutlinePaneFocus},
 };
@@ -198,7 +209,9 @@ std::array<PaneWish, kPaneCount> PaneWishes() {
         wishes[PaneIndex(pane.id)] = {
             .area = pane.area,
             .shown = *pane.window != nullptr && PaneIsShown(pane.id),
-            .height = UiScaled(pane.height != nullptr ? g_app.settings.*pane.height : kLineHeight)};
+            .height = UiScaled(pane.height != nullptr ? g_app.settings.*pane.height : kLineHeight),
+            .hasTitle = pane.hasTitle,
+            .hasBar = pane.height != nullptr};
     return wishes;
 }
 

@@ -4,6 +4,7 @@
 #include "app/app_state.h"
 #include "app/main_window.h"
 #include "app/recent_text.h"
+#include "app/start_page.h"
 #include "base/wide_format.h"
 #include "commands/status_bar.h"
 #include "documents/document_row.h"
@@ -161,11 +162,12 @@ constexpr CommandHandler kSessionHandlers[] = {
 
 // The handlers of kSessionHandlers and one for each row of both lists.
 constexpr auto SessionAndRowHandlers() {
-    std::array<CommandHandler, std::size(kSessionHandlers) + 2 * kMruCapacity> all = {};
+    std::array<CommandHandler, std::size(kSessionHandlers) + 3 * kMruCapacity> all = {};
     auto* next = std::ranges::copy(kSessionHandlers, all.begin()).out;
     for (int i = 0; i < kMruCapacity; ++i) {
         *next++ = {IDM_RECENT_FILE_FIRST + i, OpenRecentFile};
         *next++ = {IDM_RECENT_SESSION_FIRST + i, OpenRecentSession};
+        *next++ = {IDM_SAMPLE_FIRST + i, OpenSample};
     }
     return all;
 }

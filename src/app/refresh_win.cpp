@@ -3,6 +3,7 @@
 
 #include "app/app_state.h"
 #include "app/handover.h"
+#include "app/pane_titles.h"
 #include "commands/command_state.h"
 #include "commands/status_bar.h"
 #include "commands/toolbar.h"
@@ -54,6 +55,7 @@ void MainWnd_RunPendingRefresh() {
     MainWnd_AskAboutFiles();
     if (!g_refresh.wanted || g_app.hToolbar == nullptr) return;
     g_refresh.wanted = false;
+    PaneTitlesShowFocus();
     FollowPosition();
     ToolbarApplyState(CurrentCommandView());
 }

@@ -36,6 +36,8 @@ void RatiosCapture(SplitRatios& ratios, Settings& settings, const BarArea& area)
 
 void RatiosRestore(SplitRatios& ratios, Settings& settings, const BarArea& area) {
     const StoredRatio output = settings.splitterRatio, side = settings.sidebarRatio;
+    if (output.ratio == 0 && settings.splitter == kUnchosenSplit && area.bottom > area.top)
+        settings.splitter = PositionAt(kFirstOutputRatio, area.top, area.bottom);
     const bool outputKnown = IsKnown(output, settings.splitter), sideKnown = IsKnown(side, settings.aiSidebarWidth);
     RatiosCapture(ratios, settings, area);
     if (outputKnown) ratios.output = static_cast<double>(output.ratio) / kFullRatio;

@@ -19,6 +19,10 @@ struct SplitRatios {
 double RatioOf(int position, int start, int end);
 int PositionAt(double ratio, int start, int end);
 
+// The output's bar where nobody has put it: the default of the setting, which has no ratio then.
+inline constexpr int kUnchosenSplit = 400;
+inline constexpr double kFirstOutputRatio = 0.78;  // where it goes: the output gets less than a quarter
+
 // All three put the ratios into the settings too, with the values in pixels that they now stand for.
 // Takes the ratios from the bars, after the output's bar was limited.
 void RatiosCapture(SplitRatios& ratios, Settings& settings, const BarArea& area);

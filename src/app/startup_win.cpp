@@ -3,6 +3,7 @@
 #include "app/app_state.h"
 #include "app/jump_list.h"
 #include "app/main_window.h"
+#include "app/start_page.h"
 #include "app/startup_rules.h"
 #include "base/log.h"
 #include "commands/status_bar.h"
@@ -144,6 +145,7 @@ void MainWnd_OnStartup() {
     ProjectRestore();
     SessionStartupDone();
     EnsureEditableStartupTab();
+    StartPageBegin();
     MainWindow_Layout();
     StatusBarUpdatePosition();
     FocusCurrentEditor();

@@ -148,6 +148,9 @@ constexpr CommandRow kCommands[] = {
     {IDM_VIEW_FILES_RESULTS, kAlways, ShowsPane<PaneId::FilesResults>},
     {IDM_VIEW_OUTLINE, kAlways, ShowsPane<PaneId::Outline>},
     {IDM_TREE_REVEAL, kHasFile},
+    {IDM_PANE_RESIZE, kAlways},
+    {IDM_PANE_CLOSE, kAlways},
+    {IDM_PANE_SIZES, kAlways},
     {IDM_VIEW_WHITESPACE, kAlways, [](const CommandView& v) { return v.whitespace; }},
     {IDM_VIEW_WORD_WRAP, kAlways, [](const CommandView& v) { return v.wrap; }},
     {IDM_VIEW_ERROR_TEXTS, kAlways, [](const CommandView& v) { return v.errorTexts; }},
@@ -261,24 +264,26 @@ bool IsCompiler(const CommandView& view) {
 
 template <std::size_t... ids>
 constexpr auto AllCommands(std::index_sequence<ids...>) {
-    std::array<CommandRow, std::size(kCommands) + kCompilerCount + 2 * kMruCapacity> all = {};
+    std::array<CommandRow, std::size(kCommands) + kCompilerCount + 3 * kMruCapacity> all = {};
     std::ranges::copy(kCommands, all.begin());
     ((all[std::size(kCommands) + ids] = {g_compilers[ids].command, kAlways, IsCompiler<ids>}), ...);
     for (std::size_t i = 0, next = std::size(kCommands) + kCompilerCount; i < kMruCapacity; ++i) {
         const int row = static_cast<int>(i);
         all[next++] = {IDM_RECENT_FILE_FIRST + row, kAlways, nullptr, Internal};
         all[next++] = {IDM_RECENT_SESSION_FIRST + row, kAlways, nullptr, Internal};
+        all[next++] = {IDM_SAMPLE_FIRST + row, kAlways, nullptr, Internal};
     }
     return all;
 }
 constexpr auto kAllCommands = AllCommands(std::make_index_sequence<kCompilerCount>());
 
 // Virtual key numbers, defined here because this file includes no <windows.h>.
-constexpr std::uint16_t kCancel = 0x03, kTab = 0x09, kSpace = 0x20, kLeft = 0x25, kUp = 0x26, kRight = 0x27,
-                        kDown = 0x28, kNumpadDivide = 0x6F, kSlash = 0xBF, kOpenBracket = 0xDB, kCloseBracket = 0xDD,
-                        kZero = 0x30, kNumpad0 = 0x60, kNumpadAdd = 0x6B, kNumpadSubtract = 0x6D, kF2 = 0x71,
-                        kF3 = 0x72, kF4 = 0x73, kF5 = 0x74, kF8 = 0x77, kF9 = 0x78, kF10 = 0x79, kF6 = 0x75, kF7 = 0x76,
-                        kF11 = 0x7A, kF12 = 0x7B, kBackquote = 0xC0, kOemPlus = 0xBB, kOemMinus = 0xBD, kComma = 0xBC;
+constexpr std::uint16_t kCancel = 0x03, kTab = 0x09, kEscape = 0x1B, kSpace = 0x20, kLeft = 0x25, kUp = 0x26,
+                        kRight = 0x27, kDown = 0x28, kNumpadDivide = 0x6F, kSlash = 0xBF, kOpenBracket = 0xDB,
+                        kCloseBracket = 0xDD, kZero = 0x30, kNumpad0 = 0x60, kNumpadAdd = 0x6B, kNumpadSubtract = 0x6D,
+                        kF2 = 0x71, kF3 = 0x72, kF4 = 0x73, kF5 = 0x74, kF8 = 0x77, kF9 = 0x78, kF10 = 0x79, kF6 = 0x75,
+                        kF7 = 0x76, kF11 = 0x7A, kF12 = 0x7B, kBackquote = 0xC0, kOemPlus = 0xBB, kOemMinus = 0xBD,
+                        kComma = 0xBC;
 
 constexpr ExtraKey kExtraKeys[] = {
     {kCancel, true, false, false, IDM_BUILD_STOP},
@@ -369,6 +374,8 @@ constexpr ExtraKey kExtraKeys[] = {
     {'I', true, true, false, IDM_AI_INSERT_CODE},
     {'P', true, false, false, IDM_QUICK_OPEN},
     {'P', true, true, false, IDM_COMMAND_PALETTE},
+    {kF8, false, false, true, IDM_PANE_RESIZE},
+    {kEscape, false, true, false, IDM_PANE_CLOSE},
 };
 
 }  // namespace
@@ -393,11 +400,11 @@ std::wstring NameOfExtraKey(const ExtraKey& key) {
     static constexpr struct {
         std::uint16_t key;
         const wchar_t* name;
-    } kNames[] = {{kCancel, L"Break"},  {kTab, L"Tab"},       {kSpace, L"Space"},       {kLeft, L"Left"},
-                  {kRight, L"Right"},   {kNumpad0, L"Num0"},  {kNumpadAdd, L"Num+"},    {kNumpadSubtract, L"Num-"},
-                  {kOemPlus, L"+"},     {kOemMinus, L"-"},    {kBackquote, L"`"},       {kComma, L","},
-                  {kUp, L"Up"},         {kDown, L"Down"},     {kNumpadDivide, L"Num/"}, {kSlash, L"/"},
-                  {kOpenBracket, L"["}, {kCloseBracket, L"]"}};
+    } kNames[] = {{kCancel, L"Break"},  {kTab, L"Tab"},        {kSpace, L"Space"},       {kLeft, L"Left"},
+                  {kRight, L"Right"},   {kNumpad0, L"Num0"},   {kNumpadAdd, L"Num+"},    {kNumpadSubtract, L"Num-"},
+                  {kOemPlus, L"+"},     {kOemMinus, L"-"},     {kBackquote, L"`"},       {kComma, L","},
+                  {kUp, L"Up"},         {kDown, L"Down"},      {kNumpadDivide, L"Num/"}, {kSlash, L"/"},
+                  {kOpenBracket, L"["}, {kCloseBracket, L"]"}, {kEscape, L"Esc"}};
     std::wstring name = key.control ? L"Ctrl+" : L"";
     if (key.alt) name += L"Alt+";
     if (key.shift) name += L"Shift+";

@@ -72,9 +72,11 @@ void TogglePane(int command) {
 // Gives the keyboard to the next pane that is shown, or to the one before; the editor and the two bars are among them.
 void FocusPaneBeside(int command) {
     std::vector<HWND> stops = {g_documents.hEditor};
+    if (g_ui.hStartPage != nullptr) stops.push_back(g_ui.hStartPage);
     std::size_t at = 0;
     const HWND focus = GetFocus();
     const PaneSpec* current = PaneOfWindow(focus);
+    if (IsChild(g_ui.hStartPage, focus)) at = 1;
     for (const PaneSpec& pane : Panes()) {
         if (!IsWindowVisible(*pane.window)) continue;
         if (&pane == current) at = stops.size();

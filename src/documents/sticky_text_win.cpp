@@ -2,11 +2,13 @@
 // into the label. UI thread.
 #include "documents/sticky_label.h"
 
+#include "base/events.h"
 #include "base/utf8.h"
-#include "documents/documents_state.h"
+#include "documents/document_row.h"
 #include "editor/editor_pane.h"
 #include "editor/sticky_header.h"
 #include "scintilla/sci.h"
+#include "ui/dpi.h"
 
 #include <algorithm>
 #include <cwchar>
@@ -15,6 +17,7 @@
 
 namespace {
 
+constexpr int kLeastHeight = 18;  // of the header, at 96 dpi
 constexpr UINT_PTR kTimer = 0x4B53;
 constexpr UINT kTimerMs = 10;
 constexpr std::ptrdiff_t kBudget = 4 << 20;  // bytes read at a time, which takes a few milliseconds
@@ -68,7 +71,35 @@ std::wstring LineText(HWND editor, std::int64_t line) {
     return Utf8ToWideText({utf8, static_cast<std::size_t>(std::max<LRESULT>(length, 0))});
 }
 
+std::int64_t DisplayLine(HWND editor, std::int64_t line) { return PaneSend(editor, SCI_VISIBLEFROMDOCLINE, line); }
+
+// Gives the header its place above the active editor, or takes it, without moving the text on the screen.
+void PlaceHeader(HWND editor, std::int64_t header) {
+    if (editor != g_documents.hEditor || !IsTabIndex(g_documents.activeTab)) return;
+    bool& shown = TabAt(g_documents.activeTab).headerShown;
+    const std::int64_t top = SciSend(editor, SCI_GETFIRSTVISIBLELINE);
+    const std::int64_t line = header != kStickyNone ? DisplayLine(editor, header) : kStickyNone;
+    const bool wanted = StickyIsWanted(line, top, shown);
+    if (wanted == shown) return;
+    const std::int64_t caret =
+        DisplayLine(editor, PaneSend(editor, SCI_LINEFROMPOSITION, SciSend(editor, SCI_GETCURRENTPOS)));
+    shown = wanted;
+    g_events.layoutWanted();
+    SciSend(editor, SCI_SETFIRSTVISIBLELINE, static_cast<WPARAM>(StickyTopAfter(top, caret, wanted)));
+}
+
 }  // namespace
+
+int StickyHeaderHeight() {
+    if (!IsTabIndex(g_documents.activeTab) || !TabAt(g_documents.activeTab).headerShown) return 0;
+    return std::max(static_cast<int>(SciSend(g_documents.hEditor, SCI_TEXTHEIGHT)), UiScaled(kLeastHeight));
+}
+
+void StickyHeaderOnScroll(HWND editor) {
+    bool finished = true;
+    const std::int64_t header = HeaderLine(editor, false, &finished);
+    if (finished) PlaceHeader(editor, header);
+}
 
 void UpdateStickyHeader(HWND editor, HWND label) {
     if (editor == nullptr || label == nullptr) return;
@@ -80,6 +111,7 @@ void UpdateStickyHeader(HWND editor, HWND label) {
     wchar_t shown[kStickyMaximumLine + 2] = {};
     GetWindowTextW(label, shown, kStickyMaximumLine + 2);
     if (text != shown) SetWindowTextW(label, text.c_str());
+    if (finished) PlaceHeader(editor, header);
 }
 
 std::size_t EditorPaneProcedureLine(HWND editor, wchar_t* out, std::size_t capacity) {

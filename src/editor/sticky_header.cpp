@@ -90,3 +90,12 @@ void StickyForget(StickyCache& cache, std::int64_t line, std::int64_t linesAdded
     }
     cache.anchor = line - 1;
 }
+
+bool StickyIsWanted(std::int64_t header, std::int64_t top, bool shown) {
+    return header != kStickyNone && header < (shown ? top - 1 : top);
+}
+
+std::int64_t StickyTopAfter(std::int64_t top, std::int64_t caret, bool shown) {
+    if (!shown) return std::max<std::int64_t>(top - 1, 0);
+    return caret == top ? top : top + 1;
+}

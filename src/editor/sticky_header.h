@@ -60,3 +60,11 @@ bool StickyLookUp(StickyCache& cache, std::int64_t line, std::ptrdiff_t budget, 
 
 // Updates the cache after a change of the text that begins on `line` and adds `linesAdded` lines (negative: removes).
 void StickyForget(StickyCache& cache, std::int64_t line, std::int64_t linesAdded);
+
+// Whether the header is to be shown: only when its line is above what is visible. `header` and `top` are display lines:
+// of the header's line (kStickyNone: there is none), and the first visible one. A header that is shown covers the line
+// before `top`, because showing it scrolls the text by one line.
+bool StickyIsWanted(std::int64_t header, std::int64_t top, bool shown);
+// The first visible display line after the header was shown or hidden, so that the text stays where it is on the screen.
+// A caret in the topmost line stays visible.
+std::int64_t StickyTopAfter(std::int64_t top, std::int64_t caret, bool shown);

@@ -152,6 +152,9 @@
 #define IDM_VIEW_FOLD 1451         // folds the block at the caret, or unfolds it
 #define IDM_OUTPUT_COPY_ALL 1452   // of the output pane, or of the error list that has the keyboard
 #define IDM_OUTPUT_CLEAR 1453
+#define IDM_PANE_RESIZE 1602  // moves the bars between the panes by keys
+#define IDM_PANE_CLOSE 1603   // the one that has the keyboard
+#define IDM_PANE_SIZES 1604   // the sizes that the panes have at a first start
 // --- Compiler
 #define IDM_BUILD 1301
 #define IDM_BUILD_RUN 1302
@@ -258,6 +261,7 @@
 #define IDM_TAB_OPEN_FOLDER 1477
 #define IDM_TAB_NUMBER_FIRST 1480  // shows the first tab, and so on up to the ninth, 1488
 #define IDM_TAB_LAST 1489
+#define IDM_SAMPLE_FIRST 1610  // one for each sample of the program's folder, up to 1619
 #define IDM_QUICK_OPEN 1075
 #define IDM_COMMAND_PALETTE 1076
 
@@ -306,6 +310,19 @@
 #define IDC_DEBUG_TEXT 2403     // Scintilla, for the memory
 #define IDC_DEBUG_ADDRESS 2404  // address field of memory and disassembly
 #define IDC_DEBUG_MORE 2405     // button for the tabs that have no room
+#define IDC_PANE_CLOSE_FIRST 3580  // one close button for each PaneId, up to 3588
+#define IDC_PANE_TITLE 3589        // all titles of panes
+#define IDC_SPLIT_ERROR_LIST 3590
+#define IDC_SPLIT_RESULTS 3591
+#define IDC_SPLIT_OUTLINE 3592
+// The page that stands in the place of the editor while no file is open, and its children.
+#define IDC_START_PAGE 3593
+#define IDC_START_NEW 3594
+#define IDC_START_OPEN 3595
+#define IDC_START_PROJECT 3596
+#define IDC_START_SESSION 3597
+#define IDC_START_HINT 3598
+#define IDC_START_LIST 3599
 // The first editor. Each tab that is ever opened gets the next number.
 #define IDC_EDITOR_FIRST 5000
 
@@ -513,4 +530,5 @@
 #define TIMER_AI_PIECES 9    // shows what has come of streamed replies
 #define TIMER_TAB_SWITCH 32  // looks whether Ctrl is still held, and shows the list of tabs
 #define TIMER_FIND 12        // goes on with what the search bar looks for
+#define TIMER_PANES 35       // a pane has a new size, to which its text is to be fitted
 #define TIMER_FOCUS 32770

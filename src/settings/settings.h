@@ -152,6 +152,12 @@ struct Settings {
     StoredRatio splitterRatio;
     StoredRatio sidebarRatio;  // of aiSidebarWidth in the client area
     StoredPlace place;
+    // Sizes of panes that share a place, in pixels at 96 dpi; 0: half of the place.
+    std::int32_t debugPaneWidth;
+    std::int32_t resultsWidth;
+    std::int32_t outlineHeight;
+    std::int32_t errorListSize;  // at the end of the last run; 0: not known
+    std::int32_t panesShown;     // PaneBit of the panes that come back (ui/panes.h)
 };
 
 // Both work on `g_settings`. `overridePath` may be null and means "Editor.ini" beside the executable then; the other

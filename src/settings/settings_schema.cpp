@@ -244,6 +244,11 @@ constexpr SettingRow kOtherRows[] = {
     IntRow(kWindow, L"SplitterRatioOf", FIELD(splitterRatio.of), 0),
     IntRow(kWindow, L"SidebarRatio", FIELD(sidebarRatio.ratio), 0, Within(0, kFullRatio)),
     IntRow(kWindow, L"SidebarRatioOf", FIELD(sidebarRatio.of), 0),
+    Affects(kEffectLayout, IntRow(kWindow, L"DebugPaneWidth", FIELD(debugPaneWidth), 0, Within(0, 4000))),
+    Affects(kEffectLayout, IntRow(kWindow, L"ResultsWidth", FIELD(resultsWidth), 0, Within(0, 4000))),
+    Affects(kEffectLayout, IntRow(kWindow, L"OutlineHeight", FIELD(outlineHeight), 0, Within(0, 4000))),
+    IntRow(kWindow, L"ErrorListSize", FIELD(errorListSize), 0, Within(0, 2000)),
+    IntRow(kWindow, L"Panes", FIELD(panesShown), 1),
     Affects(kEffectTimers, BoolRow(kClosing, L"AutoSaveEnabled", FIELD(autoSaveEnabled), 1)),
 };
 #undef FIELD

@@ -27,7 +27,8 @@ struct PaneSpec {
     bool lazy = false;                           // created when it is first shown, to save time at start-up
     void (*applyTheme)() = nullptr;              // renews colours and fonts; called while there is a window
     std::int32_t Settings::*setting = nullptr;   // whether it is shown; null: not kept between runs
-    bool shownAtStart = false;                   // for a pane without a setting
+    bool hasTitle = false;                       // with the button that closes it
+    bool comesBack = false;                      // a pane without a setting in the file: kept in panesShown
     std::int32_t Settings::*height = nullptr;    // of a pane in BelowBottom, at 96 dpi; null: one line
     int command = 0;                             // of the View menu, which shows and hides it; 0: none
     void (*onShown)() = nullptr;                 // called by PaneShow after it has opened the pane
@@ -51,3 +52,9 @@ void PaneSetShown(PaneId id, bool shown);
 const PaneSpec* PaneOfCommand(int command);
 // The pane to which the window belongs. Null when there is none.
 const PaneSpec* PaneOfWindow(HWND window);
+
+// After the settings were read: shows the panes that were shown at the end of the last run, and gives the error list the
+// height that it had. The file does not keep the settings of the error list itself.
+void PanesRestore();
+// Puts that into the settings.
+void PanesRemember();

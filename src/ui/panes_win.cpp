@@ -24,11 +24,7 @@ bool OwnsWindow(const PaneSpec& pane, HWND window) {
 
 }  // namespace
 
-void PanesConnect(std::span<const PaneSpec> rows) {
-    g_panes = rows;
-    for (const PaneSpec& pane : rows)
-        if (pane.shownAtStart) g_ui.panesShown |= PaneBit(pane.id);
-}
+void PanesConnect(std::span<const PaneSpec> rows) { g_panes = rows; }
 
 std::span<const PaneSpec> Panes() { return g_panes; }
 
@@ -70,4 +66,24 @@ const PaneSpec* PaneOfWindow(HWND window) {
     if (window == nullptr) return nullptr;
     const auto row = std::ranges::find_if(g_panes, [window](const PaneSpec& pane) { return OwnsWindow(pane, window); });
     return row == g_panes.end() ? nullptr : &*row;
+}
+
+void PanesRestore() {
+    const auto shown = static_cast<std::uint32_t>(g_settings.panesShown);
+    for (const PaneSpec& pane : g_panes) {
+        if (!pane.comesBack || (shown & PaneBit(pane.id)) == 0) continue;
+        if (pane.setting != nullptr)
+            g_settings.*pane.setting = 1;
+        else
+            g_ui.panesShown |= PaneBit(pane.id);
+    }
+    if (g_settings.errorListSize > 0) g_settings.errorListHeight = g_settings.errorListSize;
+}
+
+void PanesRemember() {
+    std::uint32_t shown = 0;
+    for (const PaneSpec& pane : g_panes)
+        if (pane.comesBack && PaneIsShown(pane.id)) shown |= PaneBit(pane.id);
+    g_settings.panesShown = static_cast<std::int32_t>(shown);
+    g_settings.errorListSize = g_settings.errorListHeight;
 }

@@ -8,10 +8,10 @@
 struct UiState {
     HINSTANCE hInstance = nullptr;
     HWND hMainWnd = nullptr;
-    int dpi = 96;  // of the main window's monitor
+    HWND hStartPage = nullptr;  // in the place of the editor; null while it is not shown
+    int dpi = 96;               // of the main window's monitor
 
     std::uint32_t panesShown = 0;  // PaneBit of the shown panes without a setting (ui/panes.h)
-    int debugPaneWidth = 0;        // pixels, wanted width below the editor; 0: half of it
 };
 // A part of `g_app` (app/app_state.h).
 extern UiState& g_ui;

@@ -4,6 +4,7 @@
 #include "app/notify_rules.h"
 #include "app/recent_text.h"
 #include "app/split_ratios.h"
+#include "app/start_rows.h"
 #include "app/startup_rules.h"
 #include "app/window_place.h"
 #include "editor/margins.h"
@@ -122,9 +123,16 @@ LayoutInput InputOf(int width, int height, unsigned panes, int dpi) {
                   {PaneId::Asm, PaneArea::Right, 32, 0},
                   {PaneId::Ai, PaneArea::Right, 64, 0},
                   {PaneId::Tree, PaneArea::Left, 128, 0},
-                  {PaneId::Debug, PaneArea::BottomRight, 256, 0}};
+                  {PaneId::Debug, PaneArea::BottomRight, 256, 0},
+                  {PaneId::FilesResults, PaneArea::Bottom, 512, 0},
+                  {PaneId::Outline, PaneArea::Left, 1024, 0}};
     for (const auto& pane : kPanes)
-        input.panes[PaneIndex(pane.id)] = {pane.area, (panes & pane.bit) != 0, pane.height * dpi / 96};
+        input.panes[PaneIndex(pane.id)] = {.area = pane.area,
+                                           .shown = (panes & pane.bit) != 0,
+                                           .height = pane.height * dpi / 96,
+                                           .hasTitle = pane.id != PaneId::Terminal && (panes & 2048) != 0,
+                                           .hasBar = pane.id == PaneId::ErrorList};
+    input.titleHeight = 20 * dpi / 96;
     input.outputSplit = 400;
     input.sideWidth = 300 * dpi / 96;
     input.treeWidth = 200 * dpi / 96;
@@ -132,9 +140,12 @@ LayoutInput InputOf(int width, int height, unsigned panes, int dpi) {
 }
 
 std::vector<PaneRect> Visible(const PaneLayout& l) {
-    std::vector<PaneRect> all = {l.toolbar,      l.status,       l.tabs,           l.sticky,       l.editor,
-                                 l.treeSplitter, l.sideSplitter, l.outputSplitter, l.debugSplitter};
+    std::vector<PaneRect> all = {
+        l.toolbar,          l.status,       l.tabs,           l.sticky,        l.editor,          l.startPage,
+        l.treeSplitter,     l.sideSplitter, l.outputSplitter, l.debugSplitter, l.resultsSplitter, l.outlineSplitter,
+        l.errorListSplitter};
     all.insert(all.end(), l.panes.begin(), l.panes.end());
+    all.insert(all.end(), l.titles.begin(), l.titles.end());
     std::erase_if(all, [](const PaneRect& r) { return r.empty(); });
     return all;
 }
@@ -161,10 +172,12 @@ TEST(Layout, PanesNeverOverlapAndTheEditorKeepsItsPlace) {
     } sizes[] = {{640, 400, 96}, {1000, 700, 96}, {1920, 1040, 96}, {960, 600, 144},
                  {200, 90, 96},  {0, 0, 96},      {480, 320, 192}};
     for (const auto& size : sizes) {
-        for (unsigned panes = 0; panes < 512; ++panes) {
+        for (unsigned panes = 0; panes < 4096; ++panes) {
             const std::string name = std::to_string(size.width) + "x" + std::to_string(size.height) + " dpi " +
                                      std::to_string(size.dpi) + " panes " + std::to_string(panes);
-            const PaneLayout layout = ComputePaneLayout(InputOf(size.width, size.height, panes, size.dpi));
+            LayoutInput input = InputOf(size.width, size.height, panes, size.dpi);
+            if (panes % 3 == 0) input.startPageBelow = 100 * size.dpi / 96;
+            const PaneLayout layout = ComputePaneLayout(input);
             const std::vector<PaneRect> rects = Visible(layout);
             for (std::size_t i = 0; i < rects.size(); ++i) {
                 const PaneRect& a = rects[i];
@@ -220,15 +233,50 @@ TEST(Layout, PanesOfOneAreaShareIt) {
         shared.panes[PaneIndex(PaneId::Asm)] = {c.area, true, 0};
         const PaneLayout layout = ComputePaneLayout(shared);
         const PaneRect &whole = alone.pane(c.first), &first = layout.pane(c.first), &second = layout.pane(PaneId::Asm);
+        const PaneRect& bar = c.beside ? layout.resultsSplitter : layout.outlineSplitter;
         const auto& [before, after] = PaneId::Asm < c.first ? std::tie(second, first) : std::tie(first, second);
         EXPECT_EQ(layout.editor, alone.editor);
         EXPECT_EQ(before.left, whole.left);
         EXPECT_EQ(after.right, whole.right);
         EXPECT_EQ(after.bottom, whole.bottom);
-        EXPECT_EQ(c.beside ? before.right : before.bottom, c.beside ? after.left : after.top);
+        EXPECT_EQ(c.beside ? before.right : before.bottom, c.beside ? bar.left : bar.top);
+        EXPECT_EQ(c.beside ? bar.right : bar.bottom, c.beside ? after.left : after.top);
         EXPECT_LE(std::abs(c.beside ? first.width() - second.width() : first.height() - second.height()), 1);
     }
     EXPECT_EQ(PanesIn(InputOf(1000, 700, 8 | 16, 96), PaneArea::BelowBottom), 0) << "only with the bottom";
+}
+
+// What a bar's place says is what a drag starts from: setting it to that moves nothing.
+TEST(Layout, APlacedBarHasTheValueThatPutsItThere) {
+    LayoutInput input = InputOf(1000, 700, 2047 & ~64u, 96);
+    input.resultsWidth = 5000;  // more than there is room for
+    input.debugWidth = 1;
+    input.outlineHeight = 200;
+    const PaneLayout before = ComputePaneLayout(input);
+    const auto value = [&](Splitter bar) { return SplitterValueOf(before, bar, 96); };
+    EXPECT_EQ(value(Splitter::Outline), 200);
+    EXPECT_EQ(value(Splitter::ErrorList), 106) << "half of the height that the bottom has";
+    input.outputSplit = value(Splitter::Output);
+    input.sideWidth = value(Splitter::Side);
+    input.treeWidth = value(Splitter::Tree);
+    input.debugWidth = value(Splitter::Debug);
+    input.resultsWidth = value(Splitter::Results);
+    input.panes[PaneIndex(PaneId::ErrorList)].height = value(Splitter::ErrorList);
+    EXPECT_EQ(Visible(ComputePaneLayout(input)), Visible(before));
+}
+
+TEST(Layout, TheStartPageLeavesTheDocumentItsLinesOrHasThePlaceAlone) {
+    LayoutInput input = InputOf(1000, 700, 0, 96);
+    const PaneRect whole = ComputePaneLayout(input).editor;
+    for (const int kept : {0, 120}) {
+        input.startPageBelow = kept;
+        const PaneLayout layout = ComputePaneLayout(input);
+        EXPECT_EQ(layout.editor.height(), kept);
+        EXPECT_EQ(layout.startPage.top, whole.top + kept);
+        EXPECT_EQ(layout.startPage.bottom, whole.bottom);
+    }
+    input.startPageBelow = whole.height() - 100;
+    EXPECT_TRUE(ComputePaneLayout(input).startPage.empty()) << "no room below the document";
 }
 
 TEST(Layout, DraggedSplittersKeepTheirLimits) {
@@ -245,6 +293,10 @@ TEST(Layout, DraggedSplittersKeepTheirLimits) {
         {"tree at its widest", Splitter::Tree, 120, 500, 0, 96, 200},
         {"side grows to the left", Splitter::Side, 300, -100, 0, 96, 400},
         {"side at its least", Splitter::Side, 300, 900, 0, 96, 150},
+        {"error list grows upwards", Splitter::ErrorList, 150, 9, -60, 144, 190},
+        {"error list at its least", Splitter::ErrorList, 150, 0, 900, 96, 40},
+        {"results grow to the left", Splitter::Results, 300, -30, 0, 96, 330},
+        {"outline grows upwards", Splitter::Outline, 200, 0, -30, 96, 230},
     };
     for (const auto& c : cases) EXPECT_EQ(DraggedSplitter(c.bar, c.start, c.x, c.y, c.dpi), c.value) << c.name;
 }
@@ -313,6 +365,37 @@ TEST(Layout, ABarThatWasMovedByHandInTheFileCountsItself) {
         EXPECT_EQ(settings.splitter, splitter == 400 ? 500 : 300);
         EXPECT_EQ(settings.splitterRatio.of, settings.splitter);
     }
+}
+
+TEST(Layout, AtAFirstStartTheOutputTakesLessThanAQuarter) {
+    const struct {
+        const char* name;
+        StoredRatio stored;
+        int splitter, placed;
+    } cases[] = {{"first start", {0, 0}, 400, 724}, {"chosen", {3750, 400}, 400, 400}, {"by hand", {0, 0}, 500, 500}};
+    for (const auto& c : cases) {
+        Settings settings = {};
+        settings.splitter = c.splitter;
+        settings.splitterRatio = c.stored;
+        SplitRatios ratios;
+        RatiosRestore(ratios, settings, {.top = 100, .bottom = 900, .width = 1000, .dpi = 96});
+        EXPECT_EQ(settings.splitter, c.placed) << c.name;
+        EXPECT_GT(settings.splitterRatio.ratio, 0) << c.name;
+    }
+}
+
+TEST(StartPage, ListsFilesWithDigitsThenSessionsAndSamples) {
+    static Settings settings = {};
+    settings.mruCount = 12;  // more than there are
+    for (auto& file : settings.mruFiles) SafeCopyW(file, L"C:\\work\\a.bas");
+    settings.sessionMruCount = 1;
+    SafeCopyW(settings.sessionMruFiles[0], L"x.kvxsess");
+    const std::vector<StartRow> rows = StartRows(settings, std::vector<std::wstring>(11, L"\\\\s\\t\\b.bas"));
+    ASSERT_EQ(rows.size(), 21U);
+    EXPECT_TRUE(rows[0].key == L'1' && rows[8].key == L'9' && rows[9].key == L'0' && rows[10].key == 0);
+    EXPECT_TRUE(rows[0].name == L"a.bas" && rows[0].folder == L"C:\\work");
+    EXPECT_TRUE(rows[10].name == L"x.kvxsess" && rows[10].folder.empty());
+    EXPECT_EQ(rows[20].command - rows[11].command, 9) << "no more samples than commands";
 }
 
 TEST(RecentMenu, RowsAreShortAndKeepTheirName) {

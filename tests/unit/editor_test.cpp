@@ -117,6 +117,25 @@ TEST(PaneRules, ColoursWhatIsSeenFirstInSlicesThatTakeAFewMilliseconds) {
 
 TEST(PaneRules, BracesAreSearchedWithinTheText) { EXPECT_EQ(BraceReach(5, 10), (PaneSpan{0, 10})); }
 
+// Showing and hiding it moves no text, and the next look wants nothing else.
+TEST(StickyHeader, IsShownOnlyWhenItsLineIsOutOfSight) {
+    for (const std::int64_t header : {kStickyNone, std::int64_t{0}, std::int64_t{40}})
+        for (std::int64_t top = 0; top < 60; ++top)
+            for (const std::int64_t caret : {top, top + 5})
+                for (const bool shown : {false, true}) {
+                    const bool wanted = StickyIsWanted(header, top, shown);
+                    if (wanted == shown) continue;
+                    const std::int64_t after = StickyTopAfter(top, caret, wanted);
+                    const bool stays = StickyIsWanted(header, after, wanted) == wanted;
+                    EXPECT_TRUE(stays || (wanted && caret == top)) << header << " " << top << " " << shown;
+                    if (!wanted && header != kStickyNone) EXPECT_GE(header, after) << "its line is visible";
+                    if (wanted) EXPECT_LT(header, top) << "no visible line is repeated";
+                    EXPECT_TRUE(caret >= after) << "the caret stays visible";
+                }
+    EXPECT_TRUE(StickyIsWanted(4, 5, false));
+    EXPECT_FALSE(StickyIsWanted(4, 5, true)) << "one line up, and it is visible";
+}
+
 TEST(StickyHeader, IsAPlainPrefixTest) {
     const struct {
         std::string line;

@@ -22,7 +22,7 @@ const PaneSpec kTwoPanes[] = {{.id = PaneId::Output,
                                .controlId = 1,
                                .window = &g_windows[0],
                                .create = MakePane,
-                               .shownAtStart = true,
+                               .comesBack = true,
                                .command = 77,
                                .onShown = [] { ++g_opened; }},
                               {.id = PaneId::Tree,
@@ -40,9 +40,17 @@ TEST(Panes, AreShownByTheirSettingOrForTheRun) {
     const auto layout = g_events.layoutWanted;
     g_events.layoutWanted = [] { ++g_layouts; };
     PanesConnect(kTwoPanes);
-    EXPECT_EQ(PanesShown(), PaneBit(PaneId::Output));
+    PanesRestore();
+    EXPECT_EQ(PanesShown(), PaneBit(PaneId::Output)) << "as the default of the setting says";
     PaneShow(PaneId::Output, false);
     EXPECT_EQ(PanesShown(), 0U);
+    g_app.settings.errorListHeight = 210;
+    PanesRemember();
+    EXPECT_EQ(g_app.settings.panesShown, 0);
+    g_app.settings.errorListHeight = 150;
+    PanesRestore();
+    EXPECT_EQ(g_app.settings.errorListHeight, 210);
+    EXPECT_EQ(PanesShown(), 0U) << "it stays hidden";
     PaneShow(PaneId::Output, true);
     PaneShow(PaneId::Output, true);
     EXPECT_EQ(g_opened, 1) << "opened once, whatever is asked again";

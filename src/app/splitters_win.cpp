@@ -1,0 +1,214 @@
+#include "app/splitters.h"
+
+#include "app/app_state.h"
+#include "app/main_window.h"
+#include "base/events.h"
+#include "documents/document_row.h"
+#include "resources/ids.h"
+#include "ui/chrome.h"
+#include "ui/paint.h"
+
+#include <array>
+#include <iterator>
+#include <utility>
+
+namespace {
+
+constexpr wchar_t kSplitterClass[] = L"KxeSplitter";
+constexpr int kKeyStep = 8;        // pixels that an arrow key moves a bar; with Ctrl one
+constexpr int kAllTheWay = 20000;  // more than any window
+
+// A bar: its window's id and name, and its setting, which has the value `first` at a first start.
+struct SplitterRow {
+    Splitter kind;
+    int id;
+    const wchar_t* name;  // for screen readers
+    std::int32_t Settings::*setting;
+    int first;  // of the output's bar: FirstOutputSplit
+};
+constexpr SplitterRow kSplitters[] = {
+    {Splitter::Output, IDC_SPLIT_OUTPUT, L"Height of the Output", &Settings::splitter, 0},
+    {Splitter::Side, IDC_SPLIT_ASM, L"Width of the Side Panes", &Settings::aiSidebarWidth, 300},
+    {Splitter::Tree, IDC_SPLIT_TREE, L"Width of the Project Tree", &Settings::projectTreeWidth, 200},
+    {Splitter::Debug, IDC_SPLIT_DEBUG, L"Width of the Debug Pane", &Settings::debugPaneWidth, 0},
+    {Splitter::ErrorList, IDC_SPLIT_ERROR_LIST, L"Height of the Error List", &Settings::errorListHeight, 150},
+    {Splitter::Results, IDC_SPLIT_RESULTS, L"Width of the Search Results", &Settings::resultsWidth, 0},
+    {Splitter::Outline, IDC_SPLIT_OUTLINE, L"Height of the Outline", &Settings::outlineHeight, 0},
+};
+static_assert(std::size(kSplitters) == kSplitterCount);
+
+struct Splitters {
+    std::array<HWND, kSplitterCount> windows = {};  // in the order of kSplitters
+    bool dragged = false;
+    POINT start = {};       // screen coordinates, because the bar itself moves
+    int startValue = 0;     // of the drag
+    int undoValue = 0;      // of the setting when the bar got the keyboard
+    HWND before = nullptr;  // had the keyboard before the bars
+};
+Splitters g_splitters;
+
+const SplitterRow& RowOf(HWND window) {
+    for (std::size_t i = 0; i < std::size(kSplitters); ++i)
+        if (g_splitters.windows[i] == window) return kSplitters[i];
+    return kSplitters[0];
+}
+
+void SetSplitter(const SplitterRow& row, int value) {
+    const SettingsEdit edit;  // the change of a setting lays out the panes
+    g_app.settings.*row.setting = value;
+}
+
+void BeginSplitterDrag(HWND window) {
+    g_splitters.dragged = true;
+    GetCursorPos(&g_splitters.start);
+    g_splitters.startValue = SplitterValueOf(MainWindow_Placed(), RowOf(window).kind, g_app.dpi);
+    SetCapture(window);
+}
+
+void DragSplitter(const SplitterRow& row) {
+    if (!g_splitters.dragged) return;
+    POINT now = {};
+    GetCursorPos(&now);
+    const auto moved = [](LONG from, LONG to) { return static_cast<int>(to - from); };
+    SetSplitter(row, DraggedSplitter(row.kind, g_splitters.startValue, moved(g_splitters.start.x, now.x),
+                                     moved(g_splitters.start.y, now.y), g_app.dpi));
+    UpdateWindow(g_app.hMainWnd);
+}
+
+void EndSplitterDrag() {
+    if (std::exchange(g_splitters.dragged, false)) CaptureSplitterRatio();
+}
+
+void RestoreSplitter(const SplitterRow& row) {
+    SetSplitter(row, row.kind == Splitter::Output ? FirstOutputSplit() : row.first);
+    CaptureSplitterRatio();
+}
+
+// ------------------------------------------------------------------------------------------------------------- keys
+
+void LeaveSplitters() {
+    CaptureSplitterRatio();
+    const HWND before = std::exchange(g_splitters.before, nullptr);
+    if (before != nullptr && IsWindowVisible(before) != FALSE)
+        SetFocus(before);
+    else
+        FocusCurrentEditor();
+    g_events.statusText(L"");
+}
+
+void FocusSplitterBeside(HWND window, bool forward) {
+    const auto count = static_cast<int>(std::size(kSplitters));
+    int at = window != nullptr ? 0 : count - 1;
+    while (window != nullptr && at < count && g_splitters.windows[static_cast<std::size_t>(at)] != window) ++at;
+    for (int i = 1; i <= count; ++i) {
+        const auto next = static_cast<std::size_t>((at + (forward ? i : count - i)) % count);
+        if (g_splitters.windows[next] == nullptr || IsWindowVisible(g_splitters.windows[next]) == FALSE) continue;
+        SetFocus(g_splitters.windows[next]);
+        return;
+    }
+}
+
+void MoveByKey(const SplitterRow& row, int by) {
+    const int now = SplitterValueOf(MainWindow_Placed(), row.kind, g_app.dpi);
+    SetSplitter(row, DraggedSplitter(row.kind, now, by, by, g_app.dpi));
+}
+
+bool OnSplitterKey(HWND window, WPARAM key) {
+    const SplitterRow& row = RowOf(window);
+    const int step = GetKeyState(VK_CONTROL) < 0 ? 1 : kKeyStep;
+    switch (key) {
+        case VK_UP:
+        case VK_LEFT: MoveByKey(row, -step); return true;
+        case VK_DOWN:
+        case VK_RIGHT: MoveByKey(row, step); return true;
+        case VK_HOME: MoveByKey(row, -kAllTheWay); return true;
+        case VK_END: MoveByKey(row, kAllTheWay); return true;
+        case VK_BACK: RestoreSplitter(row); return true;
+        case VK_TAB: FocusSplitterBeside(window, GetKeyState(VK_SHIFT) >= 0); return true;
+        case VK_ESCAPE: SetSplitter(row, g_splitters.undoValue); [[fallthrough]];
+        case VK_RETURN: LeaveSplitters(); return true;
+        default: return false;
+    }
+}
+
+void OnSplitterFocus(HWND window, bool has) {
+    if (has) {
+        g_splitters.undoValue = g_app.settings.*RowOf(window).setting;
+        g_events.statusText(
+            L"Arrows, Home and End move the bar, Tab goes to the next one, Enter ends, Esc takes it back");
+    }
+    InvalidateRect(window, nullptr, TRUE);
+}
+
+LRESULT EraseSplitter(HWND window, HDC dc) {
+    RECT area = {};
+    GetClientRect(window, &area);
+    FillArea(dc, area, GetFocus() == window ? ThemeCurrentChrome().accent : ThemeCurrentChrome().line);
+    return 1;
+}
+
+HWND CreateSplitter(const SplitterRow& row) {
+    static const ATOM registered = [] {
+        WNDCLASSEXW description = {};
+        description.cbSize = sizeof(description);
+        description.style = CS_DBLCLKS;
+        description.lpfnWndProc = SplitterProc;
+        description.hInstance = g_app.hInstance;
+        description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+        description.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNSHADOW + 1);  // EraseSplitter fills the bar
+        description.lpszClassName = kSplitterClass;
+        return RegisterClassExW(&description);
+    }();
+    if (registered == 0) return nullptr;
+    return CreateWindowExW(0, kSplitterClass, row.name, WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, 0, 0, 0, 0,
+                           g_app.hMainWnd, reinterpret_cast<HMENU>(static_cast<INT_PTR>(row.id)), g_app.hInstance,
+                           nullptr);
+}
+
+}  // namespace
+
+HWND SplitterWindow(Splitter kind, bool wanted) {
+    for (std::size_t i = 0; i < std::size(kSplitters); ++i) {
+        if (kSplitters[i].kind != kind) continue;
+        HWND& window = g_splitters.windows[i];
+        if (window == nullptr && wanted) window = CreateSplitter(kSplitters[i]);
+        return window;
+    }
+    return nullptr;
+}
+
+void SplittersTakeKeys() {
+    const HWND focus = GetFocus();
+    for (const HWND window : g_splitters.windows)
+        if (window != nullptr && window == focus) return FocusSplitterBeside(focus, true);
+    g_splitters.before = focus;
+    FocusSplitterBeside(nullptr, true);
+    if (GetFocus() == focus) g_events.statusText(L"No pane is shown whose size could be changed");
+}
+
+void SplittersRestoreSizes() {
+    for (const SplitterRow& row : kSplitters) RestoreSplitter(row);
+}
+
+LRESULT CALLBACK SplitterProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    const SplitterRow& row = RowOf(window);
+    switch (message) {
+        case WM_SETCURSOR:
+            SetCursor(LoadCursorW(nullptr, SplitterMovesUp(row.kind) ? IDC_SIZENS : IDC_SIZEWE));
+            return TRUE;
+        case WM_WINDOWPOSCHANGING:
+            // Without SWP_NOCOPYBITS the bar would, under Wine, copy what its neighbours have painted at its old place.
+            reinterpret_cast<WINDOWPOS*>(lParam)->flags |= SWP_NOCOPYBITS;
+            return 0;
+        case WM_ERASEBKGND: return EraseSplitter(window, reinterpret_cast<HDC>(wParam));
+        case WM_LBUTTONDOWN: BeginSplitterDrag(window); return 0;
+        case WM_LBUTTONDBLCLK: RestoreSplitter(row); return 0;
+        case WM_MOUSEMOVE: DragSplitter(row); return 0;
+        case WM_LBUTTONUP: ReleaseCapture(); return 0;
+        case WM_CAPTURECHANGED: EndSplitterDrag(); return 0;
+        case WM_SETFOCUS:
+        case WM_KILLFOCUS: OnSplitterFocus(window, message == WM_SETFOCUS); return 0;
+        case WM_KEYDOWN: return OnSplitterKey(window, wParam) ? 0 : DefWindowProcW(window, message, wParam, lParam);
+        default: return DefWindowProcW(window, message, wParam, lParam);
+    }
+}
