@@ -118,3 +118,4 @@ void MeasureFinder();
 void MeasureSettings();
 void MeasureSessions();
 void MeasureTree();
+void MeasurePanes();

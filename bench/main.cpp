@@ -21,7 +21,7 @@ constexpr Measurement kMeasurements[] = {
     {"files", MeasureFiles},       {"finder", MeasureFinder},
     {"settings", MeasureSettings}, {"completion", MeasureCompletion},
     {"symbols", MeasureSymbols},   {"sessions", MeasureSessions},
-    {"tree", MeasureTree},
+    {"tree", MeasureTree},         {"panes", MeasurePanes},
 };
 
 bool Wanted(int argc, char** argv, const std::string& name) {

@@ -119,6 +119,7 @@ void OnCompilerChoiceAsked(const wchar_t* path, bool* stays) {
 
 void OnProjectChanged() {
     StatusBarSetProject(ProjectName());
+    ProjectTreeOnProject();
     MainWindow_UpdateCompilerSelection();
 }
 

@@ -51,7 +51,8 @@ struct PaneLayout {
 inline constexpr int kSplitterThickness = 3;
 inline constexpr int kMinimumWidth = 480;  // of the whole window, at 96 dpi
 inline constexpr int kMinimumHeight = 320;
-inline constexpr int kLineHeight = 30;  // of an input line, at 96 dpi
+inline constexpr int kLineHeight = 30;       // of an input line, at 96 dpi
+inline constexpr int kFirstSideWidth = 300;  // of a pane on the right at a first start, at 96 dpi
 
 // Number of panes shown in the area. Panes below the bottom count only when the bottom has a pane.
 int PanesIn(const LayoutInput& input, PaneArea area);

@@ -13,6 +13,7 @@
 #include "commands/quick_open.h"
 #include "commands/status_bar.h"
 #include "commands/toolbar.h"
+#include "disasm/asm_pane.h"
 #include "documents/document_row.h"
 #include "documents/sticky_label.h"
 #include "resources/ids.h"
@@ -108,6 +109,7 @@ void MainWindow_Layout() {
     const PaneSpec* focused = PaneOfWindow(GetFocus());
     g_placed = ComputePaneLayout(LayoutInputOf(client.right, client.bottom));
     PlaceChildren(g_placed);
+    AsmPaneOnPlaced();
     QuickOpenPlace();
     AiRenewMarks();
     // A hidden pane would keep the keyboard focus.

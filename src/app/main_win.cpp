@@ -129,9 +129,16 @@ void RunStep(const CommandLineStep& step) {
     }
 }
 
+// A file that is opened chooses its compiler by its name. One that the command line names holds for its files instead,
+// those before it and those after it.
 void ParseCommandLine(const char* raw) {
-    for (const CommandLineStep& step : ParseCommandLineSteps(Arguments(raw)))
-        if (step.action != CommandLineAction::Open || !FileWorkCloseIsQueued()) RunStep(step);
+    int compiler = -1;
+    for (const CommandLineStep& step : ParseCommandLineSteps(Arguments(raw))) {
+        if (step.action == CommandLineAction::Open && FileWorkCloseIsQueued()) continue;
+        if (step.action == CommandLineAction::SetCompiler) compiler = step.number;
+        RunStep(step);
+        if (step.action == CommandLineAction::Open && compiler >= 0) SelectCompiler(compiler);
+    }
 }
 
 void InitControls() {

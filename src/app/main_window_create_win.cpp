@@ -120,6 +120,9 @@ void MainWnd_OnDpiChanged(HWND window, int dpi, const RECT& suggested) {
     SyntaxThemeApplyAll();
     SourceMarksRenew();
     MainWnd_ApplyTheme();
+    RECT client = {};
+    GetClientRect(g_app.hMainWnd, &client);
+    ApplyLayoutRatios(static_cast<int>(client.right), static_cast<int>(client.bottom));  // the bars have other heights
     MainWindow_Layout();
 }
 

@@ -17,6 +17,7 @@
 #include "compile/build.h"
 #include "completion/completion.h"
 #include "debugui/debug_commands.h"
+#include "disasm/asm_pane.h"
 #include "documents/document_row.h"
 #include "documents/outside.h"
 #include "documents/sticky_label.h"
@@ -103,6 +104,7 @@ void RouteTimer(HWND window, UINT_PTR id) {
         case TIMER_OUTSIDE: OutsideOnTimer(); break;
         case TIMER_SNAPSHOTS: SnapshotsOnTimer(); break;
         case TIMER_SYMBOLS: SymbolsOnTimer(); break;
+        case TIMER_PANES: AsmPaneOnPanesTimer(); break;
         case TIMER_POSITION: MainWnd_OnPositionTimer(); break;
         default: break;
     }

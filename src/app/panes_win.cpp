@@ -51,6 +51,7 @@ HWND CreateTerminal(HWND parent, int controlId) {
 
 void ApplyTerminalTheme() {
     SendMessageW(g_app.hTerminal, WM_SETFONT, reinterpret_cast<WPARAM>(UiStockFont()), FALSE);
+    SendMessageW(g_app.hTerminal, EM_SETCUEBANNER, FALSE, reinterpret_cast<LPARAM>(L"Command"));
     ControlApplyTheme(g_app.hTerminal);
 }
 
@@ -63,8 +64,19 @@ void ApplyAsmTheme() {
     RichScrollToLeft(g_app.hAsmPane);
 }
 
+// Until the user has chosen a width for the panes at the side, the first listing gets one that does not cut it.
+void WidenForAsm() {
+    const int least = UiUnscaled(AsmPaneLeastWidth());
+    RECT client = {};
+    GetClientRect(g_app.hMainWnd, &client);
+    const bool room = AsmPaneLeastWidth() * 3 <= client.right && !PaneIsShown(PaneId::Ai);
+    if (!room || g_app.settings.aiSidebarWidth != kFirstSideWidth || least <= kFirstSideWidth) return;
+    SettingsChange([least](Settings& settings) { settings.aiSidebarWidth = ClampSideWidth(least); });
+}
+
 // Loads the listing of the last build when that wrote a listing or a program. Otherwise the pane keeps its text.
 void LoadAsmPane() {
+    WidenForAsm();
     const BuildRecord& last = LastBuild();
     if (!last.source.empty() && (FileExists(last.listing.c_str()) || FileExists(last.output.c_str())))
         AsmPaneLoad(last.source.c_str(), last.listing.c_str());

@@ -28,7 +28,7 @@ struct SplitterRow {
 };
 constexpr SplitterRow kSplitters[] = {
     {Splitter::Output, IDC_SPLIT_OUTPUT, L"Height of the Output", &Settings::splitter, 0},
-    {Splitter::Side, IDC_SPLIT_ASM, L"Width of the Side Panes", &Settings::aiSidebarWidth, 300},
+    {Splitter::Side, IDC_SPLIT_ASM, L"Width of the Side Panes", &Settings::aiSidebarWidth, kFirstSideWidth},
     {Splitter::Tree, IDC_SPLIT_TREE, L"Width of the Project Tree", &Settings::projectTreeWidth, 200},
     {Splitter::Debug, IDC_SPLIT_DEBUG, L"Width of the Debug Pane", &Settings::debugPaneWidth, 0},
     {Splitter::ErrorList, IDC_SPLIT_ERROR_LIST, L"Height of the Error List", &Settings::errorListHeight, 150},

@@ -2,6 +2,7 @@
 #include "compile/terminal.h"
 
 #include "base/events.h"
+#include "base/log.h"
 #include "base/path.h"
 #include "base/wide_format.h"
 #include "compile/build.h"
@@ -9,14 +10,19 @@
 #include "compile/child_process.h"
 #include "compile/compile_state.h"
 #include "compile/program_input.h"
+#include "compile/terminal_complete.h"
 #include "compile/terminal_text.h"
 #include "documents/document_row.h"
 #include "files/file_io.h"
 #include "files/libraries.h"
+#include "files/session_file.h"
+#include "files/user_folder.h"
 #include "output/line_colours.h"
 #include "output/output_feed.h"
 #include "output/output_pane.h"
+#include "resources/ids.h"
 #include "ui/subclass.h"
+#include "ui/ui_state.h"
 #include "ui/window_text.h"
 
 #include <commctrl.h>
@@ -24,17 +30,57 @@
 #include <cwchar>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace {
 
 constexpr WPARAM kCtrlZ = 0x1A;
 
-TerminalHistory g_terminalHistory;
-bool g_typedForProgram = false;  // the line's text was typed for a program that has ended meanwhile
+constexpr std::size_t kLargestHistory = 2 << 20;  // bytes of the file that are read
+
+struct Terminal {
+    TerminalHistory history;
+    bool historyRead = false;      // the commands of earlier runs are in it
+    bool typedForProgram = false;  // the line's text was typed for a program that has ended meanwhile
+    bool commandRuns = false;      // a command of the line
+};
+Terminal g_terminal;
+
+// --- The history. Its file is the user's, shared by all copies of the program. What is typed as a program's input is no
+// command and stays out of it, because it may be a password.
+
+std::wstring HistoryPath() {
+    const std::wstring folder = UserFolder();
+    return folder.empty() ? folder : folder + L"TerminalHistory.txt";
+}
+
+std::vector<std::wstring> KeptCommands(const std::wstring& path) {
+    std::string bytes;
+    if (path.empty() || !ReadSharedFile(path, kLargestHistory, &bytes)) return {};
+    return TerminalHistoryOf(bytes);
+}
+
+void ReadTerminalHistory() {
+    if (std::exchange(g_terminal.historyRead, true)) return;
+    g_terminal.history.commands = KeptCommands(HistoryPath());
+    g_terminal.history.at = g_terminal.history.commands.size();
+}
+
+// Adds to what other copies have written meanwhile.
+void KeepCommand(const std::wstring& command) {
+    const std::wstring path = HistoryPath();
+    if (path.empty() || !TerminalIsKept(command)) return;
+    TerminalHistory kept;
+    for (const std::wstring& each : KeptCommands(path)) TerminalRemember(kept, each);
+    TerminalRemember(kept, command);
+    if (!ReplaceFileWhole(path.c_str(), TerminalHistoryBytes(kept.commands)))
+        AppLogMsg(L"FAIL: terminal history error=%lu", GetLastError());
+}
 
 void ShowTerminalHistory(HWND window, bool older) {
-    std::wstring command;
-    if (!TerminalRecall(g_terminalHistory, older, &command)) return;
+    ReadTerminalHistory();
+    std::wstring command = WindowText(window);
+    if (!TerminalRecall(g_terminal.history, older, &command)) return;
     SetWindowTextW(window, command.c_str());
     SendMessageW(window, EM_SETSEL, 0x7FFFFFFF, 0x7FFFFFFF);
 }
@@ -60,7 +106,8 @@ void SendToProgram(HWND window) {
         return;
     }
     EchoInput(text);
-    if (!text.empty()) TerminalRemember(g_terminalHistory, text);
+    ReadTerminalHistory();
+    if (!text.empty()) TerminalRemember(g_terminal.history, text);
     SetWindowTextW(window, L"");
 }
 
@@ -78,7 +125,7 @@ void RunTerminalCommand(HWND window) {
         return;
     }
     const std::wstring command = WindowText(window);
-    if (std::exchange(g_typedForProgram, false) && !command.empty()) {
+    if (std::exchange(g_terminal.typedForProgram, false) && !command.empty()) {
         g_events.statusText(L"The program has ended. Enter again runs this line as a command.");
         SendMessageW(window, EM_SETSEL, 0, -1);
         return;
@@ -90,7 +137,9 @@ void RunTerminalCommand(HWND window) {
     }
     StageSettle(false);
     if (CompilerIsBuilding()) return;
-    TerminalRemember(g_terminalHistory, command);
+    ReadTerminalHistory();
+    TerminalRemember(g_terminal.history, command);
+    KeepCommand(command);
     SetWindowTextW(window, L"");
     if (lstrcmpiW(command.c_str(), L"cls") == 0) {
         OutputPaneClear();
@@ -104,6 +153,7 @@ void RunTerminalCommand(HWND window) {
                     .commandLine = TerminalCommandLine(SystemFolder(), command),
                     .directory = folder},
                    &error)) {
+        g_terminal.commandRuns = true;
         g_events.statusText(L"Running command...");
     } else {
         OutputFeedBegin({});
@@ -114,12 +164,27 @@ void RunTerminalCommand(HWND window) {
     }
 }
 
+// First empties the line, then stops what runs, then leaves.
+void OnTerminalEscape(HWND window) {
+    if (GetWindowTextLengthW(window) > 0) {
+        SetWindowTextW(window, L"");
+        g_terminal.history.at = g_terminal.history.commands.size();
+    } else if (g_terminal.commandRuns || StageIsProgram()) {
+        PostMessageW(g_ui.hMainWnd, WM_COMMAND, IDM_BUILD_STOP, 0);
+    } else {
+        FocusCurrentEditor();
+    }
+}
+
 bool OnTerminalKey(HWND window, WPARAM key) {
     switch (key) {
         case VK_RETURN: RunTerminalCommand(window); return true;
         case VK_UP:
         case VK_DOWN: ShowTerminalHistory(window, key == VK_UP); return true;
-        case VK_ESCAPE: FocusCurrentEditor(); return true;
+        case VK_ESCAPE: OnTerminalEscape(window); return true;
+        case VK_TAB:
+            if (GetKeyState(VK_CONTROL) >= 0) TerminalComplete(window, TerminalFolder(), GetKeyState(VK_SHIFT) >= 0);
+            return true;
         case L'Z': return EndsProgramInput(window);
         default: return false;
     }
@@ -128,6 +193,7 @@ bool OnTerminalKey(HWND window, WPARAM key) {
 }  // namespace
 
 void TerminalOnStageEnd(const StageResult& result) {
+    g_terminal.commandRuns = false;
     OutputFeedBegin({});
     if (const std::wstring text = TerminalEndText(result); !text.empty())
         OutputPaneAppend(text.c_str(), result.end == BuildEnd::Stopped ? kLineRed : kLineTeal);
@@ -135,8 +201,8 @@ void TerminalOnStageEnd(const StageResult& result) {
 }
 
 bool TerminalProgramEnded() {
-    g_typedForProgram = GetWindowTextLengthW(g_compile.hTerminal) > 0;
-    return g_typedForProgram;
+    g_terminal.typedForProgram = GetWindowTextLengthW(g_compile.hTerminal) > 0;
+    return g_terminal.typedForProgram;
 }
 
 LRESULT CALLBACK TerminalSubclassProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
@@ -145,11 +211,12 @@ LRESULT CALLBACK TerminalSubclassProc(HWND window, UINT message, WPARAM wParam, 
             if (OnTerminalKey(window, wParam)) return 0;
             break;
         case WM_CHAR:
-            if (wParam == L'\r' || wParam == VK_ESCAPE)  // handled on WM_KEYDOWN; the edit control would beep
-                return 0;
+            // Handled on WM_KEYDOWN; the edit control would beep.
+            if (wParam == L'\r' || wParam == VK_ESCAPE || wParam == L'\t') return 0;
             if (wParam == kCtrlZ && StageIsProgram() && GetWindowTextLengthW(window) == 0) return 0;
             break;
-        case WM_KILLFOCUS: g_typedForProgram = false; break;
+        case MSG_TERMINAL_NAMES: TerminalOnNames(window, wParam); return 0;
+        case WM_KILLFOCUS: g_terminal.typedForProgram = false; break;
         default: break;
     }
     return SubclassNext(window, message, wParam, lParam);

@@ -11,3 +11,7 @@ void AsmPaneLoad(const wchar_t* source, const wchar_t* listing);
 void AsmPaneShowNext();  // on TIMER_OUTPUT
 bool AsmPaneIsEmpty();   // no text waits to be shown, and no feed is working
 void AsmPaneShutdown();
+
+int AsmPaneLeastWidth();     // in which a line without its bytes is not cut, in pixels
+void AsmPaneOnPlaced();      // the pane may have another width
+void AsmPaneOnPanesTimer();  // TIMER_PANES: shows or leaves out the bytes, as there is room

@@ -11,7 +11,10 @@
 #include "output/output_pane.h"
 #include "output/output_queue.h"
 #include "output/show_timer.h"
+#include "resources/ids.h"
 #include "scintilla/sci.h"
+#include "ui/dpi.h"
+#include "ui/fonts.h"
 #include "ui/panes.h"
 #include "ui/rich_lines.h"
 
@@ -23,13 +26,17 @@
 namespace {
 
 constexpr unsigned kShutdownWaitMs = 1000;
-constexpr int kHeadLines = 4;  // lines before the text of the feed
+constexpr int kHeadLines = 4;    // lines before the text of the feed
+constexpr int kSideMargin = 6;   // left and right of the text, at 96 dpi
+constexpr UINT kSettleMs = 250;  // after the last change of the width
 
 struct AsmPane {
     OutputQueue queue;
     AsmFeedPtr feed;  // null: no worker makes text
     AsmScroll scroll;
     BlockSize block = {.lines = 100};  // small, because the first block is painted with the whole pane
+    std::wstring source, listing;      // whose code is shown; empty: none
+    bool bytes = true;                 // with the bytes of the instructions
 };
 AsmPane g_asm;
 
@@ -92,7 +99,32 @@ Sight PresentSight() {
             .lines = SendMessageW(pane, EM_GETLINECOUNT, 0, 0)};
 }
 
+// What a line of so many characters takes, beside it the margins and the scroll bar.
+int WidthFor(int characters) {
+    return characters * UiSizes().fixedWidth + 2 * UiScaled(kSideMargin) + GetSystemMetrics(SM_CXVSCROLL);
+}
+
+// The bytes are left out where they would push the instructions out of sight.
+bool HasRoomForBytes() {
+    RECT place = {};
+    GetWindowRect(g_disasm.hAsmPane, &place);
+    return place.right - place.left >= WidthFor(kAsmCharactersWithBytes);
+}
+
 }  // namespace
+
+int AsmPaneLeastWidth() { return WidthFor(kAsmCharacters); }
+
+void AsmPaneOnPlaced() {
+    if (!g_asm.source.empty() && HasRoomForBytes() != g_asm.bytes)
+        SetTimer(g_ui.hMainWnd, TIMER_PANES, kSettleMs, nullptr);  // a bar may still be moving
+}
+
+void AsmPaneOnPanesTimer() {
+    KillTimer(g_ui.hMainWnd, TIMER_PANES);
+    if (g_asm.source.empty() || !PaneIsShown(PaneId::Asm) || HasRoomForBytes() == g_asm.bytes) return;
+    AsmPaneLoad(std::wstring(g_asm.source).c_str(), std::wstring(g_asm.listing).c_str());
+}
 
 void AsmPaneClear() {
     if (g_asm.feed != nullptr) AsmFeedCancel(*g_asm.feed);
@@ -112,6 +144,9 @@ void AsmPaneLoad(const wchar_t* source, const wchar_t* listing) {
     SendMessageW(g_disasm.hAsmPane, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
     QueueAsmText(FormatW(L"=== Assembly Output ===\r\nSource: %s\r\nASMOUT: %s\r\n\r\n", source, listing));
     AsmRequest request = RequestWithCaret(source, listing);
+    g_asm.source = source;
+    g_asm.listing = listing;
+    g_asm.bytes = request.bytes = HasRoomForBytes();
     if (FileExists(listing) && !IsBuildProduct(listing)) {
         QueueAsmText(FormatW(L"(%s is no listing: no build of this editor has made it.)\r\n", listing));
         request.listing.clear();

@@ -75,7 +75,7 @@ void PutListingColumns(const AsmSurroundings& around, const AsmRequest& request,
     // The listing may be older, because not every compiler writes one and another compiler may have left it.
     if (around.isOlder(request.listing, request.source))
         around.put("(The source was changed after this listing was written.)\r\n");
-    DisasmListing listing = {.rest = text};
+    DisasmListing listing = {.rest = text, .bytes = request.bytes};
     std::string piece;
     for (bool more = true; more;) {
         piece.clear();
@@ -110,6 +110,7 @@ void PutProgramCode(const AsmSurroundings& around, const AsmRequest& request) {
         around.put("(The source was changed after the program was built: its lines may be others.)\r\n");
     DisasmProgram program;
     program.file.assign(bytes.begin(), bytes.end());
+    program.bytes = request.bytes;
     {
         MapOwner owner;
         if (ReadMapOfProgram(around, request, bytes, &owner.map)) AddLines(around, request, owner.map, program);

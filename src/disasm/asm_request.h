@@ -13,7 +13,12 @@ struct AsmRequest {
     std::wstring program;    // empty: unknown
     std::wstring caretFile;  // the active editor's file
     int caretLine = 0;       // from 1; 0: none
+    bool bytes = true;       // the bytes of the instructions are shown
 };
+
+// Characters of a line: what an instruction needs beside its address, and beside its bytes too.
+inline constexpr int kAsmCharacters = 46;
+inline constexpr int kAsmCharactersWithBytes = 78;
 
 // Fills `staged` and `program` when the last build was of this source.
 AsmRequest AsmRequestOf(const BuildRecord& last, std::wstring source, std::wstring listing);

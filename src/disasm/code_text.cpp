@@ -18,10 +18,14 @@ void AppendHex(std::string& out, std::uint64_t value, int digits) {
     for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4) out += kDigits[value >> shift & 15];
 }
 
-void AppendAddressAndBytes(std::string& out, std::uint64_t address, int digits, std::span<const std::uint8_t> bytes) {
+void AppendAddress(std::string& out, std::uint64_t address, int digits) {
     out += "  ";
     AppendHex(out, address, digits);
     out += "  ";
+}
+
+void AppendAddressAndBytes(std::string& out, std::uint64_t address, int digits, std::span<const std::uint8_t> bytes) {
+    AppendAddress(out, address, digits);
     for (const std::uint8_t byte : bytes) {
         AppendHex(out, byte, 2);
         out += ' ';

@@ -11,6 +11,7 @@ int AddressDigits(bool x64, std::uint64_t highest);
 void AppendHex(std::string& out, std::uint64_t value, int digits);  // in upper case, with leading zeros
 // Appends "  000140001020  48 8B 45 F0                     "; the instruction follows.
 void AppendAddressAndBytes(std::string& out, std::uint64_t address, int digits, std::span<const std::uint8_t> bytes);
+void AppendAddress(std::string& out, std::uint64_t address, int digits);  // "  000140001020  "
 // Appends "mov     rax, [rbp-0x10]": the operands begin in column 8, or one blank after a longer mnemonic. A prefix
 // such as "rep" or "lock" is part of the mnemonic.
 void AppendAligned(std::string& out, std::string_view instruction);

@@ -140,11 +140,16 @@ bool ParseCodeLine(std::string_view text, CodeLine* line) {
     return true;
 }
 
-std::string RenderCode(const CodeLine& line) {
+std::string RenderCode(const CodeLine& line, bool bytes) {
     std::string out;
     if (!line.lineNumber.empty()) out.append(kNumberColumn - std::min(kNumberColumn, line.lineNumber.size()), ' ');
     out += line.lineNumber;
-    out.append("  ").append(line.address).append("  ").append(line.bytes);
+    out.append("  ").append(line.address).append("  ");
+    if (!bytes && !line.instruction.empty()) {
+        AppendAligned(out, line.instruction);
+        return out;
+    }
+    out += line.bytes;
     if (line.instruction.empty()) {
         out.pop_back();
         return out;
@@ -156,13 +161,13 @@ std::string RenderCode(const CodeLine& line) {
 
 }  // namespace
 
-std::string DisasmListingLine(std::string_view line) {
+std::string DisasmListingLine(std::string_view line, bool bytes) {
     std::string visible = VisibleText(line, kTab);
     visible.resize(visible.find_last_not_of(' ') + 1);  // npos + 1 is 0
     if (visible.size() > kLongestLine) return visible;
     const std::string_view text = WithoutOuterBlanks(visible);
     CodeLine code;
-    if (ParseCodeLine(text, &code)) return RenderCode(code);
+    if (ParseCodeLine(text, &code)) return RenderCode(code, bytes);
     if (IsLabel(text)) return std::string(text);
     if (text.empty() || text[0] == ';' || !IsInstruction(text)) return visible;
     std::string out(kIndent, ' ');
@@ -174,7 +179,7 @@ bool DisasmListingNext(DisasmListing& listing, std::size_t budget, std::string* 
     std::string_view& rest = listing.rest;
     for (; budget > 0 && !rest.empty(); --budget) {
         const std::size_t end = std::min(rest.find_first_of("\r\n"), rest.size());
-        *out += DisasmListingLine(rest.substr(0, end)) + "\r\n";
+        *out += DisasmListingLine(rest.substr(0, end), listing.bytes) + "\r\n";
         const bool pair = rest.substr(end).starts_with("\r\n");
         rest.remove_prefix(std::min(end + (pair ? 2 : 1), rest.size()));
     }

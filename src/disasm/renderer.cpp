@@ -365,7 +365,10 @@ std::size_t WriteStep(DisasmRenderer& r, const Code& code, std::string& out) {
     const Step step = StepAt(r, code, r.at, &decoded);
     const std::uint64_t address = r.image.base + code.rva + r.at;
     const std::size_t shown = step.kind == StepKind::Run ? 1 : step.length;
-    AppendAddressAndBytes(out, address, r.digits, code.bytes.subspan(r.at, shown));
+    if (r.program.bytes)
+        AppendAddressAndBytes(out, address, r.digits, code.bytes.subspan(r.at, shown));
+    else
+        AppendAddress(out, address, r.digits);
     switch (step.kind) {
         case StepKind::Instruction:
             AppendAligned(out, FormatDecoded(r.decoder, decoded, address, r.symbols, buffer));

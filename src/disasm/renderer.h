@@ -28,6 +28,7 @@ struct DisasmProgram {
     std::vector<DisasmSource> sources = {};
     std::uint32_t focusFile = 0;  // the part around the focus line comes first, if the line has code
     std::uint32_t focusLine = 0;  // 0: none
+    bool bytes = true;            // shown between address and instruction
 };
 
 struct DisasmRenderer;

@@ -29,7 +29,7 @@ struct DocumentTab : FileBinding {
     bool answered = false;      // and did not put it off
     BuildMark buildMark = BuildMark::None;
     bool headerShown = false;  // the sticky header has its place above the editor
-    bool building = false;  // a build of it runs
-    bool debugged = false;  // the program that is debugged was built from it
-    bool pinned = false;    // stands with the other pinned ones before the rest, and stays when others are closed
+    bool building = false;     // a build of it runs
+    bool debugged = false;     // the program that is debugged was built from it
+    bool pinned = false;       // stands with the other pinned ones before the rest, and stays when others are closed
 };

@@ -71,8 +71,10 @@ LRESULT PositionOf(HWND editor, const KeptPlace& kept) {
     return PaneSend(editor, SCI_POSITIONFROMLINE, kept.line) + static_cast<LRESULT>(place);
 }
 
-void TellFormatted(HWND editor, bool stopped) {
-    g_events.documentStatus(DocumentOfEditor(editor), stopped ? L"Stopped: nothing was formatted" : L"Formatted");
+void TellFormatted(HWND editor, const wchar_t* text) { g_events.documentStatus(DocumentOfEditor(editor), text); }
+
+std::wstring FormattedText(std::size_t changed) {
+    return L"Formatted: " + std::to_wstring(changed) + (changed == 1 ? L" line changed" : L" lines changed");
 }
 
 }  // namespace
@@ -95,14 +97,16 @@ void EditorFormat(HWND editor, bool selectionOnly) {
     const std::string_view text =
         std::string_view(all).substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start));
     if (formatted == text && !work.Stopped()) {
-        if (work.Shown()) TellFormatted(editor, false);
+        TellFormatted(editor, L"Formatted: nothing had to be changed");
         return;
     }
     const KeptPlace caret = KeepPlace(editor, PaneSend(editor, SCI_GETCURRENTPOS));
     const KeptPlace anchor = KeepPlace(editor, PaneSend(editor, SCI_GETANCHOR));
     const LRESULT topLine = PaneSend(editor, SCI_GETFIRSTVISIBLELINE);
-    if (!work.Stopped()) ReplaceLines(editor, start, LineReplacements(text, formatted), work);
-    if (work.Shown()) TellFormatted(editor, work.Stopped());
+    const std::vector<LineReplacement> changes =
+        work.Stopped() ? std::vector<LineReplacement>() : LineReplacements(text, formatted);
+    if (!work.Stopped()) ReplaceLines(editor, start, changes, work);
+    TellFormatted(editor, work.Stopped() ? L"Stopped: nothing was formatted" : FormattedText(changes.size()).c_str());
     PaneSend(editor, SCI_SETSEL, PositionOf(editor, anchor), PositionOf(editor, caret));
     PaneSend(editor, SCI_SETFIRSTVISIBLELINE, topLine);
 }

@@ -298,11 +298,20 @@ int SaveAsBound(DocumentId document, FileBinding binding, SaveManner manner) {
     }
 }
 
+// The folder of the file that was opened last in an earlier run. False when there is none, or it cannot be reached.
+bool RecentFolder(wchar_t (&folder)[kPathCapacity]) {
+    if (g_settings.mruCount < 1) return false;
+    PathGetDir(g_settings.mruFiles[0], folder, kPathCapacity);
+    return folder[0] != L'\0' && PathAnswers(folder) && DirectoryExists(folder);
+}
+
 // Asks for the new name. False when the user cancelled, the path does not fit, or another document has that file.
 bool AskNewPath(DocumentId document, wchar_t* out, std::size_t capacity) {
-    std::wstring chosen = TabAt(TabBarFindDocument(document)).path;
+    const DocumentTab& tab = TabAt(TabBarFindDocument(document));
+    std::wstring chosen = tab.hasFile ? tab.path : NameToPropose(tab.label);
     wchar_t directory[kPathCapacity] = {};
-    FileOpenResolveInitialDirectory(directory, kPathCapacity);
+    if (g_documents.lastDirectory[0] != L'\0' || !RecentFolder(directory))
+        FileOpenResolveInitialDirectory(directory, kPathCapacity);
     if (!AskSavePath(chosen, directory) || !PathNormalizeInput(chosen.c_str(), out, capacity)) return false;
     const int other = TabBarFindFile(out);
     if (other >= 0 && TabAt(other).id != document) {

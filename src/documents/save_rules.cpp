@@ -115,3 +115,12 @@ std::wstring AnsiQuestion(const wchar_t* label) {
            L"replaced.\n\nSave as UTF-8 instead?\n\nYes: save as UTF-8, nothing is lost\nNo: save as ANSI, these "
            L"characters are replaced\nCancel: do not save";
 }
+
+std::wstring NameToPropose(std::wstring_view label) {
+    std::wstring name;
+    for (const wchar_t c : label)
+        name += c < L' ' || std::wstring_view(L"<>:\"/\\|?*").find(c) != std::wstring_view::npos ? L'_' : c;
+    while (!name.empty() && (name.back() == L' ' || name.back() == L'.')) name.pop_back();
+    if (name.empty()) name = L"Untitled";
+    return name.find(L'.') == std::wstring::npos ? name + L".bas" : name;
+}

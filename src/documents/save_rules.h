@@ -9,6 +9,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 // Whether the old file is copied to its ".bak" first. Not after a failed save: the file may then be cut, and the backup
 // from before that save must stay.
@@ -38,3 +39,6 @@ std::wstring FormNotice(const FileBinding& binding);
 std::wstring SaveQuestion(const wchar_t* label);    // at most 511 characters
 std::wstring ReloadQuestion(const wchar_t* label);  // the same
 std::wstring AnsiQuestion(const wchar_t* label);
+
+// The name that is proposed for a document without a file: its label as the name of a source.
+std::wstring NameToPropose(std::wstring_view label);

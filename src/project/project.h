@@ -21,6 +21,10 @@ void ProjectClose();
 // after the user was told why it could not be written.
 bool ProjectChangeFile(std::string_view section, std::string_view key, std::wstring_view value);
 
+// After a file or folder got another path: the project stays open when its own file did, and a main source that moved is
+// written into it, which is told.
+void ProjectFollowRename(const std::wstring& from, const std::wstring& to);
+
 const std::wstring& ProjectFilePath();  // empty: no project is open
 const std::wstring& ProjectName();
 const std::wstring& ProjectRoot();  // absolute, with a backslash at its end; empty when the file could not be read yet

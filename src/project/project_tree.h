@@ -17,6 +17,7 @@ void ProjectTreeRevealActive();
 void ProjectTreeOnActive();
 // The file of the active document may have another name.
 void ProjectTreeOnRenamed();
+void ProjectTreeOnProject();  // which folders are left out may have changed
 // The main window's WM_NOTIFY. True when the tree handled it; `result` is then the answer.
 bool ProjectTreeHandleNotify(const NMHDR& header, LRESULT* result);
 void ProjectTreeApplyTheme();

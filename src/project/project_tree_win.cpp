@@ -195,6 +195,10 @@ void ProjectTreeOnActive() {
         TreeReveal(TabAt(g_documents.activeTab).path, false);
 }
 
+void ProjectTreeOnProject() {
+    if (g_tree.top != nullptr && !g_tree.stale) TreeReadShownAgain();
+}
+
 void ProjectTreeOnRenamed() {
     if (TreeWindow() != nullptr && !g_tree.stale) TreeMarkActive(false);
 }

@@ -250,6 +250,22 @@ bool ProjectChangeFile(std::string_view section, std::string_view key, std::wstr
     return true;
 }
 
+void ProjectFollowRename(const std::wstring& from, const std::wstring& to) {
+    if (g_opened.path.empty()) return;
+    if (PathIsWithin(from, g_opened.path)) {
+        ProjectOpenFile(PathAfterMove(g_opened.path, from, to).c_str());  // which also tells what it no longer finds
+        return;
+    }
+    const std::optional<BuildProject> project = BuildProjectNow();
+    if (!project || project->source.empty() || !PathIsWithin(from, project->source)) return;
+    const std::wstring source = PathAfterMove(project->source, from, to);
+    if (ProjectChangeFile("Project", "Main", ProjectWrittenPath(g_opened.root, source)))
+        g_events.statusText(
+            (std::wstring(FileNameOf(g_opened.path)) + L" now names " + std::wstring(FileNameOf(source))).c_str());
+    else
+        SayProject(g_opened.path + L" still names " + project->source + L" as the main source.", kLineYellow);
+}
+
 const std::wstring& ProjectFilePath() { return g_opened.path; }
 
 const std::wstring& ProjectName() { return g_opened.name; }

@@ -8,6 +8,7 @@
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "output/mark_view.h"
+#include "project/project.h"
 #include "project/tree_actions.h"
 #include "project/tree_internal.h"
 #include "resources/ids.h"
@@ -106,6 +107,7 @@ void RenameTo(TreeNode& node, const std::wstring& name) {
     SourceMarksFollowRename(from, to);
     EndEdited();
     ReadFolderAgain(folder);  // the filters may hide the new name
+    ProjectFollowRename(from, to);
 }
 
 void CreateNamed(const TreeNode& draft, const std::wstring& name) {

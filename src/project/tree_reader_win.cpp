@@ -24,6 +24,7 @@ struct TreeReadRequest {
     std::uint64_t number;
     std::wstring folder;
     TreeFilter filter;
+    ExcludedFolders excluded;
 };
 
 // Takes out what the ignore files say. The ignore file is looked for in the folder, because it may be a hidden entry.
@@ -34,6 +35,11 @@ void LeaveOutIgnored(const std::wstring& folder, TreeListing& listing) {
     std::erase_if(listing.entries, [&](const TreeEntry& entry) {
         return IsIgnored(scope.get(), PathKey(slashed + entry.name), entry.isFolder);
     });
+}
+
+bool IsLeftOut(const TreeReadRequest& request, const wchar_t* name, bool isFolder) {
+    return isFolder && !request.filter.hidden && !request.excluded.rules.empty() &&
+           IsInExcludedFolder(request.excluded, TreeJoin(request.folder, name), true);
 }
 
 void PostPart(const TreeReadRequest& request, const TreeListing& listing) {
@@ -59,7 +65,8 @@ void ReadTreeFolder(const TreeReadRequest& request, TreeListing& listing) {
     do {
         const bool isFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
         const bool isHidden = (found.dwFileAttributes & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM)) != 0;
-        if (TreeShows(request.filter, found.cFileName, isFolder, isHidden))
+        if (TreeShows(request.filter, found.cFileName, isFolder, isHidden) &&
+            !IsLeftOut(request, found.cFileName, isFolder))
             listing.entries.push_back({.name = found.cFileName, .isFolder = isFolder});
         if (!partShown && ++seen % kLookEvery == 0 &&
             (listing.entries.size() >= kMostOfFirstPart || GetTickCount64() - began >= kFirstPartMs)) {
@@ -82,6 +89,7 @@ void ReadForTree(TreeReadRequest& request, const WorkerCancel&) {
 }  // namespace
 
 bool TreeReaderStart(HWND window, UINT message, std::uint64_t request, const std::wstring& folder,
-                     const TreeFilter& filter) {
-    return static_cast<bool>(WorkerStart<ReadForTree>(TreeReadRequest{window, message, request, folder, filter}));
+                     const TreeFilter& filter, const ExcludedFolders& excluded) {
+    return static_cast<bool>(
+        WorkerStart<ReadForTree>(TreeReadRequest{window, message, request, folder, filter, excluded}));
 }

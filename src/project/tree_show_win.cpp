@@ -5,6 +5,7 @@
 #include "base/path.h"
 #include "base/wide_format.h"
 #include "documents/document_row.h"
+#include "project/project.h"
 #include "project/tree_internal.h"
 #include "resources/ids.h"
 #include "settings/settings_state.h"
@@ -91,7 +92,8 @@ void ShowReading(TreeNode& folder) {
 void ReadNext() {
     while (const std::optional<TreeReading> reading = TreeRequestNext(g_tree.requests)) {
         reading->folder->stale = false;
-        if (TreeReaderStart(TreeWindow(), MSG_TREE_ITEMS, reading->number, TreePathOf(*reading->folder), g_tree.filter))
+        if (TreeReaderStart(TreeWindow(), MSG_TREE_ITEMS, reading->number, TreePathOf(*reading->folder), g_tree.filter,
+                            ProjectExcludedFolders()))
             continue;
         AppLogMsg(L"FAIL: ProjectTree could not start reading, pending=%d",
                   static_cast<int>(g_tree.requests.pending.size()));

@@ -306,10 +306,10 @@
 #define IDC_FILES_UNREADABLE 2334
 // Children of the debug pane.
 #define IDC_DEBUG_TABS 2401
-#define IDC_DEBUG_LIST 2402     // list view, for all views but the memory
-#define IDC_DEBUG_TEXT 2403     // Scintilla, for the memory
-#define IDC_DEBUG_ADDRESS 2404  // address field of memory and disassembly
-#define IDC_DEBUG_MORE 2405     // button for the tabs that have no room
+#define IDC_DEBUG_LIST 2402        // list view, for all views but the memory
+#define IDC_DEBUG_TEXT 2403        // Scintilla, for the memory
+#define IDC_DEBUG_ADDRESS 2404     // address field of memory and disassembly
+#define IDC_DEBUG_MORE 2405        // button for the tabs that have no room
 #define IDC_PANE_CLOSE_FIRST 3580  // one close button for each PaneId, up to 3588
 #define IDC_PANE_TITLE 3589        // all titles of panes
 #define IDC_SPLIT_ERROR_LIST 3590
@@ -506,6 +506,7 @@
 #define MSG_SETTINGS_LOOKED (0x8000 + 40)  // to the settings dialog; wParam: PathSight*, deleted by the receiver
 #define MSG_SETTINGS_MODELS (0x8000 + 42)  // to the settings dialog; wParam: ModelsReply*, deleted by the receiver
 #define MSG_SETTINGS_TESTED (0x8000 + 41)  // to the settings dialog; wParam: CompilerReply*, deleted by the receiver
+#define MSG_TERMINAL_NAMES (0x8000 + 150)  // to the terminal line; wParam: TerminalNames*, deleted by the receiver
 #define MSG_FILES_ENDED (0x8000 + 70)      // to the pane of results; wParam: the number of the search that has ended
 #define MSG_FILES_TEXTS (0x8000 + 71)      // to the pane of results: copy more of the open documents for a search
 #define MSG_FILES_REPLACED (0x8000 + 72)   // to the pane of results: the files that are not open have been replaced in

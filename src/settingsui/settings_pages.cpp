@@ -286,7 +286,9 @@ constexpr std::size_t kOwnFields[] = {
     FIELD(place.dpi),        FIELD(splitterRatio.ratio),
     FIELD(splitterRatio.of), FIELD(sidebarRatio.ratio),
     FIELD(sidebarRatio.of),  FIELD(statusHidden),
-    FIELD(aiEnabled),
+    FIELD(aiEnabled),        FIELD(debugPaneWidth),
+    FIELD(resultsWidth),     FIELD(outlineHeight),
+    FIELD(errorListSize),    FIELD(panesShown),
 };
 // Nothing in the program asks for these.
 constexpr std::size_t kUnusedFields[] = {

@@ -255,7 +255,7 @@ TEST(Layout, APlacedBarHasTheValueThatPutsItThere) {
     const PaneLayout before = ComputePaneLayout(input);
     const auto value = [&](Splitter bar) { return SplitterValueOf(before, bar, 96); };
     EXPECT_EQ(value(Splitter::Outline), 200);
-    EXPECT_EQ(value(Splitter::ErrorList), 106) << "half of the height that the bottom has";
+    EXPECT_EQ(value(Splitter::ErrorList), 121) << "half of what the terminal line leaves";
     input.outputSplit = value(Splitter::Output);
     input.sideWidth = value(Splitter::Side);
     input.treeWidth = value(Splitter::Tree);

@@ -8,7 +8,6 @@
 #include "compile/read_course.h"
 #include "compile/side_logs.h"
 #include "compile/staging.h"
-#include "compile/terminal_text.h"
 #include "output/line_colours.h"
 
 #include <gtest/gtest.h>
@@ -314,23 +313,6 @@ TEST(SideLogs, OnlyThoseOfThisBuild) {
     EXPECT_FALSE(SideLogIsFresh({.bytes = 0, .written = 100}, 100));
     EXPECT_FALSE(SideLogIsFresh({.bytes = 16 * 1024 * 1024 + 1, .written = 100}, 100));
     EXPECT_FALSE(SideLogIsFresh({.isFolder = true, .bytes = 1, .written = 100}, 100));
-}
-
-TEST(Terminal, HistoryGoesBackAndForth) {
-    TerminalHistory history;
-    std::wstring shown = L"typed";
-    EXPECT_FALSE(TerminalRecall(history, true, &shown));
-    for (const wchar_t* command : {L"a", L"b", L"a"}) TerminalRemember(history, command);
-    std::string walk;
-    for (const bool older : {true, true, true, false, false, false}) {
-        shown = L"-";
-        walk += TerminalRecall(history, older, &shown) ? Narrow(shown) + "," : "none,";
-    }
-    EXPECT_EQ(walk, "a,b,none,a,,none,");
-    for (std::size_t i = 0; i < kTerminalHistory; ++i) TerminalRemember(history, L"n" + std::to_wstring(i));
-    EXPECT_EQ(history.commands.size(), kTerminalHistory);
-    EXPECT_EQ(Narrow(TerminalCommandLine(L"C:\\Windows\\system32", L"echo \"x\"")),
-              "\"C:\\Windows\\system32\\cmd.exe\" /d /s /c \"echo \"x\"\"");
 }
 
 TEST(ReadCourse, APipeThatOthersHoldOpenIsLeft) {

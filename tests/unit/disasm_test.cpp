@@ -339,6 +339,8 @@ TEST(Listing, LinesAreAlignedOrLeftAlone) {
         {"\xC3\xA4\t\xE6\xBC\xA2|", "\xC3\xA4       \xE6\xBC\xA2|"},
     };
     for (const auto& c : cases) EXPECT_EQ(DisasmListingLine(c.line), c.rendered) << c.line;
+    EXPECT_EQ(DisasmListingLine(cases[2].line, false), "     3  0004  mov     rbp, rsp ; frame");
+    EXPECT_EQ(DisasmListingLine(" 00401000 E8 01 02", false), "  00401000  E8 01 02") << "there is nothing else on it";
 }
 
 TEST(Listing, NoLineIsLost) {

@@ -287,6 +287,12 @@ MovedText MoveInPieces(std::string_view text, std::size_t most, PieceCode code =
 }
 
 // Puts a character or a line break across every border of the 1 MB pieces, cut at each of its bytes.
+TEST(SaveRules, ANameIsProposed) {
+    EXPECT_EQ(NameToPropose(L"Untitled 2"), L"Untitled 2.bas");
+    EXPECT_EQ(NameToPropose(L"a:b?.inc"), L"a_b_.inc");
+    EXPECT_EQ(NameToPropose(L" .. "), L"Untitled.bas");
+}
+
 TEST(TextPieces, NothingIsCutAtTheBorders) {
     struct Case {
         const char* name;

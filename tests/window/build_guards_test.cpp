@@ -200,3 +200,48 @@ TEST(BuildGuards, OnlyWhatABuildMadeIsOverwrittenOrDeleted) {
     EXPECT_FALSE(Exists(folder.File(L"main.asm"))) << "made by a build of the run before";
     EXPECT_EQ(again.Close(), 0u);
 }
+
+// The line keeps its commands for the next run, completes names, and Escape takes one thing after the other.
+TEST(Terminal, RemembersCompletesAndStops) {
+    ProgramFolder folder;
+    folder.SetIni(L"Editor", L"ShowTerminal", L"1");
+    folder.KeepNoSession();
+    const std::wstring file = folder.Write(L"one.bas", kHello);
+    folder.Write(L"list me.txt", "");
+    folder.Write(L"list other.txt", "");
+    const auto press = [](const Editor& editor, WPARAM key) {
+        editor.Send(editor.Child(IDC_TERMINAL), WM_KEYDOWN, key);
+    };
+    {
+        Editor editor(folder, OpenArgument(file));
+        const HWND line = editor.Child(IDC_TERMINAL);
+        const auto shows = [&](const wchar_t* text) { return WaitFor([&] { return editor.TextOf(line) == text; }); };
+        SendMessageW(line, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"type LIST"));
+        editor.Send(line, EM_SETSEL, 9, 9);
+        press(editor, VK_TAB);
+        EXPECT_TRUE(shows(L"type \"list me.txt\""));
+        press(editor, VK_TAB);
+        EXPECT_TRUE(shows(L"type \"list other.txt\""));
+        press(editor, VK_ESCAPE);
+        EXPECT_TRUE(shows(L"")) << "the line first";
+        TypeInTerminal(editor, L"echo kept-%OS%");
+        EXPECT_TRUE(editor.AwaitOutput(L"kept-Windows_NT"));
+        TypeInTerminal(editor, L"ping -n 60 127.0.0.1 >nul & echo over");
+        EXPECT_TRUE(WaitFor([&] { return editor.Status() == L"Running command..."; }));
+        press(editor, VK_ESCAPE);
+        EXPECT_TRUE(editor.AwaitOutput(L"--- Command stopped ---")) << Utf8(editor.Output());
+        press(editor, VK_ESCAPE);
+        EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    Editor editor(folder, OpenArgument(file));
+    const HWND line = editor.Child(IDC_TERMINAL);
+    SendMessageW(line, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"half"));
+    for (const auto& [key, text] : {std::pair{VK_UP, L"ping -n 60 127.0.0.1 >nul & echo over"},
+                                    {VK_UP, L"echo kept-%OS%"},
+                                    {VK_DOWN, L"ping -n 60 127.0.0.1 >nul & echo over"},
+                                    {VK_DOWN, L"half"}}) {
+        press(editor, static_cast<WPARAM>(key));
+        EXPECT_EQ(editor.TextOf(line), text);
+    }
+}

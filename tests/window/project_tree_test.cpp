@@ -220,3 +220,22 @@ TEST_F(ProjectTree, FollowsOtherProgramsFiltersAndTheActiveFile) {
 }
 
 }  // namespace
+
+// What the project leaves out is not shown, and its file follows a main source that gets another name.
+TEST_F(ProjectTree, ShowsAndFollowsTheProject) {
+    folder.Write(L"demo\\sub\\main.bas", "'\r\n");
+    folder.Write(L"demo\\made\\x.bas", "");
+    const std::wstring file =
+        folder.Write(L"demo\\demo.kvxproj", "[Project]\nMain=sub/main.bas\n[Exclude]\nFolder=made\n");
+    Start(OpenArgument(file));
+    ASSERT_TRUE(Shows("demo[sub]"));
+    Select(L"sub");
+    Key(VK_F2);
+    Name(L"src");
+    EXPECT_TRUE(WaitFor([&] { return folder.Read(L"demo\\demo.kvxproj").find("Main=src") != std::string::npos; }))
+        << folder.Read(L"demo\\demo.kvxproj") << editor->Describe();
+    EXPECT_TRUE(WaitFor([&] { return editor->Status() == L"demo.kvxproj now names main.bas"; }))
+        << Utf8(editor->Status());
+    editor->Do(IDM_PROJECT_CLOSE);
+    EXPECT_TRUE(WaitFor([&] { return Rows().find("made") != std::string::npos; })) << Rows();
+}

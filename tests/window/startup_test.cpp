@@ -68,9 +68,9 @@ TEST(Startup, OptionsOfTheCommandLineFromLeftToRight) {
     const std::wstring foreign = folder.Write(L"Gr\u00F6\u00DFe \u65E5\u672C.bas", "' two\r\n");
     const std::wstring missing = folder.File(L"missing.bas");
     Editor editor(folder,
-                  L"--bogus --help" + OpenArgument(forward) + L" --fontsize 6 --fontsize 73 --fontsize x" +
-                      OpenArgument(foreign) + OpenArgument(missing) + OpenArgument(forward) +
-                      L" --compiler kvxc64 --compiler Kvxa64 --font \"Courier New\" --fontsize",
+                  L"--bogus --help --compiler kvxc64" + OpenArgument(forward) +
+                      L" --fontsize 6 --fontsize 73 --fontsize x" + OpenArgument(foreign) + OpenArgument(missing) +
+                      OpenArgument(forward) + L" --compiler Kvxa64 --font \"Courier New\" --fontsize",
                   Until::Started);
     editor.Answer(L"Editor Help", CommandLineHelp(), IDOK);
     editor.Answer(kProgramTitle, L"Failed to open file: " + missing, IDOK);
@@ -186,6 +186,14 @@ TEST(Startup, AutoSavedSessionIsOfferedAndObeyed) {
         EXPECT_EQ(editor.Tabs(), 1);
         EXPECT_EQ(editor.TabLabel(0), L"three.bas");
         TerminateProcess(editor.process, 9);  // leaves the session file as it was
+    }
+    {
+        // Who has switched restoring off and names a file is not asked.
+        folder.SetIni(L"Editor", L"RestoreLastSession", L"0");
+        Editor editor(folder, OpenArgument(three));
+        EXPECT_EQ(editor.Tabs(), 1);
+        TerminateProcess(editor.process, 9);
+        folder.SetIni(L"Editor", L"RestoreLastSession", L"1");
     }
     {
         Editor editor(folder, L"", Until::Started);

@@ -241,7 +241,7 @@ TEST(View, BookmarksRecentFilesAndPanesAreWithinReach) {
 TEST(View, SplittersFollowTheMouseAndKeepTheirShare) {
     ProgramFolder folder;
     folder.SetIni(L"Project", L"ShowProjectTree", L"1");
-    Editor editor(folder);
+    Editor editor(folder, OpenArgument(folder.Write(L"a.bas", "")));  // so that no start page takes a part
     editor.Do(IDM_VIEW_ASM);
     Resize(editor, 1100, 760);
     editor.Foreground();

@@ -1,0 +1,218 @@
+// Panes: their titles, the bars between them, what of them comes back, the header line and the start page.
+#include "harness.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "resources/ids.h"
+#include "ui/pane_id.h"
+
+namespace {
+
+RECT PlaceOf(const Editor& editor, HWND child) {
+    RECT rect{};
+    GetWindowRect(child, &rect);
+    MapWindowPoints(nullptr, editor.main, reinterpret_cast<POINT*>(&rect), 2);
+    return rect;
+}
+
+int HeightOf(const Editor& editor, HWND child) {
+    const RECT rect = PlaceOf(editor, child);
+    return static_cast<int>(rect.bottom - rect.top);
+}
+
+// The label right before the pane among its siblings, from which screen readers take the pane's name.
+HWND TitleOf(const Editor& editor, int pane) { return GetWindow(editor.Child(pane), GW_HWNDPREV); }
+
+HWND CloseButton(const Editor& editor, PaneId pane) {
+    return editor.Child(IDC_PANE_CLOSE_FIRST + static_cast<int>(PaneIndex(pane)));
+}
+
+bool Shown(HWND window) { return window != nullptr && IsWindowVisible(window) != FALSE; }
+
+constexpr struct {
+    PaneId id;
+    int control, command;
+    const wchar_t* title;
+} kTitled[] = {{PaneId::Output, IDC_OUTPUT, IDM_VIEW_OUTPUT, L"Output"},
+               {PaneId::ErrorList, IDC_ERROR_LIST, IDM_VIEW_ERROR_LIST, L"Error List"},
+               {PaneId::Debug, IDC_DEBUG_PANE, IDM_VIEW_DEBUG_PANE, L"Debug"},
+               {PaneId::Asm, IDC_ASM, IDM_VIEW_ASM, L"ASM"},
+               {PaneId::Ai, IDC_AI_CHAT, IDM_VIEW_AI, L"AI Chat"},
+               {PaneId::Tree, IDC_PROJECT_TREE, IDM_VIEW_TREE, L"Project"},
+               {PaneId::FilesResults, IDC_FILES_PANE, IDM_VIEW_FILES_RESULTS, L"Search Results"},
+               {PaneId::Outline, IDC_OUTLINE_PANE, IDM_VIEW_OUTLINE, L"Outline"}};
+
+}  // namespace
+
+TEST(Panes, HaveATitleThatNamesAndClosesThem) {
+    ProgramFolder folder;
+    Editor editor(folder, OpenArgument(folder.Write(L"a.bas", "'\n")));
+    RECT client{};
+    GetClientRect(editor.main, &client);
+    EXPECT_LE(HeightOf(editor, editor.Child(IDC_OUTPUT)) + HeightOf(editor, TitleOf(editor, IDC_OUTPUT)),
+              client.bottom / 4)
+        << "at a first start";
+    for (const auto& pane : kTitled) {
+        SCOPED_TRACE(Utf8(pane.title));
+        if (!Shown(editor.Child(pane.control))) editor.Do(pane.command);
+        ASSERT_TRUE(Shown(editor.Child(pane.control)));
+        EXPECT_EQ(editor.TextOf(TitleOf(editor, pane.control)), pane.title);
+        EXPECT_EQ(PlaceOf(editor, TitleOf(editor, pane.control)).bottom,
+                  PlaceOf(editor, editor.Child(pane.control)).top);
+        EXPECT_EQ(editor.TextOf(CloseButton(editor, pane.id)), std::wstring(L"Close ") + pane.title);
+    }
+    for (const auto& pane : kTitled) {
+        if (pane.id == PaneId::ErrorList) continue;  // went with the output
+        SCOPED_TRACE(Utf8(pane.title));
+        editor.Foreground();
+        editor.Send(editor.main, MSG_FOCUS_EDITOR);
+        editor.Click(CloseButton(editor, pane.id), {5, 5});
+        EXPECT_TRUE(WaitFor([&] { return !Shown(editor.Child(pane.control)); }));
+        EXPECT_TRUE(WaitFor([&] { return !Shown(CloseButton(editor, pane.id)); }));
+        EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); })) << "and the keyboard goes back";
+    }
+    editor.Do(IDM_VIEW_TREE);
+    editor.Keys({VK_F6});
+    ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Child(IDC_PROJECT_TREE); }));
+    editor.Keys({VK_SHIFT, VK_ESCAPE});
+    EXPECT_TRUE(WaitFor([&] { return !Shown(editor.Child(IDC_PROJECT_TREE)); }));
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
+// Escape takes all keys back; Enter keeps them, over a restart too, as it does what is shown.
+TEST(Panes, BarsMoveByKeysAndAllOfItComesBack) {
+    ProgramFolder folder;
+    folder.KeepNoSession();
+    const std::wstring file = OpenArgument(folder.Write(L"a.bas", "'\n"));
+    int listHeight = 0;
+    {
+        Editor editor(folder, file);
+        editor.Do(IDM_VIEW_ERROR_LIST);
+        editor.Do(IDM_VIEW_ASM);
+        editor.Foreground();
+        const auto top = [&](int bar) { return static_cast<int>(PlaceOf(editor, editor.Child(bar)).top); };
+        const auto left = [&](int bar) { return static_cast<int>(PlaceOf(editor, editor.Child(bar)).left); };
+        const int before = top(IDC_SPLIT_OUTPUT);
+        editor.Keys({VK_MENU, VK_F8});
+        ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Child(IDC_SPLIT_OUTPUT); }));
+        editor.Keys({VK_UP});
+        editor.Keys({VK_CONTROL, VK_UP});
+        EXPECT_TRUE(WaitFor([&] { return top(IDC_SPLIT_OUTPUT) == before - 9; })) << top(IDC_SPLIT_OUTPUT) << before;
+        editor.Keys({VK_HOME});
+        EXPECT_TRUE(WaitFor([&] { return HeightOf(editor, editor.Sci()) <= 50; }));
+        editor.Keys({VK_ESCAPE});
+        EXPECT_TRUE(WaitFor([&] { return top(IDC_SPLIT_OUTPUT) == before && editor.Focus() == editor.Sci(); }));
+
+        editor.Keys({VK_MENU, VK_F8});
+        editor.Keys({VK_TAB});
+        ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Child(IDC_SPLIT_ASM); }));
+        const int side = left(IDC_SPLIT_ASM);
+        editor.Keys({VK_LEFT});
+        EXPECT_TRUE(WaitFor([&] { return left(IDC_SPLIT_ASM) == side - 8; }));
+        editor.Keys({VK_TAB});
+        ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Child(IDC_SPLIT_ERROR_LIST); }));
+        const int list = top(IDC_SPLIT_ERROR_LIST);
+        editor.Keys({VK_DOWN});
+        EXPECT_TRUE(WaitFor([&] { return top(IDC_SPLIT_ERROR_LIST) == list + 8; }));
+        editor.Keys({VK_RETURN});
+        EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
+        listHeight = HeightOf(editor, editor.Child(IDC_ERROR_LIST));
+
+        editor.Keys({VK_MENU, VK_F8});
+        editor.Keys({VK_END});
+        editor.Keys({VK_RETURN});
+        EXPECT_TRUE(WaitFor([&] { return top(IDC_SPLIT_OUTPUT) > before; }));
+        const HWND bar = editor.Child(IDC_SPLIT_OUTPUT);
+        editor.Click(bar, {40, 1}, MOUSEEVENTF_LEFTDOWN, 2);
+        EXPECT_TRUE(WaitFor([&] { return top(IDC_SPLIT_OUTPUT) == before; })) << "a double-click puts it back";
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    {
+        Editor editor(folder, file);
+        EXPECT_TRUE(Shown(editor.Child(IDC_ERROR_LIST)) && Shown(editor.Child(IDC_ASM)));
+        EXPECT_EQ(HeightOf(editor, editor.Child(IDC_ERROR_LIST)), listHeight);
+        editor.Do(IDM_VIEW_OUTPUT);
+        editor.Do(IDM_VIEW_ASM);
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    Editor editor(folder, file);
+    EXPECT_FALSE(Shown(editor.Child(IDC_OUTPUT)) || Shown(editor.Child(IDC_ASM)));
+}
+
+// The header takes a line only while its own line is above what is visible, and no text moves for it.
+TEST(Panes, TheHeaderLineTakesNoRoomWhileItSaysNothingNew) {
+    ProgramFolder folder;
+    std::string text = "' one\r\nSUB First\r\n";
+    for (int i = 0; i < 300; ++i) text += "  x = " + std::to_string(i) + "\r\n";
+    Editor editor(folder, OpenArgument(folder.Write(L"a.bas", text)) + OpenArgument(folder.Write(L"b.bas", "'\n")));
+    const HWND header = editor.Child(IDC_STICKY_HEADER);
+    EXPECT_FALSE(Shown(header)) << "no heading";
+    editor.Do(IDM_PREVIOUS_TAB);
+    editor.Sci(SCI_GOTOLINE, 5);
+    editor.Send(editor.main, WM_NULL);
+    EXPECT_FALSE(Shown(header)) << "its line is visible";
+    // Where a line stands on the screen.
+    const auto screenY = [&](int line) {
+        const LRESULT at = editor.Sci(SCI_POSITIONFROMLINE, static_cast<WPARAM>(line));
+        return editor.Sci(SCI_POINTYFROMPOSITION, 0, at) + PlaceOf(editor, editor.Sci()).top;
+    };
+    editor.Sci(SCI_GOTOLINE, 12);
+    const LRESULT pitch = screenY(13) - screenY(12), before = screenY(12);
+    editor.Sci(SCI_LINESCROLL, 0, 4);
+    EXPECT_TRUE(WaitFor([&] { return Shown(header); }));
+    EXPECT_EQ(editor.TextOf(header), L"SUB First");
+    EXPECT_EQ(screenY(12), before - 4 * pitch) << "scrolled by four lines, and by nothing else";
+    const LRESULT top = editor.Sci(SCI_GETFIRSTVISIBLELINE);
+    editor.Do(IDM_NEXT_TAB);
+    EXPECT_FALSE(Shown(header));
+    editor.Do(IDM_PREVIOUS_TAB);
+    EXPECT_TRUE(Shown(header));
+    EXPECT_EQ(editor.Sci(SCI_GETFIRSTVISIBLELINE), top) << "another tab and back";
+    editor.Sci(SCI_LINESCROLL, 0, -4);
+    EXPECT_TRUE(WaitFor([&] { return !Shown(header); }));
+    EXPECT_EQ(screenY(12), before);
+}
+
+TEST(StartPage, OffersWhatCanBeOpenedUntilSomethingIs) {
+    ProgramFolder folder;
+    folder.KeepNoSession();
+    const std::wstring one = folder.Write(L"one.bas", "1"), two = folder.Write(L"two.bas", "2");
+    folder.Write(L"samples\\shown.bas", "'sample");
+    {
+        Editor editor(folder, OpenArgument(one) + OpenArgument(two));
+        EXPECT_EQ(editor.Child(IDC_START_PAGE), nullptr) << "a file is open";
+        EXPECT_EQ(editor.Close(), 0u);
+    }
+    Editor editor(folder);
+    const auto list = [&] { return GetDlgItem(editor.Child(IDC_START_PAGE), IDC_START_LIST); };
+    ASSERT_TRUE(WaitFor([&] { return Shown(list()); }));
+    EXPECT_EQ(editor.Focus(), editor.Sci()) << "typing goes into the empty document";
+    EXPECT_EQ(editor.CellOf(list(), 0, 1), L"two.bas");
+    EXPECT_EQ(editor.CellOf(list(), 1, 0), L"2");
+    EXPECT_EQ(editor.CellOf(list(), 2, 1), L"shown.bas");
+    editor.Foreground();
+    editor.Keys({'A'});
+    EXPECT_TRUE(WaitFor([&] { return editor.Child(IDC_START_PAGE) == nullptr; })) << "and takes the whole place";
+    EXPECT_EQ(editor.Text().size(), 1U);
+    editor.Sci(SCI_UNDO);
+    editor.Do(IDM_FILE_CLOSE_ALL);
+    ASSERT_TRUE(WaitFor([&] { return Shown(list()) && editor.Focus() == list(); }))
+        << "without a document it has the keys";
+    editor.Keys({'2'});
+    EXPECT_TRUE(WaitFor([&] { return editor.Tabs() == 1 && editor.Text() == "1"; }));
+    EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci() && editor.Child(IDC_START_PAGE) == nullptr; }));
+    editor.Do(IDM_FILE_CLOSE_ALL);
+    ASSERT_TRUE(WaitFor([&] { return editor.Focus() == list(); }));
+    editor.Keys({VK_END});
+    editor.Keys({VK_RETURN});
+    EXPECT_TRUE(WaitFor([&] { return editor.Tabs() == 1 && editor.Text() == "'sample"; }));
+    editor.Do(IDM_FILE_CLOSE_ALL);
+    ASSERT_TRUE(WaitFor([&] { return editor.Focus() == list(); }));
+    editor.Keys({VK_TAB});  // from the list to the first button
+    editor.Keys({VK_RETURN});
+    EXPECT_TRUE(WaitFor([&] { return editor.Tabs() == 1 && editor.TabLabel(0).starts_with(L"Untitled"); }));
+    EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
+}
