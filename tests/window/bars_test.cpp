@@ -171,6 +171,23 @@ TEST(Bars, LineCommandsWorkOnEverySelectionInOneStep) {
     EXPECT_EQ(editor.Sci(SCI_GETSELECTIONMODE), SC_SEL_RECTANGLE) << "the column is still selected";
 }
 
+// What is typed after Esc in a pane replaces what is selected in the editor, so that must be in sight.
+TEST(Bars, EscShowsWhatTheNextKeyReplaces) {
+    ProgramFolder folder;
+    std::string text;
+    for (int i = 0; i < 300; ++i) text += "line\r\n";
+    Editor editor(folder, OpenArgument(folder.Write(L"long.txt", text)));
+    editor.Foreground();
+    editor.Sci(SCI_SETSEL, 0, 4);
+    editor.Keys({VK_F6});
+    ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Child(IDC_OUTPUT); }));
+    editor.Sci(SCI_SETFIRSTVISIBLELINE, 200);
+    editor.Keys({VK_ESCAPE});
+    ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
+    EXPECT_EQ(editor.Sci(SCI_GETFIRSTVISIBLELINE), 0);
+    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONEND), 4) << "and stays selected";
+}
+
 TEST(Bars, BlocksAreFoldedByCommands) {
     ProgramFolder folder;
     const std::wstring file = folder.Write(
