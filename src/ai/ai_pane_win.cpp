@@ -7,6 +7,7 @@
 #include "ai/chat_window.h"
 #include "documents/document_row.h"
 #include "resources/ids.h"
+#include "ui/accessible.h"
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
@@ -75,6 +76,7 @@ HWND AiPaneCreate(HWND parent, int controlId) {
     g_ai.hAiInput = CreateAiControl(parent, WC_EDITW, nullptr, WS_EX_CLIENTEDGE, ES_AUTOHSCROLL, IDC_AI_INPUT);
     SendMessageW(g_ai.hAiInput, EM_LIMITTEXT, kInputLimit, 0);
     SubclassAdd(g_ai.hAiInput, AiInputProc);
+    AccessibleNameSet(g_ai.hAiInput, L"Message to the assistant");
     g_ai.hAiSend = CreateAiControl(parent, WC_BUTTONW, L"Send", 0, BS_PUSHBUTTON, IDC_AI_SEND);
     SubclassAdd(g_ai.hAiSend, AiSendProc);
     return chat;

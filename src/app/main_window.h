@@ -24,6 +24,8 @@ LRESULT CALLBACK MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
 bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create);
 void MainWnd_ApplyTheme();  // colours and fonts of bars and panes, after a change of theme or DPI
 void MainWnd_OnDpiChanged(HWND window, int dpi, const RECT& suggested);
+void MainWnd_OnSystemColours(HWND window, UINT message);  // colours or the high-contrast mode of the system
+void MainWnd_RenewColours();                              // those of editors and frame
 // startup_win.cpp
 void MainWnd_OnStartup();
 void MainWnd_CommandLineDone();  // start-up is completed after this call

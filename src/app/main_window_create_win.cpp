@@ -1,6 +1,7 @@
 // Creates the main window's content in a fixed order, and applies theme and DPI to it. UI thread.
 #include "app/main_window.h"
 
+#include "ai/ai_replace.h"
 #include "app/app_state.h"
 #include "app/layout.h"
 #include "app/panes.h"
@@ -10,6 +11,7 @@
 #include "commands/status_bar.h"
 #include "commands/toolbar.h"
 #include "compile/build.h"
+#include "completion/completion.h"
 #include "debugui/breakpoint_list.h"
 #include "debugui/debug_commands.h"
 #include "debugui/location.h"
@@ -26,7 +28,9 @@
 #include "settings/compiler_table.h"
 #include "settings/file_types.h"
 #include "settings/settings_store.h"
+#include "symbols/peek_window.h"
 #include "tabs/tab_bar.h"
+#include "ui/chrome.h"
 #include "ui/dialog_theme.h"
 #include "ui/fonts.h"
 #include "ui/menu_draw.h"
@@ -45,7 +49,7 @@ HWND CreateChild(const wchar_t* className, const wchar_t* text, DWORD exStyle, D
 
 void CreateChildren(HWND window) {
     g_app.hToolbar = ToolbarCreate(window, IDC_TOOLBAR);
-    g_app.hTabCtrl = CreateChild(WC_TABCONTROLW, nullptr, 0,
+    g_app.hTabCtrl = CreateChild(WC_TABCONTROLW, L"Documents", 0,
                                  WS_VISIBLE | TCS_OWNERDRAWFIXED | TCS_FIXEDWIDTH | TCS_FOCUSNEVER, IDC_TABS);
     TabBarInit(g_app.hTabCtrl);
     ConnectPanes();
@@ -124,6 +128,31 @@ void MainWnd_OnDpiChanged(HWND window, int dpi, const RECT& suggested) {
     GetClientRect(g_app.hMainWnd, &client);
     ApplyLayoutRatios(static_cast<int>(client.right), static_cast<int>(client.bottom));  // the bars have other heights
     MainWindow_Layout();
+}
+
+void MainWnd_OnSystemColours(HWND window, UINT message) {
+    // The system sends this message to top-level windows only, and the common controls keep the colours.
+    if (message == WM_SYSCOLORCHANGE)
+        EnumChildWindows(
+            window,
+            [](HWND child, LPARAM) -> BOOL {
+                SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
+                return TRUE;
+            },
+            0);
+    const SystemLook look = ThemeReadSystem();
+    if (look == ThemeUsedSystem()) return;
+    const bool seen = look.highContrast || SystemHighContrast();
+    ThemeUseSystem(look);
+    if (seen) MainWnd_RenewColours();
+}
+
+void MainWnd_RenewColours() {
+    CompletionClose();  // its colours are those of before
+    SyntaxThemeApplyAll();
+    AiRenewMarks();
+    PeekApplySettings();
+    MainWnd_ApplyTheme();
 }
 
 void MainWindow_UpdateCompilerSelection() {

@@ -23,7 +23,6 @@
 #include "documents/sticky_label.h"
 #include "editor/editor_pane.h"
 #include "output/mark_view.h"
-#include "output/output_pane.h"
 #include "project/project.h"
 #include "recovery/snapshots.h"
 #include "resources/ids.h"
@@ -144,7 +143,7 @@ LRESULT ChildColours(HDC dc) {
 LRESULT EraseFrame(HWND window, HDC dc) {
     RECT area = {};
     GetClientRect(window, &area);
-    FillArea(dc, area, ThemeIsDark() ? ThemeCurrentChrome().windowBack : kBackground);
+    FillArea(dc, area, ThemeCurrentChrome().windowBack);
     if (g_app.settings.showToolbar != 0) {
         area.bottom = area.top + ToolbarInset();
         FillArea(dc, area, ThemeCurrentChrome().statusBack);
@@ -171,8 +170,8 @@ static LRESULT CALLBACK RouteMainMessage(HWND window, UINT message, WPARAM wPara
             MainWnd_OnDpiChanged(window, HIWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
             return 0;
         case WM_SETTINGCHANGE:
-            if (wParam == SPI_SETHIGHCONTRAST) OutputPaneApplyFont();  // it may take other colours now
-            return 0;
+        case WM_SYSCOLORCHANGE:
+        case WM_THEMECHANGED: MainWnd_OnSystemColours(window, message); return 0;
         case WM_ACTIVATE: MainWnd_OnActivate(window, LOWORD(wParam) != WA_INACTIVE); return 0;
         case WM_ACTIVATEAPP:  // unlike WM_ACTIVATE it does not come when a box of this program closes
             if (wParam == FALSE)

@@ -14,6 +14,7 @@
 #include "resources/ids.h"
 #include "search/files_search.h"
 #include "symbols/outline_pane.h"
+#include "ui/accessible.h"
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
@@ -197,6 +198,7 @@ static_assert(PanesAreInOrder(), "one row for each PaneId, in its order");
 void CreatePane(const PaneSpec& pane) {
     *pane.window = pane.create(g_app.hMainWnd, pane.controlId);
     if (*pane.window == nullptr) AppLogMsg(L"FAIL: pane %s error=%lu", pane.title, GetLastError());
+    AccessibleNameSet(*pane.window, pane.title);
 }
 
 }  // namespace

@@ -85,7 +85,7 @@ CommandView CurrentCommandView() {
     view.tabWidth = settings.tabWidth;
     view.tabKeyInsertsTab = settings.useTabs != 0;
     view.stepsFollow = settings.stepsFollowProgram != 0;
-    view.theme = ThemeIsDark() ? 1 : 0;
+    view.theme = ThemeChosenDark() ? 1 : 0;
     view.style = settings.editorStylePreset;
     view.compiler = static_cast<int>(CompilerNow());
     view.profile = settings.profile;

@@ -164,7 +164,7 @@ void DrawQuickRow(HDC dc, int index) {
     area.left = client.left;
     area.right = client.right;
     const bool selected = index == QuickListSelected();
-    FillArea(dc, area, selected ? MixColours(chrome.paneBack, chrome.accent, 28) : chrome.paneBack);
+    FillArea(dc, area, selected ? chrome.selected : chrome.paneBack);
     if (selected) FillArea(dc, {area.left, area.top, area.left + UiScaled(3), area.bottom}, chrome.accent);
     const QuickListRow row = g_list.rowOf(index);
     const COLORREF quiet = ThemeQuietText();

@@ -11,6 +11,7 @@
 #include "documents/file_work.h"
 #include "resources/ids.h"
 #include "search/project_files.h"
+#include "ui/accessible.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
@@ -360,6 +361,8 @@ bool CreateQuickChildren() {
                         g_quick.window, reinterpret_cast<HMENU>(INT_PTR{IDC_QUICK_FIELD}), g_ui.hInstance, nullptr);
     g_quick.list = QuickListCreate(g_quick.window, IDC_QUICK_LIST, RowOfList);
     if (g_quick.field == nullptr || g_quick.list == nullptr) return false;
+    AccessibleNameSet(g_quick.field, L"File, command, symbol or line");
+    AccessibleNameSet(g_quick.list, L"Found");
     SendMessageW(g_quick.field, EM_SETLIMITTEXT, kMostTyped, 0);
     return SubclassAdd(g_quick.field, QuickFieldProc);
 }

@@ -140,8 +140,7 @@ void QuickPreviewDraw(HDC dc, const RECT& area) {
     for (int i = 0; text.first + i <= last && line.top + sizes.fixedHeight <= area.bottom; ++i) {
         line.bottom = line.top + sizes.fixedHeight;
         if (text.first + i == g_preview.what.line)
-            FillArea(dc, {area.left, line.top, area.right, line.bottom},
-                     MixColours(chrome.paneBack, chrome.accent, 28));
+            FillArea(dc, {area.left, line.top, area.right, line.bottom}, chrome.selected);
         RECT number = {line.left, line.top, line.left + numbers, line.bottom};
         SetTextColor(dc, ThemeQuietText());
         DrawTextW(dc, std::to_wstring(text.first + i).c_str(), -1, &number, DT_RIGHT | DT_SINGLELINE);

@@ -204,6 +204,22 @@ int CommandAt(HWND bar, LPARAM lParam) {
 // True for the second click of two when the first one has put another button in this place: it was meant for the first.
 bool IsClickOnNewButton(HWND bar, LPARAM lParam) { return CommandAt(bar, lParam) != g_pressed; }
 
+// A screen reader says the text of a button, which is not shown. The buttons get theirs when the first one asks.
+void NameButtons(HWND bar) {
+    static bool named = false;
+    if (std::exchange(named, true)) return;
+    for (const ButtonRow& row : kToolbarButtons) {
+        if (row.command == 0 || row.command == IDM_COMPILER_MENU) continue;
+        std::wstring text = ButtonTip(row);
+        TBBUTTONINFOW info = {};
+        info.cbSize = sizeof(info);
+        info.dwMask = TBIF_TEXT;
+        info.pszText = text.data();
+        SendMessageW(bar, TB_SETBUTTONINFOW, static_cast<WPARAM>(row.command), reinterpret_cast<LPARAM>(&info));
+    }
+    SizeButtons();
+}
+
 // Fills the background, because the control has no setting for its colour.
 LRESULT EraseBar(HWND bar, HDC dc) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
@@ -223,6 +239,7 @@ LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
             break;
         case WM_LBUTTONDOWN: g_pressed = CommandAt(window, lParam); break;
         case WM_LBUTTONUP: g_applied.reset(); break;  // because a click changes a check button's state
+        case WM_GETOBJECT: NameButtons(window); break;
         case WM_SIZE: FitButtons(); break;
         default:
             if (ToolbarKeysTake(window, message, wParam)) return 0;
@@ -235,7 +252,7 @@ LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
 
 HWND ToolbarCreate(HWND parent, int controlId) {
     HWND bar = CreateWindowExW(
-        0, TOOLBARCLASSNAMEW, nullptr,
+        0, TOOLBARCLASSNAMEW, L"Toolbar",
         WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | TBSTYLE_FLAT | TBSTYLE_LIST | TBSTYLE_TOOLTIPS | TBSTYLE_TRANSPARENT |
             CCS_NORESIZE | CCS_NODIVIDER | CCS_NOPARENTALIGN,
         0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_ui.hInstance, nullptr);

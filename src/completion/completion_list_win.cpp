@@ -82,7 +82,7 @@ int WantedWidth() {
 void DrawRow(HDC dc, std::size_t row, RECT area) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     const bool selected = row == g_wordList.selected;
-    const COLORREF back = selected ? MixColours(chrome.paneBack, chrome.accent, 28) : chrome.paneBack;
+    const COLORREF back = selected ? chrome.selected : chrome.paneBack;
     FillArea(dc, area, back);
     CompletionImageDraw(dc, {area.left + UiScaled(2), area.top + UiScaled(1)}, g_wordList.rowHeight - UiScaled(2),
                         g_wordList.content.kind(row), back);

@@ -55,7 +55,7 @@ bool ShowProblem(HWND dialog) {
 
 INT_PTR ColourOfProblem(HDC dc, HWND control) {
     if (GetDlgCtrlID(control) != IDC_CONDITION_PROBLEM) return FALSE;
-    SetTextColor(dc, ThemeIsDark() ? ThemeCurrentChrome().error : RGB(176, 0, 0));
+    SetTextColor(dc, ThemeCurrentChrome().error);
     SetBkMode(dc, TRANSPARENT);
     return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_BTNFACE));
 }

@@ -7,6 +7,7 @@
 #include "documents/document_row.h"
 #include "resources/ids.h"
 #include "settings/settings_state.h"
+#include "ui/accessible.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
@@ -256,6 +257,9 @@ bool CreatePaneChildren() {
     if (!ListViewCreate(g_frame.list, g_frame.pane, IDC_DEBUG_LIST)) return false;
     g_frame.memory = PaneMemoryCreate(g_frame.pane);
     g_frame.address = PaneAddressCreate(g_frame.pane);
+    AccessibleNameSet(g_frame.list.window, L"Debug View");
+    AccessibleNameSet(g_frame.memory, L"Memory");
+    AccessibleNameSet(g_frame.address, L"Address");
     return g_frame.memory != nullptr && g_frame.address != nullptr &&
            TabRowCreate(g_frame.tabs, g_frame.pane, IDC_DEBUG_TABS, IDC_DEBUG_MORE);
 }

@@ -138,7 +138,7 @@ void OnNameCommand(HWND dialog, int control, int notification) {
 
 INT_PTR ColourOfNameProblem(HDC dc, HWND control) {
     if (GetDlgCtrlID(control) != IDC_NAME_PLACE_PROBLEM) return FALSE;
-    SetTextColor(dc, ThemeIsDark() ? ThemeCurrentChrome().error : RGB(176, 0, 0));
+    SetTextColor(dc, ThemeCurrentChrome().error);
     SetBkMode(dc, TRANSPARENT);
     return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_BTNFACE));
 }

@@ -72,7 +72,8 @@ void DrawMemoryCaret(HDC dc, int x, int y) {
     FillArea(dc, box(text, 1), chrome.hover);
     if (!focused) return;
     const RECT active = caret.text ? box(text, 1) : box(hex + (caret.low ? 1 : 0), 1);
-    FillArea(dc, active, MixColours(chrome.paneBack, chrome.accent, 55));
+    FillArea(dc, active, chrome.selected);
+    FrameArea(dc, active, chrome.accent);
 }
 
 void DrawMemoryRow(HDC dc, int index, int x, int y) {

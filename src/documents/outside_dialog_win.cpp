@@ -12,6 +12,7 @@
 #include "files/source_text.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
+#include "ui/accessible.h"
 #include "ui/dialog_panes.h"
 #include "ui/dialog_theme.h"
 #include "ui/list_view.h"
@@ -210,6 +211,7 @@ void ShowListPart(OutsideDialog& outside) {
     outside.list.inDialog = true;
     if (!ListViewCreate(outside.list, outside.dialog, IDC_OUTSIDE_LIST)) return;
     DialogPutInPlace(outside.dialog, IDC_OUTSIDE_LIST, outside.list.window);
+    AccessibleNameSet(outside.list.window, L"Files");
     ListViewApplyTheme(outside.list);
     ListViewShow(outside.list, kOutsideList);
     ShowOutsideRows(outside);

@@ -4,11 +4,13 @@
 
 #include "base/events.h"
 #include "base/log.h"
+#include "base/path.h"
 #include "editor/caret_place.h"
 #include "editor/editor_pane.h"
 #include "editor/margins.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
+#include "ui/accessible.h"
 #include "ui/subclass.h"
 #include "ui/ui_state.h"
 
@@ -221,6 +223,14 @@ LRESULT OnPaneReturnKey(HWND pane, WPARAM wParam, LPARAM lParam) {
     return result;
 }
 
+// Without a name of its own the pane would be called by its whole text.
+LRESULT OnPaneGetObject(HWND pane, WPARAM wParam, LPARAM lParam) {
+    const PaneState* state = PaneStateOf(pane);
+    const bool named = state != nullptr && !state->path.empty();
+    const std::wstring name = named ? L"Editor, " + std::wstring(FileNameOf(state->path)) : L"Editor";
+    return AccessibleAnswer(pane, wParam, lParam, name, SubclassNext(pane, WM_GETOBJECT, wParam, lParam));
+}
+
 LRESULT OnPaneDestroy(HWND pane, UINT message, WPARAM wParam, LPARAM lParam);
 
 LRESULT CALLBACK EditorPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
@@ -251,6 +261,7 @@ LRESULT CALLBACK EditorPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
         case WM_MOUSEWHEEL:
             if (GET_KEYSTATE_WPARAM(wParam) & MK_CONTROL) return OnPaneZoomWheel(pane, wParam);
             break;
+        case WM_GETOBJECT: return OnPaneGetObject(pane, wParam, lParam);
         case WM_DESTROY: return OnPaneDestroy(pane, message, wParam, lParam);
         default: LogPaneMouse(pane, message, wParam, lParam); break;
     }

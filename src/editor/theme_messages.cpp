@@ -76,6 +76,12 @@ EditorMessages FrameStyleMessages(const ThemeInputs& theme) {
     for (const int element : {SC_ELEMENT_SELECTION_BACK, SC_ELEMENT_SELECTION_ADDITIONAL_BACK,
                               SC_ELEMENT_SELECTION_SECONDARY_BACK, SC_ELEMENT_SELECTION_INACTIVE_BACK})
         out.push_back({SCI_SETELEMENTCOLOUR, element, OpaqueColour(palette.selection)});
+    for (const int element : {SC_ELEMENT_SELECTION_TEXT, SC_ELEMENT_SELECTION_ADDITIONAL_TEXT,
+                              SC_ELEMENT_SELECTION_SECONDARY_TEXT, SC_ELEMENT_SELECTION_INACTIVE_TEXT})
+        if (palette.selectionText)
+            out.push_back({SCI_SETELEMENTCOLOUR, element, OpaqueColour(*palette.selectionText)});
+        else
+            out.push_back({SCI_RESETELEMENTCOLOUR, element});
     return out;
 }
 

@@ -19,6 +19,7 @@
 #include "ui/ui_state.h"
 
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -30,12 +31,13 @@ constexpr LRESULT kLargestFolded = 4 << 20;
 constexpr LRESULT kLargestFoldedBasic = 32 << 20;
 
 ThemeInputs CurrentTheme() {
-    const bool dark = ThemeIsDark();
-    return {.palette = ThemePalette(g_settings.editorStylePreset, dark),
-            .chrome = ThemeChromePalette(dark),
-            .dark = dark,
+    // The user's own colours were chosen for another background than that of the high-contrast mode.
+    static constexpr std::int32_t kNoOverrides[std::size(kOverriddenRoles)] = {};
+    return {.palette = ThemeCurrentPalette(),
+            .chrome = ThemeCurrentChromePalette(),
+            .dark = ThemeIsDark(),
             .fontSize = g_settings.fontSize,
-            .overrides = g_settings.colors,
+            .overrides = SystemHighContrast() ? kNoOverrides : g_settings.colors,
             .dpi = g_ui.dpi};
 }
 

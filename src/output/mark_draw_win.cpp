@@ -45,9 +45,8 @@ void DefineSign(HWND editor, const SeverityLooks& looks, Rgb colour, Rgb inside)
 }
 
 void DefineLooks(HWND editor, const SeverityLooks& looks) {
-    const bool dark = ThemeIsDark();
-    const EditorPalette& palette = ThemePalette(g_settings.editorStylePreset, dark);
-    const Rgb colour = SeverityColour(palette, ThemeChromePalette(dark), looks.marker == kMarkErrorSign);
+    const EditorPalette& palette = ThemeCurrentPalette();
+    const Rgb colour = SeverityColour(palette, ThemeCurrentChromePalette(), looks.marker == kMarkErrorSign);
     Ask(editor, SCI_INDICSETSTYLE, looks.indicator, looks.style);
     Ask(editor, SCI_INDICSETFORE, looks.indicator, static_cast<LPARAM>(ThemeColorRef(colour)));
     Ask(editor, SCI_INDICSETSTROKEWIDTH, looks.indicator, std::max(UiScaled(100), 100));  // in 1/100 pixel

@@ -6,6 +6,7 @@
 #include "output/output_state.h"
 #include "output/show_timer.h"
 #include "settings/settings_state.h"
+#include "ui/accessible.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
@@ -108,6 +109,7 @@ void OutputPaneInit(HWND pane) {
     SendMessageW(pane, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
     SendMessageW(pane, EM_SETTARGETDEVICE, 0, 1);  // no wrapping: a line of output is a line of the pane
     SubclassAdd(pane, OutputPaneProc);
+    AccessibleNameSet(pane, L"Output");  // again after the pane was replaced
 }
 
 void OutputPaneAppend(const wchar_t* text, COLORREF colour) {

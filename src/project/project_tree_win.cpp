@@ -117,9 +117,9 @@ LRESULT ColourTreeItem(NMTVCUSTOMDRAW& draw) {
     const bool selected = (draw.nmcd.uItemState & CDIS_SELECTED) != 0;
     const bool entry = node == nullptr || node->kind == NodeKind::File || node->kind == NodeKind::Folder;
     if (!entry && !selected) draw.clrText = ThemeQuietText();
-    if (!selected || !ThemeIsDark()) return CDRF_DODEFAULT;
+    if (!selected || !ThemeDrawsControls()) return CDRF_DODEFAULT;
     draw.clrText = chrome.paneText;
-    draw.clrTextBk = GetFocus() == TreeWindow() ? MixColours(chrome.paneBack, chrome.accent, 30) : chrome.hover;
+    draw.clrTextBk = GetFocus() == TreeWindow() ? chrome.selected : chrome.hover;
     return CDRF_DODEFAULT;
 }
 

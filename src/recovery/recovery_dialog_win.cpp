@@ -9,6 +9,7 @@
 #include "files/file_io.h"
 #include "files/share_probe.h"
 #include "resources/ids.h"
+#include "ui/accessible.h"
 #include "ui/dialog_panes.h"
 #include "ui/dialog_theme.h"
 #include "ui/list_view.h"
@@ -182,6 +183,7 @@ void FillRecoveryDialog(HWND dialog, RecoveryList& recovery) {
     recovery.list.inDialog = true;
     if (!ListViewCreate(recovery.list, dialog, IDC_RECOVERY_LIST)) return;
     DialogPutInPlace(dialog, IDC_RECOVERY_LIST, recovery.list.window);
+    AccessibleNameSet(recovery.list.window, L"Files");
     ListViewApplyTheme(recovery.list);
     ListViewShow(recovery.list, kRecoveryList);
     ShowRows(recovery);

@@ -116,9 +116,9 @@ void DrawHitRow(RowPaint row, const ResultFile& file, std::size_t index, const F
         DrawPiece(row, match, plain);
     } else if (g_files.options.replacing && file.ticked[index]) {
         DrawMarked(row, match, MixColours(row.back, chrome.error, 25), chrome.paneText, true);
-        DrawMarked(row, PreviewOf(hit), MixColours(row.back, chrome.success, 30), chrome.paneText, false);
+        DrawMarked(row, PreviewOf(hit), MixColours(row.back, chrome.success, 25), chrome.paneText, false);
     } else {
-        DrawMarked(row, match, MixColours(row.back, chrome.modified, 45), chrome.paneText, false);
+        DrawMarked(row, match, MixColours(row.back, chrome.modified, 30), chrome.paneText, false);
     }
     DrawPiece(row, Utf8ToWideText(shown.substr(hit.markStart + hit.markLength)), plain);
 }
@@ -134,9 +134,7 @@ void DrawResultRow(HDC dc, int index) {
     const bool selected =
         SendMessageW(g_filesPane.list, LVM_GETITEMSTATE, static_cast<WPARAM>(index), LVIS_SELECTED) != 0;
     const bool focused = GetFocus() == g_filesPane.list;
-    const COLORREF back = !selected ? chrome.paneBack
-                          : focused ? MixColours(chrome.paneBack, chrome.accent, 28)
-                                    : chrome.hover;
+    const COLORREF back = !selected ? chrome.paneBack : focused ? chrome.selected : chrome.hover;
     FillArea(dc, bounds, back);
     if (selected && focused)
         FillArea(dc, {bounds.left, bounds.top, bounds.left + UiScaled(2), bounds.bottom}, chrome.accent);

@@ -7,6 +7,7 @@
 #include "documents/document_row.h"
 #include "resources/ids.h"
 #include "search/files_internal.h"
+#include "ui/accessible.h"
 #include "ui/chrome.h"
 #include "ui/clipboard.h"
 #include "ui/control_theme.h"
@@ -426,6 +427,7 @@ bool MakeChildren() {
     column.mask = LVCF_WIDTH;
     ListSend(LVM_INSERTCOLUMNW, 0, reinterpret_cast<LPARAM>(&column));
     SubclassAdd(g_filesPane.list, FilesListProc);
+    AccessibleNameSet(g_filesPane.list, L"Search Results");
     for (const int id : kFilesButtons) {
         const HWND button = MakeChild(WC_BUTTONW, BS_PUSHBUTTON, id);
         if (button == nullptr) return false;

@@ -11,6 +11,7 @@
 #include "search/find_editor.h"
 #include "search/find_internal.h"
 #include "search/search_state.h"
+#include "ui/accessible.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
@@ -239,6 +240,7 @@ bool CreateBar() {
         CreateWindowExW(row.exStyle, row.className, row.text, WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | row.style, 0, 0,
                         0, 0, g_search.hFindBar, reinterpret_cast<HMENU>(static_cast<INT_PTR>(row.id)), g_ui.hInstance,
                         nullptr);
+    AccessibleNameSet(Control(IDC_BAR_FIELD), L"Search");
     SendMessageW(Control(IDC_BAR_FIELD), EM_LIMITTEXT, kFindFieldLimit, 0);
     return true;
 }

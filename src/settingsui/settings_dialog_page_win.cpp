@@ -240,8 +240,7 @@ COLORREF SettingsNoteColour(NoteKind kind) {
     switch (kind) {
         case NoteKind::Good: return chrome.success;
         case NoteKind::Bad: return chrome.error;
-        default:  // help is to be read: a contrast of 4.5 at least, which quiet text has not
-            return MixColours(chrome.paneText, chrome.paneBack, 28);
+        default: return chrome.quiet;
     }
 }
 
@@ -260,9 +259,10 @@ bool SettingsPageMake(SettingsDialog& dialog, std::size_t page) {
     PageWindow& target = dialog.pages[page];
     if (target.window != nullptr) return true;
     RegisterPageClass(g_ui.hInstance);
-    target.window = CreateWindowExW(
-        WS_EX_CONTROLPARENT, kPageClass, nullptr, WS_CHILD | WS_CLIPCHILDREN | WS_VSCROLL, 0, 0, 0, 0, dialog.window,
-        reinterpret_cast<HMENU>(IDC_SETTINGS_PAGE_FIRST + static_cast<INT_PTR>(page)), g_ui.hInstance, nullptr);
+    target.window = CreateWindowExW(WS_EX_CONTROLPARENT, kPageClass, SettingsPages()[page].title,
+                                    WS_CHILD | WS_CLIPCHILDREN | WS_VSCROLL, 0, 0, 0, 0, dialog.window,
+                                    reinterpret_cast<HMENU>(IDC_SETTINGS_PAGE_FIRST + static_cast<INT_PTR>(page)),
+                                    g_ui.hInstance, nullptr);
     if (target.window == nullptr) return false;
     const std::vector<SettingItem>& items = SettingsPages()[page].items;
     target.items.resize(items.size());

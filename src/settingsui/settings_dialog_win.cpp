@@ -7,6 +7,7 @@
 #include "settings/settings_state.h"
 #include "settings/settings_store.h"
 #include "settingsui/settings_dialog_internal.h"
+#include "ui/accessible.h"
 #include "ui/dialog_theme.h"
 #include "ui/message.h"
 #include "ui/ui_state.h"
@@ -265,6 +266,7 @@ INT_PTR NoteColour(const SettingsDialog& dialog, HDC dc, HWND control) {
 INT_PTR CALLBACK SettingsDlgProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_INITDIALOG) {
         g_openDialog = window;
+        AccessibleNameSet(GetDlgItem(window, IDC_SETTINGS_PAGES), L"Pages");
         OpenSettings(window, *reinterpret_cast<SettingsDialog*>(lParam));
         return FALSE;  // the focus is set already
     }

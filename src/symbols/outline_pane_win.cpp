@@ -7,6 +7,7 @@
 #include "scintilla/sci.h"
 #include "symbols/outline.h"
 #include "symbols/symbol_place.h"
+#include "ui/accessible.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
@@ -214,8 +215,10 @@ bool MakeChildren() {
     SendMessageW(g_outline.field, EM_SETCUEBANNER, TRUE, reinterpret_cast<LPARAM>(L"Filter"));
     SubclassAdd(g_outline.field, FieldProc);
     SubclassAdd(g_outline.button, ButtonProc);
+    AccessibleNameSet(g_outline.field, L"Filter");
     g_outline.list.handleKey = OnListKey;
     if (!ListViewCreate(g_outline.list, g_outline.pane, IDC_OUTLINE_LIST)) return false;
+    AccessibleNameSet(g_outline.list.window, L"Declarations");
     ShowWindow(g_outline.list.window, SW_SHOWNA);
     return true;
 }

@@ -10,6 +10,7 @@
 #include "files/file_io.h"
 #include "files/share_probe.h"
 #include "resources/ids.h"
+#include "ui/accessible.h"
 #include "ui/chrome.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
@@ -314,6 +315,7 @@ bool MakePeekChildren() {
     if (g_peek.editor == nullptr || !ListViewCreate(g_peek.list, g_peek.window, IDC_PEEK_LIST)) return false;
     SubclassAdd(g_peek.editor, PeekChild);
     SubclassAdd(g_peek.list.window, PeekChild);
+    AccessibleNameSet(g_peek.list.window, L"Places");
     PeekApplySettings();
     return true;
 }

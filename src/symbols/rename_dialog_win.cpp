@@ -253,7 +253,7 @@ void TellUndeclared(const References& references) {
 
 INT_PTR ColourOfRenameProblem(HDC dc, HWND control) {
     if (GetDlgCtrlID(control) != IDC_RENAME_PROBLEM) return FALSE;
-    SetTextColor(dc, ThemeIsDark() ? ThemeCurrentChrome().error : RGB(176, 0, 0));
+    SetTextColor(dc, ThemeCurrentChrome().error);
     SetBkMode(dc, TRANSPARENT);
     return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_BTNFACE));
 }

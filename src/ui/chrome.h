@@ -1,6 +1,8 @@
 // The colours of the frame around the editors: the tab bar, the status bar and the panes. UI thread only.
 #pragma once
 
+#include "ui/high_contrast.h"
+
 #include <windows.h>
 
 // The colours of the current theme, as COLORREF.
@@ -17,16 +19,31 @@ struct ThemeChrome {
     COLORREF statusBack;
     COLORREF statusText;
     COLORREF hover;     // button or tab below the mouse
+    COLORREF selected;  // background of the selected row while its list has the focus
+    COLORREF quiet;     // text of hints, and of what is disabled or out of date
     COLORREF error;     // error marks
     COLORREF modified;  // modified marks
     COLORREF success;   // build marks of documents that were built without errors
 };
 // The result stays valid, but the next call overwrites it.
 const ThemeChrome& ThemeCurrentChrome();
+bool ThemeChosenDark();  // the user's choice, which the high-contrast mode of the system overrules
+// The background of the editors and panes is dark: pictures and colours of one's own have to suit it.
 bool ThemeIsDark();
-// The system's high-contrast mode is on.
-bool SystemHighContrast();
+// The program draws menus, dialogs and controls itself, because the system would draw them light. Never in the
+// high-contrast mode, whose colours the system's own drawing has.
+bool ThemeDrawsControls();
 // Lines of output get colours that can be read on their pane, instead of the usual ones.
 bool OutputIsReadable();
-// The colour of quiet text: hints, and what is disabled or out of date.
 COLORREF ThemeQuietText();
+
+// The present colours as 0xRRGGBB. Both references stay valid; their colours change with the theme.
+const EditorPalette& ThemeCurrentPalette();
+const ChromePalette& ThemeCurrentChromePalette();
+
+// The system's high-contrast mode as it was when ThemeUseSystem was last called; the first question asks the system.
+bool SystemHighContrast();
+// From now on shows the colours of such a system. Nothing is painted by it.
+void ThemeUseSystem(const SystemLook& look);
+const SystemLook& ThemeUsedSystem();
+SystemLook ThemeReadSystem();  // asks the system

@@ -1,27 +1,88 @@
-// The colours of the frame, by the theme and style in the settings. UI thread only.
+// The colours of the frame and the editors, by the theme and style in the settings and by the system's high-contrast
+// mode. UI thread only.
 #include "ui/chrome.h"
 
 #include "settings/settings_state.h"
-#include "ui/paint.h"
-#include "ui/theme_table.h"
+
+#include <optional>
 
 namespace {
 
 constexpr int kThemeDark = 1;
 
+struct {
+    std::optional<SystemLook> look;  // no value: the system was not asked yet
+    // The colours of the high-contrast mode.
+    ChromePalette chrome;
+    EditorPalette palette;
+    const EditorPalette* style = nullptr;  // of which `palette` was made; null: of none
+} g_system;
+
+const SystemLook& System() {
+    if (!g_system.look) ThemeUseSystem(ThemeReadSystem());
+    return *g_system.look;
+}
+
+Rgb RgbOfSystem(int index) {
+    const COLORREF colour = GetSysColor(index);
+    return static_cast<Rgb>(GetRValue(colour)) << 16 | static_cast<Rgb>(GetGValue(colour)) << 8 | GetBValue(colour);
+}
+
 }  // namespace
 
-bool ThemeIsDark() { return g_settings.theme == kThemeDark; }
+SystemLook ThemeReadSystem() {
+    HIGHCONTRASTW contrast = {};
+    contrast.cbSize = sizeof(contrast);
+    const bool on = SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof(contrast), &contrast, 0) != FALSE &&
+                    (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
+    return {.highContrast = on,
+            .colours = {.window = RgbOfSystem(COLOR_WINDOW),
+                        .windowText = RgbOfSystem(COLOR_WINDOWTEXT),
+                        .face = RgbOfSystem(COLOR_BTNFACE),
+                        .faceText = RgbOfSystem(COLOR_BTNTEXT),
+                        .highlight = RgbOfSystem(COLOR_HIGHLIGHT),
+                        .highlightText = RgbOfSystem(COLOR_HIGHLIGHTTEXT)}};
+}
+
+void ThemeUseSystem(const SystemLook& look) {
+    g_system.look = look;
+    g_system.chrome = HighContrastChrome(look.colours);
+    g_system.style = nullptr;
+}
+
+const SystemLook& ThemeUsedSystem() { return System(); }
+
+bool SystemHighContrast() { return System().highContrast; }
+
+bool ThemeChosenDark() { return g_settings.theme == kThemeDark; }
+
+bool ThemeIsDark() { return SystemHighContrast() ? HighContrastIsDark(System().colours) : ThemeChosenDark(); }
+
+bool ThemeDrawsControls() { return ThemeChosenDark() && !SystemHighContrast(); }
+
+const EditorPalette& ThemeCurrentPalette() {
+    const EditorPalette& style = ThemePalette(g_settings.editorStylePreset, ThemeIsDark());
+    if (!SystemHighContrast()) return style;
+    if (g_system.style != &style) {
+        g_system.style = &style;
+        g_system.palette = HighContrastPalette(System().colours, style);
+    }
+    return g_system.palette;
+}
+
+const ChromePalette& ThemeCurrentChromePalette() {
+    return SystemHighContrast() ? g_system.chrome : ThemeChromePalette(ThemeIsDark());
+}
 
 const ThemeChrome& ThemeCurrentChrome() {
     static ThemeChrome chrome;
-    const ChromePalette& palette = ThemeChromePalette(ThemeIsDark());
+    const ChromePalette& palette = ThemeCurrentChromePalette();
     chrome = {.windowBack = ThemeColorRef(palette.windowBack),
               .paneBack = ThemeColorRef(palette.paneBack),
               .paneText = ThemeColorRef(palette.paneText),
               .tabBack = ThemeColorRef(palette.tabBack),
-              .tabActiveBack = ThemeColorRef(ThemePalette(g_settings.editorStylePreset, ThemeIsDark())
-                                                 .back),  // the active tab has the background of its editor
+              // The active tab has the background of its editor.
+              .tabActiveBack = ThemeColorRef(ThemeCurrentPalette().back),
               .tabText = ThemeColorRef(palette.tabText),
               .tabActiveText = ThemeColorRef(palette.tabActiveText),
               .accent = ThemeColorRef(palette.accent),
@@ -29,22 +90,14 @@ const ThemeChrome& ThemeCurrentChrome() {
               .statusBack = ThemeColorRef(palette.statusBack),
               .statusText = ThemeColorRef(palette.statusText),
               .hover = ThemeColorRef(palette.hover),
+              .selected = ThemeColorRef(palette.selected),
+              .quiet = ThemeColorRef(palette.quiet),
               .error = ThemeColorRef(palette.error),
               .modified = ThemeColorRef(palette.modified),
               .success = ThemeColorRef(palette.success)};
     return chrome;
 }
 
-bool SystemHighContrast() {
-    HIGHCONTRASTW contrast = {};
-    contrast.cbSize = sizeof(contrast);
-    return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof(contrast), &contrast, 0) != FALSE &&
-           (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
-}
-
 bool OutputIsReadable() { return ThemeIsDark() || g_settings.readableOutput != 0 || SystemHighContrast(); }
 
-COLORREF ThemeQuietText() {
-    const ThemeChrome& chrome = ThemeCurrentChrome();
-    return MixColours(chrome.paneText, chrome.paneBack, 38);
-}
+COLORREF ThemeQuietText() { return ThemeCurrentChrome().quiet; }

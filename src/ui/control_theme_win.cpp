@@ -51,6 +51,10 @@ bool HasFocus(HWND control) {
 
 // ---------------------------------------------------------------------------------------------------------- drawing
 
+// The edge of what can be typed into or pressed. It is seen, with a contrast of 3 at least, where a line between panes
+// need not be.
+COLORREF ControlEdge() { return MixColours(ThemeCurrentChrome().line, ThemeQuietText(), 60); }
+
 // The text of a button, and the focus rectangle within `focusArea`.
 void DrawButtonText(HWND button, HDC dc, RECT area, UINT format, const RECT& focusArea) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
@@ -73,7 +77,7 @@ void PaintPushButton(HWND button) {
     const bool down = (SendMessageW(button, BM_GETSTATE, 0, 0) & BST_PUSHED) != 0;
     const RECT& area = paint.Client();
     FillArea(paint.Dc(), area, down ? chrome.line : chrome.hover);
-    FrameArea(paint.Dc(), area, accent ? chrome.accent : chrome.line);
+    FrameArea(paint.Dc(), area, accent ? chrome.accent : ControlEdge());
     RECT inner = area;
     InflateRect(&inner, -UiScaled(3), -UiScaled(3));
     DrawButtonText(button, paint.Dc(), area, DT_CENTER, inner);
@@ -125,7 +129,7 @@ void PaintCombo(HWND combo) {
     const BufferedPaint paint(combo);
     RECT area = paint.Client();
     FillArea(paint.Dc(), area, chrome.paneBack);
-    FrameArea(paint.Dc(), area, HasFocus(combo) ? chrome.accent : chrome.line);
+    FrameArea(paint.Dc(), area, HasFocus(combo) ? chrome.accent : ControlEdge());
     if (info.hwndItem == nullptr || info.hwndItem == combo)
         DrawChosenText(combo, paint.Dc(), {area.left, area.top, info.rcButton.left, area.bottom});
     DrawDropArrow(paint.Dc(), info.rcButton, info.rcButton.right - info.rcButton.left, chrome.paneText);
@@ -140,7 +144,7 @@ void DrawFrame(HWND control) {
     RECT frame = {};
     GetWindowRect(control, &frame);
     OffsetRect(&frame, -frame.left, -frame.top);
-    FrameArea(dc, frame, HasFocus(control) ? chrome.accent : chrome.line);
+    FrameArea(dc, frame, HasFocus(control) ? chrome.accent : ControlEdge());
     for (int edge = sunken ? GetSystemMetrics(SM_CXEDGE) : GetSystemMetrics(SM_CXBORDER); edge > 1; --edge) {
         InflateRect(&frame, -1, -1);
         FrameArea(dc, frame, chrome.paneBack);
@@ -194,7 +198,7 @@ LRESULT PassAndRepaint(HWND control, UINT message, WPARAM wParam, LPARAM lParam,
 
 LRESULT CALLBACK ControlProc(HWND control, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR data) {
     const auto kind = static_cast<ControlKind>(data);
-    if (!ThemeIsDark()) return SubclassNext(control, message, wParam, lParam);
+    if (!ThemeDrawsControls()) return SubclassNext(control, message, wParam, lParam);
     if (message == WM_NCPAINT && kind == kFramed) return PassAndRepaint(control, message, wParam, lParam, kind);
     if (DrawsAtOnce(message, kind)) return PassAndRepaint(control, message, wParam, lParam, kind);
     if (kind == kFramed) return SubclassNext(control, message, wParam, lParam);
@@ -216,7 +220,7 @@ void ThemeCombo(HWND combo) {
 // A bar with a visual style would not take the colours. " " names a style that there is not; Wine ignores an empty name.
 void ThemeProgress(HWND bar) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
-    const bool dark = ThemeIsDark();
+    const bool dark = ThemeDrawsControls();
     SetWindowTheme(bar, dark ? L" " : nullptr, dark ? L" " : nullptr);
     SendMessageW(bar, PBM_SETBKCOLOR, 0, static_cast<LPARAM>(dark ? chrome.line : CLR_DEFAULT));
     SendMessageW(bar, PBM_SETBARCOLOR, 0, static_cast<LPARAM>(dark ? chrome.accent : CLR_DEFAULT));
@@ -238,15 +242,16 @@ void ControlApplyTheme(HWND control) {
 
 void ScrollBarsApplyTheme(HWND window, const wchar_t* light) {
     static bool everDark = false;  // until then the system's are right, and asking for them costs time at the start
-    everDark = everDark || ThemeIsDark();
-    if (window != nullptr && everDark) SetWindowTheme(window, ThemeIsDark() ? L"DarkMode_Explorer" : light, nullptr);
+    everDark = everDark || ThemeDrawsControls();
+    if (window != nullptr && everDark)
+        SetWindowTheme(window, ThemeDrawsControls() ? L"DarkMode_Explorer" : light, nullptr);
 }
 
 // A tooltip with a visual style would not take the colours.
 void TooltipApplyTheme(HWND tooltip) {
     if (tooltip == nullptr) return;
     const ThemeChrome& chrome = ThemeCurrentChrome();
-    const bool dark = ThemeIsDark();
+    const bool dark = ThemeDrawsControls();
     SetWindowTheme(tooltip, dark ? L"" : nullptr, dark ? L"" : nullptr);
     SendMessageW(tooltip, TTM_SETTIPBKCOLOR, dark ? chrome.paneBack : GetSysColor(COLOR_INFOBK), 0);
     SendMessageW(tooltip, TTM_SETTIPTEXTCOLOR, dark ? chrome.paneText : GetSysColor(COLOR_INFOTEXT), 0);

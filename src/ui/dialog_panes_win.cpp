@@ -1,5 +1,6 @@
 #include "ui/dialog_panes.h"
 
+#include "ui/accessible.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
 #include "ui/rich_lines.h"
@@ -20,8 +21,8 @@ LRESULT CALLBACK DifferenceProc(HWND window, UINT message, WPARAM wParam, LPARAM
 std::uint32_t ColourOfKind(DifferenceKind kind) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     switch (kind) {
-        case DifferenceKind::Removed: return ThemeIsDark() ? chrome.error : RGB(176, 0, 0);
-        case DifferenceKind::Added: return ThemeIsDark() ? chrome.success : RGB(0, 112, 0);
+        case DifferenceKind::Removed: return chrome.error;
+        case DifferenceKind::Added: return chrome.success;
         case DifferenceKind::Place: return ThemeQuietText();
         default: return 0;
     }
@@ -47,6 +48,7 @@ HWND DifferencePaneMake(HWND dialog, int placeholder) {
     SendMessageW(pane, EM_SETBKGNDCOLOR, 0, static_cast<LPARAM>(ThemeCurrentChrome().paneBack));
     ScrollBarsApplyTheme(pane);
     SubclassAdd(pane, DifferenceProc, 0);
+    AccessibleNameSet(pane, L"Difference");
     return pane;
 }
 

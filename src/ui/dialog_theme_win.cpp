@@ -53,7 +53,7 @@ void PaintNothing(HWND dialog) {
 
 LRESULT CALLBACK DialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR kind) {
     if (message == WM_NCDESTROY) RemovePropW(dialog, kKindProperty);
-    if (!ThemeIsDark()) return SubclassNext(dialog, message, wParam, lParam);
+    if (!ThemeDrawsControls()) return SubclassNext(dialog, message, wParam, lParam);
     switch (message) {
         case WM_CTLCOLORDLG:
         case WM_CTLCOLORSTATIC:
@@ -96,7 +96,7 @@ LRESULT CALLBACK BoxHook(int code, WPARAM wParam, LPARAM lParam) {
     const auto window = reinterpret_cast<HWND>(wParam);
     if (code == HCBT_ACTIVATE && IsOfClass(window, L"#32770")) {
         if (g_boxOkText != nullptr) SetDlgItemTextW(window, IDOK, g_boxOkText);
-        if (ThemeIsDark()) ThemeDialog(window, kMessageBox);
+        if (ThemeDrawsControls()) ThemeDialog(window, kMessageBox);
         UnhookWindowsHookEx(hook);
         g_boxHook = nullptr;
     }
@@ -109,7 +109,7 @@ void FrameApplyTheme(HWND window) {
     constexpr DWORD kDarkCaption = 20;  // DWMWA_USE_IMMERSIVE_DARK_MODE, which the toolchain's headers do not have
     using SetAttribute = HRESULT(WINAPI*)(HWND, DWORD, const void*, DWORD);
     static bool everDark = false;  // until then the library need not be loaded
-    everDark = everDark || ThemeIsDark();
+    everDark = everDark || ThemeDrawsControls();
     if (!everDark) return;
     static const auto setAttribute = [] {
         const HMODULE library = LoadSystemLibrary(L"dwmapi.dll");
@@ -118,7 +118,7 @@ void FrameApplyTheme(HWND window) {
                                         reinterpret_cast<void*>(GetProcAddress(library, "DwmSetWindowAttribute")));
     }();
     if (setAttribute == nullptr) return;
-    const BOOL dark = ThemeIsDark() ? TRUE : FALSE;
+    const BOOL dark = ThemeDrawsControls() ? TRUE : FALSE;
     setAttribute(window, kDarkCaption, &dark, sizeof(dark));  // an older system refuses, and the caption stays light
 }
 
@@ -128,7 +128,7 @@ void DialogsRenewTheme() { EnumThreadWindows(GetCurrentThreadId(), RenewWindow, 
 
 int ThemedMessageBox(HWND owner, const wchar_t* text, const wchar_t* caption, UINT flags, const wchar_t* okText) {
     g_boxOkText = okText;
-    if ((ThemeIsDark() || okText != nullptr) && g_boxHook == nullptr)
+    if ((ThemeDrawsControls() || okText != nullptr) && g_boxHook == nullptr)
         g_boxHook = SetWindowsHookExW(WH_CBT, BoxHook, nullptr, GetCurrentThreadId());
     const int answer = MessageBoxW(owner, text, caption, flags);
     if (g_boxHook != nullptr) UnhookWindowsHookEx(g_boxHook);  // no box could be shown

@@ -21,7 +21,7 @@ COLORREF ColourOf(ListColour colour) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     switch (colour) {
         case ListColour::Back: return chrome.paneBack;
-        case ListColour::SelectedBack: return MixColours(chrome.paneBack, chrome.accent, 28);
+        case ListColour::SelectedBack: return chrome.selected;
         case ListColour::QuietBack: return chrome.hover;
         case ListColour::StopBack: return MixColours(chrome.paneBack, chrome.modified, 18);
         case ListColour::Text: return chrome.paneText;

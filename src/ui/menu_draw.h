@@ -1,6 +1,6 @@
-// Draws menus in the dark theme, because the system draws them light. The items become owner-drawn while the theme is
-// dark and keep their texts, so everything else about them stays as it is. In the light theme the system draws them. UI
-// thread only.
+// Draws menus in the dark theme, because the system draws them light, and menus with pictures in every theme. Their
+// items become owner-drawn and keep their texts, so everything else about them stays as it is. The system draws the
+// others. UI thread only.
 #pragma once
 
 #include <windows.h>

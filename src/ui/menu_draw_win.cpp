@@ -52,17 +52,27 @@ HBRUSH BackBrush() {
     return brush.Get();
 }
 
-// Makes the items owner-drawn, or gives them back to the system.
+bool HasPictures(HMENU menu) {
+    for (int i = 0; i < GetMenuItemCount(menu); ++i)
+        if (InfoOf({menu, static_cast<UINT>(i)}).hbmpItem != nullptr) return true;
+    return false;
+}
+
+bool IsDrawnHere(HMENU menu) { return GetMenuItemCount(menu) > 0 && (InfoOf({menu, 0}).fType & MFT_OWNERDRAW) != 0; }
+
+// Makes the items owner-drawn, or gives them back to the system. A menu with pictures is drawn in every theme, because
+// a system may copy the pictures without their transparency, as Wine does: they would be black squares.
 // Returns whether an item was changed.
-bool PrepareMenu(HMENU menu, bool dark) {
+bool PrepareMenu(HMENU menu) {
+    const bool drawn = ThemeDrawsControls() || HasPictures(menu);
     bool changed = false;
     for (int i = 0; i < GetMenuItemCount(menu); ++i) {
         const ItemPlace place = {menu, static_cast<UINT>(i)};
         MENUITEMINFOW info = InfoOf(place);
-        if (!dark && (info.fType & MFT_OWNERDRAW) == 0) continue;
+        if (!drawn && (info.fType & MFT_OWNERDRAW) == 0) continue;
         info.fMask = MIIM_FTYPE | MIIM_DATA;
-        info.fType = dark ? info.fType | MFT_OWNERDRAW : info.fType & ~static_cast<UINT>(MFT_OWNERDRAW);
-        info.dwItemData = dark ? Packed(place) : 0;
+        info.fType = drawn ? info.fType | MFT_OWNERDRAW : info.fType & ~static_cast<UINT>(MFT_OWNERDRAW);
+        info.dwItemData = drawn ? Packed(place) : 0;
         SetMenuItemInfoW(menu, place.position, TRUE, &info);
         changed = true;
     }
@@ -70,7 +80,7 @@ bool PrepareMenu(HMENU menu, bool dark) {
     MENUINFO background = {};
     background.cbSize = sizeof(background);
     background.fMask = MIM_BACKGROUND;
-    background.hbrBack = dark ? BackBrush() : nullptr;
+    background.hbrBack = drawn ? BackBrush() : nullptr;
     SetMenuInfo(menu, &background);
     return true;
 }
@@ -102,7 +112,8 @@ void DrawTick(HDC dc, const RECT& item, COLORREF colour) {
     DrawPolyline(dc, tick, colour, std::max(UiScaled(2), 1));
 }
 
-void DrawPicture(HDC dc, const RECT& item, HBITMAP picture) {
+// `opacity`: 0..255.
+void DrawPicture(HDC dc, const RECT& item, HBITMAP picture, BYTE opacity) {
     BITMAP size = {};
     if (GetObjectW(picture, sizeof(size), &size) == 0) return;
     const UniqueMemoryDc memory(CreateCompatibleDC(dc));
@@ -110,7 +121,7 @@ void DrawPicture(HDC dc, const RECT& item, HBITMAP picture) {
     const int left = item.left + (UiScaled(kMenuGutter) - static_cast<int>(size.bmWidth)) / 2;
     const int top = (item.top + item.bottom - static_cast<int>(size.bmHeight)) / 2;
     GdiAlphaBlend(dc, left, top, size.bmWidth, size.bmHeight, memory.Get(), 0, 0, size.bmWidth, size.bmHeight,
-                  {AC_SRC_OVER, 0, 255, AC_SRC_ALPHA});
+                  {AC_SRC_OVER, 0, opacity, AC_SRC_ALPHA});
     SelectObject(memory.Get(), old);
 }
 
@@ -131,7 +142,7 @@ void DrawPopupItem(const DRAWITEMSTRUCT& draw, ItemPlace place, COLORREF colour,
     if ((draw.itemState & ODS_CHECKED) != 0)
         DrawTick(draw.hDC, area, colour);
     else if (info.hbmpItem != nullptr)
-        DrawPicture(draw.hDC, area, info.hbmpItem);
+        DrawPicture(draw.hDC, area, info.hbmpItem, (draw.itemState & (ODS_GRAYED | ODS_DISABLED)) != 0 ? 100 : 255);
     const MenuItemText text = TextOf(place);
     area.left += UiScaled(kMenuGutter);
     area.right -= UiScaled(kMenuRight);
@@ -146,7 +157,8 @@ void DrawItem(HWND window, const DRAWITEMSTRUCT& draw) {
     const bool off = (draw.itemState & (ODS_GRAYED | ODS_DISABLED)) != 0;
     const bool lit = (draw.itemState & (ODS_SELECTED | ODS_HOTLIGHT)) != 0;
     const COLORREF colour = off ? MixColours(chrome.statusText, MenuBack(), 50) : chrome.statusText;
-    FillArea(draw.hDC, draw.rcItem, lit && !off ? MixColours(MenuBack(), chrome.accent, 30) : MenuBack());
+    // The keyboard stops at what is off, too, and shows it.
+    FillArea(draw.hDC, draw.rcItem, !lit ? MenuBack() : off ? chrome.hover : chrome.selected);
     const HGDIOBJ oldFont = SelectObject(draw.hDC, UiFont());
     SetBkMode(draw.hDC, TRANSPARENT);
     SetTextColor(draw.hDC, colour);
@@ -208,10 +220,9 @@ LRESULT CALLBACK MenuDrawProc(HWND window, UINT message, WPARAM wParam, LPARAM l
 LRESULT MenuDrawAround(HWND window, UINT message, WPARAM wParam, LPARAM lParam, WNDPROC next) {
     if (message == WM_INITMENUPOPUP && HIWORD(lParam) == 0) {  // not the window's system menu
         const LRESULT result = next(window, message, wParam, lParam);
-        PrepareMenu(reinterpret_cast<HMENU>(wParam), ThemeIsDark());
+        PrepareMenu(reinterpret_cast<HMENU>(wParam));
         return result;
     }
-    if (!ThemeIsDark()) return next(window, message, wParam, lParam);
     switch (message) {
         case WM_MEASUREITEM: {
             auto& item = *reinterpret_cast<MEASUREITEMSTRUCT*>(lParam);
@@ -225,12 +236,14 @@ LRESULT MenuDrawAround(HWND window, UINT message, WPARAM wParam, LPARAM lParam, 
             DrawItem(window, item);
             return TRUE;
         }
-        case WM_MENUCHAR: return ItemOfMnemonic(reinterpret_cast<HMENU>(lParam), static_cast<wchar_t>(LOWORD(wParam)));
+        case WM_MENUCHAR:
+            if (!IsDrawnHere(reinterpret_cast<HMENU>(lParam))) break;
+            return ItemOfMnemonic(reinterpret_cast<HMENU>(lParam), static_cast<wchar_t>(LOWORD(wParam)));
         case WM_SETTEXT:  // a new caption may paint the whole frame
         case WM_NCPAINT:
         case WM_NCACTIVATE: {
             const LRESULT result = next(window, message, wParam, lParam);
-            PaintBarRest(window);
+            if (ThemeDrawsControls()) PaintBarRest(window);
             return result;
         }
         default: break;
@@ -242,10 +255,10 @@ void MenuDrawAttach(HWND window) { SubclassAdd(window, MenuDrawProc); }
 
 void MenuDrawDetach(HWND window) { SubclassRemove(window, MenuDrawProc); }
 
-void MenuDrawPrepare(HMENU menu) { PrepareMenu(menu, ThemeIsDark()); }
+void MenuDrawPrepare(HMENU menu) { PrepareMenu(menu); }
 
 void MenuBarApplyTheme(HWND window) {
     HMENU menu = GetMenu(window);
     if (menu == nullptr) return;
-    if (PrepareMenu(menu, ThemeIsDark())) DrawMenuBar(window);
+    if (PrepareMenu(menu)) DrawMenuBar(window);
 }

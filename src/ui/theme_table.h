@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 
 using Rgb = std::uint32_t;  // 0xRRGGBB
@@ -34,10 +35,11 @@ struct EditorPalette {
     Rgb caretLine;
     Rgb selection;
     Rgb lineNumber;
-    Rgb margin;     // background of line numbers, symbols and folding marks
-    Rgb guide;      // indentation guides, visible whitespace, folding marks
-    Rgb braceBack;  // background of a matching pair
-    Rgb errorBack;  // lines that a replacement has removed
+    Rgb margin;                        // background of line numbers, symbols and folding marks
+    Rgb guide;                         // indentation guides, visible whitespace, folding marks
+    Rgb braceBack;                     // background of a matching pair
+    Rgb errorBack;                     // lines that a replacement has removed
+    std::optional<Rgb> selectionText;  // of selected text; none: its own colours
     bool boldKeywords;
     bool italicComments;
 };
@@ -54,6 +56,8 @@ struct ChromePalette {
     Rgb statusBack;
     Rgb statusText;
     Rgb hover;
+    Rgb selected;  // background of the selected row while its list has the focus
+    Rgb quiet;     // text of hints, and of what is out of date
     Rgb error;
     Rgb modified;
     Rgb success;
@@ -79,9 +83,9 @@ inline constexpr TextRole kOverriddenRoles[] = {TextRole::Keyword,   TextRole::S
                                                 TextRole::Identifier};
 
 // The opacity of `stopLine`, 0..255.
-constexpr int ThemeStopLineAlpha(bool dark) { return dark ? 0x2C : 0x60; }
+constexpr int ThemeStopLineAlpha(bool dark) { return dark ? 0x24 : 0x50; }
 // The opacity of `success` over a new line of a replacement that waits.
-inline constexpr int kNewLineAlpha = 0x2E;
+inline constexpr int kNewLineAlpha = 0x24;
 // Blends `over` with the opacity `alpha`, 0..255, over `under`.
 Rgb ThemeBlend(Rgb over, Rgb under, int alpha);
 

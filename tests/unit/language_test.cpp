@@ -22,46 +22,6 @@
 
 namespace {
 
-TEST(Theme, EveryTextColourIsReadable) {
-    EXPECT_NEAR(ThemeContrast(0xFFFFFF, 0x000000), 21.0, 0.01);
-    EXPECT_NEAR(ThemeContrast(0x777777, 0xFFFFFF), 4.48, 0.01);
-    constexpr double kReadable = 4.5;
-    for (std::size_t style = 0; style < EditorStyles().size(); ++style) {
-        for (const bool dark : {false, true}) {
-            const EditorPalette& palette = ThemePalette(static_cast<int>(style), dark);
-            const std::string name = "style " + std::to_string(style) + (dark ? " dark" : " light");
-            for (int role = 0; role < kTextRoleCount; ++role) {
-                const Rgb text = palette.text[role];
-                EXPECT_GE(ThemeContrast(text, palette.back), kReadable) << name << " role " << role;
-                EXPECT_GE(ThemeContrast(text, palette.caretLine), kReadable) << name << " caret line, role " << role;
-            }
-            const ChromePalette& chrome = ThemeChromePalette(dark);
-            for (const Rgb under : {palette.back, palette.caretLine})
-                for (const Rgb line : {ThemeBlend(chrome.stopLine, under, ThemeStopLineAlpha(dark)),
-                                       ThemeBlend(chrome.success, under, kNewLineAlpha)}) {
-                    for (const Rgb text : palette.text)
-                        EXPECT_GE(ThemeContrast(text, line), 3.3) << name << " on " << std::hex << line << ", " << text;
-                    EXPECT_GE(ThemeContrast(palette.text[0], line), kReadable) << name << " on " << std::hex << line;
-                }
-            EXPECT_GE(ThemeContrast(palette.text[0], palette.selection), kReadable) << name << " selection";
-            EXPECT_GE(ThemeContrast(palette.text[0], palette.errorBack), kReadable) << name << " removed lines";
-            EXPECT_GE(ThemeContrast(palette.lineNumber, palette.margin), kReadable) << name << " line numbers";
-            EXPECT_EQ(ThemeContrast(palette.back, 0x000000) < ThemeContrast(palette.back, 0xFFFFFF), dark) << name;
-        }
-    }
-    for (const bool dark : {false, true}) {
-        const ChromePalette& chrome = ThemeChromePalette(dark);
-        EXPECT_GE(ThemeContrast(chrome.tabText, chrome.tabBack), kReadable) << dark;
-        EXPECT_GE(ThemeContrast(chrome.tabText, chrome.hover), kReadable) << dark;
-        EXPECT_GE(ThemeContrast(chrome.paneText, chrome.paneBack), kReadable) << dark;
-        EXPECT_GE(ThemeContrast(chrome.statusText, chrome.statusBack), kReadable) << dark;
-        for (const Rgb mark : {chrome.error, chrome.modified, chrome.success, chrome.accent})
-            EXPECT_GE(ThemeContrast(mark, chrome.tabBack), 3.0) << "a mark, not text: " << std::hex << mark;
-    }
-    EXPECT_EQ(&ThemePalette(99, true), &ThemePalette(0, true)) << "out of range: the program's own";
-    EXPECT_EQ(ThemeColorRef(0x112233), 0x332211u);
-}
-
 // Hue of a colour that is not grey, 0..6.
 double Hue(Rgb rgb) {
     const double r = static_cast<double>(rgb >> 16 & 0xFF), g = static_cast<double>(rgb >> 8 & 0xFF),

@@ -1,6 +1,7 @@
 // The table of panes, questions and lists as any pane would use them, without the frame.
 #include "app/app_state.h"
 #include "base/events.h"
+#include "ui/chrome.h"
 #include "ui/list_view.h"
 #include "ui/message.h"
 #include "ui/panes.h"
@@ -118,6 +119,33 @@ TEST(Lists, KeepTheirRowsAndPlacesApart) {
     EXPECT_EQ(ListViewSelected(first), 3) << "back where the user left it";
     DestroyWindow(parent);
     EXPECT_EQ(first.window, nullptr) << "forgotten with its window";
+}
+
+// The dark theme is chosen, and the system asks for black on white.
+TEST(HighContrast, OverrulesTheThemeAndLeavesControlsToTheSystem) {
+    SettingsDefaults(g_app.settings);
+    g_app.settings.theme = 1;
+    ThemeUseSystem({.highContrast = true,
+                    .colours = {.window = 0xFFFFFF,
+                                .windowText = 0x000000,
+                                .face = 0xFFFFFF,
+                                .faceText = 0x000000,
+                                .highlight = 0x37006E,
+                                .highlightText = 0xFFFFFF}});
+    EXPECT_TRUE(ThemeChosenDark());
+    EXPECT_FALSE(ThemeIsDark());
+    EXPECT_FALSE(ThemeDrawsControls());
+    EXPECT_EQ(ThemeCurrentChrome().paneBack, RGB(255, 255, 255));
+    EXPECT_EQ(ThemeCurrentChrome().tabActiveBack, RGB(255, 255, 255));
+    EXPECT_EQ(ThemeCurrentChrome().line, RGB(0, 0, 0));
+    EXPECT_EQ(ThemeCurrentPalette().selectionText, 0xFFFFFFu);
+    g_app.settings.editorStylePreset = 4;
+    EXPECT_TRUE(ThemeCurrentPalette().italicComments) << "the fonts of the chosen style stay";
+    ThemeUseSystem({});
+    EXPECT_TRUE(ThemeIsDark());
+    EXPECT_TRUE(ThemeDrawsControls());
+    EXPECT_FALSE(ThemeCurrentPalette().selectionText);
+    SettingsDefaults(g_app.settings);
 }
 
 }  // namespace
