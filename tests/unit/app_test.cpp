@@ -217,6 +217,13 @@ TEST(Layout, TheDebugPaneSharesTheBottomOrHasItAlone) {
         EXPECT_EQ(layout.pane(PaneId::Debug).top, layout.outputSplitter.bottom) << c.name;
         EXPECT_TRUE(!c.output || layout.pane(PaneId::Output).right == layout.debugSplitter.left) << c.name;
     }
+    LayoutInput low = InputOf(1000, 700, 256 | 4u, 96);
+    low.outputSplit = 650;
+    const PaneLayout raised = ComputePaneLayout(low);
+    EXPECT_GE(raised.pane(PaneId::Debug).height(), 180) << "its views keep some rows";
+    EXPECT_GT(raised.outputSplit, 600) << "what the user wants of the bar is kept";
+    low.clientHeight = 300;
+    EXPECT_GE(ComputePaneLayout(low).editor.height(), 60) << "the editor keeps its half of a small window";
 }
 
 // Two panes of one area share it, and no other pane changes its place.
