@@ -184,7 +184,7 @@ TEST(Bars, EscShowsWhatTheNextKeyReplaces) {
     editor.Sci(SCI_SETFIRSTVISIBLELINE, 200);
     editor.Keys({VK_ESCAPE});
     ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
-    EXPECT_EQ(editor.Sci(SCI_GETFIRSTVISIBLELINE), 0);
+    EXPECT_TRUE(WaitFor([&] { return editor.Sci(SCI_GETFIRSTVISIBLELINE) == 0; }));
     EXPECT_EQ(editor.Sci(SCI_GETSELECTIONEND), 4) << "and stays selected";
 }
 
