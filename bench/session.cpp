@@ -17,6 +17,8 @@ namespace fs = std::filesystem;
 constexpr int kFiles = 300;
 constexpr int kStarts = 5;
 constexpr int kSaves = 20;
+constexpr int kSwitches = 60;
+constexpr DWORD kBetweenSwitches = 50;  // ms
 constexpr double kLimitMs = 20000;
 
 template <typename Condition>
@@ -92,6 +94,32 @@ void MeasureRestore() {
             .note = "median of " + std::to_string(kStarts) + "; floor: the editor's start with one file"});
 }
 
+// Of all editors one is visible.
+HWND ShownEditor(HWND frame) {
+    for (HWND pane = nullptr; (pane = FindWindowExW(frame, pane, L"Scintilla", nullptr)) != nullptr;)
+        if (IsWindowVisible(pane)) return pane;
+    Die("no document is shown");
+}
+
+// From the command until the other document and the row of tabs are painted.
+void MeasureSwitches(const Program& editor) {
+    std::vector<double> times;
+    for (int i = 0; i < kSwitches; ++i) {
+        const double start = NowMs();
+        Ask(editor.Main(), WM_COMMAND, IDM_TAB_RECENT);
+        const HWND pane = ShownEditor(editor.Main());
+        AwaitPainted(pane, start + kLimitMs);
+        AwaitPainted(GetDlgItem(editor.Main(), IDC_TABS), start + kLimitMs);
+        Ask(pane, WM_NULL);
+        times.push_back(NowMs() - start);
+        Sleep(kBetweenSwitches);
+    }
+    Report({.work = "switch to the tab before, of " + std::to_string(kFiles) + ", painted",
+            .program = Quantile(times, 0.95),
+            .maxValue = 16,
+            .note = "95 of 100 within; median " + std::to_string(Median(times)).substr(0, 4) + " ms"});
+}
+
 void MeasureAutoSave() {
     const Folder folder;
     std::size_t size = 0;
@@ -101,6 +129,7 @@ void MeasureAutoSave() {
     editor.AwaitReady(size);
     for (int tab = 0; tab < kFiles; ++tab) Ask(editor.Main(), WM_COMMAND, IDM_NEXT_TAB);  // all are read
     editor.SettledMemory();
+    MeasureSwitches(editor);
     std::vector<double> times;
     for (int i = 0; i < kSaves; ++i) {
         Ask(editor.Main(), WM_COMMAND, IDM_NEXT_TAB);  // another session than the last

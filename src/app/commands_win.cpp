@@ -8,6 +8,7 @@
 #include "app/recent_menu.h"
 #include "app/splitters.h"
 #include "app/start_page.h"
+#include "app/tab_commands.h"
 #include "commands/command_state.h"
 #include "commands/edit_target.h"
 #include "commands/editor_commands.h"
@@ -38,7 +39,7 @@
 #include "session/session.h"
 #include "settingsui/settings_dialog.h"
 #include "symbols/symbol_commands.h"
-#include "ui/clipboard.h"
+#include "tabs/tab_bar.h"
 #include "ui/long_work.h"
 #include "ui/message.h"
 #include "ui/panes.h"
@@ -81,10 +82,6 @@ void ChooseProjectFolder() {
         settings.showProjectTree = 1;
     });
     SettingsSave(nullptr);
-}
-
-void SelectTabBeside(int command) {
-    TabBarActivate((g_app.activeTab + (command == IDM_NEXT_TAB ? 1 : TabCount() - 1)) % TabCount());
 }
 
 void OpenWorkspace() {
@@ -139,9 +136,6 @@ constexpr CommandHandler kFrameHandlers[] = {
     {IDM_FILE_CLOSE, [](int) { FileClose(g_app.activeTab); }},
     {IDM_FILE_CLOSE_ALL, [](int) { FileCloseAll(); }},
     {IDM_FILE_EXIT, [](int) { PostMessageW(g_app.hMainWnd, WM_CLOSE, 0, 0); }},
-    {IDM_TAB_CLOSE_OTHERS, [](int) { FileCloseDocuments(CloseRange::Others, ActiveDocumentId()); }},
-    {IDM_TAB_CLOSE_RIGHT, [](int) { FileCloseDocuments(CloseRange::Right, ActiveDocumentId()); }},
-    {IDM_TAB_COPY_PATH, [](int) { ClipboardPutText(g_app.hMainWnd, TabAt(g_app.activeTab).path); }},
     {IDM_FILE_RECOVERED, [](int) { ToAnotherDocument(RecoveryShow); }},
     {IDM_EDIT_UNDO, EditText},
     {IDM_EDIT_REDO, EditText},
@@ -161,8 +155,6 @@ constexpr CommandHandler kFrameHandlers[] = {
     {IDM_EDIT_MATCH, [](int) { EditorPaneGoToMatch(g_app.hEditor); }},
     {IDM_NAV_BACK, [](int) { NavHistoryBack(); }},
     {IDM_NAV_FORWARD, [](int) { NavHistoryForward(); }},
-    {IDM_NEXT_TAB, SelectTabBeside},
-    {IDM_PREVIOUS_TAB, SelectTabBeside},
     {IDM_BOOKMARK_TOGGLE, [](int) { BookmarkToggle(g_app.hEditor); }},
     {IDM_BOOKMARK_NEXT, GoToBookmark},
     {IDM_BOOKMARK_PREVIOUS, GoToBookmark},
@@ -184,10 +176,10 @@ constexpr CommandHandler kFrameHandlers[] = {
 std::vector<CommandHandler> AllCommandHandlers() {
     std::vector<CommandHandler> all;
     for (const std::span<const CommandHandler> area :
-         {std::span<const CommandHandler>(kFrameHandlers), RecentCommandHandlers(), ViewCommandHandlers(),
-          EditorCommandHandlers(), QuickOpenCommandHandlers(), BuildCommandHandlers(), DebugCommandHandlers(),
-          AiCommandHandlers(), FilesSearchCommandHandlers(), SymbolCommandHandlers(), CompletionCommandHandlers(),
-          ProjectCommandHandlers()})
+         {std::span<const CommandHandler>(kFrameHandlers), RecentCommandHandlers(), TabCommandHandlers(),
+          ViewCommandHandlers(), EditorCommandHandlers(), QuickOpenCommandHandlers(), BuildCommandHandlers(),
+          DebugCommandHandlers(), AiCommandHandlers(), FilesSearchCommandHandlers(), SymbolCommandHandlers(),
+          CompletionCommandHandlers(), ProjectCommandHandlers()})
         all.insert(all.end(), area.begin(), area.end());
     return all;
 }
@@ -210,9 +202,10 @@ void MainWnd_OnCommand(int command, int notification, HWND control) {
     // A key or a posted command may come when the command is not possible; the table decides, not the sender.
     if (!CommandStateOf(command, CurrentCommandView()).enabled) return;
     if (RunCommandHandler(kFrameHandlers, command) || RunCommandHandler(RecentCommandHandlers(), command) ||
-        RunCommandHandler(ViewCommandHandlers(), command) || RunCommandHandler(EditorCommandHandlers(), command) ||
-        RunCommandHandler(QuickOpenCommandHandlers(), command) || CmdHandle_Build(command) ||
-        CmdHandle_Debug(command) || CmdHandle_AI(command) || RunCommandHandler(FilesSearchCommandHandlers(), command) ||
+        RunCommandHandler(TabCommandHandlers(), command) || RunCommandHandler(ViewCommandHandlers(), command) ||
+        RunCommandHandler(EditorCommandHandlers(), command) || RunCommandHandler(QuickOpenCommandHandlers(), command) ||
+        CmdHandle_Build(command) || CmdHandle_Debug(command) || CmdHandle_AI(command) ||
+        RunCommandHandler(FilesSearchCommandHandlers(), command) ||
         RunCommandHandler(SymbolCommandHandlers(), command) ||
         RunCommandHandler(CompletionCommandHandlers(), command) || RunCommandHandler(ProjectCommandHandlers(), command))
         MainWindow_RequestStateRefresh();
@@ -220,6 +213,7 @@ void MainWnd_OnCommand(int command, int notification, HWND control) {
 
 void MainWnd_OnInitMenuPopup(HMENU menu) {
     RecentMenuFill(menu);
+    TabMenuFill(menu);
     MenuShowKeys(menu);
     MenuApplyState(menu, CurrentCommandView());
 }

@@ -30,6 +30,7 @@
 #include "recovery/snapshots.h"
 #include "search/files_search.h"
 #include "search/find_bar.h"
+#include "session/closed_tabs.h"
 #include "session/session.h"
 #include "symbols/document_symbols.h"
 #include "symbols/outline_pane.h"
@@ -141,6 +142,7 @@ void MainWnd_ConnectEvents() {
     g_events.documentChanged = OnDocumentChanged;
     g_events.documentMoved = TabBarOnMoved;
     g_events.documentSaved = OnDocumentSaved;
+    g_events.documentClosing = ClosedTabsOnClosing;
     g_events.documentClosed = OnDocumentClosed;
     g_events.textLeaving = OnTextLeaving;
     g_events.textArrived = OnTextArrived;

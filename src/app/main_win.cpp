@@ -24,6 +24,7 @@
 #include "settings/settings_state.h"
 #include "settings/settings_store.h"
 #include "symbols/peek_window.h"
+#include "tabs/tab_switcher.h"
 #include "ui/message.h"
 
 #include <commctrl.h>
@@ -200,7 +201,9 @@ int RunMessageLoop() {
         // One refresh for all that happened since the queue was empty the last time.
         if (!PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE)) MainWnd_RunPendingRefresh();
         if (GetMessageW(&message, nullptr, 0, 0) <= 0) return static_cast<int>(message.wParam);
-        if (IsEndOfUsedAlt(message) || QuickOpenIsMessage(message) || PeekIsMessage(message)) continue;
+        if (IsEndOfUsedAlt(message) || TabSwitchIsMessage(message) || QuickOpenIsMessage(message) ||
+            PeekIsMessage(message))
+            continue;
         if (accelerators != nullptr && TranslateAcceleratorW(g_app.hMainWnd, accelerators, &message) != 0) continue;
         if (TranslateExtraKey(message) || StartPageIsMessage(message) || FindDialogIsMessage(&message) ||
             FindBarIsMessage(&message) || FilesDialogIsMessage(&message))

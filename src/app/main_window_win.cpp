@@ -32,6 +32,7 @@
 #include "settings/compiler_presence.h"
 #include "symbols/references.h"
 #include "tabs/tab_bar.h"
+#include "tabs/tab_switcher.h"
 #include "ui/chrome.h"
 #include "ui/menu_draw.h"
 #include "ui/paint.h"
@@ -100,6 +101,7 @@ void RouteTimer(HWND window, UINT_PTR id) {
         case TIMER_AI_MARKS: AiOnMarksTimer(); break;
         case TIMER_AI_PIECES: AiOnPiecesTimer(); break;
         case TIMER_FIND: FindBarOnTimer(); break;
+        case TIMER_TAB_SWITCH: TabSwitchOnTimer(); break;
         case TIMER_OUTSIDE: OutsideOnTimer(); break;
         case TIMER_SNAPSHOTS: SnapshotsOnTimer(); break;
         case TIMER_SYMBOLS: SymbolsOnTimer(); break;
@@ -233,9 +235,12 @@ HWND MainWindow_Init(HINSTANCE instance, int showCommand) {
 }
 
 void MainWindow_UpdateTitle() {
-    const std::wstring title = IsTabIndex(g_app.activeTab) ? FormatW(L"%s - KVXE Editor", TabAt(g_app.activeTab).label)
-                                                           : std::wstring(L"Untitled - KVXE Editor");
-    wchar_t shown[kLabelCapacity + 32] = {};
+    std::wstring title = L"Untitled - KVXE Editor";
+    if (IsTabIndex(g_app.activeTab)) {
+        const DocumentTab& tab = TabAt(g_app.activeTab);
+        title = FormatW(L"%s - KVXE Editor", tab.hasFile ? tab.path : tab.label);
+    }
+    wchar_t shown[kPathCapacity + 32] = {};
     GetWindowTextW(g_app.hMainWnd, shown, static_cast<int>(std::size(shown)));
     if (title != shown) SetWindowTextW(g_app.hMainWnd, title.c_str());
 }

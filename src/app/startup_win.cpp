@@ -25,6 +25,7 @@
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "selftest/selftest.h"
+#include "session/closed_tabs.h"
 #include "session/session.h"
 #include "session/session_owner.h"
 #include "settings/settings_store.h"
@@ -236,6 +237,7 @@ void MainWnd_OnClose(HWND window) {
     } else {
         AppLogMsg(L"DBG WM_CLOSE: skipped session/settings save during self-test");
     }
+    ClosedTabsEnd();
     AiShutdown();
     OutsideEnd();
     DebugShutdown();

@@ -16,6 +16,7 @@
 #include "project/project.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
+#include "session/closed_tabs.h"
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
 #include "ui/panes.h"
@@ -30,10 +31,20 @@ namespace {
 
 std::uint32_t BitIf(bool holds, std::uint32_t conditions) { return holds ? conditions : 0; }
 
+// What the commands that close several documents would find.
+std::uint32_t TabConditions() {
+    std::uint32_t conditions = 0;
+    for (int i = 0; i < TabCount(); ++i) {
+        if (TabAt(i).pinned) continue;
+        conditions |= BitIf(i != g_documents.activeTab, kHasOtherTabs) | BitIf(!TabAt(i).modified, kHasSaved) |
+                      BitIf(i > g_documents.activeTab, kHasTabsRight);
+    }
+    return conditions;
+}
+
 std::uint32_t EditorConditions() {
     const DocumentTab& tab = TabAt(g_documents.activeTab);
-    return kHasTab | BitIf(SciSend(tab.editor, SCI_GETSELECTIONEMPTY) == 0, kHasSelection) |
-           BitIf(TabCount() > 1, kHasOtherTabs) | BitIf(g_documents.activeTab + 1 < TabCount(), kHasTabsRight) |
+    return kHasTab | BitIf(SciSend(tab.editor, SCI_GETSELECTIONEMPTY) == 0, kHasSelection) | TabConditions() |
            BitIf(tab.hasFile, kHasFile) | BitIf(LexerFromExtension(tab.path) == Language::Basic, kBasicSource);
 }
 
@@ -68,6 +79,9 @@ CommandView CurrentCommandView() {
     else if (hasTab)
         view.conditions |= EditConditionsOfEditor(view.conditions);
     if (std::ranges::any_of(g_documents.tabs, &DocumentTab::modified)) view.conditions |= kAnyModified;
+    view.conditions |= BitIf(ClosedTabsAny(), kHasClosed);
+    view.tab = g_documents.activeTab;
+    view.pinned = hasTab && TabAt(g_documents.activeTab).pinned;
     if (BuildCanBeStopped()) view.conditions |= kBuilding;
     view.conditions |= BitIf(!ProjectFilePath().empty(), kProjectOpen) | BitIf(!BuildSourceNow().empty(), kCanBuild);
     if (!CompilerIsBuilding()) view.conditions |= kIdle;

@@ -253,18 +253,38 @@ constexpr CommandRow kCommands[] = {
     {IDM_TAB_CLOSE_OTHERS, kHasTab | kHasOtherTabs},
     {IDM_TAB_CLOSE_RIGHT, kHasTab | kHasTabsRight},
     {IDM_TAB_COPY_PATH, kHasFile},
+    {IDM_TAB_RECENT, kHasTab},
+    {IDM_TAB_RECENT_BACK, kHasTab},
+    {IDM_TAB_LIST, kHasTab},
+    {IDM_TAB_LAST, kHasTab},
+    {IDM_TAB_REOPEN, kHasClosed},
+    {IDM_TAB_PIN, kHasTab, [](const CommandView& v) { return v.pinned; }},
+    {IDM_TAB_CLOSE_SAVED, kHasTab | kHasSaved},
+    {IDM_TAB_COPY_NAME, kHasTab},
+    {IDM_TAB_OPEN_FOLDER, kHasFile},
 };
 
 // Added to kCommands: the commands that select a compiler, one for each row of g_compilers, and those of the lists of
-// recent files and sessions, whose items the menu gets when it opens.
+// recent files and sessions and of the first tabs, whose items the menu gets when it opens.
 template <std::uint32_t id>
 bool IsCompiler(const CommandView& view) {
     return view.compiler == static_cast<int>(id);
 }
 
+constexpr int kNumberedTabs = 9;
+template <int index>
+bool IsActiveTab(const CommandView& view) {
+    return view.tab == index;
+}
+
 template <std::size_t... ids>
 constexpr auto AllCommands(std::index_sequence<ids...>) {
-    std::array<CommandRow, std::size(kCommands) + kCompilerCount + 3 * kMruCapacity> all = {};
+    std::array<CommandRow, std::size(kCommands) + kCompilerCount + 3 * kMruCapacity + kNumberedTabs> all = {};
+    [&]<int... tabs>(std::integer_sequence<int, tabs...>) {
+        ((all[all.size() - kNumberedTabs + tabs] = {IDM_TAB_NUMBER_FIRST + tabs, kHasTab, IsActiveTab<tabs>, Internal}),
+         ...);
+    }
+    (std::make_integer_sequence<int, kNumberedTabs>());
     std::ranges::copy(kCommands, all.begin());
     ((all[std::size(kCommands) + ids] = {g_compilers[ids].command, kAlways, IsCompiler<ids>}), ...);
     for (std::size_t i = 0, next = std::size(kCommands) + kCompilerCount; i < kMruCapacity; ++i) {
@@ -278,17 +298,30 @@ constexpr auto AllCommands(std::index_sequence<ids...>) {
 constexpr auto kAllCommands = AllCommands(std::make_index_sequence<kCompilerCount>());
 
 // Virtual key numbers, defined here because this file includes no <windows.h>.
-constexpr std::uint16_t kCancel = 0x03, kTab = 0x09, kEscape = 0x1B, kSpace = 0x20, kLeft = 0x25, kUp = 0x26,
-                        kRight = 0x27, kDown = 0x28, kNumpadDivide = 0x6F, kSlash = 0xBF, kOpenBracket = 0xDB,
-                        kCloseBracket = 0xDD, kZero = 0x30, kNumpad0 = 0x60, kNumpadAdd = 0x6B, kNumpadSubtract = 0x6D,
-                        kF2 = 0x71, kF3 = 0x72, kF4 = 0x73, kF5 = 0x74, kF8 = 0x77, kF9 = 0x78, kF10 = 0x79, kF6 = 0x75,
-                        kF7 = 0x76, kF11 = 0x7A, kF12 = 0x7B, kBackquote = 0xC0, kOemPlus = 0xBB, kOemMinus = 0xBD,
-                        kComma = 0xBC;
+constexpr std::uint16_t kCancel = 0x03, kTab = 0x09, kEscape = 0x1B, kSpace = 0x20, kPageUp = 0x21, kPageDown = 0x22,
+                        kLeft = 0x25, kUp = 0x26, kRight = 0x27, kDown = 0x28, kNumpadDivide = 0x6F, kSlash = 0xBF,
+                        kOpenBracket = 0xDB, kCloseBracket = 0xDD, kZero = 0x30, kNumpad0 = 0x60, kNumpadAdd = 0x6B,
+                        kNumpadSubtract = 0x6D, kF2 = 0x71, kF3 = 0x72, kF4 = 0x73, kF5 = 0x74, kF8 = 0x77, kF9 = 0x78,
+                        kF10 = 0x79, kF6 = 0x75, kF7 = 0x76, kF11 = 0x7A, kF12 = 0x7B, kBackquote = 0xC0,
+                        kOemPlus = 0xBB, kOemMinus = 0xBD, kComma = 0xBC;
 
 constexpr ExtraKey kExtraKeys[] = {
     {kCancel, true, false, false, IDM_BUILD_STOP},
-    {kTab, true, false, false, IDM_NEXT_TAB},
-    {kTab, true, true, false, IDM_PREVIOUS_TAB},
+    {kTab, true, false, false, IDM_TAB_RECENT},
+    {kTab, true, true, false, IDM_TAB_RECENT_BACK},
+    {kPageDown, true, false, false, IDM_NEXT_TAB, true},
+    {kPageUp, true, false, false, IDM_PREVIOUS_TAB, true},
+    {'1', true, false, false, IDM_TAB_NUMBER_FIRST},
+    {'2', true, false, false, IDM_TAB_NUMBER_FIRST + 1},
+    {'3', true, false, false, IDM_TAB_NUMBER_FIRST + 2},
+    {'4', true, false, false, IDM_TAB_NUMBER_FIRST + 3},
+    {'5', true, false, false, IDM_TAB_NUMBER_FIRST + 4},
+    {'6', true, false, false, IDM_TAB_NUMBER_FIRST + 5},
+    {'7', true, false, false, IDM_TAB_NUMBER_FIRST + 6},
+    {'8', true, false, false, IDM_TAB_NUMBER_FIRST + 7},
+    {'9', true, false, false, IDM_TAB_LAST},
+    {'T', true, true, false, IDM_TAB_REOPEN},
+    {'E', true, false, false, IDM_TAB_LIST},
     {kOemPlus, true, false, false, IDM_VIEW_ZOOM_IN},
     {kOemPlus, true, true, false, IDM_VIEW_ZOOM_IN},
     {kNumpadAdd, true, false, false, IDM_VIEW_ZOOM_IN},
@@ -361,7 +394,7 @@ constexpr ExtraKey kExtraKeys[] = {
     {'O', false, true, true, IDM_VIEW_OUTLINE},
     {'E', false, true, true, IDM_TREE_REVEAL},
     {'T', true, false, false, IDM_SYMBOL_IN_DOCUMENT},
-    {'T', true, true, false, IDM_SYMBOL_IN_PROJECT},
+    {'T', false, true, true, IDM_SYMBOL_IN_PROJECT},
     {kSpace, true, true, false, IDM_PARAMETER_INFO},
     {kF12, true, false, false, IDM_SHOW_DECLARATION},
     {kF12, false, false, true, IDM_PEEK_DEFINITION},
@@ -400,11 +433,12 @@ std::wstring NameOfExtraKey(const ExtraKey& key) {
     static constexpr struct {
         std::uint16_t key;
         const wchar_t* name;
-    } kNames[] = {{kCancel, L"Break"},  {kTab, L"Tab"},        {kSpace, L"Space"},       {kLeft, L"Left"},
-                  {kRight, L"Right"},   {kNumpad0, L"Num0"},   {kNumpadAdd, L"Num+"},    {kNumpadSubtract, L"Num-"},
-                  {kOemPlus, L"+"},     {kOemMinus, L"-"},     {kBackquote, L"`"},       {kComma, L","},
-                  {kUp, L"Up"},         {kDown, L"Down"},      {kNumpadDivide, L"Num/"}, {kSlash, L"/"},
-                  {kOpenBracket, L"["}, {kCloseBracket, L"]"}, {kEscape, L"Esc"}};
+    } kNames[] = {{kCancel, L"Break"},      {kTab, L"Tab"},           {kSpace, L"Space"},    {kLeft, L"Left"},
+                  {kRight, L"Right"},       {kNumpad0, L"Num0"},      {kNumpadAdd, L"Num+"}, {kNumpadSubtract, L"Num-"},
+                  {kOemPlus, L"+"},         {kOemMinus, L"-"},        {kBackquote, L"`"},    {kComma, L","},
+                  {kPageUp, L"PageUp"},     {kPageDown, L"PageDown"}, {kUp, L"Up"},          {kDown, L"Down"},
+                  {kNumpadDivide, L"Num/"}, {kSlash, L"/"},           {kOpenBracket, L"["},  {kCloseBracket, L"]"},
+                  {kEscape, L"Esc"}};
     std::wstring name = key.control ? L"Ctrl+" : L"";
     if (key.alt) name += L"Alt+";
     if (key.shift) name += L"Shift+";

@@ -13,9 +13,9 @@ enum CommandCondition : std::uint32_t {
     kCanUndo = 1u << 1,
     kCanRedo = 1u << 2,
     kHasSelection = 1u << 3,  // in the editor
-    kHasOtherTabs = 1u << 4,
+    kHasOtherTabs = 1u << 4,  // others that are not pinned
     kHasFile = 1u << 5,       // the active document has a file
-    kHasTabsRight = 1u << 6,  // of the active one
+    kHasTabsRight = 1u << 6,  // the same, to the right of the active one
     kAnyModified = 1u << 7,
     kIdle = 1u << 8,      // no build runs
     kBuilding = 1u << 9,  // a build runs, or processes that a finished one started
@@ -36,8 +36,10 @@ enum CommandCondition : std::uint32_t {
     kAiPending = 1u << 22,  // a replacement waits to be accepted or undone
     kAiCode = 1u << 23,     // the chat holds code
     kProjectOpen = 1u << 24,
-    kCanBuild = 1u << 25,  // the active document has a file, or the project has one to build
-    kNever = 1u << 31,     // never set, so the command stays disabled: not in this version
+    kCanBuild = 1u << 25,   // the active document has a file, or the project has one to build
+    kHasClosed = 1u << 29,  // a document was closed that can be opened again
+    kHasSaved = 1u << 30,   // a document without changes that is not pinned
+    kNever = 1u << 31,      // never set, so the command stays disabled: not in this version
 };
 
 // The state on which enabled and checked depend.
@@ -51,6 +53,8 @@ struct CommandView {
     int theme = 0;             // 0 light, 1 dark
     int style = 0;             // style preset, 0: none
     int compiler = 0;          // CompilerId
+    int tab = -1;              // index of the active document
+    bool pinned = false;       // the active document is
     int profile = 0;           // build profile: 0 debug, 1 release, 2 fast
     int fileForm = -1;         // of the active document: FileForm; -1: there is none
     int lineEnding = -1;       // LineEnding

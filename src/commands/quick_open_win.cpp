@@ -404,10 +404,9 @@ void ShowQuick(const wchar_t* typed) {
 }
 
 constexpr CommandHandler kQuickOpenHandlers[] = {
-    {IDM_QUICK_OPEN, [](int) { ShowQuick(L""); }},
-    {IDM_COMMAND_PALETTE, [](int) { ShowQuick(L">"); }},
-    {IDM_SYMBOL_IN_DOCUMENT, [](int) { ShowQuick(L"@"); }},
-    {IDM_SYMBOL_IN_PROJECT, [](int) { ShowQuick(L"#"); }},
+    {IDM_QUICK_OPEN, [](int) { ShowQuick(L""); }},          {IDM_COMMAND_PALETTE, [](int) { ShowQuick(L">"); }},
+    {IDM_SYMBOL_IN_DOCUMENT, [](int) { ShowQuick(L"@"); }}, {IDM_SYMBOL_IN_PROJECT, [](int) { ShowQuick(L"#"); }},
+    {IDM_TAB_LIST, [](int) { ShowQuick(L"<"); }},
 };
 
 }  // namespace

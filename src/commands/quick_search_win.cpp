@@ -13,8 +13,8 @@ namespace {
 
 constexpr std::size_t kAtOnce = 5000;  // so many texts take about a millisecond
 
-constexpr const QuickSource* kSources[] = {&kQuickFiles, &kQuickCommands, &kQuickLine, &kQuickDocumentSymbols,
-                                           &kQuickProjectSymbols};
+constexpr const QuickSource* kSources[] = {&kQuickFiles,           &kQuickCommands,       &kQuickLine,
+                                           &kQuickDocumentSymbols, &kQuickProjectSymbols, &kQuickTabs};
 
 struct SearchState {
     QuickSearch now;

@@ -59,6 +59,7 @@ struct QuickSource {
 extern const QuickSource kQuickFiles;                                  // quick_files_win.cpp
 extern const QuickSource kQuickCommands;                               // quick_commands_win.cpp
 extern const QuickSource kQuickLine;                                   // quick_line_win.cpp
+extern const QuickSource kQuickTabs;                                   // quick_tabs_win.cpp
 extern const QuickSource kQuickDocumentSymbols, kQuickProjectSymbols;  // quick_symbols_win.cpp
 
 // The table of the sources.

@@ -10,6 +10,7 @@
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "settings/settings_state.h"
+#include "tabs/tabs_state.h"
 #include "ui/dpi.h"
 #include "ui/panes.h"
 
@@ -69,7 +70,8 @@ void TogglePane(int command) {
     PaneShow(pane.id, !seen);
 }
 
-// Gives the keyboard to the next pane that is shown, or to the one before; the editor and the two bars are among them.
+// Gives the keyboard to the next pane that is shown, or to the one before; the editor is the first of them, the two bars and
+// the tabs are the last.
 void FocusPaneBeside(int command) {
     std::vector<HWND> stops = {g_documents.hEditor};
     if (g_ui.hStartPage != nullptr) stops.push_back(g_ui.hStartPage);
@@ -87,6 +89,8 @@ void FocusPaneBeside(int command) {
         if (bar == focus) at = stops.size();
         stops.push_back(bar);
     }
+    if (focus == g_tabs.hTabCtrl) at = stops.size();
+    if (TabCount() > 0) stops.push_back(g_tabs.hTabCtrl);
     const std::size_t step = command == IDM_NEXT_PANE ? 1 : stops.size() - 1;
     const HWND next = stops[(at + step) % stops.size()];
     if (next == g_documents.hEditor)

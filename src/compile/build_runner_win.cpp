@@ -123,6 +123,14 @@ void MarkBuiltDocument(DocumentVerdict verdict) {
     g_events.documentChanged(TabAt(tab).id);
 }
 
+// The tab of the source shows that a build of it runs.
+void ShowBuilding(bool builds) {
+    for (DocumentTab& tab : g_documents.tabs) {
+        const bool built = builds && tab.hasFile && PathEqualsIgnoreCase(tab.path, g_runner.source);
+        if (std::exchange(tab.building, built) != built) g_events.documentChanged(tab.id);
+    }
+}
+
 int RefuseBuild(BuildRefusal refusal) {
     BuildApplyStep(BuildRefused(refusal));
     return 0;
@@ -199,6 +207,7 @@ void ShowStep(BuildStep step) {
 void EndBuild() {
     const BuildRun run = g_runner.run;  // copied, because a receiver of these events may start the next build
     const std::wstring program = g_runner.output;
+    ShowBuilding(false);
     if (!run.finalStatus.empty()) g_events.statusText((run.finalStatus + g_runner.which).c_str());
     g_events.buildEnded(run.success && run.unwritten.empty(), run.order.debug);
     switch (BuildFollowUp(run)) {
@@ -400,7 +409,10 @@ int BuildStart(const BuildOrder& order) {
         .output = output,
         .project = project,
         .which = BuildProjectNow() ? BuiltWhichText(BuildProjectNow()->name, source, project.has_value()) : L""};
-    return FollowSteps(BuildFirst(g_runner.run, g_settings.preBuildCmd)) ? 1 : 0;
+    ShowBuilding(true);
+    if (FollowSteps(BuildFirst(g_runner.run, g_settings.preBuildCmd))) return 1;
+    ShowBuilding(false);
+    return 0;
 }
 
 int StartCompilerBuild(bool syntaxOnly, bool debug) { return BuildStart({.syntaxOnly = syntaxOnly, .debug = debug}); }

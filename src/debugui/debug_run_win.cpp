@@ -3,6 +3,7 @@
 #include "debugui/debug_run.h"
 
 #include "base/events.h"
+#include "base/path.h"
 #include "base/wide_format.h"
 #include "compile/build_source.h"
 #include "compile/compile_state.h"
@@ -15,6 +16,7 @@
 #include "debugui/location.h"
 #include "debugui/restart.h"
 #include "debugui/stale_sources.h"
+#include "documents/document_row.h"
 #include "output/last_build.h"
 #include "program/line_map.h"
 #include "resources/ids.h"
@@ -25,6 +27,7 @@
 #include <algorithm>
 #include <iterator>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -46,6 +49,14 @@ void PublishSession(bool exists) {
     g_compile.programInUse = exists;
 }
 
+// The tab of the program's source shows that it is debugged; with an empty `source` none is.
+void ShowDebugged(const std::wstring& source) {
+    for (DocumentTab& tab : g_documents.tabs) {
+        const bool debugged = !source.empty() && tab.hasFile && PathEqualsIgnoreCase(tab.path, source);
+        if (std::exchange(tab.debugged, debugged) != debugged) g_events.documentChanged(tab.id);
+    }
+}
+
 // --- The end
 
 void StopTimers() {
@@ -61,6 +72,7 @@ void EndSession(const std::wstring& status) {
     FlowEnded(&g_flow);
     if (DebugHasLeftBehind()) SetTimer(g_ui.hMainWnd, TIMER_DEBUG, kTimerIntervalMs, nullptr);
     PublishSession(false);
+    ShowDebugged({});
     DebugClearLocation();
     DebugForgetFiles();
     ScopesForget();
@@ -215,6 +227,7 @@ void DebugRunStart() {
     NamesReadAgain();
     FlowStart(&g_flow, GetTickCount64());
     PublishSession(true);
+    ShowDebugged(program.source);
     SetStatus(kStarting);
     StartProgram(program);
     if (g_flow.stopWanted) {

@@ -51,8 +51,13 @@ void TabBarSyncActiveEditor();
 int TabBarRemove(int index);
 // Removes all documents, those first that are not shown, so that no other is shown, or read, meanwhile.
 void TabBarRemoveAll();
-// Moves a document to another place in the row. Returns 1, or 0 for an index out of range.
+// Moves a document to another place in the row, or to the nearest one that pinned and other documents allow. Returns 1,
+// or 0 for an index out of range.
 int TabBarMove(int from, int to);
+// Pins a document, which then stands behind the other pinned ones, or takes the pin off.
+void TabBarPin(int index, bool pinned);
+// Moves pinned documents before all others, after several have been pinned at once.
+void TabBarSortPinned();
 
 // Makes the editor insert the line breaks of the record's `lineEnding`.
 void TabBarUpdateLineEnding(int index);

@@ -112,7 +112,7 @@ DocumentId DocumentOfEditor(HWND editor) {
 std::vector<RowEntry> DocumentRowEntries() {
     std::vector<RowEntry> row;
     for (const DocumentTab& tab : g_documents.tabs)
-        row.push_back({.id = tab.id, .modified = tab.modified, .hasFile = tab.hasFile});
+        row.push_back({.id = tab.id, .modified = tab.modified, .hasFile = tab.hasFile, .pinned = tab.pinned});
     return row;
 }
 
@@ -277,6 +277,7 @@ void TabBarRemoveAll() {
 
 int TabBarMove(int from, int to) {
     if (!IsTabIndex(from) || !IsTabIndex(to)) return 0;
+    to = TabPlaceAllowed(DocumentRowEntries(), from, to);
     if (from == to) return 1;
     const auto first = g_documents.tabs.begin();
     if (from < to)
@@ -287,6 +288,20 @@ int TabBarMove(int from, int to) {
     NavTabMoved(g_documents.navigation, from, to);
     g_events.documentMoved(from, to);
     return 1;
+}
+
+void TabBarPin(int index, bool pinned) {
+    if (!IsTabIndex(index) || TabAt(index).pinned == pinned) return;
+    const DocumentId document = TabAt(index).id;
+    TabAt(index).pinned = pinned;
+    TabBarMove(index, pinned ? TabCount() - 1 : 0);  // as far as it may
+    g_events.documentChanged(document);
+}
+
+void TabBarSortPinned() {
+    int next = 0;
+    for (int i = 0; i < TabCount(); ++i)
+        if (TabAt(i).pinned) TabBarMove(i, next++);
 }
 
 void TabBarUpdateLineEnding(int index) {

@@ -33,8 +33,8 @@ int FileClose(int tab);   // 0 when the user cancelled or the save failed
 // Asks as FileClose does, but does not close: 1 when the document is unmodified or saved, or the user does not want its
 // changes.
 int FileConfirmClose(int tab);
-// Asks about each modified one of these documents (empty: of all) as FileConfirmClose does, and shows it. Closes nothing.
-// Returns 0 at the first answer that keeps a document open. With `refused` it goes on, and that gets these documents.
+// Asks about the modified ones of these documents (empty: of all): about one as FileConfirmClose does, about several with
+// a list. Closes nothing. Returns 0 when a document stays open. With `refused` (may be null) that gets these documents.
 int FileConfirmCloseAll(const std::vector<DocumentId>& documents, std::vector<DocumentId>* refused = nullptr);
 // Closes several documents. All questions come first: returns 0, and closes nothing, when one of the answers keeps a
 // document open. Otherwise shows `kept` at the end. With CloseRange::All `kept` is 0.

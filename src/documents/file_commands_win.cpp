@@ -7,6 +7,7 @@
 #include "base/log.h"
 #include "base/path.h"
 #include "base/wide_format.h"
+#include "documents/close_question.h"
 #include "documents/document_load.h"
 #include "documents/document_row.h"
 #include "documents/file_dialogs.h"
@@ -85,7 +86,10 @@ Opened ShowDocument(const wchar_t* file, bool quiet) {
 }  // namespace
 
 int FileNew() {
-    const int tab = TabBarAdd(L"", L"Untitled");
+    std::vector<std::wstring> labels;
+    for (const DocumentTab& tab : g_documents.tabs)
+        if (!tab.hasFile) labels.emplace_back(tab.label);
+    const int tab = TabBarAdd(L"", NextUntitledLabel(labels).c_str());
     if (tab < 0) return 0;
     TabBarSelect(tab);
     return 1;
@@ -181,24 +185,67 @@ int FileClose(int tab) {
     return 1;
 }
 
+// Saves the ticked rows one after the other; each is shown, because a question may come. Returns those that stay open:
+// the first that could not be saved, and the ones after it.
+static std::vector<DocumentId> SaveTicked(const std::vector<CloseRow>& rows) {
+    std::vector<DocumentId> stay;
+    for (const CloseRow& row : rows) {
+        if (!row.ticked) continue;
+        if (stay.empty()) TabBarSelect(TabBarFindDocument(row.document));
+        const int tab = TabBarFindDocument(row.document);
+        if (tab < 0 || !TabAt(tab).modified) continue;  // closed or saved meanwhile
+        if (!stay.empty() || FileSave(tab) == 0) stay.push_back(row.document);
+    }
+    return stay;
+}
+
+static std::vector<DocumentId> AskAboutMany(const std::vector<DocumentId>& documents) {
+    std::vector<CloseRow> rows;
+    for (const DocumentId document : documents) {
+        const DocumentTab& tab = TabAt(TabBarFindDocument(document));
+        rows.push_back({.document = document, .label = tab.label, .folder = tab.hasFile ? FolderOf(tab.path) : L""});
+    }
+    const CloseAnswer answer = CloseQuestionAsk(rows);
+    AppLogMsg(L"DBG FileClose: prompt answered documents=%d result=%d count=%d", static_cast<int>(documents.size()),
+              static_cast<int>(answer), TabCount());
+    switch (answer) {
+        case CloseAnswer::Save: return SaveTicked(rows);
+        case CloseAnswer::Discard: return {};
+        case CloseAnswer::Cancel: break;
+    }
+    return documents;
+}
+
 int FileConfirmCloseAll(const std::vector<DocumentId>& documents, std::vector<DocumentId>* refused) {
     const auto confirm = [](DocumentId document) {
         TabBarSelect(TabBarFindDocument(document));  // shows what the question is about
         return FileConfirmClose(TabBarFindDocument(document)) != 0;
     };
-    return ConfirmClosing(documents, DocumentRowEntries, confirm, refused) ? 1 : 0;
+    return ConfirmClosing(documents, {DocumentRowEntries, confirm, AskAboutMany}, refused) ? 1 : 0;
+}
+
+// The document that is shown while others are closed, so that no neighbour is shown, or read, after each: `kept`, or the
+// one that was shown last. -1: all are closed.
+static int TabToStandOn(const std::vector<DocumentId>& closing, DocumentId kept) {
+    int best = -1;
+    for (int i = 0; i < TabCount(); ++i) {
+        if (std::ranges::find(closing, TabAt(i).id) != closing.end()) continue;
+        if (TabAt(i).id == kept) return i;
+        if (best < 0 || TabAt(i).lastShown > TabAt(best).lastShown) best = i;
+    }
+    return best;
 }
 
 int FileCloseDocuments(CloseRange range, DocumentId kept) {
     const std::vector<DocumentId> documents = DocumentsToClose(DocumentRowEntries(), range, kept);
     if (!documents.empty() && FileConfirmCloseAll(documents) == 0) return 0;
-    if (range == CloseRange::All) {
+    const int stand = TabToStandOn(documents, kept);
+    if (range == CloseRange::All || stand < 0) {
         TabBarRemoveAll();
         return 1;
     }
-    TabBarSelect(std::max(TabBarFindDocument(kept), 0));  // otherwise each close would show a neighbour
+    TabBarActivate(stand);
     for (const DocumentId document : documents) TabBarRemove(TabBarFindDocument(document));
-    TabBarActivate(TabBarFindDocument(kept));
     return 1;
 }
 

@@ -22,14 +22,31 @@ int TabToShowAfterRemoval(int active, int removed, int count, int wanted) {
     return std::min(active, count - 2);
 }
 
+int TabPlaceAllowed(std::span<const RowEntry> row, int from, int to) {
+    const auto pinned = static_cast<int>(std::ranges::count(row, true, &RowEntry::pinned));
+    const auto count = static_cast<int>(row.size());
+    if (from < 0 || from >= count) return to;
+    return row[static_cast<std::size_t>(from)].pinned ? std::clamp(to, 0, pinned - 1)
+                                                      : std::clamp(to, pinned, count - 1);
+}
+
+std::wstring NextUntitledLabel(std::span<const std::wstring> labels) {
+    std::wstring label = L"Untitled";
+    for (int number = 2; std::ranges::find(labels, label) != labels.end(); ++number)
+        label = L"Untitled " + std::to_wstring(number);
+    return label;
+}
+
 std::vector<DocumentId> DocumentsToClose(std::span<const RowEntry> row, CloseRange range, DocumentId kept) {
     std::vector<DocumentId> ids;
     const auto at = std::ranges::find(row, kept, &RowEntry::id);
-    if (range != CloseRange::All && at == row.end()) return ids;
+    const bool takesAll = range == CloseRange::All, takesSaved = range == CloseRange::Saved;
+    if (!takesAll && !takesSaved && at == row.end()) return ids;
     const auto first = range == CloseRange::Right ? at : row.begin();
     for (auto entry = row.end(); entry != first;) {
         --entry;
-        if (range == CloseRange::All || entry->id != kept) ids.push_back(entry->id);
+        const bool taken = takesSaved ? !entry->modified : entry->id != kept;
+        if (takesAll || (taken && !entry->pinned)) ids.push_back(entry->id);
     }
     return ids;
 }
@@ -51,18 +68,27 @@ static bool IsInRow(std::span<const RowEntry> row, DocumentId document) {
     return std::ranges::find(row, document, &RowEntry::id) != row.end();
 }
 
-bool ConfirmClosing(std::span<const DocumentId> candidates, const std::function<std::vector<RowEntry>()>& row,
-                    const std::function<bool(DocumentId)>& confirm, std::vector<DocumentId>* refused) {
+bool ConfirmClosing(std::span<const DocumentId> candidates, const ClosingQuestions& questions,
+                    std::vector<DocumentId>* refused) {
     std::vector<DocumentId> asked;
-    bool all = true;
-    while (const DocumentId document = NextToAskAbout(row(), candidates, asked)) {
-        asked.push_back(document);
-        if (confirm(document) || !IsInRow(row(), document)) continue;
-        all = false;
-        if (refused == nullptr) break;
-        refused->push_back(document);
+    for (;;) {
+        std::vector<DocumentId> now;
+        const std::vector<RowEntry> row = questions.row();
+        while (const DocumentId document = NextToAskAbout(row, candidates, asked)) {
+            now.push_back(document);
+            asked.push_back(document);
+        }
+        if (now.empty()) return refused == nullptr || refused->empty();
+        std::vector<DocumentId> stay;
+        if (now.size() > 1)
+            stay = questions.many(now);
+        else if (!questions.one(now.front()))
+            stay = now;
+        std::erase_if(stay, [&](DocumentId document) { return !IsInRow(questions.row(), document); });
+        if (stay.empty()) continue;
+        if (refused == nullptr) return false;
+        refused->insert(refused->end(), stay.begin(), stay.end());
     }
-    return all;
 }
 
 std::vector<DocumentId> DocumentsToSave(std::span<const RowEntry> row, bool withFile) {

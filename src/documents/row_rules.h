@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <span>
+#include <string>
 #include <vector>
 
 // The new value of `index` after the document at `from` has moved to `to`.
@@ -25,12 +26,19 @@ struct RowEntry {
     DocumentId id;
     bool modified;
     bool hasFile;
+    bool pinned = false;
 };
 
-enum class CloseRange : std::uint8_t { All, Others, Right };
+// The place nearest to `to` where the document at `from` may stand: pinned ones stand before all others.
+int TabPlaceAllowed(std::span<const RowEntry> row, int from, int to);
+
+// "Untitled", or with the lowest number that no document without a file has: "Untitled 2". `labels`: of those.
+std::wstring NextUntitledLabel(std::span<const std::wstring> labels);
+
+enum class CloseRange : std::uint8_t { All, Others, Right, Saved };
 
 // The documents to close, from right to left. Others: all except `kept`. Right: those to the right of `kept`. Both are
-// empty when `kept` is not in the row.
+// empty when `kept` is not in the row. Saved: those without changes. Only All takes pinned ones.
 std::vector<DocumentId> DocumentsToClose(std::span<const RowEntry> row, CloseRange range, DocumentId kept);
 
 // The next document to ask about before several are given up: the first of `candidates` (empty: of the row) that has
@@ -39,11 +47,18 @@ std::vector<DocumentId> DocumentsToClose(std::span<const RowEntry> row, CloseRan
 DocumentId NextToAskAbout(std::span<const RowEntry> row, std::span<const DocumentId> candidates,
                           std::span<const DocumentId> asked);
 
-// Asks about each of them in turn. `row` gives the row of this moment, `confirm` asks about one document: false when it
-// stays open. Returns false at the first of these; with `refused` (may be null) it goes on, and that gets all of them. A
-// document that is gone after its question counts as closed.
-bool ConfirmClosing(std::span<const DocumentId> candidates, const std::function<std::vector<RowEntry>()>& row,
-                    const std::function<bool(DocumentId)>& confirm, std::vector<DocumentId>* refused);
+// Who asks before documents are closed.
+struct ClosingQuestions {
+    std::function<std::vector<RowEntry>()> row;  // of this moment
+    std::function<bool(DocumentId)> one;         // false: the document stays open
+    // About several in one question; returns those that stay open.
+    std::function<std::vector<DocumentId>(const std::vector<DocumentId>&)> many;
+};
+// Asks about those of `candidates` (empty: of the row) that have changes: once about all of them, and again about those
+// that have got changes meanwhile. Returns false at the first that stays open; with `refused` (may be null) it goes on,
+// and that gets all of them. A document that is gone after its question counts as closed.
+bool ConfirmClosing(std::span<const DocumentId> candidates, const ClosingQuestions& questions,
+                    std::vector<DocumentId>* refused);
 
 // The modified documents with a file (`withFile`) or without one, from left to right.
 std::vector<DocumentId> DocumentsToSave(std::span<const RowEntry> row, bool withFile);

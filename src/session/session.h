@@ -3,6 +3,7 @@
 
 #include "base/events.h"
 #include "documents/document.h"
+#include "session/session_text.h"
 #include "session/workspace_text.h"
 
 #include <windows.h>
@@ -35,6 +36,9 @@ void SessionMRUAdd(const wchar_t* path);
 void SessionOnTextArrived(DocumentId document);
 void SessionOnShown(DocumentId document);
 void SessionOnClosed(DocumentId document);
+// Where a document is: caret, selection, scrolling and bookmarks; and the way back there.
+SessionFile SessionPlaceOf(const DocumentTab& tab);
+void SessionApplyPlace(int tab, const SessionFile& place);
 // Where the caret is, or will be when the document is first shown. Bytes.
 std::uint64_t SessionCaretOf(const DocumentTab& tab);
 

@@ -14,7 +14,10 @@ void ApplyFileItem(const SessionItem& item, const SessionTarget& target, std::ve
         }
     }
     if (item.file == missingSection) SessionTakeItem(missing.back(), item);
-    if (item.key == SessionKey::Path || !target.has(item.file) || target.keep(item.file, item)) return;
+    if (item.key == SessionKey::Pinned && item.number != 0 && item.file != missingSection) target.pin();
+    if (item.key == SessionKey::Path || item.key == SessionKey::Pinned || !target.has(item.file) ||
+        target.keep(item.file, item))
+        return;
     if (item.key == SessionKey::BreakpointRule) target.setRule(item.file, SessionParseRule(item.text));
     for (const EditorMessage& message : SessionEditorMessages(item)) target.send(item.file, message);
 }

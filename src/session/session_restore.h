@@ -16,6 +16,7 @@ struct SessionTarget {
     std::function<bool(int index, const SessionItem& item)> keep;
     std::function<void(int index, const EditorMessage& message)> send;
     std::function<void(int index, const SessionBreakpoint& rule)> setRule;  // of a breakpoint
+    std::function<void()> pin;                                              // the document that was opened last
     std::function<void(const SessionFrame& frame)> showFrame;               // after a value of the frame has changed
 };
 

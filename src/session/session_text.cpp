@@ -49,6 +49,7 @@ constexpr KeyRow kFileRows[] = {
     {SessionKey::Bookmarks, "Bookmarks", ValueKind::Text},
     {SessionKey::Breakpoints, "Breakpoints", ValueKind::Text},
     {SessionKey::BreakpointRule, "BreakpointRule", ValueKind::Text},
+    {SessionKey::Pinned, "Pinned", ValueKind::Flag},
 };
 
 void WriteLine(std::string& out, const char* key, std::string_view value) {
@@ -68,6 +69,7 @@ void WriteMarkerLines(std::string& out, const char* key, std::span<const std::in
 void WriteFile(std::string& out, std::size_t number, const SessionFile& file) {
     out.append("\r\n[File").append(std::to_string(number)).append("]\r\n");
     WriteLine(out, "Path", file.path);
+    if (file.pinned) WriteLine(out, "Pinned", "1");
     if (!file.hasEditor) return;
     WriteLine(out, "Cursor", std::to_string(file.cursor));
     WriteLine(out, "Scroll", std::to_string(file.scroll));
@@ -141,7 +143,7 @@ std::vector<SessionItem> SessionParse(std::string_view text) {
 
 void SessionTakeItem(SessionFile& file, const SessionItem& item) {
     const auto position = static_cast<std::uint64_t>(std::max(item.number, 0));
-    file.hasEditor = file.hasEditor || item.key != SessionKey::Path;
+    file.hasEditor = file.hasEditor || (item.key != SessionKey::Path && item.key != SessionKey::Pinned);
     switch (item.key) {
         case SessionKey::Path: file.path = item.text; break;
         case SessionKey::Cursor: file.cursor = position; break;
@@ -151,6 +153,7 @@ void SessionTakeItem(SessionFile& file, const SessionItem& item) {
         case SessionKey::Bookmarks: file.bookmarks = SessionParseLines(item.text); break;
         case SessionKey::Breakpoints: file.breakpoints = SessionParseLines(item.text); break;
         case SessionKey::BreakpointRule: file.rules.push_back(SessionParseRule(item.text)); break;
+        case SessionKey::Pinned: file.pinned = item.number != 0; break;
         default: break;
     }
 }

@@ -39,6 +39,7 @@ enum class SessionKey : std::uint8_t {
     Bookmarks,
     Breakpoints,
     BreakpointRule,  // once for each SessionBreakpoint
+    Pinned,          // only of a pinned tab; readers that do not know the key leave it out
 };
 inline constexpr std::size_t kSessionHeaderKeys = static_cast<std::size_t>(SessionKey::Path);
 
@@ -68,6 +69,7 @@ struct SessionFile {
     std::vector<std::int32_t> bookmarks = {};    // 0-based lines
     std::vector<std::int32_t> breakpoints = {};  // 0-based lines
     std::vector<SessionBreakpoint> rules = {};   // for the breakpoints that need one
+    bool pinned = false;
 };
 
 // The text of the whole file, with CR LF. "TabCount" is the number of `files`, not the header's value.

@@ -71,6 +71,7 @@ bool IsMark(SessionKey key) {
 SessionFile CaptureFile(const DocumentTab& tab) {
     SessionFile file;
     file.path = ToUtf8(tab.path);
+    file.pinned = tab.pinned;
     const auto unshown = g_session.unshown.find(tab.id);
     const bool isShown = unshown == g_session.unshown.end();
     file.hasEditor = !isShown || tab.editor != nullptr;
@@ -145,11 +146,17 @@ void ApplySession(const std::vector<SessionItem>& items) {
         .keep = KeepForLater,
         .send = [](int tab, const EditorMessage& message) { SendFitting(TabAt(tab).editor, message); },
         .setRule = [](int tab, const SessionBreakpoint& rule) { ApplyBreakpointRule(TabAt(tab).id, rule); },
+        .pin =
+            [] {
+                if (TabCount() > 0) TabAt(TabCount() - 1).pinned = true;
+            },
         .showFrame = ApplyFrame};
     g_events.documentsComing(true);
     g_session.missing = SessionRestore(items, target, g_settings, frame);
+    const DocumentId active = IsTabIndex(frame.activeTab) ? TabAt(frame.activeTab).id : 0;
+    TabBarSortPinned();  // the sections of files that are away have moved the others
     g_events.documentsComing(false);
-    TabBarActivate(IsTabIndex(frame.activeTab) ? frame.activeTab : TabCount() - 1);
+    TabBarActivate(active != 0 ? TabBarFindDocument(active) : TabCount() - 1);
 }
 
 // Asks once about all files that could not be opened.
@@ -202,6 +209,22 @@ std::uint64_t SessionCaretOf(const DocumentTab& tab) {
     SessionFile file;
     for (const SessionItem& item : unshown->second) SessionTakeItem(file, item);
     return file.cursor;
+}
+
+SessionFile SessionPlaceOf(const DocumentTab& tab) { return CaptureFile(tab); }
+
+void SessionApplyPlace(int tab, const SessionFile& place) {
+    if (!IsTabIndex(tab) || TabAt(tab).editor == nullptr || !place.hasEditor) return;
+    const HWND editor = TabAt(tab).editor;
+    for (const std::int32_t line : place.bookmarks)
+        SciSend(editor, SCI_MARKERADD, static_cast<WPARAM>(line), kMarkBookmark);
+    const auto send = [&](UINT message, std::uint64_t value) {
+        SendFitting(editor, {message, static_cast<std::intptr_t>(value), 0});
+    };
+    send(SCI_GOTOPOS, place.cursor);
+    send(SCI_SETSELECTIONSTART, place.selectionStart);
+    send(SCI_SETSELECTIONEND, place.selectionEnd);
+    send(SCI_SETFIRSTVISIBLELINE, place.scroll);
 }
 
 bool SessionSavesAllowed() { return !g_session.starting && g_session.restores == 0; }

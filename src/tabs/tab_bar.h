@@ -17,7 +17,7 @@ void TabBarOnChanged(DocumentId document);
 void TabBarOnMoved(int from, int to);
 void TabBarOnClosed(int index);
 
-// Repaints the tabs, after a change of the build marks or the theme.
+// Repaints the tabs, after a change of a status light or the theme.
 void TabBarRefresh();
 
 // Height of the bar at the current DPI, in pixels.
@@ -28,3 +28,6 @@ bool TabBarHandleDrawItem(const DRAWITEMSTRUCT& item);
 bool TabBarHandleNotify(const NMHDR& header);
 // Called after a change of the DPI or the theme.
 void TabBarApplyTheme();
+
+// Puts the first nine tabs into the menu that has the command of the list of all tabs; another menu stays as it is.
+void TabMenuFill(HMENU menu);

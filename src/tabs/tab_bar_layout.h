@@ -2,6 +2,7 @@
 #pragma once
 
 #include <span>
+#include <vector>
 
 struct TabRect {
     int left = 0;
@@ -16,29 +17,47 @@ struct TabRect {
 
 struct TabMetrics {
     int height;
-    int minWidth;
-    int maxWidth;
-    int padding;    // between the tab's edges and its parts
-    int closeSize;  // side of the square close button
-    int markSize;   // side of the square build mark
-    int scroller;   // width of the two arrows
-    int accent;     // height of the line at the top of the active tab
-    int dragStart;  // the pointer moves this far before a press becomes a drag
+    int minWidth;     // of a tab whose name is cut
+    int maxWidth;     // of a tab that is not the active one
+    int pinnedWidth;  // the same of a pinned one
+    int padding;      // between the tab's edges and its parts
+    int closeSize;    // side of the square close button
+    int markSize;     // side of the square status light
+    int button;       // width of an arrow, and of the button of the list
+    int accent;       // height of the line at the top of the active tab
+    int dragStart;    // the pointer moves this far before a press becomes a drag
 };
 TabMetrics TabMetricsForDpi(int dpi);
 
-// Width of each tab: an equal share of the strip, between minWidth and maxWidth.
-int TabWidthFor(const TabMetrics& metrics, int stripWidth, int count);
+// What the width of a tab depends on.
+struct TabWish {
+    int text = 0;  // width of its name
+    bool pinned = false;
+};
+
+// The strip: tabs from left to right, then the arrows when there is no room for all tabs, then the button of the list.
+struct TabStrip {
+    std::vector<TabRect> tabs;  // those that are scrolled out are outside of 0..view
+    int view = 0;               // right edge of the room for tabs
+    int scroll = 0;             // pixels by which the tabs are moved to the left
+    int mostScroll = 0;
+    TabRect back, forth;  // the arrows; empty when all tabs fit
+    TabRect list;
+};
+// Each tab is as wide as its name needs, up to a limit that is lower when there are many. The active one shows its whole
+// name. `scroll` is limited to what there is.
+TabStrip TabStripOf(const TabMetrics& metrics, int stripWidth, std::span<const TabWish> tabs, int active, int scroll);
+// The value of `scroll` with which the tab is seen whole, moved no further than needed.
+int TabScrollToShow(const TabStrip& strip, int index);
 
 TabRect TabCloseRect(const TabMetrics& metrics, const TabRect& tab);
 TabRect TabMarkRect(const TabMetrics& metrics, const TabRect& tab);
-// The label's rectangle, between the build mark and the close button when the tab has them.
-TabRect TabTextRect(const TabMetrics& metrics, const TabRect& tab, bool hasMark, bool hasButton);
-// The arrows at the right end of a strip that has no room for all tabs.
-TabRect TabScrollerRect(const TabMetrics& metrics, int stripWidth);
+// The name's rectangle, between the status light and the close button. Without a button it goes on to the edge.
+TabRect TabTextRect(const TabMetrics& metrics, const TabRect& tab, bool hasButton);
 
 // Index of the tab at a point, or -1.
 int TabHit(std::span<const TabRect> tabs, int x, int y);
+int TabHit(const TabStrip& strip, int x, int y);  // -1 outside of the room for tabs, too
 
 // New index of the tab `from` when the pointer drags it to `x`. It changes places with a neighbour when the pointer
 // passes the neighbour's middle.

@@ -1,10 +1,13 @@
-// Keeps the items of the tab control like the row of documents. Painting is in tab_paint_win.cpp, the pointer in
-// tab_input_win.cpp. UI thread.
+// Keeps the items of the tab control like the row of documents, with their names. The control has the items, the
+// selection and what a screen reader asks for; where the tabs stand is decided here, because all its own tabs have one
+// width. Painting is in tab_paint_win.cpp, the pointer and the keys in tab_input_win.cpp. UI thread.
 #include "tabs/tab_bar.h"
 
 #include "base/log.h"
 #include "documents/document_row.h"
 #include "tabs/tab_bar_internal.h"
+#include "tabs/tab_names.h"
+#include "tabs/tab_text.h"
 #include "tabs/tabs_state.h"
 #include "ui/control_theme.h"
 #include "ui/fonts.h"
@@ -15,6 +18,8 @@
 
 #include <algorithm>
 #include <optional>
+
+TabBarState g_tabBar;
 
 namespace {
 
@@ -27,22 +32,67 @@ void InsertTabItem(int index) {
 }
 
 void SetTabItemText(int index) {
+    std::wstring name = TabBarNameOf(index);
     TCITEMW item = {};
     item.mask = TCIF_TEXT;
-    item.pszText = TabAt(index).label;
+    item.pszText = name.data();
     SendMessageW(g_tabs.hTabCtrl, TCM_SETITEMW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
 }
 
-void SetTabSize(int width, int height) {
-    static int lastWidth = 0;
-    static int lastHeight = 0;
-    if (width == lastWidth && height == lastHeight) return;
-    lastWidth = width;
-    lastHeight = height;
-    SendMessageW(g_tabs.hTabCtrl, TCM_SETITEMSIZE, 0, MAKELPARAM(width, height));
+// The widths of the names, of which only new ones are measured.
+void MeasureNames() {
+    constexpr std::size_t kMostWidths = 4096;  // names that are gone are not kept for ever
+    if (g_tabBar.widths.size() > kMostWidths) g_tabBar.widths.clear();
+    std::vector<std::wstring> texts;
+    for (const TabName& name : g_tabBar.names)
+        for (const std::wstring& text : {name.label, name.folder})
+            if (!text.empty() && g_tabBar.widths.try_emplace(text, 0).second) texts.push_back(text);
+    const std::vector<int> widths = UiTextWidths(texts);
+    for (std::size_t i = 0; i < texts.size(); ++i) g_tabBar.widths[texts[i]] = widths[i];
+    for (TabName& name : g_tabBar.names) {
+        name.labelWidth = name.label.empty() ? 0 : g_tabBar.widths[name.label];
+        name.folderWidth = name.folder.empty() ? 0 : g_tabBar.widths[name.folder];
+    }
 }
 
-void ApplyTabFont() { SendMessageW(g_tabs.hTabCtrl, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE); }
+std::vector<std::wstring> FoldersOfRow() {
+    std::vector<std::wstring_view> paths;
+    for (const DocumentTab& tab : g_documents.tabs)
+        paths.emplace_back(tab.hasFile ? std::wstring_view(tab.path) : std::wstring_view());
+    return DistinguishingFolders(paths);
+}
+
+bool IsNameOf(const TabName& name, const DocumentTab& tab) {
+    return name.label == tab.label && name.path == (tab.hasFile ? tab.path : L"");
+}
+
+// Makes the names anew. A document that has come, gone or got another name can change those of others.
+void RenewNames() {
+    if (g_tabBar.manyComing) return;
+    const std::vector<std::wstring> folders = FoldersOfRow();
+    std::vector<TabName> before = std::move(g_tabBar.names);
+    g_tabBar.names.clear();
+    for (int i = 0; i < TabCount(); ++i) {
+        const DocumentTab& tab = TabAt(i);
+        g_tabBar.names.push_back(
+            {.path = tab.hasFile ? tab.path : L"", .label = tab.label, .folder = folders[static_cast<std::size_t>(i)]});
+    }
+    MeasureNames();
+    for (std::size_t i = 0; i < g_tabBar.names.size(); ++i) {
+        const TabName& name = g_tabBar.names[i];
+        // A new item has the label.
+        const bool same =
+            i < before.size() ? before[i].label == name.label && before[i].folder == name.folder : name.folder.empty();
+        if (!same) SetTabItemText(static_cast<int>(i));
+    }
+    TabBarRefresh();
+}
+
+int StripWidth() {
+    RECT client = {};
+    GetClientRect(g_tabs.hTabCtrl, &client);
+    return client.right;
+}
 
 }  // namespace
 
@@ -50,27 +100,45 @@ TabMetrics TabBarMetrics() { return TabMetricsForDpi(g_ui.dpi); }
 
 int TabBarHeight() { return TabBarMetrics().height; }
 
-std::vector<TabRect> TabBarRects() {
-    std::vector<TabRect> rects;
-    rects.reserve(g_documents.tabs.size());
-    const int height = TabBarHeight();
-    for (int i = 0; i < TabCount(); ++i) {
-        RECT rect = {};
-        SendMessageW(g_tabs.hTabCtrl, TCM_GETITEMRECT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&rect));
-        // The control leaves a few pixels above and below its items; the painted tabs fill the strip.
-        rects.push_back({static_cast<int>(rect.left), 0, static_cast<int>(rect.right), height});
+TabStrip TabBarStrip() {
+    const TabMetrics metrics = TabBarMetrics();
+    std::vector<TabWish> wishes(g_documents.tabs.size());
+    for (std::size_t i = 0; i < wishes.size(); ++i) {
+        wishes[i].pinned = g_documents.tabs[i].pinned;
+        if (i >= g_tabBar.names.size()) continue;
+        const TabName& name = g_tabBar.names[i];
+        wishes[i].text = name.labelWidth + (name.folderWidth > 0 ? metrics.padding / 2 + name.folderWidth : 0) + 2;
     }
-    return rects;
+    return TabStripOf(metrics, StripWidth(), wishes, g_documents.activeTab, g_tabBar.scroll);
 }
 
-void TabBarUpdateWidths() {
-    RECT client = {};
-    if (g_tabs.hTabCtrl == nullptr || !GetClientRect(g_tabs.hTabCtrl, &client)) return;
-    const TabMetrics metrics = TabBarMetrics();
-    const int width = TabWidthFor(metrics, client.right - metrics.padding / 2, TabCount());
-    SetTabSize(width, metrics.height);
-    TabBarPlaceScroller(g_tabs.hTabCtrl);
-    InvalidateRect(g_tabs.hTabCtrl, nullptr, FALSE);
+std::wstring TabBarNameOf(int index) {
+    const auto at = static_cast<std::size_t>(index);
+    return TabFullName(TabAt(index).label, at < g_tabBar.names.size() ? g_tabBar.names[at].folder : std::wstring());
+}
+
+TabState TabStateOf(const DocumentTab& tab) {
+    using enum OutsideKind;
+    return {.hasFile = tab.hasFile,
+            .modified = tab.modified,
+            .readOnly = tab.onDisk.readOnly,
+            .changed = tab.outside.kind == Changed || tab.outside.kind == Replaced,
+            .gone = tab.outside.kind == Gone || tab.outside.kind == Moved,
+            .building = tab.building,
+            .debugged = tab.debugged,
+            .failed = tab.buildMark == BuildMark::Error,
+            .built = tab.buildMark == BuildMark::Ok};
+}
+
+void TabBarShowTab(int index) {
+    g_tabBar.scroll = TabScrollToShow(TabBarStrip(), index);
+    TabBarRefresh();
+}
+
+void TabBarScrollBy(int pixels) {
+    const TabStrip strip = TabBarStrip();
+    g_tabBar.scroll = std::clamp(strip.scroll + pixels, 0, strip.mostScroll);
+    if (g_tabBar.scroll != strip.scroll) TabBarRefresh();
 }
 
 void TabBarInit(HWND tabControl) {
@@ -80,46 +148,48 @@ void TabBarInit(HWND tabControl) {
     SetWindowLongPtrW(tabControl, GWL_STYLE,
                       style | TCS_OWNERDRAWFIXED | TCS_FIXEDWIDTH | TCS_FOCUSNEVER | WS_CLIPCHILDREN);
     if (!TabBarInstallSubclass(tabControl)) AppLogMsg(L"FAIL: TabBarInit: no subclass");
-    ApplyTabFont();
-    TabBarUpdateWidths();
+    // So narrow that all fit, because the control otherwise shows a scroller of its own.
+    SendMessageW(tabControl, TCM_SETITEMSIZE, 0, MAKELPARAM(1, TabBarHeight()));
 }
 
-// Between the two the tabs are neither painted nor made to fit. They are so narrow that all fit, because the control places
-// its scroller at each new tab otherwise.
+// Between the two the tabs are not painted, and their names are not made.
 void TabBarOnComing(bool coming) {
     static std::optional<RedrawPause> pause;
     pause.reset();
     g_tabBar.manyComing = coming;
-    if (!coming) return TabBarUpdateWidths();
-    pause.emplace(g_tabs.hTabCtrl);
-    SetTabSize(1, TabBarHeight());
+    if (coming)
+        pause.emplace(g_tabs.hTabCtrl);
+    else
+        RenewNames();
 }
 
 void TabBarOnOpened(DocumentId document) {
     InsertTabItem(TabBarFindDocument(document));
-    if (!g_tabBar.manyComing) TabBarUpdateWidths();
+    RenewNames();
 }
 
 void TabBarOnActivated() {
     SendMessageW(g_tabs.hTabCtrl, TCM_SETCURSEL, static_cast<WPARAM>(g_documents.activeTab), 0);
-    TabBarRefresh();
+    TabBarShowTab(g_documents.activeTab);
 }
 
 void TabBarOnChanged(DocumentId document) {
     const int index = TabBarFindDocument(document);
-    if (index >= 0) SetTabItemText(index);
+    const auto at = static_cast<std::size_t>(index);
+    if (index >= 0 && at < g_tabBar.names.size() && !IsNameOf(g_tabBar.names[at], TabAt(index))) RenewNames();
     TabBarRefresh();
 }
 
-void TabBarOnMoved(int from, int to) {
-    for (int i = std::min(from, to); i <= std::max(from, to); ++i) SetTabItemText(i);
+void TabBarOnMoved(int, int) {
+    RenewNames();
     TabBarOnActivated();
 }
 
 void TabBarOnClosed(int index) {
     SendMessageW(g_tabs.hTabCtrl, TCM_DELETEITEM, static_cast<WPARAM>(index), 0);
     g_tabBar.pointer.hoverTab = -1;
-    TabBarUpdateWidths();
+    if (index < static_cast<int>(g_tabBar.names.size())) g_tabBar.names.erase(g_tabBar.names.begin() + index);
+    RenewNames();
 }
 
 void TabBarRefresh() {
@@ -127,14 +197,8 @@ void TabBarRefresh() {
 }
 
 bool TabBarHandleDrawItem(const DRAWITEMSTRUCT& item) {
-    if (g_tabs.hTabCtrl == nullptr || item.hwndItem != g_tabs.hTabCtrl) return false;
-    const int index = static_cast<int>(item.itemID);
-    const std::vector<TabRect> rects = TabBarRects();
-    if (index < 0 || index >= static_cast<int>(rects.size())) return true;
-    const HGDIOBJ old = SelectObject(item.hDC, UiFont());
-    TabBarPaintTab(item.hDC, index, rects[static_cast<std::size_t>(index)]);
-    SelectObject(item.hDC, old);
-    return true;
+    // The subclass paints all of the strip.
+    return g_tabs.hTabCtrl != nullptr && item.hwndItem == g_tabs.hTabCtrl;
 }
 
 bool TabBarHandleNotify(const NMHDR& header) {
@@ -145,7 +209,9 @@ bool TabBarHandleNotify(const NMHDR& header) {
 }
 
 void TabBarApplyTheme() {
-    ApplyTabFont();
-    TabBarUpdateWidths();
+    SendMessageW(g_tabs.hTabCtrl, TCM_SETITEMSIZE, 0, MAKELPARAM(1, TabBarHeight()));
+    g_tabBar.widths.clear();
+    MeasureNames();
+    TabBarShowTab(g_documents.activeTab);
     TooltipApplyTheme(g_tabBar.tooltip);
 }

@@ -1,6 +1,5 @@
-// The subclass of the tab strip: hover, close buttons, drag, middle click, wheel, context menu, tooltip, painting. The
-// rules for press, move and release are in tab_pointer. Commands that may ask the user are posted to the main window.
-// UI thread.
+// The subclass of the tab strip: hover, close buttons, drag, middle click, wheel, keys, tooltip, painting. The rules for
+// press, move and release are in tab_pointer. Commands that may ask the user are posted to the main window. UI thread.
 #include "tabs/tab_bar_internal.h"
 
 #include "documents/document_row.h"
@@ -8,7 +7,6 @@
 #include "tabs/tabs_state.h"
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
-#include "ui/menu.h"
 #include "ui/paint.h"
 #include "ui/subclass.h"
 #include "ui/ui_state.h"
@@ -19,11 +17,12 @@
 #include <algorithm>
 #include <string>
 
-TabBarState g_tabBar;
-
 namespace {
 
-constexpr int kTipWidth = 700;  // at 96 dpi
+constexpr int kTipWidth = 700;    // at 96 dpi
+constexpr int kWheelStep = 120;   // pixels at 96 dpi that a notch of the wheel scrolls
+constexpr int kArrowStep = 180;   // the same for a click on an arrow
+constexpr int kTipStays = 30000;  // ms
 
 void RepaintStrip() { InvalidateRect(g_tabs.hTabCtrl, nullptr, FALSE); }
 
@@ -35,28 +34,19 @@ void AskToClose(DocumentId document) {
     if (TabBarSelectToClose(TabBarFindDocument(document)) != 0) PostCommand(IDM_FILE_CLOSE);
 }
 
-// Shows the tab's document first, because the menu's commands act on the active document.
-void ShowTabMenu(HWND strip, int index, POINT at) {
-    if (TabBarActivate(index) == 0) return;
-    const DocumentTab& tab = TabAt(index);
-    const DocumentId document = tab.id;
-    const MenuItem items[] = {
-        {.id = IDM_FILE_CLOSE, .text = L"&Close\tCtrl+W"},
-        {.id = IDM_TAB_CLOSE_OTHERS, .text = L"Close &Others", .enabled = TabCount() > 1},
-        {.id = IDM_TAB_CLOSE_RIGHT, .text = L"Close to the &Right", .enabled = index + 1 < TabCount()},
-        {.id = IDM_FILE_CLOSE_ALL, .text = L"Close &All"},
-        {},
-        {.id = IDM_TAB_COPY_PATH, .text = L"Copy Full &Path", .enabled = tab.hasFile}};
-    ClientToScreen(strip, &at);
-    const UINT command = ShowPopupMenu(strip, items, at, TPM_NONOTIFY);
-    // TrackPopupMenu ran a message loop, so the document may be gone or no longer active.
-    if (command != 0 && TabBarActivate(TabBarFindDocument(document)) != 0) PostCommand(command);
+// The button at the end of a pinned tab takes the pin off.
+void PressCloseButton(DocumentId document) {
+    const int index = TabBarFindDocument(document);
+    if (IsTabIndex(index) && TabAt(index).pinned)
+        TabBarPin(index, false);
+    else
+        AskToClose(document);
 }
 
 void UpdateTabHover(HWND strip, POINT at, bool inside) {
     TabPointer& pointer = g_tabBar.pointer;
     const int before = pointer.hoverTab;
-    if (!TabPointerHover(pointer, TabBarMetrics(), TabBarRects(), inside, at.x, at.y)) return;
+    if (!TabPointerHover(pointer, TabBarMetrics(), TabBarStrip(), inside, at.x, at.y)) return;
     if (pointer.hoverTab != before && g_tabBar.tooltip != nullptr) SendMessageW(g_tabBar.tooltip, TTM_POP, 0, 0);
     RepaintStrip();
     if (g_tabBar.tracking || !inside) return;
@@ -67,24 +57,26 @@ void UpdateTabHover(HWND strip, POINT at, bool inside) {
     g_tabBar.tracking = TrackMouseEvent(&track) != FALSE;
 }
 
-// True when the press was on a close button; then the control must not get the message.
-bool OnTabPressed(HWND strip, POINT at) {
+void PressStripButton(int button) {
+    switch (static_cast<TabButton>(button)) {
+        case TabButton::Back: TabBarScrollBy(-UiScaled(kArrowStep)); break;
+        case TabButton::Forth: TabBarScrollBy(UiScaled(kArrowStep)); break;
+        case TabButton::List: PostCommand(IDM_TAB_LIST); break;
+    }
+}
+
+// The control does not get the press, because it has its tabs elsewhere.
+void OnStripPressed(HWND strip, POINT at) {
     UpdateTabHover(strip, at, true);
-    if (!TabPointerPress(g_tabBar.pointer, DocumentAt(g_tabBar.pointer.hoverTab), at.x)) return false;
-    SetCapture(strip);
-    return true;
-}
-
-// Called after the control has handled the press, because it may have taken the capture.
-void CaptureForDrag(HWND strip) {
-    if (g_tabBar.pointer.dragDocument != 0) SetCapture(strip);
-}
-
-LRESULT OnStripPressed(HWND strip, WPARAM wParam, POINT at) {
-    if (OnTabPressed(strip, at)) return 0;
-    SubclassNext(strip, WM_LBUTTONDOWN, wParam, MAKELPARAM(at.x, at.y));
-    CaptureForDrag(strip);
-    return 0;
+    TabPointer& pointer = g_tabBar.pointer;
+    if (pointer.hoverButton >= 0) return PressStripButton(pointer.hoverButton);
+    const DocumentId document = DocumentAt(pointer.hoverTab);
+    const bool onButton = TabPointerPress(pointer, document, at.x);
+    if (!onButton) TabBarActivate(TabBarFindDocument(document));
+    if (document != 0) SetCapture(strip);
+    if (onButton || document == 0) return;
+    // The tab may have moved: the active one is wider.
+    UpdateTabHover(strip, at, true);
 }
 
 // The tooltip is made when the pointer first comes over the strip, because most starts end without one.
@@ -100,17 +92,28 @@ void CreateTabTip(HWND strip) {
     tool.uId = reinterpret_cast<UINT_PTR>(strip);
     tool.lpszText = LPSTR_TEXTCALLBACKW;
     SendMessageW(g_tabBar.tooltip, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
-    SendMessageW(g_tabBar.tooltip, TTM_SETMAXTIPWIDTH, 0, UiScaled(kTipWidth));  // so that it may have two lines
+    SendMessageW(g_tabBar.tooltip, TTM_SETMAXTIPWIDTH, 0, UiScaled(kTipWidth));  // so that it may have more lines
+    SendMessageW(g_tabBar.tooltip, TTM_SETDELAYTIME, TTDT_AUTOPOP, kTipStays);
     TooltipApplyTheme(g_tabBar.tooltip);
+}
+
+void DragTab(POINT at) {
+    TabPointer& pointer = g_tabBar.pointer;
+    const int from = TabBarFindDocument(pointer.dragDocument);
+    const TabStrip strip = TabBarStrip();
+    const int to = TabPointerDragTo(pointer, TabBarMetrics(), strip.tabs, from, at.x);
+    if (to >= 0) TabBarMove(from, to);
+    if (!pointer.dragging) return;
+    // Held at an end of the room, the tab goes on among those that are out of sight.
+    const int edge = TabBarMetrics().padding;
+    if (at.x < edge) TabBarScrollBy(-edge);
+    if (at.x > strip.view - edge) TabBarScrollBy(edge);
 }
 
 void OnTabPointer(HWND strip, POINT at) {
     const bool first = g_tabBar.tooltip == nullptr;
     if (first) CreateTabTip(strip);
-    TabPointer& pointer = g_tabBar.pointer;
-    const int from = TabBarFindDocument(pointer.dragDocument);
-    const int to = TabPointerDragTo(pointer, TabBarMetrics(), TabBarRects(), from, at.x);
-    if (to >= 0) TabBarMove(from, to);
+    DragTab(at);
     UpdateTabHover(strip, at, true);
     if (!first) return;
     // This message came before the tooltip listened.
@@ -128,65 +131,84 @@ void OnTabReleased(HWND strip, POINT at) {
     if (GetCapture() == strip) ReleaseCapture();
     UpdateTabHover(strip, at, true);
     if (before.pressedClose != 0 && pointer.hoverClose && DocumentAt(pointer.hoverTab) == before.pressedClose)
-        AskToClose(before.pressedClose);
+        PressCloseButton(before.pressedClose);
     if (before.dragging) RepaintStrip();
 }
 
-void OnTabWheel(WPARAM wParam) {
+void OnTabWheel(HWND strip, WPARAM wParam, POINT screen) {
     const int notches = WheelNotches(g_tabBar.wheel, GET_WHEEL_DELTA_WPARAM(wParam));
-    if (TabCount() < 2 || notches == 0) return;
-    const int target = std::clamp(g_documents.activeTab - notches, 0, TabCount() - 1);
-    if (target != g_documents.activeTab) TabBarActivate(target);
+    if (notches == 0) return;
+    TabBarScrollBy(-notches * UiScaled(kWheelStep));
+    ScreenToClient(strip, &screen);
+    UpdateTabHover(strip, screen, true);
 }
 
+// ------------------------------------------------------------------------------------------------------------- keys
+
+void SelectByKey(int index) {
+    index = std::clamp(index, 0, TabCount() - 1);
+    if (index != g_documents.activeTab) TabBarSelect(index);
+    SetFocus(g_tabs.hTabCtrl);  // the document that is shown does not take the keyboard
+}
+
+void MoveByKey(int by) { TabBarMove(g_documents.activeTab, std::clamp(g_documents.activeTab + by, 0, TabCount() - 1)); }
+
+// The keys of a strip that has the keyboard. With Ctrl and Shift the arrows move the tab. False for other keys.
+bool OnStripKey(WPARAM key) {
+    if (TabCount() == 0) return false;
+    const bool moves = GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_SHIFT) < 0;
+    const int active = g_documents.activeTab;
+    switch (key) {
+        case VK_LEFT: moves ? MoveByKey(-1) : SelectByKey(active - 1); return true;
+        case VK_RIGHT: moves ? MoveByKey(1) : SelectByKey(active + 1); return true;
+        case VK_HOME: SelectByKey(0); return true;
+        case VK_END: SelectByKey(TabCount() - 1); return true;
+        case VK_DELETE: PostCommand(IDM_FILE_CLOSE); return true;
+        case VK_RETURN:
+        case VK_SPACE:
+        case VK_DOWN:
+        case VK_ESCAPE: FocusCurrentEditor(); return true;
+        default: return false;
+    }
+}
+
+// By the menu key, or Shift and F10.
+void OnStripMenu(HWND strip) {
+    const int active = g_documents.activeTab;
+    if (!IsTabIndex(active)) return;
+    TabBarShowTab(active);
+    const TabRect tab = TabBarStrip().tabs[static_cast<std::size_t>(active)];
+    TabMenuShow(strip, active, {tab.left, tab.bottom});
+}
+
+// --------------------------------------------------------------------------------------------------------- messages
+
 void PaintStrip(HWND strip) {
-    TabBarPlaceScroller(strip);  // because the control moves its arrows whenever it lays out its tabs
+    // The control makes a scroller when there are more tabs than the strip has pixels.
+    if (const HWND scroller = FindWindowExW(strip, nullptr, UPDOWN_CLASSW, nullptr); scroller != nullptr)
+        ShowWindow(scroller, SW_HIDE);
     const BufferedPaint paint(strip);
     TabBarPaint(paint.Dc(), paint.Client());
 }
 
-// Answers TTN_GETDISPINFOW with the path of the tab under the pointer, or the label of a document without a file. False
-// for another notification.
+// Answers TTN_GETDISPINFOW. False for another notification.
 bool FillTabTip(NMHDR& header) {
     if (header.hwndFrom != g_tabBar.tooltip || header.code != TTN_GETDISPINFOW) return false;
     static std::wstring text;
-    text.clear();
-    if (IsTabIndex(g_tabBar.pointer.hoverTab)) {
-        const DocumentTab& tab = TabAt(g_tabBar.pointer.hoverTab);
-        text = tab.hasFile ? tab.path : tab.label;
-        const std::wstring news = OutsideTipText(tab.outside, tab.onDisk.readOnly);
-        if (!news.empty()) text += L"\n" + news;
-    }
+    const TabPointer& pointer = g_tabBar.pointer;
+    text = IsTabIndex(pointer.hoverTab) ? TabTipOf(pointer.hoverTab) : L"";
+    if (IsTabIndex(pointer.hoverTab) && TabAt(pointer.hoverTab).pinned && pointer.hoverClose) text = L"Unpin";
+    if (pointer.hoverButton == static_cast<int>(TabButton::List)) text = L"List of all tabs (Ctrl+E)";
     reinterpret_cast<NMTTDISPINFOW&>(header).lpszText = text.data();
     return true;
 }
 
-void PaintScroller(HWND scroller) {
-    const BufferedPaint paint(scroller);
-    const RECT& client = paint.Client();
-    POINT at = {};
-    GetCursorPos(&at);
-    ScreenToClient(scroller, &at);
-    const bool pressed = GetCapture() == scroller && PtInRect(&client, at) != FALSE;
-    const bool left = at.x < (client.left + client.right) / 2;
-    TabBarPaintScroller(paint.Dc(), client, pressed && left, pressed && !left);
-}
-
-LRESULT CALLBACK ScrollerProc(HWND scroller, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
-    switch (message) {
-        case WM_ERASEBKGND: return 1;
-        case WM_PAINT: PaintScroller(scroller); return 0;
-        default: break;
-    }
-    return SubclassNext(scroller, message, wParam, lParam);
-}
-
-// The second of two quick clicks. On a tab it is a click like any other, because the close button under the pointer may
+// Two quick clicks. On a tab the second is a click like any other, because the close button under the pointer may
 // already be that of the next tab.
-LRESULT OnStripDoubleClick(HWND strip, WPARAM wParam, POINT at) {
-    if (TabHit(TabBarRects(), at.x, at.y) >= 0) return OnStripPressed(strip, wParam, at);
+void OnStripDoubleClick(HWND strip, POINT at) {
+    const bool onSomething = TabHit(TabBarStrip(), at.x, at.y) >= 0 || at.x >= TabBarStrip().view;
+    if (onSomething) return OnStripPressed(strip, at);
     PostCommand(IDM_FILE_NEW);
-    return 0;
 }
 
 void OnStripLeft(HWND strip) {
@@ -194,32 +216,59 @@ void OnStripLeft(HWND strip) {
     UpdateTabHover(strip, {}, false);
 }
 
+// What asks the control for the places of its tabs - a screen reader, say - gets those that are painted.
+bool AnswerPlace(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result) {
+    if (lParam == 0 || (message != TCM_GETITEMRECT && message != TCM_HITTEST)) return false;
+    const TabStrip strip = TabBarStrip();
+    if (message == TCM_HITTEST) {
+        TCHITTESTINFO& hit = *reinterpret_cast<TCHITTESTINFO*>(lParam);
+        const int index = TabHit(strip, hit.pt.x, hit.pt.y);
+        hit.flags = index < 0 ? TCHT_NOWHERE : TCHT_ONITEM;
+        *result = index;
+        return true;
+    }
+    *result = wParam < strip.tabs.size() ? TRUE : FALSE;
+    if (*result == FALSE) return true;
+    const TabRect& tab = strip.tabs[wParam];
+    *reinterpret_cast<RECT*>(lParam) = {tab.left, tab.top, tab.right, tab.bottom};
+    return true;
+}
+
 void OnStripDestroyed(HWND strip);
 
 LRESULT CALLBACK StripProc(HWND strip, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
     const POINT at = {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
     switch (message) {
+        case WM_NCHITTEST: return HTCLIENT;  // the control lets the pointer through beside its own tabs
         case WM_ERASEBKGND: return 1;
         case WM_PAINT: PaintStrip(strip); return 0;
         case WM_SIZE:
             SubclassNext(strip, message, wParam, lParam);
-            TabBarUpdateWidths();
+            TabBarShowTab(g_documents.activeTab);
             return 0;
-        case WM_LBUTTONDOWN: return OnStripPressed(strip, wParam, at);
-        case WM_LBUTTONDBLCLK: return OnStripDoubleClick(strip, wParam, at);
+        case WM_LBUTTONDOWN: OnStripPressed(strip, at); return 0;
+        case WM_LBUTTONDBLCLK: OnStripDoubleClick(strip, at); return 0;
         case WM_LBUTTONUP: OnTabReleased(strip, at); break;
-        case WM_MBUTTONUP: AskToClose(DocumentAt(TabHit(TabBarRects(), at.x, at.y))); return 0;
-        case WM_RBUTTONUP: ShowTabMenu(strip, TabHit(TabBarRects(), at.x, at.y), at); return 0;
+        case WM_MBUTTONUP: AskToClose(DocumentAt(TabHit(TabBarStrip(), at.x, at.y))); return 0;
+        case WM_RBUTTONUP: TabMenuShow(strip, TabHit(TabBarStrip(), at.x, at.y), at); return 0;
+        case WM_CONTEXTMENU: OnStripMenu(strip); return 0;
         case WM_MOUSEMOVE: OnTabPointer(strip, at); break;
         case WM_MOUSELEAVE: OnStripLeft(strip); break;
-        case WM_MOUSEWHEEL: OnTabWheel(wParam); return 0;
+        case WM_MOUSEWHEEL: OnTabWheel(strip, wParam, at); return 0;
         case WM_CAPTURECHANGED: TabPointerEnd(g_tabBar.pointer); break;
+        case WM_KEYDOWN:
+            if (OnStripKey(wParam)) return 0;
+            break;
+        case WM_SETFOCUS:
+        case WM_KILLFOCUS: RepaintStrip(); break;
         case WM_NOTIFY:
             if (FillTabTip(*reinterpret_cast<NMHDR*>(lParam))) return 0;
             break;
         case WM_DESTROY: OnStripDestroyed(strip); break;
         default: break;
     }
+    LRESULT result = 0;
+    if (AnswerPlace(message, wParam, lParam, &result)) return result;
     return SubclassNext(strip, message, wParam, lParam);
 }
 
@@ -230,21 +279,5 @@ void OnStripDestroyed(HWND strip) {
 }
 
 }  // namespace
-
-void TabBarPlaceScroller(HWND tabControl) {
-    HWND scroller = FindWindowExW(tabControl, nullptr, UPDOWN_CLASSW, nullptr);
-    if (scroller == nullptr) return;
-    SubclassAdd(scroller, ScrollerProc);  // setting it again changes nothing
-    RECT client = {};
-    GetClientRect(tabControl, &client);
-    const TabRect place = TabScrollerRect(TabBarMetrics(), static_cast<int>(client.right));
-    RECT now = {};
-    GetWindowRect(scroller, &now);
-    MapWindowPoints(nullptr, tabControl, reinterpret_cast<POINT*>(&now), 2);
-    const RECT wanted = {place.left, place.top, place.right, place.bottom};
-    if (EqualRect(&now, &wanted)) return;
-    SetWindowPos(scroller, nullptr, place.left, place.top, place.Width(), place.Height(),
-                 SWP_NOZORDER | SWP_NOACTIVATE);
-}
 
 bool TabBarInstallSubclass(HWND tabControl) { return SubclassAdd(tabControl, StripProc); }

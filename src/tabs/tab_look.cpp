@@ -9,11 +9,25 @@ TabRect ShrunkTo(const TabRect& box, int size) {
 }
 
 bool HasCloseButton(const TabFacts& facts) {
-    return facts.modified || facts.active || (facts.pointed && !facts.dragging);
+    return facts.modified || facts.active || facts.pinned || (facts.pointed && !facts.dragging);
 }
 
 void AddArea(TabLook& look, const TabRect& place, TabColour colour) {
     look.parts.push_back({TabShape::Area, place, colour});
+}
+
+std::vector<TabStroke> CrossAt(int x, int y, int arm) {
+    return {{x - arm, y - arm, x + arm + 1, y + arm + 1}, {x - arm, y + arm, x + arm + 1, y - arm - 1}};
+}
+
+// A head with a plate below it, and the needle.
+std::vector<TabStroke> PinAt(int x, int y, int arm) {
+    const int half = arm / 2;
+    return {{x - half, y - arm, x + half + 1, y - arm},
+            {x - half, y - arm, x - half, y},
+            {x + half, y - arm, x + half, y},
+            {x - arm, y, x + arm + 1, y},
+            {x, y, x, y + arm + 1}};
 }
 
 // A modified document has a dot on its close button while the pointer is not there.
@@ -26,25 +40,54 @@ void AddCloseButton(TabLook& look, const TabFacts& facts, const TabMetrics& metr
     if (!HasCloseButton(facts)) return;
     if (over) AddArea(look, box, TabColour::Line);
     const int x = (box.left + box.right) / 2, y = (box.top + box.bottom) / 2;
-    look.strokes = {{x - arm, y - arm, x + arm + 1, y + arm + 1}, {x - arm, y + arm, x + arm + 1, y - arm - 1}};
+    look.strokes = facts.pinned ? PinAt(x, y, arm) : CrossAt(x, y, arm);
     look.strokeColour = over || facts.active ? TabColour::ActiveText : TabColour::Text;
 }
 
-// A ring: other content. A ring that is struck through: no file. A lock: read-only.
-void AddFileMark(TabLook& look, TabFileMark mark, const TabRect& box) {
-    if (mark == TabFileMark::ReadOnly) {
-        const int middle = (box.top + box.bottom) / 2, inset = box.Width() / 4;
-        AddArea(look, {box.left, middle, box.right, box.bottom}, TabColour::Outside);
-        look.markStrokes = {{box.left + inset, middle, box.left + inset, box.top},
-                            {box.left + inset, box.top, box.right - inset - 1, box.top},
-                            {box.right - inset - 1, box.top, box.right - inset - 1, middle}};
-        return;
+void AddLock(TabLook& look, const TabRect& box) {
+    const int middle = (box.top + box.bottom) / 2, inset = box.Width() / 4;
+    AddArea(look, {box.left, middle, box.right, box.bottom}, TabColour::Outside);
+    look.lightStrokes = {{box.left + inset, middle, box.left + inset, box.top},
+                         {box.left + inset, box.top, box.right - inset - 1, box.top},
+                         {box.right - inset - 1, box.top, box.right - inset - 1, middle}};
+}
+
+void AddLight(TabLook& look, TabLight light, const TabRect& box) {
+    const auto add = [&](TabShape shape, TabColour colour) { look.parts.push_back({shape, box, colour}); };
+    const int x = (box.left + box.right) / 2, y = (box.top + box.bottom) / 2, half = box.Width() / 2;
+    switch (light) {
+        case TabLight::None: return;
+        case TabLight::Saved:
+            look.parts.push_back({TabShape::Dot, ShrunkTo(box, (box.Width() + 1) / 2), TabColour::Text});
+            return;
+        case TabLight::Built:
+            look.lightColour = TabColour::Success;
+            look.lightStrokes = {{box.left, y, x - 1, box.bottom - 1}, {x - 1, box.bottom - 1, box.right, box.top}};
+            return;
+        case TabLight::Failed:
+            look.lightColour = TabColour::Error;
+            look.lightStrokes = CrossAt(x, y, half - 1);
+            return;
+        case TabLight::Building: AddArea(look, box, TabColour::Accent); return;
+        case TabLight::Debugged: add(TabShape::Arrow, TabColour::Success); return;
+        case TabLight::ReadOnly: AddLock(look, box); return;
+        case TabLight::Gone: look.lightStrokes = {{box.left, box.bottom - 1, box.right, box.top - 1}}; [[fallthrough]];
+        case TabLight::Changed: add(TabShape::Ring, TabColour::Outside); return;
     }
-    look.parts.push_back({TabShape::Ring, box, TabColour::Outside});
-    if (mark == TabFileMark::Gone) look.markStrokes = {{box.left, box.bottom - 1, box.right, box.top - 1}};
 }
 
 }  // namespace
+
+TabLight TabLightOf(const TabState& state) {
+    if (state.debugged) return TabLight::Debugged;
+    if (state.building) return TabLight::Building;
+    if (state.gone) return TabLight::Gone;
+    if (state.changed) return TabLight::Changed;
+    if (state.failed) return TabLight::Failed;
+    if (state.readOnly) return TabLight::ReadOnly;
+    if (state.modified || !state.hasFile) return TabLight::None;
+    return state.built ? TabLight::Built : TabLight::Saved;
+}
 
 TabLook TabLookOf(const TabFacts& facts, const TabMetrics& metrics, const TabRect& rect, int arm) {
     TabLook look;
@@ -56,29 +99,34 @@ TabLook TabLookOf(const TabFacts& facts, const TabMetrics& metrics, const TabRec
     // A thin line between tabs. At the active tab it has the full height.
     const int inset = facts.active ? 0 : metrics.padding * 4 / 5;
     AddArea(look, {rect.right - 1, rect.top + inset, rect.right, rect.bottom - inset}, TabColour::Line);
-    const bool hasMark = facts.mark != TabMark::None || facts.fileMark != TabFileMark::None;
-    if (facts.fileMark != TabFileMark::None)
-        AddFileMark(look, facts.fileMark, TabMarkRect(metrics, rect));
-    else if (hasMark)
-        look.parts.push_back({TabShape::Dot, TabMarkRect(metrics, rect),
-                              facts.mark == TabMark::Error ? TabColour::Error : TabColour::Success});
-    look.parts.push_back({TabShape::Label, TabTextRect(metrics, rect, hasMark, HasCloseButton(facts)),
+    AddLight(look, facts.light, TabMarkRect(metrics, rect));
+    look.parts.push_back({TabShape::Label, TabTextRect(metrics, rect, HasCloseButton(facts)),
                           facts.active ? TabColour::ActiveText : TabColour::Text});
     AddCloseButton(look, facts, metrics, TabCloseRect(metrics, rect), arm);
+    if (facts.active && facts.focused) {
+        const int gap = metrics.accent + 1;
+        look.parts.push_back({TabShape::Frame,
+                              {rect.left + gap, rect.top + gap, rect.right - gap, rect.bottom - gap},
+                              TabColour::ActiveText});
+    }
     return look;
 }
 
-TabLook ScrollerLookOf(const TabRect& area, bool pressedLeft, bool pressedRight, int arm) {
+TabLook TabButtonLook(TabButton button, const TabRect& area, bool lit, bool works, int arm) {
     TabLook look;
-    AddArea(look, area, TabColour::Back);
-    const int middle = (area.left + area.right) / 2;
-    if (pressedLeft) AddArea(look, {area.left, area.top, middle, area.bottom}, TabColour::Hover);
-    if (pressedRight) AddArea(look, {middle, area.top, area.right, area.bottom}, TabColour::Hover);
-    const int y = (area.top + area.bottom) / 2;
-    const int left = (area.left + middle) / 2, right = (middle + area.right) / 2;
-    look.strokes = {{left + arm / 2, y - arm, left - arm / 2, y},
-                    {left - arm / 2, y, left + arm / 2 + 1, y + arm + 1},
-                    {right - arm / 2, y - arm, right + arm / 2, y},
-                    {right + arm / 2, y, right - arm / 2 - 1, y + arm + 1}};
+    AddArea(look, area, lit && works ? TabColour::Hover : TabColour::Back);
+    const int x = (area.left + area.right) / 2, y = (area.top + area.bottom) / 2, half = arm / 2;
+    look.strokeColour = works ? TabColour::Text : TabColour::Line;
+    switch (button) {
+        case TabButton::Back:
+            look.strokes = {{x + half, y - arm, x - half, y}, {x - half, y, x + half + 1, y + arm + 1}};
+            break;
+        case TabButton::Forth:
+            look.strokes = {{x - half, y - arm, x + half, y}, {x + half, y, x - half - 1, y + arm + 1}};
+            break;
+        case TabButton::List:
+            look.strokes = {{x - arm, y - half, x, y + half}, {x, y + half, x + arm + 1, y - half - 1}};
+            break;
+    }
     return look;
 }

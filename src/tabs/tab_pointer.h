@@ -10,6 +10,7 @@
 struct TabPointer {
     int hoverTab = -1;            // index of the tab under the pointer, -1: none
     bool hoverClose = false;      // the pointer is on its close button
+    int hoverButton = -1;         // TabButton under the pointer, -1: none
     DocumentId pressedClose = 0;  // the document whose close button is held down, 0: none
     DocumentId dragDocument = 0;  // the document whose tab is held down, 0: none
     int dragFromX = 0;            // x of the press, in pixels
@@ -17,8 +18,7 @@ struct TabPointer {
 };
 
 // Called when the pointer is at (`x`, `y`), or outside the strip. True when the tab or the button under it has changed.
-bool TabPointerHover(TabPointer& pointer, const TabMetrics& metrics, std::span<const TabRect> tabs, bool inside, int x,
-                     int y);
+bool TabPointerHover(TabPointer& pointer, const TabMetrics& metrics, const TabStrip& strip, bool inside, int x, int y);
 
 // Called when the left button goes down on the tab of `document` (0: none). True when the press was on its close
 // button.

@@ -152,17 +152,41 @@ TEST(Documents, WorkThatHangsIsLeftBehindOnlyWhileItMayStop) {
     EXPECT_TRUE(WorkHangs(watch, progress, 300000 + kHangsMs));
 }
 
-TEST(Documents, EachWithChangesIsAskedAboutOnce) {
+TEST(Documents, ChangesAreAskedAboutOnceAndTogether) {
     std::vector<RowEntry> row = {{1, false, true}, {2, true, false}, {3, true, true}};
-    std::vector<DocumentId> asked;
-    EXPECT_EQ(NextToAskAbout(row, {}, asked), 2);
-    asked.push_back(2);
-    row = {{3, true, true}, {2, true, false}, {4, true, false}};  // moved, closed and opened while the box was up
-    EXPECT_EQ(NextToAskAbout(row, {}, asked), 3);
-    EXPECT_EQ(NextToAskAbout(row, std::vector<DocumentId>{7, 4, 3}, asked), 4) << "in the order of the candidates";
-    asked.push_back(3);
-    asked.push_back(4);
-    EXPECT_EQ(NextToAskAbout(row, {}, asked), 0) << "the user gave up what is in 2, 3 and 4";
+    using Ids = std::vector<DocumentId>;
+    std::vector<Ids> questions;
+    Ids stays;  // what the user keeps open
+    const ClosingQuestions ask = {.row = [&] { return row; },
+                                  .one =
+                                      [&](DocumentId document) {
+                                          questions.push_back({document});
+                                          return std::ranges::find(stays, document) == stays.end();
+                                      },
+                                  .many =
+                                      [&](const Ids& documents) {
+                                          questions.push_back(documents);
+                                          // Moved, closed and changed while the question was open.
+                                          row = {{3, true, true}, {1, true, true}, {4, true, false}};
+                                          return stays;
+                                      }};
+    EXPECT_TRUE(ConfirmClosing({}, ask, nullptr));
+    EXPECT_EQ(questions, (std::vector<Ids>{{2, 3}, {1, 4}})) << "what got changes meanwhile is asked about, too";
+
+    questions.clear();
+    EXPECT_TRUE(ConfirmClosing(Ids{7, 4}, ask, nullptr));
+    EXPECT_EQ(questions, std::vector<Ids>{{4}}) << "one has the question of its own";
+
+    questions.clear();
+    stays = {3, 9};
+    EXPECT_FALSE(ConfirmClosing({}, ask, nullptr));
+    EXPECT_EQ(questions.size(), 1U);
+    Ids refused;
+    stays = {9};
+    EXPECT_TRUE(ConfirmClosing({}, ask, &refused)) << "what is gone after its question counts as closed";
+    stays = {3};
+    EXPECT_FALSE(ConfirmClosing({}, ask, &refused));
+    EXPECT_EQ(refused, stays);
 }
 
 TEST(SaveRules, NothingIsReplacedOrOverwrittenUnasked) {

@@ -33,7 +33,7 @@ TEST(SessionText, ComposesInOrder) {
          .bookmarks = {0, 7},
          .breakpoints = {4, 9},
          .rules = {{4, false, ""}, {9, true, "RCX > 5, 6"}}},
-        {.path = "C:\\b.bas", .hasEditor = false},
+        {.path = "C:\\b.bas", .hasEditor = false, .pinned = true},
     };
     EXPECT_EQ(SessionCompose(header, files),
               "[Session]\r\nVersion=1\r\nActiveTab=1\r\nActiveCompiler=3\r\nProjectRoot=C:\\p\r\nShowProjectTree=1\r\n"
@@ -42,7 +42,7 @@ TEST(SessionText, ComposesInOrder) {
               "EnableAutoComplete=0\r\nAutoCompleteTrigger=0\r\nAutoUpperKeywords=0\r\nTheme=0\r\nTabCount=2\r\n"
               "\r\n[File1]\r\nPath=C:\\a.bas\r\nCursor=5000000000\r\nScroll=2\r\nSelectionStart=3\r\nSelectionEnd=4\r\n"
               "Bookmarks=0,7\r\nBreakpoints=4,9\r\nBreakpointRule=4,0,\r\nBreakpointRule=9,1,RCX > 5, 6\r\n"
-              "\r\n[File2]\r\nPath=C:\\b.bas\r\n");
+              "\r\n[File2]\r\nPath=C:\\b.bas\r\nPinned=1\r\n");
 }
 
 // The items as "FILE KEY NUMBER TEXT;".
@@ -193,6 +193,7 @@ TEST(SessionView, LinesBecomeMessagesToTheEditor) {
 TEST(SessionRestore, AMissingFileShiftsThePlacesOfLaterOnes) {
     std::vector<std::string> open;
     std::string sent;
+    std::vector<std::string> pinned;
     int frames = 0;
     const SessionTarget target = {.open =
                                       [&](const std::string& path) {
@@ -209,21 +210,24 @@ TEST(SessionRestore, AMissingFileShiftsThePlacesOfLaterOnes) {
                                       [&](int index, const SessionBreakpoint& rule) {
                                           sent += std::to_string(index) + "!" + std::to_string(rule.line) + " ";
                                       },
+                                  .pin = [&] { pinned.push_back(open.back()); },
                                   .showFrame = [&](const SessionFrame&) { ++frames; }};
     Settings settings = {};
     SessionFrame frame = {.activeTab = 9, .showOutput = true};
     const std::vector<SessionFile> missing = SessionRestore(
-        SessionParse("[Session]\nShowOutput=1\nShowAsmPane=1\nWordWrap=1\n[File1]\nPath=a\nCursor=1\n"
-                     "[File2]\nPath=gone\nCursor=2\nBookmarks=7\nBreakpointRule=5,0,\n[File3]\nPath=b\nCursor=3\n"
+        SessionParse("[Session]\nShowOutput=1\nShowAsmPane=1\nWordWrap=1\n[File1]\nPath=a\nPinned=1\nCursor=1\n"
+                     "[File2]\nPath=gone\nPinned=1\nCursor=2\nBookmarks=7\nBreakpointRule=5,0,\n[File3]\nPath="
+                     "b\nPinned=1\nCursor=3\n"
                      "[File2]\nCursor=4\nBreakpointRule=6,0,\n"),
         target, settings, frame);
     EXPECT_EQ(sent, "0:1 1:4 1!6 ") << "the third section has no third document";
     EXPECT_EQ(frames, 1);
+    EXPECT_EQ(pinned, (std::vector<std::string>{"a", "b"})) << "the files themselves";
     EXPECT_TRUE(frame.showAsmPane && settings.wordWrap == 1 && frame.activeTab == 0);
     ASSERT_EQ(missing.size(), 1U);
     EXPECT_EQ(missing[0].path, "gone");
     EXPECT_EQ(missing[0].cursor, 2U) << "not that of a section of the same number, after the next file";
-    EXPECT_TRUE(missing[0].bookmarks.size() == 1 && missing[0].rules.size() == 1);
+    EXPECT_TRUE(missing[0].pinned && missing[0].bookmarks.size() == 1 && missing[0].rules.size() == 1);
     for (const bool back : {false, true})
         EXPECT_EQ(SessionFilesToSave({{.path = "a"}}, missing, [back](const std::string&) { return back; }).size(),
                   back ? 1U : 2U);

@@ -1,12 +1,16 @@
-// Geometry of the tab bar, indexes in the row of documents, what the pointer does.
+// Geometry and looks of the tab bar, names of tabs, the order in the row of documents, what the pointer does.
 #include "documents/row_rules.h"
+#include "session/closed_tabs.h"
 #include "tabs/tab_bar_layout.h"
 #include "tabs/tab_look.h"
+#include "tabs/tab_names.h"
 #include "tabs/tab_pointer.h"
+#include "tabs/tab_text.h"
 
 #include <gtest/gtest.h>
 
 #include <numeric>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -18,29 +22,83 @@ std::vector<TabRect> Row(int count, int width) {
     return row;
 }
 
+std::vector<TabWish> Wishes(int count, int text) {
+    return std::vector<TabWish>(static_cast<std::size_t>(count), {text, false});
+}
+
 TEST(TabLayout, PartsStayInsideTheTabAndApart) {
     for (const int dpi : {96, 120, 144, 192, 240}) {
         const TabMetrics metrics = TabMetricsForDpi(dpi);
         for (const int count : {1, 5, 200}) {
-            const int width = TabWidthFor(metrics, 900, count);
-            EXPECT_GE(width, metrics.minWidth) << dpi;
-            EXPECT_LE(width, metrics.maxWidth) << dpi;
-            const TabRect tab = {100, 0, 100 + width, metrics.height};
+            const TabStrip strip = TabStripOf(metrics, 900, Wishes(count, 400), 0, 0);
+            const TabRect tab = strip.tabs.back();
             const TabRect close = TabCloseRect(metrics, tab);
-            const TabRect text = TabTextRect(metrics, tab, true, true);
+            const TabRect text = TabTextRect(metrics, tab, true);
             const TabRect mark = TabMarkRect(metrics, tab);
             EXPECT_TRUE(tab.left < mark.left && mark.right <= text.left && text.right <= close.left &&
                         close.right <= tab.right)
                 << dpi << ' ' << count;
             EXPECT_TRUE(close.top >= tab.top && close.bottom <= tab.bottom) << dpi;
-            EXPECT_GT(text.Width(), width / 3) << dpi << ": a name to read";
-            EXPECT_GT(TabTextRect(metrics, tab, false, true).Width(), text.Width()) << dpi << ": no mark";
-            EXPECT_GT(TabTextRect(metrics, tab, true, false).Width(), text.Width()) << dpi << ": no button";
+            EXPECT_GT(text.Width(), tab.Width() / 3) << dpi << ": a name to read";
+            EXPECT_GT(TabTextRect(metrics, tab, false).Width(), text.Width()) << dpi << ": no button";
         }
     }
+}
+
+TEST(TabLayout, TheActiveTabShowsItsNameAndTheOthersShareTheRest) {
     const TabMetrics metrics = TabMetricsForDpi(96);
-    EXPECT_EQ(TabWidthFor(metrics, 1000, 8), 125) << "shared evenly between the limits";
-    EXPECT_EQ(TabWidthFor(metrics, 1000, 0), metrics.maxWidth);
+    const auto textRoom = [&](const TabStrip& strip, std::size_t tab) {
+        return TabTextRect(metrics, strip.tabs[tab], true).Width();
+    };
+    TabStrip strip = TabStripOf(metrics, 1000, Wishes(3, 60), 1, 50);
+    EXPECT_EQ(textRoom(strip, 0), 60) << "as wide as its name";
+    EXPECT_TRUE(strip.scroll == 0 && strip.back.Width() == 0 && strip.forth.Width() == 0) << "all fit";
+    EXPECT_EQ(strip.list.right, 1000);
+    EXPECT_EQ(strip.view, strip.list.left);
+
+    strip = TabStripOf(metrics, 1000, Wishes(5, 300), 2, 0);
+    EXPECT_EQ(textRoom(strip, 2), 300) << "not cut";
+    EXPECT_EQ(strip.tabs[0].Width(), strip.tabs[4].Width());
+    EXPECT_GE(strip.tabs[0].Width(), metrics.minWidth);
+    EXPECT_TRUE(strip.tabs[4].right <= strip.view && strip.tabs[4].right > strip.view - 5) << "no room is given away";
+
+    std::vector<TabWish> many = Wishes(30, 300);
+    many[0].pinned = true;
+    strip = TabStripOf(metrics, 1000, many, 20, 0);
+    EXPECT_EQ(strip.tabs[5].Width(), metrics.minWidth);
+    EXPECT_EQ(TabStripOf(metrics, 5000, many, 20, 0).tabs[0].Width(), metrics.pinnedWidth) << "however much room";
+    EXPECT_TRUE(strip.view == strip.back.left && strip.back.right == strip.forth.left &&
+                strip.forth.right == strip.list.left);
+    EXPECT_EQ(TabHit(strip, strip.view, 5), -1) << "a tab below the arrows is not hit";
+    for (const int index : {20, 0, 29, 3}) {
+        strip = TabStripOf(metrics, 1000, many, 20, TabScrollToShow(strip, index));
+        const TabRect& tab = strip.tabs[static_cast<std::size_t>(index)];
+        EXPECT_TRUE(tab.left >= 0 && tab.right <= strip.view) << index;
+        EXPECT_EQ(TabScrollToShow(strip, index), strip.scroll) << index << ": it stays";
+    }
+    EXPECT_EQ(TabStripOf(metrics, 1000, many, 20, 1 << 20).scroll, strip.mostScroll);
+    strip = TabStripOf(metrics, 100, Wishes(1, 400), 0, 0);
+    EXPECT_LE(strip.tabs[0].right, 100) << "a strip that is narrower than a name";
+}
+
+TEST(TabNames, EqualOnesGetTheShortestFolderThatTellsThemApart) {
+    const std::wstring_view paths[] = {L"C:\\app\\main.bas",
+                                       L"C:\\LIB\\Main.BAS",
+                                       L"C:\\a\\src\\util.bas",
+                                       L"C:\\b\\src\\util.bas",
+                                       L"C:\\c\\util.bas",
+                                       L"",
+                                       L"",
+                                       L"D:\\main.bas",
+                                       L"C:\\x\\1\\2\\z.c",
+                                       L"C:\\y\\1\\2\\z.c",
+                                       L"C:\\alone.bas",
+                                       L"\\\\server\\share\\alone.asm"};
+    const std::vector<std::wstring> expected = {L"app", L"LIB", L"a\\src",    L"b\\src",    L"c", L"",
+                                                L"",    L"D:",  L"x\\...\\2", L"y\\...\\2", L"",  L""};
+    EXPECT_EQ(DistinguishingFolders(paths), expected);
+    EXPECT_EQ(TabFullName(L"a.bas", L"lib"), L"a.bas (lib)");
+    EXPECT_EQ(TabMenuText(0, L"a&b"), L"&1 a&&b");
 }
 
 TEST(TabLayout, HitsTheTabUnderThePointer) {
@@ -50,7 +108,7 @@ TEST(TabLayout, HitsTheTabUnderThePointer) {
     EXPECT_EQ(TabHit(row, 100, 5), 1);
     EXPECT_EQ(TabHit(row, 300, 5), -1) << "after the last";
     EXPECT_EQ(TabHit(row, 50, 32), -1) << "below";
-    EXPECT_EQ(TabHit({}, 5, 5), -1);
+    EXPECT_EQ(TabHit(std::vector<TabRect>{}, 5, 5), -1);
 }
 
 TEST(TabLayout, ADraggedTabChangesPlacesAtItsNeighboursMiddle) {
@@ -95,19 +153,38 @@ TEST(TabLayout, IndicesFollowMovesAndRemovals) {
         EXPECT_EQ(TabToShowAfterRemoval(test.active, test.removed, test.count, test.wanted), test.shown) << test.name;
 }
 
+TEST(TabLayout, PinnedTabsStandFirstAndStayWhenOthersAreClosed) {
+    const std::vector<RowEntry> row = {
+        {1, true, true, true}, {2, false, true, true}, {3, false, true}, {4, true, false}};
+    const struct { int from, to, place; } moves[] = {{0, 3, 1}, {1, 0, 0}, {3, 0, 2}, {2, 3, 3}};
+    for (const auto& move : moves) EXPECT_EQ(TabPlaceAllowed(row, move.from, move.to), move.place) << move.from;
+    using Ids = std::vector<DocumentId>;
+    EXPECT_EQ(DocumentsToClose(row, CloseRange::All, 0), (Ids{4, 3, 2, 1}));
+    EXPECT_EQ(DocumentsToClose(row, CloseRange::Others, 4), (Ids{3}));
+    EXPECT_EQ(DocumentsToClose(row, CloseRange::Right, 1), (Ids{4, 3}));
+    EXPECT_EQ(DocumentsToClose(row, CloseRange::Saved, 3), (Ids{3})) << "the active one, too";
+    EXPECT_EQ(DocumentsToClose(row, CloseRange::Others, 9), Ids{});
+    EXPECT_EQ(NextUntitledLabel({}), L"Untitled");
+    EXPECT_EQ(NextUntitledLabel(std::vector<std::wstring>{L"Untitled 2", L"Untitled", L"x"}), L"Untitled 3");
+}
+
 TEST(TabPointer, ClosesOnReleaseOverTheSameButtonAndDragsPastTheThreshold) {
     const TabMetrics metrics = TabMetricsForDpi(96);
-    const std::vector<TabRect> row = Row(3, 150);
+    TabStrip strip;
+    strip.tabs = Row(3, 150);
+    strip.view = 440;
+    strip.list = {450, 0, 470, 31};
+    const std::vector<TabRect>& row = strip.tabs;
     const TabRect button = TabCloseRect(metrics, row[1]);
     TabPointer pointer;
-    EXPECT_TRUE(TabPointerHover(pointer, metrics, row, true, button.left, button.top));
-    EXPECT_FALSE(TabPointerHover(pointer, metrics, row, true, button.left + 1, button.top)) << "nothing new";
+    EXPECT_TRUE(TabPointerHover(pointer, metrics, strip, true, button.left, button.top));
+    EXPECT_FALSE(TabPointerHover(pointer, metrics, strip, true, button.left + 1, button.top)) << "nothing new";
     EXPECT_EQ(pointer.hoverTab, 1);
     EXPECT_TRUE(TabPointerPress(pointer, 42, button.left)) << "the control does not see it";
     EXPECT_EQ(pointer.pressedClose, 42);
     EXPECT_EQ(TabPointerDragTo(pointer, metrics, row, -1, 5), -1) << "a close button is not dragged";
     TabPointerEnd(pointer);
-    EXPECT_TRUE(TabPointerHover(pointer, metrics, row, true, 160, 5) && !pointer.hoverClose);
+    EXPECT_TRUE(TabPointerHover(pointer, metrics, strip, true, 160, 5) && !pointer.hoverClose);
     EXPECT_FALSE(TabPointerPress(pointer, 0, 160)) << "no document";
     EXPECT_FALSE(TabPointerPress(pointer, 42, 160));
     EXPECT_EQ(TabPointerDragTo(pointer, metrics, row, 1, 160 + metrics.dragStart - 1), -1) << "a shaky click";
@@ -117,25 +194,80 @@ TEST(TabPointer, ClosesOnReleaseOverTheSameButtonAndDragsPastTheThreshold) {
     EXPECT_EQ(TabPointerDragTo(pointer, metrics, row, -1, 400), -1) << "closed meanwhile";
     TabPointerEnd(pointer);
     EXPECT_FALSE(pointer.dragging);
-    EXPECT_TRUE(TabPointerHover(pointer, metrics, row, false, 160, 5));
-    EXPECT_EQ(pointer.hoverTab, -1);
+    EXPECT_TRUE(TabPointerHover(pointer, metrics, strip, true, 455, 5));
+    EXPECT_TRUE(pointer.hoverTab == -1 && pointer.hoverButton == static_cast<int>(TabButton::List));
+    EXPECT_TRUE(TabPointerHover(pointer, metrics, strip, false, 160, 5));
+    EXPECT_TRUE(pointer.hoverTab == -1 && pointer.hoverButton == -1);
 }
 
-TEST(TabLook, TheCloseButtonAndTheDotTakeTurns) {
+TEST(TabLook, TheCloseButtonTheDotAndThePinTakeTurns) {
     const TabMetrics metrics = TabMetricsForDpi(96);
-    const auto drawn = [&](const TabFacts& facts) {  // dots, and whether the cross is there
+    const auto drawn = [&](const TabFacts& facts) {  // the dot, and the strokes of the cross or the pin
         const TabLook look = TabLookOf(facts, metrics, {0, 0, 180, metrics.height}, 4);
         std::string text;
         for (const TabPart& part : look.parts)
             if (part.shape == TabShape::Dot) text += part.colour == TabColour::Modified ? "m" : "b";
-        return text + (look.strokes.empty() ? "" : "x");
+        return text + (look.strokes.empty() ? "" : look.strokes.size() == 2 ? "x" : "p");
     };
     EXPECT_EQ(drawn({}), "");
     EXPECT_EQ(drawn({.active = true}), "x");
     EXPECT_EQ(drawn({.pointed = true}), "x");
     EXPECT_EQ(drawn({.pointed = true, .dragging = true}), "");
-    EXPECT_EQ(drawn({.active = true, .modified = true, .mark = TabMark::Error}), "bm");
+    EXPECT_EQ(drawn({.active = true, .modified = true, .light = TabLight::Failed}), "m");
     EXPECT_EQ(drawn({.modified = true, .pointed = true, .onClose = true}), "x");
+    EXPECT_EQ(drawn({.pinned = true}), "p");
+    EXPECT_EQ(drawn({.modified = true, .pinned = true, .pointed = true, .onClose = true}), "p");
+}
+
+TEST(TabLook, EachLightHasAShapeOfItsOwn) {
+    using enum TabLight;
+    const TabMetrics metrics = TabMetricsForDpi(96);
+    std::set<std::string> shapes;
+    for (const TabLight light : {None, Saved, Built, Failed, Building, Debugged, Changed, Gone, ReadOnly}) {
+        const TabLook look = TabLookOf({.light = light}, metrics, {0, 0, 180, metrics.height}, 4);
+        const TabRect box = TabMarkRect(metrics, {0, 0, 180, metrics.height});
+        std::string shape;  // without the colours
+        for (const TabPart& part : look.parts)
+            if (part.place.left >= box.left && part.place.right <= box.right)
+                shape += std::to_string(static_cast<int>(part.shape)) + "/" + std::to_string(part.place.Height()) + " ";
+        for (const TabStroke& stroke : look.lightStrokes)
+            shape += std::to_string(stroke.fromX) + "-" + std::to_string(stroke.toX) + " ";
+        EXPECT_TRUE(shapes.insert(shape).second) << static_cast<int>(light) << ": " << shape;
+    }
+    const struct {
+        TabState state;
+        TabLight light;
+        const wchar_t* words;
+    } cases[] = {
+        {{}, None, L"Never saved"},
+        {{.hasFile = true}, Saved, L"Saved"},
+        {{.hasFile = true, .built = true}, Built, L"Saved, built without errors"},
+        {{.hasFile = true, .modified = true, .built = true}, None, L"Unsaved changes, built without errors"},
+        {{.hasFile = true, .modified = true, .failed = true}, Failed, L"Unsaved changes, last build failed"},
+        {{.hasFile = true, .readOnly = true, .failed = true}, Failed, L"Saved, read-only, last build failed"},
+        {{.hasFile = true, .readOnly = true, .changed = true}, Changed, L"Saved, changed on the disk, read-only"},
+        {{.hasFile = true, .gone = true, .building = true, .failed = true},
+         Building,
+         L"Saved, gone from the disk, is being built"},
+        {{.hasFile = true, .building = true, .debugged = true}, Debugged, L"Saved, is being built, is being debugged"},
+    };
+    for (const auto& test : cases) {
+        EXPECT_EQ(TabLightOf(test.state), test.light);
+        EXPECT_EQ(TabStateText(test.state), test.words);
+    }
+}
+
+TEST(ClosedTabs, AreKeptUpToANumberAndASize) {
+    std::vector<ClosedTab> closed;
+    for (std::size_t i = 0; i <= kMostClosedTabs; ++i) ClosedTabsAdd(closed, {.label = std::to_wstring(i)});
+    EXPECT_EQ(closed.size(), kMostClosedTabs);
+    EXPECT_EQ(closed.front().label, L"1") << "the first one went";
+    ClosedTabsAdd(closed, {.label = L"large", .text = std::string(kMostClosedText, 'x')});
+    EXPECT_EQ(closed.back().label, L"large");
+    ClosedTabsAdd(closed, {.label = L"more", .text = "x"});
+    EXPECT_TRUE(closed.size() == 1 && closed.front().label == L"more") << "what was closed before it went, too";
+    ClosedTabsAdd(closed, {.label = L"too large", .text = std::string(kMostClosedText + 1, 'x')});
+    EXPECT_EQ(closed.back().label, L"more");
 }
 
 }  // namespace

@@ -212,8 +212,8 @@ TEST(View, BookmarksRecentFilesAndPanesAreWithinReach) {
     EXPECT_TRUE(IsWindowVisible(editor.Child(IDC_TERMINAL)));
     EXPECT_EQ(editor.Focus(), editor.Child(IDC_TERMINAL));
     editor.Foreground();
-    for (const int pane :
-         {IDC_PROJECT_TREE, IDC_STATUS_BAR, IDC_TOOLBAR, 0, IDC_OUTPUT, IDC_ERROR_LIST}) {  // after the last the first
+    // After the last pane the bars and the tabs, then the editor.
+    for (const int pane : {IDC_PROJECT_TREE, IDC_STATUS_BAR, IDC_TOOLBAR, IDC_TABS, 0, IDC_OUTPUT, IDC_ERROR_LIST}) {
         const HWND wanted = pane == 0 ? editor.Sci() : editor.Child(pane);
         editor.Keys({VK_F6});
         EXPECT_TRUE(WaitFor([&] { return editor.Focus() == wanted; })) << pane;
@@ -347,58 +347,6 @@ TEST(View, CommandsChangeTheViewAndAreRemembered) {
     EXPECT_EQ(folder.Ini(L"Editor", L"EditorStylePreset"), L"5");
 }
 
-TEST(View, TabsByMouseAndKeyboard) {
-    ProgramFolder folder;
-    std::wstring arguments;
-    for (const wchar_t* name : {L"a.bas", L"b.bas", L"c.bas", L"d.bas"})
-        arguments += OpenArgument(folder.Write(name, Utf8(name)));
-    Editor editor(folder, arguments);
-    editor.Foreground();
-    const HWND tabs = editor.Child(IDC_TABS);
-    const auto order = [&] {
-        std::wstring labels;
-        for (int i = 0; i < editor.Tabs(); ++i) labels += editor.TabLabel(i).substr(0, 1);
-        return labels;
-    };
-    EXPECT_EQ(editor.ActiveTab(), 3);
-    editor.Click(tabs, editor.TabCentre(1));
-    EXPECT_TRUE(WaitFor([&] { return editor.ActiveTab() == 1 && editor.Text() == "b.bas"; }));
-    EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); })) << "a click brings the focus to the editor";
-    editor.Drag(tabs, editor.TabCentre(0), {editor.TabCentre(2).x + 20, editor.TabCentre(2).y});
-    EXPECT_TRUE(WaitFor([&] { return order() == L"bcad"; })) << Utf8(order());
-    EXPECT_EQ(editor.Text(), "a.bas") << "the document goes with its tab";
-    editor.Click(tabs, editor.TabCentre(0), MOUSEEVENTF_MIDDLEDOWN);  // not a neighbour
-    EXPECT_TRUE(WaitFor([&] { return order() == L"cad"; })) << Utf8(order());
-    EXPECT_EQ(editor.Text(), "a.bas") << "closing another tab keeps the active one";
-    editor.Keys({VK_CONTROL, VK_SHIFT, VK_TAB});
-    EXPECT_TRUE(WaitFor([&] { return editor.Text() == "c.bas"; }));
-    for (const char* text : {"a.bas", "d.bas"}) {
-        editor.Keys({VK_CONTROL, VK_TAB});
-        EXPECT_TRUE(WaitFor([&] { return editor.Text() == text; })) << text;
-    }
-    editor.Type("x");
-    editor.Click(tabs, editor.TabCentre(2), MOUSEEVENTF_MIDDLEDOWN);
-    editor.Answer(kUnsaved, L"Save changes to d.bas?", IDCANCEL);
-    EXPECT_EQ(order(), L"cad");
-    for (const auto& [answer, left, shown] : {std::tuple{IDCANCEL, L"cad", "xd.bas"}, {IDNO, L"c", "c.bas"}}) {
-        editor.Do(IDM_NEXT_TAB);  // from the last to the first
-        EXPECT_EQ(editor.Text(), "c.bas");
-        editor.Post(IDM_TAB_CLOSE_OTHERS);  // all or, after a refusal, none
-        editor.Answer(kUnsaved, L"Save changes to d.bas?", answer);
-        EXPECT_TRUE(WaitFor([&] { return order() == left && editor.Text() == shown; })) << Utf8(order());
-    }
-    for (int i = 0; i < 3; ++i) editor.Do(IDM_FILE_NEW);
-    const RECT tab = editor.TabRect(0);
-    // Its close button, twice: the second quick click is for the next tab's.
-    editor.Click(tabs, {tab.right - 14, (tab.top + tab.bottom) / 2}, MOUSEEVENTF_LEFTDOWN, 2);
-    EXPECT_TRUE(WaitFor([&] { return order() == L"UU"; })) << Utf8(order());
-    editor.Keys({VK_CONTROL, 'W'});
-    EXPECT_TRUE(WaitFor([&] { return order() == L"U"; })) << Utf8(order());
-    editor.Keys({VK_CONTROL, 'W'});
-    EXPECT_TRUE(WaitFor([&] { return editor.Tabs() == 0; })) << Utf8(order());
-    EXPECT_EQ(editor.Close(), 0u);
-}
-
 TEST(View, KeysReachEditorAndCommands) {
     ProgramFolder folder;
     Editor editor(folder, OpenArgument(folder.Write(L"a.bas", "  x = 1")));
@@ -516,11 +464,6 @@ TEST(View, AClickMeansWhatTheViewShows) {
     turn(editor.Sci(), MK_CONTROL, 18);
     EXPECT_TRUE(WaitFor([&] { return editor.Sci(SCI_GETZOOM) > 0; }));
     EXPECT_EQ(editor.Sci(SCI_GETZOOM), 1);
-    const HWND strip = editor.Child(IDC_TABS);
-    turn(strip, 0, 11);
-    EXPECT_EQ(editor.ActiveTab(), 1);
-    turn(strip, 0, 1);
-    EXPECT_EQ(editor.ActiveTab(), 0);
 }
 
 TEST(View, StickyHeaderAndNavigationHistory) {

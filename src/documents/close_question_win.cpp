@@ -1,0 +1,119 @@
+// The dialog about the changes of several documents. UI thread.
+#include "documents/close_question.h"
+
+#include "base/log.h"
+#include "base/wide_format.h"
+#include "resources/ids.h"
+#include "ui/dialog_panes.h"
+#include "ui/dialog_theme.h"
+#include "ui/list_view.h"
+#include "ui/message.h"
+#include "ui/ui_state.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace {
+
+constexpr std::array<ListColumn, 2> kColumns = {{{L"Save", 30, 14, false}, {L"Folder", 50, 10, false}}};
+
+struct CloseDialog {
+    std::vector<CloseRow>* rows = nullptr;
+    HWND dialog = nullptr;
+    ListView list;
+    ListContent content;
+};
+CloseDialog* g_dialog = nullptr;  // the one that is open
+
+void ShowCloseRows(CloseDialog& close) {
+    close.content.rows.clear();
+    for (const CloseRow& row : *close.rows)
+        close.content.rows.push_back({.cells = {row.label, row.folder.empty() ? L"not saved yet" : row.folder},
+                                      .mark = row.ticked ? ListMark::Checked : ListMark::Unchecked});
+    ListViewUpdate(close.list, close.content);
+    const bool any = std::ranges::any_of(*close.rows, &CloseRow::ticked);
+    const HWND save = GetDlgItem(close.dialog, IDC_CLOSE_SAVE);
+    if (!any && GetFocus() == save) SetFocus(close.list.window);
+    EnableWindow(save, any);
+    // Enter must not give up what nobody has looked at.
+    SendMessageW(close.dialog, DM_SETDEFID, static_cast<WPARAM>(any ? IDC_CLOSE_SAVE : IDCANCEL), 0);
+}
+
+void TickCloseRow(int index) {
+    CloseRow& row = (*g_dialog->rows)[static_cast<std::size_t>(index)];
+    row.ticked = !row.ticked;
+    ShowCloseRows(*g_dialog);
+}
+
+constexpr ListKind kCloseList = {.columns = kColumns, .hasMarks = true, .check = TickCloseRow};
+
+void FillCloseDialog(HWND dialog, CloseDialog& close) {
+    close.dialog = dialog;
+    const std::wstring text =
+        FormatW(L"%d documents have unsaved changes. The ticked ones are saved; the changes of the others are lost.",
+                static_cast<int>(close.rows->size()));
+    SetDlgItemTextW(dialog, IDC_CLOSE_WHAT, text.c_str());
+    close.list.inDialog = true;
+    if (!ListViewCreate(close.list, dialog, IDC_CLOSE_LIST)) return;
+    DialogPutInPlace(dialog, IDC_CLOSE_LIST, close.list.window);
+    ListViewApplyTheme(close.list);
+    ListViewShow(close.list, kCloseList);
+    ShowCloseRows(close);
+    ListViewSelect(close.list, 0);
+    SetFocus(GetDlgItem(dialog, IDC_CLOSE_SAVE));
+}
+
+INT_PTR OnCloseNotify(HWND dialog, const NMHDR& header) {
+    LRESULT result = 0;
+    if (!ListViewHandleNotify(g_dialog->list, header, &result)) return FALSE;
+    SetWindowLongPtrW(dialog, DWLP_MSGRESULT, result);
+    return TRUE;
+}
+
+INT_PTR CALLBACK CloseDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_INITDIALOG:
+            DialogApplyTheme(dialog);
+            FillCloseDialog(dialog, *g_dialog);
+            return FALSE;  // the focus is set already
+        case WM_COMMAND:
+            switch (LOWORD(wParam)) {
+                case IDC_CLOSE_SAVE:
+                case IDC_CLOSE_DISCARD:
+                case IDCANCEL: EndDialog(dialog, LOWORD(wParam)); return TRUE;
+                default: return FALSE;
+            }
+        case WM_NOTIFY: return OnCloseNotify(dialog, *reinterpret_cast<const NMHDR*>(lParam));
+        default: return FALSE;
+    }
+}
+
+// A test, or a self-test run, answers in the user's place: Yes saves all.
+CloseAnswer AnsweredInstead() {
+    const Answer answer = AskUser({.caption = L"Unsaved Changes",
+                                   .text = L"Several documents have unsaved changes.",
+                                   .buttons = AskButtons::YesNoCancel,
+                                   .icon = AskIcon::Question,
+                                   .inSelftest = Answer::No});
+    return answer == Answer::Yes  ? CloseAnswer::Save
+           : answer == Answer::No ? CloseAnswer::Discard
+                                  : CloseAnswer::Cancel;
+}
+
+}  // namespace
+
+CloseAnswer CloseQuestionAsk(std::vector<CloseRow>& rows) {
+    if (g_answerInstead != nullptr || g_selftestTabsMode) return AnsweredInstead();
+    if (g_dialog != nullptr) return CloseAnswer::Cancel;  // it is asked already
+    CloseDialog close;
+    close.rows = &rows;
+    g_dialog = &close;
+    const INT_PTR end =
+        DialogBoxParamW(g_ui.hInstance, MAKEINTRESOURCEW(IDD_CLOSE_MANY), g_ui.hMainWnd, CloseDlgProc, 0);
+    g_dialog = nullptr;
+    if (end == -1) AppLogMsg(L"FAIL: CloseQuestionAsk error=%lu", GetLastError());
+    return end == IDC_CLOSE_SAVE      ? CloseAnswer::Save
+           : end == IDC_CLOSE_DISCARD ? CloseAnswer::Discard
+                                      : CloseAnswer::Cancel;
+}
