@@ -9,6 +9,7 @@
 #include "search/files_internal.h"
 #include "search/find_rules.h"
 #include "settings/settings_state.h"
+#include "ui/accessible.h"
 #include "ui/dialog_theme.h"
 #include "ui/path_dialog.h"
 #include "ui/ui_state.h"
@@ -169,6 +170,7 @@ void TakeRecent() {
 
 void OnFilesInit(HWND dialog) {
     g_filesDialog.window = dialog;
+    AccessibleNameSet(Control(IDC_FILES_WITH), L"Replacement");  // a check box stands where its label would
     for (const wchar_t* scope : {L"Project folder", L"Open documents", L"Folder"}) AddItem(IDC_FILES_SCOPE, scope);
     Ask(IDC_FILES_WHAT, CB_LIMITTEXT, kLongestText);
     for (const TextOption& field : kFields)

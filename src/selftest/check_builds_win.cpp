@@ -11,6 +11,8 @@
 #include <array>
 #include <vector>
 
+namespace selftest {
+
 namespace {
 
 constexpr int kMostSteps = 60;
@@ -120,3 +122,5 @@ void CheckCompilers() {
 
 void CheckKeldorSteps() { CheckSteps(kCompilerKeldorBasic); }
 void CheckKvxb64Steps() { CheckSteps(kCompilerKvxb64); }
+
+}  // namespace selftest

@@ -6,6 +6,8 @@
 #include "selftest/checks.h"
 #include "settings/compiler_id.h"
 
+namespace selftest {
+
 namespace {
 
 LRESULT Caret() { return EditorAsk(SCI_GETCURRENTPOS); }
@@ -160,3 +162,5 @@ void CheckEditing() {
         return BuildSucceeds();
     });
 }
+
+}  // namespace selftest

@@ -3,6 +3,8 @@
 
 #include <string_view>
 
+namespace selftest {
+
 // Runs the checks of the module with that name (selftest/modules.h).
 void RunCheckModule(std::string_view name);
 
@@ -22,3 +24,5 @@ void CheckExit();
 bool BuildSucceeds();
 // The compiler's number by its command name, as "kvxb64"; whether it is installed.
 bool CompilerIsInstalled(unsigned id);
+
+}  // namespace selftest

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+namespace selftest {
+
 void RunCheckModule(std::string_view name) {
     static constexpr struct {
         std::string_view name;
@@ -20,3 +22,5 @@ void RunCheckModule(std::string_view name) {
     const auto* row = std::ranges::find(kRows, name, [](const auto& each) { return each.name; });
     if (row != std::end(kRows)) row->run();
 }
+
+}  // namespace selftest

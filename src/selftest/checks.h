@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+namespace selftest {
+
 // UI thread, before the checks begin: lets OnUiThread reach it.
 void ChecksAttach(HWND frame);
 
@@ -56,3 +58,5 @@ bool DropFile(const std::wstring& path);
 // The full path of a sample file, which stands beside the tested copy; writes it there.
 std::wstring SamplePath(const std::string& name);
 std::wstring MakeSample(const std::string& name);
+
+}  // namespace selftest

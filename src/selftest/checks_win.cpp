@@ -19,6 +19,8 @@
 #include <cwchar>
 #include <utility>
 
+namespace selftest {
+
 namespace {
 
 constexpr UINT kAskMs = 30'000;
@@ -224,3 +226,5 @@ bool DropFile(const std::wstring& path) {
     const std::wstring name = path.substr(path.rfind(L'\\') + 1);
     return Await([&] { return TabTextOf(ActiveTabNow()).find(name) != std::wstring::npos; });
 }
+
+}  // namespace selftest

@@ -55,7 +55,7 @@ SelfTestThread g_selfTestThread;
 
 DWORD WINAPI ThreadMain(void*) {
     const HWND frame = g_ui.hMainWnd;
-    g_selfTestThread.failed = !RunChecks(*OwnModule(), frame);
+    g_selfTestThread.failed = !selftest::RunChecks(*OwnModule(), frame);
     if (IsWindow(frame)) PostMessageW(frame, WM_CLOSE, 0, 0);
     return 0;
 }
@@ -89,7 +89,7 @@ bool SelfTestIsChild() { return OwnModule() != nullptr; }
 
 void SelfTestStart() {
     if (OwnModule() == nullptr || g_selfTestThread.handle != nullptr) return;
-    ChecksAttach(g_ui.hMainWnd);
+    selftest::ChecksAttach(g_ui.hMainWnd);
     g_selfTestThread.handle = CreateThread(nullptr, 0, ThreadMain, nullptr, 0, nullptr);
     if (g_selfTestThread.handle == nullptr) AppLogMsg(L"FAIL: SelfTestStart error=%lu", GetLastError());
 }

@@ -404,7 +404,7 @@ TEST(Debug, SourcesNewerThanTheProgramAreToldOf) {
         WrittenFromNow(part, c.part);
         editor.Do(IDM_DEBUG_BUILD_START);
         ASSERT_TRUE(AwaitStatus(editor, L"Stopped at steps.bas:3", kBuildDeadline));
-        ASSERT_TRUE(editor.AwaitOutput(L"[Debug] Stopped at steps.bas:3\n"));
+        ASSERT_TRUE(editor.AwaitOutput(L"[Debug] Stopped at steps.bas:3 (start)\n"));
         const std::wstring atStart = editor.Output();
         editor.Do(IDM_DEBUG_STEP_OVER);
         ASSERT_TRUE(editor.AwaitOutput(L"[Debug] Stopped at steps.bas:4\n"));

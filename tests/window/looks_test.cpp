@@ -63,7 +63,8 @@ void ExpectNamed(const std::string& where, HWND parent) {
             name = AccessibleName(before);
         EXPECT_FALSE(name.empty()) << where << ": " << Utf8(kind) << " " << GetDlgCtrlID(child);
         EXPECT_LT(name.size(), 100u) << where << ": a content, not a name: " << Utf8(name.substr(0, 40));
-        EXPECT_TRUE(seen.insert(name).second) << where << ": two are called " << Utf8(name);
+        EXPECT_TRUE(seen.insert(name).second)
+            << where << ": two are called " << Utf8(name) << ", one is " << Utf8(kind) << " " << GetDlgCtrlID(child);
     }
 }
 
