@@ -53,13 +53,6 @@ bool ShowProblem(HWND dialog) {
     return !problem.empty();
 }
 
-INT_PTR ColourOfProblem(HDC dc, HWND control) {
-    if (GetDlgCtrlID(control) != IDC_CONDITION_PROBLEM) return FALSE;
-    SetTextColor(dc, ThemeCurrentChrome().error);
-    SetBkMode(dc, TRANSPARENT);
-    return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_BTNFACE));
-}
-
 void OnConditionCommand(HWND dialog, int control, int notification) {
     if (control == IDC_CONDITION_TEXT && notification == EN_CHANGE) {
         ShowProblem(dialog);
@@ -78,7 +71,9 @@ INT_PTR CALLBACK CondBpDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM 
             FillConditionDialog(dialog, *reinterpret_cast<const ConditionQuestion*>(lParam));
             DialogApplyTheme(dialog);
             return FALSE;  // the focus is set already
-        case WM_CTLCOLORSTATIC: return ColourOfProblem(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
+        case WM_CTLCOLORSTATIC:
+            return DialogColourOfProblem(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam),
+                                         IDC_CONDITION_PROBLEM);
         case WM_COMMAND: OnConditionCommand(dialog, LOWORD(wParam), HIWORD(wParam)); return TRUE;
         default: return FALSE;
     }

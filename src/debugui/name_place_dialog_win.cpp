@@ -136,13 +136,6 @@ void OnNameCommand(HWND dialog, int control, int notification) {
     }
 }
 
-INT_PTR ColourOfNameProblem(HDC dc, HWND control) {
-    if (GetDlgCtrlID(control) != IDC_NAME_PLACE_PROBLEM) return FALSE;
-    SetTextColor(dc, ThemeCurrentChrome().error);
-    SetBkMode(dc, TRANSPARENT);
-    return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_BTNFACE));
-}
-
 INT_PTR CALLBACK NamePlaceDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_INITDIALOG:
@@ -151,7 +144,8 @@ INT_PTR CALLBACK NamePlaceDlgProc(HWND dialog, UINT message, WPARAM wParam, LPAR
             DialogApplyTheme(dialog);
             return FALSE;  // the focus is set already
         case WM_CTLCOLORSTATIC:
-            return ColourOfNameProblem(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
+            return DialogColourOfProblem(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam),
+                                         IDC_NAME_PLACE_PROBLEM);
         case WM_COMMAND:
             if (lParam != 0 || LOWORD(wParam) == IDCANCEL || LOWORD(wParam) == IDOK)
                 OnNameCommand(dialog, LOWORD(wParam), HIWORD(wParam));

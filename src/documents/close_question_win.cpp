@@ -64,13 +64,6 @@ void FillCloseDialog(HWND dialog, CloseDialog& close) {
     SetFocus(GetDlgItem(dialog, IDC_CLOSE_SAVE));
 }
 
-INT_PTR OnCloseNotify(HWND dialog, const NMHDR& header) {
-    LRESULT result = 0;
-    if (!ListViewHandleNotify(g_dialog->list, header, &result)) return FALSE;
-    SetWindowLongPtrW(dialog, DWLP_MSGRESULT, result);
-    return TRUE;
-}
-
 INT_PTR CALLBACK CloseDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_INITDIALOG:
@@ -84,7 +77,8 @@ INT_PTR CALLBACK CloseDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM l
                 case IDCANCEL: EndDialog(dialog, LOWORD(wParam)); return TRUE;
                 default: return FALSE;
             }
-        case WM_NOTIFY: return OnCloseNotify(dialog, *reinterpret_cast<const NMHDR*>(lParam));
+        case WM_NOTIFY:
+            return ListViewHandleDialogNotify(dialog, g_dialog->list, *reinterpret_cast<const NMHDR*>(lParam));
         default: return FALSE;
     }
 }

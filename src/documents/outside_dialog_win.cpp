@@ -260,11 +260,8 @@ void OnOutsideCommand(OutsideDialog& outside, int control) {
 }
 
 INT_PTR OnOutsideNotify(HWND dialog, const NMHDR& header) {
-    LRESULT result = 0;
     if (header.code == LVN_ITEMCHANGED && header.idFrom == IDC_OUTSIDE_LIST) CompareChosen(*g_dialog);
-    if (!ListViewHandleNotify(g_dialog->list, header, &result)) return FALSE;
-    SetWindowLongPtrW(dialog, DWLP_MSGRESULT, result);
-    return TRUE;
+    return ListViewHandleDialogNotify(dialog, g_dialog->list, header);
 }
 
 INT_PTR CALLBACK OutsideDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {

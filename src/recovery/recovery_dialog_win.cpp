@@ -209,11 +209,8 @@ void OnRecoveryCommand(RecoveryList& recovery, int control) {
 }
 
 INT_PTR OnRecoveryNotify(HWND dialog, const NMHDR& header) {
-    LRESULT result = 0;
     if (header.code == LVN_ITEMCHANGED && header.idFrom == IDC_RECOVERY_LIST) CompareSelected(*g_recovery);
-    if (!ListViewHandleNotify(g_recovery->list, header, &result)) return FALSE;
-    SetWindowLongPtrW(dialog, DWLP_MSGRESULT, result);
-    return TRUE;
+    return ListViewHandleDialogNotify(dialog, g_recovery->list, header);
 }
 
 INT_PTR CALLBACK RecoveryDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {

@@ -251,13 +251,6 @@ void TellUndeclared(const References& references) {
         name.c_str(), PlacesText(references).c_str());
 }
 
-INT_PTR ColourOfRenameProblem(HDC dc, HWND control) {
-    if (GetDlgCtrlID(control) != IDC_RENAME_PROBLEM) return FALSE;
-    SetTextColor(dc, ThemeCurrentChrome().error);
-    SetBkMode(dc, TRANSPARENT);
-    return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_BTNFACE));
-}
-
 INT_PTR CALLBACK RenameDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_INITDIALOG:
@@ -266,7 +259,8 @@ INT_PTR CALLBACK RenameDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM 
             DialogApplyTheme(dialog);
             return FALSE;  // the focus is set already
         case WM_CTLCOLORSTATIC:
-            return ColourOfRenameProblem(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
+            return DialogColourOfProblem(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam),
+                                         IDC_RENAME_PROBLEM);
         case WM_COMMAND: OnRenameCommand(dialog, LOWORD(wParam), HIWORD(wParam)); return TRUE;
         default: return FALSE;
     }

@@ -7,6 +7,9 @@
 void FrameApplyTheme(HWND window);
 // Colours a dialog and its controls by the theme from now on. Called once, in WM_INITDIALOG.
 void DialogApplyTheme(HWND dialog);
+// The answer to WM_CTLCOLORSTATIC that shows the text of `control` as that of a problem when its id is `problem`. FALSE for
+// any other control.
+INT_PTR DialogColourOfProblem(HDC dc, HWND control, int problem);
 // Shows the new theme in all dialogs that are open.
 void DialogsRenewTheme();
 // Runs MessageBoxW, and colours the box.

@@ -135,3 +135,10 @@ int ThemedMessageBox(HWND owner, const wchar_t* text, const wchar_t* caption, UI
     g_boxHook = nullptr;
     return answer;
 }
+
+INT_PTR DialogColourOfProblem(HDC dc, HWND control, int problem) {
+    if (GetDlgCtrlID(control) != problem) return FALSE;
+    SetTextColor(dc, ThemeCurrentChrome().error);
+    SetBkMode(dc, TRANSPARENT);
+    return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_BTNFACE));
+}

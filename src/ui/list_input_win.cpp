@@ -176,3 +176,10 @@ bool ListViewHandleNotify(ListView& list, const NMHDR& header, LRESULT* result) 
         default: return false;
     }
 }
+
+INT_PTR ListViewHandleDialogNotify(HWND dialog, ListView& list, const NMHDR& header) {
+    LRESULT result = 0;
+    if (!ListViewHandleNotify(list, header, &result)) return FALSE;
+    SetWindowLongPtrW(dialog, DWLP_MSGRESULT, result);
+    return TRUE;
+}

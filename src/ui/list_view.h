@@ -63,6 +63,8 @@ void ListViewUpdate(ListView& list, const ListContent& content);  // the content
 void ListViewApplyTheme(ListView& list);
 // Handles WM_NOTIFY. Returns true when the notification was for the list; `result` is then the answer if there is one.
 bool ListViewHandleNotify(ListView& list, const NMHDR& header, LRESULT* result);
+// The same in a dialog: sets DWLP_MSGRESULT, and returns what the dialog's procedure is to return.
+INT_PTR ListViewHandleDialogNotify(HWND dialog, ListView& list, const NMHDR& header);
 
 // For LVN_ITEMCHANGED of a list view whose rows are drawn up to its edges: the control itself leaves out the edge, where
 // a selection that has moved on would stay.
