@@ -95,6 +95,24 @@ private:
 void Pause(double ms);
 inline constexpr double kLookMs = 0.1;         // a pause between two looks at a window
 void AwaitPainted(HWND window, double limit);  // until the window has nothing to paint; `limit` is a value of NowMs()
+
+// The visible windows of a frame, found once, because looking for them takes longer than what is measured.
+class ShownWindows {
+public:
+    explicit ShownWindows(HWND frame) : frame_(frame) { Add(); }
+    void Add();                             // those that are visible now, too
+    void AwaitPainted(double limit) const;  // until all of them have been painted; `limit` is a value of NowMs()
+
+private:
+    HWND frame_;
+    std::vector<HWND> windows_;
+};
+// Waits until the window has had nothing to paint for a while, because after a jump the program may have more to do.
+void AwaitQuiet(HWND window);
+// Brings the program to the front and waits for the focus in its pane. A window behind another one paints nothing, and
+// a pane without the focus has no caret to draw, so that its keys cost less than a person's.
+void BringToFront(const Program& program);
+inline constexpr UINT kAnswerLimitMs = 60000;
 LRESULT Ask(HWND window, UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
 // Runs floor.exe with these arguments and returns the number that it prints.
 double RunFloor(const std::wstring& arguments);

@@ -15,21 +15,11 @@ constexpr int kKeysOfTurn = 40;
 constexpr int kNewLineEvery = 40;
 constexpr DWORD kTypistMs = 60;  // 200 words a minute
 constexpr double kKeyLimitMs = 20000;
-constexpr DWORD kQuietMs = 20;
 constexpr std::string_view kTyped = "total = total + 12 ' sum ";
 // With beginnings of names that all 200,000 declarations have, or many, or few. A line is as long as a new line needs it,
 // so that no list is open then.
 constexpr std::string_view kTypedNames = "na12 = name3456 + nam(na7) - name12 + 1 ";
 static_assert(kTypedNames.size() == kNewLineEvery);
-
-// Waits until the window has had nothing to paint for a while, because after a jump the program may have more to do.
-void AwaitQuiet(HWND window) {
-    for (int quiet = 0; quiet < 10; ++quiet) {
-        AwaitPainted(window, NowMs() + kKeyLimitMs);
-        Sleep(kQuietMs);
-        Ask(window, WM_NULL);
-    }
-}
 
 double TypeOne(HWND pane, int number, std::string_view typed) {
     const LRESULT before = Ask(pane, SCI_GETLENGTH);
@@ -62,18 +52,6 @@ void GoTo(HWND pane, const Place& place) {
     Ask(pane, SCI_GOTOLINE, static_cast<WPARAM>(line));
     Ask(pane, SCI_LINEEND);
     AwaitQuiet(pane);
-}
-
-// Brings the program to the front and waits for the focus in its pane. A window behind another one paints nothing, and
-// a pane without the focus has no caret to draw, so that its keys cost less than a person's.
-void BringToFront(const Program& program) {
-    SetForegroundWindow(program.Main());
-    const double start = NowMs();
-    while (Ask(program.Sci(), SCI_GETFOCUS) == 0 || GetForegroundWindow() != program.Main()) {
-        if (NowMs() - start > kKeyLimitMs) Die("a program does not come to the front");
-        Pause(kLookMs);
-    }
-    AwaitQuiet(program.Sci());
 }
 
 // Rests for `paceMs` after each key.

@@ -17,7 +17,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr double kReadyLimitMs = 120000;
-constexpr UINT kAnswerLimitMs = 60000;
 constexpr const wchar_t* kCompilerFolders[] = {L"KVXA64", L"KVXB64", L"KVXC64", L"KVXA32", L"KELDORRBASIC"};
 
 fs::path OwnFolder() {
@@ -220,35 +219,6 @@ Memory Program::SettledMemory() const {
     }
     constexpr double kMb = 1024.0 * 1024.0;
     return {static_cast<double>(counters.WorkingSetSize) / kMb, static_cast<double>(counters.PeakWorkingSetSize) / kMb};
-}
-
-void Pause(double ms) {
-    using Delay = LONG(WINAPI*)(BOOLEAN alertable, const LARGE_INTEGER* interval);
-    static const auto delay = reinterpret_cast<Delay>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtDelayExecution")));
-    if (delay == nullptr) Die("ntdll.dll has no NtDelayExecution");
-    LARGE_INTEGER interval = {};
-    interval.QuadPart = -static_cast<LONGLONG>(ms * 10000);  // negative: relative, in units of 100 ns
-    delay(FALSE, &interval);
-}
-
-static bool NeedsPaint(HWND window) {
-    RECT rect = {};
-    return GetUpdateRect(window, &rect, FALSE) != FALSE;
-}
-
-void AwaitPainted(HWND window, double limit) {
-    while (NeedsPaint(window)) {
-        if (NowMs() > limit) Die("a window is not painted");
-        Pause(kLookMs);
-    }
-}
-
-LRESULT Ask(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    DWORD_PTR result = 0;
-    if (!SendMessageTimeoutW(window, message, wParam, lParam, SMTO_NORMAL, kAnswerLimitMs, &result))
-        Die("a window does not answer message " + std::to_string(message));
-    return static_cast<LRESULT>(result);
 }
 
 double RunFloor(const std::wstring& arguments) {
