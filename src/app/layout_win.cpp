@@ -61,12 +61,12 @@ bool IsPlaced(HWND child, const PaneRect& area) {
     return now.left == area.left && now.top == area.top && now.right == area.right && now.bottom == area.bottom;
 }
 
-// Moves one child window; an empty rectangle hides it. DeferWindowPos lets a resize repaint only once.
+// Moves one child window; an empty rectangle hides it. DeferWindowPos and SWP_DEFERERASE let a resize repaint only once.
 void PlaceChild(HDWP& moves, HWND child, const PaneRect& area) {
     if (child == nullptr || moves == nullptr || IsPlaced(child, area)) return;
     const UINT flags = area.empty() ? SWP_HIDEWINDOW | SWP_NOMOVE | SWP_NOSIZE : SWP_SHOWWINDOW;
     moves = DeferWindowPos(moves, child, nullptr, area.left, area.top, area.width(), area.height(),
-                           flags | SWP_NOZORDER | SWP_NOACTIVATE);
+                           flags | SWP_NOZORDER | SWP_NOACTIVATE | SWP_DEFERERASE);
 }
 
 void PlaceChildren(const PaneLayout& layout) {
@@ -93,8 +93,9 @@ void PlaceChildren(const PaneLayout& layout) {
     const std::vector<PanePart> titles = PaneTitleParts(layout);
     panes.insert(panes.end(), titles.begin(), titles.end());
     HDWP moves = BeginDeferWindowPos(static_cast<int>(std::size(frame) + panes.size()));
-    for (const PanePart& part : frame) PlaceChild(moves, part.window, part.area);
+    // The panes are first, because a list that moves erases at once what the moves before it have uncovered.
     for (const PanePart& part : panes) PlaceChild(moves, part.window, part.area);
+    for (const PanePart& part : frame) PlaceChild(moves, part.window, part.area);
     if (moves != nullptr) EndDeferWindowPos(moves);
     if (!layout.status.empty()) StatusBarLayout(layout.status.width());
 }

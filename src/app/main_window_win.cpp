@@ -213,7 +213,6 @@ LRESULT CALLBACK MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
 HWND MainWindow_Init(HINSTANCE instance, int showCommand) {
     WNDCLASSEXW description = {};
     description.cbSize = sizeof(description);
-    description.style = CS_HREDRAW | CS_VREDRAW;
     description.lpfnWndProc = MainWndProc;
     description.hInstance = instance;
     description.hIcon = LoadIconW(instance, MAKEINTRESOURCEW(IDI_APP));

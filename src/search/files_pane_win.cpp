@@ -109,7 +109,8 @@ void LayOutFilesPane() {
     RECT client = {};
     GetClientRect(g_filesPane.pane, &client);
     const int bar = std::min<int>(UiScaled(kBarHeight), client.bottom);
-    SetWindowPos(g_filesPane.list, nullptr, 0, bar, client.right, client.bottom - bar, SWP_NOZORDER | SWP_NOACTIVATE);
+    SetWindowPos(g_filesPane.list, nullptr, 0, bar, client.right, client.bottom - bar,
+                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_DEFERERASE);
     // The width without the scroll bar, which comes with the rows: a wider column would bring a second bar.
     ListSend(LVM_SETCOLUMNWIDTH, 0, MAKELPARAM(std::max<int>(client.right - GetSystemMetrics(SM_CXVSCROLL) - 1, 1), 0));
     PlaceButtons();

@@ -163,7 +163,7 @@ void LayOut() {
     const int height = UiSizes().textHeight + UiScaled(kFieldRoom);  // a field shows its text at the top of its room
     const int button = UiScaled(kButtonWidth), right = static_cast<int>(client.right);
     const int top = (bar - height) / 2;
-    const UINT flags = SWP_NOZORDER | SWP_NOACTIVATE;
+    const UINT flags = SWP_NOZORDER | SWP_NOACTIVATE | SWP_DEFERERASE;
     SetWindowPos(g_outline.field, nullptr, gap, top, std::max(right - button - 3 * gap, 0), height, flags);
     SetWindowPos(g_outline.button, nullptr, right - button - gap, top, button, height, flags);
     SetWindowPos(g_outline.list.window, nullptr, 0, bar, right, std::max<int>(client.bottom - bar, 0), flags);
