@@ -19,6 +19,7 @@ constexpr int kStarts = 5;
 constexpr int kSaves = 20;
 constexpr int kSwitches = 60;
 constexpr DWORD kBetweenSwitches = 50;  // ms
+constexpr DWORD kAfterReturn = 3000;    // ms
 constexpr double kLimitMs = 20000;
 
 template <typename Condition>
@@ -102,6 +103,7 @@ void MeasureSwitches(const Program& editor) {
     Ask(editor.Main(), WM_COMMAND, IDM_TAB_RECENT);
     shown.Add();
     shown.AwaitPainted(NowMs() + kLimitMs);
+    Sleep(kAfterReturn);  // the program looks at its files when it comes to the front
     std::vector<double> times;
     for (int i = 0; i < kSwitches; ++i) {
         Sleep(kBetweenSwitches);

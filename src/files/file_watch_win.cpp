@@ -17,10 +17,12 @@
 
 namespace {
 
-constexpr std::size_t kMostFolders = 60;     // WaitForMultipleObjects takes 64 handles
-constexpr ULONGLONG kPollMs = 3000;          // between two looks at a file whose folder does not tell
-constexpr ULONGLONG kRareMs = 10000;         // and at one whose folder does
-constexpr ULONGLONG kAgainMs = 100;          // between two looks at a file that has not settled
+constexpr std::size_t kMostFolders = 60;  // WaitForMultipleObjects takes 64 handles
+constexpr ULONGLONG kPollMs = 3000;       // between two looks at a file whose folder does not tell
+constexpr ULONGLONG kRareMs = 10000;      // and at one whose folder does
+constexpr ULONGLONG kAgainMs = 100;       // between two looks at a file that has not settled
+constexpr std::size_t kLooksInTurn = 2;   // a look at hundreds of files leaves the disk to others in between
+constexpr DWORD kBetweenTurnsMs = 10;
 constexpr std::size_t kMostEntries = 20000;  // of a folder in which a renamed file is looked for
 constexpr DWORD kWhatTells = FILE_NOTIFY_CHANGE_FILE_NAME | FILE_NOTIFY_CHANGE_LAST_WRITE | FILE_NOTIFY_CHANGE_SIZE |
                              FILE_NOTIFY_CHANGE_ATTRIBUTES;
@@ -186,11 +188,15 @@ void TakeOrders(WatchThread& watch) {
 void LookAtDueFiles(WatchThread& watch, const WorkerCancel& cancel) {
     auto report = std::make_unique<FileWatchReport>();
     bool settling = false;
+    std::size_t looks = 0;
     for (FileUnderWatch& file : watch.files) {
-        if (cancel.Asked()) return;
-        if (file.due <= GetTickCount64())
+        if (file.due <= GetTickCount64()) {
+            const bool pauses = looks != 0 && looks % kLooksInTurn == 0;
+            if (WaitForSingleObject(cancel.Event(), pauses ? kBetweenTurnsMs : 0) == WAIT_OBJECT_0) return;
+            ++looks;
             if (std::optional<SeenFile> seen = LookAt(file, IsWatched(watch, file), cancel))
                 report->seen.push_back(std::move(*seen));
+        }
         settling = settling || file.settling.began != 0;
     }
     const bool answered = watch.answers && !settling;

@@ -108,7 +108,7 @@ void TabBarPaintTab(HDC dc, int index, const TabRect& rect) {
     const DocumentTab& tab = TabAt(index);
     const TabPointer& pointer = g_tabBar.pointer;
     const TabFacts facts = {.active = index == g_documents.activeTab,
-                            .focused = GetFocus() == g_tabs.hTabCtrl,
+                            .focused = index == g_documents.activeTab && GetFocus() == g_tabs.hTabCtrl,
                             .modified = tab.modified,
                             .pinned = tab.pinned,
                             .light = TabLightOf(TabStateOf(tab)),
