@@ -5,6 +5,8 @@
 
 namespace {
 
+constexpr std::ptrdiff_t kNearEnough = 32 << 10;  // bytes above the view that one paint can colour too
+
 std::ptrdiff_t Moved(std::ptrdiff_t mark, const ColourChange& change) {
     if (mark <= change.position) return mark;
     return std::max(mark - change.deleted, change.position) + change.inserted;
@@ -16,6 +18,11 @@ void ColourMarksOnChange(ColourMarks* marks, const ColourChange& change) {
     marks->known = Moved(marks->known, change);
     marks->settles = std::max(Moved(marks->settles, change), change.settles);
     marks->coloured = std::min(marks->coloured, change.lineStart);
+    if (change.position < marks->view.start)
+        marks->view = {};
+    else
+        marks->view.end = std::clamp(Moved(marks->view.end, change), marks->view.start,
+                                     std::max(marks->view.start, change.lineStart));
 }
 
 void ColourMarksOnPass(ColourMarks* marks, std::ptrdiff_t to, bool same, std::ptrdiff_t next) {
@@ -25,11 +32,22 @@ void ColourMarksOnPass(ColourMarks* marks, std::ptrdiff_t to, bool same, std::pt
     marks->settles = marks->coloured == marks->known ? 0 : std::max(marks->settles, next);
 }
 
-void ColourMarksOnView(ColourMarks* marks, std::ptrdiff_t next) { marks->settles = std::max(marks->settles, next); }
+void ColourMarksOnView(ColourMarks* marks, PaneSpan view, std::ptrdiff_t next) {
+    marks->settles = std::max(marks->settles, next);
+    marks->view = view;
+}
 
 void ColourMarksOnReset(ColourMarks* marks, std::ptrdiff_t position) {
     marks->coloured = std::min(marks->coloured, position);
     marks->known = marks->coloured;
+    marks->view = {};
+}
+
+PaintColours ColoursForPaint(const ColourMarks& marks, PaneSpan visible) {
+    if (marks.coloured >= visible.end) return PaintColours::Ready;
+    if (visible.start - marks.coloured <= kNearEnough) return PaintColours::FromMark;
+    if (visible.start < marks.view.start || visible.start > marks.view.end) return PaintColours::VisibleOnly;
+    return visible.end <= marks.view.end ? PaintColours::Ready : PaintColours::FromView;
 }
 
 std::ptrdiff_t ColourSliceWanted(const ColourMarks& marks, std::ptrdiff_t chunk, std::ptrdiff_t length) {

@@ -2,12 +2,16 @@
 // again from the first line on before which the lexer has the state that it had. Positions are bytes. Pure.
 #pragma once
 
+#include "editor/pane_rules.h"
+
 #include <cstddef>
+#include <cstdint>
 
 struct ColourMarks {
     std::ptrdiff_t coloured = 0;  // everything before is right
     std::ptrdiff_t settles = 0;   // a pass that ends here or later, with the state of before, ends the recolouring
     std::ptrdiff_t known = 0;     // up to here colours are those of before the changes; never before `coloured`
+    PaneSpan view;                // coloured without the lines above it; empty: none
 };
 
 // `inserted` or `deleted` bytes at `position`. `lineStart`: of its line. `settles`: the start of the second line after the
@@ -27,11 +31,20 @@ void ColourMarksOnChange(ColourMarks* marks, const ColourChange& change);
 // coloured again.
 void ColourMarksOnPass(ColourMarks* marks, std::ptrdiff_t to, bool same, std::ptrdiff_t next);
 
-// Lines were coloured without those above them. `next`: as before.
-void ColourMarksOnView(ColourMarks* marks, std::ptrdiff_t next);
+// The lines of `view` were coloured without those above them. `next`: as before.
+void ColourMarksOnView(ColourMarks* marks, PaneSpan view, std::ptrdiff_t next);
 
 // Nothing from `position` on counts as coloured: another text, lexer or property.
 void ColourMarksOnReset(ColourMarks* marks, std::ptrdiff_t position);
+
+// What must be coloured before a paint of `visible`.
+enum class PaintColours : std::uint8_t {
+    Ready,        // nothing: all visible text is coloured
+    FromMark,     // all text from `coloured` on: the part above the view is short
+    FromView,     // what is missing behind `view`, which begins above: so typing after a jump costs the changed line
+    VisibleOnly,  // the visible part now, the part above it later
+};
+PaintColours ColoursForPaint(const ColourMarks& marks, PaneSpan visible);
 
 // Where the next slice of at most `chunk` bytes should end in a text of `length` bytes. Soon after the changed lines,
 // because most changes settle there.

@@ -149,32 +149,33 @@ void EditorColourOnChange(HWND editor, LRESULT position, LRESULT inserted, LRESU
 
 void EditorColourStop(HWND editor) { KillTimer(editor, kTimer); }
 
-bool EditorColourBeforePaint(HWND editor) {
+PaintColours EditorColourBeforePaint(HWND editor) {
     PaneState* state = PaneStateOf(editor);
-    if (state == nullptr) return false;
+    if (state == nullptr) return PaintColours::Ready;
     if (!HasLexer(editor)) {
         ClaimColoured(editor);  // or every paint would ask
-        return false;
+        return PaintColours::Ready;
     }
     const LRESULT length = SciSend(editor, SCI_GETLENGTH);
     NoticeReset(editor, *state, length);
-    if (state->colours.coloured >= length) return false;
+    if (state->colours.coloured >= length) return PaintColours::Ready;
     if (!state->colouring) StartColourTimer(editor, *state);
 
     const PaneSpan visible = VisiblePart(editor);
-    switch (ColoursForPaint(state->colours.coloured, visible)) {
-        case PaintColours::Ready: return false;
-        case PaintColours::FromMark:
-            // The paint itself colours from the mark on, and repaints no more than what changed.
-            SciSend(editor, SCI_STARTSTYLING, static_cast<WPARAM>(state->colours.coloured), 0);
-            return true;
-        case PaintColours::VisibleOnly: break;
+    const PaintColours needed = ColoursForPaint(state->colours, visible);
+    switch (needed) {
+        case PaintColours::Ready: break;
+        // The paint itself colours from the mark on, and repaints no more than what changed.
+        case PaintColours::FromMark: PaneSend(editor, SCI_STARTSTYLING, state->colours.coloured); break;
+        case PaintColours::FromView: PaneSend(editor, SCI_STARTSTYLING, state->colours.view.end); break;
+        case PaintColours::VisibleOnly:
+            EditorPaneFindAssembly(editor, visible.start);
+            SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(visible.start), visible.end);
+            ColourMarksOnView(&state->colours, visible, LineStartAfter(editor, visible.end - 1, 2));
+            ClaimColoured(editor);
+            break;
     }
-    EditorPaneFindAssembly(editor, visible.start);
-    SciSend(editor, SCI_COLOURISE, static_cast<WPARAM>(visible.start), visible.end);
-    ColourMarksOnView(&state->colours, LineStartAfter(editor, visible.end - 1, 2));
-    ClaimColoured(editor);
-    return false;
+    return needed;
 }
 
 bool EditorColourUpTo(HWND editor, LRESULT position) {
@@ -208,10 +209,16 @@ bool EditorColourAll(HWND editor, const std::function<bool(double)>& goesOn) {
     return true;
 }
 
-void EditorColourAfterPaint(HWND editor) {
+void EditorColourAfterPaint(HWND editor, PaintColours before) {
     PaneState* state = PaneStateOf(editor);
-    if (state == nullptr) return;
+    const bool byPaint = before == PaintColours::FromMark || before == PaintColours::FromView;
+    if (state == nullptr || !byPaint) return;
+    ColourMarks& marks = state->colours;
     const LRESULT styled = SciSend(editor, SCI_GETENDSTYLED);
-    if (styled > state->colours.coloured) NotePass(editor, *state, styled);
+    if (before == PaintColours::FromMark) {
+        if (styled > marks.coloured) NotePass(editor, *state, styled);
+    } else if (styled > marks.view.end) {
+        ColourMarksOnView(&marks, {marks.view.start, styled}, LineStartAfter(editor, styled - 1, 2));
+    }
     ClaimColoured(editor);
 }

@@ -105,9 +105,9 @@ LRESULT PaintPane(HWND pane, WPARAM wParam, LPARAM lParam) {
     const PaneState* state = PaneStateOf(pane);
     if (state != nullptr && state->emptyPaint) return SubclassNext(pane, WM_PAINT, wParam, lParam);
     EditorPaneCheckLineMargin(pane);
-    const bool colours = EditorColourBeforePaint(pane);
+    const PaintColours colours = EditorColourBeforePaint(pane);
     const LRESULT result = SubclassNext(pane, WM_PAINT, wParam, lParam);
-    if (colours) EditorColourAfterPaint(pane);
+    EditorColourAfterPaint(pane, colours);
     return result;
 }
 

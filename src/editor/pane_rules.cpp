@@ -9,7 +9,6 @@ namespace {
 constexpr double kSliceSeconds = 0.003;
 constexpr std::size_t kSmallestChunk = 4 << 10;
 constexpr std::size_t kLargestChunk = 1 << 20;
-constexpr std::ptrdiff_t kNearEnough = 32 << 10;  // bytes above the view that one paint can colour too
 constexpr std::ptrdiff_t kBraceReach = 16 << 10;  // bytes searched before and after the bracket
 
 }  // namespace
@@ -33,11 +32,6 @@ std::size_t NextColourChunk(std::size_t chunk, double seconds) {
 std::ptrdiff_t ColourSliceEnd(std::ptrdiff_t from, std::ptrdiff_t wanted, std::ptrdiff_t lineStart,
                               std::ptrdiff_t length) {
     return lineStart > from && wanted < length ? lineStart : wanted;
-}
-
-PaintColours ColoursForPaint(std::ptrdiff_t coloured, PaneSpan visible) {
-    if (coloured >= visible.end) return PaintColours::Ready;
-    return visible.start - coloured <= kNearEnough ? PaintColours::FromMark : PaintColours::VisibleOnly;
 }
 
 ColourStep NextColourStep(std::ptrdiff_t coloured, std::ptrdiff_t length, bool paintIsDue) {

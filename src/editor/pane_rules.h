@@ -30,14 +30,6 @@ inline constexpr std::size_t kFirstColourChunk = 32 << 10;
 std::ptrdiff_t ColourSliceEnd(std::ptrdiff_t from, std::ptrdiff_t wanted, std::ptrdiff_t lineStart,
                               std::ptrdiff_t length);
 
-// What must be coloured before a paint, when everything before `coloured` already is.
-enum class PaintColours : std::uint8_t {
-    Ready,        // nothing: all visible text is coloured
-    FromMark,     // all text from `coloured` on: the part above the view is short
-    VisibleOnly,  // the visible part now, the part above it later
-};
-PaintColours ColoursForPaint(std::ptrdiff_t coloured, PaneSpan visible);
-
 // What idle time is used for.
 enum class ColourStep : std::uint8_t {
     Done,   // all is coloured

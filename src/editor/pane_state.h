@@ -65,10 +65,9 @@ void EditorColourRestart(HWND editor);
 // The same after `inserted` or `deleted` bytes at `position`, as far down as colours may have become others.
 void EditorColourOnChange(HWND editor, LRESULT position, LRESULT inserted, LRESULT deleted);
 // Called before and after a paint. The first colours the text that is about to be visible, also when text above it is
-// not coloured yet. When it returns true, the paint itself does the colouring, and EditorColourAfterPaint must be
-// called.
-bool EditorColourBeforePaint(HWND editor);
-void EditorColourAfterPaint(HWND editor);
+// not coloured yet, or lets the paint itself do it. The second takes what the first returned.
+PaintColours EditorColourBeforePaint(HWND editor);
+void EditorColourAfterPaint(HWND editor, PaintColours before);
 // Colours what is missing before `position` when that is little. False when it is too much.
 bool EditorColourUpTo(HWND editor, LRESULT position);
 // Colours all that is missing, for a command that needs the levels of every line. `goesOn` is asked with the share that is

@@ -1,6 +1,7 @@
 // Caret colour, navigation history, colouring of a pane, sticky header, brackets.
 #include "documents/nav_history.h"
 #include "editor/brace_match.h"
+#include "editor/colour_marks.h"
 #include "editor/comment_toggle.h"
 #include "editor/pane_rules.h"
 #include "editor/sticky_header.h"
@@ -90,10 +91,32 @@ TEST(NavHistory, PlacesFollowTheirDocumentsAndEndWithThem) {
 }
 
 TEST(PaneRules, ColoursWhatIsSeenFirstInSlicesThatTakeAFewMilliseconds) {
-    EXPECT_EQ(ColoursForPaint(500, {100, 500}), PaintColours::Ready);
-    EXPECT_EQ(ColoursForPaint(499, {100, 500}), PaintColours::FromMark);
-    EXPECT_EQ(ColoursForPaint(0, {32 << 10, 40 << 10}), PaintColours::FromMark);
-    EXPECT_EQ(ColoursForPaint(0, {(32 << 10) + 1, 40 << 10}), PaintColours::VisibleOnly);
+    constexpr PaneSpan kFar = {33 << 10, 40 << 10};
+    const PaneSpan part = {kFar.start, 36 << 10};  // of kFar, when a line in its middle was changed
+    const struct {
+        ColourMarks marks;
+        PaneSpan visible;
+        PaintColours needed;
+    } paints[] = {
+        {{.coloured = 500}, {100, 500}, PaintColours::Ready},
+        {{.coloured = 499}, {100, 500}, PaintColours::FromMark},
+        {{}, {32 << 10, 40 << 10}, PaintColours::FromMark},
+        {{}, {(32 << 10) + 1, 40 << 10}, PaintColours::VisibleOnly},
+        {{.view = kFar}, kFar, PaintColours::Ready},
+        {{.view = part}, kFar, PaintColours::FromView},
+        {{.view = part}, {kFar.start - 1, kFar.end}, PaintColours::VisibleOnly},
+        {{.view = part}, {part.end + 1, 40 << 10}, PaintColours::VisibleOnly},
+    };
+    for (const auto& paint : paints) EXPECT_EQ(ColoursForPaint(paint.marks, paint.visible), paint.needed);
+
+    ColourMarks marks;
+    ColourMarksOnView(&marks, {1000, 2000}, 2100);
+    ColourMarksOnChange(&marks, {.position = 1510, .inserted = 5, .lineStart = 1500, .settles = 1600});
+    EXPECT_EQ(marks.view, (PaneSpan{1000, 1500})) << "the changed line and those below are coloured again";
+    ColourMarksOnChange(&marks, {.position = 3000, .inserted = 5, .lineStart = 2990, .settles = 3100});
+    EXPECT_EQ(marks.view, (PaneSpan{1000, 1500})) << "a change below takes nothing away";
+    ColourMarksOnChange(&marks, {.position = 999, .deleted = 1, .lineStart = 990, .settles = 1100});
+    EXPECT_EQ(marks.view, PaneSpan{}) << "what is above decides about it";
 
     EXPECT_EQ(NextColourChunk(0, 1), kFirstColourChunk);
     EXPECT_EQ(NextColourChunk(100000, 0.003), 100000U);
