@@ -33,6 +33,28 @@ ColumnRoom RoomOfColumn(const ListKind& kind, int column) {
     return {wanted.characters * each + rest, wanted.least * each + rest};
 }
 
+int ListRowHeight(const ListView& list) {
+    RECT first = {};
+    first.left = LVIR_BOUNDS;
+    ListViewSend(list, LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&first));
+    return std::max<int>(first.bottom - first.top, 1);
+}
+
+// The width for the columns. It does not ask which scroll bars there are now: the columns themselves bring or remove
+// the horizontal one, that one changes the height, and the height brings or removes the vertical one, without end.
+int RoomForColumns(const ListView& list) {
+    RECT window = {}, header = {}, client = {};
+    GetWindowRect(list.window, &window);
+    GetWindowRect(ListViewHeader(list), &header);
+    GetClientRect(list.window, &client);
+    const auto style = static_cast<DWORD>(GetWindowLongPtrW(list.window, GWL_STYLE));
+    const int frame = (style & WS_BORDER) != 0 ? 2 * GetSystemMetrics(SM_CXBORDER) : 0;
+    const int width = window.right - window.left - frame;
+    const int rows = ListViewRowCount(list) > 0 ? ListViewRowCount(list) * ListRowHeight(list) : 0;
+    if (rows <= window.bottom - window.top - frame - (header.bottom - header.top)) return width;
+    return (style & WS_VSCROLL) != 0 ? client.right : width - GetSystemMetrics(SM_CXVSCROLL);
+}
+
 void KeepPlace(ListView& list) {
     const auto columns = static_cast<int>(SendMessageW(ListViewHeader(list), HDM_GETITEMCOUNT, 0, 0));
     if (list.kind == nullptr || columns < 1) return;
@@ -63,13 +85,9 @@ void InsertColumns(ListView& list) {
 // --- Rows
 
 void ScrollTo(const ListView& list, int top) {
-    RECT first = {};
-    first.left = LVIR_BOUNDS;
-    if (ListViewRowCount(list) == 0 ||
-        ListViewSend(list, LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&first)) == FALSE)
-        return;
-    const int height = std::max<int>(first.bottom - first.top, 1);
-    ListViewSend(list, LVM_SCROLL, 0, (top - static_cast<int>(ListViewSend(list, LVM_GETTOPINDEX))) * height);
+    if (ListViewRowCount(list) == 0) return;
+    const int rows = top - static_cast<int>(ListViewSend(list, LVM_GETTOPINDEX));
+    ListViewSend(list, LVM_SCROLL, 0, rows * ListRowHeight(list));
 }
 
 // Makes some rows around it visible, too: four after it, and two before it, which may hold its line of source.
@@ -89,9 +107,7 @@ void ListViewFitColumns(ListView& list) {
         columns.push_back(byUser && i + 1 < ListColumnCount(list)
                               ? ColumnRoom{ListColumnWidth(list, i), ListColumnWidth(list, i)}
                               : RoomOfColumn(*list.kind, i));
-    RECT client = {};
-    GetClientRect(list.window, &client);
-    const std::vector<int> widths = FitColumns(columns, client.right);
+    const std::vector<int> widths = FitColumns(columns, RoomForColumns(list));
     for (int i = 0; i < ListColumnCount(list); ++i) {
         const int width = widths[static_cast<std::size_t>(i)];
         if (width != ListColumnWidth(list, i))
