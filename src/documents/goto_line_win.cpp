@@ -53,7 +53,7 @@ void FillGotoDialog(HWND dialog, GotoTarget& target) {
                     FormatW(L"from 0 (shown as Col %ld)", static_cast<long>(target.shownColumn + 1)).c_str());
     wchar_t procedure[kProcedureCapacity];
     EditorPaneProcedureLine(g_documents.hEditor, procedure, kProcedureCapacity);
-    SetDlgItemTextW(dialog, IDC_GOTO_PROCEDURE, procedure);
+    SetDlgItemTextW(dialog, IDC_GOTO_PROCEDURE, procedure[0] != L'\0' ? procedure : L"no procedure");
     const HWND line = GetDlgItem(dialog, IDC_GOTO_LINE);
     SendMessageW(line, EM_SETSEL, 0, -1);
     SetFocus(line);

@@ -5,6 +5,7 @@
 #include "ui/fonts.h"
 #include "ui/paint.h"
 #include "ui/subclass.h"
+#include "ui/text_inset.h"
 #include "ui/window_text.h"
 
 #include <commctrl.h>
@@ -42,6 +43,13 @@ ControlKind KindOfControl(HWND control) {
     const bool isField = lstrcmpiW(name, WC_EDITW) == 0 || lstrcmpiW(name, WC_LISTBOXW) == 0 ||
                          lstrcmpiW(name, L"ComboLBox") == 0;  // the list of a combo box
     return framed && isField ? kFramed : kOther;
+}
+
+bool IsLineField(HWND control, ControlKind kind) {
+    wchar_t name[32] = {};
+    GetClassNameW(control, name, static_cast<int>(std::size(name)));
+    return kind == kFramed && lstrcmpiW(name, WC_EDITW) == 0 &&
+           (GetWindowLongPtrW(control, GWL_STYLE) & ES_MULTILINE) == 0;
 }
 
 bool HasFocus(HWND control) {
@@ -108,31 +116,45 @@ void PaintBox(HWND button) {
     DrawButtonText(button, paint.Dc(), text, DT_LEFT, focusArea);
 }
 
-// The chosen text of a combo box whose field is not a window of its own.
-void DrawChosenText(HWND combo, HDC dc, RECT area) {
+// The program draws combo boxes in the light theme, too: the system puts the text of a box that is as high as the fields
+// beside it at its top.
+struct ComboColours {
+    COLORREF back, text, edge;
+};
+
+ComboColours ColoursOfCombo(HWND combo) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
+    const bool enabled = IsWindowEnabled(combo) != FALSE;
+    const COLORREF edge = HasFocus(combo) ? chrome.accent : ControlEdge();
+    const COLORREF text = enabled ? chrome.paneText : ThemeQuietText();
+    if (ThemeDrawsControls()) return {chrome.paneBack, text, edge};
+    return {GetSysColor(enabled ? COLOR_WINDOW : COLOR_BTNFACE), text, edge};
+}
+
+// The chosen text of a combo box whose field is not a window of its own.
+void DrawChosenText(HWND combo, HDC dc, RECT area, COLORREF colour) {
     const auto font = reinterpret_cast<HFONT>(SendMessageW(combo, WM_GETFONT, 0, 0));
     const HGDIOBJ oldFont = SelectObject(dc, font != nullptr ? font : UiFont());
     SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, IsWindowEnabled(combo) ? chrome.paneText : ThemeQuietText());
-    area.left += UiScaled(4);
+    SetTextColor(dc, colour);
+    area.left += UiScaled(5);
     DrawTextW(dc, WindowText(combo).c_str(), -1, &area, DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
     SelectObject(dc, oldFont);
 }
 
 // A field that is a window of its own is left alone because of WS_CLIPCHILDREN.
 void PaintCombo(HWND combo) {
-    const ThemeChrome& chrome = ThemeCurrentChrome();
+    const ComboColours colours = ColoursOfCombo(combo);
     COMBOBOXINFO info = {};
     info.cbSize = sizeof(info);
     GetComboBoxInfo(combo, &info);
     const BufferedPaint paint(combo);
-    RECT area = paint.Client();
-    FillArea(paint.Dc(), area, chrome.paneBack);
-    FrameArea(paint.Dc(), area, HasFocus(combo) ? chrome.accent : ControlEdge());
+    const RECT area = paint.Client();
+    FillArea(paint.Dc(), area, colours.back);
+    FrameArea(paint.Dc(), area, colours.edge);
     if (info.hwndItem == nullptr || info.hwndItem == combo)
-        DrawChosenText(combo, paint.Dc(), {area.left, area.top, info.rcButton.left, area.bottom});
-    DrawDropArrow(paint.Dc(), info.rcButton, info.rcButton.right - info.rcButton.left, chrome.paneText);
+        DrawChosenText(combo, paint.Dc(), {area.left, area.top, info.rcButton.left, area.bottom}, colours.text);
+    DrawDropArrow(paint.Dc(), info.rcButton, info.rcButton.right - info.rcButton.left, colours.text);
 }
 
 // Draws the frame over that of the system, which has drawn the scroll bars too.
@@ -198,7 +220,8 @@ LRESULT PassAndRepaint(HWND control, UINT message, WPARAM wParam, LPARAM lParam,
 
 LRESULT CALLBACK ControlProc(HWND control, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR data) {
     const auto kind = static_cast<ControlKind>(data);
-    if (!ThemeDrawsControls()) return SubclassNext(control, message, wParam, lParam);
+    const bool drawn = kind == kCombo ? !SystemHighContrast() : ThemeDrawsControls();
+    if (!drawn) return SubclassNext(control, message, wParam, lParam);
     if (message == WM_NCPAINT && kind == kFramed) return PassAndRepaint(control, message, wParam, lParam, kind);
     if (DrawsAtOnce(message, kind)) return PassAndRepaint(control, message, wParam, lParam, kind);
     if (kind == kFramed) return SubclassNext(control, message, wParam, lParam);
@@ -214,7 +237,9 @@ void ThemeCombo(HWND combo) {
     if ((style & WS_CLIPCHILDREN) == 0) SetWindowLongPtrW(combo, GWL_STYLE, style | WS_CLIPCHILDREN);
     COMBOBOXINFO info = {};
     info.cbSize = sizeof(info);
-    if (GetComboBoxInfo(combo, &info) && info.hwndList != nullptr) ControlApplyTheme(info.hwndList);
+    if (!GetComboBoxInfo(combo, &info)) return;
+    if (info.hwndList != nullptr) ControlApplyTheme(info.hwndList);
+    if (info.hwndItem != nullptr && info.hwndItem != combo) TextInsetCentre(info.hwndItem);
 }
 
 // A bar with a visual style would not take the colours. " " names a style that there is not; Wine ignores an empty name.
@@ -235,6 +260,7 @@ void ControlApplyTheme(HWND control) {
     if (kind == kOther) return;
     SubclassAdd(control, ControlProc, kind);  // setting it again changes nothing
     if (kind == kCombo) ThemeCombo(control);
+    if (IsLineField(control, kind)) TextInsetCentre(control);
     if (kind == kFramed) ScrollBarsApplyTheme(control);
     // All of a hidden control is painted when it is shown.
     if (IsWindowVisible(control)) RedrawWindow(control, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_ERASE);

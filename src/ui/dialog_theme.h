@@ -1,11 +1,12 @@
-// Dialogs and captions in the dark theme. In the light theme all of it is the system's own. UI thread only.
+// Dialogs and captions in the dark theme. In the light theme their colours are the system's own. UI thread only.
 #pragma once
 
 #include <windows.h>
 
 // Gives the caption of a top-level window the colours of the theme, where the system can do that.
 void FrameApplyTheme(HWND window);
-// Colours a dialog and its controls by the theme from now on. Called once, in WM_INITDIALOG.
+// Colours a dialog and its controls by the theme from now on, evens its rows, and makes it fit the screen when it is
+// shown. Called once, in WM_INITDIALOG.
 void DialogApplyTheme(HWND dialog);
 // The answer to WM_CTLCOLORSTATIC that shows the text of `control` as that of a problem when its id is `problem`. FALSE for
 // any other control.

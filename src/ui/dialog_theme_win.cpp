@@ -3,6 +3,7 @@
 #include "files/libraries.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
+#include "ui/dialog_screen.h"
 #include "ui/paint.h"
 #include "ui/subclass.h"
 
@@ -53,6 +54,8 @@ void PaintNothing(HWND dialog) {
 
 LRESULT CALLBACK DialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR kind) {
     if (message == WM_NCDESTROY) RemovePropW(dialog, kKindProperty);
+    // A dialog may change its size and its place until it is shown.
+    if (message == WM_SHOWWINDOW && wParam != FALSE && kind == kOwnDialog) DialogFitScreen(dialog);
     if (!ThemeDrawsControls()) return SubclassNext(dialog, message, wParam, lParam);
     switch (message) {
         case WM_CTLCOLORDLG:
@@ -122,7 +125,10 @@ void FrameApplyTheme(HWND window) {
     setAttribute(window, kDarkCaption, &dark, sizeof(dark));  // an older system refuses, and the caption stays light
 }
 
-void DialogApplyTheme(HWND dialog) { ThemeDialog(dialog, kOwnDialog); }
+void DialogApplyTheme(HWND dialog) {
+    DialogFitFields(dialog);
+    ThemeDialog(dialog, kOwnDialog);
+}
 
 void DialogsRenewTheme() { EnumThreadWindows(GetCurrentThreadId(), RenewWindow, 0); }
 

@@ -4,6 +4,7 @@
 #include "ui/chrome.h"
 #include "ui/fonts.h"
 #include "ui/redraw.h"
+#include "ui/text_inset.h"
 #include "ui/ui_state.h"
 
 #include <richedit.h>
@@ -62,10 +63,12 @@ LONG MovedPlace(LONG place, LONG from, LONG to, LONG length) {
 
 HWND RichPaneCreate(HWND parent, int controlId, const wchar_t* text, bool wrap) {
     const DWORD sideways = wrap ? 0U : static_cast<DWORD>(WS_HSCROLL | ES_AUTOHSCROLL);
-    return CreateWindowExW(
+    const HWND pane = CreateWindowExW(
         0, MSFTEDIT_CLASS, text,
         WS_CHILD | WS_CLIPSIBLINGS | WS_VSCROLL | ES_MULTILINE | ES_READONLY | ES_NOHIDESEL | ES_AUTOVSCROLL | sideways,
         0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_ui.hInstance, nullptr);
+    if (pane != nullptr) TextInsetPane(pane);
+    return pane;
 }
 
 LONG RichLinesAppend(HWND pane, std::span<const PaneLine> lines, LONG from) {

@@ -4,6 +4,7 @@
 #include "commands/status_fields.h"
 #include "ui/block_size.h"
 #include "ui/box_text.h"
+#include "ui/dialog_fit.h"
 #include "ui/fit.h"
 #include "ui/menu_text.h"
 #include "ui/scale.h"
@@ -30,6 +31,30 @@ TEST(BoxText, NoWordIsWiderThanTheScreen) {
         for (std::size_t at = broken.find(L'\n'); at != std::wstring::npos; at = broken.find(L'\n', at + 1))
             EXPECT_NE(broken[at + 1] & 0xFC00, 0xDC00) << most;
     }
+}
+
+TEST(DialogFit, TheListGivesWhatTheScreenLacks) {
+    // A label, a list, a box below it, a second list beside the box, a button.
+    const std::vector<FitPart> dialog = {
+        {10, 30, true}, {40, 240, false}, {250, 270, true}, {250, 350, false}, {360, 390, true}};
+    std::vector<FitPart> parts = dialog;
+    EXPECT_EQ(FitDialogHeight(parts, 70, 60), 70);
+    EXPECT_EQ(parts[1].end, 170);
+    EXPECT_EQ(parts[2].start, 180);
+    EXPECT_EQ(parts[4].end, 320);
+    EXPECT_EQ(parts[0].end, 30);
+    parts = dialog;
+    EXPECT_EQ(FitDialogHeight(parts, 160, 60), 160) << "the second gives what the first cannot";
+    EXPECT_EQ(parts[1].end - parts[1].start, 60);
+    EXPECT_EQ(parts[3].end - parts[3].start, 80);
+    EXPECT_EQ(FitDialogHeight(parts, 1000, 60), 20) << "no more than there is";
+
+    std::vector<FitPart> row = {{10, 100, true}, {110, 400, false}, {280, 340, true}, {350, 400, true}};
+    FitDialogWidth(row, 410, 50);
+    EXPECT_EQ(row[0].end, 100);
+    EXPECT_EQ(row[1].end, 350) << "a field becomes shorter";
+    EXPECT_EQ(row[2].start, 230) << "buttons move";
+    EXPECT_EQ(row[3].end, 350);
 }
 
 TEST(Columns, ShrinkInProportion) {

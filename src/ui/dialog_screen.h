@@ -1,0 +1,10 @@
+// What all dialogs need of their controls and their screen before they are shown. UI thread only.
+#pragma once
+
+#include <windows.h>
+
+// Makes the rows of a dialog even: combo boxes get the height of its fields, which a template cannot give
+// them.
+void DialogFitFields(HWND dialog);
+// Makes a dialog that is larger than the work area of its monitor as large as that, and moves it there.
+void DialogFitScreen(HWND dialog);
