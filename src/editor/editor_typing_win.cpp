@@ -48,7 +48,7 @@ void EditorPaneUpdateBraces(HWND editor) {
     PaneSend(editor, SCI_BRACEHIGHLIGHT, shown.first, shown.second);
 }
 
-// NAME and RIGHT are keywords, and programs have variables of that name.
+// NAME and RIGHT are keywords, and programs have variables and procedures of that name.
 static bool NamesVariable(HWND editor, LRESULT line, std::string_view word) {
     bool isVariable = false;
     if (const PaneState* const state = PaneStateOf(editor); state != nullptr && state->document != 0)

@@ -7,10 +7,75 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
+#include <string>
+#include <vector>
 
 namespace {
 
 constexpr int kLinesBetweenQuestions = 256;
+
+// The text's own procedures whose names are keywords, in capitals. Sorted.
+using OwnNames = std::vector<std::string>;
+
+// Takes the next word off the line; empty: none follows.
+std::string_view TakeWord(std::string_view* line) {
+    *line = WithoutLeadingBlanks(*line);
+    const auto isName = [](char c) {
+        return c == '_' || (c >= '0' && c <= '9') || (UpperAscii(c) >= 'A' && UpperAscii(c) <= 'Z');
+    };
+    const auto end = std::ranges::find_if_not(*line, isName);
+    const std::string_view word = line->substr(0, static_cast<std::size_t>(end - line->begin()));
+    line->remove_prefix(word.size());
+    return word;
+}
+
+// The name of the procedure that the line declares; empty: none. Names that are no keywords need not be known.
+std::string_view DeclaredName(std::string_view line, const Dialect& dialect) {
+    for (;;) {
+        const std::string_view word = TakeWord(&line);
+        switch (LookUpWord(word, dialect).word) {
+            case BasicWord::Declare:
+            case BasicWord::Callback:
+            case BasicWord::Class:
+            case BasicWord::Static:
+            case BasicWord::Thread: break;  // goes on
+            case BasicWord::Sub:
+            case BasicWord::Function:
+            case BasicWord::Method:
+            case BasicWord::FastProc:
+            case BasicWord::Macro: return TakeWord(&line);
+            case BasicWord::Property:
+                TakeWord(&line);  // GET or SET
+                return TakeWord(&line);
+            default: return {};
+        }
+    }
+}
+
+OwnNames OwnNamesOf(std::string_view text, const Dialect& dialect) {
+    OwnNames names;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size() - 1);
+        const std::string_view name = DeclaredName(text.substr(0, end + 1), dialect);
+        text.remove_prefix(end + 1);
+        const WordInfo info = LookUpWord(name, dialect);
+        const bool divides = info.word != BasicWord::None;  // such a word is never a name
+        if (name.empty() || divides || (info.kind != WordClass::Statement && info.kind != WordClass::Function))
+            continue;
+        std::string upper(name);
+        std::ranges::transform(upper, upper.begin(), UpperAscii);
+        names.push_back(std::move(upper));
+    }
+    std::ranges::sort(names);
+    return names;
+}
+
+bool IsOwnName(const OwnNames& names, std::string_view name) {
+    if (names.empty()) return false;
+    std::string upper(name);
+    std::ranges::transform(upper, upper.begin(), UpperAscii);
+    return std::ranges::binary_search(names, upper);
+}
 
 bool IsKeywordToken(std::string_view line, const Token& token, const Dialect& dialect) {
     if (token.kind != TokenKind::Word || token.Is(kTokenName) || token.Is(kTokenAssembly)) return false;
@@ -24,18 +89,19 @@ bool IsKeywordToken(std::string_view line, const Token& token, const Dialect& di
 }
 
 // The bytes of a token that are written in capitals.
-std::size_t CapitalsOf(std::string_view line, const Token& token, const Dialect& dialect) {
+std::size_t CapitalsOf(std::string_view line, const Token& token, const Dialect& dialect, const OwnNames& own) {
     if (token.Is(kTokenAssembly)) return 0;
     if (token.kind == TokenKind::Directive) return token.length;
     if (token.kind == TokenKind::Comment) return TokenText(line, token).find_first_of("'/") == 0 ? 0 : 3;  // REM
-    return IsKeywordToken(line, token, dialect) ? token.length : 0;
+    return IsKeywordToken(line, token, dialect) && !IsOwnName(own, TokenName(line, token)) ? token.length : 0;
 }
 
-void AppendToken(std::string& out, std::string_view line, const Token& token, const FormatOptions& options) {
+void AppendToken(std::string& out, std::string_view line, const Token& token, const FormatOptions& options,
+                 const OwnNames& own) {
     const std::size_t start = out.size();
     out.append(TokenText(line, token));
     if (!options.upperKeywords) return;
-    const std::size_t end = start + CapitalsOf(line, token, *options.dialect);
+    const std::size_t end = start + CapitalsOf(line, token, *options.dialect, own);
     for (std::size_t i = start; i < end; ++i)
         if (out[i] >= 'a' && out[i] <= 'z') out[i] = static_cast<char>(out[i] - 32);
 }
@@ -115,7 +181,7 @@ bool HasOperators(std::string_view line, const Token& first) {
 
 // The tokens of a line with their blanks. `operators`: whether those of a statement that began above are BASIC.
 void AppendTokens(std::string& out, std::string_view line, std::span<const Token> tokens, const FormatOptions& options,
-                  bool operators) {
+                  const OwnNames& own, bool operators) {
     Spacing spacing{line, tokens, *options.dialect, operators};
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         if (tokens[i].Is(kTokenStarts)) spacing.operators = HasOperators(line, tokens[i]);
@@ -125,7 +191,7 @@ void AppendTokens(std::string& out, std::string_view line, std::span<const Token
             if (blanks != Blanks::None) out.append(gap);
             if (blanks == Blanks::AtLeastOne && gap.empty()) out.push_back(' ');
         }
-        AppendToken(out, line, tokens[i], options);
+        AppendToken(out, line, tokens[i], options, own);
     }
 }
 
@@ -153,6 +219,7 @@ void TrimEnd(std::string& out, std::size_t start, std::span<const Token> tokens)
 
 struct Formatter {
     const FormatOptions& options;
+    OwnNames own;
     BlockTable table;
     LineState state = 0;
     BlockLine blocks;
@@ -187,7 +254,7 @@ void AppendLine(std::string& out, Formatter& formatter, const LineReader& reader
     if (!reader.tokens.empty() && !StaysAtStart(reader))
         AppendIndent(out, formatter.depth + (continues ? 1 : 0), formatter.options);
     const std::size_t start = out.size();
-    AppendTokens(out, reader.line, reader.tokens, formatter.options, formatter.operators);
+    AppendTokens(out, reader.line, reader.tokens, formatter.options, formatter.own, formatter.operators);
     TrimEnd(out, start, reader.tokens);
     out.append(reader.ending);
 }
@@ -209,7 +276,7 @@ std::string FormatBasicLines(std::string_view text, const FormatOptions& options
                              const std::function<bool(double share)>& goesOn) {
     std::string out;
     if (first <= 0) out.reserve(text.size() + text.size() / 8);
-    Formatter formatter{.options = options};
+    Formatter formatter{.options = options, .own = OwnNamesOf(text, *options.dialect)};
     LineReader reader{.text = text, .dialect = options.dialect};
     for (int line = 0; line <= last && ReadLine(reader); ++line) {
         const double share = static_cast<double>(reader.start) / static_cast<double>(text.size());
@@ -230,7 +297,7 @@ std::string KeywordsInCapitals(std::string_view line, LineState before, const Di
     const FormatOptions options{.dialect = &dialect};
     for (const Token& token : tokens) {
         out.append(line.substr(out.size(), token.start - out.size()));
-        AppendToken(out, line, token, options);
+        AppendToken(out, line, token, options, {});
     }
     return out.append(line.substr(out.size()));
 }

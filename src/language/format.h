@@ -1,5 +1,6 @@
 // The formatter: indents BASIC source by its blocks, writes keywords in capitals, and puts blanks around operators. The
-// tokens stay as they are, but for the case of keywords. Pure.
+// tokens stay as they are, but for the case of keywords. A keyword that the text declares as a procedure of its own is a
+// name there. Pure.
 #pragma once
 
 #include "language/blocks.h"

@@ -244,7 +244,7 @@ void SymbolsOnVariableAsked(DocumentId document, int line, std::string_view name
     const SymbolTable& table = *watched->table;
     const std::uint32_t tableLine = SymbolsTableLine(document, static_cast<std::uint32_t>(line));
     for (const std::uint32_t index : SymbolsMeantAt(table, tableLine, name))
-        if (IsVariable(table.symbols[index].kind)) *isVariable = true;
+        if (IsVariable(table.symbols[index].kind) || IsProcedure(table.symbols[index].kind)) *isVariable = true;
 }
 
 void SymbolsListen(void (*changed)(DocumentId document)) {

@@ -181,6 +181,20 @@ TEST(Format, LineEndsAndBlanksAtThem) {
     }
 }
 
+TEST(Format, OwnProceduresKeepTheirSpelling) {
+    const char* const source =
+        "print 1\nPrint 2\ncall Print(3): left$(a, 1)\n' sub Beep\nbeep\nstatic  Sub  Print(x as long)\nend sub\n"
+        "function = 1\nEnd Function\nDeclare Function Left$(s$) as string\nproperty get Open() as long\nopen x\n";
+    const std::string once = FormatBasicSource(source, {});
+    EXPECT_EQ(
+        once,
+        "print 1\nPrint 2\nCALL Print(3): left$(a, 1)\n' sub Beep\nBEEP\nSTATIC  SUB  Print(x AS LONG)\nEND SUB\n"
+        "FUNCTION = 1\nEND FUNCTION\nDECLARE FUNCTION Left$(s$) AS STRING\nPROPERTY GET Open() AS LONG\n    open x\n");
+    EXPECT_EQ(FormatBasicSource(once, {}), once);
+    EXPECT_EQ(TokenStream(once, AnyDialect()), TokenStream(source, AnyDialect()));
+    EXPECT_EQ(FormatBasicSource("sub if\nif a then\nend if\n", {}).find("    IF a THEN"), 7U) << "blocks stay blocks";
+}
+
 // Formats each case of the file by itself, so that a block left open by one does not reach the next.
 TEST(Format, EveryBlockAndRule) {
     const std::string mark = "'=== ";
