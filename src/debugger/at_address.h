@@ -15,6 +15,9 @@ bool DebugNextIsAt(const DebuggerState* state, std::uint64_t address);
 bool DebugFrameIsMissing(const DebuggerState* state);
 // Runs to an address of code, past the program's own traps. False: not stopped, no code there, or the table is full.
 bool DebugRunToAddress(DebuggerState* state, std::uint64_t address);
+// Runs until the procedures inside a frame of a thread have returned: to the frame's address, when the stack pointer is at
+// least `leastSp`. The same address is run to in each call of a procedure that calls itself.
+bool DebugRunToFrame(DebuggerState* state, std::uint64_t address, std::uint32_t threadId, std::uint64_t leastSp);
 // Sets a breakpoint that stays, as those of lines do. False: no code there, the table is full, or the memory cannot be
 // written.
 bool DebugSetBreakpointAt(DebuggerState* state, std::uint64_t address);

@@ -5,6 +5,8 @@
 #include "debugger/debug_process.h"
 #include "debugger/stack_walk.h"
 
+#include <limits>
+
 bool DebugSetNextStatement(DebuggerState* state, std::uint64_t address) {
     std::uint64_t ip = 0;
     if (!DebugIsActive(state) || state->run != DebugRun::Stopped || !DebugGetIp(*state, state->stopThreadId, &ip))
@@ -34,11 +36,19 @@ bool DebugFrameIsMissing(const DebuggerState* state) {
     return ReturnAddressWithoutFrame(registers, DebugMemory(*state).read).has_value();
 }
 
-bool DebugRunToAddress(DebuggerState* state, std::uint64_t address) {
+bool DebugRunToAddress(DebuggerState* state, std::uint64_t address) { return DebugRunToFrame(state, address, 0, 0); }
+
+bool DebugRunToFrame(DebuggerState* state, std::uint64_t address, std::uint32_t threadId, std::uint64_t leastSp) {
     if (!DebugIsActive(state) || state->run != DebugRun::Stopped || !DebugIsExecutable(state, address)) return false;
     DebugForgetTemporaries(state);
     if (!DebugSetTempBp(state, address, static_cast<int>(PlaceInImage(state->map, state->imageSize, address).line)))
         return false;
+    DebugBreakpoint& made = state->breakpoints[static_cast<std::size_t>(DebugFindBp(state, address))];
+    if (made.temporary != 0 && leastSp != 0) {
+        made.thread = threadId != 0 ? threadId : state->stopThreadId;
+        made.leastSp = leastSp;
+        made.mostSp = std::numeric_limits<std::uint64_t>::max();
+    }
     state->stepTarget = address;
     state->runsToUserBreakpoint = 1;
     return DebugStepOffAndResume(state);

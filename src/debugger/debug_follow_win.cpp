@@ -207,12 +207,14 @@ FollowEvent DebugFollowOnSingleStep(DebuggerState* state, std::uint32_t threadId
 FollowEvent DebugFollowOnHit(DebuggerState* state, std::uint32_t threadId, int index) {
     const DebugBreakpoint hit = state->breakpoints[static_cast<std::size_t>(index)];
     if (!IsOfStep(hit)) return FollowEvent::NotOurs;
-    DebugRestoreBp(state, hit.address);
-    if (!DebugMoveIp(state, threadId, hit.address)) return StopHere(state, threadId, hit.address);
     ThreadPlace place;
     const bool read = ReadThreadPlace(*state, threadId, &place);
-    if (threadId == hit.thread && (!read || (place.sp >= hit.leastSp && place.sp <= hit.mostSp)))
-        return Arrive(state, threadId);
+    const bool meant = threadId == hit.thread && (!read || (place.sp >= hit.leastSp && place.sp <= hit.mostSp));
+    // Of a run to a frame, which ends as at any other temporary breakpoint.
+    if (meant && state->follow.kind == FollowKind::None) return FollowEvent::NotOurs;
+    DebugRestoreBp(state, hit.address);
+    if (!DebugMoveIp(state, threadId, hit.address)) return StopHere(state, threadId, hit.address);
+    if (meant) return Arrive(state, threadId);
     StepOff(state, threadId, hit.address);
     return FollowEvent::Resumed;
 }

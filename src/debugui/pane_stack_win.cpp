@@ -44,6 +44,13 @@ void GoToFrame(int row, int) {
     PaneGoTo(frame.fileId, frame.line);
 }
 
+// What is called from the frame has its frame pointer below the frame's stack pointer.
+void RunToFrame(std::size_t row) {
+    const std::uint64_t called = row > 0 ? g_frames[row - 1].framePointer : 0;
+    DebugFollowResumed(DebugRunToFrame(&g_debugger, g_frames[row].address, PaneProgramNow().thread, called),
+                       L" (run to frame)");
+}
+
 void ShowFrameMenu(int row, POINT screen) {
     if (row < 0 || row >= static_cast<int>(g_frames.size())) return;
     const DebugFrame frame = g_frames[static_cast<std::size_t>(row)];
@@ -57,8 +64,7 @@ void ShowFrameMenu(int row, POINT screen) {
     const UINT chosen = PaneShowMenu(items, screen);
     if (chosen == kGo) GoToFrame(row, -1);
     if (chosen == kCode && PaneProgramNow().stopped) PaneShowCode(L"0x" + HexText(frame.address, 1));
-    if (chosen == kRun && PaneProgramNow().stopped)
-        DebugFollowResumed(DebugRunToAddress(&g_debugger, frame.address), L" (run to frame)");
+    if (chosen == kRun && PaneProgramNow().stopped) RunToFrame(static_cast<std::size_t>(row));
     PaneCopyRows(chosen);
 }
 

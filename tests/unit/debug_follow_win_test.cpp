@@ -44,6 +44,15 @@ TEST_P(DebugFollows, ARecursionDoesNotStopDeeper) {
     End();
 
     ASSERT_TRUE(Start("recursion"));
+    EXPECT_EQ(Steps(FollowKind::Into, 9), (Lines{7, 8, 7, 8, 7, 8, 7, 8, 7}));
+    const std::vector<DebugFrame> frames = DebugFrames(&state, 0);
+    ASSERT_GT(frames.size(), 4U);
+    ASSERT_TRUE(DebugRunToFrame(&state, frames[3].address, state.stopThreadId, frames[2].framePointer));
+    EXPECT_EQ(Arrive(), 8);
+    EXPECT_EQ(DebugFrames(&state, 0).size(), frames.size() - 3) << "past the same address in the calls within";
+    End();
+
+    ASSERT_TRUE(Start("recursion"));
     EXPECT_EQ(Steps(FollowKind::Into, 3), (Lines{7, 8, 7}));
     ASSERT_TRUE(DebugSetConditionalBreakpoint(&state, 8, "2>3"));
     ASSERT_TRUE(DebugSetBreakpoint(&state, 10));
