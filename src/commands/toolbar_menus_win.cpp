@@ -82,7 +82,7 @@ void ToolbarShowHiddenMenu(HWND bar, const RECT& button, std::span<const HiddenB
     std::vector<UniqueBitmap> pictures;
     std::vector<std::wstring> texts;
     for (const HiddenButton& hidden : buttons) {
-        texts.push_back(MenuTextOfTip(hidden.tip));
+        texts.push_back(hidden.text);
         pictures.emplace_back();
         // A command with a check mark gets no picture, because the mark takes its place.
         if (hidden.command != 0 && !hidden.showsState)

@@ -8,11 +8,27 @@ bool IsButtonWanted(const ButtonRow& row, std::uint32_t conditions) {
     return row.shownWhen == kShownAlways || ((conditions & row.shownWhen) != 0 && (conditions & row.hiddenWhen) == 0);
 }
 
+struct CommandText {
+    std::wstring name;  // without the mark of its mnemonic and the dots at its end
+    std::wstring key;   // empty: none
+};
+
+CommandText CommandTextOf(std::wstring_view menuText, std::wstring_view key) {
+    const std::size_t tab = menuText.find(L'\t');
+    CommandText command = {.name = {}, .key = std::wstring(tab == menuText.npos ? key : menuText.substr(tab + 1))};
+    for (std::size_t i = 0; i < std::min(tab, menuText.size()); ++i) {
+        if (menuText[i] == L'&' && i + 1 < menuText.size()) ++i;  // "&&" gives one &
+        command.name += menuText[i];
+    }
+    while (command.name.ends_with(L'.')) command.name.pop_back();
+    return command;
+}
+
 }  // namespace
 
 ToolbarShare ShareToolbar(std::span<const ButtonRow> rows, std::uint32_t conditions, int room,
                           const std::function<int(const ButtonRow&)>& width,
-                          const std::function<std::wstring(const ButtonRow&)>& tip) {
+                          const std::function<std::wstring(const ButtonRow&)>& text) {
     const std::span<const ButtonRow> buttons = rows.first(rows.size() - 1);
     std::vector<BarItem> items;
     for (const ButtonRow& row : buttons)
@@ -23,30 +39,22 @@ ToolbarShare ShareToolbar(std::span<const ButtonRow> rows, std::uint32_t conditi
         const ButtonRow& row = buttons[i];
         if (row.command == 0 && !share.hidden.empty() && share.hidden.back().command != 0) share.hidden.emplace_back();
         if (items[i].wanted && !items[i].gap && !fit.shown[i])
-            share.hidden.push_back({row.command, row.icon, row.showsState, tip(row)});
+            share.hidden.push_back({row.command, row.icon, row.showsState, text(row)});
     }
     if (!share.hidden.empty() && share.hidden.back().command == 0) share.hidden.pop_back();
     return share;
 }
 
 std::wstring CommandTip(std::wstring_view menuText, std::wstring_view key) {
-    const std::size_t tab = menuText.find(L'\t');
-    std::wstring tip;
-    for (std::size_t i = 0; i < std::min(tab, menuText.size()); ++i) {
-        if (menuText[i] == L'&' && i + 1 < menuText.size()) ++i;  // leaves out the mnemonic's mark; "&&" gives one &
-        tip += menuText[i];
-    }
-    while (tip.ends_with(L'.')) tip.pop_back();
-    if (tab != std::wstring_view::npos) key = menuText.substr(tab + 1);
-    if (!key.empty()) tip.append(L" (").append(key).append(L")");
-    return tip;
+    const CommandText command = CommandTextOf(menuText, key);
+    return command.key.empty() ? command.name : command.name + L" (" + command.key + L")";
 }
 
-std::wstring MenuTextOfTip(std::wstring tip) {
-    const std::size_t key = tip.rfind(L" (");
-    if (key == std::wstring::npos || !tip.ends_with(L')')) return tip;
-    tip.pop_back();
-    return tip.replace(key, 2, L"\t");
+std::wstring CommandItem(std::wstring_view menuText, std::wstring_view key) {
+    const CommandText command = CommandTextOf(menuText, key);
+    std::wstring item;
+    for (const wchar_t c : command.name) item.append(c == L'&' ? 2 : 1, c);
+    return command.key.empty() ? item : item + L"\t" + command.key;
 }
 
 IconInks ToolbarInks(bool dark, bool enabled) {

@@ -17,7 +17,7 @@ struct HiddenButton {
     int command = 0;  // 0: a gap between groups
     Icon icon = Icon::New;
     bool showsState = false;  // has a check mark
-    std::wstring tip;         // "Save (Ctrl+S)"
+    std::wstring text;        // of a menu item: "Save\tCtrl+S"
 };
 
 struct ToolbarShare {
@@ -29,13 +29,13 @@ struct ToolbarShare {
 // `rows` ends with the button for the hidden ones. `width` gives a row's width; `room` is that of the bar. Pixels.
 ToolbarShare ShareToolbar(std::span<const ButtonRow> rows, std::uint32_t conditions, int room,
                           const std::function<int(const ButtonRow&)>& width,
-                          const std::function<std::wstring(const ButtonRow&)>& tip);
+                          const std::function<std::wstring(const ButtonRow&)>& text);
 
 // A tooltip from a menu text: "Save A&ll\tCtrl+Shift+S" -> "Save All (Ctrl+Shift+S)". Removes dots at the end of the
 // name. `key` is shown when the text names none; it may be empty.
 std::wstring CommandTip(std::wstring_view menuText, std::wstring_view key);
-// "Save (Ctrl+S)" -> "Save\tCtrl+S".
-std::wstring MenuTextOfTip(std::wstring tip);
+// The same as an item of another menu: "Save All\tCtrl+Shift+S".
+std::wstring CommandItem(std::wstring_view menuText, std::wstring_view key);
 
 IconInks ToolbarInks(bool dark, bool enabled);
 

@@ -60,17 +60,28 @@ HIMAGELIST RenderImages(bool enabled) {
     return images;
 }
 
+// Of the menu, whose text and key are the button's.
+int ButtonCommand(const ButtonRow& row) { return row.twin != 0 ? row.twin : row.command; }
+
 int ButtonId(const ButtonRow& row) {
     return row.command != 0 ? row.command : kFirstGap + static_cast<int>(&row - kToolbarButtons);
 }
 
+std::wstring ButtonMenuText(const ButtonRow& row) {
+    if (row.tip != nullptr) return row.tip;
+    wchar_t text[128] = {};
+    GetMenuStringW(GetMenu(g_ui.hMainWnd), static_cast<UINT>(ButtonCommand(row)), text,
+                   static_cast<int>(std::size(text)), MF_BYCOMMAND);
+    return text;
+}
+
 // "Build & Run (F5)".
 std::wstring ButtonTip(const ButtonRow& row) {
-    const int command = row.twin != 0 ? row.twin : row.command;
-    wchar_t text[128] = {};
-    GetMenuStringW(GetMenu(g_ui.hMainWnd), static_cast<UINT>(command), text, static_cast<int>(std::size(text)),
-                   MF_BYCOMMAND);
-    return CommandTip(row.tip != nullptr ? row.tip : text, FirstExtraKeyOf(command));
+    return CommandTip(ButtonMenuText(row), FirstExtraKeyOf(ButtonCommand(row)));
+}
+
+std::wstring ButtonItem(const ButtonRow& row) {
+    return CommandItem(ButtonMenuText(row), FirstExtraKeyOf(ButtonCommand(row)));
 }
 
 // What screen readers say. Only the compiler button shows its text; the control shows that of the others as their tips.
@@ -147,7 +158,7 @@ void FitButtons() {
     GetClientRect(g_commands.hToolbar, &client);
     if (client.right <= 0) return;  // not placed yet
     ToolbarShare share =
-        ShareToolbar(kToolbarButtons, g_conditions, client.right - 2 * UiScaled(kBarPadding), ButtonWidth, ButtonTip);
+        ShareToolbar(kToolbarButtons, g_conditions, client.right - 2 * UiScaled(kBarPadding), ButtonWidth, ButtonItem);
     for (std::size_t i = 0; i < share.shown.size(); ++i) ShowButton(kToolbarButtons[i], share.shown[i]);
     ShowButton(std::end(kToolbarButtons)[-1], share.more);
     g_hidden = std::move(share.hidden);

@@ -49,6 +49,15 @@ LRESULT PassContextMenu(HWND pane, LPARAM where) {
     return SendMessageW(g_ui.hMainWnd, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(pane), where);
 }
 
+// The control keeps its first line when it gets another height, so its last lines would leave the view. Now it has the new
+// height already, but its scroll bar still tells of the old one.
+LRESULT KeepAtEnd(HWND pane, const WINDOWPOS& place) {
+    const bool wasAtEnd = (place.flags & SWP_NOSIZE) == 0 && RichIsAtEnd(pane);
+    const LRESULT result = SubclassNext(pane, WM_WINDOWPOSCHANGED, 0, reinterpret_cast<LPARAM>(&place));
+    if (wasAtEnd) RichScrollToEnd(pane);
+    return result;
+}
+
 LRESULT CALLBACK OutputPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
     switch (message) {
         case WM_LBUTTONDBLCLK: {
@@ -64,6 +73,7 @@ LRESULT CALLBACK OutputPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
             if (wParam == VK_ESCAPE) FocusEditorFromPane();
             break;
         case WM_CONTEXTMENU: return PassContextMenu(pane, lParam);
+        case WM_WINDOWPOSCHANGED: return KeepAtEnd(pane, *reinterpret_cast<const WINDOWPOS*>(lParam));
         default: break;
     }
     return SubclassNext(pane, message, wParam, lParam);

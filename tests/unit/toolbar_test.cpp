@@ -1,6 +1,7 @@
 // Toolbar pictures, and which buttons there is room for.
 #include "commands/icons.h"
 #include "commands/toolbar_fit.h"
+#include "commands/toolbar_rules.h"
 
 #include <gtest/gtest.h>
 
@@ -36,6 +37,18 @@ TEST(Icons, EdgesKeepTheColourOfTheInk) {
     }
     EXPECT_GT(edges, 10);
     EXPECT_EQ(PremultipliedPixel(0x80FF8000), 0x80804000U);
+}
+
+TEST(ToolbarTexts, OfTipsAndOfTheMenuOfHiddenButtons) {
+    const struct {
+        const wchar_t *menu, *key, *tip, *item;
+    } cases[] = {{L"Save A&ll\tCtrl+Shift+S", L"F1", L"Save All (Ctrl+Shift+S)", L"Save All\tCtrl+Shift+S"},
+                 {L"Build && &Run...", L"F5", L"Build & Run (F5)", L"Build && Run\tF5"},
+                 {L"AI Do (transcribe + edit)", L"", L"AI Do (transcribe + edit)", L"AI Do (transcribe + edit)"}};
+    for (const auto& each : cases) {
+        EXPECT_EQ(CommandTip(each.menu, each.key), each.tip);
+        EXPECT_EQ(CommandItem(each.menu, each.key), each.item);
+    }
 }
 
 TEST(ToolbarFit, TheLowestRankGoesFirstAndGapsFollow) {

@@ -207,6 +207,16 @@ TEST(Build, EveryLineOfAFloodInOrder) {
         at += 20;
     }
     EXPECT_EQ(text.compare(at, 5, L"last\n"), 0) << Utf8(text.substr(at, 60));
+    // A pane that gets lower goes on to show its end, or what it was scrolled to.
+    const auto firstLine = [&] { return editor.Send(editor.Child(IDC_OUTPUT), EM_GETFIRSTVISIBLELINE); };
+    const LRESULT atEnd = firstLine();
+    editor.Do(IDM_VIEW_TERMINAL);
+    EXPECT_GT(firstLine(), atEnd);
+    editor.Do(IDM_VIEW_TERMINAL);
+    editor.Send(editor.Child(IDC_OUTPUT), EM_LINESCROLL, 0, -500);
+    const LRESULT scrolled = firstLine();
+    editor.Do(IDM_VIEW_TERMINAL);
+    EXPECT_EQ(firstLine(), scrolled);
     DoubleClickOn(editor, L"... ");
     EXPECT_TRUE(WaitFor([&] { return editor.TabLabel(editor.ActiveTab()) == L"a.buildlog"; })) << editor.Describe();
     const auto line = static_cast<std::size_t>(editor.Line());
