@@ -166,12 +166,13 @@ void AfterNewLineInBasic(HWND editor, LRESULT line, BlockTable& table) {
     IndentClosingLine(editor, line - 1, look, table, step);
     if (look.isLabel) IndentLabel(editor, line - 1, look, table, step);
     if (IndentOf(editor, line) != 0) return;  // what was right of the caret has brought some
-    const bool empty = IsBlank(editor, line);
+    if (IsBlank(editor, line)) {
+        DropOwnCloser(editor, line, look, table);
+        CloseNewBlock(editor, line, look, table);
+    }
+    // The last change, because redo leaves the caret behind that one.
     PaneSend(editor, SCI_SETLINEINDENTATION, line, IndentationBelow(look.above, step));
     PaneSend(editor, SCI_GOTOPOS, PaneSend(editor, SCI_GETLINEINDENTPOSITION, line));
-    if (!empty) return;
-    DropOwnCloser(editor, line, look, table);
-    CloseNewBlock(editor, line, look, table);
 }
 
 bool OpensBraceAbove(HWND editor, LRESULT line) {

@@ -413,6 +413,14 @@ TEST(View, ABlockIsClosedWhenItIsOpened) {
     await(
         "sub a\r\n    DO\r\n        x\r\n    LOOP\r\nh:\r\n    \r\n\r\nend sub\r\nTYPE t\r\n    name AS DOUBLE\r\nEND "
         "TYPE");
+    editor.Sci(SCI_GOTOPOS, 5);
+    for (const int key : {int{VK_RETURN}, int{'D'}, int{'O'}, int{VK_RETURN}}) editor.Keys({key});
+    ASSERT_TRUE(WaitFor([&] { return editor.Text().starts_with("sub a\r\n    DO\r\n        \r\n    LOOP\r\n"); }));
+    const LRESULT inside = editor.Sci(SCI_GETCURRENTPOS);
+    editor.Do(IDM_EDIT_UNDO);
+    EXPECT_NE(editor.Sci(SCI_GETCURRENTPOS), inside);
+    editor.Do(IDM_EDIT_REDO);
+    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), inside) << "redo leaves the caret where Return has put it";
 }
 
 TEST(View, AClickMeansWhatTheViewShows) {
