@@ -215,8 +215,9 @@ void ShowLocalMenu(int row, POINT screen) {
     const bool there = named != nullptr && PaneProgramNow().stopped;
     const std::wstring name = there ? Utf8ToWideText(named->name) : L"";
     const bool lost = RowAt(row).meaning == LocalMeaning::Lost;
+    const bool defines = !lost && RowAt(row).meaning != LocalMeaning::Heading;
     const std::array<MenuItem, 13> items = {{{kSetValue, L"Set &Value\tEnter", there},
-                                             {kEdit, L"&Edit Definition\tF2", PaneProgramNow().stopped},
+                                             {kEdit, L"&Edit Definition\tF2", defines && PaneProgramNow().stopped},
                                              {kType, L"&Type...", there},
                                              {kAdd, L"&Name a Place\tIns", PaneProgramNow().stopped},
                                              {kTakeOverNames, L"Take &Over Names", lost},

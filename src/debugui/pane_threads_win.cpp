@@ -51,7 +51,7 @@ void ShowThreadMenu(int row, POINT screen) {
     std::uint32_t line = 0;
     const bool known = stopped && DebugPlaceInProgram(&g_debugger, id, &place);
     const bool source = known && DebugLineAt(&g_debugger, place, &fileId, &line);
-    const std::array<MenuItem, 6> items = {{{kShow, L"&Show in the Other Views\tEnter", stopped},
+    const std::array<MenuItem, 6> items = {{{kShow, L"&Show This Thread\tEnter", stopped},
                                             {kGo, L"&Go to Source", source},
                                             {kCode, L"Go to &Disassembly", stopped},
                                             {0, nullptr},

@@ -22,8 +22,10 @@ void NavHistoryGoToCurrent() {
     // The caret moves before the editor is shown, so that the editor comes up at the place. It moves again afterwards,
     // because only a visible editor scrolls to the caret.
     CaretGoTo(editor, target);
+    const DocumentId document = TabAt(tab).id;
     TabBarActivate(tab);
-    CaretGoTo(editor, target);
+    const int shown = TabBarFindDocument(document);  // the file of a tab that was never shown has been read now
+    if (shown >= 0) CaretGoTo(TabAt(shown).editor, CaretPositionAt(TabAt(shown).editor, position));
 }
 
 }  // namespace

@@ -114,14 +114,16 @@ TEST(Session, FilesThatWereNotShownKeepTheirPlaces) {
     editor.Answer(kRestore, L"", IDYES);
     ASSERT_TRUE(editor.AwaitReady());
     DeleteFileW(folder.File(L"f1.bas").c_str());
+    folder.Write(L"f2.bas", Lines(95));  // nobody has read it yet, so it is read as it is now
     editor.Do(IDM_PREVIOUS_TAB);
+    EXPECT_EQ(editor.Text(), Lines(95));
     EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 300);
     EXPECT_EQ(editor.Sci(SCI_GETFIRSTVISIBLELINE), 20);
     EXPECT_EQ(editor.Sci(SCI_MARKERNEXT, 5, 1 << kMarkBookmark), 7);
     editor.Post(IDM_PREVIOUS_TAB);  // its file has gone meanwhile: said, and nothing breaks
     editor.Answer(kProgramTitle, L"Failed to open file: ", IDOK);
     editor.Do(IDM_NEXT_TAB);
-    EXPECT_EQ(editor.Text(), Lines(90));
+    EXPECT_EQ(editor.Text(), Lines(95));
     EXPECT_EQ(editor.Close(), 0u);
     EXPECT_EQ(FileSections(folder.Read(kSessionFile)), FileSections(session));
 }
