@@ -15,6 +15,8 @@
 #include "debugui/breakpoint_list.h"
 #include "debugui/debug_commands.h"
 #include "debugui/debug_pane.h"
+#include "debugui/debug_run.h"
+#include "debugui/kept_names.h"
 #include "debugui/location.h"
 #include "disasm/asm_pane.h"
 #include "documents/document_row.h"
@@ -42,6 +44,7 @@ namespace {
 
 void OnDocumentOpened(DocumentId document) {
     TabBarOnOpened(document);
+    DebugOnDocumentOpened();
     OutsideOnDocuments();
 }
 
@@ -111,6 +114,14 @@ void OnDocumentNotice(DocumentId document, const wchar_t* notice) {
     StatusBarSetDocumentText(document, notice);
 }
 
+void OnFileRenamed(const wchar_t* from, const wchar_t* to, bool copied) {
+    if (copied) return NamesFollowCopy(from, to);
+    BreakpointsFollowRename(from, to);
+    NamesFollowRename(from, to);
+    SourceMarksFollowRename(from, to);
+    DebugFollowRename(from, to);
+}
+
 void OnProjectChosen(const wchar_t* path, bool* open) { *open = ProjectOpenFile(path); }
 
 // The files of a project are built with its compiler.
@@ -147,6 +158,8 @@ void MainWnd_ConnectEvents() {
     g_events.textLeaving = OnTextLeaving;
     g_events.textArrived = OnTextArrived;
     g_events.documentNotice = OnDocumentNotice;
+    g_events.markerRenewed = BreakpointsOnMarkerRenewed;
+    g_events.fileRenamed = OnFileRenamed;
     g_events.variableAsked = SymbolsOnVariableAsked;
     g_events.folderChosen = ProjectTreeOfferRoot;
     g_events.projectChosen = OnProjectChosen;

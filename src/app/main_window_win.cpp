@@ -17,6 +17,7 @@
 #include "compile/build.h"
 #include "completion/completion.h"
 #include "debugui/debug_commands.h"
+#include "debugui/debug_run.h"
 #include "disasm/asm_pane.h"
 #include "documents/document_row.h"
 #include "documents/outside.h"
@@ -92,6 +93,7 @@ void RouteTimer(HWND window, UINT_PTR id) {
             SessionAutoSave(window);
             break;
         case TIMER_DEBUG: DebugOnTimer(); break;
+        case TIMER_DEBUG_ALIVE: DebugOnAliveTimer(); break;
         case TIMER_DEBUG_CONSOLE: DebugOnConsoleTimer(); break;
         case TIMER_FOCUS: FocusOnTimer(); break;
         case TIMER_OUTPUT: MainWnd_OnOutputTimer(); break;

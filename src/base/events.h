@@ -35,8 +35,14 @@ struct Events {
     Event<DocumentId> textLeaving;  // its text is about to be discarded by a reload or because its editor closes
     Event<DocumentId> textArrived;  // its text has been loaded, for the first time or again
     Event<DocumentId, const wchar_t*> documentNotice;  // something unusual about its file, as a sentence
-    // Whether the word names a variable at that line (from 0) of the document; the listener sets the flag if it does.
+    // Whether the word names a variable or a procedure at that line (from 0) of the document; the listener sets the flag if
+    // it does.
     Event<DocumentId, int, std::string_view, bool*> variableAsked;
+    // A mark of a line was put on another line: its handle before and after. -1 after: it is off, and may come back.
+    Event<DocumentId, int, int> markerRenewed;
+    // A file, or a folder with files, has got another name, which the open documents have already: the paths before and
+    // after. true: it was saved under the new name, and the old file is still there.
+    Event<const wchar_t*, const wchar_t*, bool> fileRenamed;
     Event<const wchar_t*> folderChosen;  // the user opened a file in this folder (with its trailing backslash)
     // The user opened this project file, an absolute path. The listener sets the flag when the project is open then.
     Event<const wchar_t*, bool*> projectChosen;

@@ -40,6 +40,8 @@ std::wstring BreakpointTip(DocumentId document, int line);
 void BreakpointsOnPainted(DocumentId document);
 // After an edit moved lines of an open document: `line` (from 0) is the first that moved, by `added`.
 void BreakpointsOnLinesMoved(DocumentId document, int line, int added);
+// A command for lines has put a marker of a document on another line, and it has another handle; -1: it is off.
+void BreakpointsOnMarkerRenewed(DocumentId document, int before, int after);
 // The first is called before a document loses its editor or its text is replaced; the second when the document has its
 // text (again).
 void BreakpointsKeepLines(DocumentId document);

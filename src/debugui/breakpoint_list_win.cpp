@@ -21,6 +21,7 @@
 namespace {
 
 UserBreakpoints g_list;
+UserBreakpoints g_away;  // of lines that were deleted, and may come back by undo
 
 constexpr int kOverlays[] = {kMarkHollow, kMarkDisabled, kMarkConditional};
 
@@ -310,9 +311,19 @@ void BreakpointsOnLinesMoved(DocumentId document, int line, int added) {
     FoldSignsOnLinesMoved(document, line, added);
 }
 
+void BreakpointsOnMarkerRenewed(DocumentId document, int before, int after) {
+    const HWND editor = EditorOfDocument(document);
+    if (editor == nullptr) return;
+    const LRESULT line = after < 0 ? -1 : SciSend(editor, SCI_MARKERLINEFROMHANDLE, static_cast<WPARAM>(after));
+    const RenewedMarker marker = {
+        .document = document, .before = before, .after = after, .line = static_cast<int>(line) + 1};
+    if (RenewMarker(&g_list, &g_away, marker, SessionTarget())) OnBreakpointChanged(document);
+}
+
 void BreakpointsKeepLines(DocumentId document) {
     TakeOverMarkers();
     DetachDocument(&g_list, document, SessionTarget());
+    std::erase_if(g_away, [document](const UserBreakpoint& each) { return each.document == document; });
     FoldSignsForget(document);
 }
 

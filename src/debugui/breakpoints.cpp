@@ -158,6 +158,37 @@ void DetachDocument(UserBreakpoints* list, DocumentId document, const Breakpoint
         if ((*list)[i].document == 0 && (*list)[i].path.empty()) ForgetBreakpoint(list, i, target);
 }
 
+bool RenewMarker(UserBreakpoints* list, UserBreakpoints* away, const RenewedMarker& marker,
+                 const BreakpointTarget& target) {
+    constexpr std::size_t kMostAway = 200;
+    const auto isMarked = [&marker](const UserBreakpoint& breakpoint) {
+        return breakpoint.document == marker.document && breakpoint.handle == marker.before;
+    };
+    const auto known = std::ranges::find_if(*list, isMarked);
+    if (marker.after < 0) {
+        if (known == list->end()) return false;
+        Unplant(&*known, target);
+        if (away->size() >= kMostAway) away->erase(away->begin());
+        away->push_back(std::move(*known));
+        list->erase(known);
+        return true;
+    }
+    if (known != list->end()) {
+        known->handle = marker.after;
+        known->line = marker.line;
+        return true;
+    }
+    const auto kept = std::ranges::find_if(*away, isMarked);
+    if (kept == away->end()) return false;
+    UserBreakpoint breakpoint = std::move(*kept);
+    away->erase(kept);
+    breakpoint.handle = marker.after;
+    breakpoint.line = marker.line;
+    PlantBreakpoint(list, &breakpoint, target);
+    list->push_back(std::move(breakpoint));
+    return true;
+}
+
 void SortBreakpoints(UserBreakpoints* list) {
     std::vector<std::pair<std::wstring, UserBreakpoint>> keyed;
     for (UserBreakpoint& breakpoint : *list) keyed.emplace_back(PathKey(breakpoint.path), std::move(breakpoint));

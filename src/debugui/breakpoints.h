@@ -78,6 +78,16 @@ void DetachClosedDocuments(UserBreakpoints* list, const std::function<bool(Docum
 void DetachDocument(UserBreakpoints* list, DocumentId document, const BreakpointTarget& target);
 // True when the breakpoint is in that document, or waits for a document with that path (empty: untitled).
 bool BelongsToDocument(const UserBreakpoint& breakpoint, DocumentId document, const std::wstring& path);
+// A command for lines, or its undo, has put the marker of a breakpoint on another line: it has the handle `after` now. A
+// negative one: the line is gone, and the breakpoint goes to `away` until a marker for it comes back. `line` is that of the
+// marker, from 1. True when the list has such a breakpoint.
+struct RenewedMarker {
+    DocumentId document = 0;
+    int before = -1, after = -1;
+    int line = 0;
+};
+bool RenewMarker(UserBreakpoints* list, UserBreakpoints* away, const RenewedMarker& marker,
+                 const BreakpointTarget& target);
 // Sorts by file, then by line.
 void SortBreakpoints(UserBreakpoints* list);
 // Index of the breakpoint on a line (from 1) of an open document, or -1.

@@ -16,6 +16,11 @@ void DebugRunFollow(const wchar_t* suffix, bool byAddress);
 void DebugRunShowAgain(const wchar_t* suffix);
 // Ends the program and the session.
 void DebugRunStop();
+// Ends the session when another program has ended the stopped program, and says so. Returns whether that is the case.
+bool DebugRunEndOutside();
+void DebugOnAliveTimer();                                                  // TIMER_DEBUG_ALIVE
+void DebugOnDocumentOpened();                                              // a new tab may show the debugged source
+void DebugFollowRename(const std::wstring& from, const std::wstring& to);  // of a file or a folder
 // Call this after pausing the running program, so that the next stop says so.
 void DebugRunPaused();
 // Shows the last stop if it was left out for a step that should follow it. Call this when that step fails.

@@ -34,6 +34,7 @@ namespace {
 constexpr DWORD kWaitInPlaceMs = 200;   // that a command waits for its stop
 constexpr UINT kTimerIntervalMs = 15;   // between two looks at a running program
 constexpr ULONGLONG kLookLimitMs = 10;  // that one look may take, however many events come
+constexpr UINT kAliveMs = 500;          // between two looks whether a stopped program is still there
 constexpr wchar_t kStarting[] = L"Starting the program...";
 
 DebugFlow g_flow;
@@ -49,8 +50,11 @@ void PublishSession(bool exists) {
     g_compile.programInUse = exists;
 }
 
+std::wstring g_shownSource;  // of the program that is debugged; empty: none is
+
 // The tab of the program's source shows that it is debugged; with an empty `source` none is.
 void ShowDebugged(const std::wstring& source) {
+    g_shownSource = source;
     for (DocumentTab& tab : g_documents.tabs) {
         const bool debugged = !source.empty() && tab.hasFile && PathEqualsIgnoreCase(tab.path, source);
         if (std::exchange(tab.debugged, debugged) != debugged) g_events.documentChanged(tab.id);
@@ -68,6 +72,7 @@ void StopTimers() {
 
 void EndSession(const std::wstring& status) {
     StopTimers();
+    KillTimer(g_ui.hMainWnd, TIMER_DEBUG_ALIVE);
     const bool closesPane = FlowClosesPane(&g_flow, PaneIsShown(PaneId::Debug));
     FlowEnded(&g_flow);
     if (DebugHasLeftBehind()) SetTimer(g_ui.hMainWnd, TIMER_DEBUG, kTimerIntervalMs, nullptr);
@@ -240,6 +245,7 @@ void DebugRunStart() {
     }
     if (FlowOpensPane(&g_flow, PaneIsShown(PaneId::Debug))) PaneShow(PaneId::Debug, true);
     WarnOfStaleSources(program);
+    SetTimer(g_ui.hMainWnd, TIMER_DEBUG_ALIVE, kAliveMs, nullptr);
     FlowResume(&g_flow, L" (start)", GetTickCount64());
     if (g_debugger.run == DebugRun::Stopped) {
         OnStopped();
@@ -278,6 +284,26 @@ void DebugRunStop() {
         DebugStop(&g_debugger);
     }
     EndSession(L"Debugging stopped");
+}
+
+// A program that has stopped tells of its end only when it goes on.
+bool DebugRunEndOutside() {
+    if (WaitForSingleObject(g_debugger.process, 0) != WAIT_OBJECT_0) return false;
+    DebugSay(kDebugRed, L"[Debug] The program has been ended from outside.\n");
+    DebugRunStop();
+    return true;
+}
+
+void DebugOnAliveTimer() {
+    if (g_flow.phase == DebugPhase::Stopped && !g_flow.waiting) DebugRunEndOutside();
+}
+
+void DebugOnDocumentOpened() {
+    if (!g_shownSource.empty()) ShowDebugged(std::wstring(g_shownSource));
+}
+
+void DebugFollowRename(const std::wstring& from, const std::wstring& to) {
+    if (!g_shownSource.empty()) ShowDebugged(PathAfterMove(g_shownSource, from, to));
 }
 
 // Without a session the timer runs for a program that was told to end and has not.

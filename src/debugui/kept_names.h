@@ -18,6 +18,11 @@ std::wstring KeepNames(const std::wstring& file, const std::string& procedure, N
 void NamesReadAgain();
 // A file, or a folder with files, has got another name.
 void NamesFollowRename(const std::wstring& from, const std::wstring& to);
+void NamesFollowCopy(const std::wstring& from, const std::wstring& to);  // a file was saved under another name
+// A symbol has got another name in a document. `procedureLine`: a line (from 1) of the only procedure that knows it; 0:
+// others may know it, too.
+void NamesFollowSymbol(DocumentId document, const std::string& before, const std::string& after,
+                       std::uint32_t procedureLine);
 // Counts the changes, so that who remembers names knows when they are out of date.
 unsigned NamesSerial();
 

@@ -18,6 +18,7 @@
 #include "settings/settings_place.h"
 #include "settings/settings_state.h"
 
+#include <algorithm>
 #include <map>
 #include <utility>
 
@@ -73,6 +74,11 @@ bool WriteNames() {
     const std::wstring folder = SettingsFolder();
     SettingsSave(nullptr);
     return SettingsFolder() != folder && ReplaceFileWhole(NamesPath().c_str(), text);
+}
+
+void NamesChanged() {
+    ++g_kept.serial;
+    if (g_kept.mayWrite && !WriteNames()) AppLogMsg(L"FAIL: NamesChanged error=%lu", GetLastError());
 }
 
 // --- Sources
@@ -150,9 +156,29 @@ void NamesReadAgain() {
 
 void NamesFollowRename(const std::wstring& from, const std::wstring& to) {
     ReadNames();
-    if (!MovePlaceNames(&g_kept.all, from, to)) return;
-    ++g_kept.serial;
-    if (g_kept.mayWrite && !WriteNames()) AppLogMsg(L"FAIL: NamesFollowRename error=%lu", GetLastError());
+    if (MovePlaceNames(&g_kept.all, from, to)) NamesChanged();
+}
+
+void NamesFollowCopy(const std::wstring& from, const std::wstring& to) {
+    ReadNames();
+    if (CopyPlaceNames(&g_kept.all, from, to)) NamesChanged();
+}
+
+void NamesFollowSymbol(DocumentId document, const std::string& before, const std::string& after,
+                       std::uint32_t procedureLine) {
+    const int tab = TabBarFindDocument(document);
+    if (tab < 0 || !TabAt(tab).hasFile) return;
+    ReadNames();
+    const std::wstring path = TabAt(tab).path;
+    const auto isOfFile = [&path](const NamedProcedure& each) { return PathEqualsIgnoreCase(each.file, path); };
+    if (std::ranges::none_of(g_kept.all, isOfFile)) return;
+    const std::vector<SourceProcedure> procedures = ProceduresOfDocument(document);
+    RenamedSymbol symbol = {.before = before, .after = after, .procedure = {}};
+    if (procedureLine != 0) {
+        const SourceProcedure* const procedure = ProcedureOfLine(procedures, procedureLine);
+        symbol.procedure = procedure != nullptr ? procedure->name : std::string();
+    }
+    if (RenameInPlaceNames(&g_kept.all, path, procedures, symbol)) NamesChanged();
 }
 
 unsigned NamesSerial() { return g_kept.serial; }

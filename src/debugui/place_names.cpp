@@ -34,6 +34,27 @@ std::string WholeName(const SymbolTable& table, const Symbol& symbol) {
     return name;
 }
 
+// "Stack.Push" with the part that the symbol names.
+std::string WithPartRenamed(std::string_view name, const RenamedSymbol& symbol) {
+    std::string renamed;
+    for (std::size_t at = 0; at <= name.size();) {
+        const std::size_t dot = std::min(name.find('.', at), name.size());
+        const std::string_view part = name.substr(at, dot - at);
+        if (at > 0) renamed += '.';
+        renamed += SameProcedure(part, symbol.before) ? std::string_view(symbol.after) : part;
+        at = dot + 1;
+    }
+    return renamed;
+}
+
+bool RenamePlace(NamedPlaces* names, const RenamedSymbol& symbol) {
+    const NamedPlace* const old = FindNamedPlace(*names, symbol.before);
+    const NamedPlace* const taken = FindNamedPlace(*names, symbol.after);
+    if (old == nullptr || (taken != nullptr && taken != old)) return false;
+    (*names)[static_cast<std::size_t>(old - names->data())].name = symbol.after;
+    return true;
+}
+
 }  // namespace
 
 const NamedProcedure* FindNamedProcedure(const PlaceNames& all, std::wstring_view file, std::string_view procedure) {
@@ -59,6 +80,19 @@ bool MovePlaceNames(PlaceNames* all, std::wstring_view from, std::wstring_view t
         each.file = std::move(path);
     }
     return moved;
+}
+
+bool CopyPlaceNames(PlaceNames* all, std::wstring_view from, std::wstring_view to) {
+    PlaceNames copies;
+    for (const NamedProcedure& each : *all)
+        if (PathEqualsIgnoreCase(each.file, from)) copies.push_back(each);
+    if (copies.empty()) return false;
+    std::erase_if(*all, [to](const NamedProcedure& each) { return PathEqualsIgnoreCase(each.file, to); });
+    for (auto each = copies.rbegin(); each != copies.rend(); ++each) {
+        each->file = to;
+        SetPlaceNames(all, std::move(*each));
+    }
+    return true;
 }
 
 std::wstring PutName(NamedPlaces* names, const NamedPlace& named, std::string_view before) {
@@ -129,6 +163,31 @@ std::vector<SourceProcedure> ProceduresOf(const SymbolTable& table) {
         procedures.push_back(std::move(made));
     }
     return procedures;
+}
+
+bool RenameInPlaceNames(PlaceNames* all, std::wstring_view file, std::span<const SourceProcedure> now,
+                        const RenamedSymbol& symbol) {
+    const auto procedureOf = [&](std::string_view name) {
+        const auto found =
+            std::ranges::find_if(now, [&](const SourceProcedure& one) { return SameProcedure(one.name, name); });
+        return found == now.end() ? nullptr : &*found;
+    };
+    bool renamed = false;
+    for (NamedProcedure& each : *all) {
+        if (!PathEqualsIgnoreCase(each.file, file)) continue;
+        if (const std::string name = WithPartRenamed(each.procedure, symbol);
+            name != each.procedure && procedureOf(each.procedure) == nullptr && procedureOf(name) != nullptr) {
+            each.procedure = name;
+            renamed = true;
+        }
+        if (symbol.procedure && !SameProcedure(each.procedure, *symbol.procedure)) continue;
+        // A variable of that name which the procedure still has is another one.
+        const SourceProcedure* const own = procedureOf(each.procedure);
+        const auto isOld = [&](const DeclaredVariable& one) { return SameProcedure(one.name, symbol.before); };
+        if (own != nullptr && std::ranges::any_of(own->variables, isOld)) continue;
+        renamed = RenamePlace(&each.names, symbol) || renamed;
+    }
+    return renamed;
 }
 
 const SourceProcedure* ProcedureOfLine(std::span<const SourceProcedure> procedures, std::uint32_t line) {

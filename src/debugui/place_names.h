@@ -6,6 +6,7 @@
 #include "language/symbols.h"
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -25,6 +26,9 @@ const NamedProcedure* FindNamedProcedure(const PlaceNames& all, std::wstring_vie
 void SetPlaceNames(PlaceNames* all, NamedProcedure made);
 // A file, or a folder with files, has got another name. True when names belong to it.
 bool MovePlaceNames(PlaceNames* all, std::wstring_view from, std::wstring_view to);
+
+// A copy of a file takes the names of the file along, in place of those that it has. True when the file has some.
+bool CopyPlaceNames(PlaceNames* all, std::wstring_view from, std::wstring_view to);
 
 // Puts a name into the names of a procedure: in the place of the name `before`, or at the end when that is empty.
 // Returns why it is refused, else an empty text.
@@ -46,6 +50,15 @@ struct SourceProcedure {
     std::vector<DeclaredVariable> variables;
 };
 std::vector<SourceProcedure> ProceduresOf(const SymbolTable& table);
+// A symbol that has got another name.
+struct RenamedSymbol {
+    std::string before, after;
+    // The only procedure that knows it, as it is called now. Nothing: others may know it, too.
+    std::optional<std::string> procedure;
+};
+// Takes over a renaming for the names of one file, of which `now` are the procedures after it. True when names changed.
+bool RenameInPlaceNames(PlaceNames* all, std::wstring_view file, std::span<const SourceProcedure> now,
+                        const RenamedSymbol& symbol);
 // The innermost one around the line (from 1); null: none.
 const SourceProcedure* ProcedureOfLine(std::span<const SourceProcedure> procedures, std::uint32_t line);
 // Of the file, the last changed procedure with names that its source does not have any more; null: none.

@@ -52,11 +52,7 @@ void DebugFollowResumed(bool resumed, const wchar_t* suffix) {
         DebugRunFollow(suffix, false);
         return;
     }
-    if (WaitForSingleObject(g_debugger.process, 0) == WAIT_OBJECT_0) {  // by another program, while it was stopped
-        DebugSay(kDebugRed, L"[Debug] The program has been ended from outside.\n");
-        DebugRunStop();
-        return;
-    }
+    if (DebugRunEndOutside()) return;
     DebugRunShowUnseen();
     g_events.statusText(IsBreakpointTableFull() ? kTableFull : kNoStep);
 }

@@ -262,6 +262,7 @@ void FilesFollowRename(const std::wstring& from, const std::wstring& to) {
         TabBarUpdateTitle(i);
         OutsideOnDocuments();
     }
+    g_events.fileRenamed(from.c_str(), to.c_str(), false);
     const auto isRecent = [&](const wchar_t(&file)[kPathCapacity]) { return PathIsWithin(from, file); };
     if (std::none_of(g_settings.mruFiles, g_settings.mruFiles + g_settings.mruCount, isRecent)) return;
     SettingsChange([&](Settings& settings) {

@@ -327,8 +327,12 @@ int SaveUnderNewName(DocumentId document) {
         TabBarFindDocument(document) < 0)
         return 0;
     PathGetDir(path, g_documents.lastDirectory, kPathCapacity);
+    const std::wstring before =
+        TabAt(TabBarFindDocument(document)).hasFile ? TabAt(TabBarFindDocument(document)).path : L"";
     if (SaveAsBound(document, BindingForNewName(path, TabAt(TabBarFindDocument(document))), SaveManner::Asked) == 0)
         return 0;
+    if (!before.empty() && !PathEqualsIgnoreCase(before, path)) g_events.fileRenamed(before.c_str(), path, true);
+    MruAddFile(path);
     const int tab = TabBarFindDocument(document);
     TabBarUpdateLineEnding(tab);
     const DocumentTab& saved = TabAt(tab);

@@ -171,12 +171,14 @@ void KeepMine(int index, const FileState& askedAbout) {
 void UseNewName(int index) {
     const std::wstring path = TabAt(index).outside.movedTo;
     DocumentTab& tab = TabAt(index);
+    const std::wstring before = tab.path;
     SafeCopyW(tab.path, path.c_str());
     PathGetFile(tab.path, tab.label, kLabelCapacity);
     tab.onDisk.presence = FilePresence::There;
     if (std::exchange(tab.outside, {}).madeUnsaved) SetUnsaved(tab, false);
     SyntaxThemeApply(tab.editor, tab.compilerId, tab.path);
     TabBarUpdateTitle(index);
+    g_events.fileRenamed(before.c_str(), path.c_str(), false);
     MruAddFile(path.c_str());
     OutsideOnDocuments();
 }

@@ -158,7 +158,10 @@ void EditorPaneClearChangeMarks(HWND editor) { SciSend(editor, SCI_MARKERDELETEA
 void ApplyVirtualSpace(HWND editor, bool on) { ApplyPaneSettings(editor, VirtualSpaceSettings(on)); }
 
 void EditorPaneOnModified(HWND editor, const SCNotification& change) {
-    if (editor == nullptr || !(change.modificationType & (SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT))) return;
+    if (editor == nullptr) return;
+    if ((change.modificationType & SC_MOD_CONTAINER) != 0)
+        LineMarksOnUndo(editor, static_cast<int>(change.token), (change.modificationType & SC_PERFORMED_UNDO) != 0);
+    if (!(change.modificationType & (SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT))) return;
     const int line = static_cast<int>(SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(change.position), 0));
     if (change.linesAdded != 0 || (change.modificationType & (SC_MOD_INSERTTEXT | SC_PERFORMED_USER)))
         MarkModifiedLine(editor, line);

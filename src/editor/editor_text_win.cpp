@@ -2,6 +2,7 @@
 #include "editor/editor_pane.h"
 
 #include "editor/pane_rules.h"
+#include "editor/pane_settings.h"
 #include "editor/pane_state.h"
 #include "scintilla/sci.h"
 
@@ -82,8 +83,9 @@ bool EditorPaneIsPlain(HWND editor) {
 
 void EditorPaneEndLoad(HWND editor) {
     SciSend(editor, SCI_EMPTYUNDOBUFFER, 0, 0);
+    if (PaneState* state = PaneStateOf(editor); state != nullptr) state->lineMarks = {};
     SciSend(editor, SCI_SETUNDOCOLLECTION, TRUE, 0);
-    SciSend(editor, SCI_SETMODEVENTMASK, SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT, 0);
+    SciSend(editor, SCI_SETMODEVENTMASK, kPaneEvents, 0);
     SciSend(editor, SCI_SETSAVEPOINT, 0, 0);
     EditorPaneClearChangeMarks(editor);
     if (PaneState* state = PaneStateOf(editor); state != nullptr) {

@@ -8,7 +8,7 @@
 #include "editor/comment_toggle.h"
 #include "editor/editor_pane.h"
 #include "editor/line_changes.h"
-#include "editor/margins.h"
+#include "editor/line_marks.h"
 #include "editor/pane_state.h"
 #include "files/text_encoding.h"
 #include "language/format_range.h"
@@ -19,8 +19,10 @@
 
 #include <algorithm>
 #include <functional>
+#include <numeric>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -63,32 +65,10 @@ std::string_view EolOf(HWND editor) {
 
 void ShowStatus(const wchar_t* text) { g_events.statusText(text); }
 
-// --- Marks that go with their lines
-
-constexpr int kKeptMarks[] = {kMarkBookmark, kMarkBreakpoint};
-constexpr LRESULT kKeptMask = (1 << kMarkBookmark) | (1 << kMarkBreakpoint);
-
-// The marks of each line of a block, which are taken off. A deleted line would give them to its neighbour.
-std::vector<LRESULT> TakeMarks(HWND editor, const LineBlock& block) {
-    std::vector<LRESULT> marks(static_cast<std::size_t>(block.count()));
-    LRESULT line = PaneSend(editor, SCI_MARKERNEXT, block.first, kKeptMask);
-    for (; line >= 0 && line <= block.last; line = PaneSend(editor, SCI_MARKERNEXT, line + 1, kKeptMask)) {
-        marks[static_cast<std::size_t>(line - block.first)] = PaneSend(editor, SCI_MARKERGET, line) & kKeptMask;
-        for (const int mark : kKeptMarks) PaneSend(editor, SCI_MARKERDELETE, line, mark);
-    }
-    return marks;
-}
-
-void PutMarks(HWND editor, LRESULT line, LRESULT marks) {
-    for (const int mark : kKeptMarks)
-        if ((marks >> mark & 1) != 0) PaneSend(editor, SCI_MARKERADD, line, mark);
-}
-
 // Whether the lines have something that they would lose if they were taken out and put in again.
 bool HasMarksOrFolds(HWND editor, const LineBlock& block) {
-    const LRESULT marked = PaneSend(editor, SCI_MARKERNEXT, block.first, kKeptMask);
     const LRESULT folded = PaneSend(editor, SCI_CONTRACTEDFOLDNEXT, block.first);
-    return (marked >= 0 && marked <= block.last) || (folded >= 0 && folded <= block.last);
+    return LineMarksAreIn(editor, block) || (folded >= 0 && folded <= block.last);
 }
 
 // --- Which lines
@@ -193,12 +173,13 @@ void DeleteLines(HWND editor) {
         const UndoStep step(editor);
         for (std::size_t i = blocks.size(); i-- > 0;) {
             const LineBlock& block = blocks[i];
-            TakeMarks(editor, block);
+            LineMarksMove marks = LineMarksTake(editor, block);
             // The line that becomes the last one loses its break, as the one that goes had none.
             const bool last = block.last + 1 == LineCountOf(editor) && block.first > 0;
             const LRESULT start =
                 last ? PaneSend(editor, SCI_GETLINEENDPOSITION, block.first - 1) : LineStart(editor, block.first);
             Replace(editor, start, LineStart(editor, block.last + 1), {});
+            LineMarksPut(editor, std::move(marks));
         }
     }
     std::vector<CaretSpan> spans;
@@ -233,12 +214,13 @@ void SwapBlocks(HWND editor, const LineBlock& upper, const LineBlock& lower) {
     const LineBlock& moved = movesUpper ? upper : lower;
     const TextMove move = MoveOver(LinesText(editor, upper), LinesText(editor, lower), movesUpper);
     const LRESULT start = LineStart(editor, upper.first);
-    const std::vector<LRESULT> marks = TakeMarks(editor, moved);
+    LineMarksMove marks = LineMarksTake(editor, moved);
     const auto at = [start](std::size_t offset) { return start + static_cast<LRESULT>(offset); };
     Replace(editor, at(move.erased.start), at(move.erased.end), {});
     Replace(editor, at(move.at), at(move.at), move.text);
-    const LRESULT first = movesUpper ? upper.first + lower.count() : upper.first;
-    for (std::size_t i = 0; i < marks.size(); ++i) PutMarks(editor, first + static_cast<LRESULT>(i), marks[i]);
+    std::iota(marks.after.begin(), marks.after.end(),
+              static_cast<std::int32_t>(movesUpper ? upper.first + lower.count() : upper.first));
+    LineMarksPut(editor, std::move(marks));
 }
 
 void MoveLines(HWND editor, bool up) {
@@ -291,6 +273,17 @@ void ChangeLines(HWND editor, const wchar_t* what, const std::vector<LineBlock>&
     if (work.Shown()) g_events.statusText(work.Stopped() ? L"Stopped: nothing was changed" : L"");
 }
 
+// Removes a part of the text that is whole lines, with the break above them when they are the last ones.
+void RemoveLines(HWND editor, LRESULT start, LRESULT end) {
+    LineBlock block = {PaneSend(editor, SCI_LINEFROMPOSITION, start), PaneSend(editor, SCI_LINEFROMPOSITION, end)};
+    if (LineStart(editor, block.first) != start) ++block.first;
+    if (LineStart(editor, block.last) == end && end < PaneSend(editor, SCI_GETLENGTH)) --block.last;
+    if (!LineMarksAreIn(editor, block)) return Replace(editor, start, end, {});
+    LineMarksMove marks = LineMarksTake(editor, block);
+    Replace(editor, start, end, {});
+    LineMarksPut(editor, std::move(marks));
+}
+
 void RemoveRepeated(HWND editor) {
     LongWork work(L"Removing", ShowStatus);
     const std::vector<LineBlock> blocks = LinesOrAll(editor);
@@ -302,8 +295,8 @@ void RemoveRepeated(HWND editor) {
             const LRESULT start = LineStart(editor, blocks[i].first);
             const LRESULT lines = LineCountOf(editor);
             for (std::size_t n = spans.size(); n-- > 0;) {
-                Replace(editor, start + static_cast<LRESULT>(spans[n].start),
-                        start + static_cast<LRESULT>(spans[n].end), {});
+                RemoveLines(editor, start + static_cast<LRESULT>(spans[n].start),
+                            start + static_cast<LRESULT>(spans[n].end));
                 if (!work.GoesOn(1 - static_cast<double>(n) / static_cast<double>(spans.size()))) break;
             }
             removed += static_cast<double>(lines - LineCountOf(editor));
@@ -334,11 +327,12 @@ void SortBlock(HWND editor, const LineBlock& block, bool down, LongWork& work) {
     const SortedLines sorted =
         SortLines(before, down, KeysOfColumns(editor, block), [&work](double share) { return work.GoesOn(share); });
     if (sorted.stopped || sorted.text == before) return;
-    const std::vector<LRESULT> marks = TakeMarks(editor, block);
+    LineMarksMove marks = LineMarksTake(editor, block);
     const LRESULT start = LineStart(editor, block.first);
     Replace(editor, start, start + static_cast<LRESULT>(before.size()), sorted.text);
     for (std::size_t i = 0; i < sorted.order.size(); ++i)
-        PutMarks(editor, block.first + static_cast<LRESULT>(i), marks[sorted.order[i]]);
+        marks.after[sorted.order[i]] = static_cast<std::int32_t>(block.first + static_cast<LRESULT>(i));
+    LineMarksPut(editor, std::move(marks));
 }
 
 void SortSelected(HWND editor, bool down) {
@@ -366,12 +360,13 @@ void JoinSelected(HWND editor) {
         const std::string before = LinesText(editor, blocks[i]);
         const std::string after = JoinLines(before);
         if (after == before) continue;
-        TakeMarks(editor, {blocks[i].first + 1, blocks[i].last});
+        LineMarksMove marks = LineMarksTake(editor, {blocks[i].first + 1, blocks[i].last});
         const LRESULT start = LineStart(editor, blocks[i].first);
         // What stays at the front is not touched, so a caret in it stays.
         const auto same = static_cast<std::size_t>(std::ranges::mismatch(before, after).in1 - before.begin());
         Replace(editor, start + static_cast<LRESULT>(same), start + static_cast<LRESULT>(before.size()),
                 std::string_view(after).substr(same));
+        LineMarksPut(editor, std::move(marks));
     }
 }
 

@@ -21,12 +21,12 @@ void Append(PaneSettings& out, const PaneSettings& more) { out.insert(out.end(),
 
 }  // namespace
 
+const int kPaneEvents = SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT | SC_MOD_CONTAINER;
+
 const EditorMessages& PaneSetUpMessages() {
     static const EditorMessages kMessages = {
         {SCI_SETCODEPAGE, SC_CP_UTF8},
-        // Only changes that the main window handles are reported, because a notification for each restyled or folded
-        // line would take longer than the styling.
-        {SCI_SETMODEVENTMASK, SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT},
+        {SCI_SETMODEVENTMASK, kPaneEvents},
         {SCI_SETCOMMANDEVENTS, 0},
         {SCI_SETLAYOUTCACHE, SC_CACHE_PAGE},
         // The pane itself colours visible text before a paint, and the rest by a timer in small slices.

@@ -6,6 +6,10 @@
 
 #include <vector>
 
+// SC_MOD_...: the changes that a pane reports. A notification for each restyled or folded line would take longer than the
+// styling.
+extern const int kPaneEvents;
+
 // What depends on no setting: input, notifications, display. Sent once, at creation.
 const EditorMessages& PaneSetUpMessages();
 

@@ -4,6 +4,7 @@
 #include "editor/caret_set.h"
 #include "editor/colour_marks.h"
 #include "editor/editor_pane.h"
+#include "editor/line_marks.h"
 #include "editor/pane_rules.h"
 #include "editor/sticky_header.h"
 #include "editor/typing_rules.h"
@@ -39,6 +40,7 @@ struct PaneState {
     std::vector<CaretSpan> beforePress;       // the selections before Alt and a press of the left button; empty: none
     LRESULT typedAt = -1;                     // the caret behind the last typed character, when that is of a word
     WheelRest zoomWheel;                      // movements with Ctrl that do not make a notch yet
+    LineMarkMoves lineMarks;                  // what commands for lines did to bookmarks and breakpoints
     bool bracesShown = false;                 // a bracket and its partner are marked
     std::vector<PaneSpan> blockWords;         // the words of a block that are marked
     AssemblyAbove assembly;                   // knowledge about blocks of inline assembly above the view

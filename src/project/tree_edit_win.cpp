@@ -3,11 +3,8 @@
 #include "base/events.h"
 #include "base/path.h"
 #include "base/wide_format.h"
-#include "debugui/breakpoint_list.h"
-#include "debugui/kept_names.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
-#include "output/mark_view.h"
 #include "project/project.h"
 #include "project/tree_actions.h"
 #include "project/tree_internal.h"
@@ -101,10 +98,7 @@ void RenameTo(TreeNode& node, const std::wstring& name) {
     const DWORD error = TreeFileMove(from, to);
     if (error != 0) return TellFailedName(L"could not be renamed", from, error);
     ShowNewName(node, name);
-    FilesFollowRename(from, to);
-    BreakpointsFollowRename(from, to);
-    NamesFollowRename(from, to);
-    SourceMarksFollowRename(from, to);
+    FilesFollowRename(from, to);  // which tells all that know files by their paths
     EndEdited();
     ReadFolderAgain(folder);  // the filters may hide the new name
     ProjectFollowRename(from, to);

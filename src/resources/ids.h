@@ -524,12 +524,13 @@
 #define TIMER_DEBUG 5   // polls the debuggee for its next event
 // Looks for the console of a program that was just started under the debugger.
 #define TIMER_DEBUG_CONSOLE 6
-#define TIMER_POSITION 7     // shows the caret's place in the status bar
-#define TIMER_AI 8           // shows the progress of the assistant's requests in the status bar
-#define TIMER_SYMBOLS 14     // scans edited documents for their symbols in pauses of the typing
-#define TIMER_AI_MARKS 21    // updates the marks of a replacement that waits
-#define TIMER_AI_PIECES 9    // shows what has come of streamed replies
-#define TIMER_TAB_SWITCH 32  // looks whether Ctrl is still held, and shows the list of tabs
-#define TIMER_FIND 12        // goes on with what the search bar looks for
-#define TIMER_PANES 35       // a pane has a new size, to which its text is to be fitted
+#define TIMER_POSITION 7      // shows the caret's place in the status bar
+#define TIMER_AI 8            // shows the progress of the assistant's requests in the status bar
+#define TIMER_SYMBOLS 14      // scans edited documents for their symbols in pauses of the typing
+#define TIMER_AI_MARKS 21     // updates the marks of a replacement that waits
+#define TIMER_AI_PIECES 9     // shows what has come of streamed replies
+#define TIMER_TAB_SWITCH 32   // looks whether Ctrl is still held, and shows the list of tabs
+#define TIMER_FIND 12         // goes on with what the search bar looks for
+#define TIMER_DEBUG_ALIVE 37  // looks whether a stopped program was ended by another one
+#define TIMER_PANES 35        // a pane has a new size, to which its text is to be fitted
 #define TIMER_FOCUS 32770

@@ -5,6 +5,7 @@
 #include "base/path.h"
 #include "base/utf8.h"
 #include "base/wide_format.h"
+#include "debugui/kept_names.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "resources/ids.h"
@@ -134,6 +135,10 @@ void RenameAll(Renaming& renaming) {
     }
     for (const FoundFile& file : references.found)
         RenameIn(TabAt(TabBarFindDocument(file.document)).editor, file.hits, renaming.newName);
+    const bool local = references.target.scope == ReferenceScope::Procedure;
+    for (const FoundFile& file : references.found)
+        NamesFollowSymbol(file.document, references.name, renaming.newName,
+                          local ? references.target.firstLine + 1 : 0);
     TellSymbolStatus(FormatW(L"Renamed %s to %s: %s", Utf8ToWideText(references.name).c_str(),
                              Utf8ToWideText(renaming.newName).c_str(), PlacesText(references).c_str()));
 }

@@ -217,6 +217,31 @@ TEST(Breakpoints, FollowTheMarkersOfTheirDocuments) {
     EXPECT_EQ(FindBreakpoint(list, 7, 11), 1);
 }
 
+TEST(Breakpoints, GoAwayAndComeBackWithTheirMarkers) {
+    FakeProgram program{.code = {{3, 3}, {5, 5}, {6, 6}}};
+    UserBreakpoints list = ListOf({3, 5}), away;
+    list[0].condition = "RAX==1";
+    list[0].stopFrom = 4;
+    PlantAllBreakpoints(&list, program.Target());
+    const auto renew = [&](int before, int after, int line, DocumentId document = 1) {
+        return RenewMarker(&list, &away, {.document = document, .before = before, .after = after, .line = line},
+                           program.Target());
+    };
+    EXPECT_TRUE(renew(103, 7, 4));
+    EXPECT_EQ(Shown(list), L"4C 5P ") << "on another line, with its condition";
+    EXPECT_FALSE(renew(103, 8, 4)) << "a bookmark";
+    EXPECT_FALSE(renew(7, 8, 4, 2)) << "of another document";
+    EXPECT_TRUE(renew(7, -1, 0));
+    EXPECT_EQ(Shown(list), L"5P ");
+    EXPECT_EQ(program.planted.size(), 1U) << "the program does not stop at a line that is gone";
+    EXPECT_TRUE(renew(7, 9, 3));
+    EXPECT_EQ(Shown(list), L"5P 3C ");
+    EXPECT_EQ(program.planted[3], "RAX==1");
+    EXPECT_EQ(program.stopFrom[3], 4U);
+    EXPECT_EQ(list[1].handle, 9);
+    EXPECT_FALSE(renew(7, 9, 3)) << "it comes back once";
+}
+
 TEST(Breakpoints, FoldedOnesAreNamed) {
     EXPECT_EQ(FoldedTipText({}), L"");
     EXPECT_EQ(FoldedTipText(std::vector{4}), L"Breakpoint on the folded line 5.");

@@ -239,6 +239,39 @@ constexpr char kSource[] =
     "SUB Later()\n"                                  // 6
     "END SUB\n";                                     // 7
 
+TEST(PlaceNames, FollowCopiesAndRenamedSymbols) {
+    const auto named = [](const char* name) { return NamedPlaces{{.name = name, .place = "RBP-4"}}; };
+    PlaceNames all;
+    SetPlaceNames(&all, {L"C:\\a.bas", "Double", named("n")});
+    SetPlaceNames(&all, {L"C:\\a.bas", "", named("g")});
+    SetPlaceNames(&all, {L"C:\\b.bas", "Old", named("x")});
+    EXPECT_FALSE(CopyPlaceNames(&all, L"C:\\none.bas", L"C:\\b.bas")) << "what has no names leaves those of the other";
+    EXPECT_TRUE(CopyPlaceNames(&all, L"c:\\A.BAS", L"C:\\b.bas"));
+    EXPECT_EQ(FindNamedProcedure(all, L"C:\\b.bas", "Old"), nullptr) << "the file was overwritten";
+    for (const wchar_t* file : {L"C:\\a.bas", L"C:\\b.bas"})
+        for (const char* procedure : {"Double", ""})
+            EXPECT_NE(FindNamedProcedure(all, file, procedure), nullptr) << procedure;
+
+    const auto rename = [&](const char* source, RenamedSymbol symbol) {
+        return RenameInPlaceNames(&all, L"C:\\a.bas", ProceduresOf(SymbolsOfText(source, DialectOf(0))), symbol);
+    };
+    const char* const twice = "SUB Twice(n AS LONG)\nEND SUB\n";
+    EXPECT_TRUE(rename(twice, {"DOUBLE", "Twice", {}}));
+    EXPECT_FALSE(rename(twice, {"Double", "Twice", {}}));
+    ASSERT_NE(FindNamedProcedure(all, L"C:\\a.bas", "Twice"), nullptr);
+    EXPECT_NE(FindNamedProcedure(all, L"C:\\b.bas", "Double"), nullptr) << "of the other file";
+    EXPECT_FALSE(rename(twice, {"n", "m", {}})) << "its own variable still has the name";
+    EXPECT_TRUE(rename("SUB Twice(m AS LONG)\nEND SUB\n", {"N", "m", "twice"}));
+    EXPECT_EQ(FindNamedProcedure(all, L"C:\\a.bas", "Twice")->names[0].name, "m");
+    EXPECT_FALSE(rename(twice, {"g", "h", "Twice"})) << "the variable of another procedure";
+    EXPECT_TRUE(rename(twice, {"g", "h", {}}));
+    EXPECT_EQ(FindNamedProcedure(all, L"C:\\a.bas", "")->names[0].name, "h");
+    SetPlaceNames(&all, {L"C:\\a.bas", "Stack.Push", named("v")});
+    const char* const heap = "CLASS Heap\nMETHOD Push()\nEND METHOD\nEND CLASS\n";
+    EXPECT_TRUE(rename(heap, {"Stack", "Heap", {}}));
+    EXPECT_NE(FindNamedProcedure(all, L"C:\\a.bas", "Heap.Push"), nullptr);
+}
+
 TEST(LocalRows, ShowEveryVariableOfTheProcedure) {
     const std::vector<SourceProcedure> procedures = ProceduresOf(SymbolsOfText(kSource, DialectOf(0)));
     ASSERT_EQ(procedures.size(), 2U);

@@ -5,6 +5,7 @@
 
 #include <map>
 
+#include "editor/margins.h"
 #include "resources/ids.h"
 
 namespace {
@@ -176,6 +177,62 @@ TEST(Bars, LineCommandsWorkOnEverySelectionInOneStep) {
     editor.Do(IDM_LINES_SORT);
     EXPECT_EQ(editor.Text(), "2a\r\n3m\r\n1z\r\n");
     EXPECT_EQ(editor.Sci(SCI_GETSELECTIONMODE), SC_SEL_RECTANGLE) << "the column is still selected";
+}
+
+// Marks of a line of which something is left, by undo and redo too; those of a line that goes come back with it.
+TEST(Bars, MarksFollowLinesThroughUndoAndRedo) {
+    ProgramFolder folder;
+    Editor editor(folder, OpenArgument(folder.Write(L"marks.bas", "c = 1\r\nd = 2\r\na = 3\r\nb = 4\r\na = 3\r\n")));
+    constexpr LPARAM kBreakpoint = 1 << kMarkBreakpoint, kBookmark = 1 << kMarkBookmark;
+    const auto lines = [&] {
+        std::string text;
+        for (WPARAM line = 0; line < 6; ++line) {
+            const LRESULT marks = editor.Sci(SCI_MARKERGET, line);
+            if ((marks & kBookmark) != 0) text += "b" + std::to_string(line);
+            if ((marks & kBreakpoint) != 0) text += "p" + std::to_string(line);
+            if ((marks >> kMarkConditional & 1) != 0) text += "c" + std::to_string(line);
+        }
+        return text;
+    };
+    for (const WPARAM line : {1, 4}) {
+        editor.Sci(SCI_GOTOLINE, line);
+        editor.Post(IDM_DEBUG_CONDITIONAL);
+        const Dialog dialog = editor.AwaitDialog(L"Conditional Breakpoint");
+        SetDlgItemTextW(dialog.window, IDC_CONDITION_TEXT, L"2 > 3");
+        editor.Press(dialog, IDOK);
+        ASSERT_TRUE(WaitFor([&] { return (editor.Sci(SCI_MARKERGET, line) >> kMarkConditional & 1) != 0; }));
+    }
+    editor.Sci(SCI_GOTOLINE, 1);
+    editor.Do(IDM_BOOKMARK_TOGGLE);
+    const std::string before = "b1p1c1p4c4";
+    ASSERT_EQ(lines(), before);
+    const struct {
+        const char* name;
+        int line, command;  // line -1: of all
+        const char* after;
+    } steps[] = {{"moved down", 1, IDM_LINES_DOWN, "b2p2c2p4c4"},
+                 {"moved past another marked line", 3, IDM_LINES_DOWN, "b1p1c1p3c3"},
+                 {"passed by another line", 2, IDM_LINES_UP, "b2p2c2p4c4"},
+                 {"deleted", 1, IDM_LINES_DELETE, "p3c3"},
+                 {"joined", 0, IDM_LINES_JOIN, "p3c3"},
+                 {"sorted", -1, IDM_LINES_SORT, "p1c1b4p4c4"},
+                 {"repeated", -1, IDM_LINES_UNIQUE, "b1p1c1"}};
+    for (const auto& step : steps) {
+        SCOPED_TRACE(step.name);
+        editor.Sci(SCI_GOTOLINE, static_cast<WPARAM>(std::max(step.line, 0)));
+        editor.Do(step.command);
+        EXPECT_EQ(lines(), step.after);
+        for (int i = 0; i < 2; ++i) {
+            editor.Do(IDM_EDIT_UNDO);
+            EXPECT_EQ(lines(), before) << "undone";
+            editor.Do(IDM_EDIT_REDO);
+            EXPECT_EQ(lines(), step.after) << "done again";
+        }
+        editor.Do(IDM_EDIT_UNDO);
+    }
+    editor.Post(IDM_DEBUG_CONDITIONAL);  // on a line whose breakpoint came back
+    const Dialog dialog = editor.AwaitDialog(L"Conditional Breakpoint");
+    editor.Press(dialog, IDCANCEL);
 }
 
 // What is typed after Esc in a pane replaces what is selected in the editor, so that must be in sight.

@@ -166,6 +166,18 @@ TEST(Debug, FollowsARunningProgramAndEndsIt) {
     EXPECT_TRUE(WaitFor([] { return CountProcesses(L"steps.exe") == 0; }));
 }
 
+TEST(Debug, AProgramThatWasEndedFromOutsideIsNoticed) {
+    const DebugFolder folder(kEndless);
+    Editor editor(folder, folder.Arguments());
+    editor.Do(IDM_DEBUG_BUILD_START);
+    ExpectStopAt(editor, 1);
+    EXPECT_EQ(EndProcesses(L"steps.exe"), 1);  // while it is stopped, and nothing more is asked of it
+    EXPECT_TRUE(editor.AwaitOutput(L"[Debug] The program has been ended from outside.\n")) << editor.Describe();
+    EXPECT_TRUE(WaitFor([&] { return editor.ButtonShown(IDM_DEBUG_BUTTON_START); }));
+    EXPECT_EQ(LineMarked(editor, kMarkCurrent), 0);
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
 // A breakpoint belongs to its line's text, through whatever happens to the file.
 TEST(Debug, BreakpointsStayWithTheirLines) {
     const DebugFolder folder;

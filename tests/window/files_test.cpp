@@ -105,6 +105,7 @@ TEST(Files, OpenSaveAsAndReload) {
     EXPECT_NE(editor.Title().find(L"out.bas"), std::wstring::npos);
     EXPECT_EQ(editor.Status(kPartEncoding), L"ANSI");
     EXPECT_FALSE(editor.Modified());
+    EXPECT_EQ(folder.Ini(L"MRU", L"File0"), folder.File(L"out.bas"));
 
     // Saving an untitled document asks for a name; refusing leaves it as it is.
     editor.Do(IDM_PREVIOUS_TAB);

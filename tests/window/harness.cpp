@@ -93,15 +93,27 @@ std::wstring Variable(const wchar_t* name) {
     return path;
 }
 
-int CountProcesses(std::wstring_view fileName) {
+static std::vector<DWORD> ProcessesOf(std::wstring_view fileName) {
     const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
     PROCESSENTRY32W entry{};
     entry.dwSize = sizeof(entry);
-    int count = 0;
+    std::vector<DWORD> found;
     for (BOOL more = Process32FirstW(snapshot, &entry); more; more = Process32NextW(snapshot, &entry))
-        count += _wcsicmp(entry.szExeFile, std::wstring(fileName).c_str()) == 0;
+        if (_wcsicmp(entry.szExeFile, std::wstring(fileName).c_str()) == 0) found.push_back(entry.th32ProcessID);
     CloseHandle(snapshot);
-    return count;
+    return found;
+}
+
+int CountProcesses(std::wstring_view fileName) { return static_cast<int>(ProcessesOf(fileName).size()); }
+
+int EndProcesses(std::wstring_view fileName) {
+    int ended = 0;
+    for (const DWORD id : ProcessesOf(fileName)) {
+        const HANDLE process = OpenProcess(PROCESS_TERMINATE, FALSE, id);
+        ended += process != nullptr && TerminateProcess(process, 7) != FALSE;
+        if (process != nullptr) CloseHandle(process);
+    }
+    return ended;
 }
 
 std::wstring OpenArgument(const std::wstring& path) { return L" --open \"" + path + L"\""; }

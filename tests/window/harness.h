@@ -37,7 +37,8 @@ bool Exists(const std::wstring& path);
 std::optional<std::string> ReadBytes(const std::wstring& path);  // nothing when it cannot be opened
 void WrittenFromNow(const std::wstring& path, int minutes);      // sets the time of the last write
 void WriteBytes(const std::wstring& path, std::string_view bytes);
-std::wstring Variable(const wchar_t* name);  // environment, empty when unset; a Unix path comes back as a Windows one
+std::wstring Variable(const wchar_t* name);    // environment, empty when unset; a Unix path comes back as a Windows one
+int EndProcesses(std::wstring_view fileName);  // how many there were
 int CountProcesses(std::wstring_view fileName);       // running executables of that name, without regard to case
 std::wstring OpenArgument(const std::wstring& path);  // for the program's command line, after others or none
 void ClipboardEmpty();
