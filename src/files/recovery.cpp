@@ -57,6 +57,12 @@ std::uint32_t RecoveryCopyWriter(std::wstring_view name) {
     return writer;
 }
 
+RecoveryNote ParseRecoveryNote(std::wstring_view text) {
+    const std::size_t end = text.find(L'\n');
+    if (end == std::wstring_view::npos) return {.target = std::wstring{text}, .run = {}};
+    return {.target = std::wstring{text.substr(0, end)}, .run = std::wstring{text.substr(end + 1)}};
+}
+
 std::vector<RecoveryCopy> KeptCopies::Take(std::wstring_view target) {
     std::vector<RecoveryCopy> taken;
     std::erase_if(kept_, [&](const Kept& kept) {

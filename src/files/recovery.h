@@ -1,7 +1,8 @@
 // Recovery copies. While a save overwrites its target, a second file holds the whole new text, flushed to the disk.
 // This copy is in the user's own folder ("KVX-Editor\Recovery" under the local application data). Its name is that of
-// the target with a tag, and a ".path" file beside it holds the full path of the target. The copy is deleted once the
-// target has been written and read back, and stays when the save failed.
+// the target with a tag, and a ".path" file beside it holds the full path of the target and, in a second line, the run of
+// the program. While it is written, its name ends in ".new". The copy is deleted once the target has been written and
+// read back, and stays when the save failed.
 #pragma once
 
 #include <cstddef>
@@ -19,6 +20,15 @@ std::wstring RecoveryCopyName(std::wstring_view targetPath, std::uint32_t proces
 
 // The id of the process that wrote a copy of that name, with or without a folder. 0: it is none of ours.
 std::uint32_t RecoveryCopyWriter(std::wstring_view name);
+
+// What a ".path" file says.
+struct RecoveryNote {
+    std::wstring target;
+    std::wstring run;  // RecoveryRun() of the writer; empty: not known
+};
+RecoveryNote ParseRecoveryNote(std::wstring_view text);
+
+inline constexpr wchar_t kRecoveryUnfinished[] = L".new";  // follows the name of a copy that is being written
 
 struct RecoveryCopy {
     std::wstring path;      // the copy; empty when there is none
@@ -49,6 +59,9 @@ private:
 };
 
 // --- recovery_win.cpp: any thread
+
+// Names this run of the program; no other run ever has the same.
+std::wstring RecoveryRun();
 
 // Writes the copy and flushes it to the disk. When the user's folder cannot take it, it is written beside the target.
 // Returns false when neither place can take it; no part of it is left then.

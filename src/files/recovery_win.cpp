@@ -1,7 +1,9 @@
 // Recovery copies on disk. Any thread, because a lock guards the list of the copies that failed saves have left.
 #include "files/recovery.h"
 
+#include "base/wide_format.h"
 #include "files/file_io.h"
+#include "files/session_file.h"
 #include "files/user_folder.h"
 #include "files/whole_file.h"
 
@@ -9,6 +11,8 @@
 #include <mutex>
 
 namespace {
+
+constexpr unsigned kMoveMs = 1000;  // for a program that reads the copy at this moment
 
 std::mutex g_keptLock;
 KeptCopies g_kept;  // guarded by g_keptLock
@@ -28,23 +32,30 @@ void DeleteCopy(const RecoveryCopy& copy) {
 
 // A name that no file in the folder has: an earlier process with the same id may have left a copy.
 std::wstring FreeName(const std::wstring& folder, const wchar_t* target) {
+    const auto isThere = [](const std::wstring& file) {
+        return GetFileAttributesW(PathForSystem(file.c_str()).c_str()) != INVALID_FILE_ATTRIBUTES;
+    };
     std::wstring path;
     do {
         path = folder + RecoveryCopyName(target, GetCurrentProcessId(), g_nextNumber++);
-    } while (GetFileAttributesW(PathForSystem(path.c_str()).c_str()) != INVALID_FILE_ATTRIBUTES);
+    } while (isThere(path) || isThere(path + kRecoveryUnfinished));
     return path;
 }
 
 bool WriteInUserFolder(const wchar_t* target, std::string_view bytes, RecoveryCopy* copy, FileProgress* progress) {
     const std::wstring folder = RecoveryFolder();
     if (folder.empty()) return false;
-    const std::string note = ToUtf8(target);
+    const std::string note = ToUtf8(target + (L'\n' + RecoveryRun()));
     const std::wstring path = FreeName(folder, target);
     const RecoveryCopy wanted{.path = path, .notePath = path + L".path"};
     // The ".path" file is written first, so that no copy is without one.
-    const bool written =
-        WriteFileUtf8(wanted.notePath.c_str(), note.data(), note.size()) && WriteCopy(wanted.path, bytes, progress);
+    // It gets its name when it is whole, because the next start would offer half a copy after a kill.
+    const std::wstring fresh = wanted.path + kRecoveryUnfinished;
+    const bool written = WriteFileUtf8(wanted.notePath.c_str(), note.data(), note.size()) &&
+                         WriteCopy(fresh, bytes, progress) &&
+                         MoveInPlace(PathForSystem(fresh.c_str()), PathForSystem(wanted.path.c_str()), kMoveMs);
     if (!written) {
+        DeleteFileW(PathForSystem(fresh.c_str()).c_str());
         DeleteFileW(PathForSystem(wanted.notePath.c_str()).c_str());
         return false;
     }
@@ -53,6 +64,12 @@ bool WriteInUserFolder(const wchar_t* target, std::string_view bytes, RecoveryCo
 }
 
 }  // namespace
+
+std::wstring RecoveryRun() {
+    FILETIME started = {}, ended = {}, kernel = {}, user = {};
+    GetProcessTimes(GetCurrentProcess(), &started, &ended, &kernel, &user);
+    return FormatW(L"%lx%08lx-%lx", started.dwHighDateTime, started.dwLowDateTime, GetCurrentProcessId());
+}
 
 std::wstring RecoveryFolder() {
     const std::wstring parent = UserFolder();

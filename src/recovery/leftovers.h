@@ -12,7 +12,8 @@
 
 struct Leftover {
     std::wstring text;                // path of its text
-    std::vector<std::wstring> files;  // all of its files
+    std::vector<std::wstring> files;  // all of its files, and those of texts that are not offered beside it
+    std::wstring run;                 // RecoveryRun() of its writer; empty: not known
     SnapshotNote note;
     bool asWritten = false;  // the text has the encoding of its file, instead of UTF-8
     FILETIME time = {};      // when it was written

@@ -6,6 +6,7 @@
 #include "files/file_io.h"
 #include "files/recovery.h"
 #include "files/user_folder.h"
+#include "recovery/leftover_rules.h"
 #include "recovery/run_folder.h"
 
 #include <algorithm>
@@ -14,9 +15,10 @@
 
 namespace {
 
-constexpr wchar_t kPathEnd[] = L".path";          // of the file beside the copy of a save that failed
-constexpr std::size_t kLargestNote = 1 << 16;     // bytes
-constexpr std::size_t kLargestText = 0x7FFF0000;  // bytes
+constexpr wchar_t kPathEnd[] = L".path";           // of the file beside the copy of a save that failed
+constexpr std::size_t kLargestNote = 1 << 16;      // bytes
+constexpr std::uint64_t kMostCompared = 32 << 20;  // bytes
+constexpr std::size_t kLargestText = 0x7FFF0000;   // bytes
 
 std::vector<RunFolder> g_leftFolders;
 
@@ -48,7 +50,8 @@ std::string ReadNote(const std::wstring& path) {
 }
 
 // The texts that a run has left. A ".new" file is a text that was not whole when the run ended.
-void AddSnapshots(const std::wstring& folder, std::vector<Leftover>& left) {
+void AddSnapshots(const RunFolder& run, std::vector<Leftover>& left) {
+    const std::wstring& folder = run.path;
     for (const WIN32_FIND_DATAW& file : FilesIn(folder, L"*")) {
         if (HasEnd(file.cFileName, kSnapshotNoteEnd) || HasEnd(file.cFileName, L".new") ||
             PathEqualsIgnoreCase(file.cFileName, L"owner"))
@@ -58,6 +61,7 @@ void AddSnapshots(const std::wstring& folder, std::vector<Leftover>& left) {
         one.files = {one.text, one.text + kSnapshotNoteEnd};
         one.note = ParseSnapshotNote(ReadNote(one.files[1]));
         if (one.note.label.empty()) one.note.label = file.cFileName;
+        one.run = run.run;
         one.time = file.ftLastWriteTime;
         one.size = SizeOf(file);
         left.push_back(std::move(one));
@@ -78,12 +82,21 @@ void DeleteStrays(const std::wstring& folder) {
 bool WriterRuns(const wchar_t* name) {
     const DWORD writer = RecoveryCopyWriter(name);
     if (writer == 0 || writer == GetCurrentProcessId()) return false;
-    const UniqueHandle process{OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, writer)};
+    // A process that has ended can be opened for as long as another one has a handle of it.
+    const UniqueHandle process{OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION | SYNCHRONIZE, FALSE, writer)};
     wchar_t theirs[kPathCapacity] = {}, ours[kPathCapacity] = {};
     DWORD length = kPathCapacity;
-    return process && QueryFullProcessImageNameW(process.Get(), 0, theirs, &length) != FALSE &&
+    return process && WaitForSingleObject(process.Get(), 0) == WAIT_TIMEOUT &&
+           QueryFullProcessImageNameW(process.Get(), 0, theirs, &length) != FALSE &&
            GetModuleFileNameW(nullptr, ours, kPathCapacity) != 0 &&
            PathEqualsIgnoreCase(FileNameOf(theirs), FileNameOf(ours));
+}
+
+// The run ended while it wrote the copy: the target has not been touched yet.
+void DeleteUnfinishedCopy(const Leftover& copy) {
+    if (RecoveryCopyWriter(FileNameOf(copy.text)) == 0) return;  // not ours
+    DeleteFileW(PathForSystem((copy.text + kRecoveryUnfinished).c_str()).c_str());
+    DeleteFileW(PathForSystem(copy.files[1].c_str()).c_str());
 }
 
 void AddFailedSaves(const std::wstring& folder, std::vector<Leftover>& left) {
@@ -93,10 +106,13 @@ void AddFailedSaves(const std::wstring& folder, std::vector<Leftover>& left) {
         one.text.resize(one.text.size() - std::size(kPathEnd) + 1);
         one.files = {one.text, folder + file.cFileName};
         WIN32_FILE_ATTRIBUTE_DATA copy = {};
-        if (WriterRuns(file.cFileName) ||
-            GetFileAttributesExW(PathForSystem(one.text.c_str()).c_str(), GetFileExInfoStandard, &copy) == FALSE)
+        if (WriterRuns(file.cFileName)) continue;
+        if (GetFileAttributesExW(PathForSystem(one.text.c_str()).c_str(), GetFileExInfoStandard, &copy) == FALSE) {
+            DeleteUnfinishedCopy(one);
             continue;
-        const std::wstring target = Utf8ToWideText(ReadNote(one.files[1]));
+        }
+        const auto [target, run] = ParseRecoveryNote(Utf8ToWideText(ReadNote(one.files[1])));
+        one.run = run;
         one.note.label = FileNameOf(target);
         if (one.note.label.empty())  // a note that is damaged
             one.note.label = FileNameOf(one.text);
@@ -109,6 +125,36 @@ void AddFailedSaves(const std::wstring& folder, std::vector<Leftover>& left) {
     }
 }
 
+LeftoverOrigin OriginOf(const Leftover& leftover) {
+    return {.path = leftover.note.path,
+            .run = leftover.run,
+            .time = (std::uint64_t{leftover.time.dwHighDateTime} << 32U) | leftover.time.dwLowDateTime,
+            .ofSave = leftover.asWritten};
+}
+
+bool AreEqual(const Leftover& a, const Leftover& b) {
+    std::string first, second;
+    return !a.note.path.empty() && PathEqualsIgnoreCase(a.note.path, b.note.path) &&
+           std::max(a.size, b.size) <= kMostCompared && LeftoverRead(a, &first) && LeftoverRead(b, &second) &&
+           first == second;
+}
+
+// Of the texts of one file those stay that say something of their own. The files of the others go with the one that stands
+// for them. Newest first.
+void DropRepeated(std::vector<Leftover>& left) {
+    std::vector<Leftover> kept;
+    for (Leftover& one : left) {
+        const auto standsForIt = std::ranges::find_if(kept, [&one](const Leftover& newer) {
+            return LeftoverReplaces(OriginOf(newer), OriginOf(one)) || AreEqual(newer, one);
+        });
+        if (standsForIt == kept.end())
+            kept.push_back(std::move(one));
+        else
+            std::ranges::move(one.files, std::back_inserter(standsForIt->files));
+    }
+    left = std::move(kept);
+}
+
 }  // namespace
 
 std::vector<Leftover> LeftoversFind() {
@@ -118,10 +164,14 @@ std::vector<Leftover> LeftoversFind() {
     std::ranges::move(RunFoldersLeft(), std::back_inserter(g_leftFolders));
     for (const RunFolder& folder : g_leftFolders) {
         DeleteStrays(folder.path);
-        AddSnapshots(folder.path, left);
+        AddSnapshots(folder, left);
     }
     AddFailedSaves(user + L"Recovery\\", left);
-    std::ranges::sort(left, [](const Leftover& a, const Leftover& b) { return CompareFileTime(&a.time, &b.time) > 0; });
+    std::ranges::sort(left, [](const Leftover& a, const Leftover& b) {
+        const LONG order = CompareFileTime(&a.time, &b.time);
+        return order != 0 ? order > 0 : a.asWritten && !b.asWritten;
+    });
+    DropRepeated(left);
     return left;
 }
 

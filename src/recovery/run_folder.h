@@ -10,6 +10,7 @@
 struct RunFolder {
     std::wstring path;   // with the trailing backslash; empty: none
     UniqueHandle owner;  // gone with the process
+    std::wstring run;    // RecoveryRun() of the process that made it
 };
 
 // Makes the folder of this run. `path` is empty when that fails.

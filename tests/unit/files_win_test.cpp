@@ -100,7 +100,7 @@ TEST_F(FilesWin, FailedSavesKeepOldAndNewContent) {
         EXPECT_EQ(fs::path{copy}.extension(), L".bas");
         EXPECT_EQ(Bytes(copy), "second\n");
         const HeapBlock<char> target{WideToUtf8(path.c_str())};
-        EXPECT_EQ(Bytes(copy + L".path"), target.get());
+        EXPECT_TRUE(Bytes(copy + L".path").starts_with(std::string(target.get()) + "\n"));
         EXPECT_TRUE(RecoveryHasKept(path.c_str())) << path;
     }
     EXPECT_EQ(Copies().size(), 4U) << "of each target the newest failure's copy and its note";

@@ -2,6 +2,7 @@
 #include "files/recovery.h"
 #include "base/difference.h"
 #include "base/line_edits.h"
+#include "recovery/leftover_rules.h"
 #include "recovery/snapshot_note.h"
 #include "recovery/text_snapshot.h"
 
@@ -145,4 +146,17 @@ TEST(SnapshotTimes, AreSoonButNotAllTheTime) {
         {{.firstEdit = 6000, .lastEdit = 6000, .written = 5900, .failed = true}, 35900, true},
     };
     for (const auto& each : cases) EXPECT_EQ(SnapshotIsDue(each.times, each.now), each.due) << &each - cases;
+}
+
+TEST(LeftoverRules, OnlyTheSameRunsLaterSaveReplacesAText) {
+    const LeftoverOrigin snapshot = {.path = L"C:\\a.bas", .run = L"1-2", .time = 10};
+    const LeftoverOrigin save = {.path = L"c:\\A.BAS", .run = L"1-2", .time = 10, .ofSave = true};
+    EXPECT_TRUE(LeftoverReplaces(save, snapshot));
+    EXPECT_FALSE(LeftoverReplaces(snapshot, save)) << "its text may have been copied before the save";
+    for (const LeftoverOrigin& other : {LeftoverOrigin{.path = L"C:\\a.bas", .run = L"1-3", .time = 10},
+                                        {.path = L"C:\\b.bas", .run = L"1-2", .time = 10},
+                                        {.path = L"C:\\a.bas", .run = L"", .time = 10},
+                                        {.path = L"C:\\a.bas", .run = L"1-2", .time = 11}})
+        EXPECT_FALSE(LeftoverReplaces(save, other));
+    EXPECT_FALSE(LeftoverReplaces({.time = 10, .ofSave = true}, {.time = 10})) << "documents without a file";
 }

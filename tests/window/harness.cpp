@@ -10,12 +10,17 @@
 
 namespace fs = std::filesystem;
 
+// The time during which this process did not run, because the machine slept or was measured, does not count.
 bool WaitFor(const std::function<bool()>& condition, int milliseconds) {
-    const ULONGLONG end = GetTickCount64() + static_cast<ULONGLONG>(milliseconds);
-    for (;;) {
+    constexpr ULONGLONG kLongestStep = 1000;
+    ULONGLONG passed = 0;
+    for (ULONGLONG last = GetTickCount64();;) {
         if (condition()) return true;
-        if (GetTickCount64() >= end) return false;
+        if (passed >= static_cast<ULONGLONG>(milliseconds)) return false;
         Sleep(15);
+        const ULONGLONG now = GetTickCount64();
+        passed += std::min(now - last, kLongestStep);
+        last = now;
     }
 }
 

@@ -110,8 +110,14 @@ bool Editor::AwaitReady() {
 
 LRESULT Editor::Send(HWND window, UINT message, WPARAM wParam, LPARAM lParam) const {
     DWORD_PTR result = 0;
-    SetLastError(0);
-    if (!SendMessageTimeoutW(window, message, wParam, lParam, SMTO_NORMAL, kDeadline, &result))
+    bool answered = false, stood = true;  // while the machine slept nothing can have been answered
+    while (!answered && stood) {
+        const ULONGLONG began = GetTickCount64();
+        SetLastError(0);
+        answered = SendMessageTimeoutW(window, message, wParam, lParam, SMTO_NORMAL, kDeadline, &result) != 0;
+        stood = GetTickCount64() - began > kDeadline + 2000;
+    }
+    if (!answered)
         ADD_FAILURE() << "message " << message << "(" << wParam << ") to " << Utf8(ClassOf(window))
                       << " was not answered, error " << GetLastError() << "\n"
                       << Describe();

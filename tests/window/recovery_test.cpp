@@ -49,7 +49,7 @@ TEST(Recovery, AKillLosesNothing) {
         {  // the next text takes the place of the last, although another program reads that one at this moment
             const HANDLE scanner = OpenKept(folder, "new \xC3\xA9 and more");
             editor.Sci(SCI_DELETERANGE, 6, 9);
-            EXPECT_TRUE(WaitFor([&] { return KeptTexts(folder).contains("new \xC3\xA9"); }));  // beside it
+            EXPECT_TRUE(WaitFor([&] { return KeptTexts(folder, true).contains("new \xC3\xA9"); }));  // beside it
             CloseHandle(scanner);
         }
         ASSERT_TRUE(AwaitKept(folder, texts));
@@ -72,6 +72,49 @@ TEST(Recovery, AKillLosesNothing) {
         EXPECT_TRUE(AwaitKept(folder, texts)) << "a second kill would lose nothing either";
         ASSERT_TRUE(WaitFor([&] { return std::distance(fs::directory_iterator(RecoveryOf(folder)), {}) == 2; }));
         Kill(editor);
+    }
+}
+
+// A save that cannot overwrite its file stands at the place at which a kill leaves two texts: that of the save, and the one
+// that was kept before.
+TEST(Recovery, AKillWithinASaveOffersOneTextOfTheFile) {
+    for (const bool typedSince : {false, true}) {
+        SCOPED_TRACE(typedSince ? "the save has a later text" : "both are equal");
+        ProgramFolder folder;
+        folder.KeepNoSession();
+        const std::wstring path = folder.Write(L"a.bas", "a\n");
+        HANDLE ended = nullptr;  // as whoever started the program keeps one
+        const std::string text = typedSince ? "later and kept a\n" : "kept a\n";
+        {
+            Editor editor(folder, OpenArgument(path));
+            editor.Type("kept ");
+            ASSERT_TRUE(AwaitKept(folder, {"kept a\n"}));
+            if (typedSince) {
+                editor.Sci(SCI_GOTOPOS, 0);
+                editor.Type("later and ");
+            }
+            const HANDLE held =
+                CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+            editor.Post(IDM_FILE_SAVE);
+            ASSERT_TRUE(WaitFor([&] { return !editor.Dialogs().empty(); }));
+            EXPECT_TRUE(KeptTexts(folder).contains(text));
+            DuplicateHandle(GetCurrentProcess(), editor.process, GetCurrentProcess(), &ended, 0, FALSE,
+                            DUPLICATE_SAME_ACCESS);
+            Kill(editor);
+            CloseHandle(held);
+        }
+        // A run that was killed while it wrote the copy of a save: its file has not been touched.
+        folder.Write(L"local\\KVX-Editor\\Recovery\\a [1-fffffff0-1].bas.new", "half");
+        folder.Write(L"local\\KVX-Editor\\Recovery\\a [1-fffffff0-1].bas.path", Utf8(path));
+        Editor editor(folder, OpenArgument(path));
+        const Dialog list = editor.AwaitDialog(kRecovered);
+        EXPECT_EQ(editor.Send(GetDlgItem(list.window, IDC_RECOVERY_LIST), LVM_GETITEMCOUNT), 1);
+        editor.Press(list, IDC_RECOVERY_RESTORE);
+        EXPECT_TRUE(WaitFor([&] { return editor.Text() == text; })) << editor.Text();
+        EXPECT_EQ(editor.Tabs(), 1);
+        EXPECT_TRUE(AwaitKept(folder, {text})) << "the repeated one is gone with it";
+        Kill(editor);
+        CloseHandle(ended);
     }
 }
 
