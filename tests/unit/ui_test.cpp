@@ -137,7 +137,7 @@ TEST(StatusBar, WhatIsSelected) {
     EXPECT_EQ(SelectionText({.characters = 1000, .inBytes = true}), L"1,000 bytes");
     EXPECT_EQ(ZoomText(12, 0), L"100 %");
     EXPECT_EQ(ZoomText(12, -20), L"8 %");
-    EXPECT_EQ(ZoomText(11, 4), L"136 %");
+    EXPECT_EQ(ZoomText(12, 2), L"117 %") << "rounded";
     EXPECT_EQ(TabText(4, false), L"Blanks 4");
 }
 
