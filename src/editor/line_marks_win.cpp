@@ -88,6 +88,17 @@ void PutAfter(HWND editor, LineMarksMove* move, const std::vector<TakenMark>& ma
 int BeforeToken(int token) { return token * 2; }
 int AfterToken(int token) { return token * 2 + 1; }
 
+// Scintilla tells that the text is no longer that of the file only with a change of the text, and here an action of ours
+// leaves the save point before that.
+void AddActionBefore(HWND editor, int token) {
+    const bool saved = PaneSend(editor, SCI_GETMODIFY) == 0;
+    PaneSend(editor, SCI_ADDUNDOACTION, BeforeToken(token), UNDO_NONE);
+    if (!saved || PaneSend(editor, SCI_GETMODIFY) == 0) return;
+    SCNotification left = {};
+    left.nmhdr = {.hwndFrom = editor, .idFrom = static_cast<UINT_PTR>(GetDlgCtrlID(editor)), .code = SCN_SAVEPOINTLEFT};
+    SendMessageW(GetParent(editor), WM_NOTIFY, left.nmhdr.idFrom, reinterpret_cast<LPARAM>(&left));
+}
+
 void KeepMove(LineMarkMoves* moves, LineMarksMove move) {
     moves->made.push_back(std::move(move));
     std::size_t lines = 0;
@@ -111,7 +122,7 @@ LineMarksMove LineMarksTake(HWND editor, const LineBlock& block) {
     move.after.assign(static_cast<std::size_t>(std::max<std::ptrdiff_t>(block.count(), 0)), -1);
     if (PaneState* const state = PaneStateOf(editor); state != nullptr) move.token = ++state->lineMarks.lastToken;
     move.taken = TakeBefore(editor, move);
-    PaneSend(editor, SCI_ADDUNDOACTION, BeforeToken(move.token), UNDO_NONE);
+    AddActionBefore(editor, move.token);
     return move;
 }
 

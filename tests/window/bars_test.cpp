@@ -222,6 +222,7 @@ TEST(Bars, MarksFollowLinesThroughUndoAndRedo) {
         editor.Sci(SCI_GOTOLINE, static_cast<WPARAM>(std::max(step.line, 0)));
         editor.Do(step.command);
         EXPECT_EQ(lines(), step.after);
+        EXPECT_TRUE(WaitFor([&] { return editor.ButtonWorks(IDM_FILE_SAVE_ALL); })) << "the document is modified";
         for (int i = 0; i < 2; ++i) {
             editor.Do(IDM_EDIT_UNDO);
             EXPECT_EQ(lines(), before) << "undone";
@@ -229,6 +230,7 @@ TEST(Bars, MarksFollowLinesThroughUndoAndRedo) {
             EXPECT_EQ(lines(), step.after) << "done again";
         }
         editor.Do(IDM_EDIT_UNDO);
+        EXPECT_TRUE(WaitFor([&] { return !editor.ButtonWorks(IDM_FILE_SAVE_ALL); })) << "and no longer";
     }
     editor.Post(IDM_DEBUG_CONDITIONAL);  // on a line whose breakpoint came back
     const Dialog dialog = editor.AwaitDialog(L"Conditional Breakpoint");
