@@ -9,6 +9,7 @@
 #include "project/new_project.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
+#include "ui/accessible.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
@@ -164,6 +165,7 @@ bool CreateStartPage() {
     child(WC_STATICW, L"Recent files, sessions and samples - Enter or a click opens one, the digits open recent files",
           WS_VISIBLE | SS_ENDELLIPSIS | SS_NOPREFIX, g_app.hStartPage, IDC_START_HINT);
     if (!ListViewCreate(g_start.list, g_app.hStartPage, IDC_START_LIST)) return false;
+    AccessibleNameSet(g_start.list.window, L"Recent files, sessions and samples");
     ShowWindow(g_start.list.window, SW_SHOWNA);
     StartPageApplyTheme();
     return true;

@@ -30,6 +30,8 @@
 
 namespace {
 
+constexpr int kTreeIndent = 19;  // at 96 dpi
+
 TreeFilter FilterOfSettings() {
     return {.sourcesOnly = g_settings.treeSourcesOnly != 0,
             .hidden = g_settings.treeHidden != 0,
@@ -41,6 +43,7 @@ void RenewPictures() {
     const HIMAGELIST icons = TreeIconsCreate(g_ui.dpi, ThemeCurrentChrome());
     if (icons == nullptr) return;
     TreeView_SetImageList(TreeWindow(), icons, TVSIL_NORMAL);
+    TreeView_SetIndent(TreeWindow(), UiScaled(kTreeIndent));  // larger pictures have made it larger for good
     if (g_tree.icons != nullptr) ImageList_Destroy(g_tree.icons);
     g_tree.icons = icons;
 }

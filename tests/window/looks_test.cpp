@@ -107,6 +107,9 @@ TEST(Looks, AScreenReaderHearsANameForEveryControl) {
         ExpectNamed(Utf8(title), dialog.window);
         editor.Press(dialog, IDCANCEL);
     }
+    editor.Do(IDM_FILE_CLOSE_ALL);
+    ASSERT_TRUE(WaitFor([&] { return editor.Child(IDC_START_PAGE) != nullptr; }));
+    ExpectNamed("start page", editor.Child(IDC_START_PAGE));
     CoUninitialize();
 }
 
