@@ -115,7 +115,11 @@ void OnDocumentNotice(DocumentId document, const wchar_t* notice) {
 }
 
 void OnFileRenamed(const wchar_t* from, const wchar_t* to, bool copied) {
-    if (copied) return NamesFollowCopy(from, to);
+    if (copied) {
+        BreakpointsUpdate();  // they take the new path from their document
+        DebugPaneInvalidate();
+        return NamesFollowCopy(from, to);
+    }
     BreakpointsFollowRename(from, to);
     NamesFollowRename(from, to);
     SourceMarksFollowRename(from, to);

@@ -295,9 +295,10 @@ std::string KeywordsInCapitals(std::string_view line, LineState before, const Di
     if (table != nullptr) ScanBlocks(*table, line, tokens, before, scanned.state, dialect, blocks);
     std::string out;
     const FormatOptions options{.dialect = &dialect};
+    const OwnNames own = OwnNamesOf(line, dialect);
     for (const Token& token : tokens) {
         out.append(line.substr(out.size(), token.start - out.size()));
-        AppendToken(out, line, token, options, {});
+        AppendToken(out, line, token, options, own);
     }
     return out.append(line.substr(out.size()));
 }

@@ -11,6 +11,7 @@
 #include "files/file_io.h"
 #include "language/lexer_table.h"
 #include "resources/ids.h"
+#include "scintilla/sci.h"
 #include "symbols/file_scan.h"
 #include "ui/ui_state.h"
 
@@ -104,9 +105,17 @@ void ReferencesWork(ReferencesRequest& request, const WorkerCancel& cancel) {
 
 // --- What is to be read
 
+// Whether the places in the file are those in the editor. A save may have written other line breaks than the editor has.
+bool TextIsAsFile(const DocumentTab& tab) {
+    if (!tab.hasFile || tab.modified) return false;
+    const auto length = static_cast<std::uint64_t>(SciSend(tab.editor, SCI_GETLENGTH));
+    constexpr std::uint64_t kMark = 3;  // bytes of a byte-order mark
+    return tab.editor == nullptr || length == tab.onDisk.size || length + kMark == tab.onDisk.size;
+}
+
 ReferenceText TextOfDocument(const DocumentTab& tab) {
     ReferenceText text{tab.hasFile ? tab.path : L"", tab.id, tab.compilerId, nullptr, 0};
-    if (tab.modified || !tab.hasFile) text.utf8.reset(EditorPaneGetText(tab.editor, &text.length));
+    if (!TextIsAsFile(tab)) text.utf8.reset(EditorPaneGetText(tab.editor, &text.length));
     return text;
 }
 

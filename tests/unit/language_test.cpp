@@ -158,6 +158,7 @@ TEST(Format, CapitalsOfOneLine) {
     EXPECT_EQ(KeywordsInCapitals(" and eax, 1", kScanAssembly, AnyDialect()), " and eax, 1");
     EXPECT_EQ(KeywordsInCapitals("end asm ' and", kScanAssembly, AnyDialect()), "END ASM ' and");
     EXPECT_EQ(KeywordsInCapitals("  data if: and if", 0, AnyDialect()), "  DATA if: and if");
+    EXPECT_EQ(KeywordsInCapitals("declare sub Print(x as long)", 0, AnyDialect()), "DECLARE SUB Print(x AS LONG)");
     EXPECT_EQ(KeywordsInCapitals("threadsafe sub a: endsub", 0, AnyDialect()), "THREADSAFE SUB a: ENDSUB");
 }
 

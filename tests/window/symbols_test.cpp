@@ -119,6 +119,34 @@ TEST(Symbols, DefinitionsReferencesAndRenaming) {
     EXPECT_EQ(editor.Text(), "\r\n" + std::string(kMain)) << "one step";
 }
 
+// The new file has CRLF, while the text in the editor still has LF.
+TEST(Symbols, RenamingAndNamesOfPlacesFollowANewFileName) {
+    ProgramFolder folder;
+    const std::wstring file = folder.Write(L"lf.bas", "' one\nSUB Twice(BYVAL n AS LONG)\n    n = n * 2\nEND SUB\n");
+    const std::string names = "\r\nprocedure Twice\r\n  n = RBP+16, LONG\r\n";
+    folder.Write(L"DebugNames.txt", "file " + Utf8(file) + names);
+    Editor editor(folder, OpenArgument(file));
+    editor.Post(IDM_FILE_SAVE_AS);
+    editor.AnswerFileDialog(folder.File(L"crlf.bas"));
+    ASSERT_TRUE(WaitFor([&] { return editor.TabLabel(0) == L"crlf.bas"; })) << editor.Describe();
+    EXPECT_NE(folder.Read(L"DebugNames.txt").find("crlf.bas" + names), std::string::npos);
+    DeleteFileW(file.c_str());  // otherwise its names would be renamed, too
+    for (const auto& [line, column, name] : {std::tuple{2, 6, L"Thrice"}, {3, 5, L"count"}}) {
+        PutCaret(editor, line, column);
+        editor.Post(IDM_SYMBOL_RENAME);
+        const Dialog dialog = editor.AwaitDialog(L"Rename Symbol");
+        editor.Send(GetDlgItem(dialog.window, IDC_RENAME_NAME), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name));
+        editor.Press(dialog, IDOK);
+        EXPECT_TRUE(WaitFor([&] { return editor.Text().find(Utf8(name)) != std::string::npos; })) << editor.Text();
+        editor.Do(IDM_FILE_SAVE);
+    }
+    EXPECT_EQ(editor.Text(), "' one\nSUB Thrice(BYVAL count AS LONG)\n    count = count * 2\nEND SUB\n");
+    const std::string kept = folder.Read(L"DebugNames.txt");
+    EXPECT_NE(kept.find("crlf.bas\r\nprocedure Thrice\r\n  count = RBP+16, LONG"), std::string::npos) << kept;
+    EXPECT_NE(kept.find("lf.bas" + names), std::string::npos) << "the other file keeps its names\n" << kept;
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
 TEST(Symbols, OutlineFollowsTheDocument) {
     const Shop shop;
     Editor editor(shop.folder, OpenArgument(shop.main));
