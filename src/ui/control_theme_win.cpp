@@ -222,6 +222,10 @@ LRESULT CALLBACK ControlProc(HWND control, UINT message, WPARAM wParam, LPARAM l
     const auto kind = static_cast<ControlKind>(data);
     const bool drawn = kind == kCombo ? !SystemHighContrast() : ThemeDrawsControls();
     if (!drawn) return SubclassNext(control, message, wParam, lParam);
+    if (message == WM_NCPAINT && IsLineField(control, kind)) {
+        DrawFrame(control);  // the system fills all of the field first, which flashes while it is resized
+        return 0;
+    }
     if (message == WM_NCPAINT && kind == kFramed) return PassAndRepaint(control, message, wParam, lParam, kind);
     if (DrawsAtOnce(message, kind)) return PassAndRepaint(control, message, wParam, lParam, kind);
     if (kind == kFramed) return SubclassNext(control, message, wParam, lParam);
