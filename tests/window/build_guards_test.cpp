@@ -81,6 +81,10 @@ TEST(BuildGuards, AProgramRunsInTheOutputPane) {
     editor.Do(IDM_BUILD_STOP);
     EXPECT_TRUE(editor.AwaitOutput(L"--- Program stopped ---\n"));
     EXPECT_EQ(CountProcesses(L"kvxpane.exe"), 0);
+    editor.Do(IDM_RUN_IN_OUTPUT);
+    EXPECT_TRUE(WaitFor([&] { return Count(editor.Output(), L"Name? ") == 3; }));
+    EXPECT_EQ(EndProcesses(L"kvxpane.exe"), 1) << "by another program";
+    EXPECT_TRUE(editor.AwaitOutput(L"--- Program ended (exit code 7) ---\n")) << Utf8(editor.Output());
     folder.Write(L"fake.txt", "await " + Utf8(folder.File(L"go")) + "\n");
     editor.Do(IDM_RUN_IN_OUTPUT);
     TypeInTerminal(editor, L"unread");
