@@ -4,29 +4,18 @@
 
 #include <windows.h>
 
+#include "results.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
 
 [[noreturn]] void Die(const std::string& what);
 
-// --- Time and statistics
-double NowMs();  // milliseconds from an arbitrary start
-double Quantile(std::vector<double> values, double share);
-inline double Median(const std::vector<double>& values) { return Quantile(values, 0.5); }
-
-// --- Results, printed as one table at the end
-struct Row {
-    std::string work;
-    double floor = 0;  // 0: this work has no floor
-    double program = 0;
-    const char* unit = "ms";
-    double maxRatio = 0;  // largest allowed program / floor; 0: no goal
-    double maxValue = 0;  // largest allowed value in `unit`; 0: no goal
-    std::string note;
-};
-void Report(Row row);
-void PrintTable();
+// --- Time and results
+double NowMs();        // milliseconds from an arbitrary start
+int Runs(int wanted);  // so many, or one in a quick run
+void Report(Row row);  // into the table of this run
 
 // --- Files
 std::string Narrow(std::wstring_view text);
@@ -137,3 +126,4 @@ void MeasureSettings();
 void MeasureSessions();
 void MeasureTree();
 void MeasurePanes();
+void MeasureFind();

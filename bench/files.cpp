@@ -105,8 +105,6 @@ SearchTimes SearchOnce(const Program& editor, const std::wstring& root, bool mat
     return times;
 }
 
-std::string Whole(double milliseconds) { return std::to_string(static_cast<int>(milliseconds + 0.5)) + " ms"; }
-
 // Until the pane says that the search has ended, and until its threads have.
 double StopOnce(const Program& editor, const std::wstring& root) {
     const int threads = ThreadCount(editor);
@@ -133,7 +131,7 @@ void MeasureFiles() {
     Program editor(Kind::Editor, folder, file);
     editor.AwaitReady(size);
     std::vector<double> floor, all, anyCase, first, answer, stop;
-    for (int i = 0; i < kRuns; ++i) {
+    for (int i = 0; i < Runs(kRuns); ++i) {
         floor.push_back(RunFloor(floorArguments));
         const SearchTimes times = SearchOnce(editor, root, true);
         all.push_back(times.all);
@@ -142,24 +140,22 @@ void MeasureFiles() {
         anyCase.push_back(SearchOnce(editor, root, false).all);
         if (const double stopped = StopOnce(editor, root); stopped >= 0) stop.push_back(stopped);
     }
-    const std::string note = "median of " + std::to_string(kRuns) + "; floor: walks, reads, memchr and memcmp";
-    Report({.work = "find in 10,000 files, 200 MB",
-            .floor = Median(floor),
-            .program = Median(all),
+    Report({.work = "10,000 files, 200 MB",
+            .floor = floor,
+            .program = all,
             .maxRatio = 1.3,
-            .note = note});
-    Report({.work = "- without regard to case", .floor = Median(floor), .program = Median(anyCase), .note = note});
-    Report({.work = "- first hits shown",
-            .program = Quantile(first, 1),
-            .maxValue = 200,
-            .note = "slowest; median " + Whole(Median(first))});
+            .note = "floor: walks, reads, memchr and memcmp",
+            .headline = true});
+    Report({.work = "- without regard to case", .floor = floor, .program = anyCase});
+    Report({.work = "- first hits shown", .program = first, .figure = Figure::Most, .maxValue = 200, .headline = true});
     Report({.work = "- slowest answer of the window",
-            .program = Quantile(answer, 1),
+            .program = answer,
+            .figure = Figure::Most,
             .maxValue = 50,
-            .note = "median of the slowest of each " + Whole(Median(answer))});
+            .headline = true});
     if (!stop.empty())
         Report({.work = "- stopped, until its threads have ended",
-                .program = Quantile(stop, 1),
-                .maxValue = 100,
-                .note = "slowest of " + std::to_string(stop.size())});
+                .program = stop,
+                .figure = Figure::Most,
+                .maxValue = 100});
 }

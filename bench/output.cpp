@@ -7,7 +7,6 @@
 #include <tlhelp32.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <string>
 
 #include "output/kept_lines.h"
@@ -153,66 +152,54 @@ double StopOnce(double* answer) {
 
 void MeasureOutput() {
     constexpr int kLines = 100'000;
-    constexpr int kRuns = 3;
-    std::vector<double> bare;
-    std::vector<double> once;
-    std::vector<double> twice;
-    std::vector<double> memory;
-    double slowest = 0;
-    double nextBuild = 0;
-    LRESULT shownOnce = 0;
-    LRESULT shownTwice = 0;
-    for (int i = 0; i < kRuns; ++i) {
+    constexpr int kRuns = 5;
+    std::vector<double> bare, once, twice, memory, slowest, nextBuild;
+    LRESULT shown = 0;
+    for (int i = 0; i < Runs(kRuns); ++i) {
         bare.push_back(RunFloor(L"--output " + std::to_wstring(kLines)));
         const FloodRun small = Flood(kLines);
         const FloodRun large = Flood(2 * kLines);
         once.push_back(small.time);
         twice.push_back(large.time);
         memory.push_back(large.residentMb);
-        nextBuild = std::max({nextBuild, small.nextBuild, large.nextBuild});
-        shownOnce = small.shown;
-        shownTwice = large.shown;
-        slowest = std::max({slowest, small.slowestAnswer, large.slowestAnswer});
-        std::printf("  output run %d: floor %.0f, editor %.0f, twice as much %.0f, slowest answers %.0f and %.0f ms\n",
-                    i + 1, bare.back(), small.time, large.time, small.slowestAnswer, large.slowestAnswer);
-        std::fflush(stdout);
+        nextBuild.push_back(std::max(small.nextBuild, large.nextBuild));
+        slowest.push_back(std::max(small.slowestAnswer, large.slowestAnswer));
+        shown = small.shown;
     }
-    const std::string runs = "median of " + std::to_string(kRuns);
-    Report(
-        {.work = "100,000 output lines",
-         .floor = Median(bare),
-         .program = Median(once),
-         .maxRatio = 1.5,
-         .note = runs + "; lines in the pane: " + std::to_string(shownOnce) + "; floor: Rich Edit alone, no process"});
-    Report({.work = "200,000 output lines, beside 100,000",
-            .floor = Median(once),
-            .program = Median(twice),
+    Report({.work = "100,000 lines, " + std::to_string(shown) + " of them in the pane",
+            .floor = bare,
+            .program = once,
+            .maxRatio = 1.2,
+            .note = "floor: all of them in a Rich Edit, no process",
+            .headline = true});
+    Report({.work = "200,000 lines, beside 100,000",
+            .floor = once,
+            .program = twice,
             .maxRatio = 2.2,
-            .note = runs + "; lines in the pane: " + std::to_string(shownTwice)});
-    Report({.work = "slowest answer while lines come", .program = slowest, .maxValue = 100, .note = "of all runs"});
-    Report({.work = "starting the next build over them",
-            .program = nextBuild,
+            .note = "floor: the row above"});
+    Report({.work = "- slowest answer of the window meanwhile",
+            .program = slowest,
+            .figure = Figure::Most,
             .maxValue = 100,
-            .note = "slowest of all runs"});
-    Report({.work = "resident after 200,000 lines",
-            .program = Median(memory),
-            .unit = "MB",
-            .maxValue = 250,
-            .note = runs});
+            .headline = true});
+    Report(
+        {.work = "- starting the next build over them", .program = nextBuild, .figure = Figure::Most, .maxValue = 100});
+    Report(
+        {.work = "- resident after 200,000 lines", .program = memory, .unit = "MB", .maxValue = 250, .headline = true});
 }
 
 void MeasureStop() {
     constexpr int kRuns = 5;
-    std::vector<double> times;
-    double answer = 0;
-    for (int i = 0; i < kRuns; ++i) {
-        double one = 0;
-        times.push_back(StopOnce(&one));
-        answer = std::max(answer, one);
+    std::vector<double> times, answers;
+    for (int i = 0; i < Runs(kRuns); ++i) {
+        double answer = 0;
+        times.push_back(StopOnce(&answer));
+        answers.push_back(answer);
     }
-    Report({.work = "Stop, to the end of compiler and child",
-            .program = Quantile(times, 1),
+    Report({.work = "Stop in a flood, until compiler and child are gone",
+            .program = times,
+            .figure = Figure::Most,
             .maxValue = 200,
-            .note = "slowest of " + std::to_string(kRuns) + "; slowest answer after it " +
-                    std::to_string(static_cast<int>(answer)) + " ms"});
+            .headline = true});
+    Report({.work = "- the window's answer after it", .program = answers, .figure = Figure::Most});
 }

@@ -8,7 +8,6 @@
 #include <richedit.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,7 +15,6 @@
 namespace {
 
 constexpr int kTurns = 5;
-constexpr int kStepsOfTurn = 12;  // an even number: the window gets its size back
 constexpr int kStepPixels = 8;
 constexpr DWORD kBetweenSteps = 30;  // ms: a drag comes in steps, and what a step leaves to do is not part of the next
 constexpr double kGoalMs = 16;
@@ -35,24 +33,26 @@ constexpr std::pair<int, int> kPanes[] = {
     {IDM_VIEW_ERROR_LIST, IDC_ERROR_LIST},
 };
 
-// The window shrinks, then grows by the same steps.
-void ResizeTurn(const Program& program, std::vector<double>* times) {
+// The window shrinks, then grows by the same steps, an even number. A run is the median of them.
+void ResizeTurn(const Program& program, int steps, std::vector<double>* runs) {
     BringToFront(program);
     const ShownWindows shown(program.Main());
     shown.AwaitPainted(NowMs() + kLimitMs);
     RECT place = {};
     GetWindowRect(program.Main(), &place);
+    std::vector<double> times;
     int width = static_cast<int>(place.right - place.left), height = static_cast<int>(place.bottom - place.top);
-    for (int i = 0; i < kStepsOfTurn; ++i) {
-        const int by = i < kStepsOfTurn / 2 ? -kStepPixels : kStepPixels;
+    for (int i = 0; i < steps; ++i) {
+        const int by = i < steps / 2 ? -kStepPixels : kStepPixels;
         width += by;
         height += by / 2;
         Sleep(kBetweenSteps);
         const double start = NowMs();
         SetWindowPos(program.Main(), nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
         shown.AwaitPainted(start + kLimitMs);
-        times->push_back(NowMs() - start);
+        times.push_back(NowMs() - start);
     }
+    runs->push_back(Median(times));
 }
 
 bool IsShown(const Program& editor, int pane) {
@@ -81,37 +81,43 @@ void BuildToTheEnd(const Program& editor, int lines) {
     editor.SettledMemory();
 }
 
+struct State {
+    const char* name;
+    bool allPanes;
+    int lines;  // that the compiler prints
+    int steps;  // of a run
+};
+constexpr State kStates[] = {{"panes as after a start", false, kSmallBuild, 12},
+                             {"all panes", true, kSmallBuild, 12},
+                             {"15,000 lines in the output pane", false, kLargeBuild, 4}};
+
 // The editor in one state, beside the floor.
-void MeasureResize(const char* state, bool allPanes, int lines, int turns) {
+void MeasureResize(const State& state) {
     std::size_t size = 0;
     const std::wstring file = SourceOfSize(50'000, &size);
-    const Folder folder({.compilers = false, .settings = false, .floodLines = lines});
+    const Folder folder({.compilers = false, .settings = false, .floodLines = state.lines});
     WriteText(folder.Path() + L"Editor.ini", "[Editor]\r\nActiveCompiler=0\r\n");
     Program floor(Kind::Floor, folder, file);
     floor.AwaitReady(size);
     Program editor(Kind::Editor, folder, file);
     editor.AwaitReady(size);
-    if (allPanes) ShowAllPanes(editor);
-    if (lines > 0) BuildToTheEnd(editor, lines);
+    if (state.allPanes) ShowAllPanes(editor);
+    BuildToTheEnd(editor, state.lines);
     std::vector<double> bare, all;
-    for (int turn = 0; turn < turns; ++turn) {
-        ResizeTurn(floor, &bare);
-        ResizeTurn(editor, &all);
+    for (int turn = 0; turn < Runs(kTurns); ++turn) {
+        ResizeTurn(floor, state.steps, &bare);
+        ResizeTurn(editor, state.steps, &all);
     }
-    char note[160];
-    std::snprintf(note, sizeof(note), "median of %d; 95 of 100 within %.1f, slowest %.1f", turns * kStepsOfTurn,
-                  Quantile(all, 0.95), Quantile(all, 1));
-    Report({.work = std::string("a step of a resize, to painted, ") + state,
-            .floor = Median(bare),
-            .program = Median(all),
+    Report({.work = std::string("a step, to painted, ") + state.name,
+            .floor = bare,
+            .program = all,
             .maxValue = kGoalMs,
-            .note = note});
+            .note = "each run the median of " + std::to_string(state.steps),
+            .headline = true});
 }
 
 }  // namespace
 
 void MeasurePanes() {
-    MeasureResize("panes as after a start", false, kSmallBuild, kTurns);
-    MeasureResize("all panes", true, kSmallBuild, kTurns);
-    MeasureResize("15,000 lines of output", false, kLargeBuild, 1);
+    for (const State& state : kStates) MeasureResize(state);
 }

@@ -102,6 +102,19 @@ void Die(const std::string& what) {
     ExitProcess(1);
 }
 
+double NowMs() {
+    LARGE_INTEGER frequency = {};
+    LARGE_INTEGER now = {};
+    QueryPerformanceFrequency(&frequency);
+    QueryPerformanceCounter(&now);
+    return 1000.0 * static_cast<double>(now.QuadPart) / static_cast<double>(frequency.QuadPart);
+}
+
+int Runs(int wanted) {
+    wchar_t set[2] = {};
+    return GetEnvironmentVariableW(L"KVX_BENCH_QUICK", set, 2) > 0 ? 1 : wanted;
+}
+
 std::string Narrow(std::wstring_view text) { return fs::path(text).string(); }
 std::wstring DistFolder() { return FolderVariable(L"KVX_DIST", OwnFolder().parent_path().wstring()); }
 std::wstring RunFolder() { return FolderVariable(L"KVX_TEST_ROOT", (OwnFolder() / L"run").wstring()); }

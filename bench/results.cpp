@@ -1,80 +1,112 @@
-// The statistics and the table of results.
-#include "bench.h"
+#include "results.h"
+
+#include <cJSON.h>
 
 #include <algorithm>
-#include <cstdio>
+#include <cmath>
+#include <memory>
 
 namespace {
 
-std::vector<Row> g_rows;
-
-std::string Number(double value, const char* unit) {
-    char text[64];
-    std::snprintf(text, sizeof(text), value < 10 ? "%.2f %s" : value < 100 ? "%.1f %s" : "%.0f %s", value, unit);
-    return text;
-}
-
-std::string Ratio(double value) {
-    char text[32];
-    std::snprintf(text, sizeof(text), "%.2fx", value);
-    return text;
-}
-
-struct Cells {
-    std::string cell[7];
+struct JsonDelete {
+    void operator()(cJSON* json) const { cJSON_Delete(json); }
 };
+using Json = std::unique_ptr<cJSON, JsonDelete>;
 
-Cells Format(const Row& row) {
-    const double ratio = row.floor > 0 ? row.program / row.floor : 0;
-    std::string goal;
-    if (row.maxRatio > 0) goal = "<= " + Ratio(row.maxRatio);
-    if (row.maxValue > 0) goal += (goal.empty() ? "<= " : ", <= ") + Number(row.maxValue, row.unit);
-    const bool missed = (row.maxRatio > 0 && ratio > row.maxRatio) || (row.maxValue > 0 && row.program > row.maxValue);
-    return {{row.work, row.floor > 0 ? Number(row.floor, row.unit) : "", Number(row.program, row.unit),
-             row.floor > 0 ? Ratio(ratio) : "", goal,
-             goal.empty() ? ""
-             : missed     ? "MISSED"
-                          : "ok",
-             row.note}};
+void AddValues(cJSON* object, const char* name, const std::vector<double>& values) {
+    cJSON* array = cJSON_AddArrayToObject(object, name);
+    for (const double value : values) cJSON_AddItemToArray(array, cJSON_CreateNumber(std::round(value * 1e3) / 1e3));
+}
+
+std::vector<double> ValuesOf(const cJSON* object, const char* name) {
+    std::vector<double> values;
+    const cJSON* item = nullptr;
+    cJSON_ArrayForEach(item, cJSON_GetObjectItem(object, name)) {
+        if (cJSON_IsNumber(item)) values.push_back(item->valuedouble);
+    }
+    return values;
+}
+
+std::string TextOf(const cJSON* object, const char* name) {
+    const cJSON* item = cJSON_GetObjectItem(object, name);
+    return cJSON_IsString(item) ? item->valuestring : "";
+}
+
+double NumberOf(const cJSON* object, const char* name) {
+    const cJSON* item = cJSON_GetObjectItem(object, name);
+    return cJSON_IsNumber(item) ? item->valuedouble : 0;
+}
+
+cJSON* JsonOf(const Row& row) {
+    cJSON* object = cJSON_CreateObject();
+    cJSON_AddStringToObject(object, "group", row.group.c_str());
+    cJSON_AddStringToObject(object, "work", row.work.c_str());
+    cJSON_AddStringToObject(object, "unit", row.unit.c_str());
+    cJSON_AddStringToObject(object, "figure", row.figure == Figure::Most ? "most" : "median");
+    if (!row.floor.empty()) AddValues(object, "floor", row.floor);
+    AddValues(object, "editor", row.program);
+    if (row.maxRatio > 0) cJSON_AddNumberToObject(object, "maxRatio", row.maxRatio);
+    if (row.maxValue > 0) cJSON_AddNumberToObject(object, "maxValue", std::round(row.maxValue * 1e3) / 1e3);
+    cJSON_AddStringToObject(object, "note", row.note.c_str());
+    if (row.headline) cJSON_AddTrueToObject(object, "headline");
+    return object;
+}
+
+Row RowOf(const cJSON* object) {
+    return {.work = TextOf(object, "work"),
+            .floor = ValuesOf(object, "floor"),
+            .program = ValuesOf(object, "editor"),
+            .unit = TextOf(object, "unit"),
+            .figure = TextOf(object, "figure") == "most" ? Figure::Most : Figure::Median,
+            .maxRatio = NumberOf(object, "maxRatio"),
+            .maxValue = NumberOf(object, "maxValue"),
+            .note = TextOf(object, "note"),
+            .headline = cJSON_IsTrue(cJSON_GetObjectItem(object, "headline")) != 0,
+            .group = TextOf(object, "group")};
 }
 
 }  // namespace
 
-double NowMs() {
-    LARGE_INTEGER frequency = {};
-    LARGE_INTEGER now = {};
-    QueryPerformanceFrequency(&frequency);
-    QueryPerformanceCounter(&now);
-    return 1000.0 * static_cast<double>(now.QuadPart) / static_cast<double>(frequency.QuadPart);
-}
-
 double Quantile(std::vector<double> values, double share) {
-    if (values.empty()) Die("no values were measured");
-    std::sort(values.begin(), values.end());
+    std::ranges::sort(values);
     return values[static_cast<std::size_t>(share * static_cast<double>(values.size() - 1) + 0.5)];
 }
 
-void Report(Row row) {
-    g_rows.push_back(std::move(row));
-    const Cells cells = Format(g_rows.back());
-    std::printf("  %s: floor %s, editor %s, %s %s\n", cells.cell[0].c_str(), cells.cell[1].c_str(),
-                cells.cell[2].c_str(), cells.cell[3].c_str(), cells.cell[5].c_str());
-    std::fflush(stdout);
+double FigureOf(const Row& row) { return Quantile(row.program, row.figure == Figure::Most ? 1 : 0.5); }
+double RatioOf(const Row& row) { return row.floor.empty() ? 0 : FigureOf(row) / Median(row.floor); }
+bool HasGoal(const Row& row) { return row.maxRatio > 0 || row.maxValue > 0; }
+
+bool MeetsGoal(const Row& row) {
+    return (row.maxRatio <= 0 || RatioOf(row) <= row.maxRatio) && (row.maxValue <= 0 || FigureOf(row) <= row.maxValue);
 }
 
-void PrintTable() {
-    std::vector<Cells> lines = {{{"work", "floor", "editor", "ratio", "goal", "", "remarks"}}};
-    for (const Row& row : g_rows) lines.push_back(Format(row));
-    std::size_t widths[7] = {};
-    for (const Cells& line : lines)
-        for (std::size_t i = 0; i < 7; ++i) widths[i] = std::max(widths[i], line.cell[i].size());
-    std::printf("\n");
-    for (std::size_t n = 0; n < lines.size(); ++n) {
-        for (std::size_t i = 0; i < 7; ++i)
-            std::printf("| %-*s ", static_cast<int>(widths[i]), lines[n].cell[i].c_str());
-        std::printf("|\n");
-        if (n > 0) continue;
-        for (const std::size_t width : widths) std::printf("|%s", std::string(width + 2, '-').c_str());
-        std::printf("|\n");
+std::string ResultsToJson(const Results& results) {
+    const Json json{cJSON_CreateObject()};
+    cJSON_AddStringToObject(json.get(), "machine", results.machine.c_str());
+    cJSON_AddStringToObject(json.get(), "commit", results.commit.c_str());
+    cJSON_AddStringToObject(json.get(), "date", results.date.c_str());
+    if (results.quick) cJSON_AddTrueToObject(json.get(), "quick");
+    cJSON* rows = cJSON_AddArrayToObject(json.get(), "rows");
+    for (const Row& row : results.rows) cJSON_AddItemToArray(rows, JsonOf(row));
+    char* text = cJSON_Print(json.get());
+    std::string copy = text != nullptr ? text : "";
+    cJSON_free(text);
+    return copy + "\n";
+}
+
+bool ResultsFromJson(const std::string& json, Results* results) {
+    const Json read{cJSON_Parse(json.c_str())};
+    const cJSON* rows = cJSON_GetObjectItem(read.get(), "rows");
+    if (cJSON_IsArray(rows) == 0) return false;
+    *results = {.machine = TextOf(read.get(), "machine"),
+                .commit = TextOf(read.get(), "commit"),
+                .date = TextOf(read.get(), "date"),
+                .quick = cJSON_IsTrue(cJSON_GetObjectItem(read.get(), "quick")) != 0};
+    const cJSON* item = nullptr;
+    cJSON_ArrayForEach(item, rows) {
+        Row row = RowOf(item);
+        if (row.work.empty() || row.program.empty()) return false;
+        results->rows.push_back(std::move(row));
     }
+    return true;
 }

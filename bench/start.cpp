@@ -1,9 +1,7 @@
 // Measures the time from the creation of the process to an editable file, and the memory. The floor program and the
-// editor are started in turn, so that both have the same load of the machine. The least time is given beside the
-// median, because the load of the machine only adds to it.
+// editor are started in turn, so that both have the same load of the machine.
 #include "bench.h"
 
-#include <cstdio>
 #include <string>
 
 namespace {
@@ -20,8 +18,8 @@ struct Case {
 
 constexpr Case kCases[] = {
     {"50 kB", 50'000, {}, 15, 1.5, 1.25, 0},
-    {"50 kB, no compilers", 50'000, {.compilers = false}, 5, 1.5, 1.25, 0},
-    {"50 kB, first start", 50'000, {.settings = false}, 5, 0, 0, 0},
+    {"50 kB, without compilers", 50'000, {.compilers = false}, 5, 1.5, 0, 0},
+    {"50 kB, the first start", 50'000, {.settings = false}, 5, 0, 0, 0},
     {"10 MB", 10'000'000, {}, 5, 0, 0, 0},
     {"100 MB", 100'000'000, {}, 5, 1.2, 0, 0.8},
 };
@@ -52,31 +50,29 @@ void MeasureStart() {
         Figures unused;
         RunOnce(Kind::Floor, c, file, size, &unused);  // loads the file and both programs into the system's cache
         RunOnce(Kind::Editor, c, file, size, &unused);
-        for (int run = 0; run < c.runs; ++run) {
+        for (int run = 0; run < Runs(c.runs); ++run) {
             RunOnce(Kind::Floor, c, file, size, &floor);
             RunOnce(Kind::Editor, c, file, size, &editor);
         }
         const std::string name = std::string("start, ") + c.name;
-        const std::string runs = "median of " + std::to_string(c.runs);
-        char least[64];
-        std::snprintf(least, sizeof(least), ", least %.0f, floor's %.0f, %.2fx", Quantile(editor.time, 0),
-                      Quantile(floor.time, 0), Quantile(editor.time, 0) / Quantile(floor.time, 0));
         Report({.work = name,
-                .floor = Median(floor.time),
-                .program = Median(editor.time),
+                .floor = floor.time,
+                .program = editor.time,
                 .maxRatio = c.maxTime,
-                .note = runs + least});
-        Report({.work = name + ": resident",
-                .floor = Median(floor.resident),
-                .program = Median(editor.resident),
-                .unit = "MB",
-                .maxRatio = c.maxResident,
-                .note = runs});
-        Report({.work = name + ": peak memory",
-                .floor = Median(floor.peak),
-                .program = Median(editor.peak),
-                .unit = "MB",
-                .maxRatio = c.maxPeak,
-                .note = runs});
+                .headline = c.maxTime > 0});
+        if (c.maxResident > 0)
+            Report({.work = "- resident",
+                    .floor = floor.resident,
+                    .program = editor.resident,
+                    .unit = "MB",
+                    .maxRatio = c.maxResident,
+                    .headline = true});
+        if (c.maxPeak > 0)
+            Report({.work = "- peak memory, " + std::string(c.name),
+                    .floor = floor.peak,
+                    .program = editor.peak,
+                    .unit = "MB",
+                    .maxRatio = c.maxPeak,
+                    .headline = true});
     }
 }
