@@ -14,13 +14,16 @@
 #include <windows.h>
 
 #include <array>
+#include <cwchar>
+#include <iterator>
 #include <vector>
 
 namespace {
 
 constexpr ULONGLONG kSilenceMs = 90'000;
 constexpr DWORD kPauseMs = 20, kEndMs = 5000;
-constexpr std::size_t kSectionCapacity = 32767;  // characters, the most that the system gives
+constexpr wchar_t kFolderName[] = L"KVX-Editor self-test ";  // and the number of the process
+constexpr std::size_t kSectionCapacity = 32767;              // characters, the most that the system gives
 
 std::wstring ProgramPath() {
     std::wstring path(kPathCapacity, L'\0');
@@ -102,6 +105,15 @@ struct RunningCopy {
     UniqueHandle process, job, output;
 };
 
+// What the copy starts is in the job, too, and all of it ends with the last handle, so also when this process is killed.
+HANDLE MakeJob() {
+    const HANDLE job = CreateJobObjectW(nullptr, nullptr);
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
+    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+    if (job != nullptr) SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof(limits));
+    return job;
+}
+
 bool Start(const std::wstring& folder, const SelfTestModule& module, RunningCopy* copy) {
     const std::wstring program = ProgramPath();
     std::wstring line = L"\"" + folder + program.substr(program.rfind(L'\\') + 1) + L"\"";
@@ -135,7 +147,7 @@ bool Start(const std::wstring& folder, const SelfTestModule& module, RunningCopy
         return false;
     copy->process.Reset(started.hProcess);
     const UniqueHandle thread{started.hThread};
-    copy->job.Reset(CreateJobObjectW(nullptr, nullptr));
+    copy->job.Reset(MakeJob());
     if (copy->job) AssignProcessToJobObject(copy->job.Get(), started.hProcess);
     ResumeThread(started.hThread);
     return true;
@@ -177,12 +189,29 @@ void RemoveAll(const std::wstring& folder) {  // with a backslash at the end
         const std::wstring path = folder + entry.cFileName;
         const DWORD kind = entry.dwFileAttributes;
         const bool inner = (kind & FILE_ATTRIBUTE_DIRECTORY) != 0 && (kind & FILE_ATTRIBUTE_REPARSE_POINT) == 0;
-        if (inner)
-            RemoveAll(path + L"\\");
-        else
-            DeleteFileW(PathForSystem(path.c_str()).c_str());
+        if (inner) return RemoveAll(path + L"\\");
+        // The copy of a read-only file is one, too.
+        if ((kind & FILE_ATTRIBUTE_READONLY) != 0)
+            SetFileAttributesW(PathForSystem(path.c_str()).c_str(), FILE_ATTRIBUTE_NORMAL);
+        DeleteFileW(PathForSystem(path.c_str()).c_str());
     });
     RemoveDirectoryW(PathForSystem(folder.substr(0, folder.size() - 1).c_str()).c_str());
+}
+
+bool ProcessRuns(DWORD id) {
+    const UniqueHandle process{OpenProcess(SYNCHRONIZE, FALSE, id)};
+    if (!process) return GetLastError() != ERROR_INVALID_PARAMETER;  // it may not be opened, but is there
+    return WaitForSingleObject(process.Get(), 0) == WAIT_TIMEOUT;
+}
+
+// The folders of self-tests that were killed.
+void RemoveAbandoned(const std::wstring& temporary) {
+    EachEntry(
+        temporary + kFolderName + L"*",
+        [&](const WIN32_FIND_DATAW& entry) {
+            const DWORD id = std::wcstoul(entry.cFileName + std::size(kFolderName) - 1, nullptr, 10);
+            if (id != 0 && !ProcessRuns(id)) RemoveAll(temporary + entry.cFileName + L"\\");
+        });
 }
 
 }  // namespace
@@ -190,7 +219,8 @@ void RemoveAll(const std::wstring& folder) {  // with a backslash at the end
 std::wstring TestedCopyMake(std::string* why) {
     wchar_t temporary[MAX_PATH + 1] = {};
     GetTempPathW(MAX_PATH + 1, temporary);
-    const std::wstring folder = FormatW(L"%sKVX-Editor self-test %lu", temporary, GetCurrentProcessId());
+    RemoveAbandoned(temporary);
+    const std::wstring folder = FormatW(L"%s%s%lu", temporary, kFolderName, GetCurrentProcessId());
     if (!EnsureFolder(folder) || !CopyProgram(folder + L"\\")) {
         *why = ToUtf8(folder + L": " + SystemErrorText(GetLastError()));
         TestedCopyRemove(folder + L"\\");

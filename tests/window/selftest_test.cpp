@@ -33,6 +33,19 @@ Ended RunProgram(const ProgramFolder& folder, const std::wstring& arguments) {
     return run;
 }
 
+std::filesystem::path TemporaryFolder() {
+    wchar_t path[MAX_PATH + 1] = {};
+    GetTempPathW(MAX_PATH + 1, path);
+    return path;
+}
+
+int FoldersOfSelfTests() {
+    int count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(TemporaryFolder()))
+        count += entry.path().filename().wstring().starts_with(L"KVX-Editor self-test ") ? 1 : 0;
+    return count;
+}
+
 std::set<std::filesystem::path> FilesOf(const ProgramFolder& folder) {
     std::set<std::filesystem::path> files;
     for (const auto& file : std::filesystem::recursive_directory_iterator(folder.path)) files.insert(file.path());
@@ -66,4 +79,23 @@ TEST(SelfTestRun, NamesWhatItCannotCheck) {
         << steps.output;
     EXPECT_EQ(RunProgram(folder, L"--test nothing").code, 2u);
     EXPECT_NE(RunProgram(folder, L"--test-list").output.find("\nkvxb64-debug "), std::string::npos);
+}
+
+// Its programs end with it; its folder, with copies of read-only files, is removed by the next one.
+TEST(SelfTestRun, LeavesNothingWhenItIsKilled) {
+    const ProgramFolder folder;
+    const std::wstring library = folder.File(L"Lexilla.dll");
+    SetFileAttributesW(library.c_str(), FILE_ATTRIBUTE_READONLY);
+    PROCESS_INFORMATION started = {};
+    ASSERT_TRUE(StartProcess(L"\"" + folder.File(L"KVX-Editor.exe") + L"\" --test mouse", &started,
+                             {.folder = folder.path.c_str()}));
+    ASSERT_TRUE(WaitFor([] { return CountProcesses(L"KVX-Editor.exe") == 2; }));
+    TerminateProcess(started.hProcess, 1);
+    EXPECT_TRUE(WaitFor([] { return CountProcesses(L"KVX-Editor.exe") == 0; }));
+    CloseHandle(started.hThread);
+    CloseHandle(started.hProcess);
+    EXPECT_EQ(FoldersOfSelfTests(), 1);
+    EXPECT_EQ(RunProgram(folder, L"--test kb-debug").code, 0u);
+    EXPECT_EQ(FoldersOfSelfTests(), 0);
+    SetFileAttributesW(library.c_str(), FILE_ATTRIBUTE_NORMAL);
 }
