@@ -1,5 +1,5 @@
-// The box of Help > About. UI thread only.
+// The items of the Help menu that belong to no other folder. UI thread.
 #pragma once
 
-// Shows the versions of the program and of its parts, and where it keeps its files. Ctrl+C copies the text of the box.
-void AboutShow();
+void AboutShow();          // what the program is, of what it is made, and where it keeps its files
+void DocumentationShow();  // the first page of the documentation beside the program, in the browser

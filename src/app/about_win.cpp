@@ -2,12 +2,16 @@
 
 #include "base/bounded_text.h"
 #include "base/wide_format.h"
+#include "files/file_io.h"
 #include "files/user_folder.h"
 #include "settings/settings_store.h"
 #include "settings/version.h"
 #include "ui/message.h"
+#include "ui/ui_state.h"
 
 #include <windows.h>
+
+#include <shellapi.h>
 
 #include <array>
 
@@ -20,4 +24,16 @@ void AboutShow() {
         L"folder \"licenses\".\n\nSettings: %s\nRecovered texts and logs: %s",
         ini.data(), UserFolderPath().c_str());
     TellUser(kProgramCaption, text.c_str(), AskIcon::Information);
+}
+
+void DocumentationShow() {
+    std::array<wchar_t, kPathCapacity> folder = {};
+    AppExeDirectory(folder.data(), folder.size());
+    const std::wstring page = std::wstring(folder.data()) + L"\\docs\\tour.html";
+    if (!FileExists(page.c_str()))
+        return ErrorMessage(L"The documentation is not beside the program:\n%s", page.c_str());
+    const auto result =
+        reinterpret_cast<INT_PTR>(ShellExecuteW(g_ui.hMainWnd, L"open", page.c_str(), nullptr, nullptr, SW_SHOWNORMAL));
+    if (result <= 32)
+        ErrorMessage(L"The documentation could not be opened (error %d):\n%s", static_cast<int>(result), page.c_str());
 }

@@ -169,6 +169,7 @@ constexpr CommandHandler kFrameHandlers[] = {
     {IDM_WORKSPACE_OPEN, [](int) { OpenWorkspace(); }},
     {IDM_WORKSPACE_SAVE, SaveWorkspace},
     {IDM_HELP_ABOUT, [](int) { AboutShow(); }},
+    {IDM_HELP_DOCUMENTATION, [](int) { DocumentationShow(); }},
 };
 
 }  // namespace

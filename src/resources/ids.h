@@ -236,6 +236,7 @@
 #define IDM_AI_NEW_CHAT 1969
 #define IDM_HELP_ABOUT 1601
 #define IDM_HELP_KEYS 1563
+#define IDM_HELP_DOCUMENTATION 1640
 // --- Internal commands
 #define IDM_NEXT_TAB 1950
 #define IDM_PREVIOUS_TAB 1951

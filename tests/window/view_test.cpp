@@ -526,7 +526,7 @@ TEST(View, WithoutATabNothingBreaks) {
                           IDM_SESSION_SAVE_AS,  IDM_PROJECT_FOLDER, IDM_DEBUG_EXCEPTIONS, IDM_DEBUG_PROGRAM,
                           IDM_AI_OPENAI,        IDM_AI_LMSTUDIO,    IDM_AI_TRANSCRIBE,    IDM_AI_DO,
                           IDM_PROJECT_SETTINGS, IDM_EDIT_SNIPPETS,  IDM_PROJECT_NEW,      IDM_PROJECT_OPEN,
-                          IDM_HELP_KEYS};
+                          IDM_HELP_KEYS,        IDM_HELP_DOCUMENTATION};
     for (int command = IDM_FILE_SAVE; command < IDM_TOOLBAR_MORE; ++command)
         if (std::ranges::find(others, command) == std::end(others)) editor.Do(command);
     for (int tab : {-1, 0, 99}) editor.Send(editor.main, MSG_REINIT_EDITOR, static_cast<WPARAM>(tab));
