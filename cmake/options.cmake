@@ -23,6 +23,9 @@ if(WIN32)
     add_link_options(-static -Wl,--no-insert-timestamp)
 endif()
 
+# The same sources give the same bytes in any folder: debug information and __FILE__ have paths from the source folder on.
+add_compile_options("-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.")
+
 # A check of the stack in procedures with arrays (src/base/stack_guard_win.cpp). The linker marks the program by itself
 # for random addresses and for memory that is either data or code. The toolchain offers no control-flow check that
 # Windows would make use of.
