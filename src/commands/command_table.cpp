@@ -302,8 +302,8 @@ constexpr auto kAllCommands = AllCommands(std::make_index_sequence<kCompilerCoun
 constexpr std::uint16_t kCancel = 0x03, kTab = 0x09, kEscape = 0x1B, kSpace = 0x20, kPageUp = 0x21, kPageDown = 0x22,
                         kLeft = 0x25, kUp = 0x26, kRight = 0x27, kDown = 0x28, kNumpadDivide = 0x6F, kSlash = 0xBF,
                         kOpenBracket = 0xDB, kCloseBracket = 0xDD, kZero = 0x30, kNumpad0 = 0x60, kNumpadAdd = 0x6B,
-                        kNumpadSubtract = 0x6D, kF1 = 0x70, kF2 = 0x71, kF3 = 0x72, kF4 = 0x73, kF5 = 0x74, kF8 = 0x77, kF9 = 0x78,
-                        kF10 = 0x79, kF6 = 0x75, kF7 = 0x76, kF11 = 0x7A, kF12 = 0x7B, kBackquote = 0xC0,
+                        kNumpadSubtract = 0x6D, kF1 = 0x70, kF2 = 0x71, kF3 = 0x72, kF4 = 0x73, kF5 = 0x74, kF8 = 0x77,
+                        kF9 = 0x78, kF10 = 0x79, kF6 = 0x75, kF7 = 0x76, kF11 = 0x7A, kF12 = 0x7B, kBackquote = 0xC0,
                         kOemPlus = 0xBB, kOemMinus = 0xBD, kComma = 0xBC;
 
 constexpr ExtraKey kExtraKeys[] = {

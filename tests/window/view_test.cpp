@@ -521,11 +521,11 @@ TEST(View, WithoutATabNothingBreaks) {
     ASSERT_EQ(editor.Tabs(), 0);
     EXPECT_EQ(editor.Title(), L"Untitled - KVXE Editor");
     // All but those that open a dialog or a tab of their own, or end the program.
-    const int others[] = {IDM_FILE_EXIT,        IDM_STYLE_FONT,     IDM_WORKSPACE_OPEN,   IDM_WORKSPACE_NEW,
-                          IDM_HELP_ABOUT,       IDM_COMPILER_MENU,  IDM_SESSION_OPEN,     IDM_SESSION_SAVE,
-                          IDM_SESSION_SAVE_AS,  IDM_PROJECT_FOLDER, IDM_DEBUG_EXCEPTIONS, IDM_DEBUG_PROGRAM,
-                          IDM_AI_OPENAI,        IDM_AI_LMSTUDIO,    IDM_AI_TRANSCRIBE,    IDM_AI_DO,
-                          IDM_PROJECT_SETTINGS, IDM_EDIT_SNIPPETS,  IDM_PROJECT_NEW,      IDM_PROJECT_OPEN,
+    const int others[] = {IDM_FILE_EXIT,        IDM_STYLE_FONT,        IDM_WORKSPACE_OPEN,   IDM_WORKSPACE_NEW,
+                          IDM_HELP_ABOUT,       IDM_COMPILER_MENU,     IDM_SESSION_OPEN,     IDM_SESSION_SAVE,
+                          IDM_SESSION_SAVE_AS,  IDM_PROJECT_FOLDER,    IDM_DEBUG_EXCEPTIONS, IDM_DEBUG_PROGRAM,
+                          IDM_AI_OPENAI,        IDM_AI_LMSTUDIO,       IDM_AI_TRANSCRIBE,    IDM_AI_DO,
+                          IDM_PROJECT_SETTINGS, IDM_EDIT_SNIPPETS,     IDM_PROJECT_NEW,      IDM_PROJECT_OPEN,
                           IDM_HELP_KEYS,        IDM_HELP_DOCUMENTATION};
     for (int command = IDM_FILE_SAVE; command < IDM_TOOLBAR_MORE; ++command)
         if (std::ranges::find(others, command) == std::end(others)) editor.Do(command);
