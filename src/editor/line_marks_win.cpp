@@ -112,6 +112,13 @@ void KeepMove(LineMarkMoves* moves, LineMarksMove move) {
 }  // namespace
 
 bool LineMarksAreIn(HWND editor, const LineBlock& block) {
+    // SCI_MARKERNEXT may look through all lines up to the end of the text, and there may be a block for each second line.
+    constexpr std::ptrdiff_t kFewLines = 32;
+    if (block.count() <= kFewLines) {
+        for (LRESULT line = block.first; line <= block.last; ++line)
+            if ((PaneSend(editor, SCI_MARKERGET, line) & kKeptMask) != 0) return true;
+        return false;
+    }
     const LRESULT marked = PaneSend(editor, SCI_MARKERNEXT, block.first, kKeptMask);
     return marked >= 0 && marked <= block.last;
 }
