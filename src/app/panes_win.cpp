@@ -61,7 +61,7 @@ void FocusTerminal() { SetFocus(g_app.hTerminal); }  // it was opened to type a 
 HWND CreateAsmPane(HWND parent, int controlId) { return RichPaneCreate(parent, controlId, kAsmGreeting, false); }
 
 void ApplyAsmTheme() {
-    PaneApplyFontAndTheme(g_app.hAsmPane);
+    AsmPaneApplyTheme();
     RichScrollToLeft(g_app.hAsmPane);
 }
 
@@ -81,6 +81,8 @@ void LoadAsmPane() {
     const BuildRecord& last = LastBuild();
     if (!last.source.empty() && (FileExists(last.listing.c_str()) || FileExists(last.output.c_str())))
         AsmPaneLoad(last.source.c_str(), last.listing.c_str());
+    else
+        AsmPaneFillAgain();
 }
 
 constexpr PaneSpec kPanes[] = {

@@ -70,6 +70,18 @@ TEST(AsmPane, ShowsTheListingThenItsColumnsThenTheProgramsCode) {
 
     EXPECT_EQ(Assembly(editor).find(L"(The source was changed"), std::wstring::npos);
 
+    // Another theme shows a long text again, with its colours; a hidden pane gets it when it is shown.
+    const std::wstring whole = Assembly(editor);
+    EXPECT_GT(Count(whole, L"\n"), 200);
+    editor.Do(IDM_VIEW_DARK_THEME);
+    EXPECT_TRUE(WaitFor([&] { return Assembly(editor) == whole; })) << Utf8(Assembly(editor));
+    EXPECT_GT(GetRValue(editor.ColourAt(editor.Child(IDC_ASM), 100)), 0x80);
+    editor.Do(IDM_VIEW_ASM);
+    editor.Do(IDM_VIEW_LIGHT_THEME);
+    editor.Do(IDM_VIEW_ASM);
+    EXPECT_TRUE(WaitFor([&] { return Assembly(editor) == whole; })) << Utf8(Assembly(editor));
+    EXPECT_LT(GetRValue(editor.ColourAt(editor.Child(IDC_ASM), 100)), 0x80);
+
     // This compiler writes no listing: the one from before is older than the text that was built.
     editor.Sci(SCI_GOTOLINE, 3);
     editor.Type("' ");
