@@ -85,7 +85,8 @@ Texts Change(Driver& driver) {
     std::string& text = model->second;
     const std::size_t from = Boundary(text, static_cast<std::size_t>(driver.Below(static_cast<int>(text.size()) + 1)));
     const std::size_t to = Boundary(text, from + static_cast<std::size_t>(driver.Chance(50) ? driver.Below(60) : 0));
-    const std::string& put = driver.OneOf(kOddTexts);
+    std::string put = driver.OneOf(kOddTexts);
+    if (put.starts_with('\xFF')) put = "x";  // nobody can type what is no text
     driver.Say("change " + std::to_string(from) + " to " + std::to_string(to) + " " +
                testing::PrintToString(put).substr(0, 40));
     const RemoteBlock block(driver.editor.process, put.size() + 1);
@@ -125,13 +126,18 @@ Texts Select(Driver& driver) {
     const HWND sci = driver.editor.Sci();
     if (sci == nullptr) return Texts::Stay;
     const int length = static_cast<int>(driver.editor.Sci(SCI_GETLENGTH)) + 1;
-    const int from = driver.Below(length), to = driver.Chance(50) ? driver.Below(length) : from;
+    const auto place = [&](int most) {  // between two characters
+        const LRESULT at = driver.editor.Sci(SCI_POSITIONAFTER, static_cast<WPARAM>(driver.Below(most)));
+        return static_cast<int>(driver.editor.Sci(SCI_POSITIONBEFORE, static_cast<WPARAM>(at)));
+    };
+    const int from = place(length), to = driver.Chance(50) ? place(length) : from;
     const int carets = driver.Chance(25) ? driver.Below(5) : 0;
     driver.Say("select " + std::to_string(from) + " to " + std::to_string(to) + ", more " + std::to_string(carets));
     driver.editor.Sci(SCI_SETSEL, static_cast<WPARAM>(from), to);
     for (int i = 0; i < carets; ++i) {
-        const int at = driver.Below(length);
-        driver.editor.Sci(SCI_ADDSELECTION, static_cast<WPARAM>(at), std::min(length - 1, at + driver.Below(5)));
+        const int at = place(length);
+        const LRESULT end = driver.Chance(50) ? at : driver.editor.Sci(SCI_POSITIONAFTER, static_cast<WPARAM>(at));
+        driver.editor.Sci(SCI_ADDSELECTION, static_cast<WPARAM>(at), end);
     }
     if (driver.Chance(10)) driver.editor.Sci(SCI_SETSELECTIONMODE, SC_SEL_RECTANGLE);
     if (driver.Chance(10)) driver.editor.Sci(SCI_CANCEL);
@@ -516,8 +522,15 @@ void Driver::Act() {
     while (at >= row->weight) at -= (row++)->weight;
     if (onlyAction >= 0) row = kActions + static_cast<std::size_t>(onlyAction) % std::size(kActions);
     if (models.empty()) LookAtText(Texts::Any);
+    const ULONGLONG before = GetTickCount64();
     const Texts texts = row->act(*this);
     if (!faulty && Settle()) LookAtText(texts);
+    if (const ULONGLONG took = GetTickCount64() - before; took > 1500 && !faulty) {
+        std::string text = "took " + std::to_string(took) + " ms; lines";
+        for (const int pane : {IDC_OUTPUT, IDC_ASM, IDC_AI_CHAT})
+            if (const HWND window = editor.Child(pane)) text += " " + std::to_string(Ask(window, EM_GETLINECOUNT));
+        Say(text);
+    }
 }
 
 }  // namespace torture

@@ -43,13 +43,14 @@ std::string WithOneEnding(const std::string& text) {
 bool IsTextOf(const std::string& bytes, const std::string& text) {
     const auto same = [&](const std::string& utf8) { return WithOneEnding(utf8) == WithOneEnding(text); };
     if (same(bytes) || (bytes.starts_with("\xEF\xBB\xBF") && same(bytes.substr(3)))) return true;
-    if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
-        std::wstring wide((bytes.size() - 2) / 2, L'\0');
-        std::copy(bytes.begin() + 2, bytes.begin() + 2 + static_cast<std::ptrdiff_t>(wide.size() * 2),
+    // UTF-16 of both orders, with a mark or without one.
+    for (const bool turned : {false, true}) {
+        std::wstring wide(bytes.size() / 2, L'\0');
+        std::copy(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(wide.size() * 2),
                   reinterpret_cast<char*>(wide.data()));
-        if (bytes[0] == '\xFE')
+        if (turned)
             for (wchar_t& unit : wide) unit = static_cast<wchar_t>(unit >> 8 | unit << 8);
-        return same(Utf8(wide));
+        if (same(Utf8(wide)) || (wide.starts_with(L'\xFEFF') && same(Utf8(wide.substr(1))))) return true;
     }
     return same(Utf8(WideOf(bytes, CP_ACP)));
 }
