@@ -10,8 +10,8 @@ void AsmPaneClear();
 void AsmPaneLoad(const wchar_t* source, const wchar_t* listing);
 void AsmPaneApplyTheme();  // theme, font and scaling; a long text is shown again
 void AsmPaneFillAgain();   // the pane is shown: what it showed before, when it was emptied while it was hidden
-void AsmPaneShowNext();  // on TIMER_OUTPUT
-bool AsmPaneIsEmpty();   // no text waits to be shown, and no feed is working
+void AsmPaneShowNext();    // on TIMER_OUTPUT
+bool AsmPaneIsEmpty();     // no text waits to be shown, and no feed is working
 void AsmPaneShutdown();
 
 int AsmPaneLeastWidth();     // in which a line without its bytes is not cut, in pixels
