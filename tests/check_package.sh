@@ -11,8 +11,8 @@ check() {
     if "$@"; then passed=$((passed + 1)); else failed=$((failed + 1)); echo "package: $name"; fi
 }
 
-# Settings and the changed sample stay.
-no_file_of() { [ -z "$(find "$1" -type f ! -name Editor.ini ! -path '*/samples/hello.bas' 2>/dev/null)" ]; }
+# Settings, the session and the changed sample stay.
+no_file_of() { [ -z "$(find "$1" -type f ! -name 'Editor.ini*' ! -path '*/samples/hello.bas' 2>/dev/null)" ]; }
 registered() { wine reg query 'HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\KVX-Editor' >/dev/null 2>&1; }
 not_registered() { ! registered; }
 in_shell() { wine reg query 'HKCU\Software\Classes' /s 2>/dev/null | grep -qi 'Programs.KVX-Editor.KVX-Editor\.exe'; }
@@ -39,7 +39,7 @@ running_is_kept() {
     for _ in $(seq 1 100); do [ ! -f "$1/Editor.ini" ] || break; sleep 0.2; done  # it is written at a first start
     refuses install "$setup" || { echo "    the installer does not refuse"; status=1; }
     refuses uninstall "$1" || { echo "    the uninstaller does not refuse"; status=1; }
-    wine taskkill /f /im KVX-Editor.exe >/dev/null 2>&1
+    wineserver -k  # taskkill does not find it
     wait $!
     registered && [ "$before" = "$(cksum <"$program")" ] && [ "$status" -eq 0 ]
 }
