@@ -130,7 +130,13 @@ if(WIN32)
         target_compile_options(${name} PRIVATE -w $<$<COMPILE_LANGUAGE:CXX>:-g0>)
         target_compile_definitions(${name} PRIVATE NDEBUG)
         target_link_libraries(${name} PRIVATE ${libraries})
-        target_link_options(${name} PRIVATE -static -s -mwindows -Wl,--kill-at)
+        # The linker would derive the address from the path of the file. Two addresses, because a library that is moved
+        # takes longer to load.
+        set(base 0x340000000)
+        if(name STREQUAL "Lexilla")
+            set(base 0x360000000)
+        endif()
+        target_link_options(${name} PRIVATE -static -s -mwindows -Wl,--kill-at -Wl,--image-base=${base})
         kvx_page_aligned(${name})
         set_target_properties(${name} PROPERTIES PREFIX "" OUTPUT_NAME "${name}" CXX_STANDARD 17
             RUNTIME_OUTPUT_DIRECTORY "${KVX_DIST_DIR}")
