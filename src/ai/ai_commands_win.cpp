@@ -115,7 +115,7 @@ AskedError AskedErrorOf(const CompilerError& error) {
 // The lines of the active document around a line (from 0). `sent` is empty when there is no such line.
 AiTarget TargetAround(int line, int* firstLine) {
     const HWND editor = g_documents.hEditor;
-    const LineRange lines =
+    const LinesToSend lines =
         LinesAroundError(line, static_cast<int>(SciSend(editor, SCI_GETLINECOUNT)), [editor](int at) {
             return static_cast<std::size_t>(SciSend(editor, SCI_LINELENGTH, static_cast<WPARAM>(at)));
         });

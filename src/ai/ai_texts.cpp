@@ -77,7 +77,7 @@ std::string CodeInPlaceOf(std::string_view sent, std::string_view code) {
 }
 
 std::string WithoutLineNumbers(std::string_view code, std::string_view sent, int firstLine) {
-    const std::string whole(code);
+    std::string whole(code);
     if (firstLine <= 0 || AfterNumber(LinesOf(sent)[0], firstLine).has_value()) return whole;
     std::string text;
     int number = firstLine;
@@ -89,7 +89,7 @@ std::string WithoutLineNumbers(std::string_view code, std::string_view sent, int
     return text;
 }
 
-std::string CodeAtPlace(std::string_view code, const CodePlace& place) {
+std::string CodeAtPlace(std::string_view code, const PlaceOfCode& place) {
     return std::string(code) + (place.atLineStart && place.endsAtLineStart && !place.restIsEmpty ? "\n" : "");
 }
 

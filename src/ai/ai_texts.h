@@ -29,13 +29,13 @@ std::string CodeInPlaceOf(std::string_view sent, std::string_view code);
 // bar, and `sent` did not. A `firstLine` of 0: the code as it is.
 std::string WithoutLineNumbers(std::string_view code, std::string_view sent, int firstLine);
 // Where code is to be inserted, in place of a selection or at a caret.
-struct CodePlace {
+struct PlaceOfCode {
     bool atLineStart = false;      // it begins at the start of a line
     bool endsAtLineStart = false;  // and ends at one
     bool restIsEmpty = false;      // nothing stands behind it in its line
 };
 // The code with a line break at its end where the next line would be joined to it.
-std::string CodeAtPlace(std::string_view code, const CodePlace& place);
+std::string CodeAtPlace(std::string_view code, const PlaceOfCode& place);
 // The same text with all its line ends as `lineEnd`.
 std::string WithLineEnds(std::string_view text, std::string_view lineEnd);
 

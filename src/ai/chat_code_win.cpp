@@ -19,7 +19,7 @@
 namespace {
 
 // What stands around the place where the code comes.
-CodePlace CodePlaceIn(HWND editor, LRESULT start, LRESULT end) {
+PlaceOfCode CodePlaceIn(HWND editor, LRESULT start, LRESULT end) {
     const LRESULT line = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(end));
     const LRESULT firstLine = SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(start));
     return {.atLineStart = SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(firstLine)) == start,

@@ -25,11 +25,11 @@ std::string AboutError(const AskedError& error, std::string_view wish) {
 
 }  // namespace
 
-LineRange LinesAroundError(int line, int lineCount, const std::function<std::size_t(int line)>& lengthOf) {
+LinesToSend LinesAroundError(int line, int lineCount, const std::function<std::size_t(int line)>& lengthOf) {
     if (line < 0 || line >= lineCount) return {};
     std::size_t bytes = lengthOf(line);
     if (bytes > kErrorSurroundingsMax) return {};
-    LineRange range = {line, line + 1};
+    LinesToSend range = {line, line + 1};
     const auto fits = [&](int next) {
         const std::size_t length = lengthOf(next);
         if (bytes + length > kErrorSurroundingsMax) return false;

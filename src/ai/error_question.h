@@ -11,13 +11,13 @@ inline constexpr int kErrorSurroundings = 20;                // lines on each si
 inline constexpr std::size_t kErrorSurroundingsMax = 16000;  // bytes of source
 
 // Lines from 0; `end` is not among them.
-struct LineRange {
+struct LinesToSend {
     int first = 0;
     int end = 0;
 };
 // The lines around `line` that are sent, nearest first until there are enough. Empty when the document has no such
 // line and when that line alone has too many bytes. `lengthOf` gives the bytes of a line with its line end.
-LineRange LinesAroundError(int line, int lineCount, const std::function<std::size_t(int line)>& lengthOf);
+LinesToSend LinesAroundError(int line, int lineCount, const std::function<std::size_t(int line)>& lengthOf);
 
 struct AskedError {
     std::string compiler;

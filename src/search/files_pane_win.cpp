@@ -186,7 +186,7 @@ void RemoveRow(ResultRow row) {
 
 std::wstring CopiedText(ResultRow row) {
     const ResultFile& file = g_files.results.files[row.file];
-    const std::wstring path = file.path.empty() ? file.label : file.path;
+    std::wstring path = file.path.empty() ? file.label : file.path;
     if (!row.hit) return path;
     bool gone = false;
     const FileHit hit = FilesHitNow(file, *row.hit, &gone);

@@ -9,7 +9,7 @@ std::vector<HitReplacement> ReplacementsAt(std::string_view utf8, const FilesQue
     if (!matcher || !query.with) return replacements;
     // The text is searched from its start, as it was when the hits were found: a match may depend on the one before it.
     matcher->Begin(utf8, nullptr);
-    while (const std::optional<TextSpan> match = matcher->Next())
+    while (const std::optional<MatchSpan> match = matcher->Next())
         if (std::ranges::binary_search(starts, match->start))
             replacements.push_back({*match, matcher->Replacement(*query.with, breaks)});
     return replacements;

@@ -10,7 +10,7 @@
 #include <vector>
 
 struct HitReplacement {
-    TextSpan span;
+    MatchSpan span;
     std::string text;
 };
 

@@ -79,7 +79,7 @@ std::wstring ReplaceInFile(const ReplaceTask& task, const FilesQuery& query, std
         return L"the file is read-only";
     if (RecoveryHasKept(task.path.c_str())) return L"a save of it has failed, and its text is still kept";
     ReadBuffer bytes;
-    const std::wstring fault = ReadSearchedFile(task.path, 0, false, nullptr, &bytes);
+    std::wstring fault = ReadSearchedFile(task.path, 0, false, nullptr, &bytes);
     if (!fault.empty()) return fault;
     SourceText text;
     if (!DecodeSource(bytes.Text(), SystemAnsiDecoder(), &text)) return L"its text cannot be decoded";

@@ -68,7 +68,7 @@ bool TextNeedle::IsAt(const char* at) const {
     if (characters_.empty()) return std::memcmp(at, text_.data(), text_.size()) == 0;
     std::size_t i = 0;
     for (const char length : characters_) {
-        const auto bytes = static_cast<std::size_t>(length);
+        const std::size_t bytes = static_cast<unsigned char>(length);
         if (std::memcmp(at + i, text_.data() + i, bytes) != 0 && std::memcmp(at + i, other_.data() + i, bytes) != 0)
             return false;
         i += bytes;

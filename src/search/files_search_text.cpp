@@ -93,9 +93,9 @@ void TextMatcher::Begin(std::string_view text, SearchStopped stopped) {
                        [this](std::ptrdiff_t) { return stopped_ == nullptr || !stopped_(); });
 }
 
-std::optional<TextSpan> TextMatcher::Next() { return needle_ ? NextText() : NextOfExpression(); }
+std::optional<MatchSpan> TextMatcher::Next() { return needle_ ? NextText() : NextOfExpression(); }
 
-std::optional<TextSpan> TextMatcher::NextText() {
+std::optional<MatchSpan> TextMatcher::NextText() {
     const std::size_t length = needle_->Length();
     for (;;) {
         // A whole word needs the byte after it, so the piece has one more; a match that touches its end is found again.
@@ -103,19 +103,19 @@ std::optional<TextSpan> TextMatcher::NextText() {
         const std::size_t at = needle_->Find(text_.substr(0, end), from_);
         if (at != std::string_view::npos && (end == text_.size() || at + length < end)) {
             from_ = at + length;
-            return TextSpan{at, length};
+            return MatchSpan{at, length};
         }
         if (end == text_.size() || (stopped_ != nullptr && stopped_())) return std::nullopt;
         from_ = end - length;
     }
 }
 
-std::optional<TextSpan> TextMatcher::NextOfExpression() {
+std::optional<MatchSpan> TextMatcher::NextOfExpression() {
     const RegexResult result = expression_->Next();
     tooComplex_ = result == RegexResult::TooComplex;
     if (result != RegexResult::Match) return std::nullopt;
     const FindSpan match = expression_->Match();
-    return TextSpan{static_cast<std::size_t>(match.start), static_cast<std::size_t>(match.end - match.start)};
+    return MatchSpan{static_cast<std::size_t>(match.start), static_cast<std::size_t>(match.end - match.start)};
 }
 
 std::string TextMatcher::Preview() const {
@@ -137,7 +137,7 @@ FileHits HitsInText(std::string_view utf8, TextMatcher& matcher, std::size_t mos
     FileHits found;
     std::size_t counted = 0, line = 0;
     matcher.Begin(utf8, stopped);
-    while (const std::optional<TextSpan> match = matcher.Next()) {
+    while (const std::optional<MatchSpan> match = matcher.Next()) {
         if (found.hits.size() == most) {
             found.more = true;
             break;

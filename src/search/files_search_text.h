@@ -43,7 +43,7 @@ struct FileHit {
 // Asked between pieces of about a megabyte: true ends the search.
 using SearchStopped = std::function<bool()>;
 
-struct TextSpan {
+struct MatchSpan {
     std::size_t start = 0;
     std::size_t length = 0;
 };
@@ -56,7 +56,7 @@ public:
     // Begins a walk. The text must stay where it is.
     void Begin(std::string_view text, SearchStopped stopped);
     // Nothing when there is no further match, and when the search was stopped.
-    std::optional<TextSpan> Next();
+    std::optional<MatchSpan> Next();
     // Whether the walk has ended because the expression takes too long in this text.
     bool TooComplex() const { return tooComplex_; }
     // What is put in place of the last match, with line breaks as `breaks` has them.
@@ -68,8 +68,8 @@ public:
     bool FindsInBytes() const { return needle_ && needle_->IsAscii(); }
 
 private:
-    std::optional<TextSpan> NextText();
-    std::optional<TextSpan> NextOfExpression();
+    std::optional<MatchSpan> NextText();
+    std::optional<MatchSpan> NextOfExpression();
 
     std::optional<TextNeedle> needle_;  // nothing: an expression
     std::unique_ptr<RegexSearch> expression_;

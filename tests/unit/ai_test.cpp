@@ -48,7 +48,7 @@ TEST(AiTexts, QuestionsAboutADiagnostic) {
     } cases[] = {{0, 1, 5, 0, 1},  {30, 100, 5, 10, 51},    {98, 100, 5, 78, 100}, {3, 3, 5, 0, 0},
                  {-1, 3, 5, 0, 0}, {30, 100, 3000, 28, 33}, {1, 3, 16001, 0, 0}};
     for (const auto& c : cases) {
-        const LineRange range = LinesAroundError(c.line, c.lines, [&](int) { return c.bytes; });
+        const LinesToSend range = LinesAroundError(c.line, c.lines, [&](int) { return c.bytes; });
         EXPECT_EQ(range.first, c.first) << c.line << " of " << c.lines;
         EXPECT_EQ(range.end, c.end) << c.line << " of " << c.lines;
     }
