@@ -55,14 +55,13 @@ LRESULT CALLBACK AiInputProc(HWND input, UINT message, WPARAM wParam, LPARAM lPa
 }
 
 LRESULT CALLBACK AiSendProc(HWND send, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
-    if (message == WM_KEYDOWN && wParam == VK_TAB && GetKeyState(VK_SHIFT) < 0)
+    const bool back = wParam == VK_ESCAPE || (wParam == VK_TAB && GetKeyState(VK_SHIFT) < 0);
+    if (message == WM_KEYDOWN && back)
         AiPaneFocusInput();
     else if (message == WM_KEYDOWN && wParam == VK_TAB)
         ChatWindowFocus();
     else if (message == WM_KEYDOWN && wParam == VK_RETURN)
         PostMessageW(g_ui.hMainWnd, WM_COMMAND, IDC_AI_SEND, 0);
-    else if (message == WM_KEYDOWN && wParam == VK_ESCAPE)
-        AiPaneFocusInput();
     else
         return SubclassNext(send, message, wParam, lParam);
     return 0;

@@ -36,7 +36,7 @@ std::string_view ChatShownPart(std::string_view reply, bool coming) {
     return coming || part.size() < reply.size() ? part.substr(0, WholeCharacters(part)) : part;
 }
 
-ChatEntry& ChatLogAdd(ChatLog& log, std::string text, bool isReply, int request) {
+ChatEntry& ChatLogAdd(ChatLog& log, std::string_view text, bool isReply, int request) {
     ChatEntry entry = {.isReply = isReply, .request = request};
     if (!log.entries.empty()) {
         const ChatEntry& last = log.entries.back();

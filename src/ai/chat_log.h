@@ -41,7 +41,7 @@ inline constexpr std::size_t kShownLine = 8000;
 std::string_view ChatShownPart(std::string_view reply, bool coming = false);
 
 // Adds an entry at the end, which is not shown yet. The reference is valid until the next one is added.
-ChatEntry& ChatLogAdd(ChatLog& log, std::string text, bool isReply, int request = 0);
+ChatEntry& ChatLogAdd(ChatLog& log, std::string_view text, bool isReply, int request = 0);
 void ChatEntryGrow(ChatEntry& entry, std::string_view piece);
 // The entry to which the request adds; -1: none.
 int ChatEntryOfRequest(const ChatLog& log, int request);

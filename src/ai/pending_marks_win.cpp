@@ -124,7 +124,7 @@ void GoToFirstMark(HWND editor, const ReplacementMarks& marks) {
 
 ReplacementMarks PendingMarksShow(HWND editor, const ByteRange& range, std::string_view before, bool first) {
     const EditorLines lines = LinesOfRange(editor, range);
-    const ReplacementMarks marks = MarksNow(editor, range, lines, before);
+    ReplacementMarks marks = MarksNow(editor, range, lines, before);
     KeepingTopLine(editor, [&] {
         SetAnnotations(editor, lines, marks.removed);
         SciSend(editor, SCI_ANNOTATIONSETVISIBLE, ANNOTATION_STANDARD);

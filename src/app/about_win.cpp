@@ -15,12 +15,19 @@
 
 #include <array>
 
+// The version of clang begins with its name.
+#ifdef __clang__
+#define KVX_COMPILER L""
+#else
+#define KVX_COMPILER L"GCC "
+#endif
+
 void AboutShow() {
     std::array<wchar_t, kPathCapacity> ini = {};
     GetIniPath(nullptr, ini.data(), ini.size());
     const std::wstring text = FormatW(
         L"KVX-Editor " KVX_VERSION L" (64-bit)\n\nA source editor for BASIC, C and assembly: write, build, go to the error, "
-        L"run.\n\nMade of: " KVX_PARTS L"\nCompiled by GCC " TEXT(__VERSION__) L"\nLicence: MIT; those of the parts are in the "
+        L"run.\n\nMade of: " KVX_PARTS L"\nCompiled by " KVX_COMPILER TEXT(__VERSION__) L"\nLicence: MIT; those of the parts are in the "
         L"folder \"licenses\".\n\nSettings: %s\nRecovered texts and logs: %s",
         ini.data(), UserFolderPath().c_str());
     TellUser(kProgramCaption, text.c_str(), AskIcon::Information);

@@ -7,10 +7,12 @@
 
 extern "C" {  // the names are the compiler's
 
+[[noreturn]] void __stack_chk_fail();
+
 std::uintptr_t __stack_chk_guard = 0x9E3779B97F4A7C00;
 
 // Ends the process at once, because nothing on the stack can be trusted any more.
-[[noreturn]] void __stack_chk_fail() {
+void __stack_chk_fail() {
     constexpr unsigned kStackCookieFailure = 2;  // FAST_FAIL_STACK_COOKIE_CHECK_FAILURE
     asm volatile("int $0x29" : : "c"(kStackCookieFailure));
     __builtin_unreachable();

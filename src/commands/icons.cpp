@@ -283,8 +283,9 @@ std::uint32_t RenderPixel(std::span<const Shape* const> shapes, float x, float y
     constexpr int kSamples = 4;
     std::uint32_t sum[4] = {};  // alpha, red, green, blue
     for (int sample = 0; sample < kSamples * kSamples; ++sample) {
-        const Point p{x + (static_cast<float>(sample % kSamples) + 0.5F) * step / kSamples,
-                      y + (static_cast<float>(sample / kSamples) + 0.5F) * step / kSamples};
+        const int column = sample % kSamples, line = sample / kSamples;
+        const Point p{x + (static_cast<float>(column) + 0.5F) * step / kSamples,
+                      y + (static_cast<float>(line) + 0.5F) * step / kSamples};
         for (std::size_t i = shapes.size(); i-- > 0;) {
             if (!Covers(*shapes[i], p)) continue;
             const std::uint32_t colour = InkColour(shapes[i]->ink, inks);

@@ -248,13 +248,13 @@ void QuickListSelect(int row) {
 bool QuickListMove(WPARAM key) {
     const int page = std::max(static_cast<int>(ListSend(LVM_GETCOUNTPERPAGE)) - 1, 1);
     const int last = g_list.count - 1, at = QuickListSelected();
-    int row = at;
+    int row = 0;
     switch (key) {
         case VK_UP: row = at <= 0 ? last : at - 1; break;
         case VK_DOWN: row = at >= last ? 0 : at + 1; break;
         case VK_PRIOR: row = std::max(at - page, 0); break;
         case VK_NEXT: row = std::min(at + page, last); break;
-        case VK_HOME: row = 0; break;
+        case VK_HOME: break;
         case VK_END: row = last; break;
         default: return false;
     }

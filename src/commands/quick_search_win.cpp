@@ -37,8 +37,9 @@ void TakeFound(std::shared_ptr<const FuzzyResult> result, FuzzyIndices texts) {
     now.texts = std::move(texts);
     now.letters = FuzzyQueryOf(now.found->typed);
     now.rows.clear();
-    const auto shown = [&now](std::uint32_t number) {
-        return now.source->hides == nullptr || !now.source->hides(ItemOf(now.texts, number));
+    const auto shown = [](std::uint32_t number) {
+        const QuickSearch& search = g_search.now;
+        return search.source->hides == nullptr || !search.source->hides(ItemOf(search.texts, number));
     };
     std::ranges::copy_if(now.found->best, std::back_inserter(now.rows), shown);
     now.hidden = now.found->best.size() - now.rows.size();

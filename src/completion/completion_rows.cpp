@@ -291,18 +291,15 @@ std::size_t PlaceAmong(const CompletionRow& row, std::span<const std::string_vie
 }
 
 void SortRows(std::vector<CompletionRow>& rows, const CompletionContext& context, const CompletionSources& sources) {
-    struct Key {
-        std::size_t fit, recent, nearness, letters;
-        auto operator<=>(const Key&) const = default;
-    };
+    using Key = std::array<std::size_t, 4>;  // fit, place among the accepted ones, nearness, letters
     std::vector<std::pair<Key, CompletionRow>> keyed;
     keyed.reserve(rows.size());
     const std::vector<std::string_view> accepted = FittingAccepted(context, sources);
     for (CompletionRow& row : rows) {
         const bool sameLetters = row.text.starts_with(context.prefix);
-        keyed.push_back(
-            {{static_cast<std::size_t>(row.fit), PlaceAmong(row, accepted), row.nearness, sameLetters ? 0u : 1u},
-             std::move(row)});
+        const Key key = {static_cast<std::size_t>(row.fit), PlaceAmong(row, accepted), row.nearness,
+                         sameLetters ? 0u : 1u};
+        keyed.emplace_back(key, std::move(row));
     }
     std::ranges::stable_sort(keyed, [](const auto& a, const auto& b) {
         if (a.first != b.first) return a.first < b.first;

@@ -30,7 +30,8 @@ bool SetIn64(HANDLE thread, const wchar_t* name, std::uint64_t value) {
     for (const Name64& row : kNames64) {
         if (_wcsicmp(row.name, name) != 0) continue;
         CONTEXT context = {};
-        context.ContextFlags = CONTEXT_AMD64 | CONTEXT_CONTROL | CONTEXT_INTEGER;
+        context.ContextFlags = CONTEXT_CONTROL;
+        context.ContextFlags |= CONTEXT_INTEGER;
         if (!GetThreadContext(thread, &context)) return false;
         context.*row.field = value;
         return SetThreadContext(thread, &context) != 0;
@@ -42,7 +43,8 @@ bool SetIn32(HANDLE thread, const wchar_t* name, std::uint64_t value) {
     for (const Name32& row : kNames32) {
         if (_wcsicmp(row.name, name) != 0) continue;
         WOW64_CONTEXT context = {};
-        context.ContextFlags = WOW64_CONTEXT_CONTROL | WOW64_CONTEXT_INTEGER;
+        context.ContextFlags = WOW64_CONTEXT_CONTROL;
+        context.ContextFlags |= WOW64_CONTEXT_INTEGER;
         if (!Wow64GetThreadContext(thread, &context)) return false;
         context.*row.field = static_cast<DWORD>(value);
         return Wow64SetThreadContext(thread, &context) != 0;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <compare>
 #include <cstdlib>
 #include <cstring>
 #include <variant>
@@ -212,7 +213,8 @@ NamedVerdict ComparisonHolds(std::string_view text, const NameScope& scope) {
     const std::partial_ordering order = Order(left, right);
     if (std::holds_alternative<std::string>(left) != std::holds_alternative<std::string>(right))
         return {.holds = true, .problem = L"a text and a number cannot be compared"};
-    return {.holds = (order < 0 && sign->less) || (order == 0 && sign->equal) || (order > 0 && sign->greater),
+    return {.holds = (std::is_lt(order) && sign->less) || (std::is_eq(order) && sign->equal) ||
+                     (std::is_gt(order) && sign->greater),
             .problem = {}};
 }
 
@@ -223,7 +225,7 @@ NamedVerdict JoinedHolds(std::string_view text, const NameScope& scope, bool orW
     for (std::size_t from = 0;;) {
         const std::size_t found = FindWord(std::string_view(bare).substr(from), word);
         const std::string_view part = text.substr(from, found);
-        const NamedVerdict verdict = orWord ? JoinedHolds(part, scope, false) : ComparisonHolds(part, scope);
+        NamedVerdict verdict = orWord ? JoinedHolds(part, scope, false) : ComparisonHolds(part, scope);
         const bool decided = verdict.holds == orWord || !verdict.problem.empty();
         if (decided || found == std::string::npos) return verdict;
         from += found + word.size();

@@ -84,7 +84,7 @@ const NamedPlace* NamedAt(int row) {
 }
 
 // Puts another name, place or kind in the place of the old one.
-std::wstring ChangeNamed(const NamedPlace& old, NamedPlace changed) {
+std::wstring ChangeNamed(const NamedPlace& old, const NamedPlace& changed) {
     return PaneNamePlace(Utf8ToWideText(NamedPlaceText(changed)), old.name, changed.kind);
 }
 

@@ -25,10 +25,11 @@ void FillCallStack(PaneContent& content) {
         row.mark = i == 0 ? ListMark::Current : i == program.chosenFrame ? ListMark::Chosen : ListMark::None;
         // A return address can be the first instruction of the next line. Its call ends one byte before it.
         const std::uint64_t back = i > 0 && frame.line != 0 ? 1 : 0;
-        const std::wstring place = PanePlaceText(frame.address - back);
+        std::wstring place = PanePlaceText(frame.address - back);
         const std::wstring source = PaneSourceLine(frame.fileId, frame.line);
+        if (!source.empty()) place.append(L"  ").append(source);
         row.cells = {std::to_wstring(i), HexText(frame.address, PaneAddressDigits(x64, frame.address)),
-                     source.empty() ? place : place + L"  " + source};
+                     std::move(place)};
         content.rows.push_back(std::move(row));
     }
     if (content.rows.empty()) content.hint = L"The stack of this thread cannot be read.";

@@ -30,7 +30,7 @@ std::string WholeName(const SymbolTable& table, const Symbol& symbol) {
     std::string name(SymbolName(table, symbol));
     for (std::uint32_t at = symbol.container; at != kNoSymbol; at = table.symbols[at].container)
         if (table.symbols[at].kind == SymbolKind::Class)
-            name = std::string(SymbolName(table, table.symbols[at])) + "." + name;
+            name.insert(0, ".").insert(0, SymbolName(table, table.symbols[at]));
     return name;
 }
 

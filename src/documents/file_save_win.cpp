@@ -353,7 +353,8 @@ int FileSave(int tab) {
     if (!guard.Entered() || !HasText(tab)) return 0;
     const DocumentTab& document = TabAt(tab);
     const bool named = document.hasFile && document.path[0] != L'\0';
-    return named ? SaveAsBound(document.id, document, SaveManner::Asked) : SaveUnderNewName(document.id);
+    return named ? SaveAsBound(document.id, static_cast<const FileBinding&>(document), SaveManner::Asked)
+                 : SaveUnderNewName(document.id);
 }
 
 int FileSaveUnasked(int tab) {
@@ -363,7 +364,7 @@ int FileSaveUnasked(int tab) {
     if (!document.hasFile || SaveAsksAboutForm(document) || document.outside.kind != OutsideKind::None) return 0;
     // A share that went away would stop the user's work at every tick of the timer.
     if (document.editor == nullptr || !PathAnswers(document.path)) return 0;
-    return SaveAsBound(document.id, document, SaveManner::Unasked);
+    return SaveAsBound(document.id, static_cast<const FileBinding&>(document), SaveManner::Unasked);
 }
 
 int FileSaveAs(int tab) {

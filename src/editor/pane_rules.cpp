@@ -43,10 +43,11 @@ bool IsUnseen(PaneSpan slice, PaneSpan visible) { return slice.start >= visible.
 
 std::vector<std::uint8_t> MarkerDot(int size, double radius, double ring, std::uint32_t discColour,
                                     std::uint32_t ringColour) {
-    const double middle = size / 2;
+    const int middle = size / 2;
     std::vector<std::uint8_t> pixels;
     for (int i = 0; i < size * size; ++i) {
-        const double away = std::hypot(i % size - middle, i / size - middle);
+        const int right = i % size - middle, down = i / size - middle;
+        const double away = std::hypot(right, down);
         const std::uint32_t shown = away < radius + 0.5 ? discColour : ringColour;
         const double cover = std::clamp(radius + 1.0 + ring - away, 0.0, 1.0);
         for (const int shift : {16, 8, 0}) pixels.push_back(static_cast<std::uint8_t>(shown >> shift & 0xFF));

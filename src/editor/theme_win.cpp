@@ -25,10 +25,9 @@
 
 namespace {
 
-// Bytes. A larger document is not folded: in most languages because that needs a pass of its own over the text. The
-// lexer of BASIC needs none, but the levels take 4 bytes for each line (12 MB of a document of 100 MB).
+// Bytes. A larger document is not folded, because folding needs a pass of its own over the text. The lexer of BASIC
+// needs none and folds documents of any size; the levels take 4 bytes for each line (12 MB of a document of 100 MB).
 constexpr LRESULT kLargestFolded = 4 << 20;
-constexpr LRESULT kLargestFoldedBasic = 32 << 20;
 
 ThemeInputs CurrentTheme() {
     // The user's own colours were chosen for another background than that of the high-contrast mode.

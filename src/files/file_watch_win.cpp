@@ -166,7 +166,8 @@ void TakeFiles(WatchThread& watch, std::vector<FileToWatch> files) {
     }
     watch.files = std::move(now);
     // Those on the network are looked at last, because they may keep the thread waiting.
-    std::ranges::stable_partition(watch.files, [](const FileUnderWatch& file) { return !file.remote; });
+    std::stable_partition(watch.files.begin(), watch.files.end(),
+                          [](const FileUnderWatch& file) { return !file.remote; });
     WatchFolders(watch);
 }
 

@@ -281,7 +281,7 @@ bool OpensNameless(const Walk& walk) {
 // The end of a statement, at a colon or at the end of its line.
 Step StepAfterStatement(Walk& walk, std::uint32_t last) {
     switch (walk.step) {
-        case kRestOfLine: return kRestOfLine;
+        case kRestOfLine:
         case kIf: return kRestOfLine;
         case kIfThen: OpenBlock(walk, If, last); return kStart;
         case kMacro: OpenBlock(walk, Macro, last); return kStart;

@@ -202,7 +202,7 @@ void AppendIndent(std::string& out, int depth, const FormatOptions& options) {
     if (options.useTabs)
         out.append(static_cast<std::size_t>(levels), '\t');
     else
-        out.append(static_cast<std::size_t>(levels * std::max(options.indentWidth, 0)), ' ');
+        out.append(static_cast<std::size_t>(levels) * static_cast<std::size_t>(std::max(options.indentWidth, 0)), ' ');
 }
 
 // Inline assembly and the lines of a block comment are not touched.

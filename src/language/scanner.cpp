@@ -19,7 +19,7 @@ constexpr std::array<Byte, 256> kBytes = [] {
         if (c == '"') kind = Byte::Quote;
         if (c == '\'') kind = Byte::Apostrophe;
     }
-    for (const char c : std::string_view("+-*/\\^=<>&")) bytes[static_cast<std::size_t>(c)] = Byte::Operator;
+    for (const char c : std::string_view("+-*/\\^=<>&")) bytes[static_cast<unsigned char>(c)] = Byte::Operator;
     return bytes;
 }();
 

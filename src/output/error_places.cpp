@@ -27,7 +27,7 @@ std::vector<std::wstring> ErrorPlaces(std::wstring_view printed, const BuildReco
         folders.insert(folders.end(), build.includeFolders.begin(), build.includeFolders.end());
         folders.push_back(build.workingDirectory);
         for (const std::wstring& folder : folders)
-            if (!folder.empty()) places.push_back(whole(folder + L"\\" + name));
+            if (!folder.empty()) places.push_back(whole(std::wstring(folder).append(L"\\").append(name)));
     } else {
         places.push_back(whole(name));
     }

@@ -22,7 +22,7 @@ std::vector<PaneLine> TakeBlock(OutputFeed& feed, CompilerErrors& errors, const 
     PaneLine line;
     int chunksDone = 0;
     while (block.size() < feed.block.lines && OutputLinesNext(feed.lines, errors, timeIsUp, &line, &chunksDone))
-        block.push_back(std::move(line));
+        block.push_back(std::exchange(line, {}));
     pane.chunksDone(chunksDone);
     return block;
 }

@@ -14,6 +14,7 @@
 #include "program/pbd_map.h"
 #include "settings/compiler_id.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <span>
@@ -91,7 +92,7 @@ std::uint8_t* ReadWholeFileW(const wchar_t* path, std::size_t* size) {
     if (bytes.empty()) return nullptr;
     HeapBlock<std::uint8_t> block{static_cast<std::uint8_t*>(std::malloc(bytes.size()))};
     if (!block) return nullptr;
-    std::memcpy(block.get(), bytes.data(), bytes.size());
+    std::ranges::copy(bytes, block.get());
     *size = bytes.size();
     return block.release();
 }

@@ -25,7 +25,7 @@ std::wstring SamplesFolder() {
     wchar_t program[kPathCapacity] = {};
     AppExeDirectory(program, kPathCapacity);
     for (const wchar_t* place : {L"samples", L"..\\..\\samples"}) {
-        const std::wstring folder = ProjectPath(program, place);
+        std::wstring folder = ProjectPath(program, place);
         if (DirectoryExists(folder.c_str())) return folder;
     }
     return {};

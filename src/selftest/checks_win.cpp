@@ -202,7 +202,7 @@ std::wstring SamplePath(const std::string& name) {
 }
 
 std::wstring MakeSample(const std::string& name) {
-    const std::wstring path = SamplePath(name);
+    std::wstring path = SamplePath(name);
     const HANDLE file = CreateFileW(PathForSystem(path.c_str()).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                                     FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) return path;

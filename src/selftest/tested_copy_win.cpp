@@ -92,7 +92,7 @@ void WriteSettings(const std::wstring& folder) {
 }
 
 std::wstring WriteSample(const std::wstring& folder, std::string_view name) {
-    const std::wstring path = folder + Utf8ToWideText(name);
+    std::wstring path = folder + Utf8ToWideText(name);
     const UniqueHandle file{CreateFileW(PathForSystem(path.c_str()).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                                         FILE_ATTRIBUTE_NORMAL, nullptr)};
     const std::string bytes = SelfTestSample(name);

@@ -109,7 +109,7 @@ bool Declares(const References& references, const FoundFile& file, const FileHit
     return hit.shown.size() > 8 && CompareNames(std::string_view(hit.shown).substr(0, 8), "declare ") == 0;
 }
 
-void ShowCallers(References references) {
+void ShowCallers(const References& references) {
     const std::wstring name = Utf8ToWideText(references.name);
     const bool called = IsProcedure(references.kind) || references.kind == SymbolKind::Macro;
     PeekPage page;
@@ -146,7 +146,7 @@ void PeekDefinition() {
         if (!texts.empty() && ShowDefinitions(name, CandidatesIn(std::move(texts), own))) return;
     }
     const DocumentId shown = ActiveDocumentId();
-    FindDefinitions(*word, [name, shown](Candidates found) {
+    FindDefinitions(*word, [name, shown](const Candidates& found) {
         if (ActiveDocumentId() != shown) return;  // the user has gone elsewhere meanwhile
         if (!ShowDefinitions(name, found)) TellSymbolStatus(FormatW(L"No definition of %s was found", name.c_str()));
     });
@@ -158,7 +158,7 @@ void PeekCallers() {
     if (!word || word->word.isInclude) word = ProcedureWanted(peek);
     if (!word) return TellSymbolStatus(L"There is no name at the caret");
     const DocumentId shown = ActiveDocumentId();
-    FindReferences(*word, [shown](References references) {
-        if (ActiveDocumentId() == shown) ShowCallers(std::move(references));
+    FindReferences(*word, [shown](const References& references) {
+        if (ActiveDocumentId() == shown) ShowCallers(references);
     });
 }

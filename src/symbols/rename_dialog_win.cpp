@@ -80,7 +80,7 @@ std::wstring ProblemOf(const Renaming& renaming, const std::string& newName) {
     if (CompareNames(newName, references.name) == 0) return {};  // other capitals
     for (const std::vector<ReachedText>& texts : {SymbolsInReach(references.word.document), SymbolsInProject()})
         for (const ReachedText& text : texts)
-            if (const std::wstring clash = ClashIn(references, text, newName); !clash.empty()) return clash;
+            if (std::wstring clash = ClashIn(references, text, newName); !clash.empty()) return clash;
     return {};
 }
 
@@ -201,7 +201,8 @@ void FillPlaces(HWND list, const References& references) {
         const std::wstring text = FormatW(L"... and %zu more", shown - kMostShown);
         SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
     }
-    SendMessageW(list, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest + UiScaled(8)), 0);
+    widest += UiScaled(8);
+    SendMessageW(list, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest), 0);
 }
 
 std::string NewName(HWND dialog) {

@@ -240,8 +240,8 @@ LRESULT CALLBACK StripProc(HWND strip, UINT message, WPARAM wParam, LPARAM lPara
     const POINT at = {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
     switch (message) {
         case WM_NCHITTEST: return HTCLIENT;  // the control lets the pointer through beside its own tabs
-        case WM_ERASEBKGND: return 1;
         case WM_PAINT: PaintStrip(strip); return 0;
+        case WM_ERASEBKGND: return 1;
         case WM_SIZE:
             SubclassNext(strip, message, wParam, lParam);
             TabBarShowTab(g_documents.activeTab);
