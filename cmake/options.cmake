@@ -12,6 +12,15 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     target_compile_options(kvx_warnings INTERFACE -Wno-sign-conversion)
 endif()
 
+# For the program itself, besides kvx_warnings: what g++ does not look for, or not with its options above.
+add_library(kvx_program_warnings INTERFACE)
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    target_compile_options(kvx_program_warnings INTERFACE
+        -Wshadow-all -Wunreachable-code -Wunused-member-function -Wunused-template -Wmissing-prototypes -Wheader-hygiene
+        -Wold-style-cast -Wcast-qual -Wformat=2 -Wundef -Wdeprecated -Wextra-semi -Wnon-virtual-dtor
+        -Wimplicit-fallthrough -Wcovered-switch-default -Wdouble-promotion -Wloop-analysis)
+endif()
+
 if(WIN32)
     add_library(kvx_windows INTERFACE)
     target_compile_definitions(kvx_windows INTERFACE

@@ -173,6 +173,25 @@ REG
     touch "$made"
 }
 
+# --- CMake ------------------------------------------------------------------------------------------------------------
+
+# configure PRESET FOLDER TESTS: runs CMake the first time, and again when tests are wanted that were left out then. A
+# build without tests needs neither GoogleTest nor a 32-bit compiler.
+configure() {
+    local preset="$1" folder="$2" tests="$3"
+    if [ -f "$folder/build.ninja" ]; then
+        if [ "$tests" = OFF ] || ! grep -qx 'KVX_TESTS:BOOL=OFF' "$folder/CMakeCache.txt"; then return 0; fi
+    fi
+    say "configuring ($preset)"
+    (cd "$ROOT" && quietly "$BUILD/logs/configure-$preset.log" cmake --preset "$preset" -DKVX_TESTS="$tests") ||
+        die "configuring '$preset' failed"
+}
+
+# Configures the build with clang, also again, because the list of commands must have every source of today.
+configure_clang() {
+    quietly "$BUILD/logs/configure-windows-clang.log" cmake -S "$ROOT" --preset windows-clang
+}
+
 # --- One at a time ----------------------------------------------------------------------------------------------------
 
 # locked NAME COMMAND...: runs the command while no other script holds the lock. Two builds in one folder at the same
