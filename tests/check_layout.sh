@@ -108,6 +108,98 @@ outside_references() {
     texts | xargs -r grep -nHIE '\b[Ss][p]ec(ification)?s?\b|\bPart [0-9]+\.[0-9]+|\.\./s[h]ared' || true
 }
 
+# Prints the words of the sources, one a line.
+words() {
+    find src tests bench samples scripts cmake -type f \( -name '*.cpp' -o -name '*.h' -o -name '*.c' -o -name '*.rc' -o \
+        -name '*.txt' -o -name '*.cmake' -o -name '*.sh' -o -path 'scripts/*' \) -exec cat {} + |
+        cat - CMakeLists.txt CMakePresets.json | grep -oE '[A-Za-z_][A-Za-z0-9_]*' | sort -u
+}
+
+# Each name in ARCHITECTURE.md is that of a file, with or without its ending, or a word of the sources. Patterns such as
+# name.cpp and <area>_test.cpp stand for many files.
+architecture_names() {
+    local name word path found known
+    [ -f ARCHITECTURE.md ] || return 0
+    known="$(words)"
+    { grep -oE '`[^`]+`' ARCHITECTURE.md || true; } | tr -d '`' | sort -u | while read -r name; do
+        case "$name" in
+            name.cpp | name_win.cpp | *'<'*) continue ;;
+            */* | *.h | *.cpp | *.md)
+                path="${name%/}"
+                found=""
+                for word in "" src/ src/*/ docs/; do
+                    if compgen -G "$word$path" >/dev/null || compgen -G "$word$path.*" >/dev/null ||
+                        compgen -G "$word${path}_win.*" >/dev/null; then found=yes; fi
+                done
+                [ -n "$found" ] || echo "ARCHITECTURE.md: no file $name"
+                ;;
+            *)
+                for word in $(grep -oE '[A-Za-z_][A-Za-z0-9_]{3,}' <<<"$name"); do
+                    grep -qx "$word" <<<"$known" || compgen -G "*/$word*" >/dev/null || compgen -G "*/*/$word*" >/dev/null ||
+                        echo "ARCHITECTURE.md: nothing is called $word in \`$name\`"
+                done
+                ;;
+        esac
+    done
+}
+
+# What the documents show and refer to is there, and each page and picture of docs/ is referred to.
+document_links() {
+    local target page
+    for page in README.md ARCHITECTURE.md docs/*.md; do
+        [ -f "$page" ] || continue
+        { grep -oE '\]\([^)#: ]+\)' "$page" || true; } | sed 's/^](//; s/)$//' | while read -r target; do
+            [ -e "$target" ] || [ -e "$(dirname "$page")/$target" ] || echo "$page: no file $target"
+        done
+    done
+    for page in docs/*; do
+        [ ! -f "$page" ] || grep -qF "$(basename "$page")" README.md ARCHITECTURE.md docs/*.md || echo "$page: nothing refers to it"
+    done
+}
+
+# The numbers of src/resources/ids.h: each is used, and of one kind no two are the same; each dialog and menu has its
+# resource. A number that is the first of a range may be the same as the one inside it that has a name.
+resource_numbers() {
+    local ids=src/resources/ids.h used name
+    [ -f "$ids" ] || return 0
+    used="$(find src tests bench -type f \( -name '*.cpp' -o -name '*.h' -o -name '*.rc' \) ! -path "$ids" \
+        -exec grep -ohE '\b(ID[A-Z]|MSG|TIMER)_[A-Z0-9_]+' {} + | sort -u)"
+    awk '$1 == "#define" && $3 != "" { print $2 }' "$ids" | grep -E '^(ID[A-Z]|MSG|TIMER)_' | while read -r name; do
+        grep -qx "$name" <<<"$used" || grep -qE "^#define [A-Z_0-9]+ .*\b$name\b" "$ids" || echo "$ids: nothing uses $name"
+    done
+    awk '
+        $1 == "#define" && $3 != "" {
+            kind = $2; sub(/_.*/, "", kind)
+            number = ""
+            for (i = 3; i <= NF && $i !~ /^\/\//; i++) number = number " " $i
+            if ($2 ~ /_FIRST$/) next
+            if ((kind number) in owner) print FILENAME ":" FNR ": " $2 " has the number of " owner[kind number]
+            owner[kind number] = $2
+        }' "$ids"
+    awk '$1 == "#define" && $2 ~ /^IDD_/ { print $2 }' "$ids" | while read -r name; do
+        grep -qE "^$name (DIALOG|DIALOGEX)\b" src/resources/*.rc || echo "$ids: $name has no dialog in src/resources/"
+    done
+}
+
+# Two records of one name, each visible outside its file, are one record to the linker: it keeps one of two
+# std::vector<NAME>::push_back. Types inside "namespace {" are their file's own.
+type_names() {
+    sources | xargs -r awk '
+        FNR == 1 { own = 0 }
+        /^namespace \{/ { own = 1 }
+        /^\}  \/\/ namespace/ { own = 0 }
+        !own && /^(struct|class|enum|union) [^;]*\{/ {
+            name = $2 == "class" ? $3 : $2
+            if (name ~ /::/) next
+            sub(/[:{].*/, "", name)
+            if (name in place) print FILENAME ":" FNR ": " name " is also in " place[name]
+            else place[name] = FILENAME ":" FNR
+        }'
+}
+
+# The list for translators is what scripts/texts makes of the sources.
+list_of_texts() { [ ! -x "$root/scripts/texts" ] || "$root/scripts/texts" --check "$PWD"; }
+
 # The formatter keeps line breaks, braces and the order of includes. Other versions of it decide differently.
 formatting() {
     git ls-files 'src/*.cpp' 'src/*.h' 'tests/*.cpp' 'tests/*.h' 'bench/*.cpp' 'bench/*.h' 'samples/*.cpp' 'samples/*.h' |
@@ -120,8 +212,13 @@ check "pure files" pure_files
 check "files too long" file_length
 check "own header first" own_header_first
 check "one kind of subclassing" one_subclassing
+check "names of types" type_names
 check "#pragma once" pragma_once
 check "references to documents outside the repository" outside_references
+check "names in ARCHITECTURE.md" architecture_names
+check "links of the documents" document_links
+check "numbers of the resources" resource_numbers
+check "the list of texts" list_of_texts
 case "$(clang-format --version 2>/dev/null)" in
     *"version 14."*) check "formatting" formatting ;;
     *) echo "layout: formatting is not checked, because there is no clang-format 14 here" ;;

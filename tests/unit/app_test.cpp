@@ -8,6 +8,7 @@
 #include "app/startup_rules.h"
 #include "app/window_place.h"
 #include "editor/margins.h"
+#include "support/golden_file.h"
 
 #include <gtest/gtest.h>
 
@@ -53,6 +54,25 @@ TEST(CommandLine, WordsThatAreNoOptionsAreFilesWithAPlace) {
         EXPECT_TRUE(place.path == c.path && place.line == c.line && place.column == c.column)
             << std::string(c.text, c.text + wcslen(c.text)) << " " << place.line << " " << place.column;
     }
+}
+
+TEST(CommandLine, TheHelpAndTheReadmeNameEveryOptionThatIsTaken) {
+    const std::wstring help = CommandLineHelp();
+    const std::string source = ReadBytes(std::string(KVX_ROOT_DIR) + "/src/app/command_line.cpp");
+    const std::string readme = ReadBytes(std::string(KVX_ROOT_DIR) + "/README.md");
+    int count = 0;
+    // A row of the tables begins with {L"--name".
+    for (std::size_t at = source.find("{L\"-"); at != std::string::npos; at = source.find("{L\"-", at + 1), ++count) {
+        const std::string option = source.substr(at + 3, source.find('"', at + 3) - at - 3);
+        if (option == "--goto") {  // another name of --open
+            EXPECT_NE(readme.find(option), std::string::npos);
+            continue;
+        }
+        EXPECT_NE(help.find(std::wstring(option.begin(), option.end())), std::wstring::npos) << option;
+        if (option.starts_with("--") && !option.starts_with("--selftest"))
+            EXPECT_NE(readme.find("`" + option), std::string::npos) << option;
+    }
+    EXPECT_GT(count, 10);
 }
 
 TEST(CommandLine, FontSizeLimits) {

@@ -75,8 +75,9 @@ TEST(Settings, Limits) {
         EXPECT_EQ(ApplyLimits(Row(test.section, test.key).limits, test.stored), test.used) << test.key;
 }
 
-// A wrong offset or capacity in a row would make its field overlap another.
-TEST(Settings, RowsDoNotOverlap) {
+// A wrong offset or capacity in a row would make its field overlap another. A field without a row would leave a hole of
+// four bytes or more; the padding between fields is smaller.
+TEST(Settings, RowsDoNotOverlapAndLeaveNoFieldOut) {
     std::string owners(sizeof(Settings), '\0');
     for (const SettingRow& row : SettingRows()) {
         const bool text = row.type == SettingType::Text;
@@ -90,6 +91,8 @@ TEST(Settings, RowsDoNotOverlap) {
             owners[at] = 'x';
         }
     }
+    EXPECT_EQ(owners.find(std::string(sizeof(std::int32_t), '\0')), std::string::npos)
+        << "the byte of a field without a row";
 }
 
 TEST(Settings, StartAndFactoryStateDifferOnPurpose) {

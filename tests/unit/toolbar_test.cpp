@@ -2,9 +2,12 @@
 #include "commands/icons.h"
 #include "commands/toolbar_fit.h"
 #include "commands/toolbar_rules.h"
+#include "commands/toolbar_table.h"
 
 #include <gtest/gtest.h>
 
+#include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -24,6 +27,24 @@ TEST(Icons, EachIsDrawnInsideItsFrameAtEverySize) {
             EXPECT_TRUE(covered > area / 20 && covered < area * 4 / 5) << "icon " << icon << " size " << size;
         }
     }
+}
+
+TEST(ToolbarTable, EachButtonHasACommandANameAndAPictureOfItsOwn) {
+    std::set<int> commands;
+    std::map<Icon, int> pictures;
+    for (const ButtonRow& button : kToolbarButtons) {
+        if (button.command == 0) continue;
+        EXPECT_TRUE(commands.insert(button.command).second) << button.command << " has two buttons";
+        const CommandRow* row = FindCommand(button.command);
+        ASSERT_NE(row, nullptr) << button.command;
+        const CommandRow* named = button.twin != 0 ? FindCommand(button.twin) : row;
+        ASSERT_NE(named, nullptr) << button.twin;
+        EXPECT_NE(button.tip != nullptr, named->place == CommandPlace::Menu) << button.command << " needs one name";
+        // The button of the compilers shows a text. Two that take back something have the same picture.
+        if (button.command != IDM_COMPILER_MENU && button.command != IDM_AI_UNDO) ++pictures[button.icon];
+    }
+    for (int icon = 0; icon < static_cast<int>(Icon::Count); ++icon)
+        EXPECT_EQ(pictures[static_cast<Icon>(icon)], 1) << "buttons with picture " << icon;
 }
 
 // Where the edge of a shape covers a part of a pixel, the colour stays and only the opacity falls.
