@@ -87,13 +87,14 @@ part_group() {
     done
 }
 export -f part_group
-find "$work/groups" -name '*.cpp' | sed 's/\.cpp$//' | xargs -P "$jobs" -n 1 bash -c 'part_group "$0"'
+find "$work/groups" -name '*.cpp' | sed 's/\.cpp$//' | xargs -r -P "$jobs" -n 1 bash -c 'part_group "$0"'
 
+shopt -s nullglob
 for group in "$work"/groups/*.cpp; do
     command="$(head -n 1 "${group%.cpp}.command" | sed 's/ -Werror / /; s/\\/\\\\/g; s/"/\\"/g')"
     printf '{ "directory": "%s", "file": "%s", "command": "%s" },\n' "$build" "$group" "$command $group"
 done | sed '1s/^/[/; $s/,$/]/' >"$work/compile_commands.json"
-printf '%s\n' "$work"/groups/*.cpp | xargs -P "$jobs" -n 1 \
+find "$work/groups" -name '*.cpp' | sort | xargs -r -P "$jobs" -n 1 \
     clang-tidy --quiet -p "$work" --config-file="$root/.clang-tidy" 2>/dev/null |
     sed "s#$root/##" | grep -E '^src/.*: warning: |: error: ' | sort -u >"$work/findings" || true
 
