@@ -71,8 +71,9 @@ function(kvx_delay_load target)
         set(definition "${CMAKE_SOURCE_DIR}/cmake/delay/${name}.def")
         set(library "${CMAKE_BINARY_DIR}/lib${name}_delay.a")
         add_custom_command(OUTPUT "${library}"
-            COMMAND "${KVX_DLLTOOL}" --input-def "${definition}" --output-delaylib "${library}"
-            DEPENDS "${definition}" VERBATIM)
+            # Its symbols are named after the path that is given here.
+            COMMAND "${KVX_DLLTOOL}" --input-def "${definition}" --output-delaylib "lib${name}_delay.a"
+            WORKING_DIRECTORY "${CMAKE_BINARY_DIR}" DEPENDS "${definition}" VERBATIM)
         add_custom_target(${name}_delay DEPENDS "${library}")
         add_dependencies(${target} ${name}_delay)
         target_link_libraries(${target} PRIVATE "${library}")  # before the import library: the first one is used
