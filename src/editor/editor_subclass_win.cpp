@@ -183,6 +183,8 @@ bool ContinuesWord(WPARAM character) {
 
 LRESULT OnPaneCharacter(HWND pane, WPARAM wParam, LPARAM lParam) {
     if (IsUnwantedCharacter(wParam)) return 0;
+    // Ctrl+Enter, and programs that type for their user. As a character it would be a line end of another form.
+    if (wParam == L'\n') return SciSend(pane, SCI_NEWLINE);
     const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
     const LRESULT result = SubclassNext(pane, WM_CHAR, wParam, lParam);
     const LRESULT after = SciSend(pane, SCI_GETCURRENTPOS);

@@ -359,9 +359,11 @@ TEST(View, KeysReachEditorAndCommands) {
     editor.Keys({VK_RETURN});
     for (const int key : {int{'H'}, VK_SPACE, int{'I'}, int{'F'}, VK_SPACE}) editor.Keys({key});
     editor.Keys({VK_SHIFT, 'I'});
-    for (const int key :
-         {int{VK_RETURN}, int{'A'}, int{'S'}, int{'M'}, int{VK_RETURN}, int{'A'}, int{'N'}, int{'D'}, int{VK_SPACE},
-          int{VK_RETURN}, int{'E'}, int{'N'}, int{'D'}, int{VK_SPACE}, int{'A'}, int{'S'}, int{'M'}, int{VK_RETURN}})
+    editor.Keys({VK_RETURN});
+    for (const int key : {int{'A'}, int{'S'}, int{'M'}}) editor.Keys({key});
+    editor.Keys({VK_CONTROL, VK_RETURN});  // the same, where it would insert another form of line end
+    for (const int key : {int{'A'}, int{'N'}, int{'D'}, int{VK_SPACE}, int{VK_RETURN}, int{'E'}, int{'N'}, int{'D'},
+                          int{VK_SPACE}, int{'A'}, int{'S'}, int{'M'}, int{VK_RETURN}})
         editor.Keys({key});
     // Indented by the blocks above, END ASM taken back, and keywords in capitals, but not in assembly.
     const std::string typed = "  x = 1\r\n  h IF I\r\n  ASM\r\n      and \r\n  END ASM\r\n  ";
