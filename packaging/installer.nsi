@@ -1,5 +1,6 @@
 ; The installer: for the user who runs it, without administrator rights. scripts/package gives the defines:
-; VERSION, FINISH (picture of the last page), FILES (folder with what is installed), OUT (the installer), SIZE_KB (of the files), FILE_LIST (what is deleted).
+; VERSION, FINISH (picture of the last page), FILES (folder with what is installed), INSTALL_LIST and FILE_LIST (commands that
+; install and delete it), OUT (the installer), SIZE_KB (of the files).
 ; Silent: /S, with the folder last as /D=FOLDER. It ends with 0, or with 2 when it could not be done.
 Unicode true
 SetCompressor /SOLID lzma
@@ -133,12 +134,8 @@ Section "KVX-Editor" SectionProgram
         ExecWait '"$INSTDIR\Uninstall.exe" /S _?=$INSTDIR'
     ${EndIf}
     ClearErrors
-    SetOutPath "$INSTDIR"
-    File /r /x samples "${FILES}\*"
-    ; What is there now the user has changed.
-    SetOutPath "$INSTDIR\samples"
-    SetOverwrite off
-    File /r "${FILES}\samples\*"
+    ; Samples that are there now the user has changed: they stay.
+    !include "${INSTALL_LIST}"
     SetOverwrite on
     SetOutPath "$INSTDIR"
     WriteUninstaller "$INSTDIR\Uninstall.exe"
