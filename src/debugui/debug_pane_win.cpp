@@ -50,9 +50,7 @@ bool ShowsList() { return PaneCurrentView().list != nullptr; }
 HWND ViewWindow() { return ShowsList() ? g_frame.list.window : g_frame.memory; }
 bool IsPaneVisible() { return g_frame.pane != nullptr && IsWindowVisible(g_frame.pane) != FALSE; }
 
-// A child that stays hidden is placed when it is shown.
 void PlacePaneChild(HWND child, const RECT& area, bool shown) {
-    if (!shown && (GetWindowLongW(child, GWL_STYLE) & WS_VISIBLE) == 0) return;
     SetWindowPos(child, nullptr, area.left, area.top, std::max<int>(area.right - area.left, 0),
                  std::max<int>(area.bottom - area.top, 0),
                  SWP_NOZORDER | SWP_NOACTIVATE | SWP_DEFERERASE | (shown ? SWP_SHOWWINDOW : SWP_HIDEWINDOW));

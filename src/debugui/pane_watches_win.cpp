@@ -106,9 +106,14 @@ void OnWatchActivated(int row, int column) {
     }
 }
 
-void OnWatchTyped(int row, wchar_t character) {
-    if (WatchAtRow(row) == nullptr) EditWatchExpression(row, std::wstring(1, character), true);
+void AddWatchAtEnd(const std::wstring& text, bool typed) {
+    const auto last = static_cast<int>(g_list.watches.size());
+    ListViewSelect(PaneList(), last);
+    EditWatchExpression(last, text, typed);
 }
+
+// Begins another watch in whichever row: after Enter the new one is selected, and the next name is typed.
+void OnWatchTyped(int, wchar_t character) { AddWatchAtEnd(std::wstring(1, character), true); }
 
 bool OnWatchKey(int row, int key) {
     if (key == VK_DELETE) {
@@ -116,9 +121,7 @@ bool OnWatchKey(int row, int key) {
         return true;
     }
     if (key == VK_INSERT) {
-        const auto last = static_cast<int>(g_list.watches.size());
-        ListViewSelect(PaneList(), last);
-        EditWatchExpression(last, L"", false);
+        AddWatchAtEnd(L"", false);
         return true;
     }
     return false;

@@ -181,10 +181,24 @@ bool ContinuesWord(WPARAM character) {
            (character >= L'a' && character <= L'z') || character == L'_';
 }
 
+// The message makes the pane break the line.
+LRESULT OnPaneNewLine(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
+    const LRESULT lines = SciSend(pane, SCI_GETLINECOUNT);
+    const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
+    SciSend(pane, SCI_BEGINUNDOACTION);  // one undo step for the line break and the indentation
+    const LRESULT result = SubclassNext(pane, message, wParam, lParam);
+    if (SciSend(pane, SCI_GETLINECOUNT) == lines + 1) {
+        EditorPaneUpperKeywordBefore(pane, before);
+        EditorPaneAfterNewLine(pane);
+    }
+    SciSend(pane, SCI_ENDUNDOACTION);
+    return result;
+}
+
 LRESULT OnPaneCharacter(HWND pane, WPARAM wParam, LPARAM lParam) {
     if (IsUnwantedCharacter(wParam)) return 0;
     // Ctrl+Enter, and programs that type for their user. As a character it would be a line end of another form.
-    if (wParam == L'\n') return SciSend(pane, SCI_NEWLINE);
+    if (wParam == L'\n') return OnPaneNewLine(pane, SCI_NEWLINE, 0, 0);
     const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
     const LRESULT result = SubclassNext(pane, WM_CHAR, wParam, lParam);
     const LRESULT after = SciSend(pane, SCI_GETCURRENTPOS);
@@ -212,19 +226,6 @@ LRESULT OnPaneTabKey(HWND pane, WPARAM wParam, LPARAM lParam) {
     return result;
 }
 
-LRESULT OnPaneReturnKey(HWND pane, WPARAM wParam, LPARAM lParam) {
-    const LRESULT lines = SciSend(pane, SCI_GETLINECOUNT);
-    const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
-    SciSend(pane, SCI_BEGINUNDOACTION);  // one undo step for the line break and the indentation
-    const LRESULT result = SubclassNext(pane, WM_KEYDOWN, wParam, lParam);
-    if (SciSend(pane, SCI_GETLINECOUNT) == lines + 1) {
-        EditorPaneUpperKeywordBefore(pane, before);
-        EditorPaneAfterNewLine(pane);
-    }
-    SciSend(pane, SCI_ENDUNDOACTION);
-    return result;
-}
-
 // Without a name of its own the pane would be called by its whole text.
 LRESULT OnPaneGetObject(HWND pane, WPARAM wParam, LPARAM lParam) {
     const PaneState* state = PaneStateOf(pane);
@@ -240,7 +241,7 @@ LRESULT CALLBACK EditorPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
         case WM_PAINT: return PaintPane(pane, wParam, lParam);
         case WM_CHAR: return OnPaneCharacter(pane, wParam, lParam);
         case WM_KEYDOWN:
-            if (wParam == VK_RETURN) return OnPaneReturnKey(pane, wParam, lParam);
+            if (wParam == VK_RETURN) return OnPaneNewLine(pane, message, wParam, lParam);
             if (wParam == VK_TAB) return OnPaneTabKey(pane, wParam, lParam);
             if (LeavesLine(wParam) && TakeTypedWord(pane)) EditorPaneAfterLeaving(pane);
             break;

@@ -9,6 +9,8 @@ bool WalkTakes(const WalkRules& rules, std::wstring_view folder, const WalkEntry
     if (entry.isFolder && !rules.subfolders) return false;
     if (!rules.hidden && (entry.isHidden || entry.name.front() == L'.')) return false;
     const bool filtered = !entry.isFolder && !rules.only.empty();
+    // The editor itself writes the logs of builds: a hit in one only repeats an error, and a replacement would change it.
+    if (!entry.isFolder && !filtered && PathEqualsIgnoreCase(FileExtension(entry.name), L".buildlog")) return false;
     const bool maybeExcluded = entry.isFolder && !rules.excluded.rules.empty();
     if (!filtered && rules.except.empty() && scope == nullptr && !maybeExcluded) return true;
     const std::wstring key = PathKey(std::wstring{folder} + entry.name);

@@ -15,7 +15,7 @@
 
 struct WalkRules {
     std::wstring root;             // absolute and normalised, with or without a backslash at its end
-    std::vector<NameRule> only;    // the files that are taken; empty: all
+    std::vector<NameRule> only;    // the files that are taken; empty: all but the logs of builds
     std::vector<NameRule> except;  // files and folders that are left out
     bool subfolders = true;
     bool hidden = false;  // hidden and system files and folders too, and names that begin with a dot

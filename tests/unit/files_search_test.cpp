@@ -81,6 +81,8 @@ TEST(FileWalk, TakesWhatTheRulesSay) {
         {L"", L"*.o", L"a.o", false, false, false},
         {L"", L"", L".git", true, false, false},
         {L"", L"", L"a", false, true, false},
+        {L"", L"", L"a.BuildLog", false, false, false},
+        {L"*.buildlog", L"", L"a.buildlog", false, false, true},
     };
     for (const auto& test : cases) {
         const WalkRules rules{L"C:\\p", NameListRules(test.only), NameListRules(test.except)};

@@ -164,8 +164,9 @@ struct Session {
         for (const wchar_t c : address) editor.Send(Address(), WM_CHAR, c, 1);
         Key(Address(), VK_RETURN);
     }
+    // Typing in whichever row adds one.
     void AddWatch(const std::wstring& expression) const {
-        SelectRow(Rows() - 1);
+        SelectRow(0);
         editor.Send(List(), WM_CHAR, static_cast<WPARAM>(expression.front()), 1);
         EXPECT_TRUE(WaitFor([&] { return Field() != nullptr; })) << "typing opens no field";
         for (const wchar_t c : expression.substr(1)) editor.Send(Field(), WM_CHAR, c, 1);
