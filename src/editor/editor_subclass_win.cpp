@@ -181,7 +181,7 @@ bool ContinuesWord(WPARAM character) {
            (character >= L'a' && character <= L'z') || character == L'_';
 }
 
-// The message makes the pane break the line.
+// Sends the pane a message that may break the line, and indents the new line then.
 LRESULT OnPaneNewLine(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
     const LRESULT lines = SciSend(pane, SCI_GETLINECOUNT);
     const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
@@ -197,7 +197,8 @@ LRESULT OnPaneNewLine(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
 
 LRESULT OnPaneCharacter(HWND pane, WPARAM wParam, LPARAM lParam) {
     if (IsUnwantedCharacter(wParam)) return 0;
-    // Ctrl+Enter, and programs that type for their user. As a character it would be a line end of another form.
+    // Ctrl+Enter sends a line feed, and so do programs that type for their user. Scintilla would insert it as it is,
+    // also into a document of CR LF.
     if (wParam == L'\n') return OnPaneNewLine(pane, SCI_NEWLINE, 0, 0);
     const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
     const LRESULT result = SubclassNext(pane, WM_CHAR, wParam, lParam);

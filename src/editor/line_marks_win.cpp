@@ -88,8 +88,8 @@ void PutAfter(HWND editor, LineMarksMove* move, const std::vector<TakenMark>& ma
 int BeforeToken(int token) { return token * 2; }
 int AfterToken(int token) { return token * 2 + 1; }
 
-// Scintilla tells that the text is no longer that of the file only with a change of the text, and here an action of ours
-// leaves the save point before that.
+// Scintilla sends SCN_SAVEPOINTLEFT only at a change of the text. This action has left the save point by then, so it is
+// told here.
 void AddActionBefore(HWND editor, int token) {
     const bool saved = PaneSend(editor, SCI_GETMODIFY) == 0;
     PaneSend(editor, SCI_ADDUNDOACTION, BeforeToken(token), UNDO_NONE);

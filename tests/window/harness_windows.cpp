@@ -8,15 +8,10 @@
 #include <algorithm>
 #include <cwchar>
 
+#include "class_name.h"
 #include "resources/ids.h"
 
 namespace {
-
-std::wstring ClassOf(HWND window) {
-    wchar_t name[128] = {};
-    GetClassNameW(window, name, 128);
-    return name;
-}
 
 // Top-level windows of the process that are on the screen.
 std::vector<HWND> WindowsOf(DWORD pid) {

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "class_name.h"
 #include "resources/ids.h"
 
 namespace {
@@ -28,12 +29,6 @@ std::wstring AccessibleName(HWND window) {
     std::wstring text = SUCCEEDED(result) && name != nullptr ? name : L"";
     SysFreeString(name);
     return text;
-}
-
-std::wstring ClassOf(HWND window) {
-    wchar_t name[64] = {};
-    GetClassNameW(window, name, static_cast<int>(std::size(name)));
-    return name;
 }
 
 std::vector<HWND> ChildrenOf(HWND parent) {

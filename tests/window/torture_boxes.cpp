@@ -9,16 +9,11 @@
 
 #include "resources/ids.h"
 #include "settingsui/settings_pages.h"
+#include "window/class_name.h"
 
 namespace torture {
 
 namespace {
-
-std::wstring ClassNameOf(HWND window) {
-    wchar_t name[64] = {};
-    GetClassNameW(window, name, 64);
-    return name;
-}
 
 std::vector<HWND> ControlsOf(HWND box) {
     std::vector<HWND> found;
@@ -51,7 +46,7 @@ constexpr const wchar_t* kOddValues[] = {
 HWND FieldOf(HWND box) {
     HWND field = GetDlgItem(box, cmb13) != nullptr ? GetDlgItem(box, cmb13) : GetDlgItem(box, edt1);
     for (const HWND control : ControlsOf(field))
-        if (ClassNameOf(control) == L"Edit") field = control;
+        if (ClassOf(control) == L"Edit") field = control;
     return field;
 }
 
@@ -72,7 +67,7 @@ void Notify(HWND control, int code) {
 }
 
 void PlayWith(Driver& driver, HWND control) {
-    const std::wstring kind = ClassNameOf(control);
+    const std::wstring kind = ClassOf(control);
     const auto row = [&](UINT count) {
         const auto rows = static_cast<int>(driver.Ask(control, count));
         return rows > 0 ? static_cast<WPARAM>(driver.Below(rows)) : 0;
