@@ -195,7 +195,8 @@ configure_clang() {
 # --- One at a time ----------------------------------------------------------------------------------------------------
 
 # locked NAME COMMAND...: runs the command while no other script holds the lock. Two builds in one folder at the same
-# time would damage each other, so the second one waits.
+# time would damage each other, so the second one waits. The command does not get the lock's file: a process that it
+# leaves behind would hold the lock for as long as it lives.
 locked() {
     local name="$1" status=0; shift
     mkdir -p "$BUILD"
@@ -204,7 +205,7 @@ locked() {
         say "waiting for another '$name' in this folder to end"
         flock -w 3600 9 || die "another '$name' has not ended within an hour"
     fi
-    "$@" || status=$?
+    "$@" 9>&- || status=$?
     exec 9>&-
     return "$status"
 }
