@@ -27,12 +27,14 @@
 #include "search/find_bar.h"
 #include "settings/compiler_table.h"
 #include "settings/file_types.h"
+#include "settings/language.h"
 #include "settings/settings_store.h"
 #include "symbols/peek_window.h"
 #include "tabs/tab_bar.h"
 #include "ui/chrome.h"
 #include "ui/dialog_theme.h"
 #include "ui/fonts.h"
+#include "ui/menu.h"
 #include "ui/menu_draw.h"
 #include "ui/panes.h"
 
@@ -64,8 +66,7 @@ void CreateChildren(HWND window) {
     g_app.hStatusBar = StatusBarCreate(window, IDC_STATUS_BAR);
 }
 
-void LoadSettings() {
-    SettingsLoad(nullptr);
+void ApplyLoadedSettings() {
     PanesRestore();
     SettingsTellLockedKeys();
     wchar_t ini[kPathCapacity] = {};
@@ -99,8 +100,11 @@ bool MainWnd_OnCreate(HWND window, const CREATESTRUCTW& create) {
     g_app.dpi = static_cast<int>(GetDpiForWindow(window));
     MainWnd_ConnectEvents();
     InitCommonControls();
+    SettingsLoad(nullptr);
+    LanguageUse(g_app.settings.language);  // before anything has a text
+    MenuTranslate(GetMenu(window));
     CreateChildren(window);
-    LoadSettings();
+    ApplyLoadedSettings();
     MainWnd_RestorePlace(window);
     for (const DocumentTab& tab : g_app.tabs)
         if (tab.editor != nullptr) EditorPaneApplySettings(tab.editor);

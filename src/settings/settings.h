@@ -65,6 +65,7 @@ struct Settings {
     std::int32_t showToolbar;
     std::int32_t showStatusbar;
     std::int32_t statusHidden;  // bits of the fields of the status bar that are not shown (commands/status_bar_fit.h)
+    wchar_t language[64];       // of the program's texts, from the next start on (settings/language.h)
     wchar_t outputFont[64];
     std::int32_t outputFontSize;      // points
     std::int32_t readableOutput;      // errors and warnings of the output in colours with enough contrast

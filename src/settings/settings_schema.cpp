@@ -166,6 +166,7 @@ constexpr SettingRow kOtherRows[] = {
     Affects(kEffectProject, BoolRow(kProject, L"TreeBinaries", FIELD(treeBinaries), 0)),
     Affects(kEffectProject, BoolRow(kProject, L"TreeGitIgnore", FIELD(treeGitIgnore), 0)),
     Affects(kEffectProject, BoolRow(kProject, L"TreeFollowsTab", FIELD(treeFollowsTab), 0)),
+    TextRow(kEditor, L"Language", FIELD(language), 64, L"English"),
     Affects(kEffectFrame, TextRow(kEditor, L"OutputFont", FIELD(outputFont), 64, L"Consolas")),
     Affects(kEffectFrame, IntRow(kEditor, L"OutputFontSize", FIELD(outputFontSize), 9, Within(4, 72))),
     Affects(kEffectFrame, BoolRow(kEditor, L"ReadableOutput", FIELD(readableOutput), 0)),

@@ -2,8 +2,10 @@
 #include "settingsui/settings_dialog_internal.h"
 
 #include "base/bounded_text.h"
+#include "base/texts.h"
 #include "debugger/exception_rules.h"
 #include "debugui/exceptions_dialog.h"
+#include "settings/language.h"
 #include "settings/settings_state.h"
 #include "settings/settings_store.h"
 #include "settingsui/settings_preview.h"
@@ -120,7 +122,13 @@ HWND MakeField(const ControlMaker& maker, const SettingItem& item, const std::ws
         case Choice: {
             const HWND list = MakeList(maker, CBS_DROPDOWNLIST);
             for (const wchar_t* const choice : item.choices)
-                SendMessageW(list, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(choice));
+                SendMessageW(list, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(::Text(choice)));
+            return list;
+        }
+        case Language: {
+            const HWND list = MakeList(maker, CBS_DROPDOWNLIST);
+            for (const std::wstring& name : LanguageNames())
+                SendMessageW(list, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name.c_str()));
             return list;
         }
         case Model: {
@@ -410,7 +418,7 @@ void SettingsFieldScale(SettingsDialog& dialog, FormPlace place) {
     if (control == Keys) {
         const UINT tab = 220;  // dialog units of the list's font
         SendMessageW(field, LB_SETTABSTOPS, 1, reinterpret_cast<LPARAM>(&tab));
-    } else if (control == Choice || control == Font || control == Model) {
+    } else if (control == Choice || control == Font || control == Language || control == Model) {
         constexpr int kFrame = 6;  // pixels of a combo box around its line
         SendMessageW(field, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), dialog.Px(kFormFieldHeight) - kFrame);
     }
@@ -438,7 +446,8 @@ void SettingsFieldShow(SettingsDialog& dialog, FormPlace place) {
             SendMessageW(field, CB_SETCURSEL, static_cast<WPARAM>(std::clamp(NumberOf(text), 0, last)), 0);
             break;
         }
-        case Font: ChooseText(field, text); break;
+        case Font:
+        case Language: ChooseText(field, text); break;
         case Exceptions: SetTextIfOther(field, ExceptionsSummary(text)); break;
         case SettingsFile: SetTextIfOther(field, SettingsFilePath()); break;
         case CommandPreview:
@@ -467,7 +476,8 @@ std::wstring SettingsFieldText(SettingsDialog& dialog, FormPlace place, bool cho
     switch (ItemAt(place).control) {
         case Check: return SendMessageW(field, BM_GETCHECK, 0, 0) == BST_CHECKED ? L"1" : L"0";
         case Choice: return std::to_wstring(SendMessageW(field, CB_GETCURSEL, 0, 0));
-        case Font: return ChosenLine(field);
+        case Font:
+        case Language: return ChosenLine(field);
         case Model: return chosen ? ChosenLine(field) : WindowText(field);
         case Exceptions: return TextAt(dialog, place);
         default: return WindowText(field);

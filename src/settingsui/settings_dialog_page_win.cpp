@@ -32,7 +32,8 @@ FormField FieldOf(SettingControl control) {
         case SettingControl::Number:
         case SettingControl::Colour: return FormField::Short;
         case SettingControl::Choice:
-        case SettingControl::Font: return FormField::Middle;
+        case SettingControl::Font:
+        case SettingControl::Language: return FormField::Middle;
         case SettingControl::LongText:
         case SettingControl::FontPreview:
         case SettingControl::CommandPreview: return FormField::Tall;
@@ -42,7 +43,8 @@ FormField FieldOf(SettingControl control) {
 }
 
 bool IsList(SettingControl control) {
-    return control == SettingControl::Choice || control == SettingControl::Font || control == SettingControl::Model;
+    return control == SettingControl::Choice || control == SettingControl::Font ||
+           control == SettingControl::Language || control == SettingControl::Model;
 }
 
 std::wstring NoteText(SettingsDialog& dialog, FormPlace place, NoteKind* kind) {

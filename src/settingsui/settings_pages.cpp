@@ -1,5 +1,6 @@
 #include "settingsui/settings_pages.h"
 
+#include "base/texts.h"
 #include "settings/compilers.h"
 #include "ui/theme_table.h"
 
@@ -231,17 +232,17 @@ const SettingRow* RowAt(std::size_t offset) {
 void AddLines(SettingsPage& page, std::span<const Line> lines, std::size_t base = 0) {
     for (const Line& line : lines)
         page.items.push_back({.row = line.at == kNone ? nullptr : RowAt(base + line.at),
-                              .heading = line.heading,
+                              .heading = ::Text(line.heading),
                               .control = line.control,
-                              .label = line.label,
-                              .help = line.help,
+                              .label = ::Text(line.label),
+                              .help = ::Text(line.help),
                               .low = line.low,
                               .high = line.high,
                               .choices = line.choices});
 }
 
 SettingsPage PageOf(const wchar_t* title, std::span<const Line> lines) {
-    SettingsPage page{.title = title, .items = {}};
+    SettingsPage page{.title = ::Text(title), .items = {}};
     AddLines(page, lines);
     return page;
 }
@@ -250,6 +251,9 @@ SettingsPage AppearancePage() {
     const Line looks[] = {
         {.at = FIELD(theme), .control = Choice, .label = L"Theme", .heading = L"Looks", .choices = kThemes},
         {.at = FIELD(editorStylePreset), .control = Choice, .label = L"Editor style", .choices = StyleNames()},
+        {FIELD(language), Language, L"Language",
+         L"Of menus, dialogs and messages, from the next start on. Each language is a file in the folder "
+         L"\"languages\"."},
         {.at = FIELD(fontName), .control = Font, .label = L"Font", .heading = L"Editor font"},
         Numbered(FIELD(fontSize), L"Size", 6, 72, L"In points."),
         {kNone, FixedFonts, L"Offer only fonts of fixed pitch"},

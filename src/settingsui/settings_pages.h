@@ -18,10 +18,11 @@ enum class SettingControl : std::uint8_t {
     Choice,    // one of `choices`; the setting holds its number
     File,      // a path, with a button that browses and a mark that tells whether it is there
     Folder,
-    Command,  // a command line
-    Font,     // a list of the fonts that are installed
-    Colour,   // "#RRGGBB", or empty
-    Secret,   // hidden until the user asks to see it
+    Command,   // a command line
+    Font,      // a list of the fonts that are installed
+    Language,  // a list of the languages that have a file
+    Colour,    // "#RRGGBB", or empty
+    Secret,    // hidden until the user asks to see it
     Url,
     Model,       // a text, with a list that the service of the page is asked for
     Exceptions,  // the rules of the dialog for exceptions

@@ -1,11 +1,13 @@
 #include "ui/dialog_theme.h"
 
+#include "base/texts.h"
 #include "files/libraries.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
 #include "ui/dialog_screen.h"
 #include "ui/paint.h"
 #include "ui/subclass.h"
+#include "ui/window_text.h"
 
 #include <commctrl.h>
 
@@ -80,6 +82,24 @@ void ThemeDialog(HWND dialog, DialogKind kind) {
     FrameApplyTheme(dialog);
 }
 
+void TranslateWindow(HWND window) {
+    const std::wstring english = WindowText(window);
+    const wchar_t* const text = Text(english.c_str());
+    if (text != english.c_str()) SetWindowTextW(window, text);
+}
+
+// Fields hold what the user has typed.
+BOOL CALLBACK TranslateControl(HWND control, LPARAM) {
+    if (IsOfClass(control, WC_STATICW) || IsOfClass(control, WC_BUTTONW)) TranslateWindow(control);
+    return TRUE;
+}
+
+void TranslateDialog(HWND dialog) {
+    if (!TextsAreTranslated()) return;
+    TranslateWindow(dialog);
+    EnumChildWindows(dialog, TranslateControl, 0);
+}
+
 BOOL CALLBACK RenewWindow(HWND window, LPARAM) {
     const auto kind = reinterpret_cast<DWORD_PTR>(GetPropW(window, kKindProperty));
     if (kind == 0) return TRUE;
@@ -126,6 +146,7 @@ void FrameApplyTheme(HWND window) {
 }
 
 void DialogApplyTheme(HWND dialog) {
+    TranslateDialog(dialog);
     DialogFitFields(dialog);
     ThemeDialog(dialog, kOwnDialog);
 }

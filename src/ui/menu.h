@@ -5,6 +5,9 @@
 
 #include <span>
 
+// Gives a menu of the resources the texts of the program's language, with all menus in it.
+void MenuTranslate(HMENU menu);
+
 struct MenuItem {
     UINT id = 0;  // 0: a separator
     const wchar_t* text = nullptr;

@@ -1,8 +1,11 @@
 #include "ui/menu.h"
 
 #include "base/log.h"
+#include "base/texts.h"
 #include "ui/menu_draw.h"
 #include "ui/ui_state.h"
+
+#include <iterator>
 
 namespace {
 
@@ -17,7 +20,28 @@ void AppendItem(HMENU menu, const MenuItem& item) {
     SetMenuItemInfoW(menu, item.id, FALSE, &info);
 }
 
+void TranslateItem(HMENU menu, int at) {
+    wchar_t english[256] = {};
+    if (GetMenuStringW(menu, static_cast<UINT>(at), english, static_cast<int>(std::size(english)), MF_BYPOSITION) == 0)
+        return;
+    const wchar_t* const text = Text(english);
+    if (text == english) return;
+    MENUITEMINFOW info = {};
+    info.cbSize = sizeof(info);
+    info.fMask = MIIM_STRING;
+    info.dwTypeData = const_cast<wchar_t*>(text);  // the system only reads it
+    SetMenuItemInfoW(menu, static_cast<UINT>(at), TRUE, &info);
+}
+
 }  // namespace
+
+void MenuTranslate(HMENU menu) {
+    if (!TextsAreTranslated()) return;
+    for (int at = 0; at < GetMenuItemCount(menu); ++at) {
+        TranslateItem(menu, at);
+        if (const HMENU inner = GetSubMenu(menu, at); inner != nullptr) MenuTranslate(inner);
+    }
+}
 
 UINT ShowPopupMenu(HWND owner, std::span<const MenuItem> items, POINT screen, UINT flags) {
     const HMENU menu = CreatePopupMenu();
