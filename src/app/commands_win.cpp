@@ -26,6 +26,7 @@
 #include "documents/file_work.h"
 #include "documents/nav_history.h"
 #include "editor/bookmarks.h"
+#include "editor/caret_steps.h"
 #include "editor/editor_pane.h"
 #include "output/output_pane.h"
 #include "project/project.h"
@@ -62,9 +63,15 @@ void EditText(int command) {
     static constexpr struct {
         int command;
         UINT scintilla;
-    } kRows[] = {{IDM_EDIT_UNDO, SCI_UNDO}, {IDM_EDIT_REDO, SCI_REDO},   {IDM_EDIT_CUT, SCI_CUT},
-                 {IDM_EDIT_COPY, SCI_COPY}, {IDM_EDIT_PASTE, SCI_PASTE}, {IDM_EDIT_SELECT_ALL, SCI_SELECTALL}};
+    } kRows[] = {{IDM_EDIT_CUT, SCI_CUT},
+                 {IDM_EDIT_COPY, SCI_COPY},
+                 {IDM_EDIT_PASTE, SCI_PASTE},
+                 {IDM_EDIT_SELECT_ALL, SCI_SELECTALL}};
     if (const HWND target = EditTargetNow(); target != nullptr) return EditTargetDo(target, command);
+    if (command == IDM_EDIT_UNDO) return EditorUndo(g_app.hEditor);
+    if (command == IDM_EDIT_REDO) return EditorRedo(g_app.hEditor);
+    // A selection that goes, or several carets, come back by undo.
+    const CaretUndoStep together(g_app.hEditor, CaretEdit::Other, command == IDM_EDIT_CUT || command == IDM_EDIT_PASTE);
     for (const auto& row : kRows)
         if (row.command == command) SciSend(g_app.hEditor, row.scintilla);
 }

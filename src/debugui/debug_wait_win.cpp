@@ -4,6 +4,7 @@
 #include "debugger/debug_state.h"
 #include "debugui/wait_keys.h"
 #include "documents/documents_state.h"
+#include "editor/caret_steps.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "ui/ui_state.h"
@@ -35,8 +36,7 @@ struct EditingCommand {
     WPARAM key;
     UINT message;
 };
-constexpr EditingCommand kEditingCommands[] = {{'A', SCI_SELECTALL}, {'C', SCI_COPY}, {'V', SCI_PASTE},
-                                               {'X', SCI_CUT},       {'Y', SCI_REDO}, {'Z', SCI_UNDO}};
+constexpr EditingCommand kEditingCommands[] = {{'A', SCI_SELECTALL}, {'C', SCI_COPY}, {'V', SCI_PASTE}, {'X', SCI_CUT}};
 
 bool IsEditor(HWND window) { return window != nullptr && window == g_documents.hEditor; }
 
@@ -61,6 +61,8 @@ WaitKey WaitKeyOf(const MSG& message) {
 }
 
 void RunEditingCommand(WPARAM key) {
+    if (key == 'Z') return EditorUndo(g_documents.hEditor);
+    if (key == 'Y') return EditorRedo(g_documents.hEditor);
     const auto command = std::ranges::find(kEditingCommands, key, &EditingCommand::key);
     if (command != std::end(kEditingCommands)) SciSend(g_documents.hEditor, command->message);
 }

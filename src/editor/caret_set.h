@@ -15,14 +15,17 @@ inline constexpr std::size_t kMostCarets = 5000;  // that a command makes
 struct KeptEnd {
     LRESULT line = 0, column = 0;
     bool atLineEnd = false;
+    bool operator==(const KeptEnd&) const = default;
 };
 struct KeptCaret {
     KeptEnd anchor, caret;
+    bool operator==(const KeptCaret&) const = default;
 };
 struct KeptCarets {
     std::vector<KeptCaret> carets;  // in the order in which the editor has them
     std::size_t main = 0;
     bool columns = false;  // a selection of columns; `anchor` and `caret` of the first one are its corners
+    bool operator==(const KeptCarets&) const = default;
 };
 KeptCarets CaretsKeep(HWND editor);
 // Selects the places again, each `shifts[i]` lines further down (negative: up); no shifts: where they were.

@@ -159,6 +159,7 @@ void ApplyVirtualSpace(HWND editor, bool on) { ApplyPaneSettings(editor, Virtual
 
 void EditorPaneOnModified(HWND editor, const SCNotification& change) {
     if (editor == nullptr) return;
+    CaretStepsOnModified(editor, change);
     if ((change.modificationType & SC_MOD_CONTAINER) != 0)
         LineMarksOnUndo(editor, static_cast<int>(change.token), (change.modificationType & SC_PERFORMED_UNDO) != 0);
     if (!(change.modificationType & (SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT))) return;

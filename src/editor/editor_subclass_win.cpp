@@ -181,8 +181,12 @@ bool ContinuesWord(WPARAM character) {
            (character >= L'a' && character <= L'z') || character == L'_';
 }
 
+// What is done for several carets is one step of undo, after which they are there again.
+bool HasSeveralCarets(HWND pane) { return SciSend(pane, SCI_GETSELECTIONS) > 1; }
+
 // Sends the pane a message that may break the line, and indents the new line then.
 LRESULT OnPaneNewLine(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
+    const CaretUndoStep together(pane, CaretEdit::Other, HasSeveralCarets(pane));
     const LRESULT lines = SciSend(pane, SCI_GETLINECOUNT);
     const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
     SciSend(pane, SCI_BEGINUNDOACTION);  // one undo step for the line break and the indentation
@@ -200,6 +204,7 @@ LRESULT OnPaneCharacter(HWND pane, WPARAM wParam, LPARAM lParam) {
     // Ctrl+Enter sends a line feed, and so do programs that type for their user. Scintilla would insert it as it is,
     // also into a document of CR LF.
     if (wParam == L'\n') return OnPaneNewLine(pane, SCI_NEWLINE, 0, 0);
+    const CaretUndoStep together(pane, wParam >= L' ' ? CaretEdit::Typed : CaretEdit::Other, HasSeveralCarets(pane));
     const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
     const LRESULT result = SubclassNext(pane, WM_CHAR, wParam, lParam);
     const LRESULT after = SciSend(pane, SCI_GETCURRENTPOS);
@@ -219,9 +224,15 @@ bool LeavesLine(WPARAM key) {
     return document || key == VK_UP || key == VK_DOWN || key == VK_PRIOR || key == VK_NEXT;
 }
 
+LRESULT OnPaneEraseKey(HWND pane, WPARAM wParam, LPARAM lParam) {
+    const CaretUndoStep together(pane, CaretEdit::Erased, HasSeveralCarets(pane));
+    return SubclassNext(pane, WM_KEYDOWN, wParam, lParam);
+}
+
 LRESULT OnPaneTabKey(HWND pane, WPARAM wParam, LPARAM lParam) {
     const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
     const bool typed = TakeTypedWord(pane);
+    const CaretUndoStep together(pane, CaretEdit::Other, HasSeveralCarets(pane));
     const LRESULT result = SubclassNext(pane, WM_KEYDOWN, wParam, lParam);
     if (typed && SciSend(pane, SCI_GETCURRENTPOS) > before) EditorPaneUpperKeywordBefore(pane, before);
     return result;
@@ -244,6 +255,7 @@ LRESULT CALLBACK EditorPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
         case WM_KEYDOWN:
             if (wParam == VK_RETURN) return OnPaneNewLine(pane, message, wParam, lParam);
             if (wParam == VK_TAB) return OnPaneTabKey(pane, wParam, lParam);
+            if (wParam == VK_BACK || wParam == VK_DELETE) return OnPaneEraseKey(pane, wParam, lParam);
             if (LeavesLine(wParam) && TakeTypedWord(pane)) EditorPaneAfterLeaving(pane);
             break;
         case WM_SETCURSOR:

@@ -83,7 +83,10 @@ bool EditorPaneIsPlain(HWND editor) {
 
 void EditorPaneEndLoad(HWND editor) {
     SciSend(editor, SCI_EMPTYUNDOBUFFER, 0, 0);
-    if (PaneState* state = PaneStateOf(editor); state != nullptr) state->lineMarks = {};
+    if (PaneState* state = PaneStateOf(editor); state != nullptr) {
+        state->lineMarks = {};
+        state->caretSteps = {};
+    }
     SciSend(editor, SCI_SETUNDOCOLLECTION, TRUE, 0);
     SciSend(editor, SCI_SETMODEVENTMASK, kPaneEvents, 0);
     SciSend(editor, SCI_SETSAVEPOINT, 0, 0);

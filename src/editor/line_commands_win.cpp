@@ -5,6 +5,7 @@
 #include "base/utf8.h"
 #include "editor/caret_place.h"
 #include "editor/caret_set.h"
+#include "editor/caret_steps.h"
 #include "editor/comment_toggle.h"
 #include "editor/editor_pane.h"
 #include "editor/line_changes.h"
@@ -26,18 +27,6 @@
 #include <vector>
 
 namespace {
-
-// One step of undo, for as long as it lives.
-class UndoStep {
-public:
-    explicit UndoStep(HWND editor) : editor_(editor) { PaneSend(editor_, SCI_BEGINUNDOACTION); }
-    ~UndoStep() { PaneSend(editor_, SCI_ENDUNDOACTION); }
-    UndoStep(const UndoStep&) = delete;
-    UndoStep& operator=(const UndoStep&) = delete;
-
-private:
-    HWND editor_;
-};
 
 LRESULT LineCountOf(HWND editor) { return PaneSend(editor, SCI_GETLINECOUNT); }
 
@@ -117,7 +106,7 @@ std::vector<std::size_t> InOrder(const std::vector<CaretSpan>& spans) {
 void ChangeSpans(HWND editor, std::vector<CaretSpan> spans, std::vector<CaretSpan> selected, bool behind,
                  const std::function<std::string(std::string_view)>& make) {
     const auto main = static_cast<std::size_t>(PaneSend(editor, SCI_GETMAINSELECTION));
-    const UndoStep step(editor);
+    const CaretUndoStep step(editor);
     LRESULT moved = 0;
     for (const std::size_t i : InOrder(spans)) {
         CaretSpan& now = selected[i];
@@ -147,7 +136,7 @@ void DuplicateLines(HWND editor) {
     const std::vector<LineBlock> own = CaretLines(editor);
     const std::vector<LineBlock> blocks = MergedBlocks(own);
     const KeptCarets carets = CaretsKeep(editor);
-    const UndoStep step(editor);
+    const CaretUndoStep step(editor);
     std::vector<LRESULT> shifts(blocks.size());
     LRESULT shift = 0;
     for (std::size_t i = 0; i < blocks.size(); ++i) shifts[i] = shift += blocks[i].count();
@@ -170,7 +159,7 @@ void DeleteLines(HWND editor) {
     const std::vector<LineBlock> blocks = MergedBlocks(CaretLines(editor));
     const LRESULT column = PaneSend(editor, SCI_GETCOLUMN, PaneSend(editor, SCI_GETCURRENTPOS));
     {
-        const UndoStep step(editor);
+        const CaretUndoStep step(editor);
         for (std::size_t i = blocks.size(); i-- > 0;) {
             const LineBlock& block = blocks[i];
             LineMarksMove marks = LineMarksTake(editor, block);
@@ -231,7 +220,7 @@ void MoveLines(HWND editor, bool up) {
     const KeptCarets carets = CaretsKeep(editor);
     std::vector<LRESULT> shifts(blocks.size());
     {
-        const UndoStep step(editor);
+        const CaretUndoStep step(editor);
         for (std::size_t n = 0; n < blocks.size(); ++n) {
             const std::size_t i = up ? n : blocks.size() - 1 - n;
             const LineBlock passed = LinesPassed(editor, blocks[i], up);
@@ -265,7 +254,7 @@ void ChangeLines(HWND editor, const wchar_t* what, const std::vector<LineBlock>&
                  const std::function<std::string(std::string_view)>& change) {
     LongWork work(what, ShowStatus);
     {
-        const UndoStep step(editor);
+        const CaretUndoStep step(editor);
         for (std::size_t i = blocks.size(); i-- > 0;)
             if (!ReplaceInLines(editor, blocks[i], change, work)) break;
     }
@@ -289,7 +278,7 @@ void RemoveRepeated(HWND editor) {
     const std::vector<LineBlock> blocks = LinesOrAll(editor);
     double removed = 0;
     {
-        const UndoStep step(editor);
+        const CaretUndoStep step(editor);
         for (std::size_t i = blocks.size(); i-- > 0 && !work.Stopped();) {
             const std::vector<TextSpan> spans = RepeatedLines(LinesText(editor, blocks[i]));
             const LRESULT start = LineStart(editor, blocks[i].first);
@@ -340,7 +329,7 @@ void SortSelected(HWND editor, bool down) {
     const std::vector<LineBlock> blocks = LinesOrAll(editor);
     const KeptCarets carets = CaretsKeep(editor);
     {
-        const UndoStep step(editor);
+        const CaretUndoStep step(editor);
         for (std::size_t i = blocks.size(); i-- > 0 && !work.Stopped();) SortBlock(editor, blocks[i], down, work);
     }
     if (work.Stopped()) EditorPaneTakeBack(editor);
@@ -355,7 +344,7 @@ void JoinSelected(HWND editor) {
     for (LineBlock& block : blocks)
         if (block.first == block.last) block.last = std::min<std::ptrdiff_t>(block.last + 1, last);
     blocks = MergedBlocks(blocks);
-    const UndoStep step(editor);
+    const CaretUndoStep step(editor);
     for (std::size_t i = blocks.size(); i-- > 0;) {
         const std::string before = LinesText(editor, blocks[i]);
         const std::string after = JoinLines(before);
@@ -411,10 +400,7 @@ std::size_t TabWidthOf(HWND editor) {
     return static_cast<std::size_t>(std::max<LRESULT>(1, PaneSend(editor, SCI_GETTABWIDTH)));
 }
 
-}  // namespace
-
-void EditorLineCommand(HWND editor, int command) {
-    if (editor == nullptr || PaneSend(editor, SCI_GETREADONLY) != 0) return;
+void DoLineCommand(HWND editor, int command) {
     const std::size_t width = TabWidthOf(editor);
     switch (command) {
         case IDM_LINES_DUPLICATE: return Duplicate(editor);
@@ -436,6 +422,14 @@ void EditorLineCommand(HWND editor, int command) {
     }
 }
 
+}  // namespace
+
+void EditorLineCommand(HWND editor, int command) {
+    if (editor == nullptr || PaneSend(editor, SCI_GETREADONLY) != 0) return;
+    DoLineCommand(editor, command);
+    CaretStepsPlaced(editor);
+}
+
 void EditorToggleComment(HWND editor) {
     if (editor == nullptr || PaneSend(editor, SCI_GETREADONLY) != 0) return;
     const PaneState* pane = PaneStateOf(editor);
@@ -452,11 +446,11 @@ void EditorToggleComment(HWND editor) {
     const auto main = static_cast<std::size_t>(PaneSend(editor, SCI_GETMAINSELECTION));
     ChangeLines(editor, L"Commenting", MergedBlocks(CaretLines(editor)),
                 [mark](std::string_view text) { return ToggleLineComments(text, mark); });
-    if (!alone) return;
-    for (std::size_t i = 0; i < spans.size(); ++i) {
+    for (std::size_t i = 0; alone && i < spans.size(); ++i) {
         const auto& [line, bytes] = fromEnd[i];
         const LRESULT start = PaneSend(editor, SCI_POSITIONFROMLINE, line);
         spans[i].anchor = spans[i].caret = std::max(start, PaneSend(editor, SCI_GETLINEENDPOSITION, line) - bytes);
     }
-    CaretsSelect(editor, spans, main);
+    if (alone) CaretsSelect(editor, spans, main);
+    CaretStepsPlaced(editor);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "editor/caret_set.h"
+#include "editor/caret_steps.h"
 #include "editor/colour_marks.h"
 #include "editor/editor_pane.h"
 #include "editor/line_marks.h"
@@ -41,6 +42,7 @@ struct PaneState {
     LRESULT typedAt = -1;                     // the caret behind the last typed character, when that is of a word
     WheelRest zoomWheel;                      // movements with Ctrl that do not make a notch yet
     LineMarkMoves lineMarks;                  // what commands for lines did to bookmarks and breakpoints
+    CaretSteps caretSteps;                    // whose selections undo and redo bring back
     bool bracesShown = false;                 // a bracket and its partner are marked
     std::vector<PaneSpan> blockWords;         // the words of a block that are marked
     AssemblyAbove assembly;                   // knowledge about blocks of inline assembly above the view

@@ -125,6 +125,13 @@ TEST(Bars, LineCommandsWorkOnEverySelectionInOneStep) {
     const std::string text = "one\r\ntwo\r\nthree\r\nfour";  // at 0, 5, 10, 17
     const std::wstring file = folder.Write(L"lines.txt", text);
     Editor editor(folder, OpenArgument(file));
+    const auto selected = [&editor] {
+        std::vector<std::pair<int, int>> all;
+        for (WPARAM i = 0; i < static_cast<WPARAM>(editor.Sci(SCI_GETSELECTIONS)); ++i)
+            all.emplace_back(static_cast<int>(editor.Sci(SCI_GETSELECTIONNANCHOR, i)),
+                             static_cast<int>(editor.Sci(SCI_GETSELECTIONNCARET, i)));
+        return all;
+    };
     const LineStep steps[] = {
         {"the last line goes up", {{18, 18}}, IDM_LINES_UP, "one\r\ntwo\r\nfour\r\nthree"},
         {"the first line does not", {{1, 1}, {18, 18}}, IDM_LINES_UP, "one\r\ntwo\r\nthree\r\nfour"},
@@ -146,8 +153,17 @@ TEST(Bars, LineCommandsWorkOnEverySelectionInOneStep) {
                        step.selections[i].first);
         editor.Do(step.command);
         EXPECT_EQ(editor.Text(), step.after) << step.name;
-        if (editor.Text() != text) editor.Do(IDM_EDIT_UNDO);
-        EXPECT_EQ(editor.Text(), text) << step.name << ", undone";
+        if (editor.Text() == text) continue;
+        const auto after = selected();
+        for (int i = 0; i < 2; ++i) {
+            editor.Do(IDM_EDIT_UNDO);
+            EXPECT_EQ(editor.Text(), text) << step.name << ", undone";
+            EXPECT_EQ(selected(), step.selections) << step.name << ", undone";
+            if (i == 1) break;
+            editor.Do(IDM_EDIT_REDO);
+            EXPECT_EQ(editor.Text(), step.after) << step.name << ", done again";
+            EXPECT_EQ(selected(), after) << step.name << ", done again";
+        }
     }
     // Marks go with their lines, whether the line moves or is passed by another.
     editor.Sci(SCI_GOTOLINE, 1);
@@ -166,6 +182,25 @@ TEST(Bars, LineCommandsWorkOnEverySelectionInOneStep) {
     ASSERT_TRUE(WaitFor([&] { return editor.Sci(SCI_GETSELECTIONS) == 2; }));
     editor.Keys({'X'});
     EXPECT_TRUE(WaitFor([&] { return editor.Text().starts_with("foxur\r\nonxe\r\n"); })) << editor.Text();
+    // A word is one step, an erasure another, and so is what comes after a save.
+    editor.Keys({'Y'});
+    EXPECT_TRUE(WaitFor([&] { return editor.Text().starts_with("foxyur\r\nonxye\r\n"); })) << editor.Text();
+    const auto behind = selected();
+    editor.Keys({VK_BACK});
+    EXPECT_TRUE(WaitFor([&] { return editor.Text().starts_with("foxur\r\nonxe\r\n"); })) << editor.Text();
+    editor.Do(IDM_EDIT_UNDO);
+    EXPECT_EQ(selected(), behind);
+    editor.Do(IDM_EDIT_UNDO);
+    EXPECT_TRUE(editor.Text().starts_with("four\r\none\r\n")) << editor.Text();
+    EXPECT_EQ(selected(), (std::vector<std::pair<int, int>>{{2, 2}, {8, 8}}));
+    editor.Do(IDM_EDIT_REDO);
+    EXPECT_TRUE(editor.Text().starts_with("foxyur\r\nonxye\r\n")) << editor.Text();
+    EXPECT_EQ(selected(), behind);
+    editor.Do(IDM_FILE_SAVE);
+    editor.Keys({'Z'});
+    EXPECT_TRUE(WaitFor([&] { return editor.Text().starts_with("foxyzur\r\n"); })) << editor.Text();
+    editor.Do(IDM_EDIT_UNDO);
+    EXPECT_FALSE(editor.Modified()) << "what was saved is not undone with it";
     editor.Sci(SCI_SETSEL, 0, 0);
     editor.Do(IDM_SELECT_EACH);
     EXPECT_EQ(editor.Sci(SCI_GETSELECTIONS), 1) << "a whole word";
