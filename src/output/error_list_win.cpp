@@ -3,6 +3,7 @@
 
 #include "documents/document_row.h"
 #include "output/error_columns.h"
+#include "output/mark_view.h"
 #include "output/output_state.h"
 #include "ui/clipboard.h"
 #include "ui/list_view.h"
@@ -45,7 +46,8 @@ constexpr ListKind kErrorList = {.columns = kColumns,
 
 void FillErrorList() {
     ListContent content;
-    for (const CompilerError& error : g_output.errors.items) {
+    for (CompilerError error : g_output.errors.items) {
+        error.line = SourceMarkLineOf(error);
         ListRow row = {.mark = error.severity == 0 ? ListMark::Error : ListMark::Warning};
         for (int column = 0; column < kErrorColumnCount; ++column) row.cells.push_back(ErrorCellText(error, column));
         content.rows.push_back(std::move(row));
@@ -69,6 +71,19 @@ int ErrorListSelected() { return g_output.hErrorList != nullptr ? ListViewSelect
 
 void ErrorListRefresh() {
     if (g_output.hErrorList != nullptr) FillErrorList();
+}
+
+void ErrorListShowLines() {
+    if (g_output.hErrorList == nullptr || g_output.errors.items.empty()) return;
+    const std::size_t column = 3;  // of kColumns
+    bool moved = false;
+    for (std::size_t i = 0; i < g_errorList.content.rows.size() && i < g_output.errors.items.size(); ++i) {
+        std::wstring& shown = g_errorList.content.rows[i].cells[column];
+        std::wstring line = std::to_wstring(SourceMarkLineOf(g_output.errors.items[i]));
+        moved = moved || line != shown;
+        shown = std::move(line);
+    }
+    if (moved) InvalidateRect(g_errorList.list.window, nullptr, FALSE);
 }
 
 void ErrorListApplyTheme() {

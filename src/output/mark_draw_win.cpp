@@ -60,14 +60,14 @@ void DefineLooks(HWND editor, const SeverityLooks& looks) {
 
 void MarkDrawPrepare(HWND editor) {
     for (const SeverityLooks& looks : kLooks) DefineLooks(editor, looks);
-    Ask(editor, SCI_SETMARGINTYPEN, kMarginProblems, SC_MARGIN_SYMBOL);
-    Ask(editor, SCI_SETMARGINMASKN, kMarginProblems, 1 << kMarkErrorSign | 1 << kMarkWarningSign);
     MarkDrawMargin(editor, true);
 }
 
 void MarkDrawMargin(HWND editor, bool shown) {
     const int width = shown ? UiScaled(kMarginWidth) : 0;
     if (Ask(editor, SCI_GETMARGINWIDTHN, kMarginProblems) == width) return;
+    Ask(editor, SCI_SETMARGINTYPEN, kMarginProblems, SC_MARGIN_SYMBOL);
+    Ask(editor, SCI_SETMARGINMASKN, kMarginProblems, 1 << kMarkErrorSign | 1 << kMarkWarningSign);
     Ask(editor, SCI_SETMARGINWIDTHN, kMarginProblems, width);
     InvalidateRect(g_documents.hStickyHeader, nullptr, FALSE);  // its text begins where that of the editor does
 }

@@ -32,3 +32,6 @@ std::wstring SourceMarksTip(DocumentId document, LRESULT position, bool ofLine);
 bool SourceMarkAtCaret(CompilerError* error);
 // Where the place of a recorded diagnostic is now (bytes); -1: not marked in this document.
 LRESULT SourceMarkPositionOf(DocumentId document, const CompilerError& error);
+// The line of a recorded diagnostic (from 1): where it is now in an open document, or was when its file was saved; as
+// printed when neither is known.
+std::int32_t SourceMarkLineOf(const CompilerError& error);

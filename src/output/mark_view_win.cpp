@@ -16,6 +16,7 @@
 #include "output/output_pane.h"
 #include "output/output_state.h"
 #include "resources/ids.h"
+#include "settings/file_type_table.h"
 #include "settings/settings_state.h"
 #include "ui/ui_state.h"
 
@@ -34,6 +35,7 @@ struct MarkViewState {
     bool timerRuns = false;
     std::set<DocumentId> worn;     // their looks must be renewed before the next paint
     std::set<DocumentId> margins;  // they show the margin of the signs
+    bool linesMoved = false;       // since the error list showed them
     DocumentId caretIn = 0;        // where the caret was when it was last looked at
     LRESULT caretLine = -1;        // the same
     DocumentId told = 0;           // the status bar tells of a line of this one
@@ -75,6 +77,18 @@ const DocumentTab* DocumentOf(DocumentId document) {
 bool HasMarks(DocumentId document) {
     return std::ranges::any_of(
         Files(), [document](const MarkedFile& file) { return file.document == document; });
+}
+
+// The margin of such a text is there from the beginning, so that the first diagnostic does not push the text aside.
+bool MayGetMarks(const DocumentTab& tab) {
+    const FileType* const type = tab.hasFile ? FileTypeOfPath(tab.path) : nullptr;
+    return !tab.hasFile || (type != nullptr && type->language != Language::None);
+}
+
+void ReserveMargin(const DocumentTab& tab) {
+    if (!MayGetMarks(tab)) return;
+    g_view.margins.insert(tab.id);
+    MarkDrawMargin(tab.editor, true);
 }
 
 // --- Places
@@ -244,7 +258,7 @@ void SourceMarksOnBuildEnd() {
             OutputPaneAppend(MarksLeftOutText(FileNameOf(file.name), file.marks.size(), file.total).c_str(), kLineTeal);
     for (auto document = g_view.margins.begin(); document != g_view.margins.end();) {
         const DocumentTab* tab = DocumentOf(*document);
-        const bool keeps = tab != nullptr && HasMarks(*document);
+        const bool keeps = tab != nullptr && (MayGetMarks(*tab) || HasMarks(*document));
         if (tab != nullptr && !keeps) MarkDrawMargin(tab->editor, false);
         document = keeps ? std::next(document) : g_view.margins.erase(document);
     }
@@ -252,7 +266,9 @@ void SourceMarksOnBuildEnd() {
 
 void SourceMarksOnTextArrived(DocumentId document) {
     const DocumentTab* tab = DocumentOf(document);
-    if (tab == nullptr || !tab->hasFile) return;
+    if (tab == nullptr) return;
+    ReserveMargin(*tab);
+    if (!tab->hasFile) return;
     for (MarkedFile& file : Files()) {
         if (file.document != 0 || !IsMarkedFile(file, tab->path)) continue;
         file.document = document;
@@ -276,6 +292,7 @@ void SourceMarksOnTextLeaving(DocumentId document) {
         }
         file.document = 0;
         file.placed = 0;
+        g_view.linesMoved = true;
     }
     g_view.worn.erase(document);
     g_view.margins.erase(document);
@@ -284,6 +301,7 @@ void SourceMarksOnTextLeaving(DocumentId document) {
 
 void SourceMarksOnSaved(DocumentId document) {
     const DocumentTab* tab = DocumentOf(document);
+    if (tab != nullptr) ReserveMargin(*tab);  // it may have got a name
     for (MarkedFile& file : Files())
         if (tab != nullptr && file.document == document) KeepFileLines(*tab, file);
 }
@@ -304,11 +322,13 @@ void SourceMarksOnEdit(DocumentId document, const SCNotification& change) {
         bool worn = change.linesAdded != 0 && file.placed > 0;
         for (std::size_t i = 0; i < file.placed; ++i) worn = MoveMark(file.marks[i].place, edit) || worn;
         if (worn) g_view.worn.insert(document);
+        if (change.linesAdded != 0) g_view.linesMoved = true;
     }
 }
 
 void SourceMarksOnView(DocumentId document) {
     if (g_view.worn.contains(document)) RenewLooks(document);
+    if (std::exchange(g_view.linesMoved, false)) ErrorListShowLines();
 }
 
 void SourceMarksOnCaret(DocumentId document) {
@@ -348,6 +368,8 @@ void SourceMarksRenew() {
         if (const DocumentTab* tab = DocumentOf(document); tab != nullptr) MarkDrawPrepare(tab->editor);
         RenewLooks(document);
     }
+    for (const DocumentId document : g_view.margins)
+        if (const DocumentTab* tab = DocumentOf(document); tab != nullptr) MarkDrawMargin(tab->editor, true);
 }
 
 std::wstring SourceMarksTip(DocumentId document, LRESULT position, bool ofLine) {
@@ -373,18 +395,35 @@ bool SourceMarkAtCaret(CompilerError* error) {
     return true;
 }
 
+// The mark of a recorded diagnostic; null: it has none.
+static const SourceMark* MarkOf(const MarkedFile& file, const CompilerError& error) {
+    if (file.build != error.build || file.name != error.file) return nullptr;
+    const auto found = std::ranges::find_if(file.marks, [&error](const SourceMark& mark) {
+        return mark.line == error.line && mark.column == error.column && mark.severity == error.severity &&
+               mark.message == error.message;
+    });
+    return found != file.marks.end() ? &*found : nullptr;
+}
+
 LRESULT SourceMarkPositionOf(DocumentId document, const CompilerError& error) {
     const DocumentTab* tab = DocumentOf(document);
     for (MarkedFile& file : Files()) {
-        if (tab == nullptr || file.document != document || file.build != error.build || file.name != error.file)
-            continue;
+        const SourceMark* const mark = tab != nullptr && file.document == document ? MarkOf(file, error) : nullptr;
+        if (mark == nullptr) continue;
         MarkFile(*tab, file, std::numeric_limits<double>::infinity());  // the document may have been opened just now
-        for (std::size_t i = 0; i < file.placed; ++i) {
-            const SourceMark& mark = file.marks[i];
-            if (mark.line == error.line && mark.column == error.column && mark.severity == error.severity &&
-                mark.message == error.message)
-                return mark.place.start + mark.place.caret;
-        }
+        return mark->place.start + mark->place.caret;
     }
     return -1;
+}
+
+std::int32_t SourceMarkLineOf(const CompilerError& error) {
+    const auto& index = g_output.errors.marks.index;
+    const auto found = index.find({error.build, error.file});
+    const MarkedFile* const file = found != index.end() ? &Files()[found->second] : nullptr;
+    const SourceMark* const mark = file != nullptr ? MarkOf(*file, error) : nullptr;
+    if (mark == nullptr) return error.line;
+    const DocumentTab* const tab = DocumentOf(file->document);
+    const bool placed = tab != nullptr && static_cast<std::size_t>(mark - file->marks.data()) < file->placed;
+    if (placed && !MarkIsGone(mark->place)) return static_cast<std::int32_t>(LineOfMark(tab->editor, *mark)) + 1;
+    return mark->fileStart >= 0 && !placed ? static_cast<std::int32_t>(mark->fileLine) + 1 : error.line;
 }

@@ -42,6 +42,7 @@ bool CompilerIsOnDiagnostic();
 // Creates the error list (a list view); null on failure. It shows the records of `g_output.errors`.
 HWND ErrorListCreate(HWND parent, int controlId);
 void ErrorListRefresh();
+void ErrorListShowLines();  // edits have moved diagnostics
 void ErrorListApplyTheme();
 void ErrorListCopyAll();
 int ErrorListSelected();      // row from 0; -1: none

@@ -64,12 +64,15 @@ TEST(Marks, FollowTheTextUntilTheNextBuild) {
     FakeFolder folder(kScript);
     const std::wstring source = folder.Write(L"main.bas", kSource);
     const std::wstring part = folder.Write(L"part.inc", "SUB a\r\n  word\r\nEND SUB\r\n");
+    folder.SetIni(L"Editor", L"ShowErrorList", L"1");
     const Editor editor(folder, OpenArgument(source) + L" --compiler kvxa64");
-    EXPECT_EQ(editor.Sci(SCI_GETMARGINWIDTHN, kMarginProblems), 0)
-        << "no room is lost before there is something to show";
+    const LRESULT margin = editor.Sci(SCI_GETMARGINWIDTHN, kMarginProblems);
+    EXPECT_GT(margin, 0) << "the first diagnostic would push the text aside";
+    const auto listed = [&editor](int row) { return editor.CellOf(editor.Child(IDC_ERROR_LIST), row, 3); };
     Build(editor);
     ExpectMarks(editor, "3emissing 5wunused", "after the build");
-    EXPECT_GT(editor.Sci(SCI_GETMARGINWIDTHN, kMarginProblems), 0);
+    EXPECT_EQ(editor.Sci(SCI_GETMARGINWIDTHN, kMarginProblems), margin);
+    EXPECT_EQ(listed(0), L"3");
 
     editor.Do(IDM_ERROR_NEXT);
     EXPECT_EQ(editor.Line(), 3) << "the first one first";
@@ -83,6 +86,7 @@ TEST(Marks, FollowTheTextUntilTheNextBuild) {
     editor.Sci(SCI_GOTOPOS, 0);
     editor.Type("' one\r\n' two\r\n");
     ExpectMarks(editor, "5emissing 7wunused", "after two lines above");
+    EXPECT_TRUE(WaitFor([&] { return listed(0) == L"5" && listed(1) == L"7"; })) << Utf8(listed(0));
     editor.Do(IDM_ERROR_NEXT);
     EXPECT_EQ(editor.Line(), 7) << "to where the text is now";
     editor.Sci(SCI_GOTOLINE, 4);
@@ -113,7 +117,7 @@ TEST(Marks, FollowTheTextUntilTheNextBuild) {
     folder.Script("print fine\n");
     Build(editor);
     ExpectMarks(editor, "", "after the next build");
-    EXPECT_EQ(editor.Sci(SCI_GETMARGINWIDTHN, kMarginProblems), 0);
+    EXPECT_EQ(editor.Sci(SCI_GETMARGINWIDTHN, kMarginProblems), margin);
 }
 
 TEST(Marks, AreRightAfterDiscardedEditsAndUnderAnotherName) {
