@@ -7,3 +7,6 @@
 // the user cancelled, and when the dialog failed, which the user is told.
 bool AskOpenPath(std::wstring& path, const wchar_t* folder);
 bool AskSavePath(std::wstring& path, const wchar_t* folder);
+// Offers to make a folder that is missing. False: it stays missing, and the user knows. True also for a share that does
+// not answer.
+bool OfferFolder(const std::wstring& folder);

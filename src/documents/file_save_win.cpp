@@ -35,15 +35,19 @@
 
 namespace {
 
-bool g_saving = false;
+struct SaveState {
+    bool saving = false;
+    DocumentId failed = 0;  // the status bar says of this document that it was not saved
+};
+SaveState g_save;
 
 // Allows one save at a time. A save may show a message box, whose message loop runs the auto-save timer; without this
 // guard each tick would show another box.
 class SaveGuard {
 public:
-    SaveGuard() : entered_(!g_saving) { g_saving = true; }
+    SaveGuard() : entered_(!g_save.saving) { g_save.saving = true; }
     ~SaveGuard() {
-        if (entered_) g_saving = false;
+        if (entered_) g_save.saving = false;
     }
     SaveGuard(const SaveGuard&) = delete;
     SaveGuard& operator=(const SaveGuard&) = delete;
@@ -85,25 +89,28 @@ EditorText TakeText(DocumentId document) {
     return text;
 }
 
-void TellFailedSave(DocumentId document, const wchar_t* path, const SaveReport& report) {
+// Returns what the user is told.
+std::wstring NoteFailedSave(DocumentId document, const wchar_t* path, const SaveReport& report) {
     const std::wstring copy = RecoveryLastPath();
     AppLogMsg(L"FAIL: FileSave end=%d error=%lu path=%s", static_cast<int>(report.end), report.error, path);
     if (!copy.empty()) {
         AppLogMsg(L"FAIL: FileSave, the new text is kept in %s", copy.c_str());
         g_events.documentStatus(document, FormatW(L"Not saved. The text is kept in %s", copy.c_str()).c_str());
+        g_save.failed = document;
     }
     const std::wstring reason = report.error != 0 ? SystemErrorText(report.error) : std::wstring{};
-    ErrorMessage(L"%s", FailedSaveText(path, report, reason, copy).c_str());
+    return FailedSaveText(path, report, reason, copy);
 }
 
-// After a failed save of the document's own file, which may be damaged now. Undoing all changes does not make the
-// document equal to its file, so it stays modified until a save succeeds.
-void MarkUnsaved(int tab, const wchar_t* path, SaveEnd end) {
+// After a failed save of the document's own file. When that may be damaged now, undoing all changes does not make the
+// document equal to it, so the document stays modified until a save succeeds.
+void MarkUnsaved(int tab, const wchar_t* path, SaveEnd end, const FileState& found) {
     if (tab < 0 || !PathEqualsIgnoreCase(TabAt(tab).path, path)) return;
-    TabAt(tab).modified = true;
-    TabAt(tab).mustSave = true;
+    DocumentTab& document = TabAt(tab);
+    document.mustSave = document.mustSave || !FailedSaveKeptText(end, document.onDisk, found);
+    document.modified = document.mustSave || SciSend(document.editor, SCI_GETMODIFY) != 0;
     // What the file is now comes from this save, so it is not compared.
-    if (end == SaveEnd::NotWritten || end == SaveEnd::Different) TabAt(tab).onDisk = {};
+    if (end == SaveEnd::NotWritten || end == SaveEnd::Different) document.onDisk = {};
     TabBarUpdateTitle(tab);
 }
 
@@ -198,7 +205,8 @@ int TellCancelledSave(DocumentId document, const FileBinding& binding) {
 void NoteSaved(int tab, FileBinding binding, const FileState& onDisk) {
     const DocumentId document = TabAt(tab).id;
     // What the status bar says of this document is no longer true: the recovery copy is gone, the form is chosen.
-    if (TabAt(tab).mustSave || SaveAsksAboutForm(TabAt(tab))) g_events.documentStatus(document, L"");
+    const bool failed = std::exchange(g_save.failed, 0) == document;
+    if (failed || TabAt(tab).mustSave || SaveAsksAboutForm(TabAt(tab))) g_events.documentStatus(document, L"");
     binding.form.inexact = false;  // the file now holds what the text says
     static_cast<FileBinding&>(TabAt(tab)) = binding;
     TabAt(tab).modified = false;
@@ -259,20 +267,45 @@ OutsideAnswer AskAboutChange(DocumentId document) {
     return OutsideDialogShow(question);
 }
 
-// After the file was written, or not. Returns 1 or 0.
-int EndSave(DocumentId document, const SaveJob& job, const FileBinding& binding, bool ended) {
+enum class SaveNext : std::uint8_t { Saved, NotSaved, Again, OtherName };
+
+// A file that must not be written may be made writable, when the user says so.
+SaveNext AskAboutReadOnly(const wchar_t* path, const std::wstring& told) {
+    const std::wstring text = told + ReadOnlyChoices();
+    const Answer answer = AskUser({.caption = kProgramCaption,
+                                   .text = text.c_str(),
+                                   .buttons = AskButtons::YesNoCancel,
+                                   .icon = AskIcon::Error,
+                                   .inSelftest = Answer::Cancel,
+                                   .enterIsNo = true});
+    if (answer != Answer::Yes) return answer == Answer::No ? SaveNext::OtherName : SaveNext::NotSaved;
+    const std::wstring system = PathExtended(path);
+    const DWORD attributes = GetFileAttributesW(system.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES &&
+        SetFileAttributesW(system.c_str(), attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY)) != FALSE)
+        return SaveNext::Again;
+    ErrorMessage(L"The file stays read-only: %s\n\n%s", path, SystemErrorText(GetLastError()).c_str());
+    return SaveNext::NotSaved;
+}
+
+// After the file was written, or not.
+SaveNext EndSave(DocumentId document, const SaveJob& job, const FileBinding& binding, bool ended) {
     const int tab = TabBarFindDocument(document);
-    if (job.refused) return 0;  // and the document is gone
-    if ((!ended && !job.written) || (ended && job.report.end == SaveEnd::Cancelled))
-        return TellCancelledSave(document, binding);
-    if (job.report.end != SaveEnd::Saved) {
-        MarkUnsaved(tab, binding.path, job.report.end);
-        TellFailedSave(document, binding.path, job.report);
-        return 0;
+    if (job.refused) return SaveNext::NotSaved;  // and the document is gone
+    if ((!ended && !job.written) || (ended && job.report.end == SaveEnd::Cancelled)) {
+        TellCancelledSave(document, binding);
+        return SaveNext::NotSaved;
     }
-    if (tab < 0) return 0;
+    if (job.report.end != SaveEnd::Saved) {
+        MarkUnsaved(tab, binding.path, job.report.end, job.found);
+        const std::wstring told = NoteFailedSave(document, binding.path, job.report);
+        if (job.report.end == SaveEnd::ReadOnly && !job.unasked) return AskAboutReadOnly(binding.path, told);
+        ErrorMessage(L"%s", told.c_str());
+        return SaveNext::NotSaved;
+    }
+    if (tab < 0) return SaveNext::NotSaved;
     NoteSaved(tab, binding, job.report.state);
-    return 1;
+    return SaveNext::Saved;
 }
 
 // Writes the document to the file of `binding`, then binds the document to that file. When the save fails, the document
@@ -288,7 +321,13 @@ int SaveAsBound(DocumentId document, FileBinding binding, SaveManner manner) {
         if (job == nullptr || TabBarFindDocument(document) < 0) return 0;
         job->expected = expected;
         const bool ended = WriteOnWorker(document, job, began);
-        if (!ended || !job->refused || TabBarFindDocument(document) < 0) return EndSave(document, *job, binding, ended);
+        if (!ended || !job->refused || TabBarFindDocument(document) < 0) {
+            const SaveNext next = EndSave(document, *job, binding, ended);
+            if (TabBarFindDocument(document) < 0) return 0;
+            if (next == SaveNext::Again) continue;
+            if (next == SaveNext::OtherName) return SaveUnderNewName(document);
+            return next == SaveNext::Saved ? 1 : 0;
+        }
         OutsideMark(TabBarFindDocument(document), job->found, manner == SaveManner::Asked);
         if (manner == SaveManner::Unasked) return 0;
         const OutsideAnswer answer = AskAboutChange(document);
@@ -313,6 +352,7 @@ bool AskNewPath(DocumentId document, wchar_t* out, std::size_t capacity) {
     if (g_documents.lastDirectory[0] != L'\0' || !RecentFolder(directory))
         FileOpenResolveInitialDirectory(directory, kPathCapacity);
     if (!AskSavePath(chosen, directory) || !PathNormalizeInput(chosen.c_str(), out, capacity)) return false;
+    if (!OfferFolder(FolderOf(out))) return false;
     const int other = TabBarFindFile(out);
     if (other >= 0 && TabAt(other).id != document) {
         ErrorMessage(L"%s is open in another tab. Close it there first, or choose another name.", out);

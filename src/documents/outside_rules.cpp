@@ -51,6 +51,13 @@ bool SaveMeetsChange(const FileState& known, const FileState& now, bool unasked)
     return false;
 }
 
+bool FailedSaveKeptText(SaveEnd end, const FileState& known, const FileState& now) {
+    if (end == SaveEnd::NotWritten || end == SaveEnd::Different) return false;
+    if (known.presence != FilePresence::There || now.presence != FilePresence::There) return false;
+    const FileChange change = FileChangeOf(known, now);
+    return change == FileChange::None || change == FileChange::Touched || change == FileChange::ReadOnly;
+}
+
 std::wstring OutsideWhatText(const OutsideChange& change) {
     switch (change.kind) {
         case OutsideKind::Changed: return L"changed";

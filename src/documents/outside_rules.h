@@ -2,6 +2,7 @@
 #pragma once
 
 #include "files/disk_file.h"
+#include "files/save_report.h"
 
 #include <cstdint>
 #include <string>
@@ -41,6 +42,8 @@ OutsideStep OutsideStepOf(OutsideKind kind, bool modified, bool reloads);
 // Before a save overwrites a file: whether it is no longer the one that was last read or written. `unasked`: the save
 // comes by itself, so a file that was deleted is not made again either.
 bool SaveMeetsChange(const FileState& known, const FileState& now, bool unasked);
+// Whether the file still holds the text that was last read or written, after a save that ended otherwise than by success.
+bool FailedSaveKeptText(SaveEnd end, const FileState& known, const FileState& now);
 
 // --- Texts. `label`: of the document.
 std::wstring OutsideWhatText(const OutsideChange& change);                // in a list: "changed"

@@ -90,6 +90,10 @@ std::wstring FailedSaveText(const wchar_t* path, const SaveReport& report, const
     return text + (copy.empty() ? L"\n\nThe text is only in this window." : L"\n\nThe text is kept in:\n" + copy);
 }
 
+std::wstring ReadOnlyChoices() {
+    return L"\n\nYes: make the file writable and save\nNo: save under another name\nCancel: do not save";
+}
+
 std::wstring FormNotice(const FileBinding& binding) {
     const std::wstring label = binding.label;
     if (binding.form.inexact)

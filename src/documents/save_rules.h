@@ -32,6 +32,9 @@ bool SaveAsksAboutForm(const FileBinding& binding);
 std::wstring FailedSaveText(const wchar_t* path, const SaveReport& report, const std::wstring& systemText,
                             const std::wstring& copy);
 
+// Follows it, when the file is read-only and the user may choose.
+std::wstring ReadOnlyChoices();
+
 // What the user is told when a file with an unusual form is opened; empty for an ordinary file.
 std::wstring FormNotice(const FileBinding& binding);
 

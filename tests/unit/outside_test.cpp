@@ -64,6 +64,15 @@ TEST(Outside, WhatAChangeIsAndWhatFollows) {
         EXPECT_EQ(SaveMeetsChange(c.known, c.now, false), c.save);
         EXPECT_EQ(SaveMeetsChange(c.known, c.now, true), c.unasked);
     }
+    // After a failed save, only a file that is as it was makes the undone text equal to it.
+    const FileState readOnly = WithoutHash(There(100, "text", 1, true));
+    EXPECT_TRUE(FailedSaveKeptText(SaveEnd::ReadOnly, known, readOnly));
+    EXPECT_TRUE(FailedSaveKeptText(SaveEnd::NoRoom, known, WithoutHash(known)));
+    EXPECT_FALSE(FailedSaveKeptText(SaveEnd::NotWritten, known, WithoutHash(known)));
+    EXPECT_FALSE(FailedSaveKeptText(SaveEnd::Different, known, WithoutHash(known)));
+    EXPECT_FALSE(FailedSaveKeptText(SaveEnd::NotOpened, known, Missing()));
+    EXPECT_FALSE(FailedSaveKeptText(SaveEnd::NotOpened, known, {})) << "a share that went away";
+    EXPECT_FALSE(FailedSaveKeptText(SaveEnd::NoRoom, known, There(200, "tex!")));
     // A change that was taken back takes its mark along; a deleted file that is still away keeps it.
     EXPECT_EQ(OutsideNewsOf(known, known, {.kind = OutsideKind::Changed}), OutsideNews::AsBefore);
     EXPECT_EQ(OutsideNewsOf(Missing(known), Missing(), {.kind = OutsideKind::Gone}), OutsideNews::Nothing);

@@ -269,9 +269,10 @@ TEST(Files, FailedSaveLosesNothing) {
     folder.SetIni(L"Editor", L"BackupOnSave", L"1");
     const std::wstring path = folder.Write(L"a.bas", "old\r\n");
     Editor editor(folder, OpenArgument(path));
-    const auto expectFailure = [&](const std::wstring& file, const std::string& text, const std::string& onDisk) {
+    const auto expectFailure = [&](const std::wstring& file, const std::string& text, const std::string& onDisk,
+                                   int button) {
         editor.Post(IDM_FILE_SAVE);
-        editor.Answer(kProgramTitle, L"Failed to save file: " + file, IDOK);
+        editor.Answer(kProgramTitle, L"Failed to save file: " + file, button);
         EXPECT_TRUE(editor.Modified());
         EXPECT_EQ(ReadBytes(file).value_or("(unreadable)"), onDisk);
         EXPECT_GE(CountCopies(folder.File(L"local"), text), 1) << "no recovery copy holds the text";
@@ -279,13 +280,13 @@ TEST(Files, FailedSaveLosesNothing) {
 
     editor.Type("read-only 1 ");
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
-    expectFailure(path, "read-only 1 old\r\n", "old\r\n");
+    expectFailure(path, "read-only 1 old\r\n", "old\r\n", IDCANCEL);
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
 
     editor.Type("locked 2 ");
     const HANDLE lock = CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     ASSERT_NE(lock, INVALID_HANDLE_VALUE);
-    expectFailure(path, "read-only 1 locked 2 old\r\n", "(unreadable)");
+    expectFailure(path, "read-only 1 locked 2 old\r\n", "(unreadable)", IDOK);
     CloseHandle(lock);
     EXPECT_EQ(folder.Read(L"a.bas"), "old\r\n");
 
@@ -299,24 +300,35 @@ TEST(Files, FailedSaveLosesNothing) {
     EXPECT_EQ(CountCopies(folder.File(L"local"), "read-only 1 locked 2 old\r\n"), 0)
         << "a verified save needs no copy any more";
 
-    // A save under a new name that fails leaves the document to its own file.
+    // A save under a new name that fails leaves the document to its own file. A folder that is missing is offered.
     editor.Post(IDM_FILE_SAVE_AS);
-    editor.AnswerFileDialog(folder.File(L"no folder\\other.bas"));
-    editor.Answer(kProgramTitle, L"", IDOK);
+    editor.AnswerFileDialog(folder.File(L"no folder\\deeper\\other.bas"));
+    editor.Answer(kProgramTitle, L"The folder ", IDNO);
     EXPECT_EQ(editor.TabLabel(0), L"a.bas");
 
-    // A failed save of an unmodified document: its file may be damaged, so no undo makes it unmodified. The box says why
-    // and where the text is.
+    // A file that is as it was: undoing all changes makes the document equal to it. The box says why and where the text is.
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
+    editor.Type("x");
     editor.Post(IDM_FILE_SAVE);
     const Dialog box = editor.AwaitDialog(kProgramTitle);
     EXPECT_NE(box.text.find(L"read-only"), std::wstring::npos) << Utf8(box.text);
     EXPECT_NE(box.text.find(L"\\Recovery\\a ["), std::wstring::npos) << Utf8(box.text);
-    editor.Press(box, IDOK);
-    editor.Type("x");
+    editor.Press(box, IDCANCEL);
+    EXPECT_TRUE(WaitFor([&] { return editor.ButtonWorks(IDM_FILE_SAVE_ALL); }));
     editor.Do(IDM_EDIT_UNDO);
-    editor.Post(IDM_FILE_CLOSE);
-    editor.Answer(kUnsaved, L"Save changes to a.bas?", IDCANCEL);
+    EXPECT_TRUE(WaitFor([&] { return !editor.ButtonWorks(IDM_FILE_SAVE_ALL); })) << "still modified";
+
+    // It is made writable when the user says so.
+    editor.Type("y");
+    editor.Post(IDM_FILE_SAVE);
+    editor.Answer(kProgramTitle, L"Failed to save file: " + path, IDYES);
+    EXPECT_TRUE(WaitFor([&] { return !editor.Modified(); }));
+    EXPECT_TRUE(folder.Read(L"a.bas").find('y') != std::string::npos);
+    editor.Post(IDM_FILE_SAVE_AS);
+    editor.AnswerFileDialog(folder.File(L"no folder\\deeper\\other.bas"));
+    editor.Answer(kProgramTitle, L"The folder ", IDYES);
+    EXPECT_TRUE(WaitFor([&] { return editor.TabLabel(0) == L"other.bas"; }));
+    EXPECT_EQ(folder.Read(L"no folder\\deeper\\other.bas"), folder.Read(L"a.bas"));
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
     editor.Do(IDM_FILE_SAVE);
     editor.Do(IDM_FILE_CLOSE);
