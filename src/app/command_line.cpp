@@ -2,6 +2,7 @@
 #include "app/command_line.h"
 
 #include "base/decimal.h"
+#include "base/utf8.h"
 #include "settings/compilers.h"
 #include "settings/version.h"
 
@@ -158,8 +159,7 @@ EarlyOptions ParseEarlyOptions(std::span<const std::wstring> arguments) {
         const std::wstring& word = arguments[i];
         if (word == L"--test" && i + 1 < arguments.size()) {
             early.testMode = true;
-            for (const wchar_t c : arguments[++i])
-                if (early.testModule.size() < 63) early.testModule += c < 0x80 ? static_cast<char>(c) : '?';
+            early.testModule += (early.testModule.empty() ? "" : ",") + ToUtf8(arguments[++i]);
         } else if (word == L"--test-all") {
             early.testMode = true;
             early.testModule = "all";
@@ -169,5 +169,8 @@ EarlyOptions ParseEarlyOptions(std::span<const std::wstring> arguments) {
             early.selftestTabs = true;
         }
     }
+    constexpr std::size_t kMostBytes = 63;
+    if (early.testModule.size() > kMostBytes)
+        early.testModule.resize(WholeCharacters(std::string_view(early.testModule).substr(0, kMostBytes)));
     return early;
 }

@@ -40,7 +40,7 @@ FilePlace ParseFilePlace(std::wstring_view text);
 // The options that must be known before a window is created.
 struct EarlyOptions {
     bool testMode = false;      // --test MODULE or --test-all
-    std::string testModule;     // at most 63 ASCII characters; any other becomes '?'
+    std::string testModule;     // UTF-8, at most 63 bytes; several are parted by commas
     bool testList = false;      // --test-list
     bool selftestTabs = false;  // any known option that begins with "--selftest-"
 };

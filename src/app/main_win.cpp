@@ -57,6 +57,7 @@ void ParseCommandLineEarly(const char* raw) {
     g_testMode = early.testMode || early.testList;
     g_testModule = early.testList ? "list" : early.testModule;
     g_selftestTabsMode = early.selftestTabs || SelfTestIsChild();
+    if (SelfTestIsChild()) SelfTestTellMessages();
 }
 
 // The options that begin with "--selftest". They run before a window of this process is made, because its start would

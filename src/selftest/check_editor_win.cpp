@@ -6,6 +6,8 @@
 #include "selftest/checks.h"
 #include "settings/compiler_id.h"
 
+#include <string_view>
+
 namespace selftest {
 
 namespace {
@@ -19,6 +21,12 @@ bool Selects(LRESULT from, LRESULT to) {
 
 bool ShowsText(std::string_view part) {
     return Await([&] { return EditorText().find(part) != std::string::npos; });
+}
+
+bool IsColoured(std::string_view word) {
+    const std::size_t at = EditorText().find(word);
+    return at != std::string::npos &&
+           Await([&] { return EditorAsk(SCI_GETSTYLEAT, at) != EditorAsk(SCI_GETSTYLEAT, at + word.size()); });
 }
 
 void ActivateTab(int tab, const std::string& text) {
@@ -138,13 +146,22 @@ void CheckEditing() {
             Command(IDM_FILE_CLOSE);
             return Await([&] { return TabCountNow() == before - 1; });
         });
-    Check("an edited file is saved", [] {
+    Check(
+        "an edited file is saved",
+        [] {
+            ClickTab(0);
+            if (!ShowsText("PBMAIN")) return false;
+            EditorAsk(SCI_GOTOPOS, 0);
+            TypeText("' edited\r");
+            Command(IDM_FILE_SAVE);
+            return Await([] { return EditorAsk(SCI_GETMODIFY) == 0; }) && ShowsText("' edited");
+        });
+    Check("words of BASIC have colours", [] { return IsColoured("FUNCTION"); });
+    Check("words of C have colours", [] {  // from the library beside the program
+        const bool coloured = DropFile(MakeSample("colours.c")) && IsColoured("return");
+        Command(IDM_FILE_CLOSE);
         ClickTab(0);
-        if (!ShowsText("PBMAIN")) return false;
-        EditorAsk(SCI_GOTOPOS, 0);
-        TypeText("' edited\r");
-        Command(IDM_FILE_SAVE);
-        return Await([] { return EditorAsk(SCI_GETMODIFY) == 0; }) && ShowsText("' edited");
+        return coloured;
     });
     static constexpr struct {
         int command;

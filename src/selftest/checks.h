@@ -3,6 +3,7 @@
 #pragma once
 
 #include "selftest/modules.h"
+#include "selftest/report.h"
 
 #include <windows.h>
 
@@ -14,6 +15,9 @@ namespace selftest {
 
 // UI thread, before the checks begin: lets OnUiThread reach it.
 void ChecksAttach(HWND frame);
+
+// To the process that has started this one. Any thread.
+void SendCheckLine(const CheckLine& line);
 
 // Runs the module's checks and sends a line for each to the standard output. True when none failed. The checks' thread.
 bool RunChecks(const SelfTestModule& module, HWND frame);

@@ -46,12 +46,6 @@ LRESULT CALLBACK CallProc(HWND window, UINT message, WPARAM wParam, LPARAM lPara
     return 1;
 }
 
-void Send(const CheckLine& line) {
-    const std::string text = CheckLineText(line);
-    DWORD put = 0;
-    WriteFile(GetStdHandle(STD_OUTPUT_HANDLE), text.data(), static_cast<DWORD>(text.size()), &put, nullptr);
-}
-
 BOOL CALLBACK FindEditor(HWND window, LPARAM found) {
     wchar_t name[16] = {};
     GetClassNameW(window, name, 16);
@@ -61,6 +55,12 @@ BOOL CALLBACK FindEditor(HWND window, LPARAM found) {
 }
 
 }  // namespace
+
+void SendCheckLine(const CheckLine& line) {
+    const std::string text = CheckLineText(line);
+    DWORD put = 0;
+    WriteFile(GetStdHandle(STD_OUTPUT_HANDLE), text.data(), static_cast<DWORD>(text.size()), &put, nullptr);
+}
 
 void ChecksAttach(HWND frame) { SubclassAdd(frame, CallProc); }
 
@@ -73,16 +73,17 @@ bool RunChecks(const SelfTestModule& module, HWND frame) {
 }
 
 void Check(const std::string& name, const std::function<bool()>& holds) {
-    Send({.end = CheckEnd::Begun, .name = name});
+    SendCheckLine({.end = CheckEnd::Begun, .name = name});
     g_checks.why.clear();
     const bool passed = !g_checks.hung && holds() && !g_checks.hung;
     if (g_checks.hung) g_checks.why = "the window does not answer";
     g_checks.failed = g_checks.failed || !passed;
-    Send({.end = passed ? CheckEnd::Passed : CheckEnd::Failed, .name = name, .why = passed ? "" : g_checks.why});
+    SendCheckLine(
+        {.end = passed ? CheckEnd::Passed : CheckEnd::Failed, .name = name, .why = passed ? "" : g_checks.why});
 }
 
 void SkipCheck(const std::string& name, const std::string& why) {
-    Send({.end = CheckEnd::Skipped, .name = name, .why = why});
+    SendCheckLine({.end = CheckEnd::Skipped, .name = name, .why = why});
 }
 
 void CheckSays(const std::string& why) { g_checks.why = why; }

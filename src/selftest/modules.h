@@ -1,9 +1,11 @@
 // The modules of the self-test as a table: what each is called and tests. Pure.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 struct SelfTestModule {
     std::string_view name;       // for --test and --test-list
@@ -17,6 +19,9 @@ std::span<const SelfTestModule> SelfTestModules();
 // The module of a name or of an option; null: there is none.
 const SelfTestModule* SelfTestModuleOf(std::string_view name);
 const SelfTestModule* SelfTestModuleOfOption(std::wstring_view option);
+
+// The modules of names that are parted by commas; "all" is each of them. `*unknown` becomes the first name that is none.
+std::vector<const SelfTestModule*> SelfTestModulesOf(std::string_view names, std::optional<std::string>* unknown);
 
 // What "--test-list" prints: a line for each module.
 std::string SelfTestList();

@@ -12,7 +12,8 @@ struct Word {
 constexpr Word kWords[] = {{CheckEnd::Begun, "begun", ""},
                            {CheckEnd::Passed, "passed", "ok    "},
                            {CheckEnd::Failed, "failed", "FAIL  "},
-                           {CheckEnd::Skipped, "skipped", "skip  "}};
+                           {CheckEnd::Skipped, "skipped", "skip  "},
+                           {CheckEnd::Said, "said", ""}};
 
 const Word& WordOf(CheckEnd end) { return *std::ranges::find(kWords, end, &Word::end); }
 
@@ -28,6 +29,11 @@ std::string Shown(CheckEnd end, std::string_view module, const std::string& name
     text.append(module).append(": ").append(name);
     if (!why.empty()) text += " (" + why + ")";
     return text + "\n";
+}
+
+std::string Together(const std::string& why, const std::string& said) {
+    if (why.empty() || said.empty()) return why + said;
+    return why + "; " + said;
 }
 
 }  // namespace
@@ -53,9 +59,14 @@ std::string SelfTestTake(SelfTestTally& tally, std::string_view module, const Ch
         tally.running = line.name;
         return {};
     }
+    if (line.end == CheckEnd::Said) {
+        if (tally.said.empty()) tally.said = line.name;
+        return {};
+    }
     tally.running.clear();
+    const std::string said = std::exchange(tally.said, {});
     ++(line.end == CheckEnd::Passed ? tally.passed : line.end == CheckEnd::Failed ? tally.failed : tally.skipped);
-    return Shown(line.end, module, line.name, line.why);
+    return Shown(line.end, module, line.name, line.end == CheckEnd::Failed ? Together(line.why, said) : line.why);
 }
 
 std::string SelfTestClose(SelfTestTally& tally, std::string_view module, std::string_view why) {
@@ -63,7 +74,8 @@ std::string SelfTestClose(SelfTestTally& tally, std::string_view module, std::st
     if (tally.running.empty() && why.empty() && !nothing) return {};
     ++tally.failed;
     const std::string name = tally.running.empty() ? std::string("the editor") : std::exchange(tally.running, {});
-    return Shown(CheckEnd::Failed, module, name, why.empty() ? "the editor ended" : std::string(why));
+    return Shown(CheckEnd::Failed, module, name,
+                 Together(why.empty() ? "the editor ended" : std::string(why), std::exchange(tally.said, {})));
 }
 
 std::string SelfTestSummary(const SelfTestTally& all) {

@@ -6,12 +6,13 @@
 #include <string>
 #include <string_view>
 
-enum class CheckEnd { Begun, Passed, Failed, Skipped };
+// "Said" is what the editor would have shown in a message box.
+enum class CheckEnd { Begun, Passed, Failed, Skipped, Said };
 
 struct CheckLine {
     CheckEnd end = CheckEnd::Begun;
-    std::string name;
-    std::string why;  // of a failure or a skipped check
+    std::string name;  // of what was said, the text
+    std::string why;   // of a failure or a skipped check
 };
 
 // A line of the tested copy, with its line break, and back. Nothing for a line that is none of ours.
@@ -22,6 +23,7 @@ std::optional<CheckLine> ParseCheckLine(std::string_view text);
 struct SelfTestTally {
     int passed = 0, failed = 0, skipped = 0;
     std::string running;  // the check that was begun and has not ended
+    std::string said;     // by the editor, first since a check ended
 };
 
 // Counts the line. Returns what the user reads of it, with a line break; empty for a check that begins.

@@ -36,6 +36,7 @@ std::string SelfTestSample(std::string_view name) {
     if (name.starts_with("hello.")) return std::string(kHello);
     if (name.starts_with("steps.")) return std::string(kSteps);
     if (name == "long.bas") return LongText();
+    if (name == "colours.c") return "int main(void) {\r\n    return 0;\r\n}\r\n";
     if (name == "one.bas") return "' the first\r\none = 1\r\n";
     if (name == "two.bas") return "' the second\r\ntwo = 2\r\n";
     if (name == "three.bas") return "' the third\r\nthree = 3\r\n";

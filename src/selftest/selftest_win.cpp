@@ -7,10 +7,12 @@
 #include "selftest/modules.h"
 #include "selftest/report.h"
 #include "selftest/tested_copy.h"
+#include "ui/message.h"
 #include "ui/ui_state.h"
 
 #include <windows.h>
 
+#include <optional>
 #include <utility>
 
 namespace {
@@ -69,11 +71,10 @@ int RunTestMode(const char* module) {
         SelfTestPrint(SelfTestList());
         return kPassed;
     }
-    std::vector<const SelfTestModule*> modules;
-    for (const SelfTestModule& row : SelfTestModules())
-        if (name == "all" || name == row.name) modules.push_back(&row);
-    if (!modules.empty()) return RunModules(modules);
-    SelfTestPrint("There is no module \"" + std::string(name) + "\". The modules are:\n" + SelfTestList());
+    std::optional<std::string> unknown;
+    const std::vector<const SelfTestModule*> modules = SelfTestModulesOf(name, &unknown);
+    if (!unknown) return RunModules(modules);
+    SelfTestPrint("There is no module \"" + *unknown + "\". The modules are:\n" + SelfTestList());
     return kUnknown;
 }
 
@@ -83,6 +84,12 @@ int RunSelfTestOptions(const std::vector<std::wstring>& options) {
     for (const std::wstring& option : options)
         if (const SelfTestModule* module = SelfTestModuleOfOption(option); module != nullptr) modules.push_back(module);
     return RunModules(modules);
+}
+
+void SelfTestTellMessages() {
+    g_toldInSelftest = [](const wchar_t* text) {
+        selftest::SendCheckLine({.end = CheckEnd::Said, .name = ToUtf8(text), .why = {}});
+    };
 }
 
 bool SelfTestIsChild() { return OwnModule() != nullptr; }

@@ -29,6 +29,9 @@ void InfoMessage(const wchar_t* format, ...);
 // For tests: called instead of showing a box, when it is not null.
 extern Answer (*g_answerInstead)(const UserQuestion& question);
 
+// Called with each text that a self-test run does not show, when it is not null.
+extern void (*g_toldInSelftest)(const wchar_t* text);
+
 // The program's name in captions.
 extern const wchar_t kProgramCaption[];
 

@@ -12,6 +12,7 @@
 
 bool g_selftestTabsMode = false;
 Answer (*g_answerInstead)(const UserQuestion& question) = nullptr;
+void (*g_toldInSelftest)(const wchar_t* text) = nullptr;
 const wchar_t kProgramCaption[] = L"KVXE - Unified Compiler Editor";
 
 namespace {
@@ -51,6 +52,7 @@ Answer AskUser(const UserQuestion& question) {
     if (g_answerInstead != nullptr) return g_answerInstead(question);
     if (!g_selftestTabsMode) return ShowMessageBox(question);
     AppLogMsg(question.icon == AskIcon::Error ? L"ERROR: %s" : L"INFO: %s", question.text);
+    if (g_toldInSelftest != nullptr) g_toldInSelftest(question.text);
     return question.inSelftest;
 }
 

@@ -23,6 +23,36 @@ TEST(SelfTest, CountsWhatACopyTells) {
     EXPECT_EQ(SelfTestSummary(tally), "1 passed, 1 failed, 1 skipped\n");
 }
 
+TEST(SelfTest, AFailureTellsWhatTheEditorSaid) {
+    SelfTestTally tally;
+    const auto say = [&](const char* text) {
+        SelfTestTake(tally, "x", {.end = CheckEnd::Said, .name = text, .why = {}});
+    };
+    say("before");
+    EXPECT_EQ(SelfTestTake(tally, "x", {.end = CheckEnd::Passed, .name = "one", .why = {}}), "ok    x: one\n");
+    say("the cause");
+    say("what followed");
+    EXPECT_EQ(SelfTestTake(tally, "x", {.end = CheckEnd::Failed, .name = "two", .why = {}}),
+              "FAIL  x: two (the cause)\n");
+    say("no library");
+    EXPECT_EQ(SelfTestClose(tally, "x", "no answer"), "FAIL  x: the editor (no answer; no library)\n");
+}
+
+TEST(SelfTest, SeveralModulesMayBeNamed) {
+    const auto take = [](std::string_view names) {
+        std::optional<std::string> unknown;
+        const auto modules = SelfTestModulesOf(names, &unknown);
+        std::string text;
+        for (const SelfTestModule* module : modules) text += std::string(module->name) + " ";
+        return unknown ? "? " + *unknown : text;
+    };
+    EXPECT_EQ(take("exit,mouse"), "exit mouse ");
+    for (const char* names : {"", "tabs,", "tabs,exit,"}) EXPECT_EQ(take(names), "? ") << names;
+    EXPECT_EQ(take("tabs,none"), "? none");
+    std::optional<std::string> unknown;
+    EXPECT_EQ(SelfTestModulesOf("all", &unknown).size(), SelfTestModules().size());
+}
+
 TEST(SelfTest, ACopyThatEndsEarlyIsAFailure) {
     SelfTestTally silent;
     EXPECT_EQ(SelfTestClose(silent, "exit", ""), "FAIL  exit: the editor (the editor ended)\n");

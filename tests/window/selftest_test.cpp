@@ -78,6 +78,11 @@ TEST(SelfTestRun, NamesWhatItCannotCheck) {
               std::string::npos)
         << steps.output;
     EXPECT_EQ(RunProgram(folder, L"--test nothing").code, 2u);
+    DeleteFileW(folder.File(L"Scintilla.dll").c_str());
+    const Ended broken = RunProgram(folder, L"--test exit");
+    EXPECT_EQ(broken.code, 1u);
+    EXPECT_NE(broken.output.find("(the editor ended; Could not load Scintilla.dll)"), std::string::npos)
+        << broken.output;
     EXPECT_NE(RunProgram(folder, L"--test-list").output.find("\nkvxb64-debug "), std::string::npos);
 }
 
