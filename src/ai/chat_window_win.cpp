@@ -7,6 +7,7 @@
 #include "resources/ids.h"
 #include "ui/menu.h"
 #include "ui/rich_lines.h"
+#include "ui/rich_size.h"
 #include "ui/subclass.h"
 #include "ui/ui_state.h"
 
@@ -92,6 +93,7 @@ LRESULT CALLBACK ChatWindowProc(HWND chat, UINT message, WPARAM wParam, LPARAM l
 
 void ChatWindowInit(HWND chat) {
     if (chat == nullptr) return;
+    RichSizeKeepsEnd(chat);
     SubclassAdd(chat, ChatWindowProc);
     SendMessageW(chat, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
     SendMessageW(chat, EM_SETUNDOLIMIT, 0, 0);

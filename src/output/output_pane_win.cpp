@@ -11,6 +11,7 @@
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
 #include "ui/rich_lines.h"
+#include "ui/rich_size.h"
 #include "ui/subclass.h"
 #include "ui/ui_state.h"
 
@@ -49,15 +50,6 @@ LRESULT PassContextMenu(HWND pane, LPARAM where) {
     return SendMessageW(g_ui.hMainWnd, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(pane), where);
 }
 
-// The control keeps its first line when it gets another height, so its last lines would leave the view. Now it has the new
-// height already, but its scroll bar still tells of the old one.
-LRESULT KeepAtEnd(HWND pane, const WINDOWPOS& place) {
-    const bool wasAtEnd = (place.flags & SWP_NOSIZE) == 0 && RichIsAtEnd(pane);
-    const LRESULT result = SubclassNext(pane, WM_WINDOWPOSCHANGED, 0, reinterpret_cast<LPARAM>(&place));
-    if (wasAtEnd) RichScrollToEnd(pane);
-    return result;
-}
-
 LRESULT CALLBACK OutputPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
     switch (message) {
         case WM_LBUTTONDBLCLK: {
@@ -73,7 +65,6 @@ LRESULT CALLBACK OutputPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
             if (wParam == VK_ESCAPE) FocusEditorFromPane();
             break;
         case WM_CONTEXTMENU: return PassContextMenu(pane, lParam);
-        case WM_WINDOWPOSCHANGED: return KeepAtEnd(pane, *reinterpret_cast<const WINDOWPOS*>(lParam));
         default: break;
     }
     return SubclassNext(pane, message, wParam, lParam);
@@ -118,6 +109,7 @@ void OutputPaneInit(HWND pane) {
     SendMessageW(pane, EM_SETUNDOLIMIT, 0, 0);
     SendMessageW(pane, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
     SendMessageW(pane, EM_SETTARGETDEVICE, 0, 1);  // no wrapping: a line of output is a line of the pane
+    RichSizeKeepsEnd(pane);
     SubclassAdd(pane, OutputPaneProc);
     AccessibleNameSet(pane, L"Output");  // again after the pane was replaced
 }

@@ -4,6 +4,7 @@
 #include "ui/chrome.h"
 #include "ui/fonts.h"
 #include "ui/redraw.h"
+#include "ui/rich_size.h"
 #include "ui/text_inset.h"
 #include "ui/ui_state.h"
 
@@ -59,6 +60,12 @@ LONG MovedPlace(LONG place, LONG from, LONG to, LONG length) {
     return place >= to ? place + length - (to - from) : std::min(place, from + length);
 }
 
+void PrepareRichPane(HWND pane) {
+    if (pane == nullptr) return;
+    TextInsetPane(pane);
+    RichSizeLate(pane);
+}
+
 }  // namespace
 
 HWND RichPaneCreate(HWND parent, int controlId, const wchar_t* text, bool wrap) {
@@ -67,7 +74,7 @@ HWND RichPaneCreate(HWND parent, int controlId, const wchar_t* text, bool wrap) 
         0, MSFTEDIT_CLASS, text,
         WS_CHILD | WS_CLIPSIBLINGS | WS_VSCROLL | ES_MULTILINE | ES_READONLY | ES_NOHIDESEL | ES_AUTOVSCROLL | sideways,
         0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_ui.hInstance, nullptr);
-    if (pane != nullptr) TextInsetPane(pane);
+    PrepareRichPane(pane);
     return pane;
 }
 
@@ -166,14 +173,14 @@ HWND RichPaneEmptied(HWND pane, std::size_t lines) {
     HWND next = nullptr;
     if (lines > kLinesDeleted)
         next = CreateWindowExW(static_cast<DWORD>(GetWindowLongPtrW(pane, GWL_EXSTYLE)), MSFTEDIT_CLASS, L"",
-                               static_cast<DWORD>(GetWindowLongPtrW(pane, GWL_STYLE)), place.left, place.top,
-                               place.right - place.left, place.bottom - place.top, parent,
+                               static_cast<DWORD>(GetWindowLongPtrW(pane, GWL_STYLE)), 0, 0, 0, 0, parent,
                                reinterpret_cast<HMENU>(GetWindowLongPtrW(pane, GWLP_ID)), g_ui.hInstance, nullptr);
     if (next == nullptr) {
         SetWindowTextW(pane, L"");
         return pane;
     }
-    SetWindowPos(next, pane, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    PrepareRichPane(next);
+    SetWindowPos(next, pane, place.left, place.top, place.right - place.left, place.bottom - place.top, SWP_NOACTIVATE);
     if (GetFocus() == pane) SetFocus(next);
     ShowWindow(pane, SW_HIDE);
     SetWindowLongPtrW(pane, GWLP_ID, 0);  // the new one alone is found by it

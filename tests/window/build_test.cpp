@@ -6,6 +6,7 @@
 #include <richedit.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "resources/ids.h"
 
@@ -21,6 +22,15 @@ COLORREF ColourOf(const Editor& editor, const std::wstring& part) {
 // How far a pane is scrolled to the right, pixels.
 LONG ScrolledRight(const Editor& editor, int pane) {
     return editor.Ask<POINT>(editor.Child(pane), EM_GETSCROLLPOS, 0).x;
+}
+
+// A pane of much text is told its new size some time after it has got it.
+bool KnowsItsSize(const Editor& editor, int pane) {
+    constexpr int kBlank = 8;  // the control's own around its text
+    RECT client{}, text{};
+    GetClientRect(editor.Child(pane), &client);
+    editor.Send(editor.Child(pane), EM_GETRECT, 0, reinterpret_cast<LPARAM>(&text));  // the system passes the record on
+    return std::abs(text.right - client.right) <= kBlank && std::abs(text.bottom - client.bottom) <= kBlank;
 }
 
 void DoubleClickOn(const Editor& editor, const std::wstring& part) {
@@ -211,11 +221,15 @@ TEST(Build, EveryLineOfAFloodInOrder) {
     const auto firstLine = [&] { return editor.Send(editor.Child(IDC_OUTPUT), EM_GETFIRSTVISIBLELINE); };
     const LRESULT atEnd = firstLine();
     editor.Do(IDM_VIEW_TERMINAL);
+    EXPECT_TRUE(WaitFor([&] { return KnowsItsSize(editor, IDC_OUTPUT); }));
     EXPECT_GT(firstLine(), atEnd);
     editor.Do(IDM_VIEW_TERMINAL);
     editor.Send(editor.Child(IDC_OUTPUT), EM_LINESCROLL, 0, -500);
     const LRESULT scrolled = firstLine();
+    editor.Do(IDM_VIEW_TREE);
+    EXPECT_TRUE(WaitFor([&] { return KnowsItsSize(editor, IDC_OUTPUT); })) << "the width";
     editor.Do(IDM_VIEW_TERMINAL);
+    EXPECT_TRUE(WaitFor([&] { return KnowsItsSize(editor, IDC_OUTPUT); }));
     EXPECT_EQ(firstLine(), scrolled);
     DoubleClickOn(editor, L"... ");
     EXPECT_TRUE(WaitFor([&] { return editor.TabLabel(editor.ActiveTab()) == L"a.buildlog"; })) << editor.Describe();
