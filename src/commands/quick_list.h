@@ -17,9 +17,8 @@ struct QuickListRow {
 
 // `rowOf` is called for each row that is drawn. Null on failure.
 HWND QuickListCreate(HWND parent, int id, QuickListRow (*rowOf)(int row));
-void QuickListSetCount(int count);
-int QuickListSelected();  // -1: none
-void QuickListSelect(int row);
+void QuickListShow(int count, int selected);  // so many rows; -1: none is selected
+int QuickListSelected();                      // -1: none
 // Moves the selection by a key: Up and Down (round the ends), Page Up and Page Down, Home and End. False for other keys.
 bool QuickListMove(WPARAM key);
 void QuickListApplyTheme();

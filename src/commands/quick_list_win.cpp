@@ -7,6 +7,7 @@
 #include "ui/dpi.h"
 #include "ui/fonts.h"
 #include "ui/paint.h"
+#include "ui/redraw.h"
 
 #include <commctrl.h>
 
@@ -46,7 +47,8 @@ struct TextLooks {
 };
 
 int WidthOf(HDC dc, std::wstring_view text, bool marked) {
-    SelectObject(dc, marked ? UiBoldFont() : UiFont());
+    const HFONT font = marked ? UiBoldFont() : UiFont();
+    if (GetCurrentObject(dc, OBJ_FONT) != font) SelectObject(dc, font);
     SIZE size = {};
     GetTextExtentPoint32W(dc, text.data(), static_cast<int>(text.size()), &size);
     return static_cast<int>(size.cx);
@@ -221,19 +223,9 @@ HWND QuickListCreate(HWND parent, int id, QuickListRow (*rowOf)(int row)) {
     return g_list.window;
 }
 
-void QuickListSetCount(int count) {
-    if (count != g_list.count)  // the control counts its scroll bar again for each call, which takes a millisecond
-        ListSend(LVM_SETITEMCOUNT, static_cast<WPARAM>(count), LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL);
-    g_list.count = count;
-    RECT client = {};
-    GetClientRect(g_list.window, &client);  // without the scroll bar
-    ListSend(LVM_SETCOLUMNWIDTH, 0, MAKELPARAM(client.right, 0));
-    InvalidateRect(g_list.window, nullptr, FALSE);
-}
+namespace {
 
-int QuickListSelected() { return static_cast<int>(ListSend(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED)); }
-
-void QuickListSelect(int row) {
+void SelectRow(int row) {
     LVITEMW state = {};
     state.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
     if (row < 0) {
@@ -243,6 +235,46 @@ void QuickListSelect(int row) {
     state.state = state.stateMask;
     ListSend(LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&state));
     ListSend(LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
+}
+
+void SetRowCount(int count) {
+    if (count != g_list.count)  // the control counts its scroll bar again for each call, which takes a millisecond
+        ListSend(LVM_SETITEMCOUNT, static_cast<WPARAM>(count), LVSICF_NOINVALIDATEALL | LVSICF_NOSCROLL);
+    g_list.count = count;
+    RECT client = {};
+    GetClientRect(g_list.window, &client);  // without the scroll bar
+    if (ListSend(LVM_GETCOLUMNWIDTH) != client.right) ListSend(LVM_SETCOLUMNWIDTH, 0, MAKELPARAM(client.right, 0));
+}
+
+// Where the thumb of the scroll bar is, and whether there is one.
+struct BarLook {
+    bool shown;
+    int from, to, page, at;
+    bool operator==(const BarLook&) const = default;
+};
+
+BarLook BarNow() {
+    SCROLLINFO info = {};
+    info.cbSize = sizeof(info);
+    info.fMask = SIF_RANGE | SIF_PAGE | SIF_POS;
+    GetScrollInfo(g_list.window, SB_VERT, &info);
+    const bool shown = (GetWindowLongPtrW(g_list.window, GWL_STYLE) & WS_VSCROLL) != 0;
+    return {shown, info.nMin, info.nMax, static_cast<int>(info.nPage), info.nPos};
+}
+
+}  // namespace
+
+int QuickListSelected() { return static_cast<int>(ListSend(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED)); }
+
+void QuickListShow(int count, int selected) {
+    const BarLook before = BarNow();
+    {
+        const FramePause pause(g_list.window);
+        SetRowCount(count);
+        SelectRow(-1);
+        if (selected >= 0) SelectRow(selected);
+    }
+    RedrawWindow(g_list.window, nullptr, nullptr, RDW_INVALIDATE | (BarNow() == before ? 0U : UINT{RDW_FRAME}));
 }
 
 bool QuickListMove(WPARAM key) {
@@ -258,7 +290,7 @@ bool QuickListMove(WPARAM key) {
         case VK_END: row = last; break;
         default: return false;
     }
-    if (last >= 0) QuickListSelect(row);
+    if (last >= 0) SelectRow(row);
     return true;
 }
 

@@ -124,9 +124,7 @@ int RowOfText(const std::wstring& text) {
 
 // `kept`: the text of the row that stays selected; empty: the first one is.
 void ShowRows(const std::wstring& kept) {
-    QuickListSetCount(static_cast<int>(QuickSearchNow().rows.size()));
-    QuickListSelect(-1);
-    QuickListSelect(kept.empty() ? RowOfText({}) : RowOfText(kept));
+    QuickListShow(static_cast<int>(QuickSearchNow().rows.size()), RowOfText(kept));
     ShowPreviewOfSelected();
 }
 
@@ -145,7 +143,7 @@ void HideQuick() {
     g_quick.open = false;
     g_quick.acceptWhenFound = false;
     ShowWindow(g_quick.window, SW_HIDE);
-    QuickListSetCount(0);
+    QuickListShow(0, -1);
     QuickPreviewForget(g_quick.window);
     QuickSearchForget();
 }

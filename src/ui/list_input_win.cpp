@@ -2,6 +2,7 @@
 #include "ui/list_internal.h"
 
 #include "ui/clipboard.h"
+#include "ui/redraw.h"
 #include "ui/subclass.h"
 #include "ui/ui_state.h"
 
@@ -122,6 +123,18 @@ bool OnHeaderNotify(ListView& list, const NMHDR& header, LRESULT* result) {
     return true;
 }
 
+// Drawn once: the control draws its scroll bars again for each step of it, which takes 2 ms each under Wine.
+LRESULT OnListSize(ListView& list, WPARAM wParam, LPARAM lParam) {
+    LRESULT result = 0;
+    {
+        const FramePause pause(list.window);
+        result = SubclassNext(list.window, WM_SIZE, wParam, lParam);
+        ListViewFitColumns(list);
+    }
+    RedrawWindow(list.window, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_ALLCHILDREN);
+    return result;
+}
+
 void OnListDestroyed(ListView& list) {
     if (list.heightOnly != nullptr) ImageList_Destroy(list.heightOnly);
     list = {};
@@ -148,10 +161,7 @@ LRESULT CALLBACK ListViewProc(HWND window, UINT message, WPARAM wParam, LPARAM l
         case WM_CONTEXTMENU: OnListMenu(list, {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;
         case WM_SETFOCUS:
         case WM_KILLFOCUS: InvalidateRect(window, nullptr, FALSE); break;
-        case WM_SIZE:
-            result = SubclassNext(window, message, wParam, lParam);
-            ListViewFitColumns(list);
-            return result;
+        case WM_SIZE: return OnListSize(list, wParam, lParam);
         case WM_NCDESTROY: OnListDestroyed(list); break;
         default: break;
     }
