@@ -141,6 +141,7 @@ void OnItemCommand(SettingsDialog& dialog, FormPlace place, int part, int notifi
         isButton || isCheck ? notification == BN_SETFOCUS : notification == EN_SETFOCUS || notification == CBN_SETFOCUS;
     if (focused) return SettingsPageReveal(dialog, place);
     if (dialog.filling) return;
+    if (IsList(item.control) && notification == CBN_DROPDOWN) SettingsPageComplete(dialog, place.page);
     if (isButton) {
         if (notification == BN_CLICKED) SettingsFieldPress(dialog, place);
         return;
@@ -152,6 +153,20 @@ void OnItemCommand(SettingsDialog& dialog, FormPlace place, int part, int notifi
     if (!changed || part != kPartField) return;
     if (item.row != nullptr) TextAt(dialog, place) = SettingsFieldText(dialog, place, notification == CBN_SELCHANGE);
     SettingsItemChanged(dialog, place);
+}
+
+// The rest of the page is made after its first painting: a timer that began when the page was made could be due before
+// the dialog is shown.
+LRESULT ErasePage(SettingsDialog& dialog, std::size_t page, HDC dc) {
+    constexpr UINT kSoonMs = 30;  // what is in view stands on the screen by then
+    const HWND window = dialog.pages[page].window;
+    if (!dialog.pages[page].complete) SetTimer(window, 1, kSoonMs, nullptr);
+    RECT client = {};
+    GetClientRect(window, &client);
+    const LRESULT brush =
+        SendMessageW(dialog.window, WM_CTLCOLORDLG, reinterpret_cast<WPARAM>(dc), reinterpret_cast<LPARAM>(window));
+    FillRect(dc, &client, reinterpret_cast<HBRUSH>(brush));
+    return 1;
 }
 
 LRESULT CALLBACK SettingsPageProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -184,14 +199,7 @@ LRESULT CALLBACK SettingsPageProc(HWND window, UINT message, WPARAM wParam, LPAR
         case WM_CTLCOLORBTN:
         case WM_CTLCOLOREDIT:
         case WM_CTLCOLORLISTBOX: return SendMessageW(dialog->window, message, wParam, lParam);
-        case WM_ERASEBKGND: {
-            RECT client = {};
-            GetClientRect(window, &client);
-            const LRESULT brush =
-                SendMessageW(dialog->window, WM_CTLCOLORDLG, wParam, reinterpret_cast<LPARAM>(window));
-            FillRect(reinterpret_cast<HDC>(wParam), &client, reinterpret_cast<HBRUSH>(brush));
-            return 1;
-        }
+        case WM_ERASEBKGND: return ErasePage(*dialog, page, reinterpret_cast<HDC>(wParam));
         case WM_CLOSE:  // Esc in a field of several lines
             PostMessageW(dialog->window, WM_COMMAND, IDCANCEL, 0);
             return 0;
@@ -276,8 +284,6 @@ bool SettingsPageMake(SettingsDialog& dialog, std::size_t page) {
     SetWindowPos(target.window, GetDlgItem(dialog.window, IDC_SETTINGS_PAGES), 0, 0, 0, 0,
                  SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     ScrollBarsApplyTheme(target.window);
-    constexpr UINT kSoonMs = 30;  // what is in view stands on the screen by then
-    SetTimer(target.window, 1, kSoonMs, nullptr);
     return true;
 }
 
