@@ -75,7 +75,9 @@ void TellSearch(DocumentId document, const SCNotification& change) {
     if (!insertion && (change.modificationType & SC_MOD_DELETETEXT) == 0) return;
     const Sci_Position inserted = insertion ? change.length : 0, removed = insertion ? 0 : change.length;
     FindOnEdit(document, change.position, inserted, removed);
-    FilesSearchOnEdit(document, change.position, inserted, removed);
+    const std::string_view text =
+        change.text != nullptr ? std::string_view(change.text, static_cast<std::size_t>(change.length)) : "";
+    FilesSearchOnEdit(document, change.position, text, insertion);
 }
 
 void OnMarginClick(HWND editor, DocumentId document, const SCNotification& click) {

@@ -128,6 +128,7 @@ MovedPlaces PlacesAfter(const std::vector<FileHit>& hits, const std::vector<Foll
 
 void LinkFile(ResultFile& file, DocumentId document) {
     file.document = document;
+    file.cut = {};
     const auto edits = g_files.edits.find(document);
     file.places = PlacesAfter(file.hits, edits != g_files.edits.end() ? edits->second : std::vector<FollowedEdit>{});
     g_files.linked[document] = file.key;
@@ -171,6 +172,7 @@ void RenewHits(ResultFile& file, HWND editor) {
     file.hits = std::move(found.hits);
     file.ticked.assign(file.hits.size(), true);
     file.places = PlacesAfter(file.hits, {});
+    file.cut = {};
     g_files.results.Recount();
 }
 
@@ -303,7 +305,7 @@ void FilesSearchOnEnded(WPARAM number) {
 
 // --- Following the documents
 
-void FilesSearchOnEdit(DocumentId document, std::ptrdiff_t position, std::ptrdiff_t inserted, std::ptrdiff_t removed) {
+void FilesSearchOnEdit(DocumentId document, std::ptrdiff_t position, std::string_view text, bool insertion) {
     if (!g_files.running && g_files.linked.empty()) return;
     if (g_files.running) {
         std::vector<OpenText>& texts = g_texts.job.texts;
@@ -312,12 +314,15 @@ void FilesSearchOnEdit(DocumentId document, std::ptrdiff_t position, std::ptrdif
             ++g_texts.restarts;
         }
         std::vector<FollowedEdit>& edits = g_files.edits[document];
-        if (edits.size() < kMostEdits) edits.push_back({position, inserted, removed});
+        const auto length = static_cast<std::ptrdiff_t>(text.size());
+        if (edits.size() < kMostEdits) edits.push_back({position, insertion ? length : 0, insertion ? 0 : length});
     }
     ResultFile* file = LinkedFile(document);
     if (file == nullptr) return;
-    if (removed > 0) file->places.Removed(position, removed);
-    if (inserted > 0) file->places.Inserted(position, inserted);
+    const std::vector<std::size_t> now = MoveHits(*file, position, text, insertion);
+    if (!now.empty() && g_files.current && g_files.current->hit &&
+        &g_files.results.files[g_files.current->file] == file)
+        g_files.current->hit = now[*g_files.current->hit];
     FilesPaneRepaintSoon();
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <numeric>
 #include <utility>
 
 void MovedPlaces::MoveStep(std::size_t to) {
@@ -40,6 +41,87 @@ void MovedPlaces::Inserted(std::ptrdiff_t position, std::ptrdiff_t length) {
     delta_ += length;
 }
 
+namespace {
+
+constexpr std::size_t kLongestCut = 1 << 20;  // bytes of a text that is remembered
+
+// How many bytes of line breaks the text begins with. The breaks around moved lines change their places at the end of a
+// text.
+std::ptrdiff_t BreaksBefore(std::string_view text) {
+    return static_cast<std::ptrdiff_t>(std::min(text.find_first_not_of("\r\n"), text.size()));
+}
+
+std::string_view WithoutBreaks(std::string_view text) {
+    text.remove_prefix(static_cast<std::size_t>(BreaksBefore(text)));
+    return text.substr(0, text.find_last_not_of("\r\n") + 1);
+}
+
+// The hits that are within a text that is about to go.
+CutHits HitsCutBy(const ResultFile& file, std::ptrdiff_t position, std::string_view text) {
+    CutHits cut;
+    const std::string_view inner = WithoutBreaks(text);
+    if (inner.empty() || inner.size() > kLongestCut) return cut;
+    const std::ptrdiff_t from = position + BreaksBefore(text), to = from + static_cast<std::ptrdiff_t>(inner.size());
+    const std::size_t count = std::min(file.hits.size(), file.places.Count() / 2);
+    std::size_t low = 0, high = count;
+    while (low < high) {
+        const std::size_t middle = (low + high) / 2;
+        (file.places.At(2 * middle) < from ? low : high) = file.places.At(2 * middle) < from ? middle + 1 : middle;
+    }
+    cut.first = low;
+    for (std::size_t i = low; i < count && file.places.At(2 * i + 1) <= to; ++i)
+        cut.offsets.insert(cut.offsets.end(), {file.places.At(2 * i) - from, file.places.At(2 * i + 1) - from});
+    if (!cut.offsets.empty()) cut.text = inner;
+    return cut;
+}
+
+template <typename Item>
+void PutInOrder(std::vector<Item>& items, const std::vector<std::size_t>& order) {
+    std::vector<Item> sorted;
+    for (const std::size_t i : order) sorted.push_back(std::move(items[i]));
+    items = std::move(sorted);
+}
+
+// Puts the hits of `cut` to the text that begins at `from`.
+std::vector<std::size_t> BringBack(ResultFile& file, const CutHits& cut, std::ptrdiff_t from) {
+    std::vector<std::pair<std::ptrdiff_t, std::ptrdiff_t>> spans;
+    for (std::size_t i = 0; i < file.hits.size(); ++i)
+        spans.emplace_back(file.places.At(2 * i), file.places.At(2 * i + 1));
+    for (std::size_t i = 0; i < cut.offsets.size() / 2; ++i)
+        spans[cut.first + i] = {from + cut.offsets[2 * i], from + cut.offsets[2 * i + 1]};
+    std::vector<std::size_t> order(spans.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::ranges::stable_sort(order, {}, [&spans](std::size_t i) { return spans[i]; });
+    std::vector<std::ptrdiff_t> places;
+    for (const std::size_t i : order) places.insert(places.end(), {spans[i].first, spans[i].second});
+    file.places = MovedPlaces(std::move(places));
+    if (std::ranges::is_sorted(order)) return {};
+    PutInOrder(file.hits, order);
+    std::vector<bool> ticked;
+    std::vector<std::size_t> now(order.size());
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        ticked.push_back(file.ticked[order[i]]);
+        now[order[i]] = i;
+    }
+    file.ticked = std::move(ticked);
+    return now;
+}
+
+}  // namespace
+
+std::vector<std::size_t> MoveHits(ResultFile& file, std::ptrdiff_t position, std::string_view text, bool inserted) {
+    const auto length = static_cast<std::ptrdiff_t>(text.size());
+    if (!inserted) {
+        file.cut = HitsCutBy(file, position, text);
+        file.places.Removed(position, length);
+        return {};
+    }
+    const CutHits cut = std::exchange(file.cut, {});
+    file.places.Inserted(position, length);
+    if (cut.text.empty() || cut.text != WithoutBreaks(text)) return {};
+    return BringBack(file, cut, position + BreaksBefore(text));
+}
+
 void FilesResults::Recount() {
     ends_.clear();
     hits_ = 0;
@@ -68,6 +150,7 @@ void FilesResults::Clear() {
 void FilesResults::Remove(ResultRow row) {
     if (row.file >= files.size()) return;
     ResultFile& file = files[row.file];
+    file.cut = {};
     if (row.hit && *row.hit < file.hits.size() && file.hits.size() > 1) {
         std::vector<std::ptrdiff_t> places;
         for (std::size_t i = 0; i < file.places.Count(); ++i)
@@ -83,6 +166,7 @@ void FilesResults::Remove(ResultRow row) {
 
 void FilesResults::RemoveTicked(std::size_t index) {
     ResultFile& file = files[index];
+    file.cut = {};
     std::vector<FileHit> hits;
     std::vector<std::ptrdiff_t> places;
     for (std::size_t i = 0; i < file.hits.size(); ++i) {

@@ -33,6 +33,14 @@ private:
     std::ptrdiff_t delta_ = 0;
 };
 
+// Hits whose text a removal has taken away. They come back when the next edit inserts that text again: where a line is
+// moved, or pasted after it was cut, and by undo.
+struct CutHits {
+    std::size_t first = 0;                // the first of them
+    std::vector<std::ptrdiff_t> offsets;  // start and end of each in the text
+    std::string text;                     // without the line breaks around it; empty: there are none
+};
+
 struct ResultFile {
     std::wstring path;        // empty: a document without a file
     std::wstring key;         // PathKey of the path, or the label
@@ -43,7 +51,12 @@ struct ResultFile {
     std::vector<bool> ticked;  // by hit: whether a replacement takes it
     // While `document` is not 0: start and end of each hit in the document.
     MovedPlaces places;
+    CutHits cut;
 };
+
+// Moves the hits with an edit: `text` was inserted at the position, or removed from it. Returns for each hit its place in
+// the order from now on when that order has changed; else nothing.
+std::vector<std::size_t> MoveHits(ResultFile& file, std::ptrdiff_t position, std::string_view text, bool inserted);
 
 struct ResultRow {
     std::size_t file = 0;

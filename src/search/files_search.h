@@ -29,7 +29,7 @@ struct FoundFile;
 void FilesShowFound(const std::wstring& note, const std::string& text, std::vector<FoundFile> found);
 
 // --- What the results follow. They cost nothing while there are none.
-// At `position`, so many bytes were inserted into the document's text or removed from it.
-void FilesSearchOnEdit(DocumentId document, std::ptrdiff_t position, std::ptrdiff_t inserted, std::ptrdiff_t removed);
+// At `position`, a text was inserted into that of the document, or removed from it.
+void FilesSearchOnEdit(DocumentId document, std::ptrdiff_t position, std::string_view text, bool insertion);
 void FilesSearchOnTextArrived(DocumentId document);
 void FilesSearchOnTextLeaving(DocumentId document);

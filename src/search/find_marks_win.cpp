@@ -1,13 +1,14 @@
 // Marks matches in an editor, by two indicators. UI thread.
+#include "editor/margins.h"
 #include "scintilla/sci.h"
 #include "search/find_internal.h"
 #include "ui/chrome.h"
 
 namespace {
 
-constexpr int kAllIndicator = 20, kBarIndicator = 21;
+constexpr int kBarIndicator = 21;
 
-int IndicatorOf(FindMarks marks) { return marks == FindMarks::All ? kAllIndicator : kBarIndicator; }
+int IndicatorOf(FindMarks marks) { return marks == FindMarks::All ? kIndicatorFound : kBarIndicator; }
 
 }  // namespace
 

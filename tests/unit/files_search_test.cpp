@@ -284,6 +284,54 @@ TEST(FilesResults, PlacesFollowEdits) {
     }
 }
 
+// A text of lines whose words "x" are the hits, edited as the editor does it.
+TEST(FilesResults, HitsGoWithTheirLine) {
+    std::string text;
+    ResultFile file;
+    const auto begin = [&](const std::string& lines) {
+        text = lines;
+        file = {};
+        std::vector<std::ptrdiff_t> places;
+        for (std::size_t at = text.find('x'); at != std::string::npos; at = text.find('x', at + 1)) {
+            places.insert(places.end(), {static_cast<std::ptrdiff_t>(at), static_cast<std::ptrdiff_t>(at + 2)});
+            file.hits.push_back({.shown = text.substr(at, 2)});
+            file.ticked.push_back(text[at + 1] != '2');
+        }
+        file.places = MovedPlaces(std::move(places));
+    };
+    const auto edit = [&](std::size_t at, const std::string& part, bool inserted) {
+        inserted ? text.insert(at, part) : text.erase(at, part.size());
+        MoveHits(file, static_cast<std::ptrdiff_t>(at), part, inserted);
+    };
+    // Each hit stands before its own number, in the order of the text.
+    const auto hits = [&] {
+        std::string found;
+        for (std::size_t i = 0; i < file.hits.size(); ++i) {
+            const std::ptrdiff_t start = file.places.At(2 * i), end = file.places.At(2 * i + 1);
+            found += text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start)) +
+                     (file.hits[i].shown == text.substr(static_cast<std::size_t>(start), 2) ? "" : "?") +
+                     (file.ticked[i] ? " " : "- ");
+        }
+        return found;
+    };
+    begin("a\r\nx1 x2\r\nx3");
+    edit(3, "x1 x2\r\n", false);  // the line goes down, below the last one
+    edit(5, "\r\nx1 x2", true);
+    ASSERT_EQ(text, "a\r\nx3\r\nx1 x2");
+    EXPECT_EQ(hits(), "x3 x1 x2- ");
+    edit(5, "\r\nx1 x2", false);  // undo
+    edit(3, "x1 x2\r\n", true);
+    EXPECT_EQ(hits(), "x1 x2- x3 ");
+    edit(3, "x1 x2\r\n", false);  // cut
+    edit(0, "y", true);           // something else is typed
+    edit(4, "x1 x2\r\n", true);
+    EXPECT_EQ(hits(), " ?- x3 ") << "it may be another text";
+    begin("x1x2\r\n");
+    edit(1, "1x", false);  // a part of both
+    edit(1, "1x", true);
+    EXPECT_EQ(file.places.At(1), 1);
+}
+
 TEST(FilesOptions, RecentSearchesBringBackAllOptions) {
     FilesOptions all{L"a|b\\ ", L" ",  true, true, true, FilesScope::Folder, L"C:\\x|", L"*.bas",
                      L"",       false, true, true, true};
