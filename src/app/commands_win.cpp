@@ -9,6 +9,7 @@
 #include "app/splitters.h"
 #include "app/start_page.h"
 #include "app/tab_commands.h"
+#include "base/wide_format.h"
 #include "commands/command_state.h"
 #include "commands/edit_target.h"
 #include "commands/editor_commands.h"
@@ -28,6 +29,7 @@
 #include "editor/bookmarks.h"
 #include "editor/caret_steps.h"
 #include "editor/editor_pane.h"
+#include "editor/line_commands.h"
 #include "output/output_pane.h"
 #include "project/project.h"
 #include "project/project_tree.h"
@@ -46,6 +48,7 @@
 #include "ui/panes.h"
 #include "ui/path_dialog.h"
 
+#include <algorithm>
 #include <span>
 #include <vector>
 
@@ -63,15 +66,12 @@ void EditText(int command) {
     static constexpr struct {
         int command;
         UINT scintilla;
-    } kRows[] = {{IDM_EDIT_CUT, SCI_CUT},
-                 {IDM_EDIT_COPY, SCI_COPY},
-                 {IDM_EDIT_PASTE, SCI_PASTE},
-                 {IDM_EDIT_SELECT_ALL, SCI_SELECTALL}};
+    } kRows[] = {{IDM_EDIT_COPY, SCI_COPY}, {IDM_EDIT_SELECT_ALL, SCI_SELECTALL}};
     if (const HWND target = EditTargetNow(); target != nullptr) return EditTargetDo(target, command);
     if (command == IDM_EDIT_UNDO) return EditorUndo(g_app.hEditor);
     if (command == IDM_EDIT_REDO) return EditorRedo(g_app.hEditor);
-    // A selection that goes, or several carets, come back by undo.
-    const CaretUndoStep together(g_app.hEditor, CaretEdit::Other, command == IDM_EDIT_CUT || command == IDM_EDIT_PASTE);
+    if (command == IDM_EDIT_CUT) return EditorCut(g_app.hEditor);
+    if (command == IDM_EDIT_PASTE) return EditorPaste(g_app.hEditor);
     for (const auto& row : kRows)
         if (row.command == command) SciSend(g_app.hEditor, row.scintilla);
 }
@@ -107,6 +107,23 @@ void OpenWorkspace() {
             break;
         default: ErrorMessage(L"Failed to open workspace: %s", path.c_str()); break;
     }
+}
+
+// Modified texts are asked about by the closing itself.
+void NewWorkspace() {
+    const auto files = std::ranges::count_if(g_app.tabs, &DocumentTab::hasFile);
+    const std::wstring text = FormatW(files == 1 ? L"A new workspace closes the open file. It can be opened again with "
+                                                   L"Ctrl+Shift+T."
+                                                 : L"A new workspace closes the %d open files. They can be opened "
+                                                   L"again with Ctrl+Shift+T.",
+                                      static_cast<int>(files));
+    if (files > 0 && AskUser({.caption = L"New Workspace",
+                              .text = text.c_str(),
+                              .buttons = AskButtons::OkCancel,
+                              .icon = AskIcon::Question,
+                              .inSelftest = Answer::Yes}) != Answer::Yes)
+        return;
+    WorkspaceNew();
 }
 
 void SaveWorkspace(int) {
@@ -172,7 +189,7 @@ constexpr CommandHandler kFrameHandlers[] = {
     {IDM_PANE_RESIZE, [](int) { SplittersTakeKeys(); }},
     {IDM_PANE_SIZES, [](int) { SplittersRestoreSizes(); }},
     {IDM_PANE_CLOSE, [](int) { CloseFocusedPane(); }},
-    {IDM_WORKSPACE_NEW, [](int) { WorkspaceNew(); }},
+    {IDM_WORKSPACE_NEW, [](int) { NewWorkspace(); }},
     {IDM_WORKSPACE_OPEN, [](int) { OpenWorkspace(); }},
     {IDM_WORKSPACE_SAVE, SaveWorkspace},
     {IDM_HELP_ABOUT, [](int) { AboutShow(); }},

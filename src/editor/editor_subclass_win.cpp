@@ -7,6 +7,7 @@
 #include "base/path.h"
 #include "editor/caret_place.h"
 #include "editor/editor_pane.h"
+#include "editor/line_commands.h"
 #include "editor/margins.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
@@ -17,6 +18,7 @@
 #include <commctrl.h>
 #include <windowsx.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <utility>
@@ -224,9 +226,30 @@ bool LeavesLine(WPARAM key) {
     return document || key == VK_UP || key == VK_DOWN || key == VK_PRIOR || key == VK_NEXT;
 }
 
+// The keys of Scintilla's own for which this program has more to do than Scintilla. False for any other key.
+bool DoEditingKey(HWND pane, WPARAM key) {
+    const bool control = GetKeyState(VK_CONTROL) < 0, shift = GetKeyState(VK_SHIFT) < 0, alt = GetKeyState(VK_MENU) < 0;
+    const struct {
+        bool pressed;
+        void (*act)(HWND);
+    } rows[] = {{key == 'Z' && control && !shift && !alt, EditorUndo},
+                {key == VK_BACK && alt && !shift && !control, EditorUndo},
+                {key == 'Y' && control && !shift && !alt, EditorRedo},
+                {key == 'X' && control && !shift && !alt, EditorCut},
+                {key == VK_DELETE && shift && !control && !alt, EditorCut},
+                {key == 'L' && control && !shift && !alt, EditorCutLine},
+                {key == 'V' && control && !shift && !alt, EditorPaste},
+                {key == VK_INSERT && shift && !control && !alt, EditorPaste}};
+    for (const auto& row : rows)
+        if (row.pressed) row.act(pane);
+    return std::ranges::any_of(rows, [](const auto& row) { return row.pressed; });
+}
+
 LRESULT OnPaneEraseKey(HWND pane, WPARAM wParam, LPARAM lParam) {
     const CaretUndoStep together(pane, CaretEdit::Erased, HasSeveralCarets(pane));
-    return SubclassNext(pane, WM_KEYDOWN, wParam, lParam);
+    LRESULT result = 0;
+    EditorErase(pane, [&] { result = SubclassNext(pane, WM_KEYDOWN, wParam, lParam); });
+    return result;
 }
 
 LRESULT OnPaneTabKey(HWND pane, WPARAM wParam, LPARAM lParam) {
@@ -252,7 +275,11 @@ LRESULT CALLBACK EditorPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM l
     switch (message) {
         case WM_PAINT: return PaintPane(pane, wParam, lParam);
         case WM_CHAR: return OnPaneCharacter(pane, wParam, lParam);
+        case WM_SYSKEYDOWN:
+            if (DoEditingKey(pane, wParam)) return 0;
+            break;
         case WM_KEYDOWN:
+            if (DoEditingKey(pane, wParam)) return 0;
             if (wParam == VK_RETURN) return OnPaneNewLine(pane, message, wParam, lParam);
             if (wParam == VK_TAB) return OnPaneTabKey(pane, wParam, lParam);
             if (wParam == VK_BACK || wParam == VK_DELETE) return OnPaneEraseKey(pane, wParam, lParam);

@@ -4,6 +4,14 @@
 
 #include <windows.h>
 
+#include <functional>
+
 // `command` is one of IDM_LINES_..., IDM_CASE_..., IDM_TABS_TO_BLANKS and IDM_BLANKS_TO_TABS.
 void EditorLineCommand(HWND editor, int command);
 void EditorToggleComment(HWND editor);  // the lines become comments, or text again when all are
+// Cuts what is selected, or lets `erase` take it away. Bookmarks and breakpoints of whole lines go with them, instead of
+// staying with the line below; undo brings them back.
+void EditorCut(HWND editor);
+void EditorCutLine(HWND editor);  // the lines of the selection
+void EditorPaste(HWND editor);  // undo selects again what it has replaced
+void EditorErase(HWND editor, const std::function<void()>& erase);

@@ -10,6 +10,7 @@
 #include "editor/editor_pane.h"
 #include "editor/line_changes.h"
 #include "editor/line_marks.h"
+#include "editor/margins.h"
 #include "editor/pane_state.h"
 #include "files/text_encoding.h"
 #include "language/format_range.h"
@@ -21,6 +22,7 @@
 #include <algorithm>
 #include <functional>
 #include <numeric>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -196,6 +198,30 @@ LineBlock LinesPassed(HWND editor, const LineBlock& block, bool up) {
     return passed;
 }
 
+// The matches that are marked in a text, as parts of it.
+std::vector<TextSpan> FoundIn(HWND editor, LRESULT start, LRESULT end) {
+    std::vector<TextSpan> found;
+    for (LRESULT at = start; at < end;) {
+        const LRESULT next = PaneSend(editor, SCI_INDICATOREND, kIndicatorFound, at);
+        if (PaneSend(editor, SCI_INDICATORVALUEAT, kIndicatorFound, at) != 0)
+            found.push_back(
+                {static_cast<std::size_t>(at - start), static_cast<std::size_t>(std::min(next, end) - start)});
+        if (next <= at) break;  // there is none in the whole text
+        at = next;
+    }
+    return found;
+}
+
+// Marks them again in the text at `start`, which was taken out and put in.
+void MarkFound(HWND editor, LRESULT start, const std::vector<TextSpan>& found) {
+    const LRESULT before = PaneSend(editor, SCI_GETINDICATORCURRENT);
+    PaneSend(editor, SCI_SETINDICATORCURRENT, kIndicatorFound);
+    for (const TextSpan& span : found)
+        PaneSend(editor, SCI_INDICATORFILLRANGE, start + static_cast<LRESULT>(span.start),
+                 static_cast<LRESULT>(span.end - span.start));
+    PaneSend(editor, SCI_SETINDICATORCURRENT, before);
+}
+
 // Lets two neighbours change places. Only one of them is taken out and put in again; the other one keeps its marks and what
 // is folded in it, so it is the one that has some.
 void SwapBlocks(HWND editor, const LineBlock& upper, const LineBlock& lower) {
@@ -205,8 +231,11 @@ void SwapBlocks(HWND editor, const LineBlock& upper, const LineBlock& lower) {
     const LRESULT start = LineStart(editor, upper.first);
     LineMarksMove marks = LineMarksTake(editor, moved);
     const auto at = [start](std::size_t offset) { return start + static_cast<LRESULT>(offset); };
+    const LRESULT lines = LineStart(editor, moved.first);
+    const std::vector<TextSpan> found = FoundIn(editor, lines, LineStart(editor, moved.last + 1));
     Replace(editor, at(move.erased.start), at(move.erased.end), {});
     Replace(editor, at(move.at), at(move.at), move.text);
+    MarkFound(editor, LineStart(editor, movesUpper ? upper.first + lower.count() : upper.first), found);
     std::iota(marks.after.begin(), marks.after.end(),
               static_cast<std::int32_t>(movesUpper ? upper.first + lower.count() : upper.first));
     LineMarksPut(editor, std::move(marks));
@@ -400,6 +429,19 @@ std::size_t TabWidthOf(HWND editor) {
     return static_cast<std::size_t>(std::max<LRESULT>(1, PaneSend(editor, SCI_GETTABWIDTH)));
 }
 
+// The lines that are selected as a whole: up to the start of another line, or to the end of the text.
+std::optional<LineBlock> WholeLinesSelected(HWND editor) {
+    if (PaneSend(editor, SCI_GETSELECTIONS) != 1 || CaretsAreEmpty(editor)) return std::nullopt;
+    const LRESULT start = PaneSend(editor, SCI_GETSELECTIONSTART), end = PaneSend(editor, SCI_GETSELECTIONEND);
+    LineBlock block = {PaneSend(editor, SCI_LINEFROMPOSITION, start), PaneSend(editor, SCI_LINEFROMPOSITION, end)};
+    if (LineStart(editor, block.first) != start) return std::nullopt;
+    if (LineStart(editor, block.last) == end)
+        --block.last;
+    else if (end != PaneSend(editor, SCI_GETLENGTH))
+        return std::nullopt;
+    return block.count() > 0 ? std::optional{block} : std::nullopt;
+}
+
 void DoLineCommand(HWND editor, int command) {
     const std::size_t width = TabWidthOf(editor);
     switch (command) {
@@ -428,6 +470,36 @@ void EditorLineCommand(HWND editor, int command) {
     if (editor == nullptr || PaneSend(editor, SCI_GETREADONLY) != 0) return;
     DoLineCommand(editor, command);
     CaretStepsPlaced(editor);
+}
+
+void EditorErase(HWND editor, const std::function<void()>& erase) {
+    const std::optional<LineBlock> lines = WholeLinesSelected(editor);
+    if (!lines || PaneSend(editor, SCI_GETREADONLY) != 0 || !LineMarksAreIn(editor, *lines)) return erase();
+    const CaretUndoStep step(editor);
+    LineMarksMove marks = LineMarksTake(editor, *lines);
+    erase();
+    LineMarksPut(editor, std::move(marks));
+    ShowStatus(L"The bookmarks and breakpoints of these lines went with them; undo brings them back");
+}
+
+void EditorCut(HWND editor) {
+    if (editor == nullptr) return;
+    const CaretUndoStep together(editor);
+    EditorErase(editor, [editor] { PaneSend(editor, SCI_CUT); });
+}
+
+void EditorCutLine(HWND editor) {
+    const CaretUndoStep step(editor);
+    const auto lineOf = [editor](UINT end) { return PaneSend(editor, SCI_LINEFROMPOSITION, PaneSend(editor, end)); };
+    const LRESULT start = LineStart(editor, lineOf(SCI_GETSELECTIONSTART));
+    PaneSend(editor, SCI_SETSEL, start, LineStart(editor, lineOf(SCI_GETSELECTIONEND) + 1));
+    EditorErase(editor, [editor] { PaneSend(editor, SCI_CUT); });
+}
+
+void EditorPaste(HWND editor) {
+    if (editor == nullptr) return;
+    const CaretUndoStep together(editor);
+    PaneSend(editor, SCI_PASTE);
 }
 
 void EditorToggleComment(HWND editor) {

@@ -5,7 +5,7 @@ inline constexpr int kMarginNumbers = 0;
 inline constexpr int kMarginSymbols = 1;
 inline constexpr int kMarginFolding = 2;
 inline constexpr int kMarginChanges = 3;
-inline constexpr int kMarginProblems = 4;  // has a width only while the document shows diagnostics
+inline constexpr int kMarginProblems = 4;  // has no width in a text that no compiler reads
 inline constexpr int kMarginCount = 5;
 
 inline constexpr int kMarkBookmark = 1;
@@ -25,7 +25,8 @@ inline constexpr int kMarkOwnCloser = 13;   // nothing to see: END IF and the li
 inline constexpr int kMarkWarningSign = 14;
 inline constexpr int kMarkErrorSign = 15;  // over that of a warning on the same line
 
-// Indicators: 8 marks the words of a block, 20 and 21 what a search has found, 24 to 26 names and snippet fields.
+// Indicators: 8 marks the words of a block, 21 what the search bar has found, 24 to 26 names and snippet fields.
+inline constexpr int kIndicatorFound = 20;  // all matches, on command
 inline constexpr int kIndicatorWarning = 16;
 inline constexpr int kIndicatorError = 17;
 

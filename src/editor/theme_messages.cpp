@@ -89,7 +89,8 @@ EditorMessages MarkerMessages(const ThemeInputs& theme) {
     const ChromePalette& chrome = theme.chrome;
     const EditorPalette& palette = theme.palette;
     EditorMessages out;
-    DefineMarker(out, kMarkBookmark, SC_MARK_BOOKMARK, chrome.accent, chrome.accent);
+    // It fills the margin, so that the disc of a breakpoint leaves something of it to be seen.
+    DefineMarker(out, kMarkBookmark, SC_MARK_FULLRECT, chrome.accent, chrome.accent);
     DefineMarker(out, kMarkBreakpoint, SC_MARK_CIRCLE, chrome.error, chrome.error);
     DefineMarker(out, kMarkError, SC_MARK_SHORTARROW, chrome.error, chrome.error);
     // A dark edge and a bright inside, because the arrow may be on a red disc.

@@ -289,6 +289,7 @@ TEST(Typing, AWordThatEndsABlockTakesItsWholeLine) {
     EXPECT_EQ(edit("  end asm", true, 6), "0  END ASM");
     EXPECT_EQ(edit("  END ASM", true, 6), "");
     EXPECT_EQ(edit("and", true, 0), "") << "an instruction";
+    EXPECT_EQ(edit("a.print", false, 2), "") << "a member";
 }
 
 TEST(BraceMatch, FindsThePartnerOfTheSameStyle) {

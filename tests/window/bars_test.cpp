@@ -190,7 +190,8 @@ TEST(Bars, LineCommandsWorkOnEverySelectionInOneStep) {
     EXPECT_TRUE(WaitFor([&] { return editor.Text().starts_with("foxur\r\nonxe\r\n"); })) << editor.Text();
     editor.Do(IDM_EDIT_UNDO);
     EXPECT_EQ(selected(), behind);
-    editor.Do(IDM_EDIT_UNDO);
+    editor.Keys({VK_CONTROL, 'Z'});
+    EXPECT_TRUE(WaitFor([&] { return editor.Text().starts_with("four\r\n"); }));
     EXPECT_TRUE(editor.Text().starts_with("four\r\none\r\n")) << editor.Text();
     EXPECT_EQ(selected(), (std::vector<std::pair<int, int>>{{2, 2}, {8, 8}}));
     editor.Do(IDM_EDIT_REDO);
@@ -267,6 +268,14 @@ TEST(Bars, MarksFollowLinesThroughUndoAndRedo) {
         editor.Do(IDM_EDIT_UNDO);
         EXPECT_TRUE(WaitFor([&] { return !editor.ButtonWorks(IDM_FILE_SAVE_ALL); })) << "and no longer";
     }
+    // A line that is cut takes its marks along.
+    editor.Sci(SCI_SETSEL, 7, 14);
+    editor.Do(IDM_EDIT_CUT);
+    EXPECT_EQ(lines(), "p3c3");
+    editor.Do(IDM_EDIT_UNDO);
+    EXPECT_EQ(lines(), before);
+    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONEND), 14) << "what was cut is selected again";
+    editor.Sci(SCI_GOTOLINE, 1);
     editor.Post(IDM_DEBUG_CONDITIONAL);  // on a line whose breakpoint came back
     const Dialog dialog = editor.AwaitDialog(L"Conditional Breakpoint");
     editor.Press(dialog, IDCANCEL);
