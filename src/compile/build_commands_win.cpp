@@ -112,7 +112,7 @@ void DeleteProduct(const std::wstring& path) {
 }
 
 void CleanProducts() {
-    const std::wstring source = BuildSourceNow();
+    const std::wstring source = BuildSourceMeant();
     if (source.empty()) {
         OutputPaneAppend(L"Clean cancelled: save the active tab to a source file first.\r\n", kLineRed);
         g_events.statusText(L"Clean cancelled");

@@ -68,13 +68,15 @@ std::vector<BuildLine> SaveOtherDocuments() {
     return lines;
 }
 
-// Saves the active document if needed, and gives its path. Returns false when there is no saved file.
-bool SaveSourceToBuild(std::wstring* source) {
-    const int index = g_documents.activeTab;
+// Saves the document if needed, and gives its path. Returns false when there is no saved file.
+bool SaveSourceToBuild(int index, std::wstring* source) {
+    const DocumentId document = TabAt(index).id;
     {
         const DocumentTab& tab = TabAt(index);
         const bool needed = BuildNeedsSave(tab.modified, tab.hasFile, FileExists(tab.path));
-        if ((needed && !SaveBeforeBuild(index)) || !IsTabIndex(index)) return false;
+        if (needed && !SaveBeforeBuild(index)) return false;
+        index = TabBarFindDocument(document);
+        if (!IsTabIndex(index)) return false;
     }
     const DocumentTab& tab = TabAt(index);  // read again, because the save may have moved records
     *source = tab.hasFile ? tab.path : L"";
@@ -96,13 +98,32 @@ BuildRefusal SaveProjectToBuild(const BuildProject& project) {
     return !needed || SaveBeforeBuild(tab) ? BuildRefusal::None : BuildRefusal::NotSaved;
 }
 
+// What is built in place of an include file: the program that it belongs to. The file itself where none is open.
+int TabToBuild(const BuildOrder& order, std::vector<BuildLine>* said) {
+    const int active = g_documents.activeTab;
+    const DocumentTab& tab = TabAt(active);
+    if (order.documentOnly || !tab.hasFile || !IsIncludeFile(tab.path)) return active;
+    bool several = false;
+    const int program = TabOfProgramWith(tab.path, &several);
+    const std::wstring name = tab.label;
+    if (program >= 0)
+        said->push_back({L"[Build] " + name + L" is a part of " + TabAt(program).label + L", which is built.\r\n", 0});
+    else
+        said->push_back({L"[Build] " + name +
+                             (several ? L" is included by several open sources. It is built alone; build one of these "
+                                        L"first, and later builds take that.\r\n"
+                                      : L" is an include file that no open source includes. It is built alone.\r\n"),
+                         kLineTeal});
+    return program >= 0 ? program : active;
+}
+
 // Saves the source of the build and gives its path.
-BuildRefusal SaveAndFindSource(const BuildOrder& order, std::wstring* source) {
+BuildRefusal SaveAndFindSource(const BuildOrder& order, std::wstring* source, std::vector<BuildLine>* said) {
     // A copy, because saving may open a box, behind which the project can be read again.
     const std::optional<BuildProject> project = order.documentOnly ? std::nullopt : BuildProjectAtHand();
     if (!project) {
         if (!IsTabIndex(g_documents.activeTab)) return BuildRefusal::NoDocument;
-        return SaveSourceToBuild(source) ? BuildRefusal::None : BuildRefusal::NotSaved;
+        return SaveSourceToBuild(TabToBuild(order, said), source) ? BuildRefusal::None : BuildRefusal::NotSaved;
     }
     *source = project->source;
     return SaveProjectToBuild(*project);
@@ -382,7 +403,8 @@ int BuildStart(const BuildOrder& order) {
     if (BuildRefusalOf(order, BuildSituationNow()) == BuildRefusal::Running)
         return RefuseBuild(BuildRefusal::StillRunning);
     std::wstring source;
-    if (const BuildRefusal why = SaveAndFindSource(order, &source); why != BuildRefusal::None) {
+    std::vector<BuildLine> said;
+    if (const BuildRefusal why = SaveAndFindSource(order, &source, &said); why != BuildRefusal::None) {
         const std::wstring name = BuildProjectNow() ? BuildProjectNow()->name : L"";
         BuildApplyStep(BuildRefused(why, name, source));
         return 0;
@@ -396,6 +418,7 @@ int BuildStart(const BuildOrder& order) {
     const std::optional<BuildProject> project = BuildProjectOfSource(source);
     const std::uint32_t id = CompilerToUse(source, project);
     OutputFeedReset(id);
+    BuildApplyStep({.lines = said});
     BuildApplyStep({.lines = saved});
     if (!CompilerExists(id)) return RefuseWithoutCompiler(id);
     wchar_t output[kPathCapacity] = {};

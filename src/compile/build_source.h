@@ -33,7 +33,16 @@ bool ProjectHoldsFile(const BuildProject& project, std::wstring_view path);
 // Behind the status texts of a build while a project is open.
 std::wstring BuiltWhichText(std::wstring_view project, std::wstring_view source, bool ofProject);
 
+// Whether the file is of a type that is only included by others.
+bool IsIncludeFile(std::wstring_view path);
+// Whether a source includes a file of that name, in any folder. Looks at lines that begin with #INCLUDE or $INCLUDE.
+bool IncludesFile(std::string_view source, std::wstring_view fileName);
+
 // --- build_source_win.cpp
+
+// The open document to whose program an include file belongs: that of the last build if it includes the file, else the
+// only one that does. -1: there is none, or (`several`) one cannot tell which.
+int TabOfProgramWith(std::wstring_view includeFile, bool* several);
 
 // Nothing: no project is open. Raises projectChanged.
 void BuildUseProject(std::optional<BuildProject> project);
@@ -43,8 +52,10 @@ const std::optional<BuildProject>& BuildProjectNow();
 std::optional<BuildProject> BuildProjectAtHand();
 // The project whose main source this is.
 std::optional<BuildProject> BuildProjectOfSource(std::wstring_view source);
-// The source that a build would take now; empty: none.
+// The source that a build would take now; empty: none. Looks into no text: an include file counts as itself.
 std::wstring BuildSourceNow();
+// The same, with the program to which an include file belongs.
+std::wstring BuildSourceMeant();
 
 // The compiler that a build would use now: the project's, or the setting.
 std::uint32_t CompilerNow();

@@ -3,6 +3,8 @@
 #include "base/events.h"
 #include "base/path.h"
 #include "documents/document_row.h"
+#include "output/last_build.h"
+#include "scintilla/sci.h"
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
 
@@ -42,6 +44,35 @@ std::wstring BuildSourceNow() {
     if (IsAtHand()) return g_buildProject->source;
     const DocumentTab* document = ActiveDocument();
     return document != nullptr && document->hasFile ? document->path : L"";
+}
+
+int TabOfProgramWith(std::wstring_view includeFile, bool* several) {
+    constexpr LRESULT kLookedAt = 4 << 20;  // bytes
+    int found = -1;
+    *several = false;
+    for (int i = 0; i < TabCount(); ++i) {
+        const DocumentTab& tab = TabAt(i);
+        if (!tab.hasFile || tab.editor == nullptr || IsIncludeFile(tab.path)) continue;
+        const LRESULT length = SciSend(tab.editor, SCI_GETLENGTH);
+        if (length > kLookedAt) continue;
+        const auto* const text = reinterpret_cast<const char*>(SciSend(tab.editor, SCI_GETCHARACTERPOINTER));
+        if (!IncludesFile({text, static_cast<std::size_t>(length)}, FileNameOf(includeFile))) continue;
+        if (SamePathText(tab.path, LastBuild().source)) {
+            *several = false;
+            return i;
+        }
+        *several = found >= 0;
+        found = i;
+    }
+    return *several ? -1 : found;
+}
+
+std::wstring BuildSourceMeant() {
+    const std::wstring source = BuildSourceNow();
+    if (IsAtHand() || !IsIncludeFile(source)) return source;
+    bool several = false;
+    const int program = TabOfProgramWith(source, &several);
+    return program >= 0 ? TabAt(program).path : source;
 }
 
 std::uint32_t CompilerNow() {

@@ -35,7 +35,7 @@ std::wstring ProgramToRun() {
     const std::optional<BuildProject> project = BuildProjectAtHand();
     const bool other = project && !SamePathText(project->source, LastBuild().source);
     if (!LastBuild().output.empty() && !other) return LastBuild().output;
-    const std::wstring source = BuildSourceNow();
+    const std::wstring source = BuildSourceMeant();
     if (source.empty()) return {};
     wchar_t output[kPathCapacity] = {};
     CompilerMakeOutputPath(source.c_str(), output, kPathCapacity);

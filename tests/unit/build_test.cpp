@@ -1,5 +1,6 @@
 // The rules of building: diagnostics, command line, output on its way to the pane.
 #include "base/path.h"
+#include "compile/build_source.h"
 #include "compile/command_line.h"
 #include "compile/staging.h"
 #include "output/diagnostics.h"
@@ -464,6 +465,25 @@ TEST(CommandLine, BuildFlagsComeOnceAndOnlyWhole) {
     EXPECT_EQ(Narrow(flags), "-Wall --debug");
     AppendBuildFlag(flags, Repeat(1023 - 14));
     EXPECT_EQ(std::wstring_view(flags).size(), 1023U);
+}
+
+TEST(BuildSource, WhichSourceIncludesAFile) {
+    const struct {
+        const char* source;
+        bool includes;
+    } cases[] = {{"#INCLUDE \"part.inc\"", true},
+                 {"x = 1\r\n  # include <lib/PART.INC> ' the part\r\n", true},
+                 {"$INCLUDE \"..\\lib\\Part.inc\"\n", true},
+                 {"' #INCLUDE \"part.inc\"", false},
+                 {"#INCLUDE \"apart.inc\"", false},
+                 {"#INCLUDE \"part.inc", false},
+                 {"PRINT \"part.inc\"", false},
+                 {"#", false},
+                 {"", false}};
+    for (const auto& each : cases) EXPECT_EQ(IncludesFile(each.source, L"part.inc"), each.includes) << each.source;
+    EXPECT_TRUE(IsIncludeFile(L"C:\\a\\X.INC"));
+    EXPECT_FALSE(IsIncludeFile(L"C:\\a\\inc"));
+    EXPECT_FALSE(IsIncludeFile(L"C:\\a.inc\\x.bas"));
 }
 
 TEST(BuildPaths, NamesOfCopiesAndSideFiles) {
