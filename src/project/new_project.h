@@ -26,6 +26,8 @@ struct NewProject {
 std::wstring NewProjectFile(const NewProject& project);
 // What is in the way, for the user; empty: nothing.
 std::wstring NewProjectProblem(const NewProject& project);
+// What becomes of a folder that has files; empty: it has none. Looks at a few of its files only.
+std::wstring NewProjectNote(const NewProject& project);
 // Overwrites nothing. False with the reason; what it had made is gone then.
 bool MakeProject(const NewProject& project, std::wstring* file, std::wstring* reason);
 

@@ -44,7 +44,9 @@ void ShowResult(HWND dialog, const std::wstring& text) { SetDlgItemTextW(dialog,
 void ShowWhatWillBe(HWND dialog) {
     const NewProject project = AskedProject(dialog);
     const bool whole = ProjectNameProblem(project.name).empty() && PathIsAbsolute(project.parent);
-    ShowResult(dialog, project.name.empty() ? L"" : whole ? NewProjectFile(project) : ProjectNameProblem(project.name));
+    if (!whole) return ShowResult(dialog, project.name.empty() ? L"" : ProjectNameProblem(project.name));
+    const std::wstring note = NewProjectNote(project);
+    ShowResult(dialog, NewProjectFile(project) + (note.empty() ? L"" : L"\r\n" + note));
 }
 
 // Keeps the chosen sample when the other compiler has it, too.
@@ -102,6 +104,7 @@ void OnNewProjectCommand(HWND dialog, int control, int notification) {
     if (control == IDCANCEL) EndDialog(dialog, IDCANCEL);
     if (control == IDC_PROJECT_BROWSE) BrowseForFolder(dialog);
     if (control == IDC_PROJECT_COMPILER && notification == CBN_SELCHANGE) FillSamples(dialog);
+    if (control == IDC_PROJECT_SAMPLE && notification == CBN_SELCHANGE) ShowWhatWillBe(dialog);
     const bool typed = notification == EN_CHANGE && !g_newProject.samples.empty();
     if (typed && (control == IDC_PROJECT_NAME || control == IDC_PROJECT_FOLDER)) ShowWhatWillBe(dialog);
 }

@@ -98,7 +98,43 @@ private:
     bool kept_ = false;
 };
 
+// The names of some files in the folder, at most `most`.
+std::vector<std::wstring> SomeFiles(const std::wstring& folder, const wchar_t* pattern, std::size_t most) {
+    std::vector<std::wstring> names;
+    WIN32_FIND_DATAW entry = {};
+    const UniqueFind find{FindFirstFileW(PathForSystem((folder + pattern).c_str()).c_str(), &entry)};
+    if (!find) return names;
+    do {
+        if (!IsFolderEntry(entry)) names.emplace_back(entry.cFileName);
+    } while (names.size() < most && FindNextFileW(find.Get(), &entry) != FALSE);
+    return names;
+}
+
 std::wstring ProjectFolderOf(const NewProject& project) { return ProjectPath(project.parent, project.name); }
+
+// The source in the folder that can only be meant as the main one: main.bas, that with the name of the project, or the
+// only one there. Empty: none of these.
+std::wstring MainSourceThere(const NewProject& project) {
+    const std::wstring folder = ProjectFolderOf(project);
+    for (const std::wstring& name : {std::wstring(kMainName), project.name + L".bas"})
+        if (FileExists((folder + L"\\" + name).c_str())) return name;
+    const std::vector<std::wstring> sources = SomeFiles(folder, L"\\*.bas", 2);
+    return sources.size() == 1 ? sources[0] : L"";
+}
+
+// The file of the sample whose name the folder has already; empty: there is none.
+std::wstring SampleFileThere(const ProjectSample& sample, const std::wstring& folder) {
+    std::wstring there;
+    const auto look = [&](const std::wstring& name) {
+        if (there.empty() && FileExists((folder + L"\\" + name).c_str())) there = name;
+    };
+    if (!sample.isFolder) look(kMainName);
+    if (sample.isFolder)
+        ForEachEntry(sample.path, [&](const WIN32_FIND_DATAW& entry) {
+            if (!IsFolderEntry(entry)) look(entry.cFileName);
+        });
+    return there;
+}
 
 bool CopySample(const ProjectSample& sample, const std::wstring& folder, MadeFiles& made) {
     if (sample.path.empty()) return made.Write(folder + L"\\" + kMainName, kEmptyProgram);
@@ -136,9 +172,18 @@ std::wstring NewProjectProblem(const NewProject& project) {
     const std::wstring folder = ProjectFolderOf(project);
     if (folder.size() > 200) return L"The path is too long.";
     if (FileExists(folder.c_str())) return L"There is a file of this name already.";
-    bool empty = true;
-    if (DirectoryExists(folder.c_str())) ForEachEntry(folder, [&](const WIN32_FIND_DATAW&) { empty = false; });
-    return empty ? L"" : L"There is a folder of this name already, with files in it.";
+    if (FileExists(NewProjectFile(project).c_str())) return L"There is a project of this name already.";
+    const std::wstring there = project.sample.path.empty() ? L"" : SampleFileThere(project.sample, folder);
+    return there.empty() ? L""
+                         : L"The folder has a file " + there + L", which stays. Start with an empty program instead.";
+}
+
+std::wstring NewProjectNote(const NewProject& project) {
+    const std::wstring folder = ProjectFolderOf(project);
+    if (!PathAnswers(folder.c_str()) || SomeFiles(folder, L"\\*", 1).empty()) return {};
+    const std::wstring main = project.sample.path.empty() ? MainSourceThere(project) : L"";
+    return L"The folder has files already, which stay. " + (main.empty() ? L"A new " + std::wstring(kMainName) : main) +
+           L" is the main source.";
 }
 
 bool MakeProject(const NewProject& project, std::wstring* file, std::wstring* reason) {
@@ -147,9 +192,10 @@ bool MakeProject(const NewProject& project, std::wstring* file, std::wstring* re
     const std::wstring folder = ProjectFolderOf(project);
     *file = NewProjectFile(project);
     MadeFiles made;
-    const std::string text =
-        ProjectCompose({.name = project.name, .source = kMainName, .compiler = CompilerName(project.compiler)});
-    if (made.Folder(folder) && CopySample(project.sample, folder, made) && made.Write(*file, text)) {
+    const std::wstring main = project.sample.path.empty() ? MainSourceThere(project) : L"";
+    const std::string text = ProjectCompose(
+        {.name = project.name, .source = main.empty() ? kMainName : main, .compiler = CompilerName(project.compiler)});
+    if (made.Folder(folder) && (!main.empty() || CopySample(project.sample, folder, made)) && made.Write(*file, text)) {
         made.Keep();
         return true;
     }

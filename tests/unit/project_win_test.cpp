@@ -31,6 +31,22 @@ TEST(NewProjectWin, MakesAFolderAndOverwritesNothing) {
     WriteBytes(folder.path / "Bank" / "main.bas", "mine");
     EXPECT_FALSE(MakeProject(project, &file, &reason)) << "its files are there";
     EXPECT_EQ(ReadBytes(folder.path / "Bank" / "main.bas"), "mine");
+    // A folder of sources becomes one: nothing in it is touched, and its source is the main one.
+    project.name = L"Old";
+    fs::create_directories(folder.path / "Old");
+    WriteBytes(folder.path / "Old" / "part.inc", "mine");
+    EXPECT_FALSE(MakeProject(project, &file, &reason)) << "the sample has a file of that name";
+    EXPECT_NE(reason.find(L"part.inc"), std::wstring::npos);
+    EXPECT_FALSE(fs::exists(folder.path / "Old" / "main.bas"));
+    NewProject empty = project;
+    empty.sample = {};
+    WriteBytes(folder.path / "Old" / "only.bas", "mine");
+    EXPECT_NE(NewProjectNote(empty).find(L"only.bas is the main source"), std::wstring::npos);
+    ASSERT_TRUE(MakeProject(empty, &file, &reason));
+    EXPECT_EQ(ProjectParse(ReadBytes(file)).source.text, L"only.bas");
+    EXPECT_EQ(ReadBytes(folder.path / "Old" / "only.bas"), "mine");
+    EXPECT_FALSE(fs::exists(folder.path / "Old" / "main.bas"));
+    EXPECT_FALSE(MakeProject(empty, &file, &reason)) << "the project file is there";
     WriteBytes(folder.path / "Taken", "");
     for (const wchar_t* name : {L"Taken", L"a/b", L"nul", L" ", L".."}) {
         project.name = name;
