@@ -17,6 +17,8 @@ constexpr int kMinimumBottomWidth = 160;  // of each pane of the bottom
 constexpr int kLeastDebugHeight = 190;    // of the bottom right: a row of tabs, titles, and six rows
 constexpr int kMinimumLeftHeight = 80;    // of each pane of the left
 constexpr int kMinimumListHeight = 40;    // of the error list
+constexpr int kLeastOutputHeight = 116;   // of the output above the error list: its title and five rows
+constexpr int kLeastListHeight = 136;     // of the error list below it: title, header and four rows
 constexpr int kMaximumListHeight = 2000;
 constexpr int kMaximumSecond = 4000;
 constexpr int kLeastStartPage = 160;  // its height below a document
@@ -109,6 +111,20 @@ int LowestDebugTop(const PaneRect& document, int dpi) {
     return document.bottom - std::min(ScaledTo(kLeastDebugHeight, dpi), document.height() / 2);
 }
 
+// The same for the bottom while the error list is in it. Rows of a fixed height, as the terminal, come on top.
+int LowestListTop(const LayoutInput& input, const PaneRect& document) {
+    int height = 0;
+    bool list = false;
+    for (const PaneWish& pane : input.panes) {
+        if (!IsIn(pane, PaneArea::BelowBottom)) continue;
+        list = list || pane.hasBar;
+        height += pane.hasBar ? ScaledTo(kLeastListHeight, input.dpi) : pane.height;
+    }
+    if (!list) return document.bottom;
+    height += ScaledTo(kLeastOutputHeight, input.dpi) + kSplitterThickness;
+    return document.bottom - std::min(height, document.height() / 2);
+}
+
 // Places all panes below the editor, with their bars. Returns the y at which the editor ends.
 int PlaceBelowEditor(const LayoutInput& input, const PaneRect& document, PaneLayout& layout) {
     const bool bottom = PanesIn(input, PaneArea::Bottom) > 0;
@@ -116,6 +132,7 @@ int PlaceBelowEditor(const LayoutInput& input, const PaneRect& document, PaneLay
     layout.outputSplit = ClampSplitter(document.bottom, document.top, input.outputSplit);
     int end = std::clamp(layout.outputSplit, document.top, document.bottom);
     if (PanesIn(input, PaneArea::BottomRight) > 0) end = std::min(end, LowestDebugTop(document, input.dpi));
+    if (bottom) end = std::min(end, LowestListTop(input, document));
     layout.outputSplitter =
         AreaOf(document.left, document.right, end, std::min(document.bottom, end + kSplitterThickness));
     PaneRect below = AreaOf(document.left, document.right, layout.outputSplitter.bottom, document.bottom);

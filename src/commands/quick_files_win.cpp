@@ -141,12 +141,20 @@ std::wstring FilesStatus(bool none) {
     return none ? L"no file matches" : L"";
 }
 
+// The compiler stays what it is: a file that is looked up is no choice of another one.
+bool OpenHere(const std::wstring& path) {
+    if (FileIsProject(path.c_str())) return FileOpen(path.c_str()) != 0;
+    if (FileShow(path.c_str(), false) == 0) return false;
+    MruAddFile(TabAt(g_documents.activeTab).path);
+    return true;
+}
+
 void OpenFound(const QuickItem& item, const QuickQuery& query) {
     const KnownFile file = FileOf(item);
     const int index = TabBarFindDocument(file.document);
     const bool asText = query.line > 0 && FileIsProject(file.path.c_str());
-    const auto open = [&] { return asText ? FileShow(file.path.c_str(), false) : FileOpen(file.path.c_str()); };
-    const bool shown = index >= 0 ? TabBarActivate(index) != 0 : !file.path.empty() && open() != 0;
+    const auto open = [&] { return asText ? FileShow(file.path.c_str(), false) != 0 : OpenHere(file.path); };
+    const bool shown = index >= 0 ? TabBarActivate(index) != 0 : !file.path.empty() && open();
     if (shown && query.line > 0) {
         const DocumentTab& document = TabAt(g_documents.activeTab);
         CaretGoTo(document.editor, CaretPositionOfFileColumn(document, query.line - 1, std::max(query.column - 1, 0)));

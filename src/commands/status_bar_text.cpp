@@ -19,6 +19,7 @@ std::wstring PositionText(std::ptrdiff_t line, std::ptrdiff_t column) {
 std::wstring SelectionText(const SelectionFacts& facts) {
     std::wstring text;
     if (facts.selections > 1) text = GroupedNumber(facts.selections) + L" selections";
+    if (facts.characters == 0 && facts.selections <= 1 && facts.length < 0) return {};
     if (facts.characters == 0) return facts.selections > 1 ? text : GroupedNumber(facts.length) + L" bytes in all";
     if (facts.selections == 1 && facts.lines > 1) text = GroupedNumber(facts.lines) + L" lines";
     if (!text.empty()) text += L", ";

@@ -9,6 +9,7 @@
 #include "commands/status_fields_window.h"
 #include "compile/build_source.h"
 #include "documents/document_row.h"
+#include "documents/save_rules.h"
 #include "scintilla/sci.h"
 #include "settings/compiler_presence.h"
 #include "settings/compiler_table.h"
@@ -161,12 +162,37 @@ LRESULT CALLBACK StatusBarProc(HWND window, UINT message, WPARAM wParam, LPARAM 
     return SubclassNext(window, message, wParam, lParam);
 }
 
+// The bytes that the file has, or will have after the next save; -1: this would take long to find out. Scintilla counts
+// the characters of the lines while they change, so that no key looks at the whole text.
+LRESULT BytesInFile(const DocumentTab& tab) {
+    constexpr LRESULT kCounted = 32 << 20;  // bytes of UTF-8; the first count takes some 10 ms
+    if (tab.hasFile && !tab.modified && tab.onDisk.presence == FilePresence::There)
+        return static_cast<LRESULT>(tab.onDisk.size);
+    const LRESULT length = SciSend(tab.editor, SCI_GETLENGTH);
+    const bool utf16 = tab.form.utf16 != Utf16Order::None;
+    if (!utf16 && EncodingOfNextSave(tab) == TextEncoding::Utf8) return length;
+    CPINFO page = {};
+    if (length > kCounted || (!utf16 && (GetCPInfo(CP_ACP, &page) == FALSE || page.MaxCharSize != 1))) return -1;
+    if (SciSend(tab.editor, SCI_GETLINECHARACTERINDEX) == SC_LINECHARACTERINDEX_NONE)
+        SciSend(tab.editor, SCI_ALLOCATELINECHARACTERINDEX, SC_LINECHARACTERINDEX_UTF16);
+    const LRESULT last = SciSend(tab.editor, SCI_GETLINECOUNT) - 1;
+    const LRESULT start = SciSend(tab.editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(last));
+    const LRESULT units =
+        SciSend(tab.editor, SCI_INDEXPOSITIONFROMLINE, static_cast<WPARAM>(last), SC_LINECHARACTERINDEX_UTF16) +
+        SciSend(tab.editor, SCI_COUNTCODEUNITS, static_cast<WPARAM>(start), length);
+    return utf16 ? 2 * units + (tab.form.mark ? 2 : 0) : units;
+}
+
 // Counting the characters of a large selection takes long, so these are told in bytes.
-SelectionFacts SelectionOf(HWND editor) {
+SelectionFacts SelectionOf(const DocumentTab& tab) {
+    const HWND editor = tab.editor;
     constexpr LRESULT kCounted = 1 << 20;  // bytes
     constexpr LRESULT kAdded = 2000;       // selections whose lengths are asked for
-    SelectionFacts facts = {.selections = SciSend(editor, SCI_GETSELECTIONS), .length = SciSend(editor, SCI_GETLENGTH)};
-    if (SciSend(editor, SCI_GETSELECTIONEMPTY) != 0) return facts;
+    SelectionFacts facts = {.selections = SciSend(editor, SCI_GETSELECTIONS)};
+    if (SciSend(editor, SCI_GETSELECTIONEMPTY) != 0) {
+        facts.length = BytesInFile(tab);
+        return facts;
+    }
     const auto lineOf = [&](LRESULT at) { return SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(at)); };
     for (LRESULT i = 0; i < std::min<LRESULT>(facts.selections, kAdded); ++i) {
         const auto index = static_cast<WPARAM>(i);
@@ -260,7 +286,7 @@ void StatusBarUpdatePosition() {
     const LRESULT line = SciSend(tab.editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(position));
     const LRESULT column = SciSend(tab.editor, SCI_GETCOLUMN, static_cast<WPARAM>(position));
     SetStatusPart(kPosition, PositionText(line + 1, column + 1));
-    SetStatusPart(kSelection, SelectionText(SelectionOf(tab.editor)));
-    SetStatusPart(kEncoding, EncodingName(tab.encoding, tab.form));
+    SetStatusPart(kSelection, SelectionText(SelectionOf(tab)));
+    SetStatusPart(kEncoding, EncodingName(EncodingOfNextSave(tab), tab.form));
     SetStatusPart(kLineEnding, LineEndingName(static_cast<int>(tab.lineEnding)));
 }

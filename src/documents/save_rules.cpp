@@ -27,6 +27,10 @@ FileBinding BindingForNewName(const wchar_t* path, const FileBinding& before) {
     return binding;
 }
 
+TextEncoding EncodingOfNextSave(const FileBinding& binding) {
+    return binding.hasFile || binding.chosen ? binding.encoding : TextEncoding::Ansi;
+}
+
 bool SaveMakesBackup(bool wanted, bool fileExists, bool lastSaveFailed) {
     return wanted && fileExists && !lastSaveFailed;
 }

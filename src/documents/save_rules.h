@@ -43,5 +43,9 @@ std::wstring SaveQuestion(const wchar_t* label);    // at most 511 characters
 std::wstring ReloadQuestion(const wchar_t* label);  // the same
 std::wstring AnsiQuestion(const wchar_t* label);
 
+// The encoding in which the next save writes the document, as far as nobody is asked. Without a file yet it is that of a
+// new name.
+TextEncoding EncodingOfNextSave(const FileBinding& binding);
+
 // The name that is proposed for a document without a file: its label as the name of a source.
 std::wstring NameToPropose(std::wstring_view label);

@@ -89,6 +89,21 @@ bool BringBack(const Leftover& leftover, RecoveryWish wish) {
     return true;
 }
 
+// Tells it beside the document that was brought back last, until something else is told or some time has passed.
+void TellBroughtBack(int count) {
+    static constexpr UINT kToldMs = 10'000;
+    static DocumentId about = 0;
+    about = ActiveDocumentId();
+    g_events.documentStatus(about, FormatW(count == 1 ? L"%d text was brought back; it is not saved yet"
+                                                      : L"%d texts were brought back; they are not saved yet",
+                                           count)
+                                       .c_str());
+    SetTimer(nullptr, 0, kToldMs, [](HWND, UINT, UINT_PTR timer, DWORD) {
+        KillTimer(nullptr, timer);
+        g_events.documentStatus(about, L"");
+    });
+}
+
 void CarryOut(const std::vector<Leftover>& leftovers, const std::vector<RecoveryWish>& wishes) {
     int back = 0, failed = 0;
     for (std::size_t i = 0; i < leftovers.size(); ++i) {
@@ -96,11 +111,7 @@ void CarryOut(const std::vector<Leftover>& leftovers, const std::vector<Recovery
         if (wishes[i] != RecoveryWish::Restore && wishes[i] != RecoveryWish::Beside) continue;
         ++(BringBack(leftovers[i], wishes[i]) ? back : failed);
     }
-    if (back > 0)
-        g_events.statusText(FormatW(back == 1 ? L"%d text was brought back; it is not saved yet"
-                                              : L"%d texts were brought back; they are not saved yet",
-                                    back)
-                                .c_str());
+    if (back > 0) TellBroughtBack(back);
     if (failed > 0)
         ErrorMessage(L"%d texts could not be brought back. They stay in the list of recovered files.", failed);
 }

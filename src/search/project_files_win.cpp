@@ -22,7 +22,8 @@ constexpr ULONGLONG kBlockMs = 150;      // a block is posted after this time, s
 constexpr ULONGLONG kFreshMs = 5000;     // a list is not made again within this time, or five times what it took
 constexpr std::size_t kMostWorkers = 4;  // each may hang on a share that is gone
 constexpr wchar_t kNotText[] =
-    L"*.exe;*.dll;*.obj;*.o;*.a;*.lib;*.pdb;*.ilk;*.exp;*.res;*.com;*.sys;*.ocx;*.pch;*.gch;*.class;*.pyc;*.zip;*.7z;"
+    L"*.exe;*.exe.*;*.pbd;*.dll;*.obj;*.o;*.a;*.lib;*.pdb;*.ilk;*.exp;*.res;*.com;*.sys;*.ocx;*.pch;*.gch;*.class;*."
+    L"pyc;*.zip;*.7z;"
     L"*.gz;*.rar;*.cab;*.msi;*.png;*.jpg;*.jpeg;*.gif;*.bmp;*.ico;*.cur;*.tif;*.webp;*.mp3;*.wav;*.mp4;*.avi;*.pdf;"
     L"*.ttf;*.otf;*.woff;*.woff2;*.db;*.mdb;*.chm;*.bin;*.iso";
 

@@ -64,8 +64,8 @@ int NewDocumentOf(const ClosedTab& closed) {
 int OpenAgain(const ClosedTab& closed) {
     if (closed.path.empty()) return NewDocumentOf(closed);
     const wchar_t* path = closed.path.c_str();
-    const bool shown = FileIsProject(path) ? FileShow(path, false) != 0 : FileOpen(path) != 0;
-    return shown ? TabBarFindPath(path) : -1;
+    // The compiler stays: the user wants this text back, and no other build of the rest.
+    return FileShow(path, false) != 0 ? TabBarFindPath(path) : -1;
 }
 
 bool IsOpen(const ClosedTab& closed) { return !closed.path.empty() && TabBarFindPath(closed.path.c_str()) >= 0; }

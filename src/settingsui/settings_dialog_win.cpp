@@ -109,12 +109,25 @@ void StepPage(SettingsDialog& dialog, bool back) {
     ShowListed(dialog);
 }
 
+// To the search: Ctrl+F from anywhere, and with a letter that is typed in the list of pages, which has few of them.
+bool KeyIsForSearch(SettingsDialog& dialog, const MSG& message) {
+    const HWND search = GetDlgItem(dialog.window, IDC_SETTINGS_SEARCH);
+    const bool find = message.message == WM_KEYDOWN && message.wParam == 'F' && GetKeyState(VK_CONTROL) < 0 &&
+                      GetKeyState(VK_MENU) >= 0 && GetKeyState(VK_SHIFT) >= 0;
+    const bool letter = message.message == WM_CHAR && message.hwnd == PageList(dialog) && message.wParam > L' ';
+    if (!find && !letter) return false;
+    SendMessageW(dialog.window, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(search), TRUE);  // selects what is in it
+    if (letter) SendMessageW(search, WM_CHAR, message.wParam, message.lParam);
+    return true;
+}
+
 // Sees the keys of the dialog before IsDialogMessage, which takes Ctrl+Tab for Tab.
 LRESULT CALLBACK PageKeysHook(int code, WPARAM wParam, LPARAM lParam) {
     const MSG& message = *reinterpret_cast<const MSG*>(lParam);
-    const bool own = code == MSGF_DIALOGBOX && message.message == WM_KEYDOWN && g_openDialog != nullptr &&
-                     GetAncestor(message.hwnd, GA_ROOT) == g_openDialog;
-    if (!own || message.wParam != VK_TAB || GetKeyState(VK_CONTROL) >= 0)
+    const bool own = code == MSGF_DIALOGBOX && (message.message == WM_KEYDOWN || message.message == WM_CHAR) &&
+                     g_openDialog != nullptr && GetAncestor(message.hwnd, GA_ROOT) == g_openDialog;
+    if (own && KeyIsForSearch(DialogOf(g_openDialog), message)) return 1;
+    if (!own || message.message != WM_KEYDOWN || message.wParam != VK_TAB || GetKeyState(VK_CONTROL) >= 0)
         return CallNextHookEx(nullptr, code, wParam, lParam);
     StepPage(DialogOf(g_openDialog), GetKeyState(VK_SHIFT) < 0);
     return 1;

@@ -248,6 +248,17 @@ TEST(Layout, TheDebugPaneSharesTheBottomOrHasItAlone) {
     EXPECT_GE(ComputePaneLayout(low).editor.height(), 60) << "the editor keeps its half of a small window";
 }
 
+TEST(Layout, OutputAndErrorListKeepSomeRowsEach) {
+    LayoutInput input = InputOf(1000, 700, 4 | 8 | 16, 96);
+    input.outputSplit = 650;  // for the output alone
+    const PaneLayout layout = ComputePaneLayout(input);
+    EXPECT_GE(layout.pane(PaneId::Output).height(), 5 * 16);
+    EXPECT_GE(layout.pane(PaneId::ErrorList).height(), 24 + 4 * 20) << "with its header";
+    EXPECT_GT(layout.outputSplit, 600) << "what the user wants of the bar is kept";
+    input.clientHeight = 300;
+    EXPECT_GE(ComputePaneLayout(input).editor.height(), 60) << "the editor keeps its half of a small window";
+}
+
 // Two panes of one area share it, and no other pane changes its place.
 TEST(Layout, PanesOfOneAreaShareIt) {
     LayoutInput input = InputOf(1000, 700, 4 | 128, 96);
@@ -284,7 +295,7 @@ TEST(Layout, APlacedBarHasTheValueThatPutsItThere) {
     const PaneLayout before = ComputePaneLayout(input);
     const auto value = [&](Splitter bar) { return SplitterValueOf(before, bar, 96); };
     EXPECT_EQ(value(Splitter::Outline), 200);
-    EXPECT_EQ(value(Splitter::ErrorList), 121) << "half of what the terminal line leaves";
+    EXPECT_EQ(value(Splitter::ErrorList), 126) << "half of what the terminal line leaves";
     input.outputSplit = value(Splitter::Output);
     input.sideWidth = value(Splitter::Side);
     input.treeWidth = value(Splitter::Tree);

@@ -171,7 +171,7 @@ TEST(Files, CloseAsksAndObeys) {
             SetFileAttributesW(folder.File(L"a.bas").c_str(), FILE_ATTRIBUTE_READONLY);
             editor.Post(IDM_FILE_CLOSE);
             editor.Answer(kUnsaved, L"", IDYES);
-            editor.Answer(kProgramTitle, L"Failed to save file: " + folder.File(L"a.bas"), IDOK);
+            editor.Answer(kProgramTitle, L"Failed to save file: " + folder.File(L"a.bas"), IDCANCEL);
             EXPECT_EQ(editor.TabLabel(0), L"a.bas");
             EXPECT_TRUE(editor.Modified());
             SetFileAttributesW(folder.File(L"a.bas").c_str(), FILE_ATTRIBUTE_NORMAL);

@@ -173,10 +173,13 @@ TEST(Tabs, NamesPinsAndClosingAgain) {
     EXPECT_TRUE(WaitFor([&] { return Initials(editor) == L"x"; }));
     editor.Do(IDM_TAB_REOPEN);
     EXPECT_EQ(editor.Text(), "never saved");
+    editor.Do(IDM_USE_KVXC64);
+    const std::wstring compiler = editor.Status(kPartCompiler);
     EXPECT_TRUE(editor.TabLabel(editor.ActiveTab()) == L"Untitled");
     editor.Do(IDM_TAB_REOPEN);
     EXPECT_EQ(editor.TabLabel(1), L"main.bas");
     EXPECT_EQ(editor.ActiveTab(), 1) << "at its old place";
+    EXPECT_EQ(editor.Status(kPartCompiler), compiler) << "no other compiler for the rest";
     EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 3);
     EXPECT_NE(editor.Sci(SCI_MARKERGET, 0), 0) << "the bookmark";
     editor.Do(IDM_TAB_REOPEN);  // nothing is left
@@ -231,7 +234,7 @@ TEST(Tabs, OneQuestionAboutTheChangesOfSeveral) {
     editor.Type("y");
     editor.Post(IDM_FILE_CLOSE_ALL);
     editor.Press(editor.AwaitDialog(kUnsaved), IDC_CLOSE_SAVE);
-    editor.Answer(kProgramTitle, L"Failed to save file: ", IDOK);
+    editor.Answer(kProgramTitle, L"Failed to save file: ", IDCANCEL);
     EXPECT_EQ(editor.Tabs(), 2);
     editor.Post(IDM_FILE_EXIT);
     question = editor.AwaitDialog(kUnsaved);
