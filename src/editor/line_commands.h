@@ -13,5 +13,5 @@ void EditorToggleComment(HWND editor);  // the lines become comments, or text ag
 // staying with the line below; undo brings them back.
 void EditorCut(HWND editor);
 void EditorCutLine(HWND editor);  // the lines of the selection
-void EditorPaste(HWND editor);  // undo selects again what it has replaced
+void EditorPaste(HWND editor);    // undo selects again what it has replaced
 void EditorErase(HWND editor, const std::function<void()>& erase);
