@@ -109,7 +109,7 @@ void OpenWorkspace() {
     }
 }
 
-// Modified texts are asked about by the closing itself.
+// Where a text is modified, the closing itself asks, and can be cancelled.
 void NewWorkspace() {
     const auto files = std::ranges::count_if(g_app.tabs, &DocumentTab::hasFile);
     const std::wstring text = FormatW(files == 1 ? L"A new workspace closes the open file. It can be opened again with "
@@ -117,11 +117,13 @@ void NewWorkspace() {
                                                  : L"A new workspace closes the %d open files. They can be opened "
                                                    L"again with Ctrl+Shift+T.",
                                       static_cast<int>(files));
-    if (files > 0 && AskUser({.caption = L"New Workspace",
-                              .text = text.c_str(),
-                              .buttons = AskButtons::OkCancel,
-                              .icon = AskIcon::Question,
-                              .inSelftest = Answer::Yes}) != Answer::Yes)
+    const bool asked = std::ranges::any_of(g_app.tabs, &DocumentTab::modified);
+    if (files > 0 && !asked &&
+        AskUser({.caption = L"New Workspace",
+                 .text = text.c_str(),
+                 .buttons = AskButtons::OkCancel,
+                 .icon = AskIcon::Question,
+                 .inSelftest = Answer::Yes}) != Answer::Yes)
         return;
     WorkspaceNew();
 }

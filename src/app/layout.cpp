@@ -1,6 +1,7 @@
 // Computes the places of the panes. Pure.
 #include "app/layout.h"
 
+#include "app/split_ratios.h"
 #include "ui/scale.h"
 
 #include <algorithm>
@@ -8,7 +9,7 @@
 
 namespace {
 
-constexpr int kMinimumEditorWidth = 200;  // all of these at 96 dpi
+constexpr int kMinimumEditorWidth = 300;  // all of these at 96 dpi
 constexpr int kMinimumSideWidth = 150;
 constexpr int kMaximumSideWidth = 600;
 constexpr int kMinimumTreeWidth = 100;
@@ -18,7 +19,7 @@ constexpr int kLeastDebugHeight = 190;    // of the bottom right: a row of tabs,
 constexpr int kMinimumLeftHeight = 80;    // of each pane of the left
 constexpr int kMinimumListHeight = 40;    // of the error list
 constexpr int kLeastOutputHeight = 116;   // of the output above the error list: its title and five rows
-constexpr int kLeastListHeight = 136;     // of the error list below it: title, header and four rows
+constexpr int kLeastListHeight = 148;     // of the error list below it: title, header, four rows, scroll bar
 constexpr int kMaximumListHeight = 2000;
 constexpr int kMaximumSecond = 4000;
 constexpr int kLeastStartPage = 160;  // its height below a document
@@ -111,6 +112,11 @@ int LowestDebugTop(const PaneRect& document, int dpi) {
     return document.bottom - std::min(ScaledTo(kLeastDebugHeight, dpi), document.height() / 2);
 }
 
+// Nobody has put the bar elsewhere than the editor does.
+bool IsUnchosenSplit(const LayoutInput& input, const PaneRect& document) {
+    return std::abs(input.outputSplit - PositionAt(kFirstOutputRatio, document.top, document.bottom)) <= 1;
+}
+
 // The same for the bottom while the error list is in it. Rows of a fixed height, as the terminal, come on top.
 int LowestListTop(const LayoutInput& input, const PaneRect& document) {
     int height = 0;
@@ -132,7 +138,7 @@ int PlaceBelowEditor(const LayoutInput& input, const PaneRect& document, PaneLay
     layout.outputSplit = ClampSplitter(document.bottom, document.top, input.outputSplit);
     int end = std::clamp(layout.outputSplit, document.top, document.bottom);
     if (PanesIn(input, PaneArea::BottomRight) > 0) end = std::min(end, LowestDebugTop(document, input.dpi));
-    if (bottom) end = std::min(end, LowestListTop(input, document));
+    if (bottom && IsUnchosenSplit(input, document)) end = std::min(end, LowestListTop(input, document));
     layout.outputSplitter =
         AreaOf(document.left, document.right, end, std::min(document.bottom, end + kSplitterThickness));
     PaneRect below = AreaOf(document.left, document.right, layout.outputSplitter.bottom, document.bottom);
@@ -237,7 +243,7 @@ int ClampSideWidth(int width) { return std::clamp(width, kMinimumSideWidth, kMax
 
 int SplitterValueOf(const PaneLayout& layout, Splitter bar, int dpi) {
     switch (bar) {
-        case Splitter::Output: return layout.outputSplit;
+        case Splitter::Output: return layout.outputSplitter.empty() ? layout.outputSplit : layout.outputSplitter.top;
         case Splitter::Side: return Unscaled(layout.sideWidth, dpi);
         case Splitter::Tree: return Unscaled(layout.treeWidth, dpi);
         case Splitter::Debug: return Unscaled(layout.pane(PaneId::Debug).width(), dpi);

@@ -479,7 +479,9 @@ void EditorErase(HWND editor, const std::function<void()>& erase) {
     LineMarksMove marks = LineMarksTake(editor, *lines);
     erase();
     LineMarksPut(editor, std::move(marks));
-    ShowStatus(L"The bookmarks and breakpoints of these lines went with them; undo brings them back");
+    if (const PaneState* const pane = PaneStateOf(editor); pane != nullptr)
+        g_events.documentStatus(pane->document,
+                                L"Bookmarks and breakpoints went with the lines; undo brings them back");
 }
 
 void EditorCut(HWND editor) {
@@ -490,9 +492,8 @@ void EditorCut(HWND editor) {
 
 void EditorCutLine(HWND editor) {
     const CaretUndoStep step(editor);
-    const auto lineOf = [editor](UINT end) { return PaneSend(editor, SCI_LINEFROMPOSITION, PaneSend(editor, end)); };
-    const LRESULT start = LineStart(editor, lineOf(SCI_GETSELECTIONSTART));
-    PaneSend(editor, SCI_SETSEL, start, LineStart(editor, lineOf(SCI_GETSELECTIONEND) + 1));
+    const std::vector<LineBlock> lines = MergedBlocks(CaretLines(editor));
+    PaneSend(editor, SCI_SETSEL, LineStart(editor, lines.front().first), LineStart(editor, lines.back().last + 1));
     EditorErase(editor, [editor] { PaneSend(editor, SCI_CUT); });
 }
 

@@ -250,11 +250,14 @@ TEST(Layout, TheDebugPaneSharesTheBottomOrHasItAlone) {
 
 TEST(Layout, OutputAndErrorListKeepSomeRowsEach) {
     LayoutInput input = InputOf(1000, 700, 4 | 8 | 16, 96);
-    input.outputSplit = 650;  // for the output alone
+    input.outputSplit = PositionAt(kFirstOutputRatio, 28, 700);  // right for the output alone
     const PaneLayout layout = ComputePaneLayout(input);
     EXPECT_GE(layout.pane(PaneId::Output).height(), 5 * 16);
     EXPECT_GE(layout.pane(PaneId::ErrorList).height(), 24 + 4 * 20) << "with its header";
-    EXPECT_GT(layout.outputSplit, 600) << "what the user wants of the bar is kept";
+    EXPECT_EQ(SplitterValueOf(layout, Splitter::Output, 96), layout.outputSplitter.top) << "where a drag begins";
+    input.outputSplit = 640;
+    EXPECT_EQ(ComputePaneLayout(input).outputSplitter.top, 640) << "the user has put it there";
+    input.outputSplit = PositionAt(kFirstOutputRatio, 28, 300);
     input.clientHeight = 300;
     EXPECT_GE(ComputePaneLayout(input).editor.height(), 60) << "the editor keeps its half of a small window";
 }
@@ -295,7 +298,7 @@ TEST(Layout, APlacedBarHasTheValueThatPutsItThere) {
     const PaneLayout before = ComputePaneLayout(input);
     const auto value = [&](Splitter bar) { return SplitterValueOf(before, bar, 96); };
     EXPECT_EQ(value(Splitter::Outline), 200);
-    EXPECT_EQ(value(Splitter::ErrorList), 126) << "half of what the terminal line leaves";
+    EXPECT_EQ(value(Splitter::ErrorList), 121) << "half of what the terminal line leaves";
     input.outputSplit = value(Splitter::Output);
     input.sideWidth = value(Splitter::Side);
     input.treeWidth = value(Splitter::Tree);

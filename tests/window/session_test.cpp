@@ -279,6 +279,9 @@ TEST(Workspace, WritesItsLayoutAndReadsItBack) {
     EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 3) << "not between CR and LF";
 
     // A new workspace needs every document closed; a refusal leaves everything as it is.
+    editor.Post(IDM_WORKSPACE_NEW);
+    editor.Answer(L"New Workspace", L"A new workspace closes the 2 open files", IDCANCEL);
+    EXPECT_EQ(editor.Tabs(), 2);
     editor.Type("x");
     editor.Post(IDM_WORKSPACE_NEW);
     editor.Answer(kUnsaved, L"Save changes to c.bas?", IDCANCEL);

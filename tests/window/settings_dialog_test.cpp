@@ -188,8 +188,12 @@ TEST(SettingsDialog, IsSearchedAndWorkedByKeysAlone) {
     EXPECT_EQ(ClipboardText(), L"Toolbar > Buttons without room\tAlt+F2\r\n");
     dialog.Set(dialog.Control(IDC_SETTINGS_SEARCH), L"nobody has this");
     EXPECT_TRUE(IsWindowVisible(dialog.Control(IDC_SETTINGS_NOTHING)));
-    dialog.Mnemonic(L's');
+    // A letter that is typed in the pages begins another search.
+    editor.Send(dialog.window, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(pages), TRUE);
+    ASSERT_TRUE(dialog.AwaitFocus(pages));
+    PostMessageW(pages, WM_CHAR, L'f', 1);
     ASSERT_TRUE(dialog.AwaitFocus(dialog.Control(IDC_SETTINGS_SEARCH)));
+    EXPECT_TRUE(WaitFor([&] { return editor.TextOf(dialog.Control(IDC_SETTINGS_SEARCH)) == L"f"; }));
     dialog.Key(VK_ESCAPE);
     EXPECT_TRUE(WaitFor([&] {
         return editor.Send(pages, LB_GETCOUNT) == static_cast<LRESULT>(SettingsPages().size());
