@@ -24,4 +24,5 @@ set(CMAKE_C_COMPILER_TARGET ${prefix})
 set(CMAKE_CXX_COMPILER_TARGET ${prefix})
 # The libraries of MinGW-w64 expect the thread-local variables of GCC, and threads that are linked with the runtime.
 add_compile_options($<$<COMPILE_LANGUAGE:C,CXX>:-femulated-tls>)
-add_link_options(-fuse-ld=lld -pthread)
+# A comparison of types is inline in the header of libstdc++ and an ordinary function in the library, as GCC wants it.
+add_link_options(-fuse-ld=lld -pthread -Wl,--allow-multiple-definition)

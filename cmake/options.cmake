@@ -63,7 +63,8 @@ endif()
 # cmake/delay/NAME.def lists the functions that are called. Any other function becomes a plain import, and its library
 # is then loaded at the start.
 function(kvx_delay_load target)
-    if(NOT MINGW)
+    # A program that LLVM's linker has made with such libraries ends at the first call.
+    if(NOT MINGW OR CMAKE_CXX_COMPILER_ID MATCHES "Clang")
         return()
     endif()
     find_program(KVX_DLLTOOL NAMES "${CMAKE_DLLTOOL}" x86_64-w64-mingw32-dlltool dlltool REQUIRED)

@@ -38,7 +38,8 @@ TEST(BuildGuards, EachDiagnosticOfABatchHasItsOwnFolder) {
     for (const auto& [at, tab] : {std::pair{text.find(L"main.bas(2,1)"), 0}, {text.rfind(L"main.bas(2,1)"), 1}}) {
         editor.Send(pane, EM_SETSEL, at, static_cast<LPARAM>(at));
         editor.Send(pane, WM_KEYDOWN, VK_RETURN);
-        EXPECT_TRUE(WaitFor([&] { return editor.ActiveTab() == tab && editor.Line() == 2; })) << editor.Describe();
+        EXPECT_TRUE(WaitFor([&, tab = tab] { return editor.ActiveTab() == tab && editor.Line() == 2; }))
+            << editor.Describe();
     }
     editor.Do(IDM_ERROR_NEXT);
     EXPECT_TRUE(WaitFor([&] { return editor.Text() == "two\\"; })) << "neither the compiler's nor the other's";

@@ -178,7 +178,7 @@ TEST(Build, RefusalsSayWhy) {
         editor.Post(command);
         editor.AnswerFileDialog(folder.File(L"never.bas"), IDCANCEL);
         EXPECT_TRUE(editor.AwaitOutput(text));
-        EXPECT_TRUE(WaitFor([&] { return editor.Status() == status; })) << Utf8(editor.Status());
+        EXPECT_TRUE(WaitFor([&, status = status] { return editor.Status() == status; })) << Utf8(editor.Status());
     }
     // A program that is none: the system's own words.
     folder.Write(L"gone.exe", "this is no program");

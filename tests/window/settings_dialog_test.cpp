@@ -284,7 +284,7 @@ TEST(SettingsDialog, TheServiceIsAskedForItsModels) {
                                        {200, L"The service answers. Models in the list: 2."}}) {
         status = answer;
         editor.Send(dialog.Of(L"LM-Studio", L"Model", 2), BM_CLICK);
-        EXPECT_TRUE(WaitFor([&] { return dialog.Note(L"LM-Studio", L"Model") == note; }))
+        EXPECT_TRUE(WaitFor([&, note = note] { return dialog.Note(L"LM-Studio", L"Model") == note; }))
             << Utf8(dialog.Note(L"LM-Studio", L"Model"));
     }
     for (const auto& [answer, note] :
@@ -292,7 +292,7 @@ TEST(SettingsDialog, TheServiceIsAskedForItsModels) {
           {200, L"The service answers. It offers models: 2."}}) {
         status = answer;
         editor.Send(dialog.Of(L"LM-Studio", L"Test Connection"), BM_CLICK);
-        EXPECT_TRUE(WaitFor([&] { return dialog.Note(L"LM-Studio", L"Test Connection") == note; }))
+        EXPECT_TRUE(WaitFor([&, note = note] { return dialog.Note(L"LM-Studio", L"Test Connection") == note; }))
             << Utf8(dialog.Note(L"LM-Studio", L"Test Connection"));
     }
     EXPECT_EQ(editor.TextOf(model), L"local") << "what was chosen stays";

@@ -137,7 +137,8 @@ TEST(Symbols, RenamingAndNamesOfPlacesFollowANewFileName) {
         const Dialog dialog = editor.AwaitDialog(L"Rename Symbol");
         editor.Send(GetDlgItem(dialog.window, IDC_RENAME_NAME), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name));
         editor.Press(dialog, IDOK);
-        EXPECT_TRUE(WaitFor([&] { return editor.Text().find(Utf8(name)) != std::string::npos; })) << editor.Text();
+        EXPECT_TRUE(WaitFor([&, name = name] { return editor.Text().find(Utf8(name)) != std::string::npos; }))
+            << editor.Text();
         editor.Do(IDM_FILE_SAVE);
     }
     EXPECT_EQ(editor.Text(), "' one\nSUB Thrice(BYVAL count AS LONG)\n    count = count * 2\nEND SUB\n");

@@ -55,7 +55,8 @@ TEST(Tabs, ByMouseAndKeyboard) {
         EXPECT_EQ(editor.Text(), "c.bas");
         editor.Post(IDM_TAB_CLOSE_OTHERS);  // all or, after a refusal, none
         editor.Answer(kUnsaved, L"Save changes to d.bas?", answer);
-        EXPECT_TRUE(WaitFor([&] { return order() == left && editor.Text() == shown; })) << Utf8(order());
+        EXPECT_TRUE(WaitFor([&, left = left, shown = shown] { return order() == left && editor.Text() == shown; }))
+            << Utf8(order());
     }
     for (int i = 0; i < 3; ++i) editor.Do(IDM_FILE_NEW);
     EXPECT_EQ(editor.TabLabel(2), L"Untitled 2");

@@ -202,12 +202,12 @@ TEST(View, BookmarksRecentFilesAndPanesAreWithinReach) {
                                      {std::initializer_list<int>{VK_F2}, 4},
                                      {std::initializer_list<int>{VK_SHIFT, VK_F2}, 2}}) {
         editor.Keys(keys);
-        EXPECT_TRUE(WaitFor([&] { return editor.Line() == line; })) << editor.Line();
+        EXPECT_TRUE(WaitFor([&, line = line] { return editor.Line() == line; })) << editor.Line();
     }
     for (const auto& [keys, pane] : {std::pair{std::initializer_list<int>{VK_CONTROL, VK_SHIFT, 'E'}, IDC_PROJECT_TREE},
                                      {std::initializer_list<int>{VK_CONTROL, VK_SHIFT, 'M'}, IDC_ERROR_LIST}}) {
         editor.Keys(keys);
-        EXPECT_TRUE(WaitFor([&] { return IsWindowVisible(editor.Child(pane)) != FALSE; })) << pane;
+        EXPECT_TRUE(WaitFor([&, pane = pane] { return IsWindowVisible(editor.Child(pane)) != FALSE; })) << pane;
     }
     // The terminal line is seen only with the output, and opens for typing.
     editor.Do(IDM_VIEW_OUTPUT);
