@@ -11,12 +11,16 @@
 #include "debugger/debug_state.h"
 #include "debugui/pane_internal.h"
 #include "documents/document_row.h"
+#include "editor/editor_pane.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
 #include "ui/chrome.h"
 #include "ui/dialog_theme.h"
 #include "ui/ui_state.h"
 #include "ui/window_text.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -154,6 +158,8 @@ INT_PTR CALLBACK NamePlaceDlgProc(HWND dialog, UINT message, WPARAM wParam, LPAR
     }
 }
 
+constexpr LRESULT kLongestLine = 2000;  // bytes of the line that are looked at
+
 // The name at the caret; empty for a number or a blank.
 std::string NameAtCaret(HWND editor) {
     const LRESULT caret = SciSend(editor, SCI_GETCURRENTPOS);
@@ -173,18 +179,24 @@ NameQuestion QuestionAtCaret(const DocumentTab& document) {
     const auto line =
         static_cast<std::uint32_t>(SciSend(document.editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(caret))) + 1;
     const SourceProcedure* const procedure = ProcedureOfLine(procedures, line);
+    std::string name = NameAtCaret(document.editor);
+    if (name.empty() && procedure != nullptr) {  // the caret is beside all words
+        const LRESULT start = SciSend(document.editor, SCI_POSITIONFROMLINE, line - 1);
+        const LRESULT end = SciSend(document.editor, SCI_GETLINEENDPOSITION, line - 1);
+        const std::string text = EditorPaneTextBetween(document.editor, start, std::min(end, start + kLongestLine));
+        name = VariableOfLine(*procedure, text);
+    }
     NameQuestion question = {.file = document.path,
                              .procedure = procedure != nullptr ? procedure->name : "",
-                             .named = {.name = NameAtCaret(document.editor), .place = {}},
+                             .named = {.name = std::move(name), .place = {}},
                              .before = {}};
     const NamedPlaces& names = NamesOfProcedure(question.file, question.procedure);
     if (const NamedPlace* known = FindNamedPlace(names, question.named.name); known != nullptr) {
         question.named = *known;
         question.before = known->name;
     } else if (procedure != nullptr) {
-        for (const DeclaredVariable& variable : procedure->variables)
-            if (CompareNames(variable.name, WithoutTypeSuffix(question.named.name)) == 0)
-                question.named.kind = WatchKindOfType(variable.type).value_or(WatchKind::Long);
+        if (const DeclaredVariable* const variable = FindVariable(*procedure, question.named.name); variable != nullptr)
+            question.named.kind = WatchKindOfType(variable->type).value_or(WatchKind::Long);
     }
     return question;
 }

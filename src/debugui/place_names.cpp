@@ -4,6 +4,7 @@
 #include "base/path.h"
 #include "base/scan_text.h"
 #include "base/utf8.h"
+#include "debugger/expressions.h"
 
 #include <algorithm>
 
@@ -143,6 +144,21 @@ std::string PlaceNamesText(const PlaceNames& all) {
         for (const NamedPlace& named : each.names) text += "  " + NamedPlaceText(named) + "\r\n";
     }
     return text;
+}
+
+const DeclaredVariable* FindVariable(const SourceProcedure& procedure, std::string_view name) {
+    for (const DeclaredVariable& variable : procedure.variables)
+        if (CompareNames(variable.name, WithoutTypeSuffix(name)) == 0) return &variable;
+    return nullptr;
+}
+
+std::string VariableOfLine(const SourceProcedure& procedure, std::string_view line) {
+    while (!line.empty()) {
+        const std::string_view name = NameAtStart(line);
+        if (!name.empty() && FindVariable(procedure, name) != nullptr) return std::string(name);
+        line.remove_prefix(name.empty() ? 1 : name.size());
+    }
+    return {};
 }
 
 std::vector<SourceProcedure> ProceduresOf(const SymbolTable& table) {

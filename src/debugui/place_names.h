@@ -50,6 +50,9 @@ struct SourceProcedure {
     std::vector<DeclaredVariable> variables;
 };
 std::vector<SourceProcedure> ProceduresOf(const SymbolTable& table);
+const DeclaredVariable* FindVariable(const SourceProcedure& procedure, std::string_view name);  // null: none
+// The first variable of the procedure that a line of it names; empty: there is none.
+std::string VariableOfLine(const SourceProcedure& procedure, std::string_view line);
 // A symbol that has got another name.
 struct RenamedSymbol {
     std::string before, after;

@@ -278,6 +278,8 @@ TEST(LocalRows, ShowEveryVariableOfTheProcedure) {
     EXPECT_EQ(ProcedureOfLine(procedures, 5), nullptr);
     EXPECT_EQ(ProcedureOfLine(procedures, 6)->name, "Later");
     const SourceProcedure& twice = *ProcedureOfLine(procedures, 3);
+    EXPECT_EQ(VariableOfLine(twice, "  PRINT \"\"; max, half#, n"), "half#");
+    EXPECT_EQ(VariableOfLine(twice, "maxx = 2x1"), "");
     const NamedPlaces names = {{"x", "RBP-24"}, {"HALF", "RBP-8", WatchKind::Double}};
     PlaceNames all;
     SetPlaceNames(&all, {L"a.bas", "Once", {{"q", "1"}}});
