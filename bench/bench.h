@@ -108,6 +108,7 @@ double RunFloor(const std::wstring& arguments);
 
 // --- The measurements
 void MeasureStart();
+void MeasureLarge();
 void MeasureKeys();
 void MeasureCompletion();
 void MeasureSymbols();
@@ -115,6 +116,7 @@ void MeasureKeysWithSymbols();  // a part of MeasureSymbols
 void MeasureEdits();
 void MeasureColour();
 void MeasureOutput();
+void MeasurePrompts();
 void MeasureStop();
 void MeasureCode();
 void MeasureMaps();

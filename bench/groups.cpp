@@ -14,6 +14,7 @@ namespace {
 
 constexpr Group kGroups[] = {
     {"start", "Start", MeasureStart},
+    {"large", "A file of 600 MB", MeasureLarge},
     {"keys", "Keys", MeasureKeys},
     {"completion", "Keys with completion", MeasureCompletion},
     {"symbols", "Symbols", MeasureSymbols},
@@ -23,6 +24,7 @@ constexpr Group kGroups[] = {
     {"files", "Find in Files", MeasureFiles},
     {"finder", "Go to File and command palette", MeasureFinder},
     {"output", "Output", MeasureOutput},
+    {"prompts", "Prompts", MeasurePrompts},
     {"stop", "Stop Build", MeasureStop},
     {"debugger", "Debugger", MeasureDebugger},
     {"maps", "Line maps", MeasureMaps},

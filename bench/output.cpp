@@ -1,5 +1,5 @@
 // Measures a compiler that prints very many lines: the time until they are shown, whether the program answers
-// meanwhile, and the time of Stop.
+// meanwhile, and the time of Stop. Measures also how soon a prompt is shown, which has no line break.
 #include "bench.h"
 
 #include <commctrl.h>
@@ -148,7 +148,45 @@ double StopOnce(double* answer) {
     return gone;
 }
 
+// Milliseconds from each prompt's writing, which the prompt itself tells, until it is in the pane.
+std::vector<double> PromptOnce() {
+    constexpr int kPrompts = 10;
+    Opened opened(1);
+    std::string script;
+    for (int i = 0; i < kPrompts; ++i) script += "ask\nsleep 300\nprint\n";
+    WriteText(opened.folder.Path() + L"KVXA64\\fake.txt", script);
+    const HWND pane = GetDlgItem(opened.program.Main(), IDC_OUTPUT);
+    PostMessageW(opened.program.Main(), WM_COMMAND, IDM_BUILD, 0);
+    const double limit = NowMs() + kBuildLimitMs;
+    std::vector<double> times;
+    for (std::size_t from = 0; times.size() < kPrompts; Pause(1)) {
+        wchar_t text[4096] = {};
+        Ask(pane, WM_GETTEXT, 4096, reinterpret_cast<LPARAM>(text));
+        const double now = NowMs();
+        const std::wstring_view shown = text;
+        const std::size_t end = shown.find(L" ms?", from);
+        if (end != std::wstring_view::npos) {
+            times.push_back(now - std::stod(std::wstring(shown.substr(shown.rfind(L"at ", end) + 3))));
+            from = end + 1;
+        }
+        if (now > limit) Die("a prompt is not shown");
+    }
+    return times;
+}
+
 }  // namespace
+
+void MeasurePrompts() {
+    constexpr int kRuns = 5;
+    std::vector<double> slowest;
+    for (int i = 0; i < Runs(kRuns); ++i) slowest.push_back(std::ranges::max(PromptOnce()));
+    Report({.work = "a prompt without a line break, until it is in the output pane",
+            .program = slowest,
+            .figure = Figure::Most,
+            .maxValue = 200,
+            .note = "each run the slowest of 10",
+            .headline = true});
+}
 
 void MeasureOutput() {
     constexpr int kLines = 100'000;

@@ -9,6 +9,7 @@
 //   exit N           ends with that code                  tally PATH   one byte more in a file
 //   make             a copy of itself after "-o"          echo         prints its input, line by line, to its end
 //   renew PATH       gives a file the time of now, as if it had been written
+//   ask              a prompt with the time of now, "at N ms?" by the performance counter, without a line break
 #include <windows.h>
 
 #include <cstdio>
@@ -79,6 +80,16 @@ void Raw(std::string_view text) {
     Put(bytes);
 }
 
+void AskWithTime() {
+    LARGE_INTEGER frequency = {}, now = {};
+    QueryPerformanceFrequency(&frequency);
+    QueryPerformanceCounter(&now);
+    char text[64];
+    std::snprintf(text, sizeof(text), "at %.3f ms?",
+                  1000.0 * static_cast<double>(now.QuadPart) / static_cast<double>(frequency.QuadPart));
+    Put(text);
+}
+
 void Obey(const std::string& order, const std::string& text) {
     if (order == "print") Put(text + "\r\n");
     if (order == "raw") Raw(text);
@@ -87,6 +98,7 @@ void Obey(const std::string& order, const std::string& text) {
     if (order == "settle") FlushFileBuffers(GetStdHandle(STD_OUTPUT_HANDLE));
     if (order == "sleep") Sleep(static_cast<DWORD>(std::atol(text.c_str())));
     if (order == "spawn") Spawn();
+    if (order == "ask") AskWithTime();
     for (int i = 0; order == "await" && GetFileAttributesA(text.c_str()) == INVALID_FILE_ATTRIBUTES && i < 6000; ++i)
         Sleep(10);
     if (order == "make") {
