@@ -1,4 +1,4 @@
-// What is done at random, one row each.
+// What is done at random, one row each. Longer pieces of work are in torture_work.cpp.
 #include "window/torture_driver.h"
 
 #include <commctrl.h>
@@ -296,15 +296,11 @@ Texts Scaling(Driver& driver) {
     return Texts::Stay;
 }
 
-Texts Open(Driver& driver) {
-    driver.Say("open");
-    driver.Post(IDM_FILE_OPEN);
-    return Texts::Any;
-}
-
-Texts Close(Driver& driver) {
-    driver.Say("close");
-    driver.Post(IDM_FILE_CLOSE);
+// A command of the table, more often than by chance.
+template <int command>
+Texts Give(Driver& driver) {
+    driver.Say("command " + std::to_string(command));
+    driver.Post(command);
     return Texts::Any;
 }
 
@@ -324,15 +320,10 @@ Texts Outside(Driver& driver) {
     driver.Say((gone ? "outside, delete " : "outside, write ") + Utf8(name));
     const std::wstring path = driver.folder.File(name);
     driver.Unsure(3000);
-    if (gone) {
+    if (gone)
         DeleteFileW(path.c_str());
-    } else if (const HANDLE file =
-                   CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS, 0, nullptr);
-               file != INVALID_HANDLE_VALUE) {
-        DWORD put = 0;
-        WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &put, nullptr);
-        CloseHandle(file);
-    }
+    else
+        WriteIfFree(path, text);
     return Texts::Any;
 }
 
@@ -352,14 +343,7 @@ Texts Build(Driver& driver) {
     const int command = driver.OneOf(kBuilds), wait = driver.Below(600);
     driver.Say("build " + std::to_string(command) + " " + testing::PrintToString(std::string(script)) + " then " +
                std::to_string(wait) + " ms");
-    const std::string text = script;
-    if (const HANDLE file = CreateFileW(driver.folder.File(L"KVXA64\\fake.txt").c_str(), GENERIC_WRITE,
-                                        FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, CREATE_ALWAYS, 0, nullptr);
-        file != INVALID_HANDLE_VALUE) {
-        DWORD put = 0;
-        WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &put, nullptr);
-        CloseHandle(file);
-    }
+    WriteIfFree(driver.folder.File(L"KVXA64\\fake.txt"), script);
     if (driver.Chance(70)) driver.Post(IDM_USE_KVXA64);
     driver.Post(command);
     Sleep(static_cast<DWORD>(wait));
@@ -373,12 +357,7 @@ bool OpenFresh(Driver& driver) {
     const std::wstring name = driver.OneOf(kPrograms), copy = L"src\\run" + std::to_wstring(driver.number) + name;
     driver.Say("fresh " + Utf8(copy));
     driver.folder.Write(copy, ReadBytes(driver.folder.File(L"kept\\" + name)).value_or(""));
-    driver.Post(IDM_FILE_OPEN);
-    HWND box = nullptr;
-    if (!driver.Settle() || !WaitFor([&] { return (box = driver.Box()) != nullptr; }, 3000)) return false;
-    if (box == nullptr || !Driver::IsFileDialog(box)) return false;
-    driver.ChooseFile(box, driver.folder.File(copy));
-    return driver.Settle() && WaitFor([&] { return !driver.IsAsking(); }, 3000);
+    return driver.ChooseBy(IDM_FILE_OPEN, driver.folder.File(copy));
 }
 
 Texts Debug(Driver& driver) {
@@ -463,12 +442,6 @@ Texts FilesSearch(Driver& driver) {
     return Texts::Any;
 }
 
-Texts Settings(Driver& driver) {
-    driver.Say("settings");
-    driver.Post(IDM_PROJECT_SETTINGS);
-    return Texts::Any;
-}
-
 Texts Menus(Driver& driver) {
     const int letter = 'A' + driver.Below(26), downs = driver.Below(12);
     driver.Say("menu " + std::to_string(letter) + " down " + std::to_string(downs));
@@ -484,10 +457,40 @@ struct ActionRow {
     Texts (*act)(Driver&);
 };
 constexpr ActionRow kActions[] = {
-    {26, Command}, {16, Change},     {12, Look},    {10, Type},  {6, Paste},     {10, Select}, {6, UndoRedo},
-    {2, UndoAll},  {10, Keys},       {5, RealKeys}, {10, Mouse}, {4, Splitters}, {3, Tabs},    {4, Size},
-    {3, Scaling},  {8, Open},        {4, Close},    {5, Save},   {3, Outside},   {3, Build},   {3, Debug},
-    {6, Search},   {2, FilesSearch}, {2, Settings}, {2, Menus},
+    {26, Command},
+    {16, Change},
+    {12, Look},
+    {10, Type},
+    {6, Paste},
+    {10, Select},
+    {6, UndoRedo},
+    {2, UndoAll},
+    {10, Keys},
+    {5, RealKeys},
+    {10, Mouse},
+    {4, Splitters},
+    {3, Tabs},
+    {4, Size},
+    {3, Scaling},
+    {8, Give<IDM_FILE_OPEN>},
+    {4, Give<IDM_FILE_CLOSE>},
+    {5, Save},
+    {3, Outside},
+    {3, Build},
+    {3, Debug},
+    {6, Search},
+    {2, FilesSearch},
+    {2, Give<IDM_PROJECT_SETTINGS>},
+    {2, Menus},
+    {3, ManyCarets},
+    {3, SnippetFields},
+    {2, RenameSymbol},
+    {2, Peek},
+    {3, UndoOverReload},
+    {2, Sessions},
+    {1, SecondStart},
+    {2, FoundInFiles},
+    {2, DragText},
 };
 
 }  // namespace

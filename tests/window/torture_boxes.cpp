@@ -106,6 +106,14 @@ void Driver::ChooseFile(HWND box, const std::wstring& path) {
     PostMessageW(box, WM_COMMAND, IDOK, reinterpret_cast<LPARAM>(GetDlgItem(box, IDOK)));
 }
 
+bool Driver::ChooseBy(int command, const std::wstring& path) {
+    Post(command);
+    HWND box = nullptr;
+    if (!Settle() || !WaitFor([&] { return (box = Box()) != nullptr; }, 3000) || !IsFileDialog(box)) return false;
+    ChooseFile(box, path);
+    return Settle() && WaitFor([&] { return !IsAsking(); }, 3000);
+}
+
 void Driver::PlayWithBox(HWND box) {
     wchar_t caption[128] = {};
     InternalGetWindowText(box, caption, 128);

@@ -135,6 +135,26 @@ void Driver::Drag(HWND window, POINT from, POINT to) {
     PostMessageW(window, WM_LBUTTONUP, 0, MAKELPARAM(to.x, to.y));
 }
 
+void Driver::DragByMouse(HWND window, POINT from, POINT to, bool escape) {
+    constexpr int kSteps = 5;
+    const auto send = [](DWORD flags) {
+        INPUT input = {.type = INPUT_MOUSE};
+        input.mi.dwFlags = flags;
+        SendInput(1, &input, sizeof(input));
+    };
+    ClientToScreen(window, &from);
+    ClientToScreen(window, &to);
+    SetCursorPos(from.x, from.y);
+    send(MOUSEEVENTF_LEFTDOWN);
+    for (int step = 1; step <= kSteps; ++step) {
+        Sleep(20);
+        SetCursorPos(from.x + (to.x - from.x) * step / kSteps, from.y + (to.y - from.y) * step / kSteps);
+    }
+    if (escape) Real({VK_ESCAPE});
+    Sleep(20);
+    send(MOUSEEVENTF_LEFTUP);
+}
+
 std::vector<HWND> Driver::Boxes() const {
     struct Search {
         const Editor& editor;

@@ -74,6 +74,8 @@ struct Driver {
     void Real(std::initializer_list<int> keys);  // by the keyboard, the last one while the others are held
     void Click(HWND window, POINT at, UINT down = WM_LBUTTONDOWN, WPARAM keys = 0);
     void Drag(HWND window, POINT from, POINT to);
+    void DragByMouse(HWND window, POINT from, POINT to,
+                     bool escape);  // the mouse itself, as the system's dragging needs
 
     // Top-level windows that are shown, other than the main window, the front one first.
     std::vector<HWND> Boxes() const;
@@ -85,6 +87,8 @@ struct Driver {
     HWND FilesBox() const;  // that of a search over files, which stays open beside the work
     bool InMenu() const { return (editor.Input().flags & GUI_INMENUMODE) != 0; }
     void ChooseFile(HWND box, const std::wstring& path);
+    // Gives a command whose file dialog then gets this path. False: it did not come to that, or a box is open behind it.
+    bool ChooseBy(int command, const std::wstring& path);
     void PlayWithBox(HWND box);          // edits its controls, presses its buttons
     void CloseBox(HWND box, int tries);  // ever harder
     void LeaveMenu();
@@ -98,6 +102,20 @@ struct Driver {
     void Act();   // the next action
     void Rest();  // ends everything: boxes, builds, programs, documents; the window as at the start
 };
+
+// Pieces of work that take several steps of a person.
+Texts ManyCarets(Driver& driver);
+Texts SnippetFields(Driver& driver);
+Texts RenameSymbol(Driver& driver);
+Texts Peek(Driver& driver);
+Texts UndoOverReload(Driver& driver);
+Texts Sessions(Driver& driver);
+Texts SecondStart(Driver& driver);
+Texts FoundInFiles(Driver& driver);
+Texts DragText(Driver& driver);
+
+// Writes what another program may have open; then nothing is written.
+void WriteIfFree(const std::wstring& path, std::string_view text);
 
 // Every command that is driven at all, and those that are not.
 std::vector<int> DrivenCommands();

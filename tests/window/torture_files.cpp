@@ -59,6 +59,15 @@ void FurnishFiles(const ProgramFolder& folder) {
     }
 }
 
+void WriteIfFree(const std::wstring& path, std::string_view text) {
+    const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                    CREATE_ALWAYS, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return;
+    DWORD put = 0;
+    WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &put, nullptr);
+    CloseHandle(file);
+}
+
 std::vector<std::wstring> FileNames() {
     std::vector<std::wstring> names;
     for (const OddFile& file : OddFiles()) names.emplace_back(file.name);

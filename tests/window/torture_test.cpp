@@ -77,6 +77,15 @@ void CloseProgram(Driver& driver, Editor& editor) {
     EXPECT_EQ(editor.ExitCode(), 0u);
 }
 
+// Ends it in the middle of the work, as a power cut does.
+void KillProgram(Driver& driver, Editor& editor) {
+    constexpr int kActions = 30;
+    for (int i = 0; i < kActions && !driver.faulty; ++i) driver.Act();
+    driver.Say("kill");
+    TerminateProcess(editor.process, 9);
+    EXPECT_TRUE(editor.ExitCode());
+}
+
 void UseAtRandom(unsigned seed, int seconds) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     ProgramFolder folder(kCompilers);
@@ -122,14 +131,18 @@ void UseAtRandom(unsigned seed, int seconds) {
         ExpectNoCrash(folder);
         if (!driver.faulty) {
             ExpectNoLeak(counts);
-            CloseProgram(driver, editor);
+            if (seed % 2 == 0)
+                KillProgram(driver, editor);
+            else
+                CloseProgram(driver, editor);
         }
     }
     std::fclose(log);
     if (testing::Test::HasFailure()) return;
     ExpectNoCrash(folder);
     ExpectReadable(folder);
-    Editor again(folder, L"", Until::Started);  // with the settings of the run; it may ask about the last session
+    // With the settings of the run. It may ask about the last session, and about what a killed run has left.
+    Editor again(folder, L"", Until::Started);
     const auto started = [&] {
         again.main = FindWindowW(L"KVXEEditorWnd", nullptr);
         return again.main != nullptr && again.Child(IDC_STATUS_BAR) != nullptr &&
