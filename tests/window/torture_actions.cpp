@@ -416,7 +416,8 @@ Texts Search(Driver& driver) {
                                          L"files", L"\u6f22", L"(", L"#x",   L">z"};
     const int command = driver.OneOf(kSearches);
     const std::wstring word = driver.OneOf(kWords);
-    const bool take = driver.Chance(40);
+    const bool exits = command == IDM_COMMAND_PALETTE && word == L"e";  // the command that ends the program
+    const bool take = driver.Chance(40) && !exits;
     driver.Say("search " + std::to_string(command) + " " + Utf8(word) + (take ? " Return" : " Escape"));
     driver.Post(command);
     if (!driver.Settle()) return Texts::Any;

@@ -28,11 +28,12 @@ std::vector<HWND> ControlsOf(HWND box) {
     return found;
 }
 
-// Buttons whose work leaves this program: a browser, another folder of this machine, the user's own files.
+// Buttons whose work leaves this program: a browser, another folder of this machine, the user's own files, and any
+// command, of which one ends the program.
 bool IsLeft(HWND button) {
     wchar_t caption[128] = {};
     InternalGetWindowText(button, caption, 128);
-    for (const wchar_t* part : {L"Import", L"Open Folder", L"Record", L"Browse"})
+    for (const wchar_t* part : {L"Import", L"Open Folder", L"Record", L"Browse", L"Run Command"})
         if (std::wstring_view(caption).find(part) != std::wstring_view::npos) return true;
     return false;
 }
@@ -133,12 +134,12 @@ void Driver::PlayWithBox(HWND box) {
     if (Box() != box) return;
     constexpr int kEnds[] = {IDOK, IDOK, IDCANCEL, IDCANCEL, IDYES, IDNO, IDNO, IDC_SETTINGS_APPLY, IDC_CLOSE_DISCARD};
     const int end = OneOf(kEnds);
-    if (const HWND button = GetDlgItem(box, end); button != nullptr && IsWindowEnabled(button)) {
+    if (const HWND button = GetDlgItem(box, end); button != nullptr && IsWindowEnabled(button) && !IsLeft(button)) {
         Say("  press " + std::to_string(end));
         PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(end), reinterpret_cast<LPARAM>(button));
     } else if (Chance(50)) {
         Say("  key Escape or Return");
-        Key(Chance(70) ? VK_ESCAPE : VK_RETURN);
+        Key(Chance(70) || GetDlgItem(box, IDC_KEYS_LIST) != nullptr ? VK_ESCAPE : VK_RETURN);
     }
 }
 
