@@ -141,9 +141,12 @@ void ListViewShow(ListView& list, const ListKind& kind) {
     const RedrawPause pause(list.window);
     list.content = nullptr;
     ListViewSend(list, LVM_SETITEMCOUNT, 0);
-    DeleteColumns(list);
-    list.kind = &kind;
-    InsertColumns(list);
+    // The same columns stay: under Wine each that goes or comes moves the header six times.
+    if (list.kind != &kind) {
+        DeleteColumns(list);
+        list.kind = &kind;
+        InsertColumns(list);
+    }
     ListViewFitColumns(list);
 }
 
@@ -169,13 +172,12 @@ void ListViewUpdate(ListView& list, const ListContent& content) {
 }
 
 void ListViewApplyTheme(ListView& list) {
-    // The fonts may have changed, so that the columns of every kind must be fitted again.
+    // The fonts may have changed: the columns of every kind are fitted again when it is shown.
     KeepPlace(list);
     for (auto& [kind, place] : list.places) {
         place.widths.clear();
         place.byUser = false;
     }
-    DeleteColumns(list);
     const ThemeChrome& chrome = ThemeCurrentChrome();
     ListViewSend(list, LVM_SETBKCOLOR, 0, static_cast<LPARAM>(chrome.paneBack));
     ListViewSend(list, LVM_SETTEXTBKCOLOR, 0, static_cast<LPARAM>(chrome.paneBack));
