@@ -368,6 +368,10 @@ void DebugPaneInvalidate() {
     g_frame.waiting = SetTimer(g_frame.pane, kRefreshTimer, USER_TIMER_MINIMUM, nullptr) != 0;
 }
 
+void PaneCatchUp() {
+    if (g_frame.waiting) RefreshPane();
+}
+
 void DebugPaneApplyTheme() {
     if (g_frame.pane == nullptr) return;
     InlineEditCancel();

@@ -42,6 +42,7 @@ void PaneFocusView();
 // the editor). True when the key was one of them.
 bool PaneHandleFocusKey(HWND from, WPARAM key);
 std::wstring PaneAddressText();  // of the address box of the shown view, trimmed
+void PaneCatchUp();              // shows now what a change of the view has only asked for
 unsigned PaneRefreshCount();     // refreshes since the start, for tests
 ListView& PaneList();            // of the shown view
 // ShowPopupMenu with the pane as the owner; `screen` in screen coordinates.

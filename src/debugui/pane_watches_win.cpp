@@ -106,7 +106,9 @@ void OnWatchActivated(int row, int column) {
     }
 }
 
+// The row of the watch before this one may not be there yet, and its coming would close the field.
 void AddWatchAtEnd(const std::wstring& text, bool typed) {
+    PaneCatchUp();
     const auto last = static_cast<int>(g_list.watches.size());
     ListViewSelect(PaneList(), last);
     EditWatchExpression(last, text, typed);

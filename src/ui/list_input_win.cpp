@@ -90,7 +90,16 @@ bool OnListKey(const ListView& list, WPARAM key) {
     return true;
 }
 
+// Selects the row under the mouse, as its button usually has done by now.
+void SelectRowAt(const ListView& list, POINT screen) {
+    LVHITTESTINFO hit = {.pt = screen, .flags = 0, .iItem = -1, .iSubItem = 0, .iGroup = 0};
+    ScreenToClient(list.window, &hit.pt);
+    const auto row = static_cast<int>(ListViewSend(list, LVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit)));
+    if (row >= 0 && row != ListViewSelected(list)) ListViewSelect(list, row);
+}
+
 void OnListMenu(const ListView& list, POINT at) {
+    if (at.x != -1 || at.y != -1) SelectRowAt(list, at);
     const int row = ListViewSelected(list);
     if (ListViewRow(list, row) == nullptr || list.kind->menu == nullptr) return;
     if (at.x == -1 && at.y == -1) {  // opened by the keyboard: below the selected row

@@ -133,6 +133,7 @@ struct Session {
     }
     // From the menu of a right click: by the item's letter, or by arrows.
     void ChooseByMouse(HWND window, POINT at, std::initializer_list<int> keys) const {
+        editor.Foreground();  // the program's own window may have come up since
         editor.Click(window, at, MOUSEEVENTF_RIGHTDOWN);
         editor.AwaitMenu(true);
         for (const int key : keys) editor.Keys({key});
