@@ -132,13 +132,15 @@ bool OnHeaderNotify(ListView& list, const NMHDR& header, LRESULT* result) {
     return true;
 }
 
-// Drawn once: the control draws its scroll bars again for each step of it, which takes 2 ms each under Wine.
-LRESULT OnListSize(ListView& list, WPARAM wParam, LPARAM lParam) {
+// Drawn once for a new size: the control draws its scroll bars up to eight times for it, which takes 2 ms each under
+// Wine.
+LRESULT OnListPlaced(const ListView& list, WPARAM wParam, const WINDOWPOS& place) {
+    const auto parameter = reinterpret_cast<LPARAM>(&place);
+    if ((place.flags & SWP_NOSIZE) != 0) return SubclassNext(list.window, WM_WINDOWPOSCHANGED, wParam, parameter);
     LRESULT result = 0;
     {
         const FramePause pause(list.window);
-        result = SubclassNext(list.window, WM_SIZE, wParam, lParam);
-        ListViewFitColumns(list);
+        result = SubclassNext(list.window, WM_WINDOWPOSCHANGED, wParam, parameter);
     }
     RedrawWindow(list.window, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_ALLCHILDREN);
     return result;
@@ -170,7 +172,11 @@ LRESULT CALLBACK ListViewProc(HWND window, UINT message, WPARAM wParam, LPARAM l
         case WM_CONTEXTMENU: OnListMenu(list, {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;
         case WM_SETFOCUS:
         case WM_KILLFOCUS: InvalidateRect(window, nullptr, FALSE); break;
-        case WM_SIZE: return OnListSize(list, wParam, lParam);
+        case WM_WINDOWPOSCHANGED: return OnListPlaced(list, wParam, *reinterpret_cast<const WINDOWPOS*>(lParam));
+        case WM_SIZE:
+            result = SubclassNext(window, message, wParam, lParam);
+            ListViewFitColumns(list);
+            return result;
         case WM_NCDESTROY: OnListDestroyed(list); break;
         default: break;
     }

@@ -61,7 +61,7 @@ void TellSize(HWND pane) {
                              .cy = static_cast<int>(now.cy),
                              .flags = SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE};
     {
-        const RedrawPause pause(pane);
+        const FramePause pause(pane);
         PassPlace(pane, place);
     }
     RedrawWindow(pane, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME);
