@@ -19,7 +19,9 @@ namespace {
 
 constexpr int kGutter = 24;  // at 96 dpi, like the next ones: left of the text, for marks
 constexpr int kRowBlank = 9;
-constexpr int kGap = 8;  // between name, folder and keys
+constexpr int kGap = 8;                 // between name, folder and keys
+constexpr UINT_PTR kBarTimer = 0x4B53;  // of the list; the control has timers of its own with small numbers
+constexpr UINT kBarLateMs = 60;
 constexpr wchar_t kEllipsis = L'\u2026';
 
 struct QuickListState {
@@ -262,6 +264,14 @@ BarLook BarNow() {
     return {shown, info.nMin, info.nMax, static_cast<int>(info.nPage), info.nPos};
 }
 
+void CALLBACK RedrawBar(HWND list, UINT, UINT_PTR timer, DWORD) {
+    KillTimer(list, timer);
+    RECT client = {};
+    GetClientRect(list, &client);
+    const RECT bar = {client.right, 0, client.right + GetSystemMetrics(SM_CXVSCROLL), client.bottom};
+    RedrawWindow(list, &bar, nullptr, RDW_INVALIDATE | RDW_FRAME);
+}
+
 }  // namespace
 
 int QuickListSelected() { return static_cast<int>(ListSend(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED)); }
@@ -274,7 +284,11 @@ void QuickListShow(int count, int selected) {
         SelectRow(-1);
         if (selected >= 0) SelectRow(selected);
     }
-    RedrawWindow(g_list.window, nullptr, nullptr, RDW_INVALIDATE | (BarNow() == before ? 0U : UINT{RDW_FRAME}));
+    const BarLook now = BarNow();
+    // The rows are what the user waits for after a key; a thumb that has moved follows when the typing pauses.
+    const bool follows = now.shown && before.shown && !(now == before);
+    if (follows) SetTimer(g_list.window, kBarTimer, kBarLateMs, RedrawBar);
+    RedrawWindow(g_list.window, nullptr, nullptr, RDW_INVALIDATE | (now.shown == before.shown ? 0U : UINT{RDW_FRAME}));
 }
 
 bool QuickListMove(WPARAM key) {

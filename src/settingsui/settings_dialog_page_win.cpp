@@ -158,7 +158,7 @@ void OnItemCommand(SettingsDialog& dialog, FormPlace place, int part, int notifi
 // The rest of the page is made after its first painting: a timer that began when the page was made could be due before
 // the dialog is shown.
 LRESULT ErasePage(SettingsDialog& dialog, std::size_t page, HDC dc) {
-    constexpr UINT kSoonMs = 30;  // what is in view stands on the screen by then
+    constexpr UINT kSoonMs = 120;  // what is in view stands on the screen by then
     const HWND window = dialog.pages[page].window;
     if (!dialog.pages[page].complete) SetTimer(window, 1, kSoonMs, nullptr);
     RECT client = {};
