@@ -68,7 +68,7 @@ int TabOfProgramWith(std::wstring_view includeFile, bool* several) {
 }
 
 std::wstring BuildSourceMeant() {
-    const std::wstring source = BuildSourceNow();
+    std::wstring source = BuildSourceNow();
     if (IsAtHand() || !IsIncludeFile(source)) return source;
     bool several = false;
     const int program = TabOfProgramWith(source, &several);

@@ -117,7 +117,7 @@ std::wstring ProjectFolderOf(const NewProject& project) { return ProjectPath(pro
 std::wstring MainSourceThere(const NewProject& project) {
     const std::wstring folder = ProjectFolderOf(project);
     for (const std::wstring& name : {std::wstring(kMainName), project.name + L".bas"})
-        if (FileExists((folder + L"\\" + name).c_str())) return name;
+        if (FileExists(ProjectPath(folder, name).c_str())) return name;
     const std::vector<std::wstring> sources = SomeFiles(folder, L"\\*.bas", 2);
     return sources.size() == 1 ? sources[0] : L"";
 }
