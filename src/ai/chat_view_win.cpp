@@ -121,11 +121,11 @@ void ShowGreeting() {
     entry.length = entry.settledLength = RichLength(g_ai.hAiChat);
 }
 
-bool AddToChat(std::string text, bool isReply, int request) {
+bool AddToChat(std::string_view text, bool isReply, int request) {
     if (g_ai.hAiChat == nullptr) return false;
     ShowGreeting();
     const ChatScroll scroll = ChatScrollNow();
-    ChatLogAdd(g_chat, std::move(text), isReply, request);
+    ChatLogAdd(g_chat, text, isReply, request);
     ShowEntry(g_chat.entries.size() - 1);
     DropOldest();
     ChatScrollBack(scroll);
@@ -161,7 +161,7 @@ void ChatViewClear() {
 
 bool ChatViewLine(std::wstring_view text) { return AddToChat(ToUtf8(text), false, 0); }
 
-bool ChatViewReply(std::string_view reply) { return AddToChat(std::string(reply), true, 0); }
+bool ChatViewReply(std::string_view reply) { return AddToChat(reply, true, 0); }
 
 void ChatViewScrollToEnd() {
     if (g_ai.hAiChat != nullptr) RichLinesReveal(g_ai.hAiChat);
@@ -169,7 +169,7 @@ void ChatViewScrollToEnd() {
 
 bool ChatViewPiece(int request, std::string_view piece) {
     const int index = ChatEntryOfRequest(g_chat, request);
-    if (index < 0) return AddToChat(std::string(piece), true, request);
+    if (index < 0) return AddToChat(piece, true, request);
     ChatEntry& entry = g_chat.entries[static_cast<std::size_t>(index)];
     const bool hadCode = entry.hasCode;
     const std::size_t shown = ChatShownPart(entry.text, true).size();

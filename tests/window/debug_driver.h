@@ -32,16 +32,17 @@ struct Session {
     Editor editor;
     HWND pane;
 
-    Session(const std::wstring& fileName, std::string_view source, const std::wstring& compiler)
+    Session(const std::wstring& fileName, std::string_view source, const std::wstring& compiler, int theme = 0)
         : sourceName(fileName),
-          editor(Prepared(folder, sourceName, source),
+          editor(Prepared(folder, sourceName, source, theme),
                  OpenArgument(folder.File(sourceName)) + L" --compiler " + compiler) {
         editor.Do(IDM_VIEW_DEBUG_PANE);
         pane = editor.Child(IDC_DEBUG_PANE);
     }
     static const ProgramFolder& Prepared(const ProgramFolder& folder, const std::wstring& fileName,
-                                         std::string_view source) {
+                                         std::string_view source, int theme) {
         folder.Write(fileName, source);
+        folder.SetIni(L"Editor", L"Theme", std::to_wstring(theme));
         folder.KeepNoSession();
         return folder;
     }

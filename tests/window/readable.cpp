@@ -1,0 +1,139 @@
+#include "readable.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <utility>
+#include <vector>
+
+#include "class_name.h"
+#include "commands/toolbar_table.h"
+#include "resources/ids.h"
+#include "support/text_contrast.h"
+
+namespace {
+
+// Strokes of one pixel have at least about three quarters of their contrast.
+constexpr double kThinStroke = 3.3;
+constexpr wchar_t kMenuClass[] = L"#32768";
+
+// What is on the screen in the window's client area.
+Picture PictureOf(HWND window) {
+    RECT area = {};
+    GetClientRect(window, &area);
+    MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&area), 2);
+    area.right = std::min<LONG>(area.right, GetSystemMetrics(SM_CXSCREEN));
+    area.bottom = std::min<LONG>(area.bottom, GetSystemMetrics(SM_CYSCREEN));
+    Picture picture = {static_cast<int>(area.right - area.left), static_cast<int>(area.bottom - area.top), {}};
+    picture.pixels.resize(static_cast<std::size_t>(picture.width * picture.height));
+    BITMAPINFO info = {};
+    info.bmiHeader = {.biSize = sizeof(info.bmiHeader),
+                      .biWidth = picture.width,
+                      .biHeight = -picture.height,
+                      .biPlanes = 1,
+                      .biBitCount = 32};
+    void* bits = nullptr;
+    const HDC screen = GetDC(nullptr), memory = CreateCompatibleDC(screen);
+    const HBITMAP bitmap = CreateDIBSection(screen, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    const HGDIOBJ old = SelectObject(memory, bitmap);
+    BitBlt(memory, 0, 0, picture.width, picture.height, screen, area.left, area.top, SRCCOPY);
+    GdiFlush();
+    const auto* pixels = static_cast<const std::uint32_t*>(bits);
+    for (std::size_t i = 0; i < picture.pixels.size(); ++i) picture.pixels[i] = pixels[i] & 0xFFFFFF;
+    SelectObject(memory, old);
+    DeleteObject(bitmap);
+    DeleteDC(memory);
+    ReleaseDC(nullptr, screen);
+    return picture;
+}
+
+// Until two pictures in a row are equal.
+Picture PictureAtRest(HWND window) {
+    Picture before = PictureOf(window);
+    WaitFor(
+        [&] {
+            Sleep(150);  // the time between the two
+            Picture now = PictureOf(window);
+            std::swap(before, now);
+            return before.pixels == now.pixels;
+        },
+        kDeadline);
+    return before;
+}
+
+Rgb SystemRgb(int index) {
+    const COLORREF colour = GetSysColor(index);
+    return static_cast<Rgb>(GetRValue(colour) << 16 | GetGValue(colour) << 8 | GetBValue(colour));
+}
+
+// What cannot be used need not be read: controls and buttons of the toolbar. Most buttons only have a picture.
+std::vector<RECT> DisabledPlaces(const Editor& editor, HWND window) {
+    std::vector<RECT> places;
+    for (HWND child = GetWindow(window, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+        RECT place = {};
+        GetWindowRect(child, &place);
+        MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&place), 2);
+        if (IsWindowEnabled(child) == FALSE) places.push_back(place);
+    }
+    if (window != editor.main) return places;
+    for (const ButtonRow& button : kToolbarButtons) {
+        if (button.command == 0) continue;
+        RECT place = editor.ButtonRect(button.command);
+        const bool picture = place.right - place.left < 2 * (place.bottom - place.top);
+        if (!picture && editor.ButtonWorks(button.command)) continue;
+        MapWindowPoints(editor.Child(IDC_TOOLBAR), window, reinterpret_cast<POINT*>(&place), 2);
+        places.push_back(place);
+    }
+    return places;
+}
+
+bool Near(Rgb a, Rgb b) {
+    const auto part = [=](int shift) {
+        return std::abs(static_cast<int>(a >> shift & 255) - static_cast<int>(b >> shift & 255));
+    };
+    return std::max({part(0), part(8), part(16)}) < 40;
+}
+
+// Of an item in a menu only the colour tells that it cannot be used.
+bool IsOffInMenu(const PictureWord& word) {
+    const ChromePalette& dark = ThemeChromePalette(true);
+    return Near(word.text, SystemRgb(COLOR_GRAYTEXT)) ||
+           Near(word.text, ThemeBlend(dark.statusText, dark.statusBack, 128));
+}
+
+}  // namespace
+
+int ExpectTextsReadable(const Editor& editor, const std::string& where, HWND window, int line) {
+    const std::vector<PictureWord> words = WordsOfPicture(PictureAtRest(window), line);
+    const std::vector<RECT> disabled = DisabledPlaces(editor, window);
+    const bool menu = ClassOf(window) == kMenuClass;
+    for (const PictureWord& word : words) {
+        const bool off = std::ranges::any_of(disabled, [&](const RECT& place) {
+            return PtInRect(&place, {word.left + 1, word.top + 1}) != FALSE;
+        });
+        // The selection of the system's own controls has the colours of the system.
+        if (off || word.ground == SystemRgb(COLOR_HIGHLIGHT) || (menu && IsOffInMenu(word))) continue;
+        EXPECT_GE(word.contrast, line >= kScaledLine ? kReadableContrast : kThinStroke)
+            << where << ": " << word.left << "," << word.top << " " << word.right - word.left << "x"
+            << word.bottom - word.top << std::hex << ", " << word.text << " on " << word.ground;
+    }
+    return static_cast<int>(words.size());
+}
+
+HWND AwaitPopup(const Editor& editor, const std::wstring& kind) {
+    HWND found = nullptr;
+    const auto look = [&] {
+        for (HWND window = nullptr; (window = FindWindowExW(nullptr, window, kind.c_str(), nullptr)) != nullptr;) {
+            DWORD owner = 0;
+            GetWindowThreadProcessId(window, &owner);
+            if (owner == editor.pid && IsWindowVisible(window) != FALSE) found = window;
+        }
+        return found != nullptr;
+    };
+    EXPECT_TRUE(WaitFor(look)) << Utf8(kind) << " does not come\n" << editor.Describe();
+    return found;
+}
+
+HWND AwaitMenuWindow(const Editor& editor) { return AwaitPopup(editor, kMenuClass); }
