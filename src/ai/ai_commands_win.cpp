@@ -14,6 +14,7 @@
 #include "ai/send_consent.h"
 #include "ai/wav.h"
 #include "base/heap_text.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "base/wide_format.h"
 #include "compile/build_source.h"
@@ -36,7 +37,8 @@ namespace {
 
 constexpr COLORREF kAiProgress = RGB(0, 128, 0);
 constexpr COLORREF kAiFailure = RGB(180, 0, 0);
-constexpr wchar_t kHowToApply[] = L"Tools > Apply Code of Last Reply puts the answer in place of %s sent.\n";
+constexpr const wchar_t* kHowToApply =
+    English(L"Tools > Apply Code of Last Reply puts the answer in place of %s sent.\n");
 
 const wchar_t* UrlOfService(AiService service) {
     return service == AiService::OpenAi ? g_settings.openAIUrl : g_settings.lmStudioUrl;
@@ -62,7 +64,7 @@ bool StartRequest(AiService service, Job job, AiTarget target, const wchar_t* ta
         AiRequestStarted(service, worker, link, std::move(target));
         return true;
     }
-    if (tag != nullptr) OutputPaneAppend(FormatW(L"[%s] Out of memory.\n", tag).c_str(), kAiFailure);
+    if (tag != nullptr) OutputPaneAppend(FormatW(Text(L"[%s] Out of memory.\n"), tag).c_str(), kAiFailure);
     return false;
 }
 
@@ -98,7 +100,7 @@ void AskAboutSelection(int command) {
                        target.sent.size() + SystemPromptText(PromptSettingsNow()).size()))
         return;
     OutputPaneClear();
-    OutputPaneAppend(FormatW(L"[%s] Thinking...\n", AiServiceName(service)).c_str(), kAiProgress);
+    OutputPaneAppend(FormatW(Text(L"[%s] Thinking...\n"), AiServiceName(service)).c_str(), kAiProgress);
     ShowChat();
     StartChat(service, std::move(selection), std::move(target), AiServiceName(service));
 }
@@ -145,17 +147,17 @@ void AskAboutError(int command) {
     int firstLine = 0;
     AiTarget target = TargetAround(error.line - 1, &firstLine);
     if (fix && target.sent.empty()) {
-        InfoMessage(L"The document has no such line, or the line is too long to be sent.");
+        InfoMessage(Text(L"The document has no such line, or the line is too long to be sent."));
         return;
     }
     if (fix) target.firstLine = firstLine;
     const AskedError asked = AskedErrorOf(error);
     HeapBlock<char> message(
         HeapText(fix ? FixQuestion(asked, target.sent, firstLine) : ExplainQuestion(asked, target.sent, firstLine)));
-    OutputPaneAppend(FormatW(L"[%s] Thinking...\n", AiServiceName(service)).c_str(), kAiProgress);
-    if (fix) OutputPaneAppend(FormatW(kHowToApply, L"the lines").c_str(), kAiProgress);
+    OutputPaneAppend(FormatW(Text(L"[%s] Thinking...\n"), AiServiceName(service)).c_str(), kAiProgress);
+    if (fix) OutputPaneAppend(FormatW(Text(kHowToApply), Text(L"the lines")).c_str(), kAiProgress);
     ShowChat();
-    AiChatAppend(FormatW(L"[You]: %s this error: %s\r\n", fix ? L"Fix" : L"Explain",
+    AiChatAppend(FormatW(Text(L"[You]: %s this error: %s\r\n"), fix ? Text(L"Fix") : Text(L"Explain"),
                          Utf8ToWideText(AskedErrorLine(asked)).c_str()));
     // An explanation is not to be put in place of the code.
     StartChat(service, std::move(message), fix ? std::move(target) : AiTarget{}, AiServiceName(service));
@@ -163,11 +165,11 @@ void AskAboutError(int command) {
 
 void TellTranscription(int) {
     if (g_settings.aiEnabled == 0)
-        InfoMessage(L"AI features are disabled. Enable them in Settings > AI General.");
+        InfoMessage(Text(L"AI features are disabled. Enable them in Settings > AI General."));
     else if (g_settings.openAIKey[0] != L'\0')
-        InfoMessage(L"Transcription not yet implemented. Model: %s", g_settings.openAITranscriptionModel);
+        InfoMessage(Text(L"Transcription not yet implemented. Model: %s"), g_settings.openAITranscriptionModel);
     else
-        InfoMessage(L"OpenAI API key is missing. Set it in Settings > OpenAI.");
+        InfoMessage(Text(L"OpenAI API key is missing. Set it in Settings > OpenAI."));
 }
 
 void SendChat() {
@@ -179,15 +181,15 @@ void SendChat() {
     SetWindowTextW(g_ai.hAiInput, L"");
     if (GetFocus() == g_ai.hAiSend) SetFocus(g_ai.hAiInput);  // for the next message
     if (g_settings.openAIEnabled == 0 && g_settings.lmStudioEnabled == 0) {
-        AiChatAppend(L"[AI]: AI features are disabled. Enable them in Settings > AI.\r\n");
+        AiChatAppend(Text(L"[AI]: AI features are disabled. Enable them in Settings > AI.\r\n"));
         return;
     }
     HeapBlock<char> message(WideToUtf8(typed.c_str()));
     if (message == nullptr) return;
-    OutputPaneAppend(L"[AI] Thinking...\n", kAiProgress);
+    OutputPaneAppend(Text(L"[AI] Thinking...\n"), kAiProgress);
     const AiService service = SendService(g_settings);
     if (service == AiService::None)
-        g_events.statusText(L"No AI service is ready: look at its key and at the primary AI in the settings");
+        g_events.statusText(Text(L"No AI service is ready: look at its key and at the primary AI in the settings"));
     else
         StartChat(service, std::move(message), {}, nullptr, ChatHistoryToSend());
 }
@@ -213,7 +215,7 @@ void EditAsTyped(int) {
     if (instruction.empty()) {
         ShowChat();
         AiPaneFocusInput();
-        g_events.statusText(L"Type what is to be done with the code, then choose Edit Code as Typed again");
+        g_events.statusText(Text(L"Type what is to be done with the code, then choose Edit Code as Typed again"));
         return;
     }
     if (AiDoStart(instruction)) SetWindowTextW(g_ai.hAiInput, L"");
@@ -227,19 +229,19 @@ void ApplyReply(int) {
     }
     const HeapBlock<char> code(AiApiExtractCode(last.text.c_str()));
     if (code == nullptr || code.get()[0] == '\0')
-        InfoMessage(L"The last reply holds no code.");
+        InfoMessage(Text(L"The last reply holds no code."));
     else
         AiReplace(last.target, code.get());
 }
 
 void ShowAiResult(const HeapBlock<char>& reply) {
     if (reply == nullptr || reply.get()[0] == '\0') {
-        OutputPaneAppend(L"[AI Do] No response received.\n", kAiFailure);
+        OutputPaneAppend(Text(L"[AI Do] No response received.\n"), kAiFailure);
         return;
     }
     const HeapBlock<char> code(AiApiExtractCode(reply.get()));
     if (code == nullptr || code.get()[0] == '\0')  // nothing in place of the user's code would be no edit
-        OutputPaneAppend(L"[AI Do] Could not extract code from response.\n", kAiFailure);
+        OutputPaneAppend(Text(L"[AI Do] Could not extract code from response.\n"), kAiFailure);
     else
         AiReplace(g_ai.aiDoTarget, code.get());
 }
@@ -254,7 +256,7 @@ void ShowChatReply(const char* reply) {
         return OutputPaneAppend(Utf8ToWideText(reply).c_str(), 0);
     if (ChatShownPart(reply).size() == std::strlen(reply) || !AiNewDocument(reply)) return;
     AiChatAppend(L"...\r\n");
-    AiChatAppend(L"[AI]: The whole reply is in a new document.\r\n");
+    AiChatAppend(Text(L"[AI]: The whole reply is in a new document.\r\n"));
 }
 
 // What was said is kept when it was not sent.
@@ -268,8 +270,8 @@ void KeepInstruction(const std::wstring& heard) {
 void RefuseInstruction(const std::wstring& heard) {
     KeepInstruction(heard);
     InfoMessage(
-        L"The document or its AI replacement has changed while you were speaking, so nothing was sent. Your "
-        L"instruction is in the AI sidebar; Tools > Edit Code as Typed in AI Sidebar sends it.");
+        Text(L"The document or its AI replacement has changed while you were speaking, so nothing was sent. Your "
+             L"instruction is in the AI sidebar; Tools > Edit Code as Typed in AI Sidebar sends it."));
 }
 
 // The instruction is spoken.
@@ -318,13 +320,13 @@ bool AiDoStart(const std::wstring& instruction) {
     }
     const HWND editor = g_documents.hEditor;
     if (editor == nullptr) {
-        InfoMessage(L"No active editor.");
+        InfoMessage(Text(L"No active editor."));
         return false;
     }
     HeapBlock<char> code(AiApiGetSelectedText(editor));
     if (code == nullptr) code.reset(AiApiGetFullText(editor));
     if (code == nullptr || code.get()[0] == '\0') {
-        InfoMessage(L"Editor is empty.");
+        InfoMessage(Text(L"Editor is empty."));
         return false;
     }
     const std::string system = AiDoSystemPrompt(ToUtf8(PromptSettingsNow().description));
@@ -333,8 +335,8 @@ bool AiDoStart(const std::wstring& instruction) {
     AiTarget target = AiTargetNow(true, code.get());
     if (!SendIsAllowed(UrlOfService(service), target, message.size() + system.size())) return false;
     OutputPaneClear();
-    OutputPaneAppend(L"[AI Do] Sending request...\n", kAiProgress);
-    OutputPaneAppend(FormatW(kHowToApply, L"the code").c_str(), kAiProgress);
+    OutputPaneAppend(Text(L"[AI Do] Sending request...\n"), kAiProgress);
+    OutputPaneAppend(FormatW(Text(kHowToApply), Text(L"the code")).c_str(), kAiProgress);
     ShowChat();
     AiChatAppend(L"[You]: " + instruction + L"\r\n");
     auto job = JobFor<AiDoJob>(service);
@@ -346,7 +348,7 @@ bool AiDoStart(const std::wstring& instruction) {
     job.selStart = static_cast<std::int64_t>(g_ai.aiDoTarget.start);
     job.selEnd = static_cast<std::int64_t>(g_ai.aiDoTarget.end);
     job.hadSelection = job.selStart != job.selEnd ? 1 : 0;
-    return StartRequest<AiDoWorkerThread>(service, std::move(job), g_ai.aiDoTarget, L"AI Do");
+    return StartRequest<AiDoWorkerThread>(service, std::move(job), g_ai.aiDoTarget, Text(L"AI Do"));
 }
 
 void AiOnReply(WPARAM wParam, LPARAM status) {
@@ -355,7 +357,7 @@ void AiOnReply(WPARAM wParam, LPARAM status) {
         case AiReplyPath::Result: ShowAiResult(reply); return;
         case AiReplyPath::Chat: ShowChatReply(reply.get()); break;
         case AiReplyPath::Failure: {
-            const std::wstring text = FormatW(L"[AI]: Request failed (HTTP %d).\r\n", static_cast<int>(status));
+            const std::wstring text = FormatW(Text(L"[AI]: Request failed (HTTP %d).\r\n"), static_cast<int>(status));
             if (!AiChatAppend(text)) OutputPaneAppend(text.c_str(), kAiFailure);
             break;
         }
@@ -363,7 +365,7 @@ void AiOnReply(WPARAM wParam, LPARAM status) {
     }
     if (g_ai.aiDoPending)
         OutputPaneAppend(
-            L"The AI replacement is accepted, because another reply has come. Edit > Undo takes it back.\n",
+            Text(L"The AI replacement is accepted, because another reply has come. Edit > Undo takes it back.\n"),
             kAiProgress);
     AiReplacementForget();
 }

@@ -5,6 +5,7 @@
 #include "ai/ai_state.h"
 #include "ai/chat_view.h"
 #include "ai/chat_window.h"
+#include "base/texts.h"
 #include "documents/document_row.h"
 #include "resources/ids.h"
 #include "ui/accessible.h"
@@ -70,13 +71,13 @@ LRESULT CALLBACK AiSendProc(HWND send, UINT message, WPARAM wParam, LPARAM lPara
 }  // namespace
 
 HWND AiPaneCreate(HWND parent, int controlId) {
-    const HWND chat = RichPaneCreate(parent, controlId, kChatGreeting, true);
+    const HWND chat = RichPaneCreate(parent, controlId, Text(kChatGreeting), true);
     ChatWindowInit(chat);
     g_ai.hAiInput = CreateAiControl(parent, WC_EDITW, nullptr, WS_EX_CLIENTEDGE, ES_AUTOHSCROLL, IDC_AI_INPUT);
     SendMessageW(g_ai.hAiInput, EM_LIMITTEXT, kInputLimit, 0);
     SubclassAdd(g_ai.hAiInput, AiInputProc);
-    AccessibleNameSet(g_ai.hAiInput, L"Message to the assistant");
-    g_ai.hAiSend = CreateAiControl(parent, WC_BUTTONW, L"Send", 0, BS_PUSHBUTTON, IDC_AI_SEND);
+    AccessibleNameSet(g_ai.hAiInput, Text(L"Message to the assistant"));
+    g_ai.hAiSend = CreateAiControl(parent, WC_BUTTONW, Text(L"Send"), 0, BS_PUSHBUTTON, IDC_AI_SEND);
     SubclassAdd(g_ai.hAiSend, AiSendProc);
     return chat;
 }
@@ -108,7 +109,7 @@ void AiPaneFocusInput() { SetFocus(g_ai.hAiInput); }
 bool AiSendCancels() { return AiRequestsRun() && GetWindowTextLengthW(g_ai.hAiInput) == 0; }
 
 void AiPaneUpdateSend() {
-    const wchar_t* wanted = AiSendCancels() ? L"Cancel" : L"Send";
+    const wchar_t* wanted = AiSendCancels() ? Text(L"Cancel") : Text(L"Send");
     wchar_t shown[16] = {};
     GetWindowTextW(g_ai.hAiSend, shown, static_cast<int>(std::size(shown)));
     if (std::wcscmp(shown, wanted) != 0) SetWindowTextW(g_ai.hAiSend, wanted);

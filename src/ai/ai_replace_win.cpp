@@ -3,6 +3,7 @@
 #include "ai/ai_requests.h"
 #include "ai/ai_texts.h"
 #include "ai/pending_marks.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "documents/document_row.h"
 #include "editor/caret_place.h"
@@ -27,13 +28,13 @@ bool RangeHolds(HWND editor, std::size_t start, std::string_view text) {
 
 // Why the code cannot take the place of what was sent; null when it can.
 const wchar_t* ReplaceProblem(int tab, const AiTarget& target) {
-    if (!IsTabIndex(tab)) return L"The document is closed";
+    if (!IsTabIndex(tab)) return Text(L"The document is closed");
     const HWND editor = TabAt(tab).editor;
-    if (SciSend(editor, SCI_GETREADONLY) != 0) return L"The document is read-only";
-    if (target.several) return L"Several selections were sent";
+    if (SciSend(editor, SCI_GETREADONLY) != 0) return Text(L"The document is read-only");
+    if (target.several) return Text(L"Several selections were sent");
     const bool holds = RangeHolds(editor, target.start, target.sent) &&
                        (!target.all || static_cast<std::size_t>(SciSend(editor, SCI_GETLENGTH)) == target.sent.size());
-    return holds ? nullptr : L"The text is no longer as it was sent";
+    return holds ? nullptr : Text(L"The text is no longer as it was sent");
 }
 
 void ReplaceRange(HWND editor, std::size_t start, std::size_t length, std::string_view text) {
@@ -119,7 +120,7 @@ int AddReplyDocument(const char* utf8) {
 }
 
 void OfferNewDocument(const wchar_t* problem, const char* code) {
-    const std::wstring text = std::wstring(problem) + L", so nothing was replaced. Put the code into a new document?";
+    const std::wstring text = TextWith(L"{1}, so nothing was replaced. Put the code into a new document?", {problem});
     const UserQuestion question = {.caption = kProgramCaption,
                                    .text = text.c_str(),
                                    .buttons = AskButtons::YesNo,
@@ -137,7 +138,7 @@ bool IsTakenBack(HWND editor, const AiReplacement& made) {
 void EndTakenBack() {
     const DocumentId document = g_ai.aiReplacement.target.document;
     EndPendingAndTell();
-    g_events.documentStatus(document, L"The AI replacement was undone");
+    g_events.documentStatus(document, Text(L"The AI replacement was undone"));
 }
 
 // The user has redone a replacement that was undone: it waits again.
@@ -215,14 +216,14 @@ void AiReplace(const AiTarget& target, const char* code) {
     g_ai.aiDoPending = true;
     ShowMarks(editor, true);
     g_events.aiReplacementChanged();
-    InfoMessage(L"AI replacement applied. Click AI Do again to accept, or AI Undo to revert.");
+    InfoMessage(Text(L"AI replacement applied. Click AI Do again to accept, or AI Undo to revert."));
 }
 
 void AiReplacementAccept() {
     if (!g_ai.aiDoPending) return;
     KeepReplacement();
     g_events.aiReplacementChanged();
-    InfoMessage(L"AI replacement accepted.");
+    InfoMessage(Text(L"AI replacement accepted."));
 }
 
 void AiReplacementUndo() {
@@ -232,9 +233,10 @@ void AiReplacementUndo() {
     EndPending();
     const bool undone = IsTabIndex(tab) && TakeReplacementBack(TabAt(tab).editor, made);
     g_events.aiReplacementChanged();
-    InfoMessage(undone ? L"AI replacement undone."
-                       : L"The AI replacement has been edited since, so it was left as it is. Edit > Undo takes back "
-                         L"one step at a time.");
+    InfoMessage(undone
+                    ? Text(L"AI replacement undone.")
+                    : Text(L"The AI replacement has been edited since, so it was left as it is. Edit > Undo takes back "
+                           L"one step at a time."));
 }
 
 void AiReplacementForget() {

@@ -1,5 +1,6 @@
 #include "ai/ai_rules.h"
 
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "settings/secret_text.h"
 #include "settings/settings.h"
@@ -11,28 +12,29 @@ constexpr std::size_t kServiceTextShown = 160;  // characters
 // Why no reply came, by the error number of WinHTTP; null for others.
 const wchar_t* TransferProblem(std::uint32_t error) {
     switch (error) {
-        case 12002: return L"no answer came in time";
+        case 12002: return Text(L"no answer came in time");
         case 12005:
-        case 12006: return L"the URL in the settings is not valid";
-        case 12007: return L"the server's name cannot be resolved";
-        case 12029: return L"nothing answers at that address";
-        case 12030: return L"the connection was closed";
-        case 12152: return L"the server's answer is no HTTP";
+        case 12006: return Text(L"the URL in the settings is not valid");
+        case 12007: return Text(L"the server's name cannot be resolved");
+        case 12029: return Text(L"nothing answers at that address");
+        case 12030: return Text(L"the connection was closed");
+        case 12152: return Text(L"the server's answer is no HTTP");
         case 12157:  // what WinHTTP reports for a certificate differs from system to system
         case 12175:
-            return L"no secure connection could be made, because the server's certificate is not trusted, has expired "
-                   L"or is for another server";
+            return Text(
+                L"no secure connection could be made, because the server's certificate is not trusted, has expired "
+                L"or is for another server");
         default: return nullptr;
     }
 }
 
 const wchar_t* StatusProblem(std::uint32_t status) {
-    if (status == 401 || status == 403) return L"the API key was not accepted";
-    if (status == 404) return L"the URL or the model is not known";
-    if (status == 429) return L"too many requests, or the quota is used up";
-    if (status >= 300 && status < 400) return L"the URL has moved";
-    if (status >= 500) return L"the server has a fault";
-    return L"the reply holds no text";
+    if (status == 401 || status == 403) return Text(L"the API key was not accepted");
+    if (status == 404) return Text(L"the URL or the model is not known");
+    if (status == 429) return Text(L"too many requests, or the quota is used up");
+    if (status >= 300 && status < 400) return Text(L"the URL has moved");
+    if (status >= 500) return Text(L"the server has a fault");
+    return Text(L"the reply holds no text");
 }
 
 // What the service says, as one line.
@@ -47,7 +49,7 @@ std::wstring ServiceTextLine(const AiEnd& end) {
 std::wstring FailureReason(const AiEnd& end) {
     if (end.httpStatus == 0 || end.error != 0) {
         const wchar_t* problem = TransferProblem(end.error);
-        return problem != nullptr ? problem : L"error " + std::to_wstring(end.error);
+        return problem != nullptr ? problem : TextWith(L"error {1}", {std::to_wstring(end.error)});
     }
     std::wstring reason = L"HTTP " + std::to_wstring(end.httpStatus) + L", " + StatusProblem(end.httpStatus);
     const std::wstring text = ServiceTextLine(end);
@@ -74,12 +76,12 @@ const wchar_t* AiServiceName(AiService service) { return service == AiService::L
 
 const wchar_t* AskProblem(AiService service, const Settings& settings, bool hasSelection) {
     if (service == AiService::OpenAi) {
-        if (settings.openAIEnabled == 0) return L"OpenAI is not enabled. Enable it in Settings > AI.";
-        if (!HasOpenAiKey(settings)) return L"OpenAI API key is missing. Set it in Settings > OAI.";
+        if (settings.openAIEnabled == 0) return Text(L"OpenAI is not enabled. Enable it in Settings > AI.");
+        if (!HasOpenAiKey(settings)) return Text(L"OpenAI API key is missing. Set it in Settings > OAI.");
     } else if (settings.lmStudioEnabled == 0) {
-        return L"LM-Studio is not enabled. Enable it in Settings > AI.";
+        return Text(L"LM-Studio is not enabled. Enable it in Settings > AI.");
     }
-    return hasSelection ? nullptr : L"Please select some text in the editor first.";
+    return hasSelection ? nullptr : Text(L"Please select some text in the editor first.");
 }
 
 AiService SendService(const Settings& settings) {
@@ -91,7 +93,7 @@ const wchar_t* AiDoProblem(const Settings& settings) {
     const bool enabled = settings.primaryAi == 0   ? settings.openAIEnabled != 0
                          : settings.primaryAi == 1 ? settings.lmStudioEnabled != 0
                                                    : true;
-    return enabled ? nullptr : L"Selected primary AI is not enabled. Enable it in Settings > AI.";
+    return enabled ? nullptr : Text(L"Selected primary AI is not enabled. Enable it in Settings > AI.");
 }
 
 AiService AiDoService(const Settings& settings) {
@@ -106,9 +108,9 @@ AiReplyPath AiReplyPathOf(std::int64_t status, bool hasReply) {
 
 std::wstring AiProgressText(AiService service, const AiProgress& progress) {
     std::wstring text = AiServiceName(service);
-    text += (progress.replying ? L": replying, " : L": waiting, ") + Elapsed(progress.seconds);
-    if (progress.received >= 1024) text += L", " + std::to_wstring(progress.received / 1024) + L" KB received";
-    if (progress.others > 0) text += L" (and " + std::to_wstring(progress.others) + L" more)";
+    text += (progress.replying ? Text(L": replying, ") : Text(L": waiting, ")) + Elapsed(progress.seconds);
+    if (progress.received >= 1024) text += TextWith(L", {1} KB received", {std::to_wstring(progress.received / 1024)});
+    if (progress.others > 0) text += TextWith(L" (and {1} more)", {std::to_wstring(progress.others)});
     return text;
 }
 
@@ -116,21 +118,23 @@ std::wstring AiEndText(AiService service, std::uint32_t seconds, const AiEnd& en
     const std::wstring name = AiServiceName(service);
     switch (end.outcome) {
         case AiOutcome::Answered:
-            return name + (end.replyEnd == ReplyEnd::Whole ? L" answered after " : L": the reply ended early, after ") +
-                   Elapsed(seconds);
-        case AiOutcome::Cancelled: return name + L": the request was cancelled";
-        default: return name + L": the request failed: " + FailureReason(end);
+            return TextWith(
+                end.replyEnd == ReplyEnd::Whole ? L"{1} answered after {2}" : L"{1}: the reply ended early, after {2}",
+                {name, Elapsed(seconds)});
+        case AiOutcome::Cancelled: return TextWith(L"{1}: the request was cancelled", {name});
+        default: return TextWith(L"{1}: the request failed: {2}", {name, FailureReason(end)});
     }
 }
 
 std::wstring AiReplyEndLine(const AiEnd& end) {
-    if (end.outcome == AiOutcome::Cancelled) return L"[AI]: Cancelled.\r\n";
-    if (end.outcome == AiOutcome::Failed) return L"[AI]: The request failed: " + FailureReason(end) + L"\r\n";
+    if (end.outcome == AiOutcome::Cancelled) return Text(L"[AI]: Cancelled.\r\n");
+    if (end.outcome == AiOutcome::Failed) return TextWith(L"[AI]: The request failed: {1}\r\n", {FailureReason(end)});
     switch (end.replyEnd) {
-        case ReplyEnd::Cut: return L"[AI]: The connection was lost before the reply was complete.\r\n";
-        case ReplyEnd::AtLimit: return L"[AI]: The reply has reached its longest length and is not complete.\r\n";
-        case ReplyEnd::Refused: return L"[AI]: The service has ended the reply: " + ServiceTextLine(end) + L"\r\n";
-        default: return end.blank ? L"[AI]: The reply is empty.\r\n" : L"";
+        case ReplyEnd::Cut: return Text(L"[AI]: The connection was lost before the reply was complete.\r\n");
+        case ReplyEnd::AtLimit: return Text(L"[AI]: The reply has reached its longest length and is not complete.\r\n");
+        case ReplyEnd::Refused:
+            return TextWith(L"[AI]: The service has ended the reply: {1}\r\n", {ServiceTextLine(end)});
+        default: return end.blank ? Text(L"[AI]: The reply is empty.\r\n") : L"";
     }
 }
 
@@ -143,17 +147,20 @@ AiReplyState AiReplyStateAfter(const AiEnded& ended, int held) {
 
 const wchar_t* ApplyProblem(AiReplyState state, bool about) {
     switch (state) {
-        case AiReplyState::None: return L"No reply has come yet.";
+        case AiReplyState::None: return Text(L"No reply has come yet.");
         case AiReplyState::Missing:
-            return L"The last request about code of a document was not answered, so there is nothing to apply.";
+            return Text(L"The last request about code of a document was not answered, so there is nothing to apply.");
         case AiReplyState::Cut:
-            return L"The last reply is not complete, so its code is not put in place of yours. Tools > Insert Code at "
-                   L"Caret takes what has come of it.";
+            return Text(
+                L"The last reply is not complete, so its code is not put in place of yours. Tools > Insert Code at "
+                L"Caret takes what has come of it.");
         case AiReplyState::Whole: break;
     }
-    return about ? nullptr
-                 : L"No code was sent that the last reply could take the place of. Tools > Insert Code at Caret puts "
-                   L"code of the chat into the document.";
+    return about
+               ? nullptr
+               : Text(
+                     L"No code was sent that the last reply could take the place of. Tools > Insert Code at Caret puts "
+                     L"code of the chat into the document.");
 }
 
 std::string WithoutKey(std::string text, std::string_view key) {

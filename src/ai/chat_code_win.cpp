@@ -7,6 +7,7 @@
 #include "ai/chat_history.h"
 #include "ai/chat_view.h"
 #include "base/events.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "documents/document_row.h"
 #include "editor/caret_place.h"
@@ -31,17 +32,17 @@ PlaceOfCode CodePlaceIn(HWND editor, LRESULT start, LRESULT end) {
 
 void ChatCopyCode() {
     const std::string code = ChatViewCode();
-    if (code.empty()) return g_events.statusText(L"The chat holds no code");
+    if (code.empty()) return g_events.statusText(Text(L"The chat holds no code"));
     ClipboardPutText(g_ui.hMainWnd, Utf8ToWideText(WithLineEnds(code, "\r\n")));
-    g_events.statusText(L"The code of the chat was copied");
+    g_events.statusText(Text(L"The code of the chat was copied"));
 }
 
 void ChatInsertCode() {
     const HWND editor = g_documents.hEditor;
     const std::string code = ChatViewCode();
-    if (editor == nullptr || code.empty()) return g_events.statusText(L"The chat holds no code");
+    if (editor == nullptr || code.empty()) return g_events.statusText(Text(L"The chat holds no code"));
     if (SciSend(editor, SCI_GETREADONLY) != 0) {
-        InfoMessage(L"The document is read-only, so nothing was inserted.");
+        InfoMessage(Text(L"The document is read-only, so nothing was inserted."));
         return;
     }
     const LRESULT start = CaretPositionAt(editor, SciSend(editor, SCI_GETSELECTIONSTART));
@@ -53,7 +54,7 @@ void ChatInsertCode() {
     SciSend(editor, SCI_ENDUNDOACTION);
     CaretGoTo(editor, start + static_cast<LRESULT>(text.size()));
     FocusCurrentEditor();
-    g_events.documentStatus(ActiveDocumentId(), L"The code of the chat was inserted");
+    g_events.documentStatus(ActiveDocumentId(), Text(L"The code of the chat was inserted"));
 }
 
 void ChatBeginNew() {
@@ -61,5 +62,5 @@ void ChatBeginNew() {
     ChatViewClear();
     ChatHistoryClear();
     if (PaneIsShown(PaneId::Ai)) AiPaneFocusInput();
-    g_events.statusText(L"A new chat has begun");
+    g_events.statusText(Text(L"A new chat has begun"));
 }

@@ -2,14 +2,16 @@
 // its end only while that can be seen, is bounded, and is shown anew after a change of theme or font. UI thread only.
 #pragma once
 
+#include "base/texts.h"
+
 #include <windows.h>
 
 #include <string>
 #include <string_view>
 
 // The text of a chat in which nothing was said yet.
-inline constexpr wchar_t kChatGreeting[] =
-    L"AI Chat\r\n========\r\nType a message below and click Send, or use Tools > OpenAI / LM-Studio.\r\n";
+inline constexpr const wchar_t* kChatGreeting =
+    English(L"AI Chat\r\n========\r\nType a message below and click Send, or use Tools > OpenAI / LM-Studio.\r\n");
 
 void ChatViewApplyLook();
 void ChatViewClear();  // only the greeting is left

@@ -5,6 +5,7 @@
 #include "ai/chat_rtf.h"
 #include "ai/chat_window.h"
 #include "base/events.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "output/output_pane.h"
 #include "output/show_timer.h"
@@ -116,7 +117,7 @@ void DropOldest() {
 
 void ShowGreeting() {
     if (!g_chat.entries.empty()) return;
-    ChatEntry& entry = ChatLogAdd(g_chat, ToUtf8(kChatGreeting), false);
+    ChatEntry& entry = ChatLogAdd(g_chat, ToUtf8(Text(kChatGreeting)), false);
     entry.settled.at = entry.text.size();
     entry.length = entry.settledLength = RichLength(g_ai.hAiChat);
 }
@@ -153,7 +154,7 @@ void ChatViewApplyLook() {
 void ChatViewClear() {
     if (g_chat.entries.empty()) return;
     g_chat.entries.clear();
-    ChatLogAdd(g_chat, ToUtf8(kChatGreeting), false);
+    ChatLogAdd(g_chat, ToUtf8(Text(kChatGreeting)), false);
     ShowAllEntries();
     ChatScrollBack({});
     g_events.refreshWanted();

@@ -3,6 +3,7 @@
 #include "ai/ai_pane.h"
 #include "ai/ai_state.h"
 #include "ai/chat_view.h"
+#include "base/texts.h"
 #include "documents/document_row.h"
 #include "resources/ids.h"
 #include "ui/menu.h"
@@ -53,15 +54,15 @@ void ShowChatMenu(HWND chat, POINT at) {
     const CHARRANGE selection = ChatSelection(chat);
     const bool code = ChatViewHasCode();
     const MenuItem items[] = {
-        {.id = kCopyText, .text = L"C&opy\tCtrl+C", .enabled = selection.cpMin != selection.cpMax},
-        {.id = kSelectAllText, .text = L"Select &All\tCtrl+A"},
+        {.id = kCopyText, .text = Text(L"C&opy\tCtrl+C"), .enabled = selection.cpMin != selection.cpMax},
+        {.id = kSelectAllText, .text = Text(L"Select &All\tCtrl+A")},
         {},
-        {.id = IDM_AI_COPY_CODE, .text = L"&Copy Code\tCtrl+Shift+C", .enabled = code},
+        {.id = IDM_AI_COPY_CODE, .text = Text(L"&Copy Code\tCtrl+Shift+C"), .enabled = code},
         {.id = IDM_AI_INSERT_CODE,
-         .text = L"&Insert Code at Caret\tCtrl+Shift+I",
+         .text = Text(L"&Insert Code at Caret\tCtrl+Shift+I"),
          .enabled = code && ActiveDocumentId() != 0},
         {},
-        {.id = IDM_AI_NEW_CHAT, .text = L"&New Chat"}};
+        {.id = IDM_AI_NEW_CHAT, .text = Text(L"&New Chat")}};
     switch (const UINT command = ShowPopupMenu(chat, items, at)) {
         case 0: break;
         case kCopyText: SendMessageW(chat, WM_COPY, 0, 0); break;

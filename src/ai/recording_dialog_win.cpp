@@ -9,6 +9,7 @@
 #include "base/bounded_text.h"
 #include "base/events.h"
 #include "base/log.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "base/wide_format.h"
 #include "resources/ids.h"
@@ -116,8 +117,8 @@ void Fail(HWND dialog, Recording& recording, const std::wstring& text) {
     recording.phase = Phase::Failed;
     ShowState(dialog, text);
     SetDlgItemTextW(dialog, IDC_RECORDING_HOST,
-                    (L"The recording is kept. Try Again sends it once more to " + recording.host + L".").c_str());
-    ShowButton(dialog, L"Try &Again");
+                    TextWith(L"The recording is kept. Try Again sends it once more to {1}.", {recording.host}).c_str());
+    ShowButton(dialog, Text(L"Try &Again"));
 }
 
 // The recording has ended by itself. Nothing is sent before the user says so.
@@ -127,16 +128,16 @@ void EndRecording(HWND dialog, Recording& recording, const wchar_t* why) {
     TakeSound(recording);
     ShowLevel(dialog, 0);
     const bool any = !recording.samples->empty();
-    ShowState(dialog,
-              std::wstring(why) + (any ? L" What was said until then can be sent." : L" Nothing was recorded."));
+    ShowState(dialog, std::wstring(why) +
+                          (any ? Text(L" What was said until then can be sent.") : Text(L" Nothing was recorded.")));
     SetDlgItemTextW(dialog, IDC_RECORDING_HOST,
-                    any ? (L"Send sends the recording to " + recording.host + L".").c_str() : L"");
-    ShowButton(dialog, any ? L"&Send" : nullptr);
+                    any ? TextWith(L"Send sends the recording to {1}.", {recording.host}).c_str() : L"");
+    ShowButton(dialog, any ? Text(L"&Send") : nullptr);
 }
 
 void BeginTranscription(HWND dialog, Recording& recording) {
     if (recording.phase != Phase::Failed) TakeSound(recording);
-    if (recording.samples->empty()) return EndRecording(dialog, recording, L"The microphone gave no sound.");
+    if (recording.samples->empty()) return EndRecording(dialog, recording, Text(L"The microphone gave no sound."));
     recording.heard.clear();
     recording.endText.clear();
     recording.transcriber =
@@ -145,10 +146,10 @@ void BeginTranscription(HWND dialog, Recording& recording) {
                                                      .model = ToUtf8(g_settings.openAITranscriptionModel),
                                                      .samples = recording.samples,
                                                      .dialog = dialog});
-    if (!recording.transcriber) return Fail(dialog, recording, L"There is not enough memory.");
+    if (!recording.transcriber) return Fail(dialog, recording, Text(L"There is not enough memory."));
     recording.phase = Phase::Transcribes;
-    ShowState(dialog, L"Transcribing...");
-    SetDlgItemTextW(dialog, IDC_RECORDING_HOST, (L"The recording goes to " + recording.host + L".").c_str());
+    ShowState(dialog, Text(L"Transcribing..."));
+    SetDlgItemTextW(dialog, IDC_RECORDING_HOST, TextWith(L"The recording goes to {1}.", {recording.host}).c_str());
     ShowButton(dialog, nullptr);
 }
 
@@ -157,7 +158,7 @@ void BeginStopping(HWND dialog, Recording& recording) {
     recording.stopped = GetTickCount64();
     WorkerAskToEnd(recording.recorder.worker);
     ShowLevel(dialog, 0);
-    ShowState(dialog, L"Stopping...");
+    ShowState(dialog, Text(L"Stopping..."));
     ShowButton(dialog, nullptr);
 }
 
@@ -168,7 +169,7 @@ void OpenInput(HWND dialog, Recording& recording) {
     recording.phase = Phase::Opening;
     recording.recorder = RecorderStart();
     if (recording.recorder.worker) return;
-    recording.problem = L"There is not enough memory.";
+    recording.problem = Text(L"There is not enough memory.");
     EndDialog(dialog, IDABORT);
 }
 
@@ -184,8 +185,8 @@ void LookForInput(HWND dialog, Recording& recording) {
     }
     recording.phase = Phase::Records;
     recording.began = GetTickCount64();
-    ShowState(dialog, L"Recording...");
-    ShowButton(dialog, L"&Stop");
+    ShowState(dialog, Text(L"Recording..."));
+    ShowButton(dialog, Text(L"&Stop"));
 }
 
 void LookAtRecording(HWND dialog, Recording& recording) {
@@ -195,11 +196,11 @@ void LookAtRecording(HWND dialog, Recording& recording) {
     SetDlgItemTextW(dialog, IDC_RECORDING_TIME, FormatW(L"%u:%02u", seconds / 60, seconds % 60).c_str());
     ShowLevel(dialog, feed.level);
     if (feed.state == RecorderState::Lost)
-        EndRecording(dialog, recording, L"The microphone was removed.");
+        EndRecording(dialog, recording, Text(L"The microphone was removed."));
     else if (now > feed.heardTick + kDeafMs)
-        EndRecording(dialog, recording, L"No more sound comes from the microphone.");
+        EndRecording(dialog, recording, Text(L"No more sound comes from the microphone."));
     else if (feed.full || now - recording.began >= kMostMs)
-        EndRecording(dialog, recording, L"The recording has reached ten minutes, the limit.");
+        EndRecording(dialog, recording, Text(L"The recording has reached ten minutes, the limit."));
 }
 
 void OnRecordingTimer(HWND dialog, Recording& recording) {
@@ -227,7 +228,7 @@ void OnHeard(HWND dialog, Recording& recording, const TranscriptionPtr& transcri
     const AiEnd& end = transcription->end;
     recording.endText = AiEndText(AiService::OpenAi, 0, end);
     const bool silent = end.httpStatus == 200 && end.serviceText.empty();
-    Fail(dialog, recording, silent ? L"The service returned no text for the recording." : recording.endText);
+    Fail(dialog, recording, silent ? Text(L"The service returned no text for the recording.") : recording.endText);
 }
 
 void OnButton(HWND dialog, Recording& recording, int button) {
@@ -248,10 +249,10 @@ void OnRecordingInit(HWND dialog, LPARAM lParam) {
     Recording& recording = RecordingOf(dialog);
     DialogApplyTheme(dialog);
     recording.enterHeld = GetAsyncKeyState(VK_RETURN) < 0;
-    ShowState(dialog, L"Opening the microphone...");
+    ShowState(dialog, Text(L"Opening the microphone..."));
     SetDlgItemTextW(
         dialog, IDC_RECORDING_HOST,
-        (L"Stop sends the recording to " + recording.host + L". It can last for up to ten minutes.").c_str());
+        TextWith(L"Stop sends the recording to {1}. It can last for up to ten minutes.", {recording.host}).c_str());
     EnableWindow(GetDlgItem(dialog, IDOK), FALSE);
     SetTimer(dialog, 1, kLookMs, nullptr);
 }
@@ -280,7 +281,7 @@ std::wstring TranscriptionUrl() {
 std::wstring RecordingDialogShow(HWND owner) {
     Recording recording = {.url = TranscriptionUrl()};
     recording.host = HostOfUrl(recording.url);
-    if (recording.host.empty()) recording.host = L"the OpenAI URL of the settings";
+    if (recording.host.empty()) recording.host = Text(L"the OpenAI URL of the settings");
     const INT_PTR answer = DialogBoxParamW(g_ui.hInstance, MAKEINTRESOURCEW(IDD_RECORDING), owner, RecordingDlgProc,
                                            reinterpret_cast<LPARAM>(&recording));
     if (answer == -1) AppLogMsg(L"FAIL: RecordingDialogShow error=%lu", GetLastError());

@@ -2,6 +2,7 @@
 
 #include "ai/ai_texts.h"
 #include "ai/send_size.h"
+#include "base/texts.h"
 #include "documents/document_row.h"
 #include "scintilla/sci.h"
 #include "ui/message.h"
@@ -34,9 +35,9 @@ bool SendIsAllowed(const wchar_t* url, const AiTarget& target, std::size_t messa
                                    .buttons = AskButtons::OkCancel,
                                    .icon = AskIcon::Question,
                                    .inSelftest = Answer::Yes,
-                                   .okText = L"Send"};
+                                   .okText = Text(L"Send")};
     if (AskUser(question) != Answer::Yes) {
-        g_events.statusText(L"Nothing was sent");
+        g_events.statusText(Text(L"Nothing was sent"));
         return false;
     }
     g_agreedHosts.push_back(size.host);

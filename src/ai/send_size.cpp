@@ -1,5 +1,7 @@
 #include "ai/send_size.h"
 
+#include "base/texts.h"
+
 namespace {
 
 constexpr std::size_t kBytesOfToken = 4;  // of source text, about
@@ -17,10 +19,15 @@ std::wstring GroupedNumber(std::size_t number) {
 }
 
 std::wstring SizeQuestion(const SendSize& size) {
-    const std::wstring what = size.whole ? size.document + L" is about to be sent as a whole to " + size.host + L": "
-                                         : GroupedNumber(size.source) + L" bytes of " + size.document +
-                                               L" are about to be sent to " + size.host + L". The message has ";
-    return what + GroupedNumber(size.message) + L" bytes with the instructions, about " +
-           GroupedNumber(Rounded((size.message + kBytesOfToken - 1) / kBytesOfToken)) +
-           L" tokens.\n\nUntil the program ends you are asked only once for this server.";
+    const std::wstring message = GroupedNumber(size.message);
+    const std::wstring tokens = GroupedNumber(Rounded((size.message + kBytesOfToken - 1) / kBytesOfToken));
+    if (size.whole)
+        return TextWith(
+            L"{1} is about to be sent as a whole to {2}: {3} bytes with the instructions, about {4} "
+            L"tokens.\n\nUntil the program ends you are asked only once for this server.",
+            {size.document, size.host, message, tokens});
+    return TextWith(
+        L"{1} bytes of {2} are about to be sent to {3}. The message has {4} bytes with the instructions, "
+        L"about {5} tokens.\n\nUntil the program ends you are asked only once for this server.",
+        {GroupedNumber(size.source), size.document, size.host, message, tokens});
 }

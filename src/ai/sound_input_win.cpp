@@ -2,6 +2,7 @@
 #include "ai/sound_input.h"
 
 #include "ai/wav.h"
+#include "base/texts.h"
 
 #include <windows.h>
 
@@ -59,9 +60,9 @@ bool StartBlocks(Microphone& microphone) {
 
 void* StartMicrophone(std::wstring* problem) {
     if (waveInGetNumDevs() == 0) {
-        *problem =
+        *problem = Text(
             L"No microphone was found. Connect one, or type the instruction into the AI sidebar and choose Tools > "
-            L"Edit Code as Typed in AI Sidebar.";
+            L"Edit Code as Typed in AI Sidebar.");
         return nullptr;
     }
     WAVEFORMATEX format = {};
@@ -78,9 +79,9 @@ void* StartMicrophone(std::wstring* problem) {
         std::vector<std::int16_t> unused;
         StopMicrophone(microphone.release(), &unused);
     }
-    *problem =
+    *problem = Text(
         L"The microphone cannot be used. Another program may be using it, or the system's privacy settings may "
-        L"keep programs from it.";
+        L"keep programs from it.");
     return nullptr;
 }
 

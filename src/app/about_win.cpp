@@ -1,6 +1,7 @@
 #include "app/about.h"
 
 #include "base/bounded_text.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "files/file_io.h"
 #include "files/user_folder.h"
@@ -25,11 +26,11 @@
 void AboutShow() {
     std::array<wchar_t, kPathCapacity> ini = {};
     GetIniPath(nullptr, ini.data(), ini.size());
-    const std::wstring text = FormatW(
-        L"KVX-Editor " KVX_VERSION L" (64-bit)\n\nA source editor for BASIC, C and assembly: write, build, go to the error, "
-        L"run.\n\nMade of: " KVX_PARTS L"\nCompiled by " KVX_COMPILER TEXT(__VERSION__) L"\nLicence: MIT; those of the parts are in the "
-        L"folder \"licenses\".\n\nSettings: %s\nRecovered texts and logs: %s",
-        ini.data(), UserFolderPath().c_str());
+    const std::wstring text = TextWith(
+        L"{1} (64-bit)\n\nA source editor for BASIC, C and assembly: write, build, go to the error, "
+        L"run.\n\nMade of: {2}\nCompiled by {3}\nLicence: MIT; those of the parts are in the "
+        L"folder \"licenses\".\n\nSettings: {4}\nRecovered texts and logs: {5}",
+        {L"KVX-Editor " KVX_VERSION, KVX_PARTS, KVX_COMPILER TEXT(__VERSION__), ini.data(), UserFolderPath()});
     TellUser(kProgramCaption, text.c_str(), AskIcon::Information);
 }
 
@@ -38,9 +39,10 @@ void DocumentationShow() {
     AppExeDirectory(folder.data(), folder.size());
     const std::wstring page = std::wstring(folder.data()) + L"\\docs\\tour.html";
     if (!FileExists(page.c_str()))
-        return ErrorMessage(L"The documentation is not beside the program:\n%s", page.c_str());
+        return ErrorMessage(Text(L"The documentation is not beside the program:\n%s"), page.c_str());
     const auto result =
         reinterpret_cast<INT_PTR>(ShellExecuteW(g_ui.hMainWnd, L"open", page.c_str(), nullptr, nullptr, SW_SHOWNORMAL));
     if (result <= 32)
-        ErrorMessage(L"The documentation could not be opened (error %d):\n%s", static_cast<int>(result), page.c_str());
+        ErrorMessage(Text(L"The documentation could not be opened (error %d):\n%s"), static_cast<int>(result),
+                     page.c_str());
 }

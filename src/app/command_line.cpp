@@ -2,6 +2,7 @@
 #include "app/command_line.h"
 
 #include "base/decimal.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "settings/compilers.h"
 #include "settings/version.h"
@@ -16,14 +17,14 @@ struct SelfTestRow {
     const wchar_t* help;
 };
 constexpr SelfTestRow kSelfTestOptions[] = {
-    {L"--selftest", L"Test Scintilla mouse-click processing"},
-    {L"--selftest-tabs", L"Test real tab switching and Scintilla mouse selection"},
-    {L"--selftest-editor-all", L"Test tab close, editing, KVXB64 build, and debug command guards"},
-    {L"--selftest-toolbar", L"Test debug toolbar icons and compiler button order"},
-    {L"--selftest-compilers", L"Test editor build path for all configured compilers"},
-    {L"--selftest-exit", L"Test File > Exit command closes the main window"},
-    {L"--selftest-kb-debug", L"Test KeldorBasic /D PBD single-step debugging"},
-    {L"--selftest-kvxb64-debug", L"Test KVXB64 DOUBLE IF/ELSE single-step debugging"},
+    {L"--selftest", English(L"Test Scintilla mouse-click processing")},
+    {L"--selftest-tabs", English(L"Test real tab switching and Scintilla mouse selection")},
+    {L"--selftest-editor-all", English(L"Test tab close, editing, KVXB64 build, and debug command guards")},
+    {L"--selftest-toolbar", English(L"Test debug toolbar icons and compiler button order")},
+    {L"--selftest-compilers", English(L"Test editor build path for all configured compilers")},
+    {L"--selftest-exit", English(L"Test File > Exit command closes the main window")},
+    {L"--selftest-kb-debug", English(L"Test KeldorBasic /D PBD single-step debugging")},
+    {L"--selftest-kvxb64-debug", English(L"Test KVXB64 DOUBLE IF/ELSE single-step debugging")},
 };
 
 struct OptionRow {
@@ -103,16 +104,18 @@ int CompilerIdFromName(std::wstring_view name) {
 }
 
 std::wstring CommandLineHelp() {
-    std::wstring text = L"VQ Unified Editor v" KVX_VERSION L"\n\nUsage: KVX-Editor.exe [options]\n\nOptions:\n";
-    text += HelpLine(L"--open <file>", L"Open file on startup");
-    text += HelpLine(L"--compiler <name>", L"Set compiler (" + CompilerOptionNames() + L")");
-    text += HelpLine(L"--font <name>", L"Set editor font");
-    text += HelpLine(L"--fontsize <n>", L"Set font size (6-72)");
-    text += HelpLine(L"--detect", L"Test compiler auto-detect, show results, exit");
-    for (const SelfTestRow& row : kSelfTestOptions) text += HelpLine(row.name, row.help + std::wstring(L", exit"));
-    text += HelpLine(L"--log", L"Enable verbose logging to Editor_Detect.log");
-    text += HelpLine(L"--help, -h", L"Show this help");
-    return text + L"\nAll features are also accessible via GUI menu/toolbar.";
+    std::wstring text =
+        TextWith(L"{1}\n\nUsage: KVX-Editor.exe [options]\n\nOptions:\n", {L"VQ Unified Editor v" KVX_VERSION});
+    text += HelpLine(L"--open <file>", Text(L"Open file on startup"));
+    text += HelpLine(L"--compiler <name>", TextWith(L"Set compiler ({1})", {CompilerOptionNames()}));
+    text += HelpLine(L"--font <name>", Text(L"Set editor font"));
+    text += HelpLine(L"--fontsize <n>", Text(L"Set font size (6-72)"));
+    text += HelpLine(L"--detect", Text(L"Test compiler auto-detect, show results, exit"));
+    for (const SelfTestRow& row : kSelfTestOptions)
+        text += HelpLine(row.name, Text(row.help) + std::wstring(Text(L", exit")));
+    text += HelpLine(L"--log", Text(L"Enable verbose logging to Editor_Detect.log"));
+    text += HelpLine(L"--help, -h", Text(L"Show this help"));
+    return TextWith(L"{1}\nAll features are also accessible via GUI menu/toolbar.", {text});
 }
 
 std::vector<CommandLineStep> ParseCommandLineSteps(std::span<const std::wstring> arguments) {

@@ -9,6 +9,7 @@
 #include "app/splitters.h"
 #include "app/start_page.h"
 #include "app/tab_commands.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "commands/command_state.h"
 #include "commands/edit_target.h"
@@ -78,12 +79,12 @@ void EditText(int command) {
 
 void GoToBookmark(int command) {
     if (!BookmarkGo(g_app.hEditor, command == IDM_BOOKMARK_NEXT))
-        StatusBarSetDocumentText(ActiveDocumentId(), L"No bookmarks in this document (Ctrl+F2 sets one)");
+        StatusBarSetDocumentText(ActiveDocumentId(), Text(L"No bookmarks in this document (Ctrl+F2 sets one)"));
 }
 
 void ChooseProjectFolder() {
     std::wstring folder = g_app.settings.projectRoot;
-    if (!AskFolderPath(g_app.hMainWnd, L"Choose the folder that the project tree shows", folder)) return;
+    if (!AskFolderPath(g_app.hMainWnd, Text(L"Choose the folder that the project tree shows"), folder)) return;
     SettingsChange([&](Settings& settings) {
         SafeCopyW(settings.projectRoot, folder);
         settings.showProjectTree = 1;
@@ -93,33 +94,36 @@ void ChooseProjectFolder() {
 
 void OpenWorkspace() {
     std::wstring path;
-    if (!AskFilePath({.owner = g_app.hMainWnd, .filter = L"Workspace (*.json)\0*.json\0All Files (*.*)\0*.*\0"}, path))
+    if (!AskFilePath(
+            {.owner = g_app.hMainWnd, .filter = English(L"Workspace (*.json)\0*.json\0All Files (*.*)\0*.*\0")}, path))
         return;
     switch (WorkspaceFileAt(path.c_str())) {
         case WorkspaceFile::Ours:  // it fails when the user keeps a document open
             if (WorkspaceLoad(path.c_str()) == 0) break;
             EnsureEditableStartupTab();  // all its files may be away
             FocusCurrentEditor();
-            StatusBarSetText(L"Workspace opened");
+            StatusBarSetText(Text(L"Workspace opened"));
             break;
         case WorkspaceFile::Foreign:
-            ErrorMessage(L"Failed to open workspace: %s\n\nThe file is not a workspace of this program.", path.c_str());
+            ErrorMessage(Text(L"Failed to open workspace: %s\n\nThe file is not a workspace of this program."),
+                         path.c_str());
             break;
-        default: ErrorMessage(L"Failed to open workspace: %s", path.c_str()); break;
+        default: ErrorMessage(Text(L"Failed to open workspace: %s"), path.c_str()); break;
     }
 }
 
 // Where a text is modified, the closing itself asks, and can be cancelled.
 void NewWorkspace() {
     const auto files = std::ranges::count_if(g_app.tabs, &DocumentTab::hasFile);
-    const std::wstring text = FormatW(files == 1 ? L"A new workspace closes the open file. It can be opened again with "
-                                                   L"Ctrl+Shift+T."
-                                                 : L"A new workspace closes the %d open files. They can be opened "
-                                                   L"again with Ctrl+Shift+T.",
-                                      static_cast<int>(files));
+    const std::wstring text =
+        FormatW(files == 1 ? Text(L"A new workspace closes the open file. It can be opened again with "
+                                  L"Ctrl+Shift+T.")
+                           : Text(L"A new workspace closes the %d open files. They can be opened "
+                                  L"again with Ctrl+Shift+T."),
+                static_cast<int>(files));
     const bool asked = std::ranges::any_of(g_app.tabs, &DocumentTab::modified);
     if (files > 0 && !asked &&
-        AskUser({.caption = L"New Workspace",
+        AskUser({.caption = Text(L"New Workspace"),
                  .text = text.c_str(),
                  .buttons = AskButtons::OkCancel,
                  .icon = AskIcon::Question,
@@ -131,16 +135,17 @@ void NewWorkspace() {
 void SaveWorkspace(int) {
     const std::wstring target = g_app.workspacePath[0] != L'\0' ? g_app.workspacePath : WorkspaceDefaultPath();
     if (WorkspaceFileAt(target.c_str()) == WorkspaceFile::Foreign) {
-        ErrorMessage(L"Failed to save workspace: %s\n\nThe file is not a workspace of this program and stays as it is.",
-                     target.c_str());
+        ErrorMessage(
+            Text(L"Failed to save workspace: %s\n\nThe file is not a workspace of this program and stays as it is."),
+            target.c_str());
         return;
     }
-    StatusBarSetText(WorkspaceSave(nullptr) != 0 ? L"Workspace saved" : L"Workspace could not be saved");
+    StatusBarSetText(WorkspaceSave(nullptr) != 0 ? Text(L"Workspace saved") : Text(L"Workspace could not be saved"));
 }
 
 void CloseFocusedPane() {
     const PaneSpec* pane = PaneOfWindow(GetFocus());
-    if (pane == nullptr) return StatusBarSetText(L"No pane has the keyboard (F6 goes to one)");
+    if (pane == nullptr) return StatusBarSetText(Text(L"No pane has the keyboard (F6 goes to one)"));
     PaneShow(pane->id, false);
 }
 

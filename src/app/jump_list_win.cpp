@@ -3,6 +3,7 @@
 #include "app/jump_list.h"
 
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/worker.h"
 #include "settings/settings_state.h"
 
@@ -93,7 +94,7 @@ void PutList(const JumpTask& task) {
         const auto link = LinkTo(task.program, file);
         if (link != nullptr && SUCCEEDED(links->AddObject(link.get()))) ++count;
     }
-    if (count == 0 || SUCCEEDED(list->AppendCategory(L"Recent Files", links.get()))) list->CommitList();
+    if (count == 0 || SUCCEEDED(list->AppendCategory(Text(L"Recent Files"), links.get()))) list->CommitList();
 }
 
 void WriteJumpList(JumpTask& task, const WorkerCancel&) {

@@ -7,6 +7,7 @@
 #include "app/main_window.h"
 #include "app/start_page.h"
 #include "base/log.h"
+#include "base/texts.h"
 #include "commands/command_table.h"
 #include "commands/quick_open.h"
 #include "compile/build.h"
@@ -126,7 +127,7 @@ void RunStep(const CommandLineStep& step) {
             break;
         case CommandLineAction::Detect: ShowDetectReport(); EndProcess(0);
         case CommandLineAction::Log: ReopenLog(); break;
-        case CommandLineAction::Help: TellUser(L"Editor Help", CommandLineHelp().c_str(), AskIcon::None); break;
+        case CommandLineAction::Help: TellUser(Text(L"Editor Help"), CommandLineHelp().c_str(), AskIcon::None); break;
         case CommandLineAction::SelfTest: break;  // they have run
     }
 }
@@ -238,7 +239,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR commandLine, int showCom
         return 1;
     };
     if (ScintillaLoad(&g_app.scintilla.scintilla, &g_app.scintilla.lexilla, &unused) == 0) {
-        TellUser(L"Error", L"Failed to load Scintilla.dll", AskIcon::Error);
+        TellUser(Text(L"Error"), Text(L"Failed to load Scintilla.dll"), AskIcon::Error);
         return unloadAndFail();
     }
     wchar_t directory[kPathCapacity] = {};

@@ -7,6 +7,7 @@
 #include "app/panes.h"
 #include "app/splitters.h"
 #include "app/start_page.h"
+#include "base/texts.h"
 #include "commands/command_state.h"
 #include "commands/status_bar.h"
 #include "commands/toolbar.h"
@@ -51,7 +52,7 @@ HWND CreateChild(const wchar_t* className, const wchar_t* text, DWORD exStyle, D
 
 void CreateChildren(HWND window) {
     g_app.hToolbar = ToolbarCreate(window, IDC_TOOLBAR);
-    g_app.hTabCtrl = CreateChild(WC_TABCONTROLW, L"Documents", 0,
+    g_app.hTabCtrl = CreateChild(WC_TABCONTROLW, Text(L"Documents"), 0,
                                  WS_VISIBLE | TCS_OWNERDRAWFIXED | TCS_FIXEDWIDTH | TCS_FOCUSNEVER, IDC_TABS);
     TabBarInit(g_app.hTabCtrl);
     ConnectPanes();

@@ -1,6 +1,7 @@
 #include "app/pane_titles.h"
 
 #include "app/app_state.h"
+#include "base/texts.h"
 #include "documents/document_row.h"
 #include "resources/ids.h"
 #include "ui/chrome.h"
@@ -85,9 +86,9 @@ HWND CreateTitlePart(const wchar_t* className, const std::wstring& text, DWORD s
 // The label stands right before the pane among its siblings, by which screen readers take its text as the pane's name.
 void CreateTitle(const PaneSpec& pane) {
     PaneTitle& title = g_titles.of[PaneIndex(pane.id)];
-    const std::wstring name = pane.title;
+    const std::wstring name = Text(pane.title);
     title.label = CreateTitlePart(WC_STATICW, name, SS_OWNERDRAW | SS_NOTIFY, IDC_PANE_TITLE);
-    title.close = CreateTitlePart(WC_BUTTONW, L"Close " + name, BS_OWNERDRAW,
+    title.close = CreateTitlePart(WC_BUTTONW, TextWith(L"Close {1}", {name}), BS_OWNERDRAW,
                                   IDC_PANE_CLOSE_FIRST + static_cast<int>(PaneIndex(pane.id)));
     if (title.close != nullptr) SubclassAdd(title.close, CloseButtonProc);
     const auto placeBefore = [](HWND window, HWND next) {

@@ -4,6 +4,7 @@
 #include "ai/ai_pane.h"
 #include "app/app_state.h"
 #include "base/log.h"
+#include "base/texts.h"
 #include "compile/terminal.h"
 #include "debugui/debug_pane.h"
 #include "disasm/asm_pane.h"
@@ -27,8 +28,8 @@
 
 namespace {
 
-constexpr wchar_t kAsmGreeting[] =
-    L"ASM output will appear here after compilation.\r\nToggle via View > ASM Pane or the toolbar button.";
+constexpr const wchar_t* kAsmGreeting =
+    English(L"ASM output will appear here after compilation.\r\nToggle via View > ASM Pane or the toolbar button.");
 
 HWND CreateOutput(HWND parent, int controlId) {
     const HWND pane = RichPaneCreate(parent, controlId, nullptr, false);
@@ -52,13 +53,13 @@ HWND CreateTerminal(HWND parent, int controlId) {
 
 void ApplyTerminalTheme() {
     SendMessageW(g_app.hTerminal, WM_SETFONT, reinterpret_cast<WPARAM>(UiStockFont()), FALSE);
-    SendMessageW(g_app.hTerminal, EM_SETCUEBANNER, FALSE, reinterpret_cast<LPARAM>(L"Command"));
+    SendMessageW(g_app.hTerminal, EM_SETCUEBANNER, FALSE, reinterpret_cast<LPARAM>(Text(L"Command")));
     ControlApplyTheme(g_app.hTerminal);
 }
 
 void FocusTerminal() { SetFocus(g_app.hTerminal); }  // it was opened to type a command
 
-HWND CreateAsmPane(HWND parent, int controlId) { return RichPaneCreate(parent, controlId, kAsmGreeting, false); }
+HWND CreateAsmPane(HWND parent, int controlId) { return RichPaneCreate(parent, controlId, Text(kAsmGreeting), false); }
 
 void ApplyAsmTheme() {
     AsmPaneApplyTheme();
@@ -87,7 +88,7 @@ void LoadAsmPane() {
 
 constexpr PaneSpec kPanes[] = {
     {.id = PaneId::Output,
-     .title = L"Output",
+     .title = English(L"Output"),
      .area = PaneArea::Bottom,
      .controlId = IDC_OUTPUT,
      .window = &g_app.hOutput,
@@ -97,7 +98,7 @@ constexpr PaneSpec kPanes[] = {
      .comesBack = true,
      .command = IDM_VIEW_OUTPUT},
     {.id = PaneId::ErrorList,
-     .title = L"Error List",
+     .title = English(L"Error List"),
      .area = PaneArea::BelowBottom,
      .controlId = IDC_ERROR_LIST,
      .window = &g_app.hErrorList,
@@ -111,7 +112,7 @@ constexpr PaneSpec kPanes[] = {
      .command = IDM_VIEW_ERROR_LIST,
      .handleNotify = ErrorListHandleNotify},
     {.id = PaneId::Terminal,
-     .title = L"Terminal",
+     .title = English(L"Terminal"),
      .area = PaneArea::BelowBottom,
      .controlId = IDC_TERMINAL,
      .window = &g_app.hTerminal,
@@ -121,7 +122,7 @@ constexpr PaneSpec kPanes[] = {
      .command = IDM_VIEW_TERMINAL,
      .onShown = FocusTerminal},
     {.id = PaneId::Debug,
-     .title = L"Debug",
+     .title = English(L"Debug"),
      .area = PaneArea::BottomRight,
      .controlId = IDC_DEBUG_PANE,
      .window = &g_app.hDebugPane,
@@ -143,7 +144,7 @@ constexpr PaneSpec kPanes[] = {
      .command = IDM_VIEW_ASM,
      .onShown = LoadAsmPane},
     {.id = PaneId::Ai,
-     .title = L"AI Chat",
+     .title = English(L"AI Chat"),
      .area = PaneArea::Right,
      .controlId = IDC_AI_CHAT,
      .window = &g_app.hAiChat,
@@ -155,7 +156,7 @@ constexpr PaneSpec kPanes[] = {
      .onShown = AiPaneFocusInput,
      .parts = AiPaneParts},
     {.id = PaneId::Tree,
-     .title = L"Project",
+     .title = English(L"Project"),
      .area = PaneArea::Left,
      .controlId = IDC_PROJECT_TREE,
      .window = &g_app.hProjectTree,
@@ -166,7 +167,7 @@ constexpr PaneSpec kPanes[] = {
      .command = IDM_VIEW_TREE,
      .handleNotify = ProjectTreeHandleNotify},
     {.id = PaneId::FilesResults,
-     .title = L"Search Results",
+     .title = English(L"Search Results"),
      .area = PaneArea::Bottom,
      .controlId = IDC_FILES_PANE,
      .window = &g_app.hFilesPane,
@@ -177,7 +178,7 @@ constexpr PaneSpec kPanes[] = {
      .command = IDM_VIEW_FILES_RESULTS,
      .onShown = FilesPaneFocus},
     {.id = PaneId::Outline,
-     .title = L"Outline",
+     .title = English(L"Outline"),
      .area = PaneArea::Left,
      .controlId = IDC_OUTLINE_PANE,
      .window = &g_app.hOutline,
@@ -200,7 +201,7 @@ static_assert(PanesAreInOrder(), "one row for each PaneId, in its order");
 void CreatePane(const PaneSpec& pane) {
     *pane.window = pane.create(g_app.hMainWnd, pane.controlId);
     if (*pane.window == nullptr) AppLogMsg(L"FAIL: pane %s error=%lu", pane.title, GetLastError());
-    AccessibleNameSet(*pane.window, pane.title);
+    AccessibleNameSet(*pane.window, Text(pane.title));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "app/main_window.h"
 #include "app/recent_text.h"
 #include "app/start_page.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "commands/status_bar.h"
 #include "documents/document_row.h"
@@ -59,7 +60,7 @@ void FillList(HMENU menu, const RecentList& list) {
                     text.c_str());
     };
     for (int i = 0; i < count; ++i) insert(i, list.first + i, RecentMenuText(i, (settings.*list.rows)[i]));
-    if (count == 0) insert(0, list.none, L"(None)");
+    if (count == 0) insert(0, list.none, Text(L"(None)"));
 }
 
 void RemoveRow(const RecentList& list, int row) {
@@ -71,7 +72,7 @@ void RemoveRow(const RecentList& list, int row) {
 bool IsThere(const RecentList& list, int row, const std::wstring& path) {
     if (PathAnswers(path.c_str()) && FileExists(path.c_str())) return true;
     const std::wstring text =
-        FormatW(L"This file is not there at the moment:\n%s\n\nRemove it from the list?", path.c_str());
+        FormatW(Text(L"This file is not there at the moment:\n%s\n\nRemove it from the list?"), path.c_str());
     if (AskUser({.caption = kProgramCaption,
                  .text = text.c_str(),
                  .buttons = AskButtons::YesNo,
@@ -84,7 +85,8 @@ bool IsThere(const RecentList& list, int row, const std::wstring& path) {
 void OpenSession(const std::wstring& path) {
     // The session in use is written when the program ends, so a file of another kind must not become it.
     if (!SessionFileIsOurs(path.c_str())) {
-        ErrorMessage(L"Failed to open session: %s\n\nThe file cannot be read, or it is not a session.", path.c_str());
+        ErrorMessage(Text(L"Failed to open session: %s\n\nThe file cannot be read, or it is not a session."),
+                     path.c_str());
         return;
     }
     // A document that the user wanted to keep open stops it, and that needs no message.
@@ -92,18 +94,18 @@ void OpenSession(const std::wstring& path) {
     EnsureEditableStartupTab();  // all its files may be away
     SafeCopyW(g_app.sessionPath, path);
     FocusCurrentEditor();
-    StatusBarSetText(L"Session opened");
+    StatusBarSetText(Text(L"Session opened"));
 }
 
 void SaveSession(const std::wstring& path) {
     if (SessionSave(path.c_str()) == 0) {
-        ErrorMessage(L"Failed to save session: %s", path.c_str());
+        ErrorMessage(Text(L"Failed to save session: %s"), path.c_str());
         return;
     }
     SafeCopyW(g_app.sessionPath, path);
     SessionMRUAdd(path.c_str());
     SettingsSave(nullptr);
-    StatusBarSetText(L"Session saved");
+    StatusBarSetText(Text(L"Session saved"));
 }
 
 // Empty when the user cancelled.
@@ -112,7 +114,7 @@ std::wstring AskSessionPath(bool save) {
     wchar_t folder[kPathCapacity] = {};
     FileOpenResolveInitialDirectory(folder, kPathCapacity);
     const PathQuestion question = {.owner = g_app.hMainWnd,
-                                   .filter = L"Sessions (*.kvxsess)\0*.kvxsess\0All Files (*.*)\0*.*\0",
+                                   .filter = English(L"Sessions (*.kvxsess)\0*.kvxsess\0All Files (*.*)\0*.*\0"),
                                    .extension = L"kvxsess",
                                    .folder = folder,
                                    .save = save};

@@ -3,6 +3,7 @@
 #include "app/app_state.h"
 #include "app/main_window.h"
 #include "base/events.h"
+#include "base/texts.h"
 #include "documents/document_row.h"
 #include "resources/ids.h"
 #include "ui/chrome.h"
@@ -27,13 +28,13 @@ struct SplitterRow {
     int first;  // of the output's bar: FirstOutputSplit
 };
 constexpr SplitterRow kSplitters[] = {
-    {Splitter::Output, IDC_SPLIT_OUTPUT, L"Height of the Output", &Settings::splitter, 0},
-    {Splitter::Side, IDC_SPLIT_ASM, L"Width of the Side Panes", &Settings::aiSidebarWidth, kFirstSideWidth},
-    {Splitter::Tree, IDC_SPLIT_TREE, L"Width of the Project Tree", &Settings::projectTreeWidth, 200},
-    {Splitter::Debug, IDC_SPLIT_DEBUG, L"Width of the Debug Pane", &Settings::debugPaneWidth, 0},
-    {Splitter::ErrorList, IDC_SPLIT_ERROR_LIST, L"Height of the Error List", &Settings::errorListHeight, 150},
-    {Splitter::Results, IDC_SPLIT_RESULTS, L"Width of the Search Results", &Settings::resultsWidth, 0},
-    {Splitter::Outline, IDC_SPLIT_OUTLINE, L"Height of the Outline", &Settings::outlineHeight, 0},
+    {Splitter::Output, IDC_SPLIT_OUTPUT, English(L"Height of the Output"), &Settings::splitter, 0},
+    {Splitter::Side, IDC_SPLIT_ASM, English(L"Width of the Side Panes"), &Settings::aiSidebarWidth, kFirstSideWidth},
+    {Splitter::Tree, IDC_SPLIT_TREE, English(L"Width of the Project Tree"), &Settings::projectTreeWidth, 200},
+    {Splitter::Debug, IDC_SPLIT_DEBUG, English(L"Width of the Debug Pane"), &Settings::debugPaneWidth, 0},
+    {Splitter::ErrorList, IDC_SPLIT_ERROR_LIST, English(L"Height of the Error List"), &Settings::errorListHeight, 150},
+    {Splitter::Results, IDC_SPLIT_RESULTS, English(L"Width of the Search Results"), &Settings::resultsWidth, 0},
+    {Splitter::Outline, IDC_SPLIT_OUTLINE, English(L"Height of the Outline"), &Settings::outlineHeight, 0},
 };
 static_assert(std::size(kSplitters) == kSplitterCount);
 
@@ -135,7 +136,7 @@ void OnSplitterFocus(HWND window, bool has) {
     if (has) {
         g_splitters.undoValue = g_app.settings.*RowOf(window).setting;
         g_events.statusText(
-            L"Arrows, Home and End move the bar, Tab goes to the next one, Enter ends, Esc takes it back");
+            Text(L"Arrows, Home and End move the bar, Tab goes to the next one, Enter ends, Esc takes it back"));
     }
     InvalidateRect(window, nullptr, TRUE);
 }
@@ -160,7 +161,7 @@ HWND CreateSplitter(const SplitterRow& row) {
         return RegisterClassExW(&description);
     }();
     if (registered == 0) return nullptr;
-    return CreateWindowExW(0, kSplitterClass, row.name, WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, 0, 0, 0, 0,
+    return CreateWindowExW(0, kSplitterClass, Text(row.name), WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, 0, 0, 0, 0,
                            g_app.hMainWnd, reinterpret_cast<HMENU>(static_cast<INT_PTR>(row.id)), g_app.hInstance,
                            nullptr);
 }
@@ -183,7 +184,7 @@ void SplittersTakeKeys() {
         if (window != nullptr && window == focus) return FocusSplitterBeside(focus, true);
     g_splitters.before = focus;
     FocusSplitterBeside(nullptr, true);
-    if (GetFocus() == focus) g_events.statusText(L"No pane is shown whose size could be changed");
+    if (GetFocus() == focus) g_events.statusText(Text(L"No pane is shown whose size could be changed"));
 }
 
 void SplittersRestoreSizes() {

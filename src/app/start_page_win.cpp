@@ -4,6 +4,7 @@
 #include "app/main_window.h"
 #include "app/start_rows.h"
 #include "base/log.h"
+#include "base/texts.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "project/new_project.h"
@@ -32,10 +33,10 @@ constexpr struct {
     const wchar_t* text;
     int command;
 } kButtons[] = {
-    {IDC_START_NEW, L"New File (Ctrl+N)", IDM_FILE_NEW},
-    {IDC_START_OPEN, L"Open File... (Ctrl+O)", IDM_FILE_OPEN},
-    {IDC_START_PROJECT, L"New Project...", IDM_PROJECT_NEW},
-    {IDC_START_SESSION, L"Open Session...", IDM_SESSION_OPEN},
+    {IDC_START_NEW, English(L"New File (Ctrl+N)"), IDM_FILE_NEW},
+    {IDC_START_OPEN, English(L"Open File... (Ctrl+O)"), IDM_FILE_OPEN},
+    {IDC_START_PROJECT, English(L"New Project..."), IDM_PROJECT_NEW},
+    {IDC_START_SESSION, English(L"Open Session..."), IDM_SESSION_OPEN},
 };
 
 struct StartPage {
@@ -59,8 +60,10 @@ void OpenRowOfKey(int, wchar_t key) {
     if (row != g_start.rows.end()) PostStartCommand(row->command);
 }
 
-constexpr ListColumn kColumns[] = {
-    {L"", 3, 3, false}, {L"Name", 26, 12, false}, {L"Opens", 9, 7, false}, {L"Folder", 40, 8, false}};
+constexpr ListColumn kColumns[] = {{L"", 3, 3, false},
+                                   {English(L"Name"), 26, 12, false},
+                                   {English(L"Opens"), 9, 7, false},
+                                   {English(L"Folder"), 40, 8, false}};
 constexpr ListKind kStartList = {.columns = kColumns, .activate = OpenStartRow, .typed = OpenRowOfKey};
 
 std::vector<std::wstring> SamplePaths() {
@@ -87,7 +90,7 @@ void PlaceStartControls(int width, int height) {
     const int margin = UiScaled(12), gap = UiScaled(6), buttonHeight = UiSizes().textHeight + UiScaled(10);
     int x = margin, y = margin;
     for (const auto& button : kButtons) {
-        const std::wstring text = button.text;
+        const std::wstring text = Text(button.text);
         const int wide = UiTextWidth(text.c_str(), static_cast<int>(text.size())) + UiScaled(24);
         if (x > margin && x + wide > width - margin) {
             x = margin;
@@ -155,17 +158,18 @@ bool CreateStartPage() {
                                reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), g_app.hInstance, nullptr);
     };
     if (registered != 0)
-        g_app.hStartPage = child(kStartClass, L"Start Page", WS_CLIPCHILDREN, g_app.hMainWnd, IDC_START_PAGE);
+        g_app.hStartPage = child(kStartClass, Text(L"Start Page"), WS_CLIPCHILDREN, g_app.hMainWnd, IDC_START_PAGE);
     if (g_app.hStartPage == nullptr) {
         AppLogMsg(L"FAIL: StartPage error=%lu", GetLastError());
         return false;
     }
     for (const auto& button : kButtons)
-        child(WC_BUTTONW, button.text, WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON, g_app.hStartPage, button.id);
-    child(WC_STATICW, L"Recent files, sessions and samples - Enter or a click opens one, the digits open recent files",
+        child(WC_BUTTONW, Text(button.text), WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON, g_app.hStartPage, button.id);
+    child(WC_STATICW,
+          Text(L"Recent files, sessions and samples - Enter or a click opens one, the digits open recent files"),
           WS_VISIBLE | SS_ENDELLIPSIS | SS_NOPREFIX, g_app.hStartPage, IDC_START_HINT);
     if (!ListViewCreate(g_start.list, g_app.hStartPage, IDC_START_LIST)) return false;
-    AccessibleNameSet(g_start.list.window, L"Recent files, sessions and samples");
+    AccessibleNameSet(g_start.list.window, Text(L"Recent files, sessions and samples"));
     ShowWindow(g_start.list.window, SW_SHOWNA);
     StartPageApplyTheme();
     return true;

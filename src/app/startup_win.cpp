@@ -6,6 +6,7 @@
 #include "app/start_page.h"
 #include "app/startup_rules.h"
 #include "base/log.h"
+#include "base/texts.h"
 #include "commands/status_bar.h"
 #include "commands/toolbar.h"
 #include "compile/build.h"
@@ -71,8 +72,8 @@ void OfferSessionRestore() {
     SessionAutoSavePath(path, kPathCapacity);
     SessionCheckAutoSave();
     if (!FileExists(path) || SessionHasFiles(path) == 0) return;
-    const Answer answer = AskUser({.caption = L"Restore Session",
-                                   .text = L"A previous session was auto-saved. Would you like to restore it?",
+    const Answer answer = AskUser({.caption = Text(L"Restore Session"),
+                                   .text = Text(L"A previous session was auto-saved. Would you like to restore it?"),
                                    .buttons = AskButtons::YesNo,
                                    .icon = AskIcon::Question,
                                    .inSelftest = Answer::No});
@@ -208,7 +209,7 @@ static bool SaveOnClose() {
 static void TellNotSaved() {
     wchar_t folder[kPathCapacity] = {};
     GetIniDir(nullptr, folder, kPathCapacity);
-    ErrorMessage(L"The settings and the list of open files could not be saved in:\n\n%s", folder);
+    ErrorMessage(Text(L"The settings and the list of open files could not be saved in:\n\n%s"), folder);
 }
 
 void MainWnd_OnClose(HWND window) {

@@ -1,6 +1,7 @@
 #include "app/tab_commands.h"
 
 #include "app/app_state.h"
+#include "base/texts.h"
 #include "commands/status_bar.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
@@ -27,14 +28,14 @@ void SelectTabBeside(int command) {
 
 void ReopenClosed(int) {
     const int before = TabCount();
-    if (!ClosedTabsReopen() && TabCount() == before) StatusBarSetText(L"No closed tab to open again");
+    if (!ClosedTabsReopen() && TabCount() == before) StatusBarSetText(Text(L"No closed tab to open again"));
 }
 
 void OpenFolderOfFile(int) {
     const std::wstring parameters = L"/select,\"" + std::wstring(TabAt(g_app.activeTab).path) + L"\"";
     const auto result = reinterpret_cast<INT_PTR>(
         ShellExecuteW(g_app.hMainWnd, L"open", L"explorer.exe", parameters.c_str(), nullptr, SW_SHOWNORMAL));
-    if (result <= 32) ErrorMessage(L"The Explorer could not be started (error %d).", static_cast<int>(result));
+    if (result <= 32) ErrorMessage(Text(L"The Explorer could not be started (error %d)."), static_cast<int>(result));
 }
 
 constexpr CommandHandler kTabHandlers[] = {

@@ -1,5 +1,6 @@
 #include "commands/context_menu.h"
 
+#include "base/texts.h"
 #include "resources/ids.h"
 
 namespace {
@@ -7,67 +8,67 @@ namespace {
 constexpr ContextItem kSeparator = {};
 
 constexpr ContextItem kTextItems[] = {
-    {IDM_EDIT_UNDO, L"&Undo"},
-    {IDM_EDIT_REDO, L"&Redo"},
+    {IDM_EDIT_UNDO, English(L"&Undo")},
+    {IDM_EDIT_REDO, English(L"&Redo")},
     kSeparator,
-    {IDM_EDIT_CUT, L"Cu&t"},
-    {IDM_EDIT_COPY, L"&Copy"},
-    {IDM_EDIT_PASTE, L"&Paste"},
-    {IDM_EDIT_SELECT_ALL, L"Select &All"},
+    {IDM_EDIT_CUT, English(L"Cu&t")},
+    {IDM_EDIT_COPY, English(L"&Copy")},
+    {IDM_EDIT_PASTE, English(L"&Paste")},
+    {IDM_EDIT_SELECT_ALL, English(L"Select &All")},
     kSeparator,
-    {IDM_AI_EXPLAIN, L"E&xplain This Error", true},
-    {IDM_AI_FIX, L"&Fix This Error", true},
-    {IDM_ERROR_NEXT, L"&Next Error", true},
+    {IDM_AI_EXPLAIN, English(L"E&xplain This Error"), true},
+    {IDM_AI_FIX, English(L"&Fix This Error"), true},
+    {IDM_ERROR_NEXT, English(L"&Next Error"), true},
     kSeparator,
-    {IDM_SYMBOL_DEFINITION, L"Go to &Definition"},
-    {IDM_SYMBOL_REFERENCES, L"Find All R&eferences"},
-    {IDM_SYMBOL_RENAME, L"Rena&me Symbol..."},
+    {IDM_SYMBOL_DEFINITION, English(L"Go to &Definition")},
+    {IDM_SYMBOL_REFERENCES, English(L"Find All R&eferences")},
+    {IDM_SYMBOL_RENAME, English(L"Rena&me Symbol...")},
     kSeparator,
-    {IDM_DEBUG_BREAKPOINT, L"Toggle &Breakpoint"},
-    {IDM_DEBUG_RUN_TO_CURSOR, L"Run to Cur&sor"},
-    {IDM_DEBUG_NAME_PLACE, L"Name a P&lace..."},
+    {IDM_DEBUG_BREAKPOINT, English(L"Toggle &Breakpoint")},
+    {IDM_DEBUG_RUN_TO_CURSOR, English(L"Run to Cur&sor")},
+    {IDM_DEBUG_NAME_PLACE, English(L"Name a P&lace...")},
     kSeparator,
-    {IDM_AI_OPENAI, L"Ask About Select&ion"},
+    {IDM_AI_OPENAI, English(L"Ask About Select&ion")},
 };
 
 constexpr ContextItem kMarginItems[] = {
-    {IDM_DEBUG_BREAKPOINT, L"Toggle &Breakpoint"},
-    {IDM_DEBUG_ENABLE_BREAKPOINT, L"&Enable or Disable Breakpoint"},
-    {IDM_DEBUG_CONDITIONAL, L"&Conditional Breakpoint..."},
-    {IDM_DEBUG_RUN_TO_CURSOR, L"&Run to Line"},
+    {IDM_DEBUG_BREAKPOINT, English(L"Toggle &Breakpoint")},
+    {IDM_DEBUG_ENABLE_BREAKPOINT, English(L"&Enable or Disable Breakpoint")},
+    {IDM_DEBUG_CONDITIONAL, English(L"&Conditional Breakpoint...")},
+    {IDM_DEBUG_RUN_TO_CURSOR, English(L"&Run to Line")},
     kSeparator,
-    {IDM_BOOKMARK_TOGGLE, L"&Toggle Bookmark"},
-    {IDM_VIEW_FOLD, L"F&old or Unfold Block"},
+    {IDM_BOOKMARK_TOGGLE, English(L"&Toggle Bookmark")},
+    {IDM_VIEW_FOLD, English(L"F&old or Unfold Block")},
     kSeparator,
-    {IDM_AI_EXPLAIN, L"E&xplain This Error", true},
-    {IDM_AI_FIX, L"&Fix This Error", true},
+    {IDM_AI_EXPLAIN, English(L"E&xplain This Error"), true},
+    {IDM_AI_FIX, English(L"&Fix This Error"), true},
 };
 
 constexpr ContextItem kOutputItems[] = {
-    {IDM_EDIT_COPY, L"&Copy"},
-    {IDM_OUTPUT_COPY_ALL, L"C&opy All"},
-    {IDM_EDIT_SELECT_ALL, L"Select &All"},
+    {IDM_EDIT_COPY, English(L"&Copy")},
+    {IDM_OUTPUT_COPY_ALL, English(L"C&opy All")},
+    {IDM_EDIT_SELECT_ALL, English(L"Select &All")},
     kSeparator,
-    {IDM_ERROR_SOURCE, L"&Go to Source", true},
-    {IDM_ERROR_NEXT, L"&Next Error"},
-    {IDM_ERROR_PREVIOUS, L"&Previous Error"},
+    {IDM_ERROR_SOURCE, English(L"&Go to Source"), true},
+    {IDM_ERROR_NEXT, English(L"&Next Error")},
+    {IDM_ERROR_PREVIOUS, English(L"&Previous Error")},
     kSeparator,
-    {IDM_AI_EXPLAIN, L"E&xplain This Error", true},
-    {IDM_AI_FIX, L"&Fix This Error", true},
+    {IDM_AI_EXPLAIN, English(L"E&xplain This Error"), true},
+    {IDM_AI_FIX, English(L"&Fix This Error"), true},
     kSeparator,
-    {IDM_OUTPUT_CLEAR, L"C&lear"},
+    {IDM_OUTPUT_CLEAR, English(L"C&lear")},
 };
 
 constexpr ContextItem kErrorItems[] = {
-    {IDM_ERROR_SOURCE, L"&Go to Source", true},
-    {IDM_ERROR_NEXT, L"&Next Error"},
-    {IDM_ERROR_PREVIOUS, L"&Previous Error"},
+    {IDM_ERROR_SOURCE, English(L"&Go to Source"), true},
+    {IDM_ERROR_NEXT, English(L"&Next Error")},
+    {IDM_ERROR_PREVIOUS, English(L"&Previous Error")},
     kSeparator,
-    {IDM_EDIT_COPY, L"&Copy"},
-    {IDM_OUTPUT_COPY_ALL, L"C&opy All"},
+    {IDM_EDIT_COPY, English(L"&Copy")},
+    {IDM_OUTPUT_COPY_ALL, English(L"C&opy All")},
     kSeparator,
-    {IDM_AI_EXPLAIN, L"E&xplain This Error", true},
-    {IDM_AI_FIX, L"&Fix This Error", true},
+    {IDM_AI_EXPLAIN, English(L"E&xplain This Error"), true},
+    {IDM_AI_FIX, English(L"&Fix This Error"), true},
 };
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include "commands/context_menus.h"
 
 #include "ai/ai_rules.h"
+#include "base/texts.h"
 #include "commands/context_menu.h"
 #include "commands/menu_commands.h"
 #include "completion/completion.h"
@@ -93,7 +94,7 @@ void ShowContextMenu(ContextPlace place, POINT at) {
     const std::vector<ContextItem> chosen = ContextItemsNow(place, CompilerIsOnDiagnostic(), AskCommand());
     std::vector<std::wstring> texts;
     for (const ContextItem& item : chosen) {
-        texts.emplace_back(item.text != nullptr ? item.text : L"");
+        texts.emplace_back(item.text != nullptr ? Text(item.text) : L"");
         if (const std::wstring key = item.command != 0 ? KeyOf(item.command) : L""; !key.empty())
             texts.back() += L"\t" + key;
     }

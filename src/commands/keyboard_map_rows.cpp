@@ -1,37 +1,39 @@
 #include "commands/keyboard_map_rows.h"
 
+#include "base/texts.h"
+
 #include <algorithm>
 
 namespace {
 
 constexpr EditorKey kEditorKeys[] = {
-    {L"Ctrl+L", L"Cut the line"},
-    {L"Ctrl+[", L"To the paragraph before"},
-    {L"Ctrl+]", L"To the paragraph behind"},
-    {L"Ctrl+Left", L"To the word before"},
-    {L"Ctrl+Right", L"To the word behind"},
-    {L"Ctrl+\\", L"To the next part of the word"},
-    {L"Ctrl+Up", L"Scroll a line, the caret stays"},
-    {L"Ctrl+Down", L"Scroll a line back"},
-    {L"Ctrl+Home", L"To the start of the text"},
-    {L"Ctrl+End", L"To the end of the text"},
-    {L"Alt+Home", L"To the start of the row on the screen"},
-    {L"Alt+End", L"To the end of the row on the screen"},
-    {L"Ctrl+Backspace", L"Delete the word before"},
-    {L"Ctrl+Del", L"Delete the word behind"},
-    {L"Ctrl+Shift+Backspace", L"Delete to the start of the line"},
-    {L"Ctrl+Shift+Del", L"Delete to the end of the line"},
-    {L"Alt+Backspace", L"Undo"},
-    {L"Ctrl+Ins", L"Copy"},
-    {L"Shift+Ins", L"Paste"},
-    {L"Shift+Del", L"Cut"},
-    {L"Ins", L"Type over the text, or between it"},
-    {L"Alt+Shift+Up", L"Select a column upwards"},
-    {L"Alt+Shift+Down", L"Select a column downwards"},
-    {L"Alt+Shift+Left", L"Select a column to the left"},
-    {L"Alt+Shift+Right", L"Select a column to the right"},
-    {L"Tab", L"Indent the selected lines"},
-    {L"Shift+Tab", L"Take an indentation back"},
+    {L"Ctrl+L", English(L"Cut the line")},
+    {L"Ctrl+[", English(L"To the paragraph before")},
+    {L"Ctrl+]", English(L"To the paragraph behind")},
+    {L"Ctrl+Left", English(L"To the word before")},
+    {L"Ctrl+Right", English(L"To the word behind")},
+    {L"Ctrl+\\", English(L"To the next part of the word")},
+    {L"Ctrl+Up", English(L"Scroll a line, the caret stays")},
+    {L"Ctrl+Down", English(L"Scroll a line back")},
+    {L"Ctrl+Home", English(L"To the start of the text")},
+    {L"Ctrl+End", English(L"To the end of the text")},
+    {L"Alt+Home", English(L"To the start of the row on the screen")},
+    {L"Alt+End", English(L"To the end of the row on the screen")},
+    {L"Ctrl+Backspace", English(L"Delete the word before")},
+    {L"Ctrl+Del", English(L"Delete the word behind")},
+    {L"Ctrl+Shift+Backspace", English(L"Delete to the start of the line")},
+    {L"Ctrl+Shift+Del", English(L"Delete to the end of the line")},
+    {L"Alt+Backspace", English(L"Undo")},
+    {L"Ctrl+Ins", English(L"Copy")},
+    {L"Shift+Ins", English(L"Paste")},
+    {L"Shift+Del", English(L"Cut")},
+    {L"Ins", English(L"Type over the text, or between it")},
+    {L"Alt+Shift+Up", English(L"Select a column upwards")},
+    {L"Alt+Shift+Down", English(L"Select a column downwards")},
+    {L"Alt+Shift+Left", English(L"Select a column to the left")},
+    {L"Alt+Shift+Right", English(L"Select a column to the right")},
+    {L"Tab", English(L"Indent the selected lines")},
+    {L"Shift+Tab", English(L"Take an indentation back")},
 };
 
 std::wstring Lower(std::wstring_view text) {

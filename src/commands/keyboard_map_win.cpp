@@ -2,6 +2,7 @@
 #include "commands/keyboard_map.h"
 
 #include "base/log.h"
+#include "base/texts.h"
 #include "commands/keyboard_map_rows.h"
 #include "commands/menu_commands.h"
 #include "resources/ids.h"
@@ -32,7 +33,7 @@ std::vector<KeyMapRow> AllKeyRows(HMENU menu) {
         if (place.ends_with(L" > ")) place.resize(place.size() - 3);
         rows.push_back({command.id, command.keys, command.name, place});
     }
-    for (const EditorKey& key : EditorKeys()) rows.push_back({0, key.keys, key.what, L"in the text"});
+    for (const EditorKey& key : EditorKeys()) rows.push_back({0, key.keys, Text(key.what), Text(L"in the text")});
     return rows;
 }
 

@@ -1,6 +1,7 @@
 // The commands, for the command palette: every one in the main menu, with its keys and its state. UI thread only.
 #include "commands/quick_source.h"
 
+#include "base/texts.h"
 #include "commands/command_state.h"
 #include "commands/menu_commands.h"
 #include "ui/ui_state.h"
@@ -54,7 +55,7 @@ QuickExtra ExtraOfCommand(const QuickItem& item) {
 
 const QuickSource kQuickCommands = {
     .prefix = L'>',
-    .title = L"commands",
+    .title = English(L"commands"),
     .opening = [] { g_palette.view = CurrentCommandView(); },
     .begin = GatherCommands,
     .texts = [](const QuickQuery&) -> const FuzzyIndices& { return g_palette.texts; },

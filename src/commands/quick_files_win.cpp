@@ -3,6 +3,7 @@
 #include "commands/quick_source.h"
 
 #include "base/path.h"
+#include "base/texts.h"
 #include "documents/document_place.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
@@ -132,13 +133,13 @@ QuickExtra ExtraOfFile(const QuickItem& item) {
 
 std::wstring FilesStatus(bool none) {
     const ProjectFiles& project = ProjectFilesNow();
-    if (g_finder.root.empty()) return L"there is no project folder";
-    if (project.reading && project.files.empty()) return L"reading the project folder...";
-    if (project.reading) return L"reading...";
-    if (project.files.empty() && project.unreadable > 0) return L"the project folder cannot be read";
-    if (project.cut) return L"the project has more, which are left out";
-    if (project.unreadable > 0) return std::to_wstring(project.unreadable) + L" folders cannot be read";
-    return none ? L"no file matches" : L"";
+    if (g_finder.root.empty()) return Text(L"there is no project folder");
+    if (project.reading && project.files.empty()) return Text(L"reading the project folder...");
+    if (project.reading) return Text(L"reading...");
+    if (project.files.empty() && project.unreadable > 0) return Text(L"the project folder cannot be read");
+    if (project.cut) return Text(L"the project has more, which are left out");
+    if (project.unreadable > 0) return TextWith(L"{1} folders cannot be read", {std::to_wstring(project.unreadable)});
+    return none ? Text(L"no file matches") : L"";
 }
 
 // The compiler stays what it is: a file that is looked up is no choice of another one.
@@ -174,7 +175,7 @@ QuickPreview PreviewOfFile(const QuickItem& item, const QuickQuery& query) {
 }  // namespace
 
 const QuickSource kQuickFiles = {
-    .title = L"files",
+    .title = English(L"files"),
     .begin = GatherFiles,
     .texts = FileTexts,
     .generation = [] { return ProjectFilesNow().generation + g_finder.typedPaths; },

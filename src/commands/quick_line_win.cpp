@@ -1,6 +1,7 @@
 // The line to go to in the active document, in the window of the file finder. UI thread only.
 #include "commands/quick_source.h"
 
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "documents/document_place.h"
 #include "documents/document_row.h"
@@ -15,14 +16,14 @@ namespace {
 LRESULT LinesOfActive() { return SciSend(g_documents.hEditor, SCI_GETLINECOUNT); }
 
 std::wstring TextOfLine(const QuickQuery& query) {
-    if (!IsTabIndex(g_documents.activeTab)) return L"There is no document";
+    if (!IsTabIndex(g_documents.activeTab)) return Text(L"There is no document");
     const auto last = static_cast<int>(LinesOfActive());
     const auto caret = static_cast<WPARAM>(SciSend(g_documents.hEditor, SCI_GETCURRENTPOS));
     const auto now = static_cast<int>(SciSend(g_documents.hEditor, SCI_LINEFROMPOSITION, caret)) + 1;
-    if (query.line == 0) return FormatW(L"Type a line from 1 to %d; the caret is in line %d", last, now);
+    if (query.line == 0) return FormatW(Text(L"Type a line from 1 to %d; the caret is in line %d"), last, now);
     const int line = std::min(query.line, last);
-    if (query.column > 0) return FormatW(L"Go to line %d of %d, column %d", line, last, query.column);
-    return FormatW(L"Go to line %d of %d", line, last);
+    if (query.column > 0) return FormatW(Text(L"Go to line %d of %d, column %d"), line, last, query.column);
+    return FormatW(Text(L"Go to line %d of %d"), line, last);
 }
 
 const FuzzyIndices& LineTexts(const QuickQuery& query) {
@@ -49,7 +50,7 @@ QuickPreview PreviewOfLine(const QuickItem&, const QuickQuery& query) {
 
 const QuickSource kQuickLine = {
     .prefix = L':',
-    .title = L"line",
+    .title = English(L"line"),
     .filters = false,
     .texts = LineTexts,
     .extra = [](const QuickItem&) { return QuickExtra{.enabled = IsTabIndex(g_documents.activeTab)}; },

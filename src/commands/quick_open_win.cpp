@@ -2,6 +2,7 @@
 #include "commands/quick_open.h"
 
 #include "base/log.h"
+#include "base/texts.h"
 #include "commands/quick_layout.h"
 #include "commands/quick_list.h"
 #include "commands/quick_preview.h"
@@ -284,7 +285,7 @@ std::wstring HintText() {
     std::wstring hint;
     for (const QuickSource* source : QuickSources()) {
         if (source->prefix == L'\0' || source == QuickSearchNow().source) continue;
-        hint += (hint.empty() ? L"" : L"    ") + std::wstring(1, source->prefix) + L" " + source->title;
+        hint += (hint.empty() ? L"" : L"    ") + std::wstring(1, source->prefix) + L" " + Text(source->title);
     }
     return hint;
 }
@@ -359,8 +360,8 @@ bool CreateQuickChildren() {
                         g_quick.window, reinterpret_cast<HMENU>(INT_PTR{IDC_QUICK_FIELD}), g_ui.hInstance, nullptr);
     g_quick.list = QuickListCreate(g_quick.window, IDC_QUICK_LIST, RowOfList);
     if (g_quick.field == nullptr || g_quick.list == nullptr) return false;
-    AccessibleNameSet(g_quick.field, L"File, command, symbol or line");
-    AccessibleNameSet(g_quick.list, L"Found");
+    AccessibleNameSet(g_quick.field, Text(L"File, command, symbol or line"));
+    AccessibleNameSet(g_quick.list, Text(L"Found"));
     SendMessageW(g_quick.field, EM_SETLIMITTEXT, kMostTyped, 0);
     return SubclassAdd(g_quick.field, QuickFieldProc);
 }
@@ -374,9 +375,9 @@ bool CreateQuickWindow() {
     description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     description.lpszClassName = kClass;
     if (RegisterClassExW(&description) == 0 && GetLastError() != ERROR_CLASS_ALREADY_EXISTS) return false;
-    g_quick.window =
-        CreateWindowExW(WS_EX_CONTROLPARENT, kClass, L"Go to File", WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0,
-                        0, 0, g_ui.hMainWnd, reinterpret_cast<HMENU>(INT_PTR{IDC_QUICK_OPEN}), g_ui.hInstance, nullptr);
+    g_quick.window = CreateWindowExW(WS_EX_CONTROLPARENT, kClass, Text(L"Go to File"),
+                                     WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0, 0, 0, g_ui.hMainWnd,
+                                     reinterpret_cast<HMENU>(INT_PTR{IDC_QUICK_OPEN}), g_ui.hInstance, nullptr);
     if (g_quick.window != nullptr && CreateQuickChildren()) return true;
     AppLogMsg(L"FAIL: CreateQuickWindow error=%lu", GetLastError());
     if (g_quick.window != nullptr) DestroyWindow(g_quick.window);

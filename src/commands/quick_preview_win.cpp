@@ -3,6 +3,7 @@
 
 #include "base/handles.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/worker.h"
 #include "documents/document_row.h"
 #include "files/file_io.h"
@@ -51,15 +52,15 @@ PreviewState g_preview;
 PreviewLines Problem(const wchar_t* text) { return {.first = 1, .lines = {}, .problem = text}; }
 
 PreviewLines ReadPreview(const std::wstring& path, int line) {
-    if (!PathAnswers(path.c_str())) return Problem(L"The network folder does not answer");
+    if (!PathAnswers(path.c_str())) return Problem(Text(L"The network folder does not answer"));
     WIN32_FILE_ATTRIBUTE_DATA facts = {};
     if (GetFileAttributesExW(PathExtended(path).c_str(), GetFileExInfoStandard, &facts) == FALSE)
-        return Problem(L"The file is not there");
+        return Problem(Text(L"The file is not there"));
     if ((static_cast<LONGLONG>(facts.nFileSizeHigh) << 32 | facts.nFileSizeLow) > kMostBytes)
-        return Problem(L"Too large for a preview");
+        return Problem(Text(L"Too large for a preview"));
     std::size_t length = 0;
     const HeapBlock<char> text(ReadSourceFileForEditor(path.c_str(), &length, nullptr, nullptr));
-    return text ? PreviewLinesOf({text.get(), length}, line, kMostLines) : Problem(L"The file cannot be read");
+    return text ? PreviewLinesOf({text.get(), length}, line, kMostLines) : Problem(Text(L"The file cannot be read"));
 }
 
 void ReadForPreview(ReadRequest& request, const WorkerCancel&) {

@@ -1,6 +1,7 @@
 // Searches the texts of a source. UI thread, but for the worker's own part.
 #include "commands/quick_search.h"
 
+#include "base/texts.h"
 #include "base/worker.h"
 #include "resources/ids.h"
 #include "search/fuzzy_crew.h"
@@ -127,9 +128,9 @@ std::wstring QuickSearchStatus() {
     std::wstring text;
     if (now.source->filters) {
         const std::size_t twice = now.source->hidden != nullptr ? now.source->hidden() : 0;
-        const std::wstring all = Grouped(now.found->covered - twice) + L" " + now.source->title;
+        const std::wstring all = Grouped(now.found->covered - twice) + L" " + Text(now.source->title);
         const std::size_t matching = now.found->matching.size() - now.hidden;
-        text = now.letters.words.empty() ? all : Grouped(matching) + L" of " + all;
+        text = now.letters.words.empty() ? all : TextWith(L"{1} of {2}", {Grouped(matching), all});
     }
     const std::wstring more = now.source->status != nullptr ? now.source->status(now.rows.empty()) : L"";
     if (!text.empty() && !more.empty()) text += L" - ";

@@ -3,6 +3,7 @@
 #include "commands/quick_symbols.h"
 
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "base/worker.h"
 #include "commands/quick_open.h"
@@ -123,7 +124,7 @@ NamedSymbol SymbolOf(const QuickItem& item) {
 }
 
 QuickExtra ExtraOfSymbol(const QuickItem& item) {
-    return {.keys = L"line " + std::to_wstring(SymbolOf(item).Get().line + 1)};
+    return {.keys = TextWith(L"line {1}", {std::to_wstring(SymbolOf(item).Get().line + 1)})};
 }
 
 QuickPreview PreviewOfSymbol(const QuickItem& item, const QuickQuery&) {
@@ -140,9 +141,9 @@ void GoToSymbol(const QuickItem& item, const QuickQuery&) {
 }
 
 std::wstring SymbolsStatus(bool none) {
-    if (g_finder.waiting) return L"reading...";
-    if (SymbolsProjectLimited()) return L"the project has more, which are left out";
-    return none ? L"nothing matches" : L"";
+    if (g_finder.waiting) return Text(L"reading...");
+    if (SymbolsProjectLimited()) return Text(L"the project has more, which are left out");
+    return none ? Text(L"nothing matches") : L"";
 }
 
 constexpr QuickSource SymbolSource(wchar_t prefix, const wchar_t* title, void (*begin)(HWND)) {
@@ -159,8 +160,8 @@ constexpr QuickSource SymbolSource(wchar_t prefix, const wchar_t* title, void (*
 
 }  // namespace
 
-const QuickSource kQuickDocumentSymbols = SymbolSource(L'@', L"symbols of the document", BeginDocument);
-const QuickSource kQuickProjectSymbols = SymbolSource(L'#', L"symbols of the project", BeginProject);
+const QuickSource kQuickDocumentSymbols = SymbolSource(L'@', English(L"symbols of the document"), BeginDocument);
+const QuickSource kQuickProjectSymbols = SymbolSource(L'#', English(L"symbols of the project"), BeginProject);
 
 void QuickSymbolsOnBuilt(WPARAM wParam) {
     const auto result = WorkerTake<std::unique_ptr<NamesResult>>(wParam);

@@ -1,6 +1,7 @@
 // The open documents, in the order of their tabs, for the list of all tabs. UI thread only.
 #include "commands/quick_source.h"
 
+#include "base/texts.h"
 #include "documents/document_row.h"
 
 #include <memory>
@@ -51,7 +52,7 @@ QuickPreview PreviewOfTab(const QuickItem& item, const QuickQuery&) {
 
 const QuickSource kQuickTabs = {
     .prefix = L'<',
-    .title = L"tabs",
+    .title = English(L"tabs"),
     .begin = GatherTabs,
     .texts = [](const QuickQuery&) -> const FuzzyIndices& { return g_tabList.texts; },
     .extra = ExtraOfTab,

@@ -1,5 +1,6 @@
 #include "commands/status_bar_text.h"
 
+#include "base/texts.h"
 #include "files/text_encoding.h"
 #include "settings/compiler_table.h"
 
@@ -13,18 +14,20 @@ constexpr const wchar_t* kLineEndings[] = {L"CRLF", L"LF", L"CR"};
 }  // namespace
 
 std::wstring PositionText(std::ptrdiff_t line, std::ptrdiff_t column) {
-    return L"Ln " + std::to_wstring(line) + L", Col " + std::to_wstring(column);
+    return TextWith(L"Ln {1}, Col {2}", {std::to_wstring(line), std::to_wstring(column)});
 }
 
 std::wstring SelectionText(const SelectionFacts& facts) {
     std::wstring text;
-    if (facts.selections > 1) text = GroupedNumber(facts.selections) + L" selections";
+    if (facts.selections > 1) text = TextWith(L"{1} selections", {GroupedNumber(facts.selections)});
     if (facts.characters == 0 && facts.selections <= 1 && facts.length < 0) return {};
-    if (facts.characters == 0) return facts.selections > 1 ? text : GroupedNumber(facts.length) + L" bytes in all";
-    if (facts.selections == 1 && facts.lines > 1) text = GroupedNumber(facts.lines) + L" lines";
+    if (facts.characters == 0)
+        return facts.selections > 1 ? text : TextWith(L"{1} bytes in all", {GroupedNumber(facts.length)});
+    if (facts.selections == 1 && facts.lines > 1) text = TextWith(L"{1} lines", {GroupedNumber(facts.lines)});
     if (!text.empty()) text += L", ";
-    const wchar_t* const unit = facts.inBytes ? L" byte" : L" character";
-    return text + GroupedNumber(facts.characters) + unit + (facts.characters == 1 ? L"" : L"s");
+    const wchar_t* const one = facts.inBytes ? English(L"{1} byte") : English(L"{1} character");
+    const wchar_t* const many = facts.inBytes ? English(L"{1} bytes") : English(L"{1} characters");
+    return text + TextWith(facts.characters == 1 ? one : many, {GroupedNumber(facts.characters)});
 }
 
 std::wstring GroupedNumber(std::ptrdiff_t number) {
@@ -34,7 +37,7 @@ std::wstring GroupedNumber(std::ptrdiff_t number) {
 }
 
 std::wstring TabText(int width, bool insertsTab) {
-    return (insertsTab ? L"Tab " : L"Blanks ") + std::to_wstring(width);
+    return TextWith(insertsTab ? L"Tab {1}" : L"Blanks {1}", {std::to_wstring(width)});
 }
 
 std::wstring ZoomText(int fontSize, int zoom) {
@@ -47,11 +50,12 @@ const wchar_t* LineEndingName(int lineEnding) {
 }
 
 std::vector<std::pair<StatusPart, std::wstring>> StatusSamples() {
-    std::vector<std::pair<StatusPart, std::wstring>> samples = {{kProgress, L"Searching 8888"},
-                                                                {kPosition, L"Ln 888888, Col 888"},
-                                                                {kSelection, L"88 lines, 888 characters"},
-                                                                {kTabWidth, L"Blanks 8"},
-                                                                {kZoom, L"888 %"}};
+    std::vector<std::pair<StatusPart, std::wstring>> samples = {
+        {kProgress, TextWith(L"Searching {1}", {L"8888"})},
+        {kPosition, PositionText(888888, 888)},
+        {kSelection, SelectionText({.lines = 88, .characters = 888})},
+        {kTabWidth, TabText(8, false)},
+        {kZoom, L"888 %"}};
     for (const Utf16Order order : {Utf16Order::None, Utf16Order::Little, Utf16Order::Big})
         for (const TextEncoding encoding : {TextEncoding::Utf8, TextEncoding::Ansi})
             samples.emplace_back(kEncoding, EncodingName(encoding, {.utf16 = order}));
@@ -64,5 +68,6 @@ std::wstring ProjectPartText(std::wstring_view name) {
     constexpr std::size_t kLongest = 20;  // characters
     if (name.empty()) return {};
     const bool cut = name.size() > kLongest;
-    return L"Project: " + std::wstring(name.substr(0, cut ? kLongest - 3 : kLongest)) + (cut ? L"..." : L"");
+    return TextWith(L"Project: {1}{2}",
+                    {std::wstring(name.substr(0, cut ? kLongest - 3 : kLongest)), (cut ? L"..." : L"")});
 }

@@ -1,5 +1,6 @@
 #include "commands/status_fields.h"
 
+#include "base/texts.h"
 #include "resources/ids.h"
 
 #include <iterator>
@@ -19,16 +20,16 @@ constexpr int kTabCommands[] = {IDM_TAB_WIDTH_2,     IDM_TAB_WIDTH_3,       IDM_
 constexpr int kZoomCommands[] = {IDM_VIEW_ZOOM_IN, IDM_VIEW_ZOOM_OUT, 0, IDM_VIEW_ZOOM_RESET};
 
 constexpr StatusField kFields[] = {
-    {.name = L"Message", .canBeHidden = false},
-    {.name = L"Progress", .tip = L"Stop the build", .commands = kProgressCommands},
-    {.name = L"Position", .tip = L"Go to a line", .commands = kPositionCommands},
-    {.name = L"Selection and length"},
-    {.name = L"Encoding", .tip = L"Change the encoding", .commands = kEncodingCommands},
-    {.name = L"Line ending", .tip = L"Change the line ending", .commands = kEndingCommands},
-    {.name = L"Compiler", .tip = L"Choose compiler and build profile", .commands = kCompilerCommands},
-    {.name = L"Project", .tip = L"The open project", .commands = kProjectCommands},
-    {.name = L"Tab width", .tip = L"Change the tab width", .commands = kTabCommands},
-    {.name = L"Zoom", .tip = L"Change the zoom", .commands = kZoomCommands},
+    {.name = English(L"Message"), .canBeHidden = false},
+    {.name = English(L"Progress"), .tip = English(L"Stop the build"), .commands = kProgressCommands},
+    {.name = English(L"Position"), .tip = English(L"Go to a line"), .commands = kPositionCommands},
+    {.name = English(L"Selection and length")},
+    {.name = English(L"Encoding"), .tip = English(L"Change the encoding"), .commands = kEncodingCommands},
+    {.name = English(L"Line ending"), .tip = English(L"Change the line ending"), .commands = kEndingCommands},
+    {.name = English(L"Compiler"), .tip = English(L"Choose compiler and build profile"), .commands = kCompilerCommands},
+    {.name = English(L"Project"), .tip = English(L"The open project"), .commands = kProjectCommands},
+    {.name = English(L"Tab width"), .tip = English(L"Change the tab width"), .commands = kTabCommands},
+    {.name = English(L"Zoom"), .tip = English(L"Change the zoom"), .commands = kZoomCommands},
 };
 static_assert(std::size(kFields) == kStatusPartCount);
 

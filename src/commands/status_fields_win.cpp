@@ -1,5 +1,6 @@
 // Clicks, keys, menus and tips of the status bar. UI thread.
 #include "commands/status_fields.h"
+#include "base/texts.h"
 #include "commands/command_state.h"
 #include "commands/commands_state.h"
 #include "commands/menu_commands.h"
@@ -68,11 +69,11 @@ void ShowFieldsMenu(HWND bar, POINT screen) {
     for (int i = kMessage + 1; i < kStatusPartCount; ++i) {
         const auto part = static_cast<StatusPart>(i);
         items.push_back({.id = kFirst + static_cast<UINT>(i),
-                         .text = StatusFieldOf(part).name,
+                         .text = Text(StatusFieldOf(part).name),
                          .checked = !StatusFieldIsHidden(g_settings.statusHidden, part)});
     }
     items.push_back({});
-    items.push_back({.id = IDM_VIEW_STATUS_BAR, .text = L"&Status Bar", .checked = true});
+    items.push_back({.id = IDM_VIEW_STATUS_BAR, .text = Text(L"&Status Bar"), .checked = true});
     const UINT chosen = ShowPopupMenu(bar, items, screen, TPM_LEFTALIGN | TPM_BOTTOMALIGN);
     if (chosen == 0) return;
     if (chosen == IDM_VIEW_STATUS_BAR) {
@@ -139,7 +140,7 @@ bool FillStatusTip(NMHDR& header) {
     if (g_input.tip == nullptr || header.hwndFrom != g_input.tip || header.code != TTN_GETDISPINFOW) return false;
     const wchar_t* const tip =
         g_input.tipPart >= 0 ? StatusFieldOf(static_cast<StatusPart>(g_input.tipPart)).tip : nullptr;
-    reinterpret_cast<NMTTDISPINFOW&>(header).lpszText = const_cast<wchar_t*>(tip != nullptr ? tip : L"");
+    reinterpret_cast<NMTTDISPINFOW&>(header).lpszText = const_cast<wchar_t*>(tip != nullptr ? Text(tip) : L"");
     return true;
 }
 

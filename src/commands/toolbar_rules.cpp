@@ -1,5 +1,7 @@
 #include "commands/toolbar_rules.h"
 
+#include "base/texts.h"
+
 #include <algorithm>
 
 namespace {
@@ -75,10 +77,11 @@ std::vector<CompilerMenuRow> CompilerMenuRows(int activeCompiler, int profile, b
                         .text = CompilerLabel(id, installed(id)),
                         .checked = static_cast<int>(id) == activeCompiler});
     rows.emplace_back();
-    constexpr const wchar_t* kProfiles[] = {L"Profile: Debug", L"Profile: Release", L"Profile: Fast"};
+    constexpr const wchar_t* kProfiles[] = {English(L"Profile: Debug"), English(L"Profile: Release"),
+                                            English(L"Profile: Fast")};
     for (int i = 0; i < 3; ++i)
-        rows.push_back({.command = IDM_PROFILE_DEBUG + i, .text = kProfiles[i], .checked = i == profile});
+        rows.push_back({.command = IDM_PROFILE_DEBUG + i, .text = Text(kProfiles[i]), .checked = i == profile});
     rows.emplace_back();
-    rows.push_back({.command = IDM_BUILD_ALL, .text = L"Build All Open Sources", .enabled = canBuildAll});
+    rows.push_back({.command = IDM_BUILD_ALL, .text = Text(L"Build All Open Sources"), .enabled = canBuildAll});
     return rows;
 }

@@ -2,6 +2,7 @@
 // narrow bar. Pure.
 #pragma once
 
+#include "base/texts.h"
 #include "commands/command_table.h"
 #include "commands/icons.h"
 #include "commands/toolbar_fit.h"
@@ -41,7 +42,7 @@ inline constexpr ButtonRow kToolbarButtons[] = {
     {IDM_EDIT_PASTE, Icon::Paste, kEditing},
     {IDM_EDIT_FIND, Icon::Find, kFiles},
     {0},
-    {IDM_COMPILER_MENU, Icon::New, kStays, false, L"Compiler and build profile"},
+    {IDM_COMPILER_MENU, Icon::New, kStays, false, English(L"Compiler and build profile")},
     {IDM_BUILD, Icon::Build, kRunning},
     {IDM_BUILD_RUN, Icon::Run, kRunning},
     {IDM_BUILD_STOP, Icon::Stop, kRunning},
@@ -51,7 +52,7 @@ inline constexpr ButtonRow kToolbarButtons[] = {
     {0},
     // The debugger's buttons have their places whether a program is debugged or not. One place is shared by what goes on:
     // start, continue and pause.
-    {IDM_DEBUG_BUTTON_START, Icon::DebugStart, kRunning, false, L"Build and Debug", 0, kNoSession},
+    {IDM_DEBUG_BUTTON_START, Icon::DebugStart, kRunning, false, English(L"Build and Debug"), 0, kNoSession},
     {IDM_DEBUG_CONTINUE, Icon::Continue, kRunning, false, nullptr, 0, kSession, kProgramRunning},
     {IDM_DEBUG_PAUSE, Icon::Pause, kRunning, false, nullptr, 0, kProgramRunning},
     {IDM_DEBUG_BUTTON_STOP, Icon::DebugStop, kRunning, false, nullptr, IDM_DEBUG_STOP},
@@ -67,7 +68,7 @@ inline constexpr ButtonRow kToolbarButtons[] = {
     {IDM_VIEW_AI, Icon::Ai, kPanes, true},
     // The last one, because it comes and goes.
     {IDM_AI_UNDO, Icon::Undo, kRunning, false, nullptr, 0, kAiPending},
-    {IDM_TOOLBAR_MORE, Icon::More, kStays, false, L"More Buttons"},
+    {IDM_TOOLBAR_MORE, Icon::More, kStays, false, English(L"More Buttons")},
 };
 
 // The conditions that show and hide buttons. A change of another condition does not fit the buttons again.

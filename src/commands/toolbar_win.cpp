@@ -1,6 +1,7 @@
 // The toolbar: buttons from kToolbarButtons, pictures drawn for the current theme and DPI. UI thread.
 #include "commands/toolbar.h"
 
+#include "base/texts.h"
 #include "commands/command_state.h"
 #include "commands/commands_state.h"
 #include "commands/focus_frame.h"
@@ -68,7 +69,7 @@ int ButtonId(const ButtonRow& row) {
 }
 
 std::wstring ButtonMenuText(const ButtonRow& row) {
-    if (row.tip != nullptr) return row.tip;
+    if (row.tip != nullptr) return Text(row.tip);
     wchar_t text[128] = {};
     GetMenuStringW(GetMenu(g_ui.hMainWnd), static_cast<UINT>(ButtonCommand(row)), text,
                    static_cast<int>(std::size(text)), MF_BYCOMMAND);
@@ -263,7 +264,7 @@ LRESULT CALLBACK ToolbarProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
 
 HWND ToolbarCreate(HWND parent, int controlId) {
     HWND bar = CreateWindowExW(
-        0, TOOLBARCLASSNAMEW, L"Toolbar",
+        0, TOOLBARCLASSNAMEW, Text(L"Toolbar"),
         WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | TBSTYLE_FLAT | TBSTYLE_LIST | TBSTYLE_TOOLTIPS | TBSTYLE_TRANSPARENT |
             CCS_NORESIZE | CCS_NODIVIDER | CCS_NOPARENTALIGN,
         0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_ui.hInstance, nullptr);

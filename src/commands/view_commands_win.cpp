@@ -1,6 +1,7 @@
 // The commands of the View menu: panes, bars, zoom, theme, style and font. UI thread.
 #include "commands/view_commands.h"
 
+#include "base/texts.h"
 #include "commands/commands_state.h"
 #include "commands/toolbar.h"
 #include "documents/document_row.h"
@@ -100,7 +101,8 @@ void FocusPaneBeside(int command) {
 }
 
 void ToggleFold() {
-    if (!CaretToggleFold(g_documents.hEditor)) g_events.documentStatus(ActiveDocumentId(), L"No block to fold here");
+    if (!CaretToggleFold(g_documents.hEditor))
+        g_events.documentStatus(ActiveDocumentId(), Text(L"No block to fold here"));
 }
 
 constexpr CommandHandler kViewHandlers[] = {

@@ -1,5 +1,6 @@
 #include "compile/build_batch.h"
 
+#include "base/texts.h"
 #include "settings/file_type_table.h"
 
 #include <utility>
@@ -20,11 +21,11 @@ void BatchDropRest(BuildBatch& batch) { batch.documents.resize(batch.taken); }
 void BatchCount(BuildBatch& batch, bool success) { ++(success ? batch.succeeded : batch.failed); }
 
 std::wstring BatchProgressText(const BuildBatch& batch, std::wstring_view label) {
-    return L"[" + std::to_wstring(batch.taken) + L"/" + std::to_wstring(batch.documents.size()) + L"] Building " +
-           std::wstring(label) + L"...";
+    return TextWith(L"[{1}/{2}] Building {3}...",
+                    {std::to_wstring(batch.taken), std::to_wstring(batch.documents.size()), label});
 }
 
 std::wstring BatchReportText(const BuildBatch& batch) {
-    return L"Batch build: " + std::to_wstring(batch.succeeded) + L" succeeded, " + std::to_wstring(batch.failed) +
-           L" failed.";
+    return TextWith(L"Batch build: {1} succeeded, {2} failed.",
+                    {std::to_wstring(batch.succeeded), std::to_wstring(batch.failed)});
 }

@@ -4,6 +4,7 @@
 
 #include "base/events.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "compile/build_batch.h"
 #include "compile/build_plan.h"
@@ -45,7 +46,7 @@ void EndBatch() {
 
 void FailBatch() {
     BatchCount(g_batch, false);
-    OutputPaneAppend(L"Build failed, stopping batch.\r\n", kLineRed);
+    OutputPaneAppend(Text(L"Build failed, stopping batch.\r\n"), kLineRed);
     EndBatch();
 }
 
@@ -77,7 +78,7 @@ void BuildAllDocuments() {
         if (tab.hasFile && IsBatchBuildSource(tab.path)) documents.push_back(tab.id);
     OutputPaneClear();
     CompilerClearErrors();
-    OutputPaneAppend(L"=== Batch Build All ===\r\n", 0);
+    OutputPaneAppend(Text(L"=== Batch Build All ===\r\n"), 0);
     g_batch = BatchOf(std::move(documents));
     BuildNextOfBatch();
 }
@@ -94,8 +95,8 @@ void BuildAndRunDocument() {
     }
     if (tab == nullptr || !tab->hasFile) {
         OutputPaneClear();
-        OutputPaneAppend(L"Run cancelled: save the active tab to a source file first.\r\n", kLineRed);
-        g_events.statusText(L"Run cancelled");
+        OutputPaneAppend(Text(L"Run cancelled: save the active tab to a source file first.\r\n"), kLineRed);
+        g_events.statusText(Text(L"Run cancelled"));
         return;
     }
     BuildStart({.after = AfterBuild::RunProgram});
@@ -104,8 +105,8 @@ void BuildAndRunDocument() {
 // Deletes a file that a build has made. One that is open in a tab is not deleted, because the user edits it.
 void DeleteProduct(const std::wstring& path) {
     if (!FileExists(path.c_str())) return;
-    const wchar_t* reason = TabBarFindPath(path.c_str()) >= 0 ? L" (open in the editor)"
-                            : !IsBuildProduct(path)           ? L" (no build of this editor has made it)"
+    const wchar_t* reason = TabBarFindPath(path.c_str()) >= 0 ? Text(L" (open in the editor)")
+                            : !IsBuildProduct(path)           ? Text(L" (no build of this editor has made it)")
                                                               : nullptr;
     if (reason == nullptr && DeleteFileW(PathForSystem(path.c_str()).c_str())) return;
     OutputPaneAppend(NotDeletedLine(path, reason != nullptr ? reason : L"").c_str(), kLineRed);
@@ -114,8 +115,8 @@ void DeleteProduct(const std::wstring& path) {
 void CleanProducts() {
     const std::wstring source = BuildSourceMeant();
     if (source.empty()) {
-        OutputPaneAppend(L"Clean cancelled: save the active tab to a source file first.\r\n", kLineRed);
-        g_events.statusText(L"Clean cancelled");
+        OutputPaneAppend(Text(L"Clean cancelled: save the active tab to a source file first.\r\n"), kLineRed);
+        g_events.statusText(Text(L"Clean cancelled"));
         return;
     }
     wchar_t output[kPathCapacity] = {};
@@ -123,17 +124,17 @@ void CleanProducts() {
     CompilerMakeOutputPath(source.c_str(), output, kPathCapacity);
     CompilerMakeAsmPath(source.c_str(), listing, kPathCapacity);
     for (const std::wstring& target : CleanTargets(source, output, listing)) DeleteProduct(target);
-    OutputPaneAppend(L"Cleaned build outputs.\r\n", 0);
+    OutputPaneAppend(Text(L"Cleaned build outputs.\r\n"), 0);
 }
 
 void StopBuild() {
     if (!CompilerIsBuilding()) {
         ReaderEndLeftProcesses();
-        g_events.statusText(L"Processes of the last build stopped");
+        g_events.statusText(Text(L"Processes of the last build stopped"));
         return;
     }
     BatchDropRest(g_batch);
-    if (!StageIsProgram()) g_events.statusText(L"Build stopped");
+    if (!StageIsProgram()) g_events.statusText(Text(L"Build stopped"));
     CompilerKill();
 }
 
@@ -149,11 +150,11 @@ void UseNextCompiler(int) {
 }
 
 void UseBuildProfile(int command) {
-    constexpr const wchar_t* names[] = {L"Debug", L"Release", L"Fast"};
+    constexpr const wchar_t* names[] = {English(L"Debug"), English(L"Release"), English(L"Fast")};
     const int profile = command - IDM_PROFILE_DEBUG;
     SettingsChange([profile](Settings& settings) { settings.profile = profile; });
     SettingsSave(nullptr);
-    g_events.statusText(FormatW(L"Build profile: %s", names[profile]).c_str());
+    g_events.statusText(FormatW(Text(L"Build profile: %s"), Text(names[profile])).c_str());
 }
 
 // Makes a menu command of a function that starts a compiler.

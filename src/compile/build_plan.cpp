@@ -2,6 +2,7 @@
 
 #include "base/bounded_text.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "compile/terminal_text.h"
 
 #include <algorithm>
@@ -29,9 +30,9 @@ LaunchRequest LaunchRequestOf(const CompilerProfile& profile, const CompilerSett
 
 std::wstring LaunchObstacle(const LaunchRequest& request) {
     if (request.compiler.empty() || request.source.empty() || request.output.empty())
-        return L"Build launch failed: missing compiler, source, or output path.\r\n";
+        return Text(L"Build launch failed: missing compiler, source, or output path.\r\n");
     if (SamePathText(request.source, request.output))
-        return L"Build launch failed: the program would take the place of its source.\r\n";
+        return Text(L"Build launch failed: the program would take the place of its source.\r\n");
     return {};
 }
 
@@ -52,9 +53,9 @@ CommandProblem PlanLaunch(const LaunchRequest& request, std::wstring_view compil
                                                        &plan->commandLine);
     if (problem != CommandProblem::None) return problem;
     plan->workingDirectory = FolderOf(request.style == CommandStyle::Keldor ? request.output : request.compiler);
-    plan->header = L"--- Build started: " + std::wstring(request.compilerName) + L" ---\r\nSource: " +
-                   std::wstring(request.source) + L"\r\nOutput: " + std::wstring(request.output) + L"\r\nCWD: " +
-                   plan->workingDirectory + L"\r\nCommand: " + plan->commandLine + L"\r\n\r\n";
+    plan->header =
+        TextWith(L"--- Build started: {1} ---\r\nSource: {2}\r\nOutput: {3}\r\nCWD: {4}\r\nCommand: {5}\r\n\r\n",
+                 {request.compilerName, request.source, request.output, plan->workingDirectory, plan->commandLine});
     const std::wstring log = ReplaceExtension(request.source, L".buildlog");
     plan->logPath = !request.wantLog || SamePathText(log, request.source) ? std::wstring() : log;
     return CommandProblem::None;
@@ -96,29 +97,27 @@ std::wstring CommandBeside(std::wstring_view command, std::wstring_view folder, 
 
 std::wstring LaunchErrorLine(std::uint32_t error, std::wstring_view systemMessage) {
     while (systemMessage.ends_with(L'\r') || systemMessage.ends_with(L'\n')) systemMessage.remove_suffix(1);
-    return L"Build launch failed (Win32 error " + std::to_wstring(error) + L"): " + std::wstring(systemMessage) +
-           L"\r\n";
+    return TextWith(L"Build launch failed (Win32 error {1}): {2}\r\n", {std::to_wstring(error), systemMessage});
 }
 
 std::wstring NotStagedLine(std::wstring_view target) {
-    return L"Build launch failed: " + std::wstring(target) + L" cannot be written.\r\n";
+    return TextWith(L"Build launch failed: {1} cannot be written.\r\n", {target});
 }
 
 std::wstring StagedElsewhereLine(std::wstring_view target) {
-    return L"Build launch failed: another editor is building with " + std::wstring(target) + L" at the moment.\r\n";
+    return TextWith(L"Build launch failed: another editor is building with {1} at the moment.\r\n", {target});
 }
 
 std::wstring LeftoverLine(std::wstring_view target, std::wstring_view aside) {
-    return L"An earlier build was cut off: your own text of " + std::wstring(target) + L" is in " +
-           std::wstring(aside) + L"\r\n";
+    return TextWith(L"An earlier build was cut off: your own text of {1} is in {2}\r\n", {target, aside});
 }
 
 std::wstring NotDeletedLine(std::wstring_view path, std::wstring_view reason) {
-    return L"Not deleted: " + std::wstring(path) + std::wstring(reason) + L"\r\n";
+    return TextWith(L"Not deleted: {1}{2}\r\n", {path, reason});
 }
 
 std::wstring RunErrorLine(std::wstring_view program, long error) {
-    return L"Run failed for: " + std::wstring(program) + L"\r\nShellExecute error: " + std::to_wstring(error) + L"\r\n";
+    return TextWith(L"Run failed for: {1}\r\nShellExecute error: {2}\r\n", {program, std::to_wstring(error)});
 }
 
 std::vector<std::wstring> SideFilesOf(std::wstring_view source) {

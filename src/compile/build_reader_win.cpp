@@ -2,6 +2,7 @@
 
 #include "base/decode.h"
 #include "base/handles.h"
+#include "base/texts.h"
 #include "compile/build_log.h"
 #include "compile/child_process.h"
 #include "compile/compile_state.h"
@@ -24,8 +25,8 @@ constexpr int kPostTries = 100;
 constexpr DWORD kPostPauseMs = 20;
 constexpr DWORD kOthersWaitMs = 100;
 constexpr DWORD kOthersPauseMs = 10;
-constexpr wchar_t kOthersRunLine[] =
-    L"Processes that this build started are still running. Stop Build (Ctrl+Break) ends them.\r\n";
+constexpr const wchar_t* kOthersRunLine =
+    English(L"Processes that this build started are still running. Stop Build (Ctrl+Break) ends them.\r\n");
 
 // The jobs of commands that outlived their stage, under g_buildCs. The vector is never destroyed, because the threads
 // of those commands may run until the process ends.
@@ -266,7 +267,7 @@ void CompilerThread(ReaderRequest& request, const WorkerCancel& cancel) {
     const DWORD exitCode = leave ? 1 : ExitCodeOf(reader.process);
     const bool othersLeft = end == BuildEnd::Ended && StageIsOfBuild(request.stage) && OthersRun(reader);
     PostNotice(reader, UnstageSource(&request.staged), kLineRed);
-    if (othersLeft) PostNotice(reader, kOthersRunLine, kLineTeal);
+    if (othersLeft) PostNotice(reader, Text(kOthersRunLine), kLineTeal);
     {
         const BuildLock lock;
         g_buildState.lastExitCode = exitCode;

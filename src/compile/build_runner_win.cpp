@@ -2,6 +2,7 @@
 
 #include "base/events.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "compile/build.h"
 #include "compile/build_plan.h"
 #include "compile/build_source.h"
@@ -107,13 +108,15 @@ int TabToBuild(const BuildOrder& order, std::vector<BuildLine>* said) {
     const int program = TabOfProgramWith(tab.path, &several);
     const std::wstring name = tab.label;
     if (program >= 0)
-        said->push_back({L"[Build] " + name + L" is a part of " + TabAt(program).label + L", which is built.\r\n", 0});
+        said->push_back(
+            {L"[Build] " + name + Text(L" is a part of ") + TabAt(program).label + Text(L", which is built.\r\n"), 0});
     else
-        said->push_back({L"[Build] " + name +
-                             (several ? L" is included by several open sources. It is built alone; build one of these "
-                                        L"first, and later builds take that.\r\n"
-                                      : L" is an include file that no open source includes. It is built alone.\r\n"),
-                         kLineTeal});
+        said->push_back(
+            {L"[Build] " + name +
+                 (several ? Text(L" is included by several open sources. It is built alone; build one of these "
+                                 L"first, and later builds take that.\r\n")
+                          : Text(L" is an include file that no open source includes. It is built alone.\r\n")),
+             kLineTeal});
     return program >= 0 ? program : active;
 }
 
@@ -282,7 +285,7 @@ bool PrepareLaunch(const LaunchRequest& request, StagedSource* staged, LaunchPla
         return false;
     }
     if (const std::wstring compiler(request.compiler); !ProgramCanBeStarted(compiler)) {
-        OutputPaneAppend((L"Build launch failed: " + LongProgramText(compiler) + L"\r\n").c_str(), kLineRed);
+        OutputPaneAppend(TextWith(L"Build launch failed: {1}\r\n", {LongProgramText(compiler)}).c_str(), kLineRed);
         return false;
     }
     if (!StageForLaunch(request, staged)) return false;

@@ -1,19 +1,23 @@
 #include "compile/build_sequence.h"
 
+#include "base/texts.h"
 #include "output/line_colours.h"
 
 #include <cmath>
 
 namespace {
 
-const wchar_t* CommandLabel(BuildStage stage) { return stage == BuildStage::PreBuild ? L"Pre-build" : L"Post-build"; }
+const wchar_t* CommandLabel(BuildStage stage) {
+    return stage == BuildStage::PreBuild ? Text(L"Pre-build") : Text(L"Post-build");
+}
 
 std::wstring Labelled(BuildStage stage, std::wstring_view text) {
     return L"[" + std::wstring(CommandLabel(stage)) + L"] " + std::wstring(text) + L"\r\n";
 }
 
-std::wstring CountOf(int count, const wchar_t* noun) {
-    return std::to_wstring(count) + L" " + noun + (count == 1 ? L"" : L"s");
+// "3 errors", "1 warning".
+std::wstring CountText(int count, const wchar_t* one, const wchar_t* many) {
+    return TextWith(count == 1 ? one : many, {std::to_wstring(count)});
 }
 
 // Seconds with one decimal.
@@ -29,26 +33,26 @@ BuildStep StepToCommand(BuildStage stage, std::wstring_view command) {
 
 BuildStep StepToCompiler(const BuildOrder& order) {
     return {.next = BuildNext::Compile,
-            .status = order.syntaxOnly ? L"Syntax check..."
-                      : order.debug    ? L"Debug build..."
-                                       : L"Building..."};
+            .status = order.syntaxOnly ? Text(L"Syntax check...")
+                      : order.debug    ? Text(L"Debug build...")
+                                       : Text(L"Building...")};
 }
 
 // Lines about the end of a pre- or post-build command; none when it succeeded or was stopped.
 std::vector<BuildLine> CommandEndLines(const StageResult& result) {
     if (result.end == BuildEnd::TimedOut)
-        return {{Labelled(result.stage, L"Still running after " + std::to_wstring(kCommandLimitMs / 1000) +
-                                            L" seconds; going on without its output."),
+        return {{Labelled(result.stage, TextWith(L"Still running after {1} seconds; going on without its output.",
+                                                 {std::to_wstring(kCommandLimitMs / 1000)})),
                  kLineTeal}};
     if (result.end == BuildEnd::Ended && result.exitCode != 0)
-        return {{Labelled(result.stage, L"Exit code " + std::to_wstring(result.exitCode) + L"."), kLineTeal}};
+        return {{Labelled(result.stage, TextWith(L"Exit code {1}.", {std::to_wstring(result.exitCode)})), kLineTeal}};
     return {};
 }
 
 BuildStep StepOfStop(BuildRun& run) {
     run.success = false;
-    run.finalStatus = L"Build stopped";
-    return {.next = BuildNext::End, .lines = {{L"--- Build stopped ---\r\n", kLineRed}}};
+    run.finalStatus = Text(L"Build stopped");
+    return {.next = BuildNext::End, .lines = {{Text(L"--- Build stopped ---\r\n"), kLineRed}}};
 }
 
 BuildStep AfterCommand(BuildRun& run, const StageResult& result) {
@@ -70,10 +74,16 @@ BuildStep AfterCompiler(BuildRun& run, const StageResult& result, int printedLin
 }
 
 std::wstring VerdictText(const BuildRun& run, const BuildPrinted& printed) {
-    std::wstring text = run.order.syntaxOnly ? L"Syntax check " : L"Build ";
-    text += run.success ? L"succeeded" : L"failed (exit code " + std::to_wstring(run.compiler.exitCode) + L")";
-    text += L": " + CountOf(printed.errors, L"error") + L", " + CountOf(printed.warnings, L"warning");
-    return text + L", " + SecondsText(run.compiler.seconds);
+    const std::wstring errors = CountText(printed.errors, English(L"{1} error"), English(L"{1} errors"));
+    const std::wstring warnings = CountText(printed.warnings, English(L"{1} warning"), English(L"{1} warnings"));
+    const std::wstring seconds = SecondsText(run.compiler.seconds), code = std::to_wstring(run.compiler.exitCode);
+    if (run.success)
+        return TextWith(
+            run.order.syntaxOnly ? L"Syntax check succeeded: {1}, {2}, {3}" : L"Build succeeded: {1}, {2}, {3}",
+            {errors, warnings, seconds});
+    return TextWith(run.order.syntaxOnly ? L"Syntax check failed (exit code {4}): {1}, {2}, {3}"
+                                         : L"Build failed (exit code {4}): {1}, {2}, {3}",
+                    {errors, warnings, seconds, code});
 }
 
 }  // namespace
@@ -95,8 +105,8 @@ BuildRefusal BuildRefusalOfCommand(const BuildSituation& situation) {
 bool BuildNeedsSave(bool modified, bool hasFile, bool fileExists) { return modified || !hasFile || !fileExists; }
 
 BuildLine SavedLine(std::wstring_view path, bool saved) {
-    if (saved) return {L"Saved: " + std::wstring(path) + L"\r\n", kLineTeal};
-    return {L"Not saved, so the build takes what is on the disk: " + std::wstring(path) + L"\r\n", kLineRed};
+    if (saved) return {TextWith(L"Saved: {1}\r\n", {path}), kLineTeal};
+    return {TextWith(L"Not saved, so the build takes what is on the disk: {1}\r\n", {path}), kLineRed};
 }
 
 BuildStep BuildRefused(BuildRefusal refusal, std::wstring_view name, std::wstring_view path) {
@@ -105,33 +115,39 @@ BuildStep BuildRefused(BuildRefusal refusal, std::wstring_view name, std::wstrin
         case BuildRefusal::Saving:
         case BuildRefusal::Running: break;
         case BuildRefusal::ProgramDebugged:
-            return {.lines = {{L"Not built: the program is being debugged. End the debug session first (Shift+F5).\r\n",
-                               kLineRed}},
-                    .status = L"End the debug session first (Shift+F5)"};
+            return {
+                .lines =
+                    {{Text(L"Not built: the program is being debugged. End the debug session first (Shift+F5).\r\n"),
+                      kLineRed}},
+                .status = Text(L"End the debug session first (Shift+F5)")};
         case BuildRefusal::ProgramRuns:
-            return {.status = L"The program still runs in the output pane: stop it first (Ctrl+Break)."};
-        case BuildRefusal::StillRunning: return {.status = kBuildBusy};
+            return {.status = Text(L"The program still runs in the output pane: stop it first (Ctrl+Break).")};
+        case BuildRefusal::StillRunning: return {.status = Text(kBuildBusy)};
         case BuildRefusal::NoDocument:
-            return {.lines = {{L"Build cancelled: no active source tab is selected.\r\n", kLineRed}},
-                    .status = L"Build cancelled",
+            return {.lines = {{Text(L"Build cancelled: no active source tab is selected.\r\n"), kLineRed}},
+                    .status = Text(L"Build cancelled"),
                     .clearsPane = true};
         case BuildRefusal::NotSaved:
-            return {.lines = {{L"Build cancelled: save the active tab to a source file first.\r\n", kLineRed}},
-                    .status = L"Build cancelled"};
+            return {.lines = {{Text(L"Build cancelled: save the active tab to a source file first.\r\n"), kLineRed}},
+                    .status = Text(L"Build cancelled")};
         case BuildRefusal::NoCompiler:
-            return {.lines = {{L"Compiler not found: " + std::wstring(name) + L"\r\nConfigured path: " +
-                                   (path.empty() ? L"(empty)" : std::wstring(path)) +
-                                   L"\r\nOpen Project > Settings and run Auto-Detect or browse to the compiler.\r\n",
+            return {.lines = {{TextWith(L"Compiler not found: {1}\r\nConfigured path: {2}\r\nOpen Project > Settings "
+                                        L"and run Auto-Detect or browse to the compiler.\r\n",
+                                        {name, (path.empty() ? Text(L"(empty)") : std::wstring(path))}),
                                kLineRed}},
-                    .status = L"Compiler not found"};
+                    .status = Text(L"Compiler not found")};
         case BuildRefusal::NoMainSource:
-            return {.lines = {{L"Build cancelled: the project " + std::wstring(name) +
-                                   (path.empty() ? L" names no main source (Project > Set as Main Source).\r\n"
-                                                 : L" has no file " + std::wstring(path) +
-                                                       L" (Project > Set as Main Source).\r\n"),
-                               kLineRed}},
-                    .status = L"Build cancelled",
-                    .clearsPane = true};
+            return {
+                .lines = {{TextWith(
+                               path.empty()
+                                   ? L"Build cancelled: the project {1} names no main source (Project > Set as Main "
+                                     L"Source).\r\n"
+                                   : L"Build cancelled: the project {1} has no file {2} (Project > Set as Main "
+                                     L"Source).\r\n",
+                               {name, path}),
+                           kLineRed}},
+                .status = Text(L"Build cancelled"),
+                .clearsPane = true};
     }
     return {};
 }
@@ -142,14 +158,14 @@ BuildStep BuildFirst(const BuildRun& run, std::wstring_view preBuildCommand) {
 
 BuildStep BuildStarted(BuildRun& run, BuildStage stage) {
     run.begun = true;
-    return {.next = BuildNext::Wait, .status = stage == BuildStage::PreBuild ? L"Pre-build..." : L""};
+    return {.next = BuildNext::Wait, .status = stage == BuildStage::PreBuild ? Text(L"Pre-build...") : L""};
 }
 
 BuildStep BuildNotStarted(const BuildRun& run, BuildStage stage, std::wstring_view reason) {
     if (stage == BuildStage::Compile)
-        return {.next = run.begun ? BuildNext::End : BuildNext::Refused, .status = L"Build launch failed"};
+        return {.next = run.begun ? BuildNext::End : BuildNext::Refused, .status = Text(L"Build launch failed")};
     BuildStep step = stage == BuildStage::PreBuild ? StepToCompiler(run.order) : BuildStep{.next = BuildNext::End};
-    step.lines = {{Labelled(stage, L"Failed to run."), kLineRed}};
+    step.lines = {{Labelled(stage, Text(L"Failed to run.")), kLineRed}};
     if (!reason.empty()) step.lines.push_back({Labelled(stage, reason), kLineRed});
     return step;
 }
@@ -164,8 +180,9 @@ bool ProgramWasWritten(const FileStamp* before, const FileStamp* after, std::uin
 }
 
 std::wstring NoProgramText(std::wstring_view program, bool exists) {
-    return L"No program was written: " + std::wstring(program) +
-           (exists ? L" is of an earlier build." : L" does not exist.");
+    return TextWith(exists ? L"No program was written: {1} is of an earlier build."
+                           : L"No program was written: {1} does not exist.",
+                    {program});
 }
 
 BuildStep BuildReport(BuildRun& run, const BuildPrinted& printed, std::wstring_view postBuildCommand) {
@@ -173,8 +190,8 @@ BuildStep BuildReport(BuildRun& run, const BuildPrinted& printed, std::wstring_v
     run.finalStatus = VerdictText(run, printed);
     BuildStep step = {.next = BuildNext::End, .programBuilt = built};
     if (run.compiler.end == BuildEnd::TimedOut)
-        step.lines.push_back({L"The compiler had printed nothing for " + std::to_wstring(kCompilerLimitMs / 60000) +
-                                  L" minutes and was ended.\r\n",
+        step.lines.push_back({TextWith(L"The compiler had printed nothing for {1} minutes and was ended.\r\n",
+                                       {std::to_wstring(kCompilerLimitMs / 60000)}),
                               kLineRed});
     step.lines.push_back({L"--- " + run.finalStatus + L" ---\r\n", run.success ? 0 : kLineRed});
     if (built && !run.unwritten.empty()) {

@@ -2,6 +2,7 @@
 // action afterwards. The runner (build_runner.h) carries out a step and asks for the next one. Pure.
 #pragma once
 
+#include "base/texts.h"
 #include "compile/build_values.h"
 #include "compile/file_stamp.h"
 
@@ -38,7 +39,8 @@ struct BuildSituation {
 BuildRefusal BuildRefusalOf(const BuildOrder& order, const BuildSituation& situation);
 // The same for a menu command: None, ProgramRuns, StillRunning or ProgramDebugged.
 BuildRefusal BuildRefusalOfCommand(const BuildSituation& situation);
-inline constexpr const wchar_t* kBuildBusy = L"Build already in progress.";  // status bar text for StillRunning
+inline constexpr const wchar_t* kBuildBusy =
+    English(L"Build already in progress.");  // status bar text for StillRunning
 
 // An unmodified document whose file exists is not saved before a build, because that would overwrite the changes of
 // another program.

@@ -1,6 +1,7 @@
 #include "compile/build_source.h"
 
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 
 #include <algorithm>
@@ -15,8 +16,7 @@ bool ProjectHoldsFile(const BuildProject& project, std::wstring_view path) {
 
 std::wstring BuiltWhichText(std::wstring_view project, std::wstring_view source, bool ofProject) {
     const std::wstring file(FileNameOf(source));
-    return ofProject ? L" - " + std::wstring(project) + L": " + file
-                     : L" - " + file + L", not of " + std::wstring(project);
+    return ofProject ? L" - " + std::wstring(project) + L": " + file : TextWith(L" - {1}, not of {2}", {file, project});
 }
 
 bool IsIncludeFile(std::wstring_view path) {

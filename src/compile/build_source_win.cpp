@@ -2,6 +2,7 @@
 
 #include "base/events.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "documents/document_row.h"
 #include "output/last_build.h"
 #include "scintilla/sci.h"
@@ -83,8 +84,8 @@ bool BuildChooseCompilerOfProject(std::uint32_t id) {
     if (!IsAtHand()) return false;
     g_buildProject->compiler = id;
     g_events.projectChanged();
-    g_events.statusText((std::wstring(CompilerName(id)) + L" builds " + g_buildProject->name +
-                         L" until it is closed; the project file stays as it is")
+    g_events.statusText(TextWith(L"{1} builds {2} until it is closed; the project file stays as it is",
+                                 {CompilerName(id), g_buildProject->name})
                             .c_str());
     return true;
 }

@@ -1,6 +1,7 @@
 #include "compile/command_line.h"
 
 #include "base/bounded_text.h"
+#include "base/texts.h"
 
 #include <algorithm>
 #include <iterator>
@@ -127,10 +128,10 @@ CommandProblem AssembleCommandLine(const CommandParts& parts, std::wstring* comm
 
 const wchar_t* CommandProblemText(CommandProblem problem) {
     switch (problem) {
-        case CommandProblem::FlagsTooLong: return L"Build launch failed: compiler flags too long.\r\n";
-        case CommandProblem::IncludeTooLong: return L"Build launch failed: include path too long.\r\n";
-        case CommandProblem::ListingTooLong: return L"Build launch failed: ASM arguments too long.\r\n";
-        case CommandProblem::CommandTooLong: return L"Build launch failed: command line too long.\r\n";
+        case CommandProblem::FlagsTooLong: return Text(L"Build launch failed: compiler flags too long.\r\n");
+        case CommandProblem::IncludeTooLong: return Text(L"Build launch failed: include path too long.\r\n");
+        case CommandProblem::ListingTooLong: return Text(L"Build launch failed: ASM arguments too long.\r\n");
+        case CommandProblem::CommandTooLong: return Text(L"Build launch failed: command line too long.\r\n");
         case CommandProblem::None: break;
     }
     return L"";

@@ -1,6 +1,7 @@
 #include "compile/products.h"
 
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "compile/build_plan.h"
 
@@ -45,7 +46,7 @@ WatchedFile Watch(const std::wstring& path, bool copied, const ProductDisk& disk
 bool MayBeWritten(const std::vector<Product>& known, const std::wstring& path, const wchar_t* left,
                   const ProductDisk& disk, std::vector<std::wstring>* lines) {
     if (!StampNow(path, disk) || ProductIsMadeHere(known, path, disk)) return true;
-    lines->push_back(std::wstring(left) + L", because no build of this editor has made " + path + L"\r\n");
+    lines->push_back(TextWith(L"{1}, because no build of this editor has made {2}\r\n", {left, path}));
     return false;
 }
 
@@ -99,9 +100,9 @@ ProductGuard ProductsGuard(const ProductPaths& paths, const std::vector<Product>
     const std::wstring log = ReplaceExtension(paths.source, L".buildlog");
     ProductGuard guard;
     watched->clear();
-    guard.log = !SamePathText(log, paths.source) && MayBeWritten(known, log, L"No build log", disk, &guard.lines);
+    guard.log = !SamePathText(log, paths.source) && MayBeWritten(known, log, Text(L"No build log"), disk, &guard.lines);
     guard.listing = !paths.listing.empty() && !SamePathText(paths.listing, paths.source) &&
-                    MayBeWritten(known, paths.listing, L"No assembly listing", disk, &guard.lines);
+                    MayBeWritten(known, paths.listing, Text(L"No assembly listing"), disk, &guard.lines);
     watched->push_back(Watch(paths.output, false, disk));
     if (guard.log) watched->push_back(Watch(log, false, disk));
     if (guard.listing) watched->push_back(Watch(paths.listing, false, disk));
@@ -125,8 +126,8 @@ std::vector<std::wstring> ProductsTakeUp(const std::vector<WatchedFile>& watched
         if (now == file.before)
             disk.remove(file.copy);
         else
-            lines.push_back(L"The compiler has overwritten your file " + file.path + L", which is kept as " +
-                            file.copy + L"\r\n");
+            lines.push_back(TextWith(L"The compiler has overwritten your file {1}, which is kept as {2}\r\n",
+                                     {file.path, file.copy}));
     }
     return lines;
 }

@@ -1,16 +1,17 @@
 #include "compile/program_run.h"
 
 #include "base/hex_text.h"
+#include "base/texts.h"
 
 #include <algorithm>
 #include <string_view>
 
-static constexpr std::wstring_view kUseConsole = L"stop it (Ctrl+Break) and use Build & Run (F5).\r\n";
+static constexpr const wchar_t* kUseConsole = English(L"stop it (Ctrl+Break) and use Build & Run (F5).\r\n");
 
 std::wstring RunDoubt(const BuildRecord& last, bool sourceModified) {
     if (!last.source.empty() && !last.programWritten)
-        return L"The last build wrote no program; this one is of an earlier build.\r\n";
-    return sourceModified ? L"The source was changed after this program was built.\r\n" : L"";
+        return Text(L"The last build wrote no program; this one is of an earlier build.\r\n");
+    return sourceModified ? Text(L"The source was changed after this program was built.\r\n") : L"";
 }
 
 std::wstring ConsoleKeysText(const PeImage& program) {
@@ -28,27 +29,28 @@ std::wstring ConsoleKeysText(const PeImage& program) {
         return std::ranges::count(kReadKeys, name.substr(name.find('!') + 1)) != 0;
     });
     if (!reads) return {};
-    return L"This program can wait for single keys, which do not reach it in the output pane. If it does: " +
-           std::wstring(kUseConsole);
+    return TextWith(L"This program can wait for single keys, which do not reach it in the output pane. If it does: {1}",
+                    {Text(kUseConsole)});
 }
 
 std::wstring UnreadInputText() {
-    return L"The program has not read this input. If it reads the console itself, no input reaches it here: " +
-           std::wstring(kUseConsole);
+    return TextWith(
+        L"The program has not read this input. If it reads the console itself, no input reaches it here: {1}",
+        {Text(kUseConsole)});
 }
 
 std::wstring RunningText(const std::wstring& program, const std::wstring& arguments) {
-    return L"--- Running: " + program + (arguments.empty() ? L"" : L" ") + arguments + L" ---\r\n";
+    return TextWith(L"--- Running: {1}{2}{3} ---\r\n", {program, (arguments.empty() ? L"" : L" "), arguments});
 }
 
 std::wstring RunFailedText(std::uint32_t error, const std::wstring& reason) {
-    return L"Run failed (Win32 error " + std::to_wstring(error) + L"): " + reason + L"\r\n";
+    return TextWith(L"Run failed (Win32 error {1}): {2}\r\n", {std::to_wstring(error), reason});
 }
 
 std::wstring ProgramEndText(const StageResult& result) {
-    if (result.end == BuildEnd::Stopped) return L"--- Program stopped ---\r\n";
+    if (result.end == BuildEnd::Stopped) return Text(L"--- Program stopped ---\r\n");
     // The codes of a crash are known by their hexadecimal form.
     const bool crash = result.exitCode >= 0x80000000;
     const std::wstring code = crash ? L"0x" + HexText(result.exitCode, 8) : std::to_wstring(result.exitCode);
-    return L"--- Program ended (exit code " + code + L") ---\r\n";
+    return TextWith(L"--- Program ended (exit code {1}) ---\r\n", {code});
 }

@@ -2,6 +2,7 @@
 
 #include "base/events.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "compile/build_plan.h"
 #include "compile/build_runner.h"
 #include "compile/build_source.h"
@@ -74,7 +75,7 @@ void SetTerminalCue(const wchar_t* cue) {
 
 void SayRunProblem(const std::wstring& text) {
     OutputPaneAppend(text.c_str(), kLineRed);
-    g_events.statusText(L"Run failed");
+    g_events.statusText(Text(L"Run failed"));
 }
 
 }  // namespace
@@ -88,13 +89,13 @@ void RunInOutputPane() {
     }
     const std::wstring program = ProgramToRun();
     if (program.empty() || !FileExists(program.c_str())) {
-        OutputPaneAppend(L"Nothing to run: build a program first (Ctrl+B).\r\n", kLineRed);
-        g_events.statusText(L"Nothing to run");
+        OutputPaneAppend(Text(L"Nothing to run: build a program first (Ctrl+B).\r\n"), kLineRed);
+        g_events.statusText(Text(L"Nothing to run"));
         return;
     }
     PaneShow(PaneId::Output, true);
     if (!ProgramCanBeStarted(program)) {
-        SayRunProblem(L"Run failed. " + LongProgramText(program) + L"\r\n");
+        SayRunProblem(TextWith(L"Run failed. {1}\r\n", {LongProgramText(program)}));
         return;
     }
     const auto [arguments, folder] = StartOf(program);
@@ -112,9 +113,9 @@ void RunInOutputPane() {
         return;
     }
     PaneShow(PaneId::Terminal, true);
-    SetTerminalCue(L"Input of the program: Enter sends a line, Ctrl+Z ends the input");
+    SetTerminalCue(Text(L"Input of the program: Enter sends a line, Ctrl+Z ends the input"));
     SetFocus(g_compile.hTerminal);
-    g_events.statusText(L"Program runs in the output pane");
+    g_events.statusText(Text(L"Program runs in the output pane"));
 }
 
 void ProgramWatchInput() {
@@ -123,7 +124,7 @@ void ProgramWatchInput() {
 
 void RunBuiltProgram(const std::wstring& program) {
     if (!ProgramCanBeStarted(program)) {
-        SayRunProblem(L"Run failed. " + LongProgramText(program) + L"\r\n");
+        SayRunProblem(TextWith(L"Run failed. {1}\r\n", {LongProgramText(program)}));
         return;
     }
     const ProgramStart start = StartOf(program);
@@ -135,7 +136,7 @@ void RunBuiltProgram(const std::wstring& program) {
 void ProgramOnStageEnd(const StageResult& result) {
     const bool failed = result.end == BuildEnd::Stopped || result.exitCode != 0;
     OutputPaneAppend(ProgramEndText(result).c_str(), failed ? kLineRed : 0);
-    g_events.statusText(result.end == BuildEnd::Stopped ? L"Program stopped" : L"Program ended");
+    g_events.statusText(result.end == BuildEnd::Stopped ? Text(L"Program stopped") : Text(L"Program ended"));
     OutputFeedBegin({});
     SetTerminalCue(L"");
     // Somebody who is typing a line must not go on in the source.

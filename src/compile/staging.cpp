@@ -1,6 +1,7 @@
 #include "compile/staging.h"
 
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "compile/build_plan.h"
 #include "settings/file_type_table.h"
@@ -65,8 +66,9 @@ std::wstring RemoveCopy(const StageDisk& disk, const StagedSource& staged) {
     FileStamp now;
     if (!disk.stamp(staged.path, &now)) return {};
     if (now != staged.stamp)
-        return L"The temporary source was changed during the build and is kept: " + staged.path + L"\r\n";
-    if (!disk.remove(staged.path)) return L"The temporary source could not be deleted: " + staged.path + L"\r\n";
+        return TextWith(L"The temporary source was changed during the build and is kept: {1}\r\n", {staged.path});
+    if (!disk.remove(staged.path))
+        return TextWith(L"The temporary source could not be deleted: {1}\r\n", {staged.path});
     return {};
 }
 
@@ -130,7 +132,7 @@ std::wstring RecoverOnDisk(const StageDisk& disk, const StageNote& note) {
     if (there && !isCopy) return LeftoverLine(note.target, note.aside);
     if ((there && !disk.remove(note.target)) || !disk.move(note.aside, note.target))
         return LeftoverLine(note.target, note.aside);
-    return L"A build was cut off when the editor ended: your file " + note.target + L" has been put back.\r\n";
+    return TextWith(L"A build was cut off when the editor ended: your file {1} has been put back.\r\n", {note.target});
 }
 
 std::wstring UnstageOnDisk(const StageDisk& disk, StagedSource* staged) {
@@ -139,8 +141,8 @@ std::wstring UnstageOnDisk(const StageDisk& disk, StagedSource* staged) {
     staged->copied = false;
     if (staged->aside.empty()) return notice;
     if (!disk.move(staged->aside, staged->path))
-        notice +=
-            L"Your file " + staged->path + L" was moved aside for the build and is kept as " + staged->aside + L"\r\n";
+        notice += TextWith(L"Your file {1} was moved aside for the build and is kept as {2}\r\n",
+                           {staged->path, staged->aside});
     staged->aside.clear();
     return notice;
 }

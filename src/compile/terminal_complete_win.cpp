@@ -1,6 +1,7 @@
 #include "compile/terminal_complete.h"
 
 #include "base/events.h"
+#include "base/texts.h"
 #include "base/worker.h"
 #include "compile/terminal_names.h"
 #include "files/file_io.h"
@@ -92,8 +93,8 @@ void TerminalOnNames(HWND window, WPARAM wParam) {
     if (found->number != g_completing.number) return;
     g_completing.waiting = false;
     if (WindowText(window) != g_completing.line) return;  // the user has typed on
-    if (!found->answered) return g_events.statusText(L"The folder does not answer");
-    if (found->names.empty()) return g_events.statusText(L"No file name fits");
+    if (!found->answered) return g_events.statusText(Text(L"The folder does not answer"));
+    if (found->names.empty()) return g_events.statusText(Text(L"No file name fits"));
     g_completing.completion.names = std::move(found->names);
     ShowNextName(window);
 }

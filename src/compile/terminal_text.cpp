@@ -1,5 +1,6 @@
 #include "compile/terminal_text.h"
 
+#include "base/texts.h"
 #include "base/utf8.h"
 
 #include <algorithm>
@@ -51,6 +52,7 @@ std::wstring TerminalCommandLine(std::wstring_view systemFolder, std::wstring_vi
 }
 
 std::wstring TerminalEndText(const StageResult& result) {
-    if (result.end == BuildEnd::Stopped) return L"--- Command stopped ---\r\n";
-    return result.exitCode == 0 ? std::wstring() : L"--- Exit code " + std::to_wstring(result.exitCode) + L" ---\r\n";
+    if (result.end == BuildEnd::Stopped) return Text(L"--- Command stopped ---\r\n");
+    return result.exitCode == 0 ? std::wstring()
+                                : TextWith(L"--- Exit code {1} ---\r\n", {std::to_wstring(result.exitCode)});
 }

@@ -4,6 +4,7 @@
 #include "base/events.h"
 #include "base/log.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "compile/build.h"
 #include "compile/build_stage.h"
@@ -102,7 +103,7 @@ void EchoInput(const std::wstring& text) { OutputFeedStream(_wcsdup((text + L"\r
 void SendToProgram(HWND window) {
     const std::wstring text = WindowText(window);
     if (!ProgramInputSend(text + L"\r\n")) {
-        g_events.statusText(L"The program does not read its input.");
+        g_events.statusText(Text(L"The program does not read its input."));
         return;
     }
     EchoInput(text);
@@ -126,13 +127,13 @@ void RunTerminalCommand(HWND window) {
     }
     const std::wstring command = WindowText(window);
     if (std::exchange(g_terminal.typedForProgram, false) && !command.empty()) {
-        g_events.statusText(L"The program has ended. Enter again runs this line as a command.");
+        g_events.statusText(Text(L"The program has ended. Enter again runs this line as a command."));
         SendMessageW(window, EM_SETSEL, 0, -1);
         return;
     }
     if (command.find_first_not_of(L" \t") == std::wstring::npos) return;
     if (CompilerIsBuilding()) {
-        g_events.statusText(L"Something still runs: stop it first (Ctrl+Break).");
+        g_events.statusText(Text(L"Something still runs: stop it first (Ctrl+Break)."));
         return;
     }
     StageSettle(false);
@@ -154,10 +155,10 @@ void RunTerminalCommand(HWND window) {
                     .directory = folder},
                    &error)) {
         g_terminal.commandRuns = true;
-        g_events.statusText(L"Running command...");
+        g_events.statusText(Text(L"Running command..."));
     } else {
         OutputFeedBegin({});
-        OutputPaneAppend(FormatW(L"The command could not be started (Win32 error %lu): %s\r\n", error,
+        OutputPaneAppend(FormatW(Text(L"The command could not be started (Win32 error %lu): %s\r\n"), error,
                                  ChildStartProblem(error, folder).c_str())
                              .c_str(),
                          kLineRed);
@@ -197,7 +198,7 @@ void TerminalOnStageEnd(const StageResult& result) {
     OutputFeedBegin({});
     if (const std::wstring text = TerminalEndText(result); !text.empty())
         OutputPaneAppend(text.c_str(), result.end == BuildEnd::Stopped ? kLineRed : kLineTeal);
-    g_events.statusText(result.end == BuildEnd::Stopped ? L"Command stopped" : L"Command finished");
+    g_events.statusText(result.end == BuildEnd::Stopped ? Text(L"Command stopped") : Text(L"Command finished"));
 }
 
 bool TerminalProgramEnded() {

@@ -3,6 +3,7 @@
 // whether it still is in the call. UI thread.
 #include "completion/tips.h"
 
+#include "base/texts.h"
 #include "completion/call_tip.h"
 #include "documents/document_row.h"
 #include "editor/statement_text.h"
@@ -186,7 +187,7 @@ void Follow() {
     const int tab = TabBarFindEditor(editor);
     if (tab < 0 || editor != g_documents.hEditor) return EndTip();
     const std::optional<FollowedCall> followed = CallAtCaret(TabAt(tab));
-    if (!followed && g_callTip.byCommand) TellSymbolStatus(L"There is no call at the caret");
+    if (!followed && g_callTip.byCommand) TellSymbolStatus(Text(L"There is no call at the caret"));
     if (!followed) return EndTip();
     const LRESULT line = Ask(editor, SCI_LINEFROMPOSITION, followed->statement.start);
     if (g_callTip.statementLine >= 0 && line != g_callTip.statementLine) return EndTip();
@@ -198,7 +199,7 @@ void Follow() {
         SetTimer(editor, kLookAgain, kLookAgainMs, OnLookAgain);
         return;
     }
-    if (g_callTip.byCommand) TellSymbolStatus(L"There is no call at the caret");
+    if (g_callTip.byCommand) TellSymbolStatus(Text(L"There is no call at the caret"));
     EndTip();
 }
 

@@ -1,6 +1,7 @@
 // The completion list: when it comes up, what it shows, what choosing a row does. UI thread.
 #include "completion/completion.h"
 
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "completion/completion_list.h"
 #include "completion/completion_rows.h"
@@ -496,6 +497,6 @@ void CompletionShowWanted() {
     const HWND editor = g_documents.hEditor;
     if (editor == nullptr) return;
     Update(editor, true);
-    if (g_list.editor == nullptr) return TellSymbolStatus(L"Nothing to complete here");
+    if (g_list.editor == nullptr) return TellSymbolStatus(Text(L"Nothing to complete here"));
     if (g_list.rows.size() == 1 && !g_list.prefix.empty()) Accept(0);
 }

@@ -2,6 +2,7 @@
 #include "completion/tips.h"
 
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "completion/call_tip.h"
 #include "completion/hover_text.h"
@@ -204,7 +205,7 @@ void HoverShowAtCaret() {
         if (editor != g_documents.hEditor || Ask(editor, SCI_GETCURRENTPOS) != caret) return;
         LRESULT start = caret;
         const std::string text = HoverTextAt(ActiveDocumentId(), caret, &start);
-        if (text.empty()) return TellSymbolStatus(L"Nothing is known of the word at the caret");
+        if (text.empty()) return TellSymbolStatus(Text(L"Nothing is known of the word at the caret"));
         HoverShow(editor, start, text);
     });
 }

@@ -2,6 +2,7 @@
 #include "completion/user_snippets.h"
 
 #include "base/handles.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "base/wide_format.h"
 #include "documents/file_commands.h"
@@ -41,7 +42,7 @@ void TellProblems(const std::wstring& path, const std::vector<std::string>& prob
     for (const std::string& problem : problems)
         OutputPaneAppend(FormatW(L"[Snippets] %s: %s\r\n", path.c_str(), Utf8ToWideText(problem).c_str()).c_str(),
                          kLineYellow);
-    if (!problems.empty()) TellSymbolStatus(L"Some snippets were left out; the output pane tells why");
+    if (!problems.empty()) TellSymbolStatus(Text(L"Some snippets were left out; the output pane tells why"));
 }
 
 void Read(const std::wstring& path, bool exists) {
@@ -80,11 +81,12 @@ SnippetList SnippetsKnown() {
 void SnippetsEdit() {
     const std::wstring path = FilePath();
     UniqueHandle made(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!made && GetLastError() != ERROR_FILE_EXISTS) return TellSymbolStatus(L"The file of snippets cannot be made");
+    if (!made && GetLastError() != ERROR_FILE_EXISTS)
+        return TellSymbolStatus(Text(L"The file of snippets cannot be made"));
     const std::string_view text = SnippetFileTemplate();
     DWORD written = 0;
     if (made && !WriteFile(made.Get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr))
-        return TellSymbolStatus(L"The file of snippets cannot be written");
+        return TellSymbolStatus(Text(L"The file of snippets cannot be written"));
     made.Reset();
     FileOpen(path.c_str());
 }

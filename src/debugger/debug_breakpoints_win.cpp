@@ -1,5 +1,6 @@
 // Breakpoints in the program: plants and removes the trap bytes of the table's entries, and checks conditions. UI
 // thread only.
+#include "base/texts.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_process.h"
 #include "debugger/expressions.h"
@@ -55,8 +56,8 @@ bool NamedHolds(const DebuggerState& state, std::string_view condition, std::spa
     const NamedVerdict verdict =
         NamedConditionHolds(condition, {.names = names, .registers = registers, .memory = memory});
     if (!verdict.problem.empty())
-        DebugSay(kDebugOrange, L"[Debug] The condition %s cannot be told: %s.\n", Utf8ToWideText(condition).c_str(),
-                 verdict.problem.c_str());
+        DebugSay(kDebugOrange, Text(L"[Debug] The condition %s cannot be told: %s.\n"),
+                 Utf8ToWideText(condition).c_str(), verdict.problem.c_str());
     return verdict.holds;
 }
 

@@ -1,5 +1,6 @@
 // Waits for the program's events and carries out what each means. UI thread only, because WaitForDebugEvent works only
 // in the thread that started the program.
+#include "base/texts.h"
 #include "debugger/debug_exit_trap.h"
 #include "debugger/debug_follow.h"
 #include "debugger/debug_inspect.h"
@@ -78,7 +79,8 @@ void Report(DebuggerState* state, COLORREF colour, std::wstring text) {
     switch (TakeReport(&state->reports, report)) {
         case ReportFate::Shown: DebugSay(colour, L"%s", report.text.c_str()); break;
         case ReportFate::FirstKept:
-            DebugSay(kDebugOrange, L"[Debug] The program writes too much; its last lines are shown when it stops.\n");
+            DebugSay(kDebugOrange,
+                     Text(L"[Debug] The program writes too much; its last lines are shown when it stops.\n"));
             break;
         case ReportFate::Kept: break;
     }
@@ -230,13 +232,14 @@ int OnOtherException(DebuggerState* state, const DEBUG_EVENT& event, bool fault)
         ActionOfException(ParseExceptionRules(g_settings.exceptionRules), record.ExceptionCode);
     const bool firstChance = event.u.Exception.dwFirstChance != 0;
     Report(state, kDebugRed,
-           FormatW(L"[Debug] Exception 0x%08lX at 0x%p\n", record.ExceptionCode, record.ExceptionAddress));
+           FormatW(Text(L"[Debug] Exception 0x%08lX at 0x%p\n"), record.ExceptionCode, record.ExceptionAddress));
     // What the program handles itself may come as often as it likes.
     const bool held = HoldAtFault(&state->faults, fault && !action.pass, address);
     if (state->faults.count == 1)
         Report(state, kDebugRed, L"[Debug] " + DebugExceptionText(*state, event, action.pass) + L"\n");
     if (held)
-        DebugSay(kDebugRed, L"[Debug] The instruction has failed %lu times in a row; the program is held there.\n",
+        DebugSay(kDebugRed,
+                 Text(L"[Debug] The instruction has failed %lu times in a row; the program is held there.\n"),
                  static_cast<unsigned long>(kFaultsInARow));
     state->passPending = action.pass ? 1 : 0;
     if (!held && !(action.stop && firstChance) && !(action.pass && !firstChance)) {
@@ -295,7 +298,7 @@ int OnEvent(DebuggerState* state, const DEBUG_EVENT& event) {
 
 void DebugSayLeftOut(DebuggerState* state) {
     if (state->reports.leftOut > 0)
-        DebugSay(kDebugTeal, L"[Debug] ... %lu reports left out ...\n",
+        DebugSay(kDebugTeal, Text(L"[Debug] ... %lu reports left out ...\n"),
                  static_cast<unsigned long>(state->reports.leftOut));
     const DebugReports reports = std::exchange(state->reports, {});
     for (const DebugReport& report : reports.kept) DebugSay(report.colour, L"%s", report.text.c_str());

@@ -8,6 +8,7 @@
 #include "base/log.h"
 #include "base/process_start.h"
 #include "base/system_error.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "files/file_io.h"
 #include "files/start_path.h"
@@ -53,7 +54,7 @@ ImageKind KindOf(const wchar_t* executable) {
 
 void SayLaunchFailed(DWORD error) {
     AppLogMsg(L"FAIL: DebugStart CreateProcess error=%lu", error);
-    DebugSay(kDebugRed, L"[Debug] Failed to launch process.\n");
+    DebugSay(kDebugRed, Text(L"[Debug] Failed to launch process.\n"));
     DebugSay(kDebugRed, L"[Debug] Win32 error %lu: %s\n", error, SystemErrorText(error).c_str());
 }
 
@@ -129,7 +130,7 @@ void RunToFirstLine(DebuggerState* state) {
     const int line = static_cast<int>(state->map.lines[0].line);
     if (DebugSetBreakpoint(state, line)) state->startAddress = state->map.imageBase + SdbgLineToRva(&state->map, line);
     if (g_plantHook != nullptr) g_plantHook(state);
-    SayOfStart(FormatW(L"[Debug] Started. Breakpoint at line %d.\n", line));
+    SayOfStart(FormatW(Text(L"[Debug] Started. Breakpoint at line %d.\n"), line));
 }
 
 void RunToFirst(DebuggerState* state) {
@@ -201,7 +202,7 @@ bool DebugStartLoaded(const wchar_t* executable, DebuggerState* state) {
     if (state->map.nativeTrapMap != 0 || state->map.lineCount > 0)
         RunToFirst(state);
     else
-        DebugSay(0, L"[Debug] Started (no source line info).\n");
+        DebugSay(0, Text(L"[Debug] Started (no source line info).\n"));
     return state->active != 0;
 }
 
@@ -227,7 +228,7 @@ void DebugStop(DebuggerState* state) {
     Terminate(state);
     AwaitEnd(state);
     DebugEndSession(state);
-    DebugSay(kDebugRed, L"[Debug] Stopped.\n");
+    DebugSay(kDebugRed, Text(L"[Debug] Stopped.\n"));
 }
 
 void DebugNeutralizeNativeTraps(DebuggerState* state) {

@@ -1,5 +1,6 @@
 // Steps: each plants a breakpoint where the program is to stop next, and resumes it. Steps set no trap flag, so a
 // breakpoint that they step off stays disarmed until something arms it. UI thread only.
+#include "base/texts.h"
 #include "debugger/debug_follow.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_process.h"
@@ -56,7 +57,8 @@ bool DebugStepOver(DebuggerState* state) {
     if (StepOutOfLibrary(state)) return true;
     const StepTarget target = StepOverTarget(state->map, state->currentAddress);
     if (target.kind == StepTarget::Kind::NextTrap) return LeaveStop(state);
-    if (target.kind == StepTarget::Kind::NoFurtherLine) DebugSay(kDebugOrange, L"[Debug] No further source lines.\n");
+    if (target.kind == StepTarget::Kind::NoFurtherLine)
+        DebugSay(kDebugOrange, Text(L"[Debug] No further source lines.\n"));
     return StepTo(state, target);
 }
 

@@ -6,6 +6,7 @@
 #include "debugger/debug_process.h"
 
 #include "base/log.h"
+#include "base/texts.h"
 
 #include <algorithm>
 #include <utility>
@@ -109,10 +110,11 @@ bool DebugSetIp(const DebuggerState& state, std::uint32_t threadId, std::uint64_
 bool DebugMoveIp(DebuggerState* state, std::uint32_t threadId, std::uint64_t address) {
     if (DebugSetIp(*state, threadId, address, false)) return true;
     state->owedIp = {.threadId = threadId, .address = address};
-    DebugSay(kDebugRed,
-             L"[Debug] The instruction pointer of thread %lu cannot be set to 0x%llX (Win32 error %lu). The program is "
-             L"held, because it would run on inside an instruction.\n",
-             static_cast<unsigned long>(threadId), address, GetLastError());
+    DebugSay(
+        kDebugRed,
+        Text(L"[Debug] The instruction pointer of thread %lu cannot be set to 0x%llX (Win32 error %lu). The program is "
+             L"held, because it would run on inside an instruction.\n"),
+        static_cast<unsigned long>(threadId), address, GetLastError());
     return false;
 }
 

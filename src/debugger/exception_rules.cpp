@@ -3,6 +3,7 @@
 
 #include "base/hex_digit.h"
 #include "base/hex_text.h"
+#include "base/texts.h"
 
 #include <algorithm>
 
@@ -11,30 +12,30 @@ namespace {
 constexpr std::uint32_t kAccessViolation = 0xC0000005, kPageError = 0xC0000006;
 
 constexpr KnownException kKnown[] = {
-    {kAccessViolation, L"Access violation"},
-    {kPageError, L"Page that cannot be read in"},
-    {0xC0000008, L"Invalid handle"},
-    {0xC000001D, L"Illegal instruction"},
-    {0xC0000025, L"Exception that cannot be continued"},
-    {0xC000008C, L"Array bounds exceeded"},
-    {0xC000008D, L"Floating point: denormal operand"},
-    {0xC000008E, L"Floating point: division by zero"},
-    {0xC000008F, L"Floating point: inexact result"},
-    {0xC0000090, L"Floating point: invalid operation"},
-    {0xC0000091, L"Floating point: overflow"},
-    {0xC0000092, L"Floating point: stack check"},
-    {0xC0000093, L"Floating point: underflow"},
-    {0xC0000094, L"Integer division by zero"},
-    {0xC0000095, L"Integer overflow"},
-    {0xC0000096, L"Privileged instruction"},
-    {0xC00000FD, L"Stack overflow"},
-    {0x80000001, L"Guard page"},
-    {0x80000002, L"Misaligned data"},
+    {kAccessViolation, English(L"Access violation")},
+    {kPageError, English(L"Page that cannot be read in")},
+    {0xC0000008, English(L"Invalid handle")},
+    {0xC000001D, English(L"Illegal instruction")},
+    {0xC0000025, English(L"Exception that cannot be continued")},
+    {0xC000008C, English(L"Array bounds exceeded")},
+    {0xC000008D, English(L"Floating point: denormal operand")},
+    {0xC000008E, English(L"Floating point: division by zero")},
+    {0xC000008F, English(L"Floating point: inexact result")},
+    {0xC0000090, English(L"Floating point: invalid operation")},
+    {0xC0000091, English(L"Floating point: overflow")},
+    {0xC0000092, English(L"Floating point: stack check")},
+    {0xC0000093, English(L"Floating point: underflow")},
+    {0xC0000094, English(L"Integer division by zero")},
+    {0xC0000095, English(L"Integer overflow")},
+    {0xC0000096, English(L"Privileged instruction")},
+    {0xC00000FD, English(L"Stack overflow")},
+    {0x80000001, English(L"Guard page")},
+    {0x80000002, English(L"Misaligned data")},
     {0x40010005, L"Ctrl+C"},
-    {0x406D1388, L"Name of a thread"},
-    {0xE06D7363, L"C++ exception"},
-    {0x20474343, L"C++ exception (GCC)"},
-    {0xE0434352, L".NET exception"},
+    {0x406D1388, English(L"Name of a thread")},
+    {0xE06D7363, English(L"C++ exception")},
+    {0x20474343, English(L"C++ exception (GCC)")},
+    {0xE0434352, English(L".NET exception")},
 };
 
 constexpr wchar_t kOther[] = L"other";
@@ -63,7 +64,7 @@ bool ReadRule(std::wstring_view text, ExceptionRule* rule) {
 
 const wchar_t* AccessText(std::uint64_t kind) {
     constexpr std::uint64_t kWrite = 1, kExecute = 8;
-    return kind == kWrite ? L"writing" : kind == kExecute ? L"executing" : L"reading";
+    return kind == kWrite ? Text(L"writing") : kind == kExecute ? Text(L"executing") : Text(L"reading");
 }
 
 }  // namespace
@@ -108,7 +109,7 @@ std::span<const KnownException> KnownExceptions() { return kKnown; }
 
 const wchar_t* ExceptionName(std::uint32_t code) {
     const auto known = std::ranges::find(kKnown, code, &KnownException::code);
-    return known != std::end(kKnown) ? known->name : L"Exception";
+    return known != std::end(kKnown) ? Text(known->name) : Text(L"Exception");
 }
 
 std::wstring ExceptionText(const ExceptionReport& report) {
@@ -116,7 +117,7 @@ std::wstring ExceptionText(const ExceptionReport& report) {
     if (report.code == kAccessViolation || report.code == kPageError)
         text += std::wstring(L": ") + AccessText(report.information[0]) + L" 0x" +
                 HexText(report.information[1], report.x64 ? 16 : 8);
-    if (!report.place.empty()) text += (report.called ? L", called from " : L", at ") + report.place;
-    if (!report.firstChance) return text + L", which the program does not handle";
-    return report.passed ? text + L", passed to the program" : text;
+    if (!report.place.empty()) text += (report.called ? Text(L", called from ") : Text(L", at ")) + report.place;
+    if (!report.firstChance) return TextWith(L"{1}, which the program does not handle", {text});
+    return report.passed ? TextWith(L"{1}, passed to the program", {text}) : text;
 }

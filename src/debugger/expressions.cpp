@@ -4,6 +4,7 @@
 
 #include "base/hex_text.h"
 #include "base/scan_text.h"
+#include "base/texts.h"
 
 namespace {
 
@@ -24,7 +25,7 @@ public:
     Evaluation Run() {
         const std::uint64_t value = Sum();
         Skip();
-        if (problem_.empty() && !rest_.empty()) Fail(L"not understood from here: " + Shown(rest_));
+        if (problem_.empty() && !rest_.empty()) Fail(TextWith(L"not understood from here: {1}", {Shown(rest_)}));
         if (!problem_.empty()) return {.value = std::nullopt, .problem = problem_};
         return {.value = registers_.x64 ? value : value & 0xFFFFFFFF, .problem = {}};
     }
@@ -65,7 +66,7 @@ private:
     std::uint64_t Operand() {
         if (!problem_.empty()) return 0;
         if (++depth_ > kDeepest) {
-            Fail(L"too many brackets");
+            Fail(Text(L"too many brackets"));
             return 0;
         }
         const std::uint64_t value = OperandInside();
@@ -76,13 +77,13 @@ private:
         if (Take('-')) return 0 - Operand();
         if (Take('(')) {
             const std::uint64_t value = Sum();
-            if (!Take(')')) Fail(L"a bracket is not closed");
+            if (!Take(')')) Fail(Text(L"a bracket is not closed"));
             return value;
         }
         if (Take('[')) return Memory(registers_.x64 ? 8 : 4);
         Skip();
         if (rest_.empty()) {
-            Fail(L"a value is missing");
+            Fail(Text(L"a value is missing"));
             return 0;
         }
         return IsDigit(rest_.front()) || rest_.front() == '&' ? Number() : Name();
@@ -91,10 +92,11 @@ private:
     std::uint64_t Memory(std::size_t bytes) {
         const std::uint64_t sum = Sum();
         const std::uint64_t address = registers_.x64 ? sum : sum & 0xFFFFFFFF;
-        if (!Take(']')) Fail(L"a bracket is not closed");
+        if (!Take(']')) Fail(Text(L"a bracket is not closed"));
         if (!problem_.empty()) return 0;
         std::uint64_t value = 0;
-        if (!read_ || !read_(address, &value, bytes)) Fail(L"no memory can be read at 0x" + HexText(address, 1));
+        if (!read_ || !read_(address, &value, bytes))
+            Fail(TextWith(L"no memory can be read at 0x{1}", {HexText(address, 1)}));
         return value;
     }
     // Bytes of the memory that a name before a bracket asks for; 0: it is no such name.
@@ -106,7 +108,7 @@ private:
     std::uint64_t Number() {
         const bool hexadecimal = TakePrefix(&rest_, "0X") || TakePrefix(&rest_, "&H");
         const auto value = TakeNumber(&rest_, hexadecimal ? 16 : 10);
-        if (!value) Fail(L"a number is missing");
+        if (!value) Fail(Text(L"a number is missing"));
         return value.value_or(0);
     }
     // A name of the user, with the suffix or without it. Nothing: there is none.
@@ -123,19 +125,20 @@ private:
     }
     // VARPTR is taken.
     std::uint64_t PlaceOfGiven() {
-        if (!Take('(')) Fail(L"a bracket is missing after VARPTR");
+        if (!Take('(')) Fail(Text(L"a bracket is missing after VARPTR"));
         Skip();
         const std::string_view name = NameAtStart(rest_);
         const auto place = Given(name, true);
         if (!place) Fail(Unknown(name));
-        if (!Take(')')) Fail(L"a bracket is not closed");
+        if (!Take(')')) Fail(Text(L"a bracket is not closed"));
         return place.value_or(0);
     }
     std::wstring Unknown(std::string_view name) const {
-        if (name.empty()) return L"not understood from here: " + Shown(rest_);
-        if (!names_) return L"no register: " + Shown(name);
-        return Shown(name) + L" is not known. The compilers write no names of variables: name its place, as " +
-               Shown(name) + (registers_.x64 ? L" = RBP-4, LONG" : L" = EBP-4, LONG");
+        if (name.empty()) return TextWith(L"not understood from here: {1}", {Shown(rest_)});
+        if (!names_) return TextWith(L"no register: {1}", {Shown(name)});
+        return TextWith(
+            L"{1} is not known. The compilers write no names of variables: name its place, as {1} = {2}, LONG",
+            {Shown(name), registers_.x64 ? L"RBP-4" : L"EBP-4"});
     }
     // Why a register of this frame cannot be used; empty: it can.
     std::wstring Lost(std::string_view name) const {
@@ -144,10 +147,11 @@ private:
         for (const char c : name) upper += UpperAscii(c);
         const bool framePointer = upper == "RBP" || upper == "EBP";
         if (registers_.frame == FrameState::Coming)
-            return framePointer ? Shown(name) + L" does not belong to this procedure yet: step once" : L"";
+            return framePointer ? TextWith(L"{1} does not belong to this procedure yet: step once", {Shown(name)})
+                                : L"";
         const bool known = upper == "RIP" || upper == "EIP" || (framePointer && registers_.general[kBp] != 0) ||
                            ((upper == "RSP" || upper == "ESP") && registers_.general[kSp] != 0);
-        return known ? L"" : Shown(name) + L" of a caller is not known";
+        return known ? L"" : TextWith(L"{1} of a caller is not known", {Shown(name)});
     }
     std::uint64_t Name() {
         const std::string_view whole = NameAtStart(rest_);

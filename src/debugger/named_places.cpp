@@ -2,6 +2,7 @@
 #include "debugger/named_places.h"
 
 #include "base/scan_text.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 
 #include <algorithm>
@@ -110,7 +111,7 @@ NamedValue ValueOfName(const NamedPlace& named, const NameScope& scope) {
     if (!address.value) return NoValue{address.problem};
     NamedValue value = ValueAtPlace(named.kind, *address.value, scope);
     if (std::holds_alternative<NoValue>(value))
-        return NoValue{L"the memory of " + Quoted(named.name) + L" cannot be read"};
+        return NoValue{TextWith(L"the memory of {1} cannot be read", {Quoted(named.name)})};
     return value;
 }
 
@@ -123,8 +124,9 @@ NameReader ReaderOf(const NameScope& scope) {
         if (const auto* none = std::get_if<NoValue>(&value)) return Evaluation{.value = {}, .problem = none->problem};
         const auto* whole = std::get_if<std::int64_t>(&value);
         if (whole != nullptr) return Evaluation{.value = static_cast<std::uint64_t>(*whole), .problem = {}};
-        return Evaluation{.value = {},
-                          .problem = Quoted(named->name) + L" is no whole number: it can stand alone only"};
+        return Evaluation{
+            .value = {},
+            .problem = TextWith(L"{1} is no whole number: it can stand alone only", {Quoted(named->name)})};
     };
 }
 
@@ -155,7 +157,7 @@ std::size_t FindWord(std::string_view bare, std::string_view word) {
 
 NamedValue ValueOfSide(std::string_view side, const NameScope& scope) {
     side = TrimmedBlanks(side);
-    if (side.empty()) return NoValue{L"a value is missing"};
+    if (side.empty()) return NoValue{Text(L"a value is missing")};
     if (side.size() >= 2 && side.front() == '"' && side.back() == '"')
         return std::string(side.substr(1, side.size() - 2));
     if (const NamedPlace* named = FindNamedPlace(scope.names, side)) return ValueOfName(*named, scope);
@@ -212,7 +214,7 @@ NamedVerdict ComparisonHolds(std::string_view text, const NameScope& scope) {
     if (const auto* none = std::get_if<NoValue>(&right)) return {.holds = true, .problem = none->problem};
     const std::partial_ordering order = Order(left, right);
     if (std::holds_alternative<std::string>(left) != std::holds_alternative<std::string>(right))
-        return {.holds = true, .problem = L"a text and a number cannot be compared"};
+        return {.holds = true, .problem = Text(L"a text and a number cannot be compared")};
     return {.holds = (std::is_lt(order) && sign->less) || (std::is_eq(order) && sign->equal) ||
                      (std::is_gt(order) && sign->greater),
             .problem = {}};
@@ -241,21 +243,21 @@ const NamedPlace* FindNamedPlace(std::span<const NamedPlace> names, std::string_
 }
 
 std::wstring PlaceNameProblem(std::string_view name) {
-    if (name.empty()) return L"A name is missing.";
-    if (name.size() > kLongestName) return L"The name is too long.";
+    if (name.empty()) return Text(L"A name is missing.");
+    if (name.size() > kLongestName) return Text(L"The name is too long.");
     if (IsDigit(name.front()) || NameAtStart(name) != name)
-        return L"A name has letters, digits and underscores, and a letter first.";
+        return Text(L"A name has letters, digits and underscores, and a letter first.");
     const bool narrow = name.size() == 3 && UpperAscii(name[0]) == 'E' && RegisterByName(AnyRegisters(false), name);
-    if (narrow || FullRegisterByName(AnyRegisters(true), name)) return Quoted(name) + L" is a register.";
+    if (narrow || FullRegisterByName(AnyRegisters(true), name)) return TextWith(L"{1} is a register.", {Quoted(name)});
     for (const std::string_view word : {"BYTE", "WORD", "DWORD", "QWORD", "VARPTR", "AND", "OR"})
-        if (SameLetters(name, word)) return Quoted(name) + L" has a meaning of its own in expressions.";
+        if (SameLetters(name, word)) return TextWith(L"{1} has a meaning of its own in expressions.", {Quoted(name)});
     return {};
 }
 
 std::wstring PlaceProblem(std::string_view place, std::optional<bool> x64) {
     place = TrimmedBlanks(place);
-    if (place.empty()) return L"A place is missing, such as RBP-4 or [RBP+16] (EBP in 32-bit programs).";
-    if (place.size() > kLongestPlace) return L"The place is too long.";
+    if (place.empty()) return Text(L"A place is missing, such as RBP-4 or [RBP+16] (EBP in 32-bit programs).");
+    if (place.size() > kLongestPlace) return Text(L"The place is too long.");
     const MemoryReader anything = [](std::uint64_t, void*, std::size_t) { return true; };
     std::wstring problem;
     for (const bool wide : {true, false}) {
@@ -264,7 +266,7 @@ std::wstring PlaceProblem(std::string_view place, std::optional<bool> x64) {
         if (tried.value) return {};
         if (problem.empty()) problem = tried.problem;
     }
-    return L"Not a place: " + problem;
+    return TextWith(L"Not a place: {1}", {problem});
 }
 
 std::optional<WatchKind> WatchKindNamed(std::string_view text) { return KindOfWord(kKindWords, TrimmedBlanks(text)); }
@@ -288,7 +290,7 @@ bool IsNamedDefinition(std::string_view text) {
 NamedInput NamedPlaceOf(std::string_view text, WatchKind kind, std::optional<bool> x64) {
     const std::size_t equals = text.find('=');
     if (equals == std::string_view::npos)
-        return {.named = {}, .field = NamedField::Place, .problem = L"A place is missing: i = RBP-4, LONG"};
+        return {.named = {}, .field = NamedField::Place, .problem = Text(L"A place is missing: i = RBP-4, LONG")};
     const std::size_t comma = text.find(',', equals);
     const std::string_view place =
         text.substr(equals + 1, comma == std::string_view::npos ? comma : comma - equals - 1);
@@ -308,7 +310,7 @@ NamedInput NamedPlaceOf(std::string_view text, WatchKind kind, std::optional<boo
     if (const auto named = WatchKindNamed(word))
         input.named.kind = *named;
     else
-        refuse(NamedField::Kind, Quoted(word) + L" is no type: LONG, QUAD, DOUBLE, STRING, ASCIIZ, ...");
+        refuse(NamedField::Kind, TextWith(L"{1} is no type: LONG, QUAD, DOUBLE, STRING, ASCIIZ, ...", {Quoted(word)}));
     return input;
 }
 

@@ -3,6 +3,7 @@
 
 #include "base/hex_text.h"
 #include "base/scan_text.h"
+#include "base/texts.h"
 
 #include <iterator>
 
@@ -93,7 +94,7 @@ std::optional<std::uint64_t> RegisterByName(const RegisterSet& registers, std::s
 }
 
 std::wstring FormatRegisters(const RegisterSet& registers) {
-    if (!registers.x64) return L"x86 registers not available on x64 host";
+    if (!registers.x64) return Text(L"x86 registers not available on x64 host");
     std::wstring text;
     for (std::size_t i = 0; i < std::size(kNames64); ++i) {
         const std::wstring name = kNames64[i];

@@ -2,6 +2,7 @@
 #include "debugger/stack_walk.h"
 
 #include "base/hex_text.h"
+#include "base/texts.h"
 
 #include <algorithm>
 #include <array>
@@ -96,13 +97,13 @@ std::vector<FrameLink> WalkFrames(const RegisterSet& registers, const MemoryRead
 }
 
 std::wstring CallStackText(const SdbgMap& map, std::uint64_t rbp, std::uint64_t rip, const MemoryReader& read) {
-    std::wstring text = L"Call Stack:\r\n";
+    std::wstring text = Text(L"Call Stack:\r\n");
     FrameLink frame = {.address = rip, .framePointer = rbp};
     for (std::size_t i = 0; i < kMostFrames; ++i) {
         const auto rva = static_cast<std::uint32_t>(frame.address - static_cast<std::uint32_t>(map.imageBase));
         const std::uint32_t line = SdbgRvaToLine(&map, rva);
         text += L"  #" + std::to_wstring(i) + L"  0x" + HexText(frame.address, 1);
-        text += line != 0 ? L"  line " + std::to_wstring(line) + L"\r\n" : L"  (no source info)\r\n";
+        text += line != 0 ? TextWith(L"  line {1}\r\n", {std::to_wstring(line)}) : Text(L"  (no source info)\r\n");
         if (i == 0) continue;
         const std::optional<FrameLink> caller = CallerOf(frame.framePointer, sizeof(std::uint64_t), read);
         if (!caller) break;

@@ -1,6 +1,8 @@
 // What events mean. Must not know a process.
 #include "debugger/stop_rules.h"
 
+#include "base/texts.h"
+
 namespace {
 
 constexpr std::uint32_t kBreakpoint = 0x80000003, kWow64Breakpoint = 0x4000001F;
@@ -126,9 +128,10 @@ std::uint32_t StartWaitMs(DebugAwaits awaits) { return awaits == DebugAwaits::Fi
 
 std::wstring StartText(DebugAwaits awaits, int event, std::int32_t line) {
     if (event == kDebugNoSession) return L"";
-    if (event == kDebugStopped && line > 0) return L"[Debug] Reached line " + std::to_wstring(line) + L".\n";
-    if (awaits == DebugAwaits::FirstTrap) return L"[Debug] PowerBASIC debug database contains no usable line map\n";
-    return L"[Debug] Did not reach first source breakpoint (event " + std::to_wstring(event) + L").\n";
+    if (event == kDebugStopped && line > 0) return TextWith(L"[Debug] Reached line {1}.\n", {std::to_wstring(line)});
+    if (awaits == DebugAwaits::FirstTrap)
+        return Text(L"[Debug] PowerBASIC debug database contains no usable line map\n");
+    return TextWith(L"[Debug] Did not reach first source breakpoint (event {1}).\n", {std::to_wstring(event)});
 }
 
 ReportFate TakeReport(DebugReports* reports, const DebugReport& report) {

@@ -2,6 +2,7 @@
 #include "debugger/watch_value.h"
 
 #include "base/hex_text.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "files/text_encoding.h"
 
@@ -32,7 +33,7 @@ std::wstring QuotedText(std::uint64_t address, const ProgramMemory& memory) {
     if (count == 0) return kUnreadableWatch;
     const auto* const end = std::find(bytes.begin(), bytes.begin() + count, '\0');
     const auto length = static_cast<std::size_t>(end - bytes.begin());
-    if (!IsValidUtf8Bytes(bytes.data(), length)) return L"\"<encoding error>\"";
+    if (!IsValidUtf8Bytes(bytes.data(), length)) return Text(L"\"<encoding error>\"");
     return L"\"" + Utf8ToWideText({bytes.data(), length}) + L"\"";
 }
 
@@ -59,8 +60,8 @@ const wchar_t* WatchKindName(WatchKind kind) {
         case WatchKind::Dword: return L"DWORD";
         case WatchKind::Integer: return L"INTEGER";
         case WatchKind::Single: return L"SINGLE";
-        case WatchKind::WideText: return L"Wide text";
-        case WatchKind::Value: return L"Value";
+        case WatchKind::WideText: return Text(L"Wide text");
+        case WatchKind::Value: return Text(L"Value");
         case WatchKind::TextPointer: return L"STRING";
     }
     return L"";
@@ -76,7 +77,7 @@ std::optional<std::uint64_t> AddressOfText(std::uint64_t address, const ProgramM
 }
 
 std::wstring WatchValueText(int kind, std::uint64_t address, const ProgramMemory& memory, const DoubleWriter& write) {
-    if (kind < 0 || kind >= kWatchKinds) return L"<unknown kind>";
+    if (kind < 0 || kind >= kWatchKinds) return Text(L"<unknown kind>");
     switch (static_cast<WatchKind>(kind)) {
         case WatchKind::Long: return WholeNumberText<std::int32_t, std::uint32_t>(address, memory);
         case WatchKind::Quad: return WholeNumberText<std::int64_t, std::uint64_t>(address, memory);

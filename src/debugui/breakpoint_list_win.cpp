@@ -3,6 +3,7 @@
 #include "debugui/breakpoint_list.h"
 
 #include "base/path.h"
+#include "base/texts.h"
 #include "debugger/at_address.h"
 #include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
@@ -75,8 +76,9 @@ void SayNoticesOfConditions() {
         const SourceScope scope = ScopeOfLine(fileId, static_cast<std::uint32_t>(breakpoint.line));
         const std::wstring notice = ConditionNotice(breakpoint.condition, NamesOfProcedure(scope.file, scope.Name()));
         if (notice.empty()) continue;
-        DebugSay(kDebugOrange, L"[Debug] %s:%d only if %s: %s\n", std::wstring(FileNameOf(breakpoint.path)).c_str(),
-                 breakpoint.line, Utf8ToWideText(breakpoint.condition).c_str(), notice.c_str());
+        DebugSay(kDebugOrange, Text(L"[Debug] %s:%d only if %s: %s\n"),
+                 std::wstring(FileNameOf(breakpoint.path)).c_str(), breakpoint.line,
+                 Utf8ToWideText(breakpoint.condition).c_str(), notice.c_str());
     }
 }
 

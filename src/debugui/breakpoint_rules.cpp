@@ -2,6 +2,7 @@
 #include "debugui/breakpoint_rules.h"
 
 #include "base/scan_text.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "debugger/expressions.h"
 #include "debugger/registers.h"
@@ -26,15 +27,15 @@ std::wstring NoticeOfNames(std::string_view condition, std::span<const NamedPlac
         problem = NamedConditionHolds(condition, {.names = names, .registers = ones, .memory = zeros}).problem;
         if (problem.empty()) return {};
     }
-    return L"It stops always: " + problem + L".";
+    return TextWith(L"It stops always: {1}.", {problem});
 }
 
 }  // namespace
 
 std::wstring ConditionProblem(std::string_view condition) {
     if (condition.size() <= kLongestCondition) return L"";
-    return L"Too long: " + std::to_wstring(condition.size()) + L" bytes as UTF-8, at most " +
-           std::to_wstring(kLongestCondition) + L" are possible.";
+    return TextWith(L"Too long: {1} bytes as UTF-8, at most {2} are possible.",
+                    {std::to_wstring(condition.size()), std::to_wstring(kLongestCondition)});
 }
 
 std::wstring StopFromProblem(std::string_view text, std::uint32_t* count) {
@@ -44,7 +45,7 @@ std::wstring StopFromProblem(std::string_view text, std::uint32_t* count) {
     *count = 0;
     if (text.empty()) return L"";
     const std::optional<std::uint64_t> number = TakeNumber(&text, 10);
-    if (!number || !text.empty() || *number > kMost) return L"A number is wanted: it stops from that hit on.";
+    if (!number || !text.empty() || *number > kMost) return Text(L"A number is wanted: it stops from that hit on.");
     *count = static_cast<std::uint32_t>(*number);
     return L"";
 }
@@ -53,7 +54,7 @@ std::wstring ConditionNotice(std::string_view condition, std::span<const NamedPl
     if (condition.empty()) return L"";
     if (MentionsName(condition, names)) return NoticeOfNames(condition, names);
     const Condition parsed = ParseCondition(condition);
-    if (parsed.op == Condition::Operator::None) return L"There is no comparison in it: it always stops.";
+    if (parsed.op == Condition::Operator::None) return Text(L"There is no comparison in it: it always stops.");
     // With all registers set to 1, a side that is not a number and evaluates to 0 names no register.
     RegisterSet ones;
     ones.general.fill(1);
@@ -63,11 +64,12 @@ std::wstring ConditionNotice(std::string_view condition, std::span<const NamedPl
         if (EvaluateExpression(ones, side) != 0) continue;
         const std::string_view bare = side.substr(0, side.find_last_not_of(" \t") + 1);
         if (bare.size() != side.size() && EvaluateExpression(ones, bare) != 0)
-            return L"A blank before the comparison makes the register count as 0.";
+            return Text(L"A blank before the comparison makes the register count as 0.");
         const bool couldBeVariable = PlaceNameProblem(bare).empty();
         if (couldBeVariable && !RegisterByName({.x64 = true}, bare))
-            return Utf8ToWideText(bare) + L" has no place here and counts as 0. Name it: Debug > Name a Place.";
-        return L"A side that is no number and no 64-bit register counts as 0.";
+            return TextWith(L"{1} has no place here and counts as 0. Name it: Debug > Name a Place.",
+                            {Utf8ToWideText(bare)});
+        return Text(L"A side that is no number and no 64-bit register counts as 0.");
     }
     return L"";
 }

@@ -2,6 +2,7 @@
 #include "debugui/breakpoints.h"
 
 #include "base/path.h"
+#include "base/texts.h"
 
 #include <algorithm>
 #include <utility>
@@ -44,29 +45,29 @@ void PlantBreakpoint(UserBreakpoints* list, UserBreakpoint* breakpoint, const Br
     const CodePlace place = target.find(breakpoint->path, breakpoint->line);
     if (place.untold) {
         Refuse(breakpoint, BreakpointStatus::NoCode,
-               L"KeldorBasic tells the debugger the lines of PBMAIN only: never stops here.");
+               Text(L"KeldorBasic tells the debugger the lines of PBMAIN only: never stops here."));
         return;
     }
     if (place.fileId == 0) {
-        Refuse(breakpoint, BreakpointStatus::NoCode, L"This file is not part of the program.");
+        Refuse(breakpoint, BreakpointStatus::NoCode, Text(L"This file is not part of the program."));
         return;
     }
     if (place.address == 0) {
-        Refuse(breakpoint, BreakpointStatus::NoCode, L"No code on this line: never stops here.");
+        Refuse(breakpoint, BreakpointStatus::NoCode, Text(L"No code on this line: never stops here."));
         return;
     }
     if (const UserBreakpoint* owner = BreakpointAtAddress(list, place.address); owner != nullptr) {
         Refuse(breakpoint, BreakpointStatus::Refused,
-               L"Has the same code as line " + std::to_wstring(owner->line) + L", which stops there.");
+               TextWith(L"Has the same code as line {1}, which stops there.", {std::to_wstring(owner->line)}));
         breakpoint->shares = owner->address;
         return;
     }
     switch (target.plant(place.fileId, breakpoint->line)) {
         case PlantResult::TableFull:
-            Refuse(breakpoint, BreakpointStatus::Refused, L"Not set: the program has 64 breakpoints already.");
+            Refuse(breakpoint, BreakpointStatus::Refused, Text(L"Not set: the program has 64 breakpoints already."));
             return;
         case PlantResult::NotWritable:
-            Refuse(breakpoint, BreakpointStatus::Refused, L"Not set: the program's memory could not be written.");
+            Refuse(breakpoint, BreakpointStatus::Refused, Text(L"Not set: the program's memory could not be written."));
             return;
         case PlantResult::Planted: break;
     }
@@ -223,19 +224,22 @@ BreakpointLook LookOfBreakpoint(const UserBreakpoint& breakpoint) {
 }
 
 std::wstring BreakpointTipText(const UserBreakpoint& breakpoint, const std::wstring& condition) {
-    if (!breakpoint.enabled) return L"Switched off (Debug > Enable or Disable Breakpoint).";
+    if (!breakpoint.enabled) return Text(L"Switched off (Debug > Enable or Disable Breakpoint).");
     if (!breakpoint.reason.empty()) return breakpoint.reason;
-    std::wstring tip = condition.empty() ? L"" : L"Stops if " + condition + L".";
+    std::wstring tip = condition.empty() ? L"" : TextWith(L"Stops if {1}.", {condition});
     if (breakpoint.stopFrom > 1)
-        tip += (tip.empty() ? L"Stops from hit " : L" From hit ") + std::to_wstring(breakpoint.stopFrom) + L" on.";
+        tip += TextWith(tip.empty() ? L"Stops from hit {1} on." : L" From hit {1} on.",
+                        {std::to_wstring(breakpoint.stopFrom)});
     if (breakpoint.address == 0) return tip;
     if (!tip.empty()) tip += L" ";
-    return tip + (breakpoint.hits == 1 ? L"Hit once." : L"Hit " + std::to_wstring(breakpoint.hits) + L" times.");
+    return tip + (breakpoint.hits == 1 ? Text(L"Hit once.")
+                                       : TextWith(L"Hit {1} times.", {std::to_wstring(breakpoint.hits)}));
 }
 
 std::wstring FoldedTipText(std::span<const int> lines) {
     std::wstring text;
     for (const int line : lines) text += (text.empty() ? L"" : L", ") + std::to_wstring(line + 1);
     if (text.empty()) return text;
-    return (lines.size() > 1 ? L"Breakpoints on the folded lines " : L"Breakpoint on the folded line ") + text + L".";
+    return TextWith(lines.size() > 1 ? L"Breakpoints on the folded lines {1}." : L"Breakpoint on the folded line {1}.",
+                    {text});
 }

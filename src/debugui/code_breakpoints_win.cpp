@@ -1,6 +1,7 @@
 // Breakpoints of single instructions. UI thread only.
 #include "debugui/code_breakpoints.h"
 
+#include "base/texts.h"
 #include "debugger/at_address.h"
 #include "debugger/debug_state.h"
 #include "debugui/breakpoint_list.h"
@@ -31,8 +32,9 @@ void CodeBreakpointToggle(std::uint64_t address) {
     } else if (DebugSetBreakpointAt(&g_debugger, address)) {
         g_addresses.push_back(address);
     } else {
-        DebugSay(kDebugOrange, L"[Debug] No breakpoint at 0x%llX: %s.\n", static_cast<unsigned long long>(address),
-                 g_debugger.breakpointCount >= kMaxBreakpoints ? L"all 64 are in use" : L"there is no code");
+        DebugSay(
+            kDebugOrange, Text(L"[Debug] No breakpoint at 0x%llX: %s.\n"), static_cast<unsigned long long>(address),
+            g_debugger.breakpointCount >= kMaxBreakpoints ? Text(L"all 64 are in use") : Text(L"there is no code"));
     }
     DebugPaneInvalidate();
 }

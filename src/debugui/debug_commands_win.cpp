@@ -3,6 +3,7 @@
 
 #include "base/events.h"
 #include "base/handles.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "compile/build.h"
 #include "compile/build_runner.h"
@@ -58,27 +59,28 @@ void RunToCursor() {
     const DocumentTab& document = TabAt(g_documents.activeTab);
     const std::uint32_t fileId = DebugFileIdOfPath(&g_debugger, document.path);
     if (fileId == 0) {
-        DebugSay(kDebugOrange, L"[Debug] %s is not part of the program.\n", document.label);
+        DebugSay(kDebugOrange, Text(L"[Debug] %s is not part of the program.\n"), document.label);
         DebugRunShowUnseen();
         return;
     }
     const int line = CaretLineFromOne();
     const bool resumed = DebugRunToCaret(fileId, line);
     if (!resumed && IsBreakpointTableFull())
-        DebugSay(kDebugOrange, L"[Debug] All 64 breakpoints are in use: the way to line %d needs one more.\n", line);
+        DebugSay(kDebugOrange, Text(L"[Debug] All 64 breakpoints are in use: the way to line %d needs one more.\n"),
+                 line);
     else if (!resumed && !SdbgCoversLine(&g_debugger.map, line))
         DebugSay(kDebugOrange,
-                 L"[Debug] KeldorBasic tells the debugger the lines of PBMAIN only; line %d is outside.\n", line);
+                 Text(L"[Debug] KeldorBasic tells the debugger the lines of PBMAIN only; line %d is outside.\n"), line);
     else if (!resumed)
-        DebugSay(kDebugOrange, L"[Debug] No code on line %d.\n", line);
-    DebugFollowResumed(resumed, L" (run to cursor)");
+        DebugSay(kDebugOrange, Text(L"[Debug] No code on line %d.\n"), line);
+    DebugFollowResumed(resumed, Text(L" (run to cursor)"));
 }
 
 void PauseProgram() {
     if (DebugBreakIn(&g_debugger))
         DebugRunPaused();
     else
-        DebugSay(kDebugOrange, L"[Debug] The program cannot be paused.\n");
+        DebugSay(kDebugOrange, Text(L"[Debug] The program cannot be paused.\n"));
 }
 
 // Writes a heading and a heap text of debug_inspect.h to the output pane, and frees the text.
@@ -94,7 +96,7 @@ void SayText(const wchar_t* heading, wchar_t* heapText) {
 void SayInstruction() {
     const HeapBlock<wchar_t> text(DebugDisassembleAt(&g_debugger, g_debugger.currentAddress));
     if (!text) return;
-    DebugSay(0, L"=== Disassembly ===\n");
+    DebugSay(0, Text(L"=== Disassembly ===\n"));
     DebugSay(0, L"0x%I64X: %s\n", g_debugger.currentAddress, text.get());
 }
 
@@ -119,7 +121,7 @@ void ToggleBreakpoint() {
 void SwitchBreakpoint() {
     const int index = BreakpointAt(ActiveDocumentId(), CaretLineFromOne(), false);
     if (index < 0) {
-        g_events.documentStatus(ActiveDocumentId(), L"No breakpoint on this line (F9 sets one)");
+        g_events.documentStatus(ActiveDocumentId(), Text(L"No breakpoint on this line (F9 sets one)"));
         return;
     }
     BreakpointEnable(static_cast<std::size_t>(index), !BreakpointList()[static_cast<std::size_t>(index)].enabled);
@@ -156,11 +158,13 @@ constexpr CommandHandler kDebugHandlers[] = {
     {IDM_DEBUG_ENABLE_BREAKPOINT, [](int) { SwitchBreakpoint(); }},
     {IDM_DEBUG_REMOVE_BREAKPOINTS, [](int) { BreakpointRemoveAll(); }},
     {IDM_DEBUG_EXCEPTIONS, [](int) { AskExceptionRules(g_ui.hMainWnd); }},
-    {IDM_DEBUG_REGISTERS, [](int) { SayText(L"=== Registers ===\n", DebugFormatRegisters(&g_debugger)); }},
+    {IDM_DEBUG_REGISTERS, [](int) { SayText(Text(L"=== Registers ===\n"), DebugFormatRegisters(&g_debugger)); }},
     {IDM_DEBUG_CALL_STACK, [](int) { SayText(L"", DebugWalkStack(&g_debugger)); }},
     {IDM_DEBUG_DISASSEMBLY, [](int) { SayInstruction(); }},
     {IDM_DEBUG_MEMORY,
-     [](int) { SayText(L"=== Memory Dump ===\n", DebugHexDump(&g_debugger, g_debugger.currentAddress, kDumpBytes)); }},
+     [](int) {
+         SayText(Text(L"=== Memory Dump ===\n"), DebugHexDump(&g_debugger, g_debugger.currentAddress, kDumpBytes));
+     }},
 };
 
 }  // namespace

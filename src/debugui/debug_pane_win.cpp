@@ -3,6 +3,7 @@
 #include "debugui/debug_pane.h"
 
 #include "base/log.h"
+#include "base/texts.h"
 #include "debugui/pane_internal.h"
 #include "documents/document_row.h"
 #include "resources/ids.h"
@@ -24,8 +25,8 @@
 namespace {
 
 constexpr wchar_t kClass[] = L"KVXEDebugPane";
-constexpr wchar_t kNoSession[] = L"Start debugging with Debug > Start Debugging to see the program here.";
-constexpr wchar_t kRunning[] = L"Running...";
+constexpr const wchar_t* kNoSession = English(L"Start debugging with Debug > Start Debugging to see the program here.");
+constexpr const wchar_t* kRunning = English(L"Running...");
 constexpr UINT_PTR kRefreshTimer = 1;
 constexpr int kAddressHeight = 30;  // at 96 dpi
 
@@ -105,7 +106,7 @@ void FillPaneContent(PaneContent& content) {
     content.stale = shows == PaneShows::Stale;
     if (shows == PaneShows::NoSession || shows == PaneShows::Running) {
         content = {};
-        content.hint = shows == PaneShows::Running ? kRunning : kNoSession;
+        content.hint = Text(shows == PaneShows::Running ? kRunning : kNoSession);
     } else if (shows == PaneShows::Now) {
         content.processId = program.processId;
         content.rows.clear();
@@ -140,7 +141,7 @@ void DrawAddressRow(HDC dc, const RECT& row) {
     constexpr UINT kLine = DT_SINGLELINE | DT_VCENTER;
     const RECT box = AddressBox();
     FillArea(dc, {row.left, row.bottom - 1, row.right, row.bottom}, chrome.line);
-    DrawPaneText(dc, L"Address", {UiScaled(8), row.top, box.left, row.bottom}, chrome.tabText, kLine);
+    DrawPaneText(dc, Text(L"Address"), {UiScaled(8), row.top, box.left, row.bottom}, chrome.tabText, kLine);
     DrawPaneText(dc, ShownContent().problem, {box.right + UiScaled(8), row.top, row.right - UiScaled(4), row.bottom},
                  chrome.error, kLine | DT_END_ELLIPSIS);
 }
@@ -178,7 +179,7 @@ void SelectView(DebugTab tab) {
         SettingsChange([tab](Settings& settings) { settings.debugView = static_cast<int>(tab); });
     TabRowSelect(g_frame.tabs, static_cast<int>(tab));
     SetWindowTextW(g_frame.address, g_frame.addresses[static_cast<std::size_t>(tab)].c_str());
-    SendMessageW(g_frame.address, EM_SETCUEBANNER, FALSE, reinterpret_cast<LPARAM>(PaneCurrentView().addressCue));
+    SendMessageW(g_frame.address, EM_SETCUEBANNER, FALSE, reinterpret_cast<LPARAM>(Text(PaneCurrentView().addressCue)));
     InvalidateRect(g_frame.address, nullptr, TRUE);  // Wine does not erase the old cue
     if (ShowsList()) ListViewShow(g_frame.list, *PaneCurrentView().list);
     if (IsPaneVisible())
@@ -243,7 +244,7 @@ LRESULT CALLBACK DebugPaneProc(HWND window, UINT message, WPARAM wParam, LPARAM 
 std::span<const wchar_t* const> ViewTitles() {
     static const std::array<const wchar_t*, kDebugTabCount> titles = [] {
         std::array<const wchar_t*, kDebugTabCount> all = {};
-        std::ranges::transform(kViews, all.begin(), &PaneView::title);
+        std::ranges::transform(kViews, all.begin(), [](const PaneView* view) { return Text(view->title); });
         return all;
     }();
     return titles;
@@ -257,9 +258,9 @@ bool CreatePaneChildren() {
     if (!ListViewCreate(g_frame.list, g_frame.pane, IDC_DEBUG_LIST)) return false;
     g_frame.memory = PaneMemoryCreate(g_frame.pane);
     g_frame.address = PaneAddressCreate(g_frame.pane);
-    AccessibleNameSet(g_frame.list.window, L"Debug View");
-    AccessibleNameSet(g_frame.memory, L"Memory");
-    AccessibleNameSet(g_frame.address, L"Address");
+    AccessibleNameSet(g_frame.list.window, Text(L"Debug View"));
+    AccessibleNameSet(g_frame.memory, Text(L"Memory"));
+    AccessibleNameSet(g_frame.address, Text(L"Address"));
     return g_frame.memory != nullptr && g_frame.address != nullptr &&
            TabRowCreate(g_frame.tabs, g_frame.pane, IDC_DEBUG_TABS, IDC_DEBUG_MORE);
 }

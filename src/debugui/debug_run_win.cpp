@@ -4,6 +4,7 @@
 
 #include "base/events.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "compile/build_source.h"
 #include "compile/compile_state.h"
@@ -35,7 +36,7 @@ constexpr DWORD kWaitInPlaceMs = 200;   // that a command waits for its stop
 constexpr UINT kTimerIntervalMs = 15;   // between two looks at a running program
 constexpr ULONGLONG kLookLimitMs = 10;  // that one look may take, however many events come
 constexpr UINT kAliveMs = 500;          // between two looks whether a stopped program is still there
-constexpr wchar_t kStarting[] = L"Starting the program...";
+constexpr const wchar_t* kStarting = English(L"Starting the program...");
 
 DebugFlow g_flow;
 
@@ -88,7 +89,7 @@ void EndSession(const std::wstring& status) {
     g_events.debuggerChanged();
 }
 
-std::wstring ExitStatus() { return FormatW(L"Exited with code %ld", static_cast<long>(g_debugger.exitCode)); }
+std::wstring ExitStatus() { return FormatW(Text(L"Exited with code %ld"), static_cast<long>(g_debugger.exitCode)); }
 
 // --- Windows of the program
 
@@ -143,7 +144,7 @@ bool AnotherStepWaits() {
 void ShowStopAround() {
     g_flow.unseen = false;
     ComeToFront();
-    SetStatus(L"Stopped at " + DebugPlaceText(&g_debugger));
+    SetStatus(TextWith(L"Stopped at {1}", {DebugPlaceText(&g_debugger)}));
     WarnOfStaleStop();
     g_events.debuggerChanged();
     g_events.refreshWanted();
@@ -171,9 +172,10 @@ void OnStopped() {
 
 void SayOtherSteps(bool ended) {
     if (FlowTakeStepHint(&g_flow, ended, GetTickCount64()))
-        DebugSay(kDebugOrange,
-                 L"[Debug] The step goes to the next line by address, which the program may never reach. To go where "
-                 L"the program goes: Debug > Steps Follow the Program.\n");
+        DebugSay(
+            kDebugOrange,
+            Text(L"[Debug] The step goes to the next line by address, which the program may never reach. To go where "
+                 L"the program goes: Debug > Steps Follow the Program.\n"));
 }
 
 // True when the wait had a result; false when the program runs on.
@@ -181,11 +183,11 @@ bool HandleWait(int result) {
     switch (result) {
         case kDebugStopped: OnStopped(); return true;
         case kDebugExited:
-            DebugSay(g_debugger.exitCode == 0 ? 0 : kDebugRed, L"[Debug] Process exited.\n");
+            DebugSay(g_debugger.exitCode == 0 ? 0 : kDebugRed, Text(L"[Debug] Process exited.\n"));
             SayOtherSteps(true);
             EndSession(ExitStatus());
             return true;
-        case kDebugNoSession: EndSession(L"Debugging has ended"); return true;
+        case kDebugNoSession: EndSession(Text(L"Debugging has ended")); return true;
         default: return false;
     }
 }
@@ -193,7 +195,7 @@ bool HandleWait(int result) {
 void BeginFollowing() {
     g_flow.following = true;
     DebugClearLocation();
-    SetStatus(AwaitsFirstLine() ? kStarting : L"Running");
+    SetStatus(AwaitsFirstLine() ? Text(kStarting) : Text(L"Running"));
     SetTimer(g_ui.hMainWnd, TIMER_DEBUG, kTimerIntervalMs, nullptr);
     g_events.debuggerChanged();
     g_events.refreshWanted();
@@ -233,20 +235,20 @@ void DebugRunStart() {
     FlowStart(&g_flow, GetTickCount64());
     PublishSession(true);
     ShowDebugged(program.source);
-    SetStatus(kStarting);
+    SetStatus(Text(kStarting));
     StartProgram(program);
     if (g_flow.stopWanted) {
         StopAfterStart();
         return;
     }
     if (g_debugger.active == 0) {
-        EndSession(g_debugger.exited != 0 ? ExitStatus() : L"Debugging did not start");
+        EndSession(g_debugger.exited != 0 ? ExitStatus() : Text(L"Debugging did not start"));
         return;
     }
     if (FlowOpensPane(&g_flow, PaneIsShown(PaneId::Debug))) PaneShow(PaneId::Debug, true);
     WarnOfStaleSources(program);
     SetTimer(g_ui.hMainWnd, TIMER_DEBUG_ALIVE, kAliveMs, nullptr);
-    FlowResume(&g_flow, L" (start)", GetTickCount64());
+    FlowResume(&g_flow, Text(L" (start)"), GetTickCount64());
     if (g_debugger.run == DebugRun::Stopped) {
         OnStopped();
         WatchForConsole();
@@ -274,7 +276,7 @@ void DebugRunShowAgain(const wchar_t* suffix) {
     ShowStopAround();
 }
 
-void DebugRunPaused() { g_flow.suffix = L" (paused)"; }
+void DebugRunPaused() { g_flow.suffix = Text(L" (paused)"); }
 
 void DebugRunStop() {
     StopTimers();
@@ -283,13 +285,13 @@ void DebugRunStop() {
         const DebugWaitScope scope(&g_flow, nullptr);
         DebugStop(&g_debugger);
     }
-    EndSession(L"Debugging stopped");
+    EndSession(Text(L"Debugging stopped"));
 }
 
 // A program that has stopped tells of its end only when it goes on.
 bool DebugRunEndOutside() {
     if (WaitForSingleObject(g_debugger.process, 0) != WAIT_OBJECT_0) return false;
-    DebugSay(kDebugRed, L"[Debug] The program has been ended from outside.\n");
+    DebugSay(kDebugRed, Text(L"[Debug] The program has been ended from outside.\n"));
     DebugRunStop();
     return true;
 }
@@ -319,7 +321,7 @@ void DebugOnTimer() {
     if (!AwaitsFirstLine()) FlowStartGivenUp(&g_flow);
     SayOtherSteps(false);
     if (FlowTakeLongRun(&g_flow, starting, GetTickCount64()))
-        DebugSay(0, L"[Debug] No stop within 30 seconds; the program is still running.\n");
+        DebugSay(0, Text(L"[Debug] No stop within 30 seconds; the program is still running.\n"));
 }
 
 void DebugOnConsoleTimer() {

@@ -2,6 +2,7 @@
 #include "debugui/exception_rows.h"
 
 #include "base/hex_text.h"
+#include "base/texts.h"
 
 #include <algorithm>
 
@@ -24,10 +25,10 @@ std::wstring ExceptionSettingOf(const ExceptionRows& rows) {
 
 std::wstring ExceptionRowText(const ExceptionRule& row) {
     const bool others = row.code == kOtherExceptions;
-    std::wstring text = others ? L"All others" : L"0x" + HexText(row.code, kExceptionCodeDigits);
+    std::wstring text = others ? Text(L"All others") : L"0x" + HexText(row.code, kExceptionCodeDigits);
     text += others ? L"\t" : std::wstring(L"\t") + ExceptionName(row.code);
-    text += row.action.pass ? L"\tpassed" : L"\t";
-    return text + (row.action.stop ? L"\tstops" : L"\t");
+    text += std::wstring(L"\t") + (row.action.pass ? Text(L"passed") : L"");
+    return text + L"\t" + (row.action.stop ? Text(L"stops") : L"");
 }
 
 std::optional<std::uint32_t> ExceptionCodeTyped(std::wstring_view text) {

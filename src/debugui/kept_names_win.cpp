@@ -5,6 +5,7 @@
 #include "base/log.h"
 #include "base/path.h"
 #include "base/system_error.h"
+#include "base/texts.h"
 #include "debugger/debug_state.h"
 #include "debugui/location.h"
 #include "documents/document_row.h"
@@ -143,11 +144,13 @@ std::wstring KeepNames(const std::wstring& file, const std::string& procedure, N
     SetPlaceNames(&g_kept.all, {.file = file, .procedure = procedure, .names = std::move(names)});
     ++g_kept.serial;
     if (!g_kept.mayWrite)
-        return NamesPath() + L" cannot be read, and therefore is not written: the names hold until the program ends.";
+        return TextWith(L"{1} cannot be read, and therefore is not written: the names hold until the program ends.",
+                        {NamesPath()});
     if (WriteNames()) return {};
     const DWORD error = GetLastError();
     AppLogMsg(L"FAIL: KeepNames %s error=%lu", NamesPath().c_str(), error);
-    return NamesPath() + L" cannot be written: the names hold until the program ends. " + SystemErrorText(error);
+    return TextWith(L"{1} cannot be written: the names hold until the program ends. {2}",
+                    {NamesPath(), SystemErrorText(error)});
 }
 
 void NamesReadAgain() {

@@ -3,6 +3,7 @@
 
 #include "base/handles.h"
 #include "base/log.h"
+#include "base/texts.h"
 #include "debugui/console_text.h"
 #include "program/debug_say.h"
 
@@ -44,5 +45,5 @@ void SayLastOutput(DebuggerState* state) {
     screen.Reset();
     FreeConsole();
     const std::wstring text = ConsoleText(rows);
-    if (!text.empty()) DebugSay(0, L"[Debug] The program's last output:\n%s", text.c_str());
+    if (!text.empty()) DebugSay(0, Text(L"[Debug] The program's last output:\n%s"), text.c_str());
 }

@@ -3,6 +3,7 @@
 #include "debugui/location.h"
 
 #include "base/path.h"
+#include "base/texts.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
@@ -91,9 +92,10 @@ bool ShowSourceFile(const std::wstring& path, bool ofStop) {
         return true;
     }
     if (!PathAnswers(path.c_str()))
-        return RefuseFile(path, ofStop, L"[Debug] The place of the file does not answer: %s\n");
-    if (!FileExists(path.c_str())) return RefuseFile(path, ofStop, L"[Debug] The file is not there: %s\n");
-    return FileShow(path.c_str(), true) != 0 || RefuseFile(path, ofStop, L"[Debug] The file cannot be opened: %s\n");
+        return RefuseFile(path, ofStop, Text(L"[Debug] The place of the file does not answer: %s\n"));
+    if (!FileExists(path.c_str())) return RefuseFile(path, ofStop, Text(L"[Debug] The file is not there: %s\n"));
+    return FileShow(path.c_str(), true) != 0 ||
+           RefuseFile(path, ofStop, Text(L"[Debug] The file cannot be opened: %s\n"));
 }
 
 }  // namespace
@@ -121,7 +123,7 @@ std::wstring DebugPlaceText(const DebuggerState* state) {
 }
 
 void DebugSayLocation(const DebuggerState* state, const wchar_t* suffix) {
-    DebugSay(0, L"[Debug] Stopped at %s%s\n", DebugPlaceText(state).c_str(), suffix != nullptr ? suffix : L"");
+    DebugSay(0, Text(L"[Debug] Stopped at %s%s\n"), DebugPlaceText(state).c_str(), suffix != nullptr ? suffix : L"");
 }
 
 void DebugMarkLocation(const DebuggerState* state) {

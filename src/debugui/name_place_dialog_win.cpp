@@ -6,6 +6,7 @@
 #include "base/handles.h"
 #include "base/log.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_state.h"
@@ -61,7 +62,7 @@ std::wstring ValueNow(const NamedInput& input, const NameQuestion& question) {
     const Evaluation address = AddressOfName(input.named, frame->Names());
     if (!address.value) return address.problem;
     const HeapBlock<wchar_t> text(DebugWatchValue(&g_debugger, *address.value, static_cast<int>(input.named.kind)));
-    return text ? std::wstring(L"Now: ") + text.get() : L"";
+    return text ? std::wstring(Text(L"Now: ")) + text.get() : L"";
 }
 
 // An empty field is no fault before OK is pressed.
@@ -75,7 +76,7 @@ void ShowState(HWND dialog, bool accepts) {
 
 void FillNameDialog(HWND dialog, const NameQuestion& question) {
     const std::wstring where =
-        question.procedure.empty() ? L"Outside procedures, " : Utf8ToWideText(question.procedure) + L", ";
+        question.procedure.empty() ? Text(L"Outside procedures, ") : Utf8ToWideText(question.procedure) + L", ";
     SetDlgItemTextW(dialog, IDC_NAME_PLACE_WHERE, (where + std::wstring(FileNameOf(question.file))).c_str());
     const HWND kinds = GetDlgItem(dialog, IDC_NAME_PLACE_KIND);
     for (int i = 0; i < kWatchKinds; ++i)
@@ -120,7 +121,7 @@ void RemoveName(HWND dialog) {
     if (const NamedPlace* old = FindNamedPlace(names, question.before); old != nullptr)
         names.erase(names.begin() + (old - names.data()));
     KeepOfQuestion(question, std::move(names));
-    g_events.statusText((Utf8ToWideText(question.before) + L" has no place any more").c_str());
+    g_events.statusText(TextWith(L"{1} has no place any more", {Utf8ToWideText(question.before)}).c_str());
     EndDialog(dialog, IDOK);
 }
 
@@ -213,7 +214,7 @@ void AskNameOfPlace(HWND owner) {
     const int tab = TabBarFindDocument(ActiveDocumentId());
     if (tab < 0 || TabAt(tab).editor == nullptr) return;
     if (!TabAt(tab).hasFile) {
-        g_events.statusText(L"Save the file first: names are kept by its path");
+        g_events.statusText(Text(L"Save the file first: names are kept by its path"));
         return;
     }
     PaneProgramRead();  // the pane may be hidden: it reads nothing then
@@ -222,7 +223,7 @@ void AskNameOfPlace(HWND owner) {
 
 void AskNameOfPlaceAt(HWND owner, std::uint32_t fileId, std::uint32_t line, const std::string& place) {
     const SourceScope scope = ScopeOfLine(fileId, line);
-    if (scope.file.empty()) return g_events.statusText(L"There is no source here that a name could belong to");
+    if (scope.file.empty()) return g_events.statusText(Text(L"There is no source here that a name could belong to"));
     NameQuestion question = {
         .file = scope.file, .procedure = scope.Name(), .named = {.name = {}, .place = place}, .before = {}};
     for (const NamedPlace& known : NamesOfProcedure(question.file, question.procedure))

@@ -1,6 +1,7 @@
 // The tip over a name that the user has given, in the text of the procedure in which the program stands. UI thread only.
 #include "base/handles.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_state.h"
@@ -51,6 +52,6 @@ std::wstring DebugNameTip(DocumentId id, LRESULT position) {
     const Evaluation address = AddressOfName(*named, names);
     const HeapBlock<wchar_t> value(
         address.value ? DebugWatchValue(&g_debugger, *address.value, static_cast<int>(named->kind)) : nullptr);
-    return Utf8ToWideText(named->name) + L" = " + (value ? value.get() : address.problem) + L"   " +
-           WatchKindName(named->kind) + L" at " + Utf8ToWideText(named->place);
+    return TextWith(L"{1} = {2}   {3} at {4}", {Utf8ToWideText(named->name), (value ? value.get() : address.problem),
+                                                WatchKindName(named->kind), Utf8ToWideText(named->place)});
 }

@@ -1,6 +1,7 @@
 // Where the next statement may be set. Must not know an editor or a process.
 #include "debugui/next_statement.h"
 
+#include "base/texts.h"
 #include "disasm/renderer.h"
 
 #include <algorithm>
@@ -25,15 +26,17 @@ bool HeadingBetween(const LineText& lineText, int a, int b) {
 }  // namespace
 
 std::wstring NextStatementProblem(const NextStatement& wanted, const LineText& lineText) {
-    const std::wstring line = L"[Debug] Line " + std::to_wstring(wanted.to);
-    if (!wanted.hasCode) return L"[Debug] No code on line " + std::to_wstring(wanted.to) + L".\n";
+    const std::wstring line = std::to_wstring(wanted.to);
+    if (!wanted.hasCode) return TextWith(L"[Debug] No code on line {1}.\n", {line});
     // Going on in another procedure would use the stack of this one.
     if (wanted.otherFile || (wanted.from > 0 && HeadingBetween(lineText, wanted.from, wanted.to)))
-        return line + L" is in another procedure; the next statement stays in this one.\n";
+        return TextWith(L"[Debug] Line {1} is in another procedure; the next statement stays in this one.\n", {line});
     if (wanted.standsThere) return {};
     // The code of a heading sets up the frame. Without it the procedure would use, and at its end remove, its caller's.
     if (wanted.frameMissing || IsHeading(lineText, wanted.from))
-        return L"[Debug] The frame of the procedure does not stand here: step to its next statement (F10) first.\n";
-    if (IsHeading(lineText, wanted.to)) return line + L" sets up the frame of the procedure, which stands already.\n";
+        return Text(
+            L"[Debug] The frame of the procedure does not stand here: step to its next statement (F10) first.\n");
+    if (IsHeading(lineText, wanted.to))
+        return TextWith(L"[Debug] Line {1} sets up the frame of the procedure, which stands already.\n", {line});
     return {};
 }

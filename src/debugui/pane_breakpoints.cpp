@@ -4,6 +4,7 @@
 #include "base/bounded_text.h"
 #include "base/hex_text.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 
 #include <utility>
@@ -18,18 +19,19 @@ std::wstring BreakpointPlaceText(const UserBreakpoint& breakpoint) {
 
 std::wstring BreakpointStateText(const UserBreakpoint& breakpoint) {
     switch (breakpoint.status) {
-        case BreakpointStatus::Planted: return L"Active";
-        case BreakpointStatus::NoCode: return breakpoint.reason.empty() ? L"No code on this line" : breakpoint.reason;
-        case BreakpointStatus::Refused: return breakpoint.reason.empty() ? L"Refused" : breakpoint.reason;
-        case BreakpointStatus::Disabled: return L"Disabled";
+        case BreakpointStatus::Planted: return Text(L"Active");
+        case BreakpointStatus::NoCode:
+            return breakpoint.reason.empty() ? Text(L"No code on this line") : breakpoint.reason;
+        case BreakpointStatus::Refused: return breakpoint.reason.empty() ? Text(L"Refused") : breakpoint.reason;
+        case BreakpointStatus::Disabled: return Text(L"Disabled");
         case BreakpointStatus::Idle: break;
     }
-    return breakpoint.enabled ? L"Waits for a program" : L"Disabled";
+    return breakpoint.enabled ? Text(L"Waits for a program") : Text(L"Disabled");
 }
 
 // "3", or "3 of 5" for one that stops from the fifth hit on.
 std::wstring HitsText(std::uint32_t hits, std::uint32_t stopFrom) {
-    if (stopFrom > 1) return std::to_wstring(hits) + L" of " + std::to_wstring(stopFrom);
+    if (stopFrom > 1) return TextWith(L"{1} of {2}", {std::to_wstring(hits), std::to_wstring(stopFrom)});
     return hits != 0 ? std::to_wstring(hits) : std::wstring{};
 }
 
@@ -47,7 +49,7 @@ ListRow RowOfLine(const UserBreakpoint& breakpoint) {
 ListRow RowOfCode(const CodeBreakpointView& breakpoint) {
     ListRow row;
     row.cells = {L"0x" + HexText(breakpoint.address, 1), L"", HitsText(breakpoint.hits, 0),
-                 breakpoint.place.empty() ? L"Instruction" : L"Instruction at " + breakpoint.place};
+                 breakpoint.place.empty() ? Text(L"Instruction") : TextWith(L"Instruction at {1}", {breakpoint.place})};
     row.mark = ListMark::Breakpoint;
     return row;
 }

@@ -1,5 +1,6 @@
 // The breakpoints view: the user's list, whether a program runs or not. UI thread only.
 #include "debugui/pane_breakpoints.h"
+#include "base/texts.h"
 #include "debugui/breakpoint_list.h"
 #include "debugui/code_breakpoints.h"
 #include "debugui/pane_internal.h"
@@ -13,8 +14,10 @@
 
 namespace {
 
-constexpr std::array<ListColumn, 4> kColumns = {
-    {{L"Line", 16, 13, false}, {L"Condition", 12, 7, true}, {L"Hits", 8, 6, true}, {L"State", 34, 8, false}}};
+constexpr std::array<ListColumn, 4> kColumns = {{{English(L"Line"), 16, 13, false},
+                                                 {English(L"Condition"), 12, 7, true},
+                                                 {English(L"Hits"), 8, 6, true},
+                                                 {English(L"State"), 34, 8, false}}};
 
 enum MenuCommand : UINT { kGo = 1, kToggle, kEditCondition, kEditHits, kRemove, kRemoveAll };
 
@@ -42,7 +45,7 @@ std::vector<CodeBreakpointView> CodeBreakpointViews() {
 void FillBreakpoints(PaneContent& content) {
     BreakpointsUpdate();
     content.rows = BreakpointRows(BreakpointList(), CodeBreakpointViews());
-    content.hint = content.rows.empty() ? L"No breakpoints. F9 sets one on the caret's line." : L"";
+    content.hint = content.rows.empty() ? Text(L"No breakpoints. F9 sets one on the caret's line.") : L"";
 }
 
 std::wstring CommitBreakpointCondition(int row, const std::wstring& text) {
@@ -117,16 +120,17 @@ void ShowBreakpointMenu(int row, POINT screen) {
     if (breakpoint == nullptr && CodeAddressAtRow(row) == 0) return;
     const bool ofLine = breakpoint != nullptr;
     const bool enabled = !ofLine || breakpoint->enabled;
-    const std::array<MenuItem, 10> items = {{{kGo, L"&Go to Source\tEnter"},
-                                             {kToggle, enabled ? L"&Disable\tSpace" : L"&Enable\tSpace", ofLine},
-                                             {kEditCondition, L"&Condition...\tF2", ofLine},
-                                             {kEditHits, L"&Hit Count...", ofLine},
-                                             {0, nullptr},
-                                             {kPaneCopyRow, L"Co&py\tCtrl+C"},
-                                             {kPaneCopyAll, L"Copy A&ll"},
-                                             {0, nullptr},
-                                             {kRemove, L"&Remove\tDel"},
-                                             {kRemoveAll, L"Remove &All"}}};
+    const std::array<MenuItem, 10> items = {
+        {{kGo, Text(L"&Go to Source\tEnter")},
+         {kToggle, enabled ? Text(L"&Disable\tSpace") : Text(L"&Enable\tSpace"), ofLine},
+         {kEditCondition, Text(L"&Condition...\tF2"), ofLine},
+         {kEditHits, Text(L"&Hit Count..."), ofLine},
+         {0, nullptr},
+         {kPaneCopyRow, Text(L"Co&py\tCtrl+C")},
+         {kPaneCopyAll, Text(L"Copy A&ll")},
+         {0, nullptr},
+         {kRemove, Text(L"&Remove\tDel")},
+         {kRemoveAll, Text(L"Remove &All")}}};
     switch (const UINT chosen = PaneShowMenu(items, screen); chosen) {
         case kGo: GoToBreakpoint(row, -1); break;
         case kToggle: SwitchBreakpointOfRow(row); break;
@@ -151,4 +155,5 @@ constexpr ListKind kList = {.columns = kColumns,
 
 }  // namespace
 
-const PaneView kBreakpointsView = {.title = L"Breakpoints", .list = &kList, .ofStop = false, .fill = FillBreakpoints};
+const PaneView kBreakpointsView = {
+    .title = English(L"Breakpoints"), .list = &kList, .ofStop = false, .fill = FillBreakpoints};

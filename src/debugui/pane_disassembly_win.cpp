@@ -2,6 +2,7 @@
 // they come from. UI thread only.
 #include "debugui/pane_disassembly.h"
 
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "debugger/at_address.h"
 #include "debugger/debug_inspect.h"
@@ -23,7 +24,7 @@
 namespace {
 
 constexpr std::array<ListColumn, 3> kColumns = {
-    {{L"Address", 13, 12, true}, {L"Bytes", 20, 12, true}, {L"Instruction", 30, 18, true}}};
+    {{English(L"Address"), 13, 12, true}, {English(L"Bytes"), 20, 12, true}, {English(L"Instruction"), 30, 18, true}}};
 std::vector<CodeRow> g_rows;
 
 std::vector<std::uint64_t> LineStarts(std::uint64_t from, std::uint64_t to) {
@@ -58,7 +59,7 @@ void FillDisassembly(PaneContent& content) {
     const PaneProgram& program = PaneProgramNow();
     g_rows.clear();
     if (!program.registers) {
-        content.hint = L"The registers of this thread cannot be read.";
+        content.hint = Text(L"The registers of this thread cannot be read.");
         return;
     }
     std::uint64_t target = program.registers->ip;
@@ -81,7 +82,7 @@ void FillDisassembly(PaneContent& content) {
     content.rows = std::move(made.rows);
     content.reveal = made.target;
     g_rows = std::move(made.meanings);
-    if (content.rows.empty()) content.hint = L"No memory can be read at " + HexText(target, 1);
+    if (content.rows.empty()) content.hint = TextWith(L"No memory can be read at {1}", {HexText(target, 1)});
     // A refresh with nothing new does not scroll the list, because the user may have scrolled it.
     const Shown shown = {program.serial, target, program.thread};
     if (shown == g_shown) content.reveal = -1;
@@ -100,7 +101,7 @@ enum MenuCommand : UINT { kGo = 1, kRun, kSetNext, kBreakpoint, kStep, kStepOver
 
 void DoWithInstruction(UINT command, std::uint64_t address) {
     switch (command) {
-        case kRun: DebugFollowResumed(DebugRunToAddress(&g_debugger, address), L" (run to instruction)"); break;
+        case kRun: DebugFollowResumed(DebugRunToAddress(&g_debugger, address), Text(L" (run to instruction)")); break;
         case kSetNext: DebugMoveNextStatement(address); break;
         case kBreakpoint: CodeBreakpointToggle(address); break;
         case kStep: PostMessageW(g_ui.hMainWnd, WM_COMMAND, IDM_DEBUG_STEP_INSTRUCTION, 0); break;
@@ -117,20 +118,22 @@ void ShowInstructionMenu(int row, POINT screen) {
     const std::uint64_t address = code->address;  // the rows may change while the menu is open
     const CodeView::Place place = code->place;
     const std::string variable = code->variable;
-    const std::wstring name = variable.empty() ? L"Na&me a Place..." : L"Na&me " + Utf8ToWideText(variable) + L"...";
+    const std::wstring name =
+        variable.empty() ? Text(L"Na&me a Place...") : TextWith(L"Na&me {1}...", {Utf8ToWideText(variable)});
     const std::array<MenuItem, 12> items = {
-        {{kGo, L"&Go to Source\tEnter", code->place.line != 0},
-         {kRun, L"&Run to Here", here},
-         {kSetNext, L"Set &Next Statement Here", here},
-         {kBreakpoint, CodeBreakpointIsSet(address) ? L"Remove &Breakpoint\tF9" : L"Set &Breakpoint\tF9", here},
+        {{kGo, Text(L"&Go to Source\tEnter"), code->place.line != 0},
+         {kRun, Text(L"&Run to Here"), here},
+         {kSetNext, Text(L"Set &Next Statement Here"), here},
+         {kBreakpoint, CodeBreakpointIsSet(address) ? Text(L"Remove &Breakpoint\tF9") : Text(L"Set &Breakpoint\tF9"),
+          here},
          {0, nullptr},
-         {kStep, L"&Step Instruction\tCtrl+F11", stopped},
-         {kStepOver, L"Step &Over Instruction\tCtrl+Shift+F11", stopped},
+         {kStep, Text(L"&Step Instruction\tCtrl+F11"), stopped},
+         {kStepOver, Text(L"Step &Over Instruction\tCtrl+Shift+F11"), stopped},
          {0, nullptr},
          {kName, name.c_str(), stopped && !variable.empty()},
          {0, nullptr},
-         {kPaneCopyRow, L"&Copy\tCtrl+C"},
-         {kPaneCopyAll, L"Copy A&ll"}}};
+         {kPaneCopyRow, Text(L"&Copy\tCtrl+C")},
+         {kPaneCopyAll, Text(L"Copy A&ll")}}};
     const UINT chosen = PaneShowMenu(items, screen);
     PaneCopyRows(chosen);
     if (chosen == kName) AskNameOfPlaceAt(g_ui.hMainWnd, place.fileId, place.line, variable);
@@ -145,11 +148,11 @@ constexpr ListKind kList = {
 
 }  // namespace
 
-const PaneView kDisassemblyView = {.title = L"Disassembly",
+const PaneView kDisassemblyView = {.title = English(L"Disassembly"),
                                    .list = &kList,
                                    .ofStop = true,
                                    .fill = FillDisassembly,
-                                   .addressCue = L"The current instruction"};
+                                   .addressCue = English(L"The current instruction")};
 
 bool DebugPaneStepsInstructions() {
     return &PaneCurrentView() == &kDisassemblyView && PaneList().window != nullptr && GetFocus() == PaneList().window;

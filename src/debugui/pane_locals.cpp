@@ -1,13 +1,16 @@
 // Rows of the locals view. Must not know a process or a window.
 #include "debugui/pane_locals.h"
 
+#include "base/texts.h"
 #include "base/utf8.h"
 
 #include <utility>
 
 namespace {
 
-std::wstring NamesCount(std::size_t count) { return count == 1 ? L"name" : std::to_wstring(count) + L" names"; }
+std::wstring NamesCount(std::size_t count) {
+    return count == 1 ? Text(L"name") : TextWith(L"{1} names", {std::to_wstring(count)});
+}
 
 ListRow NamedRow(const NamedPlace& named, const LocalsNow& now, LocalValues* values) {
     bool problem = false;
@@ -24,7 +27,7 @@ ListRow NamedRow(const NamedPlace& named, const LocalsNow& now, LocalValues* val
 ListRow DeclaredRow(const DeclaredVariable& variable) {
     const auto kind = WatchKindOfType(variable.type);
     return {.cells = {Utf8ToWideText(variable.name), kind ? WatchKindName(*kind) : Utf8ToWideText(variable.type), L"?",
-                      L"Type its place, such as RBP-4"},
+                      Text(L"Type its place, such as RBP-4")},
             .tone = ListTone::Quiet};
 }
 
@@ -56,12 +59,12 @@ LocalRows LocalRowsOf(const LocalsNow& now, LocalValues* values) {
     for (std::size_t i = 0; i < now.names.size(); ++i)
         if (!shown[i]) addNamed(i);
     if (now.lost != nullptr && now.names.empty())
-        add({.cells = {L"Take over the " + NamesCount(now.lost->names.size()) + L" of " +
-                       Utf8ToWideText(now.lost->procedure) + L", which is no longer in this file"},
+        add({.cells = {TextWith(L"Take over the {1} of {2}, which is no longer in this file",
+                                {NamesCount(now.lost->names.size()), Utf8ToWideText(now.lost->procedure)})},
              .tone = ListTone::Source},
             LocalMeaning::Lost, 0);
-    add({.cells = {L"Type a name and its place here: i = RBP-4, LONG"}, .tone = ListTone::Source}, LocalMeaning::New,
-        0);
+    add({.cells = {Text(L"Type a name and its place here: i = RBP-4, LONG")}, .tone = ListTone::Source},
+        LocalMeaning::New, 0);
     return made;
 }
 

@@ -5,6 +5,7 @@
 #include "base/handles.h"
 #include "base/path.h"
 #include "base/scan_text.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_session.h"
@@ -17,8 +18,10 @@
 
 namespace {
 
-constexpr std::array<ListColumn, 4> kColumns = {
-    {{L"Name", 16, 8, true}, {L"Type", 9, 7, false}, {L"Place", 12, 8, true}, {L"Value", 30, 12, true}}};
+constexpr std::array<ListColumn, 4> kColumns = {{{English(L"Name"), 16, 8, true},
+                                                 {English(L"Type"), 9, 7, false},
+                                                 {English(L"Place"), 12, 8, true},
+                                                 {English(L"Value"), 30, 12, true}}};
 
 enum MenuCommand : UINT { kSetValue = 1, kEdit, kType, kWatch, kMemory, kRemove, kAdd, kTakeOverNames };
 
@@ -45,8 +48,8 @@ std::wstring ReadLocal(const NamedPlace& named, bool* problem) {
 std::wstring HeadingOf(const PaneFrame& frame) {
     const std::wstring file(FileNameOf(frame.scope.file));
     const std::string name = frame.scope.Name();
-    return (name.empty() ? L"Outside procedures, " : Utf8ToWideText(name) + L", ") + file +
-           (frame.index > 0 ? L" (frame " + std::to_wstring(frame.index) + L")" : L"");
+    return (name.empty() ? Text(L"Outside procedures, ") : Utf8ToWideText(name) + L", ") + file +
+           (frame.index > 0 ? TextWith(L" (frame {1})", {std::to_wstring(frame.index)}) : L"");
 }
 
 void FillLocals(PaneContent& content) {
@@ -55,7 +58,7 @@ void FillLocals(PaneContent& content) {
     g_view.names.clear();
     g_view.variables.clear();
     if (frame == nullptr || frame->scope.file.empty()) {
-        content.hint = L"There is no source here. Names belong to the procedures of a source.";
+        content.hint = Text(L"There is no source here. Names belong to the procedures of a source.");
         return;
     }
     const SourceScope& scope = frame->scope;
@@ -216,19 +219,20 @@ void ShowLocalMenu(int row, POINT screen) {
     const std::wstring name = there ? Utf8ToWideText(named->name) : L"";
     const bool lost = RowAt(row).meaning == LocalMeaning::Lost;
     const bool defines = !lost && RowAt(row).meaning != LocalMeaning::Heading;
-    const std::array<MenuItem, 13> items = {{{kSetValue, L"Set &Value\tEnter", there},
-                                             {kEdit, L"&Edit Definition\tF2", defines && PaneProgramNow().stopped},
-                                             {kType, L"&Type...", there},
-                                             {kAdd, L"&Name a Place\tIns", PaneProgramNow().stopped},
-                                             {kTakeOverNames, L"Take &Over Names", lost},
-                                             {0, nullptr},
-                                             {kWatch, L"Add &Watch", there},
-                                             {kMemory, L"Show &Memory There", there},
-                                             {0, nullptr},
-                                             {kPaneCopyRow, L"&Copy\tCtrl+C"},
-                                             {kPaneCopyAll, L"Copy A&ll"},
-                                             {0, nullptr},
-                                             {kRemove, L"&Remove\tDel", there}}};
+    const std::array<MenuItem, 13> items = {
+        {{kSetValue, Text(L"Set &Value\tEnter"), there},
+         {kEdit, Text(L"&Edit Definition\tF2"), defines && PaneProgramNow().stopped},
+         {kType, Text(L"&Type..."), there},
+         {kAdd, Text(L"&Name a Place\tIns"), PaneProgramNow().stopped},
+         {kTakeOverNames, Text(L"Take &Over Names"), lost},
+         {0, nullptr},
+         {kWatch, Text(L"Add &Watch"), there},
+         {kMemory, Text(L"Show &Memory There"), there},
+         {0, nullptr},
+         {kPaneCopyRow, Text(L"&Copy\tCtrl+C")},
+         {kPaneCopyAll, Text(L"Copy A&ll")},
+         {0, nullptr},
+         {kRemove, Text(L"&Remove\tDel"), there}}};
     const UINT chosen = PaneShowMenu(items, screen);
     if (chosen == kPaneCopyRow || chosen == kPaneCopyAll) return PaneCopyRows(chosen);
     if (!PaneProgramNow().stopped) return;
@@ -262,10 +266,10 @@ std::wstring PaneNamePlace(const std::wstring& definition, const std::string& be
     if (before.empty() && definition.find_first_not_of(L" \t") == std::wstring::npos) return {};
     const PaneFrame* const frame = PaneFrameNow();
     if (frame == nullptr)
-        return L"Names can be given here while the program is stopped; at any time by Debug > Name a Place.";
-    if (frame->scope.file.empty()) return L"There is no source here that a name could belong to.";
+        return Text(L"Names can be given here while the program is stopped; at any time by Debug > Name a Place.");
+    if (frame->scope.file.empty()) return Text(L"There is no source here that a name could belong to.");
     const std::string text = PaneUtf8(definition);
-    if (!IsNamedDefinition(text)) return L"A name and its place are wanted: i = RBP-4, LONG";
+    if (!IsNamedDefinition(text)) return Text(L"A name and its place are wanted: i = RBP-4, LONG");
     const std::string name(NameAtStart(WithoutLeadingBlanks(text)));
     if (before.empty() && frame->scope.procedure != nullptr)
         for (const DeclaredVariable& variable : frame->scope.procedure->variables)
@@ -281,4 +285,4 @@ std::wstring PaneNamePlace(const std::wstring& definition, const std::string& be
     return {};
 }
 
-const PaneView kLocalsView = {.title = L"Locals", .list = &kList, .ofStop = true, .fill = FillLocals};
+const PaneView kLocalsView = {.title = English(L"Locals"), .list = &kList, .ofStop = true, .fill = FillLocals};

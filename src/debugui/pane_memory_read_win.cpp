@@ -1,6 +1,7 @@
 // The contents of the memory view: reads and writes the program, and keeps the caret. Knows no window. UI thread only.
 #include "debugui/pane_memory_view.h"
 
+#include "base/texts.h"
 #include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
 #include "debugui/pane_internal.h"
@@ -16,7 +17,7 @@ std::size_t ReadProgram(std::uint64_t address, void* out, std::size_t count) {
 void FillMemoryView(PaneContent& content) {
     const PaneProgram& program = PaneProgramNow();
     if (!program.registers) {
-        content.hint = L"The registers of this thread cannot be read.";
+        content.hint = Text(L"The registers of this thread cannot be read.");
         return;
     }
     const bool x64 = g_debugger.isX64 != 0;
@@ -61,5 +62,8 @@ std::wstring MemoryCaretRowText() {
     return MemoryRowText(g_memory.caretRow, g_memory.shape, MemoryReadBytes(g_memory.caretRow, length, ReadProgram));
 }
 
-const PaneView kMemoryView = {
-    .title = L"Memory", .list = nullptr, .ofStop = true, .fill = FillMemoryView, .addressCue = L"The stack pointer"};
+const PaneView kMemoryView = {.title = English(L"Memory"),
+                              .list = nullptr,
+                              .ofStop = true,
+                              .fill = FillMemoryView,
+                              .addressCue = English(L"The stack pointer")};

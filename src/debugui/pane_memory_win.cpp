@@ -3,6 +3,7 @@
 #include "debugui/pane_memory_view.h"
 
 #include "base/events.h"
+#include "base/texts.h"
 #include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
 #include "debugui/debugui_state.h"
@@ -202,7 +203,7 @@ void OnMemoryCharacter(wchar_t typed) {
     if (MemoryWrite(typed)) {
         MemoryStepCaret(1);
     } else {
-        g_events.statusText(IsStale() ? L"The program is not stopped" : L"This byte cannot be written");
+        g_events.statusText(IsStale() ? Text(L"The program is not stopped") : Text(L"This byte cannot be written"));
         MessageBeep(MB_ICONWARNING);
     }
     RepaintMemory();
@@ -228,9 +229,9 @@ void ShowMemoryMenu(POINT at) {
         ClientToScreen(g_memory.window, &at);
     }
     const bool stopped = PaneProgramNow().stopped;
-    const std::array<MenuItem, 3> items = {{{kCopy, L"&Copy Row\tCtrl+C"},
-                                            {kFollow, L"&Follow Address at Caret", stopped},
-                                            {kBack, L"&Back to Start\tCtrl+Home", stopped}}};
+    const std::array<MenuItem, 3> items = {{{kCopy, Text(L"&Copy Row\tCtrl+C")},
+                                            {kFollow, Text(L"&Follow Address at Caret"), stopped},
+                                            {kBack, Text(L"&Back to Start\tCtrl+Home"), stopped}}};
     switch (PaneShowMenu(items, at)) {
         case kCopy: CopyCaretRow(); break;
         case kFollow: FollowPointer(); break;

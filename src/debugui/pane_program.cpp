@@ -2,6 +2,7 @@
 #include "debugui/pane_program.h"
 
 #include "base/hex_text.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 
 #include <algorithm>
@@ -80,7 +81,7 @@ std::wstring ShownSource(std::string_view utf8) {
 }
 
 std::wstring LinePlaceText(const std::wstring& fileName, std::uint32_t line) {
-    return (fileName.empty() ? L"line " : fileName + L":") + std::to_wstring(line);
+    return (fileName.empty() ? Text(L"line ") : fileName + L":") + std::to_wstring(line);
 }
 
 std::wstring ModulePlaceText(const std::wstring& moduleName, std::uint64_t offset) {

@@ -4,6 +4,7 @@
 
 #include "base/handles.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
@@ -170,13 +171,13 @@ void PaneChooseFrame(std::size_t index) {
 
 Evaluation PaneEvaluate(const std::wstring& expression) {
     const PaneFrame* const frame = PaneFrameNow();
-    if (frame == nullptr) return {.value = {}, .problem = L"No stopped program"};
+    if (frame == nullptr) return {.value = {}, .problem = Text(L"No stopped program")};
     return EvaluateWithNames(PaneUtf8(expression), frame->Names());
 }
 
 Evaluation PaneEvaluatePlace(const std::wstring& expression) {
     const PaneFrame* const frame = PaneFrameNow();
-    if (frame == nullptr) return {.value = {}, .problem = L"No stopped program"};
+    if (frame == nullptr) return {.value = {}, .problem = Text(L"No stopped program")};
     const NameScope names = frame->Names();
     const NamedPlace* const named = FindNamedPlace(names.names, PaneUtf8(expression));
     return named != nullptr ? AddressOfName(*named, names) : PaneEvaluate(expression);
@@ -192,19 +193,19 @@ std::optional<WatchKind> PaneKindOf(const std::wstring& expression) {
 }
 
 std::wstring PaneWriteValue(WatchKind kind, const Evaluation& address, const std::wstring& text) {
-    if (!g_program.stopped) return L"The program is not stopped";
+    if (!g_program.stopped) return Text(L"The program is not stopped");
     if (!address.value) return address.problem;
     const ProgramMemory memory = DebugMemory(g_debugger);
     std::uint64_t at = *address.value;
     if (kind == WatchKind::TextPointer) {
         at = AddressOfText(at, memory).value_or(0);
-        if (at == 0) return L"There is no text that could be written over";
+        if (at == 0) return Text(L"There is no text that could be written over");
         kind = WatchKind::Text;
     }
     const WatchBytes typed = WatchInput(kind, {.value = at, .problem = {}}, PaneUtf8(text), memory);
     if (!typed.problem.empty()) return typed.problem;
     if (!typed.bytes.empty() && !DebugWriteMem(&g_debugger, at, typed.bytes.data(), typed.bytes.size()))
-        return L"The memory cannot be written";
+        return Text(L"The memory cannot be written");
     return {};
 }
 

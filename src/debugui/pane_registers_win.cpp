@@ -1,6 +1,7 @@
 // The registers view: those of the shown thread; general registers can be edited. UI thread only.
 #include "debugui/pane_internal.h"
 
+#include "base/texts.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
@@ -12,14 +13,14 @@ namespace {
 
 enum Column : int { kName, kValue, kMeaning };
 constexpr std::array<ListColumn, 3> kColumns = {
-    {{L"Register", 7, 7, true}, {L"Value", 33, 22, true}, {L"Meaning", 21, 10, true}}};
+    {{English(L"Register"), 7, 7, true}, {English(L"Value"), 33, 22, true}, {English(L"Meaning"), 21, 10, true}}};
 
 std::vector<ListRow> g_rows;
 
 void FillRegisters(PaneContent& content) {
     const PaneProgram& program = PaneProgramNow();
     if (!program.registers) {
-        content.hint = L"The registers of this thread cannot be read.";
+        content.hint = Text(L"The registers of this thread cannot be read.");
         return;
     }
     g_rows = RegisterPaneRows(*program.registers, program.before ? &*program.before : nullptr);
@@ -31,11 +32,11 @@ void FillRegisters(PaneContent& content) {
 
 std::wstring CommitRegister(const std::wstring& name, const std::wstring& text) {
     const PaneProgram& program = PaneProgramNow();
-    if (!program.stopped || !program.registers) return L"The program is not stopped";
+    if (!program.stopped || !program.registers) return Text(L"The program is not stopped");
     const Evaluation typed = RegisterInput(*program.registers, PaneUtf8(text));
     if (!typed.value) return typed.problem;
     if (!DebugSetRegister(&g_debugger, program.thread, name.c_str(), *typed.value))
-        return L"The register cannot be written";
+        return Text(L"The register cannot be written");
     DebugPaneInvalidate();
     return {};
 }
@@ -74,15 +75,15 @@ void ShowRegisterMenu(int row, POINT screen) {
     std::uint32_t line = 0;
     const bool source = code && DebugLineAt(&g_debugger, value, &fileId, &line);
     const std::array<MenuItem, 9> items = {
-        {{kEdit, L"&Edit Value\tEnter", general && program.stopped},
-         {kWatch, L"Add &Watch", general || pointer},
-         {kMemory, L"Show &Memory at Value", (general || pointer) && program.stopped},
+        {{kEdit, Text(L"&Edit Value\tEnter"), general && program.stopped},
+         {kWatch, Text(L"Add &Watch"), general || pointer},
+         {kMemory, Text(L"Show &Memory at Value"), (general || pointer) && program.stopped},
          {0, nullptr},
-         {kGo, L"&Go to Source of Value", source},
-         {kCode, L"Go to &Disassembly of Value", code},
+         {kGo, Text(L"&Go to Source of Value"), source},
+         {kCode, Text(L"Go to &Disassembly of Value"), code},
          {0, nullptr},
-         {kPaneCopyRow, L"&Copy\tCtrl+C"},
-         {kPaneCopyAll, L"Copy A&ll"}}};
+         {kPaneCopyRow, Text(L"&Copy\tCtrl+C")},
+         {kPaneCopyAll, Text(L"Copy A&ll")}}};
     switch (const UINT chosen = PaneShowMenu(items, screen); chosen) {
         case kEdit: EditRegister(row); break;
         case kWatch: PaneAddWatch(name, WatchKind::Value); break;
@@ -98,4 +99,4 @@ constexpr ListKind kList = {
 
 }  // namespace
 
-const PaneView kRegistersView = {.title = L"Registers", .list = &kList, .ofStop = true, .fill = FillRegisters};
+const PaneView kRegistersView = {.title = English(L"Registers"), .list = &kList, .ofStop = true, .fill = FillRegisters};

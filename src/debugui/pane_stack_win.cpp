@@ -1,6 +1,7 @@
 // The call stack view: that of the shown thread. UI thread only.
 #include "debugui/pane_internal.h"
 
+#include "base/texts.h"
 #include "debugger/at_address.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_state.h"
@@ -11,7 +12,7 @@
 namespace {
 
 constexpr std::array<ListColumn, 3> kColumns = {
-    {{L"#", 3, 3, true}, {L"Address", 13, 12, true}, {L"Place", 30, 12, true}}};
+    {{L"#", 3, 3, true}, {English(L"Address"), 13, 12, true}, {English(L"Place"), 30, 12, true}}};
 
 std::vector<DebugFrame> g_frames;
 
@@ -32,7 +33,7 @@ void FillCallStack(PaneContent& content) {
                      std::move(place)};
         content.rows.push_back(std::move(row));
     }
-    if (content.rows.empty()) content.hint = L"The stack of this thread cannot be read.";
+    if (content.rows.empty()) content.hint = Text(L"The stack of this thread cannot be read.");
 }
 
 enum MenuCommand : UINT { kGo = 1, kCode, kRun };
@@ -49,19 +50,19 @@ void GoToFrame(int row, int) {
 void RunToFrame(std::size_t row) {
     const std::uint64_t called = row > 0 ? g_frames[row - 1].framePointer : 0;
     DebugFollowResumed(DebugRunToFrame(&g_debugger, g_frames[row].address, PaneProgramNow().thread, called),
-                       L" (run to frame)");
+                       Text(L" (run to frame)"));
 }
 
 void ShowFrameMenu(int row, POINT screen) {
     if (row < 0 || row >= static_cast<int>(g_frames.size())) return;
     const DebugFrame frame = g_frames[static_cast<std::size_t>(row)];
     const bool stopped = PaneProgramNow().stopped;
-    const std::array<MenuItem, 6> items = {{{kGo, L"&Go to Source\tEnter", frame.line != 0},
-                                            {kCode, L"Go to &Disassembly", stopped},
-                                            {kRun, L"&Run to This Frame", stopped && row > 0},
+    const std::array<MenuItem, 6> items = {{{kGo, Text(L"&Go to Source\tEnter"), frame.line != 0},
+                                            {kCode, Text(L"Go to &Disassembly"), stopped},
+                                            {kRun, Text(L"&Run to This Frame"), stopped && row > 0},
                                             {0, nullptr},
-                                            {kPaneCopyRow, L"&Copy\tCtrl+C"},
-                                            {kPaneCopyAll, L"Copy A&ll"}}};
+                                            {kPaneCopyRow, Text(L"&Copy\tCtrl+C")},
+                                            {kPaneCopyAll, Text(L"Copy A&ll")}}};
     const UINT chosen = PaneShowMenu(items, screen);
     if (chosen == kGo) GoToFrame(row, -1);
     if (chosen == kCode && PaneProgramNow().stopped) PaneShowCode(L"0x" + HexText(frame.address, 1));
@@ -73,4 +74,4 @@ constexpr ListKind kList = {.columns = kColumns, .hasMarks = true, .activate = G
 
 }  // namespace
 
-const PaneView kStackView = {.title = L"Call Stack", .list = &kList, .ofStop = true, .fill = FillCallStack};
+const PaneView kStackView = {.title = English(L"Call Stack"), .list = &kList, .ofStop = true, .fill = FillCallStack};

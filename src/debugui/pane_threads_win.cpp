@@ -2,6 +2,7 @@
 // only.
 #include "debugui/pane_internal.h"
 
+#include "base/texts.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_state.h"
 
@@ -9,8 +10,10 @@
 
 namespace {
 
-constexpr std::array<ListColumn, 4> kColumns = {
-    {{L"Thread", 7, 5, true}, {L"Kind", 14, 9, false}, {L"Address", 13, 12, true}, {L"Place", 26, 16, true}}};
+constexpr std::array<ListColumn, 4> kColumns = {{{English(L"Thread"), 7, 5, true},
+                                                 {English(L"Kind"), 14, 9, false},
+                                                 {English(L"Address"), 13, 12, true},
+                                                 {English(L"Place"), 26, 16, true}}};
 
 std::vector<std::uint32_t> g_ids;
 
@@ -22,18 +25,18 @@ void FillThreads(PaneContent& content) {
         RegisterSet registers;
         const bool readable = DebugGetRegisters(&state, thread.id, &registers);
         ListRow row;
-        row.cells = {std::to_wstring(thread.id), thread.id == state.mainThreadId ? L"Main" : L"Worker",
+        row.cells = {std::to_wstring(thread.id), thread.id == state.mainThreadId ? Text(L"Main") : Text(L"Worker"),
                      readable ? HexText(registers.ip, PaneAddressDigits(state.isX64 != 0, registers.ip)) : L"",
                      readable ? PanePlaceText(registers.ip) : L"<unreadable>"};
         if (thread.id == state.stopThreadId) row.mark = ListMark::Current;
         if (thread.id == program.thread) {
             if (row.mark == ListMark::None) row.mark = ListMark::Chosen;
-            row.cells[1] += L", shown";
+            row.cells[1] += Text(L", shown");
         }
         g_ids.push_back(thread.id);
         content.rows.push_back(std::move(row));
     }
-    if (content.rows.empty()) content.hint = L"No threads.";
+    if (content.rows.empty()) content.hint = Text(L"No threads.");
 }
 
 void ChooseThreadOfRow(int row, int) {
@@ -51,12 +54,12 @@ void ShowThreadMenu(int row, POINT screen) {
     std::uint32_t line = 0;
     const bool known = stopped && DebugPlaceInProgram(&g_debugger, id, &place);
     const bool source = known && DebugLineAt(&g_debugger, place, &fileId, &line);
-    const std::array<MenuItem, 6> items = {{{kShow, L"&Show This Thread\tEnter", stopped},
-                                            {kGo, L"&Go to Source", source},
-                                            {kCode, L"Go to &Disassembly", stopped},
+    const std::array<MenuItem, 6> items = {{{kShow, Text(L"&Show This Thread\tEnter"), stopped},
+                                            {kGo, Text(L"&Go to Source"), source},
+                                            {kCode, Text(L"Go to &Disassembly"), stopped},
                                             {0, nullptr},
-                                            {kPaneCopyRow, L"&Copy\tCtrl+C"},
-                                            {kPaneCopyAll, L"Copy A&ll"}}};
+                                            {kPaneCopyRow, Text(L"&Copy\tCtrl+C")},
+                                            {kPaneCopyAll, Text(L"Copy A&ll")}}};
     const UINT chosen = PaneShowMenu(items, screen);
     PaneCopyRows(chosen);
     if (!PaneProgramNow().stopped) return;
@@ -70,4 +73,4 @@ constexpr ListKind kList = {
 
 }  // namespace
 
-const PaneView kThreadsView = {.title = L"Threads", .list = &kList, .ofStop = true, .fill = FillThreads};
+const PaneView kThreadsView = {.title = English(L"Threads"), .list = &kList, .ofStop = true, .fill = FillThreads};

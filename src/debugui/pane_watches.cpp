@@ -2,6 +2,7 @@
 #include "debugui/pane_watches.h"
 
 #include "base/hex_digit.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 
 #include <algorithm>
@@ -58,7 +59,7 @@ std::vector<std::uint8_t> WatchNumberBytes(Value value) {
 WatchBytes TextBytes(std::string_view text, std::size_t room) {
     if (text.size() >= 2 && text.front() == '"' && text.back() == '"') text = text.substr(1, text.size() - 2);
     if (text.size() > room)
-        return {{}, L"Longer than the " + std::to_wstring(room) + L" bytes of the text that is there"};
+        return {{}, TextWith(L"Longer than the {1} bytes of the text that is there", {std::to_wstring(room)})};
     WatchBytes result{{text.begin(), text.end()}, {}};
     if (text.size() < room) result.bytes.push_back(0);
     return result;
@@ -74,7 +75,7 @@ WatchBytes WideTextBytes(std::string_view utf8, std::size_t room) {
     };
     for (const wchar_t c : Utf8ToWideText(utf8)) put(static_cast<std::uint16_t>(c));
     if (bytes.size() > room)
-        return {{}, L"Longer than the " + std::to_wstring(room / 2) + L" characters of the text that is there"};
+        return {{}, TextWith(L"Longer than the {1} characters of the text that is there", {std::to_wstring(room / 2)})};
     if (bytes.size() < room) put(0);
     return {bytes, {}};
 }
@@ -157,17 +158,17 @@ std::wstring WatchEditText(WatchKind kind, std::wstring_view shown) {
 WatchBytes WatchBytesOf(WatchKind kind, std::string_view utf8, std::size_t room) {
     if (kind == WatchKind::Text) return TextBytes(utf8, room);
     if (kind == WatchKind::WideText) return WideTextBytes(utf8, room);
-    if (kind == WatchKind::Value) return {{}, L"What an expression comes to cannot be written"};
+    if (kind == WatchKind::Value) return {{}, Text(L"What an expression comes to cannot be written")};
     const std::string text(TrimmedExpression(utf8));
     if (kind == WatchKind::Double || kind == WatchKind::Single) {
         char* end = nullptr;
         const double value = std::strtod(text.c_str(), &end);
-        if (text.empty() || *end != '\0') return {{}, L"Not a number"};
+        if (text.empty() || *end != '\0') return {{}, Text(L"Not a number")};
         return {kind == WatchKind::Double ? WatchNumberBytes(value) : WatchNumberBytes(static_cast<float>(value)), {}};
     }
     const std::size_t bytes = BytesOfWhole(kind);
     const auto value = Integer(text, static_cast<int>(8 * bytes));
-    if (!value) return {{}, L"Not a whole number of " + std::to_wstring(8 * bytes) + L" bits"};
+    if (!value) return {{}, TextWith(L"Not a whole number of {1} bits", {std::to_wstring(8 * bytes)})};
     std::vector<std::uint8_t> result = WatchNumberBytes(*value);
     result.resize(bytes);  // the lowest bytes come first
     return {result, {}};
@@ -178,7 +179,7 @@ std::vector<ListRow> WatchRows(WatchList& list, const WatchProgram& program) {
     if (program.stopped) list.serial = program.serial;
     std::vector<ListRow> rows;
     for (Watch& watch : list.watches) rows.push_back(WatchRow(watch, program, newStop));
-    rows.push_back({.cells = {L"Type an address here, or a name: RSP+8, [RBP+16], i = RBP-4, LONG", L"", L""},
+    rows.push_back({.cells = {Text(L"Type an address here, or a name: RSP+8, [RBP+16], i = RBP-4, LONG"), L"", L""},
                     .tone = ListTone::Quiet});
     return rows;
 }

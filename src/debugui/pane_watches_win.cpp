@@ -3,6 +3,7 @@
 #include "debugui/pane_watches.h"
 
 #include "base/handles.h"
+#include "base/texts.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_session.h"
 #include "debugger/debug_state.h"
@@ -16,7 +17,7 @@
 namespace {
 
 constexpr std::array<ListColumn, 3> kColumns = {
-    {{L"Address", 22, 10, true}, {L"Kind", 9, 7, false}, {L"Value", 30, 14, true}}};
+    {{English(L"Address"), 22, 10, true}, {English(L"Kind"), 9, 7, false}, {English(L"Value"), 30, 14, true}}};
 
 enum MenuCommand : UINT { kEditExpression = 1, kEditValue, kRemove, kRemoveAll, kName, kMemory, kFirstKind };
 
@@ -61,7 +62,7 @@ void EditWatchExpression(int row, const std::wstring& text, bool append) {
 
 std::wstring CommitWatchValue(int row, const std::wstring& text) {
     const Watch* watch = WatchAtRow(row);
-    if (watch == nullptr) return L"The watch is gone";
+    if (watch == nullptr) return Text(L"The watch is gone");
     std::wstring problem = PaneWriteValue(KindOfWatch(*watch), PaneEvaluatePlace(watch->expression), text);
     if (problem.empty()) OnWatchesChanged();
     return problem;
@@ -150,8 +151,8 @@ void ShowWatchMenu(int row, POINT screen) {
     const Watch* watch = WatchAtRow(row);
     const bool there = watch != nullptr;
     const bool hasPlace = there && PaneProgramNow().stopped && PaneEvaluatePlace(watch->expression).value.has_value();
-    std::vector<MenuItem> items = {{kEditExpression, there ? L"&Edit Address\tF2" : L"&Add\tF2"},
-                                   {kEditValue, L"Set &Value\tEnter", HasWatchValue(watch)},
+    std::vector<MenuItem> items = {{kEditExpression, there ? Text(L"&Edit Address\tF2") : Text(L"&Add\tF2")},
+                                   {kEditValue, Text(L"Set &Value\tEnter"), HasWatchValue(watch)},
                                    {0, nullptr}};
     for (int i = 0; i < kWatchKinds; ++i) {
         const auto kind = static_cast<WatchKind>(i);
@@ -159,14 +160,14 @@ void ShowWatchMenu(int row, POINT screen) {
             {static_cast<UINT>(kFirstKind + i), WatchKindName(kind), there, there && KindOfWatch(*watch) == kind});
     }
     items.insert(items.end(), {{0, nullptr},
-                               {kName, L"&Name a Place..."},
-                               {kMemory, L"Show &Memory There", hasPlace},
+                               {kName, Text(L"&Name a Place...")},
+                               {kMemory, Text(L"Show &Memory There"), hasPlace},
                                {0, nullptr},
-                               {kPaneCopyRow, L"&Copy\tCtrl+C"},
-                               {kPaneCopyAll, L"Copy A&ll"},
+                               {kPaneCopyRow, Text(L"&Copy\tCtrl+C")},
+                               {kPaneCopyAll, Text(L"Copy A&ll")},
                                {0, nullptr},
-                               {kRemove, L"&Remove\tDel", there},
-                               {kRemoveAll, L"Rem&ove All", !g_list.watches.empty()}});
+                               {kRemove, Text(L"&Remove\tDel"), there},
+                               {kRemoveAll, Text(L"Rem&ove All"), !g_list.watches.empty()}});
     const UINT chosen = PaneShowMenu(items, screen);
     if (chosen >= kFirstKind && chosen < kFirstKind + kWatchKinds)
         SetWatchKind(row, static_cast<WatchKind>(chosen - kFirstKind));
@@ -189,4 +190,4 @@ void PaneAddWatch(const std::wstring& expression, std::optional<WatchKind> kind)
     DebugPaneSelect(DebugTab::Watches);
 }
 
-const PaneView kWatchesView = {.title = L"Watches", .list = &kList, .ofStop = false, .fill = FillWatches};
+const PaneView kWatchesView = {.title = English(L"Watches"), .list = &kList, .ofStop = false, .fill = FillWatches};

@@ -3,6 +3,7 @@
 
 #include "base/path.h"
 #include "base/scan_text.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "debugger/expressions.h"
 
@@ -100,12 +101,12 @@ std::wstring PutName(NamedPlaces* names, const NamedPlace& named, std::string_vi
     const NamedPlace* const old = before.empty() ? nullptr : FindNamedPlace(*names, before);
     const NamedPlace* const same = FindNamedPlace(*names, named.name);
     if (same != nullptr && same != old)
-        return Utf8ToWideText(same->name) + L" has a place already: " + Utf8ToWideText(same->place);
+        return TextWith(L"{1} has a place already: {2}", {Utf8ToWideText(same->name), Utf8ToWideText(same->place)});
     if (old != nullptr) {
         (*names)[static_cast<std::size_t>(old - names->data())] = named;
         return {};
     }
-    if (names->size() >= kMostNamesOfProcedure) return L"This procedure has as many names as it can.";
+    if (names->size() >= kMostNamesOfProcedure) return Text(L"This procedure has as many names as it can.");
     names->push_back(named);
     return {};
 }

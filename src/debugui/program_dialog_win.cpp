@@ -3,6 +3,7 @@
 
 #include "base/bounded_text.h"
 #include "base/log.h"
+#include "base/texts.h"
 #include "compile/build_source.h"
 #include "documents/file_commands.h"
 #include "resources/ids.h"
@@ -25,14 +26,15 @@ void FillProgramDialog(HWND dialog) {
     SetDlgItemTextW(dialog, IDC_PROGRAM_ARGUMENTS, start.arguments.c_str());
     SetDlgItemTextW(dialog, IDC_PROGRAM_FOLDER, start.folder.c_str());
     if (project)
-        SetDlgItemTextW(dialog, IDC_PROGRAM_PROBLEM, (L"Kept in the file of the project " + project->name).c_str());
+        SetDlgItemTextW(dialog, IDC_PROGRAM_PROBLEM,
+                        TextWith(L"Kept in the file of the project {1}", {project->name}).c_str());
 }
 
 void AcceptProgramDialog(HWND dialog) {
     const std::wstring arguments = WindowText(GetDlgItem(dialog, IDC_PROGRAM_ARGUMENTS));
     const std::wstring folder = WindowText(GetDlgItem(dialog, IDC_PROGRAM_FOLDER));
     if (!folder.empty() && !DirectoryExists(folder.c_str())) {
-        SetDlgItemTextW(dialog, IDC_PROGRAM_PROBLEM, L"There is no such folder.");
+        SetDlgItemTextW(dialog, IDC_PROGRAM_PROBLEM, Text(L"There is no such folder."));
         SetFocus(GetDlgItem(dialog, IDC_PROGRAM_FOLDER));
         return;
     }

@@ -2,6 +2,7 @@
 #include "debugui/step_commands.h"
 
 #include "base/events.h"
+#include "base/texts.h"
 #include "debugger/at_address.h"
 #include "debugger/debug_follow.h"
 #include "debugger/debug_session.h"
@@ -18,8 +19,8 @@
 
 namespace {
 
-constexpr wchar_t kTableFull[] = L"All 64 breakpoints are in use: remove one, or continue (Ctrl+F5)";
-constexpr wchar_t kNoStep[] = L"No step from here: continue (Ctrl+F5) or run to the cursor (Ctrl+F10)";
+constexpr const wchar_t* kTableFull = English(L"All 64 breakpoints are in use: remove one, or continue (Ctrl+F5)");
+constexpr const wchar_t* kNoStep = English(L"No step from here: continue (Ctrl+F5) or run to the cursor (Ctrl+F10)");
 
 bool FollowsProgram() { return g_settings.stepsFollowProgram != 0; }
 
@@ -54,7 +55,7 @@ void DebugFollowResumed(bool resumed, const wchar_t* suffix) {
     }
     if (DebugRunEndOutside()) return;
     DebugRunShowUnseen();
-    g_events.statusText(IsBreakpointTableFull() ? kTableFull : kNoStep);
+    g_events.statusText(Text(IsBreakpointTableFull() ? kTableFull : kNoStep));
 }
 
 // In the disassembly the keys of the two steps go from instruction to instruction, as the rows do.
@@ -65,17 +66,17 @@ void CommandStepOver(int command) {
 
 void CommandStepInto(int command) {
     if (DebugPaneStepsInstructions()) return CommandStepInstruction(command);
-    Step(FollowKind::Into, DebugStepInto, L" (step into)");
+    Step(FollowKind::Into, DebugStepInto, Text(L" (step into)"));
 }
 
-void CommandStepOut(int) { Step(FollowKind::Out, DebugStepOut, L" (step out)"); }
+void CommandStepOut(int) { Step(FollowKind::Out, DebugStepOut, Text(L" (step out)")); }
 
 void CommandStepInstruction(int) {
-    DebugFollowResumed(DebugFollowStep(&g_debugger, FollowKind::Instruction), L" (instruction)");
+    DebugFollowResumed(DebugFollowStep(&g_debugger, FollowKind::Instruction), Text(L" (instruction)"));
 }
 
 void CommandStepOverInstruction(int) {
-    DebugFollowResumed(DebugFollowStep(&g_debugger, FollowKind::InstructionOver), L" (instruction)");
+    DebugFollowResumed(DebugFollowStep(&g_debugger, FollowKind::InstructionOver), Text(L" (instruction)"));
 }
 
 bool DebugRunToCaret(unsigned fileId, int line) {
@@ -87,11 +88,11 @@ bool DebugRunToCaret(unsigned fileId, int line) {
 void DebugMoveNextStatement(unsigned long long address) {
     if (!DebugSetNextStatement(&g_debugger, address)) {
         DebugSay(kDebugOrange,
-                 L"[Debug] The next statement cannot be set there: the program must stand on a line of "
-                 L"its own, and so must the place.\n");
+                 Text(L"[Debug] The next statement cannot be set there: the program must stand on a line of "
+                      L"its own, and so must the place.\n"));
         return;
     }
-    DebugRunShowAgain(L" (next statement set)");
+    DebugRunShowAgain(Text(L" (next statement set)"));
 }
 
 void CommandSetNextStatement(int) {
@@ -119,5 +120,6 @@ void CommandSetNextStatement(int) {
 void CommandStepsFollowProgram(int) {
     SettingsChange([](Settings& settings) { settings.stepsFollowProgram = settings.stepsFollowProgram != 0 ? 0 : 1; });
     SettingsSave(nullptr);
-    g_events.statusText(FollowsProgram() ? L"Steps follow the program" : L"Steps go to the next line by address");
+    g_events.statusText(FollowsProgram() ? Text(L"Steps follow the program")
+                                         : Text(L"Steps go to the next line by address"));
 }

@@ -1,6 +1,7 @@
 #include "disasm/asm_pane.h"
 
 #include "base/clock.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "compile/products.h"
 #include "disasm/asm_renderer.h"
@@ -145,17 +146,17 @@ void AsmPaneLoad(const wchar_t* source, const wchar_t* listing) {
     AsmPaneClear();
     SendMessageW(g_disasm.hAsmPane, EM_SETUNDOLIMIT, 0, 0);
     SendMessageW(g_disasm.hAsmPane, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
-    QueueAsmText(FormatW(L"=== Assembly Output ===\r\nSource: %s\r\nASMOUT: %s\r\n\r\n", source, listing));
+    QueueAsmText(FormatW(Text(L"=== Assembly Output ===\r\nSource: %s\r\nASMOUT: %s\r\n\r\n"), source, listing));
     AsmRequest request = RequestWithCaret(source, listing);
     g_asm.source = source;
     g_asm.listing = listing;
     g_asm.bytes = request.bytes = HasRoomForBytes();
     if (FileExists(listing) && !IsBuildProduct(listing)) {
-        QueueAsmText(FormatW(L"(%s is no listing: no build of this editor has made it.)\r\n", listing));
+        QueueAsmText(FormatW(Text(L"(%s is no listing: no build of this editor has made it.)\r\n"), listing));
         request.listing.clear();
     }
     g_asm.feed = AsmFeedStart(std::move(request), AsmRender);
-    if (g_asm.feed == nullptr) QueueAsmText(L"(The listing cannot be read now: no thread could be started.)\r\n");
+    if (g_asm.feed == nullptr) QueueAsmText(Text(L"(The listing cannot be read now: no thread could be started.)\r\n"));
     ShowTimerStart();
 }
 

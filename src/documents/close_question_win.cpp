@@ -2,6 +2,7 @@
 #include "documents/close_question.h"
 
 #include "base/log.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "resources/ids.h"
 #include "ui/dialog_panes.h"
@@ -16,7 +17,8 @@
 
 namespace {
 
-constexpr std::array<ListColumn, 2> kColumns = {{{L"Save", 30, 14, false}, {L"Folder", 50, 10, false}}};
+constexpr std::array<ListColumn, 2> kColumns = {
+    {{English(L"Save"), 30, 14, false}, {English(L"Folder"), 50, 10, false}}};
 
 struct CloseDialog {
     std::vector<CloseRow>* rows = nullptr;
@@ -29,7 +31,7 @@ CloseDialog* g_dialog = nullptr;  // the one that is open
 void ShowCloseRows(CloseDialog& close) {
     close.content.rows.clear();
     for (const CloseRow& row : *close.rows)
-        close.content.rows.push_back({.cells = {row.label, row.folder.empty() ? L"not saved yet" : row.folder},
+        close.content.rows.push_back({.cells = {row.label, row.folder.empty() ? Text(L"not saved yet") : row.folder},
                                       .mark = row.ticked ? ListMark::Checked : ListMark::Unchecked});
     ListViewUpdate(close.list, close.content);
     const bool any = std::ranges::any_of(*close.rows, &CloseRow::ticked);
@@ -50,9 +52,9 @@ constexpr ListKind kCloseList = {.columns = kColumns, .hasMarks = true, .check =
 
 void FillCloseDialog(HWND dialog, CloseDialog& close) {
     close.dialog = dialog;
-    const std::wstring text =
-        FormatW(L"%d documents have unsaved changes. The ticked ones are saved; the changes of the others are lost.",
-                static_cast<int>(close.rows->size()));
+    const std::wstring text = FormatW(
+        Text(L"%d documents have unsaved changes. The ticked ones are saved; the changes of the others are lost."),
+        static_cast<int>(close.rows->size()));
     SetDlgItemTextW(dialog, IDC_CLOSE_WHAT, text.c_str());
     close.list.inDialog = true;
     if (!ListViewCreate(close.list, dialog, IDC_CLOSE_LIST)) return;
@@ -85,8 +87,8 @@ INT_PTR CALLBACK CloseDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM l
 
 // A test, or a self-test run, answers in the user's place: Yes saves all.
 CloseAnswer AnsweredInstead() {
-    const Answer answer = AskUser({.caption = L"Unsaved Changes",
-                                   .text = L"Several documents have unsaved changes.",
+    const Answer answer = AskUser({.caption = Text(L"Unsaved Changes"),
+                                   .text = Text(L"Several documents have unsaved changes."),
                                    .buttons = AskButtons::YesNoCancel,
                                    .icon = AskIcon::Question,
                                    .inSelftest = Answer::No});

@@ -2,6 +2,7 @@
 #include "documents/document_load.h"
 
 #include "base/decode.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "documents/file_work.h"
 #include "editor/editor_pane.h"
@@ -127,7 +128,7 @@ LoadEnd DocumentRead(const wchar_t* path, const wchar_t* label, LoadedFile* file
     job->path = path;
     job->code = code;
     const bool ended = FileWorkRun(
-        {.verb = L"Opening", .label = label, .progress = job->progress, .work = [job] { ReadOnWorker(*job); }});
+        {.verb = Text(L"Opening"), .label = label, .progress = job->progress, .work = [job] { ReadOnWorker(*job); }});
     if (!ended || job->progress->cancel) return LoadEnd::Cancelled;
     *file = std::move(job->file);
     return job->end;

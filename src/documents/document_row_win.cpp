@@ -3,6 +3,7 @@
 
 #include "base/events.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "documents/document_load.h"
 #include "documents/nav_history.h"
 #include "documents/row_rules.h"
@@ -184,7 +185,7 @@ bool TabBarRead(int index) {
     if (end != LoadEnd::Done || index < 0) {
         if (tab.editor != nullptr) DestroyWindow(tab.editor);
         if (end != LoadEnd::Cancelled && index >= 0)
-            ErrorMessage(L"Failed to open file: %s%s", tab.path, LoadFailureText(end).c_str());
+            ErrorMessage(Text(L"Failed to open file: %s%s"), tab.path, LoadFailureText(end).c_str());
         return false;
     }
     TabAt(index) = tab;

@@ -2,6 +2,7 @@
 #include "documents/editor_format.h"
 
 #include "base/events.h"
+#include "base/texts.h"
 #include "documents/document_row.h"
 #include "documents/documents_state.h"
 #include "editor/editor_pane.h"
@@ -74,7 +75,8 @@ LRESULT PositionOf(HWND editor, const KeptPlace& kept) {
 void TellFormatted(HWND editor, const wchar_t* text) { g_events.documentStatus(DocumentOfEditor(editor), text); }
 
 std::wstring FormattedText(std::size_t changed) {
-    return L"Formatted: " + std::to_wstring(changed) + (changed == 1 ? L" line changed" : L" lines changed");
+    return TextWith(changed == 1 ? L"Formatted: {1} line changed" : L"Formatted: {1} lines changed",
+                    {std::to_wstring(changed)});
 }
 
 }  // namespace
@@ -91,13 +93,13 @@ void EditorFormat(HWND editor, bool selectionOnly) {
                                    .upperKeywords = g_settings.autoUpperKeywords != 0,
                                    .dialect = &EditorPaneDialect(editor)};
     LongWork work(
-        L"Formatting", [](const wchar_t* progress) { g_events.statusText(progress); });
+        Text(L"Formatting"), [](const wchar_t* progress) { g_events.statusText(progress); });
     const std::string formatted = FormatBasicLines(all, options, lines.first, lines.last,
                                                    [&work](double share) { return work.GoesOn(share / 2); });
     const std::string_view text =
         std::string_view(all).substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start));
     if (formatted == text && !work.Stopped()) {
-        TellFormatted(editor, L"Formatted: nothing had to be changed");
+        TellFormatted(editor, Text(L"Formatted: nothing had to be changed"));
         return;
     }
     const KeptPlace caret = KeepPlace(editor, PaneSend(editor, SCI_GETCURRENTPOS));
@@ -106,7 +108,8 @@ void EditorFormat(HWND editor, bool selectionOnly) {
     const std::vector<LineReplacement> changes =
         work.Stopped() ? std::vector<LineReplacement>() : LineReplacements(text, formatted);
     if (!work.Stopped()) ReplaceLines(editor, start, changes, work);
-    TellFormatted(editor, work.Stopped() ? L"Stopped: nothing was formatted" : FormattedText(changes.size()).c_str());
+    TellFormatted(editor,
+                  work.Stopped() ? Text(L"Stopped: nothing was formatted") : FormattedText(changes.size()).c_str());
     PaneSend(editor, SCI_SETSEL, PositionOf(editor, anchor), PositionOf(editor, caret));
     PaneSend(editor, SCI_SETFIRSTVISIBLELINE, topLine);
 }

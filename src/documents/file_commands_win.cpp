@@ -6,6 +6,7 @@
 #include "base/handles.h"
 #include "base/log.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "documents/close_question.h"
 #include "documents/document_load.h"
@@ -36,7 +37,7 @@ bool ResolveInputPath(const wchar_t* input, wchar_t* out, std::size_t capacity, 
     if (PathNormalizeInput(input, out, capacity)) return true;
     AppLogMsg(L"FAIL: FileOpen path does not fit: %s", input);
     if (quiet) return false;
-    ErrorMessage(L"Failed to open file: %s\n\nThe path is not valid or longer than %d characters.", input,
+    ErrorMessage(Text(L"Failed to open file: %s\n\nThe path is not valid or longer than %d characters."), input,
                  static_cast<int>(capacity - 1));
     return false;
 }
@@ -52,7 +53,7 @@ void SelectCompilerFor(const wchar_t* path) {
 
 // A self-test run saves nothing.
 Answer AskSaveChanges(const wchar_t* label) {
-    return AskUser({.caption = L"Unsaved Changes",
+    return AskUser({.caption = Text(L"Unsaved Changes"),
                     .text = SaveQuestion(label).c_str(),
                     .buttons = AskButtons::YesNoCancel,
                     .icon = AskIcon::Question,
@@ -74,9 +75,9 @@ Opened ShowDocument(const wchar_t* file, bool quiet) {
     const int tab = TabBarAdd(file, label, &why);
     if (tab < 0) {
         if (why == LoadEnd::Cancelled)
-            g_events.documentStatus(ActiveDocumentId(), FormatW(L"Opening %s was cancelled", label).c_str());
+            g_events.documentStatus(ActiveDocumentId(), FormatW(Text(L"Opening %s was cancelled"), label).c_str());
         else if (!quiet)
-            ErrorMessage(L"Failed to open file: %s%s", file, LoadFailureText(why).c_str());
+            ErrorMessage(Text(L"Failed to open file: %s%s"), file, LoadFailureText(why).c_str());
         return Opened::Failed;
     }
     TabBarSelect(tab);

@@ -2,6 +2,7 @@
 
 #include "base/path.h"
 #include "base/system_error.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "documents/file_commands.h"
 #include "documents/file_dialog_texts.h"
@@ -37,7 +38,7 @@ bool AskSavePath(std::wstring& path, const wchar_t* folder) { return AskSourcePa
 
 bool OfferFolder(const std::wstring& folder) {
     if (!PathAnswers(folder.c_str()) || DirectoryExists(folder.c_str())) return true;
-    const std::wstring text = FormatW(L"The folder %s does not exist.\n\nMake it?", folder.c_str());
+    const std::wstring text = FormatW(Text(L"The folder %s does not exist.\n\nMake it?"), folder.c_str());
     const Answer answer = AskUser({.caption = kProgramCaption,
                                    .text = text.c_str(),
                                    .buttons = AskButtons::YesNo,
@@ -46,6 +47,6 @@ bool OfferFolder(const std::wstring& folder) {
     if (answer != Answer::Yes) return false;
     if (MakeFolder(folder)) return true;
     const std::wstring reason = SystemErrorText(GetLastError());
-    ErrorMessage(L"The folder %s could not be made.\n\n%s", folder.c_str(), reason.c_str());
+    ErrorMessage(Text(L"The folder %s could not be made.\n\n%s"), folder.c_str(), reason.c_str());
     return false;
 }

@@ -1,6 +1,7 @@
 #include "documents/file_form_commands.h"
 
 #include "base/events.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
@@ -21,7 +22,7 @@ void MarkForSave(int tab) {
 }
 
 void TellNextSave(int tab, const wchar_t* form) {
-    g_events.documentStatus(TabAt(tab).id, FormatW(L"%s will be saved as %s", TabAt(tab).label, form).c_str());
+    g_events.documentStatus(TabAt(tab).id, FormatW(Text(L"%s will be saved as %s"), TabAt(tab).label, form).c_str());
 }
 
 }  // namespace
@@ -47,7 +48,8 @@ void DocumentReopen(int command) {
     if (!read) TabAt(now).readAs = before;
     if (read) TabAt(now).formConfirmed = true;
     if (read)
-        g_events.documentStatus(id, FormatW(L"Read as %s", EncodingName(TabAt(now).encoding, TabAt(now).form)).c_str());
+        g_events.documentStatus(
+            id, FormatW(Text(L"Read as %s"), EncodingName(TabAt(now).encoding, TabAt(now).form)).c_str());
     g_events.refreshWanted();
 }
 
@@ -58,7 +60,7 @@ void DocumentSetEnding(int command) {
     const EndingChange change = ChooseLineEnding(document, static_cast<LineEnding>(command - IDM_ENDING_CRLF));
     if (change == EndingChange::Refused)
         g_events.documentStatus(document.id,
-                                L"The file holds NUL bytes: its line breaks are data and stay as they are");
+                                Text(L"The file holds NUL bytes: its line breaks are data and stay as they are"));
     if (change != EndingChange::Changed) return;
     const HWND editor = document.editor;
     TabBarUpdateLineEnding(tab);

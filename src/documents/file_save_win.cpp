@@ -7,6 +7,7 @@
 #include "base/log.h"
 #include "base/path.h"
 #include "base/system_error.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "documents/document_row.h"
 #include "documents/file_dialogs.h"
@@ -95,7 +96,7 @@ std::wstring NoteFailedSave(DocumentId document, const wchar_t* path, const Save
     AppLogMsg(L"FAIL: FileSave end=%d error=%lu path=%s", static_cast<int>(report.end), report.error, path);
     if (!copy.empty()) {
         AppLogMsg(L"FAIL: FileSave, the new text is kept in %s", copy.c_str());
-        g_events.documentStatus(document, FormatW(L"Not saved. The text is kept in %s", copy.c_str()).c_str());
+        g_events.documentStatus(document, FormatW(Text(L"Not saved. The text is kept in %s"), copy.c_str()).c_str());
         g_save.failed = document;
     }
     const std::wstring reason = report.error != 0 ? SystemErrorText(report.error) : std::wstring{};
@@ -155,7 +156,7 @@ bool LookAtText(const std::shared_ptr<SaveJob>& job, ULONGLONG began) {
         LookAtCharacters(*job);
         return true;
     }
-    const bool ended = FileWorkRun({.verb = L"Saving",
+    const bool ended = FileWorkRun({.verb = Text(L"Saving"),
                                     .label = std::wstring{job->binding.label}.c_str(),
                                     .progress = job->progress,
                                     .work = [job] { LookAtCharacters(*job); },
@@ -184,7 +185,7 @@ bool WriteOnWorker(DocumentId document, const std::shared_ptr<SaveJob>& job, ULO
     job->backUp = g_settings.backupOnSave != 0;
     const HWND editor = TabAt(TabBarFindDocument(document)).editor;
     SciSend(editor, SCI_SETREADONLY, TRUE);
-    const bool ended = FileWorkRun({.verb = L"Saving",
+    const bool ended = FileWorkRun({.verb = Text(L"Saving"),
                                     .label = std::wstring{job->binding.label}.c_str(),
                                     .progress = job->progress,
                                     .work = [job] { SaveOnWorker(*job); },
@@ -197,7 +198,7 @@ bool WriteOnWorker(DocumentId document, const std::shared_ptr<SaveJob>& job, ULO
 
 int TellCancelledSave(DocumentId document, const FileBinding& binding) {
     g_events.documentStatus(document,
-                            FormatW(L"Saving %s was cancelled; the file is as it was", binding.label).c_str());
+                            FormatW(Text(L"Saving %s was cancelled; the file is as it was"), binding.label).c_str());
     return 0;
 }
 
@@ -257,9 +258,9 @@ OutsideAnswer AskAboutChange(DocumentId document) {
     const DocumentTab& tab = TabAt(TabBarFindDocument(document));
     OutsideQuestion question{.caption = kProgramCaption,
                              .text = OutsideSaveText(tab.label),
-                             .first = L"&Overwrite",
-                             .second = L"&Save As...",
-                             .later = L"Cancel",
+                             .first = Text(L"&Overwrite"),
+                             .second = Text(L"&Save As..."),
+                             .later = Text(L"Cancel"),
                              .enterIsLater = true,
                              .inSelftest = OutsideAnswer::First,
                              .rows = {}};
@@ -284,7 +285,7 @@ SaveNext AskAboutReadOnly(const wchar_t* path, const std::wstring& told) {
     if (attributes != INVALID_FILE_ATTRIBUTES &&
         SetFileAttributesW(system.c_str(), attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY)) != FALSE)
         return SaveNext::Again;
-    ErrorMessage(L"The file stays read-only: %s\n\n%s", path, SystemErrorText(GetLastError()).c_str());
+    ErrorMessage(Text(L"The file stays read-only: %s\n\n%s"), path, SystemErrorText(GetLastError()).c_str());
     return SaveNext::NotSaved;
 }
 
@@ -355,7 +356,7 @@ bool AskNewPath(DocumentId document, wchar_t* out, std::size_t capacity) {
     if (!OfferFolder(FolderOf(out))) return false;
     const int other = TabBarFindFile(out);
     if (other >= 0 && TabAt(other).id != document) {
-        ErrorMessage(L"%s is open in another tab. Close it there first, or choose another name.", out);
+        ErrorMessage(Text(L"%s is open in another tab. Close it there first, or choose another name."), out);
         return false;
     }
     return true;

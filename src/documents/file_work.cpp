@@ -1,6 +1,8 @@
 // The wait for a file that is being read or written, and the text about it. Pure.
 #include "documents/file_work.h"
 
+#include "base/texts.h"
+
 #include <algorithm>
 
 bool WorkIsShown(const WorkWatch& watch, std::uint64_t now) { return now - watch.began >= kQuietMs; }
@@ -16,8 +18,8 @@ std::wstring FileWorkText(const wchar_t* verb, const wchar_t* label, const FileP
     const std::uint64_t total = progress.total;
     if (total > 0) text += L": " + std::to_wstring(std::min<std::uint64_t>(progress.done * 100 / total, 100)) + L" %";
     if (progress.cancel)
-        text += L" (stopping)";
+        text += Text(L" (stopping)");
     else if (progress.mayCancel)
-        text += L" (Esc cancels)";
+        text += Text(L" (Esc cancels)");
     return text;
 }

@@ -2,6 +2,7 @@
 #include "documents/file_commands.h"
 
 #include "base/log.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "documents/document_place.h"
 #include "documents/document_row.h"
@@ -50,10 +51,10 @@ void FillGotoDialog(HWND dialog, GotoTarget& target) {
     SetGotoNumber(dialog, IDC_GOTO_COLUMN, target.shownColumn);
     // The status bar counts from 1.
     SetDlgItemTextW(dialog, IDC_GOTO_SHOWN,
-                    FormatW(L"from 0 (shown as Col %ld)", static_cast<long>(target.shownColumn + 1)).c_str());
+                    FormatW(Text(L"from 0 (shown as Col %ld)"), static_cast<long>(target.shownColumn + 1)).c_str());
     wchar_t procedure[kProcedureCapacity];
     EditorPaneProcedureLine(g_documents.hEditor, procedure, kProcedureCapacity);
-    SetDlgItemTextW(dialog, IDC_GOTO_PROCEDURE, procedure[0] != L'\0' ? procedure : L"no procedure");
+    SetDlgItemTextW(dialog, IDC_GOTO_PROCEDURE, procedure[0] != L'\0' ? procedure : Text(L"no procedure"));
     const HWND line = GetDlgItem(dialog, IDC_GOTO_LINE);
     SendMessageW(line, EM_SETSEL, 0, -1);
     SetFocus(line);

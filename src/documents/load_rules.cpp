@@ -1,6 +1,8 @@
 // What can be opened. Pure.
 #include "documents/load_rules.h"
 
+#include "base/texts.h"
+
 LoadWay LoadWayOf(std::int64_t size, bool remote) {
     if (size > static_cast<std::int64_t>(kLargestText)) return LoadWay::Refused;
     return remote || size >= kLargeFile ? LoadWay::Worker : LoadWay::Direct;
@@ -20,12 +22,12 @@ LoadEnd LoadEndOf(PiecesEnd end) {
 
 std::wstring LoadFailureText(LoadEnd end) {
     switch (end) {
-        case LoadEnd::TooLarge: return L"\n\nThe file is too large: the editor holds texts of less than 2 GB.";
+        case LoadEnd::TooLarge: return Text(L"\n\nThe file is too large: the editor holds texts of less than 2 GB.");
         case LoadEnd::LineTooLong:
-            return L"\n\nThe file has a line of more than " + std::to_wstring(kLargestLine >> 20) +
-                   L" MB, which the editor cannot show.";
-        case LoadEnd::NoMemory: return L"\n\nThere is not enough memory for it.";
-        case LoadEnd::Cancelled: return L"\n\nOpening it was cancelled.";
+            return TextWith(L"\n\nThe file has a line of more than {1} MB, which the editor cannot show.",
+                            {std::to_wstring(kLargestLine >> 20)});
+        case LoadEnd::NoMemory: return Text(L"\n\nThere is not enough memory for it.");
+        case LoadEnd::Cancelled: return Text(L"\n\nOpening it was cancelled.");
         case LoadEnd::Done:
         case LoadEnd::Unreadable: break;
     }
@@ -33,6 +35,7 @@ std::wstring LoadFailureText(LoadEnd end) {
 }
 
 std::wstring PlainNotice(const wchar_t* label) {
-    return std::wstring{label} +
-           L" has a very long line or is very large. It is shown plain: without colours, folding and word wrap.";
+    return TextWith(
+        L"{1} has a very long line or is very large. It is shown plain: without colours, folding and word wrap.",
+        {label});
 }

@@ -5,6 +5,7 @@
 #include "base/difference.h"
 #include "base/log.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/worker.h"
 #include "documents/document_row.h"
 #include "files/file_io.h"
@@ -32,10 +33,10 @@ constexpr int kListUnits = 96;                   // height of the list with its 
 constexpr int kDifferenceUnits = 126;            // the same of the difference with its label
 constexpr int kShorterTextUnits = 18;            // what the text above a list does not need
 
-constexpr std::array<ListColumn, 4> kColumns = {{{L"File", 30, 14, false},
-                                                 {L"What", 22, 9, false},
-                                                 {L"Unsaved changes", 16, 8, false},
-                                                 {L"Folder", 30, 10, false}}};
+constexpr std::array<ListColumn, 4> kColumns = {{{English(L"File"), 30, 14, false},
+                                                 {English(L"What"), 22, 9, false},
+                                                 {English(L"Unsaved changes"), 16, 8, false},
+                                                 {English(L"Folder"), 30, 10, false}}};
 
 struct OutsideDialog {
     OutsideQuestion* question = nullptr;
@@ -82,11 +83,11 @@ void CompareWithFile(FileComparisonWish& wish, const WorkerCancel&) {
     done->document = wish.document;
     std::string onDisk;
     if (!ReadFileText(wish.path, &onDisk)) {
-        done->what = L"The file is not there, or cannot be read at the moment.";
+        done->what = Text(L"The file is not there, or cannot be read at the moment.");
     } else {
         done->lines = DifferenceOf(onDisk, wish.text, kMostLines);
-        done->what = done->lines.empty() ? L"The lines of the file and of the document are the same."
-                                         : L"- only in the file, + only in the document:";
+        done->what = done->lines.empty() ? Text(L"The lines of the file and of the document are the same.")
+                                         : Text(L"- only in the file, + only in the document:");
     }
     WorkerPost(wish.dialog, MSG_OUTSIDE_COMPARED, std::move(done));
 }
@@ -111,9 +112,9 @@ void CompareChosen(OutsideDialog& outside) {
     SetWindowTextW(outside.difference, L"");
     const HWND editor = TabAt(tab).editor;
     const auto length = static_cast<std::size_t>(SciSend(editor, SCI_GETLENGTH));
-    const wchar_t* what = L"Comparing...";
+    const wchar_t* what = Text(L"Comparing...");
     if (length > kMostCompared) {
-        what = L"The text is too large to be compared here.";
+        what = Text(L"The text is too large to be compared here.");
     } else {
         const auto* text = reinterpret_cast<const char*>(SciSend(editor, SCI_GETCHARACTERPOINTER));
         const OutsideChange& change = TabAt(tab).outside;
@@ -130,10 +131,11 @@ void CompareChosen(OutsideDialog& outside) {
 void ShowOutsideRows(OutsideDialog& outside) {
     outside.content.rows.clear();
     for (const OutsideRow& row : outside.question->rows)
-        outside.content.rows.push_back({.cells = {row.label, row.what, row.modified ? L"yes" : L"", FolderOf(row.path)},
-                                        .mark = !row.mayTick ? ListMark::None
-                                                : row.ticked ? ListMark::Checked
-                                                             : ListMark::Unchecked});
+        outside.content.rows.push_back(
+            {.cells = {row.label, row.what, row.modified ? Text(L"yes") : L"", FolderOf(row.path)},
+             .mark = !row.mayTick ? ListMark::None
+                     : row.ticked ? ListMark::Checked
+                                  : ListMark::Unchecked});
     ListViewUpdate(outside.list, outside.content);
     const bool any = std::ranges::any_of(outside.question->rows, &OutsideRow::ticked);
     EnableWindow(GetDlgItem(outside.dialog, IDC_OUTSIDE_FIRST), any);
@@ -211,7 +213,7 @@ void ShowListPart(OutsideDialog& outside) {
     outside.list.inDialog = true;
     if (!ListViewCreate(outside.list, outside.dialog, IDC_OUTSIDE_LIST)) return;
     DialogPutInPlace(outside.dialog, IDC_OUTSIDE_LIST, outside.list.window);
-    AccessibleNameSet(outside.list.window, L"Files");
+    AccessibleNameSet(outside.list.window, Text(L"Files"));
     ListViewApplyTheme(outside.list);
     ListViewShow(outside.list, kOutsideList);
     ShowOutsideRows(outside);

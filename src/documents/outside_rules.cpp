@@ -1,6 +1,8 @@
 // Decisions about files that other programs change, and their texts. Pure.
 #include "documents/outside_rules.h"
 
+#include "base/texts.h"
+
 OutsideKind OutsideKindOf(FileChange change, bool moved) {
     switch (change) {
         case FileChange::Changed: return OutsideKind::Changed;
@@ -60,10 +62,11 @@ bool FailedSaveKeptText(SaveEnd end, const FileState& known, const FileState& no
 
 std::wstring OutsideWhatText(const OutsideChange& change) {
     switch (change.kind) {
-        case OutsideKind::Changed: return L"changed";
-        case OutsideKind::Replaced: return L"replaced";
-        case OutsideKind::Gone: return L"deleted";
-        case OutsideKind::Moved: return L"renamed to " + change.movedTo.substr(change.movedTo.find_last_of(L'\\') + 1);
+        case OutsideKind::Changed: return Text(L"changed");
+        case OutsideKind::Replaced: return Text(L"replaced");
+        case OutsideKind::Gone: return Text(L"deleted");
+        case OutsideKind::Moved:
+            return TextWith(L"renamed to {1}", {change.movedTo.substr(change.movedTo.find_last_of(L'\\') + 1)});
         case OutsideKind::None: break;
     }
     return {};
@@ -71,46 +74,54 @@ std::wstring OutsideWhatText(const OutsideChange& change) {
 
 std::wstring OutsideTipText(const OutsideChange& change, bool readOnly) {
     switch (change.kind) {
-        case OutsideKind::Changed: return L"Changed by another program since it was read";
-        case OutsideKind::Replaced: return L"Replaced by another file since it was read";
-        case OutsideKind::Gone: return L"The file was deleted; its text is only here";
-        case OutsideKind::Moved: return L"Renamed by another program to " + change.movedTo;
+        case OutsideKind::Changed: return Text(L"Changed by another program since it was read");
+        case OutsideKind::Replaced: return Text(L"Replaced by another file since it was read");
+        case OutsideKind::Gone: return Text(L"The file was deleted; its text is only here");
+        case OutsideKind::Moved: return TextWith(L"Renamed by another program to {1}", {change.movedTo});
         case OutsideKind::None: break;
     }
-    return readOnly ? L"The file is read-only" : std::wstring{};
+    return readOnly ? Text(L"The file is read-only") : std::wstring{};
 }
 
 std::wstring OutsideReloadText(const std::wstring& label, OutsideKind kind, bool modified) {
-    return label +
-           (kind == OutsideKind::Replaced ? L" was replaced by another program."
-                                          : L" was changed by another program.") +
-           (modified ? L" It also has unsaved changes here, which a reload takes away; Undo brings them back."
-                     : L" It has no unsaved changes here.") +
-           L"\n\nReload it from the disk?";
+    const std::wstring what = TextWith(kind == OutsideKind::Replaced ? L"{1} was replaced by another program."
+                                                                     : L"{1} was changed by another program.",
+                                       {label});
+    const std::wstring edits =
+        modified ? Text(L"It also has unsaved changes here, which a reload takes away; Undo brings them back.")
+                 : Text(L"It has no unsaved changes here.");
+    return what + L" " + edits + L"\n\n" + Text(L"Reload it from the disk?");
 }
 
 std::wstring OutsideListText(std::size_t count, bool anyMoved) {
-    return std::to_wstring(count) + L" open files were changed by other programs. The ticked ones are reloaded" +
-           (anyMoved ? L", or have their new name from now on" : L"") +
-           L"; the others stay as they are here. Undo takes a reload back.";
+    return TextWith(anyMoved
+                        ? L"{1} open files were changed by other programs. The ticked ones are reloaded, or have "
+                          L"their new name from now on; the others stay as they are here. Undo takes a reload back."
+                        : L"{1} open files were changed by other programs. The ticked ones are reloaded; the others "
+                          L"stay as they are here. Undo takes a reload back.",
+                    {std::to_wstring(count)});
 }
 
 std::wstring OutsideGoneText(const std::wstring& label) {
-    return label + L" was deleted by another program. Its text is still here; a save writes the file again.";
+    return TextWith(L"{1} was deleted by another program. Its text is still here; a save writes the file again.",
+                    {label});
 }
 
 std::wstring OutsideMovedText(const std::wstring& label, const std::wstring& newLabel) {
-    return label + L" was renamed to " + newLabel +
-           L" by another program.\n\nUse the new name for this document?\n\nYes: it is " + newLabel +
-           L" from now on\nNo: it keeps its name, and a save writes the file again";
+    return TextWith(
+        L"{1} was renamed to {2} by another program.\n\nUse the new name for this document?\n\nYes: it is {3} from now "
+        L"on\nNo: it keeps its name, and a save writes the file again",
+        {label, newLabel, newLabel});
 }
 
 std::wstring OutsideReadOnlyText(const std::wstring& label) {
-    return label + L" was made read-only by another program. It can be edited, but not saved under this name.";
+    return TextWith(L"{1} was made read-only by another program. It can be edited, but not saved under this name.",
+                    {label});
 }
 
 std::wstring OutsideSaveText(const std::wstring& label) {
-    return label +
-           L" was changed by another program since it was read or saved here. Saving overwrites these changes.\n\n"
-           L"Overwrite the file?";
+    return TextWith(
+        L"{1} was changed by another program since it was read or saved here. Saving overwrites these "
+        L"changes.\n\nOverwrite the file?",
+        {label});
 }

@@ -3,6 +3,7 @@
 
 #include "base/events.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/worker.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
@@ -211,9 +212,9 @@ void AskToReload(const DocumentTab& tab) {
     const DocumentId document = tab.id;
     OutsideQuestion question{.caption = kProgramCaption,
                              .text = OutsideReloadText(tab.label, tab.outside.kind, tab.modified),
-                             .first = L"&Reload",
-                             .second = L"&Keep Mine",
-                             .later = L"&Later",
+                             .first = Text(L"&Reload"),
+                             .second = Text(L"&Keep Mine"),
+                             .later = Text(L"&Later"),
                              .enterIsLater = tab.modified,
                              .rows = {RowOf(tab)}};
     const OutsideAnswer answer = OutsideDialogShow(question);
@@ -261,9 +262,9 @@ void AskAboutMany(const std::vector<DocumentId>& documents) {
     }
     OutsideQuestion question{.caption = kProgramCaption,
                              .text = OutsideListText(documents.size(), anyMoved),
-                             .first = anyMoved ? L"&Take Ticked" : L"&Reload Ticked",
-                             .second = L"&Keep All",
-                             .later = L"&Later",
+                             .first = anyMoved ? Text(L"&Take Ticked") : Text(L"&Reload Ticked"),
+                             .second = Text(L"&Keep All"),
+                             .later = Text(L"&Later"),
                              .rows = std::move(rows)};
     const OutsideAnswer answer = OutsideDialogShow(question);
     if (answer == OutsideAnswer::Later) return;

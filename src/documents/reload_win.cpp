@@ -4,6 +4,7 @@
 
 #include "base/events.h"
 #include "base/log.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "documents/document_load.h"
 #include "documents/document_row.h"
@@ -48,7 +49,7 @@ void RestoreView(HWND editor, const ViewPosition& view) {
 // Asks before unsaved changes are lost, although Undo brings most of them back.
 bool MayDiscardChanges(const DocumentTab& document) {
     if (!document.modified) return true;
-    return AskUser({.caption = L"Unsaved Changes",
+    return AskUser({.caption = Text(L"Unsaved Changes"),
                     .text = ReloadQuestion(document.label).c_str(),
                     .buttons = AskButtons::YesNo,
                     .icon = AskIcon::Question,
@@ -158,7 +159,7 @@ int ReloadFromDisk(DocumentId id, ReloadFailure failure) {
     tab = TabBarFindDocument(id);
     if (tab < 0) return 0;
     if (end == LoadEnd::Cancelled) {
-        g_events.documentStatus(id, FormatW(L"Reloading %s was cancelled", TabAt(tab).label).c_str());
+        g_events.documentStatus(id, FormatW(Text(L"Reloading %s was cancelled"), TabAt(tab).label).c_str());
         return 0;
     }
     if (end == LoadEnd::Done && !ShowReloaded(tab, std::move(file))) {
@@ -166,11 +167,11 @@ int ReloadFromDisk(DocumentId id, ReloadFailure failure) {
         UnbindCutDocument(tab);
     }
     if (end != LoadEnd::Done && failure == ReloadFailure::Status) {
-        g_events.documentStatus(id, FormatW(L"Failed to reload file: %s", path.c_str()).c_str());
+        g_events.documentStatus(id, FormatW(Text(L"Failed to reload file: %s"), path.c_str()).c_str());
         return 0;
     }
     if (end != LoadEnd::Done) {
-        ErrorMessage(L"Failed to reload file: %s%s", path.c_str(), LoadFailureText(end).c_str());
+        ErrorMessage(Text(L"Failed to reload file: %s%s"), path.c_str(), LoadFailureText(end).c_str());
         return 0;
     }
     TabAt(tab).modified = false;

@@ -2,6 +2,7 @@
 #include "documents/save_rules.h"
 
 #include "base/path.h"
+#include "base/texts.h"
 
 namespace {
 
@@ -49,19 +50,17 @@ FormChoice ChooseForm(FileBinding& binding, bool sameFile, const std::function<A
     const std::wstring label = binding.label;
     if (binding.form.inexact && sameFile) {
         const Answer answer = ask(
-            label +
-            L" holds bytes that the system's code page cannot decode. Saving over it loses them, also in lines that "
-            L"you "
-            L"did not change.\n\nSave under another name instead?\n\nYes: choose another name, this file stays as it "
-            L"is\nNo: save over this file, these bytes are lost\nCancel: do not save");
+            TextWith(L"{1} holds bytes that the system's code page cannot decode. Saving over it loses them, also in "
+                     L"lines that you did not change.\n\nSave under another name instead?\n\nYes: choose another name, "
+                     L"this file stays as it is\nNo: save over this file, these bytes are lost\nCancel: do not save",
+                     {label}));
         if (answer != Answer::No) return answer == Answer::Yes ? FormChoice::OtherName : FormChoice::Cancel;
     }
     if (binding.form.utf16 != Utf16Order::None && !binding.formConfirmed) {
         const Answer answer =
-            ask(label +
-                L" is UTF-16 text, which most compilers do not read.\n\nKeep it UTF-16?\n\nYes: "
-                L"save as UTF-16, as the file is now\nNo: save as " +
-                (binding.encoding == TextEncoding::Ansi ? L"ANSI" : L"UTF-8") + L"\nCancel: do not save");
+            ask(TextWith(L"{1} is UTF-16 text, which most compilers do not read.\n\nKeep it UTF-16?\n\nYes: save as "
+                         L"UTF-16, as the file is now\nNo: save as {2}\nCancel: do not save",
+                         {label, (binding.encoding == TextEncoding::Ansi ? L"ANSI" : L"UTF-8")}));
         if (answer == Answer::Cancel) return FormChoice::Cancel;
         binding.formConfirmed = answer == Answer::Yes;
         if (answer == Answer::No) binding.form.utf16 = Utf16Order::None;
@@ -76,52 +75,56 @@ bool SaveAsksAboutForm(const FileBinding& binding) {
 
 std::wstring FailedSaveText(const wchar_t* path, const SaveReport& report, const std::wstring& systemText,
                             const std::wstring& copy) {
-    std::wstring text = std::wstring{L"Failed to save file: "} + path + L"\n\n";
+    std::wstring text = std::wstring{Text(L"Failed to save file: ")} + path + L"\n\n";
     switch (report.end) {
         case SaveEnd::Saved:
         case SaveEnd::Cancelled: break;
-        case SaveEnd::NotEncoded: text += L"There is not enough memory to convert the text."; break;
-        case SaveEnd::ReadOnly: text += L"The file is read-only."; break;
+        case SaveEnd::NotEncoded: text += Text(L"There is not enough memory to convert the text."); break;
+        case SaveEnd::ReadOnly: text += Text(L"The file is read-only."); break;
         case SaveEnd::NoCopy:
-            text += L"No recovery copy of the text could be written, and without one the file is not overwritten.";
+            text +=
+                Text(L"No recovery copy of the text could be written, and without one the file is not overwritten.");
             break;
-        case SaveEnd::NoRoom: text += L"There is not enough room on the disk. The file is as it was."; break;
-        case SaveEnd::NotOpened: text += L"The file could not be opened for writing and is as it was."; break;
-        case SaveEnd::NotWritten: text += L"The file may be incomplete, because writing it failed."; break;
-        case SaveEnd::Different: text += L"The file is damaged: other bytes came back from the disk."; break;
+        case SaveEnd::NoRoom: text += Text(L"There is not enough room on the disk. The file is as it was."); break;
+        case SaveEnd::NotOpened: text += Text(L"The file could not be opened for writing and is as it was."); break;
+        case SaveEnd::NotWritten: text += Text(L"The file may be incomplete, because writing it failed."); break;
+        case SaveEnd::Different: text += Text(L"The file is damaged: other bytes came back from the disk."); break;
     }
-    if (!systemText.empty()) text += L"\n" + systemText + L" (error " + std::to_wstring(report.error) + L")";
-    return text + (copy.empty() ? L"\n\nThe text is only in this window." : L"\n\nThe text is kept in:\n" + copy);
+    if (!systemText.empty()) text += TextWith(L"\n{1} (error {2})", {systemText, std::to_wstring(report.error)});
+    return text + (copy.empty() ? Text(L"\n\nThe text is only in this window.")
+                                : TextWith(L"\n\nThe text is kept in:\n{1}", {copy}));
 }
 
 std::wstring ReadOnlyChoices() {
-    return L"\n\nYes: make the file writable and save\nNo: save under another name\nCancel: do not save";
+    return Text(L"\n\nYes: make the file writable and save\nNo: save under another name\nCancel: do not save");
 }
 
 std::wstring FormNotice(const FileBinding& binding) {
     const std::wstring label = binding.label;
     if (binding.form.inexact)
-        return label +
-               L" holds bytes that the system's code page cannot decode; they are shown as other characters. A save "
-               L"will ask before it writes over them.";
+        return TextWith(
+            L"{1} holds bytes that the system's code page cannot decode; they are shown as other characters. A save "
+            L"will ask before it writes over them.",
+            {label});
     if (binding.form.utf16 != Utf16Order::None)
-        return label + L" is UTF-16 text. The first save will ask in which encoding it is written.";
-    if (binding.form.keepBreaks) return label + L" holds NUL bytes. Its line breaks are saved as they are.";
+        return TextWith(L"{1} is UTF-16 text. The first save will ask in which encoding it is written.", {label});
+    if (binding.form.keepBreaks)
+        return TextWith(L"{1} holds NUL bytes. Its line breaks are saved as they are.", {label});
     return {};
 }
 
-std::wstring SaveQuestion(const wchar_t* label) { return Cut(L"Save changes to " + std::wstring{label} + L"?"); }
+std::wstring SaveQuestion(const wchar_t* label) { return Cut(TextWith(L"Save changes to {1}?", {label})); }
 
 std::wstring ReloadQuestion(const wchar_t* label) {
-    return Cut(L"Reload " + std::wstring{label} + L" and lose the changes made here?");
+    return Cut(TextWith(L"Reload {1} and lose the changes made here?", {label}));
 }
 
 std::wstring AnsiQuestion(const wchar_t* label) {
-    return std::wstring{label} +
-           L" contains characters that the system's code page (ANSI) does not have. Saved as ANSI, each of them would "
-           L"be "
-           L"replaced.\n\nSave as UTF-8 instead?\n\nYes: save as UTF-8, nothing is lost\nNo: save as ANSI, these "
-           L"characters are replaced\nCancel: do not save";
+    return TextWith(
+        L"{1} contains characters that the system's code page (ANSI) does not have. Saved as ANSI, each of them would "
+        L"be replaced.\n\nSave as UTF-8 instead?\n\nYes: save as UTF-8, nothing is lost\nNo: save as ANSI, these "
+        L"characters are replaced\nCancel: do not save",
+        {label});
 }
 
 std::wstring NameToPropose(std::wstring_view label) {

@@ -2,6 +2,7 @@
 #include "editor/caret_set.h"
 
 #include "base/events.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "editor/caret_place.h"
 #include "editor/editor_pane.h"
@@ -189,7 +190,7 @@ void CaretSelectNext(HWND editor) {
     for (;;) {
         found = FindFrom(editor, text, from, wrapped ? main.start() : length, flags);
         if (found >= 0 && !IsSelected(spans, found)) break;
-        if (found < 0 && wrapped) return Tell(editor, L"Every place is selected");
+        if (found < 0 && wrapped) return Tell(editor, Text(L"Every place is selected"));
         from = found < 0 ? 0 : found + static_cast<LRESULT>(text.size());
         wrapped = wrapped || found < 0;
     }
@@ -220,6 +221,7 @@ void CaretSelectEach(HWND editor) {
         spans.push_back({found, from});
     }
     CaretsSelect(editor, spans, mainIndex);
-    Tell(editor, spans.size() == kMostCarets ? FormatW(L"%d selections: the first ones", static_cast<int>(kMostCarets))
-                                             : FormatW(L"%d selections", static_cast<int>(spans.size())));
+    Tell(editor, spans.size() == kMostCarets
+                     ? FormatW(Text(L"%d selections: the first ones"), static_cast<int>(kMostCarets))
+                     : FormatW(Text(L"%d selections"), static_cast<int>(spans.size())));
 }

@@ -5,6 +5,7 @@
 #include "base/events.h"
 #include "base/log.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "editor/caret_place.h"
 #include "editor/editor_pane.h"
 #include "editor/line_commands.h"
@@ -265,7 +266,8 @@ LRESULT OnPaneTabKey(HWND pane, WPARAM wParam, LPARAM lParam) {
 LRESULT OnPaneGetObject(HWND pane, WPARAM wParam, LPARAM lParam) {
     const PaneState* state = PaneStateOf(pane);
     const bool named = state != nullptr && !state->path.empty();
-    const std::wstring name = named ? L"Editor, " + std::wstring(FileNameOf(state->path)) : L"Editor";
+    const std::wstring name =
+        named ? TextWith(L"Editor, {1}", {std::wstring(FileNameOf(state->path))}) : Text(L"Editor");
     return AccessibleAnswer(pane, wParam, lParam, name, SubclassNext(pane, WM_GETOBJECT, wParam, lParam));
 }
 

@@ -1,6 +1,7 @@
 #include "editor/fold_commands.h"
 
 #include "base/events.h"
+#include "base/texts.h"
 #include "editor/caret_place.h"
 #include "editor/editor_pane.h"
 #include "editor/pane_state.h"
@@ -29,9 +30,9 @@ LRESULT CaretLine(HWND editor) { return PaneSend(editor, SCI_LINEFROMPOSITION, P
 // The levels of lines come with their colours. False when the user has stopped it.
 bool LevelsAreKnown(HWND editor) {
     LongWork work(
-        L"Looking at blocks", [](const wchar_t* text) { g_events.statusText(text); });
+        Text(L"Looking at blocks"), [](const wchar_t* text) { g_events.statusText(text); });
     const bool known = EditorColourAll(editor, [&work](double share) { return work.GoesOn(share); });
-    if (work.Shown()) g_events.statusText(known ? L"" : L"Stopped: nothing was folded");
+    if (work.Shown()) g_events.statusText(known ? L"" : Text(L"Stopped: nothing was folded"));
     return known;
 }
 

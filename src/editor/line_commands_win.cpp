@@ -2,6 +2,7 @@
 #include "editor/line_commands.h"
 
 #include "base/events.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "editor/caret_place.h"
 #include "editor/caret_set.h"
@@ -288,7 +289,7 @@ void ChangeLines(HWND editor, const wchar_t* what, const std::vector<LineBlock>&
             if (!ReplaceInLines(editor, blocks[i], change, work)) break;
     }
     if (work.Stopped()) EditorPaneTakeBack(editor);
-    if (work.Shown()) g_events.statusText(work.Stopped() ? L"Stopped: nothing was changed" : L"");
+    if (work.Shown()) g_events.statusText(work.Stopped() ? Text(L"Stopped: nothing was changed") : L"");
 }
 
 // Removes a part of the text that is whole lines, with the break above them when they are the last ones.
@@ -303,7 +304,7 @@ void RemoveLines(HWND editor, LRESULT start, LRESULT end) {
 }
 
 void RemoveRepeated(HWND editor) {
-    LongWork work(L"Removing", ShowStatus);
+    LongWork work(Text(L"Removing"), ShowStatus);
     const std::vector<LineBlock> blocks = LinesOrAll(editor);
     double removed = 0;
     {
@@ -321,8 +322,8 @@ void RemoveRepeated(HWND editor) {
         }
     }
     if (work.Stopped()) EditorPaneTakeBack(editor);
-    const std::wstring said = std::to_wstring(static_cast<long long>(removed)) + L" lines removed";
-    ShowStatus(work.Stopped() ? L"Stopped: nothing was changed" : said.c_str());
+    const std::wstring said = TextWith(L"{1} lines removed", {std::to_wstring(static_cast<long long>(removed))});
+    ShowStatus(work.Stopped() ? Text(L"Stopped: nothing was changed") : said.c_str());
 }
 
 // What of each line of a selection of columns is selected; nothing for another selection.
@@ -354,7 +355,7 @@ void SortBlock(HWND editor, const LineBlock& block, bool down, LongWork& work) {
 }
 
 void SortSelected(HWND editor, bool down) {
-    LongWork work(L"Sorting", ShowStatus);
+    LongWork work(Text(L"Sorting"), ShowStatus);
     const std::vector<LineBlock> blocks = LinesOrAll(editor);
     const KeptCarets carets = CaretsKeep(editor);
     {
@@ -362,7 +363,7 @@ void SortSelected(HWND editor, bool down) {
         for (std::size_t i = blocks.size(); i-- > 0 && !work.Stopped();) SortBlock(editor, blocks[i], down, work);
     }
     if (work.Stopped()) EditorPaneTakeBack(editor);
-    if (work.Shown()) g_events.statusText(work.Stopped() ? L"Stopped: nothing was sorted" : L"");
+    if (work.Shown()) g_events.statusText(work.Stopped() ? Text(L"Stopped: nothing was sorted") : L"");
     CaretsRestore(editor, carets, {});
 }
 
@@ -453,12 +454,12 @@ void DoLineCommand(HWND editor, int command) {
         case IDM_LINES_SORT:
         case IDM_LINES_SORT_DOWN: return SortSelected(editor, command == IDM_LINES_SORT_DOWN);
         case IDM_LINES_UNIQUE: return RemoveRepeated(editor);
-        case IDM_LINES_TRIM: return ChangeLines(editor, L"Trimming", LinesOrAll(editor), TrimLineEnds);
+        case IDM_LINES_TRIM: return ChangeLines(editor, Text(L"Trimming"), LinesOrAll(editor), TrimLineEnds);
         case IDM_TABS_TO_BLANKS:
-            return ChangeLines(editor, L"Converting", LinesOrAll(editor),
+            return ChangeLines(editor, Text(L"Converting"), LinesOrAll(editor),
                                [width](std::string_view text) { return TabsToBlanks(text, width); });
         case IDM_BLANKS_TO_TABS:
-            return ChangeLines(editor, L"Converting", LinesOrAll(editor),
+            return ChangeLines(editor, Text(L"Converting"), LinesOrAll(editor),
                                [width](std::string_view text) { return BlanksToTabs(text, width); });
         default: return ChangeCase(editor, command);
     }
@@ -481,7 +482,7 @@ void EditorErase(HWND editor, const std::function<void()>& erase) {
     LineMarksPut(editor, std::move(marks));
     if (const PaneState* const pane = PaneStateOf(editor); pane != nullptr)
         g_events.documentStatus(pane->document,
-                                L"Bookmarks and breakpoints went with the lines; undo brings them back");
+                                Text(L"Bookmarks and breakpoints went with the lines; undo brings them back"));
 }
 
 void EditorCut(HWND editor) {
@@ -517,7 +518,7 @@ void EditorToggleComment(HWND editor) {
     }
     const bool alone = CaretsAreEmpty(editor);
     const auto main = static_cast<std::size_t>(PaneSend(editor, SCI_GETMAINSELECTION));
-    ChangeLines(editor, L"Commenting", MergedBlocks(CaretLines(editor)),
+    ChangeLines(editor, Text(L"Commenting"), MergedBlocks(CaretLines(editor)),
                 [mark](std::string_view text) { return ToggleLineComments(text, mark); });
     for (std::size_t i = 0; alone && i < spans.size(); ++i) {
         const auto& [line, bytes] = fromEnd[i];

@@ -1,6 +1,7 @@
 // Recovery copies on disk. Any thread, because a lock guards the list of the copies that failed saves have left.
 #include "files/recovery.h"
 
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "files/file_io.h"
 #include "files/session_file.h"

@@ -1,6 +1,7 @@
 // The error list: the records of `g_output.errors` in a list with their signs. UI thread only.
 #include "output/output_pane.h"
 
+#include "base/texts.h"
 #include "documents/document_row.h"
 #include "output/error_columns.h"
 #include "output/mark_view.h"
@@ -20,11 +21,11 @@ struct ErrorListState {
 };
 ErrorListState g_errorList;
 
-constexpr ListColumn kColumns[] = {{L"Severity", 10, 7, false},
-                                   {L"Message", 60, 20, false},
-                                   {L"File", 50, 12, false},
-                                   {L"Line", 6, 5, false},
-                                   {L"Column", 8, 6, false}};
+constexpr ListColumn kColumns[] = {{English(L"Severity"), 10, 7, false},
+                                   {English(L"Message"), 60, 20, false},
+                                   {English(L"File"), 50, 12, false},
+                                   {English(L"Line"), 6, 5, false},
+                                   {English(L"Column"), 8, 6, false}};
 static_assert(std::size(kColumns) == kErrorColumnCount);
 
 bool OnErrorListKey(int, int key) {

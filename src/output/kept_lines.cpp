@@ -1,13 +1,14 @@
 #include "output/kept_lines.h"
 
 #include "base/decimal.h"
+#include "base/texts.h"
 #include "output/line_colours.h"
 
 #include <utility>
 
 namespace {
 
-constexpr std::wstring_view kInLog = L" lines left out here; a double-click opens them: ";
+constexpr std::wstring_view kInLog = English(L" lines left out here; a double-click opens them: ");
 constexpr std::wstring_view kLogEnd = L") ...";
 
 void DropOldest(KeptLines& kept) {
@@ -20,8 +21,9 @@ void DropOldest(KeptLines& kept) {
 
 PaneLine LeftOutLine(const KeptLines& kept, const std::wstring& log) {
     const std::wstring count = L"... " + std::to_wstring(kept.leftOut);
-    if (log.empty() || kept.leftOutAt == 0) return {.text = count + L" lines left out ...", .colour = kLineTeal};
-    return {.text = count + std::wstring(kInLog) + log + L"(" + std::to_wstring(kept.leftOutAt) + std::wstring(kLogEnd),
+    if (log.empty() || kept.leftOutAt == 0)
+        return {.text = TextWith(L"{1} lines left out ...", {count}), .colour = kLineTeal};
+    return {.text = count + Text(kInLog.data()) + log + L"(" + std::to_wstring(kept.leftOutAt) + std::wstring(kLogEnd),
             .colour = kLineTeal};
 }
 
@@ -44,8 +46,8 @@ bool KeepLine(KeptLines& kept, PaneLine& line, std::uint64_t logLine) {
 }
 
 std::wstring HeldLinesText(const KeptLines& kept) {
-    return L"... " + std::to_wstring(kept.leftOut + kept.held.size()) + L" more lines so far; the last " +
-           std::to_wstring(kLastLinesKept) + L" come at the end ...";
+    return TextWith(L"... {1} more lines so far; the last {2} come at the end ...",
+                    {std::to_wstring(kept.leftOut + kept.held.size()), std::to_wstring(kLastLinesKept)});
 }
 
 std::deque<PaneLine> TakeHeldLines(KeptLines& kept, const std::wstring& log) {
@@ -57,10 +59,11 @@ std::deque<PaneLine> TakeHeldLines(KeptLines& kept, const std::wstring& log) {
 }
 
 LogPlace LogPlaceOf(std::wstring_view paneLine) {
-    const std::size_t start = paneLine.find(kInLog);
+    const std::wstring_view inLog = Text(kInLog.data());
+    const std::size_t start = paneLine.find(inLog);
     const std::size_t open = paneLine.rfind(L'(');
     if (start == std::wstring_view::npos || open == std::wstring_view::npos || !paneLine.ends_with(kLogEnd)) return {};
-    const std::size_t path = start + kInLog.size();
+    const std::size_t path = start + inLog.size();
     if (open <= path) return {};
     return {.path = std::wstring(paneLine.substr(path, open - path)), .line = DecimalNumber(paneLine.substr(open + 1))};
 }
@@ -68,6 +71,6 @@ LogPlace LogPlaceOf(std::wstring_view paneLine) {
 bool TrimPaneLines(std::deque<PaneLine>& shown) {
     if (shown.size() <= kMostPaneLines) return false;
     shown.erase(shown.begin(), shown.end() - static_cast<std::ptrdiff_t>(kPaneLinesKept));
-    shown.push_front({.text = L"... earlier lines were removed ...", .colour = kLineTeal});
+    shown.push_front({.text = Text(L"... earlier lines were removed ..."), .colour = kLineTeal});
     return true;
 }

@@ -1,6 +1,7 @@
 // The output pane's window: font and colours, keys, context menu. The feed (output_feed.h) supplies its text.
 #include "output/output_pane.h"
 
+#include "base/texts.h"
 #include "documents/document_row.h"
 #include "output/output_feed.h"
 #include "output/output_state.h"
@@ -111,7 +112,7 @@ void OutputPaneInit(HWND pane) {
     SendMessageW(pane, EM_SETTARGETDEVICE, 0, 1);  // no wrapping: a line of output is a line of the pane
     RichSizeKeepsEnd(pane);
     SubclassAdd(pane, OutputPaneProc);
-    AccessibleNameSet(pane, L"Output");  // again after the pane was replaced
+    AccessibleNameSet(pane, Text(L"Output"));  // again after the pane was replaced
 }
 
 void OutputPaneAppend(const wchar_t* text, COLORREF colour) {

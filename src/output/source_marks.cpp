@@ -1,5 +1,6 @@
 #include "output/source_marks.h"
 
+#include "base/texts.h"
 #include "output/diagnostics.h"
 
 #include <algorithm>
@@ -41,7 +42,7 @@ bool SourceMarksAdd(SourceMarks& marks, const CompilerError& error) {
 }
 
 std::wstring MarkText(const SourceMark& mark) {
-    std::wstring text = (mark.severity == 0 ? L"Error: " : L"Warning: ") + mark.message;
+    std::wstring text = TextWith(mark.severity == 0 ? L"Error: {1}" : L"Warning: {1}", {mark.message});
     std::ranges::replace_if(
         text, [](wchar_t c) { return c < L' '; }, L' ');
     return text;
@@ -55,11 +56,11 @@ std::wstring MarkTexts(std::vector<const SourceMark*> marks, std::wstring_view b
         text += MarkText(*marks[i]);
     }
     if (marks.size() > kMostTexts)
-        text += std::wstring(between) + L"... and " + std::to_wstring(marks.size() - kMostTexts) + L" more";
+        text += TextWith(L"{1}... and {2} more", {between, std::to_wstring(marks.size() - kMostTexts)});
     return text;
 }
 
 std::wstring MarksLeftOutText(std::wstring_view file, std::size_t shown, std::size_t total) {
-    return L"[Marks] The first " + std::to_wstring(shown) + L" of " + std::to_wstring(total) +
-           L" errors and warnings are marked in " + std::wstring(file) + L".\r\n";
+    return TextWith(L"[Marks] The first {1} of {2} errors and warnings are marked in {3}.\r\n",
+                    {std::to_wstring(shown), std::to_wstring(total), file});
 }

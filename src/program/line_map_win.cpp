@@ -6,6 +6,7 @@
 #include "base/handles.h"
 #include "base/log.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "files/file_io.h"
 #include "output/last_build.h"
 #include "program/basic_lines.h"
@@ -115,7 +116,7 @@ bool PbdLoad(const wchar_t* executable, SdbgMap* map) {
     const std::wstring side = PbdSidePath(executable);
     const wchar_t* const sideFile = side.c_str();
     if (!FileExists(sideFile)) {
-        DebugSay(kDebugRed, L"[Debug] No PowerBASIC debug database found: %s\n", sideFile);
+        DebugSay(kDebugRed, Text(L"[Debug] No PowerBASIC debug database found: %s\n"), sideFile);
         return false;
     }
     const std::wstring source = g_sourcePath.empty() ? SourceBesideProgram(executable) : g_sourcePath;
@@ -124,7 +125,7 @@ bool PbdLoad(const wchar_t* executable, SdbgMap* map) {
         SdbgFree(map);
         AppLogMsg(L"FAIL: PbdLoad unusable pbd=%s source=%s lineCount=%d trapCount=%d", sideFile, source.c_str(),
                   parts.lineCount, parts.trapCount);
-        DebugSay(kDebugRed, L"[Debug] PowerBASIC debug database contains no usable line map\n");
+        DebugSay(kDebugRed, Text(L"[Debug] PowerBASIC debug database contains no usable line map\n"));
         return false;
     }
     SdbgIndex(map);
@@ -156,7 +157,7 @@ void NormalizeSdbgControlLines(SdbgMap* map, const wchar_t* source) {
 bool DebugLoadMap(const wchar_t* executable, std::uint32_t compilerId, SdbgMap* map) {
     if (compilerId == kCompilerKeldorBasic) return PbdLoad(executable, map);
     if (!SdbgLoad(executable, map)) {
-        DebugSay(kDebugRed, L"[Debug] No .sdbg section found in EXE.\n");
+        DebugSay(kDebugRed, Text(L"[Debug] No .sdbg section found in EXE.\n"));
         return false;
     }
     NormalizeSdbgControlLines(map, g_sourcePath.c_str());

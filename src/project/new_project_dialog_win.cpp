@@ -1,6 +1,7 @@
 // The dialog for a new project. Modal, UI thread.
 #include "base/log.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "compile/build_source.h"
 #include "project/new_project.h"
 #include "project/project.h"
@@ -95,7 +96,7 @@ void AcceptNewProject(HWND dialog) {
 
 void BrowseForFolder(HWND dialog) {
     std::wstring folder = WindowText(GetDlgItem(dialog, IDC_PROJECT_FOLDER));
-    if (AskFolderPath(dialog, L"Choose the folder in which the project gets its own", folder))
+    if (AskFolderPath(dialog, Text(L"Choose the folder in which the project gets its own"), folder))
         SetDlgItemTextW(dialog, IDC_PROJECT_FOLDER, folder.c_str());
 }
 

@@ -4,6 +4,7 @@
 #include "base/handles.h"
 #include "base/path.h"
 #include "base/system_error.h"
+#include "base/texts.h"
 #include "documents/file_commands.h"
 #include "files/file_io.h"
 #include "files/share_probe.h"
@@ -51,7 +52,7 @@ void AddSamplesOf(const std::wstring& folder, std::vector<ProjectSample>& sample
             if (!many && (IsFolderEntry(entry) || !PathEqualsIgnoreCase(FileExtension(path), L".bas"))) return;
             if (samples.size() < kMostSamples)
                 samples.push_back(
-                    {many ? std::wstring(entry.cFileName) + L" (several files)" : entry.cFileName, path, many});
+                    {many ? TextWith(L"{1} (several files)", {entry.cFileName}) : entry.cFileName, path, many});
         });
 }
 
@@ -156,7 +157,7 @@ std::vector<ProjectSample> ProjectSamples(std::uint32_t compiler) {
         AddSamplesOf(folder + L"\\" + CompilerName(compiler), samples);
     }
     std::ranges::sort(samples, {}, [](const ProjectSample& each) { return PathKey(each.label); });
-    samples.insert(samples.begin(), {L"An empty program", L"", false});
+    samples.insert(samples.begin(), {Text(L"An empty program"), L"", false});
     return samples;
 }
 
@@ -168,22 +169,23 @@ std::wstring NewProjectProblem(const NewProject& project) {
     if (std::wstring problem = ProjectNameProblem(project.name); !problem.empty()) return problem;
     if (!PathIsAbsolute(project.parent) || !PathAnswers(project.parent.c_str()) ||
         !DirectoryExists(project.parent.c_str()))
-        return L"There is no such folder.";
+        return Text(L"There is no such folder.");
     const std::wstring folder = ProjectFolderOf(project);
-    if (folder.size() > 200) return L"The path is too long.";
-    if (FileExists(folder.c_str())) return L"There is a file of this name already.";
-    if (FileExists(NewProjectFile(project).c_str())) return L"There is a project of this name already.";
+    if (folder.size() > 200) return Text(L"The path is too long.");
+    if (FileExists(folder.c_str())) return Text(L"There is a file of this name already.");
+    if (FileExists(NewProjectFile(project).c_str())) return Text(L"There is a project of this name already.");
     const std::wstring there = project.sample.path.empty() ? L"" : SampleFileThere(project.sample, folder);
-    return there.empty() ? L""
-                         : L"The folder has a file " + there + L", which stays. Start with an empty program instead.";
+    return there.empty()
+               ? L""
+               : TextWith(L"The folder has a file {1}, which stays. Start with an empty program instead.", {there});
 }
 
 std::wstring NewProjectNote(const NewProject& project) {
     const std::wstring folder = ProjectFolderOf(project);
     if (!PathAnswers(folder.c_str()) || SomeFiles(folder, L"\\*", 1).empty()) return {};
     const std::wstring main = project.sample.path.empty() ? MainSourceThere(project) : L"";
-    return L"The folder has files already, which stay. " + (main.empty() ? L"A new " + std::wstring(kMainName) : main) +
-           L" is the main source.";
+    return TextWith(L"The folder has files already, which stay. {1} is the main source.",
+                    {(main.empty() ? TextWith(L"A new {1}", {kMainName}) : main)});
 }
 
 bool MakeProject(const NewProject& project, std::wstring* file, std::wstring* reason) {
@@ -199,6 +201,6 @@ bool MakeProject(const NewProject& project, std::wstring* file, std::wstring* re
         made.Keep();
         return true;
     }
-    *reason = L"The project cannot be made there: " + SystemErrorText(GetLastError());
+    *reason = TextWith(L"The project cannot be made there: {1}", {SystemErrorText(GetLastError())});
     return false;
 }

@@ -1,5 +1,6 @@
 // The commands on project files in the Project menu. UI thread.
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "compile/build_source.h"
 #include "documents/document_row.h"
@@ -26,7 +27,7 @@ void OpenProjectAsked() {
     wchar_t folder[kPathCapacity] = {};
     FileOpenResolveInitialDirectory(folder, kPathCapacity);
     if (AskFilePath({.owner = g_ui.hMainWnd,
-                     .filter = L"Projects (*.kvxproj)\0*.kvxproj\0All Files (*.*)\0*.*\0",
+                     .filter = English(L"Projects (*.kvxproj)\0*.kvxproj\0All Files (*.*)\0*.*\0"),
                      .folder = folder},
                     path) &&
         ProjectOpenFile(path.c_str()))
@@ -40,12 +41,13 @@ void EditProjectFile() {
 void SetMainSource() {
     const std::wstring path = TabAt(g_documents.activeTab).path;
     if (SamePathText(path, ProjectFilePath())) {
-        g_events.statusText(L"The project file cannot be the main source");
+        g_events.statusText(Text(L"The project file cannot be the main source"));
         return;
     }
     if (!ProjectChangeFile("Project", "Main", ProjectWrittenPath(ProjectRoot(), path))) return;
     g_events.statusText(
-        FormatW(L"%s is the main source of %s", std::wstring(FileNameOf(path)).c_str(), ProjectName().c_str()).c_str());
+        FormatW(Text(L"%s is the main source of %s"), std::wstring(FileNameOf(path)).c_str(), ProjectName().c_str())
+            .c_str());
 }
 
 void KeepArguments() {
@@ -56,7 +58,8 @@ void KeepArguments() {
     const std::wstring folder = ProgramStartOfProject(*BuildProjectNow()).folder;  // as the file has it
     if (!SamePathText(folder, start.folder))
         ProjectChangeFile("Run", "Folder", ProjectWrittenPath(ProjectRoot(), start.folder));
-    g_events.statusText((L"The arguments are kept in " + std::wstring(FileNameOf(ProjectFilePath()))).c_str());
+    g_events.statusText(
+        TextWith(L"The arguments are kept in {1}", {std::wstring(FileNameOf(ProjectFilePath()))}).c_str());
 }
 
 constexpr CommandHandler kProjectHandlers[] = {

@@ -3,6 +3,7 @@
 #include "base/bounded_text.h"
 #include "base/lines.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "settings/compilers.h"
 
@@ -89,17 +90,17 @@ std::vector<std::wstring_view> PartsOfPath(std::wstring_view path) {
 
 // Empty when the text can be a path.
 std::wstring PathProblem(std::wstring_view path, std::wstring_view forbidden) {
-    if (path.size() >= kPathCapacity - 24) return L"the path is too long";
+    if (path.size() >= kPathCapacity - 24) return Text(L"the path is too long");
     if (path.find_first_of(forbidden) != std::wstring_view::npos ||
         path.find(L':') != (path.size() > 1 && path[1] == L':' ? 1 : std::wstring_view::npos) ||
         path.find(L':', 2) != std::wstring_view::npos)
-        return L"the path has a character that no file name can have";
+        return Text(L"the path has a character that no file name can have");
     if (path.starts_with(L"\\\\.\\") || path.starts_with(L"//./") || path.starts_with(L"\\\\?\\"))
-        return L"the path is a device";
+        return Text(L"the path is a device");
     if (path.size() > 1 && path[1] == L':' && (path.size() == 2 || (path[2] != L'\\' && path[2] != L'/')))
-        return L"the path needs a slash after the drive";
+        return Text(L"the path needs a slash after the drive");
     for (const std::wstring_view part : PartsOfPath(path))
-        if (IsDeviceName(part)) return L"the path is a device";
+        if (IsDeviceName(part)) return Text(L"the path is a device");
     return {};
 }
 
@@ -121,7 +122,7 @@ void AddFault(Reading& reading, std::wstring text, bool note = false) {
 // A single value. The first one counts.
 bool TakeOnce(Reading& reading, ProjectValue& value, std::wstring text) {
     if (value.line != 0) {
-        AddFault(reading, L"given before in line " + std::to_wstring(value.line) + L", which counts");
+        AddFault(reading, TextWith(L"given before in line {1}, which counts", {std::to_wstring(value.line)}));
         return false;
     }
     value = {std::move(text), reading.line};
@@ -131,7 +132,7 @@ bool TakeOnce(Reading& reading, ProjectValue& value, std::wstring text) {
 void TakePath(Reading& reading, ProjectValue& value, std::wstring_view text, bool maybeEmpty) {
     const std::wstring_view path = WithoutQuotes(text);
     if (path.empty() && maybeEmpty) return;
-    const std::wstring problem = path.empty() ? L"a path is missing" : PathProblem(path, L"<>|?*\"");
+    const std::wstring problem = path.empty() ? Text(L"a path is missing") : PathProblem(path, L"<>|?*\"");
     if (!problem.empty())
         AddFault(reading, problem);
     else
@@ -147,12 +148,13 @@ void TakeFolderOfList(Reading& reading, std::vector<ProjectValue>& list, std::ws
     else if (list.size() < kMostProjectFolders)
         list.push_back({std::wstring(path), reading.line});
     else
-        AddFault(reading, L"more than " + std::to_wstring(kMostProjectFolders) + L" folders; this one does not count");
+        AddFault(reading,
+                 TextWith(L"more than {1} folders; this one does not count", {std::to_wstring(kMostProjectFolders)}));
 }
 
 void TakeName(Reading& reading, std::wstring_view text) {
     if (text.size() > 100)
-        AddFault(reading, L"the name is longer than 100 characters");
+        AddFault(reading, Text(L"the name is longer than 100 characters"));
     else if (!text.empty())
         TakeOnce(reading, reading.file.name, std::wstring(text));
 }
@@ -167,20 +169,20 @@ void TakeCompiler(Reading& reading, std::wstring_view text) {
     }
     std::wstring names;
     for (const CompilerProfile& each : g_compilers) names += (names.empty() ? L"" : L", ") + std::wstring(each.name);
-    AddFault(reading, L"no compiler has this name; there are " + names);
+    AddFault(reading, TextWith(L"no compiler has this name; there are {1}", {names}));
 }
 
 void TakeFlags(Reading& reading, std::wstring_view text) {
     std::wstring& flags = reading.file.flags;
     if (flags.size() + text.size() >= kMostProjectFlags)
-        AddFault(reading, L"the flags are longer than " + std::to_wstring(kMostProjectFlags) + L" characters");
+        AddFault(reading, TextWith(L"the flags are longer than {1} characters", {std::to_wstring(kMostProjectFlags)}));
     else if (!text.empty())
         flags += (flags.empty() ? L"" : L" ") + std::wstring(text);
 }
 
 void TakeArguments(Reading& reading, std::wstring_view text) {
     if (text.size() > kMostArguments)
-        AddFault(reading, L"the arguments are longer than " + std::to_wstring(kMostArguments) + L" characters");
+        AddFault(reading, TextWith(L"the arguments are longer than {1} characters", {std::to_wstring(kMostArguments)}));
     else
         TakeOnce(reading, reading.file.arguments, std::wstring(text));
 }
@@ -215,7 +217,8 @@ void TakeValue(Reading& reading, std::string_view section, const LineParts& part
     if (row != std::end(kKeys)) {
         row->take(reading, Utf8ToWideText(parts.value));
     } else if (IsKnownSection(section)) {
-        AddFault(reading, L"the key " + Utf8ToWideText(parts.key.substr(0, 60)) + L" is not known and has no effect",
+        AddFault(reading,
+                 TextWith(L"the key {1} is not known and has no effect", {Utf8ToWideText(parts.key.substr(0, 60))}),
                  true);
     }
 }
@@ -226,27 +229,27 @@ void TakeLine(Reading& reading, std::string_view line, std::string* section) {
         case LineParts::Section: *section = parts.key; break;
         case LineParts::Value:
             if (section->empty())
-                AddFault(reading, L"the key stands before the first [Section]");
+                AddFault(reading, Text(L"the key stands before the first [Section]"));
             else
                 TakeValue(reading, *section, parts);
             break;
         case LineParts::Broken:
             AddFault(reading, parts.key.starts_with('[') || Trimmed(line).starts_with('[')
-                                  ? L"a section is written as [Name]"
-                                  : L"neither a [Section] nor Key=Value nor a ;comment");
+                                  ? Text(L"a section is written as [Name]")
+                                  : Text(L"neither a [Section] nor Key=Value nor a ;comment"));
             break;
-        case LineParts::NotText: AddFault(reading, L"the line is not UTF-8"); break;
-        case LineParts::Control: AddFault(reading, L"the line has a control character"); break;
+        case LineParts::NotText: AddFault(reading, Text(L"the line is not UTF-8")); break;
+        case LineParts::Control: AddFault(reading, Text(L"the line has a control character")); break;
         case LineParts::Empty: break;
     }
 }
 
 // Of a file that cannot be a project file at all; empty for others.
 std::wstring TextProblem(std::string_view bytes) {
-    if (bytes.size() > kMostProjectBytes) return L"The file is larger than 256 KB, so it is no project file";
+    if (bytes.size() > kMostProjectBytes) return Text(L"The file is larger than 256 KB, so it is no project file");
     if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF"))
-        return L"The file is UTF-16; a project file is UTF-8";
-    if (bytes.find('\0') != std::string_view::npos) return L"The file is not text";
+        return Text(L"The file is UTF-16; a project file is UTF-8");
+    if (bytes.find('\0') != std::string_view::npos) return Text(L"The file is not text");
     return {};
 }
 
@@ -408,11 +411,12 @@ ExcludedFolders ProjectExcludesOf(const ProjectFile& file, std::wstring_view roo
 }
 
 std::wstring ProjectNameProblem(std::wstring_view name) {
-    if (Trimmed(name).empty()) return L"A name is missing.";
-    if (name.size() > 100) return L"The name is too long.";
+    if (Trimmed(name).empty()) return Text(L"A name is missing.");
+    if (name.size() > 100) return Text(L"The name is too long.");
     if (name.find_first_of(L"\\/:*?\"<>|") != std::wstring_view::npos ||
         std::ranges::any_of(name, [](wchar_t c) { return c < L' '; }))
-        return L"A name cannot have any of \\ / : * ? \" < > |";
-    if (name.ends_with(L'.') || name.ends_with(L' ') || IsDeviceName(name)) return L"No folder can have this name.";
+        return Text(L"A name cannot have any of \\ / : * ? \" < > |");
+    if (name.ends_with(L'.') || name.ends_with(L' ') || IsDeviceName(name))
+        return Text(L"No folder can have this name.");
     return {};
 }

@@ -5,6 +5,7 @@
 #include "base/events.h"
 #include "base/log.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/worker.h"
 #include "documents/document_row.h"
 #include "project/tree_actions.h"
@@ -209,7 +210,7 @@ void ProjectTreeOnRenamed() {
 void ProjectTreeRevealActive() {
     if (!IsTabIndex(g_documents.activeTab) || !TabAt(g_documents.activeTab).hasFile) return;
     const std::wstring path = TabAt(g_documents.activeTab).path;
-    if (g_settings.projectRoot[0] == L'\0') return g_events.statusText(L"There is no project folder");
+    if (g_settings.projectRoot[0] == L'\0') return g_events.statusText(Text(L"There is no project folder"));
     if (!PaneIsShown(PaneId::Tree)) PaneShow(PaneId::Tree, true);
     if (TreeWindow() == nullptr) return;
     TreeEndEdit();

@@ -4,6 +4,7 @@
 
 #include "base/log.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "base/worker.h"
 #include "compile/build_source.h"
@@ -61,7 +62,7 @@ std::wstring RootOfProject(const std::wstring& path, ProjectFile& file) {
     const std::wstring folder = FolderOf(path);
     std::wstring root = ProjectPath(folder, file.root.line != 0 ? file.root.text : L".");
     if (!IsFolderThere(root)) {
-        AddDiskFault(file, std::max(file.root.line, 1), L"there is no folder " + root);
+        AddDiskFault(file, std::max(file.root.line, 1), TextWith(L"there is no folder {1}", {root}));
         root = folder;
     }
     if (!root.ends_with(L'\\')) root += L'\\';
@@ -72,7 +73,7 @@ std::wstring SourceOfProject(const std::wstring& root, ProjectFile& file) {
     if (file.source.line == 0) return {};
     std::wstring source = ProjectPath(root, file.source.text);
     if (!PathAnswers(source.c_str()) || !FileExists(source.c_str()))
-        AddDiskFault(file, file.source.line, L"there is no file " + source);
+        AddDiskFault(file, file.source.line, TextWith(L"there is no file {1}", {source}));
     return source;
 }
 
@@ -80,7 +81,8 @@ std::vector<std::wstring> IncludesOfProject(const std::wstring& root, ProjectFil
     std::vector<std::wstring> folders;
     for (const ProjectValue& include : file.includes) {
         folders.push_back(ProjectPath(root, include.text));
-        if (!IsFolderThere(folders.back())) AddDiskFault(file, include.line, L"there is no folder " + folders.back());
+        if (!IsFolderThere(folders.back()))
+            AddDiskFault(file, include.line, TextWith(L"there is no folder {1}", {folders.back()}));
     }
     return folders;
 }
@@ -99,7 +101,7 @@ BuildProject BuildProjectFrom(const OpenedProject& opened, ProjectFile& file) {
     if (file.folder.line != 0) {
         project.folder = ProjectPath(opened.root, file.folder.text);
         if (!IsFolderThere(*project.folder))
-            AddDiskFault(file, file.folder.line, L"there is no folder " + *project.folder);
+            AddDiskFault(file, file.folder.line, TextWith(L"there is no folder {1}", {*project.folder}));
     }
     return project;
 }
@@ -119,7 +121,8 @@ int SayFaults(const ProjectFile& file, bool notes) {
 }
 
 std::wstring FaultCountText(int errors) {
-    return errors == 0 ? L"" : L", with " + std::to_wstring(errors) + (errors == 1 ? L" fault" : L" faults");
+    return errors == 0 ? L""
+                       : TextWith(errors == 1 ? L", with {1} fault" : L", with {1} faults", {std::to_wstring(errors)});
 }
 
 // The open project becomes what its file says. Returns the number of faults, which are told.
@@ -147,11 +150,11 @@ int UseProjectBytes(std::string bytes, bool notes) {
 
 void SayMissing() {
     if (std::exchange(g_opened.missing, true)) return;
-    SayProject(g_opened.path + L" is not there. The project stays open" +
-                   (BuildProjectNow() ? L" as it was read last" : L"") +
-                   L" and is read again when the file is back; Project > Close Project forgets it.",
+    SayProject(TextWith(L"{1} is not there. The project stays open{2} and is read again when the file is back; Project "
+                        L"> Close Project forgets it.",
+                        {g_opened.path, (BuildProjectNow() ? Text(L" as it was read last") : L"")}),
                kLineYellow);
-    g_events.statusText((L"The file of the project " + g_opened.name + L" is not there").c_str());
+    g_events.statusText(TextWith(L"The file of the project {1} is not there", {g_opened.name}).c_str());
 }
 
 // Shows the folder of the project in the tree and in the searches, and keeps the project for the next start.
@@ -175,7 +178,7 @@ void ShowMainSource() {
 }
 
 bool FailToOpen(const wchar_t* path, const std::wstring& why) {
-    ErrorMessage(L"Failed to open project: %s\n\n%s", path, why.c_str());
+    ErrorMessage(Text(L"Failed to open project: %s\n\n%s"), path, why.c_str());
     return false;
 }
 
@@ -183,11 +186,12 @@ bool FailToOpen(const wchar_t* path, const std::wstring& why) {
 
 bool ProjectOpenFile(const wchar_t* path) {
     std::string bytes;
-    if (!PathAnswers(path)) return FailToOpen(path, L"The network does not answer.");
-    if (!ReadProjectBytes(path, &bytes)) return FailToOpen(path, L"The file cannot be read.");
+    if (!PathAnswers(path)) return FailToOpen(path, Text(L"The network does not answer."));
+    if (!ReadProjectBytes(path, &bytes)) return FailToOpen(path, Text(L"The file cannot be read."));
     if (const ProjectFile file = ProjectParse(bytes); !file.readable) {
         const ProjectFault& fault = file.faults.front();
-        return FailToOpen(path, fault.line == 1 ? fault.text : FormatW(L"Line %d: %s", fault.line, fault.text.c_str()));
+        return FailToOpen(path,
+                          fault.line == 1 ? fault.text : FormatW(Text(L"Line %d: %s"), fault.line, fault.text.c_str()));
     }
     const bool another = !SamePathText(g_opened.path, path);
     g_opened = {.path = path};
@@ -196,9 +200,9 @@ bool ProjectOpenFile(const wchar_t* path) {
     ProjectWatch(g_ui.hMainWnd, g_opened.path, true);
     KeepProject(another);
     MruAddFile(path);
-    SayProject(L"Opened " + g_opened.name + L": " + g_opened.path, kLineTeal);
+    SayProject(TextWith(L"Opened {1}: {2}", {g_opened.name, g_opened.path}), kLineTeal);
     ShowMainSource();
-    g_events.statusText((L"Project " + g_opened.name + L" opened" + FaultCountText(faults)).c_str());
+    g_events.statusText(TextWith(L"Project {1} opened{2}", {g_opened.name, FaultCountText(faults)}).c_str());
     return true;
 }
 
@@ -227,14 +231,14 @@ void ProjectClose() {
     BuildUseProject(std::nullopt);
     SettingsChange([](Settings& settings) { settings.projectFile[0] = L'\0'; });
     SettingsSave(nullptr);
-    g_events.statusText((L"Project " + name + L" closed").c_str());
+    g_events.statusText(TextWith(L"Project {1} closed", {name}).c_str());
 }
 
 bool ProjectChangeFile(std::string_view section, std::string_view key, std::wstring_view value) {
     const std::wstring path = g_opened.path;
     const int tab = TabBarFindPath(path.c_str());
     if (IsTabIndex(tab) && TabAt(tab).modified) {
-        ErrorMessage(L"%s has changes that are not saved. Save it first.", path.c_str());
+        ErrorMessage(Text(L"%s has changes that are not saved. Save it first."), path.c_str());
         return false;
     }
     std::string bytes;
@@ -242,7 +246,7 @@ bool ProjectChangeFile(std::string_view section, std::string_view key, std::wstr
     std::string changed = read ? ProjectWithValue(bytes, section, key, value) : "";
     if (!read || !ReplaceFileWhole(path.c_str(), changed)) {
         AppLogMsg(L"FAIL: ProjectChangeFile read=%d error=%lu", read ? 1 : 0, GetLastError());
-        ErrorMessage(L"Failed to change the project file: %s", path.c_str());
+        ErrorMessage(Text(L"Failed to change the project file: %s"), path.c_str());
         return false;
     }
     UseProjectBytes(std::move(changed), false);
@@ -261,9 +265,9 @@ void ProjectFollowRename(const std::wstring& from, const std::wstring& to) {
     const std::wstring source = PathAfterMove(project->source, from, to);
     if (ProjectChangeFile("Project", "Main", ProjectWrittenPath(g_opened.root, source)))
         g_events.statusText(
-            (std::wstring(FileNameOf(g_opened.path)) + L" now names " + std::wstring(FileNameOf(source))).c_str());
+            TextWith(L"{1} now names {2}", {std::wstring(FileNameOf(g_opened.path)), FileNameOf(source)}).c_str());
     else
-        SayProject(g_opened.path + L" still names " + project->source + L" as the main source.", kLineYellow);
+        SayProject(TextWith(L"{1} still names {2} as the main source.", {g_opened.path, project->source}), kLineYellow);
 }
 
 const std::wstring& ProjectFilePath() { return g_opened.path; }
@@ -297,7 +301,7 @@ void ProjectOnSaved(DocumentId document) {
     const std::wstring root = g_opened.root;
     const int faults = UseProjectBytes(std::move(bytes), true);
     if (root != g_opened.root) KeepProject(false);
-    g_events.statusText((L"Project " + g_opened.name + L" read again" + FaultCountText(faults)).c_str());
+    g_events.statusText(TextWith(L"Project {1} read again{2}", {g_opened.name, FaultCountText(faults)}).c_str());
 }
 
 void ProjectOnSeen(WPARAM posted) {
@@ -312,8 +316,9 @@ void ProjectOnSeen(WPARAM posted) {
     const std::wstring root = g_opened.root;
     const int faults = UseProjectBytes(std::move(sight->bytes), false);
     if (root != g_opened.root) KeepProject(false);
-    SayProject(g_opened.name + (wasMissing ? L" is back" : L" was changed by another program") +
-                   L" and was read again" + FaultCountText(faults) + L".",
+    SayProject(TextWith(L"{1}{2} and was read again{3}.",
+                        {g_opened.name, (wasMissing ? Text(L" is back") : Text(L" was changed by another program")),
+                         FaultCountText(faults)}),
                kLineTeal);
 }
 

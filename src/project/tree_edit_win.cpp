@@ -2,6 +2,7 @@
 // the tree would end the edit. UI thread.
 #include "base/events.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
@@ -96,7 +97,7 @@ void RenameTo(TreeNode& node, const std::wstring& name) {
     const std::wstring from = TreePathOf(node);
     const std::wstring to = TreeJoin(folder, name);
     const DWORD error = TreeFileMove(from, to);
-    if (error != 0) return TellFailedName(L"could not be renamed", from, error);
+    if (error != 0) return TellFailedName(Text(L"could not be renamed"), from, error);
     ShowNewName(node, name);
     FilesFollowRename(from, to);  // which tells all that know files by their paths
     EndEdited();
@@ -109,7 +110,7 @@ void CreateNamed(const TreeNode& draft, const std::wstring& name) {
     const std::wstring path = TreeJoin(folder, name);
     const bool isFolder = g_tree.draftIsFolder;
     const DWORD error = TreeFileCreate(path, isFolder);
-    if (error != 0) return TellFailedName(L"could not be made", path, error);
+    if (error != 0) return TellFailedName(Text(L"could not be made"), path, error);
     EndEdited();
     ReadFolderAgain(folder);
     TreeReveal(path, true);

@@ -2,6 +2,7 @@
 #include "base/handles.h"
 #include "base/path.h"
 #include "base/system_error.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
@@ -90,32 +91,32 @@ DWORD RecycleOnDisk(const std::wstring& path, HWND owner) {
 
 // Why the recycle bin cannot take it; empty when it can.
 std::wstring BinRefusal(const std::wstring& path) {
-    if (path.size() > kLongestForShell) return L"its path is too long for that";
-    if (PathIsRemote(path.c_str())) return L"it is on the network";
+    if (path.size() > kLongestForShell) return Text(L"its path is too long for that");
+    if (PathIsRemote(path.c_str())) return Text(L"it is on the network");
     wchar_t root[4] = {path[0], path.size() > 1 ? path[1] : L'\0', L'\\', L'\0'};
     const UINT drive = GetDriveTypeW(root);
     if (drive == DRIVE_REMOVABLE || drive == DRIVE_CDROM || drive == DRIVE_RAMDISK)
-        return L"its drive has no recycle bin";
+        return Text(L"its drive has no recycle bin");
     return {};
 }
 
 bool ConfirmDelete(const std::wstring& path, bool isFolder) {
     const std::wstring name{FileNameOf(path)};
     const std::wstring text =
-        isFolder
-            ? FormatW(L"Delete the folder \"%s\" and all that is in it?\n\nIt goes to the recycle bin.", name.c_str())
-            : FormatW(L"Delete \"%s\"?\n\nIt goes to the recycle bin.", name.c_str());
+        isFolder ? FormatW(Text(L"Delete the folder \"%s\" and all that is in it?\n\nIt goes to the recycle bin."),
+                           name.c_str())
+                 : FormatW(Text(L"Delete \"%s\"?\n\nIt goes to the recycle bin."), name.c_str());
     return AskUser({.caption = kProgramCaption,
                     .text = text.c_str(),
                     .buttons = AskButtons::OkCancel,
                     .icon = AskIcon::Question,
                     .inSelftest = Answer::Cancel,
-                    .okText = L"Delete"}) == Answer::Yes;
+                    .okText = Text(L"Delete")}) == Answer::Yes;
 }
 
 bool ConfirmForGood(const std::wstring& path, const std::wstring& why) {
     const std::wstring text =
-        FormatW(L"\"%s\" cannot go to the recycle bin, because %s.\n\nDelete it for good? This cannot be undone.",
+        FormatW(Text(L"\"%s\" cannot go to the recycle bin, because %s.\n\nDelete it for good? This cannot be undone."),
                 std::wstring{FileNameOf(path)}.c_str(), why.c_str());
     return AskUser({.caption = kProgramCaption,
                     .text = text.c_str(),
@@ -150,12 +151,12 @@ void CloseDeleted(const std::vector<DocumentId>& documents, const std::wstring& 
 
 DWORD TreeFileCreate(const std::wstring& path, bool isFolder) {
     return RunOnDisk(
-        L"Making", path, [path, isFolder] { return CreateOnDisk(path, isFolder); });
+        Text(L"Making"), path, [path, isFolder] { return CreateOnDisk(path, isFolder); });
 }
 
 DWORD TreeFileMove(const std::wstring& from, const std::wstring& to) {
     return RunOnDisk(
-        L"Renaming", from,
+        Text(L"Renaming"), from,
         [from, to] {
             // Without flags nothing that is there is replaced.
             return MoveFileExW(PathExtended(from).c_str(), PathExtended(to).c_str(), 0) != FALSE ? DWORD{0}
@@ -165,11 +166,12 @@ DWORD TreeFileMove(const std::wstring& from, const std::wstring& to) {
 
 std::wstring TreeFailure(const wchar_t* what, const std::wstring& path, DWORD error) {
     const std::wstring why =
-        error == kNoAnswer ? std::wstring{L"Its drive does not answer. It may still happen when the drive is back."}
+        error == kNoAnswer
+            ? std::wstring{Text(L"Its drive does not answer. It may still happen when the drive is back.")}
         : error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS
-            ? std::wstring{L"There is already a file or folder of that name."}
+            ? std::wstring{Text(L"There is already a file or folder of that name.")}
         : error == ERROR_PATH_NOT_FOUND || error == ERROR_FILE_NOT_FOUND
-            ? std::wstring{L"It, or the folder that it is in, is no longer there."}
+            ? std::wstring{Text(L"It, or the folder that it is in, is no longer there.")}
             : SystemErrorText(error);
     return path + L" " + what + L".\n\n" + why;
 }
@@ -184,13 +186,13 @@ void TreeDelete(TreeNode* node) {
     if (!may) return;
     const std::vector<DocumentId> documents = DocumentsWithin(path);
     const HWND owner = g_ui.hMainWnd;
-    const DWORD error = RunOnDisk(L"Deleting", path, [path, owner, forGood = !refusal.empty()] {
+    const DWORD error = RunOnDisk(Text(L"Deleting"), path, [path, owner, forGood = !refusal.empty()] {
         return forGood ? DeleteForGood(path) : RecycleOnDisk(path, owner);
     });
     if (error == 0)
         CloseDeleted(documents, path);
     else if (error != ERROR_CANCELLED)
-        ErrorMessage(L"%s", TreeFailure(L"could not be deleted", path, error).c_str());
+        ErrorMessage(L"%s", TreeFailure(Text(L"could not be deleted"), path, error).c_str());
     SetFocus(TreeWindow());
     if (TreeNode* const parent = TreeFind(g_tree.top.get(), folder); parent != nullptr) TreeReadAgain(*parent);
 }

@@ -1,6 +1,7 @@
 // The context menu and the keys of the project tree. UI thread.
 #include "base/events.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "project/project_tree.h"
@@ -62,7 +63,7 @@ void Explore(const std::wstring& path) {
     const std::wstring parameters = L"/select,\"" + path + L"\"";
     const auto result = reinterpret_cast<INT_PTR>(
         ShellExecuteW(g_ui.hMainWnd, L"open", L"explorer.exe", parameters.c_str(), nullptr, SW_SHOWNORMAL));
-    if (result <= 32) ErrorMessage(L"The Explorer could not be started (error %d).", static_cast<int>(result));
+    if (result <= 32) ErrorMessage(Text(L"The Explorer could not be started (error %d)."), static_cast<int>(result));
 }
 
 void SearchIn(const TreeNode* node) {
@@ -123,29 +124,29 @@ void TreeShowMenu(POINT screen) {
     const Settings& settings = g_settings;
     const bool hasFile = IsTabIndex(g_documents.activeTab) && TabAt(g_documents.activeTab).hasFile;
     const MenuItem items[] = {
-        {.id = kTreeOpen, .text = L"&Open\tEnter", .enabled = can.open},
+        {.id = kTreeOpen, .text = Text(L"&Open\tEnter"), .enabled = can.open},
         {},
-        {.id = kTreeNewFile, .text = L"&New File...\tIns", .enabled = can.create},
-        {.id = kTreeNewFolder, .text = L"New Fol&der...\tShift+Ins", .enabled = can.create},
-        {.id = kTreeRename, .text = L"Rena&me\tF2", .enabled = can.change},
-        {.id = kTreeDelete, .text = L"De&lete...\tDel", .enabled = can.change},
+        {.id = kTreeNewFile, .text = Text(L"&New File...\tIns"), .enabled = can.create},
+        {.id = kTreeNewFolder, .text = Text(L"New Fol&der...\tShift+Ins"), .enabled = can.create},
+        {.id = kTreeRename, .text = Text(L"Rena&me\tF2"), .enabled = can.change},
+        {.id = kTreeDelete, .text = Text(L"De&lete...\tDel"), .enabled = can.change},
         {},
-        {.id = kTreeCopyPath, .text = L"&Copy Path\tCtrl+C", .enabled = can.place},
-        {.id = kTreeCopyRelative, .text = L"Copy Relati&ve Path", .enabled = can.change},
-        {.id = kTreeExplore, .text = L"Reveal in E&xplorer", .enabled = can.place},
-        {.id = kTreeSearch, .text = L"&Find in This Folder...", .enabled = can.create},
+        {.id = kTreeCopyPath, .text = Text(L"&Copy Path\tCtrl+C"), .enabled = can.place},
+        {.id = kTreeCopyRelative, .text = Text(L"Copy Relati&ve Path"), .enabled = can.change},
+        {.id = kTreeExplore, .text = Text(L"Reveal in E&xplorer"), .enabled = can.place},
+        {.id = kTreeSearch, .text = Text(L"&Find in This Folder..."), .enabled = can.create},
         {},
-        {.id = kTreeSources, .text = L"&Source Files Only", .checked = settings.treeSourcesOnly != 0},
-        {.id = kTreeHidden, .text = L"&Hidden Files", .checked = settings.treeHidden != 0},
+        {.id = kTreeSources, .text = Text(L"&Source Files Only"), .checked = settings.treeSourcesOnly != 0},
+        {.id = kTreeHidden, .text = Text(L"&Hidden Files"), .checked = settings.treeHidden != 0},
         {.id = kTreeBinaries,
-         .text = L"&Binaries",
+         .text = Text(L"&Binaries"),
          .enabled = settings.treeSourcesOnly == 0,
          .checked = settings.treeBinaries != 0},
-        {.id = kTreeGitIgnore, .text = L"Respect .&gitignore", .checked = settings.treeGitIgnore != 0},
+        {.id = kTreeGitIgnore, .text = Text(L"Respect .&gitignore"), .checked = settings.treeGitIgnore != 0},
         {},
-        {.id = kTreeFollow, .text = L"Follow Active &Tab", .checked = settings.treeFollowsTab != 0},
-        {.id = kTreeRevealActive, .text = L"Reveal &Active File\tAlt+Shift+E", .enabled = hasFile},
-        {.id = kTreeRefresh, .text = L"&Refresh\tCtrl+R"}};
+        {.id = kTreeFollow, .text = Text(L"Follow Active &Tab"), .checked = settings.treeFollowsTab != 0},
+        {.id = kTreeRevealActive, .text = Text(L"Reveal &Active File\tAlt+Shift+E"), .enabled = hasFile},
+        {.id = kTreeRefresh, .text = Text(L"&Refresh\tCtrl+R")}};
     const std::wstring path = can.create ? TreePathOf(can.place ? *node : *TreeFolderFor(node)) : std::wstring{};
     const UINT command = ShowPopupMenu(TreeWindow(), items, at);
     if (command != 0) RunTreeCommand(command, path);

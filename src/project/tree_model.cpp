@@ -2,6 +2,7 @@
 #include "project/tree_model.h"
 
 #include "base/path.h"
+#include "base/texts.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -122,7 +123,7 @@ TreeMerge TreeShowMore(TreeNode& folder, std::wstring_view wanted) {
     const TreeListing& listing = folder.listing;
     const std::size_t shown = std::min(folder.shown, listing.entries.size());
     Merging merging(folder, listing.more);
-    if (!listing.readable) merging.Note(L"(cannot be read)", NodeKind::Note);
+    if (!listing.readable) merging.Note(Text(L"(cannot be read)"), NodeKind::Note);
     std::size_t left = listing.entries.size() - shown;
     for (std::size_t i = 0; i < shown; ++i) merging.Entry(listing.entries[i]);
     for (std::size_t i = shown; i < listing.entries.size() && !wanted.empty(); ++i) {
@@ -131,7 +132,7 @@ TreeMerge TreeShowMore(TreeNode& folder, std::wstring_view wanted) {
         --left;
     }
     if (left > 0 || listing.cut)
-        merging.Note(L"(" + std::to_wstring(left) + (listing.cut ? L" and more, not shown)" : L" more...)"),
+        merging.Note(L"(" + std::to_wstring(left) + (listing.cut ? Text(L" and more, not shown)") : Text(L" more...)")),
                      left > 0 ? NodeKind::More : NodeKind::Note);
     return merging.End();
 }

@@ -3,6 +3,7 @@
 
 #include "base/bounded_text.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "settings/file_type_table.h"
 
 #include <algorithm>
@@ -110,15 +111,16 @@ std::wstring TreeNameTyped(std::wstring_view text) {
 }
 
 std::wstring TreeNameProblem(std::wstring_view folder, std::wstring_view name) {
-    if (name.empty()) return L"A name needs at least one character.";
+    if (name.empty()) return Text(L"A name needs at least one character.");
     if (name.find_first_of(L"\\/:*?\"<>|") != std::wstring_view::npos)
-        return L"A name cannot contain any of these characters:  \\ / : * ? \" < > |";
+        return Text(L"A name cannot contain any of these characters:  \\ / : * ? \" < > |");
     if (std::ranges::any_of(name, [](wchar_t letter) { return letter < L' '; }))
-        return L"A name cannot contain control characters.";
-    if (name.ends_with(L'.')) return L"A name cannot end with a dot: Windows would leave it out.";
-    if (IsDeviceName(name)) return L"Windows keeps this name for a device.";
-    if (name.size() > 255) return L"A name can have at most 255 characters.";
-    if (TreeJoin(folder, name).size() >= kPathCapacity - 1) return L"The whole path would be too long for the editor.";
+        return Text(L"A name cannot contain control characters.");
+    if (name.ends_with(L'.')) return Text(L"A name cannot end with a dot: Windows would leave it out.");
+    if (IsDeviceName(name)) return Text(L"Windows keeps this name for a device.");
+    if (name.size() > 255) return Text(L"A name can have at most 255 characters.");
+    if (TreeJoin(folder, name).size() >= kPathCapacity - 1)
+        return Text(L"The whole path would be too long for the editor.");
     return {};
 }
 

@@ -3,6 +3,7 @@
 #include "base/events.h"
 #include "base/log.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "documents/document_row.h"
 #include "project/project.h"
@@ -82,7 +83,7 @@ int PictureOfNode(const TreeNode& node) {
 void ShowReading(TreeNode& folder) {
     folder.state = FolderState::Reading;
     auto note = std::make_unique<TreeNode>();
-    note->name = L"Reading...";
+    note->name = Text(L"Reading...");
     note->kind = NodeKind::Note;
     note->parent = &folder;
     TreeInsert(*note, nullptr);
@@ -194,14 +195,14 @@ void GoOnRevealing() {
             return EndReveal(nullptr);
         }
         TreeNode* const folder = TreeFindAbove(g_tree.top.get(), g_tree.reveal);
-        if (folder == nullptr) return EndReveal(L"%s is not in the project folder");
+        if (folder == nullptr) return EndReveal(Text(L"%s is not in the project folder"));
         if (folder->state == FolderState::Unread || folder->stale) TreeOpenFolder(*folder);
         if (IsBeingRead(*folder)) return;
         const std::size_t before = folder->children.size();
         const bool hasMore = before > 0 && folder->children.back()->kind == NodeKind::More;
         if (hasMore) ApplyMerge(*folder, TreeShowMore(*folder, WantedName(*folder)));
         if (!hasMore || folder->children.size() == before)
-            return EndReveal(L"%s is not shown in the project tree (the tree's menu says what it shows)");
+            return EndReveal(Text(L"%s is not shown in the project tree (the tree's menu says what it shows)"));
     }
 }
 

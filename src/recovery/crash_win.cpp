@@ -3,6 +3,7 @@
 #include "base/bounded_text.h"
 #include "base/handles.h"
 #include "base/log.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "files/file_io.h"
 #include "files/libraries.h"
@@ -116,7 +117,8 @@ std::wstring CrashNotice() {
         return {};
     DeleteFileW(PathForSystem((folder + kLatest).c_str()).c_str());
     RemoveOldReports(folder);
-    return L"The editor ended because of a fault the last time. What is known about it stands in:\n\n" +
-           Utf8ToWideText(report) +
-           L"\n\nand in the .dmp file beside it, for whoever is to mend it. Neither holds text of your documents.";
+    return TextWith(
+        L"The editor ended because of a fault the last time. What is known about it stands in:\n\n{1}\n\nand in the "
+        L".dmp file beside it, for whoever is to mend it. Neither holds text of your documents.",
+        {Utf8ToWideText(report)});
 }

@@ -4,6 +4,7 @@
 #include "base/difference.h"
 #include "base/log.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "base/worker.h"
 #include "files/file_io.h"
@@ -27,8 +28,10 @@ namespace {
 constexpr std::size_t kMostLines = 2000;         // of a difference that are shown
 constexpr std::size_t kMostCompared = 32 << 20;  // bytes
 
-constexpr std::array<ListColumn, 4> kColumns = {
-    {{L"File", 30, 14, false}, {L"Changed", 20, 16, false}, {L"Size", 10, 8, false}, {L"Folder", 40, 10, false}}};
+constexpr std::array<ListColumn, 4> kColumns = {{{English(L"File"), 30, 14, false},
+                                                 {English(L"Changed"), 20, 16, false},
+                                                 {English(L"Size"), 10, 8, false},
+                                                 {English(L"Folder"), 40, 10, false}}};
 
 struct RecoveryList {
     const std::vector<Leftover>* leftovers = nullptr;
@@ -62,18 +65,19 @@ void CompareWork(ComparisonWish& wish, const WorkerCancel&) {
     const std::wstring& path = wish.leftover.note.path;
     std::string kept, onDisk;
     if (wish.leftover.size > kMostCompared || !LeftoverRead(wish.leftover, &kept)) {
-        done->what = wish.leftover.size > kMostCompared ? L"The text is too large to be shown here."
-                                                        : L"The text cannot be read at the moment.";
+        done->what = wish.leftover.size > kMostCompared ? Text(L"The text is too large to be shown here.")
+                                                        : Text(L"The text cannot be read at the moment.");
     } else if (path.empty() || !PathAnswers(path.c_str()) || !FileExists(path.c_str())) {
-        done->what = path.empty() ? L"It has no file. Its text:" : L"Its file is not there any more. Its text:";
+        done->what =
+            path.empty() ? Text(L"It has no file. Its text:") : Text(L"Its file is not there any more. Its text:");
         done->lines = DifferenceOf({}, kept, kMostLines);
     } else {
         std::size_t length = 0;
         const HeapBlock<char> text{ReadSourceFileForEditor(path.c_str(), &length, nullptr, nullptr)};
         if (text) done->lines = DifferenceOf({text.get(), length}, kept, kMostLines);
-        done->what = !text                 ? L"Its file cannot be read at the moment."
-                     : done->lines.empty() ? L"It is the same as its file."
-                                           : L"What differs from its file:";
+        done->what = !text                 ? Text(L"Its file cannot be read at the moment.")
+                     : done->lines.empty() ? Text(L"It is the same as its file.")
+                                           : Text(L"What differs from its file:");
     }
     WorkerPost(wish.dialog, MSG_RECOVERY_COMPARED, std::move(done));
 }
@@ -92,7 +96,7 @@ void CompareSelected(RecoveryList& recovery) {
     if (index == recovery.shown) return;
     recovery.shown = index;
     SetWindowTextW(recovery.difference, L"");
-    SetDlgItemTextW(recovery.dialog, IDC_RECOVERY_DIFFERENCE_LABEL, L"Comparing...");
+    SetDlgItemTextW(recovery.dialog, IDC_RECOVERY_DIFFERENCE_LABEL, Text(L"Comparing..."));
     if (!WorkerStart<CompareWork>(ComparisonWish{recovery.dialog, index, (*recovery.leftovers)[index]}))
         SetDlgItemTextW(recovery.dialog, IDC_RECOVERY_DIFFERENCE_LABEL, L"");
 }
@@ -110,9 +114,9 @@ std::wstring TimeText(const FILETIME& time) {
 }
 
 std::wstring SizeText(std::uint64_t size) {
-    if (size < 1024) return FormatW(L"%llu bytes", size);
-    if (size < (1 << 20)) return FormatW(L"%llu kB", (size + 512) >> 10U);
-    return FormatW(L"%llu MB", (size + (1 << 19)) >> 20U);
+    if (size < 1024) return FormatW(Text(L"%llu bytes"), size);
+    if (size < (1 << 20)) return FormatW(Text(L"%llu kB"), (size + 512) >> 10U);
+    return FormatW(Text(L"%llu MB"), (size + (1 << 19)) >> 20U);
 }
 
 void ShowRows(RecoveryList& recovery) {
@@ -123,7 +127,7 @@ void ShowRows(RecoveryList& recovery) {
         any = any || recovery.ticked[i];
         recovery.content.rows.push_back(
             {.cells = {leftover.note.label, TimeText(leftover.time), SizeText(leftover.size),
-                       leftover.note.path.empty() ? L"(never saved)" : FolderOf(leftover.note.path)},
+                       leftover.note.path.empty() ? Text(L"(never saved)") : FolderOf(leftover.note.path)},
              .mark = recovery.ticked[i] ? ListMark::Checked : ListMark::Unchecked});
     }
     ListViewUpdate(recovery.list, recovery.content);
@@ -162,9 +166,9 @@ void TakeWish(RecoveryList& recovery, RecoveryWish wish) {
 bool MayDiscard(const RecoveryList& recovery) {
     const auto count = std::count(recovery.ticked.begin(), recovery.ticked.end(), true);
     const std::wstring question =
-        count == 1 ? std::wstring(L"Discard this text? It cannot be brought back.")
-                   : FormatW(L"Discard these %d texts? They cannot be brought back.", static_cast<int>(count));
-    return AskUser({.caption = L"Discard",
+        count == 1 ? std::wstring(Text(L"Discard this text? It cannot be brought back."))
+                   : FormatW(Text(L"Discard these %d texts? They cannot be brought back."), static_cast<int>(count));
+    return AskUser({.caption = Text(L"Discard"),
                     .text = question.c_str(),
                     .buttons = AskButtons::YesNo,
                     .icon = AskIcon::Warning,
@@ -176,14 +180,15 @@ bool MayDiscard(const RecoveryList& recovery) {
 
 void FillRecoveryDialog(HWND dialog, RecoveryList& recovery) {
     recovery.dialog = dialog;
-    SetDlgItemTextW(dialog, IDC_RECOVERY_WHAT,
-                    L"These texts were not saved when the editor ended, or a save of them failed. Restored texts are "
-                    L"opened as unsaved documents; no file is changed before you save it.");
+    SetDlgItemTextW(
+        dialog, IDC_RECOVERY_WHAT,
+        Text(L"These texts were not saved when the editor ended, or a save of them failed. Restored texts are "
+             L"opened as unsaved documents; no file is changed before you save it."));
     recovery.difference = DifferencePaneMake(dialog, IDC_RECOVERY_DIFFERENCE);
     recovery.list.inDialog = true;
     if (!ListViewCreate(recovery.list, dialog, IDC_RECOVERY_LIST)) return;
     DialogPutInPlace(dialog, IDC_RECOVERY_LIST, recovery.list.window);
-    AccessibleNameSet(recovery.list.window, L"Files");
+    AccessibleNameSet(recovery.list.window, Text(L"Files"));
     ListViewApplyTheme(recovery.list);
     ListViewShow(recovery.list, kRecoveryList);
     ShowRows(recovery);

@@ -4,6 +4,7 @@
 #include "base/events.h"
 #include "base/log.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
@@ -61,7 +62,7 @@ int IntoItsFile(const SnapshotNote& note, const std::string& text) {
 }
 
 int OpenBeside(const Leftover& leftover, const std::string& text) {
-    return NewDocumentWith(leftover.note.label + L" (recovered)", text);
+    return NewDocumentWith(TextWith(L"{1} (recovered)", {leftover.note.label}), text);
 }
 
 int Restore(const Leftover& leftover, const std::string& text) {
@@ -94,8 +95,8 @@ void TellBroughtBack(int count) {
     static constexpr UINT kToldMs = 10'000;
     static DocumentId about = 0;
     about = ActiveDocumentId();
-    g_events.documentStatus(about, FormatW(count == 1 ? L"%d text was brought back; it is not saved yet"
-                                                      : L"%d texts were brought back; they are not saved yet",
+    g_events.documentStatus(about, FormatW(count == 1 ? Text(L"%d text was brought back; it is not saved yet")
+                                                      : Text(L"%d texts were brought back; they are not saved yet"),
                                            count)
                                        .c_str());
     SetTimer(nullptr, 0, kToldMs, [](HWND, UINT, UINT_PTR timer, DWORD) {
@@ -113,7 +114,7 @@ void CarryOut(const std::vector<Leftover>& leftovers, const std::vector<Recovery
     }
     if (back > 0) TellBroughtBack(back);
     if (failed > 0)
-        ErrorMessage(L"%d texts could not be brought back. They stay in the list of recovered files.", failed);
+        ErrorMessage(Text(L"%d texts could not be brought back. They stay in the list of recovered files."), failed);
 }
 
 }  // namespace
@@ -127,7 +128,7 @@ void RecoveryOffer() {
 
 void RecoveryShow() {
     const std::vector<Leftover> leftovers = LeftoversFind();
-    if (leftovers.empty()) return g_events.statusText(L"There are no recovered files");
+    if (leftovers.empty()) return g_events.statusText(Text(L"There are no recovered files"));
     CarryOut(leftovers, RecoveryDialogShow(leftovers));
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/log.h"
 #include "base/system_error.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "base/worker.h"
 #include "documents/document_row.h"
@@ -137,7 +138,7 @@ void TellNotKept(DWORD error) {
     AppLogMsg(L"FAIL: unsaved text could not be kept, error=%lu", error);
     if (std::exchange(g_snapshots.told, true)) return;
     const std::wstring why = error != 0 ? L": " + SystemErrorText(error) : std::wstring(L"");
-    g_events.statusText((L"Unsaved text cannot be kept for a recovery" + why).c_str());
+    g_events.statusText(TextWith(L"Unsaved text cannot be kept for a recovery{1}", {why}).c_str());
 }
 
 std::string NoteOf(const DocumentTab& tab) {

@@ -3,6 +3,7 @@
 #include "search/files_internal.h"
 
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
@@ -59,11 +60,11 @@ std::string EditorPart(HWND editor, std::ptrdiff_t start, std::ptrdiff_t end) {
 std::wstring RootOf(const FilesOptions& options, std::wstring* root) {
     const std::wstring wanted = FilesFolderWanted(options);
     if (wanted.empty() && options.scope == FilesScope::Project)
-        return L"There is no project folder (Project > Choose Project Folder)";
+        return Text(L"There is no project folder (Project > Choose Project Folder)");
     wchar_t full[kPathCapacity] = {};
-    if (!PathNormalizeInput(wanted.c_str(), full, kPathCapacity)) return L"Name a folder to search in";
-    if (!PathAnswers(full)) return std::wstring{L"The share does not answer: "} + full;
-    if (!DirectoryExists(full)) return std::wstring{L"There is no folder "} + full;
+    if (!PathNormalizeInput(wanted.c_str(), full, kPathCapacity)) return Text(L"Name a folder to search in");
+    if (!PathAnswers(full)) return std::wstring{Text(L"The share does not answer: ")} + full;
+    if (!DirectoryExists(full)) return std::wstring{Text(L"There is no folder ")} + full;
     *root = full;
     while (root->size() > 3 && root->ends_with(L'\\')) root->pop_back();
     return {};
@@ -179,7 +180,7 @@ void RenewHits(ResultFile& file, HWND editor) {
 ResultFile ResultOf(FoundFile found) {
     ResultFile file;
     const int tab = found.document != 0 ? TabBarFindDocument(found.document) : TabBarFindPath(found.path.c_str());
-    file.label = found.path.empty() ? (tab >= 0 ? std::wstring{TabAt(tab).label} : L"(closed)")
+    file.label = found.path.empty() ? (tab >= 0 ? std::wstring{TabAt(tab).label} : Text(L"(closed)"))
                                     : PathBelow(found.path, g_files.root);
     file.path = std::move(found.path);
     file.key = file.path.empty() ? L"\x1" + std::to_wstring(found.document) : PathKey(file.path);
@@ -225,7 +226,7 @@ std::wstring FilesSearchBegin(const FilesOptions& options) {
     BeginResults(options, root);
     g_files.byUser = true;
     PaneShow(PaneId::FilesResults, true);
-    if (FilesPaneWindow() == nullptr) return L"The pane of results could not be made";
+    if (FilesPaneWindow() == nullptr) return Text(L"The pane of results could not be made");
     g_files.running = true;
     g_texts = {.job = {.query = QueryOf(options)}};
     if (!root.empty()) g_texts.job.walk = WalkRulesOf(options, root);
@@ -411,9 +412,9 @@ void FilesGoBeside(bool forward) {
     if (next)
         FilesGoTo(*next);
     else
-        g_events.statusText(g_files.results.HitCount() == 0 ? L"There are no search results"
-                            : forward                       ? L"This is the last search result"
-                                                            : L"This is the first search result");
+        g_events.statusText(g_files.results.HitCount() == 0 ? Text(L"There are no search results")
+                            : forward                       ? Text(L"This is the last search result")
+                                                            : Text(L"This is the first search result"));
 }
 
 std::span<const CommandHandler> FilesSearchCommandHandlers() {

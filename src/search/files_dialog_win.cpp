@@ -1,6 +1,7 @@
 // The dialog of a search over files. Modeless, UI thread only.
 #include "base/log.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "documents/document_row.h"
 #include "documents/recent_files.h"
@@ -86,8 +87,8 @@ void EnableFields() {
          {IDC_FILES_ONLY, IDC_FILES_EXCEPT, IDC_FILES_SUBFOLDERS, IDC_FILES_GITIGNORE, IDC_FILES_HIDDEN})
         enable(control, walks);
     SetDlgItemTextW(g_filesDialog.window, IDC_FILES_FOLDER, FilesFolderWanted(options).c_str());
-    SetWindowTextW(g_filesDialog.window, options.replacing ? L"Replace in Files" : L"Find in Files");
-    SetDlgItemTextW(g_filesDialog.window, IDOK, options.replacing ? L"&Find and Preview" : L"&Find All");
+    SetWindowTextW(g_filesDialog.window, options.replacing ? Text(L"Replace in Files") : Text(L"Find in Files"));
+    SetDlgItemTextW(g_filesDialog.window, IDOK, options.replacing ? Text(L"&Find and Preview") : Text(L"&Find All"));
 }
 
 void ShowFields(const FilesOptions& options) {
@@ -141,14 +142,14 @@ std::wstring SelectedText() {
 
 void ChooseFolder() {
     std::wstring folder = WindowText(Control(IDC_FILES_FOLDER));
-    if (AskFolderPath(g_filesDialog.window, L"Choose the folder to search in", folder))
+    if (AskFolderPath(g_filesDialog.window, Text(L"Choose the folder to search in"), folder))
         SetDlgItemTextW(g_filesDialog.window, IDC_FILES_FOLDER, folder.c_str());
 }
 
 void StartFromDialog() {
     const FilesOptions options = ReadFields();
     if (g_files.replaceRuns) {
-        SetDlgItemTextW(g_filesDialog.window, IDC_FILES_STATUS, L"A replacement is running");
+        SetDlgItemTextW(g_filesDialog.window, IDC_FILES_STATUS, Text(L"A replacement is running"));
         return;
     }
     const std::wstring fault = FilesSearchBegin(options);
@@ -170,13 +171,14 @@ void TakeRecent() {
 
 void OnFilesInit(HWND dialog) {
     g_filesDialog.window = dialog;
-    AccessibleNameSet(Control(IDC_FILES_WITH), L"Replacement");  // a check box stands where its label would
-    for (const wchar_t* scope : {L"Project folder", L"Open documents", L"Folder"}) AddItem(IDC_FILES_SCOPE, scope);
+    AccessibleNameSet(Control(IDC_FILES_WITH), Text(L"Replacement"));  // a check box stands where its label would
+    for (const wchar_t* scope : {Text(L"Project folder"), Text(L"Open documents"), Text(L"Folder")})
+        AddItem(IDC_FILES_SCOPE, scope);
     Ask(IDC_FILES_WHAT, CB_LIMITTEXT, kLongestText);
     for (const TextOption& field : kFields)
         if (field.control != IDC_FILES_WHAT) Ask(field.control, EM_SETLIMITTEXT, static_cast<WPARAM>(field.limit));
     for (const auto& [control, cue] :
-         {std::pair{IDC_FILES_ONLY, L"all, or *.bas;*.inc"}, {IDC_FILES_EXCEPT, L"none, or bin;*.log"}})
+         {std::pair{IDC_FILES_ONLY, Text(L"all, or *.bas;*.inc")}, {IDC_FILES_EXCEPT, Text(L"none, or bin;*.log")}})
         Ask(control, EM_SETCUEBANNER, FALSE, reinterpret_cast<LPARAM>(cue));
     FillLists();
     DialogApplyTheme(dialog);

@@ -1,5 +1,6 @@
 #include "search/files_options.h"
 
+#include "base/texts.h"
 #include "base/utf8.h"
 
 #include <vector>
@@ -64,9 +65,9 @@ std::wstring RecentSearchLabel(const FilesOptions& options) {
     std::wstring label = options.what;
     if (options.replacing) label += L" \u2192 " + options.with;
     switch (options.scope) {
-        case FilesScope::Project: label += L"  in the project"; break;
-        case FilesScope::OpenDocuments: label += L"  in open documents"; break;
-        case FilesScope::Folder: label += L"  in " + options.folder; break;
+        case FilesScope::Project: label += Text(L"  in the project"); break;
+        case FilesScope::OpenDocuments: label += Text(L"  in open documents"); break;
+        case FilesScope::Folder: label += TextWith(L"  in {1}", {options.folder}); break;
     }
     return options.only.empty() ? label : label + L"  (" + options.only + L")";
 }

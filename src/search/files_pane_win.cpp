@@ -2,6 +2,7 @@
 // only.
 #include "search/files_pane.h"
 #include "base/log.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "base/wide_format.h"
 #include "documents/document_row.h"
@@ -71,12 +72,16 @@ std::size_t TickedCount() {
 std::wstring ButtonText(int id) {
     switch (id) {
         case IDC_FILES_AGAIN:
-            return !g_files.byUser ? L"" : g_files.running || g_files.replaceRuns ? L"Stop" : L"Search Again";
+            return !g_files.byUser                          ? L""
+                   : g_files.running || g_files.replaceRuns ? Text(L"Stop")
+                                                            : Text(L"Search Again");
         case IDC_FILES_UNREADABLE:
-            return g_files.tally.unreadable == 0 ? L"" : std::to_wstring(g_files.tally.unreadable) + L" Unreadable...";
+            return g_files.tally.unreadable == 0
+                       ? L""
+                       : TextWith(L"{1} Unreadable...", {std::to_wstring(g_files.tally.unreadable)});
         default:
             if (!g_files.options.replacing || g_files.running || g_files.results.HitCount() == 0) return {};
-            return L"Replace " + std::to_wstring(TickedCount()) + L"...";
+            return TextWith(L"Replace {1}...", {std::to_wstring(TickedCount())});
     }
 }
 
@@ -119,7 +124,7 @@ void LayOutFilesPane() {
 
 std::wstring SummaryNow() {
     if (!g_files.note.empty()) return g_files.note;
-    if (g_files.number == 0) return L"Search > Find in Files searches the project";
+    if (g_files.number == 0) return Text(L"Search > Find in Files searches the project");
     return FilesSummaryText({.hits = g_files.results.HitCount(),
                              .files = g_files.results.files.size(),
                              .searched = g_files.tally.files,
@@ -208,8 +213,8 @@ void TellUnreadable() {
     const std::vector<std::wstring>& names = g_files.tally.unreadableNames;
     for (std::size_t i = 0; i < std::min(names.size(), kMostTold); ++i) text += names[i] + L"\n";
     if (g_files.tally.unreadable > kMostTold)
-        text += L"... and " + std::to_wstring(g_files.tally.unreadable - kMostTold) + L" more";
-    TellUser(L"Files that could not be searched", text.c_str(), AskIcon::Warning);
+        text += TextWith(L"... and {1} more", {std::to_wstring(g_files.tally.unreadable - kMostTold)});
+    TellUser(Text(L"Files that could not be searched"), text.c_str(), AskIcon::Warning);
 }
 
 void StopOrSearchAgain() {
@@ -231,18 +236,18 @@ void ShowResultsMenu(POINT at) {
     }
     const bool any = g_files.results.RowCount() > 0;
     const MenuItem items[] = {
-        {.id = kGo, .text = L"&Go to Result\tEnter", .enabled = row.has_value()},
-        {.id = kRemove, .text = L"E&xclude from Results\tDel", .enabled = row.has_value()},
+        {.id = kGo, .text = Text(L"&Go to Result\tEnter"), .enabled = row.has_value()},
+        {.id = kRemove, .text = Text(L"E&xclude from Results\tDel"), .enabled = row.has_value()},
         {},
-        {.id = kCopy, .text = L"&Copy\tCtrl+C", .enabled = row.has_value()},
-        {.id = kCopyAll, .text = L"Copy &All", .enabled = any},
+        {.id = kCopy, .text = Text(L"&Copy\tCtrl+C"), .enabled = row.has_value()},
+        {.id = kCopyAll, .text = Text(L"Copy &All"), .enabled = any},
         {},
-        {.id = kFold, .text = L"&Fold All", .enabled = any},
-        {.id = kUnfold, .text = L"&Unfold All", .enabled = any},
+        {.id = kFold, .text = Text(L"&Fold All"), .enabled = any},
+        {.id = kUnfold, .text = Text(L"&Unfold All"), .enabled = any},
         {},
-        {.id = kAgain, .text = g_files.running ? L"&Stop" : L"&Search Again", .enabled = g_files.byUser},
-        {.id = kEdit, .text = L"&Edit Search..."},
-        {.id = kUnreadable, .text = L"U&nreadable Files...", .enabled = g_files.tally.unreadable > 0}};
+        {.id = kAgain, .text = g_files.running ? Text(L"&Stop") : Text(L"&Search Again"), .enabled = g_files.byUser},
+        {.id = kEdit, .text = Text(L"&Edit Search...")},
+        {.id = kUnreadable, .text = Text(L"U&nreadable Files..."), .enabled = g_files.tally.unreadable > 0}};
     switch (ShowPopupMenu(g_filesPane.list, items, at)) {
         case kGo: FilesGoTo(*row); break;
         case kRemove: RemoveRow(*row); break;
@@ -428,7 +433,7 @@ bool MakeChildren() {
     column.mask = LVCF_WIDTH;
     ListSend(LVM_INSERTCOLUMNW, 0, reinterpret_cast<LPARAM>(&column));
     SubclassAdd(g_filesPane.list, FilesListProc);
-    AccessibleNameSet(g_filesPane.list, L"Search Results");
+    AccessibleNameSet(g_filesPane.list, Text(L"Search Results"));
     for (const int id : kFilesButtons) {
         const HWND button = MakeChild(WC_BUTTONW, BS_PUSHBUTTON, id);
         if (button == nullptr) return false;
@@ -510,7 +515,8 @@ void FilesPaneAdd(std::vector<ResultFile> files) {
 }
 
 void FilesPaneUpdate() {
-    ProgressShow(ProgressOf::Search, g_files.running ? L"Searching " + std::to_wstring(g_files.tally.files) : L"");
+    ProgressShow(ProgressOf::Search,
+                 g_files.running ? TextWith(L"Searching {1}", {std::to_wstring(g_files.tally.files)}) : L"");
     if (g_filesPane.pane == nullptr) return;
     const RedrawPause pause(g_filesPane.list);
     const std::size_t rows = g_files.results.RowCount();

@@ -3,6 +3,7 @@
 #include "search/files_replace.h"
 
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/worker.h"
 #include "documents/document_row.h"
 #include "documents/save_rules.h"
@@ -76,21 +77,21 @@ std::wstring SaveFault(const std::wstring& path, const SaveReport& report) {
 std::wstring ReplaceInFile(const ReplaceTask& task, const FilesQuery& query, std::size_t* replaced) {
     const DWORD attributes = GetFileAttributesW(PathExtended(task.path).c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0)
-        return L"the file is read-only";
-    if (RecoveryHasKept(task.path.c_str())) return L"a save of it has failed, and its text is still kept";
+        return Text(L"the file is read-only");
+    if (RecoveryHasKept(task.path.c_str())) return Text(L"a save of it has failed, and its text is still kept");
     ReadBuffer bytes;
     std::wstring fault = ReadSearchedFile(task.path, 0, false, nullptr, &bytes);
     if (!fault.empty()) return fault;
     SourceText text;
-    if (!DecodeSource(bytes.Text(), SystemAnsiDecoder(), &text)) return L"its text cannot be decoded";
+    if (!DecodeSource(bytes.Text(), SystemAnsiDecoder(), &text)) return Text(L"its text cannot be decoded");
     const std::string_view utf8 = text.asItIs ? bytes.Text() : std::string_view{text.utf8};
-    if (!HasSameHits(utf8, query, task.hits)) return L"it has changed since the search";
-    if (text.form.inexact) return L"it has bytes that saving would not give back";
+    if (!HasSameHits(utf8, query, task.hits)) return Text(L"it has changed since the search");
+    if (text.form.inexact) return Text(L"it has bytes that saving would not give back");
     const std::vector<HitReplacement> replacements =
         ReplacementsAt(utf8, query, BreaksOf(text.lineEnding), TickedStarts(task));
     const auto holds = [](const HitReplacement& each) { return AnsiCanHold(each.text); };
     if (text.encoding == TextEncoding::Ansi && !std::ranges::all_of(replacements, holds))
-        return L"its encoding cannot hold the new text";
+        return Text(L"its encoding cannot hold the new text");
     const std::string changed = ReplacedText(utf8, replacements);
     DiskForm form = text.form;
     form.keepBreaks = true;  // only the hits change, also in a file with mixed line breaks
@@ -107,9 +108,9 @@ void ReplaceOnWorker(ReplaceRequest& request, const WorkerCancel& cancel) {
     for (const ReplaceTask& task : request.tasks) {
         ReplaceOutcome outcome{task.path, task.key, 0, {}};
         try {
-            outcome.fault = cancel.Asked() ? L"stopped" : ReplaceInFile(task, request.query, &outcome.replaced);
+            outcome.fault = cancel.Asked() ? Text(L"stopped") : ReplaceInFile(task, request.query, &outcome.replaced);
         } catch (const std::bad_alloc&) {
-            outcome.fault = L"not enough memory";
+            outcome.fault = Text(L"not enough memory");
         }
         outcomes->push_back(std::move(outcome));
     }
@@ -121,7 +122,7 @@ void ReplaceOnWorker(ReplaceRequest& request, const WorkerCancel& cancel) {
 ReplaceOutcome ReplaceInDocument(const ResultFile& file, const DocumentTab& tab, const FilesQuery& query) {
     ReplaceOutcome outcome{file.path.empty() ? file.label : file.path, file.key, 0, {}};
     if (SciSend(tab.editor, SCI_GETREADONLY) != 0) {
-        outcome.fault = L"the document is read-only";
+        outcome.fault = Text(L"the document is read-only");
         return outcome;
     }
     std::vector<std::size_t> starts;
@@ -138,14 +139,14 @@ ReplaceOutcome ReplaceInDocument(const ResultFile& file, const DocumentTab& tab,
                 static_cast<LPARAM>(each->span.start + each->span.length));
         SciSend(tab.editor, SCI_REPLACETARGET, each->text.size(), reinterpret_cast<LPARAM>(each->text.data()));
     }
-    if (outcome.replaced < starts.size()) outcome.fault = L"some hits have changed since the search and stay";
+    if (outcome.replaced < starts.size()) outcome.fault = Text(L"some hits have changed since the search and stay");
     return outcome;
 }
 
 void ShowReplaceProgress(const wchar_t* text) { g_events.statusText(text); }
 
 void ReplaceInDocuments(const FilesQuery& query) {
-    LongWork work(L"Replacing", ShowReplaceProgress);
+    LongWork work(Text(L"Replacing"), ShowReplaceProgress);
     const std::vector<ResultFile>& files = g_files.results.files;
     for (std::size_t i = 0; i < files.size(); ++i) {
         const int tab = files[i].document != 0 ? TabBarFindDocument(files[i].document) : -1;
@@ -153,7 +154,7 @@ void ReplaceInDocuments(const FilesQuery& query) {
         if (work.GoesOn(static_cast<double>(i) / static_cast<double>(files.size())))
             g_replace.outcomes.push_back(ReplaceInDocument(files[i], TabAt(tab), query));
         else
-            g_replace.outcomes.push_back({files[i].path, files[i].key, 0, L"stopped"});
+            g_replace.outcomes.push_back({files[i].path, files[i].key, 0, Text(L"stopped")});
     }
 }
 
@@ -172,13 +173,16 @@ void TellOutcome() {
         if (each.fault.empty()) continue;
         if (++faults <= kMostTold) text += L"\n" + each.path + L": " + each.fault;
     }
-    if (faults > kMostTold) text += L"\n... and " + std::to_wstring(faults - kMostTold) + L" more";
-    const std::wstring done =
-        L"Replaced " + CountText(replaced, L" hit in ", L" hits in ") + CountText(files, L" file", L" files");
-    g_files.note = done + (faults > 0 ? L"; not in " + CountText(faults, L" file", L" files") : L"");
+    if (faults > kMostTold) text += TextWith(L"\n... and {1} more", {std::to_wstring(faults - kMostTold)});
+    const std::wstring done = TextWith(L"Replaced {1}{2}", {CountText(replaced, Text(L" hit in "), Text(L" hits in ")),
+                                                            CountText(files, Text(L" file"), Text(L" files"))});
+    g_files.note =
+        done + (faults > 0 ? TextWith(L"; not in {1}", {CountText(faults, Text(L" file"), Text(L" files"))}) : L"");
     g_events.statusText(g_files.note.c_str());
     FilesPaneUpdate();
-    if (faults > 0) TellUser(L"Replace in Files", (done + L". Not everywhere:\n" + text).c_str(), AskIcon::Warning);
+    if (faults > 0)
+        TellUser(Text(L"Replace in Files"), TextWith(L"{1}. Not everywhere:\n{2}", {done, text}).c_str(),
+                 AskIcon::Warning);
 }
 
 // Takes away what was replaced. What was not stays for another try.
@@ -198,16 +202,16 @@ void EndReplacing() {
 }
 
 bool UserAgrees(std::size_t hits, std::size_t files, std::size_t closed) {
-    std::wstring text =
-        L"Replace " + CountText(hits, L" hit in ", L" hits in ") + CountText(files, L" file?", L" files?");
+    std::wstring text = TextWith(L"Replace {1}{2}", {CountText(hits, Text(L" hit in "), Text(L" hits in ")),
+                                                     CountText(files, Text(L" file?"), Text(L" files?"))});
     if (closed > 0)
-        text +=
-            L"\n\n" +
-            (closed == files ? std::wstring{L"These files are"} : CountText(closed, L" of them is", L" of them are")) +
-            L" not open in the editor. They are changed on the disk at once, which Undo does not take back.";
+        text += TextWith(
+            L"\n\n{1} not open in the editor. They are changed on the disk at once, which Undo does not take back.",
+            {(closed == files ? std::wstring{Text(L"These files are")}
+                              : CountText(closed, Text(L" of them is"), Text(L" of them are")))});
     if (g_files.tally.limited || g_files.stopped)
-        text += L"\n\nThe search did not come to its end, so there may be further hits, which stay.";
-    return AskUser({.caption = L"Replace in Files",
+        text += Text(L"\n\nThe search did not come to its end, so there may be further hits, which stay.");
+    return AskUser({.caption = Text(L"Replace in Files"),
                     .text = text.c_str(),
                     .buttons = AskButtons::YesNo,
                     .icon = AskIcon::Question,
@@ -233,11 +237,13 @@ void FilesReplaceTicked() {
     // A document may have been closed or a file opened while the question was shown.
     std::erase_if(request.tasks, [](const ReplaceTask& task) { return TabBarFindPath(task.path.c_str()) >= 0; });
     if (request.tasks.empty()) return EndReplacing();
-    g_files.note = L"Replacing in " + CountText(request.tasks.size(), L" file...", L" files...");
+    g_files.note =
+        TextWith(L"Replacing in {1}", {CountText(request.tasks.size(), Text(L" file..."), Text(L" files..."))});
     FilesPaneUpdate();
     g_replace.worker = WorkerStart<ReplaceOnWorker>(std::move(request));
     if (g_replace.worker) return;
-    g_replace.outcomes.push_back({L"(all files that are not open)", {}, 0, L"the work could not be started"});
+    g_replace.outcomes.push_back(
+        {Text(L"(all files that are not open)"), {}, 0, Text(L"the work could not be started")});
     EndReplacing();
 }
 

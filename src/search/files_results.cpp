@@ -1,6 +1,7 @@
 #include "search/files_results.h"
 
 #include "base/path.h"
+#include "base/texts.h"
 
 #include <algorithm>
 #include <iterator>
@@ -225,13 +226,13 @@ static std::wstring Counted(std::size_t count, const wchar_t* one, const wchar_t
 }
 
 std::wstring FilesSummaryText(const FilesSummary& summary) {
-    std::wstring text = summary.hits == 0 ? std::wstring{L"No hits"}
-                                          : Counted(summary.hits, L" hit in ", L" hits in ") +
-                                                Counted(summary.files, L" file", L" files");
-    text += L"; " + Counted(summary.searched, L" file searched", L" files searched");
-    if (summary.binary > 0) text += L", " + std::to_wstring(summary.binary) + L" binary left out";
-    if (summary.unreadable > 0) text += L", " + std::to_wstring(summary.unreadable) + L" unreadable";
-    if (summary.running) return L"Searching... " + text;
-    if (summary.limited) return L"Ended at the limit of " + std::to_wstring(kMaxHits) + L" hits: " + text;
-    return summary.stopped ? L"Stopped: " + text : text;
+    std::wstring text = summary.hits == 0 ? std::wstring{Text(L"No hits")}
+                                          : Counted(summary.hits, Text(L" hit in "), Text(L" hits in ")) +
+                                                Counted(summary.files, Text(L" file"), Text(L" files"));
+    text += L"; " + Counted(summary.searched, Text(L" file searched"), Text(L" files searched"));
+    if (summary.binary > 0) text += TextWith(L", {1} binary left out", {std::to_wstring(summary.binary)});
+    if (summary.unreadable > 0) text += TextWith(L", {1} unreadable", {std::to_wstring(summary.unreadable)});
+    if (summary.running) return TextWith(L"Searching... {1}", {text});
+    if (summary.limited) return TextWith(L"Ended at the limit of {1} hits: {2}", {std::to_wstring(kMaxHits), text});
+    return summary.stopped ? TextWith(L"Stopped: {1}", {text}) : text;
 }

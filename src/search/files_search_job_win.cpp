@@ -3,6 +3,7 @@
 #include "search/files_search_job.h"
 
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "base/worker.h"
 #include "files/file_io.h"
@@ -48,11 +49,11 @@ constexpr std::size_t kTaken = 8;  // files that a thread takes at once
 
 std::wstring WhyUnreadable(DWORD error) {
     switch (error) {
-        case ERROR_ACCESS_DENIED: return L"access denied";
-        case ERROR_SHARING_VIOLATION: return L"in use by another program";
+        case ERROR_ACCESS_DENIED: return Text(L"access denied");
+        case ERROR_SHARING_VIOLATION: return Text(L"in use by another program");
         case ERROR_FILE_NOT_FOUND:
-        case ERROR_PATH_NOT_FOUND: return L"not found";
-        default: return FormatW(L"error %lu", error);
+        case ERROR_PATH_NOT_FOUND: return Text(L"not found");
+        default: return FormatW(Text(L"error %lu"), error);
     }
 }
 
@@ -83,8 +84,8 @@ void NoteUnreadable(SearchThread& thread, const std::wstring& path, const std::w
 void TakeHits(SearchThread& thread, const std::wstring& path, DocumentId document, FileHits found) {
     FilesSearchCourse& course = thread.course;
     if (found.kind == FileKind::Binary) ++thread.tally.binary;
-    if (found.kind == FileKind::NotDecoded) NoteUnreadable(thread, path, L"its text cannot be decoded");
-    if (found.kind == FileKind::TooComplex) NoteUnreadable(thread, path, L"the expression takes too long in it");
+    if (found.kind == FileKind::NotDecoded) NoteUnreadable(thread, path, Text(L"its text cannot be decoded"));
+    if (found.kind == FileKind::TooComplex) NoteUnreadable(thread, path, Text(L"the expression takes too long in it"));
     if (found.kind == FileKind::Text) ++thread.tally.files;
     if (found.hits.empty() && !found.more) return;
     const std::size_t before = course.hits.fetch_add(found.hits.size());
@@ -121,7 +122,7 @@ void SearchGuarded(SearchThread& thread, const WalkedFile& file) {
         SearchOneFile(thread, file);
     } catch (const std::bad_alloc&) {
         thread.buffer = {};
-        NoteUnreadable(thread, file.path, L"not enough memory");
+        NoteUnreadable(thread, file.path, Text(L"not enough memory"));
     }
 }
 
@@ -157,7 +158,7 @@ bool WalkOn(SearchThread& thread) {
         case WalkStep::Waiting: Sleep(1); return true;
         case WalkStep::Listed: break;
     }
-    if (!unreadable.empty()) NoteUnreadable(thread, unreadable, L"the folder cannot be listed");
+    if (!unreadable.empty()) NoteUnreadable(thread, unreadable, Text(L"the folder cannot be listed"));
     const std::lock_guard lock(course.mutex);
     std::ranges::move(files, std::back_inserter(course.waiting));
     return true;
@@ -233,15 +234,15 @@ std::wstring ReadSearchedFile(const std::wstring& path, std::uint64_t size, bool
     if (!file) return WhyUnreadable(GetLastError());
     if (!sizeKnown) {
         LARGE_INTEGER real = {};
-        if (GetFileType(file.Get()) != FILE_TYPE_DISK) return L"no file on a disk";
+        if (GetFileType(file.Get()) != FILE_TYPE_DISK) return Text(L"no file on a disk");
         if (GetFileSizeEx(file.Get(), &real) == FALSE) return WhyUnreadable(GetLastError());
         size = static_cast<std::uint64_t>(real.QuadPart);
     }
     for (;;) {
-        if (size >= kLargestSearched || buffer->length >= kLargestSearched) return L"larger than 1 GB";
+        if (size >= kLargestSearched || buffer->length >= kLargestSearched) return Text(L"larger than 1 GB");
         // One byte more than the size, so that the read tells the file's end, or that it has grown.
         const std::size_t wanted = std::max<std::size_t>(static_cast<std::size_t>(size), buffer->length) + 1;
-        if (!Reserve(buffer, wanted)) return L"not enough memory";
+        if (!Reserve(buffer, wanted)) return Text(L"not enough memory");
         const DWORD piece = static_cast<DWORD>(std::min<std::size_t>(wanted - buffer->length, kPiece));
         DWORD read = 0;
         if (ReadFile(file.Get(), buffer->bytes.get() + buffer->length, piece, &read, nullptr) == FALSE)
@@ -266,7 +267,7 @@ FilesSearchHandle FilesSearchStart(FilesJob job, HWND window, UINT message, WPAR
     for (int i = 0; i < wanted; ++i) {
         if (WorkerStart<SearchOnThread>(ThreadRequest{course})) continue;
         if (i == 0) {
-            if (fault != nullptr) *fault = L"The search could not be started";
+            if (fault != nullptr) *fault = Text(L"The search could not be started");
             return nullptr;
         }
         // Those that run do the work. When they have ended by now, none of them was the last one.

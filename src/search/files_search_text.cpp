@@ -1,5 +1,6 @@
 #include "search/files_search_text.h"
 
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "files/utf16.h"
 #include "search/replacement.h"
@@ -71,7 +72,9 @@ std::optional<TextMatcher> TextMatcher::Of(const FilesQuery& query, std::wstring
         ReplaceForm form;
         if (code == nullptr || (query.with && !ReplaceParse(*query.with, *code, options, {}, form, why))) {
             if (fault != nullptr)
-                *fault = why.text + (why.position > 0 ? L", at character " + std::to_wstring(why.position + 1) : L"");
+                *fault =
+                    why.text +
+                    (why.position > 0 ? TextWith(L", at character {1}", {std::to_wstring(why.position + 1)}) : L"");
             return std::nullopt;
         }
         matcher.expression_ = std::make_unique<RegexSearch>(std::move(code));

@@ -1,5 +1,6 @@
 // Searching, replacing, counting and marking in the active document, by the commands and the find dialog. UI thread.
 #include "base/events.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "documents/document_row.h"
 #include "documents/recent_files.h"
@@ -68,7 +69,7 @@ void RememberReplacement() {
 bool PrepareReplacing(FindQuery& query, ReplaceForm& form) {
     if (!PrepareFind(query)) return false;
     if (SciSend(g_documents.hEditor, SCI_GETREADONLY) != 0) {
-        ShowFindStatus(L"The document is read-only");
+        ShowFindStatus(Text(L"The document is read-only"));
         return false;
     }
     RegexFault fault;
@@ -102,7 +103,7 @@ void WalkMatches(const wchar_t* work, const Found& found, const Text& text) {
 }  // namespace
 
 void FindStep(const FindQuery& query, bool forward) {
-    LongWork work(L"Searching", ShowFindStatus);
+    LongWork work(Text(L"Searching"), ShowFindStatus);
     const HWND editor = g_documents.hEditor;
     const FindResult result =
         FindInScope(EditorTextOf(editor), query, FindCurrentMatch(), CurrentScope(),
@@ -147,7 +148,7 @@ void FindTakeScope() {
     if (g_find.scope.start != g_find.scope.end) return;
     g_find.scopeDocument = 0;
     FindLeaveSelection();
-    ShowFindStatus(L"Select the text to search in first");
+    ShowFindStatus(Text(L"Select the text to search in first"));
 }
 
 bool FindSelectionSpansLines() {
@@ -178,7 +179,7 @@ void FindReplaceAll() {
     ReplaceForm form;
     if (!PrepareReplacing(query, form)) return;
     const HCURSOR before = SetCursor(LoadCursorW(nullptr, MAKEINTRESOURCEW(32514)));  // IDC_WAIT
-    LongWork work(L"Replacing", ShowFindStatus);
+    LongWork work(Text(L"Replacing"), ShowFindStatus);
     const ReplaceAllResult result = ReplaceAllInScope(g_documents.hEditor, query, form, CurrentScope(),
                                                       [&work](double share) { return work.GoesOn(share); });
     SetCursor(before);
@@ -188,7 +189,7 @@ void FindReplaceAll() {
 
 void FindCount() {
     WalkMatches(
-        L"Counting", [](FindSpan) {}, MatchCountText);
+        Text(L"Counting"), [](FindSpan) {}, MatchCountText);
 }
 
 void FindMarkAll() {
@@ -208,9 +209,10 @@ void FindMarkAll() {
         else
             ++unmarked;
     };
-    WalkMatches(L"Marking", mark, [&](std::size_t count) {
+    WalkMatches(Text(L"Marking"), mark, [&](std::size_t count) {
         const std::wstring most = std::to_wstring(kMostMarksOfLine);
-        return MatchCountText(count) + (unmarked > 0 ? L"; the first " + most + L" of each line are marked" : L"");
+        return MatchCountText(count) +
+               (unmarked > 0 ? TextWith(L"; the first {1} of each line are marked", {most}) : L"");
     });
 }
 

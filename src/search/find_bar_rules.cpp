@@ -1,5 +1,7 @@
 #include "search/find_bar_rules.h"
 
+#include "base/texts.h"
+
 #include <algorithm>
 
 namespace {
@@ -43,9 +45,9 @@ void PlaceFindBar(const FindBarSizes& sizes, int width, FindBarPlace (&places)[k
 }
 
 std::wstring FindBarCountText(const FindBarCount& count) {
-    if (count.total == 0) return count.counting ? L"Searching..." : L"No matches";
+    if (count.total == 0) return count.counting ? Text(L"Searching...") : Text(L"No matches");
     const std::wstring total =
-        (count.capped ? L"more than " : L"") + std::to_wstring(count.total) + (count.counting ? L"..." : L"");
-    if (count.current > 0) return std::to_wstring(count.current) + L" of " + total;
-    return total + (count.total == 1 && !count.counting ? L" match" : L" matches");
+        (count.capped ? Text(L"more than ") : L"") + std::to_wstring(count.total) + (count.counting ? L"..." : L"");
+    if (count.current > 0) return TextWith(L"{1} of {2}", {std::to_wstring(count.current), total});
+    return total + (count.total == 1 && !count.counting ? Text(L" match") : Text(L" matches"));
 }

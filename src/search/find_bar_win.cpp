@@ -2,6 +2,7 @@
 #include "search/find_bar.h"
 
 #include "base/log.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "documents/document_row.h"
 #include "resources/ids.h"
@@ -42,13 +43,13 @@ constexpr struct {
     int leastWidth;  // at 96 dpi, beside its text; of the field and the count without text
 } kControls[] = {
     {IDC_BAR_FIELD, WC_EDITW, L"", ES_AUTOHSCROLL | WS_TABSTOP, WS_EX_CLIENTEDGE, 150},
-    {IDC_BAR_CASE, WC_BUTTONW, L"&Case", BS_AUTOCHECKBOX | WS_TABSTOP, 0, 24},
-    {IDC_BAR_WORD, WC_BUTTONW, L"&Word", BS_AUTOCHECKBOX | WS_TABSTOP, 0, 24},
-    {IDC_BAR_REGEX, WC_BUTTONW, L"Rege&x", BS_AUTOCHECKBOX | WS_TABSTOP, 0, 24},
+    {IDC_BAR_CASE, WC_BUTTONW, English(L"&Case"), BS_AUTOCHECKBOX | WS_TABSTOP, 0, 24},
+    {IDC_BAR_WORD, WC_BUTTONW, English(L"&Word"), BS_AUTOCHECKBOX | WS_TABSTOP, 0, 24},
+    {IDC_BAR_REGEX, WC_BUTTONW, English(L"Rege&x"), BS_AUTOCHECKBOX | WS_TABSTOP, 0, 24},
     {IDC_BAR_COUNT, WC_STATICW, L"", SS_LEFT | SS_CENTERIMAGE | SS_NOPREFIX | SS_ENDELLIPSIS, 0, 110},
-    {IDC_BAR_PREVIOUS, WC_BUTTONW, L"&Previous", BS_PUSHBUTTON | WS_TABSTOP, 0, 16},
-    {IDC_BAR_NEXT, WC_BUTTONW, L"&Next", BS_PUSHBUTTON | WS_TABSTOP, 0, 16},
-    {IDC_BAR_CLOSE, WC_BUTTONW, L"Close", BS_PUSHBUTTON | WS_TABSTOP, 0, 16},
+    {IDC_BAR_PREVIOUS, WC_BUTTONW, English(L"&Previous"), BS_PUSHBUTTON | WS_TABSTOP, 0, 16},
+    {IDC_BAR_NEXT, WC_BUTTONW, English(L"&Next"), BS_PUSHBUTTON | WS_TABSTOP, 0, 16},
+    {IDC_BAR_CLOSE, WC_BUTTONW, English(L"Close"), BS_PUSHBUTTON | WS_TABSTOP, 0, 16},
 };
 static_assert(std::size(kControls) == kFindBarParts);
 
@@ -156,7 +157,7 @@ void PlaceBarControls(int width) {
     FindBarSizes sizes{
         .height = FindBarHeight() - 1, .gap = UiScaled(6), .controlHeight = UiSizes().textHeight + UiScaled(8)};
     for (int i = 0; i < kFindBarParts; ++i) {
-        const std::wstring text = kControls[i].text;
+        const std::wstring text = Text(kControls[i].text);
         const bool fixed = i != static_cast<int>(FindBarPart::Field) && i != static_cast<int>(FindBarPart::Count);
         sizes.widths[i] =
             UiScaled(kControls[i].leastWidth) + (fixed ? UiTextWidth(text.c_str(), static_cast<int>(text.size())) : 0);
@@ -230,17 +231,17 @@ bool CreateBar() {
         return RegisterClassExW(&description);
     }();
     g_search.hFindBar =
-        CreateWindowExW(WS_EX_CONTROLPARENT, kBarClass, L"Search", WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0,
-                        0, 0, g_ui.hMainWnd, reinterpret_cast<HMENU>(IDC_FIND_BAR), g_ui.hInstance, nullptr);
+        CreateWindowExW(WS_EX_CONTROLPARENT, kBarClass, Text(L"Search"), WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS,
+                        0, 0, 0, 0, g_ui.hMainWnd, reinterpret_cast<HMENU>(IDC_FIND_BAR), g_ui.hInstance, nullptr);
     if (registered == 0 || g_search.hFindBar == nullptr) {
         AppLogMsg(L"FAIL: FindBarShow error=%lu", GetLastError());
         return false;
     }
     for (const auto& row : kControls)
-        CreateWindowExW(row.exStyle, row.className, row.text, WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | row.style, 0, 0,
-                        0, 0, g_search.hFindBar, reinterpret_cast<HMENU>(static_cast<INT_PTR>(row.id)), g_ui.hInstance,
-                        nullptr);
-    AccessibleNameSet(Control(IDC_BAR_FIELD), L"Search");
+        CreateWindowExW(row.exStyle, row.className, Text(row.text), WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | row.style,
+                        0, 0, 0, 0, g_search.hFindBar, reinterpret_cast<HMENU>(static_cast<INT_PTR>(row.id)),
+                        g_ui.hInstance, nullptr);
+    AccessibleNameSet(Control(IDC_BAR_FIELD), Text(L"Search"));
     SendMessageW(Control(IDC_BAR_FIELD), EM_LIMITTEXT, kFindFieldLimit, 0);
     return true;
 }

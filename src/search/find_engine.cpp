@@ -1,6 +1,8 @@
 // Finds the next match, and the text that replaces each match. Pure.
 #include "search/find_engine.h"
 
+#include "base/texts.h"
+
 #include <algorithm>
 #include <string_view>
 #include <utility>
@@ -126,25 +128,25 @@ std::vector<Replacement> ReplacementsInScope(const RegexText& text, const FindQu
 
 const wchar_t* EndOfSearchText(RegexResult end) {
     switch (end) {
-        case RegexResult::TooComplex: return L"The expression is too complex for this text";
-        case RegexResult::Stopped: return L"Stopped";
-        default: return L"Not found";
+        case RegexResult::TooComplex: return Text(L"The expression is too complex for this text");
+        case RegexResult::Stopped: return Text(L"Stopped");
+        default: return Text(L"Not found");
     }
 }
 
 std::wstring FindStatusOf(const FindResult& result, bool forward) {
     if (!result.match) return EndOfSearchText(result.end);
     if (!result.wrapped) return L"";
-    return forward ? L"Continued from the start" : L"Continued from the end";
+    return forward ? Text(L"Continued from the start") : Text(L"Continued from the end");
 }
 
 std::wstring ReplaceStatusOf(RegexResult end, std::size_t count) {
-    if (end != RegexResult::NoMatch) return EndOfSearchText(end) + std::wstring(L": nothing was replaced");
-    if (count == 0) return L"Not found: nothing replaced";
-    return std::to_wstring(count) + (count == 1 ? L" replacement" : L" replacements");
+    if (end != RegexResult::NoMatch) return EndOfSearchText(end) + std::wstring(Text(L": nothing was replaced"));
+    if (count == 0) return Text(L"Not found: nothing replaced");
+    return std::to_wstring(count) + (count == 1 ? Text(L" replacement") : Text(L" replacements"));
 }
 
 std::wstring MatchCountText(std::size_t count) {
-    if (count == 0) return L"No matches";
-    return std::to_wstring(count) + (count == 1 ? L" match" : L" matches");
+    if (count == 0) return Text(L"No matches");
+    return std::to_wstring(count) + (count == 1 ? Text(L" match") : Text(L" matches"));
 }

@@ -3,6 +3,7 @@
 
 #include "base/events.h"
 #include "base/log.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "documents/document_row.h"
 #include "resources/ids.h"
@@ -46,7 +47,7 @@ void FillFindHistory(int control, const wchar_t (&history)[kSearchHistoryCapacit
 
 // Shows or hides the controls for replacing. The controls below them move, and the dialog's height changes by as much.
 void SetReplacing(HWND dialog, bool replacing) {
-    SetWindowTextW(dialog, replacing ? L"Find and Replace" : L"Find");
+    SetWindowTextW(dialog, replacing ? Text(L"Find and Replace") : Text(L"Find"));
     for (const int control :
          {IDC_FIND_WITH_LABEL, IDC_FIND_WITH, IDC_FIND_REPLACE, IDC_FIND_REPLACE_ALL, IDC_FIND_KEEP_CASE})
         ShowWindow(GetDlgItem(dialog, control), replacing ? SW_SHOW : SW_HIDE);

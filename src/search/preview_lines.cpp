@@ -1,6 +1,7 @@
 // The lines that a preview of a file shows. Pure.
 #include "search/preview_lines.h"
 
+#include "base/texts.h"
 #include "base/utf8.h"
 
 #include <algorithm>
@@ -35,7 +36,7 @@ std::string_view TakeLine(std::string_view* text) {
 PreviewLines PreviewLinesOf(std::string_view utf8, int line, int most) {
     PreviewLines preview;
     if (utf8.find('\0') != std::string_view::npos) {
-        preview.problem = L"Not a text";
+        preview.problem = Text(L"Not a text");
         return preview;
     }
     int number = 1;
@@ -43,6 +44,7 @@ PreviewLines PreviewLinesOf(std::string_view utf8, int line, int most) {
     preview.first = number;
     while (!utf8.empty() && static_cast<int>(preview.lines.size()) < most)
         preview.lines.push_back(ShownLine(TakeLine(&utf8)));
-    if (preview.lines.empty()) preview.problem = line > 0 ? L"The file has no such line" : L"The file is empty";
+    if (preview.lines.empty())
+        preview.problem = line > 0 ? Text(L"The file has no such line") : Text(L"The file is empty");
     return preview;
 }

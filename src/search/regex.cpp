@@ -2,6 +2,7 @@
 #define PCRE2_CODE_UNIT_WIDTH 8
 #include "search/regex.h"
 
+#include "base/texts.h"
 #include "base/utf8.h"
 
 #include <pcre2.h>
@@ -126,7 +127,7 @@ double NowMs() {
 RegexHandle RegexCompile(std::string_view text, const FindOptions& options, RegexFault& fault) {
     fault = {};
     if (text.empty()) {
-        fault.text = L"Nothing to find";
+        fault.text = Text(L"Nothing to find");
         return nullptr;
     }
     const bool literal = !options.regex && !options.wholeWord;

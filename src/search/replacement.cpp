@@ -1,6 +1,7 @@
 // Reads replacements and fills them in. Pure.
 #include "search/replacement.h"
 
+#include "base/texts.h"
 #include "base/utf8.h"
 
 #include <algorithm>
@@ -36,7 +37,7 @@ private:
 
     void AddGroup(std::optional<int> number, std::string_view name, RegexFault& fault) {
         if (!number || *number > RegexGroupCount(code_))
-            fault = {L"There is no group " + Utf8ToWideText(name), static_cast<std::ptrdiff_t>(at_)};
+            fault = {TextWith(L"There is no group {1}", {Utf8ToWideText(name)}), static_cast<std::ptrdiff_t>(at_)};
         else
             parts_.push_back({.kind = Kind::Group, .text = {}, .group = *number});
     }

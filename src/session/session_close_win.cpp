@@ -3,6 +3,7 @@
 
 #include "base/handles.h"
 #include "base/log.h"
+#include "base/texts.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "editor/editor_pane.h"
@@ -37,13 +38,13 @@ bool CloseEveryTab() {
         const int tab = TabBarFindDocument(id);
         if (tab < 0 || !TabAt(tab).modified || KeepText(TabAt(tab), kept)) continue;
         AppLogMsg(L"FAIL: SessionLoad could not keep the text of %s", TabAt(tab).label);
-        ErrorMessage(L"The session was not loaded: the unsaved changes of %s could not be kept anywhere.",
+        ErrorMessage(Text(L"The session was not loaded: the unsaved changes of %s could not be kept anywhere."),
                      TabAt(tab).label);
         return false;
     }
     TabBarRemoveAll();
     if (!kept.empty()) {
-        InfoMessage(L"The session replaces all open documents. Changes that you did not save are kept here:%s",
+        InfoMessage(Text(L"The session replaces all open documents. Changes that you did not save are kept here:%s"),
                     kept.c_str());
     }
     return true;

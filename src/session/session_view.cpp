@@ -1,6 +1,7 @@
 // Turns the values of a session into settings and editor messages. Pure.
 #include "session/session_view.h"
 
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "editor/margins.h"
 #include "settings/settings_schema.h"
@@ -103,11 +104,11 @@ std::vector<SessionBreakpoint> SessionRulesOf(std::span<const UserBreakpoint> br
 
 std::wstring MissingFilesQuestion(std::span<const SessionFile> missing) {
     constexpr std::size_t kShown = 12;
-    std::wstring text = L"These files of the session could not be opened:\n";
+    std::wstring text = Text(L"These files of the session could not be opened:\n");
     for (std::size_t i = 0; i < std::min(missing.size(), kShown); ++i)
         text += L"\n" + ShortenedPath(Utf8ToWideText(missing[i].path));
-    if (missing.size() > kShown) text += L"\nand " + std::to_wstring(missing.size() - kShown) + L" more";
-    return text + L"\n\nKeep them in the session, so that they are opened once they are there again?";
+    if (missing.size() > kShown) text += TextWith(L"\nand {1} more", {std::to_wstring(missing.size() - kShown)});
+    return TextWith(L"{1}\n\nKeep them in the session, so that they are opened once they are there again?", {text});
 }
 
 EditorMessages SessionEditorMessages(const SessionItem& item) {

@@ -4,6 +4,7 @@
 
 #include "base/events.h"
 #include "base/log.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "debugui/breakpoint_list.h"
 #include "debugui/breakpoint_rules.h"
@@ -163,7 +164,7 @@ void ApplySession(const std::vector<SessionItem>& items) {
 void AskAboutMissing() {
     // A program that is being closed keeps them all; a box would swallow the close.
     if (g_session.missing.empty() || FileWorkCloseIsQueued()) return;
-    const Answer answer = AskUser({.caption = L"Restore Session",
+    const Answer answer = AskUser({.caption = Text(L"Restore Session"),
                                    .text = MissingFilesQuestion(g_session.missing).c_str(),
                                    .buttons = AskButtons::YesNo,
                                    .icon = AskIcon::Warning,
@@ -294,10 +295,11 @@ void SessionCheckAutoSave() {
         }
         g_session.autoSaveLost = true;
         AppLogMsg(L"FAIL: the session cannot be read, it is not saved in this run: %s", path);
-        g_events.noticeWanted(FormatW(L"The session of the last run cannot be read at the moment:\n\n%s\n\nIt is not "
-                                      L"overwritten in this run, so that it is not lost.",
-                                      path)
-                                  .c_str());
+        g_events.noticeWanted(
+            FormatW(Text(L"The session of the last run cannot be read at the moment:\n\n%s\n\nIt is not "
+                         L"overwritten in this run, so that it is not lost."),
+                    path)
+                .c_str());
         return;
     }
 }

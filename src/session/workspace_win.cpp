@@ -6,6 +6,7 @@
 #include "base/handles.h"
 #include "base/log.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
 #include "editor/caret_place.h"
@@ -139,7 +140,7 @@ int WorkspaceLoad(const wchar_t* path) {
     if (!text) return 0;
     if (!WorkspaceIsOurs(text.get())) {
         AppLogMsg(L"FAIL: WorkspaceLoad: not a workspace of this program: path=%s", source.c_str());
-        g_events.statusText(L"Not a workspace of this program");
+        g_events.statusText(Text(L"Not a workspace of this program"));
         return 0;
     }
     const Workspace workspace = WorkspaceParse(text.get());

@@ -3,6 +3,7 @@
 
 #include "base/bounded_text.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "settings/file_type_table.h"
 
 #include <algorithm>
@@ -31,7 +32,7 @@ const CompilerProfile* CompilerOfCommand(int command) {
 }
 
 std::wstring CompilerLabel(std::uint32_t id, bool installed) {
-    return std::wstring(Profile(id).name) + (installed ? L"" : L" (not found)");
+    return std::wstring(Profile(id).name) + (installed ? L"" : Text(L" (not found)"));
 }
 
 std::uint32_t CompilerNext(std::uint32_t id) { return id < kCompilerCount ? (id + 1) % kCompilerCount : 0; }

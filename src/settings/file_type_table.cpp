@@ -1,6 +1,7 @@
 #include "settings/file_type_table.h"
 
 #include "base/path.h"
+#include "base/texts.h"
 #include "settings/compilers.h"
 
 #include <algorithm>
@@ -106,10 +107,10 @@ const FileType* OwnFileType(std::uint32_t compiler) {
 
 std::vector<FileTypeFilter> FileDialogFilters() {
     std::vector<FileTypeFilter> filters;
-    AddFilter(filters, L"All Source Files", ~0u);
+    AddFilter(filters, Text(L"All Source Files"), ~0u);
     for (const std::uint32_t id : g_defaultOrder) AddFilter(filters, g_compilers[id].name, FilterBit(id));
     AddFilter(filters, L"C/C++", kDialogC);
-    AddFilter(filters, L"Assembly", kDialogAssembly);
-    filters.push_back({L"All Files (*.*)", L"*.*"});
+    AddFilter(filters, Text(L"Assembly"), kDialogAssembly);
+    filters.push_back({Text(L"All Files (*.*)"), L"*.*"});
     return filters;
 }

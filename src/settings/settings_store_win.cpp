@@ -6,6 +6,7 @@
 #include "base/handles.h"
 #include "base/log.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "files/file_io.h"
 #include "files/file_turn.h"
@@ -103,10 +104,11 @@ std::wstring ProtectKey(const SettingRow& row, const wchar_t* clearText) {
     if (stored.empty() && g_store.unprotected.find(name) == std::wstring::npos) {
         AppLogMsg(L"FAIL: SettingsSave %s cannot be protected, error=%lu", row.key, GetLastError());
         g_store.unprotected += name + L" ";
-        g_events.noticeWanted(FormatW(L"The key \"%s\" cannot be protected on this system, so it is not stored. It is "
-                                      L"used until the editor closes.",
-                                      row.key)
-                                  .c_str());
+        g_events.noticeWanted(
+            FormatW(Text(L"The key \"%s\" cannot be protected on this system, so it is not stored. It is "
+                         L"used until the editor closes."),
+                    row.key)
+                .c_str());
     }
     return stored;
 }
@@ -218,10 +220,11 @@ bool IsDefaultFile(const wchar_t* overridePath) { return overridePath == nullptr
 
 void TellUnreadable(const wchar_t* ini) {
     AppLogMsg(L"FAIL: SettingsLoad cannot read %s, nothing is written to it in this run", ini);
-    g_events.noticeWanted(FormatW(L"The settings file cannot be read at the moment:\n\n%s\n\nThe editor runs with its "
-                                  L"default settings and does not save them, so that yours are not lost.",
-                                  ini)
-                              .c_str());
+    g_events.noticeWanted(
+        FormatW(Text(L"The settings file cannot be read at the moment:\n\n%s\n\nThe editor runs with its "
+                     L"default settings and does not save them, so that yours are not lost."),
+                ini)
+            .c_str());
 }
 
 }  // namespace
@@ -325,11 +328,12 @@ void SettingsTellLockedKeys() {
             names += (names.empty() ? L"" : L", ") + std::wstring{row.key};
     if (names.empty()) return;
     AppLogMsg(L"FAIL: SettingsLoad cannot unprotect %s", names.c_str());
-    g_events.noticeWanted(FormatW(L"The settings file holds a key that cannot be read here: %s.\n\nIt was protected by "
-                                  L"another Windows account, or it is damaged. It is kept as it is and sent to nobody. "
-                                  L"To use the service, enter the key anew in the settings.",
-                                  names.c_str())
-                              .c_str());
+    g_events.noticeWanted(
+        FormatW(Text(L"The settings file holds a key that cannot be read here: %s.\n\nIt was protected by "
+                     L"another Windows account, or it is damaged. It is kept as it is and sent to nobody. "
+                     L"To use the service, enter the key anew in the settings."),
+                names.c_str())
+            .c_str());
 }
 
 // What this run has now is what its next changes are told by. Always 1, the result of a save.
@@ -367,9 +371,10 @@ int SettingsSave(const wchar_t* overridePath) {
     }
     GetIniPath(overridePath, ini, kPathCapacity);
     g_events.noticeWanted(
-        FormatW(L"The program's folder cannot be written. Settings and sessions are kept in your own folder instead:"
-                L"\n\n%s",
-                SettingsFolder().c_str())
+        FormatW(
+            Text(L"The program's folder cannot be written. Settings and sessions are kept in your own folder instead:"
+                 L"\n\n%s"),
+            SettingsFolder().c_str())
             .c_str());
     return WriteSettings(ini, bytes) ? NoteWritten(ini) : 0;
 }

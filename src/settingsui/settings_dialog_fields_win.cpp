@@ -155,11 +155,11 @@ HWND MakeField(const ControlMaker& maker, const SettingItem& item, const std::ws
 HWND MakeButton(const ControlMaker& maker, SettingControl control) {
     switch (control) {
         case File:
-        case SettingControl::Folder: return maker.Button(L"Browse...", kPartButton);
-        case Secret: return maker.Button(L"Show", kPartButton);
-        case Model: return maker.Button(L"Fetch", kPartButton);
-        case Exceptions: return maker.Button(L"Change...", kPartButton);
-        case Colour: return maker.Button(L"Choose a colour", kPartButton, BS_OWNERDRAW);
+        case SettingControl::Folder: return maker.Button(::Text(L"Browse..."), kPartButton);
+        case Secret: return maker.Button(::Text(L"Show"), kPartButton);
+        case Model: return maker.Button(::Text(L"Fetch"), kPartButton);
+        case Exceptions: return maker.Button(::Text(L"Change..."), kPartButton);
+        case Colour: return maker.Button(::Text(L"Choose a colour"), kPartButton, BS_OWNERDRAW);
         default: return nullptr;
     }
 }
@@ -187,7 +187,8 @@ std::wstring ResolvedText(SettingsDialog& dialog, FormPlace place) {
 
 void BrowseForFile(SettingsDialog& dialog, FormPlace place) {
     std::wstring path = ResolvedText(dialog, place);  // the dialog starts in its folder
-    if (AskFilePath({.owner = dialog.window, .filter = L"Programs (*.exe)\0*.exe\0All Files (*.*)\0*.*\0"}, path))
+    if (AskFilePath({.owner = dialog.window, .filter = English(L"Programs (*.exe)\0*.exe\0All Files (*.*)\0*.*\0")},
+                    path))
         PutText(dialog, place, path);
 }
 
@@ -215,7 +216,7 @@ void ShowOrHideSecret(SettingsDialog& dialog, FormPlace place) {
     const bool hidden = SendMessageW(windows.parts[kPartField], EM_GETPASSWORDCHAR, 0, 0) != 0;
     SendMessageW(windows.parts[kPartField], EM_SETPASSWORDCHAR, hidden ? 0 : L'\u25CF', 0);
     InvalidateRect(windows.parts[kPartField], nullptr, TRUE);
-    SetWindowTextW(windows.parts[kPartButton], hidden ? L"Hide" : L"Show");
+    SetWindowTextW(windows.parts[kPartButton], hidden ? ::Text(L"Hide") : ::Text(L"Show"));
 }
 
 void ChangeExceptions(SettingsDialog& dialog, FormPlace place) {
@@ -227,7 +228,7 @@ void CopyKeyList(SettingsDialog& dialog, FormPlace place) {
     for (std::size_t i = 0; i < dialog.pages[place.page].items.size(); ++i) {
         if (ItemAt({place.page, i}).control != Keys) continue;
         const int lines = CopyLines(WindowsAt(dialog, {place.page, i}).parts[kPartField], false);
-        SettingsNoteTell(dialog, place, L"Lines copied: " + std::to_wstring(lines) + L".", NoteKind::Good);
+        SettingsNoteTell(dialog, place, TextWith(L"Lines copied: {1}.", {std::to_wstring(lines)}), NoteKind::Good);
     }
 }
 
@@ -368,8 +369,8 @@ int NumberOf(const std::wstring& text) { return static_cast<int>(std::wcstol(tex
 
 std::wstring ExceptionsSummary(const std::wstring& rules) {
     const std::size_t count = ParseExceptionRules(rules).size();
-    if (count == 0) return L"None is passed, none stops";
-    return std::to_wstring(count) + (count == 1 ? L" rule of your own" : L" rules of your own");
+    if (count == 0) return ::Text(L"None is passed, none stops");
+    return std::to_wstring(count) + (count == 1 ? ::Text(L" rule of your own") : ::Text(L" rules of your own"));
 }
 
 std::wstring SettingsFilePath() {

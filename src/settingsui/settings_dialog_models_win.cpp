@@ -4,6 +4,7 @@
 #include "ai/ai_rules.h"
 #include "ai/ai_texts.h"
 #include "base/bounded_text.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "settingsui/settings_dialog_internal.h"
 
@@ -77,20 +78,22 @@ std::wstring ProblemOf(const ModelsReply& reply, bool onlyTest, AiService servic
         return AiEndText(
             service, 0,
             {.outcome = AiOutcome::Failed, .httpStatus = reply.status, .error = reply.error, .serviceText = {}});
-    return reply.status == kUnauthorised ? L"401: API key required" : L"Failed to fetch models. Check URL and API key.";
+    return reply.status == kUnauthorised ? Text(L"401: API key required")
+                                         : Text(L"Failed to fetch models. Check URL and API key.");
 }
 
 }  // namespace
 
 void SettingsAskService(SettingsDialog& dialog, FormPlace place) {
-    if (dialog.asking) return SettingsNoteTell(dialog, place, L"Another question is still on its way.", NoteKind::Help);
+    if (dialog.asking)
+        return SettingsNoteTell(dialog, place, Text(L"Another question is still on its way."), NoteKind::Help);
     FetchRequest request{.dialog = dialog.window,
                          .url = TextOfKind(dialog, place.page, SettingControl::Url),
                          .key = TextOfKind(dialog, place.page, SettingControl::Secret),
                          .filter = !IsPageOfLmStudio(place.page),
                          .reply = std::make_unique<ModelsReply>()};
     request.reply->place = place;
-    SettingsNoteTell(dialog, place, L"Asking the service...", NoteKind::Help);
+    SettingsNoteTell(dialog, place, Text(L"Asking the service..."), NoteKind::Help);
     dialog.asking = true;
     dialog.fetch = WorkerStart<FetchModels>(std::move(request));
     if (!dialog.fetch) SettingsOnModels(dialog, {.place = place, .names = {}});
@@ -106,7 +109,7 @@ void SettingsOnModels(SettingsDialog& dialog, const ModelsReply& reply) {
     const std::wstring count = std::to_wstring(reply.names.size());
     if (!onlyTest) FillModelList(dialog, reply.place, reply.names);
     SettingsNoteTell(dialog, reply.place,
-                     onlyTest ? L"The service answers. It offers models: " + count + L"."
-                              : L"The service answers. Models in the list: " + count + L".",
+                     onlyTest ? TextWith(L"The service answers. It offers models: {1}.", {count})
+                              : TextWith(L"The service answers. Models in the list: {1}.", {count}),
                      NoteKind::Good);
 }

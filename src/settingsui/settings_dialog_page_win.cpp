@@ -2,6 +2,7 @@
 // thread only.
 #include "settingsui/settings_dialog_internal.h"
 
+#include "base/texts.h"
 #include "settings/secret_text.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
@@ -56,8 +57,9 @@ std::wstring NoteText(SettingsDialog& dialog, FormPlace place, NoteKind* kind) {
         if (!problem.empty()) return problem;
     }
     if (item.control == SettingControl::Secret && IsSecretText(TextAt(dialog, place)))
-        return L"A key that cannot be read here: it was protected by another Windows account, or it is damaged. It is "
-               L"kept until you enter another.";
+        return Text(
+            L"A key that cannot be read here: it was protected by another Windows account, or it is damaged. It is "
+            L"kept until you enter another.");
     *kind = windows.seen.empty() ? NoteKind::Help : windows.seenKind;
     return windows.seen.empty() ? item.help : windows.seen;
 }

@@ -2,6 +2,7 @@
 // UI thread only.
 #include "settingsui/settings_dialog_internal.h"
 
+#include "base/texts.h"
 #include "ui/fonts.h"
 
 #include <algorithm>
@@ -76,7 +77,7 @@ void SettingsFramePlace(SettingsDialog& dialog) {
     RECT client = {};
     GetClientRect(dialog.window, &client);
     const int gap = dialog.Px(kGap), width = dialog.Px(kButtonWidth), height = dialog.Px(kButtonHeight);
-    const int label = SettingsTextSize(dialog, L"Search:", 0).cx + dialog.Px(kButtonGap);
+    const int label = SettingsTextSize(dialog, Text(L"Search:"), 0).cx + dialog.Px(kButtonGap);
     const int search = dialog.Px(kSearchHeight), list = dialog.Px(kListWidth);
     const int bottom = client.bottom - gap - height;
     PlaceItem(dialog, IDC_SETTINGS_SEARCH_LABEL, gap, gap + (search - dialog.textHeight) / 2, label, dialog.textHeight);

@@ -4,6 +4,7 @@
 
 #include "base/decode.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "commands/menu_commands.h"
 #include "compile/child_process.h"
 #include "documents/file_commands.h"
@@ -87,7 +88,7 @@ void TestCompiler(TestRequest& request, const WorkerCancel& cancel) {
     DWORD error = 0;
     const std::wstring folder = FolderOf(request.path);
     if (!ChildStart(L"\"" + request.path + L"\" --version", folder, &child, &error, false)) {
-        reply.text = L"It cannot be started: " + ChildStartProblem(error, folder);
+        reply.text = TextWith(L"It cannot be started: {1}", {ChildStartProblem(error, folder)});
     } else {
         std::string answer;
         const bool whole = ReadAnswer(child, cancel, answer);
@@ -95,8 +96,9 @@ void TestCompiler(TestRequest& request, const WorkerCancel& cancel) {
         const bool ended = whole && WaitForSingleObject(child.process, 1000) == WAIT_OBJECT_0;
         if (!ended) ChildTerminate(child.job, child.process);
         reply.good = !line.empty();
-        reply.text =
-            line.empty() ? (ended ? L"It started, and said nothing." : L"It did not answer within ten seconds.") : line;
+        reply.text = line.empty() ? (ended ? Text(L"It started, and said nothing.")
+                                           : Text(L"It did not answer within ten seconds."))
+                                  : line;
         ChildClose(&child);
     }
     WorkerPost(request.dialog, MSG_SETTINGS_TESTED, std::move(request.reply));
@@ -131,8 +133,8 @@ void SettingsOnLooked(SettingsDialog& dialog, const PathSight& sight) {
     if (sight.text != TextAt(dialog, sight.place)) return SettingsLookForPath(dialog, sight.place);
     const bool folder = ItemAt(sight.place).control == SettingControl::Folder;
     const wchar_t* const missing =
-        folder ? L"Not found: there is no such folder." : L"Not found: there is no such file.";
-    SettingsNoteTell(dialog, sight.place, sight.found ? L"Found." : missing,
+        folder ? Text(L"Not found: there is no such folder.") : Text(L"Not found: there is no such file.");
+    SettingsNoteTell(dialog, sight.place, sight.found ? Text(L"Found.") : missing,
                      sight.found ? NoteKind::Good : NoteKind::Bad);
 }
 
@@ -141,12 +143,13 @@ void SettingsTestCompiler(SettingsDialog& dialog, FormPlace place) {
     const FormPlace path{place.page, 0};  // the first item of the page of a compiler
     wchar_t program[kPathCapacity] = {};
     ResolveExeRelative(TextAt(dialog, path).c_str(), program, kPathCapacity);
-    if (program[0] == L'\0') return SettingsNoteTell(dialog, place, L"There is no program to test.", NoteKind::Bad);
-    SettingsNoteTell(dialog, place, L"Running...", NoteKind::Help);
+    if (program[0] == L'\0')
+        return SettingsNoteTell(dialog, place, Text(L"There is no program to test."), NoteKind::Bad);
+    SettingsNoteTell(dialog, place, Text(L"Running..."), NoteKind::Help);
     TestRequest request{dialog.window, program, std::make_unique<CompilerReply>()};
     request.reply->place = place;
     dialog.test = WorkerStart<TestCompiler>(std::move(request));
-    if (!dialog.test) SettingsNoteTell(dialog, place, L"It cannot be started.", NoteKind::Bad);
+    if (!dialog.test) SettingsNoteTell(dialog, place, Text(L"It cannot be started."), NoteKind::Bad);
 }
 
 void SettingsOnTested(SettingsDialog& dialog, const CompilerReply& reply) {
@@ -156,13 +159,13 @@ void SettingsOnTested(SettingsDialog& dialog, const CompilerReply& reply) {
 std::wstring SettingsDefaultProgram(FormPlace place, NoteKind* kind) {
     const auto compiler = static_cast<std::uint32_t>(SettingsPages()[place.page].compiler);
     const FileType* type = OwnFileType(compiler);
-    const std::wstring files = L"Files " + std::wstring(type != nullptr ? type->extension : L"");
+    const std::wstring files = TextWith(L"Files {1}", {std::wstring(type != nullptr ? type->extension : L"")});
     const std::wstring owner = FileExtClass(compiler);
     *kind = NoteKind::Help;
-    if (owner.empty()) return files + L" are opened by no program yet.";
-    if (!FileExtIsRegistered(compiler)) return files + L" are opened by another program (" + owner + L").";
+    if (owner.empty()) return TextWith(L"{1} are opened by no program yet.", {files});
+    if (!FileExtIsRegistered(compiler)) return TextWith(L"{1} are opened by another program ({2}).", {files, owner});
     *kind = NoteKind::Good;
-    return files + L" are opened by this editor.";
+    return TextWith(L"{1} are opened by this editor.", {files});
 }
 
 void SettingsChangeDefaultProgram(SettingsDialog& dialog, FormPlace place) {
@@ -171,9 +174,9 @@ void SettingsChangeDefaultProgram(SettingsDialog& dialog, FormPlace place) {
     const bool ours = FileExtIsRegistered(compiler);
     if (ours || !FileExtClass(compiler).empty()) {
         const std::wstring now = SettingsDefaultProgram(place, &kind);
-        const std::wstring text =
-            now + (ours ? L"\n\nRemove that? Windows then knows no program for them." : L"\n\nOpen them here instead?");
-        if (AskUser({.caption = L"Default Program",
+        const std::wstring text = now + (ours ? Text(L"\n\nRemove that? Windows then knows no program for them.")
+                                              : Text(L"\n\nOpen them here instead?"));
+        if (AskUser({.caption = Text(L"Default Program"),
                      .text = text.c_str(),
                      .buttons = AskButtons::YesNo,
                      .icon = AskIcon::Question,
@@ -187,7 +190,7 @@ void SettingsChangeDefaultProgram(SettingsDialog& dialog, FormPlace place) {
     }
     FileExtNotifyShell();
     const std::wstring now = SettingsDefaultProgram(place, &kind);
-    SettingsNoteTell(dialog, place, done ? now : L"The registry refuses it.", done ? kind : NoteKind::Bad);
+    SettingsNoteTell(dialog, place, done ? now : Text(L"The registry refuses it."), done ? kind : NoteKind::Bad);
 }
 
 // Only compilers whose path leads nowhere are searched for, as at a start.
@@ -209,9 +212,9 @@ void SettingsDetectCompilers(SettingsDialog& dialog, FormPlace place) {
         SettingsItemChanged(dialog, path);
         ++found;
     }
-    const std::wstring told = found == 0   ? L"No further compiler was found."
-                              : found == 1 ? L"One compiler was found."
-                                           : std::to_wstring(found) + L" compilers were found.";
+    const std::wstring told = found == 0   ? Text(L"No further compiler was found.")
+                              : found == 1 ? Text(L"One compiler was found.")
+                                           : TextWith(L"{1} compilers were found.", {std::to_wstring(found)});
     SettingsNoteTell(dialog, place, told, found != 0 ? NoteKind::Good : NoteKind::Help);
 }
 
@@ -219,7 +222,7 @@ std::vector<std::wstring> SettingsKeyLines() {
     std::vector<std::wstring> lines;
     for (const MenuCommand& command : MenuCommands(GetMenu(g_ui.hMainWnd)))
         lines.push_back(command.path + command.name + L"\t" + command.keys);
-    lines.push_back(L"Toolbar > Buttons without room\t" + CommandKeys(IDM_TOOLBAR_MORE));
+    lines.push_back(TextWith(L"Toolbar > Buttons without room\t{1}", {CommandKeys(IDM_TOOLBAR_MORE)}));
     return lines;
 }
 

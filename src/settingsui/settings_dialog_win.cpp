@@ -4,6 +4,7 @@
 #include "base/bounded_text.h"
 #include "base/log.h"
 #include "base/system_error.h"
+#include "base/texts.h"
 #include "settings/settings_state.h"
 #include "settings/settings_store.h"
 #include "settingsui/settings_dialog_internal.h"
@@ -184,11 +185,10 @@ bool ApplySettings(SettingsDialog& dialog) {
         const std::wstring reason = SystemErrorText(GetLastError());
         wchar_t ini[kPathCapacity] = {};
         GetIniPath(nullptr, ini, kPathCapacity);
-        ErrorMessage(
-            L"The settings are in force, but the settings file could not be written, so it is as it "
-            L"was:\n\n%s\n\n%s\n\n"
-            L"It is written again after the next change and when the editor closes.",
-            ini, reason.c_str());
+        ErrorMessage(Text(L"The settings are in force, but the settings file could not be written, so it is as it "
+                          L"was:\n\n%s\n\n%s\n\n"
+                          L"It is written again after the next change and when the editor closes."),
+                     ini, reason.c_str());
     }
     dialog.form = FormOf(g_settings);
     SettingsShowAllTexts(dialog);
@@ -279,7 +279,7 @@ INT_PTR NoteColour(const SettingsDialog& dialog, HDC dc, HWND control) {
 INT_PTR CALLBACK SettingsDlgProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_INITDIALOG) {
         g_openDialog = window;
-        AccessibleNameSet(GetDlgItem(window, IDC_SETTINGS_PAGES), L"Pages");
+        AccessibleNameSet(GetDlgItem(window, IDC_SETTINGS_PAGES), Text(L"Pages"));
         OpenSettings(window, *reinterpret_cast<SettingsDialog*>(lParam));
         return FALSE;  // the focus is set already
     }

@@ -3,6 +3,7 @@
 #include "base/bounded_text.h"
 #include "base/decimal.h"
 #include "base/hex_digit.h"
+#include "base/texts.h"
 #include "settings/secret_text.h"
 
 #include <algorithm>
@@ -36,40 +37,40 @@ std::wstring_view Trimmed(std::wstring_view text) {
 std::wstring NumberProblem(const SettingItem& item, std::wstring_view text) {
     const std::optional<std::int32_t> number = WholeNumber(Trimmed(text));
     if (number && *number >= item.low && *number <= item.high) return {};
-    return L"A whole number from " + std::to_wstring(item.low) + L" to " + std::to_wstring(item.high) + L".";
+    return TextWith(L"A whole number from {1} to {2}.", {std::to_wstring(item.low), std::to_wstring(item.high)});
 }
 
 std::wstring ColourProblem(std::wstring_view text) {
     if (Trimmed(text).empty()) return {};
     const std::optional<std::int32_t> colour = ColourOfText(Trimmed(text));
-    if (!colour) return L"A colour as # and six hexadecimal digits, such as #1E90FF, or nothing.";
-    return *colour != 0 ? L"" : L"Black cannot be told from \"no colour\". Take #010101 instead.";
+    if (!colour) return Text(L"A colour as # and six hexadecimal digits, such as #1E90FF, or nothing.");
+    return *colour != 0 ? L"" : Text(L"Black cannot be told from \"no colour\". Take #010101 instead.");
 }
 
 std::wstring PathProblem(std::wstring_view text) {
     return text.find_first_of(L"\"<>|*?") == std::wstring_view::npos
                ? L""
-               : L"A path holds none of these characters: \" < > | * ?";
+               : Text(L"A path holds none of these characters: \" < > | * ?");
 }
 
 std::wstring UrlProblem(std::wstring_view text) {
-    if (text.find(L' ') != std::wstring_view::npos) return L"An address holds no blanks.";
+    if (text.find(L' ') != std::wstring_view::npos) return Text(L"An address holds no blanks.");
     for (const std::wstring_view scheme : {L"http://", L"https://"}) {
         if (!text.starts_with(scheme)) continue;
         const std::wstring_view host =
             text.substr(scheme.size(), text.find_first_of(L"/:", scheme.size()) - scheme.size());
-        return host.empty() ? L"The name of the server is missing." : L"";
+        return host.empty() ? Text(L"The name of the server is missing.") : L"";
     }
-    return L"An address begins with http:// or https://.";
+    return Text(L"An address begins with http:// or https://.");
 }
 
 std::wstring SecretProblem(const SettingItem& item, std::wstring_view text) {
     if (text.empty()) return {};
-    if (IsSecretText(text)) return L"This is no key. Clear the field, then enter the key.";
+    if (IsSecretText(text)) return Text(L"This is no key. Clear the field, then enter the key.");
     const std::size_t shortest =
         item.row->offset == offsetof(Settings, openAIKey) ? kShortestOpenAiKey : kShortestLmStudioKey;
-    if (text.size() < shortest) return L"A key has at least " + std::to_wstring(shortest) + L" characters.";
-    return text.find(L' ') == std::wstring_view::npos ? L"" : L"A key holds no blanks.";
+    if (text.size() < shortest) return TextWith(L"A key has at least {1} characters.", {std::to_wstring(shortest)});
+    return text.find(L' ') == std::wstring_view::npos ? L"" : Text(L"A key holds no blanks.");
 }
 
 wchar_t Lower(wchar_t c) { return static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(c))); }
@@ -142,7 +143,7 @@ void SettingItemPut(const SettingItem& item, std::wstring_view text, Settings& s
 
 std::wstring SettingItemProblem(const SettingItem& item, std::wstring_view text) {
     if (item.row != nullptr && !HoldsNumber(item) && text.size() > SettingItemLongest(item))
-        return L"At most " + std::to_wstring(SettingItemLongest(item)) + L" characters.";
+        return TextWith(L"At most {1} characters.", {std::to_wstring(SettingItemLongest(item))});
     switch (item.control) {
         case SettingControl::Number: return NumberProblem(item, text);
         case SettingControl::Colour: return ColourProblem(text);
@@ -150,7 +151,7 @@ std::wstring SettingItemProblem(const SettingItem& item, std::wstring_view text)
         case SettingControl::Folder: return PathProblem(text);
         case SettingControl::Url: return UrlProblem(Trimmed(text));
         case SettingControl::Secret: return SecretProblem(item, Trimmed(text));
-        case SettingControl::Font: return Trimmed(text).empty() ? L"A font is needed." : L"";
+        case SettingControl::Font: return Trimmed(text).empty() ? Text(L"A font is needed.") : L"";
         default: return {};
     }
 }

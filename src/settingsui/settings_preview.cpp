@@ -2,6 +2,7 @@
 #include "settingsui/settings_preview.h"
 
 #include "base/bounded_text.h"
+#include "base/texts.h"
 #include "compile/build_plan.h"
 #include "settings/compiler_table.h"
 
@@ -40,6 +41,6 @@ std::wstring LineOf(std::uint32_t compiler, const Settings& settings, bool synta
 }  // namespace
 
 std::wstring CommandPreviewOf(std::uint32_t compiler, const Settings& settings) {
-    return L"Build: " + LineOf(compiler, settings, false) + L"\r\n\r\nSyntax check: " +
-           LineOf(compiler, settings, true);
+    return TextWith(L"Build: {1}\r\n\r\nSyntax check: {2}",
+                    {LineOf(compiler, settings, false), LineOf(compiler, settings, true)});
 }

@@ -3,6 +3,7 @@
 #include "symbols/symbol_commands.h"
 
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "base/wide_format.h"
 #include "documents/document_row.h"
@@ -55,7 +56,7 @@ POINT BelowWord(const WordInDocument& word) {
 }
 
 std::wstring PlaceText(const ReachedText& text, const Symbol& symbol) {
-    return FormatW(L"\t%s, line %u", NameOfText(text).c_str(), symbol.line + 1);
+    return L"\t" + FormatW(Text(L"%s, line %u"), NameOfText(text).c_str(), symbol.line + 1);
 }
 
 // "&" would underline the next letter of a menu's text.
@@ -89,7 +90,7 @@ void ShowCandidates(const WordInDocument& word, Candidates found) {
     const std::wstring name = Utf8ToWideText(word.word.name);
     std::erase_if(found.places, [&](const SymbolPlace& place) { return IsThePlaceItself(word, found, place); });
     if (found.places.empty())
-        TellSymbolStatus(FormatW(L"This is the definition of %s", name.c_str()));
+        TellSymbolStatus(FormatW(Text(L"This is the definition of %s"), name.c_str()));
     else if (found.places.size() == 1)
         SymbolGoTo(SpotOf(found.texts[found.places[0].text], found.places[0].symbol));
     else
@@ -109,7 +110,7 @@ void GoToInclude(const WordInDocument& word) {
         if (PathNormalizeInput(place.c_str(), whole, kPathCapacity) && PathAnswers(whole) && FileExists(whole))
             return SymbolGoTo({.path = whole});
     }
-    TellSymbolStatus(FormatW(L"The included file %s was not found", name.c_str()));
+    TellSymbolStatus(FormatW(Text(L"The included file %s was not found"), name.c_str()));
 }
 
 }  // namespace
@@ -139,11 +140,11 @@ std::wstring NameOfText(const ReachedText& text) {
 
 void GoToDefinition(LRESULT position) {
     const std::optional<WordInDocument> word = WordAtPlace(position);
-    if (!word) return TellSymbolStatus(L"There is no name at the caret");
+    if (!word) return TellSymbolStatus(Text(L"There is no name at the caret"));
     if (word->word.isInclude) return GoToInclude(*word);
     FindDefinitions(*word, [word = *word](Candidates found) {
         if (!found.places.empty()) return ShowCandidates(word, std::move(found));
-        TellSymbolStatus(FormatW(L"No definition of %s was found", Utf8ToWideText(word.word.name).c_str()));
+        TellSymbolStatus(FormatW(Text(L"No definition of %s was found"), Utf8ToWideText(word.word.name).c_str()));
     });
 }
 

@@ -1,6 +1,7 @@
 // The rows of the outline. Pure.
 #include "symbols/outline.h"
 
+#include "base/texts.h"
 #include "base/utf8.h"
 
 #include <algorithm>
@@ -73,8 +74,9 @@ Outline OutlineOf(const SymbolTable& table, const OutlineWish& wish) {
     const auto tell = [&outline](std::wstring text) {
         outline.content.rows.push_back({.cells = {L"", std::move(text), L""}, .tone = ListTone::Quiet});
     };
-    if (all > kMostOutlineRows) tell(std::to_wstring(all - kMostOutlineRows) + L" more; type to find them");
-    if (all == 0) tell(wish.filter.empty() ? L"No symbols" : L"Nothing matches");
+    if (all > kMostOutlineRows)
+        tell(TextWith(L"{1} more; type to find them", {std::to_wstring(all - kMostOutlineRows)}));
+    if (all == 0) tell(wish.filter.empty() ? Text(L"No symbols") : Text(L"Nothing matches"));
     return outline;
 }
 

@@ -2,6 +2,7 @@
 #include "symbols/outline_pane.h"
 
 #include "base/log.h"
+#include "base/texts.h"
 #include "documents/document_row.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
@@ -77,8 +78,8 @@ void GoToRow(int row, int) {
 
 constexpr ListColumn kColumns[] = {
     {.title = L"", .characters = 2, .least = 2, .fixedPitch = true},
-    {.title = L"Name", .characters = 26, .least = 8, .fixedPitch = false},
-    {.title = L"Type or value", .characters = 10, .least = 2, .fixedPitch = false},
+    {.title = English(L"Name"), .characters = 26, .least = 8, .fixedPitch = false},
+    {.title = English(L"Type or value"), .characters = 10, .least = 2, .fixedPitch = false},
 };
 constexpr ListKind kOutlineList = {.columns = kColumns, .activate = GoToRow};
 
@@ -212,13 +213,13 @@ bool MakeChildren() {
     g_outline.button = MakeChild(WC_BUTTONW, L"A-Z", 0, BS_PUSHBUTTON, IDC_OUTLINE_ORDER);
     if (g_outline.field == nullptr || g_outline.button == nullptr) return false;
     SendMessageW(g_outline.field, EM_LIMITTEXT, kFilterCapacity - 1, 0);
-    SendMessageW(g_outline.field, EM_SETCUEBANNER, TRUE, reinterpret_cast<LPARAM>(L"Filter"));
+    SendMessageW(g_outline.field, EM_SETCUEBANNER, TRUE, reinterpret_cast<LPARAM>(Text(L"Filter")));
     SubclassAdd(g_outline.field, FieldProc);
     SubclassAdd(g_outline.button, ButtonProc);
-    AccessibleNameSet(g_outline.field, L"Filter");
+    AccessibleNameSet(g_outline.field, Text(L"Filter"));
     g_outline.list.handleKey = OnListKey;
     if (!ListViewCreate(g_outline.list, g_outline.pane, IDC_OUTLINE_LIST)) return false;
-    AccessibleNameSet(g_outline.list.window, L"Declarations");
+    AccessibleNameSet(g_outline.list.window, Text(L"Declarations"));
     ShowWindow(g_outline.list.window, SW_SHOWNA);
     return true;
 }

@@ -3,6 +3,7 @@
 #include "symbols/peek_commands.h"
 
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "base/wide_format.h"
 #include "documents/document_row.h"
@@ -70,7 +71,7 @@ bool ShowDefinitions(const std::wstring& name, const Candidates& found) {
     if (page.places.empty()) return false;
     const std::optional<PeekCaret> peek = PeekCaretNow();
     if (peek && page.places.size() == 1 && IsSamePlace(page.places.front(), peek->place)) {
-        TellSymbolStatus(FormatW(L"This is the definition of %s", name.c_str()));
+        TellSymbolStatus(FormatW(Text(L"This is the definition of %s"), name.c_str()));
         return true;
     }
     if (page.places.size() == 1) page.title = page.places.front().text;
@@ -126,8 +127,9 @@ void ShowCallers(const References& references) {
                                    .where = FormatW(L"%s:%u", label.c_str(), hit.line + 1),
                                    .text = Utf8ToWideText(hit.shown)});
         }
-    if (page.places.empty()) return TellSymbolStatus(FormatW(L"Nothing uses %s", name.c_str()));
-    page.title = FormatW(called ? L"Callers of %s (%zu)" : L"Uses of %s (%zu)", name.c_str(), page.places.size());
+    if (page.places.empty()) return TellSymbolStatus(FormatW(Text(L"Nothing uses %s"), name.c_str()));
+    page.title =
+        FormatW(called ? Text(L"Callers of %s (%zu)") : Text(L"Uses of %s (%zu)"), name.c_str(), page.places.size());
     TellSymbolStatus(page.title);
     PeekShowPage(std::move(page));
 }
@@ -137,7 +139,7 @@ void ShowCallers(const References& references) {
 void PeekDefinition() {
     const std::optional<PeekCaret> peek = PeekCaretNow();
     const std::optional<WordInDocument> word = WordWanted(peek);
-    if (!word || word->word.isInclude) return TellSymbolStatus(L"There is no name at the caret");
+    if (!word || word->word.isInclude) return TellSymbolStatus(Text(L"There is no name at the caret"));
     const std::wstring name = Utf8ToWideText(word->word.name);
     if (peek) {
         WordInDocument own = *word;
@@ -148,7 +150,8 @@ void PeekDefinition() {
     const DocumentId shown = ActiveDocumentId();
     FindDefinitions(*word, [name, shown](const Candidates& found) {
         if (ActiveDocumentId() != shown) return;  // the user has gone elsewhere meanwhile
-        if (!ShowDefinitions(name, found)) TellSymbolStatus(FormatW(L"No definition of %s was found", name.c_str()));
+        if (!ShowDefinitions(name, found))
+            TellSymbolStatus(FormatW(Text(L"No definition of %s was found"), name.c_str()));
     });
 }
 
@@ -156,7 +159,7 @@ void PeekCallers() {
     const std::optional<PeekCaret> peek = PeekCaretNow();
     std::optional<WordInDocument> word = WordWanted(peek);
     if (!word || word->word.isInclude) word = ProcedureWanted(peek);
-    if (!word) return TellSymbolStatus(L"There is no name at the caret");
+    if (!word) return TellSymbolStatus(Text(L"There is no name at the caret"));
     const DocumentId shown = ActiveDocumentId();
     FindReferences(*word, [shown](const References& references) {
         if (ActiveDocumentId() == shown) ShowCallers(references);

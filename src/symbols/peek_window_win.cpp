@@ -3,6 +3,7 @@
 #include "symbols/peek_window.h"
 
 #include "base/log.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "base/worker.h"
 #include "documents/document_row.h"
@@ -203,10 +204,10 @@ void PaintPeek() {
     DrawTextW(dc, Place().where.c_str(), -1, &text, kFormat);
     RECT rest = text;
     DrawTextW(dc, Place().where.c_str(), -1, &rest, kFormat | DT_CALCRECT);
-    constexpr wchar_t kHint[] = L"Enter: go there    Alt+Left: back    Esc: close";
+    const std::wstring hint = Text(L"Enter: go there    Alt+Left: back    Esc: close");
     text.left = rest.right + UiScaled(24);
-    if (text.right - text.left > UiTextWidth(kHint, static_cast<int>(std::size(kHint)) - 1))
-        DrawTextW(dc, kHint, -1, &text, kFormat | DT_RIGHT);
+    if (text.right - text.left > UiTextWidth(hint.c_str(), static_cast<int>(hint.size())))
+        DrawTextW(dc, hint.c_str(), -1, &text, kFormat | DT_RIGHT);
     SelectObject(dc, font);
 }
 
@@ -225,8 +226,8 @@ void GoToPeeked(int = 0, int = 0) {
 }
 
 constexpr ListColumn kColumns[] = {
-    {.title = L"Place", .characters = 20, .least = 8, .fixedPitch = false},
-    {.title = L"Text", .characters = 20, .least = 4, .fixedPitch = false},
+    {.title = English(L"Place"), .characters = 20, .least = 8, .fixedPitch = false},
+    {.title = English(L"Text"), .characters = 20, .least = 4, .fixedPitch = false},
 };
 constexpr ListKind kPeekList = {.columns = kColumns, .activate = GoToPeeked};
 
@@ -315,7 +316,7 @@ bool MakePeekChildren() {
     if (g_peek.editor == nullptr || !ListViewCreate(g_peek.list, g_peek.window, IDC_PEEK_LIST)) return false;
     SubclassAdd(g_peek.editor, PeekChild);
     SubclassAdd(g_peek.list.window, PeekChild);
-    AccessibleNameSet(g_peek.list.window, L"Places");
+    AccessibleNameSet(g_peek.list.window, Text(L"Places"));
     PeekApplySettings();
     return true;
 }

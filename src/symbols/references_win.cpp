@@ -3,6 +3,7 @@
 
 #include "base/handles.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "base/wide_format.h"
 #include "base/worker.h"
@@ -165,7 +166,7 @@ void StartReferences(References references) {
     ReferencesRequest request{g_ui.hMainWnd, g_references.number, {}, TextsToSearch(references)};
     request.references = std::move(references);
     g_references.worker = WorkerStart<ReferencesWork>(std::move(request));
-    if (!g_references.worker) TellSymbolStatus(L"The references could not be looked for");
+    if (!g_references.worker) TellSymbolStatus(Text(L"The references could not be looked for"));
 }
 
 }  // namespace
@@ -174,7 +175,7 @@ void FindReferences(const WordInDocument& word, std::function<void(References)> 
     WorkerAskToEnd(g_references.worker);
     ++g_references.number;
     g_references.ready = std::move(ready);
-    TellSymbolStatus(FormatW(L"Looking for %s...", Utf8ToWideText(word.word.name).c_str()));
+    TellSymbolStatus(FormatW(Text(L"Looking for %s..."), Utf8ToWideText(word.word.name).c_str()));
     SymbolsWhenReached(word.document, [word] {
         // A name of its own procedure needs no project.
         References references{.word = word};

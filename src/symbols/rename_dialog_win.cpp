@@ -3,6 +3,7 @@
 
 #include "base/log.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "base/wide_format.h"
 #include "debugui/kept_names.h"
@@ -42,8 +43,8 @@ std::wstring CountOf(std::size_t count, const wchar_t* one, const wchar_t* many)
 }
 
 std::wstring PlacesText(const References& references) {
-    return CountOf(references.places, L"place", L"places") + L" in " +
-           CountOf(references.found.size(), L"file", L"files");
+    return TextWith(L"{1} in {2}", {CountOf(references.places, Text(L"place"), Text(L"places")),
+                                    CountOf(references.found.size(), Text(L"file"), Text(L"files"))});
 }
 
 // --- Whether the new name may be taken
@@ -64,7 +65,7 @@ std::wstring ClashIn(const References& references, const ReachedText& text, std:
         }
         if (!clashes) continue;
         const FoundFile named{text.path, text.document, {}};
-        return FormatW(L"%s is already a %s in %s, line %u", Utf8ToWideText(newName).c_str(),
+        return FormatW(Text(L"%s is already a %s in %s, line %u"), Utf8ToWideText(newName).c_str(),
                        SymbolKindText(symbol.kind), FileLabel(named).c_str(), symbol.line + 1);
     }
     return {};
@@ -75,8 +76,8 @@ std::wstring ProblemOf(const Renaming& renaming, const std::string& newName) {
     if (newName == references.name) return L" ";  // nothing to do, and nothing to say
     if (!IsNewName(newName, references.name, DialectOf(references.word.compilerId)))
         return references.name.starts_with('%') || references.name.starts_with('$')
-                   ? L"A name with the mark of the old one, of letters, digits and underscores"
-                   : L"A name of letters, digits and underscores that is no keyword";
+                   ? Text(L"A name with the mark of the old one, of letters, digits and underscores")
+                   : Text(L"A name of letters, digits and underscores that is no keyword");
     if (CompareNames(newName, references.name) == 0) return {};  // other capitals
     for (const std::vector<ReachedText>& texts : {SymbolsInReach(references.word.document), SymbolsInProject()})
         for (const ReachedText& text : texts)
@@ -106,13 +107,13 @@ std::wstring OpenAll(References& references) {
     for (FoundFile& file : references.found) {
         int tab = TabBarFindDocument(file.document);
         if (tab < 0 && !file.path.empty()) tab = FileAdd(file.path.c_str());
-        if (tab < 0) return FormatW(L"%s could not be opened.", FileLabel(file).c_str());
+        if (tab < 0) return FormatW(Text(L"%s could not be opened."), FileLabel(file).c_str());
         file.document = TabAt(tab).id;
         const HWND editor = TabAt(tab).editor;
         const bool whole =
             std::ranges::all_of(file.hits, [&](const FileHit& hit) { return HoldsName(editor, hit, references.name); });
-        if (!whole) return FormatW(L"%s has changed meanwhile.", TabAt(tab).label);
-        if (Ask(editor, SCI_GETREADONLY) != 0) return FormatW(L"%s cannot be changed.", TabAt(tab).label);
+        if (!whole) return FormatW(Text(L"%s has changed meanwhile."), TabAt(tab).label);
+        if (Ask(editor, SCI_GETREADONLY) != 0) return FormatW(Text(L"%s cannot be changed."), TabAt(tab).label);
     }
     return {};
 }
@@ -130,7 +131,7 @@ void RenameAll(Renaming& renaming) {
     References& references = renaming.references;
     const std::wstring problem = OpenAll(references);
     if (!problem.empty()) {
-        InfoMessage(L"Nothing was renamed: %s", problem.c_str());
+        InfoMessage(Text(L"Nothing was renamed: %s"), problem.c_str());
         return;
     }
     for (const FoundFile& file : references.found)
@@ -139,7 +140,7 @@ void RenameAll(Renaming& renaming) {
     for (const FoundFile& file : references.found)
         NamesFollowSymbol(file.document, references.name, renaming.newName,
                           local ? references.target.firstLine + 1 : 0);
-    TellSymbolStatus(FormatW(L"Renamed %s to %s: %s", Utf8ToWideText(references.name).c_str(),
+    TellSymbolStatus(FormatW(Text(L"Renamed %s to %s: %s"), Utf8ToWideText(references.name).c_str(),
                              Utf8ToWideText(renaming.newName).c_str(), PlacesText(references).c_str()));
 }
 
@@ -155,14 +156,15 @@ void RenameOrAsk(Renaming& renaming, const References& used) {
             const bool inside = file.document == old.word.document && hit.line >= old.target.firstLine &&
                                 hit.line <= old.target.lastLine;
             if (old.target.scope == ReferenceScope::Procedure && !inside) continue;
-            if (places++ == 0) first = FormatW(L"%s, line %u", FileLabel(file).c_str(), hit.line + 1);
+            if (places++ == 0) first = FormatW(Text(L"%s, line %u"), FileLabel(file).c_str(), hit.line + 1);
         }
-    const std::wstring text = FormatW(
-        L"%s is declared nowhere, but it is used at %s, the first in %s. Afterwards nothing would tell these from what "
-        L"is renamed.\n\nRename nevertheless?",
-        Utf8ToWideText(renaming.newName).c_str(), CountOf(places, L"place", L"places").c_str(), first.c_str());
+    const std::wstring text = FormatW(Text(L"%s is declared nowhere, but it is used at %s, the first in %s. Afterwards "
+                                           L"nothing would tell these from what "
+                                           L"is renamed.\n\nRename nevertheless?"),
+                                      Utf8ToWideText(renaming.newName).c_str(),
+                                      CountOf(places, Text(L"place"), Text(L"places")).c_str(), first.c_str());
     TellSymbolStatus(L"");
-    if (places == 0 || AskUser({.caption = L"Name in Use",
+    if (places == 0 || AskUser({.caption = Text(L"Name in Use"),
                                 .text = text.c_str(),
                                 .buttons = AskButtons::YesNo,
                                 .icon = AskIcon::Warning,
@@ -198,7 +200,7 @@ void FillPlaces(HWND list, const References& references) {
             widest = std::max(widest, UiTextWidth(text.c_str(), static_cast<int>(text.size())));
         }
     if (shown > kMostShown) {
-        const std::wstring text = FormatW(L"... and %zu more", shown - kMostShown);
+        const std::wstring text = FormatW(Text(L"... and %zu more"), shown - kMostShown);
         SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
     }
     widest += UiScaled(8);
@@ -249,12 +251,12 @@ void TellUndeclared(const References& references) {
     TellSymbolStatus(L"");
     const WordClass kind = LookUpWord(references.name, DialectOf(references.word.compilerId)).kind;
     if (kind != WordClass::None && kind != WordClass::Preprocessor)
-        return InfoMessage(L"%s belongs to the language and cannot be renamed.", name.c_str());
-    InfoMessage(
-        L"%s cannot be renamed, because it is declared nowhere: not in this document, not in what it includes, not in "
-        L"the project. Nothing tells which of its %s mean the same.\n\n"
-        L"Declare it first, or replace it as a whole word.",
-        name.c_str(), PlacesText(references).c_str());
+        return InfoMessage(Text(L"%s belongs to the language and cannot be renamed."), name.c_str());
+    InfoMessage(Text(L"%s cannot be renamed, because it is declared nowhere: not in this document, not in what it "
+                     L"includes, not in "
+                     L"the project. Nothing tells which of its %s mean the same.\n\n"
+                     L"Declare it first, or replace it as a whole word."),
+                name.c_str(), PlacesText(references).c_str());
 }
 
 INT_PTR CALLBACK RenameDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -279,11 +281,11 @@ void RenameDialogShow(References references) {
     if (!references.definition) return TellUndeclared(references);
     const bool ofProcedure = references.target.scope == ReferenceScope::Procedure;
     if (ofProcedure && references.definition->document != references.word.document)
-        return InfoMessage(L"%s is a label of another file and cannot be renamed from here.", name.c_str());
+        return InfoMessage(Text(L"%s is a label of another file and cannot be renamed from here."), name.c_str());
     if (references.limited || SymbolsProjectLimited())
-        return TellSymbolStatus(FormatW(L"%s has too many places to be renamed", name.c_str()));
+        return TellSymbolStatus(FormatW(Text(L"%s has too many places to be renamed"), name.c_str()));
     if (!references.unreadable.empty())
-        return TellSymbolStatus(FormatW(L"%s could not be read, so %s cannot be renamed everywhere",
+        return TellSymbolStatus(FormatW(Text(L"%s could not be read, so %s cannot be renamed everywhere"),
                                         references.unreadable.front().c_str(), name.c_str()));
     Renaming renaming{std::move(references), {}};
     TellSymbolStatus(L"");

@@ -1,6 +1,7 @@
 // The commands about symbols. UI thread.
 #include "symbols/symbol_commands.h"
 
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "base/wide_format.h"
 #include "resources/ids.h"
@@ -17,25 +18,25 @@ namespace {
 
 void ShowReferences(References references) {
     const std::wstring name = Utf8ToWideText(references.name);
-    if (references.places == 0) return TellSymbolStatus(FormatW(L"No references to %s", name.c_str()));
-    std::wstring note =
-        FormatW(L"%zu %s to %s in %zu %s", references.places, references.places == 1 ? L"reference" : L"references",
-                name.c_str(), references.found.size(), references.found.size() == 1 ? L"file" : L"files");
-    if (references.limited) note = L"The first " + note;
-    if (!references.unreadable.empty()) note += FormatW(L"; %zu could not be read", references.unreadable.size());
+    if (references.places == 0) return TellSymbolStatus(FormatW(Text(L"No references to %s"), name.c_str()));
+    std::wstring note = FormatW(Text(L"%zu %s to %s in %zu %s"), references.places,
+                                references.places == 1 ? Text(L"reference") : Text(L"references"), name.c_str(),
+                                references.found.size(), references.found.size() == 1 ? Text(L"file") : Text(L"files"));
+    if (references.limited) note = TextWith(L"The first {1}", {note});
+    if (!references.unreadable.empty()) note += FormatW(Text(L"; %zu could not be read"), references.unreadable.size());
     TellSymbolStatus(note);
     FilesShowFound(note, references.name, std::move(references.found));
 }
 
 void FindAllReferences(int) {
     const std::optional<WordInDocument> word = WordAtPlace(-1);
-    if (!word || word->word.isInclude) return TellSymbolStatus(L"There is no name at the caret");
+    if (!word || word->word.isInclude) return TellSymbolStatus(Text(L"There is no name at the caret"));
     FindReferences(*word, ShowReferences);
 }
 
 void RenameAtCaret(int) {
     const std::optional<WordInDocument> word = WordAtPlace(-1);
-    if (!word || word->word.isInclude) return TellSymbolStatus(L"There is no name at the caret");
+    if (!word || word->word.isInclude) return TellSymbolStatus(Text(L"There is no name at the caret"));
     FindReferences(*word, RenameDialogShow);
 }
 

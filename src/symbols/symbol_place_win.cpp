@@ -1,6 +1,7 @@
 // Places of symbols in the editor. UI thread.
 #include "symbols/symbol_place.h"
 
+#include "base/texts.h"
 #include "base/utf8.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
@@ -59,12 +60,29 @@ void SymbolGoTo(const SymbolSpot& spot) {
 }
 
 const wchar_t* SymbolKindText(SymbolKind kind) {
-    static constexpr const wchar_t* kTexts[] = {
-        L"SUB",        L"FUNCTION", L"METHOD", L"PROPERTY GET", L"PROPERTY SET", L"FASTPROC",  L"MACRO",
-        L"TYPE",       L"UNION",    L"ENUM",   L"CLASS",        L"INTERFACE",    L"NAMESPACE", L"member",
-        L"ENUM value", L"constant", L"global", L"local",        L"parameter",    L"label",     L"include"};
+    static constexpr const wchar_t* kTexts[] = {L"SUB",
+                                                L"FUNCTION",
+                                                L"METHOD",
+                                                English(L"PROPERTY GET"),
+                                                English(L"PROPERTY SET"),
+                                                L"FASTPROC",
+                                                L"MACRO",
+                                                L"TYPE",
+                                                L"UNION",
+                                                L"ENUM",
+                                                L"CLASS",
+                                                L"INTERFACE",
+                                                L"NAMESPACE",
+                                                English(L"member"),
+                                                English(L"ENUM value"),
+                                                English(L"constant"),
+                                                English(L"global"),
+                                                English(L"local"),
+                                                English(L"parameter"),
+                                                English(L"label"),
+                                                English(L"include")};
     static_assert(std::size(kTexts) == static_cast<std::size_t>(SymbolKind::Count));
-    return kTexts[static_cast<std::size_t>(kind)];
+    return Text(kTexts[static_cast<std::size_t>(kind)]);
 }
 
 std::wstring SymbolDeclaration(const SymbolTable& table, const Symbol& symbol) {

@@ -2,6 +2,7 @@
 // press, move and release are in tab_pointer. Commands that may ask the user are posted to the main window. UI thread.
 #include "tabs/tab_bar_internal.h"
 
+#include "base/texts.h"
 #include "documents/document_row.h"
 #include "resources/ids.h"
 #include "tabs/tabs_state.h"
@@ -197,8 +198,8 @@ bool FillTabTip(NMHDR& header) {
     static std::wstring text;
     const TabPointer& pointer = g_tabBar.pointer;
     text = IsTabIndex(pointer.hoverTab) ? TabTipOf(pointer.hoverTab) : L"";
-    if (IsTabIndex(pointer.hoverTab) && TabAt(pointer.hoverTab).pinned && pointer.hoverClose) text = L"Unpin";
-    if (pointer.hoverButton == static_cast<int>(TabButton::List)) text = L"List of all tabs (Ctrl+E)";
+    if (IsTabIndex(pointer.hoverTab) && TabAt(pointer.hoverTab).pinned && pointer.hoverClose) text = Text(L"Unpin");
+    if (pointer.hoverButton == static_cast<int>(TabButton::List)) text = Text(L"List of all tabs (Ctrl+E)");
     reinterpret_cast<NMTTDISPINFOW&>(header).lpszText = text.data();
     return true;
 }

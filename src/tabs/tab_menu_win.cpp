@@ -1,6 +1,7 @@
 // The menus and the tooltip of the tabs: what can be done with one, and the list of the first nine. UI thread.
 #include "tabs/tab_bar.h"
 
+#include "base/texts.h"
 #include "documents/document_row.h"
 #include "files/text_encoding.h"
 #include "resources/ids.h"
@@ -31,21 +32,21 @@ void TabMenuShow(HWND strip, int index, POINT at) {
     const DocumentTab& tab = TabAt(index);
     const DocumentId document = tab.id;
     // WM_INITMENUPOPUP of the main window enables the commands.
-    const MenuItem items[] = {{.id = IDM_FILE_CLOSE, .text = L"&Close\tCtrl+W"},
-                              {.id = IDM_TAB_CLOSE_OTHERS, .text = L"Close &Others"},
-                              {.id = IDM_TAB_CLOSE_RIGHT, .text = L"Close to the &Right"},
-                              {.id = IDM_TAB_CLOSE_SAVED, .text = L"Close &Saved"},
-                              {.id = IDM_FILE_CLOSE_ALL, .text = L"Close &All"},
-                              {.id = IDM_TAB_REOPEN, .text = L"Reopen Closed &Tab\tCtrl+Shift+T"},
+    const MenuItem items[] = {{.id = IDM_FILE_CLOSE, .text = Text(L"&Close\tCtrl+W")},
+                              {.id = IDM_TAB_CLOSE_OTHERS, .text = Text(L"Close &Others")},
+                              {.id = IDM_TAB_CLOSE_RIGHT, .text = Text(L"Close to the &Right")},
+                              {.id = IDM_TAB_CLOSE_SAVED, .text = Text(L"Close &Saved")},
+                              {.id = IDM_FILE_CLOSE_ALL, .text = Text(L"Close &All")},
+                              {.id = IDM_TAB_REOPEN, .text = Text(L"Reopen Closed &Tab\tCtrl+Shift+T")},
                               {},
-                              {.id = IDM_TAB_PIN, .text = L"&Pin Tab"},
+                              {.id = IDM_TAB_PIN, .text = Text(L"&Pin Tab")},
                               {},
-                              {.id = IDM_FILE_SAVE, .text = L"Sa&ve\tCtrl+S"},
-                              {.id = IDM_FILE_RELOAD, .text = L"Re&load\tCtrl+R"},
+                              {.id = IDM_FILE_SAVE, .text = Text(L"Sa&ve\tCtrl+S")},
+                              {.id = IDM_FILE_RELOAD, .text = Text(L"Re&load\tCtrl+R")},
                               {},
-                              {.id = IDM_TAB_COPY_PATH, .text = L"Copy &Full Path\tAlt+Shift+C"},
-                              {.id = IDM_TAB_COPY_NAME, .text = L"Copy &Name"},
-                              {.id = IDM_TAB_OPEN_FOLDER, .text = L"Open Folder in &Explorer"}};
+                              {.id = IDM_TAB_COPY_PATH, .text = Text(L"Copy &Full Path\tAlt+Shift+C")},
+                              {.id = IDM_TAB_COPY_NAME, .text = Text(L"Copy &Name")},
+                              {.id = IDM_TAB_OPEN_FOLDER, .text = Text(L"Open Folder in &Explorer")}};
     ClientToScreen(strip, &at);
     const UINT command = ShowPopupMenu(g_ui.hMainWnd, items, at);
     // TrackPopupMenu ran a message loop, so the document may be gone or no longer active.
@@ -58,7 +59,7 @@ std::wstring TabTipOf(int index) {
     const DocumentTab& tab = TabAt(index);
     std::wstring text = tab.hasFile ? tab.path : tab.label;
     text += L"\n" + TabStateText(TabStateOf(tab));
-    if (tab.pinned) text += L", pinned";
+    if (tab.pinned) text += Text(L", pinned");
     if (tab.editor != nullptr) text += std::wstring(L" - ") + EncodingName(tab.encoding, tab.form);
     // What the words do not tell, like the new name of a file.
     const std::wstring news = OutsideTipText(tab.outside, false);

@@ -4,6 +4,7 @@
 
 #include "base/log.h"
 #include "base/path.h"
+#include "base/texts.h"
 #include "documents/document_row.h"
 #include "resources/ids.h"
 #include "tabs/tab_bar_internal.h"
@@ -175,12 +176,12 @@ void ShowList() {
     const int width = place.right - place.left, height = place.bottom - place.top;
     if (RegisterFrame())
         g_switch.frame =
-            CreateWindowExW(WS_EX_CONTROLPARENT, kFrameClass, L"Tabs", WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS,
-                            place.left, place.top, width, height, g_ui.hMainWnd,
-                            reinterpret_cast<HMENU>(INT_PTR{IDC_TAB_SWITCHER}), g_ui.hInstance, nullptr);
+            CreateWindowExW(WS_EX_CONTROLPARENT, kFrameClass, Text(L"Tabs"),
+                            WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, place.left, place.top, width, height,
+                            g_ui.hMainWnd, reinterpret_cast<HMENU>(INT_PTR{IDC_TAB_SWITCHER}), g_ui.hInstance, nullptr);
     if (g_switch.frame == nullptr) return AppLogMsg(L"FAIL: ShowList error=%lu", GetLastError());
     g_switch.list = CreateWindowExW(
-        0, L"LISTBOX", L"Tabs",
+        0, L"LISTBOX", Text(L"Tabs"),
         WS_CHILD | WS_VISIBLE | WS_VSCROLL | LBS_OWNERDRAWFIXED | LBS_HASSTRINGS | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT, 1,
         1, width - 2, height - 2, g_switch.frame, nullptr, g_ui.hInstance, nullptr);
     ScrollBarsApplyTheme(g_switch.list);

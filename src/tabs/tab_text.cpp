@@ -1,21 +1,23 @@
 #include "tabs/tab_text.h"
 
+#include "base/texts.h"
+
 #include <cwctype>
 
 std::wstring TabStateText(const TabState& state) {
     const struct {
         bool holds;
         const wchar_t* words;
-    } rows[] = {{state.modified, L"unsaved changes"},
-                {!state.modified && state.hasFile, L"saved"},
-                {!state.modified && !state.hasFile, L"never saved"},
-                {state.gone, L"gone from the disk"},
-                {state.changed, L"changed on the disk"},
-                {state.readOnly, L"read-only"},
-                {state.building, L"is being built"},
-                {state.failed && !state.building, L"last build failed"},
-                {state.built && !state.building, L"built without errors"},
-                {state.debugged, L"is being debugged"}};
+    } rows[] = {{state.modified, Text(L"unsaved changes")},
+                {!state.modified && state.hasFile, Text(L"saved")},
+                {!state.modified && !state.hasFile, Text(L"never saved")},
+                {state.gone, Text(L"gone from the disk")},
+                {state.changed, Text(L"changed on the disk")},
+                {state.readOnly, Text(L"read-only")},
+                {state.building, Text(L"is being built")},
+                {state.failed && !state.building, Text(L"last build failed")},
+                {state.built && !state.building, Text(L"built without errors")},
+                {state.debugged, Text(L"is being debugged")}};
     std::wstring text;
     for (const auto& row : rows)
         if (row.holds) text += (text.empty() ? L"" : L", ") + std::wstring(row.words);

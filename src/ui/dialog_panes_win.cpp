@@ -1,5 +1,6 @@
 #include "ui/dialog_panes.h"
 
+#include "base/texts.h"
 #include "ui/accessible.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
@@ -48,7 +49,7 @@ HWND DifferencePaneMake(HWND dialog, int placeholder) {
     SendMessageW(pane, EM_SETBKGNDCOLOR, 0, static_cast<LPARAM>(ThemeCurrentChrome().paneBack));
     ScrollBarsApplyTheme(pane);
     SubclassAdd(pane, DifferenceProc, 0);
-    AccessibleNameSet(pane, L"Difference");
+    AccessibleNameSet(pane, Text(L"Difference"));
     return pane;
 }
 

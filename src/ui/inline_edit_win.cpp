@@ -2,6 +2,7 @@
 
 #include "base/events.h"
 #include "base/log.h"
+#include "base/texts.h"
 #include "ui/accessible.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
@@ -140,7 +141,7 @@ void InlineEditBegin(HWND list, const RECT& cell, const std::wstring& text, bool
     g_edit = {edit, std::move(commit), append ? std::wstring{} : text, false, nullptr};
     SendMessageW(edit, WM_SETFONT, reinterpret_cast<WPARAM>(UiFixedFont()), FALSE);
     SubclassAdd(edit, InlineEditProc);
-    AccessibleNameSet(edit, L"New value");
+    AccessibleNameSet(edit, Text(L"New value"));
     ControlApplyTheme(edit);
     SendMessageW(edit, EM_SETSEL, append ? text.size() : 0, append ? static_cast<LPARAM>(text.size()) : -1);
     SetFocus(edit);

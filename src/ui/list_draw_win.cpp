@@ -1,6 +1,7 @@
 // Draws the rows and the header of a list. UI thread only.
 #include "ui/list_internal.h"
 
+#include "base/texts.h"
 #include "ui/chrome.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
@@ -122,7 +123,7 @@ void DrawHeaderCell(const ListKind& kind, const NMCUSTOMDRAW& draw, int column) 
     const HGDIOBJ oldFont = SelectObject(draw.hdc, UiFont());
     SetBkMode(draw.hdc, TRANSPARENT);
     SetTextColor(draw.hdc, chrome.tabText);
-    DrawTextW(draw.hdc, kind.columns[static_cast<std::size_t>(column)].title, -1, &cell, kCellText);
+    DrawTextW(draw.hdc, Text(kind.columns[static_cast<std::size_t>(column)].title), -1, &cell, kCellText);
     SelectObject(draw.hdc, oldFont);
 }
 

@@ -1,6 +1,7 @@
 // The window, the columns and the rows of a list. UI thread only.
 #include "ui/list_view.h"
 
+#include "base/texts.h"
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
@@ -76,7 +77,7 @@ void InsertColumns(ListView& list) {
         const auto index = static_cast<std::size_t>(i);
         LVCOLUMNW add = {};
         add.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
-        add.pszText = const_cast<wchar_t*>(list.kind->columns[index].title);  // the control does not write to it
+        add.pszText = const_cast<wchar_t*>(Text(list.kind->columns[index].title));  // the control does not write to it
         add.cx = kept ? place.widths[index] : RoomOfColumn(*list.kind, i).wanted;
         ListViewSend(list, LVM_INSERTCOLUMNW, index, reinterpret_cast<LPARAM>(&add));
     }

@@ -1,6 +1,7 @@
 #include "ui/long_work.h"
 
 #include "base/clock.h"
+#include "base/texts.h"
 #include "base/wide_format.h"
 #include "ui/busy_input.h"
 #include "ui/ui_state.h"
@@ -38,8 +39,8 @@ bool LongWork::GoesOn(double share) {
     stopped_ = input.stop;
     g_closeAfterwards = g_closeAfterwards || input.close;
     const int percent = static_cast<int>(std::clamp(share, 0.0, 1.0) * 100);
-    show_(stopped_ ? FormatW(L"%s: stopping...", what_).c_str()
-                   : FormatW(L"%s: %d %% (Esc stops)", what_, percent).c_str());
+    show_(stopped_ ? FormatW(Text(L"%s: stopping..."), what_).c_str()
+                   : FormatW(Text(L"%s: %d %% (Esc stops)"), what_, percent).c_str());
     PaintWhileBusy();
     return !stopped_;
 }

@@ -7,7 +7,7 @@
 
 struct PathQuestion {
     HWND owner = nullptr;
-    const wchar_t* filter = nullptr;     // as OPENFILENAMEW::lpstrFilter
+    const wchar_t* filter = nullptr;     // in English, as OPENFILENAMEW::lpstrFilter
     const wchar_t* extension = nullptr;  // added to a name without one; null: none
     const wchar_t* folder = nullptr;     // where the dialog starts; null or empty: the system chooses
     bool save = false;  // asks before a file that is there is overwritten; otherwise the file must exist

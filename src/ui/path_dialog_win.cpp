@@ -2,6 +2,7 @@
 
 #include "base/bounded_text.h"
 #include "base/log.h"
+#include "base/texts.h"
 #include "ui/message.h"
 #include "ui/path_dialog_names.h"
 
@@ -14,10 +15,10 @@ namespace {
 
 void TellFileDialogProblem(DWORD error, const std::wstring& path) {
     if (error == FNERR_BUFFERTOOSMALL)
-        return ErrorMessage(L"The path is too long: the editor takes paths of up to %d characters.",
+        return ErrorMessage(Text(L"The path is too long: the editor takes paths of up to %d characters."),
                             static_cast<int>(kPathCapacity - 1));
     AppLogMsg(L"FAIL: file dialog error=0x%04X name=%s", error, path.c_str());
-    ErrorMessage(L"The file dialog could not be shown (error 0x%04X).", error);
+    ErrorMessage(Text(L"The file dialog could not be shown (error 0x%04X)."), error);
 }
 
 // The dialog opens with this folder selected.
@@ -33,7 +34,8 @@ bool AskFilePath(const PathQuestion& question, std::wstring& path) {
     OPENFILENAMEW request = {};
     request.lStructSize = sizeof(request);
     request.hwndOwner = question.owner;
-    request.lpstrFilter = question.filter;
+    const std::wstring filter = question.filter != nullptr ? FilterText(question.filter) : std::wstring();
+    request.lpstrFilter = question.filter != nullptr ? filter.c_str() : nullptr;
     request.nFilterIndex = 1;
     request.lpstrFile = chosen;
     request.nMaxFile = static_cast<DWORD>(kPathCapacity);
@@ -73,6 +75,6 @@ bool AskFolderPath(HWND owner, const wchar_t* title, std::wstring& folder) {
     if (named)
         folder = path;
     else
-        ErrorMessage(L"This folder cannot be used: it has no path, or one that is too long.");
+        ErrorMessage(Text(L"This folder cannot be used: it has no path, or one that is too long."));
     return named;
 }

@@ -1,5 +1,6 @@
 #include "ui/tab_row.h"
 
+#include "base/texts.h"
 #include "ui/chrome.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
@@ -103,9 +104,9 @@ HWND CreateTabRowChild(HWND parent, const wchar_t* className, const wchar_t* tex
 }  // namespace
 
 bool TabRowCreate(TabRow& row, HWND parent, int tabsId, int moreId) {
-    row.more = CreateTabRowChild(parent, WC_BUTTONW, L"More Views", BS_OWNERDRAW, moreId);
+    row.more = CreateTabRowChild(parent, WC_BUTTONW, Text(L"More Views"), BS_OWNERDRAW, moreId);
     row.tabs =
-        CreateTabRowChild(parent, WC_TABCONTROLW, L"Views", WS_VISIBLE | WS_TABSTOP | TCS_OWNERDRAWFIXED, tabsId);
+        CreateTabRowChild(parent, WC_TABCONTROLW, Text(L"Views"), WS_VISIBLE | WS_TABSTOP | TCS_OWNERDRAWFIXED, tabsId);
     if (row.tabs == nullptr || row.more == nullptr) return false;
     SubclassAdd(row.tabs, TabRowProc, reinterpret_cast<DWORD_PTR>(&row));
     SendMessageW(row.tabs, TCM_SETMINTABWIDTH, 0, 1);  // else short titles would be wider than FitTabRow reckons

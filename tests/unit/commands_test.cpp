@@ -371,7 +371,8 @@ TEST(Commands, MnemonicsOfMenusAndDialogsDiffer) {
 // The pop-up menus that are written as lists in the sources, and the windows whose children are.
 TEST(Commands, MnemonicsOfOtherMenusDiffer) {
     const std::regex list(R"rx((MenuItem>? \w+(\[\])?|MenuItem, \d+>\(|PaneShowMenu\(|kControls\[\]) ?=? ?\{)rx");
-    const std::regex choice(R"rx((\? L"[^"]*")\s*:\s*L"[^"]*")rx"), text(R"rx(L"([^"\\]*)[^"]*")rx");
+    const std::regex choice(R"rx((\? (?:Text\()?L"[^"]*"\)?)\s*:\s*(?:Text\()?L"[^"]*")rx"),
+        text(R"rx(L"([^"\\]*)[^"]*")rx");
     int menus = 0;
     for (const auto& file : std::filesystem::recursive_directory_iterator(std::string(KVX_ROOT_DIR) + "/src")) {
         if (!file.path().string().ends_with("_win.cpp")) continue;
