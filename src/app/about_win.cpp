@@ -24,13 +24,15 @@
 #endif
 
 void AboutShow() {
+    static constexpr wchar_t kProgram[] = L"KVX-Editor " KVX_VERSION;
+    static constexpr wchar_t kCompiler[] = KVX_COMPILER TEXT(__VERSION__);
     std::array<wchar_t, kPathCapacity> ini = {};
     GetIniPath(nullptr, ini.data(), ini.size());
     const std::wstring text = TextWith(
         L"{1} (64-bit)\n\nA source editor for BASIC, C and assembly: write, build, go to the error, "
         L"run.\n\nMade of: {2}\nCompiled by {3}\nLicence: MIT; those of the parts are in the "
         L"folder \"licenses\".\n\nSettings: {4}\nRecovered texts and logs: {5}",
-        {L"KVX-Editor " KVX_VERSION, KVX_PARTS, KVX_COMPILER TEXT(__VERSION__), ini.data(), UserFolderPath()});
+        {kProgram, KVX_PARTS, kCompiler, ini.data(), UserFolderPath()});
     TellUser(kProgramCaption, text.c_str(), AskIcon::Information);
 }
 
