@@ -197,8 +197,22 @@ void FillQuickItem(LVITEMW& item) {
     item.pszText[length] = L'\0';
 }
 
+// The control erases nothing when only its rows are told to be drawn anew.
+void FillBelowRows(HDC dc) {
+    RECT below = {}, last = {};
+    GetClientRect(g_list.window, &below);
+    last.left = LVIR_BOUNDS;
+    if (g_list.count > 0 &&
+        ListSend(LVM_GETITEMRECT, static_cast<WPARAM>(g_list.count) - 1, reinterpret_cast<LPARAM>(&last)) != FALSE)
+        below.top = last.bottom;
+    if (below.top < below.bottom) FillArea(dc, below, ThemeCurrentChrome().paneBack);
+}
+
 LRESULT DrawList(const NMLVCUSTOMDRAW& draw) {
-    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
+    if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) {
+        FillBelowRows(draw.nmcd.hdc);
+        return CDRF_NOTIFYITEMDRAW;
+    }
     if (draw.nmcd.dwDrawStage != CDDS_ITEMPREPAINT) return CDRF_DODEFAULT;
     DrawQuickRow(draw.nmcd.hdc, static_cast<int>(draw.nmcd.dwItemSpec));
     return CDRF_SKIPDEFAULT;

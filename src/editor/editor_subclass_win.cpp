@@ -193,7 +193,8 @@ LRESULT OnPaneNewLine(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
     const LRESULT lines = SciSend(pane, SCI_GETLINECOUNT);
     const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
     SciSend(pane, SCI_BEGINUNDOACTION);  // one undo step for the line break and the indentation
-    const LRESULT result = SubclassNext(pane, message, wParam, lParam);
+    LRESULT result = 0;
+    EditorReplace(pane, [&] { result = SubclassNext(pane, message, wParam, lParam); });
     if (SciSend(pane, SCI_GETLINECOUNT) == lines + 1) {
         EditorPaneUpperKeywordBefore(pane, before);
         EditorPaneAfterNewLine(pane);
@@ -209,7 +210,8 @@ LRESULT OnPaneCharacter(HWND pane, WPARAM wParam, LPARAM lParam) {
     if (wParam == L'\n') return OnPaneNewLine(pane, SCI_NEWLINE, 0, 0);
     const CaretUndoStep together(pane, wParam >= L' ' ? CaretEdit::Typed : CaretEdit::Other, HasSeveralCarets(pane));
     const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);
-    const LRESULT result = SubclassNext(pane, WM_CHAR, wParam, lParam);
+    LRESULT result = 0;
+    EditorReplace(pane, [&] { result = SubclassNext(pane, WM_CHAR, wParam, lParam); });
     const LRESULT after = SciSend(pane, SCI_GETCURRENTPOS);
     if (!ContinuesWord(wParam) && after == before + 1) EditorPaneUpperKeywordBefore(pane, before);
     // "print#" may be a variable, "print#1" is not.

@@ -15,3 +15,5 @@ void EditorCut(HWND editor);
 void EditorCutLine(HWND editor);  // the lines of the selection
 void EditorPaste(HWND editor);    // undo selects again what it has replaced
 void EditorErase(HWND editor, const std::function<void()>& erase);
+// The same where `change` puts something in the place of what is selected: marks stay on a line that stays.
+void EditorReplace(HWND editor, const std::function<void()>& change);

@@ -485,6 +485,13 @@ void EditorErase(HWND editor, const std::function<void()>& erase) {
                                 Text(L"Bookmarks and breakpoints went with the lines; undo brings them back"));
 }
 
+void EditorReplace(HWND editor, const std::function<void()>& change) {
+    const LRESULT start = PaneSend(editor, SCI_GETSELECTIONSTART), end = PaneSend(editor, SCI_GETSELECTIONEND);
+    if (start == end || PaneSend(editor, SCI_LINEFROMPOSITION, start) == PaneSend(editor, SCI_LINEFROMPOSITION, end))
+        return change();
+    EditorErase(editor, change);
+}
+
 void EditorCut(HWND editor) {
     if (editor == nullptr) return;
     const CaretUndoStep together(editor);
@@ -501,7 +508,7 @@ void EditorCutLine(HWND editor) {
 void EditorPaste(HWND editor) {
     if (editor == nullptr) return;
     const CaretUndoStep together(editor);
-    PaneSend(editor, SCI_PASTE);
+    EditorReplace(editor, [editor] { PaneSend(editor, SCI_PASTE); });
 }
 
 void EditorToggleComment(HWND editor) {

@@ -142,7 +142,7 @@ LRESULT OnListPlaced(const ListView& list, WPARAM wParam, const WINDOWPOS& place
         const FramePause pause(list.window);
         result = SubclassNext(list.window, WM_WINDOWPOSCHANGED, wParam, parameter);
     }
-    RedrawWindow(list.window, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_ALLCHILDREN);
+    RedrawWindow(list.window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
     return result;
 }
 

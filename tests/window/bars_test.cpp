@@ -268,12 +268,25 @@ TEST(Bars, MarksFollowLinesThroughUndoAndRedo) {
         editor.Do(IDM_EDIT_UNDO);
         EXPECT_TRUE(WaitFor([&] { return !editor.ButtonWorks(IDM_FILE_SAVE_ALL); })) << "and no longer";
     }
-    // A line that is cut takes its marks along.
+    // Lines that are cut or typed over take their marks along; one that stays keeps them.
+    const WPARAM key = 'x';
+    for (const bool typed : {true, false}) {
+        editor.Sci(SCI_SETSEL, 7, 14);
+        if (typed)
+            editor.Send(editor.Sci(), WM_CHAR, key, 0);
+        else
+            editor.Do(IDM_EDIT_CUT);
+        EXPECT_EQ(lines(), "p3c3");
+        editor.Do(IDM_EDIT_UNDO);
+        EXPECT_EQ(lines(), before) << typed;
+    }
+    editor.Sci(SCI_SETSEL, 7, 9);
+    editor.Send(editor.Sci(), WM_CHAR, key, 0);
+    EXPECT_EQ(lines(), before);
+    editor.Do(IDM_EDIT_UNDO);
     editor.Sci(SCI_SETSEL, 7, 14);
     editor.Do(IDM_EDIT_CUT);
-    EXPECT_EQ(lines(), "p3c3");
     editor.Do(IDM_EDIT_UNDO);
-    EXPECT_EQ(lines(), before);
     EXPECT_EQ(editor.Sci(SCI_GETSELECTIONEND), 14) << "what was cut is selected again";
     editor.Sci(SCI_GOTOLINE, 1);
     editor.Post(IDM_DEBUG_CONDITIONAL);  // on a line whose breakpoint came back

@@ -34,6 +34,23 @@ struct QuickDriver {
     void ExpectFirst(const std::wstring& row) const {
         EXPECT_TRUE(WaitFor([&] { return Row(0) == row; })) << Utf8(Row(0)) << " instead of " << Utf8(row);
     }
+    // What was there before, rows or the text under the window, is no longer to be seen below the last row.
+    void ExpectBlankBelowRows() const {
+        constexpr int kStep = 3, kRowAtMost = 40;  // pixels
+        RECT area = {};
+        GetWindowRect(List(), &area);
+        const auto ground = static_cast<COLORREF>(editor.Send(List(), LVM_GETBKCOLOR));
+        const HDC screen = GetDC(nullptr);
+        const auto blank = [&] {
+            for (int y = area.top + Rows() * kRowAtMost; y < area.bottom - kStep; y += kStep)
+                for (int x = area.left + kStep; x < area.left + 300; x += kStep)
+                    if (GetPixel(screen, x, y) != ground) return false;
+            return true;
+        };
+        EXPECT_LT(area.top + Rows() * kRowAtMost, area.bottom - 100);
+        EXPECT_TRUE(WaitFor(blank));
+        ReleaseDC(nullptr, screen);
+    }
     void ExpectClosed() const {
         EXPECT_TRUE(WaitFor([&] { return !IsOpen() && editor.Focus() == editor.Sci(); })) << editor.Describe();
     }
@@ -108,6 +125,7 @@ TEST(CommandPalette, RunsCommandsAndTurnsIntoTheOthers) {
     EXPECT_GT(quick.Rows(), 100);
     quick.Type(L"stop build");
     quick.ExpectFirst(L"Stop Build  Compiler  Ctrl+Break");
+    quick.ExpectBlankBelowRows();
     editor.Keys({VK_RETURN});
     editor.Keys({'X'});
     EXPECT_TRUE(WaitFor([&] { return editor.TextOf(quick.Field()) == L">stop buildx"; })) << "not possible, so not run";
