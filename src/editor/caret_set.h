@@ -3,10 +3,12 @@
 #pragma once
 
 #include "editor/line_changes.h"
+#include "ui/redraw.h"
 
 #include <windows.h>
 
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 inline constexpr std::size_t kMostCarets = 5000;  // that a command makes
@@ -39,6 +41,20 @@ struct CaretSpan {
 std::vector<CaretSpan> CaretSpans(HWND editor);
 void CaretsSelect(HWND editor, const std::vector<CaretSpan>& spans, std::size_t main);
 bool CaretsAreEmpty(HWND editor);  // nothing is selected
+
+// While it lives, nothing of the pane is drawn, if there are many selections: Scintilla sets the scroll bar for each line that
+// comes or goes, and drawing it takes 2 to 4 ms under Wine. At its end the pane is drawn once.
+class CaretsDrawOnce {
+public:
+    explicit CaretsDrawOnce(HWND editor);
+    ~CaretsDrawOnce();
+    CaretsDrawOnce(const CaretsDrawOnce&) = delete;
+    CaretsDrawOnce& operator=(const CaretsDrawOnce&) = delete;
+
+private:
+    HWND editor_;
+    std::optional<FramePause> pause_;
+};
 
 // The whole lines of each selection. One that ends at the start of a line does not take that line; a folded block whose
 // first line is in it is in it.

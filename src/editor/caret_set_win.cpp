@@ -135,6 +135,17 @@ void CaretsSelect(HWND editor, const std::vector<CaretSpan>& spans, std::size_t 
     PaneSend(editor, SCI_SETMAINSELECTION, std::min(static_cast<LRESULT>(main), last));
 }
 
+CaretsDrawOnce::CaretsDrawOnce(HWND editor) : editor_(editor) {
+    constexpr LRESULT kMany = 50;
+    if (PaneSend(editor, SCI_GETSELECTIONS) >= kMany) pause_.emplace(editor);
+}
+
+CaretsDrawOnce::~CaretsDrawOnce() {
+    if (!pause_) return;
+    pause_.reset();
+    RedrawWindow(editor_, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME);
+}
+
 bool CaretsAreEmpty(HWND editor) { return PaneSend(editor, SCI_GETSELECTIONEMPTY) != 0; }
 
 std::vector<LineBlock> CaretLines(HWND editor) {

@@ -38,9 +38,21 @@ void ApplyPaneSettings(HWND editor, const PaneSettings& settings) {
             SciSend(editor, setting.set, static_cast<WPARAM>(setting.value));
 }
 
+bool CaretIsInView(HWND editor) {
+    const LRESULT caret = SciSend(editor, SCI_GETCURRENTPOS);
+    const LRESULT line =
+        SciSend(editor, SCI_VISIBLEFROMDOCLINE,
+                static_cast<WPARAM>(SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(caret))));
+    const LRESULT first = SciSend(editor, SCI_GETFIRSTVISIBLELINE);
+    return line >= first && line < first + SciSend(editor, SCI_LINESONSCREEN);
+}
+
+// A caret that the user has scrolled out of sight stays there, and so does the view: what is typed next belongs to the
+// caret's place, and nobody expects another one because a window was closed by Esc.
 bool CaretMayMove(HWND editor) {
     const PaneState* state = PaneStateOf(editor);
-    return (state == nullptr || !state->pressing) && SciSend(editor, SCI_GETSELECTIONEMPTY) != 0;
+    return (state == nullptr || !state->pressing) && SciSend(editor, SCI_GETSELECTIONEMPTY) != 0 &&
+           CaretIsInView(editor);
 }
 
 }  // namespace

@@ -189,6 +189,7 @@ bool HasSeveralCarets(HWND pane) { return SciSend(pane, SCI_GETSELECTIONS) > 1; 
 
 // Sends the pane a message that may break the line, and indents the new line then.
 LRESULT OnPaneNewLine(HWND pane, UINT message, WPARAM wParam, LPARAM lParam) {
+    const CaretsDrawOnce once(pane);
     const CaretUndoStep together(pane, CaretEdit::Other, HasSeveralCarets(pane));
     const LRESULT lines = SciSend(pane, SCI_GETLINECOUNT);
     const LRESULT before = SciSend(pane, SCI_GETCURRENTPOS);

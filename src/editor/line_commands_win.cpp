@@ -469,6 +469,7 @@ void DoLineCommand(HWND editor, int command) {
 
 void EditorLineCommand(HWND editor, int command) {
     if (editor == nullptr || PaneSend(editor, SCI_GETREADONLY) != 0) return;
+    const CaretsDrawOnce once(editor);
     DoLineCommand(editor, command);
     CaretStepsPlaced(editor);
 }
@@ -494,6 +495,7 @@ void EditorReplace(HWND editor, const std::function<void()>& change) {
 
 void EditorCut(HWND editor) {
     if (editor == nullptr) return;
+    const CaretsDrawOnce once(editor);
     const CaretUndoStep together(editor);
     EditorErase(editor, [editor] { PaneSend(editor, SCI_CUT); });
 }
@@ -507,6 +509,7 @@ void EditorCutLine(HWND editor) {
 
 void EditorPaste(HWND editor) {
     if (editor == nullptr) return;
+    const CaretsDrawOnce once(editor);
     const CaretUndoStep together(editor);
     EditorReplace(editor, [editor] { PaneSend(editor, SCI_PASTE); });
 }

@@ -309,6 +309,14 @@ TEST(Bars, EscShowsWhatTheNextKeyReplaces) {
     ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
     EXPECT_TRUE(WaitFor([&] { return editor.Sci(SCI_GETFIRSTVISIBLELINE) == 0; }));
     EXPECT_EQ(editor.Sci(SCI_GETSELECTIONEND), 4) << "and stays selected";
+    // A caret alone that is out of sight stays where it is, with the view.
+    editor.Sci(SCI_GOTOPOS, 0);
+    editor.Sci(SCI_SETFIRSTVISIBLELINE, 200);
+    editor.Keys({VK_F6});
+    ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Child(IDC_OUTPUT); }));
+    editor.Keys({VK_ESCAPE});
+    ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
+    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 0);
 }
 
 TEST(Bars, BlocksAreFoldedByCommands) {
