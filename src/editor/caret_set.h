@@ -42,8 +42,8 @@ std::vector<CaretSpan> CaretSpans(HWND editor);
 void CaretsSelect(HWND editor, const std::vector<CaretSpan>& spans, std::size_t main);
 bool CaretsAreEmpty(HWND editor);  // nothing is selected
 
-// While it lives, nothing of the pane is drawn, if there are many selections: Scintilla sets the scroll bar for each line that
-// comes or goes, and drawing it takes 2 to 4 ms under Wine. At its end the pane is drawn once.
+// Keeps a pane with many selections from being drawn while it lives, and draws it once at its end. Scintilla calls
+// SetScrollInfo for each line that comes or goes, and Wine then draws the scroll bar, which takes 2 to 4 ms.
 class CaretsDrawOnce {
 public:
     explicit CaretsDrawOnce(HWND editor);

@@ -475,6 +475,7 @@ void EditorLineCommand(HWND editor, int command) {
 }
 
 void EditorErase(HWND editor, const std::function<void()>& erase) {
+    const CaretsDrawOnce once(editor);
     const std::optional<LineBlock> lines = WholeLinesSelected(editor);
     if (!lines || PaneSend(editor, SCI_GETREADONLY) != 0 || !LineMarksAreIn(editor, *lines)) return erase();
     const CaretUndoStep step(editor);
@@ -495,7 +496,6 @@ void EditorReplace(HWND editor, const std::function<void()>& change) {
 
 void EditorCut(HWND editor) {
     if (editor == nullptr) return;
-    const CaretsDrawOnce once(editor);
     const CaretUndoStep together(editor);
     EditorErase(editor, [editor] { PaneSend(editor, SCI_CUT); });
 }
