@@ -28,7 +28,10 @@ constexpr wchar_t kLatest[] = L"latest.txt";  // names the report that the user 
 
 LPTOP_LEVEL_EXCEPTION_FILTER g_nextFilter = nullptr;
 DWORD g_watchingThread = 0;  // the UI thread, whose documents it alone may touch
-std::atomic<bool> g_crashed{false};
+std::atomic<DWORD> g_crashedThread{0};
+constexpr int kCrashSteps = 3;
+int g_crashStep = 0;       // of that thread: the one that comes next
+std::wstring g_crashName;  // the path of report and dump without its end
 
 std::wstring CrashFolder() {
     const std::wstring user = UserFolder();
@@ -49,38 +52,48 @@ std::wstring ReportText(const EXCEPTION_RECORD& fault) {
                    GetCurrentThreadId(), GetCurrentThreadId() == g_watchingThread ? L" (user interface)" : L"");
 }
 
-void WriteDump(const std::wstring& path, EXCEPTION_POINTERS* exception) {
+void WriteReport(const EXCEPTION_RECORD& fault) {
+    const std::wstring folder = CrashFolder();
+    if (folder.empty()) return;
+    SYSTEMTIME now = {};
+    GetLocalTime(&now);
+    g_crashName = folder + FormatW(L"Crash %04d-%02d-%02d %02d.%02d.%02d", now.wYear, now.wMonth, now.wDay, now.wHour,
+                                   now.wMinute, now.wSecond);
+    const std::string text = ToUtf8(ReportText(fault)), report = ToUtf8(g_crashName + L".txt");
+    WriteFileUtf8((g_crashName + L".txt").c_str(), text.data(), text.size());
+    WriteFileUtf8((folder + kLatest).c_str(), report.data(), report.size());
+}
+
+void WriteDump(EXCEPTION_POINTERS* exception) {
+    if (g_crashName.empty()) return;
     const UniqueModule library{LoadSystemLibrary(L"dbghelp.dll")};
     if (!library) return;
     const auto write = reinterpret_cast<decltype(&MiniDumpWriteDump)>(
         reinterpret_cast<void (*)()>(GetProcAddress(library.Get(), "MiniDumpWriteDump")));
-    const UniqueHandle file{CreateFileW(PathForSystem(path.c_str()).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                        FILE_ATTRIBUTE_NORMAL, nullptr)};
+    const UniqueHandle file{CreateFileW(PathForSystem((g_crashName + L".dmp").c_str()).c_str(), GENERIC_WRITE, 0,
+                                        nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr)};
     if (write == nullptr || !file) return;
     MINIDUMP_EXCEPTION_INFORMATION information = {GetCurrentThreadId(), exception, FALSE};
     write(GetCurrentProcess(), GetCurrentProcessId(), file.Get(),
           static_cast<MINIDUMP_TYPE>(MiniDumpNormal | MiniDumpFilterMemory), &information, nullptr, nullptr);
 }
 
-void WriteReport(EXCEPTION_POINTERS* exception) {
-    const std::wstring folder = CrashFolder();
-    if (folder.empty()) return;
-    SYSTEMTIME now = {};
-    GetLocalTime(&now);
-    const std::wstring name = folder + FormatW(L"Crash %04d-%02d-%02d %02d.%02d.%02d", now.wYear, now.wMonth, now.wDay,
-                                               now.wHour, now.wMinute, now.wSecond);
-    const std::string text = ToUtf8(ReportText(*exception->ExceptionRecord)), report = ToUtf8(name + L".txt");
-    WriteFileUtf8((name + L".txt").c_str(), text.data(), text.size());
-    WriteFileUtf8((folder + kLatest).c_str(), report.data(), report.size());
-    WriteDump(name + L".dmp", exception);
-}
-
-// The report comes first, because it needs little. The documents come last: after a fault their memory may be damaged,
-// and a second fault ends the process at once. Their snapshots of some seconds before are then what is left.
+// The report comes first, because it needs little, and the dump last, because it can take many seconds: by then the texts
+// are safe, if the user ends the program meanwhile. After a fault the memory may be damaged: a second fault within one step
+// comes here again and goes on with the next one.
 LONG WINAPI OnCrash(EXCEPTION_POINTERS* exception) {
-    if (!g_crashed.exchange(true)) {
-        WriteReport(exception);
-        if (GetCurrentThreadId() == g_watchingThread) SnapshotsWriteNow();
+    const DWORD thread = GetCurrentThreadId();
+    DWORD first = 0;
+    if (!g_crashedThread.compare_exchange_strong(first, thread) && first != thread)
+        Sleep(INFINITE);  // that one ends it
+    while (g_crashStep < kCrashSteps) {
+        switch (g_crashStep++) {
+            case 0: WriteReport(*exception->ExceptionRecord); break;
+            case 1:
+                if (thread == g_watchingThread) SnapshotsWriteNow();
+                break;
+            default: WriteDump(exception); break;
+        }
     }
     if (g_nextFilter != nullptr) g_nextFilter(exception);  // the log's
     return EXCEPTION_EXECUTE_HANDLER;                      // ends the process: all that can be said is written

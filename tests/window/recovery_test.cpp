@@ -169,7 +169,8 @@ TEST(Recovery, ACrashLeavesItsReportAndTheText) {
         Editor editor(folder, OpenArgument(a));
         editor.Type("' SECRET-TEXT\n");                     // crashes before the first snapshot is due
         PostMessageW(editor.Sci(), SCI_ADDTEXT, 1000, 16);  // no text is there
-        EXPECT_TRUE(editor.ExitCode());
+        EXPECT_TRUE(AwaitKept(folder, {text}));
+        EXPECT_TRUE(editor.ExitCode(60'000)) << "the dump reads the memory a kilobyte at a time";
         EXPECT_EQ(KeptTexts(folder), std::set<std::string>{text});
     }
     int reports = 0;
