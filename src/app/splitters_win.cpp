@@ -8,6 +8,7 @@
 #include "resources/ids.h"
 #include "ui/chrome.h"
 #include "ui/paint.h"
+#include "ui/window_class.h"
 
 #include <array>
 #include <iterator>
@@ -149,18 +150,12 @@ LRESULT EraseSplitter(HWND window, HDC dc) {
 }
 
 HWND CreateSplitter(const SplitterRow& row) {
-    static const ATOM registered = [] {
-        WNDCLASSEXW description = {};
-        description.cbSize = sizeof(description);
-        description.style = CS_DBLCLKS;
-        description.lpfnWndProc = SplitterProc;
-        description.hInstance = g_app.hInstance;
-        description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-        description.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNSHADOW + 1);  // EraseSplitter fills the bar
-        description.lpszClassName = kSplitterClass;
-        return RegisterClassExW(&description);
-    }();
-    if (registered == 0) return nullptr;
+    // EraseSplitter fills the bar, whatever the brush of its class.
+    static const bool registered = WindowClassRegister({.name = kSplitterClass,
+                                                        .procedure = SplitterProc,
+                                                        .style = CS_DBLCLKS,
+                                                        .background = reinterpret_cast<HBRUSH>(COLOR_BTNSHADOW + 1)});
+    if (!registered) return nullptr;
     return CreateWindowExW(0, kSplitterClass, Text(row.name), WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS, 0, 0, 0, 0,
                            g_app.hMainWnd, reinterpret_cast<HMENU>(static_cast<INT_PTR>(row.id)), g_app.hInstance,
                            nullptr);

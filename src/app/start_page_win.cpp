@@ -17,6 +17,7 @@
 #include "ui/fonts.h"
 #include "ui/list_view.h"
 #include "ui/paint.h"
+#include "ui/window_class.h"
 
 #include <algorithm>
 #include <string>
@@ -144,20 +145,12 @@ LRESULT CALLBACK StartPageProc(HWND page, UINT message, WPARAM wParam, LPARAM lP
 }
 
 bool CreateStartPage() {
-    static const ATOM registered = [] {
-        WNDCLASSEXW description = {};
-        description.cbSize = sizeof description;
-        description.lpfnWndProc = StartPageProc;
-        description.hInstance = g_app.hInstance;
-        description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-        description.lpszClassName = kStartClass;
-        return RegisterClassExW(&description);
-    }();
+    static const bool registered = WindowClassRegister({.name = kStartClass, .procedure = StartPageProc});
     const auto child = [](const wchar_t* className, const wchar_t* text, DWORD style, HWND parent, int id) {
         return CreateWindowExW(0, className, text, WS_CHILD | WS_CLIPSIBLINGS | style, 0, 0, 0, 0, parent,
                                reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), g_app.hInstance, nullptr);
     };
-    if (registered != 0)
+    if (registered)
         g_app.hStartPage = child(kStartClass, Text(L"Start Page"), WS_CLIPCHILDREN, g_app.hMainWnd, IDC_START_PAGE);
     if (g_app.hStartPage == nullptr) {
         AppLogMsg(L"FAIL: StartPage error=%lu", GetLastError());

@@ -20,6 +20,7 @@
 #include "ui/long_work.h"
 #include "ui/paint.h"
 #include "ui/subclass.h"
+#include "ui/window_class.h"
 #include "ui/window_text.h"
 
 #include <commctrl.h>
@@ -368,13 +369,7 @@ bool CreateQuickChildren() {
 
 bool CreateQuickWindow() {
     if (g_quick.window != nullptr) return true;
-    WNDCLASSEXW description = {};
-    description.cbSize = sizeof(description);
-    description.lpfnWndProc = QuickWindowProc;
-    description.hInstance = g_ui.hInstance;
-    description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-    description.lpszClassName = kClass;
-    if (RegisterClassExW(&description) == 0 && GetLastError() != ERROR_CLASS_ALREADY_EXISTS) return false;
+    if (!WindowClassRegister({.name = kClass, .procedure = QuickWindowProc})) return false;
     g_quick.window = CreateWindowExW(WS_EX_CONTROLPARENT, kClass, Text(L"Go to File"),
                                      WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0, 0, 0, g_ui.hMainWnd,
                                      reinterpret_cast<HMENU>(INT_PTR{IDC_QUICK_OPEN}), g_ui.hInstance, nullptr);

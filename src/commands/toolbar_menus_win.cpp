@@ -11,10 +11,10 @@
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
 #include "ui/menu.h"
+#include "ui/paint.h"
 #include "ui/ui_state.h"
 
 #include <algorithm>
-#include <cstring>
 #include <vector>
 
 namespace {
@@ -33,16 +33,10 @@ HBITMAP ToolbarPicture(Icon icon, int size, const IconInks& inks, PictureUse use
     std::vector<std::uint32_t> pixels = RenderIcon(icon, size, inks);
     // An image list multiplies the colours by the opacity itself; a menu takes them multiplied.
     if (use == PictureUse::Menu) std::ranges::transform(pixels, pixels.begin(), PremultipliedPixel);
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof(info.bmiHeader);
-    info.bmiHeader.biWidth = size;
-    info.bmiHeader.biHeight = -size;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
-    void* bits = nullptr;
-    HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-    if (bitmap != nullptr) std::memcpy(bits, pixels.data(), pixels.size() * sizeof(pixels[0]));
-    return bitmap;
+    std::uint32_t* bits = nullptr;
+    UniqueBitmap bitmap = PixelsNew(size, size, &bits);
+    if (bitmap) std::ranges::copy(pixels, bits);
+    return bitmap.Release();
 }
 
 std::wstring ToolbarCompilerText() {

@@ -2,6 +2,7 @@
 #include "completion/completion_images.h"
 
 #include "base/handles.h"
+#include "ui/paint.h"
 #include "ui/theme_table.h"
 
 #include <cstdint>
@@ -44,21 +45,16 @@ ImageSet g_images;
 
 // A bitmap of 32 bits in memory.
 struct Canvas {
-    HDC dc = CreateCompatibleDC(nullptr);
-    HBITMAP bitmap = nullptr;
-    HGDIOBJ before = nullptr;
     std::uint32_t* pixels = nullptr;
+    UniqueBitmap bitmap;
+    UniqueMemoryDc dc{CreateCompatibleDC(nullptr)};
+    HGDIOBJ before = nullptr;
 
-    explicit Canvas(int size) {
-        BITMAPINFO info = {};
-        info.bmiHeader = {sizeof(BITMAPINFOHEADER), size, -size, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-        bitmap = CreateDIBSection(dc, &info, DIB_RGB_COLORS, reinterpret_cast<void**>(&pixels), nullptr, 0);
-        if (bitmap != nullptr) before = SelectObject(dc, bitmap);
+    explicit Canvas(int size) : bitmap(PixelsNew(size, size, &pixels)) {
+        if (bitmap) before = SelectObject(dc.Get(), bitmap.Get());
     }
     ~Canvas() {
-        if (before != nullptr) SelectObject(dc, before);
-        if (bitmap != nullptr) DeleteObject(bitmap);
-        DeleteDC(dc);
+        if (before != nullptr) SelectObject(dc.Get(), before);
     }
     Canvas(const Canvas&) = delete;
     Canvas& operator=(const Canvas&) = delete;
@@ -66,10 +62,10 @@ struct Canvas {
 
 void DrawLetter(const Canvas& canvas, int size, wchar_t letter) {
     RECT area = {0, 0, size, size};
-    FillRect(canvas.dc, &area, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
-    SetBkMode(canvas.dc, TRANSPARENT);
-    SetTextColor(canvas.dc, RGB(255, 255, 255));
-    DrawTextW(canvas.dc, &letter, 1, &area, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
+    FillRect(canvas.dc.Get(), &area, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
+    SetBkMode(canvas.dc.Get(), TRANSPARENT);
+    SetTextColor(canvas.dc.Get(), RGB(255, 255, 255));
+    DrawTextW(canvas.dc.Get(), &letter, 1, &area, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
     GdiFlush();
 }
 
@@ -108,10 +104,10 @@ void MakeImages(int size) {
     if (canvas.pixels == nullptr) return;
     const UniqueFont font(CreateFontW(-size * kFine * 3 / 4, 0, 0, 0, FW_BOLD, FALSE, FALSE, FALSE, DEFAULT_CHARSET, 0,
                                       0, ANTIALIASED_QUALITY, 0, L"Segoe UI"));
-    const HGDIOBJ before = SelectObject(canvas.dc, font.Get());
+    const HGDIOBJ before = SelectObject(canvas.dc.Get(), font.Get());
     for (std::size_t kind = 0; kind < std::size(kLooks); ++kind)
         g_images.images[kind] = ImageOf(kLooks[kind], canvas, size);
-    SelectObject(canvas.dc, before);
+    SelectObject(canvas.dc.Get(), before);
     g_images.size = size;
 }
 

@@ -8,6 +8,7 @@
 #include "ui/dpi.h"
 #include "ui/paint.h"
 #include "ui/wheel.h"
+#include "ui/window_class.h"
 
 #include <windowsx.h>
 
@@ -177,14 +178,7 @@ LRESULT CALLBACK WordListProc(HWND window, UINT message, WPARAM wParam, LPARAM l
 
 bool EnsureWindow(HWND editor) {
     if (g_wordList.window != nullptr) return true;
-    WNDCLASSEXW description = {};
-    description.cbSize = sizeof(description);
-    description.style = CS_SAVEBITS;
-    description.lpfnWndProc = WordListProc;
-    description.hInstance = g_ui.hInstance;
-    description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-    description.lpszClassName = kClass;
-    RegisterClassExW(&description);
+    WindowClassRegister({.name = kClass, .procedure = WordListProc, .style = CS_SAVEBITS});
     g_wordList.window = CreateWindowExW(WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE, kClass, L"", WS_POPUP, 0, 0, 0, 0,
                                         GetAncestor(editor, GA_ROOT), nullptr, g_ui.hInstance, nullptr);
     if (g_wordList.window == nullptr) AppLogMsg(L"FAIL: WordListShow error=%lu", GetLastError());

@@ -15,6 +15,7 @@
 #include "ui/fonts.h"
 #include "ui/paint.h"
 #include "ui/tab_row.h"
+#include "ui/window_class.h"
 #include "ui/window_text.h"
 
 #include <commctrl.h>
@@ -339,13 +340,7 @@ std::wstring PaneAddressText() {
 // --- For everyone
 
 HWND DebugPaneCreate(HWND parent, int controlId) {
-    WNDCLASSEXW description = {};
-    description.cbSize = sizeof(description);
-    description.lpfnWndProc = DebugPaneProc;
-    description.hInstance = g_ui.hInstance;
-    description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-    description.lpszClassName = kClass;
-    if (RegisterClassExW(&description) == 0 && GetLastError() != ERROR_CLASS_ALREADY_EXISTS) return nullptr;
+    if (!WindowClassRegister({.name = kClass, .procedure = DebugPaneProc})) return nullptr;
     g_frame.pane =
         CreateWindowExW(WS_EX_CONTROLPARENT, kClass, L"", WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0, 0, 0,
                         parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_ui.hInstance, nullptr);

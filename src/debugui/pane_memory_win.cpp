@@ -15,6 +15,7 @@
 #include "ui/dpi.h"
 #include "ui/fonts.h"
 #include "ui/paint.h"
+#include "ui/window_class.h"
 
 #include <windowsx.h>
 
@@ -276,13 +277,7 @@ LRESULT CALLBACK MemoryProc(HWND window, UINT message, WPARAM wParam, LPARAM lPa
 }  // namespace
 
 HWND PaneMemoryCreate(HWND parent) {
-    WNDCLASSEXW description = {};
-    description.cbSize = sizeof(description);
-    description.lpfnWndProc = MemoryProc;
-    description.hInstance = g_ui.hInstance;
-    description.hCursor = LoadCursorW(nullptr, IDC_IBEAM);
-    description.lpszClassName = kClass;
-    if (RegisterClassExW(&description) == 0 && GetLastError() != ERROR_CLASS_ALREADY_EXISTS) return nullptr;
+    if (!WindowClassRegister({.name = kClass, .procedure = MemoryProc, .cursor = IDC_IBEAM})) return nullptr;
     g_memory.window =
         CreateWindowExW(0, kClass, nullptr, WS_CHILD | WS_CLIPSIBLINGS | WS_TABSTOP | WS_VSCROLL, 0, 0, 0, 0, parent,
                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_DEBUG_TEXT)), g_ui.hInstance, nullptr);

@@ -3,6 +3,7 @@
 #include "project/tree_icons.h"
 
 #include "base/handles.h"
+#include "ui/paint.h"
 #include "ui/scale.h"
 
 #include <algorithm>
@@ -130,18 +131,6 @@ std::uint32_t PixelOf(const std::uint32_t* samples, std::size_t stride) {
     return covered * 255 / kAll << 24 | sum[2] / kAll << 16 | sum[1] / kAll << 8 | sum[0] / kAll;
 }
 
-// A picture of 32 bits for each pixel, top row first.
-UniqueBitmap NewPixels(int width, int height, std::uint32_t** pixels) {
-    BITMAPINFO info = {};
-    info.bmiHeader = {.biSize = sizeof(BITMAPINFOHEADER),
-                      .biWidth = width,
-                      .biHeight = -height,
-                      .biPlanes = 1,
-                      .biBitCount = 32,
-                      .biCompression = BI_RGB};
-    return UniqueBitmap{CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, reinterpret_cast<void**>(pixels), nullptr, 0)};
-}
-
 void DrawLarge(HDC dc, int side, const TreePalette& colours) {
     const RECT all = {0, 0, side * kTreePictures, side};
     SetDCBrushColor(dc, kNothing);
@@ -159,8 +148,8 @@ HIMAGELIST TreeIconsCreate(int dpi, const ThemeChrome& chrome) {
     const int width = side * kTreePictures;
     std::uint32_t* large = nullptr;
     std::uint32_t* small = nullptr;
-    const UniqueBitmap drawn = NewPixels(width * kSamples, side * kSamples, &large);
-    const UniqueBitmap shown = NewPixels(width, side, &small);
+    const UniqueBitmap drawn = PixelsNew(width * kSamples, side * kSamples, &large);
+    const UniqueBitmap shown = PixelsNew(width, side, &small);
     const UniqueMemoryDc dc{CreateCompatibleDC(nullptr)};
     const HIMAGELIST list = ImageList_Create(side, side, ILC_COLOR32, kTreePictures, 0);
     if (!drawn || !shown || !dc || list == nullptr) return list;

@@ -21,6 +21,7 @@
 #include "ui/progress.h"
 #include "ui/redraw.h"
 #include "ui/subclass.h"
+#include "ui/window_class.h"
 
 #include <commctrl.h>
 #include <windowsx.h>
@@ -445,13 +446,7 @@ bool MakeChildren() {
 }  // namespace
 
 HWND FilesPaneCreate(HWND parent, int controlId) {
-    WNDCLASSEXW description = {};
-    description.cbSize = sizeof(description);
-    description.lpfnWndProc = FilesPaneProc;
-    description.hInstance = g_ui.hInstance;
-    description.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));  // IDC_ARROW
-    description.lpszClassName = kClass;
-    if (RegisterClassExW(&description) == 0 && GetLastError() != ERROR_CLASS_ALREADY_EXISTS) return nullptr;
+    if (!WindowClassRegister({.name = kClass, .procedure = FilesPaneProc})) return nullptr;
     g_filesPane.pane =
         CreateWindowExW(WS_EX_CONTROLPARENT, kClass, L"", WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0, 0, 0,
                         parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_ui.hInstance, nullptr);

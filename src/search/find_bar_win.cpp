@@ -19,6 +19,7 @@
 #include "ui/fonts.h"
 #include "ui/paint.h"
 #include "ui/ui_state.h"
+#include "ui/window_class.h"
 #include "ui/window_text.h"
 
 #include <commctrl.h>
@@ -221,19 +222,11 @@ LRESULT CALLBACK FindBarProc(HWND bar, UINT message, WPARAM wParam, LPARAM lPara
 }
 
 bool CreateBar() {
-    static const ATOM registered = [] {
-        WNDCLASSEXW description = {};
-        description.cbSize = sizeof description;
-        description.lpfnWndProc = FindBarProc;
-        description.hInstance = g_ui.hInstance;
-        description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-        description.lpszClassName = kBarClass;
-        return RegisterClassExW(&description);
-    }();
+    static const bool registered = WindowClassRegister({.name = kBarClass, .procedure = FindBarProc});
     g_search.hFindBar =
         CreateWindowExW(WS_EX_CONTROLPARENT, kBarClass, Text(L"Search"), WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS,
                         0, 0, 0, 0, g_ui.hMainWnd, reinterpret_cast<HMENU>(IDC_FIND_BAR), g_ui.hInstance, nullptr);
-    if (registered == 0 || g_search.hFindBar == nullptr) {
+    if (!registered || g_search.hFindBar == nullptr) {
         AppLogMsg(L"FAIL: FindBarShow error=%lu", GetLastError());
         return false;
     }

@@ -9,6 +9,7 @@
 #include "ui/form_layout.h"
 #include "ui/paint.h"
 #include "ui/ui_state.h"
+#include "ui/window_class.h"
 #include "ui/window_text.h"
 
 #include <algorithm>
@@ -235,16 +236,6 @@ void MakeItemsInView(SettingsDialog& dialog, std::size_t page, const FormPlan& p
         if (dialog.pages[page].items[i].shown && plan.rows[i].field.top < end) MakeItemsTo(dialog, page, i);
 }
 
-void RegisterPageClass(HINSTANCE instance) {
-    WNDCLASSEXW window = {};
-    window.cbSize = sizeof(window);
-    window.lpfnWndProc = SettingsPageProc;
-    window.hInstance = instance;
-    window.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-    window.lpszClassName = kPageClass;
-    RegisterClassExW(&window);  // fails when it was registered before
-}
-
 }  // namespace
 
 COLORREF SettingsNoteColour(NoteKind kind) {
@@ -270,7 +261,7 @@ SIZE SettingsTextSize(const SettingsDialog& dialog, const std::wstring& text, in
 bool SettingsPageMake(SettingsDialog& dialog, std::size_t page) {
     PageWindow& target = dialog.pages[page];
     if (target.window != nullptr) return true;
-    RegisterPageClass(g_ui.hInstance);
+    WindowClassRegister({.name = kPageClass, .procedure = SettingsPageProc});
     target.window = CreateWindowExW(WS_EX_CONTROLPARENT, kPageClass, SettingsPages()[page].title,
                                     WS_CHILD | WS_CLIPCHILDREN | WS_VSCROLL, 0, 0, 0, 0, dialog.window,
                                     reinterpret_cast<HMENU>(IDC_SETTINGS_PAGE_FIRST + static_cast<INT_PTR>(page)),

@@ -19,6 +19,7 @@
 #include "ui/redraw.h"
 #include "ui/subclass.h"
 #include "ui/ui_state.h"
+#include "ui/window_class.h"
 
 #include <commctrl.h>
 
@@ -227,13 +228,7 @@ bool MakeChildren() {
 }  // namespace
 
 HWND OutlinePaneCreate(HWND parent, int controlId) {
-    WNDCLASSEXW description = {};
-    description.cbSize = sizeof(description);
-    description.lpfnWndProc = OutlineProc;
-    description.hInstance = g_ui.hInstance;
-    description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-    description.lpszClassName = kClass;
-    if (RegisterClassExW(&description) == 0 && GetLastError() != ERROR_CLASS_ALREADY_EXISTS) return nullptr;
+    if (!WindowClassRegister({.name = kClass, .procedure = OutlineProc})) return nullptr;
     g_outline.pane =
         CreateWindowExW(WS_EX_CONTROLPARENT, kClass, L"", WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0, 0, 0,
                         parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(controlId)), g_ui.hInstance, nullptr);

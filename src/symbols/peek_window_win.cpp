@@ -18,6 +18,7 @@
 #include "ui/list_view.h"
 #include "ui/paint.h"
 #include "ui/subclass.h"
+#include "ui/window_class.h"
 
 #include <windowsx.h>
 
@@ -323,13 +324,7 @@ bool MakePeekChildren() {
 
 bool MakePeek() {
     if (g_peek.window != nullptr) return true;
-    WNDCLASSEXW description = {};
-    description.cbSize = sizeof(description);
-    description.lpfnWndProc = PeekProc;
-    description.hInstance = g_ui.hInstance;
-    description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-    description.lpszClassName = kClass;
-    if (RegisterClassExW(&description) == 0 && GetLastError() != ERROR_CLASS_ALREADY_EXISTS) return false;
+    if (!WindowClassRegister({.name = kClass, .procedure = PeekProc})) return false;
     g_peek.window =
         CreateWindowExW(WS_EX_CONTROLPARENT, kClass, L"", WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, 0, 0, 0, 0,
                         g_ui.hMainWnd, reinterpret_cast<HMENU>(INT_PTR{IDC_PEEK}), g_ui.hInstance, nullptr);

@@ -15,6 +15,7 @@
 #include "ui/fonts.h"
 #include "ui/paint.h"
 #include "ui/ui_state.h"
+#include "ui/window_class.h"
 
 #include <algorithm>
 #include <iterator>
@@ -145,16 +146,6 @@ LRESULT CALLBACK FrameProc(HWND frame, UINT message, WPARAM wParam, LPARAM lPara
     }
 }
 
-bool RegisterFrame() {
-    WNDCLASSEXW description = {};
-    description.cbSize = sizeof(description);
-    description.lpfnWndProc = FrameProc;
-    description.hInstance = g_ui.hInstance;
-    description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-    description.lpszClassName = kFrameClass;
-    return RegisterClassExW(&description) != 0 || GetLastError() == ERROR_CLASS_ALREADY_EXISTS;
-}
-
 // In the middle of the frame's upper half, below the tabs.
 RECT PlaceOfList() {
     RECT client = {}, tabs = {};
@@ -174,7 +165,7 @@ void ShowList() {
     g_switch.focusBefore = GetFocus();
     const RECT place = PlaceOfList();
     const int width = place.right - place.left, height = place.bottom - place.top;
-    if (RegisterFrame())
+    if (WindowClassRegister({.name = kFrameClass, .procedure = FrameProc}))
         g_switch.frame =
             CreateWindowExW(WS_EX_CONTROLPARENT, kFrameClass, Text(L"Tabs"),
                             WS_CHILD | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, place.left, place.top, width, height,

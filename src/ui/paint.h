@@ -6,6 +6,7 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <span>
 
 // Answers WM_PAINT. What is drawn on Dc(), in the window's coordinates, is copied to the screen at the end of the scope.
@@ -40,6 +41,9 @@ void DrawStrokes(HDC dc, std::span<const POINT[2]> lines, COLORREF colour, int w
 void DrawPolyline(HDC dc, std::span<const POINT> points, COLORREF colour, int width);
 // A triangle that points down, in the middle of the last `width` pixels of the area.
 void DrawDropArrow(HDC dc, const RECT& area, int width, COLORREF colour);
+
+// A picture of 32 bits for each pixel, top row first; `pixels` lives as long as it. Null without memory.
+UniqueBitmap PixelsNew(int width, int height, std::uint32_t** pixels);
 
 // Mixes the colours: `percentOfB` per cent of `b`, the rest of `a`.
 COLORREF MixColours(COLORREF a, COLORREF b, int percentOfB);

@@ -96,6 +96,17 @@ void DrawDropArrow(HDC dc, const RECT& area, int width, COLORREF colour) {
     DrawTriangle(dc, {{middle - arm, top}, {middle + arm, top}, {middle, top + arm}}, colour);
 }
 
+UniqueBitmap PixelsNew(int width, int height, std::uint32_t** pixels) {
+    BITMAPINFO info = {};
+    info.bmiHeader = {.biSize = sizeof(BITMAPINFOHEADER),
+                      .biWidth = width,
+                      .biHeight = -height,
+                      .biPlanes = 1,
+                      .biBitCount = 32,
+                      .biCompression = BI_RGB};
+    return UniqueBitmap{CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, reinterpret_cast<void**>(pixels), nullptr, 0)};
+}
+
 COLORREF MixColours(COLORREF a, COLORREF b, int percentOfB) {
     const auto part = [=](int shift) {
         const int first = static_cast<int>(a >> shift & 0xFF), second = static_cast<int>(b >> shift & 0xFF);

@@ -2,6 +2,7 @@
 #include "ui/severity_paint.h"
 
 #include "base/handles.h"
+#include "ui/paint.h"
 #include "ui/severity_sign.h"
 
 #include <cstdint>
@@ -10,17 +11,11 @@
 void DrawSeveritySign(HDC dc, POINT at, int size, bool error, COLORREF colour, COLORREF inside) {
     size |= 1;  // it has a middle pixel
     const std::vector<std::uint8_t> sign = SeveritySign(size, error, ThemeColorRef(colour), ThemeColorRef(inside));
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof(info.bmiHeader);
-    info.bmiHeader.biWidth = size;
-    info.bmiHeader.biHeight = -size;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
-    void* bits = nullptr;
-    const UniqueBitmap bitmap(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+    std::uint32_t* pixels = nullptr;
+    const UniqueBitmap bitmap = PixelsNew(size, size, &pixels);
     const UniqueMemoryDc memory(CreateCompatibleDC(dc));
     if (!bitmap || !memory) return;
-    auto* pixel = static_cast<std::uint8_t*>(bits);
+    auto* pixel = reinterpret_cast<std::uint8_t*>(pixels);
     for (std::size_t i = 0; i < sign.size(); i += 4) {  // red, green, blue, opacity to multiplied blue, green, red
         for (const std::size_t channel : {2u, 1u, 0u})
             *pixel++ = static_cast<std::uint8_t>(sign[i + channel] * sign[i + 3] / 255);
