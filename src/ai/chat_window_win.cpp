@@ -6,6 +6,7 @@
 #include "base/texts.h"
 #include "documents/document_row.h"
 #include "resources/ids.h"
+#include "ui/accessible.h"
 #include "ui/menu.h"
 #include "ui/rich_lines.h"
 #include "ui/rich_size.h"
@@ -96,6 +97,7 @@ void ChatWindowInit(HWND chat) {
     if (chat == nullptr) return;
     RichSizeKeepsEnd(chat);
     SubclassAdd(chat, ChatWindowProc);
+    AccessibleNameSet(chat, Text(L"AI Chat"));  // again after the pane was replaced
     SendMessageW(chat, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
     SendMessageW(chat, EM_SETUNDOLIMIT, 0, 0);
 }

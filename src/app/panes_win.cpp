@@ -59,7 +59,11 @@ void ApplyTerminalTheme() {
 
 void FocusTerminal() { SetFocus(g_app.hTerminal); }  // it was opened to type a command
 
-HWND CreateAsmPane(HWND parent, int controlId) { return RichPaneCreate(parent, controlId, Text(kAsmGreeting), false); }
+HWND CreateAsmPane(HWND parent, int controlId) {
+    const HWND pane = RichPaneCreate(parent, controlId, Text(kAsmGreeting), false);
+    AsmPaneInit(pane);
+    return pane;
+}
 
 void ApplyAsmTheme() {
     AsmPaneApplyTheme();

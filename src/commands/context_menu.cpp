@@ -59,6 +59,11 @@ constexpr ContextItem kOutputItems[] = {
     {IDM_OUTPUT_CLEAR, English(L"C&lear")},
 };
 
+constexpr ContextItem kListingItems[] = {
+    {IDM_EDIT_COPY, English(L"&Copy")},
+    {IDM_EDIT_SELECT_ALL, English(L"Select &All")},
+};
+
 constexpr ContextItem kErrorItems[] = {
     {IDM_ERROR_SOURCE, English(L"&Go to Source"), true},
     {IDM_ERROR_NEXT, English(L"&Next Error")},
@@ -78,6 +83,7 @@ std::span<const ContextItem> ContextItemsOf(ContextPlace place) {
         case ContextPlace::Text: return kTextItems;
         case ContextPlace::Margin: return kMarginItems;
         case ContextPlace::Output: return kOutputItems;
+        case ContextPlace::Listing: return kListingItems;
         case ContextPlace::Errors: break;
     }
     return kErrorItems;

@@ -1,11 +1,12 @@
-// The context menus of the editor, its margin, the output pane and the error list: which commands they offer. Pure.
+// The context menus of the editor, its margin, the output pane, the error list and the ASM pane: which commands they
+// offer. Pure.
 #pragma once
 
 #include <cstdint>
 #include <span>
 #include <vector>
 
-enum class ContextPlace : std::uint8_t { Text, Margin, Output, Errors };
+enum class ContextPlace : std::uint8_t { Text, Margin, Output, Errors, Listing };
 
 struct ContextItem {
     int command = 0;                // 0: a separator

@@ -1,4 +1,4 @@
-// Shows the context menus of the editor, its margin, the output pane and the error list. UI thread only.
+// Shows the context menus of the editor, its margin, the output pane, the error list and the ASM pane. UI thread only.
 #include "commands/context_menus.h"
 
 #include "ai/ai_rules.h"
@@ -7,6 +7,7 @@
 #include "commands/menu_commands.h"
 #include "completion/completion.h"
 #include "completion/tips.h"
+#include "disasm/disasm_state.h"
 #include "documents/document_row.h"
 #include "editor/margins.h"
 #include "output/output_pane.h"
@@ -110,6 +111,7 @@ std::optional<ContextPlace> PlaceOf(HWND window) {
     if (window == g_documents.hEditor) return ContextPlace::Text;
     if (window == g_output.hOutput) return ContextPlace::Output;
     if (window == g_output.hErrorList) return ContextPlace::Errors;
+    if (window == g_disasm.hAsmPane) return ContextPlace::Listing;
     return {};
 }
 

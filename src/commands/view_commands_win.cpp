@@ -95,7 +95,7 @@ void FocusPaneBeside(int command) {
     const std::size_t step = command == IDM_NEXT_PANE ? 1 : stops.size() - 1;
     const HWND next = stops[(at + step) % stops.size()];
     if (next == g_documents.hEditor)
-        FocusCurrentEditor();
+        FocusEditorFromPane();
     else
         SetFocus(next);
 }

@@ -173,7 +173,7 @@ void OnTerminalEscape(HWND window) {
     } else if (g_terminal.commandRuns || StageIsProgram()) {
         PostMessageW(g_ui.hMainWnd, WM_COMMAND, IDM_BUILD_STOP, 0);
     } else {
-        FocusCurrentEditor();
+        FocusEditorFromPane();
     }
 }
 

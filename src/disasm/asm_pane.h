@@ -3,8 +3,11 @@
 
 #include "disasm/asm_feed.h"
 
+#include <windows.h>
+
 #include <string>
 
+void AsmPaneInit(HWND pane);  // its keys and menu, and its name for screen readers
 // AsmPaneLoad fills the pane only while it is shown.
 void AsmPaneClear();
 void AsmPaneLoad(const wchar_t* source, const wchar_t* listing);

@@ -14,10 +14,13 @@
 #include "output/show_timer.h"
 #include "resources/ids.h"
 #include "scintilla/sci.h"
+#include "ui/accessible.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
 #include "ui/panes.h"
 #include "ui/rich_lines.h"
+#include "ui/subclass.h"
+#include "ui/ui_state.h"
 
 #include <richedit.h>
 
@@ -108,6 +111,13 @@ int WidthFor(int characters) {
     return characters * UiSizes().fixedWidth + 2 * UiScaled(kSideMargin) + GetSystemMetrics(SM_CXVSCROLL);
 }
 
+LRESULT CALLBACK AsmPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
+    if (message == WM_KEYDOWN && wParam == VK_ESCAPE) FocusEditorFromPane();
+    // The main window shows the menu.
+    if (message == WM_CONTEXTMENU) return SendMessageW(g_ui.hMainWnd, message, reinterpret_cast<WPARAM>(pane), lParam);
+    return SubclassNext(pane, message, wParam, lParam);
+}
+
 // The bytes are left out where they would push the instructions out of sight.
 bool HasRoomForBytes() {
     RECT place = {};
@@ -116,6 +126,12 @@ bool HasRoomForBytes() {
 }
 
 }  // namespace
+
+void AsmPaneInit(HWND pane) {
+    if (pane == nullptr) return;
+    SubclassAdd(pane, AsmPaneProc);
+    AccessibleNameSet(pane, L"ASM");  // again after the pane was replaced
+}
 
 int AsmPaneLeastWidth() { return WidthFor(kAsmCharacters); }
 
@@ -136,6 +152,7 @@ void AsmPaneClear() {
     if (pane != g_disasm.hAsmPane) {
         ShowTimerStart();
         g_disasm.hAsmPane = pane;
+        AsmPaneInit(pane);
         PaneApplyFontAndTheme(pane);
     }
     g_asm = {};

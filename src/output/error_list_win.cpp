@@ -28,9 +28,10 @@ constexpr ListColumn kColumns[] = {{English(L"Severity"), 10, 7, false},
                                    {English(L"Column"), 8, 6, false}};
 static_assert(std::size(kColumns) == kErrorColumnCount);
 
-bool OnErrorListKey(int, int key) {
+// Also of a list without a row.
+bool OnErrorListKey(HWND, WPARAM key) {
     if (key != VK_ESCAPE) return false;
-    FocusCurrentEditor();
+    FocusEditorFromPane();
     return true;
 }
 
@@ -42,7 +43,6 @@ void PassErrorListMenu(int, POINT at) {
 constexpr ListKind kErrorList = {.columns = kColumns,
                                  .hasMarks = true,
                                  .activate = [](int row, int) { CompilerNavigateToError(row); },
-                                 .key = OnErrorListKey,
                                  .menu = PassErrorListMenu};
 
 void FillErrorList() {
@@ -61,6 +61,7 @@ void FillErrorList() {
 
 HWND ErrorListCreate(HWND parent, int controlId) {
     if (!ListViewCreate(g_errorList.list, parent, controlId)) return nullptr;
+    g_errorList.list.handleKey = OnErrorListKey;
     ListViewApplyTheme(g_errorList.list);
     ListViewShow(g_errorList.list, kErrorList);
     FillErrorList();

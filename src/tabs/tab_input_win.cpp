@@ -168,7 +168,7 @@ bool OnStripKey(WPARAM key) {
         case VK_RETURN:
         case VK_SPACE:
         case VK_DOWN:
-        case VK_ESCAPE: FocusCurrentEditor(); return true;
+        case VK_ESCAPE: FocusEditorFromPane(); return true;
         default: return false;
     }
 }

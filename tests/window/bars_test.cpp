@@ -300,15 +300,19 @@ TEST(Bars, EscShowsWhatTheNextKeyReplaces) {
     std::string text;
     for (int i = 0; i < 300; ++i) text += "line\r\n";
     Editor editor(folder, OpenArgument(folder.Write(L"long.txt", text)));
+    for (const int command : {IDM_VIEW_ERROR_LIST, IDM_VIEW_ASM, IDM_VIEW_TERMINAL}) editor.Do(command);
     editor.Foreground();
-    editor.Sci(SCI_SETSEL, 0, 4);
-    editor.Keys({VK_F6});
-    ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Child(IDC_OUTPUT); }));
-    editor.Sci(SCI_SETFIRSTVISIBLELINE, 200);
-    editor.Keys({VK_ESCAPE});
-    ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
-    EXPECT_TRUE(WaitFor([&] { return editor.Sci(SCI_GETFIRSTVISIBLELINE) == 0; }));
-    EXPECT_EQ(editor.Sci(SCI_GETSELECTIONEND), 4) << "and stays selected";
+    editor.Sci(SCI_GRABFOCUS);
+    for (const int pane : {IDC_OUTPUT, IDC_ERROR_LIST, IDC_ASM, IDC_TERMINAL, IDC_TABS}) {
+        SCOPED_TRACE(pane);
+        editor.Sci(SCI_SETSEL, 0, 4);
+        WalkBackTo(editor, pane);
+        editor.Sci(SCI_SETFIRSTVISIBLELINE, 200);
+        editor.Keys({VK_ESCAPE});
+        ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
+        EXPECT_TRUE(WaitFor([&] { return editor.Sci(SCI_GETFIRSTVISIBLELINE) == 0; }));
+        EXPECT_EQ(editor.Sci(SCI_GETSELECTIONEND), 4) << "and stays selected";
+    }
     // A caret alone that is out of sight stays where it is, with the view.
     editor.Sci(SCI_GOTOPOS, 0);
     editor.Sci(SCI_SETFIRSTVISIBLELINE, 200);

@@ -1,4 +1,4 @@
-// The context menus of the editor, its margin, the output pane and the error list, by mouse and by keys.
+// The context menus of the editor, its margin, the output pane, the error list and the ASM pane, by mouse and by keys.
 #include "build_driver.h"
 
 #include "editor/margins.h"
@@ -84,6 +84,14 @@ TEST(ContextMenus, OfOutputAndErrorListGoToTheSourceAndCopy) {
     ASSERT_TRUE(session.FocusOn(IDC_ERROR_LIST, 50)) << "no double-click";
     session.Choose([&] { editor.Keys({VK_APPS}); }, 'C');
     EXPECT_TRUE(WaitFor([&] { return ClipboardText().find(L"\tw\t") != std::wstring::npos; }));
+
+    // The text of a pane that has no source to go to is copied as well.
+    editor.Do(IDM_VIEW_ASM);
+    ASSERT_TRUE(session.FocusOn(IDC_ASM));
+    session.Choose([&] { editor.Click(editor.Child(IDC_ASM), {40, 30}, MOUSEEVENTF_RIGHTDOWN); }, 'A');
+    session.Choose([&] { editor.Keys({VK_SHIFT, VK_F10}); }, 'C');
+    const std::wstring listing = editor.TextOf(editor.Child(IDC_ASM));
+    EXPECT_TRUE(WaitFor([&] { return ClipboardText() == listing; })) << Utf8(ClipboardText());
 
     ASSERT_TRUE(session.FocusOn(IDC_OUTPUT));
     session.Choose([&] { editor.Keys({VK_APPS}); }, 'L');
