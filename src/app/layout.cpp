@@ -19,6 +19,7 @@ constexpr int kLeastDebugHeight = 190;    // of the bottom right: a row of tabs,
 constexpr int kMinimumLeftHeight = 80;    // of each pane of the left
 constexpr int kMinimumListHeight = 40;    // of the error list
 constexpr int kLeastOutputHeight = 116;   // of the output above the error list: its title and five rows
+constexpr int kLeastResultsHeight = 220;  // of the bottom with results beside the output: title, buttons, eight rows
 constexpr int kLeastListHeight = 148;     // of the error list below it: title, header, four rows, scroll bar
 constexpr int kMaximumListHeight = 2000;
 constexpr int kMaximumSecond = 4000;
@@ -117,8 +118,9 @@ bool IsUnchosenSplit(const LayoutInput& input, const PaneRect& document) {
     return std::abs(input.outputSplit - PositionAt(kFirstOutputRatio, document.top, document.bottom)) <= 1;
 }
 
-// The same for the bottom while the error list is in it. Rows of a fixed height, as the terminal, come on top.
+// The same for the bottom while results or the error list are in it. Rows of a fixed height, as the terminal, come on top.
 int LowestListTop(const LayoutInput& input, const PaneRect& document) {
+    const bool results = PanesIn(input, PaneArea::Bottom) > 1;
     int height = 0;
     bool list = false;
     for (const PaneWish& pane : input.panes) {
@@ -126,8 +128,8 @@ int LowestListTop(const LayoutInput& input, const PaneRect& document) {
         list = list || pane.hasBar;
         height += pane.hasBar ? ScaledTo(kLeastListHeight, input.dpi) : pane.height;
     }
-    if (!list) return document.bottom;
-    height += ScaledTo(kLeastOutputHeight, input.dpi) + kSplitterThickness;
+    if (!list && !results) return document.bottom;
+    height += ScaledTo(results ? kLeastResultsHeight : kLeastOutputHeight, input.dpi) + kSplitterThickness;
     return document.bottom - std::min(height, document.height() / 2);
 }
 

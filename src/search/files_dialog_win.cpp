@@ -75,7 +75,9 @@ FilesOptions ReadFields() {
 
 // Switches the fields that mean something with the options as they are.
 void EnableFields() {
-    const FilesOptions options = ReadFields();
+    FilesOptions options = ReadFields();
+    const bool chosenNow = options.scope == FilesScope::Folder && IsWindowEnabled(Control(IDC_FILES_FOLDER)) == FALSE;
+    if (chosenNow && options.folder.empty()) options.folder = FilesFolderWanted({.scope = FilesScope::Project});
     const auto enable = [](int control, bool on) { EnableWindow(Control(control), on ? TRUE : FALSE); };
     const bool walks = options.scope != FilesScope::OpenDocuments;
     enable(IDC_FILES_WITH, options.replacing);

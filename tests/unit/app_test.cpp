@@ -257,6 +257,9 @@ TEST(Layout, OutputAndErrorListKeepSomeRowsEach) {
     EXPECT_EQ(SplitterValueOf(layout, Splitter::Output, 96), layout.outputSplitter.top) << "where a drag begins";
     input.outputSplit = 640;
     EXPECT_EQ(ComputePaneLayout(input).outputSplitter.top, 640) << "the user has put it there";
+    LayoutInput results = InputOf(1000, 700, 4 | 512, 96);
+    results.outputSplit = PositionAt(kFirstOutputRatio, 28, 700);
+    EXPECT_GE(ComputePaneLayout(results).pane(PaneId::FilesResults).height(), 34 + 8 * 19) << "with its buttons";
     input.outputSplit = PositionAt(kFirstOutputRatio, 28, 300);
     input.clientHeight = 300;
     EXPECT_GE(ComputePaneLayout(input).editor.height(), 60) << "the editor keeps its half of a small window";

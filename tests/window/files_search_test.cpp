@@ -27,6 +27,9 @@ struct FilesSearch {
         };
         editor.Send(GetDlgItem(dialog, IDC_FILES_SCOPE), CB_SETCURSEL, folder.empty() ? 1 : 2);
         editor.Send(dialog, WM_COMMAND, MAKEWPARAM(IDC_FILES_SCOPE, CBN_SELCHANGE));
+        const bool hasFile = editor.TabLabel(editor.ActiveTab()).find(L'.') != std::wstring::npos;
+        if (!folder.empty() && hasFile)
+            EXPECT_NE(editor.TextOf(GetDlgItem(dialog, IDC_FILES_FOLDER)), L"") << "the folder of the project";
         set(IDC_FILES_WHAT, what);
         set(IDC_FILES_WITH, with);
         set(IDC_FILES_FOLDER, folder);
