@@ -231,6 +231,7 @@ void StatusBarLayout(int width) {
 
 void StatusBarApplyTheme() {
     SendMessageW(g_commands.hStatusBar, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
+    StatusFieldsApplyTheme();
     MeasureStatusParts();
     ShareStatusWidth();
 }

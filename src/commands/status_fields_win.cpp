@@ -176,3 +176,5 @@ bool StatusFieldsTake(HWND bar, UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 int StatusFieldWithKeyboard() { return g_input.keyboard; }
+
+void StatusFieldsApplyTheme() { TooltipApplyTheme(g_input.tip); }

@@ -8,3 +8,4 @@
 // A message of the bar's window. True when it was handled.
 bool StatusFieldsTake(HWND bar, UINT message, WPARAM wParam, LPARAM lParam);
 int StatusFieldWithKeyboard();  // the part that the keys act on; -1 while the bar has not the keyboard
+void StatusFieldsApplyTheme();  // to the tooltip, if there is one

@@ -10,6 +10,7 @@
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
+#include "ui/dpi.h"
 #include "ui/menu.h"
 #include "ui/paint.h"
 #include "ui/ui_state.h"
@@ -18,6 +19,8 @@
 #include <vector>
 
 namespace {
+
+constexpr int kMenuPicture = 16;  // at 96 dpi
 
 // The main window is the owner, because it handles WM_INITMENUPOPUP and sets the states of the commands there.
 void ShowMenuBelow(HWND bar, const RECT& button, std::span<const MenuItem> items, UINT side) {
@@ -80,8 +83,7 @@ void ToolbarShowHiddenMenu(HWND bar, const RECT& button, std::span<const HiddenB
         pictures.emplace_back();
         // A command with a check mark gets no picture, because the mark takes its place.
         if (hidden.command != 0 && !hidden.showsState)
-            pictures.back().Reset(
-                ToolbarPicture(hidden.icon, GetSystemMetrics(SM_CXMENUCHECK), inks, PictureUse::Menu));
+            pictures.back().Reset(ToolbarPicture(hidden.icon, UiScaled(kMenuPicture), inks, PictureUse::Menu));
     }
     std::vector<MenuItem> items;
     for (std::size_t i = 0; i < buttons.size(); ++i)

@@ -37,9 +37,10 @@ LRESULT CALLBACK AddressProc(HWND box, UINT message, WPARAM wParam, LPARAM lPara
 }  // namespace
 
 HWND PaneAddressCreate(HWND parent) {
+    // Not WS_BORDER: a field takes that from its style and paints the border, and would pass for one without a frame.
     const HWND box = CreateWindowExW(
-        0, WC_EDITW, nullptr, WS_CHILD | WS_CLIPSIBLINGS | WS_TABSTOP | WS_BORDER | ES_AUTOHSCROLL, 0, 0, 0, 0, parent,
-        reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_DEBUG_ADDRESS)), g_ui.hInstance, nullptr);
+        WS_EX_CLIENTEDGE, WC_EDITW, nullptr, WS_CHILD | WS_CLIPSIBLINGS | WS_TABSTOP | ES_AUTOHSCROLL, 0, 0, 0, 0,
+        parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_DEBUG_ADDRESS)), g_ui.hInstance, nullptr);
     if (box != nullptr) SubclassAdd(box, AddressProc);
     return box;
 }

@@ -277,9 +277,10 @@ void ScrollBarsApplyTheme(HWND window, const wchar_t* light) {
         SetWindowTheme(window, ThemeDrawsControls() ? L"DarkMode_Explorer" : light, nullptr);
 }
 
-// A tooltip with a visual style would not take the colours.
+// A tooltip with a visual style would not take the colours. The system gives it the font of the main monitor.
 void TooltipApplyTheme(HWND tooltip) {
     if (tooltip == nullptr) return;
+    SendMessageW(tooltip, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
     const ThemeChrome& chrome = ThemeCurrentChrome();
     const bool dark = ThemeDrawsControls();
     SetWindowTheme(tooltip, dark ? L"" : nullptr, dark ? L"" : nullptr);

@@ -52,7 +52,6 @@ void ShowProblemBelow(std::wstring problem) {
     if (g_edit.tip == nullptr) return;
     TTTOOLINFOW tool = ToolOfProblem(problem);
     TooltipApplyTheme(g_edit.tip);
-    SendMessageW(g_edit.tip, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
     SendMessageW(g_edit.tip, TTM_SETMAXTIPWIDTH, 0, UiScaled(kTipWidth));
     SendMessageW(g_edit.tip, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
     RECT field = {};

@@ -1,5 +1,5 @@
 // Whether every text on the screen can be read, in both themes. The frame is on a scale of 200 %; dialogs come on the
-// scale of the system. Boxes that need more than a command to come are measured where they are tested.
+// scale of the system. What needs more than a command to come is measured in contrast_boxes_test.cpp.
 #include "debug_driver.h"
 #include "readable.h"
 #include "support/text_contrast.h"
@@ -141,8 +141,7 @@ TEST_P(Contrast, TheListsOfTheDebuggerCanBeRead) {
     session.Select(kWatches);
     session.AddWatch(L"RSP");
     session.editor.Do(IDM_DEBUG_STEP_OVER);  // some values are new now
-    // Not memory and disassembly: the hint in their field for addresses is too pale in the light theme under Wine.
-    for (const Tab tab : {kBreakpoints, kStack, kRegisters, kLocals, kWatches, kThreads}) {
+    for (const Tab tab : {kBreakpoints, kStack, kRegisters, kLocals, kWatches, kMemory, kThreads, kDisassembly}) {
         session.Select(tab);
         const std::string where = "view " + std::to_string(tab);
         EXPECT_GT(ExpectTextsReadable(session.editor, where, session.editor.main, kScaledLine), 20) << where;

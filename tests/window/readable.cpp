@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
+#include <map>
 #include <utility>
 #include <vector>
 
@@ -122,18 +124,41 @@ int ExpectTextsReadable(const Editor& editor, const std::string& where, HWND win
     return static_cast<int>(words.size());
 }
 
-HWND AwaitPopup(const Editor& editor, const std::wstring& kind) {
-    HWND found = nullptr;
-    const auto look = [&] {
-        for (HWND window = nullptr; (window = FindWindowExW(nullptr, window, kind.c_str(), nullptr)) != nullptr;) {
-            DWORD owner = 0;
-            GetWindowThreadProcessId(window, &owner);
-            if (owner == editor.pid && IsWindowVisible(window) != FALSE) found = window;
-        }
-        return found != nullptr;
+DrawnPart MeasurePicture(HWND window, const RECT& area) {
+    const Picture picture = PictureAtRest(window);
+    std::map<Rgb, int> colours;
+    const auto each = [&](const auto& take) {
+        for (LONG y = std::max(area.top, 0L); y < std::min<LONG>(area.bottom, picture.height); ++y)
+            for (LONG x = std::max(area.left, 0L); x < std::min<LONG>(area.right, picture.width); ++x)
+                take(picture.At(static_cast<int>(x), static_cast<int>(y)));
     };
-    EXPECT_TRUE(WaitFor(look)) << Utf8(kind) << " does not come\n" << editor.Describe();
-    return found;
+    each([&](Rgb colour) { ++colours[colour]; });
+    if (colours.empty()) return {};
+    const Rgb ground = std::ranges::max_element(colours, {}, [](const auto& entry) { return entry.second; })->first;
+    std::vector<double> drawn;
+    int all = 0;
+    each([&](Rgb colour) {
+        ++all;
+        if (colour != ground) drawn.push_back(ThemeContrast(colour, ground));
+    });
+    if (drawn.empty()) return {};
+    std::ranges::sort(drawn, std::greater());
+    return {drawn[drawn.size() / 10], static_cast<double>(drawn.size()) / all};
+}
+
+HWND FindPopup(const Editor& editor, const std::wstring& kind) {
+    for (HWND window = nullptr; (window = FindWindowExW(nullptr, window, kind.c_str(), nullptr)) != nullptr;) {
+        DWORD owner = 0;
+        GetWindowThreadProcessId(window, &owner);
+        if (owner == editor.pid && IsWindowVisible(window) != FALSE) return window;
+    }
+    return nullptr;
+}
+
+HWND AwaitPopup(const Editor& editor, const std::wstring& kind) {
+    EXPECT_TRUE(WaitFor([&] { return FindPopup(editor, kind) != nullptr; })) << Utf8(kind) << " does not come\n"
+                                                                             << editor.Describe();
+    return FindPopup(editor, kind);
 }
 
 HWND AwaitMenuWindow(const Editor& editor) { return AwaitPopup(editor, kMenuClass); }

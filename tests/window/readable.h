@@ -12,6 +12,17 @@ inline constexpr int kScaledLine = 34, kPlainLine = 17;
 // at least about three quarters of it. Returns how many words were found.
 int ExpectTextsReadable(const Editor& editor, const std::string& where, HWND window, int line = kPlainLine);
 
-// The visible window of the program with this class, which no other window owns as a child; null after a failure.
+// The contrast that a picture without a text beside it needs to its ground.
+inline constexpr double kVisibleContrast = 3.0;
+// The contrast that a tenth of what is drawn in an area of the window's client area has to the ground there. `full`:
+// the part of the area that is drawn on, 0..1; 0 when nothing is.
+struct DrawnPart {
+    double contrast = 0, full = 0;
+};
+DrawnPart MeasurePicture(HWND window, const RECT& area);
+
+// A visible window of the program with this class, which no other window owns as a child; null when there is none.
+HWND FindPopup(const Editor& editor, const std::wstring& kind);
+// The same once it is there; null after a failure.
 HWND AwaitPopup(const Editor& editor, const std::wstring& kind);
 HWND AwaitMenuWindow(const Editor& editor);
