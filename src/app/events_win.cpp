@@ -162,7 +162,10 @@ void MainWnd_ConnectEvents() {
     g_events.textLeaving = OnTextLeaving;
     g_events.textArrived = OnTextArrived;
     g_events.documentNotice = OnDocumentNotice;
-    g_events.markerRenewed = BreakpointsOnMarkerRenewed;
+    g_events.markerRenewed = [](DocumentId document, int before, int after) {
+        BreakpointsOnMarkerRenewed(document, before, after);
+        DebugOnMarkerRenewed(document, before, after);
+    };
     g_events.fileRenamed = OnFileRenamed;
     g_events.variableAsked = SymbolsOnVariableAsked;
     g_events.folderChosen = ProjectTreeOfferRoot;

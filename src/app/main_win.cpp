@@ -11,6 +11,7 @@
 #include "commands/command_table.h"
 #include "commands/quick_open.h"
 #include "compile/build.h"
+#include "compile/held_console.h"
 #include "documents/file_work.h"
 #include "files/file_io.h"
 #include "files/libraries.h"
@@ -221,6 +222,7 @@ int RunMessageLoop() {
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR commandLine, int showCommand) {
     const bool limited = LibrariesLimitSearch();
+    if (const auto held = HeldProgramOf(GetCommandLineW())) return HoldConsole(*held);
     g_app.hInstance = instance;
     ParseCommandLineEarly(commandLine);
     if (g_testMode) return RunTestMode(g_testModule.c_str());

@@ -99,6 +99,7 @@ CommandView CurrentCommandView() {
     view.tabWidth = settings.tabWidth;
     view.tabKeyInsertsTab = settings.useTabs != 0;
     view.stepsFollow = settings.stepsFollowProgram != 0;
+    view.keepsConsole = settings.keepConsoleOpen != 0;
     view.theme = ThemeChosenDark() ? 1 : 0;
     view.style = settings.editorStylePreset;
     view.compiler = static_cast<int>(CompilerNow());

@@ -173,6 +173,7 @@ constexpr CommandRow kCommands[] = {
     {IDM_BUILD_STOP, kBuilding},
     {IDM_BUILD_CLEAN, kCanBuild | kIdle},
     {IDM_RUN_IN_OUTPUT, kAlways},  // says why nothing can be run
+    {IDM_KEEP_CONSOLE, kAlways, [](const CommandView& v) { return v.keepsConsole; }},
     {IDM_BUILD_SYNTAX, kAlways},
     {IDM_BUILD_ALL, kAlways},
     {IDM_NEXT_COMPILER, kAlways},

@@ -48,16 +48,17 @@ struct CommandView {
     bool toolbar = false, statusBar = false;
     std::uint32_t panes = 0;  // PaneBit of the panes that are shown (ui/pane_id.h)
     bool whitespace = false, wrap = false;
-    bool stepsFollow = false;  // steps follow the program
-    bool errorTexts = false;   // diagnostics behind their lines
-    int theme = 0;             // 0 light, 1 dark
-    int style = 0;             // style preset, 0: none
-    int compiler = 0;          // CompilerId
-    int tab = -1;              // index of the active document
-    bool pinned = false;       // the active document is
-    int profile = 0;           // build profile: 0 debug, 1 release, 2 fast
-    int fileForm = -1;         // of the active document: FileForm; -1: there is none
-    int lineEnding = -1;       // LineEnding
+    bool stepsFollow = false;   // steps follow the program
+    bool keepsConsole = false;  // the console of a program stays open after its end
+    bool errorTexts = false;    // diagnostics behind their lines
+    int theme = 0;              // 0 light, 1 dark
+    int style = 0;              // style preset, 0: none
+    int compiler = 0;           // CompilerId
+    int tab = -1;               // index of the active document
+    bool pinned = false;        // the active document is
+    int profile = 0;            // build profile: 0 debug, 1 release, 2 fast
+    int fileForm = -1;          // of the active document: FileForm; -1: there is none
+    int lineEnding = -1;        // LineEnding
     int tabWidth = 0;
     bool tabKeyInsertsTab = false;
     bool operator==(const CommandView&) const = default;

@@ -157,6 +157,14 @@ void UseBuildProfile(int command) {
     g_events.statusText(FormatW(Text(L"Build profile: %s"), Text(names[profile])).c_str());
 }
 
+void ToggleKeepConsole(int) {
+    SettingsChange([](Settings& settings) { settings.keepConsoleOpen = settings.keepConsoleOpen != 0 ? 0 : 1; });
+    SettingsSave(nullptr);
+    g_events.statusText(g_settings.keepConsoleOpen != 0
+                            ? Text(L"Build & Run keeps the console open until a key is pressed")
+                            : Text(L"Build & Run lets the console close with its program"));
+}
+
 // Makes a menu command of a function that starts a compiler.
 template <void (*start)()>
 void StartUnlessRefused(int) {
@@ -177,6 +185,7 @@ constexpr CommandHandler kBuildHandlers[] = {
     {IDM_BUILD_ALL, StartUnlessRefused<BuildAllDocuments>},
     {IDM_BUILD_STOP, [](int) { StopBuild(); }},
     {IDM_RUN_IN_OUTPUT, [](int) { RunInOutputPane(); }},
+    {IDM_KEEP_CONSOLE, ToggleKeepConsole},
     {IDM_BUILD_CLEAN, [](int) { CleanProducts(); }},
     {IDM_NEXT_COMPILER, UseNextCompiler},
     {IDM_PROFILE_DEBUG, UseBuildProfile},

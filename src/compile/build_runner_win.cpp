@@ -11,6 +11,7 @@
 #include "compile/compile_state.h"
 #include "compile/products.h"
 #include "compile/program_run.h"
+#include "compile/running_programs.h"
 #include "compile/side_logs.h"
 #include "compile/staging.h"
 #include "documents/document_row.h"
@@ -25,6 +26,7 @@
 #include "output/output_pane.h"
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
+#include "ui/message.h"
 #include "ui/panes.h"
 #include "ui/ui_state.h"
 
@@ -42,7 +44,7 @@ struct BuildRunner {
     std::optional<BuildProject> project;     // whose main source it is, as it was at the start
     std::wstring which;                      // behind the status texts of results while a project is open; else empty
     std::optional<FileStamp> programBefore;  // of `output` before the compiler was started
-    bool saving = false;                     // saving the source has opened a dialog
+    bool saving = false;                     // saving the source, or a question, has opened a dialog
 };
 BuildRunner g_runner;
 
@@ -324,6 +326,23 @@ std::uint32_t CompilerToUse(const std::wstring& source, const std::optional<Buil
                                                                              : CompilerDefaultForFile(source.c_str());
 }
 
+// A program that still runs cannot be written: the user is asked whether to end it. True when it can be written, or when
+// something else than a process keeps it, which the compiler will tell.
+bool ProgramIsFree(const std::wstring& program) {
+    const std::vector<UniqueHandle> processes = ProcessesOf(program);
+    if (processes.empty()) return true;
+    const std::wstring text = TextWith(
+        L"{1} is still running, so that it cannot be built anew.\n\nEnd the program and build?", {FileNameOf(program)});
+    g_runner.saving = true;
+    const Answer answer = AskUser({.caption = Text(L"Build"),
+                                   .text = text.c_str(),
+                                   .buttons = AskButtons::YesNo,
+                                   .icon = AskIcon::Question,
+                                   .inSelftest = Answer::Yes});
+    g_runner.saving = false;
+    return answer == Answer::Yes && EndProcesses(processes, program);
+}
+
 int RefuseWithoutCompiler(std::uint32_t id) {
     wchar_t path[kPathCapacity] = {};
     CompilerPathResolved(id, path, kPathCapacity);
@@ -426,6 +445,10 @@ int BuildStart(const BuildOrder& order) {
     if (!CompilerExists(id)) return RefuseWithoutCompiler(id);
     wchar_t output[kPathCapacity] = {};
     CompilerMakeOutputPath(source.c_str(), output, kPathCapacity);
+    if (!order.syntaxOnly && !ProgramIsFree(output)) {
+        BuildApplyStep(BuildRefused(BuildRefusal::ProgramInUse, FileNameOf(output)));
+        return 0;
+    }
     // What a pre-build command prints is relative to its folder.
     OutputFeedBeginBuild({.source = source, .output = output, .workingDirectory = FolderOf(source)});
     g_runner = {

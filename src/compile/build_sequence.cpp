@@ -148,6 +148,9 @@ BuildStep BuildRefused(BuildRefusal refusal, std::wstring_view name, std::wstrin
                            kLineRed}},
                 .status = Text(L"Build cancelled"),
                 .clearsPane = true};
+        case BuildRefusal::ProgramInUse:
+            return {.lines = {{TextWith(L"Not built: {1} is still running. End it first.\r\n", {name}), kLineRed}},
+                    .status = TextWith(L"Not built: {1} is still running", {name})};
     }
     return {};
 }

@@ -26,6 +26,7 @@ enum class BuildRefusal : std::uint8_t {
     NotSaved,
     NoCompiler,
     NoMainSource,  // of the project
+    ProgramInUse,  // a process runs the program that the build would write
 };
 
 struct BuildSituation {
@@ -79,7 +80,7 @@ struct BuildStep {
 };
 
 // The message for a refusal. `name` and `path` are the compiler's for NoCompiler, the project's and its main source's (empty:
-// it names none) for NoMainSource, and unused otherwise.
+// it names none) for NoMainSource; `name` is the program's file for ProgramInUse. They are unused otherwise.
 BuildStep BuildRefused(BuildRefusal refusal, std::wstring_view name = {}, std::wstring_view path = {});
 
 // The state of a running build.

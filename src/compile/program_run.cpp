@@ -47,10 +47,11 @@ std::wstring RunFailedText(std::uint32_t error, const std::wstring& reason) {
     return TextWith(L"Run failed (Win32 error {1}): {2}\r\n", {std::to_wstring(error), reason});
 }
 
+std::wstring ExitCodeText(std::uint32_t exitCode) {
+    return exitCode >= 0x80000000 ? L"0x" + HexText(exitCode, 8) : std::to_wstring(exitCode);
+}
+
 std::wstring ProgramEndText(const StageResult& result) {
     if (result.end == BuildEnd::Stopped) return Text(L"--- Program stopped ---\r\n");
-    // The codes of a crash are known by their hexadecimal form.
-    const bool crash = result.exitCode >= 0x80000000;
-    const std::wstring code = crash ? L"0x" + HexText(result.exitCode, 8) : std::to_wstring(result.exitCode);
-    return TextWith(L"--- Program ended (exit code {1}) ---\r\n", {code});
+    return TextWith(L"--- Program ended (exit code {1}) ---\r\n", {ExitCodeText(result.exitCode)});
 }

@@ -27,4 +27,5 @@ std::wstring ConsoleKeysText(const PeImage& program);
 std::wstring UnreadInputText();
 std::wstring RunningText(const std::wstring& program, const std::wstring& arguments);
 std::wstring RunFailedText(std::uint32_t error, const std::wstring& reason);
+std::wstring ExitCodeText(std::uint32_t exitCode);  // of a crash in hexadecimal form, by which it is known
 std::wstring ProgramEndText(const StageResult& result);

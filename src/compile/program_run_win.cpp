@@ -10,6 +10,7 @@
 #include "compile/child_process.h"
 #include "compile/compile_state.h"
 #include "compile/file_stamp.h"
+#include "compile/held_console.h"
 #include "compile/program_input.h"
 #include "compile/terminal.h"
 #include "documents/document_row.h"
@@ -18,6 +19,7 @@
 #include "output/line_colours.h"
 #include "output/output_feed.h"
 #include "output/output_pane.h"
+#include "program/image_kind.h"
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
 #include "ui/panes.h"
@@ -71,6 +73,12 @@ void SayConsoleKeys(const std::wstring& program) {
 void SetTerminalCue(const wchar_t* cue) {
     SendMessageW(g_compile.hTerminal, EM_SETCUEBANNER, TRUE, reinterpret_cast<LPARAM>(cue));
     InvalidateRect(g_compile.hTerminal, nullptr, TRUE);  // an edit field without the focus does not repaint it
+}
+
+std::wstring EditorPath() {
+    wchar_t path[kPathCapacity] = {};
+    GetModuleFileNameW(nullptr, path, kPathCapacity);
+    return path;
 }
 
 void SayRunProblem(const std::wstring& text) {
@@ -128,8 +136,14 @@ void RunBuiltProgram(const std::wstring& program) {
         return;
     }
     const ProgramStart start = StartOf(program);
-    const auto result = reinterpret_cast<INT_PTR>(ShellExecuteW(
-        g_ui.hMainWnd, L"open", program.c_str(), start.arguments.c_str(), start.folder.c_str(), SW_SHOWNORMAL));
+    const bool held = g_settings.keepConsoleOpen != 0 && ImageKindOf(program.c_str()).console;
+    const std::wstring started = held ? EditorPath() : program;
+    const std::wstring arguments =
+        held ? HeldArguments({.commandLine = ProgramCommandLine(program, start.arguments),
+                              .farewell = Text(L"Program ended (exit code {1}). Press any key to close this window.")})
+             : start.arguments;
+    const auto result = reinterpret_cast<INT_PTR>(
+        ShellExecuteW(g_ui.hMainWnd, L"open", started.c_str(), arguments.c_str(), start.folder.c_str(), SW_SHOWNORMAL));
     if (result <= 32) SayRunProblem(RunErrorLine(program, static_cast<long>(result)));
 }
 

@@ -1,10 +1,9 @@
 // Starts a program under the debugger and ends it. UI thread only.
 #include "debugger/debug_exit_trap.h"
 #include "debugger/debug_process.h"
+#include "program/image_kind.h"
 #include "program/line_map.h"
-#include "program/pe_headers.h"
 
-#include "base/handles.h"
 #include "base/log.h"
 #include "base/process_start.h"
 #include "base/system_error.h"
@@ -16,7 +15,6 @@
 #include <cwchar>
 #include <iterator>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -32,25 +30,6 @@ struct LaunchOptions {
     std::wstring folder;
 };
 LaunchOptions g_launch;
-
-struct ImageKind {
-    bool x64 = false;
-    bool console = false;
-};
-
-// Reads only the start of the file, because the stub before the headers is rarely longer than a few hundred bytes.
-ImageKind KindOf(const wchar_t* executable) {
-    constexpr DWORD kHeaderBytes = 65536;
-    constexpr std::uint16_t kPe32Plus = 0x20B, kConsole = 3;
-    UniqueHandle file(CreateFileW(PathForSystem(executable).c_str(), GENERIC_READ,
-                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
-                                  FILE_ATTRIBUTE_NORMAL, nullptr));
-    std::vector<std::uint8_t> bytes(kHeaderBytes);
-    DWORD read = 0;
-    if (!file || !ReadFile(file.Get(), bytes.data(), kHeaderBytes, &read, nullptr)) return {};
-    return {.x64 = GetPeMagic(bytes.data(), read) == kPe32Plus,
-            .console = GetPeSubsystem(bytes.data(), read) == kConsole};
-}
 
 void SayLaunchFailed(DWORD error) {
     AppLogMsg(L"FAIL: DebugStart CreateProcess error=%lu", error);
@@ -68,7 +47,7 @@ bool Launch(const wchar_t* executable, DebuggerState* state) {
         DebugSay(kDebugRed, L"[Debug] %s\n", LongProgramText(path).c_str());
         return false;
     }
-    const ImageKind kind = KindOf(executable);
+    const ImageKind kind = ImageKindOf(executable);
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
     if (kind.console) {  // its console must not take the focus, because the next key belongs to the editor

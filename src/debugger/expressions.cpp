@@ -48,6 +48,11 @@ private:
         rest_.remove_prefix(1);
         return true;
     }
+    void Close(char bracket) {
+        if (Take(bracket)) return;
+        Fail(rest_.empty() ? std::wstring(Text(L"a bracket is not closed"))
+                           : TextWith(L"not understood from here: {1}", {Shown(rest_)}));
+    }
     std::uint64_t Sum() {
         std::uint64_t value = Product();
         for (;;)
@@ -77,7 +82,7 @@ private:
         if (Take('-')) return 0 - Operand();
         if (Take('(')) {
             const std::uint64_t value = Sum();
-            if (!Take(')')) Fail(Text(L"a bracket is not closed"));
+            Close(')');
             return value;
         }
         if (Take('[')) return Memory(registers_.x64 ? 8 : 4);
@@ -92,7 +97,7 @@ private:
     std::uint64_t Memory(std::size_t bytes) {
         const std::uint64_t sum = Sum();
         const std::uint64_t address = registers_.x64 ? sum : sum & 0xFFFFFFFF;
-        if (!Take(']')) Fail(Text(L"a bracket is not closed"));
+        Close(']');
         if (!problem_.empty()) return 0;
         std::uint64_t value = 0;
         if (!read_ || !read_(address, &value, bytes))
@@ -105,7 +110,16 @@ private:
         for (const char c : name) upper += UpperAscii(c);
         return upper == "BYTE" ? 1 : upper == "WORD" ? 2 : upper == "DWORD" ? 4 : upper == "QWORD" ? 8 : 0;
     }
+    // A hexadecimal number as assemblers write it: digits, and an h behind them.
+    static std::optional<std::uint64_t> TakeNumberWithH(std::string_view* text) {
+        std::string_view rest = *text;
+        const auto value = TakeNumber(&rest, 16);
+        if (!value || !TakePrefix(&rest, "H") || (!rest.empty() && IsNameCharacter(rest.front()))) return std::nullopt;
+        *text = rest;
+        return value;
+    }
     std::uint64_t Number() {
+        if (const auto value = TakeNumberWithH(&rest_)) return *value;
         const bool hexadecimal = TakePrefix(&rest_, "0X") || TakePrefix(&rest_, "&H");
         const auto value = TakeNumber(&rest_, hexadecimal ? 16 : 10);
         if (!value) Fail(Text(L"a number is missing"));
@@ -130,7 +144,7 @@ private:
         const std::string_view name = NameAtStart(rest_);
         const auto place = Given(name, true);
         if (!place) Fail(Unknown(name));
-        if (!Take(')')) Fail(Text(L"a bracket is not closed"));
+        Close(')');
         return place.value_or(0);
     }
     std::wstring Unknown(std::string_view name) const {
@@ -159,7 +173,12 @@ private:
         const std::string_view name = WithoutTypeSuffix(whole);
         rest_.remove_prefix(name.size());
         if (std::string_view word = name; names_ && TakePrefix(&word, "VARPTR") && word.empty()) return PlaceOfGiven();
-        if (const std::size_t bytes = SizeOfName(name); bytes != 0 && Take('[')) return Memory(bytes);
+        if (const std::size_t bytes = SizeOfName(name); bytes != 0) {
+            Skip();
+            std::string_view behind = rest_;
+            if (TakePrefix(&behind, "PTR") && WithoutLeadingBlanks(behind).starts_with('[')) rest_ = behind;
+            if (Take('[')) return Memory(bytes);
+        }
         const auto value = RegisterByName(registers_, name);
         if (!value) Fail(Unknown(name));
         if (const std::wstring lost = Lost(name); value && !lost.empty()) Fail(lost);

@@ -24,9 +24,9 @@ Condition ParseCondition(std::string_view text);
 // True when the condition holds; one with the operator None always does. Without registers (null) both sides are 0.
 bool ConditionHolds(const Condition& condition, const RegisterSet* registers);
 
-// Value of a text that the debug pane takes as an address or a value: numbers (0x1F, &H1F, 31), registers of the
+// Value of a text that the debug pane takes as an address or a value: numbers (0x1F, &H1F, 1Fh, 31), registers of the
 // program's kind and their parts, + - * and brackets, and memory: [RSP+8] is the word of the program's width there,
-// BYTE [n], WORD [n], DWORD [n] and QWORD [n] are narrower or wider. For anything else there is no value, and `problem`
+// BYTE [n], WORD [n], DWORD [n] and QWORD [n] (or DWORD PTR [n]) are narrower or wider. For anything else there is no value, and `problem`
 // says why. In a 32-bit program the value is cut to 32 bits. Without `read` no memory can be named.
 struct Evaluation {
     std::optional<std::uint64_t> value;

@@ -221,14 +221,15 @@ NamedVerdict ComparisonHolds(std::string_view text, const NameScope& scope) {
 }
 
 // Parts joined by a word: with OR one that holds is enough, with AND all must.
-NamedVerdict JoinedHolds(std::string_view text, const NameScope& scope, bool orWord) {
+// `every`: also those that do not count any more.
+NamedVerdict JoinedHolds(std::string_view text, const NameScope& scope, bool orWord, bool every = false) {
     const std::string bare = WithoutQuoted(text);
     const std::string_view word = orWord ? "OR" : "AND";
     for (std::size_t from = 0;;) {
         const std::size_t found = FindWord(std::string_view(bare).substr(from), word);
         const std::string_view part = text.substr(from, found);
-        NamedVerdict verdict = orWord ? JoinedHolds(part, scope, false) : ComparisonHolds(part, scope);
-        const bool decided = verdict.holds == orWord || !verdict.problem.empty();
+        NamedVerdict verdict = orWord ? JoinedHolds(part, scope, false, every) : ComparisonHolds(part, scope);
+        const bool decided = (verdict.holds == orWord && !every) || !verdict.problem.empty();
         if (decided || found == std::string::npos) return verdict;
         from += found + word.size();
     }
@@ -266,7 +267,17 @@ std::wstring PlaceProblem(std::string_view place, std::optional<bool> x64) {
         if (tried.value) return {};
         if (problem.empty()) problem = tried.problem;
     }
-    return TextWith(L"Not a place: {1}", {problem});
+    const bool wide = x64.value_or(true);
+    return TextWith(L"Not a place: {1}. Write it as {2}-4, {2}-10h or [{2}+16].", {problem, wide ? L"RBP" : L"EBP"});
+}
+
+std::wstring PlaceNotice(std::string_view place) {
+    place = TrimmedBlanks(place);
+    const std::size_t open = place.find('[');
+    if (open == std::string_view::npos || place.find(']') != place.size() - 1) return {};
+    const std::wstring inside = Quoted(TrimmedBlanks(place.substr(open + 1, place.size() - open - 2)));
+    return TextWith(L"In brackets: where the address leads to that is kept at {1}. Without them: {1} itself.",
+                    {inside});
 }
 
 std::optional<WatchKind> WatchKindNamed(std::string_view text) { return KindOfWord(kKindWords, TrimmedBlanks(text)); }
@@ -341,4 +352,8 @@ Evaluation EvaluateWithNames(std::string_view text, const NameScope& scope) {
 
 NamedVerdict NamedConditionHolds(std::string_view condition, const NameScope& scope) {
     return JoinedHolds(condition, scope, true);
+}
+
+std::wstring NamedConditionProblem(std::string_view condition, const NameScope& scope) {
+    return JoinedHolds(condition, scope, true, true).problem;
 }

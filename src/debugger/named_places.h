@@ -33,6 +33,8 @@ struct NamedInput {
 std::wstring PlaceNameProblem(std::string_view name);
 // `x64`: of the program; nothing: not known, and either kind's registers will do.
 std::wstring PlaceProblem(std::string_view place, std::optional<bool> x64);
+// What the brackets around a whole place mean, because assemblers mean the place itself by them; empty: there are none.
+std::wstring PlaceNotice(std::string_view place);
 // "LONG", "asciiz"; nothing for any other text.
 std::optional<WatchKind> WatchKindNamed(std::string_view text);
 // The kind of a variable that is declared AS this, or has this type suffix.
@@ -63,3 +65,5 @@ struct NamedVerdict {
     std::wstring problem;  // empty: it could be told
 };
 NamedVerdict NamedConditionHolds(std::string_view condition, const NameScope& scope);
+// What cannot be told in any part of it, also in those that the values of this moment leave undecided; empty: nothing.
+std::wstring NamedConditionProblem(std::string_view condition, const NameScope& scope);

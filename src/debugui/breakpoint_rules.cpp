@@ -24,10 +24,33 @@ std::wstring NoticeOfNames(std::string_view condition, std::span<const NamedPlac
         RegisterSet ones;
         ones.x64 = x64;
         ones.general.fill(1);
-        problem = NamedConditionHolds(condition, {.names = names, .registers = ones, .memory = zeros}).problem;
+        problem = NamedConditionProblem(condition, {.names = names, .registers = ones, .memory = zeros});
         if (problem.empty()) return {};
     }
-    return TextWith(L"It stops always: {1}.", {problem});
+    return TextWith(L"It stops wherever this decides: {1}.", {problem});
+}
+
+bool CouldBeVariable(std::string_view text) {
+    return PlaceNameProblem(text).empty() && !RegisterByName({.x64 = true}, text);
+}
+
+std::string_view WithoutBlanksBehind(std::string_view text) { return text.substr(0, text.find_last_not_of(" \t") + 1); }
+
+// A condition without a comparison.
+std::wstring NoticeOfNoComparison(std::string_view condition) {
+    const std::size_t equals = condition.find('=');
+    if (equals == std::string_view::npos) return Text(L"There is no comparison in it: it always stops.");
+    const std::string_view left = WithoutBlanksBehind(WithoutLeadingBlanks(condition.substr(0, equals)));
+    if (CouldBeVariable(left))
+        return TextWith(L"{1} has no place here, so it always stops. Name it: Debug > Name a Place.",
+                        {Utf8ToWideText(left)});
+    return Text(L"A comparison of registers has ==, not =: it always stops.");
+}
+
+// What stands behind the number that the side begins with; empty: nothing.
+std::string_view BehindNumber(std::string_view side) {
+    TakeNumber(&side, TakePrefix(&side, "0X") ? 16 : 10);
+    return WithoutBlanksBehind(WithoutLeadingBlanks(side));
 }
 
 }  // namespace
@@ -54,19 +77,23 @@ std::wstring ConditionNotice(std::string_view condition, std::span<const NamedPl
     if (condition.empty()) return L"";
     if (MentionsName(condition, names)) return NoticeOfNames(condition, names);
     const Condition parsed = ParseCondition(condition);
-    if (parsed.op == Condition::Operator::None) return Text(L"There is no comparison in it: it always stops.");
+    if (parsed.op == Condition::Operator::None) return NoticeOfNoComparison(condition);
     // With all registers set to 1, a side that is not a number and evaluates to 0 names no register.
     RegisterSet ones;
     ones.general.fill(1);
     ones.ip = 1;
     for (const std::string_view side : {parsed.left, parsed.right}) {
-        if (!side.empty() && side.front() >= '0' && side.front() <= '9') continue;
+        if (!side.empty() && IsDigit(side.front())) {
+            if (const std::string_view behind = BehindNumber(side); !behind.empty())
+                return TextWith(L"Behind the number nothing is read: {1}. AND and OR need a named place.",
+                                {Utf8ToWideText(behind)});
+            continue;
+        }
         if (EvaluateExpression(ones, side) != 0) continue;
-        const std::string_view bare = side.substr(0, side.find_last_not_of(" \t") + 1);
+        const std::string_view bare = WithoutBlanksBehind(side);
         if (bare.size() != side.size() && EvaluateExpression(ones, bare) != 0)
             return Text(L"A blank before the comparison makes the register count as 0.");
-        const bool couldBeVariable = PlaceNameProblem(bare).empty();
-        if (couldBeVariable && !RegisterByName({.x64 = true}, bare))
+        if (CouldBeVariable(bare))
             return TextWith(L"{1} has no place here and counts as 0. Name it: Debug > Name a Place.",
                             {Utf8ToWideText(bare)});
         return Text(L"A side that is no number and no 64-bit register counts as 0.");

@@ -25,6 +25,10 @@ void DebugClearLocation();
 // Sets the mark again in a document that has its text (again), when the program stands in that file.
 void DebugRestoreLocation(DocumentId document);
 
+// A mark of a stop has come back with its line by undo, with the handle `after`. It stays off when the program does not
+// stand there any more.
+void DebugOnMarkerRenewed(DocumentId document, int before, int after);
+
 // Path of a file id of the session's map (program/map_paths.h), or of the source for id 1 of a map without files. Empty
 // when there is none.
 std::wstring DebugFilePath(const DebuggerState* state, std::uint32_t fileId);

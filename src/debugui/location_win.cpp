@@ -63,6 +63,17 @@ void RemoveMark() {
     g_mark = {};
 }
 
+int MarkerOfHandle(HWND editor, int handle) {
+    const LRESULT line = SciSend(editor, SCI_MARKERLINEFROMHANDLE, static_cast<WPARAM>(handle));
+    for (LPARAM which = 0; line >= 0; ++which) {
+        const LRESULT each = SciSend(editor, SCI_MARKERHANDLEFROMLINE, static_cast<WPARAM>(line), which);
+        if (each < 0) break;
+        if (each == handle)
+            return static_cast<int>(SciSend(editor, SCI_MARKERNUMBERFROMLINE, static_cast<WPARAM>(line), which));
+    }
+    return -1;
+}
+
 int LineCountOf(HWND editor) { return static_cast<int>(SciSend(editor, SCI_GETLINECOUNT)); }
 
 // Removes the old mark first, because opening the file of a stop has set one already (DebugRestoreLocation). A line
@@ -141,6 +152,19 @@ void DebugShowCurrentLocation(const DebuggerState* state, const wchar_t* suffix)
 }
 
 void DebugClearLocation() { RemoveMark(); }
+
+void DebugOnMarkerRenewed(DocumentId document, int before, int after) {
+    const int tab = TabBarFindDocument(document);
+    if (tab < 0 || after < 0) return;  // a mark that is off keeps its handle here, by which it is known again
+    const HWND editor = TabAt(tab).editor;
+    const int marker = MarkerOfHandle(editor, after);
+    if (marker != kMarkCurrent && marker != kMarkCurrentLine) return;
+    int& known = marker == kMarkCurrent ? g_mark.arrow : g_mark.background;
+    if (g_mark.document == document && known == before)
+        known = after;
+    else  // the program has gone on meanwhile
+        SciSend(editor, SCI_MARKERDELETEHANDLE, static_cast<WPARAM>(after));
+}
 
 void DebugRestoreLocation(DocumentId document) {
     const DebuggerState& state = g_debugger;

@@ -70,7 +70,8 @@ void ShowState(HWND dialog, bool accepts) {
     const NamedInput input = ReadFields(dialog);
     const bool untouched = !accepts && (GetWindowTextLengthW(GetDlgItem(dialog, IDC_NAME_PLACE_PLACE)) == 0 ||
                                         GetWindowTextLengthW(GetDlgItem(dialog, IDC_NAME_PLACE_NAME)) == 0);
-    SetDlgItemTextW(dialog, IDC_NAME_PLACE_PROBLEM, untouched ? L"" : input.problem.c_str());
+    const std::wstring said = input.problem.empty() ? PlaceNotice(input.named.place) : input.problem;
+    SetDlgItemTextW(dialog, IDC_NAME_PLACE_PROBLEM, untouched ? L"" : said.c_str());
     SetDlgItemTextW(dialog, IDC_NAME_PLACE_VALUE, ValueNow(input, QuestionOf(dialog)).c_str());
 }
 

@@ -5,17 +5,23 @@
 #include "base/texts.h"
 #include "debugger/at_address.h"
 #include "debugger/debug_follow.h"
+#include "debugger/debug_inspect.h"
 #include "debugger/debug_session.h"
+#include "debugger/step_rules.h"
 #include "debugui/debug_pane.h"
 #include "debugui/debug_run.h"
 #include "debugui/location.h"
 #include "debugui/next_statement.h"
+#include "disasm/disasm.h"
 #include "documents/document_row.h"
 #include "program/debug_say.h"
 #include "scintilla/sci.h"
 #include "settings/settings_state.h"
 
+#include <algorithm>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -35,6 +41,32 @@ void AfterStep(bool resumed, const wchar_t* suffix) {
 
 void Step(FollowKind kind, bool (*byAddress)(DebuggerState*), const wchar_t* suffix) {
     AfterStep(FollowsProgram() ? DebugFollowStep(&g_debugger, kind) : byAddress(&g_debugger), suffix);
+}
+
+// Whether a step into by address goes over a call of a procedure of the program, because arguments are evaluated before
+// the call.
+bool StepsOverCall() {
+    constexpr std::uint64_t kMostBytes = 1024;
+    const DebuggerState& state = g_debugger;
+    const StepTarget next = StepOverTarget(state.map, state.currentAddress);
+    if (next.kind != StepTarget::Kind::Address || next.address <= state.currentAddress) return false;
+    std::vector<std::uint8_t> bytes(std::min(next.address - state.currentAddress, kMostBytes));
+    bytes.resize(DebugReadSome(&state, state.currentAddress, bytes.data(), bytes.size()));
+    const auto calls = [&](const DisasmInstruction& each) {
+        std::uint32_t file = 0, line = 0;
+        return each.isCall && each.address != state.currentAddress && each.target != 0 &&
+               DebugLineAt(&state, each.target, &file, &line) && line > 0;
+    };
+    return std::ranges::any_of(DisasmRange(bytes, state.currentAddress, state.isX64 != 0, {}, bytes.size()), calls);
+}
+
+// Once for each program that is debugged.
+void SayStepsFollow() {
+    static DWORD toldOf = 0;
+    if (!FlowIsStopped(DebugFlowNow()) || std::exchange(toldOf, g_debugger.processId) == g_debugger.processId) return;
+    DebugSay(kDebugOrange, Text(L"[Debug] The step went over a call. To go into calls: Debug > Steps Follow the "
+                                L"Program.\n"));
+    g_events.statusText(Text(L"The step went over a call; Debug > Steps Follow the Program goes into it"));
 }
 
 std::string LineOfEditor(int line) {
@@ -66,7 +98,9 @@ void CommandStepOver(int command) {
 
 void CommandStepInto(int command) {
     if (DebugPaneStepsInstructions()) return CommandStepInstruction(command);
+    const bool goesOver = !FollowsProgram() && g_debugger.map.nativeTrapMap == 0 && StepsOverCall();
     Step(FollowKind::Into, DebugStepInto, Text(L" (step into)"));
+    if (goesOver) SayStepsFollow();
 }
 
 void CommandStepOut(int) { Step(FollowKind::Out, DebugStepOut, Text(L" (step out)")); }

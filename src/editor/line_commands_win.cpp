@@ -480,9 +480,10 @@ void EditorErase(HWND editor, const std::function<void()>& erase) {
     if (!lines || PaneSend(editor, SCI_GETREADONLY) != 0 || !LineMarksAreIn(editor, *lines)) return erase();
     const CaretUndoStep step(editor);
     LineMarksMove marks = LineMarksTake(editor, *lines);
+    const bool users = LineMarksTakenAreUsers(marks);
     erase();
     LineMarksPut(editor, std::move(marks));
-    if (const PaneState* const pane = PaneStateOf(editor); pane != nullptr)
+    if (const PaneState* const pane = PaneStateOf(editor); pane != nullptr && users)
         g_events.documentStatus(pane->document,
                                 Text(L"Bookmarks and breakpoints went with the lines; undo brings them back"));
 }

@@ -1,4 +1,4 @@
-// Bookmarks and breakpoints of lines that a command moves or takes out. Undo and redo take them along: the step of undo
+// Bookmarks, breakpoints and the marks of a stop on lines that a command moves or takes out. Undo and redo take them along: the step of undo
 // gets an action of its own before and after the change of the text, which Scintilla reports when it comes to it. UI
 // thread.
 #pragma once
@@ -34,6 +34,8 @@ struct LineMarkMoves {
 bool LineMarksAreIn(HWND editor, const LineBlock& block);
 // Takes the marks off the lines of the block, which are about to be changed within a step of undo.
 LineMarksMove LineMarksTake(HWND editor, const LineBlock& block);
+// Whether bookmarks or breakpoints are among them.
+bool LineMarksTakenAreUsers(const LineMarksMove& move);
 // Puts them on the lines that `move.after` says by now; without one, the lines of the block are gone.
 void LineMarksPut(HWND editor, LineMarksMove move);
 // Undo or redo has come to an action with this token.

@@ -10,8 +10,9 @@
 
 namespace {
 
-constexpr int kKeptMarks[] = {kMarkBookmark, kMarkBreakpoint};
-constexpr LRESULT kKeptMask = (1 << kMarkBookmark) | (1 << kMarkBreakpoint);
+constexpr int kKeptMarks[] = {kMarkBookmark, kMarkBreakpoint, kMarkCurrent, kMarkCurrentLine};
+constexpr LRESULT kUsersMask = (1 << kMarkBookmark) | (1 << kMarkBreakpoint);
+constexpr LRESULT kKeptMask = kUsersMask | (1 << kMarkCurrent) | (1 << kMarkCurrentLine);
 constexpr std::size_t kMostLines = 4'000'000;  // that the moves of one pane hold: 16 MB
 
 bool IsKept(LRESULT marker) { return std::ranges::find(kKeptMarks, marker) != std::end(kKeptMarks); }
@@ -121,6 +122,11 @@ bool LineMarksAreIn(HWND editor, const LineBlock& block) {
     }
     const LRESULT marked = PaneSend(editor, SCI_MARKERNEXT, block.first, kKeptMask);
     return marked >= 0 && marked <= block.last;
+}
+
+bool LineMarksTakenAreUsers(const LineMarksMove& move) {
+    return std::ranges::any_of(
+        move.taken, [](const TakenMark& mark) { return (kUsersMask >> mark.marker & 1) != 0; });
 }
 
 LineMarksMove LineMarksTake(HWND editor, const LineBlock& block) {

@@ -11,12 +11,18 @@ namespace {
 
 constexpr int kClockEvery = 256;  // the time is checked after so many lines
 
+// Empty: it is not known.
+std::wstring_view ProgramOfBuild(const CompilerErrors& errors, std::int32_t build) {
+    const auto index = static_cast<std::size_t>(build);
+    return index > 0 && index <= errors.builds.size() ? std::wstring_view(errors.builds[index - 1].output) : L"";
+}
+
 void RecordDiagnostic(CompilerErrors& errors, const std::wstring& line, const OutputLines& lines) {
     CompilerError next = {};
     if (ParseErrorLine(line, &next) == 0) return;
     next.compilerId = lines.compilerId;
     next.build = lines.build;
-    SourceMarksAdd(errors.marks, next);
+    if (HasPlaceInSource(next, ProgramOfBuild(errors, next.build))) SourceMarksAdd(errors.marks, next);
     if (ErrorCount(errors) < kMaxCompilerErrors) errors.items.push_back(next);
 }
 

@@ -1,5 +1,6 @@
 #include "output/source_marks.h"
 
+#include "base/path.h"
 #include "base/texts.h"
 #include "output/diagnostics.h"
 
@@ -24,6 +25,12 @@ bool IsSame(const SourceMark& mark, const CompilerError& error) {
 }
 
 }  // namespace
+
+bool HasPlaceInSource(const CompilerError& error, std::wstring_view program) {
+    if (error.line < 1) return false;
+    if (error.line > 1 || error.column > 1 || program.empty()) return true;
+    return PathKey(error.message).find(PathKey(program)) == std::wstring::npos;
+}
 
 bool SourceMarksAdd(SourceMarks& marks, const CompilerError& error) {
     MarkedFile* file = FileFor(marks, error);

@@ -47,6 +47,10 @@ struct SourceMarks {
     std::map<std::pair<std::int32_t, std::wstring>, std::size_t> index;  // by build and printed name
 };
 
+// Whether a diagnostic is about a line of a source. Compilers say at the first column of line 1, or without a line, what
+// is about the whole build, as that they cannot write `program` (full path; empty: not known).
+bool HasPlaceInSource(const CompilerError& error, std::wstring_view program);
+
 // Records a diagnostic; the same one twice counts once. Returns false when there is no room for its mark.
 bool SourceMarksAdd(SourceMarks& marks, const CompilerError& error);
 

@@ -7,6 +7,9 @@
 // memory it has only what the stacks need to be walked.
 void CrashWatch();
 
-// What the user is told about a crash of the last run; empty when there was none, and from the second call on. Removes
+// The path of the report about a crash of the last run; empty when there was none, and from the second call on. Removes
 // all but the latest reports.
-std::wstring CrashNotice();
+std::wstring CrashReportTake();
+// What the user is told about it: in a box, or in one line or two of a dialog.
+std::wstring CrashNotice(const std::wstring& report);
+std::wstring CrashNoticeShort(const std::wstring& report);

@@ -121,7 +121,7 @@ void CrashWatch() {
     g_nextFilter = SetUnhandledExceptionFilter(OnCrash);
 }
 
-std::wstring CrashNotice() {
+std::wstring CrashReportTake() {
     constexpr std::size_t kMost = 4096;  // bytes
     const std::wstring user = UserFolderPath();
     const std::wstring folder = user + L"Crashes\\";
@@ -130,8 +130,19 @@ std::wstring CrashNotice() {
         return {};
     DeleteFileW(PathForSystem((folder + kLatest).c_str()).c_str());
     RemoveOldReports(folder);
+    return Utf8ToWideText(report);
+}
+
+std::wstring CrashNotice(const std::wstring& report) {
     return TextWith(
         L"The editor ended because of a fault the last time. What is known about it stands in:\n\n{1}\n\nand in the "
         L".dmp file beside it, for whoever is to mend it. Neither holds text of your documents.",
-        {Utf8ToWideText(report)});
+        {report});
+}
+
+std::wstring CrashNoticeShort(const std::wstring& report) {
+    return TextWith(
+        L"The editor ended because of a fault the last time. What is known about it, without text of your documents, "
+        L"stands in {1} and in the .dmp file beside it.",
+        {report});
 }

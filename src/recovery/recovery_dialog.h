@@ -3,9 +3,11 @@
 
 #include "recovery/leftovers.h"
 
+#include <string>
 #include <vector>
 
 enum class RecoveryWish : std::uint8_t { Later, Restore, Beside, Discard };
 
 // Shows the list. Returns a wish for each of them; those that the user has not decided about stay for later.
-std::vector<RecoveryWish> RecoveryDialogShow(const std::vector<Leftover>& leftovers);
+// `crash`: what is told about one; empty: nothing.
+std::vector<RecoveryWish> RecoveryDialogShow(const std::vector<Leftover>& leftovers, const std::wstring& crash);

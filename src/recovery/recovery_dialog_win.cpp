@@ -40,6 +40,7 @@ struct RecoveryList {
     std::vector<bool> ticked;          // of the rows
     ListView list;
     ListContent content;
+    std::wstring crash;  // what is told about one; empty: there was none
     HWND dialog = nullptr;
     HWND difference = nullptr;
     std::size_t shown = SIZE_MAX;  // whose difference is shown or being made
@@ -178,6 +179,19 @@ bool MayDiscard(const RecoveryList& recovery) {
 
 // --- The dialog
 
+// Without a crash its room is the difference's.
+void TellOfCrash(const RecoveryList& recovery) {
+    const HWND line = GetDlgItem(recovery.dialog, IDC_RECOVERY_CRASH);
+    SetWindowTextW(line, recovery.crash.c_str());
+    if (!recovery.crash.empty()) return;
+    ShowWindow(line, SW_HIDE);
+    RECT difference = {}, room = {};
+    GetWindowRect(recovery.difference, &difference);
+    GetWindowRect(line, &room);
+    SetWindowPos(recovery.difference, nullptr, 0, 0, difference.right - difference.left, room.bottom - difference.top,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 void FillRecoveryDialog(HWND dialog, RecoveryList& recovery) {
     recovery.dialog = dialog;
     SetDlgItemTextW(
@@ -185,6 +199,7 @@ void FillRecoveryDialog(HWND dialog, RecoveryList& recovery) {
         Text(L"These texts were not saved when the editor ended, or a save of them failed. Restored texts are "
              L"opened as unsaved documents; no file is changed before you save it."));
     recovery.difference = DifferencePaneMake(dialog, IDC_RECOVERY_DIFFERENCE);
+    TellOfCrash(recovery);
     recovery.list.inDialog = true;
     if (!ListViewCreate(recovery.list, dialog, IDC_RECOVERY_LIST)) return;
     DialogPutInPlace(dialog, IDC_RECOVERY_LIST, recovery.list.window);
@@ -236,8 +251,9 @@ INT_PTR CALLBACK RecoveryDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARA
 
 }  // namespace
 
-std::vector<RecoveryWish> RecoveryDialogShow(const std::vector<Leftover>& leftovers) {
+std::vector<RecoveryWish> RecoveryDialogShow(const std::vector<Leftover>& leftovers, const std::wstring& crash) {
     RecoveryList recovery;
+    recovery.crash = crash;
     recovery.leftovers = &leftovers;
     recovery.wishes.assign(leftovers.size(), RecoveryWish::Later);
     for (std::size_t i = 0; i < leftovers.size(); ++i) recovery.rows.push_back(i);

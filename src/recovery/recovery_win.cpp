@@ -121,15 +121,18 @@ void CarryOut(const std::vector<Leftover>& leftovers, const std::vector<Recovery
 
 void RecoveryOffer() {
     if (g_selftestTabsMode) return;
-    if (const std::wstring crash = CrashNotice(); !crash.empty()) g_events.noticeWanted(crash.c_str());
+    const std::wstring report = CrashReportTake();
     const std::vector<Leftover> leftovers = LeftoversFind();
-    if (!leftovers.empty()) CarryOut(leftovers, RecoveryDialogShow(leftovers));
+    if (!leftovers.empty())  // the list tells of the crash as well: one window is enough
+        CarryOut(leftovers, RecoveryDialogShow(leftovers, report.empty() ? report : CrashNoticeShort(report)));
+    else if (!report.empty())
+        g_events.noticeWanted(CrashNotice(report).c_str());
 }
 
 void RecoveryShow() {
     const std::vector<Leftover> leftovers = LeftoversFind();
     if (leftovers.empty()) return g_events.statusText(Text(L"There are no recovered files"));
-    CarryOut(leftovers, RecoveryDialogShow(leftovers));
+    CarryOut(leftovers, RecoveryDialogShow(leftovers, {}));
 }
 
 void RecoveryEnd() {

@@ -167,6 +167,7 @@
 #define IDM_USE_KELDORBASIC 1254
 #define IDM_USE_KVXC64 1320
 #define IDM_RUN_IN_OUTPUT 1980
+#define IDM_KEEP_CONSOLE 1670  // changes the setting
 #define IDM_NEXT_COMPILER 1061
 #define IDM_ERROR_NEXT 1310
 #define IDM_ERROR_PREVIOUS 1311
@@ -444,6 +445,7 @@
 #define IDC_RECOVERY_BESIDE 3225
 #define IDC_RECOVERY_DISCARD 3226
 #define IDC_RECOVERY_DIFFERENCE_LABEL 3227
+#define IDC_RECOVERY_CRASH 3620
 
 // --- Controls of the question about files that other programs have changed
 #define IDC_OUTSIDE_WHAT 3231

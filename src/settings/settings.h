@@ -103,6 +103,7 @@ struct Settings {
     // Build
     std::int32_t profile;             // 0 Debug, 1 Release, 2 Fast
     std::int32_t saveAllBeforeBuild;  // every modified document that has a file, not only the one to build
+    std::int32_t keepConsoleOpen;     // after Build & Run of a console program, until a key is pressed
     wchar_t preBuildCmd[1024];
     wchar_t postBuildCmd[1024];
 

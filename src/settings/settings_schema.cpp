@@ -211,6 +211,7 @@ constexpr SettingRow kOtherRows[] = {
     TextRow(kBuild, L"PreBuildCmd", FIELD(preBuildCmd), 1024, L""),
     TextRow(kBuild, L"PostBuildCmd", FIELD(postBuildCmd), 1024, L""),
     BoolRow(kBuild, L"SaveAllBeforeBuild", FIELD(saveAllBeforeBuild), 1),
+    BoolRow(kBuild, L"KeepConsoleOpen", FIELD(keepConsoleOpen), 0),
     TextRow(kDebug, L"Exceptions", FIELD(exceptionRules), 1024, L""),
     IntRow(kDebug, L"View", FIELD(debugView), 0, Else(0, 7, 0)),
 

@@ -117,6 +117,8 @@ constexpr Line kBuildLines[] = {
     {FIELD(saveAllBeforeBuild), Check, L"Save all modified documents before a build",
      L"Otherwise only the one that is built.", L"Saving"},
     {FIELD(buildOnSave), Check, L"Build after a document was saved with Ctrl+S"},
+    {FIELD(keepConsoleOpen), Check, L"Keep the console open when the program ends",
+     L"After Build & Run of a console program, until a key is pressed.", L"Running"},
 };
 
 constexpr Line kDebugLines[] = {

@@ -2,6 +2,7 @@
 #include "compile/build_sequence.h"
 #include "compile/build_batch.h"
 #include "compile/build_plan.h"
+#include "compile/held_console.h"
 #include "compile/input_queue.h"
 #include "compile/products.h"
 #include "compile/program_run.h"
@@ -562,6 +563,23 @@ TEST(Products, WhatTheUserHasIsCopiedOrLeftAlone) {
     EXPECT_TRUE(changed && ProductIsMadeHere(known, L"C:\\x.exe", disk));
     EXPECT_FALSE(ProductIsMadeHere(known, L"C:\\x.err", disk)) << "saved by the user meanwhile";
     EXPECT_TRUE(files.contains(L"C:\\x.lst.kvx-kept1"));
+}
+
+// The command line of the program comes out as it went in, whatever characters it has.
+TEST(HeldConsole, LeavesTheCommandLineOfTheProgramAsItIs) {
+    for (const wchar_t* program : {L"\"C:\\a b & c\\100%TEMP%^!\\gr\u00FC\u00DFe.exe\"",
+                                   L"\"C:\\x.exe\" a \"b c\"  %PATH% ^& \"\"", L"C:\\x.exe"}) {
+        for (const wchar_t* editor : {L"\"C:\\Program Files\\KVX\\KVX-Editor.exe\" ", L"KVX-Editor.exe  "}) {
+            const auto held =
+                HeldProgramOf(editor + HeldArguments({.commandLine = program, .farewell = L"Ended {1}."}));
+            ASSERT_TRUE(held) << program;
+            EXPECT_EQ(held->commandLine, program);
+            EXPECT_EQ(FarewellText(held->farewell, 3), L"Ended 3.");
+            EXPECT_EQ(FarewellText(held->farewell, 0xC0000005), L"Ended 0xC0000005.");
+        }
+    }
+    for (const wchar_t* usual : {L"", L"KVX-Editor.exe", L"\"C:\\a b.exe\" --open --hold-console"})
+        EXPECT_FALSE(HeldProgramOf(usual)) << usual;
 }
 
 }  // namespace

@@ -127,6 +127,7 @@ std::vector<Mark> Marks() {
                                       {"whitespace", &CommandView::whitespace},
                                       {"wrap", &CommandView::wrap},
                                       {"steps follow", &CommandView::stepsFollow},
+                                      {"keeps console", &CommandView::keepsConsole},
                                       {"error texts", &CommandView::errorTexts}})
         add(name).*shown = true;
     for (const auto& [name, pane] :

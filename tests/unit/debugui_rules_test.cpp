@@ -36,6 +36,10 @@ TEST(Condition, WarnsOfWhatItDoesNotDo) {
         {"total>5", L"total has no place here"},
         {"i > 5", L""},
         {"i > j", L"j is not known"},
+        {"i > 5 AND j < 3", L"j is not known"},  // found at once, not where i is first above 5
+        {"total = 5", L"total has no place here"},
+        {"RAX = 5", L"has =="},
+        {"RAX>5 AND total<3", L"AND total<3"},
         {"i = \"a\"", L"cannot be compared"},
     };
     const NamedPlaces names = {{.name = "i", .place = "EBP-4"}};

@@ -173,6 +173,12 @@ CompilerError Diagnostic(const wchar_t* file, int line, int severity = 0) {
 
 TEST(SourceMarks, AreRecordedByFileUpToALimit) {
     SourceMarks marks;
+    CompilerError whole = Diagnostic(L"a.bas", 1);
+    whole.column = 1;
+    EXPECT_TRUE(HasPlaceInSource(whole, L"C:\\src\\a.exe"));
+    SafeCopyW(whole.message, L"cannot write c:\\SRC\\a.exe (is it in use?)");
+    EXPECT_FALSE(HasPlaceInSource(whole, L"C:\\src\\a.exe")) << "about the program, not about line 1";
+    EXPECT_FALSE(HasPlaceInSource(Diagnostic(L"a.bas", 0), L""));
     for (int line = 1; line <= 700; ++line) {
         const bool room = line <= static_cast<int>(kMostMarksOfFile);
         EXPECT_EQ(SourceMarksAdd(marks, Diagnostic(L"a.bas", line)), room) << line;

@@ -182,7 +182,11 @@ TEST(Recovery, ACrashLeavesItsReportAndTheText) {
     }
     EXPECT_EQ(reports, 3) << "a report, a dump, the name of the latest";
     Editor editor(folder);
-    editor.Press(editor.AwaitDialog(kRecovered), IDC_RECOVERY_RESTORE);
-    editor.Answer(kProgramTitle, L"The editor ended because of a fault the last time.", IDOK);
+    const Dialog list = editor.AwaitDialog(kRecovered);
+    const std::wstring told = editor.TextOf(GetDlgItem(list.window, IDC_RECOVERY_CRASH));
+    EXPECT_NE(told.find(L"The editor ended because of a fault the last time."), std::wstring::npos) << "no second box";
+    EXPECT_NE(told.find(L"\\Crashes\\Crash "), std::wstring::npos);
+    editor.Press(list, IDC_RECOVERY_RESTORE);
     EXPECT_TRUE(WaitFor([&] { return OpenTexts(editor).contains(text); }));
+    EXPECT_NE(IsWindowEnabled(editor.main), FALSE) << "a box is open";
 }

@@ -1,0 +1,13 @@
+// Processes that run a program which a build is about to write: the system lets nobody write its file meanwhile. Any
+// thread.
+#pragma once
+
+#include "base/handles.h"
+
+#include <string>
+#include <vector>
+
+// Those that this user may end.
+std::vector<UniqueHandle> ProcessesOf(const std::wstring& program);
+// Ends them and waits, for a short while at most, until the file can be written. False: it still cannot.
+bool EndProcesses(const std::vector<UniqueHandle>& processes, const std::wstring& program);

@@ -1,0 +1,63 @@
+#include "compile/running_programs.h"
+
+#include "base/bounded_text.h"
+#include "base/path.h"
+#include "files/file_identity.h"
+#include "files/file_io.h"
+
+#include <windows.h>
+
+#include <tlhelp32.h>
+
+#include <utility>
+
+namespace {
+
+constexpr ULONGLONG kEndMs = 2000;
+constexpr DWORD kPauseMs = 20;
+
+// Windows refuses to write the file of a program that runs. Somebody else may write it meanwhile.
+bool IsInUse(const std::wstring& program) {
+    const UniqueHandle file(CreateFileW(PathForSystem(program.c_str()).c_str(), GENERIC_WRITE,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                        0, nullptr));
+    const DWORD error = GetLastError();
+    return !file && (error == ERROR_SHARING_VIOLATION || error == ERROR_USER_MAPPED_FILE);
+}
+
+bool Runs(HANDLE process, const std::wstring& program) {
+    wchar_t path[kPathCapacity] = {};
+    DWORD length = kPathCapacity;
+    if (QueryFullProcessImageNameW(process, 0, path, &length) == FALSE) return false;
+    if (SamePathText(path, program)) return true;
+    const FileIdentity identity = FileIdentityOf(path);  // the path may have another name, as that of a mapped drive
+    return identity.IsKnown() && identity == FileIdentityOf(program.c_str());
+}
+
+}  // namespace
+
+std::vector<UniqueHandle> ProcessesOf(const std::wstring& program) {
+    std::vector<UniqueHandle> processes;
+    if (!IsInUse(program)) return processes;
+    const UniqueHandle list(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    PROCESSENTRY32W entry = {};
+    entry.dwSize = sizeof(entry);
+    if (!list) return processes;
+    for (BOOL more = Process32FirstW(list.Get(), &entry); more != FALSE; more = Process32NextW(list.Get(), &entry)) {
+        if (!PathEqualsIgnoreCase(entry.szExeFile, FileNameOf(program))) continue;
+        UniqueHandle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION | PROCESS_TERMINATE | SYNCHRONIZE, FALSE,
+                                         entry.th32ProcessID));
+        if (process && Runs(process.Get(), program)) processes.push_back(std::move(process));
+    }
+    return processes;
+}
+
+bool EndProcesses(const std::vector<UniqueHandle>& processes, const std::wstring& program) {
+    for (const UniqueHandle& process : processes) TerminateProcess(process.Get(), 1);
+    const ULONGLONG until = GetTickCount64() + kEndMs;
+    while (IsInUse(program)) {
+        if (GetTickCount64() >= until) return false;
+        Sleep(kPauseMs);
+    }
+    return true;
+}
