@@ -19,6 +19,9 @@ std::wstring HeldArguments(const HeldProgram& program);
 std::optional<HeldProgram> HeldProgramOf(std::wstring_view commandLine);
 std::wstring FarewellText(std::wstring_view farewell, std::uint32_t exitCode);
 
+// The exit code of a program that the editor has ended to build it anew: nobody waits for its console.
+inline constexpr std::uint32_t kEndedForBuild = 0xE0004B59;
+
 // --- In the copy
 // Runs the program in a new console and waits for a key. Returns its exit code.
 int HoldConsole(const HeldProgram& program);

@@ -55,6 +55,7 @@ void WaitForKey(HANDLE input) {
 int HoldConsole(const HeldProgram& program) {
     if (AllocConsole() == FALSE) return 1;
     SetConsoleCtrlHandler(OnConsoleSignal, TRUE);
+    SetConsoleTitleW(program.commandLine.c_str());
     const UniqueHandle input = OpenConsole(L"CONIN$"), output = OpenConsole(L"CONOUT$");
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
@@ -72,6 +73,7 @@ int HoldConsole(const HeldProgram& program) {
         const UniqueHandle thread(process.hThread), running(process.hProcess);
         WaitForSingleObject(running.Get(), INFINITE);
         GetExitCodeProcess(running.Get(), &code);
+        if (code == kEndedForBuild) return 0;
         Say(output.Get(), FarewellText(program.farewell, code));
     } else {
         code = GetLastError();

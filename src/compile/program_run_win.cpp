@@ -1,6 +1,7 @@
 #include "compile/program_run.h"
 
 #include "base/events.h"
+#include "base/handles.h"
 #include "base/path.h"
 #include "base/texts.h"
 #include "compile/build_plan.h"
@@ -81,6 +82,20 @@ std::wstring EditorPath() {
     return path;
 }
 
+// Starts a program in a window of its own without the shell.
+bool StartDirectly(const std::wstring& program, const std::wstring& arguments, const std::wstring& folder) {
+    std::wstring commandLine = ProgramCommandLine(program, arguments);
+    const std::wstring working = WorkingFolderOf(folder);
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process = {};
+    if (CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, CREATE_NEW_CONSOLE, nullptr,
+                       working.empty() ? nullptr : working.c_str(), &startup, &process) == FALSE)
+        return false;
+    const UniqueHandle thread(process.hThread), running(process.hProcess);
+    return true;
+}
+
 void SayRunProblem(const std::wstring& text) {
     OutputPaneAppend(text.c_str(), kLineRed);
     g_events.statusText(Text(L"Run failed"));
@@ -136,15 +151,18 @@ void RunBuiltProgram(const std::wstring& program) {
         return;
     }
     const ProgramStart start = StartOf(program);
-    const bool held = g_settings.keepConsoleOpen != 0 && ImageKindOf(program.c_str()).console;
-    const std::wstring started = held ? EditorPath() : program;
-    const std::wstring arguments =
-        held ? HeldArguments({.commandLine = ProgramCommandLine(program, start.arguments),
-                              .farewell = Text(L"Program ended (exit code {1}). Press any key to close this window.")})
-             : start.arguments;
-    const auto result = reinterpret_cast<INT_PTR>(
-        ShellExecuteW(g_ui.hMainWnd, L"open", started.c_str(), arguments.c_str(), start.folder.c_str(), SW_SHOWNORMAL));
-    if (result <= 32) SayRunProblem(RunErrorLine(program, static_cast<long>(result)));
+    if (g_settings.keepConsoleOpen != 0 && ImageKindOf(program.c_str()).console) {
+        const std::wstring held =
+            HeldArguments({.commandLine = ProgramCommandLine(program, start.arguments),
+                           .farewell = Text(L"Program ended (exit code {1}). Press any key to close this window.")});
+        if (StartDirectly(EditorPath(), held, start.folder)) return;
+    }
+    const auto result = reinterpret_cast<INT_PTR>(ShellExecuteW(
+        g_ui.hMainWnd, L"open", program.c_str(), start.arguments.c_str(), start.folder.c_str(), SW_SHOWNORMAL));
+    // The shell takes "%TEMP%" in a path for the value of that variable, and so misses the file.
+    const bool missed = (result == SE_ERR_FNF || result == SE_ERR_PNF) && FileExists(program.c_str());
+    if (result > 32 || (missed && StartDirectly(program, start.arguments, start.folder))) return;
+    SayRunProblem(RunErrorLine(program, static_cast<long>(result)));
 }
 
 void ProgramOnStageEnd(const StageResult& result) {

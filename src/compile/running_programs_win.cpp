@@ -2,6 +2,7 @@
 
 #include "base/bounded_text.h"
 #include "base/path.h"
+#include "compile/held_console.h"
 #include "files/file_identity.h"
 #include "files/file_io.h"
 
@@ -53,7 +54,7 @@ std::vector<UniqueHandle> ProcessesOf(const std::wstring& program) {
 }
 
 bool EndProcesses(const std::vector<UniqueHandle>& processes, const std::wstring& program) {
-    for (const UniqueHandle& process : processes) TerminateProcess(process.Get(), 1);
+    for (const UniqueHandle& process : processes) TerminateProcess(process.Get(), kEndedForBuild);
     const ULONGLONG until = GetTickCount64() + kEndMs;
     while (IsInUse(program)) {
         if (GetTickCount64() >= until) return false;

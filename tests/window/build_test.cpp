@@ -129,19 +129,33 @@ TEST(Build, EachCompilerBuildsASample) {
 
 TEST(Build, RunStartsTheProgramAndOnlyAfterSuccess) {
     ProgramFolder folder(kCompilers);
+    const std::wstring name = L"a & b^ 100%TEMP% \u00FC\\kvxruns.bas";  // the shell replaces %TEMP%
     const std::wstring file =
-        folder.Write(L"kvxruns.bas", "FUNCTION PBMAIN() AS LONG\r\n  DO\r\n  LOOP\r\nEND FUNCTION\r\n");
+        folder.Write(name, "FUNCTION PBMAIN() AS LONG\r\n  DO\r\n    SLEEP 50\r\n  LOOP\r\nEND FUNCTION\r\n");
     Editor editor(folder, OpenArgument(file) + L" --compiler kvxa64");
     editor.Foreground();
     ASSERT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
     editor.Keys({VK_F5});
     EXPECT_TRUE(WaitFor([] { return CountProcesses(L"kvxruns.exe") == 1; }, kBuildDeadline)) << Utf8(editor.Output());
+    editor.Post(IDM_BUILD_RUN);
+    editor.Answer(L"Build", L"kvxruns.exe is still running", IDNO);
+    EXPECT_TRUE(editor.AwaitOutput(L"Not built: kvxruns.exe is still running. End it first.\n"));
+    EXPECT_EQ(CountProcesses(L"kvxruns.exe"), 1);
+    editor.Do(IDM_KEEP_CONSOLE);
+    for (int round = 0; round < 2; ++round) {  // the first holds the console that the second ends
+        editor.Post(IDM_BUILD_RUN);
+        editor.Answer(L"Build", L"kvxruns.exe is still running", IDYES);
+        EXPECT_TRUE(editor.AwaitOutput(L"--- Build succeeded", kBuildDeadline));
+        EXPECT_TRUE(WaitFor([] { return CountProcesses(L"kvxruns.exe") == 1; }, kBuildDeadline));
+        EXPECT_TRUE(WaitFor([] { return CountProcesses(L"KVX-Editor.exe") == 2; })) << "one console is held";
+    }
+    EXPECT_EQ(EndProcesses(L"kvxruns.exe"), 1);
+    EXPECT_EQ(CountProcesses(L"KVX-Editor.exe"), 2) << "it waits for a key";
     TerminateJobObject(editor.job, 0);
     EXPECT_TRUE(WaitFor([] { return CountProcesses(L"kvxruns.exe") == 0; }));
 
     DeleteFileW(folder.File(kSessionFile).c_str());
-    folder.Write(L"kvxruns.bas",
-                 "FUNCTION PBMAIN() AS LONG\r\n  LOCAL a AS LONG\r\n  a = nonsense(1)\r\nEND FUNCTION\r\n");
+    folder.Write(name, "FUNCTION PBMAIN() AS LONG\r\n  LOCAL a AS LONG\r\n  a = nonsense(1)\r\nEND FUNCTION\r\n");
     Editor again(folder, OpenArgument(file) + L" --compiler kvxb64");
     again.Do(IDM_VIEW_ASM);  // leaves less width than the longest line takes
     SetWindowPos(again.main, nullptr, 0, 0, 700, 420, SWP_NOZORDER);
