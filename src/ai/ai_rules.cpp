@@ -152,15 +152,14 @@ const wchar_t* ApplyProblem(AiReplyState state, bool about) {
             return Text(L"The last request about code of a document was not answered, so there is nothing to apply.");
         case AiReplyState::Cut:
             return Text(
-                L"The last reply is not complete, so its code is not put in place of yours. Tools > Insert Code at "
-                L"Caret takes what has come of it.");
+                L"The last reply is not complete, so its code is not put in place of yours. Tools > Insert Code of "
+                L"Chat at Caret takes what has come of it.");
         case AiReplyState::Whole: break;
     }
-    return about
-               ? nullptr
-               : Text(
-                     L"No code was sent that the last reply could take the place of. Tools > Insert Code at Caret puts "
-                     L"code of the chat into the document.");
+    return about ? nullptr
+                 : Text(
+                       L"No code was sent that the last reply could take the place of. Tools > Insert Code of Chat at "
+                       L"Caret puts it into the document.");
 }
 
 std::string WithoutKey(std::string text, std::string_view key) {

@@ -1,11 +1,13 @@
 // The commands as the user meets them: menu, table and keys agree, and each command is enabled and checked when it
 // should be. Reads src/resources/app.rc.
+#include "base/utf8.h"
 #include "commands/command_table.h"
 #include "commands/context_menu.h"
 #include "commands/edit_fields.h"
 #include "commands/keyboard_map_rows.h"
 #include "editor/pane_settings.h"
 #include "resources/ids.h"
+#include "settingsui/settings_pages.h"
 #include "support/golden_file.h"
 #include "ui/pane_id.h"
 
@@ -211,6 +213,61 @@ TEST(Commands, MenuTableAndKeysAgree) {
         const int shown = item.command == IDM_DEBUG_START ? IDM_BUILD_RUN : item.command;
         EXPECT_EQ(key->second, shown) << item.text << " shows " << item.key;
     }
+}
+
+// For each menu of the bar what stands in it at any depth, as a text would name it: "Build & Run". The pages of the
+// settings dialog stand under "Settings".
+std::map<std::string, std::vector<std::string>> NamesInMenus() {
+    std::map<std::string, std::vector<std::string>> names;
+    std::istringstream lines(ReadBytes(std::string(KVX_ROOT_DIR) + "/src/resources/app.rc"));
+    const std::regex row(R"rx(^( *)(POPUP|MENUITEM) "([^"]*)")rx");
+    std::smatch found;
+    std::string menu;
+    for (std::string line; std::getline(lines, line);) {
+        if (!std::regex_search(line, found, row)) continue;
+        const std::string shown = std::regex_replace(found[3].str(), std::regex(R"((\.\.\.)?(\\t.*)?$)"), "");
+        const std::string name = std::regex_replace(shown, std::regex("&(&?)"), "$1");
+        if (found[1].length() == 4 && found[2] == "POPUP")
+            menu = name;
+        else
+            names[menu].push_back(name);
+    }
+    for (const SettingsPage& page : SettingsPages()) names["Settings"].emplace_back(ToUtf8(page.title));
+    return names;
+}
+
+// Who is sent to a menu item or a page finds it there. The texts of the program, its pages of help, and the readme.
+TEST(Commands, TextsNameMenuItemsAndPagesThatExist) {
+    static const std::set<std::string> kOfOldTexts = {"Settings > AI.", "Settings > OAI", "Settings > OpenAI.",
+                                                      "Tools > OpenAI"};
+    const std::map<std::string, std::vector<std::string>> names = NamesInMenus();
+    std::vector<std::string> files = {"src/resources/texts.txt", "README.md"};
+    for (const auto& entry : std::filesystem::directory_iterator(std::string(KVX_ROOT_DIR) + "/docs"))
+        if (entry.path().extension() == ".md") files.push_back("docs/" + entry.path().filename().string());
+    const std::regex place(
+        R"(\b(File|Edit|Search|View|Compiler|Project|Debug|Tools|Window|Help|Settings) > ([A-Z].*))");
+    int seen = 0;
+    for (const std::string& file : files) {
+        std::string text = ReadBytes(std::string(KVX_ROOT_DIR) + "/" + file);
+        if (file.ends_with(".md")) text = std::regex_replace(text, std::regex("[*`]|\n(?![\n|#-])"), " ");
+        text = std::regex_replace(text, std::regex(" +"), " ");
+        std::istringstream lines(text);
+        std::smatch found;
+        for (std::string line; std::getline(lines, line);) {
+            for (; std::regex_search(line, found, place); line = found[2]) {
+                const std::string whole = found[0], rest = found[2];
+                const auto isThere = [&](const std::string& name) {
+                    return rest.starts_with(name) && (rest.size() == name.size() ||
+                                                      std::isalnum(static_cast<unsigned char>(rest[name.size()])) == 0);
+                };
+                const auto isOld = [&](const std::string& old) { return whole.starts_with(old); };
+                EXPECT_TRUE(std::ranges::any_of(names.at(found[1]), isThere) || std::ranges::any_of(kOfOldTexts, isOld))
+                    << file << ": " << whole;
+                ++seen;
+            }
+        }
+    }
+    EXPECT_GT(seen, 40);
 }
 
 // The keys that the editing control has by itself, as the menus write them: "Ctrl+Shift+T".
