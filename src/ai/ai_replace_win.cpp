@@ -123,9 +123,10 @@ void OfferNewDocument(const wchar_t* problem, const char* code) {
     const std::wstring text = TextWith(L"{1}, so nothing was replaced. Put the code into a new document?", {problem});
     const UserQuestion question = {.caption = kProgramCaption,
                                    .text = text.c_str(),
-                                   .buttons = AskButtons::YesNo,
+                                   .buttons = AskButtons::OkCancel,
                                    .icon = AskIcon::Warning,
-                                   .inSelftest = Answer::Yes};
+                                   .inSelftest = Answer::Yes,
+                                   .yes = Text(L"&New Document")};
     if (AskUser(question) == Answer::Yes) TabBarActivate(AddReplyDocument(code));
 }
 

@@ -127,7 +127,8 @@ void NewWorkspace() {
                  .text = text.c_str(),
                  .buttons = AskButtons::OkCancel,
                  .icon = AskIcon::Question,
-                 .inSelftest = Answer::Yes}) != Answer::Yes)
+                 .inSelftest = Answer::Yes,
+                 .yes = Text(L"Close &Files")}) != Answer::Yes)
         return;
     WorkspaceNew();
 }

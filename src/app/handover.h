@@ -25,6 +25,7 @@ bool HandOver(const std::vector<std::wstring>& files);
 // In the running copy: WM_COPYDATA. Returns whether it was a handover. The files are opened when no box is open.
 bool HandoverTake(const COPYDATASTRUCT& data);
 // Opens a file as the command line names it, at the place that may follow its name: "path", "path:line:column".
-void OpenPlace(const std::wstring& text);
+// `problem` gets what a failure would tell in a message box; null: the box.
+void OpenPlace(const std::wstring& text, std::wstring* problem = nullptr);
 // Opens what waits. Called when the message queue is empty.
 void HandoverOpenWaiting();

@@ -104,12 +104,13 @@ void HandoverOpenWaiting() {
     for (const std::wstring& file : std::exchange(g_filesWaiting, {})) OpenPlace(file);
 }
 
-void OpenPlace(const std::wstring& text) {
+void OpenPlace(const std::wstring& text, std::wstring* problem) {
     const bool whole = PathAnswers(text.c_str()) && FileExists(text.c_str());
     const FilePlace place = whole ? FilePlace{.path = text} : ParseFilePlace(text);
     const bool asText = place.line > 0 && FileIsProject(place.path.c_str());
-    const int opened = asText ? FileShow(place.path.c_str(), false) : FileOpen(place.path.c_str());
+    const int opened = asText ? FileShow(place.path.c_str(), false) : FileOpen(place.path.c_str(), problem);
     if (opened == 0 || place.line == 0) return;
     const DocumentTab& document = TabAt(g_app.activeTab);
     CaretGoTo(document.editor, CaretPositionOfFileColumn(document, place.line - 1, std::max(place.column - 1, 0)));
+    CaretShowInMiddle(document.editor);
 }

@@ -110,6 +110,7 @@ void MainWindow_Layout() {
     const PaneSpec* focused = PaneOfWindow(GetFocus());
     g_placed = ComputePaneLayout(LayoutInputOf(client.right, client.bottom));
     PlaceChildren(g_placed);
+    SplittersRaiseGrips();
     AsmPaneOnPlaced();
     QuickOpenPlace();
     AiRenewMarks();

@@ -116,9 +116,18 @@ void SelectCompiler(int id) {
     SettingsChange([id](Settings& settings) { OverrideCompiler(g_app.overrides, settings, id); });
 }
 
-void RunStep(const CommandLineStep& step) {
+// Opens a file before the window is ready. A failure is told later, because a box now would keep the rest of the start
+// waiting.
+void OpenAtStart(const std::wstring& file, std::wstring& problems) {
+    std::wstring problem;
+    OpenPlace(file, &problem);
+    if (!problem.empty()) problems += (problems.empty() ? L"" : L"\n\n") + problem;
+}
+
+// `problems` gets what the user is to be told of files.
+void RunStep(const CommandLineStep& step, std::wstring& problems) {
     switch (step.action) {
-        case CommandLineAction::Open: OpenPlace(step.text); break;
+        case CommandLineAction::Open: OpenAtStart(step.text, problems); break;
         case CommandLineAction::SetCompiler: SelectCompiler(step.number); break;
         case CommandLineAction::SetFont:
             SettingsChange([&](Settings& settings) { OverrideFont(g_app.overrides, settings, step.text); });
@@ -137,12 +146,14 @@ void RunStep(const CommandLineStep& step) {
 // those before it and those after it.
 void ParseCommandLine(const char* raw) {
     int compiler = -1;
+    std::wstring problems;
     for (const CommandLineStep& step : ParseCommandLineSteps(Arguments(raw))) {
         if (step.action == CommandLineAction::Open && FileWorkCloseIsQueued()) continue;
         if (step.action == CommandLineAction::SetCompiler) compiler = step.number;
-        RunStep(step);
+        RunStep(step, problems);
         if (step.action == CommandLineAction::Open && compiler >= 0) SelectCompiler(compiler);
     }
+    if (!problems.empty()) g_events.noticeWanted(problems.c_str());
 }
 
 void InitControls() {

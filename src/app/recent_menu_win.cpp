@@ -75,9 +75,10 @@ bool IsThere(const RecentList& list, int row, const std::wstring& path) {
         FormatW(Text(L"This file is not there at the moment:\n%s\n\nRemove it from the list?"), path.c_str());
     if (AskUser({.caption = kProgramCaption,
                  .text = text.c_str(),
-                 .buttons = AskButtons::YesNo,
+                 .buttons = AskButtons::OkCancel,
                  .icon = AskIcon::Question,
-                 .inSelftest = Answer::No}) == Answer::Yes)
+                 .inSelftest = Answer::No,
+                 .yes = Text(L"&Remove")}) == Answer::Yes)
         RemoveRow(list, row);
     return false;
 }

@@ -1,15 +1,24 @@
 // Refreshes the toolbar and the status bar when the message queue is empty. UI thread.
 #include "app/main_window.h"
 
+#include "ai/ai_requests.h"
 #include "app/app_state.h"
 #include "app/handover.h"
 #include "app/pane_titles.h"
 #include "commands/command_state.h"
 #include "commands/status_bar.h"
 #include "commands/toolbar.h"
+#include "compile/build.h"
+#include "compile/build_stage.h"
 #include "completion/completion.h"
+#include "debugui/debug_run.h"
+#include "documents/document_row.h"
+#include "documents/file_commands.h"
+#include "documents/file_work.h"
+#include "output/mark_view.h"
 #include "resources/ids.h"
 #include "symbols/outline_pane.h"
+#include "ui/long_work.h"
 
 #include <utility>
 
@@ -24,10 +33,22 @@ struct Refresh {
 };
 Refresh g_refresh;
 
+// What the status bar tells is no news any more once the user goes on; what lasts stays: work that runs, the diagnostic of
+// the caret's line, a text that could not be saved, a replacement that waits.
+void PassMessage() {
+    const DocumentId active = ActiveDocumentId();
+    const bool runs = CompilerIsBuilding() || StageRuns() || AiRequestsRun() || FileWorkRuns() || LongWorkRuns() ||
+                      DebugFlowNow().phase != DebugPhase::None;
+    const bool lasts = SourceMarksAreTold(active) || FileSaveHasFailed(active) ||
+                       (g_app.aiDoPending && g_app.aiReplacement.target.document == active);
+    if (!runs && !lasts) StatusBarPassText();
+}
+
 void ShowPosition() {
     if (std::exchange(g_refresh.positionWaits, false)) KillTimer(g_app.hMainWnd, TIMER_POSITION);
     g_refresh.positionAt = GetTickCount64();
     StatusBarUpdatePosition();
+    PassMessage();
     OutlineOnCaret();
 }
 

@@ -7,16 +7,21 @@
 #include "documents/document_row.h"
 #include "resources/ids.h"
 #include "ui/chrome.h"
+#include "ui/dpi.h"
 #include "ui/paint.h"
 #include "ui/window_class.h"
 
+#include <algorithm>
 #include <array>
 #include <iterator>
+#include <string>
 #include <utility>
 
 namespace {
 
 constexpr wchar_t kSplitterClass[] = L"KxeSplitter";
+constexpr wchar_t kGripClass[] = L"KxeSplitterGrip";
+constexpr int kGripBeside = 3;     // at 96 dpi, on each side of the bar, which is too thin to be hit
 constexpr int kKeyStep = 8;        // pixels that an arrow key moves a bar; with Ctrl one
 constexpr int kAllTheWay = 20000;  // more than any window
 
@@ -41,6 +46,7 @@ static_assert(std::size(kSplitters) == kSplitterCount);
 
 struct Splitters {
     std::array<HWND, kSplitterCount> windows = {};  // in the order of kSplitters
+    std::array<HWND, kSplitterCount> grips = {};    // of the windows
     bool dragged = false;
     POINT start = {};       // screen coordinates, because the bar itself moves
     int startValue = 0;     // of the drag
@@ -149,6 +155,57 @@ LRESULT EraseSplitter(HWND window, HDC dc) {
     return 1;
 }
 
+// ------------------------------------------------------------------------------------------------------------ grips
+// A grip lies over a bar and a little of the panes beside it. It paints nothing and hides nothing (WS_EX_TRANSPARENT), and
+// gives the mouse to the bar.
+
+LRESULT CALLBACK GripProc(HWND grip, UINT message, WPARAM wParam, LPARAM lParam) {
+    const auto bar = reinterpret_cast<HWND>(GetWindowLongPtrW(grip, GWLP_USERDATA));
+    switch (message) {
+        case WM_SETCURSOR:
+        case WM_LBUTTONDOWN:
+        case WM_LBUTTONDBLCLK: return SplitterProc(bar, message, wParam, lParam);
+        case WM_ERASEBKGND: return 1;
+        default: return DefWindowProcW(grip, message, wParam, lParam);
+    }
+}
+
+HWND CreateGrip(HWND bar, const SplitterRow& row) {
+    static const ATOM registered = [] {
+        WNDCLASSEXW description = {};
+        description.cbSize = sizeof(description);
+        description.style = CS_DBLCLKS;
+        description.lpfnWndProc = GripProc;
+        description.hInstance = g_app.hInstance;
+        description.lpszClassName = kGripClass;
+        return RegisterClassExW(&description);
+    }();
+    if (registered == 0) return nullptr;
+    const std::wstring name = TextWith(L"Grip: {1}", {Text(row.name)});  // for screen readers
+    const HWND grip = CreateWindowExW(WS_EX_TRANSPARENT, kGripClass, name.c_str(), WS_CHILD, 0, 0, 0, 0, g_app.hMainWnd,
+                                      nullptr, g_app.hInstance, nullptr);
+    if (grip != nullptr) SetWindowLongPtrW(grip, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(bar));
+    return grip;
+}
+
+// Follows the bar, which has moved, or is shown or hidden now.
+void PlaceGrip(HWND bar) {
+    for (std::size_t i = 0; i < std::size(kSplitters); ++i) {
+        if (g_splitters.windows[i] != bar) continue;
+        HWND& grip = g_splitters.grips[i];
+        if (grip == nullptr) grip = CreateGrip(bar, kSplitters[i]);
+        RECT area = {};
+        GetWindowRect(bar, &area);
+        MapWindowPoints(nullptr, g_app.hMainWnd, reinterpret_cast<POINT*>(&area), 2);
+        const bool up = SplitterMovesUp(kSplitters[i].kind);
+        InflateRect(&area, up ? 0 : UiScaled(kGripBeside), up ? UiScaled(kGripBeside) : 0);
+        const bool shown = (GetWindowLongW(bar, GWL_STYLE) & WS_VISIBLE) != 0;
+        SetWindowPos(
+            grip, nullptr, area.left, area.top, area.right - area.left, area.bottom - area.top,
+            SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOREDRAW | static_cast<UINT>(shown ? SWP_SHOWWINDOW : SWP_HIDEWINDOW));
+    }
+}
+
 HWND CreateSplitter(const SplitterRow& row) {
     // EraseSplitter fills the bar, whatever the brush of its class.
     static const bool registered = WindowClassRegister({.name = kSplitterClass,
@@ -171,6 +228,19 @@ HWND SplitterWindow(Splitter kind, bool wanted) {
         return window;
     }
     return nullptr;
+}
+
+void SplittersRaiseGrips() {
+    const auto isGrip = [](HWND window) {
+        return window != nullptr && std::ranges::find(g_splitters.grips, window) != g_splitters.grips.end();
+    };
+    const auto grips = std::ranges::count_if(g_splitters.grips, [](HWND grip) { return grip != nullptr; });
+    std::ptrdiff_t above = 0;
+    for (HWND each = GetWindow(g_app.hMainWnd, GW_CHILD); isGrip(each); each = GetWindow(each, GW_HWNDNEXT)) ++above;
+    if (above == grips) return;
+    for (const HWND grip : g_splitters.grips)
+        if (grip != nullptr)
+            SetWindowPos(grip, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | SWP_NOREDRAW);
 }
 
 void SplittersTakeKeys() {
@@ -196,6 +266,7 @@ LRESULT CALLBACK SplitterProc(HWND window, UINT message, WPARAM wParam, LPARAM l
             // Without SWP_NOCOPYBITS the bar would, under Wine, copy what its neighbours have painted at its old place.
             reinterpret_cast<WINDOWPOS*>(lParam)->flags |= SWP_NOCOPYBITS;
             return 0;
+        case WM_WINDOWPOSCHANGED: PlaceGrip(window); return 0;
         case WM_ERASEBKGND: return EraseSplitter(window, reinterpret_cast<HDC>(wParam));
         case WM_LBUTTONDOWN: BeginSplitterDrag(window); return 0;
         case WM_LBUTTONDBLCLK: RestoreSplitter(row); return 0;

@@ -159,6 +159,7 @@ void OpenFound(const QuickItem& item, const QuickQuery& query) {
     if (shown && query.line > 0) {
         const DocumentTab& document = TabAt(g_documents.activeTab);
         CaretGoTo(document.editor, CaretPositionOfFileColumn(document, query.line - 1, std::max(query.column - 1, 0)));
+        CaretShowInMiddle(document.editor);
     }
     QueueFocusCurrentEditor();
 }

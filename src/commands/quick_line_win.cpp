@@ -39,6 +39,7 @@ void GoToTypedLine(const QuickItem&, const QuickQuery& query) {
     const DocumentTab& document = TabAt(g_documents.activeTab);
     const LRESULT line = std::min<LRESULT>(query.line, LinesOfActive()) - 1;
     CaretGoTo(document.editor, CaretPositionOfFileColumn(document, line, std::max(query.column - 1, 0)));
+    CaretShowInMiddle(document.editor);
     FocusCurrentEditor();
 }
 

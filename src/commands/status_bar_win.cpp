@@ -35,6 +35,7 @@ std::array<std::wstring, kStatusPartCount> g_texts;
 
 // The document that the message is about; 0: about none.
 DocumentId g_textAbout = 0;
+ULONGLONG g_textSince = 0;  // GetTickCount64 value when the message came
 
 // True while the control takes a text. It then asks for a paint at once, which would delay the keys that wait: the part
 // stays invalid and is painted when the message queue is empty.
@@ -238,6 +239,7 @@ void StatusBarApplyTheme() {
 
 void StatusBarSetText(const wchar_t* text) {
     g_textAbout = 0;
+    g_textSince = GetTickCount64();
     SetStatusPart(kMessage, text != nullptr ? text : L"");
 }
 
@@ -250,6 +252,11 @@ void StatusBarSetDocumentText(DocumentId document, const wchar_t* text) {
 
 void StatusBarForgetOthers(DocumentId document) {
     if (g_textAbout != 0 && g_textAbout != document) StatusBarSetText(L"");
+}
+
+void StatusBarPassText() {
+    constexpr ULONGLONG kReadMs = 8000;  // in which everybody has read it
+    if (!g_texts[kMessage].empty() && GetTickCount64() - g_textSince >= kReadMs) StatusBarSetText(L"");
 }
 
 void StatusBarSetProgress(const wchar_t* text) { SetStatusPart(kProgress, text != nullptr ? text : L""); }

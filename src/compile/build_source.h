@@ -35,13 +35,12 @@ std::wstring BuiltWhichText(std::wstring_view project, std::wstring_view source,
 
 // Whether the file is of a type that is only included by others.
 bool IsIncludeFile(std::wstring_view path);
-// Whether a source includes a file of that name, in any folder. Looks at lines that begin with #INCLUDE or $INCLUDE.
-bool IncludesFile(std::string_view source, std::wstring_view fileName);
 
 // --- build_source_win.cpp
 
 // The open document to whose program an include file belongs: that of the last build if it includes the file, else the
-// only one that does. -1: there is none, or (`several`) one cannot tell which.
+// only one that does. Where none includes it itself, included files are looked at, on a worker for which the command
+// waits. -1: there is none, or (`several`) one cannot tell which.
 int TabOfProgramWith(std::wstring_view includeFile, bool* several);
 
 // Nothing: no project is open. Raises projectChanged.

@@ -257,6 +257,7 @@ void Accept(std::size_t index) {
         Ask(editor, SCI_ENDUNDOACTION);
     }
     Ask(editor, SCI_SETEMPTYSELECTION, caret);
+    EditorPaneAfterClosingWord(editor);
     Ask(editor, SCI_SCROLLCARET);
     Ask(editor, SCI_CHOOSECARETX);
 }

@@ -163,6 +163,8 @@ void SnippetInsert(HWND editor, LRESULT start, LRESULT end, const Snippet& snipp
             {field.number, start + static_cast<LRESULT>(field.start), start + static_cast<LRESULT>(field.end)});
     MarkFields();
     GoToFields(NumberBeside(true));
+    // The body comes into sight too, as far as there is room; the caret's field comes first.
+    Ask(editor, SCI_SCROLLRANGE, start + static_cast<LRESULT>(made.text.size()), Ask(editor, SCI_GETCURRENTPOS));
 }
 
 bool SnippetTakesKey(HWND editor, WPARAM key) {

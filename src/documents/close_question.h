@@ -1,4 +1,4 @@
-// One question about the changes of several documents that are to be closed. Modal. UI thread only.
+// One question about the changes of documents that are to be closed by a command that closes all it can. Modal. UI thread only.
 #pragma once
 
 #include "base/events.h"

@@ -1,4 +1,4 @@
-// The dialog about the changes of several documents. UI thread.
+// The dialog about the changes of documents that are to be closed. UI thread.
 #include "documents/close_question.h"
 
 #include "base/log.h"
@@ -52,10 +52,17 @@ constexpr ListKind kCloseList = {.columns = kColumns, .hasMarks = true, .check =
 
 void FillCloseDialog(HWND dialog, CloseDialog& close) {
     close.dialog = dialog;
-    const std::wstring text = FormatW(
-        Text(L"%d documents have unsaved changes. The ticked ones are saved; the changes of the others are lost."),
-        static_cast<int>(close.rows->size()));
+    const std::wstring text =
+        close.rows->size() == 1
+            ? TextWith(L"{1} has unsaved changes.", {close.rows->front().label})
+            : FormatW(Text(L"%d documents have unsaved changes. The ticked ones are saved; the changes of the others "
+                           L"are lost."),
+                      static_cast<int>(close.rows->size()));
     SetDlgItemTextW(dialog, IDC_CLOSE_WHAT, text.c_str());
+    if (close.rows->size() == 1) {
+        SetDlgItemTextW(dialog, IDC_CLOSE_SAVE, Text(L"&Save"));
+        SetDlgItemTextW(dialog, IDC_CLOSE_DISCARD, Text(L"&Discard"));
+    }
     close.list.inDialog = true;
     if (!ListViewCreate(close.list, dialog, IDC_CLOSE_LIST)) return;
     DialogPutInPlace(dialog, IDC_CLOSE_LIST, close.list.window);
@@ -88,7 +95,7 @@ INT_PTR CALLBACK CloseDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM l
 // A test, or a self-test run, answers in the user's place: Yes saves all.
 CloseAnswer AnsweredInstead() {
     const Answer answer = AskUser({.caption = Text(L"Unsaved Changes"),
-                                   .text = Text(L"Several documents have unsaved changes."),
+                                   .text = Text(L"Documents have unsaved changes."),
                                    .buttons = AskButtons::YesNoCancel,
                                    .icon = AskIcon::Question,
                                    .inSelftest = Answer::No});

@@ -12,8 +12,10 @@
 
 int FileNew();  // 0 when no document could be added
 // Null: asks with the open dialog. Shows a file that is open already. A project file is not shown: it opens its project.
-int FileOpen(const wchar_t* path);
-bool FileIsProject(const wchar_t* path);  // by its name
+// `problem` gets what a failure would tell in a message box; null: the box.
+int FileOpen(const wchar_t* path, std::wstring* problem = nullptr);
+bool FileSaveHasFailed(DocumentId document);  // the status bar says so
+bool FileIsProject(const wchar_t* path);      // by its name
 // Shows a file on behalf of another command (a debugger stop, an error line, a session), and opens it when it is not
 // open. Leaves the active compiler, the recent files and the last folder as they are. `quiet`: a failure shows no
 // message box.

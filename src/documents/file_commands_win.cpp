@@ -6,6 +6,7 @@
 #include "base/handles.h"
 #include "base/log.h"
 #include "base/path.h"
+#include "base/system_error.h"
 #include "base/texts.h"
 #include "base/wide_format.h"
 #include "documents/close_question.h"
@@ -62,8 +63,18 @@ Answer AskSaveChanges(const wchar_t* label) {
 
 enum class Opened { Failed, WasOpen, New };
 
-// Shows the document of the file at an absolute path, and opens it when it is not open.
-Opened ShowDocument(const wchar_t* file, bool quiet) {
+// Why a file cannot be read, as far as another try tells; follows the message about it.
+std::wstring UnreadableText(const wchar_t* file) {
+    if (!PathAnswers(file)) return Text(L"\n\nIts drive or its computer does not answer.");
+    if (DirectoryExists(file)) return Text(L"\n\nIt is a folder.");
+    const UniqueHandle again{CreateFileW(PathForSystem(file).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)};
+    const std::wstring reason = again ? std::wstring() : SystemErrorText(GetLastError());
+    return reason.empty() ? reason : L"\n\n" + reason;
+}
+
+// Shows the document of the file at an absolute path, and opens it when it is not open. `problem`: as of FileOpen.
+Opened ShowDocument(const wchar_t* file, bool quiet, std::wstring* problem = nullptr) {
     const int existing = TabBarFindFile(file);
     if (existing >= 0) {
         TabBarSelect(existing);
@@ -74,10 +85,16 @@ Opened ShowDocument(const wchar_t* file, bool quiet) {
     LoadEnd why = LoadEnd::Unreadable;
     const int tab = TabBarAdd(file, label, &why);
     if (tab < 0) {
-        if (why == LoadEnd::Cancelled)
+        if (why == LoadEnd::Cancelled) {
             g_events.documentStatus(ActiveDocumentId(), FormatW(Text(L"Opening %s was cancelled"), label).c_str());
-        else if (!quiet)
-            ErrorMessage(Text(L"Failed to open file: %s%s"), file, LoadFailureText(why).c_str());
+        } else if (!quiet) {
+            const std::wstring reason = why == LoadEnd::Unreadable ? UnreadableText(file) : LoadFailureText(why);
+            const std::wstring told = FormatW(Text(L"Failed to open file: %s%s"), file, reason.c_str());
+            if (problem != nullptr)
+                *problem = told;
+            else
+                ErrorMessage(L"%s", told.c_str());
+        }
         return Opened::Failed;
     }
     TabBarSelect(tab);
@@ -96,7 +113,7 @@ int FileNew() {
     return 1;
 }
 
-int FileOpen(const wchar_t* path) {
+int FileOpen(const wchar_t* path, std::wstring* problem) {
     std::wstring chosen;
     if (path == nullptr) {
         wchar_t directory[kPathCapacity] = {};
@@ -111,7 +128,7 @@ int FileOpen(const wchar_t* path) {
         g_events.projectChosen(file, &open);
         return open ? 1 : 0;
     }
-    const Opened opened = ShowDocument(file, false);
+    const Opened opened = ShowDocument(file, false, problem);
     if (opened == Opened::New) {
         SelectCompilerFor(file);
         MruAddFile(file);
@@ -200,8 +217,9 @@ static std::vector<DocumentId> SaveTicked(const std::vector<CloseRow>& rows) {
     return stay;
 }
 
-static std::vector<DocumentId> AskAboutMany(const std::vector<DocumentId>& documents) {
+static std::vector<DocumentId> AskAboutAll(const std::vector<DocumentId>& documents) {
     std::vector<CloseRow> rows;
+    if (documents.size() == 1) TabBarSelect(TabBarFindDocument(documents.front()));  // what the question is about
     for (const DocumentId document : documents) {
         const DocumentTab& tab = TabAt(TabBarFindDocument(document));
         rows.push_back({.document = document, .label = tab.label, .folder = tab.hasFile ? FolderOf(tab.path) : L""});
@@ -218,11 +236,7 @@ static std::vector<DocumentId> AskAboutMany(const std::vector<DocumentId>& docum
 }
 
 int FileConfirmCloseAll(const std::vector<DocumentId>& documents, std::vector<DocumentId>* refused) {
-    const auto confirm = [](DocumentId document) {
-        TabBarSelect(TabBarFindDocument(document));  // shows what the question is about
-        return FileConfirmClose(TabBarFindDocument(document)) != 0;
-    };
-    return ConfirmClosing(documents, {DocumentRowEntries, confirm, AskAboutMany}, refused) ? 1 : 0;
+    return ConfirmClosing(documents, {DocumentRowEntries, AskAboutAll}, refused) ? 1 : 0;
 }
 
 // The document that is shown while others are closed, so that no neighbour is shown, or read, after each: `kept`, or the

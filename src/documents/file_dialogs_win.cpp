@@ -41,9 +41,10 @@ bool OfferFolder(const std::wstring& folder) {
     const std::wstring text = FormatW(Text(L"The folder %s does not exist.\n\nMake it?"), folder.c_str());
     const Answer answer = AskUser({.caption = kProgramCaption,
                                    .text = text.c_str(),
-                                   .buttons = AskButtons::YesNo,
+                                   .buttons = AskButtons::OkCancel,
                                    .icon = AskIcon::Question,
-                                   .inSelftest = Answer::No});
+                                   .inSelftest = Answer::No,
+                                   .yes = Text(L"&Make Folder")});
     if (answer != Answer::Yes) return false;
     if (MakeFolder(folder)) return true;
     const std::wstring reason = SystemErrorText(GetLastError());

@@ -71,7 +71,9 @@ Answer AskAboutAnsi(const wchar_t* label) {
                     .text = AnsiQuestion(label).c_str(),
                     .buttons = AskButtons::YesNoCancel,
                     .icon = AskIcon::Warning,
-                    .inSelftest = Answer::Yes});
+                    .inSelftest = Answer::Yes,
+                    .yes = Text(L"Save as &UTF-8"),
+                    .no = Text(L"Save as &ANSI")});
 }
 
 struct EditorText {
@@ -121,12 +123,14 @@ int SaveUnderNewName(DocumentId document);
 FormChoice AskForm(DocumentId document, FileBinding& binding) {
     const int tab = TabBarFindDocument(document);
     const bool sameFile = tab >= 0 && PathEqualsIgnoreCase(TabAt(tab).path, binding.path);
-    return ChooseForm(binding, sameFile, [](const std::wstring& text) {
+    return ChooseForm(binding, sameFile, [](const FormQuestion& form) {
         return AskUser({.caption = kProgramCaption,
-                        .text = text.c_str(),
+                        .text = form.text.c_str(),
                         .buttons = AskButtons::YesNoCancel,
                         .icon = AskIcon::Warning,
-                        .inSelftest = Answer::Cancel});
+                        .inSelftest = Answer::Cancel,
+                        .yes = form.yes.c_str(),
+                        .no = form.no.c_str()});
     });
 }
 
@@ -272,13 +276,14 @@ enum class SaveNext : std::uint8_t { Saved, NotSaved, Again, OtherName };
 
 // A file that must not be written may be made writable, when the user says so.
 SaveNext AskAboutReadOnly(const wchar_t* path, const std::wstring& told) {
-    const std::wstring text = told + ReadOnlyChoices();
     const Answer answer = AskUser({.caption = kProgramCaption,
-                                   .text = text.c_str(),
+                                   .text = told.c_str(),
                                    .buttons = AskButtons::YesNoCancel,
                                    .icon = AskIcon::Error,
                                    .inSelftest = Answer::Cancel,
-                                   .enterIsNo = true});
+                                   .enterIsNo = true,
+                                   .yes = Text(L"&Make Writable and Save"),
+                                   .no = Text(L"Save &As...")});
     if (answer != Answer::Yes) return answer == Answer::No ? SaveNext::OtherName : SaveNext::NotSaved;
     const std::wstring system = PathExtended(path);
     const DWORD attributes = GetFileAttributesW(system.c_str());
@@ -345,21 +350,31 @@ bool RecentFolder(wchar_t (&folder)[kPathCapacity]) {
     return folder[0] != L'\0' && PathAnswers(folder) && DirectoryExists(folder);
 }
 
-// Asks for the new name. False when the user cancelled, the path does not fit, or another document has that file.
+// False when another document has the file, which the user is told.
+bool IsFreeFor(DocumentId document, const wchar_t* path) {
+    const int other = TabBarFindFile(path);
+    if (other < 0 || TabAt(other).id == document) return true;
+    ErrorMessage(Text(L"%s is open in another tab. Close it there first, or choose another name."), path);
+    return false;
+}
+
+// Asks for the new name, and again when it cannot be used. False when the user cancelled.
 bool AskNewPath(DocumentId document, wchar_t* out, std::size_t capacity) {
     const DocumentTab& tab = TabAt(TabBarFindDocument(document));
     std::wstring chosen = tab.hasFile ? tab.path : NameToPropose(tab.label);
     wchar_t directory[kPathCapacity] = {};
     if (g_documents.lastDirectory[0] != L'\0' || !RecentFolder(directory))
         FileOpenResolveInitialDirectory(directory, kPathCapacity);
-    if (!AskSavePath(chosen, directory) || !PathNormalizeInput(chosen.c_str(), out, capacity)) return false;
-    if (!OfferFolder(FolderOf(out))) return false;
-    const int other = TabBarFindFile(out);
-    if (other >= 0 && TabAt(other).id != document) {
-        ErrorMessage(Text(L"%s is open in another tab. Close it there first, or choose another name."), out);
-        return false;
+    for (;;) {
+        if (!AskSavePath(chosen, directory) || !PathNormalizeInput(chosen.c_str(), out, capacity)) return false;
+        if (OfferFolder(FolderOf(out)) && IsFreeFor(document, out)) return true;
+        if (TabBarFindDocument(document) < 0 || g_selftestTabsMode) return false;
+        // What was typed is not typed again. The dialog takes no folder that is missing.
+        chosen = FileNameOf(out);
+        std::wstring folder = FolderOf(out);
+        while (!DirectoryExists(folder.c_str()) && FolderOf(folder).size() < folder.size()) folder = FolderOf(folder);
+        SafeCopyW(directory, folder);
     }
-    return true;
 }
 
 int SaveUnderNewName(DocumentId document) {
@@ -388,6 +403,8 @@ bool HasText(int tab) {
 }
 
 }  // namespace
+
+bool FileSaveHasFailed(DocumentId document) { return document != 0 && g_save.failed == document; }
 
 int FileSave(int tab) {
     const SaveGuard guard;

@@ -109,9 +109,8 @@ std::wstring OutsideGoneText(const std::wstring& label) {
 
 std::wstring OutsideMovedText(const std::wstring& label, const std::wstring& newLabel) {
     return TextWith(
-        L"{1} was renamed to {2} by another program.\n\nUse the new name for this document?\n\nYes: it is {3} from now "
-        L"on\nNo: it keeps its name, and a save writes the file again",
-        {label, newLabel, newLabel});
+        L"{1} was renamed to {2} by another program.\n\nWith the old name, a save writes the file {3} again.",
+        {label, newLabel, label});
 }
 
 std::wstring OutsideReadOnlyText(const std::wstring& label) {

@@ -234,7 +234,9 @@ void AskAboutName(const DocumentTab& tab) {
                                    .text = OutsideMovedText(tab.label, std::wstring(FileNameOf(path))).c_str(),
                                    .buttons = AskButtons::YesNo,
                                    .icon = AskIcon::Question,
-                                   .inSelftest = Answer::No});
+                                   .inSelftest = Answer::No,
+                                   .yes = Text(L"&Use New Name"),
+                                   .no = Text(L"&Keep Old Name")});
     const int index = TabBarFindDocument(document);
     if (answer == Answer::Yes && index >= 0 && TabAt(index).outside.movedTo == path && MayUseNewName(TabAt(index)))
         UseNewName(index);

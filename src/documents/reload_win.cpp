@@ -46,14 +46,17 @@ void RestoreView(HWND editor, const ViewPosition& view) {
     SciSend(editor, SCI_SETFIRSTVISIBLELINE, static_cast<WPARAM>(view.firstLine));
 }
 
-// Asks before unsaved changes are lost, although Undo brings most of them back.
+// Asks before unsaved changes go. Undo brings them back when the lines of the file take the place of those in the editor.
 bool MayDiscardChanges(const DocumentTab& document) {
     if (!document.modified) return true;
+    const bool undone = !EditorPaneIsPlain(document.editor) && SciSend(document.editor, SCI_GETREADONLY) == 0;
     return AskUser({.caption = Text(L"Unsaved Changes"),
-                    .text = ReloadQuestion(document.label).c_str(),
-                    .buttons = AskButtons::YesNo,
-                    .icon = AskIcon::Question,
-                    .inSelftest = Answer::Yes}) == Answer::Yes;
+                    .text = ReloadQuestion(document.label, undone).c_str(),
+                    .buttons = AskButtons::OkCancel,
+                    .icon = undone ? AskIcon::Question : AskIcon::Warning,
+                    .inSelftest = Answer::Yes,
+                    .enterIsNo = true,
+                    .yes = Text(L"&Reload")}) == Answer::Yes;
 }
 
 // For an editor that had no memory for the whole text. Removes the document's file name, so that no later save (the

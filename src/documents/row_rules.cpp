@@ -79,11 +79,7 @@ bool ConfirmClosing(std::span<const DocumentId> candidates, const ClosingQuestio
             asked.push_back(document);
         }
         if (now.empty()) return refused == nullptr || refused->empty();
-        std::vector<DocumentId> stay;
-        if (now.size() > 1)
-            stay = questions.many(now);
-        else if (!questions.one(now.front()))
-            stay = now;
+        std::vector<DocumentId> stay = questions.ask(now);
         std::erase_if(stay, [&](DocumentId document) { return !IsInRow(questions.row(), document); });
         if (stay.empty()) continue;
         if (refused == nullptr) return false;

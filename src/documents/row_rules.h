@@ -50,9 +50,8 @@ DocumentId NextToAskAbout(std::span<const RowEntry> row, std::span<const Documen
 // Who asks before documents are closed.
 struct ClosingQuestions {
     std::function<std::vector<RowEntry>()> row;  // of this moment
-    std::function<bool(DocumentId)> one;         // false: the document stays open
-    // About several in one question; returns those that stay open.
-    std::function<std::vector<DocumentId>(const std::vector<DocumentId>&)> many;
+    // One question about all of them; returns those that stay open.
+    std::function<std::vector<DocumentId>(const std::vector<DocumentId>&)> ask;
 };
 // Asks about those of `candidates` (empty: of the row) that have changes: once about all of them, and again about those
 // that have got changes meanwhile. Returns false at the first that stays open; with `refused` (may be null) it goes on,

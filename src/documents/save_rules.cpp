@@ -46,21 +46,21 @@ std::optional<TextEncoding> EncodingToSave(TextEncoding own, bool ansiHoldsText,
     return std::nullopt;
 }
 
-FormChoice ChooseForm(FileBinding& binding, bool sameFile, const std::function<Answer(const std::wstring& text)>& ask) {
+FormChoice ChooseForm(FileBinding& binding, bool sameFile, const std::function<Answer(const FormQuestion&)>& ask) {
     const std::wstring label = binding.label;
     if (binding.form.inexact && sameFile) {
-        const Answer answer = ask(
-            TextWith(L"{1} holds bytes that the system's code page cannot decode. Saving over it loses them, also in "
-                     L"lines that you did not change.\n\nSave under another name instead?\n\nYes: choose another name, "
-                     L"this file stays as it is\nNo: save over this file, these bytes are lost\nCancel: do not save",
-                     {label}));
+        const Answer answer =
+            ask({TextWith(L"{1} holds bytes that the system's code page cannot decode. Saving over it loses them, also "
+                          L"in lines that you did not change.\n\nUnder another name, this file stays as it is.",
+                          {label}),
+                 Text(L"Save &As..."), Text(L"&Overwrite")});
         if (answer != Answer::No) return answer == Answer::Yes ? FormChoice::OtherName : FormChoice::Cancel;
     }
     if (binding.form.utf16 != Utf16Order::None && !binding.formConfirmed) {
         const Answer answer =
-            ask(TextWith(L"{1} is UTF-16 text, which most compilers do not read.\n\nKeep it UTF-16?\n\nYes: save as "
-                         L"UTF-16, as the file is now\nNo: save as {2}\nCancel: do not save",
-                         {label, (binding.encoding == TextEncoding::Ansi ? L"ANSI" : L"UTF-8")}));
+            ask({TextWith(L"{1} is UTF-16 text, which most compilers do not read. Keep it UTF-16?", {label}),
+                 Text(L"&Keep UTF-16"),
+                 binding.encoding == TextEncoding::Ansi ? Text(L"Save as &ANSI") : Text(L"Save as &UTF-8")});
         if (answer == Answer::Cancel) return FormChoice::Cancel;
         binding.formConfirmed = answer == Answer::Yes;
         if (answer == Answer::No) binding.form.utf16 = Utf16Order::None;
@@ -95,10 +95,6 @@ std::wstring FailedSaveText(const wchar_t* path, const SaveReport& report, const
                                 : TextWith(L"\n\nThe text is kept in:\n{1}", {copy}));
 }
 
-std::wstring ReadOnlyChoices() {
-    return Text(L"\n\nYes: make the file writable and save\nNo: save under another name\nCancel: do not save");
-}
-
 std::wstring FormNotice(const FileBinding& binding) {
     const std::wstring label = binding.label;
     if (binding.form.inexact)
@@ -115,15 +111,15 @@ std::wstring FormNotice(const FileBinding& binding) {
 
 std::wstring SaveQuestion(const wchar_t* label) { return Cut(TextWith(L"Save changes to {1}?", {label})); }
 
-std::wstring ReloadQuestion(const wchar_t* label) {
-    return Cut(TextWith(L"Reload {1} and lose the changes made here?", {label}));
+std::wstring ReloadQuestion(const wchar_t* label, bool undone) {
+    return Cut(undone ? TextWith(L"Reload {1} from the disk? Undo then brings back the changes made here.", {label})
+                      : TextWith(L"Reload {1} from the disk? The changes made here are then lost.", {label}));
 }
 
 std::wstring AnsiQuestion(const wchar_t* label) {
     return TextWith(
         L"{1} contains characters that the system's code page (ANSI) does not have. Saved as ANSI, each of them would "
-        L"be replaced.\n\nSave as UTF-8 instead?\n\nYes: save as UTF-8, nothing is lost\nNo: save as ANSI, these "
-        L"characters are replaced\nCancel: do not save",
+        L"be replaced. In UTF-8 nothing is lost.",
         {label});
 }
 

@@ -23,7 +23,11 @@ std::optional<TextEncoding> EncodingToSave(TextEncoding own, bool ansiHoldsText,
 enum class FormChoice : std::uint8_t { Save, OtherName, Cancel };
 // Asks about a file that is UTF-16 (once: the answer is noted in `binding`), and before bytes are lost that could not
 // be decoded. `sameFile`: the save overwrites the file from which the text was read.
-FormChoice ChooseForm(FileBinding& binding, bool sameFile, const std::function<Answer(const std::wstring& text)>& ask);
+struct FormQuestion {
+    std::wstring text;
+    std::wstring yes, no;  // what the buttons are called
+};
+FormChoice ChooseForm(FileBinding& binding, bool sameFile, const std::function<Answer(const FormQuestion&)>& ask);
 // Whether a save of the document under its own name asks such a question.
 bool SaveAsksAboutForm(const FileBinding& binding);
 
@@ -32,15 +36,13 @@ bool SaveAsksAboutForm(const FileBinding& binding);
 std::wstring FailedSaveText(const wchar_t* path, const SaveReport& report, const std::wstring& systemText,
                             const std::wstring& copy);
 
-// Follows it, when the file is read-only and the user may choose.
-std::wstring ReadOnlyChoices();
-
 // What the user is told when a file with an unusual form is opened; empty for an ordinary file.
 std::wstring FormNotice(const FileBinding& binding);
 
 // The questions about the document with that label.
-std::wstring SaveQuestion(const wchar_t* label);    // at most 511 characters
-std::wstring ReloadQuestion(const wchar_t* label);  // the same
+std::wstring SaveQuestion(const wchar_t* label);  // at most 511 characters
+// The same. `undone`: Undo brings the changes back.
+std::wstring ReloadQuestion(const wchar_t* label, bool undone);
 std::wstring AnsiQuestion(const wchar_t* label);
 
 // The encoding in which the next save writes the document, as far as nobody is asked. Without a file yet it is that of a

@@ -192,6 +192,18 @@ void EditorPaneAfterClosingBrace(HWND editor) {
     PaneSend(editor, SCI_SETLINEINDENTATION, line, IndentOf(editor, opener));
 }
 
+void EditorPaneAfterClosingWord(HWND editor) {
+    BlockTable* table = EditorPaneBlockTable(editor);
+    const LRESULT caret = PaneSend(editor, SCI_GETCURRENTPOS);
+    const LRESULT line = PaneSend(editor, SCI_LINEFROMPOSITION, caret);
+    if (table == nullptr || PaneSend(editor, SCI_GETSELECTIONS) != 1 ||
+        PaneSend(editor, SCI_GETLINEENDPOSITION, line) != caret || !IsTwoWordCloser(TextOfLine(editor, line)))
+        return;
+    LineWithBlocks look = LookAtLine(editor, line, *table);
+    if (look.blocks.events.empty() || look.blocks.events.back().kind != BlockEvent::Kind::Close) return;
+    IndentClosingLine(editor, line, look, *table, StepOf(editor));
+}
+
 void EditorPaneAfterLeaving(HWND editor) {
     BlockTable* table = EditorPaneBlockTable(editor);
     if (table == nullptr) return;

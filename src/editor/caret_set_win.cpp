@@ -232,7 +232,7 @@ void CaretSelectEach(HWND editor) {
         spans.push_back({found, from});
     }
     CaretsSelect(editor, spans, mainIndex);
-    Tell(editor, spans.size() == kMostCarets
-                     ? FormatW(Text(L"%d selections: the first ones"), static_cast<int>(kMostCarets))
-                     : FormatW(Text(L"%d selections"), static_cast<int>(spans.size())));
+    // How many they are stands beside the caret's place in the status bar, as long as they are there.
+    if (spans.size() == kMostCarets)
+        Tell(editor, FormatW(Text(L"%d selections: the first ones"), static_cast<int>(kMostCarets)));
 }

@@ -39,6 +39,9 @@ char* EditorPaneGetText(HWND editor, std::size_t* length);
 
 // The text of a part of the document, by positions in bytes.
 std::string EditorPaneTextBetween(HWND editor, LRESULT start, LRESULT end);
+// Called after a word was typed or completed at the caret: in BASIC a line such as "END SUB", which can be nothing else,
+// goes back to the indentation of its block at once.
+void EditorPaneAfterClosingWord(HWND editor);
 // What the BASIC of `line` (0-based) must know of the lines above it. Far below what is coloured it says only whether the
 // line is inside a block of inline assembly, as far as is known. 0 for other languages.
 LineState EditorPaneLineState(HWND editor, LRESULT line);

@@ -219,8 +219,9 @@ LRESULT OnPaneCharacter(HWND pane, WPARAM wParam, LPARAM lParam) {
     if (ContinuesWord(wParam) && before > 0 && SciSend(pane, SCI_GETCHARAT, static_cast<WPARAM>(before - 1)) == '#')
         EditorPaneUpperKeywordBefore(pane, before - 1);
     if (wParam == L'}' && after == before + 1) EditorPaneAfterClosingBrace(pane);
+    if (ContinuesWord(wParam) && after == before + 1) EditorPaneAfterClosingWord(pane);
     if (PaneState* state = PaneStateOf(pane); state != nullptr)
-        state->typedAt = ContinuesWord(wParam) && after > before ? after : -1;
+        state->typedAt = ContinuesWord(wParam) && after > before ? SciSend(pane, SCI_GETCURRENTPOS) : -1;
     return result;
 }
 

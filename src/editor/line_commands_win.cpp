@@ -199,30 +199,6 @@ LineBlock LinesPassed(HWND editor, const LineBlock& block, bool up) {
     return passed;
 }
 
-// The matches that are marked in a text, as parts of it.
-std::vector<TextSpan> FoundIn(HWND editor, LRESULT start, LRESULT end) {
-    std::vector<TextSpan> found;
-    for (LRESULT at = start; at < end;) {
-        const LRESULT next = PaneSend(editor, SCI_INDICATOREND, kIndicatorFound, at);
-        if (PaneSend(editor, SCI_INDICATORVALUEAT, kIndicatorFound, at) != 0)
-            found.push_back(
-                {static_cast<std::size_t>(at - start), static_cast<std::size_t>(std::min(next, end) - start)});
-        if (next <= at) break;  // there is none in the whole text
-        at = next;
-    }
-    return found;
-}
-
-// Marks them again in the text at `start`, which was taken out and put in.
-void MarkFound(HWND editor, LRESULT start, const std::vector<TextSpan>& found) {
-    const LRESULT before = PaneSend(editor, SCI_GETINDICATORCURRENT);
-    PaneSend(editor, SCI_SETINDICATORCURRENT, kIndicatorFound);
-    for (const TextSpan& span : found)
-        PaneSend(editor, SCI_INDICATORFILLRANGE, start + static_cast<LRESULT>(span.start),
-                 static_cast<LRESULT>(span.end - span.start));
-    PaneSend(editor, SCI_SETINDICATORCURRENT, before);
-}
-
 // Lets two neighbours change places. Only one of them is taken out and put in again; the other one keeps its marks and what
 // is folded in it, so it is the one that has some.
 void SwapBlocks(HWND editor, const LineBlock& upper, const LineBlock& lower) {
@@ -232,11 +208,8 @@ void SwapBlocks(HWND editor, const LineBlock& upper, const LineBlock& lower) {
     const LRESULT start = LineStart(editor, upper.first);
     LineMarksMove marks = LineMarksTake(editor, moved);
     const auto at = [start](std::size_t offset) { return start + static_cast<LRESULT>(offset); };
-    const LRESULT lines = LineStart(editor, moved.first);
-    const std::vector<TextSpan> found = FoundIn(editor, lines, LineStart(editor, moved.last + 1));
     Replace(editor, at(move.erased.start), at(move.erased.end), {});
     Replace(editor, at(move.at), at(move.at), move.text);
-    MarkFound(editor, LineStart(editor, movesUpper ? upper.first + lower.count() : upper.first), found);
     std::iota(marks.after.begin(), marks.after.end(),
               static_cast<std::int32_t>(movesUpper ? upper.first + lower.count() : upper.first));
     LineMarksPut(editor, std::move(marks));

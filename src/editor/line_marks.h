@@ -1,6 +1,6 @@
-// Bookmarks, breakpoints and the marks of a stop on lines that a command moves or takes out. Undo and redo take them along: the step of undo
-// gets an action of its own before and after the change of the text, which Scintilla reports when it comes to it. UI
-// thread.
+// Bookmarks, breakpoints, the marks of a stop and marked matches of lines that a command moves or takes out. Undo and redo
+// take them along: the step of undo gets an action of its own before and after the change of the text, which Scintilla
+// reports when it comes to it. UI thread.
 #pragma once
 
 #include "editor/line_changes.h"
@@ -17,6 +17,12 @@ struct TakenMark {
     int marker = 0;
     int handle = -1;  // that it had
 };
+// A marked match, or the part of one that is in the line. Bytes from the start of the line.
+struct TakenMatch {
+    std::int32_t line = 0;
+    LRESULT start = 0;
+    LRESULT length = 0;
+};
 // What a command has done to a block of lines.
 struct LineMarksMove {
     int token = 0;
@@ -24,13 +30,14 @@ struct LineMarksMove {
     std::vector<std::int32_t> after;  // for each line of the block, its line after the change; -1: it is gone
     std::vector<TakenMark> gone;      // marks of lines that are gone
     std::vector<TakenMark> taken;     // while undo or redo is at work
+    std::vector<TakenMatch> goneMatches, takenMatches;
 };
 struct LineMarkMoves {
     std::vector<LineMarksMove> made;  // in the order of their tokens
     int lastToken = 0;
 };
 
-// Whether a line of the block has such a mark.
+// Whether a line of the block has a bookmark or a breakpoint.
 bool LineMarksAreIn(HWND editor, const LineBlock& block);
 // Takes the marks off the lines of the block, which are about to be changed within a step of undo.
 LineMarksMove LineMarksTake(HWND editor, const LineBlock& block);

@@ -39,23 +39,58 @@ std::vector<TakenMark> TakeFromLines(HWND editor, LRESULT first, LRESULT last, I
     return taken;
 }
 
-std::vector<TakenMark> TakeBefore(HWND editor, const LineMarksMove& move) {
-    const auto count = static_cast<LRESULT>(move.after.size());
-    return TakeFromLines(editor, move.first, move.first + count - 1,
-                         [&move](LRESULT line) { return static_cast<std::int32_t>(line - move.first); });
+// The matches that are marked in the lines from `first` to `last` for which `indexOf` gives an index. Text that is taken out
+// loses them.
+template <typename IndexOf>
+std::vector<TakenMatch> MatchesInLines(HWND editor, LRESULT first, LRESULT last, IndexOf indexOf) {
+    std::vector<TakenMatch> matches;
+    const LRESULT end = PaneSend(editor, SCI_POSITIONFROMLINE, last + 1);
+    for (LRESULT at = PaneSend(editor, SCI_POSITIONFROMLINE, first); at < end;) {
+        const LRESULT next = PaneSend(editor, SCI_INDICATOREND, kIndicatorFound, at);
+        if (next <= at) break;  // there is none in the whole text
+        const LRESULT line = PaneSend(editor, SCI_LINEFROMPOSITION, at);
+        const LRESULT start = PaneSend(editor, SCI_POSITIONFROMLINE, line);
+        const bool marked = PaneSend(editor, SCI_INDICATORVALUEAT, kIndicatorFound, at) != 0;
+        const LRESULT stop = marked ? std::min(next, PaneSend(editor, SCI_POSITIONFROMLINE, line + 1)) : next;
+        const std::int32_t index = marked ? indexOf(line) : -1;
+        if (index >= 0) matches.push_back({index, at - start, stop - at});
+        at = std::max(stop, at + 1);
+    }
+    return matches;
 }
 
-std::vector<TakenMark> TakeAfter(HWND editor, const LineMarksMove& move) {
+void MarkMatch(HWND editor, LRESULT line, const TakenMatch& match) {
+    const LRESULT before = PaneSend(editor, SCI_GETINDICATORCURRENT);
+    PaneSend(editor, SCI_SETINDICATORCURRENT, kIndicatorFound);
+    const LRESULT start = PaneSend(editor, SCI_POSITIONFROMLINE, line) + match.start;
+    const LRESULT room = PaneSend(editor, SCI_POSITIONFROMLINE, line + 1) - start;
+    if (room > 0) PaneSend(editor, SCI_INDICATORFILLRANGE, start, std::min(match.length, room));
+    PaneSend(editor, SCI_SETINDICATORCURRENT, before);
+}
+
+void TakeBefore(HWND editor, LineMarksMove* move) {
+    const LRESULT last = move->first + static_cast<LRESULT>(move->after.size()) - 1;
+    const auto indexOf = [move](LRESULT line) { return static_cast<std::int32_t>(line - move->first); };
+    move->taken = TakeFromLines(editor, move->first, last, indexOf);
+    move->takenMatches = MatchesInLines(editor, move->first, last, indexOf);
+}
+
+void TakeAfter(HWND editor, LineMarksMove* move) {
     LRESULT first = -1, last = -1;
-    for (const LRESULT line : move.after) {
+    for (const LRESULT line : move->after) {
         if (line >= 0 && (first < 0 || line < first)) first = line;
         last = std::max(last, line);
     }
-    if (first < 0) return {};
-    return TakeFromLines(editor, first, last, [&move](LRESULT line) {
-        const auto found = std::ranges::find(move.after, static_cast<std::int32_t>(line));
-        return found == move.after.end() ? -1 : static_cast<std::int32_t>(found - move.after.begin());
-    });
+    move->taken.clear();
+    move->takenMatches.clear();
+    if (first < 0) return;
+    std::vector<std::int32_t> indexes(static_cast<std::size_t>(last - first) + 1, -1);
+    for (std::size_t i = 0; i < move->after.size(); ++i)
+        if (move->after[i] >= 0)
+            indexes[static_cast<std::size_t>(move->after[i] - first)] = static_cast<std::int32_t>(i);
+    const auto indexOf = [&](LRESULT line) { return indexes[static_cast<std::size_t>(line - first)]; };
+    move->taken = TakeFromLines(editor, first, last, indexOf);
+    move->takenMatches = MatchesInLines(editor, first, last, indexOf);
 }
 
 // The mark has another handle now; -1: it is off, and may come back.
@@ -68,13 +103,16 @@ void PutOnLine(HWND editor, LRESULT line, const TakenMark& mark) {
     TellRenewed(editor, mark.handle, static_cast<int>(PaneSend(editor, SCI_MARKERADD, line, mark.marker)));
 }
 
-void PutBefore(HWND editor, LineMarksMove* move, const std::vector<TakenMark>& marks) {
-    for (const TakenMark& mark : marks) PutOnLine(editor, move->first + mark.line, mark);
+void PutBefore(HWND editor, LineMarksMove* move) {
+    for (const TakenMark& mark : std::exchange(move->taken, {})) PutOnLine(editor, move->first + mark.line, mark);
     for (const TakenMark& mark : std::exchange(move->gone, {})) PutOnLine(editor, move->first + mark.line, mark);
+    for (const auto matches : {&LineMarksMove::takenMatches, &LineMarksMove::goneMatches})
+        for (const TakenMatch& match : std::exchange(move->*matches, {}))
+            MarkMatch(editor, move->first + match.line, match);
 }
 
-void PutAfter(HWND editor, LineMarksMove* move, const std::vector<TakenMark>& marks) {
-    for (const TakenMark& mark : marks) {
+void PutAfter(HWND editor, LineMarksMove* move) {
+    for (const TakenMark& mark : std::exchange(move->taken, {})) {
         const LRESULT line = move->after[static_cast<std::size_t>(mark.line)];
         if (line >= 0) {
             PutOnLine(editor, line, mark);
@@ -82,6 +120,10 @@ void PutAfter(HWND editor, LineMarksMove* move, const std::vector<TakenMark>& ma
             move->gone.push_back(mark);
             TellRenewed(editor, mark.handle, -1);
         }
+    }
+    for (const TakenMatch& match : std::exchange(move->takenMatches, {})) {
+        const LRESULT line = move->after[static_cast<std::size_t>(match.line)];
+        line >= 0 ? MarkMatch(editor, line, match) : move->goneMatches.push_back(match);
     }
 }
 
@@ -134,13 +176,13 @@ LineMarksMove LineMarksTake(HWND editor, const LineBlock& block) {
     move.first = block.first;
     move.after.assign(static_cast<std::size_t>(std::max<std::ptrdiff_t>(block.count(), 0)), -1);
     if (PaneState* const state = PaneStateOf(editor); state != nullptr) move.token = ++state->lineMarks.lastToken;
-    move.taken = TakeBefore(editor, move);
+    TakeBefore(editor, &move);
     AddActionBefore(editor, move.token);
     return move;
 }
 
 void LineMarksPut(HWND editor, LineMarksMove move) {
-    PutAfter(editor, &move, std::exchange(move.taken, {}));
+    PutAfter(editor, &move);
     PaneSend(editor, SCI_ADDUNDOACTION, AfterToken(move.token), UNDO_NONE);
     if (PaneState* const state = PaneStateOf(editor); state != nullptr) KeepMove(&state->lineMarks, std::move(move));
 }
@@ -153,9 +195,7 @@ void LineMarksOnUndo(HWND editor, int token, bool undo) {
     const bool after = token == AfterToken(move->token);
     // Undo meets the end of the change first, redo its beginning.
     if (after == undo)
-        move->taken = after ? TakeAfter(editor, *move) : TakeBefore(editor, *move);
-    else if (after)
-        PutAfter(editor, &*move, std::exchange(move->taken, {}));
+        after ? TakeAfter(editor, &*move) : TakeBefore(editor, &*move);
     else
-        PutBefore(editor, &*move, std::exchange(move->taken, {}));
+        after ? PutAfter(editor, &*move) : PutBefore(editor, &*move);
 }

@@ -31,6 +31,18 @@ std::optional<std::ptrdiff_t> IndentationOfCloser(const LineAbove& above, std::p
     return std::max<std::ptrdiff_t>(above.indentation + step * (depth - above.depth), 0);
 }
 
+bool IsTwoWordCloser(std::string_view line) {
+    constexpr std::string_view kEnd = "END";
+    constexpr std::string_view kBlanks = " \t";
+    line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
+    if (line.size() <= kEnd.size() || !std::equal(kEnd.begin(), kEnd.end(), line.begin(),
+                                                  [](char word, char typed) { return word == UpperAscii(typed); }))
+        return false;
+    line.remove_prefix(kEnd.size());
+    const std::size_t second = line.find_first_not_of(kBlanks);
+    return second != 0 && second != std::string_view::npos && line.find_first_of(kBlanks, second) == line.npos;
+}
+
 bool WritesCapitals(std::string_view line) {
     const auto letter = std::ranges::find_if(line, [](char c) { return UpperAscii(c) >= 'A' && UpperAscii(c) <= 'Z'; });
     return letter != line.end() && *letter == UpperAscii(*letter);

@@ -41,6 +41,8 @@ std::ptrdiff_t IndentationBelow(const LineAbove& above, std::ptrdiff_t step);
 // closes none, or was not left (`own`) where a new line puts it.
 std::optional<std::ptrdiff_t> IndentationOfCloser(const LineAbove& above, std::ptrdiff_t own, int depth,
                                                   std::ptrdiff_t step);
+// Whether the line is "END" and one more word, which begins no other statement.
+bool IsTwoWordCloser(std::string_view line);
 // Whether the first letter of the line is a capital one.
 bool WritesCapitals(std::string_view line);
 

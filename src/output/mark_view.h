@@ -21,6 +21,7 @@ void SourceMarksOnSaved(DocumentId document);
 void SourceMarksOnEdit(DocumentId document, const SCNotification& change);  // SCN_MODIFIED
 void SourceMarksOnView(DocumentId document);                                // SCN_UPDATEUI, before the paint
 void SourceMarksOnCaret(DocumentId document);  // tells the diagnostics of the caret's line in the status bar
+bool SourceMarksAreTold(DocumentId document);  // they stand in the status bar now
 void SourceMarksOnJump();                      // the same for the active document, also when the caret was on that line
 void SourceMarksFollowRename(const std::wstring& from, const std::wstring& to);  // of a file or a folder
 void SourceMarksRenew();                                                         // the settings have changed

@@ -372,6 +372,8 @@ void SourceMarksRenew() {
         if (const DocumentTab* tab = DocumentOf(document); tab != nullptr) MarkDrawMargin(tab->editor, true);
 }
 
+bool SourceMarksAreTold(DocumentId document) { return document != 0 && g_view.told == document; }
+
 std::wstring SourceMarksTip(DocumentId document, LRESULT position, bool ofLine) {
     const DocumentTab* tab = Files().empty() ? nullptr : DocumentOf(document);
     return tab == nullptr ? L"" : MarkTexts(MarksAt(*tab, position, ofLine), L"\n");

@@ -3,6 +3,9 @@
 #include "base/path.h"
 #include "base/texts.h"
 #include "compile/build_source.h"
+#include "documents/file_commands.h"
+#include "files/file_io.h"
+#include "files/share_probe.h"
 #include "project/new_project.h"
 #include "project/project.h"
 #include "project/project_file.h"
@@ -66,8 +69,23 @@ void FillSamples(HWND dialog) {
     SendDlgItemMessageW(dialog, IDC_PROJECT_SAMPLE, CB_SETCURSEL, select, 0);
 }
 
+bool IsFolderThere(const std::wstring& folder) {
+    return PathAnswers(folder.c_str()) && DirectoryExists(folder.c_str());
+}
+
+// Beside the project that is open, else beside the one that was used last; else where the user works: the folder of the
+// active file, or the one of the last file. The program's own folder, with its samples, is none of the user's.
 std::wstring FolderForProjects() {
     if (!ProjectRoot().empty()) return FolderOf(ProjectRoot().substr(0, ProjectRoot().size() - 1));
+    for (int i = 0; i < g_settings.mruCount; ++i)
+        if (const std::wstring folder = FolderOf(g_settings.mruFiles[i]);
+            FileIsProject(g_settings.mruFiles[i]) && IsFolderThere(folder))
+            return FolderOf(folder);
+    wchar_t program[kPathCapacity] = {}, folder[kPathCapacity] = {};
+    AppExeDirectory(program, kPathCapacity);
+    if (FileOpenResolveInitialDirectory(folder, kPathCapacity) != 0 && !PathIsWithin(program, folder) &&
+        IsFolderThere(folder))
+        return folder;
     wchar_t documents[MAX_PATH] = {};
     return SHGetFolderPathW(nullptr, CSIDL_PERSONAL, nullptr, SHGFP_TYPE_CURRENT, documents) == S_OK ? documents : L"";
 }

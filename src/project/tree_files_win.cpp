@@ -111,7 +111,7 @@ bool ConfirmDelete(const std::wstring& path, bool isFolder) {
                     .buttons = AskButtons::OkCancel,
                     .icon = AskIcon::Question,
                     .inSelftest = Answer::Cancel,
-                    .okText = Text(L"Delete")}) == Answer::Yes;
+                    .yes = Text(L"&Delete")}) == Answer::Yes;
 }
 
 bool ConfirmForGood(const std::wstring& path, const std::wstring& why) {
@@ -120,10 +120,11 @@ bool ConfirmForGood(const std::wstring& path, const std::wstring& why) {
                 std::wstring{FileNameOf(path)}.c_str(), why.c_str());
     return AskUser({.caption = kProgramCaption,
                     .text = text.c_str(),
-                    .buttons = AskButtons::YesNo,
+                    .buttons = AskButtons::OkCancel,
                     .icon = AskIcon::Warning,
                     .inSelftest = Answer::No,
-                    .enterIsNo = true}) == Answer::Yes;
+                    .enterIsNo = true,
+                    .yes = Text(L"&Delete for Good")}) == Answer::Yes;
 }
 
 std::vector<DocumentId> DocumentsWithin(const std::wstring& path) {

@@ -171,10 +171,11 @@ bool MayDiscard(const RecoveryList& recovery) {
                    : FormatW(Text(L"Discard these %d texts? They cannot be brought back."), static_cast<int>(count));
     return AskUser({.caption = Text(L"Discard"),
                     .text = question.c_str(),
-                    .buttons = AskButtons::YesNo,
+                    .buttons = AskButtons::OkCancel,
                     .icon = AskIcon::Warning,
                     .inSelftest = Answer::No,
-                    .enterIsNo = true}) == Answer::Yes;
+                    .enterIsNo = true,
+                    .yes = Text(L"&Discard")}) == Answer::Yes;
 }
 
 // --- The dialog

@@ -90,19 +90,10 @@ bool BringBack(const Leftover& leftover, RecoveryWish wish) {
     return true;
 }
 
-// Tells it beside the document that was brought back last, until something else is told or some time has passed.
 void TellBroughtBack(int count) {
-    static constexpr UINT kToldMs = 10'000;
-    static DocumentId about = 0;
-    about = ActiveDocumentId();
-    g_events.documentStatus(about, FormatW(count == 1 ? Text(L"%d text was brought back; it is not saved yet")
-                                                      : Text(L"%d texts were brought back; they are not saved yet"),
-                                           count)
-                                       .c_str());
-    SetTimer(nullptr, 0, kToldMs, [](HWND, UINT, UINT_PTR timer, DWORD) {
-        KillTimer(nullptr, timer);
-        g_events.documentStatus(about, L"");
-    });
+    const wchar_t* const format = count == 1 ? Text(L"%d text was brought back; it is not saved yet")
+                                             : Text(L"%d texts were brought back; they are not saved yet");
+    g_events.documentStatus(ActiveDocumentId(), FormatW(format, count).c_str());
 }
 
 void CarryOut(const std::vector<Leftover>& leftovers, const std::vector<RecoveryWish>& wishes) {

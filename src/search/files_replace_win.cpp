@@ -213,9 +213,10 @@ bool UserAgrees(std::size_t hits, std::size_t files, std::size_t closed) {
         text += Text(L"\n\nThe search did not come to its end, so there may be further hits, which stay.");
     return AskUser({.caption = Text(L"Replace in Files"),
                     .text = text.c_str(),
-                    .buttons = AskButtons::YesNo,
+                    .buttons = AskButtons::OkCancel,
                     .icon = AskIcon::Question,
-                    .inSelftest = Answer::No}) == Answer::Yes;
+                    .inSelftest = Answer::No,
+                    .yes = Text(L"&Replace")}) == Answer::Yes;
 }
 
 }  // namespace

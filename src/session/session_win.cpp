@@ -168,7 +168,9 @@ void AskAboutMissing() {
                                    .text = MissingFilesQuestion(g_session.missing).c_str(),
                                    .buttons = AskButtons::YesNo,
                                    .icon = AskIcon::Warning,
-                                   .inSelftest = Answer::Yes});
+                                   .inSelftest = Answer::Yes,
+                                   .yes = Text(L"&Keep"),
+                                   .no = Text(L"&Forget")});
     if (answer == Answer::No) g_session.missing.clear();
 }
 

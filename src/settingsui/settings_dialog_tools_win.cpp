@@ -178,9 +178,10 @@ void SettingsChangeDefaultProgram(SettingsDialog& dialog, FormPlace place) {
                                               : Text(L"\n\nOpen them here instead?"));
         if (AskUser({.caption = Text(L"Default Program"),
                      .text = text.c_str(),
-                     .buttons = AskButtons::YesNo,
+                     .buttons = AskButtons::OkCancel,
                      .icon = AskIcon::Question,
-                     .inSelftest = Answer::No}) != Answer::Yes)
+                     .inSelftest = Answer::No,
+                     .yes = ours ? Text(L"&Remove") : Text(L"&Open Here")}) != Answer::Yes)
             return;
     }
     const bool done = ours || FileExtRegisterCompiler(compiler) != 0;

@@ -5,11 +5,11 @@
 #include "base/handles.h"
 #include "base/path.h"
 #include "base/utf8.h"
+#include "compile/include_paths.h"
 #include "files/file_io.h"
 #include "language/lexer_table.h"
 #include "resources/ids.h"
 #include "search/file_walk.h"
-#include "symbols/include_paths.h"
 
 #include <algorithm>
 #include <deque>

@@ -166,10 +166,11 @@ void RenameOrAsk(Renaming& renaming, const References& used) {
     TellSymbolStatus(L"");
     if (places == 0 || AskUser({.caption = Text(L"Name in Use"),
                                 .text = text.c_str(),
-                                .buttons = AskButtons::YesNo,
+                                .buttons = AskButtons::OkCancel,
                                 .icon = AskIcon::Warning,
                                 .inSelftest = Answer::No,
-                                .enterIsNo = true}) == Answer::Yes)
+                                .enterIsNo = true,
+                                .yes = Text(L"&Rename")}) == Answer::Yes)
         RenameAll(renaming);
 }
 

@@ -3,6 +3,7 @@
 
 #include "base/path.h"
 #include "compile/build_source.h"
+#include "compile/include_paths.h"
 #include "documents/document_row.h"
 #include "language/lexer_table.h"
 #include "project/project.h"
@@ -10,7 +11,6 @@
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
 #include "symbols/file_scan.h"
-#include "symbols/include_paths.h"
 #include "ui/ui_state.h"
 
 #include <algorithm>

@@ -50,6 +50,7 @@ void SymbolGoTo(const SymbolSpot& spot) {
     const LRESULT start = Ask(editor, SCI_POSITIONFROMLINE, spot.line);
     const LRESULT position = start < 0 ? Ask(editor, SCI_GETLENGTH) : start + static_cast<LRESULT>(spot.column);
     CaretGoTo(editor, CaretPositionAt(editor, position));
+    CaretShowInMiddle(editor);
     // The place at which the document came up is none that the user was at.
     NavHistory& history = g_documents.navigation;
     history = left;

@@ -3,6 +3,7 @@
 
 #include "base/texts.h"
 #include "documents/document_row.h"
+#include "documents/save_rules.h"
 #include "files/text_encoding.h"
 #include "resources/ids.h"
 #include "tabs/tab_bar_internal.h"
@@ -60,7 +61,7 @@ std::wstring TabTipOf(int index) {
     std::wstring text = tab.hasFile ? tab.path : tab.label;
     text += L"\n" + TabStateText(TabStateOf(tab));
     if (tab.pinned) text += Text(L", pinned");
-    if (tab.editor != nullptr) text += std::wstring(L" - ") + EncodingName(tab.encoding, tab.form);
+    if (tab.editor != nullptr) text += std::wstring(L" - ") + EncodingName(EncodingOfNextSave(tab), tab.form);
     // What the words do not tell, like the new name of a file.
     const std::wstring news = OutsideTipText(tab.outside, false);
     return news.empty() ? text : text + L"\n" + news;

@@ -13,6 +13,13 @@ void DialogApplyTheme(HWND dialog);
 INT_PTR DialogColourOfProblem(HDC dc, HWND control, int problem);
 // Shows the new theme in all dialogs that are open.
 void DialogsRenewTheme();
-// Runs MessageBoxW, and colours the box.
-int ThemedMessageBox(HWND owner, const wchar_t* text, const wchar_t* caption, UINT flags,
-                     const wchar_t* okText = nullptr);
+// Colours a box of MessageBoxW that is complete and not yet painted.
+void MessageBoxApplyTheme(HWND box);
+
+// Words on the buttons of a message box. Null: the system's.
+struct BoxNames {
+    const wchar_t* yes = nullptr;  // on Yes and on OK
+    const wchar_t* no = nullptr;
+};
+// Runs MessageBoxW, colours the box, and makes room for the words on its buttons.
+int ThemedMessageBox(HWND owner, const wchar_t* text, const wchar_t* caption, UINT flags, const BoxNames& names = {});

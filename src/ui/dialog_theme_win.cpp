@@ -108,24 +108,6 @@ BOOL CALLBACK RenewWindow(HWND window, LPARAM) {
     return TRUE;
 }
 
-// --------------------------------------------------------------------------------------------------- message boxes
-
-HHOOK g_boxHook = nullptr;
-const wchar_t* g_boxOkText = nullptr;
-
-// The box is complete when it becomes active, and not yet painted.
-LRESULT CALLBACK BoxHook(int code, WPARAM wParam, LPARAM lParam) {
-    const HHOOK hook = g_boxHook;
-    const auto window = reinterpret_cast<HWND>(wParam);
-    if (code == HCBT_ACTIVATE && IsOfClass(window, L"#32770")) {
-        if (g_boxOkText != nullptr) SetDlgItemTextW(window, IDOK, g_boxOkText);
-        if (ThemeDrawsControls()) ThemeDialog(window, kMessageBox);
-        UnhookWindowsHookEx(hook);
-        g_boxHook = nullptr;
-    }
-    return CallNextHookEx(hook, code, wParam, lParam);
-}
-
 }  // namespace
 
 void FrameApplyTheme(HWND window) {
@@ -153,14 +135,8 @@ void DialogApplyTheme(HWND dialog) {
 
 void DialogsRenewTheme() { EnumThreadWindows(GetCurrentThreadId(), RenewWindow, 0); }
 
-int ThemedMessageBox(HWND owner, const wchar_t* text, const wchar_t* caption, UINT flags, const wchar_t* okText) {
-    g_boxOkText = okText;
-    if ((ThemeDrawsControls() || okText != nullptr) && g_boxHook == nullptr)
-        g_boxHook = SetWindowsHookExW(WH_CBT, BoxHook, nullptr, GetCurrentThreadId());
-    const int answer = MessageBoxW(owner, text, caption, flags);
-    if (g_boxHook != nullptr) UnhookWindowsHookEx(g_boxHook);  // no box could be shown
-    g_boxHook = nullptr;
-    return answer;
+void MessageBoxApplyTheme(HWND box) {
+    if (ThemeDrawsControls()) ThemeDialog(box, kMessageBox);
 }
 
 INT_PTR DialogColourOfProblem(HDC dc, HWND control, int problem) {

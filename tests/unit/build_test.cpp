@@ -2,6 +2,7 @@
 #include "base/path.h"
 #include "compile/build_source.h"
 #include "compile/command_line.h"
+#include "compile/include_walk.h"
 #include "compile/staging.h"
 #include "output/diagnostics.h"
 #include "output/error_places.h"
@@ -15,6 +16,8 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -481,6 +484,29 @@ TEST(BuildSource, WhichSourceIncludesAFile) {
                  {"#", false},
                  {"", false}};
     for (const auto& each : cases) EXPECT_EQ(IncludesFile(each.source, L"part.inc"), each.includes) << each.source;
+    // Through other files: beside the file with the line, then in the folders of the compiler; in circles, and missing.
+    const std::map<std::wstring, std::string> files = {
+        {L"C:\\p\\lib\\outer.inc", "#INCLUDE \"inner.inc\""},
+        {L"C:\\p\\lib\\inner.inc", "#INCLUDE \"part.inc\""},
+        {L"C:\\sdk\\api.inc", "#INCLUDE \"api.inc\"\n#INCLUDE \"loop.inc\""},
+        {L"C:\\sdk\\loop.inc", "#INCLUDE \"api.inc\""}};
+    int read = 0;
+    IncludeWalk walk = {.folders = {L"C:\\sdk"},
+                        .read = [&](const std::wstring& path) -> std::optional<std::string> {
+                            const auto found = files.find(path);
+                            if (found == files.end()) return std::nullopt;
+                            return ++read, found->second;
+                        }};
+    const auto reaches = [&](const char* source) {
+        return IncludesFileThrough(walk, L"C:\\p\\main.bas", source, L"part.inc");
+    };
+    EXPECT_TRUE(reaches("#INCLUDE \"lib/outer.inc\""));
+    EXPECT_FALSE(reaches("#INCLUDE \"outer.inc\"")) << "there is none beside the source";
+    read = 0;
+    EXPECT_FALSE(reaches("#INCLUDE \"api.inc\"\n#INCLUDE \"api.inc\""));
+    EXPECT_EQ(read, 2) << "each once, although they include each other";
+    walk.most = 1;
+    EXPECT_FALSE(reaches("#INCLUDE \"lib/outer.inc\"")) << "it gives up";
     EXPECT_TRUE(IsIncludeFile(L"C:\\a\\X.INC"));
     EXPECT_FALSE(IsIncludeFile(L"C:\\a\\inc"));
     EXPECT_FALSE(IsIncludeFile(L"C:\\a.inc\\x.bas"));

@@ -1,8 +1,8 @@
 // What words mean over several texts, the places of a name, and the rows of the outline.
 #include "symbols/definitions.h"
 
+#include "compile/include_paths.h"
 #include "settings/compiler_id.h"
-#include "symbols/include_paths.h"
 #include "symbols/outline.h"
 
 #include <gtest/gtest.h>

@@ -97,6 +97,14 @@ TEST(GotoLine, FieldsAndPlacesStayWithinBounds) {
     } fields[] = {{L"12", 12}, {L" \t-7x", -7}, {L"x", 0}, {L"", 0}, {L"- 3", 0}, {L"99999999999", 2147483647},
                   {L"+4.9", 4}};
     for (const auto& test : fields) EXPECT_EQ(GotoNumber(test.field), test.number) << test.number;
+    const struct {
+        const wchar_t* field;
+        int line, column;
+    } places[] = {{L"5:4", 5, 4}, {L" 5 , 4 ", 5, 4}, {L"54", 54, 0}, {L"5:", 5, 0}, {L":4", 0, 4}, {L"5:-4", 5, 0}};
+    for (const auto& test : places) {
+        EXPECT_EQ(GotoPlaceOf(test.field).line, test.line) << test.line;
+        EXPECT_EQ(GotoPlaceOf(test.field).column, test.column) << test.line;
+    }
     EXPECT_EQ(GotoLineIndex(0, 10), -1) << "the line counts from 1";
     EXPECT_EQ(GotoLineIndex(1, 10), 0);
     EXPECT_EQ(GotoLineIndex(2147483647, 10), 9);
@@ -158,12 +166,7 @@ TEST(Documents, ChangesAreAskedAboutOnceAndTogether) {
     std::vector<Ids> questions;
     Ids stays;  // what the user keeps open
     const ClosingQuestions ask = {.row = [&] { return row; },
-                                  .one =
-                                      [&](DocumentId document) {
-                                          questions.push_back({document});
-                                          return std::ranges::find(stays, document) == stays.end();
-                                      },
-                                  .many =
+                                  .ask =
                                       [&](const Ids& documents) {
                                           questions.push_back(documents);
                                           // Moved, closed and changed while the question was open.
@@ -175,7 +178,7 @@ TEST(Documents, ChangesAreAskedAboutOnceAndTogether) {
 
     questions.clear();
     EXPECT_TRUE(ConfirmClosing(Ids{7, 4}, ask, nullptr));
-    EXPECT_EQ(questions, std::vector<Ids>{{4}}) << "one has the question of its own";
+    EXPECT_EQ(questions, std::vector<Ids>{{4}});
 
     questions.clear();
     stays = {3, 9};
@@ -263,7 +266,7 @@ TEST(SaveRules, AsksBeforeAFileChangesItsForm) {
         FileBinding binding;
         binding.form = {.utf16 = test.utf16 ? kBig : kNone, .inexact = test.inexact};
         int questions = 0;
-        const auto ask = [&](const std::wstring&) { return ++questions, test.answer; };
+        const auto ask = [&](const FormQuestion&) { return ++questions, test.answer; };
         EXPECT_EQ(SaveAsksAboutForm(binding), test.inexact || test.utf16);
         EXPECT_EQ(ChooseForm(binding, test.sameFile, ask), test.choice);
         EXPECT_EQ(questions, test.questions);

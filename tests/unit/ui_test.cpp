@@ -3,6 +3,7 @@
 #include "commands/status_bar_text.h"
 #include "commands/status_fields.h"
 #include "ui/block_size.h"
+#include "ui/box_buttons.h"
 #include "ui/box_text.h"
 #include "ui/dialog_fit.h"
 #include "ui/fit.h"
@@ -200,6 +201,36 @@ TEST(BlockSize, GoesHalfWayToWhatTheTimeAllows) {
         BlockSize size = {.lines = each.lines};
         BlockSizeLearn(size, each.inserted, each.milliseconds);
         EXPECT_EQ(size.lines, each.next) << each.name;
+    }
+}
+
+TEST(BoxButtons, LongNamesFindRoom) {
+    const struct {
+        const char* name;
+        BoxButtons row;
+        std::vector<int> wanted;
+        int client;
+        std::vector<BoxButton> buttons;
+    } cases[] = {
+        {"short names change nothing", {300, {{60, 80}, {160, 80}}}, {40, 50}, 300, {{60, 80}, {160, 80}}},
+        {"in the middle", {400, {{110, 80}, {210, 80}}}, {120, 40}, 400, {{90, 120}, {230, 80}}},
+        {"at the right edge", {400, {{200, 80}, {290, 80}}}, {120, 40}, 400, {{160, 120}, {290, 80}}},
+        {"the box grows",
+         {280, {{10, 80}, {100, 80}, {190, 80}}},
+         {200, 80, 80},
+         400,
+         {{10, 200}, {220, 80}, {310, 80}}},
+    };
+    for (const auto& each : cases) {
+        BoxButtons wider = WiderBoxButtons(each.row, each.wanted);
+        for (int again = 0; again < 2; ++again) {
+            EXPECT_EQ(wider.client, each.client) << each.name;
+            for (std::size_t i = 0; i < each.buttons.size(); ++i) {
+                EXPECT_EQ(wider.buttons[i].left, each.buttons[i].left) << each.name;
+                EXPECT_EQ(wider.buttons[i].width, each.buttons[i].width) << each.name;
+            }
+            wider = WiderBoxButtons(wider, each.wanted);  // nothing more
+        }
     }
 }
 

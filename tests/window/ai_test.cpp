@@ -155,10 +155,10 @@ TEST(Assistant, AReplyIsAppliedOnceAndOnlyToWhatWasSent) {
     ExpectMessage(editor, IDM_AI_DO, L"AI replacement accepted.");
     EXPECT_EQ(Marks(editor), "");
     EXPECT_TRUE(WaitFor([&] { return !editor.ButtonShown(IDM_AI_UNDO); }));
-    for (const int answer : {IDNO, IDYES}) {
+    for (const int answer : {IDCANCEL, IDOK}) {
         editor.Post(IDM_AI_APPLY);
         editor.Answer(kProgramTitle, L"The text is no longer as it was sent, so nothing was replaced.", answer);
-        EXPECT_EQ(editor.Tabs(), answer == IDYES ? 2 : 1);
+        EXPECT_EQ(editor.Tabs(), answer == IDOK ? 2 : 1);
     }
     EXPECT_TRUE(WaitFor([&] { return editor.TextOf(editor.main) == L"AI reply - KVXE Editor"; }));
     EXPECT_EQ(editor.Text(), "PRINT 2\r\nEND") << "the code is not lost";

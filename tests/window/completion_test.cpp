@@ -102,6 +102,14 @@ TEST(Completion, NamesMembersAndSnippets) {
     editor.Keys({VK_ESCAPE});
     EXPECT_TRUE(WaitFor([&] { return !typist.IsOpen(); }));
     typist.AwaitLines(8, "        sele\r\n    NEXT", "Escape changes nothing");
+    // The end of a block goes back to its beginning as soon as it is whole.
+    editor.Sci(SCI_DOCUMENTEND);
+    typist.Press("\rSUB OTHER");
+    editor.Keys({VK_ESCAPE});
+    typist.Press("\rEND SU");
+    EXPECT_TRUE(WaitFor([&] { return editor.Text().ends_with("SUB other\r\n    END su"); })) << editor.Text();
+    typist.Press("B");
+    EXPECT_TRUE(WaitFor([&] { return editor.Text().ends_with("SUB other\r\nEND sub"); })) << editor.Text();
 }
 
 }  // namespace

@@ -126,7 +126,7 @@ TEST(FilesSearch, ReplacesOpenAndClosedFiles) {
     EXPECT_EQ(search.Button(IDC_FILES_REPLACE_NOW), L"Replace 8...");
     WriteBytes(late, "another old text");
     PostMessageW(search.Pane(), WM_COMMAND, IDC_FILES_REPLACE_NOW, 0);
-    editor.Answer(L"Replace in Files", L"Replace 8 hits in 5 files?", IDYES);
+    editor.Answer(L"Replace in Files", L"Replace 8 hits in 5 files?", IDOK);
     const Dialog told = editor.AwaitDialog(L"Replace in Files");
     editor.Press(told, IDOK);
     EXPECT_EQ(editor.Text(), "old new\r\nnew\r\n");

@@ -177,11 +177,11 @@ TEST(Files, CloseAsksAndObeys) {
             SetFileAttributesW(folder.File(L"a.bas").c_str(), FILE_ATTRIBUTE_NORMAL);
             // Leaving the program asks as well, and a refusal keeps it.
             editor.Post(IDM_FILE_EXIT);
-            editor.Answer(kUnsaved, L"Save changes to a.bas?", IDCANCEL);
+            editor.Answer(kUnsaved, L"a.bas has unsaved changes.", IDCANCEL);
             editor.Send(editor.main, WM_NULL);
             EXPECT_EQ(editor.Text(), "xa\r\n");
             editor.Post(IDM_FILE_EXIT);
-            editor.Answer(kUnsaved, L"Save changes to a.bas?", IDYES);
+            editor.Answer(kUnsaved, L"a.bas has unsaved changes.", IDC_CLOSE_SAVE);
             EXPECT_EQ(editor.ExitCode(), 0u);
             EXPECT_EQ(folder.Read(L"a.bas"), "xa\r\n");
         } else {
@@ -303,7 +303,9 @@ TEST(Files, FailedSaveLosesNothing) {
     // A save under a new name that fails leaves the document to its own file. A folder that is missing is offered.
     editor.Post(IDM_FILE_SAVE_AS);
     editor.AnswerFileDialog(folder.File(L"no folder\\deeper\\other.bas"));
-    editor.Answer(kProgramTitle, L"The folder ", IDNO);
+    editor.Answer(kProgramTitle, L"The folder ", IDCANCEL);
+    EXPECT_EQ(editor.NameInFileDialog(), L"other.bas") << "it need not be typed again";
+    editor.AnswerFileDialog(folder.File(L"never.bas"), IDCANCEL);
     EXPECT_EQ(editor.TabLabel(0), L"a.bas");
 
     // A file that is as it was: undoing all changes makes the document equal to it. The box says why and where the text is.
@@ -326,7 +328,7 @@ TEST(Files, FailedSaveLosesNothing) {
     EXPECT_TRUE(folder.Read(L"a.bas").find('y') != std::string::npos);
     editor.Post(IDM_FILE_SAVE_AS);
     editor.AnswerFileDialog(folder.File(L"no folder\\deeper\\other.bas"));
-    editor.Answer(kProgramTitle, L"The folder ", IDYES);
+    editor.Answer(kProgramTitle, L"The folder ", IDOK);
     EXPECT_TRUE(WaitFor([&] { return editor.TabLabel(0) == L"other.bas"; }));
     EXPECT_EQ(folder.Read(L"no folder\\deeper\\other.bas"), folder.Read(L"a.bas"));
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);

@@ -138,6 +138,7 @@ struct Editor {
     void Press(const Dialog& dialog, int button) const;   // and waits until it is gone
     void Answer(std::wstring_view caption, std::wstring_view text, int button) const;  // text: how it begins
     void AnswerFileDialog(const std::wstring& path, int button = IDOK) const;
+    std::wstring NameInFileDialog() const;
 
     // Tabs and the active document
     int Tabs() const;

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <utility>
 
 #include "class_name.h"
 #include "resources/ids.h"
@@ -202,19 +203,27 @@ void Editor::Answer(std::wstring_view caption, std::wstring_view text, int butto
     Press(dialog, button);
 }
 
-// The common dialog's name field is an edit control, bare or inside a combo box.
-void Editor::AnswerFileDialog(const std::wstring& path, int button) const {
+// The common dialog with its name field, an edit control that is bare or inside a combo box.
+static std::pair<Dialog, HWND> AwaitFileDialog(const Editor& editor) {
     Dialog dialog{};
     HWND field = nullptr;
     WaitFor([&] {
-        for (const Dialog& candidate : Dialogs())
+        for (const Dialog& candidate : editor.Dialogs())
             for (int id : {cmb13, edt1})
                 if (HWND found = GetDlgItem(candidate.window, id)) dialog = candidate, field = found;
         return field != nullptr;
     });
-    ASSERT_NE(field, nullptr) << "no file dialog\n" << Describe();
+    EXPECT_NE(field, nullptr) << "no file dialog\n" << editor.Describe();
     for (HWND inner : Descendants(field))
         if (ClassOf(inner) == L"Edit") field = inner;
+    return {dialog, field};
+}
+
+std::wstring Editor::NameInFileDialog() const { return TextOf(AwaitFileDialog(*this).second); }
+
+void Editor::AnswerFileDialog(const std::wstring& path, int button) const {
+    const auto [dialog, field] = AwaitFileDialog(*this);
+    ASSERT_NE(field, nullptr);
     Send(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
     EXPECT_EQ(TextOf(field), path);
     Press(dialog, button);
@@ -362,7 +371,6 @@ void Editor::Drag(HWND window, POINT from, POINT to) const {
     ClientToScreen(window, &from);
     ClientToScreen(window, &to);
     MouseTo(from);
-    EXPECT_EQ(WindowFromPoint(from), window) << "something else lies there";
     Mouse(MOUSEEVENTF_LEFTDOWN);
     EXPECT_TRUE(WaitFor([&] { return Input().hwndCapture == window; })) << "the press begins no drag";
     for (int step = 1; step <= kSteps; ++step)

@@ -29,7 +29,7 @@ void ExpectToWork(Editor& editor) {
 
 void CloseUnsaved(Editor& editor) {
     PostMessageW(editor.main, WM_CLOSE, 0, 0);
-    editor.Answer(kUnsaved, L"Save changes to", IDNO);
+    editor.Answer(kUnsaved, L"", IDC_CLOSE_DISCARD);
     EXPECT_EQ(editor.ExitCode(), 0u) << editor.Describe();
 }
 

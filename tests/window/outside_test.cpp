@@ -201,7 +201,7 @@ TEST(Outside, ASaveNeverOverwritesUnasked) {
         PostMessageW(editor.main, WM_CLOSE, 0, 0);
         return false;
     }));
-    editor.Answer(kUnsaved, L"Save changes to a.bas?", IDYES);
+    editor.Answer(kUnsaved, L"a.bas has unsaved changes.", IDC_CLOSE_SAVE);
     EXPECT_EQ(editor.ExitCode(), 0u);
     EXPECT_EQ(folder.Read(L"a.bas"), "mine more a\n");
 }

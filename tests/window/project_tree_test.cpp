@@ -164,7 +164,7 @@ TEST_F(ProjectTree, NewRenamedAndDeletedFilesAndTheirTabs) {
     Select(L"sub");
     Key(VK_DELETE);
     editor->Answer(kProgramTitle, L"Delete the folder \"sub\"", IDOK);
-    editor->Answer(kUnsaved, L"", IDNO);
+    editor->Answer(kUnsaved, L"", IDC_CLOSE_DISCARD);
     EXPECT_TRUE(Shows("demo[renamed.bas*]"));
     EXPECT_FALSE(Exists(folder.File(L"demo\\sub")));
     EXPECT_EQ(editor->Tabs(), 1);

@@ -134,7 +134,7 @@ TEST(Recovery, WhatIsSavedOrRefusedIsGone) {
         EXPECT_EQ(editor.CellOf(GetDlgItem(list.window, IDC_RECOVERY_LIST), 0, 0), L"c.bas");
         EXPECT_EQ(editor.Send(GetDlgItem(list.window, IDC_RECOVERY_LIST), LVM_GETITEMCOUNT), 1);
         PostMessageW(list.window, WM_COMMAND, IDC_RECOVERY_DISCARD, 0);
-        editor.Answer(L"Discard", L"Discard this text?", IDYES);
+        editor.Answer(L"Discard", L"Discard this text?", IDOK);
         ASSERT_TRUE(WaitFor([&] { return KeptTexts(folder).empty(); }));
 
         editor.Type("x");
@@ -151,7 +151,7 @@ TEST(Recovery, WhatIsSavedOrRefusedIsGone) {
         editor.Send(editor.main, WM_ENDSESSION, TRUE);  // unasked: all is kept
         EXPECT_EQ(KeptTexts(folder), std::set<std::string>{"zb\n"});
         PostMessageW(editor.main, WM_CLOSE, 0, 0);
-        editor.Answer(kUnsaved, L"Save changes to b.bas?", IDNO);
+        editor.Answer(kUnsaved, L"b.bas has unsaved changes.", IDC_CLOSE_DISCARD);
         EXPECT_EQ(editor.ExitCode(), 0u);
         EXPECT_TRUE(fs::is_empty(RecoveryOf(folder)));
     }

@@ -218,6 +218,15 @@ TEST(FindBar, LongLinesGetFewMarks) {
     EXPECT_EQ(find.Status(), L"20001 matches; the first 1000 of each line are marked");
     EXPECT_TRUE(marked(20, 4995) && !marked(20, 5000) && marked(20, 100002));
     find.Press(IDCANCEL);
+    // A line that moves takes its marks along, and back.
+    editor.Sci(SCI_GOTOPOS, 100004);
+    editor.Do(IDM_LINES_UP);
+    EXPECT_TRUE(marked(20, 1) && marked(20, 11) && !marked(20, 5006));
+    editor.Do(IDM_EDIT_UNDO);
+    EXPECT_TRUE(marked(20, 4995) && !marked(20, 5000) && marked(20, 100002));
+    editor.Do(IDM_EDIT_REDO);
+    EXPECT_TRUE(marked(20, 1) && marked(20, 11) && !marked(20, 5006));
+    editor.Do(IDM_EDIT_UNDO);
     editor.Do(IDM_SEARCH_INCREMENTAL);
     EXPECT_TRUE(WaitFor([&] { return marked(21, 5) && marked(21, 100002); })) << "what is in sight";
     EXPECT_FALSE(marked(21, 50000));
@@ -257,6 +266,12 @@ TEST(GotoLine, ShowsThePlaceAndGoes) {
     EXPECT_EQ(go(L"1", L"500"), 8) << "the end of the line";
     EXPECT_EQ(go(L"2", L"-3"), 10) << "its start";
     EXPECT_EQ(go(L"900", L"0"), 29) << "the last line";
+    const Dialog place = show();
+    editor.Send(GetDlgItem(place.window, IDC_GOTO_LINE), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"3:5"));
+    EXPECT_EQ(field(place, IDC_GOTO_COLUMN), L"4") << "a place counts as the status bar does";
+    EXPECT_EQ(field(place, IDC_GOTO_SHOWN), L"from 0 (shown as Col 5)");
+    editor.Press(place, IDOK);
+    EXPECT_EQ(editor.Sci(SCI_GETCURRENTPOS), 24);
     EXPECT_EQ(editor.Close(), 0u);
 }
 

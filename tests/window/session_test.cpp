@@ -284,11 +284,11 @@ TEST(Workspace, WritesItsLayoutAndReadsItBack) {
     EXPECT_EQ(editor.Tabs(), 2);
     editor.Type("x");
     editor.Post(IDM_WORKSPACE_NEW);
-    editor.Answer(kUnsaved, L"Save changes to c.bas?", IDCANCEL);
+    editor.Answer(kUnsaved, L"c.bas has unsaved changes.", IDCANCEL);
     EXPECT_EQ(editor.Tabs(), 2);
     EXPECT_TRUE(editor.Modified());
     editor.Post(IDM_WORKSPACE_NEW);
-    editor.Answer(kUnsaved, L"Save changes to c.bas?", IDNO);
+    editor.Answer(kUnsaved, L"c.bas has unsaved changes.", IDC_CLOSE_DISCARD);
     ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == 1 && editor.TabLabel(0) == L"Untitled"; })) << editor.Describe();
 }
 
@@ -321,7 +321,7 @@ TEST(Workspace, LeavesFilesOfOthersAlone) {
         EXPECT_TRUE(editor.Status(kPartCompiler).starts_with(L"KeldorBasic"));
         editor.Post(IDM_WORKSPACE_OPEN);
         editor.AnswerFileDialog(named);
-        editor.Answer(kUnsaved, L"", IDNO);
+        editor.Answer(kUnsaved, L"", IDC_CLOSE_DISCARD);
         ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == 2; })) << "both files, in spite of the bracket";
         EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); })) << "keys go into the text";
         EXPECT_TRUE(editor.Status(kPartCompiler).starts_with(L"KVXB64"));

@@ -333,6 +333,6 @@ TEST(SettingsDialog, ADoubleClickOpensTheFilesOfTheEditorHere) {
     EXPECT_TRUE(WaitFor([&] { return editor.Text() == "a\n"; })) << editor.Describe();
     const SettingsWindow settings(editor);
     PostMessageW(settings.Of(L"KVXA32", L"Default Program"), BM_CLICK, 0, 0);
-    editor.Answer(L"Default Program", L"Files .ka32 are opened by this editor.", IDYES);
+    editor.Answer(L"Default Program", L"Files .ka32 are opened by this editor.", IDOK);
     EXPECT_TRUE(tells(settings, L"Files .ka32 are opened by no program yet."));
 }

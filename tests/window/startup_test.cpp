@@ -73,7 +73,12 @@ TEST(Startup, OptionsOfTheCommandLineFromLeftToRight) {
                       OpenArgument(forward) + L" --compiler Kvxa64 --font \"Courier New\" --fontsize",
                   Until::Started);
     editor.Answer(L"Editor Help", CommandLineHelp(), IDOK);
-    editor.Answer(kProgramTitle, L"Failed to open file: " + missing, IDOK);
+    const Dialog failed = editor.AwaitDialog(kProgramTitle);
+    const std::wstring said = L"Failed to open file: " + missing + L"\n\n";
+    EXPECT_TRUE(failed.text.starts_with(said) && failed.text.size() > said.size())
+        << Utf8(failed.text) << " (no reason)";
+    EXPECT_NE(editor.Log().find(L"DBG WM_USER+200 EXIT"), std::wstring::npos) << "the box keeps the start waiting";
+    editor.Press(failed, IDOK);
     ASSERT_TRUE(editor.AwaitReady()) << "the help box must not end the program";
 
     ASSERT_EQ(editor.Tabs(), 2) << "two files, one of them named twice, one missing, no untitled tab";

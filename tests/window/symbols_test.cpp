@@ -105,7 +105,7 @@ TEST(Symbols, DefinitionsReferencesAndRenaming) {
     EXPECT_EQ(IsWindowEnabled(GetDlgItem(dialog.window, IDOK)), FALSE) << "it is a SUB already";
     type(L"loose");
     editor.Press(dialog, IDOK);
-    editor.Press(editor.AwaitDialog(L"Name in Use"), IDNO);
+    editor.Press(editor.AwaitDialog(L"Name in Use"), IDCANCEL);
     EXPECT_NE(editor.Text().find("p.x = total"), std::string::npos) << "nothing would tell it from the other one";
     editor.Post(IDM_SYMBOL_RENAME);
     dialog = editor.AwaitDialog(L"Rename Symbol");

@@ -1,5 +1,5 @@
 // The places of included files. Pure.
-#include "symbols/include_paths.h"
+#include "compile/include_paths.h"
 
 #include <algorithm>
 
