@@ -30,3 +30,32 @@ void FitDialogWidth(std::span<FitPart> parts, int width, int excess) {
         part.end = moves ? part.end - excess : std::max(part.start, std::min(part.end, edge - excess));
     }
 }
+
+int FreeEnd(const GrowPart& part, std::span<const GrowPart> others, int gap, int edge) {
+    int end = edge;
+    for (const GrowPart& other : others)
+        if (other.start >= part.end) end = std::min(end, other.start - gap);
+    return std::max(end, part.end);
+}
+
+int GrowDialogParts(std::span<GrowPart> parts, int length) {
+    int grown = 0;
+    for (GrowPart& part : parts) {
+        const int lack = part.wanted - (part.end - part.start);
+        if (lack <= 0) continue;
+        const GrowPart before = part;
+        for (GrowPart& other : parts) {
+            if (other.end < before.end) continue;
+            const bool column = other.start <= before.start;  // above or below it, and as wide at least
+            const bool further = (other.start + other.end) / 2 > (length + grown) / 2;
+            if (other.start >= before.end || (other.rigid && !column && further)) {
+                other.start += lack;
+                other.end += lack;
+            } else if (!other.rigid || column) {
+                other.end += lack;
+            }
+        }
+        grown += lack;
+    }
+    return grown;
+}

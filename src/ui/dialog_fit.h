@@ -1,4 +1,4 @@
-// Where the controls of a dialog go that is larger than its screen. Pure; any thread.
+// Where the controls of a dialog go that is larger than its screen, or whose texts need more room. Pure; any thread.
 #pragma once
 
 #include <span>
@@ -16,3 +16,17 @@ int FitDialogHeight(std::span<FitPart> parts, int excess, int least);
 // Takes `excess` pixels from the dialog's width, which is `width` now: rigid parts in the right half move, and others
 // that would stick out become shorter.
 void FitDialogWidth(std::span<FitPart> parts, int width, int excess);
+
+// A control that has a text, along one axis.
+struct GrowPart {
+    int start = 0, end = 0;
+    int wanted = 0;      // the length that its text needs
+    bool rigid = false;  // gets no longer than it needs: a button
+};
+
+// The end up to which a part of its row may grow without touching the next one: the least start of `others` that lies
+// beyond it, less `gap`, or `edge`.
+int FreeEnd(const GrowPart& part, std::span<const GrowPart> others, int gap, int edge);
+// Makes each part as long as it needs: what begins beyond it moves, and what reaches over its end grows too. So columns
+// stay columns. Rigid parts in the further half of `length` keep to that edge. Returns what the dialog grows by.
+int GrowDialogParts(std::span<GrowPart> parts, int length);

@@ -57,7 +57,10 @@ void PaintNothing(HWND dialog) {
 LRESULT CALLBACK DialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR kind) {
     if (message == WM_NCDESTROY) RemovePropW(dialog, kKindProperty);
     // A dialog may change its size and its place until it is shown.
-    if (message == WM_SHOWWINDOW && wParam != FALSE && kind == kOwnDialog) DialogFitScreen(dialog);
+    if (message == WM_SHOWWINDOW && wParam != FALSE && kind == kOwnDialog) {
+        DialogFitTexts(dialog);
+        DialogFitScreen(dialog);
+    }
     if (!ThemeDrawsControls()) return SubclassNext(dialog, message, wParam, lParam);
     switch (message) {
         case WM_CTLCOLORDLG:

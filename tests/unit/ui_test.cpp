@@ -58,6 +58,32 @@ TEST(DialogFit, TheListGivesWhatTheScreenLacks) {
     EXPECT_EQ(row[3].end, 350);
 }
 
+TEST(DialogFit, LongTextsMoveWhatIsBesideThem) {
+    // Two labels with fields, a check box with a free end, and two buttons at the right edge.
+    std::vector<GrowPart> parts = {{10, 60, 90, false}, {70, 270, 0, false},   {10, 60, 55, false},
+                                   {70, 270, 0, false}, {70, 150, 120, false}, {150, 210, 60, true},
+                                   {220, 270, 80, true}};
+    EXPECT_EQ(FreeEnd(parts[4], std::vector<GrowPart>{parts[1]}, 4, 270), 270);
+    EXPECT_EQ(FreeEnd(parts[0], std::vector<GrowPart>{parts[1]}, 4, 270), 66);
+    parts[4].end = 190;
+    EXPECT_EQ(GrowDialogParts(parts, 280), 40 + 30);
+    EXPECT_EQ(parts[0].end, 100);
+    EXPECT_EQ(parts[1].start, 110) << "the field beside the label moves";
+    EXPECT_EQ(parts[3].start, 110) << "and so does the other one of its column";
+    EXPECT_EQ(parts[1].end, 340) << "to the dialog's new edge";
+    EXPECT_EQ(parts[5].start, 190);
+    EXPECT_EQ(parts[5].end, 250) << "a button gets no longer than it needs";
+    EXPECT_EQ(parts[6].start, 260);
+    EXPECT_EQ(parts[6].end, 340);
+
+    // A button above two that share its width.
+    std::vector<GrowPart> column = {{200, 280, 70, true}, {200, 238, 50, true}, {242, 280, 38, true}};
+    EXPECT_EQ(GrowDialogParts(column, 290), 12);
+    EXPECT_EQ(column[0].start, 200);
+    EXPECT_EQ(column[0].end, 292);
+    EXPECT_EQ(column[2].start, 254);
+}
+
 TEST(Columns, ShrinkInProportion) {
     const std::vector<ColumnRoom> columns = {{100, 60}, {50, 50}, {200, 80}};
     const struct {

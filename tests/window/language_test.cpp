@@ -1,5 +1,6 @@
 // The real program in another language: a catalogue made from the list of all texts, in which each Latin letter has
-// become a wide one. So any Latin word in a text that the program shows is one that cannot be translated.
+// become a wide one. So any Latin word in a text that the program shows is one that cannot be translated, and dialogs must
+// have room for texts that are longer by 40 % and more.
 #include "build_driver.h"
 #include "class_name.h"
 
@@ -29,10 +30,11 @@ std::size_t FormatLength(std::wstring_view text, std::size_t at) {
     return format ? end + 1 - at : 1;
 }
 
-// A text as it stands in the list, with its escapes. Formats and the keys of a menu stay.
+// A text as it stands in the list, with its escapes, every second letter twice. Formats and the keys of a menu stay.
 std::wstring InWideLetters(std::wstring_view text) {
     const std::size_t keys = std::min(text.rfind(L"\\t"), text.size());
     std::wstring wide;
+    int letters = 0;
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t kept = text[at] == L'\\' ? 2 : text[at] == L'%' ? FormatLength(text, at) : 0;
         if (kept > 0 || at >= keys) {
@@ -40,7 +42,9 @@ std::wstring InWideLetters(std::wstring_view text) {
             at += std::max<std::size_t>(kept, 1);
             continue;
         }
-        wide += IsLatin(text[at]) ? static_cast<wchar_t>(text[at] + kWide) : text[at];
+        const bool letter = IsLatin(text[at]);
+        const std::size_t times = letter && ++letters % 2 == 0 ? 2 : 1;
+        wide.append(times, letter ? static_cast<wchar_t>(text[at] + kWide) : text[at]);
         ++at;
     }
     return wide;
@@ -96,6 +100,56 @@ void ExpectTranslated(const std::string& where, const std::wstring& text) {
     EXPECT_EQ(Utf8(LatinWords(text)), "") << where << ": " << Utf8(text);
 }
 
+// The font of dialogs, and the system's for messages, which the settings have.
+enum class Font { Dialog, Message };
+
+LOGFONTW FaceOf(Font font, HDC dc) {
+    NONCLIENTMETRICSW metrics = {};
+    metrics.cbSize = sizeof(metrics);
+    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0);
+    if (font == Font::Message) return metrics.lfMessageFont;
+    LOGFONTW face = {};
+    face.lfHeight = -MulDiv(9, GetDeviceCaps(dc, LOGPIXELSY), 72);
+    face.lfCharSet = DEFAULT_CHARSET;
+    lstrcpyW(face.lfFaceName, L"Segoe UI");
+    return face;
+}
+
+// The size of a text in lines of at most `width`; 0: in one line.
+SIZE SizeOf(const std::wstring& text, Font font, UINT format, LONG width = 0) {
+    const HDC dc = GetDC(nullptr);
+    const LOGFONTW face = FaceOf(font, dc);
+    const HFONT made = CreateFontIndirectW(&face);
+    const HGDIOBJ old = SelectObject(dc, made);
+    RECT area = {0, 0, width, 0};
+    DrawTextW(dc, text.c_str(), -1, &area, DT_CALCRECT | format | (width > 0 ? DT_WORDBREAK : 0U));
+    SelectObject(dc, old);
+    DeleteObject(made);
+    ReleaseDC(nullptr, dc);
+    return {area.right, area.bottom};
+}
+
+// The box of a check box, and the blank beside it.
+constexpr int kBoxWidth = 17;
+
+// No part of a label's or a button's text lies beyond its window. Labels that end with dots shorten themselves.
+void ExpectWhole(const std::string& where, HWND control, const std::wstring& text, Font font) {
+    const std::wstring kind = ClassOf(control);
+    const LONG_PTR style = GetWindowLongPtrW(control, GWL_STYLE);
+    const bool label = kind == WC_STATICW;
+    if (!label && (style & BS_TYPEMASK) == BS_OWNERDRAW) return;  // its text is only a name
+    if (text.empty() || (label && (style & SS_ELLIPSISMASK) != 0) || (!label && kind != WC_BUTTONW)) return;
+    RECT client = {};
+    GetClientRect(control, &client);
+    const LONG_PTR type = style & BS_TYPEMASK;
+    const bool box = !label && type != BS_PUSHBUTTON && type != BS_DEFPUSHBUTTON;
+    const UINT format = label && (style & SS_NOPREFIX) != 0 ? DT_NOPREFIX : 0U;
+    const SIZE size = SizeOf(text, font, format, label ? client.right : 0);
+    const bool whole = size.cx <= client.right - (box ? kBoxWidth : 0) && size.cy <= client.bottom;
+    EXPECT_TRUE(whole) << where << ", " << Utf8(text) << ": " << size.cx << "x" << size.cy << " in " << client.right
+                       << "x" << client.bottom;
+}
+
 std::vector<HWND> VisibleChildren(HWND parent) {
     std::vector<HWND> children;
     EnumChildWindows(
@@ -135,10 +189,12 @@ struct LanguageDriver {
         }
     }
     // Captions, labels, buttons and columns; fields hold what the user has typed.
-    void ExpectWindow(const std::string& where, HWND window, bool lists) const {
+    void ExpectWindow(const std::string& where, HWND window, bool lists, Font font = Font::Dialog) const {
         ExpectTranslated(where, editor.TextOf(window));
+        const bool dialog = lists || font == Font::Message;
         for (const HWND child : VisibleChildren(window)) {
             const std::wstring kind = ClassOf(child);
+            if (dialog) ExpectWhole(where, child, editor.TextOf(child), font);
             if (kind == WC_STATICW || kind == WC_BUTTONW || kind.starts_with(L"KVXE"))
                 ExpectTranslated(where, editor.TextOf(child));
             for (int column = 0; kind == WC_LISTVIEWW && column < 8; ++column)
@@ -185,8 +241,9 @@ struct LanguageDriver {
                 IDC_SETTINGS_ITEM_FIRST + static_cast<int>(SettingsPages()[page].items.size() - 1) * SETTINGS_PARTS;
             const HWND shown = GetDlgItem(settings.window, IDC_SETTINGS_PAGE_FIRST + static_cast<int>(page));
             EXPECT_TRUE(WaitFor([&] { return GetDlgItem(shown, last) != nullptr; })) << page;
-            ExpectWindow("page " + Utf8(SettingsPages()[page].title), shown, false);
+            ExpectWindow("page " + Utf8(SettingsPages()[page].title), shown, false, Font::Message);
         }
+        ExpectWindow("settings", settings.window, false, Font::Message);
         editor.Press(settings, IDCANCEL);
     }
 };
@@ -194,6 +251,9 @@ struct LanguageDriver {
 }  // namespace
 
 TEST(Language, EveryTextThatIsShownIsThatOfTheCatalogue) {
+    for (const wchar_t* text : {L"&Arguments:", L"Regular e&xpression", L"Of the program that is debugged"})
+        ASSERT_GE(SizeOf(InWideLetters(text), Font::Dialog, 0).cx * 10, SizeOf(text, Font::Dialog, 0).cx * 14)
+            << "40 % longer";
     FakeFolder folder("out: q(3): error: x\nexit: 1\n");
     folder.Write(L"languages\\Wide.txt", WideCatalogue());
     folder.SetIni(L"Editor", L"Language", L"Wide");
