@@ -89,6 +89,7 @@ TEST(Bars, FieldsOfTheStatusBarReact) {
     WalkBackTo(editor, IDC_TOOLBAR);
     editor.Keys({VK_RETURN});  // the first button
     EXPECT_TRUE(WaitFor([&] { return editor.Tabs() == 2 && editor.Focus() == editor.Sci(); }));
+    EXPECT_TRUE(WaitFor([&] { return editor.Status(kPartEncoding) == L"ANSI"; })) << "which its first save writes";
     editor.Do(IDM_FILE_CLOSE);
     EXPECT_EQ(editor.Tabs(), 1) << "one new document for one key";
     WalkBackTo(editor, IDC_STATUS_BAR);

@@ -46,6 +46,39 @@ TEST(BuildGuards, EachDiagnosticOfABatchHasItsOwnFolder) {
     EXPECT_EQ(editor.Close(), 0u);
 }
 
+// Without a project, an include file stands for the program that includes it, as far as one can tell which.
+TEST(BuildGuards, AnIncludeFileStandsForItsProgram) {
+    FakeFolder folder("args\nmake\n");
+    const std::wstring first = folder.Write(L"first.bas", "#INCLUDE \"part.inc\"\r\n" + kHello);
+    const std::wstring second = folder.Write(L"second.bas", "#INCLUDE \"part.inc\"\r\n" + kHello);
+    const std::wstring part = folder.Write(L"part.inc", "' part\r\n");
+    Editor editor(folder, OpenArgument(first) + OpenArgument(second) + OpenArgument(part) + L" --compiler kvxa64");
+    const auto show = [&editor](const std::wstring& name) {
+        for (int i = 0; i < 3 && editor.TabLabel(editor.ActiveTab()) != name; ++i) editor.Do(IDM_PREVIOUS_TAB);
+        ASSERT_EQ(editor.TabLabel(editor.ActiveTab()), name);
+    };
+    const auto expect = [&](const std::wstring& said, const std::wstring& built) {
+        const std::wstring text = Build(editor);
+        EXPECT_TRUE(Has(text, said)) << Utf8(text);
+        for (const std::wstring& each : {first, second, part})
+            EXPECT_EQ(Has(text, Quoted(each)), each == built) << Utf8(each) << " in " << Utf8(text);
+    };
+    expect(L"part.inc is included by several open sources", part);
+    show(L"second.bas");
+    Build(editor);
+    show(L"part.inc");
+    editor.Type("' typed\r\n");
+    expect(L"part.inc is a part of second.bas", second);  // that was built last
+    EXPECT_EQ(folder.Read(L"part.inc"), "' typed\r\n' part\r\n") << "saved all the same";
+    for (const wchar_t* other : {L"second.bas", L"first.bas"}) {
+        show(other);
+        editor.Do(IDM_FILE_CLOSE);
+        show(L"part.inc");
+        other[0] == L's' ? expect(L"part.inc is a part of first.bas", first)
+                         : expect(L"part.inc is an include file that no open source includes", part);
+    }
+}
+
 TEST(BuildGuards, AProgramRunsInTheOutputPane) {
     FakeFolder folder("make\n");
     folder.SetIni(L"Editor", L"ProgramArguments", L"-a \"b c\"");

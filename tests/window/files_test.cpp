@@ -70,9 +70,16 @@ TEST(Files, EditingUndoAndSavingKeepEveryByte) {
         EXPECT_EQ(editor.Status(kPartEncoding), c.encoding);
         EXPECT_EQ(editor.Status(kPartLineEnding), c.lineEnding);
         EXPECT_FALSE(editor.Modified());
+        // The bytes of the file, not of the text in memory: those that it has, and those that the next save writes.
+        const auto tells = [&](std::size_t bytes) {
+            return WaitFor([&] { return editor.Status(kPartSelection) == std::to_wstring(bytes) + L" bytes in all"; });
+        };
+        EXPECT_TRUE(tells(c.bytes.size())) << Utf8(editor.Status(kPartSelection));
         editor.Sci(SCI_GOTOPOS, 0);
         editor.Type("x");
         EXPECT_TRUE(editor.Modified());
+        if (c.saved.empty() && !c.bytes.starts_with("\xEF"))
+            EXPECT_TRUE(tells(c.bytes.size() + 1)) << Utf8(editor.Status(kPartSelection));
         editor.Do(IDM_FILE_SAVE);
         EXPECT_FALSE(editor.Modified());
         EXPECT_EQ(folder.Read(file), "x" + saved);

@@ -66,7 +66,7 @@ TEST(FileFinder, FindsOpensAndGoesToTheLine) {
     ProgramFolder folder;
     const std::wstring main = folder.Write(L"project\\main.bas", Lines(3));
     folder.Write(L"project\\.gitignore", "out/\n");
-    folder.Write(L"project\\lib\\find_rules.bas", Lines(40));
+    folder.Write(L"project\\lib\\find_rules.kxa", Lines(40));
     folder.Write(L"project\\lib\\file_runner.bas", Lines(5));
     folder.Write(L"project\\out\\find_rules.bas", Lines(5));
     folder.Write(L"project\\program.exe", "MZ");
@@ -79,7 +79,7 @@ TEST(FileFinder, FindsOpensAndGoesToTheLine) {
         EXPECT_TRUE(WaitFor([&] { return quick.Rows() == 3; })) << "not the ignored one, and no program";
         EXPECT_EQ(quick.Row(0), L"main.bas") << "what is open comes first";
         quick.Type(L"fr");
-        quick.ExpectFirst(L"find_rules.bas  lib");
+        quick.ExpectFirst(L"find_rules.kxa  lib");
         EXPECT_EQ(quick.Row(1), L"file_runner.bas  lib");
         EXPECT_EQ(quick.Rows(), 2);
         editor.Keys({VK_DOWN});
@@ -88,13 +88,15 @@ TEST(FileFinder, FindsOpensAndGoesToTheLine) {
         quick.ExpectClosed();
         EXPECT_EQ(editor.Tabs(), 1) << "a row that is only looked at is not opened";
 
+        const std::wstring compiler = editor.Status(kPartCompiler);
         quick.Open(false);
         quick.Type(L"rules lib:33:5");
-        quick.ExpectFirst(L"find_rules.bas  lib");
+        quick.ExpectFirst(L"find_rules.kxa  lib");
         editor.Keys({VK_RETURN});
         EXPECT_TRUE(WaitFor([&] { return editor.Tabs() == 2 && editor.Line() == 33; })) << editor.Describe();
         EXPECT_EQ(editor.Column(), 5);
-        EXPECT_EQ(editor.TabLabel(1), L"find_rules.bas");
+        EXPECT_EQ(editor.TabLabel(1), L"find_rules.kxa");
+        EXPECT_EQ(editor.Status(kPartCompiler), compiler) << "a file that is looked up is no choice of its compiler";
         quick.ExpectClosed();
 
         quick.Open(false);
