@@ -360,7 +360,8 @@ void OutsideOnDocumentActive() {
 }
 
 bool OutsideWantsToAsk() {
-    if (!g_outside.pending || GetForegroundWindow() != g_ui.hMainWnd) return false;
+    // A minimised frame may still be the foreground window, and its question would be behind it when it comes back.
+    if (!g_outside.pending || GetForegroundWindow() != g_ui.hMainWnd || IsIconic(g_ui.hMainWnd) != FALSE) return false;
     if (MillisecondsSinceInput() < (g_outside.returned ? kPauseOnReturnMs : kPauseMs)) return false;
     const ULONGLONG now = GetTickCount64();
     if (now - g_outside.lastSeen < kStillMs && now - g_outside.firstSeen < kMostStillMs) return false;

@@ -149,6 +149,16 @@ TEST(Outside, EveryKindIsNoticedAndSaidOnce) {
         return false;
     }));
 
+    // A minimised window asks when it is back.
+    ShowWindow(editor.main, SW_MINIMIZE);
+    ASSERT_TRUE(WaitFor([&] { return IsIconic(editor.main) != FALSE; }));
+    WriteBytes(a, "away\n");
+    EXPECT_FALSE(WaitFor([&] { return !editor.Dialogs().empty(); }, 3000)) << "behind the window once it is back";
+    ShowWindow(editor.main, SW_RESTORE);
+    editor.Foreground();
+    AnswerQuestion(editor, L"a.bas was changed", IDC_OUTSIDE_FIRST);
+    EXPECT_TRUE(WaitFor([&] { return editor.Text() == "away\n"; })) << editor.Text();
+
     // A tab that is not shown is asked about when it is.
     editor.Do(IDM_FILE_NEW);
     WriteBytes(a, "aa\n");
