@@ -19,15 +19,18 @@ std::wstring NoticeOfNames(std::string_view condition, std::span<const NamedPlac
     const ProgramMemory zeros = {
         .read = [](std::uint64_t, void*, std::size_t) { return true; },
         .readSome = [](std::uint64_t, void* out, std::size_t count) { return std::memset(out, 0, count), count; }};
-    std::wstring problem;
+    std::wstring told;  // of the kind of program that the places belong to
     for (const bool x64 : {true, false}) {
         RegisterSet ones;
         ones.x64 = x64;
         ones.general.fill(1);
-        problem = NamedConditionProblem(condition, {.names = names, .registers = ones, .memory = zeros});
+        const std::wstring problem =
+            NamedConditionProblem(condition, {.names = names, .registers = ones, .memory = zeros});
         if (problem.empty()) return {};
+        const auto fits = [x64](const NamedPlace& each) { return PlaceProblem(each.place, x64).empty(); };
+        if (told.empty() || std::ranges::all_of(names, fits)) told = problem;
     }
-    return TextWith(L"It stops wherever this decides: {1}.", {problem});
+    return TextWith(L"It stops wherever this decides: {1}.", {told});
 }
 
 bool CouldBeVariable(std::string_view text) {

@@ -253,7 +253,11 @@ bool DoEditingKey(HWND pane, WPARAM key) {
 LRESULT OnPaneEraseKey(HWND pane, WPARAM wParam, LPARAM lParam) {
     const CaretUndoStep together(pane, CaretEdit::Erased, HasSeveralCarets(pane));
     LRESULT result = 0;
-    EditorErase(pane, [&] { result = SubclassNext(pane, WM_KEYDOWN, wParam, lParam); });
+    const auto erase = [&] { result = SubclassNext(pane, WM_KEYDOWN, wParam, lParam); };
+    if (GetKeyState(VK_CONTROL) < 0 || GetKeyState(VK_SHIFT) < 0)
+        EditorErase(pane, erase);
+    else
+        EditorEraseCharacter(pane, wParam == VK_DELETE, erase);
     return result;
 }
 

@@ -15,5 +15,7 @@ void EditorCut(HWND editor);
 void EditorCutLine(HWND editor);  // the lines of the selection
 void EditorPaste(HWND editor);    // undo selects again what it has replaced
 void EditorErase(HWND editor, const std::function<void()>& erase);
-// The same where `change` puts something in the place of what is selected: marks stay on a line that stays.
+// The same for Backspace and Del (`forward`): the marks of a line that is added to the one above go there with its text.
+void EditorEraseCharacter(HWND editor, bool forward, const std::function<void()>& erase);
+// EditorErase where `change` puts something in the place of what is selected: marks stay on a line that stays.
 void EditorReplace(HWND editor, const std::function<void()>& change);

@@ -403,17 +403,27 @@ std::size_t TabWidthOf(HWND editor) {
     return static_cast<std::size_t>(std::max<LRESULT>(1, PaneSend(editor, SCI_GETTABWIDTH)));
 }
 
-// The lines that are selected as a whole: up to the start of another line, or to the end of the text.
-std::optional<LineBlock> WholeLinesSelected(HWND editor) {
+// The lines whose text or whose break an erasing takes away: those that are selected as a whole, up to the start of
+// another line or to the end of the text; of any other selection, all but the first, which takes in the rest of the last.
+std::optional<LineBlock> LinesErased(HWND editor) {
     if (PaneSend(editor, SCI_GETSELECTIONS) != 1 || CaretsAreEmpty(editor)) return std::nullopt;
     const LRESULT start = PaneSend(editor, SCI_GETSELECTIONSTART), end = PaneSend(editor, SCI_GETSELECTIONEND);
     LineBlock block = {PaneSend(editor, SCI_LINEFROMPOSITION, start), PaneSend(editor, SCI_LINEFROMPOSITION, end)};
-    if (LineStart(editor, block.first) != start) return std::nullopt;
-    if (LineStart(editor, block.last) == end)
+    const bool endsAtStart = LineStart(editor, block.last) == end;
+    if (LineStart(editor, block.first) != start || (!endsAtStart && end != PaneSend(editor, SCI_GETLENGTH)))
+        ++block.first;
+    else if (endsAtStart)
         --block.last;
-    else if (end != PaneSend(editor, SCI_GETLENGTH))
-        return std::nullopt;
     return block.count() > 0 ? std::optional{block} : std::nullopt;
+}
+
+// The line that Backspace (or Del, with `forward`) would add to the one above it; 0: none.
+LRESULT LineToJoin(HWND editor, bool forward) {
+    if (PaneSend(editor, SCI_GETSELECTIONS) != 1 || !CaretsAreEmpty(editor)) return 0;
+    const LRESULT caret = PaneSend(editor, SCI_GETCURRENTPOS), line = PaneSend(editor, SCI_LINEFROMPOSITION, caret);
+    if (!forward) return LineStart(editor, line) == caret ? line : 0;
+    const bool atEnd = PaneSend(editor, SCI_GETLINEENDPOSITION, line) == caret;
+    return atEnd && line + 1 < LineCountOf(editor) ? line + 1 : 0;
 }
 
 void DoLineCommand(HWND editor, int command) {
@@ -449,7 +459,7 @@ void EditorLineCommand(HWND editor, int command) {
 
 void EditorErase(HWND editor, const std::function<void()>& erase) {
     const CaretsDrawOnce once(editor);
-    const std::optional<LineBlock> lines = WholeLinesSelected(editor);
+    const std::optional<LineBlock> lines = LinesErased(editor);
     if (!lines || PaneSend(editor, SCI_GETREADONLY) != 0 || !LineMarksAreIn(editor, *lines)) return erase();
     const CaretUndoStep step(editor);
     LineMarksMove marks = LineMarksTake(editor, *lines);
@@ -459,6 +469,20 @@ void EditorErase(HWND editor, const std::function<void()>& erase) {
     if (const PaneState* const pane = PaneStateOf(editor); pane != nullptr && users)
         g_events.documentStatus(pane->document,
                                 Text(L"Bookmarks and breakpoints went with the lines; undo brings them back"));
+}
+
+void EditorEraseCharacter(HWND editor, bool forward, const std::function<void()>& erase) {
+    const LRESULT line = LineToJoin(editor, forward);
+    // Where both lines have marks, undo could not tell whose they were.
+    if (line == 0 || PaneSend(editor, SCI_GETREADONLY) != 0 || !LineMarksAreIn(editor, {line, line}) ||
+        LineMarksAreIn(editor, {line - 1, line - 1}))
+        return EditorErase(editor, erase);
+    const CaretsDrawOnce once(editor);
+    const CaretUndoStep step(editor);
+    LineMarksMove marks = LineMarksTake(editor, {line, line});
+    marks.after = {static_cast<std::int32_t>(line - 1)};
+    erase();
+    LineMarksPut(editor, std::move(marks));
 }
 
 void EditorReplace(HWND editor, const std::function<void()>& change) {

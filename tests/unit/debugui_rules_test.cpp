@@ -37,12 +37,13 @@ TEST(Condition, WarnsOfWhatItDoesNotDo) {
         {"i > 5", L""},
         {"i > j", L"j is not known"},
         {"i > 5 AND j < 3", L"j is not known"},  // found at once, not where i is first above 5
+        {"k > 5 AND j < 3", L"j is not known"},
         {"total = 5", L"total has no place here"},
         {"RAX = 5", L"has =="},
         {"RAX>5 AND total<3", L"AND total<3"},
         {"i = \"a\"", L"cannot be compared"},
     };
-    const NamedPlaces names = {{.name = "i", .place = "EBP-4"}};
+    const NamedPlaces names = {{.name = "i", .place = "EBP-4"}, {.name = "k", .place = "RBP-4"}};
     for (const auto& c : cases) {
         const std::wstring notice = ConditionNotice(c.condition, names);
         EXPECT_EQ(notice.empty(), c.part[0] == L'\0') << c.condition;

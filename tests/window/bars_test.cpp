@@ -281,6 +281,21 @@ TEST(Bars, MarksFollowLinesThroughUndoAndRedo) {
         editor.Do(IDM_EDIT_UNDO);
         EXPECT_EQ(lines(), before) << typed;
     }
+    const struct {
+        int from, to;
+        WPARAM key;
+        const char* after;
+    } parts[] = {{3, 17, key, "p2c2"},  // from within a line into another
+                 {7, 7, VK_BACK, "b0p0c0p3c3"},
+                 {5, 5, VK_DELETE, "b0p0c0p3c3"}};
+    for (const auto& part : parts) {
+        SCOPED_TRACE(part.from);
+        editor.Sci(SCI_SETSEL, static_cast<WPARAM>(part.from), part.to);
+        editor.Send(editor.Sci(), part.key == key ? WM_CHAR : WM_KEYDOWN, part.key, 0);
+        EXPECT_EQ(lines(), part.after);
+        editor.Do(IDM_EDIT_UNDO);
+        EXPECT_EQ(lines(), before);
+    }
     editor.Sci(SCI_SETSEL, 7, 9);
     editor.Send(editor.Sci(), WM_CHAR, key, 0);
     EXPECT_EQ(lines(), before);

@@ -106,6 +106,14 @@ TEST(DebugSession, GoesOnRestartsAndTellsTheLastOutput) {
     editor.Do(IDM_BUILD_RUN);  // F5
     awaitStatus(L"Stopped at main.kxa:5");
     EXPECT_TRUE(session.Await(L"main.kxa:5||3 of 3|")) << Utf8(session.All());
+    editor.Foreground();
+    editor.Sci(SCI_GRABFOCUS);
+    editor.Sci(SCI_SELECTALL);
+    editor.Send(editor.Sci(), WM_CHAR, 'x', 0);
+    EXPECT_EQ(editor.Sci(SCI_MARKERNEXT, 0, 1 << kMarkCurrent), -1) << "its line is gone";
+    editor.Do(IDM_EDIT_UNDO);
+    for (const int marker : {kMarkCurrent, kMarkCurrentLine, kMarkBreakpoint})
+        EXPECT_EQ(editor.Sci(SCI_MARKERNEXT, 0, LPARAM{1} << marker), 4) << marker;
     editor.Do(IDM_DEBUG_STEPS_FOLLOW);
     editor.Do(IDM_DEBUG_STEP_INTO);
     awaitStatus(L"Stopped at part.inc:1");

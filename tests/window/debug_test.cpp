@@ -100,8 +100,9 @@ TEST(Debug, StepsThroughASample) {
 
     editor.Do(IDM_DEBUG_CONTINUE);
     ExpectStopAt(editor, 13);
-    editor.Do(IDM_DEBUG_STEP_OVER);
-    ExpectStopAt(editor, 14);
+    editor.Do(IDM_DEBUG_STEP_INTO);
+    EXPECT_TRUE(AwaitStatus(editor, L"The step went over a call; Debug > Steps Follow the Program goes into it"));
+    EXPECT_EQ(LineMarked(editor, kMarkCurrent), 14);
     GoTo(editor, 15);
     editor.Do(IDM_DEBUG_RUN_TO_CURSOR);
     ExpectStopAt(editor, 15);
