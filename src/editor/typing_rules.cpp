@@ -62,7 +62,6 @@ BracePair BracesToShow(std::span<const StyledByte> text, std::ptrdiff_t start, s
 
 std::optional<KeywordEdit> KeywordEditOf(const std::string& line, LineState before, const Dialect& dialect,
                                          std::size_t start, std::size_t end, BlockTable* table) {
-    if (start > 0 && line[start - 1] == '.') return std::nullopt;  // a member, or the end of a file's name
     const std::string capitals = KeywordsInCapitals(line, before, dialect, table);
     const bool inAssembly = (before & kScanAssembly) != 0;
     // Only the last word of END ASM makes a line of assembly a line of BASIC, so both words change then.
