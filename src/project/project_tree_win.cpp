@@ -91,6 +91,10 @@ LRESULT CALLBACK ProjectTreeSubclassProc(HWND window, UINT message, WPARAM wPara
         case WM_KEYDOWN:
             if (TreeOnKey(wParam)) return 0;
             break;
+        case WM_SYSKEYDOWN:  // under Wine the control makes no WM_CONTEXTMENU of Shift+F10
+            if (wParam != VK_F10 || GetKeyState(VK_SHIFT) >= 0) break;
+            TreeShowMenu({-1, -1});
+            return 0;
         case WM_CHAR:
             if (TreeOnCharacter(wParam)) return 0;
             break;

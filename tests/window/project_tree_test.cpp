@@ -102,6 +102,18 @@ TEST_F(ProjectTree, FillsFoldersWhenOpenedAndPageByPage) {
     Select(L"big");
     Key(VK_LEFT);
     Select(L"sub");
+    editor->Foreground();
+    for (int i = 0; i < 8 && editor->Focus() != tree; ++i) {
+        const HWND before = editor->Focus();
+        editor->Keys({VK_F6});
+        ASSERT_TRUE(WaitFor([&] { return editor->Focus() != before; }));
+    }
+    for (const bool menuKey : {true, false}) {
+        menuKey ? editor->Keys({VK_APPS}) : editor->Keys({VK_SHIFT, VK_F10});
+        ASSERT_TRUE(editor->AwaitMenu(true)) << menuKey;
+        editor->Keys({VK_ESCAPE});
+        ASSERT_TRUE(editor->AwaitMenu(false)) << menuKey;
+    }
     Key(VK_RETURN);
     ASSERT_TRUE(Shows("demo[big sub[inner.bas] a.bas*]"));
     Select(L"inner.bas");
