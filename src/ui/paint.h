@@ -6,6 +6,7 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -19,7 +20,7 @@ public:
     BufferedPaint(const BufferedPaint&) = delete;
     BufferedPaint& operator=(const BufferedPaint&) = delete;
 
-    HDC Dc() const { return memory_ ? memory_.Get() : screen_; }
+    HDC Dc() const { return memory_ != nullptr ? memory_ : screen_; }
     const RECT& Client() const { return client_; }
     const RECT& Area() const { return paint_.rcPaint; }
 
@@ -28,9 +29,9 @@ private:
     PAINTSTRUCT paint_ = {};
     HDC screen_ = nullptr;
     RECT client_ = {};
-    UniqueBitmap bitmap_;
-    UniqueMemoryDc memory_;  // destroyed before the bitmap, which is selected into it
-    HGDIOBJ oldBitmap_ = nullptr;
+    HDC memory_ = nullptr;  // of the buffer in `paint_win.cpp` that this one has taken
+    int saved_ = 0;         // the state of `memory_` before
+    std::size_t buffer_ = 0;
 };
 
 void FillArea(HDC dc, const RECT& area, COLORREF colour);

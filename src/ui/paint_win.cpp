@@ -1,8 +1,11 @@
 #include "ui/paint.h"
 
+#include "base/handles.h"
 #include "ui/dpi.h"
 
 #include <algorithm>
+#include <memory>
+#include <vector>
 
 namespace {
 
@@ -33,6 +36,49 @@ private:
     HGDIOBJ oldPen_ = nullptr;
 };
 
+// --- The bitmaps of BufferedPaint. A small one is kept for the next painting: under Wine each new one costs seven calls
+// to the system, and a step of a resize paints fourteen windows.
+
+constexpr int kKeptPixels = 64 * 1024;  // 256 kB
+
+struct PaintBuffer {
+    UniqueBitmap bitmap;
+    UniqueMemoryDc dc;  // destroyed before the bitmap, which is selected into it
+    HGDIOBJ oldBitmap = nullptr;
+    SIZE size = {};
+    bool used = false;
+};
+std::vector<std::unique_ptr<PaintBuffer>> g_buffers;  // one for each painting within another
+
+void FreeBuffer(PaintBuffer& buffer) {
+    if (buffer.dc) SelectObject(buffer.dc.Get(), buffer.oldBitmap);
+    buffer.dc.Reset();
+    buffer.bitmap.Reset();
+    buffer.size = {};
+}
+
+// The buffer has at least this size afterwards. Returns false when there is no memory for it.
+bool FitBuffer(PaintBuffer& buffer, HDC screen, SIZE size) {
+    if (buffer.dc && buffer.size.cx >= size.cx && buffer.size.cy >= size.cy) return true;
+    const SIZE both = {std::max(buffer.size.cx, size.cx), std::max(buffer.size.cy, size.cy)};
+    const SIZE wanted = both.cx * both.cy <= kKeptPixels ? both : size;
+    FreeBuffer(buffer);
+    buffer.bitmap.Reset(CreateCompatibleBitmap(screen, wanted.cx, wanted.cy));
+    if (!buffer.bitmap) return false;
+    buffer.dc.Reset(CreateCompatibleDC(screen));
+    if (!buffer.dc) return false;
+    buffer.oldBitmap = SelectObject(buffer.dc.Get(), buffer.bitmap.Get());
+    buffer.size = wanted;
+    return true;
+}
+
+std::size_t FreeBufferIndex() {
+    for (std::size_t i = 0; i < g_buffers.size(); ++i)
+        if (!g_buffers[i]->used) return i;
+    g_buffers.push_back(std::make_unique<PaintBuffer>());
+    return g_buffers.size() - 1;
+}
+
 }  // namespace
 
 BufferedPaint::BufferedPaint(HWND window) : window_(window) {
@@ -40,20 +86,25 @@ BufferedPaint::BufferedPaint(HWND window) : window_(window) {
     GetClientRect(window, &client_);
     if (screen_ == nullptr) return;
     const RECT& area = paint_.rcPaint;
-    bitmap_.Reset(CreateCompatibleBitmap(screen_, std::max<int>(area.right - area.left, 1),
-                                         std::max<int>(area.bottom - area.top, 1)));
-    if (bitmap_) memory_.Reset(CreateCompatibleDC(screen_));
-    if (!memory_) return;
-    oldBitmap_ = SelectObject(memory_.Get(), bitmap_.Get());
-    SetWindowOrgEx(memory_.Get(), area.left, area.top, nullptr);
+    buffer_ = FreeBufferIndex();
+    PaintBuffer& buffer = *g_buffers[buffer_];
+    if (!FitBuffer(buffer, screen_, {std::max(area.right - area.left, 1L), std::max(area.bottom - area.top, 1L)}))
+        return;
+    buffer.used = true;
+    memory_ = buffer.dc.Get();
+    saved_ = SaveDC(memory_);
+    SetWindowOrgEx(memory_, area.left, area.top, nullptr);
 }
 
 BufferedPaint::~BufferedPaint() {
-    if (memory_) {
+    if (memory_ != nullptr) {
         const RECT& area = paint_.rcPaint;
-        BitBlt(screen_, area.left, area.top, area.right - area.left, area.bottom - area.top, memory_.Get(), area.left,
+        BitBlt(screen_, area.left, area.top, area.right - area.left, area.bottom - area.top, memory_, area.left,
                area.top, SRCCOPY);
-        SelectObject(memory_.Get(), oldBitmap_);
+        RestoreDC(memory_, saved_);
+        PaintBuffer& buffer = *g_buffers[buffer_];
+        buffer.used = false;
+        if (buffer.size.cx * buffer.size.cy > kKeptPixels) FreeBuffer(buffer);
     }
     EndPaint(window_, &paint_);
 }
