@@ -7,9 +7,9 @@
 #include "documents/document_row.h"
 #include "resources/ids.h"
 #include "ui/accessible.h"
+#include "ui/late_size.h"
 #include "ui/menu.h"
 #include "ui/rich_lines.h"
-#include "ui/rich_size.h"
 #include "ui/subclass.h"
 #include "ui/ui_state.h"
 
@@ -95,7 +95,7 @@ LRESULT CALLBACK ChatWindowProc(HWND chat, UINT message, WPARAM wParam, LPARAM l
 
 void ChatWindowInit(HWND chat) {
     if (chat == nullptr) return;
-    RichSizeKeepsEnd(chat);
+    SizeLateKeepsEnd(chat);
     SubclassAdd(chat, ChatWindowProc);
     AccessibleNameSet(chat, Text(L"AI Chat"));  // again after the pane was replaced
     SendMessageW(chat, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);

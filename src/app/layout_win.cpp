@@ -20,6 +20,7 @@
 #include "search/find_bar.h"
 #include "tabs/tab_bar.h"
 #include "ui/dpi.h"
+#include "ui/late_size.h"
 #include "ui/panes.h"
 
 #include <iterator>
@@ -105,6 +106,7 @@ void PlaceChildren(const PaneLayout& layout) {
 void MainWindow_Layout() {
     RECT client = {};
     if (g_app.hMainWnd == nullptr || !GetClientRect(g_app.hMainWnd, &client) || IsIconic(g_app.hMainWnd)) return;
+    SizeStepBegins();
     CreateWantedPanes();
     PanesRemember();
     const PaneSpec* focused = PaneOfWindow(GetFocus());

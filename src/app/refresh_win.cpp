@@ -18,6 +18,7 @@
 #include "output/mark_view.h"
 #include "resources/ids.h"
 #include "symbols/outline_pane.h"
+#include "ui/late_size.h"
 #include "ui/long_work.h"
 
 #include <utility>
@@ -70,6 +71,7 @@ void MainWindow_RequestStateRefresh() { g_refresh.wanted = true; }
 void MainWnd_OnPositionTimer() { ShowPosition(); }
 
 void MainWnd_RunPendingRefresh() {
+    SizeStepEnds();
     MainWnd_ShowNotices();
     HandoverOpenWaiting();
     CompletionGoOn();

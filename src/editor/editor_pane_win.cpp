@@ -12,6 +12,7 @@
 #include "scintilla/sci.h"
 #include "settings/settings_state.h"
 #include "ui/dpi.h"
+#include "ui/late_size.h"
 #include "ui/ui_state.h"
 
 #include <algorithm>
@@ -71,6 +72,7 @@ HWND EditorPaneCreate(HINSTANCE instance, HWND parent, int controlId) {
             AppLogMsg(L"DBG EditorPaneCreate: Scintilla HWND=%p parent=%p id=%d", editor, parent, controlId);
         if (!EditorPaneInstallSubclass(editor)) AppLogMsg(L"FAIL: EditorPaneCreate: no subclass for %p", editor);
         EditorPaneSetUp(editor);
+        SizeLate(editor, SizeWaits::Never);
         UpdateWindow(editor);
         return editor;
     }

@@ -11,8 +11,8 @@
 #include "ui/chrome.h"
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
+#include "ui/late_size.h"
 #include "ui/rich_lines.h"
-#include "ui/rich_size.h"
 #include "ui/subclass.h"
 #include "ui/ui_state.h"
 
@@ -110,7 +110,7 @@ void OutputPaneInit(HWND pane) {
     SendMessageW(pane, EM_SETUNDOLIMIT, 0, 0);
     SendMessageW(pane, EM_EXLIMITTEXT, 0, 0x7FFFFFFE);
     SendMessageW(pane, EM_SETTARGETDEVICE, 0, 1);  // no wrapping: a line of output is a line of the pane
-    RichSizeKeepsEnd(pane);
+    SizeLateKeepsEnd(pane);
     SubclassAdd(pane, OutputPaneProc);
     AccessibleNameSet(pane, Text(L"Output"));  // again after the pane was replaced
 }

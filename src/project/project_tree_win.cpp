@@ -17,6 +17,7 @@
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
 #include "ui/fonts.h"
+#include "ui/late_size.h"
 #include "ui/message.h"
 #include "ui/paint.h"
 #include "ui/panes.h"
@@ -162,6 +163,7 @@ HWND ProjectTreeCreate(HWND parent, int controlId) {
         return nullptr;
     }
     if (SubclassAdd(window, ProjectTreeSubclassProc) == FALSE) AppLogMsg(L"FAIL: ProjectTreeCreate could not subclass");
+    SizeLate(window, SizeWaits::InSlowDrag);
     return window;
 }
 

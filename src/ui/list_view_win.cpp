@@ -7,6 +7,7 @@
 #include "ui/dpi.h"
 #include "ui/fit.h"
 #include "ui/fonts.h"
+#include "ui/late_size.h"
 #include "ui/list_internal.h"
 #include "ui/redraw.h"
 #include "ui/subclass.h"
@@ -134,6 +135,7 @@ bool ListViewCreate(ListView& list, HWND parent, int controlId) {
     ListViewSend(list, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_INFOTIP);
     ListViewSend(list, LVM_SETCALLBACKMASK, LVIS_STATEIMAGEMASK);
     SubclassAdd(list.window, ListViewProc, reinterpret_cast<DWORD_PTR>(&list));
+    SizeLate(list.window, SizeWaits::InSlowDrag);
     return true;
 }
 

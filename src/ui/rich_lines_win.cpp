@@ -3,8 +3,8 @@
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
 #include "ui/fonts.h"
+#include "ui/late_size.h"
 #include "ui/redraw.h"
-#include "ui/rich_size.h"
 #include "ui/text_inset.h"
 #include "ui/ui_state.h"
 
@@ -63,7 +63,7 @@ LONG MovedPlace(LONG place, LONG from, LONG to, LONG length) {
 void PrepareRichPane(HWND pane) {
     if (pane == nullptr) return;
     TextInsetPane(pane);
-    RichSizeLate(pane);
+    SizeLate(pane, SizeWaits::Always);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "ui/box_buttons.h"
 #include "ui/box_text.h"
 #include "ui/dialog_fit.h"
+#include "ui/drag_pace.h"
 #include "ui/fit.h"
 #include "ui/menu_text.h"
 #include "ui/scale.h"
@@ -258,6 +259,31 @@ TEST(BoxButtons, LongNamesFindRoom) {
             wider = WiderBoxButtons(wider, each.wanted);  // nothing more
         }
     }
+}
+
+TEST(DragPace, TwoLateStepsMakeASlowDragUntilTheHandIsStill) {
+    DragPace pace;
+    double now = 1000;
+    const auto step = [&](double takes, double allowance = 0) {
+        DragStepBegins(pace, now);
+        DragStepBegins(pace, now + takes / 2);  // a second layout before the painting belongs to the same step
+        DragStepEnds(pace, now + takes, allowance);
+        now += takes + 10;
+        return DragIsSlow(pace, now);
+    };
+    EXPECT_FALSE(step(40)) << "one may be chance";
+    EXPECT_FALSE(step(10));
+    EXPECT_FALSE(step(40)) << "not one after the other";
+    EXPECT_FALSE(step(30, 16)) << "what tells of the end came late";
+    EXPECT_FALSE(step(40));
+    EXPECT_TRUE(step(40));
+    EXPECT_TRUE(step(5)) << "the steps are fast because something is left out";
+    EXPECT_TRUE(step(5));
+    now += kStillMs;
+    EXPECT_FALSE(DragIsSlow(pace, now));
+    EXPECT_FALSE(step(40)) << "a new drag begins anew";
+    DragStepEnds(pace, now + 500, 0);
+    EXPECT_FALSE(DragIsSlow(pace, now)) << "an end without a beginning is no step";
 }
 
 }  // namespace

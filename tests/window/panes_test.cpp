@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "resources/ids.h"
 #include "ui/pane_id.h"
@@ -215,4 +216,57 @@ TEST(StartPage, OffersWhatCanBeOpenedUntilSomethingIs) {
     editor.Keys({VK_RETURN});
     EXPECT_TRUE(WaitFor([&] { return editor.Tabs() == 1 && editor.TabLabel(0).starts_with(L"Untitled"); }));
     EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
+}
+
+// While the steps of a drag are slow, the list in a pane is not told its new sizes. The steps come without a pause here, so
+// they are slow on any machine.
+TEST(Panes, FitAfterASlowDragAsAfterASingleStep) {
+    ProgramFolder folder;
+    folder.SetIni(L"Editor", L"ShowErrorList", L"1");
+    Editor editor(folder, OpenArgument(folder.Write(L"a.bas", "'\n")));
+    const HWND list = editor.Child(IDC_ERROR_LIST);
+    const HWND header = GetWindow(list, GW_CHILD);
+    const auto widths = [&] {
+        std::vector<LRESULT> all{HeightOf(editor, list)};
+        RECT place{}, client{};
+        GetWindowRect(header, &place);
+        GetClientRect(list, &client);
+        all.insert(all.end(), {place.right - place.left, client.right});
+        for (WPARAM column = 0; column < 4; ++column) all.push_back(editor.Send(list, LVM_GETCOLUMNWIDTH, column));
+        return all;
+    };
+    const auto sizeTo = [&](int width, UINT how = 0) {
+        SetWindowPos(editor.main, nullptr, 0, 0, width, 700, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE | how);
+    };
+    const auto fits = [&] {
+        const std::vector<LRESULT> now = widths();
+        return now[1] == now[2];
+    };
+    // Ends at the width in the middle of the drag, when a size is kept back. The widths before are other ones.
+    const auto dragSlowly = [&](int toWidth) {
+        int width = toWidth + 400;
+        const bool late = WaitFor([&] {
+            for (int step = 0; step < 12; ++step) sizeTo(width -= 2, SWP_ASYNCWINDOWPOS);
+            editor.Send(editor.main, WM_NULL);
+            return !fits() || width < toWidth + 30;
+        });
+        sizeTo(toWidth);
+        return late && !fits();
+    };
+    sizeTo(900);
+    ASSERT_TRUE(WaitFor(fits));
+    const std::vector<LRESULT> wanted = widths();
+    sizeTo(1100);
+    ASSERT_TRUE(WaitFor([&] { return fits() && widths() != wanted; }));
+
+    ASSERT_TRUE(dragSlowly(900)) << "no size was kept back";
+    EXPECT_TRUE(WaitFor([&] { return widths() == wanted; }))
+        << ::testing::PrintToString(widths()) << " instead of " << ::testing::PrintToString(wanted);
+
+    ASSERT_TRUE(dragSlowly(1000));
+    editor.Do(IDM_VIEW_ERROR_LIST);
+    sizeTo(900);
+    editor.Do(IDM_VIEW_ERROR_LIST);
+    EXPECT_EQ(widths(), wanted) << "a pane that is shown is told at once";
+    EXPECT_EQ(editor.Close(), 0u);
 }
