@@ -46,7 +46,7 @@ LayoutInput LayoutInputOf(int width, int height) {
             .panes = PaneWishes(),
             .outputSplit = settings.splitter,
             .sideWidth = UiScaled(settings.aiSidebarWidth),
-            .treeWidth = UiScaled(settings.projectTreeWidth),
+            .treeWidth = UiScaled(settings.projectTreeWidth + settings.projectTreeExtra),
             .debugWidth = UiScaled(settings.debugPaneWidth),
             .resultsWidth = UiScaled(settings.resultsWidth),
             .outlineHeight = UiScaled(settings.outlineHeight)};

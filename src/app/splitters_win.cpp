@@ -31,12 +31,15 @@ struct SplitterRow {
     int id;
     const wchar_t* name;  // for screen readers
     std::int32_t Settings::*setting;
-    int first;  // of the output's bar: FirstOutputSplit
+    int first;                                 // of the output's bar: FirstOutputSplit
+    std::int32_t Settings::*beyond = nullptr;  // gets what is more than `most`
+    int most = 0;
 };
 constexpr SplitterRow kSplitters[] = {
     {Splitter::Output, IDC_SPLIT_OUTPUT, English(L"Height of the Output"), &Settings::splitter, 0},
     {Splitter::Side, IDC_SPLIT_ASM, English(L"Width of the Side Panes"), &Settings::aiSidebarWidth, kFirstSideWidth},
-    {Splitter::Tree, IDC_SPLIT_TREE, English(L"Width of the Project Tree"), &Settings::projectTreeWidth, 200},
+    {Splitter::Tree, IDC_SPLIT_TREE, English(L"Width of the Project Tree"), &Settings::projectTreeWidth, 200,
+     &Settings::projectTreeExtra, 200},
     {Splitter::Debug, IDC_SPLIT_DEBUG, English(L"Width of the Debug Pane"), &Settings::debugPaneWidth, 0},
     {Splitter::ErrorList, IDC_SPLIT_ERROR_LIST, English(L"Height of the Error List"), &Settings::errorListHeight, 150},
     {Splitter::Results, IDC_SPLIT_RESULTS, English(L"Width of the Search Results"), &Settings::resultsWidth, 0},
@@ -63,7 +66,12 @@ const SplitterRow& RowOf(HWND window) {
 
 void SetSplitter(const SplitterRow& row, int value) {
     const SettingsEdit edit;  // the change of a setting lays out the panes
-    g_app.settings.*row.setting = value;
+    g_app.settings.*row.setting = row.beyond != nullptr ? std::min(value, row.most) : value;
+    if (row.beyond != nullptr) g_app.settings.*row.beyond = std::max(value - row.most, 0);
+}
+
+int SplitterSetting(const SplitterRow& row) {
+    return g_app.settings.*row.setting + (row.beyond != nullptr ? g_app.settings.*row.beyond : 0);
 }
 
 void BeginSplitterDrag(HWND window) {
@@ -141,7 +149,7 @@ bool OnSplitterKey(HWND window, WPARAM key) {
 
 void OnSplitterFocus(HWND window, bool has) {
     if (has) {
-        g_splitters.undoValue = g_app.settings.*RowOf(window).setting;
+        g_splitters.undoValue = SplitterSetting(RowOf(window));
         g_events.statusText(
             Text(L"Arrows, Home and End move the bar, Tab goes to the next one, Enter ends, Esc takes it back"));
     }

@@ -21,7 +21,7 @@ void NavHistoryGoToCurrent() {
     history.navLastLine = static_cast<std::int32_t>(SciSend(editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(target)));
     // The caret moves before the editor is shown, so that the editor comes up at the place. It moves again afterwards,
     // because only a visible editor scrolls to the caret.
-    CaretGoTo(editor, target);
+    CaretGoToMiddle(editor, target);
     const DocumentId document = TabAt(tab).id;
     TabBarActivate(tab);
     const int shown = TabBarFindDocument(document);  // the file of a tab that was never shown has been read now

@@ -141,5 +141,5 @@ void EditorPaneGoToMatch(HWND editor) {
     if (editor == nullptr) return;
     LRESULT place = BracePartner(editor);
     if (place < 0) place = BlockPartner(BlockAt(editor, PaneSend(editor, SCI_GETCURRENTPOS), {kJumpLines, kJumpBytes}));
-    if (place >= 0) CaretGoTo(editor, place);
+    if (place >= 0) CaretGoToMiddle(editor, place);
 }

@@ -31,7 +31,7 @@ bool BookmarkGo(HWND editor, bool forward) {
         line = SciSend(editor, search, forward ? 0 : static_cast<WPARAM>(last), kBookmarks);
     }
     if (line < 0) return false;
-    CaretGoTo(editor, SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line)));
+    CaretGoToMiddle(editor, SciSend(editor, SCI_POSITIONFROMLINE, static_cast<WPARAM>(line)));
     return true;
 }
 

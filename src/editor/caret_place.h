@@ -18,6 +18,8 @@ void CaretLeaveHiddenLine(HWND editor);
 
 // Moves the caret to a position, or selects from `anchor` to `caret`, uncovers the place and scrolls to it.
 void CaretGoTo(HWND editor, LRESULT position);
+// The same. A place that was out of sight comes into the middle of the view, with what is around it.
+void CaretGoToMiddle(HWND editor, LRESULT position);
 // Folds the block at the caret's line, or the one around it, or unfolds it. False: there is none.
 bool CaretToggleFold(HWND editor);
 

@@ -36,6 +36,15 @@ void CaretGoTo(HWND editor, LRESULT position) {
     PaneSend(editor, SCI_GOTOPOS, at);
 }
 
+void CaretGoToMiddle(HWND editor, LRESULT position) {
+    const LRESULT line = PaneSend(editor, SCI_LINEFROMPOSITION, CaretPositionAt(editor, position));
+    const LRESULT row = PaneSend(editor, SCI_VISIBLEFROMDOCLINE, line) - PaneSend(editor, SCI_GETFIRSTVISIBLELINE);
+    const bool inSight =
+        PaneSend(editor, SCI_GETLINEVISIBLE, line) != 0 && row >= 0 && row < PaneSend(editor, SCI_LINESONSCREEN);
+    CaretGoTo(editor, position);
+    if (!inSight) CaretShowInMiddle(editor);
+}
+
 bool CaretToggleFold(HWND editor) {
     LRESULT line = PaneSend(editor, SCI_LINEFROMPOSITION, PaneSend(editor, SCI_GETCURRENTPOS));
     if ((PaneSend(editor, SCI_GETFOLDLEVEL, line) & SC_FOLDLEVELHEADERFLAG) == 0)

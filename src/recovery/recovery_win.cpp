@@ -85,7 +85,7 @@ bool BringBack(const Leftover& leftover, RecoveryWish wish) {
     }
     const DocumentId document = TabAt(tab).id;
     TabBarSelect(tab);
-    CaretGoTo(TabAt(tab).editor, static_cast<LRESULT>(leftover.note.caret));
+    CaretGoToMiddle(TabAt(tab).editor, static_cast<LRESULT>(leftover.note.caret));
     SnapshotsTakeOver(document, leftover.files);
     return true;
 }

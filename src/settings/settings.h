@@ -117,6 +117,7 @@ struct Settings {
     std::int32_t showProjectTree;
     std::int32_t showOutline;
     std::int32_t projectTreeWidth;  // pixels at 96 dpi
+    std::int32_t projectTreeExtra;  // what the tree is wider than that
     // What the project tree shows, and whether it goes to the file of the active tab.
     std::int32_t treeSourcesOnly;
     std::int32_t treeHidden;

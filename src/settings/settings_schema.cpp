@@ -161,6 +161,7 @@ constexpr SettingRow kOtherRows[] = {
     Affects(kEffectLayout, BoolRow(kProject, L"ShowProjectTree", FIELD(showProjectTree), 0)),
     Affects(kEffectLayout, BoolRow(kProject, L"ShowOutline", FIELD(showOutline), 0)),
     Affects(kEffectLayout, IntRow(kProject, L"ProjectTreeWidth", FIELD(projectTreeWidth), 200, Within(100, 200))),
+    Affects(kEffectLayout, IntRow(kProject, L"ProjectTreeExtra", FIELD(projectTreeExtra), 0, Within(0, 600))),
     Affects(kEffectProject, BoolRow(kProject, L"TreeSourcesOnly", FIELD(treeSourcesOnly), 1)),
     Affects(kEffectProject, BoolRow(kProject, L"TreeHidden", FIELD(treeHidden), 0)),
     Affects(kEffectProject, BoolRow(kProject, L"TreeBinaries", FIELD(treeBinaries), 0)),

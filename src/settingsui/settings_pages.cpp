@@ -191,6 +191,8 @@ constexpr Line kProjectLines[] = {
     {FIELD(showProjectTree), Check, L"Show the project tree"},
     {FIELD(showOutline), Check, L"Show the outline", L"The symbols of the document, below the project tree."},
     Numbered(FIELD(projectTreeWidth), L"Width of the tree", 100, 200, L"In pixels at 100 %."),
+    Numbered(FIELD(projectTreeExtra), L"Wider by", 0, 600,
+             L"More pixels for the tree. The bar beside it changes both."),
     {FIELD(treeSourcesOnly), Check, L"Only source files", L"", L"What the tree shows"},
     {FIELD(treeHidden), Check, L"Hidden files and folders", L"Also those whose names begin with a dot."},
     {FIELD(treeBinaries), Check, L"Programs, libraries, pictures and archives",

@@ -336,7 +336,7 @@ TEST(Layout, DraggedSplittersKeepTheirLimits) {
         {"debug keeps something", Splitter::Debug, 300, 900, 0, 96, 1},
         {"tree grows to the right", Splitter::Tree, 120, 40, 0, 96, 160},
         {"tree by the length at 96 dpi", Splitter::Tree, 120, 60, 0, 144, 160},
-        {"tree at its widest", Splitter::Tree, 120, 500, 0, 96, 200},
+        {"tree at its widest", Splitter::Tree, 120, 900, 0, 96, 800},
         {"side grows to the left", Splitter::Side, 300, -100, 0, 96, 400},
         {"side at its least", Splitter::Side, 300, 900, 0, 96, 150},
         {"error list grows upwards", Splitter::ErrorList, 150, 9, -60, 144, 190},

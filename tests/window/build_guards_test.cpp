@@ -79,6 +79,19 @@ TEST(BuildGuards, AnIncludeFileStandsForItsProgram) {
     }
 }
 
+TEST(BuildGuards, AnIncludeFileStandsForItsProgramThroughOtherFiles) {
+    FakeFolder folder("make\n");
+    folder.Write(L"lib\\outer.inc", "#INCLUDE \"inner.inc\"\r\n");
+    const std::wstring inner = folder.Write(L"lib\\inner.inc", "MACRO X = 1\r\n");
+    Editor editor(folder, OpenArgument(folder.Write(L"other.bas", kHello)) +
+                              OpenArgument(folder.Write(L"main.bas", "#INCLUDE \"lib\\outer.inc\"\r\n")) +
+                              OpenArgument(inner) + L" --compiler kvxa64");
+    EXPECT_TRUE(Has(Build(editor), L"inner.inc is a part of main.bas, which is built."))
+        << "through a file on the disk";
+    folder.Write(L"lib\\outer.inc", "' nothing\r\n");
+    EXPECT_TRUE(Has(Build(editor), L"inner.inc is an include file that no open source includes."));
+}
+
 TEST(BuildGuards, AProgramRunsInTheOutputPane) {
     FakeFolder folder("make\n");
     folder.SetIni(L"Editor", L"ProgramArguments", L"-a \"b c\"");

@@ -261,12 +261,15 @@ TEST(View, SplittersFollowTheMouseAndKeepTheirShare) {
         int bar;
         POINT by;
         Sizes change;
+        int beside = 0;  // pixels from the middle of the bar at which the mouse takes it
     };
     const Case cases[] = {
         {"output up", IDC_SPLIT_OUTPUT, {0, -60}, {60, 0, 0, 0}},
         {"output down", IDC_SPLIT_OUTPUT, {0, 40}, {-40, 0, 0, 0}},
         {"assembly to the left", IDC_SPLIT_ASM, {-50, 0}, {0, 50, 0, 0}},
         {"tree to the left", IDC_SPLIT_TREE, {-30, 0}, {0, 0, -30, 0}},
+        {"tree to the right, beyond its first width", IDC_SPLIT_TREE, {90, 0}, {0, 0, 90, 0}, 4},
+        {"tree to the left again", IDC_SPLIT_TREE, {-90, 0}, {0, 0, -90, 0}, -4},
         {"debug pane to the left", IDC_SPLIT_DEBUG, {-90, 0}, {0, 0, 0, 90}},
     };
     for (const Case& c : cases) {
@@ -275,7 +278,7 @@ TEST(View, SplittersFollowTheMouseAndKeepTheirShare) {
         Sizes wanted = sizes();
         for (std::size_t i = 0; i < wanted.size(); ++i) wanted[i] += c.change[i];
         const HWND bar = editor.Child(c.bar);
-        const POINT from{Width(editor, bar) / 2, Height(editor, bar) / 2};
+        const POINT from{Width(editor, bar) / 2 + c.beside, Height(editor, bar) / 2};
         editor.Drag(bar, from, {from.x + c.by.x, from.y + c.by.y});
         EXPECT_TRUE(WaitFor([&] { return sizes() == wanted; }))
             << ::testing::PrintToString(sizes()) << " instead of " << ::testing::PrintToString(wanted);
