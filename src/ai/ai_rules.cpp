@@ -107,10 +107,11 @@ AiReplyPath AiReplyPathOf(std::int64_t status, bool hasReply) {
 }
 
 std::wstring AiProgressText(AiService service, const AiProgress& progress) {
-    std::wstring text = AiServiceName(service);
-    text += (progress.replying ? Text(L": replying, ") : Text(L": waiting, ")) + Elapsed(progress.seconds);
-    if (progress.received >= 1024) text += TextWith(L", {1} KB received", {std::to_wstring(progress.received / 1024)});
-    if (progress.others > 0) text += TextWith(L" (and {1} more)", {std::to_wstring(progress.others)});
+    std::wstring text = TextWith(progress.replying ? English(L"{1}: replying, {2}") : English(L"{1}: waiting, {2}"),
+                                 {AiServiceName(service), Elapsed(progress.seconds)});
+    if (progress.received >= 1024)
+        text = TextWith(L"{1}, {2} KB received", {text, std::to_wstring(progress.received / 1024)});
+    if (progress.others > 0) text = TextWith(L"{1} (and {2} more)", {text, std::to_wstring(progress.others)});
     return text;
 }
 

@@ -112,7 +112,7 @@ std::wstring CommandLineHelp() {
     text += HelpLine(L"--fontsize <n>", Text(L"Set font size (6-72)"));
     text += HelpLine(L"--detect", Text(L"Test compiler auto-detect, show results, exit"));
     for (const SelfTestRow& row : kSelfTestOptions)
-        text += HelpLine(row.name, Text(row.help) + std::wstring(Text(L", exit")));
+        text += HelpLine(row.name, TextWith(L"{1}, exit", {Text(row.help)}));
     text += HelpLine(L"--log", Text(L"Enable verbose logging to Editor_Detect.log"));
     text += HelpLine(L"--help, -h", Text(L"Show this help"));
     return TextWith(L"{1}\nAll features are also accessible via GUI menu/toolbar.", {text});

@@ -111,13 +111,15 @@ int TabToBuild(const BuildOrder& order, std::vector<BuildLine>* said) {
     const std::wstring name = tab.label;
     if (program >= 0)
         said->push_back(
-            {L"[Build] " + name + Text(L" is a part of ") + TabAt(program).label + Text(L", which is built.\r\n"), 0});
+            {TextWith(L"[Build] {1} is a part of {2}, which is built.\r\n", {name, TabAt(program).label}), 0});
     else
         said->push_back(
-            {L"[Build] " + name +
-                 (several ? Text(L" is included by several open sources. It is built alone; build one of these "
-                                 L"first, and later builds take that.\r\n")
-                          : Text(L" is an include file that no open source includes. It is built alone.\r\n")),
+            {TextWith(several
+                          ? English(L"[Build] {1} is included by several open sources. It is built alone; build one "
+                                    L"of these first, and later builds take that.\r\n")
+                          : English(L"[Build] {1} is an include file that no open source includes. It is built "
+                                    L"alone.\r\n"),
+                      {name}),
              kLineTeal});
     return program >= 0 ? program : active;
 }

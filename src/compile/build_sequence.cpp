@@ -1,5 +1,6 @@
 #include "compile/build_sequence.h"
 
+#include "base/count_text.h"
 #include "base/texts.h"
 #include "output/line_colours.h"
 
@@ -13,11 +14,6 @@ const wchar_t* CommandLabel(BuildStage stage) {
 
 std::wstring Labelled(BuildStage stage, std::wstring_view text) {
     return L"[" + std::wstring(CommandLabel(stage)) + L"] " + std::wstring(text) + L"\r\n";
-}
-
-// "3 errors", "1 warning".
-std::wstring CountText(int count, const wchar_t* one, const wchar_t* many) {
-    return TextWith(count == 1 ? one : many, {std::to_wstring(count)});
 }
 
 // Seconds with one decimal.
@@ -74,8 +70,10 @@ BuildStep AfterCompiler(BuildRun& run, const StageResult& result, int printedLin
 }
 
 std::wstring VerdictText(const BuildRun& run, const BuildPrinted& printed) {
-    const std::wstring errors = CountText(printed.errors, English(L"{1} error"), English(L"{1} errors"));
-    const std::wstring warnings = CountText(printed.warnings, English(L"{1} warning"), English(L"{1} warnings"));
+    const std::wstring errors =
+        CountText(static_cast<std::size_t>(printed.errors), English(L"{1} error"), English(L"{1} errors"));
+    const std::wstring warnings =
+        CountText(static_cast<std::size_t>(printed.warnings), English(L"{1} warning"), English(L"{1} warnings"));
     const std::wstring seconds = SecondsText(run.compiler.seconds), code = std::to_wstring(run.compiler.exitCode);
     if (run.success)
         return TextWith(

@@ -117,7 +117,9 @@ std::wstring ExceptionText(const ExceptionReport& report) {
     if (report.code == kAccessViolation || report.code == kPageError)
         text += std::wstring(L": ") + AccessText(report.information[0]) + L" 0x" +
                 HexText(report.information[1], report.x64 ? 16 : 8);
-    if (!report.place.empty()) text += (report.called ? Text(L", called from ") : Text(L", at ")) + report.place;
+    if (!report.place.empty())
+        text =
+            TextWith(report.called ? English(L"{1}, called from {2}") : English(L"{1}, at {2}"), {text, report.place});
     if (!report.firstChance) return TextWith(L"{1}, which the program does not handle", {text});
     return report.passed ? TextWith(L"{1}, passed to the program", {text}) : text;
 }

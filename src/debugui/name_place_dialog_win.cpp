@@ -62,7 +62,7 @@ std::wstring ValueNow(const NamedInput& input, const NameQuestion& question) {
     const Evaluation address = AddressOfName(input.named, frame->Names());
     if (!address.value) return address.problem;
     const HeapBlock<wchar_t> text(DebugWatchValue(&g_debugger, *address.value, static_cast<int>(input.named.kind)));
-    return text ? std::wstring(Text(L"Now: ")) + text.get() : L"";
+    return text ? TextWith(L"Now: {1}", {text.get()}) : L"";
 }
 
 // An empty field is no fault before OK is pressed.
@@ -76,9 +76,10 @@ void ShowState(HWND dialog, bool accepts) {
 }
 
 void FillNameDialog(HWND dialog, const NameQuestion& question) {
-    const std::wstring where =
-        question.procedure.empty() ? Text(L"Outside procedures, ") : Utf8ToWideText(question.procedure) + L", ";
-    SetDlgItemTextW(dialog, IDC_NAME_PLACE_WHERE, (where + std::wstring(FileNameOf(question.file))).c_str());
+    const std::wstring file(FileNameOf(question.file));
+    const std::wstring where = question.procedure.empty() ? TextWith(L"Outside procedures, {1}", {file})
+                                                          : Utf8ToWideText(question.procedure) + L", " + file;
+    SetDlgItemTextW(dialog, IDC_NAME_PLACE_WHERE, where.c_str());
     const HWND kinds = GetDlgItem(dialog, IDC_NAME_PLACE_KIND);
     for (int i = 0; i < kWatchKinds; ++i)
         SendMessageW(kinds, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(WatchKindName(static_cast<WatchKind>(i))));

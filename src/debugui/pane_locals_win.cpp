@@ -48,8 +48,9 @@ std::wstring ReadLocal(const NamedPlace& named, bool* problem) {
 std::wstring HeadingOf(const PaneFrame& frame) {
     const std::wstring file(FileNameOf(frame.scope.file));
     const std::string name = frame.scope.Name();
-    return (name.empty() ? Text(L"Outside procedures, ") : Utf8ToWideText(name) + L", ") + file +
-           (frame.index > 0 ? TextWith(L" (frame {1})", {std::to_wstring(frame.index)}) : L"");
+    const std::wstring where =
+        name.empty() ? TextWith(L"Outside procedures, {1}", {file}) : Utf8ToWideText(name) + L", " + file;
+    return frame.index > 0 ? TextWith(L"{1} (frame {2})", {where, std::to_wstring(frame.index)}) : where;
 }
 
 void FillLocals(PaneContent& content) {

@@ -81,7 +81,8 @@ std::wstring ShownSource(std::string_view utf8) {
 }
 
 std::wstring LinePlaceText(const std::wstring& fileName, std::uint32_t line) {
-    return (fileName.empty() ? Text(L"line ") : fileName + L":") + std::to_wstring(line);
+    const std::wstring number = std::to_wstring(line);
+    return fileName.empty() ? TextWith(L"line {1}", {number}) : fileName + L":" + number;
 }
 
 std::wstring ModulePlaceText(const std::wstring& moduleName, std::uint64_t offset) {

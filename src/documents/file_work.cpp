@@ -17,9 +17,6 @@ std::wstring FileWorkText(const wchar_t* verb, const wchar_t* label, const FileP
     std::wstring text = std::wstring{verb} + L' ' + label;
     const std::uint64_t total = progress.total;
     if (total > 0) text += L": " + std::to_wstring(std::min<std::uint64_t>(progress.done * 100 / total, 100)) + L" %";
-    if (progress.cancel)
-        text += Text(L" (stopping)");
-    else if (progress.mayCancel)
-        text += Text(L" (Esc cancels)");
-    return text;
+    if (progress.cancel) return TextWith(L"{1} (stopping)", {text});
+    return progress.mayCancel ? TextWith(L"{1} (Esc cancels)", {text}) : text;
 }

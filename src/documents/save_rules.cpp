@@ -75,7 +75,7 @@ bool SaveAsksAboutForm(const FileBinding& binding) {
 
 std::wstring FailedSaveText(const wchar_t* path, const SaveReport& report, const std::wstring& systemText,
                             const std::wstring& copy) {
-    std::wstring text = std::wstring{Text(L"Failed to save file: ")} + path + L"\n\n";
+    std::wstring text = TextWith(L"Failed to save file: {1}", {path}) + L"\n\n";
     switch (report.end) {
         case SaveEnd::Saved:
         case SaveEnd::Cancelled: break;

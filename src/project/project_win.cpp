@@ -150,9 +150,12 @@ int UseProjectBytes(std::string bytes, bool notes) {
 
 void SayMissing() {
     if (std::exchange(g_opened.missing, true)) return;
-    SayProject(TextWith(L"{1} is not there. The project stays open{2} and is read again when the file is back; Project "
-                        L"> Close Project forgets it.",
-                        {g_opened.path, (BuildProjectNow() ? Text(L" as it was read last") : L"")}),
+    SayProject(TextWith(BuildProjectNow()
+                            ? English(L"{1} is not there. The project stays open as it was read last and is read again "
+                                      L"when the file is back; Project > Close Project forgets it.")
+                            : English(L"{1} is not there. The project stays open and is read again when the file is "
+                                      L"back; Project > Close Project forgets it."),
+                        {g_opened.path}),
                kLineYellow);
     g_events.statusText(TextWith(L"The file of the project {1} is not there", {g_opened.name}).c_str());
 }
@@ -316,9 +319,9 @@ void ProjectOnSeen(WPARAM posted) {
     const std::wstring root = g_opened.root;
     const int faults = UseProjectBytes(std::move(sight->bytes), false);
     if (root != g_opened.root) KeepProject(false);
-    SayProject(TextWith(L"{1}{2} and was read again{3}.",
-                        {g_opened.name, (wasMissing ? Text(L" is back") : Text(L" was changed by another program")),
-                         FaultCountText(faults)}),
+    SayProject(TextWith(wasMissing ? English(L"{1} is back and was read again{2}.")
+                                   : English(L"{1} was changed by another program and was read again{2}."),
+                        {g_opened.name, FaultCountText(faults)}),
                kLineTeal);
 }
 

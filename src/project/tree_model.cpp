@@ -132,7 +132,8 @@ TreeMerge TreeShowMore(TreeNode& folder, std::wstring_view wanted) {
         --left;
     }
     if (left > 0 || listing.cut)
-        merging.Note(L"(" + std::to_wstring(left) + (listing.cut ? Text(L" and more, not shown)") : Text(L" more...)")),
+        merging.Note(TextWith(listing.cut ? English(L"({1} and more, not shown)") : English(L"({1} more...)"),
+                              {std::to_wstring(left)}),
                      left > 0 ? NodeKind::More : NodeKind::Note);
     return merging.End();
 }

@@ -63,8 +63,8 @@ std::wstring RootOf(const FilesOptions& options, std::wstring* root) {
         return Text(L"There is no project folder (Project > Choose Project Folder)");
     wchar_t full[kPathCapacity] = {};
     if (!PathNormalizeInput(wanted.c_str(), full, kPathCapacity)) return Text(L"Name a folder to search in");
-    if (!PathAnswers(full)) return std::wstring{Text(L"The share does not answer: ")} + full;
-    if (!DirectoryExists(full)) return std::wstring{Text(L"There is no folder ")} + full;
+    if (!PathAnswers(full)) return TextWith(L"The share does not answer: {1}", {full});
+    if (!DirectoryExists(full)) return TextWith(L"There is no folder {1}", {full});
     *root = full;
     while (root->size() > 3 && root->ends_with(L'\\')) root->pop_back();
     return {};

@@ -65,9 +65,9 @@ std::wstring RecentSearchLabel(const FilesOptions& options) {
     std::wstring label = options.what;
     if (options.replacing) label += L" \u2192 " + options.with;
     switch (options.scope) {
-        case FilesScope::Project: label += Text(L"  in the project"); break;
-        case FilesScope::OpenDocuments: label += Text(L"  in open documents"); break;
-        case FilesScope::Folder: label += TextWith(L"  in {1}", {options.folder}); break;
+        case FilesScope::Project: label = TextWith(L"{1}  in the project", {label}); break;
+        case FilesScope::OpenDocuments: label = TextWith(L"{1}  in open documents", {label}); break;
+        case FilesScope::Folder: label = TextWith(L"{1}  in {2}", {label, options.folder}); break;
     }
     return options.only.empty() ? label : label + L"  (" + options.only + L")";
 }

@@ -2,6 +2,7 @@
 // by a safe save.
 #include "search/files_replace.h"
 
+#include "base/count_text.h"
 #include "base/path.h"
 #include "base/texts.h"
 #include "base/worker.h"
@@ -160,10 +161,6 @@ void ReplaceInDocuments(const FilesQuery& query) {
 
 // --- The end
 
-std::wstring CountText(std::size_t count, const wchar_t* one, const wchar_t* several) {
-    return std::to_wstring(count) + (count == 1 ? one : several);
-}
-
 void TellOutcome() {
     std::size_t replaced = 0, files = 0, faults = 0;
     std::wstring text;
@@ -174,10 +171,9 @@ void TellOutcome() {
         if (++faults <= kMostTold) text += L"\n" + each.path + L": " + each.fault;
     }
     if (faults > kMostTold) text += TextWith(L"\n... and {1} more", {std::to_wstring(faults - kMostTold)});
-    const std::wstring done = TextWith(L"Replaced {1}{2}", {CountText(replaced, Text(L" hit in "), Text(L" hits in ")),
-                                                            CountText(files, Text(L" file"), Text(L" files"))});
-    g_files.note =
-        done + (faults > 0 ? TextWith(L"; not in {1}", {CountText(faults, Text(L" file"), Text(L" files"))}) : L"");
+    const std::wstring done = TextWith(L"Replaced {1}", {HitsInFilesText(replaced, files)});
+    const std::wstring missed = CountText(faults, English(L"{1} file"), English(L"{1} files"));
+    g_files.note = faults > 0 ? TextWith(L"{1}; not in {2}", {done, missed}) : done;
     g_events.statusText(g_files.note.c_str());
     FilesPaneUpdate();
     if (faults > 0)
@@ -202,13 +198,13 @@ void EndReplacing() {
 }
 
 bool UserAgrees(std::size_t hits, std::size_t files, std::size_t closed) {
-    std::wstring text = TextWith(L"Replace {1}{2}", {CountText(hits, Text(L" hit in "), Text(L" hits in ")),
-                                                     CountText(files, Text(L" file?"), Text(L" files?"))});
+    std::wstring text = TextWith(L"Replace {1}?", {HitsInFilesText(hits, files)});
     if (closed > 0)
-        text += TextWith(
-            L"\n\n{1} not open in the editor. They are changed on the disk at once, which Undo does not take back.",
-            {(closed == files ? std::wstring{Text(L"These files are")}
-                              : CountText(closed, Text(L" of them is"), Text(L" of them are")))});
+        text +=
+            L"\n\n" + TextWith(L"{1} They are changed on the disk at once, which Undo does not take back.",
+                               {closed == files ? std::wstring{Text(L"These files are not open in the editor.")}
+                                                : CountText(closed, English(L"{1} of them is not open in the editor."),
+                                                            English(L"{1} of them are not open in the editor."))});
     if (g_files.tally.limited || g_files.stopped)
         text += Text(L"\n\nThe search did not come to its end, so there may be further hits, which stay.");
     return AskUser({.caption = Text(L"Replace in Files"),
@@ -239,7 +235,7 @@ void FilesReplaceTicked() {
     std::erase_if(request.tasks, [](const ReplaceTask& task) { return TabBarFindPath(task.path.c_str()) >= 0; });
     if (request.tasks.empty()) return EndReplacing();
     g_files.note =
-        TextWith(L"Replacing in {1}", {CountText(request.tasks.size(), Text(L" file..."), Text(L" files..."))});
+        CountText(request.tasks.size(), English(L"Replacing in {1} file..."), English(L"Replacing in {1} files..."));
     FilesPaneUpdate();
     g_replace.worker = WorkerStart<ReplaceOnWorker>(std::move(request));
     if (g_replace.worker) return;

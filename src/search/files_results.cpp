@@ -1,5 +1,6 @@
 #include "search/files_results.h"
 
+#include "base/count_text.h"
 #include "base/path.h"
 #include "base/texts.h"
 
@@ -221,15 +222,17 @@ std::wstring PathBelow(std::wstring_view path, std::wstring_view root) {
     return std::wstring{below ? path.substr(root.size() + 1) : path};
 }
 
-static std::wstring Counted(std::size_t count, const wchar_t* one, const wchar_t* several) {
-    return std::to_wstring(count) + (count == 1 ? one : several);
+std::wstring HitsInFilesText(std::size_t hits, std::size_t files) {
+    return TextWith(L"{1} in {2}", {CountText(hits, English(L"{1} hit"), English(L"{1} hits")),
+                                    CountText(files, English(L"{1} file"), English(L"{1} files"))});
 }
 
 std::wstring FilesSummaryText(const FilesSummary& summary) {
-    std::wstring text = summary.hits == 0 ? std::wstring{Text(L"No hits")}
-                                          : Counted(summary.hits, Text(L" hit in "), Text(L" hits in ")) +
-                                                Counted(summary.files, Text(L" file"), Text(L" files"));
-    text += L"; " + Counted(summary.searched, Text(L" file searched"), Text(L" files searched"));
+    const std::wstring found =
+        summary.hits == 0 ? std::wstring{Text(L"No hits")} : HitsInFilesText(summary.hits, summary.files);
+    std::wstring text =
+        TextWith(L"{1}; {2}",
+                 {found, CountText(summary.searched, English(L"{1} file searched"), English(L"{1} files searched"))});
     if (summary.binary > 0) text += TextWith(L", {1} binary left out", {std::to_wstring(summary.binary)});
     if (summary.unreadable > 0) text += TextWith(L", {1} unreadable", {std::to_wstring(summary.unreadable)});
     if (summary.running) return TextWith(L"Searching... {1}", {text});

@@ -96,4 +96,5 @@ struct FilesSummary {
     std::size_t hits = 0, files = 0, searched = 0, binary = 0, unreadable = 0;
     bool running = false, stopped = false, limited = false;
 };
+std::wstring HitsInFilesText(std::size_t hits, std::size_t files);  // "3 hits in 2 files"
 std::wstring FilesSummaryText(const FilesSummary& summary);

@@ -211,8 +211,8 @@ void FindMarkAll() {
     };
     WalkMatches(Text(L"Marking"), mark, [&](std::size_t count) {
         const std::wstring most = std::to_wstring(kMostMarksOfLine);
-        return MatchCountText(count) +
-               (unmarked > 0 ? TextWith(L"; the first {1} of each line are marked", {most}) : L"");
+        const std::wstring text = MatchCountText(count);
+        return unmarked > 0 ? TextWith(L"{1}; the first {2} of each line are marked", {text, most}) : text;
     });
 }
 

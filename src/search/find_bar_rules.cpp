@@ -46,8 +46,8 @@ void PlaceFindBar(const FindBarSizes& sizes, int width, FindBarPlace (&places)[k
 
 std::wstring FindBarCountText(const FindBarCount& count) {
     if (count.total == 0) return count.counting ? Text(L"Searching...") : Text(L"No matches");
-    const std::wstring total =
-        (count.capped ? Text(L"more than ") : L"") + std::to_wstring(count.total) + (count.counting ? L"..." : L"");
+    const std::wstring number = std::to_wstring(count.total) + (count.counting ? L"..." : L"");
+    const std::wstring total = count.capped ? TextWith(L"more than {1}", {number}) : number;
     if (count.current > 0) return TextWith(L"{1} of {2}", {std::to_wstring(count.current), total});
-    return total + (count.total == 1 && !count.counting ? Text(L" match") : Text(L" matches"));
+    return TextWith(count.total == 1 && !count.counting ? English(L"{1} match") : English(L"{1} matches"), {total});
 }

@@ -1,6 +1,7 @@
 // Finds the next match, and the text that replaces each match. Pure.
 #include "search/find_engine.h"
 
+#include "base/count_text.h"
 #include "base/texts.h"
 
 #include <algorithm>
@@ -141,12 +142,12 @@ std::wstring FindStatusOf(const FindResult& result, bool forward) {
 }
 
 std::wstring ReplaceStatusOf(RegexResult end, std::size_t count) {
-    if (end != RegexResult::NoMatch) return EndOfSearchText(end) + std::wstring(Text(L": nothing was replaced"));
+    if (end != RegexResult::NoMatch) return TextWith(L"{1}: nothing was replaced", {EndOfSearchText(end)});
     if (count == 0) return Text(L"Not found: nothing replaced");
-    return std::to_wstring(count) + (count == 1 ? Text(L" replacement") : Text(L" replacements"));
+    return CountText(count, English(L"{1} replacement"), English(L"{1} replacements"));
 }
 
 std::wstring MatchCountText(std::size_t count) {
     if (count == 0) return Text(L"No matches");
-    return std::to_wstring(count) + (count == 1 ? Text(L" match") : Text(L" matches"));
+    return CountText(count, English(L"{1} match"), English(L"{1} matches"));
 }

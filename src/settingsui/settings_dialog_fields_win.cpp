@@ -2,6 +2,7 @@
 #include "settingsui/settings_dialog_internal.h"
 
 #include "base/bounded_text.h"
+#include "base/count_text.h"
 #include "base/texts.h"
 #include "debugger/exception_rules.h"
 #include "debugui/exceptions_dialog.h"
@@ -370,7 +371,7 @@ int NumberOf(const std::wstring& text) { return static_cast<int>(std::wcstol(tex
 std::wstring ExceptionsSummary(const std::wstring& rules) {
     const std::size_t count = ParseExceptionRules(rules).size();
     if (count == 0) return ::Text(L"None is passed, none stops");
-    return std::to_wstring(count) + (count == 1 ? ::Text(L" rule of your own") : ::Text(L" rules of your own"));
+    return CountText(count, English(L"{1} rule of your own"), English(L"{1} rules of your own"));
 }
 
 std::wstring SettingsFilePath() {

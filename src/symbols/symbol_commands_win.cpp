@@ -1,6 +1,7 @@
 // The commands about symbols. UI thread.
 #include "symbols/symbol_commands.h"
 
+#include "base/count_text.h"
 #include "base/texts.h"
 #include "base/utf8.h"
 #include "base/wide_format.h"
@@ -19,11 +20,13 @@ namespace {
 void ShowReferences(References references) {
     const std::wstring name = Utf8ToWideText(references.name);
     if (references.places == 0) return TellSymbolStatus(FormatW(Text(L"No references to %s"), name.c_str()));
-    std::wstring note = FormatW(Text(L"%zu %s to %s in %zu %s"), references.places,
-                                references.places == 1 ? Text(L"reference") : Text(L"references"), name.c_str(),
-                                references.found.size(), references.found.size() == 1 ? Text(L"file") : Text(L"files"));
+    const std::wstring files = CountText(references.found.size(), English(L"{1} file"), English(L"{1} files"));
+    std::wstring note = TextWith(
+        references.places == 1 ? English(L"{1} reference to {2} in {3}") : English(L"{1} references to {2} in {3}"),
+        {std::to_wstring(references.places), name, files});
     if (references.limited) note = TextWith(L"The first {1}", {note});
-    if (!references.unreadable.empty()) note += FormatW(Text(L"; %zu could not be read"), references.unreadable.size());
+    if (!references.unreadable.empty())
+        note = TextWith(L"{1}; {2} could not be read", {note, std::to_wstring(references.unreadable.size())});
     TellSymbolStatus(note);
     FilesShowFound(note, references.name, std::move(references.found));
 }
