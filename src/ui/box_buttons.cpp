@@ -5,7 +5,8 @@
 #include <cstdlib>
 
 BoxButtons WiderBoxButtons(const BoxButtons& row, const std::vector<int>& wanted) {
-    constexpr int kCentred = 4;  // pixels by which the two ends may differ
+    constexpr int kCentred = 4;      // pixels by which the two ends may differ
+    constexpr int kLeastMargin = 8;  // pixels that stay free at either end
     if (row.buttons.empty()) return row;
     BoxButtons wider = row;
     const BoxButton& first = row.buttons.front();
@@ -19,7 +20,7 @@ BoxButtons WiderBoxButtons(const BoxButtons& row, const std::vector<int>& wanted
         total += button.width;
     }
     const bool centred = std::abs(first.left - atEnd) <= kCentred;
-    const int margin = std::max(gap, std::min(first.left, atEnd));
+    const int margin = std::min(std::max(gap, kLeastMargin), std::min(first.left, atEnd));
     wider.client = std::max(row.client, total + 2 * margin);
     int left = centred ? (wider.client - total) / 2 : wider.client - atEnd - total;
     left = std::max(left, std::min(margin, gap));
