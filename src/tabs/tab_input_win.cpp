@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -136,6 +137,12 @@ void OnTabReleased(HWND strip, POINT at) {
     if (before.dragging) RepaintStrip();
 }
 
+// A button that went down elsewhere closes nothing.
+void OnMiddleReleased(POINT at) {
+    const DocumentId pressed = std::exchange(g_tabBar.pointer.pressedMiddle, 0);
+    if (pressed != 0 && pressed == DocumentAt(TabHit(TabBarStrip(), at.x, at.y))) AskToClose(pressed);
+}
+
 void OnTabWheel(HWND strip, WPARAM wParam, POINT screen) {
     const int notches = WheelNotches(g_tabBar.wheel, GET_WHEEL_DELTA_WPARAM(wParam));
     if (notches == 0) return;
@@ -250,7 +257,9 @@ LRESULT CALLBACK StripProc(HWND strip, UINT message, WPARAM wParam, LPARAM lPara
         case WM_LBUTTONDOWN: OnStripPressed(strip, at); return 0;
         case WM_LBUTTONDBLCLK: OnStripDoubleClick(strip, at); return 0;
         case WM_LBUTTONUP: OnTabReleased(strip, at); break;
-        case WM_MBUTTONUP: AskToClose(DocumentAt(TabHit(TabBarStrip(), at.x, at.y))); return 0;
+        case WM_MBUTTONDOWN:
+        case WM_MBUTTONDBLCLK: g_tabBar.pointer.pressedMiddle = DocumentAt(TabHit(TabBarStrip(), at.x, at.y)); return 0;
+        case WM_MBUTTONUP: OnMiddleReleased(at); return 0;
         case WM_RBUTTONUP: TabMenuShow(strip, TabHit(TabBarStrip(), at.x, at.y), at); return 0;
         case WM_CONTEXTMENU: OnStripMenu(strip); return 0;
         case WM_MOUSEMOVE: OnTabPointer(strip, at); break;

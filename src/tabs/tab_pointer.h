@@ -8,13 +8,14 @@
 #include <span>
 
 struct TabPointer {
-    int hoverTab = -1;            // index of the tab under the pointer, -1: none
-    bool hoverClose = false;      // the pointer is on its close button
-    int hoverButton = -1;         // TabButton under the pointer, -1: none
-    DocumentId pressedClose = 0;  // the document whose close button is held down, 0: none
-    DocumentId dragDocument = 0;  // the document whose tab is held down, 0: none
-    int dragFromX = 0;            // x of the press, in pixels
-    bool dragging = false;        // the pointer has moved far enough since the press
+    int hoverTab = -1;             // index of the tab under the pointer, -1: none
+    bool hoverClose = false;       // the pointer is on its close button
+    int hoverButton = -1;          // TabButton under the pointer, -1: none
+    DocumentId pressedClose = 0;   // the document whose close button is held down, 0: none
+    DocumentId pressedMiddle = 0;  // the document on whose tab the middle button is held down, 0: none
+    DocumentId dragDocument = 0;   // the document whose tab is held down, 0: none
+    int dragFromX = 0;             // x of the press, in pixels
+    bool dragging = false;         // the pointer has moved far enough since the press
 };
 
 // Called when the pointer is at (`x`, `y`), or outside the strip. True when the tab or the button under it has changed.

@@ -37,6 +37,11 @@ TEST(Tabs, ByMouseAndKeyboard) {
     editor.Drag(tabs, editor.TabCentre(0), {editor.TabCentre(2).x + 20, editor.TabCentre(2).y});
     EXPECT_TRUE(WaitFor([&] { return order() == L"bcad"; })) << Utf8(order());
     EXPECT_EQ(editor.Text(), "a.bas") << "the document goes with its tab";
+    // A middle button that went down elsewhere closes nothing.
+    const auto place = [&](int tab) { return MAKELPARAM(editor.TabCentre(tab).x, editor.TabCentre(tab).y); };
+    editor.Send(tabs, WM_MBUTTONUP, 0, place(0));
+    editor.Send(tabs, WM_MBUTTONDOWN, MK_MBUTTON, place(1));
+    editor.Send(tabs, WM_MBUTTONUP, 0, place(0));
     editor.Click(tabs, editor.TabCentre(0), MOUSEEVENTF_MIDDLEDOWN);  // not a neighbour
     EXPECT_TRUE(WaitFor([&] { return order() == L"cad"; })) << Utf8(order());
     EXPECT_EQ(editor.Text(), "a.bas") << "closing another tab keeps the active one";
