@@ -8,6 +8,7 @@
 #include "ui/fonts.h"
 #include "ui/paint.h"
 #include "ui/redraw.h"
+#include "ui/subclass.h"
 
 #include <commctrl.h>
 
@@ -29,6 +30,7 @@ struct QuickListState {
     QuickListRow (*rowOf)(int row) = nullptr;
     HIMAGELIST heightOnly = nullptr;
     int count = 0;
+    bool barWaits = false;  // the scroll bar keeps its looks until the typing pauses
 };
 QuickListState g_list;
 
@@ -218,6 +220,20 @@ LRESULT DrawList(const NMLVCUSTOMDRAW& draw) {
     return CDRF_SKIPDEFAULT;
 }
 
+// The system wants the frame drawn anew after each FramePause, and its scroll bar takes 2 to 4 ms under Wine. What is
+// drawn of it stays on the screen.
+LRESULT CALLBACK QuickListProc(HWND list, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
+    if (message == WM_NCPAINT && g_list.barWaits) return 0;
+    if (message == WM_NCCALCSIZE && wParam != FALSE) {  // another size has another bar
+        const RECT& now = reinterpret_cast<const NCCALCSIZE_PARAMS*>(lParam)->rgrc[0];
+        const RECT& before = reinterpret_cast<const NCCALCSIZE_PARAMS*>(lParam)->rgrc[1];
+        const bool same =
+            now.right - now.left == before.right - before.left && now.bottom - now.top == before.bottom - before.top;
+        g_list.barWaits = g_list.barWaits && same;
+    }
+    return SubclassNext(list, message, wParam, lParam);
+}
+
 }  // namespace
 
 HWND QuickListCreate(HWND parent, int id, QuickListRow (*rowOf)(int row)) {
@@ -231,6 +247,7 @@ HWND QuickListCreate(HWND parent, int id, QuickListRow (*rowOf)(int row)) {
         AppLogMsg(L"FAIL: QuickListCreate error=%lu", GetLastError());
         return nullptr;
     }
+    SubclassAdd(g_list.window, QuickListProc);
     ListSend(LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
     LVCOLUMNW column = {};
     column.mask = LVCF_WIDTH;
@@ -262,24 +279,11 @@ void SetRowCount(int count) {
     if (ListSend(LVM_GETCOLUMNWIDTH) != client.right) ListSend(LVM_SETCOLUMNWIDTH, 0, MAKELPARAM(client.right, 0));
 }
 
-// Where the thumb of the scroll bar is, and whether there is one.
-struct BarLook {
-    bool shown;
-    int from, to, page, at;
-    bool operator==(const BarLook&) const = default;
-};
-
-BarLook BarNow() {
-    SCROLLINFO info = {};
-    info.cbSize = sizeof(info);
-    info.fMask = SIF_RANGE | SIF_PAGE | SIF_POS;
-    GetScrollInfo(g_list.window, SB_VERT, &info);
-    const bool shown = (GetWindowLongPtrW(g_list.window, GWL_STYLE) & WS_VSCROLL) != 0;
-    return {shown, info.nMin, info.nMax, static_cast<int>(info.nPage), info.nPos};
-}
+bool HasBar() { return (GetWindowLongPtrW(g_list.window, GWL_STYLE) & WS_VSCROLL) != 0; }
 
 void CALLBACK RedrawBar(HWND list, UINT, UINT_PTR timer, DWORD) {
     KillTimer(list, timer);
+    g_list.barWaits = false;
     RECT client = {};
     GetClientRect(list, &client);
     const RECT bar = {client.right, 0, client.right + GetSystemMetrics(SM_CXVSCROLL), client.bottom};
@@ -291,18 +295,20 @@ void CALLBACK RedrawBar(HWND list, UINT, UINT_PTR timer, DWORD) {
 int QuickListSelected() { return static_cast<int>(ListSend(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED)); }
 
 void QuickListShow(int count, int selected) {
-    const BarLook before = BarNow();
+    const bool before = HasBar();
     {
         const FramePause pause(g_list.window);
         SetRowCount(count);
         SelectRow(-1);
         if (selected >= 0) SelectRow(selected);
     }
-    const BarLook now = BarNow();
-    // The rows are what the user waits for after a key; a thumb that has moved follows when the typing pauses.
-    const bool follows = now.shown && before.shown && !(now == before);
-    if (follows) SetTimer(g_list.window, kBarTimer, kBarLateMs, RedrawBar);
-    RedrawWindow(g_list.window, nullptr, nullptr, RDW_INVALIDATE | (now.shown == before.shown ? 0U : UINT{RDW_FRAME}));
+    // The rows are what the user waits for after a key; the thumb follows when the typing pauses.
+    g_list.barWaits = before && HasBar();
+    if (g_list.barWaits)
+        SetTimer(g_list.window, kBarTimer, kBarLateMs, RedrawBar);
+    else
+        KillTimer(g_list.window, kBarTimer);
+    RedrawWindow(g_list.window, nullptr, nullptr, RDW_INVALIDATE | (before == HasBar() ? 0U : UINT{RDW_FRAME}));
 }
 
 bool QuickListMove(WPARAM key) {
