@@ -191,7 +191,10 @@ struct LanguageDriver {
     // Captions, labels, buttons and columns; fields hold what the user has typed.
     void ExpectWindow(const std::string& where, HWND window, bool lists, Font font = Font::Dialog) const {
         ExpectTranslated(where, editor.TextOf(window));
-        const bool dialog = lists || font == Font::Message;
+        ExpectControls(where, window, lists, font);
+    }
+    void ExpectControls(const std::string& where, HWND window, bool lists, Font font = Font::Dialog) const {
+        const bool dialog = ClassOf(window) == L"#32770" || font == Font::Message;
         for (const HWND child : VisibleChildren(window)) {
             const std::wstring kind = ClassOf(child);
             if (dialog) ExpectWhole(where, child, editor.TextOf(child), font);
@@ -261,7 +264,8 @@ TEST(Language, EveryTextThatIsShownIsThatOfTheCatalogue) {
         folder.SetIni(L"Editor", pane, L"1");
     folder.SetIni(L"Project", L"ShowProjectTree", L"1");
     folder.SetIni(L"AI", L"ShowAISidebar", L"1");
-    Editor editor(folder, OpenArgument(folder.Write(L"q.bas", kHello)));
+    const std::wstring file = folder.Write(L"q.bas", kHello);
+    Editor editor(folder, OpenArgument(file));
     EXPECT_EQ(Count(editor.Log(), L"Wide.txt, line"), 0) << "the catalogue has faults\n" << Utf8(editor.Log());
     editor.Foreground();
     editor.ShowAt(96, 1250, 860);
@@ -293,11 +297,31 @@ TEST(Language, EveryTextThatIsShownIsThatOfTheCatalogue) {
     }
     language.ExpectSettings();
 
-    editor.Type("x");
-    editor.Post(IDM_FILE_CLOSE);
-    const Dialog question = editor.AwaitDialog(InWideLetters(L"Unsaved Changes"));
-    ExpectTranslated("question", question.caption + L" " + question.text);
-    editor.Press(question, IDNO);
+    // Boxes that ask. What they list is the user's.
+    const auto box = [&](const std::wstring& title, int button) {
+        const Dialog dialog = editor.AwaitDialog(title);
+        language.ExpectControls(Utf8(title), dialog.window, false);
+        editor.Press(dialog, button);
+    };
+    editor.Sci(SCI_GOTOPOS, static_cast<WPARAM>(editor.Text().find("PBMAIN") + 1));
+    editor.Post(IDM_SYMBOL_RENAME);
+    box(InWideLetters(L"Rename Symbol"), IDCANCEL);
+    WriteBytes(file, std::string("' other\r\n") + kHello);
+    box(kProgramTitle, IDC_OUTSIDE_FIRST);
+    for (int i = 0; i < 2; ++i) {
+        editor.Do(IDM_FILE_NEW);
+        editor.Type("x");
+    }
+    editor.Post(IDM_FILE_CLOSE_ALL);
+    box(InWideLetters(kUnsaved), IDCANCEL);
+
+    for (int left = 2; left > 0; --left) {
+        editor.Post(IDM_FILE_CLOSE);
+        const Dialog question = editor.AwaitDialog(InWideLetters(kUnsaved));
+        ExpectTranslated("question", question.caption + L" " + question.text);
+        editor.Press(question, IDNO);
+        ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == left; }));
+    }
     editor.Do(IDM_FILE_CLOSE_ALL);
     ASSERT_TRUE(WaitFor([&] { return editor.Child(IDC_START_PAGE) != nullptr; }));
     language.ExpectWindow("start page", editor.Child(IDC_START_PAGE), false);
