@@ -206,6 +206,19 @@ TEST(Bars, LineCommandsWorkOnEverySelectionInOneStep) {
     editor.Sci(SCI_SETSEL, 0, 0);
     editor.Do(IDM_SELECT_EACH);
     EXPECT_EQ(editor.Sci(SCI_GETSELECTIONS), 1) << "a whole word";
+    // Ctrl+L takes the lines that are selected, not the one at whose start the selection ends.
+    editor.Sci(SCI_SETSEL, 0, -1);
+    editor.Type("one\r\ntwo\r\nthree\r\n");
+    editor.Sci(SCI_SETSEL, 0, 5);
+    editor.Keys({VK_CONTROL, 'L'});
+    EXPECT_TRUE(WaitFor([&] { return editor.Text() == "two\r\nthree\r\n"; })) << editor.Text();
+    // A match that is marked goes with its line.
+    editor.Sci(SCI_SETINDICATORCURRENT, kIndicatorFound);
+    editor.Sci(SCI_INDICATORFILLRANGE, 0, 3);
+    editor.Do(IDM_LINES_DOWN);
+    EXPECT_EQ(editor.Text(), "three\r\ntwo\r\n");
+    EXPECT_NE(editor.Sci(SCI_INDICATORVALUEAT, kIndicatorFound, 7), 0);
+    EXPECT_EQ(editor.Sci(SCI_INDICATORVALUEAT, kIndicatorFound, 0), 0);
     // A column, by which its lines are sorted.
     editor.Sci(SCI_SETSEL, 0, -1);
     editor.Type("1z\r\n2a\r\n3m\r\n");
