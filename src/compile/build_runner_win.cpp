@@ -24,12 +24,14 @@
 #include "output/line_colours.h"
 #include "output/output_feed.h"
 #include "output/output_pane.h"
+#include "output/output_state.h"
 #include "settings/compiler_table.h"
 #include "settings/settings_state.h"
 #include "ui/message.h"
 #include "ui/panes.h"
 #include "ui/ui_state.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -345,6 +347,17 @@ bool ProgramIsFree(const std::wstring& program) {
     return answer == Answer::Yes && EndProcesses(processes, program);
 }
 
+// The compiler has told that it cannot write the program: the system may know more of it.
+void SayWhyUnwritten() {
+    const std::wstring_view program = g_runner.output;
+    const auto isAboutProgram = [program](const CompilerError& error) {
+        return error.line == 1 && !HasPlaceInSource(error, program);
+    };
+    if (!std::ranges::any_of(g_output.errors.items, isAboutProgram)) return;
+    if (const std::wstring why = WhyUnwritable(g_runner.output); !why.empty())
+        AppendLines({TextWith(L"[Build] {1} cannot be written: {2}\r\n", {program, why})}, kLineTeal);
+}
+
 int RefuseWithoutCompiler(std::uint32_t id) {
     wchar_t path[kPathCapacity] = {};
     CompilerPathResolved(id, path, kPathCapacity);
@@ -473,6 +486,7 @@ void BuildOnStageEnd(const StageResult& result) {
         const bool success = result.end == BuildEnd::Ended && result.exitCode == 0;
         const bool checked = g_runner.run.order.syntaxOnly;
         if (!checked) g_runner.run.unwritten = UnwrittenProgram();
+        if (!checked && !success) SayWhyUnwritten();
         AppendLines(ProductsAfterBuild(), kLineRed);
         LastBuildEnd(success, checked ? LastBuild().programWritten : success && g_runner.run.unwritten.empty());
     }

@@ -2,6 +2,8 @@
 
 #include "base/bounded_text.h"
 #include "base/path.h"
+#include "base/system_error.h"
+#include "base/texts.h"
 #include "compile/held_console.h"
 #include "files/file_identity.h"
 #include "files/file_io.h"
@@ -17,13 +19,25 @@ namespace {
 constexpr ULONGLONG kEndMs = 2000;
 constexpr DWORD kPauseMs = 20;
 
-// Windows refuses to write the file of a program that runs. Somebody else may write it meanwhile.
+// The error of opening a file for writing. Somebody else may write it meanwhile.
+DWORD ErrorOfWriting(const std::wstring& path, DWORD disposition, DWORD flags) {
+    const UniqueHandle file(CreateFileW(PathForSystem(path.c_str()).c_str(), GENERIC_WRITE | (flags != 0 ? DELETE : 0),
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, disposition,
+                                        flags, nullptr));
+    return file ? ERROR_SUCCESS : GetLastError();
+}
+
+// Windows refuses to write the file of a program that runs.
 bool IsInUse(const std::wstring& program) {
-    const UniqueHandle file(CreateFileW(PathForSystem(program.c_str()).c_str(), GENERIC_WRITE,
-                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
-                                        0, nullptr));
-    const DWORD error = GetLastError();
-    return !file && (error == ERROR_SHARING_VIOLATION || error == ERROR_USER_MAPPED_FILE);
+    const DWORD error = ErrorOfWriting(program, OPEN_EXISTING, 0);
+    return error == ERROR_SHARING_VIOLATION || error == ERROR_USER_MAPPED_FILE;
+}
+
+bool DiskIsFull(const std::wstring& folder) {
+    constexpr ULONGLONG kLittle = 64 * 1024;  // bytes; few programs are smaller
+    ULARGE_INTEGER room = {};
+    return GetDiskFreeSpaceExW(PathForSystem(folder.c_str()).c_str(), &room, nullptr, nullptr) != FALSE &&
+           room.QuadPart < kLittle;
 }
 
 bool Runs(HANDLE process, const std::wstring& program) {
@@ -61,4 +75,12 @@ bool EndProcesses(const std::vector<UniqueHandle>& processes, const std::wstring
         Sleep(kPauseMs);
     }
     return true;
+}
+
+std::wstring WhyUnwritable(const std::wstring& program) {
+    if (DiskIsFull(FolderOf(program))) return Text(L"the disk is full");
+    DWORD error = ErrorOfWriting(program, OPEN_EXISTING, 0);
+    if (error == ERROR_FILE_NOT_FOUND)  // a new file tells what its folder allows
+        error = ErrorOfWriting(program + L".try", CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE);
+    return error == ERROR_SUCCESS ? std::wstring() : SystemErrorText(error);
 }

@@ -4,6 +4,7 @@
 
 #include <richedit.h>
 
+#include "editor/margins.h"
 #include "resources/ids.h"
 
 #include "support/deep_folder.h"
@@ -90,6 +91,22 @@ TEST(BuildGuards, AnIncludeFileStandsForItsProgramThroughOtherFiles) {
         << "through a file on the disk";
     folder.Write(L"lib\\outer.inc", "' nothing\r\n");
     EXPECT_TRUE(Has(Build(editor), L"inner.inc is an include file that no open source includes."));
+}
+
+TEST(BuildGuards, WhatIsSaidOfTheProgramMarksNoLine) {
+    FakeFolder folder("");
+    const std::wstring source = folder.Write(L"held.bas", "PRINT 1\r\nPRINT 2\r\n");
+    const std::wstring program = folder.Write(L"held.exe", "MZ");
+    folder.Script("print held.bas(2,1): error: of a line\nprint held.bas(1,1): error: cannot write " + Utf8(program) +
+                  "\nexit 1\n");
+    const HANDLE held = CreateFileW(program.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    Editor editor(folder, OpenArgument(source) + L" --compiler kvxa64");
+    const std::wstring text = Build(editor);
+    EXPECT_TRUE(Has(text, L"\n[Build] " + program + L" cannot be written: ")) << Utf8(text);
+    EXPECT_TRUE(WaitFor([&] { return (editor.Sci(SCI_MARKERGET, 1) >> kMarkErrorSign & 1) != 0; })) << Utf8(text);
+    EXPECT_EQ(editor.Sci(SCI_MARKERGET, 0) >> kMarkErrorSign & 1, 0);
+    CloseHandle(held);
+    EXPECT_EQ(editor.Close(), 0u);
 }
 
 TEST(BuildGuards, AProgramRunsInTheOutputPane) {
