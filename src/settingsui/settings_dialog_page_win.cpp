@@ -2,6 +2,7 @@
 // thread only.
 #include "settingsui/settings_dialog_internal.h"
 
+#include "base/clock.h"
 #include "base/texts.h"
 #include "settings/secret_text.h"
 #include "ui/chrome.h"
@@ -172,6 +173,8 @@ LRESULT ErasePage(SettingsDialog& dialog, std::size_t page, HDC dc) {
     return 1;
 }
 
+void CompleteFurther(SettingsDialog& dialog, std::size_t page);
+
 LRESULT CALLBACK SettingsPageProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     SettingsDialog* const dialog = DialogOfPage(window);
     if (dialog == nullptr) return DefWindowProcW(window, message, wParam, lParam);
@@ -191,7 +194,7 @@ LRESULT CALLBACK SettingsPageProc(HWND window, UINT message, WPARAM wParam, LPAR
             return TRUE;
         case WM_TIMER:
             KillTimer(window, wParam);
-            SettingsPageComplete(*dialog, page);
+            CompleteFurther(*dialog, page);
             return 0;
         case WM_VSCROLL: OnPageScroll(*dialog, page, LOWORD(wParam)); return 0;
         case WM_MOUSEWHEEL:
@@ -228,6 +231,16 @@ void MakeItem(SettingsDialog& dialog, FormPlace place) {
 void MakeItemsTo(SettingsDialog& dialog, std::size_t page, std::size_t last) {
     PageWindow& target = dialog.pages[page];
     while (target.made <= last && target.made < target.items.size()) MakeItem(dialog, {page, target.made++});
+}
+
+// A piece of what is out of view; the dialog answers between the pieces.
+void CompleteFurther(SettingsDialog& dialog, std::size_t page) {
+    constexpr double kPieceMs = 20;
+    PageWindow& target = dialog.pages[page];
+    const double end = ClockMs() + kPieceMs;
+    if (target.made == target.items.size()) return SettingsPageComplete(dialog, page);
+    while (target.made < target.items.size() && ClockMs() < end) MakeItemsTo(dialog, page, target.made);
+    SetTimer(target.window, 1, USER_TIMER_MINIMUM, nullptr);
 }
 
 void MakeItemsInView(SettingsDialog& dialog, std::size_t page, const FormPlan& plan, int height) {
