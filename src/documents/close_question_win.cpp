@@ -50,6 +50,22 @@ void TickCloseRow(int index) {
 
 constexpr ListKind kCloseList = {.columns = kColumns, .hasMarks = true, .check = TickCloseRow};
 
+// Makes the dialog lower when its list has few rows.
+void FitHeight(HWND dialog, std::size_t rows) {
+    constexpr int kRows = 9, kRowUnits = 11;  // of the list in the template
+    const int less = DialogUnits(dialog, kRowUnits * std::max(0, kRows - std::max(static_cast<int>(rows), 2)));
+    if (less == 0) return;
+    const HWND list = GetDlgItem(dialog, IDC_CLOSE_LIST);
+    RECT area = {}, place = {};
+    GetWindowRect(list, &area);
+    GetWindowRect(dialog, &place);
+    SetWindowPos(list, nullptr, 0, 0, area.right - area.left, area.bottom - area.top - less,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    for (const int button : {IDC_CLOSE_SAVE, IDC_CLOSE_DISCARD, IDCANCEL}) DialogMoveControl(dialog, button, -less);
+    SetWindowPos(dialog, nullptr, place.left, place.top + less / 2, place.right - place.left,
+                 place.bottom - place.top - less, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 void FillCloseDialog(HWND dialog, CloseDialog& close) {
     close.dialog = dialog;
     const std::wstring text =
@@ -63,6 +79,7 @@ void FillCloseDialog(HWND dialog, CloseDialog& close) {
         SetDlgItemTextW(dialog, IDC_CLOSE_SAVE, Text(L"&Save"));
         SetDlgItemTextW(dialog, IDC_CLOSE_DISCARD, Text(L"&Discard"));
     }
+    FitHeight(dialog, close.rows->size());
     close.list.inDialog = true;
     if (!ListViewCreate(close.list, dialog, IDC_CLOSE_LIST)) return;
     DialogPutInPlace(dialog, IDC_CLOSE_LIST, close.list.window);

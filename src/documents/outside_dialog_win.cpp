@@ -152,20 +152,6 @@ constexpr ListKind kOutsideList = {.columns = kColumns, .hasMarks = true, .check
 
 // --- The dialog
 
-int UnitsToPixels(HWND dialog, int units) {
-    RECT area = {0, 0, 0, units};
-    MapDialogRect(dialog, &area);
-    return area.bottom;
-}
-
-void MoveControl(HWND dialog, int control, int by) {
-    const HWND window = GetDlgItem(dialog, control);
-    RECT place = {};
-    GetWindowRect(window, &place);
-    MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
-    SetWindowPos(window, nullptr, place.left, place.top + by, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
 RECT WorkAreaOf(HWND dialog) {
     MONITORINFO monitor = {.cbSize = sizeof(monitor)};
     GetMonitorInfoW(MonitorFromWindow(dialog, MONITOR_DEFAULTTONEAREST), &monitor);
@@ -182,7 +168,7 @@ void GrowDialog(HWND dialog, int by) {
     const LONG top = std::max(work.top, std::min(place.top - by / 2, work.bottom - height));
     SetWindowPos(dialog, nullptr, place.left, top, place.right - place.left, height, SWP_NOZORDER | SWP_NOACTIVATE);
     for (const int button : {IDC_OUTSIDE_FIRST, IDC_OUTSIDE_SECOND, IDC_OUTSIDE_COMPARE, IDCANCEL})
-        MoveControl(dialog, button, by);
+        DialogMoveControl(dialog, button, by);
 }
 
 void ShowDifferencePart(OutsideDialog& outside) {
@@ -196,7 +182,7 @@ void ShowDifferencePart(OutsideDialog& outside) {
     GetWindowRect(dialog, &place);
     GetWindowRect(outside.difference, &shown);
     const RECT work = WorkAreaOf(dialog);
-    const int wanted = UnitsToPixels(dialog, kDifferenceUnits);
+    const int wanted = DialogUnits(dialog, kDifferenceUnits);
     const int room = static_cast<int>((work.bottom - work.top) - (place.bottom - place.top));
     const int by = std::clamp(room, wanted / 3, wanted);
     SetWindowPos(outside.difference, nullptr, 0, 0, shown.right - shown.left, shown.bottom - shown.top - (wanted - by),
@@ -230,10 +216,10 @@ void FillOutsideDialog(HWND dialog, OutsideDialog& outside) {
     SetDlgItemTextW(dialog, IDCANCEL, question.later);
     ShowWindow(GetDlgItem(dialog, IDC_OUTSIDE_DIFFERENCE_LABEL), SW_HIDE);
     ShowWindow(GetDlgItem(dialog, IDC_OUTSIDE_DIFFERENCE), SW_HIDE);
-    const int less = UnitsToPixels(dialog, kDifferenceUnits);
-    const int higher = UnitsToPixels(dialog, IsList(outside) ? kShorterTextUnits : kListUnits);
+    const int less = DialogUnits(dialog, kDifferenceUnits);
+    const int higher = DialogUnits(dialog, IsList(outside) ? kShorterTextUnits : kListUnits);
     for (const int control : {IDC_OUTSIDE_LIST, IDC_OUTSIDE_DIFFERENCE_LABEL, IDC_OUTSIDE_DIFFERENCE})
-        MoveControl(dialog, control, -higher);
+        DialogMoveControl(dialog, control, -higher);
     GrowDialog(dialog, -less - higher);
     if (IsList(outside)) {
         RECT text = {};

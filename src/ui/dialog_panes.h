@@ -10,6 +10,11 @@
 // Puts the window where the template has its placeholder, with a border and in the order of the Tab key.
 void DialogPutInPlace(HWND dialog, int placeholder, HWND window);
 
+// Dialog units of height in pixels.
+int DialogUnits(HWND dialog, int units);
+// Moves a control down, or up with a negative number, by pixels.
+void DialogMoveControl(HWND dialog, int control, int by);
+
 // A pane for a difference, in the place of `placeholder`. Tab, Enter and Esc in it are the dialog's. Null when it cannot
 // be made.
 HWND DifferencePaneMake(HWND dialog, int placeholder);

@@ -42,6 +42,20 @@ void DialogPutInPlace(HWND dialog, int placeholder, HWND window) {
     SetWindowLongPtrW(window, GWL_STYLE, GetWindowLongPtrW(window, GWL_STYLE) | WS_TABSTOP | WS_BORDER);
 }
 
+int DialogUnits(HWND dialog, int units) {
+    RECT area = {0, 0, 0, units};
+    MapDialogRect(dialog, &area);
+    return static_cast<int>(area.bottom);
+}
+
+void DialogMoveControl(HWND dialog, int control, int by) {
+    const HWND window = GetDlgItem(dialog, control);
+    RECT place = {};
+    GetWindowRect(window, &place);
+    MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
+    SetWindowPos(window, nullptr, place.left, place.top + by, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 HWND DifferencePaneMake(HWND dialog, int placeholder) {
     const HWND pane = RichPaneCreate(dialog, placeholder, L"", false);
     if (pane == nullptr) return nullptr;
