@@ -215,6 +215,7 @@ LRESULT CALLBACK MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
 HWND MainWindow_Init(HINSTANCE instance, int showCommand) {
     WNDCLASSEXW description = {};
     description.cbSize = sizeof(description);
+    // Without CS_HREDRAW and CS_VREDRAW, with which each step of a resize would paint all panes three times.
     description.lpfnWndProc = MainWndProc;
     description.hInstance = instance;
     description.hIcon = LoadIconW(instance, MAKEINTRESOURCEW(IDI_APP));
