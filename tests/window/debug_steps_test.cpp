@@ -148,6 +148,7 @@ TEST(DebugSession, GoesOnRestartsAndTellsTheLastOutput) {
 
     editor.Do(IDM_DEBUG_RESTART);
     awaitStatus(L"Stopped at main.kxa:2");
+    EXPECT_EQ(editor.Sci(SCI_MARKERNEXT, 2, 1 << kMarkCurrent), -1) << "the mark that came back is known";
     EXPECT_EQ(editor.Output().find(L"Build started"), editor.Output().rfind(L"Build started"));
     editor.Do(IDM_DEBUG_CONTINUE);
     awaitStatus(L"Exited with code 10");
