@@ -3,6 +3,7 @@
 // A Rich Edit lays out its whole text again for each new size, also where it does not wrap. Under Wine this takes 0.1 ms
 // a line: a pane with 15,000 lines stopped the window for 1.7 s at each step of a drag. Lists and trees are quick, but a
 // scroll bar takes 2 to 4 ms under Wine for each time that it is drawn, and a window with all panes has nine.
+// A step with all panes took some 1,080 requests to the server of Wine, and takes 890 in a slow drag.
 #pragma once
 
 #include <windows.h>
