@@ -6,6 +6,10 @@
 #include "scintilla/sci.h"
 #include "ui/ui_state.h"
 
+#include <commctrl.h>
+
+#include <iterator>
+
 namespace {
 
 constexpr UINT kRetryInterval = 80;  // ms
@@ -37,6 +41,10 @@ void QueueFocusCurrentEditor() {
 }
 
 void FocusOnTimer() {
+    // A field that was opened since has the keyboard because the user wants it.
+    wchar_t name[16] = {};
+    GetClassNameW(GetFocus(), name, static_cast<int>(std::size(name)));
+    if (lstrcmpiW(name, WC_EDITW) == 0) return FocusRetryEnd();
     FocusCurrentEditor();
     if (++g_focusTicks >= kRetries || GetFocus() == g_documents.hEditor) KillTimer(g_ui.hMainWnd, TIMER_FOCUS);
 }
