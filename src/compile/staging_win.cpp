@@ -3,6 +3,7 @@
 
 #include "base/handles.h"
 #include "base/path.h"
+#include "files/file_identity.h"
 #include "files/file_io.h"
 #include "files/user_folder.h"
 
@@ -17,21 +18,11 @@ static_assert(kErrorFileThere == ERROR_FILE_EXISTS && kErrorStagedElsewhere == E
 constexpr DWORD kDeleteTries = 10;  // a compiler that has just ended may hold the copy open for a moment
 constexpr DWORD kDeletePauseMs = 20;
 
-bool ReadFileIdentity(const std::wstring& path, BY_HANDLE_FILE_INFORMATION* info) {
-    const UniqueHandle file(CreateFileW(PathForSystem(path.c_str()).c_str(), 0,
-                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
-                                        FILE_ATTRIBUTE_NORMAL, nullptr));
-    return file && GetFileInformationByHandle(file.Get(), info);
-}
-
 // True when the paths are equal as text or name the same file (links, short names).
 bool IsSameFile(const std::wstring& a, const std::wstring& b) {
     if (SamePathText(a, b)) return true;
-    BY_HANDLE_FILE_INFORMATION first = {};
-    BY_HANDLE_FILE_INFORMATION second = {};
-    return ReadFileIdentity(a, &first) && ReadFileIdentity(b, &second) &&
-           first.dwVolumeSerialNumber == second.dwVolumeSerialNumber && first.nFileIndexHigh == second.nFileIndexHigh &&
-           first.nFileIndexLow == second.nFileIndexLow;
+    const FileIdentity first = FileIdentityOf(a.c_str());
+    return first.IsKnown() && first == FileIdentityOf(b.c_str());
 }
 
 std::uint32_t CopyToFreeName(const std::wstring& from, const std::wstring& to) {

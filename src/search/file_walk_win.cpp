@@ -3,6 +3,7 @@
 
 #include "base/handles.h"
 #include "base/path.h"
+#include "files/file_handle.h"
 #include "files/ignore_scope.h"
 
 #include <windows.h>
@@ -58,15 +59,10 @@ std::wstring FinalPath(const std::wstring& folder) {
 }
 
 FileIdentity FolderIdentity(const std::wstring& folder) {
-    FileIdentity identity;
     const UniqueHandle handle{CreateFileW(PathExtended(folder).c_str(), 0,
                                           FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                           OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr)};
-    BY_HANDLE_FILE_INFORMATION info = {};
-    if (!handle || GetFileInformationByHandle(handle.Get(), &info) == FALSE) return identity;
-    identity.volume = info.dwVolumeSerialNumber;
-    identity.low = (static_cast<std::uint64_t>(info.nFileIndexHigh) << 32) | info.nFileIndexLow;
-    return identity;
+    return handle ? FileIdentityOfHandle(handle.Get()) : FileIdentity{};
 }
 
 }  // namespace
