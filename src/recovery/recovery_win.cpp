@@ -52,12 +52,27 @@ int NewDocumentOf(const SnapshotNote& note, const std::string& text) {
     return tab;
 }
 
+// Another program has changed the file since the text was made from it: that is noticed, and asked about at a save, as a
+// change that comes now.
+void NoteOlderFile(DocumentTab& document, const FileState& madeFrom) {
+    FileState& known = document.onDisk;
+    if (!document.modified || !madeFrom.hash.IsKnown() || madeFrom.hash == known.hash) return;
+    known.hash = madeFrom.hash;
+    known.size = madeFrom.size;
+    known.written = madeFrom.written;
+}
+
 // Puts the text into the document of its file. -1: into none, because it could not be opened or the user has changed it.
 int IntoItsFile(const SnapshotNote& note, const std::string& text) {
     int tab = TabBarFindPath(note.path.c_str());
     if (tab < 0 && PathAnswers(note.path.c_str()) && FileExists(note.path.c_str())) tab = FileAdd(note.path.c_str());
+    if (tab < 0) return -1;
+    const DocumentId document = TabAt(tab).id;
+    if (!TabBarRead(tab)) return -1;  // that of a session waits for being shown
+    tab = TabBarFindDocument(document);
     if (tab < 0 || TabAt(tab).modified || SciSend(TabAt(tab).editor, SCI_GETREADONLY) != 0) return -1;
     EditorChangeLines(TabAt(tab).editor, text);
+    NoteOlderFile(TabAt(tab), note.file);
     return tab;
 }
 
@@ -79,7 +94,8 @@ bool BringBack(const Leftover& leftover, RecoveryWish wish) {
     const int tab = !LeftoverRead(leftover, &text)  ? -1
                     : wish == RecoveryWish::Restore ? Restore(leftover, text)
                                                     : OpenBeside(leftover, text);
-    if (tab < 0) {
+    // Its files go only when it stands in the document.
+    if (tab < 0 || static_cast<std::size_t>(SciSend(TabAt(tab).editor, SCI_GETLENGTH)) != text.size()) {
         AppLogMsg(L"FAIL: the recovered text could not be opened: %s", leftover.text.c_str());
         return false;
     }

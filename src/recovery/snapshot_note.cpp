@@ -25,6 +25,10 @@ void TakeValue(SnapshotNote& note, std::string_view key, std::string_view value)
     if (key == "Encoding" && number <= 1) note.encoding = static_cast<TextEncoding>(number);
     if (key == "LineEnding" && number <= 2) note.lineEnding = static_cast<LineEnding>(number);
     if (key == "Caret") note.caret = number;
+    if (key == "FileTime") note.file.written = number;
+    if (key == "FileSize") note.file.size = number;
+    if (key == "FileHash")
+        note.file.hash = {number, NumberOf(value.substr(std::min(value.find(',') + 1, value.size())))};
 }
 
 }  // namespace
@@ -36,6 +40,10 @@ std::string SnapshotNoteText(const SnapshotNote& note) {
     text += "\r\nEncoding=" + std::to_string(static_cast<int>(note.encoding));
     text += "\r\nLineEnding=" + std::to_string(static_cast<int>(note.lineEnding));
     text += "\r\nCaret=" + std::to_string(note.caret) + "\r\n";
+    if (!note.file.hash.IsKnown()) return text;
+    text += "FileTime=" + std::to_string(note.file.written);
+    text += "\r\nFileSize=" + std::to_string(note.file.size);
+    text += "\r\nFileHash=" + std::to_string(note.file.hash.a) + "," + std::to_string(note.file.hash.b) + "\r\n";
     return text;
 }
 

@@ -2,6 +2,7 @@
 // both files. Pure.
 #pragma once
 
+#include "files/disk_file.h"
 #include "files/text_encoding.h"
 
 #include <cstdint>
@@ -14,6 +15,7 @@ struct SnapshotNote {
     TextEncoding encoding = TextEncoding::Utf8;
     LineEnding lineEnding = LineEnding::CrLf;
     std::uint64_t caret = 0;  // bytes
+    FileState file;           // time, size and hash of the file that the text was made from; an unknown hash: not known
 };
 
 // "Key=value" lines in UTF-8.

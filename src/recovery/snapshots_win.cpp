@@ -146,7 +146,8 @@ std::string NoteOf(const DocumentTab& tab) {
                              .label = tab.label,
                              .encoding = tab.encoding,
                              .lineEnding = tab.lineEnding,
-                             .caret = static_cast<std::uint64_t>(SciSend(tab.editor, SCI_GETCURRENTPOS))});
+                             .caret = static_cast<std::uint64_t>(SciSend(tab.editor, SCI_GETCURRENTPOS)),
+                             .file = tab.onDisk});
 }
 
 std::wstring PathOf(const Kept& kept, const DocumentTab& tab) {

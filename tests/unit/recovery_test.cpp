@@ -108,7 +108,8 @@ TEST(SnapshotNote, ComesBackAndToleratesAnything) {
                             .label = L"\x4E2D=1.bas",
                             .encoding = TextEncoding::Ansi,
                             .lineEnding = LineEnding::Cr,
-                            .caret = 5'000'000'000};
+                            .caret = 5'000'000'000,
+                            .file = {.written = 7, .size = 8, .hash = {~0ULL, 9}}};
     const std::string text = SnapshotNoteText(note);
     const SnapshotNote back = ParseSnapshotNote(text);
     EXPECT_EQ(back.path, note.path);
@@ -116,6 +117,8 @@ TEST(SnapshotNote, ComesBackAndToleratesAnything) {
     EXPECT_EQ(back.encoding, note.encoding);
     EXPECT_EQ(back.lineEnding, note.lineEnding);
     EXPECT_EQ(back.caret, note.caret);
+    EXPECT_EQ(back.file, note.file);
+    EXPECT_FALSE(ParseSnapshotNote(SnapshotNoteText({})).file.hash.IsKnown());
     for (std::size_t length = 0; length < text.size(); ++length)  // cut anywhere
         EXPECT_LE(ParseSnapshotNote(text.substr(0, length)).path.size(), note.path.size());
     EXPECT_EQ(ParseSnapshotNote(text.substr(0, 30) + "\nLineEnding=99999\nEncoding=-1\n\0=\n").lineEnding,

@@ -273,9 +273,12 @@ void Editor::ShowAt(int dpi, int width, int height) const {
     Send(main, WM_NULL);
 }
 
+// A walk meets nothing when the editors change places meanwhile.
 HWND Editor::Sci() const {
-    for (HWND child = GetWindow(main, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
-        if (IsWindowVisible(child) && ClassOf(child) == L"Scintilla") return child;
+    constexpr int kWalks = 20;
+    for (int walk = 0; walk < kWalks; ++walk, Sleep(1))
+        for (HWND child = GetWindow(main, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
+            if (IsWindowVisible(child) && ClassOf(child) == L"Scintilla") return child;
     return nullptr;
 }
 

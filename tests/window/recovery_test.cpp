@@ -75,6 +75,31 @@ TEST(Recovery, AKillLosesNothing) {
     }
 }
 
+// The documents of a session are read when they are first shown. Another program changes the file after the kill.
+TEST(Recovery, ATextComesBackIntoADocumentOfTheSession) {
+    ProgramFolder folder;
+    const std::wstring one = folder.Write(L"one.bas", "one\n"), two = folder.Write(L"two.bas", "two\n");
+    EXPECT_EQ(Editor(folder, OpenArgument(one) + OpenArgument(two)).Close(), 0u);
+    {
+        Editor editor(folder, L"", Until::Started);
+        editor.Answer(kRestore, L"A previous session", IDYES);
+        ASSERT_TRUE(editor.AwaitReady());
+        editor.Do(IDM_PREVIOUS_TAB);
+        editor.Type("typed ");
+        ASSERT_TRUE(AwaitKept(folder, {"typed one\n"}));
+        Kill(editor);
+    }
+    WriteBytes(one, "one\nby another program\n");
+    Editor editor(folder, L"", Until::Started);
+    editor.Answer(kRestore, L"A previous session", IDYES);
+    ASSERT_TRUE(editor.AwaitReady());
+    editor.Press(editor.AwaitDialog(kRecovered), IDC_RECOVERY_RESTORE);
+    EXPECT_TRUE(WaitFor([&] { return editor.Text() == "typed one\n"; })) << editor.Text();
+    EXPECT_EQ(editor.Tabs(), 2);
+    EXPECT_TRUE(editor.AwaitDialog(kProgramTitle).text.starts_with(L"one.bas was changed by another program"));
+    EXPECT_TRUE(AwaitKept(folder, {"typed one\n"}));
+}
+
 // A save that cannot overwrite its file stands at the place at which a kill leaves two texts: that of the save, and the one
 // that was kept before.
 TEST(Recovery, AKillWithinASaveOffersOneTextOfTheFile) {
