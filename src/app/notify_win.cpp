@@ -38,6 +38,7 @@ namespace {
 
 void OnSavePoint(int tab, bool modified) {
     TabAt(tab).modified = modified || TabAt(tab).mustSave;
+    if (modified && TabAt(tab).buildMark == BuildMark::Ok) TabAt(tab).buildMark = BuildMark::None;  // of another text
     if (!TabAt(tab).modified) SourceMarksOnSaved(TabAt(tab).id);  // the text is that of the file again
     TabBarUpdateTitle(tab);
     MainWindow_RequestStateRefresh();

@@ -179,16 +179,9 @@ LRESULT CALLBACK GripProc(HWND grip, UINT message, WPARAM wParam, LPARAM lParam)
 }
 
 HWND CreateGrip(HWND bar, const SplitterRow& row) {
-    static const ATOM registered = [] {
-        WNDCLASSEXW description = {};
-        description.cbSize = sizeof(description);
-        description.style = CS_DBLCLKS;
-        description.lpfnWndProc = GripProc;
-        description.hInstance = g_app.hInstance;
-        description.lpszClassName = kGripClass;
-        return RegisterClassExW(&description);
-    }();
-    if (registered == 0) return nullptr;
+    static const bool registered =
+        WindowClassRegister({.name = kGripClass, .procedure = GripProc, .style = CS_DBLCLKS});
+    if (!registered) return nullptr;
     const std::wstring name = TextWith(L"Grip: {1}", {Text(row.name)});  // for screen readers
     const HWND grip = CreateWindowExW(WS_EX_TRANSPARENT, kGripClass, name.c_str(), WS_CHILD, 0, 0, 0, 0, g_app.hMainWnd,
                                       nullptr, g_app.hInstance, nullptr);

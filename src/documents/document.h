@@ -27,9 +27,9 @@ struct DocumentTab : FileBinding {
     OutsideChange outside;        // what another program has done to its file since
     std::uint32_t askedIn = 0;  // the stay in the program (documents/outside.h) in which the user was asked; 0: not yet
     bool answered = false;      // and did not put it off
-    BuildMark buildMark = BuildMark::None;
-    bool headerShown = false;  // the sticky header has its place above the editor
-    bool building = false;     // a build of it runs
-    bool debugged = false;     // the program that is debugged was built from it
-    bool pinned = false;       // stands with the other pinned ones before the rest, and stays when others are closed
+    BuildMark buildMark = BuildMark::None;  // Ok goes with the first change of the text
+    bool headerShown = false;               // the sticky header has its place above the editor
+    bool building = false;                  // a build of it runs
+    bool debugged = false;                  // the program that is debugged was built from it
+    bool pinned = false;  // stands with the other pinned ones before the rest, and stays when others are closed
 };

@@ -179,6 +179,7 @@ int ReloadFromDisk(DocumentId id, ReloadFailure failure) {
     }
     TabAt(tab).modified = false;
     TabAt(tab).mustSave = false;
+    if (TabAt(tab).buildMark == BuildMark::Ok) TabAt(tab).buildMark = BuildMark::None;  // of another text
     TabBarUpdateTitle(tab);
     OutsideOnDocuments();
     TellDocumentForm(tab);

@@ -25,29 +25,29 @@
 namespace {
 
 // A document that holds the text and is not saved.
-int NewDocumentWith(const std::wstring& label, const std::string& text) {
+int NewDocumentWith(const std::wstring& label, const SnapshotNote& note, const std::string& text) {
     const int tab = TabBarAdd(L"", label.c_str());
     if (tab < 0) return -1;
     TabAt(tab).mustSave = true;  // before the text comes: the end of an undo is no saved state either
     SciSend(TabAt(tab).editor, SCI_ADDTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
     SciSend(TabAt(tab).editor, SCI_EMPTYUNDOBUFFER);
     TabAt(tab).modified = true;
+    TabAt(tab).encoding = note.encoding;
+    TabAt(tab).lineEnding = note.lineEnding;
+    TabBarUpdateLineEnding(tab);
     TabBarUpdateTitle(tab);
     return tab;
 }
 
 // The file is gone: a save writes it again.
 int NewDocumentOf(const SnapshotNote& note, const std::string& text) {
-    const int tab = NewDocumentWith(note.label, text);
+    const int tab = NewDocumentWith(note.label, note, text);
     if (tab < 0) return -1;
     DocumentTab& document = TabAt(tab);
     if (!note.path.empty()) {
         SafeCopyW(document.path, note.path);
         document.hasFile = true;
     }
-    document.encoding = note.encoding;
-    document.lineEnding = note.lineEnding;
-    TabBarUpdateLineEnding(tab);
     TabBarUpdateTitle(tab);
     return tab;
 }
@@ -77,7 +77,7 @@ int IntoItsFile(const SnapshotNote& note, const std::string& text) {
 }
 
 int OpenBeside(const Leftover& leftover, const std::string& text) {
-    return NewDocumentWith(TextWith(L"{1} (recovered)", {leftover.note.label}), text);
+    return NewDocumentWith(TextWith(L"{1} (recovered)", {leftover.note.label}), leftover.note, text);
 }
 
 int Restore(const Leftover& leftover, const std::string& text) {
