@@ -23,7 +23,9 @@
 #include "ui/late_size.h"
 #include "ui/panes.h"
 
+#include <algorithm>
 #include <iterator>
+#include <span>
 #include <vector>
 
 namespace {
@@ -52,22 +54,43 @@ LayoutInput LayoutInputOf(int width, int height) {
             .outlineHeight = UiScaled(settings.outlineHeight)};
 }
 
-// True when the window is where it should be: moving it there once more would cost several system calls.
-bool IsPlaced(HWND child, const PaneRect& area) {
-    const bool visible = (GetWindowLongW(child, GWL_STYLE) & WS_VISIBLE) != 0;
-    if (area.empty() || !visible) return area.empty() && !visible;
+PaneRect PlaceOf(HWND child) {
     RECT now = {};
     GetWindowRect(child, &now);
     MapWindowPoints(nullptr, g_app.hMainWnd, reinterpret_cast<POINT*>(&now), 2);
-    return now.left == area.left && now.top == area.top && now.right == area.right && now.bottom == area.bottom;
+    return {now.left, now.top, now.right, now.bottom};
 }
 
-// Moves one child window; an empty rectangle hides it. DeferWindowPos and SWP_DEFERERASE let a resize repaint only once.
-void PlaceChild(HDWP& moves, HWND child, const PaneRect& area) {
-    if (child == nullptr || moves == nullptr || IsPlaced(child, area)) return;
-    const UINT flags = area.empty() ? SWP_HIDEWINDOW | SWP_NOMOVE | SWP_NOSIZE : SWP_SHOWWINDOW;
-    moves = DeferWindowPos(moves, child, nullptr, area.left, area.top, area.width(), area.height(),
-                           flags | SWP_NOZORDER | SWP_NOACTIVATE | SWP_DEFERERASE);
+bool IsShown(HWND child) { return (GetWindowLongW(child, GWL_STYLE) & WS_VISIBLE) != 0; }
+
+bool Overlap(const PaneRect& a, const PaneRect& b) {
+    return a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom;
+}
+
+// Wine moves the windows one after the other, and each takes along what is on the screen at its old place. After the
+// moves before it, that can be a part of another window.
+bool PictureIsCovered(const PaneRect& from, const PaneRect& to, std::span<const PanePart> before) {
+    const PaneRect picture = {from.left, from.top, from.left + std::min(from.width(), to.width()),
+                              from.top + std::min(from.height(), to.height())};
+    return std::ranges::any_of(
+        before, [&](const PanePart& each) { return each.window != nullptr && Overlap(each.area, picture); });
+}
+
+// Moves one child window; an empty rectangle hides it. A window that is where it should be is left alone: moving it there
+// once more would cost several system calls. DeferWindowPos and SWP_DEFERERASE let a resize repaint only once.
+void PlaceChild(HDWP& moves, const PanePart& part, std::span<const PanePart> before) {
+    const auto& [child, area] = part;
+    if (child == nullptr || moves == nullptr || (area.empty() && !IsShown(child))) return;
+    UINT flags = SWP_NOZORDER | SWP_NOACTIVATE | SWP_DEFERERASE;
+    if (area.empty()) {
+        flags |= SWP_HIDEWINDOW | SWP_NOMOVE | SWP_NOSIZE;
+    } else {
+        const PaneRect now = PlaceOf(child);
+        if (now == area && IsShown(child)) return;
+        flags |= SWP_SHOWWINDOW;
+        if (PictureIsCovered(now, area, before)) flags |= SWP_NOCOPYBITS;
+    }
+    moves = DeferWindowPos(moves, child, nullptr, area.left, area.top, area.width(), area.height(), flags);
 }
 
 void PlaceChildren(const PaneLayout& layout) {
@@ -90,13 +113,13 @@ void PlaceChildren(const PaneLayout& layout) {
         // Only the active editor is visible; another one is placed when it is shown.
         {g_app.hEditor, layout.editor},
     };
-    std::vector<PanePart> panes = PaneParts(layout);
-    const std::vector<PanePart> titles = PaneTitleParts(layout);
-    panes.insert(panes.end(), titles.begin(), titles.end());
-    HDWP moves = BeginDeferWindowPos(static_cast<int>(std::size(frame) + panes.size()));
     // The panes are first, because a list that moves erases at once what the moves before it have uncovered.
-    for (const PanePart& part : panes) PlaceChild(moves, part.window, part.area);
-    for (const PanePart& part : frame) PlaceChild(moves, part.window, part.area);
+    std::vector<PanePart> parts = PaneParts(layout);
+    const std::vector<PanePart> titles = PaneTitleParts(layout);
+    parts.insert(parts.end(), titles.begin(), titles.end());
+    parts.insert(parts.end(), std::begin(frame), std::end(frame));
+    HDWP moves = BeginDeferWindowPos(static_cast<int>(parts.size()));
+    for (std::size_t i = 0; i < parts.size(); ++i) PlaceChild(moves, parts[i], std::span(parts).first(i));
     if (moves != nullptr) EndDeferWindowPos(moves);
     if (!layout.status.empty()) StatusBarLayout(layout.status.width());
 }

@@ -263,10 +263,6 @@ LRESULT CALLBACK SplitterProc(HWND window, UINT message, WPARAM wParam, LPARAM l
         case WM_SETCURSOR:
             SetCursor(LoadCursorW(nullptr, SplitterMovesUp(row.kind) ? IDC_SIZENS : IDC_SIZEWE));
             return TRUE;
-        case WM_WINDOWPOSCHANGING:
-            // Without SWP_NOCOPYBITS the bar would, under Wine, copy what its neighbours have painted at its old place.
-            reinterpret_cast<WINDOWPOS*>(lParam)->flags |= SWP_NOCOPYBITS;
-            return 0;
         case WM_WINDOWPOSCHANGED: PlaceGrip(window); return 0;
         case WM_ERASEBKGND: return EraseSplitter(window, reinterpret_cast<HDC>(wParam));
         case WM_LBUTTONDOWN: BeginSplitterDrag(window); return 0;

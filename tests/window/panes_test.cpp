@@ -4,9 +4,11 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <string>
 #include <utility>
 #include <vector>
 
+#include "readable.h"
 #include "resources/ids.h"
 #include "ui/pane_id.h"
 
@@ -46,16 +48,43 @@ constexpr struct {
                {PaneId::FilesResults, IDC_FILES_PANE, IDM_VIEW_FILES_RESULTS, L"Search Results"},
                {PaneId::Outline, IDC_OUTLINE_PANE, IDM_VIEW_OUTLINE, L"Outline"}};
 
+// A title that is moved takes along nothing of a pane that has moved to its old place.
+void ExpectTitleKeepsItsPicture(const Editor& editor, int pane, int barId) {
+    const HWND bar = editor.Child(barId);
+    const auto moves = [&](int key) {
+        const LONG at = PlaceOf(editor, bar).left;
+        editor.Keys({key});
+        return WaitFor([&] { return PlaceOf(editor, bar).left != at; });
+    };
+    ASSERT_TRUE(WaitFor([&] { return (GetWindowLongW(editor.Child(IDC_PROJECT_TREE), GWL_STYLE) & WS_VSCROLL) != 0; }));
+    editor.Foreground();
+    editor.Send(editor.main, MSG_FOCUS_EDITOR);
+    PictureAtRest(editor.main);
+    const Picture before = PictureOf(TitleOf(editor, pane));
+    editor.Keys({VK_MENU, VK_F8});
+    EXPECT_TRUE(WaitFor([&] {
+        if (editor.Focus() != bar) editor.Keys({VK_TAB});
+        return editor.Focus() == bar;
+    }));
+    EXPECT_TRUE(moves(VK_HOME) && moves(VK_END) && moves(VK_ESCAPE));
+    EXPECT_TRUE(WaitFor([&] { return PictureOf(TitleOf(editor, pane)).pixels == before.pixels; }));
+}
+
 }  // namespace
 
 TEST(Panes, HaveATitleThatNamesAndClosesThem) {
     ProgramFolder folder;
+    // More files than the tree has rows, so that it has a scroll bar.
+    for (int i = 0; i < 60; ++i) folder.Write(L"project\\" + std::to_wstring(i) + L".bas", "");
+    folder.SetIni(L"Project", L"Root", folder.File(L"project"));
     Editor editor(folder, OpenArgument(folder.Write(L"a.bas", "'\n")));
     RECT client{};
     GetClientRect(editor.main, &client);
     EXPECT_LE(HeightOf(editor, editor.Child(IDC_OUTPUT)) + HeightOf(editor, TitleOf(editor, IDC_OUTPUT)),
               client.bottom / 4)
         << "at a first start";
+    editor.Do(IDM_VIEW_TREE);
+    ExpectTitleKeepsItsPicture(editor, IDC_OUTPUT, IDC_SPLIT_TREE);
     for (const auto& pane : kTitled) {
         SCOPED_TRACE(Utf8(pane.title));
         if (!Shown(editor.Child(pane.control))) editor.Do(pane.command);

@@ -15,13 +15,6 @@
 #include "resources/ids.h"
 #include "support/text_contrast.h"
 
-namespace {
-
-// Strokes of one pixel have at least about three quarters of their contrast.
-constexpr double kThinStroke = 3.3;
-constexpr wchar_t kMenuClass[] = L"#32768";
-
-// What is on the screen in the window's client area.
 Picture PictureOf(HWND window) {
     RECT area = {};
     GetClientRect(window, &area);
@@ -51,7 +44,6 @@ Picture PictureOf(HWND window) {
     return picture;
 }
 
-// Until two pictures in a row are equal.
 Picture PictureAtRest(HWND window) {
     Picture before = PictureOf(window);
     WaitFor(
@@ -64,6 +56,12 @@ Picture PictureAtRest(HWND window) {
         kDeadline);
     return before;
 }
+
+namespace {
+
+// Strokes of one pixel have at least about three quarters of their contrast.
+constexpr double kThinStroke = 3.3;
+constexpr wchar_t kMenuClass[] = L"#32768";
 
 Rgb SystemRgb(int index) {
     const COLORREF colour = GetSysColor(index);

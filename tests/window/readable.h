@@ -4,6 +4,12 @@
 #include <string>
 
 #include "harness.h"
+#include "support/text_contrast.h"
+
+// What is on the screen in the window's client area.
+Picture PictureOf(HWND window);
+// The same, once two pictures in a row are equal.
+Picture PictureAtRest(HWND window);
 
 // The height of a line of text in pixels: at 200 %, where the strokes of letters have their full colour, and at 100 %.
 inline constexpr int kScaledLine = 34, kPlainLine = 17;
