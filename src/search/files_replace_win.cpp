@@ -152,10 +152,13 @@ void ReplaceInDocuments(const FilesQuery& query) {
     for (std::size_t i = 0; i < files.size(); ++i) {
         const int tab = files[i].document != 0 ? TabBarFindDocument(files[i].document) : -1;
         if (tab < 0 || std::ranges::count(files[i].ticked, true) == 0) continue;
-        if (work.GoesOn(static_cast<double>(i) / static_cast<double>(files.size())))
-            g_replace.outcomes.push_back(ReplaceInDocument(files[i], TabAt(tab), query));
-        else
+        if (!work.GoesOn(static_cast<double>(i) / static_cast<double>(files.size())))
             g_replace.outcomes.push_back({files[i].path, files[i].key, 0, Text(L"stopped")});
+        else if (!TabBarRead(tab))  // that of a session waits for being shown
+            g_replace.outcomes.push_back({files[i].path, files[i].key, 0, Text(L"the file cannot be read")});
+        else
+            g_replace.outcomes.push_back(
+                ReplaceInDocument(files[i], TabAt(TabBarFindDocument(files[i].document)), query));
     }
 }
 
@@ -226,7 +229,8 @@ void FilesReplaceTicked() {
         if (ticked == 0) continue;
         hits += ticked;
         ++files;
-        if (FilesEditorOf(file) == nullptr) request.tasks.push_back({file.path, file.key, file.hits, file.ticked});
+        if (TabBarFindDocument(file.document) < 0)
+            request.tasks.push_back({file.path, file.key, file.hits, file.ticked});
     }
     if (hits == 0 || !UserAgrees(hits, files, request.tasks.size())) return;
     g_files.replaceRuns = true;

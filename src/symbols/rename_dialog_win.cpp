@@ -109,6 +109,8 @@ std::wstring OpenAll(References& references) {
         if (tab < 0 && !file.path.empty()) tab = FileAdd(file.path.c_str());
         if (tab < 0) return FormatW(Text(L"%s could not be opened."), FileLabel(file).c_str());
         file.document = TabAt(tab).id;
+        if (!TabBarRead(tab)) return FormatW(Text(L"%s could not be opened."), FileLabel(file).c_str());
+        tab = TabBarFindDocument(file.document);  // reading a large file handles messages
         const HWND editor = TabAt(tab).editor;
         const bool whole =
             std::ranges::all_of(file.hits, [&](const FileHit& hit) { return HoldsName(editor, hit, references.name); });

@@ -161,3 +161,23 @@ TEST(FilesSearch, StopsAtOnce) {
 }
 
 }  // namespace
+
+// The documents of a session are read when they are first shown.
+TEST(FilesSearch, ReplacesInADocumentOfTheSession) {
+    ProgramFolder folder;
+    const std::wstring root = folder.File(L"p");
+    const std::wstring one = folder.Write(L"p\\one.bas", "old one\n"), two = folder.Write(L"p\\two.bas", "two\n");
+    EXPECT_EQ(Editor(folder, OpenArgument(one) + OpenArgument(two)).Close(), 0u);
+    Editor editor(folder, L"", Until::Started);
+    editor.Answer(kRestore, L"A previous session", IDYES);
+    ASSERT_TRUE(editor.AwaitReady());
+    const FilesSearch search(editor);
+    search.Start(IDM_FILES_REPLACE, L"old", root, L"new");
+    ASSERT_TRUE(search.Ended());
+    PostMessageW(search.Pane(), WM_COMMAND, IDC_FILES_REPLACE_NOW, 0);
+    editor.Answer(L"Replace in Files", L"Replace 1 hit in 1 file?", IDOK);
+    editor.Do(IDM_PREVIOUS_TAB);
+    EXPECT_TRUE(WaitFor([&] { return editor.Text() == "new one\n"; })) << editor.Text();
+    EXPECT_EQ(folder.Read(L"p\\one.bas"), "old one\n") << "an open document is changed, not its file";
+    EXPECT_TRUE(editor.Modified());
+}
