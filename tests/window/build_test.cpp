@@ -37,14 +37,17 @@ void DoubleClickOn(const Editor& editor, const std::wstring& part) {
     const std::size_t at = editor.Output().find(part);
     ASSERT_NE(at, std::wstring::npos) << Utf8(part) << " is not in the output";
     const HWND pane = editor.Child(IDC_OUTPUT);
-    editor.Send(pane, EM_SETSEL, at, static_cast<LPARAM>(at));
-    editor.Send(pane, EM_SCROLLCARET);
+    // The whole part is in view before its middle is clicked, however long the path before it is.
+    for (const std::size_t end : {at, at + part.size()}) {
+        editor.Send(pane, EM_SETSEL, end, static_cast<LPARAM>(end));
+        editor.Send(pane, EM_SCROLLCARET);
+    }
     const RemoteBlock block(editor.process, sizeof(POINTL));
     POINTL place{};
-    editor.Send(pane, EM_POSFROMCHAR, static_cast<WPARAM>(block.At()), static_cast<LPARAM>(at));
+    editor.Send(pane, EM_POSFROMCHAR, static_cast<WPARAM>(block.At()), static_cast<LPARAM>(at + part.size() / 2));
     block.Get(&place, sizeof(place));
     editor.Foreground();
-    editor.Click(pane, {place.x + 12, place.y + 6}, MOUSEEVENTF_LEFTDOWN, 2);
+    editor.Click(pane, {place.x, place.y + 6}, MOUSEEVENTF_LEFTDOWN, 2);
 }
 
 }  // namespace
