@@ -35,7 +35,8 @@ bool SendIsAllowed(const wchar_t* url, const AiTarget& target, std::size_t messa
                                    .buttons = AskButtons::OkCancel,
                                    .icon = AskIcon::Question,
                                    .inSelftest = Answer::Yes,
-                                   .yes = Text(L"&Send")};
+                                   .yes = Text(L"&Send"),
+                                   .loses = Answer::Yes};
     if (AskUser(question) != Answer::Yes) {
         g_events.statusText(Text(L"Nothing was sent"));
         return false;

@@ -76,7 +76,8 @@ void OfferSessionRestore() {
                                    .text = Text(L"A previous session was auto-saved. Would you like to restore it?"),
                                    .buttons = AskButtons::YesNo,
                                    .icon = AskIcon::Question,
-                                   .inSelftest = Answer::No});
+                                   .inSelftest = Answer::No,
+                                   .loses = Answer::No});
     if (answer != Answer::Yes) return;
     // A restore replaces all documents. The files that the user started the program with come back after it.
     const std::vector<OpenedFile> opened = OpenedFiles();

@@ -342,7 +342,8 @@ bool ProgramIsFree(const std::wstring& program) {
                                    .text = text.c_str(),
                                    .buttons = AskButtons::YesNo,
                                    .icon = AskIcon::Question,
-                                   .inSelftest = Answer::Yes});
+                                   .inSelftest = Answer::Yes,
+                                   .loses = Answer::Yes});
     g_runner.saving = false;
     return answer == Answer::Yes && EndProcesses(processes, program);
 }

@@ -7,6 +7,7 @@
 #include "resources/ids.h"
 #include "ui/dialog_panes.h"
 #include "ui/dialog_theme.h"
+#include "ui/guarded_button.h"
 #include "ui/list_view.h"
 #include "ui/message.h"
 #include "ui/ui_state.h"
@@ -80,6 +81,7 @@ void FillCloseDialog(HWND dialog, CloseDialog& close) {
         SetDlgItemTextW(dialog, IDC_CLOSE_DISCARD, Text(L"&Discard"));
     }
     FitHeight(dialog, close.rows->size());
+    ButtonNeedsAlt(dialog, IDC_CLOSE_DISCARD);
     close.list.inDialog = true;
     if (!ListViewCreate(close.list, dialog, IDC_CLOSE_LIST)) return;
     DialogPutInPlace(dialog, IDC_CLOSE_LIST, close.list.window);

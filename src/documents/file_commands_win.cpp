@@ -58,7 +58,8 @@ Answer AskSaveChanges(const wchar_t* label) {
                     .text = SaveQuestion(label).c_str(),
                     .buttons = AskButtons::YesNoCancel,
                     .icon = AskIcon::Question,
-                    .inSelftest = Answer::No});
+                    .inSelftest = Answer::No,
+                    .loses = Answer::No});
 }
 
 enum class Opened { Failed, WasOpen, New };

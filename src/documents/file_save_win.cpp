@@ -73,7 +73,8 @@ Answer AskAboutAnsi(const wchar_t* label) {
                     .icon = AskIcon::Warning,
                     .inSelftest = Answer::Yes,
                     .yes = Text(L"Save as &UTF-8"),
-                    .no = Text(L"Save as &ANSI")});
+                    .no = Text(L"Save as &ANSI"),
+                    .loses = Answer::No});
 }
 
 struct EditorText {
@@ -130,7 +131,8 @@ FormChoice AskForm(DocumentId document, FileBinding& binding) {
                         .icon = AskIcon::Warning,
                         .inSelftest = Answer::Cancel,
                         .yes = form.yes.c_str(),
-                        .no = form.no.c_str()});
+                        .no = form.no.c_str(),
+                        .loses = Answer::No});
     });
 }
 

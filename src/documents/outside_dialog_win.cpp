@@ -16,6 +16,7 @@
 #include "ui/accessible.h"
 #include "ui/dialog_panes.h"
 #include "ui/dialog_theme.h"
+#include "ui/guarded_button.h"
 #include "ui/list_view.h"
 #include "ui/message.h"
 #include "ui/ui_state.h"
@@ -214,6 +215,8 @@ void FillOutsideDialog(HWND dialog, OutsideDialog& outside) {
     SetDlgItemTextW(dialog, IDC_OUTSIDE_FIRST, question.first);
     SetDlgItemTextW(dialog, IDC_OUTSIDE_SECOND, question.second);
     SetDlgItemTextW(dialog, IDCANCEL, question.later);
+    // Each gives up what was written here, or by the other program.
+    for (const int button : {IDC_OUTSIDE_FIRST, IDC_OUTSIDE_SECOND}) ButtonNeedsAlt(dialog, button);
     ShowWindow(GetDlgItem(dialog, IDC_OUTSIDE_DIFFERENCE_LABEL), SW_HIDE);
     ShowWindow(GetDlgItem(dialog, IDC_OUTSIDE_DIFFERENCE), SW_HIDE);
     const int less = DialogUnits(dialog, kDifferenceUnits);

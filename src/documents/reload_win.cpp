@@ -56,7 +56,8 @@ bool MayDiscardChanges(const DocumentTab& document) {
                     .icon = undone ? AskIcon::Question : AskIcon::Warning,
                     .inSelftest = Answer::Yes,
                     .enterIsNo = true,
-                    .yes = Text(L"&Reload")}) == Answer::Yes;
+                    .yes = Text(L"&Reload"),
+                    .loses = Answer::Yes}) == Answer::Yes;
 }
 
 // For an editor that had no memory for the whole text. Removes the document's file name, so that no later save (the

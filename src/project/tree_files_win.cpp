@@ -111,7 +111,8 @@ bool ConfirmDelete(const std::wstring& path, bool isFolder) {
                     .buttons = AskButtons::OkCancel,
                     .icon = AskIcon::Question,
                     .inSelftest = Answer::Cancel,
-                    .yes = Text(L"&Delete")}) == Answer::Yes;
+                    .yes = Text(L"&Delete"),
+                    .loses = Answer::Yes}) == Answer::Yes;
 }
 
 bool ConfirmForGood(const std::wstring& path, const std::wstring& why) {
@@ -124,7 +125,8 @@ bool ConfirmForGood(const std::wstring& path, const std::wstring& why) {
                     .icon = AskIcon::Warning,
                     .inSelftest = Answer::No,
                     .enterIsNo = true,
-                    .yes = Text(L"&Delete for Good")}) == Answer::Yes;
+                    .yes = Text(L"&Delete for Good"),
+                    .loses = Answer::Yes}) == Answer::Yes;
 }
 
 std::vector<DocumentId> DocumentsWithin(const std::wstring& path) {

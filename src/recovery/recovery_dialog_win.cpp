@@ -175,7 +175,8 @@ bool MayDiscard(const RecoveryList& recovery) {
                     .icon = AskIcon::Warning,
                     .inSelftest = Answer::No,
                     .enterIsNo = true,
-                    .yes = Text(L"&Discard")}) == Answer::Yes;
+                    .yes = Text(L"&Discard"),
+                    .loses = Answer::Yes}) == Answer::Yes;
 }
 
 // --- The dialog

@@ -215,7 +215,8 @@ bool UserAgrees(std::size_t hits, std::size_t files, std::size_t closed) {
                     .buttons = AskButtons::OkCancel,
                     .icon = AskIcon::Question,
                     .inSelftest = Answer::No,
-                    .yes = Text(L"&Replace")}) == Answer::Yes;
+                    .yes = Text(L"&Replace"),
+                    .loses = Answer::Yes}) == Answer::Yes;
 }
 
 }  // namespace

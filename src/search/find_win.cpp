@@ -13,6 +13,7 @@
 #include "settings/settings_state.h"
 #include "ui/dialog_theme.h"
 #include "ui/dpi.h"
+#include "ui/guarded_button.h"
 #include "ui/ui_state.h"
 
 #include <windows.h>
@@ -142,6 +143,7 @@ INT_PTR CALLBACK FindDlgProc(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
         case WM_INITDIALOG:
             OnFindInit(dialog);
             DialogApplyTheme(dialog);
+            for (const int button : {IDC_FIND_REPLACE, IDC_FIND_REPLACE_ALL}) ButtonNeedsAlt(dialog, button);
             return FALSE;  // FindDialogShow sets the focus
         case WM_COMMAND: OnFindCommand(dialog, LOWORD(wParam)); return TRUE;
         case WM_DESTROY:

@@ -170,7 +170,8 @@ void AskAboutMissing() {
                                    .icon = AskIcon::Warning,
                                    .inSelftest = Answer::Yes,
                                    .yes = Text(L"&Keep"),
-                                   .no = Text(L"&Forget")});
+                                   .no = Text(L"&Forget"),
+                                   .loses = Answer::No});
     if (answer == Answer::No) g_session.missing.clear();
 }
 

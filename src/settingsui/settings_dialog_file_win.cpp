@@ -65,7 +65,8 @@ void SettingsDialogReset(const SettingsDialog& dialog) {
                  .buttons = AskButtons::YesNo,
                  .icon = AskIcon::Warning,
                  .inSelftest = Answer::No,
-                 .enterIsNo = true}) != Answer::Yes)
+                 .enterIsNo = true,
+                 .loses = Answer::Yes}) != Answer::Yes)
         return;
     SettingsResetAll();
     EndDialog(dialog.window, IDOK);

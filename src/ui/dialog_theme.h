@@ -17,10 +17,13 @@ void DialogsRenewTheme();
 // Colours a box of MessageBoxW that is complete and not yet painted.
 void MessageBoxApplyTheme(HWND box);
 
-// Words on the buttons of a message box. Null: the system's.
+// Words on the buttons of a message box, null: the system's; and whether a button takes its letter only with Alt
+// (ui/guarded_button.h).
 struct BoxNames {
     const wchar_t* yes = nullptr;  // on Yes and on OK
     const wchar_t* no = nullptr;
+    bool guardsYes = false;
+    bool guardsNo = false;
 };
 // Runs MessageBoxW, colours the box, and makes room for the words on its buttons.
 int ThemedMessageBox(HWND owner, const wchar_t* text, const wchar_t* caption, UINT flags, const BoxNames& names = {});

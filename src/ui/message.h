@@ -14,10 +14,11 @@ struct UserQuestion {
     const wchar_t* text;
     AskButtons buttons;
     AskIcon icon;
-    Answer inSelftest;             // the answer in a self-test run, in which no box is shown
-    bool enterIsNo = false;        // the second button is the one that Enter presses
-    const wchar_t* yes = nullptr;  // what the button Yes, or OK, is called instead; it says what is done
-    const wchar_t* no = nullptr;   // the same of No
+    Answer inSelftest;              // the answer in a self-test run, in which no box is shown
+    bool enterIsNo = false;         // the second button is the one that Enter presses
+    const wchar_t* yes = nullptr;   // what the button Yes, or OK, is called instead; it says what is done
+    const wchar_t* no = nullptr;    // the same of No
+    Answer loses = Answer::Cancel;  // the button that gives work up, or sends it: its letter alone does not press it
 };
 Answer AskUser(const UserQuestion& question);
 void TellUser(const wchar_t* caption, const wchar_t* text, AskIcon icon);

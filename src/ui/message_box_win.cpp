@@ -2,6 +2,7 @@
 #include "ui/box_buttons.h"
 #include "ui/dialog_theme.h"
 #include "ui/dpi.h"
+#include "ui/guarded_button.h"
 #include "ui/subclass.h"
 #include "ui/window_text.h"
 
@@ -100,6 +101,12 @@ void NameButtons(HWND box, const BoxNames& names) {
     SubclassAdd(box, NamedBoxProc);
 }
 
+void GuardButtons(HWND box, const BoxNames& names) {
+    for (const int id : {IDOK, IDYES})
+        if (names.guardsYes && GetDlgItem(box, id) != nullptr) ButtonNeedsAlt(box, id);
+    if (names.guardsNo) ButtonNeedsAlt(box, IDNO);
+}
+
 // The box has its controls when it becomes active, and is not yet painted.
 LRESULT CALLBACK BoxHook(int code, WPARAM wParam, LPARAM lParam) {
     const HHOOK hook = g_box.hook;
@@ -108,6 +115,7 @@ LRESULT CALLBACK BoxHook(int code, WPARAM wParam, LPARAM lParam) {
     if (code == HCBT_ACTIVATE) GetClassNameW(window, name, static_cast<int>(std::size(name)));
     if (lstrcmpiW(name, L"#32770") == 0) {
         NameButtons(window, g_box.names);
+        GuardButtons(window, g_box.names);
         MessageBoxApplyTheme(window);
         UnhookWindowsHookEx(hook);
         g_box.hook = nullptr;

@@ -32,7 +32,11 @@ Answer ShowMessageBox(const UserQuestion& question) {
     const UINT flags = kButtonFlags[static_cast<std::size_t>(question.buttons)] |
                        kIconFlags[static_cast<std::size_t>(question.icon)] | (question.enterIsNo ? MB_DEFBUTTON2 : 0U);
     const std::wstring text = BreakLongWords(question.text);
-    switch (ThemedMessageBox(DialogOwner(), text.c_str(), question.caption, flags, {question.yes, question.no})) {
+    const BoxNames names = {.yes = question.yes,
+                            .no = question.no,
+                            .guardsYes = question.loses == Answer::Yes,
+                            .guardsNo = question.loses == Answer::No};
+    switch (ThemedMessageBox(DialogOwner(), text.c_str(), question.caption, flags, names)) {
         case IDOK:
         case IDYES: return Answer::Yes;
         case IDNO: return Answer::No;

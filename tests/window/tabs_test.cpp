@@ -3,7 +3,6 @@
 
 #include <commctrl.h>
 
-#include <tuple>
 
 #include "resources/ids.h"
 
@@ -53,16 +52,24 @@ TEST(Tabs, ByMouseAndKeyboard) {
     }
     editor.Type("x");
     editor.Click(tabs, editor.TabCentre(2), MOUSEEVENTF_MIDDLEDOWN);
-    editor.Answer(kUnsaved, L"Save changes to d.bas?", IDCANCEL);
+    // A letter alone does not discard; with Alt it does.
+    const auto answer = [&](const wchar_t* text, UINT message, wchar_t letter) {
+        const Dialog question = editor.AwaitDialog(kUnsaved);
+        EXPECT_EQ(question.text.find(text), 0U) << Utf8(question.text);
+        PostMessageW(editor.Focus(), message, letter, message == WM_SYSCHAR ? 1 << 29 : 0);  // Alt is down
+        PostMessageW(editor.Focus(), WM_KEYDOWN, VK_ESCAPE, 0);
+        EXPECT_TRUE(WaitFor([&] { return !IsWindow(question.window); }));
+    };
+    answer(L"Save changes to d.bas?", WM_CHAR, L'n');
     EXPECT_EQ(order(), L"cad");
-    for (const auto& [answer, left, shown] :
-         {std::tuple{IDCANCEL, L"cad", "xd.bas"}, {IDC_CLOSE_DISCARD, L"c", "c.bas"}}) {
+    for (const bool discards : {false, true}) {
         editor.Do(IDM_NEXT_TAB);  // from the last to the first
         EXPECT_EQ(editor.Text(), "c.bas");
         editor.Post(IDM_TAB_CLOSE_OTHERS);  // all or, after a refusal, none
-        editor.Answer(kUnsaved, L"d.bas has unsaved changes.", answer);
-        EXPECT_TRUE(WaitFor([&, left = left, shown = shown] { return order() == left && editor.Text() == shown; }))
-            << Utf8(order());
+        answer(L"d.bas has unsaved changes.", discards ? WM_SYSCHAR : WM_CHAR, L'd');
+        const std::wstring left = discards ? L"c" : L"cad";
+        const std::string shown = discards ? "c.bas" : "xd.bas";
+        EXPECT_TRUE(WaitFor([&] { return order() == left && editor.Text() == shown; })) << Utf8(order());
     }
     for (int i = 0; i < 3; ++i) editor.Do(IDM_FILE_NEW);
     EXPECT_EQ(editor.TabLabel(2), L"Untitled 2");
