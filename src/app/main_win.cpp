@@ -28,6 +28,7 @@
 #include "symbols/peek_window.h"
 #include "tabs/tab_switcher.h"
 #include "ui/message.h"
+#include "ui/mouse_drag.h"
 
 #include <commctrl.h>
 #include <shellapi.h>
@@ -215,8 +216,8 @@ int RunMessageLoop() {
         // One refresh for all that happened since the queue was empty the last time.
         if (!PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE)) MainWnd_RunPendingRefresh();
         if (GetMessageW(&message, nullptr, 0, 0) <= 0) return static_cast<int>(message.wParam);
-        if (IsEndOfUsedAlt(message) || TabSwitchIsMessage(message) || QuickOpenIsMessage(message) ||
-            PeekIsMessage(message))
+        if (MouseDragIsMessage(message) || IsEndOfUsedAlt(message) || TabSwitchIsMessage(message) ||
+            QuickOpenIsMessage(message) || PeekIsMessage(message))
             continue;
         if (accelerators != nullptr && TranslateAcceleratorW(g_app.hMainWnd, accelerators, &message) != 0) continue;
         if (TranslateExtraKey(message) || StartPageIsMessage(message) || FindDialogIsMessage(&message) ||

@@ -36,6 +36,7 @@
 #include "tabs/tab_switcher.h"
 #include "ui/chrome.h"
 #include "ui/menu_draw.h"
+#include "ui/mouse_drag.h"
 #include "ui/paint.h"
 
 #include <commctrl.h>
@@ -127,6 +128,7 @@ HWND FocusedField(HWND window) {
 // What the user types on after a message box or another program is meant for the same field, not for the document.
 void MainWnd_OnActivate(HWND window, bool active) {
     if (!active) {
+        MouseDragCancel();
         g_fieldLeft = FocusedField(window);
         return FindBarOnLeft();
     }

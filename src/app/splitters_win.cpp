@@ -8,6 +8,7 @@
 #include "resources/ids.h"
 #include "ui/chrome.h"
 #include "ui/dpi.h"
+#include "ui/mouse_drag.h"
 #include "ui/paint.h"
 #include "ui/window_class.h"
 
@@ -52,8 +53,9 @@ struct Splitters {
     std::array<HWND, kSplitterCount> grips = {};    // of the windows
     bool dragged = false;
     POINT start = {};       // screen coordinates, because the bar itself moves
-    int startValue = 0;     // of the drag
-    int undoValue = 0;      // of the setting when the bar got the keyboard
+    int startValue = 0;     // of the drag, as it is shown
+    int dragUndo = 0;       // of the setting when the drag began
+    int undoValue = 0;      // the same when the bar got the keyboard
     HWND before = nullptr;  // had the keyboard before the bars
 };
 Splitters g_splitters;
@@ -78,7 +80,8 @@ void BeginSplitterDrag(HWND window) {
     g_splitters.dragged = true;
     GetCursorPos(&g_splitters.start);
     g_splitters.startValue = SplitterValueOf(MainWindow_Placed(), RowOf(window).kind, g_app.dpi);
-    SetCapture(window);
+    g_splitters.dragUndo = SplitterSetting(RowOf(window));
+    MouseDragBegin(window);
 }
 
 void DragSplitter(const SplitterRow& row) {
@@ -93,6 +96,14 @@ void DragSplitter(const SplitterRow& row) {
 
 void EndSplitterDrag() {
     if (std::exchange(g_splitters.dragged, false)) CaptureSplitterRatio();
+    ReleaseCapture();
+}
+
+// The mouse was lost before its button went up.
+void UndoSplitterDrag(const SplitterRow& row) {
+    if (!std::exchange(g_splitters.dragged, false)) return;
+    SetSplitter(row, g_splitters.dragUndo);
+    CaptureSplitterRatio();
 }
 
 void RestoreSplitter(const SplitterRow& row) {
@@ -268,8 +279,8 @@ LRESULT CALLBACK SplitterProc(HWND window, UINT message, WPARAM wParam, LPARAM l
         case WM_LBUTTONDOWN: BeginSplitterDrag(window); return 0;
         case WM_LBUTTONDBLCLK: RestoreSplitter(row); return 0;
         case WM_MOUSEMOVE: DragSplitter(row); return 0;
-        case WM_LBUTTONUP: ReleaseCapture(); return 0;
-        case WM_CAPTURECHANGED: EndSplitterDrag(); return 0;
+        case WM_LBUTTONUP: EndSplitterDrag(); return 0;
+        case WM_CAPTURECHANGED: UndoSplitterDrag(row); return 0;
         case WM_SETFOCUS:
         case WM_KILLFOCUS: OnSplitterFocus(window, message == WM_SETFOCUS); return 0;
         case WM_KEYDOWN: return OnSplitterKey(window, wParam) ? 0 : DefWindowProcW(window, message, wParam, lParam);

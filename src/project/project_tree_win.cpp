@@ -86,7 +86,7 @@ LRESULT OnTreeMoved(HWND window, WPARAM wParam, LPARAM lParam) {
 }
 
 LRESULT CALLBACK ProjectTreeSubclassProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
-    if (RouteTreeMessage(message, wParam) || TreeDragMessage(message, wParam)) return 0;
+    if (RouteTreeMessage(message, wParam) || TreeDragMessage(message)) return 0;
     switch (message) {
         case WM_CONTEXTMENU: TreeShowMenu({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)}); return 0;
         case WM_KEYDOWN:

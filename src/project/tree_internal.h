@@ -95,7 +95,7 @@ std::wstring TreeFailure(const wchar_t* what, const std::wstring& path, DWORD er
 // --- tree_mouse_win.cpp: dragging and tooltips
 void TreeDragBegin(const TreeNode& node);
 // Handles a message of the mouse while a file is dragged. True when it was taken.
-bool TreeDragMessage(UINT message, WPARAM wParam);
+bool TreeDragMessage(UINT message);
 void TreeTipOnMouse(POINT at);
 bool TreeTipText(NMHDR& header);
 void TreeTipDestroy();

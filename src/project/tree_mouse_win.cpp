@@ -3,6 +3,7 @@
 #include "documents/file_commands.h"
 #include "project/tree_internal.h"
 #include "ui/control_theme.h"
+#include "ui/mouse_drag.h"
 #include "ui/ui_state.h"
 
 #include <utility>
@@ -65,20 +66,16 @@ void CreateTreeTip() {
 void TreeDragBegin(const TreeNode& node) {
     if (node.kind != NodeKind::File) return;
     g_tree.dragged = TreePathOf(node);
-    SetCapture(TreeWindow());
+    MouseDragBegin(TreeWindow());
     ShowDragCursor();
 }
 
-bool TreeDragMessage(UINT message, WPARAM wParam) {
+bool TreeDragMessage(UINT message) {
     if (g_tree.dragged.empty()) return false;
     switch (message) {
         case WM_MOUSEMOVE: ShowDragCursor(); return true;
         case WM_LBUTTONUP: DropOnEditor(); return true;
-        case WM_KEYDOWN:
-            if (wParam != VK_ESCAPE) return false;
-            EndTreeDrag();
-            return true;
-        case WM_CAPTURECHANGED: g_tree.dragged.clear(); return false;
+        case WM_CAPTURECHANGED: EndTreeDrag(); return false;
         default: return false;
     }
 }

@@ -8,6 +8,7 @@
 #include "tabs/tabs_state.h"
 #include "ui/control_theme.h"
 #include "ui/dpi.h"
+#include "ui/mouse_drag.h"
 #include "ui/paint.h"
 #include "ui/subclass.h"
 #include "ui/ui_state.h"
@@ -75,7 +76,7 @@ void OnStripPressed(HWND strip, POINT at) {
     const DocumentId document = DocumentAt(pointer.hoverTab);
     const bool onButton = TabPointerPress(pointer, document, at.x);
     if (!onButton) TabBarActivate(TabBarFindDocument(document));
-    if (document != 0) SetCapture(strip);
+    if (document != 0) MouseDragBegin(strip);
     if (onButton || document == 0) return;
     // The tab may have moved: the active one is wider.
     UpdateTabHover(strip, at, true);
@@ -135,6 +136,16 @@ void OnTabReleased(HWND strip, POINT at) {
     if (before.pressedClose != 0 && pointer.hoverClose && DocumentAt(pointer.hoverTab) == before.pressedClose)
         PressCloseButton(before.pressedClose);
     if (before.dragging) RepaintStrip();
+}
+
+// The mouse was lost before its button went up: a tab that was dragged goes back.
+void OnStripCaptureLost() {
+    const TabPointer before = g_tabBar.pointer;
+    TabPointerEnd(g_tabBar.pointer);
+    if (!before.dragging) return;
+    TabBarMove(TabBarFindDocument(before.dragDocument), std::min(before.dragFrom, TabCount() - 1));
+    TabBarShowTab(g_documents.activeTab);
+    RepaintStrip();
 }
 
 // A button that went down elsewhere closes nothing.
@@ -265,7 +276,7 @@ LRESULT CALLBACK StripProc(HWND strip, UINT message, WPARAM wParam, LPARAM lPara
         case WM_MOUSEMOVE: OnTabPointer(strip, at); break;
         case WM_MOUSELEAVE: OnStripLeft(strip); break;
         case WM_MOUSEWHEEL: OnTabWheel(strip, wParam, at); return 0;
-        case WM_CAPTURECHANGED: TabPointerEnd(g_tabBar.pointer); break;
+        case WM_CAPTURECHANGED: OnStripCaptureLost(); break;
         case WM_KEYDOWN:
             if (OnStripKey(wParam)) return 0;
             break;

@@ -36,8 +36,11 @@ bool TabPointerPress(TabPointer& pointer, DocumentId document, int x) {
 
 int TabPointerDragTo(TabPointer& pointer, const TabMetrics& metrics, std::span<const TabRect> tabs, int from, int x) {
     if (from < 0) return -1;
-    if (!pointer.dragging) pointer.dragging = std::abs(x - pointer.dragFromX) >= metrics.dragStart;
-    if (!pointer.dragging) return -1;
+    if (!pointer.dragging) {
+        if (std::abs(x - pointer.dragFromX) < metrics.dragStart) return -1;
+        pointer.dragging = true;
+        pointer.dragFrom = from;
+    }
     const int to = TabDropIndex(tabs, from, x);
     return to == from ? -1 : to;
 }

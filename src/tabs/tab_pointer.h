@@ -15,6 +15,7 @@ struct TabPointer {
     DocumentId pressedMiddle = 0;  // the document on whose tab the middle button is held down, 0: none
     DocumentId dragDocument = 0;   // the document whose tab is held down, 0: none
     int dragFromX = 0;             // x of the press, in pixels
+    int dragFrom = -1;             // index of its tab before the drag
     bool dragging = false;         // the pointer has moved far enough since the press
 };
 

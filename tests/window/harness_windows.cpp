@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "class_name.h"
+#include "drag_back.h"
 #include "resources/ids.h"
 
 namespace {
@@ -368,16 +369,28 @@ void Editor::Keys(std::initializer_list<int> keys) const {
     release();
 }
 
-void Editor::Drag(HWND window, POINT from, POINT to) const {
+// The button stays down. Both ends are in client coordinates of the window.
+static void DragTo(const Editor& editor, HWND window, POINT from, POINT to) {
     constexpr int kSteps = 3;
-    // Both ends in screen coordinates first: the window may move under the mouse.
+    // In screen coordinates first: the window may move under the mouse.
     ClientToScreen(window, &from);
     ClientToScreen(window, &to);
     MouseTo(from);
     Mouse(MOUSEEVENTF_LEFTDOWN);
-    EXPECT_TRUE(WaitFor([&] { return Input().hwndCapture == window; })) << "the press begins no drag";
+    EXPECT_TRUE(WaitFor([&] { return editor.Input().hwndCapture == window; })) << "the press begins no drag";
     for (int step = 1; step <= kSteps; ++step)
         MouseTo({from.x + (to.x - from.x) * step / kSteps, from.y + (to.y - from.y) * step / kSteps});
+}
+
+void Editor::Drag(HWND window, POINT from, POINT to) const {
+    DragTo(*this, window, from, to);
+    Mouse(MOUSEEVENTF_LEFTUP);
+}
+
+void DragAndTakeBack(const Editor& editor, HWND window, POINT from, POINT to) {
+    DragTo(editor, window, from, to);
+    editor.Keys({VK_ESCAPE});
+    EXPECT_TRUE(WaitFor([&] { return editor.Input().hwndCapture == nullptr; })) << "Esc does not end the drag";
     Mouse(MOUSEEVENTF_LEFTUP);
 }
 

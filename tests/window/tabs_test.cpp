@@ -1,8 +1,8 @@
 // The row of tabs: mouse and keys, order by recent use, names, pins, closing and opening again, the list of all.
+#include "drag_back.h"
 #include "harness.h"
 
 #include <commctrl.h>
-
 
 #include "resources/ids.h"
 
@@ -36,6 +36,8 @@ TEST(Tabs, ByMouseAndKeyboard) {
     editor.Drag(tabs, editor.TabCentre(0), {editor.TabCentre(2).x + 20, editor.TabCentre(2).y});
     EXPECT_TRUE(WaitFor([&] { return order() == L"bcad"; })) << Utf8(order());
     EXPECT_EQ(editor.Text(), "a.bas") << "the document goes with its tab";
+    DragAndTakeBack(editor, tabs, editor.TabCentre(2), editor.TabCentre(0));
+    EXPECT_EQ(order(), L"bcad") << "Esc takes the drag back";
     // A middle button that went down elsewhere closes nothing.
     const auto place = [&](int tab) { return MAKELPARAM(editor.TabCentre(tab).x, editor.TabCentre(tab).y); };
     editor.Send(tabs, WM_MBUTTONUP, 0, place(0));

@@ -1,4 +1,5 @@
 // What is on the screen and how it answers: panes and their places, splitters, tabs, themes, header line, keys, mouse.
+#include "drag_back.h"
 #include "harness.h"
 
 #include <SciLexer.h>
@@ -262,6 +263,7 @@ TEST(View, SplittersFollowTheMouseAndKeepTheirShare) {
         POINT by;
         Sizes change;
         int beside = 0;  // pixels from the middle of the bar at which the mouse takes it
+        bool escape = false;
     };
     const Case cases[] = {
         {"output up", IDC_SPLIT_OUTPUT, {0, -60}, {60, 0, 0, 0}},
@@ -269,7 +271,9 @@ TEST(View, SplittersFollowTheMouseAndKeepTheirShare) {
         {"assembly to the left", IDC_SPLIT_ASM, {-50, 0}, {0, 50, 0, 0}},
         {"tree to the left", IDC_SPLIT_TREE, {-30, 0}, {0, 0, -30, 0}},
         {"tree to the right, beyond its first width", IDC_SPLIT_TREE, {90, 0}, {0, 0, 90, 0}, 4},
+        {"tree to the right, and taken back", IDC_SPLIT_TREE, {60, 0}, {0, 0, 0, 0}, 0, true},
         {"tree to the left again", IDC_SPLIT_TREE, {-90, 0}, {0, 0, -90, 0}, -4},
+        {"output up, and taken back", IDC_SPLIT_OUTPUT, {0, -70}, {0, 0, 0, 0}, 0, true},
         {"debug pane to the left", IDC_SPLIT_DEBUG, {-90, 0}, {0, 0, 0, 90}},
     };
     for (const Case& c : cases) {
@@ -279,7 +283,8 @@ TEST(View, SplittersFollowTheMouseAndKeepTheirShare) {
         for (std::size_t i = 0; i < wanted.size(); ++i) wanted[i] += c.change[i];
         const HWND bar = editor.Child(c.bar);
         const POINT from{Width(editor, bar) / 2 + c.beside, Height(editor, bar) / 2};
-        editor.Drag(bar, from, {from.x + c.by.x, from.y + c.by.y});
+        const POINT to{from.x + c.by.x, from.y + c.by.y};
+        c.escape ? DragAndTakeBack(editor, bar, from, to) : editor.Drag(bar, from, to);
         EXPECT_TRUE(WaitFor([&] { return sizes() == wanted; }))
             << ::testing::PrintToString(sizes()) << " instead of " << ::testing::PrintToString(wanted);
         ExpectTidy(editor);
