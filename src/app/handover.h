@@ -29,3 +29,5 @@ bool HandoverTake(const COPYDATASTRUCT& data);
 void OpenPlace(const std::wstring& text, std::wstring* problem = nullptr);
 // Opens what waits. Called when the message queue is empty.
 void HandoverOpenWaiting();
+// At the end of the process: a new copy opens what came while the user was asked before the window closed.
+void HandoverStartAgain();

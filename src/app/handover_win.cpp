@@ -4,6 +4,7 @@
 #include "app/handover_files.h"
 #include "app/main_window.h"
 #include "base/handles.h"
+#include "base/log.h"
 #include "base/path.h"
 #include "documents/document_place.h"
 #include "documents/document_row.h"
@@ -102,6 +103,23 @@ bool HandoverTake(const COPYDATASTRUCT& data) {
 void HandoverOpenWaiting() {
     if (g_filesWaiting.empty() || !MayOpenNow()) return;
     for (const std::wstring& file : std::exchange(g_filesWaiting, {})) OpenPlace(file);
+}
+
+void HandoverStartAgain() {
+    if (g_filesWaiting.empty()) return;
+    std::wstring line = L"\"" + OwnPath() + L"\"";
+    for (const std::wstring& file : std::exchange(g_filesWaiting, {})) line += L" \"" + file + L"\"";
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION started = {};
+    if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &started) ==
+        FALSE) {
+        AppLogMsg(L"FAIL: files that came while the window closed, error %lu", GetLastError());
+        return;
+    }
+    AllowSetForegroundWindow(started.dwProcessId);
+    CloseHandle(started.hThread);
+    CloseHandle(started.hProcess);
 }
 
 void OpenPlace(const std::wstring& text, std::wstring* problem) {

@@ -276,6 +276,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR commandLine, int showCom
     const int code = SelfTestEnd(RunMessageLoop());
     ScintillaUnload(g_app.scintilla.scintilla, g_app.scintilla.lexilla);
     if (richEdit != nullptr) FreeLibrary(richEdit);
+    HandoverStartAgain();
     CloseLog();
     return code;
 }

@@ -49,7 +49,18 @@ TEST(TwoWindows, ASecondStartHandsItsFilesToTheFirst) {
     // Messages of others are none of ours.
     COPYDATASTRUCT foreign = {1, 0, nullptr};
     EXPECT_EQ(editor.Send(editor.main, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&foreign)), FALSE);
-    EXPECT_EQ(editor.Close(), 0u);
+
+    // The window closes with what he answers: a new one has the file then.
+    editor.Do(IDM_FILE_NEW);
+    editor.Type("x");
+    PostMessageW(editor.main, WM_CLOSE, 0, 0);
+    const Dialog question = editor.AwaitDialog(kUnsaved);
+    const std::wstring late = folder.Write(L"late.bas", "late\n");
+    EXPECT_EQ(StartAgain(folder, L"late.bas"), 0u);
+    editor.Press(question, IDC_CLOSE_DISCARD);
+    EXPECT_EQ(editor.ExitCode(), 0u);
+    ASSERT_TRUE(WaitFor([&] { return (editor.main = FindWindowW(L"KVXEEditorWnd", nullptr)) != nullptr; }));
+    EXPECT_TRUE(WaitFor([&] { return editor.Title().starts_with(late); }));
 }
 
 TEST(TwoWindows, ShareSettingsAndLeaveTheSessionToOne) {
