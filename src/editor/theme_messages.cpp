@@ -100,11 +100,12 @@ EditorMessages MarkerMessages(const ThemeInputs& theme) {
     DefineMarker(out, kMarkConditional, SC_MARK_PLUS, palette.margin, palette.margin);
     DefineMarker(out, kMarkCurrentLine, SC_MARK_BACKGROUND, chrome.stopLine, chrome.stopLine);
     DefineMarker(out, kMarkNewLine, SC_MARK_BACKGROUND, chrome.success, chrome.success);
-    // SC_LAYER_UNDER_TEXT, because as a plain background it would be hidden by the background of the caret's line.
-    for (const int marker : {kMarkCurrentLine, kMarkNewLine})
-        out.push_back({SCI_MARKERSETLAYER, marker, SC_LAYER_UNDER_TEXT});
     out.push_back({SCI_MARKERSETALPHA, kMarkCurrentLine, ThemeStopLineAlpha(theme.dark)});
     out.push_back({SCI_MARKERSETALPHA, kMarkNewLine, kNewLineAlpha});
+    // SC_LAYER_UNDER_TEXT, because as a plain background it would be hidden by the background of the caret's line. After
+    // the opacity, which puts a marker over the text.
+    for (const int marker : {kMarkCurrentLine, kMarkNewLine})
+        out.push_back({SCI_MARKERSETLAYER, marker, SC_LAYER_UNDER_TEXT});
     return out;
 }
 

@@ -177,7 +177,7 @@ constexpr ChromePalette kLightChrome = {.windowBack = 0xEBEFFA,
                                         .error = 0xB52E27,
                                         .modified = 0xB26A00,
                                         .success = 0x246E45,
-                                        .stopLine = 0xFFD54A};
+                                        .stopLine = 0xFFE000};
 
 constexpr ChromePalette kDarkChrome = {.windowBack = 0x16191D,
                                        .paneBack = 0x1B1F24,

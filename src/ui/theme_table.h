@@ -83,7 +83,7 @@ inline constexpr TextRole kOverriddenRoles[] = {TextRole::Keyword,   TextRole::S
                                                 TextRole::Identifier};
 
 // The opacity of `stopLine`, 0..255.
-constexpr int ThemeStopLineAlpha(bool dark) { return dark ? 0x24 : 0x50; }
+constexpr int ThemeStopLineAlpha(bool dark) { return dark ? 0x24 : 0x70; }
 // The opacity of `success` over a new line of a replacement that waits.
 inline constexpr int kNewLineAlpha = 0x24;
 // Blends `over` with the opacity `alpha`, 0..255, over `under`.

@@ -138,6 +138,8 @@ TEST_P(Contrast, TheListsOfTheDebuggerCanBeRead) {
     session.CaretTo(4);
     session.editor.Do(IDM_DEBUG_BREAKPOINT);
     ASSERT_TRUE(session.Start()) << session.editor.Describe();
+    EXPECT_EQ(session.editor.Sci(SCI_MARKERGETLAYER, kMarkCurrentLine), SC_LAYER_UNDER_TEXT)
+        << "a tint over the text takes its colour";
     session.Select(kWatches);
     session.AddWatch(L"RSP");
     session.editor.Do(IDM_DEBUG_STEP_OVER);  // some values are new now
