@@ -14,10 +14,10 @@
 
 namespace {
 
-constexpr std::array<ListColumn, 4> kColumns = {{{English(L"Line"), 16, 13, false},
+constexpr std::array<ListColumn, 4> kColumns = {{{English(L"Line"), 16, 13, true},
                                                  {English(L"Condition"), 12, 7, true},
                                                  {English(L"Hits"), 8, 6, true},
-                                                 {English(L"State"), 34, 8, false}}};
+                                                 {English(L"State"), 34, 8, true}}};
 
 enum MenuCommand : UINT { kGo = 1, kToggle, kEditCondition, kEditHits, kRemove, kRemoveAll };
 

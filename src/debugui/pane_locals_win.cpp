@@ -19,7 +19,7 @@
 namespace {
 
 constexpr std::array<ListColumn, 4> kColumns = {{{English(L"Name"), 16, 8, true},
-                                                 {English(L"Type"), 9, 7, false},
+                                                 {English(L"Type"), 9, 7, true},
                                                  {English(L"Place"), 12, 8, true},
                                                  {English(L"Value"), 30, 12, true}}};
 

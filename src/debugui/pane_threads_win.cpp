@@ -11,7 +11,7 @@
 namespace {
 
 constexpr std::array<ListColumn, 4> kColumns = {{{English(L"Thread"), 7, 5, true},
-                                                 {English(L"Kind"), 14, 9, false},
+                                                 {English(L"Kind"), 14, 9, true},
                                                  {English(L"Address"), 13, 12, true},
                                                  {English(L"Place"), 26, 16, true}}};
 

@@ -17,7 +17,7 @@
 namespace {
 
 constexpr std::array<ListColumn, 3> kColumns = {
-    {{English(L"Address"), 22, 10, true}, {English(L"Kind"), 9, 7, false}, {English(L"Value"), 30, 14, true}}};
+    {{English(L"Address"), 22, 10, true}, {English(L"Kind"), 9, 7, true}, {English(L"Value"), 30, 14, true}}};
 
 enum MenuCommand : UINT { kEditExpression = 1, kEditValue, kRemove, kRemoveAll, kName, kMemory, kFirstKind };
 
