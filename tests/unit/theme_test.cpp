@@ -54,7 +54,8 @@ void ExpectEditorReadable(const std::string& where, const EditorPalette& palette
         const Rgb added = ThemeBlend(chrome.success, under.rgb, kNewLineAlpha);
         backs.push_back({"stop on " + under.name, stop});
         backs.push_back({"new line on " + under.name, added});
-        EXPECT_GE(Difference(stop, under.rgb), dark ? 20 : 90) << where << ": the line where the program stopped is seen";
+        EXPECT_GE(Difference(stop, under.rgb), dark ? 20 : 90)
+            << where << ": the line where the program stopped is seen";
     }
     const Colours roles = RolesOf(palette), text = {roles[0]};
     ExpectReadable(where, roles, backs);
