@@ -171,7 +171,7 @@ LRESULT BytesInFile(const DocumentTab& tab) {
         return static_cast<LRESULT>(tab.onDisk.size);
     const LRESULT length = SciSend(tab.editor, SCI_GETLENGTH);
     const bool utf16 = tab.form.utf16 != Utf16Order::None;
-    if (!utf16 && EncodingOfNextSave(tab) == TextEncoding::Utf8) return length;
+    if (!utf16 && EncodingOfNextSave(tab, EncodingOfNewFiles(g_settings)) == TextEncoding::Utf8) return length;
     CPINFO page = {};
     if (length > kCounted || (!utf16 && (GetCPInfo(CP_ACP, &page) == FALSE || page.MaxCharSize != 1))) return -1;
     if (SciSend(tab.editor, SCI_GETLINECHARACTERINDEX) == SC_LINECHARACTERINDEX_NONE)
@@ -295,6 +295,6 @@ void StatusBarUpdatePosition() {
     const LRESULT column = SciSend(tab.editor, SCI_GETCOLUMN, static_cast<WPARAM>(position));
     SetStatusPart(kPosition, PositionText(line + 1, column + 1));
     SetStatusPart(kSelection, SelectionText(SelectionOf(tab)));
-    SetStatusPart(kEncoding, EncodingName(EncodingOfNextSave(tab), tab.form));
+    SetStatusPart(kEncoding, EncodingName(EncodingOfNextSave(tab, EncodingOfNewFiles(g_settings)), tab.form));
     SetStatusPart(kLineEnding, LineEndingName(static_cast<int>(tab.lineEnding)));
 }

@@ -16,7 +16,7 @@ struct FileBinding {
     SourceCode readAs = SourceCode::Guess;  // as the user wants its bytes to be read
 };
 
-// The binding for a save under a new name: always ANSI with CRLF, whatever the document had before, unless the user has
-// chosen another encoding or line ending for it. What the text is
-// on the disk beside that (UTF-16, NUL bytes) stays as `before` has it. Defined in save_rules.cpp.
-FileBinding BindingForNewName(const wchar_t* path, const FileBinding& before);
+// The binding for a save under a new name: always `newFiles` with CRLF, whatever the document had before, unless the user
+// has chosen another encoding or line ending for it. What the text is on the disk beside that (UTF-16, NUL bytes) stays
+// as `before` has it. Defined in save_rules.cpp.
+FileBinding BindingForNewName(const wchar_t* path, const FileBinding& before, TextEncoding newFiles);

@@ -387,8 +387,9 @@ int SaveUnderNewName(DocumentId document) {
     PathGetDir(path, g_documents.lastDirectory, kPathCapacity);
     const std::wstring before =
         TabAt(TabBarFindDocument(document)).hasFile ? TabAt(TabBarFindDocument(document)).path : L"";
-    if (SaveAsBound(document, BindingForNewName(path, TabAt(TabBarFindDocument(document))), SaveManner::Asked) == 0)
-        return 0;
+    const FileBinding binding =
+        BindingForNewName(path, TabAt(TabBarFindDocument(document)), EncodingOfNewFiles(g_settings));
+    if (SaveAsBound(document, binding, SaveManner::Asked) == 0) return 0;
     if (!before.empty() && !PathEqualsIgnoreCase(before, path)) g_events.fileRenamed(before.c_str(), path, true);
     MruAddFile(path);
     const int tab = TabBarFindDocument(document);

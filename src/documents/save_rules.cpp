@@ -15,21 +15,25 @@ std::wstring Cut(std::wstring question) {
 
 }  // namespace
 
-FileBinding BindingForNewName(const wchar_t* path, const FileBinding& before) {
+FileBinding BindingForNewName(const wchar_t* path, const FileBinding& before, TextEncoding newFiles) {
     FileBinding binding;
     binding.form = before.form;
     binding.formConfirmed = before.formConfirmed;
     SafeCopyW(binding.path, path);
     PathGetFile(path, binding.label, kLabelCapacity);
     binding.chosen = before.chosen;
-    binding.encoding = before.chosen ? before.encoding : TextEncoding::Ansi;
+    binding.encoding = before.chosen ? before.encoding : newFiles;
     binding.lineEnding = before.chosen ? before.lineEnding : LineEnding::CrLf;
     binding.hasFile = true;
     return binding;
 }
 
-TextEncoding EncodingOfNextSave(const FileBinding& binding) {
-    return binding.hasFile || binding.chosen ? binding.encoding : TextEncoding::Ansi;
+TextEncoding EncodingOfNewFiles(const Settings& settings) {
+    return settings.newFileEncoding == 1 ? TextEncoding::Utf8 : TextEncoding::Ansi;
+}
+
+TextEncoding EncodingOfNextSave(const FileBinding& binding, TextEncoding newFiles) {
+    return binding.hasFile || binding.chosen ? binding.encoding : newFiles;
 }
 
 bool SaveMakesBackup(bool wanted, bool fileExists, bool lastSaveFailed) {

@@ -3,6 +3,7 @@
 
 #include "documents/file_binding.h"
 #include "files/save_report.h"
+#include "settings/settings.h"
 #include "ui/message.h"
 
 #include <cstdint>
@@ -47,7 +48,8 @@ std::wstring AnsiQuestion(const wchar_t* label);
 
 // The encoding in which the next save writes the document, as far as nobody is asked. Without a file yet it is that of a
 // new name.
-TextEncoding EncodingOfNextSave(const FileBinding& binding);
+TextEncoding EncodingOfNextSave(const FileBinding& binding, TextEncoding newFiles);
+TextEncoding EncodingOfNewFiles(const Settings& settings);
 
 // The name that is proposed for a document without a file: its label as the name of a source.
 std::wstring NameToPropose(std::wstring_view label);

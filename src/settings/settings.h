@@ -92,6 +92,7 @@ struct Settings {
     wchar_t replaceHistory[kSearchHistoryCapacity][256];
     std::int32_t filesSearchCount;
     wchar_t filesSearches[kFilesSearchCapacity][1024];  // with all options (search/files_options.h), newest first
+    std::int32_t newFileEncoding;  // of a document without a file, and under a new name: 0 ANSI, 1 UTF-8
     std::int32_t backupOnSave;
     wchar_t programArguments[1024];        // of a program that is debugged or run
     wchar_t programFolder[kPathCapacity];  // in which it starts; empty: its own

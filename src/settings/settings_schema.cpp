@@ -200,6 +200,7 @@ constexpr SettingRow kOtherRows[] = {
             256),
     IntRow(kEditor, L"FilesSearchCount", FIELD(filesSearchCount), 0, kFilesSearchLimits),
     ListRow(kEditor, L"FilesSearch%d", FIELD(filesSearches), FIELD(filesSearchCount), kFilesSearchCapacity, 1024),
+    Affects(kEffectFrame, IntRow(kEditor, L"NewFileEncoding", FIELD(newFileEncoding), 0, Else(0, 1, 0))),
     BoolRow(kEditor, L"BackupOnSave", FIELD(backupOnSave), 0),
     BoolRow(kEditor, L"BackupSettings", FIELD(backupSettings), 0),
     BoolRow(kEditor, L"ReloadChangedFiles", FIELD(reloadChangedFiles), 0),

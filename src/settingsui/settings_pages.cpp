@@ -32,6 +32,7 @@ constexpr Line Numbered(std::size_t at, const wchar_t* label, std::int32_t low, 
 
 constexpr const wchar_t* kThemes[] = {L"Light", L"Dark"};
 constexpr const wchar_t* kProfiles[] = {L"Debug", L"Release", L"Fast"};
+constexpr const wchar_t* kNewEncodings[] = {L"ANSI", L"UTF-8"};
 constexpr const wchar_t* kServices[] = {L"OpenAI", L"LM-Studio"};
 
 template <typename Row>
@@ -134,6 +135,13 @@ constexpr Line kDebugLines[] = {
 };
 
 constexpr Line kFileLines[] = {
+    {.at = FIELD(newFileEncoding),
+     .control = Choice,
+     .label = L"Encoding of new files",
+     .help = L"Of a document without a file, and of a file saved under another name. The compilers read ANSI. "
+             L"The status bar changes it for one document.",
+     .heading = L"New files",
+     .choices = kNewEncodings},
     {FIELD(backupOnSave), Check, L"Keep a copy of a file before it is overwritten",
      L"Beside it, with \".bak\" at the end.", L"Backup"},
     {FIELD(backupSettings), Check, L"Keep a copy of the settings file", L"\"Editor.ini.bak\", from before each save."},

@@ -6,6 +6,7 @@
 #include "documents/save_rules.h"
 #include "files/text_encoding.h"
 #include "resources/ids.h"
+#include "settings/settings_state.h"
 #include "tabs/tab_bar_internal.h"
 #include "tabs/tab_text.h"
 #include "ui/menu.h"
@@ -61,7 +62,8 @@ std::wstring TabTipOf(int index) {
     std::wstring text = tab.hasFile ? tab.path : tab.label;
     text += L"\n" + TabStateText(TabStateOf(tab));
     if (tab.pinned) text += Text(L", pinned");
-    if (tab.editor != nullptr) text += std::wstring(L" - ") + EncodingName(EncodingOfNextSave(tab), tab.form);
+    if (tab.editor != nullptr)
+        text += std::wstring(L" - ") + EncodingName(EncodingOfNextSave(tab, EncodingOfNewFiles(g_settings)), tab.form);
     // What the words do not tell, like the new name of a file.
     const std::wstring news = OutsideTipText(tab.outside, false);
     return news.empty() ? text : text + L"\n" + news;

@@ -219,7 +219,7 @@ TEST(SaveRules, NothingIsReplacedOrOverwrittenUnasked) {
     const std::wstring label(259, L'n');
     EXPECT_EQ(SaveQuestion(label.c_str()), L"Save changes to " + label + L"?");
 
-    const FileBinding binding = BindingForNewName(L"C:\\x\\new.bas", {});
+    const FileBinding binding = BindingForNewName(L"C:\\x\\new.bas", {}, TextEncoding::Ansi);
     EXPECT_STREQ(binding.label, L"new.bas");
     EXPECT_TRUE(binding.hasFile && binding.encoding == TextEncoding::Ansi && binding.lineEnding == LineEnding::CrLf);
 }
@@ -234,12 +234,12 @@ TEST(FileForms, AreKeptOnceTheUserHasChosenThem) {
         EXPECT_EQ(FileFormOf(file), form);
         EXPECT_FALSE(SaveAsksAboutForm(file)) << "the choice is the answer";
         EXPECT_EQ(file.form.mark, file.form.utf16 != Utf16Order::None);
-        EXPECT_EQ(FileFormOf(BindingForNewName(L"C:\\new.bas", file)), form);
+        EXPECT_EQ(FileFormOf(BindingForNewName(L"C:\\new.bas", file, TextEncoding::Ansi)), form);
         EXPECT_EQ(file.readAs, SourceCode::Guess) << "the next save writes another file";
     }
     EXPECT_EQ(ChooseLineEnding(file, LineEnding::Lf), EndingChange::Changed);
     EXPECT_EQ(ChooseLineEnding(file, LineEnding::Lf), EndingChange::Same);
-    EXPECT_EQ(BindingForNewName(L"C:\\new.bas", file).lineEnding, LineEnding::Lf);
+    EXPECT_EQ(BindingForNewName(L"C:\\new.bas", file, TextEncoding::Ansi).lineEnding, LineEnding::Lf);
     file.form.keepBreaks = true;
     EXPECT_EQ(ChooseLineEnding(file, LineEnding::Cr), EndingChange::Refused);
     EXPECT_EQ(file.lineEnding, LineEnding::Lf);
