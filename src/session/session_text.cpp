@@ -38,6 +38,7 @@ constexpr KeyRow kHeaderRows[kSessionHeaderKeys] = {
     {SessionKey::AutoUpperKeywords, "AutoUpperKeywords", ValueKind::Flag},
     {SessionKey::Theme, "Theme", ValueKind::Number},
     {SessionKey::TabCount, "TabCount", ValueKind::Number},
+    {SessionKey::TreeExtra, "TreeExtra", ValueKind::Number},
 };
 
 constexpr KeyRow kFileRows[] = {
@@ -98,6 +99,7 @@ std::string SessionCompose(const SessionHeader& header, std::span<const SessionF
     std::string out = "[Session]\r\nVersion=1\r\n";
     for (const KeyRow& row : kHeaderRows) {
         const std::int32_t number = header.numbers[static_cast<std::size_t>(row.key)];
+        if (row.key == SessionKey::TreeExtra && number == 0) continue;
         if (row.kind == ValueKind::Text)
             WriteLine(out, row.name, header.projectRoot);
         else if (row.key == SessionKey::TabCount)

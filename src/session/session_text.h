@@ -30,6 +30,7 @@ enum class SessionKey : std::uint8_t {
     AutoUpperKeywords,
     Theme,
     TabCount,
+    TreeExtra,  // what the tree is wider than TreeWidth may say; readers that do not know the key leave it out
     // Keys of a file section
     Path,
     Cursor,

@@ -31,6 +31,7 @@ constexpr struct {
     {SessionKey::AutoCompleteTrigger, &Settings::autoCompleteTrigger},
     {SessionKey::AutoUpperKeywords, &Settings::autoUpperKeywords},
     {SessionKey::Theme, &Settings::theme},
+    {SessionKey::TreeExtra, &Settings::projectTreeExtra},
 };
 
 constexpr struct {
@@ -88,6 +89,7 @@ void SessionApplyHeader(const SessionItem& item, Settings& settings, SessionFram
         if (row.key == item.key) settings.*row.field = LimitedNumber(settings, row.key, row.field, number);
     for (const auto& row : kFrameKeys)
         if (row.key == item.key) frame.*row.field = number != 0;
+    if (item.key == SessionKey::TreeWidth) settings.projectTreeExtra = 0;  // TreeExtra comes later, if at all
     if (item.key == SessionKey::ActiveTab) frame.activeTab = number;
     if (item.key == SessionKey::ProjectRoot) SafeCopyW(settings.projectRoot, Utf8ToWideText(item.text));
 }

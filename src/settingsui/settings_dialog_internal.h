@@ -42,6 +42,7 @@ struct SettingsDialog {
     std::size_t page = 0;             // the one that is shown
     std::vector<std::size_t> listed;  // the pages in the list, which match the search
     std::wstring query;
+    bool pageChosen = false;             // by the user, since the dialog was opened
     std::vector<std::wstring> keyLines;  // SettingsKeyLines, once they are needed
     bool filling = false;                // controls get texts: their notifications are no changes of the user
     bool fixedFonts = true;

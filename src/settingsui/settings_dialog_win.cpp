@@ -87,6 +87,9 @@ void ListPages(SettingsDialog& dialog) {
     }
     if (dialog.listed.empty()) return SettingsShownPagePlace(dialog);
     auto chosen = std::ranges::find(dialog.listed, dialog.page);
+    // The page from the last time matches nearly everything by its list of keys.
+    if (!dialog.pageChosen && chosen != dialog.listed.end() && !SettingsPageMatches(pages[dialog.page], dialog.query))
+        chosen = dialog.listed.begin();
     if (chosen == dialog.listed.end()) chosen = dialog.listed.begin();
     SendMessageW(list, LB_SETCURSEL, static_cast<WPARAM>(chosen - dialog.listed.begin()), 0);
     ShowPage(dialog, *chosen);
@@ -94,6 +97,7 @@ void ListPages(SettingsDialog& dialog) {
 
 void ShowListed(SettingsDialog& dialog) {
     const LRESULT at = SendMessageW(PageList(dialog), LB_GETCURSEL, 0, 0);
+    dialog.pageChosen = true;
     if (at >= 0 && at < static_cast<LRESULT>(dialog.listed.size()))
         ShowPage(dialog, dialog.listed[static_cast<std::size_t>(at)]);
 }

@@ -122,7 +122,8 @@ std::optional<std::int32_t> ColourOfText(std::wstring_view text) {
 std::wstring SettingItemText(const SettingItem& item, const Settings& settings) {
     if (item.row == nullptr) return {};
     if (!HoldsNumber(item)) return SettingText(settings, *item.row);
-    const std::int32_t number = SettingNumber(settings, item.row->offset);
+    std::int32_t number = SettingNumber(settings, item.row->offset);
+    if (item.beyond != nullptr) number += SettingNumber(settings, item.beyond->offset);
     if (item.control == SettingControl::Colour) return number == 0 ? L"" : ColourText(number);
     return std::to_wstring(number);
 }
@@ -139,6 +140,9 @@ void SettingItemPut(const SettingItem& item, std::wstring_view text, Settings& s
         field = ColourOfText(Trimmed(text)).value_or(0);
     else
         field = WholeNumber(Trimmed(text)).value_or(field);
+    if (item.beyond == nullptr) return;
+    SettingNumber(settings, item.beyond->offset) = std::max(field - item.row->limits.high, 0);
+    field = std::min(field, item.row->limits.high);
 }
 
 std::wstring SettingItemProblem(const SettingItem& item, std::wstring_view text) {
@@ -166,8 +170,9 @@ bool SettingItemMatches(const SettingsPage& page, const SettingItem& item, std::
         query,
         [&](std::wstring_view word) {
             const auto holds = [&](const wchar_t* text) { return Holds(text, word); };
-            return holds(page.title) || holds(item.label) || holds(item.help) ||
-                   (item.row != nullptr && holds(item.row->key)) || std::ranges::any_of(item.choices, holds);
+            return holds(page.title) || holds(item.group) || holds(item.label) || holds(item.help) ||
+                   holds(item.words) || (item.row != nullptr && holds(item.row->key)) ||
+                   std::ranges::any_of(item.choices, holds);
         });
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/texts.h"
 #include "settings/compilers.h"
+#include "settingsui/settings_words.h"
 #include "ui/theme_table.h"
 
 #include <algorithm>
@@ -23,6 +24,7 @@ struct Line {
     const wchar_t* heading = nullptr;
     std::int32_t low = 0, high = 0;
     std::span<const wchar_t* const> choices = {};
+    std::size_t beyond = kNone;
 };
 
 constexpr Line Numbered(std::size_t at, const wchar_t* label, std::int32_t low, std::int32_t high,
@@ -198,9 +200,13 @@ constexpr Line kProjectLines[] = {
     {FIELD(projectRoot), Folder, L"Project folder", L"The folder that the project tree shows."},
     {FIELD(showProjectTree), Check, L"Show the project tree"},
     {FIELD(showOutline), Check, L"Show the outline", L"The symbols of the document, below the project tree."},
-    Numbered(FIELD(projectTreeWidth), L"Width of the tree", 100, 200, L"In pixels at 100 %."),
-    Numbered(FIELD(projectTreeExtra), L"Wider by", 0, 600,
-             L"More pixels for the tree. The bar beside it changes both."),
+    {.at = FIELD(projectTreeWidth),
+     .control = Number,
+     .label = L"Width of the tree",
+     .help = L"In pixels at 100 %. The bar beside the tree changes it, too.",
+     .low = 100,
+     .high = 800,
+     .beyond = FIELD(projectTreeExtra)},
     {FIELD(treeSourcesOnly), Check, L"Only source files", L"", L"What the tree shows"},
     {FIELD(treeHidden), Check, L"Hidden files and folders", L"Also those whose names begin with a dot."},
     {FIELD(treeBinaries), Check, L"Programs, libraries, pictures and archives",
@@ -242,7 +248,9 @@ const SettingRow* RowAt(std::size_t offset) {
 }
 
 void AddLines(SettingsPage& page, std::span<const Line> lines, std::size_t base = 0) {
-    for (const Line& line : lines)
+    const wchar_t* group = L"";
+    for (const Line& line : lines) {
+        if (line.heading != nullptr) group = ::Text(line.heading);
         page.items.push_back({.row = line.at == kNone ? nullptr : RowAt(base + line.at),
                               .heading = ::Text(line.heading),
                               .control = line.control,
@@ -250,7 +258,11 @@ void AddLines(SettingsPage& page, std::span<const Line> lines, std::size_t base 
                               .help = ::Text(line.help),
                               .low = line.low,
                               .high = line.high,
-                              .choices = line.choices});
+                              .choices = line.choices,
+                              .beyond = line.beyond == kNone ? nullptr : RowAt(line.beyond),
+                              .group = group,
+                              .words = ::Text(WordsOfSetting(line.at, line.control, base != 0))});
+    }
 }
 
 SettingsPage PageOf(const wchar_t* title, std::span<const Line> lines) {

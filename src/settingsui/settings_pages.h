@@ -54,6 +54,9 @@ struct SettingItem {
     const wchar_t* help = L"";
     std::int32_t low = 0, high = 0;  // Number: what the user may type
     std::span<const wchar_t* const> choices;
+    const SettingRow* beyond = nullptr;  // Number: the setting that gets what is more than `row` takes
+    const wchar_t* group = L"";          // the heading of its group
+    const wchar_t* words = L"";          // that the search finds it by, too
 };
 
 inline constexpr int kNoCompiler = -1;

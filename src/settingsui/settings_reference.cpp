@@ -17,6 +17,8 @@ std::string Cell(std::wstring_view text) {
 
 std::string Code(std::wstring_view text) { return text.empty() ? std::string{} : "`" + Cell(text) + "`"; }
 
+std::string KeyOf(const SettingRow& row) { return Code(L"[" + std::wstring(row.section) + L"] " + row.key); }
+
 std::string DefaultOf(const SettingItem& item) {
     const SettingRow& row = *item.row;
     if (row.type == SettingType::Text) return Code(row.text);
@@ -46,9 +48,10 @@ void AppendPage(const SettingsPage& page, std::string* text) {
     *text += "\n## " + Cell(page.title) + "\n| setting | in Editor.ini | default | |\n|---|---|---|---|\n";
     for (const SettingItem& item : items) {
         if (item.row == nullptr) continue;
-        *text += "| " + Cell(item.label) + " | " +
-                 Code(L"[" + std::wstring(item.row->section) + L"] " + item.row->key) + " | " + DefaultOf(item) +
-                 " | " + MeaningOf(item) + " |\n";
+        *text += "| " + Cell(item.label) + " | " + KeyOf(*item.row);
+        if (item.beyond != nullptr)
+            *text += ", above " + std::to_string(item.row->limits.high) + " also " + KeyOf(*item.beyond);
+        *text += " | " + DefaultOf(item) + " | " + MeaningOf(item) + " |\n";
     }
 }
 

@@ -148,7 +148,8 @@ TEST(SessionText, Numbers) {
 TEST(SessionView, SettingsAndFrameComeBack) {
     const auto settings = std::make_unique<Settings>(), restored = std::make_unique<Settings>();
     settings->activeCompiler = 4;
-    settings->projectTreeWidth = 150;
+    settings->projectTreeWidth = 200;
+    settings->projectTreeExtra = 130;
     settings->editorZoom = -3;
     settings->wordWrap = 1;
     settings->theme = 1;
@@ -158,7 +159,9 @@ TEST(SessionView, SettingsAndFrameComeBack) {
     for (const SessionItem& item : SessionParse(SessionCompose(SessionHeaderOf(*settings, frame), {})))
         SessionApplyHeader(item, *restored, found);
     EXPECT_EQ(restored->activeCompiler, 4);
-    EXPECT_EQ(restored->projectTreeWidth, 150);
+    EXPECT_EQ(restored->projectTreeWidth + restored->projectTreeExtra, 330);
+    SessionApplyHeader({-1, SessionKey::TreeWidth, 150, ""}, *restored, found);
+    EXPECT_EQ(restored->projectTreeWidth + restored->projectTreeExtra, 150) << "of a session without the rest";
     EXPECT_EQ(restored->editorZoom, -3);
     EXPECT_EQ(restored->wordWrap, 1);
     EXPECT_EQ(restored->theme, 1);

@@ -34,7 +34,7 @@ TEST(SettingsPages, EverySettingIsOnOnePageOrKeptByTheProgram) {
     for (const SettingRow& row : SettingRows()) {
         int places = SettingIsKeptByProgram(row) ? 1 : 0;
         for (const SettingsPage& page : SettingsPages())
-            for (const SettingItem& item : page.items) places += item.row == &row ? 1 : 0;
+            for (const SettingItem& item : page.items) places += item.row == &row || item.beyond == &row ? 1 : 0;
         EXPECT_EQ(places, 1) << NameOf(row);
     }
     const Settings defaults = [] {
@@ -54,6 +54,7 @@ TEST(SettingsPages, EverySettingIsOnOnePageOrKeptByTheProgram) {
             EXPECT_EQ(item.control == SettingControl::Secret, (item.row->flags & kSettingSecret) != 0);
             const bool choice = item.control == SettingControl::Choice;
             if (!choice && item.control != SettingControl::Number) continue;
+            if (item.beyond != nullptr) continue;  // PutsWhatIsEdited
             EXPECT_GT(choice ? static_cast<int>(item.choices.size()) : item.high - item.low, 1);
             for (const int end :
                  {choice ? 0 : item.low, choice ? static_cast<int>(item.choices.size()) - 1 : item.high})
@@ -127,6 +128,9 @@ TEST(SettingsForm, PutsOnlyWhatWasEdited) {
     EXPECT_EQ(FormFirstProblem(form)->item, size.item);
     form.texts[size.page][size.item] = L"20";
     form.texts[url.page][url.item] = L" https://own/v1 ";
+    const FormPlace tree = place(ItemOf(L"ProjectTreeWidth", L"Project"));  // one number for two settings
+    EXPECT_EQ(form.texts[tree.page][tree.item], L"200");
+    form.texts[tree.page][tree.item] = L"330";
     EXPECT_FALSE(FormFirstProblem(form).has_value()) << "a value that nobody touched refuses nothing";
     settings->showToolbar = 0;  // changed elsewhere, while the dialog is open
     FormRenew(form, *settings);
@@ -135,6 +139,9 @@ TEST(SettingsForm, PutsOnlyWhatWasEdited) {
     EXPECT_STREQ(settings->openAIUrl, L"https://own/v1");
     EXPECT_EQ(settings->showToolbar, 0);
     EXPECT_EQ(settings->tabWidth, 99);
+    EXPECT_EQ(settings->projectTreeWidth, 200);
+    EXPECT_EQ(settings->projectTreeExtra, 130);
+    EXPECT_EQ(SettingItemText(ItemOf(L"ProjectTreeWidth", L"Project"), *settings), L"330");
 }
 
 TEST(SettingsForm, IsSearchedByEveryWord) {
@@ -148,6 +155,15 @@ TEST(SettingsForm, IsSearchedByEveryWord) {
     EXPECT_EQ(hits(L"  font   output "), "Appearance,");
     EXPECT_EQ(hits(L"whisper words"), "");
     EXPECT_EQ(hits(L"sublime"), "Appearance,") << "by a choice";
+    EXPECT_EQ(hits(L"backup"), "Files and recovery,") << "by a heading";
+    // By words that are not shown.
+    for (const auto& [words, page] : {std::pair{L"console pause", "Build,"},
+                                      {L"dark mode", "Appearance,"},
+                                      {L"utf8", "Files and recovery,"},
+                                      {L"working directory", "Debugging,"},
+                                      {L"shortcuts", "Keyboard,"},
+                                      {L"file association", "KVXA64,KVXB64,KVXA32,KeldorBasic,KVXC64,"}})
+        EXPECT_EQ(hits(words), page) << Narrow(words);
     EXPECT_EQ(std::ranges::count(hits(L""), ','), static_cast<int>(SettingsPages().size()));
 }
 
