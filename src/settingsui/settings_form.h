@@ -18,8 +18,8 @@ std::wstring SettingItemProblem(const SettingItem& item, std::wstring_view text)
 // The greatest length of the text in characters.
 std::size_t SettingItemLongest(const SettingItem& item);
 
-// Whether all words of the query are in the page's title or in the item's texts, further words and key. Letter case does not count. An
-// empty query matches everything.
+// Whether all words of the query are in the page's title or in the item's texts, further words and key. Letter case does
+// not count. An empty query matches everything.
 bool SettingItemMatches(const SettingsPage& page, const SettingItem& item, std::wstring_view query);
 // The lines that hold all words of the query.
 std::vector<std::wstring> LinesFound(const std::vector<std::wstring>& lines, std::wstring_view query);
