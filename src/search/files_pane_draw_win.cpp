@@ -69,8 +69,10 @@ void DrawFileRow(RowPaint row, const ResultFile& file, const FilesRowPlaces& pla
                      {{left - 1, middle - 2}, {left + 2 * arm - 1, middle - 2}, {left + arm - 1, middle + arm - 2}},
                      chrome.paneText);
     const auto ticked = static_cast<std::size_t>(std::ranges::count(file.ticked, true));
-    if (places.tick < places.text)
-        DrawTickBox(row.dc, places.tick, middle, ticked == file.hits.size(), ticked > 0, chrome.paneText);
+    const auto open =
+        file.hits.size() - static_cast<std::size_t>(std::ranges::count(file.hits, true, &FileHit::replaced));
+    if (places.tick < places.text && open > 0)
+        DrawTickBox(row.dc, places.tick, middle, ticked == open, ticked > 0, chrome.paneText);
     row.area.left = places.text;
     SelectObject(row.dc, UiFont());
     const std::size_t slash = file.label.rfind(L'\\') + 1;  // npos + 1 is 0
@@ -100,7 +102,7 @@ void DrawHitRow(RowPaint row, const ResultFile& file, std::size_t index, const F
     const ThemeChrome& chrome = ThemeCurrentChrome();
     bool gone = false;
     const FileHit hit = FilesHitNow(file, index, &gone);
-    if (places.tick < places.text)
+    if (places.tick < places.text && !hit.replaced)
         DrawTickBox(row.dc, places.tick, (row.area.top + row.area.bottom) / 2, file.ticked[index], false,
                     ThemeQuietText());
     SelectObject(row.dc, UiFixedFont());
@@ -118,7 +120,8 @@ void DrawHitRow(RowPaint row, const ResultFile& file, std::size_t index, const F
         DrawMarked(row, match, MixColours(row.back, chrome.error, 25), chrome.paneText, true);
         DrawMarked(row, PreviewOf(hit), MixColours(row.back, chrome.success, 25), chrome.paneText, false);
     } else {
-        DrawMarked(row, match, MixColours(row.back, chrome.modified, 30), chrome.paneText, false);
+        DrawMarked(row, match, MixColours(row.back, hit.replaced ? chrome.success : chrome.modified, 30),
+                   chrome.paneText, false);
     }
     DrawPiece(row, Utf8ToWideText(shown.substr(hit.markStart + hit.markLength)), plain);
 }

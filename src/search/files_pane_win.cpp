@@ -69,6 +69,12 @@ std::size_t TickedCount() {
     return count;
 }
 
+bool AnyToReplace() {
+    const auto isOpen = [](const FileHit& hit) { return !hit.replaced; };
+    return std::ranges::any_of(g_files.results.files,
+                               [&](const ResultFile& file) { return std::ranges::any_of(file.hits, isOpen); });
+}
+
 // The text of a button; empty: it is not shown.
 std::wstring ButtonText(int id) {
     switch (id) {
@@ -81,7 +87,7 @@ std::wstring ButtonText(int id) {
                        ? L""
                        : TextWith(L"{1} Unreadable...", {std::to_wstring(g_files.tally.unreadable)});
         default:
-            if (!g_files.options.replacing || g_files.running || g_files.results.HitCount() == 0) return {};
+            if (!g_files.options.replacing || g_files.running || !AnyToReplace()) return {};
             return TextWith(L"Replace {1}...", {std::to_wstring(TickedCount())});
     }
 }
@@ -171,10 +177,10 @@ void FoldAll(bool folded) {
 void ToggleTick(ResultRow row) {
     if (!g_files.options.replacing) return;
     ResultFile& file = g_files.results.files[row.file];
-    if (row.hit)
-        file.ticked[*row.hit] = !file.ticked[*row.hit];
-    else
-        file.ticked.assign(file.ticked.size(), !std::ranges::all_of(file.ticked, [](bool each) { return each; }));
+    const std::size_t first = row.hit.value_or(0), end = row.hit ? first + 1 : file.hits.size();
+    bool ticks = false;  // one of them has no tick
+    for (std::size_t i = first; i < end; ++i) ticks = ticks || (!file.hits[i].replaced && !file.ticked[i]);
+    for (std::size_t i = first; i < end; ++i) file.ticked[i] = ticks && !file.hits[i].replaced;
     PlaceButtons();
     InvalidateRect(g_filesPane.list, nullptr, FALSE);
 }

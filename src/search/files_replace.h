@@ -19,7 +19,10 @@ struct HitReplacement {
 std::vector<HitReplacement> ReplacementsAt(std::string_view utf8, const FilesQuery& query, std::string_view breaks,
                                            std::span<const std::size_t> starts);
 // The text with them.
+// The hits of a text after `replacements`, which begin at some of them. `changed`: the text with these made.
+std::vector<FileHit> HitsAfterReplacing(std::vector<FileHit> hits, const std::vector<HitReplacement>& replacements,
+                                        std::string_view changed);
 std::string ReplacedText(std::string_view utf8, const std::vector<HitReplacement>& replacements);
 
-// True when the text has the same hits as those that were found in it, and no others.
+// True when the text has the same hits as those that were found in it and not replaced since, and no others.
 bool HasSameHits(std::string_view utf8, const FilesQuery& query, std::span<const FileHit> hits);

@@ -35,7 +35,8 @@ struct ReplaceTask {
 struct ReplaceOutcome {
     std::wstring path, key;
     std::size_t replaced = 0;
-    std::wstring fault;  // a sentence; empty: it was written
+    std::wstring fault;         // a sentence; empty: it was written
+    std::vector<FileHit> hits;  // those to replace and the others, as they are now
 };
 using ReplaceOutcomes = std::vector<ReplaceOutcome>;
 
@@ -75,7 +76,7 @@ std::wstring SaveFault(const std::wstring& path, const SaveReport& report) {
     return text;
 }
 
-std::wstring ReplaceInFile(const ReplaceTask& task, const FilesQuery& query, std::size_t* replaced) {
+std::wstring ReplaceInFile(const ReplaceTask& task, const FilesQuery& query, ReplaceOutcome* outcome) {
     const DWORD attributes = GetFileAttributesW(PathExtended(task.path).c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0)
         return Text(L"the file is read-only");
@@ -100,16 +101,17 @@ std::wstring ReplaceInFile(const ReplaceTask& task, const FilesQuery& query, std
     if (!WriteSourceFileFromEditor(task.path.c_str(), changed.data(), changed.size(), text.encoding, text.lineEnding,
                                    form, &report))
         return SaveFault(task.path, report);
-    *replaced = replacements.size();
+    outcome->replaced = replacements.size();
+    outcome->hits = HitsAfterReplacing(task.hits, replacements, changed);
     return {};
 }
 
 void ReplaceOnWorker(ReplaceRequest& request, const WorkerCancel& cancel) {
     auto outcomes = std::make_unique<ReplaceOutcomes>();
     for (const ReplaceTask& task : request.tasks) {
-        ReplaceOutcome outcome{task.path, task.key, 0, {}};
+        ReplaceOutcome outcome{task.path, task.key, 0, {}, {}};
         try {
-            outcome.fault = cancel.Asked() ? Text(L"stopped") : ReplaceInFile(task, request.query, &outcome.replaced);
+            outcome.fault = cancel.Asked() ? Text(L"stopped") : ReplaceInFile(task, request.query, &outcome);
         } catch (const std::bad_alloc&) {
             outcome.fault = Text(L"not enough memory");
         }
@@ -121,7 +123,7 @@ void ReplaceOnWorker(ReplaceRequest& request, const WorkerCancel& cancel) {
 // --- Open documents
 
 ReplaceOutcome ReplaceInDocument(const ResultFile& file, const DocumentTab& tab, const FilesQuery& query) {
-    ReplaceOutcome outcome{file.path.empty() ? file.label : file.path, file.key, 0, {}};
+    ReplaceOutcome outcome{file.path.empty() ? file.label : file.path, file.key, 0, {}, {}};
     if (SciSend(tab.editor, SCI_GETREADONLY) != 0) {
         outcome.fault = Text(L"the document is read-only");
         return outcome;
@@ -134,14 +136,30 @@ ReplaceOutcome ReplaceInDocument(const ResultFile& file, const DocumentTab& tab,
     const std::vector<HitReplacement> replacements =
         ReplacementsAt({bytes, static_cast<std::size_t>(length)}, query, BreaksOf(tab.lineEnding), starts);
     outcome.replaced = replacements.size();
-    const EditorEdits edits(tab.editor);
-    for (auto each = replacements.rbegin(); each != replacements.rend(); ++each) {
-        SciSend(tab.editor, SCI_SETTARGETRANGE, each->span.start,
-                static_cast<LPARAM>(each->span.start + each->span.length));
-        SciSend(tab.editor, SCI_REPLACETARGET, each->text.size(), reinterpret_cast<LPARAM>(each->text.data()));
+    std::vector<FileHit> hits = file.hits;
+    for (std::size_t i = 0; i < hits.size(); ++i) {
+        hits[i].start = static_cast<std::uint32_t>(file.places.At(2 * i));
+        hits[i].length = static_cast<std::uint32_t>(file.places.At(2 * i + 1) - file.places.At(2 * i));
     }
+    {
+        const EditorEdits edits(tab.editor);
+        for (auto each = replacements.rbegin(); each != replacements.rend(); ++each) {
+            SciSend(tab.editor, SCI_SETTARGETRANGE, each->span.start,
+                    static_cast<LPARAM>(each->span.start + each->span.length));
+            SciSend(tab.editor, SCI_REPLACETARGET, each->text.size(), reinterpret_cast<LPARAM>(each->text.data()));
+        }
+    }
+    const LRESULT newLength = SciSend(tab.editor, SCI_GETLENGTH);
+    const auto* changed = reinterpret_cast<const char*>(SciSend(tab.editor, SCI_GETRANGEPOINTER, 0, newLength));
+    outcome.hits = HitsAfterReplacing(std::move(hits), replacements, {changed, static_cast<std::size_t>(newLength)});
     if (outcome.replaced < starts.size()) outcome.fault = Text(L"some hits have changed since the search and stay");
     return outcome;
+}
+
+// Notes what was done, and shows the hits as they are now.
+void TakeOutcome(ReplaceOutcome outcome) {
+    if (outcome.replaced > 0) g_files.results.TakeReplaced(outcome.key, std::move(outcome.hits));
+    g_replace.outcomes.push_back(std::move(outcome));
 }
 
 void ShowReplaceProgress(const wchar_t* text) { g_events.statusText(text); }
@@ -153,12 +171,11 @@ void ReplaceInDocuments(const FilesQuery& query) {
         const int tab = files[i].document != 0 ? TabBarFindDocument(files[i].document) : -1;
         if (tab < 0 || std::ranges::count(files[i].ticked, true) == 0) continue;
         if (!work.GoesOn(static_cast<double>(i) / static_cast<double>(files.size())))
-            g_replace.outcomes.push_back({files[i].path, files[i].key, 0, Text(L"stopped")});
+            g_replace.outcomes.push_back({files[i].path, files[i].key, 0, Text(L"stopped"), {}});
         else if (!TabBarRead(tab))  // that of a session waits for being shown
-            g_replace.outcomes.push_back({files[i].path, files[i].key, 0, Text(L"the file cannot be read")});
+            g_replace.outcomes.push_back({files[i].path, files[i].key, 0, Text(L"the file cannot be read"), {}});
         else
-            g_replace.outcomes.push_back(
-                ReplaceInDocument(files[i], TabAt(TabBarFindDocument(files[i].document)), query));
+            TakeOutcome(ReplaceInDocument(files[i], TabAt(TabBarFindDocument(files[i].document)), query));
     }
 }
 
@@ -184,17 +201,8 @@ void TellOutcome() {
                  AskIcon::Warning);
 }
 
-// Takes away what was replaced. What was not stays for another try.
+// What was replaced stays in the list as it is now; what was not stays for another try.
 void EndReplacing() {
-    g_files.current.reset();
-    for (const ReplaceOutcome& each : g_replace.outcomes) {
-        const std::size_t index = g_files.results.FindFile(each.key);
-        if (each.replaced == 0 || index >= g_files.results.files.size()) continue;
-        const DocumentId document = g_files.results.files[index].document;
-        g_files.results.RemoveTicked(index);
-        if (document != 0 && g_files.results.FindFile(each.key) >= g_files.results.files.size())
-            g_files.linked.erase(document);
-    }
     g_files.replaceRuns = false;
     TellOutcome();
     g_replace = {};
@@ -245,7 +253,7 @@ void FilesReplaceTicked() {
     g_replace.worker = WorkerStart<ReplaceOnWorker>(std::move(request));
     if (g_replace.worker) return;
     g_replace.outcomes.push_back(
-        {Text(L"(all files that are not open)"), {}, 0, Text(L"the work could not be started")});
+        {Text(L"(all files that are not open)"), {}, 0, Text(L"the work could not be started"), {}});
     EndReplacing();
 }
 
@@ -262,6 +270,6 @@ void FilesReplaceFinish() {
 
 void FilesOnReplaced(WPARAM result) {
     const auto outcomes = WorkerTake<std::unique_ptr<ReplaceOutcomes>>(result);
-    std::ranges::move(*outcomes, std::back_inserter(g_replace.outcomes));
+    for (ReplaceOutcome& outcome : *outcomes) TakeOutcome(std::move(outcome));
     EndReplacing();
 }

@@ -166,21 +166,19 @@ void FilesResults::Remove(ResultRow row) {
     Recount();
 }
 
-void FilesResults::RemoveTicked(std::size_t index) {
+void FilesResults::TakeReplaced(std::wstring_view key, std::vector<FileHit> hits) {
+    const std::size_t index = FindFile(key);
+    if (index >= files.size()) return;
     ResultFile& file = files[index];
     file.cut = {};
-    std::vector<FileHit> hits;
+    file.ticked.resize(hits.size());
+    for (std::size_t i = 0; i < hits.size(); ++i) file.ticked[i] = file.ticked[i] && !hits[i].replaced;
     std::vector<std::ptrdiff_t> places;
-    for (std::size_t i = 0; i < file.hits.size(); ++i) {
-        if (file.ticked[i]) continue;
-        hits.push_back(std::move(file.hits[i]));
-        for (std::size_t end = 2 * i; end < std::min(2 * i + 2, file.places.Count()); ++end)
-            places.push_back(file.places.At(end));
-    }
+    for (const FileHit& hit : hits)
+        places.insert(places.end(), {static_cast<std::ptrdiff_t>(hit.start),
+                                     static_cast<std::ptrdiff_t>(hit.start) + static_cast<std::ptrdiff_t>(hit.length)});
     file.hits = std::move(hits);
-    file.ticked.assign(file.hits.size(), false);
-    file.places = MovedPlaces(std::move(places));
-    if (file.hits.empty()) files.erase(files.begin() + static_cast<std::ptrdiff_t>(index));
+    if (file.document != 0) file.places = MovedPlaces(std::move(places));
     Recount();
 }
 

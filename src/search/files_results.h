@@ -74,7 +74,8 @@ public:
     // Removes the row: a hit, or a file with its hits. A file goes with its last hit.
     void Remove(ResultRow row);
 
-    void RemoveTicked(std::size_t file);  // the ticked hits of that file
+    // The hits of that file as they are after a replacement, in order.
+    void TakeReplaced(std::wstring_view key, std::vector<FileHit> hits);
     std::size_t RowCount() const { return ends_.empty() ? 0 : ends_.back(); }
     std::size_t HitCount() const { return hits_; }
     ResultRow RowAt(std::size_t index) const;  // `index` below RowCount()

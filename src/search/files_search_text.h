@@ -36,6 +36,7 @@ struct FileHit {
     std::uint16_t markLength = 0;  // of a match that is longer than what is shown, its beginning
     std::string shown;             // the line without blanks at its start, or the part of a long line around the match
     std::string preview;           // what the replacement by an expression puts there, cut to kShownBytes
+    bool replaced = false;         // the text at the place is the replacement
 
     bool operator==(const FileHit&) const = default;
 };

@@ -212,6 +212,22 @@ TEST(FilesSearch, FindsAndReplacesByExpressions) {
     EXPECT_FALSE(HasSameHits("a2A", plain, hits)) << "in another line";
     const std::size_t second[] = {2};
     EXPECT_EQ(ReplacedText("a1A", ReplacementsAt("a1A", plain, "\n", second)), "a1\\1") << "a plain text has no groups";
+    // What is left after a replacement is found again; what was replaced is where it is now.
+    const FilesQuery longer{"a", false, false, false, "xx"};
+    auto longerMatcher = TextMatcher::Of(longer, nullptr);
+    const std::string_view before = "a a\na a";
+    const std::size_t inner[] = {2, 4};
+    const std::vector<HitReplacement> done = ReplacementsAt(before, longer, "\n", inner);
+    const std::string after = ReplacedText(before, done);
+    EXPECT_EQ(after, "a xx\nxx a");
+    const std::vector<FileHit> now =
+        HitsAfterReplacing(HitsInText(before, *longerMatcher, 9, nullptr).hits, done, after);
+    std::string shown;
+    for (const FileHit& hit : now)
+        shown += std::to_string(hit.start) + "+" + std::to_string(hit.length) + ":" + std::to_string(hit.line) +
+                 (hit.replaced ? "! " : " ");
+    EXPECT_EQ(shown, "0+1:0 2+2:0! 5+2:1! 8+1:1 ");
+    EXPECT_TRUE(HasSameHits(after, longer, now)) << "so another replacement takes the rest";
     const FilesQuery alike{"on.e", false, false, false, "t\\1wo", true};
     const std::size_t all[] = {0, 5, 10};
     EXPECT_EQ(ReplacedText("On.e on.e ON.E", ReplacementsAt("On.e on.e ON.E", alike, "\n", all)),
@@ -245,11 +261,6 @@ TEST(FilesResults, KeepRowsInOrder) {
     results.files[0].folded = true;
     results.Remove({1, 0});
     EXPECT_EQ(rows(), L"ac0") << "a file goes with its last hit";
-    results.files[0].ticked[0] = false;
-    results.files[0].folded = false;
-    results.RemoveTicked(0);
-    results.RemoveTicked(1);
-    EXPECT_EQ(rows(), L"a0");
     EXPECT_EQ(PathBelow(L"C:\\P\\x.bas", L"c:\\p\\"), L"x.bas");
     EXPECT_EQ(PathBelow(L"C:\\Pq\\x.bas", L"C:\\P"), L"C:\\Pq\\x.bas");
 }

@@ -134,8 +134,11 @@ TEST(FilesSearch, ReplacesOpenAndClosedFiles) {
     EXPECT_EQ(folder.Read(L"p\\wide.bas"), std::string_view("\xFF\xFEn\0e\0w\0", 8));
     EXPECT_EQ(folder.Read(L"p\\late.bas"), "another old text") << "changed since the search";
     EXPECT_EQ(folder.Read(L"p\\read.bas"), "old");
-    EXPECT_EQ(search.Rows(), L"a.bas (1)|1: old new|late.bas (1)|1: old|read.bas (1)|1: old|")
-        << "what was not replaced";
+    EXPECT_EQ(search.Rows(),
+              L"a.bas (3)|1: old new|1: old new|2: new|ansi.bas (3)|1: \u00E4 new|2: new|3: new|late.bas (1)|1: old|"
+              L"read.bas (1)|1: old|wide.bas (1)|1: new|")
+        << "what was replaced, as it is now, and what was not";
+    EXPECT_EQ(search.Button(IDC_FILES_REPLACE_NOW), L"Replace 2...") << "another try takes only what is left";
     editor.Do(IDM_EDIT_UNDO);
     EXPECT_EQ(editor.Text(), "old old\r\nold\r\n") << "one step";
     SetFileAttributesW(folder.File(L"p\\read.bas").c_str(), FILE_ATTRIBUTE_NORMAL);
