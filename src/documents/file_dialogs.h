@@ -10,3 +10,5 @@ bool AskSavePath(std::wstring& path, const wchar_t* folder);
 // Offers to make a folder that is missing. False: it stays missing, and the user knows. True also for a share that does
 // not answer.
 bool OfferFolder(const std::wstring& folder);
+// Makes it, with those above it. False: it cannot be made, and the user knows.
+bool MakeFolder(const std::wstring& folder);

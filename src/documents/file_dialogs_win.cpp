@@ -25,10 +25,10 @@ bool AskSourcePath(std::wstring& path, const wchar_t* folder, bool save) {
 }
 
 // With those above it. False, with the system's error, when it cannot be made.
-bool MakeFolder(const std::wstring& folder) {
+bool EnsureFolders(const std::wstring& folder) {
     if (folder.empty() || DirectoryExists(folder.c_str())) return true;
     const std::wstring parent = FolderOf(folder);
-    return (parent.size() >= folder.size() || MakeFolder(parent)) && EnsureFolder(folder);
+    return (parent.size() >= folder.size() || EnsureFolders(parent)) && EnsureFolder(folder);
 }
 
 }  // namespace
@@ -45,8 +45,11 @@ bool OfferFolder(const std::wstring& folder) {
                                    .icon = AskIcon::Question,
                                    .inSelftest = Answer::No,
                                    .yes = Text(L"&Make Folder")});
-    if (answer != Answer::Yes) return false;
-    if (MakeFolder(folder)) return true;
+    return answer == Answer::Yes && MakeFolder(folder);
+}
+
+bool MakeFolder(const std::wstring& folder) {
+    if (EnsureFolders(folder)) return true;
     const std::wstring reason = SystemErrorText(GetLastError());
     ErrorMessage(Text(L"The folder %s could not be made.\n\n%s"), folder.c_str(), reason.c_str());
     return false;

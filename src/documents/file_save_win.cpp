@@ -296,6 +296,20 @@ SaveNext AskAboutReadOnly(const wchar_t* path, const std::wstring& told) {
     return SaveNext::NotSaved;
 }
 
+// A folder that was deleted or renamed may be made again, when the user says so.
+SaveNext AskAboutFolder(const wchar_t* path, const std::wstring& told) {
+    const Answer answer = AskUser({.caption = kProgramCaption,
+                                   .text = told.c_str(),
+                                   .buttons = AskButtons::YesNoCancel,
+                                   .icon = AskIcon::Error,
+                                   .inSelftest = Answer::Cancel,
+                                   .enterIsNo = true,
+                                   .yes = Text(L"&Make Folder and Save"),
+                                   .no = Text(L"Save &As...")});
+    if (answer != Answer::Yes) return answer == Answer::No ? SaveNext::OtherName : SaveNext::NotSaved;
+    return MakeFolder(FolderOf(path)) ? SaveNext::Again : SaveNext::NotSaved;
+}
+
 // After the file was written, or not.
 SaveNext EndSave(DocumentId document, const SaveJob& job, const FileBinding& binding, bool ended) {
     const int tab = TabBarFindDocument(document);
@@ -308,6 +322,7 @@ SaveNext EndSave(DocumentId document, const SaveJob& job, const FileBinding& bin
         MarkUnsaved(tab, binding.path, job.report.end, job.found);
         const std::wstring told = NoteFailedSave(document, binding.path, job.report);
         if (job.report.end == SaveEnd::ReadOnly && !job.unasked) return AskAboutReadOnly(binding.path, told);
+        if (job.report.end == SaveEnd::NoFolder && !job.unasked) return AskAboutFolder(binding.path, told);
         ErrorMessage(L"%s", told.c_str());
         return SaveNext::NotSaved;
     }

@@ -91,6 +91,7 @@ std::wstring FailedSaveText(const wchar_t* path, const SaveReport& report, const
             break;
         case SaveEnd::NoRoom: text += Text(L"There is not enough room on the disk. The file is as it was."); break;
         case SaveEnd::NotOpened: text += Text(L"The file could not be opened for writing and is as it was."); break;
+        case SaveEnd::NoFolder: text += Text(L"The folder of the file is not there any more."); break;
         case SaveEnd::NotWritten: text += Text(L"The file may be incomplete, because writing it failed."); break;
         case SaveEnd::Different: text += Text(L"The file is damaged: other bytes came back from the disk."); break;
     }

@@ -176,7 +176,8 @@ SaveReport SaveBytes(const wchar_t* path, const char* bytes, std::size_t length,
                            .discardCopy = [&] { RecoveryDiscard(path, copy); },
                            .keepCopy = [&] { RecoveryKeep(path, copy); }});
     report.state.hash = ContentHashOf({bytes, length});
-    if (report.end == SaveEnd::NotWritten && !opened) report.end = SaveEnd::NotOpened;
+    if (report.end == SaveEnd::NotWritten && !opened)
+        report.end = report.error == ERROR_PATH_NOT_FOUND ? SaveEnd::NoFolder : SaveEnd::NotOpened;
     return report;
 }
 

@@ -307,6 +307,19 @@ TEST(Files, FailedSaveLosesNothing) {
     EXPECT_EQ(CountCopies(folder.File(L"local"), "read-only 1 locked 2 old\r\n"), 0)
         << "a verified save needs no copy any more";
 
+    // The folder was renamed: it can be made again, and the document saved there.
+    const std::wstring away = folder.Write(L"was here\\b.bas", "b\r\n");
+    editor.Post(IDM_FILE_OPEN);
+    editor.AnswerFileDialog(away);
+    ASSERT_TRUE(WaitFor([&] { return editor.Tabs() == 2; }));
+    editor.Type("kept ");
+    ASSERT_TRUE(MoveFileW(folder.File(L"was here").c_str(), folder.File(L"is there").c_str()));
+    editor.Post(IDM_FILE_SAVE);
+    editor.Answer(kProgramTitle, L"Failed to save file: " + away + L"\n\nThe folder of the file is not there", IDYES);
+    EXPECT_TRUE(WaitFor([&] { return !editor.Modified(); }));
+    EXPECT_EQ(folder.Read(L"was here\\b.bas") + folder.Read(L"is there\\b.bas"), "kept b\r\nb\r\n");
+    editor.Do(IDM_FILE_CLOSE);
+
     // A save under a new name that fails leaves the document to its own file. A folder that is missing is offered.
     editor.Post(IDM_FILE_SAVE_AS);
     editor.AnswerFileDialog(folder.File(L"no folder\\deeper\\other.bas"));
