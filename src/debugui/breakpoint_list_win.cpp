@@ -123,6 +123,7 @@ void DrawLooks(DocumentId document) {
             case BreakpointLook::Plain: break;
         }
     }
+    DebugShowStopOver(document);
     FoldSignsUpdate(document, editor, LinesOfBreakpoints(editor, document));
 }
 

@@ -22,6 +22,8 @@ void DebugMarkLocation(const DebuggerState* state);
 std::wstring DebugPlaceText(const DebuggerState* state);
 // Removes the mark of the current line from its editor.
 void DebugClearLocation();
+// The breakpoints of a document are drawn anew: puts the arrow over theirs, which may hide it.
+void DebugShowStopOver(DocumentId document);
 // Sets the mark again in a document that has its text (again), when the program stands in that file.
 void DebugRestoreLocation(DocumentId document);
 

@@ -27,6 +27,7 @@ struct StopMark {
     DocumentId document = 0;
     int arrow = -1;       // marker handle
     int background = -1;  // marker handle
+    int over = -1;        // marker handle; over the sign of a breakpoint
 };
 StopMark g_mark;
 
@@ -59,6 +60,7 @@ void RemoveMark() {
     if (const int tab = TabBarFindDocument(g_mark.document); tab >= 0) {
         SciSend(TabAt(tab).editor, SCI_MARKERDELETEHANDLE, static_cast<WPARAM>(g_mark.arrow));
         SciSend(TabAt(tab).editor, SCI_MARKERDELETEHANDLE, static_cast<WPARAM>(g_mark.background));
+        SciSend(TabAt(tab).editor, SCI_MARKERDELETEHANDLE, static_cast<WPARAM>(g_mark.over));
     }
     g_mark = {};
 }
@@ -85,6 +87,7 @@ void PutMark(const DocumentTab& tab, int line) {
     g_mark = {.document = tab.id,
               .arrow = static_cast<int>(SciSend(tab.editor, SCI_MARKERADD, index, kMarkCurrent)),
               .background = static_cast<int>(SciSend(tab.editor, SCI_MARKERADD, index, kMarkCurrentLine))};
+    DebugShowStopOver(tab.id);
 }
 
 // Says why a file cannot be shown. For a stop it says so once a session, because every step in that file would repeat
@@ -153,17 +156,36 @@ void DebugShowCurrentLocation(const DebuggerState* state, const wchar_t* suffix)
 
 void DebugClearLocation() { RemoveMark(); }
 
+void DebugShowStopOver(DocumentId document) {
+    const int tab = document == g_mark.document ? TabBarFindDocument(document) : -1;
+    if (tab < 0) return;
+    const HWND editor = TabAt(tab).editor;
+    SciSend(editor, SCI_MARKERDELETEHANDLE, static_cast<WPARAM>(g_mark.over));
+    const LRESULT line = SciSend(editor, SCI_MARKERLINEFROMHANDLE, static_cast<WPARAM>(g_mark.arrow));
+    if (line < 0) return;
+    const auto index = static_cast<WPARAM>(line);
+    const bool conditional = (SciSend(editor, SCI_MARKERGET, index) >> kMarkConditional & 1) != 0;
+    const int marker = conditional ? kMarkStopConditional : kMarkStopOver;
+    g_mark.over = static_cast<int>(SciSend(editor, SCI_MARKERADD, index, marker));
+}
+
 void DebugOnMarkerRenewed(DocumentId document, int before, int after) {
     const int tab = TabBarFindDocument(document);
-    if (tab < 0 || after < 0) return;  // a mark that is off keeps its handle here, by which it is known again
+    if (tab < 0) return;
     const HWND editor = TabAt(tab).editor;
+    if (after < 0) {  // a mark that is off keeps its handle here, by which it is known again
+        if (before == g_mark.arrow) SciSend(editor, SCI_MARKERDELETEHANDLE, static_cast<WPARAM>(g_mark.over));
+        return;
+    }
     const int marker = MarkerOfHandle(editor, after);
     if (marker != kMarkCurrent && marker != kMarkCurrentLine) return;
     int& known = marker == kMarkCurrent ? g_mark.arrow : g_mark.background;
-    if (g_mark.document == document && known == before)
+    if (g_mark.document == document && known == before) {
         known = after;
-    else  // the program has gone on meanwhile
+        DebugShowStopOver(document);
+    } else {  // the program has gone on meanwhile
         SciSend(editor, SCI_MARKERDELETEHANDLE, static_cast<WPARAM>(after));
+    }
 }
 
 void DebugRestoreLocation(DocumentId document) {

@@ -7,6 +7,7 @@ inline constexpr int kMarginFolding = 2;
 inline constexpr int kMarginChanges = 3;
 inline constexpr int kMarginProblems = 4;  // has no width in a text that no compiler reads
 inline constexpr int kMarginCount = 5;
+inline constexpr int kSymbolsWidth = 16;  // of kMarginSymbols, pixels at 96 dpi
 
 inline constexpr int kMarkBookmark = 1;
 inline constexpr int kMarkBreakpoint = 2;
@@ -24,6 +25,9 @@ inline constexpr int kMarkPlace = 12;       // never drawn: keeps a line while t
 inline constexpr int kMarkOwnCloser = 13;   // nothing to see: END IF and the like that the editor has added itself
 inline constexpr int kMarkWarningSign = 14;
 inline constexpr int kMarkErrorSign = 15;  // over that of a warning on the same line
+// The stop once more, over the sign of a breakpoint on its line (6 to 8), which would hide kMarkCurrent.
+inline constexpr int kMarkStopOver = 16;
+inline constexpr int kMarkStopConditional = 17;  // where the breakpoint has a condition
 
 // Indicators: 8 marks the words of a block, 21 what the search bar has found, 24 to 26 names and snippet fields.
 inline constexpr int kIndicatorFound = 20;  // all matches, on command

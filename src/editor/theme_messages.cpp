@@ -85,6 +85,8 @@ EditorMessages FrameStyleMessages(const ThemeInputs& theme) {
     return out;
 }
 
+Rgb StopArrowEdge(const ThemeInputs& theme) { return theme.dark ? theme.chrome.paneBack : theme.chrome.paneText; }
+
 EditorMessages MarkerMessages(const ThemeInputs& theme) {
     const ChromePalette& chrome = theme.chrome;
     const EditorPalette& palette = theme.palette;
@@ -94,7 +96,8 @@ EditorMessages MarkerMessages(const ThemeInputs& theme) {
     DefineMarker(out, kMarkBreakpoint, SC_MARK_CIRCLE, chrome.error, chrome.error);
     DefineMarker(out, kMarkError, SC_MARK_SHORTARROW, chrome.error, chrome.error);
     // A dark edge and a bright inside, because the arrow may be on a red disc.
-    DefineMarker(out, kMarkCurrent, SC_MARK_ARROW, theme.dark ? chrome.paneBack : chrome.paneText, chrome.stopLine);
+    for (const int marker : {kMarkCurrent, kMarkStopOver})
+        DefineMarker(out, marker, SC_MARK_ARROW, StopArrowEdge(theme), chrome.stopLine);
     DefineMarker(out, kMarkHollow, SC_MARK_CIRCLE, chrome.error, palette.margin);
     DefineMarker(out, kMarkDisabled, SC_MARK_CIRCLE, palette.lineNumber, palette.lineNumber);
     DefineMarker(out, kMarkConditional, SC_MARK_PLUS, palette.margin, palette.margin);
@@ -114,13 +117,13 @@ EditorMessages MarginMessages(bool folding, int dpi) {
     // itself it draws nothing.
     constexpr int kSymbolMask = 1 << kMarkBookmark | 1 << kMarkBreakpoint | 1 << kMarkError | 1 << kMarkCurrent |
                                 1 << kMarkHollow | 1 << kMarkDisabled | 1 << kMarkConditional | 1 << kMarkCurrentLine |
-                                1 << kMarkFolded | 1 << kMarkNewLine;
+                                1 << kMarkFolded | 1 << kMarkNewLine | 1 << kMarkStopOver | 1 << kMarkStopConditional;
     return {
         {SCI_SETMARGINTYPEN, kMarginNumbers, SC_MARGIN_NUMBER},
         {SCI_SETMARGINTYPEN, kMarginSymbols, SC_MARGIN_SYMBOL},
         {SCI_SETMARGINMASKN, kMarginSymbols, kSymbolMask},
         {SCI_SETMARGINSENSITIVEN, kMarginSymbols, 1},
-        {SCI_SETMARGINWIDTHN, kMarginSymbols, AtDpi(16, dpi)},
+        {SCI_SETMARGINWIDTHN, kMarginSymbols, AtDpi(kSymbolsWidth, dpi)},
         {SCI_SETMARGINTYPEN, kMarginFolding, SC_MARGIN_SYMBOL},
         {SCI_SETMARGINMASKN, kMarginFolding, static_cast<std::intptr_t>(SC_MASK_FOLDERS)},
         {SCI_SETMARGINSENSITIVEN, kMarginFolding, 1},

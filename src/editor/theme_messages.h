@@ -22,6 +22,7 @@ std::uint32_t RoleColourRef(const ThemeInputs& theme, TextRole role);
 EditorMessages DefaultStyleMessages(const ThemeInputs& theme);  // to SCI_STYLECLEARALL; without the font
 EditorMessages TextStyleMessages(const ThemeInputs& theme, const LanguageLexer& lexer);
 EditorMessages FrameStyleMessages(const ThemeInputs& theme);  // line numbers, guides, caret, selection, tips
+Rgb StopArrowEdge(const ThemeInputs& theme);
 EditorMessages MarkerMessages(const ThemeInputs& theme);
 EditorMessages MarginMessages(bool folding, int dpi);
 EditorMessages FoldMessages(const ThemeInputs& theme);

@@ -6,6 +6,7 @@
 #include "editor/margins.h"
 #include "editor/pane_rules.h"
 #include "editor/pane_state.h"
+#include "editor/stop_sign.h"
 #include "editor/theme_messages.h"
 #include "language/basic_lexer.h"
 #include "language/lexer_table.h"
@@ -18,6 +19,7 @@
 #include "ui/theme_table.h"
 #include "ui/ui_state.h"
 
+#include <algorithm>
 #include <cstring>
 #include <iterator>
 #include <string>
@@ -48,9 +50,16 @@ void SendAll(HWND editor, const EditorMessages& messages) {
 void DefineDot(HWND editor, int marker, Rgb colour, Rgb ring) {
     const int size = UiScaled(12) | 1;  // odd, so that it has a middle pixel
     const std::vector<std::uint8_t> pixels = MarkerDot(size, UiScaled(30) / 10.0, UiScaled(10) / 10.0, colour, ring);
-    SciSend(editor, SCI_RGBAIMAGESETWIDTH, static_cast<WPARAM>(size));
-    SciSend(editor, SCI_RGBAIMAGESETHEIGHT, static_cast<WPARAM>(size));
-    SciSend(editor, SCI_MARKERDEFINERGBAIMAGE, static_cast<WPARAM>(marker), reinterpret_cast<LPARAM>(pixels.data()));
+    MarkerDefinePicture(editor, marker, size, pixels);
+}
+
+void DefineStopAtCondition(HWND editor, const ThemeInputs& theme) {
+    const int size = std::min(UiScaled(kSymbolsWidth), static_cast<int>(SciSend(editor, SCI_TEXTHEIGHT)));
+    const StopSignColours colours = {.disc = theme.chrome.error,
+                                     .plus = theme.palette.margin,
+                                     .edge = StopArrowEdge(theme),
+                                     .arrow = theme.chrome.stopLine};
+    MarkerDefinePicture(editor, kMarkStopConditional, size, StopAtConditionSign(size, colours));
 }
 
 void SetProperty(HWND editor, const char* key, const char* value) {
@@ -82,6 +91,12 @@ bool ApplyLexer(HWND editor, Language language, std::uint32_t compilerId) {
 }
 
 }  // namespace
+
+void MarkerDefinePicture(HWND editor, int marker, int size, std::span<const std::uint8_t> pixels) {
+    SciSend(editor, SCI_RGBAIMAGESETWIDTH, static_cast<WPARAM>(size));
+    SciSend(editor, SCI_RGBAIMAGESETHEIGHT, static_cast<WPARAM>(size));
+    SciSend(editor, SCI_MARKERDEFINERGBAIMAGE, static_cast<WPARAM>(marker), reinterpret_cast<LPARAM>(pixels.data()));
+}
 
 const Dialect& EditorPaneDialect(HWND editor) {
     const PaneState* const state = PaneStateOf(editor);
@@ -119,6 +134,7 @@ void SyntaxThemeApply(HWND editor, std::uint32_t compilerId, const wchar_t* path
     SendAll(editor, FrameStyleMessages(theme));
     SendAll(editor, MarkerMessages(theme));
     DefineDot(editor, kMarkFolded, theme.chrome.error, theme.palette.margin);
+    DefineStopAtCondition(editor, theme);
     SendAll(editor, MarginMessages(folding, theme.dpi));
     if (folding) SendAll(editor, FoldMessages(theme));
     ScrollBarsApplyTheme(editor);

@@ -5,6 +5,7 @@
 #include "base/utf8.h"
 #include "documents/documents_state.h"
 #include "editor/margins.h"
+#include "editor/theme.h"
 #include "settings/settings_state.h"
 #include "ui/chrome.h"
 #include "ui/dpi.h"
@@ -39,9 +40,7 @@ const SeverityLooks& LooksOf(const SourceMark& mark) { return kLooks[mark.severi
 void DefineSign(HWND editor, const SeverityLooks& looks, Rgb colour, Rgb inside) {
     const int size = UiScaled(kSignSize) | 1;
     const std::vector<std::uint8_t> pixels = SeveritySign(size, looks.marker == kMarkErrorSign, colour, inside);
-    Ask(editor, SCI_RGBAIMAGESETWIDTH, size);
-    Ask(editor, SCI_RGBAIMAGESETHEIGHT, size);
-    Ask(editor, SCI_MARKERDEFINERGBAIMAGE, looks.marker, reinterpret_cast<LPARAM>(pixels.data()));
+    MarkerDefinePicture(editor, looks.marker, size, pixels);
 }
 
 void DefineLooks(HWND editor, const SeverityLooks& looks) {

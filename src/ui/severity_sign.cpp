@@ -1,13 +1,12 @@
 #include "ui/severity_sign.h"
 
+#include "ui/sampled_picture.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace {
 
-constexpr int kSamples = 4;  // of a pixel, in each direction
-
-// Coordinates go from -1 to 1, downwards.
 bool InErrorShape(double x, double y) {
     constexpr double kHalf = 0.94, kRound = 0.45;
     const double dx = std::max(std::abs(x) - (kHalf - kRound), 0.0), dy = std::max(std::abs(y) - (kHalf - kRound), 0.0);
@@ -38,20 +37,10 @@ Rgb SeverityColour(const EditorPalette& palette, const ChromePalette& chrome, bo
 }
 
 std::vector<std::uint8_t> SeveritySign(int size, bool error, Rgb colour, Rgb inside) {
-    std::vector<std::uint8_t> pixels;
-    pixels.reserve(static_cast<std::size_t>(size) * static_cast<std::size_t>(size) * 4);
-    const auto at = [size](int pixel, int sample) { return 2.0 * (pixel + (sample + 0.5) / kSamples) / size - 1.0; };
-    for (int i = 0; i < size * size; ++i) {
-        int covered = 0, inner = 0;
-        for (int s = 0; s < kSamples * kSamples; ++s) {
-            const double x = at(i % size, s % kSamples), y = at(i / size, s / kSamples);
-            if (!(error ? InErrorShape(x, y) : InWarningShape(x, y))) continue;
-            ++covered;
-            inner += error ? InCross(x, y) : InExclamation(x, y);
-        }
-        const Rgb shown = covered == 0 ? colour : ThemeBlend(inside, colour, inner * 255 / covered);
-        for (const int shift : {16, 8, 0}) pixels.push_back(static_cast<std::uint8_t>(shown >> shift & 0xFF));
-        pixels.push_back(static_cast<std::uint8_t>(covered * 255 / (kSamples * kSamples)));
-    }
-    return pixels;
+    return SampledPicture(
+        size,
+        [=](double x, double y) -> std::optional<Rgb> {
+            if (!(error ? InErrorShape(x, y) : InWarningShape(x, y))) return std::nullopt;
+            return (error ? InCross(x, y) : InExclamation(x, y)) ? inside : colour;
+        });
 }

@@ -10,6 +10,5 @@
 // The colour of an error or a warning in an editor: its texts can be read, also on the line of the caret.
 Rgb SeverityColour(const EditorPalette& palette, const ChromePalette& chrome, bool error);
 
-// A picture of `size` x `size` pixels, 4 bytes (RGBA) for each, the colours not multiplied by the opacity. `inside` is the
-// colour of the cross and of the exclamation mark.
+// As SampledPicture (ui/sampled_picture.h). `inside` is the colour of the cross and of the exclamation mark.
 std::vector<std::uint8_t> SeveritySign(int size, bool error, Rgb colour, Rgb inside);

@@ -249,6 +249,16 @@ TEST(Debug, BreakpointsStayWithTheirLines) {
     ExpectStopAt(editor, 15);
     EXPECT_TRUE(editor.AwaitOutput(L"[Debug] steps.bas has changes that are not saved"));
     editor.Do(IDM_EDIT_UNDO);
+
+    // The arrow stands over the sign of a breakpoint, beside the plus sign of a condition.
+    EXPECT_EQ(LineMarked(editor, kMarkStopOver), 15);
+    editor.Do(IDM_DEBUG_STEP_OVER);
+    ExpectStopAt(editor, 16);
+    EXPECT_EQ(LineMarked(editor, kMarkStopConditional), 16);
+    EXPECT_EQ(LineMarked(editor, kMarkStopOver), 0);
+    editor.Do(IDM_DEBUG_BREAKPOINT);
+    EXPECT_EQ(LineMarked(editor, kMarkStopConditional), 0);
+    EXPECT_EQ(LineMarked(editor, kMarkStopOver), 16);
     EXPECT_EQ(editor.Close(), 0u);
     EXPECT_TRUE(WaitFor([] { return CountProcesses(L"steps.exe") == 0; }));
 }
