@@ -5,6 +5,7 @@
 #include "debugger/debug_state.h"
 #include "debugger/program_places.h"
 #include "debugger/registers.h"
+#include "debugger/watch_value.h"
 
 #include <string>
 #include <vector>
@@ -25,6 +26,8 @@ wchar_t* DebugDisassembleAt(const DebuggerState* state, std::uint64_t address);
 std::uint64_t DebugEvaluate(const DebuggerState* state, const char* expression);
 // Kind 0: LONG, 1: QUAD, 2: text, 3: DOUBLE; any other: "<unknown kind>".
 wchar_t* DebugWatchValue(const DebuggerState* state, std::uint64_t address, int kind);
+// The same as people see it: with the reason when it cannot be read (IsUnreadableWatch). Empty without a session.
+std::wstring DebugShownValue(const DebuggerState* state, std::uint64_t address, WatchKind kind);
 
 // The frames of a thread, in 64-bit and 32-bit programs; the innermost first, at most 32 (FramesWithLines).
 std::vector<DebugFrame> DebugFrames(const DebuggerState* state, std::uint32_t threadId);

@@ -9,6 +9,7 @@
 #include "debugger/stop_rules.h"
 #include "debugger/watch_value.h"
 
+#include "base/handles.h"
 #include "base/wide_format.h"
 
 #include <algorithm>
@@ -136,6 +137,13 @@ wchar_t* DebugWatchValue(const DebuggerState* state, std::uint64_t address, int 
     if (!DebugIsActive(state)) return nullptr;
     const auto write = [](double value) { return FormatW(L"%.15g", value); };
     return HeapText(WatchValueText(kind, address, DebugMemory(*state), write), kWatchCapacity);
+}
+
+std::wstring DebugShownValue(const DebuggerState* state, std::uint64_t address, WatchKind kind) {
+    const HeapBlock<wchar_t> value(DebugWatchValue(state, address, static_cast<int>(kind)));
+    if (!value) return {};
+    if (!IsUnreadableWatch(value.get())) return value.get();
+    return value.get() + (L": " + WhyUnreadable(kind, address, DebugMemory(*state)));
 }
 
 bool DebugLineAt(const DebuggerState* state, std::uint64_t address, std::uint32_t* fileId, std::uint32_t* line) {

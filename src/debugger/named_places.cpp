@@ -111,7 +111,8 @@ NamedValue ValueOfName(const NamedPlace& named, const NameScope& scope) {
     if (!address.value) return NoValue{address.problem};
     NamedValue value = ValueAtPlace(named.kind, *address.value, scope);
     if (std::holds_alternative<NoValue>(value))
-        return NoValue{TextWith(L"the memory of {1} cannot be read", {Quoted(named.name)})};
+        return NoValue{TextWith(L"{1} cannot be read: {2}",
+                                {Quoted(named.name), WhyUnreadable(named.kind, *address.value, scope.memory)})};
     return value;
 }
 

@@ -71,6 +71,14 @@ bool IsTextKind(WatchKind kind) {
     return kind == WatchKind::Text || kind == WatchKind::WideText || kind == WatchKind::TextPointer;
 }
 
+bool IsUnreadableWatch(std::wstring_view shown) { return shown.starts_with(kUnreadableWatch); }
+
+std::wstring WhyUnreadable(WatchKind kind, std::uint64_t address, const ProgramMemory& memory) {
+    if (kind == WatchKind::TextPointer) address = AddressOfText(address, memory).value_or(address);
+    if (address == 0) return Text(L"its address is 0, so it is not set yet");
+    return TextWith(L"the program has no memory at {1}", {L"0x" + HexText(address, 1)});
+}
+
 std::optional<std::uint64_t> AddressOfText(std::uint64_t address, const ProgramMemory& memory) {
     std::uint64_t value = 0;
     return memory.read(address, &value, memory.wordBytes) ? std::optional(value) : std::nullopt;

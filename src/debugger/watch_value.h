@@ -8,6 +8,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 // In the numbers of DebugWatchValue.
 enum class WatchKind : std::uint8_t {
@@ -33,6 +34,11 @@ inline constexpr wchar_t kUnreadableWatch[] = L"<unreadable>";
 
 // A number in 15 significant digits, as the C runtime of the program writes it.
 using DoubleWriter = std::function<std::wstring(double)>;
+
+// Whether a value as it is shown says that there is none, with or without the reason.
+bool IsUnreadableWatch(std::wstring_view shown);
+// Why a value of the kind is unreadable there: "the program has no memory at 0x10".
+std::wstring WhyUnreadable(WatchKind kind, std::uint64_t address, const ProgramMemory& memory);
 
 // For TextPointer: where its text is, 0 for the empty text; nothing: the memory cannot be read.
 std::optional<std::uint64_t> AddressOfText(std::uint64_t address, const ProgramMemory& memory);

@@ -3,7 +3,6 @@
 #include "debugui/name_place_dialog.h"
 
 #include "base/events.h"
-#include "base/handles.h"
 #include "base/log.h"
 #include "base/path.h"
 #include "base/texts.h"
@@ -61,8 +60,8 @@ std::wstring ValueNow(const NamedInput& input, const NameQuestion& question) {
     if (frame == nullptr || !input.problem.empty()) return {};
     const Evaluation address = AddressOfName(input.named, frame->Names());
     if (!address.value) return address.problem;
-    const HeapBlock<wchar_t> text(DebugWatchValue(&g_debugger, *address.value, static_cast<int>(input.named.kind)));
-    return text ? TextWith(L"Now: {1}", {text.get()}) : L"";
+    const std::wstring value = DebugShownValue(&g_debugger, *address.value, input.named.kind);
+    return value.empty() ? value : TextWith(L"Now: {1}", {value});
 }
 
 // An empty field is no fault before OK is pressed.

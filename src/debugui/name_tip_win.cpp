@@ -1,5 +1,4 @@
 // The tip over a name that the user has given, in the text of the procedure in which the program stands. UI thread only.
-#include "base/handles.h"
 #include "base/path.h"
 #include "base/texts.h"
 #include "base/utf8.h"
@@ -50,8 +49,8 @@ std::wstring DebugNameTip(DocumentId id, LRESULT position) {
     const LRESULT line = SciSend(document.editor, SCI_LINEFROMPOSITION, static_cast<WPARAM>(position));
     if (named == nullptr || !IsInFrame(document, *frame, static_cast<std::uint32_t>(line) + 1)) return {};
     const Evaluation address = AddressOfName(*named, names);
-    const HeapBlock<wchar_t> value(
-        address.value ? DebugWatchValue(&g_debugger, *address.value, static_cast<int>(named->kind)) : nullptr);
-    return TextWith(L"{1} = {2}   {3} at {4}", {Utf8ToWideText(named->name), (value ? value.get() : address.problem),
-                                                WatchKindName(named->kind), Utf8ToWideText(named->place)});
+    const std::wstring value =
+        address.value ? DebugShownValue(&g_debugger, *address.value, named->kind) : address.problem;
+    return TextWith(L"{1} = {2}   {3} at {4}",
+                    {Utf8ToWideText(named->name), value, WatchKindName(named->kind), Utf8ToWideText(named->place)});
 }

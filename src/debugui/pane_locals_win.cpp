@@ -2,7 +2,6 @@
 // thread only.
 #include "debugui/pane_locals.h"
 
-#include "base/handles.h"
 #include "base/path.h"
 #include "base/scan_text.h"
 #include "base/texts.h"
@@ -39,9 +38,8 @@ std::wstring ReadLocal(const NamedPlace& named, bool* problem) {
     const Evaluation address = AddressOfName(named, frame->Names());
     *problem = !address.value;
     if (!address.value) return address.problem;
-    const HeapBlock<wchar_t> text(DebugWatchValue(&g_debugger, *address.value, static_cast<int>(named.kind)));
-    std::wstring value = text ? text.get() : L"";
-    *problem = value == kUnreadableWatch;
+    std::wstring value = DebugShownValue(&g_debugger, *address.value, named.kind);
+    *problem = IsUnreadableWatch(value);
     return value;
 }
 

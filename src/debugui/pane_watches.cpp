@@ -105,7 +105,7 @@ ListRow WatchRow(Watch& watch, const WatchProgram& program, bool newStop) {
         watch.ofName = program.kindOf ? program.kindOf(watch.expression) : std::nullopt;
         watch.value = address.value ? program.read(watch, *address.value) : L"";
         shown = address.value ? watch.value : address.problem;
-        if (!address.value || watch.value == kUnreadableWatch) row.tone = ListTone::Problem;
+        if (!address.value || IsUnreadableWatch(watch.value)) row.tone = ListTone::Problem;
         if (!watch.before.empty() && watch.before != watch.value) row.changed = 1U << kWatchValue;
     } else if (program.session) {
         shown = watch.value;
@@ -189,7 +189,7 @@ Watch* WatchAt(std::vector<Watch>& watches, int row) {
 }
 
 bool WatchHasValue(const Watch* watch, bool stopped) {
-    return watch != nullptr && stopped && !watch->value.empty() && watch->value != kUnreadableWatch;
+    return watch != nullptr && stopped && !watch->value.empty() && !IsUnreadableWatch(watch->value);
 }
 
 WatchAction WatchActionOf(int column, const Watch* watch, bool stopped) {

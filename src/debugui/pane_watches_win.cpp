@@ -2,7 +2,6 @@
 // the run. UI thread only.
 #include "debugui/pane_watches.h"
 
-#include "base/handles.h"
 #include "base/texts.h"
 #include "debugger/debug_inspect.h"
 #include "debugger/debug_session.h"
@@ -26,8 +25,7 @@ WatchList g_list;
 Watch* WatchAtRow(int row) { return WatchAt(g_list.watches, row); }
 
 std::wstring ReadValue(const Watch& watch, std::uint64_t address) {
-    const HeapBlock<wchar_t> text(DebugWatchValue(&g_debugger, address, static_cast<int>(KindOfWatch(watch))));
-    return text ? text.get() : L"";
+    return DebugShownValue(&g_debugger, address, KindOfWatch(watch));
 }
 
 void FillWatches(PaneContent& content) {

@@ -306,6 +306,21 @@ TEST(WatchRows, TellAChangeByTheStopBefore) {
     EXPECT_EQ(row().changed, 0U) << "of another program";
 }
 
+TEST(WatchValue, WhyItCannotBeRead) {
+    const std::string pointers = Bytes(std::uint64_t{0x20});
+    const Stretch stretch = {.base = 0x1000, .bytes = pointers};
+    const struct {
+        WatchKind kind;
+        std::uint64_t address;
+        const wchar_t* why;
+    } cases[] = {{WatchKind::Long, 0, L"its address is 0, so it is not set yet"},
+                 {WatchKind::Long, 0x10, L"the program has no memory at 0x10"},
+                 {WatchKind::TextPointer, 0x1000, L"the program has no memory at 0x20"},
+                 {WatchKind::TextPointer, 0x30, L"the program has no memory at 0x30"}};
+    for (const auto& each : cases)
+        EXPECT_EQ(WhyUnreadable(each.kind, each.address, stretch.Memory()), each.why) << each.address;
+}
+
 TEST(WatchRows, SayWhatIsWrongAndEndWithTheNewOne) {
     WatchedProgram now;
     now.value = kUnreadableWatch;

@@ -139,7 +139,7 @@ TEST(NamedPlaces, AreValuesInExpressions) {
         } refused[] = {{"j", "j is not known. The compilers write no names of variables"},
                        {"half#+1", "no whole number"},
                        {"t", "no whole number"},
-                       {"gone", "the memory of gone cannot be read"},
+                       {"gone", "gone cannot be read: the program has no memory at"},
                        {"VARPTR(j)", "not known"}};
         for (const auto& each : refused) {
             const Evaluation got = EvaluateWithNames(each.text, frame.Scope());

@@ -123,7 +123,7 @@ TEST(DebugPane, WatchesShowAndWriteMemory) {
     ASSERT_TRUE(session.Start()) << session.editor.Describe();
     session.RunToLine(11);  // the loop is over: total is 300 * 301
     ASSERT_TRUE(session.Await(L"|90300 (0x000160BC)|")) << Utf8(session.All());
-    EXPECT_TRUE(HasLine(session.All(), L"16|LONG|<unreadable>|"));
+    EXPECT_TRUE(HasLine(session.All(), L"16|LONG|<unreadable>: the program has no memory at 0x10|"));
     EXPECT_FALSE(session.Cell(6, 2).empty()) << "an expression that is none says why";
     EXPECT_EQ(session.Cell(6, 2).find(L"0x"), std::wstring::npos);
 
