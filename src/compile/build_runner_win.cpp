@@ -168,7 +168,11 @@ int RefuseBuild(BuildRefusal refusal) {
 
 BuildPrinted PrintedByCompiler() {
     const OutputCounts& counts = OutputFeedCounts();
-    return {.lines = counts.lines, .errors = counts.errors, .warnings = counts.warnings};
+    const auto build = static_cast<std::int32_t>(g_output.errors.builds.size());
+    return {.lines = counts.lines,
+            .errors = counts.errors,
+            .warnings = counts.warnings,
+            .firstError = FirstErrorText(g_output.errors, build)};
 }
 
 std::wstring FlagsOfRun() {

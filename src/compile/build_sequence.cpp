@@ -195,6 +195,9 @@ BuildStep BuildReport(BuildRun& run, const BuildPrinted& printed, std::wstring_v
                                        {std::to_wstring(kCompilerLimitMs / 60000)}),
                               kLineRed});
     step.lines.push_back({L"--- " + run.finalStatus + L" ---\r\n", run.success ? 0 : kLineRed});
+    constexpr int kLinesInSight = 4;  // of the compiler, above the verdict, also in a low pane
+    if (!run.success && printed.lines > kLinesInSight && !printed.firstError.empty())
+        step.lines.push_back({printed.firstError + L"\r\n", kLineRed});
     if (built && !run.unwritten.empty()) {
         const bool wanted = run.order.debug || run.order.after == AfterBuild::RunProgram;
         step.lines.push_back({run.unwritten + L"\r\n", wanted ? kLineRed : kLineTeal});

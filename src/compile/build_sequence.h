@@ -103,6 +103,7 @@ struct BuildPrinted {
     int lines = 0;  // lines that are not empty
     int errors = 0;
     int warnings = 0;
+    std::wstring firstError = {};  // where it is (FirstErrorText); empty: not known
 };
 
 // The first step. There is no pre-build stage when the command is empty.

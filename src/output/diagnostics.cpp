@@ -1,5 +1,8 @@
 #include "output/diagnostics.h"
 
+#include "base/path.h"
+#include "base/texts.h"
+
 #include <algorithm>
 #include <limits>
 
@@ -91,4 +94,27 @@ int ParseErrorLine(std::wstring_view line, CompilerError* record) {
     SafeCopyW(record->message, message);
     record->severity = severity;
     return 1;
+}
+
+static int FirstErrorOf(const CompilerErrors& errors, std::int32_t build) {
+    const auto found = std::ranges::find_if(
+        errors.items, [build](const CompilerError& each) { return each.severity == 0 && each.build == build; });
+    return found == errors.items.end() ? -1 : static_cast<int>(found - errors.items.begin());
+}
+
+std::wstring FirstErrorText(const CompilerErrors& errors, std::int32_t build) {
+    const int index = FirstErrorOf(errors, build);
+    if (index < 0) return {};
+    const CompilerError& error = errors.items[static_cast<std::size_t>(index)];
+    const std::wstring place = std::wstring(FileNameOf(error.file)) + L":" + std::to_wstring(error.line);
+    std::wstring text = TextWith(L"First error at {1}: {2}", {place, error.message});
+    // A message with the shape of a diagnostic would be taken for one more.
+    CompilerError again = {};
+    return ParseErrorLine(text, &again) == 0 ? text : TextWith(L"First error at {1}", {place});
+}
+
+int RecordOfFirstErrorText(const CompilerErrors& errors, std::wstring_view line) {
+    for (std::int32_t build = 0; build <= static_cast<std::int32_t>(errors.builds.size()); ++build)
+        if (!line.empty() && line == FirstErrorText(errors, build)) return FirstErrorOf(errors, build);
+    return -1;
 }

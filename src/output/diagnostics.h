@@ -36,6 +36,12 @@ inline int ErrorCount(const CompilerErrors& errors) { return static_cast<int>(er
 bool IsErrorLine(std::wstring_view line);    // contains " error:" or " fatal error:"
 bool IsWarningLine(std::wstring_view line);  // contains " warning:"
 
+// What the end of a build says of its first error, which may be far above: "First error at a.bas:12: message". `build`: its
+// position in `builds`, from 1. Empty: it has none.
+std::wstring FirstErrorText(const CompilerErrors& errors, std::int32_t build);
+// The record that such a line tells; -1: it is another line.
+int RecordOfFirstErrorText(const CompilerErrors& errors, std::wstring_view line);
+
 // Reads "file(line,column): error: message" and "file:line:column: error: message", and the same with " fatal error:"
 // and " warning:". Returns 1 when `record` was filled (all but the compiler id and the build). Returns 0 for any other line, and
 // `record` is then unchanged.

@@ -164,6 +164,8 @@ void OutputPaneNavigateError() {
         GoToLog(log);
         return;
     }
+    if (const int index = RecordOfFirstErrorText(g_output.errors, text); index >= 0)
+        return CompilerNavigateToError(index);
     CompilerError error = {};
     if (ParseErrorLine(text, &error) == 0) return;
     if (const int index = IndexOfPaneLine(text, error); index >= 0)
@@ -193,7 +195,8 @@ bool CompilerIsOnDiagnostic() {
     std::wstring text;
     if (ListHasKeyboard()) return ErrorListSelected() >= 0;
     if (GetFocus() == g_documents.hEditor) return SourceMarkAtCaret(&error);
-    return DiagnosticOfPane(&error, &text) || !LogPlaceOf(text).path.empty();
+    return DiagnosticOfPane(&error, &text) || !LogPlaceOf(text).path.empty() ||
+           RecordOfFirstErrorText(g_output.errors, text) >= 0;
 }
 
 void OutputGoToSource() {

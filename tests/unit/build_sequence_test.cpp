@@ -53,7 +53,7 @@ std::string Course(const BuildOrder& order, const wchar_t* preBuild, const wchar
                    std::deque<Happening> happenings) {
     BuildRun run = {.order = order};
     BuildStage stage = BuildStage::Idle;
-    BuildPrinted printed = {.lines = 0, .errors = 1, .warnings = 2};
+    BuildPrinted printed = {.lines = 0, .errors = 1, .warnings = 2, .firstError = L"First error at a.bas:1"};
     Happening now;
     std::string text;
     bool ended = false;
@@ -115,6 +115,11 @@ TEST(BuildSequence, EveryCourse) {
          {run, L"", L"post", {{.exitCode = 3, .lines = 0}}},
          "status: Building...\nstart 2\nmark error\nside logs\n"
          "red: --- Build failed (exit code 3): 1 error, 2 warnings, 2.0 s ---\n"
+         "end: Build failed (exit code 3): 1 error, 2 warnings, 2.0 s -0"},
+        {"the first error is far above the end",
+         {{}, L"", L"", {{.exitCode = 3, .lines = 5}}},
+         "status: Building...\nstart 2\nmark error\n"
+         "red: --- Build failed (exit code 3): 1 error, 2 warnings, 2.0 s ---\nred: First error at a.bas:1\n"
          "end: Build failed (exit code 3): 1 error, 2 warnings, 2.0 s -0"},
         {"a syntax check builds no program",
          {{.syntaxOnly = true, .debug = true}, L"", L"post", {{}}},

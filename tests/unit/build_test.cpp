@@ -81,6 +81,28 @@ TEST(Diagnostics, LongPartsAreCutToTheRecord) {
     EXPECT_EQ(std::wstring_view(record.message), Repeat(511, L'm'));
 }
 
+TEST(Diagnostics, TheFirstErrorOfABuildIsNamedAndFoundAgain) {
+    CompilerErrors errors;
+    errors.builds.resize(2);
+    const auto add = [&errors](const wchar_t* line, std::int32_t build) {
+        CompilerError error = {};
+        ASSERT_EQ(ParseErrorLine(line, &error), 1);
+        error.build = build;
+        errors.items.push_back(error);
+    };
+    add(L"C:\\src\\a.bas(3,1): warning: unused", 1);
+    add(L"C:\\src\\a.bas(12,5): error: Undefined", 1);
+    add(L"b.bas:7:1: error: more", 1);
+    add(L"c.bas:1:1: fatal error: like x.bas:3:4: error: this", 2);
+    const std::wstring first = FirstErrorText(errors, 1), second = FirstErrorText(errors, 2);
+    EXPECT_EQ(first, L"First error at a.bas:12: Undefined");
+    EXPECT_EQ(second, L"First error at c.bas:1") << "it must not be taken for one more diagnostic";
+    EXPECT_EQ(RecordOfFirstErrorText(errors, first), 1);
+    EXPECT_EQ(RecordOfFirstErrorText(errors, second), 3);
+    EXPECT_EQ(RecordOfFirstErrorText(errors, L"b.bas:7"), -1);
+    EXPECT_EQ(RecordOfFirstErrorText(errors, L""), -1);
+}
+
 TEST(OutputFilter, DropsARepetitionOfItsOwnKindOnly) {
     OutputFilter filter;
     struct Step {
