@@ -6,6 +6,7 @@
 #include "app/panes.h"
 #include "base/bounded_text.h"
 #include "commands/toolbar.h"
+#include "compile/build.h"
 #include "completion/completion.h"
 #include "completion/tips.h"
 #include "debugui/breakpoint_list.h"
@@ -171,6 +172,8 @@ void OnEditorNotification(const SCNotification& notification) {
             FindBarOnModified(editor, notification.modificationType);
             SymbolsOnModified(document, notification);
             SnapshotsOnModified(document, notification);
+            if ((notification.modificationType & (SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT)) != 0)
+                BuildOnTextEdited(document);
             break;
         case SCN_PAINTED: BreakpointsOnPainted(document); break;
         case SCN_SAVEPOINTLEFT: OnSavePoint(tab, true); break;

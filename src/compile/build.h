@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/command_handler.h"
+#include "base/events.h"
 
 #include <windows.h>
 
@@ -33,6 +34,9 @@ void BuildOnTimer();
 // Called on TIMER_OUTPUT after the pane has got its next lines. Reports the end of a stage when all its output is in
 // the pane. Returns true while a replaced pane is still to be destroyed: the timer must then go on.
 bool BuildOnShown(bool allShown);
+
+// The text of a document has changed: a build asks again to save it.
+void BuildOnTextEdited(DocumentId document);
 
 // Ends a running build and waits at most a few seconds for its reader thread. Called at shutdown.
 void BuildShutdown();

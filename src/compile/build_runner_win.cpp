@@ -50,10 +50,29 @@ struct BuildRunner {
 };
 BuildRunner g_runner;
 
+// Documents whose file is read-only and which the user did not want to save for a build, with the text of now.
+std::vector<DocumentId> g_leftUnsaved;
+
 bool SaveBeforeBuild(int tab) {
     g_runner.saving = true;
     const bool saved = FileSave(tab) != 0;
     g_runner.saving = false;
+    return saved;
+}
+
+bool IsReadOnlyFile(const wchar_t* path) {
+    const DWORD attributes = PathAnswers(path) ? GetFileAttributesW(PathExtended(path).c_str()) : 0;
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+}
+
+// Asks once about a file that is read-only, and again when the text has changed since.
+bool SaveOtherDocument(int tab) {
+    const DocumentId document = TabAt(tab).id;
+    const std::wstring path = TabAt(tab).path;
+    const bool readOnly = IsReadOnlyFile(path.c_str());
+    if (readOnly && std::ranges::find(g_leftUnsaved, document) != g_leftUnsaved.end()) return false;
+    const bool saved = SaveBeforeBuild(tab);
+    if (!saved && readOnly) g_leftUnsaved.push_back(document);
     return saved;
 }
 
@@ -68,7 +87,7 @@ std::vector<BuildLine> SaveOtherDocuments() {
         if (outside == OutsideKind::Gone || outside == OutsideKind::Moved)
             continue;  // it is not to come back by itself
         const std::wstring path = TabAt(tab).path;
-        lines.push_back(SavedLine(path, SaveBeforeBuild(tab)));
+        lines.push_back(SavedLine(path, SaveOtherDocument(tab)));
     }
     return lines;
 }
@@ -437,6 +456,8 @@ BuildSituation BuildSituationNow() {
             .programRuns = StageIsProgram(),
             .programDebugged = g_compile.programInUse};
 }
+
+void BuildOnTextEdited(DocumentId document) { std::erase(g_leftUnsaved, document); }
 
 int BuildStart(const BuildOrder& order) {
     const BuildRefusal refusal = BuildRefusalOf(order, BuildSituationNow());

@@ -47,6 +47,34 @@ TEST(BuildGuards, EachDiagnosticOfABatchHasItsOwnFolder) {
     EXPECT_EQ(editor.Close(), 0u);
 }
 
+// The user who does not want to save a read-only file is not asked at every build.
+TEST(BuildGuards, AReadOnlyFileIsAskedAboutOnceForEachText) {
+    FakeFolder folder("make\n");
+    const std::wstring part = folder.Write(L"part.bas", "old\r\n");
+    Editor editor(folder,
+                  OpenArgument(folder.Write(L"main.bas", "1\r\n")) + OpenArgument(part) + L" --compiler kvxa64");
+    editor.Type("x");
+    SetFileAttributesW(part.c_str(), FILE_ATTRIBUTE_READONLY);
+    editor.Do(IDM_PREVIOUS_TAB);
+    const std::wstring notSaved = L"Not saved, so the build takes what is on the disk: " + part;
+    const auto buildAndRefuse = [&] {
+        editor.Post(IDM_BUILD);
+        editor.Answer(kProgramTitle, L"Failed to save file: " + part, IDCANCEL);
+        ASSERT_TRUE(editor.AwaitOutput(L"--- Build succeeded", kBuildDeadline)) << editor.Describe();
+        EXPECT_TRUE(Has(editor.Output(), notSaved)) << editor.Describe();
+    };
+    buildAndRefuse();
+    EXPECT_TRUE(Has(Build(editor), notSaved)) << "it asked again";
+    editor.Do(IDM_PREVIOUS_TAB);
+    editor.Type("y");
+    editor.Do(IDM_PREVIOUS_TAB);
+    buildAndRefuse();
+    SetFileAttributesW(part.c_str(), FILE_ATTRIBUTE_NORMAL);
+    EXPECT_TRUE(Has(Build(editor), L"Saved: " + part)) << editor.Describe();
+    EXPECT_EQ(folder.Read(L"part.bas"), "xyold\r\n");
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
 // Without a project, an include file stands for the program that includes it, as far as one can tell which.
 TEST(BuildGuards, AnIncludeFileStandsForItsProgram) {
     FakeFolder folder("args\nmake\n");
