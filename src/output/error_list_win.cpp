@@ -43,7 +43,8 @@ void PassErrorListMenu(int, POINT at) {
 constexpr ListKind kErrorList = {.columns = kColumns,
                                  .hasMarks = true,
                                  .activate = [](int row, int) { CompilerNavigateToError(row); },
-                                 .menu = PassErrorListMenu};
+                                 .menu = PassErrorListMenu,
+                                 .menuWithoutRow = true};
 
 void FillErrorList() {
     ListContent content;

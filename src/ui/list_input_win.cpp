@@ -101,13 +101,16 @@ void SelectRowAt(const ListView& list, POINT screen) {
 void OnListMenu(const ListView& list, POINT at) {
     if (at.x != -1 || at.y != -1) SelectRowAt(list, at);
     const int row = ListViewSelected(list);
-    if (ListViewRow(list, row) == nullptr || list.kind->menu == nullptr) return;
-    if (at.x == -1 && at.y == -1) {  // opened by the keyboard: below the selected row
-        const RECT cell = ListViewCell(list, row, 0);
-        at = {cell.left, cell.bottom};
+    const bool onRow = ListViewRow(list, row) != nullptr;
+    if (list.kind->menu == nullptr || (!onRow && !list.kind->menuWithoutRow)) return;
+    if (at.x == -1 && at.y == -1) {  // opened by the keyboard: below the selected row, or the header
+        RECT above = {};
+        GetClientRect(ListViewHeader(list), &above);
+        if (onRow) above = ListViewCell(list, row, 0);
+        at = {above.left, above.bottom};
         ClientToScreen(list.window, &at);
     }
-    list.kind->menu(row, at);
+    list.kind->menu(onRow ? row : -1, at);
 }
 
 void OnListCharacter(const ListView& list, wchar_t character) {

@@ -32,6 +32,7 @@ struct ListKind {
     void (*typed)(int row, wchar_t character) = nullptr;
     void (*check)(int row) = nullptr;  // Space and click on the mark
     void (*menu)(int row, POINT screen) = nullptr;
+    bool menuWithoutRow = false;  // `menu` is also called when no row is selected, with -1
 };
 
 // One list. The pane that shows it owns it, and keeps it until its window is destroyed.

@@ -61,6 +61,12 @@ TEST(ContextMenus, OfTheEditorWorkAtThePlaceOfTheMouseOrTheCaret) {
 TEST(ContextMenus, OfOutputAndErrorListGoToTheSourceAndCopy) {
     const ContextSession session;
     const Editor& editor = session.editor;
+    editor.Do(IDM_VIEW_ERROR_LIST);  // empty
+    ASSERT_TRUE(session.FocusOn(IDC_ERROR_LIST));
+    editor.Keys({VK_APPS});
+    ASSERT_TRUE(editor.AwaitMenu(true));
+    editor.Keys({VK_ESCAPE});
+    ASSERT_TRUE(editor.AwaitMenu(false));
     Build(editor);
     ASSERT_TRUE(session.FocusOn(IDC_OUTPUT));
     const auto at = static_cast<LPARAM>(editor.Output().find(L"main.bas(2,9)"));
@@ -73,8 +79,6 @@ TEST(ContextMenus, OfOutputAndErrorListGoToTheSourceAndCopy) {
     session.Choose([&] { editor.Keys({VK_APPS}); }, 'O');
     EXPECT_TRUE(WaitFor([&] { return ClipboardText().find(L"main.bas(3,7)") != std::wstring::npos; }));
 
-    editor.Do(IDM_VIEW_ERROR_LIST);
-    ASSERT_TRUE(WaitFor([&] { return IsWindowVisible(editor.Child(IDC_ERROR_LIST)) != FALSE; }));
     EXPECT_EQ(editor.CellOf(editor.Child(IDC_ERROR_LIST), 1, 0), L"Warning");
     editor.Sci(SCI_GOTOPOS, 0);
     ASSERT_TRUE(session.FocusOn(IDC_ERROR_LIST));
