@@ -77,8 +77,7 @@ SessionFile CaptureFile(const DocumentTab& tab) {
     const bool isShown = unshown == g_session.unshown.end();
     file.hasEditor = !isShown || tab.editor != nullptr;
     if (!isShown)
-        for (const SessionItem& item : unshown->second)
-            if (tab.editor == nullptr || !IsMark(item.key)) SessionTakeItem(file, item);
+        for (const SessionItem& item : unshown->second) SessionTakeItem(file, item);
     if (isShown && tab.editor != nullptr) {
         file.cursor = Position(tab.editor, SCI_GETCURRENTPOS);
         file.scroll = Position(tab.editor, SCI_GETFIRSTVISIBLELINE);
@@ -132,8 +131,10 @@ bool KeepForLater(int tab, const SessionItem& item) {
     if (TabAt(tab).editor != nullptr && !g_session.unshown.contains(TabAt(tab).id)) return false;
     const DocumentId document = TabAt(tab).id;
     const bool wasRead = TabAt(tab).editor != nullptr;
-    g_session.unshown[document].push_back(item);
-    if (wasRead && IsMark(item.key)) ApplyItem(tab, item);
+    if (wasRead && IsMark(item.key))
+        ApplyItem(tab, item);
+    else
+        g_session.unshown[document].push_back(item);
     if (!wasRead && (item.key == SessionKey::Breakpoints || item.key == SessionKey::BreakpointRule)) TabBarRead(tab);
     return true;
 }
@@ -194,6 +195,8 @@ void SessionOnTextArrived(DocumentId document) {
     if (unshown == g_session.unshown.end()) return;
     for (const SessionItem& item : unshown->second)
         if (IsMark(item.key)) ApplyItem(TabBarFindDocument(document), item);
+    // Once: a reload brings back what there is by then.
+    std::erase_if(unshown->second, [](const SessionItem& item) { return IsMark(item.key); });
 }
 
 void SessionOnShown(DocumentId document) {
