@@ -58,7 +58,9 @@ void MainWnd_ShowNotices();    // in message boxes, one after the other
 void MainWnd_AskAboutFiles();  // that other programs have changed, when the user can be asked; called as the one above
 // settings_apply_win.cpp
 void MainWnd_OnSettingsChanged(const Settings& before);
-void MainWnd_ApplyTimers(HWND window);  // starts or stops the timers for automatic saving by the settings
+void MainWnd_ApplyTimers(HWND window);     // starts or stops the timers for automatic saving by the settings
+void MainWnd_WaitForSession(HWND window);  // the session is saved at its usual interval from now on, if at all
+void MainWnd_SaveSessionSoon();            // once in a pause of what changes it
 // events_win.cpp
 void MainWnd_ConnectEvents();  // connects base/events.h
 void MainWnd_OnOutputTimer();  // TIMER_OUTPUT

@@ -92,6 +92,7 @@ void RouteTimer(HWND window, UINT_PTR id) {
         case TIMER_SESSION:
             SessionTakePlace();  // the copy that had it may have ended
             SessionAutoSave(window);
+            MainWnd_WaitForSession(window);
             break;
         case TIMER_DEBUG: DebugOnTimer(); break;
         case TIMER_DEBUG_ALIVE: DebugOnAliveTimer(); break;

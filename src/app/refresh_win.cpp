@@ -11,6 +11,7 @@
 #include "compile/build.h"
 #include "compile/build_stage.h"
 #include "completion/completion.h"
+#include "debugui/breakpoint_list.h"
 #include "debugui/debug_run.h"
 #include "documents/document_row.h"
 #include "documents/file_commands.h"
@@ -64,6 +65,14 @@ void FollowPosition() {
     if (!g_refresh.positionWaits || since >= kPositionMs) ShowPosition();
 }
 
+// A program that is debugged may take the editor along: its breakpoints are to come back whole, with the condition that
+// was given a minute ago.
+void KeepBreakpoints() {
+    static std::uint64_t kept = 0;
+    const std::uint64_t changes = BreakpointChanges();
+    if (std::exchange(kept, changes) != changes) MainWnd_SaveSessionSoon();
+}
+
 }  // namespace
 
 void MainWindow_RequestStateRefresh() { g_refresh.wanted = true; }
@@ -78,6 +87,7 @@ void MainWnd_RunPendingRefresh() {
     MainWnd_AskAboutFiles();
     if (!g_refresh.wanted || g_app.hToolbar == nullptr) return;
     g_refresh.wanted = false;
+    KeepBreakpoints();
     PaneTitlesShowFocus();
     FollowPosition();
     ToolbarApplyState(CurrentCommandView());

@@ -24,10 +24,23 @@ static void SetTimerOrStop(HWND window, UINT_PTR timer, UINT interval) {
         KillTimer(window, timer);
 }
 
+static void SetSessionTimer(HWND window, UINT interval) {
+    SetTimerOrStop(window, TIMER_SESSION, g_app.settings.autoSaveEnabled != 0 ? interval : 0);
+}
+
 void MainWnd_ApplyTimers(HWND window) {
-    constexpr UINT kSessionInterval = 300000;  // ms
     SetTimerOrStop(window, TIMER_AUTO_SAVE, AutoSaveInterval(g_app.settings.autoSaveInterval));
-    SetTimerOrStop(window, TIMER_SESSION, g_app.settings.autoSaveEnabled != 0 ? kSessionInterval : 0);
+    MainWnd_WaitForSession(window);
+}
+
+void MainWnd_WaitForSession(HWND window) {
+    constexpr UINT kSessionInterval = 300000;  // ms
+    SetSessionTimer(window, kSessionInterval);
+}
+
+void MainWnd_SaveSessionSoon() {
+    constexpr UINT kPause = 3000;  // ms without another change
+    SetSessionTimer(g_app.hMainWnd, kPause);
 }
 
 static void ApplyFileTypes(const Settings& before) {

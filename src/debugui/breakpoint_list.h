@@ -15,6 +15,8 @@ void BreakpointsUpdate();
 // Every breakpoint, sorted by file and line, as of the last update. The reference and the indexes are valid until the
 // next call of a function of this header.
 const UserBreakpoints& BreakpointList();
+// Grows when a breakpoint comes, goes or gets another rule.
+std::uint64_t BreakpointChanges();
 
 // F9, or a click into the margin: makes or removes the breakpoint of a line (from 1), in a running session, too.
 void BreakpointToggle(DocumentId document, int line);

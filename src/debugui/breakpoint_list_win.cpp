@@ -23,6 +23,7 @@ namespace {
 
 UserBreakpoints g_list;
 UserBreakpoints g_away;  // of lines that were deleted, and may come back by undo
+std::uint64_t g_changes = 0;
 
 constexpr int kOverlays[] = {kMarkHollow, kMarkDisabled, kMarkConditional};
 
@@ -132,6 +133,8 @@ void DrawAllLooks() {
 }
 
 void OnListChanged() {
+    ++g_changes;
+    g_events.refreshWanted();
     for (const DocumentId document : PlantSharers(&g_list, SessionTarget())) DrawLooks(document);
     DebugPaneInvalidate();
 }
@@ -200,6 +203,8 @@ void BreakpointsUpdate() {
 }
 
 const UserBreakpoints& BreakpointList() { return g_list; }
+
+std::uint64_t BreakpointChanges() { return g_changes; }
 
 int BreakpointAt(DocumentId document, int line, bool make) {
     const HWND editor = EditorOfDocument(document);

@@ -208,6 +208,34 @@ TEST(Session, IsNotOverwrittenWhileItsQuestionIsOpen) {
     EXPECT_EQ(editor.Close(), 0u);
 }
 
+// A program that is killed brings its breakpoints back as they were then.
+TEST(Session, BreakpointsAreKeptSoonAndComeBackWhole) {
+    ProgramFolder folder;
+    const std::wstring a = folder.Write(L"a.bas", Lines(20)), b = folder.Write(L"b.bas", Lines(20));
+    {
+        Editor editor(folder, OpenArgument(a) + OpenArgument(b));
+        editor.Do(IDM_PREVIOUS_TAB);
+        editor.Sci(SCI_GOTOLINE, 5);
+        editor.Post(IDM_DEBUG_CONDITIONAL);
+        const Dialog dialog = editor.AwaitDialog(L"Conditional Breakpoint");
+        SetDlgItemTextW(dialog.window, IDC_CONDITION_TEXT, L"RCX > 5");
+        editor.Press(dialog, IDOK);
+        editor.Do(IDM_PREVIOUS_TAB);
+        const auto kept = [&] {
+            return folder.Read(kSessionFile).find("BreakpointRule=5,1,RCX > 5") != std::string::npos;
+        };
+        EXPECT_TRUE(WaitFor(kept)) << folder.Read(kSessionFile);
+        TerminateProcess(editor.process, 1);
+    }
+    Editor editor(folder, L"", Until::Started);
+    editor.Answer(kRestore, L"", IDYES);
+    ASSERT_TRUE(editor.AwaitReady());
+    ASSERT_EQ(editor.TabLabel(editor.ActiveTab()), L"b.bas");
+    editor.Do(IDM_PREVIOUS_TAB);
+    EXPECT_EQ(BreakpointMarks(editor, 5), 1 << kMarkBreakpoint | 1 << kMarkConditional);
+    EXPECT_EQ(editor.Close(), 0u);
+}
+
 TEST(Session, TheAnswerNoHoldsAgainstTheTimer) {
     ProgramFolder folder;
     const std::wstring a = folder.Write(L"a.bas", "a"), b = folder.Write(L"b.bas", "b");
