@@ -36,10 +36,10 @@ void DialogPutInPlace(HWND dialog, int placeholder, HWND window) {
     const HWND text = GetDlgItem(dialog, placeholder);
     GetWindowRect(text, &place);
     MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
-    SetWindowPos(window, text, place.left, place.top, place.right - place.left, place.bottom - place.top,
-                 SWP_SHOWWINDOW);
-    DestroyWindow(text);
     SetWindowLongPtrW(window, GWL_STYLE, GetWindowLongPtrW(window, GWL_STYLE) | WS_TABSTOP | WS_BORDER);
+    SetWindowPos(window, text, place.left, place.top, place.right - place.left, place.bottom - place.top,
+                 SWP_SHOWWINDOW | SWP_FRAMECHANGED);
+    DestroyWindow(text);
 }
 
 int DialogUnits(HWND dialog, int units) {
