@@ -148,7 +148,7 @@ constexpr Line kFileLines[] = {
      L"Beside it, with \".bak\" at the end.", L"Backup"},
     {FIELD(backupSettings), Check, L"Keep a copy of the settings file", L"\"Editor.ini.bak\", from before each save."},
     {FIELD(reloadChangedFiles), Check, L"Reload files that other programs change without asking",
-     L"Only documents without unsaved edits; Undo takes it back.", L"Other Programs"},
+     L"Only documents without unsaved edits; Undo takes it back.", L"Other programs"},
     Numbered(FIELD(autoSaveInterval), L"Save documents every", 0, 1440,
              L"Minutes. Modified documents that have a file are saved; 0 is never.", L"Recovery"),
     {FIELD(autoSaveEnabled), Check, L"Keep the session every five minutes",
