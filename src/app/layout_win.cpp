@@ -175,6 +175,7 @@ void MainWnd_OnSize(WPARAM kind, int width, int height) {
     if (kind != SIZE_MINIMIZED) ApplyLayoutRatios(width, height);
     MainWnd_NotePlace(g_app.hMainWnd);
     MainWindow_Layout();
+    SizeStepPaint(g_app.hMainWnd);
 }
 
 void MainWnd_OnMinMaxInfo(MINMAXINFO& info) {

@@ -8,6 +8,7 @@
 #include "resources/ids.h"
 #include "ui/chrome.h"
 #include "ui/dpi.h"
+#include "ui/late_size.h"
 #include "ui/mouse_drag.h"
 #include "ui/paint.h"
 #include "ui/window_class.h"
@@ -91,7 +92,7 @@ void DragSplitter(const SplitterRow& row) {
     const auto moved = [](LONG from, LONG to) { return static_cast<int>(to - from); };
     SetSplitter(row, DraggedSplitter(row.kind, g_splitters.startValue, moved(g_splitters.start.x, now.x),
                                      moved(g_splitters.start.y, now.y), g_app.dpi));
-    UpdateWindow(g_app.hMainWnd);
+    SizeStepPaintNow(g_app.hMainWnd);
 }
 
 void EndSplitterDrag() {

@@ -11,6 +11,8 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -28,10 +30,12 @@ struct PaneSize {
 
 struct LateSizes {
     std::unordered_map<HWND, PaneSize> panes;
+    std::vector<void (*)()> others;  // what waits with the panes
     DragPace pace;
     double changed = 0;  // when a pane last began to wait
     UINT_PTR timer = 0;
     UINT_PTR stepTimer = 0;
+    double stepped = -kStillMs;  // when the frame last had another size while it was in view
 };
 LateSizes g_late;
 
@@ -102,17 +106,24 @@ void TellSize(HWND pane) {
         RedrawAll(pane);
 }
 
+// Returns whether there was one.
+bool TellOne() {
+    const auto next =
+        std::ranges::find_if(g_late.panes, [](const auto& each) { return each.second.waits || each.second.plain; });
+    if (next == g_late.panes.end()) return false;
+    next->second.waits = next->second.plain = false;
+    TellSize(next->first);
+    return true;
+}
+
 // The panes are told one after the other, and the window answers between them.
 void CALLBACK TellNext(HWND, UINT, UINT_PTR timer, DWORD) {
     KillTimer(nullptr, timer);
     g_late.timer = 0;
     const double left = g_late.changed + kStillMs - ClockMs();
-    const auto next =
-        std::ranges::find_if(g_late.panes, [](const auto& each) { return each.second.waits || each.second.plain; });
-    if (next == g_late.panes.end()) return;
-    if (left <= 0) {
-        next->second.waits = next->second.plain = false;
-        TellSize(next->first);
+    if (left <= 0 && !TellOne()) {
+        for (const auto later : std::exchange(g_late.others, {})) later();
+        return;
     }
     g_late.timer = SetTimer(nullptr, 0, left > 0 ? static_cast<UINT>(left) + 1 : USER_TIMER_MINIMUM, TellNext);
 }
@@ -238,9 +249,26 @@ void SizeLateKeepsEnd(HWND pane) {
     if (pane != nullptr) g_late.panes[pane].keepsEnd = true;
 }
 
+bool SizeWaitsWithFrame(void (*later)()) {
+    if (!IsSlow() || ClockMs() - g_late.stepped > kStillMs) return false;
+    if (std::ranges::find(g_late.others, later) == g_late.others.end()) g_late.others.push_back(later);
+    TellWhenStill();
+    return true;
+}
+
 void SizeStepBegins() {
     DragStepBegins(g_late.pace, ClockMs());
     if (g_late.stepTimer == 0) g_late.stepTimer = SetTimer(nullptr, 0, USER_TIMER_MINIMUM, EndStep);
+}
+
+void SizeStepPaint(HWND frame) {
+    if (ClockMs() - g_late.stepped <= kStillMs) SizeStepPaintNow(frame);
+    if (IsWindowVisible(frame) != FALSE) g_late.stepped = ClockMs();
+}
+
+void SizeStepPaintNow(HWND frame) {
+    RedrawWindow(frame, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+    SizeStepEnds();
 }
 
 void SizeStepEnds() { DragStepEnds(g_late.pace, ClockMs(), 0); }

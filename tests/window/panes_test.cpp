@@ -4,7 +4,9 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <stop_token>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -247,8 +249,34 @@ TEST(StartPage, OffersWhatCanBeOpenedUntilSomethingIs) {
     EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
 }
 
-// While the steps of a drag are slow, the list in a pane is not told its new sizes. The steps come without a pause here, so
-// they are slow on any machine.
+// Lets the thread of a window run for a short time and then stand still for longer than a frame, so that whatever takes
+// the thread some milliseconds is slow on any machine.
+class SlowedThread {
+public:
+    explicit SlowedThread(HWND window)
+        : thread_(OpenThread(THREAD_SUSPEND_RESUME, FALSE, GetWindowThreadProcessId(window, nullptr))),
+          slows_([this](const std::stop_token& stop) {
+              while (!stop.stop_requested()) {
+                  SuspendThread(thread_);
+                  Sleep(20);
+                  ResumeThread(thread_);
+                  Sleep(2);
+              }
+          }) {}
+    ~SlowedThread() {
+        slows_.request_stop();
+        slows_.join();
+        CloseHandle(thread_);
+    }
+    SlowedThread(const SlowedThread&) = delete;
+    SlowedThread& operator=(const SlowedThread&) = delete;
+
+private:
+    HANDLE thread_;
+    std::jthread slows_;
+};
+
+// While the steps of a drag are slow, the list in a pane is not told its new sizes.
 TEST(Panes, FitAfterASlowDragAsAfterASingleStep) {
     ProgramFolder folder;
     folder.SetIni(L"Editor", L"ShowErrorList", L"1");
@@ -264,8 +292,8 @@ TEST(Panes, FitAfterASlowDragAsAfterASingleStep) {
         for (WPARAM column = 0; column < 4; ++column) all.push_back(editor.Send(list, LVM_GETCOLUMNWIDTH, column));
         return all;
     };
-    const auto sizeTo = [&](int width, UINT how = 0) {
-        SetWindowPos(editor.main, nullptr, 0, 0, width, 700, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE | how);
+    const auto sizeTo = [&](int width) {
+        SetWindowPos(editor.main, nullptr, 0, 0, width, 700, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
     };
     const auto fits = [&] {
         const std::vector<LRESULT> now = widths();
@@ -274,11 +302,14 @@ TEST(Panes, FitAfterASlowDragAsAfterASingleStep) {
     // Ends at the width in the middle of the drag, when a size is kept back. The widths before are other ones.
     const auto dragSlowly = [&](int toWidth) {
         int width = toWidth + 400;
-        const bool late = WaitFor([&] {
-            for (int step = 0; step < 12; ++step) sizeTo(width -= 2, SWP_ASYNCWINDOWPOS);
-            editor.Send(editor.main, WM_NULL);
-            return !fits() || width < toWidth + 30;
-        });
+        bool late = false;
+        {
+            const SlowedThread slowed(editor.main);
+            late = WaitFor([&] {
+                for (int step = 0; step < 4; ++step) sizeTo(width -= 2);
+                return !fits() || width < toWidth + 30;
+            });
+        }
         sizeTo(toWidth);
         return late && !fits();
     };
