@@ -5,6 +5,7 @@
 #include "ai/ai_replace.h"
 #include "app/app_state.h"
 #include "app/main_window.h"
+#include "app/move_order.h"
 #include "app/pane_titles.h"
 #include "app/panes.h"
 #include "app/split_ratios.h"
@@ -23,8 +24,8 @@
 #include "ui/late_size.h"
 #include "ui/panes.h"
 
-#include <algorithm>
 #include <iterator>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -63,34 +64,37 @@ PaneRect PlaceOf(HWND child) {
 
 bool IsShown(HWND child) { return (GetWindowLongW(child, GWL_STYLE) & WS_VISIBLE) != 0; }
 
-bool Overlap(const PaneRect& a, const PaneRect& b) {
-    return a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom;
+// What has to be done with a window. Nothing when it is where it should be: moving it there once more would cost several
+// system calls.
+std::optional<PaneMove> MoveOf(const PanePart& part) {
+    if (part.window == nullptr) return std::nullopt;
+    const bool shown = IsShown(part.window);
+    const PaneRect now = shown ? PlaceOf(part.window) : PaneRect();
+    if (part.area.empty() ? !shown : shown && now == part.area) return std::nullopt;
+    return PaneMove{.from = now, .to = part.area};
 }
 
-// Wine moves the windows one after the other, and each takes along what is on the screen at its old place. After the
-// moves before it, that can be a part of another window.
-bool PictureIsCovered(const PaneRect& from, const PaneRect& to, std::span<const PanePart> before) {
-    const PaneRect picture = {from.left, from.top, from.left + std::min(from.width(), to.width()),
-                              from.top + std::min(from.height(), to.height())};
-    return std::ranges::any_of(
-        before, [&](const PanePart& each) { return each.window != nullptr && Overlap(each.area, picture); });
-}
-
-// Moves one child window; an empty rectangle hides it. A window that is where it should be is left alone: moving it there
-// once more would cost several system calls. DeferWindowPos and SWP_DEFERERASE let a resize repaint only once.
-void PlaceChild(HDWP& moves, const PanePart& part, std::span<const PanePart> before) {
-    const auto& [child, area] = part;
-    if (child == nullptr || moves == nullptr || (area.empty() && !IsShown(child))) return;
+// An empty rectangle hides the window. DeferWindowPos and SWP_DEFERERASE let a resize repaint only once.
+void AddMove(HDWP& moves, HWND child, const PaneMove& move) {
+    if (moves == nullptr) return;
     UINT flags = SWP_NOZORDER | SWP_NOACTIVATE | SWP_DEFERERASE;
-    if (area.empty()) {
-        flags |= SWP_HIDEWINDOW | SWP_NOMOVE | SWP_NOSIZE;
-    } else {
-        const PaneRect now = PlaceOf(child);
-        if (now == area && IsShown(child)) return;
-        flags |= SWP_SHOWWINDOW;
-        if (PictureIsCovered(now, area, before)) flags |= SWP_NOCOPYBITS;
+    flags |= move.to.empty() ? SWP_HIDEWINDOW | SWP_NOMOVE | SWP_NOSIZE : SWP_SHOWWINDOW;
+    if (move.covered) flags |= SWP_NOCOPYBITS;
+    moves = DeferWindowPos(moves, child, nullptr, move.to.left, move.to.top, move.to.width(), move.to.height(), flags);
+}
+
+void MoveParts(std::span<const PanePart> parts) {
+    std::vector<HWND> windows;
+    std::vector<PaneMove> moves;
+    for (const PanePart& part : parts) {
+        const std::optional<PaneMove> move = MoveOf(part);
+        if (!move) continue;
+        windows.push_back(part.window);
+        moves.push_back(*move);
     }
-    moves = DeferWindowPos(moves, child, nullptr, area.left, area.top, area.width(), area.height(), flags);
+    HDWP deferred = BeginDeferWindowPos(static_cast<int>(moves.size()));
+    for (const std::size_t i : OrderMoves(moves)) AddMove(deferred, windows[i], moves[i]);
+    if (deferred != nullptr) EndDeferWindowPos(deferred);
 }
 
 void PlaceChildren(const PaneLayout& layout) {
@@ -118,9 +122,7 @@ void PlaceChildren(const PaneLayout& layout) {
     const std::vector<PanePart> titles = PaneTitleParts(layout);
     parts.insert(parts.end(), titles.begin(), titles.end());
     parts.insert(parts.end(), std::begin(frame), std::end(frame));
-    HDWP moves = BeginDeferWindowPos(static_cast<int>(parts.size()));
-    for (std::size_t i = 0; i < parts.size(); ++i) PlaceChild(moves, parts[i], std::span(parts).first(i));
-    if (moves != nullptr) EndDeferWindowPos(moves);
+    MoveParts(parts);
     if (!layout.status.empty()) StatusBarLayout(layout.status.width());
 }
 
@@ -135,7 +137,7 @@ void MainWindow_Layout() {
     const PaneSpec* focused = PaneOfWindow(GetFocus());
     g_placed = ComputePaneLayout(LayoutInputOf(client.right, client.bottom));
     PlaceChildren(g_placed);
-    SplittersRaiseGrips();
+    SplittersPlaceGrips();
     AsmPaneOnPlaced();
     QuickOpenPlace();
     AiRenewMarks();

@@ -23,6 +23,7 @@ namespace {
 struct PaneTitle {
     HWND label = nullptr;  // null: never shown
     HWND close = nullptr;
+    int needs = 0;  // the width at which its text is not cut, as it was last drawn
 };
 
 struct PaneTitles {
@@ -100,7 +101,7 @@ void CreateTitle(const PaneSpec& pane) {
     placeBefore(title.close, title.label);
 }
 
-void DrawTitle(const DRAWITEMSTRUCT& item, bool focused) {
+void DrawTitle(const DRAWITEMSTRUCT& item, PaneId pane, bool focused) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
     FillArea(item.hDC, item.rcItem, chrome.tabBack);
     if (focused) {
@@ -113,9 +114,20 @@ void DrawTitle(const DRAWITEMSTRUCT& item, bool focused) {
     const HGDIOBJ oldFont = SelectObject(item.hDC, UiFont());
     SetBkMode(item.hDC, TRANSPARENT);
     SetTextColor(item.hDC, focused ? chrome.tabActiveText : chrome.tabText);
-    DrawTextW(item.hDC, WindowText(item.hwndItem).c_str(), -1, &area,
-              DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | DT_NOPREFIX);
+    const std::wstring text = WindowText(item.hwndItem);
+    DrawTextW(item.hDC, text.c_str(), -1, &area, DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | DT_NOPREFIX);
+    SIZE size = {};
+    GetTextExtentPoint32W(item.hDC, text.c_str(), static_cast<int>(text.size()), &size);
+    g_titles.of[PaneIndex(pane)].needs = static_cast<int>(area.left + size.cx);
     SelectObject(item.hDC, oldFont);
+}
+
+// A label that gets another width keeps its picture, in which the dots of a cut text are at the wrong place.
+void RenewCutText(const PaneTitle& title, int width) {
+    RECT now = {};
+    GetClientRect(title.label, &now);
+    if (now.right != width && std::min(static_cast<int>(now.right), width) < title.needs)
+        InvalidateRect(title.label, nullptr, FALSE);
 }
 
 void DrawClose(const DRAWITEMSTRUCT& item) {
@@ -159,6 +171,7 @@ std::vector<PanePart> PaneTitleParts(const PaneLayout& layout) {
         if (title.label == nullptr) continue;
         PaneRect label = area, close = area;
         if (!area.empty()) close.left = label.right = std::max(area.left, area.right - area.height() - UiScaled(2));
+        RenewCutText(title, label.width());
         parts.push_back({title.label, label});
         parts.push_back({title.close, close});
     }
@@ -169,7 +182,7 @@ bool PaneTitleDraw(const DRAWITEMSTRUCT& item) {
     const PaneSpec* pane = PaneOfTitle(item.hwndItem);
     if (pane == nullptr) return false;
     if (item.CtlID == IDC_PANE_TITLE)
-        DrawTitle(item, pane == g_titles.focused);
+        DrawTitle(item, pane->id, pane == g_titles.focused);
     else
         DrawClose(item);
     return true;

@@ -9,7 +9,7 @@
 // The window of a bar, which is made when it is first wanted. Null: there is none.
 HWND SplitterWindow(Splitter kind, bool wanted);
 LRESULT CALLBACK SplitterProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-// A window that was made since lies above the grips by which the mouse takes the bars.
-void SplittersRaiseGrips();
+// The grips, by which the mouse takes the bars, go where the bars are now, above all that was made since.
+void SplittersPlaceGrips();
 void SplittersTakeKeys();      // gives the keyboard to the first bar that is shown
 void SplittersRestoreSizes();  // gives all panes their sizes of a first start

@@ -201,22 +201,48 @@ HWND CreateGrip(HWND bar, const SplitterRow& row) {
     return grip;
 }
 
-// Follows the bar, which has moved, or is shown or hidden now.
-void PlaceGrip(HWND bar) {
-    for (std::size_t i = 0; i < std::size(kSplitters); ++i) {
-        if (g_splitters.windows[i] != bar) continue;
-        HWND& grip = g_splitters.grips[i];
-        if (grip == nullptr) grip = CreateGrip(bar, kSplitters[i]);
-        RECT area = {};
-        GetWindowRect(bar, &area);
-        MapWindowPoints(nullptr, g_app.hMainWnd, reinterpret_cast<POINT*>(&area), 2);
-        const bool up = SplitterMovesUp(kSplitters[i].kind);
-        InflateRect(&area, up ? 0 : UiScaled(kGripBeside), up ? UiScaled(kGripBeside) : 0);
-        const bool shown = (GetWindowLongW(bar, GWL_STYLE) & WS_VISIBLE) != 0;
-        SetWindowPos(
-            grip, nullptr, area.left, area.top, area.right - area.left, area.bottom - area.top,
-            SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOREDRAW | static_cast<UINT>(shown ? SWP_SHOWWINDOW : SWP_HIDEWINDOW));
-    }
+constexpr UINT kQuietly = SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOREDRAW;
+
+bool IsShown(HWND window) { return (GetWindowLongW(window, GWL_STYLE) & WS_VISIBLE) != 0; }
+
+HWND GripOf(HWND bar) {
+    const auto at = std::ranges::find(g_splitters.windows, bar) - g_splitters.windows.begin();
+    return at < kSplitterCount ? g_splitters.grips[static_cast<std::size_t>(at)] : nullptr;
+}
+
+RECT PlaceInFrame(HWND window) {
+    RECT area = {};
+    GetWindowRect(window, &area);
+    MapWindowPoints(nullptr, g_app.hMainWnd, reinterpret_cast<POINT*>(&area), 2);
+    return area;
+}
+
+void HideGrip(HWND grip) {
+    if (IsShown(grip)) SetWindowPos(grip, nullptr, 0, 0, 0, 0, kQuietly | SWP_NOMOVE | SWP_NOSIZE | SWP_HIDEWINDOW);
+}
+
+void PlaceGrip(HWND grip, HWND bar) {
+    RECT area = PlaceInFrame(bar);
+    const bool up = SplitterMovesUp(RowOf(bar).kind);
+    InflateRect(&area, up ? 0 : UiScaled(kGripBeside), up ? UiScaled(kGripBeside) : 0);
+    const RECT now = PlaceInFrame(grip);
+    if (IsShown(grip) && EqualRect(&now, &area) != FALSE) return;
+    SetWindowPos(grip, nullptr, area.left, area.top, area.right - area.left, area.bottom - area.top,
+                 kQuietly | SWP_SHOWWINDOW);
+}
+
+// Above all other windows of the frame.
+void RaiseGrips() {
+    const auto isGrip = [](HWND window) {
+        return window != nullptr && std::ranges::find(g_splitters.grips, window) != g_splitters.grips.end();
+    };
+    const auto grips = std::ranges::count_if(g_splitters.grips, [](HWND grip) { return grip != nullptr; });
+    std::ptrdiff_t above = 0;
+    for (HWND each = GetWindow(g_app.hMainWnd, GW_CHILD); isGrip(each); each = GetWindow(each, GW_HWNDNEXT)) ++above;
+    if (above == grips) return;
+    for (const HWND grip : g_splitters.grips)
+        if (grip != nullptr)
+            SetWindowPos(grip, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | SWP_NOREDRAW);
 }
 
 HWND CreateSplitter(const SplitterRow& row) {
@@ -243,17 +269,21 @@ HWND SplitterWindow(Splitter kind, bool wanted) {
     return nullptr;
 }
 
-void SplittersRaiseGrips() {
-    const auto isGrip = [](HWND window) {
-        return window != nullptr && std::ranges::find(g_splitters.grips, window) != g_splitters.grips.end();
-    };
-    const auto grips = std::ranges::count_if(g_splitters.grips, [](HWND grip) { return grip != nullptr; });
-    std::ptrdiff_t above = 0;
-    for (HWND each = GetWindow(g_app.hMainWnd, GW_CHILD); isGrip(each); each = GetWindow(each, GW_HWNDNEXT)) ++above;
-    if (above == grips) return;
-    for (const HWND grip : g_splitters.grips)
-        if (grip != nullptr)
-            SetWindowPos(grip, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | SWP_NOREDRAW);
+// In a slow drag of the frame the grips are hidden until the hand is still: the mouse is busy, and under Wine each move of a
+// grip paints once more what is beside its bar.
+void SplittersPlaceGrips() {
+    const bool later = SizeWaitsWithFrame(SplittersPlaceGrips);
+    for (std::size_t i = 0; i < std::size(kSplitters); ++i) {
+        const HWND bar = g_splitters.windows[i];
+        HWND& grip = g_splitters.grips[i];
+        if (bar == nullptr) continue;
+        if (grip == nullptr) grip = CreateGrip(bar, kSplitters[i]);
+        if (later || !IsShown(bar))
+            HideGrip(grip);
+        else
+            PlaceGrip(grip, bar);
+    }
+    if (!later) RaiseGrips();
 }
 
 void SplittersTakeKeys() {
@@ -275,7 +305,10 @@ LRESULT CALLBACK SplitterProc(HWND window, UINT message, WPARAM wParam, LPARAM l
         case WM_SETCURSOR:
             SetCursor(LoadCursorW(nullptr, SplitterMovesUp(row.kind) ? IDC_SIZENS : IDC_SIZEWE));
             return TRUE;
-        case WM_WINDOWPOSCHANGED: PlaceGrip(window); return 0;
+        case WM_WINDOWPOSCHANGING:
+            // Under Wine the moves of the grip would leave strips of the frame's ground in the picture of the bar.
+            if (IsShown(GripOf(window))) reinterpret_cast<WINDOWPOS*>(lParam)->flags |= SWP_NOCOPYBITS;
+            return 0;
         case WM_ERASEBKGND: return EraseSplitter(window, reinterpret_cast<HDC>(wParam));
         case WM_LBUTTONDOWN: BeginSplitterDrag(window); return 0;
         case WM_LBUTTONDBLCLK: RestoreSplitter(row); return 0;

@@ -1,6 +1,7 @@
 // Command line, start, pane arithmetic and window placement.
 #include "app/command_line.h"
 #include "app/layout.h"
+#include "app/move_order.h"
 #include "app/notify_rules.h"
 #include "app/recent_text.h"
 #include "app/split_ratios.h"
@@ -161,13 +162,18 @@ LayoutInput InputOf(int width, int height, unsigned panes, int dpi) {
     return input;
 }
 
-std::vector<PaneRect> Visible(const PaneLayout& l) {
+std::vector<PaneRect> Parts(const PaneLayout& l) {
     std::vector<PaneRect> all = {
         l.toolbar,          l.status,       l.tabs,           l.sticky,        l.editor,          l.startPage,
         l.treeSplitter,     l.sideSplitter, l.outputSplitter, l.debugSplitter, l.resultsSplitter, l.outlineSplitter,
         l.errorListSplitter};
     all.insert(all.end(), l.panes.begin(), l.panes.end());
     all.insert(all.end(), l.titles.begin(), l.titles.end());
+    return all;
+}
+
+std::vector<PaneRect> Visible(const PaneLayout& l) {
+    std::vector<PaneRect> all = Parts(l);
     std::erase_if(all, [](const PaneRect& r) { return r.empty(); });
     return all;
 }
@@ -263,6 +269,82 @@ TEST(Layout, OutputAndErrorListKeepSomeRowsEach) {
     input.outputSplit = PositionAt(kFirstOutputRatio, 28, 300);
     input.clientHeight = 300;
     EXPECT_GE(ComputePaneLayout(input).editor.height(), 60) << "the editor keeps its half of a small window";
+}
+
+// A screen on which windows are moved one after the other. Each takes along what is at its old place.
+class Screen {
+public:
+    Screen(int width, int height) : width_(width), pixels_(static_cast<std::size_t>(width * height), -1) {}
+    // Returns how many pixels of the area are of that window.
+    int Count(const PaneRect& area, int window) const {
+        int count = 0;
+        for (int y = area.top; y < area.bottom; ++y)
+            for (int x = area.left; x < area.right; ++x) count += pixels_[At(x, y)] == window ? 1 : 0;
+        return count;
+    }
+    void Paint(const PaneRect& area, int window) {
+        for (int y = area.top; y < area.bottom; ++y)
+            for (int x = area.left; x < area.right; ++x) pixels_[At(x, y)] = window;
+    }
+
+private:
+    std::size_t At(int x, int y) const { return static_cast<std::size_t>(y * width_ + x); }
+    int width_;
+    std::vector<int> pixels_;
+};
+
+// Moves the windows from one layout to the other. Returns how many of them lose their picture, or come to where another
+// one still is.
+int MoveAll(const std::vector<PaneRect>& from, const std::vector<PaneRect>& to, const std::string& name) {
+    Screen screen(1200, 900);
+    std::vector<PaneMove> moves;
+    for (std::size_t i = 0; i < from.size(); ++i) {
+        screen.Paint(from[i], static_cast<int>(i));
+        moves.push_back({from[i], to[i]});
+    }
+    constexpr int kNone = -1;
+    int harmed = 0;
+    std::vector<std::size_t> order = OrderMoves(moves);
+    for (const std::size_t i : order) {
+        const PaneMove& move = moves[i];
+        const int window = static_cast<int>(i);
+        PaneRect picture = move.from;
+        picture.right = std::min(picture.right, picture.left + move.to.width());
+        picture.bottom = std::min(picture.bottom, picture.top + move.to.height());
+        const int own = picture.empty() ? 0 : picture.width() * picture.height();
+        if (!move.covered) EXPECT_TRUE(screen.Count(picture, window) == own || own == 0) << name << " window " << i;
+        screen.Paint(move.from, kNone);
+        const bool free = screen.Count(move.to, kNone) == move.to.width() * move.to.height();
+        harmed += move.covered || !free ? 1 : 0;
+        screen.Paint(move.to, window);
+    }
+    std::ranges::sort(order);
+    for (std::size_t i = 0; i < from.size(); ++i) EXPECT_TRUE(order.size() == from.size() && order[i] == i) << name;
+    return harmed;
+}
+
+TEST(Layout, AMovedWindowTakesAlongNothingOfAnother) {
+    constexpr unsigned kAll = 4095;
+    const auto partsAt = [](int width, int height, unsigned panes, int tree = 200, int split = 400) {
+        LayoutInput input = InputOf(width, height, panes, 96);
+        input.treeWidth = tree;
+        input.outputSplit = split;
+        return Parts(ComputePaneLayout(input));
+    };
+    for (const unsigned panes : {kAll, 2u | 4 | 128 | 2048, 4u | 8 | 32 | 64 | 512 | 2048}) {
+        const std::string name = "panes " + std::to_string(panes);
+        const std::vector<PaneRect> before = partsAt(1000, 700, panes);
+        for (const int wide : {-160, -8, -1, 1, 8, 160})
+            for (const int high : {-60, 0, 60}) {
+                const std::string step = name + " by " + std::to_string(wide) + " and " + std::to_string(high);
+                const int harmed = MoveAll(before, partsAt(1000 + wide, 700 + high, panes, 200, 400 + high), step);
+                EXPECT_EQ(harmed, 0) << step;
+            }
+        for (const int tree : {120, 192, 208, 400}) MoveAll(before, partsAt(1000, 700, panes, tree), name + " tree");
+        MoveAll(before, partsAt(1000, 700, panes ^ (8 | 64 | 128)), name + " others shown");
+    }
+    const PaneRect left = {0, 0, 100, 100}, right = {100, 0, 200, 100};
+    EXPECT_EQ(MoveAll({left, right}, {right, left}, "they change places"), 2);
 }
 
 // Two panes of one area share it, and no other pane changes its place.
