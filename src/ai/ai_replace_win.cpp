@@ -111,7 +111,7 @@ bool TakeReplacementBack(HWND editor, const AiReplacement& made) {
 
 // A document of that text at the end of the row; its index, or -1.
 int AddReplyDocument(const char* utf8) {
-    const int tab = TabBarAdd(nullptr, L"AI reply");
+    const int tab = TabBarAdd(nullptr, LabelWithoutFile(L"AI reply").c_str());
     if (tab < 0) return -1;
     const HWND editor = TabAt(tab).editor;
     const std::string text = ValidText(utf8, editor);

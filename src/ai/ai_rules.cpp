@@ -17,7 +17,10 @@ const wchar_t* TransferProblem(std::uint32_t error) {
         case 12006: return Text(L"the URL in the settings is not valid");
         case 12007: return Text(L"the server's name cannot be resolved");
         case 12029: return Text(L"nothing answers at that address");
+        case 10053:
+        case 10054:  // some systems give the error of the socket
         case 12030: return Text(L"the connection was closed");
+        case 12156: return Text(L"the URL leads from one place to the next without an end");
         case 12152: return Text(L"the server's answer is no HTTP");
         case 12157:  // what WinHTTP reports for a certificate differs from system to system
         case 12175:

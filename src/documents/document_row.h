@@ -32,6 +32,9 @@ std::vector<RowEntry> DocumentRowEntries();
 // the reading ended, when there was a file to read. Reading a large file handles paints and Esc meanwhile.
 int TabBarAdd(const wchar_t* path, const wchar_t* label, LoadEnd* why = nullptr);
 
+// A label for a document without a file: `wanted`, or with a number when another one has that.
+std::wstring LabelWithoutFile(const std::wstring& wanted);
+
 // Adds the document of a file that is read when it is first shown. Returns its index.
 int TabBarAddUnread(const wchar_t* path, const wchar_t* label);
 // Reads the file of such a document, for whoever needs its text or its editor before it is shown. True when the document

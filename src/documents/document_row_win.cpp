@@ -168,6 +168,13 @@ int TabBarAdd(const wchar_t* path, const wchar_t* label, LoadEnd* why) {
     return index;
 }
 
+std::wstring LabelWithoutFile(const std::wstring& wanted) {
+    std::vector<std::wstring> labels;
+    for (const DocumentTab& tab : g_documents.tabs)
+        if (!tab.hasFile) labels.emplace_back(tab.label);
+    return FreeLabel(wanted, labels);
+}
+
 int TabBarAddUnread(const wchar_t* path, const wchar_t* label) {
     DocumentTab tab = NewDocument(path, label);
     tab.id = g_nextDocument++;

@@ -105,10 +105,7 @@ Opened ShowDocument(const wchar_t* file, bool quiet, std::wstring* problem = nul
 }  // namespace
 
 int FileNew() {
-    std::vector<std::wstring> labels;
-    for (const DocumentTab& tab : g_documents.tabs)
-        if (!tab.hasFile) labels.emplace_back(tab.label);
-    const int tab = TabBarAdd(L"", NextUntitledLabel(labels).c_str());
+    const int tab = TabBarAdd(L"", LabelWithoutFile(L"Untitled").c_str());
     if (tab < 0) return 0;
     TabBarSelect(tab);
     return 1;

@@ -30,10 +30,13 @@ int TabPlaceAllowed(std::span<const RowEntry> row, int from, int to) {
                                                       : std::clamp(to, pinned, count - 1);
 }
 
-std::wstring NextUntitledLabel(std::span<const std::wstring> labels) {
-    std::wstring label = L"Untitled";
-    for (int number = 2; std::ranges::find(labels, label) != labels.end(); ++number)
-        label = L"Untitled " + std::to_wstring(number);
+std::wstring FreeLabel(std::wstring wanted, std::span<const std::wstring> labels) {
+    const auto isTaken = [&](const std::wstring& label) { return std::ranges::find(labels, label) != labels.end(); };
+    if (!isTaken(wanted)) return wanted;
+    const std::size_t end = wanted.find_last_not_of(L"0123456789");
+    if (end + 1 < wanted.size() && end > 0 && end != wanted.npos && wanted[end] == L' ') wanted.erase(end);
+    std::wstring label = wanted;
+    for (int number = 2; isTaken(label); ++number) label = wanted + L' ' + std::to_wstring(number);
     return label;
 }
 

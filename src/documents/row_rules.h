@@ -32,8 +32,9 @@ struct RowEntry {
 // The place nearest to `to` where the document at `from` may stand: pinned ones stand before all others.
 int TabPlaceAllowed(std::span<const RowEntry> row, int from, int to);
 
-// "Untitled", or with the lowest number that no document without a file has: "Untitled 2". `labels`: of those.
-std::wstring NextUntitledLabel(std::span<const std::wstring> labels);
+// `wanted` when no document without a file has that label; else what it is without its number, with the lowest number
+// that is free: "Untitled", "Untitled 2". `labels`: of those documents.
+std::wstring FreeLabel(std::wstring wanted, std::span<const std::wstring> labels);
 
 enum class CloseRange : std::uint8_t { All, Others, Right, Saved };
 

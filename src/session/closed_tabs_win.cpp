@@ -38,17 +38,9 @@ std::optional<ClosedTab> ClosedTabOf(int index) {
     return closed;
 }
 
-// Its own name, or the next one when another document has that by now.
-std::wstring LabelFor(const ClosedTab& closed) {
-    std::vector<std::wstring> labels;
-    for (const DocumentTab& tab : g_documents.tabs)
-        if (!tab.hasFile) labels.emplace_back(tab.label);
-    return std::ranges::find(labels, closed.label) == labels.end() ? closed.label : NextUntitledLabel(labels);
-}
-
 // The index of the new document, which is not saved. -1: there could be none.
 int NewDocumentOf(const ClosedTab& closed) {
-    const int index = TabBarAdd(L"", LabelFor(closed).c_str());
+    const int index = TabBarAdd(L"", LabelWithoutFile(closed.label).c_str());
     if (index < 0) return -1;
     DocumentTab& tab = TabAt(index);
     tab.mustSave = true;  // before the text comes: the end of an undo is no saved state either

@@ -180,7 +180,7 @@ TEST(Chat, StreamsHoweverTheBytesCome) {
     }
     EXPECT_EQ(AiReplyEndLine({.outcome = AiOutcome::Answered, .replyEnd = ReplyEnd::Refused, .serviceText = "gone\n"}),
               L"[AI]: The service has ended the reply: gone \r\n");
-    EXPECT_EQ(AiReplyEndLine({.outcome = AiOutcome::Failed, .error = 12030}),
+    EXPECT_EQ(AiReplyEndLine({.outcome = AiOutcome::Failed, .error = 10054}),
               L"[AI]: The request failed: the connection was closed\r\n");
 }
 

@@ -164,8 +164,14 @@ TEST(TabLayout, PinnedTabsStandFirstAndStayWhenOthersAreClosed) {
     EXPECT_EQ(DocumentsToClose(row, CloseRange::Right, 1), (Ids{4, 3}));
     EXPECT_EQ(DocumentsToClose(row, CloseRange::Saved, 3), (Ids{3})) << "the active one, too";
     EXPECT_EQ(DocumentsToClose(row, CloseRange::Others, 9), Ids{});
-    EXPECT_EQ(NextUntitledLabel({}), L"Untitled");
-    EXPECT_EQ(NextUntitledLabel(std::vector<std::wstring>{L"Untitled 2", L"Untitled", L"x"}), L"Untitled 3");
+    const std::vector<std::wstring> labels{L"Untitled 2", L"Untitled", L"x", L"7"};
+    const std::pair<const wchar_t*, const wchar_t*> free[] = {{L"Untitled", L"Untitled 3"},
+                                                              {L"Untitled 2", L"Untitled 3"},
+                                                              {L"Untitled 9", L"Untitled 9"},
+                                                              {L"x", L"x 2"},
+                                                              {L"7", L"7 2"},
+                                                              {L"AI reply", L"AI reply"}};
+    for (const auto& [wanted, given] : free) EXPECT_EQ(FreeLabel(wanted, labels), given);
 }
 
 TEST(TabPointer, ClosesOnReleaseOverTheSameButtonAndDragsPastTheThreshold) {
