@@ -74,6 +74,8 @@ void RunToCursor() {
     else if (!resumed)
         DebugSay(kDebugOrange, Text(L"[Debug] No code on line %d.\n"), line);
     DebugFollowResumed(resumed, Text(L" (run to cursor)"));
+    if (!resumed && g_debugger.active != 0 && !IsBreakpointTableFull())
+        g_events.statusText(TextWith(L"No code on line {1}", {std::to_wstring(line)}).c_str());
 }
 
 void PauseProgram() {
