@@ -1,8 +1,8 @@
 #include "app/move_order.h"
 
 #include <algorithm>
-#include <compare>
 #include <cstdint>
+#include <tuple>
 
 namespace {
 
@@ -22,7 +22,7 @@ PaneRect PictureOf(const PaneMove& move) {
 struct Harm {
     std::int64_t lost = 0;   // pixels of pictures
     std::int64_t below = 0;  // pixels of windows that are still there
-    auto operator<=>(const Harm&) const = default;
+    bool operator<(const Harm& other) const { return std::tie(lost, below) < std::tie(other.lost, other.below); }
 };
 
 Harm HarmOf(const PaneMove& move, std::span<const PaneMove> moves, std::span<const std::size_t> left) {
@@ -39,7 +39,7 @@ Harm HarmOf(const PaneMove& move, std::span<const PaneMove> moves, std::span<con
 std::size_t NextOf(std::span<const PaneMove> moves, std::span<const std::size_t> left) {
     std::size_t best = 0;
     Harm least = {INT64_MAX, INT64_MAX};
-    for (std::size_t i = 0; i < left.size() && least > Harm(); ++i) {
+    for (std::size_t i = 0; i < left.size() && Harm() < least; ++i) {
         const Harm harm = HarmOf(moves[left[i]], moves, left);
         if (harm < least) best = i;
         least = std::min(least, harm);
