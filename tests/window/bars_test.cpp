@@ -49,6 +49,8 @@ TEST(Bars, ButtonsHaveNamesAndKeepTheirPlaces) {
     EXPECT_TRUE(editor.ButtonShown(IDM_DEBUG_CONTINUE) && !editor.ButtonShown(IDM_DEBUG_BUTTON_START));
 }
 
+constexpr int kPartTabWidth = 8, kPartZoom = 9;
+
 void ClickField(const Editor& editor, int part) {
     const HWND bar = editor.Child(IDC_STATUS_BAR);
     editor.Click(bar, Centre(editor.Ask<RECT>(bar, SB_GETRECT, static_cast<WPARAM>(part))));
@@ -100,6 +102,21 @@ TEST(Bars, FieldsOfTheStatusBarReact) {
     EXPECT_EQ(editor.Sci(SCI_GETEOLMODE), SC_EOL_LF);
     editor.Keys({VK_ESCAPE});
     EXPECT_TRUE(WaitFor([&] { return editor.Focus() == editor.Sci(); }));
+    for (const auto& [down, ending, text] :
+         {std::tuple{1, L"CRLF", "a\xC3\xA9\r\nb\r\n"}, {2, L"LF", "a\xC3\xA9\nb\n"}}) {
+        ClickField(editor, kPartLineEnding);
+        Choose(editor, down);
+        EXPECT_TRUE(WaitFor([&, ending = ending] { return editor.Status(kPartLineEnding) == ending; })) << text;
+        EXPECT_EQ(editor.Text(), text);
+    }
+    ClickField(editor, kPartPosition);
+    editor.Press(editor.AwaitDialog(L"Go To Line"), IDCANCEL);
+    ClickField(editor, kPartTabWidth);
+    Choose(editor, 4);  // 8
+    EXPECT_TRUE(WaitFor([&] { return editor.Sci(SCI_GETTABWIDTH) == 8; }));
+    ClickField(editor, kPartZoom);
+    Choose(editor, 1);  // In
+    EXPECT_TRUE(WaitFor([&] { return editor.Sci(SCI_GETZOOM) == 1; }));
     editor.Do(IDM_ENCODE_UTF8);
     editor.Do(IDM_FILE_SAVE);
     EXPECT_EQ(folder.Read(L"form.bas"), "a\xC3\xA9\nb\n");
@@ -110,7 +127,7 @@ TEST(Bars, FieldsOfTheStatusBarReact) {
     editor.Click(editor.Child(IDC_STATUS_BAR), {20, 10}, MOUSEEVENTF_RIGHTDOWN);
     Choose(editor, 9);  // Zoom, the last one
     EXPECT_TRUE(WaitFor([&] { return folder.Ini(L"Window", L"StatusHidden") == L"512"; }));
-    const RECT zoom = editor.Ask<RECT>(editor.Child(IDC_STATUS_BAR), SB_GETRECT, 9);
+    const RECT zoom = editor.Ask<RECT>(editor.Child(IDC_STATUS_BAR), SB_GETRECT, kPartZoom);
     EXPECT_LE(zoom.right - zoom.left, 2);
 }
 
@@ -219,6 +236,35 @@ TEST(Bars, LineCommandsWorkOnEverySelectionInOneStep) {
     EXPECT_EQ(editor.Text(), "three\r\ntwo\r\n");
     EXPECT_NE(editor.Sci(SCI_INDICATORVALUEAT, kIndicatorFound, 7), 0);
     EXPECT_EQ(editor.Sci(SCI_INDICATORVALUEAT, kIndicatorFound, 0), 0);
+    // What is done to all lines is one step too.
+    const struct {
+        int command;
+        const char *before, *after;
+    } whole[] = {{IDM_LINES_TRIM, "  a \t\r\n\r\nb  ", "  a\r\n\r\nb"},
+                 {IDM_TABS_TO_BLANKS, "\ta\tb\r\n\tc", "    a   b\r\n    c"},
+                 {IDM_BLANKS_TO_TABS, "    a  b\r\n      c", "\ta  b\r\n\t  c"}};
+    for (const auto& each : whole) {
+        editor.Sci(SCI_SETSEL, 0, -1);
+        editor.Type(each.before);
+        editor.Sci(SCI_SETSEL, 0, -1);
+        editor.Do(each.command);
+        EXPECT_EQ(editor.Text(), each.after);
+        editor.Do(IDM_EDIT_UNDO);
+        EXPECT_EQ(editor.Text(), each.before);
+    }
+    // The next place of a word, and the word in both replaced in one step.
+    const char* const places = "ab x ab y ab";
+    editor.Sci(SCI_SETSEL, 0, -1);
+    editor.Type(places);
+    editor.Sci(SCI_SETSEL, 0, 0);
+    for (const LRESULT selections : {1, 2}) {
+        editor.Do(IDM_SELECT_NEXT);
+        EXPECT_EQ(editor.Sci(SCI_GETSELECTIONS), selections);
+    }
+    editor.Send(editor.Sci(), WM_CHAR, 'z');
+    EXPECT_EQ(editor.Text(), "z x z y ab");
+    editor.Do(IDM_EDIT_UNDO);
+    EXPECT_EQ(editor.Text(), places);
     // A column, by which its lines are sorted.
     editor.Sci(SCI_SETSEL, 0, -1);
     editor.Type("1z\r\n2a\r\n3m\r\n");

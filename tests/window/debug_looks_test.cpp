@@ -172,13 +172,20 @@ TEST(DebugLooks, AFoldedBreakpointShowsOnTheHeader) {
 
 TEST(DebugLooks, MessagesCanBeReadInTheDarkTheme) {
     const Looks session;
+    const wchar_t* message = L"Process exited.";
+    const auto colour = [&] {
+        // For the control a line break is one character, as it is in this text.
+        return session.editor.ColourAt(session.editor.Child(IDC_OUTPUT), session.editor.Output().rfind(message));
+    };
+    ASSERT_TRUE(session.Start()) << session.editor.Describe();
+    session.editor.Do(IDM_DEBUG_CONTINUE);
+    ASSERT_TRUE(session.editor.AwaitOutput(L"[Debug] Process exited.")) << session.editor.Describe();
+    ASSERT_EQ(session.editor.Status(), L"Exited with code 0");
+    EXPECT_NE(colour(), 200u) << "nothing went wrong";
     ASSERT_TRUE(session.Start()) << session.editor.Describe();
     session.editor.Do(IDM_DEBUG_STOP);
     ASSERT_TRUE(session.editor.AwaitOutput(L"[Debug] Stopped."));
-    const auto colour = [&] {
-        // For the control a line break is one character, as it is in this text.
-        return session.editor.ColourAt(session.editor.Child(IDC_OUTPUT), session.editor.Output().rfind(L"Stopped."));
-    };
+    message = L"Stopped.";
     EXPECT_EQ(colour(), 200u);
     const Rgb lifted = ThemeReadableOn(0xC80000, ThemeChromePalette(true).paneBack);
     EXPECT_NE(lifted, 0xC80000u);

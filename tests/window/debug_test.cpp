@@ -192,6 +192,9 @@ TEST(Debug, BreakpointsStayWithTheirLines) {
     EXPECT_EQ(LineMarked(editor, kMarkBreakpoint), 14);
     editor.Sci(SCI_SETLINEINDENTATION, 13, 1);
     editor.Do(IDM_EDIT_FORMAT_DOCUMENT);
+    EXPECT_TRUE(AwaitStatus(editor, L"Formatted: 2 lines changed"));
+    editor.Do(IDM_EDIT_FORMAT_DOCUMENT);
+    EXPECT_TRUE(AwaitStatus(editor, L"Formatted: nothing had to be changed"));
     EXPECT_EQ(editor.Sci(SCI_GETLINEINDENTATION, 13), 8);
     EXPECT_EQ(LineMarked(editor, kMarkBreakpoint), 14) << "after formatting";
     editor.Do(IDM_EDIT_UNDO);

@@ -83,6 +83,26 @@ TEST(Marks, FollowTheTextUntilTheNextBuild) {
     editor.Sci(SCI_GOTOLINE, 1);
     EXPECT_TRUE(WaitFor([&] { return editor.Status().empty(); })) << Utf8(editor.Status());
 
+    // Under the mouse, in the text and in the margin of the signs.
+    LONG signs = 3;
+    for (WPARAM left = 0; left < kMarginProblems; ++left)
+        signs += static_cast<LONG>(editor.Sci(SCI_GETMARGINWIDTHN, left));
+    const auto at = [&](std::string_view text) {
+        const auto place = static_cast<LPARAM>(std::string_view(kSource).find(text));
+        return POINT{static_cast<LONG>(editor.Sci(SCI_POINTXFROMPOSITION, 0, place)) + 3,
+                     static_cast<LONG>(editor.Sci(SCI_POINTYFROMPOSITION, 0, place)) + 5};
+    };
+    editor.Foreground();
+    for (const auto& [where, told] : {std::pair{at("missing"), true},
+                                      {at("END"), false},
+                                      {{signs, at("missing").y}, true},
+                                      {{signs, at("PRINT").y}, false},
+                                      {{signs, at("unused").y}, true}}) {
+        editor.Click(editor.Sci(), where, MOUSEEVENTF_LEFTDOWN, 0);
+        EXPECT_TRUE(WaitFor([&, told = told] { return (editor.Sci(SCI_CALLTIPACTIVE) != 0) == told; }))
+            << where.x << ", " << where.y << " told: " << told;
+    }
+
     editor.Sci(SCI_GOTOPOS, 0);
     editor.Type("' one\r\n' two\r\n");
     ExpectMarks(editor, "5emissing 7wunused", "after two lines above");

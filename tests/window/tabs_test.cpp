@@ -147,6 +147,26 @@ TEST(Tabs, WalkByRecentUseAndByNumber) {
     editor.Keys({'D'});
     editor.Keys({VK_RETURN});
     EXPECT_TRUE(shows("d.bas")) << "chosen from the list of all";
+
+    // The menu of a tab is about that tab.
+    const auto choose = [&](int tab, int letter) {
+        editor.Click(editor.Child(IDC_TABS), editor.TabCentre(tab), MOUSEEVENTF_RIGHTDOWN);
+        editor.AwaitMenu(true);
+        editor.Keys({letter});
+        editor.AwaitMenu(false);
+    };
+    for (const auto& [letter, text] : {std::pair{'F', folder.File(L"a.bas")}, {'N', std::wstring(L"a.bas")}}) {
+        ClipboardEmpty();
+        choose(0, letter);
+        EXPECT_TRUE(WaitFor([&, text = text] { return ClipboardText() == text; })) << Utf8(ClipboardText());
+    }
+    editor.Type("x");
+    choose(2, 'R');
+    EXPECT_TRUE(WaitFor([&] { return Initials(editor) == L"abc"; })) << Utf8(Initials(editor));
+    choose(1, 'S');
+    EXPECT_TRUE(WaitFor([&] { return Initials(editor) == L"a"; }))
+        << "what has changes stays: " << Utf8(Initials(editor));
+    editor.Do(IDM_EDIT_UNDO);
     EXPECT_EQ(editor.Close(), 0u);
 }
 

@@ -10,6 +10,7 @@
 #include <tuple>
 #include <utility>
 
+#include "editor/margins.h"
 #include "resources/ids.h"
 
 namespace {
@@ -206,6 +207,8 @@ TEST(View, BookmarksRecentFilesAndPanesAreWithinReach) {
         editor.Keys(keys);
         EXPECT_TRUE(WaitFor([&, line = line] { return editor.Line() == line; })) << editor.Line();
     }
+    editor.Do(IDM_BOOKMARKS_CLEAR);
+    EXPECT_EQ(editor.Sci(SCI_MARKERNEXT, 0, 1 << kMarkBookmark), -1);
     for (const auto& [keys, pane] : {std::pair{std::initializer_list<int>{VK_CONTROL, VK_SHIFT, 'E'}, IDC_PROJECT_TREE},
                                      {std::initializer_list<int>{VK_CONTROL, VK_SHIFT, 'M'}, IDC_ERROR_LIST}}) {
         editor.Keys(keys);
@@ -385,6 +388,11 @@ TEST(View, KeysReachEditorAndCommands) {
     EXPECT_TRUE(WaitFor([&] { return editor.Text().find("  ' ASM\r\n") != std::string::npos; })) << editor.Text();
     editor.Keys({VK_CONTROL, 'Q'});
     EXPECT_TRUE(WaitFor([&] { return editor.Text() == typed; })) << editor.Text();
+    editor.Sci(SCI_SELECTALL);
+    editor.Do(IDM_EDIT_COMMENT);
+    EXPECT_TRUE(editor.Text().starts_with("  ' x = 1\r\n  ' h IF I\r\n")) << editor.Text();
+    editor.Do(IDM_EDIT_UNDO);
+    EXPECT_EQ(editor.Text(), typed) << "the lines were one step";
     editor.Sci(SCI_DOCUMENTEND);
     editor.Keys({VK_CONTROL, 'S'});
     EXPECT_TRUE(WaitFor([&] { return !editor.Modified(); }));
