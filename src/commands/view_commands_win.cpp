@@ -14,6 +14,7 @@
 #include "tabs/tabs_state.h"
 #include "ui/dpi.h"
 #include "ui/panes.h"
+#include "ui/theme_table.h"
 
 #include <commdlg.h>
 
@@ -35,7 +36,13 @@ void ChooseTheme(int command) {
 
 void ChooseStyle(int command) {
     const int preset = command == IDM_STYLE_OWN ? 0 : command - IDM_STYLE_FIRST + 1;
-    SettingsChange([preset](Settings& settings) { settings.editorStylePreset = preset; });
+    SettingsChange([preset](Settings& settings) {
+        const auto font = FontWithStyle(settings.editorStylePreset, preset, settings.fontName, settings.fontSize);
+        settings.editorStylePreset = preset;
+        if (!font) return;
+        SafeCopyW(settings.fontName, font->face);
+        settings.fontSize = font->points;
+    });
     SettingsSave(nullptr);
 }
 

@@ -155,7 +155,8 @@ void OnItemCommand(SettingsDialog& dialog, FormPlace place, int part, int notifi
                          : isList ? notification == CBN_SELCHANGE || notification == CBN_EDITCHANGE
                                   : notification == EN_CHANGE;
     if (!changed || part != kPartField) return;
-    if (item.row != nullptr) TextAt(dialog, place) = SettingsFieldText(dialog, place, notification == CBN_SELCHANGE);
+    if (item.row != nullptr)
+        FormSetText(dialog.form, place, SettingsFieldText(dialog, place, notification == CBN_SELCHANGE));
     SettingsItemChanged(dialog, place);
 }
 

@@ -327,8 +327,8 @@ void SettingsItemChanged(SettingsDialog& dialog, FormPlace place) {
     if (changed.control == SettingControl::FixedFonts) SettingsFontsFill(dialog, place.page);
     for (std::size_t i = 0; i < dialog.pages[place.page].items.size(); ++i) {
         const SettingControl control = ItemAt({place.page, i}).control;
-        const bool follows = control == SettingControl::FontPreview || control == SettingControl::CommandPreview ||
-                             control == SettingControl::Colour;
+        const bool follows = SettingIsStyle(changed) || control == SettingControl::FontPreview ||
+                             control == SettingControl::CommandPreview || control == SettingControl::Colour;
         if (follows || i == place.item) SettingsFieldShow(dialog, {place.page, i});
     }
     dialog.filling = false;

@@ -5,9 +5,12 @@
 #include "base/hex_digit.h"
 #include "base/texts.h"
 #include "settings/secret_text.h"
+#include "ui/theme_table.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cwctype>
+#include <utility>
 
 namespace {
 
@@ -160,6 +163,10 @@ std::wstring SettingItemProblem(const SettingItem& item, std::wstring_view text)
     }
 }
 
+bool SettingIsStyle(const SettingItem& item) {
+    return item.row != nullptr && item.row->offset == offsetof(Settings, editorStylePreset);
+}
+
 std::size_t SettingItemLongest(const SettingItem& item) {
     if (item.row == nullptr) return 0;
     return HoldsNumber(item) ? kLongestNumber : item.row->capacity - 1;
@@ -204,6 +211,23 @@ void FormRenew(SettingsForm& form, const Settings& settings) {
         if (FormItemIsEdited(form, place)) now.texts[place.page][place.item] = form.texts[place.page][place.item];
     });
     form = std::move(now);
+}
+
+void FormSetText(SettingsForm& form, FormPlace place, std::wstring text) {
+    std::wstring& own = form.texts[place.page][place.item];
+    const std::wstring before = std::exchange(own, std::move(text));
+    if (!SettingIsStyle(SettingsPages()[place.page].items[place.item])) return;
+    std::wstring *face = nullptr, *size = nullptr;
+    ForEachPlace([&](FormPlace at, const SettingItem& item) {
+        if (item.row == nullptr) return;
+        if (item.row->offset == offsetof(Settings, fontName)) face = &form.texts[at.page][at.item];
+        if (item.row->offset == offsetof(Settings, fontSize)) size = &form.texts[at.page][at.item];
+    });
+    const auto number = [](std::wstring_view digits) { return WholeNumber(Trimmed(digits)).value_or(0); };
+    const auto font = FontWithStyle(number(before), number(own), *face, number(*size));
+    if (!font) return;
+    *face = font->face;
+    *size = std::to_wstring(font->points);
 }
 
 bool FormItemIsEdited(const SettingsForm& form, FormPlace place) {

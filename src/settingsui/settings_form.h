@@ -17,6 +17,7 @@ void SettingItemPut(const SettingItem& item, std::wstring_view text, Settings& s
 std::wstring SettingItemProblem(const SettingItem& item, std::wstring_view text);
 // The greatest length of the text in characters.
 std::size_t SettingItemLongest(const SettingItem& item);
+bool SettingIsStyle(const SettingItem& item);  // the editor style
 
 // Whether all words of the query are in the page's title or in the item's texts, further words and key. Letter case does
 // not count. An empty query matches everything.
@@ -38,6 +39,8 @@ struct FormPlace {
 SettingsForm FormOf(const Settings& settings);
 // Takes over settings that have changed elsewhere. Edited texts stay.
 void FormRenew(SettingsForm& form, const Settings& settings);
+// The user has given this text. A style brings its font along.
+void FormSetText(SettingsForm& form, FormPlace place, std::wstring text);
 bool FormItemIsEdited(const SettingsForm& form, FormPlace place);
 bool FormIsEdited(const SettingsForm& form);
 // The first edited text that cannot be taken. A text that the user has not touched is no reason to refuse the others.

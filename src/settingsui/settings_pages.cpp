@@ -274,7 +274,11 @@ SettingsPage PageOf(const wchar_t* title, std::span<const Line> lines) {
 SettingsPage AppearancePage() {
     const Line looks[] = {
         {.at = FIELD(theme), .control = Choice, .label = L"Theme", .heading = L"Looks", .choices = kThemes},
-        {.at = FIELD(editorStylePreset), .control = Choice, .label = L"Editor style", .choices = StyleNames()},
+        {.at = FIELD(editorStylePreset),
+         .control = Choice,
+         .label = L"Editor style",
+         .help = L"Colours of the text and the windows. Its font comes along unless you have chosen another one.",
+         .choices = StyleNames()},
         {FIELD(language), Language, L"Language",
          L"Of menus, dialogs and messages, from the next start on. Each language is a file in the folder "
          L"\"languages\"."},

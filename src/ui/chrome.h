@@ -27,12 +27,14 @@ struct ThemeChrome {
 };
 // The result stays valid, but the next call overwrites it.
 const ThemeChrome& ThemeCurrentChrome();
+bool ThemeIsOwnStyle();  // the program's, not one of the others
 bool ThemeChosenDark();  // the user's choice, which the high-contrast mode of the system overrules
 // The background of the editors and panes is dark: pictures and colours of one's own have to suit it.
 bool ThemeIsDark();
-// The program draws menus, dialogs and controls itself, because the system would draw them light. Never in the
-// high-contrast mode, whose colours the system's own drawing has.
+// The program draws menus, dialogs and controls itself, because the system would draw them light, and not in the colours of
+// an editor style. Never in the high-contrast mode, whose colours the system's own drawing has.
 bool ThemeDrawsControls();
+bool ThemeDrawsDark();  // and in the dark theme: what the system draws, such as scroll bars, has to be dark, too
 // Lines of output get colours that can be read on their pane, instead of the usual ones.
 bool OutputIsReadable();
 COLORREF ThemeQuietText();

@@ -9,6 +9,7 @@
 namespace {
 
 constexpr int kThemeDark = 1;
+constexpr int kOwnStyle = 0;
 
 struct {
     std::optional<SystemLook> look;  // no value: the system was not asked yet
@@ -58,7 +59,11 @@ bool ThemeChosenDark() { return g_settings.theme == kThemeDark; }
 
 bool ThemeIsDark() { return SystemHighContrast() ? HighContrastIsDark(System().colours) : ThemeChosenDark(); }
 
-bool ThemeDrawsControls() { return ThemeChosenDark() && !SystemHighContrast(); }
+bool ThemeIsOwnStyle() { return g_settings.editorStylePreset == kOwnStyle; }
+
+bool ThemeDrawsControls() { return !SystemHighContrast() && (ThemeChosenDark() || !ThemeIsOwnStyle()); }
+
+bool ThemeDrawsDark() { return ThemeDrawsControls() && ThemeChosenDark(); }
 
 const EditorPalette& ThemeCurrentPalette() {
     const EditorPalette& style = ThemePalette(g_settings.editorStylePreset, ThemeIsDark());
@@ -71,7 +76,7 @@ const EditorPalette& ThemeCurrentPalette() {
 }
 
 const ChromePalette& ThemeCurrentChromePalette() {
-    return SystemHighContrast() ? g_system.chrome : ThemeChromePalette(ThemeIsDark());
+    return SystemHighContrast() ? g_system.chrome : ThemeChromePalette(g_settings.editorStylePreset, ThemeIsDark());
 }
 
 const ThemeChrome& ThemeCurrentChrome() {

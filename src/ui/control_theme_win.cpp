@@ -249,10 +249,10 @@ void ThemeCombo(HWND combo) {
 // A bar with a visual style would not take the colours. " " names a style that there is not; Wine ignores an empty name.
 void ThemeProgress(HWND bar) {
     const ThemeChrome& chrome = ThemeCurrentChrome();
-    const bool dark = ThemeDrawsControls();
-    SetWindowTheme(bar, dark ? L" " : nullptr, dark ? L" " : nullptr);
-    SendMessageW(bar, PBM_SETBKCOLOR, 0, static_cast<LPARAM>(dark ? chrome.line : CLR_DEFAULT));
-    SendMessageW(bar, PBM_SETBARCOLOR, 0, static_cast<LPARAM>(dark ? chrome.accent : CLR_DEFAULT));
+    const bool drawn = ThemeDrawsControls();
+    SetWindowTheme(bar, drawn ? L" " : nullptr, drawn ? L" " : nullptr);
+    SendMessageW(bar, PBM_SETBKCOLOR, 0, static_cast<LPARAM>(drawn ? chrome.line : CLR_DEFAULT));
+    SendMessageW(bar, PBM_SETBARCOLOR, 0, static_cast<LPARAM>(drawn ? chrome.accent : CLR_DEFAULT));
 }
 
 }  // namespace
@@ -272,9 +272,8 @@ void ControlApplyTheme(HWND control) {
 
 void ScrollBarsApplyTheme(HWND window, const wchar_t* light) {
     static bool everDark = false;  // until then the system's are right, and asking for them costs time at the start
-    everDark = everDark || ThemeDrawsControls();
-    if (window != nullptr && everDark)
-        SetWindowTheme(window, ThemeDrawsControls() ? L"DarkMode_Explorer" : light, nullptr);
+    everDark = everDark || ThemeDrawsDark();
+    if (window != nullptr && everDark) SetWindowTheme(window, ThemeDrawsDark() ? L"DarkMode_Explorer" : light, nullptr);
 }
 
 // A tooltip with a visual style would not take the colours. The system gives it the font of the main monitor.
@@ -282,8 +281,8 @@ void TooltipApplyTheme(HWND tooltip) {
     if (tooltip == nullptr) return;
     SendMessageW(tooltip, WM_SETFONT, reinterpret_cast<WPARAM>(UiFont()), FALSE);
     const ThemeChrome& chrome = ThemeCurrentChrome();
-    const bool dark = ThemeDrawsControls();
-    SetWindowTheme(tooltip, dark ? L"" : nullptr, dark ? L"" : nullptr);
-    SendMessageW(tooltip, TTM_SETTIPBKCOLOR, dark ? chrome.paneBack : GetSysColor(COLOR_INFOBK), 0);
-    SendMessageW(tooltip, TTM_SETTIPTEXTCOLOR, dark ? chrome.paneText : GetSysColor(COLOR_INFOTEXT), 0);
+    const bool drawn = ThemeDrawsControls();
+    SetWindowTheme(tooltip, drawn ? L"" : nullptr, drawn ? L"" : nullptr);
+    SendMessageW(tooltip, TTM_SETTIPBKCOLOR, drawn ? chrome.paneBack : GetSysColor(COLOR_INFOBK), 0);
+    SendMessageW(tooltip, TTM_SETTIPTEXTCOLOR, drawn ? chrome.paneText : GetSysColor(COLOR_INFOTEXT), 0);
 }

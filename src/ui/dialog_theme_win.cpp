@@ -114,11 +114,13 @@ BOOL CALLBACK RenewWindow(HWND window, LPARAM) {
 }  // namespace
 
 void FrameApplyTheme(HWND window) {
-    constexpr DWORD kDarkCaption = 20;  // DWMWA_USE_IMMERSIVE_DARK_MODE, which the toolchain's headers do not have
+    // DWMWA_USE_IMMERSIVE_DARK_MODE and others that the toolchain's headers do not have
+    constexpr DWORD kDarkCaption = 20, kCaptionColour = 35, kCaptionText = 36;
+    constexpr COLORREF kUsualColour = 0xFFFFFFFF;
     using SetAttribute = HRESULT(WINAPI*)(HWND, DWORD, const void*, DWORD);
-    static bool everDark = false;  // until then the library need not be loaded
-    everDark = everDark || ThemeDrawsControls();
-    if (!everDark) return;
+    static bool everDrawn = false;  // until then the library need not be loaded
+    everDrawn = everDrawn || ThemeDrawsControls();
+    if (!everDrawn) return;
     static const auto setAttribute = [] {
         const HMODULE library = LoadSystemLibrary(L"dwmapi.dll");
         return library == nullptr ? nullptr
@@ -126,8 +128,14 @@ void FrameApplyTheme(HWND window) {
                                         reinterpret_cast<void*>(GetProcAddress(library, "DwmSetWindowAttribute")));
     }();
     if (setAttribute == nullptr) return;
-    const BOOL dark = ThemeDrawsControls() ? TRUE : FALSE;
-    setAttribute(window, kDarkCaption, &dark, sizeof(dark));  // an older system refuses, and the caption stays light
+    // An older system refuses, and the caption stays light, or has no colour of its own.
+    const BOOL dark = ThemeDrawsDark() ? TRUE : FALSE;
+    setAttribute(window, kDarkCaption, &dark, sizeof(dark));
+    const bool coloured = ThemeDrawsControls() && !ThemeIsOwnStyle();
+    const COLORREF back = coloured ? ThemeCurrentChrome().statusBack : kUsualColour;
+    const COLORREF text = coloured ? ThemeCurrentChrome().statusText : kUsualColour;
+    setAttribute(window, kCaptionColour, &back, sizeof(back));
+    setAttribute(window, kCaptionText, &text, sizeof(text));
 }
 
 void DialogApplyTheme(HWND dialog) {

@@ -30,7 +30,7 @@ bool HighContrastIsDark(const SystemColours& colours) {
 }
 
 ChromePalette HighContrastChrome(const SystemColours& colours) {
-    const ChromePalette& usual = ThemeChromePalette(HighContrastIsDark(colours));
+    const ChromePalette& usual = ThemeChromePalette(0, HighContrastIsDark(colours));
     const Rgb hover = Tinted(colours.face, colours.faceText, colours.faceText);
     const Rgb selected = Tinted(colours.window, colours.highlight, colours.windowText);
     const auto mark = [&](Rgb colour) {

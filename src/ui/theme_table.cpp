@@ -1,7 +1,10 @@
 // The palettes. Every text colour has a contrast of at least 4.5 to its background; the tests check that. Pure.
 #include "ui/theme_table.h"
 
+#include "ui/style_chrome.h"
+
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace {
@@ -10,6 +13,8 @@ namespace {
 // preprocessor, identifier, label, assembly, error.
 constexpr EditorStyle kStyles[] = {
     {.name = L"KVX-Editor",
+     .accent = TextRole::Keyword,
+     .font = {L"Segoe UI", 12},
      .light = {.back = 0xFFFFFF,
                .text = {0x24292F, 0x0B4FB3, 0x0A6B74, 0x6A3FA0, 0x8A3B12, 0x576657, 0x8F5400, 0x45505C, 0x8B2A7E,
                         0x24292F, 0x7A4A00, 0x0A6B74, 0xB3261E},
@@ -35,6 +40,8 @@ constexpr EditorStyle kStyles[] = {
               .boldKeywords = false,
               .italicComments = false}},
     {.name = L"Visual Studio Code",
+     .accent = TextRole::Identifier,
+     .font = {L"Consolas", 11},
      .light = {.back = 0xFFFFFF,
                .text = {0x1F1F1F, 0x8A1FB5, 0x1E6A7B, 0x725B10, 0x9C2418, 0x2B6F2B, 0x1A6E4D, 0x303030, 0x6F3FA8,
                         0x0A3A7A, 0x3A3A3A, 0x1E6A7B, 0xBF1C1C},
@@ -60,6 +67,8 @@ constexpr EditorStyle kStyles[] = {
               .boldKeywords = false,
               .italicComments = false}},
     {.name = L"Visual Studio",
+     .accent = TextRole::Keyword,
+     .font = {L"Consolas", 10},
      .light = {.back = 0xFFFFFF,
                .text = {0x101010, 0x0A18E0, 0x1F687C, 0x6B4A18, 0xA01818, 0x107010, 0x202020, 0x202020, 0x606060,
                         0x101010, 0x3C3C3C, 0x1F687C, 0xC40000},
@@ -85,8 +94,10 @@ constexpr EditorStyle kStyles[] = {
               .boldKeywords = false,
               .italicComments = false}},
     {.name = L"Notepad++",
+     .accent = TextRole::Comment,
+     .font = {L"Courier New", 10},
      .light = {.back = 0xFFFFFF,
-               .text = {0x000000, 0x0000E6, 0x7A00D6, 0x00606A, 0x5D5D5D, 0x006E00, 0xA04000, 0x000080, 0x76480B,
+               .text = {0x000000, 0x0000E6, 0x7A00D6, 0x00606A, 0x5D5D5D, 0x006A00, 0xA04000, 0x000080, 0x76480B,
                         0x000000, 0xA00050, 0x00606A, 0xBF0000},
                .caretLine = 0xEBEBFC,
                .selection = 0xE1E1E1,
@@ -110,6 +121,8 @@ constexpr EditorStyle kStyles[] = {
               .boldKeywords = true,
               .italicComments = false}},
     {.name = L"Sublime Text",
+     .accent = TextRole::Function,
+     .font = {L"Lucida Console", 10},
      .light = {.back = 0xFAFAF7,
                .text = {0x33332F, 0xB01255, 0x19687C, 0x3F6B0B, 0x775B0E, 0x616055, 0x6B3FB8, 0xA8184E, 0x9A4809,
                         0x33332F, 0x84560A, 0x19687C, 0xBB1E1E},
@@ -135,6 +148,8 @@ constexpr EditorStyle kStyles[] = {
               .boldKeywords = false,
               .italicComments = true}},
     {.name = L"PowerBASIC Classic",
+     .accent = TextRole::Keyword,
+     .font = {L"Courier New", 11},
      .light = {.back = 0xFFFFFF,
                .text = {0x000000, 0x0000C0, 0x00007A, 0x0000C0, 0xAF00AF, 0x007300, 0xB00000, 0x800000, 0x7A4A00,
                         0x000000, 0x7A4A00, 0x006A6A, 0xC00000},
@@ -236,13 +251,37 @@ Rgb Darker(Rgb colour, int step) {
 
 std::span<const EditorStyle> EditorStyles() { return kStyles; }
 
+const EditorStyle& EditorStyleOf(int style) {
+    return kStyles[style >= 0 && style < static_cast<int>(std::size(kStyles)) ? style : 0];
+}
+
 const EditorPalette& ThemePalette(int style, bool dark) {
-    const int count = static_cast<int>(std::size(kStyles));
-    const EditorStyle& row = kStyles[style >= 0 && style < count ? style : 0];
+    const EditorStyle& row = EditorStyleOf(style);
     return dark ? row.dark : row.light;
 }
 
-const ChromePalette& ThemeChromePalette(bool dark) { return dark ? kDarkChrome : kLightChrome; }
+std::optional<EditorFont> FontWithStyle(int left, int chosen, std::wstring_view face, int points) {
+    constexpr EditorFont kAfterReset = {L"Consolas", 11};  // the font of SettingsReset
+    const auto isPresent = [&](const EditorFont& font) { return face == font.face && points == font.points; };
+    const bool given =
+        isPresent(EditorStyleOf(left).font) || isPresent(EditorStyleOf(0).font) || isPresent(kAfterReset);
+    return given && left != chosen ? std::optional(EditorStyleOf(chosen).font) : std::nullopt;
+}
+
+const ChromePalette& ThemeChromePalette(int style, bool dark) {
+    using Frames = std::array<ChromePalette, std::size(kStyles)>;
+    const auto framesOf = [](bool isDark) {
+        Frames frames;
+        for (std::size_t i = 0; i < frames.size(); ++i) {
+            const EditorPalette& page = ThemePalette(static_cast<int>(i), isDark);
+            const ChromePalette& own = isDark ? kDarkChrome : kLightChrome;
+            frames[i] = i == 0 ? own : ChromeOfStyle(page, page.text[static_cast<int>(kStyles[i].accent)], own, isDark);
+        }
+        return frames;
+    };
+    static const Frames light = framesOf(false), darks = framesOf(true);
+    return (dark ? darks : light)[static_cast<std::size_t>(&EditorStyleOf(style) - kStyles)];
+}
 
 Rgb ThemeBlend(Rgb over, Rgb under, int alpha) {
     Rgb mixed = 0;

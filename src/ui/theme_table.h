@@ -1,10 +1,11 @@
-// The colours of all themes: six editor styles, each in a light and a dark variant, and the frame around the editors.
+// The colours of all themes: six editor styles, each in a light and a dark variant with a font, and the frame around the editors.
 // Colours are 0xRRGGBB here, as people write them; ThemeColorRef converts them to COLORREF. Pure.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string_view>
 
 using Rgb = std::uint32_t;  // 0xRRGGBB
 
@@ -64,8 +65,15 @@ struct ChromePalette {
     Rgb stopLine;  // blended over the line where the program stopped
 };
 
+struct EditorFont {
+    const wchar_t* face;
+    int points;
+};
+
 struct EditorStyle {
     const wchar_t* name;
+    TextRole accent;  // of the frame: the colour of this role
+    EditorFont font;
     EditorPalette light;
     EditorPalette dark;
 };
@@ -73,9 +81,15 @@ struct EditorStyle {
 // Row 0 is the program's own style. The menu offers rows 1..5.
 std::span<const EditorStyle> EditorStyles();
 
-// The palette of row 0 when `style` is out of range.
+// Row 0 when `style` is out of range.
+const EditorStyle& EditorStyleOf(int style);
 const EditorPalette& ThemePalette(int style, bool dark);
-const ChromePalette& ThemeChromePalette(bool dark);
+// The frame in that style: of row 0 by a table, of the others made of their editor palettes.
+const ChromePalette& ThemeChromePalette(int style, bool dark);
+
+// The font that comes when the style `chosen` follows the style `left`. None when the user has chosen the present font: it
+// is neither that of `left` nor one that the program starts with.
+std::optional<EditorFont> FontWithStyle(int left, int chosen, std::wstring_view face, int points);
 
 // The roles that the user may override, in the order of the settings.
 inline constexpr TextRole kOverriddenRoles[] = {TextRole::Keyword,   TextRole::String,   TextRole::Comment,

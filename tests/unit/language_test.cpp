@@ -33,7 +33,7 @@ double Hue(Rgb rgb) {
 
 TEST(Theme, AColourIsChangedUntilItCanBeReadAndKeepsItsHue) {
     for (const bool dark : {true, false}) {
-        const Rgb back = ThemeChromePalette(dark).paneBack;
+        const Rgb back = ThemeChromePalette(0, dark).paneBack;
         int changed = 0;
         for (Rgb rgb = 0; rgb < 18 * 18 * 18; ++rgb) {
             const Rgb r = rgb / 324 * 15, g = rgb / 18 % 18 * 15, b = rgb % 18 * 15;
@@ -59,7 +59,7 @@ TEST(Theme, TextsOfDiagnosticsCanBeReadInEveryStyle) {
         for (const bool dark : {false, true})
             for (const bool error : {false, true}) {
                 const EditorPalette& palette = ThemePalette(style, dark);
-                const Rgb shown = SeverityColour(palette, ThemeChromePalette(dark), error);
+                const Rgb shown = SeverityColour(palette, ThemeChromePalette(style, dark), error);
                 for (const Rgb back : {palette.back, palette.caretLine})
                     EXPECT_GE(ThemeContrast(shown, back), kReadableContrast) << style << dark << error;
             }

@@ -95,17 +95,45 @@ void ExpectChromeReadable(const std::string& where, const ChromePalette& chrome,
 
 TEST(Theme, EveryTextCanBeReadOnEachOfItsBackgrounds) {
     for (const bool dark : {false, true}) {
-        const std::string theme = dark ? ", dark" : ", light";
-        const ChromePalette& chrome = ThemeChromePalette(dark);
-        for (std::size_t style = 0; style < EditorStyles().size(); ++style)
-            ExpectEditorReadable("style " + std::to_string(style) + theme, ThemePalette(static_cast<int>(style), dark),
-                                 chrome, dark);
-        ExpectChromeReadable("frame" + theme, chrome, dark ? chrome.windowBack : 0xF0F0F0);
+        for (int style = 0; style < static_cast<int>(EditorStyles().size()); ++style) {
+            const std::string where = "style " + std::to_string(style) + (dark ? ", dark" : ", light");
+            const ChromePalette& chrome = ThemeChromePalette(style, dark);
+            ExpectEditorReadable(where, ThemePalette(style, dark), chrome, dark);
+            ExpectChromeReadable(where, chrome, dark || style != 0 ? chrome.windowBack : 0xF0F0F0);
+            const Rgb usual = ThemeChromePalette(0, dark).windowBack;
+            EXPECT_EQ(chrome.windowBack == usual, style == 0) << where << ": each style has a frame of its own";
+        }
     }
     EXPECT_NEAR(ThemeContrast(0xFFFFFF, 0x000000), 21.0, 0.01);
     EXPECT_NEAR(ThemeContrast(0x777777, 0xFFFFFF), 4.48, 0.01);
     EXPECT_EQ(&ThemePalette(99, true), &ThemePalette(0, true)) << "out of range: the program's own";
+    EXPECT_EQ(&ThemeChromePalette(99, true), &ThemeChromePalette(0, true));
     EXPECT_EQ(ThemeColorRef(0x112233), 0x332211u);
+}
+
+TEST(Theme, AStyleBringsItsFontUnlessTheUserHasChosenOne) {
+    const struct {
+        const char* what;
+        int left, chosen;
+        const wchar_t* face;
+        int points;
+        const wchar_t* then;  // null: the font stays
+    } cases[] = {
+        {"the font of the first start", 0, 3, L"Segoe UI", 12, L"Courier New"},
+        {"the font after a reset", 0, 4, L"Consolas", 11, L"Lucida Console"},
+        {"the font of the style that is left", 3, 1, L"Courier New", 10, L"Consolas"},
+        {"back to the program's own", 4, 0, L"Lucida Console", 10, L"Segoe UI"},
+        {"a style that was chosen before it had a font", 2, 3, L"Segoe UI", 12, L"Courier New"},
+        {"a face of the user's own", 3, 1, L"Cascadia Mono", 10, nullptr},
+        {"a size of the user's own", 3, 1, L"Courier New", 13, nullptr},
+        {"the font of another style", 1, 2, L"Courier New", 10, nullptr},
+        {"the same style again", 3, 3, L"Courier New", 10, nullptr},
+    };
+    for (const auto& row : cases) {
+        const auto font = FontWithStyle(row.left, row.chosen, row.face, row.points);
+        ASSERT_EQ(font.has_value(), row.then != nullptr) << row.what;
+        if (font) EXPECT_STREQ(font->face, row.then) << row.what;
+    }
 }
 
 TEST(Theme, HighContrastShowsTheColoursOfTheSystem) {

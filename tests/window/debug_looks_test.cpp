@@ -187,7 +187,7 @@ TEST(DebugLooks, MessagesCanBeReadInTheDarkTheme) {
     ASSERT_TRUE(session.editor.AwaitOutput(L"[Debug] Stopped."));
     message = L"Stopped.";
     EXPECT_EQ(colour(), 200u);
-    const Rgb lifted = ThemeReadableOn(0xC80000, ThemeChromePalette(true).paneBack);
+    const Rgb lifted = ThemeReadableOn(0xC80000, ThemeChromePalette(0, true).paneBack);
     EXPECT_NE(lifted, 0xC80000u);
     session.editor.Do(IDM_VIEW_DARK_THEME);
     EXPECT_TRUE(WaitFor([&] { return ThemeColorRef(colour()) == lifted; })) << std::hex << colour();

@@ -208,7 +208,7 @@ TEST(Marks, AJumpShowsThePlaceInTheMiddleAndTextsComeBySetting) {
 }
 
 TEST(Marks, TheOutputHasItsColoursAndBySettingReadableOnes) {
-    const Rgb back = ThemeChromePalette(false).paneBack;
+    const Rgb back = ThemeChromePalette(0, false).paneBack;
     for (const bool readable : {false, true}) {
         FakeFolder folder(kScript);
         folder.SetIni(L"Editor", L"ReadableOutput", readable ? L"1" : L"0");

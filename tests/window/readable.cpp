@@ -98,7 +98,7 @@ bool Near(Rgb a, Rgb b) {
 
 // Of an item in a menu only the colour tells that it cannot be used.
 bool IsOffInMenu(const PictureWord& word) {
-    const ChromePalette& dark = ThemeChromePalette(true);
+    const ChromePalette& dark = ThemeChromePalette(0, true);
     return Near(word.text, SystemRgb(COLOR_GRAYTEXT)) ||
            Near(word.text, ThemeBlend(dark.statusText, dark.statusBack, 128));
 }

@@ -352,6 +352,8 @@ TEST(View, CommandsChangeTheViewAndAreRemembered) {
             EXPECT_EQ(folder.Ini(L"Editor", L"EditorStylePreset"), std::to_wstring(style - IDM_STYLE_FIRST + 1));
         }
         EXPECT_NE(std::count(pages.begin(), pages.end(), pages[0]), 5) << "the five styles look the same";
+        EXPECT_EQ(folder.Ini(L"Editor", L"Font"), L"Courier New") << "the font of the last style";
+        EXPECT_EQ(folder.Ini(L"Editor", L"FontSize"), L"11");
         EXPECT_EQ(editor.Close(), 0u);
     }
     Editor editor(folder);
