@@ -75,6 +75,28 @@ TEST(DebugMenus, TheSelectedRowIsCopied) {
         EXPECT_TRUE(WaitFor([&] { return lit(IDM_EDIT_COPY) && !lit(IDM_EDIT_CUT) && !lit(IDM_EDIT_UNDO); }));
         EXPECT_EQ(Copied([&] { session.editor.Do(IDM_EDIT_COPY); }), text) << "by the Edit menu";
     }
+    // An item of the row's menu for each view that has no test of its menu alone.
+    const auto shown = [&](Tab tab) { return session.editor.Send(session.Tabs(), TCM_GETCURSEL) == tab; };
+    const auto address = [&] { return session.editor.TextOf(session.Address()); };
+    const struct {
+        Tab tab;
+        const wchar_t* name;
+        int column, letter;
+        std::function<bool()> done;
+    } menus[] = {
+        {kStack, L"1", 0, 'G', [&] { return session.editor.Line() == 8; }},
+        {kThreads, L"Main, shown", 1, 'G', [&] { return session.editor.Line() == 3; }},
+        {kStack, L"1", 0, 'D', [&] { return shown(kDisassembly); }},
+        {kLocals, L"total", 0, 'N', [&] { return session.Field() != nullptr; }},
+        {kRegisters, L"RBX", 0, 'M', [&] { return shown(kMemory) && address().starts_with(L"0x"); }},
+    };
+    for (const auto& menu : menus) {
+        SCOPED_TRACE(menu.tab);
+        session.Select(menu.tab);
+        ASSERT_TRUE(WaitFor([&] { return session.RowOf(menu.column, menu.name) >= 0; })) << Utf8(session.All());
+        session.ChooseByMouse(session.List(), session.Place(session.RowOf(menu.column, menu.name), 0), {menu.letter});
+        EXPECT_TRUE(WaitFor(menu.done)) << Utf8(session.All()) << Utf8(address());
+    }
     session.Select(kMemory);
     session.GoTo(L"RBP-8");
     session.editor.Click(session.Memory(), {10, 8});

@@ -3,9 +3,11 @@
 #include "editor/margins.h"
 #include "resources/ids.h"
 #include "window/harness.h"
+#include "window/readable.h"
 
 #include <commctrl.h>
 
+#include <cstring>
 #include <filesystem>
 
 namespace {
@@ -121,6 +123,12 @@ TEST_F(ProjectTree, FillsFoldersWhenOpenedAndPageByPage) {
     ASSERT_TRUE(WaitFor([&] { return editor->Tabs() == 2; })) << editor->Describe();
     EXPECT_EQ(editor->Text(), "inner text");
     EXPECT_TRUE(Shows("demo[big sub[inner.bas*] a.bas]"));
+    const HTREEITEM inner = Find(L"inner.bas", Next(TVGN_ROOT, nullptr));
+    RECT row = {};
+    std::memcpy(&row, &inner, sizeof(inner));
+    row = editor->Ask(tree, TVM_GETITEMRECT, TRUE, row);
+    editor->Click(tree, Centre(row), MOUSEEVENTF_LEFTDOWN, 0);
+    EXPECT_EQ(editor->TextOf(AwaitPopup(*editor, TOOLTIPS_CLASSW)), folder.File(L"demo\\sub\\inner.bas"));
     EXPECT_EQ(editor->Close(), 0u);
 }
 
