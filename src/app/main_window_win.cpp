@@ -218,13 +218,11 @@ LRESULT CALLBACK MainWndProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
 HWND MainWindow_Init(HINSTANCE instance, int showCommand) {
     WNDCLASSEXW description = {};
     description.cbSize = sizeof(description);
-    // Without CS_HREDRAW and CS_VREDRAW, with which each step of a resize would paint all panes three times.
+    // Without CS_HREDRAW and CS_VREDRAW, with which each step of a resize would paint all panes three times. The small
+    // icon comes with the DPI of the window.
     description.lpfnWndProc = MainWndProc;
     description.hInstance = instance;
     description.hIcon = LoadIconW(instance, MAKEINTRESOURCEW(IDI_APP));
-    description.hIconSm =
-        static_cast<HICON>(LoadImageW(instance, MAKEINTRESOURCEW(IDI_APP), IMAGE_ICON, GetSystemMetrics(SM_CXSMICON),
-                                      GetSystemMetrics(SM_CYSMICON), LR_SHARED));
     description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     description.hbrBackground = CreateSolidBrush(kBackground);
     description.lpszMenuName = MAKEINTRESOURCEW(IDR_MENU);

@@ -286,7 +286,7 @@ void CALLBACK RedrawBar(HWND list, UINT, UINT_PTR timer, DWORD) {
     g_list.barWaits = false;
     RECT client = {};
     GetClientRect(list, &client);
-    const RECT bar = {client.right, 0, client.right + GetSystemMetrics(SM_CXVSCROLL), client.bottom};
+    const RECT bar = {client.right, 0, client.right + UiMetric(SM_CXVSCROLL), client.bottom};
     RedrawWindow(list, &bar, nullptr, RDW_INVALIDATE | RDW_FRAME);
 }
 

@@ -108,7 +108,7 @@ Sight PresentSight() {
 
 // What a line of so many characters takes, beside it the margins and the scroll bar.
 int WidthFor(int characters) {
-    return characters * UiSizes().fixedWidth + 2 * UiScaled(kSideMargin) + GetSystemMetrics(SM_CXVSCROLL);
+    return characters * UiSizes().fixedWidth + 2 * UiScaled(kSideMargin) + UiMetric(SM_CXVSCROLL);
 }
 
 LRESULT CALLBACK AsmPaneProc(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, DWORD_PTR) {
@@ -210,7 +210,7 @@ void AsmPaneShowNext() {
     const bool below = before.last + 1 < before.lines && before.first == PresentSight().first;
     RECT client = {};
     GetClientRect(g_disasm.hAsmPane, &client);
-    const RECT scrollBar = {client.right, 0, client.right + GetSystemMetrics(SM_CXVSCROLL), client.bottom};
+    const RECT scrollBar = {client.right, 0, client.right + UiMetric(SM_CXVSCROLL), client.bottom};
     RedrawWindow(g_disasm.hAsmPane, below ? &scrollBar : nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME);
 }
 

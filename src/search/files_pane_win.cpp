@@ -124,7 +124,7 @@ void LayOutFilesPane() {
     SetWindowPos(g_filesPane.list, nullptr, 0, bar, client.right, client.bottom - bar,
                  SWP_NOZORDER | SWP_NOACTIVATE | SWP_DEFERERASE);
     // The width without the scroll bar, which comes with the rows: a wider column would bring a second bar.
-    ListSend(LVM_SETCOLUMNWIDTH, 0, MAKELPARAM(std::max<int>(client.right - GetSystemMetrics(SM_CXVSCROLL) - 1, 1), 0));
+    ListSend(LVM_SETCOLUMNWIDTH, 0, MAKELPARAM(std::max<int>(client.right - UiMetric(SM_CXVSCROLL) - 1, 1), 0));
     PlaceButtons();
     InvalidateRect(g_filesPane.pane, nullptr, FALSE);
 }

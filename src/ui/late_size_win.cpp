@@ -161,7 +161,7 @@ void FillThumb(HWND pane, HDC dc, int bar, const RECT& strip) {
     info.cbSize = sizeof(info);
     info.fMask = SIF_RANGE | SIF_PAGE | SIF_POS;
     const bool upright = bar == SB_VERT;
-    const int arrow = GetSystemMetrics(upright ? SM_CYVSCROLL : SM_CXHSCROLL);
+    const int arrow = UiMetric(upright ? SM_CYVSCROLL : SM_CXHSCROLL);
     const int track = static_cast<int>(upright ? strip.bottom - strip.top : strip.right - strip.left) - 2 * arrow;
     if (GetScrollInfo(pane, bar, &info) == FALSE) return;
     const int range = info.nMax - info.nMin + 1, page = static_cast<int>(info.nPage);

@@ -54,7 +54,7 @@ int RoomForColumns(const ListView& list) {
     const int width = window.right - window.left - frame;
     const int rows = ListViewRowCount(list) > 0 ? ListViewRowCount(list) * ListRowHeight(list) : 0;
     if (rows <= window.bottom - window.top - frame - (header.bottom - header.top)) return width;
-    return (style & WS_VSCROLL) != 0 ? client.right : width - GetSystemMetrics(SM_CXVSCROLL);
+    return (style & WS_VSCROLL) != 0 ? client.right : width - UiMetric(SM_CXVSCROLL);
 }
 
 void KeepPlace(ListView& list) {
