@@ -15,6 +15,8 @@ std::wstring ToolbarCompilerText();  // text of the compiler button
 void ToolbarShowCompilerMenu(HWND bar, const RECT& button);
 void ToolbarShowHiddenMenu(HWND bar, const RECT& button, std::span<const HiddenButton> buttons);
 
+IconInks ToolbarInksNow(bool enabled);
+
 // What an image list and what a menu expects of the colours of a bitmap with opacity.
 enum class PictureUse : std::uint8_t { ImageList, Menu };
 // A 32-bit bitmap of `size` x `size` pixels with opacity, which the caller deletes; null when there is no memory.

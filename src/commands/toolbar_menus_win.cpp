@@ -32,6 +32,11 @@ void ShowMenuBelow(HWND bar, const RECT& button, std::span<const MenuItem> items
 
 }  // namespace
 
+IconInks ToolbarInksNow(bool enabled) {
+    return SystemHighContrast() ? HighContrastInks(ThemeUsedSystem().colours, enabled)
+                                : ToolbarInks(ThemeIsDark(), enabled);
+}
+
 HBITMAP ToolbarPicture(Icon icon, int size, const IconInks& inks, PictureUse use) {
     std::vector<std::uint32_t> pixels = RenderIcon(icon, size, inks);
     // An image list multiplies the colours by the opacity itself; a menu takes them multiplied.
@@ -75,7 +80,7 @@ void ToolbarShowCompilersAt(POINT screen) {
 
 void ToolbarShowHiddenMenu(HWND bar, const RECT& button, std::span<const HiddenButton> buttons) {
     // The states are set when it opens, as in every menu.
-    const IconInks inks = ToolbarInks(ThemeIsDark(), true);
+    const IconInks inks = ToolbarInksNow(true);
     std::vector<UniqueBitmap> pictures;
     std::vector<std::wstring> texts;
     for (const HiddenButton& hidden : buttons) {

@@ -69,6 +69,11 @@ IconInks ToolbarInks(bool dark, bool enabled) {
     return {.line = 0x4A5468, .accent = 0x1F6FD0, .go = 0x238A3A, .stop = 0xCC3A33, .fill = 0xFFFFFF};
 }
 
+IconInks HighContrastInks(const SystemColours& colours, bool enabled) {
+    const Rgb ink = enabled ? colours.faceText : colours.greyText;
+    return {.line = ink, .accent = ink, .go = ink, .stop = ink, .fill = colours.face};
+}
+
 std::vector<CompilerMenuRow> CompilerMenuRows(int activeCompiler, int profile, bool canBuildAll,
                                               const CompilerProbe& installed) {
     std::vector<CompilerMenuRow> rows;

@@ -4,6 +4,7 @@
 #include "commands/icons.h"
 #include "commands/toolbar_table.h"
 #include "settings/compiler_table.h"
+#include "ui/high_contrast.h"
 
 #include <cstdint>
 #include <functional>
@@ -38,6 +39,8 @@ std::wstring CommandTip(std::wstring_view menuText, std::wstring_view key);
 std::wstring CommandItem(std::wstring_view menuText, std::wstring_view key);
 
 IconInks ToolbarInks(bool dark, bool enabled);
+// In the high-contrast mode the pictures have the one colour in which the system writes on its buttons.
+IconInks HighContrastInks(const SystemColours& colours, bool enabled);
 
 // The menu of the compiler button.
 struct CompilerMenuRow {

@@ -51,7 +51,7 @@ int g_pressed = 0;                        // the command of the button that went
 HIMAGELIST RenderImages(bool enabled) {
     const int size = UiScaled(kIconSize);
     HIMAGELIST images = ImageList_Create(size, size, ILC_COLOR32, static_cast<int>(std::size(kToolbarButtons)), 0);
-    const IconInks inks = ToolbarInks(ThemeIsDark(), enabled);
+    const IconInks inks = ToolbarInksNow(enabled);
     for (const ButtonRow& row : kToolbarButtons) {
         if (row.command == 0 || row.command == IDM_COMPILER_MENU) continue;
         HBITMAP bitmap = ToolbarPicture(row.icon, size, inks, PictureUse::ImageList);

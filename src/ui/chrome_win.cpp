@@ -42,7 +42,8 @@ SystemLook ThemeReadSystem() {
                         .face = RgbOfSystem(COLOR_BTNFACE),
                         .faceText = RgbOfSystem(COLOR_BTNTEXT),
                         .highlight = RgbOfSystem(COLOR_HIGHLIGHT),
-                        .highlightText = RgbOfSystem(COLOR_HIGHLIGHTTEXT)}};
+                        .highlightText = RgbOfSystem(COLOR_HIGHLIGHTTEXT),
+                        .greyText = RgbOfSystem(COLOR_GRAYTEXT)}};
 }
 
 void ThemeUseSystem(const SystemLook& look) {

@@ -9,6 +9,7 @@ struct SystemColours {
     Rgb window, windowText;
     Rgb face, faceText;  // of buttons, bars and dialogs
     Rgb highlight, highlightText;
+    Rgb greyText;  // of what cannot be chosen, on `face`
     bool operator==(const SystemColours&) const = default;
 };
 

@@ -1,5 +1,6 @@
 // Every text of the program on every background that it can stand on: in both themes, in each style, and in the
 // high-contrast mode with the colours that people choose there.
+#include "commands/toolbar_rules.h"
 #include "ui/high_contrast.h"
 #include "ui/theme_table.h"
 
@@ -138,12 +139,12 @@ TEST(Theme, AStyleBringsItsFontUnlessTheUserHasChosenOne) {
 
 TEST(Theme, HighContrastShowsTheColoursOfTheSystem) {
     const std::pair<const char*, SystemColours> schemes[] = {
-        {"white on black", {0x000000, 0xFFFFFF, 0x000000, 0xFFFFFF, 0x1AEBFF, 0x000000}},
-        {"yellow on black", {0x000000, 0xFFFF00, 0x000000, 0x00FF00, 0x008000, 0xFFFFFF}},
-        {"green on black", {0x000000, 0x00FF00, 0x000000, 0xC0C0C0, 0x0000FF, 0xFFFFFF}},
-        {"black on white", {0xFFFFFF, 0x000000, 0xFFFFFF, 0x000000, 0x37006E, 0xFFFFFF}},
-        {"black on sand", {0xFFFAEF, 0x3D3D3D, 0xFFFAEF, 0x202020, 0x903909, 0xFFF5E3}},
-        {"white on grey", {0x2D3236, 0xFFFFFF, 0x2D3236, 0xB6F6F0, 0xA1BFDE, 0x212D3B}},
+        {"white on black", {0x000000, 0xFFFFFF, 0x000000, 0xFFFFFF, 0x1AEBFF, 0x000000, 0x3FF23F}},
+        {"yellow on black", {0x000000, 0xFFFF00, 0x000000, 0x00FF00, 0x008000, 0xFFFFFF, 0x00FF00}},
+        {"green on black", {0x000000, 0x00FF00, 0x000000, 0xC0C0C0, 0x0000FF, 0xFFFFFF, 0x00FF00}},
+        {"black on white", {0xFFFFFF, 0x000000, 0xFFFFFF, 0x000000, 0x37006E, 0xFFFFFF, 0x600000}},
+        {"black on sand", {0xFFFAEF, 0x3D3D3D, 0xFFFAEF, 0x202020, 0x903909, 0xFFF5E3, 0x676767}},
+        {"white on grey", {0x2D3236, 0xFFFFFF, 0x2D3236, 0xB6F6F0, 0xA1BFDE, 0x212D3B, 0xA6A6A6}},
     };
     for (const auto& [name, colours] : schemes) {
         const bool dark = HighContrastIsDark(colours);
@@ -151,6 +152,12 @@ TEST(Theme, HighContrastShowsTheColoursOfTheSystem) {
         ExpectChromeReadable(name, chrome, colours.face);
         EXPECT_EQ(chrome.paneText, colours.windowText) << name;
         EXPECT_EQ(chrome.line, colours.windowText) << name << ": lines between panes are seen";
+        for (const bool enabled : {true, false}) {
+            const IconInks inks = HighContrastInks(colours, enabled);
+            ExpectReadable(name, {{"line", inks.line}, {"accent", inks.accent}, {"go", inks.go}, {"stop", inks.stop}},
+                           {{"button", colours.face}, {"inside of a shape", inks.fill}});
+            EXPECT_EQ(inks.line, enabled ? colours.faceText : colours.greyText) << name;
+        }
         for (std::size_t style = 0; style < EditorStyles().size(); ++style) {
             const EditorPalette palette = HighContrastPalette(colours, ThemePalette(static_cast<int>(style), dark));
             const std::string where = name + std::string(", style ") + std::to_string(style);
